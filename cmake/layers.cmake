@@ -1,0 +1,60 @@
+# tallowcrest_layer(NAME SOURCES... [DEPENDS layer...] [LIBRARIES target...])
+#
+# One folder of src/ as one static library, linked to just the layers that it may include.
+function(tallowcrest_layer name)
+    cmake_parse_arguments(LAYER "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
+    set(target tallowcrest_${name})
+    add_library(${target} STATIC ${LAYER_SOURCES})
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    list(TRANSFORM LAYER_DEPENDS PREPEND tallowcrest_)
+    target_link_libraries(
+        ${target}
+        PUBLIC ${LAYER_DEPENDS} ${LAYER_LIBRARIES}
+        PRIVATE tallowcrest_options)
+endfunction()
+
+# tallowcrest_test(NAME SOURCES... [MAIN file] [LIBRARIES target...] [PROPERTIES ...])
+#
+# One GoogleTest program; each of its cases becomes one test of ctest. MAIN names a file with a main
+# function of its own, for tests that need more than GoogleTest's.
+function(tallowcrest_test name)
+    cmake_parse_arguments(TEST "" "MAIN" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
+    add_executable(${name} ${TEST_SOURCES} ${TEST_MAIN})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} tallowcrest_options GTest::gmock
+                                          $<IF:$<BOOL:${TEST_MAIN}>,GTest::gtest,GTest::gtest_main>)
+    target_compile_definitions(
+        ${name} PRIVATE TALLOWCREST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+                        TALLOWCREST_BINARY_DIR="${PROJECT_BINARY_DIR}")
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    gtest_discover_tests(
+        ${name}
+        DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT 120 ${TEST_PROPERTIES})
+endfunction()
+
+# tallowcrest_fuzz(NAME SOURCES... [LIBRARIES target...])
+#
+# One libFuzzer program. `make fuzz` runs every program that it finds in the folder fuzz/ of the
+# build; recorded inputs in fuzz/corpus/NAME/ are its seeds.
+function(tallowcrest_fuzz name)
+    cmake_parse_arguments(FUZZ "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${FUZZ_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${FUZZ_LIBRARIES} tallowcrest_options)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
+endfunction()
+
+# tallowcrest_bench(NAME SOURCES... [LIBRARIES target...])
+#
+# One Google Benchmark program. `make bench` runs every program that it finds in the folder bench/
+# of the build.
+function(tallowcrest_bench name)
+    cmake_parse_arguments(BENCH "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${BENCH_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${BENCH_LIBRARIES} tallowcrest_options
+                                          benchmark::benchmark_main)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+endfunction()
