@@ -1,0 +1,32 @@
+#include "core/local_records.h"
+
+namespace tallowcrest {
+
+std::string_view lastPathComponent(std::string_view path) {
+    const std::size_t end = path.find_last_not_of('/');
+    if (end == std::string_view::npos) {
+        return {};
+    }
+    path = path.substr(0, end + 1);
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view ProcessSample::displayName() const {
+    const std::string_view name = lastPathComponent(command);
+    return name.empty() ? std::string_view(command) : name;
+}
+
+std::string_view title(Recommendation::Severity severity) {
+    switch (severity) {
+        case Recommendation::Severity::info:
+            return "Info";
+        case Recommendation::Severity::caution:
+            return "Caution";
+        case Recommendation::Severity::urgent:
+            return "Urgent";
+    }
+    return {};
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace tallowcrest {
+
+/// Encoded JSON, as its own kind beside plain text.
+struct JSONData {
+    std::string text;
+
+    bool operator==(const JSONData&) const = default;
+};
+
+using SettingsTextList = std::vector<std::string>;
+using SettingsTable = std::map<std::string, std::int64_t>;
+
+/// The kinds of values that a settings key can hold: flag, number, text, list of texts, table from
+/// text to integer, JSON.
+using SettingsValue =
+    std::variant<bool, double, std::string, SettingsTextList, SettingsTable, JSONData>;
+
+/// The owner's flat key-value store. Main thread.
+class SettingsStore {
+public:
+    virtual ~SettingsStore() = default;
+
+    /// Absent when the key was never written.
+    virtual std::optional<SettingsValue> read(std::string_view key) const = 0;
+
+    /// Written through before it returns. A value that cannot be kept leaves the older one.
+    virtual void write(std::string_view key, const SettingsValue& value) = 0;
+};
+
+/// A store that lives as long as the process, for runs that must leave nothing behind.
+class MemorySettingsStore final : public SettingsStore {
+public:
+    std::optional<SettingsValue> read(std::string_view key) const override;
+    void write(std::string_view key, const SettingsValue& value) override;
+
+private:
+    std::map<std::string, SettingsValue, std::less<>> values_;
+};
+
+}  // namespace tallowcrest
