@@ -1,0 +1,261 @@
+#include "sampling/app_impact.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+
+#include "sampling/stable_order.h"
+
+namespace tallowcrest {
+namespace {
+
+// Names into groups ------------------------------------------------------------------------------
+
+/// One bit for each of the letters a to z that a text holds.
+constexpr std::uint32_t letterBit(char c) {
+    return c >= 'a' && c <= 'z' ? std::uint32_t{1} << (c - 'a') : 0;
+}
+
+constexpr std::uint32_t lettersOf(std::string_view text) {
+    std::uint32_t letters = 0;
+    for (const char c : text) {
+        letters |= letterBit(c);
+    }
+    return letters;
+}
+
+struct GroupRule {
+    constexpr GroupRule(std::string_view text, std::string_view name, bool equal = false)
+        : needle(text), group(name), whole(equal), letters(lettersOf(text)) {}
+
+    std::string_view needle;
+    std::string_view group;
+    bool whole;  ///< the name must equal the needle, not just contain it
+    std::uint32_t letters;
+};
+
+constexpr bool wholeName = true;
+
+/// The first rule that holds decides. Counts, recommendations and the Never Quit list all key on
+/// these groups, so the rules are as wide as they look: "search" belongs to "Arc".
+constexpr std::array groupRules{
+    GroupRule{"google chrome", "Google Chrome"},
+    GroupRule{"chrome helper", "Google Chrome"},
+    GroupRule{"chrome", "Google Chrome", wholeName},
+    GroupRule{"safari", "Safari"},
+    GroupRule{"webkit", "Safari"},
+    GroupRule{"firefox", "Firefox"},
+    GroupRule{"arc", "Arc"},
+    GroupRule{"docker", "Docker"},
+    GroupRule{"com.docker", "Docker"},
+    GroupRule{"electron", "Electron Apps"},
+    GroupRule{"node", "Node.js"},
+    GroupRule{"python", "Python"},
+    GroupRule{"swift", "Developer Tools"},
+    GroupRule{"xcode", "Developer Tools"},
+    GroupRule{"clang", "Developer Tools"},
+    GroupRule{"virtualization", "Virtualization"},
+    GroupRule{"virtualmachine", "Virtualization"},
+};
+
+/// Lower-cases A to Z and the only two other letters whose lower case holds an ASCII letter. All
+/// further letters stay as they are: the needles are ASCII, so none can take part in a match.
+void lowerCase(std::string_view text, std::string& lowered) {
+    constexpr std::string_view kelvinSign = "\u212A";
+    constexpr std::string_view dottedCapitalI = "\u0130";
+    lowered.clear();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c >= 'A' && c <= 'Z') {
+            lowered.push_back(static_cast<char>(c - 'A' + 'a'));
+        } else if (c == kelvinSign.front() && text.substr(i).starts_with(kelvinSign)) {
+            lowered.push_back('k');
+            i += kelvinSign.size() - 1;
+        } else if (c == dottedCapitalI.front() && text.substr(i).starts_with(dottedCapitalI)) {
+            lowered.append("i\u0307");
+            i += dottedCapitalI.size() - 1;
+        } else {
+            lowered.push_back(c);
+        }
+    }
+}
+
+/// The group as a view of the rules or of `name`. `scratch` is working space, kept by the caller
+/// so that a table of names needs no allocation each.
+std::string_view groupOf(std::string_view name, std::string& scratch) {
+    lowerCase(name, scratch);
+    const std::string_view lowered = scratch;
+    const std::uint32_t letters = lettersOf(lowered);
+    for (const GroupRule& rule : groupRules) {
+        // Most names lack some letter of most needles, which spares the search.
+        if ((rule.letters & ~letters) != 0) {
+            continue;
+        }
+        if (rule.whole ? lowered == rule.needle
+                       : lowered.find(rule.needle) != std::string_view::npos) {
+            return rule.group;
+        }
+    }
+    return name;
+}
+
+// The impact orders ------------------------------------------------------------------------------
+
+/// What the process order looks at, copied out of the row: following a pointer for each comparison
+/// would cost more than the comparison in a large table.
+struct RankedProcess {
+    RankedProcess() = default;
+    explicit RankedProcess(const ProcessSample& sample)
+        : cpu(sample.cpu), rssMB(sample.rssMB), row(&sample) {}
+
+    double cpu = 0.0;
+    double rssMB = 0.0;
+    const ProcessSample* row = nullptr;
+};
+
+bool processBefore(const RankedProcess& a, const RankedProcess& b) {
+    constexpr double cpuBand = 1.0;
+    return std::abs(a.cpu - b.cpu) > cpuBand ? a.cpu > b.cpu : a.rssMB > b.rssMB;
+}
+
+bool groupBefore(const AppImpact* a, const AppImpact* b) {
+    constexpr double cpuBand = 2.0;
+    return std::abs(a->totalCPU - b->totalCPU) > cpuBand ? a->totalCPU > b->totalCPU
+                                                         : a->totalMemoryMB > b->totalMemoryMB;
+}
+
+// Groups -----------------------------------------------------------------------------------------
+
+constexpr std::size_t noRow = std::numeric_limits<std::size_t>::max();
+
+/// A group while it is being collected; its members are chained in the order of the table.
+struct Group {
+    std::string_view name;
+    std::int64_t processCount = 0;
+    std::int64_t protectedCount = 0;
+    double totalCPU = 0.0;
+    double totalMemoryMB = 0.0;
+    std::size_t firstRow = noRow;
+    std::size_t lastRow = noRow;
+
+    bool isListed() const {
+        constexpr double minimumCPU = 1.0;
+        constexpr double minimumMemoryMB = 80.0;
+        return totalCPU >= minimumCPU || totalMemoryMB >= minimumMemoryMB;
+    }
+};
+
+/// The rows sorted into groups, which stand in the order of their first rows.
+class GroupedRows {
+public:
+    GroupedRows(const std::vector<ProcessSample>& rows, const ProtectionPolicy& policy)
+        : rows_(rows), nextRow_(rows.size(), noRow), protectedRow_(rows.size()) {
+        std::unordered_map<std::string_view, std::size_t> groupIndexes;
+        std::string scratch;
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            const std::string_view name = groupOf(rows[i].displayName(), scratch);
+            const auto [found, isNew] = groupIndexes.try_emplace(name, groups_.size());
+            if (isNew) {
+                groups_.push_back(Group{name});
+            }
+            protectedRow_[i] = isProtected(rows[i], policy);
+            append(groups_[found->second], i);
+        }
+    }
+
+    const std::vector<Group>& groups() const { return groups_; }
+
+    /// The group's top safe process; its top process when none is safe.
+    std::int64_t topPID(const Group& group, bool nameProtected) const {
+        const bool anySafe = !nameProtected && group.protectedCount < group.processCount;
+        std::vector<RankedProcess> pool;
+        for (std::size_t i = group.firstRow; i != noRow; i = nextRow_[i]) {
+            if (!anySafe || !protectedRow_[i]) {
+                pool.emplace_back(rows_[i]);
+            }
+        }
+        return stableFirst(std::move(pool), processBefore).row->pid;
+    }
+
+private:
+    void append(Group& group, std::size_t index) {
+        const ProcessSample& row = rows_[index];
+        ++group.processCount;
+        group.protectedCount += protectedRow_[index] ? 1 : 0;
+        group.totalCPU += row.cpu;
+        group.totalMemoryMB += row.rssMB;
+        (group.firstRow == noRow ? group.firstRow : nextRow_[group.lastRow]) = index;
+        group.lastRow = index;
+    }
+
+    const std::vector<ProcessSample>& rows_;
+    std::vector<Group> groups_;
+    std::vector<std::size_t> nextRow_;
+    std::vector<bool> protectedRow_;
+};
+
+}  // namespace
+
+std::string normalizedAppName(std::string_view name) {
+    std::string scratch;
+    return std::string(groupOf(name, scratch));
+}
+
+std::string appGroupName(const ProcessSample& row) {
+    return normalizedAppName(row.displayName());
+}
+
+std::vector<ProcessSample> rankProcesses(const std::vector<ProcessSample>& rows,
+                                         std::size_t limit) {
+    std::vector<RankedProcess> order(rows.begin(), rows.end());
+    stableOrder(order, processBefore);
+    order.resize(std::min(limit, order.size()));
+    std::vector<ProcessSample> ranked;
+    ranked.reserve(order.size());
+    for (const RankedProcess& process : order) {
+        ranked.push_back(*process.row);
+    }
+    return ranked;
+}
+
+std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
+                                       const ProtectedAppNames& protectedAppNames,
+                                       const ProtectionPolicy& policy) {
+    const GroupedRows grouped(rows, policy);
+    std::vector<AppImpact> impacts;
+    for (const Group& group : grouped.groups()) {
+        if (!group.isListed()) {
+            continue;
+        }
+        AppImpact impact{.name = std::string(group.name),
+                         .processCount = group.processCount,
+                         .totalCPU = group.totalCPU,
+                         .totalMemoryMB = group.totalMemoryMB,
+                         .topPID = std::nullopt,
+                         .protectedCount = group.protectedCount};
+        const bool nameProtected = protectedAppNames.contains(impact.name);
+        impact.topPID = grouped.topPID(group, nameProtected);
+        if (nameProtected) {
+            impact.protectedCount = group.processCount;
+        }
+        impacts.push_back(std::move(impact));
+    }
+
+    std::vector<AppImpact*> order;
+    order.reserve(impacts.size());
+    for (AppImpact& impact : impacts) {
+        order.push_back(&impact);
+    }
+    stableOrder(order, groupBefore);
+    std::vector<AppImpact> ranked;
+    ranked.reserve(order.size());
+    for (AppImpact* impact : order) {
+        ranked.push_back(std::move(*impact));
+    }
+    return ranked;
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/local_records.h"
+#include "sampling/protection.h"
+
+namespace tallowcrest {
+
+/// The application group of an executable name; the name unchanged when no rule holds.
+std::string normalizedAppName(std::string_view name);
+
+/// `normalizedAppName` of the row's display name.
+std::string appGroupName(const ProcessSample& row);
+
+/// The rows in impact order: higher CPU first, and within one percentage point higher memory
+/// first. That relation is not transitive, so the result depends on the order given, which is
+/// that of the process table. At most `limit` rows are returned.
+std::vector<ProcessSample> rankProcesses(
+    const std::vector<ProcessSample>& rows,
+    std::size_t limit = std::numeric_limits<std::size_t>::max());
+
+/// The application groups that hold at least 1 percent CPU or 80 MB, in impact order, not capped.
+/// Empty for no rows. Any thread.
+std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
+                                       const ProtectedAppNames& protectedAppNames,
+                                       const ProtectionPolicy& policy);
+
+}  // namespace tallowcrest

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <initializer_list>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// What may be launched on this machine. Pure; any thread.
+namespace tallowcrest::CommandSafetyPolicy {
+
+/// Absolute paths, compared as they stand: no normalisation, no link resolution, no search path.
+class AllowedExecutables {
+public:
+    AllowedExecutables(std::initializer_list<std::string_view> paths);
+    explicit AllowedExecutables(std::span<const std::string_view> paths);
+
+    bool contains(std::string_view path) const;
+    std::size_t size() const { return paths_.size(); }
+
+private:
+    std::set<std::string, std::less<>> paths_;
+};
+
+/// The twelve tools of macOS.
+const AllowedExecutables& macOSExecutables();
+
+/// The desktop's own process viewers that Linux may have, in the order in which they are tried.
+inline constexpr std::array<std::string_view, 6> linuxSystemMonitors{
+    "/usr/bin/gnome-system-monitor", "/usr/bin/plasma-systemmonitor", "/usr/bin/ksysguard",
+    "/usr/bin/mate-system-monitor",  "/usr/bin/xfce4-taskmanager",    "/usr/bin/lxtask"};
+
+/// The tools that are launched on Linux, where the kernel's own files replace most others: the
+/// secure shell and `linuxSystemMonitors`.
+const AllowedExecutables& linuxExecutables();
+
+inline bool isAllowedExecutable(const AllowedExecutables& allowed, std::string_view path) {
+    return allowed.contains(path);
+}
+
+}  // namespace tallowcrest::CommandSafetyPolicy

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/local_records.h"
+
+namespace tallowcrest {
+
+/// The volume that holds the home directory.
+class HomeVolume {
+public:
+    virtual ~HomeVolume() = default;
+
+    /// Capacity, and what is free for the owner to use. A figure that cannot be read is 0. Blocks;
+    /// any thread but the main one.
+    virtual DiskSnapshot readDiskSnapshot() = 0;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/local_records.h"
+#include "core/observable.h"
+
+namespace tallowcrest {
+
+/// The latest sample and the session timeline. Main thread.
+class LatestSample {
+public:
+    /// 180 points at one in 4 seconds cover 12 minutes.
+    static constexpr std::size_t maximumHistory = 180;
+    static constexpr std::size_t maximumTopAppNames = 80;
+    static constexpr std::size_t keptTopAppNames = 40;
+
+    using SaveHistory = std::function<void(const std::vector<HistoryPoint>&)>;
+
+    /// `storedHistory` is taken over as it stands; the first sample trims it.
+    LatestSample(Observable& observable, std::vector<HistoryPoint> storedHistory,
+                 SaveHistory saveHistory);
+
+    /// Absent until the first sample has landed.
+    const std::optional<SystemSnapshot>& snapshot() const { return snapshot_; }
+    /// Every row of the latest process table, unranked and uncapped.
+    const std::vector<ProcessSample>& latestProcesses() const { return latestProcesses_; }
+    /// Oldest first.
+    const std::vector<HistoryPoint>& history() const { return history_; }
+    /// How many samples each application group led in this run.
+    const std::map<std::string, std::int64_t>& topAppSamples() const { return topAppSamples_; }
+
+    void setLatestProcesses(std::vector<ProcessSample> processes);
+    void setSnapshot(SystemSnapshot snapshot);
+    /// Appends the current snapshot's point, drops the oldest beyond `maximumHistory`, saves.
+    void appendHistoryPoint();
+    /// Counts the leading group of the current snapshot, if it has one.
+    void countTopApp();
+
+    const std::vector<Recommendation>& recommendations() const { return recommendations_; }
+    void setRecommendations(std::vector<Recommendation> recommendations);
+    const std::vector<SessionInsight>& sessionInsights() const { return sessionInsights_; }
+    void setSessionInsights(std::vector<SessionInsight> insights);
+
+private:
+    Observable& observable_;
+    SaveHistory saveHistory_;
+    std::optional<SystemSnapshot> snapshot_;
+    std::vector<ProcessSample> latestProcesses_;
+    std::vector<HistoryPoint> history_;
+    std::map<std::string, std::int64_t> topAppSamples_;
+    std::vector<Recommendation> recommendations_;
+    std::vector<SessionInsight> sessionInsights_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,212 @@
+#include "sampling/protection.h"
+
+#include <unordered_set>
+
+namespace tallowcrest {
+namespace {
+
+using Names = std::unordered_set<std::string_view>;
+
+const Names& builtInNames() {
+    static const Names names{
+        "kernel_task",    "launchd",       "WindowServer",  "loginwindow", "Finder",
+        "SystemUIServer", "ControlCenter", "Dock",          "cfprefsd",    "distnoted",
+        "notifyd",        "powerd",        "runningboardd", "Tallowcrest",
+    };
+    return names;
+}
+
+/// What ends the session, or takes away the means to see, hear, reach or unlock the machine.
+const Names& linuxNames() {
+    static const Names names{
+        // This program
+        "tallowcrest",
+        "tallowcrest-desktop",
+
+        // Service manager, of the system and of each user
+        "systemd",
+        "(sd-pam)",
+        "init",
+
+        // Services the service manager itself leans on
+        "systemd-homed",
+        "systemd-journald",
+        "systemd-logind",
+        "systemd-machined",
+        "systemd-networkd",
+        "systemd-oomd",
+        "systemd-resolved",
+        "systemd-timesyncd",
+        "systemd-udevd",
+        "systemd-userdbd",
+        "systemd-userwork",
+
+        // Display servers
+        "X",
+        "Xorg",
+        "Xtigervnc",
+        "Xvfb",
+        "Xvnc",
+        "Xwayland",
+
+        // Compositors and window managers
+        "Hyprland",
+        "awesome",
+        "bspwm",
+        "budgie-wm",
+        "cage",
+        "cinnamon",
+        "compiz",
+        "cosmic-comp",
+        "dwm",
+        "enlightenment",
+        "fluxbox",
+        "gala",
+        "gamescope",
+        "gamescope-wl",
+        "gnome-shell",
+        "herbstluftwm",
+        "i3",
+        "icewm",
+        "jwm",
+        "kwin_wayland",
+        "kwin_wayland_wrapper",
+        "kwin_x11",
+        "labwc",
+        "marco",
+        "metacity",
+        "muffin",
+        "mutter",
+        "niri",
+        "openbox",
+        "phoc",
+        "river",
+        "sway",
+        "wayfire",
+        "weston",
+        "xfwm4",
+
+        // Desktop shells: without them there is no panel left to start anything from
+        "budgie-panel",
+        "gnome-panel",
+        "lxpanel",
+        "lxqt-panel",
+        "mate-panel",
+        "phosh",
+        "plasmashell",
+        "xfce4-panel",
+
+        // Session managers
+        "budgie-session-binary",
+        "cinnamon-session",
+        "cinnamon-session-binary",
+        "cosmic-session",
+        "gnome-session",
+        "gnome-session-binary",
+        "gnome-session-ctl",
+        "gnome-session-service",
+        "icewm-session",
+        "ksmserver",
+        "lxqt-session",
+        "lxsession",
+        "mate-session",
+        "plasma_session",
+        "startplasma-wayland",
+        "startplasma-x11",
+        "xfce4-session",
+
+        // Login managers and logins
+        "agetty",
+        "elogind",
+        "elogind-daemon",
+        "gdm",
+        "gdm-session-worker",
+        "gdm-wayland-session",
+        "gdm-x-session",
+        "gdm3",
+        "getty",
+        "greetd",
+        "lightdm",
+        "login",
+        "lxdm",
+        "lxdm-binary",
+        "lxdm-session",
+        "sddm",
+        "sddm-helper",
+        "sddm-helper-start-wayland",
+        "sddm-helper-start-x11user",
+        "seatd",
+        "xdm",
+        "xinit",
+
+        // Message bus
+        "dbus-broker",
+        "dbus-broker-launch",
+        "dbus-daemon",
+        "dbus-launch",
+        "dbus-run-session",
+
+        // Sound
+        "pipewire",
+        "pipewire-media-session",
+        "pipewire-pulse",
+        "pulseaudio",
+        "wireplumber",
+
+        // Network
+        "NetworkManager",
+        "connmand",
+        "dhclient",
+        "dhcpcd",
+        "iwd",
+        "wpa_supplicant",
+
+        // Authorisation
+        "lxpolkit",
+        "lxqt-policykit-agent",
+        "mate-polkit",
+        "polkit-gnome-authentication-agent-1",
+        "polkit-kde-authentication-agent-1",
+        "polkit-mate-authentication-agent-1",
+        "polkitd",
+        "xfce-polkit",
+
+        // Remote login
+        "dropbear",
+        "sshd",
+        "sshd-auth",
+        "sshd-session",
+        "xrdp",
+        "xrdp-sesman",
+    };
+    return names;
+}
+
+/// The name of the program in a title that it gave itself, such as "sshd: user@pts/0" or
+/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing. Of a path
+/// it is never one of the names.
+std::string_view programOfTitle(std::string_view command) {
+    return command.substr(0, command.find_first_of(": "));
+}
+
+}  // namespace
+
+bool isBuiltInProtectedName(std::string_view displayName) {
+    return builtInNames().contains(displayName);
+}
+
+bool isProtectedOnLinux(const ProcessSample& row) {
+    constexpr std::int64_t firstProcess = 1;
+    const std::string_view command = row.command;
+    return row.pid == firstProcess || (command.starts_with('[') && command.ends_with(']')) ||
+           linuxNames().contains(row.displayName()) ||
+           linuxNames().contains(programOfTitle(command));
+}
+
+bool isProtected(const ProcessSample& row, const ProtectionPolicy& policy) {
+    return row.pid == policy.ownPID || isBuiltInProtectedName(row.displayName()) ||
+           row.command.starts_with("/System/") || row.command.starts_with("/usr/libexec/") ||
+           (policy.protectsLinuxSystem && isProtectedOnLinux(row));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "core/local_records.h"
+
+namespace tallowcrest {
+
+/// The rows of `ps -axo pid=,pcpu=,pmem=,rss=,comm=`, in their order. A row with fewer than five
+/// columns or with a figure that is no number is left out; the rest of the table survives. Empty
+/// for empty text. Any thread.
+std::vector<ProcessSample> parseProcessRows(std::string_view text);
+
+}  // namespace tallowcrest
