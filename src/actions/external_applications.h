@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "core/activity_log.h"
+
+namespace tallowcrest {
+
+/// Opens other applications of the desktop for the owner. Main thread.
+class ExternalApplications {
+public:
+    /// False when no such application could be opened.
+    using Open = std::function<bool()>;
+
+    /// An absent `openActivityMonitor` means that there is no desktop to open anything on.
+    ExternalApplications(ActivityLog& log, Open openActivityMonitor)
+        : log_(log), openActivityMonitor_(std::move(openActivityMonitor)) {}
+
+    /// Opens the system's own process viewer, or records that there is none.
+    void openActivityMonitor() {
+        if (!openActivityMonitor_ || !openActivityMonitor_()) {
+            log_.recordMessage("No activity monitor application is installed.");
+        }
+    }
+
+private:
+    ActivityLog& log_;
+    Open openActivityMonitor_;
+};
+
+}  // namespace tallowcrest

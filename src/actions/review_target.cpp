@@ -1,0 +1,131 @@
+#include "actions/review_target.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "sampling/app_impact.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* firstStep =
+    "1. Select an offender to review. No optimization has run yet.";
+
+const ProcessSample* findRow(const std::vector<ProcessSample>& rows, std::int64_t pid) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [pid](const ProcessSample& row) { return row.pid == pid; });
+    return found == rows.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+ReviewTarget::ReviewTarget(Observable& observable, ActivityLog& log, const LatestSample& sample,
+                           const ProtectedAppNames& protectedAppNames, ProtectionPolicy policy)
+    : observable_(observable),
+      log_(log),
+      sample_(sample),
+      protectedAppNames_(protectedAppNames),
+      policy_(policy),
+      optimizeStep_(firstStep) {}
+
+void ReviewTarget::select(std::int64_t pid, std::string groupName, std::string step) {
+    selectedPID_ = pid;
+    selectedAppImpactName_ = std::move(groupName);
+    optimizeStep_ = std::move(step);
+    observable_.changed();
+}
+
+void ReviewTarget::selectProcess(const ProcessSample& process) {
+    select(process.pid, appGroupName(process),
+           fmt::format("2. {} is selected for review from CPU + Memory Processes.",
+                       process.displayName()));
+}
+
+void ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleRows) {
+    if (visibleRows.empty()) {
+        log_.setLastAction("No process is available to select.");
+        return;
+    }
+    const ProcessSample& first = visibleRows.front();
+    selectProcess(first);
+    log_.setLastAction(
+        fmt::format("Selected {} from CPU + Memory Processes. No action has run yet.",
+                    first.displayName()));
+}
+
+void ReviewTarget::selectTopProcess() {
+    const auto& snapshot = sample_.snapshot();
+    if (!snapshot || snapshot->topProcesses.empty()) {
+        log_.recordMessage("No process sample is available yet.");
+        return;
+    }
+    const ProcessSample& top = snapshot->topProcesses.front();
+    if (isProtectedTarget(top)) {
+        log_.recordMessage(
+            fmt::format("Top process is protected: {}. Select another process to optimize.",
+                        top.displayName()));
+        return;
+    }
+    select(top.pid, appGroupName(top),
+           fmt::format("2. {} is selected for review. Choose a confirmed action when ready.",
+                       top.displayName()));
+    log_.recordMessage(
+        fmt::format("Selected {}, currently the heaviest process.", top.displayName()));
+}
+
+void ReviewTarget::selectTopApp() {
+    const auto& snapshot = sample_.snapshot();
+    if (!snapshot || snapshot->appImpacts.empty() || !snapshot->appImpacts.front().topPID) {
+        log_.recordMessage("No app impact sample is available yet.");
+        return;
+    }
+    const AppImpact& group = snapshot->appImpacts.front();
+    // A top process that has left the table since is let through: reviewing it harms nothing.
+    const ProcessSample* row = findRow(sample_.latestProcesses(), *group.topPID);
+    if (row != nullptr && isProtectedTarget(*row)) {
+        log_.recordMessage(
+            "Top app includes protected system processes. Select a safer app group.");
+        return;
+    }
+    select(*group.topPID, group.name,
+           fmt::format("2. {} is selected for review. Nothing has been quit or purged yet.",
+                       group.name));
+    log_.recordMessage(fmt::format("Selected the heaviest process inside {}.", group.name));
+}
+
+void ReviewTarget::clearOperationTarget() {
+    selectedPID_.reset();
+    selectedAppImpactName_.reset();
+    optimizeStep_ = firstStep;
+    log_.recordMessage("Cleared selected operation target.");
+}
+
+const ProcessSample* ReviewTarget::find(std::int64_t pid) const {
+    if (const ProcessSample* row = findRow(sample_.latestProcesses(), pid)) {
+        return row;
+    }
+    return sample_.snapshot() ? findRow(sample_.snapshot()->topProcesses, pid) : nullptr;
+}
+
+SelectedTargetSummary ReviewTarget::selectedTargetSummary() const {
+    if (!selectedPID_) {
+        return {};
+    }
+    const ProcessSample* row = find(*selectedPID_);
+    if (row == nullptr) {
+        return {fmt::format("PID {}", *selectedPID_),
+                "Selected for review. Process details are not in the latest sample.", false};
+    }
+    return {std::string(row->displayName()),
+            fmt::format("{} · PID {} · {:.1f}% CPU · {:.0f} MB", appGroupName(*row), row->pid,
+                        row->cpu, row->rssMB),
+            isProtectedTarget(*row)};
+}
+
+bool ReviewTarget::isProtectedTarget(const ProcessSample& process) const {
+    return isProtected(process, policy_) || protectedAppNames_.contains(appGroupName(process));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/local_records.h"
+#include "core/observable.h"
+#include "sampling/latest_sample.h"
+#include "sampling/protection.h"
+
+namespace tallowcrest {
+
+/// What the target card shows. All empty when nothing is selected.
+struct SelectedTargetSummary {
+    std::string title;
+    std::string detail;
+    bool isProtected = false;
+
+    bool operator==(const SelectedTargetSummary&) const = default;
+};
+
+/// The process and application group under review. Selecting changes nothing on the machine.
+/// A selection survives samples in which its process is gone. Main thread.
+class ReviewTarget {
+public:
+    ReviewTarget(Observable& observable, ActivityLog& log, const LatestSample& sample,
+                 const ProtectedAppNames& protectedAppNames, ProtectionPolicy policy);
+
+    std::optional<std::int64_t> selectedPID() const { return selectedPID_; }
+    const std::optional<std::string>& selectedAppImpactName() const {
+        return selectedAppImpactName_;
+    }
+    /// The line that tells where the owner stands in the guided workflow.
+    const std::string& optimizeStep() const { return optimizeStep_; }
+
+    /// Selects a row of the process list, whatever it is: reviewing is always allowed.
+    void selectProcess(const ProcessSample& process);
+    /// Selects the first row of the list as the owner sees it.
+    void selectFirstProcess(const std::vector<ProcessSample>& visibleRows);
+    /// Selects the heaviest process, unless it is protected.
+    void selectTopProcess();
+    /// Selects the heaviest process of the heaviest group, unless it is protected.
+    void selectTopApp();
+    void clearOperationTarget();
+
+    SelectedTargetSummary selectedTargetSummary() const;
+
+    /// The built-in protection or the owner's Never Quit list.
+    bool isProtectedTarget(const ProcessSample& process) const;
+
+private:
+    void select(std::int64_t pid, std::string groupName, std::string step);
+    const ProcessSample* find(std::int64_t pid) const;
+
+    Observable& observable_;
+    ActivityLog& log_;
+    const LatestSample& sample_;
+    const ProtectedAppNames& protectedAppNames_;
+    ProtectionPolicy policy_;
+    std::optional<std::int64_t> selectedPID_;
+    std::optional<std::string> selectedAppImpactName_;
+    std::string optimizeStep_;
+};
+
+}  // namespace tallowcrest
