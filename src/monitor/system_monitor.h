@@ -1,0 +1,112 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "actions/external_applications.h"
+#include "actions/review_target.h"
+#include "core/activity_log.h"
+#include "core/clock.h"
+#include "core/observable.h"
+#include "core/queues.h"
+#include "core/settings.h"
+#include "core/settings_store.h"
+#include "monitor/navigation.h"
+#include "monitor/sample_cycle.h"
+#include "monitor/startup_state.h"
+#include "sampling/latest_sample.h"
+#include "sampling/protection.h"
+#include "sampling/system_cpu_load_reader.h"
+#include "sampling/system_metrics_reader.h"
+
+namespace tallowcrest {
+
+/// What the monitor needs from the machine it runs on. The references must outlive the monitor and
+/// every sample that it has under way.
+struct MonitorPorts {
+    MainQueue& mainQueue;
+    WorkQueue& workQueue;
+    const Clock& clock;
+    SettingsStore& settingsStore;
+    std::shared_ptr<SystemMetricsReader> metrics;
+    std::shared_ptr<CPUTickSource> ticks;
+};
+
+/// Facts of this process and machine, fixed for the run.
+struct HostFacts {
+    int cpuCount = 1;  ///< active cores, at least 1
+    ProtectionPolicy protection;
+    std::string loginName;
+    std::vector<std::string> processArguments;
+};
+
+/// Operations of components that do not belong to the monitor itself; each may be absent.
+struct MonitorExtensions {
+    BackgroundHooks background;
+    MainHooks main;
+    /// Registers for notifications and their buttons; called once, when monitoring starts.
+    std::function<void()> registerNotifications;
+    std::function<bool()> hasOpenAIKey;
+    std::function<bool()> hasLocalPublicKey;
+    ExternalApplications::Open openActivityMonitor;
+};
+
+/// The one central object that the views observe and call. It is composed of one component per
+/// concern and does no work itself. Main thread.
+class SystemMonitor {
+public:
+    static constexpr std::chrono::milliseconds sampleInterval{4000};
+
+    /// Loads everything stored; starts no sampling and no timer.
+    SystemMonitor(const MonitorPorts& ports, HostFacts host, MonitorExtensions extensions = {});
+    SystemMonitor(const SystemMonitor&) = delete;
+    SystemMonitor& operator=(const SystemMonitor&) = delete;
+
+    /// Takes a first sample and one more per `interval` from then on. Every call after the first
+    /// does nothing, even after `stopMonitoring`.
+    void startMonitoring(std::chrono::milliseconds interval = sampleInterval);
+    void stopMonitoring();
+    bool isStarted() const { return isStarted_; }
+
+    /// Queues one sample and returns at once.
+    void refresh() { cycle_.refresh(); }
+
+    [[nodiscard]] Subscription observe(std::function<void()> observer) {
+        return observable_.subscribe(std::move(observer));
+    }
+
+    const Settings& settings() const { return settings_; }
+    const StartupState& startup() const { return startup_; }
+    const HostFacts& host() const { return host_; }
+    ActivityLog& log() { return log_; }
+    const LatestSample& sample() const { return sample_; }
+    Navigation& navigation() { return navigation_; }
+    ReviewTarget& review() { return review_; }
+    ExternalApplications& applications() { return applications_; }
+
+private:
+    SystemMonitor(const MonitorPorts& ports, HostFacts host, MonitorExtensions extensions,
+                  StoredState stored);
+
+    HostFacts host_;
+    SettingsStore& store_;
+    MainQueue& mainQueue_;
+    std::function<void()> registerNotifications_;
+    Observable observable_;
+    Settings settings_;
+    StartupState startup_;
+    ActivityLog log_;
+    LatestSample sample_;
+    Navigation navigation_;
+    ReviewTarget review_;
+    ExternalApplications applications_;
+    SampleCycle cycle_;
+    std::unique_ptr<RepeatingTimer> timer_;
+    bool isStarted_ = false;
+};
+
+}  // namespace tallowcrest
