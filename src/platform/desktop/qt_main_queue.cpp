@@ -1,0 +1,41 @@
+#include "platform/desktop/qt_main_queue.h"
+
+#include <utility>
+
+#include <QTimer>
+
+namespace tallowcrest {
+namespace {
+
+class QtRepeatingTimer final : public RepeatingTimer {
+public:
+    QtRepeatingTimer(std::chrono::milliseconds interval, std::function<void()> work)
+        : work_(std::move(work)) {
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
+            // Kept alive here, because the work may destroy its own timer.
+            const auto running = work_;
+            running();
+        });
+        // A sample is a reading over time: waking a few milliseconds late costs accuracy, so the
+        // timer is not left to be batched with others.
+        timer_.setTimerType(Qt::PreciseTimer);
+        timer_.start(interval);
+    }
+
+private:
+    std::function<void()> work_;
+    QTimer timer_;
+};
+
+}  // namespace
+
+void QtMainQueue::post(std::function<void()> work) {
+    QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+}
+
+std::unique_ptr<RepeatingTimer> QtMainQueue::scheduleRepeating(std::chrono::milliseconds interval,
+                                                               std::function<void()> work) {
+    return std::make_unique<QtRepeatingTimer>(interval, std::move(work));
+}
+
+}  // namespace tallowcrest

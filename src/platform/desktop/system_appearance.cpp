@@ -1,0 +1,62 @@
+#include "platform/desktop/system_appearance.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+namespace tallowcrest {
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
+const QString colorSchemeKey = QStringLiteral("color-scheme");
+
+}  // namespace
+
+SystemAppearance::SystemAppearance(QObject* parent)
+    : QObject(parent), bus_(QDBusConnection::sessionBus()) {}
+
+void SystemAppearance::start() {
+    if (!bus_.isConnected()) {
+        return;
+    }
+    bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+                 SLOT(settingChanged(QString, QString, QDBusVariant)));
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+    request.setArguments({appearanceGroup, colorSchemeKey});
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(request), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* finished) {
+                const QDBusPendingReply<QDBusVariant> reply = *finished;
+                if (!reply.isError()) {
+                    tell(reply.value().variant());
+                }
+                finished->deleteLater();
+            });
+}
+
+void SystemAppearance::settingChanged(const QString& group, const QString& key,
+                                      const QDBusVariant& value) {
+    if (group == appearanceGroup && key == colorSchemeKey) {
+        tell(value.variant());
+    }
+}
+
+void SystemAppearance::tell(const QVariant& value) {
+    constexpr uint prefersDark = 1;
+    QVariant scheme = value;
+    // One desktop wraps the answer once, another twice.
+    while (scheme.canConvert<QDBusVariant>()) {
+        scheme = scheme.value<QDBusVariant>().variant();
+    }
+    bool isNumber = false;
+    const uint number = scheme.toUInt(&isNumber);
+    if (isNumber) {
+        emit preferenceChanged(number == prefersDark);
+    }
+}
+
+}  // namespace tallowcrest

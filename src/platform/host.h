@@ -1,0 +1,52 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "sampling/command_safety_policy.h"
+#include "sampling/protection.h"
+#include "sampling/system_cpu_load_reader.h"
+#include "sampling/system_metrics_reader.h"
+#include "sampling/tool_launcher.h"
+
+/// What differs between the operating systems, chosen by the build. Any thread unless told
+/// otherwise.
+namespace tallowcrest::host {
+
+/// The tools that may be launched here.
+const CommandSafetyPolicy::AllowedExecutables& allowedExecutables();
+
+/// The readers of this system. `launcher` must outlive the reader where tools are its source.
+std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher);
+std::shared_ptr<CPUTickSource> makeTickSource();
+
+/// What must not be quit here, with this process's own identifier.
+ProtectionPolicy protectionPolicy();
+
+/// Cores that this process may use, at least 1.
+int activeProcessorCount();
+
+/// The user's login name; empty when the system does not know one.
+std::string loginName();
+
+/// The running program's own file; empty when the system does not tell.
+std::filesystem::path executablePath();
+
+/// The system's own process viewers, as absolute paths in the order in which they are tried; not all
+/// of them need be installed.
+std::vector<std::string> activityMonitors();
+
+/// Gives the calling thread utility priority: a low share of the processor and disk access only
+/// when nobody else wants it. Where the system refuses, the thread keeps what it has.
+void lowerThreadPriority();
+
+/// How long this process has been running, to the system's own accuracy; 0 when it does not tell.
+std::chrono::duration<double, std::milli> timeSinceProcessStart();
+
+/// Whether a window could be opened, as far as the environment tells.
+bool hasDisplay();
+
+}  // namespace tallowcrest::host

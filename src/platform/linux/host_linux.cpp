@@ -1,0 +1,91 @@
+#include <linux/ioprio.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <system_error>
+#include <thread>
+
+#include "platform/host.h"
+#include "platform/linux/kernel_file.h"
+#include "platform/linux/proc_stat_tick_source.h"
+#include "platform/linux/procfs_metrics_reader.h"
+#include "platform/posix/user_account.h"
+#include "sampling/proc_parser.h"
+
+namespace tallowcrest::host {
+
+const CommandSafetyPolicy::AllowedExecutables& allowedExecutables() {
+    return CommandSafetyPolicy::linuxExecutables();
+}
+
+std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher&) {
+    return std::make_shared<ProcfsMetricsReader>();
+}
+
+std::shared_ptr<CPUTickSource> makeTickSource() {
+    return std::make_shared<ProcStatTickSource>();
+}
+
+ProtectionPolicy protectionPolicy() {
+    return {.ownPID = getpid(), .protectsLinuxSystem = true};
+}
+
+int activeProcessorCount() {
+    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+}
+
+std::string loginName() {
+    return userAccount().name;
+}
+
+std::filesystem::path executablePath() {
+    std::error_code error;
+    auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::path{} : path;
+}
+
+std::vector<std::string> activityMonitors() {
+    const auto& monitors = CommandSafetyPolicy::linuxSystemMonitors;
+    return {monitors.begin(), monitors.end()};
+}
+
+void lowerThreadPriority() {
+    constexpr int utilityNice = 10;
+    const auto thread = static_cast<id_t>(gettid());
+    // Linux keeps a nice value per thread, so this leaves the main thread alone.
+    setpriority(PRIO_PROCESS, thread, utilityNice);
+    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, thread,
+            IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+}
+
+std::chrono::duration<double, std::milli> timeSinceProcessStart() {
+    std::array<char, 1024> buffer;
+    const auto stat = parseProcessStat(KernelFile("/proc/self/stat").read(buffer));
+    timespec sinceBoot{};
+    const long ticksPerSecond = sysconf(_SC_CLK_TCK);
+    if (!stat || ticksPerSecond <= 0 || clock_gettime(CLOCK_BOOTTIME, &sinceBoot) != 0) {
+        return {};
+    }
+    constexpr double millisecondsPerSecond = 1e3;
+    const double now = static_cast<double>(sinceBoot.tv_sec) * millisecondsPerSecond +
+                       static_cast<double>(sinceBoot.tv_nsec) / 1e6;
+    const double start = static_cast<double>(stat->startTicks) * millisecondsPerSecond /
+                         static_cast<double>(ticksPerSecond);
+    return std::chrono::duration<double, std::milli>(now - start);
+}
+
+bool hasDisplay() {
+    const auto isSet = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    };
+    // A platform named outright needs neither server.
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+}  // namespace tallowcrest::host

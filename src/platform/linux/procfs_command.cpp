@@ -1,0 +1,72 @@
+#include "platform/linux/procfs_command.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cstddef>
+
+#include "core/utf8.h"
+#include "platform/linux/kernel_file.h"
+#include "platform/posix/unique_fd.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::string_view deletedSuffix = " (deleted)";
+
+std::string executablePath(int procDirectory, std::int32_t pid) {
+    std::array<char, 32> path;
+    writeProcfsPath(path.data(), pid, "exe");
+    std::array<char, PATH_MAX + deletedSuffix.size()> target;
+    const ssize_t length = ::readlinkat(procDirectory, path.data(), target.data(), target.size());
+    if (length <= 0) {
+        return {};
+    }
+    std::string executable(target.data(), static_cast<std::size_t>(length));
+    // The kernel adds the suffix to the path of a deleted file, but a file may also be named so.
+    struct stat status {};
+    if (executable.ends_with(deletedSuffix) && ::stat(executable.c_str(), &status) != 0) {
+        executable.resize(executable.size() - deletedSuffix.size());
+    }
+    return executable;
+}
+
+}  // namespace
+
+void writeProcfsPath(char* path, std::int32_t pid, std::string_view file) {
+    path = std::to_chars(path, path + 11, pid).ptr;
+    *path++ = '/';
+    path = std::copy(file.begin(), file.end(), path);
+    *path = '\0';
+}
+
+ProcfsCommand resolveProcfsCommand(int procDirectory, std::int32_t pid, std::string_view name,
+                                   bool isKernelThread) {
+    bool isFinal = true;
+    if (!isKernelThread) {
+        if (const std::string executable = executablePath(procDirectory, pid);
+            !executable.empty()) {
+            return {replacingInvalidUTF8(executable)};
+        }
+        std::array<char, 32> path;
+        writeProcfsPath(path.data(), pid, "cmdline");
+        const UniqueFD file(::openat(procDirectory, path.data(), O_RDONLY | O_CLOEXEC));
+        isFinal = file.valid() || (errno != EMFILE && errno != ENFILE);
+        std::array<char, PATH_MAX> buffer;
+        const std::string_view arguments =
+            file.valid() ? readFromStart(file.get(), buffer) : std::string_view();
+        const std::string_view first = arguments.substr(0, arguments.find('\0'));
+        if (!first.empty()) {
+            return {replacingInvalidUTF8(first)};
+        }
+    }
+    return {'[' + replacingInvalidUTF8(name) + ']', isFinal};
+}
+
+}  // namespace tallowcrest

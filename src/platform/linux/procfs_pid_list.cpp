@@ -1,0 +1,70 @@
+#include "platform/linux/procfs_pid_list.h"
+
+#include <dirent.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace tallowcrest {
+namespace {
+
+/// Only a number in the very form in which the kernel writes it names a process.
+std::optional<std::int32_t> processID(std::string_view name) {
+    if (name.empty() || name.front() < '1' || name.front() > '9') {
+        return std::nullopt;
+    }
+    std::int32_t pid = 0;
+    const char* const end = name.data() + name.size();
+    const auto [parsed, error] = std::from_chars(name.data(), end, pid);
+    return error == std::errc{} && parsed == end ? std::optional(pid) : std::nullopt;
+}
+
+}  // namespace
+
+bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids) {
+    pids.clear();
+    if (::lseek(procDirectory, 0, SEEK_SET) < 0) {
+        return false;
+    }
+    // The system call itself, because the library's stream would allocate its buffer each time and
+    // fill it with far smaller portions.
+    alignas(dirent64) std::array<char, 32768> buffer;
+    for (;;) {
+        const long filled = ::syscall(SYS_getdents64, procDirectory, buffer.data(), buffer.size());
+        if (filled < 0) {
+            pids.clear();
+            return false;
+        }
+        if (filled == 0) {
+            break;
+        }
+        const auto size = static_cast<std::size_t>(filled);
+        for (std::size_t at = 0; at < size;) {
+            const char* const entry = buffer.data() + at;
+            unsigned short entrySize = 0;
+            std::memcpy(&entrySize, entry + offsetof(dirent64, d_reclen), sizeof entrySize);
+            if (const auto pid = processID(entry + offsetof(dirent64, d_name))) {
+                pids.push_back(*pid);
+            }
+            at += entrySize;
+        }
+    }
+    // The kernel lists them ascending; a process can still show up twice when its number is reused
+    // while the list is taken in portions.
+    if (std::adjacent_find(pids.begin(), pids.end(), std::greater_equal<>()) != pids.end()) {
+        std::sort(pids.begin(), pids.end());
+        pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
+    }
+    return true;
+}
+
+}  // namespace tallowcrest

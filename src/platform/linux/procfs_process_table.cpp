@@ -1,0 +1,243 @@
+#include "platform/linux/procfs_process_table.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <ctime>
+#include <limits>
+#include <utility>
+
+#include "platform/linux/kernel_file.h"
+#include "platform/linux/procfs_command.h"
+#include "platform/linux/procfs_pid_list.h"
+#include "sampling/binary_units.h"
+
+namespace tallowcrest {
+namespace {
+
+std::chrono::nanoseconds readClock(clockid_t clock) {
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+double seconds(std::chrono::nanoseconds duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+double positiveSystemFigure(int name, double otherwise) {
+    const long figure = ::sysconf(name);
+    return figure > 0 ? static_cast<double>(figure) : otherwise;
+}
+
+}  // namespace
+
+ProcfsMachine ProcfsMachine::current() {
+    ProcfsMachine machine;
+    machine.pageSize = positiveSystemFigure(_SC_PAGESIZE, machine.pageSize);
+    machine.ticksPerSecond = positiveSystemFigure(_SC_CLK_TCK, machine.ticksPerSecond);
+    machine.physicalBytes = positiveSystemFigure(_SC_PHYS_PAGES, 0.0) * machine.pageSize;
+    return machine;
+}
+
+ProcfsClocks ProcfsClocks::system() {
+    return {[] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); }};
+}
+
+ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine, ProcfsClocks clocks)
+    : machine_(std::move(machine)),
+      clocks_(std::move(clocks)),
+      learnedLimit_(std::numeric_limits<std::size_t>::max()) {}
+
+std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
+    const std::lock_guard guard(lock_);
+    if (!directory_.valid()) {
+        directory_ =
+            UniqueFD(::open(machine_.procRoot.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    }
+    if (!directory_.valid() || !listProcessIDs(directory_.get(), listed_)) {
+        return {};
+    }
+    followList();
+    chooseKeepLimit();
+    std::vector<ProcessSample> rows;
+    rows.reserve(processes_.size());
+    for (Process& process : processes_) {
+        if (!readRow(process, rows.emplace_back())) {
+            rows.pop_back();
+        }
+    }
+    return rows;
+}
+
+/// Drops the processes that are listed no more and takes in the new ones.
+void ProcfsProcessTable::followList() {
+    const bool isUnchanged =
+        std::equal(processes_.begin(), processes_.end(), listed_.begin(), listed_.end(),
+                   [](const Process& process, std::int32_t pid) { return process.pid == pid; });
+    if (isUnchanged) {
+        return;
+    }
+    merged_.clear();
+    merged_.reserve(listed_.size());
+    keptDescriptors_ = 0;
+    auto known = processes_.begin();
+    for (const std::int32_t pid : listed_) {
+        while (known != processes_.end() && known->pid < pid) {
+            ++known;
+        }
+        if (known != processes_.end() && known->pid == pid) {
+            if (known->stat.valid()) {
+                ++keptDescriptors_;
+            }
+            merged_.push_back(std::move(*known));
+        } else {
+            merged_.emplace_back().pid = pid;
+        }
+    }
+    processes_.swap(merged_);
+    merged_.clear();
+}
+
+bool ProcfsProcessTable::readRow(Process& process, ProcessSample& row) {
+    std::array<char, 1024> buffer;
+    const auto stat = parseProcessStat(readStat(process, buffer));
+    if (!stat) {
+        return false;
+    }
+    // Taken for each row: the machine can stall between two of them.
+    const std::chrono::nanoseconds now = clocks_.monotonic();
+    const bool isFirstReading = process.startTicks != stat->startTicks;
+    process.startTicks = stat->startTicks;
+    measureLoad(process, *stat, now, isFirstReading);
+    followCommand(process, *stat, isFirstReading);
+
+    const double residentBytes = static_cast<double>(stat->residentPages) * machine_.pageSize;
+    row.pid = process.pid;
+    row.cpu = process.cpu;
+    row.memoryPercent =
+        machine_.physicalBytes > 0.0 ? residentBytes / machine_.physicalBytes * 100.0 : 0.0;
+    row.rssMB = residentBytes * megabytesPerByte;
+    row.command = process.command;
+    row.arguments = process.command;
+    return true;
+}
+
+void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
+                                     std::chrono::nanoseconds now, bool isFirstReading) {
+    const std::uint64_t room = std::numeric_limits<std::uint64_t>::max() - stat.systemTicks;
+    const std::uint64_t busyTicks = std::min(stat.userTicks, room) + stat.systemTicks;
+    double newTicks = static_cast<double>(busyTicks);
+    double elapsedTicks = 0.0;
+    if (isFirstReading) {
+        elapsedTicks = seconds(clocks_.sinceBoot()) * machine_.ticksPerSecond -
+                       static_cast<double>(stat.startTicks);
+    } else {
+        if (now - process.readAt < shortestInterval) {
+            return;
+        }
+        newTicks = busyTicks > process.busyTicks
+                       ? static_cast<double>(busyTicks - process.busyTicks)
+                       : 0.0;
+        elapsedTicks = seconds(now - process.readAt) * machine_.ticksPerSecond;
+    }
+    // Nothing can be said of a process younger than one tick.
+    process.cpu = elapsedTicks >= 1.0 ? newTicks / elapsedTicks * 100.0 : 0.0;
+    process.busyTicks = busyTicks;
+    process.readAt = now;
+}
+
+/// The command is settled once for a program. Another name or another place in memory tells that
+/// the process executed a new one.
+void ProcfsProcessTable::followCommand(Process& process, const ProcessStat& stat,
+                                       bool isFirstReading) {
+    const bool isSettled = !isFirstReading && process.commandIsFinal;
+    // A process that has ended has neither an executable nor memory, but it still ran what it ran.
+    if (isSettled && stat.hasEnded()) {
+        return;
+    }
+    if (isSettled && process.startCode == stat.startCode && process.startStack == stat.startStack &&
+        process.name == stat.name) {
+        return;
+    }
+    process.startCode = stat.startCode;
+    process.startStack = stat.startStack;
+    process.name = stat.name;
+    ProcfsCommand command =
+        resolveProcfsCommand(directory_.get(), process.pid, stat.name, stat.isKernelThread());
+    process.command = std::move(command.text);
+    process.commandIsFinal = command.isFinal;
+}
+
+/// What the process's `stat` file holds, empty when it cannot be had.
+std::string_view ProcfsProcessTable::readStat(Process& process, std::span<char> buffer) {
+    if (process.stat.valid()) {
+        // The descriptor stands for this very process: once that is gone it reads nothing, even
+        // when the number has gone to another one.
+        if (const std::string_view text = readFromStart(process.stat.get(), buffer);
+            !text.empty()) {
+            return text;
+        }
+        process.stat.reset();
+        --keptDescriptors_;
+        process.startTicks.reset();
+    }
+    UniqueFD opened = openStat(process.pid);
+    if (!opened.valid()) {
+        return {};
+    }
+    const std::string_view text = readFromStart(opened.get(), buffer);
+    if (!text.empty() && keptDescriptors_ < keepLimit_) {
+        process.stat = std::move(opened);
+        ++keptDescriptors_;
+    }
+    return text;
+}
+
+UniqueFD ProcfsProcessTable::openStat(std::int32_t pid) {
+    std::array<char, 32> path;
+    writeProcfsPath(path.data(), pid, "stat");
+    UniqueFD opened(::openat(directory_.get(), path.data(), O_RDONLY | O_CLOEXEC));
+    if (!opened.valid() && (errno == EMFILE || errno == ENFILE) && keptDescriptors_ > 0) {
+        shedDescriptors();
+        opened = UniqueFD(::openat(directory_.get(), path.data(), O_RDONLY | O_CLOEXEC));
+    }
+    return opened;
+}
+
+/// How many descriptors may stay open: a quarter of what the process is granted, and never less
+/// than 64, is left to the rest of the program. Rows beyond that are opened, read and closed.
+void ProcfsProcessTable::chooseKeepLimit() {
+    constexpr std::size_t smallestReserve = 64;
+    constexpr std::size_t recovery = 16;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        limit.rlim_cur = 0;
+    }
+    const auto granted = static_cast<std::size_t>(limit.rlim_cur);
+    const std::size_t reserve = std::max(smallestReserve, granted / 4);
+    // After a shortage the table grows back slowly, so that it does not run into the next at once.
+    if (learnedLimit_ < granted) {
+        learnedLimit_ += recovery;
+    }
+    keepLimit_ = std::min(granted > reserve ? granted - reserve : 0, learnedLimit_);
+}
+
+/// Gives half of the kept descriptors back: others in this process or on this machine need them.
+void ProcfsProcessTable::shedDescriptors() {
+    learnedLimit_ = keptDescriptors_ / 2;
+    keepLimit_ = std::min(keepLimit_, learnedLimit_);
+    for (auto process = processes_.rbegin();
+         process != processes_.rend() && keptDescriptors_ > learnedLimit_; ++process) {
+        if (process->stat.valid()) {
+            process->stat.reset();
+            --keptDescriptors_;
+        }
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "sampling/home_volume.h"
+
+namespace tallowcrest {
+
+/// Free space counts what the system would purge for important use, not the plain free blocks.
+class MacHomeVolume final : public HomeVolume {
+public:
+    explicit MacHomeVolume(std::string homeDirectory) : homeDirectory_(std::move(homeDirectory)) {}
+
+    DiskSnapshot readDiskSnapshot() override;
+
+private:
+    const std::string homeDirectory_;
+};
+
+}  // namespace tallowcrest

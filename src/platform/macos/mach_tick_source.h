@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+
+#include "sampling/system_cpu_load_reader.h"
+
+namespace tallowcrest {
+
+/// The tick counters of the Mach host. They are 32 bits wide in the kernel and wrap.
+class MachTickSource final : public CPUTickSource {
+public:
+    std::optional<CPUTicks> readTicks() override;
+};
+
+}  // namespace tallowcrest
