@@ -1,0 +1,67 @@
+#include "presentation/card.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "presentation/elided_label.h"
+#include "presentation/icon_view.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+Card::Card(QWidget* parent) : QWidget(parent) {
+    outer_ = new QVBoxLayout(this);
+    outer_->setContentsMargins(spacing::cardPadding, spacing::cardPadding, spacing::cardPadding,
+                               spacing::cardPadding);
+    outer_->setSpacing(spacing::unit);
+    content_ = new QVBoxLayout;
+    content_->setSpacing(spacing::unit);
+    outer_->addLayout(content_, 1);
+}
+
+QHBoxLayout* Card::headerLayout() {
+    if (header_ == nullptr) {
+        header_ = new QHBoxLayout;
+        header_->setSpacing(spacing::unit);
+        icon_ = new IconView(QString(), &CrestTheme::secondaryText);
+        heading_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text);
+        header_->addWidget(icon_);
+        header_->addWidget(heading_, 1);
+        outer_->insertLayout(0, header_);
+    }
+    return header_;
+}
+
+void Card::setHeader(const QString& icon, const QString& heading) {
+    headerLayout();
+    icon_->setIcon(icon);
+    icon_->setVisible(!icon.isEmpty());
+    heading_->setText(heading);
+    setAccessibleName(heading);
+}
+
+void Card::setCaption(const QString& caption) {
+    if (caption_ == nullptr && !caption.isEmpty()) {
+        caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+        caption_->setLines(1, 2);
+        outer_->insertWidget(header_ == nullptr ? 0 : 1, caption_);
+    }
+    if (caption_ != nullptr) {
+        caption_->setText(caption);
+        caption_->setVisible(!caption.isEmpty());
+    }
+}
+
+void Card::paintEvent(QPaintEvent*) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.hairline, 1));
+    painter.setBrush(theme.cardBackground);
+    // The border's middle runs through the outermost pixels, or it would be two pixels wide.
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), spacing::cardRadius,
+                            spacing::cardRadius);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+class QHBoxLayout;
+class QVBoxLayout;
+
+namespace tallowcrest {
+
+class ElidedLabel;
+class IconView;
+
+/// A rounded area on the page with a hairline border, which groups what belongs together. Its
+/// header is optional. Main thread.
+class Card : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Card(QWidget* parent = nullptr);
+
+    /// Shows `heading` at the top, with the line icon `icon` unless that is empty. The heading is
+    /// the card's accessible name.
+    void setHeader(const QString& icon, const QString& heading);
+    /// One quiet line below the heading; empty takes it away.
+    void setCaption(const QString& caption);
+
+    /// The header row, where a card may add controls at the right.
+    QHBoxLayout* headerLayout();
+    /// What the card holds, below the header.
+    QVBoxLayout* contentLayout() { return content_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QVBoxLayout* outer_ = nullptr;
+    QVBoxLayout* content_ = nullptr;
+    QHBoxLayout* header_ = nullptr;
+    IconView* icon_ = nullptr;
+    ElidedLabel* heading_ = nullptr;
+    ElidedLabel* caption_ = nullptr;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,54 @@
+#include "presentation/coming_page.h"
+
+#include <QVBoxLayout>
+
+#include "presentation/card.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+QString comingLine(AppRoute route) {
+    switch (route) {
+        case AppRoute::optimize:
+            return QStringLiteral(
+                "Here you will review one process or app group and choose what to do about it.");
+        case AppRoute::optimizationSuggestions:
+            return QStringLiteral(
+                "Here you will find the next steps for CPU, memory and disk, most useful first.");
+        case AppRoute::aiAdvisor:
+            return QStringLiteral(
+                "Here you will read explained recommendations and review proposed actions.");
+        case AppRoute::chat:
+            return QStringLiteral("Here you will ask questions about the current diagnostics.");
+        case AppRoute::remoteMacs:
+            return QStringLiteral("Here you will see the other machines of your tailnet.");
+        case AppRoute::history:
+            return QStringLiteral("Here you will find past load, warnings and actions.");
+        case AppRoute::settings:
+            return QStringLiteral("Here you will choose thresholds and what may run by itself.");
+        case AppRoute::overview:
+        case AppRoute::load:
+            break;
+    }
+    return {};
+}
+
+}  // namespace
+
+ComingPage::ComingPage(AppRoute route, QWidget* parent) : Screen(parent) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding,
+                               spacing::pagePadding);
+    auto* card = new Card(this);
+    auto* line = new ElidedLabel(comingLine(route), &CrestFonts::body,
+                                 &CrestTheme::secondaryText, card);
+    line->setLines(1, 3);
+    card->contentLayout()->addWidget(line);
+    layout->addWidget(card);
+    layout->addStretch(1);
+}
+
+}  // namespace tallowcrest

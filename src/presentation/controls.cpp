@@ -1,0 +1,24 @@
+#include "presentation/controls.h"
+
+#include <QPushButton>
+
+#include "presentation/icon.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
+                        const QString& description, QWidget* parent) {
+    auto* button = new QPushButton(title, parent);
+    button->setObjectName(identifier);
+    button->setAccessibleName(title);
+    button->setAccessibleDescription(description);
+    button->setToolTip(description);
+    if (!icon.isEmpty()) {
+        button->setIcon(themedIcon(icon));
+        button->setIconSize({spacing::iconSmall, spacing::iconSmall});
+    }
+    return button;
+}
+
+}  // namespace tallowcrest

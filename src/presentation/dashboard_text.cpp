@@ -1,0 +1,106 @@
+#include "presentation/dashboard_text.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <cmath>
+
+namespace tallowcrest::dashboard_text {
+namespace {
+
+constexpr double megabytesPerGigabyte = 1024.0;
+
+QString oneDecimal(double value) {
+    return QLocale().toString(value, 'f', 1);
+}
+
+}  // namespace
+
+QString text(std::string_view utf8) {
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+int wholePercent(double percent) {
+    return std::isfinite(percent) ? static_cast<int>(std::lround(percent)) : 0;
+}
+
+QString percentText(double percent) {
+    return QStringLiteral("%1%").arg(wholePercent(percent));
+}
+
+QString gigabytes(double value) {
+    return oneDecimal(value);
+}
+
+QString menuBarLabel(const SystemSnapshot& snapshot) {
+    return QStringLiteral("CPU %1% MEM %2%")
+        .arg(wholePercent(snapshot.cpuPercent))
+        .arg(wholePercent(snapshot.memory.pressure));
+}
+
+QString panelLoad(const SystemSnapshot& snapshot) {
+    return QStringLiteral("CPU %1% · Memory %2%")
+        .arg(wholePercent(snapshot.cpuPercent))
+        .arg(wholePercent(snapshot.memory.pressure));
+}
+
+QString panelTopGroup(const SystemSnapshot& snapshot) {
+    if (snapshot.appImpacts.empty()) {
+        return {};
+    }
+    const AppImpact& top = snapshot.appImpacts.front();
+    return QStringLiteral("Top: %1 · %2 GB")
+        .arg(text(top.name), oneDecimal(top.totalMemoryMB / megabytesPerGigabyte));
+}
+
+QString panelLatest(const Recommendation& recommendation) {
+    return QStringLiteral("%1 · %2").arg(text(recommendation.title),
+                                         text(title(recommendation.severity)));
+}
+
+QString cpuDetail(double cpuPercent) {
+    return QStringLiteral("%1% normalized across cores").arg(wholePercent(cpuPercent));
+}
+
+QString memoryDetail(const MemorySnapshot& memory) {
+    return QStringLiteral("%1 GB used of %2 GB")
+        .arg(gigabytes(memory.usedGB), gigabytes(memory.totalGB));
+}
+
+QString reclaimableDetail(const MemorySnapshot& memory) {
+    return QStringLiteral("%1 GB free · Wired %2 GB · Compressed %3 GB")
+        .arg(gigabytes(memory.freeGB), gigabytes(memory.wiredGB), gigabytes(memory.compressedGB));
+}
+
+QString sessionNote(int seconds) {
+    return QStringLiteral("Current session · last %1 seconds").arg(seconds);
+}
+
+QString timelineCaption(int seconds) {
+    return sessionNote(seconds) + QStringLiteral(" · updates every 4 seconds");
+}
+
+QString averageAndThreshold(double average, double threshold) {
+    return QStringLiteral("Avg %1 · Warn %2").arg(percentText(average), percentText(threshold));
+}
+
+QString memoryText(double megabytes) {
+    if (megabytes < megabytesPerGigabyte) {
+        return QStringLiteral("%1 MB").arg(QLocale().toString(megabytes, 'f', 0));
+    }
+    return QStringLiteral("%1 GB").arg(oneDecimal(megabytes / megabytesPerGigabyte));
+}
+
+QString warnAt(double threshold) {
+    return QStringLiteral("Warn at %1%").arg(wholePercent(threshold));
+}
+
+QString sortStatus(int count, Date updated) {
+    const auto milliseconds = static_cast<qint64>(updated.unixSeconds() * 1000.0);
+    const QString time = QLocale().toString(QDateTime::fromMSecsSinceEpoch(milliseconds).time(),
+                                            QStringLiteral("HH:mm:ss"));
+    return QStringLiteral("Sorted by Impact ↓ · %1 visible processes · updated %2")
+        .arg(count)
+        .arg(time);
+}
+
+}  // namespace tallowcrest::dashboard_text

@@ -1,0 +1,174 @@
+#include "presentation/dashboard_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/coming_page.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/icon.h"
+#include "presentation/overview_page.h"
+#include "presentation/page_header.h"
+#include "presentation/processes_page.h"
+#include "presentation/sidebar.h"
+#include "presentation/status_strip.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr QSize firstSize{1080, 720};
+constexpr QSize smallestSize{640, 440};
+/// Below this the sidebar keeps its icons and gives its words' room to the content.
+constexpr int foldingWidth = 860;
+
+}  // namespace
+
+DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
+    : monitor_(monitor), mainQueue_(mainQueue) {
+    setObjectName(QStringLiteral("tallowcrest.main"));
+    setWindowTitle(QStringLiteral("Tallowcrest"));
+    setAccessibleName(windowTitle());
+    setCentralWidget(makeContent());
+    makeMenus();
+    setMinimumSize(smallestSize);
+    resize(firstSize);
+    subscription_ = monitor_.observe([this] { refresh(); });
+}
+
+QWidget* DashboardWindow::makeContent() {
+    auto* content = new QWidget(this);
+    auto* columns = new QHBoxLayout(content);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(0);
+    sidebar_ = new Sidebar(content);
+    connect(sidebar_, &Sidebar::routeChosen, this,
+            [this](AppRoute route) { monitor_.navigation().setSelectedRoute(route); });
+    columns->addWidget(sidebar_);
+
+    auto* right = new QVBoxLayout;
+    right->setSpacing(0);
+    header_ = new PageHeader(monitor_, content);
+    strip_ = new StatusStrip(monitor_, content);
+    right->addWidget(header_);
+    right->addWidget(strip_);
+    pages_ = new QStackedLayout;
+    right->addLayout(pages_, 1);
+    columns->addLayout(right, 1);
+    return content;
+}
+
+void DashboardWindow::makeMenus() {
+    QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
+    QAction* about = application->addAction(QStringLiteral("About Tallowcrest"), this, [this] {
+        QMessageBox::about(this, QStringLiteral("About Tallowcrest"),
+                           QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
+    });
+    about->setMenuRole(QAction::AboutRole);
+    QAction* refreshAction = application->addAction(QStringLiteral("Refresh"), this,
+                                                    [this] { monitor_.refresh(); });
+    refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
+    application->addSeparator();
+    QAction* quit = application->addAction(QStringLiteral("Quit Tallowcrest"), qApp,
+                                           &QApplication::quit);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
+    int key = Qt::Key_1;
+    for (const AppRoute route : allAppRoutes) {
+        QAction* action =
+            go->addAction(themedIcon(dashboard_text::text(symbol(route))),
+                          dashboard_text::text(title(route)), this,
+                          [this, route] { monitor_.navigation().setSelectedRoute(route); });
+        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
+    }
+}
+
+Screen* DashboardWindow::makeScreen(AppRoute route) {
+    switch (route) {
+        case AppRoute::overview:
+            return new OverviewPage(monitor_);
+        case AppRoute::load:
+            return new ProcessesPage(monitor_);
+        default:
+            return new ComingPage(route);
+    }
+}
+
+Screen* DashboardWindow::screen(AppRoute route) {
+    Screen*& kept = screens_.at(static_cast<std::size_t>(route));
+    if (kept == nullptr) {
+        kept = makeScreen(route);
+        pages_->addWidget(kept);
+    }
+    return kept;
+}
+
+void DashboardWindow::refresh() {
+    if (!isVisible() || isMinimized()) {
+        return;
+    }
+    const AppRoute route = monitor_.navigation().selectedRoute();
+    Screen* shown = screen(route);
+    if (shownRoute_ != route) {
+        shownRoute_ = route;
+        sidebar_->setSelectedRoute(route);
+        header_->setRoute(route);
+        pages_->setCurrentWidget(shown);
+    }
+    strip_->refresh();
+    shown->refresh();
+    if (!hasShownSample_ && monitor_.sample().snapshot()) {
+        hasShownSample_ = true;
+        repaint();
+        emit firstSampleShown();
+    }
+}
+
+void DashboardWindow::openRoute(AppRoute route) {
+    monitor_.navigation().setSelectedRoute(route);
+    if (isMinimized()) {
+        showNormal();
+    } else {
+        show();
+    }
+    mainQueue_.post([window = QPointer<DashboardWindow>(this)] {
+        if (window != nullptr) {
+            window->raise();
+            window->activateWindow();
+        }
+    });
+}
+
+void DashboardWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    monitor_.startMonitoring();
+    refresh();
+}
+
+void DashboardWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange) {
+        refresh();
+    }
+}
+
+void DashboardWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    sidebar_->setFolded(width() < foldingWidth);
+}
+
+void DashboardWindow::closeEvent(QCloseEvent* event) {
+    QMainWindow::closeEvent(event);
+    emit closed();
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <optional>
+
+#include "core/observable.h"
+#include "core/queues.h"
+#include "core/routes.h"
+
+class QStackedLayout;
+
+namespace tallowcrest {
+
+class PageHeader;
+class Screen;
+class Sidebar;
+class StatusStrip;
+class SystemMonitor;
+
+/// The one dashboard window. Only what can be seen is kept up to date; a closed or minimised window
+/// does no work. Main thread.
+class DashboardWindow final : public QMainWindow {
+    Q_OBJECT
+
+public:
+    DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue);
+
+    /// Shows the window on `route` and brings it to the front on the next turn of the main queue.
+    void openRoute(AppRoute route);
+
+signals:
+    /// The owner closed the window.
+    void closed();
+    /// The content has been painted for the first time since the first sample landed.
+    void firstSampleShown();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* makeContent();
+    void makeMenus();
+    void refresh();
+    Screen* screen(AppRoute route);
+    Screen* makeScreen(AppRoute route);
+
+    SystemMonitor& monitor_;
+    MainQueue& mainQueue_;
+    Sidebar* sidebar_ = nullptr;
+    PageHeader* header_ = nullptr;
+    StatusStrip* strip_ = nullptr;
+    QStackedLayout* pages_ = nullptr;
+    std::array<Screen*, allAppRoutes.size()> screens_{};
+    std::optional<AppRoute> shownRoute_;
+    bool hasShownSample_ = false;
+    Subscription subscription_;
+};
+
+}  // namespace tallowcrest

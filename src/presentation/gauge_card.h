@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QString>
+
+#include "presentation/accessible_figure.h"
+#include "presentation/card.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+/// "High" at or over 85, "Elevated" at or over 70, otherwise "Normal". `value` is a percentage;
+/// what is not finite counts as 0.
+QString gaugeStateWord(double value);
+
+/// A ring that is filled to a percentage, with the figure in its middle. Main thread.
+class GaugeRing : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit GaugeRing(QWidget* parent = nullptr);
+
+    /// `value` is a percentage and is clamped to 0 to 100. Repaints only what can be seen to
+    /// change.
+    void setValue(double value);
+    double value() const { return value_; }
+    void setTint(const ThemeColor& tint);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    double value_ = 0;
+    ThemeColor tint_ = &CrestTheme::accent;
+};
+
+/// A percentage at a glance: ring and figure, title, state word and detail. Takes plain values.
+/// Main thread.
+class GaugeCard : public Card, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    explicit GaugeCard(const QString& title, const ThemeColor& tint = &CrestTheme::accent,
+                       QWidget* parent = nullptr);
+
+    /// `value` is a percentage and is clamped to 0 to 100; what is not finite counts as 0.
+    void setValue(double value);
+    double value() const { return ring_->value(); }
+    void setTitle(const QString& title);
+    void setDetail(const QString& detail);
+    /// Independent of the state word, which has its own colour.
+    void setTint(const ThemeColor& tint);
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
+    /// For example "42%, Normal, 42.3% normalized across cores".
+    QString accessibleValue() const override;
+    std::optional<double> accessiblePercent() const override { return value(); }
+
+private:
+    void showState();
+
+    GaugeRing* ring_ = nullptr;
+    ElidedLabel* title_ = nullptr;
+    ElidedLabel* state_ = nullptr;
+    ElidedLabel* detail_ = nullptr;
+};
+
+}  // namespace tallowcrest

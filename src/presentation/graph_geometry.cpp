@@ -1,0 +1,68 @@
+#include "presentation/graph_geometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tallowcrest {
+
+double safeGraphValue(double value) {
+    return std::isfinite(value) ? std::clamp(value, 0.0, 100.0) : 0.0;
+}
+
+double graphY(double value, double height) {
+    return height * (1 - safeGraphValue(value) / 100);
+}
+
+std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height) {
+    std::vector<GraphPoint> line;
+    line.reserve(values.size());
+    const double steps = values.size() > 1 ? static_cast<double>(values.size() - 1) : 1.0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        line.push_back({width * static_cast<double>(i) / steps, graphY(values[i], height)});
+    }
+    return line;
+}
+
+std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double height) {
+    if (line.size() < 2) {
+        return {};
+    }
+    std::vector<GraphPoint> area;
+    area.reserve(line.size() + 2);
+    area.push_back({line.front().x, height});
+    area.insert(area.end(), line.begin(), line.end());
+    area.push_back({line.back().x, height});
+    return area;
+}
+
+std::vector<double> graphGrid(double height) {
+    return {0, height * 0.25, height * 0.5, height * 0.75, height};
+}
+
+std::vector<double> graphEvents(const std::vector<double>& fractions, double width) {
+    std::vector<double> positions;
+    for (const double fraction : fractions) {
+        if (std::isfinite(fraction) && fraction >= 0 && fraction <= 1) {
+            positions.push_back(width * fraction);
+        }
+    }
+    return positions;
+}
+
+std::optional<double> graphThreshold(std::optional<double> threshold, double height) {
+    if (!threshold || !std::isfinite(*threshold)) {
+        return std::nullopt;
+    }
+    return graphY(*threshold, height);
+}
+
+std::optional<std::string> graphSeriesText(std::string_view name,
+                                           const std::vector<double>& values) {
+    if (values.empty()) {
+        return std::nullopt;
+    }
+    const long rounded = std::lround(safeGraphValue(values.back()));
+    return std::string(name) + " " + std::to_string(rounded) + " percent";
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tallowcrest {
+
+/// A place on the graph's canvas: x to the right and y downwards from its top left corner.
+struct GraphPoint {
+    double x = 0;
+    double y = 0;
+
+    bool operator==(const GraphPoint&) const = default;
+};
+
+/// The percentage that is drawn for `value`: 0 for what is not finite, else `value` within 0 to
+/// 100.
+double safeGraphValue(double value);
+
+/// The height at which the percentage `value` lies on a canvas `height` high; 100 is at the top.
+double graphY(double value, double height);
+
+/// The line through `values`, oldest first, spread over the whole width. Empty for no values; one
+/// value lies at the left edge.
+std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height);
+
+/// The outline of the area between `line` and the bottom of the canvas. Empty for fewer than two
+/// points, which enclose nothing.
+std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double height);
+
+/// The five heights of the grid, from the top down.
+std::vector<double> graphGrid(double height);
+
+/// The x positions of events. What is not finite, or lies off the canvas, is left out.
+std::vector<double> graphEvents(const std::vector<double>& fractions, double width);
+
+/// The height of the warning line; absent without a finite threshold.
+std::optional<double> graphThreshold(std::optional<double> threshold, double height);
+
+/// One series in words, for example "CPU 42 percent". Absent for a series with no values.
+std::optional<std::string> graphSeriesText(std::string_view name,
+                                           const std::vector<double>& values);
+
+}  // namespace tallowcrest

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+namespace tallowcrest {
+
+class DashboardWindow;
+class SystemMonitor;
+
+/// One command of the status item, offered in its panel and in its context menu alike.
+struct MenuBarEntry {
+    QString title;
+    QString icon;
+    QString identifier;
+    std::function<void()> run;
+};
+
+/// The commands in their order. Monitor and window must outlive them. Main thread.
+std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window);
+
+}  // namespace tallowcrest

@@ -1,0 +1,80 @@
+#include "presentation/page_header.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/controls.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
+    : QWidget(parent), monitor_(monitor) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
+                               spacing::unit);
+    layout->setSpacing(spacing::unit);
+
+    auto* words = new QVBoxLayout;
+    words->setSpacing(2);
+    title_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    title_->setObjectName(QStringLiteral("page.title"));
+    subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    subtitle_->setObjectName(QStringLiteral("page.subtitle"));
+    subtitle_->setLines(1, 2);
+    words->addWidget(title_);
+    words->addWidget(subtitle_);
+    layout->addLayout(words, 1);
+
+    actions_ = new QHBoxLayout;
+    actions_->setSpacing(spacing::unit);
+    layout->addLayout(actions_);
+    auto* refresh = makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
+                               QStringLiteral("page.refresh"),
+                               QStringLiteral("Takes a new sample now"), this);
+    connect(refresh, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
+    layout->addWidget(refresh);
+}
+
+void PageHeader::setRoute(AppRoute route) {
+    title_->setText(dashboard_text::text(title(route)));
+    subtitle_->setText(dashboard_text::text(subtitle(route)));
+    while (const QLayoutItem* item = actions_->takeAt(0)) {
+        item->widget()->deleteLater();
+        delete item;
+    }
+    addRouteActions(route);
+}
+
+QPushButton* PageHeader::addAction(const QString& title, const QString& icon,
+                                   const QString& identifier, const QString& description) {
+    QPushButton* button = makeButton(title, icon, identifier, description, this);
+    actions_->addWidget(button);
+    return button;
+}
+
+void PageHeader::addRouteActions(AppRoute route) {
+    if (route == AppRoute::overview) {
+        connect(addAction(QStringLiteral("Review Cleanup"), QStringLiteral("wand.and.stars"),
+                          QStringLiteral("overview.review-cleanup"),
+                          QStringLiteral("Goes to Optimize")),
+                &QPushButton::clicked, this,
+                [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+    } else if (route == AppRoute::load) {
+        connect(addAction(QStringLiteral("Select Top"), QStringLiteral("scope"),
+                          QStringLiteral("load.select-top"),
+                          QStringLiteral("Selects the heaviest process for review")),
+                &QPushButton::clicked, this, [this] { monitor_.review().selectTopProcess(); });
+        connect(addAction(QStringLiteral("Activity"), QStringLiteral("macwindow"),
+                          QStringLiteral("load.activity"),
+                          QStringLiteral("Opens the system's own process viewer")),
+                &QPushButton::clicked, this,
+                [this] { monitor_.applications().openActivityMonitor(); });
+    }
+}
+
+}  // namespace tallowcrest

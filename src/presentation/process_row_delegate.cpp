@@ -1,0 +1,153 @@
+#include "presentation/process_row_delegate.h"
+
+#include <QFontMetrics>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "presentation/icon.h"
+#include "presentation/process_table_model.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int cellPadding = spacing::unit;
+constexpr int buttonPadding = 12;
+constexpr int buttonHeight = 24;
+constexpr int selectionBarWidth = 3;
+constexpr float selectedRowOpacity = 0.16F;
+
+QString protectedWord() {
+    return QStringLiteral("Protected");
+}
+
+QRect buttonRect(const QRect& cell) {
+    const int width = ProcessRowDelegate::actionWidth() - 2 * cellPadding;
+    return {cell.left() + cellPadding, cell.center().y() - buttonHeight / 2 + 1, width,
+            buttonHeight};
+}
+
+void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
+                        const QModelIndex& index, const CrestTheme& theme) {
+    if (!index.data(ProcessTableModel::isSelectedRole).toBool()) {
+        return;
+    }
+    QColor tint = theme.accent;
+    tint.setAlphaF(selectedRowOpacity);
+    painter.fillRect(option.rect, tint);
+    if (index.column() == ProcessTableModel::processColumn) {
+        painter.fillRect(QRect(option.rect.topLeft(),
+                               QSize(selectionBarWidth, option.rect.height())),
+                         theme.accent);
+    }
+}
+
+/// The lock and its word behind a name; returns the room that is left for the name.
+QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
+                         const CrestTheme& theme) {
+    const QFont& font = CrestFonts::current().caption;
+    const QFontMetrics metrics(font);
+    constexpr int iconSize = 12;
+    constexpr int iconGap = 4;
+    const int markWidth = iconSize + iconGap + metrics.horizontalAdvance(protectedWord()) +
+                          2 * spacing::unit;
+    const int markLeft =
+        std::min(cell.left() + nameWidth + 2 * spacing::unit, cell.right() - markWidth);
+    constexpr int markHeight = 18;
+    const QRect mark(markLeft, cell.center().y() - markHeight / 2 + 1, markWidth, markHeight);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(theme.hairline);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(mark).adjusted(0.5, 0.5, -0.5, -0.5), markHeight / 2.0,
+                            markHeight / 2.0);
+    const int iconTop = mark.center().y() - iconSize / 2 + 1;
+    painter.drawPixmap(mark.left() + spacing::unit, iconTop,
+                       tintedIcon(QStringLiteral("lock.fill"), theme.secondaryText, iconSize,
+                                  painter.device()->devicePixelRatioF()));
+    painter.setFont(font);
+    painter.setPen(theme.secondaryText);
+    painter.drawText(mark.adjusted(spacing::unit + iconSize + iconGap, 0, 0, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter, protectedWord());
+    return {cell.left(), cell.top(), markLeft - spacing::unit - cell.left(), cell.height()};
+}
+
+void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word, bool isHovered,
+                       const CrestTheme& theme) {
+    const QRectF button = QRectF(buttonRect(cell)).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(isHovered ? theme.secondaryText : theme.hairline);
+    painter.setBrush(theme.cardBackground);
+    painter.drawRoundedRect(button, 6, 6);
+    painter.setFont(CrestFonts::current().caption);
+    painter.setPen(theme.text);
+    painter.drawText(button, Qt::AlignCenter, word);
+}
+
+}  // namespace
+
+int ProcessRowDelegate::actionWidth() {
+    const QFontMetrics metrics(CrestFonts::current().caption);
+    return metrics.horizontalAdvance(QStringLiteral("Review")) + 2 * buttonPadding +
+           2 * cellPadding;
+}
+
+void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+    const CrestTheme& theme = CrestTheme::current();
+    painter->save();
+    painter->setClipRect(option.rect);
+    paintRowBackground(*painter, option, index, theme);
+
+    const QString shown = index.data(Qt::DisplayRole).toString();
+    QRect cell = option.rect.adjusted(cellPadding, 0, -cellPadding, 0);
+    if (index.column() == ProcessTableModel::actionColumn) {
+        paintReviewButton(*painter, option.rect, shown,
+                          option.state.testFlag(QStyle::State_MouseOver), theme);
+    } else {
+        const QFont& font = CrestFonts::current().body;
+        const QFontMetrics metrics(font);
+        if (index.data(ProcessTableModel::isProtectedRole).toBool() &&
+            index.column() == ProcessTableModel::processColumn) {
+            cell = paintProtectedMark(*painter, cell, metrics.horizontalAdvance(shown), theme);
+        }
+        painter->setFont(font);
+        painter->setPen(index.column() == ProcessTableModel::processColumn ? theme.text
+                                                                           : theme.secondaryText);
+        painter->drawText(cell, index.data(Qt::TextAlignmentRole).toInt(),
+                          metrics.elidedText(shown, Qt::ElideMiddle, cell.width()));
+    }
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->setPen(theme.hairline);
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(theme.accent, 2));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(QRectF(option.rect).adjusted(2, 2, -2, -3), 6, 6);
+    }
+    painter->restore();
+}
+
+QSize ProcessRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
+    const QFontMetrics metrics(CrestFonts::current().body);
+    return {metrics.horizontalAdvance(index.data(Qt::DisplayRole).toString()) + 2 * cellPadding,
+            rowHeight};
+}
+
+bool ProcessRowDelegate::editorEvent(QEvent* event, QAbstractItemModel*,
+                                     const QStyleOptionViewItem& option,
+                                     const QModelIndex& index) {
+    if (event->type() != QEvent::MouseButtonRelease ||
+        index.column() != ProcessTableModel::actionColumn) {
+        return false;
+    }
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::LeftButton ||
+        !buttonRect(option.rect).contains(mouse->position().toPoint())) {
+        return false;
+    }
+    emit reviewRequested(index);
+    return true;
+}
+
+}  // namespace tallowcrest

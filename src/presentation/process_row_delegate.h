@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace tallowcrest {
+
+/// Paints the rows of the process table: the protected mark, the row under review, and the
+/// "Review" button at the end of each row. Main thread.
+class ProcessRowDelegate final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    static constexpr int rowHeight = 32;
+
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                     const QModelIndex& index) override;
+
+    /// Width that the action column needs.
+    static int actionWidth();
+
+signals:
+    /// The "Review" button of this row was clicked.
+    void reviewRequested(const QModelIndex& index);
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "core/local_records.h"
+#include "sampling/protection.h"
+
+namespace tallowcrest {
+
+/// The visible process rows. A new sample moves, adds and removes rows in place, so that the
+/// current row and the scroll position stay with their process. Main thread.
+class ProcessTableModel final : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    enum Column { processColumn, cpuColumn, memoryColumn, memoryPercentColumn, actionColumn };
+    static constexpr int columnTotal = actionColumn + 1;
+
+    enum Role {
+        isProtectedRole = Qt::UserRole,  ///< bool
+        isSelectedRole,                  ///< bool: under review
+    };
+
+    explicit ProcessTableModel(ProtectionPolicy policy, QObject* parent = nullptr);
+
+    /// Rows of one pid are taken for the same process.
+    void setRows(std::vector<ProcessSample> rows);
+    const std::vector<ProcessSample>& rows() const { return rows_; }
+
+    /// Which process is under review; absent for none.
+    void setSelectedPID(std::optional<std::int64_t> pid);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    void removeMissing(const std::vector<ProcessSample>& rows);
+    void appendNew(const std::vector<ProcessSample>& rows);
+    void reorder(std::vector<ProcessSample> rows);
+    QVariant displayText(const ProcessSample& row, int column) const;
+
+    ProtectionPolicy policy_;
+    std::vector<ProcessSample> rows_;
+    std::optional<std::int64_t> selectedPID_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,125 @@
+#include "presentation/process_table_view.h"
+
+#include <QFontMetrics>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "presentation/process_row_delegate.h"
+#include "presentation/process_table_model.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
+    auto* delegate = new ProcessRowDelegate(this);
+    setItemDelegate(delegate);
+    connect(delegate, &ProcessRowDelegate::reviewRequested, this,
+            &ProcessTableView::reviewRequested);
+    setSelectionMode(QAbstractItemView::NoSelection);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setTabKeyNavigation(false);
+    setShowGrid(false);
+    setFrameShape(QFrame::NoFrame);
+    setMouseTracking(true);
+    setWordWrap(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(ProcessRowDelegate::rowHeight);
+    verticalHeader()->setMinimumSectionSize(ProcessRowDelegate::rowHeight);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(false);
+    applyTheme();
+}
+
+void ProcessTableView::setModel(QAbstractItemModel* model) {
+    QTableView::setModel(model);
+    sizeColumns();
+}
+
+void ProcessTableView::setEmptyDetail(const QString& detail) {
+    if (emptyDetail_ != detail) {
+        emptyDetail_ = detail;
+        viewport()->update();
+    }
+}
+
+void ProcessTableView::sizeColumns() {
+    if (model() == nullptr) {
+        return;
+    }
+    QHeaderView* header = horizontalHeader();
+    const auto fix = [header](int column, int width) {
+        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->resizeSection(column, width);
+    };
+    // Wide enough for the largest figures, so that no sample moves a column.
+    const QFont& font = CrestFonts::current().body;
+    const int padding = 3 * spacing::unit;
+    header->setSectionResizeMode(ProcessTableModel::processColumn, QHeaderView::Stretch);
+    fix(ProcessTableModel::cpuColumn,
+        figuresWidth(font, QStringLiteral("0000.0%")) + padding);
+    fix(ProcessTableModel::memoryColumn,
+        figuresWidth(font, QStringLiteral("000,000.0 MB")) + padding);
+    fix(ProcessTableModel::memoryPercentColumn,
+        figuresWidth(font, QStringLiteral("100.0%")) + padding);
+    fix(ProcessTableModel::actionColumn, ProcessRowDelegate::actionWidth());
+}
+
+void ProcessTableView::applyTheme() {
+    const CrestTheme& theme = CrestTheme::current();
+    QPalette colors = palette();
+    if (colors.color(QPalette::Base) == theme.cardBackground &&
+        colors.color(QPalette::Button) == theme.cardBackground) {
+        return;
+    }
+    colors.setColor(QPalette::Base, theme.cardBackground);
+    colors.setColor(QPalette::Button, theme.cardBackground);
+    colors.setColor(QPalette::ButtonText, theme.secondaryText);
+    setPalette(colors);
+    horizontalHeader()->setFont(CrestFonts::current().caption);
+}
+
+void ProcessTableView::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        applyTheme();
+    } else if (event->type() == QEvent::FontChange) {
+        sizeColumns();
+    }
+}
+
+void ProcessTableView::keyPressEvent(QKeyEvent* event) {
+    const bool asksForReview = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
+                               event->key() == Qt::Key_Space;
+    if (asksForReview && currentIndex().isValid()) {
+        emit reviewRequested(currentIndex());
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void ProcessTableView::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (model() == nullptr || model()->rowCount() > 0) {
+        return;
+    }
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(viewport());
+    const QRect area = viewport()->rect();
+    const QFontMetrics headingMetrics(CrestFonts::current().heading);
+    QRect heading(area.left(), area.top() + area.height() / 3, area.width(),
+                  headingMetrics.height());
+    painter.setFont(CrestFonts::current().heading);
+    painter.setPen(theme.text);
+    painter.drawText(heading, Qt::AlignCenter, QStringLiteral("Select Process"));
+    painter.setFont(CrestFonts::current().body);
+    painter.setPen(theme.secondaryText);
+    painter.drawText(heading.translated(0, heading.height() + spacing::unit), Qt::AlignCenter,
+                     emptyDetail_);
+}
+
+}  // namespace tallowcrest

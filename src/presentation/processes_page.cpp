@@ -1,0 +1,127 @@
+#include "presentation/processes_page.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/card.h"
+#include "presentation/controls.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/icon.h"
+#include "presentation/process_filter.h"
+#include "presentation/process_table_model.h"
+#include "presentation/process_table_view.h"
+#include "sampling/app_impact.h"
+
+namespace tallowcrest {
+
+using dashboard_text::text;
+
+ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
+    : Screen(parent), monitor_(monitor) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding,
+                               spacing::pagePadding);
+    auto* card = new Card(this);
+    card->setHeader(QStringLiteral("gauge.with.dots.needle.67percent"),
+                    text(title(ActivityListMode::load)));
+    card->setCaption(text(subtitle(ActivityListMode::load)));
+    card->contentLayout()->addWidget(makeToolRow());
+    status_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, card);
+    status_->setObjectName(QStringLiteral("processes.sort-status"));
+    card->contentLayout()->addWidget(status_);
+
+    model_ = new ProcessTableModel(monitor_.host().protection, this);
+    table_ = new ProcessTableView(card);
+    table_->setObjectName(QStringLiteral("processes.table"));
+    table_->setAccessibleName(text(title(ActivityListMode::load)));
+    table_->setAccessibleDescription(
+        QStringLiteral("Processes by impact. Return on a row selects it for review."));
+    table_->setModel(model_);
+    connect(table_, &ProcessTableView::reviewRequested, this, &ProcessesPage::review);
+    card->contentLayout()->addWidget(table_, 1);
+    layout->addWidget(card, 1);
+}
+
+QWidget* ProcessesPage::makeToolRow() {
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+
+    auto* selectTopRow =
+        makeButton(QStringLiteral("Select Top Row"), QStringLiteral("scope"),
+                   QStringLiteral("processes.select-top-row"),
+                   QStringLiteral("Selects the first row of the list for review"), row);
+    connect(selectTopRow, &QPushButton::clicked, this,
+            [this] { monitor_.review().selectFirstProcess(model_->rows()); });
+    auto* activityMonitor =
+        makeButton(QStringLiteral("Activity Monitor"), QStringLiteral("macwindow"),
+                   QStringLiteral("processes.activity-monitor"),
+                   QStringLiteral("Opens the system's own process viewer"), row);
+    connect(activityMonitor, &QPushButton::clicked, this,
+            [this] { monitor_.applications().openActivityMonitor(); });
+
+    filter_ = new QLineEdit(row);
+    filter_->setObjectName(QStringLiteral("processes.filter"));
+    filter_->setPlaceholderText(QStringLiteral("Filter processes"));
+    filter_->setAccessibleName(QStringLiteral("Filter processes"));
+    filter_->setAccessibleDescription(QStringLiteral("Keeps rows by name, path or PID"));
+    filter_->setClearButtonEnabled(true);
+    filter_->setMaxLength(1024);
+    filter_->setMinimumWidth(20 * spacing::unit);
+    filter_->setMaximumWidth(32 * spacing::unit);
+    filter_->addAction(themedIcon(QStringLiteral("magnifyingglass"), &CrestTheme::secondaryText),
+                       QLineEdit::LeadingPosition);
+    connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
+        monitor_.navigation().setProcessFilter(typed.toStdString());
+    });
+
+    layout->addWidget(selectTopRow);
+    layout->addWidget(activityMonitor);
+    layout->addStretch(1);
+    layout->addWidget(filter_);
+    return row;
+}
+
+void ProcessesPage::refresh() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    const std::string& filter = monitor_.navigation().processFilter();
+    if (filter_->text().toStdString() != filter) {
+        filter_->setText(text(filter));
+    }
+    const Date sampledAt = snapshot ? snapshot->sampledAt : Date{};
+    if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
+        // The snapshot's own ranking stops at its cap; a person who looks for a process looks for
+        // any process.
+        model_->setRows(filteredProcesses(rankProcesses(monitor_.sample().latestProcesses()),
+                                          text(filter)));
+        shownSample_ = sampledAt;
+        shownFilter_ = filter;
+    }
+    model_->setSelectedPID(monitor_.review().selectedPID());
+    showStatus();
+}
+
+void ProcessesPage::showStatus() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (!snapshot) {
+        status_->setText(QStringLiteral("Sampling this Mac..."));
+        table_->setEmptyDetail(QStringLiteral("Sampling this Mac..."));
+        return;
+    }
+    status_->setText(dashboard_text::sortStatus(static_cast<int>(model_->rows().size()),
+                                                snapshot->sampledAt));
+    table_->setEmptyDetail(monitor_.sample().latestProcesses().empty()
+                               ? QStringLiteral("No process could be read in the last sample.")
+                               : QStringLiteral("No process matches the filter."));
+}
+
+void ProcessesPage::review(const QModelIndex& index) {
+    monitor_.review().selectProcess(model_->rows().at(static_cast<std::size_t>(index.row())));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QWidget>
+
+namespace tallowcrest {
+
+/// What a route shows below the page header. Only the screen that can be seen is asked to refresh,
+/// and it is asked again when it comes into view. Main thread.
+class Screen : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    /// Reads the monitor's state and shows it.
+    virtual void refresh() = 0;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <QLineF>
+#include <QList>
+#include <QPolygonF>
+#include <QString>
+#include <QWidget>
+
+#include "presentation/accessible_figure.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+/// One line of a `StableLineGraph`.
+struct StableGraphSeries {
+    /// The name of the line.
+    QString id;
+    ThemeColor color;
+    /// In percent, oldest first. What is not finite is drawn as 0, the rest within 0 to 100.
+    std::vector<double> values;
+    bool fillsArea = false;
+};
+
+/// True when both would be drawn alike.
+bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
+
+/// Percentages over time, drawn from plain values. Nothing is animated, so a new sample moves the
+/// line and nothing else. Main thread.
+class StableLineGraph : public QWidget, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    explicit StableLineGraph(QWidget* parent = nullptr);
+
+    /// Data equal to what is shown causes no repaint; so it is for the two below.
+    void setSeries(std::vector<StableGraphSeries> series);
+    /// In percent; absent for no line.
+    void setWarningThreshold(std::optional<double> threshold);
+    /// Each a position from 0 to 1 along the time axis; what is not finite is left out.
+    void setEventFractions(std::vector<double> fractions);
+    /// The names of the series above the canvas, on at first.
+    void setLegendVisible(bool visible);
+
+    /// Where the lines are drawn, in the widget's coordinates.
+    QRectF canvasRect() const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
+    /// For example "CPU 42 percent, Memory 61 percent". Empty without values.
+    QString accessibleValue() const override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    struct Shape {
+        // Consecutive pieces of the line; a line of one point is one piece without length.
+        QList<QLineF> segments;
+        QPolygonF area;
+    };
+
+    void rebuildShapes();
+    void measureLabels();
+    void paintLegend(QPainter& painter, const CrestTheme& theme) const;
+    void paintScale(QPainter& painter, const CrestTheme& theme) const;
+    void paintRules(QPainter& painter, const CrestTheme& theme) const;
+    void paintSeries(QPainter& painter, const CrestTheme& theme) const;
+
+    std::vector<StableGraphSeries> series_;
+    std::optional<double> warningThreshold_;
+    std::vector<double> eventFractions_;
+    bool legendVisible_ = true;
+    // Worked out when the data or the size changes, so that painting only draws.
+    std::vector<Shape> shapes_;
+    std::vector<double> eventPositions_;
+    int scaleWidth_ = 0;
+    int captionHeight_ = 0;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,59 @@
+#include "presentation/status_item.h"
+
+#include <QCursor>
+
+#include "monitor/system_monitor.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/dashboard_window.h"
+#include "presentation/icon.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int iconSize = 22;
+/// Each new icon travels to another program, so the needle moves in steps that can be seen.
+constexpr int needleStep = 5;
+
+}  // namespace
+
+StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
+    : monitor_(monitor), window_(window) {
+    for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
+        menu_.addAction(themedIcon(entry.icon), entry.title, this, entry.run)
+            ->setObjectName(entry.identifier);
+    }
+    icon_.setContextMenu(&menu_);
+    connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
+    refresh();
+    icon_.show();
+    subscription_ = monitor_.observe([this] { refresh(); });
+}
+
+void StatusItem::refresh() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    const QString label =
+        snapshot ? dashboard_text::menuBarLabel(*snapshot) : QStringLiteral("Tallowcrest");
+    if (icon_.toolTip() != label) {
+        icon_.setToolTip(label);
+    }
+    const int percent = snapshot ? dashboard_text::wholePercent(snapshot->cpuPercent) : 0;
+    const int needle = percent / needleStep * needleStep;
+    if (needle != shownNeedle_) {
+        shownNeedle_ = needle;
+        icon_.setIcon(QIcon(gaugeIcon(needle, CrestTheme::current().text, iconSize)));
+    }
+}
+
+void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
+    if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) {
+        return;
+    }
+    if (panel_ == nullptr) {
+        panel_ = std::make_unique<MenuBarPanel>(monitor_, menuBarEntries(monitor_, window_));
+    }
+    const QRect place = icon_.geometry();
+    panel_->toggleAt(place.isValid() ? place.bottomLeft() : QCursor::pos());
+}
+
+}  // namespace tallowcrest

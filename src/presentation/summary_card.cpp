@@ -1,0 +1,57 @@
+#include "presentation/summary_card.h"
+
+#include <QVBoxLayout>
+
+#include "presentation/elided_label.h"
+
+namespace tallowcrest {
+
+SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
+    installAccessibleFigures();
+    title_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+    value_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+    contentLayout()->setSpacing(spacing::unit / 2);
+    contentLayout()->addWidget(title_);
+    contentLayout()->addWidget(value_);
+    contentLayout()->addWidget(detail_);
+    contentLayout()->addStretch(1);
+    setDetailLines(2, 4);
+    setTitle(title);
+}
+
+void SummaryCard::setTitle(const QString& title) {
+    title_->setText(title);
+    setAccessibleName(title);
+}
+
+void SummaryCard::setValue(const QString& value) {
+    value_->setText(value);
+    setAccessibleDescription(accessibleValue());
+}
+
+void SummaryCard::setDetail(const QString& detail) {
+    detail_->setText(detail);
+    setAccessibleDescription(accessibleValue());
+}
+
+void SummaryCard::setValueColor(const ThemeColor& color) {
+    value_->setColor(color);
+}
+
+QString SummaryCard::accessibleValue() const {
+    if (value_->text().isEmpty() || detail_->text().isEmpty()) {
+        return value_->text() + detail_->text();
+    }
+    return value_->text() + QStringLiteral(", ") + detail_->text();
+}
+
+void SummaryCard::setDetailLines(int minimum, int maximum) {
+    detail_->setLines(minimum, maximum);
+}
+
+MetricCard::MetricCard(const QString& title, QWidget* parent) : SummaryCard(title, parent) {
+    setDetailLines(1, 3);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+#include <QStringList>
+
+namespace tallowcrest {
+
+/// `text` in at most `maximumLines` lines that each fit into `width` device independent pixels;
+/// what does not fit ends in an ellipsis. Only the beginning of a very long text is ever measured,
+/// so a name of many thousand characters costs no more than a screenful.
+QStringList fittedLines(const QString& text, const QFont& font, int width, int maximumLines,
+                        Qt::TextElideMode elideMode = Qt::ElideRight);
+
+}  // namespace tallowcrest

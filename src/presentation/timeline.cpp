@@ -1,0 +1,55 @@
+#include "presentation/timeline.h"
+
+#include <algorithm>
+
+namespace tallowcrest {
+
+TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history) {
+    TimelineSummary summary;
+    if (history.empty()) {
+        return summary;
+    }
+    summary.cpu.reserve(history.size());
+    summary.memory.reserve(history.size());
+    double cpuSum = 0.0;
+    for (const HistoryPoint& point : history) {
+        summary.cpu.push_back(point.cpu);
+        summary.memory.push_back(point.memory);
+        summary.cpuPeak = std::max(summary.cpuPeak, point.cpu);
+        summary.memoryPeak = std::max(summary.memoryPeak, point.memory);
+        cpuSum += point.cpu;
+    }
+    summary.cpuNow = history.back().cpu;
+    summary.memoryNow = history.back().memory;
+    summary.cpuAverage = cpuSum / static_cast<double>(history.size());
+    return summary;
+}
+
+int sessionSeconds(const std::vector<HistoryPoint>& history) {
+    constexpr std::size_t secondsPerPoint = 4;
+    return static_cast<int>(history.size() * secondsPerPoint);
+}
+
+std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
+                                   const std::vector<HistoryPoint>& history, Date now) {
+    constexpr double shownSeconds = 600.0;
+    std::vector<double> fractions;
+    if (history.size() < 2) {
+        return fractions;
+    }
+    const Date first = history.front().date;
+    const double period = secondsBetween(first, history.back().date);
+    if (!(period > 0.0)) {
+        return fractions;
+    }
+    for (const ActivityEvent& event : events) {
+        const double fraction = secondsBetween(first, event.date) / period;
+        if (secondsBetween(event.date, now) <= shownSeconds && fraction >= 0.0 &&
+            fraction <= 1.0) {
+            fractions.push_back(fraction);
+        }
+    }
+    return fractions;
+}
+
+}  // namespace tallowcrest

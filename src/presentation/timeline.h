@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/local_records.h"
+
+namespace tallowcrest {
+
+/// What the timeline shows of a session, as plain values.
+struct TimelineSummary {
+    std::vector<double> cpu;     ///< percent, oldest first
+    std::vector<double> memory;  ///< percent, oldest first
+    double cpuNow = 0.0;
+    double memoryNow = 0.0;
+    double cpuPeak = 0.0;
+    double memoryPeak = 0.0;
+    double cpuAverage = 0.0;
+};
+
+/// All zero and empty for an empty history. Any thread.
+TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history);
+
+/// How many seconds of sampling the history stands for, at one point per tick.
+int sessionSeconds(const std::vector<HistoryPoint>& history);
+
+/// Where the events of the last 600 seconds before `now` lie within the period from the first to
+/// the last point, from 0 to 1. Events outside that period are left out; so are all of them while
+/// fewer than two points make a period. Any thread.
+std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
+                                   const std::vector<HistoryPoint>& history, Date now);
+
+}  // namespace tallowcrest
