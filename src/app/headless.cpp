@@ -1,0 +1,67 @@
+#include "app/headless.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "app/composition.h"
+#include "app/console.h"
+#include "app/headless_format.h"
+#include "platform/posix/run_loop.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Prints each sample as it lands and ends the loop after the last one that was asked for.
+class SamplePrinter {
+public:
+    SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
+
+    void print(const LatestSample& sample) {
+        if (isDone_) {
+            return;
+        }
+        const std::string text = options_.json
+                                     ? sampleJSON(*sample.snapshot(), sample.recommendations())
+                                     : sampleBlock(*sample.snapshot(), sample.recommendations());
+        if (!writeToStandardOutput(text)) {
+            finish(EXIT_FAILURE);
+            return;
+        }
+        ++printed_;
+        if (options_.samples && printed_ >= *options_.samples) {
+            finish(EXIT_SUCCESS);
+        }
+    }
+
+private:
+    void finish(int status) {
+        isDone_ = true;
+        loop_.stop(status);
+    }
+
+    const Options& options_;
+    RunLoop& loop_;
+    std::int64_t printed_ = 0;
+    bool isDone_ = false;
+};
+
+}  // namespace
+
+int runHeadless(const Options& options, std::vector<std::string> processArguments) {
+    RunLoop loop;
+    SamplePrinter printer(options, loop);
+    SystemMonitor* monitor = nullptr;
+    MonitorExtensions extensions;
+    extensions.main.sampleApplied = [&] { printer.print(monitor->sample()); };
+    Composition composition(loop, std::move(processArguments), std::move(extensions));
+    monitor = &composition.monitor();
+    monitor->startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
+    const int status = loop.run();
+    if (!composition.shutDown()) {
+        std::_Exit(status);
+    }
+    return status;
+}
+
+}  // namespace tallowcrest

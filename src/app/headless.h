@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/options.h"
+
+namespace tallowcrest {
+
+/// Samples without a window and prints to standard output. Returns the program's exit status: 0
+/// after the asked number of samples, 1 when standard output can no longer be written.
+int runHeadless(const Options& options, std::vector<std::string> processArguments);
+
+}  // namespace tallowcrest

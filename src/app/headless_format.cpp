@@ -1,0 +1,129 @@
+#include "app/headless_format.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string_view>
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "app/console.h"
+
+namespace tallowcrest {
+namespace {
+
+using json = nlohmann::ordered_json;
+
+constexpr std::size_t groupsShown = 5;
+constexpr std::size_t nameColumns = 28;
+
+std::string nameColumn(std::string_view name) {
+    PrintableText column = printableText(name, nameColumns);
+    column.text.append(nameColumns - column.characters, ' ');
+    return column.text;
+}
+
+std::string localTime(Date date) {
+    const auto seconds = static_cast<std::time_t>(date.unixSeconds());
+    std::tm parts{};
+    localtime_r(&seconds, &parts);
+    return fmt::format("{:%Y-%m-%d %H:%M:%S}", parts);
+}
+
+json optionalNumber(const std::optional<std::int64_t>& value) {
+    return value ? json(*value) : json(nullptr);
+}
+
+json memoryJSON(const MemorySnapshot& memory) {
+    return {{"totalGB", memory.totalGB},
+            {"usedGB", memory.usedGB},
+            {"freeGB", memory.freeGB},
+            {"wiredGB", memory.wiredGB},
+            {"compressedGB", memory.compressedGB},
+            {"pressure", memory.pressure}};
+}
+
+json processJSON(const ProcessSample& process) {
+    return {{"pid", process.pid},
+            {"cpu", process.cpu},
+            {"memoryPercent", process.memoryPercent},
+            {"rssMB", process.rssMB},
+            {"command", process.command},
+            {"arguments", process.arguments}};
+}
+
+json groupJSON(const AppImpact& group) {
+    return {{"name", group.name},
+            {"processCount", group.processCount},
+            {"totalCPU", group.totalCPU},
+            {"totalMemoryMB", group.totalMemoryMB},
+            {"topPID", optionalNumber(group.topPID)},
+            {"protectedCount", group.protectedCount}};
+}
+
+json recommendationJSON(const Recommendation& recommendation) {
+    return {{"id", recommendation.id.text()},
+            {"title", recommendation.title},
+            {"detail", recommendation.detail},
+            {"severity", title(recommendation.severity)},
+            {"relatedPID", optionalNumber(recommendation.relatedPID)}};
+}
+
+template <class Values, class Convert>
+json arrayOf(const Values& values, Convert convert) {
+    json result = json::array();
+    for (const auto& value : values) {
+        result.push_back(convert(value));
+    }
+    return result;
+}
+
+}  // namespace
+
+std::string sampleBlock(const SystemSnapshot& snapshot,
+                        const std::vector<Recommendation>& recommendations) {
+    const MemorySnapshot& memory = snapshot.memory;
+    std::string block = fmt::format(
+        "{}  CPU {:.0f}%  Memory {:.0f}%  {:.1f} of {:.1f} GB used  Disk {:.1f} of {:.1f} GB "
+        "free\n",
+        localTime(snapshot.sampledAt), snapshot.cpuPercent, memory.pressure, memory.usedGB,
+        memory.totalGB, snapshot.disk.freeGB, snapshot.disk.totalGB);
+    if (snapshot.appImpacts.empty()) {
+        block += "  Sampling apps…\n";
+    } else {
+        block += fmt::format("  {:<{}} {:>8} {:>10} {:>10}\n", "App", nameColumns, "CPU", "Memory",
+                             "Processes");
+    }
+    const std::size_t shown = std::min(groupsShown, snapshot.appImpacts.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        const AppImpact& group = snapshot.appImpacts[i];
+        block += fmt::format("  {} {:>7.1f}% {:>7.0f} MB {:>10}\n", nameColumn(group.name),
+                             group.totalCPU, group.totalMemoryMB, group.processCount);
+    }
+    for (const Recommendation& recommendation : recommendations) {
+        block += fmt::format("  [{}] {}\n", title(recommendation.severity),
+                             printableText(recommendation.title).text);
+    }
+    block += '\n';
+    return block;
+}
+
+std::string sampleJSON(const SystemSnapshot& snapshot,
+                       const std::vector<Recommendation>& recommendations) {
+    const json object = {
+        {"memory", memoryJSON(snapshot.memory)},
+        {"disk", {{"totalGB", snapshot.disk.totalGB}, {"freeGB", snapshot.disk.freeGB}}},
+        {"cpuPercent", snapshot.cpuPercent},
+        {"topProcesses", arrayOf(snapshot.topProcesses, processJSON)},
+        {"appImpacts", arrayOf(snapshot.appImpacts, groupJSON)},
+        {"pressureText", snapshot.pressureText},
+        {"sampledAt", snapshot.sampledAt.secondsSinceReference},
+        {"recommendations", arrayOf(recommendations, recommendationJSON)},
+    };
+    return object.dump(-1, ' ', false, json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,166 @@
+#include "app/options.h"
+
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "app/console.h"
+#include "sampling/text_fields.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr double shortestInterval = 0.01;
+constexpr double longestInterval = 86400.0;
+
+/// An argument as it is quoted in a message.
+std::string quoted(std::string_view text) {
+    constexpr std::size_t longestQuote = 80;
+    const std::string quote = printableText(text, longestQuote).text;
+    return fmt::format("'{}{}'", quote, printableText(text).characters > longestQuote ? "..." : "");
+}
+
+/// Walks the arguments; a value may follow its option as the next argument or behind "=".
+class Parser {
+public:
+    explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
+
+    std::variant<Options, OptionsError> parse() {
+        for (; next_ < arguments_.size() && error_.empty(); ++next_) {
+            parseArgument(arguments_[next_]);
+        }
+        if (error_.empty() && !options_.headless) {
+            checkHeadlessOnly();
+        }
+        if (!error_.empty()) {
+            return OptionsError{error_};
+        }
+        return options_;
+    }
+
+private:
+    void parseArgument(std::string_view argument) {
+        const std::size_t equals = argument.find('=');
+        const std::string_view name = argument.substr(0, equals);
+        value_.reset();
+        if (equals != std::string_view::npos) {
+            value_ = argument.substr(equals + 1);
+        }
+        if (name == "--samples") {
+            parseSamples();
+        } else if (name == "--interval") {
+            parseInterval();
+        } else if (bool* flag = flagNamed(name)) {
+            if (value_) {
+                fail(fmt::format("option '{}' takes no value", name));
+            }
+            *flag = true;
+        } else {
+            fail(fmt::format("unknown option {}", quoted(argument)));
+        }
+    }
+
+    bool* flagNamed(std::string_view name) {
+        if (name == "--help" || name == "-h") {
+            return &options_.showHelp;
+        }
+        if (name == "--version") {
+            return &options_.showVersion;
+        }
+        if (name == "--headless") {
+            return &options_.headless;
+        }
+        if (name == "--json") {
+            return &options_.json;
+        }
+        if (name == "--ui-testing") {
+            return &options_.uiTesting;
+        }
+        return nullptr;
+    }
+
+    std::optional<std::string_view> takeValue(std::string_view option) {
+        if (!value_) {
+            if (next_ + 1 >= arguments_.size()) {
+                fail(fmt::format("option '{}' needs a value", option));
+                return std::nullopt;
+            }
+            value_ = arguments_[++next_];
+        }
+        return value_;
+    }
+
+    void parseSamples() {
+        const auto text = takeValue("--samples");
+        if (!text) {
+            return;
+        }
+        const auto count = parseDecimalInteger(*text);
+        if (!count || *count < 1) {
+            fail(fmt::format("option '--samples' needs a whole number from 1, not {}",
+                             quoted(*text)));
+            return;
+        }
+        options_.samples = *count;
+    }
+
+    void parseInterval() {
+        const auto text = takeValue("--interval");
+        if (!text) {
+            return;
+        }
+        const auto seconds = parseDecimalFloat(*text);
+        if (!seconds || !(*seconds >= shortestInterval && *seconds <= longestInterval)) {
+            fail(fmt::format("option '--interval' needs seconds from {} to {:.0f}, not {}",
+                             shortestInterval, longestInterval, quoted(*text)));
+            return;
+        }
+        options_.interval =
+            std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(*seconds * 1000.0)));
+    }
+
+    void checkHeadlessOnly() {
+        const std::string_view option = options_.json       ? "--json"
+                                        : options_.samples  ? "--samples"
+                                        : options_.interval ? "--interval"
+                                                            : "";
+        if (!option.empty() && !options_.showHelp && !options_.showVersion) {
+            fail(fmt::format("option '{}' needs '--headless'", option));
+        }
+    }
+
+    void fail(std::string message) {
+        if (error_.empty()) {
+            error_ = std::move(message);
+        }
+    }
+
+    const std::vector<std::string>& arguments_;
+    std::size_t next_ = 0;
+    std::optional<std::string_view> value_;
+    Options options_;
+    std::string error_;
+};
+
+}  // namespace
+
+std::variant<Options, OptionsError> parseOptions(const std::vector<std::string>& arguments) {
+    return Parser(arguments).parse();
+}
+
+std::string_view helpText() {
+    return R"(Tallowcrest shows what your machine is doing and proposes the safest next step.
+
+Usage: tallowcrest [options]
+
+  --headless          sample without a window and print to standard output
+    --json            one JSON object per line instead of readable blocks
+    --samples N       end after N samples
+    --interval SECS   seconds between samples (default 4)
+  --ui-testing        keep the setup wizard away
+  --version           print the version
+  -h, --help          print this text
+)";
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace tallowcrest {
+
+/// What the command line asks for.
+struct Options {
+    bool showHelp = false;
+    bool showVersion = false;
+    bool headless = false;
+    bool json = false;
+    bool uiTesting = false;                             ///< keeps the setup wizard away
+    std::optional<std::int64_t> samples;                ///< end after so many; absent: never
+    std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's own
+};
+
+/// One line that says what is wrong with the command line.
+struct OptionsError {
+    std::string message;
+};
+
+/// `arguments` are those behind the program's name.
+std::variant<Options, OptionsError> parseOptions(const std::vector<std::string>& arguments);
+
+/// The text of `--help`.
+std::string_view helpText();
+
+}  // namespace tallowcrest
