@@ -10,8 +10,7 @@
 namespace tallowcrest {
 namespace {
 
-constexpr const char* firstStep =
-    "1. Select an offender to review. No optimization has run yet.";
+constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
 
 const ProcessSample* findRow(const std::vector<ProcessSample>& rows, std::int64_t pid) {
     const auto found = std::find_if(rows.begin(), rows.end(),
@@ -50,9 +49,8 @@ void ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleR
     }
     const ProcessSample& first = visibleRows.front();
     selectProcess(first);
-    log_.setLastAction(
-        fmt::format("Selected {} from CPU + Memory Processes. No action has run yet.",
-                    first.displayName()));
+    log_.setLastAction(fmt::format(
+        "Selected {} from CPU + Memory Processes. No action has run yet.", first.displayName()));
 }
 
 void ReviewTarget::selectTopProcess() {

@@ -5,11 +5,10 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
 #include <QApplication>
-
 #include <fmt/format.h>
 
 #include "app/composition.h"
@@ -27,17 +26,48 @@
 namespace tallowcrest {
 namespace {
 
+/// While Qt looks for a display it warns of what it meets; only if it finds none is that the reason
+/// that a person wants to read.
+struct StartWarnings {
+    bool isStarting = true;
+    QStringList held;
+};
+
+StartWarnings& startWarnings() {
+    static StartWarnings warnings;
+    return warnings;
+}
+
+void complain(const QString& message) {
+    fmt::print(stderr, "tallowcrest: {}\n", message.toStdString());
+}
+
 /// Qt ends the process with a crash when it finds no display; a person is owed a sentence.
-void reportFatally(QtMsgType type, const QMessageLogContext&, const QString& message) {
+void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    StartWarnings& warnings = startWarnings();
     if (type == QtFatalMsg) {
-        fmt::print(stderr,
-                   "tallowcrest: the window cannot be opened: {}\n"
-                   "tallowcrest: to sample without a window, try: tallowcrest --headless\n",
-                   message.section(QLatin1Char('\n'), 0, 0).toStdString());
+        const QString reason =
+            warnings.isStarting && !warnings.held.isEmpty() ? warnings.held.first() : message;
+        complain(QStringLiteral("the window cannot be opened: ") +
+                 reason.section(QLatin1Char('\n'), 0, 0));
+        complain(QStringLiteral("to sample without a window, try: tallowcrest --headless"));
         std::_Exit(EXIT_FAILURE);
     }
-    if (type != QtDebugMsg && type != QtInfoMsg) {
-        fmt::print(stderr, "tallowcrest: {}\n", message.toStdString());
+    if (type == QtDebugMsg || type == QtInfoMsg) {
+        return;
+    }
+    if (warnings.isStarting) {
+        warnings.held.append(message);
+    } else {
+        complain(message);
+    }
+}
+
+void endOfStart() {
+    StartWarnings& warnings = startWarnings();
+    warnings.isStarting = false;
+    for (const QString& message : std::exchange(warnings.held, {})) {
+        complain(message);
     }
 }
 
@@ -101,12 +131,13 @@ int runWindow(QApplication& application, std::vector<std::string> arguments) {
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     const std::vector<std::string> arguments(argv, argv + argc);
-    qInstallMessageHandler(reportFatally);
+    qInstallMessageHandler(reportMessage);
     QApplication::setApplicationName(QStringLiteral("Tallowcrest"));
     QApplication::setApplicationVersion(QStringLiteral(TALLOWCREST_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("tallowcrest"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
+    endOfStart();
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
     return runWindow(application, arguments);

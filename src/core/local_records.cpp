@@ -13,6 +13,9 @@ std::string_view lastPathComponent(std::string_view path) {
 }
 
 std::string_view ProcessSample::displayName() const {
+    if (command.starts_with('[') && command.ends_with(']')) {
+        return command;
+    }
     const std::string_view name = lastPathComponent(command);
     return name.empty() ? std::string_view(command) : name;
 }

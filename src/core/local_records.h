@@ -26,7 +26,8 @@ struct ProcessSample {
     std::string arguments;  ///< deliberately the same text as `command`
 
     std::int64_t id() const { return pid; }
-    /// The last path component of `command`, or `command` itself when that component is empty.
+    /// The last path component of `command`, or `command` itself when that component is empty. A
+    /// name in brackets stands for a process without an executable and is no path: it stays whole.
     std::string_view displayName() const;
 
     auto fields() const { return std::tie(pid, cpu, memoryPercent, rssMB, command, arguments); }

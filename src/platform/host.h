@@ -19,7 +19,8 @@ namespace tallowcrest::host {
 /// The tools that may be launched here.
 const CommandSafetyPolicy::AllowedExecutables& allowedExecutables();
 
-/// The readers of this system. `launcher` must outlive the reader where tools are its source.
+/// The readers of this system. `launcher` must outlive the reader where tools are its source. Where
+/// a reader keeps many files open, this also raises the process's limit on them.
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher);
 std::shared_ptr<CPUTickSource> makeTickSource();
 

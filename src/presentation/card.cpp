@@ -1,6 +1,7 @@
 #include "presentation/card.h"
 
 #include <QHBoxLayout>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -53,9 +54,17 @@ void Card::setCaption(const QString& caption) {
     }
 }
 
-void Card::paintEvent(QPaintEvent*) {
+void Card::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
+    // Most paints clear the ground for one changed figure. Away from the border that is a plain
+    // fill, at a fraction of the rounded outline's cost.
+    const int corner = spacing::cardRadius;
+    if (rect().adjusted(corner, 1, -corner, -1).contains(event->rect()) ||
+        rect().adjusted(1, corner, -1, -corner).contains(event->rect())) {
+        painter.fillRect(event->rect(), theme.cardBackground);
+        return;
+    }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.hairline, 1));
     painter.setBrush(theme.cardBackground);

@@ -40,11 +40,12 @@ QString comingLine(AppRoute route) {
 
 ComingPage::ComingPage(AppRoute route, QWidget* parent) : Screen(parent) {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding,
-                               spacing::pagePadding);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
-    auto* line = new ElidedLabel(comingLine(route), &CrestFonts::body,
-                                 &CrestTheme::secondaryText, card);
+    card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
+    card->setAccessibleName(dashboard_text::text(title(route)));
+    auto* line =
+        new ElidedLabel(comingLine(route), &CrestFonts::body, &CrestTheme::secondaryText, card);
     line->setLines(1, 3);
     card->contentLayout()->addWidget(line);
     layout->addWidget(card);

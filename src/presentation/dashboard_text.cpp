@@ -1,16 +1,23 @@
 #include "presentation/dashboard_text.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QDateTime>
 #include <QLocale>
-#include <cmath>
 
 namespace tallowcrest::dashboard_text {
 namespace {
 
 constexpr double megabytesPerGigabyte = 1024.0;
 
+/// What is not finite counts as 0.
+QString decimal(double value, int places) {
+    return QLocale().toString(std::isfinite(value) ? value : 0.0, 'f', places);
+}
+
 QString oneDecimal(double value) {
-    return QLocale().toString(value, 'f', 1);
+    return decimal(value, 1);
 }
 
 }  // namespace
@@ -20,7 +27,10 @@ QString text(std::string_view utf8) {
 }
 
 int wholePercent(double percent) {
-    return std::isfinite(percent) ? static_cast<int>(std::lround(percent)) : 0;
+    constexpr double bound = 100'000.0;
+    return std::isfinite(percent)
+               ? static_cast<int>(std::lround(std::clamp(percent, -bound, bound)))
+               : 0;
 }
 
 QString percentText(double percent) {
@@ -84,8 +94,9 @@ QString averageAndThreshold(double average, double threshold) {
 }
 
 QString memoryText(double megabytes) {
-    if (megabytes < megabytesPerGigabyte) {
-        return QStringLiteral("%1 MB").arg(QLocale().toString(megabytes, 'f', 0));
+    // Judged as it would be shown, so that "1,024 MB" never stands beside "1.0 GB".
+    if (!(std::round(megabytes) >= megabytesPerGigabyte)) {
+        return QStringLiteral("%1 MB").arg(decimal(megabytes, 0));
     }
     return QStringLiteral("%1 GB").arg(oneDecimal(megabytes / megabytesPerGigabyte));
 }

@@ -11,7 +11,7 @@ namespace tallowcrest::dashboard_text {
 /// Text that the records hold as UTF-8.
 QString text(std::string_view utf8);
 
-/// A percentage rounded to a whole number, without its sign.
+/// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
 int wholePercent(double percent);
 QString percentText(double percent);
 /// One decimal, without the unit.

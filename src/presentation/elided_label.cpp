@@ -17,6 +17,12 @@ namespace {
 constexpr int widestHint = 480;
 constexpr int longestToolTip = 2000;
 
+bool differOnlyInDigits(const QString& a, const QString& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](QChar left, QChar right) {
+        return left == right || (left.isDigit() && right.isDigit());
+    });
+}
+
 }  // namespace
 
 ElidedLabel::ElidedLabel(QWidget* parent) : QWidget(parent) {
@@ -36,14 +42,19 @@ void ElidedLabel::setText(const QString& text) {
     if (text == text_) {
         return;
     }
-    const QSize hintBefore = sizeHint();
+    // A new layout of the whole page is dear, and so is measuring text. Most new texts differ from
+    // the old in their digits alone, which ask for the same room.
+    const bool isSameButForDigits = differOnlyInDigits(text, text_);
+    const int widthBefore = naturalWidth();
     const int heightBefore = heightForWidth(width());
     text_ = text;
     lines_.clear();
     linesWidth_ = -1;
     setAccessibleName(text);
-    // A new layout of the whole page is dear; most new figures need the same room as the old.
-    if (sizeHint() != hintBefore || heightForWidth(width()) != heightBefore) {
+    if (!isSameButForDigits) {
+        naturalWidth_ = -1;
+    }
+    if (naturalWidth() != widthBefore || heightForWidth(width()) != heightBefore) {
         updateGeometry();
     }
     update();
@@ -92,11 +103,14 @@ QStringList ElidedLabel::shownLines() const {
 }
 
 int ElidedLabel::naturalWidth() const {
-    const QFontMetrics metrics(textFont());
-    const int reserved = reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_);
-    // No text of this length fits into the widest hint.
-    const int wanted = metrics.horizontalAdvance(text_.left(200)) + 1;
-    return std::max(reserved, std::min(wanted, widestHint));
+    if (naturalWidth_ < 0) {
+        const int reserved = reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_);
+        // No text of this length fits into the widest hint. Digits count as the widest one, so that
+        // another figure of as many digits asks for the same room.
+        const int wanted = figuresWidth(textFont(), text_.left(200)) + 1;
+        naturalWidth_ = std::max(reserved, std::min(wanted, widestHint));
+    }
+    return naturalWidth_;
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -177,9 +191,14 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
     }
 }
 
-void ElidedLabel::changeLayout() {
+void ElidedLabel::forgetMeasures() {
     lines_.clear();
     linesWidth_ = -1;
+    naturalWidth_ = -1;
+}
+
+void ElidedLabel::changeLayout() {
+    forgetMeasures();
     updateGeometry();
     update();
 }

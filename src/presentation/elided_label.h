@@ -53,6 +53,7 @@ protected:
 private:
     const QFont& textFont() const { return CrestFonts::current().*font_; }
     int naturalWidth() const;
+    void forgetMeasures();
     void changeLayout();
     void updateSizePolicy();
 
@@ -66,6 +67,7 @@ private:
     int maximumLines_ = 1;
     mutable QStringList lines_;
     mutable int linesWidth_ = -1;
+    mutable int naturalWidth_ = -1;
 };
 
 }  // namespace tallowcrest

@@ -23,13 +23,6 @@ long wholePercent(double value) {
     return std::lround(value);
 }
 
-/// The arc's length in steps of half a pixel: two values with the same step look the same.
-long arcStep(double value) {
-    constexpr double pi = 3.14159265358979323846;
-    constexpr double length = pi * (ringSize - ringStroke) * ringSpan / 360;
-    return std::lround(length * value / 100 * 2);
-}
-
 ThemeColor stateColor(double value) {
     if (value >= 85) {
         return &CrestTheme::bad;
@@ -54,7 +47,7 @@ GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
 void GaugeRing::setValue(double value) {
     const double before = value_;
     value_ = safeGraphValue(value);
-    if (wholePercent(before) != wholePercent(value_) || arcStep(before) != arcStep(value_)) {
+    if (wholePercent(before) != wholePercent(value_)) {
         update();
     }
 }
@@ -75,15 +68,17 @@ void GaugeRing::paintEvent(QPaintEvent*) {
     QPen pen(theme.track, ringStroke, Qt::SolidLine, Qt::RoundCap);
     painter.setPen(pen);
     painter.drawArc(arc, ringStart * 16, -ringSpan * 16);
-    if (arcStep(value_) > 0) {
+    // The arc goes with the figure in its middle, in whole percent: it moves when that does.
+    const long percent = wholePercent(value_);
+    if (percent > 0) {
         pen.setColor(tint_.in(theme));
         painter.setPen(pen);
         painter.drawArc(arc, ringStart * 16,
-                        -static_cast<int>(std::lround(ringSpan * 16 * value_ / 100)));
+                        -static_cast<int>(ringSpan * 16 * percent / 100));
     }
     painter.setFont(CrestFonts::current().title);
     painter.setPen(theme.text);
-    painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("%1%").arg(wholePercent(value_)));
+    painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("%1%").arg(percent));
 }
 
 GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* parent) : Card(parent) {

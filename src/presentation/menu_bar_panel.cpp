@@ -1,12 +1,14 @@
 #include "presentation/menu_bar_panel.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <algorithm>
-#include <utility>
 
 #include "monitor/system_monitor.h"
 #include "presentation/controls.h"
@@ -22,7 +24,10 @@ constexpr int panelWidth = 288;
 }  // namespace
 
 MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries)
-    : QWidget(nullptr, Qt::Popup | Qt::FramelessWindowHint), monitor_(monitor) {
+    // Not a popup: those are kept from assistive technology, and one without a window that it
+    // belongs to never shows under Wayland.
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      monitor_(monitor) {
     setObjectName(QStringLiteral("menubar.panel"));
     setAccessibleName(QStringLiteral("Tallowcrest"));
     setFixedWidth(panelWidth);
@@ -43,10 +48,9 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     }
     layout->addSpacing(spacing::unit);
     for (MenuBarEntry& entry : entries) {
-        auto* button =
-            makeButton(entry.title, entry.icon, entry.identifier, entry.title, this);
+        auto* button = makeButton(entry.title, entry.icon, entry.identifier, entry.title, this);
         connect(button, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
-            hide();
+            dismiss();
             run();
         });
         layout->addWidget(button);
@@ -61,8 +65,7 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
 void MenuBarPanel::refresh() {
     const auto& snapshot = monitor_.sample().snapshot();
     const auto& recommendations = monitor_.sample().recommendations();
-    load_->setText(snapshot ? dashboard_text::panelLoad(*snapshot)
-                            : QStringLiteral("Sampling..."));
+    load_->setText(snapshot ? dashboard_text::panelLoad(*snapshot) : QStringLiteral("Sampling..."));
     topGroup_->setText(snapshot ? dashboard_text::panelTopGroup(*snapshot) : QString());
     topGroup_->setVisible(!topGroup_->text().isEmpty());
     const bool hasLatest = snapshot && !recommendations.empty();
@@ -70,23 +73,54 @@ void MenuBarPanel::refresh() {
     latest_->setVisible(hasLatest);
     latestHeading_->setVisible(hasLatest);
     adjustSize();
+    place();
 }
 
 void MenuBarPanel::toggleAt(const QPoint& anchor) {
-    if (isVisible()) {
-        hide();
+    // A click on the item may first take the focus away, which has closed the panel already.
+    constexpr qint64 sameClickMilliseconds = 250;
+    const bool wasJustLeft = sinceLeft_.isValid() && sinceLeft_.elapsed() < sameClickMilliseconds;
+    if (isVisible() || wasJustLeft) {
+        dismiss();
         return;
     }
+    anchor_ = anchor;
     refresh();
-    const QScreen* screen = QGuiApplication::screenAt(anchor);
+    show();
+    raise();
+    activateWindow();
+}
+
+void MenuBarPanel::place() {
+    const QScreen* screen = QGuiApplication::screenAt(anchor_);
     const QRect area =
         (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
-    const int left = std::clamp(anchor.x() - width() / 2, area.left(),
+    const int left = std::clamp(anchor_.x() - width() / 2, area.left(),
                                 std::max(area.left(), area.right() - width()));
-    const int top = std::clamp(anchor.y(), area.top(),
-                               std::max(area.top(), area.bottom() - height()));
+    const int top =
+        std::clamp(anchor_.y(), area.top(), std::max(area.top(), area.bottom() - height()));
     move(left, top);
-    show();
+}
+
+void MenuBarPanel::dismiss() {
+    hide();
+    sinceLeft_.invalidate();
+}
+
+bool MenuBarPanel::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate && isVisible()) {
+        hide();
+        sinceLeft_.start();
+    }
+    return QWidget::event(event);
+}
+
+void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        dismiss();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void MenuBarPanel::showEvent(QShowEvent* event) {

@@ -1,7 +1,10 @@
 #pragma once
 
-#include <QWidget>
 #include <vector>
+
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QWidget>
 
 #include "core/observable.h"
 #include "presentation/menu_bar_entries.h"
@@ -10,7 +13,8 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// The compact panel of the status item: the latest figures and its commands. Main thread.
+/// The compact panel of the status item: the latest figures and its commands. It closes when the
+/// owner turns elsewhere, by Escape, and behind each command. Main thread.
 class MenuBarPanel final : public QWidget {
     Q_OBJECT
 
@@ -21,13 +25,19 @@ public:
     void toggleAt(const QPoint& anchor);
 
 protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     void refresh();
+    void place();
+    void dismiss();
 
     SystemMonitor& monitor_;
+    QPoint anchor_;
+    QElapsedTimer sinceLeft_;
     ElidedLabel* load_ = nullptr;
     ElidedLabel* topGroup_ = nullptr;
     ElidedLabel* latestHeading_ = nullptr;

@@ -1,9 +1,10 @@
 #include "presentation/overview_page.h"
 
+#include <utility>
+
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QVBoxLayout>
-#include <utility>
 
 #include "monitor/system_monitor.h"
 #include "presentation/bar_list.h"
@@ -12,6 +13,7 @@
 #include "presentation/elided_label.h"
 #include "presentation/figure_row.h"
 #include "presentation/gauge_card.h"
+#include "presentation/gauge_row.h"
 #include "presentation/page_scroll_area.h"
 #include "presentation/stable_line_graph.h"
 #include "presentation/summary_card.h"
@@ -52,18 +54,18 @@ OverviewPage::OverviewPage(SystemMonitor& monitor, QWidget* parent)
 }
 
 QWidget* OverviewPage::makeGauges() {
-    auto* gauges = new QWidget(this);
+    // Enough for the largest figure and three lines of detail.
+    constexpr int narrowestMetric = 160;
+    auto* gauges = new GaugeRow(this);
     gauges->setObjectName(QStringLiteral("overview.gauges"));
     gauges->setAccessibleName(text(title(DashboardSection::gauges)));
-    auto* row = new QHBoxLayout(gauges);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(spacing::gap);
     cpuGauge_ = new GaugeCard(QStringLiteral("CPU Load"), &CrestTheme::good, gauges);
     memoryGauge_ = new GaugeCard(QStringLiteral("Memory Pressure"), &CrestTheme::good, gauges);
     reclaimable_ = new MetricCard(QStringLiteral("Free / Reclaimable"), gauges);
-    for (Card* card : std::initializer_list<Card*>{cpuGauge_, memoryGauge_, reclaimable_}) {
-        row->addWidget(card, 1);
-    }
+    cpuGauge_->setObjectName(QStringLiteral("overview.cpu-load"));
+    memoryGauge_->setObjectName(QStringLiteral("overview.memory-pressure"));
+    reclaimable_->setObjectName(QStringLiteral("overview.free-reclaimable"));
+    gauges->setCards({cpuGauge_, memoryGauge_, reclaimable_}, narrowestMetric);
     return gauges;
 }
 
@@ -140,9 +142,9 @@ void OverviewPage::showTimeline() {
     figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
                           percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
     averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
-    graph_->setSeries({{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
-                       {QStringLiteral("Memory"), &CrestTheme::secondSeries,
-                        std::move(summary.memory), false}});
+    graph_->setSeries(
+        {{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
+         {QStringLiteral("Memory"), &CrestTheme::secondSeries, std::move(summary.memory), false}});
 }
 
 void OverviewPage::showTopAppMemory() {

@@ -33,21 +33,37 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     actions_ = new QHBoxLayout;
     actions_->setSpacing(spacing::unit);
     layout->addLayout(actions_);
-    auto* refresh = makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
-                               QStringLiteral("page.refresh"),
-                               QStringLiteral("Takes a new sample now"), this);
-    connect(refresh, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
-    layout->addWidget(refresh);
+    refresh_ =
+        makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
+                   QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
+    connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
+    layout->addWidget(refresh_);
 }
 
 void PageHeader::setRoute(AppRoute route) {
     title_->setText(dashboard_text::text(title(route)));
     subtitle_->setText(dashboard_text::text(subtitle(route)));
     while (const QLayoutItem* item = actions_->takeAt(0)) {
+        // Deleted later, because the click that changed the route may be its own.
+        item->widget()->hide();
         item->widget()->deleteLater();
         delete item;
     }
     addRouteActions(route);
+    orderActions();
+}
+
+void PageHeader::orderActions() {
+    // The order that the eye sees; new widgets would else come behind the whole page.
+    QWidget* before = refresh_;
+    for (int i = 0; i < actions_->count(); ++i) {
+        QWidget* action = actions_->itemAt(i)->widget();
+        setTabOrder(before, action);
+        before = action;
+    }
+    setTabOrder(before, refresh_);
+    // Assistive technology goes by the order of the children.
+    refresh_->raise();
 }
 
 QPushButton* PageHeader::addAction(const QString& title, const QString& icon,

@@ -24,6 +24,7 @@ public:
 
 private:
     void addRouteActions(AppRoute route);
+    void orderActions();
     QPushButton* addAction(const QString& title, const QString& icon, const QString& identifier,
                            const QString& description);
 
@@ -31,6 +32,7 @@ private:
     ElidedLabel* title_ = nullptr;
     ElidedLabel* subtitle_ = nullptr;
     QHBoxLayout* actions_ = nullptr;
+    QPushButton* refresh_ = nullptr;
 };
 
 }  // namespace tallowcrest

@@ -16,6 +16,11 @@ constexpr int buttonPadding = 12;
 constexpr int buttonHeight = 24;
 constexpr int selectionBarWidth = 3;
 constexpr float selectedRowOpacity = 0.16F;
+constexpr int markHeight = 18;
+constexpr int markIconSize = 12;
+constexpr int markIconGap = 4;
+/// The protected mark without its word.
+constexpr int lockWidth = markIconSize + 2 * spacing::unit;
 
 QString protectedWord() {
     return QStringLiteral("Protected");
@@ -36,9 +41,9 @@ void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
     tint.setAlphaF(selectedRowOpacity);
     painter.fillRect(option.rect, tint);
     if (index.column() == ProcessTableModel::processColumn) {
-        painter.fillRect(QRect(option.rect.topLeft(),
-                               QSize(selectionBarWidth, option.rect.height())),
-                         theme.accent);
+        painter.fillRect(
+            QRect(option.rect.topLeft(), QSize(selectionBarWidth, option.rect.height())),
+            theme.accent);
     }
 }
 
@@ -46,29 +51,23 @@ void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
 QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
                          const CrestTheme& theme) {
     const QFont& font = CrestFonts::current().caption;
-    const QFontMetrics metrics(font);
-    constexpr int iconSize = 12;
-    constexpr int iconGap = 4;
-    const int markWidth = iconSize + iconGap + metrics.horizontalAdvance(protectedWord()) +
-                          2 * spacing::unit;
-    const int markLeft =
-        std::min(cell.left() + nameWidth + 2 * spacing::unit, cell.right() - markWidth);
-    constexpr int markHeight = 18;
-    const QRect mark(markLeft, cell.center().y() - markHeight / 2 + 1, markWidth, markHeight);
+    const QRect mark = ProcessRowDelegate::protectedMark(cell, nameWidth);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(theme.hairline);
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(mark).adjusted(0.5, 0.5, -0.5, -0.5), markHeight / 2.0,
-                            markHeight / 2.0);
-    const int iconTop = mark.center().y() - iconSize / 2 + 1;
+    painter.drawRoundedRect(QRectF(mark).adjusted(0.5, 0.5, -0.5, -0.5), mark.height() / 2.0,
+                            mark.height() / 2.0);
+    const int iconTop = mark.center().y() - markIconSize / 2 + 1;
     painter.drawPixmap(mark.left() + spacing::unit, iconTop,
-                       tintedIcon(QStringLiteral("lock.fill"), theme.secondaryText, iconSize,
+                       tintedIcon(QStringLiteral("lock.fill"), theme.secondaryText, markIconSize,
                                   painter.device()->devicePixelRatioF()));
-    painter.setFont(font);
-    painter.setPen(theme.secondaryText);
-    painter.drawText(mark.adjusted(spacing::unit + iconSize + iconGap, 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter, protectedWord());
-    return {cell.left(), cell.top(), markLeft - spacing::unit - cell.left(), cell.height()};
+    if (mark.width() > lockWidth) {
+        painter.setFont(font);
+        painter.setPen(theme.secondaryText);
+        painter.drawText(mark.adjusted(spacing::unit + markIconSize + markIconGap, 0, 0, 0),
+                         Qt::AlignLeft | Qt::AlignVCenter, protectedWord());
+    }
+    return {cell.left(), cell.top(), mark.left() - spacing::unit - cell.left(), cell.height()};
 }
 
 void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word, bool isHovered,
@@ -84,6 +83,18 @@ void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word
 }
 
 }  // namespace
+
+QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
+    // As much of a name as tells it from others; a shorter one is shown whole.
+    constexpr int tellingName = 96;
+    const QFontMetrics metrics(CrestFonts::current().caption);
+    const int wordWidth = markIconGap + metrics.horizontalAdvance(protectedWord());
+    const int nameRoom = std::min(nameWidth, tellingName) + 2 * spacing::unit;
+    const int width =
+        cell.width() >= nameRoom + lockWidth + wordWidth ? lockWidth + wordWidth : lockWidth;
+    const int left = std::min(cell.left() + nameWidth + 2 * spacing::unit, cell.right() - width);
+    return {left, cell.center().y() - markHeight / 2 + 1, width, markHeight};
+}
 
 int ProcessRowDelegate::actionWidth() {
     const QFontMetrics metrics(CrestFonts::current().caption);
@@ -135,8 +146,7 @@ QSize ProcessRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelInde
 }
 
 bool ProcessRowDelegate::editorEvent(QEvent* event, QAbstractItemModel*,
-                                     const QStyleOptionViewItem& option,
-                                     const QModelIndex& index) {
+                                     const QStyleOptionViewItem& option, const QModelIndex& index) {
     if (event->type() != QEvent::MouseButtonRelease ||
         index.column() != ProcessTableModel::actionColumn) {
         return false;

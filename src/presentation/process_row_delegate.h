@@ -20,6 +20,10 @@ public:
     bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                      const QModelIndex& index) override;
 
+    /// Where the protected mark stands behind a name of that width: lock and word, or the lock
+    /// alone where the word would take the room of the name.
+    static QRect protectedMark(const QRect& cell, int nameWidth);
+
     /// Width that the action column needs.
     static int actionWidth();
 

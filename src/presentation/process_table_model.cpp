@@ -1,8 +1,9 @@
 #include "presentation/process_table_model.h"
 
-#include <QLocale>
 #include <unordered_map>
 #include <unordered_set>
+
+#include <QLocale>
 
 #include "presentation/dashboard_text.h"
 
@@ -42,7 +43,9 @@ std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
 
 /// A tool tip is shown as rich text when it looks like it, and names come from outside.
 QString toolTip(const ProcessSample& row) {
-    return QStringLiteral("<p>%1<br>PID %2</p>").arg(text(row.command).toHtmlEscaped()).arg(row.pid);
+    // Both at once: a name may itself hold "%2".
+    return QStringLiteral("<p>%1<br>PID %2</p>")
+        .arg(text(row.command).toHtmlEscaped(), QString::number(row.pid));
 }
 
 QString megabytes(double value) {
@@ -135,7 +138,8 @@ void ProcessTableModel::setSelectedPID(std::optional<std::int64_t> pid) {
         for (std::size_t i = 0; changed && i < rows_.size(); ++i) {
             if (rows_[i].pid == *changed) {
                 const int row = static_cast<int>(i);
-                emit dataChanged(index(row, 0), index(row, columnTotal - 1), {isSelectedRole});
+                emit dataChanged(index(row, 0), index(row, columnTotal - 1),
+                                 {isSelectedRole, Qt::AccessibleTextRole});
             }
         }
     };
@@ -169,6 +173,24 @@ QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) co
     }
 }
 
+QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
+    if (column == actionColumn) {
+        return QString(QStringLiteral("Review ") + text(row.displayName()));
+    }
+    if (column != processColumn) {
+        return displayText(row, column);
+    }
+    // What the row otherwise tells by its mark and by its colour.
+    QStringList words{text(row.displayName())};
+    if (isProtected(row, policy_)) {
+        words.append(QStringLiteral("Protected"));
+    }
+    if (selectedPID_ == row.pid) {
+        words.append(QStringLiteral("Under review"));
+    }
+    return words.join(QStringLiteral(", "));
+}
+
 QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
         return {};
@@ -178,17 +200,9 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return displayText(row, index.column());
         case Qt::ToolTipRole:
-            return index.column() == processColumn
-                       ? QVariant(toolTip(row))
-                       : QVariant();
+            return index.column() == processColumn ? QVariant(toolTip(row)) : QVariant();
         case Qt::AccessibleTextRole:
-            if (index.column() == processColumn && isProtected(row, policy_)) {
-                return QStringLiteral("%1, Protected").arg(text(row.displayName()));
-            }
-            if (index.column() == actionColumn) {
-                return QStringLiteral("Review %1").arg(text(row.displayName()));
-            }
-            return displayText(row, index.column());
+            return spokenText(row, index.column());
         case Qt::TextAlignmentRole:
             return index.column() == processColumn || index.column() == actionColumn
                        ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QAbstractTableModel>
 #include <cstdint>
 #include <optional>
 #include <vector>
+
+#include <QAbstractTableModel>
 
 #include "core/local_records.h"
 #include "sampling/protection.h"
@@ -43,6 +44,7 @@ private:
     void appendNew(const std::vector<ProcessSample>& rows);
     void reorder(std::vector<ProcessSample> rows);
     QVariant displayText(const ProcessSample& row, int column) const;
+    QVariant spokenText(const ProcessSample& row, int column) const;
 
     ProtectionPolicy policy_;
     std::vector<ProcessSample> rows_;

@@ -1,5 +1,6 @@
 #include "presentation/processes_page.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,9 +24,9 @@ using dashboard_text::text;
 ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
     : Screen(parent), monitor_(monitor) {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding,
-                               spacing::pagePadding);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
+    card->setObjectName(QStringLiteral("processes"));
     card->setHeader(QStringLiteral("gauge.with.dots.needle.67percent"),
                     text(title(ActivityListMode::load)));
     card->setCaption(text(subtitle(ActivityListMode::load)));
@@ -38,8 +39,6 @@ ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
     table_ = new ProcessTableView(card);
     table_->setObjectName(QStringLiteral("processes.table"));
     table_->setAccessibleName(text(title(ActivityListMode::load)));
-    table_->setAccessibleDescription(
-        QStringLiteral("Processes by impact. Return on a row selects it for review."));
     table_->setModel(model_);
     connect(table_, &ProcessTableView::reviewRequested, this, &ProcessesPage::review);
     card->contentLayout()->addWidget(table_, 1);
@@ -74,8 +73,16 @@ QWidget* ProcessesPage::makeToolRow() {
     filter_->setMaxLength(1024);
     filter_->setMinimumWidth(20 * spacing::unit);
     filter_->setMaximumWidth(32 * spacing::unit);
-    filter_->addAction(themedIcon(QStringLiteral("magnifyingglass"), &CrestTheme::secondaryText),
-                       QLineEdit::LeadingPosition);
+    filter_
+        ->addAction(themedIcon(QStringLiteral("magnifyingglass"), &CrestTheme::secondaryText),
+                    QLineEdit::LeadingPosition)
+        ->setText(QStringLiteral("Filter processes"));
+    // The built-in clear button comes without words.
+    for (QAction* action : filter_->findChildren<QAction*>()) {
+        if (action->text().isEmpty()) {
+            action->setText(QStringLiteral("Clear filter"));
+        }
+    }
     connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
         monitor_.navigation().setProcessFilter(typed.toStdString());
     });
@@ -83,7 +90,7 @@ QWidget* ProcessesPage::makeToolRow() {
     layout->addWidget(selectTopRow);
     layout->addWidget(activityMonitor);
     layout->addStretch(1);
-    layout->addWidget(filter_);
+    layout->addWidget(filter_, 1);
     return row;
 }
 
@@ -97,8 +104,8 @@ void ProcessesPage::refresh() {
     if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
         // The snapshot's own ranking stops at its cap; a person who looks for a process looks for
         // any process.
-        model_->setRows(filteredProcesses(rankProcesses(monitor_.sample().latestProcesses()),
-                                          text(filter)));
+        model_->setRows(
+            filteredProcesses(rankProcesses(monitor_.sample().latestProcesses()), text(filter)));
         shownSample_ = sampledAt;
         shownFilter_ = filter;
     }
@@ -110,14 +117,25 @@ void ProcessesPage::showStatus() {
     const auto& snapshot = monitor_.sample().snapshot();
     if (!snapshot) {
         status_->setText(QStringLiteral("Sampling this Mac..."));
-        table_->setEmptyDetail(QStringLiteral("Sampling this Mac..."));
+        describeTable(QStringLiteral("Sampling this Mac..."));
         return;
     }
-    status_->setText(dashboard_text::sortStatus(static_cast<int>(model_->rows().size()),
-                                                snapshot->sampledAt));
-    table_->setEmptyDetail(monitor_.sample().latestProcesses().empty()
-                               ? QStringLiteral("No process could be read in the last sample.")
-                               : QStringLiteral("No process matches the filter."));
+    status_->setText(
+        dashboard_text::sortStatus(static_cast<int>(model_->rows().size()), snapshot->sampledAt));
+    describeTable(monitor_.sample().latestProcesses().empty()
+                      ? QStringLiteral("No process could be read in the last sample.")
+                      : QStringLiteral("No process matches the filter."));
+}
+
+void ProcessesPage::describeTable(const QString& emptyDetail) {
+    table_->setEmptyDetail(emptyDetail);
+    const QString description =
+        model_->rows().empty()
+            ? QStringLiteral("Select Process. ") + emptyDetail
+            : QStringLiteral("Processes by impact. Return on a row selects it for review.");
+    if (table_->accessibleDescription() != description) {
+        table_->setAccessibleDescription(description);
+    }
 }
 
 void ProcessesPage::review(const QModelIndex& index) {

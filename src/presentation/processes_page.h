@@ -27,6 +27,7 @@ public:
 private:
     QWidget* makeToolRow();
     void showStatus();
+    void describeTable(const QString& emptyDetail);
     void review(const QModelIndex& index);
 
     SystemMonitor& monitor_;

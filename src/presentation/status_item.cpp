@@ -18,7 +18,8 @@ constexpr int needleStep = 5;
 }  // namespace
 
 StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
-    : monitor_(monitor), window_(window) {
+    : monitor_(monitor), window_(window), icon_(this) {
+    icon_.setObjectName(QStringLiteral("menubar.item"));
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
         menu_.addAction(themedIcon(entry.icon), entry.title, this, entry.run)
             ->setObjectName(entry.identifier);
@@ -39,9 +40,11 @@ void StatusItem::refresh() {
     }
     const int percent = snapshot ? dashboard_text::wholePercent(snapshot->cpuPercent) : 0;
     const int needle = percent / needleStep * needleStep;
-    if (needle != shownNeedle_) {
+    const QColor color = CrestTheme::current().text;
+    if (needle != shownNeedle_ || color != shownColor_) {
         shownNeedle_ = needle;
-        icon_.setIcon(QIcon(gaugeIcon(needle, CrestTheme::current().text, iconSize)));
+        shownColor_ = color;
+        icon_.setIcon(QIcon(gaugeIcon(needle, color, iconSize)));
     }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
+
+#include <QColor>
 #include <QMenu>
 #include <QSystemTrayIcon>
-#include <memory>
 
 #include "core/observable.h"
 #include "presentation/menu_bar_panel.h"
@@ -33,6 +35,7 @@ private:
     QMenu menu_;
     std::unique_ptr<MenuBarPanel> panel_;
     int shownNeedle_ = -1;
+    QColor shownColor_;
     Subscription subscription_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -44,6 +46,38 @@ QColor cardColor(const QPalette& palette, const QColor& page, bool dark) {
     }
     // Some palettes use one colour for both: lift the card off the page instead.
     return dark ? mixed(page, Qt::white, 0.06) : mixed(page, Qt::black, 0.05);
+}
+
+/// What a digit's width depends on. Not the font itself, which must not outlive the application.
+struct FontKey {
+    QString family;
+    int pixelSize = 0;
+    int weight = 0;
+
+    bool operator==(const FontKey&) const = default;
+};
+
+/// Remembered for the few fonts there are: figures are measured on every sample.
+QChar widestDigit(const QFont& font, const QFontMetrics& metrics) {
+    constexpr std::size_t mostFonts = 8;
+    static std::vector<std::pair<FontKey, QChar>> known;
+    const FontKey key{font.family(), font.pixelSize(), font.weight()};
+    for (const auto& [knownKey, digit] : known) {
+        if (knownKey == key) {
+            return digit;
+        }
+    }
+    QChar widest = u'0';
+    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
+        if (metrics.horizontalAdvance(QChar(digit)) > metrics.horizontalAdvance(widest)) {
+            widest = QChar(digit);
+        }
+    }
+    if (known.size() == mostFonts) {
+        known.clear();
+    }
+    known.emplace_back(key, widest);
+    return widest;
 }
 
 }  // namespace
@@ -161,12 +195,7 @@ const CrestFonts& CrestFonts::current() {
 
 int figuresWidth(const QFont& font, const QString& pattern) {
     const QFontMetrics metrics(font);
-    QChar widest = u'0';
-    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
-        if (metrics.horizontalAdvance(QChar(digit)) > metrics.horizontalAdvance(widest)) {
-            widest = QChar(digit);
-        }
-    }
+    const QChar widest = widestDigit(font, metrics);
     QString text = pattern;
     for (QChar& character : text) {
         if (character.isDigit()) {

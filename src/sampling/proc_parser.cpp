@@ -210,6 +210,15 @@ MemoryClasses parseMemoryInfo(std::string_view text, std::uint64_t zramBytes, do
     return classes;
 }
 
+std::optional<std::int32_t> parseNewestProcessID(std::string_view text) {
+    Fields fields(text);
+    fields.skip(4);
+    const auto number = fields.number();
+    constexpr auto highest = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
+    return number && *number <= highest ? std::optional(static_cast<std::int32_t>(*number))
+                                        : std::nullopt;
+}
+
 std::optional<std::uint64_t> parseZramUsedBytes(std::string_view text) {
     Fields fields(text);
     fields.skip(2);

@@ -33,6 +33,10 @@ struct ProcessStat {
 /// Absent when the text is cut short or a field that is needed is no number.
 std::optional<ProcessStat> parseProcessStat(std::string_view text);
 
+/// The process number that was given out last, from the kernel's `loadavg` file. Absent when the
+/// text does not tell.
+std::optional<std::int32_t> parseNewestProcessID(std::string_view text);
+
 /// The counters of all cores together, from the first line of the kernel's `stat` file. Waiting for
 /// a disk counts as idle; interrupts, and time that a hypervisor gave to others, as system. Absent
 /// when that line is not there whole.

@@ -183,8 +183,7 @@ const Names& linuxNames() {
 }
 
 /// The name of the program in a title that it gave itself, such as "sshd: user@pts/0" or
-/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing. Of a path
-/// it is never one of the names.
+/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing.
 std::string_view programOfTitle(std::string_view command) {
     return command.substr(0, command.find_first_of(": "));
 }
@@ -200,7 +199,7 @@ bool isProtectedOnLinux(const ProcessSample& row) {
     const std::string_view command = row.command;
     return row.pid == firstProcess || (command.starts_with('[') && command.ends_with(']')) ||
            linuxNames().contains(row.displayName()) ||
-           linuxNames().contains(programOfTitle(command));
+           (!command.starts_with('/') && linuxNames().contains(programOfTitle(command)));
 }
 
 bool isProtected(const ProcessSample& row, const ProtectionPolicy& policy) {

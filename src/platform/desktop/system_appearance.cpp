@@ -22,8 +22,12 @@ void SystemAppearance::start() {
     if (!bus_.isConnected()) {
         return;
     }
-    bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QString, QString, QDBusVariant)));
+    // The bus finds the types of a slot by their names, which Qt does not register by itself.
+    qRegisterMetaType<QDBusVariant>();
+    if (!bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+                      SLOT(settingChanged(QString, QString, QDBusVariant)))) {
+        qWarning("changes of the desktop's appearance cannot be followed");
+    }
     QDBusMessage request =
         QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
     request.setArguments({appearanceGroup, colorSchemeKey});

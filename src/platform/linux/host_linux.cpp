@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "platform/host.h"
+#include "platform/linux/descriptor_limit.h"
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/proc_stat_tick_source.h"
 #include "platform/linux/procfs_metrics_reader.h"
@@ -24,6 +25,7 @@ const CommandSafetyPolicy::AllowedExecutables& allowedExecutables() {
 }
 
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher&) {
+    raiseDescriptorLimit();
     return std::make_shared<ProcfsMetricsReader>();
 }
 
@@ -59,8 +61,7 @@ void lowerThreadPriority() {
     const auto thread = static_cast<id_t>(gettid());
     // Linux keeps a nice value per thread, so this leaves the main thread alone.
     setpriority(PRIO_PROCESS, thread, utilityNice);
-    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, thread,
-            IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, thread, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
 }
 
 std::chrono::duration<double, std::milli> timeSinceProcessStart() {

@@ -13,6 +13,9 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
+
+#include "sampling/proc_parser.h"
 
 namespace tallowcrest {
 namespace {
@@ -65,6 +68,54 @@ bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids) {
         pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
     }
     return true;
+}
+
+ProcfsPidFollower::ProcfsPidFollower(const std::string& procRoot, Exists exists)
+    : loadAverage_(procRoot + "/loadavg"), exists_(std::move(exists)) {}
+
+bool ProcfsPidFollower::follow(int procDirectory, std::vector<std::int32_t>& pids) {
+    // Taken before the list: what comes into being meanwhile belongs to the next sample.
+    const std::optional<std::int32_t> newest = readNewest();
+    ++samplesSinceListing_;
+    if (canProbe(newest)) {
+        probe(*newest, pids);
+    } else {
+        if (!listProcessIDs(procDirectory, pids)) {
+            newest_.reset();
+            newestBefore_.reset();
+            return false;
+        }
+        samplesSinceListing_ = 0;
+    }
+    newestBefore_ = newest_;
+    newest_ = newest;
+    return true;
+}
+
+std::optional<std::int32_t> ProcfsPidFollower::readNewest() const {
+    std::array<char, 128> buffer;
+    return exists_ ? parseNewestProcessID(loadAverage_.read(buffer)) : std::nullopt;
+}
+
+bool ProcfsPidFollower::canProbe(std::optional<std::int32_t> newest) const {
+    // Numbers start over at their upper end, and then the newest is not the highest.
+    return exists_ && newest && newestBefore_ && samplesSinceListing_ < samplesPerListing &&
+           *newestBefore_ <= *newest && *newest - *newestBefore_ <= mostProbes;
+}
+
+void ProcfsPidFollower::probe(std::int32_t newest, std::vector<std::int32_t>& pids) const {
+    // Each number is probed in two samples: the kernel gives it out a little before the process
+    // that is to bear it can be found.
+    const std::size_t known = pids.size();
+    for (std::int32_t pid = *newestBefore_ + 1; pid <= newest; ++pid) {
+        if (exists_(pid)) {
+            pids.push_back(pid);
+        }
+    }
+    if (pids.size() > known) {
+        std::sort(pids.begin(), pids.end());
+        pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
+    }
 }
 
 }  // namespace tallowcrest

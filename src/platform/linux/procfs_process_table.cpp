@@ -25,6 +25,20 @@ std::chrono::nanoseconds readClock(clockid_t clock) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+/// Processor time in nanoseconds, where the tick counters of the `stat` file know 10 ms.
+std::optional<std::chrono::nanoseconds> readProcessTime(std::int32_t pid) {
+    // The number of a process's clock, as the kernel's interface lays it down. The library's own
+    // function asks the kernel once more whether that clock exists, which reading it tells anyway.
+    constexpr clockid_t scheduledTime = 2;
+    const clockid_t clock = static_cast<clockid_t>(~static_cast<std::uint32_t>(pid) << 3U) |
+                            scheduledTime;
+    timespec time{};
+    if (pid <= 0 || ::clock_gettime(clock, &time) != 0) {
+        return std::nullopt;
+    }
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 double seconds(std::chrono::nanoseconds duration) {
     return std::chrono::duration<double>(duration).count();
 }
@@ -45,12 +59,17 @@ ProcfsMachine ProcfsMachine::current() {
 }
 
 ProcfsClocks ProcfsClocks::system() {
-    return {[] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); }};
+    return {[] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); },
+            readProcessTime};
 }
 
 ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine, ProcfsClocks clocks)
     : machine_(std::move(machine)),
       clocks_(std::move(clocks)),
+      follower_(machine_.procRoot,
+                clocks_.processTime
+                    ? [this](std::int32_t pid) { return clocks_.processTime(pid).has_value(); }
+                    : ProcfsPidFollower::Exists()),
       learnedLimit_(std::numeric_limits<std::size_t>::max()) {}
 
 std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
@@ -59,17 +78,22 @@ std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
         directory_ =
             UniqueFD(::open(machine_.procRoot.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
-    if (!directory_.valid() || !listProcessIDs(directory_.get(), listed_)) {
+    if (!directory_.valid() || !follower_.follow(directory_.get(), listed_)) {
         return {};
     }
+    ++sampleNumber_;
     followList();
     chooseKeepLimit();
     std::vector<ProcessSample> rows;
     rows.reserve(processes_.size());
+    listed_.clear();
     for (Process& process : processes_) {
-        if (!readRow(process, rows.emplace_back())) {
-            rows.pop_back();
+        if (readRow(process)) {
+            fillRow(process, rows.emplace_back());
+        } else if (isGone(process.pid)) {
+            continue;
         }
+        listed_.push_back(process.pid);
     }
     return rows;
 }
@@ -103,7 +127,37 @@ void ProcfsProcessTable::followList() {
     merged_.clear();
 }
 
-bool ProcfsProcessTable::readRow(Process& process, ProcessSample& row) {
+bool ProcfsProcessTable::readRow(Process& process) {
+    const auto busyTime =
+        clocks_.processTime ? clocks_.processTime(process.pid) : std::nullopt;
+    if (!isIdle(process, busyTime)) {
+        return readInFull(process, busyTime);
+    }
+    const std::chrono::nanoseconds now = clocks_.monotonic();
+    if (now - process.readAt >= shortestInterval) {
+        process.cpu = 0.0;
+        process.readAt = now;
+    }
+    return true;
+}
+
+/// Whether the process is known not to have run since its previous reading. Had its number gone to
+/// another process, that one's clock would read differently.
+bool ProcfsProcessTable::isIdle(const Process& process,
+                                std::optional<std::chrono::nanoseconds> busyTime) const {
+    const auto turn = (sampleNumber_ + static_cast<std::uint64_t>(process.pid)) %
+                      samplesPerFullReading;
+    return turn != 0 && busyTime && busyTime == process.busyTime && process.startTicks &&
+           process.commandIsFinal;
+}
+
+/// Whether the number is free again. Where that cannot be told the next listing will tell.
+bool ProcfsProcessTable::isGone(std::int32_t pid) const {
+    return clocks_.processTime && !clocks_.processTime(pid);
+}
+
+bool ProcfsProcessTable::readInFull(Process& process,
+                                    std::optional<std::chrono::nanoseconds> busyTime) {
     std::array<char, 1024> buffer;
     const auto stat = parseProcessStat(readStat(process, buffer));
     if (!stat) {
@@ -113,10 +167,14 @@ bool ProcfsProcessTable::readRow(Process& process, ProcessSample& row) {
     const std::chrono::nanoseconds now = clocks_.monotonic();
     const bool isFirstReading = process.startTicks != stat->startTicks;
     process.startTicks = stat->startTicks;
-    measureLoad(process, *stat, now, isFirstReading);
+    process.residentPages = stat->residentPages;
+    measureLoad(process, *stat, busyTime, now, isFirstReading);
     followCommand(process, *stat, isFirstReading);
+    return true;
+}
 
-    const double residentBytes = static_cast<double>(stat->residentPages) * machine_.pageSize;
+void ProcfsProcessTable::fillRow(const Process& process, ProcessSample& row) const {
+    const double residentBytes = static_cast<double>(process.residentPages) * machine_.pageSize;
     row.pid = process.pid;
     row.cpu = process.cpu;
     row.memoryPercent =
@@ -124,10 +182,10 @@ bool ProcfsProcessTable::readRow(Process& process, ProcessSample& row) {
     row.rssMB = residentBytes * megabytesPerByte;
     row.command = process.command;
     row.arguments = process.command;
-    return true;
 }
 
 void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
+                                     std::optional<std::chrono::nanoseconds> busyTime,
                                      std::chrono::nanoseconds now, bool isFirstReading) {
     const std::uint64_t room = std::numeric_limits<std::uint64_t>::max() - stat.systemTicks;
     const std::uint64_t busyTicks = std::min(stat.userTicks, room) + stat.systemTicks;
@@ -140,14 +198,19 @@ void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
         if (now - process.readAt < shortestInterval) {
             return;
         }
-        newTicks = busyTicks > process.busyTicks
-                       ? static_cast<double>(busyTicks - process.busyTicks)
-                       : 0.0;
+        if (busyTime && process.busyTime) {
+            newTicks = seconds(*busyTime - *process.busyTime) * machine_.ticksPerSecond;
+        } else {
+            newTicks = busyTicks > process.busyTicks
+                           ? static_cast<double>(busyTicks - process.busyTicks)
+                           : 0.0;
+        }
         elapsedTicks = seconds(now - process.readAt) * machine_.ticksPerSecond;
     }
     // Nothing can be said of a process younger than one tick.
-    process.cpu = elapsedTicks >= 1.0 ? newTicks / elapsedTicks * 100.0 : 0.0;
+    process.cpu = elapsedTicks >= 1.0 ? std::max(newTicks, 0.0) / elapsedTicks * 100.0 : 0.0;
     process.busyTicks = busyTicks;
+    process.busyTime = busyTime;
     process.readAt = now;
 }
 
@@ -185,6 +248,7 @@ std::string_view ProcfsProcessTable::readStat(Process& process, std::span<char> 
         process.stat.reset();
         --keptDescriptors_;
         process.startTicks.reset();
+        process.busyTime.reset();
     }
     UniqueFD opened = openStat(process.pid);
     if (!opened.valid()) {

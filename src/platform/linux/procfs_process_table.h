@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/local_records.h"
+#include "platform/linux/procfs_pid_list.h"
 #include "platform/posix/unique_fd.h"
 #include "sampling/proc_parser.h"
 
@@ -28,18 +29,25 @@ struct ProcfsMachine {
     static ProcfsMachine current();
 };
 
-/// The two times that processor time is set against.
+/// The times that a process's load is worked out from.
 struct ProcfsClocks {
     using Reading = std::function<std::chrono::nanoseconds()>;
+    using ProcessReading =
+        std::function<std::optional<std::chrono::nanoseconds>(std::int32_t pid)>;
 
     Reading monotonic;  ///< stands still while the machine is suspended
     Reading sinceBoot;  ///< counts suspension too, like the kernel's start times
+    /// Processor time that a process has used in its whole life, all its threads together; absent
+    /// when nobody bears that number. May be empty: the table then counts in the kernel's ticks.
+    ProcessReading processTime;
 
     static ProcfsClocks system();
 };
 
-/// The process table, read natively. Steady state costs one listing, and one small read per process
-/// through a descriptor that stays open. Any thread; overlapping calls wait for each other.
+/// The process table, read natively. A process that has not run since the previous reading cannot
+/// have changed by its own doing, so its processor clock is all that is looked at; for one that has,
+/// one small file is read through a descriptor that stays open. Any thread; overlapping calls wait
+/// for each other.
 class ProcfsProcessTable {
 public:
     explicit ProcfsProcessTable(ProcfsMachine machine,
@@ -49,12 +57,14 @@ public:
     /// cannot be listed.
     ///
     /// `cpu` is the share of one core since the row's previous reading, and over the process's
-    /// whole life on its first. Kernels count processor time in ticks of 10 ms: a reading less than
-    /// `shortestInterval` after the previous one repeats that one's figure, for the ticks of a
-    /// shorter time would say nothing.
+    /// whole life on its first. A reading less than `shortestInterval` after the previous one
+    /// repeats that one's figure: the load of a shorter time would say nothing.
     std::vector<ProcessSample> readProcesses();
 
     static constexpr std::chrono::milliseconds shortestInterval{200};
+    /// Others can change an idle process too, by taking memory from it. So each row is read in full
+    /// once in so many samples, a few rows in each.
+    static constexpr std::uint64_t samplesPerFullReading = 16;
 
 private:
     struct Process {
@@ -63,6 +73,8 @@ private:
         /// Absent before the first reading, and again when the number went to another process.
         std::optional<std::uint64_t> startTicks;
         std::uint64_t busyTicks = 0;
+        std::optional<std::chrono::nanoseconds> busyTime;  ///< absent: counted in ticks
+        std::uint64_t residentPages = 0;
         std::chrono::nanoseconds readAt{0};
         double cpu = 0.0;
         std::uint64_t startCode = 0;
@@ -73,11 +85,16 @@ private:
     };
 
     void followList();
-    bool readRow(Process& process, ProcessSample& row);
+    bool readRow(Process& process);
+    bool readInFull(Process& process, std::optional<std::chrono::nanoseconds> busyTime);
+    bool isIdle(const Process& process, std::optional<std::chrono::nanoseconds> busyTime) const;
+    bool isGone(std::int32_t pid) const;
+    void fillRow(const Process& process, ProcessSample& row) const;
     std::string_view readStat(Process& process, std::span<char> buffer);
     UniqueFD openStat(std::int32_t pid);
-    void measureLoad(Process& process, const ProcessStat& stat, std::chrono::nanoseconds now,
-                     bool isFirstReading);
+    void measureLoad(Process& process, const ProcessStat& stat,
+                     std::optional<std::chrono::nanoseconds> busyTime,
+                     std::chrono::nanoseconds now, bool isFirstReading);
     void followCommand(Process& process, const ProcessStat& stat, bool isFirstReading);
     void chooseKeepLimit();
     void shedDescriptors();
@@ -86,7 +103,9 @@ private:
     const ProcfsClocks clocks_;
     std::mutex lock_;
     UniqueFD directory_;
+    ProcfsPidFollower follower_;
     std::vector<std::int32_t> listed_;
+    std::uint64_t sampleNumber_ = 0;
     std::vector<Process> processes_;  ///< ascending by pid
     std::vector<Process> merged_;     ///< kept for its capacity
     std::size_t keptDescriptors_ = 0;

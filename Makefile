@@ -1,0 +1,101 @@
+# Every command of the project. The presets (CMakePresets.json) say what is built how; here stands
+# only the order of steps.
+
+.DEFAULT_GOAL := help
+.PHONY: help build run test bench screenshots fuzz asan tsan format format-check tidy clean
+
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+BOOTSTRAP ?= scripts/bootstrap
+FUZZ_SECONDS ?= 20
+
+# The presets compile the same sources into different folders. Without the folder in the cache's
+# key they share their results.
+export CCACHE_NOHASHDIR := 1
+
+SOURCES = find src tests fuzz bench -name '*.h' -o -name '*.cpp'
+
+# $(call prepare,PRESET,TARGETS): configures a preset and builds targets of it.
+prepare = cmake --preset $(1) && cmake --build build/$(1) -j $(JOBS) --target $(2)
+
+help:
+	@echo 'make run           build the program and start it (without a display: --headless)'
+	@echo 'make test          build everything, warnings being errors, and run all tests'
+	@echo ''
+	@echo 'make build         build what is shipped: build/release/tallowcrest'
+	@echo 'make bench         micro-benchmarks, then the whole program beside its neighbours'
+	@echo 'make screenshots   take docs/screenshots/ anew'
+	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
+	@echo 'make asan          all tests under the address and undefined behaviour sanitizers'
+	@echo 'make tsan          all tests under the thread sanitizer'
+	@echo 'make format        lay out the source; make format-check only looks'
+	@echo 'make tidy          static analysis of the source and the scripts'
+	@echo 'make clean         remove build/'
+	@echo ''
+	@echo 'JOBS=N sets how many steps run at a time (now $(JOBS)). BOOTSTRAP=: leaves out the'
+	@echo 'installation of missing packages. ARGS are handed to the program by make run.'
+
+build:
+	@$(BOOTSTRAP) --build
+	$(call prepare,release,tallowcrest tallowcrest-desktop)
+
+run: build
+	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then \
+	    exec build/release/tallowcrest $(ARGS); \
+	else \
+	    echo 'No display here, so this runs without a window: build/release/tallowcrest --headless'; \
+	    exec build/release/tallowcrest --headless $(ARGS); \
+	fi
+
+# The program without Qt is built too: it proves that nothing below the window needs it.
+test:
+	@$(BOOTSTRAP)
+	$(call prepare,dev,all)
+	$(call prepare,headless,tallowcrest)
+	ctest --test-dir build/dev --output-on-failure -j $(JOBS)
+
+bench:
+	@$(BOOTSTRAP)
+	cmake --preset release -DTALLOWCREST_BENCH=ON
+	cmake --build build/release -j $(JOBS)
+	scripts/each-program build/release/bench
+	bench/whole_process
+
+screenshots: build
+	@$(BOOTSTRAP)
+	scripts/screenshots
+
+fuzz:
+	@$(BOOTSTRAP)
+	$(call prepare,fuzz,all)
+	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
+
+asan:
+	@$(BOOTSTRAP)
+	$(call prepare,asan,all)
+	scripts/with-sanitizer-options ctest --test-dir build/asan --output-on-failure -j $(JOBS)
+
+# The build runs the test programs too, to list their tests.
+tsan:
+	@$(BOOTSTRAP)
+	cmake --preset tsan
+	scripts/with-sanitizer-options cmake --build build/tsan -j $(JOBS)
+	scripts/with-sanitizer-options ctest --test-dir build/tsan --output-on-failure -j $(JOBS)
+
+format:
+	@$(BOOTSTRAP)
+	$(SOURCES) | xargs clang-format -i
+
+format-check:
+	@$(BOOTSTRAP)
+	$(SOURCES) | xargs clang-format --dry-run --Werror
+
+tidy:
+	@$(BOOTSTRAP)
+	$(call prepare,dev,all)
+	shellcheck scripts/bootstrap scripts/each-program scripts/fuzz scripts/screenshots \
+	    scripts/with-sanitizer-options .ci/run
+	find src -name '*.cpp' -not -path 'src/platform/macos/*' -not -name '*_macos.cpp' | \
+	    xargs -P $(JOBS) -n 1 clang-tidy -p build/dev --quiet
+
+clean:
+	rm -rf build

@@ -1,0 +1,162 @@
+// One whole sample, from the readings to what the views see: the background half, the main half,
+// and both together.
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+
+#include "core/settings_store.h"
+#include "monitor/sample_cycle.h"
+#include "monitor/system_monitor.h"
+#include "platform/host.h"
+#include "platform/posix/system_clock.h"
+#include "platform/posix/tool_launcher_posix.h"
+#include "tests/support/fake_readers.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+namespace {
+
+/// A table as a busy desktop has it: a few heavy groups of many helpers, many small ones, and a
+/// tail of idle processes.
+std::vector<ProcessSample> busyDesktop(std::int64_t count) {
+    std::vector<ProcessSample> rows;
+    rows.reserve(static_cast<std::size_t>(count));
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::string command =
+            i % 7 == 0   ? "/opt/browser/Google Chrome Helper (Renderer)"
+            : i % 5 == 0 ? fmt::format("[kworker/{}:1]", i)
+            : i % 3 == 0 ? "/usr/bin/python3.11"
+                         : fmt::format("/usr/lib/service-{}/daemon{}", i % 90, i % 400);
+        rows.push_back({100 + i, static_cast<double>(i * 37 % 101) / 20.0,
+                        static_cast<double>(i % 11) / 10.0, static_cast<double>(i * 53 % 997),
+                        command, command});
+    }
+    return rows;
+}
+
+SampleInputs inputs() {
+    return {.cpuCount = host::activeProcessorCount(),
+            .protectedAppNames = {"Docker", "Node.js"},
+            .protection = host::protectionPolicy()};
+}
+
+std::shared_ptr<FakeMetricsReader> preparedReader(std::int64_t rows) {
+    auto reader = std::make_shared<FakeMetricsReader>();
+    reader->processes = busyDesktop(rows);
+    reader->memory = {16, 9, 7, 2, 1, 56};
+    reader->disk = {500, 120};
+    return reader;
+}
+
+/// A monitor on queues that this benchmark turns, in the steady state of a full history.
+class Bench {
+public:
+    Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
+        : monitor_(MonitorPorts{mainQueue_, workQueue_, clock_, store_, std::move(metrics),
+                                std::move(ticks)},
+                   HostFacts{inputs().cpuCount, inputs().protection, {}, {}}) {
+        while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
+            takeInBackground();
+            applyOnMain();
+        }
+    }
+
+    void takeInBackground() {
+        monitor_.refresh();
+        workQueue_.run();
+    }
+    void applyOnMain() { mainQueue_.drain(); }
+
+private:
+    SystemClock clock_;
+    ManualMainQueue mainQueue_;
+    ManualWorkQueue workQueue_;
+    MemorySettingsStore store_;
+    SystemMonitor monitor_;
+};
+
+void runTicks(benchmark::State& state, Bench& bench) {
+    for (auto _ : state) {
+        bench.takeInBackground();
+        bench.applyOnMain();
+    }
+}
+
+/// Times the main half alone; the background half that feeds it does not count.
+void runMainHalves(benchmark::State& state, Bench& bench) {
+    for (auto _ : state) {
+        bench.takeInBackground();
+        const auto start = std::chrono::steady_clock::now();
+        bench.applyOnMain();
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(spent.count());
+    }
+}
+
+void runBackgroundHalves(benchmark::State& state, SampleSources& sources) {
+    const SystemClock clock;
+    const SampleInputs fixed = inputs();
+    std::size_t rows = 0;
+    for (auto _ : state) {
+        rows = takeSample(sources, {}, fixed, clock).processes.size();
+    }
+    state.counters["rows"] = static_cast<double>(rows);
+}
+
+void backgroundHalfOfPreparedRows(benchmark::State& state) {
+    SampleSources sources(preparedReader(state.range(0)), std::make_shared<FakeTickSource>());
+    runBackgroundHalves(state, sources);
+}
+
+void mainHalfOfPreparedRows(benchmark::State& state) {
+    Bench bench(preparedReader(state.range(0)), std::make_shared<FakeTickSource>());
+    runMainHalves(state, bench);
+}
+
+void tickOfPreparedRows(benchmark::State& state) {
+    Bench bench(preparedReader(state.range(0)), std::make_shared<FakeTickSource>());
+    runTicks(state, bench);
+}
+
+void backgroundHalfOfThisMachine(benchmark::State& state) {
+    PosixToolLauncher launcher;
+    SampleSources sources(host::makeMetricsReader(launcher), host::makeTickSource());
+    runBackgroundHalves(state, sources);
+}
+
+void mainHalfOfThisMachine(benchmark::State& state) {
+    PosixToolLauncher launcher;
+    Bench bench(host::makeMetricsReader(launcher), host::makeTickSource());
+    runMainHalves(state, bench);
+}
+
+void tickOfThisMachine(benchmark::State& state) {
+    PosixToolLauncher launcher;
+    Bench bench(host::makeMetricsReader(launcher), host::makeTickSource());
+    runTicks(state, bench);
+}
+
+BENCHMARK(backgroundHalfOfPreparedRows)
+    ->Arg(600)
+    ->Arg(2000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(mainHalfOfPreparedRows)
+    ->Arg(600)
+    ->Arg(2000)
+    ->Arg(10000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(tickOfPreparedRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(backgroundHalfOfThisMachine)->Unit(benchmark::kMicrosecond);
+BENCHMARK(mainHalfOfThisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(tickOfThisMachine)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tallowcrest

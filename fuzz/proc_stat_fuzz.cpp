@@ -1,0 +1,49 @@
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "sampling/proc_parser.h"
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) {
+        __builtin_trap();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace tallowcrest;
+    const std::string text(data, data + size);
+
+    if (const auto stat = parseProcessStat(text)) {
+        require(text.find('(' + std::string(stat->name) + ") " + stat->state + ' ') !=
+                std::string::npos);
+        // What is appended to a whole text is not looked at, unless it closes a bracket.
+        const std::string longer = text + " 0 0\n";
+        const auto again = parseProcessStat(longer);
+        require(again && again->name == stat->name && again->userTicks == stat->userTicks &&
+                again->systemTicks == stat->systemTicks && again->startTicks == stat->startTicks &&
+                again->residentPages == stat->residentPages);
+    }
+
+    // Any name at all leaves the figures in their places.
+    const std::string tail =
+        " R 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25\n";
+    const std::string withName = "1 (" + text + ')' + tail;
+    const auto named = parseProcessStat(withName);
+    require(named && named->name == text && named->state == 'R');
+    require(named->flags == 6 && named->userTicks == 11 && named->systemTicks == 12);
+    require(named->startTicks == 19 && named->residentPages == 21);
+    require(named->startCode == 23 && named->startStack == 25);
+
+    if (const auto ticks = parseProcessorTicks(text)) {
+        require(text.starts_with("cpu "));
+        require(parseProcessorTicks(text + "cpu0 1 2 3 4\n") == ticks);
+    }
+    parseZramUsedBytes(text);
+    return 0;
+}

@@ -1,0 +1,86 @@
+#include <mach-o/dyld.h>
+#include <pthread.h>
+#include <sys/sysctl.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+#include <thread>
+
+#include "platform/host.h"
+#include "platform/macos/home_volume_macos.h"
+#include "platform/macos/mach_tick_source.h"
+#include "platform/posix/user_account.h"
+#include "sampling/metric_runner.h"
+#include "sampling/pro_system_metrics_reader.h"
+
+namespace tallowcrest::host {
+
+const CommandSafetyPolicy::AllowedExecutables& allowedExecutables() {
+    return CommandSafetyPolicy::macOSExecutables();
+}
+
+std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher) {
+    return std::make_shared<ProSystemMetricsReader>(
+        MetricRunner(allowedExecutables(), launcher),
+        std::make_unique<MacHomeVolume>(userAccount().homeDirectory));
+}
+
+std::shared_ptr<CPUTickSource> makeTickSource() {
+    return std::make_shared<MachTickSource>();
+}
+
+ProtectionPolicy protectionPolicy() {
+    return {.ownPID = getpid(), .protectsLinuxSystem = false};
+}
+
+int activeProcessorCount() {
+    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+}
+
+std::string loginName() {
+    return userAccount().name;
+}
+
+std::filesystem::path executablePath() {
+    std::uint32_t size = 0;
+    _NSGetExecutablePath(nullptr, &size);
+    std::string path(size, '\0');
+    if (_NSGetExecutablePath(path.data(), &size) != 0) {
+        return {};
+    }
+    path.resize(path.find('\0') == std::string::npos ? path.size() : path.find('\0'));
+    return path;
+}
+
+std::vector<std::string> activityMonitors() {
+    return {"/System/Applications/Utilities/Activity Monitor.app"};
+}
+
+void lowerThreadPriority() {
+    pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
+}
+
+std::chrono::duration<double, std::milli> timeSinceProcessStart() {
+    kinfo_proc info{};
+    std::size_t size = sizeof info;
+    std::array<int, 4> name{CTL_KERN, KERN_PROC, KERN_PROC_PID, getpid()};
+    timeval now{};
+    if (sysctl(name.data(), static_cast<unsigned>(name.size()), &info, &size, nullptr, 0) != 0 ||
+        gettimeofday(&now, nullptr) != 0) {
+        return {};
+    }
+    const timeval& start = info.kp_proc.p_starttime;
+    return std::chrono::duration<double, std::milli>(
+        static_cast<double>(now.tv_sec - start.tv_sec) * 1e3 +
+        static_cast<double>(now.tv_usec - start.tv_usec) / 1e3);
+}
+
+bool hasDisplay() {
+    return true;
+}
+
+}  // namespace tallowcrest::host

@@ -1,0 +1,296 @@
+#include "actions/review_target.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::IsEmpty;
+
+constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
+
+ProcessSample row(std::int64_t pid, const std::string& command, double cpu = 12.34,
+                  double rssMB = 345.6) {
+    return {pid, cpu, 1.0, rssMB, command, command};
+}
+
+class ReviewTargetTest : public ::testing::Test {
+protected:
+    void publish(std::vector<ProcessSample> latest, std::vector<ProcessSample> top,
+                 std::vector<AppImpact> groups = {}) {
+        SystemSnapshot snapshot;
+        snapshot.topProcesses = std::move(top);
+        snapshot.appImpacts = std::move(groups);
+        sample.setLatestProcesses(std::move(latest));
+        sample.setSnapshot(std::move(snapshot));
+    }
+
+    static AppImpact group(const std::string& name, std::optional<std::int64_t> topPID) {
+        AppImpact result;
+        result.name = name;
+        result.topPID = topPID;
+        return result;
+    }
+
+    void expectNothingSelected() const {
+        EXPECT_EQ(review.selectedPID(), std::nullopt);
+        EXPECT_EQ(review.selectedAppImpactName(), std::nullopt);
+        EXPECT_EQ(review.optimizeStep(), firstStep);
+    }
+
+    void expectSelected(std::int64_t pid, const std::string& groupName,
+                        const std::string& step) const {
+        EXPECT_EQ(review.selectedPID(), pid);
+        EXPECT_EQ(review.selectedAppImpactName(), groupName);
+        EXPECT_EQ(review.optimizeStep(), step);
+    }
+
+    /// The message is the last action, and one event of the title "Action" more than `before`.
+    void expectRecorded(const std::string& message, std::size_t before = 0) const {
+        EXPECT_EQ(log.lastAction(), message);
+        ASSERT_EQ(log.activityLog().size(), before + 1);
+        EXPECT_EQ(log.activityLog()[0].title, "Action");
+        EXPECT_EQ(log.activityLog()[0].detail, message);
+    }
+
+    void expectOnlySet(const std::string& message) const {
+        EXPECT_EQ(log.lastAction(), message);
+        EXPECT_THAT(log.activityLog(), IsEmpty());
+    }
+
+    ManualClock clock;
+    ManualMainQueue queue;
+    Observable observable{queue};
+    ActivityLog log{clock, observable, {}, [](const auto&) {}};
+    LatestSample sample{observable, {}, [](const auto&) {}};
+    ProtectedAppNames neverQuit;
+    ReviewTarget review{observable, log, sample, neverQuit,
+                        ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
+};
+
+TEST_F(ReviewTargetTest, StartsWithNothingSelected) {
+    expectNothingSelected();
+    EXPECT_EQ(review.selectedTargetSummary(), SelectedTargetSummary{});
+    expectOnlySet("Monitoring started.");
+}
+
+// A row of the list ------------------------------------------------------------------------------
+
+TEST_F(ReviewTargetTest, SelectProcessSetsTargetGroupAndStepAndSaysNothing) {
+    review.selectProcess(row(7, "/opt/google/Google Chrome Helper"));
+    expectSelected(7, "Google Chrome",
+                   "2. Google Chrome Helper is selected for review from CPU + Memory Processes.");
+    expectOnlySet("Monitoring started.");
+}
+
+TEST_F(ReviewTargetTest, SelectProcessTakesAProtectedRowToo) {
+    review.selectProcess(row(1, "/usr/lib/systemd/systemd"));
+    expectSelected(1, "systemd", "2. systemd is selected for review from CPU + Memory Processes.");
+}
+
+TEST_F(ReviewTargetTest, NamesARowWithoutAPathComponentByItsWholeCommand) {
+    review.selectProcess(row(7, "/"));
+    EXPECT_EQ(review.optimizeStep(), "2. / is selected for review from CPU + Memory Processes.");
+}
+
+TEST_F(ReviewTargetTest, SelectFirstProcessTakesTheFirstVisibleRow) {
+    review.selectFirstProcess({row(9, "/usr/bin/second-heaviest"), row(7, "/usr/bin/other")});
+    expectSelected(9, "second-heaviest",
+                   "2. second-heaviest is selected for review from CPU + Memory Processes.");
+    expectOnlySet("Selected second-heaviest from CPU + Memory Processes. No action has run yet.");
+}
+
+TEST_F(ReviewTargetTest, SelectFirstProcessOfAnEmptyListKeepsTheSelection) {
+    review.selectProcess(row(7, "/usr/bin/kept"));
+    review.selectFirstProcess({});
+    expectSelected(7, "kept", "2. kept is selected for review from CPU + Memory Processes.");
+    expectOnlySet("No process is available to select.");
+}
+
+// The heaviest process ---------------------------------------------------------------------------
+
+TEST_F(ReviewTargetTest, SelectTopProcessWithoutASample) {
+    review.selectTopProcess();
+    expectNothingSelected();
+    expectRecorded("No process sample is available yet.");
+}
+
+TEST_F(ReviewTargetTest, SelectTopProcessOfAnEmptyTable) {
+    publish({row(7, "/usr/bin/unranked")}, {});
+    review.selectTopProcess();
+    expectNothingSelected();
+    expectRecorded("No process sample is available yet.");
+}
+
+TEST_F(ReviewTargetTest, SelectTopProcess) {
+    publish({}, {row(7, "/usr/bin/python3.11"), row(8, "/usr/bin/other")});
+    review.selectTopProcess();
+    expectSelected(7, "Python",
+                   "2. python3.11 is selected for review. Choose a confirmed action when ready.");
+    expectRecorded("Selected python3.11, currently the heaviest process.");
+}
+
+TEST_F(ReviewTargetTest, SelectTopProcessRefusesWhatIsProtected) {
+    neverQuit = {"Node.js"};
+    const std::vector<ProcessSample> protectedRows{
+        row(7, "/sbin/launchd"),             // a built-in name
+        row(7, "/usr/libexec/anything"),     // a protected place
+        row(7, "/System/Library/anything"),  // a protected place
+        row(7, "/usr/bin/node"),             // its group is on the Never Quit list
+        row(4242, "/usr/bin/anything"),      // this program itself
+        row(1, "/sbin/anything"),            // the first process
+        row(7, "[kworker/0:1]"),             // a kernel thread
+        row(7, "/usr/bin/gnome-shell"),      // the session
+    };
+    for (const ProcessSample& top : protectedRows) {
+        const std::size_t before = log.activityLog().size();
+        review.selectProcess(row(99, "/usr/bin/kept"));
+        publish({}, {top, row(8, "/usr/bin/safe")});
+        review.selectTopProcess();
+        expectSelected(99, "kept", "2. kept is selected for review from CPU + Memory Processes.");
+        expectRecorded("Top process is protected: " + std::string(top.displayName()) +
+                           ". Select another process to optimize.",
+                       before);
+    }
+}
+
+TEST_F(ReviewTargetTest, NeverQuitNamesAreGroupNamesCaseSensitive) {
+    neverQuit = {"node", "NODE.JS"};
+    publish({}, {row(7, "/usr/bin/node")});
+    review.selectTopProcess();
+    EXPECT_EQ(review.selectedPID(), 7);
+}
+
+TEST_F(ReviewTargetTest, SeesANeverQuitNameThatWasAddedLater) {
+    publish({}, {row(7, "/usr/bin/node")});
+    EXPECT_FALSE(review.isProtectedTarget(row(7, "/usr/bin/node")));
+    neverQuit.insert("Node.js");
+    EXPECT_TRUE(review.isProtectedTarget(row(7, "/usr/bin/node")));
+}
+
+// The heaviest group -----------------------------------------------------------------------------
+
+TEST_F(ReviewTargetTest, SelectTopAppWithoutASampleAGroupOrATopProcess) {
+    review.selectTopApp();
+    expectRecorded("No app impact sample is available yet.");
+    publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")}, {});
+    review.selectTopApp();
+    expectRecorded("No app impact sample is available yet.", 1);
+    publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")},
+            {group("No top", std::nullopt), group("a", 7)});
+    review.selectTopApp();
+    expectRecorded("No app impact sample is available yet.", 2);
+    expectNothingSelected();
+}
+
+TEST_F(ReviewTargetTest, SelectTopApp) {
+    publish({row(8, "/usr/bin/b"), row(7, "/usr/bin/a")}, {}, {group("Group A", 7), group("b", 8)});
+    review.selectTopApp();
+    expectSelected(7, "Group A",
+                   "2. Group A is selected for review. Nothing has been quit or purged yet.");
+    expectRecorded("Selected the heaviest process inside Group A.");
+}
+
+TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
+    neverQuit = {"Docker"};
+    for (const ProcessSample& top :
+         {row(7, "/sbin/launchd"), row(7, "/usr/bin/docker"), row(7, "/usr/sbin/sshd"),
+          row(7, "[kswapd0]"), row(4242, "/usr/bin/anything")}) {
+        const std::size_t before = log.activityLog().size();
+        publish({top}, {}, {group("Heavy", top.pid)});
+        review.selectTopApp();
+        expectNothingSelected();
+        expectRecorded("Top app includes protected system processes. Select a safer app group.",
+                       before);
+    }
+}
+
+TEST_F(ReviewTargetTest, SelectTopAppGoesOnWhenItsTopProcessHasLeftTheList) {
+    // The ranked rows still hold it, as a protected one even: only the latest table counts.
+    publish({row(8, "/usr/bin/b")}, {row(7, "/sbin/launchd")}, {group("Gone", 7)});
+    review.selectTopApp();
+    expectSelected(7, "Gone",
+                   "2. Gone is selected for review. Nothing has been quit or purged yet.");
+    expectRecorded("Selected the heaviest process inside Gone.");
+}
+
+// Clearing ---------------------------------------------------------------------------------------
+
+TEST_F(ReviewTargetTest, ClearOperationTarget) {
+    review.selectProcess(row(7, "/usr/bin/a"));
+    review.clearOperationTarget();
+    expectNothingSelected();
+    expectRecorded("Cleared selected operation target.");
+}
+
+TEST_F(ReviewTargetTest, ClearingNothingIsReportedToo) {
+    review.clearOperationTarget();
+    expectNothingSelected();
+    expectRecorded("Cleared selected operation target.");
+}
+
+// The target card --------------------------------------------------------------------------------
+
+TEST_F(ReviewTargetTest, SummaryOfARowOfTheLatestTable) {
+    publish({row(7, "/opt/Google Chrome Helper", 12.35, 345.6)},
+            {row(7, "/usr/bin/older-name", 99, 99)});
+    review.selectProcess(row(7, "/usr/bin/whatever"));
+    EXPECT_EQ(review.selectedTargetSummary(),
+              (SelectedTargetSummary{"Google Chrome Helper",
+                                     "Google Chrome · PID 7 · 12.3% CPU · 346 MB", false}));
+}
+
+TEST_F(ReviewTargetTest, SummaryOfARowOfTheRankedListAlone) {
+    publish({row(8, "/usr/bin/b")}, {row(7, "/usr/bin/a", 0, 0.4)});
+    review.selectProcess(row(7, "/usr/bin/a"));
+    EXPECT_EQ(review.selectedTargetSummary(),
+              (SelectedTargetSummary{"a", "a · PID 7 · 0.0% CPU · 0 MB", false}));
+}
+
+TEST_F(ReviewTargetTest, SummaryTellsWhatIsProtected) {
+    neverQuit = {"b"};
+    publish({row(7, "/sbin/launchd"), row(8, "/usr/bin/b"), row(1, "/init")}, {});
+    for (const std::int64_t pid : {7, 8, 1}) {
+        review.selectProcess(row(pid, "/usr/bin/x"));
+        EXPECT_TRUE(review.selectedTargetSummary().isProtected) << pid;
+    }
+}
+
+TEST_F(ReviewTargetTest, SummaryOfAProcessThatIsGone) {
+    review.selectProcess(row(7, "/sbin/launchd"));
+    const SelectedTargetSummary gone{
+        "PID 7", "Selected for review. Process details are not in the latest sample.", false};
+    EXPECT_EQ(review.selectedTargetSummary(), gone);  // no sample at all
+    publish({row(8, "/usr/bin/b")}, {row(8, "/usr/bin/b")});
+    EXPECT_EQ(review.selectedTargetSummary(), gone);
+    EXPECT_EQ(review.selectedPID(), 7);
+}
+
+TEST_F(ReviewTargetTest, SummaryNamesARowWithoutAPathComponentByItsWholeCommand) {
+    publish({row(7, "//")}, {});
+    review.selectProcess(row(7, "//"));
+    EXPECT_EQ(review.selectedTargetSummary().title, "//");
+}
+
+TEST_F(ReviewTargetTest, TellsObserversOfEverySelection) {
+    int told = 0;
+    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    review.selectProcess(row(7, "/usr/bin/a"));
+    queue.drain();
+    EXPECT_EQ(told, 1);
+    review.clearOperationTarget();
+    queue.drain();
+    EXPECT_EQ(told, 2);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,83 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/architecture/layer_rules.h"
+
+namespace tallowcrest::architecture {
+
+void PrintTo(const Violation& violation, std::ostream* stream) {
+    *stream << "src/" << violation.path << ':' << violation.line << ": " << violation.what;
+}
+
+namespace {
+
+using testing::IsEmpty;
+
+bool isRead(const std::filesystem::path& path) {
+    return path.extension() == ".h" || path.extension() == ".cpp" ||
+           path.filename() == "CMakeLists.txt";
+}
+
+std::vector<SourceFile> readTree() {
+    const std::filesystem::path root = std::filesystem::path(TALLOWCREST_SOURCE_DIR) / "src";
+    std::vector<SourceFile> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        if (entry.is_regular_file() && isRead(entry.path())) {
+            std::ostringstream text;
+            text << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+            files.push_back({entry.path().lexically_relative(root).generic_string(), text.str()});
+        }
+    }
+    std::sort(files.begin(), files.end(),
+              [](const SourceFile& a, const SourceFile& b) { return a.path < b.path; });
+    return files;
+}
+
+const std::vector<SourceFile>& tree() {
+    static const std::vector<SourceFile> files = readTree();
+    return files;
+}
+
+bool treeHolds(const std::string& path) {
+    return std::any_of(tree().begin(), tree().end(), [&](const SourceFile& file) {
+        return file.path == path && !file.text.empty();
+    });
+}
+
+// The other tests would be content with a tree that they failed to read.
+TEST(Architecture, TheTreeIsRead) {
+    EXPECT_TRUE(treeHolds("core/clock.h"));
+    EXPECT_TRUE(treeHolds("core/CMakeLists.txt"));
+    EXPECT_TRUE(treeHolds("sampling/system_cpu_load_reader.cpp"));
+}
+
+TEST(Architecture, IncludesOnlyPointDownwards) {
+    EXPECT_THAT(forbiddenIncludes(tree()), IsEmpty());
+}
+
+TEST(Architecture, QtStaysInTheWindow) {
+    EXPECT_THAT(strayQtIncludes(tree()), IsEmpty());
+}
+
+TEST(Architecture, OnlyThePlatformFolderKnowsTheOperatingSystem) {
+    EXPECT_THAT(strayPlatformConditions(tree()), IsEmpty());
+}
+
+TEST(Architecture, NoFileIsTooLong) {
+    EXPECT_THAT(overlongFiles(tree()), IsEmpty());
+}
+
+TEST(Architecture, LinkEdgesMatchTheIncludes) {
+    EXPECT_THAT(wrongLinkEdges(tree()), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tallowcrest::architecture

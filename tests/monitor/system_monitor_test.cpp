@@ -1,0 +1,335 @@
+#include "monitor/system_monitor.h"
+
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/record_json.h"
+#include "core/settings_keys.h"
+#include "tests/support/fake_readers.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+namespace {
+
+namespace keys = settings_keys;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// A store that remembers which keys were written, in order.
+class RecordingStore final : public SettingsStore {
+public:
+    std::optional<SettingsValue> read(std::string_view key) const override {
+        return values.read(key);
+    }
+    void write(std::string_view key, const SettingsValue& value) override {
+        written.emplace_back(key);
+        values.write(key, value);
+    }
+
+    std::string json(std::string_view key) const {
+        return std::get<JSONData>(values.read(key).value()).text;
+    }
+
+    MemorySettingsStore values;
+    std::vector<std::string> written;
+};
+
+class SystemMonitorTest : public ::testing::Test {
+protected:
+    SystemMonitor& makeMonitor(MonitorExtensions extensions = {}) {
+        owned = std::make_unique<SystemMonitor>(
+            MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks},
+            HostFacts{.cpuCount = 4,
+                      .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
+                      .loginName = "owner",
+                      .processArguments = arguments},
+            std::move(extensions));
+        return *owned;
+    }
+
+    /// Runs every queued sample to its end.
+    void finishSamples() {
+        while (workQueue.pendingCount() > 0) {
+            workQueue.run();
+        }
+        mainQueue.drain();
+    }
+
+    ManualClock clock;
+    ManualMainQueue mainQueue;
+    ManualWorkQueue workQueue;
+    RecordingStore store;
+    std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
+    std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    std::vector<std::string> arguments{"tallowcrest"};
+    std::unique_ptr<SystemMonitor> owned;
+};
+
+// Construction -----------------------------------------------------------------------------------
+
+TEST_F(SystemMonitorTest, ConstructionStartsNothing) {
+    int registrations = 0;
+    MonitorExtensions extensions;
+    extensions.registerNotifications = [&registrations] { ++registrations; };
+    SystemMonitor& monitor = makeMonitor(std::move(extensions));
+    EXPECT_FALSE(monitor.isStarted());
+    EXPECT_EQ(workQueue.pendingCount(), 0U);
+    EXPECT_EQ(mainQueue.pendingCount(), 0U);
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    EXPECT_THAT(store.written, IsEmpty());
+    EXPECT_EQ(registrations, 0);
+}
+
+TEST_F(SystemMonitorTest, ConstructionPrimesTheLoad) {
+    std::vector<std::string> calls;
+    ticks->calls = &calls;
+    metrics->calls = &calls;
+    SystemMonitor& monitor = makeMonitor();
+    EXPECT_THAT(calls, ElementsAre("readTicks"));
+    ticks->pass(25);
+    monitor.refresh();
+    finishSamples();
+    EXPECT_EQ(monitor.sample().snapshot()->cpuPercent, 25.0);
+}
+
+TEST_F(SystemMonitorTest, FieldsStartAsTold) {
+    SystemMonitor& monitor = makeMonitor();
+    EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
+    EXPECT_THAT(monitor.log().activityLog(), IsEmpty());
+    EXPECT_EQ(monitor.sample().snapshot(), std::nullopt);
+    EXPECT_THAT(monitor.sample().history(), IsEmpty());
+    EXPECT_THAT(monitor.sample().latestProcesses(), IsEmpty());
+    EXPECT_THAT(monitor.sample().recommendations(), IsEmpty());
+    EXPECT_THAT(monitor.sample().sessionInsights(), IsEmpty());
+    EXPECT_THAT(monitor.sample().topAppSamples(), IsEmpty());
+    EXPECT_EQ(monitor.review().selectedPID(), std::nullopt);
+    EXPECT_EQ(monitor.review().selectedAppImpactName(), std::nullopt);
+    EXPECT_EQ(monitor.review().optimizeStep(),
+              "1. Select an offender to review. No optimization has run yet.");
+    EXPECT_EQ(monitor.navigation().selectedRoute(), AppRoute::overview);
+    EXPECT_EQ(monitor.navigation().processFilter(), "");
+    EXPECT_EQ(monitor.settings().sshUsername, "owner");
+    EXPECT_EQ(monitor.host().cpuCount, 4);
+    EXPECT_EQ(monitor.startup().diskAutopilotStatus, "Disk Autopilot is off.");
+    EXPECT_TRUE(monitor.startup().showSetupWizard);
+    EXPECT_TRUE(monitor.navigation().showSetupWizard());
+}
+
+TEST_F(SystemMonitorTest, TheStartUpOptionKeepsTheWizardAwayAndNothingElse) {
+    arguments.emplace_back("--ui-testing");
+    SystemMonitor& monitor = makeMonitor();
+    EXPECT_FALSE(monitor.navigation().showSetupWizard());
+    EXPECT_FALSE(monitor.settings().firstRunComplete);
+    monitor.startMonitoring();
+    finishSamples();
+    EXPECT_EQ(mainQueue.timerIntervals().size(), 1U);
+    EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history"));
+}
+
+TEST_F(SystemMonitorTest, AsksForTheKeysItIsToldOf) {
+    MonitorExtensions extensions;
+    extensions.hasOpenAIKey = [] { return true; };
+    extensions.hasLocalPublicKey = [] { return true; };
+    const SystemMonitor& monitor = makeMonitor(std::move(extensions));
+    EXPECT_TRUE(monitor.startup().openAIKeySaved);
+    EXPECT_EQ(monitor.startup().aiInsight, "Enhanced AI recommendations are ready.");
+    EXPECT_EQ(monitor.startup().localPublicKeyStatus, "Local SSH public key found.");
+}
+
+TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
+    std::vector<HistoryPoint> history;
+    for (int i = 0; i < 500; ++i) {
+        history.push_back({UUID::random(), Date{static_cast<double>(i)}, 1, 2});
+    }
+    const std::vector<ActivityEvent> events{{UUID::random(), Date{3}, "Warning", "High load"}};
+    store.values.write(keys::historyKey, JSONData{record_json::encode(history).value()});
+    store.values.write(keys::activityLogKey, JSONData{record_json::encode(events).value()});
+    store.values.write(keys::thresholdKey, 90.0);
+    store.values.write(keys::protectedAppsKey, SettingsTextList{"Node.js"});
+    store.values.write(keys::firstRunCompleteKey, true);
+    store.values.write(keys::diskAutopilotKey, true);
+    store.values.write(keys::autoSelectKey, true);
+    store.values.write(keys::automationEmergencyStopKey, true);
+    SystemMonitor& monitor = makeMonitor();
+
+    EXPECT_EQ(monitor.sample().history(), history);
+    EXPECT_EQ(monitor.log().activityLog(), events);
+    EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
+    EXPECT_EQ(monitor.settings().warningThreshold, 90.0);
+    EXPECT_FALSE(monitor.navigation().showSetupWizard());
+    EXPECT_EQ(monitor.startup().diskAutopilotStatus,
+              "Emergency stop is engaged. All automatic actions are off.");
+    EXPECT_FALSE(monitor.settings().diskAutopilotEnabled);
+    EXPECT_TRUE(monitor.settings().autoSelectTopOffender);
+    EXPECT_EQ(store.read(keys::diskAutopilotKey), SettingsValue(true));
+    EXPECT_THAT(store.written, IsEmpty());
+    const ProcessSample node{7, 0, 0, 0, "/usr/bin/node", "/usr/bin/node"};
+    EXPECT_TRUE(monitor.review().isProtectedTarget(node));
+
+    monitor.refresh();
+    finishSamples();
+    EXPECT_EQ(monitor.sample().history().size(), 180U);
+    EXPECT_EQ(record_json::decodeHistory(store.json(keys::historyKey)), monitor.sample().history());
+}
+
+// Starting and stopping --------------------------------------------------------------------------
+
+TEST_F(SystemMonitorTest, StartsOnceHoweverOftenItIsTold) {
+    std::vector<std::string> calls;
+    MonitorExtensions extensions;
+    extensions.registerNotifications = [&] {
+        calls.emplace_back("register");
+        EXPECT_TRUE(owned->isStarted());
+        EXPECT_EQ(workQueue.pendingCount(), 0U);
+        EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    };
+    SystemMonitor& monitor = makeMonitor(std::move(extensions));
+    monitor.startMonitoring();
+    monitor.startMonitoring();
+    EXPECT_TRUE(monitor.isStarted());
+    EXPECT_THAT(calls, ElementsAre("register"));
+    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_THAT(mainQueue.timerIntervals(), ElementsAre(std::chrono::milliseconds(4000)));
+}
+
+TEST_F(SystemMonitorTest, TheTimerQueuesASampleEachTime) {
+    SystemMonitor& monitor = makeMonitor();
+    monitor.startMonitoring();
+    finishSamples();
+    EXPECT_EQ(monitor.sample().history().size(), 1U);
+    mainQueue.fireTimers();
+    mainQueue.fireTimers();
+    EXPECT_EQ(workQueue.pendingCount(), 2U);  // a stalled sample holds up none of the next
+    finishSamples();
+    EXPECT_EQ(monitor.sample().history().size(), 3U);
+}
+
+TEST_F(SystemMonitorTest, StoppingEndsTheTimerForGood) {
+    SystemMonitor& monitor = makeMonitor();
+    monitor.startMonitoring();
+    finishSamples();
+    monitor.stopMonitoring();
+    EXPECT_TRUE(monitor.isStarted());
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    monitor.startMonitoring();
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    EXPECT_EQ(workQueue.pendingCount(), 0U);
+}
+
+TEST_F(SystemMonitorTest, RefreshWorksWithoutAStart) {
+    SystemMonitor& monitor = makeMonitor();
+    monitor.refresh();
+    finishSamples();
+    EXPECT_NE(monitor.sample().snapshot(), std::nullopt);
+    EXPECT_FALSE(monitor.isStarted());
+}
+
+TEST_F(SystemMonitorTest, DestroyedUnderWayItLeavesNothingBehind) {
+    makeMonitor().startMonitoring();
+    mainQueue.fireTimers();
+    workQueue.run();
+    owned.reset();
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    finishSamples();
+    EXPECT_THAT(store.written, IsEmpty());
+}
+
+// Saving -----------------------------------------------------------------------------------------
+
+TEST_F(SystemMonitorTest, SavesTheHistoryOnEverySample) {
+    SystemMonitor& monitor = makeMonitor();
+    for (std::size_t i = 1; i <= 3; ++i) {
+        monitor.refresh();
+        finishSamples();
+        EXPECT_EQ(store.written.size(), i);
+        EXPECT_EQ(record_json::decodeHistory(store.json(keys::historyKey)),
+                  monitor.sample().history());
+    }
+    EXPECT_THAT(store.written, ::testing::Each("Tallowcrest.history"));
+}
+
+TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
+    SystemMonitor& monitor = makeMonitor();
+    monitor.log().recordEvent("Warning", "High load");
+    monitor.log().recordMessage("Selected.");
+    EXPECT_THAT(store.written, ElementsAre("Tallowcrest.activityLog", "Tallowcrest.activityLog"));
+    EXPECT_EQ(record_json::decodeActivityLog(store.json(keys::activityLogKey)),
+              monitor.log().activityLog());
+    monitor.log().clearActivityLog();
+    EXPECT_EQ(store.json(keys::activityLogKey), "[]");
+}
+
+TEST_F(SystemMonitorTest, WhatCannotBeEncodedLeavesTheOlderStoredValue) {
+    SystemMonitor& monitor = makeMonitor();
+    monitor.refresh();
+    monitor.log().recordEvent("Warning", "First");
+    finishSamples();
+    const std::string history = store.json(keys::historyKey);
+    const std::string log = store.json(keys::activityLogKey);
+
+    metrics->memory.pressure = std::numeric_limits<double>::quiet_NaN();
+    monitor.refresh();
+    finishSamples();
+    monitor.log().recordEvent("Warning", "not UTF-8: \xFF");
+    EXPECT_EQ(store.json(keys::historyKey), history);
+    EXPECT_EQ(store.json(keys::activityLogKey), log);
+    EXPECT_EQ(monitor.sample().history().size(), 2U);
+    EXPECT_EQ(monitor.log().activityLog().size(), 2U);
+}
+
+TEST_F(SystemMonitorTest, ASecondRunFindsWhatTheFirstLeft) {
+    makeMonitor().refresh();
+    finishSamples();
+    owned->log().recordMessage("Something happened.");
+    const auto history = owned->sample().history();
+    const auto events = owned->log().activityLog();
+    owned.reset();
+    SystemMonitor& next = makeMonitor();
+    EXPECT_EQ(next.sample().history(), history);
+    EXPECT_EQ(next.log().activityLog(), events);
+    EXPECT_EQ(next.log().lastAction(), "Monitoring started.");
+}
+
+// Observers --------------------------------------------------------------------------------------
+
+TEST_F(SystemMonitorTest, ObserversAreToldOncePerTurn) {
+    SystemMonitor& monitor = makeMonitor();
+    int told = 0;
+    const Subscription subscription = monitor.observe([&told] { ++told; });
+    monitor.log().recordMessage("a");
+    monitor.navigation().setSelectedRoute(AppRoute::load);
+    monitor.review().clearOperationTarget();
+    EXPECT_EQ(told, 0);
+    mainQueue.turn();
+    EXPECT_EQ(told, 1);
+    monitor.refresh();
+    finishSamples();
+    EXPECT_EQ(told, 2);
+}
+
+TEST_F(SystemMonitorTest, NoSampleMovesTheReviewTarget) {
+    SystemMonitor& monitor = makeMonitor();
+    metrics->processes = {{7, 50, 1, 100, "/usr/bin/app", "/usr/bin/app"}};
+    monitor.refresh();
+    finishSamples();
+    monitor.review().selectTopProcess();
+    EXPECT_EQ(monitor.review().selectedPID(), 7);
+    metrics->processes.clear();
+    monitor.refresh();
+    finishSamples();
+    EXPECT_EQ(monitor.review().selectedPID(), 7);
+    EXPECT_EQ(monitor.review().selectedAppImpactName(), "app");
+    EXPECT_EQ(monitor.review().selectedTargetSummary().title, "PID 7");
+}
+
+}  // namespace
+}  // namespace tallowcrest

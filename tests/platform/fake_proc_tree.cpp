@@ -1,0 +1,75 @@
+#include "tests/platform/fake_proc_tree.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace tallowcrest {
+
+std::string FakeProcess::statText(std::int64_t pid) const {
+    return fmt::format(
+        "{} ({}) {} 1 {} {} 0 -1 {} 82213 911 12 3 {} {} 77 13 20 0 31 0 {} 3221225472 {} "
+        "18446744073709551615 {} 94208000900000 {} 0 0 0 0 4096 1260 0 0 0 17 1 0 0 0 0 0\n",
+        pid, name, state, pid, pid, flags, userTicks, systemTicks, startTicks, residentPages,
+        startCode, startStack);
+}
+
+FakeProcTree::FakeProcTree() {
+    std::string pattern = std::filesystem::temp_directory_path() / "tallowcrest-proc-XXXXXX";
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("no temporary directory");
+    }
+    root_ = pattern;
+}
+
+FakeProcTree::~FakeProcTree() {
+    std::error_code ignored;
+    std::filesystem::remove_all(root_, ignored);
+}
+
+ProcfsMachine FakeProcTree::machine() const {
+    ProcfsMachine machine;
+    machine.procRoot = root_;
+    machine.pageSize = 4096.0;
+    machine.ticksPerSecond = 100.0;
+    machine.physicalBytes = 1024.0 * 1024.0 * 1024.0;
+    return machine;
+}
+
+ProcfsClocks FakeProcTree::clocks() {
+    return {[this] { return monotonic; }, [this] { return sinceBoot; }};
+}
+
+void FakeProcTree::put(std::int64_t pid, const FakeProcess& process) {
+    putStatText(pid, process.statText(pid));
+}
+
+void FakeProcTree::putStatText(std::int64_t pid, const std::string& text) {
+    putFile(std::to_string(pid) + "/stat", text);
+}
+
+void FakeProcTree::putExecutable(std::int64_t pid, const std::string& target) {
+    const auto link = root_ / std::to_string(pid) / "exe";
+    std::filesystem::create_directories(link.parent_path());
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(target, link);
+}
+
+void FakeProcTree::putCommandLine(std::int64_t pid, const std::string& arguments) {
+    putFile(std::to_string(pid) + "/cmdline", arguments);
+}
+
+void FakeProcTree::putFile(const std::string& path, const std::string& text) {
+    const auto file = root_ / path;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
+}
+
+void FakeProcTree::remove(std::int64_t pid) {
+    std::filesystem::remove_all(root_ / std::to_string(pid));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,435 @@
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/utf8.h"
+#include "platform/linux/descriptor_limit.h"
+#include "platform/linux/proc_stat_tick_source.h"
+#include "platform/linux/procfs_metrics_reader.h"
+#include "platform/linux/procfs_process_table.h"
+#include "platform/posix/home_volume.h"
+#include "sampling/system_cpu_load_reader.h"
+#include "tests/platform/test_children.h"
+
+/// The native readers against the running machine, checked with figures from elsewhere.
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::string outputOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), &::pclose);
+    std::string output;
+    std::array<char, 4096> buffer;
+    for (std::size_t length = 0;
+         pipe && (length = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) > 0;) {
+        output.append(buffer.data(), length);
+    }
+    return output;
+}
+
+std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [pid](const ProcessSample& row) { return row.pid == pid; });
+    return found == rows.end() ? std::nullopt : std::optional(*found);
+}
+
+/// Asks again until `isSo`; false when it is not so within ten seconds.
+bool eventually(const std::function<bool()>& isSo) {
+    const auto deadline = std::chrono::steady_clock::now() + 10s;
+    while (!isSo()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+    return true;
+}
+
+[[noreturn]] void waitForever() {
+    for (;;) {
+        ::pause();
+    }
+}
+
+[[noreturn]] void spin() {
+    for (volatile unsigned count = 0;;) {
+        count = count + 1;
+    }
+}
+
+double secondsOn(clockid_t clock) {
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+class ProcfsIntegrationTest : public testing::Test {
+protected:
+    ProcfsIntegrationTest() { raiseDescriptorLimit(); }
+
+    ProcfsProcessTable table{ProcfsMachine::current()};
+};
+
+std::set<std::int64_t> pidsOfPS() {
+    // Without the two processes that this question itself takes.
+    std::istringstream lines(outputOf("ps -eo pid=,ppid=,comm="));
+    std::set<std::int64_t> pids;
+    std::int64_t pid = 0;
+    std::int64_t parent = 0;
+    std::map<std::int64_t, std::int64_t> parents;
+    std::string rest;
+    while (lines >> pid >> parent && std::getline(lines, rest)) {
+        parents[pid] = parent;
+    }
+    for (const auto& [child, parentOfChild] : parents) {
+        const auto grandparent = parents.find(parentOfChild);
+        const bool isOurs = parentOfChild == ::getpid() ||
+                            (grandparent != parents.end() && grandparent->second == ::getpid());
+        if (!isOurs) {
+            pids.insert(child);
+        }
+    }
+    return pids;
+}
+
+TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
+    // The set changes by itself, so it counts only when it was the same before and after.
+    const bool compared = eventually([&] {
+        const auto before = pidsOfPS();
+        const auto rows = table.readProcesses();
+        const auto after = pidsOfPS();
+        if (before != after || before.empty()) {
+            return false;
+        }
+        std::set<std::int64_t> pids;
+        for (const auto& row : rows) {
+            pids.insert(row.pid);
+        }
+        EXPECT_EQ(pids, before);
+        EXPECT_TRUE(std::is_sorted(
+            rows.begin(), rows.end(),
+            [](const auto& first, const auto& second) { return first.pid < second.pid; }));
+        return true;
+    });
+    EXPECT_TRUE(compared) << "the process table never stood still";
+}
+
+TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
+    const TestChild child({"/bin/sleep", "1000"});
+    ASSERT_TRUE(eventually([&] {
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        return row && row->displayName() == "sleep";
+    }));
+    const auto row = rowOf(table.readProcesses(), child.pid());
+    ASSERT_TRUE(row);
+    std::istringstream columns(outputOf("ps -o rss=,pmem= -p " + std::to_string(child.pid())));
+    double residentKibibytes = 0.0;
+    double memoryPercent = 0.0;
+    columns >> residentKibibytes >> memoryPercent;
+
+    EXPECT_GT(residentKibibytes, 0.0);
+    EXPECT_NEAR(row->rssMB, residentKibibytes / 1024.0, 0.25);
+    EXPECT_NEAR(row->memoryPercent, memoryPercent, 0.1);
+    EXPECT_EQ(row->command, std::filesystem::canonical("/bin/sleep").string());
+}
+
+/// Holds what the table says of a child against the child's own processor clock, read around the
+/// same moments.
+TEST_F(ProcfsIntegrationTest, ASpinningChildTakesOneCore) {
+    const TestChild child([] {
+        // Pinned, so that it is one core's whatever the scheduler would like.
+        cpu_set_t allowed;
+        CPU_ZERO(&allowed);
+        ::sched_getaffinity(0, sizeof allowed, &allowed);
+        for (unsigned core = CPU_SETSIZE; core-- > 0;) {
+            if (CPU_ISSET(core, &allowed)) {
+                CPU_ZERO(&allowed);
+                CPU_SET(core, &allowed);
+                break;
+            }
+        }
+        ::sched_setaffinity(0, sizeof allowed, &allowed);
+        spin();
+    });
+    clockid_t childClock{};
+    ASSERT_EQ(::clock_getcpuclockid(child.pid(), &childClock), 0);
+    ASSERT_TRUE(eventually([&] { return secondsOn(childClock) > 0.1; }));
+    ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
+
+    bool hadTheCore = false;
+    for (int attempt = 0; attempt < 10 && !hadTheCore; ++attempt) {
+        const double workBefore = secondsOn(childClock);
+        const double timeBefore = secondsOn(CLOCK_MONOTONIC);
+        ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
+        std::this_thread::sleep_for(1s);
+        const double work = secondsOn(childClock) - workBefore;
+        const double time = secondsOn(CLOCK_MONOTONIC) - timeBefore;
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        ASSERT_TRUE(row);
+
+        const double independent = work / time * 100.0;
+        EXPECT_NEAR(row->cpu, independent, 5.0);
+        hadTheCore = independent > 97.0;
+        if (hadTheCore) {
+            EXPECT_NEAR(row->cpu, 100.0, 5.0);
+        }
+    }
+    if (!hadTheCore) {
+        std::puts("the machine was too busy to give the child a whole core");
+    }
+}
+
+TEST_F(ProcfsIntegrationTest, ASleepingChildTakesNothing) {
+    const TestChild child([] { waitForever(); });
+    ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
+    std::this_thread::sleep_for(500ms);
+    const auto row = rowOf(table.readProcesses(), child.pid());
+
+    ASSERT_TRUE(row);
+    EXPECT_LE(row->cpu, 1.0);
+    EXPECT_GT(row->rssMB, 0.0);
+}
+
+TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
+    const auto directory =
+        std::filesystem::temp_directory_path() / ("tallowcrest-odd-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(directory);
+    const auto program = directory / "we ird) (x";
+    std::filesystem::copy_file("/bin/sleep", program,
+                               std::filesystem::copy_options::overwrite_existing);
+    {
+        const TestChild child({program.string(), "1000"});
+        EXPECT_TRUE(eventually([&] {
+            const auto row = rowOf(table.readProcesses(), child.pid());
+            return row && row->command == program.string() && row->displayName() == "we ird) (x";
+        }));
+        // Gone from the disk, but still what the process runs.
+        std::filesystem::remove(program);
+        ProcfsProcessTable fresh(ProcfsMachine::current());
+        const auto row = rowOf(fresh.readProcesses(), child.pid());
+        ASSERT_TRUE(row);
+        EXPECT_EQ(row->command, program.string());
+    }
+    std::filesystem::remove_all(directory);
+}
+
+TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
+    std::array<int, 2> gate{};
+    ASSERT_EQ(::pipe2(gate.data(), O_CLOEXEC), 0);
+    const TestChild child([&] {
+        char signal = 0;
+        if (::read(gate[0], &signal, 1) == 1) {
+            ::execl("/bin/sleep", "sleep", "1000", nullptr);
+        }
+    });
+    const auto before = rowOf(table.readProcesses(), child.pid());
+    ASSERT_TRUE(before);
+    EXPECT_EQ(before->command, std::filesystem::read_symlink("/proc/self/exe").string());
+
+    ASSERT_EQ(::write(gate[1], "x", 1), 1);
+    EXPECT_TRUE(eventually([&] {
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        return row && row->displayName() == "sleep";
+    }));
+    ::close(gate[0]);
+    ::close(gate[1]);
+}
+
+TEST_F(ProcfsIntegrationTest, AZombieKeepsItsCommandAndIsGoneOnceWaitedFor) {
+    TestChild child({"/bin/sleep", "1000"});
+    ASSERT_TRUE(eventually([&] {
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        return row && row->displayName() == "sleep";
+    }));
+    const pid_t pid = child.pid();
+    child.becomeZombie();
+    const auto zombie = rowOf(table.readProcesses(), pid);
+    ASSERT_TRUE(zombie);
+    EXPECT_EQ(zombie->displayName(), "sleep");
+    EXPECT_EQ(zombie->rssMB, 0.0);
+
+    child.end();
+    EXPECT_FALSE(rowOf(table.readProcesses(), pid));
+}
+
+TEST_F(ProcfsIntegrationTest, ItsOwnRow) {
+    const auto row = rowOf(table.readProcesses(), ::getpid());
+
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->command, std::filesystem::read_symlink("/proc/self/exe").string());
+    EXPECT_GT(row->rssMB, 1.0);
+    EXPECT_GT(row->memoryPercent, 0.0);
+}
+
+TEST_F(ProcfsIntegrationTest, AThousandProcesses) {
+    std::vector<TestChild> children;
+    for (int count = 0; count < 1000; ++count) {
+        children.emplace_back([] { waitForever(); });
+    }
+    for (int reading = 0; reading < 3; ++reading) {
+        const auto rows = table.readProcesses();
+        std::set<std::int64_t> pids;
+        for (const auto& row : rows) {
+            pids.insert(row.pid);
+        }
+        for (const auto& child : children) {
+            EXPECT_TRUE(pids.contains(child.pid()));
+        }
+    }
+}
+
+TEST_F(ProcfsIntegrationTest, ProcessesThatDieMidReadDoNoHarm) {
+    const TestChild steady([] { waitForever(); });
+    const TestChild churner([] {
+        std::array<pid_t, 16> running{};
+        for (std::size_t next = 0;; next = (next + 1) % running.size()) {
+            if (running[next] > 0) {
+                ::waitpid(running[next], nullptr, 0);
+            }
+            running[next] = ::fork();
+            if (running[next] == 0) {
+                ::_exit(0);
+            }
+        }
+    });
+    const std::size_t atFirst = table.readProcesses().size();
+    std::set<std::int64_t> seen;
+    for (int reading = 0; reading < 200; ++reading) {
+        const auto rows = table.readProcesses();
+        std::int64_t previous = 0;
+        for (const auto& row : rows) {
+            EXPECT_GT(row.pid, previous);
+            previous = row.pid;
+            EXPECT_TRUE(std::isfinite(row.cpu));
+            EXPECT_GE(row.cpu, 0.0);
+            EXPECT_FALSE(row.command.empty());
+            EXPECT_TRUE(isValidUTF8(row.command));
+            seen.insert(row.pid);
+        }
+        EXPECT_TRUE(rowOf(rows, steady.pid()));
+    }
+    EXPECT_GT(seen.size(), atFirst + 20) << "the churner did not get to run";
+}
+
+/// The busy share straight from the kernel's text, in another way than that of the reader.
+std::array<double, 2> busyAndTotal() {
+    std::ifstream file("/proc/stat");
+    std::string label;
+    std::array<double, 8> counters{};
+    file >> label;
+    for (double& counter : counters) {
+        file >> counter;
+    }
+    double total = 0.0;
+    for (const double counter : counters) {
+        total += counter;
+    }
+    return {total - counters[3] - counters[4], total};
+}
+
+TEST(ProcfsMachineTest, WholeMachineLoad) {
+    // One core is kept busy, so that the share is not next to nothing.
+    const TestChild child([] { spin(); });
+    ProcStatTickSource source;
+    SystemCPULoadReader reader(source);
+    const auto before = busyAndTotal();
+    std::this_thread::sleep_for(1s);
+    const auto load = reader.readCPUPercent();
+    const auto after = busyAndTotal();
+
+    ASSERT_TRUE(load);
+    ASSERT_GT(after[1], before[1]);
+    EXPECT_NEAR(*load, (after[0] - before[0]) / (after[1] - before[1]) * 100.0, 3.0);
+    EXPECT_GT(*load, 0.0);
+}
+
+double memoryInfoBytes(const std::string& key) {
+    std::ifstream file("/proc/meminfo");
+    std::string word;
+    double kibibytes = 0.0;
+    std::string rest;
+    while (file >> word >> kibibytes && std::getline(file, rest)) {
+        if (word == key + ':') {
+            return kibibytes * 1024.0;
+        }
+    }
+    return 0.0;
+}
+
+TEST(ProcfsMachineTest, FreeMemoryIsWhatIsAvailable) {
+    ProcfsMetricsReader reader;
+    // Others take and give memory between two readings; the machine is still for one moment.
+    EXPECT_TRUE(eventually([&] {
+        const MemorySnapshot memory = reader.readMemory();
+        const double availableGB =
+            std::max(memoryInfoBytes("MemAvailable"), memoryInfoBytes("MemFree")) / 1073741824.0;
+        return std::abs(memory.freeGB - availableGB) <= availableGB * 0.01;
+    }));
+    const MemorySnapshot memory = reader.readMemory();
+    EXPECT_DOUBLE_EQ(memory.totalGB, memoryInfoBytes("MemTotal") / 1073741824.0);
+    EXPECT_NEAR(memory.totalGB * 1073741824.0, ProcfsMachine::current().physicalBytes, 4096.0);
+    EXPECT_DOUBLE_EQ(memory.usedGB, std::max(memory.totalGB - memory.freeGB, 0.0));
+    EXPECT_GT(memory.wiredGB, 0.0);
+    EXPECT_GT(memory.pressure, 0.0);
+    EXPECT_LE(memory.pressure, 100.0);
+}
+
+TEST(ProcfsMachineTest, PressureText) {
+    ProcfsMetricsReader reader;
+    const std::string text = reader.readPressureText();
+    if (std::ifstream("/proc/pressure/memory").get() == 's') {
+        EXPECT_TRUE(text.starts_with("some avg10=")) << text;
+        EXPECT_NE(text.find("\nfull avg10="), std::string::npos) << text;
+        EXPECT_FALSE(text.ends_with('\n'));
+    } else {
+        EXPECT_EQ(text, "Memory pressure unavailable");
+    }
+}
+
+TEST(ProcfsMachineTest, DiskAgreesWithDF) {
+    const char* home = std::getenv("HOME");
+    ASSERT_NE(home, nullptr);
+    PosixHomeVolume volume(home);
+    EXPECT_TRUE(eventually([&] {
+        std::istringstream output(outputOf("df -kP \"$HOME\" | tail -n 1"));
+        std::string device;
+        double totalKibibytes = 0.0;
+        double usedKibibytes = 0.0;
+        double freeKibibytes = 0.0;
+        output >> device >> totalKibibytes >> usedKibibytes >> freeKibibytes;
+        const DiskSnapshot disk = volume.readDiskSnapshot();
+        EXPECT_GT(totalKibibytes, 0.0);
+        EXPECT_NEAR(disk.totalGB, totalKibibytes / 1048576.0, 1e-5);
+        return std::abs(disk.freeGB - freeKibibytes / 1048576.0) <= 0.01;
+    }));
+}
+
+TEST(ProcfsMachineTest, AHomeThatIsNotThereGivesZeros) {
+    EXPECT_EQ(PosixHomeVolume("/nonexistent/home").readDiskSnapshot(), DiskSnapshot{});
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,45 @@
+#include "tests/platform/test_children.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
+
+namespace tallowcrest {
+
+TestChild::TestChild(const std::function<void()>& work) : pid_(::fork()) {
+    if (pid_ == 0) {
+        work();
+        ::_exit(0);
+    }
+    if (pid_ < 0) {
+        throw std::runtime_error("no child");
+    }
+}
+
+TestChild::TestChild(const std::vector<std::string>& arguments)
+    : TestChild([&] {
+          std::vector<char*> words;
+          for (const std::string& argument : arguments) {
+              words.push_back(const_cast<char*>(argument.c_str()));
+          }
+          words.push_back(nullptr);
+          ::execv(words.front(), words.data());
+      }) {}
+
+void TestChild::end() {
+    if (pid_ > 0) {
+        ::kill(pid_, SIGKILL);
+        ::waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+}
+
+void TestChild::becomeZombie() {
+    ::kill(pid_, SIGKILL);
+    siginfo_t info{};
+    ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT);
+}
+
+}  // namespace tallowcrest

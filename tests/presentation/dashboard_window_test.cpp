@@ -1,0 +1,372 @@
+#include "presentation/dashboard_window.h"
+
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "presentation/coming_page.h"
+#include "presentation/overview_page.h"
+#include "presentation/processes_page.h"
+#include "presentation/sidebar.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Counts the paintings of a window and of everything in it.
+class PaintWatch : public QObject {
+public:
+    PaintWatch() { qApp->installEventFilter(this); }
+    ~PaintWatch() override { qApp->removeEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override {
+        count += event->type() == QEvent::Paint && object->isWidgetType() ? 1 : 0;
+        return false;
+    }
+    int count = 0;
+};
+
+class DashboardWindowTest : public WindowFixture {
+protected:
+    QStringList headerButtons() {
+        QStringList titles;
+        std::vector<QPushButton*> buttons;
+        const QWidget* header = visible("page.refresh")->parentWidget();
+        for (auto* button : header->findChildren<QPushButton*>()) {
+            if (button->isVisible()) {
+                buttons.push_back(button);
+            }
+        }
+        std::sort(buttons.begin(), buttons.end(),
+                  [](const auto* a, const auto* b) { return a->x() < b->x(); });
+        for (const QPushButton* button : buttons) {
+            titles.append(button->text());
+        }
+        return titles;
+    }
+
+    /// What the window shows below the header, by the name of its class.
+    QString shownScreen() {
+        for (const auto* screen : window().findChildren<Screen*>()) {
+            if (screen->isVisible()) {
+                return QString::fromLatin1(screen->metaObject()->className()).section(u':', -1);
+            }
+        }
+        return {};
+    }
+};
+
+// The shell --------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, BearsItsNameAndItsIdentifier) {
+    EXPECT_EQ(window().windowTitle(), QStringLiteral("Tallowcrest"));
+    EXPECT_EQ(window().objectName(), QStringLiteral("tallowcrest.main"));
+    EXPECT_FALSE(machine.monitor().isStarted()) << "building a window is not showing it";
+}
+
+TEST_F(DashboardWindowTest, MonitoringStartsAtTheFirstAppearanceAndOnce) {
+    show();
+    EXPECT_TRUE(machine.monitor().isStarted());
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+    window().close();
+    window().show();
+    settle();
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+}
+
+TEST_F(DashboardWindowTest, SaysThatItSamplesUntilTheFirstSample) {
+    show();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Sampling this Mac..."));
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 4 seconds"));
+    tick();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 8 seconds"));
+}
+
+TEST_F(DashboardWindowTest, StripShowsThresholdAndLastAction) {
+    show();
+    EXPECT_EQ(visible("status.threshold")->accessibleName(), QStringLiteral("Warn at 82%"));
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Monitoring started."));
+    machine.monitor().log().setLastAction("<b>Something</b> happened.");
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("<b>Something</b> happened."));
+}
+
+TEST_F(DashboardWindowTest, TellsOnceThatTheFirstSampleIsOnScreen) {
+    const QSignalSpy shown(&window(), &DashboardWindow::firstSampleShown);
+    show();
+    EXPECT_EQ(shown.count(), 0);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(shown.count(), 1);
+    tick();
+    EXPECT_EQ(shown.count(), 1);
+}
+
+// Routes -----------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, SidebarListsEveryRouteInOrder) {
+    show();
+    QStringList identifiers;
+    QStringList titles;
+    for (const SidebarRow* row : window().findChildren<SidebarRow*>()) {
+        identifiers.append(row->objectName());
+        titles.append(row->text());
+    }
+    EXPECT_EQ(identifiers.join(u' '),
+              QStringLiteral("sidebar.overview sidebar.load sidebar.optimize "
+                             "sidebar.optimizationSuggestions sidebar.aiAdvisor sidebar.chat "
+                             "sidebar.remoteMacs sidebar.history sidebar.settings"));
+    EXPECT_EQ(titles.join(u'|'),
+              QStringLiteral("Overview|Processes|Optimize|Suggestions|AI Advisor|Chat|Remote "
+                             "Macs|History|Settings"));
+    int above = -1;
+    for (const SidebarRow* row : window().findChildren<SidebarRow*>()) {
+        EXPECT_GT(row->y(), above);
+        above = row->y();
+    }
+}
+
+TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
+    showWithSample();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        EXPECT_EQ(textOf("page.title"), qString(title(each)));
+        EXPECT_EQ(textOf("page.subtitle"), qString(subtitle(each)));
+        EXPECT_EQ(shownScreen(), each == AppRoute::overview ? QStringLiteral("OverviewPage")
+                                 : each == AppRoute::load   ? QStringLiteral("ProcessesPage")
+                                                            : QStringLiteral("ComingPage"));
+        const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
+        EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
+    }
+}
+
+TEST_F(DashboardWindowTest, EachRouteHasItsActionsBeforeRefresh) {
+    showWithSample();
+    const QString refresh = QStringLiteral("Refresh");
+    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
+    goTo(AppRoute::load);
+    EXPECT_EQ(headerButtons(),
+              QStringList({QStringLiteral("Select Top"), QStringLiteral("Activity"), refresh}));
+    goTo(AppRoute::history);
+    EXPECT_EQ(headerButtons(), QStringList({refresh}));
+    goTo(AppRoute::overview);
+    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
+}
+
+TEST_F(DashboardWindowTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
+    showWithSample();
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    // Without a turn of Qt's own loop, in which deleted things linger.
+    machine.mainQueue.drain();
+    EXPECT_EQ(visible("overview.review-cleanup"), nullptr);
+}
+
+TEST_F(DashboardWindowTest, ReviewCleanupGoesToOptimize) {
+    showWithSample();
+    click("overview.review-cleanup");
+    EXPECT_EQ(route(), AppRoute::optimize);
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(DashboardWindowTest, SidebarRowsChooseRoutesByClick) {
+    showWithSample();
+    click("sidebar.chat");
+    EXPECT_EQ(route(), AppRoute::chat);
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+    click("sidebar.chat");
+    EXPECT_EQ(route(), AppRoute::chat);
+}
+
+TEST_F(DashboardWindowTest, ArrowKeysMoveThroughTheSidebar) {
+    showWithSample();
+    visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::load);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::optimize);
+    press(Qt::Key_Up);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_EQ(QApplication::focusWidget(), visible("sidebar.load"));
+}
+
+TEST_F(DashboardWindowTest, ArrowKeysGoOnFromARouteThatAShortcutChose) {
+    showWithSample();
+    visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_5, Qt::ControlModifier);
+    EXPECT_EQ(route(), AppRoute::aiAdvisor);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::chat);
+}
+
+TEST_F(DashboardWindowTest, ControlAndADigitChooseARoute) {
+    showWithSample();
+    int key = Qt::Key_9;
+    for (auto each = allAppRoutes.rbegin(); each != allAppRoutes.rend(); ++each) {
+        press(static_cast<Qt::Key>(key--), Qt::ControlModifier);
+        EXPECT_EQ(route(), *each);
+        EXPECT_EQ(textOf("page.title"), qString(title(*each)));
+    }
+}
+
+TEST_F(DashboardWindowTest, GoMenuChoosesARoute) {
+    showWithSample();
+    QMenu* go = nullptr;
+    for (const QAction* entry : window().menuBar()->actions()) {
+        if (entry->text().remove(u'&') == QStringLiteral("Go")) {
+            go = entry->menu();
+        }
+    }
+    ASSERT_NE(go, nullptr);
+    const QList<QAction*> entries = go->actions();
+    ASSERT_EQ(entries.size(), static_cast<qsizetype>(allAppRoutes.size()));
+    for (std::size_t i = allAppRoutes.size(); i-- > 0;) {
+        QAction* entry = entries.at(static_cast<qsizetype>(i));
+        EXPECT_EQ(entry->text(), qString(title(allAppRoutes.at(i))));
+        entry->trigger();
+        settle();
+        EXPECT_EQ(route(), allAppRoutes.at(i));
+    }
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteOfAClosedWindowOpensItThere) {
+    showWithSample();
+    window().close();
+    settle();
+    ASSERT_FALSE(window().isVisible());
+    window().openRoute(AppRoute::optimize);
+    settle();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteOfAMinimisedWindowBringsItBack) {
+    showWithSample();
+    window().showMinimized();
+    settle();
+    window().openRoute(AppRoute::history);
+    settle();
+    EXPECT_FALSE(window().isMinimized());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("History"));
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteKeepsAMaximisedWindowMaximised) {
+    showWithSample();
+    window().showMaximized();
+    settle();
+    window().close();
+    settle();
+    window().openRoute(AppRoute::history);
+    settle();
+    EXPECT_TRUE(window().isMaximized());
+}
+
+TEST_F(DashboardWindowTest, ComingToTheFrontAfterTheWindowIsGoneDoesNothing) {
+    {
+        DashboardWindow passing(machine.monitor(), machine.mainQueue);
+        passing.openRoute(AppRoute::overview);
+    }
+    EXPECT_EQ(machine.mainQueue.pendingCount(), 1U);
+    settle();
+    EXPECT_EQ(machine.mainQueue.pendingCount(), 0U);
+}
+
+TEST_F(DashboardWindowTest, ClosingTellsSo) {
+    showWithSample();
+    const QSignalSpy closed(&window(), &DashboardWindow::closed);
+    window().close();
+    EXPECT_EQ(closed.count(), 1);
+}
+
+// Refresh ----------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, RefreshTakesASample) {
+    showWithSample();
+    ASSERT_EQ(machine.workQueue.pendingCount(), 0U);
+    click("page.refresh");
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(machine.workQueue.pendingCount(), 2U);
+}
+
+// Work -------------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, AScreenOfAnotherRouteDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    tick();
+    EXPECT_EQ(changes.count(), 1) << "the screen that shows is kept up to date";
+    goTo(AppRoute::overview);
+    machine.addProcess(900, "/usr/bin/newcomer", 200.0, 10.0);
+    tick();
+    tick();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(model().rowCount(), 3);
+    goTo(AppRoute::load);
+    EXPECT_EQ(model().rowCount(), 4) << "and catches up when it comes into view";
+}
+
+TEST_F(DashboardWindowTest, AClosedWindowDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    window().close();
+    settle();
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    const PaintWatch paints;
+    tick();
+    tick();
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_EQ(paints.count, 0);
+    window().show();
+    settle();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 12 seconds"));
+}
+
+TEST_F(DashboardWindowTest, AMinimisedWindowDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    window().showMinimized();
+    settle();
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    tick();
+    EXPECT_EQ(changes.count(), 0);
+    window().showNormal();
+    settle();
+    EXPECT_EQ(changes.count(), 1);
+}
+
+TEST_F(DashboardWindowTest, ARouteChosenWhileClosedShowsWhenTheWindowComesBack) {
+    showWithSample();
+    window().close();
+    goTo(AppRoute::chat);
+    window().show();
+    settle();
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+}
+
+TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
+    showWithSample();
+    goTo(AppRoute::history);
+    tick();
+    const PaintWatch paints;
+    machine.monitor().review().clearOperationTarget();
+    settle();
+    // A changed line of the strip, with what lies below it; never the whole window.
+    EXPECT_GT(paints.count, 0);
+    EXPECT_LT(paints.count, 12);
+}
+
+}  // namespace
+}  // namespace tallowcrest

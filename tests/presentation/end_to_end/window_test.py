@@ -1,0 +1,296 @@
+#!/usr/bin/env python3
+"""The real program on a desktop of its own, driven as a person and as assistive technology do.
+
+    window_test.py PROGRAM [unittest options]
+"""
+
+import os
+import re
+import shutil
+import sys
+import unittest
+
+import dbus
+import dbus.bus
+
+from private_desktop import PrivateDesktop, eventually
+
+PROGRAM = None
+desktop = None
+
+
+def setUpModule():
+    global desktop
+    desktop = PrivateDesktop()
+    # The accessibility library asks the environment for its bus, once.
+    os.environ.clear()
+    os.environ.update(desktop.env)
+
+
+def tearDownModule():
+    desktop.end()
+
+
+def service(name, owned):
+    """Starts one of the stand-ins and waits until it owns its name."""
+    script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "desktop_services.py")
+    program = desktop.start(sys.executable, script, name)
+    bus = dbus.bus.BusConnection(desktop.env["DBUS_SESSION_BUS_ADDRESS"])
+    eventually(lambda: bus.name_has_owner(owned), f"{owned} is on the bus")
+    return program, bus
+
+
+class WindowTestCase(unittest.TestCase):
+    def start(self, **env):
+        program = desktop.start(PROGRAM, "--ui-testing", env={**desktop.env, **env})
+        self.addCleanup(program.end)
+        return program
+
+    def start_window(self, **env):
+        """The program, its window as seen by assistive technology, and the window's number."""
+        from accessible_window import AccessibleWindow
+        program = self.start(**env)
+        window = eventually(desktop.windows, "a window named Tallowcrest shows")
+        self.assertEqual(len(window), 1)
+        desktop.focus(window[0])
+        return program, AccessibleWindow(program.pid), window[0]
+
+    def start_unfocused(self):
+        program = self.start()
+        eventually(desktop.windows, "a window named Tallowcrest shows")
+        return program
+
+    def assert_hint(self, program):
+        status = program.status()
+        complaints = program.complaints()
+        self.assertEqual(status, 1, complaints)
+        self.assertIn("tallowcrest --headless", complaints)
+        return complaints.strip().splitlines()
+
+
+class WithoutADisplay(WindowTestCase):
+    def test_without_a_display_it_says_so_and_what_to_try(self):
+        env = {name: value for name, value in desktop.env.items()
+               if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        program = desktop.start(PROGRAM, env=env)
+        self.addCleanup(program.end)
+        lines = self.assert_hint(program)
+        self.assertEqual(len(lines), 1)
+
+    def test_a_display_that_cannot_be_reached_is_one_line_and_the_hint(self):
+        program = self.start(DISPLAY=":9876")
+        lines = self.assert_hint(program)
+        self.assertEqual(len(lines), 2, lines)
+        self.assertTrue(all(line.startswith("tallowcrest: ") for line in lines), lines)
+        self.assertIn(":9876", lines[0])
+
+
+class Window(WindowTestCase):
+    def test_there_is_one_window_under_its_name(self):
+        _, window, _ = self.start_window()
+        frames = eventually(window.frames, "the window is accessible")
+        self.assertEqual([frame.get_name() for frame in frames], ["Tallowcrest"])
+
+    def test_routes_follow_sidebar_and_keys(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        window.label("Health at a glance and the safest next step")
+        rows = [row.get_name() for row in window.showing(Atspi.Role.RADIO_BUTTON)]
+        self.assertEqual(rows, ["Overview", "Processes", "Optimize", "Suggestions", "AI Advisor",
+                                "Chat", "Remote Macs", "History", "Settings"])
+        for route in rows[::-1]:
+            window.go_to(route)
+        desktop.keys("ctrl+8")
+        window.label("Trends, warnings, actions, and receipts")
+        desktop.keys("ctrl+1")
+        window.label("Health at a glance and the safest next step")
+
+    def test_gauges_give_percentages(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        window.label(lambda text: text.endswith("% normalized across cores"))
+        for name in ("CPU Load", "Memory Pressure"):
+            gauge = window.find(Atspi.Role.PROGRESS_BAR, name)
+            self.assertEqual(gauge.get_minimum_value(), 0)
+            self.assertEqual(gauge.get_maximum_value(), 100)
+            self.assertGreaterEqual(gauge.get_current_value(), 0)
+            self.assertLessEqual(gauge.get_current_value(), 100)
+        window.label(lambda text: re.fullmatch(r"\d+\.\d GB used of \d+\.\d GB", text))
+
+    def test_samples_go_on_by_themselves(self):
+        _, window, _ = self.start_window()
+        window.label(lambda text: re.fullmatch(r"Current session · last (8|12|16) seconds", text))
+
+    def test_without_a_tray_closing_the_window_ends_the_program(self):
+        program, _, _ = self.start_window()
+        desktop.keys("alt+F4")
+        self.assertEqual(program.status(), 0)
+        self.assertEqual(program.complaints(), "")
+
+    def test_the_quit_command_ends_the_program(self):
+        program, _, _ = self.start_window()
+        desktop.keys("ctrl+q")
+        self.assertEqual(program.status(), 0)
+        self.assertEqual(program.complaints(), "")
+
+
+class Processes(WindowTestCase):
+    def start_probe(self):
+        """A process under a name that no other has."""
+        name = f"tcprobe{os.getpid()}"
+        path = os.path.join(desktop.folder, name)
+        if not os.path.exists(path):
+            shutil.copy("/bin/sleep", path)
+        probe = desktop.start(path, "600")
+        self.addCleanup(probe.end)
+        return name, probe
+
+    def filtered(self, window, text, expected):
+        window.type_into("Filter processes", text)
+        return eventually(
+            lambda: [row for row in window.cells() if row[0].startswith(expected)],
+            f"the filter {text!r} leaves {expected}")
+
+    def test_a_process_is_found_reviewed_and_gone_when_it_ends(self):
+        from gi.repository import Atspi
+        name, probe = self.start_probe()
+        _, window, _ = self.start_window()
+        window.go_to("Processes")
+        rows = self.filtered(window, name.upper(), name)
+        self.assertEqual(len(rows), 1)
+        self.assertEqual(rows[0][4], f"Review {name}")
+        window.label(lambda text: " · 1 visible processes · " in text)
+
+        self.filtered(window, str(probe.pid), name)
+
+        self.filtered(window, name, name)
+        field = window.find(Atspi.Role.TEXT, "Filter processes")
+        field.grab_focus()
+        eventually(lambda: window.has_focus(field), "the filter field has the focus")
+        desktop.keys("Tab", "Return")
+        eventually(lambda: [row[0] for row in window.cells()] == [f"{name}, Under review"],
+                   "the row is under review")
+        window.press(Atspi.Role.PUSH_BUTTON, "Select Top Row")
+        window.label(f"Selected {name} from CPU + Memory Processes. No action has run yet.")
+
+        probe.end()
+        window.refresh()
+        window.label(lambda text: " · 0 visible processes · " in text)
+        self.assertEqual(window.cells(), [])
+
+    def test_the_filter_takes_keys_and_white_space_shows_all(self):
+        _, window, _ = self.start_window()
+        window.go_to("Processes")
+        self.start_probe()
+        window.type_into("Filter processes", "no such process")
+        window.label(lambda text: " · 0 visible processes · " in text)
+        window.type_into("Filter processes", "   ")
+        window.label(lambda text: re.search(r" · [1-9]\d* visible processes · ", text))
+
+
+class Tray(WindowTestCase):
+    ITEM = "org.kde.StatusNotifierItem"
+
+    def setUp(self):
+        host, self.bus = service("tray", "org.kde.StatusNotifierWatcher")
+        self.addCleanup(host.end)
+        self.addCleanup(self.bus.close)
+
+    def item(self):
+        watcher = self.bus.get_object("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher")
+        items = eventually(lambda: watcher.Get("org.kde.StatusNotifierWatcher",
+                                               "RegisteredStatusNotifierItems",
+                                               dbus_interface="org.freedesktop.DBus.Properties"),
+                           "the status item registers")
+        self.assertEqual(len(items), 1)
+        name, _, path = str(items[0]).partition("/")
+        return self.bus.get_object(name, "/" + path)
+
+    def property(self, item, name):
+        return item.Get(self.ITEM, name, dbus_interface="org.freedesktop.DBus.Properties")
+
+    def entries(self, item):
+        """The texts of the item's menu with their numbers, top down."""
+        menu = self.bus.get_object(item.bus_name, self.property(item, "Menu"))
+        _, (_, _, children) = menu.GetLayout(0, -1, dbus.Array([], signature="s"),
+                                             dbus_interface="com.canonical.dbusmenu")
+        entries = {str(properties["label"]).replace("_", ""): int(number)
+                   for number, properties, _ in children}
+        return menu, entries
+
+    def choose(self, item, title):
+        menu, entries = self.entries(item)
+        menu.Event(entries[title], "clicked", dbus.Int32(0), dbus.UInt32(0),
+                   dbus_interface="com.canonical.dbusmenu")
+
+    def test_the_item_gives_figures_and_commands(self):
+        self.start_unfocused()
+        item = self.item()
+        eventually(lambda: re.fullmatch(r"CPU \d+% MEM \d+%",
+                                        str(self.property(item, "ToolTip")[2])),
+                   "the tool tip gives the load")
+        _, entries = self.entries(item)
+        self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize", "Refresh",
+                                         "Quit Tallowcrest"])
+
+    def test_the_program_runs_on_without_its_window_and_opens_it_again(self):
+        program, window, _ = self.start_window()
+        item = self.item()
+        window.go_to("Chat")
+        desktop.keys("alt+F4")
+        eventually(lambda: not desktop.windows(), "the window closes")
+        self.choose(item, "Show Dashboard")
+        eventually(desktop.windows, "the window shows again")
+        window.label("Health at a glance and the safest next step")
+
+        desktop.focus(desktop.windows()[0])
+        desktop.keys("alt+F4")
+        eventually(lambda: not desktop.windows(), "the window closes again")
+        self.choose(item, "Open Optimize")
+        window.label("Local app and process cleanup workflow")
+        self.assertTrue(program.is_running())
+        self.assertEqual(len(desktop.windows()), 1)
+
+        self.choose(item, "Quit Tallowcrest")
+        self.assertEqual(program.status(), 0)
+        self.assertEqual(program.complaints(), "")
+
+    def test_activating_the_item_shows_the_panel(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        item = self.item()
+        window.label(lambda text: text.startswith("Current session"))
+        item.Activate(100, 100, dbus_interface=self.ITEM)
+        window.label(lambda text: re.fullmatch(r"CPU \d+% · Memory \d+%", text))
+        window.press(Atspi.Role.PUSH_BUTTON, "Open Optimize")
+        window.label("Local app and process cleanup workflow")
+        eventually(lambda: not window.showing(Atspi.Role.PUSH_BUTTON, "Quit Tallowcrest"),
+                   "the panel closes behind a command")
+
+
+class Appearance(WindowTestCase):
+    def test_the_window_follows_the_desktops_preference(self):
+        portal, bus = service("portal", "org.freedesktop.portal.Desktop")
+        self.addCleanup(portal.end)
+        self.addCleanup(bus.close)
+        _, _, window = self.start_window()
+        control = bus.get_object("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop")
+
+        def is_dark():
+            brightness = desktop.brightness(window)
+            return brightness is not None and brightness < 0.35
+
+        def is_light():
+            brightness = desktop.brightness(window)
+            return brightness is not None and brightness > 0.65
+
+        eventually(is_dark, "the window is dark, as the desktop prefers")
+        control.Prefer(dbus.UInt32(2), dbus_interface="org.tallowcrest.test.Appearance")
+        eventually(is_light, "the window turned light")
+        control.Prefer(dbus.UInt32(1), dbus_interface="org.tallowcrest.test.Appearance")
+        eventually(is_dark, "the window turned dark again")
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main(verbosity=2)

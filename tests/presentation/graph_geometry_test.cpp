@@ -1,0 +1,84 @@
+#include "presentation/graph_geometry.h"
+
+#include <limits>
+
+#include <gmock/gmock.h>
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+TEST(SafeGraphValue, KeepsPercentagesAndTamesTheRest) {
+    EXPECT_EQ(safeGraphValue(42.5), 42.5);
+    EXPECT_EQ(safeGraphValue(0), 0);
+    EXPECT_EQ(safeGraphValue(100), 100);
+    EXPECT_EQ(safeGraphValue(140), 100);
+    EXPECT_EQ(safeGraphValue(-3), 0);
+    EXPECT_EQ(safeGraphValue(nan), 0);
+    EXPECT_EQ(safeGraphValue(infinity), 0);
+    EXPECT_EQ(safeGraphValue(-infinity), 0);
+}
+
+TEST(GraphLine, SpreadsThePointsOverTheWholeWidth) {
+    EXPECT_THAT(graphLine({0, 50, 100}, 200, 80),
+                ElementsAre(GraphPoint{0, 80}, GraphPoint{100, 40}, GraphPoint{200, 0}));
+}
+
+TEST(GraphLine, PutsOneValueAtTheLeftEdge) {
+    EXPECT_THAT(graphLine({25}, 200, 80), ElementsAre(GraphPoint{0, 60}));
+}
+
+TEST(GraphLine, DrawsWhatIsTooHighAtTheTopAndWhatIsNoPercentageAtTheBottom) {
+    EXPECT_THAT(
+        graphLine({140, -5, nan, infinity}, 30, 80),
+        ElementsAre(GraphPoint{0, 0}, GraphPoint{10, 80}, GraphPoint{20, 80}, GraphPoint{30, 80}));
+}
+
+TEST(GraphLine, IsEmptyWithoutValues) {
+    EXPECT_THAT(graphLine({}, 200, 80), IsEmpty());
+}
+
+TEST(GraphArea, ClosesTheLineAlongTheBottom) {
+    EXPECT_THAT(
+        graphArea({{0, 10}, {50, 20}}, 80),
+        ElementsAre(GraphPoint{0, 80}, GraphPoint{0, 10}, GraphPoint{50, 20}, GraphPoint{50, 80}));
+}
+
+TEST(GraphArea, NeedsTwoPointsToEncloseAnything) {
+    EXPECT_THAT(graphArea({{0, 10}}, 80), IsEmpty());
+    EXPECT_THAT(graphArea({}, 80), IsEmpty());
+}
+
+TEST(GraphGrid, HasFiveLinesIncludingBothEdges) {
+    EXPECT_THAT(graphGrid(80), ElementsAre(0, 20, 40, 60, 80));
+}
+
+TEST(GraphEvents, KeepsOnlyWhatLiesOnTheCanvas) {
+    EXPECT_THAT(graphEvents({0, 0.25, nan, 1, infinity, -0.1, 1.1}, 200), ElementsAre(0, 50, 200));
+}
+
+TEST(GraphThreshold, LiesAtTheHeightOfItsPercentage) {
+    EXPECT_EQ(graphThreshold(75, 80), 20);
+    EXPECT_EQ(graphThreshold(0, 80), 80);
+}
+
+TEST(GraphThreshold, IsAbsentWithoutAFiniteThreshold) {
+    EXPECT_EQ(graphThreshold(std::nullopt, 80), std::nullopt);
+    EXPECT_EQ(graphThreshold(nan, 80), std::nullopt);
+}
+
+TEST(GraphSeriesText, NamesTheLastValueRounded) {
+    EXPECT_EQ(graphSeriesText("CPU", {10, 41.5}), "CPU 42 percent");
+    EXPECT_EQ(graphSeriesText("Memory", {60.4}), "Memory 60 percent");
+    EXPECT_EQ(graphSeriesText("Memory", {50, nan}), "Memory 0 percent");
+    EXPECT_EQ(graphSeriesText("Memory", {140}), "Memory 100 percent");
+    EXPECT_EQ(graphSeriesText("Memory", {}), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,274 @@
+#include <QAccessible>
+#include <QMenu>
+#include <QPushButton>
+
+#include "presentation/menu_bar_entries.h"
+#include "presentation/menu_bar_panel.h"
+#include "presentation/status_item.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::SizeIs;
+
+class MenuBarTest : public WindowFixture {
+protected:
+    MenuBarPanel& panel() {
+        if (panel_ == nullptr) {
+            panel_ = std::make_unique<MenuBarPanel>(machine.monitor(),
+                                                    menuBarEntries(machine.monitor(), window()));
+        }
+        return *panel_;
+    }
+
+    void openPanel() {
+        panel().toggleAt({10, 10});
+        settle();
+        ASSERT_TRUE(panel().isVisible());
+    }
+
+    /// The text of a line of the panel; of a hidden one, a word that says so.
+    QString line(const char* identifier) {
+        const auto* label = panel().findChild<ElidedLabel*>(QString::fromLatin1(identifier));
+        return label != nullptr && label->isVisible() ? label->text()
+                                                      : QStringLiteral("(not shown)");
+    }
+
+    void choose(const char* identifier) {
+        auto* button = panel().findChild<QPushButton*>(QString::fromLatin1(identifier));
+        ASSERT_NE(button, nullptr) << identifier;
+        QTest::mouseClick(button, Qt::LeftButton);
+        settle();
+    }
+
+    void recommend(const std::string& title, Recommendation::Severity severity) {
+        machine.extensions.background.buildRecommendations = [title, severity](const auto&, double,
+                                                                               double, double) {
+            Recommendation recommendation;
+            recommendation.title = title;
+            recommendation.severity = severity;
+            return std::vector<Recommendation>{recommendation};
+        };
+    }
+
+    std::unique_ptr<MenuBarPanel> panel_;
+};
+
+TEST_F(MenuBarTest, PanelSaysThatItSamplesUntilTheFirstSample) {
+    openPanel();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("Sampling..."));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+}
+
+TEST_F(MenuBarTest, ThePanelsFirstAppearanceStartsMonitoringToo) {
+    panel();
+    EXPECT_FALSE(machine.monitor().isStarted());
+    openPanel();
+    EXPECT_TRUE(machine.monitor().isStarted());
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    window().show();
+    settle();
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+}
+
+TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
+    recommend("Memory is tight", Recommendation::Severity::caution);
+    openPanel();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 40% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: photo-indexer · 2.0 GB"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("Memory is tight · Caution"));
+    machine.metrics->processes[0].cpu = 10.0;
+    tick();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: editor · 1.0 GB"));
+}
+
+TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
+    machine.metrics->processes.clear();
+    openPanel();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 0% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+}
+
+TEST_F(MenuBarTest, AHiddenPanelDoesNoWorkAndIsUpToDateWhenItOpens) {
+    openPanel();
+    machine.finishSamples();
+    settle();
+    panel().toggleAt({10, 10});
+    ASSERT_FALSE(panel().isVisible());
+    machine.metrics->processes[0].cpu = 10.0;
+    tick();
+    EXPECT_EQ(panel().findChild<ElidedLabel*>(QStringLiteral("menubar.load"))->text(),
+              QStringLiteral("CPU 40% · Memory 59%"));
+    openPanel();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
+}
+
+TEST_F(MenuBarTest, EscapeClosesThePanel) {
+    openPanel();
+    QTest::keyClick(&panel(), Qt::Key_Escape);
+    EXPECT_FALSE(panel().isVisible());
+}
+
+TEST_F(MenuBarTest, TurningElsewhereClosesThePanelAndTheSameClickDoesNotOpenItAgain) {
+    show();
+    openPanel();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&panel()));
+    window().activateWindow();
+    settle();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EXPECT_FALSE(panel().isVisible());
+    panel().toggleAt({10, 10});
+    EXPECT_FALSE(panel().isVisible());
+    openPanel();
+}
+
+TEST_F(MenuBarTest, ThePanelIsThereForAssistiveTechnology) {
+    openPanel();
+    QAccessibleInterface* application = QAccessible::queryAccessibleInterface(qApp);
+    ASSERT_NE(application, nullptr);
+    bool isThere = false;
+    for (int i = 0; i < application->childCount(); ++i) {
+        isThere = isThere || application->child(i)->object() == &panel();
+    }
+    EXPECT_TRUE(isThere);
+}
+
+TEST_F(MenuBarTest, PanelStaysOnItsScreen) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    for (const QPoint& anchor : {screen.topLeft(), screen.topRight(), screen.bottomLeft(),
+                                 screen.bottomRight(), screen.center(), QPoint(-500, -500)}) {
+        panel().toggleAt(anchor);
+        settle();
+        EXPECT_TRUE(screen.contains(panel().geometry()))
+            << anchor.x() << ' ' << anchor.y() << " gave " << panel().x() << ' ' << panel().y();
+        panel().hide();
+        settle();
+    }
+}
+
+TEST_F(MenuBarTest, APanelThatGrowsStaysOnItsScreen) {
+    recommend("Memory is tight", Recommendation::Severity::urgent);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    panel().toggleAt(screen.bottomRight());
+    settle();
+    const int before = panel().height();
+    machine.finishSamples();
+    settle();
+    EXPECT_GT(panel().height(), before);
+    EXPECT_TRUE(screen.contains(panel().geometry()));
+}
+
+TEST_F(MenuBarTest, ShowDashboardOpensTheOverviewOfAClosedWindow) {
+    showWithSample();
+    goTo(AppRoute::chat);
+    window().close();
+    openPanel();
+    choose("menubar.show-dashboard");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Overview"));
+    EXPECT_FALSE(panel().isVisible());
+}
+
+TEST_F(MenuBarTest, OpenOptimizeOpensThatRouteOfAClosedWindow) {
+    openPanel();
+    choose("menubar.open-optimize");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(MenuBarTest, RefreshTakesASample) {
+    openPanel();
+    machine.finishSamples();
+    choose("menubar.refresh");
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+}
+
+TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
+    QStringList titles;
+    for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
+        titles.append(entry.title);
+    }
+    EXPECT_EQ(titles,
+              QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
+                           QStringLiteral("Refresh"), QStringLiteral("Quit Tallowcrest")}));
+    QStringList onPanel;
+    for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
+        onPanel.append(button->text());
+        EXPECT_FALSE(button->objectName().isEmpty());
+        EXPECT_EQ(button->accessibleName(), button->text());
+    }
+    EXPECT_EQ(onPanel, titles);
+}
+
+// The status item --------------------------------------------------------------------------------
+
+class StatusItemTest : public WindowFixture {
+protected:
+    QSystemTrayIcon& iconOf(StatusItem& item) {
+        return *item.findChild<QSystemTrayIcon*>(QString(), Qt::FindDirectChildrenOnly);
+    }
+};
+
+TEST_F(StatusItemTest, ShowsNoFiguresUntilTheFirstSample) {
+    StatusItem item(machine.monitor(), window());
+    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("Tallowcrest"));
+    EXPECT_FALSE(iconOf(item).icon().isNull());
+    EXPECT_FALSE(machine.monitor().isStarted());
+    window().show();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("CPU 40% MEM 59%"));
+}
+
+TEST_F(StatusItemTest, TheNeedleMovesInStepsThatCanBeSeen) {
+    StatusItem item(machine.monitor(), window());
+    window().show();
+    machine.finishSamples();
+    settle();
+    const qint64 at40 = iconOf(item).icon().cacheKey();
+    machine.metrics->processes[0].cpu = 134.0;
+    tick();
+    EXPECT_EQ(iconOf(item).icon().cacheKey(), at40);
+    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("CPU 41% MEM 59%"));
+    machine.metrics->processes[0].cpu = 250.0;
+    tick();
+    EXPECT_NE(iconOf(item).icon().cacheKey(), at40);
+}
+
+TEST_F(StatusItemTest, TheIconFollowsTheAppearance) {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(paletteFor(Appearance::light));
+    StatusItem item(machine.monitor(), window());
+    window().show();
+    machine.finishSamples();
+    settle();
+    const qint64 light = iconOf(item).icon().cacheKey();
+    QApplication::setPalette(paletteFor(Appearance::dark));
+    tick();
+    EXPECT_NE(iconOf(item).icon().cacheKey(), light);
+    QApplication::setPalette(before);
+}
+
+TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
+    StatusItem item(machine.monitor(), window());
+    QStringList identifiers;
+    for (const QAction* action : iconOf(item).contextMenu()->actions()) {
+        identifiers.append(action->objectName());
+    }
+    EXPECT_EQ(identifiers,
+              QStringList({QStringLiteral("menubar.show-dashboard"),
+                           QStringLiteral("menubar.open-optimize"),
+                           QStringLiteral("menubar.refresh"), QStringLiteral("menubar.quit")}));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,116 @@
+#include "presentation/timeline.h"
+
+#include <limits>
+
+#include <gmock/gmock.h>
+
+namespace tallowcrest {
+namespace {
+
+using testing::DoubleNear;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr Date start{1000.0};
+
+Date after(double seconds) {
+    return {start.secondsSinceReference + seconds};
+}
+
+std::vector<HistoryPoint> historyAt(std::initializer_list<double> seconds) {
+    std::vector<HistoryPoint> history;
+    for (const double second : seconds) {
+        history.push_back({.id = {}, .date = after(second), .cpu = 1.0, .memory = 2.0});
+    }
+    return history;
+}
+
+std::vector<ActivityEvent> eventsAt(std::initializer_list<double> seconds) {
+    std::vector<ActivityEvent> events;
+    for (const double second : seconds) {
+        events.push_back({.id = {}, .date = after(second), .title = "Action", .detail = ""});
+    }
+    return events;
+}
+
+TEST(TimelineSummary, OfNothingIsNothing) {
+    const TimelineSummary summary = timelineSummary({});
+    EXPECT_THAT(summary.cpu, IsEmpty());
+    EXPECT_THAT(summary.memory, IsEmpty());
+    EXPECT_EQ(summary.cpuNow, 0.0);
+    EXPECT_EQ(summary.memoryNow, 0.0);
+    EXPECT_EQ(summary.cpuPeak, 0.0);
+    EXPECT_EQ(summary.memoryPeak, 0.0);
+    EXPECT_EQ(summary.cpuAverage, 0.0);
+}
+
+TEST(TimelineSummary, GivesNowPeakAndAverage) {
+    std::vector<HistoryPoint> history = historyAt({0, 4, 8});
+    history[0].cpu = 10.0;
+    history[1].cpu = 70.0;
+    history[2].cpu = 40.0;
+    history[0].memory = 55.0;
+    history[1].memory = 50.0;
+    history[2].memory = 45.0;
+    const TimelineSummary summary = timelineSummary(history);
+    EXPECT_THAT(summary.cpu, ElementsAre(10.0, 70.0, 40.0));
+    EXPECT_THAT(summary.memory, ElementsAre(55.0, 50.0, 45.0));
+    EXPECT_EQ(summary.cpuNow, 40.0);
+    EXPECT_EQ(summary.memoryNow, 45.0);
+    EXPECT_EQ(summary.cpuPeak, 70.0);
+    EXPECT_EQ(summary.memoryPeak, 55.0);
+    EXPECT_EQ(summary.cpuAverage, 40.0);
+}
+
+TEST(SessionSeconds, CountsFourSecondsAPoint) {
+    EXPECT_EQ(sessionSeconds({}), 0);
+    EXPECT_EQ(sessionSeconds(historyAt({0})), 4);
+    EXPECT_EQ(sessionSeconds(std::vector<HistoryPoint>(180)), 720);
+}
+
+TEST(EventFractions, LieWithinThePeriodOfThePoints) {
+    const auto history = historyAt({0, 4, 100});
+    EXPECT_THAT(eventFractions(eventsAt({100, 25, 0}), history, after(100)),
+                ElementsAre(1.0, DoubleNear(0.25, 1e-12), 0.0));
+}
+
+TEST(EventFractions, EventsOutsideThePeriodAreLeftOut) {
+    const auto history = historyAt({0, 100});
+    EXPECT_THAT(eventFractions(eventsAt({100.5, -0.5, 50}), history, after(102)),
+                ElementsAre(DoubleNear(0.5, 1e-12)));
+}
+
+TEST(EventFractions, OnlyTheLastSixHundredSecondsCount) {
+    const auto history = historyAt({0, 716});
+    // Seen from 716 seconds, 600 seconds ago is 116.
+    EXPECT_THAT(eventFractions(eventsAt({115.9, 116, 358}), history, after(716)),
+                ElementsAre(DoubleNear(116.0 / 716.0, 1e-12), DoubleNear(0.5, 1e-12)));
+}
+
+TEST(EventFractions, FewerThanTwoPointsMakeNoPeriod) {
+    EXPECT_THAT(eventFractions(eventsAt({0}), {}, after(0)), IsEmpty());
+    EXPECT_THAT(eventFractions(eventsAt({0}), historyAt({0}), after(0)), IsEmpty());
+}
+
+TEST(EventFractions, APeriodWithoutLengthHasNoPlaces) {
+    EXPECT_THAT(eventFractions(eventsAt({5}), historyAt({5, 5}), after(5)), IsEmpty());
+}
+
+TEST(EventFractions, AClockThatWasSetBackGivesNoPlaces) {
+    EXPECT_THAT(eventFractions(eventsAt({50, 10}), historyAt({100, 10}), after(10)), IsEmpty());
+}
+
+TEST(EventFractions, EventsFromBeforeTheClockWasSetBackAreLeftOut) {
+    // The event says that it is yet to come.
+    EXPECT_THAT(eventFractions(eventsAt({3600, 20}), historyAt({0, 40}), after(40)),
+                ElementsAre(DoubleNear(0.5, 1e-12)));
+}
+
+TEST(EventFractions, DatesThatAreNotNumbersAreLeftOut) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_THAT(eventFractions(eventsAt({nan}), historyAt({0, 40}), after(40)), IsEmpty());
+    EXPECT_THAT(eventFractions(eventsAt({20}), historyAt({0, nan}), after(40)), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,319 @@
+#include "sampling/app_impact.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <random>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr ProtectionPolicy policy{.ownPID = 4242, .protectsLinuxSystem = false};
+
+ProcessSample process(std::int64_t pid, std::string command, double cpu, double rssMB) {
+    return {.pid = pid,
+            .cpu = cpu,
+            .memoryPercent = 0.0,
+            .rssMB = rssMB,
+            .command = command,
+            .arguments = command};
+}
+
+std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
+    std::vector<std::int64_t> result;
+    for (const ProcessSample& row : rows) {
+        result.push_back(row.pid);
+    }
+    return result;
+}
+
+std::vector<std::string> names(const std::vector<AppImpact>& impacts) {
+    std::vector<std::string> result;
+    for (const AppImpact& impact : impacts) {
+        result.push_back(impact.name);
+    }
+    return result;
+}
+
+std::vector<AppImpact> impactsOf(const std::vector<ProcessSample>& rows,
+                                 const ProtectedAppNames& neverQuit = {}) {
+    return buildAppImpacts(rows, neverQuit, policy);
+}
+
+// Names -------------------------------------------------------------------------------------------
+
+struct NameCase {
+    const char* name;
+    const char* group;
+};
+
+class NormalizedAppName : public ::testing::TestWithParam<NameCase> {};
+
+TEST_P(NormalizedAppName, IsTheGroup) {
+    EXPECT_EQ(normalizedAppName(GetParam().name), GetParam().group);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, NormalizedAppName,
+    ::testing::Values(
+        // One row for each rule
+        NameCase{"Google Chrome", "Google Chrome"}, NameCase{"Chrome Helper", "Google Chrome"},
+        NameCase{"chrome", "Google Chrome"}, NameCase{"Safari", "Safari"},
+        NameCase{"WebKit", "Safari"}, NameCase{"firefox-bin", "Firefox"}, NameCase{"Arc", "Arc"},
+        NameCase{"dockerd", "Docker"}, NameCase{"com.docker.backend", "Docker"},
+        NameCase{"Electron Helper", "Electron Apps"}, NameCase{"node", "Node.js"},
+        NameCase{"python3.11", "Python"}, NameCase{"swiftc", "Developer Tools"},
+        NameCase{"Xcode", "Developer Tools"}, NameCase{"clangd", "Developer Tools"},
+        NameCase{"com.apple.Virtualization", "Virtualization"},
+        NameCase{"VirtualMachine", "Virtualization"},
+
+        // Whole or part of the name
+        NameCase{"Google Chrome Helper (Renderer)", "Google Chrome"},
+        NameCase{"CHROME", "Google Chrome"}, NameCase{"chromedriver", "chromedriver"},
+        NameCase{"Chrome", "Google Chrome"}, NameCase{"chrome ", "chrome "},
+        NameCase{"chrome_crashpad_handler", "chrome_crashpad_handler"},
+        NameCase{"com.apple.WebKit.WebContent", "Safari"}, NameCase{"WebKitWebProcess", "Safari"},
+        NameCase{"nodemon", "Node.js"}, NameCase{"sourcekit-lsp", "sourcekit-lsp"},
+
+        // Wide on purpose
+        NameCase{"Archive Utility", "Arc"}, NameCase{"search", "Arc"}, NameCase{"xarchiver", "Arc"},
+        NameCase{"systemd-node-exporter", "Node.js"},
+
+        // The first rule that holds
+        NameCase{"safari-firefox", "Safari"}, NameCase{"search-node-python", "Arc"},
+        NameCase{"google chrome safari", "Google Chrome"}, NameCase{"clang-python", "Python"},
+        NameCase{"electron-node", "Electron Apps"},
+
+        // No rule: the name as it stands
+        NameCase{"Terminal", "Terminal"}, NameCase{"WindowServer", "WindowServer"},
+        NameCase{"", ""}, NameCase{"A", "A"}, NameCase{"ar c", "ar c"}, NameCase{"cra", "cra"},
+        NameCase{"gnome-shell", "gnome-shell"}, NameCase{"ÄÖÜ Größe", "ÄÖÜ Größe"},
+
+        // Letters outside ASCII
+        NameCase{"Größe-NODE", "Node.js"}, NameCase{"doc\u212Aer", "Docker"},
+        NameCase{"\u212A", "\u212A"}, NameCase{"SAFAR\u0130", "Safari"},
+        NameCase{"SW\u0130FT", "SW\u0130FT"}, NameCase{"a\u0280c", "a\u0280c"},
+        NameCase{"n\u00F6de", "n\u00F6de"},
+
+        // Bytes that are no text at all
+        NameCase{"\xFF\xFE node", "Node.js"}, NameCase{"doc\xE2\x84", "doc\xE2\x84"},
+        NameCase{"\xC4", "\xC4"}));
+
+TEST(AppGroupName, LooksAtTheLastPathComponentAlone) {
+    EXPECT_EQ(appGroupName(process(1, "/opt/google/chrome/chrome", 0, 0)), "Google Chrome");
+    EXPECT_EQ(appGroupName(process(1, "/opt/node/bin/htop", 0, 0)), "htop");
+    EXPECT_EQ(appGroupName(process(1, "", 0, 0)), "");
+}
+
+// The process order -------------------------------------------------------------------------------
+
+TEST(RankProcesses, WithinOnePointMemoryDecides) {
+    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.9, 10), process(2, "b", 50.0, 20)})),
+                ElementsAre(2, 1));
+    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.0, 20), process(2, "b", 50.9, 10)})),
+                ElementsAre(1, 2));
+}
+
+TEST(RankProcesses, BeyondOnePointProcessorTimeDecides) {
+    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.0, 20), process(2, "b", 51.1, 10)})),
+                ElementsAre(2, 1));
+}
+
+TEST(RankProcesses, ExactlyOnePointIsStillWithin) {
+    EXPECT_THAT(pids(rankProcesses({process(1, "a", 51.0, 10), process(2, "b", 50.0, 20)})),
+                ElementsAre(2, 1));
+}
+
+TEST(RankProcesses, FullTiesKeepTheOrderOfTheTable) {
+    std::vector<ProcessSample> rows;
+    std::vector<std::int64_t> expected;
+    for (std::int64_t pid = 1; pid <= 50; ++pid) {
+        rows.push_back(process(pid, "idle", 0, 4));
+        expected.push_back(pid);
+    }
+    EXPECT_EQ(pids(rankProcesses(rows)), expected);
+}
+
+TEST(RankProcesses, CapsAtTheLimitAndCopiesWholeRows) {
+    const std::vector<ProcessSample> rows{process(1, "/bin/a", 1, 1), process(2, "/bin/b", 30, 1),
+                                          process(3, "/bin/c", 20, 1)};
+    EXPECT_THAT(rankProcesses(rows, 2), ElementsAre(rows[1], rows[2]));
+    EXPECT_THAT(rankProcesses(rows, 0), IsEmpty());
+    EXPECT_EQ(rankProcesses(rows, 3).size(), 3U);
+    EXPECT_EQ(rankProcesses(rows, 99).size(), 3U);
+    EXPECT_THAT(rankProcesses({}), IsEmpty());
+}
+
+TEST(RankProcesses, SurvivesTheCyclesOfItsOwnRelation) {
+    // 1 before 2 and 2 before 3 by memory, yet 3 before 1 by processor time.
+    const std::vector<ProcessSample> rows{process(1, "a", 10.0, 30), process(2, "b", 10.8, 20),
+                                          process(3, "c", 11.6, 10)};
+    const std::vector<std::int64_t> once = pids(rankProcesses(rows));
+    EXPECT_THAT(once, ::testing::UnorderedElementsAre(1, 2, 3));
+    EXPECT_EQ(pids(rankProcesses(rows)), once);
+}
+
+TEST(RankProcesses, KeepsEveryRowWhenFiguresAreNotNumbers) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    std::vector<ProcessSample> rows;
+    std::int64_t pid = 0;
+    for (const double cpu : {nan, 0.0, infinity, -infinity, 50.0, infinity}) {
+        for (const double rssMB : {nan, 1.0, infinity}) {
+            rows.push_back(process(++pid, "odd", cpu, rssMB));
+        }
+    }
+    std::vector<std::int64_t> ranked = pids(rankProcesses(rows));
+    std::sort(ranked.begin(), ranked.end());
+    EXPECT_EQ(ranked, pids(rows));
+}
+
+TEST(RankProcesses, PutsTheHeaviestFirstInALargeTable) {
+    std::mt19937 generator(5);
+    std::uniform_real_distribution<double> figure(0.0, 90.0);
+    std::vector<ProcessSample> rows;
+    for (std::int64_t pid = 1; pid <= 2000; ++pid) {
+        rows.push_back(process(pid, "p", figure(generator), figure(generator)));
+    }
+    rows[1234].cpu = 99.0;
+    EXPECT_EQ(rankProcesses(rows).front().pid, rows[1234].pid);
+    EXPECT_EQ(pids(rankProcesses(rows, 120)), [&rows] {
+        auto all = pids(rankProcesses(rows));
+        all.resize(120);
+        return all;
+    }());
+}
+
+// Groups ------------------------------------------------------------------------------------------
+
+TEST(BuildAppImpacts, NoRowsGiveNoGroups) {
+    EXPECT_THAT(impactsOf({}), IsEmpty());
+}
+
+TEST(BuildAppImpacts, AddsUpAllMembers) {
+    const auto impacts =
+        impactsOf({process(10, "/opt/chrome", 5, 100), process(11, "/bin/vi", 9, 9),
+                   process(12, "/opt/Chrome Helper", 7, 50)});
+    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Google Chrome", 2, 12.0, 150.0, 12, 0},
+                                     AppImpact{"vi", 1, 9.0, 9.0, 11, 0}));
+}
+
+TEST(BuildAppImpacts, LeavesOutWhatIsLightInBothFigures) {
+    EXPECT_THAT(impactsOf({process(10, "light", 0.9, 79.9)}), IsEmpty());
+    EXPECT_THAT(names(impactsOf({process(10, "heavy", 0.9, 80.0)})), ElementsAre("heavy"));
+    EXPECT_THAT(names(impactsOf({process(10, "busy", 1.0, 0.0)})), ElementsAre("busy"));
+    EXPECT_THAT(names(impactsOf({process(10, "many", 0.5, 1), process(11, "many", 0.5, 1)})),
+                ElementsAre("many"));
+}
+
+TEST(BuildAppImpacts, WithinTwoPointsMemoryDecides) {
+    EXPECT_THAT(names(impactsOf({process(1, "a", 12.0, 10), process(2, "b", 10.0, 20)})),
+                ElementsAre("b", "a"));
+    EXPECT_THAT(names(impactsOf({process(1, "b", 10.0, 20), process(2, "a", 12.5, 10)})),
+                ElementsAre("a", "b"));
+}
+
+TEST(BuildAppImpacts, FullTiesStandInTheOrderOfTheTable) {
+    EXPECT_THAT(
+        names(impactsOf({process(1, "c", 3, 1), process(2, "a", 3, 1), process(3, "b", 3, 1)})),
+        ElementsAre("c", "a", "b"));
+}
+
+TEST(BuildAppImpacts, TheTopProcessFollowsTheProcessOrder) {
+    const auto impacts =
+        impactsOf({process(10, "firefox", 30.0, 10), process(11, "firefox", 30.9, 5),
+                   process(12, "firefox", 30.5, 40)});
+    ASSERT_EQ(impacts.size(), 1U);
+    EXPECT_EQ(impacts[0].topPID, 12);
+}
+
+TEST(BuildAppImpacts, TheTopProcessIsASafeOneWhereThereIsOne) {
+    const auto impacts =
+        impactsOf({process(10, "/System/node", 90, 900), process(11, "/usr/bin/node", 2, 20),
+                   process(12, "/usr/bin/node", 4, 10)});
+    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 3, 96.0, 930.0, 12, 1}));
+}
+
+TEST(BuildAppImpacts, AGroupOfProtectedProcessesKeepsItsRow) {
+    const auto impacts =
+        impactsOf({process(10, "/System/a/helper", 3, 20), process(11, "/System/b/helper", 8, 10)});
+    EXPECT_THAT(impacts, ElementsAre(AppImpact{"helper", 2, 11.0, 30.0, 11, 2}));
+}
+
+TEST(BuildAppImpacts, ANeverQuitGroupIsProtectedWhole) {
+    const std::vector<ProcessSample> rows{process(10, "/System/node", 9, 9),
+                                          process(11, "/usr/bin/node", 2, 20),
+                                          process(12, "/usr/bin/vi", 2, 20)};
+    const auto impacts = impactsOf(rows, {"Node.js"});
+    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 2, 11.0, 29.0, 10, 2},
+                                     AppImpact{"vi", 1, 2.0, 20.0, 12, 0}));
+}
+
+TEST(BuildAppImpacts, NeverQuitNamesAreExact) {
+    const std::vector<ProcessSample> rows{process(10, "node", 9, 9)};
+    for (const char* other : {"node.js", "Node", "NODE.JS", "node", ""}) {
+        EXPECT_EQ(impactsOf(rows, {other})[0].protectedCount, 0) << other;
+    }
+    EXPECT_EQ(impactsOf(rows, {"Node.js"})[0].protectedCount, 1);
+}
+
+TEST(BuildAppImpacts, CountsThisProcessAsProtected) {
+    const auto impacts =
+        impactsOf({process(policy.ownPID, "node", 50, 9), process(8, "node", 1, 9)});
+    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 2, 51.0, 18.0, 8, 1}));
+}
+
+TEST(BuildAppImpacts, FollowsThePlatformsProtection) {
+    const std::vector<ProcessSample> rows{process(10, "/usr/bin/gnome-shell", 9, 300)};
+    EXPECT_EQ(buildAppImpacts(rows, {}, {.ownPID = 1000, .protectsLinuxSystem = false})
+                  .front()
+                  .protectedCount,
+              0);
+    EXPECT_EQ(buildAppImpacts(rows, {}, {.ownPID = 1000, .protectsLinuxSystem = true})
+                  .front()
+                  .protectedCount,
+              1);
+}
+
+TEST(BuildAppImpacts, KeepsGroupsWithFiguresThatAreNotNumbersApart) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_THAT(names(impactsOf({process(1, "odd", nan, 500), process(2, "gone", nan, nan),
+                                 process(3, "even", 5, 5)})),
+                ElementsAre("odd", "even"));
+}
+
+TEST(BuildAppImpacts, AgreesWithACountDoneByHandOnALargeTable) {
+    std::mt19937 generator(9);
+    std::uniform_real_distribution<double> figure(0.0, 40.0);
+    std::vector<ProcessSample> rows;
+    std::map<std::string, std::int64_t> counts;
+    for (std::int64_t pid = 1; pid <= 3000; ++pid) {
+        rows.push_back(process(pid, "/usr/bin/program-" + std::to_string(generator() % 60),
+                               1 + figure(generator), figure(generator)));
+        ++counts[appGroupName(rows.back())];
+    }
+    const auto impacts = impactsOf(rows);
+    ASSERT_EQ(impacts.size(), counts.size());
+    std::set<std::string> seen;
+    for (const AppImpact& impact : impacts) {
+        EXPECT_TRUE(seen.insert(impact.name).second) << impact.name;
+        EXPECT_EQ(impact.processCount, counts[impact.name]) << impact.name;
+        std::vector<ProcessSample> members;
+        for (const ProcessSample& row : rows) {
+            if (appGroupName(row) == impact.name) {
+                members.push_back(row);
+            }
+        }
+        EXPECT_EQ(impact.topPID, rankProcesses(members, 1).front().pid) << impact.name;
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

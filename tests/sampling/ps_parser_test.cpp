@@ -1,0 +1,141 @@
+#include "sampling/ps_parser.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
+    std::vector<std::int64_t> result;
+    for (const ProcessSample& row : rows) {
+        result.push_back(row.pid);
+    }
+    return result;
+}
+
+TEST(PSParserTest, FillsEveryFieldInTheOrderOfTheTable) {
+    const auto rows = parseProcessRows(readFixture("ps/plain.txt"));
+
+    ASSERT_THAT(pids(rows), ElementsAre(1, 318, 402, 611, 9107));
+    EXPECT_EQ(rows[0], (ProcessSample{1, 0.4, 0.1, 18.0, "/sbin/launchd", "/sbin/launchd"}));
+    EXPECT_DOUBLE_EQ(rows[3].cpu, 143.2);
+    EXPECT_DOUBLE_EQ(rows[3].memoryPercent, 4.4);
+    EXPECT_DOUBLE_EQ(rows[3].rssMB, 741120 * 0.0009765625);
+    EXPECT_EQ(rows[4].command, "-zsh");
+}
+
+TEST(PSParserTest, KeepsAllBlanksOfACommand) {
+    const auto rows = parseProcessRows(readFixture("ps/blanks_in_command.txt"));
+
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].command,
+              "/Applications/Photo Studio Pro.app/Contents/MacOS/Photo Studio Pro");
+    EXPECT_EQ(rows[0].displayName(), "Photo Studio Pro");
+    EXPECT_EQ(rows[1].displayName(), "Render  Helper (GPU)");
+    EXPECT_EQ(rows[1].arguments, rows[1].command);
+}
+
+TEST(PSParserTest, LeavesOutBadRowsAndKeepsTheRest) {
+    const auto rows = parseProcessRows(readFixture("ps/bad_rows_between_good_ones.txt"));
+
+    EXPECT_THAT(pids(rows), ElementsAre(10, 18));
+}
+
+TEST(PSParserTest, LeavesOutARowThatTheDeadlineCut) {
+    EXPECT_THAT(pids(parseProcessRows(readFixture("ps/cut_at_the_deadline.txt"))), ElementsAre(20));
+}
+
+TEST(PSParserTest, KeepsTextBeyondASCII) {
+    const auto rows = parseProcessRows(readFixture("ps/not_ascii.txt"));
+
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].displayName(), "Müsli");
+    EXPECT_EQ(rows[1].displayName(), "計算機");
+}
+
+TEST(PSParserTest, GivesNoRowsForNoText) {
+    for (const char* text : {"", "\n", "\n\n\n", "     ", "   \n   "}) {
+        EXPECT_THAT(parseProcessRows(text), IsEmpty()) << text;
+    }
+}
+
+struct RowCase {
+    std::string line;
+    bool isKept;
+};
+
+class PSRowTest : public testing::TestWithParam<RowCase> {};
+
+TEST_P(PSRowTest, IsKeptOrLeftOut) {
+    const std::string text = "1 0.0 0.0 0 before\n" + GetParam().line + "\n3 0.0 0.0 0 after\n";
+    const auto rows = parseProcessRows(text);
+
+    EXPECT_EQ(rows.size(), GetParam().isKept ? 3U : 2U) << GetParam().line;
+    EXPECT_EQ(rows.front().command, "before");
+    EXPECT_EQ(rows.back().command, "after");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Numbers, PSRowTest,
+    testing::Values(RowCase{"2 1 2 3 x", true}, RowCase{"+2 +1.5 .5 5. x", true},
+                    RowCase{"2 1e2 1E-3 1e+3 x", true}, RowCase{"-2 1 2 3 x", true},
+                    RowCase{"2 1e400 2 3 x", false}, RowCase{"2 1 NaN 3 x", false},
+                    RowCase{"2 1 nan(5) 3 x", false}, RowCase{"2 infinity 2 3 x", false},
+                    RowCase{"2 -inf 2 3 x", false}, RowCase{"2 0x1p3 2 3 x", false},
+                    RowCase{"2 1.0.0 2 3 x", false}, RowCase{"2 1e 2 3 x", false},
+                    RowCase{"2 . 2 3 x", false}, RowCase{"2 - 2 3 x", false},
+                    RowCase{"2 +-1 2 3 x", false}, RowCase{"2 1 2 3K x", false},
+                    RowCase{"2.0 1 2 3 x", false}, RowCase{"0x2 1 2 3 x", false},
+                    RowCase{"two 1 2 3 x", false}, RowCase{"9223372036854775807 1 2 3 x", true},
+                    RowCase{"9223372036854775808 1 2 3 x", false},
+                    RowCase{"2\t1\t2\t3\tx", false}));
+
+INSTANTIATE_TEST_SUITE_P(Columns, PSRowTest,
+                         testing::Values(RowCase{"2", false}, RowCase{"2 1 2 3", false},
+                                         RowCase{"2 1 2 3 ", false},
+                                         RowCase{"2 1 2 3      ", false},
+                                         RowCase{"      2     1   2   3   x", true},
+                                         RowCase{"2 1 2 3 4 5 6 7", true}));
+
+TEST(PSParserTest, DropsTheBlanksBeforeTheCommandAndKeepsThoseAfterIt) {
+    const auto rows = parseProcessRows("  2   1.0   2.0   3    a  b  \n");
+
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].command, "a  b  ");
+}
+
+TEST(PSParserTest, HoldsImpossibleFiguresWithinBounds) {
+    const auto rows = parseProcessRows(
+        "2 1e308 1e308 1e308 x\n"
+        "3 -1e308 -5 -1024 x\n"
+        "4 -0.0 0 0 x\n");
+
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].cpu, 1e12);
+    EXPECT_EQ(rows[0].memoryPercent, 1e12);
+    EXPECT_EQ(rows[0].rssMB, 1e12 * 0.0009765625);
+    EXPECT_EQ(rows[1].cpu, 0.0);
+    EXPECT_EQ(rows[1].memoryPercent, 0.0);
+    EXPECT_EQ(rows[1].rssMB, 0.0);
+    EXPECT_FALSE(std::signbit(rows[2].cpu));
+}
+
+TEST(PSParserTest, KeepsACarriageReturnAsPartOfTheCommand) {
+    const auto rows = parseProcessRows("2 1 2 3 x\r\n");
+
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].command, "x\r");
+}
+
+}  // namespace
+}  // namespace tallowcrest

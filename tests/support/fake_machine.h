@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "core/settings_store.h"
+#include "monitor/system_monitor.h"
+#include "tests/support/fake_readers.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+
+/// A whole monitor on a machine of which a test sets every figure. Without ticks of its own, the
+/// machine's CPU percentage is the sum over the processes, divided by its four cores.
+class FakeMachine {
+public:
+    static constexpr std::int64_t ownPID = 4242;
+
+    FakeMachine() { ticks->ticks.reset(); }
+
+    /// Built at the first call, with what `extensions` and `store` hold by then.
+    SystemMonitor& monitor() {
+        if (monitor_ == nullptr) {
+            monitor_ = std::make_unique<SystemMonitor>(
+                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks},
+                HostFacts{.cpuCount = 4,
+                          .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
+                          .loginName = "owner",
+                          .processArguments = {"tallowcrest", "--ui-testing"}},
+                extensions);
+        }
+        return *monitor_;
+    }
+
+    /// Adds a process to what the next sample finds.
+    ProcessSample& addProcess(std::int64_t pid, std::string command, double cpu, double rssMB) {
+        ProcessSample row;
+        row.pid = pid;
+        row.cpu = cpu;
+        row.rssMB = rssMB;
+        row.memoryPercent = rssMB / 163.84;
+        row.arguments = command;
+        row.command = std::move(command);
+        metrics->processes.push_back(std::move(row));
+        return metrics->processes.back();
+    }
+
+    /// Runs every queued sample and everything that follows from it to its end.
+    void finishSamples() {
+        while (workQueue.pendingCount() > 0) {
+            workQueue.run();
+        }
+        mainQueue.drain();
+    }
+
+    /// Lets one tick pass and its sample land.
+    void tick() {
+        clock.advance(std::chrono::seconds(4));
+        monitor().refresh();
+        finishSamples();
+    }
+
+    ManualClock clock;
+    ManualMainQueue mainQueue;
+    ManualWorkQueue workQueue;
+    MemorySettingsStore store;
+    std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
+    std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    MonitorExtensions extensions;
+
+private:
+    std::unique_ptr<SystemMonitor> monitor_;
+};
+
+}  // namespace tallowcrest

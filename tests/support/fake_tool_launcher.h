@@ -1,0 +1,30 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "sampling/tool_launcher.h"
+
+namespace tallowcrest {
+
+/// Launches nothing: keeps the requests and answers each with `result`.
+class FakeToolLauncher final : public ToolLauncher {
+public:
+    ToolResult launch(const ToolRequest& request) override {
+        requests.push_back(request);
+        return result;
+    }
+
+    /// A tool that wrote `output` and exited with 0.
+    void willWrite(std::string output) {
+        result = ToolResult{};
+        result.launched = true;
+        result.output = std::move(output);
+        result.terminationStatus = 0;
+    }
+
+    ToolResult result;
+    std::vector<ToolRequest> requests;
+};
+
+}  // namespace tallowcrest

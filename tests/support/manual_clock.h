@@ -1,0 +1,23 @@
+#pragma once
+
+#include "core/clock.h"
+
+namespace tallowcrest {
+
+/// A clock that moves only when a test moves it.
+class ManualClock final : public Clock {
+public:
+    Date now() const override { return now_; }
+    std::chrono::nanoseconds monotonic() const override { return monotonic_; }
+
+    void advance(std::chrono::nanoseconds duration) {
+        monotonic_ += duration;
+        now_.secondsSinceReference += std::chrono::duration<double>(duration).count();
+    }
+
+private:
+    Date now_{800000000.0};
+    std::chrono::nanoseconds monotonic_{0};
+};
+
+}  // namespace tallowcrest
