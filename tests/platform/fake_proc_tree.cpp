@@ -40,7 +40,7 @@ ProcfsMachine FakeProcTree::machine() const {
 }
 
 ProcfsClocks FakeProcTree::clocks() {
-    return {[this] { return monotonic; }, [this] { return sinceBoot; }};
+    return {[this] { return monotonic; }, [this] { return sinceBoot; }, {}};
 }
 
 void FakeProcTree::put(std::int64_t pid, const FakeProcess& process) {
