@@ -44,6 +44,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(text.starts_with("cpu "));
         require(parseProcessorTicks(text + "cpu0 1 2 3 4\n") == ticks);
     }
+
+    if (const auto newest = parseNewestProcessID(text)) {
+        require(*newest > 0 && text.find(std::to_string(*newest)) != std::string::npos);
+        require(parseNewestProcessID(text + " 5\n") == newest);
+    }
+    // Whatever precedes it, as long as it is four words.
+    if (!text.empty() && text.find_first_of(" \n") == std::string::npos) {
+        const std::string load = text + ' ' + text + ' ' + text + ' ' + text + " 812\n";
+        require(parseNewestProcessID(load) == 812);
+    }
+    if (const auto sole = parseSoleProcessID(text)) {
+        require(*sole > 0 && text.find("\nNSpid:\t") != std::string::npos);
+        require(parseSoleProcessID(text + "\nNSpid:\t1\t2\n") == sole);
+    }
+    if (text.find("NSpid") == std::string::npos) {
+        require(parseSoleProcessID(text + "\nNSpid:\t812\n") == 812);
+        require(!parseSoleProcessID(text + "\nNSpid:\t812\t1\n"));
+    }
     parseZramUsedBytes(text);
     return 0;
 }

@@ -1,7 +1,3 @@
-#include <sys/types.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -9,14 +5,16 @@
 #include <vector>
 
 #include <QApplication>
-#include <fmt/format.h>
 
+#include "app/command_line.h"
 #include "app/composition.h"
-#include "app/options.h"
+#include "app/console.h"
 #include "app/startup_trace.h"
 #include "platform/desktop/desktop_applications.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
+#include "platform/desktop/tray_host_watch.h"
+#include "platform/posix/standard_streams.h"
 #include "presentation/crest_style.h"
 #include "presentation/dashboard_window.h"
 #include "presentation/icon.h"
@@ -38,19 +36,15 @@ StartWarnings& startWarnings() {
     return warnings;
 }
 
-void complain(const QString& message) {
-    fmt::print(stderr, "tallowcrest: {}\n", message.toStdString());
-}
-
 /// Qt ends the process with a crash when it finds no display; a person is owed a sentence.
 void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     StartWarnings& warnings = startWarnings();
     if (type == QtFatalMsg) {
         const QString reason =
             warnings.isStarting && !warnings.held.isEmpty() ? warnings.held.first() : message;
-        complain(QStringLiteral("the window cannot be opened: ") +
-                 reason.section(QLatin1Char('\n'), 0, 0));
-        complain(QStringLiteral("to sample without a window, try: tallowcrest --headless"));
+        complain("the window cannot be opened: " +
+                 reason.section(QLatin1Char('\n'), 0, 0).toStdString());
+        complain("to sample without a window, try: tallowcrest --headless");
         std::_Exit(EXIT_FAILURE);
     }
     if (type == QtDebugMsg || type == QtInfoMsg) {
@@ -59,7 +53,7 @@ void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& mes
     if (warnings.isStarting) {
         warnings.held.append(message);
     } else {
-        complain(message);
+        complain(message.toStdString());
     }
 }
 
@@ -67,7 +61,7 @@ void endOfStart() {
     StartWarnings& warnings = startWarnings();
     warnings.isStarting = false;
     for (const QString& message : std::exchange(warnings.held, {})) {
-        complain(message);
+        complain(message.toStdString());
     }
 }
 
@@ -111,11 +105,13 @@ int runWindow(QApplication& application, std::vector<std::string> arguments) {
         StatusItem statusItem(composition.monitor(), window);
         // With a status item the window may be closed while the monitor runs on; without one a
         // hidden window could never be reached again.
-        QObject::connect(&window, &DashboardWindow::closed, &application, [] {
-            if (!StatusItem::hasHost()) {
+        TrayHostWatch trayHost;
+        QObject::connect(&window, &DashboardWindow::closed, &application, [&trayHost] {
+            if (!StatusItem::hasHost() || trayHost.isLost()) {
                 QApplication::quit();
             }
         });
+        QObject::connect(&trayHost, &TrayHostWatch::lost, &window, &QWidget::show);
         window.show();
         status = QApplication::exec();
     }
@@ -130,7 +126,16 @@ int runWindow(QApplication& application, std::vector<std::string> arguments) {
 
 int main(int argc, char** argv) {
     using namespace tallowcrest;
+    occupyStandardDescriptors();
     const std::vector<std::string> arguments(argv, argv + argc);
+    const CommandLine commandLine = readCommandLine(arguments);
+    if (commandLine.status) {
+        return *commandLine.status;
+    }
+    if (commandLine.options.headless) {
+        complain("this program only opens the window. Try: tallowcrest --headless");
+        return usageStatus;
+    }
     qInstallMessageHandler(reportMessage);
     QApplication::setApplicationName(QStringLiteral("Tallowcrest"));
     QApplication::setApplicationVersion(QStringLiteral(TALLOWCREST_VERSION));
@@ -138,6 +143,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
     endOfStart();
+    QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
     return runWindow(application, arguments);

@@ -123,7 +123,7 @@ std::string sampleJSON(const SystemSnapshot& snapshot,
         {"sampledAt", snapshot.sampledAt.secondsSinceReference},
         {"recommendations", arrayOf(recommendations, recommendationJSON)},
     };
-    return object.dump(-1, ' ', false, json::error_handler_t::replace) + '\n';
+    return object.dump(-1, ' ', true, json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace tallowcrest

@@ -14,7 +14,7 @@ std::string sampleBlock(const SystemSnapshot& snapshot,
 
 /// One sample as one line of JSON with its line end: the members of the snapshot under their own
 /// names, and the recommendations. Dates are seconds since 2001-01-01T00:00:00Z; an absent value is
-/// null.
+/// null. All of it is ASCII, so that no process's name can write to the terminal.
 std::string sampleJSON(const SystemSnapshot& snapshot,
                        const std::vector<Recommendation>& recommendations);
 

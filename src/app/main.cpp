@@ -6,14 +6,13 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "app/command_line.h"
 #include "app/console.h"
 #include "app/headless.h"
-#include "app/options.h"
 #include "platform/host.h"
 #include "platform/posix/standard_streams.h"
 
@@ -24,7 +23,6 @@
 namespace tallowcrest {
 namespace {
 
-constexpr int usageStatus = 2;
 constexpr int noWindowStatus = 1;
 constexpr const char* windowProgram = "tallowcrest-desktop";
 
@@ -46,24 +44,13 @@ int openWindow(char** argv) {
     return noWindowStatus;
 }
 
-int printed(std::string_view text) {
-    return writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
 int run(const std::vector<std::string>& arguments, char** argv) {
-    const auto parsed = parseOptions({arguments.begin() + 1, arguments.end()});
-    if (const auto* error = std::get_if<OptionsError>(&parsed)) {
-        complain(fmt::format("{} (see tallowcrest --help)", error->message));
-        return usageStatus;
+    const CommandLine commandLine = readCommandLine(arguments);
+    if (commandLine.status) {
+        return *commandLine.status;
     }
-    const auto& options = std::get<Options>(parsed);
-    if (options.showHelp) {
-        return printed(helpText());
-    }
-    if (options.showVersion) {
-        return printed(fmt::format("tallowcrest {}\n", TALLOWCREST_VERSION));
-    }
-    return options.headless ? runHeadless(options, arguments) : openWindow(argv);
+    return commandLine.options.headless ? runHeadless(commandLine.options, arguments)
+                                        : openWindow(argv);
 }
 
 }  // namespace
@@ -71,9 +58,5 @@ int run(const std::vector<std::string>& arguments, char** argv) {
 
 int main(int argc, char** argv) {
     tallowcrest::occupyStandardDescriptors();
-    std::vector<std::string> arguments(argv, argv + argc);
-    if (arguments.empty()) {
-        arguments.emplace_back("tallowcrest");
-    }
-    return tallowcrest::run(arguments, argv);
+    return tallowcrest::run({argv, argv + argc}, argv);
 }

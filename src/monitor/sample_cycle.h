@@ -61,6 +61,7 @@ struct SampleInputs {
 /// What the background half hands to the main half.
 struct BackgroundSample {
     std::vector<ProcessSample> processes;
+    std::vector<std::size_t> impactOrder;  ///< indexes of `processes`
     SystemSnapshot snapshot;
     std::vector<TailDevice> devices;
     std::vector<std::string> healthIssues;

@@ -8,8 +8,7 @@
 namespace tallowcrest {
 namespace {
 
-/// The newest points that are kept across a restart, encoded; what cannot be encoded leaves the
-/// older value in the store.
+/// What cannot be encoded leaves the older value in the store.
 template <class List>
 void saveJSON(SettingsStore& store, std::string_view key, const List& values) {
     if (std::optional<std::string> text = record_json::encode(values)) {
@@ -17,6 +16,7 @@ void saveJSON(SettingsStore& store, std::string_view key, const List& values) {
     }
 }
 
+/// The newest points alone are kept across a restart.
 void saveHistory(SettingsStore& store, const std::vector<HistoryPoint>& history) {
     if (history.size() <= StoredState::maximumStoredHistory) {
         saveJSON(store, settings_keys::historyKey, history);

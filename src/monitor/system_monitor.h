@@ -15,6 +15,7 @@
 #include "core/queues.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
+#include "monitor/automation_dates.h"
 #include "monitor/navigation.h"
 #include "monitor/sample_cycle.h"
 #include "monitor/startup_state.h"
@@ -82,6 +83,7 @@ public:
     const Settings& settings() const { return settings_; }
     const StartupState& startup() const { return startup_; }
     const HostFacts& host() const { return host_; }
+    const AutomationDates& automationDates() const { return automationDates_; }
     ActivityLog& log() { return log_; }
     const LatestSample& sample() const { return sample_; }
     Navigation& navigation() { return navigation_; }
@@ -99,6 +101,7 @@ private:
     Observable observable_;
     Settings settings_;
     StartupState startup_;
+    AutomationDates automationDates_;
     ActivityLog log_;
     LatestSample sample_;
     Navigation navigation_;

@@ -27,7 +27,7 @@ std::shared_ptr<CPUTickSource> makeTickSource();
 /// What must not be quit here, with this process's own identifier.
 ProtectionPolicy protectionPolicy();
 
-/// Cores that this process may use, at least 1.
+/// Cores that are switched on, at least 1, whichever of them this process is confined to.
 int activeProcessorCount();
 
 /// The user's login name; empty when the system does not know one.

@@ -1,6 +1,7 @@
 #include "presentation/bar_list.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <QEvent>
@@ -24,6 +25,8 @@ BarList::BarList(const QString& label, int rowCount, const QString& valuePattern
     : QWidget(parent), rowCount_(std::max(1, rowCount)), valuePattern_(valuePattern) {
     installAccessibleFigures();
     setAccessibleName(label);
+    // It paints its own ground, so that new rows repaint nothing of what lies below.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     valueWidth_ = figuresWidth(CrestFonts::current().body, valuePattern_);
 }
@@ -35,21 +38,38 @@ void BarList::setRows(std::vector<BarRow> rows) {
     if (rows == rows_) {
         return;
     }
-    if (rows.empty() || rows_.empty()) {
+    const std::vector<BarRow> before = std::exchange(rows_, std::move(rows));
+    if (before.empty() || rows_.empty()) {
         update();
+        fitLabels();
     } else {
-        for (int row = 0; row < rowCount_; ++row) {
-            const auto index = static_cast<std::size_t>(row);
-            const bool had = index < rows_.size();
-            const bool has = index < rows.size();
-            if (had != has || (has && rows[index] != rows_[index])) {
-                update(rowRect(row));
-            }
-        }
+        showChanges(before);
     }
-    rows_ = std::move(rows);
-    fitLabels();
     setAccessibleDescription(accessibleValue());
+}
+
+void BarList::showChanges(const std::vector<BarRow>& before) {
+    static const BarRow none;
+    bool hasNewLabels = before.size() != rows_.size();
+    for (std::size_t i = 0; i < std::max(before.size(), rows_.size()); ++i) {
+        const BarRow& old = i < before.size() ? before[i] : none;
+        const BarRow& now = i < rows_.size() ? rows_[i] : none;
+        QRect changed = rowRect(static_cast<int>(i));
+        if (old.label != now.label || i >= rows_.size() || i >= before.size()) {
+            hasNewLabels = true;
+        } else if (old.valueText != now.valueText) {
+            changed.setLeft(barLeft());
+        } else if (filledWidth(old) != filledWidth(now)) {
+            changed.setLeft(barLeft());
+            changed.setWidth(barWidth());
+        } else {
+            continue;
+        }
+        update(changed);
+    }
+    if (hasNewLabels) {
+        fitLabels();
+    }
 }
 
 void BarList::setEmptyText(const QString& text) {
@@ -105,42 +125,47 @@ void BarList::resizeEvent(QResizeEvent* event) {
 void BarList::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
+    painter.fillRect(event->rect(), theme.cardBackground);
+    painter.setFont(CrestFonts::current().body);
     if (rows_.empty()) {
-        painter.setFont(CrestFonts::current().body);
         painter.setPen(theme.secondaryText);
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(CrestFonts::current().body);
-    const int barLeft = labelWidth() + spacing::gap;
-    const int barWidth = std::max(0, width() - barLeft - valueWidth_ - spacing::gap);
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const QRect row = rowRect(static_cast<int>(i));
-        if (!event->rect().intersects(row)) {
-            continue;
+        const int top = rowRect(static_cast<int>(i)).top();
+        const auto isDue = [event, top](int left, int width) {
+            return event->region().intersects(QRect(left, top, width, rowHeight));
+        };
+        if (isDue(0, labelWidth())) {
+            painter.setPen(theme.text);
+            painter.drawText(QRect(0, top, labelWidth(), rowHeight),
+                             Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                             fittedLabels_.value(static_cast<qsizetype>(i)));
         }
-        painter.setPen(theme.text);
-        painter.drawText(QRect(0, row.top(), labelWidth(), rowHeight),
-                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                         fittedLabels_.value(static_cast<qsizetype>(i)));
-        painter.setPen(theme.secondaryText);
-        painter.drawText(QRect(width() - valueWidth_, row.top(), valueWidth_, rowHeight),
-                         Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
-                         rows_[i].valueText);
+        if (isDue(width() - valueWidth_, valueWidth_)) {
+            painter.setPen(theme.secondaryText);
+            painter.drawText(QRect(width() - valueWidth_, top, valueWidth_, rowHeight),
+                             Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
+                             rows_[i].valueText);
+        }
+        if (isDue(barLeft(), barWidth())) {
+            paintBar(painter, rows_[i], top, theme);
+        }
+    }
+}
 
-        const double top = row.top() + (rowHeight - barHeight) / 2.0;
-        const double radius = barHeight / 2.0;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme.track);
-        painter.drawRoundedRect(QRectF(barLeft, top, barWidth, barHeight), radius, radius);
-        const double share = safeGraphValue(rows_[i].fraction * 100) / 100;
-        if (share > 0) {
-            // Never shorter than its own round ends, so that a small share can still be seen.
-            const double filled = std::max<double>(barHeight, barWidth * share);
-            painter.setBrush(tint_.in(theme));
-            painter.drawRoundedRect(QRectF(barLeft, top, filled, barHeight), radius, radius);
-        }
+void BarList::paintBar(QPainter& painter, const BarRow& row, int rowTop,
+                       const CrestTheme& theme) const {
+    const QRectF track(barLeft(), rowTop + (rowHeight - barHeight) / 2.0, barWidth(), barHeight);
+    const double radius = barHeight / 2.0;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme.track);
+    painter.drawRoundedRect(track, radius, radius);
+    if (const int filled = filledWidth(row); filled > 0) {
+        painter.setBrush(tint_.in(theme));
+        painter.drawRoundedRect(QRectF(track.topLeft(), QSizeF(filled, barHeight)), radius, radius);
     }
 }
 
@@ -150,6 +175,20 @@ QRect BarList::rowRect(int row) const {
 
 int BarList::labelWidth() const {
     return std::clamp(width() * 3 / 10, narrowestLabel, widestLabel);
+}
+
+int BarList::barLeft() const {
+    return labelWidth() + spacing::gap;
+}
+
+int BarList::barWidth() const {
+    return std::max(0, width() - barLeft() - valueWidth_ - spacing::gap);
+}
+
+int BarList::filledWidth(const BarRow& row) const {
+    const double share = safeGraphValue(row.fraction * 100) / 100;
+    // Never shorter than its own round ends, so that a small share can still be seen.
+    return share > 0 ? std::max(barHeight, static_cast<int>(std::lround(barWidth() * share))) : 0;
 }
 
 void BarList::fitLabels() {

@@ -21,7 +21,8 @@ struct BarRow {
 };
 
 /// Horizontal bars, each with its label at the left and its figure at the right. The room for all
-/// rows is kept from the start, so that nothing moves as rows come and go. Main thread.
+/// rows is kept from the start, so that nothing moves as rows come and go. It paints the ground of
+/// a card. Main thread.
 class BarList : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
@@ -53,7 +54,14 @@ protected:
 private:
     QRect rowRect(int row) const;
     int labelWidth() const;
+    int barLeft() const;
+    int barWidth() const;
+    /// In whole pixels, so that a change of less than one repaints nothing.
+    int filledWidth(const BarRow& row) const;
+    /// Repaints what differs from `before` in what is seen.
+    void showChanges(const std::vector<BarRow>& before);
     void fitLabels();
+    void paintBar(QPainter& painter, const BarRow& row, int rowTop, const CrestTheme& theme) const;
 
     int rowCount_;
     QString valuePattern_;

@@ -42,16 +42,26 @@ void Card::setHeader(const QString& icon, const QString& heading) {
     setAccessibleName(heading);
 }
 
-void Card::setCaption(const QString& caption) {
-    if (caption_ == nullptr && !caption.isEmpty()) {
+void Card::setCaption(const QString& text) {
+    if (caption_ == nullptr && text.isEmpty()) {
+        return;
+    }
+    caption()->setText(text);
+    caption()->setVisible(!text.isEmpty());
+}
+
+void Card::reserveCaption(const QString& pattern) {
+    caption()->setReservedText(pattern);
+}
+
+ElidedLabel* Card::caption() {
+    if (caption_ == nullptr) {
         caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
         caption_->setLines(1, 2);
+        caption_->setGround(&CrestTheme::cardBackground);
         outer_->insertWidget(header_ == nullptr ? 0 : 1, caption_);
     }
-    if (caption_ != nullptr) {
-        caption_->setText(caption);
-        caption_->setVisible(!caption.isEmpty());
-    }
+    return caption_;
 }
 
 void Card::paintEvent(QPaintEvent* event) {

@@ -24,6 +24,8 @@ public:
     void setHeader(const QString& icon, const QString& heading);
     /// One quiet line below the heading; empty takes it away.
     void setCaption(const QString& caption);
+    /// Keeps room for `pattern` with any digits, for a caption that holds figures.
+    void reserveCaption(const QString& pattern);
 
     /// The header row, where a card may add controls at the right.
     QHBoxLayout* headerLayout();
@@ -34,6 +36,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    ElidedLabel* caption();
+
     QVBoxLayout* outer_ = nullptr;
     QVBoxLayout* content_ = nullptr;
     QHBoxLayout* header_ = nullptr;

@@ -28,7 +28,7 @@ void drawFrame(QPainter& painter, const QRect& rect, const QColor& fill, bool ha
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const double inset = hasFocus ? 1.0 : 0.5;
-    painter.setPen(QPen(hasFocus ? theme.accent : theme.hairline, hasFocus ? 2 : 1));
+    painter.setPen(QPen(hasFocus ? theme.accentText : theme.hairline, hasFocus ? 2 : 1));
     painter.setBrush(fill);
     painter.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), controlRadius,
                             controlRadius);
@@ -168,8 +168,9 @@ int CrestStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
 
 int CrestStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* returnData) const {
-    // Nothing is animated: a change of the figures is the only motion on screen.
-    if (hint == SH_Widget_Animation_Duration) {
+    // Nothing is animated: a change of the figures is the only motion on screen. Dialogs carry no
+    // stock icons, which come in colours that mean nothing here.
+    if (hint == SH_Widget_Animation_Duration || hint == SH_DialogButtonBox_ButtonsHaveIcons) {
         return 0;
     }
     return QProxyStyle::styleHint(hint, option, widget, returnData);

@@ -37,6 +37,10 @@ QString percentText(double percent) {
     return QStringLiteral("%1%").arg(wholePercent(percent));
 }
 
+QString noFigure() {
+    return QStringLiteral("–");
+}
+
 QString gigabytes(double value) {
     return oneDecimal(value);
 }

@@ -14,6 +14,8 @@ QString text(std::string_view utf8);
 /// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
 int wholePercent(double percent);
 QString percentText(double percent);
+/// Stands for a figure before there is one.
+QString noFigure();
 /// One decimal, without the unit.
 QString gigabytes(double value);
 

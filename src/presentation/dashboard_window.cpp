@@ -90,6 +90,14 @@ void DashboardWindow::makeMenus() {
                           [this, route] { monitor_.navigation().setSelectedRoute(route); });
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
     }
+    go->addSeparator();
+    QAction* filter = go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
+                                    QStringLiteral("Filter Processes"), this, [this] {
+                                        monitor_.navigation().setSelectedRoute(AppRoute::load);
+                                        refresh();
+                                        screen(AppRoute::load)->focusSearch();
+                                    });
+    filter->setShortcut(QKeySequence::Find);
 }
 
 Screen* DashboardWindow::makeScreen(AppRoute route) {
@@ -135,11 +143,9 @@ void DashboardWindow::refresh() {
 
 void DashboardWindow::openRoute(AppRoute route) {
     monitor_.navigation().setSelectedRoute(route);
-    if (isMinimized()) {
-        showNormal();
-    } else {
-        show();
-    }
+    // Only that: a maximised window comes back maximised.
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
     mainQueue_.post([window = QPointer<DashboardWindow>(this)] {
         if (window != nullptr) {
             window->raise();

@@ -1,10 +1,12 @@
 #include "presentation/elided_label.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QEvent>
 #include <QFontMetrics>
 #include <QHelpEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -15,6 +17,7 @@ namespace {
 
 // A label asks for no more than this, however long its text is; a layout may still give it more.
 constexpr int widestHint = 480;
+constexpr qsizetype longestMeasured = 200;
 constexpr int longestToolTip = 2000;
 
 bool differOnlyInDigits(const QString& a, const QString& b) {
@@ -45,18 +48,21 @@ void ElidedLabel::setText(const QString& text) {
     // A new layout of the whole page is dear, and so is measuring text. Most new texts differ from
     // the old in their digits alone, which ask for the same room.
     const bool isSameButForDigits = differOnlyInDigits(text, text_);
-    const int widthBefore = naturalWidth();
-    const int heightBefore = heightForWidth(width());
-    text_ = text;
-    lines_.clear();
-    linesWidth_ = -1;
+    if (isSameButForDigits && hasTabularDigits(textFont())) {
+        keepBreaks(std::exchange(text_, text));
+    } else {
+        const int widthBefore = naturalWidth();
+        const int heightBefore = heightForWidth(width());
+        text_ = text;
+        linesWidth_ = -1;
+        if (!isSameButForDigits) {
+            naturalWidth_ = -1;
+        }
+        if (naturalWidth() != widthBefore || heightForWidth(width()) != heightBefore) {
+            updateGeometry();
+        }
+    }
     setAccessibleName(text);
-    if (!isSameButForDigits) {
-        naturalWidth_ = -1;
-    }
-    if (naturalWidth() != widthBefore || heightForWidth(width()) != heightBefore) {
-        updateGeometry();
-    }
     update();
 }
 
@@ -70,6 +76,12 @@ void ElidedLabel::setColor(const ThemeColor& color) {
         color_ = color;
         update();
     }
+}
+
+void ElidedLabel::setGround(const ThemeColor& ground) {
+    ground_ = ground;
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    update();
 }
 
 void ElidedLabel::setAlignment(Qt::Alignment alignment) {
@@ -94,23 +106,50 @@ void ElidedLabel::setReservedText(const QString& pattern) {
     changeLayout();
 }
 
-QStringList ElidedLabel::shownLines() const {
+const QStringList& ElidedLabel::shownLines() const {
     if (linesWidth_ != width()) {
-        lines_ = fittedLines(text_, textFont(), width(), maximumLines_, elideMode_);
+        lines_ = fitsInOneLine()
+                     ? QStringList{text_}
+                     : fittedLines(text_, textFont(), width(), maximumLines_, elideMode_);
         linesWidth_ = width();
     }
     return lines_;
 }
 
+bool ElidedLabel::fitsInOneLine() const {
+    // The natural width is known as long as only digits change, so this spares the measuring that
+    // eliding begins with.
+    return maximumLines_ == 1 && !text_.isEmpty() && text_.size() <= longestMeasured &&
+           !text_.contains(u'\n') && naturalWidth() < widestHint && naturalWidth() <= width();
+}
+
+void ElidedLabel::keepBreaks(const QString& before) {
+    qsizetype from = 0;
+    for (QString& line : lines_) {
+        const qsizetype start = before.indexOf(line, from);
+        if (start < 0) {
+            // Not a plain piece of the text: cut by an ellipsis.
+            linesWidth_ = -1;
+            return;
+        }
+        from = start + line.size();
+        line = text_.mid(start, line.size());
+    }
+}
+
 int ElidedLabel::naturalWidth() const {
     if (naturalWidth_ < 0) {
-        const int reserved = reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_);
         // No text of this length fits into the widest hint. Digits count as the widest one, so that
         // another figure of as many digits asks for the same room.
-        const int wanted = figuresWidth(textFont(), text_.left(200)) + 1;
-        naturalWidth_ = std::max(reserved, std::min(wanted, widestHint));
+        const int wanted = figuresWidth(textFont(), text_.left(longestMeasured)) + 1;
+        naturalWidth_ = std::max(reservedWidth(), std::min(wanted, widestHint));
     }
     return naturalWidth_;
+}
+
+int ElidedLabel::reservedWidth() const {
+    // One more for rounding, as for the text itself: the one must never outgrow the other.
+    return reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_) + 1;
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -120,9 +159,9 @@ QSize ElidedLabel::sizeHint() const {
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
-    const int reserved = reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_);
     const int shortest = std::min(naturalWidth(), 4 * spacing::unit);
-    return {std::max(reserved, shortest), QFontMetrics(textFont()).lineSpacing() * minimumLines_};
+    return {std::max(reservedWidth(), shortest),
+            QFontMetrics(textFont()).lineSpacing() * minimumLines_};
 }
 
 int ElidedLabel::heightForWidth(int width) const {
@@ -165,28 +204,39 @@ void ElidedLabel::resizeEvent(QResizeEvent* event) {
     update();
 }
 
-void ElidedLabel::paintEvent(QPaintEvent*) {
-    const QStringList lines = shownLines();
+void ElidedLabel::paintEvent(QPaintEvent* event) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    if (ground_) {
+        painter.fillRect(event->rect(), ground_->in(theme));
+    }
+    const QStringList& lines = shownLines();
     if (lines.isEmpty()) {
         return;
     }
-    QPainter painter(this);
     painter.setFont(textFont());
-    QColor color = color_.in(CrestTheme::current());
+    QColor color = color_.in(theme);
     if (!isEnabled()) {
         color.setAlphaF(0.5F);
     }
     painter.setPen(color);
-    const int lineHeight = painter.fontMetrics().lineSpacing();
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int lineHeight = metrics.lineSpacing();
     const int block = lineHeight * static_cast<int>(lines.size());
     int top = 0;
     if ((alignment_ & Qt::AlignVCenter) != 0 && maximumLines_ == 1) {
         top = (height() - block) / 2;
     }
+    const int baseline = (lineHeight - metrics.height()) / 2 + metrics.ascent();
     const auto horizontal = static_cast<int>(alignment_ & Qt::AlignHorizontal_Mask);
     for (const QString& line : lines) {
-        painter.drawText(QRect(0, top, width(), lineHeight),
-                         horizontal | Qt::AlignVCenter | Qt::TextSingleLine, line);
+        if (horizontal == Qt::AlignLeft && !line.isRightToLeft()) {
+            // A known place spares the text layout that aligning within a rectangle takes.
+            painter.drawText(0, top + baseline, line);
+        } else {
+            painter.drawText(QRect(0, top, width(), lineHeight),
+                             horizontal | Qt::AlignVCenter | Qt::TextSingleLine, line);
+        }
         top += lineHeight;
     }
 }

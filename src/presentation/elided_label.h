@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QStringList>
 #include <QWidget>
 
@@ -25,6 +27,9 @@ public:
     const QString& text() const { return text_; }
     void setFontRole(FontRole font);
     void setColor(const ThemeColor& color);
+    /// The colour that lies below the label, which the label then paints itself: a new text
+    /// repaints nothing of what lies below. Without one, what lies below shows through.
+    void setGround(const ThemeColor& ground);
     void setAlignment(Qt::Alignment alignment);
     void setElideMode(Qt::TextElideMode mode);
     /// Wraps at `maximum` lines and keeps room for `minimum` of them even when they are not needed.
@@ -34,7 +39,7 @@ public:
     void setReservedText(const QString& pattern);
 
     /// What is painted at the present size.
-    QStringList shownLines() const;
+    const QStringList& shownLines() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -53,6 +58,10 @@ protected:
 private:
     const QFont& textFont() const { return CrestFonts::current().*font_; }
     int naturalWidth() const;
+    int reservedWidth() const;
+    bool fitsInOneLine() const;
+    /// Lays the new text out as `before`, from which it differs in digits of one width alone.
+    void keepBreaks(const QString& before);
     void forgetMeasures();
     void changeLayout();
     void updateSizePolicy();
@@ -61,6 +70,7 @@ private:
     QString reserved_;
     FontRole font_ = &CrestFonts::body;
     ThemeColor color_ = &CrestTheme::text;
+    std::optional<ThemeColor> ground_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     Qt::TextElideMode elideMode_ = Qt::ElideRight;
     int minimumLines_ = 1;

@@ -18,6 +18,8 @@ FigureRow::FigureRow(const QStringList& names, QWidget* parent) : QWidget(parent
         auto* caption =
             new ElidedLabel(name, &CrestFonts::caption, &CrestTheme::secondaryText, this);
         auto* figure = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+        caption->setGround(&CrestTheme::cardBackground);
+        figure->setGround(&CrestTheme::cardBackground);
         column->addWidget(caption);
         column->addWidget(figure);
         figures_.push_back(figure);

@@ -8,7 +8,7 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// A few figures side by side, each below its name. The columns keep their place whatever the
+/// A few figures side by side on a card, each below its name. The columns keep their place whatever the
 /// figures are. Main thread.
 class FigureRow final : public QWidget {
     Q_OBJECT

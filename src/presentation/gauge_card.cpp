@@ -1,6 +1,7 @@
 #include "presentation/gauge_card.h"
 
 #include <cmath>
+#include <utility>
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -18,6 +19,15 @@ constexpr int ringStart = 225;
 constexpr int ringSpan = 270;
 // The ring beside the longest single word of a title.
 constexpr int narrowestCard = 224;
+
+/// `length` degrees of the ring from its start, clockwise.
+void drawRing(QPainter& painter, const QColor& color, double length) {
+    const double inset = ringStroke / 2 + 0.5;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, ringStroke, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(QRectF(0, 0, ringSize, ringSize).adjusted(inset, inset, -inset, -inset),
+                    ringStart * 16, -static_cast<int>(length * 16));
+}
 
 long wholePercent(double value) {
     return std::lround(value);
@@ -41,13 +51,22 @@ QString gaugeStateWord(double value) {
 }
 
 GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
+    // It paints its own ground, so that a new figure repaints nothing of what lies below.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setFixedSize(ringSize, ringSize);
 }
 
 void GaugeRing::setValue(double value) {
     const double before = value_;
     value_ = safeGraphValue(value);
-    if (wholePercent(before) != wholePercent(value_)) {
+    if (!std::exchange(hasValue_, true) || wholePercent(before) != wholePercent(value_)) {
+        update();
+    }
+}
+
+void GaugeRing::clearValue() {
+    value_ = 0;
+    if (std::exchange(hasValue_, false)) {
         update();
     }
 }
@@ -62,23 +81,31 @@ void GaugeRing::setTint(const ThemeColor& tint) {
 void GaugeRing::paintEvent(QPaintEvent*) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const double inset = ringStroke / 2 + 0.5;
-    const QRectF arc = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
-    QPen pen(theme.track, ringStroke, Qt::SolidLine, Qt::RoundCap);
-    painter.setPen(pen);
-    painter.drawArc(arc, ringStart * 16, -ringSpan * 16);
+    painter.drawPixmap(0, 0, emptyRing(theme));
     // The arc goes with the figure in its middle, in whole percent: it moves when that does.
     const long percent = wholePercent(value_);
     if (percent > 0) {
-        pen.setColor(tint_.in(theme));
-        painter.setPen(pen);
-        painter.drawArc(arc, ringStart * 16,
-                        -static_cast<int>(ringSpan * 16 * percent / 100));
+        drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
     }
     painter.setFont(CrestFonts::current().title);
     painter.setPen(theme.text);
-    painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("%1%").arg(percent));
+    painter.drawText(rect(), Qt::AlignCenter,
+                     hasValue_ ? QStringLiteral("%1%").arg(percent) : QStringLiteral("–"));
+}
+
+const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
+    const double ratio = devicePixelRatioF();
+    if (emptyRing_.devicePixelRatio() != ratio || emptyRingTrack_ != theme.track ||
+        emptyRingGround_ != theme.cardBackground) {
+        emptyRingTrack_ = theme.track;
+        emptyRingGround_ = theme.cardBackground;
+        emptyRing_ = QPixmap((QSizeF(size()) * ratio).toSize());
+        emptyRing_.setDevicePixelRatio(ratio);
+        emptyRing_.fill(theme.cardBackground);
+        QPainter painter(&emptyRing_);
+        drawRing(painter, theme.track, ringSpan);
+    }
+    return emptyRing_;
 }
 
 GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* parent) : Card(parent) {
@@ -88,9 +115,14 @@ GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* pare
     ring_->setTint(tint);
     title_ = new ElidedLabel(title, &CrestFonts::heading, &CrestTheme::text);
     title_->setLines(1, 2);
+    title_->setGround(&CrestTheme::cardBackground);
     state_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::good);
     detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
     detail_->setLines(2, 4);
+    // The widest word, so that a change of state moves nothing.
+    state_->setReservedText(gaugeStateWord(70));
+    state_->setGround(&CrestTheme::cardBackground);
+    detail_->setGround(&CrestTheme::cardBackground);
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(spacing::unit / 2);
@@ -113,6 +145,11 @@ void GaugeCard::setValue(double value) {
     showState();
 }
 
+void GaugeCard::clearValue() {
+    ring_->clearValue();
+    showState();
+}
+
 void GaugeCard::setTitle(const QString& title) {
     title_->setText(title);
     setAccessibleName(title);
@@ -128,16 +165,18 @@ void GaugeCard::setTint(const ThemeColor& tint) {
 }
 
 QString GaugeCard::accessibleValue() const {
-    QString text =
-        QStringLiteral("%1%, %2").arg(wholePercent(value())).arg(gaugeStateWord(value()));
-    if (!detail_->text().isEmpty()) {
-        text += QStringLiteral(", ") + detail_->text();
+    QStringList parts;
+    if (ring_->hasValue()) {
+        parts << QStringLiteral("%1%").arg(wholePercent(value())) << gaugeStateWord(value());
     }
-    return text;
+    if (!detail_->text().isEmpty()) {
+        parts << detail_->text();
+    }
+    return parts.join(QStringLiteral(", "));
 }
 
 void GaugeCard::showState() {
-    state_->setText(gaugeStateWord(value()));
+    state_->setText(ring_->hasValue() ? gaugeStateWord(value()) : QString());
     state_->setColor(stateColor(value()));
     setAccessibleDescription(accessibleValue());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QColor>
+#include <QPixmap>
 #include <QString>
 
 #include "presentation/accessible_figure.h"
@@ -12,7 +14,8 @@ namespace tallowcrest {
 /// what is not finite counts as 0.
 QString gaugeStateWord(double value);
 
-/// A ring that is filled to a percentage, with the figure in its middle. Main thread.
+/// A ring that is filled to a percentage, with the figure in its middle, on the ground of a card.
+/// Main thread.
 class GaugeRing : public QWidget {
     Q_OBJECT
 
@@ -23,14 +26,24 @@ public:
     /// change.
     void setValue(double value);
     double value() const { return value_; }
+    /// Without a value the ring is empty and a dash stands for the figure. So it is at first.
+    void clearValue();
+    bool hasValue() const { return hasValue_; }
     void setTint(const ThemeColor& tint);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const QPixmap& emptyRing(const CrestTheme& theme);
+
     double value_ = 0;
+    bool hasValue_ = false;
     ThemeColor tint_ = &CrestTheme::accent;
+    // The ground and the ring at 0 percent, drawn anew only for other colours: a wide arc is dear.
+    QPixmap emptyRing_;
+    QColor emptyRingTrack_;
+    QColor emptyRingGround_;
 };
 
 /// A percentage at a glance: ring and figure, title, state word and detail. Takes plain values.
@@ -45,6 +58,8 @@ public:
     /// `value` is a percentage and is clamped to 0 to 100; what is not finite counts as 0.
     void setValue(double value);
     double value() const { return ring_->value(); }
+    /// Says that there is nothing to say yet: no figure, no state. So it is at first.
+    void clearValue();
     void setTitle(const QString& title);
     void setDetail(const QString& detail);
     /// Independent of the state word, which has its own colour.
@@ -53,7 +68,9 @@ public:
     QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
     /// For example "42%, Normal, 42.3% normalized across cores".
     QString accessibleValue() const override;
-    std::optional<double> accessiblePercent() const override { return value(); }
+    std::optional<double> accessiblePercent() const override {
+        return ring_->hasValue() ? std::optional(value()) : std::nullopt;
+    }
 
 private:
     void showState();

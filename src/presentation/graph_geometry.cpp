@@ -35,6 +35,43 @@ std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double he
     return area;
 }
 
+std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness) {
+    if (line.size() < 2) {
+        return {};
+    }
+    const auto count = static_cast<std::size_t>(std::ceil(line.back().x));
+    const double reach = thickness / 2;
+    std::vector<GraphColumn> columns;
+    columns.reserve(count);
+    std::size_t segment = 0;
+    double y = line.front().y;
+    for (std::size_t column = 0; column < count; ++column) {
+        const double right = std::min(static_cast<double>(column + 1), line.back().x);
+        double highest = y;
+        double lowest = y;
+        double top = std::min(line[segment].y, line[segment + 1].y);
+        double bottom = std::max(line[segment].y, line[segment + 1].y);
+        while (segment + 2 < line.size() && line[segment + 1].x < right) {
+            ++segment;
+            highest = std::min(highest, line[segment].y);
+            lowest = std::max(lowest, line[segment].y);
+            top = std::min(top, line[segment + 1].y);
+            bottom = std::max(bottom, line[segment + 1].y);
+        }
+        const GraphPoint& from = line[segment];
+        const GraphPoint& to = line[segment + 1];
+        y = to.x > from.x ? from.y + (to.y - from.y) * (right - from.x) / (to.x - from.x) : to.y;
+        highest = std::min(highest, y);
+        lowest = std::max(lowest, y);
+        const double rise = lowest - highest;
+        columns.push_back({static_cast<float>((highest + lowest) / 2),
+                           static_cast<float>(reach * std::sqrt(1 + rise * rise)),
+                           static_cast<float>(std::max(1.0, rise)), static_cast<float>(top - reach),
+                           static_cast<float>(bottom + reach)});
+    }
+    return columns;
+}
+
 std::vector<double> graphGrid(double height) {
     return {0, height * 0.25, height * 0.5, height * 0.75, height};
 }

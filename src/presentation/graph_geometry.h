@@ -30,6 +30,26 @@ std::vector<GraphPoint> graphLine(const std::vector<double>& values, double widt
 /// points, which enclose nothing.
 std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double height);
 
+/// What a line covers of one column of pixels. A pixel whose middle lies at the height y is covered
+/// by the smallest of three shares: (`half` - |y - `middle`|) / `softness` + 0.5, and the distances
+/// to `top` and to `bottom`, inwards, + 0.5. Below 0 is nothing, above 1 is all of it.
+struct GraphColumn {
+    float middle = 0;
+    /// Half of what a vertical cut through the line measures.
+    float half = 0;
+    /// The height over which an edge of the line crosses the column, at least one pixel.
+    float softness = 1;
+    /// A line ends here however steep it is, or a peak would stand too high.
+    float top = 0;
+    float bottom = 0;
+
+    bool operator==(const GraphColumn&) const = default;
+};
+
+/// The columns of pixels of a line `thickness` wide through `line`, whose points are in pixels and
+/// ordered by x; the first column begins at x = 0. Empty for fewer than two points.
+std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness);
+
 /// The five heights of the grid, from the top down.
 std::vector<double> graphGrid(double height);
 

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPixmapCache>
@@ -91,6 +92,10 @@ private:
     }
 
     QColor colorFor(QIcon::Mode mode) const {
+        // A highlighted menu entry draws its words in this colour too.
+        if (mode == QIcon::Selected || mode == QIcon::Active) {
+            return QGuiApplication::palette().color(QPalette::HighlightedText);
+        }
         const CrestTheme& theme = CrestTheme::current();
         QColor color = color_.in(theme);
         if (mode == QIcon::Disabled) {

@@ -40,6 +40,9 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     latestHeading_ = new ElidedLabel(QStringLiteral("Latest"), &CrestFonts::caption,
                                      &CrestTheme::secondaryText, this);
     latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
+    // A long name gives way before its figure does, and a long title before its severity.
+    topGroup_->setElideMode(Qt::ElideMiddle);
+    latest_->setLines(1, 3);
     load_->setObjectName(QStringLiteral("menubar.load"));
     topGroup_->setObjectName(QStringLiteral("menubar.top-group"));
     latest_->setObjectName(QStringLiteral("menubar.latest"));

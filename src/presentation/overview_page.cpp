@@ -25,7 +25,8 @@ namespace {
 
 using dashboard_text::text;
 
-constexpr int topAppRows = 6;
+/// One bar for each group that a sample can hold.
+constexpr int topAppRows = maximumAppImpacts;
 
 /// The colour that goes with a gauge's state word.
 ThemeColor stateTint(double percent) {
@@ -75,6 +76,7 @@ QWidget* OverviewPage::makeTimeline() {
     card->setHeader(QStringLiteral("waveform.path.ecg"),
                     QStringLiteral("Live Performance Timeline"));
     timeline_ = card;
+    card->reserveCaption(dashboard_text::timelineCaption(longestSessionSeconds));
     graph_ = new StableLineGraph(card);
     graph_->setMinimumHeight(18 * spacing::unit);
     card->contentLayout()->addWidget(graph_, 1);
@@ -82,11 +84,12 @@ QWidget* OverviewPage::makeTimeline() {
                               QStringLiteral("CPU peak"), QStringLiteral("Memory peak")},
                              card);
     averages_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, card);
+    averages_->setGround(&CrestTheme::cardBackground);
     averages_->setAlignment(Qt::AlignRight | Qt::AlignBottom);
     auto* below = new QHBoxLayout;
     below->setSpacing(spacing::gap);
     below->addWidget(figures_, 4);
-    below->addWidget(averages_, 2);
+    below->addWidget(averages_, 2, Qt::AlignBottom);
     card->contentLayout()->addLayout(below);
     return card;
 }
@@ -114,6 +117,9 @@ void OverviewPage::showGauges() {
     const auto& snapshot = monitor_.sample().snapshot();
     if (!snapshot) {
         const QString waiting = QStringLiteral("Sampling this Mac...");
+        cpuGauge_->clearValue();
+        memoryGauge_->clearValue();
+        reclaimable_->setValue(dashboard_text::noFigure());
         cpuGauge_->setDetail(waiting);
         memoryGauge_->setDetail(waiting);
         reclaimable_->setDetail(waiting);
@@ -139,9 +145,16 @@ void OverviewPage::showTimeline() {
     const Date now = history.empty() ? Date{} : history.back().date;
     graph_->setEventFractions(eventFractions(monitor_.log().activityLog(), history, now));
     graph_->setWarningThreshold(threshold);
-    figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
-                          percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
-    averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
+    if (monitor_.sample().snapshot()) {
+        figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
+                              percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
+        averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
+    } else {
+        // A history that an earlier run left says nothing of now.
+        const QString none = dashboard_text::noFigure();
+        figures_->setFigures({none, none, none, none});
+        averages_->setText(QString());
+    }
     graph_->setSeries(
         {{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
          {QStringLiteral("Memory"), &CrestTheme::secondSeries, std::move(summary.memory), false}});

@@ -25,7 +25,6 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     title_->setObjectName(QStringLiteral("page.title"));
     subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
     subtitle_->setObjectName(QStringLiteral("page.subtitle"));
-    subtitle_->setLines(1, 2);
     words->addWidget(title_);
     words->addWidget(subtitle_);
     layout->addLayout(words, 1);
@@ -38,6 +37,14 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
                    QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
     connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
     layout->addWidget(refresh_);
+}
+
+void PageHeader::resizeEvent(QResizeEvent* event) {
+    // Where some route's subtitle needs a second line, every route keeps the room for it, so that
+    // going from route to route moves nothing.
+    constexpr int oneLineWidth = 760;
+    subtitle_->setLines(width() < oneLineWidth ? 2 : 1, 2);
+    QWidget::resizeEvent(event);
 }
 
 void PageHeader::setRoute(AppRoute route) {

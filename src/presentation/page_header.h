@@ -22,6 +22,9 @@ public:
 
     void setRoute(AppRoute route);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void addRouteActions(AppRoute route);
     void orderActions();

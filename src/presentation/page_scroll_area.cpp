@@ -1,8 +1,19 @@
 #include "presentation/page_scroll_area.h"
 
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
 
 namespace tallowcrest {
+namespace {
+
+void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction action) {
+    // In effect as long as the page shows, wherever in the window the keyboard is.
+    QObject::connect(new QShortcut(key, &area), &QShortcut::activated, &area,
+                     [&area, action] { area.verticalScrollBar()->triggerAction(action); });
+}
+
+}  // namespace
 
 QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
     auto* area = new QScrollArea(parent);
@@ -15,6 +26,12 @@ QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
     // The page's own background shows through.
     area->viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
+    // An area of text and figures is nothing to step into; its keys work without that.
+    area->setFocusPolicy(Qt::NoFocus);
+    scrollOn(*area, Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd);
+    scrollOn(*area, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
+    scrollOn(*area, Qt::Key_Home, QAbstractSlider::SliderToMinimum);
+    scrollOn(*area, Qt::Key_End, QAbstractSlider::SliderToMaximum);
     return area;
 }
 

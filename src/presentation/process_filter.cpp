@@ -16,19 +16,13 @@ bool matches(const ProcessSample& row, const QString& needle) {
 
 }  // namespace
 
-std::vector<ProcessSample> filteredProcesses(const std::vector<ProcessSample>& rows,
+std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
                                              const QString& filter) {
     const QString needle = filter.trimmed().toLower();
-    if (needle.isEmpty()) {
-        return rows;
+    if (!needle.isEmpty()) {
+        std::erase_if(rows, [&needle](const ProcessSample& row) { return !matches(row, needle); });
     }
-    std::vector<ProcessSample> kept;
-    for (const ProcessSample& row : rows) {
-        if (matches(row, needle)) {
-            kept.push_back(row);
-        }
-    }
-    return kept;
+    return rows;
 }
 
 }  // namespace tallowcrest

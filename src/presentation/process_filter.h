@@ -10,7 +10,7 @@ namespace tallowcrest {
 /// The rows that the owner's filter text keeps, in their order. A row stays when its name or its
 /// command holds the text, whatever the case, or when its pid does. A text of white space keeps
 /// all. Any thread.
-std::vector<ProcessSample> filteredProcesses(const std::vector<ProcessSample>& rows,
+std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
                                              const QString& filter);
 
 }  // namespace tallowcrest

@@ -1,5 +1,6 @@
 #include "presentation/process_row_delegate.h"
 
+#include <QAbstractItemView>
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
@@ -82,6 +83,26 @@ void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word
     painter.drawText(button, Qt::AlignCenter, word);
 }
 
+/// The keyboard's place is a row: each of its cells draws its part of one ring.
+void paintRowRing(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
+                  const CrestTheme& theme) {
+    const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
+    if (view == nullptr || !view->hasFocus() || view->currentIndex().row() != index.row()) {
+        return;
+    }
+    constexpr int ring = 2;
+    const QRect& cell = option.rect;
+    painter.fillRect(cell.left(), cell.top(), cell.width(), ring, theme.accentText);
+    painter.fillRect(cell.left(), cell.bottom() - ring + 1, cell.width(), ring, theme.accentText);
+    if (index.column() == 0) {
+        painter.fillRect(cell.left(), cell.top(), ring, cell.height(), theme.accentText);
+    }
+    if (index.column() == ProcessTableModel::columnTotal - 1) {
+        painter.fillRect(cell.right() - ring + 1, cell.top(), ring, cell.height(),
+                         theme.accentText);
+    }
+}
+
 }  // namespace
 
 QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
@@ -130,12 +151,7 @@ void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     painter->setRenderHint(QPainter::Antialiasing, false);
     painter->setPen(theme.hairline);
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
-    if (option.state.testFlag(QStyle::State_HasFocus)) {
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(QPen(theme.accent, 2));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRoundedRect(QRectF(option.rect).adjusted(2, 2, -2, -3), 6, 6);
-    }
+    paintRowRing(*painter, option, index, theme);
     painter->restore();
 }
 

@@ -20,6 +20,8 @@ ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Its room is always kept, so that a filter that leaves few rows moves no column.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTabKeyNavigation(false);
     setShowGrid(false);
@@ -100,6 +102,33 @@ void ProcessTableView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QTableView::keyPressEvent(event);
+}
+
+QModelIndex ProcessTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    // A row is one thing: the keys go from row to row and to the ends of the list.
+    const int rows = model() != nullptr ? model()->rowCount() : 0;
+    switch (action) {
+        case MoveHome:
+            return rows > 0 ? model()->index(0, 0) : QModelIndex();
+        case MoveEnd:
+            return rows > 0 ? model()->index(rows - 1, 0) : QModelIndex();
+        case MoveLeft:
+        case MoveRight:
+            return currentIndex();
+        default:
+            return QTableView::moveCursor(action, modifiers).siblingAtColumn(0);
+    }
+}
+
+void ProcessTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    // The view repaints a cell; the ring goes around the row.
+    for (const QModelIndex& index : {current, previous}) {
+        if (index.isValid()) {
+            viewport()->update(0, rowViewportPosition(index.row()), viewport()->width(),
+                               rowHeight(index.row()));
+        }
+    }
 }
 
 void ProcessTableView::paintEvent(QPaintEvent* event) {

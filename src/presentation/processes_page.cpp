@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
@@ -83,6 +84,17 @@ QWidget* ProcessesPage::makeToolRow() {
             action->setText(QStringLiteral("Clear filter"));
         }
     }
+    const auto onKey = [this](Qt::Key key, auto handler) {
+        connect(new QShortcut(key, filter_, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, handler);
+    };
+    onKey(Qt::Key_Escape, [this] { filter_->clear(); });
+    onKey(Qt::Key_Down, [this] {
+        table_->setFocus(Qt::TabFocusReason);
+        if (!table_->currentIndex().isValid()) {
+            table_->setCurrentIndex(model_->index(0, 0));
+        }
+    });
     connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
         monitor_.navigation().setProcessFilter(typed.toStdString());
     });
@@ -102,15 +114,19 @@ void ProcessesPage::refresh() {
     }
     const Date sampledAt = snapshot ? snapshot->sampledAt : Date{};
     if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
-        // The snapshot's own ranking stops at its cap; a person who looks for a process looks for
-        // any process.
-        model_->setRows(
-            filteredProcesses(rankProcesses(monitor_.sample().latestProcesses()), text(filter)));
+        const LatestSample& sample = monitor_.sample();
+        model_->setRows(filteredProcesses(
+            rowsInOrder(sample.latestProcesses(), sample.impactOrder()), text(filter)));
         shownSample_ = sampledAt;
         shownFilter_ = filter;
     }
     model_->setSelectedPID(monitor_.review().selectedPID());
     showStatus();
+}
+
+void ProcessesPage::focusSearch() {
+    filter_->setFocus(Qt::ShortcutFocusReason);
+    filter_->selectAll();
 }
 
 void ProcessesPage::showStatus() {
@@ -124,7 +140,7 @@ void ProcessesPage::showStatus() {
         dashboard_text::sortStatus(static_cast<int>(model_->rows().size()), snapshot->sampledAt));
     describeTable(monitor_.sample().latestProcesses().empty()
                       ? QStringLiteral("No process could be read in the last sample.")
-                      : QStringLiteral("No process matches the filter."));
+                      : QStringLiteral("No process matches the filter. Clear it to see all."));
 }
 
 void ProcessesPage::describeTable(const QString& emptyDetail) {

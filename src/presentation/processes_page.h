@@ -23,6 +23,7 @@ public:
     explicit ProcessesPage(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void refresh() override;
+    void focusSearch() override;
 
 private:
     QWidget* makeToolRow();

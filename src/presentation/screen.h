@@ -14,6 +14,9 @@ public:
 
     /// Reads the monitor's state and shows it.
     virtual void refresh() = 0;
+
+    /// Puts the keyboard into the screen's search field, where there is one.
+    virtual void focusSearch() {}
 };
 
 }  // namespace tallowcrest

@@ -86,7 +86,7 @@ void SidebarRow::paintEvent(QPaintEvent*) {
         painter.drawRoundedRect(QRectF(2, (height() - barHeight) / 2.0, 3, barHeight), 1.5, 1.5);
     }
     if (hasFocus() && hasKeyboardFocus_) {
-        painter.setPen(QPen(theme.accent, 2));
+        painter.setPen(QPen(theme.accentText, 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(outline, rowRadius, rowRadius);
     }

@@ -6,42 +6,49 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QPaintEvent>
 #include <QPainter>
+#include <QtMath>
 
-#include "presentation/graph_geometry.h"
+#include "presentation/graph_raster.h"
 #include "presentation/text_lines.h"
 
 namespace tallowcrest {
 namespace {
 
-constexpr float gridOpacity = 0.14F;
-constexpr float thresholdOpacity = 0.55F;
-constexpr float eventOpacity = 0.35F;
-constexpr float areaOpacity = 0.1F;
+constexpr double gridOpacity = 0.14;
+constexpr double thresholdOpacity = 0.55;
+constexpr double eventOpacity = 0.35;
+constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
+constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
+// How far a line at the very edge of the canvas reaches beyond it.
+constexpr int overhang = 1;
 constexpr int swatchWidth = 12;
 constexpr int widestLegendName = 160;
-
-QColor faded(QColor color, float opacity) {
-    color.setAlphaF(opacity);
-    return color;
-}
-
-QPen dashedPen(const QColor& color) {
-    QPen pen(color, ruleWidth);
-    pen.setCapStyle(Qt::FlatCap);
-    pen.setDashPattern({4, 4});
-    return pen;
-}
-
-QPointF placed(const GraphPoint& point, const QPointF& origin) {
-    return origin + QPointF(point.x, point.y);
-}
 
 /// A straight rule is sharp when it fills whole pixels; this is the place nearest to `position`.
 double crisp(double position) {
     return std::round(position - 0.5) + 0.5;
+}
+
+/// A straight dashed rule along `rule`, so far as it lies in `visible`. Rectangles, as Qt blends
+/// what a pen draws in so many pieces with the help of other threads, and waking those costs more
+/// than the drawing.
+void fillDashes(QPainter& painter, const QRectF& rule, const QRectF& visible, const QColor& color) {
+    constexpr double period = 2 * dashLength;
+    const bool isLevel = rule.width() > rule.height();
+    const double length = isLevel ? rule.width() : rule.height();
+    const double from = isLevel ? visible.left() - rule.left() : visible.top() - rule.top();
+    const double to = isLevel ? visible.right() - rule.left() : visible.bottom() - rule.top();
+    for (double start = std::max(0.0, std::floor(from / period) * period);
+         start < std::min(length, to); start += period) {
+        const double dash = std::min(dashLength, length - start);
+        painter.fillRect(isLevel ? QRectF(rule.left() + start, rule.top(), dash, rule.height())
+                                 : QRectF(rule.left(), rule.top() + start, rule.width(), dash),
+                         color);
+    }
 }
 
 }  // namespace
@@ -56,6 +63,8 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
 
 StableLineGraph::StableLineGraph(QWidget* parent) : QWidget(parent) {
     installAccessibleFigures();
+    // It paints its own ground, so that a new sample repaints nothing of what lies below.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(QStringLiteral("Performance graph"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     measureLabels();
@@ -65,10 +74,18 @@ void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
     if (series == series_) {
         return;
     }
+    const bool hasSameLegend =
+        std::equal(series.begin(), series.end(), series_.begin(), series_.end(),
+                   [](const StableGraphSeries& a, const StableGraphSeries& b) {
+                       return a.id == b.id && a.color == b.color;
+                   });
     series_ = std::move(series);
-    rebuildShapes();
     setAccessibleDescription(accessibleValue());
-    update();
+    if (hasSameLegend) {
+        update(canvasPixels());
+    } else {
+        update();
+    }
 }
 
 void StableLineGraph::setWarningThreshold(std::optional<double> threshold) {
@@ -90,7 +107,7 @@ void StableLineGraph::setEventFractions(std::vector<double> fractions) {
 void StableLineGraph::setLegendVisible(bool visible) {
     if (visible != legendVisible_) {
         legendVisible_ = visible;
-        rebuildShapes();
+        placeEvents();
         update();
     }
 }
@@ -101,6 +118,10 @@ QRectF StableLineGraph::canvasRect() const {
     const int right = scaleWidth_ + spacing::unit;
     return {1.0, static_cast<double>(top), std::max(1.0, width() - right - 1.0),
             std::max(1.0, static_cast<double>(height() - top - bottom))};
+}
+
+QRect StableLineGraph::canvasPixels() const {
+    return canvasRect().adjusted(-overhang, -overhang, overhang, overhang).toAlignedRect();
 }
 
 QSize StableLineGraph::sizeHint() const {
@@ -124,14 +145,15 @@ QString StableLineGraph::accessibleValue() const {
 void StableLineGraph::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange) {
         measureLabels();
-        rebuildShapes();
+        placeEvents();
+        update();
     }
     QWidget::changeEvent(event);
 }
 
 void StableLineGraph::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    rebuildShapes();
+    placeEvents();
 }
 
 void StableLineGraph::measureLabels() {
@@ -140,40 +162,26 @@ void StableLineGraph::measureLabels() {
     captionHeight_ = QFontMetrics(font).lineSpacing();
 }
 
-void StableLineGraph::rebuildShapes() {
-    const QRectF canvas = canvasRect();
-    const QPointF origin = canvas.topLeft();
-    shapes_.resize(series_.size());
-    for (std::size_t i = 0; i < series_.size(); ++i) {
-        const auto line = graphLine(series_[i].values, canvas.width(), canvas.height());
-        Shape& shape = shapes_[i];
-        shape.segments.clear();
-        shape.area.clear();
-        if (line.size() == 1) {
-            shape.segments.append({placed(line.front(), origin), placed(line.front(), origin)});
-        }
-        for (std::size_t point = 1; point < line.size(); ++point) {
-            shape.segments.append({placed(line[point - 1], origin), placed(line[point], origin)});
-        }
-        if (series_[i].fillsArea) {
-            for (const GraphPoint& point : graphArea(line, canvas.height())) {
-                shape.area.append(placed(point, origin));
-            }
-        }
-    }
-    eventPositions_ = graphEvents(eventFractions_, canvas.width());
+void StableLineGraph::placeEvents() {
+    eventPositions_ = graphEvents(eventFractions_, canvasRect().width());
 }
 
-void StableLineGraph::paintEvent(QPaintEvent*) {
+void StableLineGraph::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
-    painter.setFont(CrestFonts::current().caption);
-    if (legendVisible_) {
-        paintLegend(painter, theme);
+    const QRect canvas = canvasPixels();
+    // A new sample changes the canvas alone.
+    if (!canvas.contains(event->rect())) {
+        painter.fillRect(event->rect(), theme.cardBackground);
+        painter.setFont(CrestFonts::current().caption);
+        if (legendVisible_) {
+            paintLegend(painter, theme);
+        }
+        paintScale(painter, theme);
     }
-    paintScale(painter, theme);
-    paintRules(painter, theme);
-    paintSeries(painter, theme);
+    if (event->rect().intersects(canvas)) {
+        paintCanvas(painter, theme);
+    }
 }
 
 void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) const {
@@ -208,52 +216,83 @@ void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) con
     }
 }
 
-void StableLineGraph::paintRules(QPainter& painter, const CrestTheme& theme) const {
-    const QRectF canvas = canvasRect();
-    painter.setRenderHint(QPainter::Antialiasing, false);
+void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) const {
+    const QRect place = canvasPixels();
+    const double ratio = devicePixelRatioF();
+    const QRectF canvas = canvasRect().translated(-place.topLeft());
+    const QPoint origin = (canvas.topLeft() * ratio).toPoint();
+    const int bottom = qRound(canvas.bottom() * ratio);
+    std::vector<std::vector<GraphColumn>> lines;
+    lines.reserve(series_.size());
+    for (const StableGraphSeries& series : series_) {
+        lines.push_back(
+            graphColumns(graphLine(series.values, canvas.width() * ratio, canvas.height() * ratio),
+                         lineWidth * ratio));
+    }
 
-    const QColor grid = faded(theme.secondaryText, gridOpacity);
+    // A part of this width stays within the processor's cache from its ground to its line, and is
+    // no burden on the memory.
+    constexpr int partWidth = 128;
+    QImage part(partWidth, qCeil(place.height() * ratio), QImage::Format_RGB32);
+    const int width = qCeil(place.width() * ratio);
+    for (int left = 0; left < width; left += partWidth) {
+        const QPoint partOrigin = origin - QPoint(left, 0);
+        part.setDevicePixelRatio(1);
+        part.fill(theme.cardBackground);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (series_[i].fillsArea) {
+                fillBelowGraphColumns(
+                    part, lines[i], partOrigin, bottom,
+                    mixedColor(theme.cardBackground, series_[i].color.in(theme), areaOpacity)
+                        .rgb());
+            }
+        }
+        part.setDevicePixelRatio(ratio);
+        const QRectF visible(left / ratio, 0, partWidth / ratio, place.height());
+        {
+            QPainter partPainter(&part);
+            partPainter.translate(-visible.topLeft());
+            paintRules(partPainter, canvas, visible, theme);
+            paintLonePoints(partPainter, canvas, theme);
+        }
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            drawGraphColumns(part, lines[i], partOrigin, series_[i].color.in(theme).rgb());
+        }
+        const int used = std::min(partWidth, width - left);
+        painter.drawImage(place.topLeft() + visible.topLeft(), part,
+                          QRectF(0, 0, used, part.height()));
+    }
+}
+
+void StableLineGraph::paintRules(QPainter& painter, const QRectF& canvas, const QRectF& visible,
+                                 const CrestTheme& theme) const {
+    const QColor& ground = theme.cardBackground;
+    const QColor grid = mixedColor(ground, theme.secondaryText, gridOpacity);
     for (const double height : graphGrid(canvas.height())) {
         const double y = crisp(canvas.top() + height) - ruleWidth / 2;
         painter.fillRect(QRectF(canvas.left(), y, canvas.width(), ruleWidth), grid);
     }
     if (const auto threshold = graphThreshold(warningThreshold_, canvas.height())) {
-        const double y = crisp(canvas.top() + *threshold);
-        painter.setPen(dashedPen(faded(theme.caution, thresholdOpacity)));
-        painter.drawLine(QPointF(canvas.left(), y), QPointF(canvas.right(), y));
+        const double y = crisp(canvas.top() + *threshold) - ruleWidth / 2;
+        fillDashes(painter, QRectF(canvas.left(), y, canvas.width(), ruleWidth), visible,
+                   mixedColor(ground, theme.caution, thresholdOpacity));
     }
-    if (!eventPositions_.empty()) {
-        painter.setPen(dashedPen(faded(theme.secondaryText, eventOpacity)));
-        for (const double position : eventPositions_) {
-            const double x = crisp(canvas.left() + position);
-            painter.drawLine(QPointF(x, canvas.top()), QPointF(x, canvas.bottom()));
-        }
+    for (const double position : eventPositions_) {
+        const double x = crisp(canvas.left() + position) - ruleWidth / 2;
+        fillDashes(painter, QRectF(x, canvas.top(), ruleWidth, canvas.height()), visible,
+                   mixedColor(ground, theme.secondaryText, eventOpacity));
     }
 }
 
-void StableLineGraph::paintSeries(QPainter& painter, const CrestTheme& theme) const {
-    for (std::size_t i = 0; i < shapes_.size(); ++i) {
-        const Shape& shape = shapes_[i];
-        if (shape.segments.isEmpty()) {
-            continue;
-        }
-        const QColor color = series_[i].color.in(theme);
-        if (!shape.area.isEmpty()) {
-            // The line lies on the area's upper edge, so smoothing that edge would not be seen.
-            painter.setRenderHint(QPainter::Antialiasing, false);
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(faded(color, areaOpacity));
-            painter.drawPolygon(shape.area);
-        }
-        // Single segments take Qt's fast way for straight lines, at a fifth of the cost of stroking
-        // one long path. Flat ends, as overlapping ones would show as beads along the line.
-        painter.setRenderHint(QPainter::Antialiasing);
-        if (shape.segments.size() == 1 && shape.segments.first().isNull()) {
-            painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::RoundCap));
-            painter.drawPoint(shape.segments.first().p1());
-        } else {
-            painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::FlatCap));
-            painter.drawLines(shape.segments);
+void StableLineGraph::paintLonePoints(QPainter& painter, const QRectF& canvas,
+                                      const CrestTheme& theme) const {
+    for (const StableGraphSeries& series : series_) {
+        if (series.values.size() == 1) {
+            const GraphPoint point =
+                graphLine(series.values, canvas.width(), canvas.height()).front();
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(QPen(series.color.in(theme), lineWidth, Qt::SolidLine, Qt::RoundCap));
+            painter.drawPoint(canvas.topLeft() + QPointF(point.x, point.y));
         }
     }
 }

@@ -3,9 +3,6 @@
 #include <optional>
 #include <vector>
 
-#include <QLineF>
-#include <QList>
-#include <QPolygonF>
 #include <QString>
 #include <QWidget>
 
@@ -28,7 +25,7 @@ struct StableGraphSeries {
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
 
 /// Percentages over time, drawn from plain values. Nothing is animated, so a new sample moves the
-/// line and nothing else. Main thread.
+/// line and nothing else. It paints the ground of a card, all areas below all lines. Main thread.
 class StableLineGraph : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
@@ -60,25 +57,21 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Shape {
-        // Consecutive pieces of the line; a line of one point is one piece without length.
-        QList<QLineF> segments;
-        QPolygonF area;
-    };
-
-    void rebuildShapes();
+    /// The whole pixels that the canvas and the lines at its edges touch.
+    QRect canvasPixels() const;
+    void placeEvents();
     void measureLabels();
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
-    void paintRules(QPainter& painter, const CrestTheme& theme) const;
-    void paintSeries(QPainter& painter, const CrestTheme& theme) const;
+    void paintCanvas(QPainter& painter, const CrestTheme& theme) const;
+    void paintRules(QPainter& painter, const QRectF& canvas, const QRectF& visible,
+                    const CrestTheme& theme) const;
+    void paintLonePoints(QPainter& painter, const QRectF& canvas, const CrestTheme& theme) const;
 
     std::vector<StableGraphSeries> series_;
     std::optional<double> warningThreshold_;
     std::vector<double> eventFractions_;
     bool legendVisible_ = true;
-    // Worked out when the data or the size changes, so that painting only draws.
-    std::vector<Shape> shapes_;
     std::vector<double> eventPositions_;
     int scaleWidth_ = 0;
     int captionHeight_ = 0;

@@ -44,12 +44,17 @@ void StatusItem::refresh() {
     if (needle != shownNeedle_ || color != shownColor_) {
         shownNeedle_ = needle;
         shownColor_ = color;
-        icon_.setIcon(QIcon(gaugeIcon(needle, color, iconSize)));
+        QIcon icon;
+        for (const qreal pixelRatio : {1.0, 2.0}) {
+            icon.addPixmap(gaugeIcon(needle, color, iconSize, pixelRatio));
+        }
+        icon_.setIcon(icon);
     }
 }
 
 void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
-    if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) {
+    // A double click comes as this and then as itself; answering both would close what it opened.
+    if (reason != QSystemTrayIcon::Trigger) {
         return;
     }
     if (panel_ == nullptr) {

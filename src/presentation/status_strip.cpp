@@ -19,12 +19,16 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     session_ =
         new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
     session_->setObjectName(QStringLiteral("status.session"));
-    session_->setReservedText(dashboard_text::sessionNote(720));
+    session_->setGround(&CrestTheme::pageBackground);
+    session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
     threshold_ = new Capsule(this);
     threshold_->setObjectName(QStringLiteral("status.threshold"));
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
     lastAction_->setObjectName(QStringLiteral("status.last-action"));
+    lastAction_->setGround(&CrestTheme::pageBackground);
     lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // Room for the longest message in a narrow window: its end may be what matters.
+    lastAction_->setLines(2, 2);
     layout->addWidget(session_);
     layout->addWidget(threshold_);
     layout->addWidget(lastAction_, 1);

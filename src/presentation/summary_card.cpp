@@ -11,6 +11,9 @@ SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
     title_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
     value_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text);
     detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+    for (ElidedLabel* label : {title_, value_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
     contentLayout()->setSpacing(spacing::unit / 2);
     contentLayout()->addWidget(title_);
     contentLayout()->addWidget(value_);

@@ -12,6 +12,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr double textContrast = 4.5;
+constexpr int bodyPixels = 13;
 // Below this, two large areas side by side read as one.
 constexpr double areaContrast = 1.06;
 
@@ -22,15 +23,6 @@ double linear(double channel) {
 double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
            0.0722 * linear(color.blueF());
-}
-
-/// In the eight bits that a screen shows, so that what was measured is what is seen.
-QColor mixed(const QColor& from, const QColor& to, double share) {
-    const auto channel = [share](int a, int b) {
-        return static_cast<int>(std::lround(a + (b - a) * share));
-    };
-    return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
-                  channel(from.blue(), to.blue()));
 }
 
 bool readableOnAll(const QColor& color, std::initializer_list<QColor> backgrounds, double minimum) {
@@ -45,7 +37,7 @@ QColor cardColor(const QPalette& palette, const QColor& page, bool dark) {
         return control;
     }
     // Some palettes use one colour for both: lift the card off the page instead.
-    return dark ? mixed(page, Qt::white, 0.06) : mixed(page, Qt::black, 0.05);
+    return dark ? mixedColor(page, Qt::white, 0.06) : mixedColor(page, Qt::black, 0.05);
 }
 
 /// What a digit's width depends on. Not the font itself, which must not outlive the application.
@@ -57,30 +49,52 @@ struct FontKey {
     bool operator==(const FontKey&) const = default;
 };
 
-/// Remembered for the few fonts there are: figures are measured on every sample.
-QChar widestDigit(const QFont& font, const QFontMetrics& metrics) {
-    constexpr std::size_t mostFonts = 8;
-    static std::vector<std::pair<FontKey, QChar>> known;
-    const FontKey key{font.family(), font.pixelSize(), font.weight()};
-    for (const auto& [knownKey, digit] : known) {
-        if (knownKey == key) {
-            return digit;
+struct DigitWidths {
+    QChar widest = u'0';
+    bool areEqual = true;
+};
+
+DigitWidths measuredDigits(const QFont& font) {
+    const QFontMetrics metrics(font);
+    const int first = metrics.horizontalAdvance(u'0');
+    int width = first;
+    DigitWidths digits;
+    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
+        const int advance = metrics.horizontalAdvance(QChar(digit));
+        digits.areEqual = digits.areEqual && advance == first;
+        if (advance > width) {
+            width = advance;
+            digits.widest = QChar(digit);
         }
     }
-    QChar widest = u'0';
-    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
-        if (metrics.horizontalAdvance(QChar(digit)) > metrics.horizontalAdvance(widest)) {
-            widest = QChar(digit);
+    return digits;
+}
+
+/// Remembered for the few fonts there are: figures are measured on every sample.
+DigitWidths digitWidths(const QFont& font) {
+    constexpr std::size_t mostFonts = 8;
+    static std::vector<std::pair<FontKey, DigitWidths>> known;
+    const FontKey key{font.family(), font.pixelSize(), font.weight()};
+    for (const auto& [knownKey, digits] : known) {
+        if (knownKey == key) {
+            return digits;
         }
     }
     if (known.size() == mostFonts) {
         known.clear();
     }
-    known.emplace_back(key, widest);
-    return widest;
+    return known.emplace_back(key, measuredDigits(font)).second;
 }
 
 }  // namespace
+
+QColor mixedColor(const QColor& from, const QColor& to, double share) {
+    const auto channel = [share](int a, int b) {
+        return static_cast<int>(std::lround(a + (b - a) * share));
+    };
+    return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
+                  channel(from.blue(), to.blue()));
+}
 
 double contrastRatio(const QColor& a, const QColor& b) {
     const double first = luminance(a);
@@ -94,7 +108,7 @@ QColor readableColor(const QColor& color, std::initializer_list<QColor> backgrou
     for (int step = 0; step <= steps; ++step) {
         const double share = static_cast<double>(step) / steps;
         for (const QColor& end : {QColor(Qt::black), QColor(Qt::white)}) {
-            const QColor candidate = mixed(color, end, share);
+            const QColor candidate = mixedColor(color, end, share);
             if (readableOnAll(candidate, backgrounds, minimum)) {
                 return candidate;
             }
@@ -124,9 +138,9 @@ CrestTheme CrestTheme::of(const QPalette& palette) {
     theme.cardBackground = card;
     theme.textFieldBackground = palette.color(QPalette::Active, QPalette::Base);
     theme.text = readable(palette.color(QPalette::Active, QPalette::WindowText));
-    theme.secondaryText = readable(mixed(theme.text, card, 0.38));
-    theme.hairline = mixed(card, theme.text, dark ? 0.16 : 0.13);
-    theme.track = mixed(card, theme.text, dark ? 0.14 : 0.09);
+    theme.secondaryText = readable(mixedColor(theme.text, card, 0.38));
+    theme.hairline = mixedColor(card, theme.text, dark ? 0.16 : 0.13);
+    theme.track = mixedColor(card, theme.text, dark ? 0.14 : 0.09);
     theme.accent = QColor::fromRgbF(1.0F, 0.69F, 0.22F);
     theme.accentText = readable(theme.accent);
     theme.secondSeries = dark ? QColor(0x6f, 0xa8, 0xdc) : QColor(0x3d, 0x78, 0xb5);
@@ -153,13 +167,13 @@ QPalette paletteFor(Appearance appearance) {
     const QColor base = dark ? QColor(0x1d, 0x1e, 0x20) : QColor(0xff, 0xff, 0xff);
     const QColor button = dark ? QColor(0x3a, 0x3b, 0x3f) : QColor(0xf7, 0xf7, 0xf8);
     const QColor text = dark ? QColor(0xee, 0xee, 0xf0) : QColor(0x1d, 0x1d, 0x20);
-    QPalette palette(text, button, mixed(button, Qt::white, dark ? 0.2 : 0.8),
-                     mixed(button, Qt::black, 0.4), mixed(button, Qt::black, 0.2), text, Qt::white,
-                     base, window);
-    palette.setColor(QPalette::AlternateBase, mixed(base, text, 0.04));
+    QPalette palette(text, button, mixedColor(button, Qt::white, dark ? 0.2 : 0.8),
+                     mixedColor(button, Qt::black, 0.4), mixedColor(button, Qt::black, 0.2), text,
+                     Qt::white, base, window);
+    palette.setColor(QPalette::AlternateBase, mixedColor(base, text, 0.04));
     palette.setColor(QPalette::ToolTipBase, button);
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, mixed(text, base, 0.4));
+    palette.setColor(QPalette::PlaceholderText, mixedColor(text, base, 0.4));
     // Amber carries black text in both appearances.
     palette.setColor(QPalette::Highlight, QColor::fromRgbF(1.0F, 0.69F, 0.22F));
     palette.setColor(QPalette::HighlightedText, QColor(0x1d, 0x1d, 0x20));
@@ -168,9 +182,15 @@ QPalette paletteFor(Appearance appearance) {
     palette.setColor(QPalette::LinkVisited, link);
     for (const QPalette::ColorRole role :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, mixed(text, window, 0.55));
+        palette.setColor(QPalette::Disabled, role, mixedColor(text, window, 0.55));
     }
     return palette;
+}
+
+QFont CrestFonts::applicationFont() {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(bodyPixels);
+    return font;
 }
 
 const CrestFonts& CrestFonts::current() {
@@ -185,8 +205,10 @@ const CrestFonts& CrestFonts::current() {
             font.setWeight(weight);
             return font;
         };
-        fonts = {sized(22, QFont::DemiBold), sized(13, QFont::Normal), sized(13, QFont::DemiBold),
-                 sized(11, QFont::Normal)};
+        constexpr int titlePixels = 22;
+        constexpr int captionPixels = 11;
+        fonts = {sized(titlePixels, QFont::DemiBold), sized(bodyPixels, QFont::Normal),
+                 sized(bodyPixels, QFont::DemiBold), sized(captionPixels, QFont::Normal)};
         builtFor = system;
         built = true;
     }
@@ -194,15 +216,18 @@ const CrestFonts& CrestFonts::current() {
 }
 
 int figuresWidth(const QFont& font, const QString& pattern) {
-    const QFontMetrics metrics(font);
-    const QChar widest = widestDigit(font, metrics);
+    const QChar widest = digitWidths(font).widest;
     QString text = pattern;
     for (QChar& character : text) {
         if (character.isDigit()) {
             character = widest;
         }
     }
-    return metrics.horizontalAdvance(text);
+    return QFontMetrics(font).horizontalAdvance(text);
+}
+
+bool hasTabularDigits(const QFont& font) {
+    return digitWidths(font).areEqual;
 }
 
 }  // namespace tallowcrest

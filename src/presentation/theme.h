@@ -70,6 +70,10 @@ double contrastRatio(const QColor& a, const QColor& b);
 QColor readableColor(const QColor& color, std::initializer_list<QColor> backgrounds,
                      double minimum = 4.5);
 
+/// The opaque colour that lies `share` (0 to 1) of the way from `from` to `to`, in the eight bits
+/// that a screen shows.
+QColor mixedColor(const QColor& from, const QColor& to, double share);
+
 /// A whole palette, for a desktop that tells its appearance but gives Qt no palette of its own.
 QPalette paletteFor(Appearance appearance);
 
@@ -81,6 +85,9 @@ struct CrestFonts {
     QFont heading;  // 13, semibold: card headings
     QFont caption;  // 11
 
+    /// The system's typeface at the size of the body, for every control that is not painted here.
+    static QFont applicationFont();
+
     /// The fonts for the application's font, rebuilt only when that font has changed.
     static const CrestFonts& current();
 };
@@ -89,6 +96,10 @@ struct CrestFonts {
 /// widest one. Figures laid out in this room stay put even in a typeface without tabular digits,
 /// which Qt cannot ask a font for before 6.7.
 int figuresWidth(const QFont& font, const QString& pattern);
+
+/// True when all digits of `font` are equally wide, so that a text keeps its width and its line
+/// breaks while only its digits change.
+bool hasTabularDigits(const QFont& font);
 
 /// Distances, in device independent pixels, on one 8-pixel grid.
 namespace spacing {

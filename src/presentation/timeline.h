@@ -21,6 +21,9 @@ struct TimelineSummary {
 /// All zero and empty for an empty history. Any thread.
 TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history);
 
+/// The most that `sessionSeconds` gives once sampling has begun.
+inline constexpr int longestSessionSeconds = 720;
+
 /// How many seconds of sampling the history stands for, at one point per tick.
 int sessionSeconds(const std::vector<HistoryPoint>& history);
 

@@ -208,17 +208,31 @@ std::string appGroupName(const ProcessSample& row) {
     return normalizedAppName(row.displayName());
 }
 
-std::vector<ProcessSample> rankProcesses(const std::vector<ProcessSample>& rows,
-                                         std::size_t limit) {
+std::vector<std::size_t> impactOrder(const std::vector<ProcessSample>& rows) {
     std::vector<RankedProcess> order(rows.begin(), rows.end());
     stableOrder(order, processBefore);
-    order.resize(std::min(limit, order.size()));
-    std::vector<ProcessSample> ranked;
-    ranked.reserve(order.size());
+    std::vector<std::size_t> indexes;
+    indexes.reserve(order.size());
     for (const RankedProcess& process : order) {
-        ranked.push_back(*process.row);
+        indexes.push_back(static_cast<std::size_t>(process.row - rows.data()));
     }
-    return ranked;
+    return indexes;
+}
+
+std::vector<ProcessSample> rowsInOrder(const std::vector<ProcessSample>& rows,
+                                       const std::vector<std::size_t>& order, std::size_t limit) {
+    const std::size_t count = std::min(limit, order.size());
+    std::vector<ProcessSample> result;
+    result.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        result.push_back(rows[order[i]]);
+    }
+    return result;
+}
+
+std::vector<ProcessSample> rankProcesses(const std::vector<ProcessSample>& rows,
+                                         std::size_t limit) {
+    return rowsInOrder(rows, impactOrder(rows), limit);
 }
 
 std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,

@@ -33,8 +33,10 @@ LatestSample::LatestSample(Observable& observable, std::vector<HistoryPoint> sto
       saveHistory_(std::move(saveHistory)),
       history_(std::move(storedHistory)) {}
 
-void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes) {
+void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes,
+                                      std::vector<std::size_t> impactOrder) {
     latestProcesses_ = std::move(processes);
+    impactOrder_ = std::move(impactOrder);
 }
 
 void LatestSample::setSnapshot(SystemSnapshot snapshot) {

@@ -31,12 +31,17 @@ public:
     const std::optional<SystemSnapshot>& snapshot() const { return snapshot_; }
     /// Every row of the latest process table, unranked and uncapped.
     const std::vector<ProcessSample>& latestProcesses() const { return latestProcesses_; }
+    /// The indexes of `latestProcesses` in impact order. The snapshot's own ranking stops at its cap;
+    /// a person who looks for a process looks for any process.
+    const std::vector<std::size_t>& impactOrder() const { return impactOrder_; }
     /// Oldest first.
     const std::vector<HistoryPoint>& history() const { return history_; }
     /// How many samples each application group led in this run.
     const std::map<std::string, std::int64_t>& topAppSamples() const { return topAppSamples_; }
 
-    void setLatestProcesses(std::vector<ProcessSample> processes);
+    /// `impactOrder` holds the indexes of `processes` in impact order.
+    void setLatestProcesses(std::vector<ProcessSample> processes,
+                            std::vector<std::size_t> impactOrder);
     void setSnapshot(SystemSnapshot snapshot);
     /// Appends the current snapshot's point, drops the oldest beyond `maximumHistory`, saves.
     void appendHistoryPoint();
@@ -53,6 +58,7 @@ private:
     SaveHistory saveHistory_;
     std::optional<SystemSnapshot> snapshot_;
     std::vector<ProcessSample> latestProcesses_;
+    std::vector<std::size_t> impactOrder_;
     std::vector<HistoryPoint> history_;
     std::map<std::string, std::int64_t> topAppSamples_;
     std::vector<Recommendation> recommendations_;

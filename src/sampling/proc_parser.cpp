@@ -75,6 +75,14 @@ std::uint64_t saturatingSum(std::uint64_t first, std::uint64_t second) {
     return first > largest - second ? largest : first + second;
 }
 
+/// Kernels that keep the numbers to themselves write 0.
+std::optional<std::int32_t> processID(std::optional<std::uint64_t> number) {
+    constexpr auto highest = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
+    return number && *number > 0 && *number <= highest
+               ? std::optional(static_cast<std::int32_t>(*number))
+               : std::nullopt;
+}
+
 /// Searched from the front, where the library is fast: the closing bracket stands near the
 /// beginning.
 std::size_t findLast(std::string_view text, char character) {
@@ -213,10 +221,17 @@ MemoryClasses parseMemoryInfo(std::string_view text, std::uint64_t zramBytes, do
 std::optional<std::int32_t> parseNewestProcessID(std::string_view text) {
     Fields fields(text);
     fields.skip(4);
-    const auto number = fields.number();
-    constexpr auto highest = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
-    return number && *number <= highest ? std::optional(static_cast<std::int32_t>(*number))
-                                        : std::nullopt;
+    return processID(fields.number());
+}
+
+std::optional<std::int32_t> parseSoleProcessID(std::string_view text) {
+    constexpr std::string_view label = "\nNSpid:\t";
+    const std::size_t found = text.find(label);
+    if (found == std::string_view::npos) {
+        return std::nullopt;
+    }
+    // One number for each namespace, parted by tabs: a second one ends the first wrongly.
+    return processID(Fields(text.substr(found + label.size())).number());
 }
 
 std::optional<std::uint64_t> parseZramUsedBytes(std::string_view text) {

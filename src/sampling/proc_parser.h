@@ -37,6 +37,10 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text);
 /// text does not tell.
 std::optional<std::int32_t> parseNewestProcessID(std::string_view text);
 
+/// The number of a process, from its `status` file. Absent when the process bears several, because
+/// the file system was mounted outside of its namespace, and when the text does not tell.
+std::optional<std::int32_t> parseSoleProcessID(std::string_view text);
+
 /// The counters of all cores together, from the first line of the kernel's `stat` file. Waiting for
 /// a disk counts as idle; interrupts, and time that a hypervisor gave to others, as system. Absent
 /// when that line is not there whole.

@@ -183,8 +183,12 @@ const Names& linuxNames() {
 }
 
 /// The name of the program in a title that it gave itself, such as "sshd: user@pts/0" or
-/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing.
+/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing. Some
+/// service managers put an "@" before the name of a program that they start.
 std::string_view programOfTitle(std::string_view command) {
+    if (command.starts_with('@')) {
+        command.remove_prefix(1);
+    }
     return command.substr(0, command.find_first_of(": "));
 }
 

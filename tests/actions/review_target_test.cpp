@@ -30,7 +30,7 @@ protected:
         SystemSnapshot snapshot;
         snapshot.topProcesses = std::move(top);
         snapshot.appImpacts = std::move(groups);
-        sample.setLatestProcesses(std::move(latest));
+        sample.setLatestProcesses(std::move(latest), {});
         sample.setSnapshot(std::move(snapshot));
     }
 

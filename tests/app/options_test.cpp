@@ -38,7 +38,6 @@ TEST(Options, NothingAskedFor) {
     EXPECT_FALSE(options.showVersion);
     EXPECT_FALSE(options.headless);
     EXPECT_FALSE(options.json);
-    EXPECT_FALSE(options.uiTesting);
     EXPECT_EQ(options.samples, std::nullopt);
     EXPECT_EQ(options.interval, std::nullopt);
 }
@@ -47,7 +46,7 @@ TEST(Options, Flags) {
     EXPECT_TRUE(accepted({"--help"}).showHelp);
     EXPECT_TRUE(accepted({"-h"}).showHelp);
     EXPECT_TRUE(accepted({"--version"}).showVersion);
-    EXPECT_TRUE(accepted({"--ui-testing"}).uiTesting);
+    EXPECT_FALSE(accepted({"--ui-testing"}).headless);
     EXPECT_TRUE(accepted({"--headless"}).headless);
     EXPECT_FALSE(accepted({"--headless"}).json);
     EXPECT_TRUE(accepted({"--headless", "--json"}).json);

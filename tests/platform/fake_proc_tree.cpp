@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -43,6 +44,16 @@ ProcfsClocks FakeProcTree::clocks() {
     return {[this] { return monotonic; }, [this] { return sinceBoot; }, {}};
 }
 
+ProcfsClocks FakeProcTree::clocksOfProcesses() {
+    ProcfsClocks result = clocks();
+    result.processTime = [this](std::int32_t pid) {
+        ++clockReadings[pid];
+        const auto found = processTimes.find(pid);
+        return found == processTimes.end() ? std::nullopt : std::optional(found->second);
+    };
+    return result;
+}
+
 void FakeProcTree::put(std::int64_t pid, const FakeProcess& process) {
     putStatText(pid, process.statText(pid));
 }
@@ -70,6 +81,10 @@ void FakeProcTree::putFile(const std::string& path, const std::string& text) {
 
 void FakeProcTree::remove(std::int64_t pid) {
     std::filesystem::remove_all(root_ / std::to_string(pid));
+}
+
+void FakeProcTree::putNewest(std::int64_t pid) {
+    putFile("loadavg", fmt::format("0.52 0.58 0.59 2/1284 {}\n", pid));
 }
 
 }  // namespace tallowcrest

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "platform/linux/procfs_process_table.h"
@@ -35,7 +36,10 @@ public:
 
     const std::filesystem::path& root() const { return root_; }
     ProcfsMachine machine() const;
+    /// Without clocks of the processes.
     ProcfsClocks clocks();
+    /// With those of the processes in `processTimes`.
+    ProcfsClocks clocksOfProcesses();
 
     /// Writes the process's `stat` file in place, as a kernel would: who has it open sees the news.
     void put(std::int64_t pid, const FakeProcess& process);
@@ -44,6 +48,8 @@ public:
     void putCommandLine(std::int64_t pid, const std::string& arguments);
     void putFile(const std::string& path, const std::string& text);
     void remove(std::int64_t pid);
+    /// The number that was given out last.
+    void putNewest(std::int64_t pid);
 
     void advance(std::chrono::nanoseconds duration) {
         monotonic += duration;
@@ -52,6 +58,9 @@ public:
 
     std::chrono::nanoseconds monotonic = std::chrono::seconds(500);
     std::chrono::nanoseconds sinceBoot = std::chrono::seconds(1000);
+    std::map<std::int64_t, std::chrono::nanoseconds> processTimes;
+    /// How often each process's clock was asked for.
+    std::map<std::int64_t, int> clockReadings;
 
 private:
     std::filesystem::path root_;

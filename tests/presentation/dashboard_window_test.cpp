@@ -1,6 +1,8 @@
 #include "presentation/dashboard_window.h"
 
 #include <QMenuBar>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QPushButton>
 #include <QSignalSpy>
 
@@ -229,7 +231,7 @@ TEST_F(DashboardWindowTest, GoMenuChoosesARoute) {
     }
     ASSERT_NE(go, nullptr);
     const QList<QAction*> entries = go->actions();
-    ASSERT_EQ(entries.size(), static_cast<qsizetype>(allAppRoutes.size()));
+    ASSERT_GT(entries.size(), static_cast<qsizetype>(allAppRoutes.size()));
     for (std::size_t i = allAppRoutes.size(); i-- > 0;) {
         QAction* entry = entries.at(static_cast<qsizetype>(i));
         EXPECT_EQ(entry->text(), qString(title(allAppRoutes.at(i))));
@@ -366,6 +368,73 @@ TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
     // A changed line of the strip, with what lies below it; never the whole window.
     EXPECT_GT(paints.count, 0);
     EXPECT_LT(paints.count, 12);
+}
+
+TEST_F(DashboardWindowTest, AMaximisedWindowComesBackMaximised) {
+    showWithSample();
+    window().setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
+    settle();
+    window().openRoute(AppRoute::load);
+    settle();
+    EXPECT_EQ(window().windowState() & Qt::WindowMinimized, 0);
+    EXPECT_NE(window().windowState() & Qt::WindowMaximized, 0);
+}
+
+TEST_F(DashboardWindowTest, TheApplicationMenuInItsOrder) {
+    QStringList entries;
+    QStringList shortcuts;
+    for (const QAction* action : window().menuBar()->actions().first()->menu()->actions()) {
+        if (!action->isSeparator()) {
+            entries.append(action->text());
+            shortcuts.append(action->shortcut().toString(QKeySequence::PortableText));
+        }
+    }
+    EXPECT_EQ(entries, QStringList({QStringLiteral("About Tallowcrest"), QStringLiteral("Refresh"),
+                                    QStringLiteral("Quit Tallowcrest")}));
+    EXPECT_EQ(shortcuts, QStringList({QString(), QStringLiteral("Ctrl+R"),
+                                      QStringLiteral("Ctrl+Q")}));
+}
+
+TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {
+    showWithSample();
+    for (const int width : {700, 900, 1080, 1600}) {
+        window().resize(width, 700);
+        settle();
+        goTo(AppRoute::overview);
+        const QWidget* strip = visible("status.session");
+        ASSERT_NE(strip, nullptr);
+        const QPoint before = strip->mapTo(&window(), QPoint());
+        for (const AppRoute other : allAppRoutes) {
+            goTo(other);
+            EXPECT_EQ(strip->mapTo(&window(), QPoint()), before) << width << rawValue(other);
+        }
+    }
+}
+
+TEST_F(DashboardWindowTest, ALongMessageIsReadWholeInANarrowWindow) {
+    showWithSample();
+    window().resize(900, 600);
+    settle();
+    machine.monitor().log().setLastAction(
+        "Selected gnome-system-monitor from CPU + Memory Processes. No action has run yet.");
+    settle();
+    const auto* label = visible<ElidedLabel>("status.last-action");
+    ASSERT_NE(label, nullptr);
+    EXPECT_TRUE(label->shownLines().last().endsWith(QStringLiteral("run yet.")))
+        << label->shownLines().join(u'|').toStdString();
+}
+
+TEST_F(DashboardWindowTest, TheOverviewScrollsByKey) {
+    showWithSample();
+    window().resize(900, 500);
+    settle();
+    auto* area = window().findChild<QScrollArea*>();
+    ASSERT_NE(area, nullptr);
+    ASSERT_GT(area->verticalScrollBar()->maximum(), 0);
+    press(Qt::Key_End);
+    EXPECT_EQ(area->verticalScrollBar()->value(), area->verticalScrollBar()->maximum());
+    press(Qt::Key_Home);
+    EXPECT_EQ(area->verticalScrollBar()->value(), 0);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "presentation/graph_geometry.h"
 
+#include <cmath>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -41,6 +42,48 @@ TEST(GraphLine, DrawsWhatIsTooHighAtTheTopAndWhatIsNoPercentageAtTheBottom) {
 
 TEST(GraphLine, IsEmptyWithoutValues) {
     EXPECT_THAT(graphLine({}, 200, 80), IsEmpty());
+}
+
+TEST(GraphColumns, OfALevelLineAreAllAlike) {
+    const GraphColumn column{.middle = 5, .half = 1, .softness = 1, .top = 4, .bottom = 6};
+    EXPECT_THAT(graphColumns({{0, 5}, {3, 5}}, 2), ElementsAre(column, column, column));
+}
+
+TEST(GraphColumns, OfASteepLineAreTallerAndSofter) {
+    const auto columns = graphColumns({{0, 30}, {10, 0}}, 2);
+    ASSERT_EQ(columns.size(), 10U);
+    EXPECT_FLOAT_EQ(columns[4].middle, 16.5F);
+    EXPECT_FLOAT_EQ(columns[4].half, std::sqrt(10.0F));
+    EXPECT_FLOAT_EQ(columns[4].softness, 3);
+}
+
+TEST(GraphColumns, OfAPeakEndOneHalfThicknessAboveIt) {
+    const auto columns = graphColumns({{0, 80}, {2, 10}, {4, 80}}, 2);
+    ASSERT_EQ(columns.size(), 4U);
+    for (const GraphColumn& column : columns) {
+        EXPECT_FLOAT_EQ(column.top, 9);
+        EXPECT_FLOAT_EQ(column.bottom, 81);
+    }
+}
+
+TEST(GraphColumns, MissNoPointWhenManyFallIntoOneColumn) {
+    const auto columns = graphColumns({{0, 50}, {0.25, 10}, {0.5, 90}, {1, 50}, {2, 50}}, 2);
+    ASSERT_EQ(columns.size(), 2U);
+    EXPECT_FLOAT_EQ(columns[0].middle, 50);
+    EXPECT_FLOAT_EQ(columns[0].softness, 80);
+    EXPECT_FLOAT_EQ(columns[1].softness, 1);
+}
+
+TEST(GraphColumns, TakeALineThatEndsWithinAColumn) {
+    const auto columns = graphColumns({{0, 0}, {1.5, 15}}, 2);
+    ASSERT_EQ(columns.size(), 2U);
+    EXPECT_FLOAT_EQ(columns[1].middle, 12.5F);
+}
+
+TEST(GraphColumns, AreEmptyForFewerThanTwoPoints) {
+    EXPECT_THAT(graphColumns({}, 2), IsEmpty());
+    EXPECT_THAT(graphColumns({{0, 5}}, 2), IsEmpty());
+    EXPECT_THAT(graphColumns({{0, 5}, {0, 9}}, 2), IsEmpty()) << "no width, no column";
 }
 
 TEST(GraphArea, ClosesTheLineAlongTheBottom) {

@@ -270,5 +270,18 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
                            QStringLiteral("menubar.refresh"), QStringLiteral("menubar.quit")}));
 }
 
+TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {
+    StatusItem item(machine.monitor(), window());
+    QSystemTrayIcon& icon = iconOf(item);
+    emit icon.activated(QSystemTrayIcon::Trigger);
+    emit icon.activated(QSystemTrayIcon::DoubleClick);
+    settle();
+    int panels = 0;
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        panels += widget->objectName() == QStringLiteral("menubar.panel") && widget->isVisible();
+    }
+    EXPECT_EQ(panels, 1);
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -100,7 +100,8 @@ TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
     }
     EXPECT_GT(inked, 100);
     EXPECT_EQ(table().accessibleDescription(),
-              QStringLiteral("Select Process. No process matches the filter."));
+              QStringLiteral("Select Process. No process matches the filter. "
+                             "Clear it to see all."));
     type("");
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
     EXPECT_FALSE(table().accessibleDescription().contains(QStringLiteral("Select Process.")));
@@ -334,6 +335,51 @@ TEST_F(ProcessesPageTest, TabLeavesTheTable) {
     table().setFocus();
     press(Qt::Key_Tab);
     EXPECT_NE(QApplication::focusWidget(), &table());
+}
+
+TEST_F(ProcessesPageTest, FewRowsMoveNoColumn) {
+    showProcesses();
+    for (std::int64_t pid = 5000; pid < 5100; ++pid) {
+        machine.addProcess(pid, "/usr/bin/worker-" + std::to_string(pid), 2.0, 50.0);
+    }
+    tick();
+    const QRect before = cell(0, ProcessTableModel::cpuColumn);
+    type("photo-indexer");
+    ASSERT_EQ(model().rowCount(), 1);
+    EXPECT_EQ(cell(0, ProcessTableModel::cpuColumn), before);
+}
+
+TEST_F(ProcessesPageTest, TheFilterIsReachedAndLeftByKey) {
+    show();
+    machine.finishSamples();
+    settle();
+    press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_TRUE(filter().hasFocus());
+    QTest::keyClicks(&filter(), QStringLiteral("editor"));
+    settle();
+    EXPECT_THAT(shownPIDs(), ElementsAre(700));
+    press(Qt::Key_Down);
+    EXPECT_TRUE(table().hasFocus());
+    EXPECT_EQ(table().currentIndex().row(), 0);
+    filter().setFocus();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(filter().text(), QString());
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
+}
+
+TEST_F(ProcessesPageTest, TheKeysGoFromRowToRow) {
+    showProcesses();
+    table().setFocus();
+    table().setCurrentIndex(model().index(0, 0));
+    press(Qt::Key_End);
+    EXPECT_EQ(table().currentIndex(), model().index(2, 0));
+    press(Qt::Key_Right);
+    EXPECT_EQ(table().currentIndex(), model().index(2, 0));
+    press(Qt::Key_Up);
+    EXPECT_EQ(table().currentIndex(), model().index(1, 0));
+    press(Qt::Key_Home);
+    EXPECT_EQ(table().currentIndex(), model().index(0, 0));
 }
 
 }  // namespace

@@ -139,6 +139,25 @@ TEST(CrestFonts, HaveTheThreeSizes) {
     EXPECT_EQ(fonts.body.family(), QApplication::font().family());
 }
 
+TEST(MixedColor, GoesFromOneToTheOther) {
+    const QColor from(0, 100, 200);
+    const QColor to(100, 200, 0);
+    EXPECT_EQ(mixedColor(from, to, 0), from);
+    EXPECT_EQ(mixedColor(from, to, 0.25), QColor(25, 125, 150));
+    EXPECT_EQ(mixedColor(from, to, 1), to);
+}
+
+TEST(HasTabularDigits, ComparesTheWidthsOfAllDigits) {
+    const QFont font = CrestFonts::current().body;
+    const QFontMetrics metrics(font);
+    bool areEqual = true;
+    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
+        areEqual =
+            areEqual && metrics.horizontalAdvance(QChar(digit)) == metrics.horizontalAdvance(u'0');
+    }
+    EXPECT_EQ(hasTabularDigits(font), areEqual);
+}
+
 TEST(FiguresWidth, IsTheSameForAllDigits) {
     const QFont font = CrestFonts::current().body;
     EXPECT_EQ(figuresWidth(font, QStringLiteral("111%")),

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <limits>
 
 #include <QApplication>
@@ -165,6 +166,24 @@ TEST_F(StableLineGraphTest, FillsTheAreaFaintlyWhenAsked) {
     EXPECT_EQ(painted().pixelColor(at(0.5, 40)), QColor(Qt::white));
 }
 
+TEST_F(StableLineGraphTest, LooksAfterANewSampleAsIfItWereNew) {
+    std::vector<double> values;
+    for (int i = 0; i < 180; ++i) {
+        values.push_back(50 + 40 * std::sin(i / 3.0));
+    }
+    graph_.setLegendVisible(true);
+    graph_.resize(900, 240);
+    showLine({1, 2}, true);
+    const QImage before = graph_.grab().toImage();
+    showLine(values, true);
+    StableLineGraph fresh;
+    fresh.resize(900, 240);
+    fresh.setSeries({{QStringLiteral("CPU"), lineColor, values, true}});
+    const QImage after = graph_.grab().toImage();
+    EXPECT_EQ(after, fresh.grab().toImage());
+    EXPECT_NE(after, before);
+}
+
 TEST_F(StableLineGraphTest, LaysLaterSeriesOnTop) {
     graph_.setSeries({{QStringLiteral("CPU"), lineColor, {50, 50}, false},
                       {QStringLiteral("Memory"), QColor(Qt::blue), {50, 50}, false}});
@@ -248,6 +267,39 @@ TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
     EXPECT_EQ(paints.take(), 0);
     label.setText(QStringLiteral("GPU"));
     EXPECT_EQ(paints.take(), 1);
+}
+
+TEST(ElidedLabel, LaysNewFiguresOutAsALabelThatNeverHadOthers) {
+    const auto pattern = QStringLiteral("%1 GB free · Wired %2 GB · Compressed %3 GB, %4");
+    for (const int width : {60, 110, 150, 232, 600}) {
+        for (const int lines : {1, 2, 4}) {
+            ElidedLabel kept;
+            kept.setLines(1, lines);
+            kept.resize(width, 80);
+            for (int figure = 10; figure < 100; figure += 17) {
+                const QString text = pattern.arg(figure).arg(109 - figure).arg(figure).arg(11);
+                kept.setText(text);
+                ElidedLabel fresh;
+                fresh.setLines(1, lines);
+                fresh.resize(width, 80);
+                fresh.setText(text);
+                EXPECT_EQ(kept.shownLines(), fresh.shownLines())
+                    << width << " " << lines << " " << figure;
+                EXPECT_EQ(kept.sizeHint(), fresh.sizeHint());
+            }
+        }
+    }
+}
+
+TEST(ElidedLabel, PaintsTheGroundThatItIsGiven) {
+    ElidedLabel label;
+    label.resize(40, 20);
+    label.setGround(QColor(Qt::cyan));
+    QImage image(label.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    label.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    EXPECT_EQ(image.pixelColor(20, 10), QColor(Qt::cyan));
+    EXPECT_TRUE(label.testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
 TEST(Card, NamesItselfAfterItsHeading) {
@@ -337,6 +389,34 @@ TEST(BarList, DoesNotRepaintForEqualRows) {
     EXPECT_EQ(paints.take(), 0);
     list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.5}});
     EXPECT_EQ(paints.take(), 1);
+    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.50001}});
+    EXPECT_EQ(paints.take(), 0) << "less than a pixel";
+    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.9}});
+    EXPECT_EQ(paints.take(), 1);
+    list.setRows({{QStringLiteral("b"), QStringLiteral("2"), 0.9}});
+    EXPECT_EQ(paints.take(), 1);
+}
+
+TEST(BarList, LooksAfterChangesAsIfItWereNew) {
+    const auto sized = [](BarList& list) { list.resize(600, 96); };
+    BarList changed(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+    sized(changed);
+    const std::vector<std::vector<BarRow>> steps{
+        {{QStringLiteral("a"), QStringLiteral("1"), 1},
+         {QStringLiteral("b"), QStringLiteral("2"), 0.5}},
+        {{QStringLiteral("a"), QStringLiteral("1"), 1},
+         {QStringLiteral("b"), QStringLiteral("3"), 0.7}},
+        {{QStringLiteral("c"), QStringLiteral("1"), 1}},
+        {{QStringLiteral("c"), QStringLiteral("1"), 1},
+         {QStringLiteral("d"), QStringLiteral("9"), 0.1}},
+    };
+    for (const std::vector<BarRow>& rows : steps) {
+        changed.setRows(rows);
+        BarList fresh(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+        sized(fresh);
+        fresh.setRows(rows);
+        EXPECT_EQ(changed.grab().toImage(), fresh.grab().toImage());
+    }
 }
 
 }  // namespace

@@ -179,7 +179,7 @@ TEST_F(LatestSampleTest, TellsItsObserversOnceForAWholeSample) {
     LatestSample sample = makeSample();
     int told = 0;
     const Subscription subscription = observable.subscribe([&told] { ++told; });
-    sample.setLatestProcesses({{7, 0, 0, 0, "app", "app"}});
+    sample.setLatestProcesses({{7, 0, 0, 0, "app", "app"}}, {0});
     sample.setSnapshot(ledBy("Arc"));
     sample.appendHistoryPoint();
     sample.countTopApp();

@@ -97,6 +97,57 @@ TEST(ProcessStatTest, TellsKernelThreadsAndEndedProcesses) {
     EXPECT_TRUE(parseProcessStat(ended)->hasEnded());
 }
 
+struct NumberCase {
+    std::string text;
+    std::optional<std::int32_t> number;
+};
+
+TEST(NewestProcessIDTest, IsTheLastFieldOfTheLoad) {
+    const NumberCase cases[] = {
+        {"0.52 0.58 0.59 2/1284 22183\n", 22183},
+        {"0.52 0.58 0.59 2/1284 1\n", 1},
+        {"0.52 0.58 0.59 2/1284 2147483647\n", 2147483647},
+        {"0.52 0.58 0.59 2/1284 22183 more\n", 22183},
+        {"0.52 0.58 0.59 2/1284 2147483648\n", std::nullopt},
+        {"0.52 0.58 0.59 2/1284 18446744073709551616\n", std::nullopt},
+        {"0.00 0.00 0.00 0/0 0\n", std::nullopt},
+        {"0.52 0.58 0.59 2/1284 22183", std::nullopt},
+        {"0.52 0.58 0.59 2/1284 -22183\n", std::nullopt},
+        {"0.52 0.58 0.59 2/1284 22x\n", std::nullopt},
+        {"0.52 0.58 0.59 2/1284 \n", std::nullopt},
+        {"0.52 0.58 0.59 2/1284\n", std::nullopt},
+        {"\n", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [text, number] : cases) {
+        EXPECT_EQ(parseNewestProcessID(text), number) << text;
+    }
+}
+
+TEST(SoleProcessIDTest, IsTheOneNumberOfAProcessThatHasNoOther) {
+    const std::string before = "Name:\tshell\nPid:\t77\nNStgid:\t812\n";
+    const NumberCase cases[] = {
+        {before + "NSpid:\t812\nNSpgid:\t5\n", 812},
+        {before + "NSpid:\t2147483647\n", 2147483647},
+        {before + "NSpid:\t812\t1\n", std::nullopt},
+        {before + "NSpid:\t812\t40\t1\n", std::nullopt},
+        {before + "NSpid:\t2147483648\n", std::nullopt},
+        {before + "NSpid:\t0\n", std::nullopt},
+        {before + "NSpid:\t-1\n", std::nullopt},
+        {before + "NSpid:\t\n", std::nullopt},
+        {before + "NSpid:\tx\n", std::nullopt},
+        {before + "NSpid:\t812", std::nullopt},
+        {before + "NSpid:", std::nullopt},
+        {before + "xNSpid:\t812\n", std::nullopt},
+        {"Name:\tNSpid:\t812\n", std::nullopt},
+        {before, std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [text, number] : cases) {
+        EXPECT_EQ(parseSoleProcessID(text), number) << text;
+    }
+}
+
 struct TicksCase {
     std::string text;
     std::optional<CPUTicks> ticks;

@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
     Commands, LinuxSystemCommand,
     ::testing::Values(
         "/usr/bin/tallowcrest", "/opt/tallowcrest/bin/tallowcrest-desktop",
-        "/usr/lib/systemd/systemd", "/lib/systemd/systemd", "(sd-pam)",
+        "/usr/lib/systemd/systemd", "/lib/systemd/systemd", "(sd-pam)", "@dbus-daemon --system --nofork",
         "/usr/lib/systemd/systemd-journald", "/lib/systemd/systemd-udevd",
         "/usr/lib/systemd/systemd-resolved", "/usr/lib/systemd/systemd-networkd",
         "/usr/lib/systemd/systemd-timesyncd", "/usr/lib/systemd/systemd-oomd",

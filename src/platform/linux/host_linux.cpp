@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <system_error>
-#include <thread>
 
 #include "platform/host.h"
 #include "platform/linux/descriptor_limit.h"
@@ -38,7 +37,7 @@ ProtectionPolicy protectionPolicy() {
 }
 
 int activeProcessorCount() {
-    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    return static_cast<int>(std::max(1L, sysconf(_SC_NPROCESSORS_ONLN)));
 }
 
 std::string loginName() {

@@ -1,6 +1,7 @@
 #include "platform/linux/procfs_pid_list.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -29,6 +30,15 @@ std::optional<std::int32_t> processID(std::string_view name) {
     const char* const end = name.data() + name.size();
     const auto [parsed, error] = std::from_chars(name.data(), end, pid);
     return error == std::errc{} && parsed == end ? std::optional(pid) : std::nullopt;
+}
+
+/// Containers lay files from elsewhere over some of these: such a `loadavg` tells of the numbers
+/// that the machine around gives out, which are not those that are listed here.
+bool isOfSameFileSystem(int directory, const char* name) {
+    struct stat ofDirectory {};
+    struct stat ofFile {};
+    return ::fstat(directory, &ofDirectory) == 0 && ::fstatat(directory, name, &ofFile, 0) == 0 &&
+           ofDirectory.st_dev == ofFile.st_dev;
 }
 
 }  // namespace
@@ -86,6 +96,7 @@ bool ProcfsPidFollower::follow(int procDirectory, std::vector<std::int32_t>& pid
             return false;
         }
         samplesSinceListing_ = 0;
+        isNewestOfThisList_ = isOfSameFileSystem(procDirectory, "loadavg");
     }
     newestBefore_ = newest_;
     newest_ = newest;
@@ -98,16 +109,21 @@ std::optional<std::int32_t> ProcfsPidFollower::readNewest() const {
 }
 
 bool ProcfsPidFollower::canProbe(std::optional<std::int32_t> newest) const {
+    if (!newest || !newest_ || !newestBefore_ || !isNewestOfThisList_) {
+        return false;
+    }
     // Numbers start over at their upper end, and then the newest is not the highest.
-    return exists_ && newest && newestBefore_ && samplesSinceListing_ < samplesPerListing &&
-           *newestBefore_ <= *newest && *newest - *newestBefore_ <= mostProbes;
+    const bool isAscending = *newestBefore_ <= *newest_ && *newest_ <= *newest;
+    return isAscending && *newest - *newestBefore_ <= mostProbes &&
+           samplesSinceListing_ < samplesPerListing;
 }
 
 void ProcfsPidFollower::probe(std::int32_t newest, std::vector<std::int32_t>& pids) const {
     // Each number is probed in two samples: the kernel gives it out a little before the process
     // that is to bear it can be found.
     const std::size_t known = pids.size();
-    for (std::int32_t pid = *newestBefore_ + 1; pid <= newest; ++pid) {
+    for (std::int32_t pid = *newestBefore_; pid < newest;) {
+        ++pid;  // not past the newest, which may be the highest number there is
         if (exists_(pid)) {
             pids.push_back(pid);
         }

@@ -44,8 +44,9 @@ private:
 
     KernelFile loadAverage_;
     Exists exists_;
-    std::optional<std::int32_t> newest_;          ///< number given out last, one sample ago
-    std::optional<std::int32_t> newestBefore_;    ///< two samples ago
+    std::optional<std::int32_t> newest_;        ///< number given out last, one sample ago
+    std::optional<std::int32_t> newestBefore_;  ///< two samples ago
+    bool isNewestOfThisList_ = false;
     int samplesSinceListing_ = 0;
 };
 

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <ctime>
 #include <limits>
 #include <utility>
 
@@ -18,26 +17,6 @@
 
 namespace tallowcrest {
 namespace {
-
-std::chrono::nanoseconds readClock(clockid_t clock) {
-    timespec time{};
-    ::clock_gettime(clock, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-/// Processor time in nanoseconds, where the tick counters of the `stat` file know 10 ms.
-std::optional<std::chrono::nanoseconds> readProcessTime(std::int32_t pid) {
-    // The number of a process's clock, as the kernel's interface lays it down. The library's own
-    // function asks the kernel once more whether that clock exists, which reading it tells anyway.
-    constexpr clockid_t scheduledTime = 2;
-    const clockid_t clock = static_cast<clockid_t>(~static_cast<std::uint32_t>(pid) << 3U) |
-                            scheduledTime;
-    timespec time{};
-    if (pid <= 0 || ::clock_gettime(clock, &time) != 0) {
-        return std::nullopt;
-    }
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
 
 double seconds(std::chrono::nanoseconds duration) {
     return std::chrono::duration<double>(duration).count();
@@ -58,17 +37,15 @@ ProcfsMachine ProcfsMachine::current() {
     return machine;
 }
 
-ProcfsClocks ProcfsClocks::system() {
-    return {[] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); },
-            readProcessTime};
-}
+ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine)
+    : ProcfsProcessTable(machine, ProcfsClocks::system(machine.procRoot)) {}
 
 ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine, ProcfsClocks clocks)
     : machine_(std::move(machine)),
       clocks_(std::move(clocks)),
       follower_(machine_.procRoot,
                 clocks_.processTime
-                    ? [this](std::int32_t pid) { return clocks_.processTime(pid).has_value(); }
+                    ? [this](std::int32_t pid) { return readBusyTime(pid).has_value(); }
                     : ProcfsPidFollower::Exists()),
       learnedLimit_(std::numeric_limits<std::size_t>::max()) {}
 
@@ -78,7 +55,12 @@ std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
         directory_ =
             UniqueFD(::open(machine_.procRoot.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
-    if (!directory_.valid() || !follower_.follow(directory_.get(), listed_)) {
+    if (!directory_.valid()) {
+        return {};
+    }
+    readingThread_ = ::gettid() == ::getpid() ? 0 : ::gettid();
+    if (!follower_.follow(directory_.get(), listed_)) {
+        directory_.reset();
         return {};
     }
     ++sampleNumber_;
@@ -88,9 +70,10 @@ std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
     rows.reserve(processes_.size());
     listed_.clear();
     for (Process& process : processes_) {
-        if (readRow(process)) {
+        const auto busyTime = readBusyTime(process.pid);
+        if (readRow(process, busyTime)) {
             fillRow(process, rows.emplace_back());
-        } else if (isGone(process.pid)) {
+        } else if (clocks_.processTime && !busyTime) {
             continue;
         }
         listed_.push_back(process.pid);
@@ -127,9 +110,16 @@ void ProcfsProcessTable::followList() {
     merged_.clear();
 }
 
-bool ProcfsProcessTable::readRow(Process& process) {
-    const auto busyTime =
-        clocks_.processTime ? clocks_.processTime(process.pid) : std::nullopt;
+std::optional<std::chrono::nanoseconds> ProcfsProcessTable::readBusyTime(std::int32_t pid) const {
+    return clocks_.processTime && pid != readingThread_ ? clocks_.processTime(pid) : std::nullopt;
+}
+
+bool ProcfsProcessTable::readRow(Process& process,
+                                 std::optional<std::chrono::nanoseconds> busyTime) {
+    if (process.busyTime && !busyTime) {
+        // It is gone. A thread that bears its number now has a file in the same place.
+        return false;
+    }
     if (!isIdle(process, busyTime)) {
         return readInFull(process, busyTime);
     }
@@ -145,15 +135,10 @@ bool ProcfsProcessTable::readRow(Process& process) {
 /// another process, that one's clock would read differently.
 bool ProcfsProcessTable::isIdle(const Process& process,
                                 std::optional<std::chrono::nanoseconds> busyTime) const {
-    const auto turn = (sampleNumber_ + static_cast<std::uint64_t>(process.pid)) %
-                      samplesPerFullReading;
+    const auto turn =
+        (sampleNumber_ + static_cast<std::uint64_t>(process.pid)) % samplesPerFullReading;
     return turn != 0 && busyTime && busyTime == process.busyTime && process.startTicks &&
            process.commandIsFinal;
-}
-
-/// Whether the number is free again. Where that cannot be told the next listing will tell.
-bool ProcfsProcessTable::isGone(std::int32_t pid) const {
-    return clocks_.processTime && !clocks_.processTime(pid);
 }
 
 bool ProcfsProcessTable::readInFull(Process& process,
@@ -161,6 +146,8 @@ bool ProcfsProcessTable::readInFull(Process& process,
     std::array<char, 1024> buffer;
     const auto stat = parseProcessStat(readStat(process, buffer));
     if (!stat) {
+        // Not idle until it has been read again, whatever its clock says.
+        process.busyTime.reset();
         return false;
     }
     // Taken for each row: the machine can stall between two of them.

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "core/local_records.h"
+#include "platform/linux/procfs_clocks.h"
 #include "platform/linux/procfs_pid_list.h"
 #include "platform/posix/unique_fd.h"
 #include "sampling/proc_parser.h"
@@ -29,29 +29,15 @@ struct ProcfsMachine {
     static ProcfsMachine current();
 };
 
-/// The times that a process's load is worked out from.
-struct ProcfsClocks {
-    using Reading = std::function<std::chrono::nanoseconds()>;
-    using ProcessReading =
-        std::function<std::optional<std::chrono::nanoseconds>(std::int32_t pid)>;
-
-    Reading monotonic;  ///< stands still while the machine is suspended
-    Reading sinceBoot;  ///< counts suspension too, like the kernel's start times
-    /// Processor time that a process has used in its whole life, all its threads together; absent
-    /// when nobody bears that number. May be empty: the table then counts in the kernel's ticks.
-    ProcessReading processTime;
-
-    static ProcfsClocks system();
-};
-
 /// The process table, read natively. A process that has not run since the previous reading cannot
-/// have changed by its own doing, so its processor clock is all that is looked at; for one that has,
-/// one small file is read through a descriptor that stays open. Any thread; overlapping calls wait
-/// for each other.
+/// have changed by its own doing, so its processor clock is all that is looked at; for one that
+/// has, one small file is read through a descriptor that stays open. Any thread; overlapping calls
+/// wait for each other.
 class ProcfsProcessTable {
 public:
-    explicit ProcfsProcessTable(ProcfsMachine machine,
-                                ProcfsClocks clocks = ProcfsClocks::system());
+    /// With the clocks of the system.
+    explicit ProcfsProcessTable(ProcfsMachine machine);
+    ProcfsProcessTable(ProcfsMachine machine, ProcfsClocks clocks);
 
     /// Every process, ascending by pid. A row that cannot be read is left out; empty when the table
     /// cannot be listed.
@@ -85,16 +71,16 @@ private:
     };
 
     void followList();
-    bool readRow(Process& process);
+    std::optional<std::chrono::nanoseconds> readBusyTime(std::int32_t pid) const;
+    bool readRow(Process& process, std::optional<std::chrono::nanoseconds> busyTime);
     bool readInFull(Process& process, std::optional<std::chrono::nanoseconds> busyTime);
     bool isIdle(const Process& process, std::optional<std::chrono::nanoseconds> busyTime) const;
-    bool isGone(std::int32_t pid) const;
     void fillRow(const Process& process, ProcessSample& row) const;
     std::string_view readStat(Process& process, std::span<char> buffer);
     UniqueFD openStat(std::int32_t pid);
     void measureLoad(Process& process, const ProcessStat& stat,
-                     std::optional<std::chrono::nanoseconds> busyTime,
-                     std::chrono::nanoseconds now, bool isFirstReading);
+                     std::optional<std::chrono::nanoseconds> busyTime, std::chrono::nanoseconds now,
+                     bool isFirstReading);
     void followCommand(Process& process, const ProcessStat& stat, bool isFirstReading);
     void chooseKeepLimit();
     void shedDescriptors();
@@ -105,6 +91,9 @@ private:
     UniqueFD directory_;
     ProcfsPidFollower follower_;
     std::vector<std::int32_t> listed_;
+    /// Its number has a clock, that of this process, but is no process's. 0: it is the main thread,
+    /// which bears the process's own number.
+    std::int32_t readingThread_ = 0;
     std::uint64_t sampleNumber_ = 0;
     std::vector<Process> processes_;  ///< ascending by pid
     std::vector<Process> merged_;     ///< kept for its capacity

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdint>
 #include <string>
-#include <thread>
 
 #include "platform/host.h"
 #include "platform/macos/home_volume_macos.h"
@@ -38,7 +37,7 @@ ProtectionPolicy protectionPolicy() {
 }
 
 int activeProcessorCount() {
-    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    return static_cast<int>(std::max(1L, sysconf(_SC_NPROCESSORS_ONLN)));
 }
 
 std::string loginName() {

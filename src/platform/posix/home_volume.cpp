@@ -6,14 +6,30 @@
 
 namespace tallowcrest {
 
-DiskSnapshot PosixHomeVolume::readDiskSnapshot() {
+namespace {
+
+DiskSnapshot readVolume(const std::string& directory) {
     struct statvfs volume {};
-    if (::statvfs(homeDirectory_.c_str(), &volume) != 0) {
+    if (::statvfs(directory.c_str(), &volume) != 0) {
         return {};
     }
     const double gigabytesPerBlock = static_cast<double>(volume.f_frsize) * gigabytesPerByte;
     return {static_cast<double>(volume.f_blocks) * gigabytesPerBlock,
             static_cast<double>(volume.f_bavail) * gigabytesPerBlock};
+}
+
+}  // namespace
+
+DiskSnapshot PosixHomeVolume::readDiskSnapshot() {
+    const std::unique_lock turn(reading_, std::try_to_lock);
+    if (!turn.owns_lock()) {
+        const std::lock_guard guard(lock_);
+        return latest_;
+    }
+    const DiskSnapshot volume = readVolume(homeDirectory_);
+    const std::lock_guard guard(lock_);
+    latest_ = volume;
+    return volume;
 }
 
 }  // namespace tallowcrest
