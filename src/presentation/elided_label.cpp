@@ -97,6 +97,10 @@ void ElidedLabel::setElideMode(Qt::TextElideMode mode) {
 void ElidedLabel::setLines(int minimum, int maximum) {
     maximumLines_ = std::max(1, maximum);
     minimumLines_ = std::clamp(minimum, 1, maximumLines_);
+    if (maximumLines_ > 1) {
+        // Text that may grow begins at the top, or its first line would move.
+        alignment_ = (alignment_ & Qt::AlignHorizontal_Mask) | Qt::AlignTop;
+    }
     updateSizePolicy();
     changeLayout();
 }
@@ -224,7 +228,7 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     const int lineHeight = metrics.lineSpacing();
     const int block = lineHeight * static_cast<int>(lines.size());
     int top = 0;
-    if ((alignment_ & Qt::AlignVCenter) != 0 && maximumLines_ == 1) {
+    if ((alignment_ & Qt::AlignVCenter) != 0) {
         top = (height() - block) / 2;
     }
     const int baseline = (lineHeight - metrics.height()) / 2 + metrics.ascent();

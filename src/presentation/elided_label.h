@@ -33,6 +33,7 @@ public:
     void setAlignment(Qt::Alignment alignment);
     void setElideMode(Qt::TextElideMode mode);
     /// Wraps at `maximum` lines and keeps room for `minimum` of them even when they are not needed.
+    /// More than one line begin at the top unless an alignment is set afterwards.
     void setLines(int minimum, int maximum);
     /// Keeps as much width as `pattern` needs with any digits, for figures that must not move
     /// their neighbours. Empty for no reserve.

@@ -4,6 +4,44 @@
 #include <cmath>
 
 namespace tallowcrest {
+namespace {
+
+struct Span {
+    double top = 0;
+    double bottom = 0;
+};
+
+/// The heights that `line` itself passes in each column of pixels.
+std::vector<Span> columnSpans(const std::vector<GraphPoint>& line) {
+    if (line.size() < 2) {
+        return {};
+    }
+    const auto count = static_cast<std::size_t>(std::ceil(line.back().x));
+    std::vector<Span> spans;
+    spans.reserve(count);
+    std::size_t segment = 0;
+    double y = line.front().y;
+    for (std::size_t column = 0; column < count; ++column) {
+        const double right = std::min(static_cast<double>(column + 1), line.back().x);
+        Span span{y, y};
+        const auto pass = [&span](double height) {
+            span.top = std::min(span.top, height);
+            span.bottom = std::max(span.bottom, height);
+        };
+        while (segment + 2 < line.size() && line[segment + 1].x < right) {
+            ++segment;
+            pass(line[segment].y);
+        }
+        const GraphPoint& from = line[segment];
+        const GraphPoint& to = line[segment + 1];
+        y = to.x > from.x ? from.y + (to.y - from.y) * (right - from.x) / (to.x - from.x) : to.y;
+        pass(y);
+        spans.push_back(span);
+    }
+    return spans;
+}
+
+}  // namespace
 
 double safeGraphValue(double value) {
     return std::isfinite(value) ? std::clamp(value, 0.0, 100.0) : 0.0;
@@ -36,38 +74,25 @@ std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double he
 }
 
 std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness) {
-    if (line.size() < 2) {
-        return {};
-    }
-    const auto count = static_cast<std::size_t>(std::ceil(line.back().x));
+    const std::vector<Span> spans = columnSpans(line);
     const double reach = thickness / 2;
+    const auto neighbours = static_cast<std::size_t>(std::ceil(reach));
     std::vector<GraphColumn> columns;
-    columns.reserve(count);
-    std::size_t segment = 0;
-    double y = line.front().y;
-    for (std::size_t column = 0; column < count; ++column) {
-        const double right = std::min(static_cast<double>(column + 1), line.back().x);
-        double highest = y;
-        double lowest = y;
-        double top = std::min(line[segment].y, line[segment + 1].y);
-        double bottom = std::max(line[segment].y, line[segment + 1].y);
-        while (segment + 2 < line.size() && line[segment + 1].x < right) {
-            ++segment;
-            highest = std::min(highest, line[segment].y);
-            lowest = std::max(lowest, line[segment].y);
-            top = std::min(top, line[segment + 1].y);
-            bottom = std::max(bottom, line[segment + 1].y);
+    columns.reserve(spans.size());
+    for (std::size_t column = 0; column < spans.size(); ++column) {
+        Span near = spans[column];
+        const std::size_t end = std::min(spans.size(), column + neighbours + 1);
+        for (std::size_t i = column - std::min(column, neighbours); i < end; ++i) {
+            near.top = std::min(near.top, spans[i].top);
+            near.bottom = std::max(near.bottom, spans[i].bottom);
         }
-        const GraphPoint& from = line[segment];
-        const GraphPoint& to = line[segment + 1];
-        y = to.x > from.x ? from.y + (to.y - from.y) * (right - from.x) / (to.x - from.x) : to.y;
-        highest = std::min(highest, y);
-        lowest = std::max(lowest, y);
-        const double rise = lowest - highest;
-        columns.push_back({static_cast<float>((highest + lowest) / 2),
+        const auto [top, bottom] = spans[column];
+        const double rise = bottom - top;
+        columns.push_back({static_cast<float>((top + bottom) / 2),
                            static_cast<float>(reach * std::sqrt(1 + rise * rise)),
-                           static_cast<float>(std::max(1.0, rise)), static_cast<float>(top - reach),
-                           static_cast<float>(bottom + reach)});
+                           static_cast<float>(std::max(1.0, rise)),
+                           static_cast<float>(near.top - reach),
+                           static_cast<float>(near.bottom + reach)});
     }
     return columns;
 }

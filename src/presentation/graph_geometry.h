@@ -39,7 +39,8 @@ struct GraphColumn {
     float half = 0;
     /// The height over which an edge of the line crosses the column, at least one pixel.
     float softness = 1;
-    /// A line ends here however steep it is, or a peak would stand too high.
+    /// Half the thickness beyond what the line passes in this column and those beside it. Where it
+    /// bends, its steepness alone would let it stand out too far.
     float top = 0;
     float bottom = 0;
 

@@ -26,9 +26,9 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
     lastAction_->setObjectName(QStringLiteral("status.last-action"));
     lastAction_->setGround(&CrestTheme::pageBackground);
-    lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     // Room for the longest message in a narrow window: its end may be what matters.
     lastAction_->setLines(2, 2);
+    lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     layout->addWidget(session_);
     layout->addWidget(threshold_);
     layout->addWidget(lastAction_, 1);

@@ -57,13 +57,14 @@ TEST(GraphColumns, OfASteepLineAreTallerAndSofter) {
     EXPECT_FLOAT_EQ(columns[4].softness, 3);
 }
 
-TEST(GraphColumns, OfAPeakEndOneHalfThicknessAboveIt) {
-    const auto columns = graphColumns({{0, 80}, {2, 10}, {4, 80}}, 2);
-    ASSERT_EQ(columns.size(), 4U);
-    for (const GraphColumn& column : columns) {
-        EXPECT_FLOAT_EQ(column.top, 9);
-        EXPECT_FLOAT_EQ(column.bottom, 81);
-    }
+TEST(GraphColumns, EndOneHalfThicknessBeyondWhatTheLinePassesNearby) {
+    const auto columns = graphColumns({{0, 80}, {2, 10}, {4, 80}, {8, 84}}, 2);
+    ASSERT_EQ(columns.size(), 8U);
+    EXPECT_FLOAT_EQ(columns[1].top, 9) << "the peak";
+    EXPECT_FLOAT_EQ(columns[2].top, 9);
+    EXPECT_FLOAT_EQ(columns[3].bottom, 82) << "the bend, and one pixel of the slope behind it";
+    EXPECT_FLOAT_EQ(columns[4].top, 44) << "one pixel of the slope before it";
+    EXPECT_FLOAT_EQ(columns[6].top, 80);
 }
 
 TEST(GraphColumns, MissNoPointWhenManyFallIntoOneColumn) {

@@ -58,6 +58,17 @@ TEST(DrawGraphColumns, DrawsAPeakNoHigherThanItIs) {
     EXPECT_LT(qRed(image.pixel(1, 21)), 128);
 }
 
+TEST(DrawGraphColumns, LetsABendStandOutNoFartherThanItsThickness) {
+    QImage image = whiteImage(12, 100);
+    drawGraphColumns(image, graphColumns({{0, 20}, {3.5, 80}, {12, 96}}, 2), {0, 0}, black);
+    for (int x = 0; x < 5; ++x) {
+        // The slope behind the bend reaches 83 one column farther on.
+        for (int y = 86; y < 100; ++y) {
+            EXPECT_EQ(image.pixel(x, y), white) << x << " " << y;
+        }
+    }
+}
+
 TEST(DrawGraphColumns, LeavesOutWhatLiesOutsideTheImage) {
     const auto columns = graphColumns({{0, -40}, {10, 60}, {20, 5}}, 2);
     QImage whole = whiteImage(20, 12);
