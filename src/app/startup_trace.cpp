@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <QtGlobal>
-
 #include <fmt/format.h>
 
 #include "platform/host.h"

@@ -42,9 +42,7 @@ struct StorageOptimizationSuggestion {
     std::string recommendation;
     std::string reason;
 
-    auto fields() const {
-        return std::tie(id, title, detail, path, bytes, recommendation, reason);
-    }
+    auto fields() const { return std::tie(id, title, detail, path, bytes, recommendation, reason); }
     bool operator==(const StorageOptimizationSuggestion&) const = default;
 };
 

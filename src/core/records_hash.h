@@ -16,7 +16,9 @@ namespace tallowcrest {
 
 /// A value record names its fields, in their order, once; hashing is derived from that list.
 template <class T>
-concept Record = requires(const T& record) { record.fields(); };
+concept Record = requires(const T& record) {
+    record.fields();
+};
 
 namespace detail {
 
@@ -69,9 +71,7 @@ std::size_t hashField(const T& value) {
 
 template <tallowcrest::Record T>
 struct std::hash<T> {
-    std::size_t operator()(const T& record) const {
-        return tallowcrest::detail::hashField(record);
-    }
+    std::size_t operator()(const T& record) const { return tallowcrest::detail::hashField(record); }
 };
 
 template <>

@@ -91,9 +91,9 @@ struct RemoteHealth {
     Date sampledAt;
 
     auto fields() const {
-        return std::tie(id, hostName, address, online, status, cpuPercent, memoryPercent,
-                        osVersion, topCPUProcess, topMemoryProcess, topProcesses, appImpacts,
-                        recommendation, summary, setupHint, sampledAt);
+        return std::tie(id, hostName, address, online, status, cpuPercent, memoryPercent, osVersion,
+                        topCPUProcess, topMemoryProcess, topProcesses, appImpacts, recommendation,
+                        summary, setupHint, sampledAt);
     }
     bool operator==(const RemoteHealth&) const = default;
 };

@@ -20,9 +20,9 @@ enum class AppRoute {
 };
 
 inline constexpr std::array allAppRoutes{
-    AppRoute::overview,   AppRoute::load,    AppRoute::optimize, AppRoute::optimizationSuggestions,
-    AppRoute::aiAdvisor,  AppRoute::chat,    AppRoute::remoteMacs,
-    AppRoute::history,    AppRoute::settings};
+    AppRoute::overview,  AppRoute::load, AppRoute::optimize,   AppRoute::optimizationSuggestions,
+    AppRoute::aiAdvisor, AppRoute::chat, AppRoute::remoteMacs, AppRoute::history,
+    AppRoute::settings};
 
 std::string_view rawValue(AppRoute route);
 std::string_view title(AppRoute route);

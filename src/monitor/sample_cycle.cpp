@@ -48,8 +48,7 @@ BackgroundSample takeSample(SampleSources& sources, const BackgroundHooks& hooks
     const std::optional<double> load = sources.systemCPULoad.readCPUPercent();
     snapshot.pressureText = sources.proMetrics->readPressureText();
     result.impactOrder = impactOrder(result.processes);
-    snapshot.topProcesses =
-        rowsInOrder(result.processes, result.impactOrder, maximumTopProcesses);
+    snapshot.topProcesses = rowsInOrder(result.processes, result.impactOrder, maximumTopProcesses);
     snapshot.appImpacts =
         buildAppImpacts(result.processes, inputs.protectedAppNames, inputs.protection);
     snapshot.appImpacts.resize(std::min(snapshot.appImpacts.size(), maximumAppImpacts));

@@ -36,8 +36,8 @@ std::string loginName();
 /// The running program's own file; empty when the system does not tell.
 std::filesystem::path executablePath();
 
-/// The system's own process viewers, as absolute paths in the order in which they are tried; not all
-/// of them need be installed.
+/// The system's own process viewers, as absolute paths in the order in which they are tried; not
+/// all of them need be installed.
 std::vector<std::string> activityMonitors();
 
 /// Gives the calling thread utility priority: a low share of the processor and disk access only

@@ -28,8 +28,7 @@ void Capsule::setText(const QString& text) {
 }
 
 QSize Capsule::sizeHint() const {
-    return {figuresWidth(CrestFonts::current().caption, text_) + 2 * capsulePadding,
-            capsuleHeight};
+    return {figuresWidth(CrestFonts::current().caption, text_) + 2 * capsulePadding, capsuleHeight};
 }
 
 void Capsule::paintEvent(QPaintEvent*) {

@@ -57,8 +57,7 @@ void drawButtonLabel(QPainter& painter, const QStyleOptionButton& button, const 
         const QPixmap icon =
             button.icon.pixmap(button.iconSize, widget != nullptr ? widget->devicePixelRatioF() : 1,
                                isEnabled ? QIcon::Normal : QIcon::Disabled);
-        painter.drawPixmap(left, button.rect.center().y() - button.iconSize.height() / 2 + 1,
-                           icon);
+        painter.drawPixmap(left, button.rect.center().y() - button.iconSize.height() / 2 + 1, icon);
         left += iconWidth;
     }
     painter.setPen(isEnabled ? theme.text : theme.secondaryText);
@@ -140,8 +139,7 @@ void CrestStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
             if (slider->minimum < slider->maximum) {
                 drawScrollBar(*painter,
                               subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget),
-                              option->state & State_MouseOver,
-                              slider->orientation == Qt::Vertical);
+                              option->state & State_MouseOver, slider->orientation == Qt::Vertical);
             }
             return;
         }
@@ -189,13 +187,12 @@ QRect CrestStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     const qint64 range = qint64{slider->maximum} - slider->minimum;
     int handle = length;
     if (range > 0) {
-        handle = static_cast<int>(qint64{slider->pageStep} * length /
-                                  (range + slider->pageStep));
+        handle = static_cast<int>(qint64{slider->pageStep} * length / (range + slider->pageStep));
         handle = std::min(std::max(handle, smallestScrollHandle), length);
     }
-    const int start = sliderPositionFromValue(slider->minimum, slider->maximum,
-                                              slider->sliderPosition, length - handle,
-                                              slider->upsideDown);
+    const int start =
+        sliderPositionFromValue(slider->minimum, slider->maximum, slider->sliderPosition,
+                                length - handle, slider->upsideDown);
     const auto part = [&](int from, int size) {
         return isVertical ? QRect(bar.left(), bar.top() + from, bar.width(), size)
                           : QRect(bar.left() + from, bar.top(), size, bar.height());
@@ -214,8 +211,8 @@ QRect CrestStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     }
 }
 
-QSize CrestStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
-                                   const QSize& size, const QWidget* widget) const {
+QSize CrestStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                   const QWidget* widget) const {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (type == CT_PushButton) {
         const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);

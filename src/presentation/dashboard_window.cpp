@@ -67,27 +67,27 @@ QWidget* DashboardWindow::makeContent() {
 void DashboardWindow::makeMenus() {
     QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
     QAction* about = application->addAction(QStringLiteral("About Tallowcrest"), this, [this] {
-        QMessageBox::about(this, QStringLiteral("About Tallowcrest"),
-                           QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
+        QMessageBox::about(
+            this, QStringLiteral("About Tallowcrest"),
+            QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
     });
     about->setMenuRole(QAction::AboutRole);
-    QAction* refreshAction = application->addAction(QStringLiteral("Refresh"), this,
-                                                    [this] { monitor_.refresh(); });
+    QAction* refreshAction =
+        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); });
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
     application->addSeparator();
-    QAction* quit = application->addAction(QStringLiteral("Quit Tallowcrest"), qApp,
-                                           &QApplication::quit);
+    QAction* quit =
+        application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
     int key = Qt::Key_1;
     for (const AppRoute route : allAppRoutes) {
-        QAction* action =
-            go->addAction(themedIcon(dashboard_text::text(symbol(route))),
-                          dashboard_text::text(title(route)), this,
-                          [this, route] { monitor_.navigation().setSelectedRoute(route); });
+        QAction* action = go->addAction(
+            themedIcon(dashboard_text::text(symbol(route))), dashboard_text::text(title(route)),
+            this, [this, route] { monitor_.navigation().setSelectedRoute(route); });
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
     }
     go->addSeparator();

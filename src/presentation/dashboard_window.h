@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QMainWindow>
 #include <array>
 #include <functional>
 #include <optional>
+
+#include <QMainWindow>
 
 #include "core/observable.h"
 #include "core/queues.h"

@@ -1,15 +1,16 @@
 #pragma once
 
+#include <vector>
+
 #include <QStringList>
 #include <QWidget>
-#include <vector>
 
 namespace tallowcrest {
 
 class ElidedLabel;
 
-/// A few figures side by side on a card, each below its name. The columns keep their place whatever the
-/// figures are. Main thread.
+/// A few figures side by side on a card, each below its name. The columns keep their place whatever
+/// the figures are. Main thread.
 class FigureRow final : public QWidget {
     Q_OBJECT
 

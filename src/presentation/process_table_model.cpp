@@ -48,6 +48,17 @@ QString toolTip(const ProcessSample& row) {
         .arg(text(row.command).toHtmlEscaped(), QString::number(row.pid));
 }
 
+/// A name may hold anything; in a table it is one line.
+QString oneLine(std::string_view name) {
+    QString line = text(name);
+    for (QChar& character : line) {
+        if (character.category() == QChar::Other_Control) {
+            character = u'?';
+        }
+    }
+    return line;
+}
+
 QString megabytes(double value) {
     return QStringLiteral("%1 MB").arg(QLocale().toString(value, 'f', 1));
 }
@@ -159,7 +170,7 @@ int ProcessTableModel::columnCount(const QModelIndex& parent) const {
 QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) const {
     switch (column) {
         case processColumn:
-            return text(row.displayName());
+            return oneLine(row.displayName());
         case cpuColumn:
             return QStringLiteral("%1%").arg(QLocale().toString(row.cpu, 'f', 1));
         case memoryColumn:

@@ -62,8 +62,7 @@ void ProcessTableView::sizeColumns() {
     const QFont& font = CrestFonts::current().body;
     const int padding = 3 * spacing::unit;
     header->setSectionResizeMode(ProcessTableModel::processColumn, QHeaderView::Stretch);
-    fix(ProcessTableModel::cpuColumn,
-        figuresWidth(font, QStringLiteral("0000.0%")) + padding);
+    fix(ProcessTableModel::cpuColumn, figuresWidth(font, QStringLiteral("0000.0%")) + padding);
     fix(ProcessTableModel::memoryColumn,
         figuresWidth(font, QStringLiteral("000,000.0 MB")) + padding);
     fix(ProcessTableModel::memoryPercentColumn,

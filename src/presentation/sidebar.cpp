@@ -1,10 +1,11 @@
 #include "presentation/sidebar.h"
 
+#include <algorithm>
+
 #include <QButtonGroup>
 #include <QFocusEvent>
 #include <QPainter>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "presentation/dashboard_text.h"
 #include "presentation/icon.h"
@@ -92,9 +93,8 @@ void SidebarRow::paintEvent(QPaintEvent*) {
     }
     const int iconLeft = isFolded_ ? (width() - spacing::iconRegular) / 2 : rowPadding;
     const QColor color = isChecked() ? theme.text : theme.secondaryText;
-    painter.drawPixmap(
-        iconLeft, (height() - spacing::iconRegular) / 2,
-        tintedIcon(symbol_, color, spacing::iconRegular, devicePixelRatioF()));
+    painter.drawPixmap(iconLeft, (height() - spacing::iconRegular) / 2,
+                       tintedIcon(symbol_, color, spacing::iconRegular, devicePixelRatioF()));
     if (isFolded_) {
         return;
     }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <vector>
+
 #include <QAbstractButton>
 #include <QWidget>
-#include <vector>
 
 #include "core/routes.h"
 

@@ -16,8 +16,7 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
     layout->setSpacing(spacing::gap);
-    session_ =
-        new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    session_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
     session_->setObjectName(QStringLiteral("status.session"));
     session_->setGround(&CrestTheme::pageBackground);
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));

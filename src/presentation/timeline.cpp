@@ -44,8 +44,7 @@ std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
     }
     for (const ActivityEvent& event : events) {
         const double fraction = secondsBetween(first, event.date) / period;
-        if (secondsBetween(event.date, now) <= shownSeconds && fraction >= 0.0 &&
-            fraction <= 1.0) {
+        if (secondsBetween(event.date, now) <= shownSeconds && fraction >= 0.0 && fraction <= 1.0) {
             fractions.push_back(fraction);
         }
     }

@@ -10,9 +10,8 @@ std::vector<AppMemoryBar> topAppMemory(const std::vector<AppImpact>& groups, std
     for (const AppImpact& group : groups) {
         bars.push_back({group.name, group.totalMemoryMB, 0.0});
     }
-    std::stable_sort(bars.begin(), bars.end(), [](const auto& a, const auto& b) {
-        return a.megabytes > b.megabytes;
-    });
+    std::stable_sort(bars.begin(), bars.end(),
+                     [](const auto& a, const auto& b) { return a.megabytes > b.megabytes; });
     bars.resize(std::min(bars.size(), limit));
     const double largest = bars.empty() ? 0.0 : bars.front().megabytes;
     for (AppMemoryBar& bar : bars) {

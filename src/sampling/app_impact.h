@@ -17,15 +17,15 @@ std::string normalizedAppName(std::string_view name);
 /// `normalizedAppName` of the row's display name.
 std::string appGroupName(const ProcessSample& row);
 
-/// The indexes of the rows in impact order: higher CPU first, and within one percentage point higher
-/// memory first. That relation is not transitive, so the result depends on the order given, which
-/// is that of the process table. Any thread.
+/// The indexes of the rows in impact order: higher CPU first, and within one percentage point
+/// higher memory first. That relation is not transitive, so the result depends on the order given,
+/// which is that of the process table. Any thread.
 std::vector<std::size_t> impactOrder(const std::vector<ProcessSample>& rows);
 
 /// The rows that `order` names, in that order, at most `limit` of them. Any thread.
-std::vector<ProcessSample> rowsInOrder(
-    const std::vector<ProcessSample>& rows, const std::vector<std::size_t>& order,
-    std::size_t limit = std::numeric_limits<std::size_t>::max());
+std::vector<ProcessSample> rowsInOrder(const std::vector<ProcessSample>& rows,
+                                       const std::vector<std::size_t>& order,
+                                       std::size_t limit = std::numeric_limits<std::size_t>::max());
 
 /// The rows in impact order, at most `limit` of them. Any thread.
 std::vector<ProcessSample> rankProcesses(

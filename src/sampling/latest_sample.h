@@ -31,8 +31,8 @@ public:
     const std::optional<SystemSnapshot>& snapshot() const { return snapshot_; }
     /// Every row of the latest process table, unranked and uncapped.
     const std::vector<ProcessSample>& latestProcesses() const { return latestProcesses_; }
-    /// The indexes of `latestProcesses` in impact order. The snapshot's own ranking stops at its cap;
-    /// a person who looks for a process looks for any process.
+    /// The indexes of `latestProcesses` in impact order. The snapshot's own ranking stops at its
+    /// cap; a person who looks for a process looks for any process.
     const std::vector<std::size_t>& impactOrder() const { return impactOrder_; }
     /// Oldest first.
     const std::vector<HistoryPoint>& history() const { return history_; }

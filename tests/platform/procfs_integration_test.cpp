@@ -145,8 +145,7 @@ TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
     // A program that has just been started still grows between the two readings.
     ASSERT_TRUE(eventually([&] {
         row = rowOf(table.readProcesses(), child.pid());
-        std::istringstream columns(
-            outputOf("ps -o rss=,pmem= -p " + std::to_string(child.pid())));
+        std::istringstream columns(outputOf("ps -o rss=,pmem= -p " + std::to_string(child.pid())));
         columns >> residentKibibytes >> memoryPercent;
         return row && row->displayName() == "sleep" && residentKibibytes > 0.0 &&
                std::abs(row->rssMB - residentKibibytes / 1024.0) <= 0.25;

@@ -309,7 +309,8 @@ int niceOf(pid_t thread) {
 TEST(ThreadWorkQueue, WorkersHaveUtilityPriorityAndTheMainThreadKeepsItsOwn) {
     const int before = niceOf(gettid());
     ThreadWorkQueue queue(host::lowerThreadPriority);
-    EXPECT_EQ(runOn(queue, [] { return niceOf(gettid()); }), 10);
+    // Somebody who runs the tests at a lower priority than that keeps it.
+    EXPECT_EQ(runOn(queue, [] { return niceOf(gettid()); }), std::max(before, 10));
     // Disk access only when nobody else asks: the kernel's class 3.
     EXPECT_EQ(runOn(queue, [] { return syscall(SYS_ioprio_get, 1, gettid()) >> 13; }), 3);
     EXPECT_EQ(niceOf(gettid()), before);

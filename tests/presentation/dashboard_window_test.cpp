@@ -1,9 +1,9 @@
 #include "presentation/dashboard_window.h"
 
 #include <QMenuBar>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QPushButton>
 #include <QSignalSpy>
 
 #include "presentation/coming_page.h"
@@ -391,8 +391,8 @@ TEST_F(DashboardWindowTest, TheApplicationMenuInItsOrder) {
     }
     EXPECT_EQ(entries, QStringList({QStringLiteral("About Tallowcrest"), QStringLiteral("Refresh"),
                                     QStringLiteral("Quit Tallowcrest")}));
-    EXPECT_EQ(shortcuts, QStringList({QString(), QStringLiteral("Ctrl+R"),
-                                      QStringLiteral("Ctrl+Q")}));
+    EXPECT_EQ(shortcuts,
+              QStringList({QString(), QStringLiteral("Ctrl+R"), QStringLiteral("Ctrl+Q")}));
 }
 
 TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {

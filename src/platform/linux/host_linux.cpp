@@ -1,4 +1,3 @@
-#include <linux/ioprio.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -58,9 +57,16 @@ std::vector<std::string> activityMonitors() {
 void lowerThreadPriority() {
     constexpr int utilityNice = 10;
     const auto thread = static_cast<id_t>(gettid());
-    // Linux keeps a nice value per thread, so this leaves the main thread alone.
-    setpriority(PRIO_PROCESS, thread, utilityNice);
-    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, thread, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+    // Linux keeps a nice value per thread, so this leaves the main thread alone. A program that was
+    // started with less than utility priority keeps that.
+    if (getpriority(PRIO_PROCESS, thread) < utilityNice) {
+        setpriority(PRIO_PROCESS, thread, utilityNice);
+    }
+    // As the kernel's interface lays them down; its header cannot be read by every C++ compiler.
+    constexpr int whoProcess = 1;
+    constexpr int idleClass = 3;
+    constexpr int classShift = 13;
+    syscall(SYS_ioprio_set, whoProcess, thread, idleClass << classShift);
 }
 
 std::chrono::duration<double, std::milli> timeSinceProcessStart() {

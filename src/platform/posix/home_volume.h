@@ -8,8 +8,8 @@
 
 namespace tallowcrest {
 
-/// The plain free blocks that a user other than root may fill. A home on a network that has gone away
-/// can hold one caller for as long as that lasts; others meanwhile get the last figures.
+/// The plain free blocks that a user other than root may fill. A home on a network that has gone
+/// away can hold one caller for as long as that lasts; others meanwhile get the last figures.
 class PosixHomeVolume final : public HomeVolume {
 public:
     explicit PosixHomeVolume(std::string homeDirectory)

@@ -13,20 +13,28 @@ ThreadWorkQueue::~ThreadWorkQueue() {
 }
 
 void ThreadWorkQueue::post(std::function<void()> work) {
-    const std::lock_guard guard(lock_);
+    std::unique_lock guard(lock_);
     if (finishing_) {
         return;
     }
-    pending_.push_back(std::move(work));
-    if (pending_.size() > idleThreads_ && threads_.size() < maximumThreads) {
-        try {
-            threads_.emplace_back([this] { run(); });
-        } catch (const std::system_error&) {
-            // No thread to be had: the job waits for one that is already running, if there is one;
-            // otherwise for the next post.
-        }
+    if (pending_.size() >= idleThreads_ && threads_.size() < maximumThreads && !startThread() &&
+        threads_.empty()) {
+        guard.unlock();
+        work();
+        return;
     }
+    pending_.push_back(std::move(work));
     workArrived_.notify_one();
+}
+
+/// False when the system gives no further thread.
+bool ThreadWorkQueue::startThread() {
+    try {
+        threads_.emplace_back([this] { run(); });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
 }
 
 bool ThreadWorkQueue::finishWithin(std::chrono::milliseconds timeout) {

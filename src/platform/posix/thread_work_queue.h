@@ -28,6 +28,7 @@ public:
     /// as the slowest job.
     ~ThreadWorkQueue() override;
 
+    /// Where the system gives no thread at all, `work` runs before this returns.
     void post(std::function<void()> work) override;
 
     /// Drops what has not begun, takes nothing new, and waits for the jobs under way. False when
@@ -37,6 +38,7 @@ public:
 private:
     void stopTaking();
     void run();
+    bool startThread();
 
     ThreadSetup setup_;
     std::mutex lock_;
