@@ -50,24 +50,6 @@ std::string outputOf(const std::string& command) {
     return output;
 }
 
-std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [pid](const ProcessSample& row) { return row.pid == pid; });
-    return found == rows.end() ? std::nullopt : std::optional(*found);
-}
-
-/// Asks again until `isSo`; false when it is not so within ten seconds.
-bool eventually(const std::function<bool()>& isSo) {
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (!isSo()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
-
 [[noreturn]] void waitForever() {
     for (;;) {
         ::pause();

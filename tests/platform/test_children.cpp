@@ -3,8 +3,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <stdexcept>
+#include <thread>
 
 namespace tallowcrest {
 
@@ -40,6 +43,23 @@ void TestChild::becomeZombie() {
     ::kill(pid_, SIGKILL);
     siginfo_t info{};
     ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT);
+}
+
+std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [pid](const ProcessSample& row) { return row.pid == pid; });
+    return found == rows.end() ? std::nullopt : std::optional(*found);
+}
+
+bool eventually(const std::function<bool()>& isSo) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!isSo()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
 }
 
 }  // namespace tallowcrest

@@ -2,10 +2,14 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "core/local_records.h"
 
 namespace tallowcrest {
 
@@ -30,5 +34,11 @@ public:
 private:
     pid_t pid_ = -1;
 };
+
+/// The row of that process, absent when it is not in the table.
+std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid);
+
+/// Asks again until `isSo`; false when it is not so within ten seconds.
+bool eventually(const std::function<bool()>& isSo);
 
 }  // namespace tallowcrest
