@@ -1,7 +1,10 @@
 #include "monitor/system_monitor.h"
 
+#include <algorithm>
+#include <span>
 #include <utility>
 
+#include "core/history_encoder.h"
 #include "core/record_json.h"
 #include "core/settings_keys.h"
 
@@ -17,15 +20,12 @@ void saveJSON(SettingsStore& store, std::string_view key, const List& values) {
 }
 
 /// The newest points alone are kept across a restart.
-void saveHistory(SettingsStore& store, const std::vector<HistoryPoint>& history) {
-    if (history.size() <= StoredState::maximumStoredHistory) {
-        saveJSON(store, settings_keys::historyKey, history);
-        return;
+void saveHistory(SettingsStore& store, HistoryEncoder& encoder,
+                 std::span<const HistoryPoint> history) {
+    const std::size_t saved = std::min(history.size(), StoredState::maximumStoredHistory);
+    if (std::optional<std::string> text = encoder.encode(history.last(saved))) {
+        store.write(settings_keys::historyKey, JSONData{std::move(*text)});
     }
-    const std::vector<HistoryPoint> newest(
-        history.end() - static_cast<std::ptrdiff_t>(StoredState::maximumStoredHistory),
-        history.end());
-    saveJSON(store, settings_keys::historyKey, newest);
 }
 
 StartupFindings findings(const HostFacts& host, const MonitorExtensions& extensions) {
@@ -52,7 +52,9 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
       log_(ports.clock, observable_, std::move(stored.activityLog),
            [this](const auto& events) { saveJSON(store_, settings_keys::activityLogKey, events); }),
       sample_(observable_, std::move(stored.history),
-              [this](const auto& history) { saveHistory(store_, history); }),
+              [this, encoder = HistoryEncoder()](const auto& history) mutable {
+                  saveHistory(store_, encoder, history);
+              }),
       navigation_(observable_, startup_.showSetupWizard),
       review_(observable_, log_, sample_, settings_.protectedAppNames, host_.protection),
       applications_(log_, std::move(extensions.openActivityMonitor)),
