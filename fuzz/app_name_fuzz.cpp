@@ -8,15 +8,11 @@
 #include "sampling/app_impact.h"
 #include "sampling/protection.h"
 
+#include "fuzz/require.h"
+
 namespace {
 
 using namespace tallowcrest;
-
-void require(bool holds) {
-    if (!holds) {
-        __builtin_trap();
-    }
-}
 
 bool isGroupOfARule(std::string_view name) {
     constexpr std::array<std::string_view, 10> groups{

@@ -7,6 +7,8 @@
 #include "app/options.h"
 #include "core/utf8.h"
 
+#include "fuzz/require.h"
+
 namespace {
 
 /// Arguments hold no zero byte, which thus separates them.
@@ -22,26 +24,20 @@ std::vector<std::string> argumentsFrom(const std::uint8_t* data, std::size_t siz
     return arguments;
 }
 
-void check(bool holds) {
-    if (!holds) {
-        __builtin_trap();
-    }
-}
-
 void checkMessage(const std::string& message) {
-    check(!message.empty() && message.size() < 1000);
-    check(tallowcrest::isValidUTF8(message));
+    require(!message.empty() && message.size() < 1000);
+    require(tallowcrest::isValidUTF8(message));
     for (const char c : message) {
-        check(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
+        require(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
     }
 }
 
 void checkOptions(const tallowcrest::Options& options) {
-    check(!options.samples || *options.samples >= 1);
-    check(!options.interval ||
-          (options.interval->count() >= 10 && options.interval->count() <= 86'400'000));
+    require(!options.samples || *options.samples >= 1);
+    require(!options.interval ||
+            (options.interval->count() >= 10 && options.interval->count() <= 86'400'000));
     const bool onlyHeadless = options.json || options.samples || options.interval;
-    check(!onlyHeadless || options.headless || options.showHelp || options.showVersion);
+    require(!onlyHeadless || options.headless || options.showHelp || options.showVersion);
 }
 
 }  // namespace

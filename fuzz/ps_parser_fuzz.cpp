@@ -7,13 +7,9 @@
 
 #include "sampling/ps_parser.h"
 
-namespace {
+#include "fuzz/require.h"
 
-void require(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
-}
+namespace {
 
 void requireFigure(double figure) {
     require(figure >= 0.0 && figure <= 1e12);

@@ -5,6 +5,8 @@
 
 #include "core/utf8.h"
 
+#include "fuzz/require.h"
+
 namespace {
 
 /// Reads one character the slow way, by the value that its bytes spell; 0 for an invalid one.
@@ -53,12 +55,6 @@ bool isValidTheSlowWay(std::string_view bytes) {
         bytes.remove_prefix(length);
     }
     return true;
-}
-
-void require(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
 }
 
 }  // namespace

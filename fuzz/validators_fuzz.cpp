@@ -8,15 +8,11 @@
 #include "actions/command_validators.h"
 #include "core/white_space.h"
 
+#include "fuzz/require.h"
+
 namespace {
 
 using namespace tallowcrest::CommandSafetyPolicy;
-
-void require(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
-}
 
 /// Holds for whatever may become one word of an argument list: printable, plain, no option.
 bool isHarmlessWord(std::string_view word) {

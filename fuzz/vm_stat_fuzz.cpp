@@ -5,15 +5,7 @@
 
 #include "sampling/vm_stat_parser.h"
 
-namespace {
-
-void require(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
-}
-
-}  // namespace
+#include "fuzz/require.h"
 
 /// The text up to the first NUL is that of the physical memory, the rest that of the page counts.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
