@@ -30,8 +30,8 @@ struct ToolResult {
     bool deadlinePassed = false;
 };
 
-/// Launches tools by absolute path with an argument array; never a shell. Environment and working
-/// directory are inherited; standard input is empty. Any thread, several at once; blocks the
+/// Launches tools by absolute path with an argument array; never a shell. Environment,
+/// working directory and the calling thread's priority are inherited; standard input is empty. Any thread, several at once; blocks the
 /// caller.
 ///
 /// At the deadline the tool is asked to terminate, and the call then waits for its exit without

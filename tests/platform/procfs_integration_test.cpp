@@ -408,9 +408,5 @@ TEST(ProcfsMachineTest, DiskAgreesWithDF) {
     }));
 }
 
-TEST(ProcfsMachineTest, AHomeThatIsNotThereGivesZeros) {
-    EXPECT_EQ(PosixHomeVolume("/nonexistent/home").readDiskSnapshot(), DiskSnapshot{});
-}
-
 }  // namespace
 }  // namespace tallowcrest

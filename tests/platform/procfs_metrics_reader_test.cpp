@@ -1,5 +1,6 @@
 #include "platform/linux/procfs_metrics_reader.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -10,6 +11,8 @@
 
 namespace tallowcrest {
 namespace {
+
+using namespace std::chrono_literals;
 
 class FixedHomeVolume final : public HomeVolume {
 public:
@@ -89,9 +92,11 @@ TEST_F(ProcfsMetricsReaderTest, ReadsTheProcesses) {
 TEST(ProcStatTickSourceTest, ReadsTheFirstLine) {
     FakeProcTree tree;
     tree.putFile("stat", "cpu  1 2 3 4 5 6 7 8 9 10\ncpu0 1 1 1 1\n" + std::string(5000, 'x'));
-    ProcStatTickSource source(tree.root());
+    std::chrono::nanoseconds now = 5s;
+    ProcStatTickSource source(tree.root(), [&now] { return now; });
     EXPECT_EQ(source.readTicks(), (CPUTicks{1, 3 + 6 + 7 + 8, 4 + 5, 2}));
 
+    now += 4s;
     tree.putFile("stat", "cpu  10 20 30 40 50 60 70 80 90 100\n");
     EXPECT_EQ(source.readTicks(), (CPUTicks{10, 240, 90, 20}));
 }
@@ -103,12 +108,32 @@ TEST(ProcStatTickSourceTest, TheLargestCountersFit) {
         line += " 18446744073709551615";
     }
     tree.putFile("stat", line + "\ncpu0 1 1 1 1\n");
-    EXPECT_TRUE(ProcStatTickSource(tree.root()).readTicks());
+    EXPECT_TRUE(ProcStatTickSource(tree.root(), [] { return 5s; }).readTicks());
+}
+
+TEST(ProcStatTickSourceTest, ATickOrTwoAreNoMeasurement) {
+    FakeProcTree tree;
+    tree.putFile("stat", "cpu  100 0 100 800\n");
+    std::chrono::nanoseconds now = 5s;
+    ProcStatTickSource source(tree.root(), [&now] { return now; });
+    SystemCPULoadReader reader(source);
+
+    now += 199ms;
+    tree.putFile("stat", "cpu  101 0 100 800\n");
+    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
+
+    // What passed meanwhile is not lost to the next reading.
+    now += 1ms;
+    tree.putFile("stat", "cpu  105 0 105 830\n");
+    EXPECT_EQ(reader.readCPUPercent(), 25.0);
+
+    now += 199ms;
+    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
 }
 
 TEST(ProcStatTickSourceTest, AbsentWhenThereIsNothingToRead) {
     FakeProcTree tree;
-    ProcStatTickSource source(tree.root());
+    ProcStatTickSource source(tree.root(), [] { return 5s; });
     EXPECT_EQ(source.readTicks(), std::nullopt);
 
     tree.putFile("stat", "cpu  1 2 3 4\n");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 #include "core/clock.h"
 
 namespace tallowcrest {
@@ -8,16 +10,13 @@ namespace tallowcrest {
 class ManualClock final : public Clock {
 public:
     Date now() const override { return now_; }
-    std::chrono::nanoseconds monotonic() const override { return monotonic_; }
 
     void advance(std::chrono::nanoseconds duration) {
-        monotonic_ += duration;
         now_.secondsSinceReference += std::chrono::duration<double>(duration).count();
     }
 
 private:
     Date now_{800000000.0};
-    std::chrono::nanoseconds monotonic_{0};
 };
 
 }  // namespace tallowcrest

@@ -179,8 +179,10 @@ void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
     double newTicks = static_cast<double>(busyTicks);
     double elapsedTicks = 0.0;
     if (isFirstReading) {
-        elapsedTicks = seconds(clocks_.sinceBoot()) * machine_.ticksPerSecond -
-                       static_cast<double>(stat.startTicks);
+        const double lifetime = seconds(clocks_.sinceBoot()) * machine_.ticksPerSecond -
+                                static_cast<double>(stat.startTicks);
+        // What a program takes to start would otherwise stand for a busy process.
+        elapsedTicks = std::max(lifetime, machine_.ticksPerSecond);
     } else {
         if (now - process.readAt < shortestInterval) {
             return;
@@ -194,8 +196,7 @@ void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
         }
         elapsedTicks = seconds(now - process.readAt) * machine_.ticksPerSecond;
     }
-    // Nothing can be said of a process younger than one tick.
-    process.cpu = elapsedTicks >= 1.0 ? std::max(newTicks, 0.0) / elapsedTicks * 100.0 : 0.0;
+    process.cpu = elapsedTicks > 0.0 ? std::max(newTicks, 0.0) / elapsedTicks * 100.0 : 0.0;
     process.busyTicks = busyTicks;
     process.busyTime = busyTime;
     process.readAt = now;

@@ -42,8 +42,8 @@ public:
     /// Every process, ascending by pid. A row that cannot be read is left out; empty when the table
     /// cannot be listed.
     ///
-    /// `cpu` is the share of one core since the row's previous reading, and over the process's
-    /// whole life on its first. A reading less than `shortestInterval` after the previous one
+    /// `cpu` is the share of one core since the row's previous reading, and on its first over the
+    /// process's whole life, as if that had lasted a second at least. A reading less than `shortestInterval` after the previous one
     /// repeats that one's figure: the load of a shorter time would say nothing.
     std::vector<ProcessSample> readProcesses();
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <string>
-#include <utility>
 
 #include "sampling/home_volume.h"
 
@@ -12,13 +12,16 @@ namespace tallowcrest {
 /// away can hold one caller for as long as that lasts; others meanwhile get the last figures.
 class PosixHomeVolume final : public HomeVolume {
 public:
-    explicit PosixHomeVolume(std::string homeDirectory)
-        : homeDirectory_(std::move(homeDirectory)) {}
+    /// Reads the volume that holds the home directory; may block.
+    using ReadVolume = std::function<DiskSnapshot()>;
+
+    explicit PosixHomeVolume(std::string homeDirectory);
+    explicit PosixHomeVolume(ReadVolume readVolume);
 
     DiskSnapshot readDiskSnapshot() override;
 
 private:
-    const std::string homeDirectory_;
+    const ReadVolume readVolume_;
     std::mutex reading_;
     std::mutex lock_;
     DiskSnapshot latest_;

@@ -4,11 +4,10 @@
 
 namespace tallowcrest {
 
-/// The machine's own clocks.
+/// The machine's own clock.
 class SystemClock final : public Clock {
 public:
     Date now() const override;
-    std::chrono::nanoseconds monotonic() const override;
 };
 
 }  // namespace tallowcrest
