@@ -14,6 +14,7 @@
 #include "monitor/sample_cycle.h"
 #include "monitor/system_monitor.h"
 #include "platform/host.h"
+#include "platform/icu/icu_locale.h"
 #include "platform/posix/system_clock.h"
 #include "platform/posix/tool_launcher_posix.h"
 #include "tests/support/fake_readers.h"
@@ -59,7 +60,8 @@ class Bench {
 public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
         : monitor_(MonitorPorts{mainQueue_, workQueue_, clock_, store_, std::move(metrics),
-                                std::move(ticks)},
+                                std::move(ticks),
+                                std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"})},
                    HostFacts{inputs().cpuCount, inputs().protection, {}, {}}) {
         while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
             takeInBackground();

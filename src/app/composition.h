@@ -6,19 +6,26 @@
 #include <vector>
 
 #include "core/queues.h"
-#include "core/settings_store.h"
 #include "monitor/system_monitor.h"
 #include "platform/posix/system_clock.h"
 #include "platform/posix/thread_work_queue.h"
 #include "platform/posix/tool_launcher_posix.h"
+#include "platform/sqlite/open_settings_store.h"
 
 namespace tallowcrest {
+
+/// What a program may do with the owner's stored settings.
+enum class SettingsAccess {
+    keep,  ///< changes are stored
+    look,  ///< changes last as long as the program, and nothing is written
+};
 
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
-    Composition(MainQueue& mainQueue, std::vector<std::string> processArguments,
-                MonitorExtensions extensions);
+    /// Says on standard error what could not be read of the settings, and tells the monitor too.
+    Composition(MainQueue& mainQueue, SettingsAccess access,
+                std::vector<std::string> processArguments, MonitorExtensions extensions);
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 
@@ -30,9 +37,9 @@ public:
 
 private:
     SystemClock clock_;
-    MemorySettingsStore settingsStore_;
     PosixToolLauncher toolLauncher_;
     ThreadWorkQueue workQueue_;
+    OpenedStore settings_;
     std::optional<SystemMonitor> monitor_;
 };
 

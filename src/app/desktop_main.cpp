@@ -11,9 +11,13 @@
 #include "app/console.h"
 #include "app/startup_trace.h"
 #include "platform/desktop/desktop_applications.h"
+#include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
 #include "platform/desktop/tray_host_watch.h"
+#include "platform/host.h"
+#include "platform/posix/instance_guard.h"
+#include "platform/posix/instance_place.h"
 #include "platform/posix/standard_streams.h"
 #include "presentation/crest_style.h"
 #include "presentation/dashboard_window.h"
@@ -91,13 +95,41 @@ void followAppearance(SystemAppearance& desktop) {
     desktop.start();
 }
 
-int runWindow(QApplication& application, std::vector<std::string> arguments) {
+/// What this start owes to another one that runs already. `status` is there when it owes no more.
+struct Instance {
+    std::optional<InstanceGuard> guard;
+    std::optional<int> status;
+};
+
+Instance becomeTheInstance() {
+    // Without a guard two windows are possible, which is better than none.
+    InstanceStart start =
+        startInstance(instancePlace(instanceEnvironment(host::dataDirectory().string())),
+                      {desktopActivationToken()});
+    switch (start.outcome) {
+        case InstanceStart::Outcome::first:
+            break;
+        case InstanceStart::Outcome::handedOver:
+            return {std::nullopt, EXIT_SUCCESS};
+        case InstanceStart::Outcome::noAnswer:
+            complain(start.message);
+            return {std::nullopt, EXIT_FAILURE};
+        case InstanceStart::Outcome::unguarded:
+            complain("a second start will not find this window: " + start.message);
+            break;
+    }
+    return {std::move(start.guard), std::nullopt};
+}
+
+int runWindow(QApplication& application, std::vector<std::string> arguments,
+              std::optional<InstanceGuard>& guard) {
     SystemAppearance desktop;
     followAppearance(desktop);
     QtMainQueue mainQueue;
     MonitorExtensions extensions;
     extensions.openActivityMonitor = openActivityMonitor;
-    Composition composition(mainQueue, std::move(arguments), std::move(extensions));
+    Composition composition(mainQueue, SettingsAccess::keep, std::move(arguments),
+                            std::move(extensions));
     int status = 0;
     {
         DashboardWindow window(composition.monitor(), mainQueue);
@@ -112,6 +144,12 @@ int runWindow(QApplication& application, std::vector<std::string> arguments) {
             }
         });
         QObject::connect(&trayHost, &TrayHostWatch::lost, &window, &QWidget::show);
+        std::optional<InstanceListener> otherStarts;
+        if (guard) {
+            otherStarts.emplace(*guard);
+            QObject::connect(&*otherStarts, &InstanceListener::showRequested, &window,
+                             &DashboardWindow::bringToFront);
+        }
         window.show();
         status = QApplication::exec();
     }
@@ -136,6 +174,12 @@ int main(int argc, char** argv) {
         complain("this program only opens the window. Try: tallowcrest --headless");
         return usageStatus;
     }
+    // Before the display is asked for anything: a start that only hands over is quick. Behind the
+    // monitor in the order of ending: the next start begins once this one is done with its data.
+    Instance instance = becomeTheInstance();
+    if (instance.status) {
+        return *instance.status;
+    }
     qInstallMessageHandler(reportMessage);
     QApplication::setApplicationName(QStringLiteral("Tallowcrest"));
     QApplication::setApplicationVersion(QStringLiteral(TALLOWCREST_VERSION));
@@ -146,5 +190,5 @@ int main(int argc, char** argv) {
     QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
-    return runWindow(application, arguments);
+    return runWindow(application, arguments, instance.guard);
 }

@@ -54,7 +54,8 @@ int runHeadless(const Options& options, std::vector<std::string> processArgument
     SystemMonitor* monitor = nullptr;
     MonitorExtensions extensions;
     extensions.main.sampleApplied = [&] { printer.print(monitor->sample()); };
-    Composition composition(loop, std::move(processArguments), std::move(extensions));
+    Composition composition(loop, SettingsAccess::look, std::move(processArguments),
+                            std::move(extensions));
     monitor = &composition.monitor();
     monitor->startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
     const int status = loop.run();

@@ -33,6 +33,20 @@ std::string localTime(Date date) {
     return fmt::format("{:%Y-%m-%d %H:%M:%S}", parts);
 }
 
+/// No machine has none: a total of zero says that nothing could be read.
+constexpr std::string_view unknownFigures = "unknown";
+
+std::string memoryFigures(const MemorySnapshot& memory) {
+    return memory.totalGB == 0.0 ? std::string(unknownFigures)
+                                 : fmt::format("{:.0f}%  {:.1f} of {:.1f} GB used", memory.pressure,
+                                               memory.usedGB, memory.totalGB);
+}
+
+std::string diskFigures(const DiskSnapshot& disk) {
+    return disk.totalGB == 0.0 ? std::string(unknownFigures)
+                               : fmt::format("{:.1f} of {:.1f} GB free", disk.freeGB, disk.totalGB);
+}
+
 json optionalNumber(const std::optional<std::int64_t>& value) {
     return value ? json(*value) : json(nullptr);
 }
@@ -85,12 +99,9 @@ json arrayOf(const Values& values, Convert convert) {
 
 std::string sampleBlock(const SystemSnapshot& snapshot,
                         const std::vector<Recommendation>& recommendations) {
-    const MemorySnapshot& memory = snapshot.memory;
-    std::string block = fmt::format(
-        "{}  CPU {:.0f}%  Memory {:.0f}%  {:.1f} of {:.1f} GB used  Disk {:.1f} of {:.1f} GB "
-        "free\n",
-        localTime(snapshot.sampledAt), snapshot.cpuPercent, memory.pressure, memory.usedGB,
-        memory.totalGB, snapshot.disk.freeGB, snapshot.disk.totalGB);
+    std::string block = fmt::format("{}  CPU {:.0f}%  Memory {}  Disk {}\n",
+                                    localTime(snapshot.sampledAt), snapshot.cpuPercent,
+                                    memoryFigures(snapshot.memory), diskFigures(snapshot.disk));
     if (snapshot.appImpacts.empty()) {
         block += "  Sampling apps…\n";
     } else {
@@ -104,8 +115,9 @@ std::string sampleBlock(const SystemSnapshot& snapshot,
                              group.totalCPU, group.totalMemoryMB, group.processCount);
     }
     for (const Recommendation& recommendation : recommendations) {
-        block += fmt::format("  [{}] {}\n", title(recommendation.severity),
-                             printableText(recommendation.title).text);
+        block += fmt::format("  [{}] {}\n      {}\n", title(recommendation.severity),
+                             printableText(recommendation.title).text,
+                             printableText(recommendation.detail).text);
     }
     block += '\n';
     return block;

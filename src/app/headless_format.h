@@ -7,8 +7,9 @@
 
 namespace tallowcrest {
 
-/// One sample as a readable block, closed by an empty line. Control characters in names are shown
-/// as "?", so that no process can write to the terminal.
+/// One sample as a readable block, closed by an empty line: the machine, the leading groups, the
+/// recommendations with their reasons. Memory and disk that could not be read are called unknown.
+/// Control characters in names are shown as "?", so that no process can write to the terminal.
 std::string sampleBlock(const SystemSnapshot& snapshot,
                         const std::vector<Recommendation>& recommendations);
 

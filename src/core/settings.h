@@ -11,33 +11,40 @@
 #include "core/advisor_records.h"
 #include "core/local_records.h"
 #include "core/remote_records.h"
+#include "core/settings_keys.h"
 #include "core/settings_store.h"
 
 namespace tallowcrest {
 
-/// What the owner chose. Each member is named after the field of the monitor that it is.
+/// What the owner chose. Each member is named after the field of the monitor that it is; the table
+/// of keys has what it starts from.
 struct Settings {
-    static constexpr double defaultWarningThreshold = 82.0;
+    static constexpr double defaultWarningThreshold =
+        settings_keys::whenAbsent<double>(settings_keys::thresholdKey);
 
     double warningThreshold = defaultWarningThreshold;  ///< percent
     std::set<std::string, std::less<>> protectedAppNames;
     std::set<std::string, std::less<>> collapsedSections;
-    bool autoSelectTopOffender = true;
-    bool autoPurgeSustainedMemory = false;
-    bool autoScanRemoteMacs = false;
+    bool autoSelectTopOffender = settings_keys::whenAbsent<bool>(settings_keys::autoSelectKey);
+    bool autoPurgeSustainedMemory = settings_keys::whenAbsent<bool>(settings_keys::autoPurgeKey);
+    bool autoScanRemoteMacs = settings_keys::whenAbsent<bool>(settings_keys::autoRemoteScanKey);
     std::string sshUsername;
-    bool firstRunComplete = false;
-    std::string openAIModel = "gpt-5.6-luna";
-    bool aiSafeActionsEnabled = false;
-    bool notificationsIncludeActions = true;
-    bool aiRedactProcessDetails = true;
-    bool aiRequirePreview = true;
+    bool firstRunComplete = settings_keys::whenAbsent<bool>(settings_keys::firstRunCompleteKey);
+    std::string openAIModel{
+        settings_keys::whenAbsent<std::string_view>(settings_keys::openAIModelKey)};
+    bool aiSafeActionsEnabled = settings_keys::whenAbsent<bool>(settings_keys::aiSafeActionsKey);
+    bool notificationsIncludeActions =
+        settings_keys::whenAbsent<bool>(settings_keys::notificationActionsKey);
+    bool aiRedactProcessDetails =
+        settings_keys::whenAbsent<bool>(settings_keys::aiRedactProcessDetailsKey);
+    bool aiRequirePreview = settings_keys::whenAbsent<bool>(settings_keys::aiRequirePreviewKey);
     AIAutonomyMode aiAutonomyMode = AIAutonomyMode::apprentice;
-    bool diskAutopilotEnabled = false;
-    double diskMinimumFreeGB = 20.0;
-    double diskCleanupAgeDays = 30.0;
-    double diskMaxCleanupGB = 2.0;
-    bool automationEmergencyStopEngaged = false;
+    bool diskAutopilotEnabled = settings_keys::whenAbsent<bool>(settings_keys::diskAutopilotKey);
+    double diskMinimumFreeGB = settings_keys::whenAbsent<double>(settings_keys::diskMinimumFreeKey);
+    double diskCleanupAgeDays = settings_keys::whenAbsent<double>(settings_keys::diskCleanupAgeKey);
+    double diskMaxCleanupGB = settings_keys::whenAbsent<double>(settings_keys::diskMaxCleanupKey);
+    bool automationEmergencyStopEngaged =
+        settings_keys::whenAbsent<bool>(settings_keys::automationEmergencyStopKey);
 };
 
 /// Everything that survives a restart, as it was loaded: what the owner chose, and what the

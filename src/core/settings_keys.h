@@ -1,8 +1,12 @@
 #pragma once
 
+#include <array>
 #include <string_view>
+#include <variant>
 
-/// Every key of the settings store.
+#include "core/settings_store.h"
+
+/// Every key of the settings store, what kind of value it holds, and what counts when it is absent.
 namespace tallowcrest::settings_keys {
 
 inline constexpr std::string_view thresholdKey = "Tallowcrest.warningThreshold";
@@ -35,5 +39,57 @@ inline constexpr std::string_view automationEmergencyStopKey =
     "Tallowcrest.automationEmergencyStop";
 inline constexpr std::string_view storageAnalysisBookmarkKey =
     "Tallowcrest.storageAnalysisBookmark";
+
+/// What counts when a key is absent. No value of its own for lists, tables and records, which are
+/// empty then, and for what depends on the machine.
+using WhenAbsent = std::variant<std::monostate, bool, double, std::string_view>;
+
+struct Key {
+    std::string_view name;
+    SettingsKind kind;
+    WhenAbsent whenAbsent = {};
+};
+
+inline constexpr std::array<Key, 28> all{{
+    {thresholdKey, SettingsKind::number, 82.0},
+    {activityLogKey, SettingsKind::json},
+    {protectedAppsKey, SettingsKind::textList},
+    {historyKey, SettingsKind::json},
+    {remoteTopAppsKey, SettingsKind::table},
+    {collapsedSectionsKey, SettingsKind::textList},
+    {autoSelectKey, SettingsKind::flag, true},
+    {autoPurgeKey, SettingsKind::flag, false},
+    {autoRemoteScanKey, SettingsKind::flag, false},
+    {sshUsernameKey, SettingsKind::text},
+    {firstRunCompleteKey, SettingsKind::flag, false},
+    {openAIModelKey, SettingsKind::text, std::string_view("gpt-5.6-luna")},
+    {aiSafeActionsKey, SettingsKind::flag, false},
+    {aiRuleDraftsKey, SettingsKind::json},
+    {remoteProfilesKey, SettingsKind::json},
+    {remoteHistoryKey, SettingsKind::json},
+    {notificationActionsKey, SettingsKind::flag, true},
+    {aiRedactProcessDetailsKey, SettingsKind::flag, true},
+    {aiRequirePreviewKey, SettingsKind::flag, true},
+    {aiTrustRecordsKey, SettingsKind::json},
+    {aiAutonomyModeKey, SettingsKind::text, std::string_view("apprentice")},
+    {aiChatMessagesKey, SettingsKind::json},
+    {diskAutopilotKey, SettingsKind::flag, false},
+    {diskMinimumFreeKey, SettingsKind::number, 20.0},
+    {diskCleanupAgeKey, SettingsKind::number, 30.0},
+    {diskMaxCleanupKey, SettingsKind::number, 2.0},
+    {automationEmergencyStopKey, SettingsKind::flag, false},
+    {storageAnalysisBookmarkKey, SettingsKind::data},
+}};
+
+/// The default of a key that has one of that type; anything else does not compile.
+template <class Value>
+consteval Value whenAbsent(std::string_view name) {
+    for (const Key& key : all) {
+        if (key.name == name) {
+            return std::get<Value>(key.whenAbsent);
+        }
+    }
+    throw "there is no such key";
+}
 
 }  // namespace tallowcrest::settings_keys

@@ -2,6 +2,10 @@
 
 namespace tallowcrest {
 
+SettingsKind kindOf(const SettingsValue& value) {
+    return static_cast<SettingsKind>(value.index());
+}
+
 std::optional<SettingsValue> MemorySettingsStore::read(std::string_view key) const {
     const auto found = values_.find(key);
     return found == values_.end() ? std::nullopt : std::optional(found->second);

@@ -17,20 +17,31 @@ struct JSONData {
     bool operator==(const JSONData&) const = default;
 };
 
+/// Bytes that mean something to one component alone.
+struct SettingsData {
+    std::string bytes;
+
+    bool operator==(const SettingsData&) const = default;
+};
+
 using SettingsTextList = std::vector<std::string>;
 using SettingsTable = std::map<std::string, std::int64_t>;
 
-/// The kinds of values that a settings key can hold: flag, number, text, list of texts, table from
-/// text to integer, JSON.
-using SettingsValue =
-    std::variant<bool, double, std::string, SettingsTextList, SettingsTable, JSONData>;
+/// The kinds of values that a settings key can hold, in the order of the alternatives of
+/// `SettingsValue`.
+enum class SettingsKind { flag, number, text, textList, table, json, data };
+
+using SettingsValue = std::variant<bool, double, std::string, SettingsTextList, SettingsTable,
+                                   JSONData, SettingsData>;
+
+SettingsKind kindOf(const SettingsValue& value);
 
 /// The owner's flat key-value store. Main thread.
 class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
 
-    /// Absent when the key was never written.
+    /// Absent when the key was never written, or when no sense can be made of what is stored.
     virtual std::optional<SettingsValue> read(std::string_view key) const = 0;
 
     /// Written through before it returns. A value that cannot be kept leaves the older one.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,11 +12,14 @@
 #include "actions/review_target.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
+#include "core/locale.h"
 #include "core/observable.h"
 #include "core/queues.h"
+#include "core/remote_records.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
 #include "monitor/automation_dates.h"
+#include "monitor/dashboard_sections.h"
 #include "monitor/navigation.h"
 #include "monitor/sample_cycle.h"
 #include "monitor/startup_state.h"
@@ -35,6 +39,7 @@ struct MonitorPorts {
     SettingsStore& settingsStore;
     std::shared_ptr<SystemMetricsReader> metrics;
     std::shared_ptr<CPUTickSource> ticks;
+    std::shared_ptr<const Locale> locale;  ///< never null
 };
 
 /// Facts of this process and machine, fixed for the run.
@@ -43,9 +48,12 @@ struct HostFacts {
     ProtectionPolicy protection;
     std::string loginName;
     std::vector<std::string> processArguments;
+    /// What the owner has to know about this start, a sentence each; recorded as messages.
+    std::vector<std::string> startupProblems = {};
 };
 
-/// Operations of components that do not belong to the monitor itself; each may be absent.
+/// Operations of components that do not belong to the monitor itself; each may be absent. A hook
+/// for a step that the monitor does itself takes that step's place.
 struct MonitorExtensions {
     BackgroundHooks background;
     MainHooks main;
@@ -53,6 +61,8 @@ struct MonitorExtensions {
     std::function<void()> registerNotifications;
     std::function<bool()> hasOpenAIKey;
     std::function<bool()> hasLocalPublicKey;
+    /// The newest scan of other machines, valid until the main thread does something else.
+    std::function<std::span<const RemoteHealth>()> remoteHealth;
     ExternalApplications::Open openActivityMonitor;
 };
 
@@ -87,12 +97,18 @@ public:
     ActivityLog& log() { return log_; }
     const LatestSample& sample() const { return sample_; }
     Navigation& navigation() { return navigation_; }
+    DashboardSections& sections() { return sections_; }
     ReviewTarget& review() { return review_; }
     ExternalApplications& applications() { return applications_; }
 
 private:
+    /// What construction begins with, in this order: the load is counted from the first moment.
+    struct Beginning {
+        std::shared_ptr<SampleSources> sources;
+        StoredState stored;
+    };
     SystemMonitor(const MonitorPorts& ports, HostFacts host, MonitorExtensions extensions,
-                  StoredState stored);
+                  Beginning beginning);
 
     HostFacts host_;
     SettingsStore& store_;
@@ -100,11 +116,13 @@ private:
     std::function<void()> registerNotifications_;
     Observable observable_;
     Settings settings_;
+    SettingsTable remoteTopAppSamples_;
     StartupState startup_;
     AutomationDates automationDates_;
     ActivityLog log_;
     LatestSample sample_;
     Navigation navigation_;
+    DashboardSections sections_;
     ReviewTarget review_;
     ExternalApplications applications_;
     SampleCycle cycle_;

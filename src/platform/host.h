@@ -33,6 +33,10 @@ int activeProcessorCount();
 /// The user's login name; empty when the system does not know one.
 std::string loginName();
 
+/// The program's own folder for what it keeps of the user's, as an absolute path. It need not
+/// exist. Empty when the system does not tell where the user's data belongs.
+std::filesystem::path dataDirectory();
+
 /// The running program's own file; empty when the system does not tell.
 std::filesystem::path executablePath();
 

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "sampling/lowered_name.h"
 #include "sampling/stable_order.h"
 
 namespace tallowcrest {
@@ -14,27 +15,13 @@ namespace {
 
 // Names into groups ------------------------------------------------------------------------------
 
-/// One bit for each of the letters a to z that a text holds.
-constexpr std::uint32_t letterBit(char c) {
-    return c >= 'a' && c <= 'z' ? std::uint32_t{1} << (c - 'a') : 0;
-}
-
-constexpr std::uint32_t lettersOf(std::string_view text) {
-    std::uint32_t letters = 0;
-    for (const char c : text) {
-        letters |= letterBit(c);
-    }
-    return letters;
-}
-
 struct GroupRule {
     constexpr GroupRule(std::string_view text, std::string_view name, bool equal = false)
-        : needle(text), group(name), whole(equal), letters(lettersOf(text)) {}
+        : needle(text), group(name), whole(equal) {}
 
-    std::string_view needle;
+    NameNeedle needle;
     std::string_view group;
     bool whole;  ///< the name must equal the needle, not just contain it
-    std::uint32_t letters;
 };
 
 constexpr bool wholeName = true;
@@ -61,41 +48,12 @@ constexpr std::array groupRules{
     GroupRule{"virtualmachine", "Virtualization"},
 };
 
-/// Lower-cases A to Z and the only two other letters whose lower case holds an ASCII letter. All
-/// further letters stay as they are: the needles are ASCII, so none can take part in a match.
-void lowerCase(std::string_view text, std::string& lowered) {
-    constexpr std::string_view kelvinSign = "\u212A";
-    constexpr std::string_view dottedCapitalI = "\u0130";
-    lowered.clear();
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c >= 'A' && c <= 'Z') {
-            lowered.push_back(static_cast<char>(c - 'A' + 'a'));
-        } else if (c == kelvinSign.front() && text.substr(i).starts_with(kelvinSign)) {
-            lowered.push_back('k');
-            i += kelvinSign.size() - 1;
-        } else if (c == dottedCapitalI.front() && text.substr(i).starts_with(dottedCapitalI)) {
-            lowered.append("i\u0307");
-            i += dottedCapitalI.size() - 1;
-        } else {
-            lowered.push_back(c);
-        }
-    }
-}
-
 /// The group as a view of the rules or of `name`. `scratch` is working space, kept by the caller
 /// so that a table of names needs no allocation each.
-std::string_view groupOf(std::string_view name, std::string& scratch) {
-    lowerCase(name, scratch);
-    const std::string_view lowered = scratch;
-    const std::uint32_t letters = lettersOf(lowered);
+std::string_view groupOf(std::string_view name, LoweredName& scratch) {
+    scratch.assign(name);
     for (const GroupRule& rule : groupRules) {
-        // Most names lack some letter of most needles, which spares the search.
-        if ((rule.letters & ~letters) != 0) {
-            continue;
-        }
-        if (rule.whole ? lowered == rule.needle
-                       : lowered.find(rule.needle) != std::string_view::npos) {
+        if (rule.whole ? scratch.equals(rule.needle) : scratch.contains(rule.needle)) {
             return rule.group;
         }
     }
@@ -154,7 +112,7 @@ public:
     GroupedRows(const std::vector<ProcessSample>& rows, const ProtectionPolicy& policy)
         : rows_(rows), nextRow_(rows.size(), noRow), protectedRow_(rows.size()) {
         std::unordered_map<std::string_view, std::size_t> groupIndexes;
-        std::string scratch;
+        LoweredName scratch;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const std::string_view name = groupOf(rows[i].displayName(), scratch);
             const auto [found, isNew] = groupIndexes.try_emplace(name, groups_.size());
@@ -200,7 +158,7 @@ private:
 }  // namespace
 
 std::string normalizedAppName(std::string_view name) {
-    std::string scratch;
+    LoweredName scratch;
     return std::string(groupOf(name, scratch));
 }
 

@@ -80,17 +80,41 @@ TEST_F(SampleBlock, ReadsAtAGlance) {
         "  Developer Tools                142.5%    1533 MB          3\n"
         "  Google Chrome                   10.0%    2048 MB         21\n"
         "  [Urgent] CPU is high\n"
+        "      Why.\n"
         "  [Caution] Free memory\n"
+        "      Why.\n"
         "  [Info] Looks healthy\n"
+        "      Why.\n"
         "\n");
 }
 
 TEST_F(SampleBlock, SaysSoWhenThereIsNoGroup) {
     EXPECT_EQ(sampleBlock({}, {}),
-              "2001-01-01 00:00:00  CPU 0%  Memory 0%  0.0 of 0.0 GB used  "
-              "Disk 0.0 of 0.0 GB free\n"
+              "2001-01-01 00:00:00  CPU 0%  Memory unknown  Disk unknown\n"
               "  Sampling apps…\n"
               "\n");
+}
+
+TEST_F(SampleBlock, OnlyATotalOfZeroIsUnknown) {
+    struct Case {
+        MemorySnapshot memory;
+        DiskSnapshot disk;
+        std::string line;
+    };
+    for (const Case& c : std::vector<Case>{
+             {{16, 16, 0, 0, 0, 100},
+              {},
+              "CPU 37%  Memory 100%  16.0 of 16.0 GB used  Disk unknown"},
+             {{}, {465.7, 0}, "CPU 37%  Memory unknown  Disk 0.0 of 465.7 GB free"},
+             {{16, 0, 16, 0, 0, 0},
+              {0.04, 0.04},
+              "CPU 37%  Memory 0%  0.0 of 16.0 GB used  Disk 0.0 of 0.0 GB free"},
+         }) {
+        SystemSnapshot snapshot = sampleSnapshot();
+        snapshot.memory = c.memory;
+        snapshot.disk = c.disk;
+        EXPECT_EQ(linesOf(sampleBlock(snapshot, {})).at(0), "2023-11-14 22:13:20  " + c.line);
+    }
 }
 
 TEST_F(SampleBlock, ShowsTheFirstFiveGroups) {
@@ -145,10 +169,11 @@ TEST_F(SampleBlock, KeepsItsColumnsWhateverTheNames) {
     }
 }
 
-TEST_F(SampleBlock, ARecommendationStaysOnItsLine) {
-    const std::string block =
-        sampleBlock(sampleSnapshot(), {card("Two\nlines \x1B[2J", Recommendation::Severity::info)});
-    EXPECT_THAT(block, HasSubstr("\n  [Info] Two?lines ?[2J\n"));
+TEST_F(SampleBlock, ARecommendationStaysOnItsLines) {
+    Recommendation recommendation = card("Two\nlines \x1B[2J", Recommendation::Severity::info);
+    recommendation.detail = "a\nb \x1B[31m";
+    EXPECT_THAT(sampleBlock(sampleSnapshot(), {recommendation}),
+                HasSubstr("\n  [Info] Two?lines ?[2J\n      a?b ?[31m\n"));
 }
 
 TEST_F(SampleBlock, FiguresThatAreNoNumbersDoNoHarm) {

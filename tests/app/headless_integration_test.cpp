@@ -19,6 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/posix/system_clock.h"
+#include "tests/app/private_data.h"
 #include "tests/support/run_program.h"
 
 namespace tallowcrest {
@@ -29,6 +30,8 @@ using nlohmann::json;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+
+const PrivateData privateData;
 
 const std::string program = TALLOWCREST_BINARY_DIR "/tallowcrest";
 const std::vector<std::string> displayVariables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
@@ -189,6 +192,38 @@ TEST(Headless, NeedsNoHomeAndNoEnvironment) {
          .withoutVariables = {"HOME", "PATH", "USER", "LANG", "LC_ALL", "XDG_RUNTIME_DIR"}});
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.standardOutput, "");
+}
+
+// The owner's settings ---------------------------------------------------------------------------
+
+class HeadlessSettings : public ::testing::Test {
+protected:
+    ~HeadlessSettings() override { fs::remove_all(file.parent_path()); }
+
+    fs::path file = privateData.folder() / "tallowcrest" / "settings.sqlite";
+};
+
+TEST_F(HeadlessSettings, AreNotMadeByLooking) {
+    const ProgramResult result = run({"--headless", "--samples", "2", "--interval", "0.1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_TRUE(fs::is_empty(privateData.folder()));
+}
+
+TEST_F(HeadlessSettings, ThatCannotBeReadAreOneLineAndLeftAsTheyAre) {
+    fs::create_directory(file.parent_path());
+    std::ofstream(file) << "garbage";
+    const ProgramResult result = run({"--headless", "--samples", "2", "--interval", "0.1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.standardOutput, "");
+    EXPECT_EQ(result.standardError, "tallowcrest: The settings in " + file.string() +
+                                        " cannot be read, so Tallowcrest starts with default "
+                                        "settings.\n");
+    std::ostringstream content;
+    content << std::ifstream(file).rdbuf();
+    EXPECT_EQ(content.str(), "garbage");
+    EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()),
+              1);
 }
 
 // Standard output that goes nowhere --------------------------------------------------------------

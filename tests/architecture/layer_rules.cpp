@@ -18,8 +18,9 @@ constexpr std::array<std::string_view, 11> layers{
 /// The highest layer that declares ports for platform/ to implement.
 constexpr std::string_view highestPortLayer = "integration";
 
-constexpr std::array<std::string_view, 5> platformLayers{
-    "platform", "platform/posix", "platform/linux", "platform/macos", "platform/desktop"};
+constexpr std::array<std::string_view, 7> platformLayers{
+    "platform",       "platform/posix", "platform/icu",    "platform/sqlite",
+    "platform/linux", "platform/macos", "platform/desktop"};
 
 constexpr std::array<std::string_view, 3> qtLayers{"presentation", "platform/desktop", "app"};
 

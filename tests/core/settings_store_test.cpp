@@ -30,6 +30,7 @@ TEST(MemorySettingsStore, EveryKindReadsBackAsItself) {
         SettingsTable{},
         SettingsTable{{"a", 1}, {"b", -2}},
         JSONData{"[]"},
+        SettingsData{"bytes"},
     };
     for (const SettingsValue& value : values) {
         store.write("key", value);

@@ -47,7 +47,8 @@ class SystemMonitorTest : public ::testing::Test {
 protected:
     SystemMonitor& makeMonitor(MonitorExtensions extensions = {}) {
         owned = std::make_unique<SystemMonitor>(
-            MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks},
+            MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
+                         std::make_shared<PlainLocale>()},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
                       .loginName = "owner",
@@ -75,6 +76,42 @@ protected:
 };
 
 // Construction -----------------------------------------------------------------------------------
+
+/// A store that tells a list that it was read.
+class ReadTellingStore final : public SettingsStore {
+public:
+    explicit ReadTellingStore(std::vector<std::string>& calls) : calls_(calls) {}
+
+    std::optional<SettingsValue> read(std::string_view) const override {
+        if (calls_.empty() || calls_.back() != "store") {
+            calls_.emplace_back("store");
+        }
+        return std::nullopt;
+    }
+    void write(std::string_view, const SettingsValue&) override { calls_.emplace_back("write"); }
+
+private:
+    std::vector<std::string>& calls_;
+};
+
+TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoadsThenAsksForTheKeys) {
+    std::vector<std::string> calls;
+    ReadTellingStore telling(calls);
+    ticks->calls = &calls;
+    MonitorExtensions extensions;
+    extensions.hasOpenAIKey = [&calls] {
+        calls.emplace_back("key");
+        return true;
+    };
+    extensions.hasLocalPublicKey = [&calls] {
+        calls.emplace_back("public key");
+        return true;
+    };
+    const SystemMonitor monitor(MonitorPorts{mainQueue, workQueue, clock, telling, metrics, ticks,
+                                             std::make_shared<PlainLocale>()},
+                                HostFacts{}, std::move(extensions));
+    EXPECT_THAT(calls, ElementsAre("readTicks", "store", "key", "public key"));
+}
 
 TEST_F(SystemMonitorTest, ConstructionStartsNothing) {
     int registrations = 0;

@@ -81,6 +81,28 @@ TEST(Host, ADisplayIsWhatTheEnvironmentNames) {
     }
 }
 
+std::filesystem::path homeOfTheAccount() {
+    const passwd* account = getpwuid(getuid());
+    return account != nullptr ? account->pw_dir : "";
+}
+
+TEST(Host, KeepsDataWhereTheUserWantsItOrElseInTheHome) {
+    const ScopedVariables environment{"XDG_DATA_HOME", "HOME"};
+    EXPECT_EQ(host::dataDirectory(), homeOfTheAccount() / ".local/share/tallowcrest");
+    ::setenv("HOME", "/somewhere/home", 1);
+    EXPECT_EQ(host::dataDirectory(), "/somewhere/home/.local/share/tallowcrest");
+    ::setenv("XDG_DATA_HOME", "/somewhere/data", 1);
+    EXPECT_EQ(host::dataDirectory(), "/somewhere/data/tallowcrest");
+    for (const char* noPlace : {"", "relative", "./data", "~/data"}) {
+        ::setenv("XDG_DATA_HOME", noPlace, 1);
+        EXPECT_EQ(host::dataDirectory(), "/somewhere/home/.local/share/tallowcrest") << noPlace;
+    }
+    for (const char* noHome : {"", "relative"}) {
+        ::setenv("HOME", noHome, 1);
+        EXPECT_EQ(host::dataDirectory(), homeOfTheAccount() / ".local/share/tallowcrest") << noHome;
+    }
+}
+
 TEST(Host, TellsHowLongTheProcessHasRun) {
     const auto first = host::timeSinceProcessStart();
     const auto second = host::timeSinceProcessStart();

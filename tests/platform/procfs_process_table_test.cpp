@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "core/utf8.h"
+#include "sampling/protection.h"
 #include "tests/platform/fake_proc_tree.h"
 
 namespace tallowcrest {
@@ -129,8 +130,9 @@ TEST_F(ProcfsProcessTableTest, LoadIsNeverNegativeOrEndless) {
 
     auto rows = table.readProcesses();
     ASSERT_EQ(rows.size(), 3U);
-    EXPECT_EQ(rows[0].cpu, 0.0);
-    EXPECT_EQ(rows[1].cpu, 0.0);
+    // What a program takes to start counts as the work of a second.
+    EXPECT_DOUBLE_EQ(rows[0].cpu, 5.0);
+    EXPECT_DOUBLE_EQ(rows[1].cpu, 5.0);
     EXPECT_TRUE(std::isfinite(rows[2].cpu));
     EXPECT_TRUE(std::isfinite(rows[2].rssMB));
 
@@ -272,7 +274,23 @@ TEST_F(ProcfsProcessTableTest, WithoutAnExecutableTheFirstArgumentIsTheCommand) 
         commands.push_back(row.command);
     }
     EXPECT_THAT(commands, ElementsAre("/usr/sbin/daemon", "server: accepting on /run/socket",
-                                      "[no arguments]", "[empty first]", "[nothing]"));
+                                      "no arguments", "empty first", "nothing"));
+}
+
+TEST_F(ProcfsProcessTableTest, OnlyKernelThreadsAreNamedInBrackets) {
+    // A process that was already ending at its first reading has neither executable nor arguments.
+    tree.put(3, {.name = "as", .state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
+    tree.putCommandLine(3, "");
+    tree.put(4, {.name = "as", .flags = 0x0040400c});
+    tree.put(5, {.name = "as", .flags = 0x00200040});
+    std::vector<std::string> commands;
+    std::vector<bool> areProtected;
+    for (const auto& row : table.readProcesses()) {
+        commands.push_back(row.command);
+        areProtected.push_back(isProtectedOnLinux(row));
+    }
+    EXPECT_THAT(commands, ElementsAre("as", "as", "[as]"));
+    EXPECT_THAT(areProtected, ElementsAre(false, false, true));
 }
 
 TEST_F(ProcfsProcessTableTest, AKernelThreadIsKnownByItsNameAlone) {
@@ -294,7 +312,7 @@ TEST_F(ProcfsProcessTableTest, NamesMayHoldBlanksAndBrackets) {
 
     const ProcessSample row = onlyRow();
 
-    EXPECT_EQ(row.command, "[we ird) (x]");
+    EXPECT_EQ(row.command, "we ird) (x");
     EXPECT_DOUBLE_EQ(row.cpu, 1.0);
 }
 
@@ -323,7 +341,7 @@ TEST_F(ProcfsProcessTableTest, AllTextIsValid) {
     const auto rows = table.readProcesses();
 
     ASSERT_EQ(rows.size(), 3U);
-    EXPECT_EQ(rows[0].command, "[na\xef\xbf\xbdme]");
+    EXPECT_EQ(rows[0].command, "na\xef\xbf\xbdme");
     EXPECT_EQ(rows[1].command, "/opt/\xef\xbf\xbd(");
     for (const auto& row : rows) {
         EXPECT_TRUE(isValidUTF8(row.command));
@@ -486,7 +504,7 @@ TEST_F(ProcfsDescriptorTest, ACommandThatWasAMakeshiftIsSettledLater) {
         taken.pop_back();
         const auto rows = table.readProcesses();
         ASSERT_EQ(rows.size(), 2U);
-        EXPECT_EQ(rows[1].command, "[worker]");
+        EXPECT_EQ(rows[1].command, "worker");
     }
     const auto rows = table.readProcesses();
     ASSERT_EQ(rows.size(), 2U);

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "core/locale.h"
 #include "core/settings_store.h"
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_readers.h"
@@ -27,7 +28,8 @@ public:
     SystemMonitor& monitor() {
         if (monitor_ == nullptr) {
             monitor_ = std::make_unique<SystemMonitor>(
-                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks},
+                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
+                             std::make_shared<PlainLocale>()},
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",

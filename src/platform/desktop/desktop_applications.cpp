@@ -1,5 +1,7 @@
 #include "platform/desktop/desktop_applications.h"
 
+#include <algorithm>
+
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QProcess>
@@ -11,25 +13,27 @@ namespace tallowcrest {
 namespace {
 
 /// A bundle is a folder that the desktop itself knows how to open.
-bool open(const QFileInfo& application) {
+bool open(const QFileInfo& application, const CommandSafetyPolicy::AllowedExecutables& allowed) {
     if (application.isDir()) {
         return QDesktopServices::openUrl(QUrl::fromLocalFile(application.filePath()));
     }
     return application.isExecutable() &&
-           CommandSafetyPolicy::isAllowedExecutable(host::allowedExecutables(),
+           CommandSafetyPolicy::isAllowedExecutable(allowed,
                                                     application.filePath().toStdString()) &&
            QProcess::startDetached(application.filePath(), {});
 }
 
 }  // namespace
 
+bool openFirstApplication(const std::vector<std::string>& paths,
+                          const CommandSafetyPolicy::AllowedExecutables& allowed) {
+    return std::any_of(paths.begin(), paths.end(), [&](const std::string& path) {
+        return open(QFileInfo(QString::fromStdString(path)), allowed);
+    });
+}
+
 bool openActivityMonitor() {
-    for (const std::string& path : host::activityMonitors()) {
-        if (open(QFileInfo(QString::fromStdString(path)))) {
-            return true;
-        }
-    }
-    return false;
+    return openFirstApplication(host::activityMonitors(), host::allowedExecutables());
 }
 
 }  // namespace tallowcrest

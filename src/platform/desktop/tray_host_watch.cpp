@@ -1,5 +1,7 @@
 #include "platform/desktop/tray_host_watch.h"
 
+#include <utility>
+
 #include <QDBusConnection>
 
 namespace tallowcrest {
@@ -16,10 +18,22 @@ TrayHostWatch::TrayHostWatch(QObject* parent)
         graceTimer_.stop();
         isLost_ = false;
     });
-    connect(&graceTimer_, &QTimer::timeout, this, [this] {
-        isLost_ = true;
+    connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::lose);
+    // The library itself sends this to its program; no name of the bus stands behind it.
+    QDBusConnection::sessionBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                          QStringLiteral("org.freedesktop.DBus.Local"),
+                                          QStringLiteral("Disconnected"), this, SLOT(busEnded()));
+}
+
+void TrayHostWatch::busEnded() {
+    graceTimer_.stop();
+    lose();
+}
+
+void TrayHostWatch::lose() {
+    if (!std::exchange(isLost_, true)) {
         emit lost();
-    });
+    }
 }
 
 }  // namespace tallowcrest

@@ -9,8 +9,8 @@
 namespace tallowcrest {
 
 /// Notices when the desktop's tray goes away for good. Panels restart now and then, so one that is
-/// back within `grace` was never gone. Trays that do not live on the session bus are not noticed.
-/// Main thread.
+/// back within `grace` was never gone. The session bus itself is never come back to, so its end is
+/// the tray's. Trays that do not live on the session bus are not noticed. Main thread.
 class TrayHostWatch final : public QObject {
     Q_OBJECT
 
@@ -19,12 +19,20 @@ public:
 
     explicit TrayHostWatch(QObject* parent = nullptr);
 
+    /// Whether a window that is hidden now could be reached from no tray of the session bus,
+    /// although it once could.
     bool isLost() const { return isLost_; }
 
 signals:
+    /// Once for each loss.
     void lost();
 
+private slots:
+    void busEnded();
+
 private:
+    void lose();
+
     QDBusServiceWatcher watcher_;
     QTimer graceTimer_;
     bool isLost_ = false;

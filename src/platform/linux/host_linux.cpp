@@ -43,6 +43,16 @@ std::string loginName() {
     return userAccount().name;
 }
 
+std::filesystem::path dataDirectory() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    // The rule for that variable: what is not absolute is as good as not set.
+    if (data != nullptr && *data == '/') {
+        return std::filesystem::path(data) / "tallowcrest";
+    }
+    const std::filesystem::path home = userAccount().homeDirectory;
+    return home.is_absolute() ? home / ".local/share/tallowcrest" : std::filesystem::path{};
+}
+
 std::filesystem::path executablePath() {
     std::error_code error;
     auto path = std::filesystem::read_symlink("/proc/self/exe", error);

@@ -48,25 +48,21 @@ void writeProcfsPath(char* path, std::int32_t pid, std::string_view file) {
 
 ProcfsCommand resolveProcfsCommand(int procDirectory, std::int32_t pid, std::string_view name,
                                    bool isKernelThread) {
-    bool isFinal = true;
-    if (!isKernelThread) {
-        if (const std::string executable = executablePath(procDirectory, pid);
-            !executable.empty()) {
-            return {replacingInvalidUTF8(executable)};
-        }
-        std::array<char, 32> path;
-        writeProcfsPath(path.data(), pid, "cmdline");
-        const UniqueFD file(::openat(procDirectory, path.data(), O_RDONLY | O_CLOEXEC));
-        isFinal = file.valid() || (errno != EMFILE && errno != ENFILE);
-        std::array<char, PATH_MAX> buffer;
-        const std::string_view arguments =
-            file.valid() ? readFromStart(file.get(), buffer) : std::string_view();
-        const std::string_view first = arguments.substr(0, arguments.find('\0'));
-        if (!first.empty()) {
-            return {replacingInvalidUTF8(first)};
-        }
+    if (isKernelThread) {
+        return {'[' + replacingInvalidUTF8(name) + ']'};
     }
-    return {'[' + replacingInvalidUTF8(name) + ']', isFinal};
+    if (const std::string executable = executablePath(procDirectory, pid); !executable.empty()) {
+        return {replacingInvalidUTF8(executable)};
+    }
+    std::array<char, 32> path;
+    writeProcfsPath(path.data(), pid, "cmdline");
+    const UniqueFD file(::openat(procDirectory, path.data(), O_RDONLY | O_CLOEXEC));
+    const bool isFinal = file.valid() || (errno != EMFILE && errno != ENFILE);
+    std::array<char, PATH_MAX> buffer;
+    const std::string_view arguments =
+        file.valid() ? readFromStart(file.get(), buffer) : std::string_view();
+    const std::string_view first = arguments.substr(0, arguments.find('\0'));
+    return {replacingInvalidUTF8(first.empty() ? name : first), isFinal};
 }
 
 }  // namespace tallowcrest

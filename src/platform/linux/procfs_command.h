@@ -14,7 +14,8 @@ struct ProcfsCommand {
 };
 
 /// The path of the executable, also when that was deleted meanwhile; else the first argument; else
-/// the process's name in brackets, which is all that a kernel thread has.
+/// the process's name, which is all that one that is ending has. A kernel thread is its name in
+/// brackets: they mark what must not be quit, so nothing else is given them.
 ProcfsCommand resolveProcfsCommand(int procDirectory, std::int32_t pid, std::string_view name,
                                    bool isKernelThread);
 

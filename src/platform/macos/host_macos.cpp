@@ -44,6 +44,12 @@ std::string loginName() {
     return userAccount().name;
 }
 
+std::filesystem::path dataDirectory() {
+    const std::filesystem::path home = userAccount().homeDirectory;
+    return home.is_absolute() ? home / "Library/Application Support/Tallowcrest"
+                              : std::filesystem::path{};
+}
+
 std::filesystem::path executablePath() {
     std::uint32_t size = 0;
     _NSGetExecutablePath(nullptr, &size);

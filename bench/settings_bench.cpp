@@ -1,0 +1,179 @@
+// What the settings cost the main thread: a tick's write, an event's write, and the start.
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "core/activity_log.h"
+#include "core/history_encoder.h"
+#include "core/locale.h"
+#include "core/record_json.h"
+#include "core/settings_keys.h"
+#include "monitor/system_monitor.h"
+#include "platform/posix/system_clock.h"
+#include "platform/posix/thread_work_queue.h"
+#include "platform/sqlite/open_settings_store.h"
+#include "tests/support/fake_readers.h"
+#include "tests/support/manual_queues.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+HistoryPoint pointAt(std::size_t index) {
+    const auto number = static_cast<double>(index);
+    return {UUID::random(), Date{800000000.123456 + 4 * number}, 12.345678901234 + number / 7,
+            48.765432109876 - number / 9};
+}
+
+std::vector<HistoryPoint> historyOf(std::int64_t count) {
+    std::vector<HistoryPoint> points;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+        points.push_back(pointAt(i));
+    }
+    return points;
+}
+
+std::vector<ActivityEvent> eventsOf(std::size_t count) {
+    std::vector<ActivityEvent> events;
+    for (std::size_t i = 0; i < count; ++i) {
+        events.push_back(
+            {UUID::random(), Date{800000000.5 + static_cast<double>(i)}, "Action",
+             "Asked a large application to quit. Memory use will settle in a moment."});
+    }
+    return events;
+}
+
+/// A store in a file of its own, with the work queue of the program.
+class StoreInAFile {
+public:
+    StoreInAFile() : opened_(open()) {
+        if (!opened_.problems.empty()) {
+            std::abort();
+        }
+    }
+    SettingsStore& store() { return *opened_.store; }
+    void reopen() {
+        opened_.store.reset();
+        opened_ = open();
+    }
+
+private:
+    OpenedStore open() {
+        return openSettingsStore(folder_.path() / "tallowcrest" / "settings.sqlite",
+                                 {queue_, clock_, [](const std::string&) { std::abort(); }});
+    }
+
+    TemporaryFolder folder_;
+    SystemClock clock_;
+    ThreadWorkQueue queue_{[] {}};
+    OpenedStore opened_;
+};
+
+/// The encoded text alone. Two in turns: what has not changed would not be written.
+void writeOfHistory(benchmark::State& state) {
+    StoreInAFile file;
+    JSONData text{record_json::encode(historyOf(state.range(0))).value()};
+    JSONData other{record_json::encode(historyOf(state.range(0))).value()};
+    for (auto _ : state) {
+        file.store().write(settings_keys::historyKey, text);
+        std::swap(text, other);
+    }
+    state.counters["bytes"] = static_cast<double>(text.text.size());
+}
+
+/// All that a tick does for the settings: one point more, one less, encode, write.
+void encodeAndWriteOfHistory(benchmark::State& state) {
+    StoreInAFile file;
+    HistoryEncoder encoder;
+    std::vector<HistoryPoint> points = historyOf(state.range(0));
+    std::size_t next = points.size();
+    for (auto _ : state) {
+        points.erase(points.begin());
+        points.push_back(pointAt(next++));
+        file.store().write(settings_keys::historyKey, JSONData{encoder.encode(points).value()});
+    }
+}
+
+void recordEventOf80(benchmark::State& state) {
+    StoreInAFile file;
+    SystemClock clock;
+    ManualMainQueue mainQueue;
+    Observable observable(mainQueue);
+    ActivityLog log(clock, observable, eventsOf(80), [&file](const auto& events) {
+        file.store().write(settings_keys::activityLogKey,
+                           JSONData{record_json::encode(events).value()});
+    });
+    for (auto _ : state) {
+        log.recordEvent("Action", "Asked a large application to quit.");
+        mainQueue.drain();
+    }
+}
+
+void fill(SettingsStore& store) {
+    store.write(settings_keys::historyKey, JSONData{record_json::encode(historyOf(720)).value()});
+    store.write(settings_keys::activityLogKey, JSONData{record_json::encode(eventsOf(80)).value()});
+    std::vector<AIChatMessage> messages;
+    for (int i = 0; i < 40; ++i) {
+        messages.push_back({UUID::random(), i % 2 == 0 ? "user" : "assistant",
+                            std::string(400, 'a'), Date{800000000.5}});
+    }
+    store.write(settings_keys::aiChatMessagesKey, JSONData{record_json::encode(messages).value()});
+    std::vector<RemoteHistoryPoint> remote;
+    for (int i = 0; i < 720; ++i) {
+        remote.push_back(
+            {UUID::random(), "attic", Date{800000000.5 + i}, 12.25, 48.5, "Reachable"});
+    }
+    store.write(settings_keys::remoteHistoryKey, JSONData{record_json::encode(remote).value()});
+}
+
+/// From a file to a monitor, as at every start of the program.
+void constructionOverAFullStore(benchmark::State& state) {
+    StoreInAFile file;
+    fill(file.store());
+    SystemClock clock;
+    for (auto _ : state) {
+        state.PauseTiming();
+        file.reopen();
+        state.ResumeTiming();
+        ManualMainQueue mainQueue;
+        ManualWorkQueue workQueue;
+        const SystemMonitor monitor(
+            MonitorPorts{mainQueue, workQueue, clock, file.store(),
+                         std::make_shared<FakeMetricsReader>(), std::make_shared<FakeTickSource>(),
+                         std::make_shared<PlainLocale>()},
+            HostFacts{4, {}, "owner", {}});
+        if (monitor.sample().history().size() != 720) {
+            state.SkipWithError("the history was not loaded");
+            break;
+        }
+    }
+}
+
+/// Opening alone, with the check of the whole file.
+void openingOfAFullStore(benchmark::State& state) {
+    StoreInAFile file;
+    fill(file.store());
+    for (auto _ : state) {
+        file.reopen();
+    }
+}
+
+BENCHMARK(writeOfHistory)->Arg(180)->Arg(720)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(encodeAndWriteOfHistory)
+    ->Arg(180)
+    ->Arg(720)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+BENCHMARK(recordEventOf80)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(constructionOverAFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(openingOfAFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,77 @@
+// What a sample says in words: the part of it that looks at every row, and the rest.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "monitor/recommendations.h"
+#include "monitor/session_insights.h"
+#include "platform/icu/icu_locale.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Every kind of card is due: a browser of many helpers, Docker, and one heavy process.
+std::vector<ProcessSample> busyTable(std::int64_t count) {
+    std::vector<ProcessSample> rows;
+    for (std::int64_t pid = 1; pid <= count; ++pid) {
+        ProcessSample row;
+        row.pid = pid;
+        row.cpu = static_cast<double>(pid % 37);
+        row.rssMB = pid == 500 ? 3000.0 : static_cast<double>(pid % 211);
+        row.command = pid % 7 == 0    ? "/opt/google/chrome/chrome"
+                      : pid % 11 == 0 ? "/usr/bin/dockerd"
+                      : pid % 3 == 0  ? "[kworker/" + std::to_string(pid) + ":0-events]"
+                                      : "/usr/lib/services/some-service-" + std::to_string(pid);
+        row.arguments = row.command;
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+std::vector<HistoryPoint> busyHistory() {
+    std::vector<HistoryPoint> points;
+    for (int i = 0; i < 180; ++i) {
+        points.push_back({UUID::random(), Date{4.0 * i}, 90.0, 90.0});
+    }
+    return points;
+}
+
+void adviseOnRows(benchmark::State& state) {
+    const auto rows = busyTable(state.range(0));
+    const IcuLocale locale({"en_US", "en_US"});
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(buildRecommendations(rows, 1.5, 90.0, 90.0, locale));
+    }
+}
+
+void adviseOnTimeline(benchmark::State& state) {
+    const IcuLocale locale({"en_US", "en_US"});
+    const auto history = busyHistory();
+    const auto cards = buildRecommendations(busyTable(600), 1.5, 90.0, 90.0, locale);
+    const std::vector<AppImpact> groups{{"Google Chrome", 85, 90.0, 9000.0, 7, 0}};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(addSustainedRecommendations(cards, history, groups));
+    }
+}
+
+void sumUpTheSession(benchmark::State& state) {
+    const IcuLocale locale({"en_US", "en_US"});
+    const auto history = busyHistory();
+    std::map<std::string, std::int64_t> counts;
+    for (int i = 0; i < 80; ++i) {
+        counts["Some Application " + std::to_string(i)] = 7;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(buildSessionInsights({history, counts, {}, counts}, locale));
+    }
+}
+
+BENCHMARK(adviseOnRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(adviseOnTimeline)->Unit(benchmark::kMicrosecond);
+BENCHMARK(sumUpTheSession)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,168 @@
+#include "platform/icu/icu_locale.h"
+
+#include <unicode/coll.h>
+#include <unicode/locid.h>
+#include <unicode/normalizer2.h>
+#include <unicode/numberformatter.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "core/utf8.h"
+
+namespace tallowcrest {
+namespace {
+
+using icu::number::LocalizedNumberFormatter;
+
+constexpr int maximumFractionDigits = 15;
+/// Formatters for so many fraction digits are kept, from 0 on: those of the figures shown all the
+/// time. Building one takes longer than the rest of a sample's wording.
+constexpr std::size_t keptFormatters = 3;
+
+/// The library counts in 32 bits, and folding can lengthen a text. What lies beyond is not looked
+/// at.
+constexpr std::size_t longestText = std::size_t{1} << 28;
+
+/// Well-formed text as it is, and anything else made so in `storage`: what the
+/// library makes of ill-formed text depends on where its shortcuts for equal beginnings end.
+std::string_view wellFormed(std::string_view bytes, std::string& storage) {
+    bytes = bytes.substr(0, longestText);
+    if (isValidUTF8(bytes)) {
+        return bytes;
+    }
+    storage = replacingInvalidUTF8(bytes);
+    return storage;
+}
+
+icu::StringPiece piece(std::string_view text) {
+    return {text.data(), static_cast<std::int32_t>(text.size())};
+}
+
+LocalizedNumberFormatter makeFormatter(const icu::Locale& locale, int fractionDigits) {
+    return icu::number::NumberFormatter::withLocale(locale)
+        .precision(icu::number::Precision::fixedFraction(fractionDigits))
+        .roundingMode(UNUM_ROUND_HALFUP)
+        .sign(UNUM_SIGN_NEGATIVE);
+}
+
+template <class Format>
+std::optional<std::string> formatted(Format format) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString text = format(status).toString(status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    std::string result;
+    text.toUTF8String(result);
+    return result;
+}
+
+/// Texts that differ in nothing but case have the same folded form. The locale's own lower case
+/// comes first: in Turkish, "I" belongs to "ı" and "İ" to "i".
+std::optional<icu::UnicodeString> folded(std::string_view bytes, const icu::Locale& locale) {
+    std::string storage;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* composition = icu::Normalizer2::getNFCInstance(status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    icu::UnicodeString text = icu::UnicodeString::fromUTF8(piece(wellFormed(bytes, storage)));
+    text.toLower(locale).foldCase();
+    icu::UnicodeString result = composition->normalize(text, status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return result;
+}
+
+}  // namespace
+
+struct IcuLocale::Tables {
+    explicit Tables(const LocaleNames& names)
+        : collation(usableLocaleName(names.collation).c_str()),
+          numbers(usableLocaleName(names.numbers).c_str()) {}
+
+    /// Null where there is none to be had.
+    const icu::Collator* collator() {
+        std::call_once(collatorOnce, [this] {
+            UErrorCode status = U_ZERO_ERROR;
+            std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(collation, status));
+            if (U_SUCCESS(status)) {
+                // Beyond the second level there is nothing but case and variants of form.
+                made->setStrength(icu::Collator::SECONDARY);
+                keptCollator = std::move(made);
+            }
+        });
+        return keptCollator.get();
+    }
+
+    const LocalizedNumberFormatter& formatter(std::size_t fractionDigits) {
+        std::call_once(formatterOnce[fractionDigits], [this, fractionDigits] {
+            formatters[fractionDigits] = makeFormatter(numbers, static_cast<int>(fractionDigits));
+        });
+        return formatters[fractionDigits];
+    }
+
+    PlainLocale plain;
+    icu::Locale collation;
+    icu::Locale numbers;
+    std::once_flag collatorOnce;
+    std::unique_ptr<icu::Collator> keptCollator;
+    std::array<std::once_flag, keptFormatters> formatterOnce;
+    std::array<LocalizedNumberFormatter, keptFormatters> formatters;
+};
+
+IcuLocale::IcuLocale(const LocaleNames& names) : tables_(std::make_unique<Tables>(names)) {}
+
+IcuLocale::~IcuLocale() = default;
+
+std::weak_ordering IcuLocale::compareIgnoringCase(std::string_view left,
+                                                  std::string_view right) const {
+    const icu::Collator* collator = tables_->collator();
+    if (collator == nullptr) {
+        return tables_->plain.compareIgnoringCase(left, right);
+    }
+    std::string leftStorage;
+    std::string rightStorage;
+    UErrorCode status = U_ZERO_ERROR;
+    const UCollationResult result = collator->compareUTF8(
+        piece(wellFormed(left, leftStorage)), piece(wellFormed(right, rightStorage)), status);
+    if (U_FAILURE(status)) {
+        return tables_->plain.compareIgnoringCase(left, right);
+    }
+    return result <=> UCOL_EQUAL;
+}
+
+bool IcuLocale::containsIgnoringCase(std::string_view text, std::string_view part) const {
+    const auto foldedText = folded(text, tables_->collation);
+    const auto foldedPart = folded(part, tables_->collation);
+    if (!foldedText || !foldedPart) {
+        return tables_->plain.containsIgnoringCase(text, part);
+    }
+    return foldedPart->isEmpty() || foldedText->indexOf(*foldedPart) >= 0;
+}
+
+std::string IcuLocale::decimal(double value, int fractionDigits) const {
+    const int digits = std::clamp(fractionDigits, 0, maximumFractionDigits);
+    const auto index = static_cast<std::size_t>(digits);
+    const auto text = formatted([&](UErrorCode& status) {
+        return index < keptFormatters
+                   ? tables_->formatter(index).formatDouble(value, status)
+                   : makeFormatter(tables_->numbers, digits).formatDouble(value, status);
+    });
+    return text ? *text : tables_->plain.decimal(value, fractionDigits);
+}
+
+std::string IcuLocale::wholeNumber(std::int64_t value) const {
+    const auto text = formatted(
+        [&](UErrorCode& status) { return tables_->formatter(0).formatInt(value, status); });
+    return text ? *text : tables_->plain.wholeNumber(value);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/settings_store.h"
+#include "platform/sqlite/sqlite_connection.h"
+
+namespace tallowcrest {
+
+/// What marks a file as ours, in its first 100 bytes as well as to SQLite.
+constexpr std::int64_t settingsApplicationID = 0x54616C63;  // "Talc"
+/// Of the table's form. A file with a higher one is a later program's, and none of our business.
+constexpr std::int64_t settingsFormatVersion = 1;
+
+/// The one table of a settings file, with its statements prepared. Result codes are SQLite's own.
+class SettingsRows {
+public:
+    /// The outcome of looking for one key.
+    struct Reading {
+        std::optional<SettingsValue> value;
+        bool isUnreadable = false;  ///< there is a row, of which no sense can be made
+    };
+
+    /// Gives an empty file its marks and its table, in one step that happens or does not.
+    static int create(SqliteConnection& connection);
+
+    /// SQLITE_ERROR when the file has not the table of `create`.
+    int prepare(const SqliteConnection& connection);
+
+    Reading read(std::string_view key);
+
+    /// In one transaction of its own: afterwards the older value or the new one is there. SQLITE_OK
+    /// too for a value that has no stored form; it leaves the older one.
+    int write(std::string_view key, const SettingsValue& value);
+
+    /// The keys of ours whose row cannot be read or holds another kind than the key is for.
+    std::vector<std::string_view> unreadableKeys();
+
+private:
+    SqliteStatement select_;
+    SqliteStatement upsert_;
+    std::string buffer_;
+};
+
+}  // namespace tallowcrest

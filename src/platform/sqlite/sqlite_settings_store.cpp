@@ -1,0 +1,115 @@
+#include "platform/sqlite/sqlite_settings_store.h"
+
+#include <utility>
+
+#include "platform/sqlite/settings_problem.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Moves the log's content into the file, and lets the log begin anew. Whoever writes first after
+/// that waits for the disk once more, lest old and new parts of the log be mixed up by a power
+/// failure. So this job itself is the first writer; what it writes changes nothing.
+void moveLog(const std::filesystem::path& path) {
+    SqliteConnection connection;
+    constexpr std::chrono::milliseconds patience{100};
+    if (connection.open(path, SqliteConnection::Access::readWrite, patience) != SQLITE_OK ||
+        connection.execute("PRAGMA synchronous = NORMAL") != SQLITE_OK) {
+        return;
+    }
+    int pages = 0;
+    int moved = 0;
+    const int result = sqlite3_wal_checkpoint_v2(connection.get(), nullptr,
+                                                 SQLITE_CHECKPOINT_PASSIVE, &pages, &moved);
+    std::int64_t version = 0;
+    if (result == SQLITE_OK && pages > 0 && pages == moved &&
+        connection.queryInteger("PRAGMA user_version", version) == SQLITE_OK &&
+        version == settingsFormatVersion) {
+        connection.execute(
+            ("PRAGMA user_version = " + std::to_string(settingsFormatVersion)).c_str());
+    }
+}
+
+}  // namespace
+
+SqliteSettingsStore::SqliteSettingsStore(SqliteConnection connection, SettingsRows rows,
+                                         std::filesystem::path path, WorkQueue& workQueue,
+                                         Complain complain, int logPages)
+    : connection_(std::move(connection)),
+      rows_(std::move(rows)),
+      path_(std::move(path)),
+      workQueue_(workQueue),
+      complain_(std::move(complain)),
+      longestLog_(logPages) {
+    // A hook of our own takes the place of the one that would move the log within a write.
+    sqlite3_wal_hook(
+        connection_.get(),
+        [](void* pages, sqlite3*, const char*, int count) {
+            *static_cast<int*>(pages) = count;
+            return SQLITE_OK;
+        },
+        &logPages_);
+}
+
+SqliteSettingsStore::~SqliteSettingsStore() {
+    retryUnsaved();
+    rows_ = {};
+    connection_.mergeLogAtClose();
+}
+
+std::optional<SettingsValue> SqliteSettingsStore::read(std::string_view key) const {
+    return rows_.read(key).value;
+}
+
+void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value) {
+    if (const int result = tryToWrite(key, value); result != SQLITE_OK) {
+        unsaved_.insert_or_assign(std::string(key), value);
+        if ((result & 0xFF) != SQLITE_BUSY) {
+            // On a full disk, the room that the log takes may be all there is.
+            moveLogAtLeisure();
+        }
+        return;
+    }
+    if (const auto older = unsaved_.find(key); older != unsaved_.end()) {
+        unsaved_.erase(older);
+    }
+    retryUnsaved();
+    if (logPages_ >= longestLog_) {
+        moveLogAtLeisure();
+    }
+}
+
+int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& value) {
+    const int result = rows_.write(key, value);
+    if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && complain_) {
+        complain_(settings_problem::cannotBeSaved(path_, connection_.message()));
+    }
+    return result;
+}
+
+void SqliteSettingsStore::retryUnsaved() {
+    for (auto entry = unsaved_.begin(); entry != unsaved_.end();) {
+        const int result = tryToWrite(entry->first, entry->second);
+        if (result == SQLITE_OK) {
+            entry = unsaved_.erase(entry);
+        } else if ((result & 0xFF) == SQLITE_BUSY) {
+            // The next one would only wait as long.
+            return;
+        } else {
+            ++entry;
+        }
+    }
+}
+
+void SqliteSettingsStore::moveLogAtLeisure() {
+    if (logIsMoving_->exchange(true)) {
+        return;
+    }
+    logPages_ = 0;
+    workQueue_.post([path = path_, isMoving = logIsMoving_] {
+        moveLog(path);
+        *isMoving = false;
+    });
+}
+
+}  // namespace tallowcrest

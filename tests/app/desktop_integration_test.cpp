@@ -1,0 +1,111 @@
+// The window program by itself, without any display, and both programs with hardly a descriptor.
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/run_program.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string windowProgram = TALLOWCREST_BINARY_DIR "/tallowcrest-desktop";
+const std::string entryProgram = TALLOWCREST_BINARY_DIR "/tallowcrest";
+
+/// A folder in which no instance can already run.
+class WindowProgram : public testing::Test {
+protected:
+    WindowProgram() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "tallowcrest-XXXXXX");
+        folder = mkdtemp(pattern.data());
+    }
+    ~WindowProgram() override { std::filesystem::remove_all(folder); }
+
+    ProgramResult run(const std::vector<std::string>& arguments) const {
+        return runProgram({.path = windowProgram,
+                           .arguments = arguments,
+                           .withoutVariables = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM",
+                                                "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"},
+                           .withVariables = {"XDG_DATA_HOME=" + folder.string()}});
+    }
+
+    std::filesystem::path folder;
+};
+
+void expectOneLine(const std::string& text) {
+    EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+}
+
+TEST_F(WindowProgram, RefusesABadOptionInOneLineWithStatusTwo) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"--nope"}, {"stray"}, {""}, {"--json"}, {"--samples", "3"}, {"--line\nbreak"}}) {
+        const ProgramResult result = run(arguments);
+        EXPECT_EQ(result.status, 2) << arguments.front();
+        EXPECT_EQ(result.standardOutput, "");
+        EXPECT_THAT(result.standardError, StartsWith("tallowcrest: "));
+        expectOneLine(result.standardError);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+TEST_F(WindowProgram, RefusesToRunWithoutItsWindow) {
+    const ProgramResult result = run({"--headless"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.standardError, EndsWith("Try: tallowcrest --headless\n"));
+    expectOneLine(result.standardError);
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+TEST_F(WindowProgram, SaysWhyItCannotOpenItsWindow) {
+    const ProgramResult result = run({});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.standardError, HasSubstr("the window cannot be opened: "));
+    EXPECT_THAT(result.standardError, EndsWith("tallowcrest --headless\n"));
+}
+
+// A limit on open files ----------------------------------------------------------------------
+
+ProgramResult runWithDescriptors(int limit) {
+    return runProgram(
+        {.path = "/bin/sh",
+         .arguments = {"-c",
+                       "ulimit -n " + std::to_string(limit) +
+                           " && exec \"$0\" --headless --json --samples 3 --interval 0.1",
+                       entryProgram}});
+}
+
+TEST(FewDescriptors, SixteenAreEnoughForTheWholeTable) {
+    const ProgramResult result = runWithDescriptors(16);
+    ASSERT_EQ(result.status, 0) << result.standardError;
+    std::istringstream lines(result.standardOutput);
+    int samples = 0;
+    for (std::string line; std::getline(lines, line); ++samples) {
+        const auto sample = nlohmann::json::parse(line);
+        // This test, the program, and the shell's parent at the very least.
+        EXPECT_GE(sample["topProcesses"].size(), 2U);
+        EXPECT_GT(sample["memory"]["totalGB"], 0.0);
+    }
+    EXPECT_EQ(samples, 3);
+}
+
+TEST(FewDescriptors, WithHardlyAnyItStillEndsByItself) {
+    const ProgramResult result = runWithDescriptors(6);
+    EXPECT_EQ(result.signal, 0) << result.standardError;
+    // Either every sample comes, or it says what is wrong.
+    const auto lines = std::count(result.standardOutput.begin(), result.standardOutput.end(), '\n');
+    EXPECT_TRUE(result.status == 0 ? lines == 3 : !result.standardError.empty())
+        << result.status << ", " << lines << " lines, " << result.standardError;
+}
+
+}  // namespace
+}  // namespace tallowcrest

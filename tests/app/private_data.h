@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdlib>
+
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+
+/// While it lives, this process and those that it starts keep the owner's data in a folder of their
+/// own: neither does a test depend on the settings of the person who runs it, nor change them.
+class PrivateData {
+public:
+    PrivateData() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }
+    PrivateData(const PrivateData&) = delete;
+    PrivateData& operator=(const PrivateData&) = delete;
+    ~PrivateData() { ::unsetenv("XDG_DATA_HOME"); }
+
+    const std::filesystem::path& folder() const { return folder_.path(); }
+
+private:
+    TemporaryFolder folder_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,111 @@
+#include "core/locale.h"
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/locale_checks.h"
+
+namespace tallowcrest {
+namespace {
+
+TEST(PlainLocale, ComparesWithoutTheCaseOfAToZ) {
+    const PlainLocale locale;
+    struct Case {
+        std::string left;
+        std::string right;
+        std::weak_ordering order;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"", "", std::weak_ordering::equivalent},
+             {"", "a", std::weak_ordering::less},
+             {"Editor", "EDITOR", std::weak_ordering::equivalent},
+             {"atom", "Zed", std::weak_ordering::less},
+             {"Zed", "atom", std::weak_ordering::greater},
+             {"a", "aa", std::weak_ordering::less},
+             {"ä", "Ä", std::weak_ordering::greater},
+             {"\xFF", "\xFE", std::weak_ordering::equivalent},
+             {"\xFF", "\uFFFD", std::weak_ordering::equivalent},
+         }) {
+        EXPECT_EQ(locale.compareIgnoringCase(c.left, c.right), c.order)
+            << c.left << ", " << c.right;
+    }
+    expectStrictWeakOrdering(locale);
+}
+
+TEST(PlainLocale, FindsWithoutTheCaseOfAToZ) {
+    const PlainLocale locale;
+    struct Case {
+        std::string text;
+        std::string part;
+        bool contained;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"macOS", "mac", true},
+             {"macOS", "MAC", true},
+             {"iMac", "mac", true},
+             {"linux", "mac", false},
+             {"ma", "mac", false},
+             {"", "mac", false},
+             {"", "", true},
+             {"linux", "", true},
+             {"\xFF MAC", "mac", true},
+         }) {
+        EXPECT_EQ(locale.containsIgnoringCase(c.text, c.part), c.contained)
+            << c.text << ", " << c.part;
+    }
+}
+
+TEST(PlainLocale, FormsDecimals) {
+    const PlainLocale locale;
+    struct Case {
+        double value;
+        int digits;
+        std::string text;
+    };
+    for (const Case& c : std::vector<Case>{
+             {0.0, 0, "0"},
+             {82.4, 0, "82"},
+             {82.5, 0, "83"},
+             {81.5, 0, "82"},
+             {-82.5, 0, "-83"},
+             {12.34, 1, "12.3"},
+             {2.25, 1, "2.3"},
+             {2.35, 1, "2.4"},
+             {-2.25, 1, "-2.3"},
+             {12.0, 1, "12.0"},
+             {9.96, 1, "10.0"},
+             {1234.5, 1, "1234.5"},
+             {1.005, 3, "1.005"},
+             {-0.0, 1, "0.0"},
+             {-0.04, 1, "0.0"},
+             {-0.4, 0, "0"},
+             {-0.05, 1, "-0.1"},
+             {3.7, -1, "4"},
+             {0.5, 99, "0.500000000000000"},
+             {1e17, 1, "100000000000000000.0"},
+             {-1e17, 0, "-100000000000000000"},
+             {std::numeric_limits<double>::infinity(), 1, "∞"},
+             {-std::numeric_limits<double>::infinity(), 1, "-∞"},
+             {std::numeric_limits<double>::quiet_NaN(), 1, "NaN"},
+         }) {
+        EXPECT_EQ(locale.decimal(c.value, c.digits), c.text) << c.value << ", " << c.digits;
+    }
+    const std::string longest = locale.decimal(std::numeric_limits<double>::max(), 15);
+    EXPECT_EQ(longest.substr(0, 5), "17976");
+    EXPECT_EQ(longest.size(), 309U + 1U + 15U);
+}
+
+TEST(PlainLocale, FormsWholeNumbers) {
+    const PlainLocale locale;
+    EXPECT_EQ(locale.wholeNumber(0), "0");
+    EXPECT_EQ(locale.wholeNumber(-12345), "-12345");
+    EXPECT_EQ(locale.wholeNumber(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
+    EXPECT_EQ(locale.wholeNumber(std::numeric_limits<std::int64_t>::max()), "9223372036854775807");
+}
+
+}  // namespace
+}  // namespace tallowcrest

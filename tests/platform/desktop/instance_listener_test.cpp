@@ -1,0 +1,140 @@
+#include "platform/desktop/instance_listener.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QSignalSpy>
+#include <gmock/gmock.h>
+
+#include "platform/posix/local_socket.h"
+#include "tests/platform/child_scenario.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Turns Qt's loop until the answer is true; false when it never is.
+bool turnUntil(const std::function<bool()>& question) {
+    const QDeadlineTimer deadline(20'000);
+    while (!question()) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    }
+    return true;
+}
+
+class InstanceListenerTest : public testing::Test {
+protected:
+    InstanceListenerTest() : start(startInstance(place, {})), listener(*start.guard) {}
+
+    UniqueFD call(std::string_view text) const {
+        UniqueFD socket = local_socket::open();
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (place.directory + "/window.socket").copy(&address.sun_path[0], 107);
+        // Where many wait already, the listener has to take some first.
+        EXPECT_TRUE(turnUntil([&] {
+            return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
+                             sizeof address) == 0 ||
+                   errno != EAGAIN;
+        }));
+        if (!text.empty()) {
+            EXPECT_GT(local_socket::send(socket.get(), text), 0);
+        }
+        return socket;
+    }
+
+    /// What a caller gets until the listener hangs up.
+    static std::string answerTo(const UniqueFD& caller) {
+        std::string answer;
+        ssize_t count = -1;
+        EXPECT_TRUE(turnUntil([&] {
+            char c = 0;
+            while ((count = ::recv(caller.get(), &c, 1, 0)) > 0) {
+                answer += c;
+            }
+            return count == 0 || errno == ECONNRESET;
+        }));
+        return answer;
+    }
+
+    child_scenario::TemporaryFolder folder;
+    InstancePlace place{folder.path("run"), "window"};
+    InstanceStart start;
+    InstanceListener listener;
+};
+
+TEST_F(InstanceListenerTest, ARequestIsAnsweredOnceTheWindowShows) {
+    bool shows = false;
+    QByteArray token;
+    QObject::connect(&listener, &InstanceListener::showRequested, &listener, [&] {
+        shows = true;
+        token = qgetenv("XDG_ACTIVATION_TOKEN");
+    });
+    const UniqueFD caller = call("show token\n");
+    EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
+    EXPECT_TRUE(shows);
+    EXPECT_EQ(token, "token");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+TEST_F(InstanceListenerTest, NonsenseIsHungUpOnAndAsksNothing) {
+    QSignalSpy asked(&listener, &InstanceListener::showRequested);
+    const UniqueFD caller = call("hide\n");
+    EXPECT_EQ(answerTo(caller), "");
+    EXPECT_EQ(asked.count(), 0);
+}
+
+TEST_F(InstanceListenerTest, SilenceIsHungUpOn) {
+    const UniqueFD silent = call("");
+    const UniqueFD slow = call("sho");
+    EXPECT_EQ(answerTo(silent), "");
+    EXPECT_EQ(answerTo(slow), "");
+}
+
+TEST_F(InstanceListenerTest, AFloodKeepsNoRequestFromItsAnswer) {
+    QSignalSpy asked(&listener, &InstanceListener::showRequested);
+    const int before = child_scenario::openDescriptorCount();
+    std::vector<UniqueFD> flood;
+    for (int round = 0; round < 20; ++round) {
+        for (int i = 0; i < 4; ++i) {
+            flood.push_back(call(""));
+        }
+        QCoreApplication::processEvents();
+    }
+    const UniqueFD caller = call("show\n");
+    EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
+    EXPECT_EQ(asked.count(), 1);
+    // The other ends, and no more of ours than a handful.
+    EXPECT_LE(child_scenario::openDescriptorCount(), before + static_cast<int>(flood.size()) + 5);
+}
+
+TEST_F(InstanceListenerTest, ACallerMayLeaveAtAnyMoment) {
+    QSignalSpy asked(&listener, &InstanceListener::showRequested);
+    call("");
+    call("sho");
+    call("show\n");
+    EXPECT_TRUE(turnUntil([&] { return asked.count() == 1; }));
+    const UniqueFD caller = call("show\n");
+    EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
+}
+
+TEST(InstanceListener, EndsTheListeningWithItself) {
+    const child_scenario::TemporaryFolder folder;
+    InstanceStart start = startInstance({folder.path("run"), "window"}, {});
+    ASSERT_TRUE(start.guard.has_value());
+    { const InstanceListener listener(*start.guard); }
+    EXPECT_EQ(start.guard->listener(), -1);
+}
+
+}  // namespace
+}  // namespace tallowcrest

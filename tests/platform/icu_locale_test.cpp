@@ -1,0 +1,280 @@
+#include "platform/icu/icu_locale.h"
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/utf8.h"
+#include "tests/support/locale_checks.h"
+
+namespace tallowcrest {
+namespace {
+
+class IcuLocaleTest : public ::testing::Test {
+protected:
+    const IcuLocale english{{"en_US", "en_US"}};
+    const IcuLocale german{{"de_DE.UTF-8", "de_DE.UTF-8"}};
+    const IcuLocale turkish{{"tr_TR", "tr_TR"}};
+};
+
+// Comparison -------------------------------------------------------------------------------------
+
+constexpr auto less = std::weak_ordering::less;
+constexpr auto same = std::weak_ordering::equivalent;
+
+struct Comparison {
+    std::string left;
+    std::string right;
+    std::weak_ordering order;
+};
+
+void expectOrders(const Locale& locale, const std::vector<Comparison>& comparisons) {
+    for (const auto& [left, right, order] : comparisons) {
+        EXPECT_EQ(locale.compareIgnoringCase(left, right), order) << left << ", " << right;
+        EXPECT_EQ(locale.compareIgnoringCase(right, left), 0 <=> order) << right << ", " << left;
+    }
+}
+
+TEST_F(IcuLocaleTest, ComparesAsEnglishDoes) {
+    expectOrders(english, {{"", "", same},
+                           {"", "a", less},
+                           {"Editor", "EDITOR", same},
+                           {"atom", "Zed", less},
+                           {"Atom", "zed", less},
+                           {"ÄRGER", "ärger", same},
+                           {"ä", "a\u0308", same},
+                           {"a", "ä", less},
+                           {"ä", "z", less},
+                           {"I", "i", same},
+                           {"ΟΔΟΣ", "οδος", same},
+                           {"Node 10", "Node 9", less},
+                           {"a-b", "ab", less},
+                           {"\xFF", "\xFE", same},
+                           {"a\xC3", "a\uFFFD", same}});
+}
+
+TEST_F(IcuLocaleTest, ComparesAsGermanDoes) {
+    expectOrders(german,
+                 {{"Äpfel", "Zebra", less}, {"Apfel", "ÄPFEL", less}, {"äpfel", "ÄPFEL", same}});
+}
+
+TEST_F(IcuLocaleTest, TurkishHasADottedAndADotlessI) {
+    expectOrders(turkish, {{"I", "\u0131", same},
+                           {"\u0130", "i", same},
+                           {"I", "i", less},
+                           {"\u0131", "\u0130", less},
+                           {"h", "\u0131", less},
+                           {"i", "j", less}});
+}
+
+TEST_F(IcuLocaleTest, ComparisonIsAStrictWeakOrderingOfAnyTexts) {
+    expectStrictWeakOrdering(english);
+    expectStrictWeakOrdering(german);
+    expectStrictWeakOrdering(turkish);
+}
+
+// Search -----------------------------------------------------------------------------------------
+
+TEST_F(IcuLocaleTest, FindsWithoutCase) {
+    struct Case {
+        std::string text;
+        std::string part;
+        bool contained;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"macOS", "mac", true},
+             {"MACOS", "mac", true},
+             {"my iMac", "MAC", true},
+             {"linux", "mac", false},
+             {"ma", "mac", false},
+             {"", "mac", false},
+             {"", "", true},
+             {"linux", "", true},
+             {"GRÖSSE", "größe", true},
+             {"größe", "GRO\u0308SSE", true},
+             {"grosse", "ö", false},
+             {"ΟΔΟΣ", "οδος", true},
+             {"\xFF MAC", "mac", true},
+             {"ma\xFF", "mac", false},
+             {"m\xC3", "\xC3", true},
+         }) {
+        for (const Locale* locale : {&english, &german, &turkish}) {
+            EXPECT_EQ(locale->containsIgnoringCase(c.text, c.part), c.contained)
+                << c.text << ", " << c.part;
+        }
+    }
+}
+
+TEST_F(IcuLocaleTest, TurkishLettersAreFoundAsTurkishOnes) {
+    EXPECT_TRUE(english.containsIgnoringCase("LINUX", "linux"));
+    EXPECT_FALSE(turkish.containsIgnoringCase("LINUX", "linux"));
+    EXPECT_TRUE(turkish.containsIgnoringCase("LINUX", "l\u0131nux"));
+    EXPECT_TRUE(turkish.containsIgnoringCase("L\u0130NUX", "linux"));
+}
+
+// Numbers ----------------------------------------------------------------------------------------
+
+struct Figure {
+    double value;
+    int digits;
+    std::string english;
+    std::string german;
+};
+
+TEST_F(IcuLocaleTest, FormsDecimals) {
+    for (const Figure& figure : std::vector<Figure>{
+             {0.0, 0, "0", "0"},
+             {82.4, 0, "82", "82"},
+             {82.5, 0, "83", "83"},
+             {81.5, 0, "82", "82"},
+             {-82.5, 0, "-83", "-83"},
+             {12.34, 1, "12.3", "12,3"},
+             {2.25, 1, "2.3", "2,3"},
+             {2.35, 1, "2.4", "2,4"},
+             {-2.25, 1, "-2.3", "-2,3"},
+             {12.0, 1, "12.0", "12,0"},
+             {9.96, 1, "10.0", "10,0"},
+             {1234.5, 1, "1,234.5", "1.234,5"},
+             {1.0, 2, "1.00", "1,00"},
+             {0.12345, 4, "0.1235", "0,1235"},
+             {-0.0, 1, "0.0", "0,0"},
+             {-0.04, 1, "0.0", "0,0"},
+             {-0.4, 0, "0", "0"},
+             {-0.05, 1, "-0.1", "-0,1"},
+             {3.7, -1, "4", "4"},
+             {0.5, 99, "0.500000000000000", "0,500000000000000"},
+             {std::numeric_limits<double>::infinity(), 1, "∞", "∞"},
+             {-std::numeric_limits<double>::infinity(), 1, "-∞", "-∞"},
+             {std::numeric_limits<double>::quiet_NaN(), 1, "NaN", "NaN"},
+         }) {
+        EXPECT_EQ(english.decimal(figure.value, figure.digits), figure.english);
+        EXPECT_EQ(german.decimal(figure.value, figure.digits), figure.german);
+        EXPECT_EQ(turkish.decimal(figure.value, figure.digits), figure.german);
+    }
+}
+
+TEST_F(IcuLocaleTest, FormsTheLargestNumbers) {
+    const std::string text = english.decimal(std::numeric_limits<double>::max(), 1);
+    EXPECT_EQ(text.substr(0, 12), "179,769,313,");
+    EXPECT_EQ(text.size(), 309U + 102U + 2U);
+    EXPECT_EQ(english.decimal(std::numeric_limits<double>::denorm_min(), 1), "0.0");
+}
+
+TEST_F(IcuLocaleTest, FormsWholeNumbers) {
+    EXPECT_EQ(english.wholeNumber(0), "0");
+    EXPECT_EQ(english.wholeNumber(-12345), "-12,345");
+    EXPECT_EQ(german.wholeNumber(-12345), "-12.345");
+    EXPECT_EQ(english.wholeNumber(std::numeric_limits<std::int64_t>::min()),
+              "-9,223,372,036,854,775,808");
+    EXPECT_EQ(english.wholeNumber(std::numeric_limits<std::int64_t>::max()),
+              "9,223,372,036,854,775,807");
+}
+
+// Names ------------------------------------------------------------------------------------------
+
+TEST(LocaleNames, UnknownOnesAreNeutral) {
+    struct Case {
+        std::string name;
+        std::string usable;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"", "en"},
+             {"C", "en"},
+             {"POSIX", "en"},
+             {"C.UTF-8", "en"},
+             {"nonsense", "en"},
+             {"zz_ZZ", "en"},
+             {"_DE", "en"},
+             {"../../etc", "en"},
+             {"de DE", "en"},
+             {"\xFF\xFE", "en"},
+             {std::string("de\0DE", 5), "en"},
+             {std::string(10'000, 'd'), "en"},
+             {"en", "en"},
+             {"en_US", "en_US"},
+             {"de_DE.UTF-8", "de_DE"},
+             {"de_AT@euro", "de_AT"},
+             {"de_DE.ISO-8859-1@euro", "de_DE"},
+             {"pt-BR", "pt_BR"},
+             {"tr", "tr"},
+             {"sr_Latn_RS", "sr_Latn_RS"},
+             {"es_419", "es_419"},
+             {"en_US_POSIX", "en_US"},
+             {"en_n_AU", "en"},
+             {"en_", "en"},
+             {"en__AU", "en"},
+         }) {
+        EXPECT_EQ(usableLocaleName(c.name), c.usable) << c.name.substr(0, 40);
+    }
+}
+
+TEST(LocaleNames, UnknownOnesStillFormAndCompare) {
+    for (const char* name : {"", "C", "POSIX", "nonsense", "../../etc"}) {
+        const IcuLocale locale({name, name});
+        EXPECT_EQ(locale.decimal(12.34, 1), "12.3") << name;
+        EXPECT_EQ(locale.compareIgnoringCase("ä", "Z"), less) << name;
+    }
+}
+
+TEST(LocaleNames, ComeFromTheEnvironment) {
+    using Environment = std::map<std::string, std::string>;
+    struct Case {
+        Environment environment;
+        LocaleNames names;
+    };
+    for (const Case& c : std::vector<Case>{
+             {{}, {"", ""}},
+             {{{"LANG", "de_DE.UTF-8"}}, {"de_DE.UTF-8", "de_DE.UTF-8"}},
+             {{{"LANG", "de_DE"}, {"LC_NUMERIC", "en_US"}}, {"de_DE", "en_US"}},
+             {{{"LANG", "de_DE"}, {"LC_COLLATE", "tr_TR"}}, {"tr_TR", "de_DE"}},
+             {{{"LANG", "de_DE"}, {"LC_COLLATE", "tr_TR"}, {"LC_ALL", "C"}}, {"C", "C"}},
+             {{{"LANG", "de_DE"}, {"LC_NUMERIC", ""}, {"LC_ALL", ""}}, {"de_DE", "de_DE"}},
+         }) {
+        EXPECT_EQ(localeNamesFrom([&c](const char* variable) -> std::optional<std::string> {
+                      const auto found = c.environment.find(variable);
+                      return found == c.environment.end() ? std::nullopt
+                                                          : std::optional(found->second);
+                  }),
+                  c.names);
+    }
+}
+
+TEST(IcuLocale, ComparisonAndNumbersCanDiffer) {
+    const IcuLocale locale({"tr_TR", "en_US"});
+    EXPECT_EQ(locale.compareIgnoringCase("\u0130", "i"), same);
+    EXPECT_EQ(locale.decimal(12.34, 1), "12.3");
+}
+
+// Threads ----------------------------------------------------------------------------------------
+
+TEST(IcuLocale, AnswersSeveralThreadsFromTheFirstQuestionOn) {
+    for (int round = 0; round < 5; ++round) {
+        const IcuLocale locale({"de_DE", "de_DE"});
+        std::array<int, 4> wrong{};
+        std::vector<std::jthread> threads;
+        for (int& count : wrong) {
+            threads.emplace_back([&locale, &count] {
+                for (int i = 0; i < 200; ++i) {
+                    count += locale.decimal(12.34, 1) == "12,3" ? 0 : 1;
+                    count += locale.decimal(82.5, 0) == "83" ? 0 : 1;
+                    count += locale.decimal(1.5, 4) == "1,5000" ? 0 : 1;
+                    count += locale.wholeNumber(1234) == "1.234" ? 0 : 1;
+                    count += locale.compareIgnoringCase("Ä", "z") < 0 ? 0 : 1;
+                    count += locale.containsIgnoringCase("GRÖSSE", "größe") ? 0 : 1;
+                }
+            });
+        }
+        threads.clear();
+        EXPECT_EQ(wrong, (std::array<int, 4>{}));
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest
