@@ -192,16 +192,6 @@ const Names& linuxNames() {
     return names;
 }
 
-/// The name of the program in a title that it gave itself, such as "sshd: user@pts/0" or
-/// "gdm-session-worker [pam/gdm-password]", where the last path component means nothing. Some
-/// service managers put an "@" before the name of a program that they start.
-std::string_view programOfTitle(std::string_view command) {
-    if (command.starts_with('@')) {
-        command.remove_prefix(1);
-    }
-    return command.substr(0, command.find_first_of(": "));
-}
-
 }  // namespace
 
 bool isBuiltInProtectedName(std::string_view displayName) {
@@ -212,8 +202,7 @@ bool isProtectedOnLinux(const ProcessSample& row) {
     constexpr std::int64_t firstProcess = 1;
     const std::string_view command = row.command;
     return row.pid == firstProcess || (command.starts_with('[') && command.ends_with(']')) ||
-           linuxNames().contains(row.displayName()) ||
-           (!command.starts_with('/') && linuxNames().contains(programOfTitle(command)));
+           linuxNames().contains(row.displayName());
 }
 
 bool isProtected(const ProcessSample& row, const ProtectionPolicy& policy) {

@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstddef>
 
+#include "core/local_records.h"
 #include "core/utf8.h"
 #include "platform/linux/kernel_file.h"
 #include "platform/posix/unique_fd.h"
@@ -37,7 +38,31 @@ std::string executablePath(int procDirectory, std::int32_t pid) {
     return executable;
 }
 
+bool isCutTo(std::string_view text, std::string_view name) {
+    constexpr std::size_t longestName = 15;
+    return text.substr(0, longestName) == name;
+}
+
 }  // namespace
+
+std::string_view commandOfFirstArgument(std::string_view firstArgument, std::string_view name) {
+    const std::size_t end = firstArgument.find_first_of(": ");
+    if (firstArgument.empty()) {
+        return name;
+    }
+    if (end == std::string_view::npos || isCutTo(lastPathComponent(firstArgument), name)) {
+        return firstArgument;
+    }
+    std::string_view program = firstArgument.substr(0, end);
+    // Some service managers and logins mark a program that they start.
+    if (program.starts_with('@') || program.starts_with('-')) {
+        program.remove_prefix(1);
+    }
+    if (isCutTo(lastPathComponent(program), name)) {
+        return program;
+    }
+    return firstArgument.starts_with('/') || name.empty() ? firstArgument : name;
+}
 
 void writeProcfsPath(char* path, std::int32_t pid, std::string_view file) {
     path = std::to_chars(path, path + 11, pid).ptr;
@@ -62,7 +87,7 @@ ProcfsCommand resolveProcfsCommand(int procDirectory, std::int32_t pid, std::str
     const std::string_view arguments =
         file.valid() ? readFromStart(file.get(), buffer) : std::string_view();
     const std::string_view first = arguments.substr(0, arguments.find('\0'));
-    return {replacingInvalidUTF8(first.empty() ? name : first), isFinal};
+    return {replacingInvalidUTF8(commandOfFirstArgument(first, name)), isFinal};
 }
 
 }  // namespace tallowcrest
