@@ -21,6 +21,10 @@ public:
         if (isDone_) {
             return;
         }
+        // This program is a process itself.
+        if (printed_ == 0 && sample.latestProcesses().empty()) {
+            complain("no process can be read here, so the figures do not tell how busy this is");
+        }
         const std::string text = options_.json
                                      ? sampleJSON(*sample.snapshot(), sample.recommendations())
                                      : sampleBlock(*sample.snapshot(), sample.recommendations());

@@ -50,7 +50,8 @@ std::string_view commandOfFirstArgument(std::string_view firstArgument, std::str
     if (firstArgument.empty()) {
         return name;
     }
-    if (end == std::string_view::npos || isCutTo(lastPathComponent(firstArgument), name)) {
+    if (end == std::string_view::npos || name.empty() ||
+        isCutTo(lastPathComponent(firstArgument), name)) {
         return firstArgument;
     }
     std::string_view program = firstArgument.substr(0, end);
@@ -61,7 +62,7 @@ std::string_view commandOfFirstArgument(std::string_view firstArgument, std::str
     if (isCutTo(lastPathComponent(program), name)) {
         return program;
     }
-    return firstArgument.starts_with('/') || name.empty() ? firstArgument : name;
+    return firstArgument.starts_with('/') ? firstArgument : name;
 }
 
 void writeProcfsPath(char* path, std::int32_t pid, std::string_view file) {
