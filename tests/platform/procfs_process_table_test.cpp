@@ -1,10 +1,8 @@
 #include "platform/linux/procfs_process_table.h"
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <string>
 #include <thread>
@@ -13,9 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/utf8.h"
-#include "sampling/protection.h"
-#include "tests/platform/fake_proc_tree.h"
+#include "tests/platform/procfs_process_table_fixture.h"
 
 namespace tallowcrest {
 namespace {
@@ -23,27 +19,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class ProcfsProcessTableTest : public testing::Test {
-protected:
-    /// The one row that there is.
-    ProcessSample onlyRow() {
-        const auto rows = table.readProcesses();
-        EXPECT_EQ(rows.size(), 1U);
-        return rows.empty() ? ProcessSample{} : rows.front();
-    }
-
-    std::vector<std::int64_t> pids() {
-        std::vector<std::int64_t> result;
-        for (const ProcessSample& row : table.readProcesses()) {
-            result.push_back(row.pid);
-        }
-        return result;
-    }
-
-    FakeProcTree tree;
-    ProcfsProcessTable table{tree.machine(), tree.clocks()};
-};
 
 TEST_F(ProcfsProcessTableTest, FillsEveryField) {
     tree.put(812,
@@ -218,136 +193,6 @@ TEST_F(ProcfsProcessTableTest, AReusedNumberStartsAnew) {
     EXPECT_EQ(row.command, "/usr/bin/new");
 }
 
-TEST_F(ProcfsProcessTableTest, AnotherProgramIsNoticedByNameAndByPlace) {
-    tree.put(812, {.name = "shell", .userTicks = 10});
-    tree.putExecutable(812, "/bin/shell");
-    EXPECT_EQ(onlyRow().command, "/bin/shell");
-
-    tree.advance(1s);
-    tree.put(812, {.name = "tool", .userTicks = 60});
-    tree.putExecutable(812, "/bin/tool");
-    const ProcessSample renamed = onlyRow();
-    EXPECT_EQ(renamed.command, "/bin/tool");
-    EXPECT_DOUBLE_EQ(renamed.cpu, 50.0) << "it is still the same process";
-
-    tree.put(812, {.name = "tool", .startCode = 4194304});
-    tree.putExecutable(812, "/opt/tool");
-    EXPECT_EQ(onlyRow().command, "/opt/tool");
-
-    tree.put(812, {.name = "tool", .startCode = 4194304, .startStack = 7});
-    tree.putExecutable(812, "/opt/newer/tool");
-    EXPECT_EQ(onlyRow().command, "/opt/newer/tool");
-}
-
-TEST_F(ProcfsProcessTableTest, ASettledCommandIsNotAskedForAgain) {
-    tree.put(812, {});
-    tree.putExecutable(812, "/bin/first");
-    EXPECT_EQ(onlyRow().command, "/bin/first");
-
-    tree.putExecutable(812, "/bin/second");
-    EXPECT_EQ(onlyRow().command, "/bin/first");
-}
-
-TEST_F(ProcfsProcessTableTest, AnEndedProcessKeepsItsCommand) {
-    tree.put(812, {});
-    tree.putExecutable(812, "/bin/tool");
-    EXPECT_EQ(onlyRow().command, "/bin/tool");
-
-    std::filesystem::remove(tree.root() / "812" / "exe");
-    tree.put(812, {.state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
-    EXPECT_EQ(onlyRow().command, "/bin/tool");
-}
-
-TEST_F(ProcfsProcessTableTest, WithoutAnExecutableTheFirstArgumentIsTheCommand) {
-    tree.put(1, {});
-    tree.putCommandLine(1, std::string("/usr/sbin/daemon\0--flag\0", 24));
-    tree.put(2, {.name = "server"});
-    tree.putCommandLine(2, "server: accepting on /run/socket");
-    tree.put(3, {.name = "no arguments"});
-    tree.putCommandLine(3, "");
-    tree.put(4, {.name = "empty first"});
-    tree.putCommandLine(4, std::string("\0second\0", 8));
-    tree.put(5, {.name = "nothing"});
-
-    std::vector<std::string> commands;
-    for (const auto& row : table.readProcesses()) {
-        commands.push_back(row.command);
-    }
-    EXPECT_THAT(commands, ElementsAre("/usr/sbin/daemon", "server", "no arguments", "empty first", "nothing"));
-}
-
-TEST_F(ProcfsProcessTableTest, OnlyKernelThreadsAreNamedInBrackets) {
-    // A process that was already ending at its first reading has neither executable nor arguments.
-    tree.put(3, {.name = "as", .state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
-    tree.putCommandLine(3, "");
-    tree.put(4, {.name = "as", .flags = 0x0040400c});
-    tree.put(5, {.name = "as", .flags = 0x00200040});
-    std::vector<std::string> commands;
-    std::vector<bool> areProtected;
-    for (const auto& row : table.readProcesses()) {
-        commands.push_back(row.command);
-        areProtected.push_back(isProtectedOnLinux(row));
-    }
-    EXPECT_THAT(commands, ElementsAre("as", "as", "[as]"));
-    EXPECT_THAT(areProtected, ElementsAre(false, false, true));
-}
-
-TEST_F(ProcfsProcessTableTest, AKernelThreadIsKnownByItsNameAlone) {
-    tree.put(2, {.name = "kworker/0:1-events",
-                 .flags = 69238880,
-                 .residentPages = 0,
-                 .startCode = 0,
-                 .startStack = 0});
-    tree.putExecutable(2, "/bin/not_asked_for");
-
-    const ProcessSample row = onlyRow();
-
-    EXPECT_EQ(row.command, "[kworker/0:1-events]");
-    EXPECT_EQ(row.rssMB, 0.0);
-}
-
-TEST_F(ProcfsProcessTableTest, NamesMayHoldBlanksAndBrackets) {
-    tree.put(812, {.name = "we ird) (x", .userTicks = 100, .startTicks = 90000});
-
-    const ProcessSample row = onlyRow();
-
-    EXPECT_EQ(row.command, "we ird) (x");
-    EXPECT_DOUBLE_EQ(row.cpu, 1.0);
-}
-
-TEST_F(ProcfsProcessTableTest, TheMarkOfADeletedExecutableIsTakenOff) {
-    const std::string present = tree.root() / "still here (deleted)";
-    tree.putFile("still here (deleted)", "");
-    tree.put(1, {});
-    tree.putExecutable(1, "/nonexistent/old tool (deleted)");
-    tree.put(2, {});
-    tree.putExecutable(2, present);
-
-    const auto rows = table.readProcesses();
-
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[0].command, "/nonexistent/old tool");
-    EXPECT_EQ(rows[1].command, present);
-}
-
-TEST_F(ProcfsProcessTableTest, AllTextIsValid) {
-    tree.put(1, {.name = "na\xffme"});
-    tree.put(2, {});
-    tree.putExecutable(2, "/opt/\xc3(");
-    tree.put(3, {});
-    tree.putCommandLine(3, "\xed\xa0\x80");
-
-    const auto rows = table.readProcesses();
-
-    ASSERT_EQ(rows.size(), 3U);
-    EXPECT_EQ(rows[0].command, "na\xef\xbf\xbdme");
-    EXPECT_EQ(rows[1].command, "/opt/\xef\xbf\xbd(");
-    for (const auto& row : rows) {
-        EXPECT_TRUE(isValidUTF8(row.command));
-        EXPECT_EQ(row.arguments, row.command);
-    }
-}
-
 TEST_F(ProcfsProcessTableTest, NoTableGivesNoRows) {
     ProcfsMachine machine = tree.machine();
     machine.procRoot = tree.root() / "mounted later";
@@ -359,157 +204,6 @@ TEST_F(ProcfsProcessTableTest, NoTableGivesNoRows) {
 }
 
 /// Lowers the limit of open files, and gives the old one back at the end.
-class DescriptorLimit {
-public:
-    explicit DescriptorLimit(rlim_t limit) {
-        ::getrlimit(RLIMIT_NOFILE, &before_);
-        const rlimit lowered{limit, before_.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &lowered);
-    }
-    DescriptorLimit(const DescriptorLimit&) = delete;
-    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
-    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
-
-private:
-    rlimit before_{};
-};
-
-std::size_t openDescriptors() {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++count;
-    }
-    return count - 1;  // the listing's own
-}
-
-class ProcfsDescriptorTest : public ProcfsProcessTableTest {
-protected:
-    void putProcesses(std::int64_t count) {
-        for (std::int64_t pid = 1; pid <= count; ++pid) {
-            tree.put(pid, {.userTicks = 0});
-            tree.putExecutable(pid, "/usr/bin/worker");
-        }
-    }
-
-    /// Whether every process has a row with the load of half a core over the next 4 seconds.
-    void expectHalfACoreEach(std::int64_t count) {
-        tree.advance(4s);
-        for (std::int64_t pid = 1; pid <= count; ++pid) {
-            tree.put(pid, {.userTicks = 200});
-        }
-        const auto rows = table.readProcesses();
-        ASSERT_EQ(rows.size(), static_cast<std::size_t>(count));
-        for (const auto& row : rows) {
-            EXPECT_DOUBLE_EQ(row.cpu, 50.0);
-            EXPECT_EQ(row.command, "/usr/bin/worker");
-        }
-    }
-};
-
-TEST_F(ProcfsDescriptorTest, OneDescriptorPerProcessStaysOpen) {
-    const DescriptorLimit limit(1024);
-    putProcesses(50);
-    const std::size_t before = openDescriptors();
-    EXPECT_EQ(table.readProcesses().size(), 50U);
-    EXPECT_EQ(openDescriptors(), before + 51) << "the directory, and one for each process";
-
-    for (std::int64_t pid = 1; pid <= 20; ++pid) {
-        tree.remove(pid);
-    }
-    EXPECT_EQ(table.readProcesses().size(), 30U);
-    EXPECT_EQ(openDescriptors(), before + 31);
-}
-
-TEST_F(ProcfsDescriptorTest, AReserveIsLeftToTheRestOfTheProgram) {
-    putProcesses(200);
-    const std::size_t before = openDescriptors();
-    const DescriptorLimit limit(128);
-
-    EXPECT_EQ(table.readProcesses().size(), 200U);
-
-    EXPECT_EQ(openDescriptors(), before + 1 + 64);
-    expectHalfACoreEach(200);
-    EXPECT_EQ(openDescriptors(), before + 1 + 64);
-}
-
-TEST_F(ProcfsDescriptorTest, KeepsNothingOpenUnderATinyLimit) {
-    putProcesses(20);
-    const std::size_t before = openDescriptors();
-    const DescriptorLimit limit(40);
-
-    EXPECT_EQ(table.readProcesses().size(), 20U);
-    EXPECT_EQ(openDescriptors(), before + 1);
-    expectHalfACoreEach(20);
-}
-
-/// Takes descriptors until there are no more.
-std::vector<UniqueFD> takeAllDescriptors() {
-    std::vector<UniqueFD> taken;
-    for (;;) {
-        UniqueFD descriptor(::dup(0));
-        if (!descriptor.valid()) {
-            return taken;
-        }
-        taken.push_back(std::move(descriptor));
-    }
-}
-
-TEST_F(ProcfsDescriptorTest, GivesDescriptorsBackWhenNoneAreLeft) {
-    putProcesses(100);
-    const DescriptorLimit limit(256);
-    EXPECT_EQ(table.readProcesses().size(), 100U);
-
-    tree.put(101, {.userTicks = 0});
-    tree.putExecutable(101, "/usr/bin/worker");
-    const std::vector<UniqueFD> taken = takeAllDescriptors();
-    EXPECT_EQ(table.readProcesses().size(), 101U) << "the new process has been read too";
-    expectHalfACoreEach(101);
-
-    const UniqueFD another(::dup(0));
-    EXPECT_TRUE(another.valid()) << "the rest of the program can open files again";
-}
-
-TEST_F(ProcfsDescriptorTest, LeavesRowsOutWhenThereIsNoDescriptorAtAll) {
-    const DescriptorLimit limit(64);
-    tree.put(1, {});
-    EXPECT_EQ(table.readProcesses().size(), 1U);
-
-    std::vector<ProcessSample> rows;
-    std::vector<ProcessSample> unopenedRows;
-    {
-        // Judged afterwards: a sanitizer needs a descriptor for its own checks.
-        const std::vector<UniqueFD> taken = takeAllDescriptors();
-        rows = table.readProcesses();
-        ProcfsProcessTable unopened(tree.machine(), tree.clocks());
-        unopenedRows = unopened.readProcesses();
-    }
-    EXPECT_THAT(rows, IsEmpty());
-    EXPECT_THAT(unopenedRows, IsEmpty());
-    EXPECT_EQ(table.readProcesses().size(), 1U);
-}
-
-TEST_F(ProcfsDescriptorTest, ACommandThatWasAMakeshiftIsSettledLater) {
-    // With room for a single file more, the row can be kept open, and then there is none left for
-    // the command.
-    const DescriptorLimit limit(256);
-    tree.put(1, {});
-    tree.putCommandLine(1, "/usr/sbin/daemon");
-    EXPECT_EQ(table.readProcesses().size(), 1U);
-    tree.put(2, {});
-    tree.putCommandLine(2, "/usr/sbin/other");
-    {
-        std::vector<UniqueFD> taken = takeAllDescriptors();
-        taken.pop_back();
-        const auto rows = table.readProcesses();
-        ASSERT_EQ(rows.size(), 2U);
-        EXPECT_EQ(rows[1].command, "worker");
-    }
-    const auto rows = table.readProcesses();
-    ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[1].command, "/usr/sbin/other");
-}
-
 TEST_F(ProcfsProcessTableTest, CallsMayOverlap) {
     for (std::int64_t pid = 1; pid <= 50; ++pid) {
         tree.put(pid, {});
