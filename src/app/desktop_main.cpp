@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -165,6 +166,8 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     occupyStandardDescriptors();
+    // A limit on the size of files makes a save fail; it need not end the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     const std::vector<std::string> arguments(argv, argv + argc);
     const CommandLine commandLine = readCommandLine(arguments);
     if (commandLine.status) {

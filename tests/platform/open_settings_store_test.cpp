@@ -1,7 +1,10 @@
 #include "platform/sqlite/open_settings_store.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -11,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include "core/settings_keys.h"
-#include "platform/sqlite/open_settings_store.h"
 #include "tests/platform/settings_file_fixture.h"
 #include "tests/platform/writer_process.h"
 
@@ -23,7 +25,49 @@ namespace keys = settings_keys;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class OpenSettingsStore : public SettingsFileFixture {};
+class OpenSettingsStore : public SettingsFileFixture {
+protected:
+    static constexpr const char* keptName = "settings.sqlite.damaged-20260509-061320";
+};
+
+/// For a moment, no file may grow beyond a size.
+class LargestFile {
+public:
+    explicit LargestFile(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const rlimit lowered{bytes, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
+    }
+    LargestFile(const LargestFile&) = delete;
+    LargestFile& operator=(const LargestFile&) = delete;
+    ~LargestFile() {
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before_), 0);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+/// For a moment, nothing more can be opened.
+class NoMoreDescriptors {
+public:
+    NoMoreDescriptors() {
+        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
+        const int next = ::dup(STDERR_FILENO);
+        ::close(next);
+        // Enough to look at the file, and too few for SQLite to open it with its log.
+        const rlimit lowered{static_cast<rlim_t>(next) + 2, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &lowered), 0);
+    }
+    NoMoreDescriptors(const NoMoreDescriptors&) = delete;
+    NoMoreDescriptors& operator=(const NoMoreDescriptors&) = delete;
+    ~NoMoreDescriptors() { EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before_), 0); }
+
+private:
+    rlimit before_{};
+};
 
 TEST_F(OpenSettingsStore, BeginsAFileWhereThereIsNone) {
     const OpenedStore opened = open();
@@ -72,16 +116,64 @@ TEST_F(OpenSettingsStore, ARowThatMakesNoSenseCostsItsOwnKeyAlone) {
         makeStored();
         changeStored(std::string("UPDATE settings SET ") + change +
                      " WHERE key = 'Tallowcrest.warningThreshold'");
+        const OpenedStore looked = readSettingsStore(file);
+        expectOneProblem(looked, "no sense can be made of Tallowcrest.warningThreshold,");
         const OpenedStore opened = open();
         expectOneProblem(opened, "no sense can be made of Tallowcrest.warningThreshold,");
         EXPECT_EQ(opened.store->read(keys::autoSelectKey), SettingsValue(false)) << change;
         EXPECT_EQ(loadStoredState(*opened.store, "owner").settings.warningThreshold, 82.0)
             << change;
-        EXPECT_EQ(readSettingsStore(file).problems, opened.problems) << change;
-        // The next save mends it.
-        opened.store->write(keys::thresholdKey, 75.0);
+        // The owner still has it, and is told once.
+        EXPECT_THAT(opened.problems.front(), HasSubstr(keptName)) << change;
+        EXPECT_EQ(readSettingsStore(file.parent_path() / keptName).problems.size(), 1U) << change;
         EXPECT_THAT(readSettingsStore(file).problems, IsEmpty()) << change;
     }
+}
+
+TEST_F(OpenSettingsStore, TheFileKeptForABadRowIsTheUsersAlone) {
+    makeStored();
+    changeStored("UPDATE settings SET kind = 'unknown'");
+    open();
+    struct stat status {};
+    ASSERT_EQ(::stat((file.parent_path() / keptName).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+TEST_F(OpenSettingsStore, ABadRowThatCannotBeKeptStays) {
+    makeStored();
+    changeStored("UPDATE settings SET kind = 'unknown'");
+    {
+        // Enough for SQLite's own companions, and too little for a copy of the file.
+        const LargestFile limit(50'000);
+        expectOneProblem(open(), "so the default is used.");
+    }
+    EXPECT_FALSE(fs::exists(file.parent_path() / keptName));
+    EXPECT_EQ(readSettingsStore(file).problems.size(), 1U);
+}
+
+TEST_F(OpenSettingsStore, AFileThatCannotBeAskedIsNotTakenForBadRows) {
+    makeStored();
+    {
+        const OpenedStore writing = open();
+        writing.store->write(keys::autoPurgeKey, true);
+        const NoMoreDescriptors none;
+        const OpenedStore opened = open();
+        ASSERT_EQ(opened.problems.size(), 1U);
+        EXPECT_THAT(opened.problems.front(), HasSubstr("cannot be"));
+        expectMemoryAlone(opened);
+    }
+    EXPECT_THAT(open().problems, IsEmpty());
+    expectStored(*open().store);
+}
+
+TEST_F(OpenSettingsStore, AnEndWhileTheFileIsBegunIsNoDamage) {
+    fs::create_directory(file.parent_path());
+    writeFile(file.string() + ".new", "");
+    writeFile(file.string() + ".new-journal", "half");
+    const OpenedStore opened = open();
+    EXPECT_THAT(opened.problems, IsEmpty());
+    EXPECT_FALSE(fs::exists(file.string() + ".new"));
+    EXPECT_FALSE(fs::exists(file.string() + ".new-journal"));
 }
 
 TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
@@ -90,7 +182,7 @@ TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
     const OpenedStore opened = open();
     expectOneProblem(opened,
                      "no sense can be made of Tallowcrest.warningThreshold, Tallowcrest.history, "
-                     "Tallowcrest.autoSelectTopOffender, so the default is used.");
+                     "Tallowcrest.autoSelectTopOffender, so the default is used;");
     expectDefaults(*opened.store);
 }
 

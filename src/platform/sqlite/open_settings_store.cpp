@@ -1,6 +1,8 @@
 #include "platform/sqlite/open_settings_store.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -30,6 +32,7 @@ struct Trial {
     std::string reason;  ///< of `readOnly` and `unreadable`
     SqliteConnection connection;
     SettingsRows rows;  ///< prepared when `good`; to be destroyed before the connection
+    std::vector<std::string_view> unreadableKeys;
 };
 
 Verdict verdictOn(int result) {
@@ -58,7 +61,8 @@ Verdict verdictOn(int result) {
 }
 
 /// The marks once more, as they are with the latest changes, then the content.
-Verdict examine(SqliteConnection& connection, SettingsRows& rows) {
+Verdict examine(Trial& trial) {
+    SqliteConnection& connection = trial.connection;
     std::int64_t application = 0;
     std::int64_t version = 0;
     std::string soundness;
@@ -80,21 +84,18 @@ Verdict examine(SqliteConnection& connection, SettingsRows& rows) {
         return Verdict::damaged;
     }
     if (result == SQLITE_OK) {
-        result = rows.prepare(connection);
+        result = trial.rows.prepare(connection);
+    }
+    if (result == SQLITE_OK) {
+        result = trial.rows.findUnreadableKeys(trial.unreadableKeys);
     }
     return verdictOn(result);
 }
 
 Trial tryFile(const Path& file, Access access) {
     Trial trial;
-    int result = trial.connection.open(file, access, patience);
-    if (result == SQLITE_OK) {
-        trial.verdict = examine(trial.connection, trial.rows);
-        result =
-            trial.verdict == Verdict::good ? SQLITE_OK : sqlite3_errcode(trial.connection.get());
-    } else {
-        trial.verdict = verdictOn(result);
-    }
+    const int result = trial.connection.open(file, access, patience);
+    trial.verdict = result == SQLITE_OK ? examine(trial) : verdictOn(result);
     trial.reason = trial.connection.message();
     return trial;
 }
@@ -138,6 +139,19 @@ Trial tryToRead(const Path& file) {
     return tryFile(file, Access::readOnly);
 }
 
+/// Makes a file with an empty table. The reason when that fails, else empty.
+std::string makeFileAt(const Path& file) {
+    if (const int error = settings_file::makeFile(file); error != 0) {
+        return std::strerror(error);
+    }
+    SqliteConnection connection;
+    int result = connection.open(file, Access::readWrite, patience);
+    if (result == SQLITE_OK) {
+        result = SettingsRows::create(connection);
+    }
+    return result == SQLITE_OK ? std::string() : connection.message();
+}
+
 /// Copies what can be read.
 std::unique_ptr<SettingsStore> copyOf(SettingsRows& rows) {
     auto copy = std::make_unique<MemorySettingsStore>();
@@ -165,13 +179,14 @@ private:
         return std::move(outcome_);
     }
     void tell(std::string problem) { outcome_.problems.push_back(std::move(problem)); }
-    void tellUnreadable(SettingsRows& rows) {
-        if (const auto keys = rows.unreadableKeys(); !keys.empty()) {
-            tell(settings_problem::unreadableKeys(file_, keys));
+    void tellUnreadable(const Trial& trial) {
+        if (!trial.unreadableKeys.empty()) {
+            tell(settings_problem::unreadableKeys(file_, trial.unreadableKeys));
         }
     }
 
     void keepUnsoundLog(Date now);
+    void clearUnreadable(Trial& trial, Date now);
     void openExisting(Inspection inspection, const SettingsSurroundings& surroundings);
     void putAside(Verdict verdict, const SettingsSurroundings& surroundings);
     void begin(const SettingsSurroundings& surroundings);
@@ -266,33 +281,47 @@ void Opening::putAside(Verdict verdict, const SettingsSurroundings& surroundings
 }
 
 void Opening::begin(const SettingsSurroundings& surroundings) {
-    if (const int error = settings_file::makeFile(file_); error != 0) {
-        tell(settings_problem::fileCannotBeMade(file_, std::strerror(error)));
+    // Under a name of its own until it is whole, lest half a file be taken for damage.
+    Path begun = file_;
+    begun += ".new";
+    settings_file::removeBegun(begun);
+    std::string reason = makeFileAt(begun);
+    if (reason.empty() && ::rename(begun.c_str(), file_.c_str()) != 0) {
+        reason = std::strerror(errno);
+    }
+    if (!reason.empty()) {
+        tell(settings_problem::fileCannotBeMade(file_, reason));
+        settings_file::removeBegun(begun);
         return;
     }
-    SqliteConnection connection;
-    int made = connection.open(file_, Access::readWrite, patience);
-    if (made == SQLITE_OK) {
-        made = SettingsRows::create(connection);
+    if (Trial trial = tryToChange(file_); trial.verdict == Verdict::good) {
+        use(std::move(trial), surroundings);
+    } else {
+        tell(settings_problem::fileCannotBeMade(file_, trial.reason));
     }
-    const std::string reason = connection.message();
-    connection.close();
-    Trial trial;
-    if (made == SQLITE_OK) {
-        trial = tryToChange(file_);
-    }
-    if (trial.verdict != Verdict::good) {
-        tell(settings_problem::fileCannotBeMade(file_, made == SQLITE_OK ? trial.reason : reason));
-        // What is left of it would be taken for damage the next time.
-        trial = {};
-        settings_file::removeBegun(file_);
+}
+
+/// Keeps the file as it was for the owner, then does without the rows that make no sense.
+void Opening::clearUnreadable(Trial& trial, Date now) {
+    if (trial.unreadableKeys.empty()) {
         return;
     }
-    use(std::move(trial), surroundings);
+    const Path keptAs = settings_file::nameAside(file_, now);
+    if (trial.connection.copyInto(keptAs) != SQLITE_OK) {
+        settings_file::removeBegun(keptAs);
+        tellUnreadable(trial);
+        return;
+    }
+    settings_file::tighten(keptAs);
+    for (const std::string_view key : trial.unreadableKeys) {
+        // A row that stays is told of again the next time.
+        SettingsRows::remove(trial.connection, key);
+    }
+    tell(settings_problem::unreadableKeysKept(file_, trial.unreadableKeys, keptAs));
 }
 
 void Opening::use(Trial trial, const SettingsSurroundings& surroundings) {
-    tellUnreadable(trial.rows);
+    clearUnreadable(trial, surroundings.clock.now());
     outcome_.store = std::make_unique<SqliteSettingsStore>(
         std::move(trial.connection), std::move(trial.rows), file_, surroundings.workQueue,
         surroundings.complain, surroundings.logPages);
@@ -305,7 +334,7 @@ void Opening::readOnly(const std::string& whyNotChanged) {
         return;
     }
     tell(settings_problem::canOnlyBeRead(file_, whyNotChanged));
-    tellUnreadable(trial.rows);
+    tellUnreadable(trial);
     outcome_.store = copyOf(trial.rows);
 }
 
@@ -331,7 +360,7 @@ OpenedStore Opening::read() {
     }
     switch (trial.verdict) {
         case Verdict::good:
-            tellUnreadable(trial.rows);
+            tellUnreadable(trial);
             outcome_.store = copyOf(trial.rows);
             break;
         case Verdict::newer:

@@ -96,15 +96,6 @@ bool anyIsThere(const Path& file) {
     return found;
 }
 
-Path freeNameFor(const Path& file, Date now) {
-    const Path first = withSuffix(file, ".damaged-" + stamp(now));
-    Path name = first;
-    for (int count = 2; anyIsThere(name); ++count) {
-        name = withSuffix(first, fmt::format("-{}", count));
-    }
-    return name;
-}
-
 /// What is not there is as good as moved.
 int move(const Path& from, const Path& to) {
     return ::rename(from.c_str(), to.c_str()) == 0 || errno == ENOENT ? 0 : errno;
@@ -216,8 +207,17 @@ bool logIsSound(const Path& file) {
     return count == 0 || (count == header.size() && (bigEndian(header.data()) & ~1U) == mark);
 }
 
+Path nameAside(const Path& file, Date now) {
+    const Path first = withSuffix(file, ".damaged-" + stamp(now));
+    Path name = first;
+    for (int count = 2; anyIsThere(name); ++count) {
+        name = withSuffix(first, fmt::format("-{}", count));
+    }
+    return name;
+}
+
 int putAside(const Path& file, Date now, Path& keptAs) {
-    keptAs = freeNameFor(file, now);
+    keptAs = nameAside(file, now);
     int error = move(file, keptAs);
     for (const char* companion : companions) {
         if (error == 0) {
@@ -228,7 +228,7 @@ int putAside(const Path& file, Date now, Path& keptAs) {
 }
 
 int putLogAside(const Path& file, Date now, Path& keptAs) {
-    keptAs = withSuffix(freeNameFor(file, now), "-wal");
+    keptAs = withSuffix(nameAside(file, now), "-wal");
     return move(withSuffix(file, "-wal"), keptAs);
 }
 

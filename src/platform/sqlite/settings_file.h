@@ -66,6 +66,9 @@ bool hasLog(const Path& file);
 /// Whether that something is a log at all; what its records hold is SQLite's to judge.
 bool logIsSound(const Path& file);
 
+/// A name beside the file with `now` in it that nothing else has.
+Path nameAside(const Path& file, Date now);
+
 /// Renames the file and its companions, or the log alone, to a name with `now` in it that nothing
 /// else has. `keptAs` becomes the file's new path.
 int putAside(const Path& file, Date now, Path& keptAs);

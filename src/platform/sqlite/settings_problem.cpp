@@ -86,6 +86,14 @@ std::string unreadableKeys(const Path& file, const std::vector<std::string_view>
                        fmt::join(keys, ", "));
 }
 
+std::string unreadableKeysKept(const Path& file, const std::vector<std::string_view>& keys,
+                               const Path& keptAs) {
+    return fmt::format(
+        "In {} no sense can be made of {}, so the default is used; the file as it was is kept as "
+        "{}.",
+        shown(file), fmt::join(keys, ", "), shown(keptAs.filename()));
+}
+
 std::string cannotBeSaved(const Path& file, std::string_view reason) {
     return fmt::format("settings cannot be saved in {} for now ({})", shown(file), shown(reason));
 }

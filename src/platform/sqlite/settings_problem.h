@@ -33,6 +33,8 @@ std::string damagedAndLeft(const Path& file);
 std::string latestChangesLost(const Path& file, const Path& keptAs);
 /// `keys` has at least one.
 std::string unreadableKeys(const Path& file, const std::vector<std::string_view>& keys);
+std::string unreadableKeysKept(const Path& file, const std::vector<std::string_view>& keys,
+                               const Path& keptAs);
 
 /// For standard error: a write failed, and its value is in memory alone for now.
 std::string cannotBeSaved(const Path& file, std::string_view reason);

@@ -76,7 +76,8 @@ SettingsRows::Reading SettingsRows::read(std::string_view key) {
     if (result == SQLITE_ROW) {
         reading.value = valueOf({select_.columnText(0), columnValue(select_, 1)});
     }
-    reading.isUnreadable = result != SQLITE_DONE && !reading.value;
+    reading.isUnreadable = result == SQLITE_ROW && !reading.value;
+    reading.result = result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
     select_.reset();
     return reading;
 }
@@ -94,15 +95,27 @@ int SettingsRows::write(std::string_view key, const SettingsValue& value) {
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
-std::vector<std::string_view> SettingsRows::unreadableKeys() {
-    std::vector<std::string_view> keys;
+int SettingsRows::findUnreadableKeys(std::vector<std::string_view>& keys) {
     for (const settings_keys::Key& key : settings_keys::all) {
         const Reading reading = read(key.name);
+        if (reading.result != SQLITE_OK) {
+            return reading.result;
+        }
         if (reading.isUnreadable || (reading.value && kindOf(*reading.value) != key.kind)) {
             keys.push_back(key.name);
         }
     }
-    return keys;
+    return SQLITE_OK;
+}
+
+int SettingsRows::remove(const SqliteConnection& connection, std::string_view key) {
+    SqliteStatement statement;
+    int result = statement.prepare(connection, "DELETE FROM settings WHERE key = ?1");
+    if (result == SQLITE_OK) {
+        statement.bindText(1, key);
+        result = statement.step();
+    }
+    return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
 }  // namespace tallowcrest

@@ -23,6 +23,7 @@ public:
     struct Reading {
         std::optional<SettingsValue> value;
         bool isUnreadable = false;  ///< there is a row, of which no sense can be made
+        int result = 0;             ///< SQLITE_OK unless the file could not be asked
     };
 
     /// Gives an empty file its marks and its table, in one step that happens or does not.
@@ -37,8 +38,12 @@ public:
     /// too for a value that has no stored form; it leaves the older one.
     int write(std::string_view key, const SettingsValue& value);
 
-    /// The keys of ours whose row cannot be read or holds another kind than the key is for.
-    std::vector<std::string_view> unreadableKeys();
+    /// Puts into `keys` those of ours whose row makes no sense or holds another kind than the key
+    /// is for.
+    int findUnreadableKeys(std::vector<std::string_view>& keys);
+
+    /// Removes the row of `key`, if there is one.
+    static int remove(const SqliteConnection& connection, std::string_view key);
 
 private:
     SqliteStatement select_;

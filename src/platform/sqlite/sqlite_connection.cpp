@@ -88,6 +88,16 @@ int SqliteConnection::queryText(const char* sql, std::string& value) {
     return result;
 }
 
+int SqliteConnection::copyInto(const std::filesystem::path& path) {
+    SqliteStatement statement;
+    int result = statement.prepare(*this, "VACUUM INTO ?1");
+    if (result == SQLITE_OK) {
+        statement.bindText(1, path.native());
+        result = statement.step();
+    }
+    return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
 std::string SqliteConnection::message() const {
     return sqlite3_errmsg(database_);
 }

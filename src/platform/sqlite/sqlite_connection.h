@@ -44,6 +44,9 @@ public:
     int queryInteger(const char* sql, std::int64_t& value);
     int queryText(const char* sql, std::string& value);
 
+    /// Copies the content to a new file at `path`.
+    int copyInto(const std::filesystem::path& path);
+
     /// What SQLite says about the latest failure.
     std::string message() const;
     bool isReadOnly() const;
