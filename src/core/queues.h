@@ -22,8 +22,8 @@ public:
     /// Runs `work` on a later turn of the main thread, in the order of posting. Any thread.
     virtual void post(std::function<void()> work) = 0;
 
-    /// Runs `work` on the main thread once per `interval`, first after one interval, which is above 0. Ticks that
-    /// were missed while the thread was busy are not made up for. Main thread.
+    /// Runs `work` on the main thread once per `interval`, first after one interval, which is above
+    /// 0. Ticks that were missed while the thread was busy are not made up for. Main thread.
     [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> scheduleRepeating(
         std::chrono::milliseconds interval, std::function<void()> work) = 0;
 };

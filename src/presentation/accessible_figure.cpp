@@ -19,6 +19,16 @@ public:
         return QAccessibleWidget::text(kind);
     }
 
+    int childCount() const override {
+        return isValid() && figure_->saysAllWithin() ? 0 : QAccessibleWidget::childCount();
+    }
+    QAccessibleInterface* child(int index) const override {
+        return index < childCount() ? QAccessibleWidget::child(index) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        return childCount() > 0 ? QAccessibleWidget::indexOfChild(child) : -1;
+    }
+
     void* interface_cast(QAccessible::InterfaceType type) override {
         if (type == QAccessible::ValueInterface && isValid() && figure_->accessiblePercent()) {
             return static_cast<QAccessibleValueInterface*>(this);

@@ -18,6 +18,8 @@ public:
     virtual QString accessibleValue() const = 0;
     /// The same as a percentage, where one number is the whole content.
     virtual std::optional<double> accessiblePercent() const { return std::nullopt; }
+    /// True when the figure says all that the widgets within it say, which are then left out.
+    virtual bool saysAllWithin() const { return false; }
 };
 
 /// Makes Qt ask every `AccessibleFigure` for its role and value. Each figure calls this as it is

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <utility>
 
-#include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
 
+#include "presentation/figure_text.h"
 #include "presentation/graph_geometry.h"
 #include "presentation/text_lines.h"
 
@@ -22,13 +22,10 @@ constexpr int widestLabel = 220;
 }  // namespace
 
 BarList::BarList(const QString& label, int rowCount, const QString& valuePattern, QWidget* parent)
-    : QWidget(parent), rowCount_(std::max(1, rowCount)), valuePattern_(valuePattern) {
-    installAccessibleFigures();
+    : PaintedFigure(parent), rowCount_(std::max(1, rowCount)), valuePattern_(valuePattern) {
     setAccessibleName(label);
-    // It paints its own ground, so that new rows repaint nothing of what lies below.
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    valueWidth_ = figuresWidth(CrestFonts::current().body, valuePattern_);
+    BarList::measure();
 }
 
 void BarList::setRows(std::vector<BarRow> rows) {
@@ -41,11 +38,11 @@ void BarList::setRows(std::vector<BarRow> rows) {
     const std::vector<BarRow> before = std::exchange(rows_, std::move(rows));
     if (before.empty() || rows_.empty()) {
         update();
-        fitLabels();
+        arrange();
     } else {
         showChanges(before);
     }
-    setAccessibleDescription(accessibleValue());
+    describe();
 }
 
 void BarList::showChanges(const std::vector<BarRow>& before) {
@@ -68,14 +65,14 @@ void BarList::showChanges(const std::vector<BarRow>& before) {
         update(changed);
     }
     if (hasNewLabels) {
-        fitLabels();
+        arrange();
     }
 }
 
 void BarList::setEmptyText(const QString& text) {
     if (text != emptyText_) {
         emptyText_ = text;
-        setAccessibleDescription(accessibleValue());
+        describe();
         if (rows_.empty()) {
             update();
         }
@@ -108,18 +105,16 @@ QString BarList::accessibleValue() const {
     return parts.join(QStringLiteral(", "));
 }
 
-void BarList::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::FontChange) {
-        valueWidth_ = figuresWidth(CrestFonts::current().body, valuePattern_);
-        fitLabels();
-        updateGeometry();
-    }
-    QWidget::changeEvent(event);
+void BarList::measure() {
+    valueWidth_ = figuresWidth(CrestFonts::current().body, valuePattern_);
 }
 
-void BarList::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    fitLabels();
+void BarList::arrange() {
+    fittedLabels_.clear();
+    for (const BarRow& row : rows_) {
+        fittedLabels_.append(
+            fittedLines(row.label, CrestFonts::current().body, labelWidth(), 1).value(0));
+    }
 }
 
 void BarList::paintEvent(QPaintEvent* event) {
@@ -140,15 +135,12 @@ void BarList::paintEvent(QPaintEvent* event) {
         };
         if (isDue(0, labelWidth())) {
             painter.setPen(theme.text);
-            painter.drawText(QRect(0, top, labelWidth(), rowHeight),
-                             Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+            painter.drawText(0, textBaseline(painter.fontMetrics(), rowRect(static_cast<int>(i))),
                              fittedLabels_.value(static_cast<qsizetype>(i)));
         }
         if (isDue(width() - valueWidth_, valueWidth_)) {
-            painter.setPen(theme.secondaryText);
-            painter.drawText(QRect(width() - valueWidth_, top, valueWidth_, rowHeight),
-                             Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
-                             rows_[i].valueText);
+            drawFigure(painter, QRect(width() - valueWidth_, top, valueWidth_, rowHeight),
+                       Qt::AlignRight, rows_[i].valueText, theme.text, theme.secondaryText);
         }
         if (isDue(barLeft(), barWidth())) {
             paintBar(painter, rows_[i], top, theme);
@@ -189,14 +181,6 @@ int BarList::filledWidth(const BarRow& row) const {
     const double share = safeGraphValue(row.fraction * 100) / 100;
     // Never shorter than its own round ends, so that a small share can still be seen.
     return share > 0 ? std::max(barHeight, static_cast<int>(std::lround(barWidth() * share))) : 0;
-}
-
-void BarList::fitLabels() {
-    fittedLabels_.clear();
-    for (const BarRow& row : rows_) {
-        fittedLabels_.append(
-            fittedLines(row.label, CrestFonts::current().body, labelWidth(), 1).value(0));
-    }
 }
 
 }  // namespace tallowcrest

@@ -4,9 +4,8 @@
 
 #include <QString>
 #include <QStringList>
-#include <QWidget>
 
-#include "presentation/accessible_figure.h"
+#include "presentation/painted_figure.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -23,7 +22,7 @@ struct BarRow {
 /// Horizontal bars, each with its label at the left and its figure at the right. The room for all
 /// rows is kept from the start, so that nothing moves as rows come and go. It paints the ground of
 /// a card. Main thread.
-class BarList : public QWidget, public AccessibleFigure {
+class BarList : public PaintedFigure {
     Q_OBJECT
 
 public:
@@ -42,14 +41,13 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
     /// Each row as label and figure, joined by commas, or the empty text.
     QString accessibleValue() const override;
 
 protected:
-    void changeEvent(QEvent* event) override;
+    void measure() override;
+    void arrange() override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QRect rowRect(int row) const;
@@ -60,7 +58,6 @@ private:
     int filledWidth(const BarRow& row) const;
     /// Repaints what differs from `before` in what is seen.
     void showChanges(const std::vector<BarRow>& before);
-    void fitLabels();
     void paintBar(QPainter& painter, const BarRow& row, int rowTop, const CrestTheme& theme) const;
 
     int rowCount_;

@@ -89,6 +89,19 @@ void drawScrollBar(QPainter& painter, const QRect& slider, bool isHovered, bool 
 
 CrestStyle::CrestStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
+void CrestStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (widget->inherits("QTipLabel")) {
+        // A tip comes with the desktop's colours, which need not go with those of the window.
+        const CrestTheme& theme = CrestTheme::current();
+        QPalette colors = widget->palette();
+        colors.setColor(QPalette::ToolTipBase, theme.cardBackground);
+        colors.setColor(QPalette::ToolTipText, theme.text);
+        widget->setPalette(colors);
+        widget->setFont(CrestFonts::current().body);
+    }
+}
+
 void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
     const CrestTheme& theme = CrestTheme::current();
@@ -101,6 +114,11 @@ void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
                       option->state & State_HasFocus, theme);
             return;
         case PE_FrameLineEdit:
+            return;
+        case PE_PanelTipLabel:
+            painter->fillRect(option->rect, theme.cardBackground);
+            painter->setPen(theme.hairline);
+            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
             return;
         case PE_FrameFocusRect:
             // A push button's own frame tells its focus.
@@ -156,6 +174,9 @@ int CrestStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
             return smallestScrollHandle;
         case PM_HeaderMargin:
             return spacing::unit;
+        case PM_ToolTipLabelFrameWidth:
+            // A tip adds one pixel to this.
+            return spacing::unit - 1;
         case PM_ButtonShiftHorizontal:
         case PM_ButtonShiftVertical:
             return 0;
@@ -168,6 +189,9 @@ int CrestStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
                           QStyleHintReturn* returnData) const {
     // Nothing is animated: a change of the figures is the only motion on screen. Dialogs carry no
     // stock icons, which come in colours that mean nothing here.
+    if (hint == SH_ToolTipLabel_Opacity) {
+        return 255;
+    }
     if (hint == SH_Widget_Animation_Duration || hint == SH_DialogButtonBox_ButtonsHaveIcons) {
         return 0;
     }

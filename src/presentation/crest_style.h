@@ -12,6 +12,9 @@ class CrestStyle final : public QProxyStyle {
 public:
     CrestStyle();
 
+    using QProxyStyle::polish;
+    void polish(QWidget* widget) override;
+
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

@@ -20,6 +20,21 @@ QString oneDecimal(double value) {
     return decimal(value, 1);
 }
 
+/// The short time of a locale has no seconds, and the long one names the time zone as well: this
+/// takes that out, with the blanks and brackets around it. Words of the locale stand in quotes.
+QString withoutTimeZone(const QString& format) {
+    QString kept;
+    bool isQuoted = false;
+    for (const QChar character : format) {
+        isQuoted = isQuoted != (character == u'\'');
+        if (isQuoted || (character != u't' && character != u'(' && character != u')' &&
+                         character != u'[' && character != u']')) {
+            kept.append(character);
+        }
+    }
+    return kept.trimmed();
+}
+
 }  // namespace
 
 QString text(std::string_view utf8) {
@@ -110,12 +125,16 @@ QString warnAt(double threshold) {
 }
 
 QString sortStatus(int count, Date updated) {
-    const auto milliseconds = static_cast<qint64>(updated.unixSeconds() * 1000.0);
-    const QString time = QLocale().toString(QDateTime::fromMSecsSinceEpoch(milliseconds).time(),
-                                            QStringLiteral("HH:mm:ss"));
     return QStringLiteral("Sorted by Impact ↓ · %1 visible processes · updated %2")
         .arg(count)
-        .arg(time);
+        .arg(timeText(updated));
+}
+
+QString timeText(Date date) {
+    const QLocale locale;
+    const auto milliseconds = static_cast<qint64>(date.unixSeconds() * 1000.0);
+    return locale.toString(QDateTime::fromMSecsSinceEpoch(milliseconds).time(),
+                           withoutTimeZone(locale.timeFormat(QLocale::LongFormat)));
 }
 
 }  // namespace tallowcrest::dashboard_text

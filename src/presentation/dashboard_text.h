@@ -41,7 +41,9 @@ QString averageAndThreshold(double average, double threshold);
 /// Resident memory as a person reads it: "512 MB" below one GB, else "1.5 GB".
 QString memoryText(double megabytes);
 QString warnAt(double threshold);
-/// "Sorted by Impact ↓ · 120 visible processes · updated 14:03:55"
+/// "Sorted by Impact ↓ · 120 visible processes · updated 2:03:55 PM"
 QString sortStatus(int count, Date updated);
+/// A time of day to the second, as the locale writes it: "2:03:55 PM", "14:03:55".
+QString timeText(Date date);
 
 }  // namespace tallowcrest::dashboard_text

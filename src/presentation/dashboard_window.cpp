@@ -134,6 +134,7 @@ void DashboardWindow::refresh() {
     }
     strip_->refresh();
     shown->refresh();
+    layOut();
     if (!hasShownSample_ && monitor_.sample().snapshot()) {
         hasShownSample_ = true;
         repaint();
@@ -141,8 +142,21 @@ void DashboardWindow::refresh() {
     }
 }
 
+void DashboardWindow::layOut() {
+    // What comes or goes on a page is told from parent to parent, one round of events for each. No
+    // arrangement in between is to be painted. Without such an event a round costs nothing.
+    constexpr int deepestNesting = 10;
+    for (int round = 0; round < deepestNesting; ++round) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    }
+}
+
 void DashboardWindow::openRoute(AppRoute route) {
     monitor_.navigation().setSelectedRoute(route);
+    bringToFront();
+}
+
+void DashboardWindow::bringToFront() {
     // Only that: a maximised window comes back maximised.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

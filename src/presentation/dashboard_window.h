@@ -30,6 +30,8 @@ public:
 
     /// Shows the window on `route` and brings it to the front on the next turn of the main queue.
     void openRoute(AppRoute route);
+    /// The same on the route that is selected already.
+    void bringToFront();
 
 signals:
     /// The owner closed the window.
@@ -47,6 +49,8 @@ private:
     QWidget* makeContent();
     void makeMenus();
     void refresh();
+    /// Arranges what has changed at once.
+    void layOut();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);
 

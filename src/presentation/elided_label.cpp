@@ -10,7 +10,9 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "presentation/figure_text.h"
 #include "presentation/text_lines.h"
+#include "presentation/tool_tip.h"
 
 namespace tallowcrest {
 namespace {
@@ -18,7 +20,6 @@ namespace {
 // A label asks for no more than this, however long its text is; a layout may still give it more.
 constexpr int widestHint = 480;
 constexpr qsizetype longestMeasured = 200;
-constexpr int longestToolTip = 2000;
 
 bool differOnlyInDigits(const QString& a, const QString& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](QChar left, QChar right) {
@@ -76,6 +77,11 @@ void ElidedLabel::setColor(const ThemeColor& color) {
         color_ = color;
         update();
     }
+}
+
+void ElidedLabel::setUnitColor(const ThemeColor& color) {
+    unitColor_ = color;
+    update();
 }
 
 void ElidedLabel::setGround(const ThemeColor& ground) {
@@ -184,10 +190,8 @@ bool ElidedLabel::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
         const QStringList lines = shownLines();
         if (!lines.isEmpty() && lines.last().contains(QChar(u'…')) && !text_.endsWith(u'…')) {
-            // Escaped, as names from outside must not be read as markup.
-            QToolTip::showText(
-                static_cast<QHelpEvent*>(event)->globalPos(),
-                QStringLiteral("<p>%1</p>").arg(text_.left(longestToolTip).toHtmlEscaped()), this);
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipText(text_),
+                               this);
         } else {
             QToolTip::hideText();
         }
@@ -231,10 +235,13 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     if ((alignment_ & Qt::AlignVCenter) != 0) {
         top = (height() - block) / 2;
     }
-    const int baseline = (lineHeight - metrics.height()) / 2 + metrics.ascent();
+    const int baseline = textBaseline(metrics, QRect(0, 0, width(), lineHeight));
     const auto horizontal = static_cast<int>(alignment_ & Qt::AlignHorizontal_Mask);
     for (const QString& line : lines) {
-        if (horizontal == Qt::AlignLeft && !line.isRightToLeft()) {
+        if (unitColor_ && isEnabled() && line == text_) {
+            drawFigure(painter, QRect(0, top, width(), lineHeight), Qt::Alignment(horizontal), line,
+                       color, unitColor_->in(theme));
+        } else if (horizontal == Qt::AlignLeft && !line.isRightToLeft()) {
             // A known place spares the text layout that aligning within a rectangle takes.
             painter.drawText(0, top + baseline, line);
         } else {

@@ -27,6 +27,8 @@ public:
     const QString& text() const { return text_; }
     void setFontRole(FontRole font);
     void setColor(const ThemeColor& color);
+    /// Paints the unit of a text that is one figure in another colour.
+    void setUnitColor(const ThemeColor& color);
     /// The colour that lies below the label, which the label then paints itself: a new text
     /// repaints nothing of what lies below. Without one, what lies below shows through.
     void setGround(const ThemeColor& ground);
@@ -71,6 +73,7 @@ private:
     QString reserved_;
     FontRole font_ = &CrestFonts::body;
     ThemeColor color_ = &CrestTheme::text;
+    std::optional<ThemeColor> unitColor_;
     std::optional<ThemeColor> ground_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     Qt::TextElideMode elideMode_ = Qt::ElideRight;

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/elided_label.h"
+#include "presentation/figure_text.h"
 #include "presentation/graph_geometry.h"
 
 namespace tallowcrest {
@@ -33,21 +34,40 @@ long wholePercent(double value) {
     return std::lround(value);
 }
 
-ThemeColor stateColor(double value) {
-    if (value >= 85) {
-        return &CrestTheme::bad;
+enum class GaugeState { normal, elevated, high };
+
+GaugeState gaugeState(double value) {
+    const double safe = safeGraphValue(value);
+    if (safe >= 85) {
+        return GaugeState::high;
     }
-    return value >= 70 ? &CrestTheme::caution : &CrestTheme::good;
+    return safe >= 70 ? GaugeState::elevated : GaugeState::normal;
 }
 
 }  // namespace
 
 QString gaugeStateWord(double value) {
-    const double safe = safeGraphValue(value);
-    if (safe >= 85) {
-        return QStringLiteral("High");
+    switch (gaugeState(value)) {
+        case GaugeState::high:
+            return QStringLiteral("High");
+        case GaugeState::elevated:
+            return QStringLiteral("Elevated");
+        case GaugeState::normal:
+            break;
     }
-    return safe >= 70 ? QStringLiteral("Elevated") : QStringLiteral("Normal");
+    return QStringLiteral("Normal");
+}
+
+ThemeColor gaugeStateColor(double value) {
+    switch (gaugeState(value)) {
+        case GaugeState::high:
+            return &CrestTheme::bad;
+        case GaugeState::elevated:
+            return &CrestTheme::caution;
+        case GaugeState::normal:
+            break;
+    }
+    return &CrestTheme::good;
 }
 
 GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
@@ -88,9 +108,9 @@ void GaugeRing::paintEvent(QPaintEvent*) {
         drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
     }
     painter.setFont(CrestFonts::current().title);
-    painter.setPen(theme.text);
-    painter.drawText(rect(), Qt::AlignCenter,
-                     hasValue_ ? QStringLiteral("%1%").arg(percent) : QStringLiteral("–"));
+    drawFigure(painter, rect(), Qt::AlignHCenter,
+               hasValue_ ? QStringLiteral("%1%").arg(percent) : QStringLiteral("–"), theme.text,
+               theme.secondaryText);
 }
 
 const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
@@ -177,7 +197,7 @@ QString GaugeCard::accessibleValue() const {
 
 void GaugeCard::showState() {
     state_->setText(ring_->hasValue() ? gaugeStateWord(value()) : QString());
-    state_->setColor(stateColor(value()));
+    state_->setColor(gaugeStateColor(value()));
     setAccessibleDescription(accessibleValue());
 }
 

@@ -14,6 +14,9 @@ namespace tallowcrest {
 /// what is not finite counts as 0.
 QString gaugeStateWord(double value);
 
+/// The colour that goes with the state word of `value`: bad, caution or good.
+ThemeColor gaugeStateColor(double value);
+
 /// A ring that is filled to a percentage, with the figure in its middle, on the ground of a card.
 /// Main thread.
 class GaugeRing : public QWidget {

@@ -64,6 +64,23 @@ QPixmap tintedPixels(const QString& name, const QColor& color, const QSize& pixe
     return pixmap;
 }
 
+/// A dial on the drawing grid, each of its strokes wider by `edge` on either side.
+void drawDial(QPainter& painter, double percent, const QColor& color, double edge) {
+    painter.setPen(
+        QPen(color, stroke + 0.25 + 2 * edge, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    const QPointF center(12, 13);
+    constexpr double radius = 9.4;
+    painter.drawArc(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
+                    qRound(dialStart * 16), qRound(-dialSpan * 16));
+    const double angle = qDegreesToRadians(dialStart - dialSpan * safeGraphValue(percent) / 100);
+    const QPointF direction(std::cos(angle), -std::sin(angle));
+    painter.drawLine(center, center + direction * 6.2);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawEllipse(center, 2.1 + edge, 2.1 + edge);
+}
+
 class ThemedIconEngine : public QIconEngine {
 public:
     ThemedIconEngine(QString name, const ThemeColor& color)
@@ -140,25 +157,19 @@ QIcon themedIcon(const QString& name, const ThemeColor& color) {
     return hasIcon(name) ? QIcon(new ThemedIconEngine(name, color)) : QIcon();
 }
 
-QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePixelRatio) {
+QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePixelRatio,
+                  const QColor& halo) {
     const int pixels = qCeil(size * devicePixelRatio);
     QPixmap pixmap(pixels, pixels);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixels / grid, pixels / grid);
-    painter.setPen(QPen(color, stroke + 0.25, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-
-    const QPointF center(12, 13);
-    constexpr double radius = 9.4;
-    painter.drawArc(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
-                    qRound(dialStart * 16), qRound(-dialSpan * 16));
-    const double angle = qDegreesToRadians(dialStart - dialSpan * safeGraphValue(percent) / 100);
-    const QPointF direction(std::cos(angle), -std::sin(angle));
-    painter.drawLine(center, center + direction * 6.2);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawEllipse(center, 2.1, 2.1);
+    if (halo.isValid()) {
+        constexpr double haloWidth = 1.25;
+        drawDial(painter, percent, halo, haloWidth);
+    }
+    drawDial(painter, percent, color, 0);
     painter.end();
     pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;

@@ -25,8 +25,10 @@ QPixmap tintedIcon(const QString& name, const QColor& color, int size, qreal dev
 QIcon themedIcon(const QString& name, const ThemeColor& color = &CrestTheme::text);
 
 /// A dial with its needle at `percent` (0 to 100; what is not finite counts as 0), for the status
-/// item. `size` is in device independent pixels.
-QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePixelRatio = 1);
+/// item. `size` is in device independent pixels. With a valid `halo` the dial is edged in that
+/// colour, so that it can be told from a ground of its own colour.
+QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePixelRatio = 1,
+                  const QColor& halo = QColor());
 
 /// The application's own icon, in full colour.
 QIcon applicationIcon();

@@ -17,6 +17,11 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
          [&window] { window.openRoute(AppRoute::optimize); }},
         {QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
          QStringLiteral("menubar.refresh"), [&monitor] { monitor.refresh(); }},
+        {QStringLiteral("Expand Dashboard Sections"), QStringLiteral("chevron.down"),
+         QStringLiteral("menubar.expand-sections"), [&monitor] { monitor.sections().expandAll(); }},
+        {QStringLiteral("Collapse Dashboard Sections"), QStringLiteral("chevron.right"),
+         QStringLiteral("menubar.collapse-sections"),
+         [&monitor] { monitor.sections().collapseAll(); }},
         {QStringLiteral("Quit Tallowcrest"), QStringLiteral("power"),
          QStringLiteral("menubar.quit"), [] { QApplication::quit(); }},
     };

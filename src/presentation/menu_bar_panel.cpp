@@ -6,14 +6,15 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
-#include "presentation/controls.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/menu_bar_row.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -31,15 +32,31 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     setObjectName(QStringLiteral("menubar.panel"));
     setAccessibleName(QStringLiteral("Tallowcrest"));
     setFixedWidth(panelWidth);
+    setFocusPolicy(Qt::ClickFocus);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::cardPadding, spacing::cardPadding, spacing::cardPadding,
-                               spacing::cardPadding);
+    layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
+    layout->setSpacing(0);
+    layout->addWidget(makeFigures());
+    layout->addSpacing(spacing::unit);
+    layout->addWidget(makeRows(std::move(entries)));
+    subscription_ = monitor_.observe([this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+}
+
+QWidget* MenuBarPanel::makeFigures() {
+    auto* figures = new QWidget(this);
+    auto* layout = new QVBoxLayout(figures);
+    // In line with the rows' icons.
+    layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
     layout->setSpacing(spacing::unit / 2);
-    load_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    topGroup_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    load_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, figures);
+    topGroup_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, figures);
     latestHeading_ = new ElidedLabel(QStringLiteral("Latest"), &CrestFonts::caption,
-                                     &CrestTheme::secondaryText, this);
-    latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
+                                     &CrestTheme::secondaryText, figures);
+    latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, figures);
     // A long name gives way before its figure does, and a long title before its severity.
     topGroup_->setElideMode(Qt::ElideMiddle);
     latest_->setLines(1, 3);
@@ -49,20 +66,31 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     for (ElidedLabel* line : {load_, topGroup_, latestHeading_, latest_}) {
         layout->addWidget(line);
     }
-    layout->addSpacing(spacing::unit);
+    return figures;
+}
+
+QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
+    auto* rows = new QWidget;
+    auto* layout = new QVBoxLayout(rows);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     for (MenuBarEntry& entry : entries) {
-        auto* button = makeButton(entry.title, entry.icon, entry.identifier, entry.title, this);
-        connect(button, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
+        auto* row = new MenuBarRow(entry.title, entry.icon, entry.identifier, rows);
+        connect(row, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
             dismiss();
             run();
         });
-        layout->addWidget(button);
+        layout->addWidget(row);
     }
-    subscription_ = monitor_.observe([this] {
-        if (isVisible()) {
-            refresh();
-        }
-    });
+    commands_ = new QScrollArea(this);
+    commands_->setFrameShape(QFrame::NoFrame);
+    commands_->setWidgetResizable(true);
+    commands_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    commands_->setFocusPolicy(Qt::NoFocus);
+    commands_->setWidget(rows);
+    commands_->viewport()->setAutoFillBackground(false);
+    rows->setAutoFillBackground(false);
+    return commands_;
 }
 
 void MenuBarPanel::refresh() {
@@ -75,8 +103,28 @@ void MenuBarPanel::refresh() {
     latest_->setText(hasLatest ? dashboard_text::panelLatest(recommendations.front()) : QString());
     latest_->setVisible(hasLatest);
     latestHeading_->setVisible(hasLatest);
-    adjustSize();
+    fit();
     place();
+}
+
+void MenuBarPanel::fit() {
+    const auto wantedHeight = [this] {
+        layout()->activate();
+        return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(panelWidth)
+                                             : layout()->totalSizeHint().height();
+    };
+    const int allRows = commands_->widget()->sizeHint().height();
+    commands_->setFixedHeight(allRows);
+    const int excess = wantedHeight() - screenArea().height();
+    if (excess > 0) {
+        commands_->setFixedHeight(std::max(MenuBarRow::rowHeight, allRows - excess));
+    }
+    resize(panelWidth, wantedHeight());
+}
+
+QRect MenuBarPanel::screenArea() const {
+    const QScreen* screen = QGuiApplication::screenAt(anchor_);
+    return (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
 }
 
 void MenuBarPanel::toggleAt(const QPoint& anchor) {
@@ -88,6 +136,9 @@ void MenuBarPanel::toggleAt(const QPoint& anchor) {
         return;
     }
     anchor_ = anchor;
+    // No command has the keyboard before a key asks for one.
+    setFocus(Qt::PopupFocusReason);
+    commands_->verticalScrollBar()->setValue(0);
     refresh();
     show();
     raise();
@@ -95,9 +146,7 @@ void MenuBarPanel::toggleAt(const QPoint& anchor) {
 }
 
 void MenuBarPanel::place() {
-    const QScreen* screen = QGuiApplication::screenAt(anchor_);
-    const QRect area =
-        (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    const QRect area = screenArea();
     const int left = std::clamp(anchor_.x() - width() / 2, area.left(),
                                 std::max(area.left(), area.right() - width()));
     const int top =
@@ -123,6 +172,10 @@ void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
         dismiss();
         return;
     }
+    if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
+        focusNextPrevChild(event->key() == Qt::Key_Down);
+        return;
+    }
     QWidget::keyPressEvent(event);
 }
 
@@ -138,6 +191,8 @@ void MenuBarPanel::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), theme.pageBackground);
     painter.setPen(theme.hairline);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    const int between = commands_->y() - spacing::unit / 2 - 1;
+    painter.drawLine(2 * spacing::unit, between, width() - 1 - 2 * spacing::unit, between);
 }
 
 }  // namespace tallowcrest

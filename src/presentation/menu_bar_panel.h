@@ -9,12 +9,15 @@
 #include "core/observable.h"
 #include "presentation/menu_bar_entries.h"
 
+class QScrollArea;
+
 namespace tallowcrest {
 
 class ElidedLabel;
 
 /// The compact panel of the status item: the latest figures and its commands. It closes when the
-/// owner turns elsewhere, by Escape, and behind each command. Main thread.
+/// owner turns elsewhere, by Escape, and behind each command. On a screen too low for all of them
+/// the commands scroll. Main thread.
 class MenuBarPanel final : public QWidget {
     Q_OBJECT
 
@@ -33,6 +36,11 @@ protected:
 private:
     void refresh();
     void place();
+    QWidget* makeFigures();
+    QWidget* makeRows(std::vector<MenuBarEntry> entries);
+    /// As high as its content, and no higher than the screen.
+    void fit();
+    QRect screenArea() const;
     void dismiss();
 
     SystemMonitor& monitor_;
@@ -42,6 +50,7 @@ private:
     ElidedLabel* topGroup_ = nullptr;
     ElidedLabel* latestHeading_ = nullptr;
     ElidedLabel* latest_ = nullptr;
+    QScrollArea* commands_ = nullptr;
     Subscription subscription_;
 };
 

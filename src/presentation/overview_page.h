@@ -1,19 +1,16 @@
 #pragma once
 
+#include <vector>
+
 #include "presentation/screen.h"
 
 namespace tallowcrest {
 
-class BarList;
-class Card;
-class ElidedLabel;
-class FigureRow;
-class GaugeCard;
-class MetricCard;
-class StableLineGraph;
+class OverviewBlock;
 class SystemMonitor;
 
-/// Health at a glance: gauges, the live timeline and the largest application groups. Main thread.
+/// Health at a glance and the safest next step: what needs attention first, then the figures.
+/// Main thread.
 class OverviewPage final : public Screen {
     Q_OBJECT
 
@@ -23,23 +20,7 @@ public:
     void refresh() override;
 
 private:
-    QWidget* makeGauges();
-    QWidget* makeTimeline();
-    QWidget* makeTopAppMemory();
-    void showGauges();
-    void showTimeline();
-    void showTopAppMemory();
-
-    SystemMonitor& monitor_;
-    GaugeCard* cpuGauge_ = nullptr;
-    GaugeCard* memoryGauge_ = nullptr;
-    MetricCard* reclaimable_ = nullptr;
-    Card* timeline_ = nullptr;
-    StableLineGraph* graph_ = nullptr;
-    FigureRow* figures_ = nullptr;
-    ElidedLabel* averages_ = nullptr;
-    Card* topAppsCard_ = nullptr;
-    BarList* topApps_ = nullptr;
+    std::vector<OverviewBlock*> blocks_;
 };
 
 }  // namespace tallowcrest

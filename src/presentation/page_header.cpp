@@ -11,6 +11,13 @@
 #include "presentation/theme.h"
 
 namespace tallowcrest {
+namespace {
+
+QString identifierOn(AppRoute route, const char* action) {
+    return dashboard_text::text(rawValue(route)) + u'.' + QString::fromLatin1(action);
+}
+
+}  // namespace
 
 PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     : QWidget(parent), monitor_(monitor) {
@@ -87,17 +94,30 @@ void PageHeader::addRouteActions(AppRoute route) {
                           QStringLiteral("Goes to Optimize")),
                 &QPushButton::clicked, this,
                 [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
-    } else if (route == AppRoute::load) {
-        connect(addAction(QStringLiteral("Select Top"), QStringLiteral("scope"),
-                          QStringLiteral("load.select-top"),
-                          QStringLiteral("Selects the heaviest process for review")),
-                &QPushButton::clicked, this, [this] { monitor_.review().selectTopProcess(); });
-        connect(addAction(QStringLiteral("Activity"), QStringLiteral("macwindow"),
-                          QStringLiteral("load.activity"),
-                          QStringLiteral("Opens the system's own process viewer")),
-                &QPushButton::clicked, this,
-                [this] { monitor_.applications().openActivityMonitor(); });
+    } else if (route == AppRoute::load || route == AppRoute::optimize) {
+        addSelectTop(route);
+        if (route == AppRoute::optimize) {
+            connect(addAction(QStringLiteral("Top App"), QStringLiteral("chart.bar.xaxis"),
+                              identifierOn(route, "top-app"),
+                              QStringLiteral("Selects the heaviest process of the heaviest app")),
+                    &QPushButton::clicked, this, [this] { monitor_.review().selectTopApp(); });
+        }
+        addActivity(route);
     }
+}
+
+void PageHeader::addSelectTop(AppRoute route) {
+    connect(addAction(QStringLiteral("Select Top"), QStringLiteral("scope"),
+                      identifierOn(route, "select-top"),
+                      QStringLiteral("Selects the heaviest process for review")),
+            &QPushButton::clicked, this, [this] { monitor_.review().selectTopProcess(); });
+}
+
+void PageHeader::addActivity(AppRoute route) {
+    connect(addAction(QStringLiteral("Activity"), QStringLiteral("macwindow"),
+                      identifierOn(route, "activity"),
+                      QStringLiteral("Opens the system's own process viewer")),
+            &QPushButton::clicked, this, [this] { monitor_.applications().openActivityMonitor(); });
 }
 
 }  // namespace tallowcrest

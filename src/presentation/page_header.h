@@ -27,6 +27,8 @@ protected:
 
 private:
     void addRouteActions(AppRoute route);
+    void addSelectTop(AppRoute route);
+    void addActivity(AppRoute route);
     void orderActions();
     QPushButton* addAction(const QString& title, const QString& icon, const QString& identifier,
                            const QString& description);

@@ -1,11 +1,34 @@
 #include "presentation/page_scroll_area.h"
 
+#include <QAccessibleWidget>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
 
 namespace tallowcrest {
 namespace {
+
+/// Told apart from other scroll areas by its type alone.
+class PageScrollArea final : public QScrollArea {
+public:
+    using QScrollArea::QScrollArea;
+};
+
+/// Qt's own description of a scroll area is asked for children by their number and trusts it. When
+/// the page gives way to another one its scroll bar goes, and an assistive technology that is just
+/// counting through the children would end the program. A plain widget's description looks first.
+QAccessibleInterface* pageInterface(const QString&, QObject* object) {
+    auto* area = dynamic_cast<PageScrollArea*>(object);
+    return area != nullptr ? new QAccessibleWidget(area, QAccessible::Client) : nullptr;
+}
+
+void installPageInterface() {
+    static const bool installed = [] {
+        QAccessible::installFactory(pageInterface);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
 
 void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction action) {
     // In effect as long as the page shows, wherever in the window the keyboard is.
@@ -16,7 +39,8 @@ void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction acti
 }  // namespace
 
 QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
-    auto* area = new QScrollArea(parent);
+    installPageInterface();
+    auto* area = new PageScrollArea(parent);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "presentation/figure_text.h"
 #include "presentation/icon.h"
 #include "presentation/process_table_model.h"
 #include "presentation/theme.h"
@@ -16,7 +17,6 @@ constexpr int cellPadding = spacing::unit;
 constexpr int buttonPadding = 12;
 constexpr int buttonHeight = 24;
 constexpr int selectionBarWidth = 3;
-constexpr float selectedRowOpacity = 0.16F;
 constexpr int markHeight = 18;
 constexpr int markIconSize = 12;
 constexpr int markIconGap = 4;
@@ -34,13 +34,14 @@ QRect buttonRect(const QRect& cell) {
 }
 
 void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
-                        const QModelIndex& index, const CrestTheme& theme) {
+                        const QModelIndex& index, bool isHovered, const CrestTheme& theme) {
     if (!index.data(ProcessTableModel::isSelectedRole).toBool()) {
+        if (isHovered) {
+            painter.fillRect(option.rect, theme.hoveredRow);
+        }
         return;
     }
-    QColor tint = theme.accent;
-    tint.setAlphaF(selectedRowOpacity);
-    painter.fillRect(option.rect, tint);
+    painter.fillRect(option.rect, theme.selectedRow);
     if (index.column() == ProcessTableModel::processColumn) {
         painter.fillRect(
             QRect(option.rect.topLeft(), QSize(selectionBarWidth, option.rect.height())),
@@ -128,7 +129,7 @@ void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     const CrestTheme& theme = CrestTheme::current();
     painter->save();
     painter->setClipRect(option.rect);
-    paintRowBackground(*painter, option, index, theme);
+    paintRowBackground(*painter, option, index, index.row() == hoveredRow_, theme);
 
     const QString shown = index.data(Qt::DisplayRole).toString();
     QRect cell = option.rect.adjusted(cellPadding, 0, -cellPadding, 0);
@@ -143,10 +144,13 @@ void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
             cell = paintProtectedMark(*painter, cell, metrics.horizontalAdvance(shown), theme);
         }
         painter->setFont(font);
-        painter->setPen(index.column() == ProcessTableModel::processColumn ? theme.text
-                                                                           : theme.secondaryText);
-        painter->drawText(cell, index.data(Qt::TextAlignmentRole).toInt(),
-                          metrics.elidedText(shown, Qt::ElideMiddle, cell.width()));
+        if (index.column() == ProcessTableModel::processColumn) {
+            painter->setPen(theme.text);
+            painter->drawText(cell.left(), textBaseline(metrics, cell),
+                              metrics.elidedText(shown, Qt::ElideMiddle, cell.width()));
+        } else {
+            drawFigure(*painter, cell, Qt::AlignRight, shown, theme.text, theme.secondaryText);
+        }
     }
     painter->setRenderHint(QPainter::Antialiasing, false);
     painter->setPen(theme.hairline);

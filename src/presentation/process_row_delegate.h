@@ -24,12 +24,19 @@ public:
     /// alone where the word would take the room of the name.
     static QRect protectedMark(const QRect& cell, int nameWidth);
 
+    /// The row below the pointer, -1 for none.
+    void setHoveredRow(int row) { hoveredRow_ = row; }
+    int hoveredRow() const { return hoveredRow_; }
+
     /// Width that the action column needs.
     static int actionWidth();
 
 signals:
     /// The "Review" button of this row was clicked.
     void reviewRequested(const QModelIndex& index);
+
+private:
+    int hoveredRow_ = -1;
 };
 
 }  // namespace tallowcrest

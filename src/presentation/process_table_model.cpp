@@ -6,6 +6,7 @@
 #include <QLocale>
 
 #include "presentation/dashboard_text.h"
+#include "presentation/tool_tip.h"
 
 namespace tallowcrest {
 namespace {
@@ -41,11 +42,8 @@ std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
     return rows;
 }
 
-/// A tool tip is shown as rich text when it looks like it, and names come from outside.
 QString toolTip(const ProcessSample& row) {
-    // Both at once: a name may itself hold "%2".
-    return QStringLiteral("<p>%1<br>PID %2</p>")
-        .arg(text(row.command).toHtmlEscaped(), QString::number(row.pid));
+    return toolTipText(QStringLiteral("PID %1\n").arg(row.pid) + text(row.command));
 }
 
 /// A name may hold anything; in a table it is one line.

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include "presentation/process_row_delegate.h"
 #include "presentation/process_table_model.h"
@@ -12,9 +13,9 @@
 namespace tallowcrest {
 
 ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
-    auto* delegate = new ProcessRowDelegate(this);
-    setItemDelegate(delegate);
-    connect(delegate, &ProcessRowDelegate::reviewRequested, this,
+    delegate_ = new ProcessRowDelegate(this);
+    setItemDelegate(delegate_);
+    connect(delegate_, &ProcessRowDelegate::reviewRequested, this,
             &ProcessTableView::reviewRequested);
     setSelectionMode(QAbstractItemView::NoSelection);
     setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -40,6 +41,18 @@ ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
 void ProcessTableView::setModel(QAbstractItemModel* model) {
     QTableView::setModel(model);
     sizeColumns();
+    if (model == nullptr) {
+        return;
+    }
+    // A tip that stays would name another process than the one it then points at.
+    const auto endToolTip = [this] {
+        if (pointer_) {
+            QToolTip::hideText();
+        }
+    };
+    connect(model, &QAbstractItemModel::layoutChanged, this, endToolTip);
+    connect(model, &QAbstractItemModel::rowsInserted, this, endToolTip);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, endToolTip);
 }
 
 void ProcessTableView::setEmptyDetail(const QString& detail) {
@@ -124,9 +137,40 @@ void ProcessTableView::currentChanged(const QModelIndex& current, const QModelIn
     // The view repaints a cell; the ring goes around the row.
     for (const QModelIndex& index : {current, previous}) {
         if (index.isValid()) {
-            viewport()->update(0, rowViewportPosition(index.row()), viewport()->width(),
-                               rowHeight(index.row()));
+            updateRow(index.row());
         }
+    }
+}
+
+bool ProcessTableView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::MouseMove) {
+        followPointer(static_cast<QMouseEvent*>(event)->position().toPoint());
+    } else if (event->type() == QEvent::Leave) {
+        followPointer(std::nullopt);
+    }
+    return QTableView::viewportEvent(event);
+}
+
+void ProcessTableView::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    // The rows move away below a pointer that rests.
+    followPointer(pointer_);
+}
+
+void ProcessTableView::followPointer(std::optional<QPoint> place) {
+    pointer_ = place;
+    const int row = place ? rowAt(place->y()) : -1;
+    const int before = delegate_->hoveredRow();
+    if (row != before) {
+        delegate_->setHoveredRow(row);
+        updateRow(before);
+        updateRow(row);
+    }
+}
+
+void ProcessTableView::updateRow(int row) {
+    if (row >= 0) {
+        viewport()->update(0, rowViewportPosition(row), viewport()->width(), rowHeight(row));
     }
 }
 

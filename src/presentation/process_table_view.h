@@ -1,8 +1,13 @@
 #pragma once
 
+#include <optional>
+
+#include <QPoint>
 #include <QTableView>
 
 namespace tallowcrest {
+
+class ProcessRowDelegate;
 
 /// The process table as a person sees it: rows without a grid, a hint in place of no rows, and
 /// Return or Space on a row for its "Review". Main thread.
@@ -26,11 +31,18 @@ protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     void sizeColumns();
     void applyTheme();
+    /// The row that the pointer is over; `place` is in the viewport, absent when it is not there.
+    void followPointer(std::optional<QPoint> place);
+    void updateRow(int row);
 
+    ProcessRowDelegate* delegate_ = nullptr;
+    std::optional<QPoint> pointer_;
     QString emptyDetail_;
 };
 

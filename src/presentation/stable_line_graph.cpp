@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include <QEvent>
 #include <QFontMetrics>
 #include <QPaintEvent>
 #include <QPainter>
@@ -23,6 +22,8 @@ constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
 constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
+// A line through one point has no length, so the point itself is marked.
+constexpr double lonePointSize = 6;
 // How far a line at the very edge of the canvas reaches beyond it.
 constexpr int overhang = 1;
 constexpr int swatchWidth = 12;
@@ -61,13 +62,10 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
                       });
 }
 
-StableLineGraph::StableLineGraph(QWidget* parent) : QWidget(parent) {
-    installAccessibleFigures();
-    // It paints its own ground, so that a new sample repaints nothing of what lies below.
-    setAttribute(Qt::WA_OpaquePaintEvent);
+StableLineGraph::StableLineGraph(QWidget* parent) : PaintedFigure(parent) {
     setAccessibleName(QStringLiteral("Performance graph"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    measureLabels();
+    StableLineGraph::measure();
 }
 
 void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
@@ -80,7 +78,7 @@ void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
                        return a.id == b.id && a.color == b.color;
                    });
     series_ = std::move(series);
-    setAccessibleDescription(accessibleValue());
+    describe();
     if (hasSameLegend) {
         update(canvasPixels());
     } else {
@@ -107,7 +105,7 @@ void StableLineGraph::setEventFractions(std::vector<double> fractions) {
 void StableLineGraph::setLegendVisible(bool visible) {
     if (visible != legendVisible_) {
         legendVisible_ = visible;
-        placeEvents();
+        arrange();
         update();
     }
 }
@@ -142,27 +140,13 @@ QString StableLineGraph::accessibleValue() const {
     return parts.join(QStringLiteral(", "));
 }
 
-void StableLineGraph::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::FontChange) {
-        measureLabels();
-        placeEvents();
-        update();
-    }
-    QWidget::changeEvent(event);
-}
-
-void StableLineGraph::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    placeEvents();
-}
-
-void StableLineGraph::measureLabels() {
+void StableLineGraph::measure() {
     const QFont& font = CrestFonts::current().caption;
     scaleWidth_ = figuresWidth(font, QStringLiteral("100%"));
     captionHeight_ = QFontMetrics(font).lineSpacing();
 }
 
-void StableLineGraph::placeEvents() {
+void StableLineGraph::arrange() {
     eventPositions_ = graphEvents(eventFractions_, canvasRect().width());
 }
 
@@ -291,8 +275,11 @@ void StableLineGraph::paintLonePoints(QPainter& painter, const QRectF& canvas,
             const GraphPoint point =
                 graphLine(series.values, canvas.width(), canvas.height()).front();
             painter.setRenderHint(QPainter::Antialiasing);
-            painter.setPen(QPen(series.color.in(theme), lineWidth, Qt::SolidLine, Qt::RoundCap));
-            painter.drawPoint(canvas.topLeft() + QPointF(point.x, point.y));
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(series.color.in(theme));
+            // Beside the canvas's edge and not across it, which would cut the dot in half.
+            const QPointF middle(std::max(point.x, lonePointSize / 2), point.y);
+            painter.drawEllipse(canvas.topLeft() + middle, lonePointSize / 2, lonePointSize / 2);
         }
     }
 }

@@ -4,9 +4,8 @@
 #include <vector>
 
 #include <QString>
-#include <QWidget>
 
-#include "presentation/accessible_figure.h"
+#include "presentation/painted_figure.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -26,7 +25,7 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
 
 /// Percentages over time, drawn from plain values. Nothing is animated, so a new sample moves the
 /// line and nothing else. It paints the ground of a card, all areas below all lines. Main thread.
-class StableLineGraph : public QWidget, public AccessibleFigure {
+class StableLineGraph : public PaintedFigure {
     Q_OBJECT
 
 public:
@@ -47,20 +46,17 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
     /// For example "CPU 42 percent, Memory 61 percent". Empty without values.
     QString accessibleValue() const override;
 
 protected:
-    void changeEvent(QEvent* event) override;
+    void measure() override;
+    void arrange() override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     /// The whole pixels that the canvas and the lines at its edges touch.
     QRect canvasPixels() const;
-    void placeEvents();
-    void measureLabels();
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
     void paintCanvas(QPainter& painter, const CrestTheme& theme) const;

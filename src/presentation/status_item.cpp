@@ -40,13 +40,18 @@ void StatusItem::refresh() {
     }
     const int percent = snapshot ? dashboard_text::wholePercent(snapshot->cpuPercent) : 0;
     const int needle = percent / needleStep * needleStep;
-    const QColor color = CrestTheme::current().text;
+    const CrestTheme& theme = CrestTheme::current();
+    // Nothing tells how bright the panel is: it need not follow the windows' appearance, and a
+    // symbolic icon by name, which it would colour itself, could not show the load. So the dial
+    // brings its own edge. On a panel like the windows that edge is not seen; on any other it is
+    // what sets the dial off. One grey for all panels would look dull on every one.
+    const QColor color = theme.text;
     if (needle != shownNeedle_ || color != shownColor_) {
         shownNeedle_ = needle;
         shownColor_ = color;
         QIcon icon;
         for (const qreal pixelRatio : {1.0, 2.0}) {
-            icon.addPixmap(gaugeIcon(needle, color, iconSize, pixelRatio));
+            icon.addPixmap(gaugeIcon(needle, color, iconSize, pixelRatio, theme.pageBackground));
         }
         icon_.setIcon(icon);
     }

@@ -14,6 +14,7 @@ SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
     for (ElidedLabel* label : {title_, value_, detail_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
+    value_->setUnitColor(&CrestTheme::secondaryText);
     contentLayout()->setSpacing(spacing::unit / 2);
     contentLayout()->addWidget(title_);
     contentLayout()->addWidget(value_);

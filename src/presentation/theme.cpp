@@ -137,11 +137,29 @@ CrestTheme CrestTheme::of(const QPalette& palette) {
     theme.pageBackground = page;
     theme.cardBackground = card;
     theme.textFieldBackground = palette.color(QPalette::Active, QPalette::Base);
-    theme.text = readable(palette.color(QPalette::Active, QPalette::WindowText));
-    theme.secondaryText = readable(mixedColor(theme.text, card, 0.38));
+    theme.accent = QColor::fromRgbF(1.0F, 0.69F, 0.22F);
+    const QColor plainText = readable(palette.color(QPalette::Active, QPalette::WindowText));
+    const auto rowTint = [&](const QColor& over, double share) {
+        constexpr double faintest = 0.01;
+        QColor tint = mixedColor(card, over, share);
+        // A card of a middling grey leaves little room for a tint that text can be read on.
+        while (share > faintest &&
+               contrastRatio(readableColor(plainText, {page, card, tint}), tint) < textContrast) {
+            share *= 0.75;
+            tint = mixedColor(card, over, share);
+        }
+        return tint;
+    };
+    theme.hoveredRow = rowTint(plainText, dark ? 0.06 : 0.04);
+    theme.selectedRow = rowTint(theme.accent, 0.16);
+    const auto readableInRows = [&](const QColor& color) {
+        return readableColor(color, {page, card, theme.hoveredRow, theme.selectedRow},
+                             textContrast);
+    };
+    theme.text = readableInRows(plainText);
+    theme.secondaryText = readableInRows(mixedColor(theme.text, card, 0.38));
     theme.hairline = mixedColor(card, theme.text, dark ? 0.16 : 0.13);
     theme.track = mixedColor(card, theme.text, dark ? 0.14 : 0.09);
-    theme.accent = QColor::fromRgbF(1.0F, 0.69F, 0.22F);
     theme.accentText = readable(theme.accent);
     theme.secondSeries = dark ? QColor(0x6f, 0xa8, 0xdc) : QColor(0x3d, 0x78, 0xb5);
     theme.good = readable(dark ? QColor(0x32, 0xd0, 0x5c) : QColor(0x1b, 0x7a, 0x3a));

@@ -24,6 +24,9 @@ struct CrestTheme {
     QColor secondaryText;
     /// Borders and grid-like separators; opaque, and never used for text.
     QColor hairline;
+    /// The ground of a table's row below the pointer, and of the one under review.
+    QColor hoveredRow;
+    QColor selectedRow;
     /// The empty part of rings and bars.
     QColor track;
     /// For series, fills and the selected route. Not for text: amber on white cannot be read.
@@ -36,7 +39,8 @@ struct CrestTheme {
     QColor caution;
     QColor bad;
 
-    /// The theme for `palette`. Every text role reaches a contrast of 4.5 on page and card.
+    /// The theme for `palette`. Every text role reaches a contrast of 4.5 on page and card; so do
+    /// the plain and the secondary text on a table's rows.
     static CrestTheme of(const QPalette& palette);
     /// The theme for the application's palette, rebuilt only when that palette has changed.
     static const CrestTheme& current();

@@ -1,6 +1,7 @@
 #include "presentation/timeline.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tallowcrest {
 
@@ -26,8 +27,20 @@ TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history) {
 }
 
 int sessionSeconds(const std::vector<HistoryPoint>& history) {
-    constexpr std::size_t secondsPerPoint = 4;
-    return static_cast<int>(history.size() * secondsPerPoint);
+    constexpr double secondsPerPoint = 4.0;
+    constexpr double most = 1e9;
+    if (history.empty()) {
+        return 0;
+    }
+    double passed = secondsPerPoint;
+    for (std::size_t i = 1; i < history.size(); ++i) {
+        const double step = secondsBetween(history[i - 1].date, history[i].date);
+        // A step that is not a number is not above 0 either.
+        if (step > 0.0) {
+            passed = std::min(passed + step, most);
+        }
+    }
+    return static_cast<int>(std::lround(passed));
 }
 
 std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,

@@ -21,10 +21,12 @@ struct TimelineSummary {
 /// All zero and empty for an empty history. Any thread.
 TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history);
 
-/// The most that `sessionSeconds` gives once sampling has begun.
+/// What `sessionSeconds` gives for a full history without breaks.
 inline constexpr int longestSessionSeconds = 720;
 
-/// How many seconds of sampling the history stands for, at one point per tick.
+/// How many seconds the history reaches back, rounded: what passed from point to point, and the
+/// interval before the first. A break between two runs, or in sleep, is part of that. Where the
+/// clock was set back nothing passed. Any thread.
 int sessionSeconds(const std::vector<HistoryPoint>& history);
 
 /// Where the events of the last 600 seconds before `now` lie within the period from the first to

@@ -31,8 +31,8 @@ struct ToolResult {
 };
 
 /// Launches tools by absolute path with an argument array; never a shell. Environment,
-/// working directory and the calling thread's priority are inherited; standard input is empty. Any thread, several at once; blocks the
-/// caller.
+/// working directory and the calling thread's priority are inherited; standard input is empty. Any
+/// thread, several at once; blocks the caller.
 ///
 /// At the deadline the tool is asked to terminate, and the call then waits for its exit without
 /// any further deadline: a tool that ignores the request holds the caller. No descriptor and no

@@ -169,12 +169,36 @@ TEST(DashboardText, SortStatusGivesTheLocalTimeOfTheSample) {
     const Date sampledAt = Date::fromUnixSeconds(1773032635.9);
     {
         const Place place("en_US", "UTC");
-        EXPECT_EQ(dashboard_text::sortStatus(120, sampledAt),
-                  QStringLiteral("Sorted by Impact ↓ · 120 visible processes · updated 05:03:55"));
+        EXPECT_EQ(
+            dashboard_text::sortStatus(120, sampledAt),
+            QStringLiteral("Sorted by Impact ↓ · 120 visible processes · updated 5:03:55 AM"));
     }
     const Place place("de_DE", "Asia/Tokyo");
     EXPECT_EQ(dashboard_text::sortStatus(0, sampledAt),
               QStringLiteral("Sorted by Impact ↓ · 0 visible processes · updated 14:03:55"));
+}
+
+TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
+    // 2026-03-09T14:03:55Z
+    const Date date = Date::fromUnixSeconds(1773065035.0);
+    const std::pair<const char*, QString> cases[] = {
+        {"C", QStringLiteral("14:03:55")},         {"en_GB", QStringLiteral("14:03:55")},
+        {"de_DE", QStringLiteral("14:03:55")},     {"fi_FI", QStringLiteral("14.03.55")},
+        {"ja_JP", QStringLiteral("14時03分55秒")}, {"fr_CA", QStringLiteral("14 h 03 min 55 s")},
+    };
+    for (const auto& [locale, expected] : cases) {
+        const Place place(locale);
+        // The blanks of a locale are of many widths.
+        EXPECT_EQ(dashboard_text::timeText(date).simplified().toStdString(), expected.toStdString())
+            << locale;
+    }
+    for (const char* locale : {"ko_KR", "es_ES", "zh_CN", "ar_EG", "bg_BG", "vi_VN"}) {
+        const Place place(locale);
+        const QString time = dashboard_text::timeText(date);
+        EXPECT_FALSE(time.contains(QStringLiteral("UTC"))) << locale << ' ' << time.toStdString();
+        EXPECT_FALSE(time.contains(u'(')) << locale << ' ' << time.toStdString();
+        EXPECT_TRUE(time.contains(QLocale().toString(55))) << locale << ' ' << time.toStdString();
+    }
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "presentation/dashboard_window.h"
 
 #include <QMenuBar>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -37,23 +36,6 @@ public:
 
 class DashboardWindowTest : public WindowFixture {
 protected:
-    QStringList headerButtons() {
-        QStringList titles;
-        std::vector<QPushButton*> buttons;
-        const QWidget* header = visible("page.refresh")->parentWidget();
-        for (auto* button : header->findChildren<QPushButton*>()) {
-            if (button->isVisible()) {
-                buttons.push_back(button);
-            }
-        }
-        std::sort(buttons.begin(), buttons.end(),
-                  [](const auto* a, const auto* b) { return a->x() < b->x(); });
-        for (const QPushButton* button : buttons) {
-            titles.append(button->text());
-        }
-        return titles;
-    }
-
     /// What the window shows below the header, by the name of its class.
     QString shownScreen() {
         for (const auto* screen : window().findChildren<Screen*>()) {
@@ -151,34 +133,6 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }
-}
-
-TEST_F(DashboardWindowTest, EachRouteHasItsActionsBeforeRefresh) {
-    showWithSample();
-    const QString refresh = QStringLiteral("Refresh");
-    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
-    goTo(AppRoute::load);
-    EXPECT_EQ(headerButtons(),
-              QStringList({QStringLiteral("Select Top"), QStringLiteral("Activity"), refresh}));
-    goTo(AppRoute::history);
-    EXPECT_EQ(headerButtons(), QStringList({refresh}));
-    goTo(AppRoute::overview);
-    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
-}
-
-TEST_F(DashboardWindowTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
-    showWithSample();
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
-    // Without a turn of Qt's own loop, in which deleted things linger.
-    machine.mainQueue.drain();
-    EXPECT_EQ(visible("overview.review-cleanup"), nullptr);
-}
-
-TEST_F(DashboardWindowTest, ReviewCleanupGoesToOptimize) {
-    showWithSample();
-    click("overview.review-cleanup");
-    EXPECT_EQ(route(), AppRoute::optimize);
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
 }
 
 TEST_F(DashboardWindowTest, SidebarRowsChooseRoutesByClick) {

@@ -1,6 +1,8 @@
 // Shows every shared visual piece with sample values, for looking at them:
 //   tallowcrest_gallery [--dark] [--icons] [--width N] [--save FILE] [--time]
-// --save writes a picture and ends; --time measures the painting of the graph and ends.
+//   tallowcrest_gallery --overview STATE [--dark] [--width N] [--height N] [--save FILE]
+// --save writes a picture and ends; --time measures the painting of the graph and ends. The states
+// of the overview are healthy, troubled, waiting and collapsed; a height of 0 shows all of it.
 
 #include <cmath>
 #include <cstdio>
@@ -26,6 +28,7 @@
 #include "presentation/stable_line_graph.h"
 #include "presentation/summary_card.h"
 #include "presentation/theme.h"
+#include "tests/presentation/overview_gallery.h"
 
 namespace {
 
@@ -227,6 +230,20 @@ void measureGraph() {
                 seconds * 1000 / static_cast<double>(frames.size()));
 }
 
+/// Shows the overview, or writes its picture to `file` unless that is empty.
+int showOverview(const QString& state, const QSize& size, const QString& file) {
+    const std::unique_ptr<QWidget> window = overviewGallery(state, size);
+    if (window == nullptr) {
+        std::fprintf(stderr, "There is no state of the overview of that name.\n");
+        return 2;
+    }
+    if (file.isEmpty()) {
+        return QApplication::exec();
+    }
+    QApplication::processEvents();
+    return window->grab().save(file) ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -241,7 +258,13 @@ int main(int argc, char** argv) {
     const QCommandLineOption save(QStringLiteral("save"), QStringLiteral("Write a picture."),
                                   QStringLiteral("file"));
     const QCommandLineOption time(QStringLiteral("time"), QStringLiteral("Measure the graph."));
-    parser.addOptions({dark, showIcons, width, save, time});
+    const QCommandLineOption overview(QStringLiteral("overview"),
+                                      QStringLiteral("Show the overview in a state."),
+                                      QStringLiteral("state"));
+    const QCommandLineOption height(QStringLiteral("height"),
+                                    QStringLiteral("Height of the overview's window."),
+                                    QStringLiteral("pixels"), QStringLiteral("700"));
+    parser.addOptions({dark, showIcons, width, save, time, overview, height});
     parser.process(application);
 
     QApplication::setPalette(paletteFor(parser.isSet(dark) ? Appearance::dark : Appearance::light));
@@ -250,8 +273,12 @@ int main(int argc, char** argv) {
         measureGraph();
         return 0;
     }
-    std::unique_ptr<QWidget> page(parser.isSet(showIcons) ? icons() : pieces());
     const int wanted = parser.value(width).toInt();
+    if (parser.isSet(overview)) {
+        return showOverview(parser.value(overview), {wanted, parser.value(height).toInt()},
+                            parser.value(save));
+    }
+    std::unique_ptr<QWidget> page(parser.isSet(showIcons) ? icons() : pieces());
     const int hint = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(wanted)
                                                          : page->sizeHint().height();
     page->resize(wanted, hint);

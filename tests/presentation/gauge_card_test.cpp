@@ -22,6 +22,36 @@ TEST(GaugeStateWord, ChangesAtItsTwoLimits) {
     EXPECT_EQ(gaugeStateWord(nan), "Normal");
 }
 
+TEST(GaugeStateColor, GoesWithTheStateWord) {
+    const std::pair<double, ThemeColor> cases[] = {
+        {-1, &CrestTheme::good},    {0, &CrestTheme::good},       {69.9, &CrestTheme::good},
+        {70, &CrestTheme::caution}, {84.9, &CrestTheme::caution}, {85, &CrestTheme::bad},
+        {300, &CrestTheme::bad},    {nan, &CrestTheme::good},
+    };
+    for (const auto& [value, color] : cases) {
+        EXPECT_EQ(gaugeStateColor(value), color) << value;
+    }
+}
+
+TEST(GaugeRing, ShowsTheUnitInSecondaryColor) {
+    GaugeRing ring;
+    ring.setTint(QColor(Qt::white));
+    ring.setValue(88);
+    const QImage image = ring.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const CrestTheme& theme = CrestTheme::current();
+    int lastOfFigure = -1;
+    int lastOfUnit = -1;
+    for (int x = 24; x < 72; ++x) {
+        for (int y = 36; y < 60; ++y) {
+            const QColor color = image.pixelColor(x, y);
+            lastOfFigure = color == theme.text ? x : lastOfFigure;
+            lastOfUnit = color == theme.secondaryText ? x : lastOfUnit;
+        }
+    }
+    EXPECT_GT(lastOfFigure, 24);
+    EXPECT_GT(lastOfUnit, lastOfFigure);
+}
+
 TEST(GaugeCard, ClampsItsValue) {
     GaugeCard card(QStringLiteral("CPU Load"));
     const std::pair<double, double> cases[] = {

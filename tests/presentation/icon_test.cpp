@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QPainter>
 #include <gmock/gmock.h>
 
 #include "core/routes.h"
@@ -130,6 +131,29 @@ TEST(GaugeIcon, TamesWhatIsNoPercentage) {
     EXPECT_EQ(gaugeIcon(-1, Qt::black, 22).toImage(), gaugeIcon(0, Qt::black, 22).toImage());
     EXPECT_EQ(gaugeIcon(std::numeric_limits<double>::quiet_NaN(), Qt::black, 22).toImage(),
               gaugeIcon(0, Qt::black, 22).toImage());
+}
+
+TEST(GaugeIcon, WithAHaloCanBeToldFromEveryPanel) {
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        const CrestTheme theme = CrestTheme::of(paletteFor(appearance));
+        for (const QColor& panel :
+             {QColor(Qt::black), QColor(0x2a, 0x2b, 0x2e), QColor(0x77, 0x77, 0x77),
+              QColor(0xf3, 0xf3, 0xf4), QColor(Qt::white), theme.text, theme.pageBackground}) {
+            QImage image(22, 22, QImage::Format_RGB32);
+            image.fill(panel);
+            {
+                QPainter painter(&image);
+                painter.drawPixmap(0, 0, gaugeIcon(40, theme.text, 22, 1, theme.pageBackground));
+            }
+            int distinct = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    distinct += contrastRatio(image.pixelColor(x, y), panel) >= 3 ? 1 : 0;
+                }
+            }
+            EXPECT_GT(distinct, 60) << panel.name().toStdString();
+        }
+    }
 }
 
 TEST(ApplicationIcon, IsDrawnInSeveralSizes) {

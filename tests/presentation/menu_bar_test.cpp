@@ -90,6 +90,9 @@ TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
 
 TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
     machine.metrics->processes.clear();
+    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
+        return std::vector<Recommendation>();
+    };
     openPanel();
     machine.finishSamples();
     settle();
@@ -199,7 +202,9 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
     }
     EXPECT_EQ(titles,
               QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
-                           QStringLiteral("Refresh"), QStringLiteral("Quit Tallowcrest")}));
+                           QStringLiteral("Refresh"), QStringLiteral("Expand Dashboard Sections"),
+                           QStringLiteral("Collapse Dashboard Sections"),
+                           QStringLiteral("Quit Tallowcrest")}));
     QStringList onPanel;
     for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
         onPanel.append(button->text());
@@ -264,10 +269,12 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
     for (const QAction* action : iconOf(item).contextMenu()->actions()) {
         identifiers.append(action->objectName());
     }
-    EXPECT_EQ(identifiers,
-              QStringList({QStringLiteral("menubar.show-dashboard"),
-                           QStringLiteral("menubar.open-optimize"),
-                           QStringLiteral("menubar.refresh"), QStringLiteral("menubar.quit")}));
+    EXPECT_EQ(
+        identifiers,
+        QStringList({QStringLiteral("menubar.show-dashboard"),
+                     QStringLiteral("menubar.open-optimize"), QStringLiteral("menubar.refresh"),
+                     QStringLiteral("menubar.expand-sections"),
+                     QStringLiteral("menubar.collapse-sections"), QStringLiteral("menubar.quit")}));
 }
 
 TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {

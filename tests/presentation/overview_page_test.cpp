@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QSignalSpy>
 
+#include "core/settings_keys.h"
 #include "presentation/bar_list.h"
 #include "presentation/gauge_card.h"
 #include "presentation/stable_line_graph.h"
@@ -169,8 +170,15 @@ public:
 };
 
 TEST_F(OverviewPageTest, NewFiguresOfAsManyDigitsLayNothingOutAnew) {
+    machine.store.write(settings_keys::thresholdKey, 95.0);
+    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
+        return std::vector<Recommendation>{{UUID::random(), "Memory pressure is rising",
+                                            "Look at it", Recommendation::Severity::caution, 800}};
+    };
     showWithSample();
-    // What showing the page asked for is to be behind it.
+    // What showing the page asked for is to be behind it, and the seconds that an application led
+    // are to have their second digit.
+    tick();
     tick();
     LayoutCount layouts;
     // Memory goes from Normal through Elevated to High and back.

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "presentation/process_table_view.h"
+#include "presentation/tool_tip.h"
 
 namespace tallowcrest {
 namespace {
@@ -264,10 +265,10 @@ TEST_F(ProcessTableModelTest, TheActionNamesItsProcessForWhoCannotSeeTheRow) {
 TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
     model.setRows({row(90, "/tmp/<img src=x>&amp;")});
     EXPECT_EQ(at(0, 0, Qt::ToolTipRole),
-              QStringLiteral("<p>/tmp/&lt;img src=x&gt;&amp;amp;<br>PID 90</p>"));
+              toolTipText(QStringLiteral("PID 90\n/tmp/<img src=x>&amp;")));
     EXPECT_FALSE(at(0, 1, Qt::ToolTipRole).isValid());
     model.setRows({row(90, "/tmp/%1 %2 %3")});
-    EXPECT_EQ(at(0, 0, Qt::ToolTipRole), QStringLiteral("<p>/tmp/%1 %2 %3<br>PID 90</p>"));
+    EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(QStringLiteral("PID 90\n/tmp/%1 %2 %3")));
 }
 
 TEST_F(ProcessTableModelTest, AskingBesideTheTableGivesNothing) {

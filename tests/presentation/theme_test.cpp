@@ -75,6 +75,27 @@ TEST(CrestTheme, ReadsEachTextOnCardAndPage) {
     }
 }
 
+TEST(CrestTheme, ReadsTheTextOfEachRowOfATable) {
+    for (const PaletteCase& sample : paletteCases()) {
+        const CrestTheme theme = CrestTheme::of(sample.palette);
+        for (const QColor& row : {theme.hoveredRow, theme.selectedRow}) {
+            EXPECT_GE(contrastRatio(theme.text, row), 4.5) << sample.name;
+            EXPECT_GE(contrastRatio(theme.secondaryText, row), 4.5) << sample.name;
+        }
+    }
+}
+
+TEST(CrestTheme, TellsTheRowsOfATableApartQuietly) {
+    for (const PaletteCase& sample : paletteCases()) {
+        const CrestTheme theme = CrestTheme::of(sample.palette);
+        const double hovered = contrastRatio(theme.hoveredRow, theme.cardBackground);
+        EXPECT_GT(hovered, 1.02) << sample.name;
+        EXPECT_LT(hovered, 1.2) << sample.name;
+        EXPECT_NE(theme.selectedRow, theme.hoveredRow) << sample.name;
+        EXPECT_NE(theme.selectedRow, theme.cardBackground) << sample.name;
+    }
+}
+
 TEST(CrestTheme, TellsLightAndDarkApartByThePage) {
     for (const PaletteCase& sample : paletteCases()) {
         EXPECT_EQ(CrestTheme::of(sample.palette).appearance, sample.appearance) << sample.name;

@@ -62,10 +62,32 @@ TEST(TimelineSummary, GivesNowPeakAndAverage) {
     EXPECT_EQ(summary.cpuAverage, 40.0);
 }
 
-TEST(SessionSeconds, CountsFourSecondsAPoint) {
+TEST(SessionSeconds, AreTheSpanOfThePointsAndTheIntervalBeforeThem) {
     EXPECT_EQ(sessionSeconds({}), 0);
     EXPECT_EQ(sessionSeconds(historyAt({0})), 4);
-    EXPECT_EQ(sessionSeconds(std::vector<HistoryPoint>(180)), 720);
+    EXPECT_EQ(sessionSeconds(historyAt({0, 4, 8})), 12);
+    EXPECT_EQ(sessionSeconds(historyAt({0, 4.3, 8.2})), 12);
+    std::vector<HistoryPoint> full(180);
+    for (std::size_t i = 0; i < full.size(); ++i) {
+        full[i].date = after(4.0 * static_cast<double>(i));
+    }
+    EXPECT_EQ(sessionSeconds(full), longestSessionSeconds);
+}
+
+TEST(SessionSeconds, ASampleInBetweenAddsNoTime) {
+    EXPECT_EQ(sessionSeconds(historyAt({0, 4, 5, 5.5, 8})), 12);
+}
+
+TEST(SessionSeconds, ABreakIsPartOfTheSpan) {
+    EXPECT_EQ(sessionSeconds(historyAt({0, 4, 3604, 3608})), 3612);
+}
+
+TEST(SessionSeconds, AClockThatWasSetCountsOnlyWhatWentForward) {
+    EXPECT_EQ(sessionSeconds(historyAt({3600, 3604, 0, 4, 8})), 16);
+    EXPECT_EQ(sessionSeconds(historyAt({100, 50})), 4);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(sessionSeconds(historyAt({0, nan, 8, 12})), 8);
+    EXPECT_EQ(sessionSeconds(historyAt({0, 1e300, 2e300})), 1'000'000'000);
 }
 
 TEST(EventFractions, LieWithinThePeriodOfThePoints) {

@@ -196,22 +196,54 @@ TEST_F(WindowLayoutTest, TheSidebarFoldsWhenTheWindowIsNarrow) {
 
 TEST_F(WindowLayoutTest, ANewSampleMovesNothing) {
     show900x600();
+    const auto sample = [this](double cpu, double pressure, double usedGB) {
+        machine.metrics->processes[0].cpu = cpu;
+        machine.metrics->memory.pressure = pressure;
+        machine.metrics->memory.usedGB = usedGB;
+        machine.metrics->memory.freeGB = 16.0 - usedGB;
+        tick();
+    };
     for (const AppRoute each : {AppRoute::overview, AppRoute::load}) {
         goTo(each);
-        tick();
+        sample(400.0, 100.0, 15.9);
         std::vector<std::pair<QWidget*, QRect>> before;
         for (QWidget* widget : visibleWidgets()) {
             if (qobject_cast<QScrollBar*>(widget) == nullptr) {
                 before.emplace_back(widget, widget->geometry());
             }
         }
-        machine.metrics->processes[0].cpu = 400.0;
-        machine.metrics->memory.pressure = 100.0;
-        machine.metrics->memory.usedGB = 15.9;
-        machine.metrics->memory.freeGB = 0.1;
+        const auto expectNothingMoved = [&before] {
+            for (const auto& [widget, geometry] : before) {
+                if (widget->isVisible()) {
+                    EXPECT_EQ(boxOf(widget->geometry()), boxOf(geometry)) << nameOf(*widget);
+                }
+            }
+        };
+        sample(355.0, 86.0, 9.1);
+        expectNothingMoved();
+        sample(400.0, 100.0, 15.9);
+        expectNothingMoved();
+    }
+}
+
+TEST_F(WindowLayoutTest, CalmAndTroubleLeaveTheBlocksOfTheOverviewWhereTheyAre) {
+    show900x600();
+    const auto sample = [this](double cpu, double pressure) {
+        machine.metrics->processes[0].cpu = cpu;
+        machine.metrics->memory.pressure = pressure;
         tick();
-        for (const auto& [widget, geometry] : before) {
-            EXPECT_EQ(boxOf(widget->geometry()), boxOf(geometry)) << nameOf(*widget);
+    };
+    // Only a recommendation that there was no room for moves what lies below it.
+    sample(400.0, 100.0);
+    std::vector<std::pair<Card*, QRect>> before;
+    for (Card* card : visibleOf<Card>()) {
+        before.emplace_back(card, card->geometry());
+    }
+    ASSERT_GE(before.size(), 9U);
+    for (const double pressure : {50.0, 75.0, 100.0}) {
+        sample(4.0 * pressure, pressure);
+        for (const auto& [card, geometry] : before) {
+            EXPECT_EQ(boxOf(card->geometry()), boxOf(geometry)) << nameOf(*card);
         }
     }
 }

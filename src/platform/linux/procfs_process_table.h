@@ -43,8 +43,9 @@ public:
     /// cannot be listed.
     ///
     /// `cpu` is the share of one core since the row's previous reading, and on its first over the
-    /// process's whole life, as if that had lasted a second at least. A reading less than `shortestInterval` after the previous one
-    /// repeats that one's figure: the load of a shorter time would say nothing.
+    /// process's whole life, as if that had lasted a second at least. A reading less than
+    /// `shortestInterval` after the previous one repeats that one's figure: the load of a shorter
+    /// time would say nothing.
     std::vector<ProcessSample> readProcesses();
 
     static constexpr std::chrono::milliseconds shortestInterval{200};

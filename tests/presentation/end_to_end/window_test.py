@@ -8,6 +8,7 @@ import os
 import re
 import shutil
 import sys
+import tempfile
 import unittest
 
 import dbus
@@ -41,8 +42,13 @@ def service(name, owned):
 
 
 class WindowTestCase(unittest.TestCase):
+    def setUp(self):
+        # Settings outlive a program; they must not reach the next test.
+        self.data = tempfile.mkdtemp(dir=desktop.folder)
+
     def start(self, **env):
-        program = desktop.start(PROGRAM, "--ui-testing", env={**desktop.env, **env})
+        program = desktop.start(PROGRAM, "--ui-testing",
+                                env={**desktop.env, "XDG_DATA_HOME": self.data, **env})
         self.addCleanup(program.end)
         return program
 
@@ -119,7 +125,7 @@ class Window(WindowTestCase):
 
     def test_samples_go_on_by_themselves(self):
         _, window, _ = self.start_window()
-        window.label(lambda text: re.fullmatch(r"Current session · last (8|12|16) seconds", text))
+        window.label(lambda text: re.fullmatch(r"Current session · last (8|9|1[0-9]) seconds", text))
 
     def test_without_a_tray_closing_the_window_ends_the_program(self):
         program, _, _ = self.start_window()
@@ -132,6 +138,59 @@ class Window(WindowTestCase):
         desktop.keys("ctrl+q")
         self.assertEqual(program.status(), 0)
         self.assertEqual(program.complaints(), "")
+
+
+class Sections(WindowTestCase):
+    """Each closes down to its header and is found closed by the next start."""
+
+    def header(self, window, title):
+        from gi.repository import Atspi
+        return window.find(Atspi.Role.PUSH_BUTTON, title)
+
+    def assert_closed(self, window, title, closed):
+        from gi.repository import Atspi
+
+        def is_so():
+            states = self.header(window, title).get_state_set()
+            return (states.contains(Atspi.StateType.EXPANDABLE)
+                    and states.contains(Atspi.StateType.EXPANDED) != closed)
+
+        eventually(is_so, f"{title} is {'closed' if closed else 'open'}")
+
+    def restart(self, program):
+        desktop.keys("ctrl+q")
+        self.assertEqual(program.status(), 0)
+        self.assertEqual(program.complaints(), "")
+        return self.start_window()
+
+    def test_a_closed_section_stays_closed_over_a_restart(self):
+        from gi.repository import Atspi
+        program, window, _ = self.start_window()
+        self.assert_closed(window, "System Gauges", False)
+        window.find(Atspi.Role.PROGRESS_BAR, "CPU Load")
+
+        window.press(Atspi.Role.PUSH_BUTTON, "System Gauges")
+        self.assert_closed(window, "System Gauges", True)
+        eventually(lambda: not window.showing(Atspi.Role.PROGRESS_BAR, "CPU Load"),
+                   "the gauges are gone")
+
+        timeline = self.header(window, "Live Performance Timeline")
+        timeline.grab_focus()
+        eventually(lambda: window.has_focus(timeline), "the timeline's header has the focus")
+        desktop.keys("Left")
+        self.assert_closed(window, "Live Performance Timeline", True)
+
+        program, window, _ = self.restart(program)
+        self.assert_closed(window, "System Gauges", True)
+        self.assert_closed(window, "Live Performance Timeline", True)
+        self.assert_closed(window, "Top App Memory", False)
+        self.assertEqual(window.showing(Atspi.Role.PROGRESS_BAR, "CPU Load"), [])
+
+        window.press(Atspi.Role.PUSH_BUTTON, "System Gauges")
+        window.find(Atspi.Role.PROGRESS_BAR, "CPU Load")
+        _, window, _ = self.restart(program)
+        self.assert_closed(window, "System Gauges", False)
+        self.assert_closed(window, "Live Performance Timeline", True)
 
 
 class Processes(WindowTestCase):
@@ -192,6 +251,7 @@ class Tray(WindowTestCase):
     ITEM = "org.kde.StatusNotifierItem"
 
     def setUp(self):
+        super().setUp()
         host, self.bus = service("tray", "org.kde.StatusNotifierWatcher")
         self.addCleanup(host.end)
         self.addCleanup(self.bus.close)
@@ -231,7 +291,8 @@ class Tray(WindowTestCase):
                    "the tool tip gives the load")
         _, entries = self.entries(item)
         self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize", "Refresh",
-                                         "Quit Tallowcrest"])
+                                         "Expand Dashboard Sections",
+                                         "Collapse Dashboard Sections", "Quit Tallowcrest"])
 
     def test_the_program_runs_on_without_its_window_and_opens_it_again(self):
         program, window, _ = self.start_window()

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QPushButton>
+
+namespace tallowcrest {
+
+/// One command of the menu bar panel: a row as wide as the panel with its icon in a column at the
+/// left, as in a menu. Main thread.
+class MenuBarRow final : public QPushButton {
+    Q_OBJECT
+
+public:
+    static constexpr int rowHeight = 28;
+
+    /// `icon` is the name of a line icon; an unknown one leaves its place in the column blank.
+    MenuBarRow(const QString& title, const QString& icon, const QString& identifier,
+               QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return {0, rowHeight}; }
+
+protected:
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString symbol_;
+};
+
+}  // namespace tallowcrest

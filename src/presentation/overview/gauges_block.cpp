@@ -1,0 +1,67 @@
+#include "presentation/overview/gauges_block.h"
+
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/gauge_card.h"
+#include "presentation/gauge_row.h"
+#include "presentation/summary_card.h"
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+
+/// The colour that goes with a gauge's state word.
+ThemeColor stateTint(double percent) {
+    return percent >= 85.0   ? &CrestTheme::bad
+           : percent >= 70.0 ? &CrestTheme::caution
+                             : &CrestTheme::good;
+}
+
+}  // namespace
+
+GaugesBlock::GaugesBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::gauges, QStringLiteral("overview.system-gauges"),
+                    QStringLiteral("speedometer"), text(title(DashboardSection::gauges)),
+                    Frame::none) {
+    // Enough for the largest figure and three lines of detail.
+    constexpr int narrowestMetric = 160;
+    auto* gauges = new GaugeRow(body());
+    gauges->setObjectName(QStringLiteral("overview.gauges"));
+    gauges->setAccessibleName(text(title(DashboardSection::gauges)));
+    cpuGauge_ = new GaugeCard(QStringLiteral("CPU Load"), &CrestTheme::good, gauges);
+    memoryGauge_ = new GaugeCard(QStringLiteral("Memory Pressure"), &CrestTheme::good, gauges);
+    reclaimable_ = new MetricCard(QStringLiteral("Free / Reclaimable"), gauges);
+    cpuGauge_->setObjectName(QStringLiteral("overview.cpu-load"));
+    memoryGauge_->setObjectName(QStringLiteral("overview.memory-pressure"));
+    reclaimable_->setObjectName(QStringLiteral("overview.free-reclaimable"));
+    gauges->setCards({cpuGauge_, memoryGauge_, reclaimable_}, narrowestMetric);
+    bodyLayout()->addWidget(gauges);
+}
+
+void GaugesBlock::showContent() {
+    const auto& snapshot = monitor().sample().snapshot();
+    if (!snapshot) {
+        const QString waiting = QStringLiteral("Sampling this Mac...");
+        cpuGauge_->clearValue();
+        memoryGauge_->clearValue();
+        reclaimable_->setValue(dashboard_text::noFigure());
+        cpuGauge_->setDetail(waiting);
+        memoryGauge_->setDetail(waiting);
+        reclaimable_->setDetail(waiting);
+        return;
+    }
+    const MemorySnapshot& memory = snapshot->memory;
+    cpuGauge_->setValue(snapshot->cpuPercent);
+    cpuGauge_->setTint(stateTint(snapshot->cpuPercent));
+    cpuGauge_->setDetail(dashboard_text::cpuDetail(snapshot->cpuPercent));
+    memoryGauge_->setValue(memory.pressure);
+    memoryGauge_->setTint(stateTint(memory.pressure));
+    memoryGauge_->setDetail(dashboard_text::memoryDetail(memory));
+    reclaimable_->setValue(QStringLiteral("%1 GB").arg(dashboard_text::gigabytes(memory.freeGB)));
+    reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));
+}
+
+}  // namespace tallowcrest

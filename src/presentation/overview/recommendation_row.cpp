@@ -1,0 +1,135 @@
+#include "presentation/overview/recommendation_row.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "presentation/controls.h"
+#include "presentation/elided_label.h"
+#include "presentation/icon_view.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int boxRadius = 8;
+constexpr int barWidth = 3;
+constexpr int boxPadding = 12;
+constexpr int lineGap = 4;
+
+}  // namespace
+
+RecommendationRow::RecommendationRow(Size size, const QString& buttonIdentifier, QWidget* parent)
+    : QWidget(parent), size_(size) {
+    icon_ = new IconView(QString(), &CrestTheme::secondaryText,
+                         size == Size::prominent ? spacing::iconRegular : spacing::iconSmall, this);
+    word_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    for (ElidedLabel* label : {word_, title_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+    review_ = makeButton(QStringLiteral("Review"), QString(), buttonIdentifier,
+                         QStringLiteral("Selects the process for review and shows it in Processes"),
+                         this);
+    // The texts keep their lines as processes come and go.
+    QSizePolicy policy = review_->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    review_->setSizePolicy(policy);
+    connect(review_, &QPushButton::clicked, this, [this] {
+        if (shown_ && shown_->reviewPID) {
+            emit reviewRequested(*shown_->reviewPID);
+        }
+    });
+    if (size == Size::prominent) {
+        layProminent();
+    } else {
+        layCompact();
+    }
+}
+
+void RecommendationRow::layProminent() {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(boxPadding + barWidth, boxPadding, boxPadding, boxPadding);
+    layout->setSpacing(boxPadding);
+    layout->addWidget(icon_, 0, Qt::AlignTop);
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(lineGap);
+    auto* first = new QHBoxLayout;
+    first->setSpacing(spacing::unit);
+    first->addWidget(word_);
+    first->addWidget(title_, 1);
+    lines->addLayout(first);
+    detail_->setLines(2, 4);
+    lines->addWidget(detail_);
+    layout->addLayout(lines, 1);
+    layout->addWidget(review_, 0, Qt::AlignVCenter);
+}
+
+void RecommendationRow::layCompact() {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(boxPadding + barWidth, 0, boxPadding, 0);
+    layout->setSpacing(spacing::unit);
+    layout->addWidget(icon_);
+    // As wide for every severity, so that the titles stand below each other.
+    word_->setReservedText(severityWord(Recommendation::Severity::caution));
+    layout->addWidget(word_);
+    layout->addWidget(title_);
+    // The title comes first where the room is short; the tool tip has the rest.
+    detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    layout->addWidget(detail_, 1);
+    layout->addWidget(review_);
+    setFixedHeight(compactHeight);
+}
+
+void RecommendationRow::setLine(const RecommendationLine& line) {
+    if (shown_ == line) {
+        return;
+    }
+    shown_ = line;
+    color_ = severityColor(line.severity);
+    icon_->setIcon(severityIcon(line.severity));
+    icon_->setColor(color_);
+    word_->setText(severityWord(line.severity));
+    word_->setColor(color_);
+    word_->show();
+    title_->setText(line.title);
+    detail_->setText(line.detail);
+    review_->setVisible(line.reviewPID.has_value());
+    review_->setAccessibleName(QStringLiteral("Review: ") + line.title);
+    update();
+}
+
+void RecommendationRow::setMessage(const QString& icon, const QString& title,
+                                   const QString& detail) {
+    color_ = &CrestTheme::hairline;
+    icon_->setIcon(icon);
+    icon_->setColor(&CrestTheme::secondaryText);
+    word_->setText(QString());
+    word_->hide();
+    title_->setText(title);
+    detail_->setText(detail);
+    shown_.reset();
+    review_->hide();
+    update();
+}
+
+void RecommendationRow::paintEvent(QPaintEvent*) {
+    if (size_ == Size::compact) {
+        return;
+    }
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF outline = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.setPen(QPen(theme.hairline, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(outline, boxRadius, boxRadius);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color_.in(theme));
+    painter.drawRoundedRect(
+        QRectF(spacing::unit / 2.0, boxPadding, barWidth, height() - 2 * boxPadding),
+        barWidth / 2.0, barWidth / 2.0);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,67 @@
+#include "presentation/overview/timeline_block.h"
+
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/figure_row.h"
+#include "presentation/stable_line_graph.h"
+#include "presentation/timeline.h"
+
+namespace tallowcrest {
+
+TimelineBlock::TimelineBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::recentLoad, QStringLiteral("overview.timeline"),
+                    QStringLiteral("waveform.path.ecg"),
+                    QStringLiteral("Live Performance Timeline")) {
+    reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
+    graph_ = new StableLineGraph(body());
+    graph_->setMinimumHeight(18 * spacing::unit);
+    bodyLayout()->addWidget(graph_, 1);
+    figures_ = new FigureRow({QStringLiteral("CPU now"), QStringLiteral("Memory now"),
+                              QStringLiteral("CPU peak"), QStringLiteral("Memory peak")},
+                             body());
+    averages_ =
+        new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
+    averages_->setGround(&CrestTheme::cardBackground);
+    averages_->setAlignment(Qt::AlignRight | Qt::AlignBottom);
+    auto* below = new QHBoxLayout;
+    below->setSpacing(spacing::gap);
+    below->addWidget(figures_, 4);
+    below->addWidget(averages_, 2, Qt::AlignBottom);
+    bodyLayout()->addLayout(below);
+}
+
+void TimelineBlock::showHeader() {
+    setSectionCaption(
+        dashboard_text::timelineCaption(sessionSeconds(monitor().sample().history())));
+}
+
+void TimelineBlock::showContent() {
+    using dashboard_text::percentText;
+    const auto& history = monitor().sample().history();
+    const double threshold = monitor().settings().warningThreshold;
+    TimelineSummary summary = timelineSummary(history);
+    const Date now = history.empty() ? Date{} : history.back().date;
+    graph_->setEventFractions(eventFractions(monitor().log().activityLog(), history, now));
+    graph_->setWarningThreshold(threshold);
+    if (monitor().sample().snapshot()) {
+        figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
+                              percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
+        averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
+    } else {
+        // A history that an earlier run left says nothing of now.
+        const QString none = dashboard_text::noFigure();
+        figures_->setFigures({none, none, none, none});
+        averages_->setText(QString());
+    }
+    graph_->setSeries(
+        {{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
+         {QStringLiteral("Memory"), &CrestTheme::secondSeries, std::move(summary.memory), false}});
+}
+
+}  // namespace tallowcrest

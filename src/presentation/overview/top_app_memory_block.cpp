@@ -1,0 +1,49 @@
+#include "presentation/overview/top_app_memory_block.h"
+
+#include <utility>
+
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/bar_list.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/top_app_memory.h"
+
+namespace tallowcrest {
+namespace {
+
+/// One bar for each group that a sample can hold.
+constexpr int barCount = maximumAppImpacts;
+
+}  // namespace
+
+TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::appImpact, QStringLiteral("overview.top-app-memory"),
+                    QStringLiteral("chart.bar.xaxis"), QStringLiteral("Top App Memory")) {
+    bars_ = new BarList(QStringLiteral("Resident memory by app group"), barCount,
+                        QStringLiteral("000.0 GB"), body());
+    bars_->setEmptyText(QStringLiteral("Sampling apps…"));
+    bodyLayout()->addWidget(bars_);
+    bodyLayout()->addStretch(1);
+}
+
+void TopAppMemoryBlock::showHeader() {
+    const auto& snapshot = monitor().sample().snapshot();
+    setSectionCaption(snapshot && !snapshot->appImpacts.empty()
+                          ? QStringLiteral("Largest app groups by resident memory right now")
+                          : QStringLiteral("Collecting app impact samples…"));
+}
+
+void TopAppMemoryBlock::showContent() {
+    const auto& snapshot = monitor().sample().snapshot();
+    std::vector<BarRow> rows;
+    if (snapshot) {
+        for (const AppMemoryBar& bar : topAppMemory(snapshot->appImpacts, barCount)) {
+            rows.push_back({dashboard_text::text(bar.name),
+                            dashboard_text::memoryText(bar.megabytes), bar.fraction});
+        }
+    }
+    bars_->setRows(std::move(rows));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "presentation/overview/overview_block.h"
+
+namespace tallowcrest {
+
+class BarList;
+
+/// The largest application groups by resident memory. Main thread.
+class TopAppMemoryBlock final : public OverviewBlock {
+    Q_OBJECT
+
+public:
+    explicit TopAppMemoryBlock(SystemMonitor& monitor);
+
+protected:
+    void showHeader() override;
+    void showContent() override;
+
+private:
+    BarList* bars_ = nullptr;
+};
+
+}  // namespace tallowcrest

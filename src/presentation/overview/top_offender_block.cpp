@@ -1,0 +1,92 @@
+#include "presentation/overview/top_offender_block.h"
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/controls.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/icon_view.h"
+#include "presentation/overview/top_offender.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int lineGap = 2;
+
+}  // namespace
+
+TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::heavyProcesses,
+                    QStringLiteral("overview.top-offender"), QStringLiteral("scope"),
+                    dashboard_text::text(title(DashboardSection::heavyProcesses))) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit + spacing::unit / 2);
+    icon_ = new IconView(QString());
+    row->addWidget(icon_, 0, Qt::AlignTop);
+
+    auto* words = new QWidget(body());
+    auto* lines = new QVBoxLayout(words);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(lineGap);
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, words);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, words);
+    detail_->setLines(1, 4);
+    for (ElidedLabel* label : {title_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+        lines->addWidget(label);
+    }
+    lines->addStretch(1);
+    // Room for the largest of the states, so that load going up and down moves nothing.
+    words->setMinimumHeight(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
+                            2 * QFontMetrics(CrestFonts::current().body).lineSpacing());
+    row->addWidget(words, 1);
+
+    review_ = makeButton(QStringLiteral("Review Cleanup Options"), QString(),
+                         QStringLiteral("overview.review-cleanup-options"),
+                         QStringLiteral("Goes to Optimize"), body());
+    connect(review_, &QPushButton::clicked, this,
+            [this] { this->monitor().navigation().setSelectedRoute(AppRoute::optimize); });
+    row->addWidget(review_, 0, Qt::AlignTop);
+    bodyLayout()->addLayout(row);
+
+    alerts_ = new QWidget(body());
+    auto* alerts = new QHBoxLayout(alerts_);
+    alerts->setContentsMargins(0, 0, 0, 0);
+    alerts->setSpacing(spacing::unit + spacing::unit / 2);
+    alerts->addWidget(new IconView(QStringLiteral("network.badge.shield.half.filled"),
+                                   &CrestTheme::caution, spacing::iconRegular, alerts_));
+    alertsText_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, alerts_);
+    alertsText_->setObjectName(QStringLiteral("overview.remote-alerts"));
+    alerts->addWidget(alertsText_, 1);
+    alerts_->hide();
+    bodyLayout()->addWidget(alerts_);
+}
+
+void TopOffenderBlock::showContent() {
+    const TopOffender shown =
+        topOffender(monitor().sample().snapshot(), monitor().settings().warningThreshold);
+    const bool isOffender = shown.state == TopOffender::State::offender;
+    const bool isStable = shown.state == TopOffender::State::stable;
+    icon_->setIcon(isOffender ? QStringLiteral("exclamationmark.triangle.fill")
+                   : isStable ? QStringLiteral("checkmark.circle")
+                              : QStringLiteral("hourglass"));
+    icon_->setColor(isOffender ? &CrestTheme::caution
+                    : isStable ? &CrestTheme::good
+                               : &CrestTheme::secondaryText);
+    title_->setText(shown.title);
+    title_->setVisible(!shown.title.isEmpty());
+    detail_->setText(shown.detail);
+    detail_->setColor(isOffender ? &CrestTheme::text : &CrestTheme::secondaryText);
+    detail_->setVisible(!shown.detail.isEmpty());
+    review_->setVisible(isOffender);
+    // Nothing scans other machines yet.
+    constexpr int machinesThatNeedAttention = 0;
+    alertsText_->setText(remoteAlerts(machinesThatNeedAttention));
+    alerts_->setVisible(!alertsText_->text().isEmpty());
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+
+#include "presentation/card.h"
+#include "presentation/section_header.h"
+
+namespace tallowcrest {
+
+/// A card that can be closed down to its header and its caption. What it holds stands in `body`,
+/// which is hidden while it is closed. Main thread.
+class SectionCard : public Card {
+    Q_OBJECT
+
+public:
+    /// What lies around the content while the section is open: the card's own ground and border,
+    /// or nothing, for content that is made of cards itself.
+    enum class Frame { card, none };
+
+    SectionCard(const QString& icon, const QString& title, Frame frame = Frame::card,
+                QWidget* parent = nullptr);
+
+    SectionHeader* header() const { return header_; }
+    QWidget* body() const { return body_; }
+    /// The layout of `body`.
+    QVBoxLayout* bodyLayout() const { return bodyLayout_; }
+
+    /// One quiet line below the header, also while the section is closed; empty takes it away.
+    void setSectionCaption(const QString& caption);
+    /// Keeps room for `pattern` with any digits.
+    void reserveSectionCaption(const QString& pattern);
+
+    void setCollapsed(bool collapsed);
+    bool isCollapsed() const { return !header_->isExpanded(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    ElidedLabel* caption();
+    void fitMargins();
+
+    Frame frame_;
+    SectionHeader* header_ = nullptr;
+    QVBoxLayout* below_ = nullptr;
+    ElidedLabel* caption_ = nullptr;
+    QWidget* body_ = nullptr;
+    QVBoxLayout* bodyLayout_ = nullptr;
+};
+
+}  // namespace tallowcrest
