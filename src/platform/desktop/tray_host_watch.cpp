@@ -3,12 +3,23 @@
 #include <utility>
 
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 
 namespace tallowcrest {
 
-TrayHostWatch::TrayHostWatch(QObject* parent)
+namespace {
+
+QString trayName() {
+    return QStringLiteral("org.kde.StatusNotifierWatcher");
+}
+
+}  // namespace
+
+TrayHostWatch::TrayHostWatch(QObject* parent, std::chrono::milliseconds grace)
     : QObject(parent),
-      watcher_(QStringLiteral("org.kde.StatusNotifierWatcher"), QDBusConnection::sessionBus(),
+      watcher_(trayName(), QDBusConnection::sessionBus(),
                QDBusServiceWatcher::WatchForOwnerChange) {
     graceTimer_.setSingleShot(true);
     graceTimer_.setInterval(grace);
@@ -18,7 +29,7 @@ TrayHostWatch::TrayHostWatch(QObject* parent)
         graceTimer_.stop();
         isLost_ = false;
     });
-    connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::lose);
+    connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::graceEnded);
     // The library itself sends this to its program; no name of the bus stands behind it.
     QDBusConnection::sessionBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                                           QStringLiteral("org.freedesktop.DBus.Local"),
@@ -28,6 +39,23 @@ TrayHostWatch::TrayHostWatch(QObject* parent)
 void TrayHostWatch::busEnded() {
     graceTimer_.stop();
     lose();
+}
+
+/// Asks once more: while a program starts, going and coming can be told in the wrong order.
+void TrayHostWatch::graceEnded() {
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    question << trayName();
+    auto* answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<bool> isThere = *answer;
+        answer->deleteLater();
+        if (isThere.isError() || !isThere.value()) {
+            lose();
+        }
+    });
 }
 
 void TrayHostWatch::lose() {
