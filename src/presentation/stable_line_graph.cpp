@@ -89,7 +89,7 @@ void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
 void StableLineGraph::setWarningThreshold(std::optional<double> threshold) {
     if (threshold != warningThreshold_) {
         warningThreshold_ = threshold;
-        update();
+        update(canvasPixels());
     }
 }
 
@@ -98,7 +98,7 @@ void StableLineGraph::setEventFractions(std::vector<double> fractions) {
     std::vector<double> positions = graphEvents(eventFractions_, canvasRect().width());
     if (positions != eventPositions_) {
         eventPositions_ = std::move(positions);
-        update();
+        update(canvasPixels());
     }
 }
 
