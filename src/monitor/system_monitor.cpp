@@ -1,34 +1,15 @@
 #include "monitor/system_monitor.h"
 
-#include <algorithm>
 #include <span>
 #include <utility>
 
 #include "core/history_encoder.h"
-#include "core/record_json.h"
-#include "core/settings_keys.h"
+#include "core/settings_save.h"
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
 
 namespace tallowcrest {
 namespace {
-
-/// What cannot be encoded leaves the older value in the store.
-template <class List>
-void saveJSON(SettingsStore& store, std::string_view key, const List& values) {
-    if (std::optional<std::string> text = record_json::encode(values)) {
-        store.write(key, JSONData{std::move(*text)});
-    }
-}
-
-/// The newest points alone are kept across a restart.
-void saveHistory(SettingsStore& store, HistoryEncoder& encoder,
-                 std::span<const HistoryPoint> history) {
-    const std::size_t saved = std::min(history.size(), StoredState::maximumStoredHistory);
-    if (std::optional<std::string> text = encoder.encode(history.last(saved))) {
-        store.write(settings_keys::historyKey, JSONData{std::move(*text)});
-    }
-}
 
 StartupFindings findings(const HostFacts& host, const MonitorExtensions& extensions) {
     return {extensions.hasOpenAIKey && extensions.hasOpenAIKey(),
@@ -89,12 +70,13 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
       remoteTopAppSamples_(std::move(beginning.stored.remoteTopAppSamples)),
       startup_(startupState(settings_, findings(host_, extensions))),
       log_(ports.clock, observable_, std::move(beginning.stored.activityLog),
-           [this](const auto& events) { saveJSON(store_, settings_keys::activityLogKey, events); }),
+           [this](const auto& events) { saveActivityLog(store_, events); }),
       sample_(observable_, std::move(beginning.stored.history),
               [this, encoder = HistoryEncoder()](const auto& history) mutable {
                   saveHistory(store_, encoder, history);
               }),
       navigation_(observable_, startup_.showSetupWizard),
+      limits_(settings_, store_, observable_),
       sections_(settings_.collapsedSections, store_, log_, observable_),
       review_(observable_, log_, sample_, settings_.protectedAppNames, host_.protection),
       applications_(log_, std::move(extensions.openActivityMonitor)),

@@ -12,6 +12,7 @@
 #include "actions/review_target.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
+#include "core/limits.h"
 #include "core/locale.h"
 #include "core/observable.h"
 #include "core/queues.h"
@@ -91,6 +92,7 @@ public:
     }
 
     const Settings& settings() const { return settings_; }
+    Limits& limits() { return limits_; }
     const StartupState& startup() const { return startup_; }
     const HostFacts& host() const { return host_; }
     const AutomationDates& automationDates() const { return automationDates_; }
@@ -122,6 +124,7 @@ private:
     ActivityLog log_;
     LatestSample sample_;
     Navigation navigation_;
+    Limits limits_;
     DashboardSections sections_;
     ReviewTarget review_;
     ExternalApplications applications_;
