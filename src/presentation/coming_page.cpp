@@ -2,6 +2,7 @@
 
 #include <QVBoxLayout>
 
+#include "monitor/system_monitor.h"
 #include "presentation/card.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
@@ -38,18 +39,36 @@ QString comingLine(AppRoute route) {
 
 }  // namespace
 
-ComingPage::ComingPage(AppRoute route, QWidget* parent) : Screen(parent) {
+ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
+    : Screen(parent), monitor_(monitor), route_(route) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
     card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
     card->setAccessibleName(dashboard_text::text(title(route)));
-    auto* line =
-        new ElidedLabel(comingLine(route), &CrestFonts::body, &CrestTheme::secondaryText, card);
-    line->setLines(1, 3);
-    card->contentLayout()->addWidget(line);
+    const auto addLine = [card](const QString& name, const ThemeColor& color) {
+        auto* line = new ElidedLabel(QString(), &CrestFonts::body, color, card);
+        line->setObjectName(card->objectName() + name);
+        line->setLines(1, 3);
+        line->setGround(&CrestTheme::cardBackground);
+        card->contentLayout()->addWidget(line);
+        return line;
+    };
+    if (route == AppRoute::optimize) {
+        step_ = addLine(QStringLiteral(".step"), &CrestTheme::text);
+    }
+    line_ = addLine(QStringLiteral(".line"), &CrestTheme::secondaryText);
     layout->addWidget(card);
     layout->addStretch(1);
+}
+
+void ComingPage::refresh() {
+    const bool hasSample = monitor_.sample().snapshot().has_value();
+    line_->setText(hasSample ? comingLine(route_) : QStringLiteral("Sampling this Mac..."));
+    if (step_ != nullptr) {
+        step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
+        step_->setVisible(hasSample);
+    }
 }
 
 }  // namespace tallowcrest

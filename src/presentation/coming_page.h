@@ -5,14 +5,24 @@
 
 namespace tallowcrest {
 
-/// One plain line on a route whose screen is still to come. Main thread.
+class ElidedLabel;
+class SystemMonitor;
+
+/// What a route says whose screen is still to come: one plain line, and on Optimize where the owner
+/// stands in the guided workflow, which the buttons above change already. Main thread.
 class ComingPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit ComingPage(AppRoute route, QWidget* parent = nullptr);
+    ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent = nullptr);
 
-    void refresh() override {}
+    void refresh() override;
+
+private:
+    SystemMonitor& monitor_;
+    AppRoute route_;
+    ElidedLabel* line_ = nullptr;
+    ElidedLabel* step_ = nullptr;  ///< on Optimize alone
 };
 
 }  // namespace tallowcrest

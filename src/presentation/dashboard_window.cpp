@@ -55,6 +55,13 @@ QWidget* DashboardWindow::makeContent() {
     auto* right = new QVBoxLayout;
     right->setSpacing(0);
     header_ = new PageHeader(monitor_, content);
+    connect(header_, &PageHeader::selectionMade, this, [this] {
+        for (Screen* each : screens_) {
+            if (each != nullptr) {
+                each->showSelection();
+            }
+        }
+    });
     strip_ = new StatusStrip(monitor_, content);
     right->addWidget(header_);
     right->addWidget(strip_);
@@ -65,38 +72,54 @@ QWidget* DashboardWindow::makeContent() {
 }
 
 void DashboardWindow::makeMenus() {
+    menuBar()->setObjectName(QStringLiteral("menu"));
     QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
-    QAction* about = application->addAction(QStringLiteral("About Tallowcrest"), this, [this] {
-        QMessageBox::about(
-            this, QStringLiteral("About Tallowcrest"),
-            QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
-    });
-    about->setMenuRole(QAction::AboutRole);
-    QAction* refreshAction =
-        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); });
+    application->setObjectName(QStringLiteral("menu.application"));
+    const auto name = [](QAction* action, const QString& identifier) {
+        action->setObjectName(QStringLiteral("menu.") + identifier);
+        return action;
+    };
+    name(application->addAction(
+             QStringLiteral("About Tallowcrest"), this,
+             [this] {
+                 QMessageBox::about(
+                     this, QStringLiteral("About Tallowcrest"),
+                     QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
+             }),
+         QStringLiteral("about"))
+        ->setMenuRole(QAction::AboutRole);
+    QAction* refreshAction = name(
+        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
+        QStringLiteral("refresh"));
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
     application->addSeparator();
     QAction* quit =
-        application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit);
+        name(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
+             QStringLiteral("quit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
+    go->setObjectName(QStringLiteral("menu.go"));
     int key = Qt::Key_1;
     for (const AppRoute route : allAppRoutes) {
-        QAction* action = go->addAction(
-            themedIcon(dashboard_text::text(symbol(route))), dashboard_text::text(title(route)),
-            this, [this, route] { monitor_.navigation().setSelectedRoute(route); });
+        QAction* action =
+            name(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
+                               dashboard_text::text(title(route)), this,
+                               [this, route] { monitor_.navigation().setSelectedRoute(route); }),
+                 QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
     }
     go->addSeparator();
-    QAction* filter = go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
-                                    QStringLiteral("Filter Processes"), this, [this] {
-                                        monitor_.navigation().setSelectedRoute(AppRoute::load);
-                                        refresh();
-                                        screen(AppRoute::load)->focusSearch();
-                                    });
+    QAction* filter = name(go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
+                                         QStringLiteral("Filter Processes"), this,
+                                         [this] {
+                                             monitor_.navigation().setSelectedRoute(AppRoute::load);
+                                             refresh();
+                                             screen(AppRoute::load)->focusSearch();
+                                         }),
+                           QStringLiteral("go.filter-processes"));
     filter->setShortcut(QKeySequence::Find);
 }
 
@@ -107,7 +130,7 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
         case AppRoute::load:
             return new ProcessesPage(monitor_);
         default:
-            return new ComingPage(route);
+            return new ComingPage(monitor_, route);
     }
 }
 
@@ -184,6 +207,8 @@ void DashboardWindow::changeEvent(QEvent* event) {
 void DashboardWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     sidebar_->setFolded(width() < foldingWidth);
+    // What takes another height at its new width is arranged before the next painting.
+    QMetaObject::invokeMethod(this, &DashboardWindow::layOut, Qt::QueuedConnection);
 }
 
 void DashboardWindow::closeEvent(QCloseEvent* event) {

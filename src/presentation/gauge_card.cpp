@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int ringSize = 96;
 constexpr double ringStroke = 7;
+constexpr int ringGap = 12;
 constexpr int ringStart = 225;
 constexpr int ringSpan = 270;
 // The ring beside the longest single word of a title.
@@ -144,15 +146,19 @@ GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* pare
     state_->setGround(&CrestTheme::cardBackground);
     detail_->setGround(&CrestTheme::cardBackground);
 
+    // Always the room of two lines, and a single one in the lower of them: so the state words of
+    // cards side by side stand level, whichever title wraps.
+    auto* titleRoom = new QHBoxLayout;
+    titleRoom->addStrut(2 * QFontMetrics(CrestFonts::current().heading).lineSpacing());
+    titleRoom->addWidget(title_, 1, Qt::AlignBottom);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(spacing::unit / 2);
-    texts->addStretch(1);
-    texts->addWidget(title_);
+    texts->addLayout(titleRoom);
     texts->addWidget(state_);
     texts->addWidget(detail_);
     texts->addStretch(1);
     auto* row = new QHBoxLayout;
-    row->setSpacing(spacing::gap);
+    row->setSpacing(ringGap);
     row->addWidget(ring_, 0, Qt::AlignVCenter);
     row->addLayout(texts, 1);
     contentLayout()->addLayout(row);

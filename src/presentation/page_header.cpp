@@ -21,37 +21,30 @@ QString identifierOn(AppRoute route, const char* action) {
 
 PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     : QWidget(parent), monitor_(monitor) {
-    auto* layout = new QHBoxLayout(this);
+    auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
                                spacing::unit);
-    layout->setSpacing(spacing::unit);
+    layout->setSpacing(2);
 
-    auto* words = new QVBoxLayout;
-    words->setSpacing(2);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit);
     title_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
     title_->setObjectName(QStringLiteral("page.title"));
     subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
     subtitle_->setObjectName(QStringLiteral("page.subtitle"));
-    words->addWidget(title_);
-    words->addWidget(subtitle_);
-    layout->addLayout(words, 1);
+    row->addWidget(title_, 1);
 
     actions_ = new QHBoxLayout;
     actions_->setSpacing(spacing::unit);
-    layout->addLayout(actions_);
+    row->addLayout(actions_);
     refresh_ =
         makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
                    QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
     connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
-    layout->addWidget(refresh_);
-}
-
-void PageHeader::resizeEvent(QResizeEvent* event) {
-    // Where some route's subtitle needs a second line, every route keeps the room for it, so that
-    // going from route to route moves nothing.
-    constexpr int oneLineWidth = 760;
-    subtitle_->setLines(width() < oneLineWidth ? 2 : 1, 2);
-    QWidget::resizeEvent(event);
+    row->addWidget(refresh_);
+    layout->addLayout(row);
+    // The width of the page to itself: no route's subtitle needs a second line.
+    layout->addWidget(subtitle_);
 }
 
 void PageHeader::setRoute(AppRoute route) {
@@ -100,7 +93,13 @@ void PageHeader::addRouteActions(AppRoute route) {
             connect(addAction(QStringLiteral("Top App"), QStringLiteral("chart.bar.xaxis"),
                               identifierOn(route, "top-app"),
                               QStringLiteral("Selects the heaviest process of the heaviest app")),
-                    &QPushButton::clicked, this, [this] { monitor_.review().selectTopApp(); });
+                    &QPushButton::clicked, this, [this] {
+                        monitor_.review().selectTopApp();
+                        const auto& snapshot = monitor_.sample().snapshot();
+                        if (snapshot && !snapshot->appImpacts.empty()) {
+                            tellSelection(snapshot->appImpacts.front().topPID);
+                        }
+                    });
         }
         addActivity(route);
     }
@@ -110,7 +109,20 @@ void PageHeader::addSelectTop(AppRoute route) {
     connect(addAction(QStringLiteral("Select Top"), QStringLiteral("scope"),
                       identifierOn(route, "select-top"),
                       QStringLiteral("Selects the heaviest process for review")),
-            &QPushButton::clicked, this, [this] { monitor_.review().selectTopProcess(); });
+            &QPushButton::clicked, this, [this] {
+                monitor_.review().selectTopProcess();
+                const auto& snapshot = monitor_.sample().snapshot();
+                if (snapshot && !snapshot->topProcesses.empty()) {
+                    tellSelection(snapshot->topProcesses.front().pid);
+                }
+            });
+}
+
+void PageHeader::tellSelection(std::optional<std::int64_t> wanted) {
+    // A protected process is refused, and what was selected before stays where it is.
+    if (wanted && wanted == monitor_.review().selectedPID()) {
+        emit selectionMade();
+    }
 }
 
 void PageHeader::addActivity(AppRoute route) {

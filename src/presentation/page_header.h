@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include <QWidget>
 
 #include "core/routes.h"
@@ -22,14 +25,17 @@ public:
 
     void setRoute(AppRoute route);
 
-protected:
-    void resizeEvent(QResizeEvent* event) override;
+signals:
+    /// The owner selected a process here, perhaps the one that was under review already.
+    void selectionMade();
 
 private:
     void addRouteActions(AppRoute route);
     void addSelectTop(AppRoute route);
     void addActivity(AppRoute route);
     void orderActions();
+    /// Emits `selectionMade` when the process that was asked for is the one under review now.
+    void tellSelection(std::optional<std::int64_t> wanted);
     QPushButton* addAction(const QString& title, const QString& icon, const QString& identifier,
                            const QString& description);
 

@@ -1,5 +1,9 @@
 #include "presentation/process_table_view.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -11,6 +15,13 @@
 #include "presentation/theme.h"
 
 namespace tallowcrest {
+namespace {
+
+constexpr int widestName = 420;
+// How much wider than their figures need the columns of figures grow.
+constexpr int widestSpare = 8 * spacing::unit;
+
+}  // namespace
 
 ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
     delegate_ = new ProcessRowDelegate(this);
@@ -74,13 +85,41 @@ void ProcessTableView::sizeColumns() {
     // Wide enough for the largest figures, so that no sample moves a column.
     const QFont& font = CrestFonts::current().body;
     const int padding = 3 * spacing::unit;
-    header->setSectionResizeMode(ProcessTableModel::processColumn, QHeaderView::Stretch);
-    fix(ProcessTableModel::cpuColumn, figuresWidth(font, QStringLiteral("0000.0%")) + padding);
-    fix(ProcessTableModel::memoryColumn,
-        figuresWidth(font, QStringLiteral("000,000.0 MB")) + padding);
-    fix(ProcessTableModel::memoryPercentColumn,
-        figuresWidth(font, QStringLiteral("100.0%")) + padding);
-    fix(ProcessTableModel::actionColumn, ProcessRowDelegate::actionWidth());
+    const std::pair<int, int> figures[] = {
+        {ProcessTableModel::cpuColumn, figuresWidth(font, QStringLiteral("0000.0%")) + padding},
+        {ProcessTableModel::memoryColumn,
+         figuresWidth(font, QStringLiteral("000,000.0 MB")) + padding},
+        {ProcessTableModel::memoryPercentColumn,
+         figuresWidth(font, QStringLiteral("100.0%")) + padding},
+    };
+    int room = viewport()->width() - ProcessRowDelegate::actionWidth();
+    for (const auto& [column, width] : figures) {
+        room -= width;
+    }
+    // In a wide window the figures stay near the names, and what is left goes to them and at last
+    // to the right of the button.
+    const int nameWidth = std::clamp(room, 0, widestName);
+    const auto more =
+        std::min((room - nameWidth) / static_cast<int>(std::size(figures)), widestSpare);
+    fix(ProcessTableModel::processColumn, nameWidth);
+    int rest = viewport()->width() - nameWidth;
+    for (const auto& [column, width] : figures) {
+        fix(column, width + more);
+        rest -= width + more;
+    }
+    fix(ProcessTableModel::actionColumn, std::max(rest, ProcessRowDelegate::actionWidth()));
+}
+
+int ProcessTableView::wholeRowsHeight(int height) const {
+    const int header =
+        std::max(horizontalHeader()->minimumHeight(), horizontalHeader()->sizeHint().height());
+    const int rows = std::max(0, height - header) / ProcessRowDelegate::rowHeight;
+    return rows > 0 ? header + rows * ProcessRowDelegate::rowHeight : height;
+}
+
+void WholeRowsItem::setGeometry(const QRect& place) {
+    QWidgetItem::setGeometry(
+        QRect(place.topLeft(), QSize(place.width(), table_->wholeRowsHeight(place.height()))));
 }
 
 void ProcessTableView::applyTheme() {
@@ -104,6 +143,11 @@ void ProcessTableView::changeEvent(QEvent* event) {
     } else if (event->type() == QEvent::FontChange) {
         sizeColumns();
     }
+}
+
+void ProcessTableView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    sizeColumns();
 }
 
 void ProcessTableView::keyPressEvent(QKeyEvent* event) {

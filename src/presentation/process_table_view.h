@@ -4,6 +4,7 @@
 
 #include <QPoint>
 #include <QTableView>
+#include <QWidgetItem>
 
 namespace tallowcrest {
 
@@ -19,6 +20,9 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
+    /// The greatest height within `height` at which the last row that shows is a whole one.
+    int wholeRowsHeight(int height) const;
+
     /// The second line of the hint that stands in place of no rows.
     void setEmptyDetail(const QString& detail);
 
@@ -31,6 +35,7 @@ protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     bool viewportEvent(QEvent* event) override;
 
@@ -44,6 +49,17 @@ private:
     ProcessRowDelegate* delegate_ = nullptr;
     std::optional<QPoint> pointer_;
     QString emptyDetail_;
+};
+
+/// Gives a table's place in a layout to whole rows; what is left stays free below them.
+class WholeRowsItem final : public QWidgetItem {
+public:
+    explicit WholeRowsItem(ProcessTableView* table) : QWidgetItem(table), table_(table) {}
+
+    void setGeometry(const QRect& place) override;
+
+private:
+    ProcessTableView* table_;
 };
 
 }  // namespace tallowcrest

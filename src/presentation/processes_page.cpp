@@ -1,7 +1,10 @@
 #include "presentation/processes_page.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -16,6 +19,7 @@
 #include "presentation/process_filter.h"
 #include "presentation/process_table_model.h"
 #include "presentation/process_table_view.h"
+#include "presentation/review_process.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
@@ -42,7 +46,7 @@ ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
     table_->setAccessibleName(text(title(ActivityListMode::load)));
     table_->setModel(model_);
     connect(table_, &ProcessTableView::reviewRequested, this, &ProcessesPage::review);
-    card->contentLayout()->addWidget(table_, 1);
+    card->contentLayout()->addItem(new WholeRowsItem(table_));
     layout->addWidget(card, 1);
 }
 
@@ -56,8 +60,12 @@ QWidget* ProcessesPage::makeToolRow() {
         makeButton(QStringLiteral("Select Top Row"), QStringLiteral("scope"),
                    QStringLiteral("processes.select-top-row"),
                    QStringLiteral("Selects the first row of the list for review"), row);
-    connect(selectTopRow, &QPushButton::clicked, this,
-            [this] { monitor_.review().selectFirstProcess(model_->rows()); });
+    connect(selectTopRow, &QPushButton::clicked, this, [this] {
+        monitor_.review().selectFirstProcess(model_->rows());
+        if (!model_->rows().empty()) {
+            showSelection();
+        }
+    });
     auto* activityMonitor =
         makeButton(QStringLiteral("Activity Monitor"), QStringLiteral("macwindow"),
                    QStringLiteral("processes.activity-monitor"),
@@ -108,6 +116,9 @@ QWidget* ProcessesPage::makeToolRow() {
 
 void ProcessesPage::refresh() {
     const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot) {
+        followSelection();
+    }
     const std::string& filter = monitor_.navigation().processFilter();
     if (filter_->text().toStdString() != filter) {
         filter_->setText(text(filter));
@@ -115,13 +126,64 @@ void ProcessesPage::refresh() {
     const Date sampledAt = snapshot ? snapshot->sampledAt : Date{};
     if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
         const LatestSample& sample = monitor_.sample();
+        // A current row that ends leaves its place to a neighbour, which is no reason to go there.
+        table_->setAutoScroll(false);
         model_->setRows(filteredProcesses(
             rowsInOrder(sample.latestProcesses(), sample.impactOrder()), text(filter)));
+        table_->setAutoScroll(true);
         shownSample_ = sampledAt;
         shownFilter_ = filter;
     }
     model_->setSelectedPID(monitor_.review().selectedPID());
     showStatus();
+}
+
+void ProcessesPage::followSelection() {
+    const auto selected = monitor_.review().selectedPID();
+    const bool isNewSample = monitor_.sample().snapshot()->sampledAt != shownSample_;
+    // What a sample selects by itself must not pull the list from under a person who reads it.
+    if (selected != shownSelection_ && (isOpening_ || !isNewSample)) {
+        isSelectionDue_ = true;
+    }
+    if (selected && isSelectionDue_) {
+        freeFromFilter(monitor_);
+    }
+    if (selected && (isSelectionDue_ || isOpening_)) {
+        // When everything has its size and the rows are those of this refresh.
+        QMetaObject::invokeMethod(this, &ProcessesPage::scrollToSelection, Qt::QueuedConnection);
+    }
+    shownSelection_ = selected;
+    isSelectionDue_ = false;
+    isOpening_ = false;
+}
+
+void ProcessesPage::scrollToSelection() {
+    const auto& rows = model_->rows();
+    const auto selected = std::find_if(rows.begin(), rows.end(), [this](const ProcessSample& row) {
+        return row.pid == monitor_.review().selectedPID();
+    });
+    if (selected == rows.end()) {
+        return;
+    }
+    const QModelIndex index = model_->index(static_cast<int>(selected - rows.begin()), 0);
+    const QRect place = table_->visualRect(index);
+    if (place.top() < 0 || place.bottom() >= table_->viewport()->height()) {
+        table_->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    }
+    table_->setCurrentIndex(index);
+}
+
+void ProcessesPage::showSelection() {
+    isSelectionDue_ = true;
+    if (isVisible()) {
+        refresh();
+    }
+}
+
+void ProcessesPage::hideEvent(QHideEvent* event) {
+    Screen::hideEvent(event);
+    // A minimised window comes back as it was.
+    isOpening_ = isOpening_ || !event->spontaneous();
 }
 
 void ProcessesPage::focusSearch() {
@@ -155,7 +217,10 @@ void ProcessesPage::describeTable(const QString& emptyDetail) {
 }
 
 void ProcessesPage::review(const QModelIndex& index) {
-    monitor_.review().selectProcess(model_->rows().at(static_cast<std::size_t>(index.row())));
+    const ProcessSample& row = model_->rows().at(static_cast<std::size_t>(index.row()));
+    // It is in view already, where the owner has just pointed at it.
+    shownSelection_ = row.pid;
+    monitor_.review().selectProcess(row);
 }
 
 }  // namespace tallowcrest

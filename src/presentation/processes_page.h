@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "core/date.h"
@@ -23,13 +25,21 @@ public:
     explicit ProcessesPage(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void refresh() override;
+    void showSelection() override;
     void focusSearch() override;
+
+protected:
+    void hideEvent(QHideEvent* event) override;
 
 private:
     QWidget* makeToolRow();
     void showStatus();
     void describeTable(const QString& emptyDetail);
     void review(const QModelIndex& index);
+    /// Finds out whether the row under review is to be brought into view.
+    void followSelection();
+    /// Once, so that from then on the list scrolls as the owner wants it.
+    void scrollToSelection();
 
     SystemMonitor& monitor_;
     ProcessTableModel* model_ = nullptr;
@@ -38,6 +48,9 @@ private:
     QLineEdit* filter_ = nullptr;
     std::string shownFilter_;
     Date shownSample_;
+    std::optional<std::int64_t> shownSelection_;
+    bool isOpening_ = true;  ///< the next refresh is the first one since the page came into view
+    bool isSelectionDue_ = false;  ///< to be shown, whatever the filter
 };
 
 }  // namespace tallowcrest

@@ -15,6 +15,9 @@ public:
     /// Reads the monitor's state and shows it.
     virtual void refresh() = 0;
 
+    /// Brings what is under review into view, where the screen lists it.
+    virtual void showSelection() {}
+
     /// Puts the keyboard into the screen's search field, where there is one.
     virtual void focusSearch() {}
 };

@@ -9,6 +9,7 @@ namespace tallowcrest {
 
 SectionCard::SectionCard(const QString& icon, const QString& title, Frame frame, QWidget* parent)
     : Card(parent), frame_(frame) {
+    installAccessibleFigures();
     setAccessibleName(title);
     // The header takes the card's padding for its own, so that all of it can be clicked.
     layout()->setContentsMargins(0, 0, 0, 0);
@@ -50,6 +51,8 @@ ElidedLabel* SectionCard::caption() {
             caption_->setGround(&CrestTheme::cardBackground);
         }
         below_->insertWidget(0, caption_);
+        // Assistive technology goes by the order of the children.
+        caption_->stackUnder(body_);
         fitMargins();
     }
     return caption_;

@@ -2,14 +2,15 @@
 
 #include <QString>
 
+#include "presentation/accessible_figure.h"
 #include "presentation/card.h"
 #include "presentation/section_header.h"
 
 namespace tallowcrest {
 
 /// A card that can be closed down to its header and its caption. What it holds stands in `body`,
-/// which is hidden while it is closed. Main thread.
-class SectionCard : public Card {
+/// which is hidden while it is closed. To assistive technology it is a group. Main thread.
+class SectionCard : public Card, public AccessibleFigure {
     Q_OBJECT
 
 public:
@@ -32,6 +33,10 @@ public:
 
     void setCollapsed(bool collapsed);
     bool isCollapsed() const { return !header_->isExpanded(); }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
+    /// What it holds speaks for itself.
+    QString accessibleValue() const override { return {}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

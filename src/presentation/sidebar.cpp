@@ -106,6 +106,7 @@ void SidebarRow::paintEvent(QPaintEvent*) {
 }
 
 Sidebar::Sidebar(QWidget* parent) : QWidget(parent), group_(new QButtonGroup(this)) {
+    installAccessibleFigures();
     setObjectName(QStringLiteral("sidebar"));
     setAccessibleName(QStringLiteral("Routes"));
     auto* layout = new QVBoxLayout(this);

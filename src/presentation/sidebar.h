@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "core/routes.h"
+#include "presentation/accessible_figure.h"
 
 class QButtonGroup;
 
@@ -36,7 +37,7 @@ private:
 };
 
 /// The routes in their order. Arrow keys move between them. Main thread.
-class Sidebar final : public QWidget {
+class Sidebar final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
@@ -45,6 +46,10 @@ public:
     void setSelectedRoute(AppRoute route);
     /// Folded, only the icons are left.
     void setFolded(bool folded);
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
+    /// Its rows say which of them is chosen.
+    QString accessibleValue() const override { return {}; }
 
 signals:
     void routeChosen(AppRoute route);

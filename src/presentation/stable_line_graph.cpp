@@ -9,7 +9,6 @@
 #include <QPainter>
 #include <QtMath>
 
-#include "presentation/graph_raster.h"
 #include "presentation/text_lines.h"
 
 namespace tallowcrest {
@@ -28,29 +27,6 @@ constexpr double lonePointSize = 6;
 constexpr int overhang = 1;
 constexpr int swatchWidth = 12;
 constexpr int widestLegendName = 160;
-
-/// A straight rule is sharp when it fills whole pixels; this is the place nearest to `position`.
-double crisp(double position) {
-    return std::round(position - 0.5) + 0.5;
-}
-
-/// A straight dashed rule along `rule`, so far as it lies in `visible`. Rectangles, as Qt blends
-/// what a pen draws in so many pieces with the help of other threads, and waking those costs more
-/// than the drawing.
-void fillDashes(QPainter& painter, const QRectF& rule, const QRectF& visible, const QColor& color) {
-    constexpr double period = 2 * dashLength;
-    const bool isLevel = rule.width() > rule.height();
-    const double length = isLevel ? rule.width() : rule.height();
-    const double from = isLevel ? visible.left() - rule.left() : visible.top() - rule.top();
-    const double to = isLevel ? visible.right() - rule.left() : visible.bottom() - rule.top();
-    for (double start = std::max(0.0, std::floor(from / period) * period);
-         start < std::min(length, to); start += period) {
-        const double dash = std::min(dashLength, length - start);
-        painter.fillRect(isLevel ? QRectF(rule.left() + start, rule.top(), dash, rule.height())
-                                 : QRectF(rule.left(), rule.top() + start, rule.width(), dash),
-                         color);
-    }
-}
 
 }  // namespace
 
@@ -203,85 +179,84 @@ void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) con
 void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) const {
     const QRect place = canvasPixels();
     const double ratio = devicePixelRatioF();
-    const QRectF canvas = canvasRect().translated(-place.topLeft());
-    const QPoint origin = (canvas.topLeft() * ratio).toPoint();
-    const int bottom = qRound(canvas.bottom() * ratio);
+    const QRectF visible = canvasRect().translated(-place.topLeft());
+    const QRectF canvas(visible.topLeft() * ratio, visible.size() * ratio);
+    const QPoint origin = canvas.topLeft().toPoint();
+    const std::vector<GraphRule> rules = canvasRules(canvas, ratio, theme);
     std::vector<std::vector<GraphColumn>> lines;
     lines.reserve(series_.size());
     for (const StableGraphSeries& series : series_) {
-        lines.push_back(
-            graphColumns(graphLine(series.values, canvas.width() * ratio, canvas.height() * ratio),
-                         lineWidth * ratio));
+        lines.push_back(graphColumns(graphLine(series.values, canvas.width(), canvas.height()),
+                                     lineWidth * ratio));
     }
 
+    // Pixel by pixel: even where nothing is to be scaled, Qt is slow to find that out for each
+    // part.
+    painter.scale(1 / ratio, 1 / ratio);
+    const QPoint corner = (QPointF(place.topLeft()) * ratio).toPoint();
     // A part of this width stays within the processor's cache from its ground to its line, and is
     // no burden on the memory.
     constexpr int partWidth = 128;
     QImage part(partWidth, qCeil(place.height() * ratio), QImage::Format_RGB32);
     const int width = qCeil(place.width() * ratio);
     for (int left = 0; left < width; left += partWidth) {
-        const QPoint partOrigin = origin - QPoint(left, 0);
-        part.setDevicePixelRatio(1);
         part.fill(theme.cardBackground);
+        for (const GraphRule& rule : rules) {
+            layGraphRule(part, rule, QPoint(-left, 0));
+        }
         for (std::size_t i = 0; i < lines.size(); ++i) {
+            const QRgb color = series_[i].color.in(theme).rgb();
+            const QPoint partOrigin = origin - QPoint(left, 0);
             if (series_[i].fillsArea) {
-                fillBelowGraphColumns(
-                    part, lines[i], partOrigin, bottom,
-                    mixedColor(theme.cardBackground, series_[i].color.in(theme), areaOpacity)
-                        .rgb());
+                layBelowGraphColumns(part, lines[i], partOrigin, qRound(canvas.bottom()), color,
+                                     areaOpacity);
+            }
+            drawGraphColumns(part, lines[i], partOrigin, color);
+            if (series_[i].values.size() == 1) {
+                paintLonePoint(part, canvas.translated(-left, 0), ratio, series_[i], theme);
             }
         }
-        part.setDevicePixelRatio(ratio);
-        const QRectF visible(left / ratio, 0, partWidth / ratio, place.height());
-        {
-            QPainter partPainter(&part);
-            partPainter.translate(-visible.topLeft());
-            paintRules(partPainter, canvas, visible, theme);
-            paintLonePoints(partPainter, canvas, theme);
-        }
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            drawGraphColumns(part, lines[i], partOrigin, series_[i].color.in(theme).rgb());
-        }
         const int used = std::min(partWidth, width - left);
-        painter.drawImage(place.topLeft() + visible.topLeft(), part,
-                          QRectF(0, 0, used, part.height()));
+        painter.drawImage(corner + QPoint(left, 0), part, QRect(0, 0, used, part.height()));
     }
 }
 
-void StableLineGraph::paintRules(QPainter& painter, const QRectF& canvas, const QRectF& visible,
-                                 const CrestTheme& theme) const {
-    const QColor& ground = theme.cardBackground;
-    const QColor grid = mixedColor(ground, theme.secondaryText, gridOpacity);
+std::vector<GraphRule> StableLineGraph::canvasRules(const QRectF& canvas, double ratio,
+                                                    const CrestTheme& theme) const {
+    std::vector<GraphRule> rules;
+    const auto add = [&](QPointF start, QPointF end, int dash, const QColor& color,
+                         double opacity) {
+        rules.push_back({sharpRule(start, end, ruleWidth * ratio), dash, color.rgb(), opacity});
+    };
+    const auto addLevel = [&](double height, int dash, const QColor& color, double opacity) {
+        const double y = canvas.top() + height;
+        add({canvas.left(), y}, {canvas.right(), y}, dash, color, opacity);
+    };
+    const int dash = qRound(dashLength * ratio);
     for (const double height : graphGrid(canvas.height())) {
-        const double y = crisp(canvas.top() + height) - ruleWidth / 2;
-        painter.fillRect(QRectF(canvas.left(), y, canvas.width(), ruleWidth), grid);
+        addLevel(height, 0, theme.secondaryText, gridOpacity);
     }
-    if (const auto threshold = graphThreshold(warningThreshold_, canvas.height())) {
-        const double y = crisp(canvas.top() + *threshold) - ruleWidth / 2;
-        fillDashes(painter, QRectF(canvas.left(), y, canvas.width(), ruleWidth), visible,
-                   mixedColor(ground, theme.caution, thresholdOpacity));
+    if (const auto height = graphThreshold(warningThreshold_, canvas.height())) {
+        addLevel(*height, dash, theme.caution, thresholdOpacity);
     }
     for (const double position : eventPositions_) {
-        const double x = crisp(canvas.left() + position) - ruleWidth / 2;
-        fillDashes(painter, QRectF(x, canvas.top(), ruleWidth, canvas.height()), visible,
-                   mixedColor(ground, theme.secondaryText, eventOpacity));
+        const double x = canvas.left() + position * ratio;
+        add({x, canvas.top()}, {x, canvas.bottom()}, dash, theme.secondaryText, eventOpacity);
     }
+    return rules;
 }
 
-void StableLineGraph::paintLonePoints(QPainter& painter, const QRectF& canvas,
-                                      const CrestTheme& theme) const {
-    for (const StableGraphSeries& series : series_) {
-        if (series.values.size() == 1) {
-            const GraphPoint point =
-                graphLine(series.values, canvas.width(), canvas.height()).front();
-            painter.setRenderHint(QPainter::Antialiasing);
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(series.color.in(theme));
-            // Beside the canvas's edge and not across it, which would cut the dot in half.
-            const QPointF middle(std::max(point.x, lonePointSize / 2), point.y);
-            painter.drawEllipse(canvas.topLeft() + middle, lonePointSize / 2, lonePointSize / 2);
-        }
-    }
+void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
+                                     const StableGraphSeries& series, const CrestTheme& theme) {
+    const double radius = lonePointSize * ratio / 2;
+    const GraphPoint point = graphLine(series.values, canvas.width(), canvas.height()).front();
+    QPainter painter(&part);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(series.color.in(theme));
+    // Beside the canvas's edge and not across it, which would cut the dot in half.
+    painter.drawEllipse(canvas.topLeft() + QPointF(std::max(point.x, radius), point.y), radius,
+                        radius);
 }
 
 }  // namespace tallowcrest

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include "presentation/graph_raster.h"
 #include "presentation/painted_figure.h"
 #include "presentation/theme.h"
 
@@ -24,7 +25,8 @@ struct StableGraphSeries {
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
 
 /// Percentages over time, drawn from plain values. Nothing is animated, so a new sample moves the
-/// line and nothing else. It paints the ground of a card, all areas below all lines. Main thread.
+/// line and nothing else. It paints the ground of a card, on it the grid, the threshold and the
+/// events, and over them each series in its turn: its area, then its line. Main thread.
 class StableLineGraph : public PaintedFigure {
     Q_OBJECT
 
@@ -60,9 +62,11 @@ private:
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
     void paintCanvas(QPainter& painter, const CrestTheme& theme) const;
-    void paintRules(QPainter& painter, const QRectF& canvas, const QRectF& visible,
-                    const CrestTheme& theme) const;
-    void paintLonePoints(QPainter& painter, const QRectF& canvas, const CrestTheme& theme) const;
+    /// What lies below the series, in pixels of the screen.
+    std::vector<GraphRule> canvasRules(const QRectF& canvas, double ratio,
+                                       const CrestTheme& theme) const;
+    static void paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
+                               const StableGraphSeries& series, const CrestTheme& theme);
 
     std::vector<StableGraphSeries> series_;
     std::optional<double> warningThreshold_;

@@ -43,6 +43,10 @@ void SummaryCard::setValueColor(const ThemeColor& color) {
     value_->setColor(color);
 }
 
+void SummaryCard::centerLines() {
+    contentLayout()->insertStretch(0, 1);
+}
+
 QString SummaryCard::accessibleValue() const {
     if (value_->text().isEmpty() || detail_->text().isEmpty()) {
         return value_->text() + detail_->text();

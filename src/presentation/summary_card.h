@@ -20,6 +20,9 @@ public:
     void setDetail(const QString& detail);
     /// For a value that stands for a state; the detail says the same in words.
     void setValueColor(const ThemeColor& color);
+    /// For a row with cards whose content stands in the middle of their height. Called once;
+    /// without it the texts begin at the top.
+    void centerLines();
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
     /// The value and the detail, for example "8 apps, Quit actions leave them alone."

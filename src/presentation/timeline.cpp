@@ -3,7 +3,31 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sampling/latest_sample.h"
+
 namespace tallowcrest {
+namespace {
+
+constexpr double secondsPerTick = 4.0;
+// A longer step is a time without samples: another run, or sleep.
+constexpr double longestStep = 3 * secondsPerTick;
+static_assert(longestSessionSeconds == longestStep * LatestSample::maximumHistory);
+
+/// Where `date` lies among the points, counted in points from the first; absent where no two
+/// neighbours enclose it. Where the clock was set back several may: then the latest of them.
+std::optional<double> placeAmong(const std::vector<HistoryPoint>& history, Date date) {
+    for (std::size_t i = history.size() - 1; i > 0; --i) {
+        const double before = secondsBetween(history[i - 1].date, date);
+        const double after = secondsBetween(date, history[i].date);
+        if (before >= 0.0 && after >= 0.0) {
+            const double step = before + after;
+            return static_cast<double>(i) - (step > 0.0 ? after / step : 0.0);
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
 
 TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history) {
     TimelineSummary summary;
@@ -27,17 +51,15 @@ TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history) {
 }
 
 int sessionSeconds(const std::vector<HistoryPoint>& history) {
-    constexpr double secondsPerPoint = 4.0;
-    constexpr double most = 1e9;
     if (history.empty()) {
         return 0;
     }
-    double passed = secondsPerPoint;
+    double passed = secondsPerTick;
     for (std::size_t i = 1; i < history.size(); ++i) {
         const double step = secondsBetween(history[i - 1].date, history[i].date);
         // A step that is not a number is not above 0 either.
         if (step > 0.0) {
-            passed = std::min(passed + step, most);
+            passed += step > longestStep ? secondsPerTick : step;
         }
     }
     return static_cast<int>(std::lround(passed));
@@ -50,15 +72,14 @@ std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
     if (history.size() < 2) {
         return fractions;
     }
-    const Date first = history.front().date;
-    const double period = secondsBetween(first, history.back().date);
-    if (!(period > 0.0)) {
-        return fractions;
-    }
+    const auto steps = static_cast<double>(history.size() - 1);
     for (const ActivityEvent& event : events) {
-        const double fraction = secondsBetween(first, event.date) / period;
-        if (secondsBetween(event.date, now) <= shownSeconds && fraction >= 0.0 && fraction <= 1.0) {
-            fractions.push_back(fraction);
+        const bool isInPeriod = secondsBetween(event.date, now) <= shownSeconds &&
+                                secondsBetween(event.date, history.back().date) >= 0.0;
+        if (isInPeriod) {
+            if (const auto place = placeAmong(history, event.date)) {
+                fractions.push_back(*place / steps);
+            }
         }
     }
     return fractions;

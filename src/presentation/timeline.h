@@ -21,17 +21,20 @@ struct TimelineSummary {
 /// All zero and empty for an empty history. Any thread.
 TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history);
 
-/// What `sessionSeconds` gives for a full history without breaks.
-inline constexpr int longestSessionSeconds = 720;
+/// `sessionSeconds` never gives more; a full history without breaks, a point every four seconds, is
+/// 720.
+inline constexpr int longestSessionSeconds = 2160;
 
-/// How many seconds the history reaches back, rounded: what passed from point to point, and the
-/// interval before the first. A break between two runs, or in sleep, is part of that. Where the
-/// clock was set back nothing passed. Any thread.
+/// For how many seconds of the history Tallowcrest ran, rounded: what passed from point to point,
+/// and the interval before the first. A step that is longer than three ticks, as from one run to
+/// the next or in sleep, counts as one tick. Where the clock was set back nothing passed. Any
+/// thread.
 int sessionSeconds(const std::vector<HistoryPoint>& history);
 
-/// Where the events of the last 600 seconds before `now` lie within the period from the first to
-/// the last point, from 0 to 1. Events outside that period are left out; so are all of them while
-/// fewer than two points make a period. Any thread.
+/// Where the events of the last 600 seconds before `now` lie on the axis of the points, which stand
+/// equally far apart whatever time lies between them: from 0 for the first to 1 for the last. An
+/// event lies between its neighbours in time. Events before the first point or after the last are
+/// left out; so are all of them while there are fewer than two points. Any thread.
 std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
                                    const std::vector<HistoryPoint>& history, Date now);
 

@@ -175,26 +175,6 @@ TEST_F(DashboardWindowTest, ControlAndADigitChooseARoute) {
     }
 }
 
-TEST_F(DashboardWindowTest, GoMenuChoosesARoute) {
-    showWithSample();
-    QMenu* go = nullptr;
-    for (const QAction* entry : window().menuBar()->actions()) {
-        if (entry->text().remove(u'&') == QStringLiteral("Go")) {
-            go = entry->menu();
-        }
-    }
-    ASSERT_NE(go, nullptr);
-    const QList<QAction*> entries = go->actions();
-    ASSERT_GT(entries.size(), static_cast<qsizetype>(allAppRoutes.size()));
-    for (std::size_t i = allAppRoutes.size(); i-- > 0;) {
-        QAction* entry = entries.at(static_cast<qsizetype>(i));
-        EXPECT_EQ(entry->text(), qString(title(allAppRoutes.at(i))));
-        entry->trigger();
-        settle();
-        EXPECT_EQ(route(), allAppRoutes.at(i));
-    }
-}
-
 TEST_F(DashboardWindowTest, OpeningARouteOfAClosedWindowOpensItThere) {
     showWithSample();
     window().close();
@@ -332,21 +312,6 @@ TEST_F(DashboardWindowTest, AMaximisedWindowComesBackMaximised) {
     settle();
     EXPECT_EQ(window().windowState() & Qt::WindowMinimized, 0);
     EXPECT_NE(window().windowState() & Qt::WindowMaximized, 0);
-}
-
-TEST_F(DashboardWindowTest, TheApplicationMenuInItsOrder) {
-    QStringList entries;
-    QStringList shortcuts;
-    for (const QAction* action : window().menuBar()->actions().first()->menu()->actions()) {
-        if (!action->isSeparator()) {
-            entries.append(action->text());
-            shortcuts.append(action->shortcut().toString(QKeySequence::PortableText));
-        }
-    }
-    EXPECT_EQ(entries, QStringList({QStringLiteral("About Tallowcrest"), QStringLiteral("Refresh"),
-                                    QStringLiteral("Quit Tallowcrest")}));
-    EXPECT_EQ(shortcuts,
-              QStringList({QString(), QStringLiteral("Ctrl+R"), QStringLiteral("Ctrl+Q")}));
 }
 
 TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {

@@ -2,8 +2,11 @@
 
 #include <limits>
 
+#include <QApplication>
+#include <QHBoxLayout>
 #include <gmock/gmock.h>
 
+#include "presentation/elided_label.h"
 #include "tests/presentation/paint_count.h"
 
 namespace tallowcrest {
@@ -87,6 +90,34 @@ TEST(GaugeCard, KeepsItsSizeWhateverTheFigures) {
     card.setValue(100);
     card.setDetail(QStringLiteral("100.0% normalized across cores"));
     EXPECT_EQ(card.sizeHint().height(), before.height());
+}
+
+TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
+    QWidget row;
+    auto* layout = new QHBoxLayout(&row);
+    auto* shortTitle = new GaugeCard(QStringLiteral("CPU"));
+    auto* longTitle = new GaugeCard(QStringLiteral("A title that wraps beside its ring"));
+    shortTitle->setDetail(QStringLiteral("100.0% normalized across all of the cores of this Mac"));
+    longTitle->setDetail(QStringLiteral("None"));
+    for (GaugeCard* card : {shortTitle, longTitle}) {
+        card->setValue(1);
+        layout->addWidget(card, 1);
+    }
+    const auto wordOf = [&row](const GaugeCard& card) {
+        for (const ElidedLabel* label : card.findChildren<ElidedLabel*>()) {
+            if (label->text() == QStringLiteral("Normal")) {
+                return label->mapTo(&row, QPoint()).y();
+            }
+        }
+        return -1;
+    };
+    row.show();
+    for (const int width : {520, 640, 1100}) {
+        row.resize(width, row.heightForWidth(width));
+        QApplication::processEvents();
+        EXPECT_GT(wordOf(*shortTitle), 0);
+        EXPECT_EQ(wordOf(*shortTitle), wordOf(*longTitle)) << width;
+    }
 }
 
 TEST(GaugeRing, RepaintsOnlyWhatCanBeSeenToChange) {

@@ -95,6 +95,7 @@ TEST_F(OverviewPageTest, GaugesAreToldFromOutsideAsOnePart) {
     EXPECT_TRUE(gauges->isAncestorOf(&named<GaugeCard>("CPU Load")));
     EXPECT_TRUE(gauges->isAncestorOf(&named<GaugeCard>("Memory Pressure")));
     EXPECT_TRUE(gauges->isAncestorOf(&named<MetricCard>("Free / Reclaimable")));
+    EXPECT_NE(gauges->accessibleName(), visible("overview.system-gauges")->accessibleName());
 }
 
 TEST_F(OverviewPageTest, TimelineGivesNowPeakAverageAndThreshold) {

@@ -1,6 +1,7 @@
 #include "presentation/page_header.h"
 
 #include <algorithm>
+#include <map>
 
 #include <QPushButton>
 
@@ -30,19 +31,51 @@ protected:
 };
 
 TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
+    const std::map<AppRoute, std::string> expected{
+        {AppRoute::overview, "Review Cleanup|Refresh"},
+        {AppRoute::load, "Select Top|Activity|Refresh"},
+        {AppRoute::optimize, "Select Top|Top App|Activity|Refresh"},
+        {AppRoute::optimizationSuggestions, "Refresh"},
+        {AppRoute::aiAdvisor, "Refresh"},
+        {AppRoute::chat, "Refresh"},
+        {AppRoute::remoteMacs, "Refresh"},
+        {AppRoute::history, "Refresh"},
+        {AppRoute::settings, "Refresh"}};
+    ASSERT_EQ(expected.size(), allAppRoutes.size());
     showWithSample();
-    const QString refresh = QStringLiteral("Refresh");
-    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
-    goTo(AppRoute::load);
-    EXPECT_EQ(headerButtons(),
-              QStringList({QStringLiteral("Select Top"), QStringLiteral("Activity"), refresh}));
-    goTo(AppRoute::optimize);
-    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Select Top"), QStringLiteral("Top App"),
-                                            QStringLiteral("Activity"), refresh}));
-    goTo(AppRoute::history);
-    EXPECT_EQ(headerButtons(), QStringList({refresh}));
-    goTo(AppRoute::overview);
-    EXPECT_EQ(headerButtons(), QStringList({QStringLiteral("Review Cleanup"), refresh}));
+    // There and back, as each route clears away what another one put there.
+    for (const bool isForward : {true, false}) {
+        for (std::size_t i = 0; i < allAppRoutes.size(); ++i) {
+            const AppRoute each = allAppRoutes.at(isForward ? i : allAppRoutes.size() - 1 - i);
+            goTo(each);
+            EXPECT_EQ(headerButtons().join(u'|').toStdString(), expected.at(each))
+                << rawValue(each);
+        }
+    }
+}
+
+TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
+    showWithSample();
+    for (const int width : {640, 900, 1080, 1600}) {
+        window().resize(width, 700);
+        for (const AppRoute each : allAppRoutes) {
+            goTo(each);
+            const QWidget* title = visible("page.title");
+            const QWidget* subtitle = visible("page.subtitle");
+            for (const QWidget* button : title->parentWidget()->findChildren<QPushButton*>()) {
+                EXPECT_EQ(button->geometry().center().y(), title->geometry().center().y());
+                EXPECT_GT(button->x(), title->geometry().right());
+                EXPECT_LT(button->geometry().bottom(), subtitle->y());
+            }
+            const auto lines = visible<ElidedLabel>("page.subtitle")->shownLines();
+            EXPECT_EQ(lines, QStringList(textOf("page.subtitle"))) << width << rawValue(each);
+            if (width >= 900) {
+                EXPECT_EQ(visible<ElidedLabel>("page.title")->shownLines(),
+                          QStringList(textOf("page.title")))
+                    << width << rawValue(each);
+            }
+        }
+    }
 }
 
 TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {

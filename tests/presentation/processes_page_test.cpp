@@ -233,6 +233,7 @@ TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
     EXPECT_EQ(selectedPID(), 800);
     EXPECT_EQ(textOf("status.last-action"),
               QStringLiteral("Selected photo-indexer, currently the heaviest process."));
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1)) << "its row is to be seen";
 }
 
 TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
@@ -299,6 +300,38 @@ TEST_F(ProcessesPageTest, ColumnsFillTheTable) {
         width += table().columnWidth(column);
     }
     EXPECT_EQ(width, table().viewport()->width());
+}
+
+TEST_F(ProcessesPageTest, AWideWindowKeepsTheFiguresNearTheNames) {
+    window().resize(1600, 1000);
+    showProcesses();
+    EXPECT_EQ(table().columnWidth(ProcessTableModel::processColumn), 420);
+    const int behindFigures = table().columnViewportPosition(ProcessTableModel::actionColumn);
+    EXPECT_LT(behindFigures, table().viewport()->width() * 3 / 4);
+    EXPECT_EQ(behindFigures + table().columnWidth(ProcessTableModel::actionColumn),
+              table().viewport()->width());
+    window().resize(900, 600);
+    settle();
+    EXPECT_LT(table().columnWidth(ProcessTableModel::processColumn), 420);
+    EXPECT_EQ(table().columnViewportPosition(ProcessTableModel::actionColumn) +
+                  ProcessRowDelegate::actionWidth(),
+              table().viewport()->width());
+}
+
+TEST_F(ProcessesPageTest, TheTableEndsWithAWholeRowAtAnySize) {
+    for (std::int64_t pid = 5000; pid < 5100; ++pid) {
+        machine.addProcess(pid, "/usr/bin/worker-" + std::to_string(pid), 2.0, 50.0);
+    }
+    showProcesses();
+    for (const int height : {440, 600, 605, 617, 1000}) {
+        window().resize(900, height);
+        settle();
+        EXPECT_GT(table().viewport()->height(), 0) << height;
+        EXPECT_EQ(table().viewport()->height() % ProcessRowDelegate::rowHeight, 0) << height;
+    }
+    table().scrollToBottom();
+    settle();
+    EXPECT_EQ(cell(model().rowCount() - 1, 0).bottom(), table().viewport()->rect().bottom());
 }
 
 TEST_F(ProcessesPageTest, ALongProtectedNameStaysInItsCell) {

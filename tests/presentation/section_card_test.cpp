@@ -116,6 +116,18 @@ TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
     EXPECT_FALSE(wanted.at(0).at(0).toBool());
 }
 
+TEST_F(SectionCardTest, AssistiveTechnologyReadsAGroupInTheOrderOfTheEye) {
+    card.setSectionCaption(QStringLiteral("Caption"));
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Title"));
+    ASSERT_EQ(spoken->childCount(), 3);
+    EXPECT_EQ(spoken->child(0)->text(QAccessible::Name), QStringLiteral("Title"));
+    EXPECT_EQ(spoken->child(1)->text(QAccessible::Name), QStringLiteral("Caption"));
+    EXPECT_EQ(spoken->child(2)->object(), card.body());
+}
+
 TEST_F(SectionCardTest, WhatIsClosedIsNotPainted) {
     PaintCount paints(*content);
     content->setText(QStringLiteral("Other content"));

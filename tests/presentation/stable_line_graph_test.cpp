@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <set>
 
 #include <QImage>
 #include <gmock/gmock.h>
@@ -177,6 +178,76 @@ TEST_F(StableLineGraphTest, FillsTheAreaFaintlyWhenAsked) {
     EXPECT_EQ(painted().pixelColor(at(0.5, 90)), QColor(Qt::white));
     showLine({80, 80}, false);
     EXPECT_EQ(painted().pixelColor(at(0.5, 40)), QColor(Qt::white));
+}
+
+TEST_F(StableLineGraphTest, LaysAnAreaOverTheRulesBelowIt) {
+    // The grid at half the height, dashes at 75 percent and at three tenths of the width.
+    const CrestTheme& theme = CrestTheme::current();
+    const QColor& card = theme.cardBackground;
+    const QColor grid = mixedColor(card, theme.secondaryText, 0.14);
+    const QColor threshold = mixedColor(card, theme.caution, 0.55);
+    const QColor event = mixedColor(card, theme.secondaryText, 0.35);
+    const auto below = [](const QColor& color) { return mixedColor(color, lineColor, 0.1); };
+    graph_.resize(460, 242);
+    graph_.setWarningThreshold(60);
+    graph_.setEventFractions({0.3});
+    const auto colorsNear = [this](const QImage& image, QPoint place) {
+        std::set<QRgb> colors;
+        for (int dy = -8; dy <= 8; ++dy) {
+            for (int dx = -8; dx <= 8; ++dx) {
+                colors.insert(image.pixel(place + QPoint(dx, dy)));
+            }
+        }
+        return colors;
+    };
+    const auto expect = [&](double value, bool isBelow) {
+        SCOPED_TRACE(value);
+        showLine({value, value}, true);
+        const QImage image = painted();
+        const auto seen = [&](const QColor& color) {
+            return (isBelow ? below(color) : color).rgb();
+        };
+        EXPECT_THAT(colorsNear(image, at(0.6, 50)),
+                    testing::UnorderedElementsAre(seen(card), seen(grid)));
+        EXPECT_THAT(colorsNear(image, at(0.6, 60)),
+                    testing::UnorderedElementsAre(seen(card), seen(threshold)));
+        EXPECT_THAT(colorsNear(image, at(0.3, 38)),
+                    testing::UnorderedElementsAre(seen(card), seen(event)));
+        EXPECT_THAT(colorsNear(image, at(0.3, 50)),
+                    testing::IsSupersetOf({seen(card), seen(grid), seen(event)}));
+    };
+    expect(90, true);
+    expect(10, false);
+}
+
+TEST_F(StableLineGraphTest, LaysDashesOverTheGrid) {
+    graph_.setWarningThreshold(50);
+    const CrestTheme& theme = CrestTheme::current();
+    const QColor grid = mixedColor(theme.cardBackground, theme.secondaryText, 0.14);
+    const QImage image = painted();
+    std::set<QRgb> colors;
+    for (int x = at(0.4, 50).x(); x < at(0.6, 50).x(); ++x) {
+        colors.insert(image.pixel(x, at(0, 50).y()));
+    }
+    EXPECT_THAT(colors, testing::UnorderedElementsAre(grid.rgb(),
+                                                      mixedColor(grid, theme.caution, 0.55).rgb()));
+}
+
+TEST_F(StableLineGraphTest, LaysAnAreaOverTheLinesOfEarlierSeries) {
+    const QColor later(Qt::blue);
+    graph_.setSeries({{QStringLiteral("CPU"), lineColor, {40, 40}, true},
+                      {QStringLiteral("Memory"), later, {80, 80}, true}});
+    const QImage image = painted();
+    std::set<QRgb> colors;
+    for (int dy = -3; dy <= 3; ++dy) {
+        colors.insert(image.pixel(at(0.6, 40) + QPoint(0, dy)));
+    }
+    EXPECT_THAT(colors, testing::Contains(mixedColor(lineColor, later, 0.1).rgb()));
+    EXPECT_THAT(colors, testing::Not(testing::Contains(lineColor.rgb())));
+    const QColor& card = CrestTheme::current().cardBackground;
+    EXPECT_EQ(image.pixelColor(at(0.6, 30)),
+              mixedColor(mixedColor(card, lineColor, 0.1), later, 0.1));
+    EXPECT_EQ(image.pixelColor(at(0.6, 60)), mixedColor(card, later, 0.1));
 }
 
 TEST_F(StableLineGraphTest, LooksAfterANewSampleAsIfItWereNew) {

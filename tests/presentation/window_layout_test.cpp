@@ -279,6 +279,16 @@ TEST_F(WindowLayoutTest, EveryControlHasANameADescriptionAndAnIdentifier) {
     }
 }
 
+TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
+    show900x600();
+    QAccessibleInterface* spoken =
+        QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Routes"));
+    EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
+}
+
 TEST_F(WindowLayoutTest, EvenTheButtonsWithinAFieldHaveNames) {
     machine.monitor().navigation().setSelectedRoute(AppRoute::load);
     machine.monitor().navigation().setProcessFilter("editor");

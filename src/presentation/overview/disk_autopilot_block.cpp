@@ -1,11 +1,15 @@
 #include "presentation/overview/disk_autopilot_block.h"
 
+#include <algorithm>
+
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
 #include "presentation/bar_list.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/icon_view.h"
 #include "presentation/overview/disk_space.h"
 
 namespace tallowcrest {
@@ -15,11 +19,40 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
                     QStringLiteral("internaldrive"), QStringLiteral("Disk Autopilot")) {
     space_ = new BarList(QStringLiteral("Home volume"), 1, QStringLiteral("000% used"), body());
     bodyLayout()->addWidget(space_);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit);
+    lowIcon_ = new IconView(QStringLiteral("exclamationmark.triangle"), &CrestTheme::caution,
+                            spacing::iconSmall, body());
+    lowWord_ =
+        new ElidedLabel(QStringLiteral("Low"), &CrestFonts::heading, &CrestTheme::caution, body());
+    lowWord_->setObjectName(QStringLiteral("overview.disk-autopilot-low"));
     status_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, body());
     status_->setObjectName(QStringLiteral("overview.disk-autopilot-status"));
     status_->setLines(1, 3);
-    status_->setGround(&CrestTheme::cardBackground);
-    bodyLayout()->addWidget(status_);
+    // Room for what comes with low space, so that nothing below moves then.
+    row->addStrut(std::max(spacing::iconSmall, lowWord_->sizeHint().height()));
+    row->addWidget(lowIcon_, 0, Qt::AlignTop);
+    row->addWidget(lowWord_, 0, Qt::AlignTop);
+    row->addWidget(status_, 1);
+    bodyLayout()->addLayout(row);
+    rule_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
+    rule_->setObjectName(QStringLiteral("overview.disk-autopilot-rule"));
+    rule_->setLines(1, 2);
+    bodyLayout()->addWidget(rule_);
+    for (ElidedLabel* label : {lowWord_, status_, rule_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+}
+
+bool DiskAutopilotBlock::isLow() const {
+    const auto& snapshot = monitor().sample().snapshot();
+    return snapshot && isSpaceLow(snapshot->disk, monitor().settings());
+}
+
+void DiskAutopilotBlock::showHeader() {
+    // Closed, the section still tells what needs attention.
+    header()->setNote(isCollapsed() && isLow() ? QStringLiteral("Low") : QString(),
+                      &CrestTheme::caution);
 }
 
 void DiskAutopilotBlock::showContent() {
@@ -29,7 +62,11 @@ void DiskAutopilotBlock::showContent() {
                                   : QStringLiteral("Sampling this Mac..."));
     space_->setRows(space ? std::vector<BarRow>{{space->free, space->used, space->fraction}}
                           : std::vector<BarRow>{});
+    space_->setTint(isLow() ? &CrestTheme::caution : &CrestTheme::secondaryText);
+    lowIcon_->setVisible(isLow());
+    lowWord_->setVisible(isLow());
     status_->setText(dashboard_text::text(monitor().startup().diskAutopilotStatus));
+    rule_->setText(diskRule(monitor().settings()));
 }
 
 }  // namespace tallowcrest

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "core/local_records.h"
+#include "core/settings.h"
 
 namespace tallowcrest {
 
@@ -19,5 +20,12 @@ struct DiskSpaceTexts {
 
 /// Absent for a volume whose size is not known. Any thread.
 std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk);
+
+/// Free space is at or under the owner's minimum. Never so for a volume whose size is not known.
+/// Any thread.
+bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings);
+
+/// The owner's rule: "Act below 20 GB free · cache age 30 days · max 2.0 GB per run". Any thread.
+QString diskRule(const Settings& settings);
 
 }  // namespace tallowcrest

@@ -9,18 +9,8 @@
 #include "presentation/summary_card.h"
 
 namespace tallowcrest {
-namespace {
 
 using dashboard_text::text;
-
-/// The colour that goes with a gauge's state word.
-ThemeColor stateTint(double percent) {
-    return percent >= 85.0   ? &CrestTheme::bad
-           : percent >= 70.0 ? &CrestTheme::caution
-                             : &CrestTheme::good;
-}
-
-}  // namespace
 
 GaugesBlock::GaugesBlock(SystemMonitor& monitor)
     : OverviewBlock(monitor, DashboardSection::gauges, QStringLiteral("overview.system-gauges"),
@@ -30,10 +20,12 @@ GaugesBlock::GaugesBlock(SystemMonitor& monitor)
     constexpr int narrowestMetric = 160;
     auto* gauges = new GaugeRow(body());
     gauges->setObjectName(QStringLiteral("overview.gauges"));
-    gauges->setAccessibleName(text(title(DashboardSection::gauges)));
+    // The section around it bears the section's name.
+    gauges->setAccessibleName(QStringLiteral("CPU, memory and free memory"));
     cpuGauge_ = new GaugeCard(QStringLiteral("CPU Load"), &CrestTheme::good, gauges);
     memoryGauge_ = new GaugeCard(QStringLiteral("Memory Pressure"), &CrestTheme::good, gauges);
     reclaimable_ = new MetricCard(QStringLiteral("Free / Reclaimable"), gauges);
+    reclaimable_->centerLines();
     cpuGauge_->setObjectName(QStringLiteral("overview.cpu-load"));
     memoryGauge_->setObjectName(QStringLiteral("overview.memory-pressure"));
     reclaimable_->setObjectName(QStringLiteral("overview.free-reclaimable"));
@@ -55,10 +47,10 @@ void GaugesBlock::showContent() {
     }
     const MemorySnapshot& memory = snapshot->memory;
     cpuGauge_->setValue(snapshot->cpuPercent);
-    cpuGauge_->setTint(stateTint(snapshot->cpuPercent));
+    cpuGauge_->setTint(gaugeStateColor(snapshot->cpuPercent));
     cpuGauge_->setDetail(dashboard_text::cpuDetail(snapshot->cpuPercent));
     memoryGauge_->setValue(memory.pressure);
-    memoryGauge_->setTint(stateTint(memory.pressure));
+    memoryGauge_->setTint(gaugeStateColor(memory.pressure));
     memoryGauge_->setDetail(dashboard_text::memoryDetail(memory));
     reclaimable_->setValue(QStringLiteral("%1 GB").arg(dashboard_text::gigabytes(memory.freeGB)));
     reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
+
+#include "core/date.h"
 
 namespace tallowcrest {
 
@@ -13,8 +16,12 @@ public:
 
     int rows() const { return rows_; }
 
-    /// Called with what each new sample needs.
-    void setNeeded(int needed) {
+    /// What the sample of that instant needs. Only the first call for an instant counts.
+    void setNeeded(int needed, Date sampledAt) {
+        if (sampledAt == countedSample_) {
+            return;
+        }
+        countedSample_ = sampledAt;
         if (needed >= rows_) {
             rows_ = needed;
             calmSamples_ = 0;
@@ -30,6 +37,7 @@ public:
     }
 
 private:
+    std::optional<Date> countedSample_;
     int rows_ = 0;
     int calmSamples_ = 0;
     int neededSince_ = 0;  ///< the most that was needed since the room was last full

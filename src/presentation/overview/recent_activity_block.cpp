@@ -1,5 +1,6 @@
 #include "presentation/overview/recent_activity_block.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QHBoxLayout>
@@ -16,6 +17,8 @@ namespace tallowcrest {
 namespace {
 
 constexpr int rowHeight = 24;
+/// Enough for the words that stand in place of no rows.
+constexpr int fewestRows = 3;
 
 }  // namespace
 
@@ -23,26 +26,27 @@ RecentActivityBlock::RecentActivityBlock(SystemMonitor& monitor)
     : OverviewBlock(monitor, DashboardSection::activityLog,
                     QStringLiteral("overview.recent-activity"), QStringLiteral("clock"),
                     QStringLiteral("Recent Activity")) {
-    auto* list = new QWidget(body());
-    // Room for all of them from the start: entries come while one reads.
-    list->setFixedHeight(static_cast<int>(shownEntries) * rowHeight);
-    auto* lines = new QVBoxLayout(list);
+    list_ = new QWidget(body());
+    auto* lines = new QVBoxLayout(list_);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     empty_ = new ElidedLabel(QStringLiteral("No actions or warnings have been logged yet."),
-                             &CrestFonts::body, &CrestTheme::secondaryText, list);
+                             &CrestFonts::body, &CrestTheme::secondaryText, list_);
     empty_->setLines(1, 2);
+    empty_->setAlignment(Qt::AlignCenter);
     empty_->setGround(&CrestTheme::cardBackground);
+    empty_->setFixedHeight(fewestRows * rowHeight);
     lines->addWidget(empty_);
     for (std::size_t i = 0; i < shownEntries; ++i) {
-        auto* row = new ActivityRow(list);
+        auto* row = new ActivityRow(list_);
         row->setFixedHeight(rowHeight);
         row->hide();
         lines->addWidget(row);
         rows_.push_back(row);
     }
     lines->addStretch(1);
-    bodyLayout()->addWidget(list);
+    bodyLayout()->addWidget(list_);
+    fitList();
 
     auto* open = makeButton(
         QStringLiteral("Open History"), QStringLiteral("clock.arrow.circlepath"),
@@ -57,16 +61,29 @@ void RecentActivityBlock::showContent() {
     const auto& snapshot = monitor().sample().snapshot();
     std::vector<ActivityLine> lines = activityLines(monitor().log().activityLog(), shownEntries,
                                                     snapshot ? snapshot->sampledAt : Date{});
+    if (snapshot) {
+        room_.setNeeded(static_cast<int>(lines.size()), snapshot->sampledAt);
+        fitList();
+    }
     if (lines == lines_) {
         return;
     }
     lines_ = std::move(lines);
+    fitList();
     empty_->setVisible(lines_.empty());
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (i < lines_.size()) {
             rows_[i]->setLine(lines_[i]);
         }
         rows_[i]->setVisible(i < lines_.size());
+    }
+}
+
+void RecentActivityBlock::fitList() {
+    const int height =
+        std::max({fewestRows, room_.rows(), static_cast<int>(lines_.size())}) * rowHeight;
+    if (list_->minimumHeight() != height) {
+        list_->setFixedHeight(height);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "presentation/overview/activity_lines.h"
+#include "presentation/overview/kept_room.h"
 #include "presentation/overview/overview_block.h"
 
 namespace tallowcrest {
@@ -22,9 +23,13 @@ protected:
     void showContent() override;
 
 private:
+    void fitList();
+
+    QWidget* list_ = nullptr;
     ElidedLabel* empty_ = nullptr;
     std::vector<ActivityRow*> rows_;
     std::vector<ActivityLine> lines_;
+    KeptRoom room_;
 };
 
 }  // namespace tallowcrest

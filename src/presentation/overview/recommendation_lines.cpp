@@ -28,12 +28,9 @@ std::vector<RecommendationLine> recommendationLines(
                              ? each.relatedPID
                              : std::nullopt});
     }
-    const auto lead = std::max_element(
-        lines.begin(), lines.end(),
-        [](const auto& left, const auto& right) { return left.severity < right.severity; });
-    if (lead != lines.end()) {
-        std::rotate(lines.begin(), lead, lead + 1);
-    }
+    std::stable_sort(lines.begin(), lines.end(), [](const auto& left, const auto& right) {
+        return left.severity > right.severity;
+    });
     return lines;
 }
 

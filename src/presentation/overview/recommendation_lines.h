@@ -23,7 +23,7 @@ struct RecommendationLine {
     bool operator==(const RecommendationLine&) const = default;
 };
 
-/// The line that comes first is the first of the most severe ones; the others keep their order.
+/// The most severe ones come first; those of one severity keep their order.
 /// Empty for no recommendations. Any thread, like all functions of this header.
 std::vector<RecommendationLine> recommendationLines(
     const std::vector<Recommendation>& recommendations,

@@ -1,8 +1,11 @@
 #include "presentation/overview/recommendation_row.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QVBoxLayout>
 
 #include "presentation/controls.h"
@@ -16,6 +19,12 @@ constexpr int boxRadius = 8;
 constexpr int barWidth = 3;
 constexpr int boxPadding = 12;
 constexpr int lineGap = 4;
+constexpr int mostDetailLines = 4;
+/// From here on title and detail share a line and leave the detail room to be read.
+constexpr int oneLineWidth = 960;
+/// With one line and with two, each with room between the buttons of neighbouring rows.
+constexpr int oneLineHeight = 5 * spacing::unit;
+constexpr int twoLineHeight = 6 * spacing::unit;
 
 }  // namespace
 
@@ -60,7 +69,7 @@ void RecommendationRow::layProminent() {
     first->addWidget(word_);
     first->addWidget(title_, 1);
     lines->addLayout(first);
-    detail_->setLines(2, 4);
+    detail_->setLines(keptDetailLines_, mostDetailLines);
     lines->addWidget(detail_);
     layout->addLayout(lines, 1);
     layout->addWidget(review_, 0, Qt::AlignVCenter);
@@ -74,12 +83,55 @@ void RecommendationRow::layCompact() {
     // As wide for every severity, so that the titles stand below each other.
     word_->setReservedText(severityWord(Recommendation::Severity::caution));
     layout->addWidget(word_);
-    layout->addWidget(title_);
+    texts_ = new QBoxLayout(QBoxLayout::TopToBottom);
+    texts_->setSpacing(0);
+    texts_->addStretch(1);
+    texts_->addWidget(title_);
     // The title comes first where the room is short; the tool tip has the rest.
     detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    layout->addWidget(detail_, 1);
+    texts_->addWidget(detail_);
+    texts_->addStretch(1);
+    layout->addLayout(texts_, 1);
     layout->addWidget(review_);
-    setFixedHeight(compactHeight);
+    setFixedHeight(compactHeight(0));
+}
+
+int RecommendationRow::compactHeight(int width) {
+    return width >= oneLineWidth ? oneLineHeight : twoLineHeight;
+}
+
+void RecommendationRow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (event->size().width() == event->oldSize().width()) {
+        return;
+    }
+    if (size_ == Size::prominent) {
+        detailRoom_ = {};
+        keepDetailLines(1);
+        return;
+    }
+    const bool isOneLine = width() >= oneLineWidth;
+    texts_->setDirection(isOneLine ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    texts_->setSpacing(isOneLine ? spacing::unit : 0);
+    // The detail takes what the title leaves; one above the other, stretches centre them.
+    texts_->setStretch(0, isOneLine ? 0 : 1);
+    texts_->setStretchFactor(detail_, isOneLine ? 1 : 0);
+    texts_->setStretch(texts_->count() - 1, isOneLine ? 0 : 1);
+    setFixedHeight(compactHeight(width()));
+}
+
+void RecommendationRow::countSample(Date sampledAt) {
+    if (size_ == Size::prominent && detail_->width() > 0) {
+        detailRoom_.setNeeded(static_cast<int>(detail_->shownLines().size()), sampledAt);
+        keepDetailLines(std::max(1, detailRoom_.rows()));
+    }
+}
+
+void RecommendationRow::keepDetailLines(int lines) {
+    if (lines != keptDetailLines_) {
+        keptDetailLines_ = lines;
+        detail_->setLines(lines, mostDetailLines);
+    }
 }
 
 void RecommendationRow::setLine(const RecommendationLine& line) {

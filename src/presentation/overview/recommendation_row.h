@@ -5,9 +5,11 @@
 
 #include <QWidget>
 
+#include "presentation/overview/kept_room.h"
 #include "presentation/overview/recommendation_lines.h"
 #include "presentation/theme.h"
 
+class QBoxLayout;
 class QPushButton;
 
 namespace tallowcrest {
@@ -21,14 +23,20 @@ class RecommendationRow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The prominent one has a border and room for its whole detail; a compact one is one line.
+    /// The prominent one has a border and room for its whole detail; a compact one has one line for
+    /// it, below the title or, in a wide row, behind it.
     enum class Size { prominent, compact };
 
-    static constexpr int compactHeight = 36;
+    /// What a compact row of that width takes.
+    static int compactHeight(int width);
 
     RecommendationRow(Size size, const QString& buttonIdentifier, QWidget* parent = nullptr);
 
     void setLine(const RecommendationLine& line);
+    /// Called before `setLine` with the sample that the line comes from. A prominent row that
+    /// needed more lines for its detail keeps them for a while, so that what lies below it does not
+    /// follow every text.
+    void countSample(Date sampledAt);
     /// Words in place of a recommendation, while there is none.
     void setMessage(const QString& icon, const QString& title, const QString& detail);
 
@@ -37,10 +45,12 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void layProminent();
     void layCompact();
+    void keepDetailLines(int lines);
 
     Size size_;
     IconView* icon_ = nullptr;
@@ -50,6 +60,9 @@ private:
     QPushButton* review_ = nullptr;
     ThemeColor color_ = &CrestTheme::secondaryText;
     std::optional<RecommendationLine> shown_;
+    QBoxLayout* texts_ = nullptr;  ///< of a compact row
+    KeptRoom detailRoom_;          ///< of the prominent row, at the present width
+    int keptDetailLines_ = 1;
 };
 
 }  // namespace tallowcrest

@@ -7,6 +7,7 @@
 #include "monitor/system_monitor.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/overview/recommendation_row.h"
+#include "presentation/review_process.h"
 
 namespace tallowcrest {
 
@@ -18,7 +19,8 @@ RecommendationsBlock::RecommendationsBlock(SystemMonitor& monitor)
     const auto makeRow = [this](RecommendationRow::Size size, std::size_t place, QWidget* parent) {
         auto* row = new RecommendationRow(
             size, QStringLiteral("overview.recommendation-%1.review").arg(place + 1), parent);
-        connect(row, &RecommendationRow::reviewRequested, this, &RecommendationsBlock::review);
+        connect(row, &RecommendationRow::reviewRequested, this,
+                [this](std::int64_t pid) { reviewInProcesses(this->monitor(), pid); });
         return row;
     };
     first_ = makeRow(RecommendationRow::Size::prominent, 0, body());
@@ -53,6 +55,12 @@ void RecommendationsBlock::showHeader() {
 }
 
 void RecommendationsBlock::showContent() {
+    const auto& snapshot = monitor().sample().snapshot();
+    if (snapshot) {
+        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1,
+                        snapshot->sampledAt);
+        first_->countSample(snapshot->sampledAt);
+    }
     showFirst();
     showOthers();
 }
@@ -78,30 +86,22 @@ void RecommendationsBlock::showOthers() {
         }
         rows_[i]->setVisible(i < shown);
     }
-    const auto& snapshot = monitor().sample().snapshot();
-    if (snapshot && snapshot->sampledAt != countedSample_) {
-        countedSample_ = snapshot->sampledAt;
-        room_.setNeeded(static_cast<int>(shown));
-    }
-    const int height =
-        std::max(room_.rows(), static_cast<int>(shown)) * RecommendationRow::compactHeight;
+    fitOthers();
+}
+
+void RecommendationsBlock::fitOthers() {
+    const int shown = lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1;
+    const int rowHeight = RecommendationRow::compactHeight(width() - 2 * spacing::cardPadding);
+    const int height = std::max(room_.rows(), shown) * rowHeight;
     if (others_->minimumHeight() != height) {
         others_->setFixedHeight(height);
     }
     others_->setVisible(height > 0);
 }
 
-void RecommendationsBlock::review(std::int64_t pid) {
-    const auto& processes = monitor().sample().latestProcesses();
-    const auto row = std::find_if(processes.begin(), processes.end(),
-                                  [pid](const ProcessSample& each) { return each.pid == pid; });
-    if (row == processes.end()) {
-        // It ended in the sample whose turn to be shown comes next.
-        monitor().log().setLastAction("No process is available to select.");
-        return;
-    }
-    monitor().review().selectProcess(*row);
-    monitor().navigation().setSelectedRoute(AppRoute::load);
+void RecommendationsBlock::resizeEvent(QResizeEvent* event) {
+    OverviewBlock::resizeEvent(event);
+    fitOthers();
 }
 
 }  // namespace tallowcrest

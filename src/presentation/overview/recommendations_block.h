@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/date.h"
 #include "presentation/overview/kept_room.h"
 #include "presentation/overview/overview_block.h"
 #include "presentation/overview/recommendation_lines.h"
@@ -25,18 +24,18 @@ public:
 protected:
     void showHeader() override;
     void showContent() override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void showFirst();
     void showOthers();
-    void review(std::int64_t pid);
+    void fitOthers();
 
     std::vector<RecommendationLine> lines_;
     RecommendationRow* first_ = nullptr;
     QWidget* others_ = nullptr;
     std::vector<RecommendationRow*> rows_;  ///< within `others_`
-    KeptRoom room_;
-    Date countedSample_;
+    KeptRoom room_;                         ///< rows within `others_`
 };
 
 }  // namespace tallowcrest

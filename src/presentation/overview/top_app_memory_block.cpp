@@ -1,5 +1,6 @@
 #include "presentation/overview/top_app_memory_block.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QVBoxLayout>
@@ -14,6 +15,8 @@ namespace {
 
 /// One bar for each group that a sample can hold.
 constexpr int barCount = maximumAppImpacts;
+/// Enough for the words that stand in place of no bars.
+constexpr int fewestBars = 3;
 
 }  // namespace
 
@@ -24,6 +27,7 @@ TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
                         QStringLiteral("000.0 GB"), body());
     bars_->setEmptyText(QStringLiteral("Sampling apps…"));
     bodyLayout()->addWidget(bars_);
+    fitBars();
     bodyLayout()->addStretch(1);
 }
 
@@ -43,7 +47,19 @@ void TopAppMemoryBlock::showContent() {
                             dashboard_text::memoryText(bar.megabytes), bar.fraction});
         }
     }
+    if (snapshot) {
+        room_.setNeeded(static_cast<int>(rows.size()), snapshot->sampledAt);
+    }
     bars_->setRows(std::move(rows));
+    fitBars();
+}
+
+void TopAppMemoryBlock::fitBars() {
+    const int shown = std::max({fewestBars, room_.rows(), static_cast<int>(bars_->rows().size())});
+    const int height = bars_->sizeHint().height() / barCount * shown;
+    if (bars_->minimumHeight() != height) {
+        bars_->setFixedHeight(height);
+    }
 }
 
 }  // namespace tallowcrest

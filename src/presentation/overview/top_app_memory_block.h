@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/overview/kept_room.h"
 #include "presentation/overview/overview_block.h"
 
 namespace tallowcrest {
@@ -18,7 +19,10 @@ protected:
     void showContent() override;
 
 private:
+    void fitBars();
+
     BarList* bars_ = nullptr;
+    KeptRoom room_;
 };
 
 }  // namespace tallowcrest

@@ -1,5 +1,7 @@
 #include "presentation/overview/top_offender_block.h"
 
+#include <algorithm>
+
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -11,6 +13,7 @@
 #include "presentation/elided_label.h"
 #include "presentation/icon_view.h"
 #include "presentation/overview/top_offender.h"
+#include "presentation/review_process.h"
 
 namespace tallowcrest {
 namespace {
@@ -26,12 +29,13 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit + spacing::unit / 2);
     icon_ = new IconView(QString());
-    row->addWidget(icon_, 0, Qt::AlignTop);
+    row->addWidget(icon_, 0, Qt::AlignVCenter);
 
     auto* words = new QWidget(body());
     auto* lines = new QVBoxLayout(words);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(lineGap);
+    lines->addStretch(1);
     title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, words);
     detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, words);
     detail_->setLines(1, 4);
@@ -41,16 +45,29 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     }
     lines->addStretch(1);
     // Room for the largest of the states, so that load going up and down moves nothing.
-    words->setMinimumHeight(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
-                            2 * QFontMetrics(CrestFonts::current().body).lineSpacing());
+    words->setMinimumHeight(
+        std::max(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
+                     2 * QFontMetrics(CrestFonts::current().body).lineSpacing(),
+                 2 * QPushButton(QStringLiteral("Review")).sizeHint().height() + spacing::unit));
     row->addWidget(words, 1);
 
-    review_ = makeButton(QStringLiteral("Review Cleanup Options"), QString(),
-                         QStringLiteral("overview.review-cleanup-options"),
-                         QStringLiteral("Goes to Optimize"), body());
-    connect(review_, &QPushButton::clicked, this,
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    cleanup_ = makeButton(QStringLiteral("Review Cleanup Options"), QString(),
+                          QStringLiteral("overview.review-cleanup-options"),
+                          QStringLiteral("Goes to Optimize"), body());
+    connect(cleanup_, &QPushButton::clicked, this,
             [this] { this->monitor().navigation().setSelectedRoute(AppRoute::optimize); });
-    row->addWidget(review_, 0, Qt::AlignTop);
+    review_ = makeButton(QStringLiteral("Review"), QString(),
+                         QStringLiteral("overview.review-top-offender"),
+                         QStringLiteral("Selects the heaviest process of the heaviest app and "
+                                        "shows it in Processes"),
+                         body());
+    connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewTopGroup);
+    buttons->addWidget(cleanup_);
+    buttons->addWidget(review_);
+    buttons->addStretch(1);
+    row->addLayout(buttons);
     bodyLayout()->addLayout(row);
 
     alerts_ = new QWidget(body());
@@ -64,6 +81,28 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     alerts->addWidget(alertsText_, 1);
     alerts_->hide();
     bodyLayout()->addWidget(alerts_);
+}
+
+std::optional<std::int64_t> TopOffenderBlock::reviewablePID() const {
+    const auto& snapshot = monitor().sample().snapshot();
+    if (!snapshot || snapshot->appImpacts.empty()) {
+        return std::nullopt;
+    }
+    const std::optional<std::int64_t> pid = snapshot->appImpacts.front().topPID;
+    const auto& rows = monitor().sample().latestProcesses();
+    const bool isThere = std::any_of(rows.begin(), rows.end(), [&](const ProcessSample& row) {
+        return row.pid == pid && !monitor().review().isProtectedTarget(row);
+    });
+    return isThere ? pid : std::nullopt;
+}
+
+void TopOffenderBlock::reviewTopGroup() {
+    const auto wanted = reviewablePID();
+    monitor().review().selectTopApp();
+    if (wanted && wanted == monitor().review().selectedPID()) {
+        freeFromFilter(monitor());
+        monitor().navigation().setSelectedRoute(AppRoute::load);
+    }
 }
 
 void TopOffenderBlock::showContent() {
@@ -82,7 +121,13 @@ void TopOffenderBlock::showContent() {
     detail_->setText(shown.detail);
     detail_->setColor(isOffender ? &CrestTheme::text : &CrestTheme::secondaryText);
     detail_->setVisible(!shown.detail.isEmpty());
-    review_->setVisible(isOffender);
+    cleanup_->setVisible(isOffender);
+    review_->setVisible(isOffender && reviewablePID());
+    if (isOffender) {
+        review_->setAccessibleName(
+            QStringLiteral("Review: ") +
+            dashboard_text::text(monitor().sample().snapshot()->appImpacts.front().name));
+    }
     // Nothing scans other machines yet.
     constexpr int machinesThatNeedAttention = 0;
     alertsText_->setText(remoteAlerts(machinesThatNeedAttention));

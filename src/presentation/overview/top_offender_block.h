@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "presentation/overview/overview_block.h"
 
 class QPushButton;
@@ -19,9 +22,15 @@ protected:
     void showContent() override;
 
 private:
+    /// The process that the largest group's "Review" would select; absent when it has left the
+    /// table, or is protected and would be refused.
+    std::optional<std::int64_t> reviewablePID() const;
+    void reviewTopGroup();
+
     IconView* icon_ = nullptr;
     ElidedLabel* title_ = nullptr;
     ElidedLabel* detail_ = nullptr;
+    QPushButton* cleanup_ = nullptr;
     QPushButton* review_ = nullptr;
     QWidget* alerts_ = nullptr;
     ElidedLabel* alertsText_ = nullptr;

@@ -95,6 +95,10 @@ class AccessibleWindow:
         node = self.find(Atspi.Role.TEXT, name)
         node.set_text_contents(text)
 
+    def text_of(self, name):
+        node = self.find(Atspi.Role.TEXT, name)
+        return node.get_text(0, node.get_character_count())
+
     def cells(self):
         """The names of the cells of the process table, row by row."""
         tables = self.showing(Atspi.Role.TABLE)

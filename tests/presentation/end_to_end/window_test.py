@@ -9,6 +9,7 @@ import re
 import shutil
 import sys
 import tempfile
+import time
 import unittest
 
 import dbus
@@ -193,6 +194,42 @@ class Sections(WindowTestCase):
         self.assert_closed(window, "Live Performance Timeline", True)
 
 
+    def test_return_on_a_header_closes_and_opens_its_section(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        self.assert_closed(window, "System Gauges", False)
+        gauges = self.header(window, "System Gauges")
+        gauges.grab_focus()
+        eventually(lambda: window.has_focus(gauges), "the gauges' header has the focus")
+        desktop.keys("Return")
+        self.assert_closed(window, "System Gauges", True)
+        eventually(lambda: not window.showing(Atspi.Role.PROGRESS_BAR, "CPU Load"),
+                   "the gauges are gone")
+        desktop.keys("Return")
+        self.assert_closed(window, "System Gauges", False)
+        window.find(Atspi.Role.PROGRESS_BAR, "CPU Load")
+
+
+class Restart(WindowTestCase):
+    def test_the_session_does_not_count_the_time_between_two_runs(self):
+        def seconds(window):
+            label = window.label(lambda text: text.startswith("Current session · last "))
+            return int(re.search(r"last (\d+) seconds", label.get_name()).group(1))
+
+        program, window, _ = self.start_window()
+        eventually(lambda: seconds(window) >= 8, "a second sample has landed")
+        before = seconds(window)
+        desktop.keys("ctrl+q")
+        self.assertEqual(program.status(), 0)
+        # Many intervals long: a pause of that length cannot be taken for a late sample.
+        pause = 24
+        time.sleep(pause)
+        _, window, _ = self.start_window()
+        after = seconds(window)
+        self.assertGreater(after, before)
+        self.assertLess(after, before + pause)
+
+
 class Processes(WindowTestCase):
     def start_probe(self):
         """A process under a name that no other has."""
@@ -236,6 +273,34 @@ class Processes(WindowTestCase):
         window.refresh()
         window.label(lambda text: " · 0 visible processes · " in text)
         self.assertEqual(window.cells(), [])
+
+    def test_review_from_the_overview_frees_the_row_from_a_filter_left_there(self):
+        from gi.repository import Atspi
+        # Heavy enough to be recommended for review on any machine.
+        probe = desktop.start(sys.executable, "-c",
+                              "kept = bytearray(b'x') * (2300 << 20); import time; time.sleep(600)")
+        self.addCleanup(probe.end)
+        _, window, _ = self.start_window()
+        window.go_to("Processes")
+        self.filtered(window, str(probe.pid), "python")
+        window.type_into("Filter processes", "no such process")
+        window.label(lambda text: " · 0 visible processes · " in text)
+        window.go_to("Overview")
+
+        def offers_review():
+            window.refresh()
+            return window.showing(Atspi.Role.PUSH_BUTTON,
+                                  lambda name: re.match(r"Review: python.* is using .* GB", name))
+
+        button = eventually(offers_review, "the heavy process can be reviewed", deadline=60)[0]
+        window.press(Atspi.Role.PUSH_BUTTON, button.get_name())
+        window.label("Activity Monitor-style list sorted by combined CPU and memory impact")
+        window.label(lambda text: re.fullmatch(
+            r"Selected python\S* from CPU \+ Memory Processes\. No action has run yet\.", text))
+        window.label(lambda text: re.search(r" · [1-9]\d* visible processes · ", text))
+        self.assertEqual(window.text_of("Filter processes"), "")
+        eventually(lambda: [row for row in window.cells() if row[0].endswith("Under review")],
+                   "the row is under review")
 
     def test_the_filter_takes_keys_and_white_space_shows_all(self):
         _, window, _ = self.start_window()
@@ -315,6 +380,19 @@ class Tray(WindowTestCase):
         self.choose(item, "Quit Tallowcrest")
         self.assertEqual(program.status(), 0)
         self.assertEqual(program.complaints(), "")
+
+    def test_the_sections_close_and_open_from_the_item(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        item = self.item()
+        window.find(Atspi.Role.PROGRESS_BAR, "CPU Load")
+        self.choose(item, "Collapse Dashboard Sections")
+        window.label("Collapsed all dashboard sections.")
+        eventually(lambda: not window.showing(Atspi.Role.PROGRESS_BAR, "CPU Load"),
+                   "the gauges are gone")
+        self.choose(item, "Expand Dashboard Sections")
+        window.label("Expanded all dashboard sections.")
+        window.find(Atspi.Role.PROGRESS_BAR, "CPU Load")
 
     def test_activating_the_item_shows_the_panel(self):
         from gi.repository import Atspi

@@ -1,188 +1,21 @@
 #include <QLayout>
 #include <QPushButton>
 
+#include "core/settings_keys.h"
 #include "presentation/bar_list.h"
 #include "presentation/overview/kept_room.h"
-#include "presentation/overview/overview_block.h"
-#include "presentation/overview/recommendation_row.h"
+#include "presentation/section_header.h"
 #include "presentation/summary_card.h"
-#include "tests/presentation/window_fixture.h"
+#include "tests/presentation/overview/blocks_fixture.h"
 
 namespace tallowcrest {
 namespace {
 
-using Severity = Recommendation::Severity;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-
-class OverviewBlocksTest : public WindowFixture {
-protected:
-    OverviewBlocksTest() {
-        machine.extensions.background.buildRecommendations =
-            [this](const auto&, double, double, double) { return recommendations; };
-        machine.extensions.main.buildSessionInsights = [this](const SystemSnapshot&) {
-            return insights;
-        };
-    }
-
-    /// Every text that shows within the block of that identifier, in reading order.
-    std::vector<std::string> texts(const char* identifier) {
-        QWidget* block = visible(identifier);
-        std::vector<std::pair<std::pair<int, int>, std::string>> found;
-        for (const ElidedLabel* label : block->findChildren<ElidedLabel*>()) {
-            if (label->isVisible() && !label->text().isEmpty()) {
-                const QPoint at = label->mapTo(block, QPoint());
-                found.push_back({{at.y(), at.x()}, label->text().toStdString()});
-            }
-        }
-        std::sort(found.begin(), found.end());
-        std::vector<std::string> result;
-        for (auto& [place, text] : found) {
-            result.push_back(std::move(text));
-        }
-        return result;
-    }
-
-    /// The cards of a block as "title: value, detail".
-    std::vector<std::string> cards(const char* identifier) {
-        std::vector<std::string> found;
-        for (const SummaryCard* card : visible(identifier)->findChildren<SummaryCard*>()) {
-            if (card->isVisible()) {
-                found.push_back(
-                    (card->accessibleName() + QStringLiteral(": ") + card->accessibleValue())
-                        .toStdString());
-            }
-        }
-        return found;
-    }
-
-    static Recommendation recommend(const char* title, Severity severity,
-                                    std::optional<std::int64_t> pid = std::nullopt) {
-        return {UUID::random(), title, std::string(title) + " in detail", severity, pid};
-    }
-
-    int heightOf(const char* identifier) { return visible(identifier)->height(); }
-
-    std::vector<Recommendation> recommendations;
-    std::vector<SessionInsight> insights;
-};
-
-// Recommendations --------------------------------------------------------------------------------
-
-TEST_F(OverviewBlocksTest, RecommendationsWaitForTheFirstSample) {
-    show();
-    EXPECT_THAT(
-        texts("overview.recommendations"),
-        ElementsAre("Sampling this Mac...", "The first recommendation follows the first sample."));
-}
-
-TEST_F(OverviewBlocksTest, WithoutARecommendationTheBlockSaysWhatToDo) {
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"),
-                ElementsAre("No recommendation for this sample", "Refresh takes a new one."));
-}
-
-TEST_F(OverviewBlocksTest, AHealthyMachineHasItsWordAndNoButton) {
-    recommendations = {recommend("This Mac looks healthy", Severity::info)};
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"),
-                ElementsAre("This Mac looks healthy", "Info", "This Mac looks healthy in detail"));
-    EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
-}
-
-TEST_F(OverviewBlocksTest, TheMostSevereRecommendationLeads) {
-    recommendations = {recommend("Busy", Severity::caution), recommend("Full", Severity::urgent),
-                       recommend("Odd", Severity::caution)};
-    showWithSample();
-    const std::vector<std::string> shown = texts("overview.recommendations");
-    EXPECT_EQ(shown.at(0), "Full");
-    EXPECT_EQ(shown.at(1), "Urgent");
-    EXPECT_THAT(shown, AllOf(Contains("Busy"), Contains("Odd"), Contains("Odd in detail")));
-}
-
-TEST_F(OverviewBlocksTest, ReviewSelectsTheProcessAndGoesToProcesses) {
-    recommendations = {recommend("Memory", Severity::urgent, 700),
-                       recommend("CPU", Severity::caution, 800)};
-    showWithSample();
-    click("overview.recommendation-2.review");
-    EXPECT_EQ(selectedPID(), 800);
-    EXPECT_EQ(route(), AppRoute::load);
-    goTo(AppRoute::overview);
-    click("overview.recommendation-1.review");
-    EXPECT_EQ(selectedPID(), 700);
-    EXPECT_EQ(route(), AppRoute::load);
-}
-
-TEST_F(OverviewBlocksTest, AProcessThatIsGoneCannotBeReviewed) {
-    recommendations = {recommend("Memory", Severity::urgent, 700)};
-    showWithSample();
-    ASSERT_NE(visible("overview.recommendation-1.review"), nullptr);
-    std::erase_if(machine.metrics->processes, [](const auto& row) { return row.pid == 700; });
-    tick();
-    EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
-}
-
-TEST_F(OverviewBlocksTest, RecommendationsChangePlacesInTheirRows) {
-    recommendations = {recommend("A", Severity::urgent), recommend("B", Severity::caution),
-                       recommend("C", Severity::caution)};
-    showWithSample();
-    const int before = heightOf("overview.recommendations");
-    const auto rows = visible("overview.recommendations")->findChildren<RecommendationRow*>();
-    std::reverse(recommendations.begin(), recommendations.end());
-    recommendations.front().severity = Severity::urgent;
-    tick();
-    EXPECT_EQ(texts("overview.recommendations").front(), "C");
-    EXPECT_EQ(heightOf("overview.recommendations"), before);
-    EXPECT_EQ(visible("overview.recommendations")->findChildren<RecommendationRow*>(), rows);
-}
-
-TEST_F(OverviewBlocksTest, RoomIsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
-    recommendations = {recommend("A", Severity::info)};
-    showWithSample();
-    const int calm = heightOf("overview.recommendations");
-    recommendations = {recommend("A", Severity::urgent), recommend("B", Severity::caution),
-                       recommend("C", Severity::caution)};
-    tick();
-    const int troubled = heightOf("overview.recommendations");
-    EXPECT_GT(troubled, calm);
-    recommendations = {recommend("A", Severity::info)};
-    tick();
-    EXPECT_EQ(heightOf("overview.recommendations"), troubled);
-    EXPECT_THAT(texts("overview.recommendations"), Not(Contains("B")));
-    for (int samples = 1; samples < KeptRoom::patience; ++samples) {
-        // What is no sample does not count.
-        machine.monitor().log().setLastAction("Something");
-        machine.monitor().log().setLastAction("Something else");
-        settle();
-        EXPECT_EQ(heightOf("overview.recommendations"), troubled);
-        tick();
-    }
-    EXPECT_EQ(heightOf("overview.recommendations"), calm);
-}
-
-TEST_F(OverviewBlocksTest, MoreThanFiveAreLeftOut) {
-    for (const char* title : {"A", "B", "C", "D", "E", "F"}) {
-        recommendations.push_back(recommend(title, Severity::caution));
-    }
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"), AllOf(Contains("E"), Not(Contains("F"))));
-}
-
-TEST_F(OverviewBlocksTest, ClosedRecommendationsStillTellWhatMattersMost) {
-    recommendations = {recommend("Busy", Severity::caution), recommend("Full", Severity::urgent)};
-    showWithSample();
-    const auto* header = visible<SectionHeader>("section.recommendations");
-    EXPECT_EQ(header->note(), QString());
-    click("section.recommendations");
-    EXPECT_EQ(header->note(), QStringLiteral("Urgent · Full · 1 more"));
-    EXPECT_TRUE(header->accessibleDescription().startsWith(header->note()));
-    recommendations = {recommend("Fine", Severity::info)};
-    tick();
-    EXPECT_EQ(header->note(), QStringLiteral("Info · Fine"));
-}
 
 // Disk -------------------------------------------------------------------------------------------
 
@@ -202,6 +35,33 @@ TEST_F(OverviewBlocksTest, DiskAutopilotShowsTheHomeVolumeAndItsStatus) {
     tick();
     EXPECT_EQ(space->accessibleValue(),
               QStringLiteral("The size of the home volume could not be read."));
+}
+
+TEST_F(OverviewBlocksTest, LowDiskSpaceIsToldByWordIconAndColour) {
+    machine.metrics->disk = {200.0, 20.1};
+    showWithSample();
+    EXPECT_EQ(visible("overview.disk-autopilot-low"), nullptr);
+    EXPECT_EQ(textOf("overview.disk-autopilot-rule"),
+              QStringLiteral("Act below 20 GB free · cache age 30 days · max 2.0 GB per run"));
+    const int height = heightOf("overview.disk-autopilot");
+    const auto* space = visible("overview.disk-autopilot")->findChild<BarList*>();
+    const auto barColor = [space] {
+        const QImage shot = const_cast<BarList*>(space)->grab().toImage();
+        return shot.pixelColor(shot.width() / 2, shot.height() / 2);
+    };
+    EXPECT_EQ(barColor(), CrestTheme::current().secondaryText);
+    machine.metrics->disk.freeGB = 20.0;
+    tick();
+    EXPECT_EQ(textOf("overview.disk-autopilot-low"), QStringLiteral("Low"));
+    EXPECT_EQ(barColor(), CrestTheme::current().caution);
+    EXPECT_EQ(heightOf("overview.disk-autopilot"), height);
+    const auto* header = visible<SectionHeader>("section.autoRules");
+    EXPECT_EQ(header->note(), QString());
+    click("section.autoRules");
+    EXPECT_EQ(header->note(), QStringLiteral("Low"));
+    machine.metrics->disk.freeGB = 100.0;
+    tick();
+    EXPECT_EQ(header->note(), QString());
 }
 
 // The top offender -------------------------------------------------------------------------------
@@ -229,14 +89,38 @@ TEST_F(OverviewBlocksTest, TheTopOffenderInItsThreeStates) {
     EXPECT_EQ(route(), AppRoute::optimize);
 }
 
+TEST_F(OverviewBlocksTest, TheTopOffenderCanBeReviewed) {
+    showWithSample();
+    EXPECT_EQ(visible("overview.review-top-offender"), nullptr) << "nothing offends";
+    machine.metrics->memory.pressure = 82.0;
+    tick();
+    machine.monitor().navigation().setProcessFilter("editor");
+    click("overview.review-top-offender");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_EQ(machine.monitor().navigation().processFilter(), "");
+    EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
+}
+
+TEST_F(OverviewBlocksTest, AnOffenderThatWouldBeRefusedOffersNoReview) {
+    machine.store.write(settings_keys::protectedAppsKey, SettingsTextList{"photo-indexer"});
+    machine.metrics->memory.pressure = 82.0;
+    showWithSample();
+    EXPECT_NE(visible("overview.review-cleanup-options"), nullptr);
+    EXPECT_EQ(visible("overview.review-top-offender"), nullptr);
+}
+
 // Activity ---------------------------------------------------------------------------------------
 
 TEST_F(OverviewBlocksTest, RecentActivityListsTheNewestFive) {
     showWithSample();
     EXPECT_THAT(texts("overview.recent-activity"),
                 ElementsAre("No actions or warnings have been logged yet."));
-    const int height = heightOf("overview.recent-activity");
-    for (const char* detail : {"one", "two", "three", "four", "five", "six"}) {
+    const int empty = heightOf("overview.recent-activity");
+    machine.monitor().log().recordEvent("Action", "one");
+    settle();
+    EXPECT_EQ(heightOf("overview.recent-activity"), empty);
+    for (const char* detail : {"two", "three", "four", "five", "six"}) {
         machine.monitor().log().recordEvent("Action", detail);
     }
     machine.monitor().log().recordEvent("Warning", "seven");
@@ -245,11 +129,40 @@ TEST_F(OverviewBlocksTest, RecentActivityListsTheNewestFive) {
     EXPECT_THAT(shown, AllOf(Contains("seven"), Contains("Warning"), Contains("three")));
     EXPECT_THAT(shown, AllOf(Not(Contains("two")),
                              Not(Contains("No actions or warnings have been logged yet."))));
-    EXPECT_EQ(heightOf("overview.recent-activity"), height);
+    const int full = heightOf("overview.recent-activity");
+    EXPECT_GT(full, empty);
+    tick();
     machine.monitor().log().clearActivityLog();
     settle();
     EXPECT_THAT(texts("overview.recent-activity"),
                 ElementsAre("No actions or warnings have been logged yet."));
+    for (int samples = 0; samples < KeptRoom::patience; ++samples) {
+        EXPECT_EQ(heightOf("overview.recent-activity"), full) << samples;
+        tick();
+    }
+    EXPECT_EQ(heightOf("overview.recent-activity"), empty);
+}
+
+TEST_F(OverviewBlocksTest, TopAppMemoryGrowsWithItsGroupsAndGivesRoomBackLater) {
+    window().resize(900, 600);  // one column
+    show();
+    const int waiting = heightOf("overview.top-app-memory");
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(heightOf("overview.top-app-memory"), waiting);
+    for (std::int64_t pid = 901; pid <= 906; ++pid) {
+        machine.addProcess(pid, "/usr/bin/app" + std::to_string(pid), 1.0, 100.0);
+    }
+    tick();
+    const int many = heightOf("overview.top-app-memory");
+    EXPECT_GT(many, waiting);
+    std::erase_if(machine.metrics->processes, [](const auto& row) { return row.pid > 900; });
+    for (int samples = 1; samples < KeptRoom::patience; ++samples) {
+        tick();
+        EXPECT_EQ(heightOf("overview.top-app-memory"), many) << samples;
+    }
+    tick();
+    EXPECT_EQ(heightOf("overview.top-app-memory"), waiting);
 }
 
 TEST_F(OverviewBlocksTest, OpenHistoryGoesThere) {

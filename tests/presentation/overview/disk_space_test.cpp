@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include <QLocale>
 #include <gtest/gtest.h>
 
 namespace tallowcrest {
@@ -30,6 +31,31 @@ TEST(DiskSpace, AVolumeOfUnknownSizeTellsNothing) {
 TEST(DiskSpace, TheShareStaysWithinItsBounds) {
     EXPECT_EQ(diskSpaceTexts({100.0, 150.0})->fraction, 0.0);
     EXPECT_EQ(diskSpaceTexts({100.0, -1.0})->fraction, 1.0);
+}
+
+TEST(DiskSpace, IsLowAtOrUnderTheOwnersMinimum) {
+    Settings settings;
+    settings.diskMinimumFreeGB = 20.0;
+    EXPECT_FALSE(isSpaceLow({200.0, 20.1}, settings));
+    EXPECT_TRUE(isSpaceLow({200.0, 20.0}, settings));
+    EXPECT_TRUE(isSpaceLow({200.0, 0.0}, settings));
+    EXPECT_FALSE(isSpaceLow({}, settings)) << "what could not be read is not low";
+    const double noNumber = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(isSpaceLow({200.0, noNumber}, settings));
+    settings.diskMinimumFreeGB = noNumber;
+    EXPECT_FALSE(isSpaceLow({200.0, 0.0}, settings));
+}
+
+TEST(DiskSpace, TheRuleIsTheOwners) {
+    QLocale::setDefault(QLocale::c());
+    Settings settings;
+    EXPECT_EQ(diskRule(settings),
+              QStringLiteral("Act below 20 GB free · cache age 30 days · max 2.0 GB per run"));
+    settings.diskMinimumFreeGB = 45.9;
+    settings.diskCleanupAgeDays = 7.0;
+    settings.diskMaxCleanupGB = 0.5;
+    EXPECT_EQ(diskRule(settings),
+              QStringLiteral("Act below 45 GB free · cache age 7 days · max 0.5 GB per run"));
 }
 
 }  // namespace

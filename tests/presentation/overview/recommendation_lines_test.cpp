@@ -37,7 +37,7 @@ TEST(RecommendationLines, NoneForNone) {
     EXPECT_EQ(recommendationNote({}).toStdString(), "");
 }
 
-TEST(RecommendationLines, TheFirstOfTheMostSevereLeadsAndTheOthersKeepTheirOrder) {
+TEST(RecommendationLines, TheMostSevereComeFirstAndThoseOfOneSeverityKeepTheirOrder) {
     const auto order = [](std::vector<Recommendation> given) {
         return titles(recommendationLines(given, {}));
     };
@@ -48,8 +48,8 @@ TEST(RecommendationLines, TheFirstOfTheMostSevereLeadsAndTheOthersKeepTheirOrder
     const auto urgent2 = recommendation("u2", Severity::urgent);
     EXPECT_EQ(order({info}), "i");
     EXPECT_EQ(order({caution, caution2, info}), "c c2 i");
-    EXPECT_EQ(order({caution, urgent, caution2, urgent2}), "u c c2 u2");
-    EXPECT_EQ(order({info, caution, urgent}), "u i c");
+    EXPECT_EQ(order({caution, urgent, caution2, urgent2}), "u u2 c c2");
+    EXPECT_EQ(order({info, caution, urgent}), "u c i");
 }
 
 TEST(RecommendationLines, OnlyAProcessOfTheLatestTableCanBeReviewed) {

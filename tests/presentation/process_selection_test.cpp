@@ -1,0 +1,247 @@
+#include <QLineEdit>
+#include <QScrollBar>
+
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Selections that do not come from a row of the list itself: the row is to be seen all the same.
+class ProcessSelectionTest : public WindowFixture {
+protected:
+    static constexpr std::int64_t lightest = 2399;  ///< far below the fold
+
+    ProcessSelectionTest() {
+        for (std::int64_t pid = 2000; pid <= lightest; ++pid) {
+            machine.addProcess(pid, "/usr/bin/idle", 0.0, static_cast<double>(2500 - pid));
+        }
+        // Last in the list, and the only one of its name.
+        machine.metrics->processes.back().command = "/usr/bin/straggler";
+        machine.extensions.background.buildRecommendations = [](const auto&, double, double,
+                                                                double) {
+            return std::vector<Recommendation>{{UUID::random(), "Memory", "It grows",
+                                                Recommendation::Severity::caution, lightest}};
+        };
+        machine.extensions.main.runAutoRules = [this](const SystemSnapshot&) {
+            if (selectedByRule) {
+                machine.monitor().review().selectProcess(row(*selectedByRule));
+            }
+        };
+        window().resize(900, 600);
+    }
+
+    ProcessSample row(std::int64_t pid) {
+        for (const ProcessSample& each : machine.metrics->processes) {
+            if (each.pid == pid) {
+                return each;
+            }
+        }
+        return {};
+    }
+
+    void end(std::int64_t pid) {
+        std::erase_if(machine.metrics->processes,
+                      [pid](const ProcessSample& each) { return each.pid == pid; });
+    }
+
+    void filter(const char* text) {
+        machine.monitor().navigation().setProcessFilter(text);
+        settle();
+    }
+    const std::string& filter() { return machine.monitor().navigation().processFilter(); }
+
+    int scrolled() { return table().verticalScrollBar()->value(); }
+    void scrollTo(int value) { table().verticalScrollBar()->setValue(value); }
+
+    /// The process whose row is the current one, when all of that row can be seen.
+    std::optional<std::int64_t> currentInView() {
+        const QModelIndex current = table().currentIndex();
+        const QRect place = table().visualRect(current);
+        if (!current.isValid() || place.top() < 0 ||
+            place.bottom() >= table().viewport()->height()) {
+            return std::nullopt;
+        }
+        return model().rows().at(static_cast<std::size_t>(current.row())).pid;
+    }
+
+    std::optional<std::int64_t> selectedByRule;
+};
+
+TEST_F(ProcessSelectionTest, ReviewFindsARowBelowTheFold) {
+    showWithSample();
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(selectedPID(), lightest);
+    EXPECT_EQ(currentInView(), lightest);
+    EXPECT_GT(scrolled(), 0);
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Selected straggler from CPU + Memory Processes. No action has run "
+                             "yet."));
+}
+
+TEST_F(ProcessSelectionTest, ReviewFreesItsRowFromAFilterLeftThere) {
+    showWithSample();
+    filter("photo");
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(filter(), "");
+    EXPECT_EQ(visible<QLineEdit>("processes.filter")->text(), QString());
+    EXPECT_EQ(currentInView(), lightest);
+
+    // Once more for the process that is under review already.
+    filter("photo");
+    goTo(AppRoute::overview);
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(filter(), "");
+    EXPECT_EQ(currentInView(), lightest);
+}
+
+TEST_F(ProcessSelectionTest, AFilterThatKeepsTheRowStays) {
+    showWithSample();
+    filter(" STRAGG");
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(filter(), " STRAGG");
+    EXPECT_EQ(currentInView(), lightest);
+}
+
+TEST_F(ProcessSelectionTest, AfterwardsTheListScrollsAsTheOwnerWants) {
+    showWithSample();
+    click("overview.recommendation-1.review");
+    scrollTo(40);
+    tick();
+    EXPECT_EQ(scrolled(), 40);
+    machine.metrics->processes.at(1).cpu = 300.0;
+    tick();
+    EXPECT_EQ(scrolled(), 40);
+    end(lightest);
+    tick();
+    EXPECT_EQ(scrolled(), 40);
+    EXPECT_EQ(selectedPID(), lightest);
+    tick();
+    EXPECT_EQ(scrolled(), 40);
+}
+
+TEST_F(ProcessSelectionTest, SelectTopGoesToItsRowEachTime) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    filter("straggler");
+    click("load.select-top");
+    EXPECT_EQ(filter(), "");
+    EXPECT_EQ(currentInView(), 800);
+
+    scrollTo(table().verticalScrollBar()->maximum());
+    ASSERT_EQ(currentInView(), std::nullopt);
+    click("load.select-top");
+    EXPECT_EQ(currentInView(), 800);
+}
+
+TEST_F(ProcessSelectionTest, ARefusedSelectTopMovesNothing) {
+    machine.metrics->processes.at(2).cpu = 400.0;  // systemd
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    click("load.select-top");
+    ASSERT_EQ(selectedPID(), std::nullopt);
+    machine.monitor().review().selectProcess(row(700));
+    settle();
+    filter("straggler");
+    click("load.select-top");
+    EXPECT_TRUE(lastAction().starts_with("Top process is protected: ")) << lastAction();
+    EXPECT_EQ(selectedPID(), 700);
+    EXPECT_EQ(filter(), "straggler");
+}
+
+TEST_F(ProcessSelectionTest, SelectTopRowGoesToTheFirstRow) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    filter("idle");
+    scrollTo(table().verticalScrollBar()->maximum());
+    click("processes.select-top-row");
+    EXPECT_EQ(filter(), "idle");
+    EXPECT_EQ(selectedPID(), 2000);
+    EXPECT_EQ(currentInView(), 2000);
+}
+
+TEST_F(ProcessSelectionTest, ASelectionOnAnotherRouteIsInViewWhenTheListOpens) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    scrollTo(table().verticalScrollBar()->maximum());
+    filter("straggler");
+    goTo(AppRoute::optimize);
+    click("optimize.select-top");
+    tick();
+    EXPECT_EQ(filter(), "straggler") << "nothing is taken away before the list is seen";
+    goTo(AppRoute::load);
+    EXPECT_EQ(filter(), "");
+    EXPECT_EQ(currentInView(), 800);
+}
+
+TEST_F(ProcessSelectionTest, OpeningTheListShowsTheRowButLeavesALaterFilterAlone) {
+    showWithSample();
+    click("overview.recommendation-1.review");
+    scrollTo(0);
+    goTo(AppRoute::overview);
+    goTo(AppRoute::load);
+    EXPECT_EQ(currentInView(), lightest);
+
+    filter("photo");
+    goTo(AppRoute::overview);
+    goTo(AppRoute::load);
+    EXPECT_EQ(filter(), "photo");
+}
+
+TEST_F(ProcessSelectionTest, WhatASampleSelectsByItselfMovesNothing) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    filter("idle");
+    scrollTo(40);
+    selectedByRule = lightest;
+    tick();
+    ASSERT_EQ(selectedPID(), lightest);
+    EXPECT_EQ(filter(), "idle");
+    EXPECT_EQ(scrolled(), 40);
+    selectedByRule.reset();
+    tick();
+    EXPECT_EQ(filter(), "idle");
+    EXPECT_EQ(scrolled(), 40);
+}
+
+TEST_F(ProcessSelectionTest, ARowThatIsChosenInTheListStaysWhereItIs) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    showWithSample();
+    // Half of the first row that shows is above the edge.
+    scrollTo(table().rowHeight(0) / 2);
+    const int before = scrolled();
+    const QRect button = table().visualRect(model().index(0, ProcessTableModel::actionColumn));
+    QTest::mouseClick(table().viewport(), Qt::LeftButton, {},
+                      {button.center().x(), button.bottom() - 6});
+    settle();
+    ASSERT_EQ(selectedPID(), 800);
+    EXPECT_EQ(scrolled(), before);
+    tick();
+    EXPECT_EQ(scrolled(), before);
+}
+
+TEST_F(ProcessSelectionTest, AProcessThatHasEndedTakesNoFilterAway) {
+    showWithSample();
+    filter("photo");
+    const ProcessSample gone = row(lightest);
+    end(lightest);
+    tick();
+    machine.monitor().review().selectProcess(gone);
+    goTo(AppRoute::load);
+    EXPECT_EQ(filter(), "photo");
+    EXPECT_EQ(model().rowCount(), 1);
+}
+
+TEST_F(ProcessSelectionTest, BeforeTheFirstSampleTheSelectionWaits) {
+    show();
+    machine.monitor().review().selectProcess(row(lightest));
+    filter("photo");
+    goTo(AppRoute::load);
+    EXPECT_EQ(filter(), "photo");
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(filter(), "");
+    EXPECT_EQ(currentInView(), lightest);
+}
+
+}  // namespace
+}  // namespace tallowcrest
