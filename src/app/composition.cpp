@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "app/console.h"
+#include "core/settings_keys.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 
 namespace tallowcrest {
-
 namespace {
 
 std::filesystem::path settingsFile() {
@@ -16,20 +16,24 @@ std::filesystem::path settingsFile() {
     return folder.empty() ? folder : folder / "settings.sqlite";
 }
 
-OpenedStore openSettings(SettingsAccess access, WorkQueue& workQueue, const Clock& clock) {
-    return access == SettingsAccess::look
-               ? readSettingsStore(settingsFile())
-               : openSettingsStore(settingsFile(),
-                                   {workQueue, clock, [](const std::string& problem) {
-                                        complain(printableText(problem).text);
-                                    }});
+OpenedStore openSettings(SettingsAccess access, WorkQueue& workQueue, const Clock& clock,
+                         SqliteSettingsStore::Complain complain) {
+    if (access == SettingsAccess::keep) {
+        return openSettingsStore(settingsFile(), {workQueue, clock, std::move(complain)});
+    }
+    OpenedStore opened = readSettingsStore(settingsFile());
+    // What another run saw, perhaps days ago, must not pass for what this one sees.
+    opened.store->write(settings_keys::historyKey, JSONData{"[]"});
+    return opened;
 }
 
 }  // namespace
 
 Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
                          std::vector<std::string> processArguments, MonitorExtensions extensions)
-    : workQueue_(host::lowerThreadPriority), settings_(openSettings(access, workQueue_, clock_)) {
+    : self_(std::make_shared<Composition*>(this)),
+      workQueue_(host::lowerThreadPriority),
+      settings_(openSettings(access, workQueue_, clock_, tellerOfFailedWrites(mainQueue))) {
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
     }
@@ -44,6 +48,18 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
                      HostFacts{host::activeProcessorCount(), host::protectionPolicy(),
                                host::loginName(), std::move(processArguments), settings_.problems},
                      std::move(extensions));
+}
+
+SqliteSettingsStore::Complain Composition::tellerOfFailedWrites(MainQueue& mainQueue) const {
+    return [&mainQueue, weakSelf = std::weak_ptr(self_)](const std::string& problem) {
+        complain(printableText(problem).text);
+        // On a later turn, for a message is itself a write.
+        mainQueue.post([weakSelf, problem] {
+            if (const auto self = weakSelf.lock(); self && (*self)->monitor_) {
+                (*self)->monitor_->log().recordMessage(problem);
+            }
+        });
+    };
 }
 
 bool Composition::shutDown() {

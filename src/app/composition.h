@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,13 +18,15 @@ namespace tallowcrest {
 /// What a program may do with the owner's stored settings.
 enum class SettingsAccess {
     keep,  ///< changes are stored
-    look,  ///< changes last as long as the program, and nothing is written
+    /// Changes last as long as the program, nothing is written, and the timeline begins anew.
+    look,
 };
 
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
-    /// Says on standard error what could not be read of the settings, and tells the monitor too.
+    /// Says on standard error what could not be read of the settings, and later when they can no
+    /// longer be saved, and tells the monitor too. `mainQueue` must outlive the object.
     Composition(MainQueue& mainQueue, SettingsAccess access,
                 std::vector<std::string> processArguments, MonitorExtensions extensions);
     Composition(const Composition&) = delete;
@@ -36,6 +39,10 @@ public:
     [[nodiscard]] bool shutDown();
 
 private:
+    SqliteSettingsStore::Complain tellerOfFailedWrites(MainQueue& mainQueue) const;
+
+    /// Gone with this object, so that what is still posted then finds nothing to tell.
+    std::shared_ptr<Composition*> self_;
     SystemClock clock_;
     PosixToolLauncher toolLauncher_;
     ThreadWorkQueue workQueue_;

@@ -1,5 +1,6 @@
 #include "app/composition.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -9,9 +10,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/record_json.h"
 #include "core/settings_keys.h"
 #include "platform/posix/run_loop.h"
 #include "tests/app/private_data.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
 
 namespace tallowcrest {
 namespace {
@@ -30,6 +34,12 @@ protected:
                                              MonitorExtensions{});
     }
 
+    /// Does what is posted by now.
+    void serve() {
+        loop.post([this] { loop.stop(0); });
+        EXPECT_EQ(loop.run(), 0);
+    }
+
     void writeGarbage() const {
         fs::create_directory(file.parent_path());
         std::ofstream(file) << "garbage";
@@ -44,6 +54,8 @@ protected:
     PrivateData data;
     fs::path file = data.folder() / "tallowcrest" / "settings.sqlite";
     RunLoop loop;
+    ManualWorkQueue workQueue;
+    ManualClock clock;
 };
 
 TEST_F(CompositionTest, KeepsSettingsFromOneRunToTheNext) {
@@ -81,6 +93,24 @@ TEST_F(CompositionTest, OnlyLookingSeesWhatIsKeptAndLeavesIt) {
     EXPECT_TRUE(composition->shutDown());
 }
 
+TEST_F(CompositionTest, OnlyLookingBeginsATimelineOfItsOwn) {
+    {
+        const OpenedStore opened =
+            openSettingsStore(file, {workQueue, clock, SqliteSettingsStore::Complain()});
+        opened.store->write(settings_keys::thresholdKey, 70.0);
+        opened.store->write(settings_keys::historyKey,
+                            JSONData{*record_json::encode(std::vector<HistoryPoint>(
+                                15, {UUID::random(), Date{1}, 100.0, 100.0}))});
+    }
+    const auto keeping = start(SettingsAccess::keep);
+    EXPECT_EQ(keeping->monitor().sample().history().size(), 15U);
+    EXPECT_TRUE(keeping->shutDown());
+    const auto looking = start(SettingsAccess::look);
+    EXPECT_THAT(looking->monitor().sample().history(), IsEmpty());
+    EXPECT_EQ(looking->monitor().settings().warningThreshold, 70.0);
+    EXPECT_TRUE(looking->shutDown());
+}
+
 TEST_F(CompositionTest, OnlyLookingMakesNothing) {
     const auto composition = start(SettingsAccess::look);
     composition->monitor().log().recordMessage("Not kept.");
@@ -108,6 +138,49 @@ TEST_F(CompositionTest, SaysWhatItCouldNotReadEverywhereOnce) {
     EXPECT_EQ(composition->monitor().log().lastAction(), "Monitoring started.");
     EXPECT_EQ(composition->monitor().log().activityLog().size(), 1U);
     EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, TellsTheMonitorOnceAnOutageThatItCannotSave) {
+    const auto composition = start(SettingsAccess::keep);
+    ActivityLog& log = composition->monitor().log();
+    SqliteConnection other;
+    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+    for (const std::size_t outages : {1U, 2U}) {
+        CaptureStderr();
+        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        log.recordMessage("Not kept yet.");
+        EXPECT_EQ(log.lastAction(), "Not kept yet.") << "a write tells nothing in its own turn";
+        serve();
+        EXPECT_THAT(log.lastAction(), HasSubstr("Settings cannot be saved"));
+        const std::string said = log.lastAction();
+        EXPECT_THAT(said, HasSubstr(file.string()));
+        log.recordMessage("Not kept either.");
+        serve();
+        EXPECT_EQ(log.lastAction(), "Not kept either.");
+        EXPECT_EQ(GetCapturedStderr(), "tallowcrest: " + said + "\n");
+        const auto told =
+            std::count_if(log.activityLog().begin(), log.activityLog().end(),
+                          [&said](const ActivityEvent& event) { return event.detail == said; });
+        EXPECT_EQ(static_cast<std::size_t>(told), outages);
+        ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+        log.recordMessage("Kept.");
+    }
+    EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, WhatIsStillToBeToldAtTheEndIsDropped) {
+    CaptureStderr();
+    {
+        const auto composition = start(SettingsAccess::keep);
+        SqliteConnection other;
+        ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        composition->monitor().log().recordMessage("Not kept.");
+        EXPECT_TRUE(composition->shutDown());
+        serve();
+    }
+    serve();
+    EXPECT_THAT(GetCapturedStderr(), HasSubstr("cannot be saved"));
 }
 
 TEST_F(CompositionTest, StartsOnAMachineThatKeepsNothing) {

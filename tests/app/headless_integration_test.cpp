@@ -216,9 +216,9 @@ TEST_F(HeadlessSettings, ThatCannotBeReadAreOneLineAndLeftAsTheyAre) {
     const ProgramResult result = run({"--headless", "--samples", "2", "--interval", "0.1"});
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.standardOutput, "");
-    EXPECT_EQ(result.standardError, "tallowcrest: The settings in " + file.string() +
-                                        " cannot be read, so Tallowcrest starts with default "
-                                        "settings.\n");
+    EXPECT_EQ(result.standardError,
+              "tallowcrest: Settings cannot be read, so defaults are used: the file is damaged, " +
+                  file.string() + ".\n");
     std::ostringstream content;
     content << std::ifstream(file).rdbuf();
     EXPECT_EQ(content.str(), "garbage");

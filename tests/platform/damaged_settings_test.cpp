@@ -13,7 +13,9 @@
 
 #include "core/settings_keys.h"
 #include "platform/sqlite/open_settings_store.h"
+#include "platform/sqlite/settings_file.h"
 #include "tests/platform/settings_file_fixture.h"
+#include "tests/platform/settings_log_bytes.h"
 
 namespace tallowcrest {
 namespace {
@@ -179,12 +181,121 @@ TEST_F(DamagedLog, GarbageIsPutAsideAndTheFileCounts) {
         writeFile(file.string() + "-wal", garbage);
         {
             const OpenedStore opened = open();
-            expectOneProblem(opened, "latest changes");
+            expectOneProblem(opened, "latest settings changes");
             EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(70.0));
         }
         EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == garbage);
         fs::remove(file.string() + ".damaged-20260509-061320-wal");
     }
+}
+
+TEST_F(DamagedLog, DamageInAnyFieldIsToldAndThatLogIsKept) {
+    makeKilled();
+    const std::string file0 = contentOf(file);
+    struct Case {
+        const char* field;
+        std::size_t at;
+    };
+    for (const auto& [field, at] :
+         {Case{"magic", 0}, Case{"order of bytes", 3}, Case{"version", 7}, Case{"page size", 10},
+          Case{"times begun anew", 15}, Case{"first salt", 16}, Case{"second salt", 20},
+          Case{"first sum", 24}, Case{"second sum", 31}, Case{"record's page number", 35},
+          Case{"record's size of the file", 39}, Case{"record's first salt", 40},
+          Case{"record's second salt", 44}, Case{"record's first sum", 48},
+          Case{"record's second sum", 55}, Case{"page", 56}, Case{"page's end", 55 + 4096}}) {
+        SCOPED_TRACE(field);
+        fs::remove_all(file.parent_path());
+        fs::create_directory(file.parent_path());
+        std::string damaged = log;
+        damaged[at] = static_cast<char>(damaged[at] ^ 1);
+        writeFile(file, file0);
+        writeFile(file.string() + "-wal", damaged);
+        const OpenedStore looked = readSettingsStore(file);
+        expectOneProblem(looked, "latest settings changes");
+        EXPECT_EQ(looked.store->read(keys::thresholdKey), SettingsValue(70.0));
+        {
+            const OpenedStore opened = open();
+            expectOneProblem(opened, "latest settings changes");
+            EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(70.0));
+            opened.store->write(keys::thresholdKey, 75.0);
+        }
+        EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == damaged);
+        EXPECT_THAT(open().problems, IsEmpty());
+    }
+}
+
+TEST_F(DamagedLog, OneFromAMachineOfTheOtherOrderOfBytesCounts) {
+    makeKilled();
+    using settings_log_bytes::WordOrder;
+    const std::string original = log;
+    const WordOrder order = (log[3] & 1) != 0 ? WordOrder::big : WordOrder::little;
+    settings_log_bytes::setChecksums(log, order);
+    EXPECT_TRUE(log == original) << "the sums are SQLite's";
+    settings_log_bytes::setChecksums(log,
+                                     order == WordOrder::big ? WordOrder::little : WordOrder::big);
+    writeFile(file.string() + "-wal", log);
+    const OpenedStore opened = open();
+    EXPECT_THAT(opened.problems, IsEmpty());
+    EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(73.0));
+}
+
+TEST_F(DamagedLog, OneThatWasBegunAnewIsWhole) {
+    makeStored();
+    const fs::path copy = folder.path() / "copy";
+    {
+        const OpenedStore opened = openSettingsStore(file, {workQueue, clock, {}, 3});
+        for (const double threshold : {71.0, 72.0, 73.0}) {
+            opened.store->write(keys::thresholdKey, threshold);
+        }
+        workQueue.run();
+        fs::copy(file.parent_path(), copy);
+    }
+    fs::remove_all(file.parent_path());
+    fs::rename(copy, file.parent_path());
+    const std::string begun = contentOf(file.string() + "-wal");
+    ASSERT_GT(settings_log_bytes::bigEndian(begun, 12), 0U) << "the log was begun anew";
+    ASSERT_NE(begun.substr(32 + 8, 8), begun.substr(32 + 24 + 4096 + 8, 8)) << "older records";
+    EXPECT_THAT(readSettingsStore(file).problems, IsEmpty());
+    const OpenedStore opened = open();
+    EXPECT_THAT(opened.problems, IsEmpty());
+    EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(73.0));
+}
+
+TEST_F(DamagedLog, OneThatCannotBePutAsideIsToldAndLeft) {
+    makeKilled();
+    log[24] = static_cast<char>(log[24] ^ 1);
+    writeFile(file.string() + "-wal", log);
+    fs::permissions(file.parent_path(), fs::perms(0500));
+    {
+        const AsOrdinaryUser user(file.parent_path());
+        const auto before = contents();
+        const OpenedStore opened = open();
+        ASSERT_EQ(opened.problems.size(), 2U);
+        EXPECT_THAT(opened.problems.front(), HasSubstr("latest settings changes cannot be read"));
+        EXPECT_THAT(opened.problems.back(), HasSubstr("can be read but not changed"));
+        EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(70.0));
+        EXPECT_TRUE(contents() == before);
+    }
+    fs::permissions(file.parent_path(), fs::perms(0700));
+}
+
+TEST_F(DamagedLog, OneThatCannotBeReadIsNotTakenForDamage) {
+    makeKilled();
+    const fs::path path = file.string() + "-wal";
+    fs::permissions(path, fs::perms(0));
+    {
+        const AsOrdinaryUser user(file.parent_path());
+        EXPECT_TRUE(settings_file::logIsSound(file));
+        const OpenedStore opened = open();
+        expectOneProblem(opened, "cannot be read, so defaults are used");
+        EXPECT_TRUE(fs::exists(path));
+    }
+    fs::permissions(path, fs::perms(0600));
+    writeFile(path, "garbage");
+    EXPECT_FALSE(settings_file::logIsSound(file));
+    fs::remove(path);
+    fs::create_directory(path);
+    EXPECT_TRUE(settings_file::logIsSound(file)) << "reading it fails";
 }
 
 TEST_F(DamagedSettings, PutsAsideWhatIsNoFile) {

@@ -373,6 +373,38 @@ TEST_F(InstanceGuardTest, WithoutARuntimeDirectoryOfOurOwnTheyLieInTheDataDirect
     EXPECT_EQ(instancePlace({"", "", "here"}).directory, "");
 }
 
+TEST_F(InstanceGuardTest, AStartThatWasNotToldOfTheRuntimeDirectoryFindsTheOneThatWas) {
+    const std::string runtime = folder.path("run");
+    ASSERT_EQ(::mkdir(runtime.c_str(), 0700), 0);
+    const std::string data = folder.path("data");
+    place = instancePlace({runtime, data, "here", runtime});
+    EXPECT_EQ(place.directory, runtime + "/tallowcrest");
+    const auto other = otherInstance();
+    for (const std::string& unusable :
+         {std::string(), std::string("run"), folder.path("missing")}) {
+        const InstancePlace untold = instancePlace({unusable, data, "here", runtime});
+        EXPECT_EQ(untold.directory, place.directory) << unusable;
+        EXPECT_EQ(startInstance(untold, {}).outcome, Outcome::handedOver) << unusable;
+    }
+    EXPECT_EQ(instanceEnvironment(data).usualRuntimeDirectory,
+              "/run/user/" + std::to_string(::geteuid()));
+}
+
+TEST_F(InstanceGuardTest, TheUsualRuntimeDirectoryIsUsedOnlyWhenItIsThisUsersAlone) {
+    const std::string usual = folder.path("usual");
+    EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << "not there";
+    ASSERT_EQ(::mkdir(usual.c_str(), 0700), 0);
+    for (const mode_t mode : {0755U, 0770U, 0701U, 01777U}) {
+        ASSERT_EQ(::chmod(usual.c_str(), mode), 0);
+        EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << mode;
+    }
+    ASSERT_EQ(::chmod(usual.c_str(), 0700), 0);
+    EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, usual + "/tallowcrest");
+    if (::chown(usual.c_str(), ::geteuid() + 1, static_cast<gid_t>(-1)) == 0) {
+        EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << "another's";
+    }
+}
+
 TEST_F(InstanceGuardTest, AnotherUsersRuntimeDirectoryIsLeftAlone) {
     const std::string foreign = folder.path("foreign");
     ASSERT_EQ(::mkdir(foreign.c_str(), 0700), 0);

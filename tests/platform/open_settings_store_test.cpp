@@ -7,7 +7,9 @@
 #include <csignal>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -28,6 +30,18 @@ using ::testing::IsEmpty;
 class OpenSettingsStore : public SettingsFileFixture {
 protected:
     static constexpr const char* keptName = "settings.sqlite.damaged-20260509-061320";
+
+    std::string thresholdRow() const {
+        SqliteConnection connection;
+        std::string row;
+        EXPECT_EQ(connection.open(file, SqliteConnection::Access::readOnly, {}), SQLITE_OK);
+        EXPECT_EQ(connection.queryText("SELECT kind || ' ' || value FROM settings "
+                                       "WHERE key = 'Tallowcrest.warningThreshold'",
+                                       row),
+                  SQLITE_OK)
+            << connection.message();
+        return row;
+    }
 };
 
 /// For a moment, no file may grow beyond a size.
@@ -96,6 +110,43 @@ TEST_F(OpenSettingsStore, APlaceMayHaveAnyName) {
     }
 }
 
+TEST_F(OpenSettingsStore, AFileThatALinkLeadsToIsUsedWhereItLies) {
+    makeStored();
+    const fs::path link = file;
+    const fs::path elsewhere = folder.path() / "elsewhere";
+    fs::create_directory(elsewhere);
+    fs::permissions(elsewhere, fs::perms(0755));
+    file = elsewhere / "kept.sqlite";
+    fs::rename(link, file);
+    fs::create_symlink(file, link);
+    writeFile(file.string() + "-wal", "garbage");
+    {
+        const OpenedStore opened = openSettingsStore(link, {workQueue, clock, {}});
+        expectOneProblem(opened, "latest settings changes");
+        expectStored(*opened.store);
+        opened.store->write(keys::autoPurgeKey, true);
+    }
+    EXPECT_TRUE(contentOf(elsewhere / "kept.sqlite.damaged-20260509-061320-wal") == "garbage");
+    EXPECT_EQ(readSettingsStore(link).store->read(keys::autoPurgeKey), SettingsValue(true));
+    struct stat status {};
+    ASSERT_EQ(::stat(elsewhere.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0755U) << "others' files lie there too";
+
+    writeFile(file, "garbage");
+    expectOneProblem(openSettingsStore(link, {workQueue, clock, {}}), "damaged");
+    EXPECT_TRUE(contentOf(elsewhere / "kept.sqlite.damaged-20260509-061320-2") == "garbage");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_THAT(readSettingsStore(link).problems, IsEmpty());
+}
+
+TEST_F(OpenSettingsStore, ALinkThatLeadsNowhereGivesWayToAFile) {
+    fs::create_directory(file.parent_path());
+    fs::create_symlink(folder.path() / "nowhere" / "settings.sqlite", file);
+    makeStored();
+    EXPECT_FALSE(fs::is_symlink(file));
+    expectStored(*open().store);
+}
+
 TEST_F(OpenSettingsStore, WithoutAPlaceThereIsMemory) {
     const OpenedStore opened = openSettingsStore({}, {workQueue, clock, {}});
     ASSERT_EQ(opened.problems.size(), 1U);
@@ -117,9 +168,9 @@ TEST_F(OpenSettingsStore, ARowThatMakesNoSenseCostsItsOwnKeyAlone) {
         changeStored(std::string("UPDATE settings SET ") + change +
                      " WHERE key = 'Tallowcrest.warningThreshold'");
         const OpenedStore looked = readSettingsStore(file);
-        expectOneProblem(looked, "no sense can be made of Tallowcrest.warningThreshold,");
+        expectOneProblem(looked, "so their defaults are used: Tallowcrest.warningThreshold");
         const OpenedStore opened = open();
-        expectOneProblem(opened, "no sense can be made of Tallowcrest.warningThreshold,");
+        expectOneProblem(opened, "so their defaults are used: Tallowcrest.warningThreshold");
         EXPECT_EQ(opened.store->read(keys::autoSelectKey), SettingsValue(false)) << change;
         EXPECT_EQ(loadStoredState(*opened.store, "owner").settings.warningThreshold, 82.0)
             << change;
@@ -145,10 +196,45 @@ TEST_F(OpenSettingsStore, ABadRowThatCannotBeKeptStays) {
     {
         // Enough for SQLite's own companions, and too little for a copy of the file.
         const LargestFile limit(50'000);
-        expectOneProblem(open(), "so the default is used.");
+        const OpenedStore opened = open();
+        expectOneProblem(opened, "changed only for this run: Tallowcrest.warningThreshold");
+        EXPECT_FALSE(opened.store->read(keys::thresholdKey));
+        opened.store->write(keys::thresholdKey, 75.0);
+        EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(75.0));
+        opened.store->write(keys::autoPurgeKey, true);
     }
     EXPECT_FALSE(fs::exists(file.parent_path() / keptName));
-    EXPECT_EQ(readSettingsStore(file).problems.size(), 1U);
+    EXPECT_EQ(thresholdRow(), "unknown 70.0");
+    // Once there is room, the row is kept and its key stored again.
+    {
+        const OpenedStore opened = open();
+        expectOneProblem(opened, keptName);
+        EXPECT_EQ(opened.store->read(keys::autoPurgeKey), SettingsValue(true));
+        opened.store->write(keys::thresholdKey, 75.0);
+    }
+    EXPECT_EQ(thresholdRow(), "number 75.0");
+}
+
+TEST_F(OpenSettingsStore, ARowBeyondAllSizeCostsItsOwnKeyAloneAndIsKept) {
+    for (const char* column : {"value", "kind"}) {
+        fs::remove_all(file.parent_path());
+        makeStored();
+        constexpr std::size_t size = 33 << 20;
+        changeStored(std::string("UPDATE settings SET ") + column +
+                     " = CAST(zeroblob(33 << 20) AS TEXT) WHERE key = 'Tallowcrest.history'");
+        expectOneProblem(readSettingsStore(file),
+                         "so their defaults are used: Tallowcrest.history,");
+        {
+            const OpenedStore opened = open();
+            ASSERT_NO_FATAL_FAILURE(
+                expectOneProblem(opened, "so their defaults are used: Tallowcrest.history;"));
+            EXPECT_THAT(opened.problems.front(), HasSubstr(keptName));
+            expectStored(*opened.store);
+            EXPECT_FALSE(opened.store->read(keys::historyKey));
+        }
+        EXPECT_GT(fs::file_size(file.parent_path() / keptName), size);
+        EXPECT_THAT(open().problems, IsEmpty()) << column;
+    }
 }
 
 TEST_F(OpenSettingsStore, AFileThatCannotBeAskedIsNotTakenForBadRows) {
@@ -156,8 +242,10 @@ TEST_F(OpenSettingsStore, AFileThatCannotBeAskedIsNotTakenForBadRows) {
     {
         const OpenedStore writing = open();
         writing.store->write(keys::autoPurgeKey, true);
-        const NoMoreDescriptors none;
+        std::optional<NoMoreDescriptors> none(std::in_place);
         const OpenedStore opened = open();
+        // Judged once it is over: the sanitizers need descriptors to look at an object.
+        none.reset();
         ASSERT_EQ(opened.problems.size(), 1U);
         EXPECT_THAT(opened.problems.front(), HasSubstr("cannot be"));
         expectMemoryAlone(opened);
@@ -181,8 +269,8 @@ TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
     changeStored("UPDATE settings SET kind = 'unknown'");
     const OpenedStore opened = open();
     expectOneProblem(opened,
-                     "no sense can be made of Tallowcrest.warningThreshold, Tallowcrest.history, "
-                     "Tallowcrest.autoSelectTopOffender, so the default is used;");
+                     "so their defaults are used: Tallowcrest.warningThreshold, "
+                     "Tallowcrest.history, Tallowcrest.autoSelectTopOffender;");
     expectDefaults(*opened.store);
 }
 
@@ -240,6 +328,24 @@ TEST_F(OpenSettingsStore, LookingSeesWhatAnotherProcessHasJustStored) {
     for (const keys::Key& key : keys::all) {
         EXPECT_TRUE(opened.store->read(key.name).has_value()) << key.name;
     }
+}
+
+TEST_F(OpenSettingsStore, LookingAtAFileThatWasCutOffMakesNothing) {
+    makeStored();
+    writeFile(file, contentOf(file).substr(0, 8192));
+    const auto before = contents();
+    expectOneProblem(readSettingsStore(file), "the file is damaged");
+    EXPECT_TRUE(contents() == before);
+}
+
+TEST_F(OpenSettingsStore, LookingTellsOfAnUnsoundLogAndLeavesIt) {
+    makeStored();
+    writeFile(file.string() + "-wal", "garbage");
+    const auto before = contents();
+    const OpenedStore opened = readSettingsStore(file);
+    expectOneProblem(opened, "latest settings changes cannot be read");
+    expectStored(*opened.store);
+    EXPECT_TRUE(contents() == before);
 }
 
 TEST_F(OpenSettingsStore, LookingLeavesDamageWhereItIs) {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
@@ -81,6 +82,7 @@ protected:
     void changeStored(const std::string& sql) {
         SqliteConnection connection;
         ASSERT_EQ(connection.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+        sqlite3_limit(connection.get(), SQLITE_LIMIT_LENGTH, std::numeric_limits<int>::max());
         ASSERT_EQ(connection.execute(sql.c_str()), SQLITE_OK) << connection.message();
         connection.mergeLogAtClose();
     }

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -36,10 +37,15 @@ constexpr int cannotBeTried = 77;
 class Surroundings {
 public:
     OpenedStore open(const fs::path& file, int logPages) {
-        return openSettingsStore(
-            file, {queue_, clock_, [this](const std::string&) { ++complaints; }, logPages});
+        return openSettingsStore(file, {queue_, clock_,
+                                        [this](const std::string& complaint) {
+                                            ++complaints;
+                                            latestComplaint = complaint;
+                                        },
+                                        logPages});
     }
     int complaints = 0;
+    std::string latestComplaint;
 
 private:
     SystemClock clock_;
@@ -91,6 +97,10 @@ int holdLock(const fs::path& file) {
     return EXIT_SUCCESS;
 }
 
+bool contains(const std::string& sentence, int systemError) {
+    return sentence.find(std::strerror(systemError)) != std::string::npos;
+}
+
 bool require(bool condition, const char* what) {
     if (!condition) {
         std::cout << "not so: " << what << std::endl;
@@ -98,8 +108,9 @@ bool require(bool condition, const char* what) {
     return condition;
 }
 
-/// What must hold when there is room for so much and no more, and room again later.
-int outgrow(const fs::path& file, const std::function<void()>& makeRoom) {
+/// What must hold when there is room for so much and no more, for which the system's reason is
+/// `systemError`, and room again later.
+int outgrow(const fs::path& file, int systemError, const std::function<void()>& makeRoom) {
     Surroundings surroundings;
     OpenedStore opened = surroundings.open(file, 100000);
     const auto& history = settings_keys::all[3];
@@ -119,7 +130,10 @@ int outgrow(const fs::path& file, const std::function<void()>& makeRoom) {
     bool good = require(opened.problems.empty(), "opened without a problem") &&
                 require(number > 1 && number < 5000, "some values fit, and some did not");
     opened.store->write(history.name, valueFor(history, 7001));
-    good = require(surroundings.complaints == 1, "complained once") && good;
+    good = require(surroundings.complaints == 1, "complained once") &&
+           require(contains(surroundings.latestComplaint, systemError),
+                   surroundings.latestComplaint.c_str()) &&
+           good;
     for (const settings_keys::Key& key : settings_keys::all) {
         if (key.name != history.name) {
             good = require(opened.store->read(key.name) == last[std::string(key.name)],
@@ -168,7 +182,8 @@ int fillDisk(const fs::path& folder) {
     }
     const fs::path ballast = folder / "ballast";
     std::ofstream(ballast) << std::string(200000, 'x');
-    return outgrow(folder / "tallowcrest" / "settings.sqlite", [&] { fs::remove(ballast); });
+    return outgrow(folder / "tallowcrest" / "settings.sqlite", ENOSPC,
+                   [&] { fs::remove(ballast); });
 }
 
 /// Fills the disk before the store is opened.
@@ -195,6 +210,7 @@ int openOnFullDisk(const fs::path& folder, bool withSettings) {
     }
     const auto expected = withSettings ? std::optional<SettingsValue>(true) : std::nullopt;
     bool good = require(opened.problems.size() == 1, "one problem") &&
+                require(contains(opened.problems.front(), ENOSPC), "and it is the room") &&
                 require(opened.store->read(stop.name) == expected, "what was stored is there");
     opened.store->write(stop.name, false);
     good = require(opened.store->read(stop.name) == SettingsValue(false), "memory serves") && good;
@@ -208,7 +224,7 @@ int outgrowLimit(const fs::path& file) {
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit small{1 << 20, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
-    return outgrow(file, [&] { setrlimit(RLIMIT_FSIZE, &before); });
+    return outgrow(file, EFBIG, [&] { setrlimit(RLIMIT_FSIZE, &before); });
 }
 
 int run(const std::vector<std::string>& arguments) {

@@ -245,6 +245,71 @@ TEST_F(SqliteSettingsStoreTest, ALockedFileLeavesTheOlderValueAndTakesTheNewerOn
     EXPECT_EQ(complaints.size(), 1U);
 }
 
+TEST_F(SqliteSettingsStoreTest, EveryOutageIsComplainedOfOnce) {
+    open();
+    SqliteConnection other;
+    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+    for (const std::size_t outages : {1U, 2U, 3U}) {
+        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        store->write(keys::thresholdKey, 70.0);
+        store->write(keys::thresholdKey, 71.0);
+        store->write(keys::autoPurgeKey, true);
+        EXPECT_EQ(complaints.size(), outages);
+        ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+        store->write(keys::autoSelectKey, false);
+        store->write(keys::autoSelectKey, true);
+        EXPECT_EQ(complaints.size(), outages);
+    }
+}
+
+/// While it lives, whoever waits in SQLite is counted and does not wait.
+class CountedWaits {
+public:
+    CountedWaits() : system_(sqlite3_vfs_find(nullptr)), counting_(*system_) {
+        counting_.zName = "counting";
+        counting_.xSleep = [](sqlite3_vfs*, int microseconds) {
+            ++count;
+            return microseconds;
+        };
+        EXPECT_EQ(sqlite3_vfs_register(&counting_, 1), SQLITE_OK);
+        count = 0;
+    }
+    CountedWaits(const CountedWaits&) = delete;
+    CountedWaits& operator=(const CountedWaits&) = delete;
+    ~CountedWaits() {
+        sqlite3_vfs_unregister(&counting_);
+        sqlite3_vfs_register(system_, 1);
+    }
+
+    static inline int count = 0;
+
+private:
+    sqlite3_vfs* system_;
+    sqlite3_vfs counting_;
+};
+
+TEST_F(SqliteSettingsStoreTest, ALockIsWaitedForOnceUntilItIsGone) {
+    const CountedWaits waits;
+    open();
+    SqliteConnection other;
+    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+    for (int outage = 0; outage < 2; ++outage) {
+        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        CountedWaits::count = 0;
+        store->write(keys::thresholdKey, 70.0);
+        EXPECT_GT(CountedWaits::count, 0);
+        CountedWaits::count = 0;
+        for (const keys::Key& key : keys::all) {
+            store->write(key.name, valueFor(key, 7));
+        }
+        EXPECT_EQ(CountedWaits::count, 0);
+        ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+        store->write(keys::autoPurgeKey, true);
+    }
+    other.close();
+    store.reset();
+}
+
 TEST_F(SqliteSettingsStoreTest, ANewerValueIsNotUndoneByAnOlderOneThatFailed) {
     open();
     SqliteConnection other;

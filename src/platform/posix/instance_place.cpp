@@ -26,10 +26,20 @@ bool isAbsolute(const std::string& path) {
 }
 
 /// One that another user's session left in the environment is not for us.
-bool isOwnDirectory(const std::string& path) {
+bool isOwnDirectory(const std::string& path, mode_t mayAllow = 07777) {
     struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-           status.st_uid == ::geteuid();
+    return isAbsolute(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 07777 & ~mayAllow) == 0;
+}
+
+/// Empty when there is none.
+std::string runtimeDirectory(const InstanceEnvironment& environment) {
+    if (isOwnDirectory(environment.runtimeDirectory)) {
+        return environment.runtimeDirectory;
+    }
+    return isOwnDirectory(environment.usualRuntimeDirectory, S_IRWXU)
+               ? environment.usualRuntimeDirectory
+               : "";
 }
 
 /// The same directory under another spelling is the same directory.
@@ -59,7 +69,7 @@ InstanceEnvironment instanceEnvironment(std::string dataDirectory) {
     utsname system{};
     const bool hasName = ::uname(&system) == 0;
     return {variable("XDG_RUNTIME_DIR"), std::move(dataDirectory),
-            hasName ? &system.nodename[0] : ""};
+            hasName ? &system.nodename[0] : "", "/run/user/" + std::to_string(::geteuid())};
 }
 
 std::string desktopActivationToken() {
@@ -69,8 +79,8 @@ std::string desktopActivationToken() {
 
 InstancePlace instancePlace(const InstanceEnvironment& environment) {
     const std::string data = canonical(environment.dataDirectory);
-    if (isAbsolute(environment.runtimeDirectory) && isOwnDirectory(environment.runtimeDirectory)) {
-        return {environment.runtimeDirectory + programFolder, "window-" + digest(data)};
+    if (const std::string runtime = runtimeDirectory(environment); !runtime.empty()) {
+        return {runtime + programFolder, "window-" + digest(data)};
     }
     return {environment.dataDirectory, "window-" + digest(data + '\n' + environment.machineName)};
 }

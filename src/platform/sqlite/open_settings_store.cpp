@@ -1,143 +1,25 @@
 #include "platform/sqlite/open_settings_store.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "core/settings_keys.h"
 #include "platform/sqlite/settings_file.h"
 #include "platform/sqlite/settings_problem.h"
 #include "platform/sqlite/settings_rows.h"
-#include "platform/sqlite/sqlite_connection.h"
+#include "platform/sqlite/settings_trial.h"
 
 namespace tallowcrest {
 namespace {
 
-using Access = SqliteConnection::Access;
 using Path = std::filesystem::path;
 using settings_file::Inspection;
 using settings_file::Nature;
-
-/// How long a write waits for a lock. The main thread waits, so this is short.
-constexpr std::chrono::milliseconds patience{100};
-
-/// What SQLite makes of a file that looked like ours.
-enum class Verdict { good, damaged, foreign, newer, locked, readOnly, unreadable };
-
-struct Trial {
-    Verdict verdict = Verdict::unreadable;
-    std::string reason;  ///< of `readOnly` and `unreadable`
-    SqliteConnection connection;
-    SettingsRows rows;  ///< prepared when `good`; to be destroyed before the connection
-    std::vector<std::string_view> unreadableKeys;
-};
-
-Verdict verdictOn(int result) {
-    switch (result & 0xFF) {
-        case SQLITE_OK:
-            return Verdict::good;
-        case SQLITE_CORRUPT:
-        case SQLITE_NOTADB:
-        case SQLITE_DONE:   // a question that always has an answer had none
-        case SQLITE_ERROR:  // the file has not our table
-        case SQLITE_FORMAT:
-        case SQLITE_SCHEMA:
-            return Verdict::damaged;
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            return Verdict::locked;
-        case SQLITE_READONLY:
-        case SQLITE_CANTOPEN:
-        case SQLITE_FULL:
-        case SQLITE_IOERR:
-        case SQLITE_PERM:
-            return Verdict::readOnly;
-        default:
-            return Verdict::unreadable;
-    }
-}
-
-/// The marks once more, as they are with the latest changes, then the content.
-Verdict examine(Trial& trial) {
-    SqliteConnection& connection = trial.connection;
-    std::int64_t application = 0;
-    std::int64_t version = 0;
-    std::string soundness;
-    int result = connection.queryInteger("PRAGMA application_id", application);
-    if (result == SQLITE_OK) {
-        result = connection.queryInteger("PRAGMA user_version", version);
-    }
-    if (result != SQLITE_OK) {
-        return verdictOn(result);
-    }
-    if (application != settingsApplicationID) {
-        return Verdict::foreign;
-    }
-    if (version > settingsFormatVersion) {
-        return Verdict::newer;
-    }
-    result = connection.queryText("PRAGMA integrity_check(1)", soundness);
-    if (result == SQLITE_OK && (soundness != "ok" || version != settingsFormatVersion)) {
-        return Verdict::damaged;
-    }
-    if (result == SQLITE_OK) {
-        result = trial.rows.prepare(connection);
-    }
-    if (result == SQLITE_OK) {
-        result = trial.rows.findUnreadableKeys(trial.unreadableKeys);
-    }
-    return verdictOn(result);
-}
-
-Trial tryFile(const Path& file, Access access) {
-    Trial trial;
-    const int result = trial.connection.open(file, access, patience);
-    trial.verdict = result == SQLITE_OK ? examine(trial) : verdictOn(result);
-    trial.reason = trial.connection.message();
-    return trial;
-}
-
-Trial tryToChange(const Path& file) {
-    Trial trial;
-    if (const int error = settings_file::checkWritable(file); error != 0) {
-        trial.verdict = Verdict::readOnly;
-        trial.reason = std::strerror(error);
-        return trial;
-    }
-    settings_file::tighten(file);
-    trial = tryFile(file, Access::readWrite);
-    if (trial.verdict != Verdict::good) {
-        return trial;
-    }
-    if (trial.connection.isReadOnly()) {
-        trial.verdict = Verdict::readOnly;
-        return trial;
-    }
-    // A file system without shared memory keeps the older journal, which works as well, slowly.
-    int result = trial.connection.execute("PRAGMA journal_mode = WAL");
-    if (result == SQLITE_OK) {
-        result = trial.connection.execute("PRAGMA synchronous = NORMAL");
-    }
-    if (result != SQLITE_OK) {
-        trial.verdict = verdictOn(result);
-        trial.reason = trial.connection.message();
-    }
-    return trial;
-}
-
-Trial tryToRead(const Path& file) {
-    // Without a log nobody is writing, and then nothing need be made beside the file.
-    if (!settings_file::hasLog(file)) {
-        Trial trial = tryFile(file, Access::unchanging);
-        if (trial.verdict == Verdict::good) {
-            return trial;
-        }
-    }
-    return tryFile(file, Access::readOnly);
-}
 
 /// Makes a file with an empty table. The reason when that fails, else empty.
 std::string makeFileAt(const Path& file) {
@@ -145,7 +27,7 @@ std::string makeFileAt(const Path& file) {
         return std::strerror(error);
     }
     SqliteConnection connection;
-    int result = connection.open(file, Access::readWrite, patience);
+    int result = connection.open(file, SqliteConnection::Access::readWrite, settingsPatience);
     if (result == SQLITE_OK) {
         result = SettingsRows::create(connection);
     }
@@ -166,7 +48,8 @@ std::unique_ptr<SettingsStore> copyOf(SettingsRows& rows) {
 /// Collects the outcome. Without a store of its own it ends as one in memory.
 class Opening {
 public:
-    explicit Opening(Path file) : file_(std::move(file)) {}
+    explicit Opening(const Path& file)
+        : folder_(file.parent_path()), file_(settings_file::withoutLink(file)) {}
 
     OpenedStore open(const SettingsSurroundings& surroundings);
     OpenedStore read();
@@ -186,24 +69,26 @@ private:
     }
 
     void keepUnsoundLog(Date now);
-    void clearUnreadable(Trial& trial, Date now);
+    /// The keys whose rows have to stay, as they could not be kept elsewhere.
+    std::vector<std::string_view> clearUnreadable(Trial& trial, Date now);
     void openExisting(Inspection inspection, const SettingsSurroundings& surroundings);
-    void putAside(Verdict verdict, const SettingsSurroundings& surroundings);
+    void putAside(Trial&& trial, const SettingsSurroundings& surroundings);
     void begin(const SettingsSurroundings& surroundings);
     void use(Trial trial, const SettingsSurroundings& surroundings);
     void readOnly(const std::string& whyNotChanged);
 
+    /// Ours. A link in it may lead to a file in a folder that is not.
+    Path folder_;
     Path file_;
     OpenedStore outcome_;
 };
 
 OpenedStore Opening::open(const SettingsSurroundings& surroundings) {
-    const Path folder = file_.parent_path();
-    if (const int error = settings_file::prepareFolder(folder); error != 0) {
-        tell(settings_problem::folderCannotBeMade(folder, std::strerror(error)));
+    if (const int error = settings_file::prepareFolder(folder_); error != 0) {
+        tell(settings_problem::folderCannotBeMade(folder_, std::strerror(error)));
         return result();
     }
-    const settings_file::FolderLock lock(folder);
+    const settings_file::FolderLock lock(folder_);
     if (!lock.isHeld()) {
         tell(settings_problem::locked(file_));
         return result();
@@ -243,7 +128,7 @@ void Opening::openExisting(Inspection inspection, const SettingsSurroundings& su
             break;
         case Verdict::damaged:
         case Verdict::foreign:
-            putAside(std::exchange(trial, {}).verdict, surroundings);
+            putAside(std::move(trial), surroundings);
             break;
         case Verdict::newer:
             tell(settings_problem::newer(file_));
@@ -261,14 +146,22 @@ void Opening::openExisting(Inspection inspection, const SettingsSurroundings& su
 }
 
 void Opening::keepUnsoundLog(Date now) {
+    if (settings_file::logIsSound(file_)) {
+        return;
+    }
     Path keptAs;
-    // Where it cannot be put aside, SQLite cannot write over it either.
-    if (!settings_file::logIsSound(file_) && settings_file::putLogAside(file_, now, keptAs) == 0) {
+    if (settings_file::putLogAside(file_, now, keptAs) == 0) {
         tell(settings_problem::latestChangesLost(file_, keptAs));
+    } else {
+        // Where it cannot be put aside, SQLite cannot write over it either.
+        tell(settings_problem::latestChangesUnreadable(file_));
     }
 }
 
-void Opening::putAside(Verdict verdict, const SettingsSurroundings& surroundings) {
+void Opening::putAside(Trial&& trial, const SettingsSurroundings& surroundings) {
+    const Verdict verdict = trial.verdict;
+    // No connection may be open while its file is renamed.
+    trial = {};
     Path keptAs;
     if (const int error = settings_file::putAside(file_, surroundings.clock.now(), keptAs);
         error != 0) {
@@ -302,15 +195,15 @@ void Opening::begin(const SettingsSurroundings& surroundings) {
 }
 
 /// Keeps the file as it was for the owner, then does without the rows that make no sense.
-void Opening::clearUnreadable(Trial& trial, Date now) {
+std::vector<std::string_view> Opening::clearUnreadable(Trial& trial, Date now) {
     if (trial.unreadableKeys.empty()) {
-        return;
+        return {};
     }
     const Path keptAs = settings_file::nameAside(file_, now);
     if (trial.connection.copyInto(keptAs) != SQLITE_OK) {
         settings_file::removeBegun(keptAs);
-        tellUnreadable(trial);
-        return;
+        tell(settings_problem::unreadableKeysLeft(file_, trial.unreadableKeys));
+        return trial.unreadableKeys;
     }
     settings_file::tighten(keptAs);
     for (const std::string_view key : trial.unreadableKeys) {
@@ -318,13 +211,14 @@ void Opening::clearUnreadable(Trial& trial, Date now) {
         SettingsRows::remove(trial.connection, key);
     }
     tell(settings_problem::unreadableKeysKept(file_, trial.unreadableKeys, keptAs));
+    return {};
 }
 
 void Opening::use(Trial trial, const SettingsSurroundings& surroundings) {
-    clearUnreadable(trial, surroundings.clock.now());
+    const auto untouched = clearUnreadable(trial, surroundings.clock.now());
     outcome_.store = std::make_unique<SqliteSettingsStore>(
         std::move(trial.connection), std::move(trial.rows), file_, surroundings.workQueue,
-        surroundings.complain, surroundings.logPages);
+        surroundings.complain, surroundings.logPages, untouched);
 }
 
 void Opening::readOnly(const std::string& whyNotChanged) {
@@ -352,6 +246,9 @@ OpenedStore Opening::read() {
             tell(settings_problem::newer(file_));
             return result();
         case Nature::ours:
+            if (!settings_file::logIsSound(file_)) {
+                tell(settings_problem::latestChangesUnreadable(file_));
+            }
             trial = tryToRead(file_);
             break;
         default:

@@ -11,11 +11,15 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <optional>
+#include <span>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 #include <fmt/format.h>
 
+#include "platform/sqlite/settings_log.h"
 #include "platform/sqlite/settings_rows.h"
 
 namespace tallowcrest::settings_file {
@@ -48,12 +52,15 @@ std::uint32_t bigEndian(const unsigned char* bytes) {
            (std::uint32_t{bytes[2]} << 8U) | std::uint32_t{bytes[3]};
 }
 
-template <std::size_t size>
-std::size_t readStart(int descriptor, std::array<unsigned char, size>& bytes) {
+/// How many bytes there were to fill `bytes`. Absent when they cannot be read; `errno` tells why.
+std::optional<std::size_t> readStart(int descriptor, std::span<unsigned char> bytes) {
     std::size_t count = 0;
-    while (count < size) {
-        const ssize_t piece = ::read(descriptor, bytes.data() + count, size - count);
-        if (piece == 0 || (piece < 0 && errno != EINTR)) {
+    while (count < bytes.size()) {
+        const ssize_t piece = ::read(descriptor, &bytes[count], bytes.size() - count);
+        if (piece < 0 && errno != EINTR) {
+            return std::nullopt;
+        }
+        if (piece == 0) {
             break;
         }
         count += piece > 0 ? static_cast<std::size_t>(piece) : 0;
@@ -96,12 +103,29 @@ bool anyIsThere(const Path& file) {
     return found;
 }
 
+/// A log that cannot be read is not thereby a damaged one.
+bool startIsSound(const Path& log) {
+    const UniqueFD descriptor = openToRead(log);
+    std::vector<unsigned char> start(settings_log::longestStart);
+    const auto count = descriptor.valid() ? readStart(descriptor.get(), start) : std::nullopt;
+    return !count || settings_log::isSound(std::span(start).first(*count));
+}
+
 /// What is not there is as good as moved.
 int move(const Path& from, const Path& to) {
     return ::rename(from.c_str(), to.c_str()) == 0 || errno == ENOENT ? 0 : errno;
 }
 
 }  // namespace
+
+Path withoutLink(const Path& file) {
+    std::error_code error;
+    if (!std::filesystem::is_symlink(file, error)) {
+        return file;
+    }
+    const Path target = std::filesystem::canonical(file, error);
+    return error ? file : target;
+}
 
 int prepareFolder(const Path& folder) {
     Path made;
@@ -181,7 +205,11 @@ Inspection inspect(const Path& file) {
         return {Nature::unreadable, errno};
     }
     std::array<unsigned char, 100> header{};
-    if (readStart(descriptor.get(), header) != header.size()) {
+    const auto count = readStart(descriptor.get(), header);
+    if (!count) {
+        return {Nature::unreadable, errno};
+    }
+    if (*count != header.size()) {
         return {Nature::damaged};
     }
     return {natureOf(header)};
@@ -197,14 +225,9 @@ bool hasLog(const Path& file) {
 }
 
 bool logIsSound(const Path& file) {
-    const UniqueFD descriptor = openToRead(withSuffix(file, "-wal"));
-    std::array<unsigned char, 32> header{};
-    if (!descriptor.valid()) {
-        return errno == ENOENT;
-    }
-    const std::size_t count = readStart(descriptor.get(), header);
-    constexpr std::uint32_t mark = 0x377f0682;  // the last bit tells the order of bytes
-    return count == 0 || (count == header.size() && (bigEndian(header.data()) & ~1U) == mark);
+    const Path log = withSuffix(file, "-wal");
+    // Twice, for a program that is writing may change it between one part being read and the next.
+    return startIsSound(log) || startIsSound(log);
 }
 
 Path nameAside(const Path& file, Date now) {

@@ -14,6 +14,10 @@ namespace tallowcrest::settings_file {
 
 using Path = std::filesystem::path;
 
+/// The file that `file` leads to when it is a symbolic link, for the companions lie beside that
+/// one; else `file` itself. One that leads nowhere stays.
+Path withoutLink(const Path& file);
+
 /// Makes the folder and those above it that are missing, for the user alone. A folder that was
 /// there loses what it allowed to others.
 int prepareFolder(const Path& folder);
@@ -63,7 +67,8 @@ Inspection inspect(const Path& file);
 
 /// Whether there is a log of latest changes with something in it.
 bool hasLog(const Path& file);
-/// Whether that something is a log at all; what its records hold is SQLite's to judge.
+/// False when SQLite would pass over the whole log as damaged. True too for one that is not there
+/// or cannot be read.
 bool logIsSound(const Path& file);
 
 /// A name beside the file with `now` in it that nothing else has.

@@ -7,9 +7,6 @@
 namespace tallowcrest::settings_problem {
 namespace {
 
-constexpr std::string_view untilTheEnd = "changes last only until Tallowcrest ends";
-constexpr std::string_view withDefaults = "Tallowcrest starts with default settings";
-
 std::string shown(const Path& path) {
     return replacingInvalidUTF8(path.native());
 }
@@ -22,80 +19,110 @@ std::string shown(std::string_view reason) {
 }  // namespace
 
 std::string noPlace() {
-    return fmt::format("There is no home folder to keep settings in, so {}.", untilTheEnd);
+    return "Settings changes last only for this run: there is no home folder to keep them in.";
 }
 
 std::string folderCannotBeMade(const Path& folder, std::string_view reason) {
-    return fmt::format("The settings folder {} cannot be made ({}), so {}.", shown(folder),
-                       shown(reason), untilTheEnd);
+    return fmt::format(
+        "Settings changes last only for this run: their folder cannot be made, {}, {}.",
+        shown(reason), shown(folder));
 }
 
 std::string fileCannotBeMade(const Path& file, std::string_view reason) {
-    return fmt::format("The settings file {} cannot be made ({}), so {}.", shown(file),
-                       shown(reason), untilTheEnd);
+    return fmt::format(
+        "Settings changes last only for this run: their file cannot be made, {}, {}.",
+        shown(reason), shown(file));
 }
 
 std::string locked(const Path& file) {
-    return fmt::format("The settings in {} are locked by another program, so {} and {}.",
-                       shown(file), withDefaults, untilTheEnd);
+    return fmt::format(
+        "Settings are locked, so defaults are used and changes last only for this run: another "
+        "program keeps the file, {}.",
+        shown(file));
 }
 
 std::string newer(const Path& file) {
     return fmt::format(
-        "The settings in {} belong to a newer version and are left as they are, so {} and {}.",
-        shown(file), withDefaults, untilTheEnd);
+        "Settings are a newer version's, so defaults are used and changes last only for this run: "
+        "the file is left as it is, {}.",
+        shown(file));
 }
 
 std::string canOnlyBeRead(const Path& file, std::string_view reason) {
-    return fmt::format("The settings in {} can be read but not changed ({}), so {}.", shown(file),
-                       shown(reason), untilTheEnd);
+    return fmt::format(
+        "Settings can be read but not changed, so changes last only for this run: {}, {}.",
+        shown(reason), shown(file));
 }
 
 std::string cannotBeRead(const Path& file, std::string_view reason) {
-    return fmt::format("The settings in {} cannot be read ({}), so {} and {}.", shown(file),
-                       shown(reason), withDefaults, untilTheEnd);
+    return fmt::format(
+        "Settings cannot be read, so defaults are used and changes last only for this run: {}, {}.",
+        shown(reason), shown(file));
 }
 
 std::string damaged(const Path& file, const Path& keptAs) {
-    return fmt::format("The settings in {} are damaged and were put aside as {}, so {}.",
-                       shown(file), shown(keptAs.filename()), withDefaults);
+    return fmt::format(
+        "Settings are damaged, so Tallowcrest starts with defaults: the file was put aside as {}, "
+        "{}.",
+        shown(keptAs.filename()), shown(file));
 }
 
 std::string notOurs(const Path& file, const Path& keptAs) {
-    return fmt::format("The file {} holds no settings of ours and was put aside as {}, so {}.",
-                       shown(file), shown(keptAs.filename()), withDefaults);
+    return fmt::format(
+        "The file holds no settings of ours, so Tallowcrest starts with defaults: it was put aside "
+        "as {}, {}.",
+        shown(keptAs.filename()), shown(file));
 }
 
 std::string damagedInPlace(const Path& file, std::string_view reason) {
-    return fmt::format("The settings in {} are damaged and cannot be put aside ({}), so {} and {}.",
-                       shown(file), shown(reason), withDefaults, untilTheEnd);
+    return fmt::format(
+        "Settings are damaged, so defaults are used and changes last only for this run: the file "
+        "cannot be put aside, {}, {}.",
+        shown(reason), shown(file));
 }
 
 std::string damagedAndLeft(const Path& file) {
-    return fmt::format("The settings in {} cannot be read, so {}.", shown(file), withDefaults);
+    return fmt::format("Settings cannot be read, so defaults are used: the file is damaged, {}.",
+                       shown(file));
 }
 
 std::string latestChangesLost(const Path& file, const Path& keptAs) {
     return fmt::format(
-        "The latest changes to the settings in {} cannot be read and were put aside as {}.",
-        shown(file), shown(keptAs.filename()));
+        "The latest settings changes cannot be read, so older values are used: they were put aside "
+        "as {}, {}.",
+        shown(keptAs.filename()), shown(file));
+}
+
+std::string latestChangesUnreadable(const Path& file) {
+    return fmt::format(
+        "The latest settings changes cannot be read, so older values are used: their log is "
+        "damaged, {}.",
+        shown(file));
 }
 
 std::string unreadableKeys(const Path& file, const std::vector<std::string_view>& keys) {
-    return fmt::format("In {} no sense can be made of {}, so the default is used.", shown(file),
-                       fmt::join(keys, ", "));
+    return fmt::format("Some settings make no sense, so their defaults are used: {}, {}.",
+                       fmt::join(keys, ", "), shown(file));
 }
 
 std::string unreadableKeysKept(const Path& file, const std::vector<std::string_view>& keys,
                                const Path& keptAs) {
     return fmt::format(
-        "In {} no sense can be made of {}, so the default is used; the file as it was is kept as "
-        "{}.",
-        shown(file), fmt::join(keys, ", "), shown(keptAs.filename()));
+        "Some settings make no sense, so their defaults are used: {}; the file as it was is kept "
+        "as {}, {}.",
+        fmt::join(keys, ", "), shown(keptAs.filename()), shown(file));
+}
+
+std::string unreadableKeysLeft(const Path& file, const std::vector<std::string_view>& keys) {
+    return fmt::format(
+        "Some settings make no sense, so defaults are used and changed only for this run: {}, {}.",
+        fmt::join(keys, ", "), shown(file));
 }
 
 std::string cannotBeSaved(const Path& file, std::string_view reason) {
-    return fmt::format("settings cannot be saved in {} for now ({})", shown(file), shown(reason));
+    return fmt::format(
+        "Settings cannot be saved for now, so changes may last only for this run: {}, {}.",
+        shown(reason), shown(file));
 }
 
 }  // namespace tallowcrest::settings_problem

@@ -6,7 +6,9 @@
 #include <vector>
 
 /// What the owner is told when the stored settings cannot be had or kept: one plain sentence each,
-/// always valid UTF-8, with the place it is about. `reason` is the system's own words. Any thread.
+/// always valid UTF-8. It begins with what that means for the owner, for the window may show little
+/// more than the beginning, and ends with the place it is about. `reason` is the system's own
+/// words. Any thread.
 namespace tallowcrest::settings_problem {
 
 using Path = std::filesystem::path;
@@ -31,12 +33,16 @@ std::string damagedInPlace(const Path& file, std::string_view reason);
 std::string damagedAndLeft(const Path& file);
 /// The log of the latest changes made no sense; what was stored before them is there.
 std::string latestChangesLost(const Path& file, const Path& keptAs);
+/// The same for who only looks.
+std::string latestChangesUnreadable(const Path& file);
 /// `keys` has at least one.
 std::string unreadableKeys(const Path& file, const std::vector<std::string_view>& keys);
 std::string unreadableKeysKept(const Path& file, const std::vector<std::string_view>& keys,
                                const Path& keptAs);
+/// No copy could be kept, so that the rows stay as they are.
+std::string unreadableKeysLeft(const Path& file, const std::vector<std::string_view>& keys);
 
-/// For standard error: a write failed, and its value is in memory alone for now.
+/// A write failed, and its value is in memory alone for now.
 std::string cannotBeSaved(const Path& file, std::string_view reason);
 
 }  // namespace tallowcrest::settings_problem

@@ -76,8 +76,9 @@ SettingsRows::Reading SettingsRows::read(std::string_view key) {
     if (result == SQLITE_ROW) {
         reading.value = valueOf({select_.columnText(0), columnValue(select_, 1)});
     }
-    reading.isUnreadable = result == SQLITE_ROW && !reading.value;
-    reading.result = result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
+    const bool hasRow = result == SQLITE_ROW || result == SQLITE_TOOBIG;
+    reading.isUnreadable = hasRow && !reading.value;
+    reading.result = hasRow || result == SQLITE_DONE ? SQLITE_OK : result;
     select_.reset();
     return reading;
 }

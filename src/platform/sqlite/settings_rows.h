@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,6 +16,8 @@ namespace tallowcrest {
 constexpr std::int64_t settingsApplicationID = 0x54616C63;  // "Talc"
 /// Of the table's form. A file with a higher one is a later program's, and none of our business.
 constexpr std::int64_t settingsFormatVersion = 1;
+/// How long anything waits for a lock. The main thread waits, so this is short.
+constexpr std::chrono::milliseconds settingsPatience{100};
 
 /// The one table of a settings file, with its statements prepared. Result codes are SQLite's own.
 class SettingsRows {
@@ -22,7 +25,7 @@ public:
     /// The outcome of looking for one key.
     struct Reading {
         std::optional<SettingsValue> value;
-        bool isUnreadable = false;  ///< there is a row, of which no sense can be made
+        bool isUnreadable = false;  ///< there is a row, of no sense or beyond all size
         int result = 0;             ///< SQLITE_OK unless the file could not be asked
     };
 

@@ -1,5 +1,8 @@
 #include "platform/sqlite/sqlite_connection.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include <fmt/format.h>
 
 namespace tallowcrest {
@@ -24,6 +27,22 @@ std::string addressOf(const std::filesystem::path& path, std::string_view option
     return address.append(options);
 }
 
+/// As the system gave it for the log or, without one, for the file. 0 when no write has failed.
+int errorOfLatestWrite(sqlite3* database) {
+    for (const int which : {SQLITE_FCNTL_JOURNAL_POINTER, SQLITE_FCNTL_FILE_POINTER}) {
+        sqlite3_file* file = nullptr;
+        int systemError = 0;
+        if (sqlite3_file_control(database, "main", which, &file) == SQLITE_OK && file != nullptr &&
+            file->pMethods != nullptr &&
+            file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &systemError) ==
+                SQLITE_OK &&
+            systemError != 0) {
+            return systemError;
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 SqliteConnection& SqliteConnection::operator=(SqliteConnection&& other) noexcept {
@@ -45,7 +64,7 @@ int SqliteConnection::open(const std::filesystem::path& path, Access access,
     if (result != SQLITE_OK) {
         return result;
     }
-    sqlite3_busy_timeout(database_, static_cast<int>(patience.count()));
+    setPatience(patience);
     sqlite3_limit(database_, SQLITE_LIMIT_LENGTH, largestValue);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     // The file lies where others could have put it: what it holds is data and no program.
@@ -99,7 +118,26 @@ int SqliteConnection::copyInto(const std::filesystem::path& path) {
 }
 
 std::string SqliteConnection::message() const {
-    return sqlite3_errmsg(database_);
+    int systemError = 0;
+    switch (sqlite3_errcode(database_) & 0xFF) {
+        case SQLITE_FULL:
+            systemError = ENOSPC;
+            break;
+        case SQLITE_IOERR:
+        case SQLITE_CANTOPEN:
+            // SQLite forgets the system's reason when a change fails only as it is completed.
+            systemError = sqlite3_extended_errcode(database_) == SQLITE_IOERR_WRITE
+                              ? errorOfLatestWrite(database_)
+                              : sqlite3_system_errno(database_);
+            break;
+        default:
+            break;
+    }
+    return systemError != 0 ? std::strerror(systemError) : sqlite3_errmsg(database_);
+}
+
+void SqliteConnection::setPatience(std::chrono::milliseconds patience) {
+    sqlite3_busy_timeout(database_, static_cast<int>(patience.count()));
 }
 
 bool SqliteConnection::isReadOnly() const {

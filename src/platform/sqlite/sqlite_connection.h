@@ -35,6 +35,9 @@ public:
     int open(const std::filesystem::path& path, Access access, std::chrono::milliseconds patience);
     void close();
 
+    /// Waits for locks as long as this from now on; 0 for not at all.
+    void setPatience(std::chrono::milliseconds patience);
+
     /// Lets the last connection that closes move the log's content into the file itself.
     void mergeLogAtClose();
 
@@ -44,10 +47,10 @@ public:
     int queryInteger(const char* sql, std::int64_t& value);
     int queryText(const char* sql, std::string& value);
 
-    /// Copies the content to a new file at `path`.
+    /// Copies the content to a new file at `path`, with values too that are too large to be taken.
     int copyInto(const std::filesystem::path& path);
 
-    /// What SQLite says about the latest failure.
+    /// What the system, or else SQLite, says about the latest failure.
     std::string message() const;
     bool isReadOnly() const;
     sqlite3* get() const { return database_; }

@@ -1,5 +1,6 @@
 #include "platform/sqlite/sqlite_settings_store.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/sqlite/settings_problem.h"
@@ -12,8 +13,7 @@ namespace {
 /// failure. So this job itself is the first writer; what it writes changes nothing.
 void moveLog(const std::filesystem::path& path) {
     SqliteConnection connection;
-    constexpr std::chrono::milliseconds patience{100};
-    if (connection.open(path, SqliteConnection::Access::readWrite, patience) != SQLITE_OK ||
+    if (connection.open(path, SqliteConnection::Access::readWrite, settingsPatience) != SQLITE_OK ||
         connection.execute("PRAGMA synchronous = NORMAL") != SQLITE_OK) {
         return;
     }
@@ -34,13 +34,15 @@ void moveLog(const std::filesystem::path& path) {
 
 SqliteSettingsStore::SqliteSettingsStore(SqliteConnection connection, SettingsRows rows,
                                          std::filesystem::path path, WorkQueue& workQueue,
-                                         Complain complain, int logPages)
+                                         Complain complain, int logPages,
+                                         const std::vector<std::string_view>& untouched)
     : connection_(std::move(connection)),
       rows_(std::move(rows)),
       path_(std::move(path)),
       workQueue_(workQueue),
       complain_(std::move(complain)),
-      longestLog_(logPages) {
+      longestLog_(logPages),
+      untouched_(untouched.begin(), untouched.end()) {
     // A hook of our own takes the place of the one that would move the log within a write.
     sqlite3_wal_hook(
         connection_.get(),
@@ -52,16 +54,24 @@ SqliteSettingsStore::SqliteSettingsStore(SqliteConnection connection, SettingsRo
 }
 
 SqliteSettingsStore::~SqliteSettingsStore() {
+    connection_.setPatience(settingsPatience);
     retryUnsaved();
     rows_ = {};
     connection_.mergeLogAtClose();
 }
 
 std::optional<SettingsValue> SqliteSettingsStore::read(std::string_view key) const {
+    if (isUntouched(key)) {
+        return instead_.read(key);
+    }
     return rows_.read(key).value;
 }
 
 void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value) {
+    if (isUntouched(key)) {
+        instead_.write(key, value);
+        return;
+    }
     if (const int result = tryToWrite(key, value); result != SQLITE_OK) {
         unsaved_.insert_or_assign(std::string(key), value);
         if ((result & 0xFF) != SQLITE_BUSY) {
@@ -74,15 +84,26 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
         unsaved_.erase(older);
     }
     retryUnsaved();
+    if (unsaved_.empty()) {
+        hasComplained_ = false;
+    }
     if (logPages_ >= longestLog_) {
         moveLogAtLeisure();
     }
+}
+
+bool SqliteSettingsStore::isUntouched(std::string_view key) const {
+    return std::find(untouched_.begin(), untouched_.end(), key) != untouched_.end();
 }
 
 int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& value) {
     const int result = rows_.write(key, value);
     if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && complain_) {
         complain_(settings_problem::cannotBeSaved(path_, connection_.message()));
+    }
+    const bool isLocked = (result & 0xFF) == SQLITE_BUSY;
+    if (std::exchange(isLocked_, isLocked) != isLocked) {
+        connection_.setPatience(isLocked ? std::chrono::milliseconds(0) : settingsPatience);
     }
     return result;
 }

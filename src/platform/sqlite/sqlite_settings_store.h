@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/queues.h"
 #include "core/settings_store.h"
@@ -28,16 +29,19 @@ namespace tallowcrest {
 /// one process a file is to be opened once.
 class SqliteSettingsStore final : public SettingsStore {
 public:
-    /// Takes one sentence for standard error. Main thread.
+    /// Takes one sentence for the owner. Called within a write, so it must not itself write before
+    /// that has returned. Main thread.
     using Complain = std::function<void(const std::string&)>;
 
     /// How many pages of 4 kB the log may have before it is moved: some 10 minutes of samples.
     static constexpr int defaultLogPages = 1024;
 
     /// `rows` are prepared on `connection`, and `path` is its file. `workQueue` must outlive the
-    /// store.
+    /// store. The rows of the keys `untouched` are left as they are: what is written to those lasts
+    /// as long as the store.
     SqliteSettingsStore(SqliteConnection connection, SettingsRows rows, std::filesystem::path path,
-                        WorkQueue& workQueue, Complain complain, int logPages);
+                        WorkQueue& workQueue, Complain complain, int logPages,
+                        const std::vector<std::string_view>& untouched = {});
     SqliteSettingsStore(const SqliteSettingsStore&) = delete;
     SqliteSettingsStore& operator=(const SqliteSettingsStore&) = delete;
     ~SqliteSettingsStore() override;
@@ -45,11 +49,13 @@ public:
     std::optional<SettingsValue> read(std::string_view key) const override;
 
     /// A failure (a full disk, a lock that is not let go of) leaves the older value. It is
-    /// complained of once a run; the value is kept in memory and tried again after the next write
-    /// that succeeds, and at the end.
+    /// complained of once an outage, which ends when everything is stored; the value is kept in
+    /// memory and tried again after the next write that succeeds, and at the end. Once a lock has
+    /// been waited for in vain, no write waits for it again until one succeeds.
     void write(std::string_view key, const SettingsValue& value) override;
 
 private:
+    bool isUntouched(std::string_view key) const;
     int tryToWrite(std::string_view key, const SettingsValue& value);
     void retryUnsaved();
     void moveLogAtLeisure();
@@ -64,7 +70,10 @@ private:
     /// Shared with the job, which may outlive the store.
     std::shared_ptr<std::atomic<bool>> logIsMoving_ = std::make_shared<std::atomic<bool>>(false);
     std::map<std::string, SettingsValue, std::less<>> unsaved_;
+    std::vector<std::string> untouched_;
+    MemorySettingsStore instead_;  ///< what was written to the keys `untouched_`
     bool hasComplained_ = false;
+    bool isLocked_ = false;
 };
 
 }  // namespace tallowcrest

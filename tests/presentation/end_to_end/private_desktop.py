@@ -81,6 +81,10 @@ class PrivateDesktop:
         for name, value in os.environ.items():
             if name.endswith("SAN_OPTIONS") or name == "LD_LIBRARY_PATH":
                 self.env[name] = value
+        # The library that reads keyboard maps copies texts of known length that no zero ends, which
+        # is sound and yet a complaint of the strictest checks.
+        if "ASAN_OPTIONS" in self.env:
+            self.env["ASAN_OPTIONS"] += ":strict_string_checks=0"
         try:
             self._start_display()
             self._start_buses()
