@@ -217,21 +217,33 @@ TEST(ThreadWorkQueue, FinishWithinTellsOfAJobThatGoesOn) {
     }
 }
 
+/// Keeps every thread that a queue can have with a job until it lets go.
+class AllThreadsBusy {
+public:
+    explicit AllThreadsBusy(ThreadWorkQueue& queue) {
+        constexpr auto most = static_cast<std::ptrdiff_t>(ThreadWorkQueue::maximumThreads);
+        std::latch busy(most);
+        for (std::ptrdiff_t i = 0; i < most; ++i) {
+            queue.post([&busy, released = released_] {
+                busy.count_down();
+                released.wait();
+            });
+        }
+        busy.wait();
+    }
+
+    void letGo() { release_.set_value(); }
+
+private:
+    std::promise<void> release_;
+    std::shared_future<void> released_ = release_.get_future().share();
+};
+
 TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
-    constexpr int most = static_cast<int>(ThreadWorkQueue::maximumThreads);
-    std::promise<void> release;
-    const std::shared_future<void> released = release.get_future().share();
-    std::latch allBusy(most);
     std::atomic<bool> ranLate = false;
     const auto held = std::make_shared<int>(0);
     ThreadWorkQueue queue(noSetup);
-    for (int i = 0; i < most; ++i) {
-        queue.post([&] {
-            allBusy.count_down();
-            released.wait();
-        });
-    }
-    allBusy.wait();
+    AllThreadsBusy busy(queue);
     // No thread is left for these.
     queue.post([&ranLate, held] { ranLate = true; });
     EXPECT_EQ(held.use_count(), 2);
@@ -239,31 +251,21 @@ TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
     EXPECT_EQ(held.use_count(), 1);
     queue.post([&ranLate, held] { ranLate = true; });
     EXPECT_EQ(held.use_count(), 1);
-    release.set_value();
+    busy.letGo();
     EXPECT_TRUE(queue.finishWithin(stuck));
     EXPECT_FALSE(ranLate);
 }
 
 TEST(ThreadWorkQueue, WhatADroppedJobHoldsMayPostAsItGoes) {
-    constexpr int most = static_cast<int>(ThreadWorkQueue::maximumThreads);
-    std::promise<void> release;
-    const std::shared_future<void> released = release.get_future().share();
-    std::latch allBusy(most);
     bool destroyed = false;
     ThreadWorkQueue queue(noSetup);
-    for (int i = 0; i < most; ++i) {
-        queue.post([&] {
-            allBusy.count_down();
-            released.wait();
-        });
-    }
-    allBusy.wait();
+    AllThreadsBusy busy(queue);
     const auto post = [&](void*) {
         queue.post([] {});
         destroyed = true;
     };
     queue.post([held = std::shared_ptr<void>(nullptr, post)] {});
-    release.set_value();
+    busy.letGo();
     EXPECT_TRUE(queue.finishWithin(stuck));
     EXPECT_TRUE(destroyed);
 }
