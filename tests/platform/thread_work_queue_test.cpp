@@ -221,20 +221,21 @@ TEST(ThreadWorkQueue, FinishWithinTellsOfAJobThatGoesOn) {
 class AllThreadsBusy {
 public:
     explicit AllThreadsBusy(ThreadWorkQueue& queue) {
-        constexpr auto most = static_cast<std::ptrdiff_t>(ThreadWorkQueue::maximumThreads);
-        std::latch busy(most);
         for (std::ptrdiff_t i = 0; i < most; ++i) {
-            queue.post([&busy, released = released_] {
-                busy.count_down();
-                released.wait();
+            queue.post([this] {
+                begun_.count_down();
+                released_.wait();
             });
         }
-        busy.wait();
+        begun_.wait();
     }
 
     void letGo() { release_.set_value(); }
 
 private:
+    static constexpr auto most = static_cast<std::ptrdiff_t>(ThreadWorkQueue::maximumThreads);
+
+    std::latch begun_{most};
     std::promise<void> release_;
     std::shared_future<void> released_ = release_.get_future().share();
 };
