@@ -1,6 +1,7 @@
 #include "monitor/session_insights.h"
 
 #include <algorithm>
+#include <compare>
 #include <cmath>
 #include <utility>
 
@@ -56,7 +57,7 @@ SessionInsight recurringTopApp(const Counts& samples, const Locale& locale) {
         samples.begin(), samples.end(), [&locale](const auto& left, const auto& right) {
             return left.second != right.second
                        ? left.second > right.second
-                       : locale.compareIgnoringCase(left.first, right.first) < 0;
+                       : std::is_lt(locale.compareIgnoringCase(left.first, right.first));
         });
     return insight(
         "Recurring Top App", name,
