@@ -53,7 +53,7 @@ MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample,
 
 }  // namespace
 
-SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
+SystemMonitor::SystemMonitor(const MonitorPorts& ports, const HostFacts& host,
                              MonitorExtensions extensions)
     : SystemMonitor(ports, host, std::move(extensions),
                     Beginning{std::make_shared<SampleSources>(ports.metrics, ports.ticks),

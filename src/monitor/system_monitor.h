@@ -74,7 +74,8 @@ public:
     static constexpr std::chrono::milliseconds sampleInterval{4000};
 
     /// Loads everything stored; starts no sampling and no timer.
-    SystemMonitor(const MonitorPorts& ports, HostFacts host, MonitorExtensions extensions = {});
+    SystemMonitor(const MonitorPorts& ports, const HostFacts& host,
+                  MonitorExtensions extensions = {});
     SystemMonitor(const SystemMonitor&) = delete;
     SystemMonitor& operator=(const SystemMonitor&) = delete;
 

@@ -226,8 +226,11 @@ bool hasLog(const Path& file) {
 
 bool logIsSound(const Path& file) {
     const Path log = withSuffix(file, "-wal");
-    // Twice, for a program that is writing may change it between one part being read and the next.
-    return startIsSound(log) || startIsSound(log);
+    if (startIsSound(log)) {
+        return true;
+    }
+    // A program that is writing may have changed it between one part being read and the next.
+    return startIsSound(log);
 }
 
 Path nameAside(const Path& file, Date now) {
