@@ -17,7 +17,7 @@ namespace tallowcrest {
 DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
     : OverviewBlock(monitor, DashboardSection::autoRules, QStringLiteral("overview.disk-autopilot"),
                     QStringLiteral("internaldrive"), QStringLiteral("Disk Autopilot")) {
-    space_ = new BarList(QStringLiteral("Home volume"), 1, QStringLiteral("of 00000.0 GB"), body());
+    space_ = new BarList(QStringLiteral("Home volume"), 1, QStringLiteral("000% used"), body());
     bodyLayout()->addWidget(space_);
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit);
@@ -60,7 +60,7 @@ void DiskAutopilotBlock::showContent() {
     const auto space = snapshot ? diskSpaceTexts(snapshot->disk) : std::nullopt;
     space_->setEmptyText(snapshot ? QStringLiteral("The size of the home volume could not be read.")
                                   : QStringLiteral("Sampling this Mac..."));
-    space_->setRows(space ? std::vector<BarRow>{{space->free, space->total, space->fraction}}
+    space_->setRows(space ? std::vector<BarRow>{{space->free, space->used, space->fraction}}
                           : std::vector<BarRow>{});
     space_->setTint(isLow() ? &CrestTheme::caution : &CrestTheme::secondaryText);
     lowIcon_->setVisible(isLow());

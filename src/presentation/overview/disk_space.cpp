@@ -15,7 +15,7 @@ std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk) {
     }
     const double used = std::clamp(1.0 - disk.freeGB / disk.totalGB, 0.0, 1.0);
     return DiskSpaceTexts{QStringLiteral("%1 GB free").arg(dashboard_text::gigabytes(disk.freeGB)),
-                          QStringLiteral("of %1 GB").arg(dashboard_text::gigabytes(disk.totalGB)),
+                          QStringLiteral("%1 used").arg(dashboard_text::percentText(100.0 * used)),
                           used};
 }
 

@@ -12,8 +12,8 @@ namespace tallowcrest {
 /// How full a volume is, in words and as a share.
 struct DiskSpaceTexts {
     QString free;         ///< "12.4 GB free"
-    QString total;        ///< "of 252.0 GB"
-    double fraction = 0;  ///< of the whole, what is not free for the owner: 0 to 1
+    QString used;         ///< "88% used"
+    double fraction = 0;  ///< used, of the whole, 0 to 1
 
     bool operator==(const DiskSpaceTexts&) const = default;
 };

@@ -26,8 +26,9 @@ TEST_F(OverviewBlocksTest, DiskAutopilotShowsTheHomeVolumeAndItsStatus) {
     EXPECT_EQ(space->accessibleValue(), QStringLiteral("Sampling this Mac..."));
     machine.finishSamples();
     settle();
-    EXPECT_EQ(space->rows(), (std::vector<BarRow>{{QStringLiteral("50.0 GB free"),
-                                                   QStringLiteral("of 200.0 GB"), 0.75}}));
+    EXPECT_EQ(
+        space->rows(),
+        (std::vector<BarRow>{{QStringLiteral("50.0 GB free"), QStringLiteral("75% used"), 0.75}}));
     EXPECT_EQ(textOf("overview.disk-autopilot-status"), QStringLiteral("Disk Autopilot is off."));
     EXPECT_THAT(visible("overview.disk-autopilot")->findChildren<QPushButton*>(), IsEmpty());
     machine.metrics->disk = {};

@@ -12,7 +12,7 @@ TEST(DiskSpace, IsToldInWordsAndAsAShare) {
     const auto texts = diskSpaceTexts({200.0, 50.0});
     ASSERT_TRUE(texts.has_value());
     EXPECT_EQ(texts->free, QStringLiteral("50.0 GB free"));
-    EXPECT_EQ(texts->total, QStringLiteral("of 200.0 GB"));
+    EXPECT_EQ(texts->used, QStringLiteral("75% used"));
     EXPECT_EQ(texts->fraction, 0.75);
 }
 
@@ -20,8 +20,7 @@ TEST(DiskSpace, AFullVolumeIsNotAnUnknownOne) {
     const auto texts = diskSpaceTexts({200.0, 0.0});
     ASSERT_TRUE(texts.has_value());
     EXPECT_EQ(texts->free, QStringLiteral("0.0 GB free"));
-    EXPECT_EQ(texts->total, QStringLiteral("of 200.0 GB"));
-    EXPECT_EQ(texts->fraction, 1.0);
+    EXPECT_EQ(texts->used, QStringLiteral("100% used"));
 }
 
 TEST(DiskSpace, AVolumeOfUnknownSizeTellsNothing) {
