@@ -44,10 +44,11 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
                              host::makeMetricsReader(toolLauncher_),
                              host::makeTickSource(),
                              std::make_shared<IcuLocale>(localeNamesOfThisProcess())};
-    monitor_.emplace(ports,
-                     HostFacts{host::activeProcessorCount(), host::protectionPolicy(),
-                               host::loginName(), std::move(processArguments), settings_.problems},
-                     std::move(extensions));
+    monitor_.emplace(
+        ports,
+        HostFacts{host::activeProcessorCount(), host::protectionPolicy(), host::loginName(),
+                  std::move(processArguments), settings_.problems, host::places()},
+        std::move(extensions));
 }
 
 SqliteSettingsStore::Complain Composition::tellerOfFailedWrites(MainQueue& mainQueue) const {

@@ -1,8 +1,8 @@
 #include "monitor/session_insights.h"
 
 #include <algorithm>
-#include <compare>
 #include <cmath>
+#include <compare>
 #include <utility>
 
 #include <fmt/format.h>

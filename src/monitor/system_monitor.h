@@ -15,6 +15,7 @@
 #include "core/limits.h"
 #include "core/locale.h"
 #include "core/observable.h"
+#include "core/places.h"
 #include "core/queues.h"
 #include "core/remote_records.h"
 #include "core/settings.h"
@@ -51,6 +52,7 @@ struct HostFacts {
     std::vector<std::string> processArguments;
     /// What the owner has to know about this start, a sentence each; recorded as messages.
     std::vector<std::string> startupProblems = {};
+    Places places = {};
 };
 
 /// Operations of components that do not belong to the monitor itself; each may be absent. A hook

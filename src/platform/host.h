@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/places.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/protection.h"
 #include "sampling/system_cpu_load_reader.h"
@@ -36,6 +37,9 @@ std::string loginName();
 /// The program's own folder for what it keeps of the user's, as an absolute path. It need not
 /// exist. Empty when the system does not tell where the user's data belongs.
 std::filesystem::path dataDirectory();
+
+/// The places that texts name: the one table of them.
+Places places();
 
 /// The running program's own file; empty when the system does not tell.
 std::filesystem::path executablePath();

@@ -87,6 +87,11 @@ void PageHeader::addRouteActions(AppRoute route) {
                           QStringLiteral("Goes to Optimize")),
                 &QPushButton::clicked, this,
                 [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+    } else if (route == AppRoute::aiAdvisor) {
+        connect(addAction(QStringLiteral("Open Chat"), QStringLiteral("message"),
+                          identifierOn(route, "open-chat"), QStringLiteral("Goes to Chat")),
+                &QPushButton::clicked, this,
+                [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
     } else if (route == AppRoute::load || route == AppRoute::optimize) {
         addSelectTop(route);
         if (route == AppRoute::optimize) {

@@ -115,6 +115,27 @@ TEST_F(SqliteSettingsStoreTest, WhatHasNoFormLeavesTheOlderValueInSilence) {
     EXPECT_THAT(complaints, IsEmpty());
 }
 
+TEST_F(SqliteSettingsStoreTest, WhatIsTooBigLeavesTheOlderValueInSilence) {
+    open();
+    store->write(keys::sshUsernameKey, std::string("owner"));
+    store->write(keys::sshUsernameKey, std::string((32U << 20U) + 1, 'x'));
+    EXPECT_EQ(store->read(keys::sshUsernameKey), SettingsValue(std::string("owner")));
+    EXPECT_THAT(complaints, IsEmpty());
+}
+
+TEST_F(SqliteSettingsStoreTest, WhatHasNoFormDoesNotEndAnOutage) {
+    open().write(keys::sshUsernameKey, std::string("owner"));
+    SqliteConnection other;
+    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+    ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    store->write(keys::sshUsernameKey, std::string("new"));
+    store->write(keys::sshUsernameKey, std::string("\xFF"));
+    ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+    store->write(keys::autoPurgeKey, true);
+    EXPECT_EQ(stored(keys::sshUsernameKey), SettingsValue(std::string("new")));
+    EXPECT_EQ(complaints.size(), 1U);
+}
+
 TEST_F(SqliteSettingsStoreTest, FolderAndFilesAreTheUsersAlone) {
     for (const mode_t mask : {0U, 022U, 0777U}) {
         fs::remove_all(folder.path() / "data");

@@ -36,7 +36,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::load, "Select Top|Activity|Refresh"},
         {AppRoute::optimize, "Select Top|Top App|Activity|Refresh"},
         {AppRoute::optimizationSuggestions, "Refresh"},
-        {AppRoute::aiAdvisor, "Refresh"},
+        {AppRoute::aiAdvisor, "Open Chat|Refresh"},
         {AppRoute::chat, "Refresh"},
         {AppRoute::remoteMacs, "Refresh"},
         {AppRoute::history, "Refresh"},
@@ -52,6 +52,16 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
                 << rawValue(each);
         }
     }
+}
+
+TEST_F(PageHeaderTest, OpenChatGoesThere) {
+    showWithSample();
+    goTo(AppRoute::aiAdvisor);
+    auto* button = window().findChild<QPushButton*>(QStringLiteral("aiAdvisor.open-chat"));
+    ASSERT_NE(button, nullptr);
+    button->click();
+    settle();
+    EXPECT_EQ(machine.monitor().navigation().selectedRoute(), AppRoute::chat);
 }
 
 TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {

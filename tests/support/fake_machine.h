@@ -33,7 +33,9 @@ public:
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",
-                          .processArguments = {"tallowcrest", "--ui-testing"}},
+                          .processArguments = {"tallowcrest", "--ui-testing"},
+                          .startupProblems = {},
+                          .places = {.caches = "~/.cache"}},
                 extensions);
         }
         return *monitor_;

@@ -86,12 +86,19 @@ SettingsRows::Reading SettingsRows::read(std::string_view key) {
 int SettingsRows::write(std::string_view key, const SettingsValue& value) {
     const auto row = rowFor(value, buffer_);
     if (!row) {
-        return SQLITE_OK;
+        return SQLITE_MISMATCH;
     }
-    upsert_.bindText(1, key);
-    upsert_.bindText(2, row->kind);
-    std::visit(Binder(upsert_, 3), row->value);
-    const int result = upsert_.step();
+    // What could not be bound would be stored as nothing.
+    int result = upsert_.bindText(1, key);
+    if (result == SQLITE_OK) {
+        result = upsert_.bindText(2, row->kind);
+    }
+    if (result == SQLITE_OK) {
+        result = std::visit(Binder(upsert_, 3), row->value);
+    }
+    if (result == SQLITE_OK) {
+        result = upsert_.step();
+    }
     upsert_.reset();
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }

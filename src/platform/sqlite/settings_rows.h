@@ -37,8 +37,9 @@ public:
 
     Reading read(std::string_view key);
 
-    /// In one transaction of its own: afterwards the older value or the new one is there. SQLITE_OK
-    /// too for a value that has no stored form; it leaves the older one.
+    /// In one transaction of its own: afterwards the older value or the new one is there.
+    /// SQLITE_TOOBIG for a value beyond SQLite's limits, and SQLITE_MISMATCH for one that has no
+    /// stored form.
     int write(std::string_view key, const SettingsValue& value);
 
     /// Puts into `keys` those of ours whose row makes no sense or holds another kind than the key

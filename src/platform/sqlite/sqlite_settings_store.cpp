@@ -73,6 +73,9 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
         return;
     }
     if (const int result = tryToWrite(key, value); result != SQLITE_OK) {
+        if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
+            return;
+        }
         unsaved_.insert_or_assign(std::string(key), value);
         if ((result & 0xFF) != SQLITE_BUSY) {
             // On a full disk, the room that the log takes may be all there is.
@@ -98,6 +101,10 @@ bool SqliteSettingsStore::isUntouched(std::string_view key) const {
 
 int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& value) {
     const int result = rows_.write(key, value);
+    if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
+        // No other time would be better for it.
+        return result;
+    }
     if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && complain_) {
         complain_(settings_problem::cannotBeSaved(path_, connection_.message()));
     }

@@ -37,7 +37,7 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
     bodyLayout()->addLayout(row);
     rule_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
     rule_->setObjectName(QStringLiteral("overview.disk-autopilot-rule"));
-    rule_->setLines(1, 2);
+    rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
     for (ElidedLabel* label : {lowWord_, status_, rule_}) {
         label->setGround(&CrestTheme::cardBackground);
@@ -66,7 +66,7 @@ void DiskAutopilotBlock::showContent() {
     lowIcon_->setVisible(isLow());
     lowWord_->setVisible(isLow());
     status_->setText(dashboard_text::text(monitor().startup().diskAutopilotStatus));
-    rule_->setText(diskRule(monitor().settings()));
+    rule_->setText(diskRule(monitor().settings(), monitor().host().places.caches));
 }
 
 }  // namespace tallowcrest

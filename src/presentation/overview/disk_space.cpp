@@ -23,13 +23,15 @@ bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings) {
     return disk.totalGB > 0.0 && disk.freeGB <= settings.diskMinimumFreeGB;
 }
 
-QString diskRule(const Settings& settings) {
-    const auto whole = [](double value) {
-        return QLocale().toString(std::isfinite(value) ? std::trunc(value) : 0.0, 'f', 0);
-    };
-    return QStringLiteral("Act below %1 GB free · cache age %2 days · max %3 GB per run")
-        .arg(whole(settings.diskMinimumFreeGB), whole(settings.diskCleanupAgeDays),
-             dashboard_text::gigabytes(settings.diskMaxCleanupGB));
+QString diskRule(const Settings& settings, std::string_view caches) {
+    return QStringLiteral(
+               "Only regular files older than %1 days inside %2 are eligible. Each run is capped "
+               "at "
+               "%3 GB and moves files to Trash. Automatic runs also require low free space, "
+               "Autopilot "
+               "mode, and established disk-cleanup trust.")
+        .arg(QLocale().toString(std::trunc(settings.diskCleanupAgeDays), 'f', 0),
+             dashboard_text::text(caches), dashboard_text::gigabytes(settings.diskMaxCleanupGB));
 }
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
 #include <QString>
 
@@ -25,7 +26,8 @@ std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk);
 /// Any thread.
 bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings);
 
-/// The owner's rule: "Act below 20 GB free · cache age 30 days · max 2.0 GB per run". Any thread.
-QString diskRule(const Settings& settings);
+/// What a clean-up may touch, by the owner's settings. `caches` is the place as the owner knows it.
+/// Any thread.
+QString diskRule(const Settings& settings, std::string_view caches);
 
 }  // namespace tallowcrest

@@ -49,13 +49,19 @@ TEST(DiskSpace, IsLowAtOrUnderTheOwnersMinimum) {
 TEST(DiskSpace, TheRuleIsTheOwners) {
     QLocale::setDefault(QLocale::c());
     Settings settings;
-    EXPECT_EQ(diskRule(settings),
-              QStringLiteral("Act below 20 GB free · cache age 30 days · max 2.0 GB per run"));
-    settings.diskMinimumFreeGB = 45.9;
+    EXPECT_EQ(
+        diskRule(settings, "~/.cache"),
+        QStringLiteral("Only regular files older than 30 days inside ~/.cache are eligible. Each "
+                       "run is capped at 2.0 GB and moves files to Trash. Automatic runs also "
+                       "require low free space, Autopilot mode, and established disk-cleanup "
+                       "trust."));
     settings.diskCleanupAgeDays = 7.0;
     settings.diskMaxCleanupGB = 0.5;
-    EXPECT_EQ(diskRule(settings),
-              QStringLiteral("Act below 45 GB free · cache age 7 days · max 0.5 GB per run"));
+    EXPECT_TRUE(
+        diskRule(settings, "~/Library/Caches")
+            .startsWith(QStringLiteral("Only regular files older than 7 days inside "
+                                       "~/Library/Caches are eligible. Each run is capped at "
+                                       "0.5 GB ")));
 }
 
 }  // namespace

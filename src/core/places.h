@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace tallowcrest {
+
+/// The places on disk that texts name, in the form in which the owner of this system knows them.
+struct Places {
+    std::string caches;  ///< "~/.cache"
+};
+
+}  // namespace tallowcrest
