@@ -176,7 +176,7 @@ void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) con
     }
 }
 
-void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) const {
+void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
     const QRect place = canvasPixels();
     const double ratio = devicePixelRatioF();
     const QRectF visible = canvasRect().translated(-place.topLeft());
@@ -197,27 +197,30 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) co
     // A part of this width stays within the processor's cache from its ground to its line, and is
     // no burden on the memory.
     constexpr int partWidth = 128;
-    QImage part(partWidth, qCeil(place.height() * ratio), QImage::Format_RGB32);
+    const QSize partSize(partWidth, qCeil(place.height() * ratio));
+    if (part_.size() != partSize) {
+        part_ = QImage(partSize, QImage::Format_RGB32);
+    }
     const int width = qCeil(place.width() * ratio);
     for (int left = 0; left < width; left += partWidth) {
-        part.fill(theme.cardBackground);
+        part_.fill(theme.cardBackground);
         for (const GraphRule& rule : rules) {
-            layGraphRule(part, rule, QPoint(-left, 0));
+            layGraphRule(part_, rule, QPoint(-left, 0));
         }
         for (std::size_t i = 0; i < lines.size(); ++i) {
             const QRgb color = series_[i].color.in(theme).rgb();
             const QPoint partOrigin = origin - QPoint(left, 0);
             if (series_[i].fillsArea) {
-                layBelowGraphColumns(part, lines[i], partOrigin, qRound(canvas.bottom()), color,
+                layBelowGraphColumns(part_, lines[i], partOrigin, qRound(canvas.bottom()), color,
                                      areaOpacity);
             }
-            drawGraphColumns(part, lines[i], partOrigin, color);
+            drawGraphColumns(part_, lines[i], partOrigin, color);
             if (series_[i].values.size() == 1) {
-                paintLonePoint(part, canvas.translated(-left, 0), ratio, series_[i], theme);
+                paintLonePoint(part_, canvas.translated(-left, 0), ratio, series_[i], theme);
             }
         }
         const int used = std::min(partWidth, width - left);
-        painter.drawImage(corner + QPoint(left, 0), part, QRect(0, 0, used, part.height()));
+        painter.drawImage(corner + QPoint(left, 0), part_, QRect(0, 0, used, part_.height()));
     }
 }
 

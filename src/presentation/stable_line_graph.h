@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include <QImage>
 #include <QString>
 
 #include "presentation/graph_raster.h"
@@ -61,7 +62,7 @@ private:
     QRect canvasPixels() const;
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
-    void paintCanvas(QPainter& painter, const CrestTheme& theme) const;
+    void paintCanvas(QPainter& painter, const CrestTheme& theme);
     /// What lies below the series, in pixels of the screen.
     std::vector<GraphRule> canvasRules(const QRectF& canvas, double ratio,
                                        const CrestTheme& theme) const;
@@ -75,6 +76,7 @@ private:
     std::vector<double> eventPositions_;
     int scaleWidth_ = 0;
     int captionHeight_ = 0;
+    QImage part_;  ///< where each part of the canvas is painted in its turn
 };
 
 }  // namespace tallowcrest
