@@ -19,6 +19,7 @@
 #include "platform/posix/system_clock.h"
 #include "platform/posix/thread_work_queue.h"
 #include "platform/sqlite/open_settings_store.h"
+#include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"
@@ -147,7 +148,7 @@ void constructionOverAFullStore(benchmark::State& state) {
         const SystemMonitor monitor(
             MonitorPorts{mainQueue, workQueue, clock, file.store(),
                          std::make_shared<FakeMetricsReader>(), std::make_shared<FakeTickSource>(),
-                         std::make_shared<PlainLocale>()},
+                         std::make_shared<PlainLocale>(), FakeLocalActions().ports()},
             HostFacts{4, {}, "owner", {}});
         if (monitor.sample().history().size() != 720) {
             state.SkipWithError("the history was not loaded");

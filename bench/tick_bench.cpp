@@ -17,6 +17,7 @@
 #include "platform/icu/icu_locale.h"
 #include "platform/posix/system_clock.h"
 #include "platform/posix/tool_launcher_posix.h"
+#include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_queues.h"
 
@@ -61,7 +62,8 @@ public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
         : monitor_(MonitorPorts{mainQueue_, workQueue_, clock_, store_, std::move(metrics),
                                 std::move(ticks),
-                                std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"})},
+                                std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"}),
+                                FakeLocalActions().ports()},
                    HostFacts{inputs().cpuCount, inputs().protection, {}, {}}) {
         while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
             takeInBackground();

@@ -48,6 +48,16 @@ void checkNumber(const Locale& locale, double value, int digits) {
     require(isValidUTF8(text));
 }
 
+void checkDate(const Locale& locale, double secondsSinceReference) {
+    const Date date{secondsSinceReference};
+    for (const std::string& text : {locale.dateAndTime(date), locale.timeOfDay(date)}) {
+        require(!text.empty());
+        require(isValidUTF8(text));
+        require(text.find_first_of("\t\n\r") == std::string::npos);
+        require((text == Locale::unknownDate) == !Locale::hasForm(date));
+    }
+}
+
 /// The neutral form can be read back.
 void checkPlainNumber(double value) {
     constexpr double exactThousandths = 1e9;
@@ -64,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const IcuLocale english({"en_US", "en_US"});
     static const IcuLocale german({"de_DE", "de_DE"});
     static const IcuLocale turkish({"tr_TR", "tr_TR"});
+    static const IcuLocale persian({"fa_IR", "fa_IR"});
     static const PlainLocale plain;
 
     double value = 0.0;
@@ -85,6 +96,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         checkOrder(*locale, b, c, a);
         checkSearch(*locale, all, b);
         checkNumber(*locale, value, digits);
+        checkDate(*locale, value);
+    }
+    // Most doubles are no date at all.
+    constexpr double secondsInAnyForm = 3.2e11;
+    const double someDate = std::remainder(value, secondsInAnyForm);
+    for (const Locale* locale : std::array<const Locale*, 3>{&german, &persian, &plain}) {
+        checkDate(*locale, someDate);
     }
     return 0;
 }

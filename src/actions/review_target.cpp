@@ -29,17 +29,25 @@ ReviewTarget::ReviewTarget(Observable& observable, ActivityLog& log, const Lates
       policy_(policy),
       optimizeStep_(firstStep) {}
 
-void ReviewTarget::select(std::int64_t pid, std::string groupName, std::string step) {
-    selectedPID_ = pid;
-    selectedAppImpactName_ = std::move(groupName);
+void ReviewTarget::setOptimizeStep(std::string step) {
     optimizeStep_ = std::move(step);
     observable_.changed();
 }
 
+void ReviewTarget::setTarget(std::int64_t pid, std::string groupName) {
+    const ProcessSample* row = findRow(sample_.latestProcesses(), pid);
+    selectedPID_ = pid;
+    selectedStartTime_ = row == nullptr ? 0 : row->startTime;
+    selectedAppImpactName_ = std::move(groupName);
+    observable_.changed();
+}
+
 void ReviewTarget::selectProcess(const ProcessSample& process) {
-    select(process.pid, appGroupName(process),
-           fmt::format("2. {} is selected for review from CPU + Memory Processes.",
-                       process.displayName()));
+    setTarget(process.pid, appGroupName(process));
+    // The row that was chosen may be older than the latest sample.
+    selectedStartTime_ = process.startTime;
+    setOptimizeStep(fmt::format("2. {} is selected for review from CPU + Memory Processes.",
+                                process.displayName()));
 }
 
 void ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleRows) {
@@ -66,9 +74,9 @@ void ReviewTarget::selectTopProcess() {
                         top.displayName()));
         return;
     }
-    select(top.pid, appGroupName(top),
-           fmt::format("2. {} is selected for review. Choose a confirmed action when ready.",
-                       top.displayName()));
+    setTarget(top.pid, appGroupName(top));
+    setOptimizeStep(fmt::format(
+        "2. {} is selected for review. Choose a confirmed action when ready.", top.displayName()));
     log_.recordMessage(
         fmt::format("Selected {}, currently the heaviest process.", top.displayName()));
 }
@@ -87,31 +95,39 @@ void ReviewTarget::selectTopApp() {
             "Top app includes protected system processes. Select a safer app group.");
         return;
     }
-    select(*group.topPID, group.name,
-           fmt::format("2. {} is selected for review. Nothing has been quit or purged yet.",
-                       group.name));
+    setTarget(*group.topPID, group.name);
+    setOptimizeStep(fmt::format(
+        "2. {} is selected for review. Nothing has been quit or purged yet.", group.name));
     log_.recordMessage(fmt::format("Selected the heaviest process inside {}.", group.name));
 }
 
 void ReviewTarget::clearOperationTarget() {
     selectedPID_.reset();
+    selectedStartTime_ = 0;
     selectedAppImpactName_.reset();
     optimizeStep_ = firstStep;
     log_.recordMessage("Cleared selected operation target.");
 }
 
-const ProcessSample* ReviewTarget::find(std::int64_t pid) const {
-    if (const ProcessSample* row = findRow(sample_.latestProcesses(), pid)) {
-        return row;
-    }
-    return sample_.snapshot() ? findRow(sample_.snapshot()->topProcesses, pid) : nullptr;
+const ProcessSample* ReviewTarget::findSelected(const std::vector<ProcessSample>& rows) const {
+    const ProcessSample* row = selectedPID_ ? findRow(rows, *selectedPID_) : nullptr;
+    const bool isAnotherProcess = row != nullptr && selectedStartTime_ != 0 &&
+                                  row->startTime != 0 && row->startTime != selectedStartTime_;
+    return isAnotherProcess ? nullptr : row;
+}
+
+const ProcessSample* ReviewTarget::selectedRow() const {
+    return findSelected(sample_.latestProcesses());
 }
 
 SelectedTargetSummary ReviewTarget::selectedTargetSummary() const {
     if (!selectedPID_) {
         return {};
     }
-    const ProcessSample* row = find(*selectedPID_);
+    const ProcessSample* row = selectedRow();
+    if (row == nullptr && sample_.snapshot()) {
+        row = findSelected(sample_.snapshot()->topProcesses);
+    }
     if (row == nullptr) {
         return {fmt::format("PID {}", *selectedPID_),
                 "Selected for review. Process details are not in the latest sample.", false};

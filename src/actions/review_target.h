@@ -35,6 +35,13 @@ public:
     }
     /// The line that tells where the owner stands in the guided workflow.
     const std::string& optimizeStep() const { return optimizeStep_; }
+    void setOptimizeStep(std::string step);
+
+    /// The row of the latest process table that is the selected process. Null when nothing is
+    /// selected, or when the process is not in the table, be it that another one bears its number.
+    const ProcessSample* selectedRow() const;
+    /// When the selected process began, as its row told; 0 when none did.
+    std::uint64_t selectedStartTime() const { return selectedStartTime_; }
 
     /// Selects a row of the process list, whatever it is: reviewing is always allowed.
     void selectProcess(const ProcessSample& process);
@@ -44,6 +51,8 @@ public:
     void selectTopProcess();
     /// Selects the heaviest process of the heaviest group, unless it is protected.
     void selectTopApp();
+    /// Moves the review to a group and one process of it; the step stays.
+    void setTarget(std::int64_t pid, std::string groupName);
     void clearOperationTarget();
 
     SelectedTargetSummary selectedTargetSummary() const;
@@ -52,8 +61,7 @@ public:
     bool isProtectedTarget(const ProcessSample& process) const;
 
 private:
-    void select(std::int64_t pid, std::string groupName, std::string step);
-    const ProcessSample* find(std::int64_t pid) const;
+    const ProcessSample* findSelected(const std::vector<ProcessSample>& rows) const;
 
     Observable& observable_;
     ActivityLog& log_;
@@ -61,6 +69,7 @@ private:
     const ProtectedAppNames& protectedAppNames_;
     ProtectionPolicy policy_;
     std::optional<std::int64_t> selectedPID_;
+    std::uint64_t selectedStartTime_ = 0;
     std::optional<std::string> selectedAppImpactName_;
     std::string optimizeStep_;
 };

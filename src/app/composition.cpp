@@ -7,6 +7,7 @@
 #include "core/settings_keys.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
+#include "platform/icu/utc_offset.h"
 
 namespace tallowcrest {
 namespace {
@@ -30,20 +31,29 @@ OpenedStore openSettings(SettingsAccess access, WorkQueue& workQueue, const Cloc
 }  // namespace
 
 Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
-                         std::vector<std::string> processArguments, MonitorExtensions extensions)
+                         std::vector<std::string> processArguments, MonitorExtensions extensions,
+                         DesktopServices desktop)
     : self_(std::make_shared<Composition*>(this)),
       workQueue_(host::lowerThreadPriority),
       settings_(openSettings(access, workQueue_, clock_, tellerOfFailedWrites(mainQueue))) {
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
     }
-    const MonitorPorts ports{mainQueue,
-                             workQueue_,
-                             clock_,
-                             *settings_.store,
-                             host::makeMetricsReader(toolLauncher_),
-                             host::makeTickSource(),
-                             std::make_shared<IcuLocale>(localeNamesOfThisProcess())};
+    const MonitorPorts ports{
+        mainQueue,
+        workQueue_,
+        clock_,
+        *settings_.store,
+        host::makeMetricsReader(toolLauncher_),
+        host::makeTickSource(),
+        std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
+        {host::makeProcessControl(toolLauncher_),
+         desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
+         std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
+                                          host::purgeTools())},
+        desktop.notifications,
+        std::make_shared<PosixReportFolder>(host::places().reports, std::move(desktop.revealFile)),
+        utcOffsetOfThisMachine};
     monitor_.emplace(
         ports,
         HostFacts{host::activeProcessorCount(), host::protectionPolicy(), host::loginName(),

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "actions/graceful_quit.h"
 #include "core/queues.h"
+#include "integration/notification_center.h"
 #include "monitor/system_monitor.h"
+#include "platform/posix/report_folder_posix.h"
 #include "platform/posix/system_clock.h"
 #include "platform/posix/thread_work_queue.h"
 #include "platform/posix/tool_launcher_posix.h"
@@ -22,13 +26,21 @@ enum class SettingsAccess {
     look,
 };
 
+/// What a desktop adds to the machine. All of it is absent where there is none.
+struct DesktopServices {
+    std::function<std::shared_ptr<GracefulQuit>(ToolLauncher&)> makeGracefulQuit = {};
+    NotificationCenter* notifications = nullptr;  ///< outlives the composition
+    PosixReportFolder::Reveal revealFile = {};
+};
+
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
     /// Says on standard error what could not be read of the settings, and later when they can no
     /// longer be saved, and tells the monitor too. `mainQueue` must outlive the object.
     Composition(MainQueue& mainQueue, SettingsAccess access,
-                std::vector<std::string> processArguments, MonitorExtensions extensions);
+                std::vector<std::string> processArguments, MonitorExtensions extensions,
+                DesktopServices desktop = {});
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 

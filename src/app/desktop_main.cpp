@@ -1,21 +1,25 @@
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <QApplication>
+#include <QPointer>
 
 #include "app/command_line.h"
 #include "app/composition.h"
 #include "app/console.h"
 #include "app/startup_trace.h"
 #include "platform/desktop/desktop_applications.h"
+#include "platform/desktop/file_manager.h"
 #include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
 #include "platform/desktop/tray_host_watch.h"
+#include "platform/desktop_services.h"
 #include "platform/host.h"
 #include "platform/posix/instance_guard.h"
 #include "platform/posix/instance_place.h"
@@ -124,16 +128,26 @@ Instance becomeTheInstance() {
 
 int runWindow(QApplication& application, std::vector<std::string> arguments,
               std::optional<InstanceGuard>& guard) {
-    SystemAppearance desktop;
-    followAppearance(desktop);
+    SystemAppearance appearance;
+    followAppearance(appearance);
     QtMainQueue mainQueue;
+    const std::unique_ptr<NotificationCenter> notifications = desktop::makeNotificationCenter();
+    QPointer<DashboardWindow> shownWindow;
     MonitorExtensions extensions;
     extensions.openActivityMonitor = openActivityMonitor;
+    extensions.storeOnPasteboard = desktop::storeOnClipboard;
+    extensions.bringToFront = [&shownWindow] {
+        if (shownWindow != nullptr) {
+            shownWindow->bringToFront();
+        }
+    };
     Composition composition(mainQueue, SettingsAccess::keep, std::move(arguments),
-                            std::move(extensions));
+                            std::move(extensions),
+                            {desktop::makeGracefulQuit, notifications.get(), revealFile});
     int status = 0;
     {
         DashboardWindow window(composition.monitor(), mainQueue);
+        shownWindow = &window;
         traceFirstSample(window);
         StatusItem statusItem(composition.monitor(), window);
         // With a status item the window may be closed while the monitor runs on; without one a

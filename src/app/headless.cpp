@@ -12,18 +12,24 @@
 namespace tallowcrest {
 namespace {
 
-/// Prints each sample as it lands and ends the loop after the last one that was asked for.
+/// Prints each sample as it lands, or the report on them, and ends the loop after the last one that
+/// was asked for.
 class SamplePrinter {
 public:
     SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
 
-    void print(const LatestSample& sample) {
+    void print(SystemMonitor& monitor) {
         if (isDone_) {
             return;
         }
+        const LatestSample& sample = monitor.sample();
         // This program is a process itself.
         if (printed_ == 0 && sample.latestProcesses().empty()) {
             complain("no process can be read here, so the figures do not tell how busy this is");
+        }
+        if (options_.report) {
+            printReport(monitor);
+            return;
         }
         const std::string text = options_.json
                                      ? sampleJSON(*sample.snapshot(), sample.recommendations())
@@ -39,6 +45,16 @@ public:
     }
 
 private:
+    /// The first sample of a run has loads over whole lifetimes; the second has those of now.
+    void printReport(SystemMonitor& monitor) {
+        constexpr std::int64_t samplesOfAReport = 2;
+        if (++printed_ < samplesOfAReport) {
+            return;
+        }
+        const auto report = monitor.reports().diagnosticsReport(options_.redacted);
+        finish(writeToStandardOutput(*report + "\n") ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+
     void finish(int status) {
         isDone_ = true;
         loop_.stop(status);
@@ -57,7 +73,7 @@ int runHeadless(const Options& options, std::vector<std::string> processArgument
     SamplePrinter printer(options, loop);
     SystemMonitor* monitor = nullptr;
     MonitorExtensions extensions;
-    extensions.main.sampleApplied = [&] { printer.print(monitor->sample()); };
+    extensions.main.sampleApplied = [&] { printer.print(*monitor); };
     Composition composition(loop, SettingsAccess::look, std::move(processArguments),
                             std::move(extensions));
     monitor = &composition.monitor();

@@ -29,8 +29,8 @@ public:
         for (; next_ < arguments_.size() && error_.empty(); ++next_) {
             parseArgument(arguments_[next_]);
         }
-        if (error_.empty() && !options_.headless) {
-            checkHeadlessOnly();
+        if (error_.empty() && !options_.showHelp && !options_.showVersion) {
+            checkCombination();
         }
         if (!error_.empty()) {
             return OptionsError{error_};
@@ -72,6 +72,12 @@ private:
         }
         if (name == "--json") {
             return &options_.json;
+        }
+        if (name == "--report") {
+            return &options_.report;
+        }
+        if (name == "--redacted") {
+            return &options_.redacted;
         }
         if (name == "--ui-testing") {
             return &isUITest_;
@@ -119,13 +125,21 @@ private:
             std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(*seconds * 1000.0)));
     }
 
-    void checkHeadlessOnly() {
-        const std::string_view option = options_.json       ? "--json"
-                                        : options_.samples  ? "--samples"
-                                        : options_.interval ? "--interval"
-                                                            : "";
-        if (!option.empty() && !options_.showHelp && !options_.showVersion) {
-            fail(fmt::format("option '{}' needs '--headless'", option));
+    void checkCombination() {
+        const std::string_view headlessOnly = options_.json       ? "--json"
+                                              : options_.samples  ? "--samples"
+                                              : options_.interval ? "--interval"
+                                              : options_.report   ? "--report"
+                                                                  : "";
+        if (!options_.headless && !headlessOnly.empty()) {
+            fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
+        }
+        if (options_.redacted && !options_.report) {
+            fail("option '--redacted' needs '--report'");
+        }
+        if (options_.report && (options_.json || options_.samples)) {
+            fail(fmt::format("option '--report' cannot go with '{}'",
+                             options_.json ? "--json" : "--samples"));
         }
     }
 
@@ -158,6 +172,8 @@ Usage: tallowcrest [options]
     --json            one JSON object per line instead of readable blocks
     --samples N       end after N samples
     --interval SECS   seconds between samples (default 4)
+    --report          take two samples, print the diagnostics report and end
+    --redacted        the report without process details and addresses
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

@@ -16,6 +16,8 @@ struct Options {
     bool showVersion = false;
     bool headless = false;
     bool json = false;
+    bool report = false;                                ///< print the diagnostics report and end
+    bool redacted = false;                              ///< the report without process details
     std::optional<std::int64_t> samples;                ///< end after so many; absent: never
     std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's own
 };

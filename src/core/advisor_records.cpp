@@ -1,5 +1,7 @@
 #include "core/advisor_records.h"
 
+#include <algorithm>
+
 namespace tallowcrest {
 namespace {
 
@@ -19,7 +21,22 @@ const ModeTexts& textsOf(AIAutonomyMode mode) {
     return texts.at(static_cast<std::size_t>(mode));
 }
 
+/// So far from the bounds of the type that no sum of weighted counts can pass them.
+std::int64_t countable(std::int64_t count) {
+    constexpr std::int64_t most = 1'000'000'000'000'000;
+    return std::clamp(count, -most, most);
+}
+
 }  // namespace
+
+std::int64_t trustScore(const AITrustRecord& record) {
+    return 20 + 8 * countable(record.approvedCount) + 14 * countable(record.runCount) -
+           20 * countable(record.blockedCount);
+}
+
+std::int64_t trustPercent(const AITrustRecord& record) {
+    return std::clamp<std::int64_t>(trustScore(record), 0, 100);
+}
 
 std::string_view rawValue(AIAutonomyMode mode) {
     return textsOf(mode).rawValue;

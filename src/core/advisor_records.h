@@ -59,6 +59,14 @@ struct AITrustRecord {
     bool operator==(const AITrustRecord&) const = default;
 };
 
+/// What the experience with one action type is worth: a new record scores 20, an approval adds 8
+/// and a run 14, a refusal takes 20. Counts beyond what a life of clicks could make, which only a
+/// stored value can have, count as that many. Any thread.
+std::int64_t trustScore(const AITrustRecord& record);
+
+/// `trustScore` held between 0 and 100.
+std::int64_t trustPercent(const AITrustRecord& record);
+
 /// Identity: `id`. Persisted.
 struct AIRuleDraft {
     UUID id;

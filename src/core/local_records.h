@@ -24,13 +24,18 @@ struct ProcessSample {
     double rssMB = 0.0;
     std::string command;    ///< as a rule the executable's whole path
     std::string arguments;  ///< deliberately the same text as `command`
+    /// When the process began, in a unit of the platform's own. Numbers are given out again, so
+    /// only together with `pid` does it name one process. 0 when the source does not tell.
+    std::uint64_t startTime = 0;
 
     std::int64_t id() const { return pid; }
     /// The last path component of `command`, or `command` itself when that component is empty. A
     /// name in brackets stands for a process without an executable and is no path: it stays whole.
     std::string_view displayName() const;
 
-    auto fields() const { return std::tie(pid, cpu, memoryPercent, rssMB, command, arguments); }
+    auto fields() const {
+        return std::tie(pid, cpu, memoryPercent, rssMB, command, arguments, startTime);
+    }
     bool operator==(const ProcessSample&) const = default;
 };
 

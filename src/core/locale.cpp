@@ -1,6 +1,7 @@
 #include "core/locale.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include <fmt/format.h>
@@ -29,7 +30,24 @@ double rounded(double value, int fractionDigits) {
     return result == 0.0 ? 0.0 : result;
 }
 
+/// `date` has a form.
+std::chrono::sys_seconds wholeSeconds(Date date) {
+    return std::chrono::sys_seconds(
+        std::chrono::seconds(static_cast<std::int64_t>(std::floor(date.unixSeconds()))));
+}
+
 }  // namespace
+
+bool Locale::hasForm(Date date) {
+    using std::chrono::January;
+    constexpr auto unixSecondsAtStartOf = [](std::chrono::year year) {
+        const std::chrono::sys_seconds start = std::chrono::sys_days(year / January / 1);
+        return static_cast<double>(start.time_since_epoch().count());
+    };
+    constexpr double first = unixSecondsAtStartOf(std::chrono::year(1));
+    constexpr double end = unixSecondsAtStartOf(std::chrono::year(10000));
+    return date.unixSeconds() >= first && date.unixSeconds() < end;
+}
 
 std::weak_ordering PlainLocale::compareIgnoringCase(std::string_view left,
                                                     std::string_view right) const {
@@ -53,6 +71,29 @@ std::string PlainLocale::decimal(double value, int fractionDigits) const {
 
 std::string PlainLocale::wholeNumber(std::int64_t value) const {
     return fmt::format("{}", value);
+}
+
+std::string PlainLocale::dateAndTime(Date date) const {
+    if (!hasForm(date)) {
+        return std::string(unknownDate);
+    }
+    const auto seconds = wholeSeconds(date);
+    const auto midnight = std::chrono::floor<std::chrono::days>(seconds);
+    const std::chrono::year_month_day day(midnight);
+    const std::chrono::hh_mm_ss time(seconds - midnight);
+    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", static_cast<int>(day.year()),
+                       static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
+                       time.hours().count(), time.minutes().count());
+}
+
+std::string PlainLocale::timeOfDay(Date date) const {
+    if (!hasForm(date)) {
+        return std::string(unknownDate);
+    }
+    const auto seconds = wholeSeconds(date);
+    const std::chrono::hh_mm_ss time(seconds - std::chrono::floor<std::chrono::days>(seconds));
+    return fmt::format("{:02}:{:02}:{:02}", time.hours().count(), time.minutes().count(),
+                       time.seconds().count());
 }
 
 }  // namespace tallowcrest

@@ -41,6 +41,9 @@ struct RemoteProcess {
     std::string command;
 
     std::int64_t id() const { return pid; }
+    /// The last path component of `command`, or `command` itself when that component is empty.
+    std::string_view displayName() const;
+
     auto fields() const { return std::tie(pid, cpu, rssMB, command); }
     bool operator==(const RemoteProcess&) const = default;
 };

@@ -6,11 +6,6 @@ namespace tallowcrest {
 
 StartupState startupState(const Settings& settings, const StartupFindings& findings) {
     StartupState state;
-    state.diskAutopilotStatus = settings.automationEmergencyStopEngaged
-                                    ? "Emergency stop is engaged. All automatic actions are off."
-                                : settings.diskAutopilotEnabled
-                                    ? "Watching disk space with staged trust controls."
-                                    : "Disk Autopilot is off.";
     state.openAIKeySaved = findings.openAIKeyFound;
     state.storageAnalysisRootName = "Personal folders";
     state.aiInsight = findings.openAIKeyFound

@@ -10,7 +10,6 @@ namespace tallowcrest {
 
 /// What the monitor's status lines say before the first sample.
 struct StartupState {
-    std::string diskAutopilotStatus;
     bool openAIKeySaved = false;
     std::string storageAnalysisRootName;
     std::string aiInsight;

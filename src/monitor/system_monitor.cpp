@@ -29,7 +29,7 @@ BackgroundHooks withOwnSteps(BackgroundHooks hooks, std::shared_ptr<const Locale
     return hooks;
 }
 
-MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample,
+MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample, AutoRules& rules,
                        std::function<std::span<const RemoteHealth>()> remoteHealth,
                        const SettingsTable& remoteTopAppSamples,
                        std::shared_ptr<const Locale> locale) {
@@ -37,9 +37,9 @@ MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample,
         hooks.buildSessionInsights = [&sample, remoteHealth = std::move(remoteHealth),
                                       &remoteTopAppSamples,
                                       locale = std::move(locale)](const SystemSnapshot&) {
-            const auto scanned = remoteHealth ? remoteHealth() : std::span<const RemoteHealth>();
             return buildSessionInsights(
-                {sample.history(), sample.topAppSamples(), scanned, remoteTopAppSamples}, *locale);
+                {sample.history(), sample.topAppSamples(), remoteHealth(), remoteTopAppSamples},
+                *locale);
         };
     }
     if (!hooks.addSustainedRecommendations) {
@@ -48,7 +48,42 @@ MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample,
                                                sample.snapshot()->appImpacts);
         };
     }
+    if (!hooks.runAutoRules) {
+        hooks.runAutoRules = [&rules](const SystemSnapshot& snapshot) {
+            rules.runAutoRules(snapshot);
+        };
+    }
+    if (!hooks.raiseLoadWarning) {
+        hooks.raiseLoadWarning = [&rules](const SystemSnapshot& snapshot) {
+            rules.raiseLoadWarning(snapshot);
+        };
+    }
     return hooks;
+}
+
+/// The hooks that lead from one component of the monitor to another.
+AutoRules::Hooks withWarnings(AutoRules::Hooks hooks, WarningNotifications& notifications) {
+    hooks.postLoadWarning = [&notifications](const std::string& topProcessName) {
+        notifications.postLoadWarning(topProcessName);
+    };
+    return hooks;
+}
+
+Automation::Hooks withRegistration(Automation::Hooks hooks, WarningNotifications& notifications) {
+    hooks.registerNotificationCategories = [&notifications] {
+        notifications.registerNotificationCategories();
+    };
+    return hooks;
+}
+
+WarningNotifications::Hooks leadingTo(Navigation& navigation, const MonitorExtensions& extensions) {
+    return {[&navigation, bringToFront = extensions.bringToFront](AppRoute route) {
+                navigation.setSelectedRoute(route);
+                if (bringToFront) {
+                    bringToFront();
+                }
+            },
+            extensions.requestAIAnalysis, extensions.rules.scanRemoteMacs};
 }
 
 }  // namespace
@@ -64,10 +99,12 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
     : host_(std::move(host)),
       store_(ports.settingsStore),
       mainQueue_(ports.mainQueue),
-      registerNotifications_(std::move(extensions.registerNotifications)),
+      locale_(ports.locale),
       observable_(ports.mainQueue),
       settings_(std::move(beginning.stored.settings)),
       remoteTopAppSamples_(std::move(beginning.stored.remoteTopAppSamples)),
+      aiTrustRecords_(std::move(beginning.stored.aiTrustRecords)),
+      remoteHealth_(std::move(extensions.remoteHealth)),
       startup_(startupState(settings_, findings(host_, extensions))),
       log_(ports.clock, observable_, std::move(beginning.stored.activityLog),
            [this](const auto& events) { saveActivityLog(store_, events); }),
@@ -79,11 +116,27 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
       limits_(settings_, store_, observable_),
       sections_(settings_.collapsedSections, store_, log_, observable_),
       review_(observable_, log_, sample_, settings_.protectedAppNames, host_.protection),
+      confirmations_(observable_, log_),
+      localActions_({observable_, log_, sample_, review_, confirmations_, settings_, store_,
+                     host_.protection, ports.mainQueue, ports.workQueue, [this] { refresh(); }},
+                    ports.localActions),
+      notifications_(ports.notifications, settings_, leadingTo(navigation_, extensions)),
+      automation_(observable_, log_, settings_, store_,
+                  withRegistration(std::move(extensions.automation), notifications_)),
+      connection_(observable_, log_, settings_, store_),
+      autoRules_({log_, sample_, review_, localActions_, settings_, host_.protection, ports.clock,
+                  *locale_},
+                 withWarnings(std::move(extensions.rules), notifications_)),
       applications_(log_, std::move(extensions.openActivityMonitor)),
+      pasteboard_(log_, std::move(extensions.storeOnPasteboard)),
+      reports_({log_, pasteboard_, ports.clock, *locale_, [this] { return diagnosticsFacts(); },
+                ports.utcOffset ? ports.utcOffset : [](Date) { return std::int64_t{0}; },
+                ports.reportFolder}),
       cycle_(ports.mainQueue, ports.workQueue, ports.clock, std::move(beginning.sources), sample_,
              withOwnSteps(std::move(extensions.background), ports.locale),
-             withOwnSteps(std::move(extensions.main), sample_, std::move(extensions.remoteHealth),
-                          remoteTopAppSamples_, ports.locale),
+             withOwnSteps(
+                 std::move(extensions.main), sample_, autoRules_, [this] { return remoteHealth(); },
+                 remoteTopAppSamples_, ports.locale),
              [this] {
                  return SampleInputs{host_.cpuCount, settings_.protectedAppNames, host_.protection};
              }) {
@@ -96,11 +149,28 @@ void SystemMonitor::startMonitoring(std::chrono::milliseconds interval) {
     if (std::exchange(isStarted_, true)) {
         return;
     }
-    if (registerNotifications_) {
-        registerNotifications_();
-    }
+    notifications_.registerNotificationCategories();
     refresh();
     timer_ = mainQueue_.scheduleRepeating(interval, [this] { refresh(); });
+}
+
+std::span<const RemoteHealth> SystemMonitor::remoteHealth() const {
+    return remoteHealth_ ? remoteHealth_() : std::span<const RemoteHealth>();
+}
+
+std::optional<DiagnosticsFacts> SystemMonitor::diagnosticsFacts() const {
+    if (!sample_.snapshot()) {
+        return std::nullopt;
+    }
+    return DiagnosticsFacts{.snapshot = *sample_.snapshot(),
+                            .settings = settings_,
+                            .sessionInsights = sample_.sessionInsights(),
+                            .remoteHealth = remoteHealth(),
+                            .openAIKeySaved = startup_.openAIKeySaved,
+                            .aiInsight = startup_.aiInsight,
+                            .aiActions = {},
+                            .aiTrustRecords = aiTrustRecords_,
+                            .activityLog = log_.activityLog()};
 }
 
 void SystemMonitor::stopMonitoring() {

@@ -1,14 +1,21 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "actions/automation.h"
+#include "actions/confirmation_desk.h"
+#include "actions/connection_settings.h"
 #include "actions/external_applications.h"
+#include "actions/local_actions.h"
+#include "actions/pasteboard.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
@@ -20,11 +27,15 @@
 #include "core/remote_records.h"
 #include "core/settings.h"
 #include "core/settings_store.h"
-#include "monitor/automation_dates.h"
+#include "integration/notification_center.h"
+#include "integration/warning_notifications.h"
+#include "monitor/auto_rules.h"
 #include "monitor/dashboard_sections.h"
 #include "monitor/navigation.h"
 #include "monitor/sample_cycle.h"
 #include "monitor/startup_state.h"
+#include "reports/report_folder.h"
+#include "reports/reports.h"
 #include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 #include "sampling/system_cpu_load_reader.h"
@@ -42,6 +53,11 @@ struct MonitorPorts {
     std::shared_ptr<SystemMetricsReader> metrics;
     std::shared_ptr<CPUTickSource> ticks;
     std::shared_ptr<const Locale> locale;  ///< never null
+    LocalActionPorts localActions;
+    NotificationCenter* notifications = nullptr;      ///< null where nobody can be notified
+    std::shared_ptr<ReportFolder> reportFolder = {};  ///< null where nothing can be exported
+    /// By how many seconds the clock on the wall is ahead of UTC. Absent: not at all.
+    std::function<std::int64_t(Date)> utcOffset = {};
 };
 
 /// Facts of this process and machine, fixed for the run.
@@ -60,13 +76,17 @@ struct HostFacts {
 struct MonitorExtensions {
     BackgroundHooks background;
     MainHooks main;
-    /// Registers for notifications and their buttons; called once, when monitoring starts.
-    std::function<void()> registerNotifications;
+    AutoRules::Hooks rules;
+    Automation::Hooks automation;
+    /// Shows the window in front, on the route that is selected by then.
+    std::function<void()> bringToFront;
+    std::function<void()> requestAIAnalysis;
     std::function<bool()> hasOpenAIKey;
     std::function<bool()> hasLocalPublicKey;
     /// The newest scan of other machines, valid until the main thread does something else.
     std::function<std::span<const RemoteHealth>()> remoteHealth;
     ExternalApplications::Open openActivityMonitor;
+    Pasteboard::Store storeOnPasteboard;
 };
 
 /// The one central object that the views observe and call. It is composed of one component per
@@ -98,13 +118,20 @@ public:
     Limits& limits() { return limits_; }
     const StartupState& startup() const { return startup_; }
     const HostFacts& host() const { return host_; }
-    const AutomationDates& automationDates() const { return automationDates_; }
+    const AutoRules& autoRules() const { return autoRules_; }
+    Automation& automation() { return automation_; }
+    ConnectionSettings& connection() { return connection_; }
+    WarningNotifications& notifications() { return notifications_; }
     ActivityLog& log() { return log_; }
     const LatestSample& sample() const { return sample_; }
     Navigation& navigation() { return navigation_; }
     DashboardSections& sections() { return sections_; }
     ReviewTarget& review() { return review_; }
+    ConfirmationDesk& confirmations() { return confirmations_; }
+    LocalActions& localActions() { return localActions_; }
     ExternalApplications& applications() { return applications_; }
+    Pasteboard& pasteboard() { return pasteboard_; }
+    Reports& reports() { return reports_; }
 
 private:
     /// What construction begins with, in this order: the load is counted from the first moment.
@@ -115,22 +142,36 @@ private:
     SystemMonitor(const MonitorPorts& ports, HostFacts host, MonitorExtensions extensions,
                   Beginning beginning);
 
+    /// Absent before the first sample.
+    std::optional<DiagnosticsFacts> diagnosticsFacts() const;
+    /// Empty while nobody scans other machines.
+    std::span<const RemoteHealth> remoteHealth() const;
+
     HostFacts host_;
     SettingsStore& store_;
     MainQueue& mainQueue_;
-    std::function<void()> registerNotifications_;
+    std::shared_ptr<const Locale> locale_;
     Observable observable_;
     Settings settings_;
     SettingsTable remoteTopAppSamples_;
+    std::map<std::string, AITrustRecord> aiTrustRecords_;
+    std::function<std::span<const RemoteHealth>()> remoteHealth_;
     StartupState startup_;
-    AutomationDates automationDates_;
     ActivityLog log_;
     LatestSample sample_;
     Navigation navigation_;
     Limits limits_;
     DashboardSections sections_;
     ReviewTarget review_;
+    ConfirmationDesk confirmations_;
+    LocalActions localActions_;
+    WarningNotifications notifications_;
+    Automation automation_;
+    ConnectionSettings connection_;
+    AutoRules autoRules_;
     ExternalApplications applications_;
+    Pasteboard pasteboard_;
+    Reports reports_;
     SampleCycle cycle_;
     std::unique_ptr<RepeatingTimer> timer_;
     bool isStarted_ = false;

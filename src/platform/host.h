@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "actions/process_control.h"
 #include "core/places.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/protection.h"
@@ -24,6 +25,16 @@ const CommandSafetyPolicy::AllowedExecutables& allowedExecutables();
 /// a reader keeps many files open, this also raises the process's limit on them.
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher);
 std::shared_ptr<CPUTickSource> makeTickSource();
+
+/// Finds and signals this system's processes. `launcher` must outlive it where a tool does that.
+std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher& launcher);
+
+/// Whether the process that a sample told of still runs. One without a start time stands for
+/// whichever process bears its number.
+bool isStillThere(const ProcessSample& sample);
+
+/// The tools that purge the file caches for the user that this process runs as, in their order.
+std::vector<ToolRequest> purgeTools();
 
 /// What must not be quit here, with this process's own identifier.
 ProtectionPolicy protectionPolicy();

@@ -6,6 +6,7 @@
 #include "presentation/card.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/optimize/workspace_bar.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -13,9 +14,6 @@ namespace {
 
 QString comingLine(AppRoute route) {
     switch (route) {
-        case AppRoute::optimize:
-            return QStringLiteral(
-                "Here you will review one process or app group and choose what to do about it.");
         case AppRoute::optimizationSuggestions:
             return QStringLiteral(
                 "Here you will find the next steps for CPU, memory and disk, most useful first.");
@@ -32,6 +30,7 @@ QString comingLine(AppRoute route) {
             return QStringLiteral("Here you will choose thresholds and what may run by itself.");
         case AppRoute::overview:
         case AppRoute::load:
+        case AppRoute::optimize:
             break;
     }
     return {};
@@ -43,21 +42,18 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
     : Screen(parent), monitor_(monitor), route_(route) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
+    if (WorkspaceBar::isStep(route)) {
+        layout->setSpacing(spacing::gap);
+        layout->addWidget(new WorkspaceBar(monitor, route, this));
+    }
     auto* card = new Card(this);
     card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
     card->setAccessibleName(dashboard_text::text(title(route)));
-    const auto addLine = [card](const QString& name, const ThemeColor& color) {
-        auto* line = new ElidedLabel(QString(), &CrestFonts::body, color, card);
-        line->setObjectName(card->objectName() + name);
-        line->setLines(1, 3);
-        line->setGround(&CrestTheme::cardBackground);
-        card->contentLayout()->addWidget(line);
-        return line;
-    };
-    if (route == AppRoute::optimize) {
-        step_ = addLine(QStringLiteral(".step"), &CrestTheme::text);
-    }
-    line_ = addLine(QStringLiteral(".line"), &CrestTheme::secondaryText);
+    line_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    line_->setObjectName(card->objectName() + QStringLiteral(".line"));
+    line_->setLines(1, 3);
+    line_->setGround(&CrestTheme::cardBackground);
+    card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
     layout->addStretch(1);
 }
@@ -65,10 +61,6 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
 void ComingPage::refresh() {
     const bool hasSample = monitor_.sample().snapshot().has_value();
     line_->setText(hasSample ? comingLine(route_) : QStringLiteral("Sampling this Mac..."));
-    if (step_ != nullptr) {
-        step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
-        step_->setVisible(hasSample);
-    }
 }
 
 }  // namespace tallowcrest

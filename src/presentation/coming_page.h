@@ -8,8 +8,8 @@ namespace tallowcrest {
 class ElidedLabel;
 class SystemMonitor;
 
-/// What a route says whose screen is still to come: one plain line, and on Optimize where the owner
-/// stands in the guided workflow, which the buttons above change already. Main thread.
+/// What a route says whose screen is still to come: one plain line, below the workspace bar where
+/// the route is a step of that. Main thread.
 class ComingPage final : public Screen {
     Q_OBJECT
 
@@ -22,7 +22,6 @@ private:
     SystemMonitor& monitor_;
     AppRoute route_;
     ElidedLabel* line_ = nullptr;
-    ElidedLabel* step_ = nullptr;  ///< on Optimize alone
 };
 
 }  // namespace tallowcrest

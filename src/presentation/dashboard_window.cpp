@@ -3,16 +3,24 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QHideEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QStackedLayout>
+#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
 #include "presentation/coming_page.h"
+#include "presentation/confirmation_dialog.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/icon.h"
+#include "presentation/operation_target_bar.h"
+#include "presentation/optimize/cleanup_page.h"
 #include "presentation/overview_page.h"
 #include "presentation/page_header.h"
 #include "presentation/processes_page.h"
@@ -24,9 +32,27 @@ namespace tallowcrest {
 namespace {
 
 constexpr QSize firstSize{1080, 720};
-constexpr QSize smallestSize{640, 440};
+constexpr QSize smallestSize{640, 480};
 /// Below this the sidebar keeps its icons and gives its words' room to the content.
 constexpr int foldingWidth = 860;
+
+QAction* named(QAction* action, const QString& identifier) {
+    action->setObjectName(QStringLiteral("menu.") + identifier);
+    return action;
+}
+
+/// The keys that File's commands share with the editing of text.
+bool deletesAWord(const QKeyEvent& key) {
+    return key.modifiers() == Qt::ControlModifier &&
+           (key.key() == Qt::Key_Delete || key.key() == Qt::Key_Backspace);
+}
+
+bool isInTextField() {
+    const QWidget* focus = QApplication::focusWidget();
+    return qobject_cast<const QLineEdit*>(focus) != nullptr ||
+           qobject_cast<const QTextEdit*>(focus) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(focus) != nullptr;
+}
 
 }  // namespace
 
@@ -65,6 +91,11 @@ QWidget* DashboardWindow::makeContent() {
     strip_ = new StatusStrip(monitor_, content);
     right->addWidget(header_);
     right->addWidget(strip_);
+    target_ = new OperationTargetBar(monitor_, content);
+    auto* targetRow = new QHBoxLayout;
+    targetRow->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
+    targetRow->addWidget(target_);
+    right->addLayout(targetRow);
     pages_ = new QStackedLayout;
     right->addLayout(pages_, 1);
     columns->addLayout(right, 1);
@@ -73,53 +104,78 @@ QWidget* DashboardWindow::makeContent() {
 
 void DashboardWindow::makeMenus() {
     menuBar()->setObjectName(QStringLiteral("menu"));
+    makeApplicationMenu();
+    makeFileMenu();
+    makeGoMenu();
+}
+
+void DashboardWindow::makeApplicationMenu() {
     QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
     application->setObjectName(QStringLiteral("menu.application"));
-    const auto name = [](QAction* action, const QString& identifier) {
-        action->setObjectName(QStringLiteral("menu.") + identifier);
-        return action;
-    };
-    name(application->addAction(
-             QStringLiteral("About Tallowcrest"), this,
-             [this] {
-                 QMessageBox::about(
-                     this, QStringLiteral("About Tallowcrest"),
-                     QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
-             }),
-         QStringLiteral("about"))
+    named(application->addAction(
+              QStringLiteral("About Tallowcrest"), this,
+              [this] {
+                  QMessageBox::about(
+                      this, QStringLiteral("About Tallowcrest"),
+                      QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
+              }),
+          QStringLiteral("about"))
         ->setMenuRole(QAction::AboutRole);
-    QAction* refreshAction = name(
+    QAction* refreshAction = named(
         application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
         QStringLiteral("refresh"));
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
     application->addSeparator();
     QAction* quit =
-        name(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
-             QStringLiteral("quit"));
+        named(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
+              QStringLiteral("quit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
+}
 
+void DashboardWindow::makeFileMenu() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("menu.file"));
+    QAction* quitProcess =
+        named(file->addAction(QStringLiteral("Quit Selected Process"), this,
+                              [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
+              QStringLiteral("quit-selected-process"));
+    quitProcess->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
+    QAction* quitApp =
+        named(file->addAction(QStringLiteral("Quit Selected App Group"), this,
+                              [this] { monitor_.localActions().requestQuitSelectedApp(); }),
+              QStringLiteral("quit-selected-app"));
+    // By their first word they would be taken for the command that quits this application.
+    quitProcess->setMenuRole(QAction::NoRole);
+    quitApp->setMenuRole(QAction::NoRole);
+}
+
+void DashboardWindow::makeGoMenu() {
     QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
     go->setObjectName(QStringLiteral("menu.go"));
     int key = Qt::Key_1;
     for (const AppRoute route : allAppRoutes) {
         QAction* action =
-            name(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
-                               dashboard_text::text(title(route)), this,
-                               [this, route] { monitor_.navigation().setSelectedRoute(route); }),
-                 QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
+            named(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
+                                dashboard_text::text(title(route)), this,
+                                [this, route] { monitor_.navigation().setSelectedRoute(route); }),
+                  QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
+        // "Settings" is a place to go to here, not the application's settings command.
+        action->setMenuRole(QAction::NoRole);
     }
     go->addSeparator();
-    QAction* filter = name(go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
-                                         QStringLiteral("Filter Processes"), this,
-                                         [this] {
-                                             monitor_.navigation().setSelectedRoute(AppRoute::load);
-                                             refresh();
-                                             screen(AppRoute::load)->focusSearch();
-                                         }),
-                           QStringLiteral("go.filter-processes"));
+    QAction* filter =
+        named(go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
+                            QStringLiteral("Filter Processes"), this,
+                            [this] {
+                                monitor_.navigation().setSelectedRoute(AppRoute::load);
+                                refresh();
+                                screen(AppRoute::load)->focusSearch();
+                            }),
+              QStringLiteral("go.filter-processes"));
     filter->setShortcut(QKeySequence::Find);
 }
 
@@ -129,6 +185,8 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new OverviewPage(monitor_);
         case AppRoute::load:
             return new ProcessesPage(monitor_);
+        case AppRoute::optimize:
+            return new CleanupPage(monitor_);
         default:
             return new ComingPage(monitor_, route);
     }
@@ -144,7 +202,8 @@ Screen* DashboardWindow::screen(AppRoute route) {
 }
 
 void DashboardWindow::refresh() {
-    if (!isVisible() || isMinimized()) {
+    refreshConfirmation();
+    if (!canBeSeen()) {
         return;
     }
     const AppRoute route = monitor_.navigation().selectedRoute();
@@ -156,6 +215,7 @@ void DashboardWindow::refresh() {
         pages_->setCurrentWidget(shown);
     }
     strip_->refresh();
+    target_->refresh();
     shown->refresh();
     layOut();
     if (!hasShownSample_ && monitor_.sample().snapshot()) {
@@ -185,10 +245,56 @@ void DashboardWindow::bringToFront() {
     show();
     mainQueue_.post([window = QPointer<DashboardWindow>(this)] {
         if (window != nullptr) {
-            window->raise();
-            window->activateWindow();
+            window->comeForward();
         }
     });
+}
+
+void DashboardWindow::comeForward() {
+    raise();
+    activateWindow();
+    if (confirmation_ != nullptr && confirmation_->isVisible()) {
+        // It is what answers the keyboard as long as it stands.
+        confirmation_->raise();
+        confirmation_->activateWindow();
+    }
+}
+
+void DashboardWindow::refreshConfirmation() {
+    if (confirmation_ != nullptr && confirmation_->isVisible()) {
+        confirmation_->refresh();
+    } else if (monitor_.confirmations().pendingConfirmation()) {
+        // Behind the window's own appearance, which may be under way.
+        QMetaObject::invokeMethod(this, &DashboardWindow::openConfirmation, Qt::QueuedConnection);
+    }
+}
+
+void DashboardWindow::openConfirmation() {
+    if (!canBeSeen() || !monitor_.confirmations().pendingConfirmation()) {
+        return;
+    }
+    if (confirmation_ == nullptr) {
+        confirmation_ = new ConfirmationDialog(monitor_.confirmations(), this);
+    }
+    confirmation_->refresh();
+}
+
+bool DashboardWindow::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && isInTextField() &&
+        deletesAWord(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QMainWindow::event(event);
+}
+
+void DashboardWindow::hideEvent(QHideEvent* event) {
+    QMainWindow::hideEvent(event);
+    // The dialog cannot stand without its window, and leaving it so is not a yes. A window that is
+    // minimised takes its dialog along and brings it back.
+    if (!event->spontaneous() && confirmation_ != nullptr && confirmation_->isVisible()) {
+        confirmation_->reject();
+    }
 }
 
 void DashboardWindow::showEvent(QShowEvent* event) {

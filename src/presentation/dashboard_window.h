@@ -14,6 +14,8 @@ class QStackedLayout;
 
 namespace tallowcrest {
 
+class ConfirmationDialog;
+class OperationTargetBar;
 class PageHeader;
 class Screen;
 class Sidebar;
@@ -21,7 +23,8 @@ class StatusStrip;
 class SystemMonitor;
 
 /// The one dashboard window. Only what can be seen is kept up to date; a closed or minimised window
-/// does no work. Main thread.
+/// does no work. A request that waits for a confirmation brings up a dialog above it, whatever
+/// route it shows. Main thread.
 class DashboardWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -42,13 +45,23 @@ signals:
 protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* makeContent();
     void makeMenus();
+    void makeApplicationMenu();
+    void makeFileMenu();
+    void makeGoMenu();
     void refresh();
+    bool canBeSeen() const { return isVisible() && !isMinimized(); }
+    /// Opens the dialog when a request is pending, and keeps an open one up to date.
+    void refreshConfirmation();
+    void openConfirmation();
+    void comeForward();
     /// Arranges what has changed at once.
     void layOut();
     Screen* screen(AppRoute route);
@@ -59,6 +72,8 @@ private:
     Sidebar* sidebar_ = nullptr;
     PageHeader* header_ = nullptr;
     StatusStrip* strip_ = nullptr;
+    OperationTargetBar* target_ = nullptr;
+    ConfirmationDialog* confirmation_ = nullptr;  ///< built for the first request
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;

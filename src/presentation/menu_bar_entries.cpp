@@ -7,6 +7,20 @@
 
 namespace tallowcrest {
 
+namespace {
+
+/// A command that ends in a question or in a refusal. The window is what shows either, the one as
+/// its dialog and the other in its status strip: left closed, the click would seem to do nothing.
+std::function<void()> askingInFront(SystemMonitor& monitor, DashboardWindow& window,
+                                    void (LocalActions::*request)()) {
+    return [&monitor, &window, request] {
+        (monitor.localActions().*request)();
+        window.bringToFront();
+    };
+}
+
+}  // namespace
+
 std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window) {
     return {
         {QStringLiteral("Show Dashboard"), QStringLiteral("macwindow"),
@@ -17,6 +31,12 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
          [&window] { window.openRoute(AppRoute::optimize); }},
         {QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
          QStringLiteral("menubar.refresh"), [&monitor] { monitor.refresh(); }},
+        {QStringLiteral("Purge File Caches"), QStringLiteral("memorychip"),
+         QStringLiteral("menubar.purge"),
+         askingInFront(monitor, window, &LocalActions::requestPurge)},
+        {QStringLiteral("Quit Top App"), QStringLiteral("xmark.circle"),
+         QStringLiteral("menubar.quit-top-app"),
+         askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)},
         {QStringLiteral("Expand Dashboard Sections"), QStringLiteral("chevron.down"),
          QStringLiteral("menubar.expand-sections"), [&monitor] { monitor.sections().expandAll(); }},
         {QStringLiteral("Collapse Dashboard Sections"), QStringLiteral("chevron.right"),

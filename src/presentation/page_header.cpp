@@ -1,17 +1,24 @@
 #include "presentation/page_header.h"
 
+#include <vector>
+
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
 #include "presentation/controls.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/icon.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
 namespace {
+
+/// What a button's icon is called, for when there is room for it again.
+constexpr const char* iconProperty = "tallowcrest.icon";
 
 QString identifierOn(AppRoute route, const char* action) {
     return dashboard_text::text(rawValue(route)) + u'.' + QString::fromLatin1(action);
@@ -40,6 +47,7 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     refresh_ =
         makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
                    QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
+    refresh_->setProperty(iconProperty, QStringLiteral("arrow.clockwise"));
     connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
     row->addWidget(refresh_);
     layout->addLayout(row);
@@ -58,6 +66,35 @@ void PageHeader::setRoute(AppRoute route) {
     }
     addRouteActions(route);
     orderActions();
+    fold();
+}
+
+void PageHeader::fold() {
+    std::vector<QPushButton*> buttons{refresh_};
+    for (int i = 0; i < actions_->count(); ++i) {
+        buttons.push_back(qobject_cast<QPushButton*>(actions_->itemAt(i)->widget()));
+    }
+    const auto showIcons = [&buttons](bool areShown) {
+        for (QPushButton* button : buttons) {
+            button->setIcon(areShown ? themedIcon(button->property(iconProperty).toString())
+                                     : QIcon());
+        }
+    };
+    showIcons(true);
+    int wanted = 2 * spacing::pagePadding + title_->sizeHint().width();
+    for (const QPushButton* button : buttons) {
+        wanted += spacing::unit + button->sizeHint().width();
+    }
+    if (wanted > width()) {
+        showIcons(false);
+    }
+}
+
+void PageHeader::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width()) {
+        fold();
+    }
 }
 
 void PageHeader::orderActions() {
@@ -76,6 +113,7 @@ void PageHeader::orderActions() {
 QPushButton* PageHeader::addAction(const QString& title, const QString& icon,
                                    const QString& identifier, const QString& description) {
     QPushButton* button = makeButton(title, icon, identifier, description, this);
+    button->setProperty(iconProperty, icon);
     actions_->addWidget(button);
     return button;
 }
@@ -105,6 +143,11 @@ void PageHeader::addRouteActions(AppRoute route) {
                             tellSelection(snapshot->appImpacts.front().topPID);
                         }
                     });
+            connect(addAction(QStringLiteral("Purge"), QStringLiteral("memorychip"),
+                              identifierOn(route, "purge"),
+                              QStringLiteral("Asks before it clears the file caches")),
+                    &QPushButton::clicked, this,
+                    [this] { monitor_.localActions().requestPurge(); });
         }
         addActivity(route);
     }

@@ -16,7 +16,7 @@ class ElidedLabel;
 class SystemMonitor;
 
 /// The top of every route: its title, its subtitle, the actions that belong to it, and "Refresh".
-/// Main thread.
+/// Where there is no room for both, the words of the actions stay and their icons go. Main thread.
 class PageHeader final : public QWidget {
     Q_OBJECT
 
@@ -24,6 +24,9 @@ public:
     explicit PageHeader(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void setRoute(AppRoute route);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
 
 signals:
     /// The owner selected a process here, perhaps the one that was under review already.
@@ -34,6 +37,7 @@ private:
     void addSelectTop(AppRoute route);
     void addActivity(AppRoute route);
     void orderActions();
+    void fold();
     /// Emits `selectionMade` when the process that was asked for is the one under review now.
     void tellSelection(std::optional<std::int64_t> wanted);
     QPushButton* addAction(const QString& title, const QString& icon, const QString& identifier,

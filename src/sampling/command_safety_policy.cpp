@@ -38,7 +38,8 @@ const AllowedExecutables& macOSExecutables() {
 const AllowedExecutables& linuxExecutables() {
     static const AllowedExecutables executables = [] {
         std::vector<std::string_view> paths(linuxSystemMonitors.begin(), linuxSystemMonitors.end());
-        paths.emplace_back("/usr/bin/ssh");
+        paths.insert(paths.end(),
+                     {"/usr/bin/pkexec", "/usr/bin/ssh", "/usr/bin/sync", "/usr/sbin/sysctl"});
         return AllowedExecutables(std::span<const std::string_view>(paths));
     }();
     return executables;

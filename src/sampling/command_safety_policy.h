@@ -33,8 +33,9 @@ inline constexpr std::array<std::string_view, 6> linuxSystemMonitors{
     "/usr/bin/gnome-system-monitor", "/usr/bin/plasma-systemmonitor", "/usr/bin/ksysguard",
     "/usr/bin/mate-system-monitor",  "/usr/bin/xfce4-taskmanager",    "/usr/bin/lxtask"};
 
-/// The tools that are launched on Linux, where the kernel's own files replace most others: the
-/// secure shell and `linuxSystemMonitors`.
+/// The tools that are launched on Linux, where the kernel's own files and calls replace most
+/// others: the secure shell, what purges the file caches with the owner's authorisation, and
+/// `linuxSystemMonitors`.
 const AllowedExecutables& linuxExecutables();
 
 inline bool isAllowedExecutable(const AllowedExecutables& allowed, std::string_view path) {

@@ -9,10 +9,10 @@ namespace tallowcrest {
 
 /// One launch of an external tool.
 struct ToolRequest {
-    std::string path;                    ///< absolute
-    std::vector<std::string> arguments;  ///< without the tool's own name
+    std::string path;                         ///< absolute
+    std::vector<std::string> arguments = {};  ///< without the tool's own name
     /// Counted from the launch. Absent: wait for the exit however long it takes.
-    std::optional<std::chrono::milliseconds> timeout;
+    std::optional<std::chrono::milliseconds> timeout = {};
     /// Whether standard error joins standard output in the captured text; else it is discarded.
     bool mergeStandardError = false;
 };

@@ -281,6 +281,46 @@ TEST_F(ReviewTargetTest, SummaryNamesARowWithoutAPathComponentByItsWholeCommand)
     EXPECT_EQ(review.selectedTargetSummary().title, "//");
 }
 
+TEST_F(ReviewTargetTest, ANumberThatChangedHandsIsNotTheProcessUnderReview) {
+    ProcessSample reviewed = row(700, "/usr/bin/editor");
+    reviewed.startTime = 1000;
+    publish({reviewed}, {reviewed});
+    review.selectProcess(reviewed);
+    ASSERT_NE(review.selectedRow(), nullptr);
+    EXPECT_EQ(review.selectedStartTime(), 1000U);
+    ProcessSample later = row(700, "/usr/bin/backup");
+    later.startTime = 1001;
+    publish({later}, {later});
+    EXPECT_EQ(review.selectedRow(), nullptr);
+    EXPECT_EQ(review.selectedTargetSummary(),
+              (SelectedTargetSummary{
+                  "PID 700", "Selected for review. Process details are not in the latest sample.",
+                  false}));
+}
+
+TEST_F(ReviewTargetTest, WhereNoStartTimesAreToldTheNumberHasToDo) {
+    ProcessSample untold = row(700, "/usr/bin/editor");
+    publish({untold}, {});
+    review.selectProcess(untold);
+    EXPECT_EQ(review.selectedStartTime(), 0U);
+    EXPECT_NE(review.selectedRow(), nullptr);
+}
+
+TEST_F(ReviewTargetTest, ATargetIsMovedWithoutTheStep) {
+    ProcessSample listed = row(700, "/usr/bin/editor");
+    listed.startTime = 1000;
+    publish({listed}, {});
+    review.setTarget(700, "editor");
+    EXPECT_EQ(review.selectedPID(), 700);
+    EXPECT_EQ(review.selectedAppImpactName(), "editor");
+    EXPECT_EQ(review.selectedStartTime(), 1000U);
+    EXPECT_EQ(review.optimizeStep(), firstStep);
+    review.setTarget(701, "gone");
+    EXPECT_EQ(review.selectedStartTime(), 0U);
+    EXPECT_EQ(review.selectedRow(), nullptr);
+    EXPECT_THAT(log.activityLog(), IsEmpty());
+}
+
 TEST_F(ReviewTargetTest, TellsObserversOfEverySelection) {
     int told = 0;
     const Subscription subscription = observable.subscribe([&told] { ++told; });

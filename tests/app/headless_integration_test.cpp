@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -183,6 +184,34 @@ TEST(Headless, PrintsReadableBlocks) {
         headlines += line.find(" GB used  Disk ") != std::string::npos ? 1 : 0;
     }
     EXPECT_EQ(headlines, 2);
+}
+
+TEST(Headless, PrintsTheReportAndEnds) {
+    const ProgramResult result = run({"--headless", "--report", "--interval", "0.3"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_THAT(result.standardOutput, StartsWith("Tallowcrest report - "));
+    const std::vector<std::string> lines = linesOf(result.standardOutput);
+    for (const char* heading :
+         {"App\tCPU\tMemory\tProcesses\tProtected", "Session Insights", "PID\tCPU\tMemory\tProcess",
+          "Remote Health", "No remote scan results.", "Never Quit Apps", "Auto Rules",
+          "AI Intelligence", "AI trust history", "No trust history.", "Recent Events"}) {
+        EXPECT_THAT(lines, ::testing::Contains(heading));
+    }
+}
+
+TEST(Headless, RedactedTheReportNamesNoProcessNumber) {
+    const ProgramResult result = run({"--headless", "--report", "--redacted", "--interval", "0.3"});
+    EXPECT_EQ(result.status, 0);
+    const std::vector<std::string> lines = linesOf(result.standardOutput);
+    const auto heading = std::find(lines.begin(), lines.end(), "PID\tCPU\tMemory\tProcess");
+    ASSERT_NE(heading, lines.end());
+    std::size_t rows = 0;
+    for (auto line = heading + 1; line != lines.end() && !line->empty(); ++line) {
+        EXPECT_THAT(*line, StartsWith("redacted\t"));
+        ++rows;
+    }
+    EXPECT_GT(rows, 0U);
 }
 
 TEST(Headless, NeedsNoHomeAndNoEnvironment) {

@@ -133,9 +133,24 @@ TEST(Options, RefusesHeadlessOptionsWithoutHeadless) {
     EXPECT_EQ(refusal({"--json"}), "option '--json' needs '--headless'");
     EXPECT_EQ(refusal({"--samples", "3"}), "option '--samples' needs '--headless'");
     EXPECT_EQ(refusal({"--interval", "3"}), "option '--interval' needs '--headless'");
+    EXPECT_EQ(refusal({"--report"}), "option '--report' needs '--headless'");
+    EXPECT_EQ(refusal({"--redacted"}), "option '--redacted' needs '--report'");
+    EXPECT_EQ(refusal({"--headless", "--redacted"}), "option '--redacted' needs '--report'");
     // Help is given whatever else stands there.
     EXPECT_TRUE(accepted({"--json", "--help"}).showHelp);
     EXPECT_TRUE(accepted({"--samples", "3", "--version"}).showVersion);
+}
+
+TEST(Options, Report) {
+    EXPECT_TRUE(accepted({"--headless", "--report"}).report);
+    EXPECT_FALSE(accepted({"--headless", "--report"}).redacted);
+    EXPECT_TRUE(accepted({"--redacted", "--report", "--headless"}).redacted);
+    EXPECT_EQ(accepted({"--headless", "--report", "--interval", "0.5"}).interval,
+              milliseconds(500));
+    EXPECT_EQ(refusal({"--headless", "--report", "--json"}),
+              "option '--report' cannot go with '--json'");
+    EXPECT_EQ(refusal({"--headless", "--report", "--samples", "5"}),
+              "option '--report' cannot go with '--samples'");
 }
 
 TEST(Options, ReportsTheFirstFault) {
@@ -168,7 +183,7 @@ TEST(Options, MessagesCutALongArgumentBetweenCharacters) {
 TEST(Options, HelpTellsOfEveryOptionInNarrowLines) {
     const std::string help(helpText());
     for (const char* option : {"--headless", "--json", "--samples", "--interval", "--ui-testing",
-                               "--version", "--help", "-h"}) {
+                               "--report", "--redacted", "--version", "--help", "-h"}) {
         EXPECT_THAT(help, HasSubstr(option));
     }
     std::size_t longest = 0;

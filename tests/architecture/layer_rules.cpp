@@ -18,9 +18,9 @@ constexpr std::array<std::string_view, 11> layers{
 /// The highest layer that declares ports for platform/ to implement.
 constexpr std::string_view highestPortLayer = "integration";
 
-constexpr std::array<std::string_view, 7> platformLayers{
-    "platform",       "platform/posix", "platform/icu",    "platform/sqlite",
-    "platform/linux", "platform/macos", "platform/desktop"};
+constexpr std::array<std::string_view, 8> platformLayers{
+    "platform",       "platform/posix", "platform/icu", "platform/sqlite",
+    "platform/linux", "platform/macos", "platform/x11", "platform/desktop"};
 
 constexpr std::array<std::string_view, 3> qtLayers{"presentation", "platform/desktop", "app"};
 
@@ -60,6 +60,10 @@ std::optional<std::size_t> rankOf(std::string_view layer) {
 bool platformMayInclude(std::string_view from, std::string_view to) {
     if (const auto rank = rankOf(to)) {
         return *rank <= *rankOf(highestPortLayer);
+    }
+    // The desktop's services ask windows too, where there are windows of that kind.
+    if (from == "platform/desktop" && to == "platform/x11") {
+        return true;
     }
     const bool shared = to == "platform" || to == "platform/posix";
     return shared && (from != "platform") && (from != "platform/posix" || to == "platform");

@@ -107,5 +107,43 @@ TEST(PlainLocale, FormsWholeNumbers) {
     EXPECT_EQ(locale.wholeNumber(std::numeric_limits<std::int64_t>::max()), "9223372036854775807");
 }
 
+TEST(PlainLocale, FormsDatesInUTC) {
+    const PlainLocale locale;
+    struct Case {
+        double unixSeconds;
+        std::string dateAndTime;
+        std::string timeOfDay;
+    };
+    for (const Case& c : std::vector<Case>{
+             {0.0, "1970-01-01 00:00", "00:00:00"},
+             {-1.0, "1969-12-31 23:59", "23:59:59"},
+             {-0.25, "1969-12-31 23:59", "23:59:59"},
+             {59.999, "1970-01-01 00:00", "00:00:59"},
+             {951'782'400.0, "2000-02-29 00:00", "00:00:00"},
+             {978'307'200.0, "2001-01-01 00:00", "00:00:00"},
+             {1'799'966'712.75, "2027-01-14 22:45", "22:45:12"},
+             {-62'135'596'800.0, "0001-01-01 00:00", "00:00:00"},
+             {253'402'300'799.0, "9999-12-31 23:59", "23:59:59"},
+         }) {
+        const Date date = Date::fromUnixSeconds(c.unixSeconds);
+        EXPECT_TRUE(Locale::hasForm(date)) << c.unixSeconds;
+        EXPECT_EQ(locale.dateAndTime(date), c.dateAndTime) << c.unixSeconds;
+        EXPECT_EQ(locale.timeOfDay(date), c.timeOfDay) << c.unixSeconds;
+    }
+}
+
+TEST(PlainLocale, DatesOutsideTheCalendarAreUnknown) {
+    const PlainLocale locale;
+    for (const double unixSeconds :
+         {-62'135'596'801.0, 253'402'300'800.0, 1e18, -1e18, std::numeric_limits<double>::max(),
+          std::numeric_limits<double>::lowest(), std::numeric_limits<double>::infinity(),
+          -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+        const Date date = Date::fromUnixSeconds(unixSeconds);
+        EXPECT_FALSE(Locale::hasForm(date)) << unixSeconds;
+        EXPECT_EQ(locale.dateAndTime(date), "unknown") << unixSeconds;
+        EXPECT_EQ(locale.timeOfDay(date), "unknown") << unixSeconds;
+    }
+}
+
 }  // namespace
 }  // namespace tallowcrest

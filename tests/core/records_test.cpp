@@ -40,6 +40,16 @@ INSTANTIATE_TEST_SUITE_P(Commands, DisplayName,
                                            PathCase{"[kworker/0:1]", "[kworker/0:1]"},
                                            PathCase{"[a]/b", "b"}, PathCase{"/x/[a]", "[a]"}));
 
+TEST(RemoteDisplayName, IsTheLastComponentOrTheCommand) {
+    for (const PathCase& c : {PathCase{"/usr/bin/vi", "vi"}, PathCase{"vi", "vi"}, PathCase{"", ""},
+                              PathCase{"///", "///"}, PathCase{"/usr/lib/", "lib"},
+                              PathCase{"/Applications/A B.app/A|B", "A|B"}}) {
+        RemoteProcess row;
+        row.command = c.command;
+        EXPECT_EQ(row.displayName(), c.displayName);
+    }
+}
+
 TEST(LastPathComponent, IsEmptyWhenThereIsNone) {
     EXPECT_EQ(lastPathComponent(""), "");
     EXPECT_EQ(lastPathComponent("/"), "");
@@ -78,9 +88,10 @@ R with(R original, T R::*member, V value) {
 TEST(RecordEquality, ProcessSample) {
     using R = ProcessSample;
     const R r{7, 1.5, 2.5, 3.5, "/bin/a", "/bin/a"};
-    expectMemberwise<R>(r, {with(r, &R::pid, 8), with(r, &R::cpu, 1.6),
-                            with(r, &R::memoryPercent, 2.6), with(r, &R::rssMB, 3.6),
-                            with(r, &R::command, "/bin/b"), with(r, &R::arguments, "/bin/b")});
+    expectMemberwise<R>(
+        r, {with(r, &R::pid, 8), with(r, &R::cpu, 1.6), with(r, &R::memoryPercent, 2.6),
+            with(r, &R::rssMB, 3.6), with(r, &R::command, "/bin/b"),
+            with(r, &R::arguments, "/bin/b"), with(r, &R::startTime, std::uint64_t{1})});
     EXPECT_EQ(r.id(), 7);
 }
 

@@ -333,6 +333,8 @@ TEST(BuildRecommendations, DecimalsAreThoseOfTheLocale) {
             return std::to_string(std::lround(value * 10)) + "," + std::to_string(digits);
         }
         std::string wholeNumber(std::int64_t value) const override { return std::to_string(value); }
+        std::string dateAndTime(Date) const override { return {}; }
+        std::string timeOfDay(Date) const override { return {}; }
     };
     const auto cards =
         buildRecommendations({process(1, "/opt/docker", 2048.0)}, 1.5, 72.0, 0.0, CommaLocale());

@@ -11,6 +11,7 @@
 #include "core/record_json.h"
 #include "core/settings_keys.h"
 #include "monitor/system_monitor.h"
+#include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
@@ -27,7 +28,8 @@ protected:
         facts.startupProblems = std::move(problems);
         monitor = std::make_unique<SystemMonitor>(
             MonitorPorts{mainQueue, workQueue, clock, store, std::make_shared<FakeMetricsReader>(),
-                         std::make_shared<FakeTickSource>(), std::make_shared<PlainLocale>()},
+                         std::make_shared<FakeTickSource>(), std::make_shared<PlainLocale>(),
+                         FakeLocalActions().ports()},
             std::move(facts));
         return *monitor;
     }

@@ -13,25 +13,6 @@ StartupFindings findings(bool openAIKey, bool publicKey, std::vector<std::string
     return {openAIKey, publicKey, std::move(arguments)};
 }
 
-TEST(StartupState, DiskAutopilotStatus) {
-    struct Case {
-        bool stopEngaged;
-        bool autopilotEnabled;
-        const char* text;
-    };
-    for (const Case& c : {
-             Case{false, false, "Disk Autopilot is off."},
-             Case{false, true, "Watching disk space with staged trust controls."},
-             Case{true, false, "Emergency stop is engaged. All automatic actions are off."},
-             Case{true, true, "Emergency stop is engaged. All automatic actions are off."},
-         }) {
-        Settings settings;
-        settings.automationEmergencyStopEngaged = c.stopEngaged;
-        settings.diskAutopilotEnabled = c.autopilotEnabled;
-        EXPECT_EQ(startupState(settings, {}).diskAutopilotStatus, c.text);
-    }
-}
-
 TEST(StartupState, WithoutKeys) {
     const StartupState state = startupState({}, {});
     EXPECT_FALSE(state.openAIKeySaved);

@@ -13,6 +13,8 @@
 
 #include "core/record_json.h"
 #include "core/settings_keys.h"
+#include "tests/support/fake_local_actions.h"
+#include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
@@ -48,7 +50,8 @@ protected:
     SystemMonitor& makeMonitor(MonitorExtensions extensions = {}) {
         owned = std::make_unique<SystemMonitor>(
             MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
-                         std::make_shared<PlainLocale>()},
+                         std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
+                         &notifications},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
                       .loginName = "owner",
@@ -67,6 +70,7 @@ protected:
 
     ManualClock clock;
     ManualMainQueue mainQueue;
+    FakeNotificationCenter notifications;
     ManualWorkQueue workQueue;
     RecordingStore store;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
@@ -107,23 +111,21 @@ TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoadsThenAsksForTheKeys) 
         calls.emplace_back("public key");
         return true;
     };
-    const SystemMonitor monitor(MonitorPorts{mainQueue, workQueue, clock, telling, metrics, ticks,
-                                             std::make_shared<PlainLocale>()},
-                                HostFacts{}, std::move(extensions));
+    const SystemMonitor monitor(
+        MonitorPorts{mainQueue, workQueue, clock, telling, metrics, ticks,
+                     std::make_shared<PlainLocale>(), FakeLocalActions().ports()},
+        HostFacts{}, std::move(extensions));
     EXPECT_THAT(calls, ElementsAre("readTicks", "store", "key", "public key"));
 }
 
 TEST_F(SystemMonitorTest, ConstructionStartsNothing) {
-    int registrations = 0;
-    MonitorExtensions extensions;
-    extensions.registerNotifications = [&registrations] { ++registrations; };
-    SystemMonitor& monitor = makeMonitor(std::move(extensions));
+    SystemMonitor& monitor = makeMonitor();
     EXPECT_FALSE(monitor.isStarted());
     EXPECT_EQ(workQueue.pendingCount(), 0U);
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
     EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
     EXPECT_THAT(store.written, IsEmpty());
-    EXPECT_EQ(registrations, 0);
+    EXPECT_THAT(notifications.calls, IsEmpty());
 }
 
 TEST_F(SystemMonitorTest, ConstructionPrimesTheLoad) {
@@ -156,7 +158,7 @@ TEST_F(SystemMonitorTest, FieldsStartAsTold) {
     EXPECT_EQ(monitor.navigation().processFilter(), "");
     EXPECT_EQ(monitor.settings().sshUsername, "owner");
     EXPECT_EQ(monitor.host().cpuCount, 4);
-    EXPECT_EQ(monitor.startup().diskAutopilotStatus, "Disk Autopilot is off.");
+    EXPECT_EQ(monitor.automation().diskAutopilotStatus(), "Disk Autopilot is off.");
     EXPECT_TRUE(monitor.startup().showSetupWizard);
     EXPECT_TRUE(monitor.navigation().showSetupWizard());
 }
@@ -203,7 +205,7 @@ TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
     EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
     EXPECT_EQ(monitor.settings().warningThreshold, 90.0);
     EXPECT_FALSE(monitor.navigation().showSetupWizard());
-    EXPECT_EQ(monitor.startup().diskAutopilotStatus,
+    EXPECT_EQ(monitor.automation().diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
     EXPECT_FALSE(monitor.settings().diskAutopilotEnabled);
     EXPECT_TRUE(monitor.settings().autoSelectTopOffender);
@@ -221,19 +223,11 @@ TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
 // Starting and stopping --------------------------------------------------------------------------
 
 TEST_F(SystemMonitorTest, StartsOnceHoweverOftenItIsTold) {
-    std::vector<std::string> calls;
-    MonitorExtensions extensions;
-    extensions.registerNotifications = [&] {
-        calls.emplace_back("register");
-        EXPECT_TRUE(owned->isStarted());
-        EXPECT_EQ(workQueue.pendingCount(), 0U);
-        EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
-    };
-    SystemMonitor& monitor = makeMonitor(std::move(extensions));
+    SystemMonitor& monitor = makeMonitor();
     monitor.startMonitoring();
     monitor.startMonitoring();
     EXPECT_TRUE(monitor.isStarted());
-    EXPECT_THAT(calls, ElementsAre("register"));
+    EXPECT_THAT(notifications.calls, ElementsAre("setCategories", "requestAuthorization"));
     EXPECT_EQ(workQueue.pendingCount(), 1U);
     EXPECT_THAT(mainQueue.timerIntervals(), ElementsAre(std::chrono::milliseconds(4000)));
 }

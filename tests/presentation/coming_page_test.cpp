@@ -30,23 +30,30 @@ TEST_F(ComingPageTest, TheContentOfEveryRouteSaysThatItSamples) {
     }
 }
 
-TEST_F(ComingPageTest, OptimizeTellsTheStepThatItsButtonsChange) {
-    show();
-    goTo(AppRoute::optimize);
-    EXPECT_EQ(visible("coming.optimize.step"), nullptr);
-    machine.finishSamples();
-    settle();
-    EXPECT_EQ(textOf("coming.optimize.step"),
-              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
-    click("optimize.select-top");
-    EXPECT_EQ(textOf("coming.optimize.step"),
-              QStringLiteral("2. photo-indexer is selected for review. Choose a confirmed action "
-                             "when ready."));
-    click("optimize.top-app");
-    EXPECT_EQ(textOf("coming.optimize.step"),
-              QStringLiteral("2. photo-indexer is selected for review. Nothing has been quit or "
-                             "purged yet."));
-    EXPECT_TRUE(textOf("coming.optimize.line").startsWith(QStringLiteral("Here you will review")));
+TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
+    showWithSample();
+    for (const AppRoute each :
+         {AppRoute::optimizationSuggestions, AppRoute::aiAdvisor, AppRoute::chat}) {
+        goTo(each);
+        SCOPED_TRACE(std::string(title(each)));
+        const QString identifier =
+            QStringLiteral("coming.") + QString::fromUtf8(rawValue(each).data());
+        const QWidget* bar = visible("optimize.workspace");
+        const QWidget* card = visible(identifier.toLatin1().constData());
+        ASSERT_NE(bar, nullptr);
+        ASSERT_NE(card, nullptr);
+        EXPECT_LT(bar->geometry().bottom(), card->y());
+        EXPECT_TRUE(textOf((identifier + QStringLiteral(".line")).toLatin1().constData())
+                        .startsWith(QStringLiteral("Here you will ")));
+    }
+}
+
+TEST_F(ComingPageTest, OtherRoutesHaveNoWorkspaceBar) {
+    showWithSample();
+    for (const AppRoute each : {AppRoute::remoteMacs, AppRoute::history, AppRoute::settings}) {
+        goTo(each);
+        EXPECT_EQ(visible("optimize.workspace"), nullptr) << title(each);
+    }
 }
 
 }  // namespace

@@ -127,9 +127,10 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         goTo(each);
         EXPECT_EQ(textOf("page.title"), qString(title(each)));
         EXPECT_EQ(textOf("page.subtitle"), qString(subtitle(each)));
-        EXPECT_EQ(shownScreen(), each == AppRoute::overview ? QStringLiteral("OverviewPage")
-                                 : each == AppRoute::load   ? QStringLiteral("ProcessesPage")
-                                                            : QStringLiteral("ComingPage"));
+        EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? QStringLiteral("OverviewPage")
+                                 : each == AppRoute::load     ? QStringLiteral("ProcessesPage")
+                                 : each == AppRoute::optimize ? QStringLiteral("CleanupPage")
+                                                              : QStringLiteral("ComingPage"));
         const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }

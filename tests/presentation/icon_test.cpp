@@ -56,6 +56,7 @@ TEST(Icons, ExistForEachNameUsedOnTheScreens) {
                              "lock.shield",
                              "macwindow",
                              "magnifyingglass",
+                             "memorychip",
                              "network",
                              "network.badge.shield.half.filled",
                              "person.crop.circle",

@@ -195,16 +195,67 @@ TEST_F(MenuBarTest, RefreshTakesASample) {
     EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
 }
 
+TEST_F(MenuBarTest, PurgeAsksInTheWindowHoweverThatStood) {
+    showWithSample();
+    const auto purgeFromPanel = [this] {
+        openPanel();
+        choose("menubar.purge");
+        EXPECT_TRUE(window().isVisible());
+        EXPECT_FALSE(window().isMinimized());
+        EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+        click("confirmation.cancel");
+        EXPECT_EQ(machine.actions.cachePurge->count, 0);
+    };
+    purgeFromPanel();
+    window().showMinimized();
+    settle();
+    purgeFromPanel();
+    window().close();
+    settle();
+    purgeFromPanel();
+}
+
+TEST_F(MenuBarTest, PurgePurgesOnceConfirmed) {
+    showWithSample();
+    openPanel();
+    choose("menubar.purge");
+    click("confirmation.confirm");
+    machine.finishSamples();
+    EXPECT_EQ(machine.actions.cachePurge->count, 1);
+}
+
+TEST_F(MenuBarTest, QuitTopAppAsksForTheHeaviestGroup) {
+    showWithSample();
+    window().close();
+    openPanel();
+    choose("menubar.quit-top-app");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Quit photo-indexer?"));
+}
+
+TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
+    machine.metrics->processes.clear();
+    showWithSample();
+    window().close();
+    openPanel();
+    choose("menubar.quit-top-app");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select an app group first."));
+    EXPECT_EQ(visible("confirmation.cancel"), nullptr);
+}
+
 TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
     QStringList titles;
     for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
         titles.append(entry.title);
     }
-    EXPECT_EQ(titles,
-              QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
-                           QStringLiteral("Refresh"), QStringLiteral("Expand Dashboard Sections"),
-                           QStringLiteral("Collapse Dashboard Sections"),
-                           QStringLiteral("Quit Tallowcrest")}));
+    EXPECT_EQ(
+        titles,
+        QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
+                     QStringLiteral("Refresh"), QStringLiteral("Purge File Caches"),
+                     QStringLiteral("Quit Top App"), QStringLiteral("Expand Dashboard Sections"),
+                     QStringLiteral("Collapse Dashboard Sections"),
+                     QStringLiteral("Quit Tallowcrest")}));
     QStringList onPanel;
     for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
         onPanel.append(button->text());
@@ -273,6 +324,7 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
         identifiers,
         QStringList({QStringLiteral("menubar.show-dashboard"),
                      QStringLiteral("menubar.open-optimize"), QStringLiteral("menubar.refresh"),
+                     QStringLiteral("menubar.purge"), QStringLiteral("menubar.quit-top-app"),
                      QStringLiteral("menubar.expand-sections"),
                      QStringLiteral("menubar.collapse-sections"), QStringLiteral("menubar.quit")}));
 }

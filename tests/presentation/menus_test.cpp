@@ -1,5 +1,6 @@
 #include <set>
 
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -9,7 +10,17 @@
 namespace tallowcrest {
 namespace {
 
-class MenusTest : public WindowFixture {};
+class MenusTest : public WindowFixture {
+protected:
+    QAction& entry(const char* identifier) {
+        return *window().findChild<QAction*>(QString::fromLatin1(identifier));
+    }
+
+    std::string pendingTitle() {
+        const auto& pending = machine.monitor().confirmations().pendingConfirmation();
+        return pending ? pending->title : "(none)";
+    }
+};
 
 TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
     QStringList entries;
@@ -31,6 +42,9 @@ TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
               "menu.about|About Tallowcrest|\n"
               "menu.refresh|Refresh|Ctrl+R\n"
               "menu.quit|Quit Tallowcrest|Ctrl+Q\n"
+              "File:\n"
+              "menu.quit-selected-process|Quit Selected Process|Ctrl+Del\n"
+              "menu.quit-selected-app|Quit Selected App Group|\n"
               "Go:\n"
               "menu.go.overview|Overview|Ctrl+1\n"
               "menu.go.load|Processes|Ctrl+2\n"
@@ -62,6 +76,82 @@ TEST_F(MenusTest, GoMenuChoosesARoute) {
         settle();
         EXPECT_EQ(route(), allAppRoutes.at(i));
     }
+}
+
+TEST_F(MenusTest, OnlyQuitTallowcrestStandsForTheApplicationsOwnQuit) {
+    for (const QAction* action : window().findChildren<QAction*>()) {
+        if (action->objectName() == QStringLiteral("menu.quit")) {
+            EXPECT_EQ(action->menuRole(), QAction::QuitRole);
+        } else if (action->text().startsWith(QStringLiteral("Quit")) ||
+                   action->text() == QStringLiteral("Settings")) {
+            EXPECT_EQ(action->menuRole(), QAction::NoRole) << action->text().toStdString();
+        }
+    }
+}
+
+TEST_F(MenusTest, FileAsksBeforeItQuitsTheSelectedProcess) {
+    showWithSample();
+    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    entry("menu.quit-selected-process").trigger();
+    EXPECT_EQ(pendingTitle(), "Quit editor?");
+    entry("menu.quit-selected-app").trigger();
+    EXPECT_EQ(pendingTitle(), "Quit editor?");
+    EXPECT_EQ(machine.monitor().confirmations().pendingConfirmation()->confirmTitle,
+              "Quit App Group");
+    settle();
+    EXPECT_NE(visible("confirmation.cancel"), nullptr);
+}
+
+TEST_F(MenusTest, BothDeleteKeysQuitTheSelectedProcess) {
+    showWithSample();
+    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+        for (const AppRoute each : {AppRoute::overview, AppRoute::load}) {
+            goTo(each);
+            if (each == AppRoute::load) {
+                table().setFocus();
+            }
+            press(key, Qt::ControlModifier);
+            EXPECT_EQ(pendingTitle(), "Quit editor?") << rawValue(each);
+            machine.monitor().confirmations().cancelPending();
+            settle();
+            // What a window manager does by itself once a dialog is gone.
+            window().activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        }
+    }
+}
+
+TEST_F(MenusTest, WithNothingSelectedTheRefusalIsSaid) {
+    showWithSample();
+    press(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(pendingTitle(), "(none)");
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select a process first."));
+    machine.metrics->processes.clear();
+    tick();
+    entry("menu.quit-selected-app").trigger();
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select an app group first."));
+}
+
+TEST_F(MenusTest, InATextFieldTheDeleteKeysDeleteAWord) {
+    showWithSample();
+    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    goTo(AppRoute::load);
+    auto* field = visible<QLineEdit>("processes.filter");
+    ASSERT_NE(field, nullptr);
+    field->setFocus();
+    for (const auto& [key, cursor] : {std::pair{Qt::Key_Delete, 0}, {Qt::Key_Backspace, 9}}) {
+        field->setText(QStringLiteral("one three"));
+        field->setCursorPosition(cursor);
+        press(key, Qt::ControlModifier);
+        EXPECT_LT(field->text().size(), 7) << field->text().toStdString();
+        EXPECT_FALSE(field->text().isEmpty());
+        EXPECT_EQ(pendingTitle(), "(none)");
+    }
+    field->clear();
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(pendingTitle(), "(none)") << "an empty field is a text field too";
 }
 
 }  // namespace

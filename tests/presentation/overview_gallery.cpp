@@ -89,7 +89,7 @@ public:
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(window_.get());
-        resize(size.expandedTo({1, 440}));
+        resize(size.expandedTo({1, 480}));
         show();
         window_->show();
         if (state != QStringLiteral("waiting")) {

@@ -34,7 +34,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
     const std::map<AppRoute, std::string> expected{
         {AppRoute::overview, "Review Cleanup|Refresh"},
         {AppRoute::load, "Select Top|Activity|Refresh"},
-        {AppRoute::optimize, "Select Top|Top App|Activity|Refresh"},
+        {AppRoute::optimize, "Select Top|Top App|Purge|Activity|Refresh"},
         {AppRoute::optimizationSuggestions, "Refresh"},
         {AppRoute::aiAdvisor, "Open Chat|Refresh"},
         {AppRoute::chat, "Refresh"},
@@ -79,13 +79,29 @@ TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
             }
             const auto lines = visible<ElidedLabel>("page.subtitle")->shownLines();
             EXPECT_EQ(lines, QStringList(textOf("page.subtitle"))) << width << rawValue(each);
-            if (width >= 900) {
-                EXPECT_EQ(visible<ElidedLabel>("page.title")->shownLines(),
-                          QStringList(textOf("page.title")))
-                    << width << rawValue(each);
-            }
+            EXPECT_EQ(visible<ElidedLabel>("page.title")->shownLines(),
+                      QStringList(textOf("page.title")))
+                << width << rawValue(each);
         }
     }
+}
+
+TEST_F(PageHeaderTest, WhereRoomIsScarceTheIconsGoAndTheWordsStay) {
+    window().resize(640, 480);
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto* purge = visible<QPushButton>("optimize.purge");
+    EXPECT_TRUE(purge->icon().isNull());
+    EXPECT_TRUE(visible<QPushButton>("page.refresh")->icon().isNull());
+    EXPECT_EQ(headerButtons().join(u'|').toStdString(),
+              "Select Top|Top App|Purge|Activity|Refresh");
+    window().resize(1080, 720);
+    settle();
+    EXPECT_FALSE(purge->icon().isNull());
+    EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
+    window().resize(640, 480);
+    goTo(AppRoute::history);
+    EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
 }
 
 TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
@@ -119,6 +135,9 @@ TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
     EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
     click("optimize.activity");
     EXPECT_EQ(opened, 1);
+    click("optimize.purge");
+    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+    EXPECT_EQ(machine.actions.cachePurge->count, 0);
 }
 
 }  // namespace

@@ -323,7 +323,7 @@ TEST_F(ProcessesPageTest, TheTableEndsWithAWholeRowAtAnySize) {
         machine.addProcess(pid, "/usr/bin/worker-" + std::to_string(pid), 2.0, 50.0);
     }
     showProcesses();
-    for (const int height : {440, 600, 605, 617, 1000}) {
+    for (const int height : {480, 600, 605, 617, 1000}) {
         window().resize(900, height);
         settle();
         EXPECT_GT(table().viewport()->height(), 0) << height;
@@ -336,7 +336,7 @@ TEST_F(ProcessesPageTest, TheTableEndsWithAWholeRowAtAnySize) {
 
 TEST_F(ProcessesPageTest, ALongProtectedNameStaysInItsCell) {
     machine.addProcess(2, "[" + std::string(400, 'w') + "]", 500.0, 1.0);
-    window().resize(640, 440);
+    window().resize(640, 480);
     showProcesses();
     const QImage painted = paintedTable();
     const QRect figures = cell(0, ProcessTableModel::cpuColumn);

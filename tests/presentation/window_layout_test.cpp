@@ -135,7 +135,7 @@ TEST_P(WindowLayoutAtSize, ResizingThereFromElsewhereEndsTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, WindowLayoutAtSize,
-                         testing::Values(WindowSize{640, 440}, WindowSize{700, 500},
+                         testing::Values(WindowSize{640, 480}, WindowSize{700, 500},
                                          WindowSize{859, 600}, WindowSize{900, 600},
                                          WindowSize{1080, 720}, WindowSize{1600, 1000}),
                          [](const auto& tested) { return testing::PrintToString(tested.param); });
@@ -143,7 +143,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, WindowLayoutAtSize,
 TEST_F(WindowLayoutTest, TheWindowIsNeverSmallerThanItsContentNeeds) {
     window().resize(100, 100);
     showWithSample();
-    EXPECT_EQ(window().size(), QSize(640, 440));
+    EXPECT_EQ(window().size(), QSize(640, 480));
 }
 
 TEST_F(WindowLayoutTest, NoTextIsCutAt900x600) {
@@ -169,7 +169,7 @@ TEST_F(WindowLayoutTest, TheGaugesShareOneRowWhereThereIsRoomAndTwoElse) {
         return tops.size();
     };
     EXPECT_EQ(rowsOfGauges(), 1U);
-    window().resize(640, 440);
+    window().resize(640, 480);
     settle();
     EXPECT_EQ(rowsOfGauges(), 2U);
     window().resize(900, 600);
@@ -333,13 +333,13 @@ TEST_F(WindowLayoutTest, TabGoesThroughTheControlsAsTheEyeDoes) {
     goTo(AppRoute::load);
     visible("sidebar.load")->setFocus(Qt::TabFocusReason);
     QStringList order;
-    for (int presses = 0; presses < 8; ++presses) {
+    for (int presses = 0; presses < 9; ++presses) {
         order.append(QApplication::focusWidget()->objectName());
         press(Qt::Key_Tab);
     }
     EXPECT_EQ(order.join(u' '),
               QStringLiteral("sidebar.load load.select-top load.activity page.refresh "
-                             "processes.select-top-row processes.activity-monitor "
+                             "target.choose processes.select-top-row processes.activity-monitor "
                              "processes.filter processes.table"));
 }
 

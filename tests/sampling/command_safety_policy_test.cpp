@@ -31,9 +31,13 @@ TEST(CommandSafetyPolicy, MacOSAllowsExactlyTwelveTools) {
     }
 }
 
-TEST(CommandSafetyPolicy, LinuxAllowsTheSecureShellAndTheSystemMonitors) {
-    EXPECT_EQ(linuxExecutables().size(), linuxSystemMonitors.size() + 1);
-    EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), "/usr/bin/ssh"));
+TEST(CommandSafetyPolicy, LinuxAllowsExactlyFourToolsAndTheSystemMonitors) {
+    constexpr std::array tools{"/usr/bin/pkexec"sv, "/usr/bin/ssh"sv, "/usr/bin/sync"sv,
+                               "/usr/sbin/sysctl"sv};
+    EXPECT_EQ(linuxExecutables().size(), tools.size() + linuxSystemMonitors.size());
+    for (const std::string_view tool : tools) {
+        EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), tool)) << tool;
+    }
     for (const std::string_view monitor : linuxSystemMonitors) {
         EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), monitor)) << monitor;
     }
@@ -70,6 +74,10 @@ TEST(CommandSafetyPolicy, PathsAreComparedAsTheyStand) {
         "/usr/bin/ssh\n"sv,
         "/usr/bin/ssh-keygen"sv,
         "/usr/bin/ss"sv,
+        "/bin/sync"sv,
+        "/sbin/sysctl"sv,
+        "/usr/bin/sysctl"sv,
+        "/usr/local/bin/pkexec"sv,
     };
     for (const std::string_view path : others) {
         EXPECT_FALSE(isAllowedExecutable(macOSExecutables(), path)) << path;

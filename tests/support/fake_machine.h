@@ -10,6 +10,8 @@
 #include "core/locale.h"
 #include "core/settings_store.h"
 #include "monitor/system_monitor.h"
+#include "tests/support/fake_local_actions.h"
+#include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
@@ -21,6 +23,7 @@ namespace tallowcrest {
 class FakeMachine {
 public:
     static constexpr std::int64_t ownPID = 4242;
+    static constexpr std::uint64_t firstStartTime = 1000;
 
     FakeMachine() { ticks->ticks.reset(); }
 
@@ -29,7 +32,7 @@ public:
         if (monitor_ == nullptr) {
             monitor_ = std::make_unique<SystemMonitor>(
                 MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
-                             std::make_shared<PlainLocale>()},
+                             std::make_shared<PlainLocale>(), actions.ports(), &notifications},
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",
@@ -41,7 +44,7 @@ public:
         return *monitor_;
     }
 
-    /// Adds a process to what the next sample finds.
+    /// Adds a process to the machine, and to what the next sample finds.
     ProcessSample& addProcess(std::int64_t pid, std::string command, double cpu, double rssMB) {
         ProcessSample row;
         row.pid = pid;
@@ -50,6 +53,7 @@ public:
         row.memoryPercent = rssMB / 163.84;
         row.arguments = command;
         row.command = std::move(command);
+        row.startTime = actions.processes->running.try_emplace(pid, firstStartTime).first->second;
         metrics->processes.push_back(std::move(row));
         return metrics->processes.back();
     }
@@ -75,6 +79,8 @@ public:
     MemorySettingsStore store;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    FakeLocalActions actions;
+    FakeNotificationCenter notifications;
     MonitorExtensions extensions;
 
 private:

@@ -1,13 +1,16 @@
 #include "platform/icu/icu_locale.h"
 
 #include <unicode/coll.h>
+#include <unicode/datefmt.h>
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/numberformatter.h>
+#include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <mutex>
 #include <optional>
@@ -63,6 +66,48 @@ std::optional<std::string> formatted(Format format) {
     return result;
 }
 
+/// Null where there is none to be had. Its time zone is UTC.
+std::unique_ptr<icu::DateFormat> makeDateFormat(const icu::Locale& locale, const char* skeleton) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::DateFormat> made(icu::DateFormat::createInstanceForSkeleton(
+        icu::UnicodeString(skeleton, -1, US_INV), locale, status));
+    if (U_FAILURE(status) || made == nullptr) {
+        return nullptr;
+    }
+    made->setTimeZone(*icu::TimeZone::getGMT());
+    return made;
+}
+
+/// A form of dates, named by the fields that it shows; made when first needed, since most runs show
+/// no date. Under a lock, so that nothing hangs on what the library shares between its callers:
+/// dates are few.
+class KeptDateFormat {
+public:
+    explicit KeptDateFormat(const char* skeleton) : skeleton_(skeleton) {}
+
+    /// Absent where the locale's data cannot be had.
+    std::optional<std::string> format(Date date, const icu::Locale& locale) {
+        const std::lock_guard lock(mutex_);
+        if (kept_ == nullptr) {
+            kept_ = makeDateFormat(locale, skeleton_);
+        }
+        if (kept_ == nullptr) {
+            return std::nullopt;
+        }
+        constexpr double millisecondsInSecond = 1000.0;
+        icu::UnicodeString text;
+        kept_->format(std::floor(date.unixSeconds()) * millisecondsInSecond, text);
+        std::string result;
+        text.toUTF8String(result);
+        return result.empty() ? std::nullopt : std::optional(std::move(result));
+    }
+
+private:
+    const char* skeleton_;
+    std::mutex mutex_;
+    std::unique_ptr<icu::DateFormat> kept_;
+};
+
 /// Texts that differ in nothing but case have the same folded form. The locale's own lower case
 /// comes first: in Turkish, "I" belongs to "ı" and "İ" to "i".
 std::optional<icu::UnicodeString> folded(std::string_view bytes, const icu::Locale& locale) {
@@ -86,7 +131,8 @@ std::optional<icu::UnicodeString> folded(std::string_view bytes, const icu::Loca
 struct IcuLocale::Tables {
     explicit Tables(const LocaleNames& names)
         : collation(usableLocaleName(names.collation).c_str()),
-          numbers(usableLocaleName(names.numbers).c_str()) {}
+          numbers(usableLocaleName(names.numbers).c_str()),
+          dates(usableLocaleName(names.dates).c_str()) {}
 
     /// Null where there is none to be had.
     const icu::Collator* collator() {
@@ -112,13 +158,18 @@ struct IcuLocale::Tables {
     PlainLocale plain;
     icu::Locale collation;
     icu::Locale numbers;
+    icu::Locale dates;
     std::once_flag collatorOnce;
     std::unique_ptr<icu::Collator> keptCollator;
     std::array<std::once_flag, keptFormatters> formatterOnce;
     std::array<LocalizedNumberFormatter, keptFormatters> formatters;
+    // The letter j stands for the hours as the country counts them, to 12 or to 24.
+    KeptDateFormat dateAndTime{"yMdjm"};
+    KeptDateFormat timeOfDay{"jms"};
 };
 
-IcuLocale::IcuLocale(const LocaleNames& names) : tables_(std::make_unique<Tables>(names)) {}
+IcuLocale::IcuLocale(const LocaleNames& names, UTCOffset utcOffset)
+    : tables_(std::make_unique<Tables>(names)), utcOffset_(std::move(utcOffset)) {}
 
 IcuLocale::~IcuLocale() = default;
 
@@ -163,6 +214,28 @@ std::string IcuLocale::wholeNumber(std::int64_t value) const {
     const auto text = formatted(
         [&](UErrorCode& status) { return tables_->formatter(0).formatInt(value, status); });
     return text ? *text : tables_->plain.wholeNumber(value);
+}
+
+Date IcuLocale::onTheWall(Date date) const {
+    return {date.secondsSinceReference + static_cast<double>(utcOffset_(date))};
+}
+
+std::string IcuLocale::dateAndTime(Date date) const {
+    if (!hasForm(date)) {
+        return std::string(unknownDate);
+    }
+    const Date shown = onTheWall(date);
+    const auto text = tables_->dateAndTime.format(shown, tables_->dates);
+    return text ? *text : tables_->plain.dateAndTime(shown);
+}
+
+std::string IcuLocale::timeOfDay(Date date) const {
+    if (!hasForm(date)) {
+        return std::string(unknownDate);
+    }
+    const Date shown = onTheWall(date);
+    const auto text = tables_->timeOfDay.format(shown, tables_->dates);
+    return text ? *text : tables_->plain.timeOfDay(shown);
 }
 
 }  // namespace tallowcrest

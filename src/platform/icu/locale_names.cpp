@@ -27,7 +27,7 @@ LocaleNames localeNamesFrom(const EnvironmentLookup& lookup) {
         }
         return std::string();
     };
-    return {first("LC_COLLATE"), first("LC_NUMERIC")};
+    return {first("LC_COLLATE"), first("LC_NUMERIC"), first("LC_TIME")};
 }
 
 LocaleNames localeNamesOfThisProcess() {

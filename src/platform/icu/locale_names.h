@@ -7,10 +7,11 @@
 
 namespace tallowcrest {
 
-/// The names of the locales that order texts and form numbers, such as "de_DE".
+/// The names of the locales that order texts and form numbers and dates, such as "de_DE".
 struct LocaleNames {
     std::string collation;
     std::string numbers;
+    std::string dates = numbers;
 
     bool operator==(const LocaleNames&) const = default;
 };
@@ -18,8 +19,8 @@ struct LocaleNames {
 /// The value of an environment variable; absent when it is not set.
 using EnvironmentLookup = std::function<std::optional<std::string>(const char* variable)>;
 
-/// What LC_ALL, else LC_COLLATE and LC_NUMERIC, else LANG say, as they stand there. A variable that
-/// is empty counts as not set; a name is empty when none is.
+/// What LC_ALL, else LC_COLLATE, LC_NUMERIC and LC_TIME, else LANG say, as they stand there. A
+/// variable that is empty counts as not set; a name is empty when none is.
 LocaleNames localeNamesFrom(const EnvironmentLookup& lookup);
 
 /// The same of this process. Main thread, before anything changes the environment.

@@ -8,10 +8,13 @@
 #include <ctime>
 #include <system_error>
 
+#include "actions/cache_purge.h"
 #include "platform/host.h"
 #include "platform/linux/descriptor_limit.h"
 #include "platform/linux/kernel_file.h"
+#include "platform/linux/pidfd_process_control.h"
 #include "platform/linux/proc_stat_tick_source.h"
+#include "platform/linux/process_identity.h"
 #include "platform/linux/procfs_metrics_reader.h"
 #include "platform/posix/user_account.h"
 #include "sampling/proc_parser.h"
@@ -29,6 +32,18 @@ std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher&) {
 
 std::shared_ptr<CPUTickSource> makeTickSource() {
     return std::make_shared<ProcStatTickSource>();
+}
+
+std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher&) {
+    return std::make_shared<PidfdProcessControl>();
+}
+
+bool isStillThere(const ProcessSample& sample) {
+    return isSameProcess(sample);
+}
+
+std::vector<ToolRequest> purgeTools() {
+    return linuxPurgeTools(geteuid() == 0);
 }
 
 ProtectionPolicy protectionPolicy() {

@@ -1,9 +1,12 @@
 #include "platform/host.h"
+#include "platform/linux/user_directories.h"
 
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/.cache"};
+    const std::filesystem::path documents = documentsDirectory();
+    return {.caches = "~/.cache",
+            .reports = documents.empty() ? documents : documents / "Tallowcrest/outputs/reports"};
 }
 
 }  // namespace tallowcrest::host

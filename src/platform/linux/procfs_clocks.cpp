@@ -2,11 +2,9 @@
 
 #include <unistd.h>
 
-#include <array>
 #include <ctime>
 
-#include "platform/linux/kernel_file.h"
-#include "sampling/proc_parser.h"
+#include "platform/linux/process_identity.h"
 
 namespace tallowcrest {
 namespace {
@@ -42,19 +40,12 @@ bool hasProcessClocks() {
     return readProcessTime(::getpid()) && readProcessTime(firstProcess);
 }
 
-/// Whether the process file system counts processes as this process does. One that was mounted
-/// outside of this process's namespace lists others under the same numbers.
-bool countsAsWeDo(const std::string& procRoot) {
-    std::array<char, 4096> buffer;
-    return parseSoleProcessID(KernelFile(procRoot + "/self/status").read(buffer)) == ::getpid();
-}
-
 }  // namespace
 
 ProcfsClocks ProcfsClocks::system(const std::string& procRoot) {
     ProcfsClocks clocks{
         [] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); }, {}};
-    if (countsAsWeDo(procRoot) && hasProcessClocks()) {
+    if (procfsCountsAsWeDo(procRoot) && hasProcessClocks()) {
         clocks.processTime = readProcessTime;
     }
     return clocks;

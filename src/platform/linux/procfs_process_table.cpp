@@ -169,6 +169,7 @@ void ProcfsProcessTable::fillRow(const Process& process, ProcessSample& row) con
     row.rssMB = residentBytes * megabytesPerByte;
     row.command = process.command;
     row.arguments = process.command;
+    row.startTime = process.startTicks.value_or(0);
 }
 
 void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,

@@ -9,9 +9,12 @@
 #include <cstdint>
 #include <string>
 
+#include "actions/cache_purge.h"
+#include "actions/kill_tool.h"
 #include "platform/host.h"
 #include "platform/macos/home_volume_macos.h"
 #include "platform/macos/mach_tick_source.h"
+#include "platform/macos/process_start_time_macos.h"
 #include "platform/posix/user_account.h"
 #include "sampling/metric_runner.h"
 #include "sampling/pro_system_metrics_reader.h"
@@ -30,6 +33,19 @@ std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher) {
 
 std::shared_ptr<CPUTickSource> makeTickSource() {
     return std::make_shared<MachTickSource>();
+}
+
+std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher& launcher) {
+    return std::make_shared<KillTool>(allowedExecutables(), launcher, processStartTime);
+}
+
+bool isStillThere(const ProcessSample& sample) {
+    const std::uint64_t startTime = processStartTime(sample.pid);
+    return startTime != 0 && (sample.startTime == 0 || sample.startTime == startTime);
+}
+
+std::vector<ToolRequest> purgeTools() {
+    return macOSPurgeTools();
 }
 
 ProtectionPolicy protectionPolicy() {

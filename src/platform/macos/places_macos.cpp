@@ -3,7 +3,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/Library/Caches"};
+    return {.caches = "~/Library/Caches", .reports = TALLOWCREST_REPORTS_DIRECTORY};
 }
 
 }  // namespace tallowcrest::host

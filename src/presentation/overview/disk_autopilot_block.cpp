@@ -65,7 +65,7 @@ void DiskAutopilotBlock::showContent() {
     space_->setTint(isLow() ? &CrestTheme::caution : &CrestTheme::secondaryText);
     lowIcon_->setVisible(isLow());
     lowWord_->setVisible(isLow());
-    status_->setText(dashboard_text::text(monitor().startup().diskAutopilotStatus));
+    status_->setText(dashboard_text::text(monitor().automation().diskAutopilotStatus()));
     rule_->setText(diskRule(monitor().settings(), monitor().host().places.caches));
 }
 

@@ -363,6 +363,7 @@ class Tray(WindowTestCase):
                    "the tool tip gives the load")
         _, entries = self.entries(item)
         self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize", "Refresh",
+                                         "Purge File Caches", "Quit Top App",
                                          "Expand Dashboard Sections",
                                          "Collapse Dashboard Sections", "Quit Tallowcrest"])
 

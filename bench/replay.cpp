@@ -1,0 +1,97 @@
+#include "tests/support/replay.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace tallowcrest {
+namespace {
+
+/// The time of day in the trace.
+std::string timeText(double seconds) {
+    const auto whole = static_cast<long>(seconds);
+    return fmt::format("{:02}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+}
+
+/// What one kind of event did over the trace.
+struct Account {
+    int count = 0;
+    double last = 0.0;
+    double shortestDistance = 0.0;
+
+    void add(double seconds) {
+        const double distance = seconds - last;
+        if (count > 0 && (count == 1 || distance < shortestDistance)) {
+            shortestDistance = distance;
+        }
+        ++count;
+        last = seconds;
+    }
+};
+
+int run(const LoadTrace& trace) {
+    FakeMachine machine;
+    SystemMonitor& monitor = machine.monitor();
+    monitor.automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    UUID newest = monitor.log().activityLog().front().id;
+    std::map<std::string, Account> accounts;
+    const auto began = std::chrono::steady_clock::now();
+    replay(machine, trace, [&](const TracedSample& sample) {
+        std::vector<const ActivityEvent*> fresh;
+        for (const ActivityEvent& event : monitor.log().activityLog()) {
+            if (event.id == newest) {
+                break;
+            }
+            fresh.push_back(&event);
+        }
+        for (auto event = fresh.rbegin(); event != fresh.rend(); ++event) {
+            fmt::print("{}  {}: {}\n", timeText(sample.seconds), (*event)->title, (*event)->detail);
+            const std::string detail = (*event)->detail;
+            accounts[(*event)->title + ", " + detail.substr(0, detail.find(' '))].add(
+                sample.seconds);
+        }
+        // Nobody sits in front of this machine.
+        monitor.confirmations().cancelPending();
+        newest = monitor.log().activityLog().front().id;
+    });
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
+    fmt::print("\n{} samples, {} of the trace, in {:.1f} s\n", trace.size(),
+               timeText(trace.empty() ? 0.0 : trace.back().seconds), took.count());
+    for (const auto& [kind, account] : accounts) {
+        fmt::print("{:<24} {:>4} times, at least {:.0f} s apart\n", kind, account.count,
+                   account.shortestDistance);
+    }
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+}  // namespace tallowcrest
+
+/// Lets the monitor live through a trace of samples in seconds, with every automation of this
+/// machine switched on, and prints what it warned of and which rules acted, at which time of the
+/// trace. Without the name of a trace it is a made-up day.
+int main(int argc, char** argv) {
+    using namespace tallowcrest;
+    if (argc < 2) {
+        return run(syntheticDay());
+    }
+    std::ifstream file(argv[1], std::ios::binary);
+    if (!file) {
+        fmt::print(stderr, "{} cannot be read\n", argv[1]);
+        return EXIT_FAILURE;
+    }
+    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const auto trace = parseLoadTrace(text);
+    if (const auto* error = std::get_if<TraceError>(&trace)) {
+        fmt::print(stderr, "{}, line {}: {}\n", argv[1], error->line, error->problem);
+        return EXIT_FAILURE;
+    }
+    return run(std::get<LoadTrace>(trace));
+}

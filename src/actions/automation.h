@@ -1,0 +1,83 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "core/activity_log.h"
+#include "core/advisor_records.h"
+#include "core/observable.h"
+#include "core/settings.h"
+#include "core/settings_store.h"
+
+namespace tallowcrest {
+
+/// What the owner can switch on and off: everything that may act without anybody pressing a button,
+/// and two conveniences beside it.
+enum class AutomationSwitch {
+    autoSelectTopOffender,
+    autoPurgeSustainedMemory,
+    autoScanRemoteMacs,
+    diskAutopilotEnabled,
+    aiSafeActionsEnabled,
+    notificationsIncludeActions,
+};
+
+inline constexpr std::array allAutomationSwitches{
+    AutomationSwitch::autoSelectTopOffender, AutomationSwitch::autoPurgeSustainedMemory,
+    AutomationSwitch::autoScanRemoteMacs,    AutomationSwitch::diskAutopilotEnabled,
+    AutomationSwitch::aiSafeActionsEnabled,  AutomationSwitch::notificationsIncludeActions,
+};
+
+/// The status line of Disk Autopilot at a start. Pure.
+std::string diskAutopilotStatusAtStart(const Settings& settings);
+
+/// The automation switches, and the one emergency stop that throws those of them which act. Each
+/// change is stored at once. Main thread.
+class Automation {
+public:
+    /// What other components do when a switch changes; each may be absent.
+    struct Hooks {
+        std::function<void()> clearDiskCleanupPlan;
+        std::function<void()> registerNotificationCategories;
+    };
+
+    /// Changes `settings` in place. The references must outlive the object.
+    Automation(Observable& observable, ActivityLog& log, Settings& settings, SettingsStore& store,
+               Hooks hooks);
+    Automation(const Automation&) = delete;
+    Automation& operator=(const Automation&) = delete;
+
+    bool isOn(AutomationSwitch which) const;
+
+    /// Turns a switch on or off and says so. While the emergency stop is engaged, turning on what
+    /// the stop governs is refused in words, and nothing changes.
+    void set(AutomationSwitch which, bool on);
+
+    /// How much the advisor may do by itself. With the stop engaged, anything but apprentice is
+    /// refused in words.
+    void setAutonomyMode(AIAutonomyMode mode);
+
+    /// Turns off everything that acts by itself. It holds across restarts, until it is cleared.
+    /// Repeated, it repeats all its steps. What a person has been asked already can still be
+    /// confirmed, and work that is under way runs to its end.
+    void engageEmergencyStop();
+
+    /// Clears the stop and nothing else: each automation is turned on again by hand.
+    void resumeFromEmergencyStop();
+
+    bool isStopEngaged() const { return settings_.automationEmergencyStopEngaged; }
+
+    const std::string& diskAutopilotStatus() const { return diskAutopilotStatus_; }
+    void setDiskAutopilotStatus(std::string status);
+
+private:
+    Observable& observable_;
+    ActivityLog& log_;
+    Settings& settings_;
+    SettingsStore& store_;
+    Hooks hooks_;
+    std::string diskAutopilotStatus_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,42 @@
+#include "actions/cache_purge.h"
+
+#include <utility>
+
+namespace tallowcrest {
+
+std::vector<ToolRequest> macOSPurgeTools() {
+    return {{.path = "/usr/sbin/purge"}};
+}
+
+std::vector<ToolRequest> linuxPurgeTools(bool isRoot) {
+    const std::string sysctl = "/usr/sbin/sysctl";
+    // 1 stands for the page cache alone; the kernel's own lists of files are no file caches.
+    const std::string setting = "vm.drop_caches=1";
+    return {{.path = "/usr/bin/sync"},
+            isRoot ? ToolRequest{.path = sysctl, .arguments = {"-w", setting}}
+                   // Its own prompt would wait for a terminal that nobody looks at.
+                   : ToolRequest{.path = "/usr/bin/pkexec",
+                                 .arguments = {"--disable-internal-agent", sysctl, "-w", setting}}};
+}
+
+ToolCachePurge::ToolCachePurge(const CommandSafetyPolicy::AllowedExecutables& allowed,
+                               ToolLauncher& launcher, std::vector<ToolRequest> tools)
+    : allowed_(allowed), launcher_(launcher), tools_(std::move(tools)) {}
+
+PurgeResult ToolCachePurge::purge() {
+    for (const ToolRequest& tool : tools_) {
+        if (!isAllowedExecutable(allowed_, tool.path)) {
+            return {PurgeResult::Outcome::blocked, {}};
+        }
+        const ToolResult result = launcher_.launch(tool);
+        if (!result.launched) {
+            return {PurgeResult::Outcome::failed, result.launchError};
+        }
+        if (result.terminationStatus != 0) {
+            return {PurgeResult::Outcome::refused, {}};
+        }
+    }
+    return {PurgeResult::Outcome::purged, {}};
+}
+
+}  // namespace tallowcrest

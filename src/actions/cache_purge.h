@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sampling/command_safety_policy.h"
+#include "sampling/tool_launcher.h"
+
+namespace tallowcrest {
+
+/// What became of purging the file caches.
+struct PurgeResult {
+    enum class Outcome {
+        purged,
+        refused,  ///< a tool ran and reported failure, as when the owner may not purge
+        blocked,  ///< a tool is not allowed here; from it on nothing was launched
+        failed,   ///< a tool could not be launched
+    };
+
+    Outcome outcome = Outcome::failed;
+    std::string error;  ///< the platform's words for `failed`, else empty
+
+    bool operator==(const PurgeResult&) const = default;
+};
+
+/// Makes the system drop its reclaimable file caches.
+class CachePurge {
+public:
+    virtual ~CachePurge() = default;
+
+    /// Blocks, perhaps until a person has answered a request for authorisation. Any thread but the
+    /// main one.
+    virtual PurgeResult purge() = 0;
+};
+
+/// The tools, in order, that purge the caches of macOS.
+std::vector<ToolRequest> macOSPurgeTools();
+
+/// The same for Linux: changed pages are written out first, because only clean ones can be dropped.
+/// Dropping is for root, so anybody else is asked for authorisation by the desktop.
+std::vector<ToolRequest> linuxPurgeTools(bool isRoot);
+
+/// Purges by launching tools one after another until one fails.
+class ToolCachePurge final : public CachePurge {
+public:
+    /// The references must outlive the object.
+    ToolCachePurge(const CommandSafetyPolicy::AllowedExecutables& allowed, ToolLauncher& launcher,
+                   std::vector<ToolRequest> tools);
+
+    PurgeResult purge() override;
+
+private:
+    const CommandSafetyPolicy::AllowedExecutables& allowed_;
+    ToolLauncher& launcher_;
+    std::vector<ToolRequest> tools_;
+};
+
+}  // namespace tallowcrest

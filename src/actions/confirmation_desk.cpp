@@ -1,0 +1,49 @@
+#include "actions/confirmation_desk.h"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace tallowcrest {
+
+void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
+    handlers_.insert_or_assign(std::move(kind), std::move(handler));
+}
+
+void ConfirmationDesk::requestConfirmation(ConfirmationRequest request,
+                                           std::vector<std::string> targetPaths) {
+    pending_ = std::move(request);
+    targetPaths_ = std::move(targetPaths);
+    observable_.changed();
+}
+
+void ConfirmationDesk::confirmPending() {
+    if (!pending_) {
+        return;
+    }
+    // First of all, so that a second press cannot run the request twice.
+    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
+    targetPaths_.clear();
+    observable_.changed();
+    const auto handler = handlers_.find(request.kind);
+    if (handler == handlers_.end()) {
+        log_.recordMessage(fmt::format("No handler for confirmation: {}.", request.kind));
+        return;
+    }
+    handler->second.confirm(request);
+}
+
+void ConfirmationDesk::cancelPending() {
+    if (pending_) {
+        log_.recordMessage(fmt::format("Canceled: {}.", pending_->title));
+        const auto handler = handlers_.find(pending_->kind);
+        if (handler != handlers_.end() && handler->second.cancel) {
+            handler->second.cancel(*pending_);
+        }
+    }
+    pending_.reset();
+    targetPaths_.clear();
+    observable_.changed();
+}
+
+}  // namespace tallowcrest

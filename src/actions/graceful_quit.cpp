@@ -1,0 +1,14 @@
+#include "actions/graceful_quit.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tallowcrest {
+
+bool isSyntheticGroupName(std::string_view name) {
+    constexpr std::array<std::string_view, 4> syntheticNames{"Developer Tools", "Electron Apps",
+                                                             "Node.js", "Python"};
+    return std::find(syntheticNames.begin(), syntheticNames.end(), name) != syntheticNames.end();
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "actions/cache_purge.h"
+#include "actions/confirmation_desk.h"
+#include "actions/graceful_quit.h"
+#include "actions/process_control.h"
+#include "actions/review_target.h"
+#include "core/activity_log.h"
+#include "core/local_records.h"
+#include "core/observable.h"
+#include "core/queues.h"
+#include "core/settings.h"
+#include "core/settings_store.h"
+#include "sampling/latest_sample.h"
+#include "sampling/protection.h"
+
+namespace tallowcrest {
+
+/// What the local actions act through. Shared with the background work under way.
+struct LocalActionPorts {
+    std::shared_ptr<ProcessControl> processes;
+    std::shared_ptr<GracefulQuit> gracefulQuit;  ///< null where nobody can be asked
+    std::shared_ptr<CachePurge> cachePurge;
+};
+
+/// The only operations that act on other programs of this machine. Each has two halves: a request
+/// half that checks and asks for a confirmation, and an execution half that the confirmation runs,
+/// which checks again. Nothing stronger than TERM is ever sent. Main thread.
+class LocalActions {
+public:
+    /// What the actions work with; the references must outlive them.
+    struct Surroundings {
+        Observable& observable;
+        ActivityLog& log;
+        const LatestSample& sample;
+        ReviewTarget& review;
+        ConfirmationDesk& confirmations;
+        Settings& settings;
+        SettingsStore& store;
+        ProtectionPolicy protection;
+        MainQueue& mainQueue;
+        WorkQueue& workQueue;
+        /// Takes a new sample, so that lists and recommendations show the effect.
+        std::function<void()> refresh;
+    };
+
+    /// Registers the kinds of confirmation that it owns.
+    LocalActions(Surroundings surroundings, LocalActionPorts ports);
+    LocalActions(const LocalActions&) = delete;
+    LocalActions& operator=(const LocalActions&) = delete;
+
+    /// Asks for a yes to quitting the process under review, unless it is protected. One that is not
+    /// in the latest sample is let through under its number: the dialog is the last look at it.
+    void requestQuitSelectedProcess();
+    /// The same for the group under review, else for the heaviest one.
+    void requestQuitSelectedApp();
+    void requestPurge();
+
+    /// Selects a process that is safe to review, and asks for a purge when memory pressure is at or
+    /// above the warning threshold. Quits nothing and purges nothing.
+    void optimizeSafely();
+
+    /// Puts a group on the owner's Never Quit list, or takes it off.
+    void toggleNeverQuit(const std::string& group);
+
+    /// Whether a confirmed purge is under way. Another one is not begun meanwhile.
+    bool isPurging() const { return isPurging_; }
+
+private:
+    /// The process that a pending request is about, held since the request was built.
+    struct Reviewed {
+        UUID request;
+        std::unique_ptr<HeldProcess> process;  ///< null for a number that no process can have
+    };
+
+    void quitProcess(const ConfirmationRequest& request);
+    void quitAppGroup(const std::string& group);
+    void finishAppGroup(const std::string& group, const std::vector<ProcessSample>& members,
+                        bool wasAskedGracefully);
+    void runPurge();
+    void finishPurge(const PurgeResult& result);
+
+    Surroundings with_;
+    LocalActionPorts ports_;
+    Reviewed reviewed_;
+    bool isPurging_ = false;
+    std::shared_ptr<LocalActions*> self_;  ///< expires with the actions
+};
+
+}  // namespace tallowcrest

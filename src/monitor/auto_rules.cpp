@@ -1,0 +1,101 @@
+#include "monitor/auto_rules.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "actions/app_group.h"
+#include "monitor/load_rules.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* ruleEvent = "Auto Rule";
+
+}  // namespace
+
+AutoRules::AutoRules(Surroundings surroundings, Hooks hooks)
+    : with_(std::move(surroundings)), hooks_(std::move(hooks)) {}
+
+void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
+    if (with_.settings.automationEmergencyStopEngaged) {
+        return;
+    }
+    selectTopOffender(snapshot);
+    askForPurge();
+    scanRemotes();
+    if (hooks_.checkDiskAutopilot) {
+        hooks_.checkDiskAutopilot(snapshot);
+    }
+}
+
+void AutoRules::selectTopOffender(const SystemSnapshot& snapshot) {
+    const Settings& settings = with_.settings;
+    if (!settings.autoSelectTopOffender ||
+        !load_rules::isOverThreshold(snapshot, settings.warningThreshold)) {
+        return;
+    }
+    const AppImpact* group = firstSafeGroup(snapshot.appImpacts, with_.sample.latestProcesses(),
+                                            settings.protectedAppNames, with_.protection);
+    if (group == nullptr || with_.review.selectedAppImpactName() == group->name) {
+        return;
+    }
+    with_.review.setTarget(*group->topPID, group->name);
+    with_.log.recordEvent(ruleEvent,
+                          load_rules::autoSelectDetail(group->name, settings.warningThreshold));
+}
+
+void AutoRules::askForPurge() {
+    const Settings& settings = with_.settings;
+    const Date now = with_.clock.now();
+    if (!settings.autoPurgeSustainedMemory ||
+        !(settings.warningThreshold <= sustainedMemoryAverage()) ||
+        !load_rules::mayAct(dates_.lastAutoPurgeDate, now, load_rules::autoPurgeDistance)) {
+        return;
+    }
+    dates_.lastAutoPurgeDate = now;
+    with_.localActions.requestPurge();
+    with_.log.recordEvent(ruleEvent, "Purged caches after sustained high memory pressure.");
+}
+
+void AutoRules::scanRemotes() {
+    const Date now = with_.clock.now();
+    if (!with_.settings.autoScanRemoteMacs ||
+        (hooks_.remoteScanInProgress && hooks_.remoteScanInProgress()) ||
+        !load_rules::mayAct(dates_.lastAutoRemoteScanDate, now,
+                            load_rules::autoRemoteScanDistance) ||
+        !hooks_.tailDevices) {
+        return;
+    }
+    const auto devices = hooks_.tailDevices();
+    const bool hasMac = std::any_of(devices.begin(), devices.end(), [this](const TailDevice& each) {
+        return each.online && with_.locale.containsIgnoringCase(each.os, "mac");
+    });
+    if (!hasMac) {
+        return;
+    }
+    dates_.lastAutoRemoteScanDate = now;
+    if (hooks_.scanRemoteMacs) {
+        hooks_.scanRemoteMacs();
+    }
+}
+
+void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {
+    if (!load_rules::isOverThreshold(snapshot, with_.settings.warningThreshold)) {
+        return;
+    }
+    const Date now = with_.clock.now();
+    if (!load_rules::mayWarn(dates_.lastWarningDate, now)) {
+        return;
+    }
+    dates_.lastWarningDate = now;
+    with_.log.recordEvent("Warning", load_rules::warningDetail(snapshot));
+    if (hooks_.postLoadWarning) {
+        hooks_.postLoadWarning(load_rules::topProcessName(snapshot));
+    }
+}
+
+double AutoRules::sustainedMemoryAverage() const {
+    return load_rules::sustainedMemoryAverage(with_.sample.history());
+}
+
+}  // namespace tallowcrest

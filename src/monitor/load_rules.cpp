@@ -1,0 +1,53 @@
+#include "monitor/load_rules.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include <fmt/format.h>
+
+namespace tallowcrest::load_rules {
+
+bool isOverThreshold(const SystemSnapshot& snapshot, double warningThreshold) {
+    return warningThreshold <= snapshot.cpuPercent || warningThreshold <= snapshot.memory.pressure;
+}
+
+bool mayWarn(std::optional<Date> last, Date now) {
+    return !last || !(secondsBetween(*last, now) < warningDistance);
+}
+
+bool mayAct(std::optional<Date> last, Date now, double distance) {
+    return !last || secondsBetween(*last, now) > distance;
+}
+
+double sustainedMemoryAverage(std::span<const HistoryPoint> history) {
+    constexpr std::size_t mostPoints = 30;
+    constexpr std::size_t fewestPoints = 15;
+    const auto newest = history.last(std::min(history.size(), mostPoints));
+    if (newest.size() < fewestPoints) {
+        return 0.0;
+    }
+    double sum = 0.0;
+    for (const HistoryPoint& point : newest) {
+        sum += point.memory;
+    }
+    return sum / static_cast<double>(newest.size());
+}
+
+std::string topProcessName(const SystemSnapshot& snapshot) {
+    return snapshot.topProcesses.empty() ? "Unknown"
+                                         : std::string(snapshot.topProcesses.front().displayName());
+}
+
+std::string warningDetail(const SystemSnapshot& snapshot) {
+    return fmt::format("High load detected. CPU {:.0f}%, memory {:.0f}%. Top process: {}.",
+                       std::round(snapshot.cpuPercent), std::round(snapshot.memory.pressure),
+                       topProcessName(snapshot));
+}
+
+std::string autoSelectDetail(std::string_view group, double warningThreshold) {
+    return fmt::format("Selected {} because system load crossed {:.0f}%.", group,
+                       std::trunc(warningThreshold));
+}
+
+}  // namespace tallowcrest::load_rules

@@ -1,0 +1,13 @@
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QString>
+
+#include "platform/desktop_services.h"
+
+namespace tallowcrest::desktop {
+
+void storeOnClipboard(const std::string& text) {
+    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+}
+
+}  // namespace tallowcrest::desktop

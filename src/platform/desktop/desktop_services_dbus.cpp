@@ -1,0 +1,17 @@
+#include "platform/desktop/dbus_notification_center.h"
+#include "platform/desktop/desktop_graceful_quit.h"
+#include "platform/desktop_services.h"
+#include "platform/host.h"
+
+namespace tallowcrest::desktop {
+
+std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher&) {
+    return std::make_shared<DesktopGracefulQuit>(
+        [](const ProcessSample& reviewed) { return host::isStillThere(reviewed); });
+}
+
+std::unique_ptr<NotificationCenter> makeNotificationCenter() {
+    return std::make_unique<DBusNotificationCenter>();
+}
+
+}  // namespace tallowcrest::desktop

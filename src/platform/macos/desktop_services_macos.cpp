@@ -1,0 +1,16 @@
+#include "actions/apple_script_quit.h"
+#include "platform/desktop_services.h"
+#include "platform/host.h"
+#include "platform/macos/user_notification_center.h"
+
+namespace tallowcrest::desktop {
+
+std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {
+    return std::make_shared<AppleScriptQuit>(host::allowedExecutables(), launcher);
+}
+
+std::unique_ptr<NotificationCenter> makeNotificationCenter() {
+    return makeUserNotificationCenter();
+}
+
+}  // namespace tallowcrest::desktop

@@ -1,0 +1,180 @@
+#include "platform/x11/display_connection.h"
+
+#include <X11/Xauth.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <stop_token>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/posix/local_socket.h"
+#include "platform/posix/unique_fd.h"
+
+namespace tallowcrest {
+namespace {
+
+struct DisplayName {
+    std::string number;
+    int screen = 0;
+};
+
+/// Absent without a display, and for one that is reached through the network, where looking up its
+/// machine could take any time.
+std::optional<DisplayName> localDisplayName() {
+    char* host = nullptr;
+    int display = 0;
+    DisplayName name;
+    if (xcb_parse_display(nullptr, &host, &display, &name.screen) == 0) {
+        return std::nullopt;
+    }
+    const std::string hostName(host);
+    std::free(host);
+    if (!hostName.empty() && hostName != "unix") {
+        return std::nullopt;
+    }
+    name.number = std::to_string(display);
+    return name;
+}
+
+/// Never waits: a display with a full queue of callers is as good as none.
+UniqueFD connectedSocket(const DisplayName& name) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = "/tmp/.X11-unix/X" + name.number;
+    if (path.size() >= sizeof address.sun_path) {
+        return UniqueFD();
+    }
+    path.copy(address.sun_path, path.size());
+    UniqueFD socket = local_socket::open();
+    if (!socket.valid() ||
+        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        return UniqueFD();
+    }
+    return socket;
+}
+
+struct DisposeAuth {
+    void operator()(Xauth* auth) const { XauDisposeAuth(auth); }
+};
+using Auth = std::unique_ptr<Xauth, DisposeAuth>;
+
+/// The owner's leave to use the display. Null where none is kept; some displays ask for none.
+Auth authFor(const DisplayName& name) {
+    // The library builds its file's name in a buffer that all threads share.
+    static std::mutex lock;
+    const std::lock_guard guard(lock);
+    const std::string host = windowHostName();
+    std::string type = "MIT-MAGIC-COOKIE-1";
+    std::array<char*, 1> types{type.data()};
+    const std::array<int, 1> lengths{static_cast<int>(type.size())};
+    return Auth(XauGetBestAuthByAddr(FamilyLocal, static_cast<unsigned short>(host.size()),
+                                     host.c_str(), static_cast<unsigned short>(name.number.size()),
+                                     name.number.c_str(), 1, types.data(), lengths.data()));
+}
+
+xcb_window_t rootOf(xcb_connection_t* connection, int screen) {
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    while (screen > 0 && screens.rem > 0) {
+        xcb_screen_next(&screens);
+        --screen;
+    }
+    return screens.rem > 0 ? screens.data->root : XCB_NONE;
+}
+
+}  // namespace
+
+std::string windowHostName() {
+    std::array<char, 256> name{};
+    // One byte is left, for a name that is cut short need not be ended by a zero.
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data())
+                                                            : std::string();
+}
+
+DisplayConnection::PipeSignalBlock::PipeSignalBlock() {
+    sigset_t pending;
+    ::sigpending(&pending);
+    wasPending_ = ::sigismember(&pending, SIGPIPE) == 1;
+    ::sigemptyset(&pipeSignal_);
+    ::sigaddset(&pipeSignal_, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipeSignal_, &before_);
+}
+
+DisplayConnection::PipeSignalBlock::~PipeSignalBlock() {
+    if (!wasPending_) {
+        const timespec noTime{};
+        while (::sigtimedwait(&pipeSignal_, nullptr, &noTime) == -1 && errno == EINTR) {
+        }
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+DisplayConnection::DisplayConnection(std::chrono::milliseconds timeLimit) {
+    const auto deadline = std::chrono::steady_clock::now() + timeLimit;
+    const std::optional<DisplayName> name = localDisplayName();
+    if (!name) {
+        return;
+    }
+    const UniqueFD socket = connectedSocket(*name);
+    if (!socket.valid() || !watch(socket.get(), deadline)) {
+        return;
+    }
+    const Auth auth = authFor(*name);
+    xcb_auth_info_t info{};
+    if (auth) {
+        info = {auth->name_length, auth->name, auth->data_length, auth->data};
+    }
+    const int handedOver = ::fcntl(socket.get(), F_DUPFD_CLOEXEC, 0);
+    if (handedOver < 0) {
+        return;
+    }
+    // The descriptor is the library's now, whatever comes of it.
+    connection_.reset(xcb_connect_to_fd(handedOver, auth ? &info : nullptr));
+    if (isUsable()) {
+        root_ = rootOf(connection_.get(), name->screen);
+    }
+}
+
+DisplayConnection::~DisplayConnection() {
+    // The watchdog looks at what is destroyed before it.
+    if (watchdog_.joinable()) {
+        watchdog_.request_stop();
+        watchdog_.join();
+    }
+}
+
+bool DisplayConnection::isUsable() const {
+    return connection_ != nullptr && xcb_connection_has_error(connection_.get()) == 0;
+}
+
+/// The library waits without a limit of its own, yet what it waits for ends with the socket. The
+/// watchdog has a descriptor of its own, so that it never meets a stranger's under the same number.
+bool DisplayConnection::watch(int socket, std::chrono::steady_clock::time_point deadline) {
+    UniqueFD watched(::fcntl(socket, F_DUPFD_CLOEXEC, 0));
+    if (!watched.valid()) {
+        return false;
+    }
+    try {
+        watchdog_ =
+            std::jthread([this, deadline, kept = std::move(watched)](const std::stop_token& stop) {
+                std::unique_lock guard(lock_);
+                wake_.wait_until(guard, stop, deadline, [] { return false; });
+                if (!stop.stop_requested()) {
+                    ::shutdown(kept.get(), SHUT_RDWR);
+                }
+            });
+    } catch (const std::system_error&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace tallowcrest

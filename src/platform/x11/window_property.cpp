@@ -1,0 +1,69 @@
+#include "platform/x11/window_property.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+namespace tallowcrest {
+namespace {
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
+
+PropertyReply hear(xcb_connection_t* connection, PropertyRequest request) {
+    return PropertyReply(xcb_get_property_reply(connection, request.cookie, nullptr));
+}
+
+/// Of what the reply says of its length, no more than has really come.
+std::size_t bytesOf(const xcb_get_property_reply_t& reply) {
+    const std::size_t told = std::size_t{reply.value_len} * (reply.format / 8U);
+    return std::min(told, std::size_t{reply.length} * 4U);
+}
+
+}  // namespace
+
+PropertyRequest askForProperty(xcb_connection_t* connection, xcb_window_t window,
+                               xcb_atom_t property, std::uint32_t maximumBytes) {
+    // In units of four bytes.
+    return {xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                             (maximumBytes + 3) / 4)};
+}
+
+std::vector<std::uint32_t> hearNumbers(xcb_connection_t* connection, PropertyRequest request,
+                                       xcb_atom_t type) {
+    const PropertyReply reply = hear(connection, request);
+    if (!reply || reply->type != type || reply->format != 32) {
+        return {};
+    }
+    std::vector<std::uint32_t> numbers(bytesOf(*reply) / sizeof(std::uint32_t));
+    if (!numbers.empty()) {
+        std::memcpy(numbers.data(), xcb_get_property_value(reply.get()),
+                    numbers.size() * sizeof(std::uint32_t));
+    }
+    return numbers;
+}
+
+std::string hearText(xcb_connection_t* connection, PropertyRequest request, xcb_atom_t utf8Type) {
+    const PropertyReply reply = hear(connection, request);
+    const bool isText = reply && reply->format == 8 && reply->type != XCB_NONE &&
+                        (reply->type == XCB_ATOM_STRING || reply->type == utf8Type);
+    return isText ? std::string(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                                bytesOf(*reply))
+                  : std::string();
+}
+
+AtomRequest::AtomRequest(xcb_connection_t* connection, const std::string& name)
+    : connection_(connection),
+      cookie_(
+          xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.c_str())) {}
+
+xcb_atom_t AtomRequest::hear() {
+    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
+        xcb_intern_atom_reply(connection_, cookie_, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+}  // namespace tallowcrest

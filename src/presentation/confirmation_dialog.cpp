@@ -1,0 +1,212 @@
+#include "presentation/confirmation_dialog.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "actions/confirmation_desk.h"
+#include "core/control_characters.h"
+#include "presentation/card.h"
+#include "presentation/controls.h"
+#include "presentation/danger_button.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/theme.h"
+#include "presentation/tool_tip.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int dialogWidth = 464;
+constexpr int widestConfirmButton = 240;
+constexpr int mostHeadingLines = 3;
+// Enough for the longest message around the longest name that a file can have.
+constexpr int mostMessageLines = 12;
+constexpr std::size_t mostPaths = 5;
+
+/// The text as one paragraph that reads in the order in which it is written, or a name could pass
+/// for words of the question.
+QString paragraph(std::string_view utf8) {
+    return dashboard_text::text(replacingControlCharacters(utf8, "\uFFFD"));
+}
+
+}  // namespace
+
+ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
+    : QDialog(parent), desk_(desk) {
+    setObjectName(QStringLiteral("confirmation"));
+    // Put away on its own, it would leave its window locked for no reason that can be seen.
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    setWindowTitle(QStringLiteral("Confirm Action"));
+    setAccessibleName(windowTitle());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, spacing::pagePadding, spacing::pagePadding,
+                               spacing::pagePadding);
+    layout->setSpacing(0);
+
+    heading_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    heading_->setObjectName(QStringLiteral("confirmation.title"));
+    heading_->setLines(1, mostHeadingLines);
+    message_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
+    message_->setObjectName(QStringLiteral("confirmation.message"));
+    message_->setLines(1, mostMessageLines);
+    for (ElidedLabel* label : {heading_, message_}) {
+        label->setGround(&CrestTheme::pageBackground);
+    }
+    layout->addWidget(heading_);
+    layout->addSpacing(spacing::unit);
+    layout->addWidget(message_);
+    layout->addWidget(makePaths());
+    layout->addSpacing(spacing::pagePadding);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    cancel_ = makeButton(QStringLiteral("Cancel"), QString(), QStringLiteral("confirmation.cancel"),
+                         QStringLiteral("Closes this dialog and changes nothing"), this);
+    confirm_ = new DangerButton(this);
+    confirm_->setObjectName(QStringLiteral("confirmation.confirm"));
+    confirm_->setMaximumWidth(widestConfirmButton);
+    cancel_->setDefault(true);
+    buttons->addStretch(1);
+    buttons->addWidget(cancel_);
+    buttons->addWidget(confirm_);
+    layout->addLayout(buttons);
+
+    connect(cancel_, &QPushButton::clicked, this, &ConfirmationDialog::reject);
+    connect(confirm_, &QPushButton::clicked, this, &ConfirmationDialog::confirm);
+    settling_.setSingleShot(true);
+    connect(&settling_, &QTimer::timeout, this, [this] { confirm_->setEnabled(true); });
+}
+
+QWidget* ConfirmationDialog::makePaths() {
+    auto* room = new QWidget(this);
+    auto* above = new QVBoxLayout(room);
+    above->setContentsMargins(0, spacing::gap, 0, 0);
+    pathsCard_ = new Card(room);
+    pathsCard_->setObjectName(QStringLiteral("confirmation.paths"));
+    pathsCard_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit,
+                                             spacing::cardPadding, spacing::unit);
+    pathsCard_->contentLayout()->setSpacing(spacing::unit / 2);
+    const auto addLine = [this] {
+        auto* line = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText,
+                                     pathsCard_);
+        // Where it lies and what it is called both tell a program from its namesake.
+        line->setElideMode(Qt::ElideMiddle);
+        line->setGround(&CrestTheme::cardBackground);
+        pathsCard_->contentLayout()->addWidget(line);
+        return line;
+    };
+    for (std::size_t i = 0; i < mostPaths; ++i) {
+        pathLines_.push_back(addLine());
+        pathLines_.back()->setObjectName(QStringLiteral("confirmation.path.%1").arg(i));
+    }
+    morePaths_ = addLine();
+    morePaths_->setObjectName(QStringLiteral("confirmation.more-paths"));
+    above->addWidget(pathsCard_);
+    return room;
+}
+
+void ConfirmationDialog::refresh() {
+    const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
+    if (!pending) {
+        if (shown_) {
+            leave(Rejected);
+        }
+        return;
+    }
+    if (!showsPending()) {
+        present(*pending);
+    }
+}
+
+void ConfirmationDialog::present(const ConfirmationRequest& request) {
+    const bool followsAnother =
+        shown_ || (sinceLeft_.isValid() && sinceLeft_.elapsed() < settlingTime_.count());
+    shown_ = request.id;
+    const QString title = paragraph(request.title);
+    const QString message = paragraph(request.message);
+    heading_->setText(title);
+    message_->setText(message);
+    // Read out when the dialog opens.
+    setAccessibleDescription(title + u'\n' + message);
+    confirm_->setTitle(paragraph(request.confirmTitle));
+    confirm_->setAccessibleDescription(title);
+    showPaths(desk_.targetPaths());
+    fit();
+    settling_.stop();
+    confirm_->setEnabled(!followsAnother);
+    if (followsAnother) {
+        settling_.start(settlingTime_);
+    }
+    cancel_->setFocus();
+    open();
+}
+
+void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
+    QStringList texts;
+    for (const std::string& path : paths) {
+        texts.append(paragraph(path));
+    }
+    const auto count = static_cast<std::size_t>(texts.size());
+    for (std::size_t i = 0; i < pathLines_.size(); ++i) {
+        pathLines_[i]->setText(i < count ? texts.at(static_cast<qsizetype>(i)) : QString());
+        pathLines_[i]->setVisible(i < count);
+    }
+    const std::size_t rest = count - std::min(count, mostPaths);
+    const QString others = texts.mid(static_cast<qsizetype>(mostPaths)).join(u'\n');
+    morePaths_->setText(rest > 0 ? QStringLiteral("and %1 more").arg(rest) : QString());
+    morePaths_->setToolTip(toolTipText(others));
+    morePaths_->setAccessibleDescription(others);
+    morePaths_->setVisible(rest > 0);
+    pathsCard_->setAccessibleName(count == 1 ? QStringLiteral("Executable")
+                                             : QStringLiteral("Executables"));
+    pathsCard_->parentWidget()->setVisible(count > 0);
+}
+
+void ConfirmationDialog::fit() {
+    ensurePolished();
+    // From the inside out: what came or went is else told to the outer layouts a turn later each.
+    for (const QWidget* each : {static_cast<QWidget*>(pathsCard_), pathsCard_->parentWidget(),
+                                static_cast<QWidget*>(this)}) {
+        each->layout()->invalidate();
+        each->layout()->activate();
+    }
+    setFixedSize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
+}
+
+bool ConfirmationDialog::showsPending() const {
+    const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
+    return shown_ && pending && pending->id == *shown_;
+}
+
+void ConfirmationDialog::confirm() {
+    // What the desk holds by now may be a question that has not come into view yet.
+    if (!showsPending()) {
+        refresh();
+        return;
+    }
+    leave(Accepted);
+    desk_.confirmPending();
+}
+
+void ConfirmationDialog::reject() {
+    if (!showsPending()) {
+        refresh();
+        return;
+    }
+    leave(Rejected);
+    desk_.cancelPending();
+}
+
+void ConfirmationDialog::leave(int result) {
+    shown_.reset();
+    settling_.stop();
+    sinceLeft_.start();
+    done(result);
+}
+
+}  // namespace tallowcrest

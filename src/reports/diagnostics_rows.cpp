@@ -1,0 +1,88 @@
+#include "reports/diagnostics_rows.h"
+
+#include <optional>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "core/control_characters.h"
+#include "reports/report_numbers.h"
+#include "sampling/app_impact.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::string_view redactedText = "redacted";
+
+std::string knownText(const std::optional<std::string>& text) {
+    return reportText(text ? std::string_view(*text) : "unknown");
+}
+
+std::string processList(const std::vector<RemoteProcess>& processes, bool redacted) {
+    if (processes.empty()) {
+        return "unknown";
+    }
+    std::string list;
+    for (const RemoteProcess& process : processes) {
+        list.append(list.empty() ? "" : "; ");
+        list.append(formatRemoteProcessSummary(process, redacted));
+    }
+    return list;
+}
+
+}  // namespace
+
+std::string reportText(std::string_view text) {
+    return replacingControlCharacters(text, " ");
+}
+
+std::string formatAppRow(const AppImpact& app) {
+    constexpr double megabytesInGigabyte = 1024.0;
+    return fmt::format("{}\t{}% CPU\t{} GB\t{} processes\t{} protected", reportText(app.name),
+                       withOneDecimal(app.totalCPU),
+                       withOneDecimal(app.totalMemoryMB / megabytesInGigabyte), app.processCount,
+                       app.protectedCount);
+}
+
+std::string formatInsightRow(const SessionInsight& insight) {
+    return fmt::format("{}\t{}\t{}", reportText(insight.title), reportText(insight.value),
+                       reportText(insight.detail));
+}
+
+std::string formatLocalProcessRow(const ProcessSample& row, bool redacted) {
+    const std::string name = redacted ? appGroupName(row) : std::string(row.displayName());
+    return fmt::format("{}\t{}% CPU\t{} MB\t{}",
+                       redacted ? std::string(redactedText) : std::to_string(row.pid),
+                       withOneDecimal(row.cpu), withoutDecimals(row.rssMB), reportText(name));
+}
+
+std::string formatRemoteProcessSummary(const RemoteProcess& process, bool redacted) {
+    const std::string_view name = process.displayName();
+    return fmt::format("{} {}%/{}MB", reportText(redacted ? normalizedAppName(name) : name),
+                       withOneDecimal(process.cpu), withoutDecimals(process.rssMB));
+}
+
+std::string formatRemoteRow(const RemoteHealth& health, bool redacted) {
+    return fmt::format(
+        "{}\t{}\t{}\tmacOS {}\tCPU {}%\tMemory {}%\tTop CPU {}\tTop Memory {}\tRecommendation {}\t"
+        "Processes {}\t{}",
+        reportText(health.hostName), reportText(redacted ? redactedText : health.address),
+        title(health.status), knownText(health.osVersion),
+        roundedToInteger(health.cpuPercent.value_or(0.0)),
+        roundedToInteger(health.memoryPercent.value_or(0.0)), knownText(health.topCPUProcess),
+        knownText(health.topMemoryProcess), reportText(health.recommendation),
+        processList(health.topProcesses, redacted), reportText(health.setupHint));
+}
+
+std::string formatTrustRow(const AITrustRecord& record) {
+    return fmt::format("{}\ttrust {}%\tapproved {}\trun {}\tblocked {}",
+                       reportText(record.actionType), trustPercent(record), record.approvedCount,
+                       record.runCount, record.blockedCount);
+}
+
+std::string formatEventRow(const ActivityEvent& event, const Locale& locale) {
+    return fmt::format("{}\t{}\t{}", locale.timeOfDay(event.date), reportText(event.title),
+                       reportText(event.detail));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "actions/local_actions.h"
+#include "core/settings_store.h"
+#include "sampling/app_impact.h"
+#include "tests/support/fake_local_actions.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+
+/// The local actions over a machine of which a test sets every process.
+class LocalActionsFixture : public ::testing::Test {
+protected:
+    static constexpr std::int64_t ownPID = 4242;
+    static constexpr std::uint64_t firstStartTime = 1000;
+
+    /// A process that runs, and that the next sample finds.
+    ProcessSample& addProcess(std::int64_t pid, const std::string& command) {
+        ProcessSample row;
+        row.pid = pid;
+        row.cpu = 10.0;
+        row.rssMB = 100.0;
+        row.command = command;
+        row.arguments = command;
+        row.startTime = firstStartTime;
+        ports.processes->running[pid] = firstStartTime;
+        rows.push_back(std::move(row));
+        return rows.back();
+    }
+
+    /// A sample with the processes that run now lands.
+    void takeSample(double pressure = 10.0) {
+        SystemSnapshot snapshot;
+        snapshot.memory.pressure = pressure;
+        snapshot.topProcesses = rankProcesses(rows);
+        snapshot.appImpacts = buildAppImpacts(rows, settings.protectedAppNames, policy);
+        sample.setLatestProcesses(rows, impactOrder(rows));
+        sample.setSnapshot(std::move(snapshot));
+    }
+
+    void endProcess(std::int64_t pid) {
+        ports.processes->running.erase(pid);
+        std::erase_if(rows, [pid](const ProcessSample& row) { return row.pid == pid; });
+    }
+
+    /// The process ends and its number goes to another one.
+    void reuseNumber(std::int64_t pid) { ports.processes->running[pid] = firstStartTime + 1; }
+
+    void selectFirst() { review.selectFirstProcess(rows); }
+
+    /// Runs what the actions left to the background, and what comes back from there.
+    void finishWork() {
+        while (workQueue.pendingCount() > 0) {
+            workQueue.run();
+        }
+        mainQueue.drain();
+    }
+
+    void confirm() {
+        confirmations.confirmPending();
+        finishWork();
+    }
+
+    const ConfirmationRequest& pending() const {
+        EXPECT_TRUE(confirmations.pendingConfirmation());
+        static const ConfirmationRequest none;
+        return confirmations.pendingConfirmation() ? *confirmations.pendingConfirmation() : none;
+    }
+
+    /// The message is the last action and the newest event.
+    void expectRecorded(const std::string& message) const {
+        EXPECT_EQ(log.lastAction(), message);
+        ASSERT_FALSE(log.activityLog().empty()) << message;
+        EXPECT_EQ(log.activityLog().front().title, "Action");
+        EXPECT_EQ(log.activityLog().front().detail, message);
+    }
+
+    static constexpr ProtectionPolicy policy{.ownPID = ownPID, .protectsLinuxSystem = true};
+
+    ManualClock clock;
+    ManualMainQueue mainQueue;
+    ManualWorkQueue workQueue;
+    MemorySettingsStore store;
+    Settings settings;
+    Observable observable{mainQueue};
+    ActivityLog log{clock, observable, {}, [](const auto&) {}};
+    LatestSample sample{observable, {}, [](const auto&) {}};
+    ReviewTarget review{observable, log, sample, settings.protectedAppNames, policy};
+    ConfirmationDesk confirmations{observable, log};
+    FakeLocalActions ports;
+    std::vector<ProcessSample> rows;
+    int refreshes = 0;
+    LocalActions actions{{observable, log, sample, review, confirmations, settings, store, policy,
+                          mainQueue, workQueue, [this] { ++refreshes; }},
+                         ports.ports()};
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,64 @@
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/advisor_records.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
+
+AITrustRecord record(std::int64_t approved, std::int64_t run, std::int64_t blocked) {
+    return {.actionType = "disk_cleanup",
+            .approvedCount = approved,
+            .runCount = run,
+            .blockedCount = blocked,
+            .lastUpdated = {}};
+}
+
+TEST(Trust, ScoreAndPercent) {
+    struct Case {
+        std::int64_t approved;
+        std::int64_t run;
+        std::int64_t blocked;
+        std::int64_t score;
+        std::int64_t percent;
+    };
+    for (const Case& c : std::vector<Case>{
+             {0, 0, 0, 20, 20},
+             {1, 0, 0, 28, 28},
+             {0, 1, 0, 34, 34},
+             {0, 0, 1, 0, 0},
+             {2, 3, 0, 78, 78},
+             {4, 2, 0, 80, 80},
+             {3, 2, 0, 72, 72},
+             {0, 3, 1, 42, 42},
+             {10, 0, 0, 100, 100},
+             {2, 1, 0, 50, 50},
+             {12, 1, 0, 130, 100},
+             {0, 0, 2, -20, 0},
+             {100, 0, 40, 20, 20},
+             {-1, 0, 0, 12, 12},
+         }) {
+        EXPECT_EQ(trustScore(record(c.approved, c.run, c.blocked)), c.score)
+            << c.approved << ", " << c.run << ", " << c.blocked;
+        EXPECT_EQ(trustPercent(record(c.approved, c.run, c.blocked)), c.percent)
+            << c.approved << ", " << c.run << ", " << c.blocked;
+    }
+}
+
+TEST(Trust, CountsThatNobodyCanReachStayWithinPercents) {
+    EXPECT_EQ(trustPercent(record(highest, highest, 0)), 100);
+    EXPECT_EQ(trustPercent(record(0, 0, highest)), 0);
+    EXPECT_EQ(trustPercent(record(highest, highest, highest)), 100);
+    EXPECT_EQ(trustPercent(record(highest, 0, highest)), 0);
+    EXPECT_EQ(trustPercent(record(lowest, lowest, highest)), 0);
+    EXPECT_EQ(trustPercent(record(0, 0, lowest)), 100);
+}
+
+}  // namespace
+}  // namespace tallowcrest

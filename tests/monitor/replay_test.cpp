@@ -1,0 +1,171 @@
+#include "tests/support/replay.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+struct Happening {
+    double seconds = 0.0;
+    std::string title;
+    std::string detail;
+};
+
+/// Replays a trace and collects what the monitor recorded at which time of it.
+class ReplayTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        FakeMachine& m = machine;
+        m.extensions.rules.tailDevices = [this] { return std::span<const TailDevice>(devices); };
+        m.extensions.rules.scanRemoteMacs = [this] { scans.push_back(now()); };
+        m.extensions.rules.checkDiskAutopilot = [this](const SystemSnapshot&) { ++diskChecks; };
+        m.extensions.automation.clearDiskCleanupPlan = [this] { ++plansCleared; };
+        TailDevice mac;
+        mac.os = "macOS";
+        mac.online = true;
+        devices = {mac};
+        beginning = m.clock.now();
+    }
+
+    double now() { return secondsBetween(beginning, machine.clock.now()); }
+
+    void run(const LoadTrace& trace) {
+        replay(machine, trace, [this](const TracedSample&) {
+            const auto& log = machine.monitor().log().activityLog();
+            for (const ActivityEvent& event : log) {
+                if (event.id == newest) {
+                    break;
+                }
+                happenings.push_back({now(), event.title, event.detail});
+            }
+            if (!log.empty()) {
+                newest = log.front().id;
+            }
+            machine.monitor().confirmations().cancelPending();
+            newest = machine.monitor().log().activityLog().empty()
+                         ? UUID{}
+                         : machine.monitor().log().activityLog().front().id;
+        });
+    }
+
+    std::vector<double> timesOf(const std::string& title, const std::string& begins) const {
+        std::vector<double> times;
+        for (const Happening& each : happenings) {
+            if (each.title == title && each.detail.starts_with(begins)) {
+                times.push_back(each.seconds);
+            }
+        }
+        return times;
+    }
+
+    static double shortestDistance(const std::vector<double>& times) {
+        double shortest = 1e9;
+        for (std::size_t i = 1; i < times.size(); ++i) {
+            shortest = std::min(shortest, times[i] - times[i - 1]);
+        }
+        return shortest;
+    }
+
+    FakeMachine machine;
+    Date beginning;
+    UUID newest;
+    std::vector<TailDevice> devices;
+    std::vector<Happening> happenings;
+    std::vector<double> scans;
+    int diskChecks = 0;
+    int plansCleared = 0;
+};
+
+TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
+    Automation& automation = machine.monitor().automation();
+    automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    automation.set(AutomationSwitch::autoScanRemoteMacs, true);
+    newest = machine.monitor().log().activityLog().front().id;
+    const LoadTrace day = syntheticDay();
+    run(day);
+
+    const std::vector<double> warnings = timesOf("Warning", "High load detected.");
+    EXPECT_GE(shortestDistance(warnings), 180.0);
+    // Seven spikes of a night, one each hour, and peaks for eleven hours.
+    EXPECT_GT(warnings.size(), 7U + 50U);
+    EXPECT_LE(warnings.size(), 7U + 11U * 20U);
+    const std::vector<double> purges = timesOf("Auto Rule", "Purged caches");
+    EXPECT_GT(shortestDistance(purges), 900.0);
+    EXPECT_GT(purges.size(), 3U);
+    // All of them while memory was high, or had been until just now.
+    for (const double time : purges) {
+        EXPECT_GT(time, 12.0 * 3600.0);
+        EXPECT_LT(time, 18.0 * 3600.0 + 120.0);
+    }
+    EXPECT_GT(shortestDistance(scans), 900.0);
+    EXPECT_THAT(scans, SizeIs(24U * 3600U / 904U + 1U));
+    EXPECT_EQ(static_cast<std::size_t>(diskChecks), day.size());
+    EXPECT_THAT(timesOf("Auto Rule", "Selected photo-indexer"), SizeIs(1));
+    // A rule asks; nothing is done without a yes.
+    EXPECT_EQ(machine.actions.cachePurge->count, 0);
+    EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
+    EXPECT_THAT(machine.notifications.posted, SizeIs(warnings.size()));
+}
+
+TEST_F(ReplayTest, AnHourBehindTheEmergencyStop) {
+    Automation& automation = machine.monitor().automation();
+    for (const AutomationSwitch each : allAutomationSwitches) {
+        automation.set(each, true);
+    }
+    automation.setAutonomyMode(AIAutonomyMode::autopilot);
+    LoadTrace busy(15);
+    LoadTrace hour(900);
+    const auto fill = [](LoadTrace& trace) {
+        for (std::size_t i = 0; i < trace.size(); ++i) {
+            TracedSample& sample = trace[i];
+            sample.seconds = 4.0 * static_cast<double>(i);
+            sample.cpuPercent = 99.0;
+            sample.pressure = 95.0;
+            sample.diskFreeGB = 0.5;
+            ProcessSample row;
+            row.pid = 700;
+            row.cpu = 390.0;
+            row.rssMB = 900.0;
+            row.command = "/usr/bin/photo-indexer";
+            sample.processes = {row};
+        }
+    };
+    fill(busy);
+    fill(hour);
+    // Armed: every automation would act, and does.
+    run(busy);
+    EXPECT_THAT(timesOf("Auto Rule", "Selected photo-indexer"), SizeIs(1));
+    EXPECT_THAT(timesOf("Auto Rule", "Purged caches"), SizeIs(1));
+    EXPECT_THAT(scans, SizeIs(1));
+    EXPECT_EQ(diskChecks, 15);
+
+    machine.monitor().review().clearOperationTarget();
+    automation.engageEmergencyStop();
+    newest = machine.monitor().log().activityLog().front().id;
+    happenings.clear();
+    scans.clear();
+    diskChecks = 0;
+    // Whatever pause the rules had to keep is over.
+    machine.clock.advance(std::chrono::hours(2));
+    beginning = machine.clock.now();
+    run(hour);
+    EXPECT_THAT(timesOf("Auto Rule", ""), IsEmpty());
+    EXPECT_THAT(scans, IsEmpty());
+    EXPECT_EQ(diskChecks, 0);
+    EXPECT_EQ(plansCleared, 1);
+    EXPECT_EQ(machine.monitor().review().selectedPID(), std::nullopt);
+    EXPECT_FALSE(machine.monitor().confirmations().pendingConfirmation());
+    EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
+    // The stop is for actions: a person is still told.
+    EXPECT_THAT(timesOf("Warning", "High load detected."), SizeIs(20));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,259 @@
+#include "platform/desktop/application_quit_action.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <QDBusMessage>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/platform/desktop/quit_action_fixture.h"
+#include "tests/platform/test_children.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+bool everyProcess(const ProcessSample&) {
+    return true;
+}
+
+/// Long enough for a machine with much else to do; nothing here waits for it in vain.
+constexpr BusCallLimits patient{20s, 60s};
+constexpr BusCallLimits impatient{200ms, 600ms};
+
+TEST(ApplicationObjectPath, FollowsTheName) {
+    EXPECT_EQ(applicationObjectPath("org.example.Editor"), "/org/example/Editor");
+    EXPECT_EQ(applicationObjectPath("org.example.Quitting-App"), "/org/example/Quitting_App");
+    EXPECT_EQ(applicationObjectPath("org.example.a_b-c-d"), "/org/example/a_b_c_d");
+    EXPECT_EQ(applicationObjectPath(""), "/");
+}
+
+class QuitActionTest : public testing::Test {
+protected:
+    std::size_t ask(const std::vector<ProcessSample>& members,
+                    BusCallLimits limits = patient) const {
+        return ApplicationQuitAction(everyProcess, bus.connection(), limits).askToQuit(members);
+    }
+
+    /// Had it been asked, it would say so before it answers this.
+    void expectNeverAsked(TestApplication& application) const {
+        const QDBusMessage answer =
+            bus.connection().call(QDBusMessage::createMethodCall(
+                                      applicationName, "/", "org.freedesktop.DBus.Peer", "Ping"),
+                                  QDBus::Block, 20'000);
+        EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage);
+        EXPECT_TRUE(application.isRunning());
+        application.end();
+        EXPECT_EQ(application.line(), "");
+    }
+
+    TestSessionBus bus;
+};
+
+TEST_F(QuitActionTest, AsksAnApplicationWhichThenEnds) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+    EXPECT_EQ(application.exitStatus(), 0);
+}
+
+TEST_F(QuitActionTest, WorksWhileTheMainThreadWaits) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    std::size_t asked = 0;
+    std::thread([&] { asked = ask({application.member()}); }).join();
+    EXPECT_EQ(asked, 1U);
+    EXPECT_EQ(application.line(), "quit");
+}
+
+TEST_F(QuitActionTest, AnApplicationThatStaysWasAsked) {
+    TestApplication application("stays");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+    EXPECT_TRUE(application.isRunning());
+}
+
+TEST_F(QuitActionTest, AsksEachApplicationOfAGroupOnce) {
+    TestApplication first("present");
+    TestApplication second("present", {}, "org.example.Second");
+    ASSERT_EQ(first.greeting, "ready");
+    ASSERT_EQ(second.greeting, "ready");
+    EXPECT_EQ(ask({first.member(), second.member(), first.member()}), 2U);
+    for (TestApplication* application : {&first, &second}) {
+        EXPECT_EQ(application->line(), "quit");
+        EXPECT_EQ(application->line(), "");
+        EXPECT_EQ(application->exitStatus(), 0);
+    }
+}
+
+TEST_F(QuitActionTest, OtherNamesOfAnApplicationDoNoHarm) {
+    TestApplication application("present",
+                                {"org.example.Another", "org.mpris.MediaPlayer2.example", "a.b"});
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+    EXPECT_EQ(application.line(), "");
+}
+
+class WithoutAction : public QuitActionTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WithoutAction, IsNotAsked) {
+    TestApplication application(GetParam());
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 0U);
+    expectNeverAsked(application);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, WithoutAction,
+                         testing::Values("absent", "disabled", "with-parameter", "bare",
+                                         "lists-text", "lists-numbers", "lists-upper-case",
+                                         "describes-text", "describes-little"));
+
+TEST_F(QuitActionTest, AnApplicationThatSpeaksForItselfIsAsked) {
+    TestApplication application("answers");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+}
+
+TEST_F(QuitActionTest, AnErrorIsNoSuccess) {
+    TestApplication application("refuses");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 0U);
+    EXPECT_EQ(application.line(), "quit");
+}
+
+// To take it for a failure would mean a signal to it while its owner decides what to save.
+TEST_F(QuitActionTest, AnApplicationThatIsBusyWithTheQuestionWasAsked) {
+    TestApplication application("asks-its-owner");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}, {2s, 20s}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+    EXPECT_TRUE(application.isRunning());
+}
+
+TEST_F(QuitActionTest, AnApplicationThatEndsWithoutAnAnswerWasAsked) {
+    TestApplication application("ends-at-once");
+    ASSERT_EQ(application.greeting, "ready");
+    EXPECT_EQ(ask({application.member()}), 1U);
+    EXPECT_EQ(application.line(), "quit");
+    EXPECT_EQ(application.exitStatus(), 0);
+}
+
+TEST_F(QuitActionTest, AnotherProcessIsNotAsked) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    ProcessSample other = application.member();
+    other.pid += 1;
+    ProcessSample wrapped = application.member();
+    wrapped.pid += std::int64_t{1} << 32U;
+    EXPECT_EQ(ask({other, wrapped}), 0U);
+    EXPECT_EQ(ask({}), 0U);
+    expectNeverAsked(application);
+}
+
+// The bus itself and the test are no applications.
+TEST_F(QuitActionTest, AProcessWithoutANameIsNotAsked) {
+    ProcessSample daemon;
+    daemon.pid = bus.daemon().pid();
+    ProcessSample self;
+    self.pid = ::getpid();
+    EXPECT_EQ(ask({daemon, self}), 0U);
+}
+
+TEST_F(QuitActionTest, AProcessThatIsNoLongerTheReviewedOneIsNotAsked) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    std::vector<ProcessSample> questions;
+    const ApplicationQuitAction doubtful(
+        [&](const ProcessSample& member) {
+            questions.push_back(member);
+            return false;
+        },
+        bus.connection(), patient);
+    EXPECT_EQ(doubtful.askToQuit({application.member()}), 0U);
+    EXPECT_THAT(questions, ElementsAre(application.member()));
+    expectNeverAsked(application);
+}
+
+TEST_F(QuitActionTest, AnApplicationThatHangsHoldsNobodyUp) {
+    TestApplication hanging("present");
+    TestApplication other("present", {}, "org.example.Second");
+    ASSERT_EQ(hanging.greeting, "ready");
+    ASSERT_EQ(other.greeting, "ready");
+    hanging.signal(SIGSTOP);
+    EXPECT_EQ(ask({hanging.member()}, impatient), 0U);
+    EXPECT_EQ(ask({hanging.member(), other.member()}, {2s, 20s}), 1U);
+    EXPECT_EQ(other.line(), "quit");
+}
+
+TEST_F(QuitActionTest, ABusThatHangsHoldsNobodyUp) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    bus.daemon().signal(SIGSTOP);
+    EXPECT_EQ(ask({application.member()}, impatient), 0U);
+    bus.daemon().signal(SIGCONT);
+    expectNeverAsked(application);
+}
+
+TEST_F(QuitActionTest, WithoutABusNobodyIsAsked) {
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+    const QDBusConnection never(QStringLiteral("never connected"));
+    EXPECT_EQ(ApplicationQuitAction(everyProcess, never).askToQuit({application.member()}), 0U);
+    const QDBusConnection nowhere =
+        QDBusConnection::connectToBus(QStringLiteral("unix:path=/nowhere"), QStringLiteral("none"));
+    EXPECT_EQ(ApplicationQuitAction(everyProcess, nowhere).askToQuit({application.member()}), 0U);
+    expectNeverAsked(application);
+    bus.daemon().end();
+    EXPECT_EQ(ask({application.member()}), 0U);
+}
+
+// The bus knows how to start it, and would for a message to its name.
+TEST(QuitActionOfAnActivatableApplication, DoesNotStartItAgain) {
+    const TemporaryFolder folder;
+    const auto trace = folder.path() / "started";
+    std::ofstream(folder.path() / "application.service")
+        << "[D-BUS Service]\nName=" << applicationName << "\nExec=/usr/bin/touch " << trace.string()
+        << "\n";
+    std::ofstream(folder.path() / "bus.conf")
+        << "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><servicedir>"
+        << folder.path().string()
+        << "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+           "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+           "<allow own=\"*\"/></policy></busconfig>";
+    const TestSessionBus bus({"--config-file=" + (folder.path() / "bus.conf").string()});
+    TestApplication application("present");
+    ASSERT_EQ(application.greeting, "ready");
+
+    const ApplicationQuitAction action(
+        [&](const ProcessSample&) {
+            application.end();
+            return true;
+        },
+        bus.connection(), patient);
+    EXPECT_EQ(action.askToQuit({application.member()}), 0U);
+    EXPECT_EQ(application.line(), "");
+    EXPECT_FALSE(std::filesystem::exists(trace));
+
+    // Which is what such a message does: otherwise this would prove nothing.
+    bus.connection().send(
+        QDBusMessage::createMethodCall(applicationName, "/", "org.freedesktop.DBus.Peer", "Ping"));
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(trace); }));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,203 @@
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/platform/desktop/dbus_notification_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+using DBusNotificationDaemonsTest = DBusNotificationFixture;
+
+TEST_F(DBusNotificationDaemonsTest, ADaemonStartedAgainIsAskedAnewAndKnowsNothingOfBefore) {
+    auto daemon = std::make_unique<Daemon>(bus, everything);
+    start();
+    const uint before = show(*daemon);
+    daemon.reset();
+    daemon = std::make_unique<Daemon>(bus, QStringList{"actions", "body"}, before + 100);
+    ASSERT_TRUE(daemon->ownsItsName());
+    ASSERT_TRUE(showsAgain(*daemon));
+    EXPECT_EQ(daemon->calls().first(), "GetCapabilities");
+    daemon->press(before, "REVIEW");
+    pressAtLast(*daemon, before + 100);
+    EXPECT_THAT(responses, ElementsAre("LAST"));
+}
+
+TEST_F(DBusNotificationDaemonsTest, WithoutADaemonPostsAreLostWithoutAWord) {
+    start();
+    center->post(content("lost"));
+    ASSERT_TRUE(settle(QDBusConnection(connectionName)));
+    const Daemon daemon(bus, everything);
+    ASSERT_TRUE(daemon.ownsItsName());
+    ASSERT_TRUE(showsAgain(daemon));
+    EXPECT_FALSE(daemon.bodies().contains("lost"));
+}
+
+TEST_F(DBusNotificationDaemonsTest, WithoutABusPostsAreLostWithoutAWord) {
+    const Daemon daemon(bus, everything);
+    start();
+    show(daemon);
+    bus.kill();
+    ASSERT_TRUE(eventually([&] { return !QDBusConnection(connectionName).isConnected(); }));
+    for (int count = 0; count < 10; ++count) {
+        center->post(content("lost"));
+        QCoreApplication::processEvents();
+    }
+    DBusNotificationCenter never(QDBusConnection(QStringLiteral("never connected")));
+    never.post(content("lost"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(daemon.bodies(), QStringList({"high"}));
+}
+
+TEST_F(DBusNotificationDaemonsTest, OfManyPostsToOneThatHangsTheLastAreShownWhenItWakes) {
+    Daemon daemon(bus, everything);
+    daemon.holdBack("GetCapabilities");
+    start();
+    for (int number = 1; number <= 100; ++number) {
+        center->post(content(std::to_string(number)));
+    }
+    ASSERT_TRUE(eventually([&] { return !daemon.calls().isEmpty(); }));
+    EXPECT_EQ(daemon.calls(), QStringList({"GetCapabilities"}));
+    daemon.releaseHeld();
+    ASSERT_TRUE(eventually([&] { return daemon.bodies().contains("100"); }));
+    EXPECT_EQ(daemon.bodies(), QStringList({"97", "98", "99", "100"}));
+}
+
+TEST_F(DBusNotificationDaemonsTest, OneThatDoesNotTellWhatItCanIsGivenUp) {
+    Daemon daemon(bus, everything);
+    daemon.holdBack("GetCapabilities");
+    start(std::chrono::milliseconds(50));
+    center->post(content("lost"));
+    ASSERT_TRUE(eventually([&] {
+        // Is asked again only when the first question has been given up.
+        if (!daemon.calls().isEmpty()) {
+            center->post(content("again"));
+        }
+        return daemon.calls().size() > 1;
+    }));
+    daemon.releaseHeld();
+    ASSERT_TRUE(showsAgain(daemon));
+    EXPECT_FALSE(daemon.bodies().contains("lost"));
+}
+
+TEST_F(DBusNotificationDaemonsTest, OneThatHangsOverANotificationIsGivenUp) {
+    Daemon daemon(bus, everything);
+    daemon.holdBack("Notify");
+    start(std::chrono::milliseconds(50));
+    ASSERT_TRUE(showsAgain(daemon));
+    // Is given another only when the first has been given up.
+    ASSERT_TRUE(showsAgain(daemon));
+    daemon.releaseHeld();
+    ASSERT_TRUE(showsAgain(daemon));
+}
+
+TEST_F(DBusNotificationDaemonsTest, OneThatRefusesANotificationIsNotGivenTheRest) {
+    Daemon daemon(bus, everything);
+    daemon.holdBack("Notify");
+    start();
+    show(daemon);
+    center->post(content("lost"));
+    center->post(content("lost"));
+    daemon.refuse("Notify");
+    daemon.releaseHeld();
+    ASSERT_TRUE(showsAgain(daemon));
+    EXPECT_FALSE(daemon.bodies().contains("lost"));
+}
+
+TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
+    Daemon daemon(bus, everything);
+    start();
+    const auto survives = [&](const QString& method) {
+        const qsizetype before = daemon.calls().count(method);
+        return eventually([&] {
+            center->post(content("odd"));
+            return daemon.calls().count(method) > before + 1;
+        });
+    };
+    daemon.answerWith("GetCapabilities", QStringLiteral("actions"));
+    EXPECT_TRUE(survives("GetCapabilities"));
+    EXPECT_THAT(daemon.shown(), IsEmpty());
+    daemon.answerWith({}, {});
+    daemon.refuse("GetCapabilities");
+    EXPECT_TRUE(survives("GetCapabilities"));
+    EXPECT_THAT(daemon.shown(), IsEmpty());
+    daemon.refuse("Notify");
+    EXPECT_TRUE(survives("Notify"));
+    daemon.refuse({});
+    daemon.answerWith("Notify", QStringLiteral("seventeen"));
+    EXPECT_TRUE(survives("Notify"));
+    daemon.answerWith({}, {});
+    ASSERT_TRUE(showsAgain(daemon));
+    pressAtLast(daemon, daemon.shown().back().id);
+    EXPECT_THAT(responses, ElementsAre("LAST"));
+}
+
+TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatHangsGoesToItsSuccessor) {
+    Daemon former(bus, everything);
+    former.holdBack("GetCapabilities");
+    start();
+    center->post(content("waits"));
+    ASSERT_TRUE(eventually([&] { return !former.calls().isEmpty(); }));
+    const Daemon successor(bus, everything, 7, Daemon::Arrival::inPlaceOfAnother);
+    ASSERT_TRUE(successor.ownsItsName());
+    ASSERT_TRUE(eventually([&] { return !successor.shown().empty(); }));
+    former.releaseHeld();
+    pressAtLast(successor, 7);
+    EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
+    EXPECT_THAT(former.shown(), IsEmpty());
+}
+
+TEST_F(DBusNotificationDaemonsTest, WhatIsSentToOneThatHasJustEndedGoesToItsSuccessor) {
+    auto former = std::make_unique<Daemon>(bus, everything);
+    start();
+    show(*former);
+    // No event is heard of all this before the post.
+    const Daemon successor(bus, everything, 7, Daemon::Arrival::inPlaceOfAnother);
+    ASSERT_TRUE(successor.ownsItsName());
+    const QString connection = former->connection();
+    former.reset();
+    const QDBusConnection observer(bus.connect());
+    ASSERT_TRUE(untilGone(observer, connection));
+    center->post(content("waits"));
+    ASSERT_TRUE(eventually([&] { return !successor.shown().empty(); }));
+    pressAtLast(successor, 7);
+    EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
+    QDBusConnection::disconnectFromBus(observer.name());
+}
+
+TEST_F(DBusNotificationDaemonsTest, OneThatHasNeverReachedAnybodyIsNotSentForEver) {
+    Daemon daemon(bus, everything);
+    daemon.refuse("Notify", "org.freedesktop.DBus.Error.ServiceUnknown");
+    start();
+    center->post(content("lost"));
+    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 2; }));
+    daemon.refuse({});
+    ASSERT_TRUE(eventually([&] {
+        center->post(content("next"));
+        return daemon.bodies().contains("next");
+    }));
+    EXPECT_EQ(daemon.bodies().count("lost"), 2);
+    // A third time it would have been asked whether it is another one by now.
+    EXPECT_EQ(daemon.calls().count("GetCapabilities"), 2);
+}
+
+TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatEndsIsLost) {
+    auto former = std::make_unique<Daemon>(bus, everything);
+    former->holdBack("GetCapabilities");
+    start();
+    center->post(content("lost"));
+    ASSERT_TRUE(eventually([&] { return !former->calls().isEmpty(); }));
+    former.reset();
+    const Daemon successor(bus, everything);
+    ASSERT_TRUE(successor.ownsItsName());
+    ASSERT_TRUE(showsAgain(successor));
+    EXPECT_FALSE(successor.bodies().contains("lost"));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,66 @@
+#include "platform/desktop/notification_text.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace tallowcrest {
+namespace {
+
+TEST(NotificationTextTest, ControlCharactersAreReplacedAndNothingElse) {
+    struct Case {
+        const char* what;
+        std::string text;
+        QString shown;
+    };
+    const std::vector<Case> cases{
+        {"plain", "photo-indexer", "photo-indexer"},
+        {"empty", "", ""},
+        {"markup is text here", "<b>x</b> & \"co\"", "<b>x</b> & \"co\""},
+        {"line ends and tabs", "a\nb\r\tc", "a?b??c"},
+        {"zero byte", std::string("a\0b", 3), "a?b"},
+        {"overrides", "\u202Ea\u202Cb", "?a?b"},
+        {"no UTF-8", "a\xFF-\xC3", QStringLiteral("a\uFFFD-\uFFFD")},
+        {"letters of a script from right to left", "\u05D0\u05D1", QStringLiteral("\u05D0\u05D1")},
+        {"joined emoji", "\U0001F468\u200D\U0001F4BB",
+         QStringLiteral("\U0001F468\u200D\U0001F4BB")},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(notificationText(each.text, 100), each.shown) << each.what;
+    }
+}
+
+TEST(NotificationTextTest, WhatIsTooLongEndsInAnEllipsisAtAWholeCharacter) {
+    struct Case {
+        const char* what;
+        std::string text;
+        QString shown;
+    };
+    // Five units, one of them for the ellipsis.
+    const std::vector<Case> cases{
+        {"fits", "12345", "12345"},
+        {"one too many", "123456", QStringLiteral("1234…")},
+        {"a pair fits", "12\U0001F600\x39\x39", QStringLiteral("12\U0001F600…")},
+        {"a pair does not", "123\U0001F600\x39", QStringLiteral("123…")},
+        {"an accent of its own", "123e\u0301x", QStringLiteral("123…")},
+        {"a character longer than all the room", "e\u0301\u0301\u0301\u0301\u0301\u0301",
+         QStringLiteral("e\u0301\u0301\u0301…")},
+        {"pairs in one that is too long", "e\U0001F3FB\U0001F3FB\U0001F3FB",
+         QStringLiteral("e\U0001F3FB…")},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(notificationText(each.text, 5), each.shown) << each.what;
+    }
+    EXPECT_EQ(notificationText(std::string(10'000, 'x'), 600).size(), 600);
+}
+
+TEST(NotificationTextTest, MarkupShowsLetterForLetter) {
+    EXPECT_EQ(asNotificationMarkup(QStringLiteral("<b>x</b> & \"co\" it's")),
+              QStringLiteral("&lt;b&gt;x&lt;/b&gt; &amp; &quot;co&quot; it's"));
+    EXPECT_EQ(asNotificationMarkup(QStringLiteral("&amp;")), QStringLiteral("&amp;amp;"));
+    EXPECT_EQ(asNotificationMarkup(QString()), QString());
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,56 @@
+#include "platform/linux/user_directories.h"
+
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace tallowcrest {
+namespace {
+
+TEST(UserDirectories, AreReadAsADesktopWritesThem) {
+    const std::string text =
+        "# This file is written by a tool\n"
+        "XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
+        "  XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"  \r\n"
+        "XDG_MUSIC_DIR=\"/srv/music\"\n"
+        "XDG_VIDEOS_DIR=\"$HOME/\"\n"
+        "XDG_PICTURES_DIR=\"$HOME\"\n"
+        "XDG_DOWNLOAD_DIR=\"$HOME/a \\\"quoted\\\" \\\\ \\$name\"";
+    const auto directory = [&text](const char* name) {
+        return userDirectory(text, name, "/home/owner");
+    };
+    EXPECT_EQ(directory("DESKTOP"), "/home/owner/Schreibtisch");
+    EXPECT_EQ(directory("DOCUMENTS"), "/home/owner/Dokumente");
+    EXPECT_EQ(directory("MUSIC"), "/srv/music");
+    EXPECT_EQ(directory("VIDEOS"), "/home/owner/");
+    EXPECT_EQ(directory("PICTURES"), "/home/owner");
+    EXPECT_EQ(directory("DOWNLOAD"), "/home/owner/a \"quoted\" \\ $name");
+    EXPECT_EQ(directory("TEMPLATES"), std::nullopt);
+    EXPECT_EQ(directory("DOC"), std::nullopt);
+}
+
+TEST(UserDirectories, TheLastLineCounts) {
+    EXPECT_EQ(
+        userDirectory("XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=\"/b\"\n", "DOCUMENTS", "/h"),
+        "/b");
+    EXPECT_EQ(
+        userDirectory("XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=oops\n", "DOCUMENTS", "/h"),
+        std::nullopt);
+}
+
+TEST(UserDirectories, WhatMakesNoSenseIsNoDirectory) {
+    for (const std::string& value :
+         {std::string("$HOME/Documents"), std::string("\"relative\""), std::string("\"\""),
+          std::string("\"$HOMEWARD/x\""), std::string("\"$OTHER/x\""), std::string("\"/open"),
+          std::string("\"/a\" b"), std::string("\"/a\\"), std::string("'/a'"), std::string(),
+          std::string("\""), std::string("\"/a\0b\"", 6)}) {
+        EXPECT_EQ(userDirectory("XDG_DOCUMENTS_DIR=" + value + "\n", "DOCUMENTS", "/home/owner"),
+                  std::nullopt)
+            << value;
+    }
+    EXPECT_EQ(userDirectory("", "DOCUMENTS", "/home/owner"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tallowcrest

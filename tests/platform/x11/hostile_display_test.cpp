@@ -1,0 +1,113 @@
+// Displays that hang, end, cannot be reached or ask for leave. The test plays the manager.
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/x11/display_connection.h"
+#include "platform/x11/window_close_request.h"
+#include "tests/platform/x11/hostile_desktop_fixture.h"
+#include "tests/platform/x11/test_desktop.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+/// The test itself hangs if the call does.
+constexpr std::chrono::milliseconds shortLimit{300};
+
+TEST_F(HostileDesktop, ADisplayThatHangsFromTheBeginningHoldsNobodyUp) {
+    desktop.list({desktop.makeWindowOf(pid)});
+    display.server().signal(SIGSTOP);
+    EXPECT_EQ(WindowCloseRequests(everyProcess, shortLimit).askWindowsToClose(reviewed()), 0U);
+    display.server().signal(SIGCONT);
+    EXPECT_EQ(ask(), 1U);
+}
+
+TEST_F(HostileDesktop, ADisplayThatBeginsToHangHoldsNobodyUp) {
+    desktop.list({desktop.makeWindowOf(pid)});
+    const WindowCloseRequests requests(
+        [this](const ProcessSample&) {
+            display.server().signal(SIGSTOP);
+            return true;
+        },
+        shortLimit);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    display.server().signal(SIGCONT);
+}
+
+TEST_F(HostileDesktop, ADisplayThatEndsIsNoSignal) {
+    desktop.list({desktop.makeWindowOf(pid)});
+    const WindowCloseRequests requests([this](const ProcessSample&) {
+        display.server().end();
+        return true;
+    });
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    EXPECT_EQ(ask(), 0U);
+}
+
+TEST_F(HostileDesktop, ADisplayThatCannotBeReachedIsNone) {
+    desktop.list({desktop.makeWindowOf(pid)});
+    const std::string name = ::getenv("DISPLAY");
+    for (const std::string& other :
+         {std::string(), std::string("nonsense"), std::string(":"), std::string(":59999"),
+          std::string(":999999999999999999999"), "elsewhere.example" + name, "localhost" + name,
+          name + ".7", ":-1" + name}) {
+        ::setenv("DISPLAY", other.c_str(), 1);
+        EXPECT_EQ(ask(), 0U) << other;
+    }
+    ::unsetenv("DISPLAY");
+    EXPECT_EQ(ask(), 0U);
+    for (const std::string& other : {name, name + ".0", "unix" + name}) {
+        ::setenv("DISPLAY", other.c_str(), 1);
+        EXPECT_EQ(ask(), 1U) << other;
+    }
+}
+
+TEST(WindowsOfADisplay, WithoutAManagerAreNotAsked) {
+    const PrivateDisplay display;
+    const TestDesktop desktop;
+    desktop.list({desktop.makeWindowOf(pid)});
+    EXPECT_EQ(WindowCloseRequests(everyProcess).askWindowsToClose(reviewed()), 0U);
+}
+
+/// A file with the owner's leave to use any display of this machine.
+std::string leaveFile(const TemporaryFolder& folder, const std::string& name,
+                      const std::string& secret) {
+    const auto counted = [](const std::string& text) {
+        return std::string{static_cast<char>(text.size() >> 8U), static_cast<char>(text.size())} +
+               text;
+    };
+    const std::string localMachine("\x01\x00", 2);
+    const std::string path = folder.path() / name;
+    std::ofstream(path, std::ios::binary)
+        << localMachine << counted(windowHostName()) << counted("") << counted("MIT-MAGIC-COOKIE-1")
+        << counted(secret);
+    return path;
+}
+
+TEST(WindowsOfADisplay, AreAskedWithTheOwnersLeaveAlone) {
+    const TemporaryFolder folder;
+    const std::string right = leaveFile(folder, "right", "0123456789abcdef");
+    const std::string wrong = leaveFile(folder, "wrong", "fedcba9876543210");
+    ::setenv("XAUTHORITY", right.c_str(), 1);
+    const PrivateDisplay display({"-auth", right});
+    TestDesktop desktop;
+    desktop.becomeManager();
+    desktop.list({desktop.makeWindowOf(pid)});
+    const WindowCloseRequests requests(everyProcess);
+
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 1U);
+    ::setenv("XAUTHORITY", wrong.c_str(), 1);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    ::setenv("XAUTHORITY", (folder.path() / "none").c_str(), 1);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    ::unsetenv("XAUTHORITY");
+}
+
+}  // namespace
+}  // namespace tallowcrest

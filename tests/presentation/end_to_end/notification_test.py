@@ -1,0 +1,198 @@
+#!/usr/bin/env python3
+"""Load warnings as notifications of a real daemon.
+
+    notification_test.py POSTER [unittest options]
+
+POSTER posts them through the program's own code, without its window.
+"""
+
+import os
+import subprocess
+import sys
+import unittest
+
+from private_desktop import PrivateDesktop, eventually
+
+POSTER = None
+desktop = None
+
+
+def setUpModule():
+    global desktop
+    desktop = PrivateDesktop()
+    # The accessibility library asks the environment for its bus, once.
+    os.environ.clear()
+    os.environ.update(desktop.env)
+
+
+def tearDownModule():
+    desktop.end()
+
+
+def warning(name):
+    return (f"System load is high. Top process: {name}. Open Tallowcrest to review optimization "
+            "options.")
+
+
+class Poster:
+    """The program that posts, told a line at a time what to do."""
+
+    count = 0
+
+    def __init__(self):
+        Poster.count += 1
+        self.out = os.path.join(desktop.folder, f"poster-{Poster.count}")
+        with open(self.out, "wb") as out, open(self.out + "-complaints", "wb") as complaints:
+            self.process = subprocess.Popen([POSTER], env=desktop.env, stdin=subprocess.PIPE,
+                                            stdout=out, stderr=complaints, text=True)
+        eventually(lambda: self.lines()[:1] == ["ready"], "the poster runs")
+
+    def tell(self, line):
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+
+    def lines(self):
+        with open(self.out, encoding="utf-8") as file:
+            return file.read().splitlines()
+
+    def answers(self):
+        return self.lines()[1:]
+
+    def complaints(self):
+        with open(self.out + "-complaints", encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+    def quit(self):
+        self.tell("quit")
+        return self.process.wait(30)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdin.close()
+
+
+class NotificationTestCase(unittest.TestCase):
+    def setUp(self):
+        from notification_daemon import NotificationDaemon
+        self.daemon = NotificationDaemon(desktop)
+        self.addCleanup(self.daemon.end)
+        self.poster = Poster()
+        self.addCleanup(self.poster.end)
+
+    def warn(self, name):
+        """Posts a warning of this name and gives the notification that comes of it."""
+        self.poster.tell("warn " + name)
+        return self.daemon.find(name)
+
+    def assert_answers(self, *lines):
+        eventually(lambda: len(self.poster.answers()) >= len(lines), f"it answers {lines}")
+        self.assertEqual(self.poster.answers(), list(lines))
+
+    def assert_ends_without_a_word(self):
+        self.assertEqual(self.poster.quit(), 0)
+        self.assertEqual(self.poster.complaints(), "")
+
+
+class Shown(NotificationTestCase):
+    def setUp(self):
+        super().setUp()
+        self.daemon.start()
+
+    def test_a_name_that_looks_like_markup_shows_letter_for_letter(self):
+        shown = self.warn("<b>x</b> & co")
+        self.assertEqual(shown.title, "Tallowcrest warning")
+        self.assertEqual(shown.body, warning("<b>x</b> & co"))
+        self.assertEqual(list(shown.buttons), ["Review Cleanup", "AI Analyze", "Scan Remotes"])
+        self.assert_ends_without_a_word()
+
+    def test_names_that_are_made_to_harm_show_as_text_of_bounded_size(self):
+        for name in ("<a href='http://example.invalid/'>free memory</a>", "</b></markup>",
+                     "&lt;b&gt;&#x202e;&nosuch;", '" onclick="', "it's", "%s%n", "\\n"):
+            shown = self.warn(name)
+            self.assertEqual(shown.body, warning(name))
+            self.daemon.dismiss(shown)
+        self.poster.tell("warn " + "<" * 10_000)
+        long = self.daemon.find("<" * 100)
+        self.assertTrue(long.body.startswith("System load is high. Top process: <<<<"))
+        self.assertTrue(long.body.endswith("<…"), long.body)
+        self.assertLess(len(long.body), 1000)
+        self.assertEqual(list(long.buttons), ["Review Cleanup", "AI Analyze", "Scan Remotes"])
+        self.assert_ends_without_a_word()
+
+    def test_each_button_leads_where_it_should(self):
+        for title, answers in (
+                ("Review Cleanup", ["pressed OPEN_OPTIMIZE", "route optimizationSuggestions"]),
+                ("AI Analyze", ["pressed OPEN_AI", "route aiAdvisor"]),
+                ("Scan Remotes", ["pressed SCAN_REMOTES", "route remoteMacs"])):
+            with self.subTest(title):
+                before = self.poster.answers()
+                self.daemon.press(self.warn("probe of " + title), title)
+                self.assert_answers(*before, *answers)
+
+    def test_a_plain_click_leads_to_the_overview(self):
+        self.daemon.click(self.warn("clicked"))
+        self.assert_answers("pressed default", "route overview")
+
+    def test_without_buttons_a_plain_click_is_what_is_left(self):
+        self.poster.tell("without buttons")
+        shown = self.warn("plain")
+        self.assertEqual(shown.body, warning("plain"))
+        self.assertEqual(list(shown.buttons), [])
+        self.daemon.click(shown)
+        self.assert_answers("pressed default", "route overview")
+        self.poster.tell("with buttons")
+        self.assertEqual(list(self.warn("rich").buttons),
+                         ["Review Cleanup", "AI Analyze", "Scan Remotes"])
+
+    def test_what_is_dismissed_leads_nowhere(self):
+        self.daemon.dismiss(self.warn("dismissed"))
+        eventually(lambda: not self.daemon.shown(), "it is gone")
+        self.daemon.press(self.warn("pressed"), "AI Analyze")
+        self.assert_answers("pressed OPEN_AI", "route aiAdvisor")
+
+
+class Restart(NotificationTestCase):
+    def assert_works(self, name):
+        self.daemon.press(self.warn(name), "Scan Remotes")
+        self.assert_answers("pressed SCAN_REMOTES", "route remoteMacs")
+
+    def test_the_bus_starts_the_daemon_for_a_warning(self):
+        self.daemon.let_the_bus_start_it()
+        self.assertFalse(self.daemon.runs())
+        self.assert_works("called up")
+        self.assert_ends_without_a_word()
+
+    def test_the_bus_starts_the_daemon_again_after_a_crash(self):
+        self.daemon.let_the_bus_start_it()
+        self.warn("before")
+        before = self.daemon.pid()
+        self.daemon.kill()
+        self.assert_works("after")
+        self.assertNotEqual(self.daemon.pid(), before)
+        self.assert_ends_without_a_word()
+
+    def test_a_daemon_that_is_started_again_by_hand_is_found(self):
+        self.daemon.start()
+        self.warn("before")
+        self.daemon.kill()
+        self.daemon.start()
+        self.assertEqual(self.daemon.shown(), [])
+        self.assert_works("after")
+        self.assert_ends_without_a_word()
+
+    def test_without_a_daemon_warnings_are_lost_without_a_word(self):
+        self.poster.tell("warn lost")
+        # An answer behind the warning: by then that has been posted.
+        self.poster.tell("ping")
+        self.assert_answers("what is: ping")
+        self.daemon.start()
+        self.poster.tell("warn found")
+        self.assertEqual(self.daemon.find("found").body, warning("found"))
+        self.assertEqual([each.body for each in self.daemon.shown()], [warning("found")])
+        self.assert_ends_without_a_word()
+
+
+if __name__ == "__main__":
+    POSTER = os.path.abspath(sys.argv.pop(1))
+    unittest.main(verbosity=2)

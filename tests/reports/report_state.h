@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/locale.h"
+#include "reports/diagnostics_report.h"
+
+namespace tallowcrest {
+
+/// A whole state of the monitor to report on, which as it stands is a sample and nothing else.
+struct ReportState {
+    SystemSnapshot snapshot;
+    Settings settings;
+    std::vector<SessionInsight> sessionInsights;
+    std::vector<RemoteHealth> remoteHealth;
+    bool openAIKeySaved = false;
+    std::string aiInsight;
+    std::vector<AIActionSuggestion> aiActions;
+    std::map<std::string, AITrustRecord> aiTrustRecords;
+    std::vector<ActivityEvent> activityLog;
+
+    std::string report(bool redacted) const {
+        return diagnosticsReport({.snapshot = snapshot,
+                                  .settings = settings,
+                                  .sessionInsights = sessionInsights,
+                                  .remoteHealth = remoteHealth,
+                                  .openAIKeySaved = openAIKeySaved,
+                                  .aiInsight = aiInsight,
+                                  .aiActions = aiActions,
+                                  .aiTrustRecords = aiTrustRecords,
+                                  .activityLog = activityLog},
+                                 redacted, PlainLocale());
+    }
+};
+
+inline ProcessSample processRow(std::int64_t pid, double cpu, double rssMB, std::string command) {
+    ProcessSample row;
+    row.pid = pid;
+    row.cpu = cpu;
+    row.rssMB = rssMB;
+    row.command = std::move(command);
+    row.arguments = row.command;
+    return row;
+}
+
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else {
+            lines.back().push_back(c);
+        }
+    }
+    return lines;
+}
+
+}  // namespace tallowcrest

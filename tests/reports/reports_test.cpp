@@ -1,0 +1,133 @@
+#include "reports/reports.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+class FakeReportFolder final : public ReportFolder {
+public:
+    std::optional<std::string> write(const std::string& fileName,
+                                     const std::string& text) override {
+        if (!problem) {
+            written[fileName] = text;
+        }
+        return problem;
+    }
+    void reveal(const std::string& fileName) override { revealed.push_back(fileName); }
+
+    std::optional<std::string> problem;
+    std::map<std::string, std::string> written;
+    std::vector<std::string> revealed;
+};
+
+class ReportsTest : public ::testing::Test {
+protected:
+    void takeSample() { snapshot.emplace(); }
+
+    ManualClock clock;
+    ManualMainQueue mainQueue;
+    Observable observable{mainQueue};
+    ActivityLog log{clock, observable, {}, [](const auto&) {}};
+    PlainLocale locale;
+    std::vector<std::string> copied;
+    Pasteboard pasteboard{log, [this](const std::string& text) { copied.push_back(text); }};
+    std::optional<SystemSnapshot> snapshot;
+    Settings settings;
+    std::map<std::string, AITrustRecord> trust;
+    std::shared_ptr<FakeReportFolder> folder = std::make_shared<FakeReportFolder>();
+    std::int64_t utcOffset = 0;
+    Reports reports{{log, pasteboard, clock, locale,
+                     [this]() -> std::optional<DiagnosticsFacts> {
+                         if (!snapshot) {
+                             return std::nullopt;
+                         }
+                         return DiagnosticsFacts{*snapshot, settings, {},    {}, false,
+                                                 "",        {},       trust, {}};
+                     },
+                     [this](Date) { return utcOffset; }, folder}};
+};
+
+TEST_F(ReportsTest, BeforeTheFirstSampleThereIsNoneToCopyAndNoWordAboutIt) {
+    EXPECT_EQ(reports.diagnosticsReport(false), std::nullopt);
+    reports.copyDiagnosticsReport();
+    EXPECT_THAT(copied, IsEmpty());
+    EXPECT_THAT(log.activityLog(), IsEmpty());
+    EXPECT_EQ(log.lastAction(), "Monitoring started.");
+}
+
+TEST_F(ReportsTest, BeforeTheFirstSampleAnExportIsRefusedInWords) {
+    reports.exportDiagnosticsReport();
+    EXPECT_EQ(log.lastAction(), "No diagnostic sample is available yet.");
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_EQ(log.activityLog().front().title, "Action");
+    EXPECT_EQ(log.activityLog().front().detail, "No diagnostic sample is available yet.");
+    EXPECT_THAT(folder->written, IsEmpty());
+}
+
+TEST_F(ReportsTest, CopiesTheReportThatHidesNothing) {
+    takeSample();
+    reports.copyDiagnosticsReport();
+    ASSERT_THAT(copied, SizeIs(1));
+    EXPECT_EQ(copied.front(), reports.diagnosticsReport(false));
+    EXPECT_THAT(copied.front(), StartsWith("Tallowcrest report - "));
+    EXPECT_EQ(log.lastAction(), "Copied a performance report to the clipboard.");
+    EXPECT_THAT(log.activityLog(), SizeIs(1));
+}
+
+TEST_F(ReportsTest, ExportsAndShowsTheFile) {
+    takeSample();
+    const std::string name = exportFileName(clock.now(), 0);
+    const auto text = reports.diagnosticsReport(false);
+    reports.exportDiagnosticsReport();
+    ASSERT_THAT(folder->written, SizeIs(1));
+    EXPECT_EQ(folder->written.begin()->first, name);
+    EXPECT_EQ(folder->written.begin()->second, text);
+    EXPECT_THAT(folder->revealed, ElementsAre(name));
+    EXPECT_EQ(log.lastAction(), "Exported diagnostics to " + name + ".");
+    EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+}
+
+TEST_F(ReportsTest, AFailureIsToldInTheSystemsWords) {
+    takeSample();
+    folder->problem = "No space left on device";
+    reports.exportDiagnosticsReport();
+    EXPECT_EQ(log.lastAction(), "Could not export diagnostics: No space left on device");
+    EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+    EXPECT_THAT(folder->revealed, IsEmpty());
+}
+
+TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {
+    // 2026-11-20 23:45:12 UTC
+    const Date date = Date::fromUnixSeconds(1795218312.9);
+    EXPECT_EQ(exportFileName(date, 0), "Tallowcrest-Diagnostics-2026-11-20-234512.txt");
+    EXPECT_EQ(exportFileName(date, 3600), "Tallowcrest-Diagnostics-2026-11-21-004512.txt");
+    EXPECT_EQ(exportFileName(date, -12600), "Tallowcrest-Diagnostics-2026-11-20-201512.txt");
+    EXPECT_EQ(exportFileName(Date::fromUnixSeconds(-0.5), 0),
+              "Tallowcrest-Diagnostics-1969-12-31-235959.txt");
+    EXPECT_EQ(exportFileName(Date{1e300}, 0), "Tallowcrest-Diagnostics.txt");
+}
+
+TEST_F(ReportsTest, WithoutAClipboardThatIsSaid) {
+    takeSample();
+    Pasteboard none(log, {});
+    none.copyToPasteboard("text", "Copied it.");
+    EXPECT_EQ(log.lastAction(), "There is no clipboard here.");
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "actions/local_actions.h"
+
+namespace tallowcrest {
+
+/// A table of processes that a test changes at will: each number belongs to the process with the
+/// start time that stands there. Signals nothing, and keeps a list of what it would have signalled.
+class FakeProcessControl final : public ProcessControl {
+public:
+    struct Signalled {
+        std::int64_t pid = 0;
+        std::uint64_t startTime = 0;
+
+        bool operator==(const Signalled&) const = default;
+    };
+
+    std::unique_ptr<HeldProcess> hold(std::int64_t pid, std::uint64_t startTime) override {
+        held.push_back(pid);
+        const auto now = running.find(pid);
+        const std::uint64_t current = now == running.end() ? 0 : now->second;
+        return std::make_unique<Held>(*this, pid, startTime == 0 ? current : startTime);
+    }
+
+    std::map<std::int64_t, std::uint64_t> running;  ///< start time by number; 0 never stands here
+    /// What becomes of a signal to a process that is there, by its number; else it is asked.
+    std::map<std::int64_t, TerminationResult> results;
+    std::vector<std::int64_t> held;
+    std::vector<Signalled> signalled;
+
+private:
+    struct Held final : HeldProcess {
+        Held(FakeProcessControl& owner, std::int64_t pid, std::uint64_t startTime)
+            : control(owner), number(pid), start(startTime) {}
+
+        TerminationResult terminate() override {
+            const auto now = control.running.find(number);
+            if (now == control.running.end()) {
+                return {TerminationResult::Outcome::refused, {}};
+            }
+            if (now->second != start) {
+                return {TerminationResult::Outcome::blocked, {}};
+            }
+            const auto result = control.results.find(number);
+            if (result != control.results.end()) {
+                return result->second;
+            }
+            control.signalled.push_back({number, start});
+            return {TerminationResult::Outcome::asked, {}};
+        }
+
+        FakeProcessControl& control;
+        std::int64_t number;
+        std::uint64_t start;
+    };
+};
+
+/// Answers with what a test set and keeps what it was asked.
+class FakeGracefulQuit final : public GracefulQuit {
+public:
+    bool gracefulAppQuit(const std::string& name,
+                         const std::vector<ProcessSample>& members) override {
+        names.push_back(name);
+        lastMembers = members;
+        return succeeds;
+    }
+
+    bool succeeds = false;
+    std::vector<std::string> names;
+    std::vector<ProcessSample> lastMembers;
+};
+
+class FakeCachePurge final : public CachePurge {
+public:
+    PurgeResult purge() override {
+        ++count;
+        return result;
+    }
+
+    PurgeResult result{PurgeResult::Outcome::purged, {}};
+    int count = 0;
+};
+
+/// The three above, for a monitor that a test builds.
+struct FakeLocalActions {
+    std::shared_ptr<FakeProcessControl> processes = std::make_shared<FakeProcessControl>();
+    std::shared_ptr<FakeGracefulQuit> gracefulQuit = std::make_shared<FakeGracefulQuit>();
+    std::shared_ptr<FakeCachePurge> cachePurge = std::make_shared<FakeCachePurge>();
+
+    LocalActionPorts ports() const { return {processes, gracefulQuit, cachePurge}; }
+};
+
+}  // namespace tallowcrest

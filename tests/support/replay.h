@@ -1,0 +1,39 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+
+#include "tests/support/fake_machine.h"
+#include "tests/support/load_trace.h"
+
+namespace tallowcrest {
+
+/// Lets a fake machine live through a trace: each sample is taken when the clock stands at its
+/// time, counted from where it stood at the beginning. `landed` is called after each.
+template <class Landed>
+void replay(FakeMachine& machine, const LoadTrace& trace, Landed landed) {
+    const Date beginning = machine.clock.now();
+    machine.metrics->memory.totalGB = 16.0;
+    machine.metrics->disk.totalGB = 256.0;
+    machine.ticks->ticks = CPUTicks{};
+    SystemMonitor& monitor = machine.monitor();
+    for (const TracedSample& sample : trace) {
+        const double ahead = sample.seconds - secondsBetween(beginning, machine.clock.now());
+        machine.clock.advance(std::chrono::nanoseconds(std::llround(ahead * 1e9)));
+        machine.metrics->processes = sample.processes;
+        machine.metrics->memory.pressure = sample.pressure;
+        machine.metrics->disk.freeGB = sample.diskFreeGB;
+        constexpr std::uint64_t ticksPerSample = 100000;
+        const auto busy = static_cast<std::uint64_t>(
+            std::llround(std::clamp(sample.cpuPercent, 0.0, 100.0) * 1000.0));
+        machine.ticks->ticks->user += busy;
+        machine.ticks->ticks->idle += ticksPerSample - busy;
+        monitor.refresh();
+        machine.finishSamples();
+        landed(sample);
+    }
+}
+
+}  // namespace tallowcrest
