@@ -15,18 +15,15 @@ import unittest
 import dbus
 import dbus.bus
 
-from private_desktop import PrivateDesktop, eventually
+from private_desktop import eventually
+from window_case import ProcessTestCase, WindowTestCase, main, start_desktop
 
-PROGRAM = None
 desktop = None
 
 
 def setUpModule():
     global desktop
-    desktop = PrivateDesktop()
-    # The accessibility library asks the environment for its bus, once.
-    os.environ.clear()
-    os.environ.update(desktop.env)
+    desktop = start_desktop()
 
 
 def tearDownModule():
@@ -42,44 +39,11 @@ def service(name, owned):
     return program, bus
 
 
-class WindowTestCase(unittest.TestCase):
-    def setUp(self):
-        # Settings outlive a program; they must not reach the next test.
-        self.data = tempfile.mkdtemp(dir=desktop.folder)
-
-    def start(self, **env):
-        program = desktop.start(PROGRAM, "--ui-testing",
-                                env={**desktop.env, "XDG_DATA_HOME": self.data, **env})
-        self.addCleanup(program.end)
-        return program
-
-    def start_window(self, **env):
-        """The program, its window as seen by assistive technology, and the window's number."""
-        from accessible_window import AccessibleWindow
-        program = self.start(**env)
-        window = eventually(desktop.windows, "a window named Tallowcrest shows")
-        self.assertEqual(len(window), 1)
-        desktop.focus(window[0])
-        return program, AccessibleWindow(program.pid), window[0]
-
-    def start_unfocused(self):
-        program = self.start()
-        eventually(desktop.windows, "a window named Tallowcrest shows")
-        return program
-
-    def assert_hint(self, program):
-        status = program.status()
-        complaints = program.complaints()
-        self.assertEqual(status, 1, complaints)
-        self.assertIn("tallowcrest --headless", complaints)
-        return complaints.strip().splitlines()
-
-
 class WithoutADisplay(WindowTestCase):
     def test_without_a_display_it_says_so_and_what_to_try(self):
         env = {name: value for name, value in desktop.env.items()
                if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        program = desktop.start(PROGRAM, env=env)
+        program = desktop.start(self.program, env=env)
         self.addCleanup(program.end)
         lines = self.assert_hint(program)
         self.assertEqual(len(lines), 1)
@@ -230,23 +194,7 @@ class Restart(WindowTestCase):
         self.assertLess(after, before + pause)
 
 
-class Processes(WindowTestCase):
-    def start_probe(self):
-        """A process under a name that no other has."""
-        name = f"tcprobe{os.getpid()}"
-        path = os.path.join(desktop.folder, name)
-        if not os.path.exists(path):
-            shutil.copy("/bin/sleep", path)
-        probe = desktop.start(path, "600")
-        self.addCleanup(probe.end)
-        return name, probe
-
-    def filtered(self, window, text, expected):
-        window.type_into("Filter processes", text)
-        return eventually(
-            lambda: [row for row in window.cells() if row[0].startswith(expected)],
-            f"the filter {text!r} leaves {expected}")
-
+class Processes(ProcessTestCase):
     def test_a_process_is_found_reviewed_and_gone_when_it_ends(self):
         from gi.repository import Atspi
         name, probe = self.start_probe()
@@ -448,5 +396,4 @@ class Appearance(WindowTestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = os.path.abspath(sys.argv.pop(1))
-    unittest.main(verbosity=2)
+    main()

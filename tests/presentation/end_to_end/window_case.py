@@ -1,0 +1,80 @@
+"""What the tests of the real window share: the program on a desktop of its own."""
+
+import os
+import shutil
+import sys
+import tempfile
+import unittest
+
+from private_desktop import PrivateDesktop, eventually
+
+
+def start_desktop():
+    WindowTestCase.desktop = PrivateDesktop()
+    # The accessibility library asks the environment for its bus, once.
+    os.environ.clear()
+    os.environ.update(WindowTestCase.desktop.env)
+    return WindowTestCase.desktop
+
+
+def main():
+    """The program under test is the first argument, those of unittest follow."""
+    WindowTestCase.program = os.path.abspath(sys.argv.pop(1))
+    unittest.main(module="__main__", verbosity=2)
+
+
+class WindowTestCase(unittest.TestCase):
+    program = None
+    desktop = None
+
+    def setUp(self):
+        # Settings outlive a program; they must not reach the next test.
+        self.data = tempfile.mkdtemp(dir=self.desktop.folder)
+
+    def start(self, **env):
+        program = self.desktop.start(self.program, "--ui-testing",
+                                     env={**self.desktop.env, "XDG_DATA_HOME": self.data, **env})
+        self.addCleanup(program.end)
+        return program
+
+    def start_window(self, **env):
+        """The program, its window as seen by assistive technology, and the window's number."""
+        from accessible_window import AccessibleWindow
+        program = self.start(**env)
+        window = eventually(self.desktop.windows, "a window named Tallowcrest shows")
+        self.assertEqual(len(window), 1)
+        self.desktop.focus(window[0])
+        return program, AccessibleWindow(program.pid), window[0]
+
+    def start_unfocused(self):
+        program = self.start()
+        eventually(self.desktop.windows, "a window named Tallowcrest shows")
+        return program
+
+    def assert_hint(self, program):
+        status = program.status()
+        complaints = program.complaints()
+        self.assertEqual(status, 1, complaints)
+        self.assertIn("tallowcrest --headless", complaints)
+        return complaints.strip().splitlines()
+
+
+class ProcessTestCase(WindowTestCase):
+    """With processes of the test's own to look at."""
+
+    def start_probe(self, name=None, count=1):
+        """A process under a name that no other has, or a group of them."""
+        name = name or f"tcprobe{os.getpid()}"
+        path = os.path.join(self.desktop.folder, name)
+        if not os.path.exists(path):
+            shutil.copy("/bin/sleep", path)
+        probes = [self.desktop.start(path, "600") for _ in range(count)]
+        for probe in probes:
+            self.addCleanup(probe.end)
+        return (name, probes[0]) if count == 1 else (name, probes)
+
+    def filtered(self, window, text, expected):
+        window.type_into("Filter processes", text)
+        return eventually(
+            lambda: [row for row in window.cells() if row[0].startswith(expected)],
+            f"the filter {text!r} leaves {expected}")
