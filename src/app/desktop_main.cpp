@@ -14,7 +14,6 @@
 #include "app/console.h"
 #include "app/startup_trace.h"
 #include "platform/desktop/desktop_applications.h"
-#include "platform/desktop/file_manager.h"
 #include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
@@ -143,7 +142,7 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
     };
     Composition composition(mainQueue, SettingsAccess::keep, std::move(arguments),
                             std::move(extensions),
-                            {desktop::makeGracefulQuit, notifications.get(), revealFile});
+                            {desktop::makeGracefulQuit, notifications.get(), desktop::revealFile});
     int status = 0;
     {
         DashboardWindow window(composition.monitor(), mainQueue);

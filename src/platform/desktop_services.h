@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -18,5 +19,9 @@ std::unique_ptr<NotificationCenter> makeNotificationCenter();
 /// Replaces what the clipboard holds by one plain text. It stays there after this program's end
 /// where the desktop keeps it.
 void storeOnClipboard(const std::string& text);
+
+/// Shows a file, selected, in the file manager where one answers, else opens its folder. Returns at
+/// once; a failure is not noticed.
+void revealFile(const std::filesystem::path& file);
 
 }  // namespace tallowcrest::desktop

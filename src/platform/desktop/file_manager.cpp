@@ -1,16 +1,16 @@
 #include "platform/desktop/file_manager.h"
 
-#include <QDBusConnection>
+#include <utility>
+
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
-#include <QDesktopServices>
 #include <QFile>
-#include <QUrl>
 
 namespace tallowcrest {
 
-void revealFile(const std::filesystem::path& file) {
+void showInFileManager(const std::filesystem::path& file, const QDBusConnection& bus,
+                       std::function<void(const QUrl& folder)> openFolder) {
     const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
     const QUrl folder = QUrl::fromLocalFile(QFile::decodeName(file.parent_path().c_str()));
     QDBusMessage show = QDBusMessage::createMethodCall(
@@ -18,13 +18,13 @@ void revealFile(const std::filesystem::path& file) {
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     show << QStringList(url.toString(QUrl::FullyEncoded)) << QString();
+    // Time for one that the bus has to start first.
     constexpr int patienceMilliseconds = 5000;
-    auto* answer = new QDBusPendingCallWatcher(
-        QDBusConnection::sessionBus().asyncCall(show, patienceMilliseconds));
+    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(show, patienceMilliseconds));
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,
-                     [folder](QDBusPendingCallWatcher* call) {
+                     [folder, openFolder = std::move(openFolder)](QDBusPendingCallWatcher* call) {
                          if (call->isError()) {
-                             QDesktopServices::openUrl(folder);
+                             openFolder(folder);
                          }
                          call->deleteLater();
                      });

@@ -1,11 +1,17 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+
+#include <QDBusConnection>
+#include <QUrl>
 
 namespace tallowcrest {
 
-/// Shows a file, selected, in the desktop's file manager where one answers on the session bus, else
-/// opens its folder. Returns at once; a failure is not noticed. Main thread.
-void revealFile(const std::filesystem::path& file);
+/// Shows a file, selected, in the file manager that answers on `bus`; `openFolder` is called with
+/// the file's folder where none does. Returns at once, with the file manager still to answer.
+/// Main thread.
+void showInFileManager(const std::filesystem::path& file, const QDBusConnection& bus,
+                       std::function<void(const QUrl& folder)> openFolder);
 
 }  // namespace tallowcrest

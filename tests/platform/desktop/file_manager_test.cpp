@@ -1,0 +1,79 @@
+#include "platform/desktop/file_manager.h"
+
+#include <QGuiApplication>
+#include <QObject>
+#include <QSignalSpy>
+#include <QTest>
+#include <gmock/gmock.h>
+
+#include "tests/platform/desktop/private_bus.h"
+#include "tests/platform/desktop/scripted_file_manager.h"
+
+namespace tallowcrest {
+namespace {
+
+class FileManagerTest : public testing::Test {
+protected:
+    ~FileManagerTest() override {
+        QDBusConnection::disconnectFromBus(here_);
+        QDBusConnection::disconnectFromBus(there_);
+    }
+
+    void show(const std::filesystem::path& file) {
+        showInFileManager(file, QDBusConnection(here_),
+                          [this](const QUrl& folder) { opened.append(folder.toLocalFile()); });
+    }
+
+    void startFileManager() {
+        QDBusConnection there(there_);
+        ASSERT_TRUE(there.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
+                                         QDBusConnection::ExportAllSlots));
+        ASSERT_TRUE(there.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+    }
+
+    PrivateBus bus;
+    ScriptedFileManager manager;
+    QStringList opened;
+
+private:
+    QString here_ = bus.connect();
+    QString there_ = bus.connect();
+};
+
+TEST_F(FileManagerTest, IsAskedToShowTheFileByItsAddress) {
+    startFileManager();
+    show("/home/owner/My Reports/50% #1 für Zoë.txt");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !manager.shown.isEmpty(); }));
+    EXPECT_EQ(manager.shown,
+              QStringList(QStringLiteral(
+                  "file:///home/owner/My%20Reports/50%25%20%231%20f%C3%BCr%20Zo%C3%AB"
+                  ".txt")));
+    // The next question is answered after the answer to this one.
+    show("/tmp/a.txt");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return manager.shown.size() == 2; }));
+    EXPECT_TRUE(opened.isEmpty());
+}
+
+TEST_F(FileManagerTest, ThatRefusesLeavesTheFolderToBeOpened) {
+    startFileManager();
+    manager.refuses = true;
+    show("/home/owner/My Reports/a.txt");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/My Reports")));
+}
+
+TEST_F(FileManagerTest, WithoutOneTheFolderIsOpened) {
+    show("/home/owner/reports/a.txt");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+}
+
+TEST_F(FileManagerTest, WithoutABusTheFolderIsOpened) {
+    bus.kill();
+    show("/home/owner/reports/a.txt");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+}
+
+}  // namespace
+}  // namespace tallowcrest

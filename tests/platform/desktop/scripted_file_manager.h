@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QDBusContext>
+#include <QDBusError>
+#include <QObject>
+#include <QStringList>
+
+namespace tallowcrest {
+
+/// A file manager on the bus that shows nothing and remembers what it was to show.
+class ScriptedFileManager final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+
+public:
+    QStringList shown;
+    bool refuses = false;
+
+public slots:
+    // The protocol's own name.
+    void ShowItems(const QStringList& addresses, const QString& /*startup*/) {
+        if (refuses) {
+            sendErrorReply(QDBusError::Failed, QStringLiteral("not today"));
+            return;
+        }
+        shown += addresses;
+    }
+};
+
+}  // namespace tallowcrest
