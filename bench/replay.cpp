@@ -38,12 +38,27 @@ struct Account {
 
 int run(const LoadTrace& trace) {
     FakeMachine machine;
+    prepareForReplay(machine);
+    TailDevice mac;
+    mac.os = "macOS";
+    mac.online = true;
+    const std::vector<TailDevice> devices{mac};
+    std::map<std::string, Account> accounts;
+    double now = 0.0;
+    machine.extensions.rules.tailDevices = [&devices] {
+        return std::span<const TailDevice>(devices);
+    };
+    machine.extensions.rules.scanRemoteMacs = [&] {
+        fmt::print("{}  a scan of the other machines begins\n", timeText(now));
+        accounts["Scan of other machines"].add(now);
+    };
     SystemMonitor& monitor = machine.monitor();
+    monitor.automation().set(AutomationSwitch::autoScanRemoteMacs, true);
     monitor.automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
     UUID newest = monitor.log().activityLog().front().id;
-    std::map<std::string, Account> accounts;
     const auto began = std::chrono::steady_clock::now();
     replay(machine, trace, [&](const TracedSample& sample) {
+        now = sample.seconds + 4.0;
         std::vector<const ActivityEvent*> fresh;
         for (const ActivityEvent& event : monitor.log().activityLog()) {
             if (event.id == newest) {
@@ -65,8 +80,10 @@ int run(const LoadTrace& trace) {
     fmt::print("\n{} samples, {} of the trace, in {:.1f} s\n", trace.size(),
                timeText(trace.empty() ? 0.0 : trace.back().seconds), took.count());
     for (const auto& [kind, account] : accounts) {
-        fmt::print("{:<24} {:>4} times, at least {:.0f} s apart\n", kind, account.count,
-                   account.shortestDistance);
+        fmt::print("{:<24} {:>4} times", kind, account.count);
+        fmt::print(account.count > 1
+                       ? fmt::format(", at least {:.0f} s apart\n", account.shortestDistance)
+                       : "\n");
     }
     return EXIT_SUCCESS;
 }
@@ -74,9 +91,9 @@ int run(const LoadTrace& trace) {
 }  // namespace
 }  // namespace tallowcrest
 
-/// Lets the monitor live through a trace of samples in seconds, with every automation of this
-/// machine switched on, and prints what it warned of and which rules acted, at which time of the
-/// trace. Without the name of a trace it is a made-up day.
+/// Lets the monitor live through a trace of samples in seconds, with every rule switched on, and
+/// prints what it warned of and which rules acted, at which time of the trace. Without the name of
+/// a trace it is a made-up day.
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     if (argc < 2) {

@@ -87,8 +87,6 @@ void Automation::set(AutomationSwitch which, bool on) {
     const SwitchWords& words = wordsOf(which);
     if (on && isStopEngaged() && !words.refusal.empty()) {
         log_.recordMessage(std::string(words.refusal));
-        // The control that asked shows the field, and has to show it again.
-        observable_.changed();
         return;
     }
     settings_.*words.field = on;
@@ -145,6 +143,19 @@ void Automation::engageEmergencyStop() {
 }
 
 void Automation::resumeFromEmergencyStop() {
+    // Where a kill or a full disk kept the stop from being stored whole, the next start would bring
+    // back what it had switched off.
+    for (const SwitchWords& words : switchTable) {
+        if (!words.refusal.empty() && store_.read(words.key) == SettingsValue(true)) {
+            settings_.*words.field = false;
+            store_.write(words.key, false);
+        }
+    }
+    const std::string apprentice(rawValue(AIAutonomyMode::apprentice));
+    if (store_.read(settings_keys::aiAutonomyModeKey).value_or(apprentice) !=
+        SettingsValue(apprentice)) {
+        store_.write(settings_keys::aiAutonomyModeKey, apprentice);
+    }
     settings_.automationEmergencyStopEngaged = false;
     store_.write(settings_keys::automationEmergencyStopKey, false);
     setDiskAutopilotStatus(

@@ -70,9 +70,10 @@ void LocalActions::requestQuitSelectedProcess() {
             row != nullptr ? row->startTime : with_.review.selectedStartTime();
         reviewed_.process = ports_.processes->hold(*pid, startTime);
     }
-    with_.confirmations.requestConfirmation(std::move(request), row != nullptr
-                                                                    ? std::vector{row->command}
-                                                                    : std::vector<std::string>());
+    // That of the row which was reviewed, where the process has left the table since.
+    const std::string& path = row != nullptr ? row->command : with_.review.selectedCommand();
+    with_.confirmations.requestConfirmation(
+        std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path});
     with_.review.setOptimizeStep(local_requests::quitProcessStep(name));
 }
 
@@ -140,6 +141,11 @@ void LocalActions::quitAppGroup(const std::string& group) {
         finishAppGroup(group, members, false);
         return;
     }
+    if (!groupsBeingAsked_.insert(group).second) {
+        // It may be saving its work. To ask again would find it without a window, and end it.
+        with_.log.recordMessage(fmt::format("{} is still being asked to quit.", group));
+        return;
+    }
     // An application may take its time to answer, and the window must not wait with it.
     with_.workQueue.post([&mainQueue = with_.mainQueue, quit = ports_.gracefulQuit,
                           self = std::weak_ptr(self_), group, members = std::move(members)] {
@@ -152,12 +158,16 @@ void LocalActions::quitAppGroup(const std::string& group) {
     });
 }
 
-void LocalActions::finishAppGroup(const std::string& group,
-                                  const std::vector<ProcessSample>& members,
+void LocalActions::finishAppGroup(const std::string& group, std::vector<ProcessSample> members,
                                   bool wasAskedGracefully) {
+    groupsBeingAsked_.erase(group);
     if (wasAskedGracefully) {
         with_.log.recordMessage(fmt::format("Asked {} to quit gracefully.", group));
     } else {
+        // The list of what may not be quit can have grown while the application was asked.
+        std::erase_if(members, [this](const ProcessSample& member) {
+            return !isSafeTarget(member, with_.settings.protectedAppNames, with_.protection);
+        });
         for (const ProcessSample& member : members) {
             if (CommandSafetyPolicy::validatedPID(member.pid)) {
                 // A process that would not be asked stays in the next sample's list, which is all
@@ -177,6 +187,7 @@ void LocalActions::requestPurge() {
 
 void LocalActions::runPurge() {
     if (std::exchange(isPurging_, true)) {
+        with_.log.recordMessage("File caches are being purged already.");
         return;
     }
     with_.observable.changed();

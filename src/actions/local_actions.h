@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -81,7 +82,7 @@ private:
 
     void quitProcess(const ConfirmationRequest& request);
     void quitAppGroup(const std::string& group);
-    void finishAppGroup(const std::string& group, const std::vector<ProcessSample>& members,
+    void finishAppGroup(const std::string& group, std::vector<ProcessSample> members,
                         bool wasAskedGracefully);
     void runPurge();
     void finishPurge(const PurgeResult& result);
@@ -90,6 +91,7 @@ private:
     LocalActionPorts ports_;
     Reviewed reviewed_;
     bool isPurging_ = false;
+    std::set<std::string> groupsBeingAsked_;
     std::shared_ptr<LocalActions*> self_;  ///< expires with the actions
 };
 

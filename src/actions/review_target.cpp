@@ -38,6 +38,7 @@ void ReviewTarget::setTarget(std::int64_t pid, std::string groupName) {
     const ProcessSample* row = findRow(sample_.latestProcesses(), pid);
     selectedPID_ = pid;
     selectedStartTime_ = row == nullptr ? 0 : row->startTime;
+    selectedCommand_ = row == nullptr ? std::string() : row->command;
     selectedAppImpactName_ = std::move(groupName);
     observable_.changed();
 }
@@ -46,6 +47,7 @@ void ReviewTarget::selectProcess(const ProcessSample& process) {
     setTarget(process.pid, appGroupName(process));
     // The row that was chosen may be older than the latest sample.
     selectedStartTime_ = process.startTime;
+    selectedCommand_ = process.command;
     setOptimizeStep(fmt::format("2. {} is selected for review from CPU + Memory Processes.",
                                 process.displayName()));
 }
@@ -104,6 +106,7 @@ void ReviewTarget::selectTopApp() {
 void ReviewTarget::clearOperationTarget() {
     selectedPID_.reset();
     selectedStartTime_ = 0;
+    selectedCommand_.clear();
     selectedAppImpactName_.reset();
     optimizeStep_ = firstStep;
     log_.recordMessage("Cleared selected operation target.");

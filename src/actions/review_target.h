@@ -42,6 +42,8 @@ public:
     const ProcessSample* selectedRow() const;
     /// When the selected process began, as its row told; 0 when none did.
     std::uint64_t selectedStartTime() const { return selectedStartTime_; }
+    /// The command of the selected process, as its row told; empty when none did.
+    const std::string& selectedCommand() const { return selectedCommand_; }
 
     /// Selects a row of the process list, whatever it is: reviewing is always allowed.
     void selectProcess(const ProcessSample& process);
@@ -70,6 +72,7 @@ private:
     ProtectionPolicy policy_;
     std::optional<std::int64_t> selectedPID_;
     std::uint64_t selectedStartTime_ = 0;
+    std::string selectedCommand_;
     std::optional<std::string> selectedAppImpactName_;
     std::string optimizeStep_;
 };

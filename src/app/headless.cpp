@@ -73,6 +73,8 @@ int runHeadless(const Options& options, std::vector<std::string> processArgument
     SamplePrinter printer(options, loop);
     SystemMonitor* monitor = nullptr;
     MonitorExtensions extensions;
+    // A run that only looks neither selects nor asks for anything, and starts nothing.
+    extensions.main.runAutoRules = [](const SystemSnapshot&) {};
     extensions.main.sampleApplied = [&] { printer.print(*monitor); };
     Composition composition(loop, SettingsAccess::look, std::move(processArguments),
                             std::move(extensions));

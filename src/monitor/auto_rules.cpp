@@ -1,6 +1,8 @@
 #include "monitor/auto_rules.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <utility>
 
 #include "actions/app_group.h"
@@ -17,14 +19,22 @@ AutoRules::AutoRules(Surroundings surroundings, Hooks hooks)
     : with_(std::move(surroundings)), hooks_(std::move(hooks)) {}
 
 void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
-    if (with_.settings.automationEmergencyStopEngaged) {
-        return;
-    }
-    selectTopOffender(snapshot);
-    askForPurge();
-    scanRemotes();
-    if (hooks_.checkDiskAutopilot) {
-        hooks_.checkDiskAutopilot(snapshot);
+    const std::array<std::function<void()>, 4> rules{
+        [&] { selectTopOffender(snapshot); },
+        [&] { askForPurge(); },
+        [&] { scanRemotes(); },
+        [&] {
+            if (hooks_.checkDiskAutopilot) {
+                hooks_.checkDiskAutopilot(snapshot);
+            }
+        },
+    };
+    for (const auto& rule : rules) {
+        // Looked at before each: what a rule sets off may have engaged it.
+        if (with_.settings.automationEmergencyStopEngaged) {
+            return;
+        }
+        rule();
     }
 }
 

@@ -8,6 +8,15 @@
 
 namespace tallowcrest {
 
+/// What `settingsTab` may be: the words on the tabs of the settings sheet.
+namespace settings_tabs {
+inline constexpr const char* ai = "AI";
+inline constexpr const char* remote = "Remote";
+inline constexpr const char* localMac = "Local Mac";
+inline constexpr const char* automation = "Automation";
+inline constexpr const char* safety = "Safety";
+}  // namespace settings_tabs
+
 /// Where the owner is in the window: state of the shell that outlives a closed window.
 /// Main thread.
 class Navigation {
@@ -24,6 +33,14 @@ public:
 
     bool showSetupWizard() const { return showSetupWizard_; }
 
+    /// Whether the settings sheet is wanted on the window. It shows once the window does.
+    bool showSettings() const { return showSettings_; }
+    void setShowSettings(bool shows) { set(showSettings_, shows); }
+
+    /// The words on the tab of the settings sheet. Words that are on none stand for its first tab.
+    const std::string& settingsTab() const { return settingsTab_; }
+    void setSettingsTab(std::string tab) { set(settingsTab_, std::move(tab)); }
+
 private:
     template <class Field, class Value>
     void set(Field& field, Value&& value) {
@@ -37,6 +54,8 @@ private:
     AppRoute selectedRoute_ = AppRoute::overview;
     std::string processFilter_;
     bool showSetupWizard_;
+    bool showSettings_ = false;
+    std::string settingsTab_ = settings_tabs::ai;
 };
 
 }  // namespace tallowcrest

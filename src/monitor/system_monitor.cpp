@@ -63,6 +63,9 @@ MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample, AutoRules& r
 
 /// The hooks that lead from one component of the monitor to another.
 AutoRules::Hooks withWarnings(AutoRules::Hooks hooks, WarningNotifications& notifications) {
+    if (hooks.postLoadWarning) {
+        return hooks;
+    }
     hooks.postLoadWarning = [&notifications](const std::string& topProcessName) {
         notifications.postLoadWarning(topProcessName);
     };
@@ -70,6 +73,9 @@ AutoRules::Hooks withWarnings(AutoRules::Hooks hooks, WarningNotifications& noti
 }
 
 Automation::Hooks withRegistration(Automation::Hooks hooks, WarningNotifications& notifications) {
+    if (hooks.registerNotificationCategories) {
+        return hooks;
+    }
     hooks.registerNotificationCategories = [&notifications] {
         notifications.registerNotificationCategories();
     };

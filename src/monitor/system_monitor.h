@@ -118,7 +118,7 @@ public:
     Limits& limits() { return limits_; }
     const StartupState& startup() const { return startup_; }
     const HostFacts& host() const { return host_; }
-    const AutoRules& autoRules() const { return autoRules_; }
+    AutoRules& autoRules() { return autoRules_; }
     Automation& automation() { return automation_; }
     ConnectionSettings& connection() { return connection_; }
     WarningNotifications& notifications() { return notifications_; }

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include "presentation/accessible_figure.h"
+#include "presentation/theme.h"
 
 namespace tallowcrest {
 
@@ -17,6 +18,11 @@ public:
     /// Plain text; also the accessible name.
     void setText(const QString& text);
 
+    /// Sets it off from its quiet neighbours: `icon` before the text, and everything in `color`.
+    void setMark(const QString& icon, const ThemeColor& color);
+    /// Quiet again, as at first.
+    void clearMark();
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -28,6 +34,8 @@ protected:
 
 private:
     QString text_;
+    QString icon_;  ///< empty for a quiet one
+    ThemeColor color_;
 };
 
 }  // namespace tallowcrest

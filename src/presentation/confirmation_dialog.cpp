@@ -124,8 +124,6 @@ void ConfirmationDialog::refresh() {
 }
 
 void ConfirmationDialog::present(const ConfirmationRequest& request) {
-    const bool followsAnother =
-        shown_ || (sinceLeft_.isValid() && sinceLeft_.elapsed() < settlingTime_.count());
     shown_ = request.id;
     const QString title = paragraph(request.title);
     const QString message = paragraph(request.message);
@@ -137,13 +135,29 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     confirm_->setAccessibleDescription(title);
     showPaths(desk_.targetPaths());
     fit();
-    settling_.stop();
-    confirm_->setEnabled(!followsAnother);
-    if (followsAnother) {
-        settling_.start(settlingTime_);
-    }
     cancel_->setFocus();
     open();
+    settle();
+}
+
+void ConfirmationDialog::setSettlingTime(std::chrono::milliseconds time) {
+    settlingTime_ = time;
+    if (settling_.isActive()) {
+        settling_.start(time);
+    }
+}
+
+void ConfirmationDialog::settle() {
+    confirm_->setEnabled(false);
+    settling_.start(settlingTime_);
+}
+
+bool ConfirmationDialog::event(QEvent* event) {
+    // The click that brings a window forward is no answer to what stands in it.
+    if (event->type() == QEvent::WindowActivate && shown_) {
+        settle();
+    }
+    return QDialog::event(event);
 }
 
 void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
@@ -205,7 +219,6 @@ void ConfirmationDialog::reject() {
 void ConfirmationDialog::leave(int result) {
     shown_.reset();
     settling_.stop();
-    sinceLeft_.start();
     done(result);
 }
 

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QTimer>
 
 #include "core/local_records.h"
@@ -28,8 +27,8 @@ class ConfirmationDialog final : public QDialog {
     Q_OBJECT
 
 public:
-    /// How long a question that takes another one's place cannot be confirmed: a press that was
-    /// meant for the old one must not answer the new one.
+    /// How long a question cannot be confirmed after it came into view: neither the second click of
+    /// two nor a press that was meant for what stood there before must answer it.
     static constexpr std::chrono::milliseconds settlingTime{700};
 
     /// The desk must outlive the dialog.
@@ -40,12 +39,17 @@ public:
     void refresh();
 
     /// For tests, which wait for nothing.
-    void setSettlingTime(std::chrono::milliseconds time) { settlingTime_ = time; }
+    void setSettlingTime(std::chrono::milliseconds time);
 
     void reject() override;
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void present(const ConfirmationRequest& request);
+    /// Keeps the confirming button from being pressed for a moment.
+    void settle();
     void showPaths(const std::vector<std::string>& paths);
     void fit();
     void confirm();
@@ -57,7 +61,6 @@ private:
     ConfirmationDesk& desk_;
     std::chrono::milliseconds settlingTime_ = settlingTime;
     std::optional<UUID> shown_;
-    QElapsedTimer sinceLeft_;
     QTimer settling_;
     ElidedLabel* heading_ = nullptr;
     ElidedLabel* message_ = nullptr;

@@ -18,12 +18,16 @@
 #include "presentation/coming_page.h"
 #include "presentation/confirmation_dialog.h"
 #include "presentation/dashboard_text.h"
+#include "presentation/history/history_page.h"
 #include "presentation/icon.h"
 #include "presentation/operation_target_bar.h"
 #include "presentation/optimize/cleanup_page.h"
 #include "presentation/overview_page.h"
 #include "presentation/page_header.h"
+#include "presentation/pending_layouts.h"
 #include "presentation/processes_page.h"
+#include "presentation/settings/settings_page.h"
+#include "presentation/settings/settings_sheet.h"
 #include "presentation/sidebar.h"
 #include "presentation/status_strip.h"
 #include "presentation/theme.h"
@@ -112,20 +116,24 @@ void DashboardWindow::makeMenus() {
 void DashboardWindow::makeApplicationMenu() {
     QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
     application->setObjectName(QStringLiteral("menu.application"));
-    named(application->addAction(
-              QStringLiteral("About Tallowcrest"), this,
-              [this] {
-                  QMessageBox::about(
-                      this, QStringLiteral("About Tallowcrest"),
-                      QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()));
-              }),
+    named(application->addAction(QStringLiteral("About Tallowcrest"), this,
+                                 &DashboardWindow::showAbout),
           QStringLiteral("about"))
         ->setMenuRole(QAction::AboutRole);
+    QAction* settings =
+        named(application->addAction(themedIcon(QStringLiteral("gearshape")),
+                                     QStringLiteral("Settings..."), this,
+                                     [this] { monitor_.navigation().setShowSettings(true); }),
+              QStringLiteral("settings"));
+    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    settings->setMenuRole(QAction::PreferencesRole);
     QAction* refreshAction = named(
         application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
         QStringLiteral("refresh"));
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
+    application->addSeparator();
+    addEmergencyStop(*application);
     application->addSeparator();
     QAction* quit =
         named(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
@@ -134,9 +142,54 @@ void DashboardWindow::makeApplicationMenu() {
     quit->setMenuRole(QAction::QuitRole);
 }
 
+void DashboardWindow::addEmergencyStop(QMenu& menu) {
+    emergencyStop_ = named(menu.addAction(themedIcon(QStringLiteral("exclamationmark.octagon")),
+                                          QStringLiteral("Emergency Stop"), this,
+                                          [this] { monitor_.automation().engageEmergencyStop(); }),
+                           QStringLiteral("emergency-stop"));
+    // Two keys on every keyboard: where the period needs Shift, the second pair does not.
+    emergencyStop_->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
+    // In any window of the application. A dialog that locks this one takes the action along.
+    emergencyStop_->setShortcutContext(Qt::ApplicationShortcut);
+    // Keys that are held down stop everything once.
+    emergencyStop_->setAutoRepeat(false);
+    emergencyStop_->setMenuRole(QAction::ApplicationSpecificRole);
+    // Without a key of its own: what was stopped in a hurry is not resumed in one.
+    resumeManualMode_ =
+        named(menu.addAction(QStringLiteral("Resume Manual Mode"), this,
+                             [this] { monitor_.automation().resumeFromEmergencyStop(); }),
+              QStringLiteral("resume-manual-mode"));
+    resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
+    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
+}
+
+void DashboardWindow::showAbout() {
+    auto* about =
+        new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Tallowcrest"),
+                        QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()),
+                        QMessageBox::Ok, this);
+    about->setObjectName(QStringLiteral("about"));
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    constexpr int iconSize = 64;
+    about->setIconPixmap(windowIcon().pixmap(iconSize));
+    about->addAction(emergencyStop_);
+    about->open();
+}
+
 void DashboardWindow::makeFileMenu() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("menu.file"));
+    named(file->addAction(themedIcon(QStringLiteral("doc.on.doc")), QStringLiteral("Copy Report"),
+                          this, [this] { monitor_.reports().copyDiagnosticsReport(); }),
+          QStringLiteral("copy-report"))
+        ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    named(file->addAction(themedIcon(QStringLiteral("square.and.arrow.up")),
+                          QStringLiteral("Export Diagnostics..."), this,
+                          [this] { monitor_.reports().exportDiagnosticsReport(); }),
+          QStringLiteral("export-diagnostics"))
+        ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    file->addSeparator();
     QAction* quitProcess =
         named(file->addAction(QStringLiteral("Quit Selected Process"), this,
                               [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
@@ -187,6 +240,10 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new ProcessesPage(monitor_);
         case AppRoute::optimize:
             return new CleanupPage(monitor_);
+        case AppRoute::history:
+            return new HistoryPage(monitor_);
+        case AppRoute::settings:
+            return new SettingsPage(monitor_);
         default:
             return new ComingPage(monitor_, route);
     }
@@ -203,6 +260,8 @@ Screen* DashboardWindow::screen(AppRoute route) {
 
 void DashboardWindow::refresh() {
     refreshConfirmation();
+    refreshSettings();
+    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
     if (!canBeSeen()) {
         return;
     }
@@ -217,20 +276,11 @@ void DashboardWindow::refresh() {
     strip_->refresh();
     target_->refresh();
     shown->refresh();
-    layOut();
+    arrangePendingLayouts();
     if (!hasShownSample_ && monitor_.sample().snapshot()) {
         hasShownSample_ = true;
         repaint();
         emit firstSampleShown();
-    }
-}
-
-void DashboardWindow::layOut() {
-    // What comes or goes on a page is told from parent to parent, one round of events for each. No
-    // arrangement in between is to be painted. Without such an event a round costs nothing.
-    constexpr int deepestNesting = 10;
-    for (int round = 0; round < deepestNesting; ++round) {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
 }
 
@@ -253,10 +303,12 @@ void DashboardWindow::bringToFront() {
 void DashboardWindow::comeForward() {
     raise();
     activateWindow();
-    if (confirmation_ != nullptr && confirmation_->isVisible()) {
-        // It is what answers the keyboard as long as it stands.
-        confirmation_->raise();
-        confirmation_->activateWindow();
+    // The last of them is what answers the keyboard as long as it stands.
+    for (QDialog* dialog : dialogs()) {
+        if (dialog != nullptr && dialog->isVisible()) {
+            dialog->raise();
+            dialog->activateWindow();
+        }
     }
 }
 
@@ -275,8 +327,35 @@ void DashboardWindow::openConfirmation() {
     }
     if (confirmation_ == nullptr) {
         confirmation_ = new ConfirmationDialog(monitor_.confirmations(), this);
+        confirmation_->addAction(emergencyStop_);
     }
     confirmation_->refresh();
+}
+
+void DashboardWindow::refreshSettings() {
+    if (settings_ != nullptr && settings_->isVisible()) {
+        settings_->refresh();
+    } else if (monitor_.navigation().showSettings()) {
+        // Behind the window's own appearance, which may be under way.
+        QMetaObject::invokeMethod(this, &DashboardWindow::openSettings, Qt::QueuedConnection);
+    }
+}
+
+void DashboardWindow::openSettings() {
+    // Opened above a question, the sheet would lock it. What ends the question brings the sheet.
+    if (!canBeSeen() || !monitor_.navigation().showSettings() ||
+        monitor_.confirmations().pendingConfirmation()) {
+        return;
+    }
+    if (settings_ == nullptr) {
+        settings_ = new SettingsSheet(monitor_, this);
+        settings_->addAction(emergencyStop_);
+    }
+    settings_->refresh();
+}
+
+std::array<QDialog*, 2> DashboardWindow::dialogs() const {
+    return {settings_, confirmation_};
 }
 
 bool DashboardWindow::event(QEvent* event) {
@@ -290,10 +369,12 @@ bool DashboardWindow::event(QEvent* event) {
 
 void DashboardWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
-    // The dialog cannot stand without its window, and leaving it so is not a yes. A window that is
-    // minimised takes its dialog along and brings it back.
-    if (!event->spontaneous() && confirmation_ != nullptr && confirmation_->isVisible()) {
-        confirmation_->reject();
+    // No dialog can stand without its window, and leaving a question so is not a yes. A window that
+    // is minimised takes its dialogs along and brings them back.
+    for (QDialog* dialog : dialogs()) {
+        if (!event->spontaneous() && dialog != nullptr && dialog->isVisible()) {
+            dialog->reject();
+        }
     }
 }
 
@@ -314,7 +395,7 @@ void DashboardWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     sidebar_->setFolded(width() < foldingWidth);
     // What takes another height at its new width is arranged before the next painting.
-    QMetaObject::invokeMethod(this, &DashboardWindow::layOut, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, arrangePendingLayouts, Qt::QueuedConnection);
 }
 
 void DashboardWindow::closeEvent(QCloseEvent* event) {

@@ -10,6 +10,8 @@
 #include "core/queues.h"
 #include "core/routes.h"
 
+class QAction;
+class QDialog;
 class QStackedLayout;
 
 namespace tallowcrest {
@@ -18,6 +20,7 @@ class ConfirmationDialog;
 class OperationTargetBar;
 class PageHeader;
 class Screen;
+class SettingsSheet;
 class Sidebar;
 class StatusStrip;
 class SystemMonitor;
@@ -54,6 +57,8 @@ private:
     QWidget* makeContent();
     void makeMenus();
     void makeApplicationMenu();
+    void addEmergencyStop(QMenu& menu);
+    void showAbout();
     void makeFileMenu();
     void makeGoMenu();
     void refresh();
@@ -61,9 +66,12 @@ private:
     /// Opens the dialog when a request is pending, and keeps an open one up to date.
     void refreshConfirmation();
     void openConfirmation();
+    /// The same for the settings sheet. It waits until no confirmation stands.
+    void refreshSettings();
+    void openSettings();
+    /// Those that stand on the window, the frontmost last. Null while there was no need for one.
+    std::array<QDialog*, 2> dialogs() const;
     void comeForward();
-    /// Arranges what has changed at once.
-    void layOut();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);
 
@@ -74,6 +82,9 @@ private:
     StatusStrip* strip_ = nullptr;
     OperationTargetBar* target_ = nullptr;
     ConfirmationDialog* confirmation_ = nullptr;  ///< built for the first request
+    SettingsSheet* settings_ = nullptr;           ///< built when it is first wanted
+    QAction* emergencyStop_ = nullptr;
+    QAction* resumeManualMode_ = nullptr;
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;

@@ -19,6 +19,29 @@ std::function<void()> askingInFront(SystemMonitor& monitor, DashboardWindow& win
     };
 }
 
+QString autoSelectTitle(const Automation& automation) {
+    return automation.isOn(AutomationSwitch::autoSelectTopOffender)
+               ? QStringLiteral("Disable Auto Select")
+               : QStringLiteral("Enable Auto Select");
+}
+
+/// A refusal is read in the window.
+void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
+    constexpr auto which = AutomationSwitch::autoSelectTopOffender;
+    const bool wanted = !monitor.automation().isOn(which);
+    monitor.automation().set(which, wanted);
+    if (monitor.automation().isOn(which) != wanted) {
+        window.bringToFront();
+    }
+}
+
+/// The file manager shows the file; why there is none is read in the window.
+void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
+    if (!monitor.reports().exportDiagnosticsReport()) {
+        window.bringToFront();
+    }
+}
+
 }  // namespace
 
 std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window) {
@@ -29,8 +52,23 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
         {QStringLiteral("Open Optimize"), QStringLiteral("wand.and.stars"),
          QStringLiteral("menubar.open-optimize"),
          [&window] { window.openRoute(AppRoute::optimize); }},
+        {autoSelectTitle(monitor.automation()), QStringLiteral("scope"),
+         QStringLiteral("menubar.auto-select"),
+         [&monitor, &window] { flipAutoSelect(monitor, window); },
+         [&monitor] { return autoSelectTitle(monitor.automation()); }},
+        {QStringLiteral("Settings"), QStringLiteral("gearshape"),
+         QStringLiteral("menubar.settings"),
+         [&monitor, &window] {
+             monitor.navigation().setShowSettings(true);
+             window.bringToFront();
+         }},
         {QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
          QStringLiteral("menubar.refresh"), [&monitor] { monitor.refresh(); }},
+        {QStringLiteral("Copy Report"), QStringLiteral("doc.on.doc"),
+         QStringLiteral("menubar.copy-report"),
+         [&monitor] { monitor.reports().copyDiagnosticsReport(); }},
+        {QStringLiteral("Export Diagnostics"), QStringLiteral("square.and.arrow.up"),
+         QStringLiteral("menubar.export"), [&monitor, &window] { exportReport(monitor, window); }},
         {QStringLiteral("Purge File Caches"), QStringLiteral("memorychip"),
          QStringLiteral("menubar.purge"),
          askingInFront(monitor, window, &LocalActions::requestPurge)},

@@ -16,6 +16,8 @@ struct MenuBarEntry {
     QString icon;
     QString identifier;
     std::function<void()> run;
+    /// What the title is by now, for one that follows the state; absent where it never changes.
+    std::function<QString()> currentTitle = {};
 };
 
 /// The commands in their order. Monitor and window must outlive them. Main thread.

@@ -80,6 +80,9 @@ QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
             dismiss();
             run();
         });
+        if (entry.currentTitle) {
+            followingRows_.emplace_back(row, std::move(entry.currentTitle));
+        }
         layout->addWidget(row);
     }
     commands_ = new QScrollArea(this);
@@ -103,6 +106,9 @@ void MenuBarPanel::refresh() {
     latest_->setText(hasLatest ? dashboard_text::panelLatest(recommendations.front()) : QString());
     latest_->setVisible(hasLatest);
     latestHeading_->setVisible(hasLatest);
+    for (const auto& [row, currentTitle] : followingRows_) {
+        row->setTitle(currentTitle());
+    }
     fit();
     place();
 }

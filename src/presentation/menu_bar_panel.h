@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include <QElapsedTimer>
@@ -14,6 +16,7 @@ class QScrollArea;
 namespace tallowcrest {
 
 class ElidedLabel;
+class MenuBarRow;
 
 /// The compact panel of the status item: the latest figures and its commands. It closes when the
 /// owner turns elsewhere, by Escape, and behind each command. On a screen too low for all of them
@@ -51,6 +54,8 @@ private:
     ElidedLabel* latestHeading_ = nullptr;
     ElidedLabel* latest_ = nullptr;
     QScrollArea* commands_ = nullptr;
+    /// The rows whose titles follow the state, each with what tells the title.
+    std::vector<std::pair<MenuBarRow*, std::function<QString()>>> followingRows_;
     Subscription subscription_;
 };
 

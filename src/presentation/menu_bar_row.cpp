@@ -17,11 +17,16 @@ constexpr int cornerRadius = 6;
 
 MenuBarRow::MenuBarRow(const QString& title, const QString& icon, const QString& identifier,
                        QWidget* parent)
-    : QPushButton(title, parent), symbol_(icon) {
+    : QPushButton(parent), symbol_(icon) {
     setObjectName(identifier);
+    setTitle(title);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void MenuBarRow::setTitle(const QString& title) {
+    setText(title);
     setAccessibleName(title);
     setAccessibleDescription(title);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize MenuBarRow::sizeHint() const {

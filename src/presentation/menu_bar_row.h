@@ -16,6 +16,8 @@ public:
     MenuBarRow(const QString& title, const QString& icon, const QString& identifier,
                QWidget* parent = nullptr);
 
+    void setTitle(const QString& title);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {0, rowHeight}; }
 

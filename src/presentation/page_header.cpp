@@ -130,6 +130,12 @@ void PageHeader::addRouteActions(AppRoute route) {
                           identifierOn(route, "open-chat"), QStringLiteral("Goes to Chat")),
                 &QPushButton::clicked, this,
                 [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
+    } else if (route == AppRoute::settings) {
+        connect(addAction(QStringLiteral("Open Settings Sheet"), QStringLiteral("gearshape"),
+                          identifierOn(route, "open-sheet"),
+                          QStringLiteral("Opens the settings sheet")),
+                &QPushButton::clicked, this,
+                [this] { monitor_.navigation().setShowSettings(true); });
     } else if (route == AppRoute::load || route == AppRoute::optimize) {
         addSelectTop(route);
         if (route == AppRoute::optimize) {
@@ -150,7 +156,20 @@ void PageHeader::addRouteActions(AppRoute route) {
                     [this] { monitor_.localActions().requestPurge(); });
         }
         addActivity(route);
+    } else if (route == AppRoute::history) {
+        addReports(route);
     }
+}
+
+void PageHeader::addReports(AppRoute route) {
+    connect(addAction(QStringLiteral("Copy Report"), QStringLiteral("doc.on.doc"),
+                      identifierOn(route, "copy-report"),
+                      QStringLiteral("Puts the diagnostics report on the clipboard")),
+            &QPushButton::clicked, this, [this] { monitor_.reports().copyDiagnosticsReport(); });
+    connect(addAction(QStringLiteral("Export"), QStringLiteral("square.and.arrow.up"),
+                      identifierOn(route, "export"),
+                      QStringLiteral("Writes the diagnostics report to a file")),
+            &QPushButton::clicked, this, [this] { monitor_.reports().exportDiagnosticsReport(); });
 }
 
 void PageHeader::addSelectTop(AppRoute route) {

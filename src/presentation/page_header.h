@@ -36,6 +36,7 @@ private:
     void addRouteActions(AppRoute route);
     void addSelectTop(AppRoute route);
     void addActivity(AppRoute route);
+    void addReports(AppRoute route);
     void orderActions();
     void fold();
     /// Emits `selectionMade` when the process that was asked for is the one under review now.

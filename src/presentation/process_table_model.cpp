@@ -5,6 +5,7 @@
 
 #include <QLocale>
 
+#include "actions/app_group.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/tool_tip.h"
 
@@ -182,6 +183,20 @@ QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) co
     }
 }
 
+void ProcessTableModel::setProtectedAppNames(const ProtectedAppNames& names) {
+    if (names == protectedAppNames_) {
+        return;
+    }
+    protectedAppNames_ = names;
+    if (!rows_.empty()) {
+        emit dataChanged(index(0, processColumn), index(rowCount() - 1, processColumn));
+    }
+}
+
+bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
+    return !isSafeTarget(row, protectedAppNames_, policy_);
+}
+
 QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
     if (column == actionColumn) {
         return QString(QStringLiteral("Review ") + text(row.displayName()));
@@ -191,7 +206,7 @@ QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) con
     }
     // What the row otherwise tells by its mark and by its colour.
     QStringList words{text(row.displayName())};
-    if (isProtected(row, policy_)) {
+    if (isProtectedRow(row)) {
         words.append(QStringLiteral("Protected"));
     }
     if (selectedPID_ == row.pid) {
@@ -217,7 +232,7 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
                        ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
                        : QVariant(Qt::AlignRight | Qt::AlignVCenter);
         case isProtectedRole:
-            return isProtected(row, policy_);
+            return isProtectedRow(row);
         case isSelectedRole:
             return selectedPID_ == row.pid;
         default:

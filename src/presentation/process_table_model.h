@@ -31,6 +31,9 @@ public:
     void setRows(std::vector<ProcessSample> rows);
     const std::vector<ProcessSample>& rows() const { return rows_; }
 
+    /// The owner's Never Quit list, which protects the processes of its groups as well.
+    void setProtectedAppNames(const ProtectedAppNames& names);
+
     /// Which process is under review; absent for none.
     void setSelectedPID(std::optional<std::int64_t> pid);
 
@@ -46,7 +49,10 @@ private:
     QVariant displayText(const ProcessSample& row, int column) const;
     QVariant spokenText(const ProcessSample& row, int column) const;
 
+    bool isProtectedRow(const ProcessSample& row) const;
+
     ProtectionPolicy policy_;
+    ProtectedAppNames protectedAppNames_;
     std::vector<ProcessSample> rows_;
     std::optional<std::int64_t> selectedPID_;
 };

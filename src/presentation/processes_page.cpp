@@ -134,7 +134,10 @@ void ProcessesPage::refresh() {
         shownSample_ = sampledAt;
         shownFilter_ = filter;
     }
-    model_->setSelectedPID(monitor_.review().selectedPID());
+    model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
+    const ReviewTarget& review = monitor_.review();
+    // Another process may bear the number of the one that was selected.
+    model_->setSelectedPID(review.selectedRow() != nullptr ? review.selectedPID() : std::nullopt);
     showStatus();
 }
 

@@ -21,8 +21,11 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     : monitor_(monitor), window_(window), icon_(this) {
     icon_.setObjectName(QStringLiteral("menubar.item"));
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
-        menu_.addAction(themedIcon(entry.icon), entry.title, this, entry.run)
-            ->setObjectName(entry.identifier);
+        QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title, this, entry.run);
+        action->setObjectName(entry.identifier);
+        if (entry.currentTitle) {
+            followingActions_.emplace_back(action, entry.currentTitle);
+        }
     }
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
@@ -32,6 +35,9 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
 }
 
 void StatusItem::refresh() {
+    for (const auto& [action, currentTitle] : followingActions_) {
+        action->setText(currentTitle());
+    }
     const auto& snapshot = monitor_.sample().snapshot();
     const QString label =
         snapshot ? dashboard_text::menuBarLabel(*snapshot) : QStringLiteral("Tallowcrest");

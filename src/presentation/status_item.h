@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include <QColor>
 #include <QMenu>
@@ -33,6 +36,8 @@ private:
     DashboardWindow& window_;
     QSystemTrayIcon icon_;
     QMenu menu_;
+    /// The entries of the menu whose titles follow the state, each with what tells the title.
+    std::vector<std::pair<QAction*, std::function<QString()>>> followingActions_;
     std::unique_ptr<MenuBarPanel> panel_;
     int shownNeedle_ = -1;
     QColor shownColor_;

@@ -1,5 +1,7 @@
 #include "presentation/status_strip.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 
 #include "monitor/system_monitor.h"
@@ -10,6 +12,28 @@
 #include "presentation/timeline.h"
 
 namespace tallowcrest {
+namespace {
+
+/// Below this the automations stand beneath the session, so that the last outcome keeps its room.
+constexpr int oneLineWidth = 760;
+
+/// All that acts without anybody pressing a button.
+constexpr std::array automations{
+    AutomationSwitch::autoSelectTopOffender, AutomationSwitch::autoPurgeSustainedMemory,
+    AutomationSwitch::autoScanRemoteMacs,    AutomationSwitch::diskAutopilotEnabled,
+    AutomationSwitch::aiSafeActionsEnabled,
+};
+
+QString automationsOn(const Automation& automation) {
+    const auto count =
+        std::count_if(automations.begin(), automations.end(),
+                      [&automation](AutomationSwitch which) { return automation.isOn(which); });
+    return count == 0   ? QStringLiteral("No automations on")
+           : count == 1 ? QStringLiteral("1 automation on")
+                        : QStringLiteral("%1 automations on").arg(count);
+}
+
+}  // namespace
 
 StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     : QWidget(parent), monitor_(monitor) {
@@ -20,6 +44,8 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     session_->setObjectName(QStringLiteral("status.session"));
     session_->setGround(&CrestTheme::pageBackground);
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
+    automation_ = new Capsule(this);
+    automation_->setObjectName(QStringLiteral("status.automation"));
     threshold_ = new Capsule(this);
     threshold_->setObjectName(QStringLiteral("status.threshold"));
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
@@ -28,7 +54,10 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     // Room for the longest message in a narrow window: its end may be what matters.
     lastAction_->setLines(2, 2);
     lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    layout->addWidget(session_);
+    facts_ = new QBoxLayout(QBoxLayout::TopToBottom);
+    facts_->addWidget(session_);
+    facts_->addWidget(automation_);
+    layout->addLayout(facts_);
     layout->addWidget(threshold_);
     layout->addWidget(lastAction_, 1);
 }
@@ -37,8 +66,26 @@ void StatusStrip::refresh() {
     session_->setText(monitor_.sample().snapshot()
                           ? dashboard_text::sessionNote(sessionSeconds(monitor_.sample().history()))
                           : QStringLiteral("Sampling this Mac..."));
+    showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
     lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+}
+
+void StatusStrip::showAutomation() {
+    if (monitor_.automation().isStopEngaged()) {
+        automation_->setText(QStringLiteral("Emergency Stop Engaged"));
+        automation_->setMark(QStringLiteral("exclamationmark.octagon"), &CrestTheme::bad);
+    } else {
+        automation_->setText(automationsOn(monitor_.automation()));
+        automation_->clearMark();
+    }
+}
+
+void StatusStrip::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const bool isWide = width() >= oneLineWidth;
+    facts_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    facts_->setSpacing(isWide ? spacing::gap : spacing::unit / 2);
 }
 
 }  // namespace tallowcrest

@@ -2,14 +2,16 @@
 
 #include <QWidget>
 
+class QBoxLayout;
+
 namespace tallowcrest {
 
 class Capsule;
 class ElidedLabel;
 class SystemMonitor;
 
-/// The line below the page header: how far back the session reaches, the warning threshold and the
-/// last outcome. Main thread.
+/// The line below the page header: how far back the session reaches, what may act by itself or that
+/// the emergency stop holds it back, the warning threshold and the last outcome. Main thread.
 class StatusStrip final : public QWidget {
     Q_OBJECT
 
@@ -18,9 +20,16 @@ public:
 
     void refresh();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void showAutomation();
+
     SystemMonitor& monitor_;
+    QBoxLayout* facts_ = nullptr;
     ElidedLabel* session_ = nullptr;
+    Capsule* automation_ = nullptr;
     Capsule* threshold_ = nullptr;
     ElidedLabel* lastAction_ = nullptr;
 };

@@ -30,6 +30,19 @@ std::string processList(const std::vector<RemoteProcess>& processes, bool redact
     return list;
 }
 
+/// What a machine's row says in words may repeat its address, as a hint on how to reach it does.
+std::string withoutAddress(std::string text, std::string_view address) {
+    // The words that stand for a missing address are no address.
+    if (address.find_first_of(".:") == std::string_view::npos) {
+        return text;
+    }
+    for (std::size_t at = text.find(address); at != std::string::npos;
+         at = text.find(address, at + redactedText.size())) {
+        text.replace(at, address.size(), redactedText);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string reportText(std::string_view text) {
@@ -63,6 +76,9 @@ std::string formatRemoteProcessSummary(const RemoteProcess& process, bool redact
 }
 
 std::string formatRemoteRow(const RemoteHealth& health, bool redacted) {
+    const auto words = [&](const std::string& text) {
+        return reportText(redacted ? withoutAddress(text, health.address) : text);
+    };
     return fmt::format(
         "{}\t{}\t{}\tmacOS {}\tCPU {}%\tMemory {}%\tTop CPU {}\tTop Memory {}\tRecommendation {}\t"
         "Processes {}\t{}",
@@ -70,8 +86,8 @@ std::string formatRemoteRow(const RemoteHealth& health, bool redacted) {
         title(health.status), knownText(health.osVersion),
         roundedToInteger(health.cpuPercent.value_or(0.0)),
         roundedToInteger(health.memoryPercent.value_or(0.0)), knownText(health.topCPUProcess),
-        knownText(health.topMemoryProcess), reportText(health.recommendation),
-        processList(health.topProcesses, redacted), reportText(health.setupHint));
+        knownText(health.topMemoryProcess), words(health.recommendation),
+        processList(health.topProcesses, redacted), words(health.setupHint));
 }
 
 std::string formatTrustRow(const AITrustRecord& record) {

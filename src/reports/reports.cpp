@@ -1,7 +1,9 @@
 #include "reports/reports.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -38,23 +40,24 @@ void Reports::copyDiagnosticsReport() {
     }
 }
 
-void Reports::exportDiagnosticsReport() {
+bool Reports::exportDiagnosticsReport() {
     const auto report = diagnosticsReport(false);
     if (!report) {
         with_.log.recordMessage("No diagnostic sample is available yet.");
-        return;
+        return false;
     }
     const Date now = with_.clock.now();
-    const std::string name = exportFileName(now, with_.utcOffset(now));
+    const std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
     const auto problem = with_.folder != nullptr
                              ? with_.folder->write(name, *report)
-                             : std::optional<std::string>("no folder for reports");
+                             : std::optional<std::string>(std::generic_category().message(ENOENT));
     if (problem) {
         with_.log.recordMessage("Could not export diagnostics: " + *problem);
-        return;
+        return false;
     }
     with_.folder->reveal(name);
     with_.log.recordMessage(fmt::format("Exported diagnostics to {}.", name));
+    return true;
 }
 
 }  // namespace tallowcrest

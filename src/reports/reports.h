@@ -43,7 +43,8 @@ public:
     /// Before the first sample nothing happens, not even a message.
     void copyDiagnosticsReport();
 
-    void exportDiagnosticsReport();
+    /// Whether a file was written. What became of it is recorded in either case.
+    bool exportDiagnosticsReport();
 
 private:
     Surroundings with_;

@@ -232,9 +232,12 @@ TEST_F(AutomationTest, EngagingTheStop) {
     EXPECT_EQ(store.read("Tallowcrest.autoPurgeSustainedMemory"), SettingsValue(false));
     EXPECT_EQ(store.read("Tallowcrest.autoScanRemoteMacs"), SettingsValue(false));
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("apprentice")));
-    EXPECT_THAT(store.written, SizeIs(6));
     // The latch itself first: whatever ends the program after that, the stop holds.
-    EXPECT_EQ(store.written.front(), "Tallowcrest.automationEmergencyStop");
+    EXPECT_THAT(
+        store.written,
+        ElementsAre("Tallowcrest.automationEmergencyStop", "Tallowcrest.autoSelectTopOffender",
+                    "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
+                    "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.aiAutonomyMode"));
 
     EXPECT_EQ(automation().diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
@@ -294,6 +297,25 @@ TEST_F(AutomationTest, AfterARestartTheStopHoldsAndTheSwitchesAreOff) {
     EXPECT_FALSE(restarted.settings.diskAutopilotEnabled);
     EXPECT_EQ(diskAutopilotStatusAtStart(restarted.settings),
               "Emergency stop is engaged. All automatic actions are off.");
+}
+
+TEST_F(AutomationTest, AStopThatWasStoredInPartBringsNothingBackEither) {
+    store.write("Tallowcrest.autoSelectTopOffender", true);
+    store.write("Tallowcrest.autoPurgeSustainedMemory", true);
+    store.write("Tallowcrest.diskAutopilotEnabled", true);
+    store.write("Tallowcrest.aiAutonomyMode", std::string("autopilot"));
+    store.write("Tallowcrest.automationEmergencyStop", true);
+    settings = loadStoredState(store, "owner").settings;
+    store.written.clear();
+    automation().resumeFromEmergencyStop();
+    EXPECT_EQ(store.written.back(), "Tallowcrest.automationEmergencyStop");
+    const Settings restarted = loadStoredState(store, "owner").settings;
+    EXPECT_FALSE(restarted.automationEmergencyStopEngaged);
+    EXPECT_FALSE(restarted.autoSelectTopOffender);
+    EXPECT_FALSE(restarted.autoPurgeSustainedMemory);
+    EXPECT_FALSE(restarted.diskAutopilotEnabled);
+    EXPECT_EQ(restarted.aiAutonomyMode, AIAutonomyMode::apprentice);
+    EXPECT_FALSE(settings.autoSelectTopOffender);
 }
 
 TEST_F(AutomationTest, TheAutonomyModeIsHeldBackByTheStop) {

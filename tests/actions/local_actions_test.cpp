@@ -69,6 +69,7 @@ TEST_F(PurgeCaches, OneRunsAtATime) {
     actions.requestPurge();
     confirmations.confirmPending();
     EXPECT_EQ(workQueue.pendingCount(), 1U);
+    expectRecorded("File caches are being purged already.");
     finishWork();
     EXPECT_FALSE(actions.isPurging());
     EXPECT_EQ(ports.cachePurge->count, 1);

@@ -175,6 +175,29 @@ TEST_F(QuitAppGroup, PutOnTheListWhileTheDialogStoodNobodyGetsTerm) {
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
+TEST_F(QuitAppGroup, PutOnTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
+    requestQuitOfFirefox();
+    confirmations.confirmPending();
+    actions.toggleNeverQuit("Firefox");
+    finishWork();
+    EXPECT_THAT(ports.processes->signalled, IsEmpty());
+    expectRecorded("Asked Firefox's visible processes to quit.");
+}
+
+TEST_F(QuitAppGroup, OneThatIsBeingAskedIsNotAskedAgain) {
+    requestQuitOfFirefox();
+    confirmations.confirmPending();
+    actions.requestQuitSelectedApp();
+    confirmations.confirmPending();
+    expectRecorded("Firefox is still being asked to quit.");
+    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    finishWork();
+    EXPECT_THAT(ports.gracefulQuit->names, SizeIs(1));
+    actions.requestQuitSelectedApp();
+    confirm();
+    EXPECT_THAT(ports.gracefulQuit->names, SizeIs(2));
+}
+
 TEST_F(QuitAppGroup, AnEmptyListIsStillToldAsAsked) {
     requestQuitOfFirefox();
     rows.clear();

@@ -115,7 +115,8 @@ TEST_F(QuitProcess, AProcessThatLeftTheListIsAskedAboutByItsNumber) {
     takeSample();
     actions.requestQuitSelectedProcess();
     EXPECT_EQ(pending().title, "Quit process 700?");
-    EXPECT_THAT(confirmations.targetPaths(), IsEmpty());
+    // The path of what was reviewed.
+    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
     EXPECT_EQ(review.optimizeStep(),
               "3. Confirm the quit action for process 700, or cancel and keep reviewing.");
     confirm();
@@ -150,7 +151,7 @@ TEST_F(QuitProcess, ANumberThatChangedHandsAfterTheSelectionIsNotSignalled) {
     actions.requestQuitSelectedProcess();
     // The new process is neither named nor is its path shown: it was never reviewed.
     EXPECT_EQ(pending().title, "Quit process 700?");
-    EXPECT_THAT(confirmations.targetPaths(), IsEmpty());
+    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());

@@ -55,13 +55,20 @@ protected:
     PlainLocale locale;
     std::vector<TailDevice> devices;
     bool scanning = false;
+    bool stopsAtScan = false;
+    std::size_t eventsAtScan = 0;
     std::vector<std::string> calls;
     std::vector<std::string> notified;
-    AutoRules rules{{log, sample, review, actions, settings, policy, clock, locale},
-                    {[this] { return std::span<const TailDevice>(devices); },
-                     [this] { return scanning; }, [this] { calls.emplace_back("scan"); },
-                     [this](const SystemSnapshot&) { calls.emplace_back("disk"); },
-                     [this](const std::string& name) { notified.push_back(name); }}};
+    AutoRules rules{
+        {log, sample, review, actions, settings, policy, clock, locale},
+        {[this] { return std::span<const TailDevice>(devices); }, [this] { return scanning; },
+         [this] {
+             calls.emplace_back("scan");
+             eventsAtScan = log.activityLog().size();
+             settings.automationEmergencyStopEngaged = stopsAtScan;
+         },
+         [this](const SystemSnapshot&) { calls.emplace_back("disk"); },
+         [this](const std::string& name) { notified.push_back(name); }}};
 };
 
 TEST_F(AutoRulesTest, TheStopHoldsEverythingBackButTheWarning) {
@@ -242,6 +249,15 @@ TEST_F(AutoRulesTest, TheRulesRunInTheirOrder) {
                 ElementsAre("Auto Rule: Purged caches after sustained high memory pressure.",
                             "Auto Rule: Selected editor because system load crossed 82%."));
     EXPECT_THAT(calls, ElementsAre("scan", "disk"));
+    EXPECT_EQ(eventsAtScan, 2U);
+}
+
+TEST_F(AutoRulesTest, AStopEngagedByARuleHoldsBackTheNext) {
+    settings.autoScanRemoteMacs = true;
+    devices = {device("macOS", true)};
+    stopsAtScan = true;
+    run(99.0);
+    EXPECT_THAT(calls, ElementsAre("scan"));
 }
 
 TEST_F(AutoRulesTest, WarnsWithTheTopProcess) {

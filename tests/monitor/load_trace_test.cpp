@@ -57,6 +57,7 @@ TEST(LoadTrace, TheFirstBadLineIsNamed) {
              Case{"sample 0 1 2 3\nprocess 700 1 2\n", 2},
              Case{"sample 0 1 2 3\nprocess 7.5 1 2 /bin/a\n", 2},
              Case{"sample 8 1 2 3\nsample 4 1 2 3\n", 2},
+             Case{"sample -5 1 2 3\n", 1},
              Case{"simple 0 1 2 3\n", 1},
              Case{"\t\n", 1},
          }) {

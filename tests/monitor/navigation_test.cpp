@@ -15,6 +15,8 @@ TEST(Navigation, StartsOnTheOverviewWithAnEmptyFilter) {
     EXPECT_EQ(navigation.processFilter(), "");
     EXPECT_TRUE(navigation.showSetupWizard());
     EXPECT_FALSE(Navigation(observable, false).showSetupWizard());
+    EXPECT_FALSE(navigation.showSettings());
+    EXPECT_EQ(navigation.settingsTab(), "AI");
 }
 
 TEST(Navigation, TellsObserversOfAChangeAlone) {
@@ -38,6 +40,23 @@ TEST(Navigation, TellsObserversOfAChangeAlone) {
     queue.drain();
     EXPECT_EQ(told, 2);
     EXPECT_EQ(navigation.processFilter(), " Chrome ");
+
+    navigation.setShowSettings(true);
+    navigation.setSettingsTab(settings_tabs::safety);
+    queue.drain();
+    EXPECT_EQ(told, 3) << "two changes of one turn are told once";
+    EXPECT_TRUE(navigation.showSettings());
+    EXPECT_EQ(navigation.settingsTab(), "Safety");
+
+    navigation.setShowSettings(true);
+    navigation.setSettingsTab("Safety");
+    queue.drain();
+    EXPECT_EQ(told, 3);
+
+    navigation.setShowSettings(false);
+    queue.drain();
+    EXPECT_EQ(told, 4);
+    EXPECT_FALSE(navigation.showSettings());
 }
 
 }  // namespace

@@ -23,6 +23,7 @@ class ReplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
         FakeMachine& m = machine;
+        prepareForReplay(m);
         m.extensions.rules.tailDevices = [this] { return std::span<const TailDevice>(devices); };
         m.extensions.rules.scanRemoteMacs = [this] { scans.push_back(now()); };
         m.extensions.rules.checkDiskAutopilot = [this](const SystemSnapshot&) { ++diskChecks; };
@@ -48,10 +49,12 @@ protected:
             if (!log.empty()) {
                 newest = log.front().id;
             }
-            machine.monitor().confirmations().cancelPending();
-            newest = machine.monitor().log().activityLog().empty()
-                         ? UUID{}
-                         : machine.monitor().log().activityLog().front().id;
+            if (dismisses) {
+                machine.monitor().confirmations().cancelPending();
+                newest = machine.monitor().log().activityLog().empty()
+                             ? UUID{}
+                             : machine.monitor().log().activityLog().front().id;
+            }
         });
     }
 
@@ -74,6 +77,7 @@ protected:
     }
 
     FakeMachine machine;
+    bool dismisses = true;  ///< whether somebody answers every question with no
     Date beginning;
     UUID newest;
     std::vector<TailDevice> devices;
@@ -114,57 +118,120 @@ TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
     EXPECT_THAT(machine.notifications.posted, SizeIs(warnings.size()));
 }
 
-TEST_F(ReplayTest, AnHourBehindTheEmergencyStop) {
-    Automation& automation = machine.monitor().automation();
-    for (const AutomationSwitch each : allAutomationSwitches) {
-        automation.set(each, true);
+LoadTrace busyTrace(std::size_t samples) {
+    LoadTrace trace(samples);
+    for (std::size_t i = 0; i < trace.size(); ++i) {
+        TracedSample& sample = trace[i];
+        sample.seconds = 4.0 * static_cast<double>(i);
+        sample.cpuPercent = 99.0;
+        sample.pressure = 95.0;
+        sample.diskFreeGB = 0.5;
+        ProcessSample row;
+        row.pid = 700;
+        row.cpu = 390.0;
+        row.rssMB = 900.0;
+        row.command = "/usr/bin/photo-indexer";
+        sample.processes = {row};
     }
-    automation.setAutonomyMode(AIAutonomyMode::autopilot);
-    LoadTrace busy(15);
-    LoadTrace hour(900);
-    const auto fill = [](LoadTrace& trace) {
-        for (std::size_t i = 0; i < trace.size(); ++i) {
-            TracedSample& sample = trace[i];
-            sample.seconds = 4.0 * static_cast<double>(i);
-            sample.cpuPercent = 99.0;
-            sample.pressure = 95.0;
-            sample.diskFreeGB = 0.5;
-            ProcessSample row;
-            row.pid = 700;
-            row.cpu = 390.0;
-            row.rssMB = 900.0;
-            row.command = "/usr/bin/photo-indexer";
-            sample.processes = {row};
-        }
-    };
-    fill(busy);
-    fill(hour);
-    // Armed: every automation would act, and does.
-    run(busy);
-    EXPECT_THAT(timesOf("Auto Rule", "Selected photo-indexer"), SizeIs(1));
-    EXPECT_THAT(timesOf("Auto Rule", "Purged caches"), SizeIs(1));
-    EXPECT_THAT(scans, SizeIs(1));
-    EXPECT_EQ(diskChecks, 15);
+    return trace;
+}
 
-    machine.monitor().review().clearOperationTarget();
-    automation.engageEmergencyStop();
-    newest = machine.monitor().log().activityLog().front().id;
-    happenings.clear();
+/// Drives every automation into its armed state and lets it act, engages the stop, and then looks
+/// at an hour of samples.
+class BehindTheStop : public ReplayTest {
+protected:
+    SystemMonitor& monitor() { return machine.monitor(); }
+
+    void armAndStop() {
+        for (const AutomationSwitch each : allAutomationSwitches) {
+            monitor().automation().set(each, true);
+        }
+        monitor().automation().setAutonomyMode(AIAutonomyMode::autopilot);
+        run(busyTrace(15));
+        EXPECT_THAT(timesOf("Auto Rule", "Selected photo-indexer"), SizeIs(1));
+        EXPECT_THAT(timesOf("Auto Rule", "Purged caches"), SizeIs(1));
+        EXPECT_THAT(scans, SizeIs(1));
+        EXPECT_EQ(diskChecks, 15);
+        monitor().review().clearOperationTarget();
+        monitor().automation().engageEmergencyStop();
+        EXPECT_EQ(plansCleared, 1);
+    }
+
+    void expectNothingActsForAnHour() {
+        newest = monitor().log().activityLog().front().id;
+        happenings.clear();
+        scans.clear();
+        diskChecks = 0;
+        dismisses = false;
+        // Whatever pause the rules had to keep is over.
+        machine.clock.advance(std::chrono::hours(2));
+        beginning = machine.clock.now();
+        const AutomationDates before = monitor().autoRules().dates();
+        const std::string lastAction = monitor().log().lastAction();
+        const std::string step = monitor().review().optimizeStep();
+        run(busyTrace(900));
+        EXPECT_THAT(scans, IsEmpty());
+        EXPECT_EQ(diskChecks, 0);
+        EXPECT_EQ(monitor().review().selectedPID(), std::nullopt);
+        EXPECT_EQ(monitor().review().optimizeStep(), step);
+        EXPECT_EQ(monitor().log().lastAction(), lastAction);
+        EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
+        EXPECT_EQ(machine.actions.cachePurge->count, 0);
+        EXPECT_THAT(machine.actions.gracefulQuit->names, IsEmpty());
+        EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
+        AutomationDates expected = before;
+        expected.lastWarningDate = monitor().autoRules().dates().lastWarningDate;
+        EXPECT_EQ(monitor().autoRules().dates(), expected);
+        // The stop is for actions: a person is still told, and of nothing else.
+        EXPECT_THAT(timesOf("Warning", "High load detected."), SizeIs(20));
+        EXPECT_THAT(happenings, SizeIs(20));
+    }
+};
+
+TEST_F(BehindTheStop, NothingActs) {
+    armAndStop();
+    expectNothingActsForAnHour();
+}
+
+TEST_F(BehindTheStop, NothingActsThoughEverySwitchWereOn) {
+    armAndStop();
+    for (const AutomationSwitch each : allAutomationSwitches) {
+        monitor().automation().set(each, true);
+    }
+    // The latch alone, without the switches that it has thrown.
+    machine.store.write("Tallowcrest.autoSelectTopOffender", true);
+    machine.store.write("Tallowcrest.autoPurgeSustainedMemory", true);
+    machine.store.write("Tallowcrest.autoScanRemoteMacs", true);
+    machine.restart();
+    EXPECT_TRUE(monitor().automation().isOn(AutomationSwitch::autoSelectTopOffender));
+    expectNothingActsForAnHour();
+}
+
+TEST_F(BehindTheStop, ASampleUnderWayIsStoppedToo) {
+    armAndStop();
+    monitor().automation().resumeFromEmergencyStop();
+    for (const AutomationSwitch each : allAutomationSwitches) {
+        monitor().automation().set(each, true);
+    }
     scans.clear();
-    diskChecks = 0;
-    // Whatever pause the rules had to keep is over.
     machine.clock.advance(std::chrono::hours(2));
-    beginning = machine.clock.now();
-    run(hour);
-    EXPECT_THAT(timesOf("Auto Rule", ""), IsEmpty());
-    EXPECT_THAT(scans, IsEmpty());
+    monitor().refresh();
+    monitor().automation().engageEmergencyStop();
+    diskChecks = 0;
+    machine.finishSamples();
     EXPECT_EQ(diskChecks, 0);
-    EXPECT_EQ(plansCleared, 1);
-    EXPECT_EQ(machine.monitor().review().selectedPID(), std::nullopt);
-    EXPECT_FALSE(machine.monitor().confirmations().pendingConfirmation());
-    EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
-    // The stop is for actions: a person is still told.
-    EXPECT_THAT(timesOf("Warning", "High load detected."), SizeIs(20));
+    EXPECT_THAT(scans, IsEmpty());
+    EXPECT_EQ(monitor().review().selectedPID(), std::nullopt);
+    EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
+}
+
+TEST_F(BehindTheStop, AQuestionThatStandsCanStillBeAnswered) {
+    monitor().localActions().requestPurge();
+    monitor().automation().engageEmergencyStop();
+    ASSERT_TRUE(monitor().confirmations().pendingConfirmation());
+    monitor().confirmations().confirmPending();
+    machine.finishSamples();
+    EXPECT_EQ(machine.actions.cachePurge->count, 1);
 }
 
 }  // namespace

@@ -53,14 +53,23 @@ private:
 };
 
 TEST_F(LaunchedChildTest, InheritsTheEnvironmentAndTheWorkingDirectory) {
-    ASSERT_EQ(::setenv("TALLOWCREST_TEST_VALUE", "from here", 1), 0);
+    const char* path = std::getenv("PATH");
+    ASSERT_NE(path, nullptr);
     std::array<char, 4096> here{};
     ASSERT_NE(::getcwd(here.data(), here.size()), nullptr);
 
     const ToolResult result =
-        launcher.launch(shellTool("echo \"$TALLOWCREST_TEST_VALUE\"; pwd -P", 30s));
+        launcher.launch(shellTool("echo \"$PATH\"; pwd -P", 30s));
 
-    EXPECT_EQ(result.output, "from here\n" + std::string(here.data()) + "\n");
+    EXPECT_EQ(result.output, std::string(path) + "\n" + here.data() + "\n");
+}
+
+TEST_F(LaunchedChildTest, KnowsNothingOfWhatIsLentToTheEnvironmentLater) {
+    // Lent by the main thread at any moment, so not to be looked at while a tool is launched.
+    ASSERT_EQ(::setenv("XDG_ACTIVATION_TOKEN", "leave for one window", 1), 0);
+    const ToolResult result = launcher.launch(shellTool("echo \"<$XDG_ACTIVATION_TOKEN>\"", 30s));
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_EQ(result.output, "<>\n");
 }
 
 TEST_F(LaunchedChildTest, ReadsAnEmptyStandardInput) {

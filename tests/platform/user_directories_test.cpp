@@ -36,7 +36,8 @@ TEST(UserDirectories, TheLastLineCounts) {
         "/b");
     EXPECT_EQ(
         userDirectory("XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=oops\n", "DOCUMENTS", "/h"),
-        std::nullopt);
+        "/a");
+    EXPECT_EQ(userDirectory("XDG_DOCUMENTS_DIR=\"/a\" # mine\n", "DOCUMENTS", "/h"), "/a");
 }
 
 TEST(UserDirectories, WhatMakesNoSenseIsNoDirectory) {

@@ -271,9 +271,26 @@ TEST_F(ConfirmationDialogTest, AQuestionThatFollowsAnAnswerCannotBeConfirmedAtOn
     EXPECT_FALSE(confirm().isEnabled());
 }
 
-TEST_F(ConfirmationDialogTest, ALoneQuestionCanBeConfirmedAtOnce) {
+TEST_F(ConfirmationDialogTest, ALoneQuestionCannotBeConfirmedByASecondClickOfTwo) {
+    showAndAsk("First?");
+    click("confirmation.cancel");
+    dialog().setSettlingTime(1h);
+    ask(probe("Second?"));
+    QTest::mouseClick(&confirm(), Qt::LeftButton);
+    settle();
+    EXPECT_TRUE(isOpen());
+    EXPECT_FALSE(confirm().isEnabled());
+    EXPECT_THAT(confirmed, IsEmpty());
+    EXPECT_GE(ConfirmationDialog::settlingTime.count(), QApplication::doubleClickInterval());
+}
+
+TEST_F(ConfirmationDialogTest, TheClickThatBringsItForwardIsNoAnswer) {
     showAndAsk();
     EXPECT_TRUE(confirm().isEnabled());
+    dialog().setSettlingTime(1h);
+    QEvent activation(QEvent::WindowActivate);
+    QApplication::sendEvent(&dialog(), &activation);
+    EXPECT_FALSE(confirm().isEnabled());
 }
 
 // While it stands --------------------------------------------------------------------------------

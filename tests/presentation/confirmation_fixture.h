@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,10 @@ protected:
         settle();
         ASSERT_TRUE(isOpen());
         ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+        if (!std::exchange(isSettled_, true)) {
+            dialog().setSettlingTime(std::chrono::milliseconds(0));
+        }
+        settle();
     }
 
     void showAndAsk(const std::string& title = "Go on?") {
@@ -53,6 +58,7 @@ protected:
 
 private:
     bool isRegistered_ = false;
+    bool isSettled_ = false;  ///< no test waits, unless it asks for it
 };
 
 }  // namespace tallowcrest

@@ -130,6 +130,8 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? QStringLiteral("OverviewPage")
                                  : each == AppRoute::load     ? QStringLiteral("ProcessesPage")
                                  : each == AppRoute::optimize ? QStringLiteral("CleanupPage")
+                                 : each == AppRoute::history  ? QStringLiteral("HistoryPage")
+                                 : each == AppRoute::settings ? QStringLiteral("SettingsPage")
                                                               : QStringLiteral("ComingPage"));
         const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
@@ -295,7 +297,7 @@ TEST_F(DashboardWindowTest, ARouteChosenWhileClosedShowsWhenTheWindowComesBack) 
 
 TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
     showWithSample();
-    goTo(AppRoute::history);
+    goTo(AppRoute::chat);
     tick();
     const PaintWatch paints;
     machine.monitor().review().clearOperationTarget();

@@ -43,7 +43,9 @@ TEST(Icons, ExistForEachNameUsedOnTheScreens) {
                              "circle",
                              "clock",
                              "desktopcomputer",
+                             "doc.on.doc",
                              "doc.text.magnifyingglass",
+                             "exclamationmark.octagon",
                              "exclamationmark.triangle",
                              "exclamationmark.triangle.fill",
                              "externaldrive.badge.magnifyingglass",
@@ -64,6 +66,7 @@ TEST(Icons, ExistForEachNameUsedOnTheScreens) {
                              "scope",
                              "slider.horizontal.3",
                              "sparkle",
+                             "square.and.arrow.up",
                              "waveform.path.ecg",
                              "xmark.circle"}) {
         EXPECT_TRUE(hasIcon(QString::fromLatin1(name))) << name;

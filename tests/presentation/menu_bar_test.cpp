@@ -2,6 +2,7 @@
 #include <QMenu>
 #include <QPushButton>
 
+#include "presentation/confirmation_dialog.h"
 #include "presentation/menu_bar_entries.h"
 #include "presentation/menu_bar_panel.h"
 #include "presentation/status_item.h"
@@ -219,6 +220,8 @@ TEST_F(MenuBarTest, PurgePurgesOnceConfirmed) {
     showWithSample();
     openPanel();
     choose("menubar.purge");
+    window().findChild<ConfirmationDialog*>()->setSettlingTime(std::chrono::milliseconds(0));
+    settle();
     click("confirmation.confirm");
     machine.finishSamples();
     EXPECT_EQ(machine.actions.cachePurge->count, 1);
@@ -244,6 +247,60 @@ TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
     EXPECT_EQ(visible("confirmation.cancel"), nullptr);
 }
 
+TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
+    const auto title = [this] {
+        const auto* row = panel().findChild<QPushButton*>(QStringLiteral("menubar.auto-select"));
+        EXPECT_EQ(row->accessibleName(), row->text());
+        return row->text();
+    };
+    const Automation& automation = machine.monitor().automation();
+    openPanel();
+    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select"));
+    choose("menubar.auto-select");
+    EXPECT_FALSE(automation.isOn(AutomationSwitch::autoSelectTopOffender));
+    EXPECT_EQ(lastAction(), "Auto-select top offender disabled.");
+    EXPECT_FALSE(window().isVisible()) << "nothing to read there";
+    openPanel();
+    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+    machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, true);
+    settle();
+    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select")) << "while the panel is open";
+    machine.monitor().automation().engageEmergencyStop();
+    settle();
+    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+}
+
+TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
+    machine.monitor().automation().engageEmergencyStop();
+    openPanel();
+    choose("menubar.auto-select");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Auto-select remains off while Emergency Stop is engaged."));
+}
+
+TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
+    std::vector<std::string> copied;
+    machine.extensions.storeOnPasteboard = [&copied](const std::string& text) {
+        copied.push_back(text);
+    };
+    openPanel();
+    choose("menubar.copy-report");
+    EXPECT_TRUE(copied.empty());
+    EXPECT_EQ(lastAction(), "Monitoring started.");
+    EXPECT_FALSE(window().isVisible());
+    openPanel();
+    choose("menubar.export");
+    EXPECT_TRUE(window().isVisible()) << "a refusal is read there";
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("No diagnostic sample is available yet."));
+    machine.finishSamples();
+    openPanel();
+    choose("menubar.copy-report");
+    EXPECT_EQ(copied.size(), 1U);
+    EXPECT_EQ(lastAction(), "Copied a performance report to the clipboard.");
+}
+
 TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
     QStringList titles;
     for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
@@ -252,7 +309,9 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
     EXPECT_EQ(
         titles,
         QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
-                     QStringLiteral("Refresh"), QStringLiteral("Purge File Caches"),
+                     QStringLiteral("Disable Auto Select"), QStringLiteral("Settings"),
+                     QStringLiteral("Refresh"), QStringLiteral("Copy Report"),
+                     QStringLiteral("Export Diagnostics"), QStringLiteral("Purge File Caches"),
                      QStringLiteral("Quit Top App"), QStringLiteral("Expand Dashboard Sections"),
                      QStringLiteral("Collapse Dashboard Sections"),
                      QStringLiteral("Quit Tallowcrest")}));
@@ -323,10 +382,30 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
     EXPECT_EQ(
         identifiers,
         QStringList({QStringLiteral("menubar.show-dashboard"),
-                     QStringLiteral("menubar.open-optimize"), QStringLiteral("menubar.refresh"),
+                     QStringLiteral("menubar.open-optimize"), QStringLiteral("menubar.auto-select"),
+                     QStringLiteral("menubar.settings"), QStringLiteral("menubar.refresh"),
+                     QStringLiteral("menubar.copy-report"), QStringLiteral("menubar.export"),
                      QStringLiteral("menubar.purge"), QStringLiteral("menubar.quit-top-app"),
                      QStringLiteral("menubar.expand-sections"),
                      QStringLiteral("menubar.collapse-sections"), QStringLiteral("menubar.quit")}));
+}
+
+TEST_F(StatusItemTest, ATitleOfItsMenuFollowsTheState) {
+    StatusItem item(machine.monitor(), window());
+    const QAction* entry = nullptr;
+    for (const QAction* action : iconOf(item).contextMenu()->actions()) {
+        if (action->objectName() == QStringLiteral("menubar.auto-select")) {
+            entry = action;
+        }
+    }
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->text(), QStringLiteral("Disable Auto Select"));
+    for (const bool isOn : {false, true}) {
+        machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, isOn);
+        settle();
+        EXPECT_EQ(entry->text(), isOn ? QStringLiteral("Disable Auto Select")
+                                      : QStringLiteral("Enable Auto Select"));
+    }
 }
 
 TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {

@@ -40,9 +40,14 @@ TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
     EXPECT_EQ(entries.join(u'\n').toStdString(),
               "Tallowcrest:\n"
               "menu.about|About Tallowcrest|\n"
+              "menu.settings|Settings...|Ctrl+,\n"
               "menu.refresh|Refresh|Ctrl+R\n"
+              "menu.emergency-stop|Emergency Stop|Ctrl+.\n"
+              "menu.resume-manual-mode|Resume Manual Mode|\n"
               "menu.quit|Quit Tallowcrest|Ctrl+Q\n"
               "File:\n"
+              "menu.copy-report|Copy Report|Ctrl+Shift+C\n"
+              "menu.export-diagnostics|Export Diagnostics...|Ctrl+E\n"
               "menu.quit-selected-process|Quit Selected Process|Ctrl+Del\n"
               "menu.quit-selected-app|Quit Selected App Group|\n"
               "Go:\n"
@@ -87,6 +92,30 @@ TEST_F(MenusTest, OnlyQuitTallowcrestStandsForTheApplicationsOwnQuit) {
             EXPECT_EQ(action->menuRole(), QAction::NoRole) << action->text().toStdString();
         }
     }
+}
+
+TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
+    std::vector<std::string> copied;
+    machine.extensions.storeOnPasteboard = [&copied](const std::string& text) {
+        copied.push_back(text);
+    };
+    show();
+    press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(lastAction(), "Monitoring started.") << "nothing to copy yet";
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("No diagnostic sample is available yet."));
+    machine.finishSamples();
+    settle();
+    const auto report = machine.monitor().reports().diagnosticsReport(false);
+    press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(copied, std::vector<std::string>{*report});
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Copied a performance report to the clipboard."));
+    entry("menu.export-diagnostics").trigger();
+    settle();
+    ASSERT_EQ(machine.reportFolder->written.size(), 1U);
+    EXPECT_EQ(machine.reportFolder->revealed.size(), 1U);
 }
 
 TEST_F(MenusTest, FileAsksBeforeItQuitsTheSelectedProcess) {

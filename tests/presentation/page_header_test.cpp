@@ -39,8 +39,8 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::aiAdvisor, "Open Chat|Refresh"},
         {AppRoute::chat, "Refresh"},
         {AppRoute::remoteMacs, "Refresh"},
-        {AppRoute::history, "Refresh"},
-        {AppRoute::settings, "Refresh"}};
+        {AppRoute::history, "Copy Report|Export|Refresh"},
+        {AppRoute::settings, "Open Settings Sheet|Refresh"}};
     ASSERT_EQ(expected.size(), allAppRoutes.size());
     showWithSample();
     // There and back, as each route clears away what another one put there.

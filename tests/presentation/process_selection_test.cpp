@@ -243,5 +243,30 @@ TEST_F(ProcessSelectionTest, BeforeTheFirstSampleTheSelectionWaits) {
     EXPECT_EQ(currentInView(), lightest);
 }
 
+class NeverQuitMarksTest : public WindowFixture {};
+
+TEST_F(NeverQuitMarksTest, TheListHoldsInTheTableAtOnce) {
+    showWithSample();
+    goTo(AppRoute::load);
+    const auto isProtectedInTable = [this](const char* name) {
+        for (int row = 0; row < model().rowCount(); ++row) {
+            const QModelIndex index = model().index(row, ProcessTableModel::processColumn);
+            if (index.data(Qt::DisplayRole).toString() == QLatin1String(name)) {
+                return index.data(ProcessTableModel::isProtectedRole).toBool();
+            }
+        }
+        ADD_FAILURE() << name << " is not listed";
+        return false;
+    };
+    EXPECT_FALSE(isProtectedInTable("editor"));
+    machine.monitor().localActions().toggleNeverQuit("editor");
+    settle();
+    EXPECT_TRUE(isProtectedInTable("editor"));
+    EXPECT_FALSE(isProtectedInTable("photo-indexer"));
+    machine.monitor().localActions().toggleNeverQuit("editor");
+    settle();
+    EXPECT_FALSE(isProtectedInTable("editor"));
+}
+
 }  // namespace
 }  // namespace tallowcrest

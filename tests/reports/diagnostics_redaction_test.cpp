@@ -55,7 +55,8 @@ ReportState bigState() {
         health.address = addressOf(host);
         health.status = RemoteHealth::Status::reachable;
         health.summary = "Remote sample received.";
-        health.setupHint = "SSH is configured and remote metrics are available.";
+        // Hints on how to reach a machine repeat its address.
+        health.setupHint = "Enable Remote Login, then retry " + health.address + ".";
         health.recommendation = "Remote Mac looks healthy.";
         for (std::size_t i = 0; i < remoteRows; ++i) {
             const std::size_t number = host * remoteRows + i;
@@ -142,6 +143,7 @@ TEST(Redaction, HiddenValuesMakeNoDifference) {
     }
     for (RemoteHealth& health : other.remoteHealth) {
         health.address += "0";
+        health.setupHint = "Enable Remote Login, then retry " + health.address + ".";
         for (RemoteProcess& process : health.topProcesses) {
             process.pid += 500'000;
             process.command.insert(0, "/elsewhere");
@@ -167,10 +169,18 @@ TEST(Redaction, LeavesWhatTheOwnerAndTheHostsSay) {
          {"SSH user: rowan\n", "\nTerminal\n", "Top process\tpython local-1q\tSeen often\n",
           "Last AI insight: Quit clang local-2q.\n", "\tAction\tSent TERM to 7310001.",
           "\tTop CPU 91.0% /usr/local/python far-1q\tTop Memory 64MB /usr/local/clang far-2q\t",
-          "\tRecommendation Review python far-1q.\t", "\tRetry 100.117.213.100.\n",
+          "\tRecommendation Review python far-1q.\t", "\tRetry redacted.\n",
           "Google Chrome\t90.0% CPU\t2.9 GB\t30 processes\t0 protected\n"}) {
         EXPECT_NE(report.find(kept), std::string::npos) << kept;
     }
+}
+
+TEST(Redaction, LeavesTheWordsForAMissingAddressAlone) {
+    ReportState state = bigState();
+    state.remoteHealth.resize(1);
+    state.remoteHealth[0].address = "no address";
+    state.remoteHealth[0].setupHint = "This machine has no address yet.";
+    EXPECT_NE(state.report(true).find("This machine has no address yet."), std::string::npos);
 }
 
 }  // namespace

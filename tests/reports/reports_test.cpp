@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
@@ -18,22 +19,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
-
-class FakeReportFolder final : public ReportFolder {
-public:
-    std::optional<std::string> write(const std::string& fileName,
-                                     const std::string& text) override {
-        if (!problem) {
-            written[fileName] = text;
-        }
-        return problem;
-    }
-    void reveal(const std::string& fileName) override { revealed.push_back(fileName); }
-
-    std::optional<std::string> problem;
-    std::map<std::string, std::string> written;
-    std::vector<std::string> revealed;
-};
 
 class ReportsTest : public ::testing::Test {
 protected:
@@ -100,6 +85,27 @@ TEST_F(ReportsTest, ExportsAndShowsTheFile) {
     EXPECT_THAT(folder->revealed, ElementsAre(name));
     EXPECT_EQ(log.lastAction(), "Exported diagnostics to " + name + ".");
     EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+}
+
+TEST_F(ReportsTest, TheFileBearsTheTimeOfTheOwnersClock) {
+    takeSample();
+    utcOffset = 3600;
+    reports.exportDiagnosticsReport();
+    ASSERT_THAT(folder->written, SizeIs(1));
+    EXPECT_EQ(folder->written.begin()->first, exportFileName(clock.now(), 3600));
+    EXPECT_NE(folder->written.begin()->first, exportFileName(clock.now(), 0));
+}
+
+TEST_F(ReportsTest, WithoutAFolderTheExportFailsInWords) {
+    takeSample();
+    Reports none({log, pasteboard, clock, locale,
+                  [this] {
+                      return std::optional(
+                          DiagnosticsFacts{*snapshot, settings, {}, {}, false, "", {}, trust, {}});
+                  },
+                  [](Date) { return std::int64_t{0}; }, nullptr});
+    none.exportDiagnosticsReport();
+    EXPECT_EQ(log.lastAction(), "Could not export diagnostics: No such file or directory");
 }
 
 TEST_F(ReportsTest, AFailureIsToldInTheSystemsWords) {

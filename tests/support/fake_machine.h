@@ -13,6 +13,7 @@
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
+#include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
@@ -31,8 +32,17 @@ public:
     SystemMonitor& monitor() {
         if (monitor_ == nullptr) {
             monitor_ = std::make_unique<SystemMonitor>(
-                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
-                             std::make_shared<PlainLocale>(), actions.ports(), &notifications},
+                MonitorPorts{mainQueue,
+                             workQueue,
+                             clock,
+                             store,
+                             metrics,
+                             ticks,
+                             std::make_shared<PlainLocale>(),
+                             actions.ports(),
+                             &notifications,
+                             reportFolder,
+                             {}},
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",
@@ -43,6 +53,9 @@ public:
         }
         return *monitor_;
     }
+
+    /// Ends the monitor. The next call of `monitor` builds one on what is stored by then.
+    void restart() { monitor_.reset(); }
 
     /// Adds a process to the machine, and to what the next sample finds.
     ProcessSample& addProcess(std::int64_t pid, std::string command, double cpu, double rssMB) {
@@ -81,6 +94,7 @@ public:
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
     FakeLocalActions actions;
     FakeNotificationCenter notifications;
+    std::shared_ptr<FakeReportFolder> reportFolder = std::make_shared<FakeReportFolder>();
     MonitorExtensions extensions;
 
 private:

@@ -92,6 +92,9 @@ std::variant<LoadTrace, TraceError> parseLoadTrace(std::string_view text) {
             if (!sample) {
                 return TraceError{number, "a sample has four figures"};
             }
+            if (sample->seconds < 0.0) {
+                return TraceError{number, "a sample is older than the trace"};
+            }
             if (!trace.empty() && sample->seconds < trace.back().seconds) {
                 return TraceError{number, "a sample is older than the one before"};
             }

@@ -10,14 +10,19 @@
 
 namespace tallowcrest {
 
-/// Lets a fake machine live through a trace: each sample is taken when the clock stands at its
+/// Gives the machine what every trace takes for granted. Before its monitor is built, which counts
+/// the load from then on.
+inline void prepareForReplay(FakeMachine& machine) {
+    machine.metrics->memory.totalGB = 16.0;
+    machine.metrics->disk.totalGB = 256.0;
+    machine.ticks->ticks = CPUTicks{};
+}
+
+/// Lets a prepared machine live through a trace: each sample is taken when the clock stands at its
 /// time, counted from where it stood at the beginning. `landed` is called after each.
 template <class Landed>
 void replay(FakeMachine& machine, const LoadTrace& trace, Landed landed) {
     const Date beginning = machine.clock.now();
-    machine.metrics->memory.totalGB = 16.0;
-    machine.metrics->disk.totalGB = 256.0;
-    machine.ticks->ticks = CPUTicks{};
     SystemMonitor& monitor = machine.monitor();
     for (const TracedSample& sample : trace) {
         const double ahead = sample.seconds - secondsBetween(beginning, machine.clock.now());

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QVariant>
@@ -41,6 +42,10 @@ QVariantMap hintsFor(const NotificationContent& content) {
         {QStringLiteral("urgency"), QVariant::fromValue(normalUrgency)},
         {QStringLiteral("desktop-entry"), QStringLiteral("tallowcrest")},
     };
+    if (!content.categoryIdentifier.empty()) {
+        // A kind of the program's own, by which its owner can tell the daemon how to show it.
+        hints.insert(QStringLiteral("category"), QStringLiteral("x-tallowcrest.warning"));
+    }
     if (content.playsSound) {
         hints.insert(QStringLiteral("sound-name"), QStringLiteral("dialog-warning"));
     } else {
@@ -49,26 +54,24 @@ QVariantMap hintsFor(const NotificationContent& content) {
     return hints;
 }
 
-/// Keeps the desktop's leave to come to the front where Qt looks for it, and no longer: it is meant
-/// for this one click, and programs that are started later would inherit it.
-class LentToken {
-public:
-    explicit LentToken(const QString& token) : isLent_(!token.isEmpty()) {
-        if (isLent_) {
-            qputenv(tokenVariable, token.toUtf8());
-        }
+/// Keeps the desktop's leave to come to the front where Qt looks for it, for this turn of the event
+/// loop and for what is posted in it, as windows come to the front on the next turn. No longer: it
+/// is meant for this one click, and programs that are started later would inherit it.
+void lendToken(const QString& token, bool& isLent) {
+    if (!token.isEmpty()) {
+        qputenv(tokenVariable, token.toUtf8());
+    } else if (isLent) {
+        qunsetenv(tokenVariable);
     }
-    ~LentToken() {
-        if (isLent_) {
-            qunsetenv(tokenVariable);
-        }
-    }
-    LentToken(const LentToken&) = delete;
-    LentToken& operator=(const LentToken&) = delete;
+    isLent = !token.isEmpty();
+}
 
-private:
-    bool isLent_;
-};
+void takeTokenBack(const QString& token) {
+    if (!token.isEmpty()) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [] { qunsetenv(tokenVariable); }, Qt::QueuedConnection);
+    }
+}
 
 }  // namespace
 
@@ -266,10 +269,13 @@ void DBusNotificationCenter::actionInvoked(uint id, const QString& key) {
     if (pressed == open_.end() || !respond_) {
         return;
     }
-    const LentToken token(std::exchange(pressed->activationToken, {}));
+    const QString token = std::exchange(pressed->activationToken, {});
+    // That of an earlier press in the same turn is not for this one.
+    lendToken(token, hasLentToken_);
     // A copy, as it may replace the one that is kept, or end this object.
     const auto respond = respond_;
     respond(key.toStdString());
+    takeTokenBack(token);
 }
 
 /// Comes right before the press that it is for.

@@ -44,8 +44,8 @@ public:
     /// Title and body are shortened and made harmless, as they may name what others have named.
     void post(NotificationContent content) override;
 
-    /// While `respond` runs, what the desktop gave as leave to come to the front stands where Qt
-    /// takes it from. It may destroy this object.
+    /// While `respond` runs, and what it posts to the event loop, what the desktop gave as leave to
+    /// come to the front stands where Qt takes it from. It may destroy this object.
     void setResponseHandler(std::function<void(const std::string& identifier)> respond) override;
 
 private slots:
@@ -94,6 +94,7 @@ private:
     Waiting underWay_;  ///< what the call is to show, when that is its purpose
     /// The one call under way.
     std::unique_ptr<QDBusPendingCallWatcher> call_;
+    bool hasLentToken_ = false;
 };
 
 }  // namespace tallowcrest

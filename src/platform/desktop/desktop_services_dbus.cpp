@@ -1,5 +1,9 @@
+#include <QDBusConnection>
+#include <QDesktopServices>
+
 #include "platform/desktop/dbus_notification_center.h"
 #include "platform/desktop/desktop_graceful_quit.h"
+#include "platform/desktop/file_manager.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
 
@@ -12,6 +16,11 @@ std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher&) {
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
     return std::make_unique<DBusNotificationCenter>();
+}
+
+void revealFile(const std::filesystem::path& file) {
+    showInFileManager(file, QDBusConnection::sessionBus(),
+                      [](const QUrl& folder) { QDesktopServices::openUrl(folder); });
 }
 
 }  // namespace tallowcrest::desktop

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
@@ -18,12 +19,16 @@ void showInFileManager(const std::filesystem::path& file, const QDBusConnection&
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     show << QStringList(url.toString(QUrl::FullyEncoded)) << QString();
-    // Time for one that the bus has to start first.
-    constexpr int patienceMilliseconds = 5000;
-    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(show, patienceMilliseconds));
+    // A call on a bus that was never reached does not come back.
+    if (!bus.isConnected()) {
+        openFolder(folder);
+        return;
+    }
+    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(show));
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,
                      [folder, openFolder = std::move(openFolder)](QDBusPendingCallWatcher* call) {
-                         if (call->isError()) {
+                         // One that is slow to start shows the file yet, and once is enough.
+                         if (call->isError() && call->error().type() != QDBusError::NoReply) {
                              openFolder(folder);
                          }
                          call->deleteLater();

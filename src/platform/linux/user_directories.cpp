@@ -1,10 +1,15 @@
 #include "platform/linux/user_directories.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <utility>
 
 #include "core/white_space.h"
+#include "platform/posix/unique_fd.h"
 #include "platform/posix/user_account.h"
 
 namespace tallowcrest {
@@ -18,7 +23,8 @@ std::optional<std::string> unquoted(std::string_view value) {
     std::string result;
     for (std::size_t i = 1; i < value.size(); ++i) {
         if (value[i] == '"') {
-            return i + 1 == value.size() ? std::optional(result) : std::nullopt;
+            const std::string_view behind = trimmingWhiteSpace(value.substr(i + 1));
+            return behind.empty() || behind.front() == '#' ? std::optional(result) : std::nullopt;
         }
         if (value[i] == '\\' && ++i == value.size()) {
             return std::nullopt;
@@ -42,6 +48,20 @@ std::optional<std::string> absolutePath(const std::string& value, std::string_vi
     return std::nullopt;
 }
 
+/// Empty for what is no ordinary file, so that nothing in its place can hold up the start.
+std::string readOrdinaryFile(const std::filesystem::path& path) {
+    constexpr std::size_t largestFile = 64U << 10U;
+    const UniqueFD file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat info {};
+    if (!file.valid() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        return {};
+    }
+    std::string text(largestFile, '\0');
+    const ssize_t length = ::read(file.get(), text.data(), text.size());
+    text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
+    return text;
+}
+
 }  // namespace
 
 std::optional<std::string> userDirectory(std::string_view text, std::string_view name,
@@ -55,9 +75,11 @@ std::optional<std::string> userDirectory(std::string_view text, std::string_view
         if (!line.starts_with(key)) {
             continue;
         }
-        // A shell that read the file would be left with the last of them.
         const auto value = unquoted(line.substr(key.size()));
-        found = value ? absolutePath(*value, home) : std::nullopt;
+        // The last of them counts, as for a shell; one that makes no sense undoes none before it.
+        if (auto path = value ? absolutePath(*value, home) : std::nullopt) {
+            found = std::move(path);
+        }
     }
     return found;
 }
@@ -70,10 +92,8 @@ std::filesystem::path documentsDirectory() {
     const char* config = std::getenv("XDG_CONFIG_HOME");
     const std::filesystem::path folder =
         config != nullptr && *config == '/' ? std::filesystem::path(config) : home / ".config";
-    std::ifstream file(folder / "user-dirs.dirs", std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return userDirectory(text.str(), "DOCUMENTS", home.string()).value_or((home / "Documents").string());
+    return userDirectory(readOrdinaryFile(folder / "user-dirs.dirs"), "DOCUMENTS", home.string())
+        .value_or((home / "Documents").string());
 }
 
 }  // namespace tallowcrest

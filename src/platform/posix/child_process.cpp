@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/posix/child_environment.h"
 #include "platform/posix/spawn_support.h"
 
 namespace tallowcrest {
@@ -136,7 +137,7 @@ int ChildProcess::spawn(const std::string& path, const std::vector<std::string>&
 
     pid_t child = -1;
     error = ::posix_spawn(&child, path.c_str(), &actions.get(), &attributes.get(),
-                          argumentVector.data(), spawn_support::environment());
+                          argumentVector.data(), childEnvironment());
     if (error != 0) {
         return error;
     }

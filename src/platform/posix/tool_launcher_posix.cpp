@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/posix/captured_stream.h"
+#include "platform/posix/child_environment.h"
 #include "platform/posix/child_process.h"
 
 namespace tallowcrest {
@@ -170,6 +171,8 @@ private:
 }  // namespace
 
 PosixToolLauncher::PosixToolLauncher() {
+    // Before other threads are there that could change it meanwhile.
+    childEnvironment();
     if (spawn_support::openPipe(stopPipe_) != 0) {
         stopPipe_ = {};
     }

@@ -10,8 +10,10 @@
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "platform/x11/display_connection.h"
+#include "platform/x11/window_owners.h"
 #include "platform/x11/window_property.h"
 
 namespace tallowcrest {
@@ -25,16 +27,13 @@ struct Vocabulary {
     xcb_atom_t managerCheck = XCB_ATOM_NONE;
     xcb_atom_t clientList = XCB_ATOM_NONE;
     xcb_atom_t closeWindow = XCB_ATOM_NONE;
-    xcb_atom_t processID = XCB_ATOM_NONE;
     xcb_atom_t protocols = XCB_ATOM_NONE;
     xcb_atom_t deleteWindow = XCB_ATOM_NONE;
-    xcb_atom_t utf8 = XCB_ATOM_NONE;  ///< may stay unknown
 
     bool isComplete() const {
         return supported != XCB_ATOM_NONE && managerCheck != XCB_ATOM_NONE &&
                clientList != XCB_ATOM_NONE && closeWindow != XCB_ATOM_NONE &&
-               processID != XCB_ATOM_NONE && protocols != XCB_ATOM_NONE &&
-               deleteWindow != XCB_ATOM_NONE;
+               protocols != XCB_ATOM_NONE && deleteWindow != XCB_ATOM_NONE;
     }
 };
 
@@ -43,12 +42,10 @@ Vocabulary vocabularyOf(xcb_connection_t* connection) {
     AtomRequest managerCheck(connection, "_NET_SUPPORTING_WM_CHECK");
     AtomRequest clientList(connection, "_NET_CLIENT_LIST");
     AtomRequest closeWindow(connection, "_NET_CLOSE_WINDOW");
-    AtomRequest processID(connection, "_NET_WM_PID");
     AtomRequest protocols(connection, "WM_PROTOCOLS");
     AtomRequest deleteWindow(connection, "WM_DELETE_WINDOW");
-    AtomRequest utf8(connection, "UTF8_STRING");
-    return {supported.hear(), managerCheck.hear(), clientList.hear(),   closeWindow.hear(),
-            processID.hear(), protocols.hear(),    deleteWindow.hear(), utf8.hear()};
+    return {supported.hear(),   managerCheck.hear(), clientList.hear(),
+            closeWindow.hear(), protocols.hear(),    deleteWindow.hear()};
 }
 
 bool holds(const std::vector<std::uint32_t>& numbers, std::uint32_t wanted) {
@@ -62,11 +59,32 @@ struct Candidate {
     std::optional<xcb_window_t> dialogOf;  ///< the window that it belongs to, if it is a dialog
 };
 
+/// Nobody else is served by the display as long as this lives. The display ends it as well when it
+/// loses the connection, so the connection's time limit is its own.
+class Standstill {
+public:
+    explicit Standstill(xcb_connection_t* connection) : connection_(connection) {
+        xcb_grab_server(connection_);
+    }
+    Standstill(const Standstill&) = delete;
+    Standstill& operator=(const Standstill&) = delete;
+    ~Standstill() {
+        xcb_ungrab_server(connection_);
+        xcb_flush(connection_);
+    }
+
+private:
+    xcb_connection_t* connection_;
+};
+
 /// One look at the desktop and one round of requests.
 class Desktop {
 public:
     explicit Desktop(const DisplayConnection& display)
-        : connection_(display.get()), root_(display.root()), words_(vocabularyOf(connection_)) {}
+        : connection_(display.get()),
+          root_(display.root()),
+          words_(vocabularyOf(connection_)),
+          owners_(connection_) {}
 
     /// Whether a window manager is there that closes windows on request. What a manager stored on
     /// the root stays there when it ends; the window that it names to prove itself does not.
@@ -81,42 +99,18 @@ public:
                      words_.closeWindow);
     }
 
-    std::vector<Candidate> candidatesAmong(const std::vector<ProcessSample>& members) const {
-        std::vector<Candidate> candidates = windowsOf(members);
-        keepThoseOfThisHostThatCanBeAsked(candidates);
-        return candidates;
-    }
-
-    /// How many of them were asked.
-    std::size_t ask(const std::vector<Candidate>& candidates,
+    /// How many windows of the members were asked.
+    std::size_t ask(const std::vector<ProcessSample>& members,
                     const WindowCloseRequests::IsStillThere& isStillThere) const {
-        std::unordered_set<xcb_window_t> windows;
-        for (const Candidate& candidate : candidates) {
-            windows.insert(candidate.window);
-        }
-        std::vector<xcb_void_cookie_t> requests;
-        for (const Candidate& candidate : candidates) {
-            if (!isLeftToAnother(candidate, windows) && isStillThere(*candidate.member)) {
-                requests.push_back(send(candidate.window));
-            }
-        }
-        std::size_t asked = 0;
-        for (const xcb_void_cookie_t request : requests) {
-            xcb_generic_error_t* const error = xcb_request_check(connection_, request);
-            const bool isAccepted = error == nullptr;
-            std::free(error);
-            if (xcb_connection_has_error(connection_) != 0) {
-                break;  // which would pass for success
-            }
-            asked += isAccepted ? 1U : 0U;
-        }
-        return asked;
+        // A desktop may have many windows. The display stands still for those few alone that were
+        // found before, and not at all when there are none.
+        const std::vector<Candidate> found = windowsOf(members);
+        return found.empty() ? 0 : countAccepted(request(found, isStillThere));
     }
 
 private:
     static constexpr std::size_t mostSupported = 4096;
     static constexpr std::size_t mostProtocols = 64;
-    static constexpr std::uint32_t longestHostName = 256;
 
     PropertyRequest askFor(xcb_window_t window, xcb_atom_t property, std::size_t count) const {
         return askForProperty(connection_, window, property,
@@ -128,24 +122,24 @@ private:
         return hearNumbers(connection_, askFor(window, property, count), type);
     }
 
-    /// The windows, each once, that bear the number of a member as their process.
+    /// The windows, each once, whose process is a member.
     std::vector<Candidate> windowsOf(const std::vector<ProcessSample>& members) const {
         std::unordered_map<std::int64_t, const ProcessSample*> memberOf;
         for (const ProcessSample& member : members) {
             memberOf.emplace(member.pid, &member);
         }
-        std::vector<std::pair<xcb_window_t, PropertyRequest>> requests;
+        std::vector<std::pair<xcb_window_t, WindowOwners::Request>> requests;
         std::unordered_set<xcb_window_t> seen;
         for (const xcb_window_t window :
              numbers(root_, words_.clientList, WindowCloseRequests::mostWindows, XCB_ATOM_WINDOW)) {
             if (seen.insert(window).second) {
-                requests.emplace_back(window, askFor(window, words_.processID, 1));
+                requests.emplace_back(window, owners_.askFor(window));
             }
         }
         std::vector<Candidate> candidates;
         for (const auto& [window, request] : requests) {
-            const auto processID = hearNumbers(connection_, request, XCB_ATOM_CARDINAL);
-            const auto member = processID.empty() ? memberOf.end() : memberOf.find(processID[0]);
+            const std::optional<std::int64_t> owner = owners_.hear(request);
+            const auto member = owner ? memberOf.find(*owner) : memberOf.end();
             if (member != memberOf.end()) {
                 candidates.push_back({window, member->second, std::nullopt});
             }
@@ -153,36 +147,73 @@ private:
         return candidates;
     }
 
-    /// Another machine's process may bear the same number. And a manager that cannot ask a window
-    /// ends its program instead, which is no request.
-    void keepThoseOfThisHostThatCanBeAsked(std::vector<Candidate>& candidates) const {
+    /// Asks those that can be asked; the requests that have left for the display. The numbers of
+    /// windows are given out again, so from the look at a window to the request none may go.
+    std::vector<xcb_void_cookie_t> request(
+        const std::vector<Candidate>& found,
+        const WindowCloseRequests::IsStillThere& isStillThere) const {
+        const Standstill standstill(connection_);
+        const std::vector<Candidate> candidates = thoseThatCanBeAsked(found);
+        std::unordered_set<xcb_window_t> windows;
+        for (const Candidate& candidate : candidates) {
+            windows.insert(candidate.window);
+        }
+        std::vector<xcb_void_cookie_t> requests;
+        for (const Candidate& candidate : candidates) {
+            if (isLeftToAnother(candidate, windows) || !isStillThere(*candidate.member)) {
+                continue;
+            }
+            const xcb_void_cookie_t request = send(candidate.window);
+            if (xcb_flush(connection_) <= 0) {
+                break;
+            }
+            requests.push_back(request);
+        }
+        return requests;
+    }
+
+    /// Whatever has left for the display counts unless it is refused, even if the time is up before
+    /// the display says so: who has been asked may be asking the owner what to save, and must not
+    /// pass for one that was left out.
+    std::size_t countAccepted(const std::vector<xcb_void_cookie_t>& requests) const {
+        std::size_t accepted = requests.size();
+        for (const xcb_void_cookie_t request : requests) {
+            xcb_generic_error_t* const error = xcb_request_check(connection_, request);
+            accepted -= error != nullptr ? 1U : 0U;
+            std::free(error);
+        }
+        return accepted;
+    }
+
+    /// A window may have gone and left its number to another program's. And a manager that cannot
+    /// ask a window ends its program instead, which is no request.
+    std::vector<Candidate> thoseThatCanBeAsked(const std::vector<Candidate>& found) const {
         struct Requests {
-            PropertyRequest machine;
+            WindowOwners::Request owner;
             PropertyRequest protocols;
             PropertyRequest dialogOf;
         };
         std::vector<Requests> requests;
-        for (const Candidate& candidate : candidates) {
-            requests.push_back({askForProperty(connection_, candidate.window,
-                                               XCB_ATOM_WM_CLIENT_MACHINE, longestHostName),
+        for (const Candidate& candidate : found) {
+            requests.push_back({owners_.askFor(candidate.window),
                                 askFor(candidate.window, words_.protocols, mostProtocols),
                                 askFor(candidate.window, XCB_ATOM_WM_TRANSIENT_FOR, 1)});
         }
-        const std::string thisHost = windowHostName();
         std::vector<Candidate> kept;
-        for (std::size_t index = 0; index < candidates.size(); ++index) {
-            const std::string machine = hearText(connection_, requests[index].machine, words_.utf8);
+        for (std::size_t index = 0; index < found.size(); ++index) {
+            const auto owner = owners_.hear(requests[index].owner);
             const auto protocols =
                 hearNumbers(connection_, requests[index].protocols, XCB_ATOM_ATOM);
-            const auto owners = hearNumbers(connection_, requests[index].dialogOf, XCB_ATOM_WINDOW);
-            if (!owners.empty()) {
-                candidates[index].dialogOf = owners[0];
-            }
-            if (!thisHost.empty() && machine == thisHost && holds(protocols, words_.deleteWindow)) {
-                kept.push_back(std::move(candidates[index]));
+            const auto parents =
+                hearNumbers(connection_, requests[index].dialogOf, XCB_ATOM_WINDOW);
+            if (owner == found[index].member->pid && holds(protocols, words_.deleteWindow)) {
+                kept.push_back(found[index]);
+                if (!parents.empty()) {
+                    kept.back().dialogOf = parents[0];
+                }
             }
         }
-        candidates = std::move(kept);
+        return kept;
     }
 
     /// To close a dialog may mean to break off what it shows, as with a copy under way. The window
@@ -215,6 +246,7 @@ private:
     xcb_connection_t* connection_;
     xcb_window_t root_;
     Vocabulary words_;
+    WindowOwners owners_;
 };
 
 }  // namespace
@@ -233,9 +265,7 @@ std::size_t WindowCloseRequests::askWindowsToClose(
         return 0;
     }
     const Desktop desktop(display);
-    return desktop.hasManagerThatCloses()
-               ? desktop.ask(desktop.candidatesAmong(members), isStillThere_)
-               : 0;
+    return desktop.hasManagerThatCloses() ? desktop.ask(members, isStillThere_) : 0;
 }
 
 }  // namespace tallowcrest

@@ -5,12 +5,11 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include "core/control_characters.h"
 #include "presentation/dashboard_text.h"
 
 namespace tallowcrest {
 namespace {
-
-using dashboard_text::text;
 
 QDateTime localTime(Date date) {
     // What the store held may lie anywhere; this far from today every calendar has an answer.
@@ -21,12 +20,19 @@ QDateTime localTime(Date date) {
 
 QString timeText(Date date, Date now) {
     const QDateTime time = localTime(date);
-    return time.date() == localTime(now).date()
-               ? QLocale().toString(time.time(), QLocale::ShortFormat)
-               : QLocale().toString(time, QLocale::ShortFormat);
+    return time.date() == localDay(now) ? QLocale().toString(time.time(), QLocale::ShortFormat)
+                                        : QLocale().toString(time, QLocale::ShortFormat);
+}
+
+QString plainText(const std::string& utf8) {
+    return dashboard_text::text(replacingControlCharacters(utf8, " "));
 }
 
 }  // namespace
+
+QDate localDay(Date date) {
+    return localTime(date).date();
+}
 
 std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
                                         Date now) {
@@ -36,7 +42,7 @@ std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events
         if (lines.size() == limit) {
             break;
         }
-        lines.push_back({event.title == "Warning", text(event.title), text(event.detail),
+        lines.push_back({event.title == "Warning", plainText(event.title), plainText(event.detail),
                          timeText(event.date, now)});
     }
     return lines;

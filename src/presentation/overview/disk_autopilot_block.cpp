@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
+#include "presentation/automation/emergency_stop_controls.h"
 #include "presentation/bar_list.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
@@ -14,8 +15,8 @@
 
 namespace tallowcrest {
 
-DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::autoRules, QStringLiteral("overview.disk-autopilot"),
+DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor, const QString& page)
+    : OverviewBlock(monitor, DashboardSection::autoRules, page + QStringLiteral(".disk-autopilot"),
                     QStringLiteral("internaldrive"), QStringLiteral("Disk Autopilot")) {
     space_ = new BarList(QStringLiteral("Home volume"), 1, QStringLiteral("000% used"), body());
     bodyLayout()->addWidget(space_);
@@ -25,9 +26,9 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
                             spacing::iconSmall, body());
     lowWord_ =
         new ElidedLabel(QStringLiteral("Low"), &CrestFonts::heading, &CrestTheme::caution, body());
-    lowWord_->setObjectName(QStringLiteral("overview.disk-autopilot-low"));
+    lowWord_->setObjectName(objectName() + QStringLiteral("-low"));
     status_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, body());
-    status_->setObjectName(QStringLiteral("overview.disk-autopilot-status"));
+    status_->setObjectName(objectName() + QStringLiteral("-status"));
     status_->setLines(1, 3);
     // Room for what comes with low space, so that nothing below moves then.
     row->addStrut(std::max(spacing::iconSmall, lowWord_->sizeHint().height()));
@@ -36,9 +37,11 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor)
     row->addWidget(status_, 1);
     bodyLayout()->addLayout(row);
     rule_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
-    rule_->setObjectName(QStringLiteral("overview.disk-autopilot-rule"));
+    rule_->setObjectName(objectName() + QStringLiteral("-rule"));
     rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
+    stop_ = new EmergencyStopControls(monitor, page, body());
+    bodyLayout()->addWidget(stop_);
     for (ElidedLabel* label : {lowWord_, status_, rule_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
@@ -66,6 +69,7 @@ void DiskAutopilotBlock::showContent() {
     lowIcon_->setVisible(isLow());
     lowWord_->setVisible(isLow());
     status_->setText(dashboard_text::text(monitor().automation().diskAutopilotStatus()));
+    stop_->refresh();
     rule_->setText(diskRule(monitor().settings(), monitor().host().places.caches));
 }
 

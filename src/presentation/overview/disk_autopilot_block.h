@@ -5,14 +5,18 @@
 namespace tallowcrest {
 
 class BarList;
+class EmergencyStopControls;
 class IconView;
 
-/// How full the home volume is, and whether something watches over it. Main thread.
+/// How full the home volume is, whether something watches over it, and the emergency stop. Main
+/// thread.
 class DiskAutopilotBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    explicit DiskAutopilotBlock(SystemMonitor& monitor);
+    /// `page` is what the identifiers of the block and its parts begin with.
+    explicit DiskAutopilotBlock(SystemMonitor& monitor,
+                                const QString& page = QStringLiteral("overview"));
 
 protected:
     void showHeader() override;
@@ -26,6 +30,7 @@ private:
     ElidedLabel* lowWord_ = nullptr;
     ElidedLabel* status_ = nullptr;
     ElidedLabel* rule_ = nullptr;
+    EmergencyStopControls* stop_ = nullptr;
 };
 
 }  // namespace tallowcrest

@@ -36,6 +36,11 @@ QString neverQuitDetail(const ProtectedAppNames& names) {
 
 }  // namespace
 
+SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsight>& insights) {
+    return {title, valueOf(insights, "Recurring Top App"),
+            QStringLiteral("Most visible app group in this Tallowcrest session.")};
+}
+
 std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activityLog,
                                          const std::vector<SessionInsight>& insights,
                                          const ProtectedAppNames& protectedAppNames) {
@@ -44,8 +49,7 @@ std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activ
          QStringLiteral("%1 warnings").arg(countOf(activityLog, "Warning")),
          QStringLiteral("%1 logged actions. Use Export for a full diagnostics file.")
              .arg(countOf(activityLog, "Action"))},
-        {QStringLiteral("Recurring Top App"), valueOf(insights, "Recurring Top App"),
-         QStringLiteral("Most visible app group in this Tallowcrest session.")},
+        recurringTopApp(QStringLiteral("Recurring Top App"), insights),
         {QStringLiteral("Remote Repeater"), valueOf(insights, "Remote Repeater"),
          QStringLiteral("Most repeated top remote app group across SSH scans.")},
         {QStringLiteral("Never Quit"), QStringLiteral("%1 apps").arg(protectedAppNames.size()),

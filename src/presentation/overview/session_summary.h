@@ -19,6 +19,10 @@ struct SummaryTexts {
     bool operator==(const SummaryTexts&) const = default;
 };
 
+/// The application group that led most samples, under the title that the caller gives it. Any
+/// thread.
+SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsight>& insights);
+
 inline constexpr std::size_t sessionSummaryCards = 4;
 
 /// "Events", "Recurring Top App", "Remote Repeater" and "Never Quit", in this order. Any thread.

@@ -10,7 +10,7 @@
 #include "presentation/elided_label.h"
 #include "presentation/figure_row.h"
 #include "presentation/stable_line_graph.h"
-#include "presentation/timeline.h"
+#include "presentation/timeline_graph.h"
 
 namespace tallowcrest {
 
@@ -46,9 +46,6 @@ void TimelineBlock::showContent() {
     const auto& history = monitor().sample().history();
     const double threshold = monitor().settings().warningThreshold;
     TimelineSummary summary = timelineSummary(history);
-    const Date now = history.empty() ? Date{} : history.back().date;
-    graph_->setEventFractions(eventFractions(monitor().log().activityLog(), history, now));
-    graph_->setWarningThreshold(threshold);
     if (monitor().sample().snapshot()) {
         figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
                               percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
@@ -59,9 +56,7 @@ void TimelineBlock::showContent() {
         figures_->setFigures({none, none, none, none});
         averages_->setText(QString());
     }
-    graph_->setSeries(
-        {{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
-         {QStringLiteral("Memory"), &CrestTheme::secondSeries, std::move(summary.memory), false}});
+    showTimeline(*graph_, monitor(), std::move(summary));
 }
 
 }  // namespace tallowcrest

@@ -29,6 +29,7 @@ TEST_F(DBusNotificationCenterTest, ShowsWhatIsPostedToADaemonThatHasEverything) 
                                           "SCAN", "Scan"}));
     EXPECT_EQ(shown.hints, QVariantMap({{"urgency", QVariant::fromValue(uchar{1})},
                                         {"desktop-entry", "tallowcrest"},
+                                        {"category", "x-tallowcrest.warning"},
                                         {"sound-name", "dialog-warning"}}));
     EXPECT_EQ(shown.expiry, -1);
 }

@@ -103,6 +103,24 @@ TEST_F(DBusNotificationPressesTest, TheLeaveToComeToTheFrontIsThereForOnePressAl
     EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
 }
 
+TEST_F(DBusNotificationPressesTest, TheLeaveIsStillThereWhenTheWindowComesToTheFront) {
+    const Daemon daemon(bus, everything);
+    start();
+    const uint id = show(daemon);
+    QByteArray atTheFront;
+    center->setResponseHandler([this, &atTheFront](const std::string& identifier) {
+        responses.push_back(identifier);
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [&atTheFront] { atTheFront = qgetenv("XDG_ACTIVATION_TOKEN"); }, Qt::QueuedConnection);
+    });
+    daemon.giveToken(id, "leave");
+    daemon.press(id, "REVIEW");
+    ASSERT_TRUE(eventually([&] { return !atTheFront.isEmpty(); }));
+    EXPECT_EQ(atTheFront, QByteArray("leave"));
+    ASSERT_TRUE(eventually([] { return !qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"); }));
+}
+
 TEST_F(DBusNotificationPressesTest, AResponseMayReplaceTheHandler) {
     const Daemon daemon(bus, everything);
     start();

@@ -75,5 +75,15 @@ TEST_F(FileManagerTest, WithoutABusTheFolderIsOpened) {
     EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
 }
 
+TEST(FileManagerWithoutASession, LeavesTheFolderToBeOpened) {
+    QStringList opened;
+    const QString name = QStringLiteral("no-bus");
+    showInFileManager("/home/owner/reports/a.txt",
+                      QDBusConnection::connectToBus(QStringLiteral("unix:path=/nonexistent"), name),
+                      [&opened](const QUrl& folder) { opened.append(folder.toLocalFile()); });
+    QDBusConnection::disconnectFromBus(name);
+    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+}
+
 }  // namespace
 }  // namespace tallowcrest

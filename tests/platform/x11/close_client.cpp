@@ -3,7 +3,8 @@
 //
 // close_client PID MACHINE [no-protocol] [ignores] [two-windows] [with-dialog]
 //
-// PID is what its windows say of their process, or "own"; MACHINE what they say of their machine.
+// PID is what its windows say of their process, be it true or not, or "own" for the truth; MACHINE
+// what they say of their machine.
 // Ends with 0 when its last window has been closed, with 3 when it has lost its display.
 
 #include <unistd.h>

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,12 +14,14 @@
 
 namespace tallowcrest {
 
-/// The process whose windows are to be asked; none needs to bear this number.
-inline constexpr std::uint32_t pid = 4242;
+/// The process whose windows are to be asked: the test itself, which makes them.
+inline const std::uint32_t pid = static_cast<std::uint32_t>(::getpid());
+/// One that a window may claim to belong to; none needs to bear this number.
+inline constexpr std::uint32_t claimedPid = 4242;
 
-inline std::vector<ProcessSample> reviewed() {
+inline std::vector<ProcessSample> reviewed(std::uint32_t number = pid) {
     ProcessSample member;
-    member.pid = pid;
+    member.pid = number;
     return {member};
 }
 
@@ -27,10 +32,13 @@ inline bool everyProcess(const ProcessSample&) {
 /// A display on which the test plays the manager.
 class HostileDesktop : public testing::Test {
 protected:
-    HostileDesktop() { desktop.becomeManager(); }
+    explicit HostileDesktop(const std::vector<std::string>& moreOfTheDisplay = {})
+        : display(moreOfTheDisplay) {
+        desktop.becomeManager();
+    }
 
-    std::size_t ask() const {
-        return WindowCloseRequests(everyProcess).askWindowsToClose(reviewed());
+    std::size_t ask(std::uint32_t member = pid) const {
+        return WindowCloseRequests(everyProcess).askWindowsToClose(reviewed(member));
     }
 
     PrivateDisplay display;

@@ -28,16 +28,50 @@ TEST_F(HostileDesktop, ADisplayThatHangsFromTheBeginningHoldsNobodyUp) {
     EXPECT_EQ(ask(), 1U);
 }
 
-TEST_F(HostileDesktop, ADisplayThatBeginsToHangHoldsNobodyUp) {
-    desktop.list({desktop.makeWindowOf(pid)});
+// It has the request, and what it will make of that is unknown. The program may be about to ask its
+// owner what to save.
+TEST_F(HostileDesktop, ADisplayThatHangsOnceItHasTheRequestHoldsNobodyUpAndCountsAsAsked) {
+    desktop.list({desktop.makeWindowOf(pid), desktop.makeWindowOf(pid)});
     const WindowCloseRequests requests(
         [this](const ProcessSample&) {
             display.server().signal(SIGSTOP);
             return true;
         },
         shortLimit);
-    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 2U);
     display.server().signal(SIGCONT);
+}
+
+// The check waits for the display, which in turn serves nobody but the one who waits for the check.
+TEST_F(HostileDesktop, ATimeLimitBeforeTheRequestCountsAsNotAskedAndFreesTheDisplay) {
+    desktop.list({desktop.makeWindowOf(pid)});
+    const WindowCloseRequests requests(
+        [this](const ProcessSample&) {
+            desktop.sync();
+            return true;
+        },
+        shortLimit);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 0U);
+    EXPECT_TRUE(desktop.messages().empty());
+    EXPECT_EQ(ask(), 1U);
+}
+
+TEST_F(HostileDesktop, ATimeLimitBetweenTwoRequestsCountsTheFirst) {
+    const xcb_window_t first = desktop.makeWindowOf(pid);
+    desktop.list({first, desktop.makeWindowOf(pid)});
+    int checks = 0;
+    const WindowCloseRequests requests(
+        [&](const ProcessSample&) {
+            if (++checks == 2) {
+                desktop.sync();
+            }
+            return true;
+        },
+        shortLimit);
+    EXPECT_EQ(requests.askWindowsToClose(reviewed()), 1U);
+    const auto messages = desktop.messages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].window, first);
 }
 
 TEST_F(HostileDesktop, ADisplayThatEndsIsNoSignal) {

@@ -72,6 +72,21 @@ void TestDesktop::destroy(xcb_window_t window) const {
     sync();
 }
 
+std::uint16_t TestDesktop::beginToDestroy(xcb_window_t window) const {
+    const auto number =
+        static_cast<std::uint16_t>(xcb_destroy_window(connection_.get(), window).sequence);
+    xcb_flush(connection_.get());
+    return number;
+}
+
+std::uint16_t TestDesktop::beginToSetNumber(xcb_window_t window, xcb_atom_t property,
+                                            std::uint32_t number) const {
+    const auto cookie = xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window,
+                                            property, XCB_ATOM_CARDINAL, 32, 1, &number);
+    xcb_flush(connection_.get());
+    return static_cast<std::uint16_t>(cookie.sequence);
+}
+
 void TestDesktop::setNumbers(xcb_window_t window, const std::string& property,
                              const std::string& type,
                              const std::vector<std::uint32_t>& numbers) const {

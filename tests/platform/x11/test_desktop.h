@@ -13,6 +13,9 @@
 
 namespace tallowcrest {
 
+/// Makes a display one that does not tell whose windows it shows.
+inline const std::vector<std::string> tellsNoOwners{"-extension", "X-Resource"};
+
 /// A display without a screen, and $DISPLAY with it, as long as this lives.
 class PrivateDisplay {
 public:
@@ -38,6 +41,11 @@ public:
     /// A window that nobody shows.
     xcb_window_t makeWindow() const;
     void destroy(xcb_window_t window) const;
+    /// These two do not wait until that has happened. The number of the request among those of this
+    /// connection; what an event carries is at least as great if it comes later.
+    std::uint16_t beginToDestroy(xcb_window_t window) const;
+    std::uint16_t beginToSetNumber(xcb_window_t window, xcb_atom_t property,
+                                   std::uint32_t number) const;
 
     void setNumbers(xcb_window_t window, const std::string& property, const std::string& type,
                     const std::vector<std::uint32_t>& numbers) const;

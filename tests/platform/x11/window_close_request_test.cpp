@@ -37,6 +37,9 @@ ProcessSample memberWith(std::int64_t pid, std::uint64_t startTime = 7) {
 
 class ManagedDesktop : public testing::Test {
 protected:
+    explicit ManagedDesktop(const std::vector<std::string>& moreOfTheDisplay = {})
+        : display(moreOfTheDisplay) {}
+
     /// The test's own program. Returns once the manager has its windows.
     struct Client : StartedProgram {
         Client(const ManagedDesktop& test, const std::vector<std::string>& words,
@@ -73,12 +76,25 @@ protected:
         EXPECT_TRUE(client.isRunning());
     }
 
+    bool listEmpties() {
+        return eventually([&] {
+            clientList = desktop.numbers(desktop.root(), "_NET_CLIENT_LIST");
+            return clientList.empty();
+        });
+    }
+
     PrivateDisplay display;
     TestDesktop desktop;
     RealManager manager{desktop};
     mutable std::vector<xcb_window_t> clientList;
     const std::string thisHost = windowHostName();
     const WindowCloseRequests requests{everyProcess};
+};
+
+/// There is only the word of the windows.
+class ManagedDesktopWithoutOwners : public ManagedDesktop {
+protected:
+    ManagedDesktopWithoutOwners() : ManagedDesktop(tellsNoOwners) {}
 };
 
 TEST_F(ManagedDesktop, AsksAProgramWhichThenEnds) {
@@ -135,17 +151,56 @@ TEST_F(ManagedDesktop, AnotherProcessIsNotAsked) {
     expectNeverAsked(client);
 }
 
-TEST_F(ManagedDesktop, AProgramOfAnotherMachineIsNotAsked) {
+TEST_F(ManagedDesktop, AProgramThatClaimsToBeAMemberIsNotAsked) {
+    Client member(*this, {"own", thisHost, "ignores"});
+    Client claimant(*this, {std::to_string(member.pid()), thisHost});
+    EXPECT_EQ(requests.askWindowsToClose({memberWith(member.pid())}), 1U);
+    EXPECT_EQ(member.line(), "asked");
+    expectNeverAsked(claimant);
+}
+
+// Its claim must not stand in for the request that the member cannot be sent either.
+TEST_F(ManagedDesktop, AProgramThatClaimsToBeAMemberWithoutAWindowIsNotAsked) {
+    Client claimant(*this, {std::to_string(manager.program().pid()), thisHost});
+    EXPECT_EQ(requests.askWindowsToClose({memberWith(manager.program().pid())}), 0U);
+    expectNeverAsked(claimant);
+}
+
+// As programs do that see other numbers than this machine's, or another name of it.
+TEST_F(ManagedDesktop, AMemberIsAskedWhateverItsWindowSays) {
+    for (const std::string& claim : {std::string("1"), std::to_string(::getpid())}) {
+        for (const std::string& machine : {thisHost, std::string("elsewhere"), std::string()}) {
+            Client client(*this, {claim, machine});
+            EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 1U);
+            EXPECT_EQ(client.line(), "asked");
+            EXPECT_EQ(client.exitStatus(), 0);
+            ASSERT_TRUE(listEmpties());
+        }
+    }
+}
+
+TEST_F(ManagedDesktopWithoutOwners, AsksAProgramWhichThenEnds) {
+    Client client(*this, {"own", thisHost});
+    EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 1U);
+    EXPECT_EQ(client.line(), "asked");
+    EXPECT_EQ(client.exitStatus(), 0);
+}
+
+TEST_F(ManagedDesktopWithoutOwners, AnotherProcessIsNotAsked) {
+    Client client(*this, {"own", thisHost});
+    EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid() + 1), memberWith(::getpid())}),
+              0U);
+    expectNeverAsked(client);
+}
+
+TEST_F(ManagedDesktopWithoutOwners, AProgramOfAnotherMachineIsNotAsked) {
     for (const std::string& machine :
          {std::string("elsewhere"), thisHost + ".example", thisHost + "x", std::string()}) {
         Client client(*this, {"own", machine});
         EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 0U) << machine;
         expectNeverAsked(client);
         client.end();
-        ASSERT_TRUE(eventually([&] {
-            clientList = desktop.numbers(desktop.root(), "_NET_CLIENT_LIST");
-            return clientList.empty();
-        }));
+        ASSERT_TRUE(listEmpties());
     }
 }
 

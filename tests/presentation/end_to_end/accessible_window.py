@@ -76,6 +76,11 @@ class AccessibleWindow:
         node.clear_cache()
         return node.get_state_set().contains(Atspi.StateType.FOCUSED)
 
+    @staticmethod
+    def is_enabled(node):
+        node.clear_cache()
+        return node.get_state_set().contains(Atspi.StateType.ENABLED)
+
     def press(self, role, name):
         node = self.find(role, name)
         names = [node.get_action_name(index).lower() for index in range(node.get_n_actions())]

@@ -57,6 +57,7 @@ class ActionTestCase(ProcessTestCase):
         button = self.window.find(Atspi.Role.PUSH_BUTTON, title)
         cancel = self.window.find(Atspi.Role.PUSH_BUTTON, "Cancel")
         eventually(lambda: self.window.has_focus(cancel), "the safe choice has the focus")
+        eventually(lambda: self.window.is_enabled(button), f"{title} can be pressed by now")
         desktop.keys("Tab")
         eventually(lambda: self.window.has_focus(button), f"{title} has the focus")
         desktop.keys("space")
@@ -84,6 +85,7 @@ class QuitProcess(ActionTestCase):
         self.review(name, name)
         desktop.focus(self.ask_to_quit())
         button = self.window.find(Atspi.Role.PUSH_BUTTON, "Quit Process")
+        eventually(lambda: self.window.is_enabled(button), "the button can be pressed by now")
         desktop.keys("Tab")
         eventually(lambda: self.window.has_focus(button), "the dangerous button has the focus")
         desktop.keys("Return")
@@ -153,6 +155,23 @@ class QuitProcess(ActionTestCase):
         self.assertEqual(desktop.output("xdotool", "getwindowgeometry", dialog), before)
         self.confirm(dialog, "Quit Process")
         self.assertEqual(probe.status(), -15)
+
+
+class PurgeCaches(ActionTestCase):
+    def test_a_double_click_is_no_yes(self):
+        """The question opens under the pointer, and its button can stand where the first click was."""
+        from gi.repository import Atspi
+        self.window.go_to("Optimize")
+        for delay in ("150", "250", "400"):
+            button = self.window.find(Atspi.Role.PUSH_BUTTON, "Purge Caches")
+            place = button.get_extents(Atspi.CoordType.SCREEN)
+            desktop.output("xdotool", "mousemove", str(place.x + place.width // 2),
+                           str(place.y + place.height // 2), "click", "--repeat", "2", "--delay",
+                           delay, "1")
+            desktop.focus(eventually(self.dialogs, "the question shows and stays")[0])
+            desktop.keys("Escape")
+            eventually(lambda: not self.dialogs(), "the question is gone")
+            self.says("Canceled: Purge file caches?.")
 
 
 class QuitGroup(ActionTestCase):

@@ -310,7 +310,9 @@ class Tray(WindowTestCase):
                                         str(self.property(item, "ToolTip")[2])),
                    "the tool tip gives the load")
         _, entries = self.entries(item)
-        self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize", "Refresh",
+        self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize",
+                                         "Disable Auto Select", "Settings", "Refresh",
+                                         "Copy Report", "Export Diagnostics",
                                          "Purge File Caches", "Quit Top App",
                                          "Expand Dashboard Sections",
                                          "Collapse Dashboard Sections", "Quit Tallowcrest"])

@@ -47,6 +47,18 @@ TEST_F(ActivityLinesTest, OnlyTheTitleOfAWarningMakesOne) {
     EXPECT_EQ(lines[1].title, QStringLiteral("Auto Rule"));
 }
 
+TEST_F(ActivityLinesTest, WhatCouldForgeALineOrTurnItsDirectionIsABlank) {
+    const auto lines = activityLines(
+        {{UUID::random(), at(evening), "Act\nion", "a\tb\u202Ec\u2028d <b>e</b>"}}, 5, at(evening));
+    EXPECT_EQ(lines[0].title, QStringLiteral("Act ion"));
+    EXPECT_EQ(lines[0].detail, QStringLiteral("a b c d <b>e</b>"));
+}
+
+TEST_F(ActivityLinesTest, ADayIsThatOfTheLocalTimeZone) {
+    EXPECT_EQ(localDay(at(evening)), evening.date());
+    EXPECT_EQ(localDay(at(evening.addSecs(4 * 3600))), evening.date().addDays(1));
+}
+
 TEST_F(ActivityLinesTest, TimesAreInTheLocalesFormAndBearTheirDateOnAnotherDay) {
     const auto timeOf = [this](const QDateTime& time) {
         return activityLines({{UUID::random(), at(time), "Action", "d"}}, 1, at(evening))[0]

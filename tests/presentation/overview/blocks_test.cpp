@@ -30,7 +30,6 @@ TEST_F(OverviewBlocksTest, DiskAutopilotShowsTheHomeVolumeAndItsStatus) {
         space->rows(),
         (std::vector<BarRow>{{QStringLiteral("50.0 GB free"), QStringLiteral("75% used"), 0.75}}));
     EXPECT_EQ(textOf("overview.disk-autopilot-status"), QStringLiteral("Disk Autopilot is off."));
-    EXPECT_THAT(visible("overview.disk-autopilot")->findChildren<QPushButton*>(), IsEmpty());
     machine.metrics->disk = {};
     tick();
     EXPECT_EQ(space->accessibleValue(),

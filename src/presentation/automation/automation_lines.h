@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <span>
+
+#include <QString>
+
+#include "actions/automation.h"
+#include "core/date.h"
+#include "core/local_records.h"
+#include "monitor/automation_dates.h"
+
+namespace tallowcrest {
+
+/// Whether an automation may act.
+enum class ArmedState { on, off, stopped };
+
+/// One switch as its row shows it.
+struct AutomationLine {
+    QString title;
+    QString explanation;  ///< empty where the title says it all
+    bool isOn = false;
+    ArmedState state = ArmedState::off;
+    /// When it last acted; empty for a switch that does nothing at a time of its own.
+    QString lastActed;
+    bool hasActed = false;
+
+    bool operator==(const AutomationLine&) const = default;
+};
+
+/// What the lines are read from. The references must outlive the value.
+struct AutomationFacts {
+    bool isStopEngaged = false;
+    const AutomationDates& dates;
+    std::span<const ActivityEvent> activityLog;  ///< newest first
+    Date now;
+};
+
+/// The rules that run by themselves after a sample, in the order in which they are shown.
+inline constexpr std::array autoRuleSwitches{
+    AutomationSwitch::autoSelectTopOffender,
+    AutomationSwitch::autoPurgeSustainedMemory,
+    AutomationSwitch::autoScanRemoteMacs,
+};
+
+/// "On", "Off" or "Stopped".
+QString armedWord(ArmedState state);
+
+/// Times are those of this run, or of the activity log where the rule writes there; in the locale's
+/// short form, with the date on another day than `now`. Any thread.
+AutomationLine automationLine(AutomationSwitch which, bool isOn, const AutomationFacts& facts);
+
+}  // namespace tallowcrest

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QWidget>
+
+class QPushButton;
+
+namespace tallowcrest {
+
+class SystemMonitor;
+
+/// The emergency stop and, while it is engaged, the way back. The one never waits for an answer,
+/// and the other never takes its place: whoever presses twice in haste does not resume. Stands on
+/// a card. Main thread.
+class EmergencyStopControls final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `identifier` is what the buttons' own begin with: "IDENTIFIER.emergency-stop".
+    EmergencyStopControls(SystemMonitor& monitor, const QString& identifier,
+                          QWidget* parent = nullptr);
+
+    void refresh();
+
+private:
+    SystemMonitor& monitor_;
+    QPushButton* stop_ = nullptr;
+    QPushButton* resume_ = nullptr;
+};
+
+}  // namespace tallowcrest

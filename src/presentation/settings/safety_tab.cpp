@@ -1,0 +1,165 @@
+#include "presentation/settings/safety_tab.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "core/control_characters.h"
+#include "monitor/system_monitor.h"
+#include "presentation/card.h"
+#include "presentation/controls.h"
+#include "presentation/danger_button.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/icon_view.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
+    : SettingsTab(parent), monitor_(monitor) {
+    addCard(makeStop());
+    addCard(makeNeverQuit());
+    settling_.setSingleShot(true);
+    connect(&settling_, &QTimer::timeout, this, [this] { resume_->setEnabled(true); });
+}
+
+// Never Quit -------------------------------------------------------------------------------------
+
+QWidget* SafetyTab::makeNeverQuit() {
+    neverQuit_ = new Card;
+    neverQuit_->setHeader(QStringLiteral("lock.shield"),
+                          QStringLiteral("Never Quit And Guardrails"));
+    neverQuit_->contentLayout()->setSpacing(spacing::unit / 2);
+    noNames_ = new ElidedLabel(QStringLiteral("No custom app groups are protected yet."),
+                               &CrestFonts::body, &CrestTheme::secondaryText, neverQuit_);
+    noNames_->setObjectName(QStringLiteral("settings.never-quit.none"));
+    noNames_->setLines(1, 2);
+    noNames_->setGround(&CrestTheme::cardBackground);
+    neverQuit_->contentLayout()->addWidget(noNames_);
+    return neverQuit_;
+}
+
+void SafetyTab::showNames() {
+    const auto& names = monitor_.settings().protectedAppNames;
+    std::vector<std::string> shown(names.begin(), names.end());
+    if (names_ == shown) {
+        return;
+    }
+    for (QWidget* row : rows_) {
+        // Deleted later, because the click that took it off the list may be its own.
+        row->hide();
+        neverQuit_->contentLayout()->removeWidget(row);
+        row->deleteLater();
+    }
+    rows_.clear();
+    removals_.clear();
+    names_ = std::move(shown);
+    noNames_->setVisible(names_->empty());
+    for (const std::string& name : *names_) {
+        rows_.push_back(makeName(name));
+        neverQuit_->contentLayout()->addWidget(rows_.back());
+    }
+}
+
+QWidget* SafetyTab::makeName(const std::string& name) {
+    // A group may be called anything; one line is to stay one line.
+    const QString shown = dashboard_text::text(replacingControlCharacters(name, "\uFFFD"));
+    auto* row = new QWidget(neverQuit_);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    layout->addWidget(new IconView(QStringLiteral("lock.fill"), &CrestTheme::secondaryText,
+                                   spacing::iconSmall, row));
+    auto* label = new ElidedLabel(shown, &CrestFonts::body, &CrestTheme::text, row);
+    label->setElideMode(Qt::ElideMiddle);
+    label->setGround(&CrestTheme::cardBackground);
+    layout->addWidget(label, 1);
+    auto* removal = makeButton(QStringLiteral("Remove"), QStringLiteral("xmark.circle"),
+                               QStringLiteral("settings.never-quit.remove.") + shown,
+                               QStringLiteral("Lets this app group be quit again"), row);
+    removal->setAccessibleName(QStringLiteral("Remove ") + shown);
+    connect(removal, &QPushButton::clicked, this, [this, name] { remove(name); });
+    layout->addWidget(removal);
+    removals_.push_back(removal);
+    return row;
+}
+
+void SafetyTab::remove(const std::string& name) {
+    const auto place = static_cast<std::size_t>(
+        std::distance(names_->begin(), std::find(names_->begin(), names_->end(), name)));
+    // A second click on a row that is going would put the name back.
+    if (monitor_.settings().protectedAppNames.contains(name)) {
+        monitor_.localActions().toggleNeverQuit(name);
+    }
+    showNames();
+    if (removals_.empty()) {
+        setFocus();
+    } else {
+        removals_.at(std::min(place, removals_.size() - 1))->setFocus();
+    }
+}
+
+// The emergency stop -----------------------------------------------------------------------------
+
+QWidget* SafetyTab::makeStop() {
+    stop_ = new Card;
+    stop_->setObjectName(QStringLiteral("settings.emergency-stop"));
+    stopWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, stop_);
+    stopWords_->setObjectName(QStringLiteral("settings.emergency-stop.words"));
+    stopWords_->setLines(1, 4);
+    stopWords_->setGround(&CrestTheme::cardBackground);
+    stop_->contentLayout()->addWidget(stopWords_);
+    stop_->contentLayout()->addSpacing(spacing::unit / 2);
+    engage_ = new DangerButton(stop_);
+    engage_->setObjectName(QStringLiteral("settings.emergency-stop.engage"));
+    engage_->setTitle(QStringLiteral("Emergency Stop"));
+    engage_->setAccessibleDescription(QStringLiteral("Turns off everything that acts by itself"));
+    resume_ = makeButton(QStringLiteral("Resume Manual Mode"), QString(),
+                         QStringLiteral("settings.emergency-stop.resume"),
+                         QStringLiteral("Clears the stop and turns nothing on"), stop_);
+    for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
+        stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
+    }
+    connect(engage_, &QPushButton::clicked, this, &SafetyTab::engage);
+    connect(resume_, &QPushButton::clicked, this, [this] {
+        monitor_.automation().resumeFromEmergencyStop();
+        refresh();
+        setFocus();
+    });
+    showStop(monitor_.automation().isStopEngaged());
+    return stop_;
+}
+
+void SafetyTab::engage() {
+    monitor_.automation().engageEmergencyStop();
+    resume_->setEnabled(false);
+    settling_.start(settlingTime_);
+    refresh();
+    // Neither on the way back nor on what closes the sheet: the key may still be down.
+    setFocus();
+}
+
+void SafetyTab::showStop(bool isEngaged) {
+    stop_->setHeader(isEngaged ? QStringLiteral("exclamationmark.triangle.fill")
+                               : QStringLiteral("exclamationmark.triangle"),
+                     isEngaged ? QStringLiteral("Emergency Stop Engaged")
+                               : QStringLiteral("Automation Emergency Stop"));
+    stopWords_->setText(
+        isEngaged ? QStringLiteral("All automatic actions are off. Resume returns to manual "
+                                   "Apprentice mode and leaves every automation disabled.")
+                  : QStringLiteral("Immediately disables automatic cleanup, purge, remote scans, "
+                                   "and AI autonomous execution."));
+    engage_->setVisible(!isEngaged);
+    resume_->setVisible(isEngaged);
+}
+
+void SafetyTab::refresh() {
+    showNames();
+    showStop(monitor_.automation().isStopEngaged());
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,72 @@
+#include "presentation/settings/settings_page.h"
+
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/automation/automation_toggles.h"
+#include "presentation/card.h"
+#include "presentation/controls.h"
+#include "presentation/elided_label.h"
+#include "presentation/page_scroll_area.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+
+SettingsPage::SettingsPage(SystemMonitor& monitor, QWidget* parent)
+    : Screen(parent), monitor_(monitor) {
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    // The scroll bar stands within the page's own padding.
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
+                               spacing::pagePadding);
+    layout->setSpacing(spacing::gap);
+    layout->addWidget(makeHub());
+    layout->addWidget(makeRules());
+    layout->addStretch(1);
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->addWidget(makePageScrollArea(content, this));
+}
+
+QWidget* SettingsPage::makeHub() {
+    auto* card = new Card;
+    card->setObjectName(QStringLiteral("settings.hub"));
+    card->setHeader(QStringLiteral("gearshape"), QStringLiteral("Configuration Hub"));
+    hubWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    hubWords_->setObjectName(QStringLiteral("settings.hub.words"));
+    hubWords_->setLines(1, 3);
+    hubWords_->setGround(&CrestTheme::cardBackground);
+    card->contentLayout()->addWidget(hubWords_);
+    auto* open = makeButton(QStringLiteral("Open Settings"), QStringLiteral("gearshape"),
+                            QStringLiteral("settings.open"),
+                            QStringLiteral("Opens the settings sheet"), card);
+    connect(open, &QPushButton::clicked, this,
+            [this] { monitor_.navigation().setShowSettings(true); });
+    card->contentLayout()->addSpacing(spacing::unit / 2);
+    card->contentLayout()->addWidget(open, 0, Qt::AlignLeft);
+    return card;
+}
+
+QWidget* SettingsPage::makeRules() {
+    auto* card = new Card;
+    card->setObjectName(QStringLiteral("settings.rules"));
+    card->setHeader(QStringLiteral("slider.horizontal.3"), QStringLiteral("Auto Rules"));
+    card->contentLayout()->setSpacing(spacing::gap);
+    toggles_ =
+        new AutomationToggles(monitor_, QStringLiteral("settings.hub"), autoRuleSwitches, card);
+    card->contentLayout()->addWidget(toggles_);
+    return card;
+}
+
+void SettingsPage::refresh() {
+    hubWords_->setText(
+        monitor_.sample().snapshot()
+            ? QStringLiteral("Most configuration still lives in the native Settings sheet so it "
+                             "can also be opened from Tallowcrest > Settings.")
+            : QStringLiteral("Sampling this Mac..."));
+    toggles_->refresh();
+}
+
+}  // namespace tallowcrest

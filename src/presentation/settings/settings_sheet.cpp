@@ -1,0 +1,161 @@
+#include "presentation/settings/settings_sheet.h"
+
+#include <algorithm>
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/controls.h"
+#include "presentation/dashboard_text.h"
+#include "presentation/elided_label.h"
+#include "presentation/settings/automation_tab.h"
+#include "presentation/settings/local_mac_tab.h"
+#include "presentation/settings/remote_tab.h"
+#include "presentation/settings/safety_tab.h"
+#include "presentation/settings/settings_tab_bar.h"
+#include "presentation/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int sheetWidth = 592;
+constexpr int leastHeight = 432;
+constexpr int mostHeight = 640;
+
+}  // namespace
+
+SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
+    : QDialog(parent), monitor_(monitor) {
+    setObjectName(QStringLiteral("settings.sheet"));
+    // Put away on its own, it would leave its window locked for no reason that can be seen.
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    setWindowTitle(QStringLiteral("Settings"));
+    setAccessibleName(windowTitle());
+    const auto addLabel = [this](const QString& text, ElidedLabel::FontRole font,
+                                 const ThemeColor& color, const char* identifier) {
+        auto* label = new ElidedLabel(text, font, color, this);
+        label->setObjectName(QString::fromLatin1(identifier));
+        label->setGround(&CrestTheme::pageBackground);
+        return label;
+    };
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, spacing::gap, 0, spacing::gap);
+    layout->setSpacing(spacing::gap);
+    const auto addRow = [layout] {
+        auto* row = new QVBoxLayout;
+        row->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
+        layout->addLayout(row);
+        return row;
+    };
+
+    auto* head = addRow();
+    head->setSpacing(2);
+    head->addWidget(
+        addLabel(windowTitle(), &CrestFonts::title, &CrestTheme::text, "settings.sheet.title"));
+    auto* line =
+        addLabel(QStringLiteral("Configuration stays here; dashboard actions stay up front."),
+                 &CrestFonts::body, &CrestTheme::secondaryText, "settings.sheet.line");
+    line->setLines(1, 2);
+    head->addWidget(line);
+    strip_ = new SettingsTabBar(this);
+    strip_->setObjectName(QStringLiteral("settings.sheet.tabs"));
+    strip_->setAccessibleName(windowTitle());
+    addRow()->addWidget(strip_, 0, Qt::AlignLeft);
+    pages_ = new QStackedWidget(this);
+    layout->addWidget(pages_, 1);
+    addTab(settings_tabs::remote, new RemoteTab(monitor));
+    addTab(settings_tabs::localMac, new LocalMacTab(monitor));
+    addTab(settings_tabs::automation, new AutomationTab(monitor));
+    addTab(settings_tabs::safety, new SafetyTab(monitor));
+
+    auto* foot = new QHBoxLayout;
+    foot->setSpacing(spacing::gap);
+    // The window's own line is out of sight, or too far away to be an answer.
+    lastAction_ =
+        addLabel(QString(), &CrestFonts::caption, &CrestTheme::text, "settings.sheet.last-action");
+    lastAction_->setLines(2, 2);
+    lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    auto* doneButton =
+        makeButton(QStringLiteral("Done"), QString(), QStringLiteral("settings.sheet.done"),
+                   QStringLiteral("Closes the settings"), this);
+    doneButton->setDefault(true);
+    connect(doneButton, &QPushButton::clicked, this, &SettingsSheet::accept);
+    foot->addWidget(lastAction_, 1);
+    foot->addWidget(doneButton);
+    addRow()->addLayout(foot);
+
+    connect(strip_, &QTabBar::currentChanged, this, [this](int index) {
+        monitor_.navigation().setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).words);
+        refresh();
+    });
+}
+
+void SettingsSheet::addTab(const char* words, SettingsTab* content) {
+    tabs_.push_back({words, content});
+    pages_->addWidget(content);
+    strip_->addTab(QString::fromLatin1(words));
+}
+
+void SettingsSheet::refresh() {
+    if (!monitor_.navigation().showSettings()) {
+        if (isVisible()) {
+            QDialog::done(Rejected);
+        }
+        return;
+    }
+    if (!isVisible()) {
+        present();
+        return;
+    }
+    showTab();
+    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+}
+
+void SettingsSheet::present() {
+    for (const Tab& tab : tabs_) {
+        tab.content->start();
+    }
+    // As much of its window as a sheet may cover.
+    resize(sheetWidth, std::clamp(parentWidget()->height() - 2 * spacing::pagePadding, leastHeight,
+                                  mostHeight));
+    setMinimumSize(sheetWidth, leastHeight);
+    showTab();
+    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+    strip_->setFocus();
+    open();
+}
+
+void SettingsSheet::showTab() {
+    const auto found = std::find_if(tabs_.begin(), tabs_.end(), [this](const Tab& tab) {
+        return tab.words == monitor_.navigation().settingsTab();
+    });
+    const auto index =
+        found != tabs_.end() ? static_cast<int>(std::distance(tabs_.begin(), found)) : 0;
+    {
+        const QSignalBlocker quiet(strip_);
+        strip_->setCurrentIndex(index);
+    }
+    pages_->setCurrentIndex(index);
+    tabs_.at(static_cast<std::size_t>(index)).content->refresh();
+}
+
+void SettingsSheet::paintEvent(QPaintEvent*) {
+    // Where a tab that is longer than the sheet goes on below.
+    QPainter painter(this);
+    painter.setPen(CrestTheme::current().hairline);
+    const int y = pages_->geometry().bottom() + 1;
+    painter.drawLine(0, y, width(), y);
+}
+
+void SettingsSheet::done(int result) {
+    QDialog::done(result);
+    monitor_.navigation().setShowSettings(false);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <QDialog>
+
+class QStackedWidget;
+
+namespace tallowcrest {
+
+class ElidedLabel;
+class SettingsTab;
+class SettingsTabBar;
+class SystemMonitor;
+
+/// Where configuration lives. It hangs on the whole window and is there while the navigation says
+/// so; however it goes away, it tells the navigation. Hidden, it does no work. Main thread.
+class SettingsSheet final : public QDialog {
+    Q_OBJECT
+
+public:
+    SettingsSheet(SystemMonitor& monitor, QWidget* parent);
+
+    /// Opens or closes the sheet as the navigation asks for, and keeps an open one up to date.
+    void refresh();
+
+    void done(int result) override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    struct Tab {
+        std::string words;
+        SettingsTab* content;
+    };
+
+    void addTab(const char* words, SettingsTab* content);
+    void present();
+    void showTab();
+
+    SystemMonitor& monitor_;
+    std::vector<Tab> tabs_;
+    SettingsTabBar* strip_ = nullptr;
+    QStackedWidget* pages_ = nullptr;
+    ElidedLabel* lastAction_ = nullptr;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QSlider>
+
+namespace tallowcrest {
+
+/// The values that a slider offers: from `minimum` to `maximum` in steps of `step`, both ends
+/// included.
+struct SliderScale {
+    double minimum = 0.0;
+    double maximum = 1.0;
+    double step = 1.0;
+
+    int steps() const;
+    /// The step nearest to `value`; the first one for what is no number.
+    int nearestStep(double value) const;
+    double valueAt(int index) const { return minimum + index * step; }
+};
+
+/// A slider over a scale. To assistive technology it has the values of the scale, and in words what
+/// `setValueText` was told. Main thread.
+class StepSlider final : public QSlider {
+    Q_OBJECT
+
+public:
+    explicit StepSlider(const SliderScale& scale, QWidget* parent = nullptr);
+
+    const SliderScale& scale() const { return scale_; }
+
+    /// Stands at the step nearest to `value`. Signals nothing.
+    void show(double value);
+    void setValueText(const QString& text) { valueText_ = text; }
+    const QString& valueText() const { return valueText_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+signals:
+    /// The owner moved it to another step.
+    void moved(double value);
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    SliderScale scale_;
+    QString valueText_;
+    bool hasKeyboardFocus_ = false;
+};
+
+}  // namespace tallowcrest

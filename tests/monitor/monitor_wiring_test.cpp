@@ -1,0 +1,120 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/settings_keys.h"
+#include "core/settings_save.h"
+#include "tests/support/fake_machine.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+/// What one component of the monitor sets off in another.
+class MonitorWiring : public ::testing::Test {
+protected:
+    MonitorWiring() {
+        machine.extensions.bringToFront = [this] {
+            calls.emplace_back("front on " +
+                               std::string(rawValue(monitor().navigation().selectedRoute())));
+        };
+        machine.extensions.requestAIAnalysis = [this] { calls.emplace_back("analyze"); };
+        machine.extensions.rules.scanRemoteMacs = [this] { calls.emplace_back("scan"); };
+        machine.extensions.storeOnPasteboard = [this](const std::string& text) {
+            copied.push_back(text);
+        };
+    }
+
+    SystemMonitor& monitor() { return machine.monitor(); }
+
+    FakeMachine machine;
+    std::vector<std::string> calls;
+    std::vector<std::string> copied;
+};
+
+TEST_F(MonitorWiring, AButtonOfAWarningLeadsToItsRouteThenToTheFrontThenActs) {
+    struct Case {
+        const char* identifier;
+        std::vector<std::string> calls;
+    };
+    monitor();
+    for (const Case& each : {Case{"OPEN_OPTIMIZE", {"front on optimizationSuggestions"}},
+                             Case{"OPEN_AI", {"front on aiAdvisor", "analyze"}},
+                             Case{"SCAN_REMOTES", {"front on remoteMacs", "scan"}},
+                             Case{NotificationCenter::plainClick, {"front on overview"}}}) {
+        calls.clear();
+        machine.notifications.respond(each.identifier);
+        EXPECT_EQ(calls, each.calls) << each.identifier;
+    }
+}
+
+TEST_F(MonitorWiring, ABusySampleIsWarnedOf) {
+    machine.addProcess(700, "/usr/bin/photo-indexer", 390.0, 900.0);
+    machine.tick();
+    EXPECT_THAT(machine.notifications.posted, SizeIs(1));
+    EXPECT_THAT(machine.notifications.posted.front().body, HasSubstr("photo-indexer"));
+    EXPECT_EQ(monitor().review().selectedAppImpactName(), "photo-indexer");
+    machine.tick();
+    EXPECT_THAT(machine.notifications.posted, SizeIs(1));
+}
+
+TEST_F(MonitorWiring, TheSwitchOfTheButtonsRegistersThemAnew) {
+    monitor().startMonitoring();
+    EXPECT_THAT(machine.notifications.categories, SizeIs(1));
+    monitor().automation().set(AutomationSwitch::notificationsIncludeActions, false);
+    EXPECT_THAT(machine.notifications.categories, IsEmpty());
+    monitor().automation().set(AutomationSwitch::notificationsIncludeActions, true);
+    EXPECT_THAT(machine.notifications.categories, SizeIs(1));
+}
+
+TEST_F(MonitorWiring, BeforeTheFirstSampleThereIsNoReport) {
+    monitor().reports().copyDiagnosticsReport();
+    EXPECT_THAT(copied, IsEmpty());
+    EXPECT_EQ(monitor().log().lastAction(), "Monitoring started.");
+    monitor().reports().exportDiagnosticsReport();
+    EXPECT_EQ(monitor().log().lastAction(), "No diagnostic sample is available yet.");
+}
+
+TEST_F(MonitorWiring, TheReportTellsOfEveryPartOfTheState) {
+    machine.store.write(settings_keys::sshUsernameKey, std::string("someone"));
+    AITrustRecord record;
+    record.actionType = "local_purge";
+    record.approvedCount = 3;
+    saveTrustRecords(machine.store, {{record.actionType, record}});
+    machine.extensions.hasOpenAIKey = [] { return true; };
+    machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
+    monitor().automation().set(AutomationSwitch::autoScanRemoteMacs, true);
+    monitor().localActions().toggleNeverQuit("Docker");
+    machine.tick();
+    monitor().reports().copyDiagnosticsReport();
+    ASSERT_THAT(copied, SizeIs(1));
+    for (const char* part :
+         {"CPU: 10%", "SSH user: someone", "700\t40.0% CPU\t900 MB\tphoto-indexer",
+          "No remote scan results.", "Never Quit Apps\nDocker\n", "Auto-scan remote Macs: On",
+          "OpenAI key saved: Yes", "Last AI insight: Enhanced AI recommendations are ready.",
+          "local_purge\ttrust ", "Docker added to Never Quit.", "Session Insights\nPeak CPU"}) {
+        EXPECT_THAT(copied.front(), HasSubstr(part));
+    }
+    EXPECT_EQ(monitor().log().lastAction(), "Copied a performance report to the clipboard.");
+}
+
+TEST_F(MonitorWiring, ExportsIntoTheFolderOfThisMachine) {
+    machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
+    machine.tick();
+    const auto expected = monitor().reports().diagnosticsReport(false);
+    monitor().reports().exportDiagnosticsReport();
+    ASSERT_THAT(machine.reportFolder->written, SizeIs(1));
+    const auto& [name, text] = *machine.reportFolder->written.begin();
+    EXPECT_EQ(text, expected);
+    EXPECT_EQ(monitor().log().lastAction(), "Exported diagnostics to " + name + ".");
+    EXPECT_THAT(machine.reportFolder->revealed, ElementsAre(name));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,256 @@
+// Windows that are not as they should be, or claim what is not so. The test plays the manager.
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/x11/display_connection.h"
+#include "tests/platform/x11/hostile_desktop_fixture.h"
+#include "tests/platform/x11/test_desktop.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+struct WindowCase {
+    const char* name;
+    std::function<void(const TestDesktop&, xcb_window_t)> change;
+    bool isAsked;
+};
+
+void PrintTo(const WindowCase& oneCase, std::ostream* stream) {
+    *stream << oneCase.name;
+}
+
+class OddWindow : public HostileDesktop, public testing::WithParamInterface<WindowCase> {
+protected:
+    OddWindow() : HostileDesktop(tellsNoOwners) {}
+};
+
+// The display cannot vouch for anything, so the window's own word must be without a gap.
+TEST_P(OddWindow, IsAskedOnlyIfItSaysAllThatIsNeeded) {
+    const xcb_window_t window = desktop.makeWindowOf(claimedPid);
+    const xcb_window_t stranger = desktop.makeWindowOf(claimedPid + 1);
+    desktop.list({stranger, window});
+    GetParam().change(desktop, window);
+
+    EXPECT_EQ(ask(claimedPid), GetParam().isAsked ? 1U : 0U);
+
+    const auto messages = desktop.messages();
+    ASSERT_THAT(messages, SizeIs(GetParam().isAsked ? 1 : 0));
+    if (GetParam().isAsked) {
+        EXPECT_EQ(messages[0].window, window);
+    }
+}
+
+using Window = xcb_window_t;
+using D = TestDesktop;
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, OddWindow,
+    testing::Values(
+        WindowCase{"as it should be", [](const D&, Window) {}, true},
+        WindowCase{"more numbers than one",
+                   [](const D& d, Window w) {
+                       d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid, 1});
+                   },
+                   true},
+        WindowCase{"host in UTF-8",
+                   [](const D& d, Window w) {
+                       d.setText(w, "WM_CLIENT_MACHINE", "UTF8_STRING", windowHostName());
+                   },
+                   true},
+        WindowCase{"dialog of itself",
+                   [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {w}); },
+                   true},
+        WindowCase{
+            "dialog of the root",
+            [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {d.root()}); },
+            true},
+        WindowCase{"dialog of no window",
+                   [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {}); },
+                   true},
+        WindowCase{"dialog of a stranger",
+                   [](const D& d, Window w) {
+                       const Window stranger = d.numbers(d.root(), "_NET_CLIENT_LIST")[0];
+                       d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {stranger});
+                   },
+                   true},
+        WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, false},
+        WindowCase{
+            "process of another type",
+            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "INTEGER", {claimedPid}); },
+            false},
+        WindowCase{"process in 16 bits",
+                   [](const D& d, Window w) {
+                       d.setShorts(w, "_NET_WM_PID", "CARDINAL", {claimedPid, 0});
+                   },
+                   false},
+        WindowCase{"process as text",
+                   [](const D& d, Window w) { d.setText(w, "_NET_WM_PID", "CARDINAL", "4242"); },
+                   false},
+        WindowCase{"process in nothing",
+                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {}); },
+                   false},
+        WindowCase{"process 0",
+                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0}); },
+                   false},
+        WindowCase{
+            "process beyond all",
+            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0xFFFFFFFFU}); },
+            false},
+        WindowCase{"no host", [](const D& d, Window w) { d.remove(w, "WM_CLIENT_MACHINE"); },
+                   false},
+        WindowCase{"empty host",
+                   [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "STRING", ""); },
+                   false},
+        WindowCase{"host of another type",
+                   [](const D& d, Window w) {
+                       d.setText(w, "WM_CLIENT_MACHINE", "CARDINAL", windowHostName());
+                   },
+                   false},
+        WindowCase{"host in numbers",
+                   [](const D& d, Window w) {
+                       d.setNumbers(w, "WM_CLIENT_MACHINE", "STRING", {1, 2, 3});
+                   },
+                   false},
+        WindowCase{"host and more",
+                   [](const D& d, Window w) {
+                       d.setText(w, "WM_CLIENT_MACHINE", "STRING",
+                                 windowHostName() + std::string(100'000, 'x'));
+                   },
+                   false},
+        WindowCase{"host with a zero in it",
+                   [](const D& d, Window w) {
+                       d.setText(w, "WM_CLIENT_MACHINE", "STRING",
+                                 windowHostName() + std::string(1, '\0') + "x");
+                   },
+                   false},
+        WindowCase{"no protocols", [](const D& d, Window w) { d.remove(w, "WM_PROTOCOLS"); },
+                   false},
+        WindowCase{"other protocols",
+                   [](const D& d, Window w) { d.setAtoms(w, "WM_PROTOCOLS", {"WM_TAKE_FOCUS"}); },
+                   false},
+        WindowCase{"protocols of another type",
+                   [](const D& d, Window w) {
+                       d.setNumbers(w, "WM_PROTOCOLS", "CARDINAL", {d.atom("WM_DELETE_WINDOW")});
+                   },
+                   false},
+        WindowCase{"protocols in 16 bits",
+                   [](const D& d, Window w) {
+                       d.setShorts(w, "WM_PROTOCOLS", "ATOM",
+                                   {static_cast<std::uint16_t>(d.atom("WM_DELETE_WINDOW")), 0});
+                   },
+                   false},
+        WindowCase{"protocol behind too many others",
+                   [](const D& d, Window w) {
+                       std::vector<std::uint32_t> atoms(5000, d.atom("WM_TAKE_FOCUS"));
+                       atoms.push_back(d.atom("WM_DELETE_WINDOW"));
+                       d.setNumbers(w, "WM_PROTOCOLS", "ATOM", atoms);
+                   },
+                   false},
+        WindowCase{"gone", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"not listed",
+                   [](const D& d, Window w) {
+                       d.list({d.numbers(d.root(), "_NET_CLIENT_LIST")[0]});
+                       static_cast<void>(w);
+                   },
+                   false}));
+
+class OddWindowOfAKnownOwner : public HostileDesktop,
+                               public testing::WithParamInterface<WindowCase> {};
+
+// The display knows that the window is the test's, whatever the window says of that.
+TEST_P(OddWindowOfAKnownOwner, IsAskedIfItKnowsHowToBeAsked) {
+    const xcb_window_t window = desktop.makeWindowOf(pid);
+    desktop.list({window});
+    GetParam().change(desktop, window);
+
+    EXPECT_EQ(ask(claimedPid), 0U);
+    EXPECT_THAT(desktop.messages(), IsEmpty());
+
+    EXPECT_EQ(ask(pid), GetParam().isAsked ? 1U : 0U);
+    EXPECT_THAT(desktop.messages(), SizeIs(GetParam().isAsked ? 1 : 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, OddWindowOfAKnownOwner,
+    testing::Values(
+        WindowCase{"as it should be", [](const D&, Window) {}, true},
+        WindowCase{
+            "process of somebody else",
+            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid}); },
+            true},
+        WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, true},
+        WindowCase{"process 0",
+                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0}); },
+                   true},
+        WindowCase{"no host", [](const D& d, Window w) { d.remove(w, "WM_CLIENT_MACHINE"); }, true},
+        WindowCase{
+            "another host",
+            [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "STRING", "elsewhere"); },
+            true},
+        WindowCase{"dialog of itself",
+                   [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {w}); },
+                   true},
+        WindowCase{"no protocols", [](const D& d, Window w) { d.remove(w, "WM_PROTOCOLS"); },
+                   false},
+        WindowCase{"other protocols",
+                   [](const D& d, Window w) { d.setAtoms(w, "WM_PROTOCOLS", {"WM_TAKE_FOCUS"}); },
+                   false},
+        WindowCase{"gone", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"not listed", [](const D& d, Window) { d.list({}); }, false}));
+
+// Some are the display's own, some of a client that it does not have.
+TEST_F(HostileDesktop, WindowsOfNoProgramAreNobodys) {
+    desktop.list({desktop.root(), 1, 0x1FFFFFFFU, 0xFFFFFFFFU});
+    for (const std::uint32_t member : {pid, claimedPid, 0U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(ask(member), 0U) << member;
+    }
+    EXPECT_EQ(ask(static_cast<std::uint32_t>(display.server().pid())), 0U);
+    EXPECT_THAT(desktop.messages(), IsEmpty());
+}
+
+class FickleWindow : public HostileDesktop {
+protected:
+    FickleWindow() : HostileDesktop(tellsNoOwners) {}
+};
+
+// What was seen when the windows were looked for may not be so any more.
+TEST_F(FickleWindow, IsNotAskedOnceItIsSomebodyElses) {
+    constexpr int rounds = 200;
+    const xcb_window_t window = desktop.makeWindowOf(claimedPid);
+    desktop.list({window});
+    const xcb_atom_t processID = desktop.atom("_NET_WM_PID");
+    std::atomic<int> roundsLeft = rounds;
+    std::atomic<std::size_t> asked = 0;
+    const std::jthread asker([&] {
+        for (; roundsLeft > 0; --roundsLeft) {
+            asked += ask(claimedPid);
+        }
+    });
+    std::size_t messageCount = 0;
+    for (bool isMembers = false; roundsLeft > 0; isMembers = !isMembers) {
+        const std::uint16_t change =
+            desktop.beginToSetNumber(window, processID, isMembers ? claimedPid : claimedPid + 1);
+        for (const auto& message : desktop.messages()) {
+            const bool isBefore = static_cast<std::int16_t>(message.sequence - change) < 0;
+            EXPECT_NE(isBefore, isMembers);
+            ++messageCount;
+        }
+    }
+    messageCount += desktop.messages().size();
+    EXPECT_EQ(messageCount, asked);
+}
+
+}  // namespace
+}  // namespace tallowcrest
