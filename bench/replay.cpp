@@ -44,13 +44,14 @@ int run(const LoadTrace& trace) {
     mac.online = true;
     const std::vector<TailDevice> devices{mac};
     std::map<std::string, Account> accounts;
-    double now = 0.0;
+    const Date beginning = machine.clock.now();
+    const auto now = [&] { return secondsBetween(beginning, machine.clock.now()); };
     machine.extensions.rules.tailDevices = [&devices] {
         return std::span<const TailDevice>(devices);
     };
     machine.extensions.rules.scanRemoteMacs = [&] {
-        fmt::print("{}  a scan of the other machines begins\n", timeText(now));
-        accounts["Scan of other machines"].add(now);
+        fmt::print("{}  a scan of the other machines begins\n", timeText(now()));
+        accounts["Scan of other machines"].add(now());
     };
     SystemMonitor& monitor = machine.monitor();
     monitor.automation().set(AutomationSwitch::autoScanRemoteMacs, true);
@@ -58,7 +59,6 @@ int run(const LoadTrace& trace) {
     UUID newest = monitor.log().activityLog().front().id;
     const auto began = std::chrono::steady_clock::now();
     replay(machine, trace, [&](const TracedSample& sample) {
-        now = sample.seconds + 4.0;
         std::vector<const ActivityEvent*> fresh;
         for (const ActivityEvent& event : monitor.log().activityLog()) {
             if (event.id == newest) {

@@ -11,6 +11,7 @@
 #include "core/utf8.h"
 #include "reports/diagnostics_report.h"
 #include "sampling/app_impact.h"
+#include "tests/reports/report_state.h"
 
 #include "fuzz/require.h"
 
@@ -56,30 +57,7 @@ private:
     std::string_view rest_;
 };
 
-struct State {
-    SystemSnapshot snapshot;
-    Settings settings;
-    std::vector<SessionInsight> sessionInsights;
-    std::vector<RemoteHealth> remoteHealth;
-    bool openAIKeySaved = false;
-    std::string aiInsight;
-    std::vector<AIActionSuggestion> aiActions;
-    std::map<std::string, AITrustRecord> aiTrustRecords;
-    std::vector<ActivityEvent> activityLog;
-
-    std::string report(bool redacted) const {
-        return diagnosticsReport({.snapshot = snapshot,
-                                  .settings = settings,
-                                  .sessionInsights = sessionInsights,
-                                  .remoteHealth = remoteHealth,
-                                  .openAIKeySaved = openAIKeySaved,
-                                  .aiInsight = aiInsight,
-                                  .aiActions = aiActions,
-                                  .aiTrustRecords = aiTrustRecords,
-                                  .activityLog = activityLog},
-                                 redacted, PlainLocale());
-    }
-};
+using State = ReportState;
 
 constexpr std::size_t mostRows = 3;
 

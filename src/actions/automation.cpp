@@ -146,7 +146,8 @@ void Automation::resumeFromEmergencyStop() {
     // Where a kill or a full disk kept the stop from being stored whole, the next start would bring
     // back what it had switched off.
     for (const SwitchWords& words : switchTable) {
-        if (!words.refusal.empty() && store_.read(words.key) == SettingsValue(true)) {
+        const bool isOn = settings_.*words.field || store_.read(words.key) == SettingsValue(true);
+        if (!words.refusal.empty() && isOn) {
             settings_.*words.field = false;
             store_.write(words.key, false);
         }

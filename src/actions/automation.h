@@ -63,7 +63,8 @@ public:
     /// confirmed, and work that is under way runs to its end.
     void engageEmergencyStop();
 
-    /// Clears the stop and nothing else: each automation is turned on again by hand.
+    /// Clears the stop. Each automation is turned on again by hand: what a stop that was stored in
+    /// part left on is switched off first.
     void resumeFromEmergencyStop();
 
     bool isStopEngaged() const { return settings_.automationEmergencyStopEngaged; }

@@ -34,16 +34,18 @@ void ConfirmationDesk::confirmPending() {
 }
 
 void ConfirmationDesk::cancelPending() {
-    if (pending_) {
-        log_.recordMessage(fmt::format("Canceled: {}.", pending_->title));
-        const auto handler = handlers_.find(pending_->kind);
-        if (handler != handlers_.end() && handler->second.cancel) {
-            handler->second.cancel(*pending_);
-        }
-    }
-    pending_.reset();
-    targetPaths_.clear();
     observable_.changed();
+    targetPaths_.clear();
+    if (!pending_) {
+        return;
+    }
+    // Out of the way first, for the owner of its kind may ask for something else right away.
+    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
+    log_.recordMessage(fmt::format("Canceled: {}.", request.title));
+    const auto handler = handlers_.find(request.kind);
+    if (handler != handlers_.end() && handler->second.cancel) {
+        handler->second.cancel(request);
+    }
 }
 
 }  // namespace tallowcrest

@@ -142,7 +142,7 @@ void LocalActions::quitAppGroup(const std::string& group) {
         return;
     }
     if (!groupsBeingAsked_.insert(group).second) {
-        // It may be saving its work. To ask again would find it without a window, and end it.
+        // A second asking beside the first would find windows closed already, and end what saves.
         with_.log.recordMessage(fmt::format("{} is still being asked to quit.", group));
         return;
     }

@@ -173,7 +173,7 @@ Usage: tallowcrest [options]
     --samples N       end after N samples
     --interval SECS   seconds between samples (default 4)
     --report          take two samples, print the diagnostics report and end
-    --redacted        the report without process details and addresses
+    --redacted        hide its pids, addresses and known process names
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

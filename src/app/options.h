@@ -17,7 +17,7 @@ struct Options {
     bool headless = false;
     bool json = false;
     bool report = false;                                ///< print the diagnostics report and end
-    bool redacted = false;                              ///< the report without process details
+    bool redacted = false;                              ///< the report for other eyes
     std::optional<std::int64_t> samples;                ///< end after so many; absent: never
     std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's own
 };

@@ -17,8 +17,8 @@
 
 namespace tallowcrest {
 
-/// What follows from the load of a sample: the rules that the owner has switched on, each at its
-/// own pace, and the warning. Main thread.
+/// What follows from the load of a sample: the rules whose switches are on, each at its own pace,
+/// and the warning. Main thread.
 class AutoRules {
 public:
     /// What the rules look at and act through; the references must outlive them.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -130,7 +131,16 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     heading_->setText(title);
     message_->setText(message);
     // Read out when the dialog opens.
-    setAccessibleDescription(title + u'\n' + message);
+    QStringList spoken{title, message};
+    for (const std::string& path : desk_.targetPaths()) {
+        spoken.append(paragraph(path));
+    }
+    setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
+    if (isVisible()) {
+        // No window opens that would be read out by itself.
+        QAccessibleEvent changed(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&changed);
+    }
     confirm_->setTitle(paragraph(request.confirmTitle));
     confirm_->setAccessibleDescription(title);
     showPaths(desk_.targetPaths());

@@ -131,6 +131,7 @@ void DashboardWindow::makeApplicationMenu() {
         application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
         QStringLiteral("refresh"));
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    refreshAction->setAutoRepeat(false);
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
     application->addSeparator();
     addEmergencyStop(*application);
@@ -184,11 +185,14 @@ void DashboardWindow::makeFileMenu() {
                           this, [this] { monitor_.reports().copyDiagnosticsReport(); }),
           QStringLiteral("copy-report"))
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
-    named(file->addAction(themedIcon(QStringLiteral("square.and.arrow.up")),
-                          QStringLiteral("Export Diagnostics..."), this,
-                          [this] { monitor_.reports().exportDiagnosticsReport(); }),
-          QStringLiteral("export-diagnostics"))
-        ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    QAction* exportReport =
+        named(file->addAction(themedIcon(QStringLiteral("square.and.arrow.up")),
+                              QStringLiteral("Export Diagnostics..."), this,
+                              [this] { monitor_.reports().exportDiagnosticsReport(); }),
+              QStringLiteral("export-diagnostics"));
+    exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    // A key held down exports one report and not several of the same second.
+    exportReport->setAutoRepeat(false);
     file->addSeparator();
     QAction* quitProcess =
         named(file->addAction(QStringLiteral("Quit Selected Process"), this,
@@ -196,6 +200,8 @@ void DashboardWindow::makeFileMenu() {
               QStringLiteral("quit-selected-process"));
     quitProcess->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
+    // Each press without a target is an event of the log, which a key held down would fill.
+    quitProcess->setAutoRepeat(false);
     QAction* quitApp =
         named(file->addAction(QStringLiteral("Quit Selected App Group"), this,
                               [this] { monitor_.localActions().requestQuitSelectedApp(); }),

@@ -39,6 +39,9 @@ public:
     /// The same on the route that is selected already.
     void bringToFront();
 
+    /// For windows of the program beside this one: its keys work where the action has been added.
+    QAction* emergencyStop() const { return emergencyStop_; }
+
 signals:
     /// The owner closed the window.
     void closed();

@@ -38,11 +38,7 @@ OverviewPage::OverviewPage(SystemMonitor& monitor, QWidget* parent) : Screen(par
         new SessionInsightsBlock(monitor),
     };
     auto* content = new QWidget;
-    auto* layout = new QVBoxLayout(content);
-    // The scroll bar stands within the page's own padding.
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
-                               spacing::pagePadding);
-    layout->setSpacing(spacing::gap);
+    auto* layout = makePageColumn(*content);
     for (OverviewBlock* block : blocks_) {
         if (block->parentWidget() == nullptr) {
             layout->addWidget(block);
@@ -52,9 +48,7 @@ OverviewPage::OverviewPage(SystemMonitor& monitor, QWidget* parent) : Screen(par
     }
     layout->addStretch(1);
 
-    auto* page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    page->addWidget(makePageScrollArea(content, this));
+    scrollOnPage(content, *this);
 }
 
 void OverviewPage::refresh() {

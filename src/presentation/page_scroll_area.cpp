@@ -4,6 +4,9 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QVBoxLayout>
+
+#include "presentation/theme.h"
 
 namespace tallowcrest {
 namespace {
@@ -56,6 +59,23 @@ QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
     scrollOn(*area, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
     scrollOn(*area, Qt::Key_Home, QAbstractSlider::SliderToMinimum);
     scrollOn(*area, Qt::Key_End, QAbstractSlider::SliderToMaximum);
+    return area;
+}
+
+QVBoxLayout* makePageColumn(QWidget& content) {
+    auto* column = new QVBoxLayout(&content);
+    // The scroll bar stands within the page's own padding.
+    column->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
+                               spacing::pagePadding);
+    column->setSpacing(spacing::gap);
+    return column;
+}
+
+QScrollArea* scrollOnPage(QWidget* content, QWidget& page) {
+    auto* layout = new QVBoxLayout(&page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    QScrollArea* area = makePageScrollArea(content, &page);
+    layout->addWidget(area);
     return area;
 }
 

@@ -70,6 +70,8 @@ void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
     }
     if (panel_ == nullptr) {
         panel_ = std::make_unique<MenuBarPanel>(monitor_, menuBarEntries(monitor_, window_));
+        // The rules run on while the window is closed, and so do the keys that stop them.
+        panel_->addAction(window_.emergencyStop());
     }
     const QRect place = icon_.geometry();
     panel_->toggleAt(place.isValid() ? place.bottomLeft() : QCursor::pos());

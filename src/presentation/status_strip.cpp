@@ -72,6 +72,12 @@ void StatusStrip::refresh() {
 }
 
 void StatusStrip::showAutomation() {
+    // How to stop it all is to be found wherever that is shown.
+    static const QString keys = QStringLiteral("Emergency Stop: Ctrl+. or Shift+Esc");
+    if (automation_->toolTip().isEmpty()) {
+        automation_->setToolTip(keys);
+        automation_->setAccessibleDescription(keys);
+    }
     if (monitor_.automation().isStopEngaged()) {
         automation_->setText(QStringLiteral("Emergency Stop Engaged"));
         automation_->setMark(QStringLiteral("exclamationmark.octagon"), &CrestTheme::bad);

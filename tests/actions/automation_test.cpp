@@ -10,6 +10,7 @@
 #include "core/settings_keys.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
+#include "tests/support/recording_store.h"
 
 namespace tallowcrest {
 namespace {
@@ -56,21 +57,6 @@ const std::vector<Expected>& expectedSwitches() {
     return table;
 }
 
-/// A store that keeps the order of what is written to it.
-class WritingOrder final : public SettingsStore {
-public:
-    std::optional<SettingsValue> read(std::string_view key) const override {
-        return values.read(key);
-    }
-    void write(std::string_view key, const SettingsValue& value) override {
-        written.emplace_back(key);
-        values.write(key, value);
-    }
-
-    MemorySettingsStore values;
-    std::vector<std::string> written;
-};
-
 class AutomationTest : public ::testing::Test {
 protected:
     Automation& automation() {
@@ -98,7 +84,7 @@ protected:
     Observable observable{mainQueue};
     ActivityLog log{clock, observable, {}, [](const auto&) {}};
     Settings settings;
-    WritingOrder store;
+    RecordingStore store;
     int plansCleared = 0;
     int registrations = 0;
     std::size_t eventsAtRegistration = 99;
@@ -316,6 +302,15 @@ TEST_F(AutomationTest, AStopThatWasStoredInPartBringsNothingBackEither) {
     EXPECT_FALSE(restarted.diskAutopilotEnabled);
     EXPECT_EQ(restarted.aiAutonomyMode, AIAutonomyMode::apprentice);
     EXPECT_FALSE(settings.autoSelectTopOffender);
+}
+
+TEST_F(AutomationTest, WhatIsOnWhenNeverStoredIsNotBroughtBackEither) {
+    store.write("Tallowcrest.automationEmergencyStop", true);
+    settings = loadStoredState(store, "owner").settings;
+    ASSERT_TRUE(settings.autoSelectTopOffender);
+    automation().resumeFromEmergencyStop();
+    EXPECT_FALSE(settings.autoSelectTopOffender);
+    EXPECT_FALSE(loadStoredState(store, "owner").settings.autoSelectTopOffender);
 }
 
 TEST_F(AutomationTest, TheAutonomyModeIsHeldBackByTheStop) {

@@ -120,6 +120,17 @@ TEST_F(ConfirmationDeskTest, CancellingAKindWithoutAnOpinionIsTheMessageAlone) {
     EXPECT_EQ(log.activityLog()[1].detail, "Canceled: Pour it?.");
 }
 
+TEST_F(ConfirmationDeskTest, ARequestMadeByACancellationWaits) {
+    desk.registerKind("chain", {[](const ConfirmationRequest&) {},
+                                [this](const ConfirmationRequest&) {
+                                    desk.requestConfirmation(request("pour", "Pour it?"));
+                                }});
+    desk.requestConfirmation(request("chain", "Begin?"));
+    desk.cancelPending();
+    ASSERT_TRUE(desk.pendingConfirmation());
+    EXPECT_EQ(desk.pendingConfirmation()->title, "Pour it?");
+}
+
 TEST_F(ConfirmationDeskTest, NothingPendingIsNeitherConfirmedNorCancelled) {
     desk.confirmPending();
     desk.cancelPending();

@@ -18,6 +18,7 @@
 #include "tests/support/fake_readers.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
+#include "tests/support/recording_store.h"
 
 namespace tallowcrest {
 namespace {
@@ -25,25 +26,6 @@ namespace {
 namespace keys = settings_keys;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-/// A store that remembers which keys were written, in order.
-class RecordingStore final : public SettingsStore {
-public:
-    std::optional<SettingsValue> read(std::string_view key) const override {
-        return values.read(key);
-    }
-    void write(std::string_view key, const SettingsValue& value) override {
-        written.emplace_back(key);
-        values.write(key, value);
-    }
-
-    std::string json(std::string_view key) const {
-        return std::get<JSONData>(values.read(key).value()).text;
-    }
-
-    MemorySettingsStore values;
-    std::vector<std::string> written;
-};
 
 class SystemMonitorTest : public ::testing::Test {
 protected:

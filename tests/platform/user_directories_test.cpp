@@ -1,9 +1,16 @@
 #include "platform/linux/user_directories.h"
 
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -51,6 +58,44 @@ TEST(UserDirectories, WhatMakesNoSenseIsNoDirectory) {
             << value;
     }
     EXPECT_EQ(userDirectory("", "DOCUMENTS", "/home/owner"), std::nullopt);
+}
+
+class DocumentsDirectory : public ::testing::Test {
+protected:
+    void SetUp() override { ::setenv("XDG_CONFIG_HOME", config.path().c_str(), 1); }
+    void TearDown() override { ::unsetenv("XDG_CONFIG_HOME"); }
+
+    void write(const std::string& value) const {
+        std::ofstream(config.path() / "user-dirs.dirs")
+            << "XDG_DOCUMENTS_DIR=\"" << value << "\"\n";
+    }
+
+    TemporaryFolder config;
+};
+
+TEST_F(DocumentsDirectory, IsWhereTheDesktopHasWrittenDown) {
+    write("/srv/papers");
+    EXPECT_EQ(documentsDirectory(), "/srv/papers");
+    write("$HOME/Papers");
+    EXPECT_EQ(documentsDirectory().filename(), "Papers");
+    EXPECT_TRUE(documentsDirectory().is_absolute());
+}
+
+TEST_F(DocumentsDirectory, IsAtHomeWhereNothingIsWrittenDown) {
+    EXPECT_EQ(documentsDirectory().filename(), "Documents");
+    EXPECT_TRUE(documentsDirectory().is_absolute());
+}
+
+TEST_F(DocumentsDirectory, ARelativeConfigurationFolderIsNone) {
+    write("/srv/papers");
+    ::setenv("XDG_CONFIG_HOME", "relative", 1);
+    EXPECT_NE(documentsDirectory(), "/srv/papers");
+    EXPECT_TRUE(documentsDirectory().is_absolute());
+}
+
+TEST_F(DocumentsDirectory, WhatIsNoFileHoldsUpNothing) {
+    ASSERT_EQ(::mkfifo((config.path() / "user-dirs.dirs").c_str(), 0600), 0);
+    EXPECT_EQ(documentsDirectory().filename(), "Documents");
 }
 
 }  // namespace

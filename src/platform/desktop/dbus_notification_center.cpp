@@ -69,7 +69,14 @@ void lendToken(const QString& token, bool& isLent) {
 void takeTokenBack(const QString& token) {
     if (!token.isEmpty()) {
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [] { qunsetenv(tokenVariable); }, Qt::QueuedConnection);
+            QCoreApplication::instance(),
+            [lent = token.toUtf8()] {
+                // Another one may stand there by now.
+                if (qgetenv(tokenVariable) == lent) {
+                    qunsetenv(tokenVariable);
+                }
+            },
+            Qt::QueuedConnection);
     }
 }
 

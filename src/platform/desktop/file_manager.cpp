@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
+#include <QElapsedTimer>
 #include <QFile>
 
 namespace tallowcrest {
@@ -24,15 +25,22 @@ void showInFileManager(const std::filesystem::path& file, const QDBusConnection&
         openFolder(folder);
         return;
     }
+    QElapsedTimer waiting;
+    waiting.start();
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(show));
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,
-                     [folder, openFolder = std::move(openFolder)](QDBusPendingCallWatcher* call) {
-                         // One that is slow to start shows the file yet, and once is enough.
-                         if (call->isError() && call->error().type() != QDBusError::NoReply) {
-                             openFolder(folder);
-                         }
-                         call->deleteLater();
-                     });
+    QObject::connect(
+        answer, &QDBusPendingCallWatcher::finished, answer,
+        [waiting, folder, openFolder = std::move(openFolder)](QDBusPendingCallWatcher* call) {
+            // One that is slow to start shows the file yet, and once is enough. One
+            // that has died meanwhile shows nothing.
+            constexpr qint64 slowMilliseconds = 20'000;
+            const bool isSlow = call->error().type() == QDBusError::NoReply &&
+                                waiting.elapsed() >= slowMilliseconds;
+            if (call->isError() && !isSlow) {
+                openFolder(folder);
+            }
+            call->deleteLater();
+        });
 }
 
 }  // namespace tallowcrest

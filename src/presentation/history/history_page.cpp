@@ -47,11 +47,7 @@ SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
 HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
     : Screen(parent), monitor_(monitor) {
     auto* content = new QWidget;
-    auto* layout = new QVBoxLayout(content);
-    // The scroll bar stands within the page's own padding.
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
-                               spacing::pagePadding);
-    layout->setSpacing(spacing::gap);
+    auto* layout = makePageColumn(*content);
     layout->addWidget(makeTimeline());
     session_.emplace(QStringLiteral("history.session"), sessionCards, content);
     layout->addWidget(session_->widget());
@@ -61,10 +57,7 @@ HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
     layout->addWidget(log_);
     layout->addStretch(1);
 
-    auto* page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    area_ = makePageScrollArea(content, this);
-    page->addWidget(area_);
+    area_ = scrollOnPage(content, *this);
 }
 
 QWidget* HistoryPage::makeTimeline() {

@@ -5,6 +5,7 @@
 namespace tallowcrest {
 
 class CleanupFlowCard;
+class DiskAutopilotBlock;
 class OffenderCard;
 class SystemMonitor;
 
@@ -20,6 +21,7 @@ public:
 
 private:
     CleanupFlowCard* flow_ = nullptr;
+    DiskAutopilotBlock* disk_ = nullptr;
     OffenderCard* offender_ = nullptr;
 };
 

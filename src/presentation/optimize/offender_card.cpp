@@ -83,8 +83,9 @@ QPushButton* OffenderCard::makeNeverQuit() {
                               QStringLiteral("cleanup.never-quit"), QString(), group_);
     button->setCheckable(true);
     connect(button, &QPushButton::clicked, this, [this] {
-        if (const auto group = monitor_.review().selectedAppImpactName()) {
-            monitor_.localActions().toggleNeverQuit(*group);
+        // The one that the button names: the target may have moved since.
+        if (shown_ && shown_->group) {
+            monitor_.localActions().toggleNeverQuit(*shown_->group);
         }
     });
     return button;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -63,6 +64,12 @@ void SafetyTab::showNames() {
         rows_.push_back(makeName(name));
         neverQuit_->contentLayout()->addWidget(rows_.back());
     }
+    // New ones would else come behind the whole sheet.
+    QWidget* before = resume_;
+    for (QPushButton* removal : removals_) {
+        setTabOrder(before, removal);
+        before = removal;
+    }
 }
 
 QWidget* SafetyTab::makeName(const std::string& name) {
@@ -83,6 +90,7 @@ QWidget* SafetyTab::makeName(const std::string& name) {
                                QStringLiteral("Lets this app group be quit again"), row);
     removal->setAccessibleName(QStringLiteral("Remove ") + shown);
     connect(removal, &QPushButton::clicked, this, [this, name] { remove(name); });
+    removal->installEventFilter(this);
     layout->addWidget(removal);
     removals_.push_back(removal);
     return row;
@@ -125,6 +133,7 @@ QWidget* SafetyTab::makeStop() {
         stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
     }
     connect(engage_, &QPushButton::clicked, this, &SafetyTab::engage);
+    engage_->installEventFilter(this);
     connect(resume_, &QPushButton::clicked, this, [this] {
         monitor_.automation().resumeFromEmergencyStop();
         refresh();
@@ -134,16 +143,38 @@ QWidget* SafetyTab::makeStop() {
     return stop_;
 }
 
+bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            // The stop is for any key, once. What takes protection away is for none that a person
+            // presses to be done with the sheet, and neither of them is to close it.
+            if (watched == engage_ && !key->isAutoRepeat()) {
+                engage();
+            }
+            return true;
+        }
+    }
+    return SettingsTab::eventFilter(watched, event);
+}
+
 void SafetyTab::engage() {
     monitor_.automation().engageEmergencyStop();
-    resume_->setEnabled(false);
-    settling_.start(settlingTime_);
     refresh();
     // Neither on the way back nor on what closes the sheet: the key may still be down.
     setFocus();
 }
 
 void SafetyTab::showStop(bool isEngaged) {
+    // Engaged just now, from here or elsewhere: a click under way must not undo it.
+    if (isEngaged && showsEngaged_ == false) {
+        resume_->setEnabled(false);
+        settling_.start(settlingTime_);
+        if (engage_->hasFocus()) {
+            setFocus();
+        }
+    }
+    showsEngaged_ = isEngaged;
     stop_->setHeader(isEngaged ? QStringLiteral("exclamationmark.triangle.fill")
                                : QStringLiteral("exclamationmark.triangle"),
                      isEngaged ? QStringLiteral("Emergency Stop Engaged")

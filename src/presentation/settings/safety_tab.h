@@ -35,6 +35,9 @@ public:
     /// For tests, which wait for nothing.
     void setSettlingTime(std::chrono::milliseconds time) { settlingTime_ = time; }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     QWidget* makeNeverQuit();
     QWidget* makeStop();
@@ -56,6 +59,7 @@ private:
     ElidedLabel* stopWords_ = nullptr;
     DangerButton* engage_ = nullptr;
     QPushButton* resume_ = nullptr;
+    std::optional<bool> showsEngaged_;  ///< absent before the first look
 };
 
 }  // namespace tallowcrest

@@ -17,17 +17,11 @@ namespace tallowcrest {
 SettingsPage::SettingsPage(SystemMonitor& monitor, QWidget* parent)
     : Screen(parent), monitor_(monitor) {
     auto* content = new QWidget;
-    auto* layout = new QVBoxLayout(content);
-    // The scroll bar stands within the page's own padding.
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
-                               spacing::pagePadding);
-    layout->setSpacing(spacing::gap);
+    auto* layout = makePageColumn(*content);
     layout->addWidget(makeHub());
     layout->addWidget(makeRules());
     layout->addStretch(1);
-    auto* page = new QVBoxLayout(this);
-    page->setContentsMargins(0, 0, 0, 0);
-    page->addWidget(makePageScrollArea(content, this));
+    scrollOnPage(content, *this);
 }
 
 QWidget* SettingsPage::makeHub() {

@@ -178,13 +178,14 @@ TEST_F(CleanupPageTest, TabGoesThroughThePageAsTheEyeDoes) {
     settle();
     visible("optimize.cleanup")->setFocus(Qt::TabFocusReason);
     QStringList order;
-    for (int presses = 0; presses < 7; ++presses) {
+    for (int presses = 0; presses < 9; ++presses) {
         order.append(QApplication::focusWidget()->objectName());
         press(Qt::Key_Tab);
     }
     EXPECT_EQ(order.join(u' '),
               QStringLiteral("optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
-                             "cleanup.purge-caches cleanup.activity-monitor cleanup.never-quit "
+                             "cleanup.purge-caches cleanup.activity-monitor "
+                             "section.autoRules cleanup.emergency-stop cleanup.never-quit "
                              "cleanup.helpers"));
 }
 
@@ -262,7 +263,7 @@ TEST_F(CleanupPageTest, EveryControlSaysWhatItIsAndWhatItDoes) {
         EXPECT_TRUE(identifiers.insert(button->objectName()).second)
             << button->objectName().toStdString();
     }
-    EXPECT_EQ(controls, 9) << "four steps, four actions, and the guard";
+    EXPECT_EQ(controls, 11) << "four steps, four actions, the section, the stop and the guard";
 }
 
 }  // namespace

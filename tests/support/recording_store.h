@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/settings_store.h"
+
+namespace tallowcrest {
+
+/// A store that remembers which keys were written, in order.
+class RecordingStore final : public SettingsStore {
+public:
+    std::optional<SettingsValue> read(std::string_view key) const override {
+        return values.read(key);
+    }
+    void write(std::string_view key, const SettingsValue& value) override {
+        written.emplace_back(key);
+        values.write(key, value);
+    }
+
+    std::string json(std::string_view key) const {
+        return std::get<JSONData>(values.read(key).value()).text;
+    }
+
+    MemorySettingsStore values;
+    std::vector<std::string> written;
+};
+
+}  // namespace tallowcrest
