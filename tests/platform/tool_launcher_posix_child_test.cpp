@@ -58,8 +58,7 @@ TEST_F(LaunchedChildTest, InheritsTheEnvironmentAndTheWorkingDirectory) {
     std::array<char, 4096> here{};
     ASSERT_NE(::getcwd(here.data(), here.size()), nullptr);
 
-    const ToolResult result =
-        launcher.launch(shellTool("echo \"$PATH\"; pwd -P", 30s));
+    const ToolResult result = launcher.launch(shellTool("echo \"$PATH\"; pwd -P", 30s));
 
     EXPECT_EQ(result.output, std::string(path) + "\n" + here.data() + "\n");
 }
