@@ -43,6 +43,10 @@ class Warning(WindowTestCase):
     def warned(self):
         return self.daemon.find("System load is high. Top process: ")
 
+    def is_in_front(self, number):
+        eventually(lambda: desktop.output("xdotool", "getactivewindow").strip() == number,
+                   "the window is in front")
+
     def test_a_button_brings_the_window_to_the_front_on_its_route(self):
         self.keep_busy()
         program, window, number = self.start_window()
@@ -50,18 +54,27 @@ class Warning(WindowTestCase):
         desktop.output("xdotool", "windowminimize", "--sync", number)
         self.daemon.press(warning, "Scan Remotes")
         window.label("Tailscale fleet health, SSH setup, and remote actions")
-        eventually(lambda: desktop.output("xdotool", "getactivewindow").strip() == number,
-                   "the window is in front")
+        self.is_in_front(number)
         window.go_to("Overview")
         window.label(lambda text: text.startswith("High load detected. CPU "))
         self.assertTrue(program.is_running())
 
     def test_a_plain_click_leads_to_the_overview(self):
         self.keep_busy()
-        _, window, _ = self.start_window()
+        _, window, number = self.start_window()
         window.go_to("Chat")
-        self.daemon.click(self.warned())
+        warning = self.warned()
+        desktop.output("xdotool", "windowminimize", "--sync", number)
+        self.daemon.click(warning)
         window.label("Health at a glance and the safest next step")
+        self.is_in_front(number)
+
+    def test_review_cleanup_leads_to_the_suggestions(self):
+        self.keep_busy()
+        _, window, number = self.start_window()
+        self.daemon.press(self.warned(), "Review Cleanup")
+        window.label("Overall CPU, memory, disk, backup, and cleanup guidance")
+        self.is_in_front(number)
 
 
 if __name__ == "__main__":
