@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 
 #include "actions/confirmation_desk.h"
-#include "core/control_characters.h"
 #include "presentation/card.h"
 #include "presentation/controls.h"
 #include "presentation/danger_button.h"
@@ -27,12 +26,6 @@ constexpr int mostHeadingLines = 3;
 // Enough for the longest message around the longest name that a file can have.
 constexpr int mostMessageLines = 12;
 constexpr std::size_t mostPaths = 5;
-
-/// The text as one paragraph that reads in the order in which it is written, or a name could pass
-/// for words of the question.
-QString paragraph(std::string_view utf8) {
-    return dashboard_text::text(replacingControlCharacters(utf8, "\uFFFD"));
-}
 
 }  // namespace
 
@@ -126,14 +119,14 @@ void ConfirmationDialog::refresh() {
 
 void ConfirmationDialog::present(const ConfirmationRequest& request) {
     shown_ = request.id;
-    const QString title = paragraph(request.title);
-    const QString message = paragraph(request.message);
+    const QString title = dashboard_text::oneLine(request.title);
+    const QString message = dashboard_text::oneLine(request.message);
     heading_->setText(title);
     message_->setText(message);
     // Read out when the dialog opens.
     QStringList spoken{title, message};
     for (const std::string& path : desk_.targetPaths()) {
-        spoken.append(paragraph(path));
+        spoken.append(dashboard_text::oneLine(path));
     }
     setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
     if (isVisible()) {
@@ -141,7 +134,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
         QAccessibleEvent changed(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&changed);
     }
-    confirm_->setTitle(paragraph(request.confirmTitle));
+    confirm_->setTitle(dashboard_text::oneLine(request.confirmTitle));
     confirm_->setAccessibleDescription(title);
     showPaths(desk_.targetPaths());
     fit();
@@ -173,7 +166,7 @@ bool ConfirmationDialog::event(QEvent* event) {
 void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
     QStringList texts;
     for (const std::string& path : paths) {
-        texts.append(paragraph(path));
+        texts.append(dashboard_text::oneLine(path));
     }
     const auto count = static_cast<std::size_t>(texts.size());
     for (std::size_t i = 0; i < pathLines_.size(); ++i) {

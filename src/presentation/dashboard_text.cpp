@@ -6,6 +6,8 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include "core/control_characters.h"
+
 namespace tallowcrest::dashboard_text {
 namespace {
 
@@ -39,6 +41,10 @@ QString withoutTimeZone(const QString& format) {
 
 QString text(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+QString oneLine(std::string_view utf8) {
+    return text(replacingControlCharacters(utf8, "\uFFFD"));
 }
 
 int wholePercent(double percent) {

@@ -10,6 +10,9 @@ namespace tallowcrest::dashboard_text {
 
 /// Text that the records hold as UTF-8.
 QString text(std::string_view utf8);
+/// The same for words that may hold a name: as one line that reads in the order in which it is
+/// written. A process may be called anything, and is not to pass for words of our own.
+QString oneLine(std::string_view utf8);
 
 /// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
 int wholePercent(double percent);

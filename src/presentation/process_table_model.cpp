@@ -12,6 +12,7 @@
 namespace tallowcrest {
 namespace {
 
+using dashboard_text::oneLine;
 using dashboard_text::text;
 
 bool haveSameOrder(const std::vector<ProcessSample>& a, const std::vector<ProcessSample>& b) {
@@ -45,17 +46,6 @@ std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
 
 QString toolTip(const ProcessSample& row) {
     return toolTipText(QStringLiteral("PID %1\n").arg(row.pid) + text(row.command));
-}
-
-/// A name may hold anything; in a table it is one line.
-QString oneLine(std::string_view name) {
-    QString line = text(name);
-    for (QChar& character : line) {
-        if (character.category() == QChar::Other_Control) {
-            character = u'?';
-        }
-    }
-    return line;
 }
 
 QString megabytes(double value) {
@@ -199,13 +189,13 @@ bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
 
 QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
     if (column == actionColumn) {
-        return QString(QStringLiteral("Review ") + text(row.displayName()));
+        return QString(QStringLiteral("Review ") + oneLine(row.displayName()));
     }
     if (column != processColumn) {
         return displayText(row, column);
     }
     // What the row otherwise tells by its mark and by its colour.
-    QStringList words{text(row.displayName())};
+    QStringList words{oneLine(row.displayName())};
     if (isProtectedRow(row)) {
         words.append(QStringLiteral("Protected"));
     }

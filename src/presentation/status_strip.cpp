@@ -68,7 +68,7 @@ void StatusStrip::refresh() {
                           : QStringLiteral("Sampling this Mac..."));
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
-    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+    lastAction_->setText(dashboard_text::oneLine(monitor_.log().lastAction()));
 }
 
 void StatusStrip::showAutomation() {

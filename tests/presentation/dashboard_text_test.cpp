@@ -201,5 +201,12 @@ TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
     }
 }
 
+TEST(DashboardText, WordsWithANameInThemAreOneLineInTheirOrder) {
+    EXPECT_EQ(dashboard_text::oneLine("editor"), QStringLiteral("editor"));
+    EXPECT_EQ(dashboard_text::oneLine("two\nlines\t\x1b"),
+              QStringLiteral("two\uFFFDlines\uFFFD\uFFFD"));
+    EXPECT_EQ(dashboard_text::oneLine("\u202Egnp.exe"), QStringLiteral("\uFFFDgnp.exe"));
+}
+
 }  // namespace
 }  // namespace tallowcrest

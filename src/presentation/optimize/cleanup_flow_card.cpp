@@ -69,7 +69,7 @@ QWidget* CleanupFlowCard::makeActions() {
 }
 
 void CleanupFlowCard::refresh() {
-    step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
+    step_->setText(dashboard_text::oneLine(monitor_.review().optimizeStep()));
     showPurging(monitor_.localActions().isPurging());
 }
 

@@ -8,7 +8,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "core/control_characters.h"
 #include "monitor/system_monitor.h"
 #include "presentation/card.h"
 #include "presentation/controls.h"
@@ -74,7 +73,7 @@ void SafetyTab::showNames() {
 
 QWidget* SafetyTab::makeName(const std::string& name) {
     // A group may be called anything; one line is to stay one line.
-    const QString shown = dashboard_text::text(replacingControlCharacters(name, "\uFFFD"));
+    const QString shown = dashboard_text::oneLine(name);
     auto* row = new QWidget(neverQuit_);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);

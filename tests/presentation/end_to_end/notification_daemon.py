@@ -1,14 +1,18 @@
-"""A real notification daemon on a private desktop, with its notifications as a person meets them.
+"""Real notification daemons on a private desktop, with their notifications as a person meets them.
 
 The environment of the process has to be the desktop's, as the accessibility library asks it for its
 bus.
 """
 
+import glob
 import os
 import signal
+import types
 
 import dbus
 import dbus.bus
+import dbus.lowlevel
+import dbus.mainloop.glib
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -18,10 +22,13 @@ from accessible_window import AccessibleWindow  # noqa: E402
 from private_desktop import eventually  # noqa: E402
 
 NAME = "org.freedesktop.Notifications"
+PATH = "/org/freedesktop/Notifications"
 # It shows buttons, can be read by assistive technology, and is started by no bus unless told to.
 PROGRAM = next((path for path in ("/usr/lib/notification-daemon/notification-daemon",
                                   "/usr/libexec/notification-daemon") if os.path.exists(path)),
                "notification-daemon")
+# It shows text and nothing that can be pressed, and is started by no bus either.
+PROGRAM_WITHOUT_BUTTONS = next(iter(glob.glob("/usr/lib/*/notify-osd")), "notify-osd")
 
 
 class Notification:
@@ -60,29 +67,23 @@ class Notification:
         return place.x + place.width // 2, place.y + place.height // 2
 
 
-class NotificationDaemon:
+class Daemon:
+    """What all daemons have in common: the bus, and that they come and go."""
+
+    program = None
+    place_of_pointer = None
+
     def __init__(self, desktop):
         self.desktop = desktop
         self.bus = dbus.bus.BusConnection(desktop.env["DBUS_SESSION_BUS_ADDRESS"])
-        self._service = os.path.join(desktop.env["XDG_DATA_HOME"], "dbus-1", "services",
-                                     NAME + ".service")
-        # Where it shows them: one that has the pointer on it does not go away by itself.
-        desktop.output("xdotool", "mousemove", "1075", "60")
+
+    def place_pointer(self):
+        self.desktop.output("xdotool", "mousemove", *self.place_of_pointer)
 
     def start(self):
-        self.desktop.start(PROGRAM)
+        self.place_pointer()
+        self.desktop.start(self.program)
         self.wait()
-
-    def let_the_bus_start_it(self):
-        """Whenever it is called and does not run, as on most desktops."""
-        os.makedirs(os.path.dirname(self._service), exist_ok=True)
-        with open(self._service, "w", encoding="ascii") as file:
-            file.write(f"[D-BUS Service]\nName={NAME}\nExec={PROGRAM}\n")
-        self._reload()
-
-    def _reload(self):
-        self.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").ReloadConfig(
-            dbus_interface="org.freedesktop.DBus")
 
     def runs(self):
         return self.bus.name_has_owner(NAME)
@@ -94,10 +95,42 @@ class NotificationDaemon:
         return int(self.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus")
                    .GetConnectionUnixProcessID(NAME, dbus_interface="org.freedesktop.DBus"))
 
+    def capabilities(self):
+        return [str(each) for each in self.bus.call_blocking(NAME, PATH, NAME, "GetCapabilities",
+                                                             "", ())]
+
     def kill(self):
         """As in a crash; nothing is told to anybody."""
         os.kill(self.pid(), signal.SIGKILL)
         eventually(lambda: not self.runs(), "the notification daemon is gone")
+
+    def end(self):
+        if self.runs():
+            self.kill()
+        self.bus.close()
+
+
+class NotificationDaemon(Daemon):
+    program = PROGRAM
+    # Where it shows them: one that has the pointer on it does not go away by itself.
+    place_of_pointer = ("1075", "60")
+
+    def __init__(self, desktop):
+        super().__init__(desktop)
+        self._service = os.path.join(desktop.env["XDG_DATA_HOME"], "dbus-1", "services",
+                                     NAME + ".service")
+
+    def let_the_bus_start_it(self):
+        """Whenever it is called and does not run, as on most desktops."""
+        self.place_pointer()
+        os.makedirs(os.path.dirname(self._service), exist_ok=True)
+        with open(self._service, "w", encoding="ascii") as file:
+            file.write(f"[D-BUS Service]\nName={NAME}\nExec={PROGRAM}\n")
+        self._reload()
+
+    def _reload(self):
+        self.bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").ReloadConfig(
+            dbus_interface="org.freedesktop.DBus")
 
     def shown(self):
         """Those on the screen now."""
@@ -147,6 +180,93 @@ class NotificationDaemon:
         if os.path.exists(self._service):
             os.remove(self._service)
             self._reload()
-        if self.runs():
-            self.kill()
-        self.bus.close()
+        super().end()
+
+
+class DaemonWithoutButtons(Daemon):
+    program = PROGRAM_WITHOUT_BUTTONS
+    # One that has the pointer on it fades away.
+    place_of_pointer = ("200", "800")
+
+    def __init__(self, desktop):
+        super().__init__(desktop)
+        # Without one, its notifications are black all over.
+        self._compositor = desktop.start("xcompmgr", "-n")
+        eventually(lambda: desktop.output("xdotool", "search", "--name", "^xcompmgr$"),
+                   "windows are composed")
+
+    def end(self):
+        super().end()
+        self._compositor.end()
+
+    def text(self):
+        """Title and body of the one on the screen; None for none."""
+        try:
+            application = AccessibleWindow(self.pid()).application()
+            for index in range(application.get_child_count()):
+                node = application.get_child_at_index(index)
+                node.clear_cache()
+                if node.get_role() == Atspi.Role.NOTIFICATION:
+                    return node.get_name(), node.get_description()
+        except (GLib.Error, AttributeError, dbus.DBusException):
+            pass  # it changed while it was looked at; whoever asks, asks again
+        return None
+
+    def shines(self):
+        """Whether light text can be seen where its window is on the screen."""
+        # The daemon never tells assistive technology that one shows, so the screen has to.
+        for window in self.desktop.output("xdotool", "search", "--onlyvisible", "--class",
+                                          "^notify-osd$").split():
+            place = dict(line.split("=", 1) for line in self.desktop.output(
+                "xdotool", "getwindowgeometry", "--shell", window).splitlines())
+            if not place:
+                continue  # it went away
+            lightest = self.desktop.output(
+                "import", "-silent", "-window", "root", "-crop",
+                f"{place['WIDTH']}x{place['HEIGHT']}{int(place['X']):+}{int(place['Y']):+}",
+                "-colorspace", "Gray", "-format", "%[fx:maxima]", "info:-")
+            if lightest and float(lightest) > 0.9:
+                return True
+        return False
+
+
+class Overheard:
+    """What is asked of the daemons of a bus to show, and what they answer, in this order."""
+
+    def __init__(self, desktop):
+        self._calls = {}
+        self._bus = dbus.bus.BusConnection(desktop.env["DBUS_SESSION_BUS_ADDRESS"],
+                                           mainloop=dbus.mainloop.glib.DBusGMainLoop())
+        self._bus.add_message_filter(self._hear)
+        self._bus.call_blocking(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
+            "BecomeMonitor", "asu",
+            ([f"type='method_call',interface='{NAME}',member='Notify'", "type='method_return'",
+              "type='error'"], 0))
+
+    def _hear(self, _, message):
+        if isinstance(message, dbus.lowlevel.MethodCallMessage):
+            if message.get_member() == "Notify":
+                title, body, actions, hints = message.get_args_list()[3:7]
+                self._calls[message.get_sender(), message.get_serial()] = types.SimpleNamespace(
+                    title=str(title), body=str(body), actions=[str(each) for each in actions],
+                    hints=dict(hints), answer=None)
+        elif isinstance(message, (dbus.lowlevel.MethodReturnMessage, dbus.lowlevel.ErrorMessage)):
+            call = self._calls.get((message.get_destination(), message.get_reply_serial()))
+            if call is not None:
+                call.answer = message
+        # A monitor that answers anybody is thrown off the bus.
+        return dbus.lowlevel.HANDLER_RESULT_HANDLED
+
+    def answered(self, count):
+        """All calls, once there are so many and each has its answer."""
+        def all_answered():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            calls = list(self._calls.values())
+            return len(calls) >= count and all(call.answer for call in calls) and calls
+
+        return eventually(all_answered, f"{count} notifications are sent and answered")
+
+    def end(self):
+        self._bus.close()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Load warnings as notifications of a real daemon.
+"""Load warnings as notifications of real daemons.
 
     notification_test.py POSTER [unittest options]
 
@@ -74,11 +74,14 @@ class Poster:
 
 class NotificationTestCase(unittest.TestCase):
     def setUp(self):
-        from notification_daemon import NotificationDaemon
-        self.daemon = NotificationDaemon(desktop)
+        self.daemon = self.new_daemon()
         self.addCleanup(self.daemon.end)
         self.poster = Poster()
         self.addCleanup(self.poster.end)
+
+    def new_daemon(self):
+        from notification_daemon import NotificationDaemon
+        return NotificationDaemon(desktop)
 
     def warn(self, name):
         """Posts a warning of this name and gives the notification that comes of it."""
@@ -190,6 +193,67 @@ class Restart(NotificationTestCase):
         self.poster.tell("warn found")
         self.assertEqual(self.daemon.find("found").body, warning("found"))
         self.assertEqual([each.body for each in self.daemon.shown()], [warning("found")])
+        self.assert_ends_without_a_word()
+
+
+class WithoutButtons(NotificationTestCase):
+    """A daemon that can show no buttons, though they are wanted."""
+
+    def setUp(self):
+        from notification_daemon import Overheard
+        super().setUp()
+        self.overheard = Overheard(desktop)
+        self.addCleanup(self.overheard.end)
+        self.daemon.start()
+
+    def new_daemon(self):
+        from notification_daemon import DaemonWithoutButtons
+        return DaemonWithoutButtons(desktop)
+
+    def assert_shows(self, name):
+        eventually(lambda: self.daemon.text() == ("Tallowcrest warning", warning(name)),
+                   f"the warning of {name} can be read")
+        eventually(self.daemon.shines, "it is on the screen")
+
+    def test_it_is_sent_none_and_shows_the_text_letter_for_letter(self):
+        self.assertNotIn("actions", self.daemon.capabilities())
+        self.assertIn("body-markup", self.daemon.capabilities())
+        self.assertFalse(self.daemon.shines())
+        self.poster.tell("warn <b>x</b> & co")
+        call, = self.overheard.answered(1)
+        self.assertEqual(call.title, "Tallowcrest warning")
+        self.assertEqual(call.body, warning("&lt;b&gt;x&lt;/b&gt; &amp; co"))
+        self.assertEqual(call.actions, [])
+        self.assertEqual(call.hints["category"], "x-tallowcrest.warning")
+        self.assertEqual(call.answer.get_signature(), "u")
+        self.assertGreater(call.answer.get_args_list()[0], 0)
+        self.assert_shows("<b>x</b> & co")
+        self.assertEqual(self.poster.answers(), [])
+        self.assert_ends_without_a_word()
+
+    def test_each_daemon_in_turn_is_sent_what_it_can_show(self):
+        self.poster.tell("warn first")
+        self.assert_shows("first")
+        self.daemon.kill()
+
+        with_buttons = super().new_daemon()
+        self.addCleanup(with_buttons.end)
+        with_buttons.start()
+        self.assertIn("actions", with_buttons.capabilities())
+        self.poster.tell("warn second")
+        with_buttons.press(with_buttons.find("second"), "AI Analyze")
+        self.assert_answers("pressed OPEN_AI", "route aiAdvisor")
+        with_buttons.kill()
+
+        self.daemon.start()
+        self.poster.tell("warn third")
+        self.assert_shows("third")
+        calls = self.overheard.answered(3)
+        self.assertEqual([call.body for call in calls],
+                         [warning(name) for name in ("first", "second", "third")])
+        self.assertEqual([call.actions[::2] for call in calls],
+                         [[], ["default", "OPEN_OPTIMIZE", "OPEN_AI", "SCAN_REMOTES"], []])
+        self.assert_answers("pressed OPEN_AI", "route aiAdvisor")
         self.assert_ends_without_a_word()
 
 
