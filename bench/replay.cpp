@@ -81,9 +81,10 @@ int run(const LoadTrace& trace) {
                timeText(trace.empty() ? 0.0 : trace.back().seconds), took.count());
     for (const auto& [kind, account] : accounts) {
         fmt::print("{:<24} {:>4} times", kind, account.count);
-        fmt::print(account.count > 1
-                       ? fmt::format(", at least {:.0f} s apart\n", account.shortestDistance)
-                       : "\n");
+        if (account.count > 1) {
+            fmt::print(", at least {:.0f} s apart", account.shortestDistance);
+        }
+        fmt::print("\n");
     }
     return EXIT_SUCCESS;
 }
