@@ -1,25 +1,16 @@
 #include "presentation/dashboard_window.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHideEvent>
-#include <QKeyEvent>
-#include <QLineEdit>
-#include <QMenuBar>
-#include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QStackedLayout>
-#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
 #include "presentation/coming_page.h"
 #include "presentation/confirmation_dialog.h"
-#include "presentation/dashboard_text.h"
 #include "presentation/history/history_page.h"
-#include "presentation/icon.h"
 #include "presentation/operation_target_bar.h"
 #include "presentation/optimize/cleanup_page.h"
 #include "presentation/overview_page.h"
@@ -31,6 +22,7 @@
 #include "presentation/sidebar.h"
 #include "presentation/status_strip.h"
 #include "presentation/theme.h"
+#include "presentation/window_menus.h"
 
 namespace tallowcrest {
 namespace {
@@ -40,24 +32,6 @@ constexpr QSize smallestSize{640, 480};
 /// Below this the sidebar keeps its icons and gives its words' room to the content.
 constexpr int foldingWidth = 860;
 
-QAction* named(QAction* action, const QString& identifier) {
-    action->setObjectName(QStringLiteral("menu.") + identifier);
-    return action;
-}
-
-/// The keys that File's commands share with the editing of text.
-bool deletesAWord(const QKeyEvent& key) {
-    return key.modifiers() == Qt::ControlModifier &&
-           (key.key() == Qt::Key_Delete || key.key() == Qt::Key_Backspace);
-}
-
-bool isInTextField() {
-    const QWidget* focus = QApplication::focusWidget();
-    return qobject_cast<const QLineEdit*>(focus) != nullptr ||
-           qobject_cast<const QTextEdit*>(focus) != nullptr ||
-           qobject_cast<const QPlainTextEdit*>(focus) != nullptr;
-}
-
 }  // namespace
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
@@ -66,7 +40,12 @@ DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
     setWindowTitle(QStringLiteral("Tallowcrest"));
     setAccessibleName(windowTitle());
     setCentralWidget(makeContent());
-    makeMenus();
+    menus_ = new WindowMenus(monitor_, *this);
+    connect(menus_, &WindowMenus::processFilterWanted, this, [this] {
+        monitor_.navigation().setSelectedRoute(AppRoute::load);
+        refresh();
+        screen(AppRoute::load)->focusSearch();
+    });
     setMinimumSize(smallestSize);
     resize(firstSize);
     subscription_ = monitor_.observe([this] { refresh(); });
@@ -106,138 +85,6 @@ QWidget* DashboardWindow::makeContent() {
     return content;
 }
 
-void DashboardWindow::makeMenus() {
-    menuBar()->setObjectName(QStringLiteral("menu"));
-    makeApplicationMenu();
-    makeFileMenu();
-    makeGoMenu();
-}
-
-void DashboardWindow::makeApplicationMenu() {
-    QMenu* application = menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
-    application->setObjectName(QStringLiteral("menu.application"));
-    named(application->addAction(QStringLiteral("About Tallowcrest"), this,
-                                 &DashboardWindow::showAbout),
-          QStringLiteral("about"))
-        ->setMenuRole(QAction::AboutRole);
-    QAction* settings =
-        named(application->addAction(themedIcon(QStringLiteral("gearshape")),
-                                     QStringLiteral("Settings..."), this,
-                                     [this] { monitor_.navigation().setShowSettings(true); }),
-              QStringLiteral("settings"));
-    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    settings->setMenuRole(QAction::PreferencesRole);
-    QAction* refreshAction = named(
-        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
-        QStringLiteral("refresh"));
-    refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
-    refreshAction->setAutoRepeat(false);
-    refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
-    application->addSeparator();
-    addEmergencyStop(*application);
-    application->addSeparator();
-    QAction* quit =
-        named(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
-              QStringLiteral("quit"));
-    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-    quit->setMenuRole(QAction::QuitRole);
-}
-
-void DashboardWindow::addEmergencyStop(QMenu& menu) {
-    emergencyStop_ = named(menu.addAction(themedIcon(QStringLiteral("exclamationmark.octagon")),
-                                          QStringLiteral("Emergency Stop"), this,
-                                          [this] { monitor_.automation().engageEmergencyStop(); }),
-                           QStringLiteral("emergency-stop"));
-    // Two keys on every keyboard: where the period needs Shift, the second pair does not.
-    emergencyStop_->setShortcuts(
-        {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
-    // In any window of the application. A dialog that locks this one takes the action along.
-    emergencyStop_->setShortcutContext(Qt::ApplicationShortcut);
-    // Keys that are held down stop everything once.
-    emergencyStop_->setAutoRepeat(false);
-    emergencyStop_->setMenuRole(QAction::ApplicationSpecificRole);
-    // Without a key of its own: what was stopped in a hurry is not resumed in one.
-    resumeManualMode_ =
-        named(menu.addAction(QStringLiteral("Resume Manual Mode"), this,
-                             [this] { monitor_.automation().resumeFromEmergencyStop(); }),
-              QStringLiteral("resume-manual-mode"));
-    resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
-    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
-}
-
-void DashboardWindow::showAbout() {
-    auto* about =
-        new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Tallowcrest"),
-                        QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()),
-                        QMessageBox::Ok, this);
-    about->setObjectName(QStringLiteral("about"));
-    about->setAttribute(Qt::WA_DeleteOnClose);
-    constexpr int iconSize = 64;
-    about->setIconPixmap(windowIcon().pixmap(iconSize));
-    about->addAction(emergencyStop_);
-    about->open();
-}
-
-void DashboardWindow::makeFileMenu() {
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
-    file->setObjectName(QStringLiteral("menu.file"));
-    named(file->addAction(themedIcon(QStringLiteral("doc.on.doc")), QStringLiteral("Copy Report"),
-                          this, [this] { monitor_.reports().copyDiagnosticsReport(); }),
-          QStringLiteral("copy-report"))
-        ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
-    QAction* exportReport =
-        named(file->addAction(themedIcon(QStringLiteral("square.and.arrow.up")),
-                              QStringLiteral("Export Diagnostics..."), this,
-                              [this] { monitor_.reports().exportDiagnosticsReport(); }),
-              QStringLiteral("export-diagnostics"));
-    exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
-    // A key held down exports one report and not several of the same second.
-    exportReport->setAutoRepeat(false);
-    file->addSeparator();
-    QAction* quitProcess =
-        named(file->addAction(QStringLiteral("Quit Selected Process"), this,
-                              [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
-              QStringLiteral("quit-selected-process"));
-    quitProcess->setShortcuts(
-        {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
-    // Each press without a target is an event of the log, which a key held down would fill.
-    quitProcess->setAutoRepeat(false);
-    QAction* quitApp =
-        named(file->addAction(QStringLiteral("Quit Selected App Group"), this,
-                              [this] { monitor_.localActions().requestQuitSelectedApp(); }),
-              QStringLiteral("quit-selected-app"));
-    // By their first word they would be taken for the command that quits this application.
-    quitProcess->setMenuRole(QAction::NoRole);
-    quitApp->setMenuRole(QAction::NoRole);
-}
-
-void DashboardWindow::makeGoMenu() {
-    QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
-    go->setObjectName(QStringLiteral("menu.go"));
-    int key = Qt::Key_1;
-    for (const AppRoute route : allAppRoutes) {
-        QAction* action =
-            named(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
-                                dashboard_text::text(title(route)), this,
-                                [this, route] { monitor_.navigation().setSelectedRoute(route); }),
-                  QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
-        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
-        // "Settings" is a place to go to here, not the application's settings command.
-        action->setMenuRole(QAction::NoRole);
-    }
-    go->addSeparator();
-    QAction* filter =
-        named(go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
-                            QStringLiteral("Filter Processes"), this,
-                            [this] {
-                                monitor_.navigation().setSelectedRoute(AppRoute::load);
-                                refresh();
-                                screen(AppRoute::load)->focusSearch();
-                            }),
-              QStringLiteral("go.filter-processes"));
-    filter->setShortcut(QKeySequence::Find);
-}
-
 Screen* DashboardWindow::makeScreen(AppRoute route) {
     switch (route) {
         case AppRoute::overview:
@@ -267,7 +114,7 @@ Screen* DashboardWindow::screen(AppRoute route) {
 void DashboardWindow::refresh() {
     refreshConfirmation();
     refreshSettings();
-    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
+    menus_->refresh();
     if (!canBeSeen()) {
         return;
     }
@@ -333,7 +180,7 @@ void DashboardWindow::openConfirmation() {
     }
     if (confirmation_ == nullptr) {
         confirmation_ = new ConfirmationDialog(monitor_.confirmations(), this);
-        confirmation_->addAction(emergencyStop_);
+        confirmation_->addAction(emergencyStop());
     }
     confirmation_->refresh();
 }
@@ -355,22 +202,17 @@ void DashboardWindow::openSettings() {
     }
     if (settings_ == nullptr) {
         settings_ = new SettingsSheet(monitor_, this);
-        settings_->addAction(emergencyStop_);
+        settings_->addAction(emergencyStop());
     }
     settings_->refresh();
 }
 
-std::array<QDialog*, 2> DashboardWindow::dialogs() const {
-    return {settings_, confirmation_};
+QAction* DashboardWindow::emergencyStop() const {
+    return menus_->emergencyStop();
 }
 
-bool DashboardWindow::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && isInTextField() &&
-        deletesAWord(*static_cast<QKeyEvent*>(event))) {
-        event->accept();
-        return true;
-    }
-    return QMainWindow::event(event);
+std::array<QDialog*, 2> DashboardWindow::dialogs() const {
+    return {settings_, confirmation_};
 }
 
 void DashboardWindow::hideEvent(QHideEvent* event) {

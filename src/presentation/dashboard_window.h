@@ -24,6 +24,7 @@ class SettingsSheet;
 class Sidebar;
 class StatusStrip;
 class SystemMonitor;
+class WindowMenus;
 
 /// The one dashboard window. Only what can be seen is kept up to date; a closed or minimised window
 /// does no work. A request that waits for a confirmation brings up a dialog above it, whatever
@@ -40,7 +41,7 @@ public:
     void bringToFront();
 
     /// For windows of the program beside this one: its keys work where the action has been added.
-    QAction* emergencyStop() const { return emergencyStop_; }
+    QAction* emergencyStop() const;
 
 signals:
     /// The owner closed the window.
@@ -51,19 +52,12 @@ signals:
 protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-    bool event(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* makeContent();
-    void makeMenus();
-    void makeApplicationMenu();
-    void addEmergencyStop(QMenu& menu);
-    void showAbout();
-    void makeFileMenu();
-    void makeGoMenu();
     void refresh();
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
     /// Opens the dialog when a request is pending, and keeps an open one up to date.
@@ -86,8 +80,7 @@ private:
     OperationTargetBar* target_ = nullptr;
     ConfirmationDialog* confirmation_ = nullptr;  ///< built for the first request
     SettingsSheet* settings_ = nullptr;           ///< built when it is first wanted
-    QAction* emergencyStop_ = nullptr;
-    QAction* resumeManualMode_ = nullptr;
+    WindowMenus* menus_ = nullptr;
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;
