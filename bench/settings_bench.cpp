@@ -21,6 +21,8 @@
 #include "platform/sqlite/open_settings_store.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
+#include "tests/support/fake_report_folder.h"
+#include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"
 
@@ -148,7 +150,8 @@ void constructionOverAFullStore(benchmark::State& state) {
         const SystemMonitor monitor(
             MonitorPorts{mainQueue, workQueue, clock, file.store(),
                          std::make_shared<FakeMetricsReader>(), std::make_shared<FakeTickSource>(),
-                         std::make_shared<PlainLocale>(), FakeLocalActions().ports()},
+                         std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
+                         std::make_shared<FakeReportFolder>(), atGreenwich},
             HostFacts{4, {}, "owner", {}});
         if (monitor.sample().history().size() != 720) {
             state.SkipWithError("the history was not loaded");

@@ -19,6 +19,7 @@
 #include "platform/posix/tool_launcher_posix.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
+#include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_queues.h"
 
 namespace tallowcrest {
@@ -63,7 +64,8 @@ public:
         : monitor_(MonitorPorts{mainQueue_, workQueue_, clock_, store_, std::move(metrics),
                                 std::move(ticks),
                                 std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"}),
-                                FakeLocalActions().ports()},
+                                FakeLocalActions().ports(), std::make_shared<FakeReportFolder>(),
+                                atGreenwich},
                    HostFacts{inputs().cpuCount, inputs().protection, {}, {}}) {
         while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
             takeInBackground();

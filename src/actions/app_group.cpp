@@ -39,10 +39,8 @@ const AppImpact* firstSafeGroup(std::span<const AppImpact> groups,
         if (protectedAppNames.contains(group.name) || !group.topPID) {
             return false;
         }
-        const auto row = std::find_if(rows.begin(), rows.end(), [&](const ProcessSample& each) {
-            return each.pid == *group.topPID;
-        });
-        return row == rows.end() || isSafeTarget(*row, protectedAppNames, policy);
+        const ProcessSample* row = findProcess(rows, *group.topPID);
+        return row == nullptr || isSafeTarget(*row, protectedAppNames, policy);
     };
     const auto found = std::find_if(groups.begin(), groups.end(), isSafe);
     return found == groups.end() ? nullptr : &*found;

@@ -49,10 +49,9 @@ AppleScriptQuit::AppleScriptQuit(const CommandSafetyPolicy::AllowedExecutables& 
                                  ToolLauncher& launcher)
     : allowed_(allowed), launcher_(launcher) {}
 
-bool AppleScriptQuit::gracefulAppQuit(const std::string& name,
-                                      const std::vector<ProcessSample>& /*members*/) {
+bool AppleScriptQuit::ask(const std::string& name, const std::vector<ProcessSample>& /*members*/) {
     const std::string tool = "/usr/bin/osascript";
-    if (!isAllowedExecutable(allowed_, tool) || isSyntheticGroupName(name)) {
+    if (!isAllowedExecutable(allowed_, tool)) {
         return false;
     }
     const std::optional<std::string> script = gracefulQuitScript(name);

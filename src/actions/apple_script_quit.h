@@ -18,17 +18,16 @@ namespace tallowcrest {
 std::optional<std::string> gracefulQuitScript(std::string_view name);
 
 /// Asks by name, with the script tool of macOS. The application answers for all its processes.
+/// False as well when the tool is not allowed or no script can be made of the name; nothing is
+/// launched then. Waits for the application's answer however long it takes.
 class AppleScriptQuit final : public GracefulQuit {
 public:
     /// The references must outlive the object.
     AppleScriptQuit(const CommandSafetyPolicy::AllowedExecutables& allowed, ToolLauncher& launcher);
 
-    /// False as well when the tool is not allowed or no script can be made of the name; nothing is
-    /// launched then. Waits for the application's answer however long it takes.
-    bool gracefulAppQuit(const std::string& name,
-                         const std::vector<ProcessSample>& members) override;
-
 private:
+    bool ask(const std::string& name, const std::vector<ProcessSample>& members) override;
+
     const CommandSafetyPolicy::AllowedExecutables& allowed_;
     ToolLauncher& launcher_;
 };

@@ -62,16 +62,19 @@ void LocalActions::requestQuitSelectedProcess() {
     const std::string name =
         row != nullptr ? std::string(row->displayName()) : fmt::format("process {}", *pid);
     ConfirmationRequest request = local_requests::quitProcess(name, *pid);
+    // Those of the row that was reviewed, where the process has left the table since.
+    const std::string& path = row != nullptr ? row->command : with_.review.selectedCommand();
+    const std::uint64_t startTime =
+        row != nullptr ? row->startTime : with_.review.selectedStartTime();
+    // Of a process that is gone and never had a start time nobody can tell whether it still is the
+    // one that bears the number.
+    const bool isUntold = row == nullptr && startTime == 0 && !path.empty();
     reviewed_ = {request.id, nullptr};
-    if (CommandSafetyPolicy::validatedPID(*pid)) {
+    if (CommandSafetyPolicy::validatedPID(*pid) && !isUntold) {
         // A row without a start time stands for the process that bears its number at this moment,
         // and so does a number that no row ever told of.
-        const std::uint64_t startTime =
-            row != nullptr ? row->startTime : with_.review.selectedStartTime();
         reviewed_.process = ports_.processes->hold(*pid, startTime);
     }
-    // That of the row which was reviewed, where the process has left the table since.
-    const std::string& path = row != nullptr ? row->command : with_.review.selectedCommand();
     with_.confirmations.requestConfirmation(
         std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path});
     with_.review.setOptimizeStep(local_requests::quitProcessStep(name));
@@ -134,45 +137,59 @@ void LocalActions::requestQuitSelectedApp() {
 }
 
 void LocalActions::quitAppGroup(const std::string& group) {
-    // From the rows of this moment: what was shown when the request was built may have gone.
-    std::vector<ProcessSample> members = visibleMembers(
-        with_.sample.latestProcesses(), group, with_.settings.protectedAppNames, with_.protection);
-    if (ports_.gracefulQuit == nullptr || isSyntheticGroupName(group)) {
-        finishAppGroup(group, members, false);
-        return;
-    }
-    if (!groupsBeingAsked_.insert(group).second) {
+    const auto [asking, isNew] = groupsBeingAsked_.try_emplace(group);
+    if (!isNew) {
         // A second asking beside the first would find windows closed already, and end what saves.
         with_.log.recordMessage(fmt::format("{} is still being asked to quit.", group));
         return;
     }
+    // Held before anybody is asked: while that takes its time, a number may change hands.
+    asking->second = heldMembers(group);
+    if (ports_.gracefulQuit == nullptr) {
+        finishAppGroup(group, false);
+        return;
+    }
+    // A group that was put on the Never Quit list meanwhile is still asked, for it was confirmed by
+    // its name; it just is not made to quit.
+    std::vector<ProcessSample> members =
+        visibleMembers(with_.sample.latestProcesses(), group, {}, with_.protection);
     // An application may take its time to answer, and the window must not wait with it.
     with_.workQueue.post([&mainQueue = with_.mainQueue, quit = ports_.gracefulQuit,
                           self = std::weak_ptr(self_), group, members = std::move(members)] {
         const bool wasAsked = quit->gracefulAppQuit(group, members);
-        mainQueue.post([self, group, members, wasAsked] {
+        mainQueue.post([self, group, wasAsked] {
             if (const auto actions = self.lock()) {
-                (*actions)->finishAppGroup(group, members, wasAsked);
+                (*actions)->finishAppGroup(group, wasAsked);
             }
         });
     });
 }
 
-void LocalActions::finishAppGroup(const std::string& group, std::vector<ProcessSample> members,
-                                  bool wasAskedGracefully) {
+std::vector<LocalActions::GroupMember> LocalActions::heldMembers(const std::string& group) {
+    std::vector<GroupMember> held;
+    // From the rows of this moment: what was shown when the request was built may have gone.
+    for (ProcessSample& row : visibleMembers(with_.sample.latestProcesses(), group,
+                                             with_.settings.protectedAppNames, with_.protection)) {
+        if (CommandSafetyPolicy::validatedPID(row.pid)) {
+            auto process = ports_.processes->hold(row.pid, row.startTime);
+            held.push_back({std::move(row), std::move(process)});
+        }
+    }
+    return held;
+}
+
+void LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefully) {
+    const std::vector<GroupMember> members = std::move(groupsBeingAsked_[group]);
     groupsBeingAsked_.erase(group);
     if (wasAskedGracefully) {
         with_.log.recordMessage(fmt::format("Asked {} to quit gracefully.", group));
     } else {
-        // The list of what may not be quit can have grown while the application was asked.
-        std::erase_if(members, [this](const ProcessSample& member) {
-            return !isSafeTarget(member, with_.settings.protectedAppNames, with_.protection);
-        });
-        for (const ProcessSample& member : members) {
-            if (CommandSafetyPolicy::validatedPID(member.pid)) {
+        for (const GroupMember& member : members) {
+            // The list of what may not be quit can have grown while the application was asked.
+            if (isSafeTarget(member.row, with_.settings.protectedAppNames, with_.protection)) {
                 // A process that would not be asked stays in the next sample's list, which is all
                 // that a person needs to see.
-                ports_.processes->hold(member.pid, member.startTime)->terminate();
+                member.process->terminate();
             }
         }
         with_.log.recordMessage(fmt::format("Asked {}'s visible processes to quit.", group));
@@ -261,6 +278,7 @@ void LocalActions::toggleNeverQuit(const std::string& group) {
     // The set is sorted, and so is what is stored of it.
     with_.store.write(settings_keys::protectedAppsKey,
                       SettingsTextList(names.begin(), names.end()));
+    with_.regroup();
     with_.observable.changed();
 }
 

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -49,6 +49,8 @@ public:
         WorkQueue& workQueue;
         /// Takes a new sample, so that lists and recommendations show the effect.
         std::function<void()> refresh;
+        /// Groups the latest processes anew, by the Never Quit list as it is now.
+        std::function<void()> regroup;
     };
 
     /// Registers the kinds of confirmation that it owns.
@@ -80,10 +82,16 @@ private:
         std::unique_ptr<HeldProcess> process;  ///< null for a number that no process can have
     };
 
+    /// A process that may get TERM when its group is not asked gracefully.
+    struct GroupMember {
+        ProcessSample row;
+        std::unique_ptr<HeldProcess> process;
+    };
+
     void quitProcess(const ConfirmationRequest& request);
     void quitAppGroup(const std::string& group);
-    void finishAppGroup(const std::string& group, std::vector<ProcessSample> members,
-                        bool wasAskedGracefully);
+    void finishAppGroup(const std::string& group, bool wasAskedGracefully);
+    std::vector<GroupMember> heldMembers(const std::string& group);
     void runPurge();
     void finishPurge(const PurgeResult& result);
 
@@ -91,7 +99,7 @@ private:
     LocalActionPorts ports_;
     Reviewed reviewed_;
     bool isPurging_ = false;
-    std::set<std::string> groupsBeingAsked_;
+    std::map<std::string, std::vector<GroupMember>> groupsBeingAsked_;
     std::shared_ptr<LocalActions*> self_;  ///< expires with the actions
 };
 

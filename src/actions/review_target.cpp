@@ -5,18 +5,13 @@
 
 #include <fmt/format.h>
 
+#include "actions/app_group.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
 namespace {
 
 constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
-
-const ProcessSample* findRow(const std::vector<ProcessSample>& rows, std::int64_t pid) {
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [pid](const ProcessSample& row) { return row.pid == pid; });
-    return found == rows.end() ? nullptr : &*found;
-}
 
 }  // namespace
 
@@ -35,7 +30,7 @@ void ReviewTarget::setOptimizeStep(std::string step) {
 }
 
 void ReviewTarget::setTarget(std::int64_t pid, std::string groupName) {
-    const ProcessSample* row = findRow(sample_.latestProcesses(), pid);
+    const ProcessSample* row = findProcess(sample_.latestProcesses(), pid);
     selectedPID_ = pid;
     selectedStartTime_ = row == nullptr ? 0 : row->startTime;
     selectedCommand_ = row == nullptr ? std::string() : row->command;
@@ -91,7 +86,7 @@ void ReviewTarget::selectTopApp() {
     }
     const AppImpact& group = snapshot->appImpacts.front();
     // A top process that has left the table since is let through: reviewing it harms nothing.
-    const ProcessSample* row = findRow(sample_.latestProcesses(), *group.topPID);
+    const ProcessSample* row = findProcess(sample_.latestProcesses(), *group.topPID);
     if (row != nullptr && isProtectedTarget(*row)) {
         log_.recordMessage(
             "Top app includes protected system processes. Select a safer app group.");
@@ -113,7 +108,7 @@ void ReviewTarget::clearOperationTarget() {
 }
 
 const ProcessSample* ReviewTarget::findSelected(const std::vector<ProcessSample>& rows) const {
-    const ProcessSample* row = selectedPID_ ? findRow(rows, *selectedPID_) : nullptr;
+    const ProcessSample* row = selectedPID_ ? findProcess(rows, *selectedPID_) : nullptr;
     const bool isAnotherProcess = row != nullptr && selectedStartTime_ != 0 &&
                                   row->startTime != 0 && row->startTime != selectedStartTime_;
     return isAnotherProcess ? nullptr : row;
@@ -142,7 +137,7 @@ SelectedTargetSummary ReviewTarget::selectedTargetSummary() const {
 }
 
 bool ReviewTarget::isProtectedTarget(const ProcessSample& process) const {
-    return isProtected(process, policy_) || protectedAppNames_.contains(appGroupName(process));
+    return !isSafeTarget(process, protectedAppNames_, policy_);
 }
 
 }  // namespace tallowcrest

@@ -51,9 +51,9 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
          desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
          std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
                                           host::purgeTools())},
-        desktop.notifications,
         std::make_shared<PosixReportFolder>(host::places().reports, std::move(desktop.revealFile)),
-        utcOffsetOfThisMachine};
+        utcOffsetOfThisMachine,
+        desktop.notifications};
     monitor_.emplace(
         ports,
         HostFacts{host::activeProcessorCount(), host::protectionPolicy(), host::loginName(),

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <compare>
+#include <cstdint>
+#include <functional>
 
 namespace tallowcrest {
 
@@ -23,5 +25,9 @@ struct Date {
 constexpr double secondsBetween(Date earlier, Date later) {
     return later.secondsSinceReference - earlier.secondsSinceReference;
 }
+
+/// By how many seconds the clock on the wall is ahead of UTC at an instant; negative west of
+/// Greenwich. Asked for dates of `Locale::hasForm` alone. Any thread, several at once.
+using UTCOffset = std::function<std::int64_t(Date)>;
 
 }  // namespace tallowcrest

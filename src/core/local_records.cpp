@@ -1,5 +1,7 @@
 #include "core/local_records.h"
 
+#include <algorithm>
+
 namespace tallowcrest {
 
 std::string_view lastPathComponent(std::string_view path) {
@@ -18,6 +20,12 @@ std::string_view ProcessSample::displayName() const {
     }
     const std::string_view name = lastPathComponent(command);
     return name.empty() ? std::string_view(command) : name;
+}
+
+const ProcessSample* findProcess(std::span<const ProcessSample> rows, std::int64_t pid) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [pid](const ProcessSample& row) { return row.pid == pid; });
+    return found == rows.end() ? nullptr : &*found;
 }
 
 std::string_view title(Recommendation::Severity severity) {

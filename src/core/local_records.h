@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -38,6 +39,9 @@ struct ProcessSample {
     }
     bool operator==(const ProcessSample&) const = default;
 };
+
+/// The first row with that number; null when there is none. Points into `rows`.
+const ProcessSample* findProcess(std::span<const ProcessSample> rows, std::int64_t pid);
 
 /// The last component of a path, trailing slashes ignored ("/usr/lib/" gives "lib"); empty when
 /// there is none. Views into `path`.

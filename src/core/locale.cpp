@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include "core/utf8.h"
@@ -31,9 +33,8 @@ double rounded(double value, int fractionDigits) {
 }
 
 /// `date` has a form.
-std::chrono::sys_seconds wholeSeconds(Date date) {
-    return std::chrono::sys_seconds(
-        std::chrono::seconds(static_cast<std::int64_t>(std::floor(date.unixSeconds()))));
+std::tm calendar(Date date) {
+    return fmt::gmtime(static_cast<std::time_t>(std::floor(date.unixSeconds())));
 }
 
 }  // namespace
@@ -69,31 +70,13 @@ std::string PlainLocale::decimal(double value, int fractionDigits) const {
     return fmt::format("{:.{}f}", rounded(value, digits), digits);
 }
 
-std::string PlainLocale::wholeNumber(std::int64_t value) const {
-    return fmt::format("{}", value);
-}
-
 std::string PlainLocale::dateAndTime(Date date) const {
-    if (!hasForm(date)) {
-        return std::string(unknownDate);
-    }
-    const auto seconds = wholeSeconds(date);
-    const auto midnight = std::chrono::floor<std::chrono::days>(seconds);
-    const std::chrono::year_month_day day(midnight);
-    const std::chrono::hh_mm_ss time(seconds - midnight);
-    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", static_cast<int>(day.year()),
-                       static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
-                       time.hours().count(), time.minutes().count());
+    return hasForm(date) ? fmt::format("{:%Y-%m-%d %H:%M}", calendar(date))
+                         : std::string(unknownDate);
 }
 
 std::string PlainLocale::timeOfDay(Date date) const {
-    if (!hasForm(date)) {
-        return std::string(unknownDate);
-    }
-    const auto seconds = wholeSeconds(date);
-    const std::chrono::hh_mm_ss time(seconds - std::chrono::floor<std::chrono::days>(seconds));
-    return fmt::format("{:02}:{:02}:{:02}", time.hours().count(), time.minutes().count(),
-                       time.seconds().count());
+    return hasForm(date) ? fmt::format("{:%H:%M:%S}", calendar(date)) : std::string(unknownDate);
 }
 
 }  // namespace tallowcrest

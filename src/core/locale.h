@@ -34,9 +34,6 @@ public:
     /// show as such.
     virtual std::string decimal(double value, int fractionDigits) const = 0;
 
-    /// `value` exactly, its digits grouped where the locale groups them.
-    virtual std::string wholeNumber(std::int64_t value) const = 0;
-
     /// The day in figures and the time in hours and minutes, as the clock on the wall shows them:
     /// "11/20/2026, 3:45 PM". One line. `unknownDate` without `hasForm`.
     virtual std::string dateAndTime(Date date) const = 0;
@@ -58,7 +55,6 @@ public:
                                            std::string_view right) const override;
     bool containsIgnoringCase(std::string_view text, std::string_view part) const override;
     std::string decimal(double value, int fractionDigits) const override;
-    std::string wholeNumber(std::int64_t value) const override;
     std::string dateAndTime(Date date) const override;
     std::string timeOfDay(Date date) const override;
 };

@@ -1,10 +1,11 @@
 #include "monitor/load_rules.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 #include <fmt/format.h>
+
+#include "core/number_text.h"
 
 namespace tallowcrest::load_rules {
 
@@ -40,14 +41,14 @@ std::string topProcessName(const SystemSnapshot& snapshot) {
 }
 
 std::string warningDetail(const SystemSnapshot& snapshot) {
-    return fmt::format("High load detected. CPU {:.0f}%, memory {:.0f}%. Top process: {}.",
-                       std::round(snapshot.cpuPercent), std::round(snapshot.memory.pressure),
-                       topProcessName(snapshot));
+    return fmt::format("High load detected. CPU {}%, memory {}%. Top process: {}.",
+                       roundedToInteger(snapshot.cpuPercent),
+                       roundedToInteger(snapshot.memory.pressure), topProcessName(snapshot));
 }
 
 std::string autoSelectDetail(std::string_view group, double warningThreshold) {
-    return fmt::format("Selected {} because system load crossed {:.0f}%.", group,
-                       std::trunc(warningThreshold));
+    return fmt::format("Selected {} because system load crossed {}%.", group,
+                       cutToInteger(warningThreshold));
 }
 
 }  // namespace tallowcrest::load_rules

@@ -24,6 +24,14 @@ double sumOfCPU(const std::vector<ProcessSample>& processes) {
     return sum;
 }
 
+std::vector<AppImpact> listedAppImpacts(const std::vector<ProcessSample>& processes,
+                                        const SampleInputs& inputs) {
+    std::vector<AppImpact> groups =
+        buildAppImpacts(processes, inputs.protectedAppNames, inputs.protection);
+    groups.resize(std::min(groups.size(), maximumAppImpacts));
+    return groups;
+}
+
 }  // namespace
 
 SampleSources::SampleSources(std::shared_ptr<SystemMetricsReader> metrics,
@@ -49,9 +57,8 @@ BackgroundSample takeSample(SampleSources& sources, const BackgroundHooks& hooks
     snapshot.pressureText = sources.proMetrics->readPressureText();
     result.impactOrder = impactOrder(result.processes);
     snapshot.topProcesses = rowsInOrder(result.processes, result.impactOrder, maximumTopProcesses);
-    snapshot.appImpacts =
-        buildAppImpacts(result.processes, inputs.protectedAppNames, inputs.protection);
-    snapshot.appImpacts.resize(std::min(snapshot.appImpacts.size(), maximumAppImpacts));
+    snapshot.appImpacts = listedAppImpacts(result.processes, inputs);
+    result.protectedAppNames = inputs.protectedAppNames;
     snapshot.cpuPercent = load ? *load : cpuPercentFromProcesses(processPercent, inputs.cpuCount);
     result.recommendations =
         callOr({}, hooks.buildRecommendations, result.processes, snapshot.memory.freeGB,
@@ -91,6 +98,9 @@ void SampleCycle::refresh() {
 void SampleCycle::applySample(BackgroundSample background) {
     sample_.setLatestProcesses(std::move(background.processes), std::move(background.impactOrder));
     sample_.setSnapshot(std::move(background.snapshot));
+    if (background.protectedAppNames != inputs_().protectedAppNames) {
+        regroup();
+    }
     const SystemSnapshot& snapshot = *sample_.snapshot();
     if (mainHooks_.publishTailnet) {
         mainHooks_.publishTailnet(std::move(background.devices),
@@ -111,6 +121,12 @@ void SampleCycle::applySample(BackgroundSample background) {
     }
     if (mainHooks_.sampleApplied) {
         mainHooks_.sampleApplied();
+    }
+}
+
+void SampleCycle::regroup() {
+    if (sample_.snapshot()) {
+        sample_.setAppImpacts(listedAppImpacts(sample_.latestProcesses(), inputs_()));
     }
 }
 

@@ -50,8 +50,7 @@ struct MainHooks {
     std::function<void()> sampleApplied;
 };
 
-/// What the background half needs to know of the monitor's state, by value: a change of it during
-/// a sample shows in the next one.
+/// What the background half needs to know of the monitor's state, by value.
 struct SampleInputs {
     int cpuCount = 1;
     ProtectedAppNames protectedAppNames;
@@ -63,6 +62,7 @@ struct BackgroundSample {
     std::vector<ProcessSample> processes;
     std::vector<std::size_t> impactOrder;  ///< indexes of `processes`
     SystemSnapshot snapshot;
+    ProtectedAppNames protectedAppNames;  ///< by which `snapshot` has its groups
     std::vector<TailDevice> devices;
     std::vector<std::string> healthIssues;
     std::vector<Recommendation> recommendations;
@@ -96,6 +96,10 @@ public:
 
     /// The main half of one sample.
     void applySample(BackgroundSample background);
+
+    /// Groups the latest processes anew, for when the Never Quit list has changed: which process of
+    /// a group may be touched must not wait for the next sample. Without a sample, nothing.
+    void regroup();
 
 private:
     MainQueue& mainQueue_;

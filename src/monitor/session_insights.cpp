@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include "core/number_text.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -14,7 +16,7 @@ using Counts = std::map<std::string, std::int64_t>;
 
 /// The nearest whole number, halves away from zero; 0 for what is not finite.
 std::string percent(double value) {
-    return fmt::format("{:.0f}", std::isfinite(value) ? std::round(value) + 0.0 : 0.0);
+    return roundedToInteger(std::isfinite(value) ? value : 0.0);
 }
 
 SessionInsight insight(std::string title, std::string value, std::string detail) {

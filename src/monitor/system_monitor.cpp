@@ -63,9 +63,6 @@ MainHooks withOwnSteps(MainHooks hooks, const LatestSample& sample, AutoRules& r
 
 /// The hooks that lead from one component of the monitor to another.
 AutoRules::Hooks withWarnings(AutoRules::Hooks hooks, WarningNotifications& notifications) {
-    if (hooks.postLoadWarning) {
-        return hooks;
-    }
     hooks.postLoadWarning = [&notifications](const std::string& topProcessName) {
         notifications.postLoadWarning(topProcessName);
     };
@@ -73,9 +70,6 @@ AutoRules::Hooks withWarnings(AutoRules::Hooks hooks, WarningNotifications& noti
 }
 
 Automation::Hooks withRegistration(Automation::Hooks hooks, WarningNotifications& notifications) {
-    if (hooks.registerNotificationCategories) {
-        return hooks;
-    }
     hooks.registerNotificationCategories = [&notifications] {
         notifications.registerNotificationCategories();
     };
@@ -123,9 +117,10 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
       sections_(settings_.collapsedSections, store_, log_, observable_),
       review_(observable_, log_, sample_, settings_.protectedAppNames, host_.protection),
       confirmations_(observable_, log_),
-      localActions_({observable_, log_, sample_, review_, confirmations_, settings_, store_,
-                     host_.protection, ports.mainQueue, ports.workQueue, [this] { refresh(); }},
-                    ports.localActions),
+      localActions_(
+          {observable_, log_, sample_, review_, confirmations_, settings_, store_, host_.protection,
+           ports.mainQueue, ports.workQueue, [this] { refresh(); }, [this] { cycle_.regroup(); }},
+          ports.localActions),
       notifications_(ports.notifications, settings_, leadingTo(navigation_, extensions)),
       automation_(observable_, log_, settings_, store_,
                   withRegistration(std::move(extensions.automation), notifications_)),
@@ -136,8 +131,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host,
       applications_(log_, std::move(extensions.openActivityMonitor)),
       pasteboard_(log_, std::move(extensions.storeOnPasteboard)),
       reports_({log_, pasteboard_, ports.clock, *locale_, [this] { return diagnosticsFacts(); },
-                ports.utcOffset ? ports.utcOffset : [](Date) { return std::int64_t{0}; },
-                ports.reportFolder}),
+                ports.utcOffset, ports.reportFolder, ports.mainQueue, ports.workQueue}),
       cycle_(ports.mainQueue, ports.workQueue, ports.clock, std::move(beginning.sources), sample_,
              withOwnSteps(std::move(extensions.background), ports.locale),
              withOwnSteps(

@@ -54,10 +54,9 @@ struct MonitorPorts {
     std::shared_ptr<CPUTickSource> ticks;
     std::shared_ptr<const Locale> locale;  ///< never null
     LocalActionPorts localActions;
-    NotificationCenter* notifications = nullptr;      ///< null where nobody can be notified
-    std::shared_ptr<ReportFolder> reportFolder = {};  ///< null where nothing can be exported
-    /// By how many seconds the clock on the wall is ahead of UTC. Absent: not at all.
-    std::function<std::int64_t(Date)> utcOffset = {};
+    std::shared_ptr<ReportFolder> reportFolder;  ///< never null
+    UTCOffset utcOffset;
+    NotificationCenter* notifications = nullptr;  ///< null where nobody can be notified
 };
 
 /// Facts of this process and machine, fixed for the run.

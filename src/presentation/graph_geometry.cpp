@@ -61,18 +61,6 @@ std::vector<GraphPoint> graphLine(const std::vector<double>& values, double widt
     return line;
 }
 
-std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double height) {
-    if (line.size() < 2) {
-        return {};
-    }
-    std::vector<GraphPoint> area;
-    area.reserve(line.size() + 2);
-    area.push_back({line.front().x, height});
-    area.insert(area.end(), line.begin(), line.end());
-    area.push_back({line.back().x, height});
-    return area;
-}
-
 std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness) {
     const std::vector<Span> spans = columnSpans(line);
     const double reach = thickness / 2;

@@ -26,10 +26,6 @@ double graphY(double value, double height);
 /// value lies at the left edge.
 std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height);
 
-/// The outline of the area between `line` and the bottom of the canvas. Empty for fewer than two
-/// points, which enclose nothing.
-std::vector<GraphPoint> graphArea(const std::vector<GraphPoint>& line, double height);
-
 /// What a line covers of one column of pixels. A pixel whose middle lies at the height y is covered
 /// by the smallest of three shares: (`half` - |y - `middle`|) / `softness` + 0.5, and the distances
 /// to `top` and to `bottom`, inwards, + 0.5. Below 0 is nothing, above 1 is all of it.

@@ -1,6 +1,7 @@
 #include "presentation/menu_bar_entries.h"
 
 #include <QApplication>
+#include <QPointer>
 
 #include "monitor/system_monitor.h"
 #include "presentation/dashboard_window.h"
@@ -37,9 +38,11 @@ void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
 
 /// The file manager shows the file; why there is none is read in the window.
 void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
-    if (!monitor.reports().exportDiagnosticsReport()) {
-        window.bringToFront();
-    }
+    monitor.reports().exportDiagnosticsReport([guard = QPointer(&window)] {
+        if (guard) {
+            guard->bringToFront();
+        }
+    });
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "core/number_text.h"
 #include "reports/diagnostics_rows.h"
-#include "reports/report_numbers.h"
 
 namespace tallowcrest {
 namespace {

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "core/control_characters.h"
-#include "reports/report_numbers.h"
+#include "core/number_text.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {

@@ -1,32 +1,25 @@
 #include "reports/reports.h"
 
-#include <cerrno>
-#include <chrono>
 #include <cmath>
-#include <system_error>
+#include <ctime>
 #include <utility>
 
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 namespace tallowcrest {
 
 std::string exportFileName(Date date, std::int64_t utcOffsetSeconds) {
-    using namespace std::chrono;
     if (!Locale::hasForm(date)) {
         return "Tallowcrest-Diagnostics.txt";
     }
-    const sys_seconds wall{
-        seconds(static_cast<std::int64_t>(std::floor(date.unixSeconds())) + utcOffsetSeconds)};
-    const auto day = floor<days>(wall);
-    const year_month_day calendar{day};
-    const hh_mm_ss time{wall - day};
-    return fmt::format("Tallowcrest-Diagnostics-{:04}-{:02}-{:02}-{:02}{:02}{:02}.txt",
-                       static_cast<int>(calendar.year()), static_cast<unsigned>(calendar.month()),
-                       static_cast<unsigned>(calendar.day()), time.hours().count(),
-                       time.minutes().count(), time.seconds().count());
+    const auto seconds = static_cast<std::time_t>(std::floor(date.unixSeconds()));
+    return fmt::format("Tallowcrest-Diagnostics-{:%Y-%m-%d-%H%M%S}.txt",
+                       fmt::gmtime(seconds + utcOffsetSeconds));
 }
 
-Reports::Reports(Surroundings surroundings) : with_(std::move(surroundings)) {}
+Reports::Reports(Surroundings surroundings)
+    : with_(std::move(surroundings)), self_(std::make_shared<Reports*>(this)) {}
 
 std::optional<std::string> Reports::diagnosticsReport(bool redacted) const {
     const auto facts = with_.facts();
@@ -40,24 +33,40 @@ void Reports::copyDiagnosticsReport() {
     }
 }
 
-bool Reports::exportDiagnosticsReport() {
-    const auto report = diagnosticsReport(false);
+void Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
+    auto report = diagnosticsReport(false);
     if (!report) {
         with_.log.recordMessage("No diagnostic sample is available yet.");
-        return false;
+        if (whenFailed) {
+            whenFailed();
+        }
+        return;
     }
     const Date now = with_.clock.now();
-    const std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
-    const auto problem = with_.folder != nullptr
-                             ? with_.folder->write(name, *report)
-                             : std::optional<std::string>(std::generic_category().message(ENOENT));
-    if (problem) {
-        with_.log.recordMessage("Could not export diagnostics: " + *problem);
-        return false;
+    std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
+    with_.workQueue.post([&mainQueue = with_.mainQueue, folder = with_.folder,
+                          self = std::weak_ptr(self_), name = std::move(name),
+                          report = *std::move(report), whenFailed = std::move(whenFailed)] {
+        const std::optional<std::string> problem = folder->write(name, report);
+        mainQueue.post([self, name, problem, whenFailed] {
+            if (const auto reports = self.lock()) {
+                (*reports)->finishExport(name, problem, whenFailed);
+            }
+        });
+    });
+}
+
+void Reports::finishExport(const std::string& fileName, const std::optional<std::string>& problem,
+                           const std::function<void()>& whenFailed) {
+    if (!problem) {
+        with_.folder->reveal(fileName);
+        with_.log.recordMessage(fmt::format("Exported diagnostics to {}.", fileName));
+        return;
     }
-    with_.folder->reveal(name);
-    with_.log.recordMessage(fmt::format("Exported diagnostics to {}.", name));
-    return true;
+    with_.log.recordMessage("Could not export diagnostics: " + *problem);
+    if (whenFailed) {
+        whenFailed();
+    }
 }
 
 }  // namespace tallowcrest

@@ -10,6 +10,7 @@
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/locale.h"
+#include "core/queues.h"
 #include "reports/diagnostics_report.h"
 #include "reports/report_folder.h"
 
@@ -30,12 +31,15 @@ public:
         const Locale& locale;
         /// The present state. Absent before the first sample.
         std::function<std::optional<DiagnosticsFacts>()> facts;
-        /// By how many seconds the clock on the wall is ahead of UTC.
-        std::function<std::int64_t(Date)> utcOffset;
-        std::shared_ptr<ReportFolder> folder;  ///< null where nothing can be exported
+        UTCOffset utcOffset;
+        std::shared_ptr<ReportFolder> folder;
+        MainQueue& mainQueue;
+        WorkQueue& workQueue;
     };
 
     explicit Reports(Surroundings surroundings);
+    Reports(const Reports&) = delete;
+    Reports& operator=(const Reports&) = delete;
 
     /// Absent before the first sample.
     std::optional<std::string> diagnosticsReport(bool redacted) const;
@@ -43,11 +47,16 @@ public:
     /// Before the first sample nothing happens, not even a message.
     void copyDiagnosticsReport();
 
-    /// Whether a file was written. What became of it is recorded in either case.
-    bool exportDiagnosticsReport();
+    /// Writes the report into a file and shows it, on a later turn: a disk may take its time. What
+    /// became of it is recorded; `whenFailed` may be absent.
+    void exportDiagnosticsReport(std::function<void()> whenFailed = {});
 
 private:
+    void finishExport(const std::string& fileName, const std::optional<std::string>& problem,
+                      const std::function<void()>& whenFailed);
+
     Surroundings with_;
+    std::shared_ptr<Reports*> self_;  ///< expires with the reports
 };
 
 }  // namespace tallowcrest

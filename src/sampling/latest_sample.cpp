@@ -44,6 +44,13 @@ void LatestSample::setSnapshot(SystemSnapshot snapshot) {
     observable_.changed();
 }
 
+void LatestSample::setAppImpacts(std::vector<AppImpact> appImpacts) {
+    if (snapshot_) {
+        snapshot_->appImpacts = std::move(appImpacts);
+        observable_.changed();
+    }
+}
+
 void LatestSample::appendHistoryPoint() {
     if (!snapshot_) {
         return;

@@ -43,6 +43,8 @@ public:
     void setLatestProcesses(std::vector<ProcessSample> processes,
                             std::vector<std::size_t> impactOrder);
     void setSnapshot(SystemSnapshot snapshot);
+    /// The groups of the snapshot under another Never Quit list. Without a snapshot, nothing.
+    void setAppImpacts(std::vector<AppImpact> appImpacts);
     /// Appends the current snapshot's point, drops the oldest beyond `maximumHistory`, saves.
     void appendHistoryPoint();
     /// Counts the leading group of the current snapshot, if it has one.

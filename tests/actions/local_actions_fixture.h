@@ -48,6 +48,12 @@ protected:
         sample.setSnapshot(std::move(snapshot));
     }
 
+    /// What the sample cycle does when the Never Quit list has changed.
+    void regroup() {
+        sample.setAppImpacts(
+            buildAppImpacts(sample.latestProcesses(), settings.protectedAppNames, policy));
+    }
+
     void endProcess(std::int64_t pid) {
         ports.processes->running.erase(pid);
         std::erase_if(rows, [pid](const ProcessSample& row) { return row.pid == pid; });
@@ -101,7 +107,7 @@ protected:
     std::vector<ProcessSample> rows;
     int refreshes = 0;
     LocalActions actions{{observable, log, sample, review, confirmations, settings, store, policy,
-                          mainQueue, workQueue, [this] { ++refreshes; }},
+                          mainQueue, workQueue, [this] { ++refreshes; }, [this] { regroup(); }},
                          ports.ports()};
 };
 

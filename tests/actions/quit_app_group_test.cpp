@@ -170,9 +170,18 @@ TEST_F(QuitAppGroup, PutOnTheListWhileTheDialogStoodNobodyGetsTerm) {
     confirm();
     // The group was confirmed by its name, so it is still asked; it just cannot be made to.
     EXPECT_THAT(ports.gracefulQuit->names, ElementsAre("Firefox"));
-    EXPECT_THAT(ports.gracefulQuit->lastMembers, IsEmpty());
+    EXPECT_THAT(ports.gracefulQuit->lastMembers, SizeIs(3));
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
     expectRecorded("Asked Firefox's visible processes to quit.");
+}
+
+TEST_F(QuitAppGroup, TakenOffTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
+    requestQuitOfFirefox();
+    actions.toggleNeverQuit("Firefox");
+    confirmations.confirmPending();
+    actions.toggleNeverQuit("Firefox");
+    finishWork();
+    EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
 TEST_F(QuitAppGroup, PutOnTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
@@ -216,6 +225,41 @@ TEST_F(QuitAppGroup, AMemberWhoseNumberChangedHandsIsNotSignalled) {
     finishWork();
     EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
     expectRecorded("Asked Firefox's visible processes to quit.");
+}
+
+TEST_F(QuitAppGroup, NeitherWhereTheListTellsNoStartTimes) {
+    addFirefox();
+    for (ProcessSample& row : rows) {
+        row.startTime = 0;
+    }
+    takeSample();
+    selectFirst();
+    actions.requestQuitSelectedApp();
+    confirmations.confirmPending();
+    reuseNumber(701);
+    endProcess(702);
+    finishWork();
+    EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
+}
+
+TEST_F(QuitAppGroup, NumbersThatNoProcessMayHaveNeverReachThePort) {
+    ConfirmationDesk desk(observable, log);
+    LocalActions careless({observable, log, sample, review, desk, settings, store,
+                           ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false},
+                           mainQueue, workQueue, [] {}, [] {}},
+                          ports.ports());
+    for (const std::int64_t pid : {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1},
+                                   std::int64_t{-700}, std::int64_t{2147483648}}) {
+        addProcess(pid, "/usr/bin/editor");
+    }
+    addProcess(700, "/usr/bin/editor");
+    takeSample();
+    selectFirst();
+    careless.requestQuitSelectedApp();
+    desk.confirmPending();
+    finishWork();
+    EXPECT_THAT(ports.processes->held, ElementsAre(700));
+    EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
 }
 
 TEST_F(QuitAppGroup, AMemberThatWillNotBeAskedDoesNotStopTheOthers) {
@@ -267,7 +311,7 @@ TEST_F(QuitAppGroup, ARequestWithoutAGroupEndsInSilence) {
 TEST_F(QuitAppGroup, WithoutADesktopTermIsAllThereIs) {
     ConfirmationDesk desk(observable, log);
     LocalActions headless({observable, log, sample, review, desk, settings, store, policy,
-                           mainQueue, workQueue, [] {}},
+                           mainQueue, workQueue, [] {}, [] {}},
                           {ports.processes, nullptr, ports.cachePurge});
     addFirefox();
     selectFirst();
@@ -281,7 +325,7 @@ TEST_F(QuitAppGroup, AnAnswerThatComesAfterTheEndIsDropped) {
     ConfirmationDesk desk(observable, log);
     {
         LocalActions shortLived({observable, log, sample, review, desk, settings, store, policy,
-                                 mainQueue, workQueue, [] {}},
+                                 mainQueue, workQueue, [] {}, [] {}},
                                 ports.ports());
         addFirefox();
         selectFirst();

@@ -170,6 +170,20 @@ TEST_F(QuitProcess, ANumberThatNobodyBoreAtTheRequestIsNotSignalledLater) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
+TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
+    addProcess(700, "/usr/bin/editor").startTime = 0;
+    takeSample();
+    selectFirst();
+    rows.clear();
+    takeSample();
+    reuseNumber(700);
+    actions.requestQuitSelectedProcess();
+    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
+    confirm();
+    expectRecorded(blocked);
+    EXPECT_THAT(ports.processes->signalled, IsEmpty());
+}
+
 TEST_F(QuitProcess, ASampleWhileTheDialogStandsChangesNothingOfIt) {
     requestQuitOf(700, "/usr/bin/editor");
     const ConfirmationRequest asked = pending();
@@ -204,6 +218,16 @@ TEST_F(QuitProcess, ARequestThatNobodyReviewedIsBlocked) {
     addProcess(700, "/usr/bin/editor");
     confirmations.requestConfirmation(
         {UUID::random(), "Quit editor?", "", "Quit Process", "local_quit_process", {}, 700});
+    confirm();
+    expectRecorded(blocked);
+    EXPECT_THAT(ports.processes->signalled, IsEmpty());
+}
+
+TEST_F(QuitProcess, ARequestInThePlaceOfTheReviewedOneIsBlocked) {
+    requestQuitOf(700, "/usr/bin/editor");
+    addProcess(800, "/usr/bin/other");
+    confirmations.requestConfirmation(
+        {UUID::random(), "Quit other?", "", "Quit Process", "local_quit_process", {}, 800});
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());

@@ -99,14 +99,6 @@ TEST(PlainLocale, FormsDecimals) {
     EXPECT_EQ(longest.size(), 309U + 1U + 15U);
 }
 
-TEST(PlainLocale, FormsWholeNumbers) {
-    const PlainLocale locale;
-    EXPECT_EQ(locale.wholeNumber(0), "0");
-    EXPECT_EQ(locale.wholeNumber(-12345), "-12345");
-    EXPECT_EQ(locale.wholeNumber(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
-    EXPECT_EQ(locale.wholeNumber(std::numeric_limits<std::int64_t>::max()), "9223372036854775807");
-}
-
 TEST(PlainLocale, FormsDatesInUTC) {
     const PlainLocale locale;
     struct Case {

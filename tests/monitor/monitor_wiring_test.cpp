@@ -104,11 +104,54 @@ TEST_F(MonitorWiring, TheReportTellsOfEveryPartOfTheState) {
     EXPECT_EQ(monitor().log().lastAction(), "Copied a performance report to the clipboard.");
 }
 
+/// What a group is to an action under the Never Quit list.
+struct Safety {
+    std::optional<std::int64_t> topPID;
+    std::int64_t protectedCount = 0;
+
+    bool operator==(const Safety&) const = default;
+};
+
+TEST_F(MonitorWiring, TheNeverQuitListRegroupsWhatIsShownAtOnce) {
+    const Safety open{701, 1};
+    const Safety guarded{700, 2};
+    machine.addProcess(700, "/usr/libexec/firefox-helper", 60.0, 300.0);
+    machine.addProcess(701, "/opt/firefox/firefox", 20.0, 200.0);
+    machine.tick();
+    const auto firefox = [this] {
+        const AppImpact& group = monitor().sample().snapshot()->appImpacts.front();
+        EXPECT_EQ(group.name, "Firefox");
+        return Safety{group.topPID, group.protectedCount};
+    };
+    EXPECT_EQ(firefox(), open);
+    monitor().localActions().toggleNeverQuit("Firefox");
+    EXPECT_EQ(firefox(), guarded);
+    machine.tick();
+    EXPECT_EQ(firefox(), guarded);
+    monitor().localActions().toggleNeverQuit("Firefox");
+    EXPECT_EQ(firefox(), open);
+    monitor().review().selectTopApp();
+    EXPECT_EQ(monitor().review().selectedPID(), 701);
+}
+
+TEST_F(MonitorWiring, ASampleUnderWayDoesNotBringTheOldListBack) {
+    machine.addProcess(700, "/usr/libexec/firefox-helper", 60.0, 300.0);
+    machine.addProcess(701, "/opt/firefox/firefox", 20.0, 200.0);
+    monitor().localActions().toggleNeverQuit("Firefox");
+    monitor().refresh();
+    monitor().localActions().toggleNeverQuit("Firefox");
+    machine.finishSamples();
+    const AppImpact& group = monitor().sample().snapshot()->appImpacts.front();
+    EXPECT_EQ((Safety{group.topPID, group.protectedCount}), (Safety{701, 1}));
+}
+
 TEST_F(MonitorWiring, ExportsIntoTheFolderOfThisMachine) {
     machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
     machine.tick();
     const auto expected = monitor().reports().diagnosticsReport(false);
     monitor().reports().exportDiagnosticsReport();
+    machine.workQueue.run();
+    machine.mainQueue.drain();
     ASSERT_THAT(machine.reportFolder->written, SizeIs(1));
     const auto& [name, text] = *machine.reportFolder->written.begin();
     EXPECT_EQ(text, expected);

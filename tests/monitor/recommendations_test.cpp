@@ -332,7 +332,6 @@ TEST(BuildRecommendations, DecimalsAreThoseOfTheLocale) {
         std::string decimal(double value, int digits) const override {
             return std::to_string(std::lround(value * 10)) + "," + std::to_string(digits);
         }
-        std::string wholeNumber(std::int64_t value) const override { return std::to_string(value); }
         std::string dateAndTime(Date) const override { return {}; }
         std::string timeOfDay(Date) const override { return {}; }
     };

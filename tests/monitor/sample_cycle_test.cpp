@@ -375,7 +375,7 @@ TEST_F(SampleCycleTest, ASampleThatEndsAfterTheMonitorIsDropped) {
     EXPECT_THAT(calls, ::testing::Not(::testing::Contains("saveHistory")));
 }
 
-TEST_F(SampleCycleTest, InputsAreThoseOfTheMomentOfRefresh) {
+TEST_F(SampleCycleTest, InputsAreThoseOfTheMomentOfRefreshAndTheNeverQuitListThatOfNow) {
     metrics->processes = {row(7, 50.0, "/usr/bin/node")};
     makeCycle();
     cycle->refresh();
@@ -383,7 +383,7 @@ TEST_F(SampleCycleTest, InputsAreThoseOfTheMomentOfRefresh) {
     inputs.cpuCount = 2;
     workQueue.run();
     mainQueue.drain();
-    EXPECT_EQ(sample->snapshot()->appImpacts.at(0).protectedCount, 0);
+    EXPECT_EQ(sample->snapshot()->appImpacts.at(0).protectedCount, 1);
     EXPECT_EQ(sample->snapshot()->cpuPercent, 50.0);
 
     cycle->refresh();

@@ -13,6 +13,7 @@
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
+#include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
@@ -29,7 +30,8 @@ protected:
         monitor = std::make_unique<SystemMonitor>(
             MonitorPorts{mainQueue, workQueue, clock, store, std::make_shared<FakeMetricsReader>(),
                          std::make_shared<FakeTickSource>(), std::make_shared<PlainLocale>(),
-                         FakeLocalActions().ports()},
+                         FakeLocalActions().ports(), std::make_shared<FakeReportFolder>(),
+                         atGreenwich},
             std::move(facts));
         return *monitor;
     }

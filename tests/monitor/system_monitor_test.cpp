@@ -16,6 +16,7 @@
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
+#include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/recording_store.h"
@@ -33,7 +34,7 @@ protected:
         owned = std::make_unique<SystemMonitor>(
             MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
                          std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
-                         &notifications},
+                         std::make_shared<FakeReportFolder>(), atGreenwich, &notifications},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
                       .loginName = "owner",
@@ -95,7 +96,8 @@ TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoadsThenAsksForTheKeys) 
     };
     const SystemMonitor monitor(
         MonitorPorts{mainQueue, workQueue, clock, telling, metrics, ticks,
-                     std::make_shared<PlainLocale>(), FakeLocalActions().ports()},
+                     std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
+                     std::make_shared<FakeReportFolder>(), atGreenwich},
         HostFacts{}, std::move(extensions));
     EXPECT_THAT(calls, ElementsAre("readTicks", "store", "key", "public key"));
 }

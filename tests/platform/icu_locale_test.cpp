@@ -167,16 +167,6 @@ TEST_F(IcuLocaleTest, FormsTheLargestNumbers) {
     EXPECT_EQ(english.decimal(std::numeric_limits<double>::denorm_min(), 1), "0.0");
 }
 
-TEST_F(IcuLocaleTest, FormsWholeNumbers) {
-    EXPECT_EQ(english.wholeNumber(0), "0");
-    EXPECT_EQ(english.wholeNumber(-12345), "-12,345");
-    EXPECT_EQ(german.wholeNumber(-12345), "-12.345");
-    EXPECT_EQ(english.wholeNumber(std::numeric_limits<std::int64_t>::min()),
-              "-9,223,372,036,854,775,808");
-    EXPECT_EQ(english.wholeNumber(std::numeric_limits<std::int64_t>::max()),
-              "9,223,372,036,854,775,807");
-}
-
 // Names ------------------------------------------------------------------------------------------
 
 TEST(LocaleNames, UnknownOnesAreNeutral) {
@@ -267,7 +257,6 @@ TEST(IcuLocale, AnswersSeveralThreadsFromTheFirstQuestionOn) {
                     count += locale.decimal(12.34, 1) == "12,3" ? 0 : 1;
                     count += locale.decimal(82.5, 0) == "83" ? 0 : 1;
                     count += locale.decimal(1.5, 4) == "1,5000" ? 0 : 1;
-                    count += locale.wholeNumber(1234) == "1.234" ? 0 : 1;
                     count += locale.compareIgnoringCase("Ä", "z") < 0 ? 0 : 1;
                     count += locale.containsIgnoringCase("GRÖSSE", "größe") ? 0 : 1;
                 }

@@ -87,17 +87,6 @@ TEST(GraphColumns, AreEmptyForFewerThanTwoPoints) {
     EXPECT_THAT(graphColumns({{0, 5}, {0, 9}}, 2), IsEmpty()) << "no width, no column";
 }
 
-TEST(GraphArea, ClosesTheLineAlongTheBottom) {
-    EXPECT_THAT(
-        graphArea({{0, 10}, {50, 20}}, 80),
-        ElementsAre(GraphPoint{0, 80}, GraphPoint{0, 10}, GraphPoint{50, 20}, GraphPoint{50, 80}));
-}
-
-TEST(GraphArea, NeedsTwoPointsToEncloseAnything) {
-    EXPECT_THAT(graphArea({{0, 10}}, 80), IsEmpty());
-    EXPECT_THAT(graphArea({}, 80), IsEmpty());
-}
-
 TEST(GraphGrid, HasFiveLinesIncludingBothEdges) {
     EXPECT_THAT(graphGrid(80), ElementsAre(0, 20, 40, 60, 80));
 }

@@ -24,8 +24,26 @@ class ReportsTest : public ::testing::Test {
 protected:
     void takeSample() { snapshot.emplace(); }
 
+    void exportReport() {
+        reports.exportDiagnosticsReport([this] { ++failures; });
+        while (workQueue.pendingCount() > 0) {
+            workQueue.run();
+        }
+        mainQueue.drain();
+    }
+
+    /// The message is the last action and the one event.
+    void expectRecorded(const std::string& message) const {
+        EXPECT_EQ(log.lastAction(), message);
+        ASSERT_THAT(log.activityLog(), SizeIs(1));
+        EXPECT_EQ(log.activityLog().front().title, "Action");
+        EXPECT_EQ(log.activityLog().front().detail, message);
+    }
+
     ManualClock clock;
     ManualMainQueue mainQueue;
+    ManualWorkQueue workQueue;
+    int failures = 0;
     Observable observable{mainQueue};
     ActivityLog log{clock, observable, {}, [](const auto&) {}};
     PlainLocale locale;
@@ -44,7 +62,7 @@ protected:
                          return DiagnosticsFacts{*snapshot, settings, {},    {}, false,
                                                  "",        {},       trust, {}};
                      },
-                     [this](Date) { return utcOffset; }, folder}};
+                     [this](Date) { return utcOffset; }, folder, mainQueue, workQueue}};
 };
 
 TEST_F(ReportsTest, BeforeTheFirstSampleThereIsNoneToCopyAndNoWordAboutIt) {
@@ -56,11 +74,9 @@ TEST_F(ReportsTest, BeforeTheFirstSampleThereIsNoneToCopyAndNoWordAboutIt) {
 }
 
 TEST_F(ReportsTest, BeforeTheFirstSampleAnExportIsRefusedInWords) {
-    reports.exportDiagnosticsReport();
-    EXPECT_EQ(log.lastAction(), "No diagnostic sample is available yet.");
-    ASSERT_THAT(log.activityLog(), SizeIs(1));
-    EXPECT_EQ(log.activityLog().front().title, "Action");
-    EXPECT_EQ(log.activityLog().front().detail, "No diagnostic sample is available yet.");
+    exportReport();
+    expectRecorded("No diagnostic sample is available yet.");
+    EXPECT_EQ(failures, 1);
     EXPECT_THAT(folder->written, IsEmpty());
 }
 
@@ -70,51 +86,52 @@ TEST_F(ReportsTest, CopiesTheReportThatHidesNothing) {
     ASSERT_THAT(copied, SizeIs(1));
     EXPECT_EQ(copied.front(), reports.diagnosticsReport(false));
     EXPECT_THAT(copied.front(), StartsWith("Tallowcrest report - "));
-    EXPECT_EQ(log.lastAction(), "Copied a performance report to the clipboard.");
-    EXPECT_THAT(log.activityLog(), SizeIs(1));
+    expectRecorded("Copied a performance report to the clipboard.");
 }
 
 TEST_F(ReportsTest, ExportsAndShowsTheFile) {
     takeSample();
     const std::string name = exportFileName(clock.now(), 0);
     const auto text = reports.diagnosticsReport(false);
-    reports.exportDiagnosticsReport();
+    exportReport();
     ASSERT_THAT(folder->written, SizeIs(1));
     EXPECT_EQ(folder->written.begin()->first, name);
     EXPECT_EQ(folder->written.begin()->second, text);
     EXPECT_THAT(folder->revealed, ElementsAre(name));
-    EXPECT_EQ(log.lastAction(), "Exported diagnostics to " + name + ".");
-    EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+    expectRecorded("Exported diagnostics to " + name + ".");
+    EXPECT_EQ(failures, 0);
 }
 
 TEST_F(ReportsTest, TheFileBearsTheTimeOfTheOwnersClock) {
     takeSample();
     utcOffset = 3600;
-    reports.exportDiagnosticsReport();
+    exportReport();
     ASSERT_THAT(folder->written, SizeIs(1));
     EXPECT_EQ(folder->written.begin()->first, exportFileName(clock.now(), 3600));
     EXPECT_NE(folder->written.begin()->first, exportFileName(clock.now(), 0));
 }
 
-TEST_F(ReportsTest, WithoutAFolderTheExportFailsInWords) {
-    takeSample();
-    Reports none({log, pasteboard, clock, locale,
-                  [this] {
-                      return std::optional(
-                          DiagnosticsFacts{*snapshot, settings, {}, {}, false, "", {}, trust, {}});
-                  },
-                  [](Date) { return std::int64_t{0}; }, nullptr});
-    none.exportDiagnosticsReport();
-    EXPECT_EQ(log.lastAction(), "Could not export diagnostics: No such file or directory");
-}
-
 TEST_F(ReportsTest, AFailureIsToldInTheSystemsWords) {
     takeSample();
     folder->problem = "No space left on device";
-    reports.exportDiagnosticsReport();
-    EXPECT_EQ(log.lastAction(), "Could not export diagnostics: No space left on device");
-    EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+    exportReport();
+    expectRecorded("Could not export diagnostics: No space left on device");
     EXPECT_THAT(folder->revealed, IsEmpty());
+    EXPECT_EQ(failures, 1);
+}
+
+TEST_F(ReportsTest, NothingIsWrittenBeforeTheBackgroundHasItsTurn) {
+    takeSample();
+    const auto text = reports.diagnosticsReport(false);
+    reports.exportDiagnosticsReport();
+    EXPECT_THAT(folder->written, IsEmpty());
+    snapshot->cpuPercent = 99.0;
+    workQueue.run();
+    ASSERT_THAT(folder->written, SizeIs(1));
+    EXPECT_EQ(folder->written.begin()->second, text) << "the state of the moment of asking";
+    EXPECT_THAT(folder->revealed, IsEmpty());
+    mainQueue.drain();
+    EXPECT_THAT(folder->revealed, SizeIs(1));
 }
 
 TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {

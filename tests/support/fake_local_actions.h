@@ -65,16 +65,16 @@ private:
 /// Answers with what a test set and keeps what it was asked.
 class FakeGracefulQuit final : public GracefulQuit {
 public:
-    bool gracefulAppQuit(const std::string& name,
-                         const std::vector<ProcessSample>& members) override {
+    bool succeeds = false;
+    std::vector<std::string> names;
+    std::vector<ProcessSample> lastMembers;
+
+private:
+    bool ask(const std::string& name, const std::vector<ProcessSample>& members) override {
         names.push_back(name);
         lastMembers = members;
         return succeeds;
     }
-
-    bool succeeds = false;
-    std::vector<std::string> names;
-    std::vector<ProcessSample> lastMembers;
 };
 
 class FakeCachePurge final : public CachePurge {

@@ -32,17 +32,9 @@ public:
     SystemMonitor& monitor() {
         if (monitor_ == nullptr) {
             monitor_ = std::make_unique<SystemMonitor>(
-                MonitorPorts{mainQueue,
-                             workQueue,
-                             clock,
-                             store,
-                             metrics,
-                             ticks,
-                             std::make_shared<PlainLocale>(),
-                             actions.ports(),
-                             &notifications,
-                             reportFolder,
-                             {}},
+                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
+                             std::make_shared<PlainLocale>(), actions.ports(), reportFolder,
+                             atGreenwich, &notifications},
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
 #include "core/clock.h"
 
@@ -18,5 +19,10 @@ public:
 private:
     Date now_{800000000.0};
 };
+
+/// The `UTCOffset` of a clock that shows UTC.
+inline std::int64_t atGreenwich(Date /*date*/) {
+    return 0;
+}
 
 }  // namespace tallowcrest

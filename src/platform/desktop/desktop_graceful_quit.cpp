@@ -8,10 +8,9 @@ DesktopGracefulQuit::DesktopGracefulQuit(std::function<bool(const ProcessSample&
                                          QDBusConnection bus)
     : windows_(isStillThere), action_(std::move(isStillThere), std::move(bus)) {}
 
-bool DesktopGracefulQuit::gracefulAppQuit(const std::string& name,
-                                          const std::vector<ProcessSample>& members) {
-    return !isSyntheticGroupName(name) &&
-           (windows_.askWindowsToClose(members) > 0 || action_.askToQuit(members) > 0);
+bool DesktopGracefulQuit::ask(const std::string& /*name*/,
+                              const std::vector<ProcessSample>& members) {
+    return windows_.askWindowsToClose(members) > 0 || action_.askToQuit(members) > 0;
 }
 
 }  // namespace tallowcrest

@@ -13,8 +13,8 @@
 namespace tallowcrest {
 
 /// Asks an application through the desktop: its windows to close, and where it has none that can be
-/// asked, by its own action on the session bus. Takes a few seconds at most, though display and bus
-/// hang.
+/// asked, by its own action on the session bus. The name plays no part, as windows and connections
+/// bear their processes' numbers. Takes a few seconds at most, though display and bus hang.
 class DesktopGracefulQuit final : public GracefulQuit {
 public:
     /// `isStillThere` tells whether a process is still the one that was reviewed; called by threads
@@ -23,11 +23,9 @@ public:
     explicit DesktopGracefulQuit(std::function<bool(const ProcessSample&)> isStillThere,
                                  QDBusConnection bus = QDBusConnection::sessionBus());
 
-    /// The name plays no part, as windows and connections bear their processes' numbers.
-    bool gracefulAppQuit(const std::string& name,
-                         const std::vector<ProcessSample>& members) override;
-
 private:
+    bool ask(const std::string& name, const std::vector<ProcessSample>& members) override;
+
     WindowCloseRequests windows_;
     ApplicationQuitAction action_;
 };

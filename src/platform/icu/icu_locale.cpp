@@ -210,16 +210,6 @@ std::string IcuLocale::decimal(double value, int fractionDigits) const {
     return text ? *text : tables_->plain.decimal(value, fractionDigits);
 }
 
-std::string IcuLocale::wholeNumber(std::int64_t value) const {
-    const auto text = formatted(
-        [&](UErrorCode& status) { return tables_->formatter(0).formatInt(value, status); });
-    return text ? *text : tables_->plain.wholeNumber(value);
-}
-
-Date IcuLocale::onTheWall(Date date) const {
-    return {date.secondsSinceReference + static_cast<double>(utcOffset_(date))};
-}
-
 std::string IcuLocale::dateAndTime(Date date) const {
     if (!hasForm(date)) {
         return std::string(unknownDate);

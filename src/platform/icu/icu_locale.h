@@ -23,7 +23,6 @@ public:
                                            std::string_view right) const override;
     bool containsIgnoringCase(std::string_view text, std::string_view part) const override;
     std::string decimal(double value, int fractionDigits) const override;
-    std::string wholeNumber(std::int64_t value) const override;
     std::string dateAndTime(Date date) const override;
     std::string timeOfDay(Date date) const override;
 

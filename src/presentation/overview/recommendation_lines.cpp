@@ -10,11 +10,6 @@ namespace {
 using dashboard_text::text;
 using Severity = Recommendation::Severity;
 
-bool isRunning(std::int64_t pid, const std::vector<ProcessSample>& processes) {
-    return std::any_of(processes.begin(), processes.end(),
-                       [pid](const ProcessSample& row) { return row.pid == pid; });
-}
-
 }  // namespace
 
 std::vector<RecommendationLine> recommendationLines(
@@ -23,10 +18,11 @@ std::vector<RecommendationLine> recommendationLines(
     std::vector<RecommendationLine> lines;
     lines.reserve(recommendations.size());
     for (const Recommendation& each : recommendations) {
-        lines.push_back({each.severity, text(each.title), text(each.detail),
-                         each.relatedPID && isRunning(*each.relatedPID, latestProcesses)
-                             ? each.relatedPID
-                             : std::nullopt});
+        lines.push_back(
+            {each.severity, text(each.title), text(each.detail),
+             each.relatedPID && findProcess(latestProcesses, *each.relatedPID) != nullptr
+                 ? each.relatedPID
+                 : std::nullopt});
     }
     std::stable_sort(lines.begin(), lines.end(), [](const auto& left, const auto& right) {
         return left.severity > right.severity;

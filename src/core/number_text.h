@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// The forms of numbers in reports: with a point and no grouping, whatever the locale, so that both
+/// Numbers in reports and messages: with a point and no grouping, whatever the locale, so that both
 /// a person and a program can read them. A figure that is infinite or no number is "inf", "-inf" or
 /// "nan"; the largest figures are written out. Any thread.
 namespace tallowcrest {

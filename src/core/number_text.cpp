@@ -1,4 +1,4 @@
-#include "reports/report_numbers.h"
+#include "core/number_text.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "reports/report_numbers.h"
+#include "core/number_text.h"
 
 #include <limits>
 #include <string>
@@ -26,7 +26,7 @@ void expectTexts(Form form, const std::vector<Case>& cases) {
     }
 }
 
-TEST(ReportNumbers, WithoutDecimals) {
+TEST(NumberText, WithoutDecimals) {
     expectTexts(withoutDecimals, {{0.0, "0"},
                                   {0.5, "0"},
                                   {1.5, "2"},
@@ -38,7 +38,7 @@ TEST(ReportNumbers, WithoutDecimals) {
                                   {1e15, "1000000000000000"}});
 }
 
-TEST(ReportNumbers, WithOneDecimal) {
+TEST(NumberText, WithOneDecimal) {
     expectTexts(withOneDecimal, {{0.0, "0.0"},
                                  {1.0, "1.0"},
                                  {0.25, "0.2"},
@@ -49,7 +49,7 @@ TEST(ReportNumbers, WithOneDecimal) {
                                  {1234.56, "1234.6"}});
 }
 
-TEST(ReportNumbers, Rounded) {
+TEST(NumberText, Rounded) {
     expectTexts(roundedToInteger, {{0.0, "0"},
                                    {0.49, "0"},
                                    {0.5, "1"},
@@ -64,7 +64,7 @@ TEST(ReportNumbers, Rounded) {
                                    {1e20, "100000000000000000000"}});
 }
 
-TEST(ReportNumbers, Cut) {
+TEST(NumberText, Cut) {
     expectTexts(cutToInteger, {{0.0, "0"},
                                {0.99, "0"},
                                {85.9, "85"},
@@ -75,7 +75,7 @@ TEST(ReportNumbers, Cut) {
                                {-1e20, "-100000000000000000000"}});
 }
 
-TEST(ReportNumbers, WhatIsInfiniteOrNoNumberSaysSo) {
+TEST(NumberText, WhatIsInfiniteOrNoNumberSaysSo) {
     for (const Form form : {withoutDecimals, withOneDecimal, roundedToInteger, cutToInteger}) {
         expectTexts(
             form, {{infinite, "inf"}, {-infinite, "-inf"}, {noNumber, "nan"}, {-noNumber, "nan"}});
