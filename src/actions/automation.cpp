@@ -142,20 +142,27 @@ void Automation::engageEmergencyStop() {
     log_.setLastAction("Emergency stop engaged. Automatic actions are disabled.");
 }
 
-void Automation::resumeFromEmergencyStop() {
-    // Where a kill or a full disk kept the stop from being stored whole, the next start would bring
-    // back what it had switched off.
+void Automation::finishStopping() {
     for (const SwitchWords& words : switchTable) {
-        const bool isOn = settings_.*words.field || store_.read(words.key) == SettingsValue(true);
-        if (!words.refusal.empty() && isOn) {
+        if (words.refusal.empty()) {
+            continue;
+        }
+        if (settings_.*words.field || store_.read(words.key) == SettingsValue(true)) {
             settings_.*words.field = false;
             store_.write(words.key, false);
         }
     }
+    settings_.aiAutonomyMode = AIAutonomyMode::apprentice;
     const std::string apprentice(rawValue(AIAutonomyMode::apprentice));
     if (store_.read(settings_keys::aiAutonomyModeKey).value_or(apprentice) !=
         SettingsValue(apprentice)) {
         store_.write(settings_keys::aiAutonomyModeKey, apprentice);
+    }
+}
+
+void Automation::resumeFromEmergencyStop() {
+    if (settings_.automationEmergencyStopEngaged) {
+        finishStopping();
     }
     settings_.automationEmergencyStopEngaged = false;
     store_.write(settings_keys::automationEmergencyStopKey, false);

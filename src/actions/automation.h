@@ -73,6 +73,10 @@ public:
     void setDiskAutopilotStatus(std::string status);
 
 private:
+    /// Where a kill or a full disk kept the stop from being stored whole, the next start brings
+    /// back what it had switched off: switches that off again.
+    void finishStopping();
+
     Observable& observable_;
     ActivityLog& log_;
     Settings& settings_;

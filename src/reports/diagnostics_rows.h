@@ -29,9 +29,8 @@ std::string formatLocalProcessRow(const ProcessSample& row, bool redacted);
 std::string formatRemoteProcessSummary(const RemoteProcess& process, bool redacted);
 
 /// `redacted` has no address, wherever the row has it, and application groups in the list of
-/// processes. The host's name
-/// stays, and so do the two top processes, which are told as the host told them. A missing figure
-/// is 0.
+/// processes. The host's name stays, and so do the two top processes, which are told as the host
+/// told them. A missing figure is 0.
 std::string formatRemoteRow(const RemoteHealth& health, bool redacted);
 
 std::string formatTrustRow(const AITrustRecord& record);

@@ -62,7 +62,10 @@ protected:
     Automation& automation() {
         if (!automation_) {
             automation_.emplace(observable, log, settings, store,
-                                Automation::Hooks{[this] { ++plansCleared; },
+                                Automation::Hooks{[this] {
+                                                      ++plansCleared;
+                                                      writesAtClearing = store.written.size();
+                                                  },
                                                   [this] {
                                                       ++registrations;
                                                       eventsAtRegistration =
@@ -86,6 +89,7 @@ protected:
     Settings settings;
     RecordingStore store;
     int plansCleared = 0;
+    std::size_t writesAtClearing = 99;
     int registrations = 0;
     std::size_t eventsAtRegistration = 99;
 
@@ -125,6 +129,8 @@ TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItGoverns) {
     }
     EXPECT_THAT(store.written,
                 ElementsAre("Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions"));
+    // What the advisor may do by itself stays with the mode, whatever this switch says.
+    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
 }
 
 TEST_F(AutomationTest, ARefusalTellsObserversSoThatTheControlSpringsBack) {
@@ -210,6 +216,7 @@ TEST_F(AutomationTest, EngagingTheStop) {
     EXPECT_TRUE(settings.aiSafeActionsEnabled);
     EXPECT_TRUE(settings.notificationsIncludeActions);
     EXPECT_EQ(plansCleared, 1);
+    EXPECT_EQ(writesAtClearing, 0U) << "what is planned goes first";
     EXPECT_EQ(registrations, 0);
 
     EXPECT_EQ(store.read("Tallowcrest.automationEmergencyStop"), SettingsValue(true));
@@ -272,6 +279,16 @@ TEST_F(AutomationTest, ResumingBringsNothingBack) {
     EXPECT_TRUE(settings.autoPurgeSustainedMemory);
 }
 
+TEST_F(AutomationTest, ResumingWithoutAStopTurnsNothingOff) {
+    automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    automation().setAutonomyMode(AIAutonomyMode::trusted);
+    automation().resumeFromEmergencyStop();
+    EXPECT_TRUE(settings.autoPurgeSustainedMemory);
+    EXPECT_EQ(store.read("Tallowcrest.autoPurgeSustainedMemory"), SettingsValue(true));
+    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::trusted);
+    EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("trusted")));
+}
+
 TEST_F(AutomationTest, AfterARestartTheStopHoldsAndTheSwitchesAreOff) {
     settings.autoPurgeSustainedMemory = true;
     automation().engageEmergencyStop();
@@ -302,6 +319,7 @@ TEST_F(AutomationTest, AStopThatWasStoredInPartBringsNothingBackEither) {
     EXPECT_FALSE(restarted.diskAutopilotEnabled);
     EXPECT_EQ(restarted.aiAutonomyMode, AIAutonomyMode::apprentice);
     EXPECT_FALSE(settings.autoSelectTopOffender);
+    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
 }
 
 TEST_F(AutomationTest, WhatIsOnWhenNeverStoredIsNotBroughtBackEither) {

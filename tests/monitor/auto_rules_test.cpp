@@ -90,6 +90,30 @@ TEST_F(AutoRulesTest, TheStopHoldsEverythingBackButTheWarning) {
     EXPECT_THAT(notified, SizeIs(1));
 }
 
+TEST_F(AutoRulesTest, ForAnHourTheLatchAloneHoldsBackWhatIsOn) {
+    settings.automationEmergencyStopEngaged = true;
+    settings.autoSelectTopOffender = true;
+    settings.autoPurgeSustainedMemory = true;
+    settings.autoScanRemoteMacs = true;
+    devices = {device("macOS", true)};
+    addProcess(700, "/usr/bin/editor");
+    remember(30, 95.0);
+    for (int seconds = 0; seconds < 3600; seconds += 4) {
+        clock.advance(std::chrono::seconds(4));
+        run(99.0, 99.0);
+    }
+    EXPECT_THAT(calls, IsEmpty());
+    EXPECT_THAT(log.activityLog(), IsEmpty());
+    EXPECT_EQ(review.selectedPID(), std::nullopt);
+    EXPECT_FALSE(confirmations.pendingConfirmation());
+    // Nothing but the latch was in the way.
+    settings.automationEmergencyStopEngaged = false;
+    run(99.0, 99.0);
+    EXPECT_THAT(calls, ElementsAre("scan", "disk"));
+    EXPECT_EQ(review.selectedPID(), 700);
+    EXPECT_TRUE(confirmations.pendingConfirmation());
+}
+
 TEST_F(AutoRulesTest, EverySwitchOffLeavesTheDiskCheckAlone) {
     addProcess(700, "/usr/bin/editor");
     devices = {device("macOS", true)};

@@ -193,12 +193,13 @@ TEST_F(BehindTheStop, NothingActs) {
     expectNothingActsForAnHour();
 }
 
-TEST_F(BehindTheStop, NothingActsThoughEverySwitchWereOn) {
+TEST_F(BehindTheStop, NothingActsThoughAStartFoundASwitchOn) {
     armAndStop();
     for (const AutomationSwitch each : allAutomationSwitches) {
         monitor().automation().set(each, true);
     }
-    // The latch alone, without the switches that it has thrown.
+    // As after a stop that was stored in part. A start switches off all of them but this one, which
+    // leaves the latch alone to hold it.
     machine.store.write("Tallowcrest.autoSelectTopOffender", true);
     machine.store.write("Tallowcrest.autoPurgeSustainedMemory", true);
     machine.store.write("Tallowcrest.autoScanRemoteMacs", true);
