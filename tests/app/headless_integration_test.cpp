@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -198,6 +199,49 @@ TEST(Headless, PrintsTheReportAndEnds) {
           "AI Intelligence", "AI trust history", "No trust history.", "Recent Events"}) {
         EXPECT_THAT(lines, ::testing::Contains(heading));
     }
+}
+
+/// The first line of a report that is read under this locale and in this time zone.
+std::string datedLine(const char* locale, const char* zone) {
+    const ProgramResult result =
+        runProgram({.path = program,
+                    .arguments = {"--headless", "--report", "--interval", "0.1"},
+                    .withoutVariables = displayVariables,
+                    .withVariables = {std::string("LC_ALL=") + locale, std::string("TZ=") + zone},
+                    .standardOutputPath = {}});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    return result.standardOutput.substr(0, result.standardOutput.find('\n'));
+}
+
+TEST(Headless, TheReportIsDatedAsItsReaderWritesDates) {
+    // No-break spaces of either width stand between the time and its half of the day.
+    struct Case {
+        const char* locale;
+        const char* form;
+    };
+    for (const Case& each :
+         {Case{"de_DE.UTF-8", R"(Tallowcrest report - \d\d\.\d\d\.\d{4}, \d\d:\d\d)"},
+          Case{"en_US.UTF-8", R"(Tallowcrest report - \d\d?/\d\d?/\d{4}, \d\d?:\d\d\D{1,3}[AP]M)"},
+          Case{"ja_JP.UTF-8", R"(Tallowcrest report - \d{4}/\d\d/\d\d \d\d?:\d\d)"}}) {
+        for (const char* zone : {"WEST5", "EAST-9:30"}) {
+            const std::string line = datedLine(each.locale, zone);
+            EXPECT_TRUE(std::regex_match(line, std::regex(each.form))) << line;
+        }
+    }
+}
+
+TEST(Headless, TheReportBearsTheTimeOfItsReadersZone) {
+    const auto minuteOfDay = [](const std::string& line) {
+        std::smatch time;
+        EXPECT_TRUE(std::regex_search(line, time, std::regex(R"((\d\d):(\d\d)$)"))) << line;
+        return time.empty() ? 0 : std::stoi(time[1]) * 60 + std::stoi(time[2]);
+    };
+    const int west = minuteOfDay(datedLine("de_DE.UTF-8", "WEST5"));
+    const int east = minuteOfDay(datedLine("de_DE.UTF-8", "EAST-9:30"));
+    constexpr int day = 24 * 60;
+    const int ahead = (east - west + day) % day;
+    // The two reports are a moment apart, which may lie across the end of a minute.
+    EXPECT_THAT(ahead, ::testing::AnyOf(14 * 60 + 30, 14 * 60 + 31));
 }
 
 TEST(Headless, RedactedTheReportNamesNoProcessNumber) {

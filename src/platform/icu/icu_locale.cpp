@@ -210,6 +210,10 @@ std::string IcuLocale::decimal(double value, int fractionDigits) const {
     return text ? *text : tables_->plain.decimal(value, fractionDigits);
 }
 
+Date IcuLocale::onTheWall(Date date) const {
+    return {date.secondsSinceReference + static_cast<double>(utcOffset_(date))};
+}
+
 std::string IcuLocale::dateAndTime(Date date) const {
     if (!hasForm(date)) {
         return std::string(unknownDate);
