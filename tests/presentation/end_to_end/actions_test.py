@@ -60,6 +60,19 @@ class ActionTestCase(ProcessTestCase):
         self.assertEqual(len(dialog), 1)
         return dialog[0]
 
+    def choose_from_file_menu(self, title):
+        """By the keyboard alone."""
+        from gi.repository import Atspi
+        desktop.focus(self.number)
+        desktop.keys("alt+f")
+        item = self.window.find(Atspi.Role.MENU_ITEM, title)
+        for _ in range(len(self.window.showing(Atspi.Role.MENU_ITEM))):
+            if self.window.has_focus(item):
+                break
+            desktop.keys("Down")
+        eventually(lambda: self.window.has_focus(item), f"{title} is chosen")
+        desktop.keys("Return")
+
     def confirm(self, dialog, title, name):
         """By the keyboard alone: from the safe choice to the other one, and there by the space bar."""
         from gi.repository import Atspi
@@ -147,6 +160,16 @@ class QuitProcess(ActionTestCase):
         self.window.label(lambda said: said.startswith("Refused to quit protected process "))
         self.assertEqual(self.dialogs(), [])
 
+    def test_a_protected_process_of_another_program_is_refused_by_itself_and_as_a_group(self):
+        name, probe = self.start_probe("sshd")
+        self.review(str(probe.pid), name)
+        desktop.keys("ctrl+Delete")
+        self.says("Refused to quit protected process sshd.")
+        self.choose_from_file_menu("Quit Selected App Group")
+        self.says("No visible processes found for sshd.")
+        self.assertEqual(self.dialogs(), [])
+        self.assertTrue(probe.is_running())
+
     def test_without_a_target_it_says_what_to_do(self):
         desktop.focus(self.number)
         desktop.keys("ctrl+Delete")
@@ -188,11 +211,7 @@ class PurgeCaches(ActionTestCase):
 
 class QuitGroup(ActionTestCase):
     def ask_to_quit_group(self):
-        """Through the menu, by its keys."""
-        desktop.focus(self.number)
-        desktop.keys("alt+f")
-        from gi.repository import Atspi
-        self.window.press(Atspi.Role.MENU_ITEM, "Quit Selected App Group")
+        self.choose_from_file_menu("Quit Selected App Group")
         return eventually(self.dialogs, "the question shows")[0]
 
     def test_a_group_of_twenty_ends(self):

@@ -69,12 +69,19 @@ class Warning(WindowTestCase):
         window.label("Health at a glance and the safest next step")
         self.is_in_front(number)
 
-    def test_review_cleanup_leads_to_the_suggestions(self):
+    def test_every_other_button_leads_to_its_route(self):
         self.keep_busy()
-        _, window, number = self.start_window()
-        self.daemon.press(self.warned(), "Review Cleanup")
-        window.label("Overall CPU, memory, disk, backup, and cleanup guidance")
-        self.is_in_front(number)
+        for button, subtitle in (
+                ("Review Cleanup", "Overall CPU, memory, disk, backup, and cleanup guidance"),
+                ("AI Analyze", "Explainable AI recommendations and action review")):
+            with self.subTest(button):
+                program, window, number = self.start_window()
+                warning = self.warned()
+                desktop.output("xdotool", "windowminimize", "--sync", number)
+                self.daemon.press(warning, button)
+                window.label(subtitle)
+                self.is_in_front(number)
+                program.end()
 
 
 if __name__ == "__main__":
