@@ -19,13 +19,13 @@
 #include <gmock/gmock.h>
 
 #include "platform/posix/local_socket.h"
-#include "tests/platform/child_scenario.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
 
-using child_scenario::TemporaryFolder;
 using testing::EndsWith;
 using testing::HasSubstr;
 using Outcome = InstanceStart::Outcome;
@@ -78,8 +78,8 @@ protected:
                 serve(*other.guard, folder.path("token"));
             }
         });
-        EXPECT_TRUE(child_scenario::eventually(
-            [this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
+        EXPECT_TRUE(
+            eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
         ::unlink(folder.path("ready").c_str());
         return child;
     }
@@ -151,8 +151,7 @@ TEST_F(InstanceGuardTest, OneThatNoLongerListensIsWaitedForUntilItEnds) {
             ::poll(nullptr, 0, 5);
         }
     });
-    ASSERT_TRUE(child_scenario::eventually(
-        [this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
+    ASSERT_TRUE(eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
     EXPECT_EQ(startImpatiently().outcome, Outcome::noAnswer);
     const TestChild permission([this] {
         ::poll(nullptr, 0, 100);

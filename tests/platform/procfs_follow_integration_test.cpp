@@ -33,6 +33,7 @@
 #include "platform/linux/procfs_process_table.h"
 #include "platform/posix/unique_fd.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
 
 /// How the table follows the running machine's births, deaths and new programs between listings.
 namespace tallowcrest {
@@ -296,7 +297,7 @@ int inNamespaceOfItsOwn(const std::function<int()>& work) {
 }
 
 TEST_F(ProcfsFollowTest, ClocksAreNotAskedForProcessesOfAnotherNamespace) {
-    const TestChild outside({"/bin/sleep", "1000"});
+    const TestChild outside([] { ::pause(); });
     const int result = inNamespaceOfItsOwn([&] {
         if (ProcfsClocks::system("/proc").processTime) {
             return 1;
@@ -337,7 +338,7 @@ bool refuseProcessClocks(bool ownToo) {
 }
 
 TEST_F(ProcfsFollowTest, AKernelWithoutClocksOfProcessesIsReadInTicks) {
-    const TestChild outside({"/bin/sleep", "1000"});
+    const TestChild outside([] { ::pause(); });
     for (const bool ownToo : {true, false}) {
         const pid_t pid = ::fork();
         if (pid == 0) {

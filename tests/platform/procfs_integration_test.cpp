@@ -31,7 +31,10 @@
 #include "platform/linux/procfs_process_table.h"
 #include "platform/posix/home_volume.h"
 #include "sampling/system_cpu_load_reader.h"
+#include "tests/platform/started_program.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 /// The native readers against the running machine, checked with figures from elsewhere.
 namespace tallowcrest {
@@ -120,7 +123,7 @@ TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
 }
 
 TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
-    const TestChild child({"/bin/sleep", "1000"});
+    const StartedProgram child({"/bin/sleep", "1000"});
     std::optional<ProcessSample> row;
     double residentKibibytes = 0.0;
     double memoryPercent = 0.0;
@@ -195,26 +198,20 @@ TEST_F(ProcfsIntegrationTest, ASleepingChildTakesNothing) {
 }
 
 TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
-    const auto directory =
-        std::filesystem::temp_directory_path() / ("tallowcrest-odd-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(directory);
-    const auto program = directory / "we ird) (x";
-    std::filesystem::copy_file("/bin/sleep", program,
-                               std::filesystem::copy_options::overwrite_existing);
-    {
-        const TestChild child({program.string(), "1000"});
-        EXPECT_TRUE(eventually([&] {
-            const auto row = rowOf(table.readProcesses(), child.pid());
-            return row && row->command == program.string() && row->displayName() == "we ird) (x";
-        }));
-        // Gone from the disk, but still what the process runs.
-        std::filesystem::remove(program);
-        ProcfsProcessTable fresh(ProcfsMachine::current());
-        const auto row = rowOf(fresh.readProcesses(), child.pid());
-        ASSERT_TRUE(row);
-        EXPECT_EQ(row->command, program.string());
-    }
-    std::filesystem::remove_all(directory);
+    const TemporaryFolder folder;
+    const auto program = folder.path() / "we ird) (x";
+    std::filesystem::copy_file("/bin/sleep", program);
+    const StartedProgram child({program.string(), "1000"});
+    EXPECT_TRUE(eventually([&] {
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        return row && row->command == program.string() && row->displayName() == "we ird) (x";
+    }));
+    // Gone from the disk, but still what the process runs.
+    std::filesystem::remove(program);
+    ProcfsProcessTable fresh(ProcfsMachine::current());
+    const auto row = rowOf(fresh.readProcesses(), child.pid());
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->command, program.string());
 }
 
 TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
@@ -240,7 +237,7 @@ TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
 }
 
 TEST_F(ProcfsIntegrationTest, AZombieKeepsItsCommandAndIsGoneOnceWaitedFor) {
-    TestChild child({"/bin/sleep", "1000"});
+    TestChild child([] { ::execl("/bin/sleep", "sleep", "1000", nullptr); });
     ASSERT_TRUE(eventually([&] {
         const auto row = rowOf(table.readProcesses(), child.pid());
         return row && row->displayName() == "sleep";

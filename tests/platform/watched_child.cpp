@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/linux/procfs_process_table.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {
