@@ -44,9 +44,7 @@ protected:
 TEST_F(PidfdProcessControlTest, AProcessThatQuitsWhenAsked) {
     const pid_t child = ::fork();
     if (child == 0) {
-        for (;;) {
-            ::pause();
-        }
+        waitForever();
     }
     ASSERT_GT(child, 0);
     const auto held = control.hold(child, startTimeOf(child));
@@ -60,11 +58,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatQuitsWhenAsked) {
 
 TEST_F(PidfdProcessControlTest, AProcessThatIgnoresTheRequestLivesOn) {
     const auto before = ::signal(SIGTERM, SIG_IGN);
-    const TestChild child([] {
-        for (;;) {
-            ::pause();
-        }
-    });
+    const TestChild child([] { waitForever(); });
     ::signal(SIGTERM, before);
     {
         const auto held = control.hold(child.pid(), startTimeOf(child.pid()));

@@ -85,7 +85,7 @@ TEST_F(ProcessIdentity, WithoutAReadableFileIsNobody) {
 
 // The table of processes is where samples come from.
 TEST(IdentityOfARealProcess, IsTheOneOfItsSample) {
-    TestChild child([] { ::pause(); });
+    TestChild child([] { waitForever(); });
     ProcfsProcessTable table(ProcfsMachine::current());
     std::optional<ProcessSample> row;
     ASSERT_TRUE(eventually([&] {

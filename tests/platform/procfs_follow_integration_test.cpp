@@ -91,15 +91,11 @@ TEST_F(ProcfsFollowTest, ThreadsAreNoRows) {
             threads.emplace_back([&] {
                 const std::int32_t tid = ::gettid();
                 if (::write(answer.writeEnd.get(), &tid, sizeof tid) == sizeof tid) {
-                    for (;;) {
-                        ::pause();
-                    }
+                    waitForever();
                 }
             });
         }
-        for (;;) {
-            ::pause();
-        }
+        waitForever();
     });
     ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
     ASSERT_TRUE(gate.send());
@@ -204,9 +200,7 @@ void churn(Churn& notes) {
         }
         const pid_t child = ::fork();
         if (child == 0) {
-            for (;;) {
-                ::pause();
-            }
+            waitForever();
         }
         notes.lives[next].pid = child;
         notes.lives[next].bornBy = nanosecondsNow();
@@ -297,7 +291,7 @@ int inNamespaceOfItsOwn(const std::function<int()>& work) {
 }
 
 TEST_F(ProcfsFollowTest, ClocksAreNotAskedForProcessesOfAnotherNamespace) {
-    const TestChild outside([] { ::pause(); });
+    const TestChild outside([] { waitForever(); });
     const int result = inNamespaceOfItsOwn([&] {
         if (ProcfsClocks::system("/proc").processTime) {
             return 1;
@@ -338,7 +332,7 @@ bool refuseProcessClocks(bool ownToo) {
 }
 
 TEST_F(ProcfsFollowTest, AKernelWithoutClocksOfProcessesIsReadInTicks) {
-    const TestChild outside([] { ::pause(); });
+    const TestChild outside([] { waitForever(); });
     for (const bool ownToo : {true, false}) {
         const pid_t pid = ::fork();
         if (pid == 0) {

@@ -33,6 +33,18 @@ void TestChild::becomeZombie() {
     ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT);
 }
 
+void waitForever() {
+    for (;;) {
+        ::pause();
+    }
+}
+
+void spin() {
+    for (volatile unsigned count = 0;;) {
+        count = count + 1;
+    }
+}
+
 std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
     const auto found = std::find_if(rows.begin(), rows.end(),
                                     [pid](const ProcessSample& row) { return row.pid == pid; });

@@ -32,6 +32,10 @@ private:
     pid_t pid_ = -1;
 };
 
+/// What a child can do until it is killed: nothing, or its best to keep one core busy.
+[[noreturn]] void waitForever();
+[[noreturn]] void spin();
+
 /// The row of that process, absent when it is not in the table.
 std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid);
 

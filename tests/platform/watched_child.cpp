@@ -15,11 +15,7 @@ namespace {
 
 TestChild bornDeaf() {
     const BlockedSignals blocked;
-    return TestChild([] {
-        for (;;) {
-            ::pause();
-        }
-    });
+    return TestChild([] { waitForever(); });
 }
 
 }  // namespace
