@@ -7,7 +7,6 @@
 #include <iterator>
 #include <map>
 #include <string>
-#include <vector>
 
 #include <fmt/format.h>
 
@@ -39,16 +38,9 @@ struct Account {
 int run(const LoadTrace& trace) {
     FakeMachine machine;
     prepareForReplay(machine);
-    TailDevice mac;
-    mac.os = "macOS";
-    mac.online = true;
-    const std::vector<TailDevice> devices{mac};
     std::map<std::string, Account> accounts;
     const Date beginning = machine.clock.now();
     const auto now = [&] { return secondsBetween(beginning, machine.clock.now()); };
-    machine.extensions.rules.tailDevices = [&devices] {
-        return std::span<const TailDevice>(devices);
-    };
     machine.extensions.rules.scanRemoteMacs = [&] {
         fmt::print("{}  a scan of the other machines begins\n", timeText(now()));
         accounts["Scan of other machines"].add(now());
@@ -56,25 +48,17 @@ int run(const LoadTrace& trace) {
     SystemMonitor& monitor = machine.monitor();
     monitor.automation().set(AutomationSwitch::autoScanRemoteMacs, true);
     monitor.automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
-    UUID newest = monitor.log().activityLog().front().id;
+    LogNews news(machine);
+    news.take();
     const auto began = std::chrono::steady_clock::now();
     replay(machine, trace, [&](const TracedSample& sample) {
-        std::vector<const ActivityEvent*> fresh;
-        for (const ActivityEvent& event : monitor.log().activityLog()) {
-            if (event.id == newest) {
-                break;
-            }
-            fresh.push_back(&event);
-        }
-        for (auto event = fresh.rbegin(); event != fresh.rend(); ++event) {
-            fmt::print("{}  {}: {}\n", timeText(sample.seconds), (*event)->title, (*event)->detail);
-            const std::string detail = (*event)->detail;
-            accounts[(*event)->title + ", " + detail.substr(0, detail.find(' '))].add(
-                sample.seconds);
+        for (const ActivityEvent& event : news.take()) {
+            fmt::print("{}  {}: {}\n", timeText(sample.seconds), event.title, event.detail);
+            const std::string firstWord = event.detail.substr(0, event.detail.find(' '));
+            accounts[event.title + ", " + firstWord].add(sample.seconds);
         }
         // Nobody sits in front of this machine.
-        monitor.confirmations().cancelPending();
-        newest = monitor.log().activityLog().front().id;
+        news.dismissQuestion();
     });
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
     fmt::print("\n{} samples, {} of the trace, in {:.1f} s\n", trace.size(),

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -14,6 +13,7 @@
 #include "core/settings_keys.h"
 #include "platform/posix/run_loop.h"
 #include "tests/app/private_data.h"
+#include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
@@ -45,12 +45,6 @@ protected:
         std::ofstream(file) << "garbage";
     }
 
-    std::string content() const {
-        std::ostringstream text;
-        text << std::ifstream(file, std::ios::binary).rdbuf();
-        return text.str();
-    }
-
     PrivateData data;
     fs::path file = data.folder() / "tallowcrest" / "settings.sqlite";
     RunLoop loop;
@@ -80,14 +74,14 @@ TEST_F(CompositionTest, OnlyLookingSeesWhatIsKeptAndLeavesIt) {
         composition->monitor().log().recordMessage("Kept.");
         EXPECT_TRUE(composition->shutDown());
     }
-    const std::string before = content();
+    const std::string before = fileText(file);
     {
         const auto composition = start(SettingsAccess::look);
         ASSERT_EQ(composition->monitor().log().activityLog().size(), 1U);
         composition->monitor().log().recordMessage("Not kept.");
         EXPECT_TRUE(composition->shutDown());
     }
-    EXPECT_TRUE(content() == before);
+    EXPECT_TRUE(fileText(file) == before);
     const auto composition = start(SettingsAccess::look);
     EXPECT_EQ(composition->monitor().log().activityLog().size(), 1U);
     EXPECT_TRUE(composition->shutDown());

@@ -1,7 +1,6 @@
 // The window program by itself, without any display, and both programs with hardly a descriptor.
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -11,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/support/run_program.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -25,21 +25,15 @@ const std::string entryProgram = TALLOWCREST_BINARY_DIR "/tallowcrest";
 /// A folder in which no instance can already run.
 class WindowProgram : public testing::Test {
 protected:
-    WindowProgram() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "tallowcrest-XXXXXX");
-        folder = mkdtemp(pattern.data());
-    }
-    ~WindowProgram() override { std::filesystem::remove_all(folder); }
-
     ProgramResult run(const std::vector<std::string>& arguments) const {
         return runProgram({.path = windowProgram,
                            .arguments = arguments,
                            .withoutVariables = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM",
                                                 "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"},
-                           .withVariables = {"XDG_DATA_HOME=" + folder.string()}});
+                           .withVariables = {"XDG_DATA_HOME=" + folder.path().string()}});
     }
 
-    std::filesystem::path folder;
+    const TemporaryFolder folder;
 };
 
 void expectOneLine(const std::string& text) {
@@ -55,7 +49,7 @@ TEST_F(WindowProgram, RefusesABadOptionInOneLineWithStatusTwo) {
         EXPECT_THAT(result.standardError, StartsWith("tallowcrest: "));
         expectOneLine(result.standardError);
     }
-    EXPECT_TRUE(std::filesystem::is_empty(folder));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
 TEST_F(WindowProgram, RefusesToRunWithoutItsWindow) {
@@ -63,7 +57,7 @@ TEST_F(WindowProgram, RefusesToRunWithoutItsWindow) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.standardError, EndsWith("Try: tallowcrest --headless\n"));
     expectOneLine(result.standardError);
-    EXPECT_TRUE(std::filesystem::is_empty(folder));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
 TEST_F(WindowProgram, SaysWhyItCannotOpenItsWindow) {

@@ -22,7 +22,9 @@
 
 #include "platform/posix/system_clock.h"
 #include "tests/app/private_data.h"
+#include "tests/support/file_text.h"
 #include "tests/support/run_program.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -292,9 +294,7 @@ TEST_F(HeadlessSettings, ThatCannotBeReadAreOneLineAndLeftAsTheyAre) {
     EXPECT_EQ(result.standardError,
               "tallowcrest: Settings cannot be read, so defaults are used: the file is damaged, " +
                   file.string() + ".\n");
-    std::ostringstream content;
-    content << std::ifstream(file).rdbuf();
-    EXPECT_EQ(content.str(), "garbage");
+    EXPECT_EQ(fileText(file), "garbage");
     EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()),
               1);
 }
@@ -370,12 +370,7 @@ TEST(Window, AnEmptyDisplayVariableIsNone) {
 /// A copy of the entry program in a folder of its own.
 class CopiedProgram : public ::testing::Test {
 protected:
-    CopiedProgram() {
-        std::string pattern = (fs::temp_directory_path() / "tallowcrest-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-        fs::copy_file(program, folder / "tallowcrest");
-    }
-    ~CopiedProgram() override { fs::remove_all(folder); }
+    CopiedProgram() { fs::copy_file(program, folder / "tallowcrest"); }
 
     ProgramResult runCopy(const std::vector<std::string>& arguments) const {
         return runProgram({.path = folder / "tallowcrest",
@@ -389,7 +384,8 @@ protected:
         fs::permissions(path, fs::perms::owner_all);
     }
 
-    fs::path folder;
+    const TemporaryFolder temporary;
+    const fs::path folder = temporary.path();
 };
 
 TEST_F(CopiedProgram, SaysWhichProgramIsMissing) {

@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/architecture/layer_rules.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest::architecture {
 
@@ -31,9 +30,8 @@ std::vector<SourceFile> readTree() {
     std::vector<SourceFile> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
         if (entry.is_regular_file() && isRead(entry.path())) {
-            std::ostringstream text;
-            text << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-            files.push_back({entry.path().lexically_relative(root).generic_string(), text.str()});
+            files.push_back(
+                {entry.path().lexically_relative(root).generic_string(), fileText(entry.path())});
         }
     }
     std::sort(files.begin(), files.end(),

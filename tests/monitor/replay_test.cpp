@@ -24,14 +24,9 @@ protected:
     void SetUp() override {
         FakeMachine& m = machine;
         prepareForReplay(m);
-        m.extensions.rules.tailDevices = [this] { return std::span<const TailDevice>(devices); };
         m.extensions.rules.scanRemoteMacs = [this] { scans.push_back(now()); };
         m.extensions.rules.checkDiskAutopilot = [this](const SystemSnapshot&) { ++diskChecks; };
         m.extensions.automation.clearDiskCleanupPlan = [this] { ++plansCleared; };
-        TailDevice mac;
-        mac.os = "macOS";
-        mac.online = true;
-        devices = {mac};
         beginning = m.clock.now();
     }
 
@@ -39,21 +34,11 @@ protected:
 
     void run(const LoadTrace& trace) {
         replay(machine, trace, [this](const TracedSample&) {
-            const auto& log = machine.monitor().log().activityLog();
-            for (const ActivityEvent& event : log) {
-                if (event.id == newest) {
-                    break;
-                }
+            for (const ActivityEvent& event : news.take()) {
                 happenings.push_back({now(), event.title, event.detail});
             }
-            if (!log.empty()) {
-                newest = log.front().id;
-            }
             if (dismisses) {
-                machine.monitor().confirmations().cancelPending();
-                newest = machine.monitor().log().activityLog().empty()
-                             ? UUID{}
-                             : machine.monitor().log().activityLog().front().id;
+                news.dismissQuestion();
             }
         });
     }
@@ -77,10 +62,9 @@ protected:
     }
 
     FakeMachine machine;
+    LogNews news{machine};
     bool dismisses = true;  ///< whether somebody answers every question with no
     Date beginning;
-    UUID newest;
-    std::vector<TailDevice> devices;
     std::vector<Happening> happenings;
     std::vector<double> scans;
     int diskChecks = 0;
@@ -91,7 +75,7 @@ TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
     Automation& automation = machine.monitor().automation();
     automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
     automation.set(AutomationSwitch::autoScanRemoteMacs, true);
-    newest = machine.monitor().log().activityLog().front().id;
+    news.take();
     const LoadTrace day = syntheticDay();
     run(day);
 
@@ -158,7 +142,7 @@ protected:
     }
 
     void expectNothingActsForAnHour() {
-        newest = monitor().log().activityLog().front().id;
+        news.take();
         happenings.clear();
         scans.clear();
         diskChecks = 0;

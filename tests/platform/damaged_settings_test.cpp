@@ -16,6 +16,7 @@
 #include "platform/sqlite/settings_file.h"
 #include "tests/platform/settings_file_fixture.h"
 #include "tests/platform/settings_log_bytes.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 namespace {
@@ -46,7 +47,7 @@ TEST_F(DamagedSettings, PutsAnEmptyFileAside) {
 
 TEST_F(DamagedSettings, PutsAFileAsideThatWasCutOff) {
     makeStored();
-    const std::string whole = contentOf(file);
+    const std::string whole = fileText(file);
     ASSERT_GT(whole.size(), 60000U);
     for (const std::size_t size :
          {std::size_t{1}, std::size_t{50}, std::size_t{4096}, std::size_t{5000}, std::size_t{8192},
@@ -61,7 +62,7 @@ TEST_F(DamagedSettings, PutsAFileAsideThatWasCutOff) {
 
 TEST_F(DamagedSettings, PutsAFileAsideInWhichPagesAreLost) {
     makeStored();
-    const std::string whole = contentOf(file);
+    const std::string whole = fileText(file);
     for (std::size_t page = 1; page < 4; ++page) {
         std::string broken = whole;
         broken.replace(page * 4096, 4096, 4096, '\x5A');
@@ -91,7 +92,7 @@ TEST_F(DamagedSettings, KeepsEveryDamagedFileUnderItsOwnName) {
     clock.advance(std::chrono::seconds(1));
     writeFile(file, "fourth");
     expectPutAside("damaged", "fourth", "settings.sqlite.damaged-20260509-061321");
-    EXPECT_TRUE(contentOf(file.parent_path() / "settings.sqlite.damaged-20260509-061320") ==
+    EXPECT_TRUE(fileText(file.parent_path() / "settings.sqlite.damaged-20260509-061320") ==
                 "first");
 }
 
@@ -106,11 +107,11 @@ TEST_F(DamagedSettings, KeepsTheLogWithItsDamagedFile) {
     // As a kill leaves it, and then the file's beginning was overwritten.
     fs::remove_all(file.parent_path());
     fs::rename(copy, file.parent_path());
-    const std::string log = contentOf(file.string() + "-wal");
+    const std::string log = fileText(file.string() + "-wal");
     ASSERT_GT(log.size(), 32U);
     writeFile(file, "garbage");
     expectPutAside("damaged", "garbage");
-    EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == log);
+    EXPECT_TRUE(fileText(file.string() + ".damaged-20260509-061320-wal") == log);
 }
 
 TEST_F(DamagedSettings, KeepsALogWhoseFileIsGone) {
@@ -118,7 +119,7 @@ TEST_F(DamagedSettings, KeepsALogWhoseFileIsGone) {
     writeFile(file.string() + "-wal", "latest changes");
     const OpenedStore opened = open();
     expectOneProblem(opened, "damaged");
-    EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == "latest changes");
+    EXPECT_TRUE(fileText(file.string() + ".damaged-20260509-061320-wal") == "latest changes");
     expectDefaults(*opened.store);
 }
 
@@ -138,7 +139,7 @@ protected:
         fs::remove_all(file.parent_path());
         fs::rename(copy, file.parent_path());
         fs::remove(file.string() + "-shm");
-        log = contentOf(file.string() + "-wal");
+        log = fileText(file.string() + "-wal");
         ASSERT_GT(log.size(), 3U * 4096);
     }
 
@@ -156,7 +157,7 @@ TEST_F(DamagedLog, AWholeOneCounts) {
 TEST_F(DamagedLog, OneThatWasCutOffCountsUpToTheLastWholeChange) {
     makeKilled();
     const std::size_t frame = 4096 + 24;
-    const std::string file0 = contentOf(file);
+    const std::string file0 = fileText(file);
     const std::map<std::size_t, double> cases{{log.size() - 1, 72.0},
                                               {log.size() - frame, 72.0},
                                               {32 + frame, 71.0},
@@ -184,14 +185,14 @@ TEST_F(DamagedLog, GarbageIsPutAsideAndTheFileCounts) {
             expectOneProblem(opened, "latest settings changes");
             EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(70.0));
         }
-        EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == garbage);
+        EXPECT_TRUE(fileText(file.string() + ".damaged-20260509-061320-wal") == garbage);
         fs::remove(file.string() + ".damaged-20260509-061320-wal");
     }
 }
 
 TEST_F(DamagedLog, DamageInAnyFieldIsToldAndThatLogIsKept) {
     makeKilled();
-    const std::string file0 = contentOf(file);
+    const std::string file0 = fileText(file);
     struct Case {
         const char* field;
         std::size_t at;
@@ -219,7 +220,7 @@ TEST_F(DamagedLog, DamageInAnyFieldIsToldAndThatLogIsKept) {
             EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(70.0));
             opened.store->write(keys::thresholdKey, 75.0);
         }
-        EXPECT_TRUE(contentOf(file.string() + ".damaged-20260509-061320-wal") == damaged);
+        EXPECT_TRUE(fileText(file.string() + ".damaged-20260509-061320-wal") == damaged);
         EXPECT_THAT(open().problems, IsEmpty());
     }
 }
@@ -252,7 +253,7 @@ TEST_F(DamagedLog, OneThatWasBegunAnewIsWhole) {
     }
     fs::remove_all(file.parent_path());
     fs::rename(copy, file.parent_path());
-    const std::string begun = contentOf(file.string() + "-wal");
+    const std::string begun = fileText(file.string() + "-wal");
     ASSERT_GT(settings_log_bytes::bigEndian(begun, 12), 0U) << "the log was begun anew";
     ASSERT_NE(begun.substr(32 + 8, 8), begun.substr(32 + 24 + 4096 + 8, 8)) << "older records";
     EXPECT_THAT(readSettingsStore(file).problems, IsEmpty());

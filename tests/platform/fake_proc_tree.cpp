@@ -1,10 +1,7 @@
 #include "tests/platform/fake_proc_tree.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <optional>
-#include <stdexcept>
-#include <system_error>
 
 #include <fmt/format.h>
 
@@ -18,22 +15,9 @@ std::string FakeProcess::statText(std::int64_t pid) const {
         startCode, startStack);
 }
 
-FakeProcTree::FakeProcTree() {
-    std::string pattern = std::filesystem::temp_directory_path() / "tallowcrest-proc-XXXXXX";
-    if (::mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("no temporary directory");
-    }
-    root_ = pattern;
-}
-
-FakeProcTree::~FakeProcTree() {
-    std::error_code ignored;
-    std::filesystem::remove_all(root_, ignored);
-}
-
 ProcfsMachine FakeProcTree::machine() const {
     ProcfsMachine machine;
-    machine.procRoot = root_;
+    machine.procRoot = root();
     machine.pageSize = 4096.0;
     machine.ticksPerSecond = 100.0;
     machine.physicalBytes = 1024.0 * 1024.0 * 1024.0;
@@ -63,7 +47,7 @@ void FakeProcTree::putStatText(std::int64_t pid, const std::string& text) {
 }
 
 void FakeProcTree::putExecutable(std::int64_t pid, const std::string& target) {
-    const auto link = root_ / std::to_string(pid) / "exe";
+    const auto link = root() / std::to_string(pid) / "exe";
     std::filesystem::create_directories(link.parent_path());
     std::filesystem::remove(link);
     std::filesystem::create_symlink(target, link);
@@ -74,13 +58,13 @@ void FakeProcTree::putCommandLine(std::int64_t pid, const std::string& arguments
 }
 
 void FakeProcTree::putFile(const std::string& path, const std::string& text) {
-    const auto file = root_ / path;
+    const auto file = root() / path;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
 }
 
 void FakeProcTree::remove(std::int64_t pid) {
-    std::filesystem::remove_all(root_ / std::to_string(pid));
+    std::filesystem::remove_all(root() / std::to_string(pid));
 }
 
 void FakeProcTree::putNewest(std::int64_t pid) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/linux/procfs_process_table.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 
@@ -29,12 +30,7 @@ struct FakeProcess {
 /// by hand. The machine has 4096-byte pages, 100 ticks a second and 1 GB.
 class FakeProcTree {
 public:
-    FakeProcTree();
-    FakeProcTree(const FakeProcTree&) = delete;
-    FakeProcTree& operator=(const FakeProcTree&) = delete;
-    ~FakeProcTree();
-
-    const std::filesystem::path& root() const { return root_; }
+    const std::filesystem::path& root() const { return folder_.path(); }
     ProcfsMachine machine() const;
     /// Without clocks of the processes.
     ProcfsClocks clocks();
@@ -63,7 +59,7 @@ public:
     std::map<std::int64_t, int> clockReadings;
 
 private:
-    std::filesystem::path root_;
+    TemporaryFolder folder_;
 };
 
 }  // namespace tallowcrest

@@ -19,13 +19,13 @@
 #include <gmock/gmock.h>
 
 #include "platform/posix/local_socket.h"
-#include "tests/platform/child_scenario.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
 
-using child_scenario::TemporaryFolder;
 using testing::EndsWith;
 using testing::HasSubstr;
 using Outcome = InstanceStart::Outcome;
@@ -78,8 +78,8 @@ protected:
                 serve(*other.guard, folder.path("token"));
             }
         });
-        EXPECT_TRUE(child_scenario::eventually(
-            [this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
+        EXPECT_TRUE(
+            eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
         ::unlink(folder.path("ready").c_str());
         return child;
     }
@@ -151,8 +151,7 @@ TEST_F(InstanceGuardTest, OneThatNoLongerListensIsWaitedForUntilItEnds) {
             ::poll(nullptr, 0, 5);
         }
     });
-    ASSERT_TRUE(child_scenario::eventually(
-        [this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
+    ASSERT_TRUE(eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
     EXPECT_EQ(startImpatiently().outcome, Outcome::noAnswer);
     const TestChild permission([this] {
         ::poll(nullptr, 0, 100);
@@ -346,33 +345,6 @@ TEST_F(InstanceGuardTest, SomethingElseInTheSocketsPlaceLeavesTheStartUnguarded)
     EXPECT_THAT(start().message, HasSubstr(socketPath() + ": "));
 }
 
-TEST_F(InstanceGuardTest, TheFilesLieInTheRuntimeDirectoryNamedAfterTheDataDirectory) {
-    ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
-    InstanceEnvironment environment{place.directory, folder.path("data"), "here"};
-    const InstancePlace one = instancePlace(environment);
-    EXPECT_EQ(one.directory, place.directory + "/tallowcrest");
-    // Another machine has another runtime directory; a name of its own is not needed.
-    environment.machineName = "there";
-    EXPECT_EQ(instancePlace(environment).name, one.name);
-    environment.dataDirectory = folder.path("other");
-    EXPECT_NE(instancePlace(environment).name, one.name);
-    // Another spelling of the first.
-    ASSERT_EQ(::mkdir(folder.path("data").c_str(), 0700), 0);
-    ASSERT_EQ(::symlink(folder.path("data").c_str(), folder.path("link").c_str()), 0);
-    environment.dataDirectory = folder.path("link");
-    EXPECT_EQ(instancePlace(environment).name, one.name);
-}
-
-TEST_F(InstanceGuardTest, WithoutARuntimeDirectoryOfOurOwnTheyLieInTheDataDirectory) {
-    for (const std::string& runtime : {std::string(), std::string("run/user"),
-                                       folder.path("missing"), folder.file("file", "", 0600)}) {
-        const InstancePlace here = instancePlace({runtime, "/data", "here"});
-        EXPECT_EQ(here.directory, "/data") << runtime;
-        EXPECT_NE(here.name, instancePlace({runtime, "/data", "there"}).name);
-    }
-    EXPECT_EQ(instancePlace({"", "", "here"}).directory, "");
-}
-
 TEST_F(InstanceGuardTest, AStartThatWasNotToldOfTheRuntimeDirectoryFindsTheOneThatWas) {
     const std::string runtime = folder.path("run");
     ASSERT_EQ(::mkdir(runtime.c_str(), 0700), 0);
@@ -388,32 +360,6 @@ TEST_F(InstanceGuardTest, AStartThatWasNotToldOfTheRuntimeDirectoryFindsTheOneTh
     }
     EXPECT_EQ(instanceEnvironment(data).usualRuntimeDirectory,
               "/run/user/" + std::to_string(::geteuid()));
-}
-
-TEST_F(InstanceGuardTest, TheUsualRuntimeDirectoryIsUsedOnlyWhenItIsThisUsersAlone) {
-    const std::string usual = folder.path("usual");
-    EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << "not there";
-    ASSERT_EQ(::mkdir(usual.c_str(), 0700), 0);
-    for (const mode_t mode : {0755U, 0770U, 0701U, 01777U}) {
-        ASSERT_EQ(::chmod(usual.c_str(), mode), 0);
-        EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << mode;
-    }
-    ASSERT_EQ(::chmod(usual.c_str(), 0700), 0);
-    EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, usual + "/tallowcrest");
-    if (::chown(usual.c_str(), ::geteuid() + 1, static_cast<gid_t>(-1)) == 0) {
-        EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << "another's";
-    }
-}
-
-TEST_F(InstanceGuardTest, AnotherUsersRuntimeDirectoryIsLeftAlone) {
-    const std::string foreign = folder.path("foreign");
-    ASSERT_EQ(::mkdir(foreign.c_str(), 0700), 0);
-    if (::chown(foreign.c_str(), ::geteuid() + 1, static_cast<gid_t>(-1)) != 0) {
-        GTEST_SKIP() << "only the superuser can give a directory away";
-    }
-    EXPECT_EQ(instancePlace({foreign, "/data", "here"}).directory, "/data");
-    place.directory = foreign;
-    EXPECT_THAT(start().message, EndsWith("belongs to another user"));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "core/settings_keys.h"
 #include "tests/platform/settings_file_fixture.h"
 #include "tests/platform/writer_process.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 namespace {
@@ -126,7 +127,7 @@ TEST_F(OpenSettingsStore, AFileThatALinkLeadsToIsUsedWhereItLies) {
         expectStored(*opened.store);
         opened.store->write(keys::autoPurgeKey, true);
     }
-    EXPECT_TRUE(contentOf(elsewhere / "kept.sqlite.damaged-20260509-061320-wal") == "garbage");
+    EXPECT_TRUE(fileText(elsewhere / "kept.sqlite.damaged-20260509-061320-wal") == "garbage");
     EXPECT_EQ(readSettingsStore(link).store->read(keys::autoPurgeKey), SettingsValue(true));
     struct stat status {};
     ASSERT_EQ(::stat(elsewhere.c_str(), &status), 0);
@@ -134,7 +135,7 @@ TEST_F(OpenSettingsStore, AFileThatALinkLeadsToIsUsedWhereItLies) {
 
     writeFile(file, "garbage");
     expectOneProblem(openSettingsStore(link, {workQueue, clock, {}}), "damaged");
-    EXPECT_TRUE(contentOf(elsewhere / "kept.sqlite.damaged-20260509-061320-2") == "garbage");
+    EXPECT_TRUE(fileText(elsewhere / "kept.sqlite.damaged-20260509-061320-2") == "garbage");
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_THAT(readSettingsStore(link).problems, IsEmpty());
 }
@@ -332,7 +333,7 @@ TEST_F(OpenSettingsStore, LookingSeesWhatAnotherProcessHasJustStored) {
 
 TEST_F(OpenSettingsStore, LookingAtAFileThatWasCutOffMakesNothing) {
     makeStored();
-    writeFile(file, contentOf(file).substr(0, 8192));
+    writeFile(file, fileText(file).substr(0, 8192));
     const auto before = contents();
     expectOneProblem(readSettingsStore(file), "the file is damaged");
     EXPECT_TRUE(contents() == before);

@@ -1,19 +1,14 @@
 #include "platform/linux/pidfd_process_control.h"
 
 #include <fcntl.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <condition_variable>
 #include <csignal>
-#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -28,6 +23,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/child_scenario.h"
+#include "tests/platform/refused_call.h"
 #include "tests/platform/test_children.h"
 #include "tests/platform/watched_child.h"
 
@@ -48,9 +44,7 @@ protected:
 TEST_F(PidfdProcessControlTest, AProcessThatQuitsWhenAsked) {
     const pid_t child = ::fork();
     if (child == 0) {
-        for (;;) {
-            ::pause();
-        }
+        waitForever();
     }
     ASSERT_GT(child, 0);
     const auto held = control.hold(child, startTimeOf(child));
@@ -64,11 +58,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatQuitsWhenAsked) {
 
 TEST_F(PidfdProcessControlTest, AProcessThatIgnoresTheRequestLivesOn) {
     const auto before = ::signal(SIGTERM, SIG_IGN);
-    const TestChild child([] {
-        for (;;) {
-            ::pause();
-        }
-    });
+    const TestChild child([] { waitForever(); });
     ::signal(SIGTERM, before);
     {
         const auto held = control.hold(child.pid(), startTimeOf(child.pid()));
@@ -290,25 +280,12 @@ TEST_F(PidfdProcessControlTest, WithoutADescriptorToSpare) {
     EXPECT_EQ(child.pending(), noSignal);
 }
 
-/// Lets the kernel refuse one of its calls to the calling process, as one does that lacks it.
-bool refuseCall(std::uint32_t call) {
-    std::array<sock_filter, 4> filter{{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 1, 0),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
-    }};
-    sock_fprog program{filter.size(), filter.data()};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
-}
-
 TEST_F(PidfdProcessControlTest, AKernelWithoutTheCallsSignalsNobody) {
     const WatchedChild child;
     for (const std::uint32_t call :
          {std::uint32_t{SYS_pidfd_open}, std::uint32_t{SYS_pidfd_send_signal}}) {
         const auto status = statusOfChild([&child, call] {
-            if (!refuseCall(call)) {
+            if (!refuseCall(call, ENOSYS)) {
                 return 1;
             }
             const TerminationResult expected{Outcome::failed,

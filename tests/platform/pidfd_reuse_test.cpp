@@ -15,7 +15,6 @@
 
 #include "platform/linux/pidfd_process_control.h"
 #include "tests/platform/pid_namespace.h"
-#include "tests/platform/test_children.h"
 #include "tests/platform/watched_child.h"
 
 /// Process numbers that go to another process while the first one is under review. The numbers are

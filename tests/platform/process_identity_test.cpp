@@ -10,6 +10,7 @@
 #include "platform/linux/procfs_process_table.h"
 #include "tests/platform/fake_proc_tree.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {
@@ -84,7 +85,7 @@ TEST_F(ProcessIdentity, WithoutAReadableFileIsNobody) {
 
 // The table of processes is where samples come from.
 TEST(IdentityOfARealProcess, IsTheOneOfItsSample) {
-    TestChild child(std::vector<std::string>{"/bin/sleep", "1000"});
+    TestChild child([] { waitForever(); });
     ProcfsProcessTable table(ProcfsMachine::current());
     std::optional<ProcessSample> row;
     ASSERT_TRUE(eventually([&] {

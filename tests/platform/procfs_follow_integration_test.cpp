@@ -33,6 +33,7 @@
 #include "platform/linux/procfs_process_table.h"
 #include "platform/posix/unique_fd.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
 
 /// How the table follows the running machine's births, deaths and new programs between listings.
 namespace tallowcrest {
@@ -90,15 +91,11 @@ TEST_F(ProcfsFollowTest, ThreadsAreNoRows) {
             threads.emplace_back([&] {
                 const std::int32_t tid = ::gettid();
                 if (::write(answer.writeEnd.get(), &tid, sizeof tid) == sizeof tid) {
-                    for (;;) {
-                        ::pause();
-                    }
+                    waitForever();
                 }
             });
         }
-        for (;;) {
-            ::pause();
-        }
+        waitForever();
     });
     ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
     ASSERT_TRUE(gate.send());
@@ -203,9 +200,7 @@ void churn(Churn& notes) {
         }
         const pid_t child = ::fork();
         if (child == 0) {
-            for (;;) {
-                ::pause();
-            }
+            waitForever();
         }
         notes.lives[next].pid = child;
         notes.lives[next].bornBy = nanosecondsNow();
@@ -296,7 +291,7 @@ int inNamespaceOfItsOwn(const std::function<int()>& work) {
 }
 
 TEST_F(ProcfsFollowTest, ClocksAreNotAskedForProcessesOfAnotherNamespace) {
-    const TestChild outside({"/bin/sleep", "1000"});
+    const TestChild outside([] { waitForever(); });
     const int result = inNamespaceOfItsOwn([&] {
         if (ProcfsClocks::system("/proc").processTime) {
             return 1;
@@ -337,7 +332,7 @@ bool refuseProcessClocks(bool ownToo) {
 }
 
 TEST_F(ProcfsFollowTest, AKernelWithoutClocksOfProcessesIsReadInTicks) {
-    const TestChild outside({"/bin/sleep", "1000"});
+    const TestChild outside([] { waitForever(); });
     for (const bool ownToo : {true, false}) {
         const pid_t pid = ::fork();
         if (pid == 0) {

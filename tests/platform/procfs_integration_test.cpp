@@ -11,10 +11,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -26,41 +23,18 @@
 
 #include "core/utf8.h"
 #include "platform/linux/descriptor_limit.h"
-#include "platform/linux/proc_stat_tick_source.h"
-#include "platform/linux/procfs_metrics_reader.h"
 #include "platform/linux/procfs_process_table.h"
-#include "platform/posix/home_volume.h"
-#include "sampling/system_cpu_load_reader.h"
+#include "tests/platform/started_program.h"
 #include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
+#include "tests/support/run_program.h"
+#include "tests/support/temporary_folder.h"
 
-/// The native readers against the running machine, checked with figures from elsewhere.
+/// The native table of processes against the running machine, checked with figures from elsewhere.
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), &::pclose);
-    std::string output;
-    std::array<char, 4096> buffer;
-    for (std::size_t length = 0;
-         pipe && (length = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) > 0;) {
-        output.append(buffer.data(), length);
-    }
-    return output;
-}
-
-[[noreturn]] void waitForever() {
-    for (;;) {
-        ::pause();
-    }
-}
-
-[[noreturn]] void spin() {
-    for (volatile unsigned count = 0;;) {
-        count = count + 1;
-    }
-}
 
 double secondsOn(clockid_t clock) {
     timespec time{};
@@ -77,7 +51,7 @@ protected:
 
 std::set<std::int64_t> pidsOfPS() {
     // Without the two processes that this question itself takes.
-    std::istringstream lines(outputOf("ps -eo pid=,ppid=,comm="));
+    std::istringstream lines(shellOutput("ps -eo pid=,ppid=,comm="));
     std::set<std::int64_t> pids;
     std::int64_t pid = 0;
     std::int64_t parent = 0;
@@ -120,14 +94,15 @@ TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
 }
 
 TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
-    const TestChild child({"/bin/sleep", "1000"});
+    const StartedProgram child({"/bin/sleep", "1000"});
     std::optional<ProcessSample> row;
     double residentKibibytes = 0.0;
     double memoryPercent = 0.0;
     // A program that has just been started still grows between the two readings.
     ASSERT_TRUE(eventually([&] {
         row = rowOf(table.readProcesses(), child.pid());
-        std::istringstream columns(outputOf("ps -o rss=,pmem= -p " + std::to_string(child.pid())));
+        std::istringstream columns(
+            shellOutput("ps -o rss=,pmem= -p " + std::to_string(child.pid())));
         columns >> residentKibibytes >> memoryPercent;
         return row && row->displayName() == "sleep" && residentKibibytes > 0.0 &&
                std::abs(row->rssMB - residentKibibytes / 1024.0) <= 0.25;
@@ -195,26 +170,20 @@ TEST_F(ProcfsIntegrationTest, ASleepingChildTakesNothing) {
 }
 
 TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
-    const auto directory =
-        std::filesystem::temp_directory_path() / ("tallowcrest-odd-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(directory);
-    const auto program = directory / "we ird) (x";
-    std::filesystem::copy_file("/bin/sleep", program,
-                               std::filesystem::copy_options::overwrite_existing);
-    {
-        const TestChild child({program.string(), "1000"});
-        EXPECT_TRUE(eventually([&] {
-            const auto row = rowOf(table.readProcesses(), child.pid());
-            return row && row->command == program.string() && row->displayName() == "we ird) (x";
-        }));
-        // Gone from the disk, but still what the process runs.
-        std::filesystem::remove(program);
-        ProcfsProcessTable fresh(ProcfsMachine::current());
-        const auto row = rowOf(fresh.readProcesses(), child.pid());
-        ASSERT_TRUE(row);
-        EXPECT_EQ(row->command, program.string());
-    }
-    std::filesystem::remove_all(directory);
+    const TemporaryFolder folder;
+    const auto program = folder.path() / "we ird) (x";
+    std::filesystem::copy_file("/bin/sleep", program);
+    const StartedProgram child({program.string(), "1000"});
+    EXPECT_TRUE(eventually([&] {
+        const auto row = rowOf(table.readProcesses(), child.pid());
+        return row && row->command == program.string() && row->displayName() == "we ird) (x";
+    }));
+    // Gone from the disk, but still what the process runs.
+    std::filesystem::remove(program);
+    ProcfsProcessTable fresh(ProcfsMachine::current());
+    const auto row = rowOf(fresh.readProcesses(), child.pid());
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->command, program.string());
 }
 
 TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
@@ -240,7 +209,7 @@ TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
 }
 
 TEST_F(ProcfsIntegrationTest, AZombieKeepsItsCommandAndIsGoneOnceWaitedFor) {
-    TestChild child({"/bin/sleep", "1000"});
+    TestChild child([] { ::execl("/bin/sleep", "sleep", "1000", nullptr); });
     ASSERT_TRUE(eventually([&] {
         const auto row = rowOf(table.readProcesses(), child.pid());
         return row && row->displayName() == "sleep";
@@ -313,99 +282,6 @@ TEST_F(ProcfsIntegrationTest, ProcessesThatDieMidReadDoNoHarm) {
         EXPECT_TRUE(rowOf(rows, steady.pid()));
     }
     EXPECT_GT(seen.size(), atFirst + 20) << "the churner did not get to run";
-}
-
-/// The busy share straight from the kernel's text, in another way than that of the reader.
-std::array<double, 2> busyAndTotal() {
-    std::ifstream file("/proc/stat");
-    std::string label;
-    std::array<double, 8> counters{};
-    file >> label;
-    for (double& counter : counters) {
-        file >> counter;
-    }
-    double total = 0.0;
-    for (const double counter : counters) {
-        total += counter;
-    }
-    return {total - counters[3] - counters[4], total};
-}
-
-TEST(ProcfsMachineTest, WholeMachineLoad) {
-    // One core is kept busy, so that the share is not next to nothing.
-    const TestChild child([] { spin(); });
-    ProcStatTickSource source;
-    SystemCPULoadReader reader(source);
-    const auto before = busyAndTotal();
-    std::this_thread::sleep_for(1s);
-    const auto load = reader.readCPUPercent();
-    const auto after = busyAndTotal();
-
-    ASSERT_TRUE(load);
-    ASSERT_GT(after[1], before[1]);
-    EXPECT_NEAR(*load, (after[0] - before[0]) / (after[1] - before[1]) * 100.0, 3.0);
-    EXPECT_GT(*load, 0.0);
-}
-
-double memoryInfoBytes(const std::string& key) {
-    std::ifstream file("/proc/meminfo");
-    std::string word;
-    double kibibytes = 0.0;
-    std::string rest;
-    while (file >> word >> kibibytes && std::getline(file, rest)) {
-        if (word == key + ':') {
-            return kibibytes * 1024.0;
-        }
-    }
-    return 0.0;
-}
-
-TEST(ProcfsMachineTest, FreeMemoryIsWhatIsAvailable) {
-    ProcfsMetricsReader reader;
-    // Others take and give memory between two readings; the machine is still for one moment.
-    EXPECT_TRUE(eventually([&] {
-        const MemorySnapshot memory = reader.readMemory();
-        const double availableGB =
-            std::max(memoryInfoBytes("MemAvailable"), memoryInfoBytes("MemFree")) / 1073741824.0;
-        return std::abs(memory.freeGB - availableGB) <= availableGB * 0.01;
-    }));
-    const MemorySnapshot memory = reader.readMemory();
-    EXPECT_DOUBLE_EQ(memory.totalGB, memoryInfoBytes("MemTotal") / 1073741824.0);
-    EXPECT_NEAR(memory.totalGB * 1073741824.0, ProcfsMachine::current().physicalBytes, 4096.0);
-    EXPECT_DOUBLE_EQ(memory.usedGB, std::max(memory.totalGB - memory.freeGB, 0.0));
-    EXPECT_GT(memory.wiredGB, 0.0);
-    EXPECT_GT(memory.pressure, 0.0);
-    EXPECT_LE(memory.pressure, 100.0);
-}
-
-TEST(ProcfsMachineTest, PressureText) {
-    ProcfsMetricsReader reader;
-    const std::string text = reader.readPressureText();
-    if (std::ifstream("/proc/pressure/memory").get() == 's') {
-        EXPECT_TRUE(text.starts_with("some avg10=")) << text;
-        EXPECT_NE(text.find("\nfull avg10="), std::string::npos) << text;
-        EXPECT_FALSE(text.ends_with('\n'));
-    } else {
-        EXPECT_EQ(text, "Memory pressure unavailable");
-    }
-}
-
-TEST(ProcfsMachineTest, DiskAgreesWithDF) {
-    const char* home = std::getenv("HOME");
-    ASSERT_NE(home, nullptr);
-    PosixHomeVolume volume(home);
-    EXPECT_TRUE(eventually([&] {
-        std::istringstream output(outputOf("df -kP \"$HOME\" | tail -n 1"));
-        std::string device;
-        double totalKibibytes = 0.0;
-        double usedKibibytes = 0.0;
-        double freeKibibytes = 0.0;
-        output >> device >> totalKibibytes >> usedKibibytes >> freeKibibytes;
-        const DiskSnapshot disk = volume.readDiskSnapshot();
-        EXPECT_GT(totalKibibytes, 0.0);
-        EXPECT_NEAR(disk.totalGB, totalKibibytes / 1048576.0, 1e-5);
-        return std::abs(disk.freeGB - freeKibibytes / 1048576.0) <= 0.01;
-    }));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/posix/report_folder_posix.h"
+#include "tests/support/file_text.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -30,13 +30,6 @@ protected:
         return result;
     }
 
-    static std::string contents(const std::filesystem::path& file) {
-        std::ifstream stream(file, std::ios::binary);
-        std::ostringstream text;
-        text << stream.rdbuf();
-        return text.str();
-    }
-
     TemporaryFolder root;
     std::filesystem::path path = root.path() / "documents/outputs/reports";
     PosixReportFolder folder{path, {}};
@@ -45,7 +38,7 @@ protected:
 TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
     const std::string text = "Tallowcrest report\n\tZürich 日本\n";
     EXPECT_EQ(folder.write("a.txt", text), std::nullopt);
-    EXPECT_EQ(contents(path / "a.txt"), text);
+    EXPECT_EQ(fileText(path / "a.txt"), text);
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
     struct stat info {};
     ASSERT_EQ(::stat((path / "a.txt").c_str(), &info), 0);
@@ -55,7 +48,7 @@ TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
 TEST_F(ReportFolderTest, ANameThatExistsIsNotReplaced) {
     ASSERT_EQ(folder.write("a.txt", "first"), std::nullopt);
     EXPECT_EQ(folder.write("a.txt", "second"), "File exists");
-    EXPECT_EQ(contents(path / "a.txt"), "first");
+    EXPECT_EQ(fileText(path / "a.txt"), "first");
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
 }
 
@@ -67,7 +60,7 @@ TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
     std::filesystem::create_symlink(root.path() / "nowhere", path / "b.txt");
     EXPECT_EQ(folder.write("a.txt", "report"), "File exists");
     EXPECT_EQ(folder.write("b.txt", "report"), "File exists");
-    EXPECT_EQ(contents(elsewhere), "precious");
+    EXPECT_EQ(fileText(elsewhere), "precious");
     EXPECT_FALSE(std::filesystem::exists(root.path() / "nowhere"));
     EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
 }
@@ -75,7 +68,7 @@ TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
 TEST_F(ReportFolderTest, AFolderThatCannotBeMadeIsToldInTheSystemsWords) {
     std::ofstream(root.path() / "documents") << "a file stands where the folder should";
     EXPECT_EQ(folder.write("a.txt", "report"), "Not a directory");
-    EXPECT_EQ(contents(root.path() / "documents"), "a file stands where the folder should");
+    EXPECT_EQ(fileText(root.path() / "documents"), "a file stands where the folder should");
 }
 
 TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {

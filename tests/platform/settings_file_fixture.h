@@ -7,7 +7,6 @@
 #include <fstream>
 #include <limits>
 #include <map>
-#include <sstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -16,17 +15,12 @@
 #include "core/settings.h"
 #include "core/settings_keys.h"
 #include "platform/sqlite/open_settings_store.h"
+#include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
-
-inline std::string contentOf(const std::filesystem::path& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 inline void writeFile(const std::filesystem::path& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
@@ -92,7 +86,7 @@ protected:
         std::map<std::string, std::string> result;
         if (std::filesystem::exists(file.parent_path())) {
             for (const auto& entry : std::filesystem::directory_iterator(file.parent_path())) {
-                result[entry.path().filename()] = contentOf(entry.path());
+                result[entry.path().filename()] = fileText(entry.path());
             }
         }
         return result;
@@ -131,7 +125,7 @@ protected:
             ASSERT_NO_FATAL_FAILURE(expectOneProblem(opened, words));
             EXPECT_THAT(opened.problems.front(), ::testing::HasSubstr(name));
             expectDefaults(*opened.store);
-            EXPECT_TRUE(contentOf(file.parent_path() / name) == original);
+            EXPECT_TRUE(fileText(file.parent_path() / name) == original);
             opened.store->write(settings_keys::autoPurgeKey, true);
         }
         const OpenedStore again = open();

@@ -4,10 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <stdexcept>
-#include <thread>
 
 namespace tallowcrest {
 
@@ -20,16 +18,6 @@ TestChild::TestChild(const std::function<void()>& work) : pid_(::fork()) {
         throw std::runtime_error("no child");
     }
 }
-
-TestChild::TestChild(const std::vector<std::string>& arguments)
-    : TestChild([&] {
-          std::vector<char*> words;
-          for (const std::string& argument : arguments) {
-              words.push_back(const_cast<char*>(argument.c_str()));
-          }
-          words.push_back(nullptr);
-          ::execv(words.front(), words.data());
-      }) {}
 
 void TestChild::end() {
     if (pid_ > 0) {
@@ -45,21 +33,22 @@ void TestChild::becomeZombie() {
     ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT);
 }
 
+void waitForever() {
+    for (;;) {
+        ::pause();
+    }
+}
+
+void spin() {
+    for (volatile unsigned count = 0;;) {
+        count = count + 1;
+    }
+}
+
 std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
     const auto found = std::find_if(rows.begin(), rows.end(),
                                     [pid](const ProcessSample& row) { return row.pid == pid; });
     return found == rows.end() ? std::nullopt : std::optional(*found);
-}
-
-bool eventually(const std::function<bool()>& isSo) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!isSo()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
 }
 
 }  // namespace tallowcrest

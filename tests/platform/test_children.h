@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,8 +17,6 @@ class TestChild {
 public:
     /// Forks; the child runs `work`, which calls only what is safe after a fork, and then exits.
     explicit TestChild(const std::function<void()>& work);
-    /// Runs a program.
-    explicit TestChild(const std::vector<std::string>& arguments);
     TestChild(TestChild&& other) noexcept : pid_(std::exchange(other.pid_, -1)) {}
     TestChild& operator=(TestChild&&) = delete;
     ~TestChild() { end(); }
@@ -35,10 +32,11 @@ private:
     pid_t pid_ = -1;
 };
 
+/// What a child can do until it is killed: nothing, or its best to keep one core busy.
+[[noreturn]] void waitForever();
+[[noreturn]] void spin();
+
 /// The row of that process, absent when it is not in the table.
 std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid);
-
-/// Asks again until `isSo`; false when it is not so within ten seconds.
-bool eventually(const std::function<bool()>& isSo);
 
 }  // namespace tallowcrest

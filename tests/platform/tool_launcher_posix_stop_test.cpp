@@ -13,12 +13,13 @@
 
 #include "platform/posix/tool_launcher_posix.h"
 #include "tests/platform/child_scenario.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
-using child_scenario::eventually;
 using child_scenario::hasChild;
 using child_scenario::isRunning;
 using child_scenario::openDescriptorCount;
@@ -46,7 +47,7 @@ protected:
 
     void TearDown() override { EXPECT_FALSE(hasChild()); }
 
-    child_scenario::TemporaryFolder folder;
+    TemporaryFolder folder;
     PosixToolLauncher launcher;
 };
 

@@ -15,13 +15,14 @@
 #include "sampling/command_safety_policy.h"
 #include "sampling/metric_runner.h"
 #include "tests/platform/child_scenario.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
-using child_scenario::eventually;
 using child_scenario::hasChild;
 using child_scenario::isRunning;
 using child_scenario::shellTool;
@@ -30,7 +31,7 @@ class PosixToolLauncherTest : public testing::Test {
 protected:
     void TearDown() override { EXPECT_FALSE(hasChild()) << "a child was left unwaited for"; }
 
-    child_scenario::TemporaryFolder folder;
+    TemporaryFolder folder;
     PosixToolLauncher launcher;
 };
 

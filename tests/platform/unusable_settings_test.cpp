@@ -14,6 +14,7 @@
 #include "platform/sqlite/open_settings_store.h"
 #include "tests/platform/settings_file_fixture.h"
 #include "tests/platform/writer_process.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 namespace {
@@ -30,7 +31,7 @@ TEST_F(UnusableSettings, PutsSomebodyElsesDatabaseAside) {
         fs::remove_all(file.parent_path());
         makeStored();
         changeStored(sql);
-        expectPutAside("no settings of ours", contentOf(file));
+        expectPutAside("no settings of ours", fileText(file));
     }
 }
 
@@ -42,7 +43,7 @@ TEST_F(UnusableSettings, PutsADatabaseAsideThatHasNotOurTable) {
         fs::remove_all(file.parent_path());
         makeStored();
         changeStored(sql);
-        expectPutAside("damaged", contentOf(file));
+        expectPutAside("damaged", fileText(file));
     }
 }
 
@@ -70,27 +71,27 @@ TEST_F(UnusableSettings, LeavesANewerVersionsFileEvenWhenOnlyItsLogTells) {
     }
     fs::remove_all(file.parent_path());
     fs::rename(copy, file.parent_path());
-    const std::string fileBefore = contentOf(file);
-    const std::string logBefore = contentOf(file.string() + "-wal");
+    const std::string fileBefore = fileText(file);
+    const std::string logBefore = fileText(file.string() + "-wal");
     ASSERT_GT(logBefore.size(), 32U);
     const OpenedStore opened = open();
     expectOneProblem(opened, "newer version");
     expectMemoryAlone(opened);
-    EXPECT_TRUE(contentOf(file) == fileBefore);
-    EXPECT_TRUE(contentOf(file.string() + "-wal") == logBefore);
+    EXPECT_TRUE(fileText(file) == fileBefore);
+    EXPECT_TRUE(fileText(file.string() + "-wal") == logBefore);
 }
 
 TEST_F(UnusableSettings, LeavesALockedFileAlone) {
     makeStored();
     WriterProcess other({"hold-lock", file.string()});
     ASSERT_EQ(other.readOutput(7), "locked\n");
-    const std::string before = contentOf(file);
+    const std::string before = fileText(file);
     const OpenedStore opened = open();
     expectOneProblem(opened, "locked");
     expectDefaults(*opened.store);
     opened.store->write(keys::autoPurgeKey, true);
     EXPECT_EQ(opened.store->read(keys::autoPurgeKey), SettingsValue(true));
-    EXPECT_TRUE(contentOf(file) == before);
+    EXPECT_TRUE(fileText(file) == before);
     other.kill();
     other.wait();
     const OpenedStore again = open();
@@ -144,7 +145,7 @@ TEST_F(UnusableSettings, DoesWithoutAFolderThatCannotBeMade) {
     EXPECT_THAT(opened.problems.front(), HasSubstr("Not a directory"));
     opened.store->write(keys::autoPurgeKey, true);
     EXPECT_EQ(opened.store->read(keys::autoPurgeKey), SettingsValue(true));
-    EXPECT_TRUE(contentOf(folder.path() / "tallowcrest") == "a file where the folder should be");
+    EXPECT_TRUE(fileText(folder.path() / "tallowcrest") == "a file where the folder should be");
 }
 
 TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeBegun) {
@@ -168,7 +169,7 @@ TEST_F(UnusableSettings, DoesWithoutADamagedFileThatCannotBePutAside) {
         expectMemoryAlone(opened);
     }
     fs::permissions(file.parent_path(), fs::perms(0700));
-    EXPECT_TRUE(contentOf(file) == "garbage");
+    EXPECT_TRUE(fileText(file) == "garbage");
 }
 
 }  // namespace

@@ -8,17 +8,14 @@
 #include <string>
 
 #include "platform/linux/procfs_process_table.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {
 
 TestChild bornDeaf() {
     const BlockedSignals blocked;
-    return TestChild([] {
-        for (;;) {
-            ::pause();
-        }
-    });
+    return TestChild([] { waitForever(); });
 }
 
 }  // namespace

@@ -1,22 +1,20 @@
 #pragma once
 
-#include <fstream>
-#include <sstream>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 
 /// The bytes of a recorded text, named by its path below tests/fixtures.
 inline std::string readFixture(const std::string& name) {
     const std::string path = std::string(TALLOWCREST_SOURCE_DIR) + "/tests/fixtures/" + name;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    if (!std::filesystem::exists(path)) {
         throw std::runtime_error("no fixture at " + path);
     }
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
+    return fileText(path);
 }
 
 }  // namespace tallowcrest

@@ -4,19 +4,62 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <span>
+#include <vector>
 
 #include "tests/support/fake_machine.h"
 #include "tests/support/load_trace.h"
 
 namespace tallowcrest {
 
-/// Gives the machine what every trace takes for granted. Before its monitor is built, which counts
-/// the load from then on.
+/// Gives the machine what every trace takes for granted, and another one that can be scanned.
+/// Before its monitor is built, which counts the load from then on.
 inline void prepareForReplay(FakeMachine& machine) {
     machine.metrics->memory.totalGB = 16.0;
     machine.metrics->disk.totalGB = 256.0;
     machine.ticks->ticks = CPUTicks{};
+    machine.extensions.rules.tailDevices = [] {
+        static const std::vector<TailDevice> devices = [] {
+            TailDevice mac;
+            mac.os = "macOS";
+            mac.online = true;
+            return std::vector{mac};
+        }();
+        return std::span<const TailDevice>(devices);
+    };
 }
+
+/// What comes new into the activity log of a machine's monitor, from one question to the next.
+class LogNews {
+public:
+    explicit LogNews(FakeMachine& machine) : machine_(machine) {}
+
+    /// The oldest first.
+    std::vector<ActivityEvent> take() {
+        std::vector<ActivityEvent> news;
+        for (const ActivityEvent& event : machine_.monitor().log().activityLog()) {
+            if (event.id == newest_) {
+                break;
+            }
+            news.push_back(event);
+        }
+        if (!news.empty()) {
+            newest_ = news.front().id;
+        }
+        std::reverse(news.begin(), news.end());
+        return news;
+    }
+
+    /// Answers the question that stands with no; what the log says of that is no news.
+    void dismissQuestion() {
+        machine_.monitor().confirmations().cancelPending();
+        take();
+    }
+
+private:
+    FakeMachine& machine_;
+    UUID newest_;
+};
 
 /// Lets a prepared machine live through a trace: each sample is taken when the clock stands at its
 /// time, counted from where it stood at the beginning. `landed` is called after each.

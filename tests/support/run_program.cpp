@@ -194,4 +194,8 @@ ProgramResult runProgram(const ProgramRun& run, int deadlineSeconds) {
     return result;
 }
 
+std::string shellOutput(const std::string& command) {
+    return runProgram({.path = "/bin/sh", .arguments = {"-c", command}}).standardOutput;
+}
+
 }  // namespace tallowcrest

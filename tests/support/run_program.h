@@ -33,4 +33,7 @@ struct ProgramResult {
 /// the result then shows as its signal.
 ProgramResult runProgram(const ProgramRun& run, int deadlineSeconds = 60);
 
+/// What a command of the shell prints.
+std::string shellOutput(const std::string& command);
+
 }  // namespace tallowcrest

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
+
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 
@@ -27,6 +31,19 @@ public:
     }
 
     const std::filesystem::path& path() const { return path_; }
+    /// Of something in it, there or not.
+    std::string path(const std::string& name) const { return path_ / name; }
+
+    /// Writes a file and returns its path.
+    std::string file(const std::string& name, const std::string& text, mode_t mode) const {
+        std::ofstream(path(name), std::ios::binary) << text;
+        if (::chmod(path(name).c_str(), mode) != 0) {
+            throw std::runtime_error("cannot set the mode of " + name);
+        }
+        return path(name);
+    }
+    /// The text of a file; empty when there is none.
+    std::string read(const std::string& name) const { return fileText(path(name)); }
 
 private:
     std::filesystem::path path_;

@@ -1,8 +1,6 @@
 #include "platform/posix/child_environment.h"
 
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/posix/spawn_support.h"
 
@@ -14,30 +12,25 @@ bool isForThisProcessAlone(std::string_view variable) {
            variable.starts_with("DESKTOP_STARTUP_ID=");
 }
 
-struct Environment {
-    Environment() {
-        for (char** variable = spawn_support::environment();
-             variable != nullptr && *variable != nullptr; ++variable) {
-            if (!isForThisProcessAlone(*variable)) {
-                texts.emplace_back(*variable);
-            }
-        }
-        pointers.reserve(texts.size() + 1);
-        for (std::string& text : texts) {
-            pointers.push_back(text.data());
-        }
-        pointers.push_back(nullptr);
-    }
-
-    std::vector<std::string> texts;
-    std::vector<char*> pointers;
-};
-
 }  // namespace
 
+ChildEnvironment::ChildEnvironment(const char* const* from) {
+    for (const char* const* variable = from; variable != nullptr && *variable != nullptr;
+         ++variable) {
+        if (!isForThisProcessAlone(*variable)) {
+            texts_.emplace_back(*variable);
+        }
+    }
+    pointers_.reserve(texts_.size() + 1);
+    for (std::string& text : texts_) {
+        pointers_.push_back(text.data());
+    }
+    pointers_.push_back(nullptr);
+}
+
 char* const* childEnvironment() {
-    static const Environment environment;
-    return environment.pointers.data();
+    static const ChildEnvironment environment(spawn_support::environment());
+    return environment.variables();
 }
 
 }  // namespace tallowcrest

@@ -8,7 +8,9 @@
 namespace tallowcrest {
 
 /// A folder of the file system. What is made in it is the owner's alone to read: a report names
-/// processes, machines and accounts.
+/// processes, machines and accounts. A report appears whole or not at all; only on file
+/// systems without hard links, where its name is reserved first, a kill between the two steps
+/// leaves an empty file.
 class PosixReportFolder final : public ReportFolder {
 public:
     /// Shows a file, given as an absolute path, on the desktop.

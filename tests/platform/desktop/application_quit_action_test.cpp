@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/desktop/quit_action_fixture.h"
-#include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -229,13 +229,7 @@ TEST(QuitActionOfAnActivatableApplication, DoesNotStartItAgain) {
     std::ofstream(folder.path() / "application.service")
         << "[D-BUS Service]\nName=" << applicationName << "\nExec=/usr/bin/touch " << trace.string()
         << "\n";
-    std::ofstream(folder.path() / "bus.conf")
-        << "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><servicedir>"
-        << folder.path().string()
-        << "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
-           "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
-           "<allow own=\"*\"/></policy></busconfig>";
-    const TestSessionBus bus({"--config-file=" + (folder.path() / "bus.conf").string()});
+    const TestSessionBus bus(folder.path().string());
     TestApplication application("present");
     ASSERT_EQ(application.greeting, "ready");
 

@@ -17,7 +17,7 @@ TEST_F(DBusNotificationCenterTest, ShowsWhatIsPostedToADaemonThatHasEverything) 
     ASSERT_TRUE(daemon.ownsItsName());
     start();
     center->post(content("<b>x</b> & \"co\""));
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 1; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 1; }));
     const Daemon::Notification& shown = daemon.shown().front();
     EXPECT_EQ(shown.signature, "susssasa{sv}i");
     EXPECT_EQ(shown.program, "Tallowcrest");
@@ -50,7 +50,7 @@ TEST_F(DBusNotificationCenterTest, GivesADaemonOnlyWhatItCanShow) {
     for (const Case& each : cases) {
         const Daemon daemon(bus, each.capabilities);
         ASSERT_TRUE(daemon.ownsItsName());
-        ASSERT_TRUE(eventually([&] {
+        ASSERT_TRUE(turnUntil([&] {
             center->post(content("<i>a</i> & b"));
             return !daemon.shown().empty();
         }));
@@ -68,10 +68,10 @@ TEST_F(DBusNotificationCenterTest, WithoutACategoryThePlainClickIsAllThereIs) {
     center->post(content("none named", ""));
     center->post(content("one that is not registered", "UNKNOWN"));
     center->post(content("registered"));
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 3; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 3; }));
     center->setCategories({});
     center->post(content("no longer"));
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 4; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 4; }));
     EXPECT_EQ(daemon.shown()[0].actions, plain);
     EXPECT_EQ(daemon.shown()[1].actions, plain);
     EXPECT_EQ(daemon.shown()[2].actions.size(), 6);
@@ -84,7 +84,7 @@ TEST_F(DBusNotificationCenterTest, ASilentOneAsksForSilence) {
     NotificationContent silent = content("high");
     silent.playsSound = false;
     center->post(silent);
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 1; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 1; }));
     const QVariantMap& hints = daemon.shown().front().hints;
     EXPECT_EQ(hints.value("suppress-sound"), QVariant(true));
     EXPECT_FALSE(hints.contains("sound-name"));
@@ -107,7 +107,7 @@ TEST_F(DBusNotificationCenterTest, TheDaemonIsAskedOnceForWhatItCan) {
     for (const char* body : {"first", "second", "third"}) {
         center->post(content(body));
     }
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 3; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 3; }));
     EXPECT_EQ(daemon.calls(), QStringList({"GetCapabilities", "Notify", "Notify", "Notify"}));
     EXPECT_EQ(daemon.bodies(), QStringList({"first", "second", "third"}));
 }

@@ -42,8 +42,8 @@ TEST_F(DBusNotificationDaemonsTest, WithoutABusPostsAreLostWithoutAWord) {
     const Daemon daemon(bus, everything);
     start();
     show(daemon);
-    bus.kill();
-    ASSERT_TRUE(eventually([&] { return !QDBusConnection(connectionName).isConnected(); }));
+    bus.daemon().end();
+    ASSERT_TRUE(turnUntil([&] { return !QDBusConnection(connectionName).isConnected(); }));
     for (int count = 0; count < 10; ++count) {
         center->post(content("lost"));
         QCoreApplication::processEvents();
@@ -61,10 +61,10 @@ TEST_F(DBusNotificationDaemonsTest, OfManyPostsToOneThatHangsTheLastAreShownWhen
     for (int number = 1; number <= 100; ++number) {
         center->post(content(std::to_string(number)));
     }
-    ASSERT_TRUE(eventually([&] { return !daemon.calls().isEmpty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !daemon.calls().isEmpty(); }));
     EXPECT_EQ(daemon.calls(), QStringList({"GetCapabilities"}));
     daemon.releaseHeld();
-    ASSERT_TRUE(eventually([&] { return daemon.bodies().contains("100"); }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.bodies().contains("100"); }));
     EXPECT_EQ(daemon.bodies(), QStringList({"97", "98", "99", "100"}));
 }
 
@@ -73,7 +73,7 @@ TEST_F(DBusNotificationDaemonsTest, OneThatDoesNotTellWhatItCanIsGivenUp) {
     daemon.holdBack("GetCapabilities");
     start(std::chrono::milliseconds(50));
     center->post(content("lost"));
-    ASSERT_TRUE(eventually([&] {
+    ASSERT_TRUE(turnUntil([&] {
         // Is asked again only when the first question has been given up.
         if (!daemon.calls().isEmpty()) {
             center->post(content("again"));
@@ -114,7 +114,7 @@ TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
     start();
     const auto survives = [&](const QString& method) {
         const qsizetype before = daemon.calls().count(method);
-        return eventually([&] {
+        return turnUntil([&] {
             center->post(content("odd"));
             return daemon.calls().count(method) > before + 1;
         });
@@ -142,10 +142,10 @@ TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatHangsGoesToItsSuccessor) 
     former.holdBack("GetCapabilities");
     start();
     center->post(content("waits"));
-    ASSERT_TRUE(eventually([&] { return !former.calls().isEmpty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !former.calls().isEmpty(); }));
     const Daemon successor(bus, everything, 7, Daemon::Arrival::inPlaceOfAnother);
     ASSERT_TRUE(successor.ownsItsName());
-    ASSERT_TRUE(eventually([&] { return !successor.shown().empty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !successor.shown().empty(); }));
     former.releaseHeld();
     pressAtLast(successor, 7);
     EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
@@ -164,7 +164,7 @@ TEST_F(DBusNotificationDaemonsTest, WhatIsSentToOneThatHasJustEndedGoesToItsSucc
     const QDBusConnection observer(bus.connect());
     ASSERT_TRUE(untilGone(observer, connection));
     center->post(content("waits"));
-    ASSERT_TRUE(eventually([&] { return !successor.shown().empty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !successor.shown().empty(); }));
     pressAtLast(successor, 7);
     EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
     QDBusConnection::disconnectFromBus(observer.name());
@@ -175,9 +175,9 @@ TEST_F(DBusNotificationDaemonsTest, OneThatHasNeverReachedAnybodyIsNotSentForEve
     daemon.refuse("Notify", "org.freedesktop.DBus.Error.ServiceUnknown");
     start();
     center->post(content("lost"));
-    ASSERT_TRUE(eventually([&] { return daemon.shown().size() == 2; }));
+    ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 2; }));
     daemon.refuse({});
-    ASSERT_TRUE(eventually([&] {
+    ASSERT_TRUE(turnUntil([&] {
         center->post(content("next"));
         return daemon.bodies().contains("next");
     }));
@@ -191,7 +191,7 @@ TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatEndsIsLost) {
     former->holdBack("GetCapabilities");
     start();
     center->post(content("lost"));
-    ASSERT_TRUE(eventually([&] { return !former->calls().isEmpty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !former->calls().isEmpty(); }));
     former.reset();
     const Daemon successor(bus, everything);
     ASSERT_TRUE(successor.ownsItsName());

@@ -1,16 +1,15 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <QTest>
 #include <gtest/gtest.h>
 
 #include "platform/desktop/dbus_notification_center.h"
 #include "tests/platform/desktop/private_bus.h"
 #include "tests/platform/desktop/scripted_notification_daemon.h"
+#include "tests/platform/desktop/turn_until.h"
 
 namespace tallowcrest {
 
@@ -21,10 +20,6 @@ inline const NotificationCategory warning{"WARNING",
 inline NotificationContent content(const std::string& body,
                                    const std::string& category = "WARNING") {
     return {"Load & warning", body, category, true};
-}
-
-inline bool eventually(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 20'000);
 }
 
 /// What Qt warns of the owner would read on the terminal, and nothing here is to be noticed.
@@ -64,7 +59,7 @@ protected:
     /// Posts until one more than before is shown by `daemon`: what comes before that one was lost.
     bool showsAgain(const Daemon& daemon) {
         const std::size_t before = daemon.shown().size();
-        return eventually([&] {
+        return turnUntil([&] {
             center->post(content("again"));
             return daemon.shown().size() > before;
         });
@@ -74,7 +69,7 @@ protected:
     uint show(const Daemon& daemon, const std::string& body = "high") {
         const std::size_t before = daemon.shown().size();
         center->post(content(body));
-        EXPECT_TRUE(eventually([&] { return daemon.shown().size() > before; }));
+        EXPECT_TRUE(turnUntil([&] { return daemon.shown().size() > before; }));
         return daemon.shown().empty() ? 0 : daemon.shown().back().id;
     }
 
@@ -83,7 +78,7 @@ protected:
     void pressAtLast(const Daemon& daemon, uint id) {
         const std::size_t before = responses.size();
         daemon.press(id, "LAST");
-        EXPECT_TRUE(eventually([&] { return responses.size() > before; }));
+        EXPECT_TRUE(turnUntil([&] { return responses.size() > before; }));
     }
 
     PrivateBus bus;

@@ -20,7 +20,7 @@ TEST_F(DBusNotificationPressesTest, PressesAreTold) {
     const uint second = show(daemon);
     daemon.press(second, "SCAN");
     daemon.press(first, "default");
-    ASSERT_TRUE(eventually([&] { return responses.size() == 2; }));
+    ASSERT_TRUE(turnUntil([&] { return responses.size() == 2; }));
     EXPECT_THAT(responses, ElementsAre("SCAN", NotificationCenter::plainClick));
 }
 
@@ -98,7 +98,7 @@ TEST_F(DBusNotificationPressesTest, TheLeaveToComeToTheFrontIsThereForOnePressAl
     daemon.giveToken(id, "leave");
     daemon.press(id, "REVIEW");
     daemon.press(id, "SCAN");
-    ASSERT_TRUE(eventually([&] { return responses.size() == 2; }));
+    ASSERT_TRUE(turnUntil([&] { return responses.size() == 2; }));
     EXPECT_THAT(tokens, ElementsAre("leave", ""));
     EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
 }
@@ -116,9 +116,9 @@ TEST_F(DBusNotificationPressesTest, TheLeaveIsStillThereWhenTheWindowComesToTheF
     });
     daemon.giveToken(id, "leave");
     daemon.press(id, "REVIEW");
-    ASSERT_TRUE(eventually([&] { return !atTheFront.isEmpty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !atTheFront.isEmpty(); }));
     EXPECT_EQ(atTheFront, QByteArray("leave"));
-    ASSERT_TRUE(eventually([] { return !qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"); }));
+    ASSERT_TRUE(turnUntil([] { return !qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"); }));
 }
 
 TEST_F(DBusNotificationPressesTest, AResponseMayReplaceTheHandler) {
@@ -133,7 +133,7 @@ TEST_F(DBusNotificationPressesTest, AResponseMayReplaceTheHandler) {
     });
     daemon.press(id, "REVIEW");
     daemon.press(id, "SCAN");
-    ASSERT_TRUE(eventually([&] { return responses.size() == 2; }));
+    ASSERT_TRUE(turnUntil([&] { return responses.size() == 2; }));
     EXPECT_THAT(responses, ElementsAre(text, "replaced"));
 }
 
@@ -148,7 +148,7 @@ TEST_F(DBusNotificationPressesTest, AResponseMayEndEverything) {
     daemon.giveToken(id, "leave");
     daemon.press(id, "REVIEW");
     daemon.press(id, "SCAN");
-    ASSERT_TRUE(eventually([&] { return !responses.empty(); }));
+    ASSERT_TRUE(turnUntil([&] { return !responses.empty(); }));
     QCoreApplication::processEvents();
     EXPECT_THAT(responses, ElementsAre("REVIEW"));
     EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));

@@ -5,7 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/host.h"
-#include "tests/platform/child_scenario.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,10 +20,10 @@ protected:
     }
 
     bool becomesStarted(const std::string& text) const {
-        return child_scenario::eventually([&] { return folder.read("started") == text; });
+        return eventually([&] { return folder.read("started") == text; });
     }
 
-    child_scenario::TemporaryFolder folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(DesktopApplications, TheFirstThatIsInstalledIsStartedAndNoOther) {

@@ -8,8 +8,8 @@
 
 #include "platform/x11/display_connection.h"
 #include "tests/platform/desktop/quit_action_fixture.h"
-#include "tests/platform/test_children.h"
 #include "tests/platform/x11/test_desktop.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {

@@ -3,11 +3,11 @@
 #include <QGuiApplication>
 #include <QObject>
 #include <QSignalSpy>
-#include <QTest>
 #include <gmock/gmock.h>
 
 #include "tests/platform/desktop/private_bus.h"
 #include "tests/platform/desktop/scripted_file_manager.h"
+#include "tests/platform/desktop/turn_until.h"
 
 namespace tallowcrest {
 namespace {
@@ -43,14 +43,14 @@ private:
 TEST_F(FileManagerTest, IsAskedToShowTheFileByItsAddress) {
     startFileManager();
     show("/home/owner/My Reports/50% #1 für Zoë.txt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !manager.shown.isEmpty(); }));
+    ASSERT_TRUE(turnUntil([this] { return !manager.shown.isEmpty(); }));
     EXPECT_EQ(manager.shown,
               QStringList(QStringLiteral(
                   "file:///home/owner/My%20Reports/50%25%20%231%20f%C3%BCr%20Zo%C3%AB"
                   ".txt")));
     // The next question is answered after the answer to this one.
     show("/tmp/a.txt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return manager.shown.size() == 2; }));
+    ASSERT_TRUE(turnUntil([this] { return manager.shown.size() == 2; }));
     EXPECT_TRUE(opened.isEmpty());
 }
 
@@ -58,20 +58,20 @@ TEST_F(FileManagerTest, ThatRefusesLeavesTheFolderToBeOpened) {
     startFileManager();
     manager.refuses = true;
     show("/home/owner/My Reports/a.txt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
     EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/My Reports")));
 }
 
 TEST_F(FileManagerTest, WithoutOneTheFolderIsOpened) {
     show("/home/owner/reports/a.txt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
     EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
 }
 
 TEST_F(FileManagerTest, WithoutABusTheFolderIsOpened) {
-    bus.kill();
+    bus.daemon().end();
     show("/home/owner/reports/a.txt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !opened.isEmpty(); }));
+    ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
     EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
 }
 

@@ -10,27 +10,16 @@
 #include <vector>
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
 #include "platform/posix/local_socket.h"
 #include "tests/platform/child_scenario.h"
+#include "tests/platform/desktop/turn_until.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
-
-/// Turns Qt's loop until the answer is true; false when it never is.
-bool turnUntil(const std::function<bool()>& question) {
-    const QDeadlineTimer deadline(20'000);
-    while (!question()) {
-        if (deadline.hasExpired()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-    return true;
-}
 
 class InstanceListenerTest : public testing::Test {
 protected:
@@ -67,7 +56,7 @@ protected:
         return answer;
     }
 
-    child_scenario::TemporaryFolder folder;
+    TemporaryFolder folder;
     InstancePlace place{folder.path("run"), "window"};
     InstanceStart start;
     InstanceListener listener;
@@ -129,7 +118,7 @@ TEST_F(InstanceListenerTest, ACallerMayLeaveAtAnyMoment) {
 }
 
 TEST(InstanceListener, EndsTheListeningWithItself) {
-    const child_scenario::TemporaryFolder folder;
+    const TemporaryFolder folder;
     InstanceStart start = startInstance({folder.path("run"), "window"}, {});
     ASSERT_TRUE(start.guard.has_value());
     { const InstanceListener listener(*start.guard); }

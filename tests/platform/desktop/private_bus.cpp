@@ -1,59 +1,42 @@
 #include "tests/platform/desktop/private_bus.h"
 
+#include <vector>
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QDeadlineTimer>
-#include <QFile>
 
 namespace tallowcrest {
 namespace {
 
 constexpr int patience = 20'000;
 
-constexpr const char* configuration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:dir=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
+/// The command that starts a bus of which everything is kept in `folder`.
+std::vector<std::string> commandIn(const TemporaryFolder& folder, const std::string& services) {
+    const std::string servicesElement =
+        services.empty() ? "" : "<servicedir>" + services + "</servicedir>";
+    const std::string file =
+        folder.file("bus.conf",
+                    "<busconfig><type>session</type><listen>unix:dir=" + folder.path().string() +
+                        "</listen>" + servicesElement +
+                        "<policy context=\"default\">"
+                        "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                        "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>",
+                    0600);
+    return {"dbus-daemon", "--config-file=" + file, "--nofork", "--nopidfile", "--print-address=1"};
+}
 
 }  // namespace
 
-PrivateBus::PrivateBus() {
-    const QString path = folder_.filePath(QStringLiteral("bus.conf"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return;
-    }
-    file.write(QString::fromLatin1(configuration).arg(folder_.path()).toUtf8());
-    file.close();
-    daemon_.start(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--config-file=") + path, QStringLiteral("--nofork"),
-                   QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-    if (daemon_.waitForReadyRead(patience)) {
-        address_ = QString::fromUtf8(daemon_.readLine().trimmed());
-    }
-}
-
-PrivateBus::~PrivateBus() {
-    kill();
-}
+PrivateBus::PrivateBus(const std::string& services)
+    : daemon_(commandIn(folder_, services)), address_(QString::fromStdString(daemon_.line())) {}
 
 QString PrivateBus::connect() const {
     static int count = 0;
     const QString name = QStringLiteral("private-bus-%1").arg(++count);
     QDBusConnection::connectToBus(address_, name);
     return name;
-}
-
-void PrivateBus::kill() {
-    daemon_.kill();
-    daemon_.waitForFinished(patience);
 }
 
 bool settle(const QDBusConnection& connection) {

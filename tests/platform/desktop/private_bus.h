@@ -1,29 +1,30 @@
 #pragma once
 
+#include <string>
+
 #include <QDBusConnection>
-#include <QProcess>
 #include <QString>
-#include <QTemporaryDir>
+
+#include "tests/platform/started_program.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 
-/// A message bus of a test's own, which starts no service by itself.
+/// A message bus of a test's own.
 class PrivateBus {
 public:
-    PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus();
+    /// It starts the services that are described in the folder `services`, and without one none.
+    explicit PrivateBus(const std::string& services = {});
 
     /// Empty when it did not start.
     const QString& address() const { return address_; }
     /// A new connection; the name that Qt keeps it under until `disconnectFromBus`.
     QString connect() const;
-    void kill();
+    StartedProgram& daemon() { return daemon_; }
 
 private:
-    QTemporaryDir folder_;
-    QProcess daemon_;
+    TemporaryFolder folder_;
+    StartedProgram daemon_;
     QString address_;
 };
 

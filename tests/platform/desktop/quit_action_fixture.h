@@ -10,40 +10,28 @@
 #include <QtGlobal>
 
 #include "core/local_records.h"
+#include "tests/platform/desktop/private_bus.h"
 #include "tests/platform/started_program.h"
 
 namespace tallowcrest {
 
-/// A session bus of a test's own, for programs that it starts too, and a connection to it.
-class TestSessionBus {
+/// The session's bus for the programs that a test starts, and a connection to it.
+class TestSessionBus : public PrivateBus {
 public:
-    explicit TestSessionBus(const std::vector<std::string>& options = {"--session"})
-        : daemon_(commandWith(options)), address_(QString::fromStdString(daemon_.line())) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address_.toUtf8());
-        QDBusConnection::connectToBus(address_, connectionName());
+    explicit TestSessionBus(const std::string& services = {}) : PrivateBus(services) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address().toUtf8());
     }
     TestSessionBus(const TestSessionBus&) = delete;
     TestSessionBus& operator=(const TestSessionBus&) = delete;
     ~TestSessionBus() {
-        daemon_.signal(SIGCONT);
-        QDBusConnection::disconnectFromBus(connectionName());
+        daemon().signal(SIGCONT);
+        QDBusConnection::disconnectFromBus(connectionName_);
     }
 
-    StartedProgram& daemon() { return daemon_; }
-    QDBusConnection connection() const { return QDBusConnection(connectionName()); }
+    QDBusConnection connection() const { return QDBusConnection(connectionName_); }
 
 private:
-    static QString connectionName() { return QStringLiteral("graceful-quit-test"); }
-
-    static std::vector<std::string> commandWith(const std::vector<std::string>& options) {
-        std::vector<std::string> command{"dbus-daemon", "--nofork", "--nopidfile",
-                                         "--print-address=1", "--address=unix:tmpdir=/tmp"};
-        command.insert(command.end(), options.begin(), options.end());
-        return command;
-    }
-
-    StartedProgram daemon_;
-    QString address_;
+    const QString connectionName_ = connect();
 };
 
 inline constexpr const char* applicationName = "org.example.Quitting-App";

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "platform/x11/display_connection.h"
-#include "tests/platform/test_children.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {

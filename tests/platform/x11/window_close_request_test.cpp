@@ -15,8 +15,8 @@
 
 #include "platform/x11/display_connection.h"
 #include "tests/platform/started_program.h"
-#include "tests/platform/test_children.h"
 #include "tests/platform/x11/test_desktop.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "monitor/sample_cycle.h"
+#include "tests/support/fake_readers.h"
+#include "tests/support/manual_clock.h"
+
+namespace tallowcrest {
+
+inline ProcessSample row(std::int64_t pid, double cpu,
+                         const std::string& command = "/usr/bin/app") {
+    return {pid, cpu, 0.5, 100.0, command, command};
+}
+
+/// `count` rows of as many groups, the heaviest first.
+inline std::vector<ProcessSample> rows(int count) {
+    std::vector<ProcessSample> result;
+    for (int i = 0; i < count; ++i) {
+        result.push_back(row(100 + i, 5.0 * (count - i), fmt::format("/usr/bin/tool {:03}", i)));
+    }
+    return result;
+}
+
+/// A device and a recommendation that can be told from others.
+inline TailDevice device(const std::string& id) {
+    TailDevice result;
+    result.id = id;
+    return result;
+}
+
+inline Recommendation card(const std::string& title) {
+    Recommendation result;
+    result.title = title;
+    return result;
+}
+
+/// What a sample is taken from. The readers tell in `calls` when they are asked.
+class SampleFixture : public ::testing::Test {
+protected:
+    SampleFixture() {
+        metrics->calls = &calls;
+        ticks->calls = &calls;
+    }
+
+    std::vector<std::string> calls;
+    ManualClock clock;
+    std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
+    std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    std::shared_ptr<SampleSources> sources = std::make_shared<SampleSources>(metrics, ticks);
+    BackgroundHooks background;
+};
+
+}  // namespace tallowcrest
