@@ -19,6 +19,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/posix/make_directories.h"
 #include "platform/sqlite/settings_log.h"
 #include "platform/sqlite/settings_rows.h"
 
@@ -128,19 +129,12 @@ Path withoutLink(const Path& file) {
 }
 
 int prepareFolder(const Path& folder) {
-    Path made;
-    int error = 0;
-    for (const Path& part : folder) {
-        made /= part;
-        if (::mkdir(made.c_str(), folderMode) == 0) {
-            error = ::chmod(made.c_str(), folderMode) == 0 ? 0 : errno;
-        } else {
-            error = errno;
-        }
+    if (const int error = makeDirectories(folder); error != 0) {
+        return error;
     }
     struct stat status {};
     if (::stat(folder.c_str(), &status) != 0) {
-        return error != 0 ? error : errno;
+        return errno;
     }
     if (!S_ISDIR(status.st_mode)) {
         return ENOTDIR;
