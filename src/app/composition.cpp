@@ -52,7 +52,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
          std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
                                           host::purgeTools())},
         desktop.notifications,
-        std::make_shared<PosixReportFolder>(host::places().reports, std::move(desktop.revealFile)),
+        std::make_shared<PosixReportFolder>(host::reportsDirectory, std::move(desktop.revealFile)),
         utcOffsetOfThisMachine};
     monitor_.emplace(
         ports,

@@ -39,7 +39,7 @@ protected:
 
     TemporaryFolder root;
     std::filesystem::path path = root.path() / "documents/outputs/reports";
-    PosixReportFolder folder{path, {}};
+    PosixReportFolder folder{[this] { return path; }, {}};
 };
 
 TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
@@ -80,7 +80,7 @@ TEST_F(ReportFolderTest, AFolderThatCannotBeMadeIsToldInTheSystemsWords) {
 
 TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {
     for (const char* none : {"", "relative/folder"}) {
-        PosixReportFolder nowhere{none, {}};
+        PosixReportFolder nowhere{[none] { return none; }, {}};
         EXPECT_EQ(nowhere.write("a.txt", "report"), "No such file or directory") << none;
     }
     EXPECT_FALSE(std::filesystem::exists("relative"));
@@ -108,11 +108,25 @@ TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
 
 TEST_F(ReportFolderTest, RevealsWhatItWrote) {
     std::vector<std::filesystem::path> revealed;
-    PosixReportFolder shown{path, [&revealed](const auto& file) { revealed.push_back(file); }};
+    PosixReportFolder shown{[this] { return path; },
+                            [&revealed](const auto& file) { revealed.push_back(file); }};
     ASSERT_EQ(shown.write("a.txt", "report"), std::nullopt);
     shown.reveal("a.txt");
     EXPECT_THAT(revealed, ElementsAre(path / "a.txt"));
     folder.reveal("a.txt");
+}
+
+TEST_F(ReportFolderTest, AsksForItsPlaceOnceAndNotBeforeAReportIsThere) {
+    int questions = 0;
+    PosixReportFolder asking{[&] {
+                                 ++questions;
+                                 return path;
+                             },
+                             {}};
+    EXPECT_EQ(questions, 0);
+    EXPECT_EQ(asking.write("a.txt", "report"), std::nullopt);
+    EXPECT_EQ(asking.write("b.txt", "report"), std::nullopt);
+    EXPECT_EQ(questions, 1);
 }
 
 }  // namespace

@@ -66,17 +66,20 @@ int giveName(int folder, const std::string& temporary, const std::string& name) 
 
 }  // namespace
 
-PosixReportFolder::PosixReportFolder(std::filesystem::path folder, Reveal reveal)
-    : folder_(std::move(folder)), reveal_(std::move(reveal)) {}
+PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
+    : place_(std::move(place)), reveal_(std::move(reveal)) {}
 
 std::optional<std::string> PosixReportFolder::write(const std::string& fileName,
                                                     const std::string& text) {
-    if (!folder_.is_absolute() || fileName.find('/') != std::string::npos) {
+    if (!folder_) {
+        folder_ = place_();
+    }
+    if (!folder_->is_absolute() || fileName.find('/') != std::string::npos) {
         return words(ENOENT);
     }
     std::error_code made;
-    std::filesystem::create_directories(folder_, made);
-    const UniqueFD folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::filesystem::create_directories(*folder_, made);
+    const UniqueFD folder(::open(folder_->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
         // What kept the folder from being made says more than that it is not there.
         return made ? made.message() : words(errno);
@@ -104,8 +107,8 @@ std::optional<std::string> PosixReportFolder::write(const std::string& fileName,
 }
 
 void PosixReportFolder::reveal(const std::string& fileName) {
-    if (reveal_) {
-        reveal_(folder_ / fileName);
+    if (reveal_ && folder_) {
+        reveal_(*folder_ / fileName);
     }
 }
 

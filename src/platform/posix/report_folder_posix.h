@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "reports/report_folder.h"
 
@@ -14,14 +16,18 @@ public:
     /// Shows a file, given as an absolute path, on the desktop.
     using Reveal = std::function<void(const std::filesystem::path&)>;
 
-    /// An empty `folder` cannot be written to. `reveal` may be absent.
-    PosixReportFolder(std::filesystem::path folder, Reveal reveal);
+    /// Where the folder is; empty when there is none, which cannot be written to.
+    using Place = std::function<std::filesystem::path()>;
+
+    /// `place` is asked once, at the first write: few runs come to one. `reveal` may be absent.
+    PosixReportFolder(Place place, Reveal reveal);
 
     std::optional<std::string> write(const std::string& fileName, const std::string& text) override;
     void reveal(const std::string& fileName) override;
 
 private:
-    std::filesystem::path folder_;
+    Place place_;
+    std::optional<std::filesystem::path> folder_;  ///< once it has been asked for
     Reveal reveal_;
 };
 
