@@ -93,7 +93,7 @@ tidy:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,all)
 	shellcheck scripts/bootstrap scripts/each-program scripts/fuzz scripts/screenshots \
-	    scripts/with-sanitizer-options .ci/run
+	    scripts/with-sanitizer-options tests/platform/macos/compile_test .ci/run
 	find src -name '*.cpp' -not -path 'src/platform/macos/*' -not -name '*_macos.cpp' | \
 	    xargs -P $(JOBS) -n 1 clang-tidy -p build/dev --quiet
 

@@ -1,21 +1,21 @@
 # One interface target that every target of this project links: warnings are errors, and the
 # sanitizers of a preset reach compile and link steps alike.
+set(TALLOWCREST_WARNINGS
+    -Wall
+    -Wextra
+    -Wpedantic
+    -Werror
+    -Wshadow
+    -Wconversion
+    -Wsign-conversion
+    -Wnon-virtual-dtor
+    -Woverloaded-virtual
+    -Wcast-align
+    -Wold-style-cast
+    -Wnull-dereference
+    -Wimplicit-fallthrough)
 add_library(tallowcrest_options INTERFACE)
-target_compile_options(
-    tallowcrest_options
-    INTERFACE -Wall
-              -Wextra
-              -Wpedantic
-              -Werror
-              -Wshadow
-              -Wconversion
-              -Wsign-conversion
-              -Wnon-virtual-dtor
-              -Woverloaded-virtual
-              -Wcast-align
-              -Wold-style-cast
-              -Wnull-dereference
-              -Wimplicit-fallthrough)
+target_compile_options(tallowcrest_options INTERFACE ${TALLOWCREST_WARNINGS})
 if(TALLOWCREST_SANITIZE)
     target_compile_options(tallowcrest_options INTERFACE -fsanitize=${TALLOWCREST_SANITIZE}
                                                          -fno-omit-frame-pointer -g

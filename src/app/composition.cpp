@@ -51,7 +51,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
          desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
          std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
                                           host::purgeTools())},
-        std::make_shared<PosixReportFolder>(host::places().reports, std::move(desktop.revealFile)),
+        std::make_shared<PosixReportFolder>(host::reportsDirectory, std::move(desktop.revealFile)),
         utcOffsetOfThisMachine,
         desktop.notifications};
     monitor_.emplace(

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 namespace tallowcrest {
 
-/// The places on disk that differ between the systems. Those that texts name stand in the form in
-/// which the owner of this system knows them.
+/// The places on disk that texts name and that differ between the systems, in the form in which the
+/// owner of this system knows them.
 struct Places {
-    std::string caches;                  ///< "~/.cache"
-    std::filesystem::path reports = {};  ///< absolute; empty when there is none
+    std::string caches;  ///< "~/.cache"
 };
 
 }  // namespace tallowcrest

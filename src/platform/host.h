@@ -52,6 +52,10 @@ std::filesystem::path dataDirectory();
 /// The places that texts name: the one table of them.
 Places places();
 
+/// The folder for exported reports, as an absolute path. It need not exist. Empty when the system
+/// does not tell where the user's documents belong. May read a file.
+std::filesystem::path reportsDirectory();
+
 /// The running program's own file; empty when the system does not tell.
 std::filesystem::path executablePath();
 

@@ -43,24 +43,26 @@ void Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
         return;
     }
     const Date now = with_.clock.now();
-    std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
+    const std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
     with_.workQueue.post([&mainQueue = with_.mainQueue, folder = with_.folder,
-                          self = std::weak_ptr(self_), name = std::move(name),
+                          self = std::weak_ptr(self_), file = with_.folder->place() / name,
                           report = *std::move(report), whenFailed = std::move(whenFailed)] {
-        const std::optional<std::string> problem = folder->write(name, report);
-        mainQueue.post([self, name, problem, whenFailed] {
+        const std::optional<std::string> problem = folder->write(file, report);
+        mainQueue.post([self, file, problem, whenFailed] {
             if (const auto reports = self.lock()) {
-                (*reports)->finishExport(name, problem, whenFailed);
+                (*reports)->finishExport(file, problem, whenFailed);
             }
         });
     });
 }
 
-void Reports::finishExport(const std::string& fileName, const std::optional<std::string>& problem,
+void Reports::finishExport(const std::filesystem::path& file,
+                           const std::optional<std::string>& problem,
                            const std::function<void()>& whenFailed) {
     if (!problem) {
-        with_.folder->reveal(fileName);
-        with_.log.recordMessage(fmt::format("Exported diagnostics to {}.", fileName));
+        with_.folder->reveal(file);
+        with_.log.recordMessage(
+            fmt::format("Exported diagnostics to {}.", file.filename().string()));
         return;
     }
     with_.log.recordMessage("Could not export diagnostics: " + *problem);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -52,7 +53,7 @@ public:
     void exportDiagnosticsReport(std::function<void()> whenFailed = {});
 
 private:
-    void finishExport(const std::string& fileName, const std::optional<std::string>& problem,
+    void finishExport(const std::filesystem::path& file, const std::optional<std::string>& problem,
                       const std::function<void()>& whenFailed);
 
     Surroundings with_;

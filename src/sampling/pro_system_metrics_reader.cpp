@@ -7,8 +7,14 @@
 namespace tallowcrest {
 
 std::vector<ProcessSample> ProSystemMetricsReader::readProcesses() {
-    return parseProcessRows(
-        runner_.runMetricTool("/bin/ps", {"-axo", "pid=,pcpu=,pmem=,rss=,comm="}));
+    const auto startTimes = startTimes_ ? startTimes_() : StartTimes::result_type{};
+    std::vector<ProcessSample> rows =
+        parseProcessRows(runner_.runMetricTool("/bin/ps", {"-axo", "pid=,pcpu=,pmem=,rss=,comm="}));
+    for (ProcessSample& row : rows) {
+        const auto known = startTimes.find(row.pid);
+        row.startTime = known != startTimes.end() ? known->second : 0;
+    }
+    return rows;
 }
 
 MemorySnapshot ProSystemMetricsReader::readMemory() {

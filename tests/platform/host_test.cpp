@@ -103,6 +103,13 @@ TEST(Host, KeepsDataWhereTheUserWantsItOrElseInTheHome) {
     }
 }
 
+TEST(Host, KeepsReportsWithTheUsersDocuments) {
+    const ScopedVariables environment{"XDG_CONFIG_HOME", "HOME"};
+    ::setenv("XDG_CONFIG_HOME", "/nowhere", 1);
+    ::setenv("HOME", "/somewhere/home", 1);
+    EXPECT_EQ(host::reportsDirectory(), "/somewhere/home/Documents/Tallowcrest/outputs/reports");
+}
+
 TEST(Host, TellsHowLongTheProcessHasRun) {
     const auto first = host::timeSinceProcessStart();
     const auto second = host::timeSinceProcessStart();

@@ -32,12 +32,12 @@ protected:
 
     TemporaryFolder root;
     std::filesystem::path path = root.path() / "documents/outputs/reports";
-    PosixReportFolder folder{path, {}};
+    PosixReportFolder folder{[this] { return path; }, {}};
 };
 
 TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
     const std::string text = "Tallowcrest report\n\tZürich 日本\n";
-    EXPECT_EQ(folder.write("a.txt", text), std::nullopt);
+    EXPECT_EQ(folder.write(path / "a.txt", text), std::nullopt);
     EXPECT_EQ(fileText(path / "a.txt"), text);
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
     struct stat info {};
@@ -46,8 +46,8 @@ TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
 }
 
 TEST_F(ReportFolderTest, ANameThatExistsIsNotReplaced) {
-    ASSERT_EQ(folder.write("a.txt", "first"), std::nullopt);
-    EXPECT_EQ(folder.write("a.txt", "second"), "File exists");
+    ASSERT_EQ(folder.write(path / "a.txt", "first"), std::nullopt);
+    EXPECT_EQ(folder.write(path / "a.txt", "second"), "File exists");
     EXPECT_EQ(fileText(path / "a.txt"), "first");
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
 }
@@ -58,8 +58,8 @@ TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
     std::ofstream(elsewhere) << "precious";
     std::filesystem::create_symlink(elsewhere, path / "a.txt");
     std::filesystem::create_symlink(root.path() / "nowhere", path / "b.txt");
-    EXPECT_EQ(folder.write("a.txt", "report"), "File exists");
-    EXPECT_EQ(folder.write("b.txt", "report"), "File exists");
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), "File exists");
+    EXPECT_EQ(folder.write(path / "b.txt", "report"), "File exists");
     EXPECT_EQ(fileText(elsewhere), "precious");
     EXPECT_FALSE(std::filesystem::exists(root.path() / "nowhere"));
     EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
@@ -67,21 +67,16 @@ TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
 
 TEST_F(ReportFolderTest, AFolderThatCannotBeMadeIsToldInTheSystemsWords) {
     std::ofstream(root.path() / "documents") << "a file stands where the folder should";
-    EXPECT_EQ(folder.write("a.txt", "report"), "Not a directory");
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), "Not a directory");
     EXPECT_EQ(fileText(root.path() / "documents"), "a file stands where the folder should");
 }
 
 TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {
-    for (const char* none : {"", "relative/folder"}) {
-        PosixReportFolder nowhere{none, {}};
-        EXPECT_EQ(nowhere.write("a.txt", "report"), "No such file or directory") << none;
+    for (const char* nowhere : {"", "a.txt", "relative/a.txt"}) {
+        EXPECT_EQ(folder.write(nowhere, "report"), "No such file or directory") << nowhere;
     }
     EXPECT_FALSE(std::filesystem::exists("relative"));
-}
-
-TEST_F(ReportFolderTest, ANameIsNoPath) {
-    EXPECT_NE(folder.write("../a.txt", "report"), std::nullopt);
-    EXPECT_FALSE(std::filesystem::exists(root.path() / "documents/outputs/a.txt"));
+    EXPECT_FALSE(std::filesystem::exists("a.txt"));
 }
 
 TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
@@ -92,20 +87,26 @@ TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
     rlimit small = before;
     small.rlim_cur = 100;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const auto problem = folder.write("a.txt", std::string(1000, 'x'));
+    const auto problem = folder.write(path / "a.txt", std::string(1000, 'x'));
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(problem, "File too large");
     EXPECT_THAT(names(path), IsEmpty());
 }
 
-TEST_F(ReportFolderTest, RevealsWhatItWrote) {
+TEST_F(ReportFolderTest, RevealsWhereSomebodyShowsFiles) {
     std::vector<std::filesystem::path> revealed;
-    PosixReportFolder shown{path, [&revealed](const auto& file) { revealed.push_back(file); }};
-    ASSERT_EQ(shown.write("a.txt", "report"), std::nullopt);
-    shown.reveal("a.txt");
+    PosixReportFolder shown{[] { return ""; },
+                            [&revealed](const auto& file) { revealed.push_back(file); }};
+    shown.reveal(path / "a.txt");
     EXPECT_THAT(revealed, ElementsAre(path / "a.txt"));
-    folder.reveal("a.txt");
+    folder.reveal(path / "a.txt");
+}
+
+TEST_F(ReportFolderTest, IsWhereItIsWhenItIsAsked) {
+    EXPECT_EQ(folder.place(), path);
+    path = root.path() / "moved";
+    EXPECT_EQ(folder.place(), path);
 }
 
 }  // namespace

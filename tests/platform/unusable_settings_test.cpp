@@ -148,6 +148,17 @@ TEST_F(UnusableSettings, DoesWithoutAFolderThatCannotBeMade) {
     EXPECT_TRUE(fileText(folder.path() / "tallowcrest") == "a file where the folder should be");
 }
 
+TEST_F(UnusableSettings, TellsWhyTheFirstMissingFolderCannotBeMade) {
+    const fs::path closed = folder.path() / "closed";
+    fs::create_directory(closed);
+    fs::permissions(closed, fs::perms(0500));
+    file = closed / "share" / "tallowcrest" / "settings.sqlite";
+    const AsOrdinaryUser user(closed);
+    const OpenedStore opened = open();
+    ASSERT_EQ(opened.problems.size(), 1U);
+    EXPECT_THAT(opened.problems.front(), HasSubstr("cannot be made, Permission denied"));
+}
+
 TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeBegun) {
     fs::create_directory(file.parent_path());
     fs::permissions(file.parent_path(), fs::perms(0500));

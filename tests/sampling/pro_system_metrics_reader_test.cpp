@@ -1,8 +1,10 @@
 #include "sampling/pro_system_metrics_reader.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -13,8 +15,13 @@
 namespace tallowcrest {
 namespace {
 
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
 
 /// Answers each tool with its own text; a tool without one fails to launch.
 class ScriptedLauncher final : public ToolLauncher {
@@ -57,6 +64,38 @@ TEST_F(ProSystemMetricsReaderTest, ReadsTheProcessTable) {
     EXPECT_THAT(launcher.launched, ElementsAre("/bin/ps"));
     EXPECT_THAT(launcher.argumentsOf["/bin/ps"],
                 ElementsAre("-axo", "pid=,pcpu=,pmem=,rss=,comm="));
+}
+
+TEST_F(ProSystemMetricsReaderTest, RowsHaveTheStartTimesThatWereReadBefore) {
+    launcher.outputs["/bin/ps"] =
+        "  7 0.0 0.0 16 /bin/seven\n  8 0.0 0.0 16 /bin/eight\n  9 0.0 0.0 16 /bin/nine\n";
+    int readings = 0;
+    ProSystemMetricsReader timed(
+        MetricRunner(CommandSafetyPolicy::macOSExecutables(), launcher),
+        std::make_unique<FakeHomeVolume>(), [&] {
+            EXPECT_THAT(launcher.launched, SizeIs(readings)) << "a later one may be another's";
+            ++readings;
+            return std::unordered_map<std::int64_t, std::uint64_t>{{7, 700}, {9, 900}, {10, 1000}};
+        });
+    const auto startTimes = [&] {
+        std::vector<std::uint64_t> times;
+        for (const ProcessSample& row : timed.readProcesses()) {
+            times.push_back(row.startTime);
+        }
+        return times;
+    };
+
+    EXPECT_THAT(startTimes(), ElementsAre(700U, 0U, 900U));
+    EXPECT_EQ(readings, 1) << "one for all rows";
+    EXPECT_THAT(startTimes(), ElementsAre(700U, 0U, 900U));
+    EXPECT_EQ(readings, 2) << "a fresh one for each sample";
+}
+
+TEST_F(ProSystemMetricsReaderTest, WithoutStartTimesNoRowHasOne) {
+    launcher.outputs["/bin/ps"] = readFixture("ps/plain.txt");
+
+    EXPECT_THAT(reader.readProcesses(),
+                AllOf(Not(IsEmpty()), Each(Field(&ProcessSample::startTime, 0U))));
 }
 
 TEST_F(ProSystemMetricsReaderTest, ReadsTheMemoryFromTwoTools) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,17 +10,23 @@
 
 namespace tallowcrest {
 
-/// Keeps what is written to it in memory, or answers with the problem that a test set.
+/// Keeps by name what is written to it, or answers with the problem that a test set.
 class FakeReportFolder final : public ReportFolder {
 public:
-    std::optional<std::string> write(const std::string& fileName,
+    std::filesystem::path place() const override { return "/reports"; }
+    std::optional<std::string> write(const std::filesystem::path& file,
                                      const std::string& text) override {
+        if (file.parent_path() != place()) {
+            return "not in this folder";
+        }
         if (!problem) {
-            written[fileName] = text;
+            written[file.filename()] = text;
         }
         return problem;
     }
-    void reveal(const std::string& fileName) override { revealed.push_back(fileName); }
+    void reveal(const std::filesystem::path& file) override {
+        revealed.push_back(file.filename());
+    }
 
     std::optional<std::string> problem;
     std::map<std::string, std::string> written;

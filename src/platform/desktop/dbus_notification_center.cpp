@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include <QByteArray>
-#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QVariant>
 #include <QVariantMap>
 
+#include "platform/desktop/lent_activation_token.h"
 #include "platform/desktop/notification_text.h"
 
 namespace tallowcrest {
@@ -30,9 +29,6 @@ constexpr qsizetype longestBody = 600;
 /// A daemon that never tells that one was closed must not make the list grow for ever.
 constexpr std::size_t mostOpen = 64;
 
-/// Where the platform plugins that know such tokens look for one.
-constexpr const char* tokenVariable = "XDG_ACTIVATION_TOKEN";
-
 /// Not critical: most daemons keep those on the screen until they are clicked, and break an owner's
 /// wish not to be disturbed for them. This one is a hint, and another follows while the load lasts.
 constexpr uchar normalUrgency = 1;
@@ -52,32 +48,6 @@ QVariantMap hintsFor(const NotificationContent& content) {
         hints.insert(QStringLiteral("suppress-sound"), true);
     }
     return hints;
-}
-
-/// Keeps the desktop's leave to come to the front where Qt looks for it, for this turn of the event
-/// loop and for what is posted in it, as windows come to the front on the next turn. No longer: it
-/// is meant for this one click, and programs that are started later would inherit it.
-void lendToken(const QString& token, bool& isLent) {
-    if (!token.isEmpty()) {
-        qputenv(tokenVariable, token.toUtf8());
-    } else if (isLent) {
-        qunsetenv(tokenVariable);
-    }
-    isLent = !token.isEmpty();
-}
-
-void takeTokenBack(const QString& token) {
-    if (!token.isEmpty()) {
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [lent = token.toUtf8()] {
-                // Another one may stand there by now.
-                if (qgetenv(tokenVariable) == lent) {
-                    qunsetenv(tokenVariable);
-                }
-            },
-            Qt::QueuedConnection);
-    }
 }
 
 }  // namespace
@@ -276,13 +246,10 @@ void DBusNotificationCenter::actionInvoked(uint id, const QString& key) {
     if (pressed == open_.end() || !respond_) {
         return;
     }
-    const QString token = std::exchange(pressed->activationToken, {});
-    // That of an earlier press in the same turn is not for this one.
-    lendToken(token, hasLentToken_);
+    const LentActivationToken lent(std::exchange(pressed->activationToken, {}).toUtf8());
     // A copy, as it may replace the one that is kept, or end this object.
     const auto respond = respond_;
     respond(key.toStdString());
-    takeTokenBack(token);
 }
 
 /// Comes right before the press that it is for.

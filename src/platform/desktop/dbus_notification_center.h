@@ -94,7 +94,6 @@ private:
     Waiting underWay_;  ///< what the call is to show, when that is its purpose
     /// The one call under way.
     std::unique_ptr<QDBusPendingCallWatcher> call_;
-    bool hasLentToken_ = false;
 };
 
 }  // namespace tallowcrest

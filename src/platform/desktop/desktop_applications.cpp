@@ -5,12 +5,25 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QUrl>
 
 #include "platform/host.h"
+#include "platform/posix/activation_variables.h"
 
 namespace tallowcrest {
 namespace {
+
+/// What the desktop gave this program for a window of its own is for no other program.
+bool start(const QString& program) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QString::fromLatin1(activationTokenVariable));
+    environment.remove(QString::fromLatin1(startupIDVariable));
+    QProcess process;
+    process.setProgram(program);
+    process.setProcessEnvironment(environment);
+    return process.startDetached();
+}
 
 /// A bundle is a folder that the desktop itself knows how to open.
 bool open(const QFileInfo& application, const CommandSafetyPolicy::AllowedExecutables& allowed) {
@@ -20,7 +33,7 @@ bool open(const QFileInfo& application, const CommandSafetyPolicy::AllowedExecut
     return application.isExecutable() &&
            CommandSafetyPolicy::isAllowedExecutable(allowed,
                                                     application.filePath().toStdString()) &&
-           QProcess::startDetached(application.filePath(), {});
+           start(application.filePath());
 }
 
 }  // namespace

@@ -10,8 +10,7 @@
 namespace tallowcrest::desktop {
 
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher&) {
-    return std::make_shared<DesktopGracefulQuit>(
-        [](const ProcessSample& reviewed) { return host::isStillThere(reviewed); });
+    return std::make_shared<DesktopGracefulQuit>(host::isStillThere);
 }
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {

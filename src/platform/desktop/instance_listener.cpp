@@ -7,6 +7,8 @@
 
 #include <QByteArray>
 
+#include "platform/desktop/lent_activation_token.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -17,15 +19,6 @@ constexpr auto callerPatience = 1s;
 /// A waiting caller keeps its descriptor readable; without a pause the loop would spin.
 constexpr auto shortagePause = 250ms;
 constexpr std::size_t mostCallers = 4;
-
-/// Where the platform plugins that know such tokens look for one.
-constexpr const char* tokenVariable = "XDG_ACTIVATION_TOKEN";
-
-void handToQt(const std::string& activationToken) {
-    if (!activationToken.empty()) {
-        qputenv(tokenVariable, QByteArray::fromStdString(activationToken));
-    }
-}
 
 }  // namespace
 
@@ -91,11 +84,13 @@ void InstanceListener::hear(Caller& caller) {
             return;
         case InstancePeer::State::refused:
             break;
-        case InstancePeer::State::asked:
-            handToQt(caller.peer.request().activationToken);
+        case InstancePeer::State::asked: {
+            const LentActivationToken lent(
+                QByteArray::fromStdString(caller.peer.request().activationToken));
             emit showRequested();
             caller.peer.acknowledge();
             break;
+        }
     }
     drop(caller);
 }

@@ -22,8 +22,9 @@ public:
     ~InstanceListener() override;
 
 signals:
-    /// Another start asks for the window. The caller is told that it shows once this returns. The
-    /// desktop's leave to come to the front has been handed to Qt, for the next activation.
+    /// Another start asks for the window. The caller is told that it shows once this returns. Until
+    /// then, and for what is posted to the event loop meanwhile, the desktop's leave to come to the
+    /// front stands where Qt takes it from.
     void showRequested();
 
 private:

@@ -4,9 +4,12 @@
 namespace tallowcrest::host {
 
 Places places() {
+    return {.caches = "~/.cache"};
+}
+
+std::filesystem::path reportsDirectory() {
     const std::filesystem::path documents = documentsDirectory();
-    return {.caches = "~/.cache",
-            .reports = documents.empty() ? documents : documents / "Tallowcrest/outputs/reports"};
+    return documents.empty() ? documents : documents / "Tallowcrest/outputs/reports";
 }
 
 }  // namespace tallowcrest::host

@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "actions/apple_script_quit.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
@@ -10,7 +12,7 @@ std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {
 }
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
-    return makeUserNotificationCenter();
+    return std::make_unique<UserNotificationCenter>();
 }
 
 }  // namespace tallowcrest::desktop

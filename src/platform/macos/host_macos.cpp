@@ -28,7 +28,7 @@ const CommandSafetyPolicy::AllowedExecutables& allowedExecutables() {
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher) {
     return std::make_shared<ProSystemMetricsReader>(
         MetricRunner(allowedExecutables(), launcher),
-        std::make_unique<MacHomeVolume>(userAccount().homeDirectory));
+        std::make_unique<MacHomeVolume>(userAccount().homeDirectory), processStartTimes);
 }
 
 std::shared_ptr<CPUTickSource> makeTickSource() {

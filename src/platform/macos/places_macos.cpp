@@ -3,7 +3,11 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/Library/Caches", .reports = TALLOWCREST_REPORTS_DIRECTORY};
+    return {.caches = "~/Library/Caches"};
+}
+
+std::filesystem::path reportsDirectory() {
+    return TALLOWCREST_REPORTS_DIRECTORY;
 }
 
 }  // namespace tallowcrest::host

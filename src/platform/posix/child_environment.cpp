@@ -1,15 +1,19 @@
 #include "platform/posix/child_environment.h"
 
+#include <cstddef>
 #include <string_view>
 
+#include "platform/posix/activation_variables.h"
 #include "platform/posix/spawn_support.h"
 
 namespace tallowcrest {
 namespace {
 
 bool isForThisProcessAlone(std::string_view variable) {
-    return variable.starts_with("XDG_ACTIVATION_TOKEN=") ||
-           variable.starts_with("DESKTOP_STARTUP_ID=");
+    const std::size_t end = variable.find('=');
+    const std::string_view name = variable.substr(0, end);
+    return end != std::string_view::npos &&
+           (name == activationTokenVariable || name == startupIDVariable);
 }
 
 }  // namespace

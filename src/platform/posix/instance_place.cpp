@@ -11,6 +11,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/posix/activation_variables.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -73,8 +75,8 @@ InstanceEnvironment instanceEnvironment(std::string dataDirectory) {
 }
 
 std::string desktopActivationToken() {
-    const std::string token = variable("XDG_ACTIVATION_TOKEN");
-    return token.empty() ? variable("DESKTOP_STARTUP_ID") : token;
+    const std::string token = variable(activationTokenVariable);
+    return token.empty() ? variable(startupIDVariable) : token;
 }
 
 InstancePlace instancePlace(const InstanceEnvironment& environment) {

@@ -14,6 +14,7 @@
 
 #include "platform/posix/instance_guard.h"
 #include "platform/posix/local_socket.h"
+#include "platform/posix/make_directories.h"
 
 namespace tallowcrest {
 namespace {
@@ -37,24 +38,6 @@ struct Files {
 
 std::string reason(const std::string& what, int error) {
     return what + ": " + std::strerror(error);
-}
-
-/// 0, or the error number of the directory that cannot be made.
-int makeDirectories(const std::string& path) {
-    for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-        const std::string part = path.substr(0, end);
-        if (::mkdir(part.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-            // A parent on a file system that refuses everything may be there all the same.
-            struct stat status {};
-            const int error = errno;
-            if (::stat(part.c_str(), &status) != 0) {
-                return error;
-            }
-        }
-        if (end == std::string::npos) {
-            return 0;
-        }
-    }
 }
 
 /// Empty when the directory is there, ours, and nobody else may write in it; else why it is not.

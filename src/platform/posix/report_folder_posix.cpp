@@ -66,17 +66,17 @@ int giveName(int folder, const std::string& temporary, const std::string& name) 
 
 }  // namespace
 
-PosixReportFolder::PosixReportFolder(std::filesystem::path folder, Reveal reveal)
-    : folder_(std::move(folder)), reveal_(std::move(reveal)) {}
+PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
+    : place_(std::move(place)), reveal_(std::move(reveal)) {}
 
-std::optional<std::string> PosixReportFolder::write(const std::string& fileName,
+std::optional<std::string> PosixReportFolder::write(const std::filesystem::path& path,
                                                     const std::string& text) {
-    if (!folder_.is_absolute() || fileName.find('/') != std::string::npos) {
+    if (!path.is_absolute()) {
         return words(ENOENT);
     }
     std::error_code made;
-    std::filesystem::create_directories(folder_, made);
-    const UniqueFD folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::filesystem::create_directories(path.parent_path(), made);
+    const UniqueFD folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
         // What kept the folder from being made says more than that it is not there.
         return made ? made.message() : words(errno);
@@ -93,7 +93,7 @@ std::optional<std::string> PosixReportFolder::write(const std::string& fileName,
         error = errno;
     }
     if (error == 0) {
-        error = giveName(folder.get(), temporary, fileName);
+        error = giveName(folder.get(), temporary, path.filename());
     }
     if (error != 0) {
         ::unlinkat(folder.get(), temporary.c_str(), 0);
@@ -103,9 +103,9 @@ std::optional<std::string> PosixReportFolder::write(const std::string& fileName,
     return std::nullopt;
 }
 
-void PosixReportFolder::reveal(const std::string& fileName) {
+void PosixReportFolder::reveal(const std::filesystem::path& file) {
     if (reveal_) {
-        reveal_(folder_ / fileName);
+        reveal_(file);
     }
 }
 

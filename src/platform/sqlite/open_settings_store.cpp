@@ -222,7 +222,7 @@ void Opening::use(Trial trial, const SettingsSurroundings& surroundings) {
 }
 
 void Opening::readOnly(const std::string& whyNotChanged) {
-    Trial trial = tryToRead(file_);
+    Trial trial = tryToRead(file_, settings_file::logIsSound(file_));
     if (trial.verdict != Verdict::good) {
         tell(settings_problem::cannotBeRead(file_, trial.reason));
         return;
@@ -245,12 +245,14 @@ OpenedStore Opening::read() {
         case Nature::newer:
             tell(settings_problem::newer(file_));
             return result();
-        case Nature::ours:
-            if (!settings_file::logIsSound(file_)) {
+        case Nature::ours: {
+            const bool logIsSound = settings_file::logIsSound(file_);
+            if (!logIsSound) {
                 tell(settings_problem::latestChangesUnreadable(file_));
             }
-            trial = tryToRead(file_);
+            trial = tryToRead(file_, logIsSound);
             break;
+        }
         default:
             trial.verdict = Verdict::damaged;
             break;

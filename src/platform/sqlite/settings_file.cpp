@@ -19,6 +19,8 @@
 
 #include <fmt/format.h>
 
+#include "platform/posix/make_directories.h"
+#include "platform/sqlite/big_endian.h"
 #include "platform/sqlite/settings_log.h"
 #include "platform/sqlite/settings_rows.h"
 
@@ -45,11 +47,6 @@ void restrictTo(mode_t mode, const Path& path) {
 bool isThere(const Path& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0;
-}
-
-std::uint32_t bigEndian(const unsigned char* bytes) {
-    return (std::uint32_t{bytes[0]} << 24U) | (std::uint32_t{bytes[1]} << 16U) |
-           (std::uint32_t{bytes[2]} << 8U) | std::uint32_t{bytes[3]};
 }
 
 /// How many bytes there were to fill `bytes`. Absent when they cannot be read; `errno` tells why.
@@ -80,10 +77,10 @@ Nature natureOf(const std::array<unsigned char, 100>& header) {
     if (std::string_view(reinterpret_cast<const char*>(header.data()), mark.size()) != mark) {
         return Nature::damaged;
     }
-    if (bigEndian(&header[applicationAt]) != settingsApplicationID) {
+    if (bigEndian(header, applicationAt) != settingsApplicationID) {
         return Nature::foreign;
     }
-    return bigEndian(&header[versionAt]) > settingsFormatVersion ? Nature::newer : Nature::ours;
+    return bigEndian(header, versionAt) > settingsFormatVersion ? Nature::newer : Nature::ours;
 }
 
 std::string stamp(Date now) {
@@ -128,19 +125,12 @@ Path withoutLink(const Path& file) {
 }
 
 int prepareFolder(const Path& folder) {
-    Path made;
-    int error = 0;
-    for (const Path& part : folder) {
-        made /= part;
-        if (::mkdir(made.c_str(), folderMode) == 0) {
-            error = ::chmod(made.c_str(), folderMode) == 0 ? 0 : errno;
-        } else {
-            error = errno;
-        }
+    if (const int error = makeDirectories(folder); error != 0) {
+        return error;
     }
     struct stat status {};
     if (::stat(folder.c_str(), &status) != 0) {
-        return error != 0 ? error : errno;
+        return errno;
     }
     if (!S_ISDIR(status.st_mode)) {
         return ENOTDIR;

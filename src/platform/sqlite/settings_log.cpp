@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "platform/sqlite/big_endian.h"
+
 namespace tallowcrest::settings_log {
 namespace {
 
@@ -36,11 +38,6 @@ private:
     std::uint32_t first_ = 0;
     std::uint32_t second_ = 0;
 };
-
-std::uint32_t bigEndian(Bytes bytes, std::size_t at) {
-    return (std::uint32_t{bytes[at]} << 24U) | (std::uint32_t{bytes[at + 1]} << 16U) |
-           (std::uint32_t{bytes[at + 2]} << 8U) | std::uint32_t{bytes[at + 3]};
-}
 
 std::uint32_t littleEndian(Bytes bytes, std::size_t at) {
     return std::uint32_t{bytes[at]} | (std::uint32_t{bytes[at + 1]} << 8U) |

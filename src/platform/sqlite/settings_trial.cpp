@@ -105,10 +105,10 @@ Trial tryToChange(const Path& file) {
     return trial;
 }
 
-Trial tryToRead(const Path& file) {
+Trial tryToRead(const Path& file, bool logIsSound) {
     // Without a log nobody is writing, and then nothing need be made beside the file. Of an unsound
     // one there is nothing to be had.
-    const bool logCounts = settings_file::hasLog(file) && settings_file::logIsSound(file);
+    const bool logCounts = logIsSound && settings_file::hasLog(file);
     if (!logCounts) {
         Trial trial = tryFile(file, Access::unchanging);
         const bool logHasAppeared = settings_file::hasLog(file) && settings_file::logIsSound(file);

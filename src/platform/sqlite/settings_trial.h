@@ -26,6 +26,7 @@ struct Trial {
 Trial tryToChange(const std::filesystem::path& file);
 
 /// Opens `file` for reading. Leaves nothing beside it where there is no log to be read.
-Trial tryToRead(const std::filesystem::path& file);
+/// `logIsSound` is what has been found of the log.
+Trial tryToRead(const std::filesystem::path& file, bool logIsSound);
 
 }  // namespace tallowcrest

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <stop_token>
@@ -18,6 +17,7 @@
 
 #include "platform/posix/local_socket.h"
 #include "platform/posix/unique_fd.h"
+#include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {
 namespace {
@@ -30,14 +30,14 @@ struct DisplayName {
 /// Absent without a display, and for one that is reached through the network, where looking up its
 /// machine could take any time.
 std::optional<DisplayName> localDisplayName() {
-    char* host = nullptr;
+    char* parsedHost = nullptr;
     int display = 0;
     DisplayName name;
-    if (xcb_parse_display(nullptr, &host, &display, &name.screen) == 0) {
+    if (xcb_parse_display(nullptr, &parsedHost, &display, &name.screen) == 0) {
         return std::nullopt;
     }
-    const std::string hostName(host);
-    std::free(host);
+    const XcbMemory<char> host(parsedHost);
+    const std::string_view hostName(host.get());
     if (!hostName.empty() && hostName != "unix") {
         return std::nullopt;
     }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -15,11 +14,10 @@
 #include "platform/x11/display_connection.h"
 #include "platform/x11/window_owners.h"
 #include "platform/x11/window_property.h"
+#include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {
 namespace {
-
-constexpr std::uint32_t bytesOfNumber = 4;
 
 /// The words of the protocol that a desktop must know before anything can be asked of it.
 struct Vocabulary {
@@ -178,9 +176,8 @@ private:
     std::size_t countAccepted(const std::vector<xcb_void_cookie_t>& requests) const {
         std::size_t accepted = requests.size();
         for (const xcb_void_cookie_t request : requests) {
-            xcb_generic_error_t* const error = xcb_request_check(connection_, request);
-            accepted -= error != nullptr ? 1U : 0U;
-            std::free(error);
+            const XcbMemory<xcb_generic_error_t> error(xcb_request_check(connection_, request));
+            accepted -= error ? 1U : 0U;
         }
         return accepted;
     }

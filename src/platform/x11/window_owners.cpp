@@ -1,22 +1,16 @@
 #include "platform/x11/window_owners.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/x11/display_connection.h"
+#include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {
 namespace {
 
-constexpr std::uint32_t bytesOfNumber = 4;
 constexpr std::uint32_t longestHostName = 256;
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
 
 /// Whether the display has the question for a client's process, which came with version 1.2.
 bool tellsProcesses(xcb_connection_t* connection) {
@@ -25,7 +19,7 @@ bool tellsProcesses(xcb_connection_t* connection) {
     if (extension == nullptr || extension->present == 0) {
         return false;
     }
-    const std::unique_ptr<xcb_res_query_version_reply_t, Free> version(
+    const XcbMemory<xcb_res_query_version_reply_t> version(
         xcb_res_query_version_reply(connection, xcb_res_query_version(connection, 1, 2), nullptr));
     return version && version->server_major == 1 && version->server_minor >= 2;
 }
@@ -62,7 +56,7 @@ std::optional<std::int64_t> WindowOwners::hear(const Request& request) const {
 
 /// Programs that come through the network have no number here.
 std::optional<std::int64_t> WindowOwners::hearFromDisplay(const Request& request) const {
-    const std::unique_ptr<xcb_res_query_client_ids_reply_t, Free> reply(
+    const XcbMemory<xcb_res_query_client_ids_reply_t> reply(
         xcb_res_query_client_ids_reply(connection_, request.client, nullptr));
     struct Answer {
         xcb_res_client_id_value_t head;

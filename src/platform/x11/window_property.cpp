@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
+
+#include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {
 namespace {
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
+using PropertyReply = XcbMemory<xcb_get_property_reply_t>;
 
 PropertyReply hear(xcb_connection_t* connection, PropertyRequest request) {
     return PropertyReply(xcb_get_property_reply(connection, request.cookie, nullptr));
@@ -20,16 +18,16 @@ PropertyReply hear(xcb_connection_t* connection, PropertyRequest request) {
 /// Of what the reply says of its length, no more than has really come.
 std::size_t bytesOf(const xcb_get_property_reply_t& reply) {
     const std::size_t told = std::size_t{reply.value_len} * (reply.format / 8U);
-    return std::min(told, std::size_t{reply.length} * 4U);
+    return std::min(told, std::size_t{reply.length} * bytesOfNumber);
 }
 
 }  // namespace
 
 PropertyRequest askForProperty(xcb_connection_t* connection, xcb_window_t window,
                                xcb_atom_t property, std::uint32_t maximumBytes) {
-    // In units of four bytes.
+    // The display counts in whole numbers of that size.
     return {xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
-                             (maximumBytes + 3) / 4)};
+                             (maximumBytes + bytesOfNumber - 1) / bytesOfNumber)};
 }
 
 std::vector<std::uint32_t> hearNumbers(xcb_connection_t* connection, PropertyRequest request,
@@ -61,7 +59,7 @@ AtomRequest::AtomRequest(xcb_connection_t* connection, const std::string& name)
           xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.c_str())) {}
 
 xcb_atom_t AtomRequest::hear() {
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
+    const XcbMemory<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(connection_, cookie_, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }

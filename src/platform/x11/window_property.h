@@ -3,7 +3,6 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +10,9 @@
 /// taken to be of the type, the form or the length that it should have. Asking and hearing are two
 /// steps, so that many windows cost one wait. The thread of the connection.
 namespace tallowcrest {
+
+/// Of a number of 32 bits, which is also the unit that replies tell their length in.
+inline constexpr std::uint32_t bytesOfNumber = 4;
 
 /// A property under way; to be heard once.
 struct PropertyRequest {

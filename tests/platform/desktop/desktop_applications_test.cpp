@@ -1,7 +1,9 @@
 #include "platform/desktop/desktop_applications.h"
 
 #include <string>
+#include <vector>
 
+#include <QByteArray>
 #include <gmock/gmock.h>
 
 #include "platform/host.h"
@@ -32,6 +34,24 @@ TEST_F(DesktopApplications, TheFirstThatIsInstalledIsStartedAndNoOther) {
     const std::string missing = folder.path("missing");
     EXPECT_TRUE(openFirstApplication({missing, first, second}, {missing, first, second}));
     EXPECT_TRUE(becomesStarted("first 0\n"));
+}
+
+TEST_F(DesktopApplications, WhatTheDesktopGaveThisProgramIsNotPassedOn) {
+    const std::string teller =
+        folder.file("teller",
+                    "#!/bin/sh\necho \"${XDG_ACTIVATION_TOKEN-none} ${DESKTOP_STARTUP_ID-none} "
+                    "$KEPT\" > " +
+                        folder.path("started"),
+                    0700);
+    const std::vector<const char*> variables{"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID", "KEPT"};
+    for (const char* variable : variables) {
+        ASSERT_TRUE(qputenv(variable, QByteArray("given")));
+    }
+    EXPECT_TRUE(openFirstApplication({teller}, {teller}));
+    EXPECT_TRUE(becomesStarted("none none given\n"));
+    for (const char* variable : variables) {
+        qunsetenv(variable);
+    }
 }
 
 TEST_F(DesktopApplications, WhatMayNotBeLaunchedIsPassedOver) {

@@ -1,0 +1,18 @@
+#pragma once
+
+// What macOS declares in headers that other systems have too, under other names or not at all.
+
+#include <pthread.h>
+#include <sys/types.h>
+
+constexpr short POSIX_SPAWN_CLOEXEC_DEFAULT = 0x4000;
+constexpr int SO_NOSIGPIPE = 0x1022;
+constexpr int SOL_LOCAL = 0;
+constexpr int LOCAL_PEERPID = 2;
+
+enum qos_class_t { QOS_CLASS_UTILITY = 0x11 };
+
+extern "C" {
+int pthread_set_qos_class_self_np(qos_class_t level, int relativePriority);
+int getpeereid(int socket, uid_t* user, gid_t* group);
+}

@@ -1,0 +1,3 @@
+#pragma once
+
+extern "C" char*** _NSGetEnviron();
