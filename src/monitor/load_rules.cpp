@@ -7,6 +7,11 @@
 #include <fmt/format.h>
 
 namespace tallowcrest::load_rules {
+namespace {
+
+constexpr std::string_view autoSelectStart = "Selected ";
+
+}  // namespace
 
 bool isOverThreshold(const SystemSnapshot& snapshot, double warningThreshold) {
     return warningThreshold <= snapshot.cpuPercent || warningThreshold <= snapshot.memory.pressure;
@@ -46,8 +51,12 @@ std::string warningDetail(const SystemSnapshot& snapshot) {
 }
 
 std::string autoSelectDetail(std::string_view group, double warningThreshold) {
-    return fmt::format("Selected {} because system load crossed {:.0f}%.", group,
+    return fmt::format("{}{} because system load crossed {:.0f}%.", autoSelectStart, group,
                        std::trunc(warningThreshold));
+}
+
+bool isAutoSelectDetail(std::string_view detail) {
+    return detail.starts_with(autoSelectStart);
 }
 
 }  // namespace tallowcrest::load_rules
