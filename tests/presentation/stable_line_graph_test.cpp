@@ -278,6 +278,7 @@ TEST_F(StableLineGraphTest, DoesNotRepaintForEqualData) {
     showLine({10, nan, 30}, true);
     graph_.setWarningThreshold(80);
     graph_.setEventFractions({0.5});
+    showUnseen(graph_);
     PaintCount paints(graph_);
     showLine({10, nan, 30}, true);
     graph_.setWarningThreshold(80);
