@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 #include "presentation/summary_card.h"
 #include "tests/presentation/announcements.h"
@@ -370,10 +371,12 @@ TEST_F(OffenderCardTest, WhatConcernsOtherThingsPaintsAndTellsNothingHere) {
     showCleanup();
     select(800);
     PaintCount paints(*visible("cleanup.offender"));
+    const QSignalSpy rows(helpers()->model(), &QAbstractItemModel::dataChanged);
     const Announcements heard;
     machine.monitor().log().recordMessage("Something else happened.");
     settle();
     EXPECT_EQ(paints.take(), 0);
+    EXPECT_EQ(rows.count(), 0);
     EXPECT_THAT(heard.repeated(), IsEmpty());
     machine.metrics->processes[0].cpu = 12.34;
     tick();
