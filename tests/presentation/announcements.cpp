@@ -10,7 +10,8 @@ tallowcrest::Announcements* listener = nullptr;
 }  // namespace
 
 // Qt tells nobody as long as no assistive technology is there, and the platform without a screen
-// has none; an update handler is not asked either. So this stands in for Qt's own.
+// has none; an update handler is not asked either. So this stands in for Qt's own, which it goes
+// before wherever programs are ELF files.
 void QAccessible::updateAccessibility(QAccessibleEvent* event) {
     if (listener != nullptr) {
         listener->hear(*event);
