@@ -64,6 +64,14 @@ const SwitchWords& wordsOf(AutomationSwitch which) {
 
 }  // namespace
 
+bool isOn(const Settings& settings, AutomationSwitch which) {
+    return settings.*wordsOf(which).field;
+}
+
+bool isGovernedByStop(AutomationSwitch which) {
+    return !wordsOf(which).refusal.empty();
+}
+
 std::string diskAutopilotStatusAtStart(const Settings& settings) {
     return settings.automationEmergencyStopEngaged ? stoppedStatus
            : settings.diskAutopilotEnabled         ? watchingStatus
@@ -78,10 +86,6 @@ Automation::Automation(Observable& observable, ActivityLog& log, Settings& setti
       store_(store),
       hooks_(std::move(hooks)),
       diskAutopilotStatus_(diskAutopilotStatusAtStart(settings)) {}
-
-bool Automation::isOn(AutomationSwitch which) const {
-    return settings_.*wordsOf(which).field;
-}
 
 void Automation::set(AutomationSwitch which, bool on) {
     const SwitchWords& words = wordsOf(which);

@@ -29,6 +29,12 @@ inline constexpr std::array allAutomationSwitches{
     AutomationSwitch::aiSafeActionsEnabled,  AutomationSwitch::notificationsIncludeActions,
 };
 
+/// Whether the owner has switched it on. Pure.
+bool isOn(const Settings& settings, AutomationSwitch which);
+
+/// Whether the emergency stop turns it off and keeps it off. Pure.
+bool isGovernedByStop(AutomationSwitch which);
+
 /// The status line of Disk Autopilot at a start. Pure.
 std::string diskAutopilotStatusAtStart(const Settings& settings);
 
@@ -48,7 +54,7 @@ public:
     Automation(const Automation&) = delete;
     Automation& operator=(const Automation&) = delete;
 
-    bool isOn(AutomationSwitch which) const;
+    bool isOn(AutomationSwitch which) const { return tallowcrest::isOn(settings_, which); }
 
     /// Turns a switch on or off and says so. While the emergency stop is engaged, turning on what
     /// the stop governs is refused in words, and nothing changes.

@@ -12,8 +12,38 @@ namespace tallowcrest {
 namespace {
 
 constexpr const char* ruleEvent = "Auto Rule";
+constexpr const char* purgeDetail = "Purged caches after sustained high memory pressure.";
+
+template <class IsDetail>
+std::optional<Date> lastLogged(std::span<const ActivityEvent> log, const IsDetail& isDetail) {
+    const auto found = std::find_if(log.begin(), log.end(), [&](const ActivityEvent& event) {
+        return event.title == ruleEvent && isDetail(event.detail);
+    });
+    return found != log.end() ? std::optional(found->date) : std::nullopt;
+}
 
 }  // namespace
+
+std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
+                              std::span<const ActivityEvent> log) {
+    switch (which) {
+        case AutomationSwitch::autoSelectTopOffender:
+            return lastLogged(log, load_rules::isAutoSelectDetail);
+        case AutomationSwitch::autoPurgeSustainedMemory:
+            return dates.lastAutoPurgeDate ? dates.lastAutoPurgeDate
+                                           : lastLogged(log, [](const std::string& each) {
+                                                 return each == purgeDetail;
+                                             });
+        case AutomationSwitch::autoScanRemoteMacs:
+            return dates.lastAutoRemoteScanDate;
+        case AutomationSwitch::diskAutopilotEnabled:
+            return dates.lastDiskAutopilotCheckDate;
+        case AutomationSwitch::aiSafeActionsEnabled:
+        case AutomationSwitch::notificationsIncludeActions:
+            break;
+    }
+    return std::nullopt;
+}
 
 AutoRules::AutoRules(Surroundings surroundings, Hooks hooks)
     : with_(std::move(surroundings)), hooks_(std::move(hooks)) {}
@@ -64,7 +94,7 @@ void AutoRules::askForPurge() {
     }
     dates_.lastAutoPurgeDate = now;
     with_.localActions.requestPurge();
-    with_.log.recordEvent(ruleEvent, "Purged caches after sustained high memory pressure.");
+    with_.log.recordEvent(ruleEvent, purgeDetail);
 }
 
 void AutoRules::scanRemotes() {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 
+#include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
@@ -16,6 +18,12 @@
 #include "sampling/protection.h"
 
 namespace tallowcrest {
+
+/// When an automation last acted: in this run or, for a rule that writes there, as far back as the
+/// activity log goes. `log` is newest first. Absent when it never did, and for a switch that does
+/// nothing at a time of its own. Pure; any thread.
+std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
+                              std::span<const ActivityEvent> log);
 
 /// What follows from the load of a sample: the rules whose switches are on, each at its own pace,
 /// and the warning. Main thread.

@@ -7,6 +7,7 @@
 
 #include "presentation/elided_label.h"
 #include "presentation/icon_view.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -39,7 +40,7 @@ void Card::setHeader(const QString& icon, const QString& heading) {
     icon_->setIcon(icon);
     icon_->setVisible(!icon.isEmpty());
     heading_->setText(heading);
-    setAccessibleName(heading);
+    setSpokenName(*this, heading);
 }
 
 void Card::setCaption(const QString& text) {

@@ -24,15 +24,10 @@ QString comingLine(AppRoute route) {
             return QStringLiteral("Here you will ask questions about the current diagnostics.");
         case AppRoute::remoteMacs:
             return QStringLiteral("Here you will see the other machines of your tailnet.");
-        case AppRoute::settings:
-            return QStringLiteral("Here you will choose thresholds and what may run by itself.");
-        case AppRoute::overview:
-        case AppRoute::load:
-        case AppRoute::optimize:
-        case AppRoute::history:
-            break;
+        default:
+            // The others have screens of their own.
+            return {};
     }
-    return {};
 }
 
 }  // namespace

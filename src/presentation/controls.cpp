@@ -21,4 +21,9 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
     return button;
 }
 
+QPushButton* makeButton(const Command& command, const QString& identifier, QWidget* parent) {
+    return makeButton(QString::fromUtf8(command.title), QString::fromUtf8(command.icon), identifier,
+                      QString::fromUtf8(command.description), parent);
+}
+
 }  // namespace tallowcrest

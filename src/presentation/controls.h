@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "presentation/commands.h"
+
 class QPushButton;
 class QWidget;
 
@@ -11,5 +13,8 @@ namespace tallowcrest {
 /// description for assistive technology. `icon` may be empty. Main thread.
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent);
+
+/// The button of a command.
+QPushButton* makeButton(const Command& command, const QString& identifier, QWidget* parent);
 
 }  // namespace tallowcrest

@@ -37,14 +37,17 @@ QString withoutTimeZone(const QString& format) {
     return kept.trimmed();
 }
 
+QDateTime localTime(Date date) {
+    // What the store held may lie anywhere; this far from today every calendar has an answer.
+    constexpr double furthest = 1e11;
+    const double seconds = std::clamp(date.unixSeconds(), -furthest, furthest);
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * 1000.0));
+}
+
 }  // namespace
 
 QString text(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
-QString oneLine(std::string_view utf8) {
-    return text(replacingControlCharacters(utf8, "\uFFFD"));
+    return QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD"));
 }
 
 int wholePercent(double percent) {
@@ -138,9 +141,18 @@ QString sortStatus(int count, Date updated) {
 
 QString timeText(Date date) {
     const QLocale locale;
-    const auto milliseconds = static_cast<qint64>(date.unixSeconds() * 1000.0);
-    return locale.toString(QDateTime::fromMSecsSinceEpoch(milliseconds).time(),
+    return locale.toString(localTime(date).time(),
                            withoutTimeZone(locale.timeFormat(QLocale::LongFormat)));
+}
+
+QString shortTimeText(Date date, Date now) {
+    const QDateTime time = localTime(date);
+    return time.date() == localDay(now) ? QLocale().toString(time.time(), QLocale::ShortFormat)
+                                        : QLocale().toString(time, QLocale::ShortFormat);
+}
+
+QDate localDay(Date date) {
+    return localTime(date).date();
 }
 
 }  // namespace tallowcrest::dashboard_text

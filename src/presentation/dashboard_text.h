@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 
 #include "core/local_records.h"
@@ -8,11 +9,14 @@
 /// Pure; any thread.
 namespace tallowcrest::dashboard_text {
 
-/// Text that the records hold as UTF-8.
+/// Text that the records hold as UTF-8, as one line that reads in the order in which it is written.
+/// Most of it may hold a name, and a process may be called anything: it is not to pass for words of
+/// our own.
 QString text(std::string_view utf8);
-/// The same for words that may hold a name: as one line that reads in the order in which it is
-/// written. A process may be called anything, and is not to pass for words of our own.
-QString oneLine(std::string_view utf8);
+/// The same.
+inline QString oneLine(std::string_view utf8) {
+    return text(utf8);
+}
 
 /// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
 int wholePercent(double percent);
@@ -48,5 +52,9 @@ QString warnAt(double threshold);
 QString sortStatus(int count, Date updated);
 /// A time of day to the second, as the locale writes it: "2:03:55 PM", "14:03:55".
 QString timeText(Date date);
+/// A time in the locale's short form, "2:03 PM", with its date on another day than `now`.
+QString shortTimeText(Date date, Date now);
+/// The day of `date` in the local time zone.
+QDate localDay(Date date);
 
 }  // namespace tallowcrest::dashboard_text

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 
 #include "presentation/elided_label.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -28,10 +29,8 @@ NamedFigure::NamedFigure(const QString& name, QWidget* parent) : QWidget(parent)
 }
 
 void NamedFigure::setFigure(const QString& figure) {
-    if (figure != figure_->text()) {
-        figure_->setText(figure);
-        setAccessibleName(accessibleValue());
-    }
+    figure_->setText(figure);
+    setSpokenName(*this, accessibleValue());
 }
 
 QString NamedFigure::accessibleValue() const {

@@ -11,6 +11,7 @@
 #include "presentation/elided_label.h"
 #include "presentation/figure_text.h"
 #include "presentation/graph_geometry.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 namespace {
@@ -178,12 +179,12 @@ void GaugeCard::clearValue() {
 
 void GaugeCard::setTitle(const QString& title) {
     title_->setText(title);
-    setAccessibleName(title);
+    setSpokenName(*this, title);
 }
 
 void GaugeCard::setDetail(const QString& detail) {
     detail_->setText(detail);
-    setAccessibleDescription(accessibleValue());
+    setSpokenDescription(*this, accessibleValue());
 }
 
 void GaugeCard::setTint(const ThemeColor& tint) {
@@ -204,7 +205,7 @@ QString GaugeCard::accessibleValue() const {
 void GaugeCard::showState() {
     state_->setText(ring_->hasValue() ? gaugeStateWord(value()) : QString());
     state_->setColor(gaugeStateColor(value()));
-    setAccessibleDescription(accessibleValue());
+    setSpokenDescription(*this, accessibleValue());
 }
 
 }  // namespace tallowcrest

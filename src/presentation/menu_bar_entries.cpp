@@ -20,6 +20,10 @@ std::function<void()> askingInFront(SystemMonitor& monitor, DashboardWindow& win
     };
 }
 
+std::function<QString()> always(const char* title) {
+    return [title] { return QString::fromUtf8(title); };
+}
+
 QString autoSelectTitle(const Automation& automation) {
     return automation.isOn(AutomationSwitch::autoSelectTopOffender)
                ? QStringLiteral("Disable Auto Select")
@@ -49,42 +53,38 @@ void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
 
 std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window) {
     return {
-        {QStringLiteral("Show Dashboard"), QStringLiteral("macwindow"),
+        {always("Show Dashboard"), QStringLiteral("macwindow"),
          QStringLiteral("menubar.show-dashboard"),
          [&window] { window.openRoute(AppRoute::overview); }},
-        {QStringLiteral("Open Optimize"), QStringLiteral("wand.and.stars"),
+        {always("Open Optimize"), QStringLiteral("wand.and.stars"),
          QStringLiteral("menubar.open-optimize"),
          [&window] { window.openRoute(AppRoute::optimize); }},
-        {autoSelectTitle(monitor.automation()), QStringLiteral("scope"),
+        {[&monitor] { return autoSelectTitle(monitor.automation()); }, QStringLiteral("scope"),
          QStringLiteral("menubar.auto-select"),
-         [&monitor, &window] { flipAutoSelect(monitor, window); },
-         [&monitor] { return autoSelectTitle(monitor.automation()); }},
-        {QStringLiteral("Settings"), QStringLiteral("gearshape"),
-         QStringLiteral("menubar.settings"),
+         [&monitor, &window] { flipAutoSelect(monitor, window); }},
+        {always("Settings"), QStringLiteral("gearshape"), QStringLiteral("menubar.settings"),
          [&monitor, &window] {
              monitor.navigation().setShowSettings(true);
              window.bringToFront();
          }},
-        {QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
-         QStringLiteral("menubar.refresh"), [&monitor] { monitor.refresh(); }},
-        {QStringLiteral("Copy Report"), QStringLiteral("doc.on.doc"),
-         QStringLiteral("menubar.copy-report"),
+        {always("Refresh"), QStringLiteral("arrow.clockwise"), QStringLiteral("menubar.refresh"),
+         [&monitor] { monitor.refresh(); }},
+        {always("Copy Report"), QStringLiteral("doc.on.doc"), QStringLiteral("menubar.copy-report"),
          [&monitor] { monitor.reports().copyDiagnosticsReport(); }},
-        {QStringLiteral("Export Diagnostics"), QStringLiteral("square.and.arrow.up"),
+        {always("Export Diagnostics"), QStringLiteral("square.and.arrow.up"),
          QStringLiteral("menubar.export"), [&monitor, &window] { exportReport(monitor, window); }},
-        {QStringLiteral("Purge File Caches"), QStringLiteral("memorychip"),
-         QStringLiteral("menubar.purge"),
+        {always("Purge File Caches"), QStringLiteral("memorychip"), QStringLiteral("menubar.purge"),
          askingInFront(monitor, window, &LocalActions::requestPurge)},
-        {QStringLiteral("Quit Top App"), QStringLiteral("xmark.circle"),
+        {always("Quit Top App"), QStringLiteral("xmark.circle"),
          QStringLiteral("menubar.quit-top-app"),
          askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)},
-        {QStringLiteral("Expand Dashboard Sections"), QStringLiteral("chevron.down"),
+        {always("Expand Dashboard Sections"), QStringLiteral("chevron.down"),
          QStringLiteral("menubar.expand-sections"), [&monitor] { monitor.sections().expandAll(); }},
-        {QStringLiteral("Collapse Dashboard Sections"), QStringLiteral("chevron.right"),
+        {always("Collapse Dashboard Sections"), QStringLiteral("chevron.right"),
          QStringLiteral("menubar.collapse-sections"),
          [&monitor] { monitor.sections().collapseAll(); }},
-        {QStringLiteral("Quit Tallowcrest"), QStringLiteral("power"),
-         QStringLiteral("menubar.quit"), [] { QApplication::quit(); }},
+        {always("Quit Tallowcrest"), QStringLiteral("power"), QStringLiteral("menubar.quit"),
+         [] { QApplication::quit(); }},
     };
 }
 

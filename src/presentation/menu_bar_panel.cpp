@@ -75,14 +75,12 @@ QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     for (MenuBarEntry& entry : entries) {
-        auto* row = new MenuBarRow(entry.title, entry.icon, entry.identifier, rows);
+        auto* row = new MenuBarRow(entry.title(), entry.icon, entry.identifier, rows);
         connect(row, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
             dismiss();
             run();
         });
-        if (entry.currentTitle) {
-            followingRows_.emplace_back(row, std::move(entry.currentTitle));
-        }
+        rows_.emplace_back(row, std::move(entry.title));
         layout->addWidget(row);
     }
     commands_ = new QScrollArea(this);
@@ -106,8 +104,8 @@ void MenuBarPanel::refresh() {
     latest_->setText(hasLatest ? dashboard_text::panelLatest(recommendations.front()) : QString());
     latest_->setVisible(hasLatest);
     latestHeading_->setVisible(hasLatest);
-    for (const auto& [row, currentTitle] : followingRows_) {
-        row->setTitle(currentTitle());
+    for (const auto& [row, title] : rows_) {
+        row->setTitle(title());
     }
     fit();
     place();

@@ -54,8 +54,8 @@ private:
     ElidedLabel* latestHeading_ = nullptr;
     ElidedLabel* latest_ = nullptr;
     QScrollArea* commands_ = nullptr;
-    /// The rows whose titles follow the state, each with what tells the title.
-    std::vector<std::pair<MenuBarRow*, std::function<QString()>>> followingRows_;
+    /// Each with what tells its title.
+    std::vector<std::pair<MenuBarRow*, std::function<QString()>>> rows_;
     Subscription subscription_;
 };
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "presentation/icon.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -25,8 +26,8 @@ MenuBarRow::MenuBarRow(const QString& title, const QString& icon, const QString&
 
 void MenuBarRow::setTitle(const QString& title) {
     setText(title);
-    setAccessibleName(title);
-    setAccessibleDescription(title);
+    setSpokenName(*this, title);
+    setSpokenDescription(*this, title);
 }
 
 QSize MenuBarRow::sizeHint() const {

@@ -86,8 +86,8 @@ void OperationTargetBar::refresh() {
         return;
     }
     const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
-    title_->setText(dashboard_text::oneLine(summary.title));
-    detail_->setText(dashboard_text::oneLine(summary.detail));
+    title_->setText(dashboard_text::text(summary.title));
+    detail_->setText(dashboard_text::text(summary.detail));
     icon_->setIcon(summary.isProtected ? QStringLiteral("lock.fill") : QStringLiteral("scope"));
     protected_->setVisible(summary.isProtected);
 }

@@ -1,6 +1,6 @@
 #include "presentation/page_header.h"
 
-#include <vector>
+#include <utility>
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -66,35 +66,50 @@ void PageHeader::setRoute(AppRoute route) {
     }
     addRouteActions(route);
     orderActions();
+    measure();
+}
+
+std::vector<QPushButton*> PageHeader::buttons() const {
+    std::vector<QPushButton*> all{refresh_};
+    for (int i = 0; i < actions_->count(); ++i) {
+        all.push_back(qobject_cast<QPushButton*>(actions_->itemAt(i)->widget()));
+    }
+    return all;
+}
+
+void PageHeader::measure() {
+    showIcons(true);
+    wholeWidth_ = 2 * spacing::pagePadding + title_->sizeHint().width();
+    for (const QPushButton* button : buttons()) {
+        wholeWidth_ += spacing::unit + button->sizeHint().width();
+    }
     fold();
 }
 
 void PageHeader::fold() {
-    std::vector<QPushButton*> buttons{refresh_};
-    for (int i = 0; i < actions_->count(); ++i) {
-        buttons.push_back(qobject_cast<QPushButton*>(actions_->itemAt(i)->widget()));
+    const bool hasRoom = wholeWidth_ <= width();
+    if (hasRoom != hasIcons_) {
+        showIcons(hasRoom);
     }
-    const auto showIcons = [&buttons](bool areShown) {
-        for (QPushButton* button : buttons) {
-            button->setIcon(areShown ? themedIcon(button->property(iconProperty).toString())
-                                     : QIcon());
-        }
-    };
-    showIcons(true);
-    int wanted = 2 * spacing::pagePadding + title_->sizeHint().width();
-    for (const QPushButton* button : buttons) {
-        wanted += spacing::unit + button->sizeHint().width();
+}
+
+void PageHeader::showIcons(bool areShown) {
+    hasIcons_ = areShown;
+    for (QPushButton* button : buttons()) {
+        button->setIcon(areShown ? themedIcon(button->property(iconProperty).toString()) : QIcon());
     }
-    if (wanted > width()) {
-        showIcons(false);
+}
+
+void PageHeader::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        measure();
     }
 }
 
 void PageHeader::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (event->size().width() != event->oldSize().width()) {
-        fold();
-    }
+    fold();
 }
 
 void PageHeader::orderActions() {
@@ -110,79 +125,59 @@ void PageHeader::orderActions() {
     refresh_->raise();
 }
 
-QPushButton* PageHeader::addAction(const QString& title, const QString& icon,
-                                   const QString& identifier, const QString& description) {
-    QPushButton* button = makeButton(title, icon, identifier, description, this);
-    button->setProperty(iconProperty, icon);
-    actions_->addWidget(button);
-    return button;
-}
-
 void PageHeader::addRouteActions(AppRoute route) {
+    const auto add = [&](const Command& command, const char* action, auto handler) {
+        addAction(command, identifierOn(route, action), handler);
+    };
     if (route == AppRoute::overview) {
-        connect(addAction(QStringLiteral("Review Cleanup"), QStringLiteral("wand.and.stars"),
-                          QStringLiteral("overview.review-cleanup"),
-                          QStringLiteral("Goes to Optimize")),
-                &QPushButton::clicked, this,
-                [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+        add({"Review Cleanup", "wand.and.stars", "Goes to Optimize"}, "review-cleanup",
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
     } else if (route == AppRoute::aiAdvisor) {
-        connect(addAction(QStringLiteral("Open Chat"), QStringLiteral("message"),
-                          identifierOn(route, "open-chat"), QStringLiteral("Goes to Chat")),
-                &QPushButton::clicked, this,
-                [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
+        add({"Open Chat", "message", "Goes to Chat"}, "open-chat",
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
     } else if (route == AppRoute::settings) {
-        connect(addAction(QStringLiteral("Open Settings Sheet"), QStringLiteral("gearshape"),
-                          identifierOn(route, "open-sheet"),
-                          QStringLiteral("Opens the settings sheet")),
-                &QPushButton::clicked, this,
-                [this] { monitor_.navigation().setShowSettings(true); });
+        add(commands::openSettingsSheet, "open-sheet",
+            [this] { monitor_.navigation().setShowSettings(true); });
     } else if (route == AppRoute::load || route == AppRoute::optimize) {
-        addSelectTop(route);
+        add({"Select Top", "scope", "Selects the heaviest process for review"}, "select-top",
+            [this] { selectTop(); });
         if (route == AppRoute::optimize) {
-            connect(addAction(QStringLiteral("Top App"), QStringLiteral("chart.bar.xaxis"),
-                              identifierOn(route, "top-app"),
-                              QStringLiteral("Selects the heaviest process of the heaviest app")),
-                    &QPushButton::clicked, this, [this] {
-                        monitor_.review().selectTopApp();
-                        const auto& snapshot = monitor_.sample().snapshot();
-                        if (snapshot && !snapshot->appImpacts.empty()) {
-                            tellSelection(snapshot->appImpacts.front().topPID);
-                        }
-                    });
-            connect(addAction(QStringLiteral("Purge"), QStringLiteral("memorychip"),
-                              identifierOn(route, "purge"),
-                              QStringLiteral("Asks before it clears the file caches")),
-                    &QPushButton::clicked, this,
-                    [this] { monitor_.localActions().requestPurge(); });
+            add(commands::selectTopApp.titled("Top App"), "top-app", [this] { selectTopApp(); });
+            add(commands::purge.titled("Purge"), "purge",
+                [this] { monitor_.localActions().requestPurge(); });
         }
-        addActivity(route);
+        add(commands::activityMonitor.titled("Activity"), "activity",
+            [this] { monitor_.applications().openActivityMonitor(); });
     } else if (route == AppRoute::history) {
-        addReports(route);
+        add(commands::copyReport, "copy-report",
+            [this] { monitor_.reports().copyDiagnosticsReport(); });
+        add(commands::exportReport, "export",
+            [this] { monitor_.reports().exportDiagnosticsReport(); });
     }
 }
 
-void PageHeader::addReports(AppRoute route) {
-    connect(addAction(QStringLiteral("Copy Report"), QStringLiteral("doc.on.doc"),
-                      identifierOn(route, "copy-report"),
-                      QStringLiteral("Puts the diagnostics report on the clipboard")),
-            &QPushButton::clicked, this, [this] { monitor_.reports().copyDiagnosticsReport(); });
-    connect(addAction(QStringLiteral("Export"), QStringLiteral("square.and.arrow.up"),
-                      identifierOn(route, "export"),
-                      QStringLiteral("Writes the diagnostics report to a file")),
-            &QPushButton::clicked, this, [this] { monitor_.reports().exportDiagnosticsReport(); });
+void PageHeader::addAction(const Command& command, const QString& identifier,
+                           std::function<void()> act) {
+    QPushButton* button = makeButton(command, identifier, this);
+    button->setProperty(iconProperty, QString::fromUtf8(command.icon));
+    connect(button, &QPushButton::clicked, this, std::move(act));
+    actions_->addWidget(button);
 }
 
-void PageHeader::addSelectTop(AppRoute route) {
-    connect(addAction(QStringLiteral("Select Top"), QStringLiteral("scope"),
-                      identifierOn(route, "select-top"),
-                      QStringLiteral("Selects the heaviest process for review")),
-            &QPushButton::clicked, this, [this] {
-                monitor_.review().selectTopProcess();
-                const auto& snapshot = monitor_.sample().snapshot();
-                if (snapshot && !snapshot->topProcesses.empty()) {
-                    tellSelection(snapshot->topProcesses.front().pid);
-                }
-            });
+void PageHeader::selectTop() {
+    monitor_.review().selectTopProcess();
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot && !snapshot->topProcesses.empty()) {
+        tellSelection(snapshot->topProcesses.front().pid);
+    }
+}
+
+void PageHeader::selectTopApp() {
+    monitor_.review().selectTopApp();
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot && !snapshot->appImpacts.empty()) {
+        tellSelection(snapshot->appImpacts.front().topPID);
+    }
 }
 
 void PageHeader::tellSelection(std::optional<std::int64_t> wanted) {
@@ -190,13 +185,6 @@ void PageHeader::tellSelection(std::optional<std::int64_t> wanted) {
     if (wanted && wanted == monitor_.review().selectedPID()) {
         emit selectionMade();
     }
-}
-
-void PageHeader::addActivity(AppRoute route) {
-    connect(addAction(QStringLiteral("Activity"), QStringLiteral("macwindow"),
-                      identifierOn(route, "activity"),
-                      QStringLiteral("Opens the system's own process viewer")),
-            &QPushButton::clicked, this, [this] { monitor_.applications().openActivityMonitor(); });
 }
 
 }  // namespace tallowcrest

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <vector>
 
 #include <QWidget>
 
 #include "core/routes.h"
+#include "presentation/commands.h"
 
 class QHBoxLayout;
 class QPushButton;
@@ -26,6 +29,7 @@ public:
     void setRoute(AppRoute route);
 
 protected:
+    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 signals:
@@ -34,21 +38,25 @@ signals:
 
 private:
     void addRouteActions(AppRoute route);
-    void addSelectTop(AppRoute route);
-    void addActivity(AppRoute route);
-    void addReports(AppRoute route);
+    void addAction(const Command& command, const QString& identifier, std::function<void()> act);
+    void selectTop();
+    void selectTopApp();
     void orderActions();
+    std::vector<QPushButton*> buttons() const;
+    /// Finds out how much room icons and words take together.
+    void measure();
     void fold();
+    void showIcons(bool areShown);
     /// Emits `selectionMade` when the process that was asked for is the one under review now.
     void tellSelection(std::optional<std::int64_t> wanted);
-    QPushButton* addAction(const QString& title, const QString& icon, const QString& identifier,
-                           const QString& description);
 
     SystemMonitor& monitor_;
     ElidedLabel* title_ = nullptr;
     ElidedLabel* subtitle_ = nullptr;
     QHBoxLayout* actions_ = nullptr;
     QPushButton* refresh_ = nullptr;
+    int wholeWidth_ = 0;
+    bool hasIcons_ = true;
 };
 
 }  // namespace tallowcrest

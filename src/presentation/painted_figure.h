@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include "presentation/accessible_figure.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 
@@ -23,7 +24,7 @@ protected:
     /// Lays out what hangs on the size and on those measures.
     virtual void arrange() = 0;
     /// Tells assistive technology what the figure shows now.
-    void describe() { setAccessibleDescription(accessibleValue()); }
+    void describe() { setSpokenDescription(*this, accessibleValue()); }
 
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

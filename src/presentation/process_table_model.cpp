@@ -12,7 +12,6 @@
 namespace tallowcrest {
 namespace {
 
-using dashboard_text::oneLine;
 using dashboard_text::text;
 
 bool haveSameOrder(const std::vector<ProcessSample>& a, const std::vector<ProcessSample>& b) {
@@ -159,7 +158,7 @@ int ProcessTableModel::columnCount(const QModelIndex& parent) const {
 QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) const {
     switch (column) {
         case processColumn:
-            return oneLine(row.displayName());
+            return text(row.displayName());
         case cpuColumn:
             return QStringLiteral("%1%").arg(QLocale().toString(row.cpu, 'f', 1));
         case memoryColumn:
@@ -189,13 +188,13 @@ bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
 
 QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
     if (column == actionColumn) {
-        return QString(QStringLiteral("Review ") + oneLine(row.displayName()));
+        return QString(QStringLiteral("Review ") + text(row.displayName()));
     }
     if (column != processColumn) {
         return displayText(row, column);
     }
     // What the row otherwise tells by its mark and by its colour.
-    QStringList words{oneLine(row.displayName())};
+    QStringList words{text(row.displayName())};
     if (isProtectedRow(row)) {
         words.append(QStringLiteral("Protected"));
     }

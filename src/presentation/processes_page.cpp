@@ -20,6 +20,7 @@
 #include "presentation/process_table_model.h"
 #include "presentation/process_table_view.h"
 #include "presentation/review_process.h"
+#include "presentation/spoken.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
@@ -67,9 +68,7 @@ QWidget* ProcessesPage::makeToolRow() {
         }
     });
     auto* activityMonitor =
-        makeButton(QStringLiteral("Activity Monitor"), QStringLiteral("macwindow"),
-                   QStringLiteral("processes.activity-monitor"),
-                   QStringLiteral("Opens the system's own process viewer"), row);
+        makeButton(commands::activityMonitor, QStringLiteral("processes.activity-monitor"), row);
     connect(activityMonitor, &QPushButton::clicked, this,
             [this] { monitor_.applications().openActivityMonitor(); });
 
@@ -214,9 +213,7 @@ void ProcessesPage::describeTable(const QString& emptyDetail) {
         model_->rows().empty()
             ? QStringLiteral("Select Process. ") + emptyDetail
             : QStringLiteral("Processes by impact. Return on a row selects it for review.");
-    if (table_->accessibleDescription() != description) {
-        table_->setAccessibleDescription(description);
-    }
+    setSpokenDescription(*table_, description);
 }
 
 void ProcessesPage::review(const QModelIndex& index) {

@@ -21,11 +21,9 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     : monitor_(monitor), window_(window), icon_(this) {
     icon_.setObjectName(QStringLiteral("menubar.item"));
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
-        QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title, this, entry.run);
+        QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title(), this, entry.run);
         action->setObjectName(entry.identifier);
-        if (entry.currentTitle) {
-            followingActions_.emplace_back(action, entry.currentTitle);
-        }
+        actions_.emplace_back(action, entry.title);
     }
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
@@ -35,8 +33,8 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
 }
 
 void StatusItem::refresh() {
-    for (const auto& [action, currentTitle] : followingActions_) {
-        action->setText(currentTitle());
+    for (const auto& [action, title] : actions_) {
+        action->setText(title());
     }
     const auto& snapshot = monitor_.sample().snapshot();
     const QString label =

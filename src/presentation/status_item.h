@@ -36,8 +36,8 @@ private:
     DashboardWindow& window_;
     QSystemTrayIcon icon_;
     QMenu menu_;
-    /// The entries of the menu whose titles follow the state, each with what tells the title.
-    std::vector<std::pair<QAction*, std::function<QString()>>> followingActions_;
+    /// The entries of the menu, each with what tells its title.
+    std::vector<std::pair<QAction*, std::function<QString()>>> actions_;
     std::unique_ptr<MenuBarPanel> panel_;
     int shownNeedle_ = -1;
     QColor shownColor_;

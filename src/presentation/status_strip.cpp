@@ -1,10 +1,9 @@
 #include "presentation/status_strip.h"
 
-#include <algorithm>
-
 #include <QHBoxLayout>
 
 #include "monitor/system_monitor.h"
+#include "presentation/automation/automation_lines.h"
 #include "presentation/capsule.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
@@ -16,22 +15,6 @@ namespace {
 
 /// Below this the automations stand beneath the session, so that the last outcome keeps its room.
 constexpr int oneLineWidth = 760;
-
-/// All that acts without anybody pressing a button.
-constexpr std::array automations{
-    AutomationSwitch::autoSelectTopOffender, AutomationSwitch::autoPurgeSustainedMemory,
-    AutomationSwitch::autoScanRemoteMacs,    AutomationSwitch::diskAutopilotEnabled,
-    AutomationSwitch::aiSafeActionsEnabled,
-};
-
-QString automationsOn(const Automation& automation) {
-    const auto count =
-        std::count_if(automations.begin(), automations.end(),
-                      [&automation](AutomationSwitch which) { return automation.isOn(which); });
-    return count == 0   ? QStringLiteral("No automations on")
-           : count == 1 ? QStringLiteral("1 automation on")
-                        : QStringLiteral("%1 automations on").arg(count);
-}
 
 }  // namespace
 
@@ -46,6 +29,10 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
     automation_ = new Capsule(this);
     automation_->setObjectName(QStringLiteral("status.automation"));
+    // How to stop it all is to be found wherever that is shown.
+    const QString keys = QStringLiteral("Emergency Stop: Ctrl+. or Shift+Esc");
+    automation_->setToolTip(keys);
+    automation_->setAccessibleDescription(keys);
     threshold_ = new Capsule(this);
     threshold_->setObjectName(QStringLiteral("status.threshold"));
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
@@ -68,21 +55,15 @@ void StatusStrip::refresh() {
                           : QStringLiteral("Sampling this Mac..."));
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
-    lastAction_->setText(dashboard_text::oneLine(monitor_.log().lastAction()));
+    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
 }
 
 void StatusStrip::showAutomation() {
-    // How to stop it all is to be found wherever that is shown.
-    static const QString keys = QStringLiteral("Emergency Stop: Ctrl+. or Shift+Esc");
-    if (automation_->toolTip().isEmpty()) {
-        automation_->setToolTip(keys);
-        automation_->setAccessibleDescription(keys);
-    }
     if (monitor_.automation().isStopEngaged()) {
         automation_->setText(QStringLiteral("Emergency Stop Engaged"));
         automation_->setMark(QStringLiteral("exclamationmark.octagon"), &CrestTheme::bad);
     } else {
-        automation_->setText(automationsOn(monitor_.automation()));
+        automation_->setText(automationsOn(monitor_.settings()));
         automation_->clearMark();
     }
 }

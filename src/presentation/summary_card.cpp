@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/elided_label.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 
@@ -26,17 +27,17 @@ SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
 
 void SummaryCard::setTitle(const QString& title) {
     title_->setText(title);
-    setAccessibleName(title);
+    setSpokenName(*this, title);
 }
 
 void SummaryCard::setValue(const QString& value) {
     value_->setText(value);
-    setAccessibleDescription(accessibleValue());
+    setSpokenDescription(*this, accessibleValue());
 }
 
 void SummaryCard::setDetail(const QString& detail) {
     detail_->setText(detail);
-    setAccessibleDescription(accessibleValue());
+    setSpokenDescription(*this, accessibleValue());
 }
 
 void SummaryCard::setValueColor(const ThemeColor& color) {

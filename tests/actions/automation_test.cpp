@@ -119,6 +119,7 @@ TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItGoverns) {
     for (const Expected& each : expectedSwitches()) {
         settings.*each.field = false;
         automation().set(each.which, true);
+        EXPECT_EQ(isGovernedByStop(each.which), each.refusal != nullptr) << each.key;
         if (each.refusal != nullptr) {
             expectRecorded(each.refusal);
             EXPECT_FALSE(settings.*each.field) << each.key;

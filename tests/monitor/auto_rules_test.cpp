@@ -323,5 +323,60 @@ TEST_F(AutoRulesTest, WithoutOtherComponentsTheRulesStillHold) {
     EXPECT_EQ(alone.dates().lastAutoRemoteScanDate, std::nullopt);
 }
 
+// When they last acted ----------------------------------------------------------------------------
+
+TEST_F(AutoRulesTest, NothingHasActedBeforeTheFirstTime) {
+    log.recordMessage("Selected editor, currently the heaviest process.");
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        EXPECT_EQ(lastActed(which, rules.dates(), log.activityLog()), std::nullopt);
+    }
+}
+
+TEST_F(AutoRulesTest, WhatTheRulesDidIsFoundAgain) {
+    using S = AutomationSwitch;
+    const auto acted = [this](S which) {
+        return lastActed(which, rules.dates(), log.activityLog());
+    };
+    addProcess(700, "/usr/bin/editor");
+    settings.autoSelectTopOffender = true;
+    run(99.0);
+    const Date selected = clock.now();
+    EXPECT_EQ(acted(S::autoSelectTopOffender), selected);
+    EXPECT_EQ(acted(S::autoPurgeSustainedMemory), std::nullopt);
+
+    clock.advance(std::chrono::minutes(1));
+    settings.autoPurgeSustainedMemory = true;
+    remember(30, 95.0);
+    run(99.0);
+    const Date purged = clock.now();
+    EXPECT_EQ(acted(S::autoSelectTopOffender), selected) << "it was selected already";
+    EXPECT_EQ(acted(S::autoPurgeSustainedMemory), purged);
+    EXPECT_EQ(acted(S::autoScanRemoteMacs), std::nullopt);
+
+    clock.advance(std::chrono::minutes(1));
+    settings.autoScanRemoteMacs = true;
+    devices = {device("macOS", true)};
+    run(99.0);
+    EXPECT_EQ(acted(S::autoScanRemoteMacs), clock.now());
+    EXPECT_EQ(acted(S::diskAutopilotEnabled), std::nullopt);
+    rules.setLastDiskAutopilotCheckDate(selected);
+    EXPECT_EQ(acted(S::diskAutopilotEnabled), selected);
+    rules.raiseLoadWarning(*sample.snapshot());
+    EXPECT_EQ(acted(S::autoSelectTopOffender), selected);
+    EXPECT_EQ(acted(S::autoPurgeSustainedMemory), purged);
+    EXPECT_EQ(acted(S::aiSafeActionsEnabled), std::nullopt);
+    EXPECT_EQ(acted(S::notificationsIncludeActions), std::nullopt);
+
+    // The log outlives the run, and the dates do not.
+    const AutomationDates none;
+    EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, none, log.activityLog()), purged);
+    EXPECT_EQ(lastActed(S::autoScanRemoteMacs, none, log.activityLog()), std::nullopt);
+
+    clock.advance(std::chrono::minutes(1));
+    review.clearOperationTarget();
+    run(99.0);
+    EXPECT_EQ(acted(S::autoSelectTopOffender), clock.now()) << "the newest entry counts";
+}
+
 }  // namespace
 }  // namespace tallowcrest

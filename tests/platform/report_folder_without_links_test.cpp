@@ -56,7 +56,7 @@ protected:
                     return;
                 }
             }
-            problem = folder.write(name, text);
+            problem = folder.write(root.path() / name, text);
         }).join();
         return problem;
     }
@@ -70,7 +70,7 @@ protected:
     }
 
     TemporaryFolder root;
-    PosixReportFolder folder{root.path(), {}};
+    PosixReportFolder folder{[this] { return root.path(); }, {}};
 };
 
 TEST_F(ReportFolderWithoutLinks, TheFileIsThereWhole) {

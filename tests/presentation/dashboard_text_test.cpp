@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include <QDate>
 #include <QLocale>
 #include <gmock/gmock.h>
 
@@ -44,10 +45,18 @@ SystemSnapshot snapshotOf(double cpu, double pressure) {
     return snapshot;
 }
 
-TEST(DashboardText, TextFromOutsideMayBeAnything) {
-    EXPECT_EQ(dashboard_text::text("Zoë · 東京"), QStringLiteral("Zoë · 東京"));
-    EXPECT_EQ(dashboard_text::text({}), QString());
-    EXPECT_EQ(dashboard_text::text("a\xff"), QStringLiteral("a\uFFFD"));
+TEST(DashboardText, TextFromOutsideIsOneLineInItsOrder) {
+    struct Case {
+        const char* given;
+        const char* shown;
+    };
+    for (const Case& each :
+         {Case{"editor", "editor"}, Case{"", ""}, Case{"Zoë · 東京", "Zoë · 東京"},
+          Case{"<b>a</b> %1 & b", "<b>a</b> %1 & b"}, Case{"a\xff", "a\uFFFD"},
+          Case{"two\nlines\t\x1b", "two\uFFFDlines\uFFFD\uFFFD"},
+          Case{"two\u2028lines", "two\uFFFDlines"}, Case{"\u202Egnp.exe", "\uFFFDgnp.exe"}}) {
+        EXPECT_EQ(dashboard_text::text(each.given).toStdString(), each.shown);
+    }
 }
 
 TEST(DashboardText, PercentagesAreRoundedToWholeOnes) {
@@ -77,6 +86,8 @@ TEST(DashboardText, TopGroupIsNamedWithItsMemory) {
     snapshot.appImpacts.push_back({"Browser", 3, 10.0, 1536.0, 7, 0});
     snapshot.appImpacts.push_back({"Editor", 1, 1.0, 9000.0, 8, 0});
     EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: Browser · 1.5 GB"));
+    snapshot.appImpacts.front().name = "a\nb";
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: a\uFFFDb · 1.5 GB"));
 }
 
 TEST(DashboardText, NamesThatLookLikePlaceMarkersStayThemselves) {
@@ -201,11 +212,41 @@ TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
     }
 }
 
-TEST(DashboardText, WordsWithANameInThemAreOneLineInTheirOrder) {
-    EXPECT_EQ(dashboard_text::oneLine("editor"), QStringLiteral("editor"));
-    EXPECT_EQ(dashboard_text::oneLine("two\nlines\t\x1b"),
-              QStringLiteral("two\uFFFDlines\uFFFD\uFFFD"));
-    EXPECT_EQ(dashboard_text::oneLine("\u202Egnp.exe"), QStringLiteral("\uFFFDgnp.exe"));
+TEST(DashboardText, ADayIsThatOfTheLocalTimeZone) {
+    // 2026-03-09T14:03:55Z
+    const Date date = Date::fromUnixSeconds(1773065035.0);
+    {
+        const Place place("en_US", "UTC");
+        EXPECT_EQ(dashboard_text::localDay(date), QDate(2026, 3, 9));
+    }
+    // Ten hours ahead.
+    const Place place("en_US", "XYZ-10");
+    EXPECT_EQ(dashboard_text::localDay(date), QDate(2026, 3, 10));
+}
+
+TEST(DashboardText, ShortTimesBearTheirDateOnAnotherDay) {
+    const Place place("de_DE");
+    // 2026-03-09T14:03:55Z
+    constexpr double now = 1773065035.0;
+    struct Case {
+        double seconds;
+        const char* text;
+    };
+    for (const Case& each :
+         {Case{now, "14:03"}, Case{now - 14 * 3600, "00:03"},
+          Case{now - 15 * 3600, "08.03.26 23:03"}, Case{now + 10 * 3600, "10.03.26 00:03"}}) {
+        EXPECT_EQ(dashboard_text::shortTimeText(Date::fromUnixSeconds(each.seconds),
+                                                Date::fromUnixSeconds(now))
+                      .toStdString(),
+                  each.text);
+    }
+}
+
+TEST(DashboardText, AnyStoredDateIsHarmless) {
+    for (const double seconds : {1e300, -1e300, 0.0}) {
+        EXPECT_FALSE(dashboard_text::shortTimeText(Date{seconds}, Date{}).isEmpty()) << seconds;
+        EXPECT_FALSE(dashboard_text::timeText(Date{seconds}).isEmpty()) << seconds;
+    }
 }
 
 }  // namespace

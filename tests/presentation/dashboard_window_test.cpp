@@ -9,6 +9,7 @@
 #include "presentation/overview_page.h"
 #include "presentation/processes_page.h"
 #include "presentation/sidebar.h"
+#include "tests/presentation/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -21,18 +22,6 @@ using testing::SizeIs;
 QString qString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
-
-/// Counts the paintings of a window and of everything in it.
-class PaintWatch : public QObject {
-public:
-    PaintWatch() { qApp->installEventFilter(this); }
-    ~PaintWatch() override { qApp->removeEventFilter(this); }
-    bool eventFilter(QObject* object, QEvent* event) override {
-        count += event->type() == QEvent::Paint && object->isWidgetType() ? 1 : 0;
-        return false;
-    }
-    int count = 0;
-};
 
 class DashboardWindowTest : public WindowFixture {
 protected:
@@ -262,11 +251,11 @@ TEST_F(DashboardWindowTest, AClosedWindowDoesNoWork) {
     window().close();
     settle();
     const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
-    const PaintWatch paints;
+    PaintCount paints(window());
     tick();
     tick();
     EXPECT_EQ(changes.count(), 0);
-    EXPECT_EQ(paints.count, 0);
+    EXPECT_EQ(paints.take(), 0);
     window().show();
     settle();
     EXPECT_EQ(changes.count(), 1);
@@ -299,12 +288,13 @@ TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
     showWithSample();
     goTo(AppRoute::chat);
     tick();
-    const PaintWatch paints;
+    PaintCount paints(window());
     machine.monitor().review().clearOperationTarget();
     settle();
     // A changed line of the strip, with what lies below it; never the whole window.
-    EXPECT_GT(paints.count, 0);
-    EXPECT_LT(paints.count, 12);
+    const int count = paints.take();
+    EXPECT_GT(count, 0);
+    EXPECT_LT(count, 12);
 }
 
 TEST_F(DashboardWindowTest, AMaximisedWindowComesBackMaximised) {

@@ -123,6 +123,7 @@ TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
 TEST(GaugeRing, RepaintsOnlyWhatCanBeSeenToChange) {
     GaugeRing ring;
     ring.setValue(42);
+    showUnseen(ring);
     PaintCount paints(ring);
     ring.setValue(42.01);
     EXPECT_EQ(paints.take(), 0);

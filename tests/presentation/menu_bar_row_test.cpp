@@ -30,7 +30,8 @@ protected:
     MenuBarPanel& panelOf(int count) {
         std::vector<MenuBarEntry> entries;
         for (int i = 0; i < count; ++i) {
-            entries.push_back({QStringLiteral("H command %1").arg(QString(i, u'x')),
+            const QString title = QStringLiteral("H command %1").arg(QString(i, u'x'));
+            entries.push_back({[title] { return title; },
                                i % 2 == 0 ? QStringLiteral("power") : QString(),
                                QStringLiteral("command.%1").arg(i), [] {}});
         }

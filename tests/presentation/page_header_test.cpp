@@ -104,6 +104,39 @@ TEST_F(PageHeaderTest, WhereRoomIsScarceTheIconsGoAndTheWordsStay) {
     EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
 }
 
+TEST_F(PageHeaderTest, IconsChangeWithTheFoldAlone) {
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto icon = [this] { return visible<QPushButton>("optimize.purge")->icon().cacheKey(); };
+    for (const int width : {1080, 640}) {
+        window().resize(width, 720);
+        settle();
+        const qint64 before = icon();
+        window().resize(width + 1, 720);
+        settle();
+        EXPECT_EQ(icon(), before) << width;
+    }
+}
+
+TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto* purge = visible<QPushButton>("optimize.purge");
+    int width = 820;
+    for (; !purge->icon().isNull(); --width) {
+        window().resize(width - 1, 720);
+        settle();
+    }
+    window().resize(width + 1, 720);
+    settle();
+    ASSERT_FALSE(purge->icon().isNull()) << "the narrowest that has room for them";
+    QFont larger = purge->font();
+    larger.setPointSizeF(1.5 * larger.pointSizeF());
+    purge->parentWidget()->setFont(larger);
+    settle();
+    EXPECT_TRUE(purge->icon().isNull());
+}
+
 TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
     showWithSample();
     machine.monitor().navigation().setSelectedRoute(AppRoute::load);

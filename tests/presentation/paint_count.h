@@ -2,23 +2,27 @@
 
 #include <utility>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QWidget>
 
 namespace tallowcrest {
 
-/// Shows a widget and counts how often it is painted from then on.
+/// Shows a widget without putting it on the screen, and paints it.
+inline void showUnseen(QWidget& widget) {
+    widget.setAttribute(Qt::WA_DontShowOnScreen);
+    widget.show();
+    QCoreApplication::processEvents();
+}
+
+/// Counts how often a widget and all that is in it are painted.
 class PaintCount : public QObject {
 public:
-    explicit PaintCount(QWidget& widget) {
-        widget.setAttribute(Qt::WA_DontShowOnScreen);
-        widget.show();
+    explicit PaintCount(const QWidget& widget) : widget_(widget) {
         QCoreApplication::processEvents();
-        widget.installEventFilter(this);
-        QCoreApplication::processEvents();
-        count_ = 0;
+        qApp->installEventFilter(this);
     }
+    ~PaintCount() override { qApp->removeEventFilter(this); }
 
     /// The paintings since the last call, with all that is due now.
     int take() {
@@ -27,11 +31,16 @@ public:
     }
 
     bool eventFilter(QObject* object, QEvent* event) override {
-        count_ += event->type() == QEvent::Paint ? 1 : 0;
-        return QObject::eventFilter(object, event);
+        const auto* painted = qobject_cast<QWidget*>(object);
+        if (event->type() == QEvent::Paint && painted != nullptr &&
+            (painted == &widget_ || widget_.isAncestorOf(painted))) {
+            ++count_;
+        }
+        return false;
     }
 
 private:
+    const QWidget& widget_;
     int count_ = 0;
 };
 

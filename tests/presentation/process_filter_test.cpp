@@ -2,24 +2,19 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/presentation/process_rows.h"
+
 namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-ProcessSample row(std::int64_t pid, const std::string& command) {
-    ProcessSample sample;
-    sample.pid = pid;
-    sample.command = command;
-    sample.arguments = command;
-    return sample;
-}
-
 const std::vector<ProcessSample>& table() {
     static const std::vector<ProcessSample> rows{
-        row(4100, "/usr/lib/browser/Browser"), row(7, "[kworker/0:1]"),
-        row(512, "/opt/Käse/bin/ÄPFEL"), row(41, "/usr/bin/editor"), row(9, "")};
+        processRow(4100, "/usr/lib/browser/Browser"), processRow(7, "[kworker/0:1]"),
+        processRow(512, "/opt/Käse/bin/ÄPFEL"), processRow(41, "/usr/bin/editor"),
+        processRow(9, "")};
     return rows;
 }
 
@@ -76,7 +71,7 @@ TEST(ProcessFilter, TheTextIsNoPattern) {
 TEST(ProcessFilter, AVeryLongTextIsJustOneThatMatchesNothing) {
     const QString filter(10'000, QLatin1Char('x'));
     EXPECT_THAT(pidsLeftBy(filter), IsEmpty());
-    EXPECT_THAT(filteredProcesses({row(1, "/bin/" + filter.toStdString())}, filter),
+    EXPECT_THAT(filteredProcesses({processRow(1, "/bin/" + filter.toStdString())}, filter),
                 ElementsAre(testing::Field(&ProcessSample::pid, 1)));
 }
 

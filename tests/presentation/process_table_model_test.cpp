@@ -12,6 +12,7 @@
 
 #include "presentation/process_table_view.h"
 #include "presentation/tool_tip.h"
+#include "tests/presentation/process_rows.h"
 
 namespace tallowcrest {
 namespace {
@@ -21,13 +22,8 @@ using testing::IsEmpty;
 
 constexpr ProtectionPolicy policy{.ownPID = 4242, .protectsLinuxSystem = true};
 
-ProcessSample row(std::int64_t pid, const std::string& command = {}, double cpu = 0.0) {
-    ProcessSample sample;
-    sample.pid = pid;
-    sample.cpu = cpu;
-    sample.command = command.empty() ? "/usr/bin/p" + std::to_string(pid) : command;
-    sample.arguments = sample.command;
-    return sample;
+ProcessSample row(std::int64_t pid) {
+    return processRow(pid, "/usr/bin/p" + std::to_string(pid));
 }
 
 std::vector<ProcessSample> rowsOf(const std::vector<std::int64_t>& pids) {
@@ -79,7 +75,7 @@ TEST_F(ProcessTableModelTest, RowsComeInTheOrderGiven) {
 }
 
 TEST_F(ProcessTableModelTest, ARepeatedPIDIsOneRow) {
-    model.setRows({row(5, "/bin/first"), row(6), row(5, "/bin/second")});
+    model.setRows({processRow(5, "/bin/first"), row(6), processRow(5, "/bin/second")});
     EXPECT_THAT(pidsIn(model), ElementsAre(5, 6));
     EXPECT_EQ(at(0, ProcessTableModel::processColumn), QStringLiteral("first"));
     model.setRows({row(6), row(5), row(6), row(6)});
@@ -87,13 +83,13 @@ TEST_F(ProcessTableModelTest, ARepeatedPIDIsOneRow) {
 }
 
 TEST_F(ProcessTableModelTest, FiguresAreReplacedInPlace) {
-    model.setRows({row(5, {}, 1.0), row(6, {}, 2.0)});
+    model.setRows({processRow(5, {}, 1.0), processRow(6, {}, 2.0)});
     const QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
     const QSignalSpy insertions(&model, &QAbstractItemModel::rowsInserted);
     const QSignalSpy removals(&model, &QAbstractItemModel::rowsRemoved);
     const QSignalSpy layouts(&model, &QAbstractItemModel::layoutChanged);
     const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-    model.setRows({row(5, {}, 3.0), row(6, {}, 4.0)});
+    model.setRows({processRow(5, {}, 3.0), processRow(6, {}, 4.0)});
     EXPECT_EQ(at(1, ProcessTableModel::cpuColumn), QStringLiteral("4.0%"));
     EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(resets.count() + insertions.count() + removals.count() + layouts.count(), 0);
@@ -173,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, ProcessTableModelAtRandom, testing::Range(1U, 13
 // Cells ------------------------------------------------------------------------------------------
 
 TEST_F(ProcessTableModelTest, CellsGiveNameFiguresAndAction) {
-    ProcessSample sample = row(77, "/opt/app/bin/Worker", 123.45);
+    ProcessSample sample = processRow(77, "/opt/app/bin/Worker", 123.45);
     sample.rssMB = 2048.04;
     sample.memoryPercent = 12.5;
     model.setRows({sample});
@@ -209,8 +205,8 @@ TEST_F(ProcessTableModelTest, FiguresStandBelowTheirHeadings) {
 }
 
 TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
-    model.setRows({row(1, "/usr/lib/systemd/systemd"), row(2, "[kthreadd]"),
-                   row(4242, "/usr/bin/tallowcrest"), row(90, "/usr/bin/editor")});
+    model.setRows({processRow(1, "/usr/lib/systemd/systemd"), processRow(2, "[kthreadd]"),
+                   processRow(4242, "/usr/bin/tallowcrest"), processRow(90, "/usr/bin/editor")});
     const auto isProtectedAt = [this](int line) {
         return at(line, 0, ProcessTableModel::isProtectedRole).toBool();
     };
@@ -223,7 +219,7 @@ TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
 }
 
 TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
-    model.setRows({row(1, "/usr/lib/systemd/systemd"), row(90, "/usr/bin/editor")});
+    model.setRows({processRow(1, "/usr/lib/systemd/systemd"), processRow(90, "/usr/bin/editor")});
     const auto isSelectedAt = [this](int line) {
         return at(line, 2, ProcessTableModel::isSelectedRole).toBool();
     };
@@ -256,18 +252,18 @@ TEST_F(ProcessTableModelTest, AProcessUnderReviewThatComesLaterIsMarkedThen) {
 }
 
 TEST_F(ProcessTableModelTest, TheActionNamesItsProcessForWhoCannotSeeTheRow) {
-    model.setRows({row(90, "/usr/bin/editor")});
+    model.setRows({processRow(90, "/usr/bin/editor")});
     EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole),
               QStringLiteral("Review editor"));
     EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), QStringLiteral("0.0%"));
 }
 
 TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
-    model.setRows({row(90, "/tmp/<img src=x>&amp;")});
+    model.setRows({processRow(90, "/tmp/<img src=x>&amp;")});
     EXPECT_EQ(at(0, 0, Qt::ToolTipRole),
               toolTipText(QStringLiteral("PID 90\n/tmp/<img src=x>&amp;")));
     EXPECT_FALSE(at(0, 1, Qt::ToolTipRole).isValid());
-    model.setRows({row(90, "/tmp/%1 %2 %3")});
+    model.setRows({processRow(90, "/tmp/%1 %2 %3")});
     EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(QStringLiteral("PID 90\n/tmp/%1 %2 %3")));
 }
 

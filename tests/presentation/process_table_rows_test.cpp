@@ -13,17 +13,6 @@ namespace {
 /// The rows of the process table as they look.
 class ProcessTableRowsTest : public WindowFixture {
 protected:
-    void showProcesses() {
-        machine.monitor().navigation().setSelectedRoute(AppRoute::load);
-        showWithSample();
-    }
-
-    QRect cell(int row, int column) { return table().visualRect(model().index(row, column)); }
-
-    QImage paintedTable() {
-        return table().viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    }
-
     /// The ground of a cell, beside its words.
     QColor groundOf(int row, int column) {
         return paintedTable().pixelColor(cell(row, column).topRight() + QPoint(-2, 2));

@@ -20,9 +20,8 @@ protected:
         content = new ElidedLabel(QStringLiteral("Content"), &CrestFonts::body, &CrestTheme::text);
         content->setFixedHeight(100);
         card.bodyLayout()->addWidget(content);
-        card.setAttribute(Qt::WA_DontShowOnScreen);
         card.resize(300, 200);
-        card.show();
+        showUnseen(card);
     }
 
     QAccessible::State spokenState() {

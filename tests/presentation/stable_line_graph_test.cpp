@@ -191,7 +191,7 @@ TEST_F(StableLineGraphTest, LaysAnAreaOverTheRulesBelowIt) {
     graph_.resize(460, 242);
     graph_.setWarningThreshold(60);
     graph_.setEventFractions({0.3});
-    const auto colorsNear = [this](const QImage& image, QPoint place) {
+    const auto colorsNear = [](const QImage& image, QPoint place) {
         std::set<QRgb> colors;
         for (int dy = -8; dy <= 8; ++dy) {
             for (int dx = -8; dx <= 8; ++dx) {
@@ -278,6 +278,7 @@ TEST_F(StableLineGraphTest, DoesNotRepaintForEqualData) {
     showLine({10, nan, 30}, true);
     graph_.setWarningThreshold(80);
     graph_.setEventFractions({0.5});
+    showUnseen(graph_);
     PaintCount paints(graph_);
     showLine({10, nan, 30}, true);
     graph_.setWarningThreshold(80);

@@ -58,6 +58,7 @@ TEST(ElidedLabel, KeepsReservedRoomForFigures) {
 
 TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
     ElidedLabel label(QStringLiteral("CPU"), &CrestFonts::body, &CrestTheme::text);
+    showUnseen(label);
     PaintCount paints(label);
     label.setText(QStringLiteral("CPU"));
     label.setColor(&CrestTheme::text);
@@ -181,6 +182,7 @@ TEST(BarList, DoesNotRepaintForEqualRows) {
     BarList list(QStringLiteral("Bars"), 2, QStringLiteral("0"));
     const std::vector<BarRow> rows{{QStringLiteral("a"), QStringLiteral("1"), 0.5}};
     list.setRows(rows);
+    showUnseen(list);
     PaintCount paints(list);
     list.setRows(rows);
     EXPECT_EQ(paints.take(), 0);

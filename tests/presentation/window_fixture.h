@@ -1,10 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QImage>
 #include <QPointer>
+#include <QScrollArea>
 #include <QTest>
 #include <gmock/gmock.h>
 
@@ -70,6 +73,11 @@ protected:
         QApplication::processEvents();
     }
 
+    void showProcesses() {
+        machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+        showWithSample();
+    }
+
     void tick() {
         machine.tick();
         settle();
@@ -89,6 +97,16 @@ protected:
             }
         }
         return nullptr;
+    }
+
+    /// The page that `widget` scrolls with.
+    QScrollArea& scrollAreaAround(const QWidget& widget) {
+        for (QScrollArea* each : window().findChildren<QScrollArea*>()) {
+            if (each->isVisible() && each->isAncestorOf(&widget)) {
+                return *each;
+            }
+        }
+        throw std::runtime_error("nothing scrolls it");
     }
 
     QString textOf(const char* identifier) {
@@ -115,6 +133,11 @@ protected:
 
     ProcessTableView& table() { return *visible<ProcessTableView>("processes.table"); }
     ProcessTableModel& model() { return *window().findChild<ProcessTableModel*>(); }
+    QRect cell(int row, int column) { return table().visualRect(model().index(row, column)); }
+
+    QImage paintedTable() {
+        return table().viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    }
 
     FakeMachine machine;
 

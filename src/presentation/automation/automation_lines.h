@@ -8,6 +8,7 @@
 #include "actions/automation.h"
 #include "core/date.h"
 #include "core/local_records.h"
+#include "core/settings.h"
 #include "monitor/automation_dates.h"
 
 namespace tallowcrest {
@@ -45,6 +46,13 @@ inline constexpr std::array autoRuleSwitches{
 
 /// "On", "Off" or "Stopped".
 QString armedWord(ArmedState state);
+
+/// What the identifiers of its controls end in: "auto-select".
+QString automationIdentifier(AutomationSwitch which);
+
+/// "No automations on", "1 automation on" or "5 automations on": how much of what acts without
+/// anybody pressing a button is switched on. Any thread.
+QString automationsOn(const Settings& settings);
 
 /// Times are those of this run, or of the activity log where the rule writes there; in the locale's
 /// short form, with the date on another day than `now`. Any thread.

@@ -8,6 +8,7 @@
 #include "presentation/automation/toggle_switch.h"
 #include "presentation/elided_label.h"
 #include "presentation/icon_view.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -75,29 +76,36 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     connect(toggle_, &QAbstractButton::clicked, this, [this] { emit wanted(!line_.isOn); });
     // Assistive technology may throw the switch without a click.
     connect(toggle_, &QAbstractButton::toggled, this, &AutomationToggle::wanted);
-    setLine(line_);
+    showLine();
 }
 
 void AutomationToggle::setLine(const AutomationLine& line) {
-    line_ = line;
-    title_->setText(line.title);
-    explanation_->setText(line.explanation);
-    explanation_->setVisible(!line.explanation.isEmpty());
-    lastActed_->setText(line.lastActed);
-    lastActed_->setColor(line.hasActed ? &CrestTheme::text : &CrestTheme::secondaryText);
-    lastActed_->setVisible(!line.lastActed.isEmpty());
-    const StateLook look = lookOf(line.state);
-    stateIcon_->setIcon(QString::fromLatin1(look.icon));
-    stateIcon_->setColor(look.color);
-    state_->setText(armedWord(line.state));
     {
+        // Assistive technology has thrown it, whatever the owner makes of that.
         const QSignalBlocker quiet(toggle_);
         toggle_->setChecked(line.isOn);
     }
-    toggle_->setAccessibleName(line.title);
-    QStringList description{armedWord(line.state) + u'.', line.explanation, line.lastActed};
+    if (line != line_) {
+        line_ = line;
+        showLine();
+    }
+}
+
+void AutomationToggle::showLine() {
+    title_->setText(line_.title);
+    explanation_->setText(line_.explanation);
+    explanation_->setVisible(!line_.explanation.isEmpty());
+    lastActed_->setText(line_.lastActed);
+    lastActed_->setColor(line_.hasActed ? &CrestTheme::text : &CrestTheme::secondaryText);
+    lastActed_->setVisible(!line_.lastActed.isEmpty());
+    const StateLook look = lookOf(line_.state);
+    stateIcon_->setIcon(QString::fromLatin1(look.icon));
+    stateIcon_->setColor(look.color);
+    state_->setText(armedWord(line_.state));
+    setSpokenName(*toggle_, line_.title);
+    QStringList description{armedWord(line_.state) + u'.', line_.explanation, line_.lastActed};
     description.removeAll(QString());
-    toggle_->setAccessibleDescription(description.join(u' '));
+    setSpokenDescription(*toggle_, description.join(u' '));
 }
 
 void AutomationToggle::mouseReleaseEvent(QMouseEvent* event) {

@@ -30,6 +30,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void showLine();
+
     AutomationLine line_;
     ToggleSwitch* toggle_ = nullptr;
     ElidedLabel* title_ = nullptr;

@@ -7,27 +7,6 @@
 #include "presentation/theme.h"
 
 namespace tallowcrest {
-namespace {
-
-QString nameOf(AutomationSwitch which) {
-    switch (which) {
-        case AutomationSwitch::autoSelectTopOffender:
-            return QStringLiteral("auto-select");
-        case AutomationSwitch::autoPurgeSustainedMemory:
-            return QStringLiteral("auto-purge");
-        case AutomationSwitch::autoScanRemoteMacs:
-            return QStringLiteral("auto-scan");
-        case AutomationSwitch::diskAutopilotEnabled:
-            return QStringLiteral("disk-autopilot");
-        case AutomationSwitch::aiSafeActionsEnabled:
-            return QStringLiteral("ai-safe-actions");
-        case AutomationSwitch::notificationsIncludeActions:
-            return QStringLiteral("notification-actions");
-    }
-    return {};
-}
-
-}  // namespace
 
 AutomationToggles::AutomationToggles(SystemMonitor& monitor, const QString& identifier,
                                      std::span<const AutomationSwitch> switches, QWidget* parent)
@@ -36,7 +15,7 @@ AutomationToggles::AutomationToggles(SystemMonitor& monitor, const QString& iden
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::gap);
     for (const AutomationSwitch which : switches) {
-        auto* row = new AutomationToggle(identifier + u'.' + nameOf(which), this);
+        auto* row = new AutomationToggle(identifier + u'.' + automationIdentifier(which), this);
         connect(row, &AutomationToggle::wanted, this, [this, which](bool on) {
             monitor_.automation().set(which, on);
             refresh();

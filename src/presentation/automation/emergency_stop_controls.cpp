@@ -20,21 +20,17 @@ EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QStri
     layout->setSpacing(spacing::unit);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::unit);
-    const QString effect = QStringLiteral(
-        "Immediately disables automatic cleanup, purge, remote scans, and AI "
-        "autonomous execution.");
-    stop_ = makeButton(QStringLiteral("Emergency Stop"), QStringLiteral("exclamationmark.octagon"),
-                       identifier + QStringLiteral(".emergency-stop"), effect, this);
-    stop_->setIcon(themedIcon(QStringLiteral("exclamationmark.octagon"), &CrestTheme::bad));
-    resume_ = makeButton(
-        QStringLiteral("Resume Manual Mode"), QString(),
-        identifier + QStringLiteral(".resume-manual-mode"),
-        QStringLiteral("Clears the stop; every automation stays off until you turn it on"), this);
+    stop_ =
+        makeButton(commands::emergencyStop, identifier + QStringLiteral(".emergency-stop"), this);
+    stop_->setIcon(themedIcon(QString::fromUtf8(commands::emergencyStop.icon), &CrestTheme::bad));
+    resume_ = makeButton(commands::resumeManualMode,
+                         identifier + QStringLiteral(".resume-manual-mode"), this);
     buttons->addWidget(stop_);
     buttons->addWidget(resume_);
     buttons->addStretch(1);
     layout->addLayout(buttons);
-    auto* words = new ElidedLabel(effect, &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    auto* words = new ElidedLabel(QString::fromUtf8(commands::emergencyStop.description),
+                                  &CrestFonts::caption, &CrestTheme::secondaryText, this);
     words->setLines(1, 3);
     words->setGround(&CrestTheme::cardBackground);
     layout->addWidget(words);

@@ -6,6 +6,7 @@
 #include "presentation/elided_label.h"
 #include "presentation/icon_view.h"
 #include "presentation/overview/activity_lines.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 
@@ -38,7 +39,7 @@ void ActivityEntry::setLine(const ActivityLine& line) {
     title_->setText(line.title);
     time_->setText(line.time);
     detail_->setText(line.detail);
-    setAccessibleName(accessibleValue());
+    setSpokenName(*this, accessibleValue());
 }
 
 QString ActivityEntry::accessibleValue() const {

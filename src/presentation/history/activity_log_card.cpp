@@ -57,15 +57,6 @@ void ActivityLogCard::refresh() {
     const std::vector<ActivityEvent>& events = monitor_.log().activityLog();
     const auto& snapshot = monitor_.sample().snapshot();
     const Date now = snapshot ? snapshot->sampledAt : Date{};
-    // Times of an earlier day bear its date.
-    const QDate day = localDay(now);
-    const bool isShown =
-        day == shownDay_ &&
-        std::equal(events.begin(), events.end(), shown_.begin(), shown_.end(),
-                   [](const ActivityEvent& event, UUID id) { return event.id == id; });
-    if (isShown) {
-        return;
-    }
     std::vector<UUID> identifiers;
     identifiers.reserve(events.size());
     for (const ActivityEvent& event : events) {
@@ -78,7 +69,6 @@ void ActivityLogCard::refresh() {
         entries_[i]->show();
     }
     shown_ = std::move(identifiers);
-    shownDay_ = day;
     setCaption(eventCount(events.size()));
     empty_->setVisible(events.empty());
     list_->setVisible(!events.empty());

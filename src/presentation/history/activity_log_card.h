@@ -2,8 +2,6 @@
 
 #include <vector>
 
-#include <QDate>
-
 #include "core/uuid.h"
 #include "presentation/card.h"
 
@@ -38,7 +36,6 @@ private:
     QVBoxLayout* rows_ = nullptr;
     std::vector<ActivityEntry*> entries_;
     std::vector<UUID> shown_;  ///< one for each of `entries_`
-    QDate shownDay_;
 };
 
 }  // namespace tallowcrest

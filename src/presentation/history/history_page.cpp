@@ -93,12 +93,10 @@ QWidget* HistoryPage::makeReceipts() {
     words->setLines(1, 4);
     words->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(words);
-    auto* copy = makeButton(QStringLiteral("Copy Report"), QStringLiteral("doc.on.doc"),
-                            QStringLiteral("history.receipts.copy-report"),
-                            QStringLiteral("Puts the diagnostics report on the clipboard"), card);
-    auto* write = makeButton(QStringLiteral("Export"), QStringLiteral("square.and.arrow.up"),
-                             QStringLiteral("history.receipts.export"),
-                             QStringLiteral("Writes the diagnostics report to a file"), card);
+    auto* copy =
+        makeButton(commands::copyReport, QStringLiteral("history.receipts.copy-report"), card);
+    auto* write =
+        makeButton(commands::exportReport, QStringLiteral("history.receipts.export"), card);
     connect(copy, &QPushButton::clicked, this,
             [this] { monitor_.reports().copyDiagnosticsReport(); });
     connect(write, &QPushButton::clicked, this,

@@ -41,45 +41,40 @@ CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* CleanupFlowCard::makeActions() {
     auto* actions = new FlowRow(spacing::unit, this);
-    const auto add = [&](const QString& title, const QString& icon, const QString& identifier,
-                         const QString& description, auto handler) {
-        auto* button = makeButton(title, icon, identifier, description, actions);
+    const auto add = [&](const Command& command, const QString& identifier, auto handler) {
+        auto* button = makeButton(command, identifier, actions);
         connect(button, &QPushButton::clicked, this, handler);
         actions->addItem(button);
         return button;
     };
-    add(QStringLiteral("Suggest Safe Target"), QStringLiteral("checkmark.shield"),
+    add({"Suggest Safe Target", "checkmark.shield",
+         "Selects an app that is safe to review; asks for a cache purge when memory pressure is "
+         "high"},
         QStringLiteral("cleanup.suggest-safe-target"),
-        QStringLiteral("Selects an app that is safe to review; asks for a cache purge when memory "
-                       "pressure is high"),
         [this] { monitor_.localActions().optimizeSafely(); });
-    add(QStringLiteral("Select Top App"), QStringLiteral("chart.bar.xaxis"),
-        QStringLiteral("cleanup.select-top-app"),
-        QStringLiteral("Selects the heaviest process of the heaviest app"),
+    add(commands::selectTopApp, QStringLiteral("cleanup.select-top-app"),
         [this] { monitor_.review().selectTopApp(); });
-    purge_ = add(QStringLiteral("Purge Caches"), QStringLiteral("memorychip"),
-                 QStringLiteral("cleanup.purge-caches"),
-                 QStringLiteral("Asks whether to purge the file caches"),
+    purge_ = add(commands::purge, QStringLiteral("cleanup.purge-caches"),
                  [this] { monitor_.localActions().requestPurge(); });
-    add(QStringLiteral("Activity Monitor"), QStringLiteral("macwindow"),
-        QStringLiteral("cleanup.activity-monitor"),
-        QStringLiteral("Opens the system's own process viewer"),
+    add(commands::activityMonitor, QStringLiteral("cleanup.activity-monitor"),
         [this] { monitor_.applications().openActivityMonitor(); });
     return actions;
 }
 
 void CleanupFlowCard::refresh() {
-    step_->setText(dashboard_text::oneLine(monitor_.review().optimizeStep()));
+    step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
     showPurging(monitor_.localActions().isPurging());
 }
 
 void CleanupFlowCard::showPurging(bool isPurging) {
-    if (isPurging != purge_->isEnabled()) {
+    if (isPurging == isPurging_) {
         return;
     }
+    isPurging_ = isPurging;
     // The shorter word takes no room away from the buttons beside it.
     purge_->setMinimumWidth(isPurging ? purge_->width() : 0);
-    purge_->setText(isPurging ? QStringLiteral("Purging…") : QStringLiteral("Purge Caches"));
+    purge_->setText(isPurging ? QStringLiteral("Purging…")
+                              : QString::fromUtf8(commands::purge.title));
     purge_->setAccessibleName(purge_->text());
     purge_->setEnabled(!isPurging);
 }

@@ -24,6 +24,7 @@ private:
     SystemMonitor& monitor_;
     ElidedLabel* step_ = nullptr;
     QPushButton* purge_ = nullptr;
+    bool isPurging_ = false;  ///< as it is shown
 };
 
 }  // namespace tallowcrest

@@ -17,8 +17,7 @@ namespace tallowcrest {
 /// The processes of a group, the heaviest first. Any thread.
 std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::string_view group);
 
-/// The rows of one group: the process table's own, of which a row counts as protected also when the
-/// owner's Never Quit list holds its group, with memory in whole megabytes. Main thread.
+/// The rows of one group: the process table's own, with memory in whole megabytes. Main thread.
 class HelperProcessesModel final : public QIdentityProxyModel {
     Q_OBJECT
 
@@ -29,16 +28,14 @@ public:
     const std::vector<ProcessSample>& rows() const { return table_.rows(); }
     /// Which process is under review; absent for none.
     void setSelectedPID(std::optional<std::int64_t> pid) { table_.setSelectedPID(pid); }
-    /// Whether the Never Quit list holds the group.
-    void setNeverQuit(bool neverQuit);
+    void setProtectedAppNames(const ProtectedAppNames& names) {
+        table_.setProtectedAppNames(names);
+    }
 
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    QString spokenName(const QModelIndex& index) const;
-
     ProcessTableModel table_;
-    bool neverQuit_ = false;
 };
 
 }  // namespace tallowcrest

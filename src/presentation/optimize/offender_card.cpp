@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include <QHeaderView>
@@ -20,6 +19,7 @@
 #include "presentation/optimize/selected_offender.h"
 #include "presentation/process_row_delegate.h"
 #include "presentation/process_table_view.h"
+#include "presentation/spoken.h"
 #include "presentation/summary_card.h"
 
 namespace tallowcrest {
@@ -84,8 +84,8 @@ QPushButton* OffenderCard::makeNeverQuit() {
     button->setCheckable(true);
     connect(button, &QPushButton::clicked, this, [this] {
         // The one that the button names: the target may have moved since.
-        if (shown_ && shown_->group) {
-            monitor_.localActions().toggleNeverQuit(*shown_->group);
+        if (shownGroup_) {
+            monitor_.localActions().toggleNeverQuit(*shownGroup_);
         }
     });
     return button;
@@ -123,55 +123,34 @@ QWidget* OffenderCard::makeHelpers() {
     return helpers;
 }
 
-OffenderCard::Shown OffenderCard::present() const {
-    const ReviewTarget& review = monitor_.review();
-    const auto& snapshot = monitor_.sample().snapshot();
-    Shown now{review.selectedPID(), review.selectedStartTime(), review.selectedAppImpactName(),
-              std::nullopt, false};
-    if (snapshot) {
-        now.sampledAt = snapshot->sampledAt;
-    }
-    now.neverQuit = now.group && monitor_.settings().protectedAppNames.contains(*now.group);
-    return now;
-}
-
 void OffenderCard::refresh() {
-    // Most of what the monitor tells of concerns other things.
-    Shown now = present();
-    if (now == shown_) {
-        return;
-    }
-    shown_ = std::move(now);
-    if (shown_->pid) {
+    const ReviewTarget& review = monitor_.review();
+    shownGroup_ = review.selectedAppImpactName();
+    const bool hasTarget = review.selectedPID().has_value();
+    if (hasTarget) {
         showTarget();
     } else {
-        showHeading(selected_offender::heading({}));
-        explanation_->setText(shown_->sampledAt ? selected_offender::hint()
-                                                : QStringLiteral("Sampling this Mac..."));
+        setHeader(QStringLiteral("scope"), selected_offender::heading({}));
+        explanation_->setText(monitor_.sample().snapshot()
+                                  ? selected_offender::hint()
+                                  : QStringLiteral("Sampling this Mac..."));
         explanation_->setColor(&CrestTheme::secondaryText);
         model_->setRows({});
     }
-    target_->setVisible(shown_->pid.has_value());
-}
-
-void OffenderCard::showHeading(const QString& heading) {
-    // A heading that stays is not announced again with every sample.
-    if (heading != accessibleName()) {
-        setHeader(QStringLiteral("scope"), heading);
-    }
+    target_->setVisible(hasTarget);
 }
 
 void OffenderCard::showTarget() {
     const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
     const ProcessSample* row = monitor_.review().selectedRow();
-    showHeading(selected_offender::heading(summary.title));
+    setHeader(QStringLiteral("scope"), selected_offender::heading(summary.title));
     explanation_->setText(row != nullptr ? selected_offender::sentence(*row, summary.isProtected)
                                          : text(summary.detail));
     explanation_->setColor(&CrestTheme::text);
 
     const auto& snapshot = monitor_.sample().snapshot();
     const auto card = selected_offender::groupCard(
-        shown_->group,
+        shownGroup_,
         snapshot ? std::span<const AppImpact>(snapshot->appImpacts) : std::span<const AppImpact>());
     group_->setValue(card.value);
     group_->setDetail(card.detail);
@@ -181,11 +160,11 @@ void OffenderCard::showTarget() {
 }
 
 void OffenderCard::showNeverQuit() {
-    neverQuit_->setVisible(shown_->group.has_value());
-    if (!shown_->group) {
+    neverQuit_->setVisible(shownGroup_.has_value());
+    if (!shownGroup_) {
         return;
     }
-    const bool isOn = shown_->neverQuit;
+    const bool isOn = monitor_.settings().protectedAppNames.contains(*shownGroup_);
     const QString state =
         isOn ? QStringLiteral("Never Quit: On") : QStringLiteral("Never Quit: Off");
     if (neverQuit_->text() != state) {
@@ -194,25 +173,23 @@ void OffenderCard::showNeverQuit() {
             themedIcon(isOn ? QStringLiteral("lock.fill") : QStringLiteral("lock.shield")));
     }
     neverQuit_->setChecked(isOn);
-    const QString name = QStringLiteral("Never Quit ") + text(*shown_->group);
+    const QString name = QStringLiteral("Never Quit ") + text(*shownGroup_);
     const QString act = isOn ? QStringLiteral("Takes this app group off the Never Quit list")
                              : QStringLiteral(
                                    "Puts this app group on the Never Quit list, which "
                                    "protects it from quit actions");
-    if (neverQuit_->accessibleName() != name || neverQuit_->toolTip() != act) {
-        neverQuit_->setAccessibleName(name);
-        neverQuit_->setAccessibleDescription(act);
-        neverQuit_->setToolTip(act);
-    }
+    setSpokenName(*neverQuit_, name);
+    setSpokenDescription(*neverQuit_, act);
+    neverQuit_->setToolTip(act);
 }
 
 void OffenderCard::showHelpers() {
     const bool isListed = monitor_.review().selectedRow() != nullptr;
-    model_->setNeverQuit(shown_->neverQuit);
-    model_->setRows(shown_->group ? helperProcesses(monitor_.sample(), *shown_->group)
-                                  : std::vector<ProcessSample>());
+    model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
+    model_->setRows(shownGroup_ ? helperProcesses(monitor_.sample(), *shownGroup_)
+                                : std::vector<ProcessSample>());
     // Another process may bear the number of the one that was selected.
-    model_->setSelectedPID(isListed ? shown_->pid : std::nullopt);
+    model_->setSelectedPID(isListed ? monitor_.review().selectedPID() : std::nullopt);
     noHelpers_->setVisible(model_->rows().empty());
     table_->setVisible(!model_->rows().empty());
     fitTable();

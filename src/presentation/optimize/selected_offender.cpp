@@ -10,7 +10,7 @@
 namespace tallowcrest::selected_offender {
 namespace {
 
-using dashboard_text::oneLine;
+using dashboard_text::text;
 
 QString decimal(double value, int places) {
     return QLocale().toString(std::isfinite(value) ? value : 0.0, 'f', places);
@@ -28,12 +28,12 @@ QString hint() {
 
 QString heading(std::string_view name) {
     const QString title = QStringLiteral("Selected Offender");
-    return name.empty() ? title : title + QStringLiteral(": ") + oneLine(name);
+    return name.empty() ? title : title + QStringLiteral(": ") + text(name);
 }
 
 QString sentence(const ProcessSample& process, bool isProtected) {
     // Joined and not filled into a pattern: a name may hold anything, a placeholder as well.
-    return oneLine(process.displayName()) + QStringLiteral(" is using ") + cpuPercent(process.cpu) +
+    return text(process.displayName()) + QStringLiteral(" is using ") + cpuPercent(process.cpu) +
            QStringLiteral(" CPU and ") + wholeMegabytes(process.rssMB) +
            QStringLiteral(" memory. ") +
            (isProtected ? QStringLiteral("It is protected from quit actions.")
@@ -49,13 +49,13 @@ GroupCard groupCard(const std::optional<std::string>& group, std::span<const App
     const auto found = std::find_if(groups.begin(), groups.end(),
                                     [&](const AppImpact& each) { return each.name == *group; });
     if (found == groups.end()) {
-        return {oneLine(*group), noSummary};
+        return {text(*group), noSummary};
     }
     const QString count = found->processCount == 1
                               ? QStringLiteral("1 process")
                               : QLocale().toString(static_cast<qlonglong>(found->processCount)) +
                                     QStringLiteral(" processes");
-    return {oneLine(*group), QStringLiteral("%1 · %2 CPU").arg(count, cpuPercent(found->totalCPU))};
+    return {text(*group), QStringLiteral("%1 · %2 CPU").arg(count, cpuPercent(found->totalCPU))};
 }
 
 QString risk(bool isProtected) {

@@ -3,15 +3,13 @@
 #include <cstddef>
 #include <vector>
 
-#include <QDate>
 #include <QString>
 
 #include "core/local_records.h"
 
 namespace tallowcrest {
 
-/// One entry of the activity log as a list shows it. Titles and details hold the names of programs;
-/// what could break a line or turn its direction has become a blank.
+/// One entry of the activity log as a list shows it.
 struct ActivityLine {
     bool isWarning = false;
     QString title;
@@ -25,8 +23,5 @@ struct ActivityLine {
 /// the local time zone; those of another day than `now` bear their date. Any thread.
 std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
                                         Date now);
-
-/// The day of `date` in the local time zone. Any thread.
-QDate localDay(Date date);
 
 }  // namespace tallowcrest

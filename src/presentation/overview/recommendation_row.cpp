@@ -11,6 +11,7 @@
 #include "presentation/controls.h"
 #include "presentation/elided_label.h"
 #include "presentation/icon_view.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 namespace {
@@ -148,7 +149,7 @@ void RecommendationRow::setLine(const RecommendationLine& line) {
     title_->setText(line.title);
     detail_->setText(line.detail);
     review_->setVisible(line.reviewPID.has_value());
-    review_->setAccessibleName(QStringLiteral("Review: ") + line.title);
+    setSpokenName(*review_, QStringLiteral("Review: ") + line.title);
     update();
 }
 

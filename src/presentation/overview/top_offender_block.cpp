@@ -14,6 +14,7 @@
 #include "presentation/icon_view.h"
 #include "presentation/overview/top_offender.h"
 #include "presentation/review_process.h"
+#include "presentation/spoken.h"
 
 namespace tallowcrest {
 namespace {
@@ -124,9 +125,9 @@ void TopOffenderBlock::showContent() {
     cleanup_->setVisible(isOffender);
     review_->setVisible(isOffender && reviewablePID());
     if (isOffender) {
-        review_->setAccessibleName(
-            QStringLiteral("Review: ") +
-            dashboard_text::text(monitor().sample().snapshot()->appImpacts.front().name));
+        setSpokenName(*review_, QStringLiteral("Review: ") +
+                                    dashboard_text::text(
+                                        monitor().sample().snapshot()->appImpacts.front().name));
     }
     // Nothing scans other machines yet.
     constexpr int machinesThatNeedAttention = 0;

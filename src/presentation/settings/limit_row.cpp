@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/elided_label.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -50,7 +51,7 @@ void LimitRow::refresh() {
     const QString words = binding_.words(value);
     slider_->show(value);
     slider_->setValueText(words);
-    slider_->setAccessibleDescription(words);
+    setSpokenDescription(*slider_, words);
     value_->setText(words);
 }
 

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "sampling/app_impact.h"
+#include "tests/presentation/process_rows.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
@@ -16,15 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-ProcessSample row(std::int64_t pid, std::string command, double cpu, double rssMB) {
-    ProcessSample sample;
-    sample.pid = pid;
-    sample.command = std::move(command);
-    sample.cpu = cpu;
-    sample.rssMB = rssMB;
-    return sample;
-}
 
 std::vector<std::int64_t> pidsOf(const std::vector<ProcessSample>& rows) {
     std::vector<std::int64_t> pids;
@@ -62,16 +54,13 @@ protected:
     QString text(int place, int column, int role = Qt::DisplayRole) {
         return model.index(place, column).data(role).toString();
     }
-    bool isProtectedRow(int place) {
-        return model.index(place, 0).data(ProcessTableModel::isProtectedRole).toBool();
-    }
 
     HelperProcessesModel model{ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
     QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
 TEST_F(HelperProcessesModelTest, CPUHasOneDecimalAndMemoryNone) {
-    model.setRows({row(7, "/usr/bin/editor", 12.34, 2047.6)});
+    model.setRows({processRow(7, "/usr/bin/editor", 12.34, 2047.6)});
     EXPECT_EQ(text(0, ProcessTableModel::processColumn), QStringLiteral("editor"));
     EXPECT_EQ(text(0, ProcessTableModel::cpuColumn), QStringLiteral("12.3%"));
     EXPECT_EQ(text(0, ProcessTableModel::memoryColumn), QStringLiteral("2,048 MB"));
@@ -79,50 +68,37 @@ TEST_F(HelperProcessesModelTest, CPUHasOneDecimalAndMemoryNone) {
               QStringLiteral("2,048 MB"));
 }
 
-TEST_F(HelperProcessesModelTest, TheNeverQuitListProtectsEveryRow) {
-    model.setRows({row(7, "/usr/bin/editor", 1, 1), row(4242, "/usr/bin/editor", 1, 1)});
-    EXPECT_FALSE(isProtectedRow(0));
-    EXPECT_TRUE(isProtectedRow(1)) << "by itself";
+TEST_F(HelperProcessesModelTest, TheRestIsTheProcessTablesOwn) {
+    model.setRows({processRow(7, "/usr/bin/editor", 1, 1)});
+    const auto spoken = [this](int column) { return text(0, column, Qt::AccessibleTextRole); };
+    EXPECT_EQ(spoken(ProcessTableModel::processColumn), QStringLiteral("editor"));
     QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-    model.setNeverQuit(true);
+    model.setProtectedAppNames({"editor"});
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_TRUE(isProtectedRow(0));
-    EXPECT_TRUE(isProtectedRow(1));
-    model.setNeverQuit(true);
-    EXPECT_EQ(changes.count(), 1);
-    model.setNeverQuit(false);
-    EXPECT_FALSE(isProtectedRow(0));
-    EXPECT_TRUE(isProtectedRow(1));
-}
-
-TEST_F(HelperProcessesModelTest, TheMarksAreSpoken) {
-    model.setRows({row(7, "/usr/bin/editor", 1, 1)});
-    const auto spoken = [this] {
-        return text(0, ProcessTableModel::processColumn, Qt::AccessibleTextRole);
-    };
-    EXPECT_EQ(spoken(), QStringLiteral("editor"));
-    model.setNeverQuit(true);
-    EXPECT_EQ(spoken(), QStringLiteral("editor, Protected"));
+    EXPECT_TRUE(model.index(0, 0).data(ProcessTableModel::isProtectedRole).toBool());
     model.setSelectedPID(7);
-    EXPECT_EQ(spoken(), QStringLiteral("editor, Protected, Under review"));
-    EXPECT_EQ(text(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole),
-              QStringLiteral("Review editor"));
+    EXPECT_EQ(changes.count(), 2);
+    EXPECT_EQ(spoken(ProcessTableModel::processColumn),
+              QStringLiteral("editor, Protected, Under review"));
+    EXPECT_EQ(spoken(ProcessTableModel::actionColumn), QStringLiteral("Review editor"));
 }
 
 TEST_F(HelperProcessesModelTest, TheSameRowsChangeNothing) {
-    const std::vector<ProcessSample> rows{row(7, "/usr/bin/editor", 1, 1)};
+    const std::vector<ProcessSample> rows{processRow(7, "/usr/bin/editor", 1, 1)};
     model.setRows(rows);
     QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
     model.setRows(rows);
     EXPECT_EQ(changes.count(), 0);
-    model.setRows({row(7, "/usr/bin/editor", 2, 1)});
+    model.setRows({processRow(7, "/usr/bin/editor", 2, 1)});
     EXPECT_EQ(changes.count(), 1);
 }
 
 TEST_F(HelperProcessesModelTest, RowsStayWithTheirProcesses) {
-    model.setRows({row(1, "/a", 3, 1), row(2, "/b", 2, 1), row(3, "/c", 1, 1)});
+    model.setRows(
+        {processRow(1, "/a", 3, 1), processRow(2, "/b", 2, 1), processRow(3, "/c", 1, 1)});
     const QPersistentModelIndex second = model.index(1, 0);
-    model.setRows({row(3, "/c", 9, 1), row(4, "/d", 8, 1), row(2, "/b", 2, 1)});
+    model.setRows(
+        {processRow(3, "/c", 9, 1), processRow(4, "/d", 8, 1), processRow(2, "/b", 2, 1)});
     ASSERT_TRUE(second.isValid());
     EXPECT_EQ(second.row(), 2);
     EXPECT_EQ(second.data().toString(), QStringLiteral("b"));
@@ -132,7 +108,6 @@ TEST_F(HelperProcessesModelTest, RowsStayWithTheirProcesses) {
 }
 
 TEST_F(HelperProcessesModelTest, NothingIsSaidOfRowsThatAreNotThere) {
-    model.setNeverQuit(true);
     EXPECT_FALSE(model.data(QModelIndex(), ProcessTableModel::isProtectedRole).isValid());
     EXPECT_EQ(model.rowCount(), 0);
 }

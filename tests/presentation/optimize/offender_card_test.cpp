@@ -2,10 +2,11 @@
 
 #include <QAccessible>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 #include "presentation/summary_card.h"
+#include "tests/presentation/announcements.h"
 #include "tests/presentation/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -246,17 +247,13 @@ TEST_F(OffenderCardTest, AShortListLeavesThemToThePage) {
     window().resize(900, 480);
     showCleanup();
     select(800);
-    QScrollArea* area = nullptr;
-    for (QScrollArea* each : window().findChildren<QScrollArea*>()) {
-        area = each->isVisible() && each->isAncestorOf(helpers()) ? each : area;
-    }
-    ASSERT_NE(area, nullptr);
+    QScrollBar& bar = *scrollAreaAround(*helpers()).verticalScrollBar();
     helpers()->setFocus(Qt::TabFocusReason);
     press(Qt::Key_Home);
-    EXPECT_EQ(area->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(bar.value(), 0);
     press(Qt::Key_End);
-    EXPECT_EQ(area->verticalScrollBar()->value(), area->verticalScrollBar()->maximum());
-    EXPECT_GT(area->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(bar.value(), bar.maximum());
+    EXPECT_GT(bar.value(), 0);
 }
 
 TEST_F(OffenderCardTest, ASampleKeepsThePlaceInTheList) {
@@ -370,16 +367,21 @@ TEST_F(OffenderCardTest, NothingIsDoneWhileAnotherRouteShows) {
     EXPECT_TRUE(label->text().startsWith(QStringLiteral("photo-indexer is using 12.3% CPU")));
 }
 
-TEST_F(OffenderCardTest, WhatConcernsOtherThingsPaintsNothingHere) {
+TEST_F(OffenderCardTest, WhatConcernsOtherThingsPaintsAndTellsNothingHere) {
     showCleanup();
     select(800);
-    PaintCount paints(*visible("cleanup.explanation"));
+    PaintCount paints(*visible("cleanup.offender"));
+    const QSignalSpy rows(helpers()->model(), &QAbstractItemModel::dataChanged);
+    const Announcements heard;
     machine.monitor().log().recordMessage("Something else happened.");
     settle();
     EXPECT_EQ(paints.take(), 0);
+    EXPECT_EQ(rows.count(), 0);
+    EXPECT_THAT(heard.repeated(), IsEmpty());
     machine.metrics->processes[0].cpu = 12.34;
     tick();
     EXPECT_GT(paints.take(), 0);
+    EXPECT_THAT(heard.repeated(), IsEmpty());
 }
 
 }  // namespace

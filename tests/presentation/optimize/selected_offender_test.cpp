@@ -7,17 +7,10 @@
 #include <QLocale>
 #include <gtest/gtest.h>
 
+#include "tests/presentation/process_rows.h"
+
 namespace tallowcrest {
 namespace {
-
-ProcessSample process(const char* command, double cpu, double rssMB) {
-    ProcessSample row;
-    row.pid = 800;
-    row.command = command;
-    row.cpu = cpu;
-    row.rssMB = rssMB;
-    return row;
-}
 
 class SelectedOffenderText : public testing::Test {
 protected:
@@ -76,7 +69,7 @@ class SelectedOffenderSentence : public SelectedOffenderText,
 
 TEST_P(SelectedOffenderSentence, TellsTheFiguresAndWhatToMind) {
     const SentenceCase& tested = GetParam();
-    EXPECT_EQ(selected_offender::sentence(process(tested.command, tested.cpu, tested.rssMB),
+    EXPECT_EQ(selected_offender::sentence(processRow(800, tested.command, tested.cpu, tested.rssMB),
                                           tested.isProtected)
                   .toStdString(),
               tested.sentence);
@@ -87,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(Table, SelectedOffenderSentence, testing::ValuesIn(sent
 
 TEST_F(SelectedOffenderText, FiguresAreInTheFormatOfTheLocale) {
     QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
-    EXPECT_TRUE(selected_offender::sentence(process("/usr/bin/editor", 30.5, 2048.0), false)
+    EXPECT_TRUE(selected_offender::sentence(processRow(800, "/usr/bin/editor", 30.5, 2048.0), false)
                     .startsWith(QStringLiteral("editor is using 30,5% CPU and 2.048 MB memory. ")));
 }
 

@@ -1,3 +1,6 @@
+#include <memory>
+#include <vector>
+
 #include <QAccessible>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -7,6 +10,7 @@
 #include "presentation/gauge_card.h"
 #include "presentation/menu_bar_entries.h"
 #include "presentation/overview/overview_block.h"
+#include "tests/presentation/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -154,30 +158,25 @@ TEST_F(OverviewSectionsTest, WithAllClosedASamplePaintsOnlyWhatShows) {
     machine.monitor().sections().collapseAll();
     settle();
     tick();
-    class HiddenPaints : public QObject {
-    public:
-        HiddenPaints() { qApp->installEventFilter(this); }
-        ~HiddenPaints() override { qApp->removeEventFilter(this); }
-        bool eventFilter(QObject* object, QEvent* event) override {
-            if (event->type() == QEvent::Paint && object->isWidgetType()) {
-                ++all;
-                for (QObject* each = object; each != nullptr; each = each->parent()) {
-                    const auto* section = qobject_cast<SectionCard*>(each->parent());
-                    inBodies += section != nullptr && section->body() == each ? 1 : 0;
-                }
-            }
-            return false;
+    PaintCount all(window());
+    std::vector<std::unique_ptr<PaintCount>> bodies;
+    for (const SectionCard* section : window().findChildren<SectionCard*>()) {
+        bodies.push_back(std::make_unique<PaintCount>(*section->body()));
+    }
+    const auto takeInBodies = [&bodies] {
+        int sum = 0;
+        for (const auto& each : bodies) {
+            sum += each->take();
         }
-        int all = 0;
-        int inBodies = 0;
-    } paints;
+        return sum;
+    };
     machine.metrics->processes[0].cpu = 250.0;
     machine.metrics->memory.pressure = 90.0;
     tick();
-    EXPECT_EQ(paints.inBodies, 0);
-    EXPECT_GT(paints.all, 0) << "the captions that show go on";
+    EXPECT_EQ(takeInBodies(), 0);
+    EXPECT_GT(all.take(), 0) << "the captions that show go on";
     click("section.gauges");
-    EXPECT_GT(paints.inBodies, 0) << "the count is alive";
+    EXPECT_GT(takeInBodies(), 0) << "the count is alive";
 }
 
 TEST_F(OverviewSectionsTest, AClosedTimelineKeepsItsCaption) {

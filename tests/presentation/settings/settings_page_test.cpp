@@ -62,7 +62,7 @@ TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
 
 TEST_F(SettingsPageTest, TheStatusItemsEntryBringsTheWindowWithTheSheet) {
     for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
-        if (entry.title == QStringLiteral("Settings")) {
+        if (entry.title() == QStringLiteral("Settings")) {
             entry.run();
         }
     }

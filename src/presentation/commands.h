@@ -1,0 +1,37 @@
+#pragma once
+
+/// The commands that stand in more places than one, each with its line icon and with what it does
+/// in the words of assistive technology and of the tool tip. UTF-8.
+namespace tallowcrest {
+
+struct Command {
+    const char* title;
+    const char* icon;  ///< empty for none
+    const char* description;
+
+    /// The same where it goes by another title.
+    constexpr Command titled(const char* other) const { return {other, icon, description}; }
+};
+
+namespace commands {
+
+inline constexpr Command purge{"Purge Caches", "memorychip",
+                               "Asks whether to purge the file caches"};
+inline constexpr Command activityMonitor{"Activity Monitor", "macwindow",
+                                         "Opens the system's own process viewer"};
+inline constexpr Command selectTopApp{"Select Top App", "chart.bar.xaxis",
+                                      "Selects the heaviest process of the heaviest app"};
+inline constexpr Command copyReport{"Copy Report", "doc.on.doc",
+                                    "Puts the diagnostics report on the clipboard"};
+inline constexpr Command exportReport{"Export", "square.and.arrow.up",
+                                      "Writes the diagnostics report to a file"};
+inline constexpr Command openSettingsSheet{"Open Settings Sheet", "gearshape",
+                                           "Opens the settings sheet"};
+inline constexpr Command emergencyStop{
+    "Emergency Stop", "exclamationmark.octagon",
+    "Immediately disables automatic cleanup, purge, remote scans, and AI autonomous execution."};
+inline constexpr Command resumeManualMode{
+    "Resume Manual Mode", "", "Clears the stop; every automation stays off until you turn it on"};
+
+}  // namespace commands
+}  // namespace tallowcrest
