@@ -11,8 +11,8 @@ namespace tallowcrest {
 
 class ElidedLabel;
 class SettingsTab;
-class SettingsTabBar;
 class SystemMonitor;
+class TabStrip;
 
 /// Where configuration lives. It hangs on the whole window and is there while the navigation says
 /// so; however it goes away, it tells the navigation. Hidden, it does no work. Main thread.
@@ -36,13 +36,14 @@ private:
         SettingsTab* content;
     };
 
-    void addTab(const char* words, SettingsTab* content);
+    void addTab(const char* words, const char* identifier, const char* description,
+                SettingsTab* content);
     void present();
     void showTab();
 
     SystemMonitor& monitor_;
     std::vector<Tab> tabs_;
-    SettingsTabBar* strip_ = nullptr;
+    TabStrip* strip_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     ElidedLabel* lastAction_ = nullptr;
 };
