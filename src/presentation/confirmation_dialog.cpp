@@ -30,11 +30,8 @@ constexpr std::size_t mostPaths = 5;
 }  // namespace
 
 ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
-    : QDialog(parent), desk_(desk) {
+    : WindowDialog(parent), desk_(desk) {
     setObjectName(QStringLiteral("confirmation"));
-    // Put away on its own, it would leave its window locked for no reason that can be seen.
-    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle(QStringLiteral("Confirm Action"));
     setAccessibleName(windowTitle());
     auto* layout = new QVBoxLayout(this);
@@ -62,6 +59,7 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     cancel_ = makeButton(QStringLiteral("Cancel"), QString(), QStringLiteral("confirmation.cancel"),
                          QStringLiteral("Closes this dialog and changes nothing"), this);
     confirm_ = new DangerButton(this);
+    settling_.emplace(*confirm_);
     confirm_->setObjectName(QStringLiteral("confirmation.confirm"));
     confirm_->setMaximumWidth(widestConfirmButton);
     cancel_->setDefault(true);
@@ -72,8 +70,6 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
 
     connect(cancel_, &QPushButton::clicked, this, &ConfirmationDialog::reject);
     connect(confirm_, &QPushButton::clicked, this, &ConfirmationDialog::confirm);
-    settling_.setSingleShot(true);
-    connect(&settling_, &QTimer::timeout, this, [this] { confirm_->setEnabled(true); });
 }
 
 QWidget* ConfirmationDialog::makePaths() {
@@ -140,27 +136,15 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     fit();
     cancel_->setFocus();
     open();
-    settle();
-}
-
-void ConfirmationDialog::setSettlingTime(std::chrono::milliseconds time) {
-    settlingTime_ = time;
-    if (settling_.isActive()) {
-        settling_.start(time);
-    }
-}
-
-void ConfirmationDialog::settle() {
-    confirm_->setEnabled(false);
-    settling_.start(settlingTime_);
+    settling_->settle();
 }
 
 bool ConfirmationDialog::event(QEvent* event) {
     // The click that brings a window forward is no answer to what stands in it.
     if (event->type() == QEvent::WindowActivate && shown_) {
-        settle();
+        settling_->settle();
     }
-    return QDialog::event(event);
+    return WindowDialog::event(event);
 }
 
 void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
@@ -221,7 +205,7 @@ void ConfirmationDialog::reject() {
 
 void ConfirmationDialog::leave(int result) {
     shown_.reset();
-    settling_.stop();
+    settling_->stop();
     done(result);
 }
 

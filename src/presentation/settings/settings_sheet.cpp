@@ -29,11 +29,8 @@ constexpr int mostHeight = 640;
 }  // namespace
 
 SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
-    : QDialog(parent), monitor_(monitor) {
+    : WindowDialog(parent), monitor_(monitor) {
     setObjectName(QStringLiteral("settings.sheet"));
-    // Put away on its own, it would leave its window locked for no reason that can be seen.
-    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle(QStringLiteral("Settings"));
     setAccessibleName(windowTitle());
     const auto addLabel = [this](const QString& text, ElidedLabel::FontRole font,
@@ -114,7 +111,7 @@ void SettingsSheet::addTab(const char* words, const char* identifier, const char
 void SettingsSheet::refresh() {
     if (!monitor_.navigation().showSettings()) {
         if (isVisible()) {
-            QDialog::done(Rejected);
+            WindowDialog::done(Rejected);
         }
         return;
     }
@@ -160,7 +157,7 @@ void SettingsSheet::paintEvent(QPaintEvent*) {
 }
 
 void SettingsSheet::done(int result) {
-    QDialog::done(result);
+    WindowDialog::done(result);
     monitor_.navigation().setShowSettings(false);
 }
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include <QDialog>
+#include "presentation/window_dialog.h"
 
 class QStackedWidget;
 
@@ -16,14 +16,14 @@ class TabStrip;
 
 /// Where configuration lives. It hangs on the whole window and is there while the navigation says
 /// so; however it goes away, it tells the navigation. Hidden, it does no work. Main thread.
-class SettingsSheet final : public QDialog {
+class SettingsSheet final : public WindowDialog {
     Q_OBJECT
 
 public:
     SettingsSheet(SystemMonitor& monitor, QWidget* parent);
 
     /// Opens or closes the sheet as the navigation asks for, and keeps an open one up to date.
-    void refresh();
+    void refresh() override;
 
     void done(int result) override;
 
