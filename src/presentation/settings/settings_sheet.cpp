@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -146,6 +147,15 @@ void SettingsSheet::showTab() {
     strip_->setCurrentIndex(index);
     pages_->setCurrentIndex(index);
     tabs_.at(static_cast<std::size_t>(index)).content->refresh();
+}
+
+void SettingsSheet::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        // It ended an entry, or was meant for a control that has no use for it. Only Done itself,
+        // which then takes the key, closes the sheet with it.
+        return;
+    }
+    WindowDialog::keyPressEvent(event);
 }
 
 void SettingsSheet::paintEvent(QPaintEvent*) {
