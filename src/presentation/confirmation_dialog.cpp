@@ -14,6 +14,7 @@
 #include "presentation/danger_button.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/text_lines.h"
 #include "presentation/theme.h"
 #include "presentation/tool_tip.h"
 
@@ -22,10 +23,20 @@ namespace {
 
 constexpr int dialogWidth = 464;
 constexpr int widestConfirmButton = 240;
-constexpr int mostHeadingLines = 3;
-// Enough for the longest message around the longest name that a file can have.
+constexpr int mostLargeLines = 3;
+// Enough for the longest question and message around the longest name that a file can have.
+constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
 constexpr std::size_t mostPaths = 5;
+
+/// The type of the title: the largest that leaves it whole on a few lines.
+ElidedLabel::FontRole headingFont(const QString& title) {
+    const QFont& large = CrestFonts::current().title;
+    const int room = dialogWidth - 2 * spacing::pagePadding;
+    return fittedLines(title, large, room, mostLargeLines + 1).size() <= mostLargeLines
+               ? &CrestFonts::title
+               : &CrestFonts::heading;
+}
 
 }  // namespace
 
@@ -117,6 +128,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     shown_ = request.id;
     const QString title = dashboard_text::oneLine(request.title);
     const QString message = dashboard_text::oneLine(request.message);
+    heading_->setFontRole(headingFont(title));
     heading_->setText(title);
     message_->setText(message);
     // Read out when the dialog opens.
