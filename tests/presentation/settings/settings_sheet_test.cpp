@@ -241,7 +241,7 @@ TEST_F(SettingsSheetTest, ReturnClosesItOnDoneAlone) {
         for (const char* identifier : {"settings.tab.automation", "settings.warning-threshold"}) {
             visible(identifier)->setFocus();
             press(key);
-            EXPECT_TRUE(isOpen()) << identifier;
+            ASSERT_TRUE(isOpen()) << identifier;
         }
         visible("settings.sheet.done")->setFocus();
         press(key);
