@@ -8,16 +8,17 @@
 
 namespace tallowcrest {
 
-void ConnectionSettings::setSSHUsername(std::string_view text) {
+bool ConnectionSettings::setSSHUsername(std::string_view text) {
     const auto name = CommandSafetyPolicy::validatedSSHUsername(text);
     if (!name) {
         log_.recordMessage(
             "SSH usernames may contain only letters, numbers, period, underscore, and hyphen.");
-        return;
+        return false;
     }
     settings_.sshUsername = *name;
     store_.write(settings_keys::sshUsernameKey, *name);
     observable_.changed();
+    return true;
 }
 
 void ConnectionSettings::setOpenAIModel(std::string_view text) {

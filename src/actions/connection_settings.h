@@ -19,8 +19,8 @@ public:
         : observable_(observable), log_(log), settings_(settings), store_(store) {}
 
     /// The user name for other machines, trimmed; nothing left of it is stored as empty and stands
-    /// for no name. An invalid one changes nothing and is refused in words.
-    void setSSHUsername(std::string_view text);
+    /// for no name. An invalid one changes nothing and is refused in words, which makes this false.
+    bool setSSHUsername(std::string_view text);
 
     /// The provider's model, trimmed and otherwise as given.
     void setOpenAIModel(std::string_view text);

@@ -24,6 +24,9 @@ void Limits::setDiskMaxCleanupGB(double gigabytes) {
 }
 
 void Limits::set(double& field, std::string_view key, double value) {
+    if (field == value && store_.read(key) == SettingsValue(value)) {
+        return;
+    }
     field = value;
     store_.write(key, value);
     observable_.changed();

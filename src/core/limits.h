@@ -9,7 +9,7 @@
 namespace tallowcrest {
 
 /// The figures that the owner sets: when to warn, and how far a clean-up may go. Each change is
-/// stored at once. Main thread.
+/// stored at once; what has its value already, and is stored so, is left alone. Main thread.
 class Limits {
 public:
     /// Changes `settings` in place.

@@ -14,6 +14,7 @@
 #include "presentation/danger_button.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/text_lines.h"
 #include "presentation/theme.h"
 #include "presentation/tool_tip.h"
 
@@ -22,19 +23,26 @@ namespace {
 
 constexpr int dialogWidth = 464;
 constexpr int widestConfirmButton = 240;
-constexpr int mostHeadingLines = 3;
-// Enough for the longest message around the longest name that a file can have.
+constexpr int mostLargeLines = 3;
+// Enough for the longest question and message around the longest name that a file can have.
+constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
 constexpr std::size_t mostPaths = 5;
+
+/// The type of the title: the largest that leaves it whole on a few lines.
+ElidedLabel::FontRole headingFont(const QString& title) {
+    const QFont& large = CrestFonts::current().title;
+    const int room = dialogWidth - 2 * spacing::pagePadding;
+    return fittedLines(title, large, room, mostLargeLines + 1).size() <= mostLargeLines
+               ? &CrestFonts::title
+               : &CrestFonts::heading;
+}
 
 }  // namespace
 
 ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
-    : QDialog(parent), desk_(desk) {
+    : WindowDialog(parent), desk_(desk) {
     setObjectName(QStringLiteral("confirmation"));
-    // Put away on its own, it would leave its window locked for no reason that can be seen.
-    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle(QStringLiteral("Confirm Action"));
     setAccessibleName(windowTitle());
     auto* layout = new QVBoxLayout(this);
@@ -62,6 +70,7 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     cancel_ = makeButton(QStringLiteral("Cancel"), QString(), QStringLiteral("confirmation.cancel"),
                          QStringLiteral("Closes this dialog and changes nothing"), this);
     confirm_ = new DangerButton(this);
+    settling_.emplace(*confirm_);
     confirm_->setObjectName(QStringLiteral("confirmation.confirm"));
     confirm_->setMaximumWidth(widestConfirmButton);
     cancel_->setDefault(true);
@@ -72,8 +81,6 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
 
     connect(cancel_, &QPushButton::clicked, this, &ConfirmationDialog::reject);
     connect(confirm_, &QPushButton::clicked, this, &ConfirmationDialog::confirm);
-    settling_.setSingleShot(true);
-    connect(&settling_, &QTimer::timeout, this, [this] { confirm_->setEnabled(true); });
 }
 
 QWidget* ConfirmationDialog::makePaths() {
@@ -121,6 +128,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     shown_ = request.id;
     const QString title = dashboard_text::oneLine(request.title);
     const QString message = dashboard_text::oneLine(request.message);
+    heading_->setFontRole(headingFont(title));
     heading_->setText(title);
     message_->setText(message);
     // Read out when the dialog opens.
@@ -140,27 +148,15 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     fit();
     cancel_->setFocus();
     open();
-    settle();
-}
-
-void ConfirmationDialog::setSettlingTime(std::chrono::milliseconds time) {
-    settlingTime_ = time;
-    if (settling_.isActive()) {
-        settling_.start(time);
-    }
-}
-
-void ConfirmationDialog::settle() {
-    confirm_->setEnabled(false);
-    settling_.start(settlingTime_);
+    settling_->settle();
 }
 
 bool ConfirmationDialog::event(QEvent* event) {
     // The click that brings a window forward is no answer to what stands in it.
     if (event->type() == QEvent::WindowActivate && shown_) {
-        settle();
+        settling_->settle();
     }
-    return QDialog::event(event);
+    return WindowDialog::event(event);
 }
 
 void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
@@ -221,7 +217,7 @@ void ConfirmationDialog::reject() {
 
 void ConfirmationDialog::leave(int result) {
     shown_.reset();
-    settling_.stop();
+    settling_->stop();
     done(result);
 }
 

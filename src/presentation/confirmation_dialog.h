@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
-#include <QDialog>
-#include <QTimer>
-
 #include "core/local_records.h"
 #include "core/uuid.h"
+#include "presentation/settling_button.h"
+#include "presentation/window_dialog.h"
 
 class QPushButton;
 
@@ -20,26 +19,22 @@ class ConfirmationDesk;
 class DangerButton;
 class ElidedLabel;
 
-/// Asks for the owner's yes to the pending request. It hangs on the whole window, so it stays
-/// whatever route shows below. However it goes away, other than by its confirming button or because
-/// its request is pending no more, that cancels the request. Main thread.
-class ConfirmationDialog final : public QDialog {
+/// Asks for the owner's yes to the pending request. It stays whatever route shows below. However it
+/// goes away, other than by its confirming button or because its request is pending no more, that
+/// cancels the request. Main thread.
+class ConfirmationDialog final : public WindowDialog {
     Q_OBJECT
 
 public:
-    /// How long a question cannot be confirmed after it came into view: neither the second click of
-    /// two nor a press that was meant for what stood there before must answer it.
-    static constexpr std::chrono::milliseconds settlingTime{700};
-
     /// The desk must outlive the dialog.
     ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent);
 
     /// Opens, changes or closes the dialog as the pending request asks for. While that is the one
     /// shown, it does nothing at all.
-    void refresh();
+    void refresh() override;
 
     /// For tests, which wait for nothing.
-    void setSettlingTime(std::chrono::milliseconds time);
+    void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
 
     void reject() override;
 
@@ -48,8 +43,6 @@ protected:
 
 private:
     void present(const ConfirmationRequest& request);
-    /// Keeps the confirming button from being pressed for a moment.
-    void settle();
     void showPaths(const std::vector<std::string>& paths);
     void fit();
     void confirm();
@@ -59,9 +52,7 @@ private:
     QWidget* makePaths();
 
     ConfirmationDesk& desk_;
-    std::chrono::milliseconds settlingTime_ = settlingTime;
     std::optional<UUID> shown_;
-    QTimer settling_;
     ElidedLabel* heading_ = nullptr;
     ElidedLabel* message_ = nullptr;
     Card* pathsCard_ = nullptr;
@@ -69,6 +60,7 @@ private:
     ElidedLabel* morePaths_ = nullptr;
     QPushButton* cancel_ = nullptr;
     DangerButton* confirm_ = nullptr;
+    std::optional<SettlingButton> settling_;  ///< the confirming button
 };
 
 }  // namespace tallowcrest

@@ -112,8 +112,7 @@ Screen* DashboardWindow::screen(AppRoute route) {
 }
 
 void DashboardWindow::refresh() {
-    refreshConfirmation();
-    refreshSettings();
+    refreshDialogs();
     menus_->refresh();
     if (!canBeSeen()) {
         return;
@@ -157,7 +156,7 @@ void DashboardWindow::comeForward() {
     raise();
     activateWindow();
     // The last of them is what answers the keyboard as long as it stands.
-    for (QDialog* dialog : dialogs()) {
+    for (WindowDialog* dialog : dialogs()) {
         if (dialog != nullptr && dialog->isVisible()) {
             dialog->raise();
             dialog->activateWindow();
@@ -165,53 +164,47 @@ void DashboardWindow::comeForward() {
     }
 }
 
-void DashboardWindow::refreshConfirmation() {
-    if (confirmation_ != nullptr && confirmation_->isVisible()) {
-        confirmation_->refresh();
-    } else if (monitor_.confirmations().pendingConfirmation()) {
+void DashboardWindow::refreshDialogs() {
+    for (WindowDialog* dialog : dialogs()) {
+        if (dialog != nullptr && dialog->isVisible()) {
+            dialog->refresh();
+        }
+    }
+    if (monitor_.confirmations().pendingConfirmation() || monitor_.navigation().showSettings()) {
         // Behind the window's own appearance, which may be under way.
-        QMetaObject::invokeMethod(this, &DashboardWindow::openConfirmation, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &DashboardWindow::openDialog, Qt::QueuedConnection);
     }
 }
 
-void DashboardWindow::openConfirmation() {
-    if (!canBeSeen() || !monitor_.confirmations().pendingConfirmation()) {
+void DashboardWindow::openDialog() {
+    if (!canBeSeen()) {
         return;
     }
-    if (confirmation_ == nullptr) {
-        confirmation_ = new ConfirmationDialog(monitor_.confirmations(), this);
-        confirmation_->addAction(emergencyStop());
-    }
-    confirmation_->refresh();
-}
-
-void DashboardWindow::refreshSettings() {
-    if (settings_ != nullptr && settings_->isVisible()) {
-        settings_->refresh();
+    if (monitor_.confirmations().pendingConfirmation()) {
+        open(confirmation_, monitor_.confirmations());
     } else if (monitor_.navigation().showSettings()) {
-        // Behind the window's own appearance, which may be under way.
-        QMetaObject::invokeMethod(this, &DashboardWindow::openSettings, Qt::QueuedConnection);
+        // Opened above a question, the sheet would lock it. What ends the question brings the
+        // sheet.
+        open(settings_, monitor_);
     }
 }
 
-void DashboardWindow::openSettings() {
-    // Opened above a question, the sheet would lock it. What ends the question brings the sheet.
-    if (!canBeSeen() || !monitor_.navigation().showSettings() ||
-        monitor_.confirmations().pendingConfirmation()) {
-        return;
+template <class Dialog, class Source>
+void DashboardWindow::open(Dialog*& dialog, Source& source) {
+    if (dialog == nullptr) {
+        dialog = new Dialog(source, this);
+        dialog->addAction(emergencyStop());
     }
-    if (settings_ == nullptr) {
-        settings_ = new SettingsSheet(monitor_, this);
-        settings_->addAction(emergencyStop());
+    if (!dialog->isVisible()) {
+        dialog->refresh();
     }
-    settings_->refresh();
 }
 
 QAction* DashboardWindow::emergencyStop() const {
     return menus_->emergencyStop();
 }
 
-std::array<QDialog*, 2> DashboardWindow::dialogs() const {
+std::array<WindowDialog*, 2> DashboardWindow::dialogs() const {
     return {settings_, confirmation_};
 }
 
@@ -219,7 +212,7 @@ void DashboardWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
     // No dialog can stand without its window, and leaving a question so is not a yes. A window that
     // is minimised takes its dialogs along and brings them back.
-    for (QDialog* dialog : dialogs()) {
+    for (WindowDialog* dialog : dialogs()) {
         if (!event->spontaneous() && dialog != nullptr && dialog->isVisible()) {
             dialog->reject();
         }

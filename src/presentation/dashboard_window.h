@@ -11,7 +11,6 @@
 #include "core/routes.h"
 
 class QAction;
-class QDialog;
 class QStackedLayout;
 
 namespace tallowcrest {
@@ -24,6 +23,7 @@ class SettingsSheet;
 class Sidebar;
 class StatusStrip;
 class SystemMonitor;
+class WindowDialog;
 class WindowMenus;
 
 /// The one dashboard window. Only what can be seen is kept up to date; a closed or minimised window
@@ -60,14 +60,13 @@ private:
     QWidget* makeContent();
     void refresh();
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
-    /// Opens the dialog when a request is pending, and keeps an open one up to date.
-    void refreshConfirmation();
-    void openConfirmation();
-    /// The same for the settings sheet. It waits until no confirmation stands.
-    void refreshSettings();
-    void openSettings();
+    /// Keeps the dialogs that stand up to date, and opens what is wanted beside them.
+    void refreshDialogs();
+    void openDialog();
+    template <class Dialog, class Source>
+    void open(Dialog*& dialog, Source& source);
     /// Those that stand on the window, the frontmost last. Null while there was no need for one.
-    std::array<QDialog*, 2> dialogs() const;
+    std::array<WindowDialog*, 2> dialogs() const;
     void comeForward();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);

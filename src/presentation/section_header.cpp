@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "presentation/focus_ring.h"
 #include "presentation/icon.h"
 
 namespace tallowcrest {
@@ -117,9 +118,7 @@ void SectionHeader::leaveEvent(QEvent* event) {
 }
 
 void SectionHeader::focusInEvent(QFocusEvent* event) {
-    // The ring answers a person who moves by keyboard; on a click it would only be noise.
-    hasKeyboardFocus_ =
-        event->reason() != Qt::MouseFocusReason && event->reason() != Qt::PopupFocusReason;
+    hasRing_ = showsFocusRing(event->reason(), hasRing_);
     QAbstractButton::focusInEvent(event);
 }
 
@@ -146,12 +145,12 @@ void SectionHeader::paintEvent(QPaintEvent*) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const bool hasRing = hasFocus() && hasKeyboardFocus_;
-    if (underMouse() || hasRing) {
+    const bool isRinged = hasFocus() && hasRing_;
+    if (underMouse() || isRinged) {
         QColor fill = theme.text;
         fill.setAlphaF(hoverOpacity);
         painter.setBrush(underMouse() ? QBrush(fill) : QBrush(Qt::NoBrush));
-        painter.setPen(hasRing ? QPen(theme.accentText, 2) : QPen(Qt::NoPen));
+        painter.setPen(isRinged ? QPen(theme.accentText, 2) : QPen(Qt::NoPen));
         painter.drawRoundedRect(QRectF(rect()).adjusted(4, 4, -4, -4), ringRadius, ringRadius);
     }
 

@@ -44,7 +44,7 @@ private:
     QString note_;
     ThemeColor noteColor_ = &CrestTheme::secondaryText;
     bool isExpanded_ = true;
-    bool hasKeyboardFocus_ = false;
+    bool hasRing_ = false;
 };
 
 }  // namespace tallowcrest

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/dashboard_text.h"
+#include "presentation/focus_ring.h"
 #include "presentation/icon.h"
 #include "presentation/theme.h"
 
@@ -57,10 +58,7 @@ void SidebarRow::enterEvent(QEnterEvent* event) {
 }
 
 void SidebarRow::focusInEvent(QFocusEvent* event) {
-    // The ring answers a person who moves by keyboard; on a click it would only be noise.
-    hasKeyboardFocus_ = event->reason() == Qt::TabFocusReason ||
-                        event->reason() == Qt::BacktabFocusReason ||
-                        event->reason() == Qt::ShortcutFocusReason;
+    hasRing_ = showsFocusRing(event->reason(), hasRing_);
     QAbstractButton::focusInEvent(event);
 }
 
@@ -86,7 +84,7 @@ void SidebarRow::paintEvent(QPaintEvent*) {
         painter.setBrush(theme.accent);
         painter.drawRoundedRect(QRectF(2, (height() - barHeight) / 2.0, 3, barHeight), 1.5, 1.5);
     }
-    if (hasFocus() && hasKeyboardFocus_) {
+    if (hasFocus() && hasRing_) {
         painter.setPen(QPen(theme.accentText, 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(outline, rowRadius, rowRadius);

@@ -33,7 +33,7 @@ protected:
 private:
     QString symbol_;
     bool isFolded_ = false;
-    bool hasKeyboardFocus_ = false;
+    bool hasRing_ = false;
 };
 
 /// The routes in their order. Arrow keys move between them. Main thread.

@@ -25,7 +25,7 @@ protected:
 };
 
 TEST_F(ConnectionSettingsTest, AValidUserNameIsStoredTrimmedAndInSilence) {
-    connection.setSSHUsername("  remote.user-1 \n");
+    EXPECT_TRUE(connection.setSSHUsername("  remote.user-1 \n"));
     EXPECT_EQ(settings.sshUsername, "remote.user-1");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string("remote.user-1")));
     EXPECT_THAT(log.activityLog(), IsEmpty());
@@ -33,7 +33,7 @@ TEST_F(ConnectionSettingsTest, AValidUserNameIsStoredTrimmedAndInSilence) {
 
 TEST_F(ConnectionSettingsTest, ANameThatTrimsToNothingIsStoredAsEmpty) {
     settings.sshUsername = "someone";
-    connection.setSSHUsername(" \t ");
+    EXPECT_TRUE(connection.setSSHUsername(" \t "));
     EXPECT_EQ(settings.sshUsername, "");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string()));
     EXPECT_THAT(log.activityLog(), IsEmpty());
@@ -42,7 +42,7 @@ TEST_F(ConnectionSettingsTest, ANameThatTrimsToNothingIsStoredAsEmpty) {
 TEST_F(ConnectionSettingsTest, AnInvalidNameChangesNothingAndIsRefusedInWords) {
     settings.sshUsername = "someone";
     for (const char* bad : {"-oProxyCommand=x", "two words", "semi;colon", "a@b", "ü"}) {
-        connection.setSSHUsername(bad);
+        EXPECT_FALSE(connection.setSSHUsername(bad)) << bad;
         EXPECT_EQ(settings.sshUsername, "someone") << bad;
         EXPECT_EQ(log.lastAction(),
                   "SSH usernames may contain only letters, numbers, period, underscore, and "

@@ -151,5 +151,24 @@ TEST_P(LimitsTest, AChangeIsTold) {
     EXPECT_EQ(told, 1);
 }
 
+TEST_P(LimitsTest, WhatIsStoredAlreadyIsNoChange) {
+    int told = 0;
+    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const auto expectTold = [&](int times) {
+        mainQueue.drain();
+        EXPECT_EQ(told, times);
+    };
+    limits.setDiskMaxCleanupGB(2.0);
+    expectTold(1);
+    EXPECT_EQ(store().read(keys::diskMaxCleanupKey), SettingsValue(2.0)) << "a default is none";
+    limits.setDiskMaxCleanupGB(2.0);
+    limits.setDiskMaxCleanupGB(7.5);
+    expectTold(1);
+    store().write(keys::diskMaxCleanupKey, 5.0);
+    limits.setDiskMaxCleanupGB(2.0);
+    expectTold(2);
+    EXPECT_EQ(store().read(keys::diskMaxCleanupKey), SettingsValue(2.0));
+}
+
 }  // namespace
 }  // namespace tallowcrest

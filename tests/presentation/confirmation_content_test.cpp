@@ -185,6 +185,28 @@ TEST_F(ConfirmationContentTest, TheWholeMessageAroundTheLongestFileNameIsShown) 
                     .endsWith(QStringLiteral("work first.")));
 }
 
+TEST_F(ConfirmationContentTest, TheWholeTitleAroundTheLongestFileNameIsShown) {
+    showWithSample();
+    const auto shownTitle = [this](const std::string& name) {
+        ask(probe("Quit " + name + "?"));
+        const auto* title = visible<ElidedLabel>("confirmation.title");
+        EXPECT_EQ(title->height(), title->heightForWidth(title->width()));
+        EXPECT_TRUE(dialog().rect().contains(title->geometry()));
+        EXPECT_FALSE(title->shownLines().join(QString()).contains(u'…'));
+        return title->shownLines();
+    };
+    const int lineHeight = QFontMetrics(CrestFonts::current().title).lineSpacing();
+    const QStringList longest = shownTitle(std::string(255, 'W'));
+    EXPECT_GT(longest.size(), 3);
+    EXPECT_TRUE(longest.last().endsWith(u'?'));
+    EXPECT_LT(visible("confirmation.title")->height(), longest.size() * lineHeight);
+    EXPECT_EQ(shownTitle("editor"), QStringList(QStringLiteral("Quit editor?")));
+    EXPECT_EQ(visible("confirmation.title")->height(), lineHeight) << "large again";
+    const QStringList some = shownTitle(std::string(30, 'W'));
+    EXPECT_GT(some.size(), 1);
+    EXPECT_EQ(visible("confirmation.title")->height(), some.size() * lineHeight);
+}
+
 // Look -------------------------------------------------------------------------------------------
 
 TEST_F(ConfirmationContentTest, FollowsTheAppearanceLive) {

@@ -281,7 +281,7 @@ TEST_F(ConfirmationDialogTest, ALoneQuestionCannotBeConfirmedByASecondClickOfTwo
     EXPECT_TRUE(isOpen());
     EXPECT_FALSE(confirm().isEnabled());
     EXPECT_THAT(confirmed, IsEmpty());
-    EXPECT_GE(ConfirmationDialog::settlingTime.count(), QApplication::doubleClickInterval());
+    EXPECT_GE(SettlingButton::settlingTime.count(), QApplication::doubleClickInterval());
 }
 
 TEST_F(ConfirmationDialogTest, TheClickThatBringsItForwardIsNoAnswer) {

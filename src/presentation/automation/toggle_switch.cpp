@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "presentation/focus_ring.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -26,8 +27,7 @@ QSize ToggleSwitch::sizeHint() const {
 }
 
 void ToggleSwitch::focusInEvent(QFocusEvent* event) {
-    // The ring answers a person who moves by keyboard; on a click it would only be noise.
-    hasKeyboardFocus_ = event->reason() != Qt::MouseFocusReason;
+    hasRing_ = showsFocusRing(event->reason(), hasRing_);
     QCheckBox::focusInEvent(event);
 }
 
@@ -47,7 +47,7 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
     const QRectF pill({(width() - pillSize.width()) / 2, (height() - pillSize.height()) / 2},
                       pillSize);
     const double radius = pillSize.height() / 2;
-    if (hasFocus() && hasKeyboardFocus_) {
+    if (hasFocus() && hasRing_) {
         // In another colour than the pill, which it touches.
         painter.setPen(QPen(theme.text, 2));
         painter.drawRoundedRect(pill.adjusted(-1, -1, 1, 1), radius + 1, radius + 1);

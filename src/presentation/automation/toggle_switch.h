@@ -24,7 +24,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    bool hasKeyboardFocus_ = false;
+    bool hasRing_ = false;
 };
 
 }  // namespace tallowcrest

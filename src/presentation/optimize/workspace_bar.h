@@ -1,9 +1,7 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
-#include <QAbstractButton>
 #include <QString>
 #include <QWidget>
 
@@ -13,39 +11,10 @@
 namespace tallowcrest {
 
 class SystemMonitor;
+class TabStrip;
 
 /// What the step of the workflow that `route` stands for is about. Any thread.
 QString workspaceLine(AppRoute route);
-
-/// One step of the workspace bar. To assistive technology it is a tab. Main thread.
-class WorkspaceTab final : public QAbstractButton {
-    Q_OBJECT
-
-public:
-    WorkspaceTab(AppRoute route, const QString& title, const QString& identifier, QWidget* parent);
-
-    AppRoute route() const { return route_; }
-
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-signals:
-    /// An arrow key asks for the tab so many places further on.
-    void neighborWanted(int places);
-
-protected:
-    void enterEvent(QEnterEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void leaveEvent(QEvent* event) override;
-    /// Which tab is selected follows from the page that it stands on, never from a click.
-    void nextCheckState() override {}
-    void paintEvent(QPaintEvent* event) override;
-
-private:
-    AppRoute route_;
-    bool hasKeyboardFocus_ = false;
-};
 
 /// The four routes of the Optimize workspace as the steps of one workflow. Each page of it carries
 /// a bar of its own, on which its own step is selected; a step that is chosen there hands the
@@ -68,9 +37,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    QWidget* makeTabs();
-    void choose(AppRoute route, Qt::FocusReason reason);
-    void chooseNeighbor(int places);
+    void makeTabs();
     /// Hands the keyboard on to the bar that shows now.
     void handOver();
     /// Puts the keyboard on the selected tab and the bar into view.
@@ -78,7 +45,7 @@ private:
 
     SystemMonitor& monitor_;
     AppRoute route_;
-    std::vector<WorkspaceTab*> tabs_;
+    TabStrip* tabs_ = nullptr;
     /// Set from a choice until its page has taken this one's place.
     std::optional<Qt::FocusReason> handsOver_;
 };

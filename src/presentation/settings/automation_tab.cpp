@@ -75,12 +75,10 @@ QWidget* AutomationTab::makeDiskAutopilot() {
     add("Minimum cache age", "settings.disk-cache-age", cacheAgeScale,
         {.read = [this] { return monitor_.settings().diskCleanupAgeDays; },
          .write = [this](double value) { monitor_.limits().setDiskCleanupAgeDays(value); },
-         .clamped = clampedAgeDays,
          .words = [](double value) { return plainFigure(value) + QStringLiteral(" days"); }});
     add("Maximum per run", "settings.disk-maximum", maximumRunScale,
         {.read = [this] { return monitor_.settings().diskMaxCleanupGB; },
          .write = [this](double value) { monitor_.limits().setDiskMaxCleanupGB(value); },
-         .clamped = clampedMaxGB,
          .words =
              [](double value) {
                  return dashboard_text::gigabytes(value) + QStringLiteral(" GB");

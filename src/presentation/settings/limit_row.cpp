@@ -39,10 +39,7 @@ LimitRow::LimitRow(const QString& title, const QString& identifier, const Slider
 }
 
 void LimitRow::take(double value) {
-    const double wanted = binding_.clamped ? binding_.clamped(value) : value;
-    if (wanted != binding_.read()) {
-        binding_.write(value);
-    }
+    binding_.write(value);
     refresh();
 }
 

@@ -12,8 +12,8 @@ namespace tallowcrest {
 class ElidedLabel;
 
 /// One figure that the owner sets with a slider: its title, its value in words, and the slider
-/// below. What it shows is the field; each step that the owner moves it to is handed on at once,
-/// unless the field has that value already. Stands on a card. Main thread.
+/// below. What it shows is the field; each step that the owner moves it to is handed on at once.
+/// Stands on a card. Main thread.
 class LimitRow final : public QWidget {
     Q_OBJECT
 
@@ -21,8 +21,6 @@ public:
     struct Binding {
         std::function<double()> read;
         std::function<void(double)> write;
-        /// What the field makes of a value; absent: it keeps it as given.
-        std::function<double(double)> clamped = {};
         std::function<QString(double)> words;
     };
 

@@ -3,11 +3,9 @@
 #include <string>
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include "core/white_space.h"
 #include "monitor/system_monitor.h"
 #include "presentation/card.h"
 #include "presentation/dashboard_text.h"
@@ -42,7 +40,6 @@ RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
     user_->setAccessibleDescription(QStringLiteral("The user's name on the other machines"));
     user_->setMaxLength(longestUser);
     user_->setTextMargins(spacing::unit, 0, spacing::unit, 0);
-    user_->installEventFilter(this);
     card->contentLayout()->addWidget(user_);
 
     refusal_ = new QWidget(card);
@@ -77,11 +74,7 @@ void RemoteTab::takeUser() {
     }
     const std::string typed = user_->text().toStdString();
     const std::string& user = monitor_.settings().sshUsername;
-    if (typed != user) {
-        monitor_.connection().setSSHUsername(typed);
-    }
-    if (user == trimmingWhiteSpace(typed)) {
-        showRefusal(QString());
+    if (typed == user || monitor_.connection().setSSHUsername(typed)) {
         user_->setText(dashboard_text::text(user));
     } else {
         // What was typed stays, so that it can be mended.
@@ -106,19 +99,6 @@ void RemoteTab::refresh() {
         user_->setText(dashboard_text::text(monitor_.settings().sshUsername));
     }
     keyStatus_->setText(dashboard_text::text(monitor_.startup().localPublicKeyStatus));
-}
-
-bool RemoteTab::eventFilter(QObject* object, QEvent* event) {
-    if (object == user_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            // It ends the entry. Handed on, it would also press the sheet's default button, and
-            // the answer would go away with the sheet.
-            takeUser();
-            return true;
-        }
-    }
-    return SettingsTab::eventFilter(object, event);
 }
 
 }  // namespace tallowcrest

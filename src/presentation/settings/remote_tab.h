@@ -19,9 +19,6 @@ public:
     void refresh() override;
     void start() override;
 
-protected:
-    bool eventFilter(QObject* object, QEvent* event) override;
-
 private:
     void takeUser();
     void showRefusal(const QString& words);

@@ -23,14 +23,13 @@ SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
     : SettingsTab(parent), monitor_(monitor) {
     addCard(makeStop());
     addCard(makeNeverQuit());
-    settling_.setSingleShot(true);
-    connect(&settling_, &QTimer::timeout, this, [this] { resume_->setEnabled(true); });
 }
 
 // Never Quit -------------------------------------------------------------------------------------
 
 QWidget* SafetyTab::makeNeverQuit() {
     neverQuit_ = new Card;
+    neverQuit_->setObjectName(QStringLiteral("settings.never-quit"));
     neverQuit_->setHeader(QStringLiteral("lock.shield"),
                           QStringLiteral("Never Quit And Guardrails"));
     neverQuit_->contentLayout()->setSpacing(spacing::unit / 2);
@@ -104,7 +103,7 @@ void SafetyTab::remove(const std::string& name) {
     }
     showNames();
     if (removals_.empty()) {
-        setFocus();
+        neverQuit_->setFocus();
     } else {
         removals_.at(std::min(place, removals_.size() - 1))->setFocus();
     }
@@ -128,6 +127,7 @@ QWidget* SafetyTab::makeStop() {
     resume_ = makeButton(QStringLiteral("Resume Manual Mode"), QString(),
                          QStringLiteral("settings.emergency-stop.resume"),
                          QStringLiteral("Clears the stop and turns nothing on"), stop_);
+    settling_.emplace(*resume_);
     for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
         stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
     }
@@ -136,7 +136,7 @@ QWidget* SafetyTab::makeStop() {
     connect(resume_, &QPushButton::clicked, this, [this] {
         monitor_.automation().resumeFromEmergencyStop();
         refresh();
-        setFocus();
+        stop_->setFocus();
     });
     showStop(monitor_.automation().isStopEngaged());
     return stop_;
@@ -147,7 +147,7 @@ bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
             // The stop is for any key, once. What takes protection away is for none that a person
-            // presses to be done with the sheet, and neither of them is to close it.
+            // presses to be done with something, and on some desktops these press any button.
             if (watched == engage_ && !key->isAutoRepeat()) {
                 engage();
             }
@@ -161,18 +161,11 @@ void SafetyTab::engage() {
     monitor_.automation().engageEmergencyStop();
     refresh();
     // Neither on the way back nor on what closes the sheet: the key may still be down.
-    setFocus();
+    stop_->setFocus();
 }
 
 void SafetyTab::showStop(bool isEngaged) {
-    // Engaged just now, from here or elsewhere: a click under way must not undo it.
-    if (isEngaged && showsEngaged_ == false) {
-        resume_->setEnabled(false);
-        settling_.start(settlingTime_);
-        if (engage_->hasFocus()) {
-            setFocus();
-        }
-    }
+    const bool isNew = isEngaged && showsEngaged_ == false;
     showsEngaged_ = isEngaged;
     stop_->setHeader(isEngaged ? QStringLiteral("exclamationmark.triangle.fill")
                                : QStringLiteral("exclamationmark.triangle"),
@@ -183,6 +176,13 @@ void SafetyTab::showStop(bool isEngaged) {
                                    "Apprentice mode and leaves every automation disabled.")
                   : QStringLiteral("Immediately disables automatic cleanup, purge, remote scans, "
                                    "and AI autonomous execution."));
+    if (isNew) {
+        // From here or elsewhere: a click under way must not undo it.
+        settling_->settle();
+        if (engage_->hasFocus()) {
+            stop_->setFocus();
+        }
+    }
     engage_->setVisible(!isEngaged);
     resume_->setVisible(isEngaged);
 }

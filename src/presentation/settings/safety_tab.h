@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-#include <QTimer>
-
 #include "presentation/settings/settings_tab.h"
+#include "presentation/settling_button.h"
 
 class QPushButton;
 class QVBoxLayout;
@@ -24,16 +23,12 @@ class SafetyTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    /// How long the way back cannot be taken after a stop: the second half of a double click must
-    /// not undo the first.
-    static constexpr std::chrono::milliseconds settlingTime{700};
-
     explicit SafetyTab(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void refresh() override;
 
     /// For tests, which wait for nothing.
-    void setSettlingTime(std::chrono::milliseconds time) { settlingTime_ = time; }
+    void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -48,8 +43,6 @@ private:
     void engage();
 
     SystemMonitor& monitor_;
-    std::chrono::milliseconds settlingTime_ = settlingTime;
-    QTimer settling_;
     std::optional<std::vector<std::string>> names_;
     std::vector<QWidget*> rows_;
     std::vector<QPushButton*> removals_;
@@ -59,7 +52,8 @@ private:
     ElidedLabel* stopWords_ = nullptr;
     DangerButton* engage_ = nullptr;
     QPushButton* resume_ = nullptr;
-    std::optional<bool> showsEngaged_;  ///< absent before the first look
+    std::optional<SettlingButton> settling_;  ///< the way back, after a stop
+    std::optional<bool> showsEngaged_;        ///< absent before the first look
 };
 
 }  // namespace tallowcrest

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
-#include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -17,7 +17,7 @@
 #include "presentation/settings/local_mac_tab.h"
 #include "presentation/settings/remote_tab.h"
 #include "presentation/settings/safety_tab.h"
-#include "presentation/settings/settings_tab_bar.h"
+#include "presentation/tab_strip.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -30,11 +30,8 @@ constexpr int mostHeight = 640;
 }  // namespace
 
 SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
-    : QDialog(parent), monitor_(monitor) {
+    : WindowDialog(parent), monitor_(monitor) {
     setObjectName(QStringLiteral("settings.sheet"));
-    // Put away on its own, it would leave its window locked for no reason that can be seen.
-    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle(QStringLiteral("Settings"));
     setAccessibleName(windowTitle());
     const auto addLabel = [this](const QString& text, ElidedLabel::FontRole font,
@@ -63,16 +60,20 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
                  &CrestFonts::body, &CrestTheme::secondaryText, "settings.sheet.line");
     line->setLines(1, 2);
     head->addWidget(line);
-    strip_ = new SettingsTabBar(this);
+    strip_ = new TabStrip(windowTitle(), this);
     strip_->setObjectName(QStringLiteral("settings.sheet.tabs"));
-    strip_->setAccessibleName(windowTitle());
+    strip_->setAccessibleDescription(QStringLiteral("The parts of the settings"));
     addRow()->addWidget(strip_, 0, Qt::AlignLeft);
     pages_ = new QStackedWidget(this);
     layout->addWidget(pages_, 1);
-    addTab(settings_tabs::remote, new RemoteTab(monitor));
-    addTab(settings_tabs::localMac, new LocalMacTab(monitor));
-    addTab(settings_tabs::automation, new AutomationTab(monitor));
-    addTab(settings_tabs::safety, new SafetyTab(monitor));
+    addTab(settings_tabs::remote, "settings.tab.remote", "What reaching other machines needs",
+           new RemoteTab(monitor));
+    addTab(settings_tabs::localMac, "settings.tab.local-mac", "How this machine is set up",
+           new LocalMacTab(monitor));
+    addTab(settings_tabs::automation, "settings.tab.automation",
+           "What may act by itself, and how far it may go", new AutomationTab(monitor));
+    addTab(settings_tabs::safety, "settings.tab.safety",
+           "What is never quit, and the stop for all that acts by itself", new SafetyTab(monitor));
 
     auto* foot = new QHBoxLayout;
     foot->setSpacing(spacing::gap);
@@ -90,22 +91,28 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
     foot->addWidget(doneButton);
     addRow()->addLayout(foot);
 
-    connect(strip_, &QTabBar::currentChanged, this, [this](int index) {
+    connect(strip_, &TabStrip::chosen, this, [this](int index, Qt::FocusReason reason) {
+        strip_->setCurrentIndex(index);
+        // Before the page goes, which would else hand the keyboard to the one that comes.
+        strip_->setFocus(reason);
         monitor_.navigation().setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).words);
         refresh();
     });
 }
 
-void SettingsSheet::addTab(const char* words, SettingsTab* content) {
+void SettingsSheet::addTab(const char* words, const char* identifier, const char* description,
+                           SettingsTab* content) {
     tabs_.push_back({words, content});
+    // First, so that Tab goes from it to its content.
+    strip_->addTab(QString::fromLatin1(words), QString::fromLatin1(identifier),
+                   QString::fromLatin1(description));
     pages_->addWidget(content);
-    strip_->addTab(QString::fromLatin1(words));
 }
 
 void SettingsSheet::refresh() {
     if (!monitor_.navigation().showSettings()) {
         if (isVisible()) {
-            QDialog::done(Rejected);
+            WindowDialog::done(Rejected);
         }
         return;
     }
@@ -137,12 +144,18 @@ void SettingsSheet::showTab() {
     });
     const auto index =
         found != tabs_.end() ? static_cast<int>(std::distance(tabs_.begin(), found)) : 0;
-    {
-        const QSignalBlocker quiet(strip_);
-        strip_->setCurrentIndex(index);
-    }
+    strip_->setCurrentIndex(index);
     pages_->setCurrentIndex(index);
     tabs_.at(static_cast<std::size_t>(index)).content->refresh();
+}
+
+void SettingsSheet::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        // It ended an entry, or was meant for a control that has no use for it. Only Done itself,
+        // which then takes the key, closes the sheet with it.
+        return;
+    }
+    WindowDialog::keyPressEvent(event);
 }
 
 void SettingsSheet::paintEvent(QPaintEvent*) {
@@ -154,7 +167,7 @@ void SettingsSheet::paintEvent(QPaintEvent*) {
 }
 
 void SettingsSheet::done(int result) {
-    QDialog::done(result);
+    WindowDialog::done(result);
     monitor_.navigation().setShowSettings(false);
 }
 

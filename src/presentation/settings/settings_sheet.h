@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include <QDialog>
+#include "presentation/window_dialog.h"
 
 class QStackedWidget;
 
@@ -11,23 +11,24 @@ namespace tallowcrest {
 
 class ElidedLabel;
 class SettingsTab;
-class SettingsTabBar;
 class SystemMonitor;
+class TabStrip;
 
 /// Where configuration lives. It hangs on the whole window and is there while the navigation says
 /// so; however it goes away, it tells the navigation. Hidden, it does no work. Main thread.
-class SettingsSheet final : public QDialog {
+class SettingsSheet final : public WindowDialog {
     Q_OBJECT
 
 public:
     SettingsSheet(SystemMonitor& monitor, QWidget* parent);
 
     /// Opens or closes the sheet as the navigation asks for, and keeps an open one up to date.
-    void refresh();
+    void refresh() override;
 
     void done(int result) override;
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -36,13 +37,14 @@ private:
         SettingsTab* content;
     };
 
-    void addTab(const char* words, SettingsTab* content);
+    void addTab(const char* words, const char* identifier, const char* description,
+                SettingsTab* content);
     void present();
     void showTab();
 
     SystemMonitor& monitor_;
     std::vector<Tab> tabs_;
-    SettingsTabBar* strip_ = nullptr;
+    TabStrip* strip_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     ElidedLabel* lastAction_ = nullptr;
 };

@@ -10,6 +10,7 @@
 #include <QStyleOptionSlider>
 #include <QWheelEvent>
 
+#include "presentation/focus_ring.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -96,8 +97,7 @@ QSize StepSlider::minimumSizeHint() const {
 }
 
 void StepSlider::focusInEvent(QFocusEvent* event) {
-    // The ring answers a person who moves by keyboard; on a click it would only be noise.
-    hasKeyboardFocus_ = event->reason() != Qt::MouseFocusReason;
+    hasRing_ = showsFocusRing(event->reason(), hasRing_);
     QSlider::focusInEvent(event);
 }
 
@@ -126,7 +126,7 @@ void StepSlider::paintEvent(QPaintEvent*) {
     filled.setRight(knob.x());
     painter.setBrush(theme.accentText);
     painter.drawRoundedRect(filled, grooveHeight / 2, grooveHeight / 2);
-    if (hasFocus() && hasKeyboardFocus_) {
+    if (hasFocus() && hasRing_) {
         painter.setPen(QPen(theme.accentText, 2));
         painter.setBrush(theme.cardBackground);
         painter.drawEllipse(knob, knobSize / 2 + 2, knobSize / 2 + 2);

@@ -47,7 +47,7 @@ protected:
 private:
     SliderScale scale_;
     QString valueText_;
-    bool hasKeyboardFocus_ = false;
+    bool hasRing_ = false;
 };
 
 }  // namespace tallowcrest

@@ -6,6 +6,8 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
+#include "presentation/tab_strip.h"
+#include "presentation/theme.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -48,7 +50,7 @@ const LineCase lineCases[] = {
 
 class WorkspaceBarTest : public WindowFixture {
 protected:
-    WorkspaceTab* tab(const char* identifier) { return visible<WorkspaceTab>(identifier); }
+    StripTab* tab(const char* identifier) { return visible<StripTab>(identifier); }
 
     QString focused() {
         const QWidget* focus = QApplication::focusWidget();
@@ -73,12 +75,12 @@ TEST_P(WorkspaceBarOnRoute, StandsOnEveryStepWithThatSelected) {
     }
     ASSERT_NE(visible("optimize.workspace"), nullptr);
     EXPECT_EQ(textOf("optimize.workspace.line").toStdString(), GetParam().line);
-    const WorkspaceTab* selected = tab(GetParam().tab);
+    const StripTab* selected = tab(GetParam().tab);
     ASSERT_NE(selected, nullptr);
     EXPECT_EQ(selected->text(), QString::fromLatin1(GetParam().title));
     int selectedCount = 0;
     for (const LineCase& each : lineCases) {
-        const WorkspaceTab* other = *each.tab == '\0' ? nullptr : tab(each.tab);
+        const StripTab* other = *each.tab == '\0' ? nullptr : tab(each.tab);
         selectedCount += other != nullptr && other->isChecked() ? 1 : 0;
     }
     EXPECT_EQ(selectedCount, 1);
@@ -97,7 +99,7 @@ TEST_F(WorkspaceBarTest, ItStandsInTheOrderOfTheWorkflowBelowItsHeading) {
     EXPECT_EQ(bar->accessibleName(), QStringLiteral("Optimize Workspace"));
     QStringList titles;
     int right = -1;
-    for (const WorkspaceTab* each : bar->findChildren<WorkspaceTab*>()) {
+    for (const StripTab* each : bar->findChildren<StripTab*>()) {
         EXPECT_GT(each->x(), right);
         right = each->geometry().right();
         titles.append(each->text());
@@ -190,6 +192,22 @@ TEST_F(WorkspaceBarTest, AChosenStepIsInViewOnAPageThatWasScrolled) {
     EXPECT_TRUE(area->viewport()->rect().contains(place));
 }
 
+TEST_F(WorkspaceBarTest, TheRingFollowsTheArrowKeysAndNoClick) {
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto isRinged = [](QWidget& widget) {
+        return widget.grab().toImage().pixelColor(widget.width() / 2, 1) ==
+               CrestTheme::current().accentText;
+    };
+    tab("optimize.cleanup")->setFocus(Qt::MouseFocusReason);
+    press(Qt::Key_Right);
+    ASSERT_EQ(focused(), QStringLiteral("optimize.ai-advisor"));
+    EXPECT_TRUE(isRinged(*tab("optimize.ai-advisor")));
+    click("optimize.ask-ai");
+    ASSERT_EQ(focused(), QStringLiteral("optimize.ask-ai"));
+    EXPECT_FALSE(isRinged(*tab("optimize.ask-ai")));
+}
+
 TEST_F(WorkspaceBarTest, AnotherWayToTheRouteLeavesTheKeyboardWhereItIs) {
     showWithSample();
     goTo(AppRoute::optimize);
@@ -247,7 +265,7 @@ TEST_F(WorkspaceBarTest, ANarrowWindowCutsNeitherHeadingNorTabs) {
             ASSERT_FALSE(label->shownLines().isEmpty());
             EXPECT_FALSE(label->shownLines().last().endsWith(u'…')) << label->text().toStdString();
         }
-        for (const WorkspaceTab* other : bar->findChildren<WorkspaceTab*>()) {
+        for (const StripTab* other : bar->findChildren<StripTab*>()) {
             EXPECT_TRUE(bar->rect().contains(QRect(other->mapTo(bar, QPoint()), other->size())));
             EXPECT_GE(other->width(), other->sizeHint().width());
         }

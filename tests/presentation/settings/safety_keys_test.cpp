@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "core/settings_keys.h"
+#include "presentation/settings/safety_tab.h"
 #include "tests/presentation/settings/settings_fixture.h"
 
 namespace tallowcrest {
@@ -40,6 +41,31 @@ TEST_F(SafetyKeysTest, AStopFromElsewhereCannotBeUndoneByAClickUnderWay) {
     press(Qt::Key_Space);
     EXPECT_TRUE(settings().automationEmergencyStopEngaged);
     EXPECT_TRUE(isOpen()) << "the keyboard is not left on what closes the sheet";
+}
+
+TEST_F(SafetyKeysTest, WhereTheKeyboardGoesWhenItsButtonGoesHasAName) {
+    machine.store.write(settings_keys::protectedAppsKey, SettingsTextList{"Docker"});
+    openSheet("Safety");
+    sheet().findChild<SafetyTab*>()->setSettlingTime(std::chrono::milliseconds(0));
+    const auto expectOn = [](const char* name) {
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        EXPECT_EQ(QApplication::focusWidget()->accessibleName(), QString::fromLatin1(name));
+    };
+    visible("settings.emergency-stop.engage")->setFocus();
+    press(Qt::Key_Space);
+    expectOn("Emergency Stop Engaged");
+    auto* resume = visible<QPushButton>("settings.emergency-stop.resume");
+    ASSERT_TRUE(QTest::qWaitFor([resume] { return resume->isEnabled(); }));
+    click("settings.emergency-stop.resume");
+    expectOn("Automation Emergency Stop");
+    visible("settings.emergency-stop.engage")->setFocus();
+    machine.monitor().automation().engageEmergencyStop();
+    settle();
+    expectOn("Emergency Stop Engaged");
+    click("settings.never-quit.remove.Docker");
+    expectOn("Never Quit And Guardrails");
+    press(Qt::Key_Tab);
+    expectOn("Done");
 }
 
 TEST_F(SafetyKeysTest, TheNamesComeBehindTheStopAndBeforeDone) {

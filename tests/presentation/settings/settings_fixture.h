@@ -2,9 +2,8 @@
 
 #include <string>
 
-#include <QTabBar>
-
 #include "presentation/settings/settings_sheet.h"
+#include "presentation/tab_strip.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -20,7 +19,10 @@ protected:
         return found != nullptr && found->isVisible();
     }
     SettingsSheet& sheet() { return *window().findChild<SettingsSheet*>(); }
-    QTabBar& strip() { return *sheet().findChild<QTabBar*>(); }
+    TabStrip& strip() { return *sheet().findChild<TabStrip*>(); }
+    StripTab& currentTab() {
+        return *strip().tabs().at(static_cast<std::size_t>(strip().currentIndex()));
+    }
 
     void openSheet(const std::string& tab) {
         if (!window().isVisible()) {

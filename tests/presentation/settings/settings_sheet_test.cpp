@@ -1,7 +1,8 @@
 #include "presentation/settings/settings_sheet.h"
 
-#include <set>
+#include <map>
 
+#include <QAccessible>
 #include <QAction>
 #include <QPushButton>
 #include <QScrollArea>
@@ -26,7 +27,7 @@ protected:
         do {
             order.append(QApplication::focusWidget()->objectName());
             press(Qt::Key_Tab);
-        } while (QApplication::focusWidget() != &strip() && order.size() < 30);
+        } while (!strip().isAncestorOf(QApplication::focusWidget()) && order.size() < 30);
         return order;
     }
 };
@@ -38,8 +39,8 @@ TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
               QStringLiteral("Configuration stays here; dashboard actions stay up front."));
     EXPECT_EQ(visible<QPushButton>("settings.sheet.done")->text(), QStringLiteral("Done"));
     QStringList words;
-    for (int i = 0; i < strip().count(); ++i) {
-        words.append(strip().tabText(i));
+    for (const StripTab* tab : strip().tabs()) {
+        words.append(tab->text());
     }
     EXPECT_EQ(words.join(u'|'), QStringLiteral("Remote|Local Mac|Automation|Safety"));
     EXPECT_EQ(sheet().windowModality(), Qt::WindowModal);
@@ -129,13 +130,12 @@ TEST_F(SettingsSheetTest, WaitsUntilAQuestionIsAnswered) {
 
 TEST_F(SettingsSheetTest, TheTabIsTheNavigations) {
     openSheet("Safety");
-    EXPECT_EQ(strip().tabText(strip().currentIndex()), QStringLiteral("Safety"));
+    EXPECT_EQ(currentTab().text(), QStringLiteral("Safety"));
     strip().setFocus();
     press(Qt::Key_Left);
     EXPECT_EQ(navigation().settingsTab(), "Automation");
     EXPECT_NE(visible("settings.disk-maximum"), nullptr);
-    QTest::mouseClick(&strip(), Qt::LeftButton, Qt::NoModifier, strip().tabRect(0).center());
-    settle();
+    click("settings.tab.remote");
     EXPECT_EQ(navigation().settingsTab(), "Remote");
     EXPECT_NE(visible("settings.ssh-user"), nullptr);
     EXPECT_EQ(visible("settings.disk-maximum"), nullptr);
@@ -177,24 +177,107 @@ TEST_F(SettingsSheetTest, HiddenItDoesNoWork) {
 
 TEST_F(SettingsSheetTest, TabGoesThroughEachTabAsTheEyeDoes) {
     openSheet("Remote");
-    EXPECT_EQ(QApplication::focusWidget(), &strip());
+    EXPECT_EQ(QApplication::focusWidget(), &currentTab());
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.sheet.tabs settings.ssh-user settings.sheet.done"));
+              QStringLiteral("settings.tab.remote settings.ssh-user settings.sheet.done"));
     openSheet("Local Mac");
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.sheet.tabs settings.notification-actions "
+              QStringLiteral("settings.tab.local-mac settings.notification-actions "
                              "settings.expand-sections settings.collapse-sections "
                              "settings.sheet.done"));
     openSheet("Automation");
-    EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.sheet.tabs settings.warning-threshold settings.auto-select "
-                             "settings.auto-purge settings.auto-scan settings.disk-autopilot "
-                             "settings.disk-minimum-free settings.disk-cache-age "
-                             "settings.disk-maximum settings.sheet.done"));
+    EXPECT_EQ(
+        focusOrder().join(u' '),
+        QStringLiteral(
+            "settings.tab.automation settings.warning-threshold "
+            "settings.auto-select settings.auto-purge settings.auto-scan settings.disk-autopilot "
+            "settings.disk-minimum-free settings.disk-cache-age "
+            "settings.disk-maximum settings.sheet.done"));
     openSheet("Safety");
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.sheet.tabs settings.emergency-stop.engage "
+              QStringLiteral("settings.tab.safety settings.emergency-stop.engage "
                              "settings.sheet.done"));
+}
+
+TEST_F(SettingsSheetTest, AssistiveTechnologySeesItsTabsAndWhatTheyAreFor) {
+    openSheet("Automation");
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&strip());
+    EXPECT_EQ(list->role(), QAccessible::PageTabList);
+    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Settings"));
+    EXPECT_FALSE(list->text(QAccessible::Description).isEmpty());
+    ASSERT_EQ(list->childCount(), 4);
+    for (int place = 0; place < 4; ++place) {
+        QAccessibleInterface* each = list->child(place);
+        EXPECT_EQ(each->role(), QAccessible::PageTab);
+        EXPECT_EQ(each->text(QAccessible::Name), QString::fromLatin1(tabs[place]));
+        EXPECT_FALSE(each->text(QAccessible::Description).isEmpty());
+        EXPECT_EQ(each->state().selected, place == 2);
+    }
+    list->child(3)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    settle();
+    EXPECT_EQ(navigation().settingsTab(), "Safety");
+}
+
+TEST_F(SettingsSheetTest, ArrowKeysGoThroughTheTabsAndStopAtTheEnds) {
+    openSheet("Local Mac");
+    const auto expectAt = [this](const char* tab) {
+        EXPECT_EQ(navigation().settingsTab(), tab);
+        EXPECT_EQ(QApplication::focusWidget(), &currentTab());
+        EXPECT_EQ(currentTab().text(), QString::fromLatin1(tab));
+    };
+    press(Qt::Key_Left);
+    expectAt("Remote");
+    press(Qt::Key_Left);
+    expectAt("Remote");
+    for (const char* tab : {"Local Mac", "Automation", "Safety", "Safety"}) {
+        press(Qt::Key_Right);
+        expectAt(tab);
+    }
+}
+
+TEST_F(SettingsSheetTest, ReturnClosesItOnDoneAlone) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        openSheet("Automation");
+        for (const char* identifier : {"settings.tab.automation", "settings.warning-threshold"}) {
+            visible(identifier)->setFocus();
+            press(key);
+            ASSERT_TRUE(isOpen()) << identifier;
+        }
+        visible("settings.sheet.done")->setFocus();
+        press(key);
+        EXPECT_FALSE(isOpen());
+    }
+}
+
+TEST_F(SettingsSheetTest, TheRingFollowsTheKeyboardAndNoClick) {
+    const auto isRinged = [](QWidget& widget, const QColor& ring) {
+        return widget.grab().toImage().pixelColor(widget.width() / 2, 1) == ring;
+    };
+    showWithSample();
+    goTo(AppRoute::settings);
+    click("settings.hub.auto-select");
+    QWidget& clicked = *visible("settings.hub.auto-select");
+    ASSERT_TRUE(clicked.hasFocus());
+    EXPECT_FALSE(isRinged(clicked, CrestTheme::current().text));
+
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet()));
+    press(Qt::Key_Right);
+    EXPECT_EQ(QApplication::focusWidget(), &currentTab());
+    EXPECT_TRUE(isRinged(currentTab(), CrestTheme::current().accentText));
+    click("settings.tab.safety");
+    EXPECT_EQ(QApplication::focusWidget(), &currentTab());
+    EXPECT_FALSE(isRinged(currentTab(), CrestTheme::current().accentText));
+
+    press(Qt::Key_Escape);
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    ASSERT_TRUE(clicked.hasFocus());
+    EXPECT_FALSE(isRinged(clicked, CrestTheme::current().text)) << "the window gave it back";
+    press(Qt::Key_Tab);
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    ASSERT_TRUE(clicked.hasFocus());
+    EXPECT_TRUE(isRinged(clicked, CrestTheme::current().text));
 }
 
 TEST_F(SettingsSheetTest, TheKeyboardBringsItsControlIntoView) {
@@ -210,26 +293,24 @@ TEST_F(SettingsSheetTest, TheKeyboardBringsItsControlIntoView) {
 }
 
 TEST_F(SettingsSheetTest, EachControlHasANameAndAnIdentifierOfItsOwn) {
-    std::set<QString> identifiers;
+    std::map<QString, const QWidget*> controls;
     for (const char* tab : tabs) {
         openSheet(tab);
         for (const QWidget* each : sheet().findChildren<QWidget*>()) {
             const bool isControl = qobject_cast<const QAbstractButton*>(each) != nullptr ||
                                    qobject_cast<const QAbstractSlider*>(each) != nullptr ||
                                    each->focusPolicy() != Qt::NoFocus;
-            if (!each->isVisible() || !isControl || each->inherits("QScrollBar") ||
-                each->objectName() == QStringLiteral("settings.sheet.tabs") ||
-                each->objectName() == QStringLiteral("settings.sheet.done")) {
+            if (!each->isVisible() || !isControl || each->inherits("QScrollBar")) {
                 continue;
             }
             EXPECT_FALSE(each->accessibleName().isEmpty()) << each->objectName().toStdString();
             EXPECT_FALSE(each->accessibleDescription().isEmpty())
                 << each->objectName().toStdString();
-            EXPECT_TRUE(identifiers.insert(each->objectName()).second)
+            EXPECT_EQ(controls.emplace(each->objectName(), each).first->second, each)
                 << each->objectName().toStdString();
         }
     }
-    EXPECT_EQ(identifiers.size(), 13U);
+    EXPECT_EQ(controls.size(), 18U);
 }
 
 // Sizes ------------------------------------------------------------------------------------------
@@ -275,13 +356,13 @@ TEST_F(SettingsSheetTest, ItsWordsCanBeReadInBothAppearances) {
         openSheet("Safety");
         const CrestTheme& theme = CrestTheme::current();
         const QImage image = strip().grab().toImage();
-        const auto ground = [&](int tab) {
+        const auto ground = [&](const StripTab& tab) {
             // Beside the words, within the tab.
-            return image.pixelColor(strip().tabRect(tab).left() + 6, image.height() / 2);
+            return image.pixelColor(tab.x() + 6, image.height() / 2);
         };
-        EXPECT_GE(contrastRatio(theme.text, ground(strip().currentIndex())), 4.5);
-        EXPECT_GE(contrastRatio(theme.secondaryText, ground(0)), 4.5);
-        EXPECT_NE(ground(strip().currentIndex()), ground(0));
+        EXPECT_GE(contrastRatio(theme.text, ground(currentTab())), 4.5);
+        EXPECT_GE(contrastRatio(theme.secondaryText, ground(*strip().tabs().front())), 4.5);
+        EXPECT_NE(ground(currentTab()), ground(*strip().tabs().front()));
         click("settings.sheet.done");
     }
     QApplication::setPalette(before);
