@@ -29,12 +29,13 @@ void ReviewTarget::setOptimizeStep(std::string step) {
     observable_.changed();
 }
 
-void ReviewTarget::setTarget(std::int64_t pid, std::string groupName) {
+void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser) {
     const ProcessSample* row = findProcess(sample_.latestProcesses(), pid);
     selectedPID_ = pid;
     selectedStartTime_ = row == nullptr ? 0 : row->startTime;
     selectedCommand_ = row == nullptr ? std::string() : row->command;
     selectedAppImpactName_ = std::move(groupName);
+    chosenBy_ = chooser;
     observable_.changed();
 }
 

@@ -29,10 +29,15 @@ public:
     ReviewTarget(Observable& observable, ActivityLog& log, const LatestSample& sample,
                  const ProtectedAppNames& protectedAppNames, ProtectionPolicy policy);
 
+    /// Who moved the review to where it is.
+    enum class ChosenBy { owner, rule };
+
     std::optional<std::int64_t> selectedPID() const { return selectedPID_; }
     const std::optional<std::string>& selectedAppImpactName() const {
         return selectedAppImpactName_;
     }
+    /// Of no meaning without a selection.
+    ChosenBy chosenBy() const { return chosenBy_; }
     /// The line that tells where the owner stands in the guided workflow.
     const std::string& optimizeStep() const { return optimizeStep_; }
     void setOptimizeStep(std::string step);
@@ -54,7 +59,7 @@ public:
     /// Selects the heaviest process of the heaviest group, unless it is protected.
     void selectTopApp();
     /// Moves the review to a group and one process of it; the step stays.
-    void setTarget(std::int64_t pid, std::string groupName);
+    void setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser = ChosenBy::owner);
     void clearOperationTarget();
 
     SelectedTargetSummary selectedTargetSummary() const;
@@ -74,6 +79,7 @@ private:
     std::uint64_t selectedStartTime_ = 0;
     std::string selectedCommand_;
     std::optional<std::string> selectedAppImpactName_;
+    ChosenBy chosenBy_ = ChosenBy::owner;
     std::string optimizeStep_;
 };
 

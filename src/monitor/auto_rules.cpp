@@ -28,7 +28,8 @@ std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dat
                               std::span<const ActivityEvent> log) {
     switch (which) {
         case AutomationSwitch::autoSelectTopOffender:
-            return lastLogged(log, load_rules::isAutoSelectDetail);
+            return dates.lastAutoSelectDate ? dates.lastAutoSelectDate
+                                            : lastLogged(log, load_rules::isAutoSelectDetail);
         case AutomationSwitch::autoPurgeSustainedMemory:
             return dates.lastAutoPurgeDate ? dates.lastAutoPurgeDate
                                            : lastLogged(log, [](const std::string& each) {
@@ -79,7 +80,8 @@ void AutoRules::selectTopOffender(const SystemSnapshot& snapshot) {
     if (group == nullptr || with_.review.selectedAppImpactName() == group->name) {
         return;
     }
-    with_.review.setTarget(*group->topPID, group->name);
+    dates_.lastAutoSelectDate = with_.clock.now();
+    with_.review.setTarget(*group->topPID, group->name, ReviewTarget::ChosenBy::rule);
     with_.log.recordEvent(ruleEvent,
                           load_rules::autoSelectDetail(group->name, settings.warningThreshold));
 }

@@ -6,9 +6,10 @@
 
 namespace tallowcrest {
 
-/// When each rate-limited automation last acted. Absent until it did in this run: none of this is
-/// stored, so every limit starts afresh after a restart.
+/// When each automation last acted. Absent until it did in this run: none of this is stored, so
+/// every limit starts afresh after a restart.
 struct AutomationDates {
+    std::optional<Date> lastAutoSelectDate;
     std::optional<Date> lastWarningDate;
     std::optional<Date> lastAutoPurgeDate;
     std::optional<Date> lastAutoRemoteScanDate;

@@ -7,6 +7,8 @@
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
 #include "presentation/optimize/workspace_bar.h"
+#include "presentation/overview/disk_autopilot_block.h"
+#include "presentation/page_scroll_area.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {
@@ -34,13 +36,12 @@ QString comingLine(AppRoute route) {
 
 ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
     : Screen(parent), monitor_(monitor), route_(route) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
+    auto* content = new QWidget;
+    auto* layout = makePageColumn(*content);
     if (WorkspaceBar::isStep(route)) {
-        layout->setSpacing(spacing::gap);
-        layout->addWidget(new WorkspaceBar(monitor, route, this));
+        layout->addWidget(new WorkspaceBar(monitor, route, content));
     }
-    auto* card = new Card(this);
+    auto* card = new Card(content);
     card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
     card->setAccessibleName(dashboard_text::text(title(route)));
     line_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
@@ -49,12 +50,20 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
     line_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
+    if (route == AppRoute::optimizationSuggestions) {
+        disk_ = new DiskAutopilotBlock(monitor, QStringLiteral("suggestions"));
+        layout->addWidget(disk_);
+    }
     layout->addStretch(1);
+    scrollOnPage(content, *this);
 }
 
 void ComingPage::refresh() {
     const bool hasSample = monitor_.sample().snapshot().has_value();
     line_->setText(hasSample ? comingLine(route_) : QStringLiteral("Sampling this Mac..."));
+    if (disk_ != nullptr) {
+        disk_->refresh();
+    }
 }
 
 }  // namespace tallowcrest

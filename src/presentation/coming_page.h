@@ -5,6 +5,7 @@
 
 namespace tallowcrest {
 
+class DiskAutopilotBlock;
 class ElidedLabel;
 class SystemMonitor;
 
@@ -22,6 +23,7 @@ private:
     SystemMonitor& monitor_;
     AppRoute route_;
     ElidedLabel* line_ = nullptr;
+    DiskAutopilotBlock* disk_ = nullptr;  ///< on the one route that has it
 };
 
 }  // namespace tallowcrest

@@ -126,15 +126,15 @@ void ConfirmationDialog::refresh() {
 
 void ConfirmationDialog::present(const ConfirmationRequest& request) {
     shown_ = request.id;
-    const QString title = dashboard_text::oneLine(request.title);
-    const QString message = dashboard_text::oneLine(request.message);
+    const QString title = dashboard_text::text(request.title);
+    const QString message = dashboard_text::text(request.message);
     heading_->setFontRole(headingFont(title));
     heading_->setText(title);
     message_->setText(message);
     // Read out when the dialog opens.
     QStringList spoken{title, message};
     for (const std::string& path : desk_.targetPaths()) {
-        spoken.append(dashboard_text::oneLine(path));
+        spoken.append(dashboard_text::text(path));
     }
     setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
     if (isVisible()) {
@@ -142,7 +142,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
         QAccessibleEvent changed(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&changed);
     }
-    confirm_->setTitle(dashboard_text::oneLine(request.confirmTitle));
+    confirm_->setTitle(dashboard_text::text(request.confirmTitle));
     confirm_->setAccessibleDescription(title);
     showPaths(desk_.targetPaths());
     fit();
@@ -162,7 +162,7 @@ bool ConfirmationDialog::event(QEvent* event) {
 void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
     QStringList texts;
     for (const std::string& path : paths) {
-        texts.append(dashboard_text::oneLine(path));
+        texts.append(dashboard_text::text(path));
     }
     const auto count = static_cast<std::size_t>(texts.size());
     for (std::size_t i = 0; i < pathLines_.size(); ++i) {

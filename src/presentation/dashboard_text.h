@@ -13,10 +13,6 @@ namespace tallowcrest::dashboard_text {
 /// Most of it may hold a name, and a process may be called anything: it is not to pass for words of
 /// our own.
 QString text(std::string_view utf8);
-/// The same.
-inline QString oneLine(std::string_view utf8) {
-    return text(utf8);
-}
 
 /// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
 int wholePercent(double percent);

@@ -46,6 +46,10 @@ void OperationTargetBar::makeTexts() {
     protected_ = new Capsule(this);
     protected_->setObjectName(QStringLiteral("target.protected"));
     protected_->setText(QStringLiteral("Protected"));
+    // A rule may take the place of what a person chose: that is not to pass unnoticed.
+    automatic_ = new Capsule(this);
+    automatic_->setObjectName(QStringLiteral("target.automatic"));
+    automatic_->setText(QStringLiteral("Auto-selected"));
     for (ElidedLabel* label : {title_, detail_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
@@ -54,6 +58,7 @@ void OperationTargetBar::makeTexts() {
     texts_->addWidget(detail_, 1);
     row_->addWidget(icon_);
     row_->addLayout(texts_, 1);
+    row_->addWidget(automatic_);
     row_->addWidget(protected_);
 }
 
@@ -90,6 +95,7 @@ void OperationTargetBar::refresh() {
     detail_->setText(dashboard_text::text(summary.detail));
     icon_->setIcon(summary.isProtected ? QStringLiteral("lock.fill") : QStringLiteral("scope"));
     protected_->setVisible(summary.isProtected);
+    automatic_->setVisible(monitor_.review().chosenBy() == ReviewTarget::ChosenBy::rule);
 }
 
 void OperationTargetBar::setHasTarget(bool hasTarget) {
@@ -103,6 +109,7 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
         detail_->setText(QStringLiteral("No operation target selected"));
         icon_->setIcon(QStringLiteral("scope"));
         protected_->hide();
+        automatic_->hide();
     }
     if (hadFocus) {
         // The keyboard stays in the row whose button it pressed.
@@ -111,8 +118,13 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
 }
 
 QString OperationTargetBar::accessibleValue() const {
-    const QString value = title_->text() + QStringLiteral(", ") + detail_->text();
-    return protected_->isHidden() ? value : value + QStringLiteral(", Protected");
+    QString value = title_->text() + QStringLiteral(", ") + detail_->text();
+    for (const Capsule* mark : {automatic_, protected_}) {
+        if (!mark->isHidden()) {
+            value += QStringLiteral(", ") + mark->accessibleName();
+        }
+    }
+    return value;
 }
 
 void OperationTargetBar::resizeEvent(QResizeEvent* event) {

@@ -40,6 +40,7 @@ private:
     IconView* icon_ = nullptr;
     ElidedLabel* title_ = nullptr;
     ElidedLabel* detail_ = nullptr;
+    Capsule* automatic_ = nullptr;
     Capsule* protected_ = nullptr;
     QPushButton* choose_ = nullptr;
     QPushButton* review_ = nullptr;

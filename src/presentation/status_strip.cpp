@@ -7,6 +7,7 @@
 #include "presentation/capsule.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
+#include "presentation/spoken.h"
 #include "presentation/theme.h"
 #include "presentation/timeline.h"
 
@@ -29,10 +30,6 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
     automation_ = new Capsule(this);
     automation_->setObjectName(QStringLiteral("status.automation"));
-    // How to stop it all is to be found wherever that is shown.
-    const QString keys = QStringLiteral("Emergency Stop: Ctrl+. or Shift+Esc");
-    automation_->setToolTip(keys);
-    automation_->setAccessibleDescription(keys);
     threshold_ = new Capsule(this);
     threshold_->setObjectName(QStringLiteral("status.threshold"));
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
@@ -65,6 +62,17 @@ void StatusStrip::showAutomation() {
     } else {
         automation_->setText(automationsOn(monitor_.settings()));
         automation_->clearMark();
+    }
+    const auto& snapshot = monitor_.sample().snapshot();
+    const AutomationFacts facts{monitor_.automation().isStopEngaged(), monitor_.autoRules().dates(),
+                                monitor_.log().activityLog(),
+                                snapshot ? snapshot->sampledAt : Date{}};
+    // How to stop it all is to be found wherever that is shown.
+    const QString words = automationsSummary(monitor_.settings(), facts) +
+                          QStringLiteral("\nEmergency Stop: Ctrl+. or Shift+Esc");
+    if (automation_->toolTip() != words) {
+        automation_->setToolTip(words);
+        setSpokenDescription(*automation_, words);
     }
 }
 

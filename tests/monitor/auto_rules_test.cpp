@@ -134,6 +134,8 @@ TEST_F(AutoRulesTest, SelectsTheTopOffenderAtTheThreshold) {
     run(82.9);
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_EQ(review.selectedAppImpactName(), "editor");
+    EXPECT_EQ(review.chosenBy(), ReviewTarget::ChosenBy::rule);
+    EXPECT_EQ(rules.dates().lastAutoSelectDate, clock.now());
     EXPECT_EQ(review.optimizeStep(), step);
     EXPECT_THAT(details(),
                 ElementsAre("Auto Rule: Selected editor because system load crossed 82%."));
@@ -367,8 +369,13 @@ TEST_F(AutoRulesTest, WhatTheRulesDidIsFoundAgain) {
     EXPECT_EQ(acted(S::aiSafeActionsEnabled), std::nullopt);
     EXPECT_EQ(acted(S::notificationsIncludeActions), std::nullopt);
 
+    // A log that was cleared takes nothing away from this run.
+    EXPECT_EQ(lastActed(S::autoSelectTopOffender, rules.dates(), {}), selected);
+    EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, rules.dates(), {}), purged);
+
     // The log outlives the run, and the dates do not.
     const AutomationDates none;
+    EXPECT_EQ(lastActed(S::autoSelectTopOffender, none, log.activityLog()), selected);
     EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, none, log.activityLog()), purged);
     EXPECT_EQ(lastActed(S::autoScanRemoteMacs, none, log.activityLog()), std::nullopt);
 

@@ -48,6 +48,17 @@ TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
     }
 }
 
+TEST_F(ComingPageTest, TheStopStandsWhereAWarningLeads) {
+    showWithSample();
+    goTo(AppRoute::optimizationSuggestions);
+    click("suggestions.emergency-stop");
+    EXPECT_TRUE(machine.monitor().automation().isStopEngaged());
+    click("suggestions.resume-manual-mode");
+    EXPECT_FALSE(machine.monitor().automation().isStopEngaged());
+    goTo(AppRoute::chat);
+    EXPECT_EQ(visible("suggestions.emergency-stop"), nullptr);
+}
+
 TEST_F(ComingPageTest, OtherRoutesHaveNoWorkspaceBar) {
     showWithSample();
     for (const AppRoute each : {AppRoute::remoteMacs, AppRoute::history, AppRoute::settings}) {

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "tests/presentation/confirmation_fixture.h"
+#include "tests/presentation/paint_count.h"
 
 namespace tallowcrest {
 namespace {
@@ -11,25 +12,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// Counts the paintings of a widget and of everything in it.
-class PaintsWithin : public QObject {
-public:
-    explicit PaintsWithin(QWidget& widget) : widget_(widget) { qApp->installEventFilter(this); }
-    ~PaintsWithin() override { qApp->removeEventFilter(this); }
-    bool eventFilter(QObject* object, QEvent* event) override {
-        const auto* painted = qobject_cast<QWidget*>(object);
-        if (event->type() == QEvent::Paint && painted != nullptr &&
-            (painted == &widget_ || widget_.isAncestorOf(painted))) {
-            ++count;
-        }
-        return false;
-    }
-    int count = 0;
-
-private:
-    QWidget& widget_;
-};
 
 class ConfirmationDialogTest : public ConfirmationFixture {};
 
@@ -300,12 +282,12 @@ TEST_F(ConfirmationDialogTest, ASampleThatArrivesChangesNothing) {
     confirm().setFocus();
     settle();
     const QRect before = dialog().geometry();
-    const PaintsWithin paints(dialog());
+    PaintCount paints(dialog());
     for (int i = 0; i < 3; ++i) {
         machine.metrics->processes[0].cpu += 40.0;
         tick();
     }
-    EXPECT_EQ(paints.count, 0);
+    EXPECT_EQ(paints.take(), 0);
     EXPECT_EQ(QApplication::focusWidget(), &confirm());
     EXPECT_EQ(dialog().geometry(), before);
     EXPECT_TRUE(confirm().isEnabled());

@@ -113,6 +113,7 @@ TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
     EXPECT_EQ(textOf("status.last-action"),
               QStringLiteral("Copied a performance report to the clipboard."));
     entry("menu.export-diagnostics").trigger();
+    machine.finishSamples();
     settle();
     ASSERT_EQ(machine.reportFolder->written.size(), 1U);
     EXPECT_EQ(machine.reportFolder->revealed.size(), 1U);

@@ -24,8 +24,10 @@ protected:
     std::string shown() {
         QStringList parts{visible<IconView>("target.icon")->icon(), textOf("target.title"),
                           textOf("target.detail")};
-        if (visible("target.protected") != nullptr) {
-            parts.append(visible("target.protected")->accessibleName());
+        for (const char* mark : {"target.automatic", "target.protected"}) {
+            if (visible(mark) != nullptr) {
+                parts.append(visible(mark)->accessibleName());
+            }
         }
         for (const auto* button : bar().findChildren<QPushButton*>()) {
             if (button->isVisible()) {
@@ -99,6 +101,25 @@ TEST_F(OperationTargetBarTest, AProtectedTargetBearsALock) {
     EXPECT_NE(visible("target.protected"), nullptr);
     click("target.clear");
     EXPECT_EQ(shown(), withoutTarget);
+}
+
+TEST_F(OperationTargetBarTest, ATargetThatARuleChoseSaysSo) {
+    showWithSample();
+    select(1);
+    machine.ticks->ticks.reset();
+    machine.monitor().limits().setWarningThreshold(50.0);
+    for (ProcessSample& row : machine.metrics->processes) {
+        row.cpu *= 4;
+    }
+    tick();
+    EXPECT_EQ(textOf("target.title"), QStringLiteral("photo-indexer"));
+    ASSERT_NE(visible("target.automatic"), nullptr);
+    EXPECT_EQ(visible("target.automatic")->accessibleName(), QStringLiteral("Auto-selected"));
+    EXPECT_TRUE(bar().accessibleValue().endsWith(QStringLiteral(", Auto-selected")));
+    EXPECT_EQ(visible("target.protected"), nullptr);
+    select(1);
+    EXPECT_EQ(visible("target.automatic"), nullptr);
+    EXPECT_FALSE(bar().accessibleValue().contains(QStringLiteral("Auto-selected")));
 }
 
 TEST_F(OperationTargetBarTest, ATargetThatLeftTheListStays) {

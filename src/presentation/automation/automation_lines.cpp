@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include <QStringList>
+
 #include "monitor/auto_rules.h"
 #include "presentation/dashboard_text.h"
 
@@ -101,6 +103,22 @@ AutomationLine automationLine(AutomationSwitch which, bool isOn, const Automatio
              : QString::fromLatin1(text.neverActed);
     line.hasActed = date.has_value();
     return line;
+}
+
+QString automationsSummary(const Settings& settings, const AutomationFacts& facts) {
+    QStringList lines;
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        if (!isAutomation(which)) {
+            continue;
+        }
+        const AutomationLine line = automationLine(which, isOn(settings, which), facts);
+        QString words = line.title + QStringLiteral(": ") + armedWord(line.state);
+        if (!line.lastActed.isEmpty()) {
+            words += QStringLiteral(". ") + line.lastActed;
+        }
+        lines.append(words);
+    }
+    return lines.join(u'\n');
 }
 
 }  // namespace tallowcrest

@@ -58,4 +58,8 @@ QString automationsOn(const Settings& settings);
 /// short form, with the date on another day than `now`. Any thread.
 AutomationLine automationLine(AutomationSwitch which, bool isOn, const AutomationFacts& facts);
 
+/// All that acts without anybody pressing a button, a line each: "Auto-scan Tailscale Macs: Off. No
+/// recent action". Any thread.
+QString automationsSummary(const Settings& settings, const AutomationFacts& facts);
+
 }  // namespace tallowcrest

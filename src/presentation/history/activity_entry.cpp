@@ -4,8 +4,8 @@
 #include <QPainter>
 
 #include "presentation/elided_label.h"
+#include "presentation/history/activity_lines.h"
 #include "presentation/icon_view.h"
-#include "presentation/overview/activity_lines.h"
 #include "presentation/spoken.h"
 
 namespace tallowcrest {

@@ -10,7 +10,7 @@
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
 #include "presentation/history/activity_entry.h"
-#include "presentation/overview/activity_lines.h"
+#include "presentation/history/activity_lines.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {

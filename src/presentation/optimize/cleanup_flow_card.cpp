@@ -7,7 +7,7 @@
 #include "presentation/controls.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/elided_label.h"
-#include "presentation/optimize/flow_row.h"
+#include "presentation/flow_row.h"
 
 namespace tallowcrest {
 

@@ -9,7 +9,7 @@
 
 #include "monitor/system_monitor.h"
 #include "presentation/elided_label.h"
-#include "presentation/optimize/flow_row.h"
+#include "presentation/flow_row.h"
 #include "presentation/tab_strip.h"
 #include "presentation/theme.h"
 

@@ -3,8 +3,8 @@
 #include <QHBoxLayout>
 
 #include "presentation/elided_label.h"
+#include "presentation/history/activity_lines.h"
 #include "presentation/icon_view.h"
-#include "presentation/overview/activity_lines.h"
 
 namespace tallowcrest {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "presentation/overview/activity_lines.h"
+#include "presentation/history/activity_lines.h"
 #include "presentation/overview/kept_room.h"
 #include "presentation/overview/overview_block.h"
 

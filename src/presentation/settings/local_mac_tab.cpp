@@ -9,7 +9,7 @@
 #include "presentation/automation/automation_toggles.h"
 #include "presentation/card.h"
 #include "presentation/controls.h"
-#include "presentation/optimize/flow_row.h"
+#include "presentation/flow_row.h"
 #include "presentation/theme.h"
 
 namespace tallowcrest {

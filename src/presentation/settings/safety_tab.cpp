@@ -72,7 +72,7 @@ void SafetyTab::showNames() {
 
 QWidget* SafetyTab::makeName(const std::string& name) {
     // A group may be called anything; one line is to stay one line.
-    const QString shown = dashboard_text::oneLine(name);
+    const QString shown = dashboard_text::text(name);
     auto* row = new QWidget(neverQuit_);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -122,11 +122,10 @@ QWidget* SafetyTab::makeStop() {
     stop_->contentLayout()->addSpacing(spacing::unit / 2);
     engage_ = new DangerButton(stop_);
     engage_->setObjectName(QStringLiteral("settings.emergency-stop.engage"));
-    engage_->setTitle(QStringLiteral("Emergency Stop"));
-    engage_->setAccessibleDescription(QStringLiteral("Turns off everything that acts by itself"));
-    resume_ = makeButton(QStringLiteral("Resume Manual Mode"), QString(),
-                         QStringLiteral("settings.emergency-stop.resume"),
-                         QStringLiteral("Clears the stop and turns nothing on"), stop_);
+    engage_->setTitle(QString::fromUtf8(commands::emergencyStop.title));
+    engage_->setAccessibleDescription(QString::fromUtf8(commands::emergencyStop.description));
+    resume_ = makeButton(commands::resumeManualMode,
+                         QStringLiteral("settings.emergency-stop.resume"), stop_);
     settling_.emplace(*resume_);
     for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
         stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
@@ -174,8 +173,7 @@ void SafetyTab::showStop(bool isEngaged) {
     stopWords_->setText(
         isEngaged ? QStringLiteral("All automatic actions are off. Resume returns to manual "
                                    "Apprentice mode and leaves every automation disabled.")
-                  : QStringLiteral("Immediately disables automatic cleanup, purge, remote scans, "
-                                   "and AI autonomous execution."));
+                  : QString::fromUtf8(commands::emergencyStop.description));
     if (isNew) {
         // From here or elsewhere: a click under way must not undo it.
         settling_->settle();

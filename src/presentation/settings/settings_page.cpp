@@ -33,9 +33,8 @@ QWidget* SettingsPage::makeHub() {
     hubWords_->setLines(1, 3);
     hubWords_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(hubWords_);
-    auto* open = makeButton(QStringLiteral("Open Settings"), QStringLiteral("gearshape"),
-                            QStringLiteral("settings.open"),
-                            QStringLiteral("Opens the settings sheet"), card);
+    auto* open = makeButton(commands::openSettingsSheet.titled("Open Settings"),
+                            QStringLiteral("settings.open"), card);
     connect(open, &QPushButton::clicked, this,
             [this] { monitor_.navigation().setShowSettings(true); });
     card->contentLayout()->addSpacing(spacing::unit / 2);

@@ -121,7 +121,7 @@ void SettingsSheet::refresh() {
         return;
     }
     showTab();
-    lastAction_->setText(dashboard_text::oneLine(monitor_.log().lastAction()));
+    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
 }
 
 void SettingsSheet::present() {
@@ -133,7 +133,7 @@ void SettingsSheet::present() {
                                   mostHeight));
     setMinimumSize(sheetWidth, leastHeight);
     showTab();
-    lastAction_->setText(dashboard_text::oneLine(monitor_.log().lastAction()));
+    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
     strip_->setFocus();
     open();
 }

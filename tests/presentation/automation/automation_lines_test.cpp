@@ -111,6 +111,30 @@ TEST_F(AutomationLinesTest, WhatIsOnIsCounted) {
     EXPECT_EQ(words(), "5 automations on");
 }
 
+TEST_F(AutomationLinesTest, ThatWhichActsIsSummedUp) {
+    Settings settings;
+    settings.autoSelectTopOffender = true;
+    dates.lastAutoSelectDate = at(14, 14, 30);
+    const auto words = [&] {
+        return automationsSummary(settings, {isStopEngaged, dates, log, at(14, 15, 0)})
+            .replace(QChar(0x202f), u' ')
+            .toStdString();
+    };
+    EXPECT_EQ(words(),
+              "Auto-select safest top offender: On. Last acted 2:30 PM\n"
+              "Auto-purge after sustained high memory: Off. No recent action\n"
+              "Auto-scan Tailscale Macs: Off. No recent action\n"
+              "Enable Disk Autopilot: Off. No recent check\n"
+              "Allow AI safe actions: Off");
+    isStopEngaged = true;
+    EXPECT_EQ(words(),
+              "Auto-select safest top offender: Stopped. Last acted 2:30 PM\n"
+              "Auto-purge after sustained high memory: Stopped. No recent action\n"
+              "Auto-scan Tailscale Macs: Stopped. No recent action\n"
+              "Enable Disk Autopilot: Stopped. No recent check\n"
+              "Allow AI safe actions: Off");
+}
+
 TEST_F(AutomationLinesTest, TheStatesHaveDifferentWords) {
     EXPECT_EQ(armedWord(ArmedState::on), QStringLiteral("On"));
     EXPECT_EQ(armedWord(ArmedState::off), QStringLiteral("Off"));

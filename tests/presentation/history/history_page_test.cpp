@@ -200,12 +200,16 @@ TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
     for (const char* each : {"history.receipts.export", "history.export"}) {
         machine.monitor().log().setLastAction({});
         click(each);
+        machine.finishSamples();
+        settle();
         EXPECT_EQ(textOf("status.last-action"),
                   QStringLiteral("Could not export diagnostics: No space left on device"))
             << each;
     }
     machine.reportFolder->problem.reset();
     click("history.export");
+    machine.finishSamples();
+    settle();
     ASSERT_EQ(machine.reportFolder->written.size(), 1U);
     EXPECT_EQ(textOf("status.last-action").toStdString(),
               "Exported diagnostics to " + machine.reportFolder->written.begin()->first + ".");

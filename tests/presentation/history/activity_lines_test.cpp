@@ -1,4 +1,4 @@
-#include "presentation/overview/activity_lines.h"
+#include "presentation/history/activity_lines.h"
 
 #include <QDateTime>
 #include <QLocale>

@@ -1,4 +1,4 @@
-#include "presentation/optimize/flow_row.h"
+#include "presentation/flow_row.h"
 
 #include <algorithm>
 
