@@ -173,7 +173,7 @@ Usage: tallowcrest [options]
     --samples N       end after N samples
     --interval SECS   seconds between samples (default 4)
     --report          take two samples, print the diagnostics report and end
-    --redacted        hide its pids, addresses and known process names
+    --redacted        without pids, addresses and names of known processes
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

@@ -121,5 +121,14 @@ TEST_F(ReportFolderWithoutLinks, AnotherProblemIsTold) {
     EXPECT_THAT(names(), IsEmpty());
 }
 
+TEST_F(ReportFolderWithoutLinks, AFullDiskOrAForbiddenFolderIsToldAndLeavesNothingBehind) {
+    for (const auto& refusal :
+         {Refusals::value_type{SYS_write, ENOSPC}, Refusals::value_type{SYS_fsync, ENOSPC},
+          Refusals::value_type{SYS_openat, EACCES}}) {
+        EXPECT_EQ(write("a.txt", "report", {refusal}), words(refusal.second));
+        EXPECT_THAT(names(), IsEmpty());
+    }
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -73,8 +73,10 @@ TEST_F(DBusNotificationCenterTest, WithoutACategoryThePlainClickIsAllThereIs) {
     center->post(content("no longer"));
     ASSERT_TRUE(turnUntil([&] { return daemon.shown().size() == 4; }));
     EXPECT_EQ(daemon.shown()[0].actions, plain);
+    EXPECT_FALSE(daemon.shown()[0].hints.contains("category"));
     EXPECT_EQ(daemon.shown()[1].actions, plain);
     EXPECT_EQ(daemon.shown()[2].actions.size(), 6);
+    EXPECT_EQ(daemon.shown()[2].hints.value("category"), QVariant("x-tallowcrest.warning"));
     EXPECT_EQ(daemon.shown()[3].actions, plain);
 }
 

@@ -58,6 +58,13 @@ TEST_F(DesktopGracefulQuitTest, AsksTheWindowsAndThenNobodyElse) {
     EXPECT_EQ(application.line(), "");
 }
 
+TEST_F(DesktopGracefulQuitTest, AsksNobodyInThePlaceOfOneThatHasEnded) {
+    ASSERT_TRUE(quit.gracefulAppQuit("Editor", {windowsMember()}));
+    ASSERT_EQ(window.exitStatus(), 0);
+    EXPECT_FALSE(quit.gracefulAppQuit("Editor", {windowsMember()}));
+    EXPECT_TRUE(application.isRunning());
+}
+
 TEST_F(DesktopGracefulQuitTest, AsksAnApplicationWithoutAWindow) {
     EXPECT_TRUE(quit.gracefulAppQuit("Editor", {application.member()}));
     EXPECT_EQ(application.line(), "quit");
