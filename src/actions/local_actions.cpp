@@ -137,14 +137,13 @@ void LocalActions::requestQuitSelectedApp() {
 }
 
 void LocalActions::quitAppGroup(const std::string& group) {
-    const auto [asking, isNew] = groupsBeingAsked_.try_emplace(group);
+    const auto [asking, isNew] = membersOfAskedGroups_.try_emplace(group);
     if (!isNew) {
         // A second asking beside the first would find windows closed already, and end what saves.
         with_.log.recordMessage(fmt::format("{} is still being asked to quit.", group));
         return;
     }
-    // Held before anybody is asked: while that takes its time, a number may change hands.
-    asking->second = heldMembers(group);
+    asking->second = membersForTerm(group);
     if (ports_.gracefulQuit == nullptr) {
         finishAppGroup(group, false);
         return;
@@ -165,32 +164,39 @@ void LocalActions::quitAppGroup(const std::string& group) {
     });
 }
 
-std::vector<LocalActions::GroupMember> LocalActions::heldMembers(const std::string& group) {
-    std::vector<GroupMember> held;
+std::vector<LocalActions::GroupMember> LocalActions::membersForTerm(const std::string& group) {
+    std::vector<GroupMember> result;
     // From the rows of this moment: what was shown when the request was built may have gone.
     for (ProcessSample& row : visibleMembers(with_.sample.latestProcesses(), group,
                                              with_.settings.protectedAppNames, with_.protection)) {
         if (CommandSafetyPolicy::validatedPID(row.pid)) {
-            auto process = ports_.processes->hold(row.pid, row.startTime);
-            held.push_back({std::move(row), std::move(process)});
+            // While the application is asked a number may change hands. Only those are held that
+            // nothing else would tell apart then: a group may have hundreds of members, and each
+            // hold may take a descriptor.
+            auto process = row.startTime == 0 ? ports_.processes->hold(row.pid, 0) : nullptr;
+            result.push_back({std::move(row), std::move(process)});
         }
     }
-    return held;
+    return result;
 }
 
 void LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefully) {
-    const std::vector<GroupMember> members = std::move(groupsBeingAsked_[group]);
-    groupsBeingAsked_.erase(group);
+    std::vector<GroupMember> members = std::move(membersOfAskedGroups_[group]);
+    membersOfAskedGroups_.erase(group);
     if (wasAskedGracefully) {
         with_.log.recordMessage(fmt::format("Asked {} to quit gracefully.", group));
     } else {
-        for (const GroupMember& member : members) {
+        for (GroupMember& member : members) {
             // The list of what may not be quit can have grown while the application was asked.
-            if (isSafeTarget(member.row, with_.settings.protectedAppNames, with_.protection)) {
-                // A process that would not be asked stays in the next sample's list, which is all
-                // that a person needs to see.
-                member.process->terminate();
+            if (!isSafeTarget(member.row, with_.settings.protectedAppNames, with_.protection)) {
+                continue;
             }
+            const auto process = member.process != nullptr
+                                     ? std::move(member.process)
+                                     : ports_.processes->hold(member.row.pid, member.row.startTime);
+            // A process that would not be asked stays in the next sample's list, which is all that
+            // a person needs to see.
+            process->terminate();
         }
         with_.log.recordMessage(fmt::format("Asked {}'s visible processes to quit.", group));
     }

@@ -79,19 +79,22 @@ private:
     /// The process that a pending request is about, held since the request was built.
     struct Reviewed {
         UUID request;
-        std::unique_ptr<HeldProcess> process;  ///< null for a number that no process can have
+        /// Null for a number that no process can have, and for a process that is gone and of which
+        /// no start time was ever known.
+        std::unique_ptr<HeldProcess> process;
     };
 
     /// A process that may get TERM when its group is not asked gracefully.
     struct GroupMember {
         ProcessSample row;
+        /// Null where the row's start time tells the process from a later one.
         std::unique_ptr<HeldProcess> process;
     };
 
     void quitProcess(const ConfirmationRequest& request);
     void quitAppGroup(const std::string& group);
     void finishAppGroup(const std::string& group, bool wasAskedGracefully);
-    std::vector<GroupMember> heldMembers(const std::string& group);
+    std::vector<GroupMember> membersForTerm(const std::string& group);
     void runPurge();
     void finishPurge(const PurgeResult& result);
 
@@ -99,7 +102,7 @@ private:
     LocalActionPorts ports_;
     Reviewed reviewed_;
     bool isPurging_ = false;
-    std::map<std::string, std::vector<GroupMember>> groupsBeingAsked_;
+    std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;
     std::shared_ptr<LocalActions*> self_;  ///< expires with the actions
 };
 

@@ -54,8 +54,8 @@ struct MonitorPorts {
     std::shared_ptr<CPUTickSource> ticks;
     std::shared_ptr<const Locale> locale;  ///< never null
     LocalActionPorts localActions;
-    std::shared_ptr<ReportFolder> reportFolder;  ///< never null
-    UTCOffset utcOffset;
+    std::shared_ptr<ReportFolder> reportFolder;   ///< never null
+    UTCOffset utcOffset;                          ///< never absent
     NotificationCenter* notifications = nullptr;  ///< null where nobody can be notified
 };
 

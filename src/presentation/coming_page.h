@@ -10,7 +10,7 @@ class ElidedLabel;
 class SystemMonitor;
 
 /// What a route says whose screen is still to come: one plain line, below the workspace bar where
-/// the route is a step of that. Main thread.
+/// the route is a step of that, and above what a step has already. Main thread.
 class ComingPage final : public Screen {
     Q_OBJECT
 

@@ -11,6 +11,7 @@
 
 #include "core/routes.h"
 #include "monitor/system_monitor.h"
+#include "presentation/commands.h"
 #include "presentation/dashboard_text.h"
 #include "presentation/icon.h"
 
@@ -77,10 +78,11 @@ void WindowMenus::makeApplicationMenu() {
 }
 
 void WindowMenus::addEmergencyStop(QMenu& menu) {
-    emergencyStop_ = named(menu.addAction(themedIcon(QStringLiteral("exclamationmark.octagon")),
-                                          QStringLiteral("Emergency Stop"), this,
-                                          [this] { monitor_.automation().engageEmergencyStop(); }),
-                           QStringLiteral("emergency-stop"));
+    emergencyStop_ =
+        named(menu.addAction(themedIcon(QString::fromUtf8(commands::emergencyStop.icon)),
+                             QString::fromUtf8(commands::emergencyStop.title), this,
+                             [this] { monitor_.automation().engageEmergencyStop(); }),
+              QStringLiteral("emergency-stop"));
     // Two keys on every keyboard: where the period needs Shift, the second pair does not.
     emergencyStop_->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
@@ -91,7 +93,7 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
     emergencyStop_->setMenuRole(QAction::ApplicationSpecificRole);
     // Without a key of its own: what was stopped in a hurry is not resumed in one.
     resumeManualMode_ =
-        named(menu.addAction(QStringLiteral("Resume Manual Mode"), this,
+        named(menu.addAction(QString::fromUtf8(commands::resumeManualMode.title), this,
                              [this] { monitor_.automation().resumeFromEmergencyStop(); }),
               QStringLiteral("resume-manual-mode"));
     resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
@@ -118,12 +120,13 @@ void WindowMenus::showAbout() {
 void WindowMenus::makeFileMenu() {
     QMenu* file = window_.menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("menu.file"));
-    named(file->addAction(themedIcon(QStringLiteral("doc.on.doc")), QStringLiteral("Copy Report"),
-                          this, [this] { monitor_.reports().copyDiagnosticsReport(); }),
+    named(file->addAction(themedIcon(QString::fromUtf8(commands::copyReport.icon)),
+                          QString::fromUtf8(commands::copyReport.title), this,
+                          [this] { monitor_.reports().copyDiagnosticsReport(); }),
           QStringLiteral("copy-report"))
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
     QAction* exportReport =
-        named(file->addAction(themedIcon(QStringLiteral("square.and.arrow.up")),
+        named(file->addAction(themedIcon(QString::fromUtf8(commands::exportReport.icon)),
                               QStringLiteral("Export Diagnostics..."), this,
                               [this] { monitor_.reports().exportDiagnosticsReport(); }),
               QStringLiteral("export-diagnostics"));

@@ -32,8 +32,8 @@ public:
         const Locale& locale;
         /// The present state. Absent before the first sample.
         std::function<std::optional<DiagnosticsFacts>()> facts;
-        UTCOffset utcOffset;
-        std::shared_ptr<ReportFolder> folder;
+        UTCOffset utcOffset;                   ///< never absent
+        std::shared_ptr<ReportFolder> folder;  ///< never null
         MainQueue& mainQueue;
         WorkQueue& workQueue;
     };
@@ -48,8 +48,9 @@ public:
     /// Before the first sample nothing happens, not even a message.
     void copyDiagnosticsReport();
 
-    /// Writes the report into a file and shows it, on a later turn: a disk may take its time. What
-    /// became of it is recorded; `whenFailed` may be absent.
+    /// Writes the report into a file and shows it, in the background: a disk may take its time.
+    /// What became of it is recorded on a later turn, or at once before the first sample. After a
+    /// failure `whenFailed` is called, if there is one.
     void exportDiagnosticsReport(std::function<void()> whenFailed = {});
 
 private:

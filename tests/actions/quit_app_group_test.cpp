@@ -227,6 +227,14 @@ TEST_F(QuitAppGroup, AMemberWhoseNumberChangedHandsIsNotSignalled) {
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
+TEST_F(QuitAppGroup, MembersThatAStartTimeNamesAreNotHeldWhileTheApplicationIsAsked) {
+    requestQuitOfFirefox();
+    confirmations.confirmPending();
+    EXPECT_THAT(ports.processes->held, IsEmpty());
+    finishWork();
+    EXPECT_THAT(ports.processes->held, ElementsAre(700, 701, 702));
+}
+
 TEST_F(QuitAppGroup, NeitherWhereTheListTellsNoStartTimes) {
     addFirefox();
     for (ProcessSample& row : rows) {

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -21,9 +20,9 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/posix/system_clock.h"
+#include "tests/app/headless_program.h"
 #include "tests/app/private_data.h"
 #include "tests/support/file_text.h"
-#include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -36,26 +35,6 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 const PrivateData privateData;
-
-const std::string program = TALLOWCREST_BINARY_DIR "/tallowcrest";
-const std::vector<std::string> displayVariables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-
-ProgramResult run(const std::vector<std::string>& arguments) {
-    return runProgram({.path = program,
-                       .arguments = arguments,
-                       .withoutVariables = displayVariables,
-                       .withVariables = {},
-                       .standardOutputPath = {}});
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 void expectOneLine(const std::string& text) {
     EXPECT_EQ(linesOf(text).size(), 1U) << text;
@@ -187,77 +166,6 @@ TEST(Headless, PrintsReadableBlocks) {
         headlines += line.find(" GB used  Disk ") != std::string::npos ? 1 : 0;
     }
     EXPECT_EQ(headlines, 2);
-}
-
-TEST(Headless, PrintsTheReportAndEnds) {
-    const ProgramResult result = run({"--headless", "--report", "--interval", "0.3"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.standardError, "");
-    EXPECT_THAT(result.standardOutput, StartsWith("Tallowcrest report - "));
-    const std::vector<std::string> lines = linesOf(result.standardOutput);
-    for (const char* heading :
-         {"App\tCPU\tMemory\tProcesses\tProtected", "Session Insights", "PID\tCPU\tMemory\tProcess",
-          "Remote Health", "No remote scan results.", "Never Quit Apps", "Auto Rules",
-          "AI Intelligence", "AI trust history", "No trust history.", "Recent Events"}) {
-        EXPECT_THAT(lines, ::testing::Contains(heading));
-    }
-}
-
-/// The first line of a report that is read under this locale and in this time zone.
-std::string datedLine(const char* locale, const char* zone) {
-    const ProgramResult result =
-        runProgram({.path = program,
-                    .arguments = {"--headless", "--report", "--interval", "0.1"},
-                    .withoutVariables = displayVariables,
-                    .withVariables = {std::string("LC_ALL=") + locale, std::string("TZ=") + zone},
-                    .standardOutputPath = {}});
-    EXPECT_EQ(result.status, 0) << result.standardError;
-    return result.standardOutput.substr(0, result.standardOutput.find('\n'));
-}
-
-TEST(Headless, TheReportIsDatedAsItsReaderWritesDates) {
-    // No-break spaces of either width stand between the time and its half of the day.
-    struct Case {
-        const char* locale;
-        const char* form;
-    };
-    for (const Case& each :
-         {Case{"de_DE.UTF-8", R"(Tallowcrest report - \d\d\.\d\d\.\d{4}, \d\d:\d\d)"},
-          Case{"en_US.UTF-8", R"(Tallowcrest report - \d\d?/\d\d?/\d{4}, \d\d?:\d\d\D{1,3}[AP]M)"},
-          Case{"ja_JP.UTF-8", R"(Tallowcrest report - \d{4}/\d\d/\d\d \d\d?:\d\d)"}}) {
-        for (const char* zone : {"WEST5", "EAST-9:30"}) {
-            const std::string line = datedLine(each.locale, zone);
-            EXPECT_TRUE(std::regex_match(line, std::regex(each.form))) << line;
-        }
-    }
-}
-
-TEST(Headless, TheReportBearsTheTimeOfItsReadersZone) {
-    const auto minuteOfDay = [](const std::string& line) {
-        std::smatch time;
-        EXPECT_TRUE(std::regex_search(line, time, std::regex(R"((\d\d):(\d\d)$)"))) << line;
-        return time.empty() ? 0 : std::stoi(time[1]) * 60 + std::stoi(time[2]);
-    };
-    const int west = minuteOfDay(datedLine("de_DE.UTF-8", "WEST5"));
-    const int east = minuteOfDay(datedLine("de_DE.UTF-8", "EAST-9:30"));
-    constexpr int day = 24 * 60;
-    const int ahead = (east - west + day) % day;
-    // The two reports are a moment apart, which may lie across the end of a minute.
-    EXPECT_THAT(ahead, ::testing::AnyOf(14 * 60 + 30, 14 * 60 + 31));
-}
-
-TEST(Headless, RedactedTheReportNamesNoProcessNumber) {
-    const ProgramResult result = run({"--headless", "--report", "--redacted", "--interval", "0.3"});
-    EXPECT_EQ(result.status, 0);
-    const std::vector<std::string> lines = linesOf(result.standardOutput);
-    const auto heading = std::find(lines.begin(), lines.end(), "PID\tCPU\tMemory\tProcess");
-    ASSERT_NE(heading, lines.end());
-    std::size_t rows = 0;
-    for (auto line = heading + 1; line != lines.end() && !line->empty(); ++line) {
-        EXPECT_THAT(*line, StartsWith("redacted\t"));
-        ++rows;
-    }
-    EXPECT_GT(rows, 0U);
 }
 
 TEST(Headless, NeedsNoHomeAndNoEnvironment) {

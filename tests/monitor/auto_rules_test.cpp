@@ -37,6 +37,17 @@ protected:
         }
     }
 
+    /// Everything is on and has a reason to act; the stop is engaged all the same.
+    void armBehindTheStop() {
+        settings.automationEmergencyStopEngaged = true;
+        settings.autoSelectTopOffender = true;
+        settings.autoPurgeSustainedMemory = true;
+        settings.autoScanRemoteMacs = true;
+        devices = {device("macOS", true)};
+        addProcess(700, "/usr/bin/editor");
+        remember(30, 95.0);
+    }
+
     static TailDevice device(const std::string& os, bool online) {
         TailDevice result;
         result.os = os;
@@ -72,13 +83,7 @@ protected:
 };
 
 TEST_F(AutoRulesTest, TheStopHoldsEverythingBackButTheWarning) {
-    settings.automationEmergencyStopEngaged = true;
-    settings.autoSelectTopOffender = true;
-    settings.autoPurgeSustainedMemory = true;
-    settings.autoScanRemoteMacs = true;
-    devices = {device("macOS", true)};
-    addProcess(700, "/usr/bin/editor");
-    remember(30, 95.0);
+    armBehindTheStop();
     run(99.0, 99.0);
     EXPECT_THAT(calls, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
@@ -91,13 +96,7 @@ TEST_F(AutoRulesTest, TheStopHoldsEverythingBackButTheWarning) {
 }
 
 TEST_F(AutoRulesTest, ForAnHourTheLatchAloneHoldsBackWhatIsOn) {
-    settings.automationEmergencyStopEngaged = true;
-    settings.autoSelectTopOffender = true;
-    settings.autoPurgeSustainedMemory = true;
-    settings.autoScanRemoteMacs = true;
-    devices = {device("macOS", true)};
-    addProcess(700, "/usr/bin/editor");
-    remember(30, 95.0);
+    armBehindTheStop();
     for (int seconds = 0; seconds < 3600; seconds += 4) {
         clock.advance(std::chrono::seconds(4));
         run(99.0, 99.0);

@@ -10,7 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 TEST(Announcements, TheSameWordsAreToldOnce) {
     QWidget widget;
@@ -71,7 +70,7 @@ TEST_F(AnnouncementsInTheWindow, NorDoesItInTheSettingsSheet) {
     settle();
     ASSERT_NE(visible("settings.sheet"), nullptr);
     using namespace settings_tabs;
-    for (const char* tab : {ai, remote, localMac, automation, safety}) {
+    for (const char* tab : {remote, localMac, automation, safety}) {
         SCOPED_TRACE(tab);
         machine.monitor().navigation().setSettingsTab(tab);
         expectNoneRepeated();

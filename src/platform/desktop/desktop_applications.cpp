@@ -17,8 +17,9 @@ namespace {
 /// What the desktop gave this program for a window of its own is for no other program.
 bool start(const QString& program) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QString::fromLatin1(activationTokenVariable));
-    environment.remove(QString::fromLatin1(startupIDVariable));
+    for (const char* variable : activationVariables) {
+        environment.remove(QString::fromLatin1(variable));
+    }
     QProcess process;
     process.setProgram(program);
     process.setProcessEnvironment(environment);

@@ -1,11 +1,13 @@
 #include "platform/desktop/lent_activation_token.h"
 
+#include <mutex>
 #include <utility>
 
 #include <QCoreApplication>
 #include <QMetaObject>
 
 #include "platform/posix/activation_variables.h"
+#include "platform/posix/environment_lock.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,6 +21,7 @@ QByteArray& tokenThatStandsThere() {
 /// Unless another stands there by now.
 void takeBack(const QByteArray& token) {
     if (!token.isEmpty() && tokenThatStandsThere() == token) {
+        const std::lock_guard guard(environmentLock());
         qunsetenv(activationTokenVariable);
         tokenThatStandsThere().clear();
     }
@@ -29,6 +32,7 @@ void takeBack(const QByteArray& token) {
 LentActivationToken::LentActivationToken(QByteArray token) : token_(std::move(token)) {
     takeBack(tokenThatStandsThere());
     if (!token_.isEmpty()) {
+        const std::lock_guard guard(environmentLock());
         qputenv(activationTokenVariable, token_);
         tokenThatStandsThere() = token_;
     }

@@ -1,5 +1,6 @@
 #include "platform/posix/child_environment.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -13,7 +14,8 @@ bool isForThisProcessAlone(std::string_view variable) {
     const std::size_t end = variable.find('=');
     const std::string_view name = variable.substr(0, end);
     return end != std::string_view::npos &&
-           (name == activationTokenVariable || name == startupIDVariable);
+           std::find(activationVariables.begin(), activationVariables.end(), name) !=
+               activationVariables.end();
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace tallowcrest {
 /// A folder of the file system. What is made in it is the owner's alone to read: a report names
 /// processes, machines and accounts. A report appears whole or not at all; only on file systems
 /// without hard links, where its name is reserved first, a kill between the two steps leaves an
-/// empty file.
+/// empty file. A kill may leave the hidden file in which the text was written.
 class PosixReportFolder final : public ReportFolder {
 public:
     /// Where the folder is; empty when there is none.

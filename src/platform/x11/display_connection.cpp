@@ -15,6 +15,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/posix/environment_lock.h"
 #include "platform/posix/local_socket.h"
 #include "platform/posix/unique_fd.h"
 #include "platform/x11/xcb_memory.h"
@@ -33,8 +34,11 @@ std::optional<DisplayName> localDisplayName() {
     char* parsedHost = nullptr;
     int display = 0;
     DisplayName name;
-    if (xcb_parse_display(nullptr, &parsedHost, &display, &name.screen) == 0) {
-        return std::nullopt;
+    {
+        const std::lock_guard guard(environmentLock());
+        if (xcb_parse_display(nullptr, &parsedHost, &display, &name.screen) == 0) {
+            return std::nullopt;
+        }
     }
     const XcbMemory<char> host(parsedHost);
     const std::string_view hostName(host.get());
@@ -69,9 +73,8 @@ using Auth = std::unique_ptr<Xauth, DisposeAuth>;
 
 /// The owner's leave to use the display. Null where none is kept; some displays ask for none.
 Auth authFor(const DisplayName& name) {
-    // The library builds its file's name in a buffer that all threads share.
-    static std::mutex lock;
-    const std::lock_guard guard(lock);
+    // The library builds its file's name from the environment, in a buffer that all threads share.
+    const std::lock_guard guard(environmentLock());
     const std::string host = windowHostName();
     std::string type = "MIT-MAGIC-COOKIE-1";
     std::array<char*, 1> types{type.data()};

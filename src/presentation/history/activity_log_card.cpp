@@ -62,6 +62,11 @@ void ActivityLogCard::refresh() {
     for (const ActivityEvent& event : events) {
         identifiers.push_back(event.id);
     }
+    // Times of an earlier day bear its date.
+    const QDate day = dashboard_text::localDay(now);
+    if (identifiers == shown_ && day == shownDay_) {
+        return;
+    }
     matchEntries(identifiers);
     const std::vector<ActivityLine> lines = activityLines(events, events.size(), now);
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -69,6 +74,7 @@ void ActivityLogCard::refresh() {
         entries_[i]->show();
     }
     shown_ = std::move(identifiers);
+    shownDay_ = day;
     setCaption(eventCount(events.size()));
     empty_->setVisible(events.empty());
     list_->setVisible(!events.empty());

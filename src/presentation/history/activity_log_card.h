@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include <QDate>
+
 #include "core/uuid.h"
 #include "presentation/card.h"
 
@@ -36,6 +38,7 @@ private:
     QVBoxLayout* rows_ = nullptr;
     std::vector<ActivityEntry*> entries_;
     std::vector<UUID> shown_;  ///< one for each of `entries_`
+    QDate shownDay_;           ///< of which times are told without a date
 };
 
 }  // namespace tallowcrest

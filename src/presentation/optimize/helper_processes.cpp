@@ -2,14 +2,20 @@
 
 #include <utility>
 
-#include "actions/app_group.h"
 #include "presentation/optimize/selected_offender.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
 
 std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::string_view group) {
-    return groupMembers(rowsInOrder(sample.latestProcesses(), sample.impactOrder()), group);
+    const std::vector<ProcessSample>& processes = sample.latestProcesses();
+    std::vector<ProcessSample> members;
+    for (const std::size_t index : sample.impactOrder()) {
+        if (appGroupName(processes[index]) == group) {
+            members.push_back(processes[index]);
+        }
+    }
+    return members;
 }
 
 HelperProcessesModel::HelperProcessesModel(ProtectionPolicy policy, QObject* parent)

@@ -68,7 +68,7 @@ RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
 }
 
 void RemoteTab::takeUser() {
-    if (!refusal_->isHidden()) {
+    if (!user_->isModified() || !refusal_->isHidden()) {
         // Nothing was typed since, and once is enough to be told.
         return;
     }

@@ -71,7 +71,6 @@ void SafetyTab::showNames() {
 }
 
 QWidget* SafetyTab::makeName(const std::string& name) {
-    // A group may be called anything; one line is to stay one line.
     const QString shown = dashboard_text::text(name);
     auto* row = new QWidget(neverQuit_);
     auto* layout = new QHBoxLayout(row);

@@ -15,7 +15,7 @@ class SystemMonitor;
 class TabStrip;
 
 /// Where configuration lives. It hangs on the whole window and is there while the navigation says
-/// so; however it goes away, it tells the navigation. Hidden, it does no work. Main thread.
+/// so; however it goes away, it tells the navigation. Main thread.
 class SettingsSheet final : public WindowDialog {
     Q_OBJECT
 
