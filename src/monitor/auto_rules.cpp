@@ -137,7 +137,8 @@ void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {
 }
 
 double AutoRules::sustainedMemoryAverage() const {
-    return load_rules::sustainedMemoryAverage(with_.sample.history());
+    // What lasted at the end of an earlier run, perhaps days ago, does not last now.
+    return load_rules::sustainedMemoryAverage(with_.sample.historyOfThisRun());
 }
 
 }  // namespace tallowcrest

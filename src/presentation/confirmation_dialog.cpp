@@ -208,7 +208,12 @@ void ConfirmationDialog::confirm() {
 
 void ConfirmationDialog::reject() {
     if (!showsPending()) {
-        refresh();
+        if (parentWidget()->isVisible()) {
+            refresh();
+        } else {
+            // The other question waits for the window.
+            leave(Rejected);
+        }
         return;
     }
     leave(Rejected);

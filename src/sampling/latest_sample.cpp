@@ -57,6 +57,7 @@ void LatestSample::appendHistoryPoint() {
     }
     history_.push_back(HistoryPoint{UUID::random(), snapshot_->sampledAt, snapshot_->cpuPercent,
                                     snapshot_->memory.pressure});
+    ++pointsOfThisRun_;
     if (history_.size() > maximumHistory) {
         history_.erase(history_.begin(),
                        history_.end() - static_cast<std::ptrdiff_t>(maximumHistory));

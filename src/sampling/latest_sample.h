@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -34,8 +36,12 @@ public:
     /// The indexes of `latestProcesses` in impact order. The snapshot's own ranking stops at its
     /// cap; a person who looks for a process looks for any process.
     const std::vector<std::size_t>& impactOrder() const { return impactOrder_; }
-    /// Oldest first.
+    /// Oldest first. Begins with what an earlier run stored.
     const std::vector<HistoryPoint>& history() const { return history_; }
+    /// The part of it that samples of this run added. Points into the history.
+    std::span<const HistoryPoint> historyOfThisRun() const {
+        return std::span(history_).last(std::min(pointsOfThisRun_, history_.size()));
+    }
     /// How many samples each application group led in this run.
     const std::map<std::string, std::int64_t>& topAppSamples() const { return topAppSamples_; }
 
@@ -62,6 +68,7 @@ private:
     std::vector<ProcessSample> latestProcesses_;
     std::vector<std::size_t> impactOrder_;
     std::vector<HistoryPoint> history_;
+    std::size_t pointsOfThisRun_ = 0;
     std::map<std::string, std::int64_t> topAppSamples_;
     std::vector<Recommendation> recommendations_;
     std::vector<SessionInsight> sessionInsights_;

@@ -112,6 +112,22 @@ struct Safety {
     bool operator==(const Safety&) const = default;
 };
 
+TEST_F(MonitorWiring, WhatMemoryWasInAnEarlierRunAsksForNoPurge) {
+    machine.store.write(settings_keys::autoPurgeKey, true);
+    machine.metrics->memory.pressure = 95.0;
+    for (int i = 0; i < 15; ++i) {
+        machine.tick();
+        EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), i == 14) << i;
+    }
+    machine.restart();
+    for (int i = 0; i < 15; ++i) {
+        EXPECT_GE(monitor().sample().history().size(), 15U);
+        EXPECT_FALSE(monitor().confirmations().pendingConfirmation()) << i;
+        machine.tick();
+    }
+    EXPECT_TRUE(monitor().confirmations().pendingConfirmation());
+}
+
 TEST_F(MonitorWiring, TheNeverQuitListRegroupsWhatIsShownAtOnce) {
     const Safety open{701, 1};
     const Safety guarded{700, 2};

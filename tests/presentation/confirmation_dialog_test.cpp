@@ -319,6 +319,21 @@ TEST_F(ConfirmationDialogTest, WaitsForAWindowThatIsClosed) {
     EXPECT_THAT(canceled, IsEmpty());
 }
 
+TEST_F(ConfirmationDialogTest, OneThatCameWithTheClosingWaitsForTheWindow) {
+    showAndAsk();
+    desk().requestConfirmation(probe("Second?"));
+    window().close();
+    settle();
+    EXPECT_FALSE(isOpen());
+    ASSERT_TRUE(desk().pendingConfirmation());
+    EXPECT_EQ(desk().pendingConfirmation()->title, "Second?");
+    window().bringToFront();
+    settle();
+    EXPECT_TRUE(isOpen());
+    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Second?"));
+    EXPECT_THAT(canceled, IsEmpty());
+}
+
 TEST_F(ConfirmationDialogTest, AMinimisedWindowKeepsItsQuestion) {
     showAndAsk();
     window().showMinimized();
