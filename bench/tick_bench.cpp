@@ -20,6 +20,7 @@
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
+#include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
 namespace tallowcrest {
