@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 namespace tallowcrest {
@@ -30,7 +32,21 @@ private:
 }  // namespace
 
 void QtMainQueue::post(std::function<void()> work) {
-    QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+    {
+        const std::lock_guard guard(lock_);
+        pending_.push_back(std::move(work));
+    }
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+void QtMainQueue::customEvent(QEvent* /*event*/) {
+    std::function<void()> work;
+    {
+        const std::lock_guard guard(lock_);
+        work = std::move(pending_.front());
+        pending_.pop_front();
+    }
+    work();
 }
 
 std::unique_ptr<RepeatingTimer> QtMainQueue::scheduleRepeating(std::chrono::milliseconds interval,

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <deque>
+#include <functional>
+#include <mutex>
+
 #include <QObject>
 
 #include "core/queues.h"
@@ -12,6 +16,15 @@ public:
     void post(std::function<void()> work) override;
     [[nodiscard]] std::unique_ptr<RepeatingTimer> scheduleRepeating(
         std::chrono::milliseconds interval, std::function<void()> work) override;
+
+protected:
+    void customEvent(QEvent* event) override;
+
+private:
+    // Work changes threads here, and the event is only the call: inside Qt the thread sanitizer
+    // sees memory but no lock, and would report each sample as a race.
+    std::mutex lock_;
+    std::deque<std::function<void()>> pending_;
 };
 
 }  // namespace tallowcrest

@@ -10,6 +10,7 @@
 #include "core/settings.h"
 #include "integration/warning_notifications.h"
 #include "platform/desktop/dbus_notification_center.h"
+#include "platform/desktop/qt_main_queue.h"
 
 using namespace tallowcrest;
 
@@ -63,15 +64,14 @@ int main(int argc, char** argv) {
         &center, settings,
         {[](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }, {}, {}});
     notifications.registerNotificationCategories();
+    QtMainQueue queue;
     std::thread reader([&] {
         std::string line;
         do {
             if (!std::getline(std::cin, line)) {
                 line = "quit";
             }
-            QMetaObject::invokeMethod(
-                &application, [&, line] { obey(line, notifications, settings); },
-                Qt::QueuedConnection);
+            queue.post([&, line] { obey(line, notifications, settings); });
         } while (line != "quit");
     });
     std::cout << "ready" << std::endl;
