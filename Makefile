@@ -2,15 +2,16 @@
 # only the order of steps.
 
 .DEFAULT_GOAL := help
-.PHONY: help build run test bench screenshots fuzz asan tsan format format-check tidy clean
+.PHONY: help build run test check bench screenshots fuzz asan tsan format format-check tidy clean
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
 FUZZ_SECONDS ?= 20
 
 # The presets compile the same sources into different folders. Without the folder in the cache's
-# key they share their results.
+# key they share their results. A precompiled header is known to the cache by its content.
 export CCACHE_NOHASHDIR := 1
+export CCACHE_SLOPPINESS := pch_defines,time_macros
 
 SOURCES = find src tests fuzz bench -name '*.h' -o -name '*.cpp'
 
@@ -20,6 +21,7 @@ prepare = cmake --preset $(1) && cmake --build build/$(1) -j $(JOBS) --target $(
 help:
 	@echo 'make run           build the program and start it (without a display: --headless)'
 	@echo 'make test          build everything, warnings being errors, and run all tests'
+	@echo 'make check         build and run the unit tests alone'
 	@echo ''
 	@echo 'make build         build what is shipped: build/release/tallowcrest'
 	@echo 'make bench         micro-benchmarks, then the whole program beside its neighbours'
@@ -46,12 +48,18 @@ run: build
 	    exec build/release/tallowcrest --headless $(ARGS); \
 	fi
 
-# The program without Qt is built too: it proves that nothing below the window needs it.
+# The program without Qt is built too: it proves that nothing below the window needs it, and that
+# sources include what they use.
 test:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,all)
 	$(call prepare,headless,tallowcrest)
-	ctest --test-dir build/dev --output-on-failure -j $(JOBS)
+	ctest --preset dev -j $(JOBS)
+
+check:
+	@$(BOOTSTRAP)
+	$(call prepare,dev,unit_tests)
+	ctest --preset unit -j $(JOBS)
 
 bench:
 	@$(BOOTSTRAP)

@@ -1,3 +1,5 @@
+include(cmake/precompiled.cmake)
+
 # tallowcrest_layer(NAME SOURCES... [DEPENDS layer...] [LIBRARIES target...])
 #
 # One folder of src/ as one static library, linked to just the layers that it may include.
@@ -11,26 +13,47 @@ function(tallowcrest_layer name)
         ${target}
         PUBLIC ${LAYER_DEPENDS} ${LAYER_LIBRARIES}
         PRIVATE tallowcrest_options)
+    if("${LAYER_LIBRARIES}" MATCHES "Qt6::(Widgets|DBus)")
+        tallowcrest_precompile(${target} qt)
+    else()
+        tallowcrest_precompile(${target} std)
+    endif()
 endfunction()
 
-# tallowcrest_test(NAME SOURCES... [MAIN file] [LIBRARIES target...] [PROPERTIES ...])
+# tallowcrest_test(NAME [QT] LABEL unit|desktop|e2e SOURCES... [LIBRARIES target...]
+#                  [PROPERTIES ...])
 #
-# One GoogleTest program; each of its cases becomes one test of ctest. MAIN names a file with a main
-# function of its own, for tests that need more than GoogleTest's.
+# One GoogleTest program; each of its cases becomes one test of ctest. With QT it has an application
+# object, and the offscreen platform where nothing else is asked for.
+#
+# unit     needs neither a desktop nor the built programs; `make check` runs these
+# desktop  needs Qt, a display or a session bus of its own
+# e2e      runs the built programs
 function(tallowcrest_test name)
-    cmake_parse_arguments(TEST "" "MAIN" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
-    add_executable(${name} ${TEST_SOURCES} ${TEST_MAIN})
+    cmake_parse_arguments(TEST "QT" "LABEL" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
+    add_executable(${name} ${TEST_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} tallowcrest_options GTest::gmock
-                                          $<IF:$<BOOL:${TEST_MAIN}>,GTest::gtest,GTest::gtest_main>)
+    target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} tallowcrest_options
+                                          tallowcrest_test_options GTest::gmock)
     target_compile_definitions(
         ${name} PRIVATE TALLOWCREST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                         TALLOWCREST_BINARY_DIR="${PROJECT_BINARY_DIR}")
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    if(TEST_QT)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/qt_test_main.cpp)
+        target_link_libraries(${name} PRIVATE Qt6::Widgets Qt6::Test)
+        tallowcrest_precompile(${name} qt_test)
+    else()
+        target_link_libraries(${name} PRIVATE GTest::gtest_main)
+        tallowcrest_precompile(${name} test)
+    endif()
+    if(TEST_LABEL STREQUAL "unit")
+        add_dependencies(unit_tests ${name})
+    endif()
     gtest_discover_tests(
         ${name}
         DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT 120 ${TEST_PROPERTIES})
+        PROPERTIES TIMEOUT 120 LABELS ${TEST_LABEL} ${TEST_PROPERTIES})
 endfunction()
 
 # tallowcrest_fuzz(NAME SOURCES... [LIBRARIES target...])

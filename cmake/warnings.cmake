@@ -28,3 +28,7 @@ if(TALLOWCREST_SANITIZE)
                                                              -Wno-maybe-uninitialized)
     endif()
 endif()
+
+# Tests are built once and run once: optimising them costs more than it saves.
+add_library(tallowcrest_test_options INTERFACE)
+target_compile_options(tallowcrest_test_options INTERFACE -O0)

@@ -1,0 +1,69 @@
+# Precompiled headers: what nearly every file of a kind includes anyway, parsed once. A source still
+# includes what it uses; the preset "headless" builds without them and would show what is missing.
+#
+#   std       the standard library and fmt
+#   qt        std, and the toolkit's common headers
+#   test      std, GoogleTest and GoogleMock
+#   qt_test   qt, GoogleTest and GoogleMock
+
+set(PRECOMPILED_std
+    <algorithm>
+    <array>
+    <chrono>
+    <cmath>
+    <cstddef>
+    <cstdint>
+    <filesystem>
+    <functional>
+    <map>
+    <memory>
+    <mutex>
+    <optional>
+    <set>
+    <span>
+    <string>
+    <string_view>
+    <utility>
+    <variant>
+    <vector>
+    <fmt/format.h>)
+set(PRECOMPILED_qt
+    ${PRECOMPILED_std}
+    <QAccessible>
+    <QApplication>
+    <QBoxLayout>
+    <QEvent>
+    <QFontMetrics>
+    <QImage>
+    <QLabel>
+    <QLocale>
+    <QObject>
+    <QPainter>
+    <QPushButton>
+    <QScrollArea>
+    <QScrollBar>
+    <QString>
+    <QStringList>
+    <QTimer>
+    <QWidget>)
+set(PRECOMPILED_test ${PRECOMPILED_std} <gmock/gmock.h> <gtest/gtest.h>)
+set(PRECOMPILED_qt_test ${PRECOMPILED_qt} <gmock/gmock.h> <gtest/gtest.h>)
+
+# tallowcrest_precompile(TARGET KIND): uses the headers of that kind. They are compiled once, with
+# the first target that asks for them, so all of its users need the same compiler options.
+function(tallowcrest_precompile target kind)
+    set(holder tallowcrest_precompiled_${kind})
+    if(NOT TARGET ${holder})
+        file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/precompiled/${kind}.cpp CONTENT "")
+        add_library(${holder} OBJECT ${PROJECT_BINARY_DIR}/precompiled/${kind}.cpp)
+        target_link_libraries(${holder} PRIVATE tallowcrest_options fmt::fmt)
+        if(kind MATCHES "qt")
+            target_link_libraries(${holder} PRIVATE Qt6::Widgets)
+        endif()
+        if(kind MATCHES "test")
+            target_link_libraries(${holder} PRIVATE GTest::gmock tallowcrest_test_options)
+        endif()
+        target_precompile_headers(${holder} PRIVATE ${PRECOMPILED_${kind}})
+    endif()
+    target_precompile_headers(${target} REUSE_FROM ${holder})
+endfunction()
