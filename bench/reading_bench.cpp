@@ -19,7 +19,7 @@
 #include "platform/linux/procfs_metrics_reader.h"
 #include "platform/linux/procfs_pid_list.h"
 #include "platform/linux/procfs_process_table.h"
-#include "platform/posix/unique_fd.h"
+#include "platform/base/unique_fd.h"
 #include "sampling/proc_parser.h"
 #include "sampling/ps_parser.h"
 

@@ -13,9 +13,9 @@ function(tallowcrest_layer name)
         ${target}
         PUBLIC ${LAYER_DEPENDS} ${LAYER_LIBRARIES}
         PRIVATE tallowcrest_options)
-    if("${LAYER_LIBRARIES}" MATCHES "Qt6::(Widgets|DBus)")
+    if("${LAYER_LIBRARIES}" MATCHES "Qt6::Widgets")
         tallowcrest_precompile(${target} qt)
-    else()
+    elseif(NOT "${LAYER_LIBRARIES}" MATCHES "Qt6::")
         tallowcrest_precompile(${target} std)
     endif()
 endfunction()

@@ -1,7 +1,7 @@
 # Precompiled headers: what nearly every file of a kind includes anyway, parsed once. A source still
 # includes what it uses; the preset "headless" builds without them and would show what is missing.
 #
-#   std       the standard library and fmt
+#   std       the standard library
 #   qt        std, and the toolkit's common headers
 #   test      std, GoogleTest and GoogleMock
 #   qt_test   qt, GoogleTest and GoogleMock
@@ -25,8 +25,7 @@ set(PRECOMPILED_std
     <string_view>
     <utility>
     <variant>
-    <vector>
-    <fmt/format.h>)
+    <vector>)
 set(PRECOMPILED_qt
     ${PRECOMPILED_std}
     <QAccessible>
@@ -56,7 +55,7 @@ function(tallowcrest_precompile target kind)
     if(NOT TARGET ${holder})
         file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/precompiled/${kind}.cpp CONTENT "")
         add_library(${holder} OBJECT ${PROJECT_BINARY_DIR}/precompiled/${kind}.cpp)
-        target_link_libraries(${holder} PRIVATE tallowcrest_options fmt::fmt)
+        target_link_libraries(${holder} PRIVATE tallowcrest_options)
         if(kind MATCHES "qt")
             target_link_libraries(${holder} PRIVATE Qt6::Widgets)
         endif()

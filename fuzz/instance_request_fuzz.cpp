@@ -4,7 +4,7 @@
 #include <string_view>
 #include <variant>
 
-#include "platform/posix/instance_request.h"
+#include "platform/instance/instance_request.h"
 
 #include "fuzz/require.h"
 

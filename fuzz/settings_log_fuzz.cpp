@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/sqlite/settings_log.h"
+#include "platform/settings/settings_log.h"
 
 #include "fuzz/require.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/sqlite/settings_row.h"
+#include "platform/settings/settings_row.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include "core/queues.h"
 #include "integration/notification_center.h"
 #include "monitor/system_monitor.h"
-#include "platform/posix/report_folder_posix.h"
-#include "platform/posix/system_clock.h"
-#include "platform/posix/thread_work_queue.h"
-#include "platform/posix/tool_launcher_posix.h"
-#include "platform/sqlite/open_settings_store.h"
+#include "platform/base/report_folder_posix.h"
+#include "platform/base/system_clock.h"
+#include "platform/base/thread_work_queue.h"
+#include "platform/settings/open_settings_store.h"
+#include "platform/tools/tool_launcher_posix.h"
 
 namespace tallowcrest {
 

@@ -7,7 +7,7 @@
 #include "app/composition.h"
 #include "app/console.h"
 #include "app/headless_format.h"
-#include "platform/posix/run_loop.h"
+#include "platform/base/run_loop.h"
 
 namespace tallowcrest {
 namespace {

@@ -13,8 +13,8 @@
 #include "app/command_line.h"
 #include "app/console.h"
 #include "app/headless.h"
+#include "platform/base/standard_streams.h"
 #include "platform/host.h"
-#include "platform/posix/standard_streams.h"
 
 // The entry program knows nothing of the window's libraries: loading them alone would cost a
 // headless run more memory than all of its own work. The window is a program of its own beside

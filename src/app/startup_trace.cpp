@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/host.h"
-#include "presentation/dashboard_window.h"
+#include "presentation/shell/dashboard_window.h"
 
 namespace tallowcrest {
 

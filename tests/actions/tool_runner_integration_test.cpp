@@ -11,7 +11,7 @@
 #include "actions/tool_runner.h"
 #include "core/activity_log.h"
 #include "core/observable.h"
-#include "platform/posix/tool_launcher_posix.h"
+#include "platform/tools/tool_launcher_posix.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 

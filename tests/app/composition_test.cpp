@@ -11,7 +11,7 @@
 
 #include "core/record_json.h"
 #include "core/settings_keys.h"
-#include "platform/posix/run_loop.h"
+#include "platform/base/run_loop.h"
 #include "tests/app/private_data.h"
 #include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"

@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "platform/posix/system_clock.h"
+#include "platform/base/system_clock.h"
 #include "tests/app/headless_program.h"
 #include "tests/app/private_data.h"
 #include "tests/support/file_text.h"

@@ -18,11 +18,16 @@ constexpr std::array<std::string_view, 11> layers{
 /// The highest layer that declares ports for platform/ to implement.
 constexpr std::string_view highestPortLayer = "integration";
 
-constexpr std::array<std::string_view, 8> platformLayers{
-    "platform",       "platform/posix", "platform/icu", "platform/sqlite",
-    "platform/linux", "platform/macos", "platform/x11", "platform/desktop"};
+constexpr std::array<std::string_view, 10> platformLayers{
+    "platform",     "platform/base",  "platform/tools", "platform/instance", "platform/settings",
+    "platform/icu", "platform/linux", "platform/macos", "platform/x11",      "platform/desktop"};
 
-constexpr std::array<std::string_view, 3> qtLayers{"presentation", "platform/desktop", "app"};
+/// The pieces of the window that take plain values. A library of its own, so that nothing of the
+/// monitor can be reached from it.
+constexpr std::string_view widgetLayer = "presentation/widgets";
+
+constexpr std::array<std::string_view, 4> qtLayers{"presentation", widgetLayer, "platform/desktop",
+                                                   "app"};
 
 constexpr std::array<std::string_view, 16> systemMacros{
     "__linux__",   "__linux", "linux",       "__gnu_linux__", "__APPLE__", "__MACH__",
@@ -31,7 +36,8 @@ constexpr std::array<std::string_view, 16> systemMacros{
 
 /// The libraries that carry Qt. app/ is not among them: what it has as a library also goes into the
 /// program that has no window.
-constexpr std::array<std::string_view, 2> qtLibraries{"presentation", "platform/desktop"};
+constexpr std::array<std::string_view, 3> qtLibraries{"presentation", widgetLayer,
+                                                      "platform/desktop"};
 
 constexpr std::string_view layerTargetPrefix = "tallowcrest_";
 constexpr std::string_view windowlessProgram = "tallowcrest";
@@ -61,12 +67,15 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
     if (const auto rank = rankOf(to)) {
         return *rank <= *rankOf(highestPortLayer);
     }
-    // The desktop's services ask windows too, where there are windows of that kind.
-    if (from == "platform/desktop" && to == "platform/x11") {
+    // The desktop's services ask windows too, where there are windows of that kind, and listen for
+    // other starts of the program.
+    if (from == "platform/desktop" && (to == "platform/x11" || to == "platform/instance")) {
         return true;
     }
-    const bool shared = to == "platform" || to == "platform/posix";
-    return shared && (from != "platform") && (from != "platform/posix" || to == "platform");
+    if (from == "platform" || to == "platform") {
+        return from != "platform";
+    }
+    return to == "platform/base" || (to == "platform/tools" && from != "platform/base");
 }
 
 bool isSource(const SourceFile& file) {
@@ -95,8 +104,10 @@ bool namesAnOperatingSystem(const std::string& identifier) {
 
 /// "platform_linux" is the name that the folder platform/linux bears in the build files.
 std::string layerOfTargetName(std::string name) {
-    if (startsWith(name, "platform_")) {
-        name.replace(0, std::string_view("platform_").size(), "platform/");
+    for (const std::string_view folder : {"platform", "presentation"}) {
+        if (startsWith(name, std::string(folder) + '_')) {
+            name[folder.size()] = '/';
+        }
     }
     return name;
 }
@@ -245,10 +256,14 @@ std::string layerOf(std::string_view path) {
             return std::string(path.substr(0, second));
         }
     }
-    return std::string(folder);
+    return startsWith(path, std::string(widgetLayer) + '/') ? std::string(widgetLayer)
+                                                            : std::string(folder);
 }
 
 bool mayInclude(std::string_view from, std::string_view to) {
+    if (from == widgetLayer || to == widgetLayer) {
+        return from == to || (to == widgetLayer && (from == "presentation" || from == "app"));
+    }
     const bool fromPlatform = contains(platformLayers, from);
     if ((!fromPlatform && !rankOf(from)) || (!contains(platformLayers, to) && !rankOf(to))) {
         return false;

@@ -24,7 +24,8 @@ auto violation(const std::string& path, std::size_t line, const std::string& wor
 
 TEST(LayerRules, AFileBelongsToItsFolder) {
     EXPECT_EQ(layerOf("core/date.h"), "core");
-    EXPECT_EQ(layerOf("presentation/overview/page.cpp"), "presentation");
+    EXPECT_EQ(layerOf("presentation/screens/overview/page.cpp"), "presentation");
+    EXPECT_EQ(layerOf("presentation/widgets/card.cpp"), "presentation/widgets");
     EXPECT_EQ(layerOf("platform/linux/places.cpp"), "platform/linux");
     EXPECT_EQ(layerOf("platform/places.h"), "platform");
     EXPECT_EQ(layerOf("date.h"), "");
@@ -56,22 +57,32 @@ INSTANTIATE_TEST_SUITE_P(
         Edge{"app", "platform/linux", true}, Edge{"app", "presentation", true},
         Edge{"platform/linux", "sampling", true}, Edge{"platform/linux", "integration", true},
         Edge{"platform/linux", "monitor", false}, Edge{"platform/desktop", "presentation", false},
-        Edge{"platform/linux", "app", false}, Edge{"platform/linux", "platform/posix", true},
-        Edge{"platform/macos", "platform/posix", true},
-        Edge{"platform/desktop", "platform/posix", true},
-        Edge{"platform/desktop", "platform/x11", true},
-        Edge{"platform/x11", "platform/posix", true}, Edge{"platform/x11", "actions", true},
-        Edge{"platform/x11", "platform/desktop", false},
+        Edge{"platform/linux", "app", false}, Edge{"platform/linux", "platform/tools", true},
+        Edge{"platform/linux", "platform/base", true},
+        Edge{"platform/macos", "platform/tools", true},
+        Edge{"platform/desktop", "platform/base", true},
+        Edge{"platform/desktop", "platform/instance", true},
+        Edge{"platform/tools", "platform/base", true},
+        Edge{"platform/base", "platform/tools", false},
+        Edge{"platform/linux", "platform/instance", false},
+        Edge{"presentation", "presentation/widgets", true},
+        Edge{"app", "presentation/widgets", true},
+        Edge{"presentation/widgets", "presentation/widgets", true},
+        Edge{"presentation/widgets", "presentation", false},
+        Edge{"presentation/widgets", "monitor", false}, Edge{"presentation/widgets", "core", false},
+        Edge{"monitor", "presentation/widgets", false},
+        Edge{"platform/desktop", "platform/x11", true}, Edge{"platform/x11", "platform/base", true},
+        Edge{"platform/x11", "actions", true}, Edge{"platform/x11", "platform/desktop", false},
         Edge{"platform/linux", "platform/x11", false}, Edge{"presentation", "platform/x11", false},
-        Edge{"platform/posix", "platform/linux", false},
-        Edge{"platform/posix", "platform/desktop", false}, Edge{"platform/icu", "core", true},
-        Edge{"platform/sqlite", "platform/posix", true},
-        Edge{"platform/sqlite", "platform/icu", false},
-        Edge{"platform/linux", "platform/sqlite", false},
+        Edge{"platform/base", "platform/linux", false},
+        Edge{"platform/tools", "platform/desktop", false}, Edge{"platform/icu", "core", true},
+        Edge{"platform/settings", "platform/base", true},
+        Edge{"platform/settings", "platform/icu", false},
+        Edge{"platform/linux", "platform/settings", false},
         Edge{"platform/linux", "platform/icu", false}, Edge{"monitor", "platform/icu", false},
         Edge{"platform/linux", "platform/macos", false},
         Edge{"platform/desktop", "platform/linux", false}, Edge{"platform/linux", "platform", true},
-        Edge{"platform", "platform/linux", false}, Edge{"platform", "platform/posix", false},
+        Edge{"platform", "platform/linux", false}, Edge{"platform", "platform/base", false},
         Edge{"helpers", "core", false}, Edge{"core", "helpers", false},
         Edge{"app", "helpers", false}, Edge{"helpers", "helpers", false}, Edge{"", "core", false}));
 
@@ -127,7 +138,7 @@ class PlatformCondition : public testing::TestWithParam<std::string> {};
 
 TEST_P(PlatformCondition, IsFoundOutsideThePlatformFolder) {
     const std::string text = "\n" + GetParam() + "\n#endif\n";
-    EXPECT_THAT(strayPlatformConditions({{"sampling/a.cpp", text}, {"platform/posix/b.cpp", text}}),
+    EXPECT_THAT(strayPlatformConditions({{"sampling/a.cpp", text}, {"platform/base/b.cpp", text}}),
                 ElementsAre(violation("sampling/a.cpp", 2, "platform/")));
 }
 

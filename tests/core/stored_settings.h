@@ -10,7 +10,7 @@
 
 #include "core/settings.h"
 #include "core/settings_store.h"
-#include "platform/sqlite/open_settings_store.h"
+#include "platform/settings/open_settings_store.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"

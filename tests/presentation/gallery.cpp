@@ -19,15 +19,15 @@
 #include <QStyleFactory>
 #include <QVBoxLayout>
 
-#include "presentation/bar_list.h"
-#include "presentation/card.h"
-#include "presentation/elided_label.h"
-#include "presentation/gauge_card.h"
-#include "presentation/icon.h"
-#include "presentation/icon_view.h"
-#include "presentation/stable_line_graph.h"
-#include "presentation/summary_card.h"
-#include "presentation/theme.h"
+#include "presentation/widgets/bar_list.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/gauge_card.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/stable_line_graph.h"
+#include "presentation/widgets/summary_card.h"
+#include "presentation/widgets/theme.h"
 #include "tests/presentation/overview_gallery.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "presentation/crest_style.h"
-#include "presentation/dashboard_window.h"
+#include "presentation/shell/dashboard_window.h"
+#include "presentation/widgets/crest_style.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {

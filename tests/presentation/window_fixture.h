@@ -11,11 +11,11 @@
 #include <QTest>
 #include <gmock/gmock.h>
 
-#include "presentation/crest_style.h"
-#include "presentation/dashboard_window.h"
-#include "presentation/elided_label.h"
-#include "presentation/process_table_model.h"
-#include "presentation/process_table_view.h"
+#include "presentation/screens/load/process_table_model.h"
+#include "presentation/screens/load/process_table_view.h"
+#include "presentation/shell/dashboard_window.h"
+#include "presentation/widgets/crest_style.h"
+#include "presentation/widgets/elided_label.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {

@@ -24,9 +24,7 @@ public:
         }
         return problem;
     }
-    void reveal(const std::filesystem::path& file) override {
-        revealed.push_back(file.filename());
-    }
+    void reveal(const std::filesystem::path& file) override { revealed.push_back(file.filename()); }
 
     std::optional<std::string> problem;
     std::map<std::string, std::string> written;

@@ -8,8 +8,8 @@
 #include <QProcessEnvironment>
 #include <QUrl>
 
+#include "platform/base/activation_variables.h"
 #include "platform/host.h"
-#include "platform/posix/activation_variables.h"
 
 namespace tallowcrest {
 namespace {

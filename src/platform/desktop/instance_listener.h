@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
-#include "platform/posix/instance_guard.h"
+#include "platform/instance/instance_guard.h"
 
 namespace tallowcrest {
 

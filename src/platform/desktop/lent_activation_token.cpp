@@ -6,8 +6,8 @@
 #include <QCoreApplication>
 #include <QMetaObject>
 
-#include "platform/posix/activation_variables.h"
-#include "platform/posix/environment_lock.h"
+#include "platform/base/activation_variables.h"
+#include "platform/base/environment_lock.h"
 
 namespace tallowcrest {
 namespace {

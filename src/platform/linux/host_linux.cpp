@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "actions/cache_purge.h"
+#include "platform/base/user_account.h"
 #include "platform/host.h"
 #include "platform/linux/descriptor_limit.h"
 #include "platform/linux/kernel_file.h"
@@ -16,7 +17,6 @@
 #include "platform/linux/proc_stat_tick_source.h"
 #include "platform/linux/process_identity.h"
 #include "platform/linux/procfs_metrics_reader.h"
-#include "platform/posix/user_account.h"
 #include "sampling/proc_parser.h"
 
 namespace tallowcrest::host {

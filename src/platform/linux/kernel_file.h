@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/posix/unique_fd.h"
+#include "platform/base/unique_fd.h"
 
 namespace tallowcrest {
 

@@ -9,8 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/base/unique_fd.h"
 #include "platform/linux/process_identity.h"
-#include "platform/posix/unique_fd.h"
 
 namespace tallowcrest {
 namespace {

@@ -13,8 +13,8 @@
 
 #include "core/local_records.h"
 #include "core/utf8.h"
+#include "platform/base/unique_fd.h"
 #include "platform/linux/kernel_file.h"
-#include "platform/posix/unique_fd.h"
 
 namespace tallowcrest {
 namespace {

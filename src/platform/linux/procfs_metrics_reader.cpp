@@ -10,9 +10,9 @@
 #include <utility>
 
 #include "core/utf8.h"
-#include "platform/posix/home_volume.h"
-#include "platform/posix/unique_fd.h"
-#include "platform/posix/user_account.h"
+#include "platform/base/home_volume.h"
+#include "platform/base/unique_fd.h"
+#include "platform/base/user_account.h"
 #include "sampling/pressure_text.h"
 #include "sampling/proc_parser.h"
 

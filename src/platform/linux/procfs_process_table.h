@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "core/local_records.h"
+#include "platform/base/unique_fd.h"
 #include "platform/linux/procfs_clocks.h"
 #include "platform/linux/procfs_pid_list.h"
-#include "platform/posix/unique_fd.h"
 #include "sampling/proc_parser.h"
 
 namespace tallowcrest {

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "core/white_space.h"
-#include "platform/posix/unique_fd.h"
-#include "platform/posix/user_account.h"
+#include "platform/base/unique_fd.h"
+#include "platform/base/user_account.h"
 
 namespace tallowcrest {
 namespace {

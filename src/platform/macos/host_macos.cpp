@@ -11,11 +11,11 @@
 
 #include "actions/cache_purge.h"
 #include "actions/kill_tool.h"
+#include "platform/base/user_account.h"
 #include "platform/host.h"
 #include "platform/macos/home_volume_macos.h"
 #include "platform/macos/mach_tick_source.h"
 #include "platform/macos/process_start_time_macos.h"
-#include "platform/posix/user_account.h"
 #include "sampling/metric_runner.h"
 #include "sampling/pro_system_metrics_reader.h"
 

@@ -15,9 +15,9 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/posix/environment_lock.h"
-#include "platform/posix/local_socket.h"
-#include "platform/posix/unique_fd.h"
+#include "platform/base/environment_lock.h"
+#include "platform/base/unique_fd.h"
+#include "platform/instance/local_socket.h"
 #include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {

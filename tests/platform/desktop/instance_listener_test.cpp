@@ -14,9 +14,9 @@
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
-#include "platform/posix/local_socket.h"
-#include "tests/platform/child_scenario.h"
+#include "platform/instance/local_socket.h"
 #include "tests/platform/desktop/turn_until.h"
+#include "tests/platform/support/child_scenario.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {

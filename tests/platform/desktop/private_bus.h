@@ -5,7 +5,7 @@
 #include <QDBusConnection>
 #include <QString>
 
-#include "tests/platform/started_program.h"
+#include "tests/platform/support/started_program.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {

@@ -11,7 +11,7 @@
 
 #include "core/local_records.h"
 #include "tests/platform/desktop/private_bus.h"
-#include "tests/platform/started_program.h"
+#include "tests/platform/support/started_program.h"
 
 namespace tallowcrest {
 

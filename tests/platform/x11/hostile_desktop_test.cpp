@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/x11/window_close_request.h"
-#include "tests/platform/child_scenario.h"
+#include "tests/platform/support/child_scenario.h"
 #include "tests/platform/x11/hostile_desktop_fixture.h"
 #include "tests/platform/x11/test_desktop.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/started_program.h"
+#include "tests/platform/support/started_program.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {

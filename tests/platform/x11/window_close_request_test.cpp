@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/x11/display_connection.h"
-#include "tests/platform/started_program.h"
+#include "tests/platform/support/started_program.h"
 #include "tests/platform/x11/test_desktop.h"
 #include "tests/support/eventually.h"
 

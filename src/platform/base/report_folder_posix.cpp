@@ -1,0 +1,112 @@
+#include "platform/base/report_folder_posix.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "core/uuid.h"
+#include "platform/base/unique_fd.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr mode_t ownerOnly = 0600;
+
+std::string words(int error) {
+    return std::generic_category().message(error);
+}
+
+/// 0, or the error number.
+int writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(file, text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return written < 0 ? errno : EIO;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+/// Gives the finished file its name without ever taking the place of another. 0, or the error
+/// number.
+int giveName(int folder, const std::string& temporary, const std::string& name) {
+    if (::linkat(folder, temporary.c_str(), folder, name.c_str(), 0) == 0) {
+        ::unlinkat(folder, temporary.c_str(), 0);
+        return 0;
+    }
+    const int error = errno;
+    const bool knowsNoLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
+    if (!knowsNoLinks) {
+        return error;
+    }
+    // Some file systems, those of memory cards among them, have one name per file. The name is
+    // reserved first, so that nobody else's file is replaced.
+    const UniqueFD reserved(
+        ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly));
+    if (!reserved.valid()) {
+        return errno;
+    }
+    if (::renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
+        const int renameError = errno;
+        ::unlinkat(folder, name.c_str(), 0);
+        return renameError;
+    }
+    return 0;
+}
+
+}  // namespace
+
+PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
+    : place_(std::move(place)), reveal_(std::move(reveal)) {}
+
+std::optional<std::string> PosixReportFolder::write(const std::filesystem::path& path,
+                                                    const std::string& text) {
+    if (!path.is_absolute()) {
+        return words(ENOENT);
+    }
+    std::error_code made;
+    std::filesystem::create_directories(path.parent_path(), made);
+    const UniqueFD folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.valid()) {
+        // What kept the folder from being made says more than that it is not there.
+        return made ? made.message() : words(errno);
+    }
+    const std::string temporary = "." + UUID::random().text() + ".part";
+    const UniqueFD file(::openat(folder.get(), temporary.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
+    if (!file.valid()) {
+        return words(errno);
+    }
+    int error = writeAll(file.get(), text);
+    // A disk can be found full as late as here.
+    if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
+        error = errno;
+    }
+    if (error == 0) {
+        error = giveName(folder.get(), temporary, path.filename());
+    }
+    if (error != 0) {
+        ::unlinkat(folder.get(), temporary.c_str(), 0);
+        return words(error);
+    }
+    ::fsync(folder.get());
+    return std::nullopt;
+}
+
+void PosixReportFolder::reveal(const std::filesystem::path& file) {
+    if (reveal_) {
+        reveal_(file);
+    }
+}
+
+}  // namespace tallowcrest

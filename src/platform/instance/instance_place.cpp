@@ -1,0 +1,90 @@
+#include "platform/instance/instance_place.h"
+
+#include <sys/stat.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/base/activation_variables.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* programFolder = "/tallowcrest";
+
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+bool isAbsolute(const std::string& path) {
+    return !path.empty() && path.front() == '/';
+}
+
+/// One that another user's session left in the environment is not for us.
+bool isOwnDirectory(const std::string& path, mode_t mayAllow = 07777) {
+    struct stat status {};
+    return isAbsolute(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 07777 & ~mayAllow) == 0;
+}
+
+/// Empty when there is none.
+std::string runtimeDirectory(const InstanceEnvironment& environment) {
+    if (isOwnDirectory(environment.runtimeDirectory)) {
+        return environment.runtimeDirectory;
+    }
+    return isOwnDirectory(environment.usualRuntimeDirectory, S_IRWXU)
+               ? environment.usualRuntimeDirectory
+               : "";
+}
+
+/// The same directory under another spelling is the same directory.
+std::string canonical(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);
+    return error || path.empty() ? path : resolved.string();
+}
+
+/// Sixteen hexadecimal digits, the same for the same text in every build (64 bit FNV-1a).
+std::string digest(std::string_view text) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const char c : text) {
+        hash ^= static_cast<unsigned char>(c);
+        hash *= 0x100000001B3U;
+    }
+    std::string digits(16, '0');
+    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, hash >>= 4U) {
+        *digit = "0123456789abcdef"[hash & 0xFU];
+    }
+    return digits;
+}
+
+}  // namespace
+
+InstanceEnvironment instanceEnvironment(std::string dataDirectory) {
+    utsname system{};
+    const bool hasName = ::uname(&system) == 0;
+    return {variable("XDG_RUNTIME_DIR"), std::move(dataDirectory),
+            hasName ? &system.nodename[0] : "", "/run/user/" + std::to_string(::geteuid())};
+}
+
+std::string desktopActivationToken() {
+    const std::string token = variable(activationTokenVariable);
+    return token.empty() ? variable(startupIDVariable) : token;
+}
+
+InstancePlace instancePlace(const InstanceEnvironment& environment) {
+    const std::string data = canonical(environment.dataDirectory);
+    if (const std::string runtime = runtimeDirectory(environment); !runtime.empty()) {
+        return {runtime + programFolder, "window-" + digest(data)};
+    }
+    return {environment.dataDirectory, "window-" + digest(data + '\n' + environment.machineName)};
+}
+
+}  // namespace tallowcrest

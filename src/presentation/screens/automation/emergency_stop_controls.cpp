@@ -1,0 +1,55 @@
+#include "presentation/screens/automation/emergency_stop_controls.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/commands.h"
+
+namespace tallowcrest {
+
+EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QString& identifier,
+                                             QWidget* parent)
+    : QWidget(parent), monitor_(monitor) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    stop_ =
+        makeButton(commands::emergencyStop, identifier + QStringLiteral(".emergency-stop"), this);
+    stop_->setIcon(themedIcon(QString::fromUtf8(commands::emergencyStop.icon), &CrestTheme::bad));
+    resume_ = makeButton(commands::resumeManualMode,
+                         identifier + QStringLiteral(".resume-manual-mode"), this);
+    buttons->addWidget(stop_);
+    buttons->addWidget(resume_);
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+    auto* words = new ElidedLabel(QString::fromUtf8(commands::emergencyStop.description),
+                                  &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    words->setLines(1, 3);
+    words->setGround(&CrestTheme::cardBackground);
+    layout->addWidget(words);
+
+    connect(stop_, &QPushButton::clicked, this,
+            [this] { monitor_.automation().engageEmergencyStop(); });
+    connect(resume_, &QPushButton::clicked, this,
+            [this] { monitor_.automation().resumeFromEmergencyStop(); });
+    refresh();
+}
+
+void EmergencyStopControls::refresh() {
+    const bool isEngaged = monitor_.automation().isStopEngaged();
+    if (!isEngaged && resume_->hasFocus()) {
+        // The keyboard stays in the row whose button it pressed.
+        stop_->setFocus();
+    }
+    resume_->setVisible(isEngaged);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,69 @@
+#include "presentation/screens/coming/coming_page.h"
+
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/optimize/workspace_bar.h"
+#include "presentation/screens/overview/disk_autopilot_block.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+QString comingLine(AppRoute route) {
+    switch (route) {
+        case AppRoute::optimizationSuggestions:
+            return QStringLiteral(
+                "Here you will find the next steps for CPU, memory and disk, most useful first.");
+        case AppRoute::aiAdvisor:
+            return QStringLiteral(
+                "Here you will read explained recommendations and review proposed actions.");
+        case AppRoute::chat:
+            return QStringLiteral("Here you will ask questions about the current diagnostics.");
+        case AppRoute::remoteMacs:
+            return QStringLiteral("Here you will see the other machines of your tailnet.");
+        default:
+            // The others have screens of their own.
+            return {};
+    }
+}
+
+}  // namespace
+
+ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
+    : Screen(parent), monitor_(monitor), route_(route) {
+    auto* content = new QWidget;
+    auto* layout = makePageColumn(*content);
+    if (WorkspaceBar::isStep(route)) {
+        layout->addWidget(new WorkspaceBar(monitor, route, content));
+    }
+    auto* card = new Card(content);
+    card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
+    card->setAccessibleName(dashboard_text::text(title(route)));
+    line_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    line_->setObjectName(card->objectName() + QStringLiteral(".line"));
+    line_->setLines(1, 3);
+    line_->setGround(&CrestTheme::cardBackground);
+    card->contentLayout()->addWidget(line_);
+    layout->addWidget(card);
+    if (route == AppRoute::optimizationSuggestions) {
+        disk_ = new DiskAutopilotBlock(monitor, QStringLiteral("suggestions"));
+        layout->addWidget(disk_);
+    }
+    layout->addStretch(1);
+    scrollOnPage(content, *this);
+}
+
+void ComingPage::refresh() {
+    const bool hasSample = monitor_.sample().snapshot().has_value();
+    line_->setText(hasSample ? comingLine(route_) : QStringLiteral("Sampling this Mac..."));
+    if (disk_ != nullptr) {
+        disk_->refresh();
+    }
+}
+
+}  // namespace tallowcrest

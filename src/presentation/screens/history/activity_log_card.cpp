@@ -1,0 +1,111 @@
+#include "presentation/screens/history/activity_log_card.h"
+
+#include <algorithm>
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/history/activity_entry.h"
+#include "presentation/widgets/danger_button.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/activity_lines.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+QString eventCount(std::size_t count) {
+    return QStringLiteral("%1 events").arg(count);
+}
+
+}  // namespace
+
+ActivityLogCard::ActivityLogCard(SystemMonitor& monitor, QWidget* parent)
+    : Card(parent), monitor_(monitor) {
+    setObjectName(QStringLiteral("history.activity-log"));
+    setHeader(QStringLiteral("clock"), dashboard_text::text(title(DashboardSection::activityLog)));
+    setCaption(eventCount(0));
+    // One press ends the whole record. So it stands by itself, at the other end of the row, and
+    // Return, meant for something else, does not press it.
+    auto* clear = new DangerButton(this);
+    clear->setTitle(QStringLiteral("Clear"));
+    clear->setObjectName(QStringLiteral("history.clear-log"));
+    clear->setAccessibleDescription(QStringLiteral("Removes every event of the activity log"));
+    clear->setToolTip(clear->accessibleDescription());
+    connect(clear, &QPushButton::clicked, this, [this] { monitor_.log().clearActivityLog(); });
+    headerLayout()->addWidget(clear);
+    clear_ = clear;
+
+    empty_ = new ElidedLabel(QStringLiteral("Actions and warnings will appear here."),
+                             &CrestFonts::body, &CrestTheme::secondaryText, this);
+    empty_->setObjectName(QStringLiteral("history.activity-log-empty"));
+    empty_->setLines(1, 2);
+    empty_->setGround(&CrestTheme::cardBackground);
+    contentLayout()->addWidget(empty_);
+    list_ = new QWidget(this);
+    rows_ = new QVBoxLayout(list_);
+    rows_->setContentsMargins(0, 0, 0, 0);
+    rows_->setSpacing(0);
+    list_->hide();
+    clear_->setEnabled(false);
+    contentLayout()->addWidget(list_);
+}
+
+void ActivityLogCard::refresh() {
+    const std::vector<ActivityEvent>& events = monitor_.log().activityLog();
+    const auto& snapshot = monitor_.sample().snapshot();
+    const Date now = snapshot ? snapshot->sampledAt : Date{};
+    std::vector<UUID> identifiers;
+    identifiers.reserve(events.size());
+    for (const ActivityEvent& event : events) {
+        identifiers.push_back(event.id);
+    }
+    // Times of an earlier day bear its date.
+    const QDate day = dashboard_text::localDay(now);
+    if (identifiers == shown_ && day == shownDay_) {
+        return;
+    }
+    matchEntries(identifiers);
+    const std::vector<ActivityLine> lines = activityLines(events, events.size(), now);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        entries_[i]->setLine(lines[i]);
+        entries_[i]->show();
+    }
+    shown_ = std::move(identifiers);
+    shownDay_ = day;
+    setCaption(eventCount(events.size()));
+    empty_->setVisible(events.empty());
+    list_->setVisible(!events.empty());
+    clear_->setEnabled(!events.empty());
+}
+
+void ActivityLogCard::matchEntries(const std::vector<UUID>& identifiers) {
+    const auto newestShown = shown_.empty()
+                                 ? identifiers.end()
+                                 : std::find(identifiers.begin(), identifiers.end(), shown_[0]);
+    const auto arrived = newestShown - identifiers.begin();
+    const auto firstGone =
+        std::mismatch(newestShown, identifiers.end(), shown_.begin(), shown_.end()).second;
+    const auto kept = static_cast<std::size_t>(firstGone - shown_.begin());
+    for (; entries_.size() > kept; entries_.pop_back()) {
+        rows_->removeWidget(entries_.back());
+        entries_.back()->hide();
+        entries_.back()->deleteLater();
+    }
+    std::vector<ActivityEntry*> newest;
+    for (int i = 0; i < arrived; ++i) {
+        newest.push_back(new ActivityEntry(list_));
+        rows_->insertWidget(i, newest.back());
+    }
+    // Assistive technology goes by the order of the children.
+    std::for_each(newest.rbegin(), newest.rend(), [](ActivityEntry* entry) { entry->lower(); });
+    entries_.insert(entries_.begin(), newest.begin(), newest.end());
+    while (entries_.size() < identifiers.size()) {
+        entries_.push_back(new ActivityEntry(list_));
+        rows_->addWidget(entries_.back());
+    }
+}
+
+}  // namespace tallowcrest

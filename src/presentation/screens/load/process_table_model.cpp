@@ -1,0 +1,258 @@
+#include "presentation/screens/load/process_table_model.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+#include <QLocale>
+
+#include "actions/app_group.h"
+#include "presentation/widgets/tool_tip.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+
+bool haveSameOrder(const std::vector<ProcessSample>& a, const std::vector<ProcessSample>& b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i].pid != b[i].pid) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::unordered_set<std::int64_t> pidsOf(const std::vector<ProcessSample>& rows) {
+    std::unordered_set<std::int64_t> pids;
+    pids.reserve(rows.size());
+    for (const ProcessSample& row : rows) {
+        pids.insert(row.pid);
+    }
+    return pids;
+}
+
+/// One row a pid, the first of each: a table that repeats a pid must not repeat an identity.
+std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
+    std::unordered_set<std::int64_t> seen;
+    seen.reserve(rows.size());
+    std::erase_if(rows, [&seen](const ProcessSample& row) { return !seen.insert(row.pid).second; });
+    return rows;
+}
+
+QString toolTip(const ProcessSample& row) {
+    return toolTipText(QStringLiteral("PID %1\n").arg(row.pid) + text(row.command));
+}
+
+QString megabytes(double value) {
+    return QStringLiteral("%1 MB").arg(QLocale().toString(value, 'f', 1));
+}
+
+}  // namespace
+
+ProcessTableModel::ProcessTableModel(ProtectionPolicy policy, QObject* parent)
+    : QAbstractTableModel(parent), policy_(policy) {}
+
+void ProcessTableModel::setRows(std::vector<ProcessSample> rows) {
+    rows = withoutRepeats(std::move(rows));
+    if (!haveSameOrder(rows_, rows)) {
+        removeMissing(rows);
+        appendNew(rows);
+    }
+    if (haveSameOrder(rows_, rows)) {
+        rows_ = std::move(rows);
+    } else {
+        reorder(std::move(rows));
+    }
+    if (!rows_.empty()) {
+        emit dataChanged(index(0, 0), index(static_cast<int>(rows_.size()) - 1, columnTotal - 1));
+    }
+}
+
+void ProcessTableModel::removeMissing(const std::vector<ProcessSample>& rows) {
+    const auto kept = pidsOf(rows);
+    for (int last = static_cast<int>(rows_.size()) - 1; last >= 0; --last) {
+        const auto isMissing = [&](int row) {
+            return !kept.contains(rows_[static_cast<std::size_t>(row)].pid);
+        };
+        if (!isMissing(last)) {
+            continue;
+        }
+        int first = last;
+        while (first > 0 && isMissing(first - 1)) {
+            --first;
+        }
+        beginRemoveRows({}, first, last);
+        rows_.erase(rows_.begin() + first, rows_.begin() + last + 1);
+        endRemoveRows();
+        last = first;
+    }
+}
+
+void ProcessTableModel::appendNew(const std::vector<ProcessSample>& rows) {
+    const auto known = pidsOf(rows_);
+    std::vector<ProcessSample> fresh;
+    for (const ProcessSample& row : rows) {
+        if (!known.contains(row.pid)) {
+            fresh.push_back(row);
+        }
+    }
+    if (fresh.empty()) {
+        return;
+    }
+    const int first = static_cast<int>(rows_.size());
+    beginInsertRows({}, first, first + static_cast<int>(fresh.size()) - 1);
+    rows_.insert(rows_.end(), std::make_move_iterator(fresh.begin()),
+                 std::make_move_iterator(fresh.end()));
+    endInsertRows();
+}
+
+void ProcessTableModel::reorder(std::vector<ProcessSample> rows) {
+    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    std::unordered_map<std::int64_t, int> places;
+    places.reserve(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        places.emplace(rows[i].pid, static_cast<int>(i));
+    }
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& old : before) {
+        const auto place = places.find(rows_[static_cast<std::size_t>(old.row())].pid);
+        after.append(place == places.end() ? QModelIndex() : index(place->second, old.column()));
+    }
+    rows_ = std::move(rows);
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, VerticalSortHint);
+}
+
+void ProcessTableModel::setSelectedPID(std::optional<std::int64_t> pid) {
+    if (selectedPID_ == pid) {
+        return;
+    }
+    const auto announce = [this](std::optional<std::int64_t> changed) {
+        for (std::size_t i = 0; changed && i < rows_.size(); ++i) {
+            if (rows_[i].pid == *changed) {
+                const int row = static_cast<int>(i);
+                emit dataChanged(index(row, 0), index(row, columnTotal - 1),
+                                 {isSelectedRole, Qt::AccessibleTextRole});
+            }
+        }
+    };
+    const auto previous = std::exchange(selectedPID_, pid);
+    announce(previous);
+    announce(pid);
+}
+
+int ProcessTableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int ProcessTableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : columnTotal;
+}
+
+QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) const {
+    switch (column) {
+        case processColumn:
+            return text(row.displayName());
+        case cpuColumn:
+            return QStringLiteral("%1%").arg(QLocale().toString(row.cpu, 'f', 1));
+        case memoryColumn:
+            return megabytes(row.rssMB);
+        case memoryPercentColumn:
+            return QStringLiteral("%1%").arg(QLocale().toString(row.memoryPercent, 'f', 1));
+        case actionColumn:
+            return QStringLiteral("Review");
+        default:
+            return {};
+    }
+}
+
+void ProcessTableModel::setProtectedAppNames(const ProtectedAppNames& names) {
+    if (names == protectedAppNames_) {
+        return;
+    }
+    protectedAppNames_ = names;
+    if (!rows_.empty()) {
+        emit dataChanged(index(0, processColumn), index(rowCount() - 1, processColumn));
+    }
+}
+
+bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
+    return !isSafeTarget(row, protectedAppNames_, policy_);
+}
+
+QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
+    if (column == actionColumn) {
+        return QString(QStringLiteral("Review ") + text(row.displayName()));
+    }
+    if (column != processColumn) {
+        return displayText(row, column);
+    }
+    // What the row otherwise tells by its mark and by its colour.
+    QStringList words{text(row.displayName())};
+    if (isProtectedRow(row)) {
+        words.append(QStringLiteral("Protected"));
+    }
+    if (selectedPID_ == row.pid) {
+        words.append(QStringLiteral("Under review"));
+    }
+    return words.join(QStringLiteral(", "));
+}
+
+QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
+    const ProcessSample& row = rows_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+        case Qt::DisplayRole:
+            return displayText(row, index.column());
+        case Qt::ToolTipRole:
+            return index.column() == processColumn ? QVariant(toolTip(row)) : QVariant();
+        case Qt::AccessibleTextRole:
+            return spokenText(row, index.column());
+        case Qt::TextAlignmentRole:
+            return index.column() == processColumn || index.column() == actionColumn
+                       ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                       : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+        case isProtectedRole:
+            return isProtectedRow(row);
+        case isSelectedRole:
+            return selectedPID_ == row.pid;
+        default:
+            return {};
+    }
+}
+
+QVariant ProcessTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnTotal) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return section == processColumn || section == actionColumn
+                   ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                   : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    }
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    switch (section) {
+        case processColumn:
+            return QStringLiteral("Process");
+        case cpuColumn:
+            return QStringLiteral("CPU");
+        case memoryColumn:
+            return QStringLiteral("Memory");
+        case memoryPercentColumn:
+            return QStringLiteral("Mem %");
+        default:
+            return QStringLiteral("Action");
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,227 @@
+#include "presentation/screens/load/processes_page.h"
+
+#include <algorithm>
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QHideEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/load/process_filter.h"
+#include "presentation/screens/load/process_table_model.h"
+#include "presentation/screens/load/process_table_view.h"
+#include "presentation/screens/review_process.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/widgets/spoken.h"
+#include "presentation/words/commands.h"
+#include "presentation/words/dashboard_text.h"
+#include "sampling/app_impact.h"
+
+namespace tallowcrest {
+
+using dashboard_text::text;
+
+ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
+    : Screen(parent), monitor_(monitor) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
+    auto* card = new Card(this);
+    card->setObjectName(QStringLiteral("processes"));
+    card->setHeader(QStringLiteral("gauge.with.dots.needle.67percent"),
+                    text(title(ActivityListMode::load)));
+    card->setCaption(text(subtitle(ActivityListMode::load)));
+    card->contentLayout()->addWidget(makeToolRow());
+    status_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, card);
+    status_->setObjectName(QStringLiteral("processes.sort-status"));
+    card->contentLayout()->addWidget(status_);
+
+    model_ = new ProcessTableModel(monitor_.host().protection, this);
+    table_ = new ProcessTableView(card);
+    table_->setObjectName(QStringLiteral("processes.table"));
+    table_->setAccessibleName(text(title(ActivityListMode::load)));
+    table_->setModel(model_);
+    connect(table_, &ProcessTableView::reviewRequested, this, &ProcessesPage::review);
+    card->contentLayout()->addItem(new WholeRowsItem(table_));
+    layout->addWidget(card, 1);
+}
+
+QWidget* ProcessesPage::makeToolRow() {
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+
+    auto* selectTopRow =
+        makeButton(QStringLiteral("Select Top Row"), QStringLiteral("scope"),
+                   QStringLiteral("processes.select-top-row"),
+                   QStringLiteral("Selects the first row of the list for review"), row);
+    connect(selectTopRow, &QPushButton::clicked, this, [this] {
+        monitor_.review().selectFirstProcess(model_->rows());
+        if (!model_->rows().empty()) {
+            showSelection();
+        }
+    });
+    auto* activityMonitor =
+        makeButton(commands::activityMonitor, QStringLiteral("processes.activity-monitor"), row);
+    connect(activityMonitor, &QPushButton::clicked, this,
+            [this] { monitor_.applications().openActivityMonitor(); });
+
+    filter_ = new QLineEdit(row);
+    filter_->setObjectName(QStringLiteral("processes.filter"));
+    filter_->setPlaceholderText(QStringLiteral("Filter processes"));
+    filter_->setAccessibleName(QStringLiteral("Filter processes"));
+    filter_->setAccessibleDescription(QStringLiteral("Keeps rows by name, path or PID"));
+    filter_->setClearButtonEnabled(true);
+    filter_->setMaxLength(1024);
+    filter_->setMinimumWidth(20 * spacing::unit);
+    filter_->setMaximumWidth(32 * spacing::unit);
+    filter_
+        ->addAction(themedIcon(QStringLiteral("magnifyingglass"), &CrestTheme::secondaryText),
+                    QLineEdit::LeadingPosition)
+        ->setText(QStringLiteral("Filter processes"));
+    // The built-in clear button comes without words.
+    for (QAction* action : filter_->findChildren<QAction*>()) {
+        if (action->text().isEmpty()) {
+            action->setText(QStringLiteral("Clear filter"));
+        }
+    }
+    const auto onKey = [this](Qt::Key key, auto handler) {
+        connect(new QShortcut(key, filter_, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, handler);
+    };
+    onKey(Qt::Key_Escape, [this] { filter_->clear(); });
+    onKey(Qt::Key_Down, [this] {
+        table_->setFocus(Qt::TabFocusReason);
+        if (!table_->currentIndex().isValid()) {
+            table_->setCurrentIndex(model_->index(0, 0));
+        }
+    });
+    connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
+        monitor_.navigation().setProcessFilter(typed.toStdString());
+    });
+
+    layout->addWidget(selectTopRow);
+    layout->addWidget(activityMonitor);
+    layout->addStretch(1);
+    layout->addWidget(filter_, 1);
+    return row;
+}
+
+void ProcessesPage::refresh() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot) {
+        followSelection();
+    }
+    const std::string& filter = monitor_.navigation().processFilter();
+    if (filter_->text().toStdString() != filter) {
+        filter_->setText(text(filter));
+    }
+    const Date sampledAt = snapshot ? snapshot->sampledAt : Date{};
+    if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
+        const LatestSample& sample = monitor_.sample();
+        // A current row that ends leaves its place to a neighbour, which is no reason to go there.
+        table_->setAutoScroll(false);
+        model_->setRows(filteredProcesses(
+            rowsInOrder(sample.latestProcesses(), sample.impactOrder()), text(filter)));
+        table_->setAutoScroll(true);
+        shownSample_ = sampledAt;
+        shownFilter_ = filter;
+    }
+    model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
+    const ReviewTarget& review = monitor_.review();
+    // Another process may bear the number of the one that was selected.
+    model_->setSelectedPID(review.selectedRow() != nullptr ? review.selectedPID() : std::nullopt);
+    showStatus();
+}
+
+void ProcessesPage::followSelection() {
+    const auto selected = monitor_.review().selectedPID();
+    const bool isNewSample = monitor_.sample().snapshot()->sampledAt != shownSample_;
+    // What a sample selects by itself must not pull the list from under a person who reads it.
+    if (selected != shownSelection_ && (isOpening_ || !isNewSample)) {
+        isSelectionDue_ = true;
+    }
+    if (selected && isSelectionDue_) {
+        freeFromFilter(monitor_);
+    }
+    if (selected && (isSelectionDue_ || isOpening_)) {
+        // When everything has its size and the rows are those of this refresh.
+        QMetaObject::invokeMethod(this, &ProcessesPage::scrollToSelection, Qt::QueuedConnection);
+    }
+    shownSelection_ = selected;
+    isSelectionDue_ = false;
+    isOpening_ = false;
+}
+
+void ProcessesPage::scrollToSelection() {
+    const auto& rows = model_->rows();
+    const auto selected = std::find_if(rows.begin(), rows.end(), [this](const ProcessSample& row) {
+        return row.pid == monitor_.review().selectedPID();
+    });
+    if (selected == rows.end()) {
+        return;
+    }
+    const QModelIndex index = model_->index(static_cast<int>(selected - rows.begin()), 0);
+    const QRect place = table_->visualRect(index);
+    if (place.top() < 0 || place.bottom() >= table_->viewport()->height()) {
+        table_->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    }
+    table_->setCurrentIndex(index);
+}
+
+void ProcessesPage::showSelection() {
+    isSelectionDue_ = true;
+    if (isVisible()) {
+        refresh();
+    }
+}
+
+void ProcessesPage::hideEvent(QHideEvent* event) {
+    Screen::hideEvent(event);
+    // A minimised window comes back as it was.
+    isOpening_ = isOpening_ || !event->spontaneous();
+}
+
+void ProcessesPage::focusSearch() {
+    filter_->setFocus(Qt::ShortcutFocusReason);
+    filter_->selectAll();
+}
+
+void ProcessesPage::showStatus() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (!snapshot) {
+        status_->setText(QStringLiteral("Sampling this Mac..."));
+        describeTable(QStringLiteral("Sampling this Mac..."));
+        return;
+    }
+    status_->setText(
+        dashboard_text::sortStatus(static_cast<int>(model_->rows().size()), snapshot->sampledAt));
+    describeTable(monitor_.sample().latestProcesses().empty()
+                      ? QStringLiteral("No process could be read in the last sample.")
+                      : QStringLiteral("No process matches the filter. Clear it to see all."));
+}
+
+void ProcessesPage::describeTable(const QString& emptyDetail) {
+    table_->setEmptyDetail(emptyDetail);
+    const QString description =
+        model_->rows().empty()
+            ? QStringLiteral("Select Process. ") + emptyDetail
+            : QStringLiteral("Processes by impact. Return on a row selects it for review.");
+    setSpokenDescription(*table_, description);
+}
+
+void ProcessesPage::review(const QModelIndex& index) {
+    const ProcessSample& row = model_->rows().at(static_cast<std::size_t>(index.row()));
+    // It is in view already, where the owner has just pointed at it.
+    shownSelection_ = row.pid;
+    monitor_.review().selectProcess(row);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,83 @@
+#include "presentation/screens/optimize/cleanup_flow_card.h"
+
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/flow_row.h"
+#include "presentation/words/commands.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+
+CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
+    : Card(parent), monitor_(monitor) {
+    setObjectName(QStringLiteral("cleanup.flow"));
+    setHeader(QStringLiteral("wand.and.stars"), QStringLiteral("Local Cleanup Flow"));
+    const auto addLine = [this](const QString& words, ElidedLabel::FontRole font,
+                                const ThemeColor& color) {
+        auto* line = new ElidedLabel(words, font, color, this);
+        line->setLines(1, 6);
+        line->setGround(&CrestTheme::cardBackground);
+        contentLayout()->addWidget(line);
+        return line;
+    };
+    step_ = addLine(QString(), &CrestFonts::body, &CrestTheme::text);
+    step_->setObjectName(QStringLiteral("cleanup.step"));
+    addLine(QStringLiteral("Need the full sortable list? Open Processes in the sidebar. This "
+                           "workspace stays focused on the selected target and the next safe "
+                           "action."),
+            &CrestFonts::caption, &CrestTheme::secondaryText)
+        ->setObjectName(QStringLiteral("cleanup.hint"));
+    contentLayout()->addSpacing(spacing::unit / 2);
+    contentLayout()->addWidget(makeActions());
+    contentLayout()->addSpacing(spacing::unit / 2);
+    addLine(QStringLiteral("Selecting marks a target for review. Purge, Quit Process, and Quit App "
+                           "Group all ask for confirmation before changing anything."),
+            &CrestFonts::caption, &CrestTheme::secondaryText)
+        ->setObjectName(QStringLiteral("cleanup.promise"));
+}
+
+QWidget* CleanupFlowCard::makeActions() {
+    auto* actions = new FlowRow(spacing::unit, this);
+    const auto add = [&](const Command& command, const QString& identifier, auto handler) {
+        auto* button = makeButton(command, identifier, actions);
+        connect(button, &QPushButton::clicked, this, handler);
+        actions->addItem(button);
+        return button;
+    };
+    add({"Suggest Safe Target", "checkmark.shield",
+         "Selects an app that is safe to review; asks for a cache purge when memory pressure is "
+         "high"},
+        QStringLiteral("cleanup.suggest-safe-target"),
+        [this] { monitor_.localActions().optimizeSafely(); });
+    add(commands::selectTopApp, QStringLiteral("cleanup.select-top-app"),
+        [this] { monitor_.review().selectTopApp(); });
+    purge_ = add(commands::purge, QStringLiteral("cleanup.purge-caches"),
+                 [this] { monitor_.localActions().requestPurge(); });
+    add(commands::activityMonitor, QStringLiteral("cleanup.activity-monitor"),
+        [this] { monitor_.applications().openActivityMonitor(); });
+    return actions;
+}
+
+void CleanupFlowCard::refresh() {
+    step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
+    showPurging(monitor_.localActions().isPurging());
+}
+
+void CleanupFlowCard::showPurging(bool isPurging) {
+    if (isPurging == isPurging_) {
+        return;
+    }
+    isPurging_ = isPurging;
+    // The shorter word takes no room away from the buttons beside it.
+    purge_->setMinimumWidth(isPurging ? purge_->width() : 0);
+    purge_->setText(isPurging ? QStringLiteral("Purging…")
+                              : QString::fromUtf8(commands::purge.title));
+    purge_->setAccessibleName(purge_->text());
+    purge_->setEnabled(!isPurging);
+}
+
+}  // namespace tallowcrest

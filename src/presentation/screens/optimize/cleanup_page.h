@@ -1,0 +1,28 @@
+#pragma once
+
+#include "presentation/screens/screen.h"
+
+namespace tallowcrest {
+
+class CleanupFlowCard;
+class DiskAutopilotBlock;
+class OffenderCard;
+class SystemMonitor;
+
+/// The Cleanup step of the Optimize workspace: select a target, see why it matters, choose what to
+/// do about it. Nothing here acts before a confirmation. Main thread.
+class CleanupPage final : public Screen {
+    Q_OBJECT
+
+public:
+    explicit CleanupPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+
+    void refresh() override;
+
+private:
+    CleanupFlowCard* flow_ = nullptr;
+    DiskAutopilotBlock* disk_ = nullptr;
+    OffenderCard* offender_ = nullptr;
+};
+
+}  // namespace tallowcrest

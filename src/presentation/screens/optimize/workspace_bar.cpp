@@ -1,0 +1,126 @@
+#include "presentation/screens/optimize/workspace_bar.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/flow_row.h"
+#include "presentation/widgets/tab_strip.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+struct Step {
+    AppRoute route;
+    const char* title;
+    const char* identifier;
+};
+
+constexpr std::array steps{
+    Step{AppRoute::optimizationSuggestions, "Recommended", "optimize.recommended"},
+    Step{AppRoute::optimize, "Cleanup", "optimize.cleanup"},
+    Step{AppRoute::aiAdvisor, "AI Advisor", "optimize.ai-advisor"},
+    Step{AppRoute::chat, "Ask AI", "optimize.ask-ai"},
+};
+
+}  // namespace
+
+QString workspaceLine(AppRoute route) {
+    switch (route) {
+        case AppRoute::optimize:
+            return QStringLiteral(
+                "Select one process or app group, review its impact, then choose a manual cleanup "
+                "action. Nothing quits automatically.");
+        case AppRoute::optimizationSuggestions:
+            return QStringLiteral(
+                "Start here for prioritized next steps across CPU, memory, and disk. Analyze "
+                "first; review every proposed change.");
+        case AppRoute::aiAdvisor:
+            return QStringLiteral(
+                "Use AI for explanations and trust-controlled reversible actions. Autonomy grows "
+                "only from successful reviewed actions.");
+        case AppRoute::chat:
+            return QStringLiteral(
+                "Ask a question about current diagnostics. Chat explains and points to controls "
+                "but never executes actions.");
+        default:
+            return QStringLiteral("Choose an optimization workflow.");
+    }
+}
+
+WorkspaceBar::WorkspaceBar(SystemMonitor& monitor, AppRoute route, QWidget* parent)
+    : QWidget(parent), monitor_(monitor), route_(route) {
+    installAccessibleFigures();
+    setObjectName(QStringLiteral("optimize.workspace"));
+    setAccessibleName(QStringLiteral("Optimize Workspace"));
+    makeTabs();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    auto* row = new FlowRow(spacing::pagePadding, this);
+    row->addItem(new ElidedLabel(accessibleName(), &CrestFonts::heading, &CrestTheme::text));
+    row->addItem(tabs_);
+    layout->addWidget(row);
+    auto* line =
+        new ElidedLabel(workspaceLine(route), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    line->setObjectName(QStringLiteral("optimize.workspace.line"));
+    line->setLines(1, 3);
+    layout->addWidget(line);
+}
+
+bool WorkspaceBar::isStep(AppRoute route) {
+    return std::any_of(steps.begin(), steps.end(),
+                       [route](const Step& step) { return step.route == route; });
+}
+
+void WorkspaceBar::makeTabs() {
+    tabs_ = new TabStrip(accessibleName());
+    for (const Step& step : steps) {
+        const int index =
+            tabs_->addTab(QString::fromLatin1(step.title), QString::fromLatin1(step.identifier),
+                          workspaceLine(step.route));
+        if (step.route == route_) {
+            tabs_->setCurrentIndex(index);
+        }
+    }
+    connect(tabs_, &TabStrip::chosen, this, [this](int index, Qt::FocusReason reason) {
+        handsOver_ = reason;
+        monitor_.navigation().setSelectedRoute(steps.at(static_cast<std::size_t>(index)).route);
+    });
+}
+
+void WorkspaceBar::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (handsOver_) {
+        // The page that takes this one's place is not there yet.
+        QMetaObject::invokeMethod(this, &WorkspaceBar::handOver, Qt::QueuedConnection);
+    }
+}
+
+void WorkspaceBar::handOver() {
+    const auto reason = std::exchange(handsOver_, std::nullopt);
+    for (WorkspaceBar* bar : window()->findChildren<WorkspaceBar*>()) {
+        if (reason && bar->isVisible()) {
+            bar->takeOver(*reason);
+        }
+    }
+}
+
+void WorkspaceBar::takeOver(Qt::FocusReason reason) {
+    // The change of pages may have put it there already, for no reason that it could tell.
+    tabs_->focusProxy()->clearFocus();
+    tabs_->setFocus(reason);
+    for (QWidget* above = parentWidget(); above != nullptr; above = above->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(above)) {
+            area->ensureWidgetVisible(this);
+        }
+    }
+}
+
+}  // namespace tallowcrest

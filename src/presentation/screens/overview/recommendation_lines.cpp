@@ -1,0 +1,70 @@
+#include "presentation/screens/overview/recommendation_lines.h"
+
+#include <algorithm>
+
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+using Severity = Recommendation::Severity;
+
+}  // namespace
+
+std::vector<RecommendationLine> recommendationLines(
+    const std::vector<Recommendation>& recommendations,
+    const std::vector<ProcessSample>& latestProcesses) {
+    std::vector<RecommendationLine> lines;
+    lines.reserve(recommendations.size());
+    for (const Recommendation& each : recommendations) {
+        lines.push_back(
+            {each.severity, text(each.title), text(each.detail),
+             each.relatedPID && findProcess(latestProcesses, *each.relatedPID) != nullptr
+                 ? each.relatedPID
+                 : std::nullopt});
+    }
+    std::stable_sort(lines.begin(), lines.end(), [](const auto& left, const auto& right) {
+        return left.severity > right.severity;
+    });
+    return lines;
+}
+
+QString recommendationNote(const std::vector<RecommendationLine>& lines) {
+    if (lines.empty()) {
+        return {};
+    }
+    const QString first =
+        severityWord(lines.front().severity) + QStringLiteral(" · ") + lines.front().title;
+    return lines.size() == 1 ? first : first + QStringLiteral(" · %1 more").arg(lines.size() - 1);
+}
+
+QString severityWord(Severity severity) {
+    return text(title(severity));
+}
+
+QString severityIcon(Severity severity) {
+    switch (severity) {
+        case Severity::info:
+            return QStringLiteral("checkmark.circle");
+        case Severity::caution:
+            return QStringLiteral("exclamationmark.triangle");
+        case Severity::urgent:
+            return QStringLiteral("exclamationmark.triangle.fill");
+    }
+    return {};
+}
+
+ThemeColor severityColor(Severity severity) {
+    switch (severity) {
+        case Severity::info:
+            return &CrestTheme::good;
+        case Severity::caution:
+            return &CrestTheme::caution;
+        case Severity::urgent:
+            return &CrestTheme::bad;
+    }
+    return &CrestTheme::text;
+}
+
+}  // namespace tallowcrest

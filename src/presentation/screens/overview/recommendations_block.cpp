@@ -1,0 +1,107 @@
+#include "presentation/screens/overview/recommendations_block.h"
+
+#include <algorithm>
+
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/overview/recommendation_row.h"
+#include "presentation/screens/review_process.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+
+RecommendationsBlock::RecommendationsBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::recommendations,
+                    QStringLiteral("overview.recommendations"),
+                    QStringLiteral("arrow.forward.circle.fill"),
+                    dashboard_text::text(title(DashboardSection::recommendations))) {
+    const auto makeRow = [this](RecommendationRow::Size size, std::size_t place, QWidget* parent) {
+        auto* row = new RecommendationRow(
+            size, QStringLiteral("overview.recommendation-%1.review").arg(place + 1), parent);
+        connect(row, &RecommendationRow::reviewRequested, this,
+                [this](std::int64_t pid) { reviewInProcesses(this->monitor(), pid); });
+        return row;
+    };
+    first_ = makeRow(RecommendationRow::Size::prominent, 0, body());
+    bodyLayout()->addWidget(first_);
+    others_ = new QWidget(body());
+    others_->hide();
+    auto* list = new QVBoxLayout(others_);
+    list->setContentsMargins(0, 0, 0, 0);
+    list->setSpacing(0);
+    for (std::size_t i = 1; i < mostRecommendations; ++i) {
+        RecommendationRow* row = makeRow(RecommendationRow::Size::compact, i, others_);
+        row->hide();
+        list->addWidget(row);
+        rows_.push_back(row);
+    }
+    list->addStretch(1);
+    bodyLayout()->addWidget(others_);
+}
+
+void RecommendationsBlock::showHeader() {
+    const LatestSample& sample = monitor().sample();
+    lines_ = recommendationLines(sample.recommendations(), sample.latestProcesses());
+    if (lines_.size() > mostRecommendations) {
+        lines_.resize(mostRecommendations);
+    }
+    // Closed, the section still tells what matters most.
+    if (isCollapsed() && !lines_.empty()) {
+        header()->setNote(recommendationNote(lines_), severityColor(lines_.front().severity));
+    } else {
+        header()->setNote(QString());
+    }
+}
+
+void RecommendationsBlock::showContent() {
+    const auto& snapshot = monitor().sample().snapshot();
+    if (snapshot) {
+        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1,
+                        snapshot->sampledAt);
+        first_->countSample(snapshot->sampledAt);
+    }
+    showFirst();
+    showOthers();
+}
+
+void RecommendationsBlock::showFirst() {
+    if (!lines_.empty()) {
+        first_->setLine(lines_.front());
+    } else if (!monitor().sample().snapshot()) {
+        first_->setMessage(QStringLiteral("hourglass"), QStringLiteral("Sampling this Mac..."),
+                           QStringLiteral("The first recommendation follows the first sample."));
+    } else {
+        first_->setMessage(QStringLiteral("info.circle"),
+                           QStringLiteral("No recommendation for this sample"),
+                           QStringLiteral("Refresh takes a new one."));
+    }
+}
+
+void RecommendationsBlock::showOthers() {
+    const std::size_t shown = lines_.empty() ? 0 : lines_.size() - 1;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        if (i < shown) {
+            rows_[i]->setLine(lines_[i + 1]);
+        }
+        rows_[i]->setVisible(i < shown);
+    }
+    fitOthers();
+}
+
+void RecommendationsBlock::fitOthers() {
+    const int shown = lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1;
+    const int rowHeight = RecommendationRow::compactHeight(width() - 2 * spacing::cardPadding);
+    const int height = std::max(room_.rows(), shown) * rowHeight;
+    if (others_->minimumHeight() != height) {
+        others_->setFixedHeight(height);
+    }
+    others_->setVisible(height > 0);
+}
+
+void RecommendationsBlock::resizeEvent(QResizeEvent* event) {
+    OverviewBlock::resizeEvent(event);
+    fitOthers();
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,62 @@
+#include "presentation/screens/overview/timeline_block.h"
+
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/timeline_graph.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/figure_row.h"
+#include "presentation/widgets/stable_line_graph.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+
+TimelineBlock::TimelineBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::recentLoad, QStringLiteral("overview.timeline"),
+                    QStringLiteral("waveform.path.ecg"),
+                    QStringLiteral("Live Performance Timeline")) {
+    reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
+    graph_ = new StableLineGraph(body());
+    graph_->setMinimumHeight(18 * spacing::unit);
+    bodyLayout()->addWidget(graph_, 1);
+    figures_ = new FigureRow({QStringLiteral("CPU now"), QStringLiteral("Memory now"),
+                              QStringLiteral("CPU peak"), QStringLiteral("Memory peak")},
+                             body());
+    averages_ =
+        new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
+    averages_->setGround(&CrestTheme::cardBackground);
+    averages_->setAlignment(Qt::AlignRight | Qt::AlignBottom);
+    auto* below = new QHBoxLayout;
+    below->setSpacing(spacing::gap);
+    below->addWidget(figures_, 4);
+    below->addWidget(averages_, 2, Qt::AlignBottom);
+    bodyLayout()->addLayout(below);
+}
+
+void TimelineBlock::showHeader() {
+    setSectionCaption(
+        dashboard_text::timelineCaption(sessionSeconds(monitor().sample().history())));
+}
+
+void TimelineBlock::showContent() {
+    using dashboard_text::percentText;
+    const auto& history = monitor().sample().history();
+    const double threshold = monitor().settings().warningThreshold;
+    TimelineSummary summary = timelineSummary(history);
+    if (monitor().sample().snapshot()) {
+        figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
+                              percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
+        averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
+    } else {
+        // A history that an earlier run left says nothing of now.
+        const QString none = dashboard_text::noFigure();
+        figures_->setFigures({none, none, none, none});
+        averages_->setText(QString());
+    }
+    showTimeline(*graph_, monitor(), std::move(summary));
+}
+
+}  // namespace tallowcrest

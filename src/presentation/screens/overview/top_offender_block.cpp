@@ -1,0 +1,138 @@
+#include "presentation/screens/overview/top_offender_block.h"
+
+#include <algorithm>
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/screens/overview/top_offender.h"
+#include "presentation/screens/review_process.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/spoken.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int lineGap = 2;
+
+}  // namespace
+
+TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
+    : OverviewBlock(monitor, DashboardSection::heavyProcesses,
+                    QStringLiteral("overview.top-offender"), QStringLiteral("scope"),
+                    dashboard_text::text(title(DashboardSection::heavyProcesses))) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit + spacing::unit / 2);
+    icon_ = new IconView(QString());
+    row->addWidget(icon_, 0, Qt::AlignVCenter);
+
+    auto* words = new QWidget(body());
+    auto* lines = new QVBoxLayout(words);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(lineGap);
+    lines->addStretch(1);
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, words);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, words);
+    detail_->setLines(1, 4);
+    for (ElidedLabel* label : {title_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+        lines->addWidget(label);
+    }
+    lines->addStretch(1);
+    // Room for the largest of the states, so that load going up and down moves nothing.
+    words->setMinimumHeight(
+        std::max(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
+                     2 * QFontMetrics(CrestFonts::current().body).lineSpacing(),
+                 2 * QPushButton(QStringLiteral("Review")).sizeHint().height() + spacing::unit));
+    row->addWidget(words, 1);
+
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    cleanup_ = makeButton(QStringLiteral("Review Cleanup Options"), QString(),
+                          QStringLiteral("overview.review-cleanup-options"),
+                          QStringLiteral("Goes to Optimize"), body());
+    connect(cleanup_, &QPushButton::clicked, this,
+            [this] { this->monitor().navigation().setSelectedRoute(AppRoute::optimize); });
+    review_ = makeButton(QStringLiteral("Review"), QString(),
+                         QStringLiteral("overview.review-top-offender"),
+                         QStringLiteral("Selects the heaviest process of the heaviest app and "
+                                        "shows it in Processes"),
+                         body());
+    connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewTopGroup);
+    buttons->addWidget(cleanup_);
+    buttons->addWidget(review_);
+    buttons->addStretch(1);
+    row->addLayout(buttons);
+    bodyLayout()->addLayout(row);
+
+    alerts_ = new QWidget(body());
+    auto* alerts = new QHBoxLayout(alerts_);
+    alerts->setContentsMargins(0, 0, 0, 0);
+    alerts->setSpacing(spacing::unit + spacing::unit / 2);
+    alerts->addWidget(new IconView(QStringLiteral("network.badge.shield.half.filled"),
+                                   &CrestTheme::caution, spacing::iconRegular, alerts_));
+    alertsText_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, alerts_);
+    alertsText_->setObjectName(QStringLiteral("overview.remote-alerts"));
+    alerts->addWidget(alertsText_, 1);
+    alerts_->hide();
+    bodyLayout()->addWidget(alerts_);
+}
+
+std::optional<std::int64_t> TopOffenderBlock::reviewablePID() const {
+    const auto& snapshot = monitor().sample().snapshot();
+    if (!snapshot || snapshot->appImpacts.empty()) {
+        return std::nullopt;
+    }
+    const std::optional<std::int64_t> pid = snapshot->appImpacts.front().topPID;
+    const auto& rows = monitor().sample().latestProcesses();
+    const bool isThere = std::any_of(rows.begin(), rows.end(), [&](const ProcessSample& row) {
+        return row.pid == pid && !monitor().review().isProtectedTarget(row);
+    });
+    return isThere ? pid : std::nullopt;
+}
+
+void TopOffenderBlock::reviewTopGroup() {
+    const auto wanted = reviewablePID();
+    monitor().review().selectTopApp();
+    if (wanted && wanted == monitor().review().selectedPID()) {
+        freeFromFilter(monitor());
+        monitor().navigation().setSelectedRoute(AppRoute::load);
+    }
+}
+
+void TopOffenderBlock::showContent() {
+    const TopOffender shown =
+        topOffender(monitor().sample().snapshot(), monitor().settings().warningThreshold);
+    const bool isOffender = shown.state == TopOffender::State::offender;
+    const bool isStable = shown.state == TopOffender::State::stable;
+    icon_->setIcon(isOffender ? QStringLiteral("exclamationmark.triangle.fill")
+                   : isStable ? QStringLiteral("checkmark.circle")
+                              : QStringLiteral("hourglass"));
+    icon_->setColor(isOffender ? &CrestTheme::caution
+                    : isStable ? &CrestTheme::good
+                               : &CrestTheme::secondaryText);
+    title_->setText(shown.title);
+    title_->setVisible(!shown.title.isEmpty());
+    detail_->setText(shown.detail);
+    detail_->setColor(isOffender ? &CrestTheme::text : &CrestTheme::secondaryText);
+    detail_->setVisible(!shown.detail.isEmpty());
+    cleanup_->setVisible(isOffender);
+    review_->setVisible(isOffender && reviewablePID());
+    if (isOffender) {
+        setSpokenName(*review_, QStringLiteral("Review: ") +
+                                    dashboard_text::text(
+                                        monitor().sample().snapshot()->appImpacts.front().name));
+    }
+    // Nothing scans other machines yet.
+    constexpr int machinesThatNeedAttention = 0;
+    alertsText_->setText(remoteAlerts(machinesThatNeedAttention));
+    alerts_->setVisible(!alertsText_->text().isEmpty());
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,229 @@
+#include "presentation/shell/confirmation_dialog.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "actions/confirmation_desk.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/danger_button.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/text_lines.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/widgets/tool_tip.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int dialogWidth = 464;
+constexpr int widestConfirmButton = 240;
+constexpr int mostLargeLines = 3;
+// Enough for the longest question and message around the longest name that a file can have.
+constexpr int mostHeadingLines = 12;
+constexpr int mostMessageLines = 12;
+constexpr std::size_t mostPaths = 5;
+
+/// The type of the title: the largest that leaves it whole on a few lines.
+ElidedLabel::FontRole headingFont(const QString& title) {
+    const QFont& large = CrestFonts::current().title;
+    const int room = dialogWidth - 2 * spacing::pagePadding;
+    return fittedLines(title, large, room, mostLargeLines + 1).size() <= mostLargeLines
+               ? &CrestFonts::title
+               : &CrestFonts::heading;
+}
+
+}  // namespace
+
+ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
+    : WindowDialog(parent), desk_(desk) {
+    setObjectName(QStringLiteral("confirmation"));
+    setWindowTitle(QStringLiteral("Confirm Action"));
+    setAccessibleName(windowTitle());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, spacing::pagePadding, spacing::pagePadding,
+                               spacing::pagePadding);
+    layout->setSpacing(0);
+
+    heading_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    heading_->setObjectName(QStringLiteral("confirmation.title"));
+    heading_->setLines(1, mostHeadingLines);
+    message_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
+    message_->setObjectName(QStringLiteral("confirmation.message"));
+    message_->setLines(1, mostMessageLines);
+    for (ElidedLabel* label : {heading_, message_}) {
+        label->setGround(&CrestTheme::pageBackground);
+    }
+    layout->addWidget(heading_);
+    layout->addSpacing(spacing::unit);
+    layout->addWidget(message_);
+    layout->addWidget(makePaths());
+    layout->addSpacing(spacing::pagePadding);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    cancel_ = makeButton(QStringLiteral("Cancel"), QString(), QStringLiteral("confirmation.cancel"),
+                         QStringLiteral("Closes this dialog and changes nothing"), this);
+    confirm_ = new DangerButton(this);
+    settling_.emplace(*confirm_);
+    confirm_->setObjectName(QStringLiteral("confirmation.confirm"));
+    confirm_->setMaximumWidth(widestConfirmButton);
+    cancel_->setDefault(true);
+    buttons->addStretch(1);
+    buttons->addWidget(cancel_);
+    buttons->addWidget(confirm_);
+    layout->addLayout(buttons);
+
+    connect(cancel_, &QPushButton::clicked, this, &ConfirmationDialog::reject);
+    connect(confirm_, &QPushButton::clicked, this, &ConfirmationDialog::confirm);
+}
+
+QWidget* ConfirmationDialog::makePaths() {
+    auto* room = new QWidget(this);
+    auto* above = new QVBoxLayout(room);
+    above->setContentsMargins(0, spacing::gap, 0, 0);
+    pathsCard_ = new Card(room);
+    pathsCard_->setObjectName(QStringLiteral("confirmation.paths"));
+    pathsCard_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit,
+                                             spacing::cardPadding, spacing::unit);
+    pathsCard_->contentLayout()->setSpacing(spacing::unit / 2);
+    const auto addLine = [this] {
+        auto* line = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText,
+                                     pathsCard_);
+        // Where it lies and what it is called both tell a program from its namesake.
+        line->setElideMode(Qt::ElideMiddle);
+        line->setGround(&CrestTheme::cardBackground);
+        pathsCard_->contentLayout()->addWidget(line);
+        return line;
+    };
+    for (std::size_t i = 0; i < mostPaths; ++i) {
+        pathLines_.push_back(addLine());
+        pathLines_.back()->setObjectName(QStringLiteral("confirmation.path.%1").arg(i));
+    }
+    morePaths_ = addLine();
+    morePaths_->setObjectName(QStringLiteral("confirmation.more-paths"));
+    above->addWidget(pathsCard_);
+    return room;
+}
+
+void ConfirmationDialog::refresh() {
+    const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
+    if (!pending) {
+        if (shown_) {
+            leave(Rejected);
+        }
+        return;
+    }
+    if (!showsPending()) {
+        present(*pending);
+    }
+}
+
+void ConfirmationDialog::present(const ConfirmationRequest& request) {
+    shown_ = request.id;
+    const QString title = dashboard_text::text(request.title);
+    const QString message = dashboard_text::text(request.message);
+    heading_->setFontRole(headingFont(title));
+    heading_->setText(title);
+    message_->setText(message);
+    // Read out when the dialog opens.
+    QStringList spoken{title, message};
+    for (const std::string& path : desk_.targetPaths()) {
+        spoken.append(dashboard_text::text(path));
+    }
+    setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
+    if (isVisible()) {
+        // No window opens that would be read out by itself.
+        QAccessibleEvent changed(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&changed);
+    }
+    confirm_->setTitle(dashboard_text::text(request.confirmTitle));
+    confirm_->setAccessibleDescription(title);
+    showPaths(desk_.targetPaths());
+    fit();
+    cancel_->setFocus();
+    open();
+    settling_->settle();
+}
+
+bool ConfirmationDialog::event(QEvent* event) {
+    // The click that brings a window forward is no answer to what stands in it.
+    if (event->type() == QEvent::WindowActivate && shown_) {
+        settling_->settle();
+    }
+    return WindowDialog::event(event);
+}
+
+void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
+    QStringList texts;
+    for (const std::string& path : paths) {
+        texts.append(dashboard_text::text(path));
+    }
+    const auto count = static_cast<std::size_t>(texts.size());
+    for (std::size_t i = 0; i < pathLines_.size(); ++i) {
+        pathLines_[i]->setText(i < count ? texts.at(static_cast<qsizetype>(i)) : QString());
+        pathLines_[i]->setVisible(i < count);
+    }
+    const std::size_t rest = count - std::min(count, mostPaths);
+    const QString others = texts.mid(static_cast<qsizetype>(mostPaths)).join(u'\n');
+    morePaths_->setText(rest > 0 ? QStringLiteral("and %1 more").arg(rest) : QString());
+    morePaths_->setToolTip(toolTipText(others));
+    morePaths_->setAccessibleDescription(others);
+    morePaths_->setVisible(rest > 0);
+    pathsCard_->setAccessibleName(count == 1 ? QStringLiteral("Executable")
+                                             : QStringLiteral("Executables"));
+    pathsCard_->parentWidget()->setVisible(count > 0);
+}
+
+void ConfirmationDialog::fit() {
+    ensurePolished();
+    // From the inside out: what came or went is else told to the outer layouts a turn later each.
+    for (const QWidget* each : {static_cast<QWidget*>(pathsCard_), pathsCard_->parentWidget(),
+                                static_cast<QWidget*>(this)}) {
+        each->layout()->invalidate();
+        each->layout()->activate();
+    }
+    setFixedSize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
+}
+
+bool ConfirmationDialog::showsPending() const {
+    const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
+    return shown_ && pending && pending->id == *shown_;
+}
+
+void ConfirmationDialog::confirm() {
+    // What the desk holds by now may be a question that has not come into view yet.
+    if (!showsPending()) {
+        refresh();
+        return;
+    }
+    leave(Accepted);
+    desk_.confirmPending();
+}
+
+void ConfirmationDialog::reject() {
+    if (!showsPending()) {
+        if (parentWidget()->isVisible()) {
+            refresh();
+        } else {
+            // The other question waits for the window.
+            leave(Rejected);
+        }
+        return;
+    }
+    leave(Rejected);
+    desk_.cancelPending();
+}
+
+void ConfirmationDialog::leave(int result) {
+    shown_.reset();
+    settling_->stop();
+    done(result);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,202 @@
+#include "presentation/shell/menu_bar_panel.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/shell/menu_bar_row.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int panelWidth = 288;
+
+}  // namespace
+
+MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries)
+    // Not a popup: those are kept from assistive technology, and one without a window that it
+    // belongs to never shows under Wayland.
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      monitor_(monitor) {
+    setObjectName(QStringLiteral("menubar.panel"));
+    setAccessibleName(QStringLiteral("Tallowcrest"));
+    setFixedWidth(panelWidth);
+    setFocusPolicy(Qt::ClickFocus);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
+    layout->setSpacing(0);
+    layout->addWidget(makeFigures());
+    layout->addSpacing(spacing::unit);
+    layout->addWidget(makeRows(std::move(entries)));
+    subscription_ = monitor_.observe([this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+}
+
+QWidget* MenuBarPanel::makeFigures() {
+    auto* figures = new QWidget(this);
+    auto* layout = new QVBoxLayout(figures);
+    // In line with the rows' icons.
+    layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
+    layout->setSpacing(spacing::unit / 2);
+    load_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, figures);
+    topGroup_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, figures);
+    latestHeading_ = new ElidedLabel(QStringLiteral("Latest"), &CrestFonts::caption,
+                                     &CrestTheme::secondaryText, figures);
+    latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, figures);
+    // A long name gives way before its figure does, and a long title before its severity.
+    topGroup_->setElideMode(Qt::ElideMiddle);
+    latest_->setLines(1, 3);
+    load_->setObjectName(QStringLiteral("menubar.load"));
+    topGroup_->setObjectName(QStringLiteral("menubar.top-group"));
+    latest_->setObjectName(QStringLiteral("menubar.latest"));
+    for (ElidedLabel* line : {load_, topGroup_, latestHeading_, latest_}) {
+        layout->addWidget(line);
+    }
+    return figures;
+}
+
+QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
+    auto* rows = new QWidget;
+    auto* layout = new QVBoxLayout(rows);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    for (MenuBarEntry& entry : entries) {
+        auto* row = new MenuBarRow(entry.title(), entry.icon, entry.identifier, rows);
+        connect(row, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
+            dismiss();
+            run();
+        });
+        rows_.emplace_back(row, std::move(entry.title));
+        layout->addWidget(row);
+    }
+    commands_ = new QScrollArea(this);
+    commands_->setFrameShape(QFrame::NoFrame);
+    commands_->setWidgetResizable(true);
+    commands_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    commands_->setFocusPolicy(Qt::NoFocus);
+    commands_->setWidget(rows);
+    commands_->viewport()->setAutoFillBackground(false);
+    rows->setAutoFillBackground(false);
+    return commands_;
+}
+
+void MenuBarPanel::refresh() {
+    const auto& snapshot = monitor_.sample().snapshot();
+    const auto& recommendations = monitor_.sample().recommendations();
+    load_->setText(snapshot ? dashboard_text::panelLoad(*snapshot) : QStringLiteral("Sampling..."));
+    topGroup_->setText(snapshot ? dashboard_text::panelTopGroup(*snapshot) : QString());
+    topGroup_->setVisible(!topGroup_->text().isEmpty());
+    const bool hasLatest = snapshot && !recommendations.empty();
+    latest_->setText(hasLatest ? dashboard_text::panelLatest(recommendations.front()) : QString());
+    latest_->setVisible(hasLatest);
+    latestHeading_->setVisible(hasLatest);
+    for (const auto& [row, title] : rows_) {
+        row->setTitle(title());
+    }
+    fit();
+    place();
+}
+
+void MenuBarPanel::fit() {
+    const auto wantedHeight = [this] {
+        layout()->activate();
+        return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(panelWidth)
+                                             : layout()->totalSizeHint().height();
+    };
+    const int allRows = commands_->widget()->sizeHint().height();
+    commands_->setFixedHeight(allRows);
+    const int excess = wantedHeight() - screenArea().height();
+    if (excess > 0) {
+        commands_->setFixedHeight(std::max(MenuBarRow::rowHeight, allRows - excess));
+    }
+    resize(panelWidth, wantedHeight());
+}
+
+QRect MenuBarPanel::screenArea() const {
+    const QScreen* screen = QGuiApplication::screenAt(anchor_);
+    return (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+}
+
+void MenuBarPanel::toggleAt(const QPoint& anchor) {
+    // A click on the item may first take the focus away, which has closed the panel already.
+    constexpr qint64 sameClickMilliseconds = 250;
+    const bool wasJustLeft = sinceLeft_.isValid() && sinceLeft_.elapsed() < sameClickMilliseconds;
+    if (isVisible() || wasJustLeft) {
+        dismiss();
+        return;
+    }
+    anchor_ = anchor;
+    // No command has the keyboard before a key asks for one.
+    setFocus(Qt::PopupFocusReason);
+    commands_->verticalScrollBar()->setValue(0);
+    refresh();
+    show();
+    raise();
+    activateWindow();
+}
+
+void MenuBarPanel::place() {
+    const QRect area = screenArea();
+    const int left = std::clamp(anchor_.x() - width() / 2, area.left(),
+                                std::max(area.left(), area.right() - width()));
+    const int top =
+        std::clamp(anchor_.y(), area.top(), std::max(area.top(), area.bottom() - height()));
+    move(left, top);
+}
+
+void MenuBarPanel::dismiss() {
+    hide();
+    sinceLeft_.invalidate();
+}
+
+bool MenuBarPanel::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate && isVisible()) {
+        hide();
+        sinceLeft_.start();
+    }
+    return QWidget::event(event);
+}
+
+void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        dismiss();
+        return;
+    }
+    if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
+        focusNextPrevChild(event->key() == Qt::Key_Down);
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void MenuBarPanel::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    monitor_.startMonitoring();
+    refresh();
+}
+
+void MenuBarPanel::paintEvent(QPaintEvent*) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.pageBackground);
+    painter.setPen(theme.hairline);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    const int between = commands_->y() - spacing::unit / 2 - 1;
+    painter.drawLine(2 * spacing::unit, between, width() - 1 - 2 * spacing::unit, between);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QWidget>
+
+#include "core/observable.h"
+#include "presentation/shell/menu_bar_entries.h"
+
+class QScrollArea;
+
+namespace tallowcrest {
+
+class ElidedLabel;
+class MenuBarRow;
+
+/// The compact panel of the status item: the latest figures and its commands. It closes when the
+/// owner turns elsewhere, by Escape, and behind each command. On a screen too low for all of them
+/// the commands scroll. Main thread.
+class MenuBarPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries);
+
+    /// Shows the panel on the screen of `anchor`, as near to it as fits; or hides it when it shows.
+    void toggleAt(const QPoint& anchor);
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void refresh();
+    void place();
+    QWidget* makeFigures();
+    QWidget* makeRows(std::vector<MenuBarEntry> entries);
+    /// As high as its content, and no higher than the screen.
+    void fit();
+    QRect screenArea() const;
+    void dismiss();
+
+    SystemMonitor& monitor_;
+    QPoint anchor_;
+    QElapsedTimer sinceLeft_;
+    ElidedLabel* load_ = nullptr;
+    ElidedLabel* topGroup_ = nullptr;
+    ElidedLabel* latestHeading_ = nullptr;
+    ElidedLabel* latest_ = nullptr;
+    QScrollArea* commands_ = nullptr;
+    /// Each with what tells its title.
+    std::vector<std::pair<MenuBarRow*, std::function<QString()>>> rows_;
+    Subscription subscription_;
+};
+
+}  // namespace tallowcrest

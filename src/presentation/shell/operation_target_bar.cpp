@@ -1,0 +1,141 @@
+#include "presentation/shell/operation_target_bar.h"
+
+#include <QBoxLayout>
+#include <QPushButton>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/capsule.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+/// Below this the detail stands beneath the title.
+constexpr int oneLineWidth = 720;
+
+}  // namespace
+
+OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, QWidget* parent)
+    : Card(parent), monitor_(monitor) {
+    installAccessibleFigures();
+    setObjectName(QStringLiteral("target"));
+    setAccessibleName(QStringLiteral("Operation Target"));
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    // Half the padding where a button of its own edge stands.
+    layout()->setContentsMargins(spacing::cardPadding, spacing::unit, spacing::unit, spacing::unit);
+    row_ = new QHBoxLayout;
+    row_->setSpacing(spacing::unit);
+    contentLayout()->addLayout(row_);
+    makeTexts();
+    makeButtons();
+    setHasTarget(false);
+}
+
+void OperationTargetBar::makeTexts() {
+    icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconRegular, this);
+    icon_->setObjectName(QStringLiteral("target.icon"));
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    title_->setObjectName(QStringLiteral("target.title"));
+    title_->setElideMode(Qt::ElideMiddle);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    detail_->setObjectName(QStringLiteral("target.detail"));
+    protected_ = new Capsule(this);
+    protected_->setObjectName(QStringLiteral("target.protected"));
+    protected_->setText(QStringLiteral("Protected"));
+    // A rule may take the place of what a person chose: that is not to pass unnoticed.
+    automatic_ = new Capsule(this);
+    automatic_->setObjectName(QStringLiteral("target.automatic"));
+    automatic_->setText(QStringLiteral("Auto-selected"));
+    for (ElidedLabel* label : {title_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+    texts_ = new QBoxLayout(QBoxLayout::LeftToRight);
+    texts_->addWidget(title_);
+    texts_->addWidget(detail_, 1);
+    row_->addWidget(icon_);
+    row_->addLayout(texts_, 1);
+    row_->addWidget(automatic_);
+    row_->addWidget(protected_);
+}
+
+void OperationTargetBar::makeButtons() {
+    choose_ = makeButton(
+        QStringLiteral("Choose Process"), QStringLiteral("gauge.with.dots.needle.67percent"),
+        QStringLiteral("target.choose"), QStringLiteral("Goes to Processes"), this);
+    review_ = makeButton(QStringLiteral("Review"), QStringLiteral("wand.and.stars"),
+                         QStringLiteral("target.review"), QStringLiteral("Goes to Optimize"), this);
+    clear_ = makeButton(QStringLiteral("Clear"), QStringLiteral("xmark.circle"),
+                        QStringLiteral("target.clear"),
+                        QStringLiteral("Ends the review; nothing is quit"), this);
+    for (QPushButton* button : {choose_, review_, clear_}) {
+        row_->addWidget(button);
+    }
+    connect(choose_, &QPushButton::clicked, this,
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::load); });
+    connect(review_, &QPushButton::clicked, this,
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+    connect(clear_, &QPushButton::clicked, this,
+            [this] { monitor_.review().clearOperationTarget(); });
+}
+
+void OperationTargetBar::refresh() {
+    const bool hasTarget = monitor_.review().selectedPID().has_value();
+    if (hasTarget != hasTarget_) {
+        setHasTarget(hasTarget);
+    }
+    if (!hasTarget) {
+        return;
+    }
+    const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
+    title_->setText(dashboard_text::text(summary.title));
+    detail_->setText(dashboard_text::text(summary.detail));
+    icon_->setIcon(summary.isProtected ? QStringLiteral("lock.fill") : QStringLiteral("scope"));
+    protected_->setVisible(summary.isProtected);
+    automatic_->setVisible(monitor_.review().chosenBy() == ReviewTarget::ChosenBy::rule);
+}
+
+void OperationTargetBar::setHasTarget(bool hasTarget) {
+    hasTarget_ = hasTarget;
+    const bool hadFocus = choose_->hasFocus() || review_->hasFocus() || clear_->hasFocus();
+    choose_->setVisible(!hasTarget);
+    review_->setVisible(hasTarget);
+    clear_->setVisible(hasTarget);
+    if (!hasTarget) {
+        title_->setText(QStringLiteral("Operation Target"));
+        detail_->setText(QStringLiteral("No operation target selected"));
+        icon_->setIcon(QStringLiteral("scope"));
+        protected_->hide();
+        automatic_->hide();
+    }
+    if (hadFocus) {
+        // The keyboard stays in the row whose button it pressed.
+        (hasTarget ? review_ : choose_)->setFocus();
+    }
+}
+
+QString OperationTargetBar::accessibleValue() const {
+    QString value = title_->text() + QStringLiteral(", ") + detail_->text();
+    for (const Capsule* mark : {automatic_, protected_}) {
+        if (!mark->isHidden()) {
+            value += QStringLiteral(", ") + mark->accessibleName();
+        }
+    }
+    return value;
+}
+
+void OperationTargetBar::resizeEvent(QResizeEvent* event) {
+    Card::resizeEvent(event);
+    const bool isWide = width() >= oneLineWidth;
+    if (isWide == (texts_->direction() == QBoxLayout::LeftToRight)) {
+        return;
+    }
+    texts_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    texts_->setSpacing(isWide ? spacing::unit : 2);
+    detail_->setFontRole(isWide ? &CrestFonts::body : &CrestFonts::caption);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/card.h"
+
+class QBoxLayout;
+class QPushButton;
+
+namespace tallowcrest {
+
+class Capsule;
+class ElidedLabel;
+class IconView;
+class SystemMonitor;
+
+/// What is under review, in one row above every page, and the ways to choose it, to go on with it
+/// and to let go of it. Its height never changes. Main thread.
+class OperationTargetBar final : public Card, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    explicit OperationTargetBar(SystemMonitor& monitor, QWidget* parent = nullptr);
+
+    void refresh();
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
+    QString accessibleValue() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void makeTexts();
+    void makeButtons();
+    void setHasTarget(bool hasTarget);
+
+    SystemMonitor& monitor_;
+    QBoxLayout* row_ = nullptr;
+    QBoxLayout* texts_ = nullptr;
+    IconView* icon_ = nullptr;
+    ElidedLabel* title_ = nullptr;
+    ElidedLabel* detail_ = nullptr;
+    Capsule* automatic_ = nullptr;
+    Capsule* protected_ = nullptr;
+    QPushButton* choose_ = nullptr;
+    QPushButton* review_ = nullptr;
+    QPushButton* clear_ = nullptr;
+    bool hasTarget_ = false;
+};
+
+}  // namespace tallowcrest

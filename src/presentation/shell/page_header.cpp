@@ -1,0 +1,191 @@
+#include "presentation/shell/page_header.h"
+
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/commands.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+/// What a button's icon is called, for when there is room for it again.
+constexpr const char* iconProperty = "tallowcrest.icon";
+
+QString identifierOn(AppRoute route, const char* action) {
+    return dashboard_text::text(rawValue(route)) + u'.' + QString::fromLatin1(action);
+}
+
+}  // namespace
+
+PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
+    : QWidget(parent), monitor_(monitor) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
+                               spacing::unit);
+    layout->setSpacing(2);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit);
+    title_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    title_->setObjectName(QStringLiteral("page.title"));
+    subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    subtitle_->setObjectName(QStringLiteral("page.subtitle"));
+    row->addWidget(title_, 1);
+
+    actions_ = new QHBoxLayout;
+    actions_->setSpacing(spacing::unit);
+    row->addLayout(actions_);
+    refresh_ =
+        makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
+                   QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
+    refresh_->setProperty(iconProperty, QStringLiteral("arrow.clockwise"));
+    connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
+    row->addWidget(refresh_);
+    layout->addLayout(row);
+    // The width of the page to itself: no route's subtitle needs a second line.
+    layout->addWidget(subtitle_);
+}
+
+void PageHeader::setRoute(AppRoute route) {
+    title_->setText(dashboard_text::text(title(route)));
+    subtitle_->setText(dashboard_text::text(subtitle(route)));
+    while (const QLayoutItem* item = actions_->takeAt(0)) {
+        // Deleted later, because the click that changed the route may be its own.
+        item->widget()->hide();
+        item->widget()->deleteLater();
+        delete item;
+    }
+    addRouteActions(route);
+    orderActions();
+    measure();
+}
+
+std::vector<QPushButton*> PageHeader::buttons() const {
+    std::vector<QPushButton*> all{refresh_};
+    for (int i = 0; i < actions_->count(); ++i) {
+        all.push_back(qobject_cast<QPushButton*>(actions_->itemAt(i)->widget()));
+    }
+    return all;
+}
+
+void PageHeader::measure() {
+    showIcons(true);
+    wholeWidth_ = 2 * spacing::pagePadding + title_->sizeHint().width();
+    for (const QPushButton* button : buttons()) {
+        wholeWidth_ += spacing::unit + button->sizeHint().width();
+    }
+    fold();
+}
+
+void PageHeader::fold() {
+    const bool hasRoom = wholeWidth_ <= width();
+    if (hasRoom != hasIcons_) {
+        showIcons(hasRoom);
+    }
+}
+
+void PageHeader::showIcons(bool areShown) {
+    hasIcons_ = areShown;
+    for (QPushButton* button : buttons()) {
+        button->setIcon(areShown ? themedIcon(button->property(iconProperty).toString()) : QIcon());
+    }
+}
+
+void PageHeader::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        measure();
+    }
+}
+
+void PageHeader::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fold();
+}
+
+void PageHeader::orderActions() {
+    // The order that the eye sees; new widgets would else come behind the whole page.
+    QWidget* before = refresh_;
+    for (int i = 0; i < actions_->count(); ++i) {
+        QWidget* action = actions_->itemAt(i)->widget();
+        setTabOrder(before, action);
+        before = action;
+    }
+    setTabOrder(before, refresh_);
+    // Assistive technology goes by the order of the children.
+    refresh_->raise();
+}
+
+void PageHeader::addRouteActions(AppRoute route) {
+    const auto add = [&](const Command& command, const char* action, auto handler) {
+        addAction(command, identifierOn(route, action), handler);
+    };
+    if (route == AppRoute::overview) {
+        add({"Review Cleanup", "wand.and.stars", "Goes to Optimize"}, "review-cleanup",
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+    } else if (route == AppRoute::aiAdvisor) {
+        add({"Open Chat", "message", "Goes to Chat"}, "open-chat",
+            [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
+    } else if (route == AppRoute::settings) {
+        add(commands::openSettingsSheet, "open-sheet",
+            [this] { monitor_.navigation().setShowSettings(true); });
+    } else if (route == AppRoute::load || route == AppRoute::optimize) {
+        add({"Select Top", "scope", "Selects the heaviest process for review"}, "select-top",
+            [this] { selectTop(); });
+        if (route == AppRoute::optimize) {
+            add(commands::selectTopApp.titled("Top App"), "top-app", [this] { selectTopApp(); });
+            add(commands::purge.titled("Purge"), "purge",
+                [this] { monitor_.localActions().requestPurge(); });
+        }
+        add(commands::activityMonitor.titled("Activity"), "activity",
+            [this] { monitor_.applications().openActivityMonitor(); });
+    } else if (route == AppRoute::history) {
+        add(commands::copyReport, "copy-report",
+            [this] { monitor_.reports().copyDiagnosticsReport(); });
+        add(commands::exportReport, "export",
+            [this] { monitor_.reports().exportDiagnosticsReport(); });
+    }
+}
+
+void PageHeader::addAction(const Command& command, const QString& identifier,
+                           std::function<void()> act) {
+    QPushButton* button = makeButton(command, identifier, this);
+    button->setProperty(iconProperty, QString::fromUtf8(command.icon));
+    connect(button, &QPushButton::clicked, this, std::move(act));
+    actions_->addWidget(button);
+}
+
+void PageHeader::selectTop() {
+    monitor_.review().selectTopProcess();
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot && !snapshot->topProcesses.empty()) {
+        tellSelection(snapshot->topProcesses.front().pid);
+    }
+}
+
+void PageHeader::selectTopApp() {
+    monitor_.review().selectTopApp();
+    const auto& snapshot = monitor_.sample().snapshot();
+    if (snapshot && !snapshot->appImpacts.empty()) {
+        tellSelection(snapshot->appImpacts.front().topPID);
+    }
+}
+
+void PageHeader::tellSelection(std::optional<std::int64_t> wanted) {
+    // A protected process is refused, and what was selected before stays where it is.
+    if (wanted && wanted == monitor_.review().selectedPID()) {
+        emit selectionMade();
+    }
+}
+
+}  // namespace tallowcrest

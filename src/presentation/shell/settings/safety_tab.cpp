@@ -1,0 +1,193 @@
+#include "presentation/shell/settings/safety_tab.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/controls.h"
+#include "presentation/widgets/danger_button.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/words/commands.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+
+SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
+    : SettingsTab(parent), monitor_(monitor) {
+    addCard(makeStop());
+    addCard(makeNeverQuit());
+}
+
+// Never Quit -------------------------------------------------------------------------------------
+
+QWidget* SafetyTab::makeNeverQuit() {
+    neverQuit_ = new Card;
+    neverQuit_->setObjectName(QStringLiteral("settings.never-quit"));
+    neverQuit_->setHeader(QStringLiteral("lock.shield"),
+                          QStringLiteral("Never Quit And Guardrails"));
+    neverQuit_->contentLayout()->setSpacing(spacing::unit / 2);
+    noNames_ = new ElidedLabel(QStringLiteral("No custom app groups are protected yet."),
+                               &CrestFonts::body, &CrestTheme::secondaryText, neverQuit_);
+    noNames_->setObjectName(QStringLiteral("settings.never-quit.none"));
+    noNames_->setLines(1, 2);
+    noNames_->setGround(&CrestTheme::cardBackground);
+    neverQuit_->contentLayout()->addWidget(noNames_);
+    return neverQuit_;
+}
+
+void SafetyTab::showNames() {
+    const auto& names = monitor_.settings().protectedAppNames;
+    std::vector<std::string> shown(names.begin(), names.end());
+    if (names_ == shown) {
+        return;
+    }
+    for (QWidget* row : rows_) {
+        // Deleted later, because the click that took it off the list may be its own.
+        row->hide();
+        neverQuit_->contentLayout()->removeWidget(row);
+        row->deleteLater();
+    }
+    rows_.clear();
+    removals_.clear();
+    names_ = std::move(shown);
+    noNames_->setVisible(names_->empty());
+    for (const std::string& name : *names_) {
+        rows_.push_back(makeName(name));
+        neverQuit_->contentLayout()->addWidget(rows_.back());
+    }
+    // New ones would else come behind the whole sheet.
+    QWidget* before = resume_;
+    for (QPushButton* removal : removals_) {
+        setTabOrder(before, removal);
+        before = removal;
+    }
+}
+
+QWidget* SafetyTab::makeName(const std::string& name) {
+    const QString shown = dashboard_text::text(name);
+    auto* row = new QWidget(neverQuit_);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    layout->addWidget(new IconView(QStringLiteral("lock.fill"), &CrestTheme::secondaryText,
+                                   spacing::iconSmall, row));
+    auto* label = new ElidedLabel(shown, &CrestFonts::body, &CrestTheme::text, row);
+    label->setElideMode(Qt::ElideMiddle);
+    label->setGround(&CrestTheme::cardBackground);
+    layout->addWidget(label, 1);
+    auto* removal = makeButton(QStringLiteral("Remove"), QStringLiteral("xmark.circle"),
+                               QStringLiteral("settings.never-quit.remove.") + shown,
+                               QStringLiteral("Lets this app group be quit again"), row);
+    removal->setAccessibleName(QStringLiteral("Remove ") + shown);
+    connect(removal, &QPushButton::clicked, this, [this, name] { remove(name); });
+    removal->installEventFilter(this);
+    layout->addWidget(removal);
+    removals_.push_back(removal);
+    return row;
+}
+
+void SafetyTab::remove(const std::string& name) {
+    const auto place = static_cast<std::size_t>(
+        std::distance(names_->begin(), std::find(names_->begin(), names_->end(), name)));
+    // A second click on a row that is going would put the name back.
+    if (monitor_.settings().protectedAppNames.contains(name)) {
+        monitor_.localActions().toggleNeverQuit(name);
+    }
+    showNames();
+    if (removals_.empty()) {
+        neverQuit_->setFocus();
+    } else {
+        removals_.at(std::min(place, removals_.size() - 1))->setFocus();
+    }
+}
+
+// The emergency stop -----------------------------------------------------------------------------
+
+QWidget* SafetyTab::makeStop() {
+    stop_ = new Card;
+    stop_->setObjectName(QStringLiteral("settings.emergency-stop"));
+    stopWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, stop_);
+    stopWords_->setObjectName(QStringLiteral("settings.emergency-stop.words"));
+    stopWords_->setLines(1, 4);
+    stopWords_->setGround(&CrestTheme::cardBackground);
+    stop_->contentLayout()->addWidget(stopWords_);
+    stop_->contentLayout()->addSpacing(spacing::unit / 2);
+    engage_ = new DangerButton(stop_);
+    engage_->setObjectName(QStringLiteral("settings.emergency-stop.engage"));
+    engage_->setTitle(QString::fromUtf8(commands::emergencyStop.title));
+    engage_->setAccessibleDescription(QString::fromUtf8(commands::emergencyStop.description));
+    resume_ = makeButton(commands::resumeManualMode,
+                         QStringLiteral("settings.emergency-stop.resume"), stop_);
+    settling_.emplace(*resume_);
+    for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
+        stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
+    }
+    connect(engage_, &QPushButton::clicked, this, &SafetyTab::engage);
+    engage_->installEventFilter(this);
+    connect(resume_, &QPushButton::clicked, this, [this] {
+        monitor_.automation().resumeFromEmergencyStop();
+        refresh();
+        stop_->setFocus();
+    });
+    showStop(monitor_.automation().isStopEngaged());
+    return stop_;
+}
+
+bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            // The stop is for any key, once. What takes protection away is for none that a person
+            // presses to be done with something, and on some desktops these press any button.
+            if (watched == engage_ && !key->isAutoRepeat()) {
+                engage();
+            }
+            return true;
+        }
+    }
+    return SettingsTab::eventFilter(watched, event);
+}
+
+void SafetyTab::engage() {
+    monitor_.automation().engageEmergencyStop();
+    refresh();
+    // Neither on the way back nor on what closes the sheet: the key may still be down.
+    stop_->setFocus();
+}
+
+void SafetyTab::showStop(bool isEngaged) {
+    const bool isNew = isEngaged && showsEngaged_ == false;
+    showsEngaged_ = isEngaged;
+    stop_->setHeader(isEngaged ? QStringLiteral("exclamationmark.triangle.fill")
+                               : QStringLiteral("exclamationmark.triangle"),
+                     isEngaged ? QStringLiteral("Emergency Stop Engaged")
+                               : QStringLiteral("Automation Emergency Stop"));
+    stopWords_->setText(
+        isEngaged ? QStringLiteral("All automatic actions are off. Resume returns to manual "
+                                   "Apprentice mode and leaves every automation disabled.")
+                  : QString::fromUtf8(commands::emergencyStop.description));
+    if (isNew) {
+        // From here or elsewhere: a click under way must not undo it.
+        settling_->settle();
+        if (engage_->hasFocus()) {
+            stop_->setFocus();
+        }
+    }
+    engage_->setVisible(!isEngaged);
+    resume_->setVisible(isEngaged);
+}
+
+void SafetyTab::refresh() {
+    showNames();
+    showStop(monitor_.automation().isStopEngaged());
+}
+
+}  // namespace tallowcrest

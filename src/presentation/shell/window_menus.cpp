@@ -1,0 +1,185 @@
+#include "presentation/shell/window_menus.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+#include "core/routes.h"
+#include "monitor/system_monitor.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/words/commands.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+QAction* named(QAction* action, const QString& identifier) {
+    action->setObjectName(QStringLiteral("menu.") + identifier);
+    return action;
+}
+
+/// The keys that File's commands share with the editing of text.
+bool deletesAWord(const QKeyEvent& key) {
+    return key.modifiers() == Qt::ControlModifier &&
+           (key.key() == Qt::Key_Delete || key.key() == Qt::Key_Backspace);
+}
+
+bool isInTextField() {
+    const QWidget* focus = QApplication::focusWidget();
+    return qobject_cast<const QLineEdit*>(focus) != nullptr ||
+           qobject_cast<const QTextEdit*>(focus) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(focus) != nullptr;
+}
+
+}  // namespace
+
+WindowMenus::WindowMenus(SystemMonitor& monitor, QMainWindow& window)
+    : QObject(&window), monitor_(monitor), window_(window) {
+    window_.menuBar()->setObjectName(QStringLiteral("menu"));
+    makeApplicationMenu();
+    makeFileMenu();
+    makeGoMenu();
+    window_.installEventFilter(this);
+}
+
+void WindowMenus::makeApplicationMenu() {
+    QMenu* application = window_.menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
+    application->setObjectName(QStringLiteral("menu.application"));
+    named(
+        application->addAction(QStringLiteral("About Tallowcrest"), this, &WindowMenus::showAbout),
+        QStringLiteral("about"))
+        ->setMenuRole(QAction::AboutRole);
+    QAction* settings =
+        named(application->addAction(themedIcon(QStringLiteral("gearshape")),
+                                     QStringLiteral("Settings..."), this,
+                                     [this] { monitor_.navigation().setShowSettings(true); }),
+              QStringLiteral("settings"));
+    settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    settings->setMenuRole(QAction::PreferencesRole);
+    QAction* refreshAction = named(
+        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
+        QStringLiteral("refresh"));
+    refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    refreshAction->setAutoRepeat(false);
+    refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
+    application->addSeparator();
+    addEmergencyStop(*application);
+    application->addSeparator();
+    QAction* quit =
+        named(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
+              QStringLiteral("quit"));
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void WindowMenus::addEmergencyStop(QMenu& menu) {
+    emergencyStop_ =
+        named(menu.addAction(themedIcon(QString::fromUtf8(commands::emergencyStop.icon)),
+                             QString::fromUtf8(commands::emergencyStop.title), this,
+                             [this] { monitor_.automation().engageEmergencyStop(); }),
+              QStringLiteral("emergency-stop"));
+    // Two keys on every keyboard: where the period needs Shift, the second pair does not.
+    emergencyStop_->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
+    // In any window of the application. A dialog that locks this one takes the action along.
+    emergencyStop_->setShortcutContext(Qt::ApplicationShortcut);
+    // Keys that are held down stop everything once.
+    emergencyStop_->setAutoRepeat(false);
+    emergencyStop_->setMenuRole(QAction::ApplicationSpecificRole);
+    // Without a key of its own: what was stopped in a hurry is not resumed in one.
+    resumeManualMode_ =
+        named(menu.addAction(QString::fromUtf8(commands::resumeManualMode.title), this,
+                             [this] { monitor_.automation().resumeFromEmergencyStop(); }),
+              QStringLiteral("resume-manual-mode"));
+    resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
+    refresh();
+}
+
+void WindowMenus::refresh() {
+    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
+}
+
+void WindowMenus::showAbout() {
+    auto* about =
+        new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Tallowcrest"),
+                        QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()),
+                        QMessageBox::Ok, &window_);
+    about->setObjectName(QStringLiteral("about"));
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    constexpr int iconSize = 64;
+    about->setIconPixmap(window_.windowIcon().pixmap(iconSize));
+    about->addAction(emergencyStop_);
+    about->open();
+}
+
+void WindowMenus::makeFileMenu() {
+    QMenu* file = window_.menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("menu.file"));
+    named(file->addAction(themedIcon(QString::fromUtf8(commands::copyReport.icon)),
+                          QString::fromUtf8(commands::copyReport.title), this,
+                          [this] { monitor_.reports().copyDiagnosticsReport(); }),
+          QStringLiteral("copy-report"))
+        ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    QAction* exportReport =
+        named(file->addAction(themedIcon(QString::fromUtf8(commands::exportReport.icon)),
+                              QStringLiteral("Export Diagnostics..."), this,
+                              [this] { monitor_.reports().exportDiagnosticsReport(); }),
+              QStringLiteral("export-diagnostics"));
+    exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    // A key held down exports one report and not several of the same second.
+    exportReport->setAutoRepeat(false);
+    file->addSeparator();
+    QAction* quitProcess =
+        named(file->addAction(QStringLiteral("Quit Selected Process"), this,
+                              [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
+              QStringLiteral("quit-selected-process"));
+    quitProcess->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
+    // Each press without a target is an event of the log, which a key held down would fill.
+    quitProcess->setAutoRepeat(false);
+    QAction* quitApp =
+        named(file->addAction(QStringLiteral("Quit Selected App Group"), this,
+                              [this] { monitor_.localActions().requestQuitSelectedApp(); }),
+              QStringLiteral("quit-selected-app"));
+    // By their first word they would be taken for the command that quits this application.
+    quitProcess->setMenuRole(QAction::NoRole);
+    quitApp->setMenuRole(QAction::NoRole);
+}
+
+void WindowMenus::makeGoMenu() {
+    QMenu* go = window_.menuBar()->addMenu(QStringLiteral("&Go"));
+    go->setObjectName(QStringLiteral("menu.go"));
+    int key = Qt::Key_1;
+    for (const AppRoute route : allAppRoutes) {
+        QAction* action =
+            named(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
+                                dashboard_text::text(title(route)), this,
+                                [this, route] { monitor_.navigation().setSelectedRoute(route); }),
+                  QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
+        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
+        // "Settings" is a place to go to here, not the application's settings command.
+        action->setMenuRole(QAction::NoRole);
+    }
+    go->addSeparator();
+    QAction* filter = named(
+        go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
+                      QStringLiteral("Filter Processes"), this, &WindowMenus::processFilterWanted),
+        QStringLiteral("go.filter-processes"));
+    filter->setShortcut(QKeySequence::Find);
+}
+
+bool WindowMenus::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && isInTextField() &&
+        deletesAWord(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+}  // namespace tallowcrest

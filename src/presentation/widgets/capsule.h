@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+
+/// A short text in a rounded outline. Main thread.
+class Capsule final : public QWidget, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    explicit Capsule(QWidget* parent = nullptr);
+
+    /// Plain text; also the accessible name.
+    void setText(const QString& text);
+
+    /// Sets it off from its quiet neighbours: `icon` before the text, and everything in `color`.
+    void setMark(const QString& icon, const ThemeColor& color);
+    /// Quiet again, as at first.
+    void clearMark();
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
+    QString accessibleValue() const override { return text_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString text_;
+    QString icon_;  ///< empty for a quiet one
+    ThemeColor color_;
+};
+
+}  // namespace tallowcrest

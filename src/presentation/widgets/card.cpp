@@ -1,0 +1,87 @@
+#include "presentation/widgets/card.h"
+
+#include <QHBoxLayout>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/spoken.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+
+Card::Card(QWidget* parent) : QWidget(parent) {
+    outer_ = new QVBoxLayout(this);
+    outer_->setContentsMargins(spacing::cardPadding, spacing::cardPadding, spacing::cardPadding,
+                               spacing::cardPadding);
+    outer_->setSpacing(spacing::unit);
+    content_ = new QVBoxLayout;
+    content_->setSpacing(spacing::unit);
+    outer_->addLayout(content_, 1);
+}
+
+QHBoxLayout* Card::headerLayout() {
+    if (header_ == nullptr) {
+        header_ = new QHBoxLayout;
+        header_->setSpacing(spacing::unit);
+        icon_ = new IconView(QString(), &CrestTheme::secondaryText);
+        heading_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text);
+        header_->addWidget(icon_);
+        header_->addWidget(heading_, 1);
+        outer_->insertLayout(0, header_);
+    }
+    return header_;
+}
+
+void Card::setHeader(const QString& icon, const QString& heading) {
+    headerLayout();
+    icon_->setIcon(icon);
+    icon_->setVisible(!icon.isEmpty());
+    heading_->setText(heading);
+    setSpokenName(*this, heading);
+}
+
+void Card::setCaption(const QString& text) {
+    if (caption_ == nullptr && text.isEmpty()) {
+        return;
+    }
+    caption()->setText(text);
+    caption()->setVisible(!text.isEmpty());
+}
+
+void Card::reserveCaption(const QString& pattern) {
+    caption()->setReservedText(pattern);
+}
+
+ElidedLabel* Card::caption() {
+    if (caption_ == nullptr) {
+        caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+        caption_->setLines(1, 2);
+        caption_->setGround(&CrestTheme::cardBackground);
+        outer_->insertWidget(header_ == nullptr ? 0 : 1, caption_);
+    }
+    return caption_;
+}
+
+void Card::paintEvent(QPaintEvent* event) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    // Most paints clear the ground for one changed figure. Away from the border that is a plain
+    // fill, at a fraction of the rounded outline's cost.
+    const int corner = spacing::cardRadius;
+    if (rect().adjusted(corner, 1, -corner, -1).contains(event->rect()) ||
+        rect().adjusted(1, corner, -1, -corner).contains(event->rect())) {
+        painter.fillRect(event->rect(), theme.cardBackground);
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.hairline, 1));
+    painter.setBrush(theme.cardBackground);
+    // The border's middle runs through the outermost pixels, or it would be two pixels wide.
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), spacing::cardRadius,
+                            spacing::cardRadius);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,255 @@
+#include "presentation/widgets/crest_style.h"
+
+#include <QPainter>
+#include <QPushButton>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int controlHeight = 32;
+constexpr int controlRadius = 8;
+constexpr int iconGap = 8;
+constexpr int scrollHandleWidth = 6;
+constexpr int smallestScrollHandle = 32;
+
+QColor blended(const QColor& base, const QColor& over, double amount) {
+    return QColor::fromRgbF(
+        static_cast<float>(base.redF() + (over.redF() - base.redF()) * amount),
+        static_cast<float>(base.greenF() + (over.greenF() - base.greenF()) * amount),
+        static_cast<float>(base.blueF() + (over.blueF() - base.blueF()) * amount));
+}
+
+void drawFrame(QPainter& painter, const QRect& rect, const QColor& fill, bool hasFocus,
+               const CrestTheme& theme) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double inset = hasFocus ? 1.0 : 0.5;
+    painter.setPen(QPen(hasFocus ? theme.accentText : theme.hairline, hasFocus ? 2 : 1));
+    painter.setBrush(fill);
+    painter.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), controlRadius,
+                            controlRadius);
+    painter.restore();
+}
+
+void drawButton(QPainter& painter, const QStyleOption& option) {
+    constexpr double hoverAmount = 0.05;
+    constexpr double pressAmount = 0.12;
+    const CrestTheme& theme = CrestTheme::current();
+    const bool isPressed = option.state & (QStyle::State_Sunken | QStyle::State_On);
+    const bool isHovered =
+        (option.state & QStyle::State_MouseOver) && (option.state & QStyle::State_Enabled);
+    const double amount = isPressed ? pressAmount : isHovered ? hoverAmount : 0.0;
+    drawFrame(painter, option.rect, blended(theme.cardBackground, theme.text, amount),
+              option.state & QStyle::State_HasFocus, theme);
+}
+
+void drawButtonLabel(QPainter& painter, const QStyleOptionButton& button, const QWidget* widget) {
+    const CrestTheme& theme = CrestTheme::current();
+    const int textWidth = button.fontMetrics.horizontalAdvance(button.text);
+    const int iconWidth = button.icon.isNull() ? 0 : button.iconSize.width() + iconGap;
+    int left = button.rect.center().x() - (iconWidth + textWidth) / 2;
+    const bool isEnabled = button.state & QStyle::State_Enabled;
+    if (iconWidth > 0) {
+        const QPixmap icon =
+            button.icon.pixmap(button.iconSize, widget != nullptr ? widget->devicePixelRatioF() : 1,
+                               isEnabled ? QIcon::Normal : QIcon::Disabled);
+        painter.drawPixmap(left, button.rect.center().y() - button.iconSize.height() / 2 + 1, icon);
+        left += iconWidth;
+    }
+    painter.setPen(isEnabled ? theme.text : theme.secondaryText);
+    painter.drawText(QRect(left, button.rect.top(), textWidth + 1, button.rect.height()),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, button.text);
+}
+
+void drawScrollBar(QPainter& painter, const QRect& slider, bool isHovered, bool isVertical) {
+    const CrestTheme& theme = CrestTheme::current();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isHovered ? theme.secondaryText : theme.hairline);
+    QRectF handle(slider);
+    if (isVertical) {
+        handle.setLeft(handle.center().x() - scrollHandleWidth / 2.0);
+        handle.setWidth(scrollHandleWidth);
+        handle.adjust(0, 2, 0, -2);
+    } else {
+        handle.setTop(handle.center().y() - scrollHandleWidth / 2.0);
+        handle.setHeight(scrollHandleWidth);
+        handle.adjust(2, 0, -2, 0);
+    }
+    painter.drawRoundedRect(handle, scrollHandleWidth / 2.0, scrollHandleWidth / 2.0);
+    painter.restore();
+}
+
+}  // namespace
+
+CrestStyle::CrestStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+void CrestStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (widget->inherits("QTipLabel")) {
+        // A tip comes with the desktop's colours, which need not go with those of the window.
+        const CrestTheme& theme = CrestTheme::current();
+        QPalette colors = widget->palette();
+        colors.setColor(QPalette::ToolTipBase, theme.cardBackground);
+        colors.setColor(QPalette::ToolTipText, theme.text);
+        widget->setPalette(colors);
+        widget->setFont(CrestFonts::current().body);
+    }
+}
+
+void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                               QPainter* painter, const QWidget* widget) const {
+    const CrestTheme& theme = CrestTheme::current();
+    switch (element) {
+        case PE_PanelButtonCommand:
+            drawButton(*painter, *option);
+            return;
+        case PE_PanelLineEdit:
+            drawFrame(*painter, option->rect, theme.textFieldBackground,
+                      option->state & State_HasFocus, theme);
+            return;
+        case PE_FrameLineEdit:
+            return;
+        case PE_PanelTipLabel:
+            painter->fillRect(option->rect, theme.cardBackground);
+            painter->setPen(theme.hairline);
+            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+            return;
+        case PE_FrameFocusRect:
+            // A push button's own frame tells its focus.
+            if (qobject_cast<const QPushButton*>(widget) != nullptr) {
+                return;
+            }
+            break;
+        default:
+            break;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void CrestStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const {
+    if (element == CE_PushButtonLabel) {
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+            drawButtonLabel(*painter, *button, widget);
+            return;
+        }
+    }
+    if (element == CE_HeaderSection || element == CE_HeaderEmptyArea) {
+        const CrestTheme& theme = CrestTheme::current();
+        painter->fillRect(option->rect, theme.cardBackground);
+        painter->setPen(theme.hairline);
+        painter->drawLine(option->rect.bottomLeft(), option->rect.bottomRight());
+        return;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void CrestStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const {
+    if (control == CC_ScrollBar) {
+        if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option)) {
+            if (slider->minimum < slider->maximum) {
+                drawScrollBar(*painter,
+                              subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget),
+                              option->state & State_MouseOver, slider->orientation == Qt::Vertical);
+            }
+            return;
+        }
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+int CrestStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                            const QWidget* widget) const {
+    switch (metric) {
+        case PM_ScrollBarExtent:
+            return spacing::scrollBar;
+        case PM_ScrollBarSliderMin:
+            return smallestScrollHandle;
+        case PM_HeaderMargin:
+            return spacing::unit;
+        case PM_ToolTipLabelFrameWidth:
+            // A tip adds one pixel to this.
+            return spacing::unit - 1;
+        case PM_ButtonShiftHorizontal:
+        case PM_ButtonShiftVertical:
+            return 0;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int CrestStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* returnData) const {
+    // Nothing is animated: a change of the figures is the only motion on screen. Dialogs carry no
+    // stock icons, which come in colours that mean nothing here.
+    if (hint == SH_ToolTipLabel_Opacity) {
+        return 255;
+    }
+    if (hint == SH_Widget_Animation_Duration || hint == SH_DialogButtonBox_ButtonsHaveIcons) {
+        return 0;
+    }
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
+}
+
+QRect CrestStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                 SubControl subControl, const QWidget* widget) const {
+    const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || slider == nullptr) {
+        return QProxyStyle::subControlRect(control, option, subControl, widget);
+    }
+    // A bar without arrow buttons: the groove is all of it.
+    const bool isVertical = slider->orientation == Qt::Vertical;
+    const QRect bar = option->rect;
+    const int length = isVertical ? bar.height() : bar.width();
+    const qint64 range = qint64{slider->maximum} - slider->minimum;
+    int handle = length;
+    if (range > 0) {
+        handle = static_cast<int>(qint64{slider->pageStep} * length / (range + slider->pageStep));
+        handle = std::min(std::max(handle, smallestScrollHandle), length);
+    }
+    const int start =
+        sliderPositionFromValue(slider->minimum, slider->maximum, slider->sliderPosition,
+                                length - handle, slider->upsideDown);
+    const auto part = [&](int from, int size) {
+        return isVertical ? QRect(bar.left(), bar.top() + from, bar.width(), size)
+                          : QRect(bar.left() + from, bar.top(), size, bar.height());
+    };
+    switch (subControl) {
+        case SC_ScrollBarGroove:
+            return bar;
+        case SC_ScrollBarSlider:
+            return part(start, handle);
+        case SC_ScrollBarSubPage:
+            return part(0, start);
+        case SC_ScrollBarAddPage:
+            return part(start + handle, length - start - handle);
+        default:
+            return {};
+    }
+}
+
+QSize CrestStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                   const QWidget* widget) const {
+    QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
+    if (type == CT_PushButton) {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        constexpr int sidePadding = 12;
+        const int iconWidth =
+            button != nullptr && !button->icon.isNull() ? button->iconSize.width() + iconGap : 0;
+        const int textWidth =
+            button != nullptr ? option->fontMetrics.horizontalAdvance(button->text) : size.width();
+        result = {textWidth + iconWidth + 2 * sidePadding, controlHeight};
+    } else if (type == CT_LineEdit) {
+        result.setHeight(controlHeight);
+    }
+    return result;
+}
+
+}  // namespace tallowcrest

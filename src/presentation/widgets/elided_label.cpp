@@ -1,0 +1,274 @@
+#include "presentation/widgets/elided_label.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QHelpEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include "presentation/widgets/figure_text.h"
+#include "presentation/widgets/text_lines.h"
+#include "presentation/widgets/tool_tip.h"
+
+namespace tallowcrest {
+namespace {
+
+// A label asks for no more than this, however long its text is; a layout may still give it more.
+constexpr int widestHint = 480;
+constexpr qsizetype longestMeasured = 200;
+
+bool differOnlyInDigits(const QString& a, const QString& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](QChar left, QChar right) {
+        return left == right || (left.isDigit() && right.isDigit());
+    });
+}
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QWidget(parent) {
+    installAccessibleFigures();
+    updateSizePolicy();
+}
+
+ElidedLabel::ElidedLabel(const QString& text, FontRole font, const ThemeColor& color,
+                         QWidget* parent)
+    : ElidedLabel(parent) {
+    font_ = font;
+    color_ = color;
+    setText(text);
+}
+
+void ElidedLabel::setText(const QString& text) {
+    if (text == text_) {
+        return;
+    }
+    // A new layout of the whole page is dear, and so is measuring text. Most new texts differ from
+    // the old in their digits alone, which ask for the same room.
+    const bool isSameButForDigits = differOnlyInDigits(text, text_);
+    if (isSameButForDigits && hasTabularDigits(textFont())) {
+        keepBreaks(std::exchange(text_, text));
+    } else {
+        const int widthBefore = naturalWidth();
+        const int heightBefore = heightForWidth(width());
+        text_ = text;
+        linesWidth_ = -1;
+        if (!isSameButForDigits) {
+            naturalWidth_ = -1;
+        }
+        if (naturalWidth() != widthBefore || heightForWidth(width()) != heightBefore) {
+            updateGeometry();
+        }
+    }
+    setAccessibleName(text);
+    update();
+}
+
+void ElidedLabel::setFontRole(FontRole font) {
+    font_ = font;
+    changeLayout();
+}
+
+void ElidedLabel::setColor(const ThemeColor& color) {
+    if (color != color_) {
+        color_ = color;
+        update();
+    }
+}
+
+void ElidedLabel::setUnitColor(const ThemeColor& color) {
+    unitColor_ = color;
+    update();
+}
+
+void ElidedLabel::setGround(const ThemeColor& ground) {
+    ground_ = ground;
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    update();
+}
+
+void ElidedLabel::setAlignment(Qt::Alignment alignment) {
+    alignment_ = alignment;
+    update();
+}
+
+void ElidedLabel::setElideMode(Qt::TextElideMode mode) {
+    elideMode_ = mode;
+    changeLayout();
+}
+
+void ElidedLabel::setLines(int minimum, int maximum) {
+    maximumLines_ = std::max(1, maximum);
+    minimumLines_ = std::clamp(minimum, 1, maximumLines_);
+    if (maximumLines_ > 1) {
+        // Text that may grow begins at the top, or its first line would move.
+        alignment_ = (alignment_ & Qt::AlignHorizontal_Mask) | Qt::AlignTop;
+    }
+    updateSizePolicy();
+    changeLayout();
+}
+
+void ElidedLabel::setReservedText(const QString& pattern) {
+    reserved_ = pattern;
+    changeLayout();
+}
+
+const QStringList& ElidedLabel::shownLines() const {
+    if (linesWidth_ != width()) {
+        lines_ = fitsInOneLine()
+                     ? QStringList{text_}
+                     : fittedLines(text_, textFont(), width(), maximumLines_, elideMode_);
+        linesWidth_ = width();
+    }
+    return lines_;
+}
+
+bool ElidedLabel::fitsInOneLine() const {
+    // The natural width is known as long as only digits change, so this spares the measuring that
+    // eliding begins with.
+    return maximumLines_ == 1 && !text_.isEmpty() && text_.size() <= longestMeasured &&
+           !text_.contains(u'\n') && naturalWidth() < widestHint && naturalWidth() <= width();
+}
+
+void ElidedLabel::keepBreaks(const QString& before) {
+    qsizetype from = 0;
+    for (QString& line : lines_) {
+        const qsizetype start = before.indexOf(line, from);
+        if (start < 0) {
+            // Not a plain piece of the text: cut by an ellipsis.
+            linesWidth_ = -1;
+            return;
+        }
+        from = start + line.size();
+        line = text_.mid(start, line.size());
+    }
+}
+
+int ElidedLabel::naturalWidth() const {
+    if (naturalWidth_ < 0) {
+        // No text of this length fits into the widest hint. Digits count as the widest one, so that
+        // another figure of as many digits asks for the same room.
+        const int wanted = figuresWidth(textFont(), text_.left(longestMeasured)) + 1;
+        naturalWidth_ = std::max(reservedWidth(), std::min(wanted, widestHint));
+    }
+    return naturalWidth_;
+}
+
+int ElidedLabel::reservedWidth() const {
+    // One more for rounding, as for the text itself: the one must never outgrow the other.
+    return reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_) + 1;
+}
+
+QSize ElidedLabel::sizeHint() const {
+    const int width = naturalWidth();
+    return {width,
+            hasHeightForWidth() ? heightForWidth(width) : QFontMetrics(textFont()).lineSpacing()};
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    const int shortest = std::min(naturalWidth(), 4 * spacing::unit);
+    return {std::max(reservedWidth(), shortest),
+            QFontMetrics(textFont()).lineSpacing() * minimumLines_};
+}
+
+int ElidedLabel::heightForWidth(int width) const {
+    const int lineHeight = QFontMetrics(textFont()).lineSpacing();
+    if (maximumLines_ == 1) {
+        return lineHeight;
+    }
+    const auto needed =
+        width == this->width()
+            ? shownLines().size()
+            : fittedLines(text_, textFont(), width, maximumLines_, elideMode_).size();
+    return lineHeight * std::max(minimumLines_, static_cast<int>(needed));
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+        const QStringList lines = shownLines();
+        if (!lines.isEmpty() && lines.last().contains(QChar(u'…')) && !text_.endsWith(u'…')) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipText(text_),
+                               this);
+        } else {
+            QToolTip::hideText();
+        }
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void ElidedLabel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::EnabledChange) {
+        changeLayout();
+    }
+    QWidget::changeEvent(event);
+}
+
+void ElidedLabel::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    update();
+}
+
+void ElidedLabel::paintEvent(QPaintEvent* event) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    if (ground_) {
+        painter.fillRect(event->rect(), ground_->in(theme));
+    }
+    const QStringList& lines = shownLines();
+    if (lines.isEmpty()) {
+        return;
+    }
+    painter.setFont(textFont());
+    QColor color = color_.in(theme);
+    if (!isEnabled()) {
+        color.setAlphaF(0.5F);
+    }
+    painter.setPen(color);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int lineHeight = metrics.lineSpacing();
+    const int block = lineHeight * static_cast<int>(lines.size());
+    int top = 0;
+    if ((alignment_ & Qt::AlignVCenter) != 0) {
+        top = (height() - block) / 2;
+    }
+    const int baseline = textBaseline(metrics, QRect(0, 0, width(), lineHeight));
+    const auto horizontal = static_cast<int>(alignment_ & Qt::AlignHorizontal_Mask);
+    for (const QString& line : lines) {
+        if (unitColor_ && isEnabled() && line == text_) {
+            drawFigure(painter, QRect(0, top, width(), lineHeight), Qt::Alignment(horizontal), line,
+                       color, unitColor_->in(theme));
+        } else if (horizontal == Qt::AlignLeft && !line.isRightToLeft()) {
+            // A known place spares the text layout that aligning within a rectangle takes.
+            painter.drawText(0, top + baseline, line);
+        } else {
+            painter.drawText(QRect(0, top, width(), lineHeight),
+                             horizontal | Qt::AlignVCenter | Qt::TextSingleLine, line);
+        }
+        top += lineHeight;
+    }
+}
+
+void ElidedLabel::forgetMeasures() {
+    lines_.clear();
+    linesWidth_ = -1;
+    naturalWidth_ = -1;
+}
+
+void ElidedLabel::changeLayout() {
+    forgetMeasures();
+    updateGeometry();
+    update();
+}
+
+void ElidedLabel::updateSizePolicy() {
+    QSizePolicy policy(QSizePolicy::Preferred,
+                       maximumLines_ > 1 ? QSizePolicy::Minimum : QSizePolicy::Fixed);
+    policy.setHeightForWidth(maximumLines_ > 1);
+    setSizePolicy(policy);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,92 @@
+#include "presentation/widgets/figure_row.h"
+
+#include <algorithm>
+
+#include <QEvent>
+#include <QHBoxLayout>
+
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/spoken.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int lineGap = 2;
+
+}  // namespace
+
+NamedFigure::NamedFigure(const QString& name, QWidget* parent) : QWidget(parent) {
+    installAccessibleFigures();
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    name_ = new ElidedLabel(name, &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    figure_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    figure_->setUnitColor(&CrestTheme::secondaryText);
+    for (ElidedLabel* label : {name_, figure_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+    setAccessibleName(accessibleValue());
+}
+
+void NamedFigure::setFigure(const QString& figure) {
+    figure_->setText(figure);
+    setSpokenName(*this, accessibleValue());
+}
+
+QString NamedFigure::accessibleValue() const {
+    // A dash that stands for no figure is for the eye alone.
+    const QString& figure = figure_->text();
+    const bool isFigure = std::any_of(figure.begin(), figure.end(),
+                                      [](QChar each) { return each.isLetterOrNumber(); });
+    return isFigure ? name_->text() + QStringLiteral(": ") + figure : name_->text();
+}
+
+QSize NamedFigure::sizeHint() const {
+    const QSize name = name_->sizeHint();
+    const QSize figure = figure_->sizeHint();
+    return {std::max(name.width(), figure.width()), name.height() + lineGap + figure.height()};
+}
+
+QSize NamedFigure::minimumSizeHint() const {
+    return {std::max(name_->minimumSizeHint().width(), figure_->minimumSizeHint().width()),
+            sizeHint().height()};
+}
+
+void NamedFigure::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange) {
+        place();
+        updateGeometry();
+    }
+    QWidget::changeEvent(event);
+}
+
+void NamedFigure::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    place();
+}
+
+// By hand and not by a layout: that would pass every new figure's wish for room on to the page, but
+// the columns share the row whatever stands in them.
+void NamedFigure::place() {
+    const int nameHeight = name_->sizeHint().height();
+    name_->setGeometry(0, 0, width(), nameHeight);
+    figure_->setGeometry(0, nameHeight + lineGap, width(), figure_->sizeHint().height());
+}
+
+FigureRow::FigureRow(const QStringList& names, QWidget* parent) : QWidget(parent) {
+    auto* columns = new QHBoxLayout(this);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(spacing::gap);
+    for (const QString& name : names) {
+        figures_.push_back(new NamedFigure(name, this));
+        columns->addWidget(figures_.back(), 1);
+    }
+}
+
+void FigureRow::setFigures(const QStringList& figures) {
+    for (std::size_t i = 0; i < figures_.size(); ++i) {
+        figures_[i]->setFigure(figures.value(static_cast<qsizetype>(i)));
+    }
+}
+
+}  // namespace tallowcrest

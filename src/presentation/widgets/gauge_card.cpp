@@ -1,0 +1,211 @@
+#include "presentation/widgets/gauge_card.h"
+
+#include <cmath>
+#include <utility>
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/figure_text.h"
+#include "presentation/widgets/graph_geometry.h"
+#include "presentation/widgets/spoken.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int ringSize = 96;
+constexpr double ringStroke = 7;
+constexpr int ringGap = 12;
+constexpr int ringStart = 225;
+constexpr int ringSpan = 270;
+// The ring beside the longest single word of a title.
+constexpr int narrowestCard = 224;
+
+/// `length` degrees of the ring from its start, clockwise.
+void drawRing(QPainter& painter, const QColor& color, double length) {
+    const double inset = ringStroke / 2 + 0.5;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, ringStroke, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(QRectF(0, 0, ringSize, ringSize).adjusted(inset, inset, -inset, -inset),
+                    ringStart * 16, -static_cast<int>(length * 16));
+}
+
+long wholePercent(double value) {
+    return std::lround(value);
+}
+
+enum class GaugeState { normal, elevated, high };
+
+GaugeState gaugeState(double value) {
+    const double safe = safeGraphValue(value);
+    if (safe >= 85) {
+        return GaugeState::high;
+    }
+    return safe >= 70 ? GaugeState::elevated : GaugeState::normal;
+}
+
+}  // namespace
+
+QString gaugeStateWord(double value) {
+    switch (gaugeState(value)) {
+        case GaugeState::high:
+            return QStringLiteral("High");
+        case GaugeState::elevated:
+            return QStringLiteral("Elevated");
+        case GaugeState::normal:
+            break;
+    }
+    return QStringLiteral("Normal");
+}
+
+ThemeColor gaugeStateColor(double value) {
+    switch (gaugeState(value)) {
+        case GaugeState::high:
+            return &CrestTheme::bad;
+        case GaugeState::elevated:
+            return &CrestTheme::caution;
+        case GaugeState::normal:
+            break;
+    }
+    return &CrestTheme::good;
+}
+
+GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
+    // It paints its own ground, so that a new figure repaints nothing of what lies below.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFixedSize(ringSize, ringSize);
+}
+
+void GaugeRing::setValue(double value) {
+    const double before = value_;
+    value_ = safeGraphValue(value);
+    if (!std::exchange(hasValue_, true) || wholePercent(before) != wholePercent(value_)) {
+        update();
+    }
+}
+
+void GaugeRing::clearValue() {
+    value_ = 0;
+    if (std::exchange(hasValue_, false)) {
+        update();
+    }
+}
+
+void GaugeRing::setTint(const ThemeColor& tint) {
+    if (tint != tint_) {
+        tint_ = tint;
+        update();
+    }
+}
+
+void GaugeRing::paintEvent(QPaintEvent*) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, emptyRing(theme));
+    // The arc goes with the figure in its middle, in whole percent: it moves when that does.
+    const long percent = wholePercent(value_);
+    if (percent > 0) {
+        drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
+    }
+    painter.setFont(CrestFonts::current().title);
+    drawFigure(painter, rect(), Qt::AlignHCenter,
+               hasValue_ ? QStringLiteral("%1%").arg(percent) : QStringLiteral("–"), theme.text,
+               theme.secondaryText);
+}
+
+const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
+    const double ratio = devicePixelRatioF();
+    if (emptyRing_.devicePixelRatio() != ratio || emptyRingTrack_ != theme.track ||
+        emptyRingGround_ != theme.cardBackground) {
+        emptyRingTrack_ = theme.track;
+        emptyRingGround_ = theme.cardBackground;
+        emptyRing_ = QPixmap((QSizeF(size()) * ratio).toSize());
+        emptyRing_.setDevicePixelRatio(ratio);
+        emptyRing_.fill(theme.cardBackground);
+        QPainter painter(&emptyRing_);
+        drawRing(painter, theme.track, ringSpan);
+    }
+    return emptyRing_;
+}
+
+GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* parent) : Card(parent) {
+    installAccessibleFigures();
+    setMinimumWidth(narrowestCard);
+    ring_ = new GaugeRing;
+    ring_->setTint(tint);
+    title_ = new ElidedLabel(title, &CrestFonts::heading, &CrestTheme::text);
+    title_->setLines(1, 2);
+    title_->setGround(&CrestTheme::cardBackground);
+    state_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::good);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+    detail_->setLines(2, 4);
+    // The widest word, so that a change of state moves nothing.
+    state_->setReservedText(gaugeStateWord(70));
+    state_->setGround(&CrestTheme::cardBackground);
+    detail_->setGround(&CrestTheme::cardBackground);
+
+    // Always the room of two lines, and a single one in the lower of them: so the state words of
+    // cards side by side stand level, whichever title wraps.
+    auto* titleRoom = new QHBoxLayout;
+    titleRoom->addStrut(2 * QFontMetrics(CrestFonts::current().heading).lineSpacing());
+    titleRoom->addWidget(title_, 1, Qt::AlignBottom);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(spacing::unit / 2);
+    texts->addLayout(titleRoom);
+    texts->addWidget(state_);
+    texts->addWidget(detail_);
+    texts->addStretch(1);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(ringGap);
+    row->addWidget(ring_, 0, Qt::AlignVCenter);
+    row->addLayout(texts, 1);
+    contentLayout()->addLayout(row);
+    setTitle(title);
+    showState();
+}
+
+void GaugeCard::setValue(double value) {
+    ring_->setValue(value);
+    showState();
+}
+
+void GaugeCard::clearValue() {
+    ring_->clearValue();
+    showState();
+}
+
+void GaugeCard::setTitle(const QString& title) {
+    title_->setText(title);
+    setSpokenName(*this, title);
+}
+
+void GaugeCard::setDetail(const QString& detail) {
+    detail_->setText(detail);
+    setSpokenDescription(*this, accessibleValue());
+}
+
+void GaugeCard::setTint(const ThemeColor& tint) {
+    ring_->setTint(tint);
+}
+
+QString GaugeCard::accessibleValue() const {
+    QStringList parts;
+    if (ring_->hasValue()) {
+        parts << QStringLiteral("%1%").arg(wholePercent(value())) << gaugeStateWord(value());
+    }
+    if (!detail_->text().isEmpty()) {
+        parts << detail_->text();
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+void GaugeCard::showState() {
+    state_->setText(ring_->hasValue() ? gaugeStateWord(value()) : QString());
+    state_->setColor(gaugeStateColor(value()));
+    setSpokenDescription(*this, accessibleValue());
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,118 @@
+#include "presentation/widgets/graph_geometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tallowcrest {
+namespace {
+
+struct Span {
+    double top = 0;
+    double bottom = 0;
+};
+
+/// The heights that `line` itself passes in each column of pixels.
+std::vector<Span> columnSpans(const std::vector<GraphPoint>& line) {
+    if (line.size() < 2) {
+        return {};
+    }
+    const auto count = static_cast<std::size_t>(std::ceil(line.back().x));
+    std::vector<Span> spans;
+    spans.reserve(count);
+    std::size_t segment = 0;
+    double y = line.front().y;
+    for (std::size_t column = 0; column < count; ++column) {
+        const double right = std::min(static_cast<double>(column + 1), line.back().x);
+        Span span{y, y};
+        const auto pass = [&span](double height) {
+            span.top = std::min(span.top, height);
+            span.bottom = std::max(span.bottom, height);
+        };
+        while (segment + 2 < line.size() && line[segment + 1].x < right) {
+            ++segment;
+            pass(line[segment].y);
+        }
+        const GraphPoint& from = line[segment];
+        const GraphPoint& to = line[segment + 1];
+        y = to.x > from.x ? from.y + (to.y - from.y) * (right - from.x) / (to.x - from.x) : to.y;
+        pass(y);
+        spans.push_back(span);
+    }
+    return spans;
+}
+
+}  // namespace
+
+double safeGraphValue(double value) {
+    return std::isfinite(value) ? std::clamp(value, 0.0, 100.0) : 0.0;
+}
+
+double graphY(double value, double height) {
+    return height * (1 - safeGraphValue(value) / 100);
+}
+
+std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height) {
+    std::vector<GraphPoint> line;
+    line.reserve(values.size());
+    const double steps = values.size() > 1 ? static_cast<double>(values.size() - 1) : 1.0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        line.push_back({width * static_cast<double>(i) / steps, graphY(values[i], height)});
+    }
+    return line;
+}
+
+std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness) {
+    const std::vector<Span> spans = columnSpans(line);
+    const double reach = thickness / 2;
+    const auto neighbours = static_cast<std::size_t>(std::ceil(reach));
+    std::vector<GraphColumn> columns;
+    columns.reserve(spans.size());
+    for (std::size_t column = 0; column < spans.size(); ++column) {
+        Span near = spans[column];
+        const std::size_t end = std::min(spans.size(), column + neighbours + 1);
+        for (std::size_t i = column - std::min(column, neighbours); i < end; ++i) {
+            near.top = std::min(near.top, spans[i].top);
+            near.bottom = std::max(near.bottom, spans[i].bottom);
+        }
+        const auto [top, bottom] = spans[column];
+        const double rise = bottom - top;
+        columns.push_back({static_cast<float>((top + bottom) / 2),
+                           static_cast<float>(reach * std::sqrt(1 + rise * rise)),
+                           static_cast<float>(std::max(1.0, rise)),
+                           static_cast<float>(near.top - reach),
+                           static_cast<float>(near.bottom + reach)});
+    }
+    return columns;
+}
+
+std::vector<double> graphGrid(double height) {
+    return {0, height * 0.25, height * 0.5, height * 0.75, height};
+}
+
+std::vector<double> graphEvents(const std::vector<double>& fractions, double width) {
+    std::vector<double> positions;
+    for (const double fraction : fractions) {
+        if (std::isfinite(fraction) && fraction >= 0 && fraction <= 1) {
+            positions.push_back(width * fraction);
+        }
+    }
+    return positions;
+}
+
+std::optional<double> graphThreshold(std::optional<double> threshold, double height) {
+    if (!threshold || !std::isfinite(*threshold)) {
+        return std::nullopt;
+    }
+    return graphY(*threshold, height);
+}
+
+std::optional<std::string> graphSeriesText(std::string_view name,
+                                           const std::vector<double>& values) {
+    if (values.empty()) {
+        return std::nullopt;
+    }
+    const long rounded = std::lround(safeGraphValue(values.back()));
+    return std::string(name) + " " + std::to_string(rounded) + " percent";
+}
+
+}  // namespace tallowcrest

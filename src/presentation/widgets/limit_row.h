@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+
+#include <QString>
+#include <QWidget>
+
+#include "presentation/widgets/step_slider.h"
+
+namespace tallowcrest {
+
+class ElidedLabel;
+
+/// One figure that the owner sets with a slider: its title, its value in words, and the slider
+/// below. What it shows is the field; each step that the owner moves it to is handed on at once.
+/// Stands on a card. Main thread.
+class LimitRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    struct Binding {
+        std::function<double()> read;
+        std::function<void(double)> write;
+        std::function<QString(double)> words;
+    };
+
+    /// `identifier` is the one of the slider.
+    LimitRow(const QString& title, const QString& identifier, const SliderScale& scale,
+             Binding binding, QWidget* parent = nullptr);
+
+    void refresh();
+
+private:
+    void take(double value);
+
+    Binding binding_;
+    ElidedLabel* value_ = nullptr;
+    StepSlider* slider_ = nullptr;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,87 @@
+#include "presentation/widgets/section_card.h"
+
+#include <QVBoxLayout>
+
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+
+SectionCard::SectionCard(const QString& icon, const QString& title, Frame frame, QWidget* parent)
+    : Card(parent), frame_(frame) {
+    installAccessibleFigures();
+    setAccessibleName(title);
+    // The header takes the card's padding for its own, so that all of it can be clicked.
+    layout()->setContentsMargins(0, 0, 0, 0);
+    layout()->setSpacing(0);
+    contentLayout()->setSpacing(0);
+    header_ = new SectionHeader(icon, title, this);
+    contentLayout()->addWidget(header_);
+    below_ = new QVBoxLayout;
+    below_->setSpacing(spacing::unit);
+    contentLayout()->addLayout(below_, 1);
+    body_ = new QWidget(this);
+    bodyLayout_ = new QVBoxLayout(body_);
+    bodyLayout_->setContentsMargins(0, 0, 0, 0);
+    bodyLayout_->setSpacing(spacing::unit);
+    below_->addWidget(body_, 1);
+    fitMargins();
+}
+
+void SectionCard::setSectionCaption(const QString& text) {
+    if (caption_ == nullptr && text.isEmpty()) {
+        return;
+    }
+    caption()->setText(text);
+    if (caption_->isHidden() != text.isEmpty()) {
+        caption_->setVisible(!text.isEmpty());
+        fitMargins();
+    }
+}
+
+void SectionCard::reserveSectionCaption(const QString& pattern) {
+    caption()->setReservedText(pattern);
+}
+
+ElidedLabel* SectionCard::caption() {
+    if (caption_ == nullptr) {
+        caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+        caption_->setLines(1, 2);
+        if (frame_ == Frame::card) {
+            caption_->setGround(&CrestTheme::cardBackground);
+        }
+        below_->insertWidget(0, caption_);
+        // Assistive technology goes by the order of the children.
+        caption_->stackUnder(body_);
+        fitMargins();
+    }
+    return caption_;
+}
+
+void SectionCard::setCollapsed(bool collapsed) {
+    if (collapsed == isCollapsed()) {
+        return;
+    }
+    header_->setExpanded(!collapsed);
+    body_->setVisible(!collapsed);
+    // A closed card leaves room that is left over to its neighbours.
+    setSizePolicy(QSizePolicy::Preferred,
+                  collapsed ? QSizePolicy::Maximum : QSizePolicy::Preferred);
+    fitMargins();
+    update();
+}
+
+void SectionCard::fitMargins() {
+    const bool isFramed = frame_ == Frame::card || isCollapsed();
+    const bool isEmpty = isCollapsed() && (caption_ == nullptr || caption_->isHidden());
+    const int side = isFramed ? spacing::cardPadding : 0;
+    below_->setContentsMargins(side, 0, side, isEmpty ? 0 : side);
+}
+
+void SectionCard::paintEvent(QPaintEvent* event) {
+    if (frame_ == Frame::card || isCollapsed()) {
+        Card::paintEvent(event);
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QString>
+
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+
+/// The head of a part of a page that can be closed: a chevron that tells its state, an icon, a
+/// title and, at the right, a short note that can be read while the part is closed. The whole row
+/// is one button; Return and the space bar change the state, the right arrow opens and the left one
+/// closes. To assistive technology it is a button that is expanded or collapsed. Main thread.
+class SectionHeader final : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    SectionHeader(const QString& icon, const QString& title, QWidget* parent = nullptr);
+
+    /// Only shows the state; whoever owns it answers `collapseWanted` with this.
+    void setExpanded(bool expanded);
+    bool isExpanded() const { return isExpanded_; }
+
+    void setNote(const QString& note, const ThemeColor& color = &CrestTheme::secondaryText);
+    const QString& note() const { return note_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+signals:
+    void collapseWanted(bool collapsed);
+
+protected:
+    void enterEvent(QEnterEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void describe();
+
+    QString icon_;
+    QString note_;
+    ThemeColor noteColor_ = &CrestTheme::secondaryText;
+    bool isExpanded_ = true;
+    bool hasRing_ = false;
+};
+
+}  // namespace tallowcrest

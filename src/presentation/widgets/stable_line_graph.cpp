@@ -1,0 +1,265 @@
+#include "presentation/widgets/stable_line_graph.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <QFontMetrics>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QtMath>
+
+#include "presentation/widgets/text_lines.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr double gridOpacity = 0.14;
+constexpr double thresholdOpacity = 0.55;
+constexpr double eventOpacity = 0.35;
+constexpr double areaOpacity = 0.1;
+constexpr double ruleWidth = 1;
+constexpr double dashLength = 4;
+constexpr double lineWidth = 2;
+// A line through one point has no length, so the point itself is marked.
+constexpr double lonePointSize = 6;
+// How far a line at the very edge of the canvas reaches beyond it.
+constexpr int overhang = 1;
+constexpr int swatchWidth = 12;
+constexpr int widestLegendName = 160;
+
+}  // namespace
+
+bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
+    return a.id == b.id && a.color == b.color && a.fillsArea == b.fillsArea &&
+           std::equal(a.values.begin(), a.values.end(), b.values.begin(), b.values.end(),
+                      [](double first, double second) {
+                          return safeGraphValue(first) == safeGraphValue(second);
+                      });
+}
+
+StableLineGraph::StableLineGraph(QWidget* parent) : PaintedFigure(parent) {
+    setAccessibleName(QStringLiteral("Performance graph"));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    StableLineGraph::measure();
+}
+
+void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
+    if (series == series_) {
+        return;
+    }
+    const bool hasSameLegend =
+        std::equal(series.begin(), series.end(), series_.begin(), series_.end(),
+                   [](const StableGraphSeries& a, const StableGraphSeries& b) {
+                       return a.id == b.id && a.color == b.color;
+                   });
+    series_ = std::move(series);
+    describe();
+    if (hasSameLegend) {
+        update(canvasPixels());
+    } else {
+        update();
+    }
+}
+
+void StableLineGraph::setWarningThreshold(std::optional<double> threshold) {
+    if (threshold != warningThreshold_) {
+        warningThreshold_ = threshold;
+        update(canvasPixels());
+    }
+}
+
+void StableLineGraph::setEventFractions(std::vector<double> fractions) {
+    eventFractions_ = std::move(fractions);
+    std::vector<double> positions = graphEvents(eventFractions_, canvasRect().width());
+    if (positions != eventPositions_) {
+        eventPositions_ = std::move(positions);
+        update(canvasPixels());
+    }
+}
+
+void StableLineGraph::setLegendVisible(bool visible) {
+    if (visible != legendVisible_) {
+        legendVisible_ = visible;
+        arrange();
+        update();
+    }
+}
+
+QRectF StableLineGraph::canvasRect() const {
+    const int top = legendVisible_ ? captionHeight_ + spacing::unit : captionHeight_ / 2 + 1;
+    const int bottom = captionHeight_ / 2 + 1;
+    const int right = scaleWidth_ + spacing::unit;
+    return {1.0, static_cast<double>(top), std::max(1.0, width() - right - 1.0),
+            std::max(1.0, static_cast<double>(height() - top - bottom))};
+}
+
+QRect StableLineGraph::canvasPixels() const {
+    return canvasRect().adjusted(-overhang, -overhang, overhang, overhang).toAlignedRect();
+}
+
+QSize StableLineGraph::sizeHint() const {
+    return {480, 220};
+}
+
+QSize StableLineGraph::minimumSizeHint() const {
+    return {160, 120};
+}
+
+QString StableLineGraph::accessibleValue() const {
+    QStringList parts;
+    for (const StableGraphSeries& series : series_) {
+        if (const auto text = graphSeriesText(series.id.toStdString(), series.values)) {
+            parts.append(QString::fromStdString(*text));
+        }
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+void StableLineGraph::measure() {
+    const QFont& font = CrestFonts::current().caption;
+    scaleWidth_ = figuresWidth(font, QStringLiteral("100%"));
+    captionHeight_ = QFontMetrics(font).lineSpacing();
+}
+
+void StableLineGraph::arrange() {
+    eventPositions_ = graphEvents(eventFractions_, canvasRect().width());
+}
+
+void StableLineGraph::paintEvent(QPaintEvent* event) {
+    const CrestTheme& theme = CrestTheme::current();
+    QPainter painter(this);
+    const QRect canvas = canvasPixels();
+    // A new sample changes the canvas alone.
+    if (!canvas.contains(event->rect())) {
+        painter.fillRect(event->rect(), theme.cardBackground);
+        painter.setFont(CrestFonts::current().caption);
+        if (legendVisible_) {
+            paintLegend(painter, theme);
+        }
+        paintScale(painter, theme);
+    }
+    if (event->rect().intersects(canvas)) {
+        paintCanvas(painter, theme);
+    }
+}
+
+void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) const {
+    int left = 1;
+    for (const StableGraphSeries& series : series_) {
+        if (left + swatchWidth >= width()) {
+            return;
+        }
+        const int room = std::min(widestLegendName, width() - left - swatchWidth - spacing::unit);
+        const QString name = fittedLines(series.id, painter.font(), room, 1).value(0);
+        const double middle = captionHeight_ / 2.0;
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(series.color.in(theme));
+        painter.drawRoundedRect(QRectF(left, middle - 2, swatchWidth, 4), 2, 2);
+        left += swatchWidth + spacing::unit;
+        painter.setPen(theme.secondaryText);
+        painter.drawText(QRect(left, 0, room, captionHeight_),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, name);
+        left += painter.fontMetrics().horizontalAdvance(name) + spacing::gap;
+    }
+}
+
+void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) const {
+    const QRectF canvas = canvasRect();
+    painter.setPen(theme.secondaryText);
+    for (const int percent : {0, 50, 100}) {
+        const double middle = canvas.top() + graphY(percent, canvas.height());
+        painter.drawText(QRectF(width() - scaleWidth_, middle - captionHeight_ / 2.0, scaleWidth_,
+                                captionHeight_),
+                         Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("%1%").arg(percent));
+    }
+}
+
+void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
+    const QRect place = canvasPixels();
+    const double ratio = devicePixelRatioF();
+    const QRectF visible = canvasRect().translated(-place.topLeft());
+    const QRectF canvas(visible.topLeft() * ratio, visible.size() * ratio);
+    const QPoint origin = canvas.topLeft().toPoint();
+    const std::vector<GraphRule> rules = canvasRules(canvas, ratio, theme);
+    std::vector<std::vector<GraphColumn>> lines;
+    lines.reserve(series_.size());
+    for (const StableGraphSeries& series : series_) {
+        lines.push_back(graphColumns(graphLine(series.values, canvas.width(), canvas.height()),
+                                     lineWidth * ratio));
+    }
+
+    // Pixel by pixel: even where nothing is to be scaled, Qt is slow to find that out for each
+    // part.
+    painter.scale(1 / ratio, 1 / ratio);
+    const QPoint corner = (QPointF(place.topLeft()) * ratio).toPoint();
+    // A part of this width stays within the processor's cache from its ground to its line, and is
+    // no burden on the memory.
+    constexpr int partWidth = 128;
+    const QSize partSize(partWidth, qCeil(place.height() * ratio));
+    if (part_.size() != partSize) {
+        part_ = QImage(partSize, QImage::Format_RGB32);
+    }
+    const int width = qCeil(place.width() * ratio);
+    for (int left = 0; left < width; left += partWidth) {
+        part_.fill(theme.cardBackground);
+        for (const GraphRule& rule : rules) {
+            layGraphRule(part_, rule, QPoint(-left, 0));
+        }
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const QRgb color = series_[i].color.in(theme).rgb();
+            const QPoint partOrigin = origin - QPoint(left, 0);
+            if (series_[i].fillsArea) {
+                layBelowGraphColumns(part_, lines[i], partOrigin, qRound(canvas.bottom()), color,
+                                     areaOpacity);
+            }
+            drawGraphColumns(part_, lines[i], partOrigin, color);
+            if (series_[i].values.size() == 1) {
+                paintLonePoint(part_, canvas.translated(-left, 0), ratio, series_[i], theme);
+            }
+        }
+        const int used = std::min(partWidth, width - left);
+        painter.drawImage(corner + QPoint(left, 0), part_, QRect(0, 0, used, part_.height()));
+    }
+}
+
+std::vector<GraphRule> StableLineGraph::canvasRules(const QRectF& canvas, double ratio,
+                                                    const CrestTheme& theme) const {
+    std::vector<GraphRule> rules;
+    const auto add = [&](QPointF start, QPointF end, int dash, const QColor& color,
+                         double opacity) {
+        rules.push_back({sharpRule(start, end, ruleWidth * ratio), dash, color.rgb(), opacity});
+    };
+    const auto addLevel = [&](double height, int dash, const QColor& color, double opacity) {
+        const double y = canvas.top() + height;
+        add({canvas.left(), y}, {canvas.right(), y}, dash, color, opacity);
+    };
+    const int dash = qRound(dashLength * ratio);
+    for (const double height : graphGrid(canvas.height())) {
+        addLevel(height, 0, theme.secondaryText, gridOpacity);
+    }
+    if (const auto height = graphThreshold(warningThreshold_, canvas.height())) {
+        addLevel(*height, dash, theme.caution, thresholdOpacity);
+    }
+    for (const double position : eventPositions_) {
+        const double x = canvas.left() + position * ratio;
+        add({x, canvas.top()}, {x, canvas.bottom()}, dash, theme.secondaryText, eventOpacity);
+    }
+    return rules;
+}
+
+void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
+                                     const StableGraphSeries& series, const CrestTheme& theme) {
+    const double radius = lonePointSize * ratio / 2;
+    const GraphPoint point = graphLine(series.values, canvas.width(), canvas.height()).front();
+    QPainter painter(&part);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(series.color.in(theme));
+    // Beside the canvas's edge and not across it, which would cut the dot in half.
+    painter.drawEllipse(canvas.topLeft() + QPointF(std::max(point.x, radius), point.y), radius,
+                        radius);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,142 @@
+#include "presentation/widgets/step_slider.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QAccessibleWidget>
+#include <QFocusEvent>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QStyleOptionSlider>
+#include <QWheelEvent>
+
+#include "presentation/widgets/focus_ring.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr int sliderHeight = 24;
+constexpr double grooveHeight = 4;
+constexpr double knobSize = 16;
+/// A click beside the knob goes a tenth of the way.
+constexpr int pagesPerScale = 10;
+
+/// Qt's own interface of a slider would tell the number of the step.
+class StepSliderInterface final : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+    explicit StepSliderInterface(StepSlider* slider)
+        : QAccessibleWidget(slider, QAccessible::Slider) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this)
+                                                   : QAccessibleWidget::interface_cast(type);
+    }
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Value ? slider().valueText() : QAccessibleWidget::text(kind);
+    }
+    QVariant currentValue() const override { return slider().scale().valueAt(slider().value()); }
+    void setCurrentValue(const QVariant& value) override {
+        slider().setValue(slider().scale().nearestStep(value.toDouble()));
+    }
+    QVariant minimumValue() const override { return slider().scale().minimum; }
+    QVariant maximumValue() const override { return slider().scale().maximum; }
+    QVariant minimumStepSize() const override { return slider().scale().step; }
+
+private:
+    StepSlider& slider() const { return *static_cast<StepSlider*>(object()); }
+};
+
+QAccessibleInterface* sliderInterface(const QString&, QObject* object) {
+    auto* slider = qobject_cast<StepSlider*>(object);
+    return slider != nullptr ? new StepSliderInterface(slider) : nullptr;
+}
+
+void installSliderInterface() {
+    static const bool installed = [] {
+        QAccessible::installFactory(sliderInterface);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
+}  // namespace
+
+int SliderScale::steps() const {
+    return static_cast<int>(std::lround((maximum - minimum) / step));
+}
+
+int SliderScale::nearestStep(double value) const {
+    if (std::isnan(value)) {
+        return 0;
+    }
+    return static_cast<int>(std::lround((std::clamp(value, minimum, maximum) - minimum) / step));
+}
+
+StepSlider::StepSlider(const SliderScale& scale, QWidget* parent)
+    : QSlider(Qt::Horizontal, parent), scale_(scale) {
+    installSliderInterface();
+    setRange(0, scale.steps());
+    setPageStep(std::max(1, scale.steps() / pagesPerScale));
+    setAttribute(Qt::WA_Hover);
+    connect(this, &QSlider::valueChanged, this,
+            [this](int index) { emit moved(scale_.valueAt(index)); });
+}
+
+void StepSlider::show(double value) {
+    const QSignalBlocker quiet(this);
+    setValue(scale_.nearestStep(value));
+}
+
+QSize StepSlider::sizeHint() const {
+    return {20 * spacing::unit, sliderHeight};
+}
+
+QSize StepSlider::minimumSizeHint() const {
+    return {10 * spacing::unit, sliderHeight};
+}
+
+void StepSlider::focusInEvent(QFocusEvent* event) {
+    hasRing_ = showsFocusRing(event->reason(), hasRing_);
+    QSlider::focusInEvent(event);
+}
+
+void StepSlider::wheelEvent(QWheelEvent* event) {
+    // It belongs to the page, which else could not be scrolled past a slider.
+    event->ignore();
+}
+
+void StepSlider::paintEvent(QPaintEvent*) {
+    const CrestTheme& theme = CrestTheme::current();
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    // Where the style would have it, which is where the pointer finds it.
+    const QPointF center =
+        QRectF(style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this))
+            .center();
+    const QPointF knob(std::clamp(center.x(), knobSize / 2 + 1, width() - knobSize / 2 - 1),
+                       height() / 2.0);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QRectF groove(1, knob.y() - grooveHeight / 2, width() - 2, grooveHeight);
+    painter.setBrush(theme.track);
+    painter.drawRoundedRect(groove, grooveHeight / 2, grooveHeight / 2);
+    QRectF filled = groove;
+    filled.setRight(knob.x());
+    painter.setBrush(theme.accentText);
+    painter.drawRoundedRect(filled, grooveHeight / 2, grooveHeight / 2);
+    if (hasFocus() && hasRing_) {
+        painter.setPen(QPen(theme.accentText, 2));
+        painter.setBrush(theme.cardBackground);
+        painter.drawEllipse(knob, knobSize / 2 + 2, knobSize / 2 + 2);
+        painter.setPen(Qt::NoPen);
+    }
+    painter.setBrush(underMouse() ? mixedColor(theme.accentText, theme.text, 0.15)
+                                  : theme.accentText);
+    painter.drawEllipse(knob, knobSize / 2, knobSize / 2);
+    painter.setBrush(theme.cardBackground);
+    painter.drawEllipse(knob, knobSize / 2 - 4, knobSize / 2 - 4);
+}
+
+}  // namespace tallowcrest

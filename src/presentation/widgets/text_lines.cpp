@@ -1,0 +1,111 @@
+#include "presentation/widgets/text_lines.h"
+
+#include <optional>
+
+#include <QFontMetrics>
+#include <QTextLayout>
+#include <QTextOption>
+
+namespace tallowcrest {
+namespace {
+
+// More than any label of this application can show.
+constexpr qsizetype longestMeasured = 1000;
+
+QString measurable(const QString& text, Qt::TextElideMode elideMode) {
+    if (text.size() <= longestMeasured) {
+        return text;
+    }
+    if (elideMode == Qt::ElideMiddle) {
+        return text.left(longestMeasured / 2) + QChar(u'…') + text.right(longestMeasured / 2);
+    }
+    return text.left(longestMeasured) + QChar(u'…');
+}
+
+/// `text` with the blank between a number and the word behind it made one that no line breaks at.
+QString withNumbersGlued(QString text) {
+    for (qsizetype i = 1; i + 1 < text.size(); ++i) {
+        if (text.at(i) == u' ' && text.at(i - 1).isDigit() && text.at(i + 1).isLetter()) {
+            text[i] = QChar::Nbsp;
+        }
+    }
+    return text;
+}
+
+QStringList wrappedLines(const QString& text, const QFont& font, int width, int maximumLines) {
+    QTextLayout layout(withNumbersGlued(text), font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        const int start = line.textStart();
+        if (lines.size() == maximumLines - 1) {
+            // The last line takes all that is left and is cut where the room ends.
+            const QString rest = text.mid(start).replace(QChar::LineSeparator, u' ').trimmed();
+            lines.append(QFontMetrics(font).elidedText(rest, Qt::ElideRight, width));
+            break;
+        }
+        lines.append(text.mid(start, line.textLength()).remove(QChar::LineSeparator).trimmed());
+    }
+    layout.endLayout();
+    return lines;
+}
+
+/// The lines of a list that breaks between its items, and within one only where that is too long
+/// for a line.
+QStringList linesOfItems(const QString& text, const QFont& font, int width, int maximumLines) {
+    const QString separator = QStringLiteral(" · ");
+    const QFontMetrics metrics(font);
+    QStringList lines;
+    std::optional<QString> line;
+    for (const QString& item : text.split(separator)) {
+        const QString longer = line ? *line + separator + item : item;
+        if (metrics.horizontalAdvance(longer) <= width) {
+            line = longer;
+            continue;
+        }
+        if (line) {
+            lines.append(*line);
+        }
+        line = item;
+        if (metrics.horizontalAdvance(item) > width) {
+            // One more than there is room for tells that it does not fit.
+            lines.append(wrappedLines(item, font, width, maximumLines + 1));
+            line.reset();
+        }
+        if (lines.size() > maximumLines) {
+            return lines;
+        }
+    }
+    if (line) {
+        lines.append(*line);
+    }
+    return lines;
+}
+
+}  // namespace
+
+QStringList fittedLines(const QString& text, const QFont& font, int width, int maximumLines,
+                        Qt::TextElideMode elideMode) {
+    if (text.isEmpty() || width <= 0) {
+        return {};
+    }
+    QString shown = measurable(text, elideMode);
+    if (maximumLines <= 1) {
+        return {QFontMetrics(font).elidedText(shown.replace(u'\n', u' '), elideMode, width)};
+    }
+
+    shown.replace(u'\n', QChar(QChar::LineSeparator));
+    if (!shown.contains(QChar::LineSeparator)) {
+        const QStringList lines = linesOfItems(shown, font, width, maximumLines);
+        if (lines.size() <= maximumLines) {
+            return lines;
+        }
+    }
+    return wrappedLines(shown, font, width, maximumLines);
+}
+
+}  // namespace tallowcrest

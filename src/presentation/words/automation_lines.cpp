@@ -1,0 +1,124 @@
+#include "presentation/words/automation_lines.h"
+
+#include <algorithm>
+#include <optional>
+
+#include <QStringList>
+
+#include "monitor/auto_rules.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+namespace {
+
+struct SwitchText {
+    AutomationSwitch which;
+    const char* identifier;
+    const char* title;
+    const char* explanation;
+    const char* acted = "";
+    const char* neverActed = "";
+};
+
+constexpr const char* lastTime = "Last acted %1";
+constexpr const char* noAction = "No recent action";
+
+constexpr std::array switchTexts{
+    SwitchText{AutomationSwitch::autoSelectTopOffender, "auto-select",
+               "Auto-select safest top offender",
+               "When load crosses the warning threshold, select a non-protected top app for "
+               "review. Does not quit anything.",
+               lastTime, noAction},
+    SwitchText{AutomationSwitch::autoPurgeSustainedMemory, "auto-purge",
+               "Auto-purge after sustained high memory",
+               "Purges reclaimable file caches only after memory pressure stays high, with a "
+               "15-minute cooldown.",
+               lastTime, noAction},
+    SwitchText{AutomationSwitch::autoScanRemoteMacs, "auto-scan", "Auto-scan Tailscale Macs",
+               "Refreshes remote Mac health about every 15 minutes when online Tailnet Macs are "
+               "available.",
+               lastTime, noAction},
+    SwitchText{AutomationSwitch::diskAutopilotEnabled, "disk-autopilot", "Enable Disk Autopilot",
+               "Uses the Advisor autonomy mode above. Apprentice prepares reviews, Trusted keeps "
+               "execution manual, and Autopilot may act only after 3 successful reviewed disk "
+               "cleanups reach 75% trust.",
+               "Last checked %1", "No recent check"},
+    SwitchText{AutomationSwitch::aiSafeActionsEnabled, "ai-safe-actions", "Allow AI safe actions",
+               ""},
+    SwitchText{AutomationSwitch::notificationsIncludeActions, "notification-actions",
+               "Show action buttons in warning notifications", ""},
+};
+static_assert(switchTexts.size() == allAutomationSwitches.size());
+
+const SwitchText& textOf(AutomationSwitch which) {
+    return *std::find_if(switchTexts.begin(), switchTexts.end(),
+                         [which](const SwitchText& each) { return each.which == which; });
+}
+
+/// Whether it acts without anybody pressing a button.
+bool isAutomation(AutomationSwitch which) {
+    return which != AutomationSwitch::notificationsIncludeActions;
+}
+
+}  // namespace
+
+QString armedWord(ArmedState state) {
+    switch (state) {
+        case ArmedState::on:
+            return QStringLiteral("On");
+        case ArmedState::off:
+            return QStringLiteral("Off");
+        case ArmedState::stopped:
+            return QStringLiteral("Stopped");
+    }
+    return {};
+}
+
+QString automationIdentifier(AutomationSwitch which) {
+    return QString::fromLatin1(textOf(which).identifier);
+}
+
+QString automationsOn(const Settings& settings) {
+    const auto count = std::count_if(allAutomationSwitches.begin(), allAutomationSwitches.end(),
+                                     [&settings](AutomationSwitch which) {
+                                         return isAutomation(which) && isOn(settings, which);
+                                     });
+    return count == 0   ? QStringLiteral("No automations on")
+           : count == 1 ? QStringLiteral("1 automation on")
+                        : QStringLiteral("%1 automations on").arg(count);
+}
+
+AutomationLine automationLine(AutomationSwitch which, bool isOn, const AutomationFacts& facts) {
+    const SwitchText& text = textOf(which);
+    AutomationLine line;
+    line.title = QString::fromLatin1(text.title);
+    line.explanation = QString::fromLatin1(text.explanation);
+    line.isOn = isOn;
+    line.state = facts.isStopEngaged && isGovernedByStop(which) ? ArmedState::stopped
+                 : isOn                                         ? ArmedState::on
+                                                                : ArmedState::off;
+    const std::optional<Date> date = lastActed(which, facts.dates, facts.activityLog);
+    line.lastActed =
+        date ? QString::fromLatin1(text.acted).arg(dashboard_text::shortTimeText(*date, facts.now))
+             : QString::fromLatin1(text.neverActed);
+    line.hasActed = date.has_value();
+    return line;
+}
+
+QString automationsSummary(const Settings& settings, const AutomationFacts& facts) {
+    QStringList lines;
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        if (!isAutomation(which)) {
+            continue;
+        }
+        const AutomationLine line = automationLine(which, isOn(settings, which), facts);
+        QString words = line.title + QStringLiteral(": ") + armedWord(line.state);
+        if (!line.lastActed.isEmpty()) {
+            words += QStringLiteral(". ") + line.lastActed;
+        }
+        lines.append(words);
+    }
+    return lines.join(u'\n');
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "presentation/widgets/command.h"
+
+/// The commands that stand in more places than one.
+namespace tallowcrest::commands {
+
+inline constexpr Command purge{"Purge Caches", "memorychip",
+                               "Asks whether to purge the file caches"};
+inline constexpr Command activityMonitor{"Activity Monitor", "macwindow",
+                                         "Opens the system's own process viewer"};
+inline constexpr Command selectTopApp{"Select Top App", "chart.bar.xaxis",
+                                      "Selects the heaviest process of the heaviest app"};
+inline constexpr Command copyReport{"Copy Report", "doc.on.doc",
+                                    "Puts the diagnostics report on the clipboard"};
+inline constexpr Command exportReport{"Export", "square.and.arrow.up",
+                                      "Writes the diagnostics report to a file"};
+inline constexpr Command openSettingsSheet{"Open Settings Sheet", "gearshape",
+                                           "Opens the settings sheet"};
+inline constexpr Command emergencyStop{
+    "Emergency Stop", "exclamationmark.octagon",
+    "Immediately disables automatic cleanup, purge, remote scans, and AI autonomous execution."};
+inline constexpr Command resumeManualMode{
+    "Resume Manual Mode", "", "Clears the stop; every automation stays off until you turn it on"};
+
+}  // namespace commands
+}  // namespace tallowcrest

@@ -1,0 +1,113 @@
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/base/report_folder_posix.h"
+#include "tests/support/file_text.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ReportFolderTest : public ::testing::Test {
+protected:
+    std::vector<std::string> names(const std::filesystem::path& where) {
+        std::vector<std::string> result;
+        for (const auto& entry : std::filesystem::directory_iterator(where)) {
+            result.push_back(entry.path().filename());
+        }
+        return result;
+    }
+
+    TemporaryFolder root;
+    std::filesystem::path path = root.path() / "documents/outputs/reports";
+    PosixReportFolder folder{[this] { return path; }, {}};
+};
+
+TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
+    const std::string text = "Tallowcrest report\n\tZürich 日本\n";
+    EXPECT_EQ(folder.write(path / "a.txt", text), std::nullopt);
+    EXPECT_EQ(fileText(path / "a.txt"), text);
+    EXPECT_THAT(names(path), ElementsAre("a.txt"));
+    struct stat info {};
+    ASSERT_EQ(::stat((path / "a.txt").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0600U);
+}
+
+TEST_F(ReportFolderTest, ANameThatExistsIsNotReplaced) {
+    ASSERT_EQ(folder.write(path / "a.txt", "first"), std::nullopt);
+    EXPECT_EQ(folder.write(path / "a.txt", "second"), "File exists");
+    EXPECT_EQ(fileText(path / "a.txt"), "first");
+    EXPECT_THAT(names(path), ElementsAre("a.txt"));
+}
+
+TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
+    std::filesystem::create_directories(path);
+    const auto elsewhere = root.path() / "precious";
+    std::ofstream(elsewhere) << "precious";
+    std::filesystem::create_symlink(elsewhere, path / "a.txt");
+    std::filesystem::create_symlink(root.path() / "nowhere", path / "b.txt");
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), "File exists");
+    EXPECT_EQ(folder.write(path / "b.txt", "report"), "File exists");
+    EXPECT_EQ(fileText(elsewhere), "precious");
+    EXPECT_FALSE(std::filesystem::exists(root.path() / "nowhere"));
+    EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
+}
+
+TEST_F(ReportFolderTest, AFolderThatCannotBeMadeIsToldInTheSystemsWords) {
+    std::ofstream(root.path() / "documents") << "a file stands where the folder should";
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), "Not a directory");
+    EXPECT_EQ(fileText(root.path() / "documents"), "a file stands where the folder should");
+}
+
+TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {
+    for (const char* nowhere : {"", "a.txt", "relative/a.txt"}) {
+        EXPECT_EQ(folder.write(nowhere, "report"), "No such file or directory") << nowhere;
+    }
+    EXPECT_FALSE(std::filesystem::exists("relative"));
+    EXPECT_FALSE(std::filesystem::exists("a.txt"));
+}
+
+TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
+    // As large as a file may get here stands for as much as the disk has left.
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = before;
+    small.rlim_cur = 100;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const auto problem = folder.write(path / "a.txt", std::string(1000, 'x'));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(problem, "File too large");
+    EXPECT_THAT(names(path), IsEmpty());
+}
+
+TEST_F(ReportFolderTest, RevealsWhereSomebodyShowsFiles) {
+    std::vector<std::filesystem::path> revealed;
+    PosixReportFolder shown{[] { return ""; },
+                            [&revealed](const auto& file) { revealed.push_back(file); }};
+    shown.reveal(path / "a.txt");
+    EXPECT_THAT(revealed, ElementsAre(path / "a.txt"));
+    folder.reveal(path / "a.txt");
+}
+
+TEST_F(ReportFolderTest, IsWhereItIsWhenItIsAsked) {
+    EXPECT_EQ(folder.place(), path);
+    path = root.path() / "moved";
+    EXPECT_EQ(folder.place(), path);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,134 @@
+// A report folder on a file system that has one name per file.
+
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/base/report_folder_posix.h"
+#include "tests/platform/support/refused_call.h"
+#include "tests/support/file_text.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+using Refusals = std::vector<std::pair<std::uint32_t, int>>;
+
+std::string words(int error) {
+    return std::generic_category().message(error);
+}
+
+class ReportFolderWithoutLinks : public testing::Test {
+protected:
+    void SetUp() override {
+        bool mayRefuse = false;
+        std::thread([&] { mayRefuse = refuseCall(SYS_linkat, EPERM); }).join();
+        if (!mayRefuse) {
+            GTEST_SKIP() << "filters are not for this account";
+        }
+    }
+
+    /// Writes on a thread that the kernel refuses calls to, and that alone.
+    std::optional<std::string> write(const std::string& name, const std::string& text,
+                                     const Refusals& refusals = {{SYS_linkat, EPERM}}) {
+        std::optional<std::string> problem;
+        std::thread([&] {
+            for (const auto& [call, error] : refusals) {
+                if (!refuseCall(call, error)) {
+                    problem = "nothing was refused";
+                    return;
+                }
+            }
+            problem = folder.write(root.path() / name, text);
+        }).join();
+        return problem;
+    }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> result;
+        for (const auto& entry : std::filesystem::directory_iterator(root.path())) {
+            result.push_back(entry.path().filename());
+        }
+        return result;
+    }
+
+    TemporaryFolder root;
+    PosixReportFolder folder{[this] { return root.path(); }, {}};
+};
+
+TEST_F(ReportFolderWithoutLinks, TheFileIsThereWhole) {
+    const std::string text(300'000, 'x');
+    for (const int error : {EPERM, EOPNOTSUPP, ENOSYS}) {
+        const std::string name = words(error);
+        EXPECT_EQ(write(name, text, {{SYS_linkat, error}}), std::nullopt) << name;
+        EXPECT_TRUE(fileText(root.path() / name) == text) << name;
+        struct stat info {};
+        ASSERT_EQ(::stat((root.path() / name).c_str(), &info), 0) << name;
+        EXPECT_EQ(info.st_mode & 0777U, 0600U) << name;
+        EXPECT_EQ(info.st_nlink, 1U) << name;
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre(words(EPERM), words(EOPNOTSUPP), words(ENOSYS)));
+}
+
+TEST_F(ReportFolderWithoutLinks, ANameThatExistsIsNotReplaced) {
+    ASSERT_EQ(write("a.txt", "first"), std::nullopt);
+    EXPECT_EQ(write("a.txt", "second"), "File exists");
+    EXPECT_EQ(fileText(root.path() / "a.txt"), "first");
+    EXPECT_THAT(names(), ElementsAre("a.txt"));
+}
+
+TEST_F(ReportFolderWithoutLinks, ALinkInTheWayIsNeitherFollowedNorReplaced) {
+    const TemporaryFolder elsewhere;
+    const auto precious = elsewhere.path() / "precious";
+    std::ofstream(precious) << "precious";
+    std::filesystem::create_symlink(precious, root.path() / "a.txt");
+    std::filesystem::create_symlink(elsewhere.path() / "nothing", root.path() / "b.txt");
+    EXPECT_EQ(write("a.txt", "report"), "File exists");
+    EXPECT_EQ(write("b.txt", "report"), "File exists");
+    EXPECT_EQ(fileText(precious), "precious");
+    EXPECT_FALSE(std::filesystem::exists(elsewhere.path() / "nothing"));
+    EXPECT_TRUE(std::filesystem::is_symlink(root.path() / "a.txt"));
+    EXPECT_TRUE(std::filesystem::is_symlink(root.path() / "b.txt"));
+    EXPECT_THAT(names(), UnorderedElementsAre("a.txt", "b.txt"));
+}
+
+TEST_F(ReportFolderWithoutLinks, AFailedRenameGivesTheNameBack) {
+    const Refusals refusals{{SYS_linkat, EPERM}, {SYS_renameat, EIO}};
+    EXPECT_EQ(write("a.txt", "report", refusals), words(EIO));
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_EQ(write("a.txt", "report"), std::nullopt);
+}
+
+TEST_F(ReportFolderWithoutLinks, AnotherProblemIsTold) {
+    EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), words(EDQUOT));
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(ReportFolderWithoutLinks, AFullDiskOrAForbiddenFolderIsToldAndLeavesNothingBehind) {
+    for (const auto& refusal :
+         {Refusals::value_type{SYS_write, ENOSPC}, Refusals::value_type{SYS_fsync, ENOSPC},
+          Refusals::value_type{SYS_openat, EACCES}}) {
+        EXPECT_EQ(write("a.txt", "report", {refusal}), words(refusal.second));
+        EXPECT_THAT(names(), IsEmpty());
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

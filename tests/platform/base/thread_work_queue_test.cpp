@@ -1,0 +1,324 @@
+#include "platform/base/thread_work_queue.h"
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <future>
+#include <latch>
+#include <memory>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/host.h"
+
+namespace tallowcrest {
+namespace {
+
+using std::chrono::milliseconds;
+
+void noSetup() {}
+
+/// A hang guard, not a measure: nothing below comes near it unless it is stuck.
+constexpr std::chrono::seconds stuck{60};
+
+template <class Value>
+Value getOrFail(std::future<Value> future) {
+    if (future.wait_for(stuck) != std::future_status::ready) {
+        ADD_FAILURE() << "stuck";
+        std::abort();
+    }
+    return future.get();
+}
+
+/// Posts `work` and returns what it answers.
+template <class Work>
+auto runOn(ThreadWorkQueue& queue, Work work) {
+    using Result = std::invoke_result_t<Work>;
+    const auto promise = std::make_shared<std::promise<Result>>();
+    auto future = promise->get_future();
+    queue.post([promise, work] { promise->set_value(work()); });
+    return getOrFail(std::move(future));
+}
+
+TEST(ThreadWorkQueue, RunsWorkOnAnotherThread) {
+    ThreadWorkQueue queue(noSetup);
+    EXPECT_NE(runOn(queue, [] { return std::this_thread::get_id(); }), std::this_thread::get_id());
+}
+
+TEST(ThreadWorkQueue, AStalledJobDoesNotHoldUpTheNext) {
+    std::promise<void> release;
+    ThreadWorkQueue queue(noSetup);
+    std::promise<void> stalled;
+    queue.post([&] {
+        stalled.set_value();
+        release.get_future().wait();
+    });
+    stalled.get_future().wait();
+    EXPECT_EQ(runOn(queue, [] { return 5; }), 5);
+    release.set_value();
+    EXPECT_TRUE(queue.finishWithin(stuck));
+}
+
+TEST(ThreadWorkQueue, JobsPostedTogetherRunTogether) {
+    constexpr int count = static_cast<int>(ThreadWorkQueue::maximumThreads);
+    ThreadWorkQueue queue(noSetup);
+    // Each job waits until all of them have begun.
+    std::latch begun(count);
+    std::latch ended(count);
+    for (int i = 0; i < count; ++i) {
+        queue.post([&] {
+            begun.arrive_and_wait();
+            ended.count_down();
+        });
+    }
+    ended.wait();
+    EXPECT_TRUE(queue.finishWithin(stuck));
+}
+
+TEST(ThreadWorkQueue, StartsNoMoreThanItsMaximumOfThreads) {
+    constexpr int most = static_cast<int>(ThreadWorkQueue::maximumThreads);
+    constexpr int count = 40;
+    static_assert(most == 8);
+    std::atomic<int> running = 0;
+    std::atomic<int> highest = 0;
+    std::latch allBusy(most);
+    std::latch ended(count);
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    ThreadWorkQueue queue(noSetup);
+    for (int i = 0; i < count; ++i) {
+        queue.post([&, i] {
+            const int now = ++running;
+            int seen = highest;
+            while (now > seen && !highest.compare_exchange_weak(seen, now)) {
+            }
+            if (i < most) {
+                allBusy.count_down();
+                released.wait();
+            }
+            --running;
+            ended.count_down();
+        });
+    }
+    allBusy.wait();
+    EXPECT_EQ(running, most);  // the other 32 wait
+    release.set_value();
+    ended.wait();
+    EXPECT_EQ(highest, most);
+}
+
+/// Whether a thread of this process sleeps, as the kernel says.
+bool isAsleep(pid_t thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    return text.find(") S ") != std::string::npos;
+}
+
+TEST(ThreadWorkQueue, ASteadyTickIsServedByOneThread) {
+    static std::atomic<int> threadsStarted;
+    threadsStarted = 0;
+    ThreadWorkQueue queue([] { ++threadsStarted; });
+    EXPECT_EQ(threadsStarted, 0);
+    for (int tick = 0; tick < 50; ++tick) {
+        const pid_t thread = runOn(queue, [] { return gettid(); });
+        // A tick comes long after the job before it has ended and its thread has gone to sleep.
+        const auto deadline = std::chrono::steady_clock::now() + stuck;
+        while (!isAsleep(thread)) {
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+            std::this_thread::yield();
+        }
+    }
+    EXPECT_EQ(threadsStarted, 1);
+}
+
+TEST(ThreadWorkQueue, RunsTheSetupFirstOnEachThread) {
+    static thread_local bool isSetUp = false;
+    ThreadWorkQueue queue([] { isSetUp = true; });
+    EXPECT_TRUE(runOn(queue, [] { return isSetUp; }));
+    EXPECT_FALSE(isSetUp);
+}
+
+TEST(ThreadWorkQueue, TakesPostsFromSeveralThreads) {
+    constexpr int threadCount = 4;
+    constexpr int postsEach = 250;
+    std::atomic<int> ran = 0;
+    std::latch ended(threadCount * postsEach);
+    ThreadWorkQueue queue(noSetup);
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < postsEach; ++i) {
+                queue.post([&] {
+                    ++ran;
+                    ended.count_down();
+                });
+            }
+        });
+    }
+    ended.wait();
+    EXPECT_EQ(ran, threadCount * postsEach);
+}
+
+TEST(ThreadWorkQueue, AJobMayPostTheNext) {
+    ThreadWorkQueue queue(noSetup);
+    std::promise<int> result;
+    queue.post([&] { queue.post([&] { result.set_value(3); }); });
+    EXPECT_EQ(getOrFail(result.get_future()), 3);
+}
+
+TEST(ThreadWorkQueue, WhatAJobHoldsMayPostAsItGoes) {
+    ThreadWorkQueue queue(noSetup);
+    std::promise<int> result;
+    const auto post = [&](void*) { queue.post([&] { result.set_value(4); }); };
+    queue.post([held = std::shared_ptr<void>(nullptr, post)] {});
+    EXPECT_EQ(getOrFail(result.get_future()), 4);
+}
+
+// The end ----------------------------------------------------------------------------------------
+
+TEST(ThreadWorkQueue, FinishesAtOnceWhenNothingRuns) {
+    ThreadWorkQueue unused(noSetup);
+    EXPECT_TRUE(unused.finishWithin(milliseconds(0)));
+    ThreadWorkQueue used(noSetup);
+    runOn(used, [] { return 0; });
+    EXPECT_TRUE(used.finishWithin(stuck));
+}
+
+TEST(ThreadWorkQueue, FinishWithinTellsOfAJobThatGoesOn) {
+    std::promise<void> release;
+    std::promise<void> begun;
+    bool ended = false;
+    {
+        ThreadWorkQueue queue(noSetup);
+        queue.post([&] {
+            begun.set_value();
+            release.get_future().wait();
+            ended = true;
+        });
+        begun.get_future().wait();
+        EXPECT_FALSE(queue.finishWithin(milliseconds(1)));
+        EXPECT_FALSE(queue.finishWithin(milliseconds(0)));
+        release.set_value();
+        EXPECT_TRUE(queue.finishWithin(stuck));
+        EXPECT_TRUE(ended);
+    }
+}
+
+/// Keeps every thread that a queue can have with a job until it lets go.
+class AllThreadsBusy {
+public:
+    explicit AllThreadsBusy(ThreadWorkQueue& queue) {
+        for (std::ptrdiff_t i = 0; i < most; ++i) {
+            queue.post([this] {
+                begun_.count_down();
+                released_.wait();
+            });
+        }
+        begun_.wait();
+    }
+
+    void letGo() { release_.set_value(); }
+
+private:
+    static constexpr auto most = static_cast<std::ptrdiff_t>(ThreadWorkQueue::maximumThreads);
+
+    std::latch begun_{most};
+    std::promise<void> release_;
+    std::shared_future<void> released_ = release_.get_future().share();
+};
+
+TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
+    std::atomic<bool> ranLate = false;
+    const auto held = std::make_shared<int>(0);
+    ThreadWorkQueue queue(noSetup);
+    AllThreadsBusy busy(queue);
+    // No thread is left for these.
+    queue.post([&ranLate, held] { ranLate = true; });
+    EXPECT_EQ(held.use_count(), 2);
+    EXPECT_FALSE(queue.finishWithin(milliseconds(0)));
+    EXPECT_EQ(held.use_count(), 1);
+    queue.post([&ranLate, held] { ranLate = true; });
+    EXPECT_EQ(held.use_count(), 1);
+    busy.letGo();
+    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_FALSE(ranLate);
+}
+
+TEST(ThreadWorkQueue, WhatADroppedJobHoldsMayPostAsItGoes) {
+    bool destroyed = false;
+    ThreadWorkQueue queue(noSetup);
+    AllThreadsBusy busy(queue);
+    const auto post = [&](void*) {
+        queue.post([] {});
+        destroyed = true;
+    };
+    queue.post([held = std::shared_ptr<void>(nullptr, post)] {});
+    busy.letGo();
+    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_TRUE(destroyed);
+}
+
+TEST(ThreadWorkQueue, DestructionWaitsForTheJobUnderWay) {
+    std::promise<void> begun;
+    std::promise<void> release;
+    std::atomic<bool> ended = false;
+    std::jthread releaser;
+    {
+        ThreadWorkQueue queue(noSetup);
+        queue.post([&] {
+            begun.set_value();
+            release.get_future().wait();
+            ended = true;
+        });
+        begun.get_future().wait();
+        releaser = std::jthread([&] { release.set_value(); });
+    }
+    EXPECT_TRUE(ended);
+}
+
+TEST(ThreadWorkQueue, DestructionRightAfterAPostIsSafe) {
+    for (int round = 0; round < 200; ++round) {
+        std::atomic<int> ran = 0;
+        {
+            ThreadWorkQueue queue(noSetup);
+            queue.post([&] { ++ran; });
+        }
+        EXPECT_LE(ran, 1);
+    }
+}
+
+// Priority ---------------------------------------------------------------------------------------
+
+int niceOf(pid_t thread) {
+    errno = 0;
+    const int value = getpriority(PRIO_PROCESS, static_cast<id_t>(thread));
+    EXPECT_EQ(errno, 0);
+    return value;
+}
+
+TEST(ThreadWorkQueue, WorkersHaveUtilityPriorityAndTheMainThreadKeepsItsOwn) {
+    const int before = niceOf(gettid());
+    ThreadWorkQueue queue(host::lowerThreadPriority);
+    // Somebody who runs the tests at a lower priority than that keeps it.
+    EXPECT_EQ(runOn(queue, [] { return niceOf(gettid()); }), std::max(before, 10));
+    // Disk access only when nobody else asks: the kernel's class 3.
+    EXPECT_EQ(runOn(queue, [] { return syscall(SYS_ioprio_get, 1, gettid()) >> 13; }), 3);
+    EXPECT_EQ(niceOf(gettid()), before);
+    EXPECT_EQ(niceOf(getpid()), before);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,152 @@
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/utf8.h"
+#include "sampling/protection.h"
+#include "tests/platform/linux/procfs_process_table_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+using ProcfsNamesTest = ProcfsProcessTableTest;
+
+TEST_F(ProcfsNamesTest, AnotherProgramIsNoticedByNameAndByPlace) {
+    tree.put(812, {.name = "shell", .userTicks = 10});
+    tree.putExecutable(812, "/bin/shell");
+    EXPECT_EQ(onlyRow().command, "/bin/shell");
+
+    tree.advance(1s);
+    tree.put(812, {.name = "tool", .userTicks = 60});
+    tree.putExecutable(812, "/bin/tool");
+    const ProcessSample renamed = onlyRow();
+    EXPECT_EQ(renamed.command, "/bin/tool");
+    EXPECT_DOUBLE_EQ(renamed.cpu, 50.0) << "it is still the same process";
+
+    tree.put(812, {.name = "tool", .startCode = 4194304});
+    tree.putExecutable(812, "/opt/tool");
+    EXPECT_EQ(onlyRow().command, "/opt/tool");
+
+    tree.put(812, {.name = "tool", .startCode = 4194304, .startStack = 7});
+    tree.putExecutable(812, "/opt/newer/tool");
+    EXPECT_EQ(onlyRow().command, "/opt/newer/tool");
+}
+
+TEST_F(ProcfsNamesTest, ASettledCommandIsNotAskedForAgain) {
+    tree.put(812, {});
+    tree.putExecutable(812, "/bin/first");
+    EXPECT_EQ(onlyRow().command, "/bin/first");
+
+    tree.putExecutable(812, "/bin/second");
+    EXPECT_EQ(onlyRow().command, "/bin/first");
+}
+
+TEST_F(ProcfsNamesTest, AnEndedProcessKeepsItsCommand) {
+    tree.put(812, {});
+    tree.putExecutable(812, "/bin/tool");
+    EXPECT_EQ(onlyRow().command, "/bin/tool");
+
+    std::filesystem::remove(tree.root() / "812" / "exe");
+    tree.put(812, {.state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
+    EXPECT_EQ(onlyRow().command, "/bin/tool");
+}
+
+TEST_F(ProcfsNamesTest, WithoutAnExecutableTheFirstArgumentIsTheCommand) {
+    tree.put(1, {});
+    tree.putCommandLine(1, std::string("/usr/sbin/daemon\0--flag\0", 24));
+    tree.put(2, {.name = "server"});
+    tree.putCommandLine(2, "server: accepting on /run/socket");
+    tree.put(3, {.name = "no arguments"});
+    tree.putCommandLine(3, "");
+    tree.put(4, {.name = "empty first"});
+    tree.putCommandLine(4, std::string("\0second\0", 8));
+    tree.put(5, {.name = "nothing"});
+
+    std::vector<std::string> commands;
+    for (const auto& row : table.readProcesses()) {
+        commands.push_back(row.command);
+    }
+    EXPECT_THAT(commands, ElementsAre("/usr/sbin/daemon", "server", "no arguments", "empty first",
+                                      "nothing"));
+}
+
+TEST_F(ProcfsNamesTest, OnlyKernelThreadsAreNamedInBrackets) {
+    // A process that was already ending at its first reading has neither executable nor arguments.
+    tree.put(3, {.name = "as", .state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
+    tree.putCommandLine(3, "");
+    tree.put(4, {.name = "as", .flags = 0x0040400c});
+    tree.put(5, {.name = "as", .flags = 0x00200040});
+    std::vector<std::string> commands;
+    std::vector<bool> areProtected;
+    for (const auto& row : table.readProcesses()) {
+        commands.push_back(row.command);
+        areProtected.push_back(isProtectedOnLinux(row));
+    }
+    EXPECT_THAT(commands, ElementsAre("as", "as", "[as]"));
+    EXPECT_THAT(areProtected, ElementsAre(false, false, true));
+}
+
+TEST_F(ProcfsNamesTest, AKernelThreadIsKnownByItsNameAlone) {
+    tree.put(2, {.name = "kworker/0:1-events",
+                 .flags = 69238880,
+                 .residentPages = 0,
+                 .startCode = 0,
+                 .startStack = 0});
+    tree.putExecutable(2, "/bin/not_asked_for");
+
+    const ProcessSample row = onlyRow();
+
+    EXPECT_EQ(row.command, "[kworker/0:1-events]");
+    EXPECT_EQ(row.rssMB, 0.0);
+}
+
+TEST_F(ProcfsNamesTest, NamesMayHoldBlanksAndBrackets) {
+    tree.put(812, {.name = "we ird) (x", .userTicks = 100, .startTicks = 90000});
+
+    const ProcessSample row = onlyRow();
+
+    EXPECT_EQ(row.command, "we ird) (x");
+    EXPECT_DOUBLE_EQ(row.cpu, 1.0);
+}
+
+TEST_F(ProcfsNamesTest, TheMarkOfADeletedExecutableIsTakenOff) {
+    const std::string present = tree.root() / "still here (deleted)";
+    tree.putFile("still here (deleted)", "");
+    tree.put(1, {});
+    tree.putExecutable(1, "/nonexistent/old tool (deleted)");
+    tree.put(2, {});
+    tree.putExecutable(2, present);
+
+    const auto rows = table.readProcesses();
+
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].command, "/nonexistent/old tool");
+    EXPECT_EQ(rows[1].command, present);
+}
+
+TEST_F(ProcfsNamesTest, AllTextIsValid) {
+    tree.put(1, {.name = "na\xffme"});
+    tree.put(2, {});
+    tree.putExecutable(2, "/opt/\xc3(");
+    tree.put(3, {});
+    tree.putCommandLine(3, "\xed\xa0\x80");
+
+    const auto rows = table.readProcesses();
+
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].command, "na\xef\xbf\xbdme");
+    EXPECT_EQ(rows[1].command, "/opt/\xef\xbf\xbd(");
+    for (const auto& row : rows) {
+        EXPECT_TRUE(isValidUTF8(row.command));
+        EXPECT_EQ(row.arguments, row.command);
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

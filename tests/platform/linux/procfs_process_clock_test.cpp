@@ -1,0 +1,326 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/linux/procfs_process_table.h"
+#include "tests/platform/linux/fake_proc_tree.h"
+
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The table where processes have clocks. Idle ones are told by what the table does not notice.
+class ProcfsProcessClockTest : public testing::Test {
+protected:
+    ProcfsProcessClockTest() { tree.putNewest(100000); }
+
+    void put(std::int64_t pid, const FakeProcess& process, std::chrono::nanoseconds time) {
+        tree.put(pid, process);
+        tree.processTimes[pid] = time;
+    }
+
+    void breakStat(std::int64_t pid) { tree.putStatText(pid, "not a stat file at all\n"); }
+
+    void remove(std::int64_t pid) {
+        tree.remove(pid);
+        tree.processTimes.erase(pid);
+    }
+
+    /// The rows of the next sample, 4 seconds after the previous one.
+    std::vector<ProcessSample> sample(std::chrono::nanoseconds interval = 4s) {
+        tree.advance(interval);
+        return table.readProcesses();
+    }
+
+    std::vector<std::int64_t> pids() {
+        std::vector<std::int64_t> result;
+        for (const ProcessSample& row : sample()) {
+            result.push_back(row.pid);
+        }
+        return result;
+    }
+
+    ProcessSample onlyRow(std::chrono::nanoseconds interval = 4s) {
+        const auto rows = sample(interval);
+        EXPECT_EQ(rows.size(), 1U);
+        return rows.empty() ? ProcessSample{} : rows.front();
+    }
+
+    /// Its full readings are those of the 16th sample, the 32nd and so on.
+    static constexpr std::int64_t sixteenth = 816;
+    static constexpr int turn = static_cast<int>(ProcfsProcessTable::samplesPerFullReading);
+
+    FakeProcTree tree;
+    ProcfsProcessTable table{tree.machine(), tree.clocksOfProcesses()};
+};
+
+TEST_F(ProcfsProcessClockTest, AnIdleProcessCostsOneLookAtItsClock) {
+    put(sixteenth, {.userTicks = 500}, 5s);
+    tree.putExecutable(sixteenth, "/usr/bin/worker");
+    onlyRow();
+    breakStat(sixteenth);
+    for (int number = 2; number < turn; ++number) {
+        tree.clockReadings.clear();
+        const ProcessSample row = onlyRow();
+        EXPECT_EQ(row.cpu, 0.0) << number;
+        EXPECT_EQ(row.rssMB, 1.0);
+        EXPECT_EQ(row.command, "/usr/bin/worker");
+        EXPECT_EQ(tree.clockReadings[sixteenth], 1);
+    }
+    EXPECT_THAT(sample(), IsEmpty()) << "now it is its turn to be read in full";
+    EXPECT_THAT(sample(), IsEmpty()) << "and again until that succeeds";
+    put(sixteenth, {.userTicks = 500, .residentPages = 512}, 5s);
+    EXPECT_EQ(onlyRow().rssMB, 2.0);
+    breakStat(sixteenth);
+    EXPECT_EQ(onlyRow().rssMB, 2.0);
+}
+
+TEST_F(ProcfsProcessClockTest, FullReadingsAreSpreadEvenly) {
+    constexpr std::int64_t count = 4 * turn;
+    for (std::int64_t pid = 1; pid <= count; ++pid) {
+        put(pid, {}, 1s);
+    }
+    sample();
+    for (std::int64_t pid = 1; pid <= count; ++pid) {
+        put(pid, {.residentPages = 512}, 1s);
+    }
+    for (int number = 1; number <= turn; ++number) {
+        const auto rows = sample();
+        EXPECT_EQ(std::count_if(rows.begin(), rows.end(),
+                                [](const ProcessSample& row) { return row.rssMB == 2.0; }),
+                  count / turn * number);
+    }
+}
+
+TEST_F(ProcfsProcessClockTest, AProcessThatRanIsRead) {
+    put(812, {}, 1s);
+    put(813, {}, 1s);
+    sample();
+    put(812, {.residentPages = 512}, 1s + 1ns);
+    put(813, {.residentPages = 512}, 1s);
+    const auto rows = sample();
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].rssMB, 2.0);
+    EXPECT_EQ(rows[1].rssMB, 1.0);
+}
+
+TEST_F(ProcfsProcessClockTest, LoadIsExactToTheNanosecond) {
+    put(812, {.userTicks = 100}, 1s);
+    onlyRow();
+    tree.processTimes[812] += 1234567891ns;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 1.234567891 / 4.0 * 100.0);
+    tree.processTimes[812] += 1us;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 1e-6 / 4.0 * 100.0) << "far less than a tick";
+    tree.processTimes[812] += 16s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 400.0);
+    EXPECT_EQ(onlyRow().cpu, 0.0);
+}
+
+TEST_F(ProcfsProcessClockTest, LoadIsThatSinceAnIdleReadingToo) {
+    put(812, {}, 1s);
+    onlyRow();
+    EXPECT_EQ(onlyRow().cpu, 0.0);
+    tree.processTimes[812] += 2s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
+}
+
+TEST_F(ProcfsProcessClockTest, TheFirstReadingIsOverTheWholeLife) {
+    tree.advance(-4s);
+    put(812, {.userTicks = 300, .systemTicks = 150, .startTicks = 91000}, 4500ms);
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 5.0);
+    EXPECT_EQ(onlyRow().cpu, 0.0);
+}
+
+TEST_F(ProcfsProcessClockTest, ReadingsInQuickSuccessionRepeatTheFigure) {
+    put(812, {}, 1s);
+    onlyRow();
+    tree.processTimes[812] = 3s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
+    EXPECT_DOUBLE_EQ(onlyRow(100ms).cpu, 50.0) << "idle since, but the time is too short";
+    tree.processTimes[812] = 3100ms;
+    EXPECT_DOUBLE_EQ(onlyRow(99ms).cpu, 50.0);
+    EXPECT_DOUBLE_EQ(onlyRow(1ms).cpu, 50.0) << "since the reading before the quick ones";
+    EXPECT_EQ(onlyRow(199ms).cpu, 50.0);
+    EXPECT_EQ(onlyRow(1ms).cpu, 0.0);
+}
+
+TEST_F(ProcfsProcessClockTest, AClockThatRunsBackwardsCountsNothing) {
+    put(812, {}, 5s);
+    onlyRow();
+    tree.processTimes[812] = 4s;
+    EXPECT_EQ(onlyRow().cpu, 0.0);
+    tree.processTimes[812] = 6s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
+}
+
+TEST_F(ProcfsProcessClockTest, AProcessWithoutAClockIsCountedInTicks) {
+    tree.put(812, {.userTicks = 100});
+    onlyRow();
+    tree.put(812, {.userTicks = 300});
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
+    put(812, {.userTicks = 700}, 123s);
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 100.0) << "its clock is new, so it tells no interval yet";
+    tree.processTimes[812] += 1s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 25.0);
+}
+
+TEST_F(ProcfsProcessClockTest, AReusedNumberIsNoticedByItsClock) {
+    put(812, {.userTicks = 90000, .startTicks = 1000}, 900s);
+    tree.putExecutable(812, "/usr/bin/old");
+    EXPECT_EQ(onlyRow().command, "/usr/bin/old");
+
+    // One second old at the next sample, of which it worked a quarter.
+    put(812, {.userTicks = 25, .startTicks = 100700}, 250ms);
+    tree.putExecutable(812, "/usr/bin/new");
+    const ProcessSample row = onlyRow();
+    EXPECT_DOUBLE_EQ(row.cpu, 25.0);
+    EXPECT_EQ(row.command, "/usr/bin/new");
+}
+
+TEST_F(ProcfsProcessClockTest, AnotherProgramIsNoticedWhenItRuns) {
+    put(812, {.name = "shell"}, 1s);
+    tree.putExecutable(812, "/bin/shell");
+    EXPECT_EQ(onlyRow().command, "/bin/shell");
+    put(812, {.name = "tool"}, 1001ms);
+    tree.putExecutable(812, "/bin/tool");
+    EXPECT_EQ(onlyRow().command, "/bin/tool");
+}
+
+TEST_F(ProcfsProcessClockTest, NewProcessesAreFoundWithoutAListing) {
+    put(812, {}, 1s);
+    for (int settling = 0; settling < 3; ++settling) {
+        EXPECT_THAT(pids(), ElementsAre(812));
+    }
+    put(100001, {}, 0s);
+    tree.putNewest(100001);
+    put(900, {}, 1s);
+    EXPECT_THAT(pids(), ElementsAre(812, 100001)) << "900 was not given out lately";
+    while (pids().size() < 3) {
+    }
+    EXPECT_THAT(pids(), ElementsAre(812, 900, 100001));
+}
+
+TEST_F(ProcfsProcessClockTest, AProcessThatIsGoneIsAskedForNoMore) {
+    put(812, {}, 1s);
+    put(813, {}, 1s);
+    for (int settling = 0; settling < 3; ++settling) {
+        EXPECT_THAT(pids(), ElementsAre(812, 813));
+    }
+    remove(813);
+    EXPECT_THAT(pids(), ElementsAre(812));
+    tree.clockReadings.clear();
+    for (int number = 0; number < 2 * turn; ++number) {
+        EXPECT_THAT(pids(), ElementsAre(812));
+    }
+    EXPECT_EQ(tree.clockReadings[813], 0);
+    EXPECT_EQ(tree.clockReadings[812], 2 * turn);
+}
+
+TEST_F(ProcfsProcessClockTest, AThreadThatBearsTheNumberOfAGoneProcessIsNoRow) {
+    put(812, {}, 1s);
+    put(813, {}, 1s);
+    for (int settling = 0; settling < 3; ++settling) {
+        EXPECT_THAT(pids(), ElementsAre(812, 813));
+    }
+    // A thread has no process's clock, but there is a file in the place of a process's.
+    tree.processTimes.erase(813);
+    EXPECT_THAT(pids(), ElementsAre(812));
+    EXPECT_THAT(pids(), ElementsAre(812));
+}
+
+TEST_F(ProcfsProcessClockTest, ARowThatCannotBeReadIsTriedAgain) {
+    put(812, {}, 1s);
+    put(813, {}, 1s);
+    for (int settling = 0; settling < 3; ++settling) {
+        EXPECT_THAT(pids(), ElementsAre(812, 813));
+    }
+    breakStat(813);
+    tree.processTimes[813] = 2s;
+    EXPECT_THAT(pids(), ElementsAre(812));
+    EXPECT_THAT(pids(), ElementsAre(812));
+    put(813, {}, 2s);
+    EXPECT_THAT(pids(), ElementsAre(812, 813));
+}
+
+TEST_F(ProcfsProcessClockTest, AProcessThatTheFileSystemHidesIsNoRow) {
+    put(812, {}, 1s);
+    for (int settling = 0; settling < 3; ++settling) {
+        EXPECT_THAT(pids(), ElementsAre(812));
+    }
+    tree.processTimes[100001] = 1s;
+    tree.putNewest(100001);
+    for (int number = 0; number < turn; ++number) {
+        EXPECT_THAT(pids(), ElementsAre(812));
+    }
+    tree.clockReadings.clear();
+    EXPECT_THAT(pids(), ElementsAre(812));
+    EXPECT_EQ(tree.clockReadings[100001], 0) << "a listing has cleared it away";
+}
+
+TEST_F(ProcfsProcessClockTest, ATableThatIsMountedAnewIsFoundAgain) {
+    ProcfsMachine machine = tree.machine();
+    machine.procRoot = tree.root() / "mount";
+    const std::string stat = FakeProcess{}.statText(812);
+    tree.putFile("mount/812/stat", stat);
+    tree.processTimes[812] = 1s;
+    ProcfsProcessTable remounted(machine, tree.clocksOfProcesses());
+    EXPECT_EQ(remounted.readProcesses().size(), 1U);
+
+    std::filesystem::remove_all(machine.procRoot);
+    EXPECT_THAT(remounted.readProcesses(), IsEmpty());
+    tree.putFile("mount/812/stat", stat);
+    EXPECT_EQ(remounted.readProcesses().size(), 1U);
+}
+
+struct NumberingCase {
+    const char* description;
+    std::string status;
+    bool isOurs;
+};
+
+TEST(ProcfsClocksTest, ProcessesAreTimedOnlyWhereTheirNumbersAreOurs) {
+    const std::int32_t own = ::getpid();
+    const std::string before = "Name:\tname\nTgid:\t1\nPid:\t1\nNStgid:\t1\n";
+    const std::string after = fmt::format("NSpgid:\t{}\nNSsid:\t{}\n", own, own);
+    const NumberingCase cases[] = {
+        {"mounted here", before + fmt::format("NSpid:\t{}\n", own) + after, true},
+        {"of another process", before + fmt::format("NSpid:\t{}\n", own + 1) + after, false},
+        {"mounted outside", before + fmt::format("NSpid:\t{}\t{}\n", own + 1, own) + after, false},
+        {"by chance alike", before + fmt::format("NSpid:\t{}\t{}\n", own, own) + after, false},
+        {"an old kernel", before + after, false},
+        {"nothing", "", false},
+    };
+    for (const auto& [description, status, isOurs] : cases) {
+        FakeProcTree tree;
+        tree.putFile("self/status", status);
+        EXPECT_EQ(static_cast<bool>(ProcfsClocks::system(tree.root()).processTime), isOurs)
+            << description;
+    }
+    EXPECT_FALSE(ProcfsClocks::system("/nonexistent/proc").processTime);
+}
+
+TEST(ProcfsClocksTest, ATreeThatIsNotTheKernelsIsCountedInTicks) {
+    FakeProcTree tree;
+    tree.put(1, {.userTicks = 100});
+    ProcfsProcessTable table(tree.machine());
+    EXPECT_EQ(table.readProcesses().size(), 1U);
+    tree.put(1, {.userTicks = 100, .residentPages = 512});
+    const auto rows = table.readProcesses();
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].rssMB, 2.0) << "read, although the real first process may be idle";
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,142 @@
+#pragma once
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <map>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/settings.h"
+#include "core/settings_keys.h"
+#include "platform/settings/open_settings_store.h"
+#include "tests/support/file_text.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+
+inline void writeFile(const std::filesystem::path& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+/// For a moment, a user that permissions hold for.
+class AsOrdinaryUser {
+public:
+    explicit AsOrdinaryUser(const std::filesystem::path& owned) {
+        if (::geteuid() != 0) {
+            return;
+        }
+        EXPECT_EQ(::chown(owned.c_str(), nobody, nobody), 0);
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(owned)) {
+            EXPECT_EQ(::chown(entry.path().c_str(), nobody, nobody), 0);
+        }
+        EXPECT_EQ(::seteuid(nobody), 0);
+        isChanged_ = true;
+    }
+    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
+    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
+    ~AsOrdinaryUser() {
+        if (isChanged_) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
+    }
+
+private:
+    static constexpr uid_t nobody = 65534;
+    bool isChanged_ = false;
+};
+
+/// A settings file of which a test makes what it likes.
+class SettingsFileFixture : public ::testing::Test {
+protected:
+    SettingsFileFixture() {
+        // The folder is a stranger's for the moments of `AsOrdinaryUser`.
+        std::filesystem::permissions(folder.path(), std::filesystem::perms(0777));
+    }
+
+    OpenedStore open() { return openSettingsStore(file, {workQueue, clock, {}}); }
+
+    /// A sound file in which two settings differ from their defaults.
+    void makeStored() {
+        const OpenedStore opened = open();
+        ASSERT_THAT(opened.problems, ::testing::IsEmpty());
+        opened.store->write(settings_keys::autoSelectKey, false);
+        opened.store->write(settings_keys::thresholdKey, 70.0);
+        opened.store->write(settings_keys::historyKey,
+                            JSONData{"[" + std::string(60000, ' ') + "]"});
+    }
+
+    void changeStored(const std::string& sql) {
+        SqliteConnection connection;
+        ASSERT_EQ(connection.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+        sqlite3_limit(connection.get(), SQLITE_LIMIT_LENGTH, std::numeric_limits<int>::max());
+        ASSERT_EQ(connection.execute(sql.c_str()), SQLITE_OK) << connection.message();
+        connection.mergeLogAtClose();
+    }
+
+    /// Everything beside the file, and the file.
+    std::map<std::string, std::string> contents() const {
+        std::map<std::string, std::string> result;
+        if (std::filesystem::exists(file.parent_path())) {
+            for (const auto& entry : std::filesystem::directory_iterator(file.parent_path())) {
+                result[entry.path().filename()] = fileText(entry.path());
+            }
+        }
+        return result;
+    }
+
+    static void expectStored(const SettingsStore& store) {
+        EXPECT_EQ(store.read(settings_keys::autoSelectKey), SettingsValue(false));
+        EXPECT_EQ(store.read(settings_keys::thresholdKey), SettingsValue(70.0));
+    }
+
+    static void expectDefaults(const SettingsStore& store) {
+        EXPECT_TRUE(loadStoredState(store, "owner").settings.autoSelectTopOffender);
+        EXPECT_EQ(loadStoredState(store, "owner").settings.warningThreshold, 82.0);
+    }
+
+    /// A store that is not the file serves all the same, and the file does not learn of it.
+    void expectMemoryAlone(const OpenedStore& opened) const {
+        const auto before = contents();
+        opened.store->write(settings_keys::autoPurgeKey, true);
+        EXPECT_EQ(opened.store->read(settings_keys::autoPurgeKey), SettingsValue(true));
+        EXPECT_TRUE(contents() == before);
+    }
+
+    void expectOneProblem(const OpenedStore& opened, const std::string& words) const {
+        ASSERT_EQ(opened.problems.size(), 1U);
+        EXPECT_THAT(opened.problems.front(), ::testing::HasSubstr(words));
+        EXPECT_THAT(opened.problems.front(), ::testing::HasSubstr(file.string()));
+        EXPECT_THAT(opened.problems.front(), ::testing::Not(::testing::HasSubstr("\n")));
+    }
+
+    /// A fresh store, which keeps what is written, beside the old file under its new name.
+    void expectPutAside(const std::string& words, const std::string& original,
+                        const std::string& name = "settings.sqlite.damaged-20260509-061320") {
+        {
+            const OpenedStore opened = open();
+            ASSERT_NO_FATAL_FAILURE(expectOneProblem(opened, words));
+            EXPECT_THAT(opened.problems.front(), ::testing::HasSubstr(name));
+            expectDefaults(*opened.store);
+            EXPECT_TRUE(fileText(file.parent_path() / name) == original);
+            opened.store->write(settings_keys::autoPurgeKey, true);
+        }
+        const OpenedStore again = open();
+        EXPECT_THAT(again.problems, ::testing::IsEmpty());
+        EXPECT_EQ(again.store->read(settings_keys::autoPurgeKey), SettingsValue(true));
+    }
+
+    TemporaryFolder folder;
+    std::filesystem::path file = folder.path() / "tallowcrest" / "settings.sqlite";
+    ManualWorkQueue workQueue;
+    ManualClock clock;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,165 @@
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/tools/tool_launcher_posix.h"
+#include "tests/platform/support/child_scenario.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+using child_scenario::hasChild;
+using child_scenario::isRunning;
+using child_scenario::openDescriptorCount;
+using child_scenario::shellTool;
+
+class RequestStopTest : public testing::Test {
+protected:
+    /// A script that tells its pid once `body` is about to run, with `trap` in force.
+    std::string announced(const std::string& trap, const std::string& body) const {
+        const std::string file = folder.path("pid");
+        return trap + "; echo $$ > " + file + ".new; mv " + file + ".new " + file + "; " + body;
+    }
+
+    pid_t waitForAnnouncement() const {
+        EXPECT_TRUE(eventually([this] { return !folder.read("pid").empty(); }));
+        return static_cast<pid_t>(std::stol(folder.read("pid")));
+    }
+
+    /// Ends a tool that the launcher has left to itself.
+    static void endForgottenTool(pid_t pid) {
+        EXPECT_TRUE(isRunning(pid));
+        ::kill(-pid, SIGKILL);
+        EXPECT_EQ(::waitpid(pid, nullptr, 0), pid);
+    }
+
+    void TearDown() override { EXPECT_FALSE(hasChild()); }
+
+    TemporaryFolder folder;
+    PosixToolLauncher launcher;
+};
+
+TEST_F(RequestStopTest, NothingIsLaunchedAnyMore) {
+    launcher.requestStop();
+    launcher.requestStop();
+
+    const ToolResult result =
+        launcher.launch({"/usr/bin/touch", {folder.path("trace")}, 30s, false});
+
+    EXPECT_FALSE(result.launched);
+    EXPECT_EQ(result.launchError, "Operation canceled");
+    EXPECT_FALSE(hasChild());
+    EXPECT_NE(::access(folder.path("trace").c_str(), F_OK), 0);
+}
+
+TEST_F(RequestStopTest, RunningToolsEndAtOnce) {
+    for (const std::optional<std::chrono::milliseconds> timeout :
+         {std::optional<std::chrono::milliseconds>(), std::optional(600000ms)}) {
+        PosixToolLauncher stopped;
+        ToolResult result;
+        std::jthread caller([&] {
+            result = stopped.launch(shellTool(announced("true", "exec sleep 600"), timeout));
+        });
+        const pid_t pid = waitForAnnouncement();
+
+        stopped.requestStop();
+        caller.join();
+
+        EXPECT_TRUE(result.launched);
+        EXPECT_EQ(result.terminationStatus, std::nullopt);
+        EXPECT_FALSE(result.deadlinePassed);
+        EXPECT_FALSE(isRunning(pid));
+        EXPECT_FALSE(hasChild());
+        ::unlink(folder.path("pid").c_str());
+    }
+}
+
+TEST_F(RequestStopTest, AToolThatEndsInItsOwnWayKeepsItsStatusAndOutput) {
+    ToolResult result;
+    std::jthread caller([&] {
+        result = launcher.launch(shellTool(
+            announced("trap 'echo ending; exit 3' TERM", "while :; do sleep 0.02; done")));
+    });
+    waitForAnnouncement();
+
+    launcher.requestStop();
+    caller.join();
+
+    EXPECT_EQ(result.terminationStatus, 3);
+    EXPECT_EQ(result.output, "ending\n");
+}
+
+TEST_F(RequestStopTest, AToolThatIgnoresTheRequestIsGivenUp) {
+    const int before = openDescriptorCount();
+    ToolResult result;
+    std::jthread caller([&] {
+        result = launcher.launch(shellTool(announced("trap '' TERM; echo hi", "exec sleep 600")));
+    });
+    const pid_t pid = waitForAnnouncement();
+
+    launcher.requestStop();
+    caller.join();
+
+    EXPECT_TRUE(result.launched);
+    EXPECT_EQ(result.terminationStatus, std::nullopt);
+    EXPECT_FALSE(result.deadlinePassed);
+    EXPECT_EQ(result.output, "hi\n");
+    EXPECT_EQ(openDescriptorCount(), before);
+    endForgottenTool(pid);
+}
+
+TEST_F(RequestStopTest, AToolThatHungBeyondItsDeadlineIsGivenUp) {
+    ToolResult result;
+    std::atomic<bool> returned = false;
+    std::jthread caller([&] {
+        result =
+            launcher.launch(shellTool(announced("trap 'touch " + folder.path("asked") + "' TERM",
+                                                "while :; do sleep 0.02; done"),
+                                      1s));
+        returned = true;
+    });
+    const pid_t pid = waitForAnnouncement();
+    ASSERT_TRUE(eventually([this] { return ::access(folder.path("asked").c_str(), F_OK) == 0; }));
+    EXPECT_FALSE(returned);
+
+    launcher.requestStop();
+    caller.join();
+
+    EXPECT_TRUE(result.deadlinePassed);
+    EXPECT_EQ(result.terminationStatus, std::nullopt);
+    endForgottenTool(pid);
+}
+
+TEST_F(RequestStopTest, EveryWaitingLaunchIsReleased) {
+    std::vector<ToolResult> results(8);
+    std::vector<std::jthread> callers;
+    callers.reserve(results.size());
+    for (ToolResult& result : results) {
+        callers.emplace_back([&] {
+            result = launcher.launch({"/bin/sleep", {"600"}, std::nullopt, false});
+        });
+    }
+    // Some may not have begun yet: those are not launched at all.
+    launcher.requestStop();
+    callers.clear();
+
+    for (const ToolResult& result : results) {
+        EXPECT_EQ(result.terminationStatus, std::nullopt);
+        EXPECT_EQ(result.launchError, result.launched ? "" : "Operation canceled");
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

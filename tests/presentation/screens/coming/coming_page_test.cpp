@@ -1,0 +1,71 @@
+#include "presentation/screens/coming/coming_page.h"
+
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+class ComingPageTest : public WindowFixture {};
+
+TEST_F(ComingPageTest, TheContentOfEveryRouteSaysThatItSamples) {
+    show();
+    const auto saysSo = [this] {
+        for (const auto* screen : window().findChildren<Screen*>()) {
+            for (const auto* label : screen->findChildren<ElidedLabel*>()) {
+                if (label->isVisible() && label->text() == QStringLiteral("Sampling this Mac...")) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        EXPECT_TRUE(saysSo()) << title(each);
+    }
+    machine.finishSamples();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        EXPECT_FALSE(saysSo()) << title(each);
+    }
+}
+
+TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
+    showWithSample();
+    for (const AppRoute each :
+         {AppRoute::optimizationSuggestions, AppRoute::aiAdvisor, AppRoute::chat}) {
+        goTo(each);
+        SCOPED_TRACE(std::string(title(each)));
+        const QString identifier =
+            QStringLiteral("coming.") + QString::fromUtf8(rawValue(each).data());
+        const QWidget* bar = visible("optimize.workspace");
+        const QWidget* card = visible(identifier.toLatin1().constData());
+        ASSERT_NE(bar, nullptr);
+        ASSERT_NE(card, nullptr);
+        EXPECT_LT(bar->geometry().bottom(), card->y());
+        EXPECT_TRUE(textOf((identifier + QStringLiteral(".line")).toLatin1().constData())
+                        .startsWith(QStringLiteral("Here you will ")));
+    }
+}
+
+TEST_F(ComingPageTest, TheStopStandsWhereAWarningLeads) {
+    showWithSample();
+    goTo(AppRoute::optimizationSuggestions);
+    click("suggestions.emergency-stop");
+    EXPECT_TRUE(machine.monitor().automation().isStopEngaged());
+    click("suggestions.resume-manual-mode");
+    EXPECT_FALSE(machine.monitor().automation().isStopEngaged());
+    goTo(AppRoute::chat);
+    EXPECT_EQ(visible("suggestions.emergency-stop"), nullptr);
+}
+
+TEST_F(ComingPageTest, OtherRoutesHaveNoWorkspaceBar) {
+    showWithSample();
+    for (const AppRoute each : {AppRoute::remoteMacs, AppRoute::history, AppRoute::settings}) {
+        goTo(each);
+        EXPECT_EQ(visible("optimize.workspace"), nullptr) << title(each);
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,219 @@
+#include "presentation/screens/history/history_page.h"
+
+#include <QPushButton>
+
+#include "presentation/widgets/stable_line_graph.h"
+#include "presentation/words/dashboard_text.h"
+#include "tests/presentation/screens/overview/blocks_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+
+class HistoryPageTest : public OverviewBlocksTest {
+protected:
+    HistoryPageTest() {
+        machine.extensions.storeOnPasteboard = [this](const std::string& text) {
+            copied.push_back(text);
+        };
+    }
+
+    void showHistory() {
+        showWithSample();
+        goTo(AppRoute::history);
+    }
+
+    std::vector<std::string> sessionCards() {
+        std::vector<std::string> found;
+        for (const char* each : {"history.session-1", "history.session-2", "history.session-3"}) {
+            const auto* card = visible<SummaryCard>(each);
+            found.push_back(
+                (card->accessibleName() + QStringLiteral(": ") + card->accessibleValue())
+                    .toStdString());
+        }
+        return found;
+    }
+
+    std::vector<std::string> copied;
+};
+
+TEST_F(HistoryPageTest, ItsPartsStandInTheirOrder) {
+    showHistory();
+    int below = -1;
+    for (const char* each : {"history.timeline", "history.session-1", "history.automation",
+                             "history.receipts", "history.activity-log"}) {
+        const QWidget* part = visible(each);
+        ASSERT_NE(part, nullptr) << each;
+        const int top = part->mapTo(&window(), QPoint()).y();
+        EXPECT_GT(top, below) << each;
+        below = top;
+    }
+}
+
+TEST_F(HistoryPageTest, TheTimelineIsTheOneOfTheOverview) {
+    showWithSample();
+    machine.metrics->memory.pressure = 44.6;
+    tick();
+    machine.monitor().log().recordEvent("Action", "Something");
+    tick();
+    const auto graphOn = [this](AppRoute each) {
+        goTo(each);
+        for (auto* graph : window().findChildren<StableLineGraph*>()) {
+            if (graph->isVisible()) {
+                return graph;
+            }
+        }
+        throw std::runtime_error("no graph is shown");
+    };
+    StableLineGraph* there = graphOn(AppRoute::overview);
+    StableLineGraph* here = graphOn(AppRoute::history);
+    ASSERT_NE(here, there);
+    EXPECT_EQ(here->accessibleValue(), QStringLiteral("CPU 40 percent, Memory 45 percent"));
+    EXPECT_EQ(here->accessibleValue(), there->accessibleValue());
+    // The lines, the event and the threshold: all that is painted.
+    there->setMinimumHeight(0);
+    there->resize(here->size());
+    EXPECT_EQ(here->grab().toImage(), there->grab().toImage());
+}
+
+TEST_F(HistoryPageTest, TheTimelineCountsItsPoints) {
+    goTo(AppRoute::history);
+    show();
+    EXPECT_THAT(texts("history.timeline"), ElementsAre("Local Timeline", "Last 0"));
+    machine.finishSamples();
+    settle();
+    EXPECT_THAT(texts("history.timeline"), ElementsAre("Local Timeline", "Last 1"));
+    for (int i = 0; i < 200; ++i) {
+        machine.tick();
+    }
+    settle();
+    EXPECT_THAT(texts("history.timeline"), ElementsAre("Local Timeline", "Last 180"));
+}
+
+TEST_F(HistoryPageTest, TheSessionBeforeAndAfterTheFirstSample) {
+    goTo(AppRoute::history);
+    show();
+    EXPECT_THAT(
+        sessionCards(),
+        ElementsAre("Remote State: Not scanned", "Current State: –, Sampling this Mac...",
+                    "Top Repeater: None yet, Most visible app group in this Tallowcrest session."));
+    insights = {{UUID::random(), "Recurring Top App", "editor", "Led"}};
+    machine.finishSamples();
+    settle();
+    const std::string time =
+        dashboard_text::timeText(machine.monitor().sample().snapshot()->sampledAt).toStdString();
+    EXPECT_THAT(
+        sessionCards(),
+        ElementsAre("Remote State: Not scanned",
+                    "Current State: 40% CPU, Memory pressure 59% at " + time,
+                    "Top Repeater: editor, Most visible app group in this Tallowcrest session."));
+}
+
+TEST_F(HistoryPageTest, NothingPointsAtControlsThatDoNotExist) {
+    showHistory();
+    for (const ElidedLabel* label : window().findChildren<ElidedLabel*>()) {
+        EXPECT_FALSE(label->text().contains(QStringLiteral("Scan Remote Macs")))
+            << label->text().toStdString();
+    }
+}
+
+TEST_F(HistoryPageTest, TheAutomationBlockSwitchesTheRules) {
+    showHistory();
+    EXPECT_THAT(
+        texts("history.automation"),
+        AllOf(Contains("Auto-select safest top offender"),
+              Contains("When load crosses the warning threshold, select a non-protected top app "
+                       "for review. Does not quit anything."),
+              Contains("Auto-purge after sustained high memory"),
+              Contains("Purges reclaimable file caches only after memory pressure stays high, "
+                       "with a 15-minute cooldown."),
+              Contains("Auto-scan Tailscale Macs"),
+              Contains("Refreshes remote Mac health about every 15 minutes when online Tailnet "
+                       "Macs are available.")));
+    click("history.automation.auto-purge");
+    EXPECT_TRUE(machine.monitor().settings().autoPurgeSustainedMemory);
+    EXPECT_EQ(lastAction(), "Auto-purge for sustained high memory enabled.");
+    EXPECT_TRUE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
+    machine.monitor().automation().engageEmergencyStop();
+    settle();
+    EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
+    click("history.automation.auto-purge");
+    EXPECT_FALSE(machine.monitor().settings().autoPurgeSustainedMemory);
+    EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
+    EXPECT_EQ(lastAction(), "Auto-purge remains off while Emergency Stop is engaged.");
+}
+
+// Receipts ---------------------------------------------------------------------------------------
+
+TEST_F(HistoryPageTest, TheReceiptsSayWhatTheyHold) {
+    showHistory();
+    EXPECT_THAT(texts("history.receipts"),
+                ElementsAre("Exportable Receipts",
+                            "Diagnostics exports include local load, remote health, AI "
+                            "recommendations, action settings, and recent activity without "
+                            "exposing your OpenAI key."));
+    EXPECT_EQ(visible<QPushButton>("history.receipts.copy-report")->text(),
+              QStringLiteral("Copy Report"));
+    EXPECT_EQ(visible<QPushButton>("history.receipts.export")->text(), QStringLiteral("Export"));
+}
+
+TEST_F(HistoryPageTest, CopyReportCopiesTheReportFromCardAndHeaderAlike) {
+    showHistory();
+    for (const char* each : {"history.receipts.copy-report", "history.copy-report"}) {
+        copied.clear();
+        machine.monitor().log().setLastAction({});
+        const auto report = machine.monitor().reports().diagnosticsReport(false);
+        click(each);
+        EXPECT_THAT(copied, ElementsAre(*report)) << each;
+        EXPECT_EQ(lastAction(), "Copied a performance report to the clipboard.") << each;
+    }
+}
+
+TEST_F(HistoryPageTest, BeforeTheFirstSampleCopyChangesNothing) {
+    goTo(AppRoute::history);
+    show();
+    const std::string before = lastAction();
+    for (const char* each : {"history.receipts.copy-report", "history.copy-report"}) {
+        click(each);
+    }
+    EXPECT_TRUE(copied.empty());
+    EXPECT_EQ(lastAction(), before);
+    EXPECT_TRUE(machine.monitor().log().activityLog().empty());
+}
+
+TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
+    goTo(AppRoute::history);
+    show();
+    for (const char* each : {"history.receipts.export", "history.export"}) {
+        machine.monitor().log().setLastAction({});
+        click(each);
+        EXPECT_EQ(textOf("status.last-action"),
+                  QStringLiteral("No diagnostic sample is available yet."))
+            << each;
+    }
+    machine.finishSamples();
+    settle();
+    machine.reportFolder->problem = "No space left on device";
+    for (const char* each : {"history.receipts.export", "history.export"}) {
+        machine.monitor().log().setLastAction({});
+        click(each);
+        machine.finishSamples();
+        settle();
+        EXPECT_EQ(textOf("status.last-action"),
+                  QStringLiteral("Could not export diagnostics: No space left on device"))
+            << each;
+    }
+    machine.reportFolder->problem.reset();
+    click("history.export");
+    machine.finishSamples();
+    settle();
+    ASSERT_EQ(machine.reportFolder->written.size(), 1U);
+    EXPECT_EQ(textOf("status.last-action").toStdString(),
+              "Exported diagnostics to " + machine.reportFolder->written.begin()->first + ".");
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,300 @@
+#include "presentation/screens/load/processes_page.h"
+
+#include <QImage>
+#include <QLineEdit>
+
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ProcessesPageTest : public WindowFixture {
+protected:
+    QLineEdit& filter() { return *visible<QLineEdit>("processes.filter"); }
+
+    void type(const char* text) {
+        filter().setFocus();
+        filter().clear();
+        QTest::keyClicks(&filter(), QString::fromUtf8(text));
+        settle();
+    }
+
+    std::vector<std::int64_t> shownPIDs() {
+        std::vector<std::int64_t> pids;
+        for (const ProcessSample& row : model().rows()) {
+            pids.push_back(row.pid);
+        }
+        return pids;
+    }
+};
+
+TEST_F(ProcessesPageTest, SaysThatItSamplesUntilTheFirstSample) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    show();
+    EXPECT_EQ(textOf("processes.sort-status"), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(model().rowCount(), 0);
+}
+
+TEST_F(ProcessesPageTest, ListsEveryProcessInOrderOfImpact) {
+    showProcesses();
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
+    EXPECT_TRUE(
+        textOf("processes.sort-status")
+            .startsWith(QStringLiteral("Sorted by Impact ↓ · 3 visible processes · updated ")));
+}
+
+TEST_F(ProcessesPageTest, ListsMoreThanTheSnapshotsOwnRanking) {
+    for (std::int64_t pid = 2000; pid < 2400; ++pid) {
+        machine.addProcess(pid, "/usr/bin/idle", 0.0, 1.0);
+    }
+    showProcesses();
+    EXPECT_EQ(model().rowCount(), 403);
+    type("2399");
+    EXPECT_THAT(shownPIDs(), ElementsAre(2399));
+}
+
+TEST_F(ProcessesPageTest, KeepsWhatTheFilterNames) {
+    showProcesses();
+    type("EDITOR");
+    EXPECT_THAT(shownPIDs(), ElementsAre(700));
+    EXPECT_TRUE(textOf("processes.sort-status").contains(QStringLiteral("1 visible processes")));
+    type("800");
+    EXPECT_THAT(shownPIDs(), ElementsAre(800));
+    type("   ");
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
+}
+
+TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
+    showProcesses();
+    const QImage full = paintedTable();
+    type("no such process");
+    EXPECT_THAT(shownPIDs(), IsEmpty());
+    EXPECT_TRUE(textOf("processes.sort-status").contains(QStringLiteral("0 visible processes")));
+    const QRect hint(table().viewport()->width() / 4, table().viewport()->height() / 4,
+                     table().viewport()->width() / 2, table().viewport()->height() / 2);
+    const QImage painted = paintedTable().copy(hint);
+    const QColor ground = painted.pixelColor(0, 0);
+    int inked = 0;
+    for (int y = 0; y < painted.height(); ++y) {
+        for (int x = 0; x < painted.width(); ++x) {
+            inked += painted.pixelColor(x, y) != ground ? 1 : 0;
+        }
+    }
+    EXPECT_GT(inked, 100);
+    EXPECT_EQ(table().accessibleDescription(),
+              QStringLiteral("Select Process. No process matches the filter. "
+                             "Clear it to see all."));
+    type("");
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
+    EXPECT_FALSE(table().accessibleDescription().contains(QStringLiteral("Select Process.")));
+}
+
+TEST_F(ProcessesPageTest, TheFilterOutlivesAChangeOfRouteAndAClosedWindow) {
+    showProcesses();
+    type("editor");
+    goTo(AppRoute::overview);
+    tick();
+    goTo(AppRoute::load);
+    EXPECT_EQ(filter().text(), QStringLiteral("editor"));
+    EXPECT_THAT(shownPIDs(), ElementsAre(700));
+    window().close();
+    settle();
+    window().openRoute(AppRoute::load);
+    settle();
+    EXPECT_EQ(filter().text(), QStringLiteral("editor"));
+    EXPECT_THAT(shownPIDs(), ElementsAre(700));
+}
+
+TEST_F(ProcessesPageTest, ASampleNeverDisturbsTyping) {
+    showProcesses();
+    filter().setFocus();
+    QTest::keyClicks(&filter(), QStringLiteral(" ed"));
+    filter().setCursorPosition(1);
+    tick();
+    EXPECT_EQ(filter().text(), QStringLiteral(" ed"));
+    EXPECT_EQ(filter().cursorPosition(), 1);
+    EXPECT_TRUE(filter().hasFocus());
+}
+
+TEST_F(ProcessesPageTest, BirthsAndDeathsShow) {
+    showProcesses();
+    machine.metrics->processes.erase(machine.metrics->processes.begin());
+    machine.addProcess(901, "/usr/bin/newcomer", 80.0, 10.0);
+    tick();
+    EXPECT_THAT(shownPIDs(), ElementsAre(901, 700, 1));
+}
+
+// Review -----------------------------------------------------------------------------------------
+
+TEST_F(ProcessesPageTest, ReviewByClickSelects) {
+    showProcesses();
+    QTest::mouseClick(table().viewport(), Qt::LeftButton, Qt::NoModifier,
+                      cell(1, ProcessTableModel::actionColumn).center());
+    settle();
+    EXPECT_EQ(selectedPID(), 700);
+    EXPECT_TRUE(model().index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
+}
+
+TEST_F(ProcessesPageTest, AClickBesideTheButtonSelectsNothing) {
+    showProcesses();
+    QTest::mouseClick(table().viewport(), Qt::LeftButton, Qt::NoModifier,
+                      cell(1, ProcessTableModel::processColumn).center());
+    QTest::mouseClick(table().viewport(), Qt::RightButton, Qt::NoModifier,
+                      cell(1, ProcessTableModel::actionColumn).center());
+    settle();
+    EXPECT_EQ(selectedPID(), std::nullopt);
+}
+
+TEST_F(ProcessesPageTest, APressThatIsDraggedAwayFromTheButtonSelectsNothing) {
+    showProcesses();
+    QTest::mousePress(table().viewport(), Qt::LeftButton, Qt::NoModifier,
+                      cell(0, ProcessTableModel::processColumn).center());
+    QTest::mouseRelease(table().viewport(), Qt::LeftButton, Qt::NoModifier,
+                        cell(1, ProcessTableModel::actionColumn).center());
+    settle();
+    EXPECT_EQ(selectedPID(), std::nullopt);
+}
+
+TEST_F(ProcessesPageTest, ReviewByKeySelects) {
+    showProcesses();
+    table().setFocus();
+    press(Qt::Key_Down);
+    ASSERT_EQ(table().currentIndex().row(), 1);
+    press(Qt::Key_Return);
+    EXPECT_EQ(selectedPID(), 700);
+    press(Qt::Key_Up);
+    press(Qt::Key_Space);
+    EXPECT_EQ(selectedPID(), 800);
+}
+
+TEST_F(ProcessesPageTest, TheRowUnderReviewIsHighlighted) {
+    showProcesses();
+    const auto ground = [this](int row) {
+        const QRect name = cell(row, ProcessTableModel::memoryColumn);
+        return paintedTable().pixelColor(name.left() + 3, name.center().y());
+    };
+    const QColor plain = ground(1);
+    machine.monitor().review().selectProcess(model().rows().at(1));
+    settle();
+    EXPECT_NE(ground(1), plain);
+    EXPECT_EQ(ground(0), plain);
+}
+
+TEST_F(ProcessesPageTest, ReviewStaysWithItsProcessWhenTheOrderChanges) {
+    showProcesses();
+    machine.monitor().review().selectProcess(model().rows().at(1));
+    machine.metrics->processes[1].cpu = 300.0;
+    tick();
+    ASSERT_THAT(shownPIDs(), ElementsAre(700, 800, 1));
+    EXPECT_TRUE(model().index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
+    EXPECT_FALSE(model().index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
+}
+
+TEST_F(ProcessesPageTest, SelectTopRowTakesTheFirstRowOfTheFilteredList) {
+    showProcesses();
+    type("editor");
+    click("processes.select-top-row");
+    EXPECT_EQ(selectedPID(), 700);
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Selected editor from CPU + Memory Processes. "
+                             "No action has run yet."));
+}
+
+TEST_F(ProcessesPageTest, SelectTopRowOfAnEmptyListSaysSo) {
+    showProcesses();
+    type("no such process");
+    click("processes.select-top-row");
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("No process is available to select."));
+}
+
+TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
+    showProcesses();
+    type("editor");
+    click("load.select-top");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Selected photo-indexer, currently the heaviest process."));
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1)) << "its row is to be seen";
+}
+
+TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    show();
+    click("load.select-top");
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("No process sample is available yet."));
+}
+
+TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
+    int asked = 0;
+    bool opens = true;
+    machine.extensions.openActivityMonitor = [&] {
+        ++asked;
+        return opens;
+    };
+    showProcesses();
+    click("load.activity");
+    click("processes.activity-monitor");
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(lastAction(), "Monitoring started.");
+    opens = false;
+    click("load.activity");
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("No activity monitor application is installed."));
+}
+
+TEST_F(ProcessesPageTest, WithoutADesktopToOpenOnActivitySaysSo) {
+    showProcesses();
+    click("processes.activity-monitor");
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("No activity monitor application is installed."));
+}
+
+// The table --------------------------------------------------------------------------------------
+
+TEST_F(ProcessesPageTest, TabLeavesTheTable) {
+    showProcesses();
+    table().setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_NE(QApplication::focusWidget(), &table());
+}
+
+TEST_F(ProcessesPageTest, TheFilterIsReachedAndLeftByKey) {
+    show();
+    machine.finishSamples();
+    settle();
+    press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_TRUE(filter().hasFocus());
+    QTest::keyClicks(&filter(), QStringLiteral("editor"));
+    settle();
+    EXPECT_THAT(shownPIDs(), ElementsAre(700));
+    press(Qt::Key_Down);
+    EXPECT_TRUE(table().hasFocus());
+    EXPECT_EQ(table().currentIndex().row(), 0);
+    filter().setFocus();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(filter().text(), QString());
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
+}
+
+TEST_F(ProcessesPageTest, TheKeysGoFromRowToRow) {
+    showProcesses();
+    table().setFocus();
+    table().setCurrentIndex(model().index(0, 0));
+    press(Qt::Key_End);
+    EXPECT_EQ(table().currentIndex(), model().index(2, 0));
+    press(Qt::Key_Right);
+    EXPECT_EQ(table().currentIndex(), model().index(2, 0));
+    press(Qt::Key_Up);
+    EXPECT_EQ(table().currentIndex(), model().index(1, 0));
+    press(Qt::Key_Home);
+    EXPECT_EQ(table().currentIndex(), model().index(0, 0));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,270 @@
+#include "presentation/screens/optimize/cleanup_page.h"
+
+#include <set>
+
+#include <QPushButton>
+#include <QScrollArea>
+
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+class CleanupPageTest : public WindowFixture {
+protected:
+    void showCleanup() {
+        machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+        showWithSample();
+    }
+
+    const std::optional<ConfirmationRequest>& pending() {
+        return machine.monitor().confirmations().pendingConfirmation();
+    }
+
+    QPushButton& purge() { return *visible<QPushButton>("cleanup.purge-caches"); }
+
+    QString explanation() { return textOf("cleanup.explanation"); }
+};
+
+TEST_F(CleanupPageTest, SaysWhatTheStepIsAboutWordForWord) {
+    showCleanup();
+    EXPECT_EQ(visible("cleanup.flow")->accessibleName(), QStringLiteral("Local Cleanup Flow"));
+    EXPECT_EQ(textOf("cleanup.step"),
+              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
+    EXPECT_EQ(textOf("cleanup.hint"),
+              QStringLiteral("Need the full sortable list? Open Processes in the sidebar. This "
+                             "workspace stays focused on the selected target and the next safe "
+                             "action."));
+    EXPECT_EQ(textOf("cleanup.promise"),
+              QStringLiteral("Selecting marks a target for review. Purge, Quit Process, and Quit "
+                             "App Group all ask for confirmation before changing anything."));
+    QStringList titles;
+    for (const char* identifier : {"cleanup.suggest-safe-target", "cleanup.select-top-app",
+                                   "cleanup.purge-caches", "cleanup.activity-monitor"}) {
+        titles.append(visible<QPushButton>(identifier)->text());
+    }
+    EXPECT_EQ(titles.join(u'|'),
+              QStringLiteral("Suggest Safe Target|Select Top App|Purge Caches|Activity Monitor"));
+    EXPECT_EQ(visible("cleanup.offender")->accessibleName(), QStringLiteral("Selected Offender"));
+    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+}
+
+TEST_F(CleanupPageTest, TheWorkspaceBarIsInViewAtOnce) {
+    window().resize(640, 440);
+    showCleanup();
+    const QWidget* bar = visible("optimize.workspace");
+    const QRect place(bar->mapTo(&window(), QPoint()), bar->size());
+    EXPECT_TRUE(window().rect().contains(place));
+}
+
+TEST_F(CleanupPageTest, SaysThatItSamplesUntilTheFirstSample) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+    show();
+    EXPECT_EQ(explanation(), QStringLiteral("Sampling this Mac..."));
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+}
+
+// The actions ------------------------------------------------------------------------------------
+
+TEST_F(CleanupPageTest, SuggestSafeTargetSelectsAndLeavesTheStep) {
+    showCleanup();
+    click("cleanup.suggest-safe-target");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(lastAction(),
+              "Optimize Safely selected photo-indexer. Review it before quitting anything.");
+    EXPECT_EQ(pending(), std::nullopt);
+    EXPECT_EQ(textOf("cleanup.step"),
+              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
+    EXPECT_TRUE(explanation().startsWith(QStringLiteral("photo-indexer is using 130.0% CPU")));
+}
+
+TEST_F(CleanupPageTest, SuggestSafeTargetUnderPressureAsksForAPurge) {
+    machine.metrics->memory.pressure = 82.0;
+    showCleanup();
+    click("cleanup.suggest-safe-target");
+    ASSERT_TRUE(pending().has_value());
+    EXPECT_EQ(pending()->title, "Purge file caches?");
+    EXPECT_EQ(textOf("cleanup.step"),
+              QStringLiteral("3. Confirm cache purge, or cancel and keep reviewing."));
+    EXPECT_EQ(machine.actions.cachePurge->count, 0);
+    machine.monitor().confirmations().cancelPending();
+    settle();
+}
+
+TEST_F(CleanupPageTest, SelectTopAppSelectsAndTellsTheStep) {
+    showCleanup();
+    click("cleanup.select-top-app");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
+    EXPECT_EQ(textOf("cleanup.step"),
+              QStringLiteral("2. photo-indexer is selected for review. Nothing has been quit or "
+                             "purged yet."));
+}
+
+TEST_F(CleanupPageTest, WithoutASampleTheActionsSaySo) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+    show();
+    click("cleanup.suggest-safe-target");
+    EXPECT_EQ(lastAction(), "No sample is available yet.");
+    click("cleanup.select-top-app");
+    EXPECT_EQ(lastAction(), "No app impact sample is available yet.");
+    EXPECT_EQ(selectedPID(), std::nullopt);
+}
+
+TEST_F(CleanupPageTest, PurgeCachesAsksAndPurgesNothingByItself) {
+    showCleanup();
+    click("cleanup.purge-caches");
+    ASSERT_TRUE(pending().has_value());
+    EXPECT_EQ(pending()->kind, "local_purge");
+    EXPECT_EQ(textOf("cleanup.step"),
+              QStringLiteral("3. Confirm cache purge, or cancel and keep reviewing."));
+    machine.monitor().confirmations().cancelPending();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(machine.actions.cachePurge->count, 0);
+    EXPECT_TRUE(purge().isEnabled());
+}
+
+TEST_F(CleanupPageTest, APurgeUnderWayShowsAndLocksItsButton) {
+    showCleanup();
+    const QRect place = purge().geometry();
+    machine.monitor().localActions().requestPurge();
+    machine.monitor().confirmations().confirmPending();
+    settle();
+    EXPECT_EQ(purge().text(), QStringLiteral("Purging…"));
+    EXPECT_EQ(purge().accessibleName(), QStringLiteral("Purging…"));
+    EXPECT_FALSE(purge().isEnabled());
+    EXPECT_EQ(purge().geometry(), place) << "the buttons beside it stay where they are";
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(machine.actions.cachePurge->count, 1);
+    EXPECT_EQ(purge().text(), QStringLiteral("Purge Caches"));
+    EXPECT_EQ(purge().accessibleName(), QStringLiteral("Purge Caches"));
+    EXPECT_TRUE(purge().isEnabled());
+    EXPECT_EQ(purge().geometry(), place);
+}
+
+TEST_F(CleanupPageTest, AFailedPurgeUnlocksTheButton) {
+    machine.actions.cachePurge->result = {PurgeResult::Outcome::failed, "no such tool"};
+    showCleanup();
+    machine.monitor().localActions().requestPurge();
+    machine.monitor().confirmations().confirmPending();
+    settle();
+    ASSERT_FALSE(purge().isEnabled());
+    machine.finishSamples();
+    settle();
+    EXPECT_TRUE(purge().isEnabled());
+    EXPECT_EQ(lastAction(), "Could not run purge: no such tool");
+}
+
+TEST_F(CleanupPageTest, ActivityMonitorOpensIt) {
+    int opened = 0;
+    machine.extensions.openActivityMonitor = [&opened] {
+        ++opened;
+        return true;
+    };
+    showCleanup();
+    click("cleanup.activity-monitor");
+    EXPECT_EQ(opened, 1);
+}
+
+// The keyboard and sizes -------------------------------------------------------------------------
+
+TEST_F(CleanupPageTest, TabGoesThroughThePageAsTheEyeDoes) {
+    showCleanup();
+    machine.monitor().review().selectTopApp();
+    settle();
+    visible("optimize.cleanup")->setFocus(Qt::TabFocusReason);
+    QStringList order;
+    for (int presses = 0; presses < 9; ++presses) {
+        order.append(QApplication::focusWidget()->objectName());
+        press(Qt::Key_Tab);
+    }
+    EXPECT_EQ(order.join(u' '),
+              QStringLiteral("optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
+                             "cleanup.purge-caches cleanup.activity-monitor "
+                             "section.autoRules cleanup.emergency-stop cleanup.never-quit "
+                             "cleanup.helpers"));
+}
+
+TEST_F(CleanupPageTest, TheActionsAnswerTheKeyboard) {
+    showCleanup();
+    visible("cleanup.select-top-app")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    EXPECT_EQ(selectedPID(), 800);
+}
+
+/// A width that a failing test can print.
+class CleanupPageAtWidth : public CleanupPageTest, public testing::WithParamInterface<int> {};
+
+TEST_P(CleanupPageAtWidth, NoWordIsCutAndNothingOverlaps) {
+    window().resize(GetParam(), 600);
+    showCleanup();
+    machine.monitor().review().selectTopApp();
+    settle();
+    ASSERT_EQ(window().width(), GetParam());
+    const QWidget* page = visible("cleanup.flow")->parentWidget();
+    for (const ElidedLabel* label : page->findChildren<ElidedLabel*>()) {
+        if (label->isVisible() && !label->text().isEmpty()) {
+            ASSERT_FALSE(label->shownLines().isEmpty());
+            EXPECT_FALSE(label->shownLines().last().endsWith(u'…')) << label->text().toStdString();
+            EXPECT_GE(label->height(), label->minimumSizeHint().height());
+        }
+    }
+    for (const QPushButton* button : page->findChildren<QPushButton*>()) {
+        if (button->isVisible()) {
+            EXPECT_GE(button->width(), button->sizeHint().width()) << button->text().toStdString();
+            EXPECT_TRUE(button->parentWidget()->rect().contains(button->geometry()))
+                << button->text().toStdString();
+        }
+    }
+    // Each widget beside its siblings.
+    for (const QWidget* parent : page->findChildren<QWidget*>()) {
+        std::vector<const QWidget*> shown;
+        for (const QObject* child : parent->children()) {
+            const auto* widget = qobject_cast<const QWidget*>(child);
+            if (widget != nullptr && widget->isVisible()) {
+                shown.push_back(widget);
+            }
+        }
+        const bool isTable = qobject_cast<const QAbstractScrollArea*>(parent) != nullptr;
+        for (std::size_t i = 0; !isTable && i < shown.size(); ++i) {
+            for (std::size_t j = i + 1; j < shown.size(); ++j) {
+                EXPECT_FALSE(shown[i]->geometry().intersects(shown[j]->geometry()))
+                    << shown[i]->objectName().toStdString() << " and "
+                    << shown[j]->objectName().toStdString() << " in "
+                    << parent->objectName().toStdString();
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, CleanupPageAtWidth,
+                         testing::Values(640, 700, 860, 900, 1080, 1600),
+                         testing::PrintToStringParamName());
+
+TEST_F(CleanupPageTest, EveryControlSaysWhatItIsAndWhatItDoes) {
+    showCleanup();
+    machine.monitor().review().selectTopApp();
+    settle();
+    const QWidget* page = visible("cleanup.flow")->parentWidget();
+    std::set<QString> identifiers;
+    int controls = 0;
+    for (const QAbstractButton* button : page->findChildren<QAbstractButton*>()) {
+        if (!button->isVisible()) {
+            continue;
+        }
+        ++controls;
+        EXPECT_FALSE(button->accessibleName().isEmpty()) << button->objectName().toStdString();
+        EXPECT_FALSE(button->accessibleDescription().isEmpty())
+            << button->objectName().toStdString();
+        EXPECT_TRUE(identifiers.insert(button->objectName()).second)
+            << button->objectName().toStdString();
+    }
+    EXPECT_EQ(controls, 11) << "four steps, four actions, the section, the stop and the guard";
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,76 @@
+#include "presentation/screens/settings/settings_page.h"
+
+#include <QPushButton>
+
+#include "core/settings_keys.h"
+#include "presentation/shell/menu_bar_entries.h"
+#include "tests/presentation/shell/settings/settings_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+class SettingsPageTest : public SettingsFixture {
+protected:
+    void showPage() {
+        navigation().setSelectedRoute(AppRoute::settings);
+        showWithSample();
+    }
+};
+
+TEST_F(SettingsPageTest, TheHubWordForWord) {
+    showPage();
+    EXPECT_EQ(visible("settings.hub")->accessibleName(), QStringLiteral("Configuration Hub"));
+    EXPECT_EQ(textOf("settings.hub.words"),
+              QStringLiteral("Most configuration still lives in the native Settings sheet so it "
+                             "can also be opened from Tallowcrest > Settings."));
+    EXPECT_EQ(visible<QPushButton>("settings.open")->text(), QStringLiteral("Open Settings"));
+    EXPECT_EQ(textOf("settings.hub.auto-select.title"),
+              QStringLiteral("Auto-select safest top offender"));
+    EXPECT_EQ(textOf("settings.hub.auto-purge.title"),
+              QStringLiteral("Auto-purge after sustained high memory"));
+    EXPECT_EQ(textOf("settings.hub.auto-scan.title"), QStringLiteral("Auto-scan Tailscale Macs"));
+}
+
+TEST_F(SettingsPageTest, SaysThatItSamplesUntilTheFirstSample) {
+    navigation().setSelectedRoute(AppRoute::settings);
+    show();
+    EXPECT_EQ(textOf("settings.hub.words"), QStringLiteral("Sampling this Mac..."));
+}
+
+TEST_F(SettingsPageTest, BothButtonsOpenTheSheet) {
+    showPage();
+    for (const char* identifier : {"settings.open", "settings.open-sheet"}) {
+        click(identifier);
+        EXPECT_TRUE(isOpen()) << identifier;
+        click("settings.sheet.done");
+        EXPECT_FALSE(isOpen());
+    }
+    EXPECT_EQ(visible<QPushButton>("settings.open-sheet")->text(),
+              QStringLiteral("Open Settings Sheet"));
+}
+
+TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
+    showPage();
+    click("settings.hub.auto-purge");
+    EXPECT_TRUE(settings().autoPurgeSustainedMemory);
+    EXPECT_EQ(machine.store.read(settings_keys::autoPurgeKey), SettingsValue(true));
+    openSheet("Automation");
+    EXPECT_TRUE(visible<QAbstractButton>("settings.auto-purge")->isChecked());
+    click("settings.auto-purge");
+    EXPECT_FALSE(visible<QAbstractButton>("settings.hub.auto-purge")->isChecked());
+}
+
+TEST_F(SettingsPageTest, TheStatusItemsEntryBringsTheWindowWithTheSheet) {
+    for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
+        if (entry.title() == QStringLiteral("Settings")) {
+            entry.run();
+        }
+    }
+    EXPECT_TRUE(window().isVisible());
+    settle();
+    EXPECT_TRUE(isOpen());
+    EXPECT_EQ(QApplication::activeModalWidget(), &sheet());
+}
+
+}  // namespace
+}  // namespace tallowcrest

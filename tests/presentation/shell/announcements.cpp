@@ -1,0 +1,56 @@
+#include "tests/presentation/shell/announcements.h"
+
+#include <QAccessible>
+#include <QApplication>
+
+namespace {
+
+tallowcrest::Announcements* listener = nullptr;
+
+}  // namespace
+
+// Qt tells nobody as long as no assistive technology is there, and the platform without a screen
+// has none; an update handler is not asked either. So this stands in for Qt's own, which it goes
+// before wherever programs are ELF files.
+void QAccessible::updateAccessibility(QAccessibleEvent* event) {
+    if (listener != nullptr) {
+        listener->hear(*event);
+    }
+}
+
+namespace tallowcrest {
+
+Announcements::Announcements() {
+    for (QWidget* widget : QApplication::allWidgets()) {
+        known_[widget] = {widget, wordsOf(*widget)};
+    }
+    listener = this;
+}
+
+Announcements::~Announcements() {
+    listener = nullptr;
+}
+
+Announcements::Words Announcements::wordsOf(const QWidget& widget) {
+    return {widget.accessibleName(), widget.accessibleDescription()};
+}
+
+void Announcements::hear(QAccessibleEvent& event) {
+    auto* widget = qobject_cast<QWidget*>(event.object());
+    if (widget == nullptr || (event.type() != QAccessible::NameChanged &&
+                              event.type() != QAccessible::DescriptionChanged)) {
+        return;
+    }
+    ++count_;
+    const Words now = wordsOf(*widget);
+    Known& known = known_[widget];
+    if (known.widget != nullptr && known.words == now) {
+        const bool isName = event.type() == QAccessible::NameChanged;
+        repeated_.push_back(
+            (widget->objectName() + QStringLiteral(": ") + (isName ? now.first : now.second))
+                .toStdString());
+    }
+    known = {widget, now};
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,90 @@
+#include "tests/presentation/shell/announcements.h"
+
+#include "presentation/shell/menu_bar_entries.h"
+#include "presentation/shell/menu_bar_panel.h"
+#include "presentation/widgets/spoken.h"
+#include "tests/presentation/screens/overview/blocks_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(Announcements, TheSameWordsAreToldOnce) {
+    QWidget widget;
+    widget.setObjectName(QStringLiteral("probe"));
+    const Announcements heard;
+    setSpokenName(widget, QStringLiteral("name"));
+    setSpokenDescription(widget, QStringLiteral("description"));
+    EXPECT_EQ(heard.count(), 2);
+    setSpokenName(widget, QStringLiteral("name"));
+    setSpokenDescription(widget, QStringLiteral("description"));
+    EXPECT_EQ(heard.count(), 2);
+    EXPECT_THAT(heard.repeated(), IsEmpty());
+    setSpokenName(widget, QStringLiteral("other"));
+    EXPECT_EQ(heard.count(), 3);
+    EXPECT_EQ(widget.accessibleName(), QStringLiteral("other"));
+    widget.setAccessibleName(QStringLiteral("other"));
+    EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "which Qt itself would tell";
+}
+
+/// Two samples, the second like the first.
+class AnnouncementsInTheWindow : public OverviewBlocksTest {
+protected:
+    void expectNoneRepeated() {
+        tick();
+        const Announcements heard;
+        tick();
+        tick();
+        EXPECT_THAT(heard.repeated(), IsEmpty());
+        EXPECT_GT(heard.count(), 0) << "the session has grown longer";
+    }
+};
+
+TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingOnAnyRoute) {
+    recommendations = {recommend("first", Recommendation::Severity::urgent, 800),
+                       recommend("second", Recommendation::Severity::info)};
+    insights = {{UUID::random(), "Recurring Top App", "editor", "in detail"}};
+    machine.monitor().localActions().toggleNeverQuit("editor");
+    showWithSample();
+    machine.monitor().review().selectTopProcess();
+    for (const AppRoute each : allAppRoutes) {
+        SCOPED_TRACE(rawValue(each));
+        goTo(each);
+        expectNoneRepeated();
+    }
+}
+
+TEST_F(AnnouncementsInTheWindow, NorDoesItOnAProtectedTarget) {
+    showWithSample();
+    machine.monitor().review().selectTopProcess();
+    machine.monitor().localActions().toggleNeverQuit("photo-indexer");
+    goTo(AppRoute::optimize);
+    expectNoneRepeated();
+}
+
+TEST_F(AnnouncementsInTheWindow, NorDoesItInTheSettingsSheet) {
+    showWithSample();
+    machine.monitor().navigation().setShowSettings(true);
+    settle();
+    ASSERT_NE(visible("settings.sheet"), nullptr);
+    using namespace settings_tabs;
+    for (const char* tab : {remote, localMac, automation, safety}) {
+        SCOPED_TRACE(tab);
+        machine.monitor().navigation().setSettingsTab(tab);
+        expectNoneRepeated();
+    }
+}
+
+TEST_F(AnnouncementsInTheWindow, NorDoesItInTheMenuBarPanel) {
+    MenuBarPanel panel(machine.monitor(), menuBarEntries(machine.monitor(), window()));
+    showWithSample();
+    panel.toggleAt({10, 10});
+    settle();
+    ASSERT_TRUE(panel.isVisible());
+    expectNoneRepeated();
+}
+
+}  // namespace
+}  // namespace tallowcrest

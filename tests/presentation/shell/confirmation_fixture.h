@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QPushButton>
+
+#include "presentation/shell/confirmation_dialog.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+
+/// A window, and requests whose answers are counted.
+class ConfirmationFixture : public WindowFixture {
+protected:
+    ConfirmationDesk& desk() { return machine.monitor().confirmations(); }
+
+    /// A request whose answers this test counts.
+    ConfirmationRequest probe(const std::string& title = "Go on?") {
+        if (!isRegistered_) {
+            isRegistered_ = true;
+            desk().registerKind(
+                "probe",
+                {[this](const ConfirmationRequest& asked) { confirmed.push_back(asked.title); },
+                 [this](const ConfirmationRequest& asked) { canceled.push_back(asked.title); }});
+        }
+        return {UUID::random(), title, "It changes something.", "Go On", "probe", {}, {}};
+    }
+
+    void ask(const ConfirmationRequest& request, std::vector<std::string> paths = {}) {
+        desk().requestConfirmation(request, std::move(paths));
+        settle();
+        ASSERT_TRUE(isOpen());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+        if (!std::exchange(isSettled_, true)) {
+            dialog().setSettlingTime(std::chrono::milliseconds(0));
+        }
+        settle();
+    }
+
+    void showAndAsk(const std::string& title = "Go on?") {
+        showWithSample();
+        ask(probe(title));
+    }
+
+    bool isOpen() {
+        const auto* found = window().findChild<ConfirmationDialog*>();
+        return found != nullptr && found->isVisible();
+    }
+    ConfirmationDialog& dialog() { return *window().findChild<ConfirmationDialog*>(); }
+    QPushButton& cancel() { return *visible<QPushButton>("confirmation.cancel"); }
+    QPushButton& confirm() { return *visible<QPushButton>("confirmation.confirm"); }
+
+    std::vector<std::string> confirmed;
+    std::vector<std::string> canceled;
+
+private:
+    bool isRegistered_ = false;
+    bool isSettled_ = false;  ///< no test waits, unless it asks for it
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,353 @@
+#include "presentation/shell/dashboard_window.h"
+
+#include <QMenuBar>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+#include "presentation/screens/coming/coming_page.h"
+#include "presentation/screens/load/processes_page.h"
+#include "presentation/screens/overview/overview_page.h"
+#include "presentation/shell/sidebar.h"
+#include "tests/presentation/widgets/paint_count.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+class DashboardWindowTest : public WindowFixture {
+protected:
+    /// What the window shows below the header, by the name of its class.
+    QString shownScreen() {
+        for (const auto* screen : window().findChildren<Screen*>()) {
+            if (screen->isVisible()) {
+                return QString::fromLatin1(screen->metaObject()->className()).section(u':', -1);
+            }
+        }
+        return {};
+    }
+};
+
+// The shell --------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, BearsItsNameAndItsIdentifier) {
+    EXPECT_EQ(window().windowTitle(), QStringLiteral("Tallowcrest"));
+    EXPECT_EQ(window().objectName(), QStringLiteral("tallowcrest.main"));
+    EXPECT_FALSE(machine.monitor().isStarted()) << "building a window is not showing it";
+}
+
+TEST_F(DashboardWindowTest, MonitoringStartsAtTheFirstAppearanceAndOnce) {
+    show();
+    EXPECT_TRUE(machine.monitor().isStarted());
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+    window().close();
+    window().show();
+    settle();
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+}
+
+TEST_F(DashboardWindowTest, SaysThatItSamplesUntilTheFirstSample) {
+    show();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Sampling this Mac..."));
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 4 seconds"));
+    tick();
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 8 seconds"));
+}
+
+TEST_F(DashboardWindowTest, StripShowsThresholdAndLastAction) {
+    show();
+    EXPECT_EQ(visible("status.threshold")->accessibleName(), QStringLiteral("Warn at 82%"));
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Monitoring started."));
+    machine.monitor().log().setLastAction("<b>Something</b> happened.");
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("<b>Something</b> happened."));
+}
+
+TEST_F(DashboardWindowTest, TellsOnceThatTheFirstSampleIsOnScreen) {
+    const QSignalSpy shown(&window(), &DashboardWindow::firstSampleShown);
+    show();
+    EXPECT_EQ(shown.count(), 0);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(shown.count(), 1);
+    tick();
+    EXPECT_EQ(shown.count(), 1);
+}
+
+// Routes -----------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, SidebarListsEveryRouteInOrder) {
+    show();
+    QStringList identifiers;
+    QStringList titles;
+    for (const SidebarRow* row : window().findChildren<SidebarRow*>()) {
+        identifiers.append(row->objectName());
+        titles.append(row->text());
+    }
+    EXPECT_EQ(identifiers.join(u' '),
+              QStringLiteral("sidebar.overview sidebar.load sidebar.optimize "
+                             "sidebar.optimizationSuggestions sidebar.aiAdvisor sidebar.chat "
+                             "sidebar.remoteMacs sidebar.history sidebar.settings"));
+    EXPECT_EQ(titles.join(u'|'),
+              QStringLiteral("Overview|Processes|Optimize|Suggestions|AI Advisor|Chat|Remote "
+                             "Macs|History|Settings"));
+    int above = -1;
+    for (const SidebarRow* row : window().findChildren<SidebarRow*>()) {
+        EXPECT_GT(row->y(), above);
+        above = row->y();
+    }
+}
+
+TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
+    showWithSample();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        EXPECT_EQ(textOf("page.title"), qString(title(each)));
+        EXPECT_EQ(textOf("page.subtitle"), qString(subtitle(each)));
+        EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? QStringLiteral("OverviewPage")
+                                 : each == AppRoute::load     ? QStringLiteral("ProcessesPage")
+                                 : each == AppRoute::optimize ? QStringLiteral("CleanupPage")
+                                 : each == AppRoute::history  ? QStringLiteral("HistoryPage")
+                                 : each == AppRoute::settings ? QStringLiteral("SettingsPage")
+                                                              : QStringLiteral("ComingPage"));
+        const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
+        EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
+    }
+}
+
+TEST_F(DashboardWindowTest, SidebarRowsChooseRoutesByClick) {
+    showWithSample();
+    click("sidebar.chat");
+    EXPECT_EQ(route(), AppRoute::chat);
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+    click("sidebar.chat");
+    EXPECT_EQ(route(), AppRoute::chat);
+}
+
+TEST_F(DashboardWindowTest, ArrowKeysMoveThroughTheSidebar) {
+    showWithSample();
+    visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::load);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::optimize);
+    press(Qt::Key_Up);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_EQ(QApplication::focusWidget(), visible("sidebar.load"));
+}
+
+TEST_F(DashboardWindowTest, ArrowKeysGoOnFromARouteThatAShortcutChose) {
+    showWithSample();
+    visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_5, Qt::ControlModifier);
+    EXPECT_EQ(route(), AppRoute::aiAdvisor);
+    press(Qt::Key_Down);
+    EXPECT_EQ(route(), AppRoute::chat);
+}
+
+TEST_F(DashboardWindowTest, ControlAndADigitChooseARoute) {
+    showWithSample();
+    int key = Qt::Key_9;
+    for (auto each = allAppRoutes.rbegin(); each != allAppRoutes.rend(); ++each) {
+        press(static_cast<Qt::Key>(key--), Qt::ControlModifier);
+        EXPECT_EQ(route(), *each);
+        EXPECT_EQ(textOf("page.title"), qString(title(*each)));
+    }
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteOfAClosedWindowOpensItThere) {
+    showWithSample();
+    window().close();
+    settle();
+    ASSERT_FALSE(window().isVisible());
+    window().openRoute(AppRoute::optimize);
+    settle();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteOfAMinimisedWindowBringsItBack) {
+    showWithSample();
+    window().showMinimized();
+    settle();
+    window().openRoute(AppRoute::history);
+    settle();
+    EXPECT_FALSE(window().isMinimized());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("History"));
+}
+
+TEST_F(DashboardWindowTest, OpeningARouteKeepsAMaximisedWindowMaximised) {
+    showWithSample();
+    window().showMaximized();
+    settle();
+    window().close();
+    settle();
+    window().openRoute(AppRoute::history);
+    settle();
+    EXPECT_TRUE(window().isMaximized());
+}
+
+TEST_F(DashboardWindowTest, ComingToTheFrontAfterTheWindowIsGoneDoesNothing) {
+    {
+        DashboardWindow passing(machine.monitor(), machine.mainQueue);
+        passing.openRoute(AppRoute::overview);
+    }
+    EXPECT_EQ(machine.mainQueue.pendingCount(), 1U);
+    settle();
+    EXPECT_EQ(machine.mainQueue.pendingCount(), 0U);
+}
+
+TEST_F(DashboardWindowTest, ClosingTellsSo) {
+    showWithSample();
+    const QSignalSpy closed(&window(), &DashboardWindow::closed);
+    window().close();
+    EXPECT_EQ(closed.count(), 1);
+}
+
+// Refresh ----------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, RefreshTakesASample) {
+    showWithSample();
+    ASSERT_EQ(machine.workQueue.pendingCount(), 0U);
+    click("page.refresh");
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(machine.workQueue.pendingCount(), 2U);
+}
+
+// Work -------------------------------------------------------------------------------------------
+
+TEST_F(DashboardWindowTest, AScreenOfAnotherRouteDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    tick();
+    EXPECT_EQ(changes.count(), 1) << "the screen that shows is kept up to date";
+    goTo(AppRoute::overview);
+    machine.addProcess(900, "/usr/bin/newcomer", 200.0, 10.0);
+    tick();
+    tick();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(model().rowCount(), 3);
+    goTo(AppRoute::load);
+    EXPECT_EQ(model().rowCount(), 4) << "and catches up when it comes into view";
+}
+
+TEST_F(DashboardWindowTest, AClosedWindowDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    window().close();
+    settle();
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    PaintCount paints(window());
+    tick();
+    tick();
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_EQ(paints.take(), 0);
+    window().show();
+    settle();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 12 seconds"));
+}
+
+TEST_F(DashboardWindowTest, AMinimisedWindowDoesNoWork) {
+    showWithSample();
+    goTo(AppRoute::load);
+    window().showMinimized();
+    settle();
+    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    tick();
+    EXPECT_EQ(changes.count(), 0);
+    window().showNormal();
+    settle();
+    EXPECT_EQ(changes.count(), 1);
+}
+
+TEST_F(DashboardWindowTest, ARouteChosenWhileClosedShowsWhenTheWindowComesBack) {
+    showWithSample();
+    window().close();
+    goTo(AppRoute::chat);
+    window().show();
+    settle();
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+}
+
+TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
+    showWithSample();
+    goTo(AppRoute::chat);
+    tick();
+    PaintCount paints(window());
+    machine.monitor().review().clearOperationTarget();
+    settle();
+    // A changed line of the strip, with what lies below it; never the whole window.
+    const int count = paints.take();
+    EXPECT_GT(count, 0);
+    EXPECT_LT(count, 12);
+}
+
+TEST_F(DashboardWindowTest, AMaximisedWindowComesBackMaximised) {
+    showWithSample();
+    window().setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
+    settle();
+    window().openRoute(AppRoute::load);
+    settle();
+    EXPECT_EQ(window().windowState() & Qt::WindowMinimized, 0);
+    EXPECT_NE(window().windowState() & Qt::WindowMaximized, 0);
+}
+
+TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {
+    showWithSample();
+    for (const int width : {700, 900, 1080, 1600}) {
+        window().resize(width, 700);
+        settle();
+        goTo(AppRoute::overview);
+        const QWidget* strip = visible("status.session");
+        ASSERT_NE(strip, nullptr);
+        const QPoint before = strip->mapTo(&window(), QPoint());
+        for (const AppRoute other : allAppRoutes) {
+            goTo(other);
+            EXPECT_EQ(strip->mapTo(&window(), QPoint()), before) << width << rawValue(other);
+        }
+    }
+}
+
+TEST_F(DashboardWindowTest, ALongMessageIsReadWholeInANarrowWindow) {
+    showWithSample();
+    window().resize(900, 600);
+    settle();
+    machine.monitor().log().setLastAction(
+        "Selected gnome-system-monitor from CPU + Memory Processes. No action has run yet.");
+    settle();
+    const auto* label = visible<ElidedLabel>("status.last-action");
+    ASSERT_NE(label, nullptr);
+    EXPECT_TRUE(label->shownLines().last().endsWith(QStringLiteral("run yet.")))
+        << label->shownLines().join(u'|').toStdString();
+}
+
+TEST_F(DashboardWindowTest, TheOverviewScrollsByKey) {
+    showWithSample();
+    window().resize(900, 500);
+    settle();
+    auto* area = window().findChild<QScrollArea*>();
+    ASSERT_NE(area, nullptr);
+    ASSERT_GT(area->verticalScrollBar()->maximum(), 0);
+    press(Qt::Key_End);
+    EXPECT_EQ(area->verticalScrollBar()->value(), area->verticalScrollBar()->maximum());
+    press(Qt::Key_Home);
+    EXPECT_EQ(area->verticalScrollBar()->value(), 0);
+}
+
+}  // namespace
+}  // namespace tallowcrest

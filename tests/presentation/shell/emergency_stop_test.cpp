@@ -1,0 +1,299 @@
+#include <QLineEdit>
+#include <QMessageBox>
+
+#include "core/settings_keys.h"
+#include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/widgets/capsule.h"
+#include "tests/presentation/shell/confirmation_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* stopped = "Emergency stop engaged. Automatic actions are disabled.";
+constexpr const char* resumed = "Emergency stop cleared; automations remain off.";
+
+class EmergencyStopTest : public ConfirmationFixture {
+protected:
+    Automation& automation() { return machine.monitor().automation(); }
+
+    QAction& entry(const char* identifier) {
+        return *window().findChild<QAction*>(QString::fromLatin1(identifier));
+    }
+
+    /// Stands for the other ways to resume, none of which is what is under test.
+    void resume() {
+        automation().resumeFromEmergencyStop();
+        settle();
+    }
+
+    /// Engages by the key, wherever the keyboard is, and resumes.
+    void expectKeyStops(Qt::Key key, Qt::KeyboardModifiers modifiers, const std::string& where) {
+        ASSERT_FALSE(automation().isStopEngaged()) << where;
+        press(key, modifiers);
+        EXPECT_TRUE(automation().isStopEngaged()) << where;
+        EXPECT_EQ(lastAction(), stopped) << where;
+        resume();
+    }
+
+    void expectKeysStop(const std::string& where) {
+        expectKeyStops(Qt::Key_Period, Qt::ControlModifier, where + ", Ctrl+.");
+        expectKeyStops(Qt::Key_Escape, Qt::ShiftModifier, where + ", Shift+Esc");
+    }
+
+    /// Nothing but Tallowcrest's windows takes keys in these tests.
+    void activate(QWidget& widget) {
+        widget.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
+    }
+
+    QString capsule() {
+        const auto* found = visible<Capsule>("status.automation");
+        return found == nullptr ? QStringLiteral("(not shown)") : found->accessibleValue();
+    }
+};
+
+// The card ---------------------------------------------------------------------------------------
+
+TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOncePressAndResumesByAnother) {
+    machine.store.write(settings_keys::autoPurgeKey, true);
+    showWithSample();
+    auto* stop = visible<QPushButton>("overview.emergency-stop");
+    ASSERT_NE(stop, nullptr);
+    EXPECT_EQ(stop->text(), QStringLiteral("Emergency Stop"));
+    const QString effect = QStringLiteral(
+        "Immediately disables automatic cleanup, purge, remote scans, and AI "
+        "autonomous execution.");
+    EXPECT_EQ(stop->accessibleDescription(), effect);
+    bool isRead = false;
+    for (const auto* label : visible("overview.disk-autopilot")->findChildren<ElidedLabel*>()) {
+        isRead = isRead || (label->isVisible() && label->text() == effect);
+    }
+    EXPECT_TRUE(isRead);
+    EXPECT_EQ(visible("overview.resume-manual-mode"), nullptr);
+    const int height = visible("overview.disk-autopilot")->height();
+    const QRect place(stop->mapTo(&window(), QPoint()), stop->size());
+
+    click("overview.emergency-stop");
+    EXPECT_TRUE(automation().isStopEngaged());
+    EXPECT_FALSE(automation().isOn(AutomationSwitch::autoPurgeSustainedMemory));
+    EXPECT_FALSE(isOpen()) << "nothing is asked first";
+    EXPECT_EQ(textOf("overview.disk-autopilot-status"),
+              QStringLiteral("Emergency stop is engaged. All automatic actions are off."));
+    EXPECT_EQ(visible("overview.disk-autopilot")->height(), height);
+    auto* resume = visible<QPushButton>("overview.resume-manual-mode");
+    ASSERT_NE(resume, nullptr);
+    EXPECT_EQ(resume->text(), QStringLiteral("Resume Manual Mode"));
+    EXPECT_FALSE(place.intersects(QRect(resume->mapTo(&window(), QPoint()), resume->size())))
+        << "the second press of a double click";
+
+    resume->setFocus();
+    press(Qt::Key_Space);
+    EXPECT_FALSE(automation().isStopEngaged());
+    EXPECT_EQ(lastAction(), resumed);
+    EXPECT_FALSE(automation().isOn(AutomationSwitch::autoPurgeSustainedMemory));
+    EXPECT_EQ(visible("overview.resume-manual-mode"), nullptr);
+    EXPECT_EQ(QApplication::focusWidget(), stop);
+}
+
+// The key ----------------------------------------------------------------------------------------
+
+TEST_F(EmergencyStopTest, TheKeyStopsOnEveryRoute) {
+    showWithSample();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        expectKeysStop(std::string(rawValue(each)));
+    }
+}
+
+TEST_F(EmergencyStopTest, TheKeyStopsFromEveryControlThatTakesTheKeyboard) {
+    showWithSample();
+    machine.monitor().review().selectProcess(machine.metrics->processes[0]);
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        // All of them first: the events that the stop records take the place of others on the page.
+        std::vector<QWidget*> controls;
+        for (QWidget* widget : window().findChildren<QWidget*>()) {
+            if (widget->isVisible() && widget->isEnabled() &&
+                (widget->focusPolicy() & Qt::TabFocus) != 0) {
+                controls.push_back(widget);
+            }
+        }
+        for (QWidget* control : controls) {
+            control->setFocus();
+            ASSERT_FALSE(automation().isStopEngaged());
+            press(Qt::Key_Period, Qt::ControlModifier);
+            EXPECT_TRUE(automation().isStopEngaged())
+                << rawValue(each) << ' ' << control->objectName().toStdString();
+            resume();
+        }
+    }
+}
+
+TEST_F(EmergencyStopTest, ATextFieldAndTheTableKeepTheKeyFromNobody) {
+    showWithSample();
+    goTo(AppRoute::load);
+    auto* field = visible<QLineEdit>("processes.filter");
+    field->setFocus();
+    field->setText(QStringLiteral("edit"));
+    field->selectAll();
+    expectKeysStop("the filter");
+    EXPECT_EQ(field->text(), QStringLiteral("edit"));
+    table().setFocus();
+    expectKeysStop("the table");
+}
+
+TEST_F(EmergencyStopTest, TheKeyStopsWhileTheDialogStandsAndLeavesItsQuestion) {
+    showAndAsk();
+    QWidget* focus = QApplication::focusWidget();
+    ASSERT_TRUE(dialog().isAncestorOf(focus));
+    expectKeysStop("the dialog");
+    EXPECT_TRUE(isOpen());
+    press(Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_TRUE(desk().pendingConfirmation().has_value());
+    EXPECT_TRUE(confirmed.empty());
+    EXPECT_TRUE(canceled.empty());
+    confirm().click();
+    EXPECT_THAT(confirmed, testing::ElementsAre("Go on?")) << "a person may still say yes";
+}
+
+TEST_F(EmergencyStopTest, TheKeyStopsWhileTheSettingsStandAndAQuestionAboveThem) {
+    showWithSample();
+    machine.monitor().navigation().setShowSettings(true);
+    settle();
+    auto* sheet = window().findChild<SettingsSheet*>();
+    ASSERT_NE(sheet, nullptr);
+    activate(*sheet);
+    expectKeysStop("the settings");
+    for (QWidget* control : sheet->findChildren<QWidget*>()) {
+        if (control->isVisible() && control->isEnabled() &&
+            (control->focusPolicy() & Qt::TabFocus) != 0) {
+            control->setFocus();
+            expectKeysStop(control->objectName().toStdString());
+        }
+    }
+    ask(probe());
+    expectKeysStop("the question above the settings");
+}
+
+TEST_F(EmergencyStopTest, TheKeyStopsWhileAboutIsShown) {
+    showWithSample();
+    entry("menu.about").trigger();
+    settle();
+    auto* about = window().findChild<QMessageBox*>(QStringLiteral("about"));
+    ASSERT_NE(about, nullptr);
+    activate(*about);
+    expectKeysStop("About");
+    about->close();
+}
+
+TEST_F(EmergencyStopTest, TheKeyNeverResumes) {
+    showWithSample();
+    press(Qt::Key_Period, Qt::ControlModifier);
+    press(Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_TRUE(automation().isStopEngaged());
+    EXPECT_TRUE(entry("menu.resume-manual-mode").shortcuts().isEmpty());
+}
+
+TEST_F(EmergencyStopTest, KeysThatAreHeldDownStopOnce) {
+    showWithSample();
+    const auto hold = [this](Qt::Key key) {
+        QTest::simulateEvent(&window(), true, key, Qt::ControlModifier, QString(), true);
+        settle();
+    };
+    press(Qt::Key_Period, Qt::ControlModifier);
+    const std::size_t events = machine.monitor().log().activityLog().size();
+    hold(Qt::Key_Period);
+    EXPECT_EQ(machine.monitor().log().activityLog().size(), events);
+    hold(Qt::Key_2);
+    EXPECT_EQ(route(), AppRoute::load) << "the repeated key is alive";
+}
+
+// The menu ---------------------------------------------------------------------------------------
+
+TEST_F(EmergencyStopTest, TheMenuResumesOnlyWhatIsStopped) {
+    showWithSample();
+    EXPECT_TRUE(entry("menu.emergency-stop").isEnabled());
+    EXPECT_FALSE(entry("menu.resume-manual-mode").isEnabled());
+    entry("menu.emergency-stop").trigger();
+    settle();
+    EXPECT_TRUE(automation().isStopEngaged());
+    EXPECT_TRUE(entry("menu.emergency-stop").isEnabled());
+    ASSERT_TRUE(entry("menu.resume-manual-mode").isEnabled());
+    entry("menu.resume-manual-mode").trigger();
+    settle();
+    EXPECT_FALSE(automation().isStopEngaged());
+    EXPECT_FALSE(entry("menu.resume-manual-mode").isEnabled());
+}
+
+TEST_F(EmergencyStopTest, AStopOfAnEarlierRunCanBeResumedAtOnce) {
+    machine.store.write(settings_keys::automationEmergencyStopKey, true);
+    EXPECT_TRUE(entry("menu.resume-manual-mode").isEnabled());
+    show();
+    EXPECT_EQ(capsule(), QStringLiteral("Emergency Stop Engaged"));
+    EXPECT_NE(visible("overview.resume-manual-mode"), nullptr);
+}
+
+// The status strip -------------------------------------------------------------------------------
+
+TEST_F(EmergencyStopTest, TheStripTellsTheStopOnEveryRoute) {
+    showWithSample();
+    const auto inkOf = [this] {
+        const QImage shot = visible("status.automation")->grab().toImage();
+        return shot.pixelColor(shot.width() / 2, 0);
+    };
+    EXPECT_EQ(capsule(), QStringLiteral("1 automation on"));
+    EXPECT_EQ(inkOf(), CrestTheme::current().hairline);
+    automation().engageEmergencyStop();
+    settle();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        EXPECT_EQ(capsule(), QStringLiteral("Emergency Stop Engaged")) << rawValue(each);
+        const QColor ink = inkOf();
+        EXPECT_GT(ink.red(), ink.green() + 60) << rawValue(each);
+        EXPECT_GT(ink.red(), ink.blue() + 60) << rawValue(each);
+    }
+    resume();
+    EXPECT_EQ(capsule(), QStringLiteral("No automations on"));
+    EXPECT_EQ(inkOf(), CrestTheme::current().hairline);
+}
+
+TEST_F(EmergencyStopTest, TheStripCountsWhatMayActByItself) {
+    showWithSample();
+    EXPECT_EQ(capsule(), QStringLiteral("1 automation on")) << "auto-select, from the start";
+    int count = 1;
+    for (const AutomationSwitch which :
+         {AutomationSwitch::autoPurgeSustainedMemory, AutomationSwitch::autoScanRemoteMacs,
+          AutomationSwitch::diskAutopilotEnabled, AutomationSwitch::aiSafeActionsEnabled}) {
+        automation().set(which, true);
+        settle();
+        EXPECT_EQ(capsule(), QStringLiteral("%1 automations on").arg(++count));
+    }
+    automation().set(AutomationSwitch::notificationsIncludeActions, false);
+    settle();
+    EXPECT_EQ(capsule(), QStringLiteral("5 automations on")) << "a convenience acts on nothing";
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        automation().set(which, false);
+    }
+    settle();
+    EXPECT_EQ(capsule(), QStringLiteral("No automations on"));
+}
+
+TEST_F(EmergencyStopTest, TheStripKeepsRoomForTheOutcomeAtEveryWidth) {
+    showWithSample();
+    automation().engageEmergencyStop();
+    for (const int width : {640, 859, 900, 1080, 1600}) {
+        window().resize(width, 600);
+        settle();
+        const auto* outcome = visible<ElidedLabel>("status.last-action");
+        EXPECT_FALSE(outcome->shownLines().last().endsWith(u'…')) << width;
+        const QWidget* session = visible("status.session");
+        const QWidget* stop = visible("status.automation");
+        const QWidget* threshold = visible("status.threshold");
+        EXPECT_GT(threshold->x(), stop->geometry().right()) << width;
+        EXPECT_GT(outcome->x(), threshold->geometry().right()) << width;
+        EXPECT_FALSE(session->geometry().intersects(stop->geometry())) << width;
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

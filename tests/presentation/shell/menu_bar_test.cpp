@@ -1,0 +1,336 @@
+#include <QAccessible>
+#include <QPushButton>
+
+#include "presentation/shell/confirmation_dialog.h"
+#include "presentation/shell/menu_bar_entries.h"
+#include "presentation/shell/menu_bar_panel.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::SizeIs;
+
+class MenuBarTest : public WindowFixture {
+protected:
+    MenuBarPanel& panel() {
+        if (panel_ == nullptr) {
+            panel_ = std::make_unique<MenuBarPanel>(machine.monitor(),
+                                                    menuBarEntries(machine.monitor(), window()));
+        }
+        return *panel_;
+    }
+
+    void openPanel() {
+        panel().toggleAt({10, 10});
+        settle();
+        ASSERT_TRUE(panel().isVisible());
+    }
+
+    /// The text of a line of the panel; of a hidden one, a word that says so.
+    QString line(const char* identifier) {
+        const auto* label = panel().findChild<ElidedLabel*>(QString::fromLatin1(identifier));
+        return label != nullptr && label->isVisible() ? label->text()
+                                                      : QStringLiteral("(not shown)");
+    }
+
+    void choose(const char* identifier) {
+        auto* button = panel().findChild<QPushButton*>(QString::fromLatin1(identifier));
+        ASSERT_NE(button, nullptr) << identifier;
+        QTest::mouseClick(button, Qt::LeftButton);
+        settle();
+    }
+
+    void recommend(const std::string& title, Recommendation::Severity severity) {
+        machine.extensions.background.buildRecommendations = [title, severity](const auto&, double,
+                                                                               double, double) {
+            Recommendation recommendation;
+            recommendation.title = title;
+            recommendation.severity = severity;
+            return std::vector<Recommendation>{recommendation};
+        };
+    }
+
+    std::unique_ptr<MenuBarPanel> panel_;
+};
+
+TEST_F(MenuBarTest, PanelSaysThatItSamplesUntilTheFirstSample) {
+    openPanel();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("Sampling..."));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+}
+
+TEST_F(MenuBarTest, ThePanelsFirstAppearanceStartsMonitoringToo) {
+    panel();
+    EXPECT_FALSE(machine.monitor().isStarted());
+    openPanel();
+    EXPECT_TRUE(machine.monitor().isStarted());
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    window().show();
+    settle();
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+    EXPECT_THAT(machine.mainQueue.timerIntervals(), SizeIs(1));
+}
+
+TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
+    recommend("Memory is tight", Recommendation::Severity::caution);
+    openPanel();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 40% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: photo-indexer · 2.0 GB"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("Memory is tight · Caution"));
+    machine.metrics->processes[0].cpu = 10.0;
+    tick();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: editor · 1.0 GB"));
+}
+
+TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
+    machine.metrics->processes.clear();
+    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
+        return std::vector<Recommendation>();
+    };
+    openPanel();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 0% · Memory 59%"));
+    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+}
+
+TEST_F(MenuBarTest, AHiddenPanelDoesNoWorkAndIsUpToDateWhenItOpens) {
+    openPanel();
+    machine.finishSamples();
+    settle();
+    panel().toggleAt({10, 10});
+    ASSERT_FALSE(panel().isVisible());
+    machine.metrics->processes[0].cpu = 10.0;
+    tick();
+    EXPECT_EQ(panel().findChild<ElidedLabel*>(QStringLiteral("menubar.load"))->text(),
+              QStringLiteral("CPU 40% · Memory 59%"));
+    openPanel();
+    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
+}
+
+TEST_F(MenuBarTest, EscapeClosesThePanel) {
+    openPanel();
+    QTest::keyClick(&panel(), Qt::Key_Escape);
+    EXPECT_FALSE(panel().isVisible());
+}
+
+TEST_F(MenuBarTest, TurningElsewhereClosesThePanelAndTheSameClickDoesNotOpenItAgain) {
+    show();
+    openPanel();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&panel()));
+    window().activateWindow();
+    settle();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EXPECT_FALSE(panel().isVisible());
+    panel().toggleAt({10, 10});
+    EXPECT_FALSE(panel().isVisible());
+    openPanel();
+}
+
+TEST_F(MenuBarTest, ThePanelIsThereForAssistiveTechnology) {
+    openPanel();
+    QAccessibleInterface* application = QAccessible::queryAccessibleInterface(qApp);
+    ASSERT_NE(application, nullptr);
+    bool isThere = false;
+    for (int i = 0; i < application->childCount(); ++i) {
+        isThere = isThere || application->child(i)->object() == &panel();
+    }
+    EXPECT_TRUE(isThere);
+}
+
+TEST_F(MenuBarTest, PanelStaysOnItsScreen) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    for (const QPoint& anchor : {screen.topLeft(), screen.topRight(), screen.bottomLeft(),
+                                 screen.bottomRight(), screen.center(), QPoint(-500, -500)}) {
+        panel().toggleAt(anchor);
+        settle();
+        EXPECT_TRUE(screen.contains(panel().geometry()))
+            << anchor.x() << ' ' << anchor.y() << " gave " << panel().x() << ' ' << panel().y();
+        panel().hide();
+        settle();
+    }
+}
+
+TEST_F(MenuBarTest, APanelThatGrowsStaysOnItsScreen) {
+    recommend("Memory is tight", Recommendation::Severity::urgent);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    panel().toggleAt(screen.bottomRight());
+    settle();
+    const int before = panel().height();
+    machine.finishSamples();
+    settle();
+    EXPECT_GT(panel().height(), before);
+    EXPECT_TRUE(screen.contains(panel().geometry()));
+}
+
+TEST_F(MenuBarTest, ShowDashboardOpensTheOverviewOfAClosedWindow) {
+    showWithSample();
+    goTo(AppRoute::chat);
+    window().close();
+    openPanel();
+    choose("menubar.show-dashboard");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Overview"));
+    EXPECT_FALSE(panel().isVisible());
+}
+
+TEST_F(MenuBarTest, OpenOptimizeOpensThatRouteOfAClosedWindow) {
+    openPanel();
+    choose("menubar.open-optimize");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(MenuBarTest, SettingsOpensTheSheetInAClosedWindow) {
+    showWithSample();
+    window().close();
+    openPanel();
+    choose("menubar.settings");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_NE(visible("settings.sheet"), nullptr);
+    EXPECT_FALSE(panel().isVisible());
+}
+
+TEST_F(MenuBarTest, RefreshTakesASample) {
+    openPanel();
+    machine.finishSamples();
+    choose("menubar.refresh");
+    EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
+}
+
+TEST_F(MenuBarTest, PurgeAsksInTheWindowHoweverThatStood) {
+    showWithSample();
+    const auto purgeFromPanel = [this] {
+        openPanel();
+        choose("menubar.purge");
+        EXPECT_TRUE(window().isVisible());
+        EXPECT_FALSE(window().isMinimized());
+        EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+        click("confirmation.cancel");
+        EXPECT_EQ(machine.actions.cachePurge->count, 0);
+    };
+    purgeFromPanel();
+    window().showMinimized();
+    settle();
+    purgeFromPanel();
+    window().close();
+    settle();
+    purgeFromPanel();
+}
+
+TEST_F(MenuBarTest, PurgePurgesOnceConfirmed) {
+    showWithSample();
+    openPanel();
+    choose("menubar.purge");
+    window().findChild<ConfirmationDialog*>()->setSettlingTime(std::chrono::milliseconds(0));
+    settle();
+    click("confirmation.confirm");
+    machine.finishSamples();
+    EXPECT_EQ(machine.actions.cachePurge->count, 1);
+}
+
+TEST_F(MenuBarTest, QuitTopAppAsksForTheHeaviestGroup) {
+    showWithSample();
+    window().close();
+    openPanel();
+    choose("menubar.quit-top-app");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Quit photo-indexer?"));
+}
+
+TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
+    machine.metrics->processes.clear();
+    showWithSample();
+    window().close();
+    openPanel();
+    choose("menubar.quit-top-app");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select an app group first."));
+    EXPECT_EQ(visible("confirmation.cancel"), nullptr);
+}
+
+TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
+    const auto title = [this] {
+        const auto* row = panel().findChild<QPushButton*>(QStringLiteral("menubar.auto-select"));
+        EXPECT_EQ(row->accessibleName(), row->text());
+        return row->text();
+    };
+    const Automation& automation = machine.monitor().automation();
+    openPanel();
+    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select"));
+    choose("menubar.auto-select");
+    EXPECT_FALSE(automation.isOn(AutomationSwitch::autoSelectTopOffender));
+    EXPECT_EQ(lastAction(), "Auto-select top offender disabled.");
+    EXPECT_FALSE(window().isVisible()) << "nothing to read there";
+    openPanel();
+    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+    machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, true);
+    settle();
+    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select")) << "while the panel is open";
+    machine.monitor().automation().engageEmergencyStop();
+    settle();
+    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+}
+
+TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
+    machine.monitor().automation().engageEmergencyStop();
+    openPanel();
+    choose("menubar.auto-select");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("Auto-select remains off while Emergency Stop is engaged."));
+}
+
+TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
+    std::vector<std::string> copied;
+    machine.extensions.storeOnPasteboard = [&copied](const std::string& text) {
+        copied.push_back(text);
+    };
+    openPanel();
+    choose("menubar.copy-report");
+    EXPECT_TRUE(copied.empty());
+    EXPECT_EQ(lastAction(), "Monitoring started.");
+    EXPECT_FALSE(window().isVisible());
+    openPanel();
+    choose("menubar.export");
+    EXPECT_TRUE(window().isVisible()) << "a refusal is read there";
+    EXPECT_EQ(textOf("status.last-action"),
+              QStringLiteral("No diagnostic sample is available yet."));
+    machine.finishSamples();
+    openPanel();
+    choose("menubar.copy-report");
+    EXPECT_EQ(copied.size(), 1U);
+    EXPECT_EQ(lastAction(), "Copied a performance report to the clipboard.");
+}
+
+TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
+    QStringList titles;
+    for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
+        titles.append(entry.title());
+    }
+    EXPECT_EQ(
+        titles,
+        QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
+                     QStringLiteral("Disable Auto Select"), QStringLiteral("Settings"),
+                     QStringLiteral("Refresh"), QStringLiteral("Copy Report"),
+                     QStringLiteral("Export Diagnostics"), QStringLiteral("Purge File Caches"),
+                     QStringLiteral("Quit Top App"), QStringLiteral("Expand Dashboard Sections"),
+                     QStringLiteral("Collapse Dashboard Sections"),
+                     QStringLiteral("Quit Tallowcrest")}));
+    QStringList onPanel;
+    for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
+        onPanel.append(button->text());
+        EXPECT_FALSE(button->objectName().isEmpty());
+        EXPECT_EQ(button->accessibleName(), button->text());
+    }
+    EXPECT_EQ(onPanel, titles);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,177 @@
+#include "presentation/shell/page_header.h"
+
+#include <algorithm>
+#include <map>
+
+#include <QPushButton>
+
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+class PageHeaderTest : public WindowFixture {
+protected:
+    QStringList headerButtons() {
+        QStringList titles;
+        std::vector<QPushButton*> buttons;
+        const QWidget* header = visible("page.refresh")->parentWidget();
+        for (auto* button : header->findChildren<QPushButton*>()) {
+            if (button->isVisible()) {
+                buttons.push_back(button);
+            }
+        }
+        std::sort(buttons.begin(), buttons.end(),
+                  [](const auto* a, const auto* b) { return a->x() < b->x(); });
+        for (const QPushButton* button : buttons) {
+            titles.append(button->text());
+        }
+        return titles;
+    }
+};
+
+TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
+    const std::map<AppRoute, std::string> expected{
+        {AppRoute::overview, "Review Cleanup|Refresh"},
+        {AppRoute::load, "Select Top|Activity|Refresh"},
+        {AppRoute::optimize, "Select Top|Top App|Purge|Activity|Refresh"},
+        {AppRoute::optimizationSuggestions, "Refresh"},
+        {AppRoute::aiAdvisor, "Open Chat|Refresh"},
+        {AppRoute::chat, "Refresh"},
+        {AppRoute::remoteMacs, "Refresh"},
+        {AppRoute::history, "Copy Report|Export|Refresh"},
+        {AppRoute::settings, "Open Settings Sheet|Refresh"}};
+    ASSERT_EQ(expected.size(), allAppRoutes.size());
+    showWithSample();
+    // There and back, as each route clears away what another one put there.
+    for (const bool isForward : {true, false}) {
+        for (std::size_t i = 0; i < allAppRoutes.size(); ++i) {
+            const AppRoute each = allAppRoutes.at(isForward ? i : allAppRoutes.size() - 1 - i);
+            goTo(each);
+            EXPECT_EQ(headerButtons().join(u'|').toStdString(), expected.at(each))
+                << rawValue(each);
+        }
+    }
+}
+
+TEST_F(PageHeaderTest, OpenChatGoesThere) {
+    showWithSample();
+    goTo(AppRoute::aiAdvisor);
+    auto* button = window().findChild<QPushButton*>(QStringLiteral("aiAdvisor.open-chat"));
+    ASSERT_NE(button, nullptr);
+    button->click();
+    settle();
+    EXPECT_EQ(machine.monitor().navigation().selectedRoute(), AppRoute::chat);
+}
+
+TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
+    showWithSample();
+    for (const int width : {640, 900, 1080, 1600}) {
+        window().resize(width, 700);
+        for (const AppRoute each : allAppRoutes) {
+            goTo(each);
+            const QWidget* title = visible("page.title");
+            const QWidget* subtitle = visible("page.subtitle");
+            for (const QWidget* button : title->parentWidget()->findChildren<QPushButton*>()) {
+                EXPECT_EQ(button->geometry().center().y(), title->geometry().center().y());
+                EXPECT_GT(button->x(), title->geometry().right());
+                EXPECT_LT(button->geometry().bottom(), subtitle->y());
+            }
+            const auto lines = visible<ElidedLabel>("page.subtitle")->shownLines();
+            EXPECT_EQ(lines, QStringList(textOf("page.subtitle"))) << width << rawValue(each);
+            EXPECT_EQ(visible<ElidedLabel>("page.title")->shownLines(),
+                      QStringList(textOf("page.title")))
+                << width << rawValue(each);
+        }
+    }
+}
+
+TEST_F(PageHeaderTest, WhereRoomIsScarceTheIconsGoAndTheWordsStay) {
+    window().resize(640, 480);
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto* purge = visible<QPushButton>("optimize.purge");
+    EXPECT_TRUE(purge->icon().isNull());
+    EXPECT_TRUE(visible<QPushButton>("page.refresh")->icon().isNull());
+    EXPECT_EQ(headerButtons().join(u'|').toStdString(),
+              "Select Top|Top App|Purge|Activity|Refresh");
+    window().resize(1080, 720);
+    settle();
+    EXPECT_FALSE(purge->icon().isNull());
+    EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
+    window().resize(640, 480);
+    goTo(AppRoute::history);
+    EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
+}
+
+TEST_F(PageHeaderTest, IconsChangeWithTheFoldAlone) {
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto icon = [this] { return visible<QPushButton>("optimize.purge")->icon().cacheKey(); };
+    for (const int width : {1080, 640}) {
+        window().resize(width, 720);
+        settle();
+        const qint64 before = icon();
+        window().resize(width + 1, 720);
+        settle();
+        EXPECT_EQ(icon(), before) << width;
+    }
+}
+
+TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
+    showWithSample();
+    goTo(AppRoute::optimize);
+    const auto* purge = visible<QPushButton>("optimize.purge");
+    int width = 820;
+    for (; !purge->icon().isNull(); --width) {
+        window().resize(width - 1, 720);
+        settle();
+    }
+    window().resize(width + 1, 720);
+    settle();
+    ASSERT_FALSE(purge->icon().isNull()) << "the narrowest that has room for them";
+    QFont larger = purge->font();
+    larger.setPointSizeF(1.5 * larger.pointSizeF());
+    purge->parentWidget()->setFont(larger);
+    settle();
+    EXPECT_TRUE(purge->icon().isNull());
+}
+
+TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
+    showWithSample();
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    // Without a turn of Qt's own loop, in which deleted things linger.
+    machine.mainQueue.drain();
+    EXPECT_EQ(visible("overview.review-cleanup"), nullptr);
+}
+
+TEST_F(PageHeaderTest, ReviewCleanupGoesToOptimize) {
+    showWithSample();
+    click("overview.review-cleanup");
+    EXPECT_EQ(route(), AppRoute::optimize);
+    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+}
+
+TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
+    int opened = 0;
+    machine.extensions.openActivityMonitor = [&opened] {
+        ++opened;
+        return true;
+    };
+    showWithSample();
+    goTo(AppRoute::optimize);
+    click("optimize.select-top");
+    EXPECT_EQ(selectedPID(), 800);
+    machine.monitor().review().clearOperationTarget();
+    click("optimize.top-app");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
+    click("optimize.activity");
+    EXPECT_EQ(opened, 1);
+    click("optimize.purge");
+    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+    EXPECT_EQ(machine.actions.cachePurge->count, 0);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/widgets/tab_strip.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+
+/// A window, and its settings sheet.
+class SettingsFixture : public WindowFixture {
+protected:
+    Navigation& navigation() { return machine.monitor().navigation(); }
+    const Settings& settings() { return machine.monitor().settings(); }
+
+    bool isOpen() {
+        const auto* found = window().findChild<SettingsSheet*>();
+        return found != nullptr && found->isVisible();
+    }
+    SettingsSheet& sheet() { return *window().findChild<SettingsSheet*>(); }
+    TabStrip& strip() { return *sheet().findChild<TabStrip*>(); }
+    StripTab& currentTab() {
+        return *strip().tabs().at(static_cast<std::size_t>(strip().currentIndex()));
+    }
+
+    void openSheet(const std::string& tab) {
+        if (!window().isVisible()) {
+            showWithSample();
+        }
+        navigation().setSettingsTab(tab);
+        navigation().setShowSettings(true);
+        settle();
+        ASSERT_TRUE(isOpen());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet()));
+    }
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,357 @@
+#include <set>
+
+#include <QAccessible>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTableView>
+
+#include "presentation/shell/sidebar.h"
+#include "presentation/widgets/card.h"
+#include "tests/presentation/window_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+std::string nameOf(const QWidget& widget) {
+    return std::string(widget.metaObject()->className()) + " \"" +
+           widget.objectName().toStdString() + "\" (" + widget.accessibleName().toStdString() + ")";
+}
+
+/// What a scroll area shows may be taller than the area, but never wider.
+bool isScrolled(const QWidget& widget) {
+    const auto* area = widget.parentWidget() == nullptr
+                           ? nullptr
+                           : qobject_cast<QScrollArea*>(widget.parentWidget()->parentWidget());
+    return area != nullptr && area->widget() == &widget;
+}
+
+std::string boxOf(const QRect& box) {
+    return "[" + std::to_string(box.left()) + ", " + std::to_string(box.top()) + "; " +
+           std::to_string(box.width()) + " x " + std::to_string(box.height()) + "]";
+}
+
+void expectInsideParent(const QWidget& widget) {
+    const QRect room = widget.parentWidget()->rect();
+    const QRect taken = widget.geometry();
+    if (isScrolled(widget)) {
+        EXPECT_LE(taken.width(), room.width()) << nameOf(widget);
+        return;
+    }
+    EXPECT_TRUE(room.contains(taken)) << nameOf(widget) << " takes " << boxOf(taken) << " of "
+                                      << nameOf(*widget.parentWidget()) << boxOf(room);
+}
+
+/// Nothing is squeezed below what it says that it needs.
+void expectItsRoom(const QWidget& widget) {
+    const QSize needed = widget.minimumSizeHint();
+    const bool wrapsTexts = widget.layout() != nullptr && widget.layout()->hasHeightForWidth();
+    EXPECT_GE(widget.width(), needed.width()) << nameOf(widget);
+    EXPECT_GE(widget.height(),
+              wrapsTexts ? widget.layout()->minimumHeightForWidth(widget.width()) : needed.height())
+        << nameOf(widget);
+}
+
+class WindowLayoutTest : public WindowFixture {
+protected:
+    std::vector<QWidget*> visibleWidgets() {
+        std::vector<QWidget*> found;
+        for (QWidget* each : window().findChildren<QWidget*>()) {
+            if (each->isVisible() && !each->isWindow()) {
+                found.push_back(each);
+            }
+        }
+        return found;
+    }
+
+    template <class Kind>
+    std::vector<Kind*> visibleOf() {
+        std::vector<Kind*> found;
+        for (QWidget* each : visibleWidgets()) {
+            if (auto* kind = qobject_cast<Kind*>(each)) {
+                found.push_back(kind);
+            }
+        }
+        return found;
+    }
+
+    void show900x600() {
+        window().resize(900, 600);
+        showWithSample();
+    }
+};
+
+// Sizes ------------------------------------------------------------------------------------------
+
+/// A size that a failing test can print.
+struct WindowSize {
+    int width;
+    int height;
+
+    operator QSize() const { return {width, height}; }  // NOLINT(google-explicit-constructor)
+    friend std::ostream& operator<<(std::ostream& out, const WindowSize& size) {
+        return out << size.width << 'x' << size.height;
+    }
+};
+
+class WindowLayoutAtSize : public WindowLayoutTest,
+                           public testing::WithParamInterface<WindowSize> {};
+
+TEST_P(WindowLayoutAtSize, NothingIsCutOffOnAnyRoute) {
+    window().resize(QSize(GetParam()));
+    showWithSample();
+    ASSERT_EQ(window().size(), QSize(GetParam()));
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        SCOPED_TRACE(std::string(title(each)));
+        for (const QWidget* widget : visibleWidgets()) {
+            expectInsideParent(*widget);
+        }
+        for (const QPushButton* button : visibleOf<QPushButton>()) {
+            EXPECT_GE(button->width(), button->sizeHint().width()) << nameOf(*button);
+            EXPECT_GE(button->height(), button->sizeHint().height()) << nameOf(*button);
+        }
+        for (const Card* card : visibleOf<Card>()) {
+            expectItsRoom(*card);
+        }
+        for (const ElidedLabel* label : visibleOf<ElidedLabel>()) {
+            expectItsRoom(*label);
+        }
+    }
+}
+
+TEST_P(WindowLayoutAtSize, ResizingThereFromElsewhereEndsTheSame) {
+    window().resize(1600, 1000);
+    showWithSample();
+    window().resize(QSize(GetParam()));
+    settle();
+    ASSERT_EQ(window().size(), QSize(GetParam()));
+    for (const QWidget* widget : visibleWidgets()) {
+        expectInsideParent(*widget);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, WindowLayoutAtSize,
+                         testing::Values(WindowSize{640, 480}, WindowSize{700, 500},
+                                         WindowSize{859, 600}, WindowSize{900, 600},
+                                         WindowSize{1080, 720}, WindowSize{1600, 1000}),
+                         [](const auto& tested) { return testing::PrintToString(tested.param); });
+
+TEST_F(WindowLayoutTest, TheWindowIsNeverSmallerThanItsContentNeeds) {
+    window().resize(100, 100);
+    showWithSample();
+    EXPECT_EQ(window().size(), QSize(640, 480));
+}
+
+TEST_F(WindowLayoutTest, NoTextIsCutAt900x600) {
+    show900x600();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        for (const ElidedLabel* label : visibleOf<ElidedLabel>()) {
+            const QStringList lines = label->shownLines();
+            if (!lines.isEmpty() && !label->text().endsWith(u'…')) {
+                EXPECT_FALSE(lines.last().endsWith(u'…')) << label->text().toStdString();
+            }
+        }
+    }
+}
+
+TEST_F(WindowLayoutTest, TheGaugesShareOneRowWhereThereIsRoomAndTwoElse) {
+    show900x600();
+    const auto rowsOfGauges = [this] {
+        std::set<int> tops;
+        for (const Card* card : visible("overview.gauges")->findChildren<Card*>()) {
+            tops.insert(card->y());
+        }
+        return tops.size();
+    };
+    EXPECT_EQ(rowsOfGauges(), 1U);
+    window().resize(640, 480);
+    settle();
+    EXPECT_EQ(rowsOfGauges(), 2U);
+    window().resize(900, 600);
+    settle();
+    EXPECT_EQ(rowsOfGauges(), 1U);
+}
+
+TEST_F(WindowLayoutTest, TheSidebarFoldsWhenTheWindowIsNarrow) {
+    window().resize(860, 600);
+    showWithSample();
+    const auto* sidebar = window().findChild<Sidebar*>();
+    const auto* row = visible<SidebarRow>("sidebar.load");
+    const int unfolded = sidebar->width();
+    EXPECT_TRUE(row->toolTip().isEmpty());
+    window().resize(859, 600);
+    settle();
+    EXPECT_LT(sidebar->width(), unfolded / 2);
+    EXPECT_EQ(row->toolTip(), QStringLiteral("Processes"));
+    EXPECT_EQ(row->accessibleName(), QStringLiteral("Processes"));
+    window().resize(860, 600);
+    settle();
+    EXPECT_EQ(sidebar->width(), unfolded);
+}
+
+TEST_F(WindowLayoutTest, ANewSampleMovesNothing) {
+    show900x600();
+    const auto sample = [this](double cpu, double pressure, double usedGB) {
+        machine.metrics->processes[0].cpu = cpu;
+        machine.metrics->memory.pressure = pressure;
+        machine.metrics->memory.usedGB = usedGB;
+        machine.metrics->memory.freeGB = 16.0 - usedGB;
+        tick();
+    };
+    for (const AppRoute each : {AppRoute::overview, AppRoute::load}) {
+        goTo(each);
+        sample(400.0, 100.0, 15.9);
+        std::vector<std::pair<QWidget*, QRect>> before;
+        for (QWidget* widget : visibleWidgets()) {
+            if (qobject_cast<QScrollBar*>(widget) == nullptr) {
+                before.emplace_back(widget, widget->geometry());
+            }
+        }
+        const auto expectNothingMoved = [&before] {
+            for (const auto& [widget, geometry] : before) {
+                if (widget->isVisible()) {
+                    EXPECT_EQ(boxOf(widget->geometry()), boxOf(geometry)) << nameOf(*widget);
+                }
+            }
+        };
+        sample(355.0, 86.0, 9.1);
+        expectNothingMoved();
+        sample(400.0, 100.0, 15.9);
+        expectNothingMoved();
+    }
+}
+
+TEST_F(WindowLayoutTest, CalmAndTroubleLeaveTheBlocksOfTheOverviewWhereTheyAre) {
+    show900x600();
+    const auto sample = [this](double cpu, double pressure) {
+        machine.metrics->processes[0].cpu = cpu;
+        machine.metrics->memory.pressure = pressure;
+        tick();
+    };
+    // Only a recommendation that there was no room for moves what lies below it.
+    sample(400.0, 100.0);
+    std::vector<std::pair<Card*, QRect>> before;
+    for (Card* card : visibleOf<Card>()) {
+        before.emplace_back(card, card->geometry());
+    }
+    ASSERT_GE(before.size(), 9U);
+    for (const double pressure : {50.0, 75.0, 100.0}) {
+        sample(4.0 * pressure, pressure);
+        for (const auto& [card, geometry] : before) {
+            EXPECT_EQ(boxOf(card->geometry()), boxOf(geometry)) << nameOf(*card);
+        }
+    }
+}
+
+// Assistive technology and the keyboard ----------------------------------------------------------
+
+TEST_F(WindowLayoutTest, EveryControlHasANameADescriptionAndAnIdentifier) {
+    show900x600();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        std::vector<QWidget*> controls;
+        for (QWidget* widget : visibleWidgets()) {
+            const bool belongsToAField =
+                qobject_cast<QLineEdit*>(widget->parentWidget()) != nullptr;
+            if ((qobject_cast<QAbstractButton*>(widget) != nullptr && !belongsToAField) ||
+                qobject_cast<QLineEdit*>(widget) != nullptr ||
+                qobject_cast<QTableView*>(widget) != nullptr) {
+                controls.push_back(widget);
+            }
+        }
+        EXPECT_GE(controls.size(), 10U) << "nine routes and Refresh";
+        std::set<QString> identifiers;
+        for (const QWidget* control : controls) {
+            EXPECT_FALSE(control->accessibleName().isEmpty()) << nameOf(*control);
+            EXPECT_FALSE(control->accessibleDescription().isEmpty()) << nameOf(*control);
+            EXPECT_FALSE(control->objectName().isEmpty()) << nameOf(*control);
+            EXPECT_TRUE(identifiers.insert(control->objectName()).second) << nameOf(*control);
+        }
+        for (const Card* card : visibleOf<Card>()) {
+            EXPECT_FALSE(card->accessibleName().isEmpty()) << nameOf(*card);
+            EXPECT_FALSE(card->objectName().isEmpty()) << nameOf(*card);
+        }
+    }
+}
+
+TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
+    show900x600();
+    QAccessibleInterface* spoken =
+        QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Routes"));
+    EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
+}
+
+TEST_F(WindowLayoutTest, EvenTheButtonsWithinAFieldHaveNames) {
+    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    machine.monitor().navigation().setProcessFilter("editor");
+    show900x600();
+    const auto buttons = visible<QLineEdit>("processes.filter")->findChildren<QAbstractButton*>();
+    ASSERT_EQ(buttons.size(), 2);
+    for (QAbstractButton* button : buttons) {
+        QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(button);
+        ASSERT_NE(spoken, nullptr);
+        EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty());
+    }
+}
+
+TEST_F(WindowLayoutTest, EveryFocusableControlIsReachedByTab) {
+    show900x600();
+    for (const AppRoute each : {AppRoute::overview, AppRoute::load, AppRoute::history}) {
+        goTo(each);
+        SCOPED_TRACE(std::string(title(each)));
+        const QString selected =
+            QStringLiteral("sidebar.") + QString::fromUtf8(rawValue(each).data());
+        visible(selected.toLatin1().constData())->setFocus(Qt::TabFocusReason);
+        std::set<const QWidget*> reached;
+        for (int presses = 0; presses < 40; ++presses) {
+            reached.insert(QApplication::focusWidget());
+            press(Qt::Key_Tab);
+        }
+        for (const QWidget* widget : visibleWidgets()) {
+            // Of a group of which one is chosen, Tab reaches that one and arrow keys the others.
+            const bool isOtherRoute = qobject_cast<const SidebarRow*>(widget) != nullptr &&
+                                      widget->objectName() != selected;
+            const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) != 0 &&
+                                  widget->isEnabled() && widget->focusProxy() == nullptr;
+            if (takesTab && !isOtherRoute && qobject_cast<const QMenuBar*>(widget) == nullptr) {
+                EXPECT_TRUE(reached.contains(widget)) << nameOf(*widget);
+            }
+        }
+    }
+}
+
+TEST_F(WindowLayoutTest, TabGoesThroughTheControlsAsTheEyeDoes) {
+    show900x600();
+    goTo(AppRoute::load);
+    visible("sidebar.load")->setFocus(Qt::TabFocusReason);
+    QStringList order;
+    for (int presses = 0; presses < 9; ++presses) {
+        order.append(QApplication::focusWidget()->objectName());
+        press(Qt::Key_Tab);
+    }
+    EXPECT_EQ(order.join(u' '),
+              QStringLiteral("sidebar.load load.select-top load.activity page.refresh "
+                             "target.choose processes.select-top-row processes.activity-monitor "
+                             "processes.filter processes.table"));
+}
+
+TEST_F(WindowLayoutTest, FocusIsNotLostWhenItsButtonGoesAway) {
+    show900x600();
+    visible("overview.review-cleanup")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    ASSERT_EQ(route(), AppRoute::optimize);
+    const QWidget* focus = QApplication::focusWidget();
+    ASSERT_NE(focus, nullptr);
+    EXPECT_TRUE(focus->isVisible());
+}
+
+}  // namespace
+}  // namespace tallowcrest

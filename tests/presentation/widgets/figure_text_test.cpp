@@ -1,0 +1,101 @@
+#include "presentation/widgets/figure_text.h"
+
+#include <utility>
+
+#include <QFontMetrics>
+#include <QImage>
+#include <QPainter>
+#include <gmock/gmock.h>
+
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+TEST(UnitStart, SplitsAFigureFromItsUnit) {
+    const std::pair<QString, QString> cases[] = {
+        {QStringLiteral("34%"), QStringLiteral("34")},
+        {QStringLiteral("12.3 GB"), QStringLiteral("12.3")},
+        {QStringLiteral("1,023 MB"), QStringLiteral("1,023")},
+        {QStringLiteral("1.023,5 KB"), QStringLiteral("1.023,5")},
+        {QStringLiteral("1\u202f023,5\u00a0MB"), QStringLiteral("1\u202f023,5")},
+        {QStringLiteral("-4%"), QStringLiteral("-4")},
+        {QStringLiteral("\u0663\u0664%"), QStringLiteral("\u0663\u0664")},
+    };
+    for (const auto& [text, figure] : cases) {
+        EXPECT_EQ(text.left(unitStart(text)), figure) << text.toStdString();
+    }
+}
+
+TEST(UnitStart, LeavesWhatIsNoFigureWhole) {
+    for (const QString& text :
+         {QString(), QStringLiteral("%"), QStringLiteral(" GB"), QStringLiteral("–"),
+          QStringLiteral("12"), QStringLiteral("8 apps"), QStringLiteral("None yet"),
+          QStringLiteral("Disk 3 GB"), QStringLiteral("3 GB free"), QStringLiteral("1 GB 2 GB"),
+          QStringLiteral(".%")}) {
+        EXPECT_EQ(unitStart(text), text.size()) << text.toStdString();
+    }
+}
+
+class DrawFigureTest : public testing::Test {
+protected:
+    QImage drawn(Qt::Alignment alignment, const QString& text) {
+        QImage image(room.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setFont(font);
+        drawFigure(painter, room, alignment, text, Qt::red, Qt::blue);
+        return image;
+    }
+
+    /// The first and the last column where one colour is darker than the others.
+    std::pair<int, int> columnsOf(const QImage& image, bool red) {
+        int first = image.width();
+        int last = -1;
+        for (int x = 0; x < image.width(); ++x) {
+            for (int y = 0; y < image.height(); ++y) {
+                const QColor color = image.pixelColor(x, y);
+                const int lead = color.red() - color.blue();
+                if ((red ? lead : -lead) > 40) {
+                    first = std::min(first, x);
+                    last = std::max(last, x);
+                }
+            }
+        }
+        return {first, last};
+    }
+
+    const QRect room{0, 0, 160, 32};
+    const QFont font = CrestFonts::current().title;
+};
+
+TEST_F(DrawFigureTest, PaintsTheUnitBehindTheFigureInItsOwnColor) {
+    const QImage image = drawn(Qt::AlignLeft, QStringLiteral("12.3 GB"));
+    const auto figure = columnsOf(image, true);
+    const auto unit = columnsOf(image, false);
+    EXPECT_LT(figure.first, 6);
+    EXPECT_GT(figure.second, figure.first + 10);
+    EXPECT_GT(unit.first, figure.second);
+    EXPECT_GT(unit.second, unit.first + 10);
+}
+
+TEST_F(DrawFigureTest, HasNoSecondColorWithoutAUnit) {
+    const QImage image = drawn(Qt::AlignLeft, QStringLiteral("8 apps"));
+    EXPECT_GT(columnsOf(image, true).second, 0);
+    EXPECT_EQ(columnsOf(image, false).second, -1);
+}
+
+TEST_F(DrawFigureTest, StandsWhereItsAlignmentSays) {
+    const QString text = QStringLiteral("88%");
+    const int width = QFontMetrics(font).horizontalAdvance(text);
+    EXPECT_LE(columnsOf(drawn(Qt::AlignLeft, text), false).second, width);
+    EXPECT_GE(columnsOf(drawn(Qt::AlignRight, text), true).first, room.width() - width - 1);
+    EXPECT_GE(columnsOf(drawn(Qt::AlignRight, text), false).second, room.width() - 6);
+    const QImage centred = drawn(Qt::AlignHCenter, text);
+    const int leftGap = columnsOf(centred, true).first;
+    const int rightGap = room.width() - 1 - columnsOf(centred, false).second;
+    EXPECT_NEAR(leftGap, rightGap, 4);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,161 @@
+#include "presentation/widgets/gauge_card.h"
+
+#include <limits>
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <gmock/gmock.h>
+
+#include "presentation/widgets/elided_label.h"
+#include "tests/presentation/widgets/paint_count.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(GaugeStateWord, ChangesAtItsTwoLimits) {
+    EXPECT_EQ(gaugeStateWord(0), "Normal");
+    EXPECT_EQ(gaugeStateWord(69.9), "Normal");
+    EXPECT_EQ(gaugeStateWord(70), "Elevated");
+    EXPECT_EQ(gaugeStateWord(84.9), "Elevated");
+    EXPECT_EQ(gaugeStateWord(85), "High");
+    EXPECT_EQ(gaugeStateWord(300), "High");
+    EXPECT_EQ(gaugeStateWord(-1), "Normal");
+    EXPECT_EQ(gaugeStateWord(nan), "Normal");
+}
+
+TEST(GaugeStateColor, GoesWithTheStateWord) {
+    const std::pair<double, ThemeColor> cases[] = {
+        {-1, &CrestTheme::good},    {0, &CrestTheme::good},       {69.9, &CrestTheme::good},
+        {70, &CrestTheme::caution}, {84.9, &CrestTheme::caution}, {85, &CrestTheme::bad},
+        {300, &CrestTheme::bad},    {nan, &CrestTheme::good},
+    };
+    for (const auto& [value, color] : cases) {
+        EXPECT_EQ(gaugeStateColor(value), color) << value;
+    }
+}
+
+TEST(GaugeRing, ShowsTheUnitInSecondaryColor) {
+    GaugeRing ring;
+    ring.setTint(QColor(Qt::white));
+    ring.setValue(88);
+    const QImage image = ring.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const CrestTheme& theme = CrestTheme::current();
+    int lastOfFigure = -1;
+    int lastOfUnit = -1;
+    for (int x = 24; x < 72; ++x) {
+        for (int y = 36; y < 60; ++y) {
+            const QColor color = image.pixelColor(x, y);
+            lastOfFigure = color == theme.text ? x : lastOfFigure;
+            lastOfUnit = color == theme.secondaryText ? x : lastOfUnit;
+        }
+    }
+    EXPECT_GT(lastOfFigure, 24);
+    EXPECT_GT(lastOfUnit, lastOfFigure);
+}
+
+TEST(GaugeCard, ClampsItsValue) {
+    GaugeCard card(QStringLiteral("CPU Load"));
+    const std::pair<double, double> cases[] = {
+        {-5, 0}, {0, 0}, {42.5, 42.5}, {100, 100}, {140, 100}};
+    for (const auto& [given, kept] : cases) {
+        card.setValue(given);
+        EXPECT_EQ(card.value(), kept) << given;
+    }
+    card.setValue(nan);
+    EXPECT_EQ(card.value(), 0);
+}
+
+TEST(GaugeCard, SaysItsContentToAssistiveTechnology) {
+    GaugeCard card(QStringLiteral("Memory Pressure"));
+    card.setValue(70.6);
+    card.setDetail(QStringLiteral("11.3 GB used of 16.0 GB"));
+    EXPECT_EQ(card.accessibleName(), "Memory Pressure");
+    EXPECT_EQ(card.accessibleDescription(), "71%, Elevated, 11.3 GB used of 16.0 GB");
+
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(spoken->text(QAccessible::Value), "71%, Elevated, 11.3 GB used of 16.0 GB");
+    ASSERT_NE(spoken->valueInterface(), nullptr);
+    EXPECT_NEAR(spoken->valueInterface()->currentValue().toDouble(), 70.6, 1e-9);
+}
+
+TEST(GaugeCard, KeepsItsSizeWhateverTheFigures) {
+    GaugeCard card(QStringLiteral("CPU Load"));
+    card.setDetail(QStringLiteral("1.0% normalized across cores"));
+    card.setValue(1);
+    const QSize before = card.sizeHint();
+    card.setValue(100);
+    card.setDetail(QStringLiteral("100.0% normalized across cores"));
+    EXPECT_EQ(card.sizeHint().height(), before.height());
+}
+
+TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
+    QWidget row;
+    auto* layout = new QHBoxLayout(&row);
+    auto* shortTitle = new GaugeCard(QStringLiteral("CPU"));
+    auto* longTitle = new GaugeCard(QStringLiteral("A title that wraps beside its ring"));
+    shortTitle->setDetail(QStringLiteral("100.0% normalized across all of the cores of this Mac"));
+    longTitle->setDetail(QStringLiteral("None"));
+    for (GaugeCard* card : {shortTitle, longTitle}) {
+        card->setValue(1);
+        layout->addWidget(card, 1);
+    }
+    const auto wordOf = [&row](const GaugeCard& card) {
+        for (const ElidedLabel* label : card.findChildren<ElidedLabel*>()) {
+            if (label->text() == QStringLiteral("Normal")) {
+                return label->mapTo(&row, QPoint()).y();
+            }
+        }
+        return -1;
+    };
+    row.show();
+    for (const int width : {520, 640, 1100}) {
+        row.resize(width, row.heightForWidth(width));
+        QApplication::processEvents();
+        EXPECT_GT(wordOf(*shortTitle), 0);
+        EXPECT_EQ(wordOf(*shortTitle), wordOf(*longTitle)) << width;
+    }
+}
+
+TEST(GaugeRing, RepaintsOnlyWhatCanBeSeenToChange) {
+    GaugeRing ring;
+    ring.setValue(42);
+    showUnseen(ring);
+    PaintCount paints(ring);
+    ring.setValue(42.01);
+    EXPECT_EQ(paints.take(), 0);
+    ring.setValue(43);
+    EXPECT_EQ(paints.take(), 1);
+    ring.setTint(&CrestTheme::accent);
+    EXPECT_EQ(paints.take(), 0);
+    ring.setTint(&CrestTheme::bad);
+    EXPECT_EQ(paints.take(), 1);
+}
+
+TEST(GaugeRing, IsFilledToItsValueInItsTint) {
+    GaugeRing ring;
+    ring.setTint(QColor(Qt::magenta));
+    const auto tinted = [&ring](double value) {
+        ring.setValue(value);
+        const QImage image = ring.grab().toImage();
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                count += image.pixelColor(x, y) == QColor(Qt::magenta) ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    const int full = tinted(100);
+    const int half = tinted(50);
+    EXPECT_EQ(tinted(0), 0);
+    EXPECT_GT(full, 400);
+    EXPECT_NEAR(half, full / 2, full / 10);
+    EXPECT_EQ(tinted(140), full);
+}
+
+}  // namespace
+}  // namespace tallowcrest

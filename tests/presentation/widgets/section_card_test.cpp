@@ -1,0 +1,177 @@
+#include "presentation/widgets/section_card.h"
+
+#include <QAccessible>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+#include <gtest/gtest.h>
+
+#include "presentation/widgets/card_grid.h"
+#include "presentation/widgets/elided_label.h"
+#include "tests/presentation/widgets/paint_count.h"
+
+namespace tallowcrest {
+namespace {
+
+class SectionCardTest : public testing::Test {
+protected:
+    SectionCardTest() {
+        content = new ElidedLabel(QStringLiteral("Content"), &CrestFonts::body, &CrestTheme::text);
+        content->setFixedHeight(100);
+        card.bodyLayout()->addWidget(content);
+        card.resize(300, 200);
+        showUnseen(card);
+    }
+
+    QAccessible::State spokenState() {
+        return QAccessible::queryAccessibleInterface(card.header())->state();
+    }
+
+    SectionCard card{QStringLiteral("clock"), QStringLiteral("Title")};
+    ElidedLabel* content = nullptr;
+};
+
+TEST_F(SectionCardTest, IsOpenAtFirstAndNamedAfterItsTitle) {
+    EXPECT_FALSE(card.isCollapsed());
+    EXPECT_TRUE(content->isVisible());
+    EXPECT_EQ(card.accessibleName(), QStringLiteral("Title"));
+}
+
+TEST_F(SectionCardTest, ClosedItKeepsHeaderAndCaptionAlone) {
+    card.setSectionCaption(QStringLiteral("Caption"));
+    const int open = card.sizeHint().height();
+    card.setCollapsed(true);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(content->isVisible());
+    EXPECT_TRUE(card.header()->isVisible());
+    bool hasCaption = false;
+    for (const ElidedLabel* label : card.findChildren<ElidedLabel*>()) {
+        hasCaption =
+            hasCaption || (label->isVisible() && label->text() == QStringLiteral("Caption"));
+    }
+    EXPECT_TRUE(hasCaption);
+    const int withCaption = card.sizeHint().height();
+    EXPECT_LT(withCaption, open - 100);
+    card.setSectionCaption(QString());
+    QCoreApplication::processEvents();
+    EXPECT_LT(card.sizeHint().height(), withCaption);
+    EXPECT_EQ(card.sizeHint().height(), card.header()->height());
+    card.setCollapsed(false);
+    EXPECT_TRUE(content->isVisible());
+}
+
+TEST_F(SectionCardTest, OnlyAsksForAChangeAndWaitsForTheAnswer) {
+    const QSignalSpy wanted(card.header(), &SectionHeader::collapseWanted);
+    QTest::mouseClick(card.header(), Qt::LeftButton, {}, {250, 20});
+    ASSERT_EQ(wanted.count(), 1);
+    EXPECT_TRUE(wanted.at(0).at(0).toBool());
+    EXPECT_FALSE(card.isCollapsed());
+}
+
+TEST_F(SectionCardTest, KeysCloseAndOpen) {
+    QObject::connect(card.header(), &SectionHeader::collapseWanted, &card,
+                     &SectionCard::setCollapsed);
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        QTest::keyClick(card.header(), key);
+        EXPECT_TRUE(card.isCollapsed()) << key;
+        QTest::keyClick(card.header(), key);
+        EXPECT_FALSE(card.isCollapsed()) << key;
+    }
+    QTest::keyClick(card.header(), Qt::Key_Right);
+    EXPECT_FALSE(card.isCollapsed());
+    QTest::keyClick(card.header(), Qt::Key_Left);
+    EXPECT_TRUE(card.isCollapsed());
+    QTest::keyClick(card.header(), Qt::Key_Left);
+    EXPECT_TRUE(card.isCollapsed());
+    QTest::keyClick(card.header(), Qt::Key_Right);
+    EXPECT_FALSE(card.isCollapsed());
+}
+
+TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(card.header());
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Button);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Title"));
+    EXPECT_TRUE(spokenState().expandable);
+    EXPECT_TRUE(spokenState().expanded);
+    EXPECT_FALSE(spokenState().collapsed);
+    const QString whenOpen = spoken->text(QAccessible::Description);
+
+    card.setCollapsed(true);
+    EXPECT_TRUE(spokenState().expandable);
+    EXPECT_FALSE(spokenState().expanded);
+    EXPECT_TRUE(spokenState().collapsed);
+    EXPECT_NE(spoken->text(QAccessible::Description), whenOpen);
+    card.header()->setNote(QStringLiteral("2 more"));
+    EXPECT_TRUE(spoken->text(QAccessible::Description).startsWith(QStringLiteral("2 more. ")));
+
+    const QSignalSpy wanted(card.header(), &SectionHeader::collapseWanted);
+    ASSERT_NE(spoken->actionInterface(), nullptr);
+    EXPECT_TRUE(spoken->actionInterface()->actionNames().contains(
+        QAccessibleActionInterface::pressAction()));
+    spoken->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_EQ(wanted.count(), 1);
+    EXPECT_FALSE(wanted.at(0).at(0).toBool());
+}
+
+TEST_F(SectionCardTest, AssistiveTechnologyReadsAGroupInTheOrderOfTheEye) {
+    card.setSectionCaption(QStringLiteral("Caption"));
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Title"));
+    ASSERT_EQ(spoken->childCount(), 3);
+    EXPECT_EQ(spoken->child(0)->text(QAccessible::Name), QStringLiteral("Title"));
+    EXPECT_EQ(spoken->child(1)->text(QAccessible::Name), QStringLiteral("Caption"));
+    EXPECT_EQ(spoken->child(2)->object(), card.body());
+}
+
+TEST_F(SectionCardTest, WhatIsClosedIsNotPainted) {
+    PaintCount paints(*content);
+    content->setText(QStringLiteral("Other content"));
+    EXPECT_GT(paints.take(), 0);
+    card.setCollapsed(true);
+    static_cast<void>(paints.take());
+    content->setText(QStringLiteral("Yet other content"));
+    content->update();
+    EXPECT_EQ(paints.take(), 0);
+}
+
+TEST(CardGrid, FillsItsRowsEvenly) {
+    struct Case {
+        int count;
+        int width;
+        int columns;
+    };
+    // Cards of 200 with a gap of 16.
+    for (const Case& each : {Case{4, 1000, 4}, Case{4, 848, 4}, Case{4, 847, 2}, Case{4, 632, 2},
+                             Case{5, 700, 3}, Case{5, 500, 2}, Case{3, 1000, 3}, Case{1, 1000, 1},
+                             Case{4, 100, 1}, Case{0, 500, 1}, Case{2, 0, 1}}) {
+        EXPECT_EQ(CardGrid::columnsFor(each.count, each.width, 200), each.columns)
+            << each.count << " in " << each.width;
+    }
+}
+
+TEST(CardGrid, ShowsTheFirstCardsAlone) {
+    CardGrid grid(100);
+    std::vector<QLabel*> cards;
+    for (int i = 0; i < 3; ++i) {
+        cards.push_back(new QLabel(QStringLiteral("card")));
+        grid.addCard(cards.back());
+    }
+    grid.setAttribute(Qt::WA_DontShowOnScreen);
+    grid.resize(400, 100);
+    grid.setShownCount(2);
+    grid.show();
+    EXPECT_TRUE(cards[0]->isVisible());
+    EXPECT_TRUE(cards[1]->isVisible());
+    EXPECT_FALSE(cards[2]->isVisible());
+    grid.setShownCount(3);
+    EXPECT_TRUE(cards[2]->isVisible());
+    grid.setShownCount(1);
+    EXPECT_FALSE(cards[1]->isVisible());
+}
+
+}  // namespace
+}  // namespace tallowcrest

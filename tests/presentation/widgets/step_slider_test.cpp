@@ -1,0 +1,168 @@
+#include "presentation/widgets/step_slider.h"
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <QAccessible>
+#include <QTest>
+#include <QWheelEvent>
+#include <gmock/gmock.h>
+
+#include "presentation/widgets/limit_row.h"
+#include "presentation/widgets/theme.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(SliderScale, ReachesBothEnds) {
+    for (const SliderScale& scale :
+         {SliderScale{5, 100, 5}, {7, 90, 1}, {0.5, 10, 0.5}, {65, 95, 1}}) {
+        EXPECT_DOUBLE_EQ(scale.valueAt(0), scale.minimum);
+        EXPECT_DOUBLE_EQ(scale.valueAt(scale.steps()), scale.maximum);
+        EXPECT_DOUBLE_EQ(scale.valueAt(1), scale.minimum + scale.step);
+        for (int i = 0; i <= scale.steps(); ++i) {
+            EXPECT_EQ(scale.nearestStep(scale.valueAt(i)), i);
+        }
+    }
+}
+
+TEST(SliderScale, AnyNumberHasANearestStep) {
+    constexpr SliderScale scale{5, 100, 5};
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(scale.nearestStep(12.4), 1);
+    EXPECT_EQ(scale.nearestStep(12.6), 2);
+    EXPECT_EQ(scale.nearestStep(-1e300), 0);
+    EXPECT_EQ(scale.nearestStep(1e300), scale.steps());
+    EXPECT_EQ(scale.nearestStep(infinity), scale.steps());
+    EXPECT_EQ(scale.nearestStep(-infinity), 0);
+    EXPECT_EQ(scale.nearestStep(std::nan("")), 0);
+}
+
+TEST(StepSlider, TellsWhatTheOwnerDoesAndNotWhatItIsTold) {
+    StepSlider slider({0.5, 10, 0.5});
+    std::vector<double> moved;
+    QObject::connect(&slider, &StepSlider::moved,
+                     [&moved](double value) { moved.push_back(value); });
+    slider.show(2.0);
+    EXPECT_THAT(moved, ElementsAre());
+    QTest::keyClick(&slider, Qt::Key_Right);
+    QTest::keyClick(&slider, Qt::Key_Left);
+    QTest::keyClick(&slider, Qt::Key_PageUp);
+    QTest::keyClick(&slider, Qt::Key_Home);
+    QTest::keyClick(&slider, Qt::Key_Home);
+    QTest::keyClick(&slider, Qt::Key_End);
+    EXPECT_THAT(moved, ElementsAre(2.5, 2.0, 2.5, 0.5, 10.0));
+}
+
+TEST(StepSlider, ADragTellsEachStepOnce) {
+    StepSlider slider({0, 10, 1});
+    slider.resize(200, slider.sizeHint().height());
+    slider.show(0);
+    slider.QWidget::show();
+    std::vector<double> moved;
+    QObject::connect(&slider, &StepSlider::moved,
+                     [&moved](double value) { moved.push_back(value); });
+    const int y = slider.height() / 2;
+    QTest::mousePress(&slider, Qt::LeftButton, Qt::NoModifier, {6, y});
+    for (int x = 6; x < 200; ++x) {
+        QTest::mouseMove(&slider, {x, y});
+    }
+    QTest::mouseRelease(&slider, Qt::LeftButton, Qt::NoModifier, {199, y});
+    EXPECT_THAT(moved, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
+}
+
+TEST(StepSlider, TheWheelBelongsToThePage) {
+    StepSlider slider({0, 10, 1});
+    slider.show(5);
+    QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(&slider, &wheel);
+    EXPECT_FALSE(wheel.isAccepted());
+    EXPECT_EQ(slider.value(), 5);
+}
+
+TEST(StepSlider, AssistiveTechnologyHasTheValuesOfTheScale) {
+    StepSlider slider({0.5, 10, 0.5});
+    slider.setAccessibleName(QStringLiteral("Maximum per run"));
+    slider.show(2.0);
+    slider.setValueText(QStringLiteral("2.0 GB"));
+    QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&slider);
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found->role(), QAccessible::Slider);
+    EXPECT_EQ(found->text(QAccessible::Name), QStringLiteral("Maximum per run"));
+    EXPECT_EQ(found->text(QAccessible::Value), QStringLiteral("2.0 GB"));
+    QAccessibleValueInterface* value = found->valueInterface();
+    ASSERT_NE(value, nullptr);
+    EXPECT_DOUBLE_EQ(value->currentValue().toDouble(), 2.0);
+    EXPECT_DOUBLE_EQ(value->minimumValue().toDouble(), 0.5);
+    EXPECT_DOUBLE_EQ(value->maximumValue().toDouble(), 10.0);
+    EXPECT_DOUBLE_EQ(value->minimumStepSize().toDouble(), 0.5);
+    value->setCurrentValue(1.5);
+    EXPECT_DOUBLE_EQ(slider.scale().valueAt(slider.value()), 1.5);
+}
+
+TEST(StepSlider, TheKnobCanBeToldFromItsCardInBothAppearances) {
+    const QPalette before = QApplication::palette();
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        QApplication::setPalette(paletteFor(appearance));
+        const CrestTheme& theme = CrestTheme::current();
+        StepSlider slider({0, 10, 1});
+        slider.resize(200, slider.sizeHint().height());
+        slider.show(10);
+        const QImage image = slider.grab().toImage();
+        // The filled groove left of the knob.
+        EXPECT_GE(contrastRatio(image.pixelColor(100, image.height() / 2), theme.cardBackground),
+                  4.5);
+    }
+    QApplication::setPalette(before);
+}
+
+// A row ------------------------------------------------------------------------------------------
+
+class LimitRowTest : public testing::Test {
+protected:
+    double field = 1.0;
+    std::vector<double> written;
+    LimitRow row{QStringLiteral("Maximum per run"),
+                 QStringLiteral("probe"),
+                 {0.5, 10, 0.5},
+                 {.read = [this] { return field; },
+                  .write =
+                      [this](double value) {
+                          written.push_back(value);
+                          field = std::min(value, 2.0);
+                      },
+                  .words = [](double value) { return QString::number(value); }}};
+    StepSlider& slider = *row.findChild<StepSlider*>();
+};
+
+TEST_F(LimitRowTest, WritesEachStepOnce) {
+    slider.setValue(2);
+    slider.setValue(2);
+    EXPECT_THAT(written, ElementsAre(1.5));
+    EXPECT_EQ(slider.valueText(), QStringLiteral("1.5"));
+}
+
+TEST_F(LimitRowTest, JumpsBackFromWhatTheFieldDoesNotTake) {
+    slider.setValue(slider.maximum());
+    EXPECT_THAT(written, ElementsAre(10.0));
+    EXPECT_EQ(slider.value(), 3);
+    EXPECT_EQ(slider.valueText(), QStringLiteral("2"));
+    slider.setValue(slider.maximum() - 1);
+    EXPECT_THAT(written, ElementsAre(10.0, 9.5)) << "what is no change is the field's to know";
+    EXPECT_EQ(slider.value(), 3);
+}
+
+TEST_F(LimitRowTest, ShowsAFieldThatLiesBetweenTwoStepsAsItIs) {
+    field = 1.2;
+    row.refresh();
+    EXPECT_EQ(slider.valueText(), QStringLiteral("1.2"));
+    EXPECT_EQ(slider.value(), 1);
+    EXPECT_THAT(written, ElementsAre());
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,222 @@
+#include <limits>
+
+#include <QApplication>
+#include <QImage>
+#include <QVBoxLayout>
+#include <gmock/gmock.h>
+
+#include "presentation/widgets/bar_list.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/summary_card.h"
+#include "tests/presentation/widgets/paint_count.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+QString spokenValue(QObject* object) {
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(object);
+    return spoken == nullptr ? QString() : spoken->text(QAccessible::Value);
+}
+
+TEST(ElidedLabel, NeverAsksForMoreRoomThanItCanUse) {
+    ElidedLabel label;
+    label.setText(QString(10000, u'W'));
+    EXPECT_LE(label.sizeHint().width(), 480);
+    EXPECT_LE(label.minimumSizeHint().width(), 40);
+    label.resize(120, 20);
+    ASSERT_EQ(label.shownLines().size(), 1);
+    EXPECT_TRUE(label.shownLines().first().endsWith(u'…'));
+    EXPECT_LT(label.shownLines().first().size(), 30);
+    EXPECT_EQ(label.accessibleName().size(), 10000);
+}
+
+TEST(ElidedLabel, WrapsUpToItsLinesAndElidesTheLast) {
+    ElidedLabel label;
+    label.setLines(1, 3);
+    label.setText(QStringLiteral("word ").repeated(2000));
+    label.resize(150, 80);
+    const QStringList lines = label.shownLines();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_FALSE(lines[0].contains(u'…'));
+    EXPECT_TRUE(lines[2].endsWith(u'…'));
+    label.setText(QStringLiteral("short"));
+    EXPECT_EQ(label.shownLines(), QStringList{QStringLiteral("short")});
+}
+
+TEST(ElidedLabel, KeepsReservedRoomForFigures) {
+    ElidedLabel label;
+    label.setReservedText(QStringLiteral("100%"));
+    label.setText(QStringLiteral("7%"));
+    const QSize before = label.sizeHint();
+    label.setText(QStringLiteral("99%"));
+    EXPECT_EQ(label.sizeHint(), before);
+    EXPECT_EQ(label.minimumSizeHint().width(), before.width());
+}
+
+TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
+    ElidedLabel label(QStringLiteral("CPU"), &CrestFonts::body, &CrestTheme::text);
+    showUnseen(label);
+    PaintCount paints(label);
+    label.setText(QStringLiteral("CPU"));
+    label.setColor(&CrestTheme::text);
+    EXPECT_EQ(paints.take(), 0);
+    label.setText(QStringLiteral("GPU"));
+    EXPECT_EQ(paints.take(), 1);
+}
+
+TEST(ElidedLabel, LaysNewFiguresOutAsALabelThatNeverHadOthers) {
+    const auto pattern = QStringLiteral("%1 GB free · Wired %2 GB · Compressed %3 GB, %4");
+    for (const int width : {60, 110, 150, 232, 600}) {
+        for (const int lines : {1, 2, 4}) {
+            ElidedLabel kept;
+            kept.setLines(1, lines);
+            kept.resize(width, 80);
+            for (int figure = 10; figure < 100; figure += 17) {
+                const QString text = pattern.arg(figure).arg(109 - figure).arg(figure).arg(11);
+                kept.setText(text);
+                ElidedLabel fresh;
+                fresh.setLines(1, lines);
+                fresh.resize(width, 80);
+                fresh.setText(text);
+                EXPECT_EQ(kept.shownLines(), fresh.shownLines())
+                    << width << " " << lines << " " << figure;
+                EXPECT_EQ(kept.sizeHint(), fresh.sizeHint());
+            }
+        }
+    }
+}
+
+TEST(ElidedLabel, PaintsTheGroundThatItIsGiven) {
+    ElidedLabel label;
+    label.resize(40, 20);
+    label.setGround(QColor(Qt::cyan));
+    QImage image(label.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    label.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    EXPECT_EQ(image.pixelColor(20, 10), QColor(Qt::cyan));
+    EXPECT_TRUE(label.testAttribute(Qt::WA_OpaquePaintEvent));
+}
+
+TEST(Card, NamesItselfAfterItsHeading) {
+    Card card;
+    card.setHeader(QStringLiteral("clock"), QStringLiteral("Recent Activity"));
+    EXPECT_EQ(card.accessibleName(), "Recent Activity");
+    const int before = card.sizeHint().height();
+    card.setCaption(QStringLiteral("The latest entries"));
+    EXPECT_GT(card.sizeHint().height(), before);
+}
+
+TEST(Card, PaintsItsGroundInTheThemesColourAndSwitchesLive) {
+    const QPalette before = QApplication::palette();
+    Card card;
+    card.resize(80, 80);
+    for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+        QApplication::setPalette(paletteFor(appearance));
+        QApplication::processEvents();
+        const QImage image = card.grab().toImage();
+        EXPECT_EQ(image.pixelColor(40, 40), CrestTheme::current().cardBackground);
+        EXPECT_EQ(image.pixelColor(40, 0), CrestTheme::current().hairline);
+        // The corner is rounded, so the page shows through.
+        EXPECT_EQ(image.pixelColor(0, 0), CrestTheme::current().pageBackground);
+    }
+    QApplication::setPalette(before);
+}
+
+TEST(SummaryCard, SaysItsThreeTexts) {
+    SummaryCard card(QStringLiteral("Never Quit"));
+    card.setValue(QStringLiteral("8 apps"));
+    EXPECT_EQ(card.accessibleDescription(), "8 apps");
+    card.setDetail(QStringLiteral("No custom app groups are protected yet."));
+    EXPECT_EQ(card.accessibleName(), "Never Quit");
+    EXPECT_EQ(spokenValue(&card), "8 apps, No custom app groups are protected yet.");
+}
+
+TEST(SummaryCard, IsNotWidenedByALongName) {
+    MetricCard card(QStringLiteral("Recurring Top App"));
+    const int before = card.minimumSizeHint().width();
+    card.setValue(QString(10000, u'W'));
+    card.setDetail(QString(10000, u'W'));
+    EXPECT_LE(card.minimumSizeHint().width(), std::max(before, 80));
+}
+
+TEST(BarList, KeepsItsHeightAsRowsComeAndGo) {
+    BarList list(QStringLiteral("Resident memory by app group"), 4, QStringLiteral("000.0 GB"));
+    list.setEmptyText(QStringLiteral("Sampling apps…"));
+    const QSize before = list.sizeHint();
+    EXPECT_EQ(spokenValue(&list), "Sampling apps…");
+    list.setRows({{QStringLiteral("firefox"), QStringLiteral("4.2 GB"), 1},
+                  {QStringLiteral("code"), QStringLiteral("1.0 GB"), 0.25}});
+    EXPECT_EQ(list.sizeHint(), before);
+    EXPECT_EQ(list.accessibleName(), "Resident memory by app group");
+    EXPECT_EQ(spokenValue(&list), "firefox 4.2 GB, code 1.0 GB");
+    list.setRows(std::vector<BarRow>(9));
+    EXPECT_EQ(list.rows().size(), 4U);
+}
+
+TEST(BarList, FillsEachBarToItsShare) {
+    BarList list(QStringLiteral("Bars"), 4, QStringLiteral("0"));
+    list.setTint(QColor(Qt::magenta));
+    list.resize(600, 96);
+    list.setRows({{QStringLiteral("a"), QStringLiteral("1"), 1},
+                  {QStringLiteral("b"), QStringLiteral("1"), 0.5},
+                  {QStringLiteral("c"), QStringLiteral("1"), nan},
+                  {QStringLiteral("d"), QStringLiteral("1"), 7}});
+    const QImage image = list.grab().toImage();
+    const auto filled = [&image](int row) {
+        int count = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            count += image.pixelColor(x, row * 24 + 12) == QColor(Qt::magenta) ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_GT(filled(0), 300);
+    EXPECT_NEAR(filled(1), filled(0) / 2, 3);
+    EXPECT_EQ(filled(2), 0);
+    EXPECT_EQ(filled(3), filled(0));
+}
+
+TEST(BarList, DoesNotRepaintForEqualRows) {
+    BarList list(QStringLiteral("Bars"), 2, QStringLiteral("0"));
+    const std::vector<BarRow> rows{{QStringLiteral("a"), QStringLiteral("1"), 0.5}};
+    list.setRows(rows);
+    showUnseen(list);
+    PaintCount paints(list);
+    list.setRows(rows);
+    EXPECT_EQ(paints.take(), 0);
+    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.5}});
+    EXPECT_EQ(paints.take(), 1);
+    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.50001}});
+    EXPECT_EQ(paints.take(), 0) << "less than a pixel";
+    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.9}});
+    EXPECT_EQ(paints.take(), 1);
+    list.setRows({{QStringLiteral("b"), QStringLiteral("2"), 0.9}});
+    EXPECT_EQ(paints.take(), 1);
+}
+
+TEST(BarList, LooksAfterChangesAsIfItWereNew) {
+    const auto sized = [](BarList& list) { list.resize(600, 96); };
+    BarList changed(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+    sized(changed);
+    const std::vector<std::vector<BarRow>> steps{
+        {{QStringLiteral("a"), QStringLiteral("1"), 1},
+         {QStringLiteral("b"), QStringLiteral("2"), 0.5}},
+        {{QStringLiteral("a"), QStringLiteral("1"), 1},
+         {QStringLiteral("b"), QStringLiteral("3"), 0.7}},
+        {{QStringLiteral("c"), QStringLiteral("1"), 1}},
+        {{QStringLiteral("c"), QStringLiteral("1"), 1},
+         {QStringLiteral("d"), QStringLiteral("9"), 0.1}},
+    };
+    for (const std::vector<BarRow>& rows : steps) {
+        changed.setRows(rows);
+        BarList fresh(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+        sized(fresh);
+        fresh.setRows(rows);
+        EXPECT_EQ(changed.grab().toImage(), fresh.grab().toImage());
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest

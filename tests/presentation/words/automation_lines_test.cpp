@@ -1,0 +1,185 @@
+#include "presentation/words/automation_lines.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QLocale>
+#include <QTime>
+#include <gmock/gmock.h>
+
+#include "monitor/load_rules.h"
+
+namespace tallowcrest {
+namespace {
+
+/// An afternoon in the local time zone of the test.
+Date at(int day, int hour, int minute) {
+    const QDateTime time(QDate(2026, 3, day), QTime(hour, minute, 12));
+    return Date::fromUnixSeconds(static_cast<double>(time.toSecsSinceEpoch()));
+}
+
+ActivityEvent event(Date date, std::string title, std::string detail) {
+    return {UUID::random(), date, std::move(title), std::move(detail)};
+}
+
+class AutomationLinesTest : public testing::Test {
+protected:
+    AutomationLinesTest() { QLocale::setDefault(QLocale(QStringLiteral("en_US"))); }
+    ~AutomationLinesTest() override { QLocale::setDefault(QLocale::c()); }
+
+    AutomationLine line(AutomationSwitch which, bool isOn = false) {
+        return automationLine(which, isOn, {isStopEngaged, dates, log, at(14, 15, 0)});
+    }
+    std::string lastActed(AutomationSwitch which) {
+        return line(which).lastActed.replace(QChar(0x202f), u' ').toStdString();
+    }
+
+    bool isStopEngaged = false;
+    AutomationDates dates;
+    std::vector<ActivityEvent> log;
+};
+
+TEST_F(AutomationLinesTest, TheRulesInTheirOrderWordForWord) {
+    std::string words;
+    for (const AutomationSwitch which : autoRuleSwitches) {
+        words +=
+            line(which).title.toStdString() + '\n' + line(which).explanation.toStdString() + '\n';
+    }
+    EXPECT_EQ(words,
+              "Auto-select safest top offender\n"
+              "When load crosses the warning threshold, select a non-protected top app for "
+              "review. Does not quit anything.\n"
+              "Auto-purge after sustained high memory\n"
+              "Purges reclaimable file caches only after memory pressure stays high, with a "
+              "15-minute cooldown.\n"
+              "Auto-scan Tailscale Macs\n"
+              "Refreshes remote Mac health about every 15 minutes when online Tailnet Macs are "
+              "available.\n");
+}
+
+TEST_F(AutomationLinesTest, TheOtherSwitchesWordForWord) {
+    const AutomationLine disk = line(AutomationSwitch::diskAutopilotEnabled);
+    EXPECT_EQ(disk.title, QStringLiteral("Enable Disk Autopilot"));
+    EXPECT_EQ(disk.explanation,
+              QStringLiteral("Uses the Advisor autonomy mode above. Apprentice prepares reviews, "
+                             "Trusted keeps execution manual, and Autopilot may act only after 3 "
+                             "successful reviewed disk cleanups reach 75% trust."));
+    EXPECT_EQ(line(AutomationSwitch::notificationsIncludeActions).title,
+              QStringLiteral("Show action buttons in warning notifications"));
+    EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title,
+              QStringLiteral("Allow AI safe actions"));
+}
+
+TEST_F(AutomationLinesTest, TheStopShowsOnWhatItGovernsAlone) {
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        isStopEngaged = false;
+        EXPECT_EQ(line(which, true).state, ArmedState::on);
+        EXPECT_EQ(line(which, false).state, ArmedState::off);
+        isStopEngaged = true;
+        const bool isOutside = which == AutomationSwitch::aiSafeActionsEnabled ||
+                               which == AutomationSwitch::notificationsIncludeActions;
+        EXPECT_EQ(line(which, true).state, isOutside ? ArmedState::on : ArmedState::stopped);
+        EXPECT_EQ(line(which, false).state, isOutside ? ArmedState::off : ArmedState::stopped);
+        EXPECT_TRUE(line(which, true).isOn) << "the switch shows the field whatever stops it";
+        EXPECT_FALSE(line(which, false).isOn);
+    }
+}
+
+TEST_F(AutomationLinesTest, EachSwitchHasAnIdentifierOfItsOwn) {
+    QStringList identifiers;
+    for (const AutomationSwitch which : allAutomationSwitches) {
+        identifiers.append(automationIdentifier(which));
+    }
+    EXPECT_EQ(identifiers.join(u' '),
+              QStringLiteral("auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
+                             "notification-actions"));
+}
+
+TEST_F(AutomationLinesTest, WhatIsOnIsCounted) {
+    Settings settings;
+    settings.autoSelectTopOffender = false;
+    const auto words = [&settings] { return automationsOn(settings).toStdString(); };
+    EXPECT_EQ(words(), "No automations on");
+    settings.notificationsIncludeActions = true;
+    EXPECT_EQ(words(), "No automations on") << "a convenience acts on nothing";
+    settings.aiSafeActionsEnabled = true;
+    EXPECT_EQ(words(), "1 automation on");
+    settings.autoSelectTopOffender = true;
+    EXPECT_EQ(words(), "2 automations on");
+    settings.autoPurgeSustainedMemory = true;
+    settings.autoScanRemoteMacs = true;
+    settings.diskAutopilotEnabled = true;
+    EXPECT_EQ(words(), "5 automations on");
+}
+
+TEST_F(AutomationLinesTest, ThatWhichActsIsSummedUp) {
+    Settings settings;
+    settings.autoSelectTopOffender = true;
+    dates.lastAutoSelectDate = at(14, 14, 30);
+    const auto words = [&] {
+        return automationsSummary(settings, {isStopEngaged, dates, log, at(14, 15, 0)})
+            .replace(QChar(0x202f), u' ')
+            .toStdString();
+    };
+    EXPECT_EQ(words(),
+              "Auto-select safest top offender: On. Last acted 2:30 PM\n"
+              "Auto-purge after sustained high memory: Off. No recent action\n"
+              "Auto-scan Tailscale Macs: Off. No recent action\n"
+              "Enable Disk Autopilot: Off. No recent check\n"
+              "Allow AI safe actions: Off");
+    isStopEngaged = true;
+    EXPECT_EQ(words(),
+              "Auto-select safest top offender: Stopped. Last acted 2:30 PM\n"
+              "Auto-purge after sustained high memory: Stopped. No recent action\n"
+              "Auto-scan Tailscale Macs: Stopped. No recent action\n"
+              "Enable Disk Autopilot: Stopped. No recent check\n"
+              "Allow AI safe actions: Off");
+}
+
+TEST_F(AutomationLinesTest, TheStatesHaveDifferentWords) {
+    EXPECT_EQ(armedWord(ArmedState::on), QStringLiteral("On"));
+    EXPECT_EQ(armedWord(ArmedState::off), QStringLiteral("Off"));
+    EXPECT_EQ(armedWord(ArmedState::stopped), QStringLiteral("Stopped"));
+}
+
+TEST_F(AutomationLinesTest, BeforeTheFirstTimeItSaysSo) {
+    for (const AutomationSwitch which : autoRuleSwitches) {
+        EXPECT_EQ(lastActed(which), "No recent action");
+        EXPECT_FALSE(line(which).hasActed);
+    }
+    EXPECT_EQ(lastActed(AutomationSwitch::diskAutopilotEnabled), "No recent check");
+    EXPECT_EQ(lastActed(AutomationSwitch::notificationsIncludeActions), "");
+    EXPECT_EQ(lastActed(AutomationSwitch::aiSafeActionsEnabled), "");
+}
+
+TEST_F(AutomationLinesTest, EachRuleHasItsOwnDate) {
+    dates.lastWarningDate = at(14, 9, 1);
+    dates.lastAutoPurgeDate = at(14, 14, 3);
+    dates.lastAutoRemoteScanDate = at(14, 8, 5);
+    dates.lastDiskAutopilotCheckDate = at(14, 13, 30);
+    EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "No recent action");
+    EXPECT_EQ(lastActed(AutomationSwitch::autoPurgeSustainedMemory), "Last acted 2:03 PM");
+    EXPECT_TRUE(line(AutomationSwitch::autoPurgeSustainedMemory).hasActed);
+    EXPECT_EQ(lastActed(AutomationSwitch::autoScanRemoteMacs), "Last acted 8:05 AM");
+    EXPECT_EQ(lastActed(AutomationSwitch::diskAutopilotEnabled), "Last checked 1:30 PM");
+}
+
+TEST_F(AutomationLinesTest, WhatTheLogRemembersIsShownToo) {
+    log = {event(at(14, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
+    EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "Last acted 2:30 PM");
+}
+
+TEST_F(AutomationLinesTest, ATimeOfAnotherDayBearsItsDate) {
+    log = {event(at(12, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
+    // What stands between the two is the locale data's, and changes with its versions.
+    EXPECT_THAT(lastActed(AutomationSwitch::autoSelectTopOffender),
+                testing::MatchesRegex("Last acted 3/12/26,? 2:30 PM"));
+}
+
+TEST_F(AutomationLinesTest, TimesFollowTheLocale) {
+    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    dates.lastAutoPurgeDate = at(14, 14, 3);
+    EXPECT_EQ(lastActed(AutomationSwitch::autoPurgeSustainedMemory), "Last acted 14:03");
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,253 @@
+#include "presentation/words/dashboard_text.h"
+
+#include <ctime>
+#include <limits>
+#include <string>
+
+#include <QDate>
+#include <QLocale>
+#include <gmock/gmock.h>
+
+namespace tallowcrest {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// Gives the whole process a locale and a time zone for one test.
+class Place {
+public:
+    explicit Place(const char* locale, const char* zone = "UTC") : zoneBefore_(qgetenv("TZ")) {
+        QLocale::setDefault(QLocale(QString::fromLatin1(locale)));
+        qputenv("TZ", zone);
+        tzset();
+    }
+    ~Place() {
+        QLocale::setDefault(QLocale::c());
+        if (zoneBefore_.isEmpty()) {
+            qunsetenv("TZ");
+        } else {
+            qputenv("TZ", zoneBefore_);
+        }
+        tzset();
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+private:
+    QByteArray zoneBefore_;
+};
+
+SystemSnapshot snapshotOf(double cpu, double pressure) {
+    SystemSnapshot snapshot;
+    snapshot.cpuPercent = cpu;
+    snapshot.memory.pressure = pressure;
+    return snapshot;
+}
+
+TEST(DashboardText, TextFromOutsideIsOneLineInItsOrder) {
+    struct Case {
+        const char* given;
+        const char* shown;
+    };
+    for (const Case& each :
+         {Case{"editor", "editor"}, Case{"", ""}, Case{"Zoë · 東京", "Zoë · 東京"},
+          Case{"<b>a</b> %1 & b", "<b>a</b> %1 & b"}, Case{"a\xff", "a\uFFFD"},
+          Case{"two\nlines\t\x1b", "two\uFFFDlines\uFFFD\uFFFD"},
+          Case{"two\u2028lines", "two\uFFFDlines"}, Case{"\u202Egnp.exe", "\uFFFDgnp.exe"}}) {
+        EXPECT_EQ(dashboard_text::text(each.given).toStdString(), each.shown);
+    }
+}
+
+TEST(DashboardText, PercentagesAreRoundedToWholeOnes) {
+    struct Case {
+        double percent;
+        int whole;
+    };
+    for (const Case& each : {Case{0.0, 0}, Case{0.49, 0}, Case{0.5, 1}, Case{41.5, 42},
+                             Case{99.4, 99}, Case{99.5, 100}, Case{-0.4, 0}, Case{-1.2, -1},
+                             Case{1e300, 100'000}, Case{nan, 0}, Case{infinity, 0}}) {
+        EXPECT_EQ(dashboard_text::wholePercent(each.percent), each.whole) << each.percent;
+    }
+    EXPECT_EQ(dashboard_text::percentText(41.5), QStringLiteral("42%"));
+}
+
+TEST(DashboardText, MenuBarLabelAndPanelGiveBothFigures) {
+    const Place place("en_US");
+    const SystemSnapshot snapshot = snapshotOf(12.4, 33.5);
+    EXPECT_EQ(dashboard_text::menuBarLabel(snapshot), QStringLiteral("CPU 12% MEM 34%"));
+    EXPECT_EQ(dashboard_text::panelLoad(snapshot), QStringLiteral("CPU 12% · Memory 34%"));
+}
+
+TEST(DashboardText, TopGroupIsNamedWithItsMemory) {
+    const Place place("en_US");
+    SystemSnapshot snapshot;
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QString());
+    snapshot.appImpacts.push_back({"Browser", 3, 10.0, 1536.0, 7, 0});
+    snapshot.appImpacts.push_back({"Editor", 1, 1.0, 9000.0, 8, 0});
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: Browser · 1.5 GB"));
+    snapshot.appImpacts.front().name = "a\nb";
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: a\uFFFDb · 1.5 GB"));
+}
+
+TEST(DashboardText, NamesThatLookLikePlaceMarkersStayThemselves) {
+    const Place place("en_US");
+    SystemSnapshot snapshot;
+    snapshot.appImpacts.push_back({"%1 %2 %3", 1, 0.0, 1024.0, 7, 0});
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: %1 %2 %3 · 1.0 GB"));
+    Recommendation recommendation;
+    recommendation.title = "%2 is busy";
+    EXPECT_EQ(dashboard_text::panelLatest(recommendation), QStringLiteral("%2 is busy · Info"));
+}
+
+TEST(DashboardText, LatestRecommendationBearsItsSeverity) {
+    Recommendation recommendation;
+    recommendation.title = "Memory is tight";
+    for (const auto& [severity, word] : {std::pair{Recommendation::Severity::info, "Info"},
+                                         std::pair{Recommendation::Severity::caution, "Caution"},
+                                         std::pair{Recommendation::Severity::urgent, "Urgent"}}) {
+        recommendation.severity = severity;
+        EXPECT_EQ(dashboard_text::panelLatest(recommendation),
+                  QStringLiteral("Memory is tight · ") + QString::fromLatin1(word));
+    }
+}
+
+struct LocaleCase {
+    const char* locale;
+    const char* memory;
+    const char* reclaimable;
+    const char* small;
+    const char* nearlyOne;
+    const char* large;
+};
+
+class DashboardTextInLocale : public testing::TestWithParam<LocaleCase> {};
+
+TEST_P(DashboardTextInLocale, FiguresFollowTheLocaleAndWordsDoNot) {
+    const LocaleCase& expected = GetParam();
+    const Place place(expected.locale);
+    MemorySnapshot memory;
+    memory.totalGB = 15.96;
+    memory.usedGB = 4.25;
+    memory.freeGB = 1234.56;
+    memory.wiredGB = 0.04;
+    memory.compressedGB = 0.0;
+    EXPECT_EQ(dashboard_text::memoryDetail(memory), QString::fromUtf8(expected.memory));
+    EXPECT_EQ(dashboard_text::reclaimableDetail(memory), QString::fromUtf8(expected.reclaimable));
+    EXPECT_EQ(dashboard_text::memoryText(0.4), QString::fromUtf8(expected.small));
+    EXPECT_EQ(dashboard_text::memoryText(1023.4), QString::fromUtf8(expected.nearlyOne));
+    EXPECT_EQ(dashboard_text::memoryText(1536.0), QString::fromUtf8(expected.large));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Locales, DashboardTextInLocale,
+    testing::Values(LocaleCase{"en_US", "4.3 GB used of 16.0 GB",
+                               "1,234.6 GB free · Wired 0.0 GB · Compressed 0.0 GB", "0 MB",
+                               "1,023 MB", "1.5 GB"},
+                    LocaleCase{"de_DE", "4,3 GB used of 16,0 GB",
+                               "1.234,6 GB free · Wired 0,0 GB · Compressed 0,0 GB", "0 MB",
+                               "1.023 MB", "1,5 GB"}),
+    [](const auto& tested) { return std::string(tested.param.locale); });
+
+TEST(DashboardText, MemoryThatRoundsToOneGigabyteIsGivenInGigabytes) {
+    const Place place("en_US");
+    EXPECT_EQ(dashboard_text::memoryText(1023.49), QStringLiteral("1,023 MB"));
+    EXPECT_EQ(dashboard_text::memoryText(1023.5), QStringLiteral("1.0 GB"));
+    EXPECT_EQ(dashboard_text::memoryText(1024.0), QStringLiteral("1.0 GB"));
+    EXPECT_EQ(dashboard_text::memoryText(nan), QStringLiteral("0 MB"));
+}
+
+TEST(DashboardText, DetailsOfTheGauges) {
+    const Place place("en_US");
+    EXPECT_EQ(dashboard_text::cpuDetail(12.5), QStringLiteral("13% normalized across cores"));
+    EXPECT_EQ(dashboard_text::memoryDetail({}), QStringLiteral("0.0 GB used of 0.0 GB"));
+    EXPECT_EQ(dashboard_text::gigabytes(0.25), QStringLiteral("0.3"));
+}
+
+TEST(DashboardText, NotesOfTheSession) {
+    EXPECT_EQ(dashboard_text::sessionNote(0), QStringLiteral("Current session · last 0 seconds"));
+    EXPECT_EQ(dashboard_text::sessionNote(720),
+              QStringLiteral("Current session · last 720 seconds"));
+    EXPECT_EQ(dashboard_text::timelineCaption(44),
+              QStringLiteral("Current session · last 44 seconds · updates every 4 seconds"));
+    EXPECT_EQ(dashboard_text::averageAndThreshold(11.6, 82.0),
+              QStringLiteral("Avg 12% · Warn 82%"));
+    EXPECT_EQ(dashboard_text::warnAt(82.4), QStringLiteral("Warn at 82%"));
+}
+
+TEST(DashboardText, SortStatusGivesTheLocalTimeOfTheSample) {
+    // 2026-03-09T05:03:55Z
+    const Date sampledAt = Date::fromUnixSeconds(1773032635.9);
+    {
+        const Place place("en_US", "UTC");
+        EXPECT_EQ(
+            dashboard_text::sortStatus(120, sampledAt),
+            QStringLiteral("Sorted by Impact ↓ · 120 visible processes · updated 5:03:55 AM"));
+    }
+    const Place place("de_DE", "Asia/Tokyo");
+    EXPECT_EQ(dashboard_text::sortStatus(0, sampledAt),
+              QStringLiteral("Sorted by Impact ↓ · 0 visible processes · updated 14:03:55"));
+}
+
+TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
+    // 2026-03-09T14:03:55Z
+    const Date date = Date::fromUnixSeconds(1773065035.0);
+    const std::pair<const char*, QString> cases[] = {
+        {"C", QStringLiteral("14:03:55")},         {"en_GB", QStringLiteral("14:03:55")},
+        {"de_DE", QStringLiteral("14:03:55")},     {"fi_FI", QStringLiteral("14.03.55")},
+        {"ja_JP", QStringLiteral("14時03分55秒")}, {"fr_CA", QStringLiteral("14 h 03 min 55 s")},
+    };
+    for (const auto& [locale, expected] : cases) {
+        const Place place(locale);
+        // The blanks of a locale are of many widths.
+        EXPECT_EQ(dashboard_text::timeText(date).simplified().toStdString(), expected.toStdString())
+            << locale;
+    }
+    for (const char* locale : {"ko_KR", "es_ES", "zh_CN", "ar_EG", "bg_BG", "vi_VN"}) {
+        const Place place(locale);
+        const QString time = dashboard_text::timeText(date);
+        EXPECT_FALSE(time.contains(QStringLiteral("UTC"))) << locale << ' ' << time.toStdString();
+        EXPECT_FALSE(time.contains(u'(')) << locale << ' ' << time.toStdString();
+        EXPECT_TRUE(time.contains(QLocale().toString(55))) << locale << ' ' << time.toStdString();
+    }
+}
+
+TEST(DashboardText, ADayIsThatOfTheLocalTimeZone) {
+    // 2026-03-09T14:03:55Z
+    const Date date = Date::fromUnixSeconds(1773065035.0);
+    {
+        const Place place("en_US", "UTC");
+        EXPECT_EQ(dashboard_text::localDay(date), QDate(2026, 3, 9));
+    }
+    // Ten hours ahead.
+    const Place place("en_US", "XYZ-10");
+    EXPECT_EQ(dashboard_text::localDay(date), QDate(2026, 3, 10));
+}
+
+TEST(DashboardText, ShortTimesBearTheirDateOnAnotherDay) {
+    const Place place("de_DE");
+    // 2026-03-09T14:03:55Z
+    constexpr double now = 1773065035.0;
+    struct Case {
+        double seconds;
+        const char* text;
+    };
+    for (const Case& each :
+         {Case{now, "14:03"}, Case{now - 14 * 3600, "00:03"},
+          Case{now - 15 * 3600, "08.03.26 23:03"}, Case{now + 10 * 3600, "10.03.26 00:03"}}) {
+        EXPECT_EQ(dashboard_text::shortTimeText(Date::fromUnixSeconds(each.seconds),
+                                                Date::fromUnixSeconds(now))
+                      .toStdString(),
+                  each.text);
+    }
+}
+
+TEST(DashboardText, AnyStoredDateIsHarmless) {
+    for (const double seconds : {1e300, -1e300, 0.0}) {
+        EXPECT_FALSE(dashboard_text::shortTimeText(Date{seconds}, Date{}).isEmpty()) << seconds;
+        EXPECT_FALSE(dashboard_text::timeText(Date{seconds}).isEmpty()) << seconds;
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest
