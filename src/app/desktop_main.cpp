@@ -29,6 +29,8 @@
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -50,8 +52,7 @@ void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& mes
     if (type == QtFatalMsg) {
         const QString reason =
             warnings.isStarting && !warnings.held.isEmpty() ? warnings.held.first() : message;
-        complain("the window cannot be opened: " +
-                 reason.section(QLatin1Char('\n'), 0, 0).toStdString());
+        complain("the window cannot be opened: " + reason.section(u'\n', 0, 0).toStdString());
         complain("to sample without a window, try: tallowcrest --headless");
         std::_Exit(EXIT_FAILURE);
     }
@@ -76,10 +77,10 @@ void endOfStart() {
 /// An appearance asked for outright wins over the desktop's.
 std::optional<Appearance> requestedAppearance() {
     const QString wish = qEnvironmentVariable("TALLOWCREST_APPEARANCE");
-    if (wish == QLatin1String("dark")) {
+    if (wish == "dark"_L1) {
         return Appearance::dark;
     }
-    if (wish == QLatin1String("light")) {
+    if (wish == "light"_L1) {
         return Appearance::light;
     }
     return std::nullopt;
@@ -197,9 +198,9 @@ int main(int argc, char** argv) {
         return *instance.status;
     }
     qInstallMessageHandler(reportMessage);
-    QApplication::setApplicationName(QStringLiteral("Tallowcrest"));
-    QApplication::setApplicationVersion(QStringLiteral(TALLOWCREST_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("tallowcrest"));
+    QApplication::setApplicationName(u"Tallowcrest"_s);
+    QApplication::setApplicationVersion(QString::fromLatin1(TALLOWCREST_VERSION));
+    QApplication::setDesktopFileName(u"tallowcrest"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
     endOfStart();

@@ -30,6 +30,8 @@
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/overview_gallery.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace tallowcrest;
@@ -45,16 +47,15 @@ std::vector<double> wave(double base, double swing, double phase, int count = 18
 }
 
 std::vector<StableGraphSeries> sampleSeries() {
-    return {{QStringLiteral("CPU"), &CrestTheme::accent, wave(38, 16, 0), true},
-            {QStringLiteral("Memory"), &CrestTheme::secondSeries, wave(64, 5, 40), false}};
+    return {{u"CPU"_s, &CrestTheme::accent, wave(38, 16, 0), true},
+            {u"Memory"_s, &CrestTheme::secondSeries, wave(64, 5, 40), false}};
 }
 
 QLayout* pageHeader() {
     auto* texts = new QVBoxLayout;
     texts->setSpacing(spacing::unit / 2);
-    texts->addWidget(
-        new ElidedLabel(QStringLiteral("Overview"), &CrestFonts::title, &CrestTheme::text));
-    texts->addWidget(new ElidedLabel(QStringLiteral("Health at a glance and the safest next step"),
+    texts->addWidget(new ElidedLabel(u"Overview"_s, &CrestFonts::title, &CrestTheme::text));
+    texts->addWidget(new ElidedLabel(u"Health at a glance and the safest next step"_s,
                                      &CrestFonts::body, &CrestTheme::secondaryText));
     return texts;
 }
@@ -62,13 +63,13 @@ QLayout* pageHeader() {
 QLayout* gauges() {
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::gap);
-    auto* cpu = new GaugeCard(QStringLiteral("CPU Load"));
+    auto* cpu = new GaugeCard(u"CPU Load"_s);
     cpu->setValue(42.3);
-    cpu->setDetail(QStringLiteral("42.3% normalized across cores"));
-    auto* memory = new GaugeCard(QStringLiteral("Memory Pressure"), &CrestTheme::secondSeries);
+    cpu->setDetail(u"42.3% normalized across cores"_s);
+    auto* memory = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::secondSeries);
     memory->setValue(78);
-    memory->setDetail(QStringLiteral("12.4 GB used of 15.9 GB"));
-    auto* disk = new GaugeCard(QStringLiteral("Disk"), &CrestTheme::bad);
+    memory->setDetail(u"12.4 GB used of 15.9 GB"_s);
+    auto* disk = new GaugeCard(u"Disk"_s, &CrestTheme::bad);
     disk->setValue(100);
     disk->setDetail(QString(10000, u'W'));
     for (GaugeCard* card : {cpu, memory, disk}) {
@@ -79,10 +80,8 @@ QLayout* gauges() {
 
 QWidget* timeline() {
     auto* card = new Card;
-    card->setHeader(QStringLiteral("waveform.path.ecg"),
-                    QStringLiteral("Live Performance Timeline"));
-    card->setCaption(
-        QStringLiteral("Current session · last 716 seconds · updates every 4 seconds"));
+    card->setHeader(u"waveform.path.ecg"_s, u"Live Performance Timeline"_s);
+    card->setCaption(u"Current session · last 716 seconds · updates every 4 seconds"_s);
     auto* graph = new StableLineGraph;
     graph->setSeries(sampleSeries());
     graph->setWarningThreshold(80);
@@ -94,18 +93,17 @@ QWidget* timeline() {
 
 QWidget* bars(bool empty) {
     auto* card = new Card;
-    card->setHeader(QStringLiteral("chart.bar.xaxis"), QStringLiteral("Top App Memory"));
-    card->setCaption(QStringLiteral("Largest app groups by resident memory right now"));
-    auto* list =
-        new BarList(QStringLiteral("Resident memory by app group"), 6, QStringLiteral("000.0 GB"));
-    list->setEmptyText(QStringLiteral("Collecting app impact samples…"));
+    card->setHeader(u"chart.bar.xaxis"_s, u"Top App Memory"_s);
+    card->setCaption(u"Largest app groups by resident memory right now"_s);
+    auto* list = new BarList(u"Resident memory by app group"_s, 6, u"000.0 GB"_s);
+    list->setEmptyText(u"Collecting app impact samples…"_s);
     if (!empty) {
-        list->setRows({{QStringLiteral("firefox-esr"), QStringLiteral("4.2 GB"), 1},
-                       {QStringLiteral("code"), QStringLiteral("2.9 GB"), 0.69},
-                       {QStringLiteral("A very long process name that does not fit here at all"),
-                        QStringLiteral("1.1 GB"), 0.26},
-                       {QStringLiteral("gnome-shell"), QStringLiteral("0.6 GB"), 0.14},
-                       {QStringLiteral("Xorg"), QStringLiteral("0.1 GB"), 0.01}});
+        list->setRows(
+            {{u"firefox-esr"_s, u"4.2 GB"_s, 1},
+             {u"code"_s, u"2.9 GB"_s, 0.69},
+             {u"A very long process name that does not fit here at all"_s, u"1.1 GB"_s, 0.26},
+             {u"gnome-shell"_s, u"0.6 GB"_s, 0.14},
+             {u"Xorg"_s, u"0.1 GB"_s, 0.01}});
     }
     card->contentLayout()->addWidget(list);
     card->contentLayout()->addStretch(1);
@@ -121,21 +119,20 @@ QLayout* summaries() {
         row->addWidget(card, 1);
         return card;
     };
-    add(new SummaryCard(QStringLiteral("Events")), QStringLiteral("3 warnings"),
-        QStringLiteral("12 logged actions. Use Export for a full diagnostics file."));
-    add(new SummaryCard(QStringLiteral("Recurring Top App")), QStringLiteral("firefox-esr"),
-        QStringLiteral("Most visible app group in this Tallowcrest session."));
-    add(new SummaryCard(QStringLiteral("Never Quit")), QStringLiteral("8 apps"),
-        QStringLiteral("No custom app groups are protected yet."));
-    add(new MetricCard(QStringLiteral("Disk Free")), QStringLiteral("12.4 GB"),
-        QStringLiteral("Storage analysis recommended."))
+    add(new SummaryCard(u"Events"_s), u"3 warnings"_s,
+        u"12 logged actions. Use Export for a full diagnostics file."_s);
+    add(new SummaryCard(u"Recurring Top App"_s), u"firefox-esr"_s,
+        u"Most visible app group in this Tallowcrest session."_s);
+    add(new SummaryCard(u"Never Quit"_s), u"8 apps"_s,
+        u"No custom app groups are protected yet."_s);
+    add(new MetricCard(u"Disk Free"_s), u"12.4 GB"_s, u"Storage analysis recommended."_s)
         ->setValueColor(&CrestTheme::caution);
     return row;
 }
 
 QWidget* states() {
     auto* card = new Card;
-    card->setHeader(QStringLiteral("clock"), QStringLiteral("Recent Activity"));
+    card->setHeader(u"clock"_s, u"Recent Activity"_s);
     const std::pair<const char*, std::pair<const char*, QColor CrestTheme::*>> rows[] = {
         {"exclamationmark.triangle.fill", {"Warning: memory pressure 91%", &CrestTheme::bad}},
         {"exclamationmark.triangle", {"Elevated load for 2 minutes", &CrestTheme::caution}},
@@ -177,13 +174,13 @@ QWidget* icons() {
                    tintedIcon(name, color, 40, 1)});
     }
     for (const double percent : {0.0, 33.0, 67.0, 100.0}) {
-        put(QStringLiteral("tray %1").arg(percent),
+        put(u"tray %1"_s.arg(percent),
             {gaugeIcon(percent, color, 16), gaugeIcon(percent, color, 22),
              gaugeIcon(percent, color, 40)});
     }
     const QIcon application = applicationIcon();
-    put(QStringLiteral("application"), {application.pixmap(16), application.pixmap(32),
-                                        application.pixmap(48), application.pixmap(128)});
+    put(u"application"_s, {application.pixmap(16), application.pixmap(32), application.pixmap(48),
+                           application.pixmap(128)});
     return page;
 }
 
@@ -216,9 +213,8 @@ void measureGraph() {
     QImage image(900, 220, QImage::Format_ARGB32_Premultiplied);
     std::vector<std::vector<StableGraphSeries>> frames;
     for (int i = 0; i < 500; ++i) {
-        frames.push_back(
-            {{QStringLiteral("CPU"), &CrestTheme::accent, wave(38, 16, i), true},
-             {QStringLiteral("Memory"), &CrestTheme::secondSeries, wave(64, 5, i), false}});
+        frames.push_back({{u"CPU"_s, &CrestTheme::accent, wave(38, 16, i), true},
+                          {u"Memory"_s, &CrestTheme::secondSeries, wave(64, 5, i), false}});
     }
     const std::clock_t begin = std::clock();
     for (auto& frame : frames) {
@@ -248,22 +244,18 @@ int showOverview(const QString& state, const QSize& size, const QString& file) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption dark(QStringLiteral("dark"), QStringLiteral("Use a dark palette."));
-    const QCommandLineOption showIcons(QStringLiteral("icons"), QStringLiteral("Show the icons."));
-    const QCommandLineOption width(QStringLiteral("width"), QStringLiteral("Width of the page."),
-                                   QStringLiteral("pixels"), QStringLiteral("1040"));
-    const QCommandLineOption save(QStringLiteral("save"), QStringLiteral("Write a picture."),
-                                  QStringLiteral("file"));
-    const QCommandLineOption time(QStringLiteral("time"), QStringLiteral("Measure the graph."));
-    const QCommandLineOption overview(QStringLiteral("overview"),
-                                      QStringLiteral("Show the overview in a state."),
-                                      QStringLiteral("state"));
-    const QCommandLineOption height(QStringLiteral("height"),
-                                    QStringLiteral("Height of the overview's window."),
-                                    QStringLiteral("pixels"), QStringLiteral("700"));
+    const QCommandLineOption dark(u"dark"_s, u"Use a dark palette."_s);
+    const QCommandLineOption showIcons(u"icons"_s, u"Show the icons."_s);
+    const QCommandLineOption width(u"width"_s, u"Width of the page."_s, u"pixels"_s, u"1040"_s);
+    const QCommandLineOption save(u"save"_s, u"Write a picture."_s, u"file"_s);
+    const QCommandLineOption time(u"time"_s, u"Measure the graph."_s);
+    const QCommandLineOption overview(u"overview"_s, u"Show the overview in a state."_s,
+                                      u"state"_s);
+    const QCommandLineOption height(u"height"_s, u"Height of the overview's window."_s, u"pixels"_s,
+                                    u"700"_s);
     parser.addOptions({dark, showIcons, width, save, time, overview, height});
     parser.process(application);
 

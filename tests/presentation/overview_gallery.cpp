@@ -10,6 +10,8 @@
 #include "presentation/widgets/crest_style.h"
 #include "tests/support/fake_machine.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -59,7 +61,7 @@ std::vector<SessionInsight> insights(bool isTroubled) {
 class OverviewGallery final : public QWidget {
 public:
     OverviewGallery(const QString& state, const QSize& size) {
-        const bool isTroubled = state == QStringLiteral("troubled");
+        const bool isTroubled = state == u"troubled"_s;
         MemorySnapshot& memory = machine_.metrics->memory;
         memory = {16.0, isTroubled ? 14.9 : 7.4, isTroubled ? 1.1 : 8.6,
                   2.3,  isTroubled ? 2.8 : 0.4,  isTroubled ? 91.2 : 46.3};
@@ -92,7 +94,7 @@ public:
         resize(size.expandedTo({1, 480}));
         show();
         window_->show();
-        if (state != QStringLiteral("waiting")) {
+        if (state != u"waiting"_s) {
             takeSamples();
         }
         if (isTroubled) {
@@ -102,7 +104,7 @@ public:
             machine_.monitor().log().recordMessage(
                 "Selected photo-indexer, currently the heaviest process.");
         }
-        if (state == QStringLiteral("collapsed")) {
+        if (state == u"collapsed"_s) {
             machine_.monitor().sections().collapseAll();
         }
         machine_.mainQueue.drain();
@@ -135,8 +137,7 @@ private:
 }  // namespace
 
 std::unique_ptr<QWidget> overviewGallery(const QString& state, const QSize& size) {
-    const QStringList states{QStringLiteral("healthy"), QStringLiteral("troubled"),
-                             QStringLiteral("waiting"), QStringLiteral("collapsed")};
+    const QStringList states{u"healthy"_s, u"troubled"_s, u"waiting"_s, u"collapsed"_s};
     if (!states.contains(state)) {
         return nullptr;
     }

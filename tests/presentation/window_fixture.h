@@ -18,6 +18,8 @@
 #include "presentation/widgets/elided_label.h"
 #include "tests/support/fake_machine.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 /// The real window over a fake machine, in the look of the real program.
@@ -26,7 +28,7 @@ protected:
     static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
 
     WindowFixture() {
-        QLocale::setDefault(QLocale(QStringLiteral("en_US")));
+        QLocale::setDefault(QLocale(u"en_US"_s));
         MemorySnapshot& memory = machine.metrics->memory;
         memory.totalGB = 16.0;
         memory.usedGB = 9.5;
@@ -111,7 +113,7 @@ protected:
 
     QString textOf(const char* identifier) {
         const auto* label = visible<ElidedLabel>(identifier);
-        return label == nullptr ? QStringLiteral("(not shown)") : label->text();
+        return label == nullptr ? u"(not shown)"_s : label->text();
     }
 
     void click(const char* identifier) {

@@ -13,13 +13,15 @@
 #include <QStringList>
 #include <QVariant>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 QString quitAction() {
-    return QStringLiteral("quit");
+    return u"quit"_s;
 }
 
 struct Destination {
@@ -52,10 +54,9 @@ public:
     /// The bus's own answer of one value in the form of `signature`; invalid without one.
     QVariant askBus(const QString& method, const QVariantList& arguments,
                     const QString& signature) const {
-        const QString bus = QStringLiteral("org.freedesktop.DBus");
-        return soleValue(
-            call({bus, QStringLiteral("/org/freedesktop/DBus"), bus}, method, arguments),
-            signature);
+        const QString bus = u"org.freedesktop.DBus"_s;
+        return soleValue(call({bus, u"/org/freedesktop/DBus"_s, bus}, method, arguments),
+                         signature);
     }
 
     static QVariant soleValue(const QDBusMessage& answer, const QString& signature) {
@@ -79,14 +80,13 @@ public:
 
     /// Whether its action can be called as it stands: there, enabled now, and without a parameter.
     bool offersQuit() const {
-        const QVariant names = BoundedCalls::soleValue(
-            calls_.call(actions(), QStringLiteral("List"), {}), QStringLiteral("as"));
+        const QVariant names =
+            BoundedCalls::soleValue(calls_.call(actions(), u"List"_s, {}), u"as"_s);
         if (!names.toStringList().contains(quitAction())) {
             return false;
         }
         const QVariant description = BoundedCalls::soleValue(
-            calls_.call(actions(), QStringLiteral("Describe"), {quitAction()}),
-            QStringLiteral("(bgav)"));
+            calls_.call(actions(), u"Describe"_s, {quitAction()}), u"(bgav)"_s);
         if (!description.isValid()) {
             return false;
         }
@@ -103,9 +103,9 @@ public:
     /// Whether it was asked. One that answers with silence was: it has just answered two questions,
     /// so it is busy with this one, as with asking its owner what to save, or has quit over it.
     bool askToQuit() const {
-        const QDBusMessage answer = calls_.call(
-            {connection_, path_, QStringLiteral("org.freedesktop.Application")},
-            QStringLiteral("ActivateAction"), {quitAction(), QVariantList(), QVariantMap()});
+        const QDBusMessage answer =
+            calls_.call({connection_, path_, u"org.freedesktop.Application"_s}, u"ActivateAction"_s,
+                        {quitAction(), QVariantList(), QVariantMap()});
         if (answer.type() == QDBusMessage::ReplyMessage) {
             return true;
         }
@@ -115,7 +115,7 @@ public:
     }
 
 private:
-    Destination actions() const { return {connection_, path_, QStringLiteral("org.gtk.Actions")}; }
+    Destination actions() const { return {connection_, path_, u"org.gtk.Actions"_s}; }
 
     const BoundedCalls& calls_;
     QString connection_;
@@ -133,8 +133,7 @@ public:
     /// The member that the connection behind `name` belongs to, by the word of the bus, which has
     /// it from the kernel. Null when it belongs to none.
     const ProcessSample* behind(const QString& name, const BoundedCalls& calls) const {
-        const QVariant number =
-            calls.askBus(QStringLiteral("GetConnectionUnixProcessID"), {name}, QStringLiteral("u"));
+        const QVariant number = calls.askBus(u"GetConnectionUnixProcessID"_s, {name}, u"u"_s);
         const auto found = number.isValid() ? byNumber_.find(number.toUInt()) : byNumber_.end();
         return found != byNumber_.end() ? found->second : nullptr;
     }
@@ -147,8 +146,7 @@ private:
 
 QString applicationObjectPath(const QString& busName) {
     QString path = busName;
-    return QLatin1Char('/') + path.replace(QLatin1Char('.'), QLatin1Char('/'))
-                                  .replace(QLatin1Char('-'), QLatin1Char('_'));
+    return u'/' + path.replace(u'.', u'/').replace(u'-', u'_');
 }
 
 ApplicationQuitAction::ApplicationQuitAction(IsStillThere isStillThere, QDBusConnection bus,
@@ -162,18 +160,16 @@ std::size_t ApplicationQuitAction::askToQuit(const std::vector<ProcessSample>& m
     const BoundedCalls calls(bus_, limits_);
     const Members reviewed(members);
     QSet<QString> asked;
-    const QStringList names =
-        calls.askBus(QStringLiteral("ListNames"), {}, QStringLiteral("as")).toStringList();
+    const QStringList names = calls.askBus(u"ListNames"_s, {}, u"as"_s).toStringList();
     for (const QString& name : names) {
         if (calls.isTimeUp()) {
             break;
         }
-        if (name.startsWith(QLatin1Char(':')) || reviewed.behind(name, calls) == nullptr) {
+        if (name.startsWith(u':') || reviewed.behind(name, calls) == nullptr) {
             continue;
         }
-        const QString connection =
-            calls.askBus(QStringLiteral("GetNameOwner"), {name}, QStringLiteral("s")).toString();
-        if (!connection.startsWith(QLatin1Char(':')) || asked.contains(connection)) {
+        const QString connection = calls.askBus(u"GetNameOwner"_s, {name}, u"s"_s).toString();
+        if (!connection.startsWith(u':') || asked.contains(connection)) {
             continue;
         }
         // Once more, of the connection itself: the name may have changed hands in between.

@@ -11,15 +11,17 @@
 #include "platform/desktop/lent_activation_token.h"
 #include "platform/desktop/notification_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 QString service() {
-    return QStringLiteral("org.freedesktop.Notifications");
+    return u"org.freedesktop.Notifications"_s;
 }
 
 QString path() {
-    return QStringLiteral("/org/freedesktop/Notifications");
+    return u"/org/freedesktop/Notifications"_s;
 }
 
 /// More than a person reads of either; what daemons do with far longer texts is their own affair.
@@ -35,17 +37,17 @@ constexpr uchar normalUrgency = 1;
 
 QVariantMap hintsFor(const NotificationContent& content) {
     QVariantMap hints{
-        {QStringLiteral("urgency"), QVariant::fromValue(normalUrgency)},
-        {QStringLiteral("desktop-entry"), QStringLiteral("tallowcrest")},
+        {u"urgency"_s, QVariant::fromValue(normalUrgency)},
+        {u"desktop-entry"_s, u"tallowcrest"_s},
     };
     if (!content.categoryIdentifier.empty()) {
         // A kind of the program's own, by which its owner can tell the daemon how to show it.
-        hints.insert(QStringLiteral("category"), QStringLiteral("x-tallowcrest.warning"));
+        hints.insert(u"category"_s, u"x-tallowcrest.warning"_s);
     }
     if (content.playsSound) {
-        hints.insert(QStringLiteral("sound-name"), QStringLiteral("dialog-warning"));
+        hints.insert(u"sound-name"_s, u"dialog-warning"_s);
     } else {
-        hints.insert(QStringLiteral("suppress-sound"), true);
+        hints.insert(u"suppress-sound"_s, true);
     }
     return hints;
 }
@@ -98,8 +100,7 @@ void DBusNotificationCenter::sendNext() {
 
 /// By the well-known name, so that the bus starts a daemon where none runs yet.
 void DBusNotificationCenter::ask() {
-    startCall(service(), QStringLiteral("GetCapabilities"), {},
-              &DBusNotificationCenter::capabilitiesArrived);
+    startCall(service(), u"GetCapabilities"_s, {}, &DBusNotificationCenter::capabilitiesArrived);
 }
 
 void DBusNotificationCenter::show(Waiting next) {
@@ -107,16 +108,16 @@ void DBusNotificationCenter::show(Waiting next) {
     const NotificationContent& content = underWay_.content;
     const QString body = notificationText(content.body, longestBody);
     const QVariantList arguments{
-        QStringLiteral("Tallowcrest"),
+        u"Tallowcrest"_s,
         0U,  // in place of no other
-        QStringLiteral("tallowcrest"),
+        u"tallowcrest"_s,
         notificationText(content.title, longestTitle),
-        capabilities_.contains(QStringLiteral("body-markup")) ? asNotificationMarkup(body) : body,
+        capabilities_.contains(u"body-markup"_s) ? asNotificationMarkup(body) : body,
         actionsFor(content.categoryIdentifier),
         hintsFor(content),
         -1,  // for as long as the daemon thinks right
     };
-    startCall(daemon_, QStringLiteral("Notify"), arguments, &DBusNotificationCenter::shown);
+    startCall(daemon_, u"Notify"_s, arguments, &DBusNotificationCenter::shown);
 }
 
 void DBusNotificationCenter::startCall(
@@ -135,7 +136,7 @@ void DBusNotificationCenter::startCall(
 }
 
 void DBusNotificationCenter::capabilitiesArrived(const QDBusMessage& answer) {
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != QLatin1String("as")) {
+    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != "as"_L1) {
         waiting_.clear();
         return;
     }
@@ -145,7 +146,7 @@ void DBusNotificationCenter::capabilitiesArrived(const QDBusMessage& answer) {
 
 void DBusNotificationCenter::shown(const QDBusMessage& answer) {
     const bool isShown =
-        answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("u");
+        answer.type() == QDBusMessage::ReplyMessage && answer.signature() == "u"_L1;
     // Which is what the bus says of one that has just ended.
     const bool hasReachedNobody = QDBusError(answer).type() == QDBusError::ServiceUnknown;
     if (isShown) {
@@ -191,7 +192,7 @@ void DBusNotificationCenter::getToKnow(const QString& daemon, QStringList capabi
     forgetDaemon();
     // Without its signals a press would lead nowhere, so it is offered no buttons then.
     if (!connectSignals(daemon, true)) {
-        capabilities.removeAll(QStringLiteral("actions"));
+        capabilities.removeAll(u"actions"_s);
     }
     daemon_ = daemon;
     capabilities_ = std::move(capabilities);
@@ -220,10 +221,10 @@ bool DBusNotificationCenter::connectSignals(const QString& daemon, bool wanted) 
 
 /// Pairs of key and title. The first is the plain click, whose title most daemons never show.
 QStringList DBusNotificationCenter::actionsFor(const std::string& categoryIdentifier) const {
-    if (!capabilities_.contains(QStringLiteral("actions"))) {
+    if (!capabilities_.contains(u"actions"_s)) {
         return {};
     }
-    QStringList actions{QString::fromLatin1(plainClick), QStringLiteral("Open Tallowcrest")};
+    QStringList actions{QString::fromLatin1(plainClick), u"Open Tallowcrest"_s};
     const auto category = std::find_if(
         categories_.begin(), categories_.end(),
         [&](const NotificationCategory& each) { return each.identifier == categoryIdentifier; });

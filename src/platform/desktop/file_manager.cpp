@@ -9,6 +9,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 void showInFileManager(const std::filesystem::path& file, const QDBusConnection& bus,
@@ -16,9 +18,8 @@ void showInFileManager(const std::filesystem::path& file, const QDBusConnection&
     const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
     const QUrl folder = QUrl::fromLocalFile(QFile::decodeName(file.parent_path().c_str()));
     QDBusMessage show = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.FileManager1"),
-        QStringLiteral("/org/freedesktop/FileManager1"),
-        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+        u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
+        u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     show << QStringList(url.toString(QUrl::FullyEncoded)) << QString();
     // A call on a bus that was never reached does not come back.
     if (!bus.isConnected()) {

@@ -4,14 +4,16 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
-const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
-const QString colorSchemeKey = QStringLiteral("color-scheme");
+const QString service = u"org.freedesktop.portal.Desktop"_s;
+const QString path = u"/org/freedesktop/portal/desktop"_s;
+const QString interface = u"org.freedesktop.portal.Settings"_s;
+const QString appearanceGroup = u"org.freedesktop.appearance"_s;
+const QString colorSchemeKey = u"color-scheme"_s;
 
 }  // namespace
 
@@ -24,12 +26,11 @@ void SystemAppearance::start() {
     }
     // The bus finds the types of a slot by their names, which Qt does not register by itself.
     qRegisterMetaType<QDBusVariant>();
-    if (!bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+    if (!bus_.connect(service, path, interface, u"SettingChanged"_s, this,
                       SLOT(settingChanged(QString, QString, QDBusVariant)))) {
         qWarning("changes of the desktop's appearance cannot be followed");
     }
-    QDBusMessage request =
-        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+    QDBusMessage request = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
     request.setArguments({appearanceGroup, colorSchemeKey});
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(request), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,

@@ -7,12 +7,14 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 namespace {
 
 QString trayName() {
-    return QStringLiteral("org.kde.StatusNotifierWatcher");
+    return u"org.kde.StatusNotifierWatcher"_s;
 }
 
 }  // namespace
@@ -31,9 +33,9 @@ TrayHostWatch::TrayHostWatch(QObject* parent, std::chrono::milliseconds grace)
     });
     connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::graceEnded);
     // The library itself sends this to its program; no name of the bus stands behind it.
-    QDBusConnection::sessionBus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                                          QStringLiteral("org.freedesktop.DBus.Local"),
-                                          QStringLiteral("Disconnected"), this, SLOT(busEnded()));
+    QDBusConnection::sessionBus().connect(QString(), u"/org/freedesktop/DBus/Local"_s,
+                                          u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s, this,
+                                          SLOT(busEnded()));
 }
 
 void TrayHostWatch::busEnded() {
@@ -43,9 +45,9 @@ void TrayHostWatch::busEnded() {
 
 /// Asks once more: while a program starts, going and coming can be told in the wrong order.
 void TrayHostWatch::graceEnded() {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                       u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
     question << trayName();
     auto* answer =
         new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);

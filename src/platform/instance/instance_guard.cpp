@@ -9,7 +9,7 @@
 #include <utility>
 #include <variant>
 
-#include "platform/instance/local_socket.h"
+#include "platform/base/local_socket.h"
 
 namespace tallowcrest {
 namespace {

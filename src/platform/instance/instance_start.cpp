@@ -12,9 +12,9 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/base/local_socket.h"
 #include "platform/base/make_directories.h"
 #include "platform/instance/instance_guard.h"
-#include "platform/instance/local_socket.h"
 
 namespace tallowcrest {
 namespace {

@@ -16,8 +16,8 @@
 #include <utility>
 
 #include "platform/base/environment_lock.h"
+#include "platform/base/local_socket.h"
 #include "platform/base/unique_fd.h"
-#include "platform/instance/local_socket.h"
 #include "platform/x11/xcb_memory.h"
 
 namespace tallowcrest {

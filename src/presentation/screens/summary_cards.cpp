@@ -6,6 +6,8 @@
 #include "presentation/widgets/card_grid.h"
 #include "presentation/widgets/summary_card.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 SummaryCards::SummaryCards(const QString& identifier, std::size_t most, QWidget* parent) {
@@ -14,7 +16,7 @@ SummaryCards::SummaryCards(const QString& identifier, std::size_t most, QWidget*
     grid_ = new CardGrid(narrowestCard, parent);
     for (std::size_t i = 0; i < most; ++i) {
         auto* card = new SummaryCard(QString(), grid_);
-        card->setObjectName(QStringLiteral("%1-%2").arg(identifier).arg(i + 1));
+        card->setObjectName(u"%1-%2"_s.arg(identifier).arg(i + 1));
         grid_->addCard(card);
         cards_.push_back(card);
     }

@@ -6,6 +6,8 @@
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 void showTimeline(StableLineGraph& graph, SystemMonitor& monitor, TimelineSummary summary) {
@@ -13,9 +15,8 @@ void showTimeline(StableLineGraph& graph, SystemMonitor& monitor, TimelineSummar
     const Date now = history.empty() ? Date{} : history.back().date;
     graph.setEventFractions(eventFractions(monitor.log().activityLog(), history, now));
     graph.setWarningThreshold(monitor.settings().warningThreshold);
-    graph.setSeries(
-        {{QStringLiteral("CPU"), &CrestTheme::accent, std::move(summary.cpu), true},
-         {QStringLiteral("Memory"), &CrestTheme::secondSeries, std::move(summary.memory), false}});
+    graph.setSeries({{u"CPU"_s, &CrestTheme::accent, std::move(summary.cpu), true},
+                     {u"Memory"_s, &CrestTheme::secondSeries, std::move(summary.memory), false}});
 }
 
 }  // namespace tallowcrest

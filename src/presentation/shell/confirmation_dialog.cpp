@@ -18,6 +18,8 @@
 #include "presentation/widgets/tool_tip.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -42,8 +44,8 @@ ElidedLabel::FontRole headingFont(const QString& title) {
 
 ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     : WindowDialog(parent), desk_(desk) {
-    setObjectName(QStringLiteral("confirmation"));
-    setWindowTitle(QStringLiteral("Confirm Action"));
+    setObjectName(u"confirmation"_s);
+    setWindowTitle(u"Confirm Action"_s);
     setAccessibleName(windowTitle());
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, spacing::pagePadding, spacing::pagePadding,
@@ -51,10 +53,10 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     layout->setSpacing(0);
 
     heading_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
-    heading_->setObjectName(QStringLiteral("confirmation.title"));
+    heading_->setObjectName(u"confirmation.title"_s);
     heading_->setLines(1, mostHeadingLines);
     message_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
-    message_->setObjectName(QStringLiteral("confirmation.message"));
+    message_->setObjectName(u"confirmation.message"_s);
     message_->setLines(1, mostMessageLines);
     for (ElidedLabel* label : {heading_, message_}) {
         label->setGround(&CrestTheme::pageBackground);
@@ -67,11 +69,11 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::unit);
-    cancel_ = makeButton(QStringLiteral("Cancel"), QString(), QStringLiteral("confirmation.cancel"),
-                         QStringLiteral("Closes this dialog and changes nothing"), this);
+    cancel_ = makeButton(u"Cancel"_s, QString(), u"confirmation.cancel"_s,
+                         u"Closes this dialog and changes nothing"_s, this);
     confirm_ = new DangerButton(this);
     settling_.emplace(*confirm_);
-    confirm_->setObjectName(QStringLiteral("confirmation.confirm"));
+    confirm_->setObjectName(u"confirmation.confirm"_s);
     confirm_->setMaximumWidth(widestConfirmButton);
     cancel_->setDefault(true);
     buttons->addStretch(1);
@@ -88,7 +90,7 @@ QWidget* ConfirmationDialog::makePaths() {
     auto* above = new QVBoxLayout(room);
     above->setContentsMargins(0, spacing::gap, 0, 0);
     pathsCard_ = new Card(room);
-    pathsCard_->setObjectName(QStringLiteral("confirmation.paths"));
+    pathsCard_->setObjectName(u"confirmation.paths"_s);
     pathsCard_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit,
                                              spacing::cardPadding, spacing::unit);
     pathsCard_->contentLayout()->setSpacing(spacing::unit / 2);
@@ -103,10 +105,10 @@ QWidget* ConfirmationDialog::makePaths() {
     };
     for (std::size_t i = 0; i < mostPaths; ++i) {
         pathLines_.push_back(addLine());
-        pathLines_.back()->setObjectName(QStringLiteral("confirmation.path.%1").arg(i));
+        pathLines_.back()->setObjectName(u"confirmation.path.%1"_s.arg(i));
     }
     morePaths_ = addLine();
-    morePaths_->setObjectName(QStringLiteral("confirmation.more-paths"));
+    morePaths_->setObjectName(u"confirmation.more-paths"_s);
     above->addWidget(pathsCard_);
     return room;
 }
@@ -171,12 +173,11 @@ void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
     }
     const std::size_t rest = count - std::min(count, mostPaths);
     const QString others = texts.mid(static_cast<qsizetype>(mostPaths)).join(u'\n');
-    morePaths_->setText(rest > 0 ? QStringLiteral("and %1 more").arg(rest) : QString());
+    morePaths_->setText(rest > 0 ? u"and %1 more"_s.arg(rest) : QString());
     morePaths_->setToolTip(toolTipText(others));
     morePaths_->setAccessibleDescription(others);
     morePaths_->setVisible(rest > 0);
-    pathsCard_->setAccessibleName(count == 1 ? QStringLiteral("Executable")
-                                             : QStringLiteral("Executables"));
+    pathsCard_->setAccessibleName(count == 1 ? u"Executable"_s : u"Executables"_s);
     pathsCard_->parentWidget()->setVisible(count > 0);
 }
 

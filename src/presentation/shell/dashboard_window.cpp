@@ -24,6 +24,8 @@
 #include "presentation/widgets/pending_layouts.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -36,8 +38,8 @@ constexpr int foldingWidth = 860;
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
     : monitor_(monitor), mainQueue_(mainQueue) {
-    setObjectName(QStringLiteral("tallowcrest.main"));
-    setWindowTitle(QStringLiteral("Tallowcrest"));
+    setObjectName(u"tallowcrest.main"_s);
+    setWindowTitle(u"Tallowcrest"_s);
     setAccessibleName(windowTitle());
     setCentralWidget(makeContent());
     menus_ = new WindowMenus(monitor_, *this);

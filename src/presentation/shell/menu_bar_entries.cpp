@@ -6,6 +6,8 @@
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 namespace {
@@ -25,9 +27,8 @@ std::function<QString()> always(const char* title) {
 }
 
 QString autoSelectTitle(const Automation& automation) {
-    return automation.isOn(AutomationSwitch::autoSelectTopOffender)
-               ? QStringLiteral("Disable Auto Select")
-               : QStringLiteral("Enable Auto Select");
+    return automation.isOn(AutomationSwitch::autoSelectTopOffender) ? u"Disable Auto Select"_s
+                                                                    : u"Enable Auto Select"_s;
 }
 
 /// A refusal is read in the window.
@@ -53,38 +54,32 @@ void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
 
 std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window) {
     return {
-        {always("Show Dashboard"), QStringLiteral("macwindow"),
-         QStringLiteral("menubar.show-dashboard"),
+        {always("Show Dashboard"), u"macwindow"_s, u"menubar.show-dashboard"_s,
          [&window] { window.openRoute(AppRoute::overview); }},
-        {always("Open Optimize"), QStringLiteral("wand.and.stars"),
-         QStringLiteral("menubar.open-optimize"),
+        {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
          [&window] { window.openRoute(AppRoute::optimize); }},
-        {[&monitor] { return autoSelectTitle(monitor.automation()); }, QStringLiteral("scope"),
-         QStringLiteral("menubar.auto-select"),
-         [&monitor, &window] { flipAutoSelect(monitor, window); }},
-        {always("Settings"), QStringLiteral("gearshape"), QStringLiteral("menubar.settings"),
+        {[&monitor] { return autoSelectTitle(monitor.automation()); }, u"scope"_s,
+         u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
+        {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
          [&monitor, &window] {
              monitor.navigation().setShowSettings(true);
              window.bringToFront();
          }},
-        {always("Refresh"), QStringLiteral("arrow.clockwise"), QStringLiteral("menubar.refresh"),
+        {always("Refresh"), u"arrow.clockwise"_s, u"menubar.refresh"_s,
          [&monitor] { monitor.refresh(); }},
-        {always("Copy Report"), QStringLiteral("doc.on.doc"), QStringLiteral("menubar.copy-report"),
+        {always("Copy Report"), u"doc.on.doc"_s, u"menubar.copy-report"_s,
          [&monitor] { monitor.reports().copyDiagnosticsReport(); }},
-        {always("Export Diagnostics"), QStringLiteral("square.and.arrow.up"),
-         QStringLiteral("menubar.export"), [&monitor, &window] { exportReport(monitor, window); }},
-        {always("Purge File Caches"), QStringLiteral("memorychip"), QStringLiteral("menubar.purge"),
+        {always("Export Diagnostics"), u"square.and.arrow.up"_s, u"menubar.export"_s,
+         [&monitor, &window] { exportReport(monitor, window); }},
+        {always("Purge File Caches"), u"memorychip"_s, u"menubar.purge"_s,
          askingInFront(monitor, window, &LocalActions::requestPurge)},
-        {always("Quit Top App"), QStringLiteral("xmark.circle"),
-         QStringLiteral("menubar.quit-top-app"),
+        {always("Quit Top App"), u"xmark.circle"_s, u"menubar.quit-top-app"_s,
          askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)},
-        {always("Expand Dashboard Sections"), QStringLiteral("chevron.down"),
-         QStringLiteral("menubar.expand-sections"), [&monitor] { monitor.sections().expandAll(); }},
-        {always("Collapse Dashboard Sections"), QStringLiteral("chevron.right"),
-         QStringLiteral("menubar.collapse-sections"),
+        {always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
+         [&monitor] { monitor.sections().expandAll(); }},
+        {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,
          [&monitor] { monitor.sections().collapseAll(); }},
-        {always("Quit Tallowcrest"), QStringLiteral("power"), QStringLiteral("menubar.quit"),
-         [] { QApplication::quit(); }},
+        {always("Quit Tallowcrest"), u"power"_s, u"menubar.quit"_s, [] { QApplication::quit(); }},
     };
 }
 

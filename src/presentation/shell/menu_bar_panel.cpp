@@ -17,6 +17,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -29,8 +31,8 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     // belongs to never shows under Wayland.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       monitor_(monitor) {
-    setObjectName(QStringLiteral("menubar.panel"));
-    setAccessibleName(QStringLiteral("Tallowcrest"));
+    setObjectName(u"menubar.panel"_s);
+    setAccessibleName(u"Tallowcrest"_s);
     setFixedWidth(panelWidth);
     setFocusPolicy(Qt::ClickFocus);
     auto* layout = new QVBoxLayout(this);
@@ -54,15 +56,15 @@ QWidget* MenuBarPanel::makeFigures() {
     layout->setSpacing(spacing::unit / 2);
     load_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, figures);
     topGroup_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, figures);
-    latestHeading_ = new ElidedLabel(QStringLiteral("Latest"), &CrestFonts::caption,
-                                     &CrestTheme::secondaryText, figures);
+    latestHeading_ =
+        new ElidedLabel(u"Latest"_s, &CrestFonts::caption, &CrestTheme::secondaryText, figures);
     latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, figures);
     // A long name gives way before its figure does, and a long title before its severity.
     topGroup_->setElideMode(Qt::ElideMiddle);
     latest_->setLines(1, 3);
-    load_->setObjectName(QStringLiteral("menubar.load"));
-    topGroup_->setObjectName(QStringLiteral("menubar.top-group"));
-    latest_->setObjectName(QStringLiteral("menubar.latest"));
+    load_->setObjectName(u"menubar.load"_s);
+    topGroup_->setObjectName(u"menubar.top-group"_s);
+    latest_->setObjectName(u"menubar.latest"_s);
     for (ElidedLabel* line : {load_, topGroup_, latestHeading_, latest_}) {
         layout->addWidget(line);
     }
@@ -97,7 +99,7 @@ QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
 void MenuBarPanel::refresh() {
     const auto& snapshot = monitor_.sample().snapshot();
     const auto& recommendations = monitor_.sample().recommendations();
-    load_->setText(snapshot ? dashboard_text::panelLoad(*snapshot) : QStringLiteral("Sampling..."));
+    load_->setText(snapshot ? dashboard_text::panelLoad(*snapshot) : u"Sampling..."_s);
     topGroup_->setText(snapshot ? dashboard_text::panelTopGroup(*snapshot) : QString());
     topGroup_->setVisible(!topGroup_->text().isEmpty());
     const bool hasLatest = snapshot && !recommendations.empty();

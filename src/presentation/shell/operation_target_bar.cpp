@@ -11,6 +11,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -22,8 +24,8 @@ constexpr int oneLineWidth = 720;
 OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, QWidget* parent)
     : Card(parent), monitor_(monitor) {
     installAccessibleFigures();
-    setObjectName(QStringLiteral("target"));
-    setAccessibleName(QStringLiteral("Operation Target"));
+    setObjectName(u"target"_s);
+    setAccessibleName(u"Operation Target"_s);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     // Half the padding where a button of its own edge stands.
     layout()->setContentsMargins(spacing::cardPadding, spacing::unit, spacing::unit, spacing::unit);
@@ -37,19 +39,19 @@ OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, QWidget* parent)
 
 void OperationTargetBar::makeTexts() {
     icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconRegular, this);
-    icon_->setObjectName(QStringLiteral("target.icon"));
+    icon_->setObjectName(u"target.icon"_s);
     title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    title_->setObjectName(QStringLiteral("target.title"));
+    title_->setObjectName(u"target.title"_s);
     title_->setElideMode(Qt::ElideMiddle);
     detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    detail_->setObjectName(QStringLiteral("target.detail"));
+    detail_->setObjectName(u"target.detail"_s);
     protected_ = new Capsule(this);
-    protected_->setObjectName(QStringLiteral("target.protected"));
-    protected_->setText(QStringLiteral("Protected"));
+    protected_->setObjectName(u"target.protected"_s);
+    protected_->setText(u"Protected"_s);
     // A rule may take the place of what a person chose: that is not to pass unnoticed.
     automatic_ = new Capsule(this);
-    automatic_->setObjectName(QStringLiteral("target.automatic"));
-    automatic_->setText(QStringLiteral("Auto-selected"));
+    automatic_->setObjectName(u"target.automatic"_s);
+    automatic_->setText(u"Auto-selected"_s);
     for (ElidedLabel* label : {title_, detail_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
@@ -63,14 +65,12 @@ void OperationTargetBar::makeTexts() {
 }
 
 void OperationTargetBar::makeButtons() {
-    choose_ = makeButton(
-        QStringLiteral("Choose Process"), QStringLiteral("gauge.with.dots.needle.67percent"),
-        QStringLiteral("target.choose"), QStringLiteral("Goes to Processes"), this);
-    review_ = makeButton(QStringLiteral("Review"), QStringLiteral("wand.and.stars"),
-                         QStringLiteral("target.review"), QStringLiteral("Goes to Optimize"), this);
-    clear_ = makeButton(QStringLiteral("Clear"), QStringLiteral("xmark.circle"),
-                        QStringLiteral("target.clear"),
-                        QStringLiteral("Ends the review; nothing is quit"), this);
+    choose_ = makeButton(u"Choose Process"_s, u"gauge.with.dots.needle.67percent"_s,
+                         u"target.choose"_s, u"Goes to Processes"_s, this);
+    review_ = makeButton(u"Review"_s, u"wand.and.stars"_s, u"target.review"_s,
+                         u"Goes to Optimize"_s, this);
+    clear_ = makeButton(u"Clear"_s, u"xmark.circle"_s, u"target.clear"_s,
+                        u"Ends the review; nothing is quit"_s, this);
     for (QPushButton* button : {choose_, review_, clear_}) {
         row_->addWidget(button);
     }
@@ -93,7 +93,7 @@ void OperationTargetBar::refresh() {
     const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
     title_->setText(dashboard_text::text(summary.title));
     detail_->setText(dashboard_text::text(summary.detail));
-    icon_->setIcon(summary.isProtected ? QStringLiteral("lock.fill") : QStringLiteral("scope"));
+    icon_->setIcon(summary.isProtected ? u"lock.fill"_s : u"scope"_s);
     protected_->setVisible(summary.isProtected);
     automatic_->setVisible(monitor_.review().chosenBy() == ReviewTarget::ChosenBy::rule);
 }
@@ -105,9 +105,9 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
     review_->setVisible(hasTarget);
     clear_->setVisible(hasTarget);
     if (!hasTarget) {
-        title_->setText(QStringLiteral("Operation Target"));
-        detail_->setText(QStringLiteral("No operation target selected"));
-        icon_->setIcon(QStringLiteral("scope"));
+        title_->setText(u"Operation Target"_s);
+        detail_->setText(u"No operation target selected"_s);
+        icon_->setIcon(u"scope"_s);
         protected_->hide();
         automatic_->hide();
     }
@@ -118,10 +118,10 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
 }
 
 QString OperationTargetBar::accessibleValue() const {
-    QString value = title_->text() + QStringLiteral(", ") + detail_->text();
+    QString value = title_->text() + u", "_s + detail_->text();
     for (const Capsule* mark : {automatic_, protected_}) {
         if (!mark->isHidden()) {
-            value += QStringLiteral(", ") + mark->accessibleName();
+            value += u", "_s + mark->accessibleName();
         }
     }
     return value;

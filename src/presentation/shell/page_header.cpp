@@ -15,6 +15,8 @@
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -37,18 +39,17 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit);
     title_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
-    title_->setObjectName(QStringLiteral("page.title"));
+    title_->setObjectName(u"page.title"_s);
     subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    subtitle_->setObjectName(QStringLiteral("page.subtitle"));
+    subtitle_->setObjectName(u"page.subtitle"_s);
     row->addWidget(title_, 1);
 
     actions_ = new QHBoxLayout;
     actions_->setSpacing(spacing::unit);
     row->addLayout(actions_);
-    refresh_ =
-        makeButton(QStringLiteral("Refresh"), QStringLiteral("arrow.clockwise"),
-                   QStringLiteral("page.refresh"), QStringLiteral("Takes a new sample now"), this);
-    refresh_->setProperty(iconProperty, QStringLiteral("arrow.clockwise"));
+    refresh_ = makeButton(u"Refresh"_s, u"arrow.clockwise"_s, u"page.refresh"_s,
+                          u"Takes a new sample now"_s, this);
+    refresh_->setProperty(iconProperty, u"arrow.clockwise"_s);
     connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
     row->addWidget(refresh_);
     layout->addLayout(row);

@@ -12,6 +12,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -32,7 +34,7 @@ QColor withOpacity(QColor color, float opacity) {
 
 SidebarRow::SidebarRow(AppRoute route, QWidget* parent)
     : QAbstractButton(parent), symbol_(dashboard_text::text(symbol(route))) {
-    setObjectName(QStringLiteral("sidebar.") + dashboard_text::text(rawValue(route)));
+    setObjectName(u"sidebar."_s + dashboard_text::text(rawValue(route)));
     setText(dashboard_text::text(title(route)));
     setAccessibleName(text());
     setAccessibleDescription(dashboard_text::text(subtitle(route)));
@@ -105,8 +107,8 @@ void SidebarRow::paintEvent(QPaintEvent*) {
 
 Sidebar::Sidebar(QWidget* parent) : QWidget(parent), group_(new QButtonGroup(this)) {
     installAccessibleFigures();
-    setObjectName(QStringLiteral("sidebar"));
-    setAccessibleName(QStringLiteral("Routes"));
+    setObjectName(u"sidebar"_s);
+    setAccessibleName(u"Routes"_s);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::unit, spacing::gap, spacing::unit, spacing::gap);
     layout->setSpacing(spacing::unit / 2);

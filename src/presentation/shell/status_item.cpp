@@ -8,6 +8,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -19,7 +21,7 @@ constexpr int needleStep = 5;
 
 StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     : monitor_(monitor), window_(window), icon_(this) {
-    icon_.setObjectName(QStringLiteral("menubar.item"));
+    icon_.setObjectName(u"menubar.item"_s);
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
         QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title(), this, entry.run);
         action->setObjectName(entry.identifier);
@@ -37,8 +39,7 @@ void StatusItem::refresh() {
         action->setText(title());
     }
     const auto& snapshot = monitor_.sample().snapshot();
-    const QString label =
-        snapshot ? dashboard_text::menuBarLabel(*snapshot) : QStringLiteral("Tallowcrest");
+    const QString label = snapshot ? dashboard_text::menuBarLabel(*snapshot) : u"Tallowcrest"_s;
     if (icon_.toolTip() != label) {
         icon_.setToolTip(label);
     }

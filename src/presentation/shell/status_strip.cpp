@@ -11,6 +11,8 @@
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/timeline.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -25,15 +27,15 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
     layout->setSpacing(spacing::gap);
     session_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
-    session_->setObjectName(QStringLiteral("status.session"));
+    session_->setObjectName(u"status.session"_s);
     session_->setGround(&CrestTheme::pageBackground);
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
     automation_ = new Capsule(this);
-    automation_->setObjectName(QStringLiteral("status.automation"));
+    automation_->setObjectName(u"status.automation"_s);
     threshold_ = new Capsule(this);
-    threshold_->setObjectName(QStringLiteral("status.threshold"));
+    threshold_->setObjectName(u"status.threshold"_s);
     lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
-    lastAction_->setObjectName(QStringLiteral("status.last-action"));
+    lastAction_->setObjectName(u"status.last-action"_s);
     lastAction_->setGround(&CrestTheme::pageBackground);
     // Room for the longest message in a narrow window: its end may be what matters.
     lastAction_->setLines(2, 2);
@@ -49,7 +51,7 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
 void StatusStrip::refresh() {
     session_->setText(monitor_.sample().snapshot()
                           ? dashboard_text::sessionNote(sessionSeconds(monitor_.sample().history()))
-                          : QStringLiteral("Sampling this Mac..."));
+                          : u"Sampling this Mac..."_s);
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
     lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
@@ -57,8 +59,8 @@ void StatusStrip::refresh() {
 
 void StatusStrip::showAutomation() {
     if (monitor_.automation().isStopEngaged()) {
-        automation_->setText(QStringLiteral("Emergency Stop Engaged"));
-        automation_->setMark(QStringLiteral("exclamationmark.octagon"), &CrestTheme::bad);
+        automation_->setText(u"Emergency Stop Engaged"_s);
+        automation_->setMark(u"exclamationmark.octagon"_s, &CrestTheme::bad);
     } else {
         automation_->setText(automationsOn(monitor_.settings()));
         automation_->clearMark();
@@ -68,8 +70,8 @@ void StatusStrip::showAutomation() {
                                 monitor_.log().activityLog(),
                                 snapshot ? snapshot->sampledAt : Date{}};
     // How to stop it all is to be found wherever that is shown.
-    const QString words = automationsSummary(monitor_.settings(), facts) +
-                          QStringLiteral("\nEmergency Stop: Ctrl+. or Shift+Esc");
+    const QString words =
+        automationsSummary(monitor_.settings(), facts) + u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
     if (automation_->toolTip() != words) {
         automation_->setToolTip(words);
         setSpokenDescription(*automation_, words);

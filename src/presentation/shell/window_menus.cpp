@@ -15,11 +15,13 @@
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 QAction* named(QAction* action, const QString& identifier) {
-    action->setObjectName(QStringLiteral("menu.") + identifier);
+    action->setObjectName(u"menu."_s + identifier);
     return action;
 }
 
@@ -40,7 +42,7 @@ bool isInTextField() {
 
 WindowMenus::WindowMenus(SystemMonitor& monitor, QMainWindow& window)
     : QObject(&window), monitor_(monitor), window_(window) {
-    window_.menuBar()->setObjectName(QStringLiteral("menu"));
+    window_.menuBar()->setObjectName(u"menu"_s);
     makeApplicationMenu();
     makeFileMenu();
     makeGoMenu();
@@ -48,22 +50,18 @@ WindowMenus::WindowMenus(SystemMonitor& monitor, QMainWindow& window)
 }
 
 void WindowMenus::makeApplicationMenu() {
-    QMenu* application = window_.menuBar()->addMenu(QStringLiteral("&Tallowcrest"));
-    application->setObjectName(QStringLiteral("menu.application"));
-    named(
-        application->addAction(QStringLiteral("About Tallowcrest"), this, &WindowMenus::showAbout),
-        QStringLiteral("about"))
+    QMenu* application = window_.menuBar()->addMenu(u"&Tallowcrest"_s);
+    application->setObjectName(u"menu.application"_s);
+    named(application->addAction(u"About Tallowcrest"_s, this, &WindowMenus::showAbout), u"about"_s)
         ->setMenuRole(QAction::AboutRole);
     QAction* settings =
-        named(application->addAction(themedIcon(QStringLiteral("gearshape")),
-                                     QStringLiteral("Settings..."), this,
+        named(application->addAction(themedIcon(u"gearshape"_s), u"Settings..."_s, this,
                                      [this] { monitor_.navigation().setShowSettings(true); }),
-              QStringLiteral("settings"));
+              u"settings"_s);
     settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     settings->setMenuRole(QAction::PreferencesRole);
     QAction* refreshAction = named(
-        application->addAction(QStringLiteral("Refresh"), this, [this] { monitor_.refresh(); }),
-        QStringLiteral("refresh"));
+        application->addAction(u"Refresh"_s, this, [this] { monitor_.refresh(); }), u"refresh"_s);
     refreshAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     refreshAction->setAutoRepeat(false);
     refreshAction->setMenuRole(QAction::ApplicationSpecificRole);
@@ -71,8 +69,7 @@ void WindowMenus::makeApplicationMenu() {
     addEmergencyStop(*application);
     application->addSeparator();
     QAction* quit =
-        named(application->addAction(QStringLiteral("Quit Tallowcrest"), qApp, &QApplication::quit),
-              QStringLiteral("quit"));
+        named(application->addAction(u"Quit Tallowcrest"_s, qApp, &QApplication::quit), u"quit"_s);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
 }
@@ -82,7 +79,7 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
         named(menu.addAction(themedIcon(QString::fromUtf8(commands::emergencyStop.icon)),
                              QString::fromUtf8(commands::emergencyStop.title), this,
                              [this] { monitor_.automation().engageEmergencyStop(); }),
-              QStringLiteral("emergency-stop"));
+              u"emergency-stop"_s);
     // Two keys on every keyboard: where the period needs Shift, the second pair does not.
     emergencyStop_->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
@@ -95,7 +92,7 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
     resumeManualMode_ =
         named(menu.addAction(QString::fromUtf8(commands::resumeManualMode.title), this,
                              [this] { monitor_.automation().resumeFromEmergencyStop(); }),
-              QStringLiteral("resume-manual-mode"));
+              u"resume-manual-mode"_s);
     resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
     refresh();
 }
@@ -105,11 +102,10 @@ void WindowMenus::refresh() {
 }
 
 void WindowMenus::showAbout() {
-    auto* about =
-        new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Tallowcrest"),
-                        QStringLiteral("Tallowcrest %1").arg(QApplication::applicationVersion()),
-                        QMessageBox::Ok, &window_);
-    about->setObjectName(QStringLiteral("about"));
+    auto* about = new QMessageBox(QMessageBox::NoIcon, u"About Tallowcrest"_s,
+                                  u"Tallowcrest %1"_s.arg(QApplication::applicationVersion()),
+                                  QMessageBox::Ok, &window_);
+    about->setObjectName(u"about"_s);
     about->setAttribute(Qt::WA_DeleteOnClose);
     constexpr int iconSize = 64;
     about->setIconPixmap(window_.windowIcon().pixmap(iconSize));
@@ -118,58 +114,57 @@ void WindowMenus::showAbout() {
 }
 
 void WindowMenus::makeFileMenu() {
-    QMenu* file = window_.menuBar()->addMenu(QStringLiteral("&File"));
-    file->setObjectName(QStringLiteral("menu.file"));
+    QMenu* file = window_.menuBar()->addMenu(u"&File"_s);
+    file->setObjectName(u"menu.file"_s);
     named(file->addAction(themedIcon(QString::fromUtf8(commands::copyReport.icon)),
                           QString::fromUtf8(commands::copyReport.title), this,
                           [this] { monitor_.reports().copyDiagnosticsReport(); }),
-          QStringLiteral("copy-report"))
+          u"copy-report"_s)
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
     QAction* exportReport =
         named(file->addAction(themedIcon(QString::fromUtf8(commands::exportReport.icon)),
-                              QStringLiteral("Export Diagnostics..."), this,
+                              u"Export Diagnostics..."_s, this,
                               [this] { monitor_.reports().exportDiagnosticsReport(); }),
-              QStringLiteral("export-diagnostics"));
+              u"export-diagnostics"_s);
     exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     // A key held down exports one report and not several of the same second.
     exportReport->setAutoRepeat(false);
     file->addSeparator();
     QAction* quitProcess =
-        named(file->addAction(QStringLiteral("Quit Selected Process"), this,
+        named(file->addAction(u"Quit Selected Process"_s, this,
                               [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
-              QStringLiteral("quit-selected-process"));
+              u"quit-selected-process"_s);
     quitProcess->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
     // Each press without a target is an event of the log, which a key held down would fill.
     quitProcess->setAutoRepeat(false);
     QAction* quitApp =
-        named(file->addAction(QStringLiteral("Quit Selected App Group"), this,
+        named(file->addAction(u"Quit Selected App Group"_s, this,
                               [this] { monitor_.localActions().requestQuitSelectedApp(); }),
-              QStringLiteral("quit-selected-app"));
+              u"quit-selected-app"_s);
     // By their first word they would be taken for the command that quits this application.
     quitProcess->setMenuRole(QAction::NoRole);
     quitApp->setMenuRole(QAction::NoRole);
 }
 
 void WindowMenus::makeGoMenu() {
-    QMenu* go = window_.menuBar()->addMenu(QStringLiteral("&Go"));
-    go->setObjectName(QStringLiteral("menu.go"));
+    QMenu* go = window_.menuBar()->addMenu(u"&Go"_s);
+    go->setObjectName(u"menu.go"_s);
     int key = Qt::Key_1;
     for (const AppRoute route : allAppRoutes) {
         QAction* action =
             named(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
                                 dashboard_text::text(title(route)), this,
                                 [this, route] { monitor_.navigation().setSelectedRoute(route); }),
-                  QStringLiteral("go.") + dashboard_text::text(rawValue(route)));
+                  u"go."_s + dashboard_text::text(rawValue(route)));
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
         // "Settings" is a place to go to here, not the application's settings command.
         action->setMenuRole(QAction::NoRole);
     }
     go->addSeparator();
-    QAction* filter = named(
-        go->addAction(themedIcon(QStringLiteral("magnifyingglass")),
-                      QStringLiteral("Filter Processes"), this, &WindowMenus::processFilterWanted),
-        QStringLiteral("go.filter-processes"));
+    QAction* filter = named(go->addAction(themedIcon(u"magnifyingglass"_s), u"Filter Processes"_s,
+                                          this, &WindowMenus::processFilterWanted),
+                            u"go.filter-processes"_s);
     filter->setShortcut(QKeySequence::Find);
 }
 

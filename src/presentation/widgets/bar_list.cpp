@@ -11,6 +11,8 @@
 #include "presentation/widgets/graph_geometry.h"
 #include "presentation/widgets/text_lines.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -102,7 +104,7 @@ QString BarList::accessibleValue() const {
     for (const BarRow& row : rows_) {
         parts.append(row.label + u' ' + row.valueText);
     }
-    return parts.join(QStringLiteral(", "));
+    return parts.join(u", "_s);
 }
 
 void BarList::measure() {

@@ -7,6 +7,8 @@
 
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -87,7 +89,7 @@ void drawScrollBar(QPainter& painter, const QRect& slider, bool isHovered, bool 
 
 }  // namespace
 
-CrestStyle::CrestStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+CrestStyle::CrestStyle() : QProxyStyle(QStyleFactory::create(u"Fusion"_s)) {}
 
 void CrestStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);

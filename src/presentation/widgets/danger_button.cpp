@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStyleOptionButton>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -24,7 +26,7 @@ DangerButton::DangerButton(QWidget* parent) : QPushButton(parent) {
 void DangerButton::setTitle(const QString& title) {
     title_ = title;
     // An ampersand would else be taken for the mark of a shortcut key.
-    setText(QString(title).replace(u'&', QStringLiteral("&&")));
+    setText(QString(title).replace(u'&', u"&&"_s));
     setAccessibleName(title);
 }
 

@@ -9,6 +9,8 @@
 #include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -38,7 +40,7 @@ QString NamedFigure::accessibleValue() const {
     const QString& figure = figure_->text();
     const bool isFigure = std::any_of(figure.begin(), figure.end(),
                                       [](QChar each) { return each.isLetterOrNumber(); });
-    return isFigure ? name_->text() + QStringLiteral(": ") + figure : name_->text();
+    return isFigure ? name_->text() + u": "_s + figure : name_->text();
 }
 
 QSize NamedFigure::sizeHint() const {

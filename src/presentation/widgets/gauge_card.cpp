@@ -13,6 +13,8 @@
 #include "presentation/widgets/graph_geometry.h"
 #include "presentation/widgets/spoken.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -52,13 +54,13 @@ GaugeState gaugeState(double value) {
 QString gaugeStateWord(double value) {
     switch (gaugeState(value)) {
         case GaugeState::high:
-            return QStringLiteral("High");
+            return u"High"_s;
         case GaugeState::elevated:
-            return QStringLiteral("Elevated");
+            return u"Elevated"_s;
         case GaugeState::normal:
             break;
     }
-    return QStringLiteral("Normal");
+    return u"Normal"_s;
 }
 
 ThemeColor gaugeStateColor(double value) {
@@ -111,9 +113,8 @@ void GaugeRing::paintEvent(QPaintEvent*) {
         drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
     }
     painter.setFont(CrestFonts::current().title);
-    drawFigure(painter, rect(), Qt::AlignHCenter,
-               hasValue_ ? QStringLiteral("%1%").arg(percent) : QStringLiteral("–"), theme.text,
-               theme.secondaryText);
+    drawFigure(painter, rect(), Qt::AlignHCenter, hasValue_ ? u"%1%"_s.arg(percent) : u"–"_s,
+               theme.text, theme.secondaryText);
 }
 
 const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
@@ -194,12 +195,12 @@ void GaugeCard::setTint(const ThemeColor& tint) {
 QString GaugeCard::accessibleValue() const {
     QStringList parts;
     if (ring_->hasValue()) {
-        parts << QStringLiteral("%1%").arg(wholePercent(value())) << gaugeStateWord(value());
+        parts << u"%1%"_s.arg(wholePercent(value())) << gaugeStateWord(value());
     }
     if (!detail_->text().isEmpty()) {
         parts << detail_->text();
     }
-    return parts.join(QStringLiteral(", "));
+    return parts.join(u", "_s);
 }
 
 void GaugeCard::showState() {

@@ -13,6 +13,8 @@
 
 #include "presentation/widgets/graph_geometry.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -25,7 +27,7 @@ constexpr double dialSpan = 270;
 constexpr QLatin1String applicationName("tallowcrest");
 
 QString pathOf(const QString& name) {
-    return QStringLiteral(":/icons/") + name + QStringLiteral(".svg");
+    return u":/icons/"_s + name + u".svg"_s;
 }
 
 QPixmap rendered(const QString& path, const QSize& pixels) {
@@ -42,9 +44,8 @@ QPixmap rendered(const QString& path, const QSize& pixels) {
 
 /// `pixels` counts physical pixels.
 QPixmap tintedPixels(const QString& name, const QColor& color, const QSize& pixels) {
-    const QString key = QStringLiteral("crest/%1/%2/%3x%4")
-                            .arg(name)
-                            .arg(color.rgba(), 8, 16, QLatin1Char('0'))
+    const QString key = u"crest/%1/%2/%3x%4"_s.arg(name)
+                            .arg(color.rgba(), 8, 16, QChar(u'0'))
                             .arg(pixels.width())
                             .arg(pixels.height());
     QPixmap pixmap;
@@ -100,7 +101,7 @@ public:
     }
 
     QIconEngine* clone() const override { return new ThemedIconEngine(*this); }
-    QString key() const override { return QStringLiteral("tallowcrest"); }
+    QString key() const override { return u"tallowcrest"_s; }
 
 private:
     static QSize squareWithin(const QSize& size) {
@@ -134,7 +135,7 @@ bool hasIcon(const QString& name) {
 
 QStringList iconNames() {
     QStringList names;
-    for (const QString& file : QDir(QStringLiteral(":/icons")).entryList(QDir::Files, QDir::Name)) {
+    for (const QString& file : QDir(u":/icons"_s).entryList(QDir::Files, QDir::Name)) {
         const QString name = file.chopped(4);
         if (name != applicationName) {
             names.append(name);

@@ -9,6 +9,8 @@
 #include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 LimitRow::LimitRow(const QString& title, const QString& identifier, const SliderScale& scale,
@@ -21,7 +23,7 @@ LimitRow::LimitRow(const QString& title, const QString& identifier, const Slider
     words->setSpacing(spacing::gap);
     auto* name = new ElidedLabel(title, &CrestFonts::body, &CrestTheme::text, this);
     value_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    value_->setObjectName(identifier + QStringLiteral(".value"));
+    value_->setObjectName(identifier + u".value"_s);
     value_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     value_->setReservedText(binding_.words(scale.maximum));
     for (ElidedLabel* label : {name, value_}) {

@@ -8,6 +8,8 @@
 #include "presentation/widgets/focus_ring.h"
 #include "presentation/widgets/icon.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -94,9 +96,9 @@ void SectionHeader::setNote(const QString& note, const ThemeColor& color) {
 }
 
 void SectionHeader::describe() {
-    const QString action = isExpanded_ ? QStringLiteral("Hides what this section shows")
-                                       : QStringLiteral("Shows what this section holds");
-    setAccessibleDescription(note_.isEmpty() ? action : note_ + QStringLiteral(". ") + action);
+    const QString action =
+        isExpanded_ ? u"Hides what this section shows"_s : u"Shows what this section holds"_s;
+    setAccessibleDescription(note_.isEmpty() ? action : note_ + u". "_s + action);
 }
 
 QSize SectionHeader::sizeHint() const {
@@ -160,8 +162,8 @@ void SectionHeader::paintEvent(QPaintEvent*) {
                            tintedIcon(name, color, size, devicePixelRatioF()));
         left += size + spacing::unit;
     };
-    drawIcon(isExpanded_ ? QStringLiteral("chevron.down") : QStringLiteral("chevron.right"),
-             theme.secondaryText, spacing::iconSmall);
+    drawIcon(isExpanded_ ? u"chevron.down"_s : u"chevron.right"_s, theme.secondaryText,
+             spacing::iconSmall);
     if (!icon_.isEmpty()) {
         drawIcon(icon_, theme.secondaryText, spacing::iconRegular);
     }

@@ -11,6 +11,8 @@
 
 #include "presentation/widgets/text_lines.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -39,7 +41,7 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
 }
 
 StableLineGraph::StableLineGraph(QWidget* parent) : PaintedFigure(parent) {
-    setAccessibleName(QStringLiteral("Performance graph"));
+    setAccessibleName(u"Performance graph"_s);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     StableLineGraph::measure();
 }
@@ -113,12 +115,12 @@ QString StableLineGraph::accessibleValue() const {
             parts.append(QString::fromStdString(*text));
         }
     }
-    return parts.join(QStringLiteral(", "));
+    return parts.join(u", "_s);
 }
 
 void StableLineGraph::measure() {
     const QFont& font = CrestFonts::current().caption;
-    scaleWidth_ = figuresWidth(font, QStringLiteral("100%"));
+    scaleWidth_ = figuresWidth(font, u"100%"_s);
     captionHeight_ = QFontMetrics(font).lineSpacing();
 }
 
@@ -172,7 +174,7 @@ void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) con
         const double middle = canvas.top() + graphY(percent, canvas.height());
         painter.drawText(QRectF(width() - scaleWidth_, middle - captionHeight_ / 2.0, scaleWidth_,
                                 captionHeight_),
-                         Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("%1%").arg(percent));
+                         Qt::AlignRight | Qt::AlignVCenter, u"%1%"_s.arg(percent));
     }
 }
 

@@ -5,6 +5,8 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/spoken.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
@@ -52,7 +54,7 @@ QString SummaryCard::accessibleValue() const {
     if (value_->text().isEmpty() || detail_->text().isEmpty()) {
         return value_->text() + detail_->text();
     }
-    return value_->text() + QStringLiteral(", ") + detail_->text();
+    return value_->text() + u", "_s + detail_->text();
 }
 
 void SummaryCard::setDetailLines(int minimum, int maximum) {

@@ -6,6 +6,8 @@
 #include <QTextLayout>
 #include <QTextOption>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -57,7 +59,7 @@ QStringList wrappedLines(const QString& text, const QFont& font, int width, int 
 /// The lines of a list that breaks between its items, and within one only where that is too long
 /// for a line.
 QStringList linesOfItems(const QString& text, const QFont& font, int width, int maximumLines) {
-    const QString separator = QStringLiteral(" · ");
+    const QString separator = u" · "_s;
     const QFontMetrics metrics(font);
     QStringList lines;
     std::optional<QString> line;

@@ -3,6 +3,8 @@
 #include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -22,8 +24,7 @@ QString toolTipText(const QString& plain) {
     }
     // Left to break the lines itself, the tip would make a narrow column of them. And it takes any
     // text that looks like markup for markup, so the text always is.
-    return QStringLiteral("<div style='white-space:pre'>%1</div>")
-        .arg(lines.join(QStringLiteral("<br>")));
+    return u"<div style='white-space:pre'>%1</div>"_s.arg(lines.join(u"<br>"_s));
 }
 
 }  // namespace tallowcrest

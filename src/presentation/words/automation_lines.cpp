@@ -8,6 +8,8 @@
 #include "monitor/auto_rules.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -65,11 +67,11 @@ bool isAutomation(AutomationSwitch which) {
 QString armedWord(ArmedState state) {
     switch (state) {
         case ArmedState::on:
-            return QStringLiteral("On");
+            return u"On"_s;
         case ArmedState::off:
-            return QStringLiteral("Off");
+            return u"Off"_s;
         case ArmedState::stopped:
-            return QStringLiteral("Stopped");
+            return u"Stopped"_s;
     }
     return {};
 }
@@ -83,9 +85,9 @@ QString automationsOn(const Settings& settings) {
                                      [&settings](AutomationSwitch which) {
                                          return isAutomation(which) && isOn(settings, which);
                                      });
-    return count == 0   ? QStringLiteral("No automations on")
-           : count == 1 ? QStringLiteral("1 automation on")
-                        : QStringLiteral("%1 automations on").arg(count);
+    return count == 0   ? u"No automations on"_s
+           : count == 1 ? u"1 automation on"_s
+                        : u"%1 automations on"_s.arg(count);
 }
 
 AutomationLine automationLine(AutomationSwitch which, bool isOn, const AutomationFacts& facts) {
@@ -112,9 +114,9 @@ QString automationsSummary(const Settings& settings, const AutomationFacts& fact
             continue;
         }
         const AutomationLine line = automationLine(which, isOn(settings, which), facts);
-        QString words = line.title + QStringLiteral(": ") + armedWord(line.state);
+        QString words = line.title + u": "_s + armedWord(line.state);
         if (!line.lastActed.isEmpty()) {
-            words += QStringLiteral(". ") + line.lastActed;
+            words += u". "_s + line.lastActed;
         }
         lines.append(words);
     }

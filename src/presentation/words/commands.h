@@ -23,5 +23,4 @@ inline constexpr Command emergencyStop{
 inline constexpr Command resumeManualMode{
     "Resume Manual Mode", "", "Clears the stop; every automation stays off until you turn it on"};
 
-}  // namespace commands
-}  // namespace tallowcrest
+}  // namespace tallowcrest::commands

@@ -8,6 +8,8 @@
 
 #include "core/control_characters.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest::dashboard_text {
 namespace {
 
@@ -58,11 +60,11 @@ int wholePercent(double percent) {
 }
 
 QString percentText(double percent) {
-    return QStringLiteral("%1%").arg(wholePercent(percent));
+    return u"%1%"_s.arg(wholePercent(percent));
 }
 
 QString noFigure() {
-    return QStringLiteral("–");
+    return u"–"_s;
 }
 
 QString gigabytes(double value) {
@@ -70,14 +72,12 @@ QString gigabytes(double value) {
 }
 
 QString menuBarLabel(const SystemSnapshot& snapshot) {
-    return QStringLiteral("CPU %1% MEM %2%")
-        .arg(wholePercent(snapshot.cpuPercent))
+    return u"CPU %1% MEM %2%"_s.arg(wholePercent(snapshot.cpuPercent))
         .arg(wholePercent(snapshot.memory.pressure));
 }
 
 QString panelLoad(const SystemSnapshot& snapshot) {
-    return QStringLiteral("CPU %1% · Memory %2%")
-        .arg(wholePercent(snapshot.cpuPercent))
+    return u"CPU %1% · Memory %2%"_s.arg(wholePercent(snapshot.cpuPercent))
         .arg(wholePercent(snapshot.memory.pressure));
 }
 
@@ -86,57 +86,54 @@ QString panelTopGroup(const SystemSnapshot& snapshot) {
         return {};
     }
     const AppImpact& top = snapshot.appImpacts.front();
-    return QStringLiteral("Top: %1 · %2 GB")
-        .arg(text(top.name), oneDecimal(top.totalMemoryMB / megabytesPerGigabyte));
+    return u"Top: %1 · %2 GB"_s.arg(text(top.name),
+                                    oneDecimal(top.totalMemoryMB / megabytesPerGigabyte));
 }
 
 QString panelLatest(const Recommendation& recommendation) {
-    return QStringLiteral("%1 · %2").arg(text(recommendation.title),
-                                         text(title(recommendation.severity)));
+    return u"%1 · %2"_s.arg(text(recommendation.title), text(title(recommendation.severity)));
 }
 
 QString cpuDetail(double cpuPercent) {
-    return QStringLiteral("%1% normalized across cores").arg(wholePercent(cpuPercent));
+    return u"%1% normalized across cores"_s.arg(wholePercent(cpuPercent));
 }
 
 QString memoryDetail(const MemorySnapshot& memory) {
-    return QStringLiteral("%1 GB used of %2 GB")
-        .arg(gigabytes(memory.usedGB), gigabytes(memory.totalGB));
+    return u"%1 GB used of %2 GB"_s.arg(gigabytes(memory.usedGB), gigabytes(memory.totalGB));
 }
 
 QString reclaimableDetail(const MemorySnapshot& memory) {
-    return QStringLiteral("%1 GB free · Wired %2 GB · Compressed %3 GB")
-        .arg(gigabytes(memory.freeGB), gigabytes(memory.wiredGB), gigabytes(memory.compressedGB));
+    return u"%1 GB free · Wired %2 GB · Compressed %3 GB"_s.arg(
+        gigabytes(memory.freeGB), gigabytes(memory.wiredGB), gigabytes(memory.compressedGB));
 }
 
 QString sessionNote(int seconds) {
-    return QStringLiteral("Current session · last %1 seconds").arg(seconds);
+    return u"Current session · last %1 seconds"_s.arg(seconds);
 }
 
 QString timelineCaption(int seconds) {
-    return sessionNote(seconds) + QStringLiteral(" · updates every 4 seconds");
+    return sessionNote(seconds) + u" · updates every 4 seconds"_s;
 }
 
 QString averageAndThreshold(double average, double threshold) {
-    return QStringLiteral("Avg %1 · Warn %2").arg(percentText(average), percentText(threshold));
+    return u"Avg %1 · Warn %2"_s.arg(percentText(average), percentText(threshold));
 }
 
 QString memoryText(double megabytes) {
     // Judged as it would be shown, so that "1,024 MB" never stands beside "1.0 GB".
     if (!(std::round(megabytes) >= megabytesPerGigabyte)) {
-        return QStringLiteral("%1 MB").arg(decimal(megabytes, 0));
+        return u"%1 MB"_s.arg(decimal(megabytes, 0));
     }
-    return QStringLiteral("%1 GB").arg(oneDecimal(megabytes / megabytesPerGigabyte));
+    return u"%1 GB"_s.arg(oneDecimal(megabytes / megabytesPerGigabyte));
 }
 
 QString warnAt(double threshold) {
-    return QStringLiteral("Warn at %1%").arg(wholePercent(threshold));
+    return u"Warn at %1%"_s.arg(wholePercent(threshold));
 }
 
 QString sortStatus(int count, Date updated) {
-    return QStringLiteral("Sorted by Impact ↓ · %1 visible processes · updated %2")
-        .arg(count)
-        .arg(timeText(updated));
+    return u"Sorted by Impact ↓ · %1 visible processes · updated %2"_s.arg(count).arg(
+        timeText(updated));
 }
 
 QString timeText(Date date) {

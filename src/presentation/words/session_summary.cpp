@@ -6,6 +6,8 @@
 
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -20,39 +22,38 @@ QString valueOf(const std::vector<SessionInsight>& insights, std::string_view ti
     const auto found =
         std::find_if(insights.begin(), insights.end(),
                      [title](const SessionInsight& insight) { return insight.title == title; });
-    return found == insights.end() ? QStringLiteral("None yet") : text(found->value);
+    return found == insights.end() ? u"None yet"_s : text(found->value);
 }
 
 QString neverQuitDetail(const ProtectedAppNames& names) {
     if (names.empty()) {
-        return QStringLiteral("No custom app groups are protected yet.");
+        return u"No custom app groups are protected yet."_s;
     }
     QStringList listed;
     for (const std::string& name : names) {
         listed.append(text(name));
     }
-    return listed.join(QStringLiteral(", "));
+    return listed.join(u", "_s);
 }
 
 }  // namespace
 
 SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsight>& insights) {
     return {title, valueOf(insights, "Recurring Top App"),
-            QStringLiteral("Most visible app group in this Tallowcrest session.")};
+            u"Most visible app group in this Tallowcrest session."_s};
 }
 
 std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activityLog,
                                          const std::vector<SessionInsight>& insights,
                                          const ProtectedAppNames& protectedAppNames) {
     return {
-        {QStringLiteral("Events"),
-         QStringLiteral("%1 warnings").arg(countOf(activityLog, "Warning")),
-         QStringLiteral("%1 logged actions. Use Export for a full diagnostics file.")
-             .arg(countOf(activityLog, "Action"))},
-        recurringTopApp(QStringLiteral("Recurring Top App"), insights),
-        {QStringLiteral("Remote Repeater"), valueOf(insights, "Remote Repeater"),
-         QStringLiteral("Most repeated top remote app group across SSH scans.")},
-        {QStringLiteral("Never Quit"), QStringLiteral("%1 apps").arg(protectedAppNames.size()),
+        {u"Events"_s, u"%1 warnings"_s.arg(countOf(activityLog, "Warning")),
+         u"%1 logged actions. Use Export for a full diagnostics file."_s.arg(
+             countOf(activityLog, "Action"))},
+        recurringTopApp(u"Recurring Top App"_s, insights),
+        {u"Remote Repeater"_s, valueOf(insights, "Remote Repeater"),
+         u"Most repeated top remote app group across SSH scans."_s},
+        {u"Never Quit"_s, u"%1 apps"_s.arg(protectedAppNames.size()),
          neverQuitDetail(protectedAppNames)},
     };
 }

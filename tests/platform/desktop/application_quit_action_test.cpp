@@ -18,6 +18,8 @@
 #include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -212,10 +214,10 @@ TEST_F(QuitActionTest, ABusThatHangsHoldsNobodyUp) {
 TEST_F(QuitActionTest, WithoutABusNobodyIsAsked) {
     TestApplication application("present");
     ASSERT_EQ(application.greeting, "ready");
-    const QDBusConnection never(QStringLiteral("never connected"));
+    const QDBusConnection never(u"never connected"_s);
     EXPECT_EQ(ApplicationQuitAction(everyProcess, never).askToQuit({application.member()}), 0U);
     const QDBusConnection nowhere =
-        QDBusConnection::connectToBus(QStringLiteral("unix:path=/nowhere"), QStringLiteral("none"));
+        QDBusConnection::connectToBus(u"unix:path=/nowhere"_s, u"none"_s);
     EXPECT_EQ(ApplicationQuitAction(everyProcess, nowhere).askToQuit({application.member()}), 0U);
     expectNeverAsked(application);
     bus.daemon().end();

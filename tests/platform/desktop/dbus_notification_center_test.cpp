@@ -7,6 +7,8 @@
 
 #include "tests/platform/desktop/dbus_notification_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -98,7 +100,7 @@ TEST_F(DBusNotificationCenterTest, NamesOfStrangersDoNoHarm) {
     show(daemon, "Top process: a\nb\u202E<c" + std::string(10'000, '&'));
     const QString body = daemon.shown().front().body;
     EXPECT_TRUE(body.startsWith("Top process: a?b?&lt;c&amp;&amp;")) << body.toStdString();
-    EXPECT_TRUE(body.endsWith(QStringLiteral("&amp;…"))) << body.toStdString();
+    EXPECT_TRUE(body.endsWith(u"&amp;…"_s)) << body.toStdString();
     EXPECT_LT(body.size(), 4000);
 }
 

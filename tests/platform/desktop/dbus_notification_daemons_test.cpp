@@ -6,6 +6,8 @@
 
 #include "tests/platform/desktop/dbus_notification_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -48,7 +50,7 @@ TEST_F(DBusNotificationDaemonsTest, WithoutABusPostsAreLostWithoutAWord) {
         center->post(content("lost"));
         QCoreApplication::processEvents();
     }
-    DBusNotificationCenter never(QDBusConnection(QStringLiteral("never connected")));
+    DBusNotificationCenter never(QDBusConnection(u"never connected"_s));
     never.post(content("lost"));
     QCoreApplication::processEvents();
     EXPECT_EQ(daemon.bodies(), QStringList({"high"}));
@@ -119,7 +121,7 @@ TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
             return daemon.calls().count(method) > before + 1;
         });
     };
-    daemon.answerWith("GetCapabilities", QStringLiteral("actions"));
+    daemon.answerWith("GetCapabilities", u"actions"_s);
     EXPECT_TRUE(survives("GetCapabilities"));
     EXPECT_THAT(daemon.shown(), IsEmpty());
     daemon.answerWith({}, {});
@@ -129,7 +131,7 @@ TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
     daemon.refuse("Notify");
     EXPECT_TRUE(survives("Notify"));
     daemon.refuse({});
-    daemon.answerWith("Notify", QStringLiteral("seventeen"));
+    daemon.answerWith("Notify", u"seventeen"_s);
     EXPECT_TRUE(survives("Notify"));
     daemon.answerWith({}, {});
     ASSERT_TRUE(showsAgain(daemon));

@@ -9,6 +9,8 @@
 #include "tests/platform/desktop/scripted_file_manager.h"
 #include "tests/platform/desktop/turn_until.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -26,9 +28,9 @@ protected:
 
     void startFileManager() {
         QDBusConnection there(there_);
-        ASSERT_TRUE(there.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
+        ASSERT_TRUE(there.registerObject(u"/org/freedesktop/FileManager1"_s, &manager,
                                          QDBusConnection::ExportAllSlots));
-        ASSERT_TRUE(there.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+        ASSERT_TRUE(there.registerService(u"org.freedesktop.FileManager1"_s));
     }
 
     PrivateBus bus;
@@ -45,9 +47,8 @@ TEST_F(FileManagerTest, IsAskedToShowTheFileByItsAddress) {
     show("/home/owner/My Reports/50% #1 für Zoë.txt");
     ASSERT_TRUE(turnUntil([this] { return !manager.shown.isEmpty(); }));
     EXPECT_EQ(manager.shown,
-              QStringList(QStringLiteral(
-                  "file:///home/owner/My%20Reports/50%25%20%231%20f%C3%BCr%20Zo%C3%AB"
-                  ".txt")));
+              QStringList(u"file:///home/owner/My%20Reports/50%25%20%231%20f%C3%BCr%20Zo%C3%AB"
+                          ".txt"_s));
     // The next question is answered after the answer to this one.
     show("/tmp/a.txt");
     ASSERT_TRUE(turnUntil([this] { return manager.shown.size() == 2; }));
@@ -59,30 +60,30 @@ TEST_F(FileManagerTest, ThatRefusesLeavesTheFolderToBeOpened) {
     manager.refuses = true;
     show("/home/owner/My Reports/a.txt");
     ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
-    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/My Reports")));
+    EXPECT_EQ(opened, QStringList(u"/home/owner/My Reports"_s));
 }
 
 TEST_F(FileManagerTest, WithoutOneTheFolderIsOpened) {
     show("/home/owner/reports/a.txt");
     ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
-    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+    EXPECT_EQ(opened, QStringList(u"/home/owner/reports"_s));
 }
 
 TEST_F(FileManagerTest, WithoutABusTheFolderIsOpened) {
     bus.daemon().end();
     show("/home/owner/reports/a.txt");
     ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
-    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+    EXPECT_EQ(opened, QStringList(u"/home/owner/reports"_s));
 }
 
 TEST(FileManagerWithoutASession, LeavesTheFolderToBeOpened) {
     QStringList opened;
-    const QString name = QStringLiteral("no-bus");
+    const QString name = u"no-bus"_s;
     showInFileManager("/home/owner/reports/a.txt",
-                      QDBusConnection::connectToBus(QStringLiteral("unix:path=/nonexistent"), name),
+                      QDBusConnection::connectToBus(u"unix:path=/nonexistent"_s, name),
                       [&opened](const QUrl& folder) { opened.append(folder.toLocalFile()); });
     QDBusConnection::disconnectFromBus(name);
-    EXPECT_EQ(opened, QStringList(QStringLiteral("/home/owner/reports")));
+    EXPECT_EQ(opened, QStringList(u"/home/owner/reports"_s));
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
-#include "platform/instance/local_socket.h"
+#include "platform/base/local_socket.h"
 #include "tests/platform/desktop/turn_until.h"
 #include "tests/platform/support/child_scenario.h"
 #include "tests/support/temporary_folder.h"

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -21,10 +23,9 @@ TEST(NotificationTextTest, ControlCharactersAreReplacedAndNothingElse) {
         {"line ends and tabs", "a\nb\r\tc", "a?b??c"},
         {"zero byte", std::string("a\0b", 3), "a?b"},
         {"overrides", "\u202Ea\u202Cb", "?a?b"},
-        {"no UTF-8", "a\xFF-\xC3", QStringLiteral("a\uFFFD-\uFFFD")},
-        {"letters of a script from right to left", "\u05D0\u05D1", QStringLiteral("\u05D0\u05D1")},
-        {"joined emoji", "\U0001F468\u200D\U0001F4BB",
-         QStringLiteral("\U0001F468\u200D\U0001F4BB")},
+        {"no UTF-8", "a\xFF-\xC3", u"a\uFFFD-\uFFFD"_s},
+        {"letters of a script from right to left", "\u05D0\u05D1", u"\u05D0\u05D1"_s},
+        {"joined emoji", "\U0001F468\u200D\U0001F4BB", u"\U0001F468\u200D\U0001F4BB"_s},
     };
     for (const Case& each : cases) {
         EXPECT_EQ(notificationText(each.text, 100), each.shown) << each.what;
@@ -40,14 +41,13 @@ TEST(NotificationTextTest, WhatIsTooLongEndsInAnEllipsisAtAWholeCharacter) {
     // Five units, one of them for the ellipsis.
     const std::vector<Case> cases{
         {"fits", "12345", "12345"},
-        {"one too many", "123456", QStringLiteral("1234…")},
-        {"a pair fits", "12\U0001F600\x39\x39", QStringLiteral("12\U0001F600…")},
-        {"a pair does not", "123\U0001F600\x39", QStringLiteral("123…")},
-        {"an accent of its own", "123e\u0301x", QStringLiteral("123…")},
+        {"one too many", "123456", u"1234…"_s},
+        {"a pair fits", "12\U0001F600\x39\x39", u"12\U0001F600…"_s},
+        {"a pair does not", "123\U0001F600\x39", u"123…"_s},
+        {"an accent of its own", "123e\u0301x", u"123…"_s},
         {"a character longer than all the room", "e\u0301\u0301\u0301\u0301\u0301\u0301",
-         QStringLiteral("e\u0301\u0301\u0301…")},
-        {"pairs in one that is too long", "e\U0001F3FB\U0001F3FB\U0001F3FB",
-         QStringLiteral("e\U0001F3FB…")},
+         u"e\u0301\u0301\u0301…"_s},
+        {"pairs in one that is too long", "e\U0001F3FB\U0001F3FB\U0001F3FB", u"e\U0001F3FB…"_s},
     };
     for (const Case& each : cases) {
         EXPECT_EQ(notificationText(each.text, 5), each.shown) << each.what;
@@ -56,9 +56,9 @@ TEST(NotificationTextTest, WhatIsTooLongEndsInAnEllipsisAtAWholeCharacter) {
 }
 
 TEST(NotificationTextTest, MarkupShowsLetterForLetter) {
-    EXPECT_EQ(asNotificationMarkup(QStringLiteral("<b>x</b> & \"co\" it's")),
-              QStringLiteral("&lt;b&gt;x&lt;/b&gt; &amp; &quot;co&quot; it's"));
-    EXPECT_EQ(asNotificationMarkup(QStringLiteral("&amp;")), QStringLiteral("&amp;amp;"));
+    EXPECT_EQ(asNotificationMarkup(u"<b>x</b> & \"co\" it's"_s),
+              u"&lt;b&gt;x&lt;/b&gt; &amp; &quot;co&quot; it's"_s);
+    EXPECT_EQ(asNotificationMarkup(u"&amp;"_s), u"&amp;amp;"_s);
     EXPECT_EQ(asNotificationMarkup(QString()), QString());
 }
 

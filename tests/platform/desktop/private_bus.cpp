@@ -7,6 +7,8 @@
 #include <QDBusReply>
 #include <QDeadlineTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -34,15 +36,15 @@ PrivateBus::PrivateBus(const std::string& services)
 
 QString PrivateBus::connect() const {
     static int count = 0;
-    const QString name = QStringLiteral("private-bus-%1").arg(++count);
+    const QString name = u"private-bus-%1"_s.arg(++count);
     QDBusConnection::connectToBus(address_, name);
     return name;
 }
 
 bool settle(const QDBusConnection& connection) {
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    const QDBusMessage question = QDBusMessage::createMethodCall(
-        bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId"));
+    const QString bus = u"org.freedesktop.DBus"_s;
+    const QDBusMessage question =
+        QDBusMessage::createMethodCall(bus, u"/org/freedesktop/DBus"_s, bus, u"GetId"_s);
     return connection.call(question, QDBus::Block, patience).type() == QDBusMessage::ReplyMessage;
 }
 

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QStringList>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 /// A file manager on the bus that shows nothing and remembers what it was to show.
@@ -20,7 +22,7 @@ public slots:
     // The protocol's own name.
     void ShowItems(const QStringList& addresses, const QString& /*startup*/) {
         if (refuses) {
-            sendErrorReply(QDBusError::Failed, QStringLiteral("not today"));
+            sendErrorReply(QDBusError::Failed, u"not today"_s);
             return;
         }
         shown += addresses;

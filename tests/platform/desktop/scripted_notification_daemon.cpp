@@ -6,11 +6,13 @@
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.Notifications");
-const QString path = QStringLiteral("/org/freedesktop/Notifications");
+const QString service = u"org.freedesktop.Notifications"_s;
+const QString path = u"/org/freedesktop/Notifications"_s;
 
 QDBusMessage signalNamed(const char* name, const QString& destination = {}) {
     const QString signal = QString::fromLatin1(name);
@@ -92,7 +94,7 @@ bool ScriptedNotificationDaemon::handleMessage(const QDBusMessage& message,
                                                const QDBusConnection&) {
     const QString method = message.member();
     calls_ << method;
-    if (method == QLatin1String("Notify")) {
+    if (method == "Notify"_L1) {
         const QVariantList given = message.arguments();
         shown_.push_back({nextId_++, message.signature(), given.value(0).toString(),
                           given.value(1).toUInt(), given.value(2).toString(),
@@ -111,7 +113,7 @@ bool ScriptedNotificationDaemon::handleMessage(const QDBusMessage& message,
 
 void ScriptedNotificationDaemon::answer(const QDBusMessage& message) const {
     bus_.send(message.member() == refusedMethod_
-                  ? message.createErrorReply(refusal_, QStringLiteral("not today"))
+                  ? message.createErrorReply(refusal_, u"not today"_s)
                   : message.createReply(answerTo(message)));
 }
 
@@ -119,8 +121,7 @@ QVariant ScriptedNotificationDaemon::answerTo(const QDBusMessage& message) const
     if (message.member() == scriptedMethod_) {
         return scriptedAnswer_;
     }
-    return message.member() == QLatin1String("Notify") ? QVariant(shown_.back().id)
-                                                       : QVariant(capabilities_);
+    return message.member() == "Notify"_L1 ? QVariant(shown_.back().id) : QVariant(capabilities_);
 }
 
 void tellPress(const QDBusConnection& from, uint id, const QString& key,

@@ -18,7 +18,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/instance/local_socket.h"
+#include "platform/base/local_socket.h"
 #include "tests/platform/support/test_children.h"
 #include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"

@@ -3,6 +3,8 @@
 #include <QAccessible>
 #include <QApplication>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 tallowcrest::Announcements* listener = nullptr;
@@ -47,8 +49,7 @@ void Announcements::hear(QAccessibleEvent& event) {
     if (known.widget != nullptr && known.words == now) {
         const bool isName = event.type() == QAccessible::NameChanged;
         repeated_.push_back(
-            (widget->objectName() + QStringLiteral(": ") + (isName ? now.first : now.second))
-                .toStdString());
+            (widget->objectName() + u": "_s + (isName ? now.first : now.second)).toStdString());
     }
     known = {widget, now};
 }

@@ -5,6 +5,8 @@
 #include "presentation/widgets/spoken.h"
 #include "tests/presentation/screens/overview/blocks_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -13,19 +15,19 @@ using testing::IsEmpty;
 
 TEST(Announcements, TheSameWordsAreToldOnce) {
     QWidget widget;
-    widget.setObjectName(QStringLiteral("probe"));
+    widget.setObjectName(u"probe"_s);
     const Announcements heard;
-    setSpokenName(widget, QStringLiteral("name"));
-    setSpokenDescription(widget, QStringLiteral("description"));
+    setSpokenName(widget, u"name"_s);
+    setSpokenDescription(widget, u"description"_s);
     EXPECT_EQ(heard.count(), 2);
-    setSpokenName(widget, QStringLiteral("name"));
-    setSpokenDescription(widget, QStringLiteral("description"));
+    setSpokenName(widget, u"name"_s);
+    setSpokenDescription(widget, u"description"_s);
     EXPECT_EQ(heard.count(), 2);
     EXPECT_THAT(heard.repeated(), IsEmpty());
-    setSpokenName(widget, QStringLiteral("other"));
+    setSpokenName(widget, u"other"_s);
     EXPECT_EQ(heard.count(), 3);
-    EXPECT_EQ(widget.accessibleName(), QStringLiteral("other"));
-    widget.setAccessibleName(QStringLiteral("other"));
+    EXPECT_EQ(widget.accessibleName(), u"other"_s);
+    widget.setAccessibleName(u"other"_s);
     EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "which Qt itself would tell";
 }
 

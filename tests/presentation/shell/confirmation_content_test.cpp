@@ -3,6 +3,8 @@
 #include "presentation/widgets/danger_button.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -11,8 +13,7 @@ protected:
     QStringList shownPaths() {
         QStringList paths;
         for (const auto* line : dialog().findChildren<ElidedLabel*>()) {
-            if (line->isVisible() &&
-                line->objectName().startsWith(QStringLiteral("confirmation.path."))) {
+            if (line->isVisible() && line->objectName().startsWith(u"confirmation.path."_s)) {
                 paths.append(line->text());
             }
         }
@@ -37,15 +38,15 @@ TEST_F(ConfirmationContentTest, SaysWhatTheRequestSays) {
     machine.monitor().localActions().requestQuitSelectedProcess();
     settle();
     ASSERT_TRUE(isOpen());
-    EXPECT_EQ(dialog().windowTitle(), QStringLiteral("Confirm Action"));
-    EXPECT_EQ(dialog().accessibleName(), QStringLiteral("Confirm Action"));
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Quit photo-indexer?"));
+    EXPECT_EQ(dialog().windowTitle(), u"Confirm Action"_s);
+    EXPECT_EQ(dialog().accessibleName(), u"Confirm Action"_s);
+    EXPECT_EQ(textOf("confirmation.title"), u"Quit photo-indexer?"_s);
     EXPECT_EQ(textOf("confirmation.message"),
-              QStringLiteral("Tallowcrest will send TERM to PID 800. Unsaved work may be lost if "
-                             "the app cannot close cleanly."));
-    EXPECT_EQ(cancel().text(), QStringLiteral("Cancel"));
-    EXPECT_EQ(confirm().text(), QStringLiteral("Quit Process"));
-    EXPECT_EQ(shownPaths(), QStringList(QStringLiteral("/usr/bin/photo-indexer")));
+              u"Tallowcrest will send TERM to PID 800. Unsaved work may be lost if "
+              "the app cannot close cleanly."_s);
+    EXPECT_EQ(cancel().text(), u"Cancel"_s);
+    EXPECT_EQ(confirm().text(), u"Quit Process"_s);
+    EXPECT_EQ(shownPaths(), QStringList(u"/usr/bin/photo-indexer"_s));
     EXPECT_EQ(dialog().accessibleDescription(), textOf("confirmation.title") + u'\n' +
                                                     textOf("confirmation.message") + u'\n' +
                                                     textOf("confirmation.path.0"));
@@ -77,23 +78,21 @@ TEST_F(ConfirmationContentTest, ShowsTheExecutablesOfItsTargetAndNoMoreThanAFew)
     const int without = dialog().height();
 
     ask(probe("One?"), {"/opt/one"});
-    EXPECT_EQ(shownPaths(), QStringList(QStringLiteral("/opt/one")));
-    EXPECT_EQ(visible("confirmation.paths")->accessibleName(), QStringLiteral("Executable"));
+    EXPECT_EQ(shownPaths(), QStringList(u"/opt/one"_s));
+    EXPECT_EQ(visible("confirmation.paths")->accessibleName(), u"Executable"_s);
     EXPECT_EQ(visible("confirmation.more-paths"), nullptr);
     EXPECT_GT(dialog().height(), without);
 
     ask(probe("Five?"), {"/a", "/b", "/c", "/d", "/e"});
-    EXPECT_EQ(shownPaths().join(u' '), QStringLiteral("/a /b /c /d /e"));
+    EXPECT_EQ(shownPaths().join(u' '), u"/a /b /c /d /e"_s);
     EXPECT_EQ(visible("confirmation.more-paths"), nullptr);
 
     ask(probe("Seven?"), {"/a", "/b", "/c", "/d", "/e", "/f<i>", "/g"});
-    EXPECT_EQ(shownPaths().join(u' '), QStringLiteral("/a /b /c /d /e"));
-    EXPECT_EQ(textOf("confirmation.more-paths"), QStringLiteral("and 2 more"));
-    EXPECT_EQ(visible("confirmation.paths")->accessibleName(), QStringLiteral("Executables"));
-    EXPECT_EQ(visible("confirmation.more-paths")->accessibleDescription(),
-              QStringLiteral("/f<i>\n/g"));
-    EXPECT_TRUE(
-        visible("confirmation.more-paths")->toolTip().contains(QStringLiteral("/f&lt;i&gt;")));
+    EXPECT_EQ(shownPaths().join(u' '), u"/a /b /c /d /e"_s);
+    EXPECT_EQ(textOf("confirmation.more-paths"), u"and 2 more"_s);
+    EXPECT_EQ(visible("confirmation.paths")->accessibleName(), u"Executables"_s);
+    EXPECT_EQ(visible("confirmation.more-paths")->accessibleDescription(), u"/f<i>\n/g"_s);
+    EXPECT_TRUE(visible("confirmation.more-paths")->toolTip().contains(u"/f&lt;i&gt;"_s));
 
     ask(probe("None?"));
     EXPECT_EQ(visible("confirmation.paths"), nullptr);
@@ -129,8 +128,8 @@ TEST_F(ConfirmationContentTest, ALongPathKeepsItsEnds) {
     ask(probe(), {"/opt/" + std::string(300, 'x') + "/end"});
     const auto* line = visible<ElidedLabel>("confirmation.path.0");
     ASSERT_EQ(line->shownLines().size(), 1);
-    EXPECT_TRUE(line->shownLines().first().startsWith(QStringLiteral("/opt/")));
-    EXPECT_TRUE(line->shownLines().first().endsWith(QStringLiteral("/end")));
+    EXPECT_TRUE(line->shownLines().first().startsWith(u"/opt/"_s));
+    EXPECT_TRUE(line->shownLines().first().endsWith(u"/end"_s));
 }
 
 TEST_F(ConfirmationContentTest, HostileTextsAreShownAsTheyAreAndLeaveTheLayoutWhole) {
@@ -151,8 +150,8 @@ TEST_F(ConfirmationContentTest, HostileTextsAreShownAsTheyAreAndLeaveTheLayoutWh
         EXPECT_TRUE(dialog().rect().contains(cancel().geometry()));
         EXPECT_FALSE(cancel().geometry().intersects(confirm().geometry()));
         EXPECT_FALSE(textOf("confirmation.title").contains(u'\n'));
-        EXPECT_TRUE(textOf("confirmation.message").endsWith(QStringLiteral(" to quit.")));
-        EXPECT_TRUE(dialog().accessibleDescription().contains(QStringLiteral(" to quit.")));
+        EXPECT_TRUE(textOf("confirmation.message").endsWith(u" to quit."_s));
+        EXPECT_TRUE(dialog().accessibleDescription().contains(u" to quit."_s));
         for (const auto* label : dialog().findChildren<ElidedLabel*>()) {
             EXPECT_TRUE(!label->isVisible() ||
                         label->parentWidget()->rect().contains(label->geometry()));
@@ -161,15 +160,15 @@ TEST_F(ConfirmationContentTest, HostileTextsAreShownAsTheyAreAndLeaveTheLayoutWh
     ConfirmationRequest request = probe("<b>&Quit</b>?");
     request.confirmTitle = "<i>&Go</i>";
     ask(request);
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("<b>&Quit</b>?"));
-    EXPECT_EQ(confirm().accessibleName(), QStringLiteral("<i>&Go</i>"));
+    EXPECT_EQ(textOf("confirmation.title"), u"<b>&Quit</b>?"_s);
+    EXPECT_EQ(confirm().accessibleName(), u"<i>&Go</i>"_s);
     EXPECT_TRUE(confirm().shortcut().isEmpty());
 }
 
 TEST_F(ConfirmationContentTest, ANameCannotTurnTheWordsOfTheQuestionRound) {
     showWithSample();
     ask(probe("Quit a\u202Eb\u2066c\n\td?"));
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Quit a\uFFFDb\uFFFDc\uFFFD\uFFFDd?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Quit a\uFFFDb\uFFFDc\uFFFD\uFFFDd?"_s);
 }
 
 TEST_F(ConfirmationContentTest, TheWholeMessageAroundTheLongestFileNameIsShown) {
@@ -182,7 +181,7 @@ TEST_F(ConfirmationContentTest, TheWholeMessageAroundTheLongestFileNameIsShown) 
     EXPECT_TRUE(visible<ElidedLabel>("confirmation.message")
                     ->shownLines()
                     .last()
-                    .endsWith(QStringLiteral("work first.")));
+                    .endsWith(u"work first."_s));
 }
 
 TEST_F(ConfirmationContentTest, TheWholeTitleAroundTheLongestFileNameIsShown) {
@@ -200,7 +199,7 @@ TEST_F(ConfirmationContentTest, TheWholeTitleAroundTheLongestFileNameIsShown) {
     EXPECT_GT(longest.size(), 3);
     EXPECT_TRUE(longest.last().endsWith(u'?'));
     EXPECT_LT(visible("confirmation.title")->height(), longest.size() * lineHeight);
-    EXPECT_EQ(shownTitle("editor"), QStringList(QStringLiteral("Quit editor?")));
+    EXPECT_EQ(shownTitle("editor"), QStringList(u"Quit editor?"_s));
     EXPECT_EQ(visible("confirmation.title")->height(), lineHeight) << "large again";
     const QStringList some = shownTitle(std::string(30, 'W'));
     EXPECT_GT(some.size(), 1);

@@ -6,6 +6,8 @@
 #include "tests/presentation/shell/confirmation_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -188,7 +190,7 @@ TEST_F(ConfirmationDialogTest, AnotherRequestTakesThePlaceOfTheFirstAndCannotBeC
     dialog().setSettlingTime(1h);
     confirm().setFocus();
     ask(probe("Second?"));
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Second?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
     EXPECT_EQ(QApplication::focusWidget(), &cancel());
     ASSERT_FALSE(confirm().isEnabled());
     QTest::mouseClick(&confirm(), Qt::LeftButton);
@@ -205,7 +207,7 @@ TEST_F(ConfirmationDialogTest, ItCanBeConfirmedOnceItHasBeenSeen) {
     desk().requestConfirmation(probe("Second?"));
     // Without a turn of Qt's own loop, in which the moment passes.
     machine.mainQueue.drain();
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Second?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
     EXPECT_FALSE(confirm().isEnabled());
     settle();
     EXPECT_TRUE(confirm().isEnabled());
@@ -235,7 +237,7 @@ TEST_F(ConfirmationDialogTest, AnAnswerToAQuestionThatIsNoLongerPendingAnswersNo
         // Before the dialog has been told.
         QTest::mouseClick(visible<QPushButton>(identifier), Qt::LeftButton);
         EXPECT_TRUE(isOpen());
-        EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Second?"));
+        EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
         EXPECT_TRUE(desk().pendingConfirmation());
         EXPECT_THAT(confirmed, IsEmpty());
         EXPECT_THAT(canceled, IsEmpty());
@@ -299,7 +301,7 @@ TEST_F(ConfirmationDialogTest, SurvivesAChangeOfRoute) {
     for (const AppRoute each : allAppRoutes) {
         goTo(each);
         EXPECT_TRUE(isOpen()) << rawValue(each);
-        EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Go on?"));
+        EXPECT_EQ(textOf("confirmation.title"), u"Go on?"_s);
     }
     EXPECT_THAT(canceled, IsEmpty());
     click("confirmation.confirm");
@@ -330,7 +332,7 @@ TEST_F(ConfirmationDialogTest, OneThatCameWithTheClosingWaitsForTheWindow) {
     window().bringToFront();
     settle();
     EXPECT_TRUE(isOpen());
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Second?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
     EXPECT_THAT(canceled, IsEmpty());
 }
 

@@ -12,6 +12,8 @@
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -39,8 +41,8 @@ protected:
 // The shell --------------------------------------------------------------------------------------
 
 TEST_F(DashboardWindowTest, BearsItsNameAndItsIdentifier) {
-    EXPECT_EQ(window().windowTitle(), QStringLiteral("Tallowcrest"));
-    EXPECT_EQ(window().objectName(), QStringLiteral("tallowcrest.main"));
+    EXPECT_EQ(window().windowTitle(), u"Tallowcrest"_s);
+    EXPECT_EQ(window().objectName(), u"tallowcrest.main"_s);
     EXPECT_FALSE(machine.monitor().isStarted()) << "building a window is not showing it";
 }
 
@@ -58,21 +60,21 @@ TEST_F(DashboardWindowTest, MonitoringStartsAtTheFirstAppearanceAndOnce) {
 
 TEST_F(DashboardWindowTest, SaysThatItSamplesUntilTheFirstSample) {
     show();
-    EXPECT_EQ(textOf("status.session"), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(textOf("status.session"), u"Sampling this Mac..."_s);
     machine.finishSamples();
     settle();
-    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 4 seconds"));
+    EXPECT_EQ(textOf("status.session"), u"Current session · last 4 seconds"_s);
     tick();
-    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 8 seconds"));
+    EXPECT_EQ(textOf("status.session"), u"Current session · last 8 seconds"_s);
 }
 
 TEST_F(DashboardWindowTest, StripShowsThresholdAndLastAction) {
     show();
-    EXPECT_EQ(visible("status.threshold")->accessibleName(), QStringLiteral("Warn at 82%"));
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Monitoring started."));
+    EXPECT_EQ(visible("status.threshold")->accessibleName(), u"Warn at 82%"_s);
+    EXPECT_EQ(textOf("status.last-action"), u"Monitoring started."_s);
     machine.monitor().log().setLastAction("<b>Something</b> happened.");
     settle();
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("<b>Something</b> happened."));
+    EXPECT_EQ(textOf("status.last-action"), u"<b>Something</b> happened."_s);
 }
 
 TEST_F(DashboardWindowTest, TellsOnceThatTheFirstSampleIsOnScreen) {
@@ -97,12 +99,12 @@ TEST_F(DashboardWindowTest, SidebarListsEveryRouteInOrder) {
         titles.append(row->text());
     }
     EXPECT_EQ(identifiers.join(u' '),
-              QStringLiteral("sidebar.overview sidebar.load sidebar.optimize "
-                             "sidebar.optimizationSuggestions sidebar.aiAdvisor sidebar.chat "
-                             "sidebar.remoteMacs sidebar.history sidebar.settings"));
+              u"sidebar.overview sidebar.load sidebar.optimize "
+              "sidebar.optimizationSuggestions sidebar.aiAdvisor sidebar.chat "
+              "sidebar.remoteMacs sidebar.history sidebar.settings"_s);
     EXPECT_EQ(titles.join(u'|'),
-              QStringLiteral("Overview|Processes|Optimize|Suggestions|AI Advisor|Chat|Remote "
-                             "Macs|History|Settings"));
+              u"Overview|Processes|Optimize|Suggestions|AI Advisor|Chat|Remote "
+              "Macs|History|Settings"_s);
     int above = -1;
     for (const SidebarRow* row : window().findChildren<SidebarRow*>()) {
         EXPECT_GT(row->y(), above);
@@ -116,13 +118,13 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         goTo(each);
         EXPECT_EQ(textOf("page.title"), qString(title(each)));
         EXPECT_EQ(textOf("page.subtitle"), qString(subtitle(each)));
-        EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? QStringLiteral("OverviewPage")
-                                 : each == AppRoute::load     ? QStringLiteral("ProcessesPage")
-                                 : each == AppRoute::optimize ? QStringLiteral("CleanupPage")
-                                 : each == AppRoute::history  ? QStringLiteral("HistoryPage")
-                                 : each == AppRoute::settings ? QStringLiteral("SettingsPage")
-                                                              : QStringLiteral("ComingPage"));
-        const auto identifier = QStringLiteral("sidebar.") + qString(rawValue(each));
+        EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? u"OverviewPage"_s
+                                 : each == AppRoute::load     ? u"ProcessesPage"_s
+                                 : each == AppRoute::optimize ? u"CleanupPage"_s
+                                 : each == AppRoute::history  ? u"HistoryPage"_s
+                                 : each == AppRoute::settings ? u"SettingsPage"_s
+                                                              : u"ComingPage"_s);
+        const auto identifier = u"sidebar."_s + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }
 }
@@ -131,7 +133,7 @@ TEST_F(DashboardWindowTest, SidebarRowsChooseRoutesByClick) {
     showWithSample();
     click("sidebar.chat");
     EXPECT_EQ(route(), AppRoute::chat);
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+    EXPECT_EQ(textOf("page.title"), u"Chat"_s);
     click("sidebar.chat");
     EXPECT_EQ(route(), AppRoute::chat);
 }
@@ -175,7 +177,7 @@ TEST_F(DashboardWindowTest, OpeningARouteOfAClosedWindowOpensItThere) {
     window().openRoute(AppRoute::optimize);
     settle();
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+    EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
 }
 
 TEST_F(DashboardWindowTest, OpeningARouteOfAMinimisedWindowBringsItBack) {
@@ -185,7 +187,7 @@ TEST_F(DashboardWindowTest, OpeningARouteOfAMinimisedWindowBringsItBack) {
     window().openRoute(AppRoute::history);
     settle();
     EXPECT_FALSE(window().isMinimized());
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("History"));
+    EXPECT_EQ(textOf("page.title"), u"History"_s);
 }
 
 TEST_F(DashboardWindowTest, OpeningARouteKeepsAMaximisedWindowMaximised) {
@@ -259,7 +261,7 @@ TEST_F(DashboardWindowTest, AClosedWindowDoesNoWork) {
     window().show();
     settle();
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_EQ(textOf("status.session"), QStringLiteral("Current session · last 12 seconds"));
+    EXPECT_EQ(textOf("status.session"), u"Current session · last 12 seconds"_s);
 }
 
 TEST_F(DashboardWindowTest, AMinimisedWindowDoesNoWork) {
@@ -281,7 +283,7 @@ TEST_F(DashboardWindowTest, ARouteChosenWhileClosedShowsWhenTheWindowComesBack) 
     goTo(AppRoute::chat);
     window().show();
     settle();
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Chat"));
+    EXPECT_EQ(textOf("page.title"), u"Chat"_s);
 }
 
 TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
@@ -332,7 +334,7 @@ TEST_F(DashboardWindowTest, ALongMessageIsReadWholeInANarrowWindow) {
     settle();
     const auto* label = visible<ElidedLabel>("status.last-action");
     ASSERT_NE(label, nullptr);
-    EXPECT_TRUE(label->shownLines().last().endsWith(QStringLiteral("run yet.")))
+    EXPECT_TRUE(label->shownLines().last().endsWith(u"run yet."_s))
         << label->shownLines().join(u'|').toStdString();
 }
 

@@ -6,6 +6,8 @@
 #include "presentation/widgets/capsule.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -48,7 +50,7 @@ protected:
 
     QString capsule() {
         const auto* found = visible<Capsule>("status.automation");
-        return found == nullptr ? QStringLiteral("(not shown)") : found->accessibleValue();
+        return found == nullptr ? u"(not shown)"_s : found->accessibleValue();
     }
 };
 
@@ -59,10 +61,10 @@ TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOncePressAndResumesByAnothe
     showWithSample();
     auto* stop = visible<QPushButton>("overview.emergency-stop");
     ASSERT_NE(stop, nullptr);
-    EXPECT_EQ(stop->text(), QStringLiteral("Emergency Stop"));
-    const QString effect = QStringLiteral(
-        "Immediately disables automatic cleanup, purge, remote scans, and AI "
-        "autonomous execution.");
+    EXPECT_EQ(stop->text(), u"Emergency Stop"_s);
+    const QString effect =
+        u"Immediately disables automatic cleanup, purge, remote scans, and AI "
+        "autonomous execution."_s;
     EXPECT_EQ(stop->accessibleDescription(), effect);
     bool isRead = false;
     for (const auto* label : visible("overview.disk-autopilot")->findChildren<ElidedLabel*>()) {
@@ -78,11 +80,11 @@ TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOncePressAndResumesByAnothe
     EXPECT_FALSE(automation().isOn(AutomationSwitch::autoPurgeSustainedMemory));
     EXPECT_FALSE(isOpen()) << "nothing is asked first";
     EXPECT_EQ(textOf("overview.disk-autopilot-status"),
-              QStringLiteral("Emergency stop is engaged. All automatic actions are off."));
+              u"Emergency stop is engaged. All automatic actions are off."_s);
     EXPECT_EQ(visible("overview.disk-autopilot")->height(), height);
     auto* resume = visible<QPushButton>("overview.resume-manual-mode");
     ASSERT_NE(resume, nullptr);
-    EXPECT_EQ(resume->text(), QStringLiteral("Resume Manual Mode"));
+    EXPECT_EQ(resume->text(), u"Resume Manual Mode"_s);
     EXPECT_FALSE(place.intersects(QRect(resume->mapTo(&window(), QPoint()), resume->size())))
         << "the second press of a double click";
 
@@ -134,10 +136,10 @@ TEST_F(EmergencyStopTest, ATextFieldAndTheTableKeepTheKeyFromNobody) {
     goTo(AppRoute::load);
     auto* field = visible<QLineEdit>("processes.filter");
     field->setFocus();
-    field->setText(QStringLiteral("edit"));
+    field->setText(u"edit"_s);
     field->selectAll();
     expectKeysStop("the filter");
-    EXPECT_EQ(field->text(), QStringLiteral("edit"));
+    EXPECT_EQ(field->text(), u"edit"_s);
     table().setFocus();
     expectKeysStop("the table");
 }
@@ -179,7 +181,7 @@ TEST_F(EmergencyStopTest, TheKeyStopsWhileAboutIsShown) {
     showWithSample();
     entry("menu.about").trigger();
     settle();
-    auto* about = window().findChild<QMessageBox*>(QStringLiteral("about"));
+    auto* about = window().findChild<QMessageBox*>(u"about"_s);
     ASSERT_NE(about, nullptr);
     activate(*about);
     expectKeysStop("About");
@@ -229,7 +231,7 @@ TEST_F(EmergencyStopTest, AStopOfAnEarlierRunCanBeResumedAtOnce) {
     machine.store.write(settings_keys::automationEmergencyStopKey, true);
     EXPECT_TRUE(entry("menu.resume-manual-mode").isEnabled());
     show();
-    EXPECT_EQ(capsule(), QStringLiteral("Emergency Stop Engaged"));
+    EXPECT_EQ(capsule(), u"Emergency Stop Engaged"_s);
     EXPECT_NE(visible("overview.resume-manual-mode"), nullptr);
 }
 
@@ -241,41 +243,41 @@ TEST_F(EmergencyStopTest, TheStripTellsTheStopOnEveryRoute) {
         const QImage shot = visible("status.automation")->grab().toImage();
         return shot.pixelColor(shot.width() / 2, 0);
     };
-    EXPECT_EQ(capsule(), QStringLiteral("1 automation on"));
+    EXPECT_EQ(capsule(), u"1 automation on"_s);
     EXPECT_EQ(inkOf(), CrestTheme::current().hairline);
     automation().engageEmergencyStop();
     settle();
     for (const AppRoute each : allAppRoutes) {
         goTo(each);
-        EXPECT_EQ(capsule(), QStringLiteral("Emergency Stop Engaged")) << rawValue(each);
+        EXPECT_EQ(capsule(), u"Emergency Stop Engaged"_s) << rawValue(each);
         const QColor ink = inkOf();
         EXPECT_GT(ink.red(), ink.green() + 60) << rawValue(each);
         EXPECT_GT(ink.red(), ink.blue() + 60) << rawValue(each);
     }
     resume();
-    EXPECT_EQ(capsule(), QStringLiteral("No automations on"));
+    EXPECT_EQ(capsule(), u"No automations on"_s);
     EXPECT_EQ(inkOf(), CrestTheme::current().hairline);
 }
 
 TEST_F(EmergencyStopTest, TheStripCountsWhatMayActByItself) {
     showWithSample();
-    EXPECT_EQ(capsule(), QStringLiteral("1 automation on")) << "auto-select, from the start";
+    EXPECT_EQ(capsule(), u"1 automation on"_s) << "auto-select, from the start";
     int count = 1;
     for (const AutomationSwitch which :
          {AutomationSwitch::autoPurgeSustainedMemory, AutomationSwitch::autoScanRemoteMacs,
           AutomationSwitch::diskAutopilotEnabled, AutomationSwitch::aiSafeActionsEnabled}) {
         automation().set(which, true);
         settle();
-        EXPECT_EQ(capsule(), QStringLiteral("%1 automations on").arg(++count));
+        EXPECT_EQ(capsule(), u"%1 automations on"_s.arg(++count));
     }
     automation().set(AutomationSwitch::notificationsIncludeActions, false);
     settle();
-    EXPECT_EQ(capsule(), QStringLiteral("5 automations on")) << "a convenience acts on nothing";
+    EXPECT_EQ(capsule(), u"5 automations on"_s) << "a convenience acts on nothing";
     for (const AutomationSwitch which : allAutomationSwitches) {
         automation().set(which, false);
     }
     settle();
-    EXPECT_EQ(capsule(), QStringLiteral("No automations on"));
+    EXPECT_EQ(capsule(), u"No automations on"_s);
 }
 
 TEST_F(EmergencyStopTest, TheStripKeepsRoomForTheOutcomeAtEveryWidth) {

@@ -5,6 +5,8 @@
 #include "presentation/shell/menu_bar_panel.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -30,10 +32,9 @@ protected:
     MenuBarPanel& panelOf(int count) {
         std::vector<MenuBarEntry> entries;
         for (int i = 0; i < count; ++i) {
-            const QString title = QStringLiteral("H command %1").arg(QString(i, u'x'));
-            entries.push_back({[title] { return title; },
-                               i % 2 == 0 ? QStringLiteral("power") : QString(),
-                               QStringLiteral("command.%1").arg(i), [] {}});
+            const QString title = u"H command %1"_s.arg(QString(i, u'x'));
+            entries.push_back({[title] { return title; }, i % 2 == 0 ? u"power"_s : QString(),
+                               u"command.%1"_s.arg(i), [] {}});
         }
         panel_ = std::make_unique<MenuBarPanel>(machine.monitor(), std::move(entries));
         panel_->toggleAt({10, 10});
@@ -42,7 +43,7 @@ protected:
     }
 
     MenuBarRow& row(int number) {
-        return *panel_->findChild<MenuBarRow*>(QStringLiteral("command.%1").arg(number));
+        return *panel_->findChild<MenuBarRow*>(u"command.%1"_s.arg(number));
     }
 
 private:

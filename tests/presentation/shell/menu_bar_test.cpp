@@ -6,6 +6,8 @@
 #include "presentation/shell/menu_bar_panel.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -30,8 +32,7 @@ protected:
     /// The text of a line of the panel; of a hidden one, a word that says so.
     QString line(const char* identifier) {
         const auto* label = panel().findChild<ElidedLabel*>(QString::fromLatin1(identifier));
-        return label != nullptr && label->isVisible() ? label->text()
-                                                      : QStringLiteral("(not shown)");
+        return label != nullptr && label->isVisible() ? label->text() : u"(not shown)"_s;
     }
 
     void choose(const char* identifier) {
@@ -56,9 +57,9 @@ protected:
 
 TEST_F(MenuBarTest, PanelSaysThatItSamplesUntilTheFirstSample) {
     openPanel();
-    EXPECT_EQ(line("menubar.load"), QStringLiteral("Sampling..."));
-    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
-    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.load"), u"Sampling..."_s);
+    EXPECT_EQ(line("menubar.top-group"), u"(not shown)"_s);
+    EXPECT_EQ(line("menubar.latest"), u"(not shown)"_s);
 }
 
 TEST_F(MenuBarTest, ThePanelsFirstAppearanceStartsMonitoringToo) {
@@ -78,13 +79,13 @@ TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
     openPanel();
     machine.finishSamples();
     settle();
-    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 40% · Memory 59%"));
-    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: photo-indexer · 2.0 GB"));
-    EXPECT_EQ(line("menubar.latest"), QStringLiteral("Memory is tight · Caution"));
+    EXPECT_EQ(line("menubar.load"), u"CPU 40% · Memory 59%"_s);
+    EXPECT_EQ(line("menubar.top-group"), u"Top: photo-indexer · 2.0 GB"_s);
+    EXPECT_EQ(line("menubar.latest"), u"Memory is tight · Caution"_s);
     machine.metrics->processes[0].cpu = 10.0;
     tick();
-    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
-    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("Top: editor · 1.0 GB"));
+    EXPECT_EQ(line("menubar.load"), u"CPU 10% · Memory 59%"_s);
+    EXPECT_EQ(line("menubar.top-group"), u"Top: editor · 1.0 GB"_s);
 }
 
 TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
@@ -95,9 +96,9 @@ TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
     openPanel();
     machine.finishSamples();
     settle();
-    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 0% · Memory 59%"));
-    EXPECT_EQ(line("menubar.top-group"), QStringLiteral("(not shown)"));
-    EXPECT_EQ(line("menubar.latest"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(line("menubar.load"), u"CPU 0% · Memory 59%"_s);
+    EXPECT_EQ(line("menubar.top-group"), u"(not shown)"_s);
+    EXPECT_EQ(line("menubar.latest"), u"(not shown)"_s);
 }
 
 TEST_F(MenuBarTest, AHiddenPanelDoesNoWorkAndIsUpToDateWhenItOpens) {
@@ -108,10 +109,10 @@ TEST_F(MenuBarTest, AHiddenPanelDoesNoWorkAndIsUpToDateWhenItOpens) {
     ASSERT_FALSE(panel().isVisible());
     machine.metrics->processes[0].cpu = 10.0;
     tick();
-    EXPECT_EQ(panel().findChild<ElidedLabel*>(QStringLiteral("menubar.load"))->text(),
-              QStringLiteral("CPU 40% · Memory 59%"));
+    EXPECT_EQ(panel().findChild<ElidedLabel*>(u"menubar.load"_s)->text(),
+              u"CPU 40% · Memory 59%"_s);
     openPanel();
-    EXPECT_EQ(line("menubar.load"), QStringLiteral("CPU 10% · Memory 59%"));
+    EXPECT_EQ(line("menubar.load"), u"CPU 10% · Memory 59%"_s);
 }
 
 TEST_F(MenuBarTest, EscapeClosesThePanel) {
@@ -176,7 +177,7 @@ TEST_F(MenuBarTest, ShowDashboardOpensTheOverviewOfAClosedWindow) {
     openPanel();
     choose("menubar.show-dashboard");
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Overview"));
+    EXPECT_EQ(textOf("page.title"), u"Overview"_s);
     EXPECT_FALSE(panel().isVisible());
 }
 
@@ -184,7 +185,7 @@ TEST_F(MenuBarTest, OpenOptimizeOpensThatRouteOfAClosedWindow) {
     openPanel();
     choose("menubar.open-optimize");
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+    EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
 }
 
 TEST_F(MenuBarTest, SettingsOpensTheSheetInAClosedWindow) {
@@ -211,7 +212,7 @@ TEST_F(MenuBarTest, PurgeAsksInTheWindowHoweverThatStood) {
         choose("menubar.purge");
         EXPECT_TRUE(window().isVisible());
         EXPECT_FALSE(window().isMinimized());
-        EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+        EXPECT_EQ(textOf("confirmation.title"), u"Purge file caches?"_s);
         click("confirmation.cancel");
         EXPECT_EQ(machine.actions.cachePurge->count, 0);
     };
@@ -241,7 +242,7 @@ TEST_F(MenuBarTest, QuitTopAppAsksForTheHeaviestGroup) {
     openPanel();
     choose("menubar.quit-top-app");
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Quit photo-indexer?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Quit photo-indexer?"_s);
 }
 
 TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
@@ -251,31 +252,31 @@ TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
     openPanel();
     choose("menubar.quit-top-app");
     EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select an app group first."));
+    EXPECT_EQ(textOf("status.last-action"), u"Select an app group first."_s);
     EXPECT_EQ(visible("confirmation.cancel"), nullptr);
 }
 
 TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
     const auto title = [this] {
-        const auto* row = panel().findChild<QPushButton*>(QStringLiteral("menubar.auto-select"));
+        const auto* row = panel().findChild<QPushButton*>(u"menubar.auto-select"_s);
         EXPECT_EQ(row->accessibleName(), row->text());
         return row->text();
     };
     const Automation& automation = machine.monitor().automation();
     openPanel();
-    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select"));
+    EXPECT_EQ(title(), u"Disable Auto Select"_s);
     choose("menubar.auto-select");
     EXPECT_FALSE(automation.isOn(AutomationSwitch::autoSelectTopOffender));
     EXPECT_EQ(lastAction(), "Auto-select top offender disabled.");
     EXPECT_FALSE(window().isVisible()) << "nothing to read there";
     openPanel();
-    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+    EXPECT_EQ(title(), u"Enable Auto Select"_s);
     machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, true);
     settle();
-    EXPECT_EQ(title(), QStringLiteral("Disable Auto Select")) << "while the panel is open";
+    EXPECT_EQ(title(), u"Disable Auto Select"_s) << "while the panel is open";
     machine.monitor().automation().engageEmergencyStop();
     settle();
-    EXPECT_EQ(title(), QStringLiteral("Enable Auto Select"));
+    EXPECT_EQ(title(), u"Enable Auto Select"_s);
 }
 
 TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
@@ -284,7 +285,7 @@ TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
     choose("menubar.auto-select");
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("Auto-select remains off while Emergency Stop is engaged."));
+              u"Auto-select remains off while Emergency Stop is engaged."_s);
 }
 
 TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
@@ -300,8 +301,7 @@ TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
     openPanel();
     choose("menubar.export");
     EXPECT_TRUE(window().isVisible()) << "a refusal is read there";
-    EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("No diagnostic sample is available yet."));
+    EXPECT_EQ(textOf("status.last-action"), u"No diagnostic sample is available yet."_s);
     machine.finishSamples();
     openPanel();
     choose("menubar.copy-report");
@@ -316,13 +316,10 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
     }
     EXPECT_EQ(
         titles,
-        QStringList({QStringLiteral("Show Dashboard"), QStringLiteral("Open Optimize"),
-                     QStringLiteral("Disable Auto Select"), QStringLiteral("Settings"),
-                     QStringLiteral("Refresh"), QStringLiteral("Copy Report"),
-                     QStringLiteral("Export Diagnostics"), QStringLiteral("Purge File Caches"),
-                     QStringLiteral("Quit Top App"), QStringLiteral("Expand Dashboard Sections"),
-                     QStringLiteral("Collapse Dashboard Sections"),
-                     QStringLiteral("Quit Tallowcrest")}));
+        QStringList({u"Show Dashboard"_s, u"Open Optimize"_s, u"Disable Auto Select"_s,
+                     u"Settings"_s, u"Refresh"_s, u"Copy Report"_s, u"Export Diagnostics"_s,
+                     u"Purge File Caches"_s, u"Quit Top App"_s, u"Expand Dashboard Sections"_s,
+                     u"Collapse Dashboard Sections"_s, u"Quit Tallowcrest"_s}));
     QStringList onPanel;
     for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
         onPanel.append(button->text());

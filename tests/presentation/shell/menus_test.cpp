@@ -7,6 +7,8 @@
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -25,7 +27,7 @@ protected:
 TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
     QStringList entries;
     std::set<QString> identifiers;
-    EXPECT_EQ(window().menuBar()->objectName(), QStringLiteral("menu"));
+    EXPECT_EQ(window().menuBar()->objectName(), u"menu"_s);
     for (const QAction* menu : window().menuBar()->actions()) {
         EXPECT_FALSE(menu->menu()->objectName().isEmpty()) << menu->text().toStdString();
         entries.append(menu->text().remove(u'&') + u':');
@@ -67,7 +69,7 @@ TEST_F(MenusTest, GoMenuChoosesARoute) {
     showWithSample();
     QMenu* go = nullptr;
     for (const QAction* entry : window().menuBar()->actions()) {
-        if (entry->text().remove(u'&') == QStringLiteral("Go")) {
+        if (entry->text().remove(u'&') == u"Go"_s) {
             go = entry->menu();
         }
     }
@@ -85,10 +87,9 @@ TEST_F(MenusTest, GoMenuChoosesARoute) {
 
 TEST_F(MenusTest, OnlyQuitTallowcrestStandsForTheApplicationsOwnQuit) {
     for (const QAction* action : window().findChildren<QAction*>()) {
-        if (action->objectName() == QStringLiteral("menu.quit")) {
+        if (action->objectName() == u"menu.quit"_s) {
             EXPECT_EQ(action->menuRole(), QAction::QuitRole);
-        } else if (action->text().startsWith(QStringLiteral("Quit")) ||
-                   action->text() == QStringLiteral("Settings")) {
+        } else if (action->text().startsWith(u"Quit"_s) || action->text() == u"Settings"_s) {
             EXPECT_EQ(action->menuRole(), QAction::NoRole) << action->text().toStdString();
         }
     }
@@ -103,15 +104,13 @@ TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
     press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(lastAction(), "Monitoring started.") << "nothing to copy yet";
     press(Qt::Key_E, Qt::ControlModifier);
-    EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("No diagnostic sample is available yet."));
+    EXPECT_EQ(textOf("status.last-action"), u"No diagnostic sample is available yet."_s);
     machine.finishSamples();
     settle();
     const auto report = machine.monitor().reports().diagnosticsReport(false);
     press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(copied, std::vector<std::string>{*report});
-    EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("Copied a performance report to the clipboard."));
+    EXPECT_EQ(textOf("status.last-action"), u"Copied a performance report to the clipboard."_s);
     entry("menu.export-diagnostics").trigger();
     machine.finishSamples();
     settle();
@@ -156,12 +155,12 @@ TEST_F(MenusTest, WithNothingSelectedTheRefusalIsSaid) {
     showWithSample();
     press(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(pendingTitle(), "(none)");
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select a process first."));
+    EXPECT_EQ(textOf("status.last-action"), u"Select a process first."_s);
     machine.metrics->processes.clear();
     tick();
     entry("menu.quit-selected-app").trigger();
     settle();
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Select an app group first."));
+    EXPECT_EQ(textOf("status.last-action"), u"Select an app group first."_s);
 }
 
 TEST_F(MenusTest, InATextFieldTheDeleteKeysDeleteAWord) {
@@ -172,7 +171,7 @@ TEST_F(MenusTest, InATextFieldTheDeleteKeysDeleteAWord) {
     ASSERT_NE(field, nullptr);
     field->setFocus();
     for (const auto& [key, cursor] : {std::pair{Qt::Key_Delete, 0}, {Qt::Key_Backspace, 9}}) {
-        field->setText(QStringLiteral("one three"));
+        field->setText(u"one three"_s);
         field->setCursorPosition(cursor);
         press(key, Qt::ControlModifier);
         EXPECT_LT(field->text().size(), 7) << field->text().toStdString();

@@ -7,6 +7,8 @@
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -97,7 +99,7 @@ TEST_F(OperationTargetBarTest, AProtectedTargetBearsALock) {
     EXPECT_EQ(shown(), "scope|editor|editor · PID 700 · 30.0% CPU · 1024 MB|[Review]|[Clear]");
     machine.monitor().localActions().toggleNeverQuit("editor");
     settle();
-    EXPECT_EQ(visible<IconView>("target.icon")->icon(), QStringLiteral("lock.fill"));
+    EXPECT_EQ(visible<IconView>("target.icon")->icon(), u"lock.fill"_s);
     EXPECT_NE(visible("target.protected"), nullptr);
     click("target.clear");
     EXPECT_EQ(shown(), withoutTarget);
@@ -112,14 +114,14 @@ TEST_F(OperationTargetBarTest, ATargetThatARuleChoseSaysSo) {
         row.cpu *= 4;
     }
     tick();
-    EXPECT_EQ(textOf("target.title"), QStringLiteral("photo-indexer"));
+    EXPECT_EQ(textOf("target.title"), u"photo-indexer"_s);
     ASSERT_NE(visible("target.automatic"), nullptr);
-    EXPECT_EQ(visible("target.automatic")->accessibleName(), QStringLiteral("Auto-selected"));
-    EXPECT_TRUE(bar().accessibleValue().endsWith(QStringLiteral(", Auto-selected")));
+    EXPECT_EQ(visible("target.automatic")->accessibleName(), u"Auto-selected"_s);
+    EXPECT_TRUE(bar().accessibleValue().endsWith(u", Auto-selected"_s));
     EXPECT_EQ(visible("target.protected"), nullptr);
     select(1);
     EXPECT_EQ(visible("target.automatic"), nullptr);
-    EXPECT_FALSE(bar().accessibleValue().contains(QStringLiteral("Auto-selected")));
+    EXPECT_FALSE(bar().accessibleValue().contains(u"Auto-selected"_s));
 }
 
 TEST_F(OperationTargetBarTest, ATargetThatLeftTheListStays) {
@@ -133,7 +135,7 @@ TEST_F(OperationTargetBarTest, ATargetThatLeftTheListStays) {
               "|[Review]|[Clear]");
     machine.metrics->processes.push_back(gone);
     tick();
-    EXPECT_EQ(textOf("target.title"), QStringLiteral("photo-indexer"));
+    EXPECT_EQ(textOf("target.title"), u"photo-indexer"_s);
 }
 
 TEST_F(OperationTargetBarTest, FollowsTheFiguresOfItsTargetAndMovesNothing) {
@@ -143,15 +145,14 @@ TEST_F(OperationTargetBarTest, FollowsTheFiguresOfItsTargetAndMovesNothing) {
         select(0);
         std::vector<std::pair<QWidget*, QRect>> before;
         for (auto* each : bar().findChildren<QWidget*>()) {
-            if (each->isVisible() && each->objectName() != QStringLiteral("target.detail")) {
+            if (each->isVisible() && each->objectName() != u"target.detail"_s) {
                 before.emplace_back(each, each->geometry());
             }
         }
         for (const double cpu : {9.5, 99.9, 130.0}) {
             machine.metrics->processes[0].cpu = cpu;
             tick();
-            EXPECT_TRUE(
-                textOf("target.detail").contains(QStringLiteral("· %1% CPU").arg(cpu, 0, 'f', 1)));
+            EXPECT_TRUE(textOf("target.detail").contains(u"· %1% CPU"_s.arg(cpu, 0, 'f', 1)));
             for (const auto& [widget, geometry] : before) {
                 EXPECT_EQ(widget->geometry(), geometry) << widget->objectName().toStdString();
             }
@@ -213,7 +214,7 @@ TEST_F(OperationTargetBarTest, ASampleThatSaysTheSamePaintsNothing) {
     EXPECT_EQ(onBar.take(), 0);
     machine.metrics->processes[2].rssMB = 40.0;
     tick();
-    EXPECT_TRUE(textOf("target.detail").endsWith(QStringLiteral("40 MB")));
+    EXPECT_TRUE(textOf("target.detail").endsWith(u"40 MB"_s));
 }
 
 TEST_F(OperationTargetBarTest, HostileNamesStayTextAndWidenNothing) {
@@ -233,7 +234,7 @@ TEST_F(OperationTargetBarTest, HostileNamesStayTextAndWidenNothing) {
         EXPECT_EQ(visible<ElidedLabel>("target.title")->shownLines().size(), 1);
     }
     select(3);
-    EXPECT_EQ(textOf("target.title"), QStringLiteral("b>"));
+    EXPECT_EQ(textOf("target.title"), u"b>"_s);
 }
 
 TEST_F(OperationTargetBarTest, IsAGroupThatSaysWhatItHolds) {
@@ -241,12 +242,12 @@ TEST_F(OperationTargetBarTest, IsAGroupThatSaysWhatItHolds) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&bar());
     ASSERT_NE(spoken, nullptr);
     EXPECT_EQ(spoken->role(), QAccessible::Grouping);
-    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Operation Target"));
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Operation Target"_s);
     EXPECT_EQ(spoken->text(QAccessible::Value),
-              QStringLiteral("Operation Target, No operation target selected"));
+              u"Operation Target, No operation target selected"_s);
     select(2);
     EXPECT_EQ(spoken->text(QAccessible::Value),
-              QStringLiteral("systemd, systemd · PID 1 · 0.0% CPU · 12 MB, Protected"));
+              u"systemd, systemd · PID 1 · 0.0% CPU · 12 MB, Protected"_s);
 }
 
 TEST_F(OperationTargetBarTest, TheKeyboardStaysInTheBarWhenItsButtonGoes) {

@@ -7,6 +7,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -57,7 +59,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
 TEST_F(PageHeaderTest, OpenChatGoesThere) {
     showWithSample();
     goTo(AppRoute::aiAdvisor);
-    auto* button = window().findChild<QPushButton*>(QStringLiteral("aiAdvisor.open-chat"));
+    auto* button = window().findChild<QPushButton*>(u"aiAdvisor.open-chat"_s);
     ASSERT_NE(button, nullptr);
     button->click();
     settle();
@@ -149,7 +151,7 @@ TEST_F(PageHeaderTest, ReviewCleanupGoesToOptimize) {
     showWithSample();
     click("overview.review-cleanup");
     EXPECT_EQ(route(), AppRoute::optimize);
-    EXPECT_EQ(textOf("page.title"), QStringLiteral("Optimize"));
+    EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
 }
 
 TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
@@ -169,7 +171,7 @@ TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
     click("optimize.activity");
     EXPECT_EQ(opened, 1);
     click("optimize.purge");
-    EXPECT_EQ(textOf("confirmation.title"), QStringLiteral("Purge file caches?"));
+    EXPECT_EQ(textOf("confirmation.title"), u"Purge file caches?"_s);
     EXPECT_EQ(machine.actions.cachePurge->count, 0);
 }
 

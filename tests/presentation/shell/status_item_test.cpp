@@ -4,6 +4,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -16,13 +18,13 @@ protected:
 
 TEST_F(StatusItemTest, ShowsNoFiguresUntilTheFirstSample) {
     StatusItem item(machine.monitor(), window());
-    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("Tallowcrest"));
+    EXPECT_EQ(iconOf(item).toolTip(), u"Tallowcrest"_s);
     EXPECT_FALSE(iconOf(item).icon().isNull());
     EXPECT_FALSE(machine.monitor().isStarted());
     window().show();
     machine.finishSamples();
     settle();
-    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("CPU 40% MEM 59%"));
+    EXPECT_EQ(iconOf(item).toolTip(), u"CPU 40% MEM 59%"_s);
 }
 
 TEST_F(StatusItemTest, TheNeedleMovesInStepsThatCanBeSeen) {
@@ -34,7 +36,7 @@ TEST_F(StatusItemTest, TheNeedleMovesInStepsThatCanBeSeen) {
     machine.metrics->processes[0].cpu = 134.0;
     tick();
     EXPECT_EQ(iconOf(item).icon().cacheKey(), at40);
-    EXPECT_EQ(iconOf(item).toolTip(), QStringLiteral("CPU 41% MEM 59%"));
+    EXPECT_EQ(iconOf(item).toolTip(), u"CPU 41% MEM 59%"_s);
     machine.metrics->processes[0].cpu = 250.0;
     tick();
     EXPECT_NE(iconOf(item).icon().cacheKey(), at40);
@@ -60,32 +62,28 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommand) {
     for (const QAction* action : iconOf(item).contextMenu()->actions()) {
         identifiers.append(action->objectName());
     }
-    EXPECT_EQ(
-        identifiers,
-        QStringList({QStringLiteral("menubar.show-dashboard"),
-                     QStringLiteral("menubar.open-optimize"), QStringLiteral("menubar.auto-select"),
-                     QStringLiteral("menubar.settings"), QStringLiteral("menubar.refresh"),
-                     QStringLiteral("menubar.copy-report"), QStringLiteral("menubar.export"),
-                     QStringLiteral("menubar.purge"), QStringLiteral("menubar.quit-top-app"),
-                     QStringLiteral("menubar.expand-sections"),
-                     QStringLiteral("menubar.collapse-sections"), QStringLiteral("menubar.quit")}));
+    EXPECT_EQ(identifiers,
+              QStringList({u"menubar.show-dashboard"_s, u"menubar.open-optimize"_s,
+                           u"menubar.auto-select"_s, u"menubar.settings"_s, u"menubar.refresh"_s,
+                           u"menubar.copy-report"_s, u"menubar.export"_s, u"menubar.purge"_s,
+                           u"menubar.quit-top-app"_s, u"menubar.expand-sections"_s,
+                           u"menubar.collapse-sections"_s, u"menubar.quit"_s}));
 }
 
 TEST_F(StatusItemTest, ATitleOfItsMenuFollowsTheState) {
     StatusItem item(machine.monitor(), window());
     const QAction* entry = nullptr;
     for (const QAction* action : iconOf(item).contextMenu()->actions()) {
-        if (action->objectName() == QStringLiteral("menubar.auto-select")) {
+        if (action->objectName() == u"menubar.auto-select"_s) {
             entry = action;
         }
     }
     ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->text(), QStringLiteral("Disable Auto Select"));
+    EXPECT_EQ(entry->text(), u"Disable Auto Select"_s);
     for (const bool isOn : {false, true}) {
         machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, isOn);
         settle();
-        EXPECT_EQ(entry->text(), isOn ? QStringLiteral("Disable Auto Select")
-                                      : QStringLiteral("Enable Auto Select"));
+        EXPECT_EQ(entry->text(), isOn ? u"Disable Auto Select"_s : u"Enable Auto Select"_s);
     }
 }
 
@@ -97,7 +95,7 @@ TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {
     settle();
     int panels = 0;
     for (const QWidget* widget : QApplication::topLevelWidgets()) {
-        panels += widget->objectName() == QStringLiteral("menubar.panel") && widget->isVisible();
+        panels += widget->objectName() == u"menubar.panel"_s && widget->isVisible();
     }
     EXPECT_EQ(panels, 1);
 }

@@ -13,6 +13,8 @@
 #include "presentation/widgets/card.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -187,8 +189,8 @@ TEST_F(WindowLayoutTest, TheSidebarFoldsWhenTheWindowIsNarrow) {
     window().resize(859, 600);
     settle();
     EXPECT_LT(sidebar->width(), unfolded / 2);
-    EXPECT_EQ(row->toolTip(), QStringLiteral("Processes"));
-    EXPECT_EQ(row->accessibleName(), QStringLiteral("Processes"));
+    EXPECT_EQ(row->toolTip(), u"Processes"_s);
+    EXPECT_EQ(row->accessibleName(), u"Processes"_s);
     window().resize(860, 600);
     settle();
     EXPECT_EQ(sidebar->width(), unfolded);
@@ -285,7 +287,7 @@ TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
         QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
     ASSERT_NE(spoken, nullptr);
     EXPECT_EQ(spoken->role(), QAccessible::Grouping);
-    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Routes"));
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Routes"_s);
     EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
 }
 
@@ -307,8 +309,7 @@ TEST_F(WindowLayoutTest, EveryFocusableControlIsReachedByTab) {
     for (const AppRoute each : {AppRoute::overview, AppRoute::load, AppRoute::history}) {
         goTo(each);
         SCOPED_TRACE(std::string(title(each)));
-        const QString selected =
-            QStringLiteral("sidebar.") + QString::fromUtf8(rawValue(each).data());
+        const QString selected = u"sidebar."_s + QString::fromUtf8(rawValue(each).data());
         visible(selected.toLatin1().constData())->setFocus(Qt::TabFocusReason);
         std::set<const QWidget*> reached;
         for (int presses = 0; presses < 40; ++presses) {
@@ -338,9 +339,9 @@ TEST_F(WindowLayoutTest, TabGoesThroughTheControlsAsTheEyeDoes) {
         press(Qt::Key_Tab);
     }
     EXPECT_EQ(order.join(u' '),
-              QStringLiteral("sidebar.load load.select-top load.activity page.refresh "
-                             "target.choose processes.select-top-row processes.activity-monitor "
-                             "processes.filter processes.table"));
+              u"sidebar.load load.select-top load.activity page.refresh "
+              "target.choose processes.select-top-row processes.activity-monitor "
+              "processes.filter processes.table"_s);
 }
 
 TEST_F(WindowLayoutTest, FocusIsNotLostWhenItsButtonGoesAway) {

@@ -3,6 +3,8 @@
 #include <QAccessible>
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -16,24 +18,23 @@ QStringList spokenWithin(QWidget& widget) {
 }
 
 TEST(FigureRow, SaysEachFigureTogetherWithItsName) {
-    FigureRow row({QStringLiteral("CPU now"), QStringLiteral("Memory now")});
-    row.setFigures({QStringLiteral("34%"), QStringLiteral("12.3 GB")});
-    EXPECT_EQ(spokenWithin(row),
-              QStringList({QStringLiteral("CPU now: 34%"), QStringLiteral("Memory now: 12.3 GB")}));
-    row.setFigures({QStringLiteral("35%"), QStringLiteral("12.3 GB")});
-    EXPECT_EQ(spokenWithin(row).first(), QStringLiteral("CPU now: 35%"));
+    FigureRow row({u"CPU now"_s, u"Memory now"_s});
+    row.setFigures({u"34%"_s, u"12.3 GB"_s});
+    EXPECT_EQ(spokenWithin(row), QStringList({u"CPU now: 34%"_s, u"Memory now: 12.3 GB"_s}));
+    row.setFigures({u"35%"_s, u"12.3 GB"_s});
+    EXPECT_EQ(spokenWithin(row).first(), u"CPU now: 35%"_s);
 }
 
 TEST(FigureRow, ADashForNoFigureIsNotSpoken) {
-    FigureRow row({QStringLiteral("CPU now")});
-    EXPECT_EQ(spokenWithin(row), QStringList{QStringLiteral("CPU now")});
-    row.setFigures({QStringLiteral("–")});
-    EXPECT_EQ(spokenWithin(row), QStringList{QStringLiteral("CPU now")});
+    FigureRow row({u"CPU now"_s});
+    EXPECT_EQ(spokenWithin(row), QStringList{u"CPU now"_s});
+    row.setFigures({u"–"_s});
+    EXPECT_EQ(spokenWithin(row), QStringList{u"CPU now"_s});
 }
 
 TEST(FigureRow, APairIsOneThing) {
-    FigureRow row({QStringLiteral("CPU now")});
-    row.setFigures({QStringLiteral("34%")});
+    FigureRow row({u"CPU now"_s});
+    row.setFigures({u"34%"_s});
     auto* pair = row.findChild<NamedFigure*>();
     ASSERT_NE(pair, nullptr);
     EXPECT_THAT(spokenWithin(*pair), testing::IsEmpty());
@@ -43,11 +44,11 @@ TEST(FigureRow, APairIsOneThing) {
 }
 
 TEST(FigureRow, FiguresMoveNothing) {
-    FigureRow row({QStringLiteral("CPU now"), QStringLiteral("Memory now")});
+    FigureRow row({u"CPU now"_s, u"Memory now"_s});
     row.resize(300, row.sizeHint().height());
-    row.setFigures({QStringLiteral("4%"), QStringLiteral("5%")});
+    row.setFigures({u"4%"_s, u"5%"_s});
     const QSize before = row.minimumSizeHint();
-    row.setFigures({QStringLiteral("100%"), QStringLiteral("100%")});
+    row.setFigures({u"100%"_s, u"100%"_s});
     EXPECT_EQ(row.minimumSizeHint().height(), before.height());
 }
 

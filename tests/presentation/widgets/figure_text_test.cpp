@@ -9,18 +9,20 @@
 
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 TEST(UnitStart, SplitsAFigureFromItsUnit) {
     const std::pair<QString, QString> cases[] = {
-        {QStringLiteral("34%"), QStringLiteral("34")},
-        {QStringLiteral("12.3 GB"), QStringLiteral("12.3")},
-        {QStringLiteral("1,023 MB"), QStringLiteral("1,023")},
-        {QStringLiteral("1.023,5 KB"), QStringLiteral("1.023,5")},
-        {QStringLiteral("1\u202f023,5\u00a0MB"), QStringLiteral("1\u202f023,5")},
-        {QStringLiteral("-4%"), QStringLiteral("-4")},
-        {QStringLiteral("\u0663\u0664%"), QStringLiteral("\u0663\u0664")},
+        {u"34%"_s, u"34"_s},
+        {u"12.3 GB"_s, u"12.3"_s},
+        {u"1,023 MB"_s, u"1,023"_s},
+        {u"1.023,5 KB"_s, u"1.023,5"_s},
+        {u"1\u202f023,5\u00a0MB"_s, u"1\u202f023,5"_s},
+        {u"-4%"_s, u"-4"_s},
+        {u"\u0663\u0664%"_s, u"\u0663\u0664"_s},
     };
     for (const auto& [text, figure] : cases) {
         EXPECT_EQ(text.left(unitStart(text)), figure) << text.toStdString();
@@ -29,10 +31,8 @@ TEST(UnitStart, SplitsAFigureFromItsUnit) {
 
 TEST(UnitStart, LeavesWhatIsNoFigureWhole) {
     for (const QString& text :
-         {QString(), QStringLiteral("%"), QStringLiteral(" GB"), QStringLiteral("–"),
-          QStringLiteral("12"), QStringLiteral("8 apps"), QStringLiteral("None yet"),
-          QStringLiteral("Disk 3 GB"), QStringLiteral("3 GB free"), QStringLiteral("1 GB 2 GB"),
-          QStringLiteral(".%")}) {
+         {QString(), u"%"_s, u" GB"_s, u"–"_s, u"12"_s, u"8 apps"_s, u"None yet"_s, u"Disk 3 GB"_s,
+          u"3 GB free"_s, u"1 GB 2 GB"_s, u".%"_s}) {
         EXPECT_EQ(unitStart(text), text.size()) << text.toStdString();
     }
 }
@@ -70,7 +70,7 @@ protected:
 };
 
 TEST_F(DrawFigureTest, PaintsTheUnitBehindTheFigureInItsOwnColor) {
-    const QImage image = drawn(Qt::AlignLeft, QStringLiteral("12.3 GB"));
+    const QImage image = drawn(Qt::AlignLeft, u"12.3 GB"_s);
     const auto figure = columnsOf(image, true);
     const auto unit = columnsOf(image, false);
     EXPECT_LT(figure.first, 6);
@@ -80,13 +80,13 @@ TEST_F(DrawFigureTest, PaintsTheUnitBehindTheFigureInItsOwnColor) {
 }
 
 TEST_F(DrawFigureTest, HasNoSecondColorWithoutAUnit) {
-    const QImage image = drawn(Qt::AlignLeft, QStringLiteral("8 apps"));
+    const QImage image = drawn(Qt::AlignLeft, u"8 apps"_s);
     EXPECT_GT(columnsOf(image, true).second, 0);
     EXPECT_EQ(columnsOf(image, false).second, -1);
 }
 
 TEST_F(DrawFigureTest, StandsWhereItsAlignmentSays) {
-    const QString text = QStringLiteral("88%");
+    const QString text = u"88%"_s;
     const int width = QFontMetrics(font).horizontalAdvance(text);
     EXPECT_LE(columnsOf(drawn(Qt::AlignLeft, text), false).second, width);
     EXPECT_GE(columnsOf(drawn(Qt::AlignRight, text), true).first, room.width() - width - 1);

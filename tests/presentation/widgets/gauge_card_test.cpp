@@ -9,6 +9,8 @@
 #include "presentation/widgets/elided_label.h"
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -56,7 +58,7 @@ TEST(GaugeRing, ShowsTheUnitInSecondaryColor) {
 }
 
 TEST(GaugeCard, ClampsItsValue) {
-    GaugeCard card(QStringLiteral("CPU Load"));
+    GaugeCard card(u"CPU Load"_s);
     const std::pair<double, double> cases[] = {
         {-5, 0}, {0, 0}, {42.5, 42.5}, {100, 100}, {140, 100}};
     for (const auto& [given, kept] : cases) {
@@ -68,9 +70,9 @@ TEST(GaugeCard, ClampsItsValue) {
 }
 
 TEST(GaugeCard, SaysItsContentToAssistiveTechnology) {
-    GaugeCard card(QStringLiteral("Memory Pressure"));
+    GaugeCard card(u"Memory Pressure"_s);
     card.setValue(70.6);
-    card.setDetail(QStringLiteral("11.3 GB used of 16.0 GB"));
+    card.setDetail(u"11.3 GB used of 16.0 GB"_s);
     EXPECT_EQ(card.accessibleName(), "Memory Pressure");
     EXPECT_EQ(card.accessibleDescription(), "71%, Elevated, 11.3 GB used of 16.0 GB");
 
@@ -83,29 +85,29 @@ TEST(GaugeCard, SaysItsContentToAssistiveTechnology) {
 }
 
 TEST(GaugeCard, KeepsItsSizeWhateverTheFigures) {
-    GaugeCard card(QStringLiteral("CPU Load"));
-    card.setDetail(QStringLiteral("1.0% normalized across cores"));
+    GaugeCard card(u"CPU Load"_s);
+    card.setDetail(u"1.0% normalized across cores"_s);
     card.setValue(1);
     const QSize before = card.sizeHint();
     card.setValue(100);
-    card.setDetail(QStringLiteral("100.0% normalized across cores"));
+    card.setDetail(u"100.0% normalized across cores"_s);
     EXPECT_EQ(card.sizeHint().height(), before.height());
 }
 
 TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
     QWidget row;
     auto* layout = new QHBoxLayout(&row);
-    auto* shortTitle = new GaugeCard(QStringLiteral("CPU"));
-    auto* longTitle = new GaugeCard(QStringLiteral("A title that wraps beside its ring"));
-    shortTitle->setDetail(QStringLiteral("100.0% normalized across all of the cores of this Mac"));
-    longTitle->setDetail(QStringLiteral("None"));
+    auto* shortTitle = new GaugeCard(u"CPU"_s);
+    auto* longTitle = new GaugeCard(u"A title that wraps beside its ring"_s);
+    shortTitle->setDetail(u"100.0% normalized across all of the cores of this Mac"_s);
+    longTitle->setDetail(u"None"_s);
     for (GaugeCard* card : {shortTitle, longTitle}) {
         card->setValue(1);
         layout->addWidget(card, 1);
     }
     const auto wordOf = [&row](const GaugeCard& card) {
         for (const ElidedLabel* label : card.findChildren<ElidedLabel*>()) {
-            if (label->text() == QStringLiteral("Normal")) {
+            if (label->text() == u"Normal"_s) {
                 return label->mapTo(&row, QPoint()).y();
             }
         }

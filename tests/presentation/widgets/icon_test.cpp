@@ -9,6 +9,8 @@
 
 #include "core/routes.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -76,7 +78,7 @@ TEST(Icons, ExistForEachNameUsedOnTheScreens) {
 TEST(Icons, AllFollowTheCommonGridAndLeaveInkAtTheSmallestSize) {
     ASSERT_GE(iconNames().size(), 40);
     for (const QString& name : iconNames()) {
-        QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
+        QFile file(u":/icons/%1.svg"_s.arg(name));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
         const QByteArray source = file.readAll();
         EXPECT_TRUE(source.contains("viewBox=\"0 0 24 24\"")) << name.toStdString();
@@ -88,14 +90,14 @@ TEST(Icons, AllFollowTheCommonGridAndLeaveInkAtTheSmallestSize) {
 }
 
 TEST(TintedIcon, IsNullForAnUnknownName) {
-    EXPECT_TRUE(tintedIcon(QStringLiteral("no.such.icon"), Qt::black, 16, 1).isNull());
+    EXPECT_TRUE(tintedIcon(u"no.such.icon"_s, Qt::black, 16, 1).isNull());
     EXPECT_TRUE(tintedIcon(QString(), Qt::black, 16, 1).isNull());
-    EXPECT_TRUE(themedIcon(QStringLiteral("no.such.icon")).isNull());
-    EXPECT_FALSE(hasIcon(QStringLiteral("../icons/clock")));
+    EXPECT_TRUE(themedIcon(u"no.such.icon"_s).isNull());
+    EXPECT_FALSE(hasIcon(u"../icons/clock"_s));
 }
 
 TEST(TintedIcon, HasTheColorAndTheSizeAskedFor) {
-    const QPixmap pixmap = tintedIcon(QStringLiteral("lock.fill"), Qt::magenta, 20, 2);
+    const QPixmap pixmap = tintedIcon(u"lock.fill"_s, Qt::magenta, 20, 2);
     EXPECT_EQ(pixmap.size(), QSize(40, 40));
     EXPECT_EQ(pixmap.deviceIndependentSize(), QSizeF(20, 20));
     EXPECT_EQ(pixmap.toImage().pixelColor(20, 26), QColor(Qt::magenta));
@@ -103,14 +105,14 @@ TEST(TintedIcon, HasTheColorAndTheSizeAskedFor) {
 }
 
 TEST(TintedIcon, KeepsColorsApartInItsCache) {
-    const QString name = QStringLiteral("lock.fill");
+    const QString name = u"lock.fill"_s;
     EXPECT_EQ(tintedIcon(name, Qt::red, 24, 1).toImage().pixelColor(12, 16), QColor(Qt::red));
     EXPECT_EQ(tintedIcon(name, Qt::blue, 24, 1).toImage().pixelColor(12, 16), QColor(Qt::blue));
 }
 
 TEST(ThemedIcon, FollowsTheApplicationsPalette) {
     const QPalette before = QApplication::palette();
-    const QIcon icon = themedIcon(QStringLiteral("lock.fill"));
+    const QIcon icon = themedIcon(u"lock.fill"_s);
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));
         EXPECT_EQ(icon.pixmap(QSize(24, 24), 1.0).toImage().pixelColor(12, 16),

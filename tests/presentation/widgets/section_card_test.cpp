@@ -11,13 +11,15 @@
 #include "presentation/widgets/elided_label.h"
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 class SectionCardTest : public testing::Test {
 protected:
     SectionCardTest() {
-        content = new ElidedLabel(QStringLiteral("Content"), &CrestFonts::body, &CrestTheme::text);
+        content = new ElidedLabel(u"Content"_s, &CrestFonts::body, &CrestTheme::text);
         content->setFixedHeight(100);
         card.bodyLayout()->addWidget(content);
         card.resize(300, 200);
@@ -28,18 +30,18 @@ protected:
         return QAccessible::queryAccessibleInterface(card.header())->state();
     }
 
-    SectionCard card{QStringLiteral("clock"), QStringLiteral("Title")};
+    SectionCard card{u"clock"_s, u"Title"_s};
     ElidedLabel* content = nullptr;
 };
 
 TEST_F(SectionCardTest, IsOpenAtFirstAndNamedAfterItsTitle) {
     EXPECT_FALSE(card.isCollapsed());
     EXPECT_TRUE(content->isVisible());
-    EXPECT_EQ(card.accessibleName(), QStringLiteral("Title"));
+    EXPECT_EQ(card.accessibleName(), u"Title"_s);
 }
 
 TEST_F(SectionCardTest, ClosedItKeepsHeaderAndCaptionAlone) {
-    card.setSectionCaption(QStringLiteral("Caption"));
+    card.setSectionCaption(u"Caption"_s);
     const int open = card.sizeHint().height();
     card.setCollapsed(true);
     QCoreApplication::processEvents();
@@ -47,8 +49,7 @@ TEST_F(SectionCardTest, ClosedItKeepsHeaderAndCaptionAlone) {
     EXPECT_TRUE(card.header()->isVisible());
     bool hasCaption = false;
     for (const ElidedLabel* label : card.findChildren<ElidedLabel*>()) {
-        hasCaption =
-            hasCaption || (label->isVisible() && label->text() == QStringLiteral("Caption"));
+        hasCaption = hasCaption || (label->isVisible() && label->text() == u"Caption"_s);
     }
     EXPECT_TRUE(hasCaption);
     const int withCaption = card.sizeHint().height();
@@ -92,7 +93,7 @@ TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(card.header());
     ASSERT_NE(spoken, nullptr);
     EXPECT_EQ(spoken->role(), QAccessible::Button);
-    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Title"));
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Title"_s);
     EXPECT_TRUE(spokenState().expandable);
     EXPECT_TRUE(spokenState().expanded);
     EXPECT_FALSE(spokenState().collapsed);
@@ -103,8 +104,8 @@ TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
     EXPECT_FALSE(spokenState().expanded);
     EXPECT_TRUE(spokenState().collapsed);
     EXPECT_NE(spoken->text(QAccessible::Description), whenOpen);
-    card.header()->setNote(QStringLiteral("2 more"));
-    EXPECT_TRUE(spoken->text(QAccessible::Description).startsWith(QStringLiteral("2 more. ")));
+    card.header()->setNote(u"2 more"_s);
+    EXPECT_TRUE(spoken->text(QAccessible::Description).startsWith(u"2 more. "_s));
 
     const QSignalSpy wanted(card.header(), &SectionHeader::collapseWanted);
     ASSERT_NE(spoken->actionInterface(), nullptr);
@@ -116,24 +117,24 @@ TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
 }
 
 TEST_F(SectionCardTest, AssistiveTechnologyReadsAGroupInTheOrderOfTheEye) {
-    card.setSectionCaption(QStringLiteral("Caption"));
+    card.setSectionCaption(u"Caption"_s);
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
     ASSERT_NE(spoken, nullptr);
     EXPECT_EQ(spoken->role(), QAccessible::Grouping);
-    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Title"));
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Title"_s);
     ASSERT_EQ(spoken->childCount(), 3);
-    EXPECT_EQ(spoken->child(0)->text(QAccessible::Name), QStringLiteral("Title"));
-    EXPECT_EQ(spoken->child(1)->text(QAccessible::Name), QStringLiteral("Caption"));
+    EXPECT_EQ(spoken->child(0)->text(QAccessible::Name), u"Title"_s);
+    EXPECT_EQ(spoken->child(1)->text(QAccessible::Name), u"Caption"_s);
     EXPECT_EQ(spoken->child(2)->object(), card.body());
 }
 
 TEST_F(SectionCardTest, WhatIsClosedIsNotPainted) {
     PaintCount paints(*content);
-    content->setText(QStringLiteral("Other content"));
+    content->setText(u"Other content"_s);
     EXPECT_GT(paints.take(), 0);
     card.setCollapsed(true);
     static_cast<void>(paints.take());
-    content->setText(QStringLiteral("Yet other content"));
+    content->setText(u"Yet other content"_s);
     content->update();
     EXPECT_EQ(paints.take(), 0);
 }
@@ -157,7 +158,7 @@ TEST(CardGrid, ShowsTheFirstCardsAlone) {
     CardGrid grid(100);
     std::vector<QLabel*> cards;
     for (int i = 0; i < 3; ++i) {
-        cards.push_back(new QLabel(QStringLiteral("card")));
+        cards.push_back(new QLabel(u"card"_s));
         grid.addCard(cards.back());
     }
     grid.setAttribute(Qt::WA_DontShowOnScreen);

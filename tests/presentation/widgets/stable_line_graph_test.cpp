@@ -9,6 +9,8 @@
 
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -24,7 +26,7 @@ protected:
     }
 
     void showLine(std::vector<double> values, bool fillsArea = false) {
-        graph_.setSeries({{QStringLiteral("CPU"), lineColor, std::move(values), fillsArea}});
+        graph_.setSeries({{u"CPU"_s, lineColor, std::move(values), fillsArea}});
     }
 
     QImage painted() {
@@ -235,8 +237,7 @@ TEST_F(StableLineGraphTest, LaysDashesOverTheGrid) {
 
 TEST_F(StableLineGraphTest, LaysAnAreaOverTheLinesOfEarlierSeries) {
     const QColor later(Qt::blue);
-    graph_.setSeries({{QStringLiteral("CPU"), lineColor, {40, 40}, true},
-                      {QStringLiteral("Memory"), later, {80, 80}, true}});
+    graph_.setSeries({{u"CPU"_s, lineColor, {40, 40}, true}, {u"Memory"_s, later, {80, 80}, true}});
     const QImage image = painted();
     std::set<QRgb> colors;
     for (int dy = -3; dy <= 3; ++dy) {
@@ -262,15 +263,15 @@ TEST_F(StableLineGraphTest, LooksAfterANewSampleAsIfItWereNew) {
     showLine(values, true);
     StableLineGraph fresh;
     fresh.resize(900, 240);
-    fresh.setSeries({{QStringLiteral("CPU"), lineColor, values, true}});
+    fresh.setSeries({{u"CPU"_s, lineColor, values, true}});
     const QImage after = graph_.grab().toImage();
     EXPECT_EQ(after, fresh.grab().toImage());
     EXPECT_NE(after, before);
 }
 
 TEST_F(StableLineGraphTest, LaysLaterSeriesOnTop) {
-    graph_.setSeries({{QStringLiteral("CPU"), lineColor, {50, 50}, false},
-                      {QStringLiteral("Memory"), QColor(Qt::blue), {50, 50}, false}});
+    graph_.setSeries(
+        {{u"CPU"_s, lineColor, {50, 50}, false}, {u"Memory"_s, QColor(Qt::blue), {50, 50}, false}});
     EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
 }
 
@@ -293,9 +294,9 @@ TEST_F(StableLineGraphTest, DoesNotRepaintForEqualData) {
 }
 
 TEST_F(StableLineGraphTest, SaysItsLastValuesToAssistiveTechnology) {
-    graph_.setSeries({{QStringLiteral("CPU"), lineColor, {10, 41.6}, true},
-                      {QStringLiteral("Idle"), lineColor, {}, false},
-                      {QStringLiteral("Memory"), lineColor, {140}, false}});
+    graph_.setSeries({{u"CPU"_s, lineColor, {10, 41.6}, true},
+                      {u"Idle"_s, lineColor, {}, false},
+                      {u"Memory"_s, lineColor, {140}, false}});
     EXPECT_EQ(graph_.accessibleName(), "Performance graph");
     EXPECT_EQ(graph_.accessibleDescription(), "CPU 42 percent, Memory 100 percent");
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&graph_);

@@ -12,6 +12,8 @@
 #include "presentation/widgets/limit_row.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -86,14 +88,14 @@ TEST(StepSlider, TheWheelBelongsToThePage) {
 
 TEST(StepSlider, AssistiveTechnologyHasTheValuesOfTheScale) {
     StepSlider slider({0.5, 10, 0.5});
-    slider.setAccessibleName(QStringLiteral("Maximum per run"));
+    slider.setAccessibleName(u"Maximum per run"_s);
     slider.show(2.0);
-    slider.setValueText(QStringLiteral("2.0 GB"));
+    slider.setValueText(u"2.0 GB"_s);
     QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&slider);
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->role(), QAccessible::Slider);
-    EXPECT_EQ(found->text(QAccessible::Name), QStringLiteral("Maximum per run"));
-    EXPECT_EQ(found->text(QAccessible::Value), QStringLiteral("2.0 GB"));
+    EXPECT_EQ(found->text(QAccessible::Name), u"Maximum per run"_s);
+    EXPECT_EQ(found->text(QAccessible::Value), u"2.0 GB"_s);
     QAccessibleValueInterface* value = found->valueInterface();
     ASSERT_NE(value, nullptr);
     EXPECT_DOUBLE_EQ(value->currentValue().toDouble(), 2.0);
@@ -126,8 +128,8 @@ class LimitRowTest : public testing::Test {
 protected:
     double field = 1.0;
     std::vector<double> written;
-    LimitRow row{QStringLiteral("Maximum per run"),
-                 QStringLiteral("probe"),
+    LimitRow row{u"Maximum per run"_s,
+                 u"probe"_s,
                  {0.5, 10, 0.5},
                  {.read = [this] { return field; },
                   .write =
@@ -143,14 +145,14 @@ TEST_F(LimitRowTest, WritesEachStepOnce) {
     slider.setValue(2);
     slider.setValue(2);
     EXPECT_THAT(written, ElementsAre(1.5));
-    EXPECT_EQ(slider.valueText(), QStringLiteral("1.5"));
+    EXPECT_EQ(slider.valueText(), u"1.5"_s);
 }
 
 TEST_F(LimitRowTest, JumpsBackFromWhatTheFieldDoesNotTake) {
     slider.setValue(slider.maximum());
     EXPECT_THAT(written, ElementsAre(10.0));
     EXPECT_EQ(slider.value(), 3);
-    EXPECT_EQ(slider.valueText(), QStringLiteral("2"));
+    EXPECT_EQ(slider.valueText(), u"2"_s);
     slider.setValue(slider.maximum() - 1);
     EXPECT_THAT(written, ElementsAre(10.0, 9.5)) << "what is no change is the field's to know";
     EXPECT_EQ(slider.value(), 3);
@@ -159,7 +161,7 @@ TEST_F(LimitRowTest, JumpsBackFromWhatTheFieldDoesNotTake) {
 TEST_F(LimitRowTest, ShowsAFieldThatLiesBetweenTwoStepsAsItIs) {
     field = 1.2;
     row.refresh();
-    EXPECT_EQ(slider.valueText(), QStringLiteral("1.2"));
+    EXPECT_EQ(slider.valueText(), u"1.2"_s);
     EXPECT_EQ(slider.value(), 1);
     EXPECT_THAT(written, ElementsAre());
 }

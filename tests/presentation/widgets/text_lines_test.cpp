@@ -5,6 +5,8 @@
 
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -16,37 +18,33 @@ protected:
     }
 
     const QFont font = CrestFonts::current().caption;
-    const QString figures = QStringLiteral("22.4 GB free · Wired 0.1 GB · Compressed 0.0 GB");
+    const QString figures = u"22.4 GB free · Wired 0.1 GB · Compressed 0.0 GB"_s;
 };
 
 TEST_F(FittedLinesTest, AListBreaksBetweenItsItems) {
     EXPECT_EQ(inRoomOf(figures, figures, 4), QStringList{figures});
-    EXPECT_EQ(inRoomOf(QStringLiteral("22.4 GB free · Wired 0.1 GB · Compr"), figures, 4),
-              QStringList({QStringLiteral("22.4 GB free · Wired 0.1 GB"),
-                           QStringLiteral("Compressed 0.0 GB")}));
-    EXPECT_EQ(inRoomOf(QStringLiteral("Compressed 0.0 GB"), figures, 4),
-              QStringList({QStringLiteral("22.4 GB free"), QStringLiteral("Wired 0.1 GB"),
-                           QStringLiteral("Compressed 0.0 GB")}));
+    EXPECT_EQ(inRoomOf(u"22.4 GB free · Wired 0.1 GB · Compr"_s, figures, 4),
+              QStringList({u"22.4 GB free · Wired 0.1 GB"_s, u"Compressed 0.0 GB"_s}));
+    EXPECT_EQ(inRoomOf(u"Compressed 0.0 GB"_s, figures, 4),
+              QStringList({u"22.4 GB free"_s, u"Wired 0.1 GB"_s, u"Compressed 0.0 GB"_s}));
 }
 
 TEST_F(FittedLinesTest, AnItemTooLongForALineBreaksWithinItself) {
-    EXPECT_EQ(
-        inRoomOf(QStringLiteral("Compressed"), QStringLiteral("A · Compressed memory · B"), 4),
-        QStringList({QStringLiteral("A"), QStringLiteral("Compressed"), QStringLiteral("memory"),
-                     QStringLiteral("B")}));
+    EXPECT_EQ(inRoomOf(u"Compressed"_s, u"A · Compressed memory · B"_s, 4),
+              QStringList({u"A"_s, u"Compressed"_s, u"memory"_s, u"B"_s}));
 }
 
 TEST_F(FittedLinesTest, WhereLinesAreShortAListFillsThemAll) {
-    const QStringList lines = inRoomOf(QStringLiteral("22.4 GB free · Wired"), figures, 2);
+    const QStringList lines = inRoomOf(u"22.4 GB free · Wired"_s, figures, 2);
     ASSERT_EQ(lines.size(), 2);
-    EXPECT_EQ(lines[0], QStringLiteral("22.4 GB free · Wired"));
-    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("0.1 GB"))) << lines[1].toStdString();
+    EXPECT_EQ(lines[0], u"22.4 GB free · Wired"_s);
+    EXPECT_TRUE(lines[1].startsWith(u"0.1 GB"_s)) << lines[1].toStdString();
 }
 
 TEST_F(FittedLinesTest, ANumberStaysWithTheWordBehindIt) {
-    const QString text = QStringLiteral("1.1 GB used of 23.5 GB");
-    EXPECT_EQ(inRoomOf(QStringLiteral("1.1 GB used of 23.5"), text, 4),
-              QStringList({QStringLiteral("1.1 GB used of"), QStringLiteral("23.5 GB")}));
+    const QString text = u"1.1 GB used of 23.5 GB"_s;
+    EXPECT_EQ(inRoomOf(u"1.1 GB used of 23.5"_s, text, 4),
+              QStringList({u"1.1 GB used of"_s, u"23.5 GB"_s}));
     EXPECT_EQ(inRoomOf(text, text, 4), QStringList{text});
 }
 
@@ -68,14 +66,13 @@ TEST_F(FittedLinesTest, EveryLineIsAPieceOfTheTextAndNothingIsLost) {
 }
 
 TEST_F(FittedLinesTest, NamesThatLookLikeAListAreCutLikeAnyOther) {
-    const QString name = QStringLiteral("a · ").repeated(5000);
+    const QString name = u"a · "_s.repeated(5000);
     const QStringList lines = fittedLines(name, font, 200, 3);
     ASSERT_EQ(lines.size(), 3);
     EXPECT_TRUE(lines.last().endsWith(u'…'));
-    EXPECT_EQ(fittedLines(QStringLiteral(" · "), font, 200, 3).size(), 1);
+    EXPECT_EQ(fittedLines(u" · "_s, font, 200, 3).size(), 1);
     EXPECT_THAT(fittedLines(QString(), font, 200, 3), testing::IsEmpty());
-    EXPECT_EQ(fittedLines(QStringLiteral("a · b\nc"), font, 200, 3),
-              QStringList({QStringLiteral("a · b"), QStringLiteral("c")}));
+    EXPECT_EQ(fittedLines(u"a · b\nc"_s, font, 200, 3), QStringList({u"a · b"_s, u"c"_s}));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <QFontMetrics>
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -181,10 +183,8 @@ TEST(HasTabularDigits, ComparesTheWidthsOfAllDigits) {
 
 TEST(FiguresWidth, IsTheSameForAllDigits) {
     const QFont font = CrestFonts::current().body;
-    EXPECT_EQ(figuresWidth(font, QStringLiteral("111%")),
-              figuresWidth(font, QStringLiteral("888%")));
-    EXPECT_GE(figuresWidth(font, QStringLiteral("111%")),
-              QFontMetrics(font).horizontalAdvance(QStringLiteral("111%")));
+    EXPECT_EQ(figuresWidth(font, u"111%"_s), figuresWidth(font, u"888%"_s));
+    EXPECT_GE(figuresWidth(font, u"111%"_s), QFontMetrics(font).horizontalAdvance(u"111%"_s));
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -23,18 +25,16 @@ QString readBy(const QString& tip) {
 
 TEST(ToolTipText, IsReadAsItWasGiven) {
     for (const QString& plain :
-         {QStringLiteral("/tmp/<img src=x>&amp;"), QStringLiteral("%1  two blanks %2"),
-          QStringLiteral("two\nlines")}) {
+         {u"/tmp/<img src=x>&amp;"_s, u"%1  two blanks %2"_s, u"two\nlines"_s}) {
         EXPECT_EQ(readBy(toolTipText(plain)), plain);
     }
     EXPECT_TRUE(toolTipText(QString()).isEmpty());
 }
 
 TEST(ToolTipText, ALongTextBecomesLinesAndALongerOneIsCut) {
-    const QStringList lines =
-        readBy(toolTipText(QStringLiteral("/a-folder").repeated(30))).split(u'\n');
+    const QStringList lines = readBy(toolTipText(u"/a-folder"_s.repeated(30))).split(u'\n');
     EXPECT_GT(lines.size(), 2);
-    EXPECT_EQ(lines.join(QString()), QStringLiteral("/a-folder").repeated(30));
+    EXPECT_EQ(lines.join(QString()), u"/a-folder"_s.repeated(30));
     const QString cut = readBy(toolTipText(QString(100'000, u'W')));
     EXPECT_TRUE(cut.endsWith(u'…'));
     EXPECT_LE(cut.count(u'\n'), 11);
@@ -74,8 +74,7 @@ TEST_F(ToolTipTest, FollowsTheTheme) {
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));
         const CrestTheme& theme = CrestTheme::current();
-        QLabel* tip = shown(toolTipText(appearance == Appearance::light ? QStringLiteral("Day")
-                                                                        : QStringLiteral("Night")));
+        QLabel* tip = shown(toolTipText(appearance == Appearance::light ? u"Day"_s : u"Night"_s));
         ASSERT_NE(tip, nullptr);
         const QImage image = tip->grab().toImage().convertToFormat(QImage::Format_RGB32);
         EXPECT_EQ(image.pixelColor(0, 0), theme.hairline);
@@ -94,7 +93,7 @@ TEST_F(ToolTipTest, FollowsTheTheme) {
 }
 
 TEST_F(ToolTipTest, IsAsWideAsItsLinesAndNoWider) {
-    const QString path = QStringLiteral("/usr/lib/some-folder/program-of-a-middling-length");
+    const QString path = u"/usr/lib/some-folder/program-of-a-middling-length"_s;
     QLabel* tip = shown(toolTipText(path));
     ASSERT_NE(tip, nullptr);
     const QFontMetrics metrics(tip->font());

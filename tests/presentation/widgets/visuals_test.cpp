@@ -11,6 +11,8 @@
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -36,39 +38,39 @@ TEST(ElidedLabel, NeverAsksForMoreRoomThanItCanUse) {
 TEST(ElidedLabel, WrapsUpToItsLinesAndElidesTheLast) {
     ElidedLabel label;
     label.setLines(1, 3);
-    label.setText(QStringLiteral("word ").repeated(2000));
+    label.setText(u"word "_s.repeated(2000));
     label.resize(150, 80);
     const QStringList lines = label.shownLines();
     ASSERT_EQ(lines.size(), 3);
     EXPECT_FALSE(lines[0].contains(u'…'));
     EXPECT_TRUE(lines[2].endsWith(u'…'));
-    label.setText(QStringLiteral("short"));
-    EXPECT_EQ(label.shownLines(), QStringList{QStringLiteral("short")});
+    label.setText(u"short"_s);
+    EXPECT_EQ(label.shownLines(), QStringList{u"short"_s});
 }
 
 TEST(ElidedLabel, KeepsReservedRoomForFigures) {
     ElidedLabel label;
-    label.setReservedText(QStringLiteral("100%"));
-    label.setText(QStringLiteral("7%"));
+    label.setReservedText(u"100%"_s);
+    label.setText(u"7%"_s);
     const QSize before = label.sizeHint();
-    label.setText(QStringLiteral("99%"));
+    label.setText(u"99%"_s);
     EXPECT_EQ(label.sizeHint(), before);
     EXPECT_EQ(label.minimumSizeHint().width(), before.width());
 }
 
 TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
-    ElidedLabel label(QStringLiteral("CPU"), &CrestFonts::body, &CrestTheme::text);
+    ElidedLabel label(u"CPU"_s, &CrestFonts::body, &CrestTheme::text);
     showUnseen(label);
     PaintCount paints(label);
-    label.setText(QStringLiteral("CPU"));
+    label.setText(u"CPU"_s);
     label.setColor(&CrestTheme::text);
     EXPECT_EQ(paints.take(), 0);
-    label.setText(QStringLiteral("GPU"));
+    label.setText(u"GPU"_s);
     EXPECT_EQ(paints.take(), 1);
 }
 
 TEST(ElidedLabel, LaysNewFiguresOutAsALabelThatNeverHadOthers) {
-    const auto pattern = QStringLiteral("%1 GB free · Wired %2 GB · Compressed %3 GB, %4");
+    const auto pattern = u"%1 GB free · Wired %2 GB · Compressed %3 GB, %4"_s;
     for (const int width : {60, 110, 150, 232, 600}) {
         for (const int lines : {1, 2, 4}) {
             ElidedLabel kept;
@@ -102,10 +104,10 @@ TEST(ElidedLabel, PaintsTheGroundThatItIsGiven) {
 
 TEST(Card, NamesItselfAfterItsHeading) {
     Card card;
-    card.setHeader(QStringLiteral("clock"), QStringLiteral("Recent Activity"));
+    card.setHeader(u"clock"_s, u"Recent Activity"_s);
     EXPECT_EQ(card.accessibleName(), "Recent Activity");
     const int before = card.sizeHint().height();
-    card.setCaption(QStringLiteral("The latest entries"));
+    card.setCaption(u"The latest entries"_s);
     EXPECT_GT(card.sizeHint().height(), before);
 }
 
@@ -126,16 +128,16 @@ TEST(Card, PaintsItsGroundInTheThemesColourAndSwitchesLive) {
 }
 
 TEST(SummaryCard, SaysItsThreeTexts) {
-    SummaryCard card(QStringLiteral("Never Quit"));
-    card.setValue(QStringLiteral("8 apps"));
+    SummaryCard card(u"Never Quit"_s);
+    card.setValue(u"8 apps"_s);
     EXPECT_EQ(card.accessibleDescription(), "8 apps");
-    card.setDetail(QStringLiteral("No custom app groups are protected yet."));
+    card.setDetail(u"No custom app groups are protected yet."_s);
     EXPECT_EQ(card.accessibleName(), "Never Quit");
     EXPECT_EQ(spokenValue(&card), "8 apps, No custom app groups are protected yet.");
 }
 
 TEST(SummaryCard, IsNotWidenedByALongName) {
-    MetricCard card(QStringLiteral("Recurring Top App"));
+    MetricCard card(u"Recurring Top App"_s);
     const int before = card.minimumSizeHint().width();
     card.setValue(QString(10000, u'W'));
     card.setDetail(QString(10000, u'W'));
@@ -143,12 +145,11 @@ TEST(SummaryCard, IsNotWidenedByALongName) {
 }
 
 TEST(BarList, KeepsItsHeightAsRowsComeAndGo) {
-    BarList list(QStringLiteral("Resident memory by app group"), 4, QStringLiteral("000.0 GB"));
-    list.setEmptyText(QStringLiteral("Sampling apps…"));
+    BarList list(u"Resident memory by app group"_s, 4, u"000.0 GB"_s);
+    list.setEmptyText(u"Sampling apps…"_s);
     const QSize before = list.sizeHint();
     EXPECT_EQ(spokenValue(&list), "Sampling apps…");
-    list.setRows({{QStringLiteral("firefox"), QStringLiteral("4.2 GB"), 1},
-                  {QStringLiteral("code"), QStringLiteral("1.0 GB"), 0.25}});
+    list.setRows({{u"firefox"_s, u"4.2 GB"_s, 1}, {u"code"_s, u"1.0 GB"_s, 0.25}});
     EXPECT_EQ(list.sizeHint(), before);
     EXPECT_EQ(list.accessibleName(), "Resident memory by app group");
     EXPECT_EQ(spokenValue(&list), "firefox 4.2 GB, code 1.0 GB");
@@ -157,13 +158,11 @@ TEST(BarList, KeepsItsHeightAsRowsComeAndGo) {
 }
 
 TEST(BarList, FillsEachBarToItsShare) {
-    BarList list(QStringLiteral("Bars"), 4, QStringLiteral("0"));
+    BarList list(u"Bars"_s, 4, u"0"_s);
     list.setTint(QColor(Qt::magenta));
     list.resize(600, 96);
-    list.setRows({{QStringLiteral("a"), QStringLiteral("1"), 1},
-                  {QStringLiteral("b"), QStringLiteral("1"), 0.5},
-                  {QStringLiteral("c"), QStringLiteral("1"), nan},
-                  {QStringLiteral("d"), QStringLiteral("1"), 7}});
+    list.setRows(
+        {{u"a"_s, u"1"_s, 1}, {u"b"_s, u"1"_s, 0.5}, {u"c"_s, u"1"_s, nan}, {u"d"_s, u"1"_s, 7}});
     const QImage image = list.grab().toImage();
     const auto filled = [&image](int row) {
         int count = 0;
@@ -179,39 +178,36 @@ TEST(BarList, FillsEachBarToItsShare) {
 }
 
 TEST(BarList, DoesNotRepaintForEqualRows) {
-    BarList list(QStringLiteral("Bars"), 2, QStringLiteral("0"));
-    const std::vector<BarRow> rows{{QStringLiteral("a"), QStringLiteral("1"), 0.5}};
+    BarList list(u"Bars"_s, 2, u"0"_s);
+    const std::vector<BarRow> rows{{u"a"_s, u"1"_s, 0.5}};
     list.setRows(rows);
     showUnseen(list);
     PaintCount paints(list);
     list.setRows(rows);
     EXPECT_EQ(paints.take(), 0);
-    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.5}});
+    list.setRows({{u"a"_s, u"2"_s, 0.5}});
     EXPECT_EQ(paints.take(), 1);
-    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.50001}});
+    list.setRows({{u"a"_s, u"2"_s, 0.50001}});
     EXPECT_EQ(paints.take(), 0) << "less than a pixel";
-    list.setRows({{QStringLiteral("a"), QStringLiteral("2"), 0.9}});
+    list.setRows({{u"a"_s, u"2"_s, 0.9}});
     EXPECT_EQ(paints.take(), 1);
-    list.setRows({{QStringLiteral("b"), QStringLiteral("2"), 0.9}});
+    list.setRows({{u"b"_s, u"2"_s, 0.9}});
     EXPECT_EQ(paints.take(), 1);
 }
 
 TEST(BarList, LooksAfterChangesAsIfItWereNew) {
     const auto sized = [](BarList& list) { list.resize(600, 96); };
-    BarList changed(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+    BarList changed(u"Bars"_s, 4, u"000"_s);
     sized(changed);
     const std::vector<std::vector<BarRow>> steps{
-        {{QStringLiteral("a"), QStringLiteral("1"), 1},
-         {QStringLiteral("b"), QStringLiteral("2"), 0.5}},
-        {{QStringLiteral("a"), QStringLiteral("1"), 1},
-         {QStringLiteral("b"), QStringLiteral("3"), 0.7}},
-        {{QStringLiteral("c"), QStringLiteral("1"), 1}},
-        {{QStringLiteral("c"), QStringLiteral("1"), 1},
-         {QStringLiteral("d"), QStringLiteral("9"), 0.1}},
+        {{u"a"_s, u"1"_s, 1}, {u"b"_s, u"2"_s, 0.5}},
+        {{u"a"_s, u"1"_s, 1}, {u"b"_s, u"3"_s, 0.7}},
+        {{u"c"_s, u"1"_s, 1}},
+        {{u"c"_s, u"1"_s, 1}, {u"d"_s, u"9"_s, 0.1}},
     };
     for (const std::vector<BarRow>& rows : steps) {
         changed.setRows(rows);
-        BarList fresh(QStringLiteral("Bars"), 4, QStringLiteral("000"));
+        BarList fresh(u"Bars"_s, 4, u"000"_s);
         sized(fresh);
         fresh.setRows(rows);
         EXPECT_EQ(changed.grab().toImage(), fresh.grab().toImage());

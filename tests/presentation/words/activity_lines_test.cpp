@@ -4,6 +4,8 @@
 #include <QLocale>
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -12,7 +14,7 @@ using testing::SizeIs;
 
 class ActivityLinesTest : public testing::Test {
 protected:
-    ActivityLinesTest() { QLocale::setDefault(QLocale(QStringLiteral("de_DE"))); }
+    ActivityLinesTest() { QLocale::setDefault(QLocale(u"de_DE"_s)); }
     ~ActivityLinesTest() override { QLocale::setDefault(QLocale::c()); }
 
     static Date at(const QDateTime& time) {
@@ -33,8 +35,8 @@ TEST_F(ActivityLinesTest, TheNewestInTheirOrderAndNoMoreThanTheLimit) {
     }
     const auto lines = activityLines(events, 2, at(evening));
     ASSERT_THAT(lines, SizeIs(2));
-    EXPECT_EQ(lines[0].detail, QStringLiteral("third"));
-    EXPECT_EQ(lines[1].detail, QStringLiteral("second"));
+    EXPECT_EQ(lines[0].detail, u"third"_s);
+    EXPECT_EQ(lines[1].detail, u"second"_s);
     EXPECT_THAT(activityLines(events, 9, at(evening)), SizeIs(3));
 }
 
@@ -44,14 +46,14 @@ TEST_F(ActivityLinesTest, OnlyTheTitleOfAWarningMakesOne) {
                                      5, at(evening));
     EXPECT_TRUE(lines[0].isWarning);
     EXPECT_FALSE(lines[1].isWarning);
-    EXPECT_EQ(lines[1].title, QStringLiteral("Auto Rule"));
+    EXPECT_EQ(lines[1].title, u"Auto Rule"_s);
 }
 
 TEST_F(ActivityLinesTest, WhatCouldForgeALineOrTurnItsDirectionIsMarked) {
     const auto lines = activityLines(
         {{UUID::random(), at(evening), "Act\nion", "a\tb\u202Ec\u2028d <b>e</b>"}}, 5, at(evening));
-    EXPECT_EQ(lines[0].title, QStringLiteral("Act\uFFFDion"));
-    EXPECT_EQ(lines[0].detail, QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd <b>e</b>"));
+    EXPECT_EQ(lines[0].title, u"Act\uFFFDion"_s);
+    EXPECT_EQ(lines[0].detail, u"a\uFFFDb\uFFFDc\uFFFDd <b>e</b>"_s);
 }
 
 TEST_F(ActivityLinesTest, TimesAreInTheLocalesFormAndBearTheirDateOnAnotherDay) {

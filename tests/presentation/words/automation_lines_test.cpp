@@ -8,6 +8,8 @@
 
 #include "monitor/load_rules.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -23,7 +25,7 @@ ActivityEvent event(Date date, std::string title, std::string detail) {
 
 class AutomationLinesTest : public testing::Test {
 protected:
-    AutomationLinesTest() { QLocale::setDefault(QLocale(QStringLiteral("en_US"))); }
+    AutomationLinesTest() { QLocale::setDefault(QLocale(u"en_US"_s)); }
     ~AutomationLinesTest() override { QLocale::setDefault(QLocale::c()); }
 
     AutomationLine line(AutomationSwitch which, bool isOn = false) {
@@ -58,15 +60,14 @@ TEST_F(AutomationLinesTest, TheRulesInTheirOrderWordForWord) {
 
 TEST_F(AutomationLinesTest, TheOtherSwitchesWordForWord) {
     const AutomationLine disk = line(AutomationSwitch::diskAutopilotEnabled);
-    EXPECT_EQ(disk.title, QStringLiteral("Enable Disk Autopilot"));
+    EXPECT_EQ(disk.title, u"Enable Disk Autopilot"_s);
     EXPECT_EQ(disk.explanation,
-              QStringLiteral("Uses the Advisor autonomy mode above. Apprentice prepares reviews, "
-                             "Trusted keeps execution manual, and Autopilot may act only after 3 "
-                             "successful reviewed disk cleanups reach 75% trust."));
+              u"Uses the Advisor autonomy mode above. Apprentice prepares reviews, "
+              "Trusted keeps execution manual, and Autopilot may act only after 3 "
+              "successful reviewed disk cleanups reach 75% trust."_s);
     EXPECT_EQ(line(AutomationSwitch::notificationsIncludeActions).title,
-              QStringLiteral("Show action buttons in warning notifications"));
-    EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title,
-              QStringLiteral("Allow AI safe actions"));
+              u"Show action buttons in warning notifications"_s);
+    EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title, u"Allow AI safe actions"_s);
 }
 
 TEST_F(AutomationLinesTest, TheStopShowsOnWhatItGovernsAlone) {
@@ -90,8 +91,8 @@ TEST_F(AutomationLinesTest, EachSwitchHasAnIdentifierOfItsOwn) {
         identifiers.append(automationIdentifier(which));
     }
     EXPECT_EQ(identifiers.join(u' '),
-              QStringLiteral("auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
-                             "notification-actions"));
+              u"auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
+              "notification-actions"_s);
 }
 
 TEST_F(AutomationLinesTest, WhatIsOnIsCounted) {
@@ -136,9 +137,9 @@ TEST_F(AutomationLinesTest, ThatWhichActsIsSummedUp) {
 }
 
 TEST_F(AutomationLinesTest, TheStatesHaveDifferentWords) {
-    EXPECT_EQ(armedWord(ArmedState::on), QStringLiteral("On"));
-    EXPECT_EQ(armedWord(ArmedState::off), QStringLiteral("Off"));
-    EXPECT_EQ(armedWord(ArmedState::stopped), QStringLiteral("Stopped"));
+    EXPECT_EQ(armedWord(ArmedState::on), u"On"_s);
+    EXPECT_EQ(armedWord(ArmedState::off), u"Off"_s);
+    EXPECT_EQ(armedWord(ArmedState::stopped), u"Stopped"_s);
 }
 
 TEST_F(AutomationLinesTest, BeforeTheFirstTimeItSaysSo) {
@@ -176,7 +177,7 @@ TEST_F(AutomationLinesTest, ATimeOfAnotherDayBearsItsDate) {
 }
 
 TEST_F(AutomationLinesTest, TimesFollowTheLocale) {
-    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    QLocale::setDefault(QLocale(u"de_DE"_s));
     dates.lastAutoPurgeDate = at(14, 14, 3);
     EXPECT_EQ(lastActed(AutomationSwitch::autoPurgeSustainedMemory), "Last acted 14:03");
 }

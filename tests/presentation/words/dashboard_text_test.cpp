@@ -8,6 +8,8 @@
 #include <QLocale>
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -69,14 +71,14 @@ TEST(DashboardText, PercentagesAreRoundedToWholeOnes) {
                              Case{1e300, 100'000}, Case{nan, 0}, Case{infinity, 0}}) {
         EXPECT_EQ(dashboard_text::wholePercent(each.percent), each.whole) << each.percent;
     }
-    EXPECT_EQ(dashboard_text::percentText(41.5), QStringLiteral("42%"));
+    EXPECT_EQ(dashboard_text::percentText(41.5), u"42%"_s);
 }
 
 TEST(DashboardText, MenuBarLabelAndPanelGiveBothFigures) {
     const Place place("en_US");
     const SystemSnapshot snapshot = snapshotOf(12.4, 33.5);
-    EXPECT_EQ(dashboard_text::menuBarLabel(snapshot), QStringLiteral("CPU 12% MEM 34%"));
-    EXPECT_EQ(dashboard_text::panelLoad(snapshot), QStringLiteral("CPU 12% · Memory 34%"));
+    EXPECT_EQ(dashboard_text::menuBarLabel(snapshot), u"CPU 12% MEM 34%"_s);
+    EXPECT_EQ(dashboard_text::panelLoad(snapshot), u"CPU 12% · Memory 34%"_s);
 }
 
 TEST(DashboardText, TopGroupIsNamedWithItsMemory) {
@@ -85,19 +87,19 @@ TEST(DashboardText, TopGroupIsNamedWithItsMemory) {
     EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QString());
     snapshot.appImpacts.push_back({"Browser", 3, 10.0, 1536.0, 7, 0});
     snapshot.appImpacts.push_back({"Editor", 1, 1.0, 9000.0, 8, 0});
-    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: Browser · 1.5 GB"));
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), u"Top: Browser · 1.5 GB"_s);
     snapshot.appImpacts.front().name = "a\nb";
-    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: a\uFFFDb · 1.5 GB"));
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), u"Top: a\uFFFDb · 1.5 GB"_s);
 }
 
 TEST(DashboardText, NamesThatLookLikePlaceMarkersStayThemselves) {
     const Place place("en_US");
     SystemSnapshot snapshot;
     snapshot.appImpacts.push_back({"%1 %2 %3", 1, 0.0, 1024.0, 7, 0});
-    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), QStringLiteral("Top: %1 %2 %3 · 1.0 GB"));
+    EXPECT_EQ(dashboard_text::panelTopGroup(snapshot), u"Top: %1 %2 %3 · 1.0 GB"_s);
     Recommendation recommendation;
     recommendation.title = "%2 is busy";
-    EXPECT_EQ(dashboard_text::panelLatest(recommendation), QStringLiteral("%2 is busy · Info"));
+    EXPECT_EQ(dashboard_text::panelLatest(recommendation), u"%2 is busy · Info"_s);
 }
 
 TEST(DashboardText, LatestRecommendationBearsItsSeverity) {
@@ -108,7 +110,7 @@ TEST(DashboardText, LatestRecommendationBearsItsSeverity) {
                                          std::pair{Recommendation::Severity::urgent, "Urgent"}}) {
         recommendation.severity = severity;
         EXPECT_EQ(dashboard_text::panelLatest(recommendation),
-                  QStringLiteral("Memory is tight · ") + QString::fromLatin1(word));
+                  u"Memory is tight · "_s + QString::fromLatin1(word));
     }
 }
 
@@ -151,28 +153,26 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(DashboardText, MemoryThatRoundsToOneGigabyteIsGivenInGigabytes) {
     const Place place("en_US");
-    EXPECT_EQ(dashboard_text::memoryText(1023.49), QStringLiteral("1,023 MB"));
-    EXPECT_EQ(dashboard_text::memoryText(1023.5), QStringLiteral("1.0 GB"));
-    EXPECT_EQ(dashboard_text::memoryText(1024.0), QStringLiteral("1.0 GB"));
-    EXPECT_EQ(dashboard_text::memoryText(nan), QStringLiteral("0 MB"));
+    EXPECT_EQ(dashboard_text::memoryText(1023.49), u"1,023 MB"_s);
+    EXPECT_EQ(dashboard_text::memoryText(1023.5), u"1.0 GB"_s);
+    EXPECT_EQ(dashboard_text::memoryText(1024.0), u"1.0 GB"_s);
+    EXPECT_EQ(dashboard_text::memoryText(nan), u"0 MB"_s);
 }
 
 TEST(DashboardText, DetailsOfTheGauges) {
     const Place place("en_US");
-    EXPECT_EQ(dashboard_text::cpuDetail(12.5), QStringLiteral("13% normalized across cores"));
-    EXPECT_EQ(dashboard_text::memoryDetail({}), QStringLiteral("0.0 GB used of 0.0 GB"));
-    EXPECT_EQ(dashboard_text::gigabytes(0.25), QStringLiteral("0.3"));
+    EXPECT_EQ(dashboard_text::cpuDetail(12.5), u"13% normalized across cores"_s);
+    EXPECT_EQ(dashboard_text::memoryDetail({}), u"0.0 GB used of 0.0 GB"_s);
+    EXPECT_EQ(dashboard_text::gigabytes(0.25), u"0.3"_s);
 }
 
 TEST(DashboardText, NotesOfTheSession) {
-    EXPECT_EQ(dashboard_text::sessionNote(0), QStringLiteral("Current session · last 0 seconds"));
-    EXPECT_EQ(dashboard_text::sessionNote(720),
-              QStringLiteral("Current session · last 720 seconds"));
+    EXPECT_EQ(dashboard_text::sessionNote(0), u"Current session · last 0 seconds"_s);
+    EXPECT_EQ(dashboard_text::sessionNote(720), u"Current session · last 720 seconds"_s);
     EXPECT_EQ(dashboard_text::timelineCaption(44),
-              QStringLiteral("Current session · last 44 seconds · updates every 4 seconds"));
-    EXPECT_EQ(dashboard_text::averageAndThreshold(11.6, 82.0),
-              QStringLiteral("Avg 12% · Warn 82%"));
-    EXPECT_EQ(dashboard_text::warnAt(82.4), QStringLiteral("Warn at 82%"));
+              u"Current session · last 44 seconds · updates every 4 seconds"_s);
+    EXPECT_EQ(dashboard_text::averageAndThreshold(11.6, 82.0), u"Avg 12% · Warn 82%"_s);
+    EXPECT_EQ(dashboard_text::warnAt(82.4), u"Warn at 82%"_s);
 }
 
 TEST(DashboardText, SortStatusGivesTheLocalTimeOfTheSample) {
@@ -180,22 +180,20 @@ TEST(DashboardText, SortStatusGivesTheLocalTimeOfTheSample) {
     const Date sampledAt = Date::fromUnixSeconds(1773032635.9);
     {
         const Place place("en_US", "UTC");
-        EXPECT_EQ(
-            dashboard_text::sortStatus(120, sampledAt),
-            QStringLiteral("Sorted by Impact ↓ · 120 visible processes · updated 5:03:55 AM"));
+        EXPECT_EQ(dashboard_text::sortStatus(120, sampledAt),
+                  u"Sorted by Impact ↓ · 120 visible processes · updated 5:03:55 AM"_s);
     }
     const Place place("de_DE", "Asia/Tokyo");
     EXPECT_EQ(dashboard_text::sortStatus(0, sampledAt),
-              QStringLiteral("Sorted by Impact ↓ · 0 visible processes · updated 14:03:55"));
+              u"Sorted by Impact ↓ · 0 visible processes · updated 14:03:55"_s);
 }
 
 TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
     // 2026-03-09T14:03:55Z
     const Date date = Date::fromUnixSeconds(1773065035.0);
     const std::pair<const char*, QString> cases[] = {
-        {"C", QStringLiteral("14:03:55")},         {"en_GB", QStringLiteral("14:03:55")},
-        {"de_DE", QStringLiteral("14:03:55")},     {"fi_FI", QStringLiteral("14.03.55")},
-        {"ja_JP", QStringLiteral("14時03分55秒")}, {"fr_CA", QStringLiteral("14 h 03 min 55 s")},
+        {"C", u"14:03:55"_s},     {"en_GB", u"14:03:55"_s},     {"de_DE", u"14:03:55"_s},
+        {"fi_FI", u"14.03.55"_s}, {"ja_JP", u"14時03分55秒"_s}, {"fr_CA", u"14 h 03 min 55 s"_s},
     };
     for (const auto& [locale, expected] : cases) {
         const Place place(locale);
@@ -206,7 +204,7 @@ TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
     for (const char* locale : {"ko_KR", "es_ES", "zh_CN", "ar_EG", "bg_BG", "vi_VN"}) {
         const Place place(locale);
         const QString time = dashboard_text::timeText(date);
-        EXPECT_FALSE(time.contains(QStringLiteral("UTC"))) << locale << ' ' << time.toStdString();
+        EXPECT_FALSE(time.contains(u"UTC"_s)) << locale << ' ' << time.toStdString();
         EXPECT_FALSE(time.contains(u'(')) << locale << ' ' << time.toStdString();
         EXPECT_TRUE(time.contains(QLocale().toString(55))) << locale << ' ' << time.toStdString();
     }

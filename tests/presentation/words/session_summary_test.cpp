@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -47,8 +49,8 @@ TEST(SessionSummary, TakesTheTopAppsFromTheInsightsOfThoseTitles) {
                         insight("Recurring Top App", "editor"), insight("Remote Watch", "server"),
                         insight("Remote Repeater", "postgres")},
                        {});
-    EXPECT_EQ(cards[1].value, QStringLiteral("editor"));
-    EXPECT_EQ(cards[2].value, QStringLiteral("postgres"));
+    EXPECT_EQ(cards[1].value, u"editor"_s);
+    EXPECT_EQ(cards[2].value, u"postgres"_s);
 }
 
 TEST(SessionSummary, ListsTheAppsThatAreNeverQuit) {

@@ -11,6 +11,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/commands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QString& identifier,
@@ -21,11 +23,9 @@ EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QStri
     layout->setSpacing(spacing::unit);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::unit);
-    stop_ =
-        makeButton(commands::emergencyStop, identifier + QStringLiteral(".emergency-stop"), this);
+    stop_ = makeButton(commands::emergencyStop, identifier + u".emergency-stop"_s, this);
     stop_->setIcon(themedIcon(QString::fromUtf8(commands::emergencyStop.icon), &CrestTheme::bad));
-    resume_ = makeButton(commands::resumeManualMode,
-                         identifier + QStringLiteral(".resume-manual-mode"), this);
+    resume_ = makeButton(commands::resumeManualMode, identifier + u".resume-manual-mode"_s, this);
     buttons->addWidget(stop_);
     buttons->addWidget(resume_);
     buttons->addStretch(1);

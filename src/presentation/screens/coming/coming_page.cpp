@@ -11,21 +11,21 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 QString comingLine(AppRoute route) {
     switch (route) {
         case AppRoute::optimizationSuggestions:
-            return QStringLiteral(
-                "Here you will find the next steps for CPU, memory and disk, most useful first.");
+            return u"Here you will find the next steps for CPU, memory and disk, most useful first."_s;
         case AppRoute::aiAdvisor:
-            return QStringLiteral(
-                "Here you will read explained recommendations and review proposed actions.");
+            return u"Here you will read explained recommendations and review proposed actions."_s;
         case AppRoute::chat:
-            return QStringLiteral("Here you will ask questions about the current diagnostics.");
+            return u"Here you will ask questions about the current diagnostics."_s;
         case AppRoute::remoteMacs:
-            return QStringLiteral("Here you will see the other machines of your tailnet.");
+            return u"Here you will see the other machines of your tailnet."_s;
         default:
             // The others have screens of their own.
             return {};
@@ -42,16 +42,16 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
         layout->addWidget(new WorkspaceBar(monitor, route, content));
     }
     auto* card = new Card(content);
-    card->setObjectName(QStringLiteral("coming.") + dashboard_text::text(rawValue(route)));
+    card->setObjectName(u"coming."_s + dashboard_text::text(rawValue(route)));
     card->setAccessibleName(dashboard_text::text(title(route)));
     line_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
-    line_->setObjectName(card->objectName() + QStringLiteral(".line"));
+    line_->setObjectName(card->objectName() + u".line"_s);
     line_->setLines(1, 3);
     line_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
     if (route == AppRoute::optimizationSuggestions) {
-        disk_ = new DiskAutopilotBlock(monitor, QStringLiteral("suggestions"));
+        disk_ = new DiskAutopilotBlock(monitor, u"suggestions"_s);
         layout->addWidget(disk_);
     }
     layout->addStretch(1);
@@ -60,7 +60,7 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
 
 void ComingPage::refresh() {
     const bool hasSample = monitor_.sample().snapshot().has_value();
-    line_->setText(hasSample ? comingLine(route_) : QStringLiteral("Sampling this Mac..."));
+    line_->setText(hasSample ? comingLine(route_) : u"Sampling this Mac..."_s);
     if (disk_ != nullptr) {
         disk_->refresh();
     }

@@ -8,6 +8,8 @@
 #include "presentation/widgets/spoken.h"
 #include "presentation/words/activity_lines.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 ActivityEntry::ActivityEntry(QWidget* parent) : QWidget(parent) {
@@ -33,8 +35,7 @@ ActivityEntry::ActivityEntry(QWidget* parent) : QWidget(parent) {
 }
 
 void ActivityEntry::setLine(const ActivityLine& line) {
-    icon_->setIcon(line.isWarning ? QStringLiteral("exclamationmark.triangle.fill")
-                                  : QStringLiteral("checkmark.circle"));
+    icon_->setIcon(line.isWarning ? u"exclamationmark.triangle.fill"_s : u"checkmark.circle"_s);
     icon_->setColor(line.isWarning ? &CrestTheme::caution : &CrestTheme::secondaryText);
     title_->setText(line.title);
     time_->setText(line.time);
@@ -43,7 +44,7 @@ void ActivityEntry::setLine(const ActivityLine& line) {
 }
 
 QString ActivityEntry::accessibleValue() const {
-    return QStringLiteral("%1, %2: %3").arg(title_->text(), time_->text(), detail_->text());
+    return u"%1, %2: %3"_s.arg(title_->text(), time_->text(), detail_->text());
 }
 
 void ActivityEntry::paintEvent(QPaintEvent*) {

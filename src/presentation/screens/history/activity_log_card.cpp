@@ -13,34 +13,36 @@
 #include "presentation/words/activity_lines.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 QString eventCount(std::size_t count) {
-    return QStringLiteral("%1 events").arg(count);
+    return u"%1 events"_s.arg(count);
 }
 
 }  // namespace
 
 ActivityLogCard::ActivityLogCard(SystemMonitor& monitor, QWidget* parent)
     : Card(parent), monitor_(monitor) {
-    setObjectName(QStringLiteral("history.activity-log"));
-    setHeader(QStringLiteral("clock"), dashboard_text::text(title(DashboardSection::activityLog)));
+    setObjectName(u"history.activity-log"_s);
+    setHeader(u"clock"_s, dashboard_text::text(title(DashboardSection::activityLog)));
     setCaption(eventCount(0));
     // One press ends the whole record. So it stands by itself, at the other end of the row, and
     // Return, meant for something else, does not press it.
     auto* clear = new DangerButton(this);
-    clear->setTitle(QStringLiteral("Clear"));
-    clear->setObjectName(QStringLiteral("history.clear-log"));
-    clear->setAccessibleDescription(QStringLiteral("Removes every event of the activity log"));
+    clear->setTitle(u"Clear"_s);
+    clear->setObjectName(u"history.clear-log"_s);
+    clear->setAccessibleDescription(u"Removes every event of the activity log"_s);
     clear->setToolTip(clear->accessibleDescription());
     connect(clear, &QPushButton::clicked, this, [this] { monitor_.log().clearActivityLog(); });
     headerLayout()->addWidget(clear);
     clear_ = clear;
 
-    empty_ = new ElidedLabel(QStringLiteral("Actions and warnings will appear here."),
-                             &CrestFonts::body, &CrestTheme::secondaryText, this);
-    empty_->setObjectName(QStringLiteral("history.activity-log-empty"));
+    empty_ = new ElidedLabel(u"Actions and warnings will appear here."_s, &CrestFonts::body,
+                             &CrestTheme::secondaryText, this);
+    empty_->setObjectName(u"history.activity-log-empty"_s);
     empty_->setLines(1, 2);
     empty_->setGround(&CrestTheme::cardBackground);
     contentLayout()->addWidget(empty_);

@@ -23,24 +23,26 @@
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_summary.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 constexpr std::size_t sessionCards = 3;
 
 QString pointCount(std::size_t count) {
-    return QStringLiteral("Last %1").arg(count);
+    return u"Last %1"_s.arg(count);
 }
 
 SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
-    const QString title = QStringLiteral("Current State");
+    const QString title = u"Current State"_s;
     if (!snapshot) {
-        return {title, dashboard_text::noFigure(), QStringLiteral("Sampling this Mac...")};
+        return {title, dashboard_text::noFigure(), u"Sampling this Mac..."_s};
     }
-    return {title, dashboard_text::percentText(snapshot->cpuPercent) + QStringLiteral(" CPU"),
-            QStringLiteral("Memory pressure %1 at %2")
-                .arg(dashboard_text::percentText(snapshot->memory.pressure),
-                     dashboard_text::timeText(snapshot->sampledAt))};
+    return {
+        title, dashboard_text::percentText(snapshot->cpuPercent) + u" CPU"_s,
+        u"Memory pressure %1 at %2"_s.arg(dashboard_text::percentText(snapshot->memory.pressure),
+                                          dashboard_text::timeText(snapshot->sampledAt))};
 }
 
 }  // namespace
@@ -50,7 +52,7 @@ HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeTimeline());
-    session_.emplace(QStringLiteral("history.session"), sessionCards, content);
+    session_.emplace(u"history.session"_s, sessionCards, content);
     layout->addWidget(session_->widget());
     layout->addWidget(makeAutomation());
     layout->addWidget(makeReceipts());
@@ -63,8 +65,8 @@ HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* HistoryPage::makeTimeline() {
     timeline_ = new Card;
-    timeline_->setObjectName(QStringLiteral("history.timeline"));
-    timeline_->setHeader(QStringLiteral("waveform.path.ecg"), QStringLiteral("Local Timeline"));
+    timeline_->setObjectName(u"history.timeline"_s);
+    timeline_->setHeader(u"waveform.path.ecg"_s, u"Local Timeline"_s);
     timeline_->reserveCaption(pointCount(LatestSample::maximumHistory));
     graph_ = new StableLineGraph(timeline_);
     graph_->setMinimumHeight(18 * spacing::unit);
@@ -74,8 +76,8 @@ QWidget* HistoryPage::makeTimeline() {
 
 QWidget* HistoryPage::makeAutomation() {
     auto* card = new Card;
-    card->setObjectName(QStringLiteral("history.automation"));
-    card->setHeader(QStringLiteral("slider.horizontal.3"),
+    card->setObjectName(u"history.automation"_s);
+    card->setHeader(u"slider.horizontal.3"_s,
                     dashboard_text::text(title(DashboardSection::autoRules)));
     automation_ = new AutomationToggles(monitor_, card->objectName());
     card->contentLayout()->addWidget(automation_);
@@ -84,20 +86,17 @@ QWidget* HistoryPage::makeAutomation() {
 
 QWidget* HistoryPage::makeReceipts() {
     auto* card = new Card;
-    card->setObjectName(QStringLiteral("history.receipts"));
-    card->setHeader(QStringLiteral("doc.text.magnifyingglass"),
-                    QStringLiteral("Exportable Receipts"));
+    card->setObjectName(u"history.receipts"_s);
+    card->setHeader(u"doc.text.magnifyingglass"_s, u"Exportable Receipts"_s);
     auto* words = new ElidedLabel(
-        QStringLiteral("Diagnostics exports include local load, remote health, AI recommendations, "
-                       "action settings, and recent activity without exposing your OpenAI key."),
+        u"Diagnostics exports include local load, remote health, AI recommendations, "
+        "action settings, and recent activity without exposing your OpenAI key."_s,
         &CrestFonts::body, &CrestTheme::secondaryText, card);
     words->setLines(1, 4);
     words->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(words);
-    auto* copy =
-        makeButton(commands::copyReport, QStringLiteral("history.receipts.copy-report"), card);
-    auto* write =
-        makeButton(commands::exportReport, QStringLiteral("history.receipts.export"), card);
+    auto* copy = makeButton(commands::copyReport, u"history.receipts.copy-report"_s, card);
+    auto* write = makeButton(commands::exportReport, u"history.receipts.export"_s, card);
     connect(copy, &QPushButton::clicked, this,
             [this] { monitor_.reports().copyDiagnosticsReport(); });
     connect(write, &QPushButton::clicked, this,
@@ -131,9 +130,9 @@ void HistoryPage::refreshAll() {
 void HistoryPage::showSession() {
     session_->show(
         // Nothing scans other machines yet, and so nothing is said of how to.
-        {{QStringLiteral("Remote State"), QStringLiteral("Not scanned"), QString()},
+        {{u"Remote State"_s, u"Not scanned"_s, QString()},
          currentState(monitor_.sample().snapshot()),
-         recurringTopApp(QStringLiteral("Top Repeater"), monitor_.sample().sessionInsights())});
+         recurringTopApp(u"Top Repeater"_s, monitor_.sample().sessionInsights())});
 }
 
 int HistoryPage::placeInView(const QWidget& widget) const {

@@ -10,6 +10,8 @@
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -24,7 +26,7 @@ constexpr int markIconGap = 4;
 constexpr int lockWidth = markIconSize + 2 * spacing::unit;
 
 QString protectedWord() {
-    return QStringLiteral("Protected");
+    return u"Protected"_s;
 }
 
 QRect buttonRect(const QRect& cell) {
@@ -61,7 +63,7 @@ QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
                             mark.height() / 2.0);
     const int iconTop = mark.center().y() - markIconSize / 2 + 1;
     painter.drawPixmap(mark.left() + spacing::unit, iconTop,
-                       tintedIcon(QStringLiteral("lock.fill"), theme.secondaryText, markIconSize,
+                       tintedIcon(u"lock.fill"_s, theme.secondaryText, markIconSize,
                                   painter.device()->devicePixelRatioF()));
     if (mark.width() > lockWidth) {
         painter.setFont(font);
@@ -120,8 +122,7 @@ QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
 
 int ProcessRowDelegate::actionWidth() {
     const QFontMetrics metrics(CrestFonts::current().caption);
-    return metrics.horizontalAdvance(QStringLiteral("Review")) + 2 * buttonPadding +
-           2 * cellPadding;
+    return metrics.horizontalAdvance(u"Review"_s) + 2 * buttonPadding + 2 * cellPadding;
 }
 
 void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,

@@ -9,6 +9,8 @@
 #include "presentation/widgets/tool_tip.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -44,11 +46,11 @@ std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
 }
 
 QString toolTip(const ProcessSample& row) {
-    return toolTipText(QStringLiteral("PID %1\n").arg(row.pid) + text(row.command));
+    return toolTipText(u"PID %1\n"_s.arg(row.pid) + text(row.command));
 }
 
 QString megabytes(double value) {
-    return QStringLiteral("%1 MB").arg(QLocale().toString(value, 'f', 1));
+    return u"%1 MB"_s.arg(QLocale().toString(value, 'f', 1));
 }
 
 }  // namespace
@@ -160,13 +162,13 @@ QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) co
         case processColumn:
             return text(row.displayName());
         case cpuColumn:
-            return QStringLiteral("%1%").arg(QLocale().toString(row.cpu, 'f', 1));
+            return u"%1%"_s.arg(QLocale().toString(row.cpu, 'f', 1));
         case memoryColumn:
             return megabytes(row.rssMB);
         case memoryPercentColumn:
-            return QStringLiteral("%1%").arg(QLocale().toString(row.memoryPercent, 'f', 1));
+            return u"%1%"_s.arg(QLocale().toString(row.memoryPercent, 'f', 1));
         case actionColumn:
-            return QStringLiteral("Review");
+            return u"Review"_s;
         default:
             return {};
     }
@@ -188,7 +190,7 @@ bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
 
 QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) const {
     if (column == actionColumn) {
-        return QString(QStringLiteral("Review ") + text(row.displayName()));
+        return QString(u"Review "_s + text(row.displayName()));
     }
     if (column != processColumn) {
         return displayText(row, column);
@@ -196,12 +198,12 @@ QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) con
     // What the row otherwise tells by its mark and by its colour.
     QStringList words{text(row.displayName())};
     if (isProtectedRow(row)) {
-        words.append(QStringLiteral("Protected"));
+        words.append(u"Protected"_s);
     }
     if (selectedPID_ == row.pid) {
-        words.append(QStringLiteral("Under review"));
+        words.append(u"Under review"_s);
     }
-    return words.join(QStringLiteral(", "));
+    return words.join(u", "_s);
 }
 
 QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
@@ -243,15 +245,15 @@ QVariant ProcessTableModel::headerData(int section, Qt::Orientation orientation,
     }
     switch (section) {
         case processColumn:
-            return QStringLiteral("Process");
+            return u"Process"_s;
         case cpuColumn:
-            return QStringLiteral("CPU");
+            return u"CPU"_s;
         case memoryColumn:
-            return QStringLiteral("Memory");
+            return u"Memory"_s;
         case memoryPercentColumn:
-            return QStringLiteral("Mem %");
+            return u"Mem %"_s;
         default:
-            return QStringLiteral("Action");
+            return u"Action"_s;
     }
 }
 

@@ -14,6 +14,8 @@
 #include "presentation/screens/load/process_table_model.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -86,11 +88,9 @@ void ProcessTableView::sizeColumns() {
     const QFont& font = CrestFonts::current().body;
     const int padding = 3 * spacing::unit;
     const std::pair<int, int> figures[] = {
-        {ProcessTableModel::cpuColumn, figuresWidth(font, QStringLiteral("0000.0%")) + padding},
-        {ProcessTableModel::memoryColumn,
-         figuresWidth(font, QStringLiteral("000,000.0 MB")) + padding},
-        {ProcessTableModel::memoryPercentColumn,
-         figuresWidth(font, QStringLiteral("100.0%")) + padding},
+        {ProcessTableModel::cpuColumn, figuresWidth(font, u"0000.0%"_s) + padding},
+        {ProcessTableModel::memoryColumn, figuresWidth(font, u"000,000.0 MB"_s) + padding},
+        {ProcessTableModel::memoryPercentColumn, figuresWidth(font, u"100.0%"_s) + padding},
     };
     int room = viewport()->width() - ProcessRowDelegate::actionWidth();
     for (const auto& [column, width] : figures) {
@@ -231,7 +231,7 @@ void ProcessTableView::paintEvent(QPaintEvent* event) {
                   headingMetrics.height());
     painter.setFont(CrestFonts::current().heading);
     painter.setPen(theme.text);
-    painter.drawText(heading, Qt::AlignCenter, QStringLiteral("Select Process"));
+    painter.drawText(heading, Qt::AlignCenter, u"Select Process"_s);
     painter.setFont(CrestFonts::current().body);
     painter.setPen(theme.secondaryText);
     painter.drawText(heading.translated(0, heading.height() + spacing::unit), Qt::AlignCenter,

@@ -24,6 +24,8 @@
 #include "presentation/words/dashboard_text.h"
 #include "sampling/app_impact.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 using dashboard_text::text;
@@ -33,18 +35,17 @@ ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
-    card->setObjectName(QStringLiteral("processes"));
-    card->setHeader(QStringLiteral("gauge.with.dots.needle.67percent"),
-                    text(title(ActivityListMode::load)));
+    card->setObjectName(u"processes"_s);
+    card->setHeader(u"gauge.with.dots.needle.67percent"_s, text(title(ActivityListMode::load)));
     card->setCaption(text(subtitle(ActivityListMode::load)));
     card->contentLayout()->addWidget(makeToolRow());
     status_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, card);
-    status_->setObjectName(QStringLiteral("processes.sort-status"));
+    status_->setObjectName(u"processes.sort-status"_s);
     card->contentLayout()->addWidget(status_);
 
     model_ = new ProcessTableModel(monitor_.host().protection, this);
     table_ = new ProcessTableView(card);
-    table_->setObjectName(QStringLiteral("processes.table"));
+    table_->setObjectName(u"processes.table"_s);
     table_->setAccessibleName(text(title(ActivityListMode::load)));
     table_->setModel(model_);
     connect(table_, &ProcessTableView::reviewRequested, this, &ProcessesPage::review);
@@ -58,10 +59,8 @@ QWidget* ProcessesPage::makeToolRow() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
 
-    auto* selectTopRow =
-        makeButton(QStringLiteral("Select Top Row"), QStringLiteral("scope"),
-                   QStringLiteral("processes.select-top-row"),
-                   QStringLiteral("Selects the first row of the list for review"), row);
+    auto* selectTopRow = makeButton(u"Select Top Row"_s, u"scope"_s, u"processes.select-top-row"_s,
+                                    u"Selects the first row of the list for review"_s, row);
     connect(selectTopRow, &QPushButton::clicked, this, [this] {
         monitor_.review().selectFirstProcess(model_->rows());
         if (!model_->rows().empty()) {
@@ -69,27 +68,27 @@ QWidget* ProcessesPage::makeToolRow() {
         }
     });
     auto* activityMonitor =
-        makeButton(commands::activityMonitor, QStringLiteral("processes.activity-monitor"), row);
+        makeButton(commands::activityMonitor, u"processes.activity-monitor"_s, row);
     connect(activityMonitor, &QPushButton::clicked, this,
             [this] { monitor_.applications().openActivityMonitor(); });
 
     filter_ = new QLineEdit(row);
-    filter_->setObjectName(QStringLiteral("processes.filter"));
-    filter_->setPlaceholderText(QStringLiteral("Filter processes"));
-    filter_->setAccessibleName(QStringLiteral("Filter processes"));
-    filter_->setAccessibleDescription(QStringLiteral("Keeps rows by name, path or PID"));
+    filter_->setObjectName(u"processes.filter"_s);
+    filter_->setPlaceholderText(u"Filter processes"_s);
+    filter_->setAccessibleName(u"Filter processes"_s);
+    filter_->setAccessibleDescription(u"Keeps rows by name, path or PID"_s);
     filter_->setClearButtonEnabled(true);
     filter_->setMaxLength(1024);
     filter_->setMinimumWidth(20 * spacing::unit);
     filter_->setMaximumWidth(32 * spacing::unit);
     filter_
-        ->addAction(themedIcon(QStringLiteral("magnifyingglass"), &CrestTheme::secondaryText),
+        ->addAction(themedIcon(u"magnifyingglass"_s, &CrestTheme::secondaryText),
                     QLineEdit::LeadingPosition)
-        ->setText(QStringLiteral("Filter processes"));
+        ->setText(u"Filter processes"_s);
     // The built-in clear button comes without words.
     for (QAction* action : filter_->findChildren<QAction*>()) {
         if (action->text().isEmpty()) {
-            action->setText(QStringLiteral("Clear filter"));
+            action->setText(u"Clear filter"_s);
         }
     }
     const auto onKey = [this](Qt::Key key, auto handler) {
@@ -197,23 +196,22 @@ void ProcessesPage::focusSearch() {
 void ProcessesPage::showStatus() {
     const auto& snapshot = monitor_.sample().snapshot();
     if (!snapshot) {
-        status_->setText(QStringLiteral("Sampling this Mac..."));
-        describeTable(QStringLiteral("Sampling this Mac..."));
+        status_->setText(u"Sampling this Mac..."_s);
+        describeTable(u"Sampling this Mac..."_s);
         return;
     }
     status_->setText(
         dashboard_text::sortStatus(static_cast<int>(model_->rows().size()), snapshot->sampledAt));
     describeTable(monitor_.sample().latestProcesses().empty()
-                      ? QStringLiteral("No process could be read in the last sample.")
-                      : QStringLiteral("No process matches the filter. Clear it to see all."));
+                      ? u"No process could be read in the last sample."_s
+                      : u"No process matches the filter. Clear it to see all."_s);
 }
 
 void ProcessesPage::describeTable(const QString& emptyDetail) {
     table_->setEmptyDetail(emptyDetail);
     const QString description =
-        model_->rows().empty()
-            ? QStringLiteral("Select Process. ") + emptyDetail
-            : QStringLiteral("Processes by impact. Return on a row selects it for review.");
+        model_->rows().empty() ? u"Select Process. "_s + emptyDetail
+                               : u"Processes by impact. Return on a row selects it for review."_s;
     setSpokenDescription(*table_, description);
 }
 

@@ -10,12 +10,14 @@
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
     : Card(parent), monitor_(monitor) {
-    setObjectName(QStringLiteral("cleanup.flow"));
-    setHeader(QStringLiteral("wand.and.stars"), QStringLiteral("Local Cleanup Flow"));
+    setObjectName(u"cleanup.flow"_s);
+    setHeader(u"wand.and.stars"_s, u"Local Cleanup Flow"_s);
     const auto addLine = [this](const QString& words, ElidedLabel::FontRole font,
                                 const ThemeColor& color) {
         auto* line = new ElidedLabel(words, font, color, this);
@@ -25,19 +27,21 @@ CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
         return line;
     };
     step_ = addLine(QString(), &CrestFonts::body, &CrestTheme::text);
-    step_->setObjectName(QStringLiteral("cleanup.step"));
-    addLine(QStringLiteral("Need the full sortable list? Open Processes in the sidebar. This "
-                           "workspace stays focused on the selected target and the next safe "
-                           "action."),
-            &CrestFonts::caption, &CrestTheme::secondaryText)
-        ->setObjectName(QStringLiteral("cleanup.hint"));
+    step_->setObjectName(u"cleanup.step"_s);
+    addLine(
+        u"Need the full sortable list? Open Processes in the sidebar. This "
+        "workspace stays focused on the selected target and the next safe "
+        "action."_s,
+        &CrestFonts::caption, &CrestTheme::secondaryText)
+        ->setObjectName(u"cleanup.hint"_s);
     contentLayout()->addSpacing(spacing::unit / 2);
     contentLayout()->addWidget(makeActions());
     contentLayout()->addSpacing(spacing::unit / 2);
-    addLine(QStringLiteral("Selecting marks a target for review. Purge, Quit Process, and Quit App "
-                           "Group all ask for confirmation before changing anything."),
-            &CrestFonts::caption, &CrestTheme::secondaryText)
-        ->setObjectName(QStringLiteral("cleanup.promise"));
+    addLine(
+        u"Selecting marks a target for review. Purge, Quit Process, and Quit App "
+        "Group all ask for confirmation before changing anything."_s,
+        &CrestFonts::caption, &CrestTheme::secondaryText)
+        ->setObjectName(u"cleanup.promise"_s);
 }
 
 QWidget* CleanupFlowCard::makeActions() {
@@ -51,13 +55,12 @@ QWidget* CleanupFlowCard::makeActions() {
     add({"Suggest Safe Target", "checkmark.shield",
          "Selects an app that is safe to review; asks for a cache purge when memory pressure is "
          "high"},
-        QStringLiteral("cleanup.suggest-safe-target"),
-        [this] { monitor_.localActions().optimizeSafely(); });
-    add(commands::selectTopApp, QStringLiteral("cleanup.select-top-app"),
+        u"cleanup.suggest-safe-target"_s, [this] { monitor_.localActions().optimizeSafely(); });
+    add(commands::selectTopApp, u"cleanup.select-top-app"_s,
         [this] { monitor_.review().selectTopApp(); });
-    purge_ = add(commands::purge, QStringLiteral("cleanup.purge-caches"),
+    purge_ = add(commands::purge, u"cleanup.purge-caches"_s,
                  [this] { monitor_.localActions().requestPurge(); });
-    add(commands::activityMonitor, QStringLiteral("cleanup.activity-monitor"),
+    add(commands::activityMonitor, u"cleanup.activity-monitor"_s,
         [this] { monitor_.applications().openActivityMonitor(); });
     return actions;
 }
@@ -74,8 +77,7 @@ void CleanupFlowCard::showPurging(bool isPurging) {
     isPurging_ = isPurging;
     // The shorter word takes no room away from the buttons beside it.
     purge_->setMinimumWidth(isPurging ? purge_->width() : 0);
-    purge_->setText(isPurging ? QStringLiteral("Purging…")
-                              : QString::fromUtf8(commands::purge.title));
+    purge_->setText(isPurging ? u"Purging…"_s : QString::fromUtf8(commands::purge.title));
     purge_->setAccessibleName(purge_->text());
     purge_->setEnabled(!isPurging);
 }

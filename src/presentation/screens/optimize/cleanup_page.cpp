@@ -10,6 +10,8 @@
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 CleanupPage::CleanupPage(SystemMonitor& monitor, QWidget* parent) : Screen(parent) {
@@ -18,7 +20,7 @@ CleanupPage::CleanupPage(SystemMonitor& monitor, QWidget* parent) : Screen(paren
     layout->addWidget(new WorkspaceBar(monitor, AppRoute::optimize, content));
     flow_ = new CleanupFlowCard(monitor, content);
     layout->addWidget(flow_);
-    disk_ = new DiskAutopilotBlock(monitor, QStringLiteral("cleanup"));
+    disk_ = new DiskAutopilotBlock(monitor, u"cleanup"_s);
     layout->addWidget(disk_);
     offender_ = new OffenderCard(monitor, content);
     layout->addWidget(offender_);

@@ -22,6 +22,8 @@
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -36,10 +38,10 @@ constexpr int mostRows = 8;
 
 OffenderCard::OffenderCard(SystemMonitor& monitor, QWidget* parent)
     : Card(parent), monitor_(monitor) {
-    setObjectName(QStringLiteral("cleanup.offender"));
-    setHeader(QStringLiteral("scope"), selected_offender::heading({}));
+    setObjectName(u"cleanup.offender"_s);
+    setHeader(u"scope"_s, selected_offender::heading({}));
     explanation_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    explanation_->setObjectName(QStringLiteral("cleanup.explanation"));
+    explanation_->setObjectName(u"cleanup.explanation"_s);
     // Room for a name of any length, which must not push out whether the process is protected.
     explanation_->setLines(1, 8);
     explanation_->setGround(&CrestTheme::cardBackground);
@@ -51,10 +53,10 @@ OffenderCard::OffenderCard(SystemMonitor& monitor, QWidget* parent)
     layout->setSpacing(spacing::unit);
     layout->addWidget(makeCards());
     auto* quitHint = new ElidedLabel(
-        QStringLiteral("Use File > Quit Selected Process or Quit Selected App Group only after "
-                       "review."),
+        u"Use File > Quit Selected Process or Quit Selected App Group only after "
+        "review."_s,
         &CrestFonts::caption, &CrestTheme::secondaryText, target_);
-    quitHint->setObjectName(QStringLiteral("cleanup.quit-hint"));
+    quitHint->setObjectName(u"cleanup.quit-hint"_s);
     quitHint->setLines(1, 2);
     quitHint->setGround(&CrestTheme::cardBackground);
     layout->addWidget(quitHint);
@@ -65,13 +67,13 @@ OffenderCard::OffenderCard(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* OffenderCard::makeCards() {
     auto* cards = new CardGrid(narrowestCard, target_);
-    group_ = new SummaryCard(QStringLiteral("App Group"));
-    group_->setObjectName(QStringLiteral("cleanup.app-group"));
+    group_ = new SummaryCard(u"App Group"_s);
+    group_->setObjectName(u"cleanup.app-group"_s);
     neverQuit_ = makeNeverQuit();
     group_->contentLayout()->addWidget(neverQuit_, 0, Qt::AlignLeft);
-    risk_ = new SummaryCard(QStringLiteral("Risk"));
-    risk_->setObjectName(QStringLiteral("cleanup.risk"));
-    risk_->setDetail(QStringLiteral("Tallowcrest will not quit this automatically."));
+    risk_ = new SummaryCard(u"Risk"_s);
+    risk_->setObjectName(u"cleanup.risk"_s);
+    risk_->setDetail(u"Tallowcrest will not quit this automatically."_s);
     cards->addCard(group_);
     cards->addCard(risk_);
     cards->setShownCount(2);
@@ -79,8 +81,8 @@ QWidget* OffenderCard::makeCards() {
 }
 
 QPushButton* OffenderCard::makeNeverQuit() {
-    auto* button = makeButton(QStringLiteral("Never Quit: Off"), QStringLiteral("lock.shield"),
-                              QStringLiteral("cleanup.never-quit"), QString(), group_);
+    auto* button = makeButton(u"Never Quit: Off"_s, u"lock.shield"_s, u"cleanup.never-quit"_s,
+                              QString(), group_);
     button->setCheckable(true);
     connect(button, &QPushButton::clicked, this, [this] {
         // The one that the button names: the target may have moved since.
@@ -96,24 +98,23 @@ QWidget* OffenderCard::makeHelpers() {
     auto* layout = new QVBoxLayout(helpers);
     layout->setContentsMargins(0, spacing::unit, 0, 0);
     layout->setSpacing(spacing::unit / 2);
-    const QString title = QStringLiteral("Related Helper Processes");
+    const QString title = u"Related Helper Processes"_s;
     auto* heading = new ElidedLabel(title, &CrestFonts::heading, &CrestTheme::text, helpers);
     heading->setGround(&CrestTheme::cardBackground);
     layout->addWidget(heading);
-    noHelpers_ =
-        new ElidedLabel(QStringLiteral("No process of this group is in the latest sample."),
-                        &CrestFonts::body, &CrestTheme::secondaryText, helpers);
-    noHelpers_->setObjectName(QStringLiteral("cleanup.no-helpers"));
+    noHelpers_ = new ElidedLabel(u"No process of this group is in the latest sample."_s,
+                                 &CrestFonts::body, &CrestTheme::secondaryText, helpers);
+    noHelpers_->setObjectName(u"cleanup.no-helpers"_s);
     noHelpers_->setGround(&CrestTheme::cardBackground);
     layout->addWidget(noHelpers_);
 
     model_ = new HelperProcessesModel(monitor_.host().protection, this);
     table_ = new ProcessTableView(helpers);
-    table_->setObjectName(QStringLiteral("cleanup.helpers"));
+    table_->setObjectName(u"cleanup.helpers"_s);
     table_->setAccessibleName(title);
     table_->setAccessibleDescription(
-        QStringLiteral("Processes of the selected app group. Return on a row selects it for "
-                       "review."));
+        u"Processes of the selected app group. Return on a row selects it for "
+        "review."_s);
     table_->setModel(model_);
     table_->installEventFilter(this);
     connect(table_, &ProcessTableView::reviewRequested, this, [this](const QModelIndex& index) {
@@ -130,10 +131,9 @@ void OffenderCard::refresh() {
     if (hasTarget) {
         showTarget();
     } else {
-        setHeader(QStringLiteral("scope"), selected_offender::heading({}));
-        explanation_->setText(monitor_.sample().snapshot()
-                                  ? selected_offender::hint()
-                                  : QStringLiteral("Sampling this Mac..."));
+        setHeader(u"scope"_s, selected_offender::heading({}));
+        explanation_->setText(monitor_.sample().snapshot() ? selected_offender::hint()
+                                                           : u"Sampling this Mac..."_s);
         explanation_->setColor(&CrestTheme::secondaryText);
         model_->setRows({});
     }
@@ -143,7 +143,7 @@ void OffenderCard::refresh() {
 void OffenderCard::showTarget() {
     const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
     const ProcessSample* row = monitor_.review().selectedRow();
-    setHeader(QStringLiteral("scope"), selected_offender::heading(summary.title));
+    setHeader(u"scope"_s, selected_offender::heading(summary.title));
     explanation_->setText(row != nullptr ? selected_offender::sentence(*row, summary.isProtected)
                                          : text(summary.detail));
     explanation_->setColor(&CrestTheme::text);
@@ -165,19 +165,16 @@ void OffenderCard::showNeverQuit() {
         return;
     }
     const bool isOn = monitor_.settings().protectedAppNames.contains(*shownGroup_);
-    const QString state =
-        isOn ? QStringLiteral("Never Quit: On") : QStringLiteral("Never Quit: Off");
+    const QString state = isOn ? u"Never Quit: On"_s : u"Never Quit: Off"_s;
     if (neverQuit_->text() != state) {
         neverQuit_->setText(state);
-        neverQuit_->setIcon(
-            themedIcon(isOn ? QStringLiteral("lock.fill") : QStringLiteral("lock.shield")));
+        neverQuit_->setIcon(themedIcon(isOn ? u"lock.fill"_s : u"lock.shield"_s));
     }
     neverQuit_->setChecked(isOn);
-    const QString name = QStringLiteral("Never Quit ") + text(*shownGroup_);
-    const QString act = isOn ? QStringLiteral("Takes this app group off the Never Quit list")
-                             : QStringLiteral(
-                                   "Puts this app group on the Never Quit list, which "
-                                   "protects it from quit actions");
+    const QString name = u"Never Quit "_s + text(*shownGroup_);
+    const QString act = isOn ? u"Takes this app group off the Never Quit list"_s
+                             : u"Puts this app group on the Never Quit list, which "
+                               "protects it from quit actions"_s;
     setSpokenName(*neverQuit_, name);
     setSpokenDescription(*neverQuit_, act);
     neverQuit_->setToolTip(act);

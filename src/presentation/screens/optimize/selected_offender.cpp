@@ -7,6 +7,8 @@
 
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest::selected_offender {
 namespace {
 
@@ -23,26 +25,25 @@ QString cpuPercent(double percent) {
 }  // namespace
 
 QString hint() {
-    return QStringLiteral("Select an app or process to see why it matters.");
+    return u"Select an app or process to see why it matters."_s;
 }
 
 QString heading(std::string_view name) {
-    const QString title = QStringLiteral("Selected Offender");
-    return name.empty() ? title : title + QStringLiteral(": ") + text(name);
+    const QString title = u"Selected Offender"_s;
+    return name.empty() ? title : title + u": "_s + text(name);
 }
 
 QString sentence(const ProcessSample& process, bool isProtected) {
     // Joined and not filled into a pattern: a name may hold anything, a placeholder as well.
-    return text(process.displayName()) + QStringLiteral(" is using ") + cpuPercent(process.cpu) +
-           QStringLiteral(" CPU and ") + wholeMegabytes(process.rssMB) +
-           QStringLiteral(" memory. ") +
-           (isProtected ? QStringLiteral("It is protected from quit actions.")
-                        : QStringLiteral("Review before quitting; unsaved work may be lost if the "
-                                         "app does not exit cleanly."));
+    return text(process.displayName()) + u" is using "_s + cpuPercent(process.cpu) +
+           u" CPU and "_s + wholeMegabytes(process.rssMB) + u" memory. "_s +
+           (isProtected ? u"It is protected from quit actions."_s
+                        : u"Review before quitting; unsaved work may be lost if the "
+                          "app does not exit cleanly."_s);
 }
 
 GroupCard groupCard(const std::optional<std::string>& group, std::span<const AppImpact> groups) {
-    const QString noSummary = QStringLiteral("No group summary");
+    const QString noSummary = u"No group summary"_s;
     if (!group || group->empty()) {
         return {noSummary, {}};
     }
@@ -51,19 +52,19 @@ GroupCard groupCard(const std::optional<std::string>& group, std::span<const App
     if (found == groups.end()) {
         return {text(*group), noSummary};
     }
-    const QString count = found->processCount == 1
-                              ? QStringLiteral("1 process")
-                              : QLocale().toString(static_cast<qlonglong>(found->processCount)) +
-                                    QStringLiteral(" processes");
-    return {text(*group), QStringLiteral("%1 · %2 CPU").arg(count, cpuPercent(found->totalCPU))};
+    const QString count =
+        found->processCount == 1
+            ? u"1 process"_s
+            : QLocale().toString(static_cast<qlonglong>(found->processCount)) + u" processes"_s;
+    return {text(*group), u"%1 · %2 CPU"_s.arg(count, cpuPercent(found->totalCPU))};
 }
 
 QString risk(bool isProtected) {
-    return isProtected ? QStringLiteral("Protected") : QStringLiteral("Manual");
+    return isProtected ? u"Protected"_s : u"Manual"_s;
 }
 
 QString wholeMegabytes(double megabytes) {
-    return decimal(megabytes, 0) + QStringLiteral(" MB");
+    return decimal(megabytes, 0) + u" MB"_s;
 }
 
 }  // namespace tallowcrest::selected_offender

@@ -13,6 +13,8 @@
 #include "presentation/widgets/tab_strip.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -34,31 +36,30 @@ constexpr std::array steps{
 QString workspaceLine(AppRoute route) {
     switch (route) {
         case AppRoute::optimize:
-            return QStringLiteral(
-                "Select one process or app group, review its impact, then choose a manual cleanup "
-                "action. Nothing quits automatically.");
+            return u"Select one process or app group, review its impact, then choose a manual "
+                   u"cleanup "
+                   "action. Nothing quits automatically."_s;
         case AppRoute::optimizationSuggestions:
-            return QStringLiteral(
-                "Start here for prioritized next steps across CPU, memory, and disk. Analyze "
-                "first; review every proposed change.");
+            return u"Start here for prioritized next steps across CPU, memory, and disk. Analyze "
+                   "first; review every proposed change."_s;
         case AppRoute::aiAdvisor:
-            return QStringLiteral(
-                "Use AI for explanations and trust-controlled reversible actions. Autonomy grows "
-                "only from successful reviewed actions.");
+            return u"Use AI for explanations and trust-controlled reversible actions. Autonomy "
+                   u"grows "
+                   "only from successful reviewed actions."_s;
         case AppRoute::chat:
-            return QStringLiteral(
-                "Ask a question about current diagnostics. Chat explains and points to controls "
-                "but never executes actions.");
+            return u"Ask a question about current diagnostics. Chat explains and points to "
+                   u"controls "
+                   "but never executes actions."_s;
         default:
-            return QStringLiteral("Choose an optimization workflow.");
+            return u"Choose an optimization workflow."_s;
     }
 }
 
 WorkspaceBar::WorkspaceBar(SystemMonitor& monitor, AppRoute route, QWidget* parent)
     : QWidget(parent), monitor_(monitor), route_(route) {
     installAccessibleFigures();
-    setObjectName(QStringLiteral("optimize.workspace"));
-    setAccessibleName(QStringLiteral("Optimize Workspace"));
+    setObjectName(u"optimize.workspace"_s);
+    setAccessibleName(u"Optimize Workspace"_s);
     makeTabs();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -69,7 +70,7 @@ WorkspaceBar::WorkspaceBar(SystemMonitor& monitor, AppRoute route, QWidget* pare
     layout->addWidget(row);
     auto* line =
         new ElidedLabel(workspaceLine(route), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    line->setObjectName(QStringLiteral("optimize.workspace.line"));
+    line->setObjectName(u"optimize.workspace.line"_s);
     line->setLines(1, 3);
     layout->addWidget(line);
 }

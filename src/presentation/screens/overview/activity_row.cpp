@@ -6,6 +6,8 @@
 #include "presentation/widgets/icon_view.h"
 #include "presentation/words/activity_lines.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 ActivityRow::ActivityRow(QWidget* parent) : QWidget(parent) {
@@ -20,7 +22,7 @@ ActivityRow::ActivityRow(QWidget* parent) : QWidget(parent) {
         label->setGround(&CrestTheme::cardBackground);
     }
     // The details stand below each other, whichever the titles are.
-    title_->setReservedText(QStringLiteral("Auto Rule"));
+    title_->setReservedText(u"Auto Rule"_s);
     detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     layout->addWidget(icon_);
@@ -30,8 +32,7 @@ ActivityRow::ActivityRow(QWidget* parent) : QWidget(parent) {
 }
 
 void ActivityRow::setLine(const ActivityLine& line) {
-    icon_->setIcon(line.isWarning ? QStringLiteral("exclamationmark.triangle.fill")
-                                  : QStringLiteral("checkmark.circle"));
+    icon_->setIcon(line.isWarning ? u"exclamationmark.triangle.fill"_s : u"checkmark.circle"_s);
     icon_->setColor(line.isWarning ? &CrestTheme::caution : &CrestTheme::secondaryText);
     title_->setText(line.title);
     detail_->setText(line.detail);

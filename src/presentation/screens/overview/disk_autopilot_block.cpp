@@ -13,22 +13,23 @@
 #include "presentation/widgets/icon_view.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor, const QString& page)
-    : OverviewBlock(monitor, DashboardSection::autoRules, page + QStringLiteral(".disk-autopilot"),
-                    QStringLiteral("internaldrive"), QStringLiteral("Disk Autopilot")) {
-    space_ = new BarList(QStringLiteral("Home volume"), 1, QStringLiteral("000% used"), body());
+    : OverviewBlock(monitor, DashboardSection::autoRules, page + u".disk-autopilot"_s,
+                    u"internaldrive"_s, u"Disk Autopilot"_s) {
+    space_ = new BarList(u"Home volume"_s, 1, u"000% used"_s, body());
     bodyLayout()->addWidget(space_);
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit);
-    lowIcon_ = new IconView(QStringLiteral("exclamationmark.triangle"), &CrestTheme::caution,
-                            spacing::iconSmall, body());
-    lowWord_ =
-        new ElidedLabel(QStringLiteral("Low"), &CrestFonts::heading, &CrestTheme::caution, body());
-    lowWord_->setObjectName(objectName() + QStringLiteral("-low"));
+    lowIcon_ = new IconView(u"exclamationmark.triangle"_s, &CrestTheme::caution, spacing::iconSmall,
+                            body());
+    lowWord_ = new ElidedLabel(u"Low"_s, &CrestFonts::heading, &CrestTheme::caution, body());
+    lowWord_->setObjectName(objectName() + u"-low"_s);
     status_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, body());
-    status_->setObjectName(objectName() + QStringLiteral("-status"));
+    status_->setObjectName(objectName() + u"-status"_s);
     status_->setLines(1, 3);
     // Room for what comes with low space, so that nothing below moves then.
     row->addStrut(std::max(spacing::iconSmall, lowWord_->sizeHint().height()));
@@ -37,7 +38,7 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor, const QString& pa
     row->addWidget(status_, 1);
     bodyLayout()->addLayout(row);
     rule_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
-    rule_->setObjectName(objectName() + QStringLiteral("-rule"));
+    rule_->setObjectName(objectName() + u"-rule"_s);
     rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
     stop_ = new EmergencyStopControls(monitor, page, body());
@@ -54,15 +55,14 @@ bool DiskAutopilotBlock::isLow() const {
 
 void DiskAutopilotBlock::showHeader() {
     // Closed, the section still tells what needs attention.
-    header()->setNote(isCollapsed() && isLow() ? QStringLiteral("Low") : QString(),
-                      &CrestTheme::caution);
+    header()->setNote(isCollapsed() && isLow() ? u"Low"_s : QString(), &CrestTheme::caution);
 }
 
 void DiskAutopilotBlock::showContent() {
     const auto& snapshot = monitor().sample().snapshot();
     const auto space = snapshot ? diskSpaceTexts(snapshot->disk) : std::nullopt;
-    space_->setEmptyText(snapshot ? QStringLiteral("The size of the home volume could not be read.")
-                                  : QStringLiteral("Sampling this Mac..."));
+    space_->setEmptyText(snapshot ? u"The size of the home volume could not be read."_s
+                                  : u"Sampling this Mac..."_s);
     space_->setRows(space ? std::vector<BarRow>{{space->free, space->used, space->fraction}}
                           : std::vector<BarRow>{});
     space_->setTint(isLow() ? &CrestTheme::caution : &CrestTheme::secondaryText);

@@ -7,6 +7,8 @@
 
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk) {
@@ -14,9 +16,8 @@ std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk) {
         return std::nullopt;
     }
     const double used = std::clamp(1.0 - disk.freeGB / disk.totalGB, 0.0, 1.0);
-    return DiskSpaceTexts{QStringLiteral("%1 GB free").arg(dashboard_text::gigabytes(disk.freeGB)),
-                          QStringLiteral("%1 used").arg(dashboard_text::percentText(100.0 * used)),
-                          used};
+    return DiskSpaceTexts{u"%1 GB free"_s.arg(dashboard_text::gigabytes(disk.freeGB)),
+                          u"%1 used"_s.arg(dashboard_text::percentText(100.0 * used)), used};
 }
 
 bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings) {
@@ -24,14 +25,13 @@ bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings) {
 }
 
 QString diskRule(const Settings& settings, std::string_view caches) {
-    return QStringLiteral(
-               "Only regular files older than %1 days inside %2 are eligible. Each run is capped "
-               "at "
-               "%3 GB and moves files to Trash. Automatic runs also require low free space, "
-               "Autopilot "
-               "mode, and established disk-cleanup trust.")
-        .arg(QLocale().toString(std::trunc(settings.diskCleanupAgeDays), 'f', 0),
-             dashboard_text::text(caches), dashboard_text::gigabytes(settings.diskMaxCleanupGB));
+    return u"Only regular files older than %1 days inside %2 are eligible. Each run is capped "
+           "at "
+           "%3 GB and moves files to Trash. Automatic runs also require low free space, "
+           "Autopilot "
+           "mode, and established disk-cleanup trust."_s.arg(
+               QLocale().toString(std::trunc(settings.diskCleanupAgeDays), 'f', 0),
+               dashboard_text::text(caches), dashboard_text::gigabytes(settings.diskMaxCleanupGB));
 }
 
 }  // namespace tallowcrest

@@ -8,27 +8,28 @@
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 using dashboard_text::text;
 
 GaugesBlock::GaugesBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::gauges, QStringLiteral("overview.system-gauges"),
-                    QStringLiteral("speedometer"), text(title(DashboardSection::gauges)),
-                    Frame::none) {
+    : OverviewBlock(monitor, DashboardSection::gauges, u"overview.system-gauges"_s,
+                    u"speedometer"_s, text(title(DashboardSection::gauges)), Frame::none) {
     // Enough for the largest figure and three lines of detail.
     constexpr int narrowestMetric = 160;
     auto* gauges = new GaugeRow(body());
-    gauges->setObjectName(QStringLiteral("overview.gauges"));
+    gauges->setObjectName(u"overview.gauges"_s);
     // The section around it bears the section's name.
-    gauges->setAccessibleName(QStringLiteral("CPU, memory and free memory"));
-    cpuGauge_ = new GaugeCard(QStringLiteral("CPU Load"), &CrestTheme::good, gauges);
-    memoryGauge_ = new GaugeCard(QStringLiteral("Memory Pressure"), &CrestTheme::good, gauges);
-    reclaimable_ = new MetricCard(QStringLiteral("Free / Reclaimable"), gauges);
+    gauges->setAccessibleName(u"CPU, memory and free memory"_s);
+    cpuGauge_ = new GaugeCard(u"CPU Load"_s, &CrestTheme::good, gauges);
+    memoryGauge_ = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::good, gauges);
+    reclaimable_ = new MetricCard(u"Free / Reclaimable"_s, gauges);
     reclaimable_->centerLines();
-    cpuGauge_->setObjectName(QStringLiteral("overview.cpu-load"));
-    memoryGauge_->setObjectName(QStringLiteral("overview.memory-pressure"));
-    reclaimable_->setObjectName(QStringLiteral("overview.free-reclaimable"));
+    cpuGauge_->setObjectName(u"overview.cpu-load"_s);
+    memoryGauge_->setObjectName(u"overview.memory-pressure"_s);
+    reclaimable_->setObjectName(u"overview.free-reclaimable"_s);
     gauges->setCards({cpuGauge_, memoryGauge_, reclaimable_}, narrowestMetric);
     bodyLayout()->addWidget(gauges);
 }
@@ -36,7 +37,7 @@ GaugesBlock::GaugesBlock(SystemMonitor& monitor)
 void GaugesBlock::showContent() {
     const auto& snapshot = monitor().sample().snapshot();
     if (!snapshot) {
-        const QString waiting = QStringLiteral("Sampling this Mac...");
+        const QString waiting = u"Sampling this Mac..."_s;
         cpuGauge_->clearValue();
         memoryGauge_->clearValue();
         reclaimable_->setValue(dashboard_text::noFigure());
@@ -52,7 +53,7 @@ void GaugesBlock::showContent() {
     memoryGauge_->setValue(memory.pressure);
     memoryGauge_->setTint(gaugeStateColor(memory.pressure));
     memoryGauge_->setDetail(dashboard_text::memoryDetail(memory));
-    reclaimable_->setValue(QStringLiteral("%1 GB").arg(dashboard_text::gigabytes(memory.freeGB)));
+    reclaimable_->setValue(u"%1 GB"_s.arg(dashboard_text::gigabytes(memory.freeGB)));
     reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));
 }
 

@@ -3,6 +3,8 @@
 #include "monitor/system_monitor.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 OverviewBlock::OverviewBlock(SystemMonitor& monitor, DashboardSection section,
@@ -10,7 +12,7 @@ OverviewBlock::OverviewBlock(SystemMonitor& monitor, DashboardSection section,
                              Frame frame)
     : SectionCard(icon, title, frame), monitor_(monitor), section_(section) {
     setObjectName(identifier);
-    header()->setObjectName(QStringLiteral("section.") + dashboard_text::text(rawValue(section)));
+    header()->setObjectName(u"section."_s + dashboard_text::text(rawValue(section)));
     connect(header(), &SectionHeader::collapseWanted, this,
             [this](bool collapsed) { monitor_.sections().setCollapsed(section_, collapsed); });
 }

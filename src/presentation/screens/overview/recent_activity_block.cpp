@@ -13,6 +13,8 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -23,15 +25,14 @@ constexpr int fewestRows = 3;
 }  // namespace
 
 RecentActivityBlock::RecentActivityBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::activityLog,
-                    QStringLiteral("overview.recent-activity"), QStringLiteral("clock"),
-                    QStringLiteral("Recent Activity")) {
+    : OverviewBlock(monitor, DashboardSection::activityLog, u"overview.recent-activity"_s,
+                    u"clock"_s, u"Recent Activity"_s) {
     list_ = new QWidget(body());
     auto* lines = new QVBoxLayout(list_);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
-    empty_ = new ElidedLabel(QStringLiteral("No actions or warnings have been logged yet."),
-                             &CrestFonts::body, &CrestTheme::secondaryText, list_);
+    empty_ = new ElidedLabel(u"No actions or warnings have been logged yet."_s, &CrestFonts::body,
+                             &CrestTheme::secondaryText, list_);
     empty_->setLines(1, 2);
     empty_->setAlignment(Qt::AlignCenter);
     empty_->setGround(&CrestTheme::cardBackground);
@@ -48,9 +49,8 @@ RecentActivityBlock::RecentActivityBlock(SystemMonitor& monitor)
     bodyLayout()->addWidget(list_);
     fitList();
 
-    auto* open = makeButton(
-        QStringLiteral("Open History"), QStringLiteral("clock.arrow.circlepath"),
-        QStringLiteral("overview.open-history"), QStringLiteral("Goes to History"), body());
+    auto* open = makeButton(u"Open History"_s, u"clock.arrow.circlepath"_s,
+                            u"overview.open-history"_s, u"Goes to History"_s, body());
     connect(open, &QPushButton::clicked, this,
             [this] { this->monitor().navigation().setSelectedRoute(AppRoute::history); });
     bodyLayout()->addWidget(open, 0, Qt::AlignLeft);

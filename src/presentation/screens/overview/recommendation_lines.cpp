@@ -4,6 +4,8 @@
 
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -34,9 +36,8 @@ QString recommendationNote(const std::vector<RecommendationLine>& lines) {
     if (lines.empty()) {
         return {};
     }
-    const QString first =
-        severityWord(lines.front().severity) + QStringLiteral(" · ") + lines.front().title;
-    return lines.size() == 1 ? first : first + QStringLiteral(" · %1 more").arg(lines.size() - 1);
+    const QString first = severityWord(lines.front().severity) + u" · "_s + lines.front().title;
+    return lines.size() == 1 ? first : first + u" · %1 more"_s.arg(lines.size() - 1);
 }
 
 QString severityWord(Severity severity) {
@@ -46,11 +47,11 @@ QString severityWord(Severity severity) {
 QString severityIcon(Severity severity) {
     switch (severity) {
         case Severity::info:
-            return QStringLiteral("checkmark.circle");
+            return u"checkmark.circle"_s;
         case Severity::caution:
-            return QStringLiteral("exclamationmark.triangle");
+            return u"exclamationmark.triangle"_s;
         case Severity::urgent:
-            return QStringLiteral("exclamationmark.triangle.fill");
+            return u"exclamationmark.triangle.fill"_s;
     }
     return {};
 }

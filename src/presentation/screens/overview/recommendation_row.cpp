@@ -13,6 +13,8 @@
 #include "presentation/widgets/icon_view.h"
 #include "presentation/widgets/spoken.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -39,9 +41,8 @@ RecommendationRow::RecommendationRow(Size size, const QString& buttonIdentifier,
     for (ElidedLabel* label : {word_, title_, detail_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
-    review_ = makeButton(QStringLiteral("Review"), QString(), buttonIdentifier,
-                         QStringLiteral("Selects the process for review and shows it in Processes"),
-                         this);
+    review_ = makeButton(u"Review"_s, QString(), buttonIdentifier,
+                         u"Selects the process for review and shows it in Processes"_s, this);
     // The texts keep their lines as processes come and go.
     QSizePolicy policy = review_->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -149,7 +150,7 @@ void RecommendationRow::setLine(const RecommendationLine& line) {
     title_->setText(line.title);
     detail_->setText(line.detail);
     review_->setVisible(line.reviewPID.has_value());
-    setSpokenName(*review_, QStringLiteral("Review: ") + line.title);
+    setSpokenName(*review_, u"Review: "_s + line.title);
     update();
 }
 

@@ -9,16 +9,17 @@
 #include "presentation/screens/review_process.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 RecommendationsBlock::RecommendationsBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::recommendations,
-                    QStringLiteral("overview.recommendations"),
-                    QStringLiteral("arrow.forward.circle.fill"),
+    : OverviewBlock(monitor, DashboardSection::recommendations, u"overview.recommendations"_s,
+                    u"arrow.forward.circle.fill"_s,
                     dashboard_text::text(title(DashboardSection::recommendations))) {
     const auto makeRow = [this](RecommendationRow::Size size, std::size_t place, QWidget* parent) {
         auto* row = new RecommendationRow(
-            size, QStringLiteral("overview.recommendation-%1.review").arg(place + 1), parent);
+            size, u"overview.recommendation-%1.review"_s.arg(place + 1), parent);
         connect(row, &RecommendationRow::reviewRequested, this,
                 [this](std::int64_t pid) { reviewInProcesses(this->monitor(), pid); });
         return row;
@@ -69,12 +70,11 @@ void RecommendationsBlock::showFirst() {
     if (!lines_.empty()) {
         first_->setLine(lines_.front());
     } else if (!monitor().sample().snapshot()) {
-        first_->setMessage(QStringLiteral("hourglass"), QStringLiteral("Sampling this Mac..."),
-                           QStringLiteral("The first recommendation follows the first sample."));
+        first_->setMessage(u"hourglass"_s, u"Sampling this Mac..."_s,
+                           u"The first recommendation follows the first sample."_s);
     } else {
-        first_->setMessage(QStringLiteral("info.circle"),
-                           QStringLiteral("No recommendation for this sample"),
-                           QStringLiteral("Refresh takes a new one."));
+        first_->setMessage(u"info.circle"_s, u"No recommendation for this sample"_s,
+                           u"Refresh takes a new one."_s);
     }
 }
 

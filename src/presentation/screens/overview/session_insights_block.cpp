@@ -7,6 +7,8 @@
 #include "monitor/system_monitor.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 using dashboard_text::text;
@@ -19,11 +21,10 @@ constexpr std::size_t mostInsights = 5;
 }  // namespace
 
 SessionInsightsBlock::SessionInsightsBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::sessionInsights,
-                    QStringLiteral("overview.session-insights"),
-                    QStringLiteral("chart.xyaxis.line"),
-                    text(title(DashboardSection::sessionInsights)), Frame::none),
-      cards_(QStringLiteral("overview.insight"), mostInsights, body()) {
+    : OverviewBlock(monitor, DashboardSection::sessionInsights, u"overview.session-insights"_s,
+                    u"chart.xyaxis.line"_s, text(title(DashboardSection::sessionInsights)),
+                    Frame::none),
+      cards_(u"overview.insight"_s, mostInsights, body()) {
     bodyLayout()->addWidget(cards_.widget());
 }
 
@@ -33,9 +34,8 @@ void SessionInsightsBlock::showContent() {
         texts.push_back({text(insight.title), text(insight.value), text(insight.detail)});
     }
     if (texts.empty()) {
-        texts.push_back(
-            {QStringLiteral("Session"), QStringLiteral("Starting"),
-             QStringLiteral("Tallowcrest is collecting enough samples to identify patterns.")});
+        texts.push_back({u"Session"_s, u"Starting"_s,
+                         u"Tallowcrest is collecting enough samples to identify patterns."_s});
     }
     cards_.show(std::move(texts));
 }

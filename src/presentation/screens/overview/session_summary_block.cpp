@@ -5,15 +5,17 @@
 #include "monitor/system_monitor.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 using dashboard_text::text;
 
 SessionSummaryBlock::SessionSummaryBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::dailySummary,
-                    QStringLiteral("overview.session-summary"), QStringLiteral("checklist.checked"),
-                    text(title(DashboardSection::dailySummary)), Frame::none),
-      cards_(QStringLiteral("overview.summary"), sessionSummaryCards, body()) {
+    : OverviewBlock(monitor, DashboardSection::dailySummary, u"overview.session-summary"_s,
+                    u"checklist.checked"_s, text(title(DashboardSection::dailySummary)),
+                    Frame::none),
+      cards_(u"overview.summary"_s, sessionSummaryCards, body()) {
     bodyLayout()->addWidget(cards_.widget());
 }
 

@@ -12,19 +12,19 @@
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 TimelineBlock::TimelineBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::recentLoad, QStringLiteral("overview.timeline"),
-                    QStringLiteral("waveform.path.ecg"),
-                    QStringLiteral("Live Performance Timeline")) {
+    : OverviewBlock(monitor, DashboardSection::recentLoad, u"overview.timeline"_s,
+                    u"waveform.path.ecg"_s, u"Live Performance Timeline"_s) {
     reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
     graph_ = new StableLineGraph(body());
     graph_->setMinimumHeight(18 * spacing::unit);
     bodyLayout()->addWidget(graph_, 1);
-    figures_ = new FigureRow({QStringLiteral("CPU now"), QStringLiteral("Memory now"),
-                              QStringLiteral("CPU peak"), QStringLiteral("Memory peak")},
-                             body());
+    figures_ =
+        new FigureRow({u"CPU now"_s, u"Memory now"_s, u"CPU peak"_s, u"Memory peak"_s}, body());
     averages_ =
         new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
     averages_->setGround(&CrestTheme::cardBackground);

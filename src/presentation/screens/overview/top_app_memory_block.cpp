@@ -10,6 +10,8 @@
 #include "presentation/widgets/bar_list.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -21,11 +23,10 @@ constexpr int fewestBars = 3;
 }  // namespace
 
 TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::appImpact, QStringLiteral("overview.top-app-memory"),
-                    QStringLiteral("chart.bar.xaxis"), QStringLiteral("Top App Memory")) {
-    bars_ = new BarList(QStringLiteral("Resident memory by app group"), barCount,
-                        QStringLiteral("000.0 GB"), body());
-    bars_->setEmptyText(QStringLiteral("Sampling apps…"));
+    : OverviewBlock(monitor, DashboardSection::appImpact, u"overview.top-app-memory"_s,
+                    u"chart.bar.xaxis"_s, u"Top App Memory"_s) {
+    bars_ = new BarList(u"Resident memory by app group"_s, barCount, u"000.0 GB"_s, body());
+    bars_->setEmptyText(u"Sampling apps…"_s);
     bodyLayout()->addWidget(bars_);
     fitBars();
     bodyLayout()->addStretch(1);
@@ -34,8 +35,8 @@ TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
 void TopAppMemoryBlock::showHeader() {
     const auto& snapshot = monitor().sample().snapshot();
     setSectionCaption(snapshot && !snapshot->appImpacts.empty()
-                          ? QStringLiteral("Largest app groups by resident memory right now")
-                          : QStringLiteral("Collecting app impact samples…"));
+                          ? u"Largest app groups by resident memory right now"_s
+                          : u"Collecting app impact samples…"_s);
 }
 
 void TopAppMemoryBlock::showContent() {

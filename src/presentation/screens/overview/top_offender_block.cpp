@@ -16,6 +16,8 @@
 #include "presentation/widgets/spoken.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -24,9 +26,8 @@ constexpr int lineGap = 2;
 }  // namespace
 
 TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::heavyProcesses,
-                    QStringLiteral("overview.top-offender"), QStringLiteral("scope"),
-                    dashboard_text::text(title(DashboardSection::heavyProcesses))) {
+    : OverviewBlock(monitor, DashboardSection::heavyProcesses, u"overview.top-offender"_s,
+                    u"scope"_s, dashboard_text::text(title(DashboardSection::heavyProcesses))) {
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit + spacing::unit / 2);
     icon_ = new IconView(QString());
@@ -49,20 +50,18 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     words->setMinimumHeight(
         std::max(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
                      2 * QFontMetrics(CrestFonts::current().body).lineSpacing(),
-                 2 * QPushButton(QStringLiteral("Review")).sizeHint().height() + spacing::unit));
+                 2 * QPushButton(u"Review"_s).sizeHint().height() + spacing::unit));
     row->addWidget(words, 1);
 
     auto* buttons = new QVBoxLayout;
     buttons->setSpacing(spacing::unit);
-    cleanup_ = makeButton(QStringLiteral("Review Cleanup Options"), QString(),
-                          QStringLiteral("overview.review-cleanup-options"),
-                          QStringLiteral("Goes to Optimize"), body());
+    cleanup_ = makeButton(u"Review Cleanup Options"_s, QString(),
+                          u"overview.review-cleanup-options"_s, u"Goes to Optimize"_s, body());
     connect(cleanup_, &QPushButton::clicked, this,
             [this] { this->monitor().navigation().setSelectedRoute(AppRoute::optimize); });
-    review_ = makeButton(QStringLiteral("Review"), QString(),
-                         QStringLiteral("overview.review-top-offender"),
-                         QStringLiteral("Selects the heaviest process of the heaviest app and "
-                                        "shows it in Processes"),
+    review_ = makeButton(u"Review"_s, QString(), u"overview.review-top-offender"_s,
+                         u"Selects the heaviest process of the heaviest app and "
+                         "shows it in Processes"_s,
                          body());
     connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewTopGroup);
     buttons->addWidget(cleanup_);
@@ -75,10 +74,10 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     auto* alerts = new QHBoxLayout(alerts_);
     alerts->setContentsMargins(0, 0, 0, 0);
     alerts->setSpacing(spacing::unit + spacing::unit / 2);
-    alerts->addWidget(new IconView(QStringLiteral("network.badge.shield.half.filled"),
-                                   &CrestTheme::caution, spacing::iconRegular, alerts_));
+    alerts->addWidget(new IconView(u"network.badge.shield.half.filled"_s, &CrestTheme::caution,
+                                   spacing::iconRegular, alerts_));
     alertsText_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, alerts_);
-    alertsText_->setObjectName(QStringLiteral("overview.remote-alerts"));
+    alertsText_->setObjectName(u"overview.remote-alerts"_s);
     alerts->addWidget(alertsText_, 1);
     alerts_->hide();
     bodyLayout()->addWidget(alerts_);
@@ -111,9 +110,9 @@ void TopOffenderBlock::showContent() {
         topOffender(monitor().sample().snapshot(), monitor().settings().warningThreshold);
     const bool isOffender = shown.state == TopOffender::State::offender;
     const bool isStable = shown.state == TopOffender::State::stable;
-    icon_->setIcon(isOffender ? QStringLiteral("exclamationmark.triangle.fill")
-                   : isStable ? QStringLiteral("checkmark.circle")
-                              : QStringLiteral("hourglass"));
+    icon_->setIcon(isOffender ? u"exclamationmark.triangle.fill"_s
+                   : isStable ? u"checkmark.circle"_s
+                              : u"hourglass"_s);
     icon_->setColor(isOffender ? &CrestTheme::caution
                     : isStable ? &CrestTheme::good
                                : &CrestTheme::secondaryText);
@@ -125,9 +124,9 @@ void TopOffenderBlock::showContent() {
     cleanup_->setVisible(isOffender);
     review_->setVisible(isOffender && reviewablePID());
     if (isOffender) {
-        setSpokenName(*review_, QStringLiteral("Review: ") +
-                                    dashboard_text::text(
-                                        monitor().sample().snapshot()->appImpacts.front().name));
+        setSpokenName(*review_,
+                      u"Review: "_s + dashboard_text::text(
+                                          monitor().sample().snapshot()->appImpacts.front().name));
     }
     // Nothing scans other machines yet.
     constexpr int machinesThatNeedAttention = 0;

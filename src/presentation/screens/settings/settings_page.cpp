@@ -13,6 +13,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/commands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 SettingsPage::SettingsPage(SystemMonitor& monitor, QWidget* parent)
@@ -27,15 +29,15 @@ SettingsPage::SettingsPage(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* SettingsPage::makeHub() {
     auto* card = new Card;
-    card->setObjectName(QStringLiteral("settings.hub"));
-    card->setHeader(QStringLiteral("gearshape"), QStringLiteral("Configuration Hub"));
+    card->setObjectName(u"settings.hub"_s);
+    card->setHeader(u"gearshape"_s, u"Configuration Hub"_s);
     hubWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
-    hubWords_->setObjectName(QStringLiteral("settings.hub.words"));
+    hubWords_->setObjectName(u"settings.hub.words"_s);
     hubWords_->setLines(1, 3);
     hubWords_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(hubWords_);
-    auto* open = makeButton(commands::openSettingsSheet.titled("Open Settings"),
-                            QStringLiteral("settings.open"), card);
+    auto* open =
+        makeButton(commands::openSettingsSheet.titled("Open Settings"), u"settings.open"_s, card);
     connect(open, &QPushButton::clicked, this,
             [this] { monitor_.navigation().setShowSettings(true); });
     card->contentLayout()->addSpacing(spacing::unit / 2);
@@ -45,21 +47,19 @@ QWidget* SettingsPage::makeHub() {
 
 QWidget* SettingsPage::makeRules() {
     auto* card = new Card;
-    card->setObjectName(QStringLiteral("settings.rules"));
-    card->setHeader(QStringLiteral("slider.horizontal.3"), QStringLiteral("Auto Rules"));
+    card->setObjectName(u"settings.rules"_s);
+    card->setHeader(u"slider.horizontal.3"_s, u"Auto Rules"_s);
     card->contentLayout()->setSpacing(spacing::gap);
-    toggles_ =
-        new AutomationToggles(monitor_, QStringLiteral("settings.hub"), autoRuleSwitches, card);
+    toggles_ = new AutomationToggles(monitor_, u"settings.hub"_s, autoRuleSwitches, card);
     card->contentLayout()->addWidget(toggles_);
     return card;
 }
 
 void SettingsPage::refresh() {
-    hubWords_->setText(
-        monitor_.sample().snapshot()
-            ? QStringLiteral("Most configuration still lives in the native Settings sheet so it "
-                             "can also be opened from Tallowcrest > Settings.")
-            : QStringLiteral("Sampling this Mac..."));
+    hubWords_->setText(monitor_.sample().snapshot()
+                           ? u"Most configuration still lives in the native Settings sheet so it "
+                             "can also be opened from Tallowcrest > Settings."_s
+                           : u"Sampling this Mac..."_s);
     toggles_->refresh();
 }
 

@@ -13,6 +13,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -40,17 +42,16 @@ AutomationTab::AutomationTab(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* AutomationTab::makeRules() {
     auto* card = new Card;
-    card->setHeader(QStringLiteral("slider.horizontal.3"), QStringLiteral("Auto Rules"));
+    card->setHeader(u"slider.horizontal.3"_s, u"Auto Rules"_s);
     card->contentLayout()->setSpacing(spacing::gap);
     limits_.push_back(new LimitRow(
-        QStringLiteral("Warn at"), QStringLiteral("settings.warning-threshold"), thresholdScale,
+        u"Warn at"_s, u"settings.warning-threshold"_s, thresholdScale,
         {.read = [this] { return monitor_.settings().warningThreshold; },
          .write = [this](double value) { monitor_.limits().setWarningThreshold(value); },
          .words = [](double value) { return plainFigure(value) + u'%'; }},
         card));
     card->contentLayout()->addWidget(limits_.back());
-    toggles_.push_back(
-        new AutomationToggles(monitor_, QStringLiteral("settings"), autoRuleSwitches, card));
+    toggles_.push_back(new AutomationToggles(monitor_, u"settings"_s, autoRuleSwitches, card));
     card->contentLayout()->addWidget(toggles_.back());
     return card;
 }
@@ -58,9 +59,9 @@ QWidget* AutomationTab::makeRules() {
 QWidget* AutomationTab::makeDiskAutopilot() {
     constexpr std::array switches{AutomationSwitch::diskAutopilotEnabled};
     auto* card = new Card;
-    card->setHeader(QStringLiteral("internaldrive"), QStringLiteral("AI Disk Autopilot"));
+    card->setHeader(u"internaldrive"_s, u"AI Disk Autopilot"_s);
     card->contentLayout()->setSpacing(spacing::gap);
-    toggles_.push_back(new AutomationToggles(monitor_, QStringLiteral("settings"), switches, card));
+    toggles_.push_back(new AutomationToggles(monitor_, u"settings"_s, switches, card));
     card->contentLayout()->addWidget(toggles_.back());
     const auto add = [&](const char* title, const char* identifier, const SliderScale& scale,
                          LimitRow::Binding binding) {
@@ -71,18 +72,15 @@ QWidget* AutomationTab::makeDiskAutopilot() {
     add("Act below", "settings.disk-minimum-free", minimumFreeScale,
         {.read = [this] { return monitor_.settings().diskMinimumFreeGB; },
          .write = [this](double value) { monitor_.limits().setDiskMinimumFreeGB(value); },
-         .words = [](double value) { return plainFigure(value) + QStringLiteral(" GB free"); }});
+         .words = [](double value) { return plainFigure(value) + u" GB free"_s; }});
     add("Minimum cache age", "settings.disk-cache-age", cacheAgeScale,
         {.read = [this] { return monitor_.settings().diskCleanupAgeDays; },
          .write = [this](double value) { monitor_.limits().setDiskCleanupAgeDays(value); },
-         .words = [](double value) { return plainFigure(value) + QStringLiteral(" days"); }});
+         .words = [](double value) { return plainFigure(value) + u" days"_s; }});
     add("Maximum per run", "settings.disk-maximum", maximumRunScale,
         {.read = [this] { return monitor_.settings().diskMaxCleanupGB; },
          .write = [this](double value) { monitor_.limits().setDiskMaxCleanupGB(value); },
-         .words =
-             [](double value) {
-                 return dashboard_text::gigabytes(value) + QStringLiteral(" GB");
-             }});
+         .words = [](double value) { return dashboard_text::gigabytes(value) + u" GB"_s; }});
     return card;
 }
 

@@ -12,24 +12,25 @@
 #include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 LocalMacTab::LocalMacTab(SystemMonitor& monitor, QWidget* parent) : SettingsTab(parent) {
     constexpr std::array switches{AutomationSwitch::notificationsIncludeActions};
     auto* card = new Card;
-    card->setHeader(QStringLiteral("desktopcomputer"), QStringLiteral("Startup And Layout"));
-    notifications_ = new AutomationToggles(monitor, QStringLiteral("settings"), switches, card);
+    card->setHeader(u"desktopcomputer"_s, u"Startup And Layout"_s);
+    notifications_ = new AutomationToggles(monitor, u"settings"_s, switches, card);
     card->contentLayout()->addWidget(notifications_);
     card->contentLayout()->addSpacing(spacing::unit);
 
     auto* buttons = new FlowRow(spacing::unit, card);
-    auto* expand = makeButton(QStringLiteral("Expand All Sections"), QStringLiteral("chevron.down"),
-                              QStringLiteral("settings.expand-sections"),
-                              QStringLiteral("Opens every section of the dashboard"), buttons);
+    auto* expand =
+        makeButton(u"Expand All Sections"_s, u"chevron.down"_s, u"settings.expand-sections"_s,
+                   u"Opens every section of the dashboard"_s, buttons);
     auto* collapse =
-        makeButton(QStringLiteral("Collapse All Sections"), QStringLiteral("chevron.right"),
-                   QStringLiteral("settings.collapse-sections"),
-                   QStringLiteral("Closes every section of the dashboard"), buttons);
+        makeButton(u"Collapse All Sections"_s, u"chevron.right"_s, u"settings.collapse-sections"_s,
+                   u"Closes every section of the dashboard"_s, buttons);
     connect(expand, &QPushButton::clicked, this, [&monitor] { monitor.sections().expandAll(); });
     connect(collapse, &QPushButton::clicked, this,
             [&monitor] { monitor.sections().collapseAll(); });

@@ -13,6 +13,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -24,7 +26,7 @@ constexpr int longestUser = 256;
 RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
     : SettingsTab(parent), monitor_(monitor) {
     auto* card = new Card;
-    card->setHeader(QStringLiteral("network"), QStringLiteral("Remote Access"));
+    card->setHeader(u"network"_s, u"Remote Access"_s);
     const auto addLabel = [](const QString& text, ElidedLabel::FontRole font,
                              const ThemeColor& color, QWidget* on) {
         auto* label = new ElidedLabel(text, font, color, on);
@@ -32,12 +34,12 @@ RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
         return label;
     };
     card->contentLayout()->addWidget(
-        addLabel(QStringLiteral("SSH User"), &CrestFonts::body, &CrestTheme::text, card));
+        addLabel(u"SSH User"_s, &CrestFonts::body, &CrestTheme::text, card));
     user_ = new QLineEdit(card);
-    user_->setObjectName(QStringLiteral("settings.ssh-user"));
-    user_->setPlaceholderText(QStringLiteral("remote username"));
-    user_->setAccessibleName(QStringLiteral("SSH User"));
-    user_->setAccessibleDescription(QStringLiteral("The user's name on the other machines"));
+    user_->setObjectName(u"settings.ssh-user"_s);
+    user_->setPlaceholderText(u"remote username"_s);
+    user_->setAccessibleName(u"SSH User"_s);
+    user_->setAccessibleDescription(u"The user's name on the other machines"_s);
     user_->setMaxLength(longestUser);
     user_->setTextMargins(spacing::unit, 0, spacing::unit, 0);
     card->contentLayout()->addWidget(user_);
@@ -46,11 +48,11 @@ RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
     auto* row = new QHBoxLayout(refusal_);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing::unit);
-    row->addWidget(new IconView(QStringLiteral("exclamationmark.triangle"), &CrestTheme::bad,
-                                spacing::iconSmall, refusal_),
-                   0, Qt::AlignTop);
+    row->addWidget(
+        new IconView(u"exclamationmark.triangle"_s, &CrestTheme::bad, spacing::iconSmall, refusal_),
+        0, Qt::AlignTop);
     refusalWords_ = addLabel(QString(), &CrestFonts::body, &CrestTheme::bad, refusal_);
-    refusalWords_->setObjectName(QStringLiteral("settings.ssh-user.refusal"));
+    refusalWords_->setObjectName(u"settings.ssh-user.refusal"_s);
     refusalWords_->setLines(1, 3);
     row->addWidget(refusalWords_, 1);
     refusal_->hide();
@@ -58,7 +60,7 @@ RemoteTab::RemoteTab(SystemMonitor& monitor, QWidget* parent)
 
     card->contentLayout()->addSpacing(spacing::unit);
     keyStatus_ = addLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
-    keyStatus_->setObjectName(QStringLiteral("settings.public-key-status"));
+    keyStatus_->setObjectName(u"settings.public-key-status"_s);
     keyStatus_->setLines(1, 3);
     card->contentLayout()->addWidget(keyStatus_);
     addCard(card);
@@ -85,8 +87,8 @@ void RemoteTab::takeUser() {
 void RemoteTab::showRefusal(const QString& words) {
     refusalWords_->setText(words);
     refusal_->setVisible(!words.isEmpty());
-    user_->setAccessibleDescription(
-        words.isEmpty() ? QStringLiteral("The user's name on the other machines") : words);
+    user_->setAccessibleDescription(words.isEmpty() ? u"The user's name on the other machines"_s
+                                                    : words);
 }
 
 void RemoteTab::start() {

@@ -18,6 +18,8 @@
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
@@ -30,13 +32,12 @@ SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* SafetyTab::makeNeverQuit() {
     neverQuit_ = new Card;
-    neverQuit_->setObjectName(QStringLiteral("settings.never-quit"));
-    neverQuit_->setHeader(QStringLiteral("lock.shield"),
-                          QStringLiteral("Never Quit And Guardrails"));
+    neverQuit_->setObjectName(u"settings.never-quit"_s);
+    neverQuit_->setHeader(u"lock.shield"_s, u"Never Quit And Guardrails"_s);
     neverQuit_->contentLayout()->setSpacing(spacing::unit / 2);
-    noNames_ = new ElidedLabel(QStringLiteral("No custom app groups are protected yet."),
-                               &CrestFonts::body, &CrestTheme::secondaryText, neverQuit_);
-    noNames_->setObjectName(QStringLiteral("settings.never-quit.none"));
+    noNames_ = new ElidedLabel(u"No custom app groups are protected yet."_s, &CrestFonts::body,
+                               &CrestTheme::secondaryText, neverQuit_);
+    noNames_->setObjectName(u"settings.never-quit.none"_s);
     noNames_->setLines(1, 2);
     noNames_->setGround(&CrestTheme::cardBackground);
     neverQuit_->contentLayout()->addWidget(noNames_);
@@ -77,16 +78,16 @@ QWidget* SafetyTab::makeName(const std::string& name) {
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
-    layout->addWidget(new IconView(QStringLiteral("lock.fill"), &CrestTheme::secondaryText,
-                                   spacing::iconSmall, row));
+    layout->addWidget(
+        new IconView(u"lock.fill"_s, &CrestTheme::secondaryText, spacing::iconSmall, row));
     auto* label = new ElidedLabel(shown, &CrestFonts::body, &CrestTheme::text, row);
     label->setElideMode(Qt::ElideMiddle);
     label->setGround(&CrestTheme::cardBackground);
     layout->addWidget(label, 1);
-    auto* removal = makeButton(QStringLiteral("Remove"), QStringLiteral("xmark.circle"),
-                               QStringLiteral("settings.never-quit.remove.") + shown,
-                               QStringLiteral("Lets this app group be quit again"), row);
-    removal->setAccessibleName(QStringLiteral("Remove ") + shown);
+    auto* removal =
+        makeButton(u"Remove"_s, u"xmark.circle"_s, u"settings.never-quit.remove."_s + shown,
+                   u"Lets this app group be quit again"_s, row);
+    removal->setAccessibleName(u"Remove "_s + shown);
     connect(removal, &QPushButton::clicked, this, [this, name] { remove(name); });
     removal->installEventFilter(this);
     layout->addWidget(removal);
@@ -113,19 +114,18 @@ void SafetyTab::remove(const std::string& name) {
 
 QWidget* SafetyTab::makeStop() {
     stop_ = new Card;
-    stop_->setObjectName(QStringLiteral("settings.emergency-stop"));
+    stop_->setObjectName(u"settings.emergency-stop"_s);
     stopWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, stop_);
-    stopWords_->setObjectName(QStringLiteral("settings.emergency-stop.words"));
+    stopWords_->setObjectName(u"settings.emergency-stop.words"_s);
     stopWords_->setLines(1, 4);
     stopWords_->setGround(&CrestTheme::cardBackground);
     stop_->contentLayout()->addWidget(stopWords_);
     stop_->contentLayout()->addSpacing(spacing::unit / 2);
     engage_ = new DangerButton(stop_);
-    engage_->setObjectName(QStringLiteral("settings.emergency-stop.engage"));
+    engage_->setObjectName(u"settings.emergency-stop.engage"_s);
     engage_->setTitle(QString::fromUtf8(commands::emergencyStop.title));
     engage_->setAccessibleDescription(QString::fromUtf8(commands::emergencyStop.description));
-    resume_ = makeButton(commands::resumeManualMode,
-                         QStringLiteral("settings.emergency-stop.resume"), stop_);
+    resume_ = makeButton(commands::resumeManualMode, u"settings.emergency-stop.resume"_s, stop_);
     settling_.emplace(*resume_);
     for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
         stop_->contentLayout()->addWidget(button, 0, Qt::AlignLeft);
@@ -166,14 +166,11 @@ void SafetyTab::engage() {
 void SafetyTab::showStop(bool isEngaged) {
     const bool isNew = isEngaged && showsEngaged_ == false;
     showsEngaged_ = isEngaged;
-    stop_->setHeader(isEngaged ? QStringLiteral("exclamationmark.triangle.fill")
-                               : QStringLiteral("exclamationmark.triangle"),
-                     isEngaged ? QStringLiteral("Emergency Stop Engaged")
-                               : QStringLiteral("Automation Emergency Stop"));
-    stopWords_->setText(
-        isEngaged ? QStringLiteral("All automatic actions are off. Resume returns to manual "
-                                   "Apprentice mode and leaves every automation disabled.")
-                  : QString::fromUtf8(commands::emergencyStop.description));
+    stop_->setHeader(isEngaged ? u"exclamationmark.triangle.fill"_s : u"exclamationmark.triangle"_s,
+                     isEngaged ? u"Emergency Stop Engaged"_s : u"Automation Emergency Stop"_s);
+    stopWords_->setText(isEngaged ? u"All automatic actions are off. Resume returns to manual "
+                                    "Apprentice mode and leaves every automation disabled."_s
+                                  : QString::fromUtf8(commands::emergencyStop.description));
     if (isNew) {
         // From here or elsewhere: a click under way must not undo it.
         settling_->settle();

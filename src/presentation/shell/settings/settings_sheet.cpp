@@ -20,6 +20,8 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -31,8 +33,8 @@ constexpr int mostHeight = 640;
 
 SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
     : WindowDialog(parent), monitor_(monitor) {
-    setObjectName(QStringLiteral("settings.sheet"));
-    setWindowTitle(QStringLiteral("Settings"));
+    setObjectName(u"settings.sheet"_s);
+    setWindowTitle(u"Settings"_s);
     setAccessibleName(windowTitle());
     const auto addLabel = [this](const QString& text, ElidedLabel::FontRole font,
                                  const ThemeColor& color, const char* identifier) {
@@ -55,14 +57,13 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
     head->setSpacing(2);
     head->addWidget(
         addLabel(windowTitle(), &CrestFonts::title, &CrestTheme::text, "settings.sheet.title"));
-    auto* line =
-        addLabel(QStringLiteral("Configuration stays here; dashboard actions stay up front."),
-                 &CrestFonts::body, &CrestTheme::secondaryText, "settings.sheet.line");
+    auto* line = addLabel(u"Configuration stays here; dashboard actions stay up front."_s,
+                          &CrestFonts::body, &CrestTheme::secondaryText, "settings.sheet.line");
     line->setLines(1, 2);
     head->addWidget(line);
     strip_ = new TabStrip(windowTitle(), this);
-    strip_->setObjectName(QStringLiteral("settings.sheet.tabs"));
-    strip_->setAccessibleDescription(QStringLiteral("The parts of the settings"));
+    strip_->setObjectName(u"settings.sheet.tabs"_s);
+    strip_->setAccessibleDescription(u"The parts of the settings"_s);
     addRow()->addWidget(strip_, 0, Qt::AlignLeft);
     pages_ = new QStackedWidget(this);
     layout->addWidget(pages_, 1);
@@ -83,8 +84,7 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
     lastAction_->setLines(2, 2);
     lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto* doneButton =
-        makeButton(QStringLiteral("Done"), QString(), QStringLiteral("settings.sheet.done"),
-                   QStringLiteral("Closes the settings"), this);
+        makeButton(u"Done"_s, QString(), u"settings.sheet.done"_s, u"Closes the settings"_s, this);
     doneButton->setDefault(true);
     connect(doneButton, &QPushButton::clicked, this, &SettingsSheet::accept);
     foot->addWidget(lastAction_, 1);

@@ -8,6 +8,8 @@
 #include "presentation/widgets/toggle_switch.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -27,8 +29,7 @@ class AutomationTogglesTest : public WindowFixture {
 protected:
     AutomationToggles& toggles() {
         if (toggles_ == nullptr) {
-            toggles_ =
-                std::make_unique<AutomationToggles>(machine.monitor(), QStringLiteral("probe"));
+            toggles_ = std::make_unique<AutomationToggles>(machine.monitor(), u"probe"_s);
             toggles_->resize(480, 320);
             toggles_->show();
             toggles_->activateWindow();
@@ -43,7 +44,7 @@ protected:
     QString word(const char* identifier, const char* part) {
         const auto* label = toggles().findChild<ElidedLabel*>(QString::fromLatin1(identifier) +
                                                               QString::fromLatin1(part));
-        return label->isVisible() ? label->text() : QStringLiteral("(not shown)");
+        return label->isVisible() ? label->text() : u"(not shown)"_s;
     }
     bool isOn(AutomationSwitch which) { return machine.monitor().automation().isOn(which); }
 
@@ -67,8 +68,8 @@ TEST_F(AutomationTogglesTest, EachSwitchSetsItsFieldAndStoresIt) {
 TEST_F(AutomationTogglesTest, AClickOnTheWordsIsOneOnTheSwitch) {
     for (const char* part : {".title", ".explanation", ".last-acted", ".state"}) {
         const bool before = isOn(AutomationSwitch::autoPurgeSustainedMemory);
-        auto* label = toggles().findChild<ElidedLabel*>(QStringLiteral("probe.auto-purge") +
-                                                        QString::fromLatin1(part));
+        auto* label =
+            toggles().findChild<ElidedLabel*>(u"probe.auto-purge"_s + QString::fromLatin1(part));
         QTest::mouseClick(label, Qt::LeftButton);
         EXPECT_EQ(isOn(AutomationSwitch::autoPurgeSustainedMemory), !before) << part;
         QTest::mouseClick(label, Qt::RightButton);
@@ -96,23 +97,23 @@ TEST_F(AutomationTogglesTest, WordAndIconTellTheStateBesideItsColour) {
         return toggle("probe.auto-purge").parentWidget()->findChild<IconView*>()->icon();
     };
     toggles();
-    EXPECT_EQ(word("probe.auto-purge", ".state"), QStringLiteral("Off"));
-    EXPECT_EQ(icon(), QStringLiteral("circle"));
+    EXPECT_EQ(word("probe.auto-purge", ".state"), u"Off"_s);
+    EXPECT_EQ(icon(), u"circle"_s);
     toggle("probe.auto-purge").click();
-    EXPECT_EQ(word("probe.auto-purge", ".state"), QStringLiteral("On"));
-    EXPECT_EQ(icon(), QStringLiteral("checkmark.circle"));
+    EXPECT_EQ(word("probe.auto-purge", ".state"), u"On"_s);
+    EXPECT_EQ(icon(), u"checkmark.circle"_s);
     machine.monitor().automation().engageEmergencyStop();
     toggles().refresh();
-    EXPECT_EQ(word("probe.auto-purge", ".state"), QStringLiteral("Stopped"));
-    EXPECT_EQ(icon(), QStringLiteral("exclamationmark.triangle"));
+    EXPECT_EQ(word("probe.auto-purge", ".state"), u"Stopped"_s);
+    EXPECT_EQ(icon(), u"exclamationmark.triangle"_s);
 }
 
 TEST_F(AutomationTogglesTest, ARuleThatActsSaysWhen) {
     machine.metrics->memory.pressure = 90.0;
     showWithSample();
-    EXPECT_TRUE(word("probe.auto-select", ".last-acted").startsWith(QStringLiteral("Last acted ")))
+    EXPECT_TRUE(word("probe.auto-select", ".last-acted").startsWith(u"Last acted "_s))
         << word("probe.auto-select", ".last-acted").toStdString();
-    EXPECT_EQ(word("probe.auto-purge", ".last-acted"), QStringLiteral("No recent action"));
+    EXPECT_EQ(word("probe.auto-purge", ".last-acted"), u"No recent action"_s);
 }
 
 TEST_F(AutomationTogglesTest, TheKeyboardReachesAndThrowsEachSwitch) {
@@ -136,11 +137,10 @@ TEST_F(AutomationTogglesTest, AssistiveTechnologyHearsACheckBoxWithAllItsWords) 
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->role(), QAccessible::CheckBox);
     EXPECT_TRUE(found->state().checked);
-    EXPECT_EQ(found->text(QAccessible::Name),
-              QStringLiteral("Auto-purge after sustained high memory"));
+    EXPECT_EQ(found->text(QAccessible::Name), u"Auto-purge after sustained high memory"_s);
     EXPECT_EQ(found->text(QAccessible::Description),
-              QStringLiteral("On. Purges reclaimable file caches only after memory pressure stays "
-                             "high, with a 15-minute cooldown. No recent action"));
+              u"On. Purges reclaimable file caches only after memory pressure stays "
+              "high, with a 15-minute cooldown. No recent action"_s);
     found->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_FALSE(isOn(AutomationSwitch::autoPurgeSustainedMemory));
     EXPECT_FALSE(found->state().checked);

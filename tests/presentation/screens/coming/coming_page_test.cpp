@@ -2,6 +2,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -12,7 +14,7 @@ TEST_F(ComingPageTest, TheContentOfEveryRouteSaysThatItSamples) {
     const auto saysSo = [this] {
         for (const auto* screen : window().findChildren<Screen*>()) {
             for (const auto* label : screen->findChildren<ElidedLabel*>()) {
-                if (label->isVisible() && label->text() == QStringLiteral("Sampling this Mac...")) {
+                if (label->isVisible() && label->text() == u"Sampling this Mac..."_s) {
                     return true;
                 }
             }
@@ -36,15 +38,14 @@ TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
          {AppRoute::optimizationSuggestions, AppRoute::aiAdvisor, AppRoute::chat}) {
         goTo(each);
         SCOPED_TRACE(std::string(title(each)));
-        const QString identifier =
-            QStringLiteral("coming.") + QString::fromUtf8(rawValue(each).data());
+        const QString identifier = u"coming."_s + QString::fromUtf8(rawValue(each).data());
         const QWidget* bar = visible("optimize.workspace");
         const QWidget* card = visible(identifier.toLatin1().constData());
         ASSERT_NE(bar, nullptr);
         ASSERT_NE(card, nullptr);
         EXPECT_LT(bar->geometry().bottom(), card->y());
-        EXPECT_TRUE(textOf((identifier + QStringLiteral(".line")).toLatin1().constData())
-                        .startsWith(QStringLiteral("Here you will ")));
+        EXPECT_TRUE(textOf((identifier + u".line"_s).toLatin1().constData())
+                        .startsWith(u"Here you will "_s));
     }
 }
 

@@ -9,6 +9,8 @@
 #include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widgets/paint_count.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -46,7 +48,7 @@ protected:
 
     static std::string detailOf(const ActivityEntry& entry) {
         const QString all = entry.accessibleValue();
-        return all.mid(all.indexOf(QStringLiteral(": ")) + 2).toStdString();
+        return all.mid(all.indexOf(u": "_s) + 2).toStdString();
     }
 
     std::vector<std::string> details() {
@@ -78,18 +80,17 @@ TEST_F(ActivityLogCardTest, EachEventHasItsIconTimeTitleAndDetailNewestFirst) {
     record("Warning", "High load detected.");
     record("Auto Rule", "Selected editor");
     ASSERT_THAT(entries(), SizeIs(2));
-    EXPECT_EQ(iconOf(*entries()[0]), QStringLiteral("checkmark.circle"));
-    EXPECT_EQ(iconOf(*entries()[1]), QStringLiteral("exclamationmark.triangle.fill"));
+    EXPECT_EQ(iconOf(*entries()[0]), u"checkmark.circle"_s);
+    EXPECT_EQ(iconOf(*entries()[1]), u"exclamationmark.triangle.fill"_s);
     EXPECT_LT(entries()[0]->y(), entries()[1]->y());
     const std::vector<std::string> shown = texts("history.activity-log");
     EXPECT_THAT(shown, AllOf(Contains("2 events"), Contains("Warning"), Contains("Auto Rule"),
                              Contains("High load detected."), Contains("Selected editor"),
                              Not(Contains("Actions and warnings will appear here."))));
     // One text for assistive technology, with the time in it.
-    EXPECT_TRUE(entries()[1]->accessibleValue().startsWith(QStringLiteral("Warning, ")));
-    EXPECT_TRUE(entries()[1]->accessibleValue().endsWith(QStringLiteral(": High load detected.")));
-    EXPECT_GT(entries()[1]->accessibleValue().size(),
-              QStringLiteral("Warning, : High load detected.").size());
+    EXPECT_TRUE(entries()[1]->accessibleValue().startsWith(u"Warning, "_s));
+    EXPECT_TRUE(entries()[1]->accessibleValue().endsWith(u": High load detected."_s));
+    EXPECT_GT(entries()[1]->accessibleValue().size(), u"Warning, : High load detected."_s.size());
 }
 
 TEST_F(ActivityLogCardTest, ClearEmptiesTheLogAndSaysSo) {
@@ -100,7 +101,7 @@ TEST_F(ActivityLogCardTest, ClearEmptiesTheLogAndSaysSo) {
     EXPECT_TRUE(log().activityLog().empty());
     EXPECT_THAT(texts("history.activity-log"),
                 ElementsAre("Activity Log", "0 events", "Actions and warnings will appear here."));
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("Activity log cleared."));
+    EXPECT_EQ(textOf("status.last-action"), u"Activity log cleared."_s);
     EXPECT_FALSE(visible("history.clear-log")->isEnabled());
     record("Action", "after");
     EXPECT_THAT(details(), ElementsAre("after"));
@@ -220,8 +221,7 @@ TEST_F(ActivityLogCardTest, ClearedWhileScrolledThePageStaysInItsBounds) {
     log().clearActivityLog();
     settle();
     EXPECT_LE(area().widget()->height() + area().widget()->y(), area().viewport()->height());
-    EXPECT_EQ(textOf("history.activity-log-empty"),
-              QStringLiteral("Actions and warnings will appear here."));
+    EXPECT_EQ(textOf("history.activity-log-empty"), u"Actions and warnings will appear here."_s);
 }
 
 TEST_F(ActivityLogCardTest, LongAndHostileTextsStayPlainAndWithinTheCard) {
@@ -258,7 +258,7 @@ TEST_F(ActivityLogCardTest, YesterdaysEventsBearTheirDateOnceTheDayIsOver) {
     record("Action", "today");
     const auto timeOf = [](const ActivityEntry& entry) {
         const QString all = entry.accessibleValue();
-        return all.mid(all.indexOf(u',') + 2, all.indexOf(QStringLiteral(": ")) - 8).toStdString();
+        return all.mid(all.indexOf(u',') + 2, all.indexOf(u": "_s) - 8).toStdString();
     };
     const std::string before = timeOf(*entries().back());
     const ActivityEntry* row = entries().back();

@@ -6,6 +6,8 @@
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/screens/overview/blocks_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -31,8 +33,7 @@ protected:
         for (const char* each : {"history.session-1", "history.session-2", "history.session-3"}) {
             const auto* card = visible<SummaryCard>(each);
             found.push_back(
-                (card->accessibleName() + QStringLiteral(": ") + card->accessibleValue())
-                    .toStdString());
+                (card->accessibleName() + u": "_s + card->accessibleValue()).toStdString());
         }
         return found;
     }
@@ -71,7 +72,7 @@ TEST_F(HistoryPageTest, TheTimelineIsTheOneOfTheOverview) {
     StableLineGraph* there = graphOn(AppRoute::overview);
     StableLineGraph* here = graphOn(AppRoute::history);
     ASSERT_NE(here, there);
-    EXPECT_EQ(here->accessibleValue(), QStringLiteral("CPU 40 percent, Memory 45 percent"));
+    EXPECT_EQ(here->accessibleValue(), u"CPU 40 percent, Memory 45 percent"_s);
     EXPECT_EQ(here->accessibleValue(), there->accessibleValue());
     // The lines, the event and the threshold: all that is painted.
     there->setMinimumHeight(0);
@@ -115,8 +116,7 @@ TEST_F(HistoryPageTest, TheSessionBeforeAndAfterTheFirstSample) {
 TEST_F(HistoryPageTest, NothingPointsAtControlsThatDoNotExist) {
     showHistory();
     for (const ElidedLabel* label : window().findChildren<ElidedLabel*>()) {
-        EXPECT_FALSE(label->text().contains(QStringLiteral("Scan Remote Macs")))
-            << label->text().toStdString();
+        EXPECT_FALSE(label->text().contains(u"Scan Remote Macs"_s)) << label->text().toStdString();
     }
 }
 
@@ -155,9 +155,8 @@ TEST_F(HistoryPageTest, TheReceiptsSayWhatTheyHold) {
                             "Diagnostics exports include local load, remote health, AI "
                             "recommendations, action settings, and recent activity without "
                             "exposing your OpenAI key."));
-    EXPECT_EQ(visible<QPushButton>("history.receipts.copy-report")->text(),
-              QStringLiteral("Copy Report"));
-    EXPECT_EQ(visible<QPushButton>("history.receipts.export")->text(), QStringLiteral("Export"));
+    EXPECT_EQ(visible<QPushButton>("history.receipts.copy-report")->text(), u"Copy Report"_s);
+    EXPECT_EQ(visible<QPushButton>("history.receipts.export")->text(), u"Export"_s);
 }
 
 TEST_F(HistoryPageTest, CopyReportCopiesTheReportFromCardAndHeaderAlike) {
@@ -190,8 +189,7 @@ TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
     for (const char* each : {"history.receipts.export", "history.export"}) {
         machine.monitor().log().setLastAction({});
         click(each);
-        EXPECT_EQ(textOf("status.last-action"),
-                  QStringLiteral("No diagnostic sample is available yet."))
+        EXPECT_EQ(textOf("status.last-action"), u"No diagnostic sample is available yet."_s)
             << each;
     }
     machine.finishSamples();
@@ -203,7 +201,7 @@ TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
         machine.finishSamples();
         settle();
         EXPECT_EQ(textOf("status.last-action"),
-                  QStringLiteral("Could not export diagnostics: No space left on device"))
+                  u"Could not export diagnostics: No space left on device"_s)
             << each;
     }
     machine.reportFolder->problem.reset();

@@ -4,6 +4,8 @@
 
 #include "tests/presentation/screens/load/process_rows.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -33,43 +35,43 @@ TEST(ProcessFilter, NothingAndWhiteSpaceKeepAllRowsInTheirOrder) {
 }
 
 TEST(ProcessFilter, NamesMatchWhateverTheCase) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("BROWSER")), ElementsAre(4100));
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("kWorker")), ElementsAre(7));
+    EXPECT_THAT(pidsLeftBy(u"BROWSER"_s), ElementsAre(4100));
+    EXPECT_THAT(pidsLeftBy(u"kWorker"_s), ElementsAre(7));
 }
 
 TEST(ProcessFilter, LettersBeyondASCIIMatchWhateverTheCase) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("äpfel")), ElementsAre(512));
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("KÄSE")), ElementsAre(512));
+    EXPECT_THAT(pidsLeftBy(u"äpfel"_s), ElementsAre(512));
+    EXPECT_THAT(pidsLeftBy(u"KÄSE"_s), ElementsAre(512));
 }
 
 TEST(ProcessFilter, WhiteSpaceAroundTheTextDoesNotCount) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("  editor\t")), ElementsAre(41));
+    EXPECT_THAT(pidsLeftBy(u"  editor\t"_s), ElementsAre(41));
 }
 
 TEST(ProcessFilter, TheWholePathOfTheCommandIsLookedAt) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("/usr/")), ElementsAre(4100, 41));
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("lib/browser/b")), ElementsAre(4100));
+    EXPECT_THAT(pidsLeftBy(u"/usr/"_s), ElementsAre(4100, 41));
+    EXPECT_THAT(pidsLeftBy(u"lib/browser/b"_s), ElementsAre(4100));
 }
 
 TEST(ProcessFilter, DigitsMatchAnyPartOfThePID) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("41")), ElementsAre(4100, 41));
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("12")), ElementsAre(512));
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("9")), ElementsAre(9));
+    EXPECT_THAT(pidsLeftBy(u"41"_s), ElementsAre(4100, 41));
+    EXPECT_THAT(pidsLeftBy(u"12"_s), ElementsAre(512));
+    EXPECT_THAT(pidsLeftBy(u"9"_s), ElementsAre(9));
 }
 
 TEST(ProcessFilter, WhatMatchesNothingLeavesNoRows) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("no such process")), IsEmpty());
+    EXPECT_THAT(pidsLeftBy(u"no such process"_s), IsEmpty());
     EXPECT_THAT(filteredProcesses({}, QString()), IsEmpty());
-    EXPECT_THAT(filteredProcesses({}, QStringLiteral("a")), IsEmpty());
+    EXPECT_THAT(filteredProcesses({}, u"a"_s), IsEmpty());
 }
 
 TEST(ProcessFilter, TheTextIsNoPattern) {
-    EXPECT_THAT(pidsLeftBy(QStringLiteral(".*")), IsEmpty());
-    EXPECT_THAT(pidsLeftBy(QStringLiteral("[kw")), ElementsAre(7));
+    EXPECT_THAT(pidsLeftBy(u".*"_s), IsEmpty());
+    EXPECT_THAT(pidsLeftBy(u"[kw"_s), ElementsAre(7));
 }
 
 TEST(ProcessFilter, AVeryLongTextIsJustOneThatMatchesNothing) {
-    const QString filter(10'000, QLatin1Char('x'));
+    const QString filter(10'000, u'x');
     EXPECT_THAT(pidsLeftBy(filter), IsEmpty());
     EXPECT_THAT(filteredProcesses({processRow(1, "/bin/" + filter.toStdString())}, filter),
                 ElementsAre(testing::Field(&ProcessSample::pid, 1)));

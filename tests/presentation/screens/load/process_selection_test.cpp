@@ -3,6 +3,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -74,8 +76,8 @@ TEST_F(ProcessSelectionTest, ReviewFindsARowBelowTheFold) {
     EXPECT_EQ(currentInView(), lightest);
     EXPECT_GT(scrolled(), 0);
     EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("Selected straggler from CPU + Memory Processes. No action has run "
-                             "yet."));
+              u"Selected straggler from CPU + Memory Processes. No action has run "
+              "yet."_s);
 }
 
 TEST_F(ProcessSelectionTest, ReviewFreesItsRowFromAFilterLeftThere) {

@@ -14,6 +14,8 @@
 #include "presentation/widgets/tool_tip.h"
 #include "tests/presentation/screens/load/process_rows.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -45,7 +47,7 @@ std::vector<std::int64_t> pidsIn(const ProcessTableModel& model) {
 /// A model that ends the test program at the first breach of what a model owes its views.
 class ProcessTableModelTest : public testing::Test {
 protected:
-    ProcessTableModelTest() { QLocale::setDefault(QLocale(QStringLiteral("en_US"))); }
+    ProcessTableModelTest() { QLocale::setDefault(QLocale(u"en_US"_s)); }
     ~ProcessTableModelTest() override { QLocale::setDefault(QLocale::c()); }
 
     QVariant at(int line, int column, int role = Qt::DisplayRole) const {
@@ -77,7 +79,7 @@ TEST_F(ProcessTableModelTest, RowsComeInTheOrderGiven) {
 TEST_F(ProcessTableModelTest, ARepeatedPIDIsOneRow) {
     model.setRows({processRow(5, "/bin/first"), row(6), processRow(5, "/bin/second")});
     EXPECT_THAT(pidsIn(model), ElementsAre(5, 6));
-    EXPECT_EQ(at(0, ProcessTableModel::processColumn), QStringLiteral("first"));
+    EXPECT_EQ(at(0, ProcessTableModel::processColumn), u"first"_s);
     model.setRows({row(6), row(5), row(6), row(6)});
     EXPECT_THAT(pidsIn(model), ElementsAre(6, 5));
 }
@@ -90,7 +92,7 @@ TEST_F(ProcessTableModelTest, FiguresAreReplacedInPlace) {
     const QSignalSpy layouts(&model, &QAbstractItemModel::layoutChanged);
     const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
     model.setRows({processRow(5, {}, 3.0), processRow(6, {}, 4.0)});
-    EXPECT_EQ(at(1, ProcessTableModel::cpuColumn), QStringLiteral("4.0%"));
+    EXPECT_EQ(at(1, ProcessTableModel::cpuColumn), u"4.0%"_s);
     EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(resets.count() + insertions.count() + removals.count() + layouts.count(), 0);
 }
@@ -173,13 +175,13 @@ TEST_F(ProcessTableModelTest, CellsGiveNameFiguresAndAction) {
     sample.rssMB = 2048.04;
     sample.memoryPercent = 12.5;
     model.setRows({sample});
-    EXPECT_EQ(at(0, ProcessTableModel::processColumn), QStringLiteral("Worker"));
-    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn), QStringLiteral("123.5%"));
-    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), QStringLiteral("2,048.0 MB"));
-    EXPECT_EQ(at(0, ProcessTableModel::memoryPercentColumn), QStringLiteral("12.5%"));
-    EXPECT_EQ(at(0, ProcessTableModel::actionColumn), QStringLiteral("Review"));
-    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
-    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), QStringLiteral("2.048,0 MB"));
+    EXPECT_EQ(at(0, ProcessTableModel::processColumn), u"Worker"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn), u"123.5%"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2,048.0 MB"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryPercentColumn), u"12.5%"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::actionColumn), u"Review"_s);
+    QLocale::setDefault(QLocale(u"de_DE"_s));
+    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2.048,0 MB"_s);
 }
 
 TEST_F(ProcessTableModelTest, HeadersNameTheColumns) {
@@ -187,9 +189,7 @@ TEST_F(ProcessTableModelTest, HeadersNameTheColumns) {
     for (int column = 0; column < model.columnCount(); ++column) {
         names.append(model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
     }
-    EXPECT_EQ(names, QStringList({QStringLiteral("Process"), QStringLiteral("CPU"),
-                                  QStringLiteral("Memory"), QStringLiteral("Mem %"),
-                                  QStringLiteral("Action")}));
+    EXPECT_EQ(names, QStringList({u"Process"_s, u"CPU"_s, u"Memory"_s, u"Mem %"_s, u"Action"_s}));
     EXPECT_FALSE(model.headerData(5, Qt::Horizontal, Qt::DisplayRole).isValid());
     EXPECT_FALSE(model.headerData(-1, Qt::Horizontal, Qt::DisplayRole).isValid());
     EXPECT_FALSE(model.headerData(0, Qt::Vertical, Qt::DisplayRole).isValid());
@@ -214,8 +214,8 @@ TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
     EXPECT_TRUE(isProtectedAt(1));
     EXPECT_TRUE(isProtectedAt(2));
     EXPECT_FALSE(isProtectedAt(3));
-    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), QStringLiteral("systemd, Protected"));
-    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), QStringLiteral("editor"));
+    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, Protected"_s);
+    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor"_s);
 }
 
 TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
@@ -228,14 +228,14 @@ TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
     model.setSelectedPID(90);
     EXPECT_TRUE(isSelectedAt(1));
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_EQ(at(1, 0, Qt::AccessibleTextRole), QStringLiteral("editor, Under review"));
+    EXPECT_EQ(at(1, 0, Qt::AccessibleTextRole), u"editor, Under review"_s);
     model.setSelectedPID(90);
     EXPECT_EQ(changes.count(), 1) << "nothing changed";
     model.setSelectedPID(1);
     EXPECT_TRUE(isSelectedAt(0));
     EXPECT_FALSE(isSelectedAt(1));
     EXPECT_EQ(changes.count(), 3);
-    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), QStringLiteral("systemd, Protected, Under review"));
+    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, Protected, Under review"_s);
     model.setSelectedPID(std::nullopt);
     EXPECT_FALSE(isSelectedAt(0) || isSelectedAt(1));
     model.setSelectedPID(12345);
@@ -253,18 +253,16 @@ TEST_F(ProcessTableModelTest, AProcessUnderReviewThatComesLaterIsMarkedThen) {
 
 TEST_F(ProcessTableModelTest, TheActionNamesItsProcessForWhoCannotSeeTheRow) {
     model.setRows({processRow(90, "/usr/bin/editor")});
-    EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole),
-              QStringLiteral("Review editor"));
-    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), QStringLiteral("0.0%"));
+    EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole), u"Review editor"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), u"0.0%"_s);
 }
 
 TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
     model.setRows({processRow(90, "/tmp/<img src=x>&amp;")});
-    EXPECT_EQ(at(0, 0, Qt::ToolTipRole),
-              toolTipText(QStringLiteral("PID 90\n/tmp/<img src=x>&amp;")));
+    EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(u"PID 90\n/tmp/<img src=x>&amp;"_s));
     EXPECT_FALSE(at(0, 1, Qt::ToolTipRole).isValid());
     model.setRows({processRow(90, "/tmp/%1 %2 %3")});
-    EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(QStringLiteral("PID 90\n/tmp/%1 %2 %3")));
+    EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(u"PID 90\n/tmp/%1 %2 %3"_s));
 }
 
 TEST_F(ProcessTableModelTest, AskingBesideTheTableGivesNothing) {

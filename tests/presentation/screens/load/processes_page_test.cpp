@@ -5,6 +5,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -34,16 +36,15 @@ protected:
 TEST_F(ProcessesPageTest, SaysThatItSamplesUntilTheFirstSample) {
     machine.monitor().navigation().setSelectedRoute(AppRoute::load);
     show();
-    EXPECT_EQ(textOf("processes.sort-status"), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(textOf("processes.sort-status"), u"Sampling this Mac..."_s);
     EXPECT_EQ(model().rowCount(), 0);
 }
 
 TEST_F(ProcessesPageTest, ListsEveryProcessInOrderOfImpact) {
     showProcesses();
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
-    EXPECT_TRUE(
-        textOf("processes.sort-status")
-            .startsWith(QStringLiteral("Sorted by Impact ↓ · 3 visible processes · updated ")));
+    EXPECT_TRUE(textOf("processes.sort-status")
+                    .startsWith(u"Sorted by Impact ↓ · 3 visible processes · updated "_s));
 }
 
 TEST_F(ProcessesPageTest, ListsMoreThanTheSnapshotsOwnRanking) {
@@ -60,7 +61,7 @@ TEST_F(ProcessesPageTest, KeepsWhatTheFilterNames) {
     showProcesses();
     type("EDITOR");
     EXPECT_THAT(shownPIDs(), ElementsAre(700));
-    EXPECT_TRUE(textOf("processes.sort-status").contains(QStringLiteral("1 visible processes")));
+    EXPECT_TRUE(textOf("processes.sort-status").contains(u"1 visible processes"_s));
     type("800");
     EXPECT_THAT(shownPIDs(), ElementsAre(800));
     type("   ");
@@ -72,7 +73,7 @@ TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
     const QImage full = paintedTable();
     type("no such process");
     EXPECT_THAT(shownPIDs(), IsEmpty());
-    EXPECT_TRUE(textOf("processes.sort-status").contains(QStringLiteral("0 visible processes")));
+    EXPECT_TRUE(textOf("processes.sort-status").contains(u"0 visible processes"_s));
     const QRect hint(table().viewport()->width() / 4, table().viewport()->height() / 4,
                      table().viewport()->width() / 2, table().viewport()->height() / 2);
     const QImage painted = paintedTable().copy(hint);
@@ -85,11 +86,11 @@ TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
     }
     EXPECT_GT(inked, 100);
     EXPECT_EQ(table().accessibleDescription(),
-              QStringLiteral("Select Process. No process matches the filter. "
-                             "Clear it to see all."));
+              u"Select Process. No process matches the filter. "
+              "Clear it to see all."_s);
     type("");
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
-    EXPECT_FALSE(table().accessibleDescription().contains(QStringLiteral("Select Process.")));
+    EXPECT_FALSE(table().accessibleDescription().contains(u"Select Process."_s));
 }
 
 TEST_F(ProcessesPageTest, TheFilterOutlivesAChangeOfRouteAndAClosedWindow) {
@@ -98,23 +99,23 @@ TEST_F(ProcessesPageTest, TheFilterOutlivesAChangeOfRouteAndAClosedWindow) {
     goTo(AppRoute::overview);
     tick();
     goTo(AppRoute::load);
-    EXPECT_EQ(filter().text(), QStringLiteral("editor"));
+    EXPECT_EQ(filter().text(), u"editor"_s);
     EXPECT_THAT(shownPIDs(), ElementsAre(700));
     window().close();
     settle();
     window().openRoute(AppRoute::load);
     settle();
-    EXPECT_EQ(filter().text(), QStringLiteral("editor"));
+    EXPECT_EQ(filter().text(), u"editor"_s);
     EXPECT_THAT(shownPIDs(), ElementsAre(700));
 }
 
 TEST_F(ProcessesPageTest, ASampleNeverDisturbsTyping) {
     showProcesses();
     filter().setFocus();
-    QTest::keyClicks(&filter(), QStringLiteral(" ed"));
+    QTest::keyClicks(&filter(), u" ed"_s);
     filter().setCursorPosition(1);
     tick();
-    EXPECT_EQ(filter().text(), QStringLiteral(" ed"));
+    EXPECT_EQ(filter().text(), u" ed"_s);
     EXPECT_EQ(filter().cursorPosition(), 1);
     EXPECT_TRUE(filter().hasFocus());
 }
@@ -199,8 +200,8 @@ TEST_F(ProcessesPageTest, SelectTopRowTakesTheFirstRowOfTheFilteredList) {
     click("processes.select-top-row");
     EXPECT_EQ(selectedPID(), 700);
     EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("Selected editor from CPU + Memory Processes. "
-                             "No action has run yet."));
+              u"Selected editor from CPU + Memory Processes. "
+              "No action has run yet."_s);
 }
 
 TEST_F(ProcessesPageTest, SelectTopRowOfAnEmptyListSaysSo) {
@@ -208,7 +209,7 @@ TEST_F(ProcessesPageTest, SelectTopRowOfAnEmptyListSaysSo) {
     type("no such process");
     click("processes.select-top-row");
     EXPECT_EQ(selectedPID(), std::nullopt);
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("No process is available to select."));
+    EXPECT_EQ(textOf("status.last-action"), u"No process is available to select."_s);
 }
 
 TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
@@ -217,7 +218,7 @@ TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
     click("load.select-top");
     EXPECT_EQ(selectedPID(), 800);
     EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("Selected photo-indexer, currently the heaviest process."));
+              u"Selected photo-indexer, currently the heaviest process."_s);
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1)) << "its row is to be seen";
 }
 
@@ -225,7 +226,7 @@ TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
     machine.monitor().navigation().setSelectedRoute(AppRoute::load);
     show();
     click("load.select-top");
-    EXPECT_EQ(textOf("status.last-action"), QStringLiteral("No process sample is available yet."));
+    EXPECT_EQ(textOf("status.last-action"), u"No process sample is available yet."_s);
 }
 
 TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
@@ -243,15 +244,13 @@ TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
     opens = false;
     click("load.activity");
     EXPECT_EQ(asked, 3);
-    EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("No activity monitor application is installed."));
+    EXPECT_EQ(textOf("status.last-action"), u"No activity monitor application is installed."_s);
 }
 
 TEST_F(ProcessesPageTest, WithoutADesktopToOpenOnActivitySaysSo) {
     showProcesses();
     click("processes.activity-monitor");
-    EXPECT_EQ(textOf("status.last-action"),
-              QStringLiteral("No activity monitor application is installed."));
+    EXPECT_EQ(textOf("status.last-action"), u"No activity monitor application is installed."_s);
 }
 
 // The table --------------------------------------------------------------------------------------
@@ -270,7 +269,7 @@ TEST_F(ProcessesPageTest, TheFilterIsReachedAndLeftByKey) {
     press(Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(route(), AppRoute::load);
     EXPECT_TRUE(filter().hasFocus());
-    QTest::keyClicks(&filter(), QStringLiteral("editor"));
+    QTest::keyClicks(&filter(), u"editor"_s);
     settle();
     EXPECT_THAT(shownPIDs(), ElementsAre(700));
     press(Qt::Key_Down);

@@ -7,6 +7,8 @@
 
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -28,25 +30,25 @@ protected:
 
 TEST_F(CleanupPageTest, SaysWhatTheStepIsAboutWordForWord) {
     showCleanup();
-    EXPECT_EQ(visible("cleanup.flow")->accessibleName(), QStringLiteral("Local Cleanup Flow"));
+    EXPECT_EQ(visible("cleanup.flow")->accessibleName(), u"Local Cleanup Flow"_s);
     EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
+              u"1. Select an offender to review. No optimization has run yet."_s);
     EXPECT_EQ(textOf("cleanup.hint"),
-              QStringLiteral("Need the full sortable list? Open Processes in the sidebar. This "
-                             "workspace stays focused on the selected target and the next safe "
-                             "action."));
+              u"Need the full sortable list? Open Processes in the sidebar. This "
+              "workspace stays focused on the selected target and the next safe "
+              "action."_s);
     EXPECT_EQ(textOf("cleanup.promise"),
-              QStringLiteral("Selecting marks a target for review. Purge, Quit Process, and Quit "
-                             "App Group all ask for confirmation before changing anything."));
+              u"Selecting marks a target for review. Purge, Quit Process, and Quit "
+              "App Group all ask for confirmation before changing anything."_s);
     QStringList titles;
     for (const char* identifier : {"cleanup.suggest-safe-target", "cleanup.select-top-app",
                                    "cleanup.purge-caches", "cleanup.activity-monitor"}) {
         titles.append(visible<QPushButton>(identifier)->text());
     }
     EXPECT_EQ(titles.join(u'|'),
-              QStringLiteral("Suggest Safe Target|Select Top App|Purge Caches|Activity Monitor"));
-    EXPECT_EQ(visible("cleanup.offender")->accessibleName(), QStringLiteral("Selected Offender"));
-    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+              u"Suggest Safe Target|Select Top App|Purge Caches|Activity Monitor"_s);
+    EXPECT_EQ(visible("cleanup.offender")->accessibleName(), u"Selected Offender"_s);
+    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
 }
 
 TEST_F(CleanupPageTest, TheWorkspaceBarIsInViewAtOnce) {
@@ -60,10 +62,10 @@ TEST_F(CleanupPageTest, TheWorkspaceBarIsInViewAtOnce) {
 TEST_F(CleanupPageTest, SaysThatItSamplesUntilTheFirstSample) {
     machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
     show();
-    EXPECT_EQ(explanation(), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(explanation(), u"Sampling this Mac..."_s);
     machine.finishSamples();
     settle();
-    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
 }
 
 // The actions ------------------------------------------------------------------------------------
@@ -76,8 +78,8 @@ TEST_F(CleanupPageTest, SuggestSafeTargetSelectsAndLeavesTheStep) {
               "Optimize Safely selected photo-indexer. Review it before quitting anything.");
     EXPECT_EQ(pending(), std::nullopt);
     EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
-    EXPECT_TRUE(explanation().startsWith(QStringLiteral("photo-indexer is using 130.0% CPU")));
+              u"1. Select an offender to review. No optimization has run yet."_s);
+    EXPECT_TRUE(explanation().startsWith(u"photo-indexer is using 130.0% CPU"_s));
 }
 
 TEST_F(CleanupPageTest, SuggestSafeTargetUnderPressureAsksForAPurge) {
@@ -86,8 +88,7 @@ TEST_F(CleanupPageTest, SuggestSafeTargetUnderPressureAsksForAPurge) {
     click("cleanup.suggest-safe-target");
     ASSERT_TRUE(pending().has_value());
     EXPECT_EQ(pending()->title, "Purge file caches?");
-    EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("3. Confirm cache purge, or cancel and keep reviewing."));
+    EXPECT_EQ(textOf("cleanup.step"), u"3. Confirm cache purge, or cancel and keep reviewing."_s);
     EXPECT_EQ(machine.actions.cachePurge->count, 0);
     machine.monitor().confirmations().cancelPending();
     settle();
@@ -99,8 +100,8 @@ TEST_F(CleanupPageTest, SelectTopAppSelectsAndTellsTheStep) {
     EXPECT_EQ(selectedPID(), 800);
     EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
     EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("2. photo-indexer is selected for review. Nothing has been quit or "
-                             "purged yet."));
+              u"2. photo-indexer is selected for review. Nothing has been quit or "
+              "purged yet."_s);
 }
 
 TEST_F(CleanupPageTest, WithoutASampleTheActionsSaySo) {
@@ -118,8 +119,7 @@ TEST_F(CleanupPageTest, PurgeCachesAsksAndPurgesNothingByItself) {
     click("cleanup.purge-caches");
     ASSERT_TRUE(pending().has_value());
     EXPECT_EQ(pending()->kind, "local_purge");
-    EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("3. Confirm cache purge, or cancel and keep reviewing."));
+    EXPECT_EQ(textOf("cleanup.step"), u"3. Confirm cache purge, or cancel and keep reviewing."_s);
     machine.monitor().confirmations().cancelPending();
     machine.finishSamples();
     settle();
@@ -133,15 +133,15 @@ TEST_F(CleanupPageTest, APurgeUnderWayShowsAndLocksItsButton) {
     machine.monitor().localActions().requestPurge();
     machine.monitor().confirmations().confirmPending();
     settle();
-    EXPECT_EQ(purge().text(), QStringLiteral("Purging…"));
-    EXPECT_EQ(purge().accessibleName(), QStringLiteral("Purging…"));
+    EXPECT_EQ(purge().text(), u"Purging…"_s);
+    EXPECT_EQ(purge().accessibleName(), u"Purging…"_s);
     EXPECT_FALSE(purge().isEnabled());
     EXPECT_EQ(purge().geometry(), place) << "the buttons beside it stay where they are";
     machine.finishSamples();
     settle();
     EXPECT_EQ(machine.actions.cachePurge->count, 1);
-    EXPECT_EQ(purge().text(), QStringLiteral("Purge Caches"));
-    EXPECT_EQ(purge().accessibleName(), QStringLiteral("Purge Caches"));
+    EXPECT_EQ(purge().text(), u"Purge Caches"_s);
+    EXPECT_EQ(purge().accessibleName(), u"Purge Caches"_s);
     EXPECT_TRUE(purge().isEnabled());
     EXPECT_EQ(purge().geometry(), place);
 }
@@ -183,10 +183,10 @@ TEST_F(CleanupPageTest, TabGoesThroughThePageAsTheEyeDoes) {
         press(Qt::Key_Tab);
     }
     EXPECT_EQ(order.join(u' '),
-              QStringLiteral("optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
-                             "cleanup.purge-caches cleanup.activity-monitor "
-                             "section.autoRules cleanup.emergency-stop cleanup.never-quit "
-                             "cleanup.helpers"));
+              u"optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
+              "cleanup.purge-caches cleanup.activity-monitor "
+              "section.autoRules cleanup.emergency-stop cleanup.never-quit "
+              "cleanup.helpers"_s);
 }
 
 TEST_F(CleanupPageTest, TheActionsAnswerTheKeyboard) {

@@ -12,6 +12,8 @@
 #include "tests/presentation/screens/load/process_rows.h"
 #include "tests/support/fake_machine.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -48,7 +50,7 @@ TEST(HelperProcesses, ThereAreNoneBeforeTheFirstSample) {
 
 class HelperProcessesModelTest : public testing::Test {
 protected:
-    HelperProcessesModelTest() { QLocale::setDefault(QLocale(QStringLiteral("en_US"))); }
+    HelperProcessesModelTest() { QLocale::setDefault(QLocale(u"en_US"_s)); }
     ~HelperProcessesModelTest() override { QLocale::setDefault(QLocale::c()); }
 
     QString text(int place, int column, int role = Qt::DisplayRole) {
@@ -61,26 +63,24 @@ protected:
 
 TEST_F(HelperProcessesModelTest, CPUHasOneDecimalAndMemoryNone) {
     model.setRows({processRow(7, "/usr/bin/editor", 12.34, 2047.6)});
-    EXPECT_EQ(text(0, ProcessTableModel::processColumn), QStringLiteral("editor"));
-    EXPECT_EQ(text(0, ProcessTableModel::cpuColumn), QStringLiteral("12.3%"));
-    EXPECT_EQ(text(0, ProcessTableModel::memoryColumn), QStringLiteral("2,048 MB"));
-    EXPECT_EQ(text(0, ProcessTableModel::memoryColumn, Qt::AccessibleTextRole),
-              QStringLiteral("2,048 MB"));
+    EXPECT_EQ(text(0, ProcessTableModel::processColumn), u"editor"_s);
+    EXPECT_EQ(text(0, ProcessTableModel::cpuColumn), u"12.3%"_s);
+    EXPECT_EQ(text(0, ProcessTableModel::memoryColumn), u"2,048 MB"_s);
+    EXPECT_EQ(text(0, ProcessTableModel::memoryColumn, Qt::AccessibleTextRole), u"2,048 MB"_s);
 }
 
 TEST_F(HelperProcessesModelTest, TheRestIsTheProcessTablesOwn) {
     model.setRows({processRow(7, "/usr/bin/editor", 1, 1)});
     const auto spoken = [this](int column) { return text(0, column, Qt::AccessibleTextRole); };
-    EXPECT_EQ(spoken(ProcessTableModel::processColumn), QStringLiteral("editor"));
+    EXPECT_EQ(spoken(ProcessTableModel::processColumn), u"editor"_s);
     QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
     model.setProtectedAppNames({"editor"});
     EXPECT_EQ(changes.count(), 1);
     EXPECT_TRUE(model.index(0, 0).data(ProcessTableModel::isProtectedRole).toBool());
     model.setSelectedPID(7);
     EXPECT_EQ(changes.count(), 2);
-    EXPECT_EQ(spoken(ProcessTableModel::processColumn),
-              QStringLiteral("editor, Protected, Under review"));
-    EXPECT_EQ(spoken(ProcessTableModel::actionColumn), QStringLiteral("Review editor"));
+    EXPECT_EQ(spoken(ProcessTableModel::processColumn), u"editor, Protected, Under review"_s);
+    EXPECT_EQ(spoken(ProcessTableModel::actionColumn), u"Review editor"_s);
 }
 
 TEST_F(HelperProcessesModelTest, TheSameRowsChangeNothing) {
@@ -101,7 +101,7 @@ TEST_F(HelperProcessesModelTest, RowsStayWithTheirProcesses) {
         {processRow(3, "/c", 9, 1), processRow(4, "/d", 8, 1), processRow(2, "/b", 2, 1)});
     ASSERT_TRUE(second.isValid());
     EXPECT_EQ(second.row(), 2);
-    EXPECT_EQ(second.data().toString(), QStringLiteral("b"));
+    EXPECT_EQ(second.data().toString(), u"b"_s);
     model.setRows({});
     EXPECT_FALSE(second.isValid());
     EXPECT_EQ(model.rowCount(), 0);

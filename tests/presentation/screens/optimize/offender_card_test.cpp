@@ -10,6 +10,8 @@
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -46,8 +48,7 @@ protected:
         const auto* shown = visible<SummaryCard>(identifier);
         return shown == nullptr
                    ? "(not shown)"
-                   : (shown->accessibleName() + QStringLiteral(": ") + shown->accessibleValue())
-                         .toStdString();
+                   : (shown->accessibleName() + u": "_s + shown->accessibleValue()).toStdString();
     }
 
     ProcessTableView* helpers() { return visible<ProcessTableView>("cleanup.helpers"); }
@@ -76,8 +77,8 @@ protected:
 
 TEST_F(OffenderCardTest, WithoutATargetThereIsOnlyTheHint) {
     showCleanup();
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender"));
-    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+    EXPECT_EQ(heading(), u"Selected Offender"_s);
+    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
     for (const char* identifier : {"cleanup.app-group", "cleanup.risk", "cleanup.never-quit",
                                    "cleanup.quit-hint", "cleanup.helpers", "cleanup.no-helpers"}) {
         EXPECT_EQ(visible(identifier), nullptr) << identifier;
@@ -87,25 +88,26 @@ TEST_F(OffenderCardTest, WithoutATargetThereIsOnlyTheHint) {
 TEST_F(OffenderCardTest, ATargetIsExplainedWordForWord) {
     showCleanup();
     select(800);
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender: photo-indexer"));
+    EXPECT_EQ(heading(), u"Selected Offender: photo-indexer"_s);
     EXPECT_EQ(explanation(),
-              QStringLiteral("photo-indexer is using 130.0% CPU and 2,048 MB memory. Review before "
-                             "quitting; unsaved work may be lost if the app does not exit "
-                             "cleanly."));
+              u"photo-indexer is using 130.0% CPU and 2,048 MB memory. Review before "
+              "quitting; unsaved work may be lost if the app does not exit "
+              "cleanly."_s);
     EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, 1 process · 130.0% CPU");
     EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
     EXPECT_EQ(textOf("cleanup.quit-hint"),
-              QStringLiteral("Use File > Quit Selected Process or Quit Selected App Group only "
-                             "after review."));
-    EXPECT_EQ(helpers()->accessibleName(), QStringLiteral("Related Helper Processes"));
+              u"Use File > Quit Selected Process or Quit Selected App Group only "
+              "after review."_s);
+    EXPECT_EQ(helpers()->accessibleName(), u"Related Helper Processes"_s);
     EXPECT_THAT(helperRows(), ElementsAre("photo-indexer 130.0% 2,048 MB"));
 }
 
 TEST_F(OffenderCardTest, AProtectedTargetIsSaidToBeProtected) {
     showCleanup();
     select(1);
-    EXPECT_EQ(explanation(), QStringLiteral("systemd is using 0.0% CPU and 12 MB memory. It is "
-                                            "protected from quit actions."));
+    EXPECT_EQ(explanation(),
+              u"systemd is using 0.0% CPU and 12 MB memory. It is "
+              "protected from quit actions."_s);
     EXPECT_EQ(card("cleanup.risk"),
               "Risk: Protected, Tallowcrest will not quit this automatically.");
     EXPECT_EQ(card("cleanup.app-group"), "App Group: systemd, No group summary")
@@ -118,11 +120,11 @@ TEST_F(OffenderCardTest, ClearReturnsToTheHint) {
     select(800);
     machine.monitor().review().clearOperationTarget();
     settle();
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender"));
-    EXPECT_EQ(explanation(), QStringLiteral("Select an app or process to see why it matters."));
+    EXPECT_EQ(heading(), u"Selected Offender"_s);
+    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
     EXPECT_EQ(visible("cleanup.risk"), nullptr);
     EXPECT_EQ(textOf("cleanup.step"),
-              QStringLiteral("1. Select an offender to review. No optimization has run yet."));
+              u"1. Select an offender to review. No optimization has run yet."_s);
     EXPECT_EQ(lastAction(), "Cleared selected operation target.");
 }
 
@@ -132,8 +134,8 @@ TEST_F(OffenderCardTest, ANewSampleBringsNewFigures) {
     machine.metrics->processes[0].cpu = 12.34;
     machine.metrics->processes[0].rssMB = 512.0;
     tick();
-    EXPECT_TRUE(explanation().startsWith(
-        QStringLiteral("photo-indexer is using 12.3% CPU and 512 MB memory. ")));
+    EXPECT_TRUE(
+        explanation().startsWith(u"photo-indexer is using 12.3% CPU and 512 MB memory. "_s));
     EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, 1 process · 12.3% CPU");
     EXPECT_THAT(helperRows(), ElementsAre("photo-indexer 12.3% 512 MB"));
 }
@@ -145,7 +147,7 @@ TEST_F(OffenderCardTest, ALongNameDoesNotPushOutTheVerdict) {
     machine.monitor().localActions().toggleNeverQuit(std::string(255, 'w'));
     select(900);
     const auto* label = visible<ElidedLabel>("cleanup.explanation");
-    EXPECT_TRUE(label->shownLines().last().endsWith(QStringLiteral("actions.")))
+    EXPECT_TRUE(label->shownLines().last().endsWith(u"actions."_s))
         << label->shownLines().last().toStdString();
     EXPECT_GE(label->height(), label->heightForWidth(label->width()));
 }
@@ -158,14 +160,14 @@ TEST_F(OffenderCardTest, AProcessThatHasGoneLeavesNoFiguresBehind) {
     end(800);
     tick();
     EXPECT_EQ(selectedPID(), 800);
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender: PID 800"));
-    EXPECT_EQ(explanation(), QStringLiteral("Selected for review. Process details are not in the "
-                                            "latest sample."));
+    EXPECT_EQ(heading(), u"Selected Offender: PID 800"_s);
+    EXPECT_EQ(explanation(),
+              u"Selected for review. Process details are not in the "
+              "latest sample."_s);
     EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, No group summary");
     EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
     EXPECT_EQ(helpers(), nullptr);
-    EXPECT_EQ(textOf("cleanup.no-helpers"),
-              QStringLiteral("No process of this group is in the latest sample."));
+    EXPECT_EQ(textOf("cleanup.no-helpers"), u"No process of this group is in the latest sample."_s);
 }
 
 TEST_F(OffenderCardTest, TheGroupOutlivesItsSelectedProcess) {
@@ -176,7 +178,7 @@ TEST_F(OffenderCardTest, TheGroupOutlivesItsSelectedProcess) {
     EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB", "chrome helper 25.0% 250 MB"));
     end(901);
     tick();
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender: PID 901"));
+    EXPECT_EQ(heading(), u"Selected Offender: PID 901"_s);
     EXPECT_EQ(card("cleanup.app-group"), "App Group: Google Chrome, 1 process · 25.0% CPU");
     EXPECT_THAT(helperRows(), ElementsAre("chrome helper 25.0% 250 MB"));
 }
@@ -186,7 +188,7 @@ TEST_F(OffenderCardTest, ANumberThatAnotherProcessBearsIsNotTheTarget) {
     select(800);
     machine.metrics->processes[0].startTime += 5;
     tick();
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender: PID 800"));
+    EXPECT_EQ(heading(), u"Selected Offender: PID 800"_s);
     ASSERT_THAT(helperRows(), ElementsAre("photo-indexer 130.0% 2,048 MB"));
     EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
 }
@@ -205,7 +207,7 @@ TEST_F(OffenderCardTest, ReviewOnARowMovesTheReviewWithinTheGroup) {
     EXPECT_EQ(selected, 1);
     EXPECT_EQ(selectedPID(), 902);
     EXPECT_EQ(route(), AppRoute::optimize);
-    EXPECT_EQ(heading(), QStringLiteral("Selected Offender: chrome helper"));
+    EXPECT_EQ(heading(), u"Selected Offender: chrome helper"_s);
     EXPECT_TRUE(helpers()->model()->index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
     EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
 }
@@ -280,25 +282,25 @@ TEST_F(OffenderCardTest, TheGuardTakesEffectAtOnceAndTwiceIsNever) {
     machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
     showCleanup();
     select(901);
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: Off"));
-    EXPECT_EQ(guard().accessibleName(), QStringLiteral("Never Quit Google Chrome"));
+    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
+    EXPECT_EQ(guard().accessibleName(), u"Never Quit Google Chrome"_s);
     EXPECT_FALSE(guard().isChecked());
     const QString wayIn = guard().accessibleDescription();
     const auto events = machine.monitor().log().activityLog().size();
 
     click("cleanup.never-quit");
     EXPECT_EQ(lastAction(), "Google Chrome added to Never Quit.");
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: On"));
+    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
     EXPECT_TRUE(guard().isChecked());
     EXPECT_NE(guard().accessibleDescription(), wayIn);
     EXPECT_EQ(card("cleanup.risk"),
               "Risk: Protected, Tallowcrest will not quit this automatically.");
-    EXPECT_TRUE(explanation().endsWith(QStringLiteral("It is protected from quit actions.")));
+    EXPECT_TRUE(explanation().endsWith(u"It is protected from quit actions."_s));
     EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB*", "chrome helper 25.0% 250 MB*"));
 
     click("cleanup.never-quit");
     EXPECT_EQ(lastAction(), "Google Chrome removed from Never Quit.");
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: Off"));
+    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
     EXPECT_FALSE(guard().isChecked());
     EXPECT_EQ(guard().accessibleDescription(), wayIn);
     EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
@@ -322,10 +324,10 @@ TEST_F(OffenderCardTest, TheGuardFollowsTheGroupUnderReview) {
     select(700);
     click("cleanup.never-quit");
     select(800);
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: Off"));
-    EXPECT_EQ(guard().accessibleName(), QStringLiteral("Never Quit photo-indexer"));
+    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
+    EXPECT_EQ(guard().accessibleName(), u"Never Quit photo-indexer"_s);
     select(700);
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: On"));
+    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
     EXPECT_TRUE(guard().isChecked());
 }
 
@@ -334,9 +336,9 @@ TEST_F(OffenderCardTest, TheGuardFollowsAChangeFromElsewhere) {
     select(700);
     machine.monitor().localActions().toggleNeverQuit("editor");
     settle();
-    EXPECT_EQ(guard().text(), QStringLiteral("Never Quit: On"));
+    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
     EXPECT_TRUE(guard().isChecked());
-    EXPECT_TRUE(explanation().endsWith(QStringLiteral("It is protected from quit actions.")));
+    EXPECT_TRUE(explanation().endsWith(u"It is protected from quit actions."_s));
 }
 
 TEST_F(OffenderCardTest, AssistiveTechnologyHearsTheGuardsState) {
@@ -361,10 +363,9 @@ TEST_F(OffenderCardTest, NothingIsDoneWhileAnotherRouteShows) {
     machine.metrics->processes[0].cpu = 12.34;
     tick();
     EXPECT_EQ(label->text(), before);
-    EXPECT_EQ(model->index(0, ProcessTableModel::cpuColumn).data().toString(),
-              QStringLiteral("130.0%"));
+    EXPECT_EQ(model->index(0, ProcessTableModel::cpuColumn).data().toString(), u"130.0%"_s);
     goTo(AppRoute::optimize);
-    EXPECT_TRUE(label->text().startsWith(QStringLiteral("photo-indexer is using 12.3% CPU")));
+    EXPECT_TRUE(label->text().startsWith(u"photo-indexer is using 12.3% CPU"_s));
 }
 
 TEST_F(OffenderCardTest, WhatConcernsOtherThingsPaintsAndTellsNothingHere) {

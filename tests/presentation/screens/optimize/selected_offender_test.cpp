@@ -9,25 +9,25 @@
 
 #include "tests/presentation/screens/load/process_rows.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 class SelectedOffenderText : public testing::Test {
 protected:
-    SelectedOffenderText() { QLocale::setDefault(QLocale(QStringLiteral("en_US"))); }
+    SelectedOffenderText() { QLocale::setDefault(QLocale(u"en_US"_s)); }
     ~SelectedOffenderText() override { QLocale::setDefault(QLocale::c()); }
 };
 
 TEST_F(SelectedOffenderText, TheHintSaysWhatToDoNext) {
-    EXPECT_EQ(selected_offender::hint(),
-              QStringLiteral("Select an app or process to see why it matters."));
+    EXPECT_EQ(selected_offender::hint(), u"Select an app or process to see why it matters."_s);
 }
 
 TEST_F(SelectedOffenderText, TheHeadingNamesTheTarget) {
-    EXPECT_EQ(selected_offender::heading("photo-indexer"),
-              QStringLiteral("Selected Offender: photo-indexer"));
-    EXPECT_EQ(selected_offender::heading("PID 800"), QStringLiteral("Selected Offender: PID 800"));
-    EXPECT_EQ(selected_offender::heading(""), QStringLiteral("Selected Offender"));
+    EXPECT_EQ(selected_offender::heading("photo-indexer"), u"Selected Offender: photo-indexer"_s);
+    EXPECT_EQ(selected_offender::heading("PID 800"), u"Selected Offender: PID 800"_s);
+    EXPECT_EQ(selected_offender::heading(""), u"Selected Offender"_s);
 }
 
 // The sentence -----------------------------------------------------------------------------------
@@ -79,9 +79,9 @@ INSTANTIATE_TEST_SUITE_P(Table, SelectedOffenderSentence, testing::ValuesIn(sent
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(SelectedOffenderText, FiguresAreInTheFormatOfTheLocale) {
-    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    QLocale::setDefault(QLocale(u"de_DE"_s));
     EXPECT_TRUE(selected_offender::sentence(processRow(800, "/usr/bin/editor", 30.5, 2048.0), false)
-                    .startsWith(QStringLiteral("editor is using 30,5% CPU and 2.048 MB memory. ")));
+                    .startsWith(u"editor is using 30,5% CPU and 2.048 MB memory. "_s));
 }
 
 // The group --------------------------------------------------------------------------------------
@@ -125,13 +125,12 @@ INSTANTIATE_TEST_SUITE_P(Table, SelectedOffenderGroup, testing::ValuesIn(groupCa
 
 TEST_F(SelectedOffenderText, WithoutASampleThereIsNoSummary) {
     EXPECT_EQ(selected_offender::groupCard("editor", {}),
-              (selected_offender::GroupCard{QStringLiteral("editor"),
-                                            QStringLiteral("No group summary")}));
+              (selected_offender::GroupCard{u"editor"_s, u"No group summary"_s}));
 }
 
 TEST_F(SelectedOffenderText, TheRiskIsOneWord) {
-    EXPECT_EQ(selected_offender::risk(true), QStringLiteral("Protected"));
-    EXPECT_EQ(selected_offender::risk(false), QStringLiteral("Manual"));
+    EXPECT_EQ(selected_offender::risk(true), u"Protected"_s);
+    EXPECT_EQ(selected_offender::risk(false), u"Manual"_s);
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -96,7 +98,7 @@ TEST_F(WorkspaceBarTest, ItStandsInTheOrderOfTheWorkflowBelowItsHeading) {
     showWithSample();
     goTo(AppRoute::optimize);
     const QWidget* bar = visible("optimize.workspace");
-    EXPECT_EQ(bar->accessibleName(), QStringLiteral("Optimize Workspace"));
+    EXPECT_EQ(bar->accessibleName(), u"Optimize Workspace"_s);
     QStringList titles;
     int right = -1;
     for (const StripTab* each : bar->findChildren<StripTab*>()) {
@@ -104,10 +106,10 @@ TEST_F(WorkspaceBarTest, ItStandsInTheOrderOfTheWorkflowBelowItsHeading) {
         right = each->geometry().right();
         titles.append(each->text());
     }
-    EXPECT_EQ(titles.join(u'|'), QStringLiteral("Recommended|Cleanup|AI Advisor|Ask AI"));
+    EXPECT_EQ(titles.join(u'|'), u"Recommended|Cleanup|AI Advisor|Ask AI"_s);
     bool hasHeading = false;
     for (const ElidedLabel* label : bar->findChildren<ElidedLabel*>()) {
-        hasHeading = hasHeading || label->text() == QStringLiteral("Optimize Workspace");
+        hasHeading = hasHeading || label->text() == u"Optimize Workspace"_s;
     }
     EXPECT_TRUE(hasHeading);
 }
@@ -167,7 +169,7 @@ TEST_F(WorkspaceBarTest, AChosenStepTakesTheKeyboardFromWhereItWasOnThatPageBefo
     press(Qt::Key_Left);
     press(Qt::Key_Left);
     ASSERT_EQ(route(), AppRoute::optimize);
-    EXPECT_EQ(focused(), QStringLiteral("optimize.cleanup"));
+    EXPECT_EQ(focused(), u"optimize.cleanup"_s);
 }
 
 TEST_F(WorkspaceBarTest, AChosenStepIsInViewOnAPageThatWasScrolled) {
@@ -201,10 +203,10 @@ TEST_F(WorkspaceBarTest, TheRingFollowsTheArrowKeysAndNoClick) {
     };
     tab("optimize.cleanup")->setFocus(Qt::MouseFocusReason);
     press(Qt::Key_Right);
-    ASSERT_EQ(focused(), QStringLiteral("optimize.ai-advisor"));
+    ASSERT_EQ(focused(), u"optimize.ai-advisor"_s);
     EXPECT_TRUE(isRinged(*tab("optimize.ai-advisor")));
     click("optimize.ask-ai");
-    ASSERT_EQ(focused(), QStringLiteral("optimize.ask-ai"));
+    ASSERT_EQ(focused(), u"optimize.ask-ai"_s);
     EXPECT_FALSE(isRinged(*tab("optimize.ask-ai")));
 }
 
@@ -213,7 +215,7 @@ TEST_F(WorkspaceBarTest, AnotherWayToTheRouteLeavesTheKeyboardWhereItIs) {
     goTo(AppRoute::optimize);
     visible("page.refresh")->setFocus(Qt::TabFocusReason);
     goTo(AppRoute::chat);
-    EXPECT_EQ(focused(), QStringLiteral("page.refresh"));
+    EXPECT_EQ(focused(), u"page.refresh"_s);
 }
 
 TEST_F(WorkspaceBarTest, OneTabStopLeadsToTheSelectedStep) {
@@ -234,7 +236,7 @@ TEST_F(WorkspaceBarTest, AssistiveTechnologySeesTabsOfWhichOneIsSelected) {
     QAccessibleInterface* bar =
         QAccessible::queryAccessibleInterface(visible("optimize.workspace"));
     EXPECT_EQ(bar->role(), QAccessible::Grouping);
-    EXPECT_EQ(bar->text(QAccessible::Name), QStringLiteral("Optimize Workspace"));
+    EXPECT_EQ(bar->text(QAccessible::Name), u"Optimize Workspace"_s);
     QAccessibleInterface* list =
         QAccessible::queryAccessibleInterface(tab("optimize.cleanup")->parentWidget());
     EXPECT_EQ(list->role(), QAccessible::PageTabList);
@@ -246,7 +248,7 @@ TEST_F(WorkspaceBarTest, AssistiveTechnologySeesTabsOfWhichOneIsSelected) {
         EXPECT_EQ(each->state().selected, place == 1);
         EXPECT_FALSE(each->text(QAccessible::Description).isEmpty());
     }
-    EXPECT_EQ(list->child(2)->text(QAccessible::Name), QStringLiteral("AI Advisor"));
+    EXPECT_EQ(list->child(2)->text(QAccessible::Name), u"AI Advisor"_s);
     list->child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     settle();
     EXPECT_EQ(route(), AppRoute::aiAdvisor);

@@ -9,6 +9,8 @@
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 
 /// The window over a machine whose recommendations and insights a test sets.
@@ -46,8 +48,7 @@ protected:
         for (const SummaryCard* card : visible(identifier)->findChildren<SummaryCard*>()) {
             if (card->isVisible()) {
                 found.push_back(
-                    (card->accessibleName() + QStringLiteral(": ") + card->accessibleValue())
-                        .toStdString());
+                    (card->accessibleName() + u": "_s + card->accessibleValue()).toStdString());
             }
         }
         return found;

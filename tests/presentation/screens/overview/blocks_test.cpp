@@ -8,6 +8,8 @@
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/screens/overview/blocks_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -23,17 +25,14 @@ TEST_F(OverviewBlocksTest, DiskAutopilotShowsTheHomeVolumeAndItsStatus) {
     machine.metrics->disk = {200.0, 50.0};
     show();
     const auto* space = visible("overview.disk-autopilot")->findChild<BarList*>();
-    EXPECT_EQ(space->accessibleValue(), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(space->accessibleValue(), u"Sampling this Mac..."_s);
     machine.finishSamples();
     settle();
-    EXPECT_EQ(
-        space->rows(),
-        (std::vector<BarRow>{{QStringLiteral("50.0 GB free"), QStringLiteral("75% used"), 0.75}}));
-    EXPECT_EQ(textOf("overview.disk-autopilot-status"), QStringLiteral("Disk Autopilot is off."));
+    EXPECT_EQ(space->rows(), (std::vector<BarRow>{{u"50.0 GB free"_s, u"75% used"_s, 0.75}}));
+    EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
     machine.metrics->disk = {};
     tick();
-    EXPECT_EQ(space->accessibleValue(),
-              QStringLiteral("The size of the home volume could not be read."));
+    EXPECT_EQ(space->accessibleValue(), u"The size of the home volume could not be read."_s);
 }
 
 TEST_F(OverviewBlocksTest, LowDiskSpaceIsToldByWordIconAndColour) {
@@ -52,13 +51,13 @@ TEST_F(OverviewBlocksTest, LowDiskSpaceIsToldByWordIconAndColour) {
     EXPECT_EQ(barColor(), CrestTheme::current().secondaryText);
     machine.metrics->disk.freeGB = 20.0;
     tick();
-    EXPECT_EQ(textOf("overview.disk-autopilot-low"), QStringLiteral("Low"));
+    EXPECT_EQ(textOf("overview.disk-autopilot-low"), u"Low"_s);
     EXPECT_EQ(barColor(), CrestTheme::current().caution);
     EXPECT_EQ(heightOf("overview.disk-autopilot"), height);
     const auto* header = visible<SectionHeader>("section.autoRules");
     EXPECT_EQ(header->note(), QString());
     click("section.autoRules");
-    EXPECT_EQ(header->note(), QStringLiteral("Low"));
+    EXPECT_EQ(header->note(), u"Low"_s);
     machine.metrics->disk.freeGB = 100.0;
     tick();
     EXPECT_EQ(header->note(), QString());

@@ -5,22 +5,24 @@
 #include <QLocale>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
 TEST(DiskSpace, IsToldInWordsAndAsAShare) {
     const auto texts = diskSpaceTexts({200.0, 50.0});
     ASSERT_TRUE(texts.has_value());
-    EXPECT_EQ(texts->free, QStringLiteral("50.0 GB free"));
-    EXPECT_EQ(texts->used, QStringLiteral("75% used"));
+    EXPECT_EQ(texts->free, u"50.0 GB free"_s);
+    EXPECT_EQ(texts->used, u"75% used"_s);
     EXPECT_EQ(texts->fraction, 0.75);
 }
 
 TEST(DiskSpace, AFullVolumeIsNotAnUnknownOne) {
     const auto texts = diskSpaceTexts({200.0, 0.0});
     ASSERT_TRUE(texts.has_value());
-    EXPECT_EQ(texts->free, QStringLiteral("0.0 GB free"));
-    EXPECT_EQ(texts->used, QStringLiteral("100% used"));
+    EXPECT_EQ(texts->free, u"0.0 GB free"_s);
+    EXPECT_EQ(texts->used, u"100% used"_s);
 }
 
 TEST(DiskSpace, AVolumeOfUnknownSizeTellsNothing) {
@@ -49,19 +51,17 @@ TEST(DiskSpace, IsLowAtOrUnderTheOwnersMinimum) {
 TEST(DiskSpace, TheRuleIsTheOwners) {
     QLocale::setDefault(QLocale::c());
     Settings settings;
-    EXPECT_EQ(
-        diskRule(settings, "~/.cache"),
-        QStringLiteral("Only regular files older than 30 days inside ~/.cache are eligible. Each "
-                       "run is capped at 2.0 GB and moves files to Trash. Automatic runs also "
-                       "require low free space, Autopilot mode, and established disk-cleanup "
-                       "trust."));
+    EXPECT_EQ(diskRule(settings, "~/.cache"),
+              u"Only regular files older than 30 days inside ~/.cache are eligible. Each "
+              "run is capped at 2.0 GB and moves files to Trash. Automatic runs also "
+              "require low free space, Autopilot mode, and established disk-cleanup "
+              "trust."_s);
     settings.diskCleanupAgeDays = 7.0;
     settings.diskMaxCleanupGB = 0.5;
-    EXPECT_TRUE(
-        diskRule(settings, "~/Library/Caches")
-            .startsWith(QStringLiteral("Only regular files older than 7 days inside "
-                                       "~/Library/Caches are eligible. Each run is capped at "
-                                       "0.5 GB ")));
+    EXPECT_TRUE(diskRule(settings, "~/Library/Caches")
+                    .startsWith(u"Only regular files older than 7 days inside "
+                                "~/Library/Caches are eligible. Each run is capped at "
+                                "0.5 GB "_s));
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -57,20 +59,18 @@ protected:
 
 TEST_F(OverviewPageTest, SaysThatItSamplesUntilTheFirstSample) {
     show();
-    EXPECT_EQ(named<GaugeCard>("CPU Load").accessibleValue(),
-              QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(named<GaugeCard>("CPU Load").accessibleValue(), u"Sampling this Mac..."_s);
     EXPECT_EQ(named<GaugeCard>("CPU Load").accessiblePercent(), std::nullopt);
     EXPECT_THAT(texts(), Not(Contains(HasSubstr("0%"))));
-    EXPECT_TRUE(named<GaugeCard>("Memory Pressure")
-                    .accessibleValue()
-                    .endsWith(QStringLiteral("Sampling this Mac...")));
+    EXPECT_TRUE(
+        named<GaugeCard>("Memory Pressure").accessibleValue().endsWith(u"Sampling this Mac..."_s));
     EXPECT_TRUE(named<MetricCard>("Free / Reclaimable")
                     .accessibleValue()
-                    .endsWith(QStringLiteral("Sampling this Mac...")));
+                    .endsWith(u"Sampling this Mac..."_s));
     EXPECT_THAT(texts(), Contains("Current session · last 0 seconds · updates every 4 seconds"));
     EXPECT_THAT(texts(), Contains("Collecting app impact samples…"));
     EXPECT_EQ(named<BarList>("Resident memory by app group").accessibleValue(),
-              QStringLiteral("Sampling apps…"));
+              u"Sampling apps…"_s);
     for (const StableLineGraph* graph : window().findChildren<StableLineGraph*>()) {
         EXPECT_EQ(graph->accessibleValue(), QString()) << "without history the graph is blank";
     }
@@ -80,12 +80,12 @@ TEST_F(OverviewPageTest, GaugesShowTheSample) {
     showWithSample();
     const GaugeCard& cpu = named<GaugeCard>("CPU Load");
     EXPECT_EQ(cpu.value(), 40.0);
-    EXPECT_EQ(cpu.accessibleValue(), QStringLiteral("40%, Normal, 40% normalized across cores"));
+    EXPECT_EQ(cpu.accessibleValue(), u"40%, Normal, 40% normalized across cores"_s);
     const GaugeCard& memory = named<GaugeCard>("Memory Pressure");
     EXPECT_EQ(memory.value(), 59.4);
-    EXPECT_EQ(memory.accessibleValue(), QStringLiteral("59%, Normal, 9.5 GB used of 16.0 GB"));
+    EXPECT_EQ(memory.accessibleValue(), u"59%, Normal, 9.5 GB used of 16.0 GB"_s);
     EXPECT_EQ(named<MetricCard>("Free / Reclaimable").accessibleValue(),
-              QStringLiteral("6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB"));
+              u"6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB"_s);
 }
 
 TEST_F(OverviewPageTest, GaugesAreToldFromOutsideAsOnePart) {
@@ -106,24 +106,24 @@ TEST_F(OverviewPageTest, TimelineGivesNowPeakAverageAndThreshold) {
     machine.metrics->processes[0].cpu = 50.0;
     machine.metrics->memory.pressure = 44.6;
     tick();
-    EXPECT_EQ(figureBelow("CPU now"), QStringLiteral("20%"));
-    EXPECT_EQ(figureBelow("Memory now"), QStringLiteral("45%"));
-    EXPECT_EQ(figureBelow("CPU peak"), QStringLiteral("70%"));
-    EXPECT_EQ(figureBelow("Memory peak"), QStringLiteral("59%"));
+    EXPECT_EQ(figureBelow("CPU now"), u"20%"_s);
+    EXPECT_EQ(figureBelow("Memory now"), u"45%"_s);
+    EXPECT_EQ(figureBelow("CPU peak"), u"70%"_s);
+    EXPECT_EQ(figureBelow("Memory peak"), u"59%"_s);
     EXPECT_THAT(texts(), Contains("Avg 43% · Warn 82%"));
     EXPECT_THAT(texts(), Contains("Current session · last 12 seconds · updates every 4 seconds"));
     EXPECT_EQ(window().findChild<StableLineGraph*>()->accessibleValue(),
-              QStringLiteral("CPU 20 percent, Memory 45 percent"));
+              u"CPU 20 percent, Memory 45 percent"_s);
 }
 
 TEST_F(OverviewPageTest, TopAppMemoryListsTheLargestGroups) {
     showWithSample();
     const BarList& bars = named<BarList>("Resident memory by app group");
     ASSERT_THAT(bars.rows(), SizeIs(2));
-    EXPECT_EQ(bars.rows()[0].label, QStringLiteral("photo-indexer"));
-    EXPECT_EQ(bars.rows()[0].valueText, QStringLiteral("2.0 GB"));
+    EXPECT_EQ(bars.rows()[0].label, u"photo-indexer"_s);
+    EXPECT_EQ(bars.rows()[0].valueText, u"2.0 GB"_s);
     EXPECT_EQ(bars.rows()[0].fraction, 1.0);
-    EXPECT_EQ(bars.rows()[1].label, QStringLiteral("editor"));
+    EXPECT_EQ(bars.rows()[1].label, u"editor"_s);
     EXPECT_EQ(bars.rows()[1].fraction, 0.5);
     EXPECT_THAT(texts(), Contains("Largest app groups by resident memory right now"));
     EXPECT_THAT(texts(), Not(Contains("Collecting app impact samples…")));
@@ -138,7 +138,7 @@ TEST_F(OverviewPageTest, TopAppMemoryHasABarForEveryGroup) {
     const BarList& bars = named<BarList>("Resident memory by app group");
     // Twelve, the photo indexer and the editor; the service manager is too small for a group.
     ASSERT_THAT(bars.rows(), SizeIs(14));
-    EXPECT_EQ(bars.rows()[0].label, QStringLiteral("app-11"));
+    EXPECT_EQ(bars.rows()[0].label, u"app-11"_s);
 }
 
 TEST_F(OverviewPageTest, ASampleWithoutGroupsSaysThatItCollects) {
@@ -154,9 +154,9 @@ TEST_F(OverviewPageTest, FiguresThatCannotBeReadAreZeroAndNotNonsense) {
     machine.metrics->memory = {};
     showWithSample();
     EXPECT_EQ(named<GaugeCard>("CPU Load").accessibleValue(),
-              QStringLiteral("0%, Normal, 0% normalized across cores"));
+              u"0%, Normal, 0% normalized across cores"_s);
     EXPECT_EQ(named<GaugeCard>("Memory Pressure").accessibleValue(),
-              QStringLiteral("0%, Normal, 0.0 GB used of 0.0 GB"));
+              u"0%, Normal, 0.0 GB used of 0.0 GB"_s);
 }
 
 /// Counts the layouts that any widget asks for.
@@ -190,8 +190,8 @@ TEST_F(OverviewPageTest, NewFiguresOfAsManyDigitsLayNothingOutAnew) {
     }
     EXPECT_EQ(layouts.count, 0);
     window()
-        .findChild<ElidedLabel*>(QStringLiteral("status.last-action"))
-        ->setText(QStringLiteral("An outcome of other words"));
+        .findChild<ElidedLabel*>(u"status.last-action"_s)
+        ->setText(u"An outcome of other words"_s);
     settle();
     EXPECT_GT(layouts.count, 0) << "the count is alive";
 }

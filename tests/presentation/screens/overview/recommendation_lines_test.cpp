@@ -4,6 +4,8 @@
 
 #include "presentation/widgets/icon.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -67,8 +69,8 @@ TEST(RecommendationLines, TextsAreTakenAsUTF8) {
     const auto lines = recommendationLines(
         {{UUID::random(), "Größe", "“Other”", Severity::info, std::nullopt}}, {});
     ASSERT_THAT(lines, SizeIs(1));
-    EXPECT_EQ(lines[0].title, QStringLiteral("Größe"));
-    EXPECT_EQ(lines[0].detail, QStringLiteral("“Other”"));
+    EXPECT_EQ(lines[0].title, u"Größe"_s);
+    EXPECT_EQ(lines[0].detail, u"“Other”"_s);
 }
 
 TEST(RecommendationLines, TheNoteGivesTheFirstAndCountsTheOthers) {

@@ -4,6 +4,8 @@
 #include "presentation/screens/overview/recommendation_row.h"
 #include "tests/presentation/screens/overview/blocks_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -118,11 +120,11 @@ TEST_F(OverviewBlocksTest, ClosedRecommendationsStillTellWhatMattersMost) {
     const auto* header = visible<SectionHeader>("section.recommendations");
     EXPECT_EQ(header->note(), QString());
     click("section.recommendations");
-    EXPECT_EQ(header->note(), QStringLiteral("Urgent · Full · 1 more"));
+    EXPECT_EQ(header->note(), u"Urgent · Full · 1 more"_s);
     EXPECT_TRUE(header->accessibleDescription().startsWith(header->note()));
     recommendations = {recommend("Fine", Severity::info)};
     tick();
-    EXPECT_EQ(header->note(), QStringLiteral("Info · Fine"));
+    EXPECT_EQ(header->note(), u"Info · Fine"_s);
 }
 
 TEST_F(OverviewBlocksTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinute) {

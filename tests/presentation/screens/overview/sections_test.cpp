@@ -13,6 +13,8 @@
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -120,7 +122,7 @@ TEST_F(OverviewSectionsTest, AnotherWindowOverTheSameStoreStartsAsTheFirstWasLef
     DashboardWindow second(machine.monitor(), machine.mainQueue);
     second.show();
     settle();
-    const auto* timeline = second.findChild<OverviewBlock*>(QStringLiteral("overview.timeline"));
+    const auto* timeline = second.findChild<OverviewBlock*>(u"overview.timeline"_s);
     ASSERT_NE(timeline, nullptr);
     EXPECT_TRUE(timeline->isCollapsed());
 }
@@ -140,17 +142,17 @@ TEST_F(OverviewSectionsTest, AClosedSectionDoesNoWorkAndCatchesUpWhenItOpens) {
     showWithSample();
     click("section.gauges");
     click("section.appImpact");
-    const auto* cpu = window().findChild<GaugeCard*>(QStringLiteral("overview.cpu-load"));
+    const auto* cpu = window().findChild<GaugeCard*>(u"overview.cpu-load"_s);
     const auto* bars = window().findChild<BarList*>();
     machine.metrics->processes[0].cpu = 250.0;
     machine.addProcess(900, "/usr/bin/newcomer", 5.0, 4096.0);
     tick();
     EXPECT_EQ(cpu->value(), 40.0);
-    EXPECT_EQ(bars->rows().front().label, QStringLiteral("photo-indexer"));
+    EXPECT_EQ(bars->rows().front().label, u"photo-indexer"_s);
     click("section.gauges");
     click("section.appImpact");
     EXPECT_GT(cpu->value(), 60.0);
-    EXPECT_EQ(bars->rows().front().label, QStringLiteral("newcomer"));
+    EXPECT_EQ(bars->rows().front().label, u"newcomer"_s);
 }
 
 TEST_F(OverviewSectionsTest, WithAllClosedASamplePaintsOnlyWhatShows) {
@@ -185,11 +187,9 @@ TEST_F(OverviewSectionsTest, AClosedTimelineKeepsItsCaption) {
     tick();
     bool isThere = false;
     for (const ElidedLabel* label : visible("overview.timeline")->findChildren<ElidedLabel*>()) {
-        isThere =
-            isThere ||
-            (label->isVisible() &&
-             label->text() ==
-                 QStringLiteral("Current session · last 8 seconds · updates every 4 seconds"));
+        isThere = isThere || (label->isVisible() &&
+                              label->text() ==
+                                  u"Current session · last 8 seconds · updates every 4 seconds"_s);
     }
     EXPECT_TRUE(isThere);
 }

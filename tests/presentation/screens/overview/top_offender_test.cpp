@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -19,7 +21,7 @@ std::optional<SystemSnapshot> sample(double cpu, double pressure,
 }
 
 TEST(TopOffender, NothingCanBeToldWithoutASampleOfGroups) {
-    const TopOffender expected{State::unknown, QStringLiteral("No top offender yet"), {}};
+    const TopOffender expected{State::unknown, u"No top offender yet"_s, {}};
     EXPECT_EQ(topOffender(std::nullopt, 82.0), expected);
     EXPECT_EQ(topOffender(sample(10.0, 10.0, {}), 82.0), expected);
     EXPECT_EQ(topOffender(sample(99.0, 99.0, {}), 82.0), expected);
@@ -27,9 +29,9 @@ TEST(TopOffender, NothingCanBeToldWithoutASampleOfGroups) {
 
 TEST(TopOffender, LoadUnderTheThresholdIsStable) {
     const TopOffender expected{
-        State::stable, QStringLiteral("System Looks Stable"),
-        QStringLiteral("CPU and memory pressure are below your warning threshold. Keep monitoring "
-                       "or run an on-device second opinion.")};
+        State::stable, u"System Looks Stable"_s,
+        u"CPU and memory pressure are below your warning threshold. Keep monitoring "
+        "or run an on-device second opinion."_s};
     EXPECT_EQ(topOffender(sample(0.0, 0.0), 82.0), expected);
     EXPECT_EQ(topOffender(sample(81.9, 81.9), 82.0), expected);
 }
@@ -38,8 +40,8 @@ TEST(TopOffender, EitherLoadAtTheThresholdNamesTheTopApp) {
     const TopOffender expected{
         State::offender,
         {},
-        QStringLiteral("editor is the most useful place to start. Review the Optimize workspace "
-                       "before quitting or purging anything.")};
+        u"editor is the most useful place to start. Review the Optimize workspace "
+        "before quitting or purging anything."_s};
     EXPECT_EQ(topOffender(sample(82.0, 10.0), 82.0), expected);
     EXPECT_EQ(topOffender(sample(10.0, 82.0), 82.0), expected);
     EXPECT_EQ(topOffender(sample(100.0, 100.0), 65.0), expected);
@@ -48,8 +50,8 @@ TEST(TopOffender, EitherLoadAtTheThresholdNamesTheTopApp) {
 TEST(RemoteAlerts, ShowOnlyWhenThereAreSome) {
     EXPECT_EQ(remoteAlerts(0), QString());
     EXPECT_EQ(remoteAlerts(-1), QString());
-    EXPECT_EQ(remoteAlerts(1), QStringLiteral("1 Remote Alerts"));
-    EXPECT_EQ(remoteAlerts(3), QStringLiteral("3 Remote Alerts"));
+    EXPECT_EQ(remoteAlerts(1), u"1 Remote Alerts"_s);
+    EXPECT_EQ(remoteAlerts(3), u"3 Remote Alerts"_s);
 }
 
 }  // namespace

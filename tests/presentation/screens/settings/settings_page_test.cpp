@@ -6,6 +6,8 @@
 #include "presentation/shell/menu_bar_entries.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -19,22 +21,20 @@ protected:
 
 TEST_F(SettingsPageTest, TheHubWordForWord) {
     showPage();
-    EXPECT_EQ(visible("settings.hub")->accessibleName(), QStringLiteral("Configuration Hub"));
+    EXPECT_EQ(visible("settings.hub")->accessibleName(), u"Configuration Hub"_s);
     EXPECT_EQ(textOf("settings.hub.words"),
-              QStringLiteral("Most configuration still lives in the native Settings sheet so it "
-                             "can also be opened from Tallowcrest > Settings."));
-    EXPECT_EQ(visible<QPushButton>("settings.open")->text(), QStringLiteral("Open Settings"));
-    EXPECT_EQ(textOf("settings.hub.auto-select.title"),
-              QStringLiteral("Auto-select safest top offender"));
-    EXPECT_EQ(textOf("settings.hub.auto-purge.title"),
-              QStringLiteral("Auto-purge after sustained high memory"));
-    EXPECT_EQ(textOf("settings.hub.auto-scan.title"), QStringLiteral("Auto-scan Tailscale Macs"));
+              u"Most configuration still lives in the native Settings sheet so it "
+              "can also be opened from Tallowcrest > Settings."_s);
+    EXPECT_EQ(visible<QPushButton>("settings.open")->text(), u"Open Settings"_s);
+    EXPECT_EQ(textOf("settings.hub.auto-select.title"), u"Auto-select safest top offender"_s);
+    EXPECT_EQ(textOf("settings.hub.auto-purge.title"), u"Auto-purge after sustained high memory"_s);
+    EXPECT_EQ(textOf("settings.hub.auto-scan.title"), u"Auto-scan Tailscale Macs"_s);
 }
 
 TEST_F(SettingsPageTest, SaysThatItSamplesUntilTheFirstSample) {
     navigation().setSelectedRoute(AppRoute::settings);
     show();
-    EXPECT_EQ(textOf("settings.hub.words"), QStringLiteral("Sampling this Mac..."));
+    EXPECT_EQ(textOf("settings.hub.words"), u"Sampling this Mac..."_s);
 }
 
 TEST_F(SettingsPageTest, BothButtonsOpenTheSheet) {
@@ -45,8 +45,7 @@ TEST_F(SettingsPageTest, BothButtonsOpenTheSheet) {
         click("settings.sheet.done");
         EXPECT_FALSE(isOpen());
     }
-    EXPECT_EQ(visible<QPushButton>("settings.open-sheet")->text(),
-              QStringLiteral("Open Settings Sheet"));
+    EXPECT_EQ(visible<QPushButton>("settings.open-sheet")->text(), u"Open Settings Sheet"_s);
 }
 
 TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
@@ -62,7 +61,7 @@ TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
 
 TEST_F(SettingsPageTest, TheStatusItemsEntryBringsTheWindowWithTheSheet) {
     for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
-        if (entry.title() == QStringLiteral("Settings")) {
+        if (entry.title() == u"Settings"_s) {
             entry.run();
         }
     }

@@ -5,6 +5,8 @@
 #include "presentation/shell/settings/safety_tab.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -77,9 +79,9 @@ TEST_F(SafetyKeysTest, TheNamesComeBehindTheStopAndBeforeDone) {
         press(Qt::Key_Tab);
         order.append(QApplication::focusWidget()->objectName());
     }
-    EXPECT_EQ(order.mid(0, 2), QStringList({QStringLiteral("settings.never-quit.remove.Docker"),
-                                            QStringLiteral("settings.never-quit.remove.Mail")}));
-    EXPECT_FALSE(order.last().startsWith(QStringLiteral("settings.never-quit")));
+    EXPECT_EQ(order.mid(0, 2), QStringList({u"settings.never-quit.remove.Docker"_s,
+                                            u"settings.never-quit.remove.Mail"_s}));
+    EXPECT_FALSE(order.last().startsWith(u"settings.never-quit"_s));
 }
 
 }  // namespace

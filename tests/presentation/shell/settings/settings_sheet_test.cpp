@@ -13,6 +13,8 @@
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -34,17 +36,17 @@ protected:
 
 TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
     openSheet("Automation");
-    EXPECT_EQ(textOf("settings.sheet.title"), QStringLiteral("Settings"));
+    EXPECT_EQ(textOf("settings.sheet.title"), u"Settings"_s);
     EXPECT_EQ(textOf("settings.sheet.line"),
-              QStringLiteral("Configuration stays here; dashboard actions stay up front."));
-    EXPECT_EQ(visible<QPushButton>("settings.sheet.done")->text(), QStringLiteral("Done"));
+              u"Configuration stays here; dashboard actions stay up front."_s);
+    EXPECT_EQ(visible<QPushButton>("settings.sheet.done")->text(), u"Done"_s);
     QStringList words;
     for (const StripTab* tab : strip().tabs()) {
         words.append(tab->text());
     }
-    EXPECT_EQ(words.join(u'|'), QStringLiteral("Remote|Local Mac|Automation|Safety"));
+    EXPECT_EQ(words.join(u'|'), u"Remote|Local Mac|Automation|Safety"_s);
     EXPECT_EQ(sheet().windowModality(), Qt::WindowModal);
-    EXPECT_EQ(sheet().accessibleName(), QStringLiteral("Settings"));
+    EXPECT_EQ(sheet().accessibleName(), u"Settings"_s);
 }
 
 TEST_F(SettingsSheetTest, IsThereWhileTheNavigationSaysSo) {
@@ -73,9 +75,9 @@ TEST_F(SettingsSheetTest, DoneEscapeAndItsFrameCloseIt) {
 
 TEST_F(SettingsSheetTest, TheMenuAndItsKeysOpenIt) {
     showWithSample();
-    auto* entry = window().findChild<QAction*>(QStringLiteral("menu.settings"));
+    auto* entry = window().findChild<QAction*>(u"menu.settings"_s);
     ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->text(), QStringLiteral("Settings..."));
+    EXPECT_EQ(entry->text(), u"Settings..."_s);
     EXPECT_EQ(entry->menuRole(), QAction::PreferencesRole);
     press(Qt::Key_Comma, Qt::ControlModifier);
     EXPECT_TRUE(isOpen());
@@ -130,7 +132,7 @@ TEST_F(SettingsSheetTest, WaitsUntilAQuestionIsAnswered) {
 
 TEST_F(SettingsSheetTest, TheTabIsTheNavigations) {
     openSheet("Safety");
-    EXPECT_EQ(currentTab().text(), QStringLiteral("Safety"));
+    EXPECT_EQ(currentTab().text(), u"Safety"_s);
     strip().setFocus();
     press(Qt::Key_Left);
     EXPECT_EQ(navigation().settingsTab(), "Automation");
@@ -158,19 +160,19 @@ TEST_F(SettingsSheetTest, ARefusalIsReadInTheSheet) {
     openSheet("Automation");
     click("settings.auto-purge");
     EXPECT_EQ(textOf("settings.sheet.last-action"),
-              QStringLiteral("Auto-purge remains off while Emergency Stop is engaged."));
+              u"Auto-purge remains off while Emergency Stop is engaged."_s);
 }
 
 TEST_F(SettingsSheetTest, HiddenItDoesNoWork) {
     openSheet("Automation");
     click("settings.sheet.done");
-    auto* label = sheet().findChild<ElidedLabel*>(QStringLiteral("settings.sheet.last-action"));
+    auto* label = sheet().findChild<ElidedLabel*>(u"settings.sheet.last-action"_s);
     const QString before = label->text();
     machine.monitor().log().recordMessage("Something else happened.");
     settle();
     EXPECT_EQ(label->text(), before);
     openSheet("Automation");
-    EXPECT_EQ(label->text(), QStringLiteral("Something else happened."));
+    EXPECT_EQ(label->text(), u"Something else happened."_s);
 }
 
 // The keyboard -----------------------------------------------------------------------------------
@@ -179,31 +181,29 @@ TEST_F(SettingsSheetTest, TabGoesThroughEachTabAsTheEyeDoes) {
     openSheet("Remote");
     EXPECT_EQ(QApplication::focusWidget(), &currentTab());
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.tab.remote settings.ssh-user settings.sheet.done"));
+              u"settings.tab.remote settings.ssh-user settings.sheet.done"_s);
     openSheet("Local Mac");
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.tab.local-mac settings.notification-actions "
-                             "settings.expand-sections settings.collapse-sections "
-                             "settings.sheet.done"));
+              u"settings.tab.local-mac settings.notification-actions "
+              "settings.expand-sections settings.collapse-sections "
+              "settings.sheet.done"_s);
     openSheet("Automation");
-    EXPECT_EQ(
-        focusOrder().join(u' '),
-        QStringLiteral(
-            "settings.tab.automation settings.warning-threshold "
-            "settings.auto-select settings.auto-purge settings.auto-scan settings.disk-autopilot "
-            "settings.disk-minimum-free settings.disk-cache-age "
-            "settings.disk-maximum settings.sheet.done"));
+    EXPECT_EQ(focusOrder().join(u' '),
+              u"settings.tab.automation settings.warning-threshold "
+              "settings.auto-select settings.auto-purge settings.auto-scan settings.disk-autopilot "
+              "settings.disk-minimum-free settings.disk-cache-age "
+              "settings.disk-maximum settings.sheet.done"_s);
     openSheet("Safety");
     EXPECT_EQ(focusOrder().join(u' '),
-              QStringLiteral("settings.tab.safety settings.emergency-stop.engage "
-                             "settings.sheet.done"));
+              u"settings.tab.safety settings.emergency-stop.engage "
+              "settings.sheet.done"_s);
 }
 
 TEST_F(SettingsSheetTest, AssistiveTechnologySeesItsTabsAndWhatTheyAreFor) {
     openSheet("Automation");
     QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&strip());
     EXPECT_EQ(list->role(), QAccessible::PageTabList);
-    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Settings"));
+    EXPECT_EQ(list->text(QAccessible::Name), u"Settings"_s);
     EXPECT_FALSE(list->text(QAccessible::Description).isEmpty());
     ASSERT_EQ(list->childCount(), 4);
     for (int place = 0; place < 4; ++place) {
@@ -286,7 +286,7 @@ TEST_F(SettingsSheetTest, TheKeyboardBringsItsControlIntoView) {
     strip().setFocus();
     do {
         press(Qt::Key_Tab);
-    } while (QApplication::focusWidget()->objectName() != QStringLiteral("settings.disk-maximum"));
+    } while (QApplication::focusWidget()->objectName() != u"settings.disk-maximum"_s);
     const QWidget* slider = QApplication::focusWidget();
     EXPECT_FALSE(slider->visibleRegion().isEmpty());
     EXPECT_EQ(slider->visibleRegion().boundingRect().height(), slider->height());
@@ -327,7 +327,7 @@ TEST_F(SettingsSheetTest, NothingIsCutAtAnyWindowsSize) {
             EXPECT_LE(sheet().height(), size.height());
             for (const QWidget* each : sheet().findChildren<QWidget*>()) {
                 const bool isScrolled =
-                    each->parentWidget()->objectName() == QStringLiteral("qt_scrollarea_viewport");
+                    each->parentWidget()->objectName() == u"qt_scrollarea_viewport"_s;
                 if (!each->isVisible() || each->inherits("QScrollBar")) {
                     continue;
                 }
@@ -339,7 +339,7 @@ TEST_F(SettingsSheetTest, NothingIsCutAtAnyWindowsSize) {
                     << each->metaObject()->className() << ' ' << each->objectName().toStdString();
                 const auto* label = qobject_cast<const ElidedLabel*>(each);
                 if (label != nullptr && !label->text().isEmpty() &&
-                    !label->text().contains(QStringLiteral("WWWW"))) {
+                    !label->text().contains(u"WWWW"_s)) {
                     EXPECT_FALSE(label->shownLines().join(u' ').contains(u'…'))
                         << label->text().toStdString();
                 }

@@ -8,6 +8,8 @@
 #include "presentation/widgets/toggle_switch.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -45,18 +47,18 @@ protected:
 
 TEST_F(SettingsTabsTest, RemoteShowsTheUserAndTheKey) {
     openSheet("Remote");
-    EXPECT_EQ(headings().join(u'|'), QStringLiteral("Remote Access"));
-    EXPECT_EQ(user().text(), QStringLiteral("owner"));
-    EXPECT_EQ(user().placeholderText(), QStringLiteral("remote username"));
-    EXPECT_EQ(user().accessibleName(), QStringLiteral("SSH User"));
+    EXPECT_EQ(headings().join(u'|'), u"Remote Access"_s);
+    EXPECT_EQ(user().text(), u"owner"_s);
+    EXPECT_EQ(user().placeholderText(), u"remote username"_s);
+    EXPECT_EQ(user().accessibleName(), u"SSH User"_s);
     EXPECT_EQ(textOf("settings.public-key-status"),
-              QStringLiteral("No local SSH public key found. Generate one with ssh-keygen."));
+              u"No local SSH public key found. Generate one with ssh-keygen."_s);
 }
 
 TEST_F(SettingsTabsTest, RemoteShowsAFoundKey) {
     machine.extensions.hasLocalPublicKey = [] { return true; };
     openSheet("Remote");
-    EXPECT_EQ(textOf("settings.public-key-status"), QStringLiteral("Local SSH public key found."));
+    EXPECT_EQ(textOf("settings.public-key-status"), u"Local SSH public key found."_s);
 }
 
 TEST_F(SettingsTabsTest, AUserIsStoredTrimmedAndSilently) {
@@ -68,7 +70,7 @@ TEST_F(SettingsTabsTest, AUserIsStoredTrimmedAndSilently) {
     EXPECT_TRUE(isOpen()) << "Return ends the entry and not the sheet";
     EXPECT_EQ(settings().sshUsername, "build.bot-2");
     EXPECT_EQ(stored(settings_keys::sshUsernameKey), SettingsValue(std::string("build.bot-2")));
-    EXPECT_EQ(user().text(), QStringLiteral("build.bot-2"));
+    EXPECT_EQ(user().text(), u"build.bot-2"_s);
     EXPECT_EQ(lastAction(), before);
 }
 
@@ -88,12 +90,12 @@ TEST_F(SettingsTabsTest, AUserThatTrimsToNothingIsStoredAsNone) {
     press(Qt::Key_Return);
     EXPECT_EQ(settings().sshUsername, "");
     EXPECT_EQ(stored(settings_keys::sshUsernameKey), SettingsValue(std::string()));
-    EXPECT_EQ(textOf("settings.ssh-user.refusal"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(textOf("settings.ssh-user.refusal"), u"(not shown)"_s);
 }
 
 TEST_F(SettingsTabsTest, AnInvalidUserIsRefusedInPlace) {
-    const QString refusal = QStringLiteral(
-        "SSH usernames may contain only letters, numbers, period, underscore, and hyphen.");
+    const QString refusal =
+        u"SSH usernames may contain only letters, numbers, period, underscore, and hyphen."_s;
     openSheet("Remote");
     type("two words");
     press(Qt::Key_Return);
@@ -101,43 +103,41 @@ TEST_F(SettingsTabsTest, AnInvalidUserIsRefusedInPlace) {
     EXPECT_EQ(textOf("settings.ssh-user.refusal"), refusal);
     EXPECT_EQ(textOf("settings.sheet.last-action"), refusal);
     EXPECT_EQ(user().accessibleDescription(), refusal);
-    EXPECT_EQ(user().text(), QStringLiteral("two words")) << "to be mended";
+    EXPECT_EQ(user().text(), u"two words"_s) << "to be mended";
     tick();
-    EXPECT_EQ(user().text(), QStringLiteral("two words")) << "a sample takes nothing away";
+    EXPECT_EQ(user().text(), u"two words"_s) << "a sample takes nothing away";
     const std::size_t events = machine.monitor().log().activityLog().size();
     press(Qt::Key_Tab);
     EXPECT_EQ(machine.monitor().log().activityLog().size(), events) << "once is enough";
     user().setFocus();
     QTest::keyClick(&user(), Qt::Key_Backspace);
     settle();
-    EXPECT_EQ(textOf("settings.ssh-user.refusal"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(textOf("settings.ssh-user.refusal"), u"(not shown)"_s);
     press(Qt::Key_Return);
     EXPECT_EQ(textOf("settings.ssh-user.refusal"), refusal);
     press(Qt::Key_Escape);
     openSheet("Remote");
-    EXPECT_EQ(user().text(), QStringLiteral("owner")) << "the field that counts";
-    EXPECT_EQ(textOf("settings.ssh-user.refusal"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(user().text(), u"owner"_s) << "the field that counts";
+    EXPECT_EQ(textOf("settings.ssh-user.refusal"), u"(not shown)"_s);
 }
 
 // Local Mac --------------------------------------------------------------------------------------
 
 TEST_F(SettingsTabsTest, LocalMacSetsNotificationsAndSections) {
     openSheet("Local Mac");
-    EXPECT_EQ(headings().join(u'|'), QStringLiteral("Startup And Layout"));
+    EXPECT_EQ(headings().join(u'|'), u"Startup And Layout"_s);
     EXPECT_EQ(textOf("settings.notification-actions.title"),
-              QStringLiteral("Show action buttons in warning notifications"));
+              u"Show action buttons in warning notifications"_s);
     ASSERT_TRUE(settings().notificationsIncludeActions);
     click("settings.notification-actions");
     EXPECT_FALSE(settings().notificationsIncludeActions);
     EXPECT_EQ(stored(settings_keys::notificationActionsKey), SettingsValue(false));
-    EXPECT_EQ(textOf("settings.sheet.last-action"),
-              QStringLiteral("Notification action buttons disabled."));
+    EXPECT_EQ(textOf("settings.sheet.last-action"), u"Notification action buttons disabled."_s);
     EXPECT_EQ(visible<QPushButton>("settings.collapse-sections")->text(),
-              QStringLiteral("Collapse All Sections"));
+              u"Collapse All Sections"_s);
     click("settings.collapse-sections");
     EXPECT_TRUE(machine.monitor().sections().isCollapsed(DashboardSection::autoRules));
-    EXPECT_EQ(visible<QPushButton>("settings.expand-sections")->text(),
-              QStringLiteral("Expand All Sections"));
+    EXPECT_EQ(visible<QPushButton>("settings.expand-sections")->text(), u"Expand All Sections"_s);
     click("settings.expand-sections");
     EXPECT_FALSE(machine.monitor().sections().isCollapsed(DashboardSection::autoRules));
     EXPECT_EQ(lastAction(), "Expanded all dashboard sections.");
@@ -147,20 +147,20 @@ TEST_F(SettingsTabsTest, LocalMacSetsNotificationsAndSections) {
 
 TEST_F(SettingsTabsTest, AutomationHasTheRulesAndDiskAutopilot) {
     openSheet("Automation");
-    EXPECT_EQ(headings().join(u'|'), QStringLiteral("Auto Rules|AI Disk Autopilot"));
+    EXPECT_EQ(headings().join(u'|'), u"Auto Rules|AI Disk Autopilot"_s);
     QStringList titles;
     for (const char* identifier : {"settings.auto-select.title", "settings.auto-purge.title",
                                    "settings.auto-scan.title", "settings.disk-autopilot.title"}) {
         titles.append(textOf(identifier));
     }
     EXPECT_EQ(titles.join(u'|'),
-              QStringLiteral("Auto-select safest top offender|Auto-purge after sustained high "
-                             "memory|Auto-scan Tailscale Macs|Enable Disk Autopilot"));
+              u"Auto-select safest top offender|Auto-purge after sustained high "
+              "memory|Auto-scan Tailscale Macs|Enable Disk Autopilot"_s);
     click("settings.disk-autopilot");
     EXPECT_TRUE(settings().diskAutopilotEnabled);
     EXPECT_EQ(stored(settings_keys::diskAutopilotKey), SettingsValue(true));
     EXPECT_EQ(textOf("settings.sheet.last-action"),
-              QStringLiteral("Disk Autopilot enabled in Apprentice mode."));
+              u"Disk Autopilot enabled in Apprentice mode."_s);
 }
 
 struct LimitCase {
@@ -181,33 +181,33 @@ TEST_F(SettingsTabsTest, EachLimitHasItsScaleAndStoresWhatItIsMovedTo) {
          settings_keys::thresholdKey,
          &Settings::warningThreshold,
          {65, 95, 1},
-         QStringLiteral("82%"),
+         u"82%"_s,
          70,
-         QStringLiteral("70%")},
+         u"70%"_s},
         {"settings.disk-minimum-free",
          "Act below",
          settings_keys::diskMinimumFreeKey,
          &Settings::diskMinimumFreeGB,
          {5, 100, 5},
-         QStringLiteral("20 GB free"),
+         u"20 GB free"_s,
          100,
-         QStringLiteral("100 GB free")},
+         u"100 GB free"_s},
         {"settings.disk-cache-age",
          "Minimum cache age",
          settings_keys::diskCleanupAgeKey,
          &Settings::diskCleanupAgeDays,
          {7, 90, 1},
-         QStringLiteral("30 days"),
+         u"30 days"_s,
          7,
-         QStringLiteral("7 days")},
+         u"7 days"_s},
         {"settings.disk-maximum",
          "Maximum per run",
          settings_keys::diskMaxCleanupKey,
          &Settings::diskMaxCleanupGB,
          {0.5, 10, 0.5},
-         QStringLiteral("2.0 GB"),
+         u"2.0 GB"_s,
          1.5,
-         QStringLiteral("1.5 GB")},
+         u"1.5 GB"_s},
     };
     openSheet("Automation");
     for (const LimitCase& each : cases) {
@@ -233,7 +233,7 @@ TEST_F(SettingsTabsTest, TheMaximumJumpsBackToTheCapOfARun) {
     moveTo("settings.disk-maximum", 10.0);
     EXPECT_EQ(settings().diskMaxCleanupGB, 2.0);
     EXPECT_EQ(stored(settings_keys::diskMaxCleanupKey), SettingsValue(2.0));
-    EXPECT_EQ(valueOf("settings.disk-maximum"), QStringLiteral("2.0 GB"));
+    EXPECT_EQ(valueOf("settings.disk-maximum"), u"2.0 GB"_s);
     const StepSlider& shown = slider("settings.disk-maximum");
     EXPECT_DOUBLE_EQ(shown.scale().valueAt(shown.value()), 2.0);
 }
@@ -242,8 +242,8 @@ TEST_F(SettingsTabsTest, ALimitThatLiesOffItsScaleIsToldAsItIs) {
     machine.store.write(settings_keys::diskMinimumFreeKey, 12.5);
     machine.store.write(settings_keys::diskCleanupAgeKey, 200.0);
     openSheet("Automation");
-    EXPECT_EQ(valueOf("settings.disk-minimum-free"), QStringLiteral("12.5 GB free"));
-    EXPECT_EQ(valueOf("settings.disk-cache-age"), QStringLiteral("200 days"));
+    EXPECT_EQ(valueOf("settings.disk-minimum-free"), u"12.5 GB free"_s);
+    EXPECT_EQ(valueOf("settings.disk-cache-age"), u"200 days"_s);
     EXPECT_EQ(slider("settings.disk-cache-age").value(),
               slider("settings.disk-cache-age").maximum());
     EXPECT_EQ(settings().diskCleanupAgeDays, 200.0) << "showing it changes nothing";
@@ -253,7 +253,7 @@ TEST_F(SettingsTabsTest, AChangeFromElsewhereMovesTheSlider) {
     openSheet("Automation");
     machine.monitor().limits().setWarningThreshold(90.0);
     settle();
-    EXPECT_EQ(valueOf("settings.warning-threshold"), QStringLiteral("90%"));
+    EXPECT_EQ(valueOf("settings.warning-threshold"), u"90%"_s);
     EXPECT_EQ(slider("settings.warning-threshold").value(), 25);
 }
 
@@ -261,11 +261,10 @@ TEST_F(SettingsTabsTest, AChangeFromElsewhereMovesTheSlider) {
 
 TEST_F(SettingsTabsTest, SafetySaysThatNothingIsProtectedYet) {
     openSheet("Safety");
-    EXPECT_EQ(textOf("settings.never-quit.none"),
-              QStringLiteral("No custom app groups are protected yet."));
+    EXPECT_EQ(textOf("settings.never-quit.none"), u"No custom app groups are protected yet."_s);
     machine.monitor().localActions().toggleNeverQuit("Docker");
     settle();
-    EXPECT_EQ(textOf("settings.never-quit.none"), QStringLiteral("(not shown)"));
+    EXPECT_EQ(textOf("settings.never-quit.none"), u"(not shown)"_s);
     EXPECT_NE(visible("settings.never-quit.remove.Docker"), nullptr);
 }
 
@@ -274,20 +273,19 @@ TEST_F(SettingsTabsTest, SafetyTakesANameOffTheList) {
                         SettingsTextList{"Docker", "Logic Pro", "Mail"});
     openSheet("Safety");
     EXPECT_EQ(visible("settings.never-quit.remove.Logic Pro")->accessibleName(),
-              QStringLiteral("Remove Logic Pro"));
+              u"Remove Logic Pro"_s);
     click("settings.never-quit.remove.Logic Pro");
     EXPECT_THAT(settings().protectedAppNames, testing::ElementsAre("Docker", "Mail"));
     EXPECT_EQ(stored(settings_keys::protectedAppsKey),
               SettingsValue(SettingsTextList{"Docker", "Mail"}));
-    EXPECT_EQ(textOf("settings.sheet.last-action"),
-              QStringLiteral("Logic Pro removed from Never Quit."));
+    EXPECT_EQ(textOf("settings.sheet.last-action"), u"Logic Pro removed from Never Quit."_s);
     EXPECT_EQ(visible("settings.never-quit.remove.Logic Pro"), nullptr);
     EXPECT_EQ(QApplication::focusWidget(), visible("settings.never-quit.remove.Mail"));
     press(Qt::Key_Space);
     EXPECT_EQ(QApplication::focusWidget(), visible("settings.never-quit.remove.Docker"));
     press(Qt::Key_Space);
     EXPECT_THAT(settings().protectedAppNames, testing::IsEmpty());
-    EXPECT_NE(textOf("settings.never-quit.none"), QStringLiteral("(not shown)"));
+    EXPECT_NE(textOf("settings.never-quit.none"), u"(not shown)"_s);
 }
 
 TEST_F(SettingsTabsTest, ANameStaysOneLineAndIsTakenOffAsItIs) {
@@ -296,7 +294,7 @@ TEST_F(SettingsTabsTest, ANameStaysOneLineAndIsTakenOffAsItIs) {
     openSheet("Safety");
     QAbstractButton* removal = nullptr;
     for (auto* button : sheet().findChildren<QAbstractButton*>()) {
-        if (button->accessibleName() == QStringLiteral("Remove two\uFFFDlines\uFFFD")) {
+        if (button->accessibleName() == u"Remove two\uFFFDlines\uFFFD"_s) {
             removal = button;
         }
     }
@@ -307,27 +305,24 @@ TEST_F(SettingsTabsTest, ANameStaysOneLineAndIsTakenOffAsItIs) {
 
 TEST_F(SettingsTabsTest, TheStopInBothStatesWordForWord) {
     openSheet("Safety");
-    EXPECT_EQ(visible("settings.emergency-stop")->accessibleName(),
-              QStringLiteral("Automation Emergency Stop"));
+    EXPECT_EQ(visible("settings.emergency-stop")->accessibleName(), u"Automation Emergency Stop"_s);
     EXPECT_EQ(textOf("settings.emergency-stop.words"),
-              QStringLiteral("Immediately disables automatic cleanup, purge, remote scans, and AI "
-                             "autonomous execution."));
-    EXPECT_EQ(visible<QPushButton>("settings.emergency-stop.engage")->text(),
-              QStringLiteral("Emergency Stop"));
+              u"Immediately disables automatic cleanup, purge, remote scans, and AI "
+              "autonomous execution."_s);
+    EXPECT_EQ(visible<QPushButton>("settings.emergency-stop.engage")->text(), u"Emergency Stop"_s);
     EXPECT_EQ(visible("settings.emergency-stop.resume"), nullptr);
 
     click("settings.emergency-stop.engage");
     EXPECT_TRUE(settings().automationEmergencyStopEngaged);
     EXPECT_EQ(stored(settings_keys::automationEmergencyStopKey), SettingsValue(true));
-    EXPECT_EQ(visible("settings.emergency-stop")->accessibleName(),
-              QStringLiteral("Emergency Stop Engaged"));
+    EXPECT_EQ(visible("settings.emergency-stop")->accessibleName(), u"Emergency Stop Engaged"_s);
     EXPECT_EQ(textOf("settings.emergency-stop.words"),
-              QStringLiteral("All automatic actions are off. Resume returns to manual Apprentice "
-                             "mode and leaves every automation disabled."));
+              u"All automatic actions are off. Resume returns to manual Apprentice "
+              "mode and leaves every automation disabled."_s);
     EXPECT_EQ(visible("settings.emergency-stop.engage"), nullptr)
         << "with the stop engaged there is the way back alone";
     EXPECT_EQ(visible<QPushButton>("settings.emergency-stop.resume")->text(),
-              QStringLiteral("Resume Manual Mode"));
+              u"Resume Manual Mode"_s);
 }
 
 TEST_F(SettingsTabsTest, TheStopOfAnEarlierRunCanBeResumedAtOnce) {
@@ -341,7 +336,7 @@ TEST_F(SettingsTabsTest, TheStopOfAnEarlierRunCanBeResumedAtOnce) {
     EXPECT_NE(visible("settings.emergency-stop.engage"), nullptr);
     EXPECT_EQ(visible("settings.emergency-stop.resume"), nullptr);
     EXPECT_EQ(textOf("settings.sheet.last-action"),
-              QStringLiteral("Emergency stop cleared; automations remain off."));
+              u"Emergency stop cleared; automations remain off."_s);
 }
 
 TEST_F(SettingsTabsTest, ADoubleClickOnTheStopDoesNotResume) {

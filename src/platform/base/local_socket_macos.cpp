@@ -3,7 +3,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "platform/instance/local_socket.h"
+#include "platform/base/local_socket.h"
 
 namespace tallowcrest::local_socket {
 namespace {

@@ -1,6 +1,6 @@
 #include <sys/socket.h>
 
-#include "platform/instance/local_socket.h"
+#include "platform/base/local_socket.h"
 
 namespace tallowcrest::local_socket {
 
