@@ -14,12 +14,12 @@
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
-#include "platform/linux/descriptor_limit.h"
+#include "platform/base/descriptor_setup.h"
+#include "platform/base/unique_fd.h"
 #include "platform/linux/proc_stat_tick_source.h"
 #include "platform/linux/procfs_metrics_reader.h"
 #include "platform/linux/procfs_pid_list.h"
 #include "platform/linux/procfs_process_table.h"
-#include "platform/base/unique_fd.h"
 #include "sampling/proc_parser.h"
 #include "sampling/ps_parser.h"
 
@@ -32,7 +32,7 @@ constexpr std::string_view statTail =
     "4096 1260 0 0 0 17 1 0 0 0 0 0 94208001000000 94208001100000 94208002000000 140720000001000 "
     "140720000001100 140720000001100 140720000001200 0\n";
 
-/// Processes that only wait, so that the machine has as many as a benchmark asks for.
+/// Sleeping processes, so that the machine has as many as a benchmark requires.
 class Sleepers {
 public:
     explicit Sleepers(std::size_t wanted) {
@@ -65,7 +65,7 @@ private:
     std::vector<pid_t> children_;
 };
 
-/// A tree in the form of a process file system, in memory.
+/// A copy of the layout of /proc, in memory.
 class SyntheticTree {
 public:
     explicit SyntheticTree(std::int64_t processes)
@@ -95,7 +95,7 @@ void count(benchmark::State& state, std::size_t rows) {
     state.counters["rows"] = static_cast<double>(rows);
 }
 
-/// The real table in steady state, with at least as many processes as the argument.
+/// Steady-state readings of the real table, with at least as many processes as the argument.
 void readRealTable(benchmark::State& state) {
     raiseDescriptorLimit();
     const Sleepers sleepers(static_cast<std::size_t>(state.range(0)));
@@ -107,7 +107,7 @@ void readRealTable(benchmark::State& state) {
     count(state, rows);
 }
 
-/// The first reading of the real table: each row is opened and its command settled.
+/// The first reading of the real table, which opens each process and reads its command.
 void readRealTableFirst(benchmark::State& state) {
     raiseDescriptorLimit();
     const Sleepers sleepers(static_cast<std::size_t>(state.range(0)));
@@ -119,7 +119,7 @@ void readRealTableFirst(benchmark::State& state) {
     count(state, rows);
 }
 
-/// The floor below `readRealTable`: one read per process through a kept descriptor, and no more.
+/// The lower bound of `readRealTable`: one read per process through an open descriptor.
 void readRealStatFilesOnly(benchmark::State& state) {
     raiseDescriptorLimit();
     const Sleepers sleepers(static_cast<std::size_t>(state.range(0)));

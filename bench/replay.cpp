@@ -19,7 +19,7 @@ std::string timeText(double seconds) {
     return fmt::format("{:02}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
-/// What one kind of event did over the trace.
+/// The events of one kind over the trace.
 struct Account {
     int count = 0;
     double last = 0.0;
@@ -36,12 +36,13 @@ struct Account {
 };
 
 int run(const LoadTrace& trace) {
+    FakeAutoScan remote;
     FakeMachine machine;
-    prepareForReplay(machine);
+    prepareForReplay(machine, remote);
     std::map<std::string, Account> accounts;
     const Date beginning = machine.clock.now();
     const auto now = [&] { return secondsBetween(beginning, machine.clock.now()); };
-    machine.extensions.rules.scanRemoteMacs = [&] {
+    remote.onScan = [&] {
         fmt::print("{}  a scan of the other machines begins\n", timeText(now()));
         accounts["Scan of other machines"].add(now());
     };
@@ -57,7 +58,7 @@ int run(const LoadTrace& trace) {
             const std::string firstWord = event.detail.substr(0, event.detail.find(' '));
             accounts[event.title + ", " + firstWord].add(sample.seconds);
         }
-        // Nobody sits in front of this machine.
+        // There is no user to confirm anything.
         news.dismissQuestion();
     });
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
@@ -76,9 +77,9 @@ int run(const LoadTrace& trace) {
 }  // namespace
 }  // namespace tallowcrest
 
-/// Lets the monitor live through a trace of samples in seconds, with every rule switched on, and
-/// prints what it warned of and which rules acted, at which time of the trace. Without the name of
-/// a trace it is a made-up day.
+/// Runs the monitor over a trace of samples with every rule switched on, and prints its warnings
+/// and the actions of its rules with their times in the trace. Without the name of a trace it uses
+/// an invented day.
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     if (argc < 2) {

@@ -14,7 +14,7 @@
 #include "core/history_encoder.h"
 #include "core/locale.h"
 #include "core/record_json.h"
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
@@ -108,13 +108,11 @@ void recordEventOf80(benchmark::State& state) {
     StoreInAFile file;
     SystemClock clock;
     ManualMainQueue mainQueue;
-    Observable observable(mainQueue);
-    ActivityLog log(clock, observable, eventsOf(80), [&file](const auto& events) {
-        file.store().write(settings_keys::activityLogKey,
-                           JSONData{record_json::encode(events).value()});
-    });
+    SettingsOwner settings(file.store(), mainQueue, "owner");
+    settings.save(stored::activityLog, eventsOf(80));
+    ActivityLog log(clock, settings, mainQueue);
     for (auto _ : state) {
-        log.recordEvent("Action", "Asked a large application to quit.");
+        log.recordEvent(ActivityKind::action, "Asked a large application to quit.");
         mainQueue.drain();
     }
 }
@@ -147,12 +145,17 @@ void constructionOverAFullStore(benchmark::State& state) {
         state.ResumeTiming();
         ManualMainQueue mainQueue;
         ManualWorkQueue workQueue;
-        const SystemMonitor monitor(
-            MonitorPorts{mainQueue, workQueue, clock, file.store(),
-                         std::make_shared<FakeMetricsReader>(), std::make_shared<FakeTickSource>(),
-                         std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
-                         std::make_shared<FakeReportFolder>(), atGreenwich},
-            HostFacts{4, {}, "owner", {}});
+        Jobs jobs(mainQueue, workQueue);
+        SystemMonitor monitor(MonitorPorts{.jobs = jobs,
+                                           .clock = clock,
+                                           .settingsStore = file.store(),
+                                           .metrics = std::make_shared<FakeMetricsReader>(),
+                                           .ticks = std::make_shared<FakeTickSource>(),
+                                           .locale = std::make_shared<PlainLocale>(),
+                                           .actions = {FakeLocalActions().ports(), {}, {}},
+                                           .reportFolder = std::make_shared<FakeReportFolder>(),
+                                           .utcOffset = atGreenwich},
+                              HostFacts{.cpuCount = 4, .protection = {}, .loginName = "owner"});
         if (monitor.sample().history().size() != 720) {
             state.SkipWithError("the history was not loaded");
             break;

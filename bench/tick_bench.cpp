@@ -1,5 +1,5 @@
-// One whole sample, from the readings to what the views see: the background half, the main half,
-// and both together.
+// One whole sample, from the readings to the state that the views show: the background half, the
+// main half, and both together.
 
 #include <chrono>
 #include <cstdint>
@@ -10,12 +10,12 @@
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
-#include "core/settings_store.h"
+#include "core/settings/settings_store.h"
 #include "monitor/sample_cycle.h"
 #include "monitor/system_monitor.h"
+#include "platform/base/system_clock.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
-#include "platform/base/system_clock.h"
 #include "platform/tools/tool_launcher_posix.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
@@ -26,8 +26,8 @@
 namespace tallowcrest {
 namespace {
 
-/// A table as a busy desktop has it: a few heavy groups of many helpers, many small ones, and a
-/// tail of idle processes.
+/// A typical table of a busy desktop: a few heavy groups with many helpers, many small groups, and
+/// idle processes.
 std::vector<ProcessSample> busyDesktop(std::int64_t count) {
     std::vector<ProcessSample> rows;
     rows.reserve(static_cast<std::size_t>(count));
@@ -58,16 +58,26 @@ std::shared_ptr<FakeMetricsReader> preparedReader(std::int64_t rows) {
     return reader;
 }
 
+std::shared_ptr<const Locale> americanEnglish() {
+    return std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"});
+}
+
 /// A monitor on queues that this benchmark turns, in the steady state of a full history.
 class Bench {
 public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
-        : monitor_(MonitorPorts{mainQueue_, workQueue_, clock_, store_, std::move(metrics),
-                                std::move(ticks),
-                                std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"}),
-                                FakeLocalActions().ports(), std::make_shared<FakeReportFolder>(),
-                                atGreenwich},
-                   HostFacts{inputs().cpuCount, inputs().protection, {}, {}}) {
+        : monitor_(MonitorPorts{.jobs = jobs_,
+                                .clock = clock_,
+                                .settingsStore = store_,
+                                .metrics = std::move(metrics),
+                                .ticks = std::move(ticks),
+                                .locale = americanEnglish(),
+                                .actions = {FakeLocalActions().ports(), {}, {}},
+                                .reportFolder = std::make_shared<FakeReportFolder>(),
+                                .utcOffset = atGreenwich},
+                   HostFacts{.cpuCount = inputs().cpuCount,
+                             .protection = inputs().protection,
+                             .loginName = {}}) {
         while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
             takeInBackground();
             applyOnMain();
@@ -84,6 +94,7 @@ private:
     SystemClock clock_;
     ManualMainQueue mainQueue_;
     ManualWorkQueue workQueue_;
+    Jobs jobs_{mainQueue_, workQueue_};
     MemorySettingsStore store_;
     SystemMonitor monitor_;
 };
@@ -95,7 +106,7 @@ void runTicks(benchmark::State& state, Bench& bench) {
     }
 }
 
-/// Times the main half alone; the background half that feeds it does not count.
+/// Times only the main half, not the background half before it.
 void runMainHalves(benchmark::State& state, Bench& bench) {
     for (auto _ : state) {
         bench.takeInBackground();
@@ -111,13 +122,14 @@ void runBackgroundHalves(benchmark::State& state, SampleSources& sources) {
     const SampleInputs fixed = inputs();
     std::size_t rows = 0;
     for (auto _ : state) {
-        rows = takeSample(sources, {}, fixed, clock).processes.size();
+        rows = takeSample(sources, fixed, clock).processes.size();
     }
     state.counters["rows"] = static_cast<double>(rows);
 }
 
 void backgroundHalfOfPreparedRows(benchmark::State& state) {
-    SampleSources sources(preparedReader(state.range(0)), std::make_shared<FakeTickSource>());
+    SampleSources sources(preparedReader(state.range(0)), std::make_shared<FakeTickSource>(),
+                          americanEnglish());
     runBackgroundHalves(state, sources);
 }
 
@@ -133,7 +145,8 @@ void tickOfPreparedRows(benchmark::State& state) {
 
 void backgroundHalfOfThisMachine(benchmark::State& state) {
     PosixToolLauncher launcher;
-    SampleSources sources(host::makeMetricsReader(launcher), host::makeTickSource());
+    SampleSources sources(host::makeMetricsReader(launcher), host::makeTickSource(),
+                          americanEnglish());
     runBackgroundHalves(state, sources);
 }
 

@@ -1,4 +1,4 @@
-// What a sample says in words: the part of it that looks at every row, and the rest.
+// The texts of a sample: those that depend on every row, and the others.
 
 #include <cstdint>
 #include <string>
@@ -13,7 +13,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Every kind of card is due: a browser of many helpers, Docker, and one heavy process.
+/// A table that triggers every kind of card: a browser with many helpers, Docker, one heavy
+/// process.
 std::vector<ProcessSample> busyTable(std::int64_t count) {
     std::vector<ProcessSample> rows;
     for (std::int64_t pid = 1; pid <= count; ++pid) {

@@ -2,11 +2,12 @@ include(cmake/precompiled.cmake)
 
 # tallowcrest_layer(NAME SOURCES... [DEPENDS layer...] [LIBRARIES target...])
 #
-# One folder of src/ as one static library, linked to just the layers that it may include.
+# One folder of src/ as one static library, linked to exactly the layers that it may include.
 function(tallowcrest_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
     set(target tallowcrest_${name})
     add_library(${target} STATIC ${LAYER_SOURCES})
+    set_property(GLOBAL APPEND PROPERTY TALLOWCREST_LAYERS ${target})
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     list(TRANSFORM LAYER_DEPENDS PREPEND tallowcrest_)
     target_link_libraries(
@@ -23,11 +24,11 @@ endfunction()
 # tallowcrest_test(NAME [QT] LABEL unit|desktop|e2e SOURCES... [LIBRARIES target...]
 #                  [PROPERTIES ...])
 #
-# One GoogleTest program; each of its cases becomes one test of ctest. With QT it has an application
-# object, and the offscreen platform where nothing else is asked for.
+# One GoogleTest program; each of its cases becomes one ctest test. With QT it has an application
+# object and, unless the environment chooses another one, the offscreen platform.
 #
 # unit     needs neither a desktop nor the built programs; `make check` runs these
-# desktop  needs Qt, a display or a session bus of its own
+# desktop  needs Qt, a private display or a private session bus
 # e2e      runs the built programs
 function(tallowcrest_test name)
     cmake_parse_arguments(TEST "QT" "LABEL" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
@@ -58,8 +59,8 @@ endfunction()
 
 # tallowcrest_fuzz(NAME SOURCES... [LIBRARIES target...])
 #
-# One libFuzzer program. `make fuzz` runs every program that it finds in the folder fuzz/ of the
-# build; recorded inputs in fuzz/corpus/NAME/ are its seeds.
+# One libFuzzer program. `make fuzz` runs every program in the folder fuzz/ of the build. Recorded
+# inputs in fuzz/corpus/NAME/ are its seeds.
 function(tallowcrest_fuzz name)
     cmake_parse_arguments(FUZZ "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${FUZZ_SOURCES})
@@ -71,8 +72,7 @@ endfunction()
 
 # tallowcrest_bench(NAME SOURCES... [LIBRARIES target...])
 #
-# One Google Benchmark program. `make bench` runs every program that it finds in the folder bench/
-# of the build.
+# One Google Benchmark program. `make bench` runs every program in the folder bench/ of the build.
 function(tallowcrest_bench name)
     cmake_parse_arguments(BENCH "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${BENCH_SOURCES})

@@ -1,5 +1,5 @@
-# Precompiled headers: what nearly every file of a kind includes anyway, parsed once. A source still
-# includes what it uses; the preset "headless" builds without them and would show what is missing.
+# Precompiled headers: the headers that nearly every file of a kind includes, parsed once. A source
+# still includes what it uses; the preset "headless" builds without them and fails otherwise.
 #
 #   std       the standard library
 #   qt        std, and the toolkit's common headers
@@ -48,8 +48,8 @@ set(PRECOMPILED_qt
 set(PRECOMPILED_test ${PRECOMPILED_std} <gmock/gmock.h> <gtest/gtest.h>)
 set(PRECOMPILED_qt_test ${PRECOMPILED_qt} <gmock/gmock.h> <gtest/gtest.h>)
 
-# tallowcrest_precompile(TARGET KIND): uses the headers of that kind. They are compiled once, with
-# the first target that asks for them, so all of its users need the same compiler options.
+# tallowcrest_precompile(TARGET KIND): uses the headers of that kind. They are compiled once for all
+# targets that use them, which therefore need the same compiler options.
 function(tallowcrest_precompile target kind)
     set(holder tallowcrest_precompiled_${kind})
     if(NOT TARGET ${holder})

@@ -1,5 +1,5 @@
-# One interface target that every target of this project links: warnings are errors, and the
-# sanitizers of a preset reach compile and link steps alike.
+# One interface target that every target of this project links: it makes warnings errors and passes
+# the sanitizers of a preset to both compiler and linker.
 set(TALLOWCREST_WARNINGS
     -Wall
     -Wextra
@@ -21,14 +21,14 @@ if(TALLOWCREST_SANITIZE)
                                                          -fno-omit-frame-pointer -g
                                                          -fno-sanitize-recover=all)
     target_link_options(tallowcrest_options INTERFACE -fsanitize=${TALLOWCREST_SANITIZE})
-    # Instrumented code defeats the compiler's own flow analysis, which then cries wolf. Clang knows
-    # neither the trouble nor the second name, and an unknown name would be an error there.
+    # Instrumented code causes false positives of the compiler's flow analysis. Clang has neither the
+    # problem nor the second option, and would reject an unknown one.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         target_compile_options(tallowcrest_options INTERFACE -Wno-null-dereference
                                                              -Wno-maybe-uninitialized)
     endif()
 endif()
 
-# Tests are built once and run once: optimising them costs more than it saves.
+# Tests are usually built and run once, so optimising them costs more time than it saves.
 add_library(tallowcrest_test_options INTERFACE)
 target_compile_options(tallowcrest_test_options INTERFACE -O0)

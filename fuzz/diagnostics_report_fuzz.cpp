@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/locale.h"
-#include "core/utf8.h"
+#include "core/text.h"
 #include "reports/diagnostics_report.h"
 #include "sampling/app_impact.h"
 #include "tests/reports/report_state.h"
@@ -19,7 +19,7 @@ namespace {
 
 using namespace tallowcrest;
 
-/// Takes values off the input's front; zeros and empty texts once it is used up.
+/// Takes values from the front of the input; zeros and empty texts at its end.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size)
@@ -186,7 +186,7 @@ void checkShape(const State& state, const std::string& report) {
     }
 }
 
-/// The same but for what a redacted report may not tell.
+/// The same state with other values wherever a redacted report hides them.
 State withOtherSecrets(State state) {
     for (ProcessSample& row : state.snapshot.topProcesses) {
         row.pid = ~row.pid;
@@ -205,8 +205,8 @@ State withOtherSecrets(State state) {
 
 }  // namespace
 
-/// Whatever the facts say, the report has the lines and columns that they call for and no other,
-/// and a redacted one does not depend on what it hides.
+/// With any facts, the report has exactly the expected lines and columns, and a redacted one does
+/// not depend on what it hides.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const State state = readState(input);

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "actions/apple_script_quit.h"
-#include "core/utf8.h"
+#include "core/text.h"
 
 #include "fuzz/require.h"
 
@@ -13,8 +13,8 @@ namespace {
 constexpr std::string_view scriptStart = "tell application \"";
 constexpr std::string_view scriptEnd = "\"\n    if it is running then quit\nend tell";
 
-/// Whatever could end the quoted name, or the line that it stands in.
-bool holdsNothingThatEndsIt(std::string_view name) {
+/// Whether `name` has no character that could end the quoted name or its line.
+bool isSafeInQuotes(std::string_view name) {
     for (const char character : name) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte < 0x20 || byte == 0x7F || byte == '"' || byte == '\\') {
@@ -38,8 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string name(data, data + size);
     const auto script = tallowcrest::gracefulQuitScript(name);
 
-    const bool isHarmless =
-        !name.empty() && tallowcrest::isValidUTF8(name) && holdsNothingThatEndsIt(name);
+    const bool isHarmless = !name.empty() && tallowcrest::isValidUTF8(name) && isSafeInQuotes(name);
     require(script.has_value() == isHarmless);
     if (script) {
         require(script->size() == scriptStart.size() + size + scriptEnd.size());

@@ -15,11 +15,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string received(data, data + size);
     const auto parsed = tallowcrest::parseInstanceRequest(received);
     if (const auto* request = std::get_if<InstanceRequest>(&parsed)) {
-        // What was understood is just what a start would have sent.
+        // The text is exactly the one that a start sends.
         require(tallowcrest::instanceRequestText(*request) == received);
         require(size <= tallowcrest::longestInstanceRequest);
     } else if (std::holds_alternative<IncompleteRequest>(parsed)) {
-        // Whoever is waited for can still get it right, and not with endless bytes.
+        // The sender can still complete it, within the limit.
         require(size < tallowcrest::longestInstanceRequest);
         const auto completed = size < 4 ? std::string("show").substr(size) + '\n' : "t\n";
         const bool wantsBlank = size == 4;
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     received + (wantsBlank ? "\n" : completed))) ||
                 size == tallowcrest::longestInstanceRequest - 1);
     }
-    // Anything at all can stand in a token's place.
+    // A token can be any text.
     const auto sent = tallowcrest::parseInstanceRequest(
         tallowcrest::instanceRequestText(InstanceRequest{received}));
     require(std::holds_alternative<InstanceRequest>(sent));

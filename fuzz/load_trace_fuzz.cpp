@@ -7,8 +7,8 @@
 
 #include "fuzz/require.h"
 
-/// A trace is read whole or refused at a line that it has; what was read can be written and read
-/// back.
+/// A trace is read completely or rejected at one of its lines. What was read can be written and
+/// read back.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tallowcrest;
     const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/utf8.h"
+#include "core/text.h"
 #include "platform/icu/icu_locale.h"
 
 #include "fuzz/require.h"
@@ -58,7 +58,7 @@ void checkDate(const Locale& locale, double secondsSinceReference) {
     }
 }
 
-/// The neutral form can be read back.
+/// The plain form can be read back.
 void checkPlainNumber(double value) {
     constexpr double exactThousandths = 1e9;
     if (std::abs(value) < exactThousandths) {
@@ -98,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         checkNumber(*locale, value, digits);
         checkDate(*locale, value);
     }
-    // Most doubles are no date at all.
+    // Most doubles are outside the range of dates.
     constexpr double secondsInAnyForm = 3.2e11;
     const double someDate = std::remainder(value, secondsInAnyForm);
     for (const Locale* locale : std::array<const Locale*, 3>{&german, &persian, &plain}) {

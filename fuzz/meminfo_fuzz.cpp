@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(memory.pressure >= 0.0 && memory.pressure <= 100.0);
     }
 
-    // Lines that nobody asks for change nothing.
+    // Unused lines have no effect.
     require(parseMemoryInfo("Mlocked: 5 kB\n" + text, 0, 4096.0) ==
             parseMemoryInfo(text, 0, 4096.0));
     return 0;

@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "app/options.h"
-#include "core/utf8.h"
+#include "core/text.h"
 
 #include "fuzz/require.h"
 
 namespace {
 
-/// Arguments hold no zero byte, which thus separates them.
+/// Arguments cannot contain a zero byte, so it separates them.
 std::vector<std::string> argumentsFrom(const std::uint8_t* data, std::size_t size) {
     std::vector<std::string> arguments(1);
     for (std::size_t i = 0; i < size; ++i) {

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const auto stat = parseProcessStat(text)) {
         require(text.find('(' + std::string(stat->name) + ") " + stat->state + ' ') !=
                 std::string::npos);
-        // What is appended to a whole text is not looked at, unless it closes a bracket.
+        // Text after the last used field has no effect, unless it contains a closing bracket.
         const std::string longer = text + " 0 0\n";
         const auto again = parseProcessStat(longer);
         require(again && again->name == stat->name && again->userTicks == stat->userTicks &&
@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 again->residentPages == stat->residentPages);
     }
 
-    // Any name at all leaves the figures in their places.
+    // The name has no effect on the other fields.
     const std::string tail =
         " R 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25\n";
     const std::string withName = "1 (" + text + ')' + tail;
@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(*newest > 0 && text.find(std::to_string(*newest)) != std::string::npos);
         require(parseNewestProcessID(text + " 5\n") == newest);
     }
-    // Whatever precedes it, as long as it is four words.
+    // Any four words can come before it.
     if (!text.empty() && text.find_first_of(" \n") == std::string::npos) {
         const std::string load = text + ' ' + text + ' ' + text + ' ' + text + " 812\n";
         require(parseNewestProcessID(load) == 812);

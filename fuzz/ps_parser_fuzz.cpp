@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(!row.displayName().empty());
     }
 
-    // Each line stands for itself: good ones around the text change nothing about it.
+    // Lines are independent: valid ones around the text do not change its rows.
     const auto surrounded = parseProcessRows("1 0 0 0 before\n" + text + "\n2 0 0 0 after\n");
     require(surrounded.size() == rows.size() + 2);
     require(std::equal(rows.begin(), rows.end(), surrounded.begin() + 1));

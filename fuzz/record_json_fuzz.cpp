@@ -6,12 +6,12 @@
 
 #include "fuzz/require.h"
 
-/// The build makes one program of this file for each decoder, which it names.
+/// Built as one program for each decoder.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tallowcrest;
     const auto decode = record_json::TALLOWCREST_FUZZED_DECODER;
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    // What can be read can be written, and reads back as the same value.
+    // A value that was read can be written and read back as the same value.
     if (const auto value = decode(text)) {
         const auto encoded = record_json::encode(*value);
         require(encoded.has_value());

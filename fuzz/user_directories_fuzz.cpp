@@ -6,7 +6,7 @@
 
 #include "fuzz/require.h"
 
-/// Whatever the file says, a folder is an absolute path that the system can be asked for.
+/// With any file content, a folder is an absolute path without a zero byte.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const auto path = tallowcrest::userDirectory(text, "DOCUMENTS", "/home/owner");

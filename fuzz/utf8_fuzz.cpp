@@ -3,13 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 #include "fuzz/require.h"
 
 namespace {
 
-/// Reads one character the slow way, by the value that its bytes spell; 0 for an invalid one.
+/// The length of the first character, found by decoding its value; 0 when it is invalid.
 std::size_t characterLength(std::string_view bytes) {
     const auto byteAt = [bytes](std::size_t index) -> std::uint32_t {
         return static_cast<unsigned char>(bytes[index]);
@@ -46,7 +46,7 @@ std::size_t characterLength(std::string_view bytes) {
     return value < least || value > 0x10FFFF || surrogate ? 0 : length;
 }
 
-bool isValidTheSlowWay(std::string_view bytes) {
+bool isValidWhenDecoded(std::string_view bytes) {
     while (!bytes.empty()) {
         const std::size_t length = characterLength(bytes);
         if (length == 0) {
@@ -64,10 +64,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(data, data + size);
 
     const bool valid = isValidUTF8(bytes);
-    require(valid == isValidTheSlowWay(bytes));
+    require(valid == isValidWhenDecoded(bytes));
 
     const std::string text = replacingInvalidUTF8(bytes);
-    require(isValidTheSlowWay(text));
+    require(isValidWhenDecoded(text));
     require((text == bytes) == valid);
     require(text.size() <= bytes.size() * 3);
     require(replacingInvalidUTF8(text) == text);

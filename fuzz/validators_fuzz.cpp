@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "actions/command_validators.h"
-#include "core/white_space.h"
+#include "core/text.h"
 
 #include "fuzz/require.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 using namespace tallowcrest::CommandSafetyPolicy;
 
-/// Holds for whatever may become one word of an argument list: printable, plain, no option.
+/// What every accepted argument must be: printable, without special characters, and not an option.
 bool isHarmlessWord(std::string_view word) {
     return word.find_first_not_of(
                "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
@@ -22,7 +22,7 @@ bool isHarmlessWord(std::string_view word) {
            !word.starts_with('-');
 }
 
-/// What a POSIX shell makes of one quoted word.
+/// The word that a POSIX shell reads from its quoted form.
 std::string unquoted(std::string_view word) {
     std::string text;
     bool inQuotes = false;
@@ -30,7 +30,7 @@ std::string unquoted(std::string_view word) {
         if (word[index] == '\'') {
             inQuotes = !inQuotes;
         } else if (!inQuotes) {
-            // Outside the quotes nothing stands but a quote behind a backslash.
+            // Outside the quotes there are only escaped quotes.
             require(word[index] == '\\' && index + 1 < word.size() && word[index + 1] == '\'');
             text += word[++index];
         } else {

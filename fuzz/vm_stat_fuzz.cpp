@@ -7,7 +7,7 @@
 
 #include "fuzz/require.h"
 
-/// The text up to the first NUL is that of the physical memory, the rest that of the page counts.
+/// The input is the text of the physical memory, a zero byte, and the text of the page counts.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tallowcrest;
     const std::string input(data, data + size);

@@ -1,4 +1,4 @@
-"""What one running process has used so far, read from the kernel."""
+"""The resources that a running process has used so far, read from the kernel."""
 
 import os
 import time
@@ -44,7 +44,7 @@ def measure(pid, ticks, interval, warm_up):
     time.sleep(ticks * interval)
     spent = cpu_seconds(pid) - cpu
     main_spent = main_thread_seconds(pid) - main
-    # What the sleep overran belongs to the next tick.
+    # The sleep can take longer than requested.
     seen = (time.monotonic() - started) / interval
     return {
         "cpu": 1000 * spent / seen,

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {

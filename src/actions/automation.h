@@ -1,14 +1,14 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string>
 
 #include "core/activity_log.h"
 #include "core/advisor_records.h"
 #include "core/observable.h"
-#include "core/settings.h"
-#include "core/settings_store.h"
+#include "core/outcome.h"
+#include "core/services.h"
+#include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
 
@@ -42,27 +42,19 @@ std::string diskAutopilotStatusAtStart(const Settings& settings);
 /// change is stored at once. Main thread.
 class Automation {
 public:
-    /// What other components do when a switch changes; each may be absent.
-    struct Hooks {
-        std::function<void()> clearDiskCleanupPlan;
-        std::function<void()> registerNotificationCategories;
-    };
-
-    /// Changes `settings` in place. The references must outlive the object.
-    Automation(Observable& observable, ActivityLog& log, Settings& settings, SettingsStore& store,
-               Hooks hooks);
+    explicit Automation(const Services& services);
     Automation(const Automation&) = delete;
     Automation& operator=(const Automation&) = delete;
 
-    bool isOn(AutomationSwitch which) const { return tallowcrest::isOn(settings_, which); }
+    bool isOn(AutomationSwitch which) const { return tallowcrest::isOn(settings_.values(), which); }
 
     /// Turns a switch on or off and says so. While the emergency stop is engaged, turning on what
     /// the stop governs is refused in words, and nothing changes.
-    void set(AutomationSwitch which, bool on);
+    Outcome set(AutomationSwitch which, bool on);
 
     /// How much the advisor may do by itself. With the stop engaged, anything but apprentice is
     /// refused in words.
-    void setAutonomyMode(AIAutonomyMode mode);
+    Outcome setAutonomyMode(AIAutonomyMode mode);
 
     /// Turns off everything that acts by itself. It holds across restarts, until it is cleared.
     /// Repeated, it repeats all its steps. What a person has been asked already can still be
@@ -73,21 +65,22 @@ public:
     /// part left on is switched off first.
     void resumeFromEmergencyStop();
 
-    bool isStopEngaged() const { return settings_.automationEmergencyStopEngaged; }
+    bool isStopEngaged() const { return settings_.values().automationEmergencyStopEngaged; }
 
     const std::string& diskAutopilotStatus() const { return diskAutopilotStatus_; }
     void setDiskAutopilotStatus(std::string status);
 
-private:
-    /// Where a kill or a full disk kept the stop from being stored whole, the next start brings
-    /// back what it had switched off: switches that off again.
-    void finishStopping();
+    /// Tells of `diskAutopilotStatus`, and of a refusal, so that the control that asked shows the
+    /// old value again. The switches are settings.
+    Observable& observable() { return observable_; }
 
-    Observable& observable_;
+private:
+    /// Switches off, in memory and in the store, everything that the stop governs.
+    void switchOffGoverned();
+
     ActivityLog& log_;
-    Settings& settings_;
-    SettingsStore& store_;
-    Hooks hooks_;
+    SettingsOwner& settings_;
+    Observable observable_;
     std::string diskAutopilotStatus_;
 };
 

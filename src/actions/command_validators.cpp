@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "core/white_space.h"
+#include "core/text.h"
 
 namespace tallowcrest::CommandSafetyPolicy {
 

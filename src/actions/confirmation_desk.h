@@ -24,8 +24,7 @@ public:
         std::function<void(const ConfirmationRequest&)> cancel;
     };
 
-    ConfirmationDesk(Observable& observable, ActivityLog& log)
-        : observable_(observable), log_(log) {}
+    ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue) : log_(log), observable_(mainQueue) {}
     ConfirmationDesk(const ConfirmationDesk&) = delete;
     ConfirmationDesk& operator=(const ConfirmationDesk&) = delete;
 
@@ -49,9 +48,11 @@ public:
     /// Drops the pending request and says so. Any dismissal but the yes itself is this.
     void cancelPending();
 
+    Observable& observable() { return observable_; }
+
 private:
-    Observable& observable_;
     ActivityLog& log_;
+    Observable observable_;
     std::map<std::string, Handler, std::less<>> handlers_;
     std::optional<ConfirmationRequest> pending_;
     std::vector<std::string> targetPaths_;

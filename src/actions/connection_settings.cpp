@@ -3,28 +3,25 @@
 #include <string>
 
 #include "actions/command_validators.h"
-#include "core/settings_keys.h"
-#include "core/white_space.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+#include "core/text.h"
 
-namespace tallowcrest {
+namespace tallowcrest::connection_settings {
 
-bool ConnectionSettings::setSSHUsername(std::string_view text) {
+Outcome setSSHUsername(const Services& services, std::string_view text) {
     const auto name = CommandSafetyPolicy::validatedSSHUsername(text);
     if (!name) {
-        log_.recordMessage(
-            "SSH usernames may contain only letters, numbers, period, underscore, and hyphen.");
-        return false;
+        return services.log.record(
+            Outcome::refused("SSH usernames may contain only letters, numbers, period, "
+                             "underscore, and hyphen."));
     }
-    settings_.sshUsername = *name;
-    store_.write(settings_keys::sshUsernameKey, *name);
-    observable_.changed();
-    return true;
+    services.settings.set(&Settings::sshUsername, *name);
+    return Outcome::done();
 }
 
-void ConnectionSettings::setOpenAIModel(std::string_view text) {
-    settings_.openAIModel = trimmingWhiteSpace(text);
-    store_.write(settings_keys::openAIModelKey, settings_.openAIModel);
-    observable_.changed();
+void setOpenAIModel(const Services& services, std::string_view text) {
+    services.settings.set(&Settings::openAIModel, std::string(trimmingWhiteSpace(text)));
 }
 
-}  // namespace tallowcrest
+}  // namespace tallowcrest::connection_settings

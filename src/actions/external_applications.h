@@ -18,10 +18,11 @@ public:
         : log_(log), openActivityMonitor_(std::move(openActivityMonitor)) {}
 
     /// Opens the system's own process viewer, or records that there is none.
-    void openActivityMonitor() {
+    Outcome openActivityMonitor() {
         if (!openActivityMonitor_ || !openActivityMonitor_()) {
-            log_.recordMessage("No activity monitor application is installed.");
+            return log_.record(Outcome::failed("No activity monitor application is installed."));
         }
+        return Outcome::done();
     }
 
 private:

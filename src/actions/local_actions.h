@@ -7,73 +7,63 @@
 #include <string>
 #include <vector>
 
+#include "actions/action_ports.h"
 #include "actions/cache_purge.h"
 #include "actions/confirmation_desk.h"
 #include "actions/graceful_quit.h"
 #include "actions/process_control.h"
 #include "actions/review_target.h"
-#include "core/activity_log.h"
+#include "core/jobs/jobs.h"
 #include "core/local_records.h"
 #include "core/observable.h"
-#include "core/queues.h"
-#include "core/settings.h"
-#include "core/settings_store.h"
+#include "core/outcome.h"
+#include "core/services.h"
 #include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
-
-/// What the local actions act through. Shared with the background work under way.
-struct LocalActionPorts {
-    std::shared_ptr<ProcessControl> processes;
-    std::shared_ptr<GracefulQuit> gracefulQuit;  ///< null where nobody can be asked
-    std::shared_ptr<CachePurge> cachePurge;
-};
 
 /// The only operations that act on other programs of this machine. Each has two halves: a request
 /// half that checks and asks for a confirmation, and an execution half that the confirmation runs,
 /// which checks again. Nothing stronger than TERM is ever sent. Main thread.
 class LocalActions {
 public:
-    /// What the actions work with; the references must outlive them.
-    struct Surroundings {
-        Observable& observable;
-        ActivityLog& log;
-        const LatestSample& sample;
+    /// The references must outlive the object.
+    struct Dependencies {
+        Services services;
+        LatestSample& sample;
         ReviewTarget& review;
         ConfirmationDesk& confirmations;
-        Settings& settings;
-        SettingsStore& store;
         ProtectionPolicy protection;
-        MainQueue& mainQueue;
-        WorkQueue& workQueue;
         /// Takes a new sample, so that lists and recommendations show the effect.
         std::function<void()> refresh;
-        /// Groups the latest processes anew, by the Never Quit list as it is now.
-        std::function<void()> regroup;
+        LocalActionPorts ports;
     };
 
     /// Registers the kinds of confirmation that it owns.
-    LocalActions(Surroundings surroundings, LocalActionPorts ports);
+    explicit LocalActions(Dependencies dependencies);
     LocalActions(const LocalActions&) = delete;
     LocalActions& operator=(const LocalActions&) = delete;
 
     /// Asks for a yes to quitting the process under review, unless it is protected. One that is not
     /// in the latest sample is let through under its number: the dialog is the last look at it.
-    void requestQuitSelectedProcess();
+    Outcome requestQuitSelectedProcess();
     /// The same for the group under review, else for the heaviest one.
-    void requestQuitSelectedApp();
-    void requestPurge();
+    Outcome requestQuitSelectedApp();
+    Outcome requestPurge();
 
     /// Selects a process that is safe to review, and asks for a purge when memory pressure is at or
     /// above the warning threshold. Quits nothing and purges nothing.
-    void optimizeSafely();
+    Outcome optimizeSafely();
 
     /// Puts a group on the owner's Never Quit list, or takes it off.
-    void toggleNeverQuit(const std::string& group);
+    Outcome toggleNeverQuit(const std::string& group);
 
     /// Whether a confirmed purge is under way. Another one is not begun meanwhile.
     bool isPurging() const { return isPurging_; }
+
+    /// Tells of `isPurging`.
+    Observable& observable() { return observable_; }
 
 private:
     /// The process that a pending request is about, held since the request was built.
@@ -91,19 +81,22 @@ private:
         std::unique_ptr<HeldProcess> process;
     };
 
-    void quitProcess(const ConfirmationRequest& request);
-    void quitAppGroup(const std::string& group);
+    Outcome quitProcess(const ConfirmationRequest& request);
+    Outcome quitAppGroup(const std::string& group);
     void finishAppGroup(const std::string& group, bool wasAskedGracefully);
     std::vector<GroupMember> membersForTerm(const std::string& group);
-    void runPurge();
+    Outcome runPurge();
     void finishPurge(const PurgeResult& result);
 
-    Surroundings with_;
-    LocalActionPorts ports_;
+    const TextSet& neverQuit() const;
+    Outcome record(Outcome outcome) const;
+
+    Dependencies with_;
+    Observable observable_;
     Reviewed reviewed_;
     bool isPurging_ = false;
     std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;
-    std::shared_ptr<LocalActions*> self_;  ///< expires with the actions
+    JobScope jobs_;
 };
 
 }  // namespace tallowcrest

@@ -18,13 +18,12 @@ public:
     Pasteboard(ActivityLog& log, Store store) : log_(log), store_(std::move(store)) {}
 
     /// Stores `text` and records `message`.
-    void copyToPasteboard(const std::string& text, const std::string& message) {
+    Outcome copyToPasteboard(const std::string& text, const std::string& message) {
         if (!store_) {
-            log_.recordMessage("There is no clipboard here.");
-            return;
+            return log_.record(Outcome::failed("There is no clipboard here."));
         }
         store_(text);
-        log_.recordMessage(message);
+        return log_.record(Outcome::done(message));
     }
 
 private:

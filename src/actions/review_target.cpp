@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 
 #include "actions/app_group.h"
+#include "core/jobs/jobs.h"
+#include "core/settings/settings_owner.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
@@ -15,13 +17,13 @@ constexpr const char* firstStep = "1. Select an offender to review. No optimizat
 
 }  // namespace
 
-ReviewTarget::ReviewTarget(Observable& observable, ActivityLog& log, const LatestSample& sample,
-                           const ProtectedAppNames& protectedAppNames, ProtectionPolicy policy)
-    : observable_(observable),
-      log_(log),
+ReviewTarget::ReviewTarget(const Services& services, const LatestSample& sample,
+                           ProtectionPolicy policy)
+    : log_(services.log),
+      settings_(services.settings),
       sample_(sample),
-      protectedAppNames_(protectedAppNames),
       policy_(policy),
+      observable_(services.jobs.mainQueue()),
       optimizeStep_(firstStep) {}
 
 void ReviewTarget::setOptimizeStep(std::string step) {
@@ -48,55 +50,53 @@ void ReviewTarget::selectProcess(const ProcessSample& process) {
                                 process.displayName()));
 }
 
-void ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleRows) {
+Outcome ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleRows) {
     if (visibleRows.empty()) {
         log_.setLastAction("No process is available to select.");
-        return;
+        return Outcome::refused(log_.lastAction());
     }
     const ProcessSample& first = visibleRows.front();
     selectProcess(first);
     log_.setLastAction(fmt::format(
         "Selected {} from CPU + Memory Processes. No action has run yet.", first.displayName()));
+    return Outcome::done(log_.lastAction());
 }
 
-void ReviewTarget::selectTopProcess() {
+Outcome ReviewTarget::selectTopProcess() {
     const auto& snapshot = sample_.snapshot();
     if (!snapshot || snapshot->topProcesses.empty()) {
-        log_.recordMessage("No process sample is available yet.");
-        return;
+        return log_.record(Outcome::refused("No process sample is available yet."));
     }
     const ProcessSample& top = snapshot->topProcesses.front();
     if (isProtectedTarget(top)) {
-        log_.recordMessage(
+        return log_.record(Outcome::refused(
             fmt::format("Top process is protected: {}. Select another process to optimize.",
-                        top.displayName()));
-        return;
+                        top.displayName())));
     }
     setTarget(top.pid, appGroupName(top));
     setOptimizeStep(fmt::format(
         "2. {} is selected for review. Choose a confirmed action when ready.", top.displayName()));
-    log_.recordMessage(
-        fmt::format("Selected {}, currently the heaviest process.", top.displayName()));
+    return log_.record(Outcome::done(
+        fmt::format("Selected {}, currently the heaviest process.", top.displayName())));
 }
 
-void ReviewTarget::selectTopApp() {
+Outcome ReviewTarget::selectTopApp() {
     const auto& snapshot = sample_.snapshot();
     if (!snapshot || snapshot->appImpacts.empty() || !snapshot->appImpacts.front().topPID) {
-        log_.recordMessage("No app impact sample is available yet.");
-        return;
+        return log_.record(Outcome::refused("No app impact sample is available yet."));
     }
     const AppImpact& group = snapshot->appImpacts.front();
     // A top process that has left the table since is let through: reviewing it harms nothing.
     const ProcessSample* row = findProcess(sample_.latestProcesses(), *group.topPID);
     if (row != nullptr && isProtectedTarget(*row)) {
-        log_.recordMessage(
-            "Top app includes protected system processes. Select a safer app group.");
-        return;
+        return log_.record(Outcome::refused(
+            "Top app includes protected system processes. Select a safer app group."));
     }
     setTarget(*group.topPID, group.name);
     setOptimizeStep(fmt::format(
         "2. {} is selected for review. Nothing has been quit or purged yet.", group.name));
-    log_.recordMessage(fmt::format("Selected the heaviest process inside {}.", group.name));
+    return log_.record(
+        Outcome::done(fmt::format("Selected the heaviest process inside {}.", group.name)));
 }
 
 void ReviewTarget::clearOperationTarget() {
@@ -104,7 +104,7 @@ void ReviewTarget::clearOperationTarget() {
     selectedStartTime_ = 0;
     selectedCommand_.clear();
     selectedAppImpactName_.reset();
-    optimizeStep_ = firstStep;
+    setOptimizeStep(firstStep);
     log_.recordMessage("Cleared selected operation target.");
 }
 
@@ -138,7 +138,7 @@ SelectedTargetSummary ReviewTarget::selectedTargetSummary() const {
 }
 
 bool ReviewTarget::isProtectedTarget(const ProcessSample& process) const {
-    return !isSafeTarget(process, protectedAppNames_, policy_);
+    return !isSafeTarget(process, settings_.values().protectedAppNames, policy_);
 }
 
 }  // namespace tallowcrest

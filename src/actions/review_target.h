@@ -8,6 +8,8 @@
 #include "core/activity_log.h"
 #include "core/local_records.h"
 #include "core/observable.h"
+#include "core/outcome.h"
+#include "core/services.h"
 #include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
@@ -26,8 +28,10 @@ struct SelectedTargetSummary {
 /// A selection survives samples in which its process is gone. Main thread.
 class ReviewTarget {
 public:
-    ReviewTarget(Observable& observable, ActivityLog& log, const LatestSample& sample,
-                 const ProtectedAppNames& protectedAppNames, ProtectionPolicy policy);
+    /// The references must outlive the object.
+    ReviewTarget(const Services& services, const LatestSample& sample, ProtectionPolicy policy);
+    ReviewTarget(const ReviewTarget&) = delete;
+    ReviewTarget& operator=(const ReviewTarget&) = delete;
 
     /// Who moved the review to where it is.
     enum class ChosenBy { owner, rule };
@@ -53,11 +57,11 @@ public:
     /// Selects a row of the process list, whatever it is: reviewing is always allowed.
     void selectProcess(const ProcessSample& process);
     /// Selects the first row of the list as the owner sees it.
-    void selectFirstProcess(const std::vector<ProcessSample>& visibleRows);
+    Outcome selectFirstProcess(const std::vector<ProcessSample>& visibleRows);
     /// Selects the heaviest process, unless it is protected.
-    void selectTopProcess();
+    Outcome selectTopProcess();
     /// Selects the heaviest process of the heaviest group, unless it is protected.
-    void selectTopApp();
+    Outcome selectTopApp();
     /// Moves the review to a group and one process of it; the step stays.
     void setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser = ChosenBy::owner);
     void clearOperationTarget();
@@ -67,14 +71,16 @@ public:
     /// The built-in protection or the owner's Never Quit list.
     bool isProtectedTarget(const ProcessSample& process) const;
 
+    Observable& observable() { return observable_; }
+
 private:
     const ProcessSample* findSelected(const std::vector<ProcessSample>& rows) const;
 
-    Observable& observable_;
     ActivityLog& log_;
+    SettingsOwner& settings_;
     const LatestSample& sample_;
-    const ProtectedAppNames& protectedAppNames_;
     ProtectionPolicy policy_;
+    Observable observable_;
     std::optional<std::int64_t> selectedPID_;
     std::uint64_t selectedStartTime_ = 0;
     std::string selectedCommand_;

@@ -3,11 +3,8 @@
 namespace tallowcrest {
 
 ToolRunner::ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed,
-                       ToolLauncher& launcher, MainQueue& mainQueue, ActivityLog& activityLog)
-    : allowed_(allowed),
-      launcher_(launcher),
-      mainQueue_(mainQueue),
-      recorder_(std::make_shared<Recorder>(Recorder{activityLog})) {}
+                       ToolLauncher& launcher, Jobs& jobs, ActivityLog& activityLog)
+    : allowed_(allowed), launcher_(launcher), activityLog_(activityLog), jobs_(jobs) {}
 
 std::string ToolRunner::runTool(const std::string& path, const std::vector<std::string>& arguments,
                                 std::chrono::milliseconds timeout) {
@@ -21,19 +18,12 @@ std::string ToolRunner::runSSH(const std::vector<std::string>& arguments,
 
 std::string ToolRunner::runIfAllowed(const ToolRequest& request) {
     if (!CommandSafetyPolicy::isAllowedExecutable(allowed_, request.path)) {
-        postBlockedMessage();
+        jobs_.postToMain([&log = activityLog_] {
+            log.recordMessage("Blocked executable outside Tallowcrest's command allowlist.");
+        });
         return {};
     }
     return launchForText(launcher_, request);
-}
-
-void ToolRunner::postBlockedMessage() {
-    mainQueue_.post([weakRecorder = std::weak_ptr(recorder_)] {
-        if (const auto recorder = weakRecorder.lock()) {
-            recorder->activityLog.recordMessage(
-                "Blocked executable outside Tallowcrest's command allowlist.");
-        }
-    });
 }
 
 }  // namespace tallowcrest

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "core/activity_log.h"
-#include "core/queues.h"
+#include "core/jobs/jobs.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/tool_launcher.h"
 
@@ -19,7 +18,7 @@ namespace tallowcrest {
 class ToolRunner {
 public:
     ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed, ToolLauncher& launcher,
-               MainQueue& mainQueue, ActivityLog& activityLog);
+               Jobs& jobs, ActivityLog& activityLog);
     ToolRunner(const ToolRunner&) = delete;
     ToolRunner& operator=(const ToolRunner&) = delete;
 
@@ -37,17 +36,11 @@ public:
 
 private:
     std::string runIfAllowed(const ToolRequest& request);
-    void postBlockedMessage();
-
-    /// Lives as long as the runner: what is posted to the main queue holds it weakly.
-    struct Recorder {
-        ActivityLog& activityLog;
-    };
 
     const CommandSafetyPolicy::AllowedExecutables& allowed_;
     ToolLauncher& launcher_;
-    MainQueue& mainQueue_;
-    std::shared_ptr<Recorder> recorder_;
+    ActivityLog& activityLog_;
+    JobScope jobs_;
 };
 
 }  // namespace tallowcrest

@@ -8,17 +8,17 @@
 
 namespace tallowcrest {
 
-/// Exit status after a command line that cannot be followed.
+/// Exit status after an invalid command line.
 inline constexpr int usageStatus = 2;
 
-/// What a program is asked to do, or the status to exit with when that is done already.
+/// The options, or the status to exit with when nothing is left to do.
 struct CommandLine {
     Options options;
     std::optional<int> status;
 };
 
-/// Reads the program's arguments, its own name first among them, and answers what can be answered
-/// at once: a mistake, `--help`, `--version`.
+/// Reads the program's arguments, whose first one is its name. Handles errors, `--help` and
+/// `--version`; `status` is then set.
 CommandLine readCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace tallowcrest

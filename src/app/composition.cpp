@@ -3,8 +3,10 @@
 #include <filesystem>
 #include <utility>
 
+#include "actions/cache_purge.h"
 #include "app/console.h"
-#include "core/settings_keys.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_keys.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/icu/utc_offset.h"
@@ -17,10 +19,10 @@ std::filesystem::path settingsFile() {
     return folder.empty() ? folder : folder / "settings.sqlite";
 }
 
-OpenedStore openSettings(SettingsAccess access, WorkQueue& workQueue, const Clock& clock,
+OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
                          SqliteSettingsStore::Complain complain) {
     if (access == SettingsAccess::keep) {
-        return openSettingsStore(settingsFile(), {workQueue, clock, std::move(complain)});
+        return openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)});
     }
     OpenedStore opened = readSettingsStore(settingsFile());
     // What another run saw, perhaps days ago, must not pass for what this one sees.
@@ -31,51 +33,55 @@ OpenedStore openSettings(SettingsAccess access, WorkQueue& workQueue, const Cloc
 }  // namespace
 
 Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
-                         std::vector<std::string> processArguments, MonitorExtensions extensions,
-                         DesktopServices desktop)
-    : self_(std::make_shared<Composition*>(this)),
-      workQueue_(host::lowerThreadPriority),
-      settings_(openSettings(access, workQueue_, clock_, tellerOfFailedWrites(mainQueue))) {
+                         std::vector<std::string> processArguments, DesktopServices desktop)
+    : workQueue_(host::lowerThreadPriority),
+      jobs_(mainQueue, workQueue_),
+      ownJobs_(jobs_),
+      settings_(openSettings(access, jobs_, clock_,
+                             [this](const std::string& problem) { reportFailedWrite(problem); })) {
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
     }
     const MonitorPorts ports{
-        mainQueue,
-        workQueue_,
+        jobs_,
         clock_,
         *settings_.store,
         host::makeMetricsReader(toolLauncher_),
         host::makeTickSource(),
         std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
-        {host::makeProcessControl(toolLauncher_),
-         desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
-         std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
-                                          host::purgeTools())},
+        {{host::makeProcessControl(toolLauncher_),
+          desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
+          std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
+                                           host::purgeTools())},
+         std::move(desktop.openActivityMonitor),
+         std::move(desktop.storeOnPasteboard)},
         std::make_shared<PosixReportFolder>(host::reportsDirectory, std::move(desktop.revealFile)),
         utcOffsetOfThisMachine,
-        desktop.notifications};
-    monitor_.emplace(
-        ports,
-        HostFacts{host::activeProcessorCount(), host::protectionPolicy(), host::loginName(),
-                  std::move(processArguments), settings_.problems, host::places()},
-        std::move(extensions));
+        desktop.notifications,
+        std::move(desktop.openRoute)};
+    monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),
+                                      .protection = host::protectionPolicy(),
+                                      .loginName = host::loginName(),
+                                      .startupProblems = settings_.problems,
+                                      .places = host::places(),
+                                      .findings = {.processArguments = std::move(processArguments)},
+                                      .onlyLooks = access == SettingsAccess::look});
 }
 
-SqliteSettingsStore::Complain Composition::tellerOfFailedWrites(MainQueue& mainQueue) const {
-    return [&mainQueue, weakSelf = std::weak_ptr(self_)](const std::string& problem) {
-        complain(printableText(problem).text);
-        // On a later turn, for a message is itself a write.
-        mainQueue.post([weakSelf, problem] {
-            if (const auto self = weakSelf.lock(); self && (*self)->monitor_) {
-                (*self)->monitor_->log().recordMessage(problem);
-            }
-        });
-    };
+void Composition::reportFailedWrite(const std::string& problem) {
+    complain(printableText(problem).text);
+    // On a later turn, because a message is itself a write.
+    ownJobs_.postToMain([this, problem] {
+        if (monitor_) {
+            monitor_->log().recordMessage(problem);
+        }
+    });
 }
 
 bool Composition::shutDown() {
     constexpr std::chrono::milliseconds longestToolDeadline{2000};
     toolLauncher_.requestStop();
+    jobs_.stopAll();
     // A sample under way may still call what the monitor's components gave it.
     if (!workQueue_.finishWithin(longestToolDeadline)) {
         return false;

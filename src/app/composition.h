@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "actions/graceful_quit.h"
-#include "core/queues.h"
+#include "core/jobs/jobs.h"
 #include "integration/notification_center.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/report_folder_posix.h"
@@ -31,6 +31,10 @@ struct DesktopServices {
     std::function<std::shared_ptr<GracefulQuit>(ToolLauncher&)> makeGracefulQuit = {};
     NotificationCenter* notifications = nullptr;  ///< outlives the composition
     PosixReportFolder::Reveal revealFile = {};
+    std::function<bool()> openActivityMonitor = {};
+    std::function<void(const std::string& text)> storeOnPasteboard = {};
+    /// Shows a page in front of all windows.
+    std::function<void(AppRoute)> openRoute = {};
 };
 
 /// The monitor together with the parts of this machine that it runs on. Main thread.
@@ -39,25 +43,25 @@ public:
     /// Says on standard error what could not be read of the settings, and later when they can no
     /// longer be saved, and tells the monitor too. `mainQueue` must outlive the object.
     Composition(MainQueue& mainQueue, SettingsAccess access,
-                std::vector<std::string> processArguments, MonitorExtensions extensions,
-                DesktopServices desktop = {});
+                std::vector<std::string> processArguments, DesktopServices desktop = {});
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 
     SystemMonitor& monitor() { return *monitor_; }
 
-    /// Ends the monitor and waits for what is under way. False when a tool hangs beyond its
-    /// deadline: the process should then end without destroying this object, which would wait on.
+    /// Ends the monitor and waits for what is under way; for a change to the disk until it is
+    /// whole. False when a tool hangs beyond its deadline: the process should then end without
+    /// destroying this object, which would wait on.
     [[nodiscard]] bool shutDown();
 
 private:
-    SqliteSettingsStore::Complain tellerOfFailedWrites(MainQueue& mainQueue) const;
+    void reportFailedWrite(const std::string& problem);
 
-    /// Gone with this object, so that what is still posted then finds nothing to tell.
-    std::shared_ptr<Composition*> self_;
     SystemClock clock_;
     PosixToolLauncher toolLauncher_;
     ThreadWorkQueue workQueue_;
+    Jobs jobs_;
+    JobScope ownJobs_;
     OpenedStore settings_;
     std::optional<SystemMonitor> monitor_;
 };

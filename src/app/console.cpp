@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "core/control_characters.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {

@@ -13,8 +13,8 @@
 #include "app/composition.h"
 #include "app/console.h"
 #include "app/startup_trace.h"
-#include "platform/base/standard_streams.h"
-#include "platform/desktop/desktop_applications.h"
+#include "platform/base/descriptor_setup.h"
+#include "platform/base/environment.h"
 #include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
@@ -110,7 +110,7 @@ Instance becomeTheInstance() {
     // Without a guard two windows are possible, which is better than none.
     InstanceStart start =
         startInstance(instancePlace(instanceEnvironment(host::dataDirectory().string())),
-                      {desktopActivationToken()});
+                      {startupActivationToken()});
     switch (start.outcome) {
         case InstanceStart::Outcome::first:
             break;
@@ -133,17 +133,14 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
     QtMainQueue mainQueue;
     const std::unique_ptr<NotificationCenter> notifications = desktop::makeNotificationCenter();
     QPointer<DashboardWindow> shownWindow;
-    MonitorExtensions extensions;
-    extensions.openActivityMonitor = openActivityMonitor;
-    extensions.storeOnPasteboard = desktop::storeOnClipboard;
-    extensions.bringToFront = [&shownWindow] {
+    const auto openRoute = [&shownWindow](AppRoute route) {
         if (shownWindow != nullptr) {
-            shownWindow->bringToFront();
+            shownWindow->openRoute(route);
         }
     };
     Composition composition(mainQueue, SettingsAccess::keep, std::move(arguments),
-                            std::move(extensions),
-                            {desktop::makeGracefulQuit, notifications.get(), desktop::revealFile});
+                            {desktop::makeGracefulQuit, notifications.get(), desktop::revealFile,
+                             desktop::openActivityMonitor, desktop::storeOnClipboard, openRoute});
     int status = 0;
     {
         DashboardWindow window(composition.monitor(), mainQueue);

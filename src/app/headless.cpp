@@ -8,6 +8,8 @@
 #include "app/console.h"
 #include "app/headless_format.h"
 #include "platform/base/run_loop.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 namespace {
@@ -71,15 +73,10 @@ private:
 int runHeadless(const Options& options, std::vector<std::string> processArguments) {
     RunLoop loop;
     SamplePrinter printer(options, loop);
-    SystemMonitor* monitor = nullptr;
-    MonitorExtensions extensions;
-    // A run that only looks neither selects nor asks for anything, and starts nothing.
-    extensions.main.runAutoRules = [](const SystemSnapshot&) {};
-    extensions.main.sampleApplied = [&] { printer.print(*monitor); };
-    Composition composition(loop, SettingsAccess::look, std::move(processArguments),
-                            std::move(extensions));
-    monitor = &composition.monitor();
-    monitor->startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
+    Composition composition(loop, SettingsAccess::look, std::move(processArguments));
+    SystemMonitor& monitor = composition.monitor();
+    monitor.setSampleApplied([&] { printer.print(monitor); });
+    monitor.startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
     const int status = loop.run();
     if (!composition.shutDown()) {
         std::_Exit(status);

@@ -33,7 +33,7 @@ std::string localTime(Date date) {
     return fmt::format("{:%Y-%m-%d %H:%M:%S}", parts);
 }
 
-/// No machine has none: a total of zero says that nothing could be read.
+/// Shown when the total is 0, which means that nothing could be read.
 constexpr std::string_view unknownFigures = "unknown";
 
 std::string memoryFigures(const MemorySnapshot& memory) {

@@ -13,7 +13,7 @@
 #include "app/command_line.h"
 #include "app/console.h"
 #include "app/headless.h"
-#include "platform/base/standard_streams.h"
+#include "platform/base/descriptor_setup.h"
 #include "platform/host.h"
 
 // The entry program knows nothing of the window's libraries: loading them alone would cost a

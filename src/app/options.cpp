@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "app/console.h"
-#include "sampling/text_fields.h"
+#include "core/number_text.h"
 
 namespace tallowcrest {
 namespace {
@@ -13,14 +13,14 @@ namespace {
 constexpr double shortestInterval = 0.01;
 constexpr double longestInterval = 86400.0;
 
-/// An argument as it is quoted in a message.
+/// An argument, quoted and shortened for a message.
 std::string quoted(std::string_view text) {
     constexpr std::size_t longestQuote = 80;
     const std::string quote = printableText(text, longestQuote).text;
     return fmt::format("'{}{}'", quote, printableText(text).characters > longestQuote ? "..." : "");
 }
 
-/// Walks the arguments; a value may follow its option as the next argument or behind "=".
+/// Parses the arguments. A value is the next argument or follows "=" in the same one.
 class Parser {
 public:
     explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
@@ -153,7 +153,7 @@ private:
     std::size_t next_ = 0;
     std::optional<std::string_view> value_;
     Options options_;
-    bool isUITest_ = false;  ///< for the monitor, which looks for the word itself
+    bool isUITest_ = false;  ///< only accepted here: the monitor reads the arguments itself
     std::string error_;
 };
 

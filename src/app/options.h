@@ -10,24 +10,24 @@
 
 namespace tallowcrest {
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Options {
     bool showHelp = false;
     bool showVersion = false;
     bool headless = false;
     bool json = false;
     bool report = false;                                ///< print the diagnostics report and end
-    bool redacted = false;                              ///< the report for other eyes
-    std::optional<std::int64_t> samples;                ///< end after so many; absent: never
-    std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's own
+    bool redacted = false;                              ///< the report without private data
+    std::optional<std::int64_t> samples;                ///< stop after that many; absent: never
+    std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's default
 };
 
-/// One line that says what is wrong with the command line.
+/// One line that describes what is wrong with the command line.
 struct OptionsError {
     std::string message;
 };
 
-/// `arguments` are those behind the program's name.
+/// `arguments` are those after the program's name.
 std::variant<Options, OptionsError> parseOptions(const std::vector<std::string>& arguments);
 
 /// The text of `--help`.

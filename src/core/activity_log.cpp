@@ -5,36 +5,38 @@
 
 namespace tallowcrest {
 
-ActivityLog::ActivityLog(const Clock& clock, Observable& observable,
-                         std::vector<ActivityEvent> stored, Save save)
-    : clock_(clock),
-      observable_(observable),
-      save_(std::move(save)),
-      activityLog_(std::move(stored)) {}
-
 void ActivityLog::setLastAction(std::string text) {
     lastAction_ = std::move(text);
     observable_.changed();
 }
 
-void ActivityLog::recordEvent(std::string title, std::string detail) {
-    activityLog_.push_back({UUID::random(), clock_.now(), std::move(title), std::move(detail)});
-    std::rotate(activityLog_.begin(), activityLog_.end() - 1, activityLog_.end());
-    if (activityLog_.size() > maximumEvents) {
-        activityLog_.resize(maximumEvents);
-    }
-    save_(activityLog_);
+void ActivityLog::recordEvent(ActivityKind kind, std::string detail) {
+    ActivityEvent event{UUID::random(), clock_.now(), std::string(title(kind)), std::move(detail),
+                        kind};
+    activityLog_.change([&](std::vector<ActivityEvent>& events) {
+        events.push_back(std::move(event));
+        std::rotate(events.begin(), events.end() - 1, events.end());
+        if (events.size() > maximumEvents) {
+            events.resize(maximumEvents);
+        }
+    });
     observable_.changed();
 }
 
 void ActivityLog::recordMessage(const std::string& message) {
     setLastAction(message);
-    recordEvent("Action", message);
+    recordEvent(ActivityKind::action, message);
+}
+
+Outcome ActivityLog::record(Outcome outcome) {
+    if (!outcome.message.empty()) {
+        recordMessage(outcome.message);
+    }
+    return outcome;
 }
 
 void ActivityLog::clearActivityLog() {
-    activityLog_.clear();
-    save_(activityLog_);
+    activityLog_.change([](std::vector<ActivityEvent>& events) { events.clear(); });
     setLastAction("Activity log cleared.");
 }
 

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "core/clock.h"
 #include "core/local_records.h"
 #include "core/observable.h"
+#include "core/outcome.h"
+#include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
 
@@ -15,35 +16,39 @@ namespace tallowcrest {
 /// Main thread.
 class ActivityLog {
 public:
-    static constexpr std::size_t maximumEvents = 80;
+    static constexpr std::size_t maximumEvents = stored::activityLog.most;
 
-    /// Called with the whole list after each change of it.
-    using Save = std::function<void(const std::vector<ActivityEvent>&)>;
-
-    /// `stored` is what an earlier run left, newest first, taken over as it stands.
-    ActivityLog(const Clock& clock, Observable& observable, std::vector<ActivityEvent> stored,
-                Save save);
+    /// Begins with what an earlier run left. The references must outlive the object.
+    ActivityLog(const Clock& clock, SettingsOwner& settings, MainQueue& mainQueue)
+        : clock_(clock), observable_(mainQueue), activityLog_(settings, stored::activityLog) {}
+    ActivityLog(const ActivityLog&) = delete;
+    ActivityLog& operator=(const ActivityLog&) = delete;
 
     const std::string& lastAction() const { return lastAction_; }
     void setLastAction(std::string text);
 
     /// Newest first.
-    const std::vector<ActivityEvent>& activityLog() const { return activityLog_; }
+    const std::vector<ActivityEvent>& activityLog() const { return *activityLog_; }
 
-    /// Puts an event in front, drops the oldest beyond `maximumEvents`, saves. `lastAction` stays.
-    void recordEvent(std::string title, std::string detail);
+    /// Puts an event in front, under the title of its kind, and drops the oldest beyond
+    /// `maximumEvents`. `lastAction` stays.
+    void recordEvent(ActivityKind kind, std::string detail);
 
-    /// Sets `lastAction` to `message` and records it under the title "Action".
+    /// Sets `lastAction` to `message` and records it as an action.
     void recordMessage(const std::string& message);
+
+    /// Records the outcome's words, if it has any, and hands it on.
+    Outcome record(Outcome outcome);
 
     void clearActivityLog();
 
+    Observable& observable() { return observable_; }
+
 private:
     const Clock& clock_;
-    Observable& observable_;
-    Save save_;
+    Observable observable_;
     std::string lastAction_ = "Monitoring started.";
-    std::vector<ActivityEvent> activityLog_;
+    StoredList<std::vector<ActivityEvent>> activityLog_;
 };
 
 }  // namespace tallowcrest

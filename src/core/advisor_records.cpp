@@ -21,8 +21,8 @@ const ModeTexts& textsOf(AIAutonomyMode mode) {
     return texts.at(static_cast<std::size_t>(mode));
 }
 
-/// So far from the bounds of the type that no sum of weighted counts can pass them.
-std::int64_t countable(std::int64_t count) {
+/// Keeps the sum of the weighted counts within the range of the type.
+std::int64_t limited(std::int64_t count) {
     constexpr std::int64_t most = 1'000'000'000'000'000;
     return std::clamp(count, -most, most);
 }
@@ -30,8 +30,8 @@ std::int64_t countable(std::int64_t count) {
 }  // namespace
 
 std::int64_t trustScore(const AITrustRecord& record) {
-    return 20 + 8 * countable(record.approvedCount) + 14 * countable(record.runCount) -
-           20 * countable(record.blockedCount);
+    return 20 + 8 * limited(record.approvedCount) + 14 * limited(record.runCount) -
+           20 * limited(record.blockedCount);
 }
 
 std::int64_t trustPercent(const AITrustRecord& record) {

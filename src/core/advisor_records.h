@@ -59,12 +59,12 @@ struct AITrustRecord {
     bool operator==(const AITrustRecord&) const = default;
 };
 
-/// What the experience with one action type is worth: a new record scores 20, an approval adds 8
-/// and a run 14, a refusal takes 20. Counts beyond what a life of clicks could make, which only a
-/// stored value can have, count as that many. Any thread.
+/// The score of one action type: 20 for a new record, plus 8 for each approval and 14 for each run,
+/// minus 20 for each refusal. Counts are limited to 10^15 in either direction, so a damaged stored
+/// record cannot overflow the sum. Any thread.
 std::int64_t trustScore(const AITrustRecord& record);
 
-/// `trustScore` held between 0 and 100.
+/// `trustScore` limited to 0 through 100.
 std::int64_t trustPercent(const AITrustRecord& record);
 
 /// Identity: `id`. Persisted.
@@ -80,7 +80,7 @@ struct AIRuleDraft {
     bool operator==(const AIRuleDraft&) const = default;
 };
 
-/// How far the advisor may go by itself; compared by its ordinal.
+/// What the advisor may do without asking. The values are ordered.
 enum class AIAutonomyMode { apprentice, trusted, autopilot };
 
 inline constexpr std::array allAIAutonomyModes{AIAutonomyMode::apprentice, AIAutonomyMode::trusted,

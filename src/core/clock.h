@@ -4,13 +4,12 @@
 
 namespace tallowcrest {
 
-/// Wall-clock time, for what a person reads, what is stored and how often things may happen.
-/// Any thread.
+/// Wall-clock time, for display, for stored dates and for intervals between actions. Any thread.
 class Clock {
 public:
     virtual ~Clock() = default;
 
-    /// It can be set back.
+    /// Not monotonic: the user or the network can set the clock back.
     virtual Date now() const = 0;
 };
 

@@ -7,8 +7,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Removes the first `count` of more than `count` points from an encoded list. No member of a
-/// point can hold a brace, so each point ends at the first one.
+/// Removes the first `count` points from an encoded list that has more than that. No member of a
+/// point contains a brace, so each point ends at the next closing one.
 void removeFirst(std::string& text, std::size_t count) {
     std::size_t end = 1;
     for (std::size_t i = 0; i < count; ++i) {

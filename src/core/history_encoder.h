@@ -10,18 +10,18 @@
 
 namespace tallowcrest {
 
-/// Encodes a timeline that is saved again and again while it gains points at its end and loses
-/// some at its start. Only what is new is encoded, so that a save on every sample stays cheap on
-/// the main thread. Not for use from two threads at once.
+/// Encodes a timeline that is saved after every sample, gains points at its end and loses points at
+/// its start. Only new points are encoded, which keeps a save cheap on the main thread. One thread
+/// at a time.
 class HistoryEncoder {
 public:
-    /// The very text that `record_json::encode` gives for `points`. Absent when a point has no
-    /// JSON form; the next call then starts afresh.
+    /// The same text that `record_json::encode` gives for `points`. Absent when a point has no JSON
+    /// form; the next call then encodes all points again.
     std::optional<std::string> encode(std::span<const HistoryPoint> points);
 
 private:
-    /// How many of the encoded points have left the start; absent when `points` does not go on
-    /// from what was encoded.
+    /// How many of the encoded points are no longer at the start of `points`. Absent when `points`
+    /// does not continue the encoded ones.
     std::optional<std::size_t> droppedFrom(std::span<const HistoryPoint> points) const;
 
     std::vector<HistoryPoint> encoded_;

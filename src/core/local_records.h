@@ -8,30 +8,32 @@
 #include <tuple>
 #include <vector>
 
+#include "core/activity_kinds.h"
 #include "core/date.h"
 #include "core/records_hash.h"
 #include "core/uuid.h"
 
 namespace tallowcrest {
 
-// What one sample of this machine says, and what the monitor derives from it. Percent values run
-// from 0 to 100; GB is bytes divided by 2^30 and MB is KiB divided by 1024.
+// The records of one sample of this machine and those that the monitor derives from it. Percent
+// values run from 0 to 100; GB is bytes divided by 2^30 and MB is KiB divided by 1024.
 
 /// One row of the process table. Identity: `pid`.
 struct ProcessSample {
     std::int64_t pid = 0;
-    double cpu = 0.0;  ///< percent of one core, so it can pass 100
+    double cpu = 0.0;  ///< percent of one core; can exceed 100
     double memoryPercent = 0.0;
     double rssMB = 0.0;
-    std::string command;    ///< as a rule the executable's whole path
+    std::string command;    ///< usually the executable's absolute path
     std::string arguments;  ///< deliberately the same text as `command`
-    /// When the process began, in a unit of the platform's own. Numbers are given out again, so
-    /// only together with `pid` does it name one process. 0 when the source does not tell.
+    /// In a platform-specific unit. Process ids are reused; `pid` and start time together identify
+    /// one process. 0 when unknown.
     std::uint64_t startTime = 0;
 
     std::int64_t id() const { return pid; }
     /// The last path component of `command`, or `command` itself when that component is empty. A
-    /// name in brackets stands for a process without an executable and is no path: it stays whole.
+    /// name in brackets belongs to a process without an executable; it is not a path and is kept
+    /// whole.
     std::string_view displayName() const;
 
     auto fields() const {
@@ -40,11 +42,11 @@ struct ProcessSample {
     bool operator==(const ProcessSample&) const = default;
 };
 
-/// The first row with that number; null when there is none. Points into `rows`.
+/// The first row with that process id; null when there is none. Points into `rows`.
 const ProcessSample* findProcess(std::span<const ProcessSample> rows, std::int64_t pid);
 
-/// The last component of a path, trailing slashes ignored ("/usr/lib/" gives "lib"); empty when
-/// there is none. Views into `path`.
+/// The last component of a path, trailing slashes ignored ("/usr/lib/" gives "lib"). Empty when
+/// there is none. A view into `path`.
 std::string_view lastPathComponent(std::string_view path);
 
 /// One application group. Identity: `name`.
@@ -117,7 +119,7 @@ struct Recommendation {
     bool operator==(const Recommendation&) const = default;
 };
 
-/// The word shown for a severity, which is also its raw value.
+/// The displayed name of a severity, which is also its raw value.
 std::string_view title(Recommendation::Severity severity);
 
 /// One point of the session timeline. Identity: `id`. Persisted.
@@ -137,23 +139,28 @@ struct ActivityEvent {
     Date date;
     std::string title;
     std::string detail;
+    /// Not stored: told from the texts when an event is read.
+    ActivityKind kind = kindOfStoredEvent(title, detail);
 
     auto fields() const { return std::tie(id, date, title, detail); }
     bool operator==(const ActivityEvent&) const = default;
 };
 
-/// A short fact about the run so far. Identity: `id`.
+/// A short fact about the current run. Identity: `id`.
 struct SessionInsight {
+    enum class Kind { starting, peakCPU, peakMemory, topApp, remoteWatch, remoteRepeater };
+
     UUID id;
     std::string title;
     std::string value;
     std::string detail;
+    Kind kind = Kind::starting;
 
     auto fields() const { return std::tie(id, title, value, detail); }
     bool operator==(const SessionInsight&) const = default;
 };
 
-/// A change that waits for the owner's explicit yes. Identity: `id`.
+/// A change that waits for the owner's explicit confirmation. Identity: `id`.
 struct ConfirmationRequest {
     UUID id;
     std::string title;

@@ -8,7 +8,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
@@ -32,7 +32,7 @@ double rounded(double value, int fractionDigits) {
     return result == 0.0 ? 0.0 : result;
 }
 
-/// `date` has a form.
+/// Only for dates of `hasForm`.
 std::tm calendar(Date date) {
     return fmt::gmtime(static_cast<std::time_t>(std::floor(date.unixSeconds())));
 }
@@ -73,6 +73,16 @@ std::string PlainLocale::decimal(double value, int fractionDigits) const {
 std::string PlainLocale::dateAndTime(Date date) const {
     return hasForm(date) ? fmt::format("{:%Y-%m-%d %H:%M}", calendar(date))
                          : std::string(unknownDate);
+}
+
+std::string PlainLocale::hoursAndMinutes(Date date) const {
+    return hasForm(date) ? fmt::format("{:%H:%M}", calendar(date)) : std::string(unknownDate);
+}
+
+std::int64_t PlainLocale::localDay(Date date) const {
+    constexpr double secondsPerDay = 86400.0;
+    return hasForm(date) ? static_cast<std::int64_t>(std::floor(date.unixSeconds() / secondsPerDay))
+                         : 0;
 }
 
 std::string PlainLocale::timeOfDay(Date date) const {

@@ -1,6 +1,8 @@
 #include "core/number_text.h"
 
+#include <charconv>
 #include <cmath>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -8,13 +10,22 @@ namespace tallowcrest {
 namespace {
 
 std::string fixed(double value, int decimals) {
-    // The sign of what is no number says nothing.
+    // The sign of a NaN has no meaning.
     return std::isnan(value) ? "nan" : fmt::format("{:.{}f}", value, decimals);
 }
 
-/// `value` has no fraction. It need not fit an integer type; a zero loses its sign.
+/// `value` has no fraction, but need not fit an integer type. A negative zero loses its sign.
 std::string integer(double value) {
     return fixed(value + 0.0, 0);
+}
+
+/// std::from_chars accepts a minus sign but no plus sign.
+bool dropPlusSign(std::string_view& text) {
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        return !text.starts_with('-');
+    }
+    return true;
 }
 
 }  // namespace
@@ -33,6 +44,33 @@ std::string roundedToInteger(double value) {
 
 std::string cutToInteger(double value) {
     return integer(std::trunc(value));
+}
+
+std::optional<std::int64_t> parseDecimalInteger(std::string_view text) {
+    if (!dropPlusSign(text)) {
+        return std::nullopt;
+    }
+    std::int64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [parsed, error] = std::from_chars(text.data(), end, value, 10);
+    if (error != std::errc{} || parsed != end) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::optional<double> parseDecimalFloat(std::string_view text) {
+    if (!dropPlusSign(text)) {
+        return std::nullopt;
+    }
+    double value = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [parsed, error] =
+        std::from_chars(text.data(), end, value, std::chars_format::general);
+    if (error != std::errc{} || parsed != end || !std::isfinite(value)) {
+        return std::nullopt;
+    }
+    return value;
 }
 
 }  // namespace tallowcrest

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
-/// Numbers in reports and messages: with a point and no grouping, whatever the locale, so that both
-/// a person and a program can read them. A figure that is infinite or no number is "inf", "-inf" or
-/// "nan"; the largest figures are written out. Any thread.
+/// Numbers as text: with a decimal point and no grouping, whatever the locale is. Any thread.
 namespace tallowcrest {
 
-/// As "%.0f" and "%.1f" have it: of two texts that are equally near, the one with an even digit.
+// For reports and messages, which both people and programs read. Infinities and NaN are "inf",
+// "-inf" and "nan"; large values are written in full, without an exponent.
+
+/// As printf's "%.0f" and "%.1f" write it: of two texts that are equally near, the one with an even
+/// last digit.
 std::string withoutDecimals(double value);
 std::string withOneDecimal(double value);
 
@@ -16,5 +21,14 @@ std::string roundedToInteger(double value);
 
 /// Without the fraction.
 std::string cutToInteger(double value);
+
+/// The whole of `text` as a decimal integer with an optional sign. Absent for anything else, and
+/// for a number that does not fit.
+std::optional<std::int64_t> parseDecimalInteger(std::string_view text);
+
+/// The whole of `text` as a finite decimal number: an optional sign, digits with an optional point,
+/// an optional exponent. Absent for anything else, such as a hexadecimal number, an infinity or
+/// NaN, and for a number too large or too small to be represented.
+std::optional<double> parseDecimalFloat(std::string_view text);
 
 }  // namespace tallowcrest

@@ -83,4 +83,27 @@ Subscription Observable::subscribe(std::function<void()> observer) {
     return {state_, id};
 }
 
+ObserverGroup::ObserverGroup(MainQueue& mainQueue, std::function<void()> observer)
+    : mainQueue_(mainQueue),
+      observer_(std::make_shared<std::function<void()>>(std::move(observer))) {}
+
+void ObserverGroup::observe(const std::vector<Observable*>& observables) {
+    subscriptions_.clear();
+    for (Observable* each : observables) {
+        subscriptions_.push_back(each->subscribe([this] { tellOnNextTurn(); }));
+    }
+}
+
+void ObserverGroup::tellOnNextTurn() {
+    if (std::exchange(isQueued_, true)) {
+        return;
+    }
+    mainQueue_.post([this, weakObserver = std::weak_ptr(observer_)] {
+        if (const auto observer = weakObserver.lock()) {
+            isQueued_ = false;
+            (*observer)();
+        }
+    });
+}
+
 }  // namespace tallowcrest

@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
-#include "core/queues.h"
+#include "core/jobs/queues.h"
 
 namespace tallowcrest {
 
@@ -48,6 +49,25 @@ public:
 private:
     MainQueue& mainQueue_;
     std::shared_ptr<detail::ObservableState> state_;
+};
+
+/// Tells one observer of several observables: once per turn of the main queue in which any of them
+/// has changed, one turn after them. Main thread.
+class ObserverGroup {
+public:
+    /// `mainQueue` must outlive the object; the observables need not.
+    ObserverGroup(MainQueue& mainQueue, std::function<void()> observer);
+
+    /// Observes these and no others from now on.
+    void observe(const std::vector<Observable*>& observables);
+
+private:
+    void tellOnNextTurn();
+
+    MainQueue& mainQueue_;
+    std::shared_ptr<std::function<void()>> observer_;  ///< expires with the group
+    std::vector<Subscription> subscriptions_;
+    bool isQueued_ = false;
 };
 
 }  // namespace tallowcrest

@@ -4,8 +4,8 @@
 
 namespace tallowcrest {
 
-/// The places on disk that texts name and that differ between the systems, in the form in which the
-/// owner of this system knows them.
+/// The paths that appear in displayed texts and differ between platforms, in the form that is usual
+/// on this one.
 struct Places {
     std::string caches;  ///< "~/.cache"
 };

@@ -14,7 +14,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest::record_json {
 namespace {
@@ -83,8 +83,8 @@ constexpr auto members<RemoteHistoryPoint> = std::tuple(
 
 // Writing ----------------------------------------------------------------------------------------
 
-// The history is written on every sample, on the main thread, so the text is built directly. Each
-// `write` answers false when the value has no JSON form; the text is then of no use.
+// The history is written after every sample, on the main thread, so the text is built directly.
+// Each `write` returns false when the value has no JSON form; the text is then unusable.
 
 bool write(std::string& out, std::string_view text) {
     if (!isValidUTF8(text)) {
@@ -123,7 +123,7 @@ bool write(std::string& out, std::int64_t value) {
     return true;
 }
 
-// Constrained, lest a pointer to text be written as "true".
+// Constrained, so that a pointer does not convert to a flag.
 template <std::same_as<bool> Flag>
 bool write(std::string& out, Flag value) {
     out += value ? "true" : "false";
@@ -185,7 +185,7 @@ std::optional<std::string> encodeTable(const std::map<std::string, R>& records) 
 
 // Reading ----------------------------------------------------------------------------------------
 
-// Each `read` answers false when the value has the wrong type; `result` is then of no use.
+// Each `read` returns false when the value has the wrong type; `result` is then unspecified.
 
 bool read(const json& value, std::string& result) {
     const auto* text = value.get_ptr<const std::string*>();
@@ -204,8 +204,8 @@ bool read(const json& value, double& result) {
     return true;
 }
 
-/// Also accepts a whole number that some writer gave a fraction or an exponent ("3.0", "1e2"), as
-/// far as a floating-point number names one integer.
+/// Also accepts a whole number with a fraction or an exponent ("3.0", "1e2"), within the range in
+/// which a floating-point number is one exact integer.
 bool read(const json& value, std::int64_t& result) {
     if (value.is_number_float()) {
         constexpr double largestExact = 9007199254740992.0;
@@ -259,8 +259,8 @@ bool read(const json& value, R& record) {
                       members<R>);
 }
 
-/// Whether arrays and objects nest deeper than anything written here, which keeps a hostile text
-/// from costing memory or stack by its depth.
+/// Whether arrays and objects nest deeper than in anything written here. Keeps a malicious text
+/// from exhausting memory or stack by its depth.
 bool nestsTooDeep(std::string_view text) {
     constexpr int deepest = 64;
     int depth = 0;
@@ -286,7 +286,7 @@ bool nestsTooDeep(std::string_view text) {
     return false;
 }
 
-/// A discarded value, which has no type at all, when the text is not JSON.
+/// A discarded value, which has no type, when the text is not JSON.
 json parse(std::string_view text) {
     constexpr bool mayThrow = false;
     return nestsTooDeep(text) ? json(json::value_t::discarded)
@@ -351,7 +351,13 @@ std::optional<std::vector<HistoryPoint>> decodeHistory(std::string_view text) {
     return decodeList<HistoryPoint>(text);
 }
 std::optional<std::vector<ActivityEvent>> decodeActivityLog(std::string_view text) {
-    return decodeList<ActivityEvent>(text);
+    auto events = decodeList<ActivityEvent>(text);
+    if (events) {
+        for (ActivityEvent& event : *events) {
+            event.kind = kindOfStoredEvent(event.title, event.detail);
+        }
+    }
+    return events;
 }
 std::optional<std::vector<AIChatMessage>> decodeChatMessages(std::string_view text) {
     return decodeList<AIChatMessage>(text);

@@ -14,7 +14,7 @@
 /// its upper-case text and a `Date` the seconds since 2001-01-01T00:00:00Z. Any thread.
 namespace tallowcrest::record_json {
 
-/// Absent when the value has no JSON form: a figure that is not finite, a text that is not UTF-8.
+/// Absent when a value has no JSON form: a number that is not finite, a text that is not UTF-8.
 std::optional<std::string> encode(const std::vector<HistoryPoint>& points);
 std::optional<std::string> encode(const std::vector<ActivityEvent>& events);
 std::optional<std::string> encode(const std::vector<AIChatMessage>& messages);
@@ -23,8 +23,8 @@ std::optional<std::string> encode(const std::vector<AIRuleDraft>& drafts);
 std::optional<std::string> encode(const std::map<std::string, RemoteProfile>& profiles);
 std::optional<std::string> encode(const std::vector<RemoteHistoryPoint>& points);
 
-/// All or nothing: absent when the text is not JSON or when any record lacks a member or has one of
-/// the wrong type. Unknown members are ignored.
+/// Absent as a whole when the text is not JSON, or when any record lacks a member or has one of the
+/// wrong type. Unknown members are ignored.
 std::optional<std::vector<HistoryPoint>> decodeHistory(std::string_view text);
 std::optional<std::vector<ActivityEvent>> decodeActivityLog(std::string_view text);
 std::optional<std::vector<AIChatMessage>> decodeChatMessages(std::string_view text);

@@ -14,7 +14,7 @@
 
 namespace tallowcrest {
 
-/// A value record names its fields, in their order, once; hashing is derived from that list.
+/// A value record lists its fields once, in order. Its hash is derived from that list.
 template <class T>
 concept Record = requires(const T& record) {
     record.fields();
@@ -51,7 +51,7 @@ std::size_t hashField(const T& value) {
                    value.fields());
         return seed;
     } else if constexpr (std::is_floating_point_v<T>) {
-        // Equal values hash alike: adding +0.0 turns -0.0 into +0.0.
+        // Equal values need equal hashes: adding +0.0 turns -0.0 into +0.0.
         return std::hash<T>{}(value + T{0});
     } else if constexpr (std::same_as<T, Date>) {
         return hashField(value.secondsSinceReference);

@@ -101,10 +101,10 @@ struct RemoteHealth {
     bool operator==(const RemoteHealth&) const = default;
 };
 
-/// The text shown for a status, which is also its raw value.
+/// The displayed name of a status, which is also its raw value.
 std::string_view title(RemoteHealth::Status status);
 
-/// What the owner keeps about one remote host. Identity: `id`. Persisted.
+/// The owner's settings for one remote host. Identity: `id`. Persisted.
 struct RemoteProfile {
     std::string id;
     std::string nickname;
@@ -123,7 +123,7 @@ struct RemoteHistoryPoint {
     Date date;
     double cpu = 0.0;
     double memory = 0.0;
-    std::string status;  ///< the display title of the scan's status
+    std::string status;  ///< the title of the scan's status
 
     auto fields() const { return std::tie(id, hostName, date, cpu, memory, status); }
     bool operator==(const RemoteHistoryPoint&) const = default;

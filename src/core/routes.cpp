@@ -55,17 +55,6 @@ const SectionTexts& textsOf(DashboardSection section) {
     return sectionTexts.at(static_cast<std::size_t>(section));
 }
 
-template <class Cases>
-auto caseWithRawValue(const Cases& cases, std::string_view text)
-    -> std::optional<typename Cases::value_type> {
-    for (const auto candidate : cases) {
-        if (rawValue(candidate) == text) {
-            return candidate;
-        }
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 std::string_view rawValue(AppRoute route) {
@@ -80,18 +69,12 @@ std::string_view subtitle(AppRoute route) {
 std::string_view symbol(AppRoute route) {
     return textsOf(route).symbol;
 }
-std::optional<AppRoute> appRouteFromRawValue(std::string_view text) {
-    return caseWithRawValue(allAppRoutes, text);
-}
 
 std::string_view rawValue(DashboardSection section) {
     return textsOf(section).rawValue;
 }
 std::string_view title(DashboardSection section) {
     return textsOf(section).title;
-}
-std::optional<DashboardSection> dashboardSectionFromRawValue(std::string_view text) {
-    return caseWithRawValue(allDashboardSections, text);
 }
 
 std::string_view title(ActivityListMode) {

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <string_view>
 
 namespace tallowcrest {
 
-/// The destinations of the sidebar, in their order there.
+/// The destinations of the sidebar, in the order shown.
 enum class AppRoute {
     overview,
     load,
@@ -29,10 +28,8 @@ std::string_view title(AppRoute route);
 std::string_view subtitle(AppRoute route);
 /// The name of the route's icon.
 std::string_view symbol(AppRoute route);
-/// Absent unless `text` is exactly a raw value.
-std::optional<AppRoute> appRouteFromRawValue(std::string_view text);
 
-/// The collapsible sections of the dashboard, in their order there.
+/// The collapsible sections of the dashboard, in the order shown.
 enum class DashboardSection {
     gauges,
     sessionInsights,
@@ -57,7 +54,6 @@ inline constexpr std::array allDashboardSections{
 
 std::string_view rawValue(DashboardSection section);
 std::string_view title(DashboardSection section);
-std::optional<DashboardSection> dashboardSectionFromRawValue(std::string_view text);
 
 /// How the process list is presented.
 enum class ActivityListMode { load };

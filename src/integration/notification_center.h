@@ -14,7 +14,7 @@ struct NotificationAction {
     bool operator==(const NotificationAction&) const = default;
 };
 
-/// The buttons, in their order, of the notifications that name this category.
+/// The buttons, in order, of the notifications with this category.
 struct NotificationCategory {
     std::string identifier;
     std::vector<NotificationAction> actions;
@@ -22,7 +22,7 @@ struct NotificationCategory {
     bool operator==(const NotificationCategory&) const = default;
 };
 
-/// What one notification says. Plain texts: nothing in them is markup.
+/// The content of one notification, as plain text without markup.
 struct NotificationContent {
     std::string title;
     std::string body;
@@ -33,26 +33,26 @@ struct NotificationContent {
     bool operator==(const NotificationContent&) const = default;
 };
 
-/// The desktop's notifications. Nothing that goes wrong is told: where no notification can be
-/// shown, none is. Main thread, and so are the responses.
+/// The desktop's notifications. Failures are not reported: where notifications are unavailable,
+/// nothing is shown. Main thread, responses included.
 class NotificationCenter {
 public:
-    /// What stands for a plain click on the notification itself; no button may bear it.
+    /// The identifier of a click on the notification itself; no button may use it.
     static constexpr const char* plainClick = "default";
 
     virtual ~NotificationCenter() = default;
 
-    /// Replaces the categories known so far.
+    /// Replaces the categories set before.
     virtual void setCategories(std::vector<NotificationCategory> categories) = 0;
 
-    /// Asks the owner for leave to show banners and play sounds, where the system wants that.
+    /// Asks the owner for permission to show banners and play sounds, where the system requires it.
     virtual void requestAuthorization() = 0;
 
-    /// Shows one at once, also while the program is in front. Returns before it is on the screen.
+    /// Shows a notification, even while the program is in front. Returns before it is on screen.
     virtual void post(NotificationContent content) = 0;
 
-    /// `respond` is called with the identifier of the button that was pressed, or `plainClick`.
-    /// Replaces the one set before; an empty one ends the responses.
+    /// `respond` is called with the identifier of the pressed button, or `plainClick`. Replaces the
+    /// handler set before; an empty one removes it.
     virtual void setResponseHandler(std::function<void(const std::string& identifier)> respond) = 0;
 };
 

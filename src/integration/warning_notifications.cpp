@@ -14,9 +14,17 @@ constexpr const char* scanRemotes = "SCAN_REMOTES";
 
 }  // namespace
 
-WarningNotifications::WarningNotifications(NotificationCenter* center, const Settings& settings,
-                                           Hooks hooks)
-    : center_(center), settings_(settings), hooks_(std::move(hooks)) {
+WarningNotifications::WarningNotifications(NotificationCenter* center, SettingsOwner& settings,
+                                           OpenRoute openRoute)
+    : center_(center),
+      settings_(settings),
+      openRoute_(std::move(openRoute)),
+      settingsChanged_(settings.observable().subscribe([this] {
+          if (registeredWithActions_ &&
+              *registeredWithActions_ != settings_.values().notificationsIncludeActions) {
+              registerNotificationCategories();
+          }
+      })) {
     if (center_ != nullptr) {
         center_->setResponseHandler(
             [this](const std::string& identifier) { handleNotificationAction(identifier); });
@@ -33,7 +41,8 @@ void WarningNotifications::registerNotificationCategories() {
     if (center_ == nullptr) {
         return;
     }
-    if (settings_.notificationsIncludeActions) {
+    registeredWithActions_ = settings_.values().notificationsIncludeActions;
+    if (*registeredWithActions_) {
         center_->setCategories({{warningCategory,
                                  {{openOptimize, "Review Cleanup"},
                                   {openAI, "AI Analyze"},
@@ -52,27 +61,17 @@ void WarningNotifications::postLoadWarning(const std::string& topProcessName) {
                    fmt::format("System load is high. Top process: {}. Open Tallowcrest to review "
                                "optimization options.",
                                topProcessName),
-                   settings_.notificationsIncludeActions ? warningCategory : "", true});
+                   settings_.values().notificationsIncludeActions ? warningCategory : "", true});
 }
 
 void WarningNotifications::handleNotificationAction(const std::string& identifier) {
-    const auto go = [this](AppRoute route, const std::function<void()>& then = {}) {
-        if (hooks_.openRoute) {
-            hooks_.openRoute(route);
-        }
-        if (then) {
-            then();
-        }
-    };
-    if (identifier == openOptimize) {
-        go(AppRoute::optimizationSuggestions);
-    } else if (identifier == openAI) {
-        go(AppRoute::aiAdvisor, hooks_.requestAIAnalysis);
-    } else if (identifier == scanRemotes) {
-        go(AppRoute::remoteMacs, hooks_.scanRemoteMacs);
-    } else {
-        go(AppRoute::overview);
+    if (!openRoute_) {
+        return;
     }
+    openRoute_(identifier == openOptimize  ? AppRoute::optimizationSuggestions
+               : identifier == openAI      ? AppRoute::aiAdvisor
+               : identifier == scanRemotes ? AppRoute::remoteMacs
+                                           : AppRoute::overview);
 }
 
 }  // namespace tallowcrest

@@ -1,45 +1,44 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/routes.h"
-#include "core/settings.h"
+#include "core/settings/settings_owner.h"
 #include "integration/notification_center.h"
 
 namespace tallowcrest {
 
-/// Tells a load warning to the owner as a notification, and does what its buttons say.
-/// Main thread.
+/// Shows a load warning as a notification and handles its buttons. Main thread.
 class WarningNotifications {
 public:
-    /// Where a button leads.
-    struct Hooks {
-        /// Selects the route and brings the window to the front on it.
-        std::function<void(AppRoute)> openRoute;
-        std::function<void()> requestAIAnalysis;  ///< absent: the route alone
-        std::function<void()> scanRemoteMacs;     ///< absent: the route alone
-    };
+    /// Selects the route and brings the window to the front on it.
+    using OpenRoute = std::function<void(AppRoute)>;
 
-    /// Without a centre there are no notifications. The references must outlive the object.
-    WarningNotifications(NotificationCenter* center, const Settings& settings, Hooks hooks);
+    /// Without a centre there are no notifications. `openRoute` may be absent where there is no
+    /// window. The references must outlive the object.
+    WarningNotifications(NotificationCenter* center, SettingsOwner& settings, OpenRoute openRoute);
     ~WarningNotifications();
     WarningNotifications(const WarningNotifications&) = delete;
     WarningNotifications& operator=(const WarningNotifications&) = delete;
 
-    /// Registers the buttons, or none while the owner wants none, and asks for leave to notify.
+    /// Registers the buttons, or none if the settings say so, and asks for permission to notify.
+    /// Called again by itself when the setting changes.
     void registerNotificationCategories();
 
-    /// A delivery that fails is not noticed.
+    /// A failed delivery is not reported.
     void postLoadWarning(const std::string& topProcessName);
 
-    /// Whatever is no button of ours counts as a plain click.
+    /// An unknown identifier counts as a plain click.
     void handleNotificationAction(const std::string& identifier);
 
 private:
     NotificationCenter* center_;
-    const Settings& settings_;
-    Hooks hooks_;
+    SettingsOwner& settings_;
+    OpenRoute openRoute_;
+    std::optional<bool> registeredWithActions_;  ///< absent before the first registration
+    Subscription settingsChanged_;
 };
 
 }  // namespace tallowcrest

@@ -1,24 +1,21 @@
 #include "monitor/auto_rules.h"
 
 #include <algorithm>
-#include <array>
-#include <functional>
 #include <utility>
 
 #include "actions/app_group.h"
+#include "core/activity_log.h"
+#include "core/clock.h"
+#include "core/locale.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/load_rules.h"
 
 namespace tallowcrest {
 namespace {
 
-constexpr const char* ruleEvent = "Auto Rule";
-constexpr const char* purgeDetail = "Purged caches after sustained high memory pressure.";
-
-template <class IsDetail>
-std::optional<Date> lastLogged(std::span<const ActivityEvent> log, const IsDetail& isDetail) {
-    const auto found = std::find_if(log.begin(), log.end(), [&](const ActivityEvent& event) {
-        return event.title == ruleEvent && isDetail(event.detail);
-    });
+std::optional<Date> lastLogged(std::span<const ActivityEvent> log, ActivityKind kind) {
+    const auto found = std::find_if(
+        log.begin(), log.end(), [kind](const ActivityEvent& event) { return event.kind == kind; });
     return found != log.end() ? std::optional(found->date) : std::nullopt;
 }
 
@@ -29,12 +26,10 @@ std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dat
     switch (which) {
         case AutomationSwitch::autoSelectTopOffender:
             return dates.lastAutoSelectDate ? dates.lastAutoSelectDate
-                                            : lastLogged(log, load_rules::isAutoSelectDetail);
+                                            : lastLogged(log, ActivityKind::autoSelect);
         case AutomationSwitch::autoPurgeSustainedMemory:
             return dates.lastAutoPurgeDate ? dates.lastAutoPurgeDate
-                                           : lastLogged(log, [](const std::string& each) {
-                                                 return each == purgeDetail;
-                                             });
+                                           : lastLogged(log, ActivityKind::autoPurge);
         case AutomationSwitch::autoScanRemoteMacs:
             return dates.lastAutoRemoteScanDate;
         case AutomationSwitch::diskAutopilotEnabled:
@@ -46,94 +41,85 @@ std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dat
     return std::nullopt;
 }
 
-AutoRules::AutoRules(Surroundings surroundings, Hooks hooks)
-    : with_(std::move(surroundings)), hooks_(std::move(hooks)) {}
+AutoRules::AutoRules(Dependencies dependencies) : with_(std::move(dependencies)) {}
+
+const Settings& AutoRules::settings() const {
+    return with_.services.settings.values();
+}
 
 void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
-    const std::array<std::function<void()>, 4> rules{
-        [&] { selectTopOffender(snapshot); },
-        [&] { askForPurge(); },
-        [&] { scanRemotes(); },
-        [&] {
-            if (hooks_.checkDiskAutopilot) {
-                hooks_.checkDiskAutopilot(snapshot);
-            }
-        },
-    };
-    for (const auto& rule : rules) {
-        // Looked at before each: what a rule sets off may have engaged it.
-        if (with_.settings.automationEmergencyStopEngaged) {
-            return;
-        }
-        rule();
+    // Looked at before each rule: what one sets off may have engaged the stop.
+    const auto mayRun = [this] { return !settings().automationEmergencyStopEngaged; };
+    if (mayRun()) {
+        selectTopOffender(snapshot);
+    }
+    if (mayRun()) {
+        askForPurge();
+    }
+    if (mayRun()) {
+        scanRemotes();
     }
 }
 
 void AutoRules::selectTopOffender(const SystemSnapshot& snapshot) {
-    const Settings& settings = with_.settings;
-    if (!settings.autoSelectTopOffender ||
-        !load_rules::isOverThreshold(snapshot, settings.warningThreshold)) {
+    if (!settings().autoSelectTopOffender ||
+        !load_rules::isOverThreshold(snapshot, settings().warningThreshold)) {
         return;
     }
     const AppImpact* group = firstSafeGroup(snapshot.appImpacts, with_.sample.latestProcesses(),
-                                            settings.protectedAppNames, with_.protection);
+                                            settings().protectedAppNames, with_.protection);
     if (group == nullptr || with_.review.selectedAppImpactName() == group->name) {
         return;
     }
-    dates_.lastAutoSelectDate = with_.clock.now();
+    dates_.lastAutoSelectDate = with_.services.clock.now();
     with_.review.setTarget(*group->topPID, group->name, ReviewTarget::ChosenBy::rule);
-    with_.log.recordEvent(ruleEvent,
-                          load_rules::autoSelectDetail(group->name, settings.warningThreshold));
+    with_.services.log.recordEvent(
+        ActivityKind::autoSelect,
+        load_rules::autoSelectDetail(group->name, settings().warningThreshold));
 }
 
 void AutoRules::askForPurge() {
-    const Settings& settings = with_.settings;
-    const Date now = with_.clock.now();
-    if (!settings.autoPurgeSustainedMemory ||
-        !(settings.warningThreshold <= sustainedMemoryAverage()) ||
+    const Date now = with_.services.clock.now();
+    if (!settings().autoPurgeSustainedMemory ||
+        !(settings().warningThreshold <= sustainedMemoryAverage()) ||
         !load_rules::mayAct(dates_.lastAutoPurgeDate, now, load_rules::autoPurgeDistance)) {
         return;
     }
     dates_.lastAutoPurgeDate = now;
     with_.localActions.requestPurge();
-    with_.log.recordEvent(ruleEvent, purgeDetail);
+    with_.services.log.recordEvent(ActivityKind::autoPurge, std::string(autoPurgeDetail));
 }
 
 void AutoRules::scanRemotes() {
-    const Date now = with_.clock.now();
-    if (!with_.settings.autoScanRemoteMacs ||
-        (hooks_.remoteScanInProgress && hooks_.remoteScanInProgress()) ||
+    const Date now = with_.services.clock.now();
+    if (with_.remote == nullptr || !settings().autoScanRemoteMacs ||
+        with_.remote->remoteScanInProgress() ||
         !load_rules::mayAct(dates_.lastAutoRemoteScanDate, now,
-                            load_rules::autoRemoteScanDistance) ||
-        !hooks_.tailDevices) {
+                            load_rules::autoRemoteScanDistance)) {
         return;
     }
-    const auto devices = hooks_.tailDevices();
+    const auto devices = with_.remote->tailDevices();
     const bool hasMac = std::any_of(devices.begin(), devices.end(), [this](const TailDevice& each) {
-        return each.online && with_.locale.containsIgnoringCase(each.os, "mac");
+        return each.online && with_.services.locale.containsIgnoringCase(each.os, "mac");
     });
     if (!hasMac) {
         return;
     }
     dates_.lastAutoRemoteScanDate = now;
-    if (hooks_.scanRemoteMacs) {
-        hooks_.scanRemoteMacs();
-    }
+    with_.remote->scanRemoteMacs();
 }
 
 void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {
-    if (!load_rules::isOverThreshold(snapshot, with_.settings.warningThreshold)) {
+    if (!load_rules::isOverThreshold(snapshot, settings().warningThreshold)) {
         return;
     }
-    const Date now = with_.clock.now();
+    const Date now = with_.services.clock.now();
     if (!load_rules::mayWarn(dates_.lastWarningDate, now)) {
         return;
     }
     dates_.lastWarningDate = now;
-    with_.log.recordEvent("Warning", load_rules::warningDetail(snapshot));
-    if (hooks_.postLoadWarning) {
-        hooks_.postLoadWarning(load_rules::topProcessName(snapshot));
-    }
+    with_.services.log.recordEvent(ActivityKind::warning, load_rules::warningDetail(snapshot));
+    with_.notifications.postLoadWarning(load_rules::topProcessName(snapshot));
 }
 
 double AutoRules::sustainedMemoryAverage() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -8,16 +7,26 @@
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
-#include "core/activity_log.h"
-#include "core/clock.h"
-#include "core/locale.h"
+#include "core/date.h"
 #include "core/remote_records.h"
-#include "core/settings.h"
-#include "monitor/automation_dates.h"
+#include "core/services.h"
+#include "integration/warning_notifications.h"
 #include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
+
+/// When each automation last acted. Absent until it did in this run: none of this is stored, so
+/// every limit starts afresh after a restart.
+struct AutomationDates {
+    std::optional<Date> lastAutoSelectDate;
+    std::optional<Date> lastWarningDate;
+    std::optional<Date> lastAutoPurgeDate;
+    std::optional<Date> lastAutoRemoteScanDate;
+    std::optional<Date> lastDiskAutopilotCheckDate;
+
+    bool operator==(const AutomationDates&) const = default;
+};
 
 /// When an automation last acted: in this run or, for a rule that writes there, as far back as the
 /// activity log goes. `log` is newest first. Absent when it never did, and for a switch that does
@@ -25,33 +34,33 @@ namespace tallowcrest {
 std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
                               std::span<const ActivityEvent> log);
 
+/// The scans of other machines, as far as a rule starts them. Main thread.
+class AutoScan {
+public:
+    virtual ~AutoScan() = default;
+
+    /// Valid until the main thread does something else.
+    virtual std::span<const TailDevice> tailDevices() const = 0;
+    virtual bool remoteScanInProgress() const = 0;
+    virtual void scanRemoteMacs() = 0;
+};
+
 /// What follows from the load of a sample: the rules whose switches are on, each at its own pace,
 /// and the warning. Main thread.
 class AutoRules {
 public:
     /// What the rules look at and act through; the references must outlive them.
-    struct Surroundings {
-        ActivityLog& log;
+    struct Dependencies {
+        Services services;
         const LatestSample& sample;
         ReviewTarget& review;
         LocalActions& localActions;
-        const Settings& settings;
+        WarningNotifications& notifications;
         ProtectionPolicy protection;
-        const Clock& clock;
-        const Locale& locale;
+        AutoScan* remote = nullptr;  ///< null where other machines are not watched
     };
 
-    /// What other components have to say or do; each may be absent, and there is then nothing of
-    /// it: no other machines, no notification.
-    struct Hooks {
-        std::function<std::span<const TailDevice>()> tailDevices;
-        std::function<bool()> remoteScanInProgress;
-        std::function<void()> scanRemoteMacs;
-        std::function<void(const SystemSnapshot&)> checkDiskAutopilot;
-        std::function<void(const std::string& topProcessName)> postLoadWarning;
-    };
-
-    AutoRules(Surroundings surroundings, Hooks hooks);
+    explicit AutoRules(Dependencies dependencies);
 
     /// Runs every rule whose switch is on and whose time has come. With the emergency stop engaged
     /// nothing of it runs.
@@ -72,8 +81,9 @@ private:
     void askForPurge();
     void scanRemotes();
 
-    Surroundings with_;
-    Hooks hooks_;
+    const Settings& settings() const;
+
+    Dependencies with_;
     AutomationDates dates_;
 };
 

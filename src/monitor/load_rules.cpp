@@ -8,11 +8,6 @@
 #include "core/number_text.h"
 
 namespace tallowcrest::load_rules {
-namespace {
-
-constexpr std::string_view autoSelectStart = "Selected ";
-
-}  // namespace
 
 bool isOverThreshold(const SystemSnapshot& snapshot, double warningThreshold) {
     return warningThreshold <= snapshot.cpuPercent || warningThreshold <= snapshot.memory.pressure;
@@ -52,12 +47,8 @@ std::string warningDetail(const SystemSnapshot& snapshot) {
 }
 
 std::string autoSelectDetail(std::string_view group, double warningThreshold) {
-    return fmt::format("{}{} because system load crossed {}%.", autoSelectStart, group,
+    return fmt::format("Selected {} because system load crossed {}%.", group,
                        cutToInteger(warningThreshold));
-}
-
-bool isAutoSelectDetail(std::string_view detail) {
-    return detail.starts_with(autoSelectStart);
 }
 
 }  // namespace tallowcrest::load_rules

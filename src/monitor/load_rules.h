@@ -38,7 +38,5 @@ std::string warningDetail(const SystemSnapshot& snapshot);
 
 /// The threshold is cut to a whole number here, not rounded.
 std::string autoSelectDetail(std::string_view group, double warningThreshold);
-/// Whether an event's detail is one of those.
-bool isAutoSelectDetail(std::string_view detail);
 
 }  // namespace tallowcrest::load_rules

@@ -19,8 +19,10 @@ std::string percent(double value) {
     return roundedToInteger(std::isfinite(value) ? value : 0.0);
 }
 
-SessionInsight insight(std::string title, std::string value, std::string detail) {
-    return {UUID::random(), std::move(title), std::move(value), std::move(detail)};
+using Kind = SessionInsight::Kind;
+
+SessionInsight insight(Kind kind, std::string title, std::string value, std::string detail) {
+    return {UUID::random(), std::move(title), std::move(value), std::move(detail), kind};
 }
 
 struct PeakAndAverage {
@@ -41,14 +43,14 @@ PeakAndAverage summarized(std::span<const HistoryPoint> history, double HistoryP
 
 SessionInsight peakCPU(std::span<const HistoryPoint> history) {
     const PeakAndAverage cpu = summarized(history, &HistoryPoint::cpu);
-    return insight("Peak CPU", percent(cpu.peak) + "%",
+    return insight(Kind::peakCPU, "Peak CPU", percent(cpu.peak) + "%",
                    fmt::format("Average {}% across this session.", percent(cpu.average)));
 }
 
 SessionInsight peakMemory(std::span<const HistoryPoint> history) {
     const PeakAndAverage memory = summarized(history, &HistoryPoint::memory);
     return insight(
-        "Peak Memory", percent(memory.peak) + "%",
+        Kind::peakMemory, "Peak Memory", percent(memory.peak) + "%",
         fmt::format("Average {}% pressure across this session.", percent(memory.average)));
 }
 
@@ -62,7 +64,7 @@ SessionInsight recurringTopApp(const Counts& samples, const Locale& locale) {
                        : std::is_lt(locale.compareIgnoringCase(left.first, right.first));
         });
     return insight(
-        "Recurring Top App", name,
+        Kind::topApp, "Recurring Top App", name,
         fmt::format("Led App Impact for about {}s of sampled time.", count * secondsPerSample));
 }
 
@@ -79,7 +81,7 @@ const RemoteHealth* mostPressed(std::span<const RemoteHealth> remoteHealth) {
 }
 
 SessionInsight remoteWatch(const RemoteHealth& machine) {
-    return insight("Remote Watch", machine.hostName,
+    return insight(Kind::remoteWatch, "Remote Watch", machine.hostName,
                    fmt::format("Highest scanned remote memory pressure: {}%.",
                                percent(machine.memoryPercent.value_or(0.0))));
 }
@@ -89,7 +91,7 @@ SessionInsight remoteRepeater(const Counts& samples) {
     const auto& [name, count] = *std::max_element(
         samples.begin(), samples.end(),
         [](const auto& left, const auto& right) { return left.second < right.second; });
-    return insight("Remote Repeater", name,
+    return insight(Kind::remoteRepeater, "Remote Repeater", name,
                    fmt::format("Led a remote scan {} time{}.", count, count == 1 ? "" : "s"));
 }
 
@@ -98,7 +100,7 @@ SessionInsight remoteRepeater(const Counts& samples) {
 std::vector<SessionInsight> buildSessionInsights(const SessionFindings& findings,
                                                  const Locale& locale) {
     if (findings.history.empty()) {
-        return {insight("Session", "Starting",
+        return {insight(Kind::starting, "Session", "Starting",
                         "Tallowcrest is collecting enough samples to identify patterns.")};
     }
     std::vector<SessionInsight> insights{peakCPU(findings.history), peakMemory(findings.history)};

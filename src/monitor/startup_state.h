@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/settings.h"
+#include "core/settings/settings.h"
 
 namespace tallowcrest {
 

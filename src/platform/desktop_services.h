@@ -3,25 +3,36 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "actions/graceful_quit.h"
 #include "integration/notification_center.h"
+#include "sampling/command_safety_policy.h"
 #include "sampling/tool_launcher.h"
 
-/// The desktop's services, as this operating system has them. Main thread.
+/// The services of the desktop, as this operating system provides them. Main thread.
 namespace tallowcrest::desktop {
 
-/// `launcher` must outlive it.
+/// `launcher` must outlive the result.
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher);
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
 
-/// Replaces what the clipboard holds by one plain text. It stays there after this program's end
-/// where the desktop keeps it.
+/// Replaces the content of the clipboard with a plain text. It remains after this program has ended
+/// if the desktop keeps the clipboard.
 void storeOnClipboard(const std::string& text);
 
-/// Shows a file, selected, in the file manager where one answers, else opens its folder. Returns at
-/// once; a failure is not noticed.
+/// Shows a file, selected, in a file manager; opens its folder if no file manager answers. Returns
+/// immediately. Failures are ignored.
 void revealFile(const std::filesystem::path& file);
+
+/// Starts the first application of `paths` that is installed, without a shell. The paths are
+/// absolute. A program must be in `allowed`; an application bundle is a folder, which the desktop
+/// opens. Returns false when none is installed or can be started.
+bool openFirstApplication(const std::vector<std::string>& paths,
+                          const CommandSafetyPolicy::AllowedExecutables& allowed);
+
+/// Does this with the process viewers of the system.
+bool openActivityMonitor();
 
 }  // namespace tallowcrest::desktop

@@ -14,63 +14,64 @@
 #include "sampling/system_metrics_reader.h"
 #include "sampling/tool_launcher.h"
 
-/// What differs between the operating systems, chosen by the build. Any thread unless told
-/// otherwise.
+/// The functions that differ between operating systems; the build selects the implementation. Any
+/// thread.
 namespace tallowcrest::host {
 
-/// The tools that may be launched here.
+/// The tools that may be launched on this system.
 const CommandSafetyPolicy::AllowedExecutables& allowedExecutables();
 
-/// The readers of this system. `launcher` must outlive the reader where tools are its source. Where
-/// a reader keeps many files open, this also raises the process's limit on them.
+/// The readers of this system. `launcher` must outlive the metrics reader. Also raises the
+/// process's limit of open files where the reader keeps many of them open.
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher);
 std::shared_ptr<CPUTickSource> makeTickSource();
 
-/// Finds and signals this system's processes. `launcher` must outlive it where a tool does that.
+/// Finds and signals processes. `launcher` must outlive it.
 std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher& launcher);
 
-/// Whether the process that a sample told of still runs. One without a start time stands for
-/// whichever process bears its number.
+/// Whether the sampled process is still running. A sample without a start time matches any process
+/// with its pid.
 bool isStillThere(const ProcessSample& sample);
 
-/// The tools that purge the file caches for the user that this process runs as, in their order.
+/// The tools that purge the file caches, to be run in this order. They depend on the user that this
+/// process runs as.
 std::vector<ToolRequest> purgeTools();
 
-/// What must not be quit here, with this process's own identifier.
+/// The processes that must not be quit on this system, this process among them.
 ProtectionPolicy protectionPolicy();
 
-/// Cores that are switched on, at least 1, whichever of them this process is confined to.
+/// The number of cores that are online, at least 1, even if this process may use only some of them.
 int activeProcessorCount();
 
-/// The user's login name; empty when the system does not know one.
+/// The user's login name; empty when unknown.
 std::string loginName();
 
-/// The program's own folder for what it keeps of the user's, as an absolute path. It need not
-/// exist. Empty when the system does not tell where the user's data belongs.
+/// The folder of the program's own data for this user, as an absolute path. It need not exist.
+/// Empty when it cannot be determined.
 std::filesystem::path dataDirectory();
 
-/// The places that texts name: the one table of them.
+/// The places on disk that displayed texts name.
 Places places();
 
-/// The folder for exported reports, as an absolute path. It need not exist. Empty when the system
-/// does not tell where the user's documents belong. May read a file.
+/// The folder for exported reports, as an absolute path. It need not exist. Empty when it cannot be
+/// determined. May read a file.
 std::filesystem::path reportsDirectory();
 
-/// The running program's own file; empty when the system does not tell.
+/// The file of the running program; empty when unknown.
 std::filesystem::path executablePath();
 
-/// The system's own process viewers, as absolute paths in the order in which they are tried; not
-/// all of them need be installed.
+/// The absolute paths of the system's process viewers, in the order in which to try them. Not all
+/// of them need be installed.
 std::vector<std::string> activityMonitors();
 
-/// Gives the calling thread utility priority: a low share of the processor and disk access only
-/// when nobody else wants it. Where the system refuses, the thread keeps what it has.
+/// Gives the calling thread utility priority: a low share of the processor, and disk access only
+/// when no other process wants it. Where the system refuses, the priority stays.
 void lowerThreadPriority();
 
-/// How long this process has been running, to the system's own accuracy; 0 when it does not tell.
+/// How long this process has been running, as accurately as the system knows; 0 when unknown.
 std::chrono::duration<double, std::milli> timeSinceProcessStart();
 
-/// Whether a window could be opened, as far as the environment tells.
+/// Whether the environment names a display to open windows on.
 bool hasDisplay();
 
 }  // namespace tallowcrest::host

@@ -31,7 +31,7 @@ void addRows(Lines& lines, const Items& items, std::string_view whenEmpty, Row r
     }
 }
 
-/// A blank line and the heading of what follows.
+/// Adds a blank line and the heading.
 void beginSection(Lines& lines, std::string_view heading) {
     lines.emplace_back();
     lines.emplace_back(heading);
@@ -89,7 +89,7 @@ std::string actionList(std::span<const AIActionSuggestion> actions) {
     return list;
 }
 
-/// By what the records say of themselves, which in a stored table need not be their keys.
+/// By the records' own action types, which can differ from the keys of a stored table.
 std::vector<AITrustRecord> byActionType(const std::map<std::string, AITrustRecord>& records) {
     std::vector<AITrustRecord> sorted;
     for (const auto& [type, record] : records) {
@@ -110,7 +110,7 @@ void addAdvisor(Lines& lines, const DiagnosticsFacts& facts) {
     lines.push_back(fmt::format("AI autonomy mode: {}", title(settings.aiAutonomyMode)));
     lines.push_back("Last AI insight: " + reportText(facts.aiInsight));
     lines.push_back("Proposed AI actions: " + actionList(facts.aiActions));
-    // The one heading without a blank line before it: the history belongs to what stands above.
+    // No blank line before this heading: it belongs to the section above.
     lines.emplace_back("AI trust history");
     addRows(lines, byActionType(facts.aiTrustRecords), "No trust history.", formatTrustRow);
 }

@@ -9,12 +9,12 @@
 #include "core/local_records.h"
 #include "core/locale.h"
 #include "core/remote_records.h"
-#include "core/settings.h"
+#include "core/settings/settings.h"
 
 namespace tallowcrest {
 
-/// What one report tells. Views: all of it lives as long as the call that takes it. The OpenAI key
-/// itself is deliberately none of it.
+/// The content of one report. All views must stay valid during the call. The OpenAI key itself is
+/// deliberately not included.
 struct DiagnosticsFacts {
     const SystemSnapshot& snapshot;
     const Settings& settings;
@@ -27,16 +27,16 @@ struct DiagnosticsFacts {
     std::span<const ActivityEvent> activityLog;  ///< newest first; the report has the first 12
 };
 
-/// The state of the monitor at the last sample as one plain text, for the owner and for the
-/// advisor, whose only source of facts it is. Before the first sample there is none to be had.
+/// The state of the monitor at the last sample as plain text, for the owner and for the advisor,
+/// which knows nothing else.
 ///
-/// Lines are joined by single line feeds. The rows of a section without any are one empty line, or
-/// the section's own words for that. Every text of the facts is shown as `reportText` has it: the
-/// report has the lines that the facts call for and no other, and is valid UTF-8.
+/// Lines are separated by single line feeds. A section without rows has one empty line or a fixed
+/// text instead. Every text goes through `reportText`, so no text can add lines to the report. The
+/// result is valid UTF-8.
 ///
-/// `redacted` hides exactly three things: in the local table pids and, behind their application
-/// group, process names; the addresses of remote machines; and, likewise behind groups, the names
-/// in their lists of processes. A name of no known group is its own group and stays. Any thread.
+/// `redacted` hides exactly three things: pids and process names in the local table, the addresses
+/// of remote machines, and the process names of remote machines. Process names are replaced by
+/// their application group; a name without a known group is its own group and remains. Any thread.
 std::string diagnosticsReport(const DiagnosticsFacts& facts, bool redacted, const Locale& locale);
 
 }  // namespace tallowcrest

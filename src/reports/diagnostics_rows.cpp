@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
-#include "core/control_characters.h"
 #include "core/number_text.h"
+#include "core/text.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
@@ -30,9 +30,9 @@ std::string processList(const std::vector<RemoteProcess>& processes, bool redact
     return list;
 }
 
-/// What a machine's row says in words may repeat its address, as a hint on how to reach it does.
+/// Texts of a row can contain the address too, for example in a hint on how to connect.
 std::string withoutAddress(std::string text, std::string_view address) {
-    // The words that stand for a missing address are no address.
+    // Without these characters it is the text for a missing address.
     if (address.find_first_of(".:") == std::string_view::npos) {
         return text;
     }

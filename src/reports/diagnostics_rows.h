@@ -8,29 +8,29 @@
 #include "core/locale.h"
 #include "core/remote_records.h"
 
-/// One line of the diagnostics report each, without its line feed, the columns apart by tabs. Every
-/// text of a row goes through `reportText`, so a row has its columns and no more, whatever a
-/// process or a remote machine is called. Any thread.
+/// Each function gives one line of the diagnostics report, without the line feed, its columns
+/// separated by tabs. Every text goes through `reportText`, so no name can add a column. Any
+/// thread.
 namespace tallowcrest {
 
-/// `text` as it stands in a report: one piece of one line in valid UTF-8. Line ends, tabs and all
-/// else that `replacingControlCharacters` names become blanks, so that no text can pass for a line
-/// or a column of the report's own. Other texts stand to the letter.
+/// `text` as part of a line in valid UTF-8. Line ends, tabs and the other characters that
+/// `replacingControlCharacters` replaces become blanks, so that no text can look like a line or a
+/// column of the report. Other text is unchanged.
 std::string reportText(std::string_view text);
 
 std::string formatAppRow(const AppImpact& app);
 
 std::string formatInsightRow(const SessionInsight& insight);
 
-/// `redacted` has neither the pid nor the process's name but its application group.
+/// `redacted` replaces the pid, and the process name by its application group.
 std::string formatLocalProcessRow(const ProcessSample& row, bool redacted);
 
-/// Part of a row: name, CPU and memory. `redacted` names the application group instead.
+/// A part of a row: name, CPU and memory. `redacted` gives the application group as the name.
 std::string formatRemoteProcessSummary(const RemoteProcess& process, bool redacted);
 
-/// `redacted` has no address, wherever the row has it, and application groups in the list of
-/// processes. The host's name stays, and so do the two top processes, which are told as the host
-/// told them. A missing figure is 0.
+/// `redacted` hides the address wherever it occurs in the row and gives application groups in the
+/// list of processes. The host name remains, as do the two top processes in the host's own words. A
+/// missing figure is 0.
 std::string formatRemoteRow(const RemoteHealth& health, bool redacted);
 
 std::string formatTrustRow(const AITrustRecord& record);

@@ -6,22 +6,22 @@
 
 namespace tallowcrest {
 
-/// The folder that exported reports are kept in.
+/// The folder for exported reports.
 class ReportFolder {
 public:
     virtual ~ReportFolder() = default;
 
-    /// Where it is; empty when there is none. It need not be there yet. Main thread.
+    /// Its absolute path; empty when there is none. The folder need not exist yet. Main thread.
     virtual std::filesystem::path place() const = 0;
 
-    /// Writes a new file in it, whole or not at all, and makes the folder and its parents where
-    /// they are missing. Nothing is ever replaced, neither a file nor a link that bears the name.
-    /// Absent on success, else the system's words for what failed, as it does for a path that is
-    /// not absolute. Any thread, several at once.
+    /// Writes a new file in it, completely or not at all, and creates the folder and its parents if
+    /// they are missing. Never replaces an existing file or link. Absent on success, else the
+    /// system's error message; a path that is not absolute is an error. Any thread, several at
+    /// once.
     virtual std::optional<std::string> write(const std::filesystem::path& file,
                                              const std::string& text) = 0;
 
-    /// Shows the file in the desktop's file manager. Returns at once; a failure is not noticed.
+    /// Shows the file in the desktop's file manager. Returns at once; a failure is not reported.
     /// Main thread.
     virtual void reveal(const std::filesystem::path& file) = 0;
 };

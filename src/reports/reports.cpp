@@ -7,6 +7,8 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "core/activity_log.h"
+
 namespace tallowcrest {
 
 std::string exportFileName(Date date, std::int64_t utcOffsetSeconds) {
@@ -18,42 +20,46 @@ std::string exportFileName(Date date, std::int64_t utcOffsetSeconds) {
                        fmt::gmtime(seconds + utcOffsetSeconds));
 }
 
-Reports::Reports(Surroundings surroundings)
-    : with_(std::move(surroundings)), self_(std::make_shared<Reports*>(this)) {}
+Reports::Reports(Dependencies dependencies)
+    : with_(std::move(dependencies)), jobs_(with_.services.jobs) {}
 
 std::optional<std::string> Reports::diagnosticsReport(bool redacted) const {
     const auto facts = with_.facts();
-    return facts ? std::optional(tallowcrest::diagnosticsReport(*facts, redacted, with_.locale))
+    return facts ? std::optional(
+                       tallowcrest::diagnosticsReport(*facts, redacted, with_.services.locale))
                  : std::nullopt;
 }
 
-void Reports::copyDiagnosticsReport() {
-    if (const auto report = diagnosticsReport(false)) {
-        with_.pasteboard.copyToPasteboard(*report, "Copied a performance report to the clipboard.");
-    }
+Outcome Reports::copyDiagnosticsReport() {
+    const auto report = diagnosticsReport(false);
+    return report ? with_.pasteboard.copyToPasteboard(
+                        *report, "Copied a performance report to the clipboard.")
+                  : Outcome::refused({});
 }
 
-void Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
+Outcome Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
     auto report = diagnosticsReport(false);
     if (!report) {
-        with_.log.recordMessage("No diagnostic sample is available yet.");
         if (whenFailed) {
             whenFailed();
         }
-        return;
+        return with_.services.log.record(
+            Outcome::refused("No diagnostic sample is available yet."));
     }
-    const Date now = with_.clock.now();
+    const Date now = with_.services.clock.now();
     const std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
-    with_.workQueue.post([&mainQueue = with_.mainQueue, folder = with_.folder,
-                          self = std::weak_ptr(self_), file = with_.folder->place() / name,
-                          report = *std::move(report), whenFailed = std::move(whenFailed)] {
-        const std::optional<std::string> problem = folder->write(file, report);
-        mainQueue.post([self, file, problem, whenFailed] {
-            if (const auto reports = self.lock()) {
-                (*reports)->finishExport(file, problem, whenFailed);
-            }
+    const std::filesystem::path file = with_.folder->place() / name;
+    jobs_.run(
+        Lane::reports,
+        [folder = with_.folder, file, report = *std::move(report)](const Stop& stop) {
+            const auto change = stop.beginChange();
+            return change ? folder->write(file, report) : std::optional<std::string>("canceled");
+        },
+        [this, file,
+         whenFailed = std::move(whenFailed)](const std::optional<std::string>& problem) {
+            finishExport(file, problem, whenFailed);
         });
-    });
+    return Outcome::asked();
 }
 
 void Reports::finishExport(const std::filesystem::path& file,
@@ -61,11 +67,11 @@ void Reports::finishExport(const std::filesystem::path& file,
                            const std::function<void()>& whenFailed) {
     if (!problem) {
         with_.folder->reveal(file);
-        with_.log.recordMessage(
+        with_.services.log.recordMessage(
             fmt::format("Exported diagnostics to {}.", file.filename().string()));
         return;
     }
-    with_.log.recordMessage("Could not export diagnostics: " + *problem);
+    with_.services.log.recordMessage("Could not export diagnostics: " + *problem);
     if (whenFailed) {
         whenFailed();
     }

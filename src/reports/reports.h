@@ -8,10 +8,10 @@
 #include <string>
 
 #include "actions/pasteboard.h"
-#include "core/activity_log.h"
-#include "core/clock.h"
+#include "core/jobs/jobs.h"
 #include "core/locale.h"
-#include "core/queues.h"
+#include "core/outcome.h"
+#include "core/services.h"
 #include "reports/diagnostics_report.h"
 #include "reports/report_folder.h"
 
@@ -24,21 +24,17 @@ std::string exportFileName(Date date, std::int64_t utcOffsetSeconds);
 /// The diagnostics report for the owner: on the clipboard, as a file, as a text. Main thread.
 class Reports {
 public:
-    /// What the reports need; the references must outlive them.
-    struct Surroundings {
-        ActivityLog& log;
+    /// The references must outlive the object.
+    struct Dependencies {
+        Services services;
         Pasteboard& pasteboard;
-        const Clock& clock;
-        const Locale& locale;
         /// The present state. Absent before the first sample.
         std::function<std::optional<DiagnosticsFacts>()> facts;
         UTCOffset utcOffset;                   ///< never absent
         std::shared_ptr<ReportFolder> folder;  ///< never null
-        MainQueue& mainQueue;
-        WorkQueue& workQueue;
     };
 
-    explicit Reports(Surroundings surroundings);
+    explicit Reports(Dependencies dependencies);
     Reports(const Reports&) = delete;
     Reports& operator=(const Reports&) = delete;
 
@@ -46,19 +42,19 @@ public:
     std::optional<std::string> diagnosticsReport(bool redacted) const;
 
     /// Before the first sample nothing happens, not even a message.
-    void copyDiagnosticsReport();
+    Outcome copyDiagnosticsReport();
 
     /// Writes the report into a file and shows it, in the background: a disk may take its time.
     /// What became of it is recorded on a later turn, or at once before the first sample. After a
     /// failure `whenFailed` is called, if there is one.
-    void exportDiagnosticsReport(std::function<void()> whenFailed = {});
+    Outcome exportDiagnosticsReport(std::function<void()> whenFailed = {});
 
 private:
     void finishExport(const std::filesystem::path& file, const std::optional<std::string>& problem,
                       const std::function<void()>& whenFailed);
 
-    Surroundings with_;
-    std::shared_ptr<Reports*> self_;  ///< expires with the reports
+    Dependencies with_;
+    JobScope jobs_;
 };
 
 }  // namespace tallowcrest

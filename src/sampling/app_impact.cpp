@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <unordered_map>
 #include <utility>
 
@@ -13,7 +14,7 @@
 namespace tallowcrest {
 namespace {
 
-// Names into groups ------------------------------------------------------------------------------
+// Groups of names --------------------------------------------------------------------------------
 
 struct GroupRule {
     constexpr GroupRule(std::string_view text, std::string_view name, bool equal = false)
@@ -26,8 +27,8 @@ struct GroupRule {
 
 constexpr bool wholeName = true;
 
-/// The first rule that holds decides. Counts, recommendations and the Never Quit list all key on
-/// these groups, so the rules are as wide as they look: "search" belongs to "Arc".
+/// The first matching rule decides. Matches are deliberately broad ("search" belongs to "Arc"):
+/// counts, recommendations and the Never Quit list all use these groups.
 constexpr std::array groupRules{
     GroupRule{"google chrome", "Google Chrome"},
     GroupRule{"chrome helper", "Google Chrome"},
@@ -48,8 +49,8 @@ constexpr std::array groupRules{
     GroupRule{"virtualmachine", "Virtualization"},
 };
 
-/// The group as a view of the rules or of `name`. `scratch` is working space, kept by the caller
-/// so that a table of names needs no allocation each.
+/// The group, as a view into the rules or into `name`. `scratch` is working space that the caller
+/// reuses, to avoid an allocation for each name.
 std::string_view groupOf(std::string_view name, LoweredName& scratch) {
     scratch.assign(name);
     for (const GroupRule& rule : groupRules) {
@@ -62,8 +63,8 @@ std::string_view groupOf(std::string_view name, LoweredName& scratch) {
 
 // The impact orders ------------------------------------------------------------------------------
 
-/// What the process order looks at, copied out of the row: following a pointer for each comparison
-/// would cost more than the comparison in a large table.
+/// The sort key of a row, copied out of it: in a large table, following a pointer for each
+/// comparison would cost more than the comparison.
 struct RankedProcess {
     RankedProcess() = default;
     explicit RankedProcess(const ProcessSample& sample)
@@ -89,7 +90,7 @@ bool groupBefore(const AppImpact* a, const AppImpact* b) {
 
 constexpr std::size_t noRow = std::numeric_limits<std::size_t>::max();
 
-/// A group while it is being collected; its members are chained in the order of the table.
+/// A group while it is collected. Its members form a linked list in the order of the table.
 struct Group {
     std::string_view name;
     std::int64_t processCount = 0;
@@ -106,7 +107,7 @@ struct Group {
     }
 };
 
-/// The rows sorted into groups, which stand in the order of their first rows.
+/// The rows by group, the groups in the order of their first rows.
 class GroupedRows {
 public:
     GroupedRows(const std::vector<ProcessSample>& rows, const ProtectionPolicy& policy)
@@ -126,7 +127,7 @@ public:
 
     const std::vector<Group>& groups() const { return groups_; }
 
-    /// The group's top safe process; its top process when none is safe.
+    /// The group's heaviest unprotected process, or its heaviest process when all are protected.
     std::int64_t topPID(const Group& group, bool nameProtected) const {
         const bool anySafe = !nameProtected && group.protectedCount < group.processCount;
         std::vector<RankedProcess> pool;
@@ -188,11 +189,6 @@ std::vector<ProcessSample> rowsInOrder(const std::vector<ProcessSample>& rows,
     return result;
 }
 
-std::vector<ProcessSample> rankProcesses(const std::vector<ProcessSample>& rows,
-                                         std::size_t limit) {
-    return rowsInOrder(rows, impactOrder(rows), limit);
-}
-
 std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
                                        const ProtectedAppNames& protectedAppNames,
                                        const ProtectionPolicy& policy) {
@@ -228,6 +224,14 @@ std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
         ranked.push_back(std::move(*impact));
     }
     return ranked;
+}
+
+std::vector<AppImpact> listedAppImpacts(const std::vector<ProcessSample>& rows,
+                                        const ProtectedAppNames& protectedAppNames,
+                                        const ProtectionPolicy& policy) {
+    std::vector<AppImpact> groups = buildAppImpacts(rows, protectedAppNames, policy);
+    groups.resize(std::min(groups.size(), maximumAppImpacts));
+    return groups;
 }
 
 }  // namespace tallowcrest

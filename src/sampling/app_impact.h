@@ -11,31 +11,32 @@
 
 namespace tallowcrest {
 
-/// The application group of an executable name; the name unchanged when no rule holds.
+/// The application group of an executable name; the name itself when no rule matches.
 std::string normalizedAppName(std::string_view name);
 
 /// `normalizedAppName` of the row's display name.
 std::string appGroupName(const ProcessSample& row);
 
 /// The indexes of the rows in impact order: higher CPU first, and within one percentage point
-/// higher memory first. That relation is not transitive, so the result depends on the order given,
-/// which is that of the process table. Any thread.
+/// higher memory first. That relation is not transitive, so the result depends on the order of
+/// `rows`, which is that of the process table. Any thread.
 std::vector<std::size_t> impactOrder(const std::vector<ProcessSample>& rows);
 
-/// The rows that `order` names, in that order, at most `limit` of them. Any thread.
+/// The rows at the indexes in `order`, in that order, at most `limit` of them. Any thread.
 std::vector<ProcessSample> rowsInOrder(const std::vector<ProcessSample>& rows,
                                        const std::vector<std::size_t>& order,
                                        std::size_t limit = std::numeric_limits<std::size_t>::max());
 
-/// The rows in impact order, at most `limit` of them. Any thread.
-std::vector<ProcessSample> rankProcesses(
-    const std::vector<ProcessSample>& rows,
-    std::size_t limit = std::numeric_limits<std::size_t>::max());
-
-/// The application groups that hold at least 1 percent CPU or 80 MB, in impact order, not capped.
-/// Empty for no rows. Any thread.
+/// All application groups that use at least 1 percent CPU or 80 MB, in impact order. Any thread.
 std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
                                        const ProtectedAppNames& protectedAppNames,
                                        const ProtectionPolicy& policy);
+
+inline constexpr std::size_t maximumAppImpacts = 14;
+
+/// The first of those groups, as many as a snapshot has. Any thread.
+std::vector<AppImpact> listedAppImpacts(const std::vector<ProcessSample>& rows,
+                                        const ProtectedAppNames& protectedAppNames,
+                                        const ProtectionPolicy& policy);
 
 }  // namespace tallowcrest

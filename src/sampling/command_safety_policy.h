@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
-/// What may be launched on this machine. Pure; any thread.
+/// The tools that may be launched on this machine. Any thread.
 namespace tallowcrest::CommandSafetyPolicy {
 
-/// Absolute paths, compared as they stand: no normalisation, no link resolution, no search path.
+/// Absolute paths, compared exactly: no normalisation, no link resolution, no search path.
 class AllowedExecutables {
 public:
     AllowedExecutables(std::initializer_list<std::string_view> paths);
@@ -28,14 +28,14 @@ private:
 /// The twelve tools of macOS.
 const AllowedExecutables& macOSExecutables();
 
-/// The desktop's own process viewers that Linux may have, in the order in which they are tried.
+/// The process viewers of the Linux desktops, in the order in which they are tried.
 inline constexpr std::array<std::string_view, 6> linuxSystemMonitors{
     "/usr/bin/gnome-system-monitor", "/usr/bin/plasma-systemmonitor", "/usr/bin/ksysguard",
     "/usr/bin/mate-system-monitor",  "/usr/bin/xfce4-taskmanager",    "/usr/bin/lxtask"};
 
-/// The tools that are launched on Linux, where the kernel's own files and calls replace most
-/// others: the secure shell, what purges the file caches with the owner's authorisation, and
-/// `linuxSystemMonitors`.
+/// The tools that are launched on Linux: the secure shell, the tools that purge the file caches
+/// with the owner's authorisation, and `linuxSystemMonitors`. Kernel files and system calls replace
+/// the others.
 const AllowedExecutables& linuxExecutables();
 
 inline bool isAllowedExecutable(const AllowedExecutables& allowed, std::string_view path) {

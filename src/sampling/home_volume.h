@@ -9,8 +9,8 @@ class HomeVolume {
 public:
     virtual ~HomeVolume() = default;
 
-    /// Capacity, and what is free for the owner to use. A figure that cannot be read is 0. Blocks;
-    /// any thread but the main one.
+    /// Capacity, and the space available to an unprivileged user. A figure that cannot be read is
+    /// 0. Blocks; any thread but the main one.
     virtual DiskSnapshot readDiskSnapshot() = 0;
 };
 

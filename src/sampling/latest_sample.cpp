@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "sampling/app_impact.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -27,11 +29,10 @@ Counts highestCounts(const Counts& counts, std::size_t kept) {
 
 }  // namespace
 
-LatestSample::LatestSample(Observable& observable, std::vector<HistoryPoint> storedHistory,
-                           SaveHistory saveHistory)
-    : observable_(observable),
-      saveHistory_(std::move(saveHistory)),
-      history_(std::move(storedHistory)) {}
+LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue)
+    : settings_(settings),
+      observable_(mainQueue),
+      history_(settings.load(stored::history).value_or(std::vector<HistoryPoint>())) {}
 
 void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes,
                                       std::vector<std::size_t> impactOrder) {
@@ -44,9 +45,10 @@ void LatestSample::setSnapshot(SystemSnapshot snapshot) {
     observable_.changed();
 }
 
-void LatestSample::setAppImpacts(std::vector<AppImpact> appImpacts) {
+void LatestSample::regroup(const ProtectedAppNames& protectedAppNames,
+                           const ProtectionPolicy& policy) {
     if (snapshot_) {
-        snapshot_->appImpacts = std::move(appImpacts);
+        snapshot_->appImpacts = listedAppImpacts(latestProcesses_, protectedAppNames, policy);
         observable_.changed();
     }
 }
@@ -62,7 +64,7 @@ void LatestSample::appendHistoryPoint() {
         history_.erase(history_.begin(),
                        history_.end() - static_cast<std::ptrdiff_t>(maximumHistory));
     }
-    saveHistory_(history_);
+    settings_.saveEncoded(stored::history, encoder_.encode(history_));
     observable_.changed();
 }
 

@@ -3,15 +3,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "core/history_encoder.h"
 #include "core/local_records.h"
 #include "core/observable.h"
+#include "core/settings/settings_owner.h"
+#include "sampling/protection.h"
 
 namespace tallowcrest {
 
@@ -23,37 +25,38 @@ public:
     static constexpr std::size_t maximumTopAppNames = 80;
     static constexpr std::size_t keptTopAppNames = 40;
 
-    using SaveHistory = std::function<void(const std::vector<HistoryPoint>&)>;
-
-    /// `storedHistory` is taken over as it stands; the first sample trims it.
-    LatestSample(Observable& observable, std::vector<HistoryPoint> storedHistory,
-                 SaveHistory saveHistory);
+    /// Begins with the stored history as it stands; the first sample trims it. The references must
+    /// outlive the object.
+    LatestSample(SettingsOwner& settings, MainQueue& mainQueue);
+    LatestSample(const LatestSample&) = delete;
+    LatestSample& operator=(const LatestSample&) = delete;
 
     /// Absent until the first sample has landed.
     const std::optional<SystemSnapshot>& snapshot() const { return snapshot_; }
-    /// Every row of the latest process table, unranked and uncapped.
+    /// All rows of the latest process table, in the table's order.
     const std::vector<ProcessSample>& latestProcesses() const { return latestProcesses_; }
-    /// The indexes of `latestProcesses` in impact order. The snapshot's own ranking stops at its
-    /// cap; a person who looks for a process looks for any process.
+    /// The indexes of `latestProcesses` in impact order. The snapshot holds only the first of them,
+    /// but a search covers every process.
     const std::vector<std::size_t>& impactOrder() const { return impactOrder_; }
-    /// Oldest first. Begins with what an earlier run stored.
+    /// Oldest first. Begins with the points that an earlier run stored.
     const std::vector<HistoryPoint>& history() const { return history_; }
-    /// The part of it that samples of this run added. Points into the history.
+    /// The points of `history` that this run added.
     std::span<const HistoryPoint> historyOfThisRun() const {
         return std::span(history_).last(std::min(pointsOfThisRun_, history_.size()));
     }
-    /// How many samples each application group led in this run.
+    /// In how many samples of this run each application group came first.
     const std::map<std::string, std::int64_t>& topAppSamples() const { return topAppSamples_; }
 
     /// `impactOrder` holds the indexes of `processes` in impact order.
     void setLatestProcesses(std::vector<ProcessSample> processes,
                             std::vector<std::size_t> impactOrder);
     void setSnapshot(SystemSnapshot snapshot);
-    /// The groups of the snapshot under another Never Quit list. Without a snapshot, nothing.
-    void setAppImpacts(std::vector<AppImpact> appImpacts);
+    /// Groups the latest processes anew under another Never Quit list: which process of a group may
+    /// be touched must not wait for the next sample. Without a snapshot, nothing.
+    void regroup(const ProtectedAppNames& protectedAppNames, const ProtectionPolicy& policy);
     /// Appends the current snapshot's point, drops the oldest beyond `maximumHistory`, saves.
     void appendHistoryPoint();
-    /// Counts the leading group of the current snapshot, if it has one.
+    /// Counts the first group of the current snapshot, if there is one.
     void countTopApp();
 
     const std::vector<Recommendation>& recommendations() const { return recommendations_; }
@@ -61,9 +64,12 @@ public:
     const std::vector<SessionInsight>& sessionInsights() const { return sessionInsights_; }
     void setSessionInsights(std::vector<SessionInsight> insights);
 
+    Observable& observable() { return observable_; }
+
 private:
-    Observable& observable_;
-    SaveHistory saveHistory_;
+    SettingsOwner& settings_;
+    Observable observable_;
+    HistoryEncoder encoder_;
     std::optional<SystemSnapshot> snapshot_;
     std::vector<ProcessSample> latestProcesses_;
     std::vector<std::size_t> impactOrder_;

@@ -3,8 +3,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Lower-cases A to Z and the only two other letters whose lower case holds an ASCII letter. All
-/// further letters stay as they are: the needles are ASCII, so none can take part in a match.
+/// Lower-cases A to Z and the only two other letters whose lower case contains an ASCII letter.
+/// Other letters are left alone: the needles are ASCII, so those letters cannot be part of a match.
 void lowerCase(std::string_view text, std::string& lowered) {
     constexpr std::string_view kelvinSign = "\u212A";
     constexpr std::string_view dottedCapitalI = "\u0130";

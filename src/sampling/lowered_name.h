@@ -6,7 +6,7 @@
 
 namespace tallowcrest {
 
-/// One bit for each of the letters a to z that a text holds.
+/// One bit for each of the letters a to z that occurs in a text.
 constexpr std::uint32_t lowerCaseLetters(std::string_view text) {
     std::uint32_t letters = 0;
     for (const char c : text) {
@@ -17,7 +17,7 @@ constexpr std::uint32_t lowerCaseLetters(std::string_view text) {
     return letters;
 }
 
-/// A lower-case ASCII text to look for in names. Views into what it was made from.
+/// A lower-case ASCII text to search for in names. Refers to the text it was made from.
 struct NameNeedle {
     constexpr explicit NameNeedle(std::string_view needle)
         : text(needle), letters(lowerCaseLetters(needle)) {}
@@ -26,14 +26,14 @@ struct NameNeedle {
     std::uint32_t letters;
 };
 
-/// The lower case of one name after another, as far as searches for ASCII texts can tell. Keeps its
-/// storage, so that a table of names needs no allocation each. One thread at a time.
+/// A name in lower case, for searches of ASCII texts. Can be assigned one name after another; it
+/// keeps its storage, to avoid an allocation for each name of a table. One thread at a time.
 class LoweredName {
 public:
     void assign(std::string_view name);
 
     bool contains(const NameNeedle& needle) const {
-        // Most names lack some letter of most needles, which spares the search.
+        // Most names lack a letter of most needles, which avoids the search.
         return (needle.letters & ~letters_) == 0 && text_.find(needle.text) != std::string::npos;
     }
     bool equals(const NameNeedle& needle) const { return text_ == needle.text; }

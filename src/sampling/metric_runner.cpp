@@ -12,7 +12,7 @@ constexpr std::chrono::milliseconds metricTimeout{2000};
 
 std::string MetricRunner::runMetricTool(const std::string& path,
                                         const std::vector<std::string>& arguments) {
-    // Refused without a message: this runs on every sample.
+    // No message: this runs for every sample.
     if (!CommandSafetyPolicy::isAllowedExecutable(allowed_, path)) {
         return {};
     }

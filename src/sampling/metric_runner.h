@@ -8,14 +8,15 @@
 
 namespace tallowcrest {
 
-/// Runs the metric tools: silent, bounded to 2.0 seconds. Any thread but the main one.
+/// Runs the metric tools for at most 2.0 seconds each, without messages. Any thread but the main
+/// one.
 class MetricRunner {
 public:
     MetricRunner(const CommandSafetyPolicy::AllowedExecutables& allowed, ToolLauncher& launcher)
         : allowed_(allowed), launcher_(launcher) {}
 
-    /// The tool's standard output; what it wrote before the deadline when it overran it. Empty when
-    /// the path is refused, the launch fails, or the output is not valid UTF-8.
+    /// The tool's standard output, up to the deadline if it takes longer. Empty when the path is
+    /// not allowed, the launch fails, or the output is not valid UTF-8.
     std::string runMetricTool(const std::string& path, const std::vector<std::string>& arguments);
 
 private:

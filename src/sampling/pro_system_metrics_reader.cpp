@@ -1,6 +1,6 @@
 #include "sampling/pro_system_metrics_reader.h"
 
-#include "sampling/pressure_text.h"
+#include "sampling/memory.h"
 #include "sampling/ps_parser.h"
 #include "sampling/vm_stat_parser.h"
 

@@ -14,12 +14,12 @@
 
 namespace tallowcrest {
 
-/// Reads the machine through four system tools, one launch of at most 2.0 seconds each. Holds no
-/// state of its own, so calls may overlap.
+/// Reads the machine through four system tools, with one launch of at most 2.0 seconds each.
+/// Stateless, so calls may overlap.
 class ProSystemMetricsReader final : public SystemMetricsReader {
 public:
-    /// When each process that runs now began, by its number, in the unit of
-    /// `ProcessSample::startTime`. May be called by several threads at once.
+    /// The start time of each running process by its id, in the unit of
+    /// `ProcessSample::startTime`. Called by several threads at once.
     using StartTimes = std::function<std::unordered_map<std::int64_t, std::uint64_t>()>;
 
     /// Without `startTimes` no row has a start time.
@@ -27,11 +27,11 @@ public:
                            StartTimes startTimes = {})
         : runner_(runner), homeVolume_(std::move(homeVolume)), startTimes_(std::move(startTimes)) {}
 
-    /// The start times are read before the rows, as the two are no one moment. A number that
-    /// changes hands in between then bears the start time of the process that is gone, and a
-    /// request for that row meets nobody; the other way round it would meet a process that the row
-    /// does not show. A process that is younger than the start times has none until the next
-    /// sample.
+    /// The start times are read before the rows, because the two cannot be read at one moment. If a
+    /// process id is reused in between, its row has the start time of the process that ended, so a
+    /// later action on the row finds no process. In the other order the action would reach a
+    /// process that the row does not show. A process that started after the start times were read
+    /// has none until the next sample.
     std::vector<ProcessSample> readProcesses() override;
     MemorySnapshot readMemory() override;
     std::string readPressureText() override;

@@ -5,19 +5,17 @@
 #include <cstddef>
 #include <limits>
 
-#include "sampling/text_fields.h"
-
 namespace tallowcrest {
 namespace {
 
 constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
 
-/// Walks over fields that are parted by blanks, within one line.
+/// Reads the blank-separated fields of one line.
 class Fields {
 public:
     explicit Fields(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
 
-    /// Passes `count` fields, whatever they hold.
+    /// Skips `count` fields of any content.
     void skip(int count) {
         for (; count > 0; --count) {
             skipBlanks();
@@ -27,8 +25,8 @@ public:
         }
     }
 
-    /// The next field. Absent when it is no number, does not fit, or may have been cut short
-    /// because nothing follows it.
+    /// The next field. Absent when it is not a number, does not fit, or may be truncated because
+    /// nothing follows it.
     std::optional<std::uint64_t> number() {
         skipBlanks();
         const char* const begin = at_;
@@ -75,7 +73,7 @@ std::uint64_t saturatingSum(std::uint64_t first, std::uint64_t second) {
     return first > largest - second ? largest : first + second;
 }
 
-/// Kernels that keep the numbers to themselves write 0.
+/// Kernels that hide process ids write 0.
 std::optional<std::int32_t> processID(std::optional<std::uint64_t> number) {
     constexpr auto highest = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
     return number && *number > 0 && *number <= highest
@@ -83,8 +81,7 @@ std::optional<std::int32_t> processID(std::optional<std::uint64_t> number) {
                : std::nullopt;
 }
 
-/// Searched from the front, where the library is fast: the closing bracket stands near the
-/// beginning.
+/// Searches forwards, which the library does faster, because the last match is near the start.
 std::size_t findLast(std::string_view text, char character) {
     std::size_t last = std::string_view::npos;
     for (std::size_t at = text.find(character); at != std::string_view::npos;
@@ -97,7 +94,7 @@ std::size_t findLast(std::string_view text, char character) {
 }  // namespace
 
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
-    // Only the name can hold a bracket, and it can hold several: it ends at the last one.
+    // Only the name can contain brackets, any number of them, so it ends at the last one.
     const std::size_t open = text.find('(');
     const std::size_t close = findLast(text, ')');
     if (open == std::string_view::npos || close == std::string_view::npos || close < open) {
@@ -184,7 +181,7 @@ MemoryClasses parseMemoryInfo(std::string_view text, std::uint64_t zramBytes, do
     while (!text.empty()) {
         const std::size_t lineEnd = text.find('\n');
         if (lineEnd == std::string_view::npos) {
-            break;  // cut short, so its number may be too
+            break;  // truncated, so its number may be too
         }
         const std::string_view line = text.substr(0, lineEnd + 1);
         text.remove_prefix(line.size());
@@ -230,7 +227,7 @@ std::optional<std::int32_t> parseSoleProcessID(std::string_view text) {
     if (found == std::string_view::npos) {
         return std::nullopt;
     }
-    // One number for each namespace, parted by tabs: a second one ends the first wrongly.
+    // One id for each namespace, separated by tabs. number() rejects an id that a tab follows.
     return processID(Fields(text.substr(found + label.size())).number());
 }
 

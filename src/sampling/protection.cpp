@@ -16,7 +16,8 @@ const Names& builtInNames() {
     return names;
 }
 
-/// What ends the session, or takes away the means to see, hear, reach or unlock the machine.
+/// Processes whose end would end the session, or leave the machine without display, sound, network
+/// or login.
 const Names& linuxNames() {
     static const Names names{
         // This program
@@ -28,7 +29,7 @@ const Names& linuxNames() {
         "(sd-pam)",
         "init",
 
-        // Services the service manager itself leans on
+        // Services that the service manager depends on
         "systemd-homed",
         "systemd-journald",
         "systemd-logind",
@@ -92,7 +93,7 @@ const Names& linuxNames() {
         "xfwm4",
         "xmonad",
 
-        // Desktop shells: without them there is no panel left to start anything from
+        // Desktop shells, which start all other programs
         "budgie-panel",
         "gnome-panel",
         "lxpanel",

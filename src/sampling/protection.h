@@ -10,25 +10,25 @@
 
 namespace tallowcrest {
 
-/// Group names of the owner's Never Quit list: exact, case-sensitive.
+/// The group names of the owner's Never Quit list, compared exactly.
 using ProtectedAppNames = std::set<std::string, std::less<>>;
 
-/// What must not be quit on the platform the monitor runs on, beyond the owner's own list. The
-/// built-in names hold everywhere; a platform adds and never removes.
+/// What must not be quit besides the owner's own list. The built-in names apply on every platform;
+/// a platform can only add to them.
 struct ProtectionPolicy {
     std::int64_t ownPID = 0;
     bool protectsLinuxSystem = false;
 };
 
-/// The fourteen built-in names, compared whole and case-sensitively with a display name.
+/// Whether a display name is exactly one of the fourteen built-in names.
 bool isBuiltInProtectedName(std::string_view displayName);
 
-/// What Linux adds: the first process, kernel threads (their name stands in brackets), and the
-/// service manager, display, session, login, bus, audio, network and remote login services.
+/// The processes that Linux adds: pid 1, kernel threads (named in brackets), and the service
+/// manager, display, session, login, bus, audio, network and remote login services.
 bool isProtectedOnLinux(const ProcessSample& row);
 
-/// Whether this row must never be asked to quit. The Never Quit list is not looked at: callers
-/// test both where both matter. Any thread.
+/// Whether this process must never be asked to quit. Does not consult the Never Quit list; callers
+/// that need both check both. Any thread.
 bool isProtected(const ProcessSample& row, const ProtectionPolicy& policy);
 
 }  // namespace tallowcrest

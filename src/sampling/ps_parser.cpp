@@ -6,15 +6,16 @@
 #include <optional>
 #include <string>
 
+#include "core/number_text.h"
+#include "core/text.h"
 #include "sampling/binary_units.h"
-#include "sampling/text_fields.h"
 
 namespace tallowcrest {
 namespace {
 
 constexpr std::size_t columnCount = 5;
 
-/// Absent when the line has fewer columns. The last one reaches to the end of the line.
+/// Absent when the line has fewer columns. The last column extends to the end of the line.
 std::optional<std::array<std::string_view, columnCount>> splitColumns(std::string_view line) {
     std::array<std::string_view, columnCount> columns;
     for (std::size_t index = 0; index < columnCount; ++index) {
@@ -29,9 +30,9 @@ std::optional<std::array<std::string_view, columnCount>> splitColumns(std::strin
     return columns;
 }
 
-/// A figure that no machine has is held between 0 and a trillion, so that sums over all rows stay
-/// finite and casts of them to integers stay defined, whatever the tool has written.
-double held(double figure) {
+/// Limits a figure to between 0 and 10^12, so that sums over all rows stay finite and can be
+/// converted to integers, whatever the tool has written.
+double limited(double figure) {
     constexpr double largestFigure = 1e12;
     return figure > 0.0 ? std::min(figure, largestFigure) : 0.0;
 }
@@ -49,9 +50,12 @@ std::optional<ProcessSample> parseRow(std::string_view line) {
         return std::nullopt;
     }
     const std::string command((*columns)[4]);
-    return ProcessSample{
-        *pid,    held(*cpu), held(*memoryPercent), held(*residentKibibytes) * megabytesPerKibibyte,
-        command, command};
+    return ProcessSample{*pid,
+                         limited(*cpu),
+                         limited(*memoryPercent),
+                         limited(*residentKibibytes) * megabytesPerKibibyte,
+                         command,
+                         command};
 }
 
 }  // namespace

@@ -7,9 +7,8 @@
 
 namespace tallowcrest {
 
-/// The rows of `ps -axo pid=,pcpu=,pmem=,rss=,comm=`, in their order. A row with fewer than five
-/// columns or with a figure that is no number is left out; the rest of the table survives. Empty
-/// for empty text. Any thread.
+/// The rows of `ps -axo pid=,pcpu=,pmem=,rss=,comm=`, in order. A row with fewer than five columns
+/// or with a figure that is not a number is skipped. Any thread.
 std::vector<ProcessSample> parseProcessRows(std::string_view text);
 
 }  // namespace tallowcrest

@@ -7,14 +7,13 @@
 
 namespace tallowcrest {
 
-// The impact orders compare by one figure unless two items lie close together, and then by
-// another. Such a relation has cycles, and a figure that is not a number compares with nothing; the
-// standard sorts have undefined behaviour on both. The merge sort below asks nothing of the
-// relation: whatever it answers, the result is a permutation of the items, takes O(n log n)
-// answers, and is the same for the same input on every platform.
+// The impact orders compare by one figure unless two items are close together, and then by another.
+// Such a relation can have cycles, and NaN breaks any ordering; the standard sorts have undefined
+// behaviour for both. The merge sort below requires nothing of the relation: the result is always a
+// permutation of the items, takes O(n log n) comparisons, and is the same on every platform.
 
-/// Sorts `items` by `before(a, b)`, "a must come before b". Two items of which neither must come
-/// before the other stay in the order given, as far as the relation is transitive at all.
+/// Sorts `items` by `before(a, b)`, "a must come before b". Where the relation is transitive, items
+/// of which neither must come before the other keep their order.
 template <class T, class Before>
 void stableOrder(std::vector<T>& items, Before before) {
     std::vector<T> merged(items.size());
@@ -39,8 +38,8 @@ void stableOrder(std::vector<T>& items, Before before) {
     }
 }
 
-/// The item that `stableOrder` would put first, found in O(n): the heads of its runs meet in the
-/// same pairs, round by round. `items` must not be empty.
+/// The item that `stableOrder` would put first, in O(n) comparisons: it compares the first items of
+/// the merged runs in the same pairs. `items` must not be empty.
 template <class T, class Before>
 T stableFirst(std::vector<T> items, Before before) {
     while (items.size() > 1) {

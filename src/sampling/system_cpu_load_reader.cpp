@@ -13,7 +13,7 @@ std::uint64_t delta(std::uint64_t previous, std::uint64_t current) {
 }  // namespace
 
 std::optional<double> busyPercent(const CPUTicks& previous, const CPUTicks& current) {
-    // Summed as real numbers: the sum of hostile counters must not wrap around.
+    // Summed as floating-point numbers, which cannot overflow whatever the counters are.
     const double busy = static_cast<double>(delta(previous.user, current.user)) +
                         static_cast<double>(delta(previous.system, current.system)) +
                         static_cast<double>(delta(previous.nice, current.nice));

@@ -6,7 +6,7 @@
 
 namespace tallowcrest {
 
-/// Cumulative processor time since boot, all cores together, in the kernel's own unit.
+/// Cumulative processor time of all cores since boot, in the kernel's unit.
 struct CPUTicks {
     std::uint64_t user = 0;
     std::uint64_t system = 0;
@@ -16,7 +16,7 @@ struct CPUTicks {
     bool operator==(const CPUTicks&) const = default;
 };
 
-/// Where the tick counters come from. Any thread, also several at once.
+/// The source of the tick counters. Any thread, several at once.
 class CPUTickSource {
 public:
     virtual ~CPUTickSource() = default;
@@ -25,18 +25,19 @@ public:
     virtual std::optional<CPUTicks> readTicks() = 0;
 };
 
-/// The busy share between two readings, 0 to 100. A counter that ran backwards counts as having
-/// stood still. Absent when no tick passed between them.
+/// The busy share between two readings, 0 to 100. A counter that decreased counts as unchanged.
+/// Absent when no tick passed between them.
 std::optional<double> busyPercent(const CPUTicks& previous, const CPUTicks& current);
 
 /// The whole-machine CPU load since the previous call. Any thread.
 class SystemCPULoadReader {
 public:
-    /// Reads the counters once, so that the first `readCPUPercent` gives the load since then.
+    /// Reads the counters once; the first `readCPUPercent` gives the load since then.
     explicit SystemCPULoadReader(CPUTickSource& source);
 
     /// 100 means that all cores were busy. Absent when the counters cannot be read (the previous
-    /// ones are kept), on the first successful read, and when no tick passed since the last one.
+    /// ones are kept), on the first successful read, and when no tick passed since the previous
+    /// one.
     std::optional<double> readCPUPercent();
 
 private:

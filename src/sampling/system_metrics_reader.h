@@ -7,20 +7,21 @@
 
 namespace tallowcrest {
 
-/// The readings of one sample. Every operation blocks, so none may be called on the main thread;
-/// calls may overlap on several threads. None of them fails: what cannot be read is empty or 0.
+/// The readings of one sample. Every operation blocks: any thread but the main one, several at
+/// once. No operation fails: what cannot be read is empty or 0.
 class SystemMetricsReader {
 public:
     virtual ~SystemMetricsReader() = default;
 
-    /// Every process, in the order of the process table. Empty when there is no table to be had;
-    /// a row that cannot be read is left out and the rest survives.
+    /// Every process, in the order of the process table. A process that cannot be read is left out;
+    /// empty when the table cannot be read.
     virtual std::vector<ProcessSample> readProcesses() = 0;
 
     /// All zeros when nothing can be read.
     virtual MemorySnapshot readMemory() = 0;
 
-    /// The kernel's or tool's own words, trimmed; "Memory pressure unavailable" when it has none.
+    /// The text of the kernel or the tool, trimmed; "Memory pressure unavailable" when there is
+    /// none.
     virtual std::string readPressureText() = 0;
 
     /// The volume of the home directory; a figure that cannot be read is 0.

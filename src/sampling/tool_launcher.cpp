@@ -2,13 +2,13 @@
 
 #include <utility>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 
 std::string launchForText(ToolLauncher& launcher, const ToolRequest& request) {
     ToolResult result = launcher.launch(request);
-    // Dropped whole rather than repaired: half-right figures would be parsed and believed.
+    // Dropped rather than repaired: figures from a damaged output would be taken for real ones.
     if (!result.launched || !isValidUTF8(result.output)) {
         return {};
     }

@@ -17,30 +17,29 @@ struct ToolRequest {
     bool mergeStandardError = false;
 };
 
-/// What became of a launch.
+/// The result of a launch.
 struct ToolResult {
     bool launched = false;
-    std::string launchError;  ///< the platform's words when it was not launched, else empty
-    /// What the tool wrote until it exited, raw bytes. A tool that overran its deadline has thus
-    /// all that it wrote before, and what it still wrote while it was ending. Bounded: what a
-    /// runaway tool writes beyond the implementation's limit is dropped.
+    std::string launchError;  ///< the system's message when it was not launched, else empty
+    /// The raw bytes that the tool wrote until it exited, also after a passed deadline. Output
+    /// beyond the implementation's limit is dropped.
     std::string output;
-    /// Absent when it was not launched, ended by a signal, or was given up at shutdown.
+    /// Absent when it was not launched, was ended by a signal, or was abandoned at shutdown.
     std::optional<int> terminationStatus;
     bool deadlinePassed = false;
 };
 
-/// Launches tools by absolute path with an argument array; never a shell. Environment,
+/// Launches tools by absolute path with an argument array, never through a shell. Environment,
 /// working directory and the calling thread's priority are inherited; standard input is empty. Any
 /// thread, several at once; blocks the caller.
 ///
-/// At the deadline the tool is asked to terminate, and the call then waits for its exit without
-/// any further deadline: a tool that ignores the request holds the caller. No descriptor and no
-/// zombie is left behind. Whether a path may be launched at all is the caller's test, made first,
-/// because each caller has its own answer to a refusal.
+/// At the deadline the tool is asked to terminate, and the call then waits for its exit without a
+/// further deadline: a tool that ignores the request blocks the caller. No descriptor and no zombie
+/// is left behind. The caller checks beforehand whether the path is allowed, because each caller
+/// handles a refusal differently.
 ///
-/// A request without a timeout is the waited launch, for tools whose exit status decides what the
-/// owner is told: `launched` false with the platform's words, else `terminationStatus`.
+/// A request without a timeout is for tools whose exit status decides what the owner is told:
+/// either `launched` is false with `launchError`, or `terminationStatus` counts.
 class ToolLauncher {
 public:
     virtual ~ToolLauncher() = default;
@@ -48,8 +47,8 @@ public:
     virtual ToolResult launch(const ToolRequest& request) = 0;
 };
 
-/// Launches the tool for its output alone: a failed launch, an output that is not valid UTF-8 and a
-/// silent tool are all the empty text, and the exit status is not looked at. Threads as `launch`.
+/// Launches the tool for its output alone. Empty when the launch fails, when the output is not
+/// valid UTF-8, and when there is none; the exit status is ignored. Threads as `launch`.
 std::string launchForText(ToolLauncher& launcher, const ToolRequest& request);
 
 }  // namespace tallowcrest

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <iterator>
 
-#include "core/white_space.h"
-#include "sampling/memory_classes.h"
-#include "sampling/text_fields.h"
+#include "core/number_text.h"
+#include "core/text.h"
+#include "sampling/memory.h"
 
 namespace tallowcrest {
 namespace {
@@ -29,7 +29,7 @@ std::int64_t parsePageSize(std::string_view vmStatText) {
         const std::string_view digits =
             rest.substr(0, static_cast<std::size_t>(digitsEnd - rest.begin()));
         if (!digits.empty() && rest.substr(digits.size()).starts_with(after)) {
-            // A page of no bytes at all cannot be divided by.
+            // Sizes are divided by it later.
             const std::int64_t size = parseDecimalInteger(digits).value_or(0);
             return size > 0 ? size : defaultPageSize;
         }
@@ -63,7 +63,7 @@ MemorySnapshot memorySnapshot(std::string_view memsizeText, std::string_view vmS
         const auto found = counts.find(key);
         return found == counts.end() ? 0.0 : static_cast<double>(found->second) * classes.pageSize;
     };
-    // A machine with less than no memory is one whose memory could not be read.
+    // A negative size means that it could not be read.
     const std::int64_t physical = parseDecimalInteger(trimmingWhiteSpace(memsizeText)).value_or(0);
     classes.physicalBytes = static_cast<double>(std::max<std::int64_t>(physical, 0));
     classes.freeBytes = bytes("Pages free");

@@ -1,22 +1,20 @@
 #include "actions/automation.h"
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
-#include "tests/support/recording_store.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 struct Expected {
@@ -57,130 +55,104 @@ const std::vector<Expected>& expectedSwitches() {
     return table;
 }
 
-class AutomationTest : public ::testing::Test {
+class AutomationTest : public ::testing::Test, protected TestServices {
 protected:
-    Automation& automation() {
-        if (!automation_) {
-            automation_.emplace(observable, log, settings, store,
-                                Automation::Hooks{[this] {
-                                                      ++plansCleared;
-                                                      writesAtClearing = store.written.size();
-                                                  },
-                                                  [this] {
-                                                      ++registrations;
-                                                      eventsAtRegistration =
-                                                          log.activityLog().size();
-                                                  }});
-        }
-        return *automation_;
+    /// The operation returned `expected` and recorded its words.
+    void expectOutcome(const Outcome& actual, const Outcome& expected) const {
+        EXPECT_EQ(actual.kind, expected.kind) << expected.message;
+        EXPECT_EQ(actual.message, expected.message);
+        EXPECT_EQ(log.lastAction(), expected.message);
+        ASSERT_FALSE(log.activityLog().empty()) << expected.message;
+        EXPECT_EQ(log.activityLog().front().kind, ActivityKind::action);
+        EXPECT_EQ(log.activityLog().front().detail, expected.message);
     }
 
-    void expectRecorded(const std::string& message) const {
-        EXPECT_EQ(log.lastAction(), message);
-        ASSERT_FALSE(log.activityLog().empty()) << message;
-        EXPECT_EQ(log.activityLog().front().title, "Action");
-        EXPECT_EQ(log.activityLog().front().detail, message);
-    }
+    /// What a start finds in the store.
+    Settings storedNow() { return SettingsOwner(store, mainQueue, "owner").values(); }
 
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    Observable observable{mainQueue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    Settings settings;
-    RecordingStore store;
-    int plansCleared = 0;
-    std::size_t writesAtClearing = 99;
-    int registrations = 0;
-    std::size_t eventsAtRegistration = 99;
+    const Settings& values = settings.values();
+    Automation automation{services};
+};
 
-private:
-    std::optional<Automation> automation_;
+/// A start from a store that holds what is given.
+struct Restarted : TestServices {
+    using TestServices::TestServices;
+    Automation automation{services};
 };
 
 TEST_F(AutomationTest, EverySwitchStoresAndSaysWhatItDoes) {
     ASSERT_THAT(expectedSwitches(), SizeIs(allAutomationSwitches.size()));
     for (const Expected& each : expectedSwitches()) {
-        automation().set(each.which, true);
-        EXPECT_TRUE(settings.*each.field) << each.key;
-        EXPECT_TRUE(automation().isOn(each.which)) << each.key;
+        expectOutcome(automation.set(each.which, true), Outcome::done(each.turnedOn));
+        EXPECT_TRUE(values.*each.field) << each.key;
+        EXPECT_TRUE(automation.isOn(each.which)) << each.key;
         EXPECT_EQ(store.read(each.key), SettingsValue(true)) << each.key;
-        expectRecorded(each.turnedOn);
-        automation().set(each.which, false);
-        EXPECT_FALSE(settings.*each.field) << each.key;
-        EXPECT_FALSE(automation().isOn(each.which)) << each.key;
+        expectOutcome(automation.set(each.which, false), Outcome::done(each.turnedOff));
+        EXPECT_FALSE(values.*each.field) << each.key;
+        EXPECT_FALSE(automation.isOn(each.which)) << each.key;
         EXPECT_EQ(store.read(each.key), SettingsValue(false)) << each.key;
-        expectRecorded(each.turnedOff);
     }
 }
 
 TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItGoverns) {
-    automation().engageEmergencyStop();
+    automation.engageEmergencyStop();
+    for (const Expected& each : expectedSwitches()) {
+        settings.set(each.field, false);
+    }
     store.written.clear();
     for (const Expected& each : expectedSwitches()) {
-        settings.*each.field = false;
-        automation().set(each.which, true);
-        EXPECT_EQ(isGovernedByStop(each.which), each.refusal != nullptr) << each.key;
-        if (each.refusal != nullptr) {
-            expectRecorded(each.refusal);
-            EXPECT_FALSE(settings.*each.field) << each.key;
-        } else {
-            expectRecorded(each.turnedOn);
-            EXPECT_TRUE(settings.*each.field) << each.key;
-        }
+        const bool isGoverned = each.refusal != nullptr;
+        EXPECT_EQ(isGovernedByStop(each.which), isGoverned) << each.key;
+        expectOutcome(automation.set(each.which, true),
+                      isGoverned ? Outcome::refused(each.refusal) : Outcome::done(each.turnedOn));
+        EXPECT_EQ(values.*each.field, !isGoverned) << each.key;
     }
+    std::erase(store.written, "Tallowcrest.activityLog");
     EXPECT_THAT(store.written,
                 ElementsAre("Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions"));
     // What the advisor may do by itself stays with the mode, whatever this switch says.
-    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
+    EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
 }
 
 TEST_F(AutomationTest, ARefusalTellsObserversSoThatTheControlSpringsBack) {
-    automation().engageEmergencyStop();
+    automation.engageEmergencyStop();
     mainQueue.drain();
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
-    automation().set(AutomationSwitch::autoScanRemoteMacs, true);
+    const Subscription subscription = automation.observable().subscribe([&told] { ++told; });
+    automation.set(AutomationSwitch::autoScanRemoteMacs, true);
     mainQueue.drain();
     EXPECT_EQ(told, 1);
+    automation.setAutonomyMode(AIAutonomyMode::trusted);
+    mainQueue.drain();
+    EXPECT_EQ(told, 2);
 }
 
 TEST_F(AutomationTest, TurningOffNeedsNoLeave) {
-    automation().engageEmergencyStop();
+    automation.engageEmergencyStop();
     for (const Expected& each : expectedSwitches()) {
-        automation().set(each.which, false);
-        expectRecorded(each.turnedOff);
+        expectOutcome(automation.set(each.which, false), Outcome::done(each.turnedOff));
         EXPECT_EQ(store.read(each.key), SettingsValue(false)) << each.key;
     }
 }
 
 TEST_F(AutomationTest, DiskAutopilotNamesTheModeAndKeepsItsStatusLine) {
-    EXPECT_EQ(automation().diskAutopilotStatus(), "Disk Autopilot is off.");
+    EXPECT_EQ(automation.diskAutopilotStatus(), "Disk Autopilot is off.");
     for (const auto& [mode, name] : {std::pair{AIAutonomyMode::apprentice, "Apprentice"},
                                      std::pair{AIAutonomyMode::trusted, "Trusted"},
                                      std::pair{AIAutonomyMode::autopilot, "Autopilot"}}) {
-        settings.aiAutonomyMode = mode;
-        automation().set(AutomationSwitch::diskAutopilotEnabled, true);
-        expectRecorded(std::string("Disk Autopilot enabled in ") + name + " mode.");
-        EXPECT_EQ(automation().diskAutopilotStatus(),
+        settings.set(&Settings::aiAutonomyMode, mode);
+        expectOutcome(automation.set(AutomationSwitch::diskAutopilotEnabled, true),
+                      Outcome::done(std::string("Disk Autopilot enabled in ") + name + " mode."));
+        EXPECT_EQ(automation.diskAutopilotStatus(),
                   "Watching disk space with staged trust controls.");
     }
-    automation().set(AutomationSwitch::autoSelectTopOffender, false);
-    EXPECT_EQ(automation().diskAutopilotStatus(),
-              "Watching disk space with staged trust controls.");
-    automation().set(AutomationSwitch::diskAutopilotEnabled, false);
-    EXPECT_EQ(automation().diskAutopilotStatus(), "Disk Autopilot is off.");
+    automation.set(AutomationSwitch::autoSelectTopOffender, false);
+    EXPECT_EQ(automation.diskAutopilotStatus(), "Watching disk space with staged trust controls.");
+    automation.set(AutomationSwitch::diskAutopilotEnabled, false);
+    EXPECT_EQ(automation.diskAutopilotStatus(), "Disk Autopilot is off.");
 }
 
-TEST_F(AutomationTest, NotificationButtonsAreRegisteredBetweenTheStoreAndTheMessage) {
-    automation().set(AutomationSwitch::notificationsIncludeActions, false);
-    EXPECT_EQ(registrations, 1);
-    EXPECT_EQ(eventsAtRegistration, 0U);
-    EXPECT_THAT(log.activityLog(), SizeIs(1));
-    automation().set(AutomationSwitch::aiSafeActionsEnabled, true);
-    EXPECT_EQ(registrations, 1);
-}
-
-TEST_F(AutomationTest, TheStatusLineAtStart) {
+TEST(AutomationStart, TheStatusLine) {
     struct Case {
         bool stop;
         bool enabled;
@@ -195,30 +167,31 @@ TEST_F(AutomationTest, TheStatusLineAtStart) {
         stored.automationEmergencyStopEngaged = each.stop;
         stored.diskAutopilotEnabled = each.enabled;
         EXPECT_EQ(diskAutopilotStatusAtStart(stored), each.status);
-        const Automation started(observable, log, stored, store, {});
-        EXPECT_EQ(started.diskAutopilotStatus(), each.status);
+        const Restarted started([&each](SettingsStore& store) {
+            store.write("Tallowcrest.automationEmergencyStop", each.stop);
+            store.write("Tallowcrest.diskAutopilotEnabled", each.enabled);
+        });
+        EXPECT_EQ(started.automation.diskAutopilotStatus(), each.status);
     }
 }
 
 TEST_F(AutomationTest, EngagingTheStop) {
     for (const Expected& each : expectedSwitches()) {
-        settings.*each.field = true;
+        settings.set(each.field, true);
     }
-    settings.aiAutonomyMode = AIAutonomyMode::autopilot;
-    automation().engageEmergencyStop();
+    settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::autopilot);
+    store.written.clear();
+    automation.engageEmergencyStop();
 
-    EXPECT_TRUE(settings.automationEmergencyStopEngaged);
-    EXPECT_TRUE(automation().isStopEngaged());
-    EXPECT_FALSE(settings.autoSelectTopOffender);
-    EXPECT_FALSE(settings.autoPurgeSustainedMemory);
-    EXPECT_FALSE(settings.autoScanRemoteMacs);
-    EXPECT_FALSE(settings.diskAutopilotEnabled);
-    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
-    EXPECT_TRUE(settings.aiSafeActionsEnabled);
-    EXPECT_TRUE(settings.notificationsIncludeActions);
-    EXPECT_EQ(plansCleared, 1);
-    EXPECT_EQ(writesAtClearing, 0U) << "what is planned goes first";
-    EXPECT_EQ(registrations, 0);
+    EXPECT_TRUE(values.automationEmergencyStopEngaged);
+    EXPECT_TRUE(automation.isStopEngaged());
+    EXPECT_FALSE(values.autoSelectTopOffender);
+    EXPECT_FALSE(values.autoPurgeSustainedMemory);
+    EXPECT_FALSE(values.autoScanRemoteMacs);
+    EXPECT_FALSE(values.diskAutopilotEnabled);
+    EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
+    EXPECT_TRUE(values.aiSafeActionsEnabled);
+    EXPECT_TRUE(values.notificationsIncludeActions);
 
     EXPECT_EQ(store.read("Tallowcrest.automationEmergencyStop"), SettingsValue(true));
     EXPECT_EQ(store.read("Tallowcrest.autoSelectTopOffender"), SettingsValue(false));
@@ -231,11 +204,13 @@ TEST_F(AutomationTest, EngagingTheStop) {
         store.written,
         ElementsAre("Tallowcrest.automationEmergencyStop", "Tallowcrest.autoSelectTopOffender",
                     "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
-                    "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.aiAutonomyMode"));
+                    "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.aiAutonomyMode",
+                    "Tallowcrest.activityLog"));
 
-    EXPECT_EQ(automation().diskAutopilotStatus(),
+    EXPECT_EQ(automation.diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
     ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_EQ(log.activityLog().front().kind, ActivityKind::emergencyStop);
     EXPECT_EQ(log.activityLog().front().title, "Automation Emergency Stop");
     EXPECT_EQ(log.activityLog().front().detail,
               "Disabled offender auto-selection, Disk Autopilot, sustained-memory purge, remote "
@@ -245,107 +220,122 @@ TEST_F(AutomationTest, EngagingTheStop) {
 }
 
 TEST_F(AutomationTest, EngagingTwiceRepeatsAllOfIt) {
-    automation().engageEmergencyStop();
-    settings.diskAutopilotEnabled = true;
-    automation().engageEmergencyStop();
-    EXPECT_FALSE(settings.diskAutopilotEnabled);
-    EXPECT_EQ(plansCleared, 2);
-    EXPECT_THAT(store.written, SizeIs(12));
+    const auto storeTheOpposite = [this] {
+        store.write("Tallowcrest.automationEmergencyStop", false);
+        for (const Expected& each : expectedSwitches()) {
+            store.write(each.key, true);
+        }
+        store.write("Tallowcrest.aiAutonomyMode", std::string("autopilot"));
+        store.written.clear();
+    };
+    storeTheOpposite();
+    automation.engageEmergencyStop();
+    const std::vector<std::string> first = store.written;
+    EXPECT_THAT(first, SizeIs(7));
+    settings.set(&Settings::diskAutopilotEnabled, true);
+    storeTheOpposite();
+    automation.engageEmergencyStop();
+    EXPECT_FALSE(values.diskAutopilotEnabled);
+    EXPECT_EQ(store.written, first);
     EXPECT_THAT(log.activityLog(), SizeIs(2));
 }
 
 TEST_F(AutomationTest, ResumingBringsNothingBack) {
-    settings.autoPurgeSustainedMemory = true;
-    settings.aiAutonomyMode = AIAutonomyMode::trusted;
-    automation().engageEmergencyStop();
+    settings.set(&Settings::autoPurgeSustainedMemory, true);
+    settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::trusted);
+    automation.engageEmergencyStop();
     store.written.clear();
-    automation().resumeFromEmergencyStop();
-    EXPECT_FALSE(automation().isStopEngaged());
+    automation.resumeFromEmergencyStop();
+    EXPECT_FALSE(automation.isStopEngaged());
     EXPECT_EQ(store.read("Tallowcrest.automationEmergencyStop"), SettingsValue(false));
-    EXPECT_THAT(store.written, ElementsAre("Tallowcrest.automationEmergencyStop"));
-    EXPECT_FALSE(settings.autoSelectTopOffender);
-    EXPECT_FALSE(settings.autoPurgeSustainedMemory);
-    EXPECT_FALSE(settings.autoScanRemoteMacs);
-    EXPECT_FALSE(settings.diskAutopilotEnabled);
-    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
-    EXPECT_EQ(automation().diskAutopilotStatus(),
+    EXPECT_THAT(store.written,
+                ElementsAre("Tallowcrest.automationEmergencyStop", "Tallowcrest.activityLog"));
+    EXPECT_FALSE(values.autoSelectTopOffender);
+    EXPECT_FALSE(values.autoPurgeSustainedMemory);
+    EXPECT_FALSE(values.autoScanRemoteMacs);
+    EXPECT_FALSE(values.diskAutopilotEnabled);
+    EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
+    EXPECT_EQ(automation.diskAutopilotStatus(),
               "Emergency stop cleared. Automatic actions remain off until you re-enable them.");
     ASSERT_THAT(log.activityLog(), SizeIs(2));
-    EXPECT_EQ(log.activityLog().front().title, "Automation Emergency Stop");
+    EXPECT_EQ(log.activityLog().front().kind, ActivityKind::emergencyStop);
     EXPECT_EQ(
         log.activityLog().front().detail,
         "Cleared the emergency stop in Apprentice mode. No automatic feature was re-enabled.");
     EXPECT_EQ(log.lastAction(), "Emergency stop cleared; automations remain off.");
-    automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
-    EXPECT_TRUE(settings.autoPurgeSustainedMemory);
+    automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    EXPECT_TRUE(values.autoPurgeSustainedMemory);
 }
 
 TEST_F(AutomationTest, ResumingWithoutAStopTurnsNothingOff) {
-    automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
-    automation().setAutonomyMode(AIAutonomyMode::trusted);
-    automation().resumeFromEmergencyStop();
-    EXPECT_TRUE(settings.autoPurgeSustainedMemory);
+    automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    automation.setAutonomyMode(AIAutonomyMode::trusted);
+    automation.resumeFromEmergencyStop();
+    EXPECT_TRUE(values.autoPurgeSustainedMemory);
     EXPECT_EQ(store.read("Tallowcrest.autoPurgeSustainedMemory"), SettingsValue(true));
-    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::trusted);
+    EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::trusted);
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("trusted")));
 }
 
 TEST_F(AutomationTest, AfterARestartTheStopHoldsAndTheSwitchesAreOff) {
-    settings.autoPurgeSustainedMemory = true;
-    automation().engageEmergencyStop();
-    const StoredState restarted = loadStoredState(store, "owner");
-    EXPECT_TRUE(restarted.settings.automationEmergencyStopEngaged);
-    EXPECT_FALSE(restarted.settings.autoSelectTopOffender);
-    EXPECT_FALSE(restarted.settings.autoPurgeSustainedMemory);
-    EXPECT_FALSE(restarted.settings.autoScanRemoteMacs);
-    EXPECT_FALSE(restarted.settings.diskAutopilotEnabled);
-    EXPECT_EQ(diskAutopilotStatusAtStart(restarted.settings),
+    settings.set(&Settings::autoPurgeSustainedMemory, true);
+    automation.engageEmergencyStop();
+    const Settings restarted = storedNow();
+    EXPECT_TRUE(restarted.automationEmergencyStopEngaged);
+    EXPECT_FALSE(restarted.autoSelectTopOffender);
+    EXPECT_FALSE(restarted.autoPurgeSustainedMemory);
+    EXPECT_FALSE(restarted.autoScanRemoteMacs);
+    EXPECT_FALSE(restarted.diskAutopilotEnabled);
+    EXPECT_EQ(diskAutopilotStatusAtStart(restarted),
               "Emergency stop is engaged. All automatic actions are off.");
 }
 
-TEST_F(AutomationTest, AStopThatWasStoredInPartBringsNothingBackEither) {
-    store.write("Tallowcrest.autoSelectTopOffender", true);
-    store.write("Tallowcrest.autoPurgeSustainedMemory", true);
-    store.write("Tallowcrest.diskAutopilotEnabled", true);
-    store.write("Tallowcrest.aiAutonomyMode", std::string("autopilot"));
-    store.write("Tallowcrest.automationEmergencyStop", true);
-    settings = loadStoredState(store, "owner").settings;
-    store.written.clear();
-    automation().resumeFromEmergencyStop();
-    EXPECT_EQ(store.written.back(), "Tallowcrest.automationEmergencyStop");
-    const Settings restarted = loadStoredState(store, "owner").settings;
-    EXPECT_FALSE(restarted.automationEmergencyStopEngaged);
-    EXPECT_FALSE(restarted.autoSelectTopOffender);
-    EXPECT_FALSE(restarted.autoPurgeSustainedMemory);
-    EXPECT_FALSE(restarted.diskAutopilotEnabled);
-    EXPECT_EQ(restarted.aiAutonomyMode, AIAutonomyMode::apprentice);
-    EXPECT_FALSE(settings.autoSelectTopOffender);
-    EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
+TEST(AutomationStart, ResumingFromAStopThatWasStoredInPartBringsNothingBack) {
+    Restarted run([](SettingsStore& store) {
+        store.write("Tallowcrest.autoSelectTopOffender", true);
+        store.write("Tallowcrest.autoPurgeSustainedMemory", true);
+        store.write("Tallowcrest.diskAutopilotEnabled", true);
+        store.write("Tallowcrest.aiAutonomyMode", std::string("autopilot"));
+        store.write("Tallowcrest.automationEmergencyStop", true);
+    });
+    run.store.written.clear();
+    run.automation.resumeFromEmergencyStop();
+    std::erase(run.store.written, "Tallowcrest.activityLog");
+    EXPECT_EQ(run.store.written.back(), "Tallowcrest.automationEmergencyStop");
+    const SettingsOwner next(run.store, run.mainQueue, "owner");
+    for (const Settings& each : {run.settings.values(), next.values()}) {
+        EXPECT_FALSE(each.automationEmergencyStopEngaged);
+        EXPECT_FALSE(each.autoSelectTopOffender);
+        EXPECT_FALSE(each.autoPurgeSustainedMemory);
+        EXPECT_FALSE(each.diskAutopilotEnabled);
+        EXPECT_EQ(each.aiAutonomyMode, AIAutonomyMode::apprentice);
+    }
 }
 
-TEST_F(AutomationTest, WhatIsOnWhenNeverStoredIsNotBroughtBackEither) {
-    store.write("Tallowcrest.automationEmergencyStop", true);
-    settings = loadStoredState(store, "owner").settings;
-    ASSERT_TRUE(settings.autoSelectTopOffender);
-    automation().resumeFromEmergencyStop();
-    EXPECT_FALSE(settings.autoSelectTopOffender);
-    EXPECT_FALSE(loadStoredState(store, "owner").settings.autoSelectTopOffender);
+TEST(AutomationStart, ResumingSwitchesOffWhatIsOnWithoutBeingStored) {
+    Restarted run(
+        [](SettingsStore& store) { store.write("Tallowcrest.automationEmergencyStop", true); });
+    ASSERT_TRUE(run.settings.values().autoSelectTopOffender);
+    run.automation.resumeFromEmergencyStop();
+    EXPECT_FALSE(run.settings.values().autoSelectTopOffender);
+    EXPECT_FALSE(SettingsOwner(run.store, run.mainQueue, "owner").values().autoSelectTopOffender);
 }
 
 TEST_F(AutomationTest, TheAutonomyModeIsHeldBackByTheStop) {
-    automation().setAutonomyMode(AIAutonomyMode::trusted);
-    expectRecorded("AI Advisor mode set to Trusted.");
+    expectOutcome(automation.setAutonomyMode(AIAutonomyMode::trusted),
+                  Outcome::done("AI Advisor mode set to Trusted."));
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("trusted")));
-    automation().engageEmergencyStop();
+    automation.engageEmergencyStop();
     store.written.clear();
     for (const AIAutonomyMode mode : {AIAutonomyMode::trusted, AIAutonomyMode::autopilot}) {
-        automation().setAutonomyMode(mode);
-        expectRecorded("AI remains in Apprentice mode while Emergency Stop is engaged.");
-        EXPECT_EQ(settings.aiAutonomyMode, AIAutonomyMode::apprentice);
+        expectOutcome(
+            automation.setAutonomyMode(mode),
+            Outcome::refused("AI remains in Apprentice mode while Emergency Stop is engaged."));
+        EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
     }
-    EXPECT_THAT(store.written, IsEmpty());
-    automation().setAutonomyMode(AIAutonomyMode::apprentice);
-    expectRecorded("AI Advisor mode set to Apprentice.");
+    EXPECT_THAT(store.written, ::testing::Each("Tallowcrest.activityLog"));
+    expectOutcome(automation.setAutonomyMode(AIAutonomyMode::apprentice),
+                  Outcome::done("AI Advisor mode set to Apprentice."));
 }
 
 }  // namespace

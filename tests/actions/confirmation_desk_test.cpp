@@ -6,8 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -16,7 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class ConfirmationDeskTest : public ::testing::Test {
+class ConfirmationDeskTest : public ::testing::Test, protected TestServices {
 protected:
     ConfirmationDeskTest() {
         desk.registerKind("melt", {[this](const ConfirmationRequest& request) {
@@ -36,11 +35,7 @@ protected:
         return {UUID::random(), title, "Think first.", "Do It", kind, {}, {}};
     }
 
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    Observable observable{mainQueue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    ConfirmationDesk desk{observable, log};
+    ConfirmationDesk desk{log, mainQueue};
     std::vector<std::string> confirmed;
     std::vector<std::string> canceled;
 };
@@ -93,7 +88,7 @@ TEST_F(ConfirmationDeskTest, NamesAKindThatNobodyRegistered) {
     desk.confirmPending();
     EXPECT_EQ(log.lastAction(), "No handler for confirmation: freeze_moon.");
     ASSERT_THAT(log.activityLog(), SizeIs(1));
-    EXPECT_EQ(log.activityLog().front().title, "Action");
+    EXPECT_EQ(log.activityLog().front().kind, ActivityKind::action);
     EXPECT_EQ(log.activityLog().front().detail, "No handler for confirmation: freeze_moon.");
     EXPECT_FALSE(desk.pendingConfirmation());
 }
@@ -142,7 +137,7 @@ TEST_F(ConfirmationDeskTest, NothingPendingIsNeitherConfirmedNorCancelled) {
 
 TEST_F(ConfirmationDeskTest, TellsItsObserversOfEveryChange) {
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const Subscription subscription = desk.observable().subscribe([&told] { ++told; });
     desk.requestConfirmation(request("pour", "Pour it?"));
     mainQueue.drain();
     EXPECT_EQ(told, 1);

@@ -5,62 +5,53 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
-namespace tallowcrest {
+namespace tallowcrest::connection_settings {
 namespace {
 
 using ::testing::IsEmpty;
 
-class ConnectionSettingsTest : public ::testing::Test {
-protected:
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    Observable observable{mainQueue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    Settings settings;
-    MemorySettingsStore store;
-    ConnectionSettings connection{observable, log, settings, store};
-};
+class ConnectionSettings : public ::testing::Test, protected TestServices {};
 
-TEST_F(ConnectionSettingsTest, AValidUserNameIsStoredTrimmedAndInSilence) {
-    EXPECT_TRUE(connection.setSSHUsername("  remote.user-1 \n"));
-    EXPECT_EQ(settings.sshUsername, "remote.user-1");
+TEST_F(ConnectionSettings, AValidUserNameIsStoredTrimmedWithoutAMessage) {
+    EXPECT_EQ(setSSHUsername(services, "  remote.user-1 \n"), Outcome::done());
+    EXPECT_EQ(settings.values().sshUsername, "remote.user-1");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string("remote.user-1")));
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(ConnectionSettingsTest, ANameThatTrimsToNothingIsStoredAsEmpty) {
-    settings.sshUsername = "someone";
-    EXPECT_TRUE(connection.setSSHUsername(" \t "));
-    EXPECT_EQ(settings.sshUsername, "");
+TEST_F(ConnectionSettings, ANameThatTrimsToNothingIsStoredAsEmpty) {
+    settings.set(&Settings::sshUsername, "someone");
+    EXPECT_EQ(setSSHUsername(services, " \t "), Outcome::done());
+    EXPECT_EQ(settings.values().sshUsername, "");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string()));
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(ConnectionSettingsTest, AnInvalidNameChangesNothingAndIsRefusedInWords) {
-    settings.sshUsername = "someone";
+TEST_F(ConnectionSettings, AnInvalidNameChangesNothingAndIsRefused) {
+    const std::string refusal =
+        "SSH usernames may contain only letters, numbers, period, underscore, and hyphen.";
     for (const char* bad : {"-oProxyCommand=x", "two words", "semi;colon", "a@b", "ü"}) {
-        EXPECT_FALSE(connection.setSSHUsername(bad)) << bad;
-        EXPECT_EQ(settings.sshUsername, "someone") << bad;
-        EXPECT_EQ(log.lastAction(),
-                  "SSH usernames may contain only letters, numbers, period, underscore, and "
-                  "hyphen.");
-        EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
+        log.clearActivityLog();
+        EXPECT_EQ(setSSHUsername(services, bad), Outcome::refused(refusal)) << bad;
+        EXPECT_EQ(settings.values().sshUsername, "owner") << bad;
+        EXPECT_EQ(log.lastAction(), refusal) << bad;
+        ASSERT_EQ(log.activityLog().size(), 1U) << bad;
+        EXPECT_EQ(log.activityLog().front().detail, refusal) << bad;
     }
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), std::nullopt);
 }
 
-TEST_F(ConnectionSettingsTest, TheModelIsTrimmedAndKeptAsGiven) {
-    connection.setOpenAIModel("  any model at all!\n");
-    EXPECT_EQ(settings.openAIModel, "any model at all!");
+TEST_F(ConnectionSettings, TheModelIsTrimmedAndKeptAsGiven) {
+    setOpenAIModel(services, "  any model at all!\n");
+    EXPECT_EQ(settings.values().openAIModel, "any model at all!");
     EXPECT_EQ(store.read("Tallowcrest.openAIModel"),
               SettingsValue(std::string("any model at all!")));
-    connection.setOpenAIModel("   ");
-    EXPECT_EQ(settings.openAIModel, "");
+    setOpenAIModel(services, "   ");
+    EXPECT_EQ(settings.values().openAIModel, "");
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
 }  // namespace
-}  // namespace tallowcrest
+}  // namespace tallowcrest::connection_settings

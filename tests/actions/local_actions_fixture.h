@@ -10,17 +10,16 @@
 #include <gtest/gtest.h>
 
 #include "actions/local_actions.h"
-#include "core/settings_store.h"
+#include "core/services.h"
 #include "sampling/app_impact.h"
 #include "tests/support/fake_local_actions.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 
 /// The local actions over a machine of which a test sets every process.
-class LocalActionsFixture : public ::testing::Test {
-protected:
+class LocalActionsFixture : public ::testing::Test, public TestServices {
+public:
     static constexpr std::int64_t ownPID = 4242;
     static constexpr std::uint64_t firstStartTime = 1000;
 
@@ -42,16 +41,10 @@ protected:
     void takeSample(double pressure = 10.0) {
         SystemSnapshot snapshot;
         snapshot.memory.pressure = pressure;
-        snapshot.topProcesses = rankProcesses(rows);
-        snapshot.appImpacts = buildAppImpacts(rows, settings.protectedAppNames, policy);
+        snapshot.topProcesses = rowsInOrder(rows, impactOrder(rows));
+        snapshot.appImpacts = listedAppImpacts(rows, settings.values().protectedAppNames, policy);
         sample.setLatestProcesses(rows, impactOrder(rows));
         sample.setSnapshot(std::move(snapshot));
-    }
-
-    /// What the sample cycle does when the Never Quit list has changed.
-    void regroup() {
-        sample.setAppImpacts(
-            buildAppImpacts(sample.latestProcesses(), settings.protectedAppNames, policy));
     }
 
     void endProcess(std::int64_t pid) {
@@ -63,14 +56,6 @@ protected:
     void reuseNumber(std::int64_t pid) { ports.processes->running[pid] = firstStartTime + 1; }
 
     void selectFirst() { review.selectFirstProcess(rows); }
-
-    /// Runs what the actions left to the background, and what comes back from there.
-    void finishWork() {
-        while (workQueue.pendingCount() > 0) {
-            workQueue.run();
-        }
-        mainQueue.drain();
-    }
 
     void confirm() {
         confirmations.confirmPending();
@@ -87,28 +72,20 @@ protected:
     void expectRecorded(const std::string& message) const {
         EXPECT_EQ(log.lastAction(), message);
         ASSERT_FALSE(log.activityLog().empty()) << message;
-        EXPECT_EQ(log.activityLog().front().title, "Action");
+        EXPECT_EQ(log.activityLog().front().kind, ActivityKind::action);
         EXPECT_EQ(log.activityLog().front().detail, message);
     }
 
     static constexpr ProtectionPolicy policy{.ownPID = ownPID, .protectsLinuxSystem = true};
 
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    ManualWorkQueue workQueue;
-    MemorySettingsStore store;
-    Settings settings;
-    Observable observable{mainQueue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    LatestSample sample{observable, {}, [](const auto&) {}};
-    ReviewTarget review{observable, log, sample, settings.protectedAppNames, policy};
-    ConfirmationDesk confirmations{observable, log};
+    LatestSample sample{settings, mainQueue};
+    ReviewTarget review{services, sample, policy};
+    ConfirmationDesk confirmations{log, mainQueue};
     FakeLocalActions ports;
     std::vector<ProcessSample> rows;
     int refreshes = 0;
-    LocalActions actions{{observable, log, sample, review, confirmations, settings, store, policy,
-                          mainQueue, workQueue, [this] { ++refreshes; }, [this] { regroup(); }},
-                         ports.ports()};
+    LocalActions actions{
+        {services, sample, review, confirmations, policy, [this] { ++refreshes; }, ports.ports()}};
 };
 
 }  // namespace tallowcrest

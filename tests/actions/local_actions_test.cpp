@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "core/settings_keys.h"
 #include "tests/actions/local_actions_fixture.h"
 
 namespace tallowcrest {
@@ -12,7 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using Outcome = PurgeResult::Outcome;
+using Purge = PurgeResult::Outcome;
 
 constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
 constexpr const char* purgeStep = "3. Confirm cache purge, or cancel and keep reviewing.";
@@ -42,14 +41,14 @@ TEST_F(PurgeCaches, EveryOutcomeHasItsWords) {
         int refreshes;
     };
     const Case cases[] = {
-        {{Outcome::purged, {}},
+        {{Purge::purged, {}},
          "Purged reclaimable file caches. macOS may refill them as needed.",
          1},
-        {{Outcome::refused, {}}, "Purge was blocked by macOS.", 1},
-        {{Outcome::failed, "No such file or directory"},
+        {{Purge::refused, {}}, "Purge was blocked by macOS.", 1},
+        {{Purge::failed, "No such file or directory"},
          "Could not run purge: No such file or directory",
          0},
-        {{Outcome::blocked, {}}, "Blocked an executable outside the command allowlist.", 0},
+        {{Purge::blocked, {}}, "Blocked an executable outside the command allowlist.", 0},
     };
     for (const Case& each : cases) {
         refreshes = 0;
@@ -147,7 +146,7 @@ TEST_F(OptimizeSafely, NothingToDo) {
 }
 
 TEST_F(OptimizeSafely, PressureAtTheThresholdPurgesAndBelowItDoesNot) {
-    settings.warningThreshold = 82.0;
+    settings.set(&Settings::warningThreshold, 82.0);
     takeSample(81.999);
     actions.optimizeSafely();
     EXPECT_FALSE(confirmations.pendingConfirmation());
@@ -175,16 +174,16 @@ TEST_F(NeverQuit, IsStoredSortedAndTold) {
     actions.toggleNeverQuit("Docker");
     EXPECT_EQ(store.read(settings_keys::protectedAppsKey),
               SettingsValue(SettingsTextList{"Docker", "Python"}));
-    EXPECT_EQ(settings.protectedAppNames, (ProtectedAppNames{"Docker", "Python"}));
+    EXPECT_EQ(settings.values().protectedAppNames, (ProtectedAppNames{"Docker", "Python"}));
 }
 
 TEST_F(NeverQuit, TwiceRestoresTheListAndLogsTwoEvents) {
-    settings.protectedAppNames = {"Docker"};
+    settings.set(&Settings::protectedAppNames, {"Docker"});
     actions.toggleNeverQuit("Python");
     actions.toggleNeverQuit("Python");
     expectRecorded("Python removed from Never Quit.");
     EXPECT_THAT(log.activityLog(), SizeIs(2));
-    EXPECT_EQ(settings.protectedAppNames, ProtectedAppNames{"Docker"});
+    EXPECT_EQ(settings.values().protectedAppNames, ProtectedAppNames{"Docker"});
     EXPECT_EQ(store.read(settings_keys::protectedAppsKey),
               SettingsValue(SettingsTextList{"Docker"}));
 }
@@ -206,11 +205,16 @@ TEST_F(NeverQuit, HoldsAtOnceForWhatIsUnderReview) {
 }
 
 TEST_F(NeverQuit, TellsObservers) {
-    int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    takeSample();
+    mainQueue.drain();
+    std::vector<std::string> told;
+    const Subscription ofSettings =
+        settings.observable().subscribe([&] { told.emplace_back("settings"); });
+    const Subscription ofSample =
+        sample.observable().subscribe([&] { told.emplace_back("sample"); });
     actions.toggleNeverQuit("Docker");
     mainQueue.drain();
-    EXPECT_EQ(told, 1);
+    EXPECT_THAT(told, ElementsAre("settings", "sample"));
 }
 
 }  // namespace

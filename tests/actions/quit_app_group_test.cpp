@@ -116,7 +116,7 @@ TEST_F(QuitAppGroup, SyntheticNamesGoStraightToTerm) {
 }
 
 TEST_F(QuitAppGroup, AProtectedGroupIsRefused) {
-    settings.protectedAppNames = {"Firefox"};
+    settings.set(&Settings::protectedAppNames, {"Firefox"});
     requestQuitOfFirefox();
     expectRecorded("Refused to quit protected app group Firefox.");
     EXPECT_FALSE(confirmations.pendingConfirmation());
@@ -251,11 +251,10 @@ TEST_F(QuitAppGroup, NeitherWhereTheListTellsNoStartTimes) {
 }
 
 TEST_F(QuitAppGroup, NumbersThatNoProcessMayHaveNeverReachThePort) {
-    ConfirmationDesk desk(observable, log);
-    LocalActions careless({observable, log, sample, review, desk, settings, store,
-                           ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false},
-                           mainQueue, workQueue, [] {}, [] {}},
-                          ports.ports());
+    ConfirmationDesk desk(log, mainQueue);
+    LocalActions careless({services, sample, review, desk,
+                           ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false}, [] {},
+                           ports.ports()});
     for (const std::int64_t pid : {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1},
                                    std::int64_t{-700}, std::int64_t{2147483648}}) {
         addProcess(pid, "/usr/bin/editor");
@@ -271,10 +270,10 @@ TEST_F(QuitAppGroup, NumbersThatNoProcessMayHaveNeverReachThePort) {
 }
 
 TEST_F(QuitAppGroup, AMemberThatWillNotBeAskedDoesNotStopTheOthers) {
-    using Outcome = TerminationResult::Outcome;
+    using Termination = TerminationResult::Outcome;
     requestQuitOfFirefox();
-    ports.processes->results[700] = {Outcome::refused, {}};
-    ports.processes->results[701] = {Outcome::failed, "Too many open files"};
+    ports.processes->results[700] = {Termination::refused, {}};
+    ports.processes->results[701] = {Termination::failed, "Too many open files"};
     confirm();
     EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{702, firstStartTime}));
     expectRecorded("Asked Firefox's visible processes to quit.");
@@ -317,10 +316,14 @@ TEST_F(QuitAppGroup, ARequestWithoutAGroupEndsInSilence) {
 }
 
 TEST_F(QuitAppGroup, WithoutADesktopTermIsAllThereIs) {
-    ConfirmationDesk desk(observable, log);
-    LocalActions headless({observable, log, sample, review, desk, settings, store, policy,
-                           mainQueue, workQueue, [] {}, [] {}},
-                          {ports.processes, nullptr, ports.cachePurge});
+    ConfirmationDesk desk(log, mainQueue);
+    LocalActions headless({services,
+                           sample,
+                           review,
+                           desk,
+                           policy,
+                           [] {},
+                           {ports.processes, nullptr, ports.cachePurge}});
     addFirefox();
     selectFirst();
     headless.requestQuitSelectedApp();
@@ -330,19 +333,24 @@ TEST_F(QuitAppGroup, WithoutADesktopTermIsAllThereIs) {
 }
 
 TEST_F(QuitAppGroup, AnAnswerThatComesAfterTheEndIsDropped) {
-    ConfirmationDesk desk(observable, log);
-    {
-        LocalActions shortLived({observable, log, sample, review, desk, settings, store, policy,
-                                 mainQueue, workQueue, [] {}, [] {}},
-                                ports.ports());
-        addFirefox();
-        selectFirst();
-        shortLived.requestQuitSelectedApp();
-        desk.confirmPending();
+    for (const bool hasBegun : {true, false}) {
+        ConfirmationDesk desk(log, mainQueue);
+        ports.gracefulQuit->names.clear();
+        rows.clear();
+        {
+            LocalActions shortLived({services, sample, review, desk, policy, [] {}, ports.ports()});
+            addFirefox();
+            selectFirst();
+            shortLived.requestQuitSelectedApp();
+            desk.confirmPending();
+            if (hasBegun) {
+                workQueue.run();
+            }
+        }
+        finishWork();
+        EXPECT_THAT(ports.gracefulQuit->names, SizeIs(hasBegun ? 1 : 0));
+        EXPECT_THAT(ports.processes->signalled, IsEmpty());
     }
-    finishWork();
-    EXPECT_THAT(ports.gracefulQuit->names, SizeIs(1));
-    EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 constexpr const char* blocked = "Blocked an invalid process termination request.";
-using Outcome = TerminationResult::Outcome;
+using Termination = TerminationResult::Outcome;
 
 class QuitProcess : public LocalActionsFixture {
 protected:
@@ -91,7 +91,7 @@ TEST_F(QuitProcess, RefusesTheProtectedWhenAsked) {
           Case{ownPID, "/opt/t", "t"}, Case{300, "/opt/Finder", "Finder"},
           Case{301, "/usr/libexec/helper", "helper"}, Case{302, "/System/helper", "helper"},
           Case{303, "/usr/bin/docker", "docker"}}) {
-        settings.protectedAppNames = {"Docker"};
+        settings.set(&Settings::protectedAppNames, {"Docker"});
         rows.clear();
         requestQuitOf(each.pid, each.command);
         expectRecorded(std::string("Refused to quit protected process ") + each.name + ".");
@@ -272,12 +272,12 @@ TEST_F(QuitProcess, EveryOutcomeHasItsWords) {
         int refreshes;
     };
     const Case cases[] = {
-        {{Outcome::asked, {}}, "Asked process 700 to quit.", 1},
-        {{Outcome::refused, {}}, "Could not quit process 700. It may be protected.", 1},
-        {{Outcome::failed, "Too many open files"},
+        {{Termination::asked, {}}, "Asked process 700 to quit.", 1},
+        {{Termination::refused, {}}, "Could not quit process 700. It may be protected.", 1},
+        {{Termination::failed, "Too many open files"},
          "Could not quit process 700: Too many open files",
          0},
-        {{Outcome::blocked, {}}, blocked, 0},
+        {{Termination::blocked, {}}, blocked, 0},
     };
     for (const Case& each : cases) {
         rows.clear();

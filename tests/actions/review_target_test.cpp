@@ -8,8 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -23,7 +22,7 @@ ProcessSample row(std::int64_t pid, const std::string& command, double cpu = 12.
     return {pid, cpu, 1.0, rssMB, command, command};
 }
 
-class ReviewTargetTest : public ::testing::Test {
+class ReviewTargetTest : public ::testing::Test, protected TestServices {
 protected:
     void publish(std::vector<ProcessSample> latest, std::vector<ProcessSample> top,
                  std::vector<AppImpact> groups = {}) {
@@ -41,6 +40,10 @@ protected:
         return result;
     }
 
+    void setNeverQuit(ProtectedAppNames names) {
+        settings.set(&Settings::protectedAppNames, std::move(names));
+    }
+
     void expectNothingSelected() const {
         EXPECT_EQ(review.selectedPID(), std::nullopt);
         EXPECT_EQ(review.selectedAppImpactName(), std::nullopt);
@@ -54,11 +57,11 @@ protected:
         EXPECT_EQ(review.optimizeStep(), step);
     }
 
-    /// The message is the last action, and one event of the title "Action" more than `before`.
+    /// The message is the last action, and one event of the kind `action` more than `before`.
     void expectRecorded(const std::string& message, std::size_t before = 0) const {
         EXPECT_EQ(log.lastAction(), message);
         ASSERT_EQ(log.activityLog().size(), before + 1);
-        EXPECT_EQ(log.activityLog()[0].title, "Action");
+        EXPECT_EQ(log.activityLog()[0].kind, ActivityKind::action);
         EXPECT_EQ(log.activityLog()[0].detail, message);
     }
 
@@ -67,13 +70,8 @@ protected:
         EXPECT_THAT(log.activityLog(), IsEmpty());
     }
 
-    ManualClock clock;
-    ManualMainQueue queue;
-    Observable observable{queue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    LatestSample sample{observable, {}, [](const auto&) {}};
-    ProtectedAppNames neverQuit;
-    ReviewTarget review{observable, log, sample, neverQuit,
+    LatestSample sample{settings, mainQueue};
+    ReviewTarget review{services, sample,
                         ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
 };
 
@@ -140,7 +138,7 @@ TEST_F(ReviewTargetTest, SelectTopProcess) {
 }
 
 TEST_F(ReviewTargetTest, SelectTopProcessRefusesWhatIsProtected) {
-    neverQuit = {"Node.js"};
+    setNeverQuit({"Node.js"});
     const std::vector<ProcessSample> protectedRows{
         row(7, "/sbin/launchd"),             // a built-in name
         row(7, "/usr/libexec/anything"),     // a protected place
@@ -164,7 +162,7 @@ TEST_F(ReviewTargetTest, SelectTopProcessRefusesWhatIsProtected) {
 }
 
 TEST_F(ReviewTargetTest, NeverQuitNamesAreGroupNamesCaseSensitive) {
-    neverQuit = {"node", "NODE.JS"};
+    setNeverQuit({"node", "NODE.JS"});
     publish({}, {row(7, "/usr/bin/node")});
     review.selectTopProcess();
     EXPECT_EQ(review.selectedPID(), 7);
@@ -173,7 +171,7 @@ TEST_F(ReviewTargetTest, NeverQuitNamesAreGroupNamesCaseSensitive) {
 TEST_F(ReviewTargetTest, SeesANeverQuitNameThatWasAddedLater) {
     publish({}, {row(7, "/usr/bin/node")});
     EXPECT_FALSE(review.isProtectedTarget(row(7, "/usr/bin/node")));
-    neverQuit.insert("Node.js");
+    setNeverQuit({"Node.js"});
     EXPECT_TRUE(review.isProtectedTarget(row(7, "/usr/bin/node")));
 }
 
@@ -201,7 +199,7 @@ TEST_F(ReviewTargetTest, SelectTopApp) {
 }
 
 TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
-    neverQuit = {"Docker"};
+    setNeverQuit({"Docker"});
     for (const ProcessSample& top :
          {row(7, "/sbin/launchd"), row(7, "/usr/bin/docker"), row(7, "/usr/sbin/sshd"),
           row(7, "[kswapd0]"), row(4242, "/usr/bin/anything")}) {
@@ -257,7 +255,7 @@ TEST_F(ReviewTargetTest, SummaryOfARowOfTheRankedListAlone) {
 }
 
 TEST_F(ReviewTargetTest, SummaryTellsWhatIsProtected) {
-    neverQuit = {"b"};
+    setNeverQuit({"b"});
     publish({row(7, "/sbin/launchd"), row(8, "/usr/bin/b"), row(1, "/init")}, {});
     for (const std::int64_t pid : {7, 8, 1}) {
         review.selectProcess(row(pid, "/usr/bin/x"));
@@ -323,12 +321,12 @@ TEST_F(ReviewTargetTest, ATargetIsMovedWithoutTheStep) {
 
 TEST_F(ReviewTargetTest, TellsObserversOfEverySelection) {
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const Subscription subscription = review.observable().subscribe([&told] { ++told; });
     review.selectProcess(row(7, "/usr/bin/a"));
-    queue.drain();
+    mainQueue.drain();
     EXPECT_EQ(told, 1);
     review.clearOperationTarget();
-    queue.drain();
+    mainQueue.drain();
     EXPECT_EQ(told, 2);
 }
 

@@ -9,11 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "actions/tool_runner.h"
-#include "core/activity_log.h"
-#include "core/observable.h"
 #include "platform/tools/tool_launcher_posix.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -21,15 +18,11 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 
-class RealToolRunnerTest : public testing::Test {
+class RealToolRunnerTest : public testing::Test, protected TestServices {
 protected:
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    Observable observable{mainQueue};
-    ActivityLog activityLog{clock, observable, {}, [](const std::vector<ActivityEvent>&) {}};
     CommandSafetyPolicy::AllowedExecutables allowed{"/bin/sh", "/usr/bin/ssh"};
     PosixToolLauncher launcher;
-    ToolRunner runner{allowed, launcher, mainQueue, activityLog};
+    ToolRunner runner{allowed, launcher, jobs, log};
 };
 
 TEST_F(RealToolRunnerTest, AnOverrunKeepsWhatWasWrittenBefore) {
@@ -51,8 +44,7 @@ TEST_F(RealToolRunnerTest, ARefusedToolIsNotLaunched) {
     EXPECT_EQ(runner.runTool("/usr/bin/touch", {trace.string()}, 10s), "");
     EXPECT_FALSE(std::filesystem::exists(trace));
     mainQueue.drain();
-    EXPECT_EQ(activityLog.lastAction(),
-              "Blocked executable outside Tallowcrest's command allowlist.");
+    EXPECT_EQ(log.lastAction(), "Blocked executable outside Tallowcrest's command allowlist.");
 }
 
 TEST_F(RealToolRunnerTest, TheSecureShellsErrorsReachTheText) {

@@ -8,11 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/activity_log.h"
-#include "core/observable.h"
 #include "tests/support/fake_tool_launcher.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -22,15 +19,11 @@ using namespace std::chrono_literals;
 constexpr const char* blockedMessage =
     "Blocked executable outside Tallowcrest's command allowlist.";
 
-class ToolRunnerTest : public testing::Test {
+class ToolRunnerTest : public testing::Test, protected TestServices {
 protected:
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    Observable observable{mainQueue};
-    ActivityLog activityLog{clock, observable, {}, [](const std::vector<ActivityEvent>&) {}};
     FakeToolLauncher launcher;
-    std::unique_ptr<ToolRunner> runner = std::make_unique<ToolRunner>(
-        CommandSafetyPolicy::macOSExecutables(), launcher, mainQueue, activityLog);
+    std::unique_ptr<ToolRunner> runner =
+        std::make_unique<ToolRunner>(CommandSafetyPolicy::macOSExecutables(), launcher, jobs, log);
 };
 
 TEST_F(ToolRunnerTest, RunToolPassesTheCallersTimeout) {
@@ -61,20 +54,20 @@ TEST_F(ToolRunnerTest, RunSSHLaunchesOnlyTheSecureShellWithStandardErrorMerged) 
 
 TEST_F(ToolRunnerTest, ARefusalReturnsAtOnceAndIsRecordedLater) {
     launcher.willWrite("never seen");
-    const std::string lastAction = activityLog.lastAction();
+    const std::string lastAction = log.lastAction();
 
     EXPECT_EQ(runner->runTool("/usr/bin/env", {}, 2s), "");
 
     EXPECT_TRUE(launcher.requests.empty());
-    EXPECT_EQ(activityLog.lastAction(), lastAction);
-    EXPECT_TRUE(activityLog.activityLog().empty());
+    EXPECT_EQ(log.lastAction(), lastAction);
+    EXPECT_TRUE(log.activityLog().empty());
 
     mainQueue.drain();
 
-    EXPECT_EQ(activityLog.lastAction(), blockedMessage);
-    ASSERT_EQ(activityLog.activityLog().size(), 1U);
-    EXPECT_EQ(activityLog.activityLog()[0].title, "Action");
-    EXPECT_EQ(activityLog.activityLog()[0].detail, blockedMessage);
+    EXPECT_EQ(log.lastAction(), blockedMessage);
+    ASSERT_EQ(log.activityLog().size(), 1U);
+    EXPECT_EQ(log.activityLog()[0].kind, ActivityKind::action);
+    EXPECT_EQ(log.activityLog()[0].detail, blockedMessage);
 }
 
 TEST_F(ToolRunnerTest, EachRefusalIsRecorded) {
@@ -84,19 +77,19 @@ TEST_F(ToolRunnerTest, EachRefusalIsRecorded) {
     mainQueue.drain();
 
     EXPECT_TRUE(launcher.requests.empty());
-    EXPECT_EQ(activityLog.activityLog().size(), 3U);
+    EXPECT_EQ(log.activityLog().size(), 3U);
 }
 
 TEST_F(ToolRunnerTest, RunSSHIsRefusedWhereTheListLacksTheSecureShell) {
     const CommandSafetyPolicy::AllowedExecutables without{"/usr/bin/du"};
-    ToolRunner restricted(without, launcher, mainQueue, activityLog);
+    ToolRunner restricted(without, launcher, jobs, log);
     launcher.willWrite("never seen");
 
     EXPECT_EQ(restricted.runSSH({"studio"}, 2s), "");
     mainQueue.drain();
 
     EXPECT_TRUE(launcher.requests.empty());
-    EXPECT_EQ(activityLog.lastAction(), blockedMessage);
+    EXPECT_EQ(log.lastAction(), blockedMessage);
 }
 
 TEST_F(ToolRunnerTest, NothingIsRecordedAfterTheRunnerIsGone) {
@@ -106,7 +99,7 @@ TEST_F(ToolRunnerTest, NothingIsRecordedAfterTheRunnerIsGone) {
     runner.reset();
     mainQueue.drain();
 
-    EXPECT_TRUE(activityLog.activityLog().empty());
+    EXPECT_TRUE(log.activityLog().empty());
 }
 
 TEST_F(ToolRunnerTest, FailuresOfTheToolAreTheEmptyTextWithoutAMessage) {

@@ -9,9 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_log.h"
 #include "core/record_json.h"
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "platform/base/run_loop.h"
+#include "sampling/latest_sample.h"
 #include "tests/app/private_data.h"
 #include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
@@ -26,15 +28,14 @@ using ::testing::IsEmpty;
 using ::testing::internal::CaptureStderr;
 using ::testing::internal::GetCapturedStderr;
 
-/// The parts of this machine, with an owner's data of the test's own.
+/// Uses this machine, with a private folder for stored data.
 class CompositionTest : public ::testing::Test {
 protected:
     std::unique_ptr<Composition> start(SettingsAccess access) {
-        return std::make_unique<Composition>(loop, access, std::vector<std::string>{"tallowcrest"},
-                                             MonitorExtensions{});
+        return std::make_unique<Composition>(loop, access, std::vector<std::string>{"tallowcrest"});
     }
 
-    /// Does what is posted by now.
+    /// Runs what has been posted so far.
     void serve() {
         loop.post([this] { loop.stop(0); });
         EXPECT_EQ(loop.run(), 0);
@@ -48,7 +49,9 @@ protected:
     PrivateData data;
     fs::path file = data.folder() / "tallowcrest" / "settings.sqlite";
     RunLoop loop;
+    ManualMainQueue manualQueue;
     ManualWorkQueue workQueue;
+    Jobs jobs{manualQueue, workQueue};
     ManualClock clock;
 };
 
@@ -68,7 +71,7 @@ TEST_F(CompositionTest, KeepsSettingsFromOneRunToTheNext) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, OnlyLookingSeesWhatIsKeptAndLeavesIt) {
+TEST_F(CompositionTest, ReadOnlyUseSeesStoredSettingsAndLeavesThem) {
     {
         const auto composition = start(SettingsAccess::keep);
         composition->monitor().log().recordMessage("Kept.");
@@ -87,10 +90,10 @@ TEST_F(CompositionTest, OnlyLookingSeesWhatIsKeptAndLeavesIt) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, OnlyLookingBeginsATimelineOfItsOwn) {
+TEST_F(CompositionTest, ReadOnlyUseStartsANewTimeline) {
     {
         const OpenedStore opened =
-            openSettingsStore(file, {workQueue, clock, SqliteSettingsStore::Complain()});
+            openSettingsStore(file, {jobs, clock, SqliteSettingsStore::Complain()});
         opened.store->write(settings_keys::thresholdKey, 70.0);
         opened.store->write(settings_keys::historyKey,
                             JSONData{*record_json::encode(std::vector<HistoryPoint>(
@@ -105,14 +108,14 @@ TEST_F(CompositionTest, OnlyLookingBeginsATimelineOfItsOwn) {
     EXPECT_TRUE(looking->shutDown());
 }
 
-TEST_F(CompositionTest, OnlyLookingMakesNothing) {
+TEST_F(CompositionTest, ReadOnlyUseCreatesNoFile) {
     const auto composition = start(SettingsAccess::look);
     composition->monitor().log().recordMessage("Not kept.");
     EXPECT_TRUE(composition->shutDown());
     EXPECT_TRUE(fs::is_empty(data.folder()));
 }
 
-TEST_F(CompositionTest, SaysWhatItCouldNotReadEverywhereOnce) {
+TEST_F(CompositionTest, ReportsSettingsThatCannotBeReadOnceInEachPlace) {
     writeGarbage();
     CaptureStderr();
     {
@@ -134,7 +137,7 @@ TEST_F(CompositionTest, SaysWhatItCouldNotReadEverywhereOnce) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, TellsTheMonitorOnceAnOutageThatItCannotSave) {
+TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
     const auto composition = start(SettingsAccess::keep);
     ActivityLog& log = composition->monitor().log();
     SqliteConnection other;
@@ -162,7 +165,7 @@ TEST_F(CompositionTest, TellsTheMonitorOnceAnOutageThatItCannotSave) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, WhatIsStillToBeToldAtTheEndIsDropped) {
+TEST_F(CompositionTest, DropsReportsThatArePendingAtTheEnd) {
     CaptureStderr();
     {
         const auto composition = start(SettingsAccess::keep);
@@ -177,7 +180,7 @@ TEST_F(CompositionTest, WhatIsStillToBeToldAtTheEndIsDropped) {
     EXPECT_THAT(GetCapturedStderr(), HasSubstr("cannot be saved"));
 }
 
-TEST_F(CompositionTest, StartsOnAMachineThatKeepsNothing) {
+TEST_F(CompositionTest, StartsWhereNothingCanBeStored) {
     std::ofstream(data.folder() / "tallowcrest") << "a file where the folder should be";
     CaptureStderr();
     const auto composition = start(SettingsAccess::keep);

@@ -1,4 +1,4 @@
-// The window program by itself, without any display, and both programs with hardly a descriptor.
+// The window program without a display, and both programs with few file descriptors.
 
 #include <algorithm>
 #include <filesystem>
@@ -22,7 +22,7 @@ using testing::StartsWith;
 const std::string windowProgram = TALLOWCREST_BINARY_DIR "/tallowcrest-desktop";
 const std::string entryProgram = TALLOWCREST_BINARY_DIR "/tallowcrest";
 
-/// A folder in which no instance can already run.
+/// A private folder, so that no other instance is found.
 class WindowProgram : public testing::Test {
 protected:
     ProgramResult run(const std::vector<std::string>& arguments) const {
@@ -40,7 +40,7 @@ void expectOneLine(const std::string& text) {
     EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
 }
 
-TEST_F(WindowProgram, RefusesABadOptionInOneLineWithStatusTwo) {
+TEST_F(WindowProgram, RejectsABadOptionWithOneLineAndStatusTwo) {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"--nope"}, {"stray"}, {""}, {"--json"}, {"--samples", "3"}, {"--line\nbreak"}}) {
         const ProgramResult result = run(arguments);
@@ -85,7 +85,7 @@ TEST(FewDescriptors, SixteenAreEnoughForTheWholeTable) {
     int samples = 0;
     for (std::string line; std::getline(lines, line); ++samples) {
         const auto sample = nlohmann::json::parse(line);
-        // This test, the program, and the shell's parent at the very least.
+        // At least this test, the program, and the parent of the shell.
         EXPECT_GE(sample["topProcesses"].size(), 2U);
         EXPECT_GT(sample["memory"]["totalGB"], 0.0);
     }

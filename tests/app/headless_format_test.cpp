@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,7 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// Figures in which each has a value of its own, so that none can stand for another.
+/// All figures differ, so that none can be mistaken for another.
 SystemSnapshot sampleSnapshot() {
     SystemSnapshot snapshot;
     snapshot.memory = {16.0, 9.54, 6.46, 2.5, 0.25, 59.6};
@@ -88,7 +88,7 @@ TEST_F(SampleBlock, ReadsAtAGlance) {
         "\n");
 }
 
-TEST_F(SampleBlock, SaysSoWhenThereIsNoGroup) {
+TEST_F(SampleBlock, SaysWhenThereIsNoGroup) {
     EXPECT_EQ(sampleBlock({}, {}),
               "2001-01-01 00:00:00  CPU 0%  Memory unknown  Disk unknown\n"
               "  Sampling apps…\n"
@@ -129,7 +129,7 @@ TEST_F(SampleBlock, ShowsTheFirstFiveGroups) {
     EXPECT_THAT(block, Not(HasSubstr("Group 6")));
 }
 
-TEST_F(SampleBlock, KeepsItsColumnsWhateverTheNames) {
+TEST_F(SampleBlock, KeepsItsColumnsWithAnyName) {
     SystemSnapshot snapshot = sampleSnapshot();
     const auto rowFor = [&snapshot](const std::string& name) {
         snapshot.appImpacts = {{name, 3, 142.5, 1533, 812, 1}};
@@ -176,7 +176,7 @@ TEST_F(SampleBlock, ARecommendationStaysOnItsLines) {
                 HasSubstr("\n  [Info] Two?lines ?[2J\n      a?b ?[31m\n"));
 }
 
-TEST_F(SampleBlock, FiguresThatAreNoNumbersDoNoHarm) {
+TEST_F(SampleBlock, AcceptsNaNAndInfinities) {
     SystemSnapshot snapshot = sampleSnapshot();
     snapshot.cpuPercent = std::numeric_limits<double>::quiet_NaN();
     snapshot.memory.pressure = std::numeric_limits<double>::infinity();
@@ -194,7 +194,7 @@ std::vector<std::string> keysOf(const nlohmann::ordered_json& object) {
     return keys;
 }
 
-TEST(SampleJSON, NamesEveryFieldInItsOrder) {
+TEST(SampleJSON, NamesEveryFieldInOrder) {
     const auto object = nlohmann::ordered_json::parse(
         sampleJSON(sampleSnapshot(), {card("CPU is high", Recommendation::Severity::urgent)}));
     EXPECT_THAT(keysOf(object),
@@ -248,7 +248,7 @@ TEST(SampleJSON, IsOneLine) {
     EXPECT_EQ(linesOf(text).size(), 1U);
 }
 
-TEST(SampleJSON, HasEmptyListsForNothing) {
+TEST(SampleJSON, HasEmptyListsWithoutItems) {
     const json object = json::parse(sampleJSON({}, {}));
     EXPECT_EQ(object["topProcesses"], json::array());
     EXPECT_EQ(object["appImpacts"], json::array());
@@ -257,7 +257,7 @@ TEST(SampleJSON, HasEmptyListsForNothing) {
     EXPECT_EQ(object["sampledAt"], 0.0);
 }
 
-TEST(SampleJSON, IsValidForAnyNameAndFigure) {
+TEST(SampleJSON, IsValidWithAnyNameAndFigure) {
     SystemSnapshot snapshot = sampleSnapshot();
     std::string every;
     for (int byte = 0; byte < 256; ++byte) {

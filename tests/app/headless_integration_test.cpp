@@ -1,4 +1,4 @@
-// The program as the owner starts it, on the machine that the test runs on.
+// The built program, on the machine that the test runs on.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -88,7 +88,7 @@ TEST(CommandLine, ABadOptionIsOneClearLineAndStatusTwo) {
     }
 }
 
-TEST(CommandLine, ABadOptionKeepsItsStatusWithNobodyToTell) {
+TEST(CommandLine, ABadOptionKeepsItsStatusWithoutStandardError) {
     const ProgramResult result =
         runProgram({.path = program, .arguments = {"--nope"}, .closeStandardError = true});
     EXPECT_EQ(result.status, 2);
@@ -97,7 +97,7 @@ TEST(CommandLine, ABadOptionKeepsItsStatusWithNobodyToTell) {
 
 // Without a window -------------------------------------------------------------------------------
 
-TEST(Headless, PrintsAsManyLinesOfJSONAsAskedFor) {
+TEST(Headless, PrintsTheRequestedNumberOfJSONLines) {
     const SystemClock clock;
     const Date before = clock.now();
     const ProgramResult result =
@@ -186,14 +186,14 @@ protected:
     fs::path file = privateData.folder() / "tallowcrest" / "settings.sqlite";
 };
 
-TEST_F(HeadlessSettings, AreNotMadeByLooking) {
+TEST_F(HeadlessSettings, AreNotCreatedByReading) {
     const ProgramResult result = run({"--headless", "--samples", "2", "--interval", "0.1"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardError, "");
     EXPECT_TRUE(fs::is_empty(privateData.folder()));
 }
 
-TEST_F(HeadlessSettings, ThatCannotBeReadAreOneLineAndLeftAsTheyAre) {
+TEST_F(HeadlessSettings, ThatCannotBeReadAreReportedInOneLineAndLeftUnchanged) {
     fs::create_directory(file.parent_path());
     std::ofstream(file) << "garbage";
     const ProgramResult result = run({"--headless", "--samples", "2", "--interval", "0.1"});
@@ -207,9 +207,9 @@ TEST_F(HeadlessSettings, ThatCannotBeReadAreOneLineAndLeftAsTheyAre) {
               1);
 }
 
-// Standard output that goes nowhere --------------------------------------------------------------
+// Standard output that cannot be written ---------------------------------------------------------
 
-TEST(Headless, SaysSoWhenStandardOutputIsFull) {
+TEST(Headless, ReportsThatStandardOutputIsFull) {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"--headless", "--samples", "2", "--interval", "0.1"},
              {"--headless", "--json"},
@@ -223,7 +223,7 @@ TEST(Headless, SaysSoWhenStandardOutputIsFull) {
     }
 }
 
-TEST(Headless, SaysSoWhenStandardOutputIsClosed) {
+TEST(Headless, ReportsThatStandardOutputIsClosed) {
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"--headless", "--samples", "2"}, {"--version"}}) {
         const ProgramResult result =
@@ -233,7 +233,7 @@ TEST(Headless, SaysSoWhenStandardOutputIsClosed) {
     }
 }
 
-TEST(Headless, EndsInSilenceWhenItsReaderGoes) {
+TEST(Headless, EndsSilentlyWhenItsReaderCloses) {
     const ProgramResult result =
         runProgram({.path = program,
                     .arguments = {"--headless", "--json", "--interval", "0.05"},
@@ -243,7 +243,7 @@ TEST(Headless, EndsInSilenceWhenItsReaderGoes) {
     EXPECT_FALSE(linesOf(result.standardOutput).empty());
 }
 
-TEST(Headless, EndsWithAStatusWhenItsReaderGoesAndTheSignalIsIgnored) {
+TEST(Headless, EndsWithAStatusWhenItsReaderClosesAndTheSignalIsIgnored) {
     const ProgramResult result =
         runProgram({.path = program,
                     .arguments = {"--headless", "--json", "--interval", "0.05"},
@@ -275,7 +275,7 @@ TEST(Window, AnEmptyDisplayVariableIsNone) {
     EXPECT_THAT(result.standardError, HasSubstr("tallowcrest --headless"));
 }
 
-/// A copy of the entry program in a folder of its own.
+/// A copy of the entry program in a private folder.
 class CopiedProgram : public ::testing::Test {
 protected:
     CopiedProgram() { fs::copy_file(program, folder / "tallowcrest"); }
@@ -305,14 +305,14 @@ TEST_F(CopiedProgram, SaysWhichProgramIsMissing) {
     expectOneLine(result.standardError);
 }
 
-TEST_F(CopiedProgram, HandsItsArgumentsToTheWindowBesideIt) {
+TEST_F(CopiedProgram, PassesItsArgumentsToTheWindowProgramBesideIt) {
     writeScript(folder / "tallowcrest-desktop", "echo \"window: $# $1\"; exit 5\n");
     const ProgramResult result = runCopy({"--ui-testing"});
     EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.standardOutput, "window: 1 --ui-testing\n");
 }
 
-TEST_F(CopiedProgram, FindsTheWindowBesideItselfThroughALink) {
+TEST_F(CopiedProgram, FindsTheWindowProgramThroughALink) {
     writeScript(folder / "tallowcrest-desktop", "exit 6\n");
     fs::create_directory(folder / "bin");
     fs::create_symlink("../tallowcrest", folder / "bin" / "tallowcrest");
@@ -321,7 +321,7 @@ TEST_F(CopiedProgram, FindsTheWindowBesideItselfThroughALink) {
     EXPECT_EQ(result.status, 6);
 }
 
-TEST_F(CopiedProgram, ABadOptionIsRefusedBeforeTheWindowIsTried) {
+TEST_F(CopiedProgram, RejectsABadOptionBeforeStartingTheWindowProgram) {
     writeScript(folder / "tallowcrest-desktop", "exit 5\n");
     EXPECT_EQ(runCopy({"--nope"}).status, 2);
 }

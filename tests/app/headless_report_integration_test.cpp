@@ -15,7 +15,7 @@ namespace {
 
 using ::testing::StartsWith;
 
-TEST(HeadlessReport, IsPrintedAndTheProgramEnds) {
+TEST(HeadlessReport, IsPrintedBeforeTheProgramEnds) {
     const ProgramResult result = run({"--headless", "--report", "--interval", "0.3"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardError, "");
@@ -29,7 +29,7 @@ TEST(HeadlessReport, IsPrintedAndTheProgramEnds) {
     }
 }
 
-/// The first line of a report that is read under this locale and in this time zone.
+/// The first line of a report in this locale and time zone.
 std::string datedLine(const char* locale, const char* zone) {
     const ProgramResult result = run({"--headless", "--report", "--interval", "0.1"},
                                      {std::string("LC_ALL=") + locale, std::string("TZ=") + zone});
@@ -37,8 +37,8 @@ std::string datedLine(const char* locale, const char* zone) {
     return result.standardOutput.substr(0, result.standardOutput.find('\n'));
 }
 
-TEST(HeadlessReport, IsDatedAsItsReaderWritesDates) {
-    // No-break spaces of either width stand between the time and its half of the day.
+TEST(HeadlessReport, IsDatedInTheReadersLocale) {
+    // The space before AM or PM is a no-break space, narrow or not.
     struct Case {
         const char* locale;
         const char* form;
@@ -54,7 +54,7 @@ TEST(HeadlessReport, IsDatedAsItsReaderWritesDates) {
     }
 }
 
-TEST(HeadlessReport, BearsTheTimeOfItsReadersZone) {
+TEST(HeadlessReport, IsDatedInTheReadersTimeZone) {
     const auto minuteOfDay = [](const std::string& line) {
         std::smatch time;
         EXPECT_TRUE(std::regex_search(line, time, std::regex(R"((\d\d):(\d\d)$)"))) << line;
@@ -64,12 +64,12 @@ TEST(HeadlessReport, BearsTheTimeOfItsReadersZone) {
     const int east = minuteOfDay(datedLine("de_DE.UTF-8", "EAST-9:30"));
     constexpr int day = 24 * 60;
     const int ahead = (east - west + day) % day;
-    // A moment lies between the two reports, and on a busy machine a long one.
+    // Some time passes between the two reports, on a busy machine a long one.
     EXPECT_GE(ahead, 14 * 60 + 30);
     EXPECT_LT(ahead, 15 * 60);
 }
 
-TEST(HeadlessReport, NamesNoProcessNumberWhenItIsRedacted) {
+TEST(HeadlessReport, HasNoProcessIdsWhenRedacted) {
     const ProgramResult result = run({"--headless", "--report", "--redacted", "--interval", "0.3"});
     EXPECT_EQ(result.status, 0);
     const std::vector<std::string> lines = linesOf(result.standardOutput);

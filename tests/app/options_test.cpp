@@ -32,7 +32,7 @@ std::string refusal(const std::vector<std::string>& arguments) {
     return error != nullptr ? error->message : "accepted";
 }
 
-TEST(Options, NothingAskedFor) {
+TEST(Options, Defaults) {
     const Options options = accepted({});
     EXPECT_FALSE(options.showHelp);
     EXPECT_FALSE(options.showVersion);
@@ -90,7 +90,7 @@ TEST(Options, Interval) {
     }
 }
 
-TEST(Options, RefusesWhatItDoesNotKnow) {
+TEST(Options, RejectsUnknownOptions) {
     for (const char* argument :
          {"--nope", "-x", "-", "--", "", "headless", "--Headless", "--head", "--headless2",
           " --headless", "/etc/passwd", "--=3", "=", "-help", "--no-headless"}) {
@@ -101,7 +101,7 @@ TEST(Options, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(refusal({"--nope=3"}), "unknown option '--nope=3'");
 }
 
-TEST(Options, RefusesBadSampleCounts) {
+TEST(Options, RejectsBadSampleCounts) {
     for (const char* value : {"0", "-1", "", "x", "1.5", "1e3", "0x10", " 1", "1 ", "3x", "nan",
                               "9223372036854775808", "--json"}) {
         EXPECT_EQ(
@@ -113,7 +113,7 @@ TEST(Options, RefusesBadSampleCounts) {
     EXPECT_EQ(refusal({"--headless", "--samples"}), "option '--samples' needs a value");
 }
 
-TEST(Options, RefusesBadIntervals) {
+TEST(Options, RejectsBadIntervals) {
     for (const char* value : {"0", "-1", "", "x", "0.009", "86400.1", "1e9", "inf", "nan", "1s",
                               " 1", "0x1p3", "1,5", "--json", "1e999", "-0"}) {
         EXPECT_EQ(refusal({"--headless", "--interval", value}),
@@ -123,20 +123,20 @@ TEST(Options, RefusesBadIntervals) {
     EXPECT_EQ(refusal({"--headless", "--interval"}), "option '--interval' needs a value");
 }
 
-TEST(Options, RefusesAValueWhereNoneBelongs) {
+TEST(Options, RejectsAValueForAFlag) {
     EXPECT_EQ(refusal({"--headless=yes"}), "option '--headless' takes no value");
     EXPECT_EQ(refusal({"--ui-testing="}), "option '--ui-testing' takes no value");
     EXPECT_EQ(refusal({"-h=1"}), "option '-h' takes no value");
 }
 
-TEST(Options, RefusesHeadlessOptionsWithoutHeadless) {
+TEST(Options, RejectsHeadlessOptionsWithoutHeadless) {
     EXPECT_EQ(refusal({"--json"}), "option '--json' needs '--headless'");
     EXPECT_EQ(refusal({"--samples", "3"}), "option '--samples' needs '--headless'");
     EXPECT_EQ(refusal({"--interval", "3"}), "option '--interval' needs '--headless'");
     EXPECT_EQ(refusal({"--report"}), "option '--report' needs '--headless'");
     EXPECT_EQ(refusal({"--redacted"}), "option '--redacted' needs '--report'");
     EXPECT_EQ(refusal({"--headless", "--redacted"}), "option '--redacted' needs '--report'");
-    // Help is given whatever else stands there.
+    // Help is given whatever the other options are.
     EXPECT_TRUE(accepted({"--json", "--help"}).showHelp);
     EXPECT_TRUE(accepted({"--samples", "3", "--version"}).showVersion);
 }
@@ -153,24 +153,24 @@ TEST(Options, Report) {
               "option '--report' cannot go with '--samples'");
 }
 
-TEST(Options, ReportsTheFirstFault) {
+TEST(Options, ReportsTheFirstError) {
     EXPECT_EQ(refusal({"--first", "--samples", "x"}), "unknown option '--first'");
     EXPECT_EQ(refusal({"--headless=1", "--second"}), "option '--headless' takes no value");
 }
 
-TEST(Options, MessagesAreOneLineThatCannotSteerTheTerminal) {
+TEST(Options, MessagesAreOneLineWithoutControlCharacters) {
     EXPECT_EQ(refusal({"a\nb\x1B[31m\x7F"}), "unknown option 'a?b?[31m?'");
     EXPECT_EQ(refusal({"\xC2\x9B"
                        "31m"}),
               "unknown option '?31m'");
-    // An escape hidden behind the beginning of a longer sequence.
+    // An escape character after an incomplete sequence.
     EXPECT_EQ(refusal({"\xE2\x1B[31m"}), "unknown option '\xEF\xBF\xBD?[31m'");
     EXPECT_EQ(refusal({"größe"}), "unknown option 'größe'");
     EXPECT_EQ(refusal({"--headless", "--samples", "1\n2"}),
               "option '--samples' needs a whole number from 1, not '1?2'");
 }
 
-TEST(Options, MessagesCutALongArgumentBetweenCharacters) {
+TEST(Options, MessagesShortenALongArgumentBetweenCharacters) {
     EXPECT_EQ(refusal({std::string(80, 'x')}), "unknown option '" + std::string(80, 'x') + "'");
     EXPECT_EQ(refusal({std::string(81, 'x')}), "unknown option '" + std::string(80, 'x') + "...'");
     std::string umlauts;
@@ -180,7 +180,7 @@ TEST(Options, MessagesCutALongArgumentBetweenCharacters) {
     EXPECT_EQ(refusal({umlauts}), "unknown option '" + umlauts.substr(0, 160) + "...'");
 }
 
-TEST(Options, HelpTellsOfEveryOptionInNarrowLines) {
+TEST(Options, HelpListsEveryOptionInNarrowLines) {
     const std::string help(helpText());
     for (const char* option : {"--headless", "--json", "--samples", "--interval", "--ui-testing",
                                "--report", "--redacted", "--version", "--help", "-h"}) {

@@ -6,8 +6,8 @@
 
 namespace tallowcrest {
 
-/// While it lives, this process and those that it starts keep the owner's data in a folder of their
-/// own: neither does a test depend on the settings of the person who runs it, nor change them.
+/// While it exists, this process and its children keep the owner's data in a private folder, so
+/// that a test neither depends on the settings of the person who runs it nor changes them.
 class PrivateData {
 public:
     PrivateData() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }

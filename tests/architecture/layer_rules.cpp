@@ -10,7 +10,7 @@
 namespace tallowcrest::architecture {
 namespace {
 
-/// From the bottom up; each may include those before it.
+/// From the bottom up; each layer may include those before it.
 constexpr std::array<std::string_view, 11> layers{
     "core", "sampling",    "actions", "remote",       "reports", "advisor",
     "disk", "integration", "monitor", "presentation", "app"};
@@ -22,8 +22,7 @@ constexpr std::array<std::string_view, 10> platformLayers{
     "platform",     "platform/base",  "platform/tools", "platform/instance", "platform/settings",
     "platform/icu", "platform/linux", "platform/macos", "platform/x11",      "platform/desktop"};
 
-/// The pieces of the window that take plain values. A library of its own, so that nothing of the
-/// monitor can be reached from it.
+/// The widgets, which take plain values. A separate library, so that they cannot use the monitor.
 constexpr std::string_view widgetLayer = "presentation/widgets";
 
 constexpr std::array<std::string_view, 4> qtLayers{"presentation", widgetLayer, "platform/desktop",
@@ -34,8 +33,7 @@ constexpr std::array<std::string_view, 16> systemMacros{
     "_WIN32",      "_WIN64",  "__CYGWIN__",  "__unix__",      "__unix",    "unix",
     "__FreeBSD__", "__BSD__", "__OpenBSD__", "__ANDROID__"};
 
-/// The libraries that carry Qt. app/ is not among them: what it has as a library also goes into the
-/// program that has no window.
+/// The libraries that may be linked to Qt. Not app/, which the program without a window links too.
 constexpr std::array<std::string_view, 3> qtLibraries{"presentation", widgetLayer,
                                                       "platform/desktop"};
 
@@ -67,8 +65,7 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
     if (const auto rank = rankOf(to)) {
         return *rank <= *rankOf(highestPortLayer);
     }
-    // The desktop's services ask windows too, where there are windows of that kind, and listen for
-    // other starts of the program.
+    // The desktop services also ask X11 windows and listen for other starts of the program.
     if (from == "platform/desktop" && (to == "platform/x11" || to == "platform/instance")) {
         return true;
     }
@@ -102,7 +99,7 @@ bool namesAnOperatingSystem(const std::string& identifier) {
            startsWith(identifier, "TARGET_OS_");
 }
 
-/// "platform_linux" is the name that the folder platform/linux bears in the build files.
+/// "platform_linux" is the name of platform/linux in the build files.
 std::string layerOfTargetName(std::string name) {
     for (const std::string_view folder : {"platform", "presentation"}) {
         if (startsWith(name, std::string(folder) + '_')) {
@@ -118,7 +115,7 @@ std::string layerOfTarget(const std::string& target) {
 
 struct LinkEdge {
     std::string from;
-    std::string to;  ///< a layer, or a foreign library such as "Qt6::Core"
+    std::string to;  ///< a layer, or an external library such as "Qt6::Core"
     bool toLayer;
     std::string path;
     std::size_t line;
@@ -150,8 +147,8 @@ void addLayerEdges(std::vector<LinkEdge>& edges, const BuildCommand& command,
     }
 }
 
-/// The edges of one target_link_libraries() command, when it is on a layer's target or on the
-/// program without a window.
+/// The edges of one target_link_libraries() command for a layer or for the program without a
+/// window.
 void addPlainEdges(std::vector<LinkEdge>& edges, const BuildCommand& command,
                    const std::string& path) {
     const std::string& target = command.arguments.front();
@@ -167,7 +164,7 @@ void addPlainEdges(std::vector<LinkEdge>& edges, const BuildCommand& command,
     }
 }
 
-/// Second names of layers, by name: the folder that declares such a name answers for it.
+/// The aliases of layers, by name. The folder that declares an alias is responsible for it.
 using Aliases = std::map<std::string, std::string>;
 
 bool isLayerAlias(const BuildCommand& command) {
@@ -180,7 +177,8 @@ bool isLayerAlias(const BuildCommand& command) {
 struct BuildPlan {
     std::set<std::string> declaredLayers;
     std::vector<LinkEdge> edges;
-    std::vector<LinkEdge> choices;  ///< from the folder of a second name to what it may stand for
+    std::vector<LinkEdge>
+        choices;  ///< from the folder of an alias to the layers that it can stand for
 };
 
 BuildPlan buildPlanOf(const std::vector<SourceFile>& files) {
@@ -215,7 +213,7 @@ BuildPlan buildPlanOf(const std::vector<SourceFile>& files) {
     return plan;
 }
 
-/// What `layer` reaches along declared edges, itself included.
+/// All layers that `layer` reaches along declared edges, itself included.
 std::set<std::string> reachableFrom(const std::string& layer, const std::vector<LinkEdge>& edges) {
     std::set<std::string> reached{layer};
     std::vector<std::string> waiting{layer};
@@ -231,7 +229,7 @@ std::set<std::string> reachableFrom(const std::string& layer, const std::vector<
     return reached;
 }
 
-/// A layer that has headers alone needs no library and is linked by nobody.
+/// A layer that has only headers needs no library and is not linked.
 std::set<std::string> layersWithCode(const std::vector<SourceFile>& files) {
     std::set<std::string> result;
     for (const SourceFile& file : files) {
@@ -329,6 +327,24 @@ std::vector<Violation> strayPlatformConditions(const std::vector<SourceFile>& fi
                         {file.path, condition.line,
                          "put what depends on " + identifier + " behind a port in platform/"});
                 }
+            }
+        }
+    }
+    return violations;
+}
+
+std::vector<Violation> monitorOutsidePages(const std::vector<SourceFile>& files) {
+    std::vector<Violation> violations;
+    for (const SourceFile& file : files) {
+        const std::string_view path(file.path);
+        if (!startsWith(path, "presentation/screens/") ||
+            endsWith(path.substr(0, path.rfind('.')), "_page")) {
+            continue;
+        }
+        for (const Include& include : includesIn(file.text)) {
+            if (include.target == "monitor/system_monitor.h") {
+                violations.push_back({file.path, include.line,
+                                      "only a page holds the monitor: take plain values here"});
             }
         }
     }

@@ -9,42 +9,46 @@
 
 namespace tallowcrest::architecture {
 
-/// One place where the tree leaves its plan.
+/// One place where the source breaks a rule.
 struct Violation {
     std::string path;
-    std::size_t line;  ///< counted from 1; 0 when the whole file is meant
-    std::string what;  ///< a sentence for the person who has to mend it
+    std::size_t line;  ///< from 1; 0 for the whole file
+    std::string what;  ///< what is wrong, in words for the person who fixes it
 
     bool operator==(const Violation&) const = default;
 };
 
-/// How long a file may be before it has to be split.
+/// The longest allowed file.
 inline constexpr std::size_t maximumLines = 440;
 
-/// The folder of src/ that counts as one layer: "core" for "core/date.h", "platform/linux" for
-/// "platform/linux/places.cpp", "platform" for a file of its own there. Empty for a file that lies
-/// in no folder.
+/// The layer of a file below src/: "core" for "core/date.h", "platform/linux" for
+/// "platform/linux/places.cpp", "platform" for a file directly in that folder. Empty for a file
+/// directly in src/.
 std::string layerOf(std::string_view path);
 
-/// Whether files of `from` may include files of `to`. False for a layer that nobody knows.
+/// Whether files of `from` may include files of `to`. False for an unknown layer.
 bool mayInclude(std::string_view from, std::string_view to);
 
-/// Includes of a layer that may not be included, or that are not written from src/.
+/// Includes of a layer that may not be included, or with a path that does not start at src/.
 std::vector<Violation> forbiddenIncludes(const std::vector<SourceFile>& files);
 
-/// Qt includes where the program must build without Qt.
+/// Qt includes in layers that must build without Qt.
 std::vector<Violation> strayQtIncludes(const std::vector<SourceFile>& files);
 
 /// Conditions on the operating system outside platform/.
 std::vector<Violation> strayPlatformConditions(const std::vector<SourceFile>& files);
 
+/// Includes of the whole monitor by a file of presentation/screens that is not a page: cards take
+/// plain values and emit signals.
+std::vector<Violation> monitorOutsidePages(const std::vector<SourceFile>& files);
+
 /// Files of more than `maximumLines` lines.
 std::vector<Violation> overlongFiles(const std::vector<SourceFile>& files);
 
-/// Link edges that the build files declare although an include along them would be forbidden,
-/// includes across layers that no declared edge carries, Qt linked where there is no Qt (the
-/// program without a window included), and folders with sources that declare no layer. `files`
-/// holds the sources and every CMakeLists.txt.
+/// Declared link edges along which an include would be forbidden, includes across layers without a
+/// declared edge, Qt linked to a layer that must build without it or to the program without a
+/// window, and folders with sources that declare no layer. `files` contains the sources and every
+/// CMakeLists.txt.
 std::vector<Violation> wrongLinkEdges(const std::vector<SourceFile>& files);
 
 }  // namespace tallowcrest::architecture

@@ -112,6 +112,14 @@ TEST(LayerRules, AcceptsGeneratedQtCodeOnlyWhereThereIsQt) {
     EXPECT_THAT(forbiddenIncludes(files), ElementsAre(violation("core/model.cpp", 1, "from src/")));
 }
 
+TEST(LayerRules, FindsTheMonitorOutsidePages) {
+    const std::string text = "#include \"monitor/system_monitor.h\"\n";
+    EXPECT_THAT(monitorOutsidePages({{"presentation/screens/load/processes_page.cpp", text},
+                                     {"presentation/screens/load/tool_row.cpp", text},
+                                     {"presentation/shell/sidebar.cpp", text}}),
+                ElementsAre(violation("presentation/screens/load/tool_row.cpp", 1, "only a page")));
+}
+
 class QtInclude : public testing::TestWithParam<std::string> {};
 
 TEST_P(QtInclude, IsFoundBelowTheWindowAndAcceptedInIt) {

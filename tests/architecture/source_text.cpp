@@ -20,7 +20,7 @@ bool startsAt(std::string_view text, std::size_t at, std::string_view what) {
     return text.substr(at, what.size()) == what;
 }
 
-/// Blanks [from, to) but keeps the line ends.
+/// Replaces [from, to) by blanks, except for line ends.
 void blank(std::string& text, std::size_t from, std::size_t to) {
     for (std::size_t at = from; at < to && at < text.size(); ++at) {
         if (text[at] != '\n') {
@@ -33,7 +33,7 @@ std::size_t endOr(std::size_t found, std::size_t length, std::size_t end) {
     return found == std::string_view::npos ? end : found + length;
 }
 
-/// The end of the quoted text that opens at `at`; an unclosed one ends with its line.
+/// The end of the quoted text that starts at `at`; an unclosed one ends with its line.
 std::size_t endOfQuoted(std::string_view text, std::size_t at) {
     const char quote = text[at];
     for (++at; at < text.size() && text[at] != '\n'; ++at) {
@@ -56,7 +56,7 @@ std::size_t endOfRawString(std::string_view text, std::size_t quote) {
     return endOr(text.find(closing, bracket), closing.size(), text.size());
 }
 
-/// The directives of comment-free source: the number of the first line, and all behind the `#`.
+/// The directives of source without comments: the number of the first line, and all after the `#`.
 std::vector<Condition> directivesIn(const std::string& text) {
     std::vector<Condition> directives;
     std::size_t line = 1;
@@ -113,7 +113,7 @@ std::string withoutComments(std::string_view text) {
         } else if (text[at] == '"') {
             next = endOfQuoted(text, at);
         } else if (text[at] == '\'' && (at == 0 || !isIdentifierPart(text[at - 1]))) {
-            // Behind a digit it parts the digits of a number and opens nothing.
+            // After a digit it is a digit separator.
             next = endOfQuoted(text, at);
         }
         at = next;

@@ -9,7 +9,7 @@ namespace tallowcrest::architecture {
 
 /// One file below src/.
 struct SourceFile {
-    std::string path;  ///< as includes write it: "core/date.h"
+    std::string path;  ///< relative to src/: "core/date.h"
     std::string text;
 };
 
@@ -23,19 +23,19 @@ struct Include {
 /// One preprocessor condition.
 struct Condition {
     std::size_t line;  ///< counted from 1
-    std::string text;  ///< all behind the `#`, continuation lines joined
+    std::string text;  ///< all after the `#`, continuation lines joined
 };
 
-/// `text` with comments and the contents of raw strings blanked out; every line keeps its number.
+/// `text` with comments and the contents of raw strings replaced by blanks. Line numbers are kept.
 std::string withoutComments(std::string_view text);
 
-/// The include lines of C++ source, those in comments left out.
+/// The include lines of C++ source, without those in comments.
 std::vector<Include> includesIn(std::string_view text);
 
-/// The #if, #ifdef, #ifndef and #elif lines of C++ source, those in comments left out.
+/// The #if, #ifdef, #ifndef and #elif lines of C++ source, without those in comments.
 std::vector<Condition> conditionsIn(std::string_view text);
 
-/// The identifiers of `text` in order.
+/// The identifiers in `text`, in order.
 std::vector<std::string> identifiersIn(std::string_view text);
 
 /// One command of a CMakeLists.txt: its name and its arguments, without quotes.
@@ -45,7 +45,7 @@ struct BuildCommand {
     std::vector<std::string> arguments;
 };
 
-/// The commands of a CMakeLists.txt. Conditions around them are commands like any other.
+/// The commands of a CMakeLists.txt, if() and endif() included.
 std::vector<BuildCommand> buildCommandsIn(std::string_view text);
 
 }  // namespace tallowcrest::architecture

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "core/record_json.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -18,11 +18,6 @@ using ::testing::IsEmpty;
 
 class ActivityLogTest : public ::testing::Test {
 protected:
-    ActivityLog makeLog(std::vector<ActivityEvent> stored = {}) {
-        return ActivityLog(clock, observable, std::move(stored),
-                           [this](const auto& events) { saves.push_back(events); });
-    }
-
     static std::vector<std::string> titles(const std::vector<ActivityEvent>& events) {
         std::vector<std::string> result;
         for (const ActivityEvent& event : events) {
@@ -31,101 +26,126 @@ protected:
         return result;
     }
 
-    ManualClock clock;
-    ManualMainQueue queue;
-    Observable observable{queue};
-    std::vector<std::vector<ActivityEvent>> saves;
+    /// What the store holds of the log.
+    std::vector<ActivityEvent> storedEvents() const {
+        return with.settings.load(stored::activityLog).value();
+    }
+
+    TestServices with;
+    ActivityLog& log = with.log;
 };
 
 TEST_F(ActivityLogTest, StartsWithWhatWasStoredAndSavesNothing) {
-    const ActivityEvent stored{UUID::random(), Date{5}, "Warning", "Old"};
-    const ActivityLog log = makeLog({stored});
-    EXPECT_THAT(log.activityLog(), ::testing::ElementsAre(stored));
-    EXPECT_EQ(log.lastAction(), "Monitoring started.");
-    EXPECT_THAT(saves, IsEmpty());
+    const std::vector<ActivityEvent> old{{UUID::random(), Date{5}, "Warning", "Old"}};
+    const TestServices later([&](SettingsStore& store) {
+        store.write(settings_keys::activityLogKey, JSONData{record_json::encode(old).value()});
+    });
+    EXPECT_EQ(later.log.activityLog(), old);
+    EXPECT_EQ(later.log.lastAction(), "Monitoring started.");
+    EXPECT_THAT(later.store.written, IsEmpty());
 }
 
 TEST_F(ActivityLogTest, RecordsInFrontAndSavesTheWholeList) {
-    ActivityLog log = makeLog();
-    log.recordEvent("Warning", "First");
-    clock.advance(std::chrono::seconds(3));
-    log.recordEvent("AI", "Second");
+    log.recordEvent(ActivityKind::warning, "First");
+    EXPECT_EQ(storedEvents(), log.activityLog());
+    with.clock.advance(std::chrono::seconds(3));
+    log.recordEvent(ActivityKind::ai, "Second");
 
     ASSERT_THAT(titles(log.activityLog()), ::testing::ElementsAre("AI", "Warning"));
     EXPECT_EQ(log.activityLog()[0].detail, "Second");
-    EXPECT_EQ(log.activityLog()[0].date, clock.now());
+    EXPECT_EQ(log.activityLog()[0].date, with.clock.now());
     EXPECT_EQ(secondsBetween(log.activityLog()[1].date, log.activityLog()[0].date), 3.0);
     EXPECT_NE(log.activityLog()[0].id, log.activityLog()[1].id);
-    ASSERT_EQ(saves.size(), 2U);
-    EXPECT_EQ(saves[0].size(), 1U);
-    EXPECT_EQ(saves[1], log.activityLog());
+    EXPECT_THAT(with.store.written, ::testing::SizeIs(2));
+    EXPECT_EQ(storedEvents(), log.activityLog());
 }
 
 TEST_F(ActivityLogTest, RecordEventLeavesTheLastActionAlone) {
-    ActivityLog log = makeLog();
     log.setLastAction("Scan finished.");
-    log.recordEvent("Warning", "Memory is high");
+    log.recordEvent(ActivityKind::warning, "Memory is high");
     EXPECT_EQ(log.lastAction(), "Scan finished.");
 }
 
+TEST_F(ActivityLogTest, RecordsTheWordsOfAnOutcomeAndHandsItOn) {
+    for (const Outcome& outcome : {Outcome::done("Done."), Outcome::asked("Asked."),
+                                   Outcome::refused("Refused."), Outcome::failed("Failed.")}) {
+        EXPECT_EQ(log.record(outcome), outcome);
+        EXPECT_EQ(log.lastAction(), outcome.message);
+        EXPECT_EQ(log.activityLog().front().kind, ActivityKind::action);
+        EXPECT_EQ(log.activityLog().front().detail, outcome.message);
+    }
+    EXPECT_THAT(log.activityLog(), ::testing::SizeIs(4));
+}
+
+TEST_F(ActivityLogTest, RecordsNothingOfAnOutcomeWithoutWords) {
+    for (const Outcome& outcome : {Outcome::done(), Outcome::asked(), Outcome::refused({})}) {
+        EXPECT_EQ(log.record(outcome), outcome);
+    }
+    EXPECT_EQ(log.lastAction(), "Monitoring started.");
+    EXPECT_THAT(log.activityLog(), IsEmpty());
+    EXPECT_THAT(with.store.written, IsEmpty());
+}
+
+TEST(OutcomeTest, IsAcceptedWhenItIsDoneOrAsked) {
+    EXPECT_TRUE(Outcome::done().isAccepted());
+    EXPECT_TRUE(Outcome::asked().isAccepted());
+    EXPECT_FALSE(Outcome::refused("No.").isAccepted());
+    EXPECT_FALSE(Outcome::failed("No.").isAccepted());
+}
+
 TEST_F(ActivityLogTest, RecordMessageIsTheLastActionAndAnActionEvent) {
-    ActivityLog log = makeLog();
     log.recordMessage("Copied the report.");
     EXPECT_EQ(log.lastAction(), "Copied the report.");
     ASSERT_EQ(log.activityLog().size(), 1U);
     EXPECT_EQ(log.activityLog()[0].title, "Action");
     EXPECT_EQ(log.activityLog()[0].detail, "Copied the report.");
-    EXPECT_EQ(saves.size(), 1U);
+    EXPECT_THAT(with.store.written, ::testing::SizeIs(1));
 }
 
 TEST_F(ActivityLogTest, SettingTheLastActionRecordsAndSavesNothing) {
-    ActivityLog log = makeLog();
     log.setLastAction("Checking...");
     EXPECT_EQ(log.lastAction(), "Checking...");
     EXPECT_THAT(log.activityLog(), IsEmpty());
-    EXPECT_THAT(saves, IsEmpty());
+    EXPECT_THAT(with.store.written, IsEmpty());
 }
 
 TEST_F(ActivityLogTest, KeepsTheNewestEightyEvents) {
-    ActivityLog log = makeLog();
     for (int i = 1; i <= 80; ++i) {
-        log.recordEvent("Event " + std::to_string(i), "");
+        log.recordEvent(ActivityKind::chat, "Event " + std::to_string(i));
     }
     EXPECT_EQ(log.activityLog().size(), 80U);
-    EXPECT_EQ(log.activityLog().back().title, "Event 1");
+    EXPECT_EQ(log.activityLog().back().detail, "Event 1");
 
-    log.recordEvent("Event 81", "");
+    log.recordEvent(ActivityKind::chat, "Event 81");
     EXPECT_EQ(log.activityLog().size(), 80U);
-    EXPECT_EQ(log.activityLog().front().title, "Event 81");
-    EXPECT_EQ(log.activityLog().back().title, "Event 2");
-    EXPECT_EQ(saves.back(), log.activityLog());
+    EXPECT_EQ(log.activityLog().front().detail, "Event 81");
+    EXPECT_EQ(log.activityLog().back().detail, "Event 2");
+    EXPECT_EQ(storedEvents(), log.activityLog());
 }
 
 TEST_F(ActivityLogTest, ClearingEmptiesSavesAndSaysSo) {
-    ActivityLog log = makeLog();
     log.recordMessage("Something");
     log.clearActivityLog();
     EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_EQ(log.lastAction(), "Activity log cleared.");
-    ASSERT_EQ(saves.size(), 2U);
-    EXPECT_THAT(saves.back(), IsEmpty());
+    EXPECT_THAT(with.store.written, ::testing::SizeIs(2));
+    EXPECT_THAT(storedEvents(), IsEmpty());
 }
 
 TEST_F(ActivityLogTest, TellsItsObserversOfEveryKindOfChange) {
-    ActivityLog log = makeLog();
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const Subscription subscription = log.observable().subscribe([&told] { ++told; });
     log.setLastAction("a");
-    queue.drain();
+    with.mainQueue.drain();
     EXPECT_EQ(told, 1);
-    log.recordEvent("a", "b");
-    queue.drain();
+    log.recordEvent(ActivityKind::chat, "b");
+    with.mainQueue.drain();
     EXPECT_EQ(told, 2);
     log.recordMessage("a");
-    queue.drain();
+    with.mainQueue.drain();
     EXPECT_EQ(told, 3);
     log.clearActivityLog();
-    queue.drain();
+    with.mainQueue.drain();
     EXPECT_EQ(told, 4);
 }
 

@@ -30,7 +30,7 @@ void expectSameAsWhole(HistoryEncoder& encoder, const std::vector<HistoryPoint>&
     EXPECT_EQ(record_json::decodeHistory(*whole), history);
 }
 
-TEST(HistoryEncoderTest, GrowsAndThenSlides) {
+TEST(HistoryEncoderTest, EncodesAGrowingAndThenSlidingList) {
     HistoryEncoder encoder;
     std::vector<HistoryPoint> history;
     expectSameAsWhole(encoder, history);
@@ -43,7 +43,7 @@ TEST(HistoryEncoderTest, GrowsAndThenSlides) {
     }
 }
 
-TEST(HistoryEncoderTest, TheFirstSampleOfARunTrimsALongList) {
+TEST(HistoryEncoderTest, EncodesAListThatTheFirstSampleTrimmed) {
     HistoryEncoder encoder;
     std::vector<HistoryPoint> history = points(500);
     expectSameAsWhole(encoder, history);
@@ -52,14 +52,14 @@ TEST(HistoryEncoderTest, TheFirstSampleOfARunTrimsALongList) {
     expectSameAsWhole(encoder, history);
 }
 
-TEST(HistoryEncoderTest, TheSameListAgain) {
+TEST(HistoryEncoderTest, EncodesTheSameListAgain) {
     HistoryEncoder encoder;
     const std::vector<HistoryPoint> history = points(3);
     expectSameAsWhole(encoder, history);
     expectSameAsWhole(encoder, history);
 }
 
-TEST(HistoryEncoderTest, AListThatDoesNotGoOn) {
+TEST(HistoryEncoderTest, EncodesAListThatDoesNotContinueThePreviousOne) {
     const std::vector<HistoryPoint> start = points(4);
     std::vector<HistoryPoint> lastGone = start;
     lastGone.pop_back();
@@ -76,7 +76,7 @@ TEST(HistoryEncoderTest, AListThatDoesNotGoOn) {
     }
 }
 
-TEST(HistoryEncoderTest, PointsThatAreEqual) {
+TEST(HistoryEncoderTest, EncodesEqualPoints) {
     HistoryEncoder encoder;
     std::vector<HistoryPoint> history(3, point(0));
     expectSameAsWhole(encoder, history);
@@ -87,7 +87,7 @@ TEST(HistoryEncoderTest, PointsThatAreEqual) {
     expectSameAsWhole(encoder, history);
 }
 
-TEST(HistoryEncoderTest, APointWithoutAJSONFormIsRefusedUntilItHasLeft) {
+TEST(HistoryEncoderTest, RejectsAListWhileItHasAPointWithoutAJSONForm) {
     HistoryEncoder encoder;
     std::vector<HistoryPoint> history = points(3);
     expectSameAsWhole(encoder, history);

@@ -105,22 +105,26 @@ TEST(PlainLocale, FormsDatesInUTC) {
         double unixSeconds;
         std::string dateAndTime;
         std::string timeOfDay;
+        std::string hoursAndMinutes;
+        std::int64_t localDay;
     };
     for (const Case& c : std::vector<Case>{
-             {0.0, "1970-01-01 00:00", "00:00:00"},
-             {-1.0, "1969-12-31 23:59", "23:59:59"},
-             {-0.25, "1969-12-31 23:59", "23:59:59"},
-             {59.999, "1970-01-01 00:00", "00:00:59"},
-             {951'782'400.0, "2000-02-29 00:00", "00:00:00"},
-             {978'307'200.0, "2001-01-01 00:00", "00:00:00"},
-             {1'799'966'712.75, "2027-01-14 22:45", "22:45:12"},
-             {-62'135'596'800.0, "0001-01-01 00:00", "00:00:00"},
-             {253'402'300'799.0, "9999-12-31 23:59", "23:59:59"},
+             {0.0, "1970-01-01 00:00", "00:00:00", "00:00", 0},
+             {-1.0, "1969-12-31 23:59", "23:59:59", "23:59", -1},
+             {-0.25, "1969-12-31 23:59", "23:59:59", "23:59", -1},
+             {59.999, "1970-01-01 00:00", "00:00:59", "00:00", 0},
+             {951'782'400.0, "2000-02-29 00:00", "00:00:00", "00:00", 11'016},
+             {978'307'200.0, "2001-01-01 00:00", "00:00:00", "00:00", 11'323},
+             {1'799'966'712.75, "2027-01-14 22:45", "22:45:12", "22:45", 20'832},
+             {-62'135'596'800.0, "0001-01-01 00:00", "00:00:00", "00:00", -719'162},
+             {253'402'300'799.0, "9999-12-31 23:59", "23:59:59", "23:59", 2'932'896},
          }) {
         const Date date = Date::fromUnixSeconds(c.unixSeconds);
         EXPECT_TRUE(Locale::hasForm(date)) << c.unixSeconds;
         EXPECT_EQ(locale.dateAndTime(date), c.dateAndTime) << c.unixSeconds;
         EXPECT_EQ(locale.timeOfDay(date), c.timeOfDay) << c.unixSeconds;
+        EXPECT_EQ(locale.hoursAndMinutes(date), c.hoursAndMinutes) << c.unixSeconds;
+        EXPECT_EQ(locale.localDay(date), c.localDay) << c.unixSeconds;
     }
 }
 
@@ -134,6 +138,8 @@ TEST(PlainLocale, DatesOutsideTheCalendarAreUnknown) {
         EXPECT_FALSE(Locale::hasForm(date)) << unixSeconds;
         EXPECT_EQ(locale.dateAndTime(date), "unknown") << unixSeconds;
         EXPECT_EQ(locale.timeOfDay(date), "unknown") << unixSeconds;
+        EXPECT_EQ(locale.hoursAndMinutes(date), "unknown") << unixSeconds;
+        EXPECT_EQ(locale.localDay(date), 0) << unixSeconds;
     }
 }
 

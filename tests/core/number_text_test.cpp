@@ -49,7 +49,7 @@ TEST(NumberText, WithOneDecimal) {
                                  {1234.56, "1234.6"}});
 }
 
-TEST(NumberText, Rounded) {
+TEST(NumberText, RoundedToInteger) {
     expectTexts(roundedToInteger, {{0.0, "0"},
                                    {0.49, "0"},
                                    {0.5, "1"},
@@ -64,7 +64,7 @@ TEST(NumberText, Rounded) {
                                    {1e20, "100000000000000000000"}});
 }
 
-TEST(NumberText, Cut) {
+TEST(NumberText, CutToInteger) {
     expectTexts(cutToInteger, {{0.0, "0"},
                                {0.99, "0"},
                                {85.9, "85"},
@@ -75,7 +75,7 @@ TEST(NumberText, Cut) {
                                {-1e20, "-100000000000000000000"}});
 }
 
-TEST(NumberText, WhatIsInfiniteOrNoNumberSaysSo) {
+TEST(NumberText, InfinitiesAndNaNHaveNames) {
     for (const Form form : {withoutDecimals, withOneDecimal, roundedToInteger, cutToInteger}) {
         expectTexts(
             form, {{infinite, "inf"}, {-infinite, "-inf"}, {noNumber, "nan"}, {-noNumber, "nan"}});

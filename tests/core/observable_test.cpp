@@ -179,5 +179,53 @@ TEST(ObservableLifetime, AQueueMayGoWithTheNotificationStillWaiting) {
     EXPECT_EQ(told, 0);
 }
 
+class ObserverGroupTest : public ::testing::Test {
+protected:
+    ManualMainQueue queue;
+    Observable first{queue};
+    Observable second{queue};
+    Observable other{queue};
+    int told = 0;
+    std::optional<ObserverGroup> group{std::in_place, queue, [this] { ++told; }};
+};
+
+TEST_F(ObserverGroupTest, IsToldOnceOfSeveralChanges) {
+    group->observe({&first, &second});
+    for (int i = 0; i < 100; ++i) {
+        first.changed();
+        second.changed();
+    }
+    queue.drain();
+    EXPECT_EQ(told, 1);
+    second.changed();
+    queue.drain();
+    EXPECT_EQ(told, 2);
+}
+
+TEST_F(ObserverGroupTest, IsNotToldOfWhatItDoesNotObserve) {
+    group->observe({&first});
+    for (int i = 0; i < 100; ++i) {
+        other.changed();
+        queue.drain();
+    }
+    EXPECT_EQ(told, 0);
+    group->observe({&other});
+    first.changed();
+    queue.drain();
+    EXPECT_EQ(told, 0);
+    other.changed();
+    queue.drain();
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(ObserverGroupTest, IsNotToldAfterItsEnd) {
+    group->observe({&first});
+    first.changed();
+    queue.turn();
+    group.reset();
+    queue.drain();
+    EXPECT_EQ(told, 0);
+}
+
 }  // namespace
 }  // namespace tallowcrest

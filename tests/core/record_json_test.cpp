@@ -19,7 +19,7 @@ constexpr Date exampleDate{700000000.25};
 const std::string awkwardText =
     "line\n\"quoted\" \\ tab\t nul" + std::string(1, '\0') + " \x7F \u20AC \U0001F98A /";
 
-/// One example of each record, with what it must be as JSON.
+/// One example of each record and its JSON text.
 template <class Stored>
 struct Codec;
 
@@ -139,7 +139,7 @@ using StoredTypes =
                      std::vector<RemoteHistoryPoint>>;
 TYPED_TEST_SUITE(RecordJSON, StoredTypes);
 
-TYPED_TEST(RecordJSON, HoldsTheMembersAndNothingElse) {
+TYPED_TEST(RecordJSON, HasExactlyItsMembers) {
     const auto text = record_json::encode(this->exampleStored());
     ASSERT_TRUE(text);
     EXPECT_EQ(this->recordIn(json::parse(*text)), TestFixture::Example::exampleMembers());
@@ -158,7 +158,7 @@ TYPED_TEST(RecordJSON, AnEmptyValueReadsBackEmpty) {
     EXPECT_EQ(this->decode(*text), TypeParam{});
 }
 
-TYPED_TEST(RecordJSON, EachMissingMemberFailsTheWhole) {
+TYPED_TEST(RecordJSON, AMissingMemberMakesTheWholeAbsent) {
     const json members = TestFixture::Example::exampleMembers();
     ASSERT_TRUE(this->decode(this->textOf(members)));
     for (const auto& [name, value] : members.items()) {
@@ -168,7 +168,7 @@ TYPED_TEST(RecordJSON, EachMissingMemberFailsTheWhole) {
     }
 }
 
-TYPED_TEST(RecordJSON, EachMistypedMemberFailsTheWhole) {
+TYPED_TEST(RecordJSON, AMemberOfTheWrongTypeMakesTheWholeAbsent) {
     const json members = TestFixture::Example::exampleMembers();
     const json samples[] = {nullptr,       true,          7, 7.5, "text", exampleIDText,
                             json::array(), json::object()};
@@ -177,7 +177,7 @@ TYPED_TEST(RecordJSON, EachMistypedMemberFailsTheWhole) {
         for (const json& sample : samples) {
             const bool sameKind =
                 value.type() == sample.type() ||
-                // An integer literal is a number with a fraction too, but not the reverse.
+                // An integer literal is a valid floating-point number too, but not vice versa.
                 (value.is_number_float() && sample.is_number()) ||
                 (value.is_number_integer() && sample.is_number_integer());
             const bool isID = value == exampleIDText;
@@ -193,7 +193,7 @@ TYPED_TEST(RecordJSON, EachMistypedMemberFailsTheWhole) {
     EXPECT_GE(refused, static_cast<int>(members.size()) * 5);
 }
 
-TYPED_TEST(RecordJSON, OneBrokenRecordLosesTheOthersToo) {
+TYPED_TEST(RecordJSON, OneInvalidRecordMakesTheWholeAbsent) {
     const json good = TestFixture::Example::exampleMembers();
     for (const json& broken :
          {json(nullptr), json(3), json("text"), json::array(), json::object()}) {
@@ -209,7 +209,7 @@ TYPED_TEST(RecordJSON, UnknownMembersAreIgnored) {
     EXPECT_EQ(this->decode(this->textOf(members)), this->exampleStored());
 }
 
-TYPED_TEST(RecordJSON, WhatIsNotTheRightDocumentIsAbsent) {
+TYPED_TEST(RecordJSON, AnotherDocumentIsAbsent) {
     const std::string good = this->textOf(TestFixture::Example::exampleMembers());
     const std::string other = TestFixture::isTable ? "[]" : "{}";
     for (const std::string& text :
@@ -221,7 +221,7 @@ TYPED_TEST(RecordJSON, WhatIsNotTheRightDocumentIsAbsent) {
     EXPECT_TRUE(this->decode(" \n" + good + " \n"));
 }
 
-TYPED_TEST(RecordJSON, UnknownMembersMayNestButNotWithoutEnd) {
+TYPED_TEST(RecordJSON, UnknownMembersMayNestUpToALimit) {
     std::string text = this->textOf(TestFixture::Example::exampleMembers());
     const std::size_t end = text.rfind('}', text.size() - 2);
     const auto withNested = [&text, end](std::size_t depth) {
@@ -234,7 +234,7 @@ TYPED_TEST(RecordJSON, UnknownMembersMayNestButNotWithoutEnd) {
     EXPECT_FALSE(this->decode(withNested(1000000)));
 }
 
-TYPED_TEST(RecordJSON, DeepNestingIsRefusedWithoutAnOverflow) {
+TYPED_TEST(RecordJSON, RejectsDeepNestingWithoutAStackOverflow) {
     constexpr std::size_t million = 1000000;
     EXPECT_FALSE(this->decode(std::string(million, '[')));
     EXPECT_FALSE(this->decode(std::string(million, '[') + std::string(million, ']')));

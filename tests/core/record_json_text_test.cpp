@@ -27,7 +27,7 @@ std::string trustText(const std::string& count) {
            R"(,"runCount":0,"blockedCount":0,"lastUpdated":0}})";
 }
 
-TEST(RecordJSONText, WritesTheMembersInTheirOrder) {
+TEST(RecordJSONText, WritesTheMembersInOrder) {
     EXPECT_EQ(
         record_json::encode(std::vector{HistoryPoint{exampleID, Date{700000000.25}, 12.5, 64}}),
         R"([{"id":"0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF","date":700000000.25,)"
@@ -39,7 +39,7 @@ TEST(RecordJSONText, WritesTheMembersInTheirOrder) {
               R"("blockedCount":3,"lastUpdated":0.5}})");
 }
 
-TEST(RecordJSONText, EscapesWhatJSONDoesNotAllow) {
+TEST(RecordJSONText, EscapesCharactersThatJSONDoesNotAllow) {
     const std::string text = "\"\\\b\f\n\r\t\x01\x1F\x7F/\u20AC";
     const auto encoded =
         record_json::encode(std::vector{ActivityEvent{exampleID, Date{0}, text, ""}});
@@ -50,7 +50,7 @@ TEST(RecordJSONText, EscapesWhatJSONDoesNotAllow) {
     EXPECT_EQ(record_json::decodeActivityLog(*encoded)->front().title, text);
 }
 
-TEST(RecordJSONText, KeepsEveryFiniteFigureExactly) {
+TEST(RecordJSONText, KeepsEveryFiniteNumberExactly) {
     const double figures[] = {0.0,
                               -0.0,
                               0.1,
@@ -78,7 +78,7 @@ TEST(RecordJSONText, KeepsEveryFiniteFigureExactly) {
     }
 }
 
-TEST(RecordJSONText, AFigureThatIsNotFiniteHasNoForm) {
+TEST(RecordJSONText, ANumberThatIsNotFiniteHasNoForm) {
     for (const double figure :
          {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
           -std::numeric_limits<double>::infinity()}) {
@@ -95,7 +95,7 @@ TEST(RecordJSONText, AFigureThatIsNotFiniteHasNoForm) {
     }
 }
 
-TEST(RecordJSONText, TextThatIsNotUTF8HasNoForm) {
+TEST(RecordJSONText, InvalidUTF8HasNoForm) {
     for (const char* text :
          {"\xFF", "a\x80", "\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"}) {
         EXPECT_FALSE(
@@ -105,7 +105,7 @@ TEST(RecordJSONText, TextThatIsNotUTF8HasNoForm) {
     }
 }
 
-TEST(RecordJSONText, RefusesTextThatIsNotUTF8) {
+TEST(RecordJSONText, RejectsInvalidUTF8) {
     EXPECT_FALSE(record_json::decodeTrustRecords("{\"\xFF\":{}}"));
     EXPECT_FALSE(record_json::decodeActivityLog(
         R"([{"id":"0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF","date":0,"title":"\ud800","detail":""}])"));
@@ -163,7 +163,7 @@ TEST(RecordJSONText, ReadsIntegersOfEveryFormWithinRange) {
     }
 }
 
-TEST(RecordJSONText, BracketsInsideTextsAreNoNesting) {
+TEST(RecordJSONText, BracketsInTextsDoNotCountAsNesting) {
     const std::string brackets(1000, '[');
     const std::vector events{ActivityEvent{exampleID, Date{0}, brackets + "\"\\", brackets}};
     EXPECT_EQ(record_json::decodeActivityLog(*record_json::encode(events)), events);

@@ -62,7 +62,7 @@ TEST(LastPathComponent, IsEmptyWhenThereIsNone) {
 const UUID someID = *UUID::fromText("0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF");
 constexpr Date someDate{700000000.25};
 
-/// Each variant differs from `original` in one field, named by its place in the list.
+/// Each variant differs from `original` in the field at its own index.
 template <class R>
 void expectMemberwise(const R& original, const std::vector<R>& variants) {
     ASSERT_EQ(variants.size(), std::tuple_size_v<decltype(original.fields())>)
@@ -298,7 +298,7 @@ TEST(RecordEquality, NegativeZeroHashesLikeZero) {
     EXPECT_EQ(std::hash<RemoteHealth>{}(health), std::hash<RemoteHealth>{}(mirroredHealth));
 }
 
-TEST(RecordEquality, TheGeneratedIdentifierIsPartOfTheValue) {
+TEST(RecordEquality, TheIdentifierIsPartOfTheValue) {
     const SessionInsight a{UUID::random(), "t", "v", "d"};
     SessionInsight b = a;
     EXPECT_EQ(a, b);

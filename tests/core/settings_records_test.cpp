@@ -1,16 +1,14 @@
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/history_encoder.h"
 #include "core/record_json.h"
-#include "core/settings.h"
-#include "core/settings_keys.h"
 #include "tests/core/stored_settings.h"
 
 namespace tallowcrest {
@@ -19,93 +17,116 @@ namespace {
 namespace keys = settings_keys;
 using ::testing::IsEmpty;
 
-class StoredRecords : public StoredSettings {};
-TALLOWCREST_OVER_BOTH_STORES(StoredRecords);
-
-std::vector<HistoryPoint> points(int count) {
+std::vector<HistoryPoint> points(std::size_t count) {
     std::vector<HistoryPoint> result;
-    for (int i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         result.push_back({UUID::random(), Date{static_cast<double>(i)}, 10.0, 20.0});
     }
     return result;
 }
+
+std::vector<RemoteHistoryPoint> remotePoints(std::size_t count) {
+    std::vector<RemoteHistoryPoint> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result.push_back({UUID::random(), "mac", Date{static_cast<double>(i)}, 1, 2, "Reachable"});
+    }
+    return result;
+}
+
+std::vector<ActivityEvent> events(std::size_t count) {
+    std::vector<ActivityEvent> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result.push_back({UUID::random(), Date{}, "Action", std::to_string(i)});
+    }
+    return result;
+}
+
+std::vector<AIChatMessage> messages(std::size_t count) {
+    std::vector<AIChatMessage> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result.push_back({UUID::random(), "user", std::to_string(i), Date{}});
+    }
+    return result;
+}
+
+std::vector<AIRuleDraft> drafts(std::size_t count) {
+    std::vector<AIRuleDraft> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result.push_back({UUID::random(), "Title " + std::to_string(i), "When", "Do", "low", true});
+    }
+    return result;
+}
+
+const std::map<std::string, AITrustRecord> trust{
+    {"disk_cleanup", {"disk_cleanup", 3, 2, 1, Date{7}}}};
+const std::map<std::string, RemoteProfile> profiles{{"mac", {"mac", "Attic", "Server", 82, true}}};
 
 template <class Records>
 JSONData encoded(const Records& records) {
     return {record_json::encode(records).value()};
 }
 
+class StoredRecords : public StoredSettings {
+protected:
+    /// Of `records`, the next start finds `kept`, whether they were stored whole or by `save`,
+    /// which itself stores no more than that.
+    template <class Records>
+    void expectKept(const stored::List<Records>& list, const Records& records,
+                    const Records& kept) {
+        EXPECT_EQ(loadWith(list.key, encoded(records)).load(list), kept) << records.size();
+        SettingsOwner(store(), mainQueue, "owner").save(list, records);
+        EXPECT_EQ(store().read(list.key), SettingsValue(encoded(kept))) << records.size();
+        EXPECT_EQ(load().load(list), kept) << records.size();
+    }
+
+    template <class Record>
+    void expectLastKept(const stored::List<std::vector<Record>>& list,
+                        const std::vector<Record>& records, std::ptrdiff_t count) {
+        expectKept(list, records, {records.end() - count, records.end()});
+    }
+};
+TALLOWCREST_OVER_BOTH_STORES(StoredRecords);
+
 TEST_P(StoredRecords, HistoryKeepsTheNewest720) {
     for (const int count : {0, 1, 180, 500, 719, 720}) {
-        const auto stored = points(count);
-        EXPECT_EQ(loadWith(keys::historyKey, encoded(stored)).history, stored) << count;
+        expectLastKept(stored::history, points(static_cast<std::size_t>(count)), count);
     }
-    for (const int count : {721, 1000}) {
-        const auto stored = points(count);
-        const auto loaded = loadWith(keys::historyKey, encoded(stored)).history;
-        ASSERT_EQ(loaded.size(), 720U) << count;
-        EXPECT_EQ(loaded.front(), stored[static_cast<std::size_t>(count - 720)]);
-        EXPECT_EQ(loaded.back(), stored.back());
+    for (const std::size_t count : {721U, 1000U}) {
+        expectLastKept(stored::history, points(count), 720);
     }
 }
 
 TEST_P(StoredRecords, RemoteHistoryKeepsTheNewest720) {
-    for (const auto& [count, kept] :
-         std::vector<std::pair<int, std::size_t>>{{720, 720}, {721, 720}}) {
-        std::vector<RemoteHistoryPoint> stored;
-        for (int i = 0; i < count; ++i) {
-            stored.push_back(
-                {UUID::random(), "mac", Date{static_cast<double>(i)}, 1, 2, "Reachable"});
-        }
-        const auto loaded = loadWith(keys::remoteHistoryKey, encoded(stored)).remoteHistory;
-        ASSERT_EQ(loaded.size(), kept);
-        EXPECT_EQ(loaded.front(), stored[stored.size() - kept]);
-        EXPECT_EQ(loaded.back(), stored.back());
+    for (const std::size_t count : {720U, 721U, 1000U}) {
+        expectLastKept(stored::remoteHistory, remotePoints(count), 720);
     }
 }
 
 TEST_P(StoredRecords, ActivityLogKeepsTheNewest80WhichStandFirst) {
     for (const std::size_t count : {80U, 81U, 200U}) {
-        std::vector<ActivityEvent> stored;
-        for (std::size_t i = 0; i < count; ++i) {
-            stored.push_back({UUID::random(), Date{}, "Action", std::to_string(i)});
-        }
-        const auto loaded = loadWith(keys::activityLogKey, encoded(stored)).activityLog;
-        ASSERT_EQ(loaded.size(), 80U) << count;
-        EXPECT_EQ(loaded.front(), stored.front());
-        EXPECT_EQ(loaded.back(), stored[79]);
+        const auto all = events(count);
+        expectKept(stored::activityLog, all, {all.begin(), all.begin() + 80});
     }
 }
 
 TEST_P(StoredRecords, ChatKeepsTheNewest40) {
     for (const std::size_t count : {40U, 41U, 100U}) {
-        std::vector<AIChatMessage> stored;
-        for (std::size_t i = 0; i < count; ++i) {
-            stored.push_back({UUID::random(), "user", std::to_string(i), Date{}});
-        }
-        const auto loaded = loadWith(keys::aiChatMessagesKey, encoded(stored)).aiChatMessages;
-        ASSERT_TRUE(loaded.has_value());
-        ASSERT_EQ(loaded->size(), 40U) << count;
-        EXPECT_EQ(loaded->front(), stored[count - 40]);
-        EXPECT_EQ(loaded->back(), stored.back());
+        expectLastKept(stored::chatMessages, messages(count), 40);
     }
 }
 
-TEST_P(StoredRecords, ChatTellsAnEmptyOneFromNone) {
-    const auto loaded = loadWith(keys::aiChatMessagesKey, JSONData{"[]"}).aiChatMessages;
-    ASSERT_TRUE(loaded.has_value());
-    EXPECT_THAT(*loaded, IsEmpty());
+TEST_P(StoredRecords, TheOthersAreKeptWhole) {
+    for (const int count : {0, 1, 1000}) {
+        expectLastKept(stored::ruleDrafts, drafts(static_cast<std::size_t>(count)), count);
+    }
+    expectKept(stored::trustRecords, trust, trust);
+    expectKept(stored::remoteProfiles, profiles, profiles);
 }
 
-TEST_P(StoredRecords, TablesComeBackAsTheyWereSaved) {
-    const std::map<std::string, AITrustRecord> trust{
-        {"disk_cleanup", {"disk_cleanup", 3, 2, 1, Date{7}}}};
-    EXPECT_EQ(loadWith(keys::aiTrustRecordsKey, encoded(trust)).aiTrustRecords, trust);
-    const std::map<std::string, RemoteProfile> profiles{
-        {"mac", {"mac", "Attic", "Server", 82, true}}};
-    EXPECT_EQ(loadWith(keys::remoteProfilesKey, encoded(profiles)).remoteProfiles, profiles);
-    const std::vector<AIRuleDraft> drafts{{UUID::random(), "Title", "When", "Do", "low", true}};
-    EXPECT_EQ(loadWith(keys::aiRuleDraftsKey, encoded(drafts)).aiRuleDrafts, drafts);
+TEST_P(StoredRecords, ChatTellsAnEmptyOneFromNone) {
+    EXPECT_EQ(load().load(stored::chatMessages), std::nullopt);
+    EXPECT_EQ(loadWith(keys::aiChatMessagesKey, JSONData{"[]"}).load(stored::chatMessages),
+              std::vector<AIChatMessage>());
 }
 
 TEST_P(StoredRecords, AreAllOrNothing) {
@@ -115,22 +136,24 @@ TEST_P(StoredRecords, AreAllOrNothing) {
     for (const char* text : {"", "not JSON", "{\"id\":3}", "[1]", "[{}]", "null", "[", "3"}) {
         undecodable.push_back({text});
     }
+    const auto expectNone = [this](const auto& list, const JSONData& data) {
+        EXPECT_EQ(loadWith(list.key, data).load(list), std::nullopt) << list.key << data.text;
+    };
     for (const JSONData& data : undecodable) {
-        EXPECT_THAT(loadWith(keys::historyKey, data).history, IsEmpty()) << data.text;
-        EXPECT_THAT(loadWith(keys::activityLogKey, data).activityLog, IsEmpty()) << data.text;
-        EXPECT_THAT(loadWith(keys::remoteHistoryKey, data).remoteHistory, IsEmpty()) << data.text;
-        EXPECT_THAT(loadWith(keys::aiRuleDraftsKey, data).aiRuleDrafts, IsEmpty()) << data.text;
-        EXPECT_THAT(loadWith(keys::aiTrustRecordsKey, data).aiTrustRecords, IsEmpty()) << data.text;
-        EXPECT_THAT(loadWith(keys::remoteProfilesKey, data).remoteProfiles, IsEmpty()) << data.text;
-        EXPECT_EQ(loadWith(keys::aiChatMessagesKey, data).aiChatMessages, std::nullopt)
-            << data.text;
+        expectNone(stored::history, data);
+        expectNone(stored::activityLog, data);
+        expectNone(stored::remoteHistory, data);
+        expectNone(stored::ruleDrafts, data);
+        expectNone(stored::trustRecords, data);
+        expectNone(stored::remoteProfiles, data);
+        expectNone(stored::chatMessages, data);
     }
 }
 
 TEST_P(StoredRecords, AreReadFromJSONAlone) {
     const std::string text = record_json::encode(points(2)).value();
-    EXPECT_EQ(loadWith(keys::historyKey, JSONData{text}).history.size(), 2U);
-    EXPECT_THAT(loadWith(keys::historyKey, text).history, IsEmpty());
+    EXPECT_TRUE(loadWith(keys::historyKey, JSONData{text}).load(stored::history));
+    EXPECT_EQ(loadWith(keys::historyKey, text).load(stored::history), std::nullopt);
 }
 
 TEST_P(StoredRecords, AreIndependentOfOneAnother) {
@@ -138,9 +161,57 @@ TEST_P(StoredRecords, AreIndependentOfOneAnother) {
     store().write(keys::thresholdKey, std::string("broken"));
     store().write(keys::historyKey, encoded(points(5)));
     store().write(keys::autoPurgeKey, true);
-    const StoredState state = load();
-    EXPECT_EQ(state.history.size(), 5U);
-    EXPECT_TRUE(state.settings.autoPurgeSustainedMemory);
+    const SettingsOwner& settings = load();
+    EXPECT_EQ(settings.load(stored::history).value().size(), 5U);
+    EXPECT_TRUE(settings.values().autoPurgeSustainedMemory);
+}
+
+TEST_P(StoredRecords, WhatCannotBeEncodedLeavesTheOlderValue) {
+    const std::string invalidText = "\xFF";
+    const auto oldHistory = points(1);
+    const auto oldEvents = events(1);
+    const auto oldMessages = messages(1);
+    SettingsOwner settings(store(), mainQueue, "owner");
+    HistoryEncoder encoder;
+    settings.saveEncoded(stored::history, encoder.encode(oldHistory));
+    settings.save(stored::activityLog, oldEvents);
+    settings.save(stored::chatMessages, oldMessages);
+
+    auto broken = oldHistory;
+    broken.front().cpu = std::numeric_limits<double>::quiet_NaN();
+    settings.save(stored::history, broken);
+    settings.saveEncoded(stored::history, encoder.encode(broken));
+    settings.save(stored::activityLog, {{UUID::random(), Date{5}, "Action", invalidText}});
+    settings.save(stored::chatMessages, {{UUID::random(), "user", invalidText, Date{}}});
+
+    const SettingsOwner& loaded = load();
+    EXPECT_EQ(loaded.load(stored::history), oldHistory);
+    EXPECT_EQ(loaded.load(stored::activityLog), oldEvents);
+    EXPECT_EQ(loaded.load(stored::chatMessages), oldMessages);
+}
+
+TEST_P(StoredRecords, AListStartsWithWhatIsStoredAndStoresEachChange) {
+    EXPECT_THAT(*StoredList(load(), stored::ruleDrafts), IsEmpty());
+    const auto given = drafts(2);
+    store().write(keys::aiRuleDraftsKey, encoded(given));
+    SettingsOwner settings(store(), mainQueue, "owner");
+    StoredList list(settings, stored::ruleDrafts);
+    EXPECT_EQ(*list, given);
+    list.change([](std::vector<AIRuleDraft>& records) { records.pop_back(); });
+    EXPECT_EQ(list->size(), 1U);
+    EXPECT_EQ(load().load(stored::ruleDrafts), *list);
+    list.change([](std::vector<AIRuleDraft>& records) { records.clear(); });
+    EXPECT_EQ(load().load(stored::ruleDrafts), std::vector<AIRuleDraft>());
+}
+
+TEST_P(StoredRecords, AListMayBeLongerThanWhatIsStoredOfIt) {
+    SettingsOwner settings(store(), mainQueue, "owner");
+    StoredList list(settings, stored::chatMessages);
+    const auto given = messages(41);
+    list.change([&](std::vector<AIChatMessage>& records) { records = given; });
+    EXPECT_EQ(*list, given);
+    EXPECT_EQ(load().load(stored::chatMessages),
+              std::vector<AIChatMessage>(given.begin() + 1, given.end()));
 }
 
 }  // namespace

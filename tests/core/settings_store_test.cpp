@@ -1,4 +1,4 @@
-#include "core/settings_store.h"
+#include "core/settings/settings_store.h"
 
 #include <string>
 #include <vector>

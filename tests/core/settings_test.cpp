@@ -1,16 +1,13 @@
-#include "core/settings.h"
-
-#include <algorithm>
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
 #include "tests/core/stored_settings.h"
 
 namespace tallowcrest {
@@ -40,8 +37,8 @@ public:
 };
 
 TEST_P(LoadedSettings, HaveTheirDefaultsWhenNothingIsStored) {
-    const StoredState state = load();
-    const Settings& settings = state.settings;
+    const SettingsOwner& owner = load();
+    const Settings& settings = owner.values();
     EXPECT_EQ(settings.warningThreshold, 82.0);
     EXPECT_THAT(settings.protectedAppNames, IsEmpty());
     EXPECT_THAT(settings.collapsedSections, IsEmpty());
@@ -61,17 +58,17 @@ TEST_P(LoadedSettings, HaveTheirDefaultsWhenNothingIsStored) {
     EXPECT_EQ(settings.diskCleanupAgeDays, 30.0);
     EXPECT_EQ(settings.diskMaxCleanupGB, 2.0);
     EXPECT_FALSE(settings.automationEmergencyStopEngaged);
-    EXPECT_THAT(state.activityLog, IsEmpty());
-    EXPECT_THAT(state.history, IsEmpty());
-    EXPECT_THAT(state.remoteTopAppSamples, IsEmpty());
-    EXPECT_THAT(state.aiRuleDrafts, IsEmpty());
-    EXPECT_THAT(state.remoteProfiles, IsEmpty());
-    EXPECT_THAT(state.remoteHistory, IsEmpty());
-    EXPECT_THAT(state.aiTrustRecords, IsEmpty());
-    EXPECT_EQ(state.aiChatMessages, std::nullopt);
+    EXPECT_THAT(owner.loadRemoteTopApps(), IsEmpty());
+    EXPECT_EQ(owner.load(stored::activityLog), std::nullopt);
+    EXPECT_EQ(owner.load(stored::history), std::nullopt);
+    EXPECT_EQ(owner.load(stored::remoteHistory), std::nullopt);
+    EXPECT_EQ(owner.load(stored::chatMessages), std::nullopt);
+    EXPECT_EQ(owner.load(stored::ruleDrafts), std::nullopt);
+    EXPECT_EQ(owner.load(stored::remoteProfiles), std::nullopt);
+    EXPECT_EQ(owner.load(stored::trustRecords), std::nullopt);
 }
 
-TEST(SettingsLoad, AsksForEveryKeyButTheBookmarkOnceAndWritesNothing) {
+TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
     WatchedStore store;
     // Values that the load does not take as they are: none of them is corrected in the store.
     store.values.write(keys::thresholdKey, 200.0);
@@ -79,32 +76,70 @@ TEST(SettingsLoad, AsksForEveryKeyButTheBookmarkOnceAndWritesNothing) {
     store.values.write(keys::historyKey, JSONData{"broken"});
     store.values.write(keys::automationEmergencyStopKey, true);
     store.values.write(keys::diskAutopilotKey, true);
-    loadStoredState(store, "owner");
-    EXPECT_EQ(store.writes, 0);
+    ManualMainQueue mainQueue;
+    const SettingsOwner owner(store, mainQueue, "owner");
     EXPECT_THAT(
         store.asked,
         ::testing::UnorderedElementsAre(
-            "Tallowcrest.warningThreshold", "Tallowcrest.activityLog", "Tallowcrest.protectedApps",
-            "Tallowcrest.history", "Tallowcrest.remoteTopApps", "Tallowcrest.collapsedSections",
-            "Tallowcrest.autoSelectTopOffender", "Tallowcrest.autoPurgeSustainedMemory",
-            "Tallowcrest.autoScanRemoteMacs", "Tallowcrest.sshUsername",
-            "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel", "Tallowcrest.aiSafeActions",
-            "Tallowcrest.aiRuleDrafts", "Tallowcrest.remoteProfiles", "Tallowcrest.remoteHistory",
-            "Tallowcrest.notificationActions", "Tallowcrest.aiRedactProcessDetails",
-            "Tallowcrest.aiRequirePreview", "Tallowcrest.aiTrustRecords",
-            "Tallowcrest.aiAutonomyMode", "Tallowcrest.aiChatMessages",
-            "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.diskMinimumFreeGB",
-            "Tallowcrest.diskCleanupAgeDays", "Tallowcrest.diskMaxCleanupGB",
-            "Tallowcrest.automationEmergencyStop"));
-    EXPECT_EQ(keys::storageAnalysisBookmarkKey, "Tallowcrest.storageAnalysisBookmark");
+            "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
+            "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
+            "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
+            "Tallowcrest.sshUsername", "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
+            "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
+            "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
+            "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
+            "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
+            "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
+    store.asked.clear();
+    owner.load(stored::activityLog);
+    owner.load(stored::history);
+    owner.load(stored::remoteHistory);
+    owner.load(stored::chatMessages);
+    owner.load(stored::ruleDrafts);
+    owner.load(stored::remoteProfiles);
+    owner.load(stored::trustRecords);
+    owner.loadRemoteTopApps();
+    EXPECT_THAT(store.asked,
+                ::testing::ElementsAre("Tallowcrest.activityLog", "Tallowcrest.history",
+                                       "Tallowcrest.remoteHistory", "Tallowcrest.aiChatMessages",
+                                       "Tallowcrest.aiRuleDrafts", "Tallowcrest.remoteProfiles",
+                                       "Tallowcrest.aiTrustRecords", "Tallowcrest.remoteTopApps"));
+    EXPECT_EQ(store.writes, 0);
 }
 
-TEST(SettingsKeys, StandInTheTableOnceEach) {
-    std::set<std::string_view> names;
+TEST(SettingsKeys, StandInTheTableOnceEachWithTheirKind) {
+    std::map<SettingsKind, std::vector<std::string_view>> names;
     for (const keys::Key& key : keys::all) {
-        EXPECT_TRUE(names.insert(key.name).second) << key.name;
-        EXPECT_TRUE(key.name.starts_with("Tallowcrest.")) << key.name;
+        names[key.kind].push_back(key.name);
     }
+    using ::testing::Pair;
+    using ::testing::UnorderedElementsAre;
+    EXPECT_THAT(
+        names,
+        UnorderedElementsAre(
+            Pair(SettingsKind::flag,
+                 UnorderedElementsAre(
+                     "Tallowcrest.autoSelectTopOffender", "Tallowcrest.autoPurgeSustainedMemory",
+                     "Tallowcrest.autoScanRemoteMacs", "Tallowcrest.firstRunComplete",
+                     "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
+                     "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
+                     "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.automationEmergencyStop")),
+            Pair(SettingsKind::number, UnorderedElementsAre("Tallowcrest.warningThreshold",
+                                                            "Tallowcrest.diskMinimumFreeGB",
+                                                            "Tallowcrest.diskCleanupAgeDays",
+                                                            "Tallowcrest.diskMaxCleanupGB")),
+            Pair(SettingsKind::text,
+                 UnorderedElementsAre("Tallowcrest.sshUsername", "Tallowcrest.openAIModel",
+                                      "Tallowcrest.aiAutonomyMode")),
+            Pair(SettingsKind::textList, UnorderedElementsAre("Tallowcrest.protectedApps",
+                                                              "Tallowcrest.collapsedSections")),
+            Pair(SettingsKind::table, UnorderedElementsAre("Tallowcrest.remoteTopApps")),
+            Pair(SettingsKind::json,
+                 UnorderedElementsAre("Tallowcrest.activityLog", "Tallowcrest.history",
+                                      "Tallowcrest.remoteHistory", "Tallowcrest.aiChatMessages",
+                                      "Tallowcrest.aiRuleDrafts", "Tallowcrest.remoteProfiles",
+                                      "Tallowcrest.aiTrustRecords")),
+            Pair(SettingsKind::data, UnorderedElementsAre("Tallowcrest.storageAnalysisBookmark"))));
 }
 
 TEST(SettingsKinds, AreThoseOfTheValues) {
@@ -122,21 +157,10 @@ TEST(SettingsKinds, AreThoseOfTheValues) {
     }
 }
 
-TEST(SettingsKeys, TellADefaultForEveryFlagNumberAndFixedText) {
-    for (const keys::Key& key : keys::all) {
-        EXPECT_EQ(key.kind == SettingsKind::flag, std::holds_alternative<bool>(key.whenAbsent))
-            << key.name;
-        EXPECT_EQ(key.kind == SettingsKind::number, std::holds_alternative<double>(key.whenAbsent))
-            << key.name;
-        if (std::holds_alternative<std::string_view>(key.whenAbsent)) {
-            EXPECT_EQ(key.kind, SettingsKind::text) << key.name;
-        }
-    }
-}
-
 // The emergency stop -----------------------------------------------------------------------------
 
 TEST(EmergencyStop, SwitchesOffWhatActsByItselfInMemoryAlone) {
+    ManualMainQueue mainQueue;
     WatchedStore store;
     for (const std::string_view key :
          {keys::automationEmergencyStopKey, keys::diskAutopilotKey, keys::autoPurgeKey,
@@ -144,7 +168,7 @@ TEST(EmergencyStop, SwitchesOffWhatActsByItselfInMemoryAlone) {
         store.values.write(key, true);
     }
     store.values.write(keys::aiAutonomyModeKey, std::string("autopilot"));
-    const Settings settings = loadStoredState(store, "owner").settings;
+    const Settings settings = SettingsOwner(store, mainQueue, "owner").values();
     EXPECT_TRUE(settings.automationEmergencyStopEngaged);
     EXPECT_FALSE(settings.diskAutopilotEnabled);
     EXPECT_FALSE(settings.autoPurgeSustainedMemory);
@@ -158,6 +182,7 @@ TEST(EmergencyStop, SwitchesOffWhatActsByItselfInMemoryAlone) {
 }
 
 TEST(EmergencyStop, ThatIsNotEngagedLeavesTheSwitchesOn) {
+    ManualMainQueue mainQueue;
     MemorySettingsStore store;
     for (const std::string_view key :
          {keys::diskAutopilotKey, keys::autoPurgeKey, keys::autoRemoteScanKey}) {
@@ -165,7 +190,7 @@ TEST(EmergencyStop, ThatIsNotEngagedLeavesTheSwitchesOn) {
     }
     store.write(keys::automationEmergencyStopKey, false);
     store.write(keys::aiAutonomyModeKey, std::string("trusted"));
-    const Settings settings = loadStoredState(store, "owner").settings;
+    const Settings settings = SettingsOwner(store, mainQueue, "owner").values();
     EXPECT_TRUE(settings.diskAutopilotEnabled);
     EXPECT_TRUE(settings.autoPurgeSustainedMemory);
     EXPECT_TRUE(settings.autoScanRemoteMacs);

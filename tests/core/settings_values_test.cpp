@@ -10,8 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings.h"
-#include "core/settings_keys.h"
 #include "tests/core/stored_settings.h"
 
 namespace tallowcrest {
@@ -153,7 +151,7 @@ TEST_P(SettingsValues, FlagsAreTakenAsStored) {
 
 TEST_P(SettingsValues, FlagsKeepTheirOwnDefaultWhenAbsentOrOfAnyOtherKind) {
     for (const auto& [key, field, whenAbsent] : allFlags()) {
-        EXPECT_EQ(load().settings.*field, whenAbsent) << key;
+        EXPECT_EQ(load().values().*field, whenAbsent) << key;
         for (const SettingsValue& value : oneOfEachKind()) {
             if (!std::holds_alternative<bool>(value)) {
                 EXPECT_EQ(settingsWith(key, value).*field, whenAbsent) << key;
@@ -212,11 +210,11 @@ TEST_P(SettingsValues, TextListsAreSetsAndKeepUnknownTexts) {
 }
 
 TEST_P(SettingsValues, RemoteTopAppSamplesAreATableOfIntegersOrNothing) {
-    EXPECT_THAT(loadWith(keys::remoteTopAppsKey, SettingsTable{{"mac|Arc", 3}}).remoteTopAppSamples,
+    EXPECT_THAT(loadWith(keys::remoteTopAppsKey, SettingsTable{{"mac|Arc", 3}}).loadRemoteTopApps(),
                 ElementsAre(Pair("mac|Arc", 3)));
     for (const SettingsValue& value : oneOfEachKind()) {
         if (!std::holds_alternative<SettingsTable>(value)) {
-            EXPECT_THAT(loadWith(keys::remoteTopAppsKey, value).remoteTopAppSamples, IsEmpty());
+            EXPECT_THAT(loadWith(keys::remoteTopAppsKey, value).loadRemoteTopApps(), IsEmpty());
         }
     }
 }

@@ -8,8 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/settings.h"
-#include "core/settings_store.h"
+#include "core/settings/settings_owner.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
@@ -17,19 +16,19 @@
 
 namespace tallowcrest {
 
-/// A store of one kind, and what the next start of the program would find in it.
 class StoreOfAKind {
 public:
     virtual ~StoreOfAKind() = default;
     virtual SettingsStore& store() = 0;
-    virtual StoredState load() const = 0;
+    /// What the next start of the program would read from.
+    virtual SettingsStore& reopened() = 0;
     virtual void clear() = 0;
 };
 
 class StoreInMemory final : public StoreOfAKind {
 public:
     SettingsStore& store() override { return store_; }
-    StoredState load() const override { return loadStoredState(store_, "owner"); }
+    SettingsStore& reopened() override { return store_; }
     void clear() override { store_ = {}; }
 
 private:
@@ -38,12 +37,13 @@ private:
 
 class StoreInAFile final : public StoreOfAKind {
 public:
-    StoreInAFile() : opened_(openSettingsStore(file_, {queue_, clock_, {}})) {
+    StoreInAFile() : opened_(openSettingsStore(file_, {jobs_, clock_, {}})) {
         EXPECT_TRUE(opened_.problems.empty());
     }
     SettingsStore& store() override { return *opened_.store; }
-    StoredState load() const override {
-        return loadStoredState(*readSettingsStore(file_).store, "owner");
+    SettingsStore& reopened() override {
+        reopened_ = readSettingsStore(file_);
+        return *reopened_.store;
     }
     void clear() override {
         SqliteConnection connection;
@@ -54,9 +54,12 @@ public:
 private:
     TemporaryFolder folder_;
     std::filesystem::path file_ = folder_.path() / "settings.sqlite";
+    ManualMainQueue mainQueue_;
     ManualWorkQueue queue_;
+    Jobs jobs_{mainQueue_, queue_};
     ManualClock clock_;
     OpenedStore opened_;
+    OpenedStore reopened_;
 };
 
 /// The parameter makes the store.
@@ -64,20 +67,28 @@ class StoredSettings
     : public ::testing::TestWithParam<std::function<std::unique_ptr<StoreOfAKind>()>> {
 protected:
     SettingsStore& store() { return kind_->store(); }
-    StoredState load() const { return kind_->load(); }
 
-    /// What is found when nothing but this was ever stored.
-    StoredState loadWith(std::string_view key, const SettingsValue& value) {
+    /// What the next start of the program finds. Valid until the next call.
+    SettingsOwner& load() {
+        owner_.emplace(kind_->reopened(), mainQueue, "owner");
+        return *owner_;
+    }
+
+    /// What it finds when nothing but this was ever stored.
+    SettingsOwner& loadWith(std::string_view key, const SettingsValue& value) {
         kind_->clear();
         store().write(key, value);
         return load();
     }
-    Settings settingsWith(std::string_view key, const SettingsValue& value) {
-        return loadWith(key, value).settings;
+    const Settings& settingsWith(std::string_view key, const SettingsValue& value) {
+        return loadWith(key, value).values();
     }
+
+    ManualMainQueue mainQueue;
 
 private:
     std::unique_ptr<StoreOfAKind> kind_ = GetParam()();
+    std::optional<SettingsOwner> owner_;
 };
 
 #define TALLOWCREST_OVER_BOTH_STORES(suite)                                            \

@@ -51,7 +51,7 @@ TEST(Trust, ScoreAndPercent) {
     }
 }
 
-TEST(Trust, CountsThatNobodyCanReachStayWithinPercents) {
+TEST(Trust, HugeCountsStayWithinPercents) {
     EXPECT_EQ(trustPercent(record(highest, highest, 0)), 100);
     EXPECT_EQ(trustPercent(record(0, 0, highest)), 0);
     EXPECT_EQ(trustPercent(record(highest, highest, highest)), 100);

@@ -25,7 +25,7 @@ TEST(UUID, ReadsTheCanonicalFormInEitherCase) {
     EXPECT_EQ(mixed->text(), "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF");
 }
 
-TEST(UUID, RefusesEverythingElse) {
+TEST(UUID, RejectsEverythingElse) {
     for (const char* text :
          {"", "0", "0F1E2D3C4B5A49788695A4B3C2D1E0FF", "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0F",
           "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FFF", "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FG",
@@ -37,7 +37,7 @@ TEST(UUID, RefusesEverythingElse) {
     EXPECT_FALSE(UUID::fromText(std::string(36, '\0')));
 }
 
-TEST(UUID, RandomOnesDifferAndAreOfVersionFour) {
+TEST(UUID, RandomIdentifiersDifferAndHaveVersionFour) {
     std::set<UUID> seen;
     for (int i = 0; i < 1000; ++i) {
         const UUID id = UUID::random();
@@ -49,7 +49,7 @@ TEST(UUID, RandomOnesDifferAndAreOfVersionFour) {
     }
 }
 
-TEST(UUID, RandomOnesDifferBetweenThreads) {
+TEST(UUID, RandomIdentifiersDifferBetweenThreads) {
     std::vector<UUID> ids(8);
     {
         std::vector<std::jthread> threads;

@@ -2,12 +2,14 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/fake_notification_center.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -18,17 +20,20 @@ using ::testing::SizeIs;
 
 class WarningNotificationsTest : public ::testing::Test {
 protected:
+    void setIncludesActions(bool isWanted) {
+        with.settings.set(&Settings::notificationsIncludeActions, isWanted);
+        with.mainQueue.drain();
+    }
+
+    TestServices with;
     FakeNotificationCenter center;
-    Settings settings;
-    std::vector<std::string> steps;
+    std::vector<std::string> routes;
     std::optional<WarningNotifications> notifications{
-        std::in_place, &center, settings,
-        WarningNotifications::Hooks{[this](AppRoute route) { steps.emplace_back(rawValue(route)); },
-                                    [this] { steps.emplace_back("analyze"); },
-                                    [this] { steps.emplace_back("scan"); }}};
+        std::in_place, &center, with.settings,
+        [this](AppRoute route) { routes.emplace_back(rawValue(route)); }};
 };
 
-TEST_F(WarningNotificationsTest, RegistersThreeButtonsInTheirOrder) {
+TEST_F(WarningNotificationsTest, RegistersThreeButtonsInOrder) {
     notifications->registerNotificationCategories();
     EXPECT_THAT(center.categories,
                 ElementsAre(NotificationCategory{"TALLOWCREST_WARNING",
@@ -38,13 +43,31 @@ TEST_F(WarningNotificationsTest, RegistersThreeButtonsInTheirOrder) {
     EXPECT_THAT(center.calls, ElementsAre("setCategories", "requestAuthorization"));
 }
 
-TEST_F(WarningNotificationsTest, RegistersNoneWhileTheOwnerWantsNone) {
+TEST_F(WarningNotificationsTest, RegistersNoneWhenTheSettingIsOff) {
     notifications->registerNotificationCategories();
-    settings.notificationsIncludeActions = false;
-    notifications->registerNotificationCategories();
+    setIncludesActions(false);
     EXPECT_THAT(center.categories, IsEmpty());
     EXPECT_THAT(center.calls, ElementsAre("setCategories", "requestAuthorization", "setCategories",
                                           "requestAuthorization"));
+}
+
+TEST_F(WarningNotificationsTest, RegistersAgainOnTheTurnAfterTheWishChanged) {
+    notifications->registerNotificationCategories();
+    center.calls.clear();
+    with.settings.set(&Settings::warningThreshold, 70.0);
+    with.mainQueue.drain();
+    EXPECT_THAT(center.calls, IsEmpty()) << "another setting";
+    with.settings.set(&Settings::notificationsIncludeActions, false);
+    EXPECT_THAT(center.calls, IsEmpty());
+    with.mainQueue.drain();
+    EXPECT_THAT(center.calls, ElementsAre("setCategories", "requestAuthorization"));
+    setIncludesActions(true);
+    EXPECT_THAT(center.categories, SizeIs(1));
+}
+
+TEST_F(WarningNotificationsTest, RegistersNothingBeforeItIsAskedTo) {
+    setIncludesActions(false);
+    EXPECT_THAT(center.calls, IsEmpty());
 }
 
 TEST_F(WarningNotificationsTest, AWarningInItsWords) {
@@ -58,50 +81,46 @@ TEST_F(WarningNotificationsTest, AWarningInItsWords) {
 }
 
 TEST_F(WarningNotificationsTest, WithoutButtonsTheWarningNamesNoCategory) {
-    settings.notificationsIncludeActions = false;
+    setIncludesActions(false);
     notifications->postLoadWarning("photo-indexer");
     ASSERT_THAT(center.posted, SizeIs(1));
     EXPECT_EQ(center.posted.front().categoryIdentifier, "");
     EXPECT_TRUE(center.posted.front().playsSound);
 }
 
-TEST_F(WarningNotificationsTest, EveryButtonLeadsSomewhere) {
-    struct Case {
-        const char* identifier;
-        std::vector<std::string> steps;
+TEST_F(WarningNotificationsTest, EveryButtonOpensItsRoute) {
+    const std::vector<std::pair<const char*, const char*>> cases{
+        {"OPEN_OPTIMIZE", "optimizationSuggestions"},
+        {"OPEN_AI", "aiAdvisor"},
+        {"SCAN_REMOTES", "remoteMacs"},
+        {NotificationCenter::plainClick, "overview"},
+        {"open_ai", "overview"},
+        {"", "overview"},
     };
-    const std::vector<Case> cases{
-        {"OPEN_OPTIMIZE", {"optimizationSuggestions"}},
-        {"OPEN_AI", {"aiAdvisor", "analyze"}},
-        {"SCAN_REMOTES", {"remoteMacs", "scan"}},
-        {NotificationCenter::plainClick, {"overview"}},
-        {"open_ai", {"overview"}},
-        {"", {"overview"}},
-    };
-    for (const Case& each : cases) {
-        steps.clear();
-        center.respond(each.identifier);
-        EXPECT_EQ(steps, each.steps) << each.identifier;
+    for (const auto& [identifier, route] : cases) {
+        routes.clear();
+        center.respond(identifier);
+        EXPECT_THAT(routes, ElementsAre(route)) << identifier;
     }
 }
 
-TEST_F(WarningNotificationsTest, WithoutTheOtherComponentsTheRoutesAreStillOpened) {
-    std::vector<std::string> routes;
-    WarningNotifications alone(
-        &center, settings,
-        {[&routes](AppRoute route) { routes.emplace_back(rawValue(route)); }, {}, {}});
-    alone.handleNotificationAction("OPEN_AI");
-    alone.handleNotificationAction("SCAN_REMOTES");
-    EXPECT_THAT(routes, ElementsAre("aiAdvisor", "remoteMacs"));
+TEST_F(WarningNotificationsTest, WithoutAWindowAButtonLeadsNowhere) {
+    WarningNotifications alone(&center, with.settings, {});
+    center.respond("OPEN_OPTIMIZE");
+    EXPECT_THAT(routes, IsEmpty());
 }
 
 TEST_F(WarningNotificationsTest, AfterTheEndNobodyResponds) {
+    notifications->registerNotificationCategories();
+    center.calls.clear();
     notifications.reset();
     EXPECT_FALSE(center.respond);
+    setIncludesActions(false);
+    EXPECT_THAT(center.calls, IsEmpty());
 }
 
 TEST_F(WarningNotificationsTest, WithoutACentreNothingHappens) {
-    WarningNotifications none(nullptr, settings, {});
+    WarningNotifications none(nullptr, with.settings, {});
     none.registerNotificationCategories();
     none.postLoadWarning("photo-indexer");
     none.handleNotificationAction("OPEN_OPTIMIZE");

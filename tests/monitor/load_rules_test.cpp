@@ -88,11 +88,5 @@ TEST(LoadRules, TheThresholdIsCut) {
               "Selected Firefox because system load crossed 95%.");
 }
 
-TEST(LoadRules, ASelectionIsKnownByItsDetail) {
-    EXPECT_TRUE(isAutoSelectDetail(autoSelectDetail("", 82.0)));
-    EXPECT_FALSE(isAutoSelectDetail("Purged caches after sustained high memory pressure."));
-    EXPECT_FALSE(isAutoSelectDetail(""));
-}
-
 }  // namespace
 }  // namespace tallowcrest::load_rules

@@ -1,11 +1,16 @@
+#include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
-#include "core/settings_save.h"
+#include "core/record_json.h"
+#include "core/settings/settings_keys.h"
+#include "core/settings/stored_lists.h"
+#include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
@@ -20,37 +25,27 @@ using ::testing::SizeIs;
 class MonitorWiring : public ::testing::Test {
 protected:
     MonitorWiring() {
-        machine.extensions.bringToFront = [this] {
-            calls.emplace_back("front on " +
-                               std::string(rawValue(monitor().navigation().selectedRoute())));
-        };
-        machine.extensions.requestAIAnalysis = [this] { calls.emplace_back("analyze"); };
-        machine.extensions.rules.scanRemoteMacs = [this] { calls.emplace_back("scan"); };
-        machine.extensions.storeOnPasteboard = [this](const std::string& text) {
-            copied.push_back(text);
-        };
+        machine.openRoute = [this](AppRoute route) { opened.push_back(route); };
+        machine.storeOnPasteboard = [this](const std::string& text) { copied.push_back(text); };
     }
 
     SystemMonitor& monitor() { return machine.monitor(); }
 
     FakeMachine machine;
-    std::vector<std::string> calls;
+    std::vector<AppRoute> opened;
     std::vector<std::string> copied;
 };
 
-TEST_F(MonitorWiring, AButtonOfAWarningLeadsToItsRouteThenToTheFrontThenActs) {
-    struct Case {
-        const char* identifier;
-        std::vector<std::string> calls;
-    };
+TEST_F(MonitorWiring, AButtonOfAWarningOpensItsRoute) {
     monitor();
-    for (const Case& each : {Case{"OPEN_OPTIMIZE", {"front on optimizationSuggestions"}},
-                             Case{"OPEN_AI", {"front on aiAdvisor", "analyze"}},
-                             Case{"SCAN_REMOTES", {"front on remoteMacs", "scan"}},
-                             Case{NotificationCenter::plainClick, {"front on overview"}}}) {
-        calls.clear();
-        machine.notifications.respond(each.identifier);
-        EXPECT_EQ(calls, each.calls) << each.identifier;
+    for (const auto& [identifier, route] :
+         {std::pair{"OPEN_OPTIMIZE", AppRoute::optimizationSuggestions},
+          std::pair{"OPEN_AI", AppRoute::aiAdvisor},
+          std::pair{"SCAN_REMOTES", AppRoute::remoteMacs},
+          std::pair{NotificationCenter::plainClick, AppRoute::overview}}) {
+        opened.clear();
+        machine.notifications.respond(identifier);
+        EXPECT_THAT(opened, ElementsAre(route)) << identifier;
     }
 }
 
@@ -68,8 +63,10 @@ TEST_F(MonitorWiring, TheSwitchOfTheButtonsRegistersThemAnew) {
     monitor().startMonitoring();
     EXPECT_THAT(machine.notifications.categories, SizeIs(1));
     monitor().automation().set(AutomationSwitch::notificationsIncludeActions, false);
+    machine.mainQueue.turn();
     EXPECT_THAT(machine.notifications.categories, IsEmpty());
     monitor().automation().set(AutomationSwitch::notificationsIncludeActions, true);
+    machine.mainQueue.turn();
     EXPECT_THAT(machine.notifications.categories, SizeIs(1));
 }
 
@@ -86,8 +83,9 @@ TEST_F(MonitorWiring, TheReportTellsOfEveryPartOfTheState) {
     AITrustRecord record;
     record.actionType = "local_purge";
     record.approvedCount = 3;
-    saveTrustRecords(machine.store, {{record.actionType, record}});
-    machine.extensions.hasOpenAIKey = [] { return true; };
+    const std::map<std::string, AITrustRecord> records{{record.actionType, record}};
+    machine.store.write(stored::trustRecords.key, JSONData{record_json::encode(records).value()});
+    machine.findings.openAIKeyFound = true;
     machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
     monitor().automation().set(AutomationSwitch::autoScanRemoteMacs, true);
     monitor().localActions().toggleNeverQuit("Docker");
@@ -126,6 +124,28 @@ TEST_F(MonitorWiring, WhatMemoryWasInAnEarlierRunAsksForNoPurge) {
         machine.tick();
     }
     EXPECT_TRUE(monitor().confirmations().pendingConfirmation());
+}
+
+TEST_F(MonitorWiring, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
+    FakeAutoScan remote;
+    remote.devices = {tailDevice("macOS", true)};
+    machine.remoteScan = &remote;
+    machine.store.write(settings_keys::autoPurgeKey, true);
+    machine.store.write(settings_keys::autoRemoteScanKey, true);
+    machine.metrics->memory.pressure = 95.0;
+    machine.addProcess(700, "/usr/bin/photo-indexer", 390.0, 900.0);
+    for (const bool onlyLooks : {true, false}) {
+        machine.onlyLooks = onlyLooks;
+        machine.notifications.posted.clear();
+        machine.restart();
+        for (int i = 0; i < 20; ++i) {
+            machine.tick();
+        }
+        EXPECT_THAT(machine.notifications.posted, SizeIs(1));
+        EXPECT_EQ(monitor().review().selectedPID().has_value(), !onlyLooks);
+        EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), !onlyLooks);
+        EXPECT_EQ(remote.scans, onlyLooks ? 0 : 1);
+    }
 }
 
 TEST_F(MonitorWiring, TheNeverQuitListRegroupsWhatIsShownAtOnce) {

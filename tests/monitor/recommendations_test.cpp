@@ -334,6 +334,8 @@ TEST(BuildRecommendations, DecimalsAreThoseOfTheLocale) {
         }
         std::string dateAndTime(Date) const override { return {}; }
         std::string timeOfDay(Date) const override { return {}; }
+        std::string hoursAndMinutes(Date) const override { return {}; }
+        std::int64_t localDay(Date) const override { return 0; }
     };
     const auto cards =
         buildRecommendations({process(1, "/opt/docker", 2048.0)}, 1.5, 72.0, 0.0, CommaLocale());

@@ -5,11 +5,10 @@
 #include <vector>
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 
+#include "core/locale.h"
 #include "monitor/sample_cycle.h"
 #include "tests/support/fake_readers.h"
-#include "tests/support/manual_clock.h"
 
 namespace tallowcrest {
 
@@ -27,33 +26,18 @@ inline std::vector<ProcessSample> rows(int count) {
     return result;
 }
 
-/// A device and a recommendation that can be told from others.
-inline TailDevice device(const std::string& id) {
-    TailDevice result;
-    result.id = id;
-    return result;
-}
-
-inline Recommendation card(const std::string& title) {
-    Recommendation result;
-    result.title = title;
-    return result;
-}
-
 /// What a sample is taken from. The readers tell in `calls` when they are asked.
-class SampleFixture : public ::testing::Test {
-protected:
-    SampleFixture() {
+struct SampleMachine {
+    SampleMachine() {
         metrics->calls = &calls;
         ticks->calls = &calls;
     }
 
     std::vector<std::string> calls;
-    ManualClock clock;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
-    std::shared_ptr<SampleSources> sources = std::make_shared<SampleSources>(metrics, ticks);
-    BackgroundHooks background;
+    std::shared_ptr<SampleSources> sources =
+        std::make_shared<SampleSources>(metrics, ticks, std::make_shared<PlainLocale>());
 };
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #include "monitor/sample_cycle.h"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,126 +10,151 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/monitor/recommendation_cards.h"
 #include "tests/monitor/sample_cycle_fixture.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/fake_auto_scan.h"
+#include "tests/support/fake_local_actions.h"
+#include "tests/support/fake_notification_center.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
-class SampleCycleTest : public SampleFixture {
+class SampleCycleTest : public ::testing::Test, protected TestServices, protected SampleMachine {
 protected:
-    void makeCycle() {
-        cycle = std::make_unique<SampleCycle>(mainQueue, workQueue, clock, sources, *sample,
-                                              background, main, [this] { return inputs; });
+    void makeCycle(SampleCycle::Mode mode = SampleCycle::Mode::full) {
+        rules = std::make_unique<AutoRules>(AutoRules::Dependencies{
+            services, *sample, review, actions, notifications, {}, &remote});
+        cycle = std::make_unique<SampleCycle>(SampleCycle::Dependencies{.services = services,
+                                                                        .sources = sources,
+                                                                        .sample = *sample,
+                                                                        .rules = *rules,
+                                                                        .cpuCount = 4,
+                                                                        .protection = {},
+                                                                        .mode = mode});
     }
 
-    ManualMainQueue mainQueue;
-    ManualWorkQueue workQueue;
-    Observable observable{mainQueue};
-    MainHooks main;
-    SampleInputs inputs;
-    std::unique_ptr<LatestSample> sample =
-        std::make_unique<LatestSample>(observable, std::vector<HistoryPoint>{},
-                                       [this](const auto&) { calls.emplace_back("saveHistory"); });
+    /// Takes one sample and lets it land.
+    void takeOne() {
+        cycle->refresh();
+        workQueue.run();
+        mainQueue.drain();
+    }
+
+    /// A machine that gives every rule a reason to act.
+    void armEveryRule() {
+        metrics->processes = rows(2);
+        metrics->memory.pressure = 91;
+        ticks->pass(97);
+        settings.set(&Settings::autoPurgeSustainedMemory, true);
+        settings.set(&Settings::autoScanRemoteMacs, true);
+        remote.devices = {tailDevice("macOS", true)};
+        SystemSnapshot pressed;
+        pressed.memory.pressure = 91;
+        sample->setSnapshot(pressed);
+        for (int i = 0; i < 20; ++i) {
+            sample->appendHistoryPoint();
+        }
+        store.written.clear();
+    }
+
+    std::vector<ActivityKind> kinds() const {
+        std::vector<ActivityKind> result;
+        for (const ActivityEvent& event : log.activityLog()) {
+            result.push_back(event.kind);
+        }
+        return result;
+    }
+
+    FakeAutoScan remote;
+    FakeNotificationCenter center;
+    WarningNotifications notifications{&center, settings, {}};
+    std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
+    ReviewTarget review{services, *sample, {}};
+    ConfirmationDesk confirmations{log, mainQueue};
+    LocalActions actions{
+        {services, *sample, review, confirmations, {}, [] {}, FakeLocalActions().ports()}};
+    std::unique_ptr<AutoRules> rules;
     std::unique_ptr<SampleCycle> cycle;
 };
 
 // The main half ----------------------------------------------------------------------------------
 
 TEST_F(SampleCycleTest, MainHalfGoesInItsOrder) {
-    metrics->processes = rows(2);
-    metrics->memory.pressure = 61;
-    ticks->pass(30);
-    background.loadTailDevices = [] { return std::vector{device("a")}; };
-    background.loadTailscaleHealthIssues = [] { return std::vector<std::string>{"DNS"}; };
-    background.buildRecommendations = [](const auto&, double, double, double) {
-        return std::vector{card("Built")};
-    };
-    main.publishTailnet = [this](const std::vector<TailDevice>& devices,
-                                 const std::vector<std::string>& issues) {
-        calls.emplace_back("publishTailnet");
-        EXPECT_THAT(devices, ElementsAre(device("a")));
-        EXPECT_THAT(issues, ElementsAre("DNS"));
-        EXPECT_EQ(sample->latestProcesses().size(), 2U);
-        EXPECT_EQ(sample->snapshot()->cpuPercent, 30);
-        EXPECT_THAT(sample->history(), IsEmpty());
-    };
-    main.buildSessionInsights = [this](const SystemSnapshot& snapshot) {
-        calls.emplace_back("buildSessionInsights");
-        EXPECT_EQ(snapshot, *sample->snapshot());
-        EXPECT_EQ(sample->history().size(), 1U);
-        EXPECT_EQ(sample->topAppSamples().size(), 1U);
-        SessionInsight insight;
-        insight.title = "Peak";
-        return std::vector{insight};
-    };
-    main.addSustainedRecommendations = [this](std::vector<Recommendation> cards) {
-        calls.emplace_back("addSustainedRecommendations");
-        EXPECT_THAT(cards, ElementsAre(card("Built")));
-        EXPECT_EQ(sample->sessionInsights().size(), 1U);
-        EXPECT_THAT(sample->recommendations(), IsEmpty());
-        cards.push_back(card("Sustained"));
-        return cards;
-    };
-    main.runAutoRules = [this](const SystemSnapshot& snapshot) {
-        calls.emplace_back("runAutoRules");
-        EXPECT_EQ(snapshot, *sample->snapshot());
-        EXPECT_THAT(sample->recommendations(), ElementsAre(card("Built"), card("Sustained")));
-    };
-    main.raiseLoadWarning = [this](const SystemSnapshot& snapshot) {
-        calls.emplace_back("raiseLoadWarning");
-        EXPECT_EQ(snapshot, *sample->snapshot());
-    };
-    main.sampleApplied = [this] { calls.emplace_back("sampleApplied"); };
+    armEveryRule();
     makeCycle();
-    cycle->refresh();
-    workQueue.run();
-    calls.clear();
-    mainQueue.drain();
-    EXPECT_THAT(calls, ElementsAre("publishTailnet", "saveHistory", "buildSessionInsights",
-                                   "addSustainedRecommendations", "runAutoRules",
-                                   "raiseLoadWarning", "sampleApplied"));
-    ASSERT_EQ(sample->history().size(), 1U);
-    EXPECT_EQ(sample->history()[0].cpu, 30);
-    EXPECT_EQ(sample->history()[0].memory, 61);
-    EXPECT_EQ(sample->history()[0].date, sample->snapshot()->sampledAt);
-    EXPECT_EQ(sample->sessionInsights()[0].title, "Peak");
+    std::vector<std::string> steps;
+    remote.onScan = [&] {
+        steps.emplace_back("rules");
+        // All of the sample can be seen by then.
+        EXPECT_EQ(sample->latestProcesses().size(), 2U);
+        EXPECT_EQ(sample->snapshot()->cpuPercent, 97);
+        ASSERT_EQ(sample->history().size(), 21U);
+        EXPECT_EQ(sample->history().back().cpu, 97);
+        EXPECT_EQ(sample->history().back().memory, 91);
+        EXPECT_EQ(sample->history().back().date, sample->snapshot()->sampledAt);
+        EXPECT_EQ(sample->topAppSamples().size(), 1U);
+        // The insights know the new point and group, and the sustained card stands in front.
+        ASSERT_EQ(sample->sessionInsights().size(), 3U);
+        EXPECT_EQ(sample->sessionInsights()[0].value, "97%");
+        EXPECT_EQ(sample->sessionInsights()[2].kind, SessionInsight::Kind::topApp);
+        EXPECT_THAT(titlesOf(sample->recommendations()),
+                    ElementsAre("Memory pressure has stayed elevated", "Memory pressure is high",
+                                "CPU load is very high"));
+        EXPECT_THAT(center.posted, IsEmpty());
+    };
+    cycle->setSampleApplied([&] {
+        steps.emplace_back("applied");
+        EXPECT_THAT(center.posted, SizeIs(1));
+    });
+    takeOne();
+    EXPECT_THAT(steps, ElementsAre("rules", "applied"));
+    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::autoPurge,
+                                     ActivityKind::autoSelect));
+    EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history", "Tallowcrest.activityLog",
+                                           "Tallowcrest.activityLog", "Tallowcrest.activityLog"));
 }
 
-TEST_F(SampleCycleTest, MainHalfDoesWithoutHooks) {
-    background.buildRecommendations = [](const auto&, double, double, double) {
-        return std::vector{card("Built")};
-    };
-    metrics->processes = rows(1);
-    makeCycle();
-    cycle->refresh();
-    workQueue.run();
-    mainQueue.drain();
-    EXPECT_EQ(sample->history().size(), 1U);
-    EXPECT_THAT(sample->recommendations(), ElementsAre(card("Built")));
-    EXPECT_THAT(sample->sessionInsights(), IsEmpty());
+TEST_F(SampleCycleTest, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
+    armEveryRule();
+    makeCycle(SampleCycle::Mode::lookOnly);
+    int applied = 0;
+    cycle->setSampleApplied([&applied] { ++applied; });
+    takeOne();
+    EXPECT_EQ(sample->history().size(), 21U);
+    EXPECT_THAT(sample->recommendations(), SizeIs(3));
+    EXPECT_THAT(sample->sessionInsights(), SizeIs(3));
+    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning));
+    EXPECT_THAT(center.posted, SizeIs(1));
+    EXPECT_EQ(applied, 1);
+    EXPECT_EQ(review.selectedPID(), std::nullopt);
+    EXPECT_FALSE(confirmations.pendingConfirmation());
+    EXPECT_EQ(remote.scans, 0);
+    AutomationDates warned;
+    warned.lastWarningDate = clock.now();
+    EXPECT_EQ(rules->dates(), warned);
 }
 
 TEST_F(SampleCycleTest, AnEmptySampleEntersTheHistoryAndLeadsNothing) {
     makeCycle();
-    cycle->refresh();
-    workQueue.run();
-    mainQueue.drain();
+    takeOne();
     EXPECT_EQ(sample->history().size(), 1U);
     EXPECT_THAT(sample->topAppSamples(), IsEmpty());
 }
 
-TEST_F(SampleCycleTest, AHookOfTheMainHalfMayAskForTheNextSample) {
-    main.runAutoRules = [this](const SystemSnapshot&) { cycle->refresh(); };
+TEST_F(SampleCycleTest, WhatFollowsFromASampleMayAskForTheNextOne) {
+    armEveryRule();
     makeCycle();
-    cycle->refresh();
-    workQueue.run();
-    mainQueue.drain();
-    EXPECT_EQ(workQueue.pendingCount(), 1U);
-    EXPECT_EQ(sample->history().size(), 1U);
+    remote.onScan = [this] { cycle->refresh(); };
+    cycle->setSampleApplied([this] { cycle->refresh(); });
+    takeOne();
+    EXPECT_EQ(workQueue.pendingCount(), 2U);
+    EXPECT_EQ(sample->history().size(), 21U);
 }
 
 // Threads ----------------------------------------------------------------------------------------
@@ -137,7 +163,8 @@ TEST_F(SampleCycleTest, RefreshOnlyQueues) {
     makeCycle();
     cycle->refresh();
     EXPECT_THAT(calls, IsEmpty());
-    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    ASSERT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::sampling);
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
     workQueue.run();
     EXPECT_EQ(sample->snapshot(), std::nullopt);
@@ -167,46 +194,74 @@ TEST_F(SampleCycleTest, OverlappingSamplesApplyInTheOrderInWhichTheyFinish) {
 
 TEST_F(SampleCycleTest, ASampleThatEndsAfterTheMonitorIsDropped) {
     int applied = 0;
-    main.sampleApplied = [&applied] { ++applied; };
     makeCycle();
+    cycle->setSampleApplied([&applied] { ++applied; });
     cycle->refresh();
     cycle->refresh();
     workQueue.run();  // its result waits on the main queue
-    sources.reset();  // the sample under way keeps its readers
+    EXPECT_EQ(mainQueue.pendingCount(), 1U);
+    calls.clear();
     cycle.reset();
-    sample.reset();
+    rules.reset();
     workQueue.run();
-    EXPECT_EQ(mainQueue.pendingCount(), 2U);
+    EXPECT_THAT(calls, IsEmpty()) << "it had not begun";
     mainQueue.drain();
     EXPECT_EQ(applied, 0);
-    EXPECT_THAT(calls, ::testing::Not(::testing::Contains("saveHistory")));
+    EXPECT_EQ(sample->snapshot(), std::nullopt);
+    EXPECT_THAT(store.written, IsEmpty());
 }
 
-TEST_F(SampleCycleTest, InputsAreThoseOfTheMomentOfRefreshAndTheNeverQuitListThatOfNow) {
+/// Runs something in the middle of a sample.
+class InterruptedTicks final : public CPUTickSource {
+public:
+    std::optional<CPUTicks> readTicks() override {
+        if (onRead) {
+            onRead();
+        }
+        return std::nullopt;
+    }
+
+    std::function<void()> onRead;
+};
+
+TEST_F(SampleCycleTest, ASampleUnderWayWhenTheMonitorEndsKeepsItsReadersAndIsDropped) {
+    auto interrupted = std::make_shared<InterruptedTicks>();
+    sources =
+        std::make_shared<SampleSources>(metrics, interrupted, std::make_shared<PlainLocale>());
+    makeCycle();
+    cycle->refresh();
+    interrupted->onRead = [&] {
+        cycle.reset();
+        rules.reset();
+        sources.reset();
+        metrics.reset();
+        interrupted.reset();
+    };
+    workQueue.run();
+    EXPECT_THAT(calls, Contains("readPressureText"));
+    mainQueue.drain();
+    EXPECT_EQ(sample->snapshot(), std::nullopt);
+    EXPECT_THAT(store.written, IsEmpty());
+}
+
+TEST_F(SampleCycleTest, TheNeverQuitListIsThatOfTheMomentInWhichASampleLands) {
     metrics->processes = {row(7, 50.0, "/usr/bin/node")};
     makeCycle();
     cycle->refresh();
-    inputs.protectedAppNames = {"Node.js"};
-    inputs.cpuCount = 2;
+    settings.set(&Settings::protectedAppNames, {"Node.js"});
     workQueue.run();
     mainQueue.drain();
     EXPECT_EQ(sample->snapshot()->appImpacts.at(0).protectedCount, 1);
-    EXPECT_EQ(sample->snapshot()->cpuPercent, 50.0);
-
-    cycle->refresh();
-    workQueue.run();
-    mainQueue.drain();
+    EXPECT_EQ(sample->snapshot()->cpuPercent, 12.5) << "one of four cores, half busy";
+    takeOne();
     EXPECT_EQ(sample->snapshot()->appImpacts.at(0).protectedCount, 1);
-    EXPECT_EQ(sample->snapshot()->cpuPercent, 25.0);
 }
 
 TEST_F(SampleCycleTest, TellsObserversOncePerSample) {
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const Subscription subscription = sample->observable().subscribe([&told] { ++told; });
     makeCycle();
-    cycle->refresh();
-    workQueue.run();
-    mainQueue.drain();
+    takeOne();
     EXPECT_EQ(told, 1);
 }
 

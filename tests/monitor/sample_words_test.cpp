@@ -2,14 +2,13 @@
 // state that it must have seen.
 
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
@@ -105,30 +104,11 @@ TEST_F(SampleWords, SustainedCardsPointAtTheGroupsOfTheNewSample) {
     EXPECT_EQ(machine.monitor().sample().recommendations().front().relatedPID, std::nullopt);
 }
 
-TEST_F(SampleWords, InsightsKnowTheRemoteScansOfEarlierRunsAndOfThisOne) {
-    std::vector<RemoteHealth> scanned;
+TEST_F(SampleWords, InsightsKnowTheRemoteScansOfEarlierRuns) {
     machine.store.write(settings_keys::remoteTopAppsKey, SettingsTable{{"Browser", 2}});
-    machine.extensions.remoteHealth = [&scanned] { return std::span<const RemoteHealth>(scanned); };
     machine.tick();
     EXPECT_THAT(insights(), SizeIs(3));
     EXPECT_EQ(insights().back(), "Remote Repeater: Browser. Led a remote scan 2 times.");
-
-    RemoteHealth health;
-    health.hostName = "studio";
-    health.online = true;
-    health.memoryPercent = 66.0;
-    scanned.push_back(health);
-    machine.tick();
-    ASSERT_THAT(insights(), SizeIs(4));
-    EXPECT_EQ(insights()[2], "Remote Watch: studio. Highest scanned remote memory pressure: 66%.");
-}
-
-TEST_F(SampleWords, AStepThatIsGivenTakesThePlaceOfTheMonitorsOwn) {
-    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
-        return std::vector<Recommendation>{{UUID::random(), "Given", "Why.", {}, std::nullopt}};
-    };
-    machine.tick();
-    EXPECT_THAT(recommendations(), ElementsAre("Given"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -175,14 +176,19 @@ TEST(SessionInsights, NamesTheGroupThatLedMostRemoteScans) {
 }
 
 TEST(SessionInsights, StandInTheirOrder) {
-    std::vector<std::string> titles;
-    for (const Fact& fact : factsOf({.topAppSamples = {{"Editor", 3}},
-                            .remoteHealth = {machine("studio", true, 50.0)},
-                            .remoteTopAppSamples = {{"Browser", 3}}})) {
-        titles.push_back(std::get<0>(fact));
+    using Kind = SessionInsight::Kind;
+    std::vector<std::pair<Kind, std::string>> order;
+    for (const SessionInsight& each : insightsOf({.topAppSamples = {{"Editor", 3}},
+                                      .remoteHealth = {machine("studio", true, 50.0)},
+                                      .remoteTopAppSamples = {{"Browser", 3}}})) {
+        order.emplace_back(each.kind, each.title);
     }
-    EXPECT_THAT(titles, ElementsAre("Peak CPU", "Peak Memory", "Recurring Top App", "Remote Watch",
-                                    "Remote Repeater"));
+    EXPECT_THAT(order, ElementsAre(std::pair(Kind::peakCPU, "Peak CPU"),
+                                   std::pair(Kind::peakMemory, "Peak Memory"),
+                                   std::pair(Kind::topApp, "Recurring Top App"),
+                                   std::pair(Kind::remoteWatch, "Remote Watch"),
+                                   std::pair(Kind::remoteRepeater, "Remote Repeater")));
+    EXPECT_EQ(insightsOf({.history = {}}).front().kind, Kind::starting);
 }
 
 TEST(SessionInsights, EveryBuildGivesNewIdentifiers) {

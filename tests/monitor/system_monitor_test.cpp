@@ -11,8 +11,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/actions.h"
+#include "core/activity_log.h"
+#include "core/jobs/jobs.h"
 #include "core/record_json.h"
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
@@ -27,19 +31,28 @@ namespace {
 namespace keys = settings_keys;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 class SystemMonitorTest : public ::testing::Test {
 protected:
-    SystemMonitor& makeMonitor(MonitorExtensions extensions = {}) {
+    SystemMonitor& makeMonitor() { return makeMonitorOn(store); }
+
+    SystemMonitor& makeMonitorOn(SettingsStore& itsStore) {
         owned = std::make_unique<SystemMonitor>(
-            MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
-                         std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
-                         std::make_shared<FakeReportFolder>(), atGreenwich, &notifications},
+            MonitorPorts{.jobs = jobs,
+                         .clock = clock,
+                         .settingsStore = itsStore,
+                         .metrics = metrics,
+                         .ticks = ticks,
+                         .locale = std::make_shared<PlainLocale>(),
+                         .actions = {FakeLocalActions().ports(), {}, {}},
+                         .reportFolder = std::make_shared<FakeReportFolder>(),
+                         .utcOffset = atGreenwich,
+                         .notifications = &notifications},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
                       .loginName = "owner",
-                      .processArguments = arguments},
-            std::move(extensions));
+                      .findings = findings});
         return *owned;
     }
 
@@ -55,10 +68,11 @@ protected:
     ManualMainQueue mainQueue;
     FakeNotificationCenter notifications;
     ManualWorkQueue workQueue;
+    Jobs jobs{mainQueue, workQueue};
     RecordingStore store;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
-    std::vector<std::string> arguments{"tallowcrest"};
+    StartupFindings findings{.processArguments = {"tallowcrest"}};
     std::unique_ptr<SystemMonitor> owned;
 };
 
@@ -81,25 +95,13 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoadsThenAsksForTheKeys) {
+TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoads) {
     std::vector<std::string> calls;
     ReadTellingStore telling(calls);
     ticks->calls = &calls;
-    MonitorExtensions extensions;
-    extensions.hasOpenAIKey = [&calls] {
-        calls.emplace_back("key");
-        return true;
-    };
-    extensions.hasLocalPublicKey = [&calls] {
-        calls.emplace_back("public key");
-        return true;
-    };
-    const SystemMonitor monitor(
-        MonitorPorts{mainQueue, workQueue, clock, telling, metrics, ticks,
-                     std::make_shared<PlainLocale>(), FakeLocalActions().ports(),
-                     std::make_shared<FakeReportFolder>(), atGreenwich},
-        HostFacts{}, std::move(extensions));
-    EXPECT_THAT(calls, ElementsAre("readTicks", "store", "key", "public key"));
+    makeMonitorOn(telling);
+    EXPECT_THAT(calls, ElementsAre("readTicks", "store"));
+    owned.reset();
 }
 
 TEST_F(SystemMonitorTest, ConstructionStartsNothing) {
@@ -138,19 +140,16 @@ TEST_F(SystemMonitorTest, FieldsStartAsTold) {
     EXPECT_EQ(monitor.review().selectedAppImpactName(), std::nullopt);
     EXPECT_EQ(monitor.review().optimizeStep(),
               "1. Select an offender to review. No optimization has run yet.");
-    EXPECT_EQ(monitor.navigation().selectedRoute(), AppRoute::overview);
-    EXPECT_EQ(monitor.navigation().processFilter(), "");
     EXPECT_EQ(monitor.settings().sshUsername, "owner");
     EXPECT_EQ(monitor.host().cpuCount, 4);
     EXPECT_EQ(monitor.automation().diskAutopilotStatus(), "Disk Autopilot is off.");
     EXPECT_TRUE(monitor.startup().showSetupWizard);
-    EXPECT_TRUE(monitor.navigation().showSetupWizard());
 }
 
 TEST_F(SystemMonitorTest, TheStartUpOptionKeepsTheWizardAwayAndNothingElse) {
-    arguments.emplace_back("--ui-testing");
+    findings.processArguments.emplace_back("--ui-testing");
     SystemMonitor& monitor = makeMonitor();
-    EXPECT_FALSE(monitor.navigation().showSetupWizard());
+    EXPECT_FALSE(monitor.startup().showSetupWizard);
     EXPECT_FALSE(monitor.settings().firstRunComplete);
     monitor.startMonitoring();
     finishSamples();
@@ -158,11 +157,10 @@ TEST_F(SystemMonitorTest, TheStartUpOptionKeepsTheWizardAwayAndNothingElse) {
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history"));
 }
 
-TEST_F(SystemMonitorTest, AsksForTheKeysItIsToldOf) {
-    MonitorExtensions extensions;
-    extensions.hasOpenAIKey = [] { return true; };
-    extensions.hasLocalPublicKey = [] { return true; };
-    const SystemMonitor& monitor = makeMonitor(std::move(extensions));
+TEST_F(SystemMonitorTest, StartsWithTheKeysThatWereFound) {
+    findings.openAIKeyFound = true;
+    findings.localPublicKeyFound = true;
+    const SystemMonitor& monitor = makeMonitor();
     EXPECT_TRUE(monitor.startup().openAIKeySaved);
     EXPECT_EQ(monitor.startup().aiInsight, "Enhanced AI recommendations are ready.");
     EXPECT_EQ(monitor.startup().localPublicKeyStatus, "Local SSH public key found.");
@@ -188,7 +186,7 @@ TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
     EXPECT_EQ(monitor.log().activityLog(), events);
     EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
     EXPECT_EQ(monitor.settings().warningThreshold, 90.0);
-    EXPECT_FALSE(monitor.navigation().showSetupWizard());
+    EXPECT_FALSE(monitor.startup().showSetupWizard);
     EXPECT_EQ(monitor.automation().diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
     EXPECT_FALSE(monitor.settings().diskAutopilotEnabled);
@@ -274,7 +272,7 @@ TEST_F(SystemMonitorTest, SavesTheHistoryOnEverySample) {
 
 TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
     SystemMonitor& monitor = makeMonitor();
-    monitor.log().recordEvent("Warning", "High load");
+    monitor.log().recordEvent(ActivityKind::warning, "High load");
     monitor.log().recordMessage("Selected.");
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.activityLog", "Tallowcrest.activityLog"));
     EXPECT_EQ(record_json::decodeActivityLog(store.json(keys::activityLogKey)),
@@ -286,7 +284,7 @@ TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
 TEST_F(SystemMonitorTest, WhatCannotBeEncodedLeavesTheOlderStoredValue) {
     SystemMonitor& monitor = makeMonitor();
     monitor.refresh();
-    monitor.log().recordEvent("Warning", "First");
+    monitor.log().recordEvent(ActivityKind::warning, "First");
     finishSamples();
     const std::string history = store.json(keys::historyKey);
     const std::string log = store.json(keys::activityLogKey);
@@ -294,7 +292,7 @@ TEST_F(SystemMonitorTest, WhatCannotBeEncodedLeavesTheOlderStoredValue) {
     metrics->memory.pressure = std::numeric_limits<double>::quiet_NaN();
     monitor.refresh();
     finishSamples();
-    monitor.log().recordEvent("Warning", "not UTF-8: \xFF");
+    monitor.log().recordEvent(ActivityKind::warning, "not UTF-8: \xFF");
     EXPECT_EQ(store.json(keys::historyKey), history);
     EXPECT_EQ(store.json(keys::activityLogKey), log);
     EXPECT_EQ(monitor.sample().history().size(), 2U);
@@ -316,19 +314,31 @@ TEST_F(SystemMonitorTest, ASecondRunFindsWhatTheFirstLeft) {
 
 // Observers --------------------------------------------------------------------------------------
 
-TEST_F(SystemMonitorTest, ObserversAreToldOncePerTurn) {
+TEST_F(SystemMonitorTest, ObserversAreToldOncePerTurnOfWhatTheyObserve) {
     SystemMonitor& monitor = makeMonitor();
-    int told = 0;
-    const Subscription subscription = monitor.observe([&told] { ++told; });
+    std::vector<std::string> told;
+    const auto observe = [&told](Observable& observable, const char* name) {
+        return observable.subscribe([&told, name] { told.emplace_back(name); });
+    };
+    const Subscription subscriptions[] = {
+        observe(monitor.log().observable(), "log"),
+        observe(monitor.settingsOwner().observable(), "settings"),
+        observe(monitor.sample().observable(), "sample"),
+        observe(monitor.review().observable(), "review"),
+        observe(monitor.confirmations().observable(), "confirmations"),
+        observe(monitor.localActions().observable(), "local actions"),
+        observe(monitor.automation().observable(), "automation")};
     monitor.log().recordMessage("a");
-    monitor.navigation().setSelectedRoute(AppRoute::load);
     monitor.review().clearOperationTarget();
-    EXPECT_EQ(told, 0);
+    monitor.settingsOwner().set(&Settings::warningThreshold, 90.0);
+    monitor.settingsOwner().set(&Settings::firstRunComplete, true);
+    EXPECT_THAT(told, IsEmpty());
     mainQueue.turn();
-    EXPECT_EQ(told, 1);
+    EXPECT_THAT(told, UnorderedElementsAre("log", "review", "settings"));
+    told.clear();
     monitor.refresh();
     finishSamples();
-    EXPECT_EQ(told, 2);
+    EXPECT_THAT(told, ElementsAre("sample"));
 }
 
 TEST_F(SystemMonitorTest, NoSampleMovesTheReviewTarget) {

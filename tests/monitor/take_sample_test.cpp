@@ -1,24 +1,28 @@
 #include <algorithm>
-#include <chrono>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/monitor/recommendation_cards.h"
 #include "tests/monitor/sample_cycle_fixture.h"
+#include "tests/support/manual_clock.h"
 
 /// The background half of a sample.
 namespace tallowcrest {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class TakeSampleTest : public SampleFixture {
+class TakeSampleTest : public ::testing::Test, protected SampleMachine {
 protected:
     BackgroundSample take(const SampleInputs& known = {}) {
-        return takeSample(*sources, background, known, clock);
+        return takeSample(*sources, known, ManualClock());
     }
 
     BackgroundSample takeOn(int cpuCount) {
@@ -28,59 +32,77 @@ protected:
     }
 };
 
+/// Tells in `calls` when a number is put into words, which the recommendations need.
+class TellingLocale final : public Locale {
+public:
+    explicit TellingLocale(std::vector<std::string>& calls) : calls_(calls) {}
+
+    std::weak_ordering compareIgnoringCase(std::string_view left,
+                                           std::string_view right) const override {
+        return plain_.compareIgnoringCase(left, right);
+    }
+    bool containsIgnoringCase(std::string_view text, std::string_view part) const override {
+        return plain_.containsIgnoringCase(text, part);
+    }
+    std::string decimal(double value, int fractionDigits) const override {
+        calls_.emplace_back("buildRecommendations");
+        return plain_.decimal(value, fractionDigits);
+    }
+    std::string dateAndTime(Date date) const override { return plain_.dateAndTime(date); }
+    std::string timeOfDay(Date date) const override { return plain_.timeOfDay(date); }
+    std::string hoursAndMinutes(Date date) const override { return plain_.hoursAndMinutes(date); }
+    std::int64_t localDay(Date date) const override { return plain_.localDay(date); }
+
+private:
+    std::vector<std::string>& calls_;
+    PlainLocale plain_;
+};
+
+/// Tells in `calls` when it is read.
+class TellingClock final : public Clock {
+public:
+    explicit TellingClock(std::vector<std::string>& calls) : calls_(calls) {}
+    Date now() const override {
+        calls_.emplace_back("now");
+        return Date{5.0};
+    }
+
+private:
+    std::vector<std::string>& calls_;
+};
+
 TEST_F(TakeSampleTest, ReadsInItsOrder) {
-    background.loadTailDevices = [this] {
-        calls.emplace_back("loadTailDevices");
-        return std::vector<TailDevice>{};
-    };
-    background.loadTailscaleHealthIssues = [this] {
-        calls.emplace_back("loadTailscaleHealthIssues");
-        return std::vector<std::string>{};
-    };
-    background.buildRecommendations = [this](const auto&, double, double, double) {
-        calls.emplace_back("buildRecommendations");
-        clock.advance(std::chrono::seconds(5));
-        return std::vector<Recommendation>{};
-    };
-    const Date before = clock.now();
-    const BackgroundSample result = take();
-    EXPECT_THAT(calls, ElementsAre("readProcesses", "readMemory", "readDiskSnapshot",
-                                   "loadTailDevices", "loadTailscaleHealthIssues", "readTicks",
-                                   "readPressureText", "buildRecommendations"));
+    metrics->memory.pressure = 75.0;
+    SampleSources telling(metrics, ticks, std::make_shared<TellingLocale>(calls));
+    calls.clear();
+    const BackgroundSample result = takeSample(telling, {}, TellingClock(calls));
     // The time of the record is that of its building, which is the last step.
-    EXPECT_EQ(result.snapshot.sampledAt, Date{before.secondsSinceReference + 5.0});
+    EXPECT_THAT(calls, ElementsAre("readProcesses", "readMemory", "readDiskSnapshot", "readTicks",
+                                   "readPressureText", "buildRecommendations", "now"));
+    EXPECT_EQ(result.snapshot.sampledAt, Date{5.0});
 }
 
 TEST_F(TakeSampleTest, HandsOverWhatItRead) {
     metrics->processes = {row(1, 3.0), row(2, 50.0), row(3, 20.0)};
-    metrics->memory = {16, 8, 8, 2, 1, 50};
+    metrics->memory = {16, 8, 1.5, 2, 1, 75};
     metrics->disk = {500, 123};
-    metrics->pressureText = "Free percentage: 50%";
-    ticks->pass(37);
-    background.loadTailDevices = [] { return std::vector{device("a"), device("b")}; };
-    background.loadTailscaleHealthIssues = [] { return std::vector<std::string>{"DNS"}; };
-    background.buildRecommendations = [this](const std::vector<ProcessSample>& processes,
-                                             double freeGB, double pressure, double cpuPercent) {
-        EXPECT_EQ(processes, metrics->processes);  // all rows, in the order of the table
-        EXPECT_EQ(freeGB, 8);
-        EXPECT_EQ(pressure, 50);
-        EXPECT_EQ(cpuPercent, 37);
-        return std::vector{card("Rest")};
-    };
+    metrics->pressureText = "Free percentage: 25%";
+    ticks->pass(97);
     const BackgroundSample result = take();
     EXPECT_EQ(result.processes, metrics->processes);
     EXPECT_EQ(result.snapshot.memory, metrics->memory);
     EXPECT_EQ(result.snapshot.disk, metrics->disk);
-    EXPECT_EQ(result.snapshot.pressureText, "Free percentage: 50%");
-    EXPECT_EQ(result.snapshot.cpuPercent, 37);
+    EXPECT_EQ(result.snapshot.pressureText, "Free percentage: 25%");
+    EXPECT_EQ(result.snapshot.cpuPercent, 97);
     EXPECT_THAT(result.snapshot.topProcesses,
                 ElementsAre(metrics->processes[1], metrics->processes[2], metrics->processes[0]));
     ASSERT_EQ(result.snapshot.appImpacts.size(), 1U);
     EXPECT_EQ(result.snapshot.appImpacts[0].processCount, 3);
     EXPECT_EQ(result.snapshot.appImpacts[0].topPID, 2);
-    EXPECT_THAT(result.devices, ElementsAre(device("a"), device("b")));
-    EXPECT_THAT(result.healthIssues, ElementsAre("DNS"));
-    EXPECT_THAT(result.recommendations, ElementsAre(card("Rest")));
+    EXPECT_THAT(titlesOf(result.recommendations),
+                ElementsAre("Memory pressure is rising", "CPU load is very high"));
+    EXPECT_THAT(result.recommendations.front().detail, HasSubstr("You have 1.5 GB free"));
+    EXPECT_EQ(result.recommendations.back().relatedPID, 2);
 }
 
 TEST_F(TakeSampleTest, RankedRowsAreCutTo120AndTheTableIsNot) {
@@ -156,15 +178,6 @@ TEST_F(TakeSampleTest, ASampleWithoutAProcessTableIsStillASample) {
     EXPECT_THAT(result.snapshot.topProcesses, IsEmpty());
     EXPECT_THAT(result.snapshot.appImpacts, IsEmpty());
     EXPECT_EQ(result.snapshot.cpuPercent, 40.0);
-}
-
-TEST_F(TakeSampleTest, DoesWithoutHooks) {
-    metrics->processes = rows(3);
-    const BackgroundSample result = take();
-    EXPECT_THAT(result.devices, IsEmpty());
-    EXPECT_THAT(result.healthIssues, IsEmpty());
-    EXPECT_THAT(result.recommendations, IsEmpty());
-    EXPECT_EQ(result.snapshot.topProcesses.size(), 3U);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 namespace tallowcrest {
 namespace {
 
-/// Puts the environment back as it was.
+/// Unsets the variables and restores them at the end.
 class ScopedVariables {
 public:
     explicit ScopedVariables(std::initializer_list<const char*> names) {
@@ -41,7 +41,7 @@ private:
     std::map<std::string, std::optional<std::string>> saved_;
 };
 
-TEST(Host, ProtectsThisVeryProcess) {
+TEST(Host, ProtectsThisProcess) {
     const ProtectionPolicy policy = host::protectionPolicy();
     EXPECT_EQ(policy.ownPID, getpid());
     const ProcessSample self{getpid(), 0, 0, 0, "/somewhere/else", "/somewhere/else"};
@@ -50,7 +50,7 @@ TEST(Host, ProtectsThisVeryProcess) {
     EXPECT_FALSE(isProtected(other, policy));
 }
 
-TEST(Host, CountsTheCoresThatAreOn) {
+TEST(Host, CountsOnlineCores) {
     EXPECT_GE(host::activeProcessorCount(), 1);
     EXPECT_EQ(host::activeProcessorCount(), sysconf(_SC_NPROCESSORS_ONLN));
 }
@@ -86,20 +86,21 @@ std::filesystem::path homeOfTheAccount() {
     return account != nullptr ? account->pw_dir : "";
 }
 
-TEST(Host, KeepsDataWhereTheUserWantsItOrElseInTheHome) {
+TEST(Host, KeepsDataInXDGDataHomeOrElseInTheHome) {
     const ScopedVariables environment{"XDG_DATA_HOME", "HOME"};
     EXPECT_EQ(host::dataDirectory(), homeOfTheAccount() / ".local/share/tallowcrest");
     ::setenv("HOME", "/somewhere/home", 1);
     EXPECT_EQ(host::dataDirectory(), "/somewhere/home/.local/share/tallowcrest");
     ::setenv("XDG_DATA_HOME", "/somewhere/data", 1);
     EXPECT_EQ(host::dataDirectory(), "/somewhere/data/tallowcrest");
-    for (const char* noPlace : {"", "relative", "./data", "~/data"}) {
-        ::setenv("XDG_DATA_HOME", noPlace, 1);
-        EXPECT_EQ(host::dataDirectory(), "/somewhere/home/.local/share/tallowcrest") << noPlace;
+    for (const char* invalidPath : {"", "relative", "./data", "~/data"}) {
+        ::setenv("XDG_DATA_HOME", invalidPath, 1);
+        EXPECT_EQ(host::dataDirectory(), "/somewhere/home/.local/share/tallowcrest") << invalidPath;
     }
-    for (const char* noHome : {"", "relative"}) {
-        ::setenv("HOME", noHome, 1);
-        EXPECT_EQ(host::dataDirectory(), homeOfTheAccount() / ".local/share/tallowcrest") << noHome;
+    for (const char* invalidHome : {"", "relative"}) {
+        ::setenv("HOME", invalidHome, 1);
+        EXPECT_EQ(host::dataDirectory(), homeOfTheAccount() / ".local/share/tallowcrest")
+            << invalidHome;
     }
 }
 
@@ -110,7 +111,7 @@ TEST(Host, KeepsReportsWithTheUsersDocuments) {
     EXPECT_EQ(host::reportsDirectory(), "/somewhere/home/Documents/Tallowcrest/outputs/reports");
 }
 
-TEST(Host, TellsHowLongTheProcessHasRun) {
+TEST(Host, KnowsHowLongTheProcessHasRun) {
     const auto first = host::timeSinceProcessStart();
     const auto second = host::timeSinceProcessStart();
     EXPECT_GT(first.count(), -10.0);
@@ -118,7 +119,7 @@ TEST(Host, TellsHowLongTheProcessHasRun) {
     EXPECT_LT(second.count(), 1000.0 * 60 * 10);
 }
 
-TEST(Host, ItsReadersReadThisMachine) {
+TEST(Host, ReadersReadThisMachine) {
     class NoTools final : public ToolLauncher {
     public:
         ToolResult launch(const ToolRequest&) override { return {}; }

@@ -6,6 +6,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "platform/icu/icu_locale.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
 #include "tests/support/fake_machine.h"
@@ -42,12 +43,13 @@ std::vector<Recommendation> troubledRecommendations() {
 }
 
 std::vector<SessionInsight> insights(bool isTroubled) {
-    std::vector<SessionInsight> found{{UUID::random(), "Peak CPU", isTroubled ? "97%" : "34%",
-                                       "Average 22% across this session."},
-                                      {UUID::random(), "Peak Memory", isTroubled ? "91%" : "52%",
-                                       "Average 48% pressure across this session."},
-                                      {UUID::random(), "Recurring Top App", "photo-indexer",
-                                       "Led App Impact for about 236s of sampled time."}};
+    std::vector<SessionInsight> found{
+        {UUID::random(), "Peak CPU", isTroubled ? "97%" : "34%",
+         "Average 22% across this session."},
+        {UUID::random(), "Peak Memory", isTroubled ? "91%" : "52%",
+         "Average 48% pressure across this session."},
+        {UUID::random(), "Recurring Top App", "photo-indexer",
+         "Led App Impact for about 236s of sampled time.", SessionInsight::Kind::topApp}};
     if (isTroubled) {
         found.push_back({UUID::random(), "Remote Watch", "build-server.example",
                          "Highest scanned remote memory pressure: 88%."});
@@ -61,6 +63,7 @@ std::vector<SessionInsight> insights(bool isTroubled) {
 class OverviewGallery final : public QWidget {
 public:
     OverviewGallery(const QString& state, const QSize& size) {
+        machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
         const bool isTroubled = state == u"troubled"_s;
         MemorySnapshot& memory = machine_.metrics->memory;
         memory = {16.0, isTroubled ? 14.9 : 7.4, isTroubled ? 1.1 : 8.6,
@@ -75,18 +78,14 @@ public:
             ++pid;
         }
         machine_.addProcess(800, "/usr/bin/photo-indexer", isTroubled ? 290.0 : 30.0, 1980.0);
-        machine_.extensions.background.buildRecommendations = [isTroubled](const auto&, double,
-                                                                           double, double) {
-            return isTroubled ? troubledRecommendations()
-                              : std::vector<Recommendation>{
-                                    {UUID::random(), "This Mac looks healthy",
-                                     "CPU and memory pressure are in a comfortable range. No "
-                                     "optimization action is needed right now.",
-                                     Severity::info, std::nullopt}};
-        };
-        machine_.extensions.main.buildSessionInsights = [isTroubled](const SystemSnapshot&) {
-            return insights(isTroubled);
-        };
+        machine_.recommendations =
+            isTroubled ? troubledRecommendations()
+                       : std::vector<Recommendation>{
+                             {UUID::random(), "This Mac looks healthy",
+                              "CPU and memory pressure are in a comfortable range. No "
+                              "optimization action is needed right now.",
+                              Severity::info, std::nullopt}};
+        machine_.sessionInsights = insights(isTroubled);
         window_ = std::make_unique<DashboardWindow>(machine_.monitor(), machine_.mainQueue);
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
@@ -98,14 +97,16 @@ public:
             takeSamples();
         }
         if (isTroubled) {
-            machine_.monitor().log().recordEvent("Warning", "CPU 96% and memory 91% crossed 82%.");
+            machine_.monitor().log().recordEvent(ActivityKind::warning,
+                                                 "CPU 96% and memory 91% crossed 82%.");
             machine_.monitor().log().recordEvent(
-                "Auto Rule", "Selected photo-indexer because system load crossed 82%.");
+                ActivityKind::autoSelect,
+                "Selected photo-indexer because system load crossed 82%.");
             machine_.monitor().log().recordMessage(
                 "Selected photo-indexer, currently the heaviest process.");
         }
         if (state == u"collapsed"_s) {
-            machine_.monitor().sections().collapseAll();
+            window_->state().sections.collapseAll();
         }
         machine_.mainQueue.drain();
         if (size.height() == 0) {

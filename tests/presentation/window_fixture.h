@@ -16,6 +16,7 @@
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/elided_label.h"
+#include "tests/presentation/scoped_locale.h"
 #include "tests/support/fake_machine.h"
 
 using namespace Qt::StringLiterals;
@@ -28,7 +29,7 @@ protected:
     static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
 
     WindowFixture() {
-        QLocale::setDefault(QLocale(u"en_US"_s));
+        machine.locale = icuLocale("en_US");
         MemorySnapshot& memory = machine.metrics->memory;
         memory.totalGB = 16.0;
         memory.usedGB = 9.5;
@@ -43,7 +44,6 @@ protected:
     ~WindowFixture() override {
         window_.reset();
         QApplication::processEvents();
-        QLocale::setDefault(QLocale::c());
     }
 
     DashboardWindow& window() {
@@ -76,7 +76,7 @@ protected:
     }
 
     void showProcesses() {
-        machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+        window().state().navigation.setSelectedRoute(AppRoute::load);
         showWithSample();
     }
 
@@ -86,7 +86,7 @@ protected:
     }
 
     void goTo(AppRoute route) {
-        machine.monitor().navigation().setSelectedRoute(route);
+        window().state().navigation.setSelectedRoute(route);
         settle();
     }
 
@@ -129,7 +129,7 @@ protected:
         settle();
     }
 
-    AppRoute route() { return machine.monitor().navigation().selectedRoute(); }
+    AppRoute route() { return window().state().navigation.selectedRoute(); }
     const std::string& lastAction() { return machine.monitor().log().lastAction(); }
     std::optional<std::int64_t> selectedPID() { return machine.monitor().review().selectedPID(); }
 

@@ -19,7 +19,7 @@ constexpr std::size_t localRows = 120;
 constexpr std::size_t hosts = 40;
 constexpr std::size_t remoteRows = 5;
 
-/// A name that cannot occur by accident and belongs to a known group.
+/// A unique name that belongs to a known group.
 std::string groupedName(std::string_view owner, std::size_t number) {
     constexpr std::array<std::string_view, 4> kinds{"Google Chrome Helper", "python", "clang",
                                                     "com.docker.vpnkit"};
@@ -55,7 +55,7 @@ ReportState bigState() {
         health.address = addressOf(host);
         health.status = RemoteHealth::Status::reachable;
         health.summary = "Remote sample received.";
-        // Hints on how to reach a machine repeat its address.
+        // Hints on how to connect contain the address.
         health.setupHint = "Enable Remote Login, then retry " + health.address + ".";
         health.recommendation = "Remote Mac looks healthy.";
         for (std::size_t i = 0; i < remoteRows; ++i) {
@@ -106,7 +106,7 @@ Secrets remoteSecretsOf(const ReportState& state) {
     return secrets;
 }
 
-TEST(Redaction, TheWholeReportTellsAllThatTheOtherOneHides) {
+TEST(Redaction, TheFullReportContainsWhatTheRedactedOneHides) {
     const ReportState state = bigState();
     const std::string report = state.report(false);
     const Secrets local = localSecretsOf(state);
@@ -133,7 +133,7 @@ TEST(Redaction, KeepsEveryHostName) {
     }
 }
 
-TEST(Redaction, HiddenValuesMakeNoDifference) {
+TEST(Redaction, HiddenValuesDoNotChangeTheReport) {
     const ReportState state = bigState();
     ReportState other = state;
     for (ProcessSample& row : other.snapshot.topProcesses) {
@@ -153,7 +153,7 @@ TEST(Redaction, HiddenValuesMakeNoDifference) {
     EXPECT_NE(other.report(false), state.report(false));
 }
 
-TEST(Redaction, LeavesWhatTheOwnerAndTheHostsSay) {
+TEST(Redaction, KeepsTextsOfTheOwnerAndOfTheHosts) {
     ReportState state = bigState();
     state.settings.sshUsername = "rowan";
     state.settings.protectedAppNames = {"Terminal"};
@@ -175,7 +175,7 @@ TEST(Redaction, LeavesWhatTheOwnerAndTheHostsSay) {
     }
 }
 
-TEST(Redaction, LeavesTheWordsForAMissingAddressAlone) {
+TEST(Redaction, KeepsTheTextForAMissingAddress) {
     ReportState state = bigState();
     state.remoteHealth.resize(1);
     state.remoteHealth[0].address = "no address";

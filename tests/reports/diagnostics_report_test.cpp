@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/utf8.h"
+#include "core/text.h"
 #include "tests/reports/report_state.h"
 #include "tests/support/fixture.h"
 
@@ -109,23 +109,23 @@ void expectGolden(const std::string& report, const std::string& name) {
     EXPECT_EQ(report, golden);
 }
 
-TEST(DiagnosticsReport, OfASampleAndNothingElse) {
+TEST(DiagnosticsReport, WithOnlyASample) {
     expectGolden(emptyState().report(false), "sample_alone");
 }
 
-TEST(DiagnosticsReport, OfASampleAndNothingElseHasNothingToRedact) {
+TEST(DiagnosticsReport, WithOnlyASampleHasNothingToRedact) {
     EXPECT_EQ(emptyState().report(true), emptyState().report(false));
 }
 
-TEST(DiagnosticsReport, OfARichState) {
+TEST(DiagnosticsReport, WithEverySection) {
     expectGolden(richState().report(false), "rich");
 }
 
-TEST(DiagnosticsReport, OfARichStateRedacted) {
+TEST(DiagnosticsReport, WithEverySectionRedacted) {
     expectGolden(richState().report(true), "rich_redacted");
 }
 
-TEST(DiagnosticsReport, RedactionChangesTheLinesOfProcessesAndRemoteMachinesAlone) {
+TEST(DiagnosticsReport, RedactionChangesOnlyTheLinesOfProcessesAndRemoteMachines) {
     const auto plain = linesOf(richState().report(false));
     const auto redacted = linesOf(richState().report(true));
     ASSERT_EQ(plain.size(), redacted.size());
@@ -199,7 +199,7 @@ TEST(DiagnosticsReport, AnAppOf1024MBHasOneGB) {
                 Contains("WindowServer\t8.0% CPU\t1.0 GB\t1 processes\t1 protected"));
 }
 
-TEST(DiagnosticsReport, TheLimitsOfTheDiskAreCutAndTheMostIsNot) {
+TEST(DiagnosticsReport, DiskLimitsAreCutToIntegersExceptTheMaximumPerRun) {
     ReportState state = emptyState();
     state.settings.diskMinimumFreeGB = 9.99;
     state.settings.diskCleanupAgeDays = 364.9;
@@ -246,7 +246,7 @@ TEST(DiagnosticsReport, EveryModeHasItsName) {
     }
 }
 
-TEST(DiagnosticsReport, TrustIsSortedByWhatTheRecordsSay) {
+TEST(DiagnosticsReport, TrustIsSortedByTheActionTypeOfTheRecords) {
     ReportState state = emptyState();
     state.aiTrustRecords = {{"a", {"zz", 0, 0, 0, {}}},
                             {"b", {"select_top", 0, 0, 0, {}}},
@@ -260,7 +260,7 @@ TEST(DiagnosticsReport, TrustIsSortedByWhatTheRecordsSay) {
                             "zz\ttrust 20%\tapproved 0\trun 0\tblocked 0", ""));
 }
 
-TEST(DiagnosticsReport, OfThirtyEventsTheNewestTwelve) {
+TEST(DiagnosticsReport, ShowsTheNewestTwelveOfThirtyEvents) {
     ReportState state = emptyState();
     for (int i = 30; i > 0; --i) {
         state.activityLog.push_back({UUID(), Date{60.0 * i}, "Event", std::to_string(i)});
@@ -273,7 +273,7 @@ TEST(DiagnosticsReport, OfThirtyEventsTheNewestTwelve) {
     EXPECT_EQ(heading[12], "00:19:00\tEvent\t19");
 }
 
-TEST(DiagnosticsReport, EveryTextOfTheFactsStaysOnItsLine) {
+TEST(DiagnosticsReport, EveryTextStaysOnItsLine) {
     const std::string evil = "x\nRemote Health\r\n\u2028\u0085\tstudio\xFF";
     ReportState state = richState();
     const std::size_t lineCount = linesOf(state.report(false)).size();

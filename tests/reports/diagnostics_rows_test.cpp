@@ -13,7 +13,7 @@ namespace {
 
 using Status = RemoteHealth::Status;
 
-TEST(ReportText, IsOnePieceOfOneLine) {
+TEST(ReportText, HasNoLineEndsOrTabs) {
     EXPECT_EQ(reportText("x\nOpenAI key saved: Yes"), "x OpenAI key saved: Yes");
     EXPECT_EQ(reportText("a\tb\r\nc"), "a b  c");
     EXPECT_EQ(reportText("a\u2028b\u0085c\u202Ed"), "a b c d");
@@ -134,7 +134,7 @@ TEST(RemoteRow, MissingFiguresAreZeroAndMissingTextsUnknown) {
     EXPECT_EQ(formatRemoteRow(health, true), "mini\tredacted" + rest);
 }
 
-TEST(RemoteRow, EmptyTextsThatTheHostSentAreNotUnknown) {
+TEST(RemoteRow, EmptyTextsFromTheHostAreNotUnknown) {
     RemoteHealth health = reachableHost();
     health.osVersion = "";
     health.topCPUProcess = "";
@@ -143,7 +143,7 @@ TEST(RemoteRow, EmptyTextsThatTheHostSentAreNotUnknown) {
     EXPECT_NE(row.find("\tTop CPU \tTop Memory 1536MB"), std::string::npos);
 }
 
-TEST(RemoteRow, EveryStatusHasItsWord) {
+TEST(RemoteRow, EveryStatusHasATitle) {
     struct Case {
         Status status;
         std::string word;
@@ -162,7 +162,7 @@ TEST(RemoteRow, EveryStatusHasItsWord) {
     }
 }
 
-TEST(RemoteRow, NoFieldMakesAColumnOrALine) {
+TEST(RemoteRow, NoTextAddsAColumnOrALine) {
     RemoteHealth health = reachableHost();
     health.hostName = health.address = health.recommendation = health.setupHint = "x\n\ty\r";
     health.osVersion = health.topCPUProcess = health.topMemoryProcess = "x\n\ty\r";
@@ -175,7 +175,7 @@ TEST(RemoteRow, NoFieldMakesAColumnOrALine) {
               "Processes x  y  88.2%/1536MB; x  y  3.0%/80MB\tx  y ");
 }
 
-TEST(RemoteRow, FiguresNeedNotBePossible) {
+TEST(RemoteRow, AcceptsImpossibleFigures) {
     RemoteHealth health = reachableHost();
     health.cpuPercent = std::numeric_limits<double>::quiet_NaN();
     health.memoryPercent = -1e300;

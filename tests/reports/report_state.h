@@ -11,7 +11,7 @@
 
 namespace tallowcrest {
 
-/// A whole state of the monitor to report on, which as it stands is a sample and nothing else.
+/// A state of the monitor for a report. By default it has a sample and nothing else.
 struct ReportState {
     SystemSnapshot snapshot;
     Settings settings;

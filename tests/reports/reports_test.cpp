@@ -9,8 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/fake_report_folder.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -24,15 +23,13 @@ class ReportsTest : public ::testing::Test {
 protected:
     void takeSample() { snapshot.emplace(); }
 
-    void exportReport() {
-        reports.exportDiagnosticsReport([this] { ++failures; });
-        while (workQueue.pendingCount() > 0) {
-            workQueue.run();
-        }
-        mainQueue.drain();
+    Outcome exportReport() {
+        Outcome outcome = reports.exportDiagnosticsReport([this] { ++failures; });
+        with.finishWork();
+        return outcome;
     }
 
-    /// The message is the last action and the one event.
+    /// Expects `message` as the last action and as the only event.
     void expectRecorded(const std::string& message) const {
         EXPECT_EQ(log.lastAction(), message);
         ASSERT_THAT(log.activityLog(), SizeIs(1));
@@ -40,49 +37,47 @@ protected:
         EXPECT_EQ(log.activityLog().front().detail, message);
     }
 
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    ManualWorkQueue workQueue;
+    TestServices with;
+    ActivityLog& log = with.log;
     int failures = 0;
-    Observable observable{mainQueue};
-    ActivityLog log{clock, observable, {}, [](const auto&) {}};
-    PlainLocale locale;
     std::vector<std::string> copied;
     Pasteboard pasteboard{log, [this](const std::string& text) { copied.push_back(text); }};
     std::optional<SystemSnapshot> snapshot;
-    Settings settings;
     std::map<std::string, AITrustRecord> trust;
     std::shared_ptr<FakeReportFolder> folder = std::make_shared<FakeReportFolder>();
     std::int64_t utcOffset = 0;
-    Reports reports{{log, pasteboard, clock, locale,
-                     [this]() -> std::optional<DiagnosticsFacts> {
+    Reports reports{{.services = with.services,
+                     .pasteboard = pasteboard,
+                     .facts = [this]() -> std::optional<DiagnosticsFacts> {
                          if (!snapshot) {
                              return std::nullopt;
                          }
-                         return DiagnosticsFacts{*snapshot, settings, {},    {}, false,
-                                                 "",        {},       trust, {}};
+                         return DiagnosticsFacts{
+                             *snapshot, with.settings.values(), {}, {}, false, "", {}, trust, {}};
                      },
-                     [this](Date) { return utcOffset; }, folder, mainQueue, workQueue}};
+                     .utcOffset = [this](Date) { return utcOffset; },
+                     .folder = folder}};
 };
 
-TEST_F(ReportsTest, BeforeTheFirstSampleThereIsNoneToCopyAndNoWordAboutIt) {
+TEST_F(ReportsTest, BeforeTheFirstSampleNothingIsCopiedAndNoMessageIsRecorded) {
     EXPECT_EQ(reports.diagnosticsReport(false), std::nullopt);
-    reports.copyDiagnosticsReport();
+    EXPECT_EQ(reports.copyDiagnosticsReport(), Outcome::refused({}));
     EXPECT_THAT(copied, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
 }
 
-TEST_F(ReportsTest, BeforeTheFirstSampleAnExportIsRefusedInWords) {
-    exportReport();
+TEST_F(ReportsTest, BeforeTheFirstSampleAnExportIsRefusedWithAMessage) {
+    EXPECT_EQ(exportReport(), Outcome::refused("No diagnostic sample is available yet."));
     expectRecorded("No diagnostic sample is available yet.");
     EXPECT_EQ(failures, 1);
     EXPECT_THAT(folder->written, IsEmpty());
 }
 
-TEST_F(ReportsTest, CopiesTheReportThatHidesNothing) {
+TEST_F(ReportsTest, CopiesTheFullReport) {
     takeSample();
-    reports.copyDiagnosticsReport();
+    EXPECT_EQ(reports.copyDiagnosticsReport(),
+              Outcome::done("Copied a performance report to the clipboard."));
     ASSERT_THAT(copied, SizeIs(1));
     EXPECT_EQ(copied.front(), reports.diagnosticsReport(false));
     EXPECT_THAT(copied.front(), StartsWith("Tallowcrest report - "));
@@ -91,9 +86,9 @@ TEST_F(ReportsTest, CopiesTheReportThatHidesNothing) {
 
 TEST_F(ReportsTest, ExportsAndShowsTheFile) {
     takeSample();
-    const std::string name = exportFileName(clock.now(), 0);
+    const std::string name = exportFileName(with.clock.now(), 0);
     const auto text = reports.diagnosticsReport(false);
-    exportReport();
+    EXPECT_EQ(exportReport(), Outcome::asked());
     ASSERT_THAT(folder->written, SizeIs(1));
     EXPECT_EQ(folder->written.begin()->first, name);
     EXPECT_EQ(folder->written.begin()->second, text);
@@ -102,36 +97,46 @@ TEST_F(ReportsTest, ExportsAndShowsTheFile) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST_F(ReportsTest, TheFileBearsTheTimeOfTheOwnersClock) {
+TEST_F(ReportsTest, TheFileNameHasTheLocalTime) {
     takeSample();
     utcOffset = 3600;
     exportReport();
     ASSERT_THAT(folder->written, SizeIs(1));
-    EXPECT_EQ(folder->written.begin()->first, exportFileName(clock.now(), 3600));
-    EXPECT_NE(folder->written.begin()->first, exportFileName(clock.now(), 0));
+    EXPECT_EQ(folder->written.begin()->first, exportFileName(with.clock.now(), 3600));
+    EXPECT_NE(folder->written.begin()->first, exportFileName(with.clock.now(), 0));
 }
 
-TEST_F(ReportsTest, AFailureIsToldInTheSystemsWords) {
+TEST_F(ReportsTest, AFailureIsRecordedWithTheSystemsMessage) {
     takeSample();
     folder->problem = "No space left on device";
-    exportReport();
+    EXPECT_EQ(exportReport(), Outcome::asked());
     expectRecorded("Could not export diagnostics: No space left on device");
     EXPECT_THAT(folder->revealed, IsEmpty());
     EXPECT_EQ(failures, 1);
 }
 
-TEST_F(ReportsTest, NothingIsWrittenBeforeTheBackgroundHasItsTurn) {
+TEST_F(ReportsTest, TheFileIsWrittenInTheBackground) {
     takeSample();
     const auto text = reports.diagnosticsReport(false);
     reports.exportDiagnosticsReport();
     EXPECT_THAT(folder->written, IsEmpty());
     snapshot->cpuPercent = 99.0;
-    workQueue.run();
+    with.workQueue.run();
     ASSERT_THAT(folder->written, SizeIs(1));
     EXPECT_EQ(folder->written.begin()->second, text) << "the state of the moment of asking";
     EXPECT_THAT(folder->revealed, IsEmpty());
-    mainQueue.drain();
+    with.mainQueue.drain();
     EXPECT_THAT(folder->revealed, SizeIs(1));
+}
+
+TEST_F(ReportsTest, NothingIsWrittenOnceTheProgramEnds) {
+    takeSample();
+    reports.exportDiagnosticsReport([this] { ++failures; });
+    with.jobs.stopAll();
+    with.finishWork();
+    EXPECT_THAT(folder->written, IsEmpty());
+    EXPECT_EQ(failures, 0);
+    EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
 TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {
@@ -145,10 +150,11 @@ TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {
     EXPECT_EQ(exportFileName(Date{1e300}, 0), "Tallowcrest-Diagnostics.txt");
 }
 
-TEST_F(ReportsTest, WithoutAClipboardThatIsSaid) {
+TEST_F(ReportsTest, WithoutAClipboardAMessageSaysSo) {
     takeSample();
     Pasteboard none(log, {});
-    none.copyToPasteboard("text", "Copied it.");
+    EXPECT_EQ(none.copyToPasteboard("text", "Copied it."),
+              Outcome::failed("There is no clipboard here."));
     EXPECT_EQ(log.lastAction(), "There is no clipboard here.");
 }
 

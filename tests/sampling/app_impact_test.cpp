@@ -34,6 +34,12 @@ std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
     return result;
 }
 
+/// The rows in impact order, at most `limit` of them.
+std::vector<ProcessSample> ranked(const std::vector<ProcessSample>& rows,
+                                  std::size_t limit = std::numeric_limits<std::size_t>::max()) {
+    return rowsInOrder(rows, impactOrder(rows), limit);
+}
+
 std::vector<std::string> names(const std::vector<AppImpact>& impacts) {
     std::vector<std::string> result;
     for (const AppImpact& impact : impacts) {
@@ -106,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{"\xFF\xFE node", "Node.js"}, NameCase{"doc\xE2\x84", "doc\xE2\x84"},
         NameCase{"\xC4", "\xC4"}));
 
-TEST(AppGroupName, LooksAtTheLastPathComponentAlone) {
+TEST(AppGroupName, UsesOnlyTheLastPathComponent) {
     EXPECT_EQ(appGroupName(process(1, "/opt/google/chrome/chrome", 0, 0)), "Google Chrome");
     EXPECT_EQ(appGroupName(process(1, "/opt/node/bin/htop", 0, 0)), "htop");
     EXPECT_EQ(appGroupName(process(1, "", 0, 0)), "");
@@ -114,53 +120,53 @@ TEST(AppGroupName, LooksAtTheLastPathComponentAlone) {
 
 // The process order -------------------------------------------------------------------------------
 
-TEST(RankProcesses, WithinOnePointMemoryDecides) {
-    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.9, 10), process(2, "b", 50.0, 20)})),
+TEST(ImpactOrder, WithinOnePointMemoryDecides) {
+    EXPECT_THAT(pids(ranked({process(1, "a", 50.9, 10), process(2, "b", 50.0, 20)})),
                 ElementsAre(2, 1));
-    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.0, 20), process(2, "b", 50.9, 10)})),
+    EXPECT_THAT(pids(ranked({process(1, "a", 50.0, 20), process(2, "b", 50.9, 10)})),
                 ElementsAre(1, 2));
 }
 
-TEST(RankProcesses, BeyondOnePointProcessorTimeDecides) {
-    EXPECT_THAT(pids(rankProcesses({process(1, "a", 50.0, 20), process(2, "b", 51.1, 10)})),
+TEST(ImpactOrder, BeyondOnePointCPUDecides) {
+    EXPECT_THAT(pids(ranked({process(1, "a", 50.0, 20), process(2, "b", 51.1, 10)})),
                 ElementsAre(2, 1));
 }
 
-TEST(RankProcesses, ExactlyOnePointIsStillWithin) {
-    EXPECT_THAT(pids(rankProcesses({process(1, "a", 51.0, 10), process(2, "b", 50.0, 20)})),
+TEST(ImpactOrder, ExactlyOnePointIsStillWithin) {
+    EXPECT_THAT(pids(ranked({process(1, "a", 51.0, 10), process(2, "b", 50.0, 20)})),
                 ElementsAre(2, 1));
 }
 
-TEST(RankProcesses, FullTiesKeepTheOrderOfTheTable) {
+TEST(ImpactOrder, FullTiesKeepTheOrderOfTheTable) {
     std::vector<ProcessSample> rows;
     std::vector<std::int64_t> expected;
     for (std::int64_t pid = 1; pid <= 50; ++pid) {
         rows.push_back(process(pid, "idle", 0, 4));
         expected.push_back(pid);
     }
-    EXPECT_EQ(pids(rankProcesses(rows)), expected);
+    EXPECT_EQ(pids(ranked(rows)), expected);
 }
 
-TEST(RankProcesses, CapsAtTheLimitAndCopiesWholeRows) {
+TEST(ImpactOrder, CapsAtTheLimitAndCopiesWholeRows) {
     const std::vector<ProcessSample> rows{process(1, "/bin/a", 1, 1), process(2, "/bin/b", 30, 1),
                                           process(3, "/bin/c", 20, 1)};
-    EXPECT_THAT(rankProcesses(rows, 2), ElementsAre(rows[1], rows[2]));
-    EXPECT_THAT(rankProcesses(rows, 0), IsEmpty());
-    EXPECT_EQ(rankProcesses(rows, 3).size(), 3U);
-    EXPECT_EQ(rankProcesses(rows, 99).size(), 3U);
-    EXPECT_THAT(rankProcesses({}), IsEmpty());
+    EXPECT_THAT(ranked(rows, 2), ElementsAre(rows[1], rows[2]));
+    EXPECT_THAT(ranked(rows, 0), IsEmpty());
+    EXPECT_EQ(ranked(rows, 3).size(), 3U);
+    EXPECT_EQ(ranked(rows, 99).size(), 3U);
+    EXPECT_THAT(ranked({}), IsEmpty());
 }
 
-TEST(RankProcesses, SurvivesTheCyclesOfItsOwnRelation) {
+TEST(ImpactOrder, ToleratesCyclesInItsRelation) {
     // 1 before 2 and 2 before 3 by memory, yet 3 before 1 by processor time.
     const std::vector<ProcessSample> rows{process(1, "a", 10.0, 30), process(2, "b", 10.8, 20),
                                           process(3, "c", 11.6, 10)};
-    const std::vector<std::int64_t> once = pids(rankProcesses(rows));
+    const std::vector<std::int64_t> once = pids(ranked(rows));
     EXPECT_THAT(once, ::testing::UnorderedElementsAre(1, 2, 3));
-    EXPECT_EQ(pids(rankProcesses(rows)), once);
+    EXPECT_EQ(pids(ranked(rows)), once);
 }
 
-TEST(RankProcesses, KeepsEveryRowWhenFiguresAreNotNumbers) {
+TEST(ImpactOrder, KeepsEveryRowWhenFiguresAreNotNumbers) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     std::vector<ProcessSample> rows;
@@ -170,12 +176,12 @@ TEST(RankProcesses, KeepsEveryRowWhenFiguresAreNotNumbers) {
             rows.push_back(process(++pid, "odd", cpu, rssMB));
         }
     }
-    std::vector<std::int64_t> ranked = pids(rankProcesses(rows));
-    std::sort(ranked.begin(), ranked.end());
-    EXPECT_EQ(ranked, pids(rows));
+    std::vector<std::int64_t> order = pids(ranked(rows));
+    std::sort(order.begin(), order.end());
+    EXPECT_EQ(order, pids(rows));
 }
 
-TEST(RankProcesses, PutsTheHeaviestFirstInALargeTable) {
+TEST(ImpactOrder, PutsTheHeaviestFirstInALargeTable) {
     std::mt19937 generator(5);
     std::uniform_real_distribution<double> figure(0.0, 90.0);
     std::vector<ProcessSample> rows;
@@ -183,9 +189,9 @@ TEST(RankProcesses, PutsTheHeaviestFirstInALargeTable) {
         rows.push_back(process(pid, "p", figure(generator), figure(generator)));
     }
     rows[1234].cpu = 99.0;
-    EXPECT_EQ(rankProcesses(rows).front().pid, rows[1234].pid);
-    EXPECT_EQ(pids(rankProcesses(rows, 120)), [&rows] {
-        auto all = pids(rankProcesses(rows));
+    EXPECT_EQ(ranked(rows).front().pid, rows[1234].pid);
+    EXPECT_EQ(pids(ranked(rows, 120)), [&rows] {
+        auto all = pids(ranked(rows));
         all.resize(120);
         return all;
     }());
@@ -311,8 +317,20 @@ TEST(BuildAppImpacts, AgreesWithACountDoneByHandOnALargeTable) {
                 members.push_back(row);
             }
         }
-        EXPECT_EQ(impact.topPID, rankProcesses(members, 1).front().pid) << impact.name;
+        EXPECT_EQ(impact.topPID, ranked(members, 1).front().pid) << impact.name;
     }
+}
+
+TEST(ListedAppImpacts, AreTheFirst14) {
+    std::vector<ProcessSample> rows;
+    for (int i = 0; i < 20; ++i) {
+        rows.push_back(process(100 + i, "/opt/app" + std::to_string(i), 90.0 - 3.0 * i, 10.0));
+        const auto all = impactsOf(rows);
+        const auto listed = listedAppImpacts(rows, {}, policy);
+        ASSERT_EQ(listed.size(), std::min<std::size_t>(all.size(), 14));
+        EXPECT_TRUE(std::equal(listed.begin(), listed.end(), all.begin()));
+    }
+    EXPECT_EQ(impactsOf(rows).size(), 20U);
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST(CommandSafetyPolicy, SystemMonitorsAreTriedInAFixedOrder) {
                              "/usr/bin/xfce4-taskmanager", "/usr/bin/lxtask"));
 }
 
-TEST(CommandSafetyPolicy, PathsAreComparedAsTheyStand) {
+TEST(CommandSafetyPolicy, PathsAreComparedExactly) {
     const std::vector<std::string_view> others{
         ""sv,
         "ssh"sv,

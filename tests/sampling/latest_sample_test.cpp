@@ -1,5 +1,6 @@
 #include "sampling/latest_sample.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -9,7 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/manual_queues.h"
+#include "sampling/app_impact.h"
+#include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
@@ -20,11 +22,6 @@ using ::testing::Pair;
 
 class LatestSampleTest : public ::testing::Test {
 protected:
-    LatestSample makeSample(std::vector<HistoryPoint> stored = {}) {
-        return LatestSample(observable, std::move(stored),
-                            [this](const auto& history) { saves.push_back(history); });
-    }
-
     /// A snapshot that `leader` leads, if it is not empty.
     static SystemSnapshot ledBy(const std::string& leader) {
         SystemSnapshot snapshot;
@@ -36,7 +33,7 @@ protected:
         return snapshot;
     }
 
-    static void countLeader(LatestSample& sample, const std::string& leader) {
+    void countLeader(const std::string& leader) {
         sample.setSnapshot(ledBy(leader));
         sample.countTopApp();
     }
@@ -49,13 +46,15 @@ protected:
         return snapshot;
     }
 
-    ManualMainQueue queue;
-    Observable observable{queue};
-    std::vector<std::vector<HistoryPoint>> saves;
+    std::vector<HistoryPoint> storedHistory() const {
+        return with.settings.load(stored::history).value();
+    }
+
+    TestServices with;
+    LatestSample sample{with.settings, with.mainQueue};
 };
 
 TEST_F(LatestSampleTest, StartsEmptyAndSavesNothing) {
-    LatestSample sample = makeSample();
     EXPECT_EQ(sample.snapshot(), std::nullopt);
     EXPECT_THAT(sample.latestProcesses(), IsEmpty());
     EXPECT_THAT(sample.topAppSamples(), IsEmpty());
@@ -63,11 +62,10 @@ TEST_F(LatestSampleTest, StartsEmptyAndSavesNothing) {
     sample.countTopApp();
     EXPECT_THAT(sample.history(), IsEmpty());
     EXPECT_THAT(sample.topAppSamples(), IsEmpty());
-    EXPECT_THAT(saves, IsEmpty());
+    EXPECT_THAT(with.store.written, IsEmpty());
 }
 
 TEST_F(LatestSampleTest, TakesTheHistoryPointFromTheSnapshot) {
-    LatestSample sample = makeSample();
     sample.setSnapshot(snapshotAt(1000));
     sample.appendHistoryPoint();
     sample.setSnapshot(snapshotAt(1004));
@@ -82,20 +80,18 @@ TEST_F(LatestSampleTest, TakesTheHistoryPointFromTheSnapshot) {
 }
 
 TEST_F(LatestSampleTest, SavesTheWholeHistoryEachTime) {
-    LatestSample sample = makeSample();
     sample.setSnapshot(snapshotAt(1000));
-    EXPECT_THAT(saves, IsEmpty());
+    EXPECT_THAT(with.store.written, IsEmpty());
     sample.appendHistoryPoint();
-    ASSERT_EQ(saves.size(), 1U);
-    EXPECT_EQ(saves[0], sample.history());
+    EXPECT_THAT(with.store.written, ElementsAre(settings_keys::historyKey));
+    EXPECT_EQ(storedHistory(), sample.history());
     sample.appendHistoryPoint();
-    ASSERT_EQ(saves.size(), 2U);
-    EXPECT_EQ(saves[1], sample.history());
-    EXPECT_EQ(saves[1].size(), 2U);
+    EXPECT_THAT(with.store.written, ::testing::SizeIs(2));
+    EXPECT_EQ(storedHistory(), sample.history());
+    EXPECT_EQ(storedHistory().size(), 2U);
 }
 
 TEST_F(LatestSampleTest, Keeps180PointsAndDropsTheOldest) {
-    LatestSample sample = makeSample();
     for (int i = 0; i < 180; ++i) {
         sample.setSnapshot(snapshotAt(i));
         sample.appendHistoryPoint();
@@ -108,53 +104,51 @@ TEST_F(LatestSampleTest, Keeps180PointsAndDropsTheOldest) {
     ASSERT_EQ(sample.history().size(), 180U);
     EXPECT_EQ(sample.history().front().date, Date{1});
     EXPECT_EQ(sample.history().back().date, Date{180});
-    EXPECT_EQ(saves.back(), sample.history());
+    EXPECT_EQ(storedHistory(), sample.history());
 }
 
-TEST_F(LatestSampleTest, LoadsALongHistoryWholeAndTrimsItWithTheFirstSample) {
-    std::vector<HistoryPoint> stored;
+TEST_F(LatestSampleTest, LoadsALongHistoryCompletelyAndTrimsItWithTheFirstSample) {
+    std::vector<HistoryPoint> old;
     for (int i = 0; i < 500; ++i) {
-        stored.push_back({UUID::random(), Date{static_cast<double>(i)}, 1, 2});
+        old.push_back({UUID::random(), Date{static_cast<double>(i)}, 1, 2});
     }
-    LatestSample sample = makeSample(stored);
-    EXPECT_EQ(sample.history(), stored);
-    sample.setSnapshot(snapshotAt(500));
-    EXPECT_EQ(sample.history().size(), 500U);
-    sample.appendHistoryPoint();
-    ASSERT_EQ(sample.history().size(), 180U);
-    EXPECT_EQ(sample.history().front(), stored[321]);
-    EXPECT_EQ(sample.history().back().date, Date{500});
-    EXPECT_EQ(saves.back().size(), 180U);
+    with.settings.save(stored::history, old);
+    LatestSample next(with.settings, with.mainQueue);
+    EXPECT_EQ(next.history(), old);
+    next.setSnapshot(snapshotAt(500));
+    EXPECT_EQ(next.history().size(), 500U);
+    next.appendHistoryPoint();
+    ASSERT_EQ(next.history().size(), 180U);
+    EXPECT_EQ(next.history().front(), old[321]);
+    EXPECT_EQ(next.history().back().date, Date{500});
+    EXPECT_EQ(storedHistory(), next.history());
 }
 
-TEST_F(LatestSampleTest, CountsTheLeaderOfEachSampleAlone) {
-    LatestSample sample = makeSample();
-    countLeader(sample, "Arc");
-    countLeader(sample, "Docker");
-    countLeader(sample, "Docker");
-    countLeader(sample, "");
+TEST_F(LatestSampleTest, CountsOnlyTheFirstGroupOfEachSample) {
+    countLeader("Arc");
+    countLeader("Docker");
+    countLeader("Docker");
+    countLeader("");
     EXPECT_THAT(sample.topAppSamples(), ElementsAre(Pair("Arc", 1), Pair("Docker", 2)));
 }
 
 TEST_F(LatestSampleTest, Keeps80NamesWhateverTheirCounts) {
-    LatestSample sample = makeSample();
     for (int i = 0; i < 80; ++i) {
-        countLeader(sample, fmt::format("App {}", i));
+        countLeader(fmt::format("App {}", i));
     }
     EXPECT_EQ(sample.topAppSamples().size(), 80U);
-    countLeader(sample, "App 3");
+    countLeader("App 3");
     EXPECT_EQ(sample.topAppSamples().size(), 80U);
 }
 
 TEST_F(LatestSampleTest, RebuildsTheCountsFromThe40HighestAtTheEightyFirstName) {
-    LatestSample sample = makeSample();
     // Names 0 to 79 with counts 2 to 81, so that the newcomer with its 1 is the lowest of all.
     for (int name = 0; name < 80; ++name) {
         for (int count = 0; count < name + 2; ++count) {
-            countLeader(sample, fmt::format("App {:02}", name));
+            countLeader(fmt::format("App {:02}", name));
         }
     }
-    countLeader(sample, "Newcomer");
+    countLeader("Newcomer");
     ASSERT_EQ(sample.topAppSamples().size(), 40U);
     for (int name = 40; name < 80; ++name) {
         EXPECT_EQ(sample.topAppSamples().at(fmt::format("App {:02}", name)), name + 2);
@@ -162,11 +156,10 @@ TEST_F(LatestSampleTest, RebuildsTheCountsFromThe40HighestAtTheEightyFirstName) 
 }
 
 TEST_F(LatestSampleTest, KeepsEveryHigherCountWhenTheLowestKeptIsShared) {
-    LatestSample sample = makeSample();
     for (int name = 0; name < 81; ++name) {
-        // Ten names lead twice, the others once; which of the others survive is left open.
+        // Ten names come first twice, the others once. Which of the others are kept is unspecified.
         for (int count = 0; count < (name % 8 == 0 && name < 80 ? 2 : 1); ++count) {
-            countLeader(sample, fmt::format("App {:02}", name));
+            countLeader(fmt::format("App {:02}", name));
         }
     }
     ASSERT_EQ(sample.topAppSamples().size(), 40U);
@@ -175,10 +168,9 @@ TEST_F(LatestSampleTest, KeepsEveryHigherCountWhenTheLowestKeptIsShared) {
     }
 }
 
-TEST_F(LatestSampleTest, TellsItsObserversOnceForAWholeSample) {
-    LatestSample sample = makeSample();
+TEST_F(LatestSampleTest, NotifiesObserversOncePerSample) {
     int told = 0;
-    const Subscription subscription = observable.subscribe([&told] { ++told; });
+    const Subscription subscription = sample.observable().subscribe([&told] { ++told; });
     sample.setLatestProcesses({{7, 0, 0, 0, "app", "app"}}, {0});
     sample.setSnapshot(ledBy("Arc"));
     sample.appendHistoryPoint();
@@ -186,10 +178,49 @@ TEST_F(LatestSampleTest, TellsItsObserversOnceForAWholeSample) {
     sample.setSessionInsights({});
     sample.setRecommendations({});
     EXPECT_EQ(told, 0);
-    queue.drain();
+    with.mainQueue.drain();
     EXPECT_EQ(told, 1);
     ASSERT_EQ(sample.latestProcesses().size(), 1U);
     EXPECT_EQ(sample.latestProcesses()[0].pid, 7);
+}
+
+TEST_F(LatestSampleTest, RegroupsTheLatestProcessesUnderAnotherNeverQuitList) {
+    int told = 0;
+    const Subscription subscription = sample.observable().subscribe([&told] { ++told; });
+    const ProtectionPolicy policy{.ownPID = 4242};
+    sample.setLatestProcesses({{7, 50, 0, 500, "/opt/Arc", "/opt/Arc"}}, {0});
+    sample.regroup({"Arc"}, policy);
+    with.mainQueue.drain();
+    EXPECT_EQ(sample.snapshot(), std::nullopt);
+    EXPECT_EQ(told, 0);
+
+    sample.setSnapshot(ledBy("Docker"));
+    with.mainQueue.drain();
+    for (const ProtectedAppNames& neverQuit : {ProtectedAppNames{"Arc"}, ProtectedAppNames{}}) {
+        told = 0;
+        sample.regroup(neverQuit, policy);
+        with.mainQueue.drain();
+        EXPECT_EQ(told, 1);
+        EXPECT_EQ(sample.snapshot()->appImpacts,
+                  listedAppImpacts(sample.latestProcesses(), neverQuit, policy));
+        ASSERT_EQ(sample.snapshot()->appImpacts.size(), 1U);
+        EXPECT_EQ(sample.snapshot()->appImpacts.front().protectedCount, neverQuit.empty() ? 0 : 1);
+    }
+}
+
+TEST_F(LatestSampleTest, TellsWhichPartOfTheHistoryIsOfThisRun) {
+    std::vector<HistoryPoint> old(100, {UUID::random(), Date{1}, 1, 2});
+    with.settings.save(stored::history, old);
+    LatestSample next(with.settings, with.mainQueue);
+    EXPECT_THAT(next.historyOfThisRun(), IsEmpty());
+    for (std::size_t count = 1; count <= LatestSample::maximumHistory + 1; ++count) {
+        next.setSnapshot(snapshotAt(static_cast<double>(count)));
+        next.appendHistoryPoint();
+        const auto points = next.historyOfThisRun();
+        ASSERT_EQ(points.size(), std::min(count, LatestSample::maximumHistory));
+        EXPECT_EQ(points.back(), next.history().back());
+    }
+    EXPECT_EQ(next.historyOfThisRun().front().date, Date{2});
 }
 
 }  // namespace

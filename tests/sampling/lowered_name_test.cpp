@@ -33,7 +33,7 @@ TEST(LoweredName, IsSearchedInLowerCase) {
     }
 }
 
-TEST(LoweredName, NeedlesMayHoldMoreThanLetters) {
+TEST(LoweredName, NeedlesMayContainMoreThanLetters) {
     LoweredName lowered;
     lowered.assign("Google Chrome Helper (GPU)");
     EXPECT_TRUE(lowered.contains(NameNeedle("google chrome")));
@@ -43,7 +43,7 @@ TEST(LoweredName, NeedlesMayHoldMoreThanLetters) {
     EXPECT_FALSE(lowered.contains(NameNeedle("-")));
 }
 
-TEST(LoweredName, NothingOfTheLastNameStays) {
+TEST(LoweredName, AssigningReplacesThePreviousName) {
     LoweredName lowered;
     lowered.assign("docker-containerd");
     lowered.assign("arc");

@@ -1,6 +1,7 @@
 #include "sampling/metric_runner.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,37 +41,25 @@ TEST_F(MetricRunnerTest, LaunchesNothingOutsideTheList) {
     EXPECT_TRUE(launcher.requests.empty());
 }
 
-TEST_F(MetricRunnerTest, AFailedLaunchIsTheEmptyText) {
-    launcher.result.launchError = "No such file or directory";
-    launcher.result.output = "not from a tool";
-
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "");
-}
-
-TEST_F(MetricRunnerTest, WhatAnOverrunningToolWroteIsUsed) {
-    launcher.willWrite("first half");
-    launcher.result.terminationStatus.reset();
-    launcher.result.deadlinePassed = true;
-
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "first half");
-}
-
-TEST_F(MetricRunnerTest, TheExitStatusIsNotLookedAt) {
-    launcher.willWrite("said before failing");
-    launcher.result.terminationStatus = 1;
-
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "said before failing");
-}
-
-TEST_F(MetricRunnerTest, OutputThatIsNotUTF8IsDroppedWhole) {
-    launcher.willWrite("good line\nbad \xFF line\n");
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "");
-
-    launcher.willWrite("cut in the middle of \xE2\x82");
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "");
-
-    launcher.willWrite("/Applications/Caf\xC3\xA9");
-    EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), "/Applications/Caf\xC3\xA9");
+TEST_F(MetricRunnerTest, GivesTheOutputUnlessTheLaunchFailedOrItIsInvalid) {
+    struct Case {
+        ToolResult result;
+        std::string output;
+    };
+    const std::optional<int> noStatus;
+    const Case cases[] = {
+        {{false, "No such file", "failed launch", noStatus, false}, ""},
+        {{true, "", "first half before the deadline", noStatus, true},
+         "first half before the deadline"},
+        {{true, "", "written before failing", 1, false}, "written before failing"},
+        {{true, "", "good line\nbad \xFF line\n", 0, false}, ""},
+        {{true, "", "truncated \xE2\x82", 0, false}, ""},
+        {{true, "", "/Applications/Caf\xC3\xA9", 0, false}, "/Applications/Caf\xC3\xA9"},
+    };
+    for (const Case& c : cases) {
+        launcher.result = c.result;
+        EXPECT_EQ(runner.runMetricTool("/bin/ps", {}), c.output) << c.result.output;
+    }
 }
 
 }  // namespace

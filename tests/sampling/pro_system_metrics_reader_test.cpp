@@ -23,7 +23,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-/// Answers each tool with its own text; a tool without one fails to launch.
+/// Gives each tool its own output; a tool without one fails to launch.
 class ScriptedLauncher final : public ToolLauncher {
 public:
     ToolResult launch(const ToolRequest& request) override {
@@ -66,7 +66,7 @@ TEST_F(ProSystemMetricsReaderTest, ReadsTheProcessTable) {
                 ElementsAre("-axo", "pid=,pcpu=,pmem=,rss=,comm="));
 }
 
-TEST_F(ProSystemMetricsReaderTest, RowsHaveTheStartTimesThatWereReadBefore) {
+TEST_F(ProSystemMetricsReaderTest, RowsGetTheStartTimesReadBeforeThem) {
     launcher.outputs["/bin/ps"] =
         "  7 0.0 0.0 16 /bin/seven\n  8 0.0 0.0 16 /bin/eight\n  9 0.0 0.0 16 /bin/nine\n";
     int readings = 0;
@@ -123,13 +123,13 @@ TEST_F(ProSystemMetricsReaderTest, ReadsTheDiskWithoutATool) {
     EXPECT_THAT(launcher.launched, IsEmpty());
 }
 
-TEST_F(ProSystemMetricsReaderTest, ToolsThatFailLeaveEmptyFigures) {
+TEST_F(ProSystemMetricsReaderTest, FailingToolsGiveEmptyFigures) {
     EXPECT_THAT(reader.readProcesses(), IsEmpty());
     EXPECT_EQ(reader.readMemory(), MemorySnapshot{});
     EXPECT_EQ(reader.readPressureText(), "Memory pressure unavailable");
 }
 
-TEST_F(ProSystemMetricsReaderTest, OutputThatIsNotTextCountsAsNone) {
+TEST_F(ProSystemMetricsReaderTest, InvalidUTF8CountsAsNoOutput) {
     launcher.outputs["/bin/ps"] = "1 0.0 0.0 0 good\n2 0.0 0.0 0 \xff\n";
 
     EXPECT_THAT(reader.readProcesses(), IsEmpty());

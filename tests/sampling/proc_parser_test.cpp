@@ -20,7 +20,7 @@ std::string statText(const std::string& name) {
     return "812 (" + name + ')' + fieldsAfterName;
 }
 
-TEST(ProcessStatTest, TakesTheFieldsByTheirPlace) {
+TEST(ProcessStatTest, TakesTheFieldsByPosition) {
     const std::string text = statText("web content");
     const auto stat = parseProcessStat(text);
 
@@ -38,7 +38,7 @@ TEST(ProcessStatTest, TakesTheFieldsByTheirPlace) {
     EXPECT_FALSE(stat->hasEnded());
 }
 
-TEST(ProcessStatTest, NameMayHoldAnything) {
+TEST(ProcessStatTest, NameMayContainAnything) {
     for (const std::string name :
          {"", " ", "(", ")", "we ird) (x", "a) R 1 2 3 4 (b", ")))(((", "two\nlines", "\xff\xfe",
           ") S 1 812 813 0 -1 4194560 82213 911 12 3 1 1 1 1 20 0 31 0 1 1 1 1 1 1 1 "}) {
@@ -50,7 +50,7 @@ TEST(ProcessStatTest, NameMayHoldAnything) {
     }
 }
 
-TEST(ProcessStatTest, TextCutAnywhereBeforeTheLastNeededFieldIsRefused) {
+TEST(ProcessStatTest, RejectsTextTruncatedBeforeTheLastUsedField) {
     const std::string text = statText("web) (content");
     const std::string lastNeeded = "140720000000000";
     const std::size_t enough = text.find(lastNeeded) + lastNeeded.size() + 1;
@@ -62,7 +62,7 @@ TEST(ProcessStatTest, TextCutAnywhereBeforeTheLastNeededFieldIsRefused) {
     }
 }
 
-TEST(ProcessStatTest, MalformedTextIsRefused) {
+TEST(ProcessStatTest, RejectsMalformedText) {
     const auto withField = [](const std::string& from, const std::string& to) {
         std::string text = statText("x");
         return text.replace(text.find(from), from.size(), to);
@@ -87,7 +87,7 @@ TEST(ProcessStatTest, LargestCountersFit) {
     EXPECT_EQ(stat->userTicks, std::numeric_limits<std::uint64_t>::max());
 }
 
-TEST(ProcessStatTest, TellsKernelThreadsAndEndedProcesses) {
+TEST(ProcessStatTest, RecognisesKernelThreadsAndEndedProcesses) {
     std::string thread = statText("kworker/0:1-events");
     thread.replace(thread.find("4194560"), 7, "69238880");
     EXPECT_TRUE(parseProcessStat(thread)->isKernelThread());
@@ -124,7 +124,7 @@ TEST(NewestProcessIDTest, IsTheLastFieldOfTheLoad) {
     }
 }
 
-TEST(SoleProcessIDTest, IsTheOneNumberOfAProcessThatHasNoOther) {
+TEST(SoleProcessIDTest, IsTheIdOfAProcessWithASingleOne) {
     const std::string before = "Name:\tshell\nPid:\t77\nNStgid:\t812\n";
     const NumberCase cases[] = {
         {before + "NSpid:\t812\nNSpgid:\t5\n", 812},
@@ -211,7 +211,7 @@ TEST(MemoryInfoTest, FreeIsWhatIsAvailableAndPressureIsTheRest) {
     EXPECT_DOUBLE_EQ(memory.pressure, 7000000.0 / 16000000.0 * 100.0);
 }
 
-TEST(MemoryInfoTest, AnOldKernelIsTakenToGiveUpAllCaches) {
+TEST(MemoryInfoTest, AnOldKernelCountsAllCachesAsAvailable) {
     std::string text = memoryInfo;
     const std::size_t at = text.find("MemAvailable");
     text.erase(at, text.find('\n', at) + 1 - at);
@@ -257,7 +257,7 @@ TEST(MemoryInfoTest, UnknownTotalCapsThePressureAsSoonAsAPageIsWired) {
     EXPECT_EQ(memory.pressure, 100.0);
 }
 
-TEST(ZramTest, TakesTheMemoryUsed) {
+TEST(ZramTest, ReadsTheMemoryUsed) {
     EXPECT_EQ(parseZramUsedBytes(" 8192  2048 12288 0 12288 0 0 0 0\n"), 12288U);
     EXPECT_EQ(parseZramUsedBytes("8192 2048 12288\n"), 12288U);
     for (const char* text : {"", "\n", "8192 2048\n", "8192 2048 12288", "8192 2048 x 0\n"}) {

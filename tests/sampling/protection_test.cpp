@@ -24,7 +24,7 @@ constexpr const char* builtIn[] = {
     "SystemUIServer", "ControlCenter", "Dock",          "cfprefsd",    "distnoted",
     "notifyd",        "powerd",        "runningboardd", "Tallowcrest"};
 
-TEST(IsProtected, TheFourteenBuiltInNamesHoldOnEveryPlatform) {
+TEST(IsProtected, TheFourteenBuiltInNamesApplyOnEveryPlatform) {
     static_assert(std::size(builtIn) == 14);
     for (const std::string name : builtIn) {
         EXPECT_TRUE(isBuiltInProtectedName(name)) << name;
@@ -35,7 +35,7 @@ TEST(IsProtected, TheFourteenBuiltInNamesHoldOnEveryPlatform) {
     }
 }
 
-TEST(IsProtected, BuiltInNamesAreWholeAndCaseSensitive) {
+TEST(IsProtected, BuiltInNamesAreComparedExactly) {
     for (const char* name : {"dock", "DOCK", "Dock ", " Dock", "Docker", "finder", "Finder2",
                              "tallow", "", "powerd.d", "/Dock/other", "Dock/other"}) {
         EXPECT_FALSE(isBuiltInProtectedName(name)) << name;
@@ -49,7 +49,7 @@ TEST(IsProtected, ThisProcessIsProtectedUnderAnyName) {
     EXPECT_FALSE(isProtected(process(ownPID + 1, "/tmp/some-other-name"), everywhere));
 }
 
-TEST(IsProtected, ThePlacesOfTheSystem) {
+TEST(IsProtected, ProgramsInSystemFolders) {
     EXPECT_TRUE(isProtected(process(7, "/System/Library/anything"), everywhere));
     EXPECT_TRUE(isProtected(process(7, "/usr/libexec/gvfsd"), everywhere));
     for (const char* command :
@@ -59,7 +59,7 @@ TEST(IsProtected, ThePlacesOfTheSystem) {
     }
 }
 
-TEST(IsProtectedOnLinux, TheFirstProcessWhateverItRuns) {
+TEST(IsProtectedOnLinux, TheFirstProcessWithAnyProgram) {
     EXPECT_TRUE(isProtectedOnLinux(process(1, "/bin/busybox")));
     EXPECT_TRUE(isProtected(process(1, "/bin/busybox"), onLinux));
     EXPECT_FALSE(isProtected(process(1, "/bin/busybox"), everywhere));
@@ -78,7 +78,7 @@ TEST(IsProtectedOnLinux, KernelThreads) {
 
 class LinuxSystemCommand : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(LinuxSystemCommand, IsProtectedOnLinuxAlone) {
+TEST_P(LinuxSystemCommand, IsProtectedOnLinuxOnly) {
     const ProcessSample row = process(900, GetParam());
     EXPECT_TRUE(isProtectedOnLinux(row));
     EXPECT_TRUE(isProtected(row, onLinux));

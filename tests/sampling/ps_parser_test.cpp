@@ -23,7 +23,7 @@ std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
     return result;
 }
 
-TEST(PSParserTest, FillsEveryFieldInTheOrderOfTheTable) {
+TEST(PSParserTest, FillsEveryFieldInTableOrder) {
     const auto rows = parseProcessRows(readFixture("ps/plain.txt"));
 
     ASSERT_THAT(pids(rows), ElementsAre(1, 318, 402, 611, 9107));
@@ -45,17 +45,17 @@ TEST(PSParserTest, KeepsAllBlanksOfACommand) {
     EXPECT_EQ(rows[1].arguments, rows[1].command);
 }
 
-TEST(PSParserTest, LeavesOutBadRowsAndKeepsTheRest) {
+TEST(PSParserTest, SkipsBadRowsAndKeepsTheRest) {
     const auto rows = parseProcessRows(readFixture("ps/bad_rows_between_good_ones.txt"));
 
     EXPECT_THAT(pids(rows), ElementsAre(10, 18));
 }
 
-TEST(PSParserTest, LeavesOutARowThatTheDeadlineCut) {
+TEST(PSParserTest, SkipsARowThatTheDeadlineTruncated) {
     EXPECT_THAT(pids(parseProcessRows(readFixture("ps/cut_at_the_deadline.txt"))), ElementsAre(20));
 }
 
-TEST(PSParserTest, KeepsTextBeyondASCII) {
+TEST(PSParserTest, KeepsNonASCIIText) {
     const auto rows = parseProcessRows(readFixture("ps/not_ascii.txt"));
 
     ASSERT_EQ(rows.size(), 2U);
@@ -63,7 +63,7 @@ TEST(PSParserTest, KeepsTextBeyondASCII) {
     EXPECT_EQ(rows[1].displayName(), "計算機");
 }
 
-TEST(PSParserTest, GivesNoRowsForNoText) {
+TEST(PSParserTest, GivesNoRowsForEmptyText) {
     for (const char* text : {"", "\n", "\n\n\n", "     ", "   \n   "}) {
         EXPECT_THAT(parseProcessRows(text), IsEmpty()) << text;
     }
@@ -76,7 +76,7 @@ struct RowCase {
 
 class PSRowTest : public testing::TestWithParam<RowCase> {};
 
-TEST_P(PSRowTest, IsKeptOrLeftOut) {
+TEST_P(PSRowTest, IsKeptOrSkipped) {
     const std::string text = "1 0.0 0.0 0 before\n" + GetParam().line + "\n3 0.0 0.0 0 after\n";
     const auto rows = parseProcessRows(text);
 
@@ -107,14 +107,14 @@ INSTANTIATE_TEST_SUITE_P(Columns, PSRowTest,
                                          RowCase{"      2     1   2   3   x", true},
                                          RowCase{"2 1 2 3 4 5 6 7", true}));
 
-TEST(PSParserTest, DropsTheBlanksBeforeTheCommandAndKeepsThoseAfterIt) {
+TEST(PSParserTest, RemovesBlanksBeforeTheCommandAndKeepsThoseAfterIt) {
     const auto rows = parseProcessRows("  2   1.0   2.0   3    a  b  \n");
 
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].command, "a  b  ");
 }
 
-TEST(PSParserTest, HoldsImpossibleFiguresWithinBounds) {
+TEST(PSParserTest, LimitsImpossibleFigures) {
     const auto rows = parseProcessRows(
         "2 1e308 1e308 1e308 x\n"
         "3 -1e308 -5 -1024 x\n"

@@ -30,7 +30,7 @@ std::vector<int> shuffled(std::size_t count, unsigned seed, int modulus) {
     return numbers;
 }
 
-TEST(StableOrder, SortsEveryLengthLikeAnyOtherSort) {
+TEST(StableOrder, SortsEveryLengthLikeTheStandardSort) {
     for (std::size_t count = 0; count < 130; ++count) {
         std::vector<int> numbers = shuffled(count, static_cast<unsigned>(count), 50);
         std::vector<int> expected = numbers;
@@ -40,7 +40,7 @@ TEST(StableOrder, SortsEveryLengthLikeAnyOtherSort) {
     }
 }
 
-TEST(StableOrder, KeepsTheGivenOrderOfEquals) {
+TEST(StableOrder, KeepsTheOrderOfEqualItems) {
     using Item = std::pair<int, int>;
     std::vector<Item> items;
     const std::vector<int> keys = shuffled(1000, 7, 10);
@@ -54,13 +54,13 @@ TEST(StableOrder, KeepsTheGivenOrderOfEquals) {
     EXPECT_EQ(items, expected);
 }
 
-TEST(StableOrder, LeavesAllInPlaceWhenNothingComesBeforeAnything) {
+TEST(StableOrder, KeepsTheOrderWhenNoItemComesBeforeAnother) {
     std::vector<int> numbers = numbersTo(77);
     stableOrder(numbers, [](int, int) { return false; });
     EXPECT_EQ(numbers, numbersTo(77));
 }
 
-TEST(StableOrder, LosesNothingWhateverTheRelationAnswers) {
+TEST(StableOrder, KeepsAllItemsUnderAnyRelation) {
     std::mt19937 generator(11);
     const auto random = [&generator](int, int) { return generator() % 2 == 0; };
     const auto always = [](int, int) { return true; };
@@ -77,7 +77,7 @@ TEST(StableOrder, LosesNothingWhateverTheRelationAnswers) {
     }
 }
 
-TEST(StableOrder, ToleratesFiguresThatAreNotNumbers) {
+TEST(StableOrder, ToleratesNaN) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     std::vector<double> figures{3, nan, 1, infinity, nan, 2, -infinity};
@@ -90,7 +90,7 @@ TEST(StableOrder, ToleratesFiguresThatAreNotNumbers) {
     }
 }
 
-TEST(StableOrder, AsksNoMoreThanAMergeSortDoes) {
+TEST(StableOrder, ComparesNoMoreOftenThanAMergeSort) {
     constexpr std::size_t count = 10000;
     std::size_t asked = 0;
     std::vector<int> numbers = shuffled(count, 3, 1000);

@@ -11,7 +11,7 @@
 namespace tallowcrest {
 namespace {
 
-/// Gives the readings in their order, and the last one again and again.
+/// Gives the readings in order, then repeats the last one.
 class FakeTickSource final : public CPUTickSource {
 public:
     explicit FakeTickSource(std::deque<std::optional<CPUTicks>> readings)
@@ -29,7 +29,7 @@ private:
     std::deque<std::optional<CPUTicks>> readings_;
 };
 
-TEST(BusyPercentTest, IsTheShareOfWhatWasNotIdle) {
+TEST(BusyPercentTest, IsTheShareOfBusyTicks) {
     const CPUTicks before{100, 200, 300, 400};
     const struct {
         CPUTicks after;
@@ -46,7 +46,7 @@ TEST(BusyPercentTest, IsTheShareOfWhatWasNotIdle) {
     }
 }
 
-TEST(BusyPercentTest, HoldsTheLargestCounters) {
+TEST(BusyPercentTest, HandlesTheLargestCounters) {
     constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
     EXPECT_DOUBLE_EQ(*busyPercent({}, {largest, largest, largest, largest}), 75.0);
 }
@@ -77,7 +77,7 @@ TEST(SystemCPULoadReaderTest, AFailedReadKeepsThePreviousCounters) {
     EXPECT_EQ(reader.readCPUPercent(), 40.0);
 }
 
-TEST(SystemCPULoadReaderTest, ACounterThatRanBackwardsStoodStill) {
+TEST(SystemCPULoadReaderTest, ADecreasedCounterCountsAsUnchanged) {
     FakeTickSource source(
         {CPUTicks{4294967290, 0, 0, 0}, CPUTicks{5, 50, 50, 0}, CPUTicks{15, 50, 60, 0}});
     SystemCPULoadReader reader(source);
@@ -86,14 +86,14 @@ TEST(SystemCPULoadReaderTest, ACounterThatRanBackwardsStoodStill) {
     EXPECT_EQ(reader.readCPUPercent(), 50.0);
 }
 
-TEST(SystemCPULoadReaderTest, NoTickInBetweenGivesNothingRatherThanZero) {
+TEST(SystemCPULoadReaderTest, NoTickInBetweenGivesNothing) {
     FakeTickSource source({CPUTicks{10, 10, 10, 10}});
     SystemCPULoadReader reader(source);
 
     EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
 }
 
-/// Counts on by itself, from any thread: a quarter of the time is busy.
+/// Advances with each reading, from any thread; a quarter of the time is busy.
 class RunningTickSource final : public CPUTickSource {
 public:
     std::optional<CPUTicks> readTicks() override {
@@ -133,7 +133,7 @@ TEST(SystemCPULoadReaderTest, OverlappingCallsKeepTheFourCountersTogether) {
             EXPECT_DOUBLE_EQ(load, 25.0);
         }
     }
-    // A call that was overtaken on its way to the lock sees counters that ran backwards.
+    // A call that another one overtook before the lock sees decreased counters.
     EXPECT_GT(count, 0U);
 }
 

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "sampling/pressure_text.h"
+#include "sampling/memory.h"
 #include "tests/support/fixture.h"
 
 namespace tallowcrest {
@@ -45,7 +45,7 @@ TEST(VMStatParserTest, FallsBackTo4096WithoutTheHeader) {
               memorySnapshot(sixteenGigabytes, readFixture("vm_stat/page_size_4096.txt")));
 }
 
-TEST(VMStatParserTest, UsesWhatWasWrittenBeforeTheDeadline) {
+TEST(VMStatParserTest, UsesTheOutputBeforeTheDeadline) {
     const auto memory =
         memorySnapshot(sixteenGigabytes, readFixture("vm_stat/cut_at_the_deadline.txt"));
 
@@ -104,7 +104,7 @@ TEST(VMStatParserTest, TrimsThePhysicalMemory) {
     EXPECT_DOUBLE_EQ(memorySnapshot(" \t1073741824\r\n\n", "").totalGB, 1.0);
 }
 
-TEST(VMStatParserTest, MoreFreeThanThereIsGivesNothingUsed) {
+TEST(VMStatParserTest, MoreFreeThanPhysicalMemoryGivesNothingUsed) {
     const auto memory = memorySnapshot("1073741824", "Pages free: 300000.\n");
 
     EXPECT_GT(memory.freeGB, memory.totalGB);
@@ -122,7 +122,7 @@ TEST(VMStatParserTest, CapsThePressure) {
     EXPECT_EQ(memorySnapshot("8192", "Pages active: 2.\nPages wired down: 1.\n").pressure, 100.0);
 }
 
-TEST(VMStatParserTest, NoTextGivesZeros) {
+TEST(VMStatParserTest, EmptyTextGivesZeros) {
     EXPECT_EQ(memorySnapshot("", ""), MemorySnapshot{});
 }
 
@@ -137,7 +137,7 @@ TEST(VMStatParserTest, TheLargestCountsStayFinite) {
     EXPECT_EQ(memory.pressure, 100.0);
 }
 
-TEST(PressureTextTest, IsTrimmedAndElseVerbatim) {
+TEST(PressureTextTest, IsTrimmedAndOtherwiseVerbatim) {
     EXPECT_EQ(pressureText(readFixture("memory_pressure/surrounded_by_blank_lines.txt")),
               "The system has 17179869184 (1048576 pages with a page size of 16384).\n"
               "System-wide memory free percentage: 61%");
@@ -146,7 +146,7 @@ TEST(PressureTextTest, IsTrimmedAndElseVerbatim) {
               "full avg10=0.00 avg60=0.00 avg300=0.00 total=90211");
 }
 
-TEST(PressureTextTest, SaysThatThereIsNone) {
+TEST(PressureTextTest, SaysWhenThereIsNone) {
     EXPECT_EQ(pressureText(""), "Memory pressure unavailable");
     EXPECT_EQ(pressureText(readFixture("memory_pressure/blanks_only.txt")),
               "Memory pressure unavailable");

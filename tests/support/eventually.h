@@ -6,10 +6,10 @@
 
 namespace tallowcrest {
 
-/// Asks again and again until `isSo`; false when it is not so before a generous limit.
-inline bool eventually(const std::function<bool()>& isSo) {
+/// Polls until `condition` is true. False when it is not true within a minute.
+inline bool eventually(const std::function<bool()>& condition) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!isSo()) {
+    while (!condition()) {
         if (std::chrono::steady_clock::now() > limit) {
             return false;
         }

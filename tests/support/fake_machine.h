@@ -2,14 +2,22 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "actions/actions.h"
+#include "core/activity_log.h"
+#include "core/jobs/jobs.h"
 #include "core/locale.h"
-#include "core/settings_store.h"
+#include "core/settings/settings_store.h"
+#include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
@@ -28,20 +36,40 @@ public:
 
     FakeMachine() { ticks->ticks.reset(); }
 
-    /// Built at the first call, with what `extensions` and `store` hold by then.
+    /// Built at the first call, with what the fields below hold by then.
     SystemMonitor& monitor() {
         if (monitor_ == nullptr) {
             monitor_ = std::make_unique<SystemMonitor>(
-                MonitorPorts{mainQueue, workQueue, clock, store, metrics, ticks,
-                             std::make_shared<PlainLocale>(), actions.ports(), reportFolder,
-                             atGreenwich, &notifications},
+                MonitorPorts{.jobs = jobs,
+                             .clock = clock,
+                             .settingsStore = store,
+                             .metrics = metrics,
+                             .ticks = ticks,
+                             .locale = locale,
+                             .actions = {actions.ports(), openActivityMonitor, storeOnPasteboard},
+                             .reportFolder = reportFolder,
+                             .utcOffset = atGreenwich,
+                             .notifications = &notifications,
+                             .openRoute = openRoute,
+                             .remoteScan = remoteScan},
                 HostFacts{.cpuCount = 4,
                           .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                           .loginName = "owner",
-                          .processArguments = {"tallowcrest", "--ui-testing"},
-                          .startupProblems = {},
-                          .places = {.caches = "~/.cache"}},
-                extensions);
+                          .startupProblems = startupProblems,
+                          .places = {.caches = "~/.cache"},
+                          .findings = findings,
+                          .onlyLooks = onlyLooks});
+            monitor_->setSampleApplied([this] {
+                if (recommendations) {
+                    monitor_->sample().setRecommendations(*recommendations);
+                }
+                if (sessionInsights) {
+                    monitor_->sample().setSessionInsights(*sessionInsights);
+                }
+                if (sampleApplied) {
+                    sampleApplied();
+                }
+            });
         }
         return *monitor_;
     }
@@ -84,10 +112,23 @@ public:
     MemorySettingsStore store;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    std::shared_ptr<const Locale> locale = std::make_shared<PlainLocale>();
     FakeLocalActions actions;
     FakeNotificationCenter notifications;
     std::shared_ptr<FakeReportFolder> reportFolder = std::make_shared<FakeReportFolder>();
-    MonitorExtensions extensions;
+    Jobs jobs{mainQueue, workQueue};
+    StartupFindings findings{.processArguments = {"tallowcrest", "--ui-testing"}};
+    std::vector<std::string> startupProblems;
+    bool onlyLooks = false;
+    std::function<bool()> openActivityMonitor;
+    std::function<void(const std::string& text)> storeOnPasteboard;
+    std::function<void(AppRoute)> openRoute;
+    AutoScan* remoteScan = nullptr;
+    /// With a value, what each sample has instead of what follows from its figures.
+    std::optional<std::vector<Recommendation>> recommendations;
+    std::optional<std::vector<SessionInsight>> sessionInsights;
+    /// Called after each sample.
+    std::function<void()> sampleApplied;
 
 private:
     std::unique_ptr<SystemMonitor> monitor_;

@@ -9,7 +9,7 @@
 
 namespace tallowcrest {
 
-/// Shows nothing: keeps what it was told, and lets a test press the buttons.
+/// Shows nothing; records the calls and lets a test press the buttons.
 class FakeNotificationCenter final : public NotificationCenter {
 public:
     void setCategories(std::vector<NotificationCategory> wanted) override {

@@ -11,7 +11,7 @@
 
 namespace tallowcrest {
 
-/// Answers every reading with what a test set, and writes the name of the call to `calls`.
+/// Returns the values that a test set, and appends the name of each call to `calls`.
 class FakeMetricsReader final : public SystemMetricsReader {
 public:
     std::vector<ProcessSample> readProcesses() override {
@@ -45,7 +45,7 @@ private:
     }
 };
 
-/// Tick counters that stand until a test moves them.
+/// Tick counters that change only when a test changes them.
 class FakeTickSource final : public CPUTickSource {
 public:
     std::optional<CPUTicks> readTicks() override {
@@ -55,7 +55,7 @@ public:
         return ticks;
     }
 
-    /// Lets 100 ticks pass, of which `busy` were.
+    /// Lets 100 ticks pass, `busy` of them busy.
     void pass(std::uint64_t busy) {
         ticks->user += busy;
         ticks->idle += 100 - busy;

@@ -10,7 +10,7 @@
 
 namespace tallowcrest {
 
-/// Keeps by name what is written to it, or answers with the problem that a test set.
+/// Keeps written texts by file name, or fails with the problem that a test set.
 class FakeReportFolder final : public ReportFolder {
 public:
     std::filesystem::path place() const override { return "/reports"; }

@@ -7,7 +7,7 @@
 
 namespace tallowcrest {
 
-/// Launches nothing: keeps the requests and answers each with `result`.
+/// Launches nothing; records the requests and returns `result` for each.
 class FakeToolLauncher final : public ToolLauncher {
 public:
     ToolResult launch(const ToolRequest& request) override {

@@ -8,7 +8,7 @@
 
 namespace tallowcrest {
 
-/// The bytes of a recorded text, named by its path below tests/fixtures.
+/// The bytes of a file below tests/fixtures.
 inline std::string readFixture(const std::string& name) {
     const std::string path = std::string(TALLOWCREST_SOURCE_DIR) + "/tests/fixtures/" + name;
     if (!std::filesystem::exists(path)) {

@@ -67,7 +67,7 @@ std::optional<ProcessSample> parseProcess(std::string_view rest) {
     return process;
 }
 
-/// Between 0 and 1, with a period of so many samples; a shape, and no chance in it.
+/// A deterministic wave between 0 and 1 with the given period in samples.
 double wave(std::size_t index, double period) {
     constexpr double turn = 6.283185307179586;
     return 0.5 - 0.5 * std::cos(turn * static_cast<double>(index) / period);
@@ -139,7 +139,7 @@ LoadTrace syntheticDay() {
         TracedSample sample{4.0 * static_cast<double>(index), 8.0, 35.0, 120.0, {}};
         double indexer = 2.0;
         if (hour < 7) {
-            // A single sample, once an hour.
+            // One sample per hour.
             indexer = inHour == 450 ? 380.0 : 2.0;
         } else if (hour < 12) {
             indexer = 300.0 + 80.0 * wave(index, 50.0);

@@ -9,9 +9,9 @@
 
 namespace tallowcrest {
 
-/// One sample of a recorded or made-up machine.
+/// One sample of a recorded or invented machine.
 struct TracedSample {
-    double seconds = 0.0;  ///< since the trace began; never less than the sample before
+    double seconds = 0.0;  ///< since the start of the trace; never decreases
     double cpuPercent = 0.0;
     double pressure = 0.0;    ///< memory pressure, percent
     double diskFreeGB = 0.0;  ///< of the home volume
@@ -27,18 +27,18 @@ struct TraceError {
     std::string problem;
 };
 
-/// Reads a trace: lines of blank-separated fields, empty ones and those that begin with '#' left
-/// out. "sample SECONDS CPU PRESSURE DISK_FREE_GB" begins a sample; each "process PID CPU RSS_MB
-/// COMMAND" after it is one of its processes, the command being the rest of the line. The first
-/// line that makes no sense is the error.
+/// Reads a trace: lines of blank-separated fields, except for empty lines and comments, which start
+/// with '#'. "sample SECONDS CPU PRESSURE DISK_FREE_GB" starts a sample; each "process PID CPU
+/// RSS_MB COMMAND" after it is one of its processes, whose command is the rest of the line. The
+/// first invalid line is the error.
 std::variant<LoadTrace, TraceError> parseLoadTrace(std::string_view text);
 
-/// The same form, which `parseLoadTrace` reads back without loss.
+/// The text from which `parseLoadTrace` reads the same trace.
 std::string formatLoadTrace(const LoadTrace& trace);
 
-/// A made-up day at one sample in four seconds: quiet hours, a busy morning whose peaks come and go
-/// around the threshold, an afternoon with memory that stays high, and a short spike in each hour
-/// of the night. The same at every call.
+/// An invented day with a sample every four seconds: quiet hours, a busy morning with peaks around
+/// the threshold, an afternoon with memory use that stays high, and a short spike in each hour of
+/// the night. Deterministic.
 LoadTrace syntheticDay();
 
 }  // namespace tallowcrest

@@ -9,7 +9,7 @@
 
 namespace tallowcrest {
 
-/// Names as they come, and as nobody would expect them.
+/// Ordinary and unusual names, invalid UTF-8 included.
 inline std::vector<std::string> oddTexts() {
     std::string every;
     for (int byte = 0; byte < 256; ++byte) {
@@ -56,7 +56,7 @@ inline std::vector<std::string> oddTexts() {
             std::string(5000, 'x') + "\xC3"};
 }
 
-/// That sorts may rely on the comparison.
+/// Checks that sorts can rely on the comparison.
 inline void expectStrictWeakOrdering(const Locale& locale) {
     const std::vector<std::string> texts = oddTexts();
     const auto before = [&locale](const std::string& a, const std::string& b) {

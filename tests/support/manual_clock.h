@@ -20,7 +20,7 @@ private:
     Date now_{800000000.0};
 };
 
-/// The `UTCOffset` of a clock that shows UTC.
+/// A `UTCOffset` of a local time zone that is UTC.
 inline std::int64_t atGreenwich(Date /*date*/) {
     return 0;
 }

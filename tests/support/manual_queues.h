@@ -6,14 +6,14 @@
 #include <utility>
 #include <vector>
 
-#include "core/queues.h"
+#include "core/jobs/queues.h"
 
 namespace tallowcrest {
 
 /// A main thread that turns only when a test turns it.
 class ManualMainQueue final : public MainQueue {
 public:
-    void post(std::function<void()> work) override { pending_.push_back(std::move(work)); }
+    void post(Task work) override { pending_.push_back(std::move(work)); }
 
     std::unique_ptr<RepeatingTimer> scheduleRepeating(std::chrono::milliseconds interval,
                                                       std::function<void()> work) override {
@@ -24,8 +24,8 @@ public:
 
     /// Runs what was queued before the call; what that work posts waits for the next turn.
     void turn() {
-        std::deque<std::function<void()>> batch = std::exchange(pending_, {});
-        for (const auto& work : batch) {
+        std::deque<Task> batch = std::exchange(pending_, {});
+        for (Task& work : batch) {
             work();
         }
     }
@@ -70,26 +70,27 @@ private:
         std::shared_ptr<Entry> entry;
     };
 
-    std::deque<std::function<void()>> pending_;
+    std::deque<Task> pending_;
     std::vector<std::weak_ptr<Entry>> timers_;
 };
 
 /// Background work that runs only when a test says so, in any order the test likes.
 class ManualWorkQueue final : public WorkQueue {
 public:
-    void post(std::function<void()> work) override { pending_.push_back(std::move(work)); }
+    void post(Lane lane, Task work) override { pending_.push_back({lane, std::move(work)}); }
 
     std::size_t pendingCount() const { return pending_.size(); }
+    Lane laneOf(std::size_t index) const { return pending_.at(index).first; }
 
     /// Runs the job at `index` of those waiting.
     void run(std::size_t index = 0) {
-        auto work = std::move(pending_.at(index));
+        Task work = std::move(pending_.at(index).second);
         pending_.erase(pending_.begin() + static_cast<std::ptrdiff_t>(index));
         work();
     }
 
 private:
-    std::deque<std::function<void()>> pending_;
+    std::deque<std::pair<Lane, Task>> pending_;
 };
 
 }  // namespace tallowcrest

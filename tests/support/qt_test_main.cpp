@@ -4,8 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Widgets need an application before the first of them is built. Without a word to the contrary
-// nothing appears on a screen, so the tests run anywhere and look the same everywhere.
+// Widgets need an application object. Unless the environment chooses another platform, the tests
+// run offscreen, which needs no display and looks the same everywhere.
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");

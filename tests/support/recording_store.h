@@ -5,11 +5,11 @@
 #include <string_view>
 #include <vector>
 
-#include "core/settings_store.h"
+#include "core/settings/settings_store.h"
 
 namespace tallowcrest {
 
-/// A store that remembers which keys were written, in order.
+/// A store in memory that records which keys were written, in order.
 class RecordingStore final : public SettingsStore {
 public:
     std::optional<SettingsValue> read(std::string_view key) const override {

@@ -4,29 +4,22 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <span>
 #include <vector>
 
+#include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"
 #include "tests/support/load_trace.h"
 
 namespace tallowcrest {
 
 /// Gives the machine what every trace takes for granted, and another one that can be scanned.
-/// Before its monitor is built, which counts the load from then on.
-inline void prepareForReplay(FakeMachine& machine) {
+/// Before its monitor is built, which counts the load from then on and uses `remote` until its end.
+inline void prepareForReplay(FakeMachine& machine, FakeAutoScan& remote) {
     machine.metrics->memory.totalGB = 16.0;
     machine.metrics->disk.totalGB = 256.0;
     machine.ticks->ticks = CPUTicks{};
-    machine.extensions.rules.tailDevices = [] {
-        static const std::vector<TailDevice> devices = [] {
-            TailDevice mac;
-            mac.os = "macOS";
-            mac.online = true;
-            return std::vector{mac};
-        }();
-        return std::span<const TailDevice>(devices);
-    };
+    remote.devices = {tailDevice("macOS", true)};
+    machine.remoteScan = &remote;
 }
 
 /// What comes new into the activity log of a machine's monitor, from one question to the next.

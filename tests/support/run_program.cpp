@@ -27,7 +27,7 @@ void require(bool condition, const char* what) {
     }
 }
 
-/// A pipe whose ends no child inherits unless they are handed to it.
+/// A pipe whose ends are not inherited by child processes.
 class Pipe {
 public:
     Pipe() { require(pipe2(ends_.data(), O_CLOEXEC) == 0, "no pipe"); }
@@ -102,7 +102,7 @@ pid_t spawn(const ProgramRun& run, const Pipe& output, const Pipe& errors) {
         posix_spawn_file_actions_adddup2(&actions, errors.writer(), STDERR_FILENO);
     }
 
-    // An ignored signal stays ignored in the child, a default one is made default again.
+    // An ignored signal stays ignored in the child; a handled one is reset to the default.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     struct sigaction before {};
@@ -133,7 +133,7 @@ pid_t spawn(const ProgramRun& run, const Pipe& output, const Pipe& errors) {
     return child;
 }
 
-/// Takes what there is. False at the end of the stream.
+/// Reads the available bytes. False at the end of the stream.
 bool drain(int descriptor, std::string& text) {
     std::array<char, 65536> buffer;
     const ssize_t count = read(descriptor, buffer.data(), buffer.size());
@@ -151,7 +151,7 @@ void collect(const ProgramRun& run, Pipe& output, Pipe& errors, Clock::time_poin
         if (left.count() <= 0) {
             return;
         }
-        // A descriptor of -1 is passed over.
+        // poll() ignores a descriptor of -1.
         std::array<pollfd, 2> ends{{{output.reader(), POLLIN, 0}, {errors.reader(), POLLIN, 0}}};
         poll(ends.data(), ends.size(), static_cast<int>(left.count()));
         if (ends[0].revents != 0) {
@@ -179,7 +179,7 @@ ProgramResult runProgram(const ProgramRun& run, int deadlineSeconds) {
 
     ProgramResult result;
     collect(run, output, errors, deadline, result);
-    // Both streams have ended, so the program is about to; else its time is over.
+    // Either both streams have ended and the program is about to exit, or the deadline has passed.
     if (Clock::now() >= deadline) {
         kill(child, SIGKILL);
     }

@@ -5,19 +5,19 @@
 
 namespace tallowcrest {
 
-/// How a test wants a program to be run.
+/// How to run a program.
 struct ProgramRun {
     std::string path;                         ///< absolute
     std::vector<std::string> arguments = {};  ///< without the program's own name
     /// Names of variables that the program must not inherit.
     std::vector<std::string> withoutVariables = {};
-    /// "NAME=value" for variables that it gets on top, replacing inherited ones.
+    /// "NAME=value" for additional variables, which replace inherited ones.
     std::vector<std::string> withVariables = {};
-    /// Where standard output goes; captured when empty.
+    /// The file for standard output; captured when empty.
     std::string standardOutputPath = {};
     bool closeStandardOutput = false;
     bool closeStandardError = false;
-    /// Closes the reading end after the first line of standard output has come.
+    /// Closes the reading end after the first line of standard output.
     bool readOneLineOnly = false;
     bool ignorePipeSignal = false;
 };
@@ -29,11 +29,11 @@ struct ProgramResult {
     std::string standardError;
 };
 
-/// Runs a program to its end. One that is still running after `deadlineSeconds` is killed, which
-/// the result then shows as its signal.
+/// Runs a program and waits for its end. After `deadlineSeconds` it is killed; the signal is then
+/// in the result.
 ProgramResult runProgram(const ProgramRun& run, int deadlineSeconds = 60);
 
-/// What a command of the shell prints.
+/// The standard output of a shell command.
 std::string shellOutput(const std::string& command);
 
 }  // namespace tallowcrest

@@ -12,7 +12,7 @@
 
 namespace tallowcrest {
 
-/// A folder for one test, gone with it.
+/// A folder for one test, removed by the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -31,7 +31,7 @@ public:
     }
 
     const std::filesystem::path& path() const { return path_; }
-    /// Of something in it, there or not.
+    /// The path of a file in it, which need not exist.
     std::string path(const std::string& name) const { return path_ / name; }
 
     /// Writes a file and returns its path.

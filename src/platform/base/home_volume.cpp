@@ -27,13 +27,13 @@ PosixHomeVolume::PosixHomeVolume(std::string homeDirectory)
 PosixHomeVolume::PosixHomeVolume(ReadVolume readVolume) : readVolume_(std::move(readVolume)) {}
 
 DiskSnapshot PosixHomeVolume::readDiskSnapshot() {
-    const std::unique_lock turn(reading_, std::try_to_lock);
-    if (!turn.owns_lock()) {
-        const std::lock_guard guard(lock_);
+    const std::unique_lock reading(readLock_, std::try_to_lock);
+    if (!reading.owns_lock()) {
+        const std::lock_guard guard(latestLock_);
         return latest_;
     }
     const DiskSnapshot volume = readVolume_();
-    const std::lock_guard guard(lock_);
+    const std::lock_guard guard(latestLock_);
     latest_ = volume;
     return volume;
 }

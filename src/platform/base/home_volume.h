@@ -8,11 +8,11 @@
 
 namespace tallowcrest {
 
-/// The plain free blocks that a user other than root may fill. A home on a network that has gone
-/// away can hold one caller for as long as that lasts; others meanwhile get the last figures.
+/// Free space is the blocks available to users other than root. While a home directory on an
+/// unreachable network blocks one caller, the others get the latest figures.
 class PosixHomeVolume final : public HomeVolume {
 public:
-    /// Reads the volume that holds the home directory; may block.
+    /// Reads the volume of the home directory; may block.
     using ReadVolume = std::function<DiskSnapshot()>;
 
     explicit PosixHomeVolume(std::string homeDirectory);
@@ -22,8 +22,8 @@ public:
 
 private:
     const ReadVolume readVolume_;
-    std::mutex reading_;
-    std::mutex lock_;
+    std::mutex readLock_;    ///< held by the one caller that reads
+    std::mutex latestLock_;  ///< guards `latest_`
     DiskSnapshot latest_;
 };
 

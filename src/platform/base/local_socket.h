@@ -7,25 +7,26 @@
 
 #include "platform/base/unique_fd.h"
 
-/// What stream sockets between processes of one machine need beyond POSIX. Any thread.
+/// Stream sockets between processes of one machine, where systems differ from POSIX. Any thread.
 namespace tallowcrest::local_socket {
 
-/// A socket that never blocks and that no child inherits. None with `errno` on failure.
+/// A non-blocking socket that children do not inherit. Invalid, with `errno` set, on failure.
 UniqueFD open();
 
-/// The next peer that waits at `listener`, as such a socket. None with `errno` when nobody does.
+/// Accepts the next waiting peer of `listener` as a socket like that of `open`. Invalid, with
+/// `errno` set, when no peer waits.
 UniqueFD accept(int listener);
 
-/// Sends as much as fits without waiting. A peer that is gone is an error and no signal. The number
-/// of bytes, or -1 with `errno`.
+/// Sends as much as fits without blocking. Returns the number of bytes, or -1 with `errno` set. A
+/// peer that has closed gives an error rather than a signal.
 ssize_t send(int socket, std::string_view text);
 
 struct Peer {
     uid_t user;
-    pid_t process;  ///< 0 when the system does not tell
+    pid_t process;  ///< 0 when unknown
 };
 
-/// Who is at the other end, by the word of the kernel. Absent when it gives none.
+/// The credentials of the peer, as the kernel reports them. Absent when it does not.
 std::optional<Peer> peerOf(int socket);
 
 }  // namespace tallowcrest::local_socket

@@ -8,7 +8,7 @@
 namespace tallowcrest::local_socket {
 namespace {
 
-UniqueFD prepared(UniqueFD socket) {
+UniqueFD configured(UniqueFD socket) {
     const int on = 1;
     if (socket.valid() &&
         (::fcntl(socket.get(), F_SETFD, FD_CLOEXEC) != 0 ||
@@ -22,11 +22,11 @@ UniqueFD prepared(UniqueFD socket) {
 }  // namespace
 
 UniqueFD open() {
-    return prepared(UniqueFD(::socket(AF_UNIX, SOCK_STREAM, 0)));
+    return configured(UniqueFD(::socket(AF_UNIX, SOCK_STREAM, 0)));
 }
 
 UniqueFD accept(int listener) {
-    return prepared(UniqueFD(::accept(listener, nullptr, nullptr)));
+    return configured(UniqueFD(::accept(listener, nullptr, nullptr)));
 }
 
 ssize_t send(int socket, std::string_view text) {

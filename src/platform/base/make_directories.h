@@ -4,10 +4,10 @@
 
 namespace tallowcrest {
 
-/// Makes the directory and those above it that are missing, for the user alone, whatever the
-/// process's mask. What is there stays as it is, even if it is no directory. 0, or the error number
-/// of the first that cannot be made: of what would lie below it the system only says that it is not
-/// there. Any thread.
+/// Creates the directory and its missing parents with access for the user only, whatever the umask.
+/// An existing file of any kind stays as it is. Returns 0, or the error number of the first
+/// directory that cannot be created, because the error of those below it would only be that it does
+/// not exist. Any thread.
 int makeDirectories(const std::string& path);
 
 }  // namespace tallowcrest

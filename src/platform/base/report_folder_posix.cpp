@@ -18,11 +18,11 @@ namespace {
 
 constexpr mode_t ownerOnly = 0600;
 
-std::string words(int error) {
+std::string errorText(int error) {
     return std::generic_category().message(error);
 }
 
-/// 0, or the error number.
+/// Returns 0 or the error number.
 int writeAll(int file, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(file, text.data(), text.size());
@@ -37,20 +37,20 @@ int writeAll(int file, std::string_view text) {
     return 0;
 }
 
-/// Gives the finished file its name without ever taking the place of another. 0, or the error
+/// Gives the finished file its name without ever replacing another file. Returns 0 or the error
 /// number.
-int giveName(int folder, const std::string& temporary, const std::string& name) {
+int publish(int folder, const std::string& temporary, const std::string& name) {
     if (::linkat(folder, temporary.c_str(), folder, name.c_str(), 0) == 0) {
         ::unlinkat(folder, temporary.c_str(), 0);
         return 0;
     }
     const int error = errno;
-    const bool knowsNoLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
-    if (!knowsNoLinks) {
+    const bool hasNoHardLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
+    if (!hasNoHardLinks) {
         return error;
     }
-    // Some file systems, those of memory cards among them, have one name per file. The name is
-    // reserved first, so that nobody else's file is replaced.
+    // Some file systems, such as those of memory cards, have no hard links, and renaming replaces
+    // an existing file. So the name is reserved first.
     const UniqueFD reserved(
         ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly));
     if (!reserved.valid()) {
@@ -72,32 +72,32 @@ PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
 std::optional<std::string> PosixReportFolder::write(const std::filesystem::path& path,
                                                     const std::string& text) {
     if (!path.is_absolute()) {
-        return words(ENOENT);
+        return errorText(ENOENT);
     }
-    std::error_code made;
-    std::filesystem::create_directories(path.parent_path(), made);
+    std::error_code createError;
+    std::filesystem::create_directories(path.parent_path(), createError);
     const UniqueFD folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
-        // What kept the folder from being made says more than that it is not there.
-        return made ? made.message() : words(errno);
+        // The reason why the folder could not be created says more than that it does not exist.
+        return createError ? createError.message() : errorText(errno);
     }
     const std::string temporary = "." + UUID::random().text() + ".part";
     const UniqueFD file(::openat(folder.get(), temporary.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
     if (!file.valid()) {
-        return words(errno);
+        return errorText(errno);
     }
     int error = writeAll(file.get(), text);
-    // A disk can be found full as late as here.
+    // Some file systems report a full disk only here.
     if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
         error = errno;
     }
     if (error == 0) {
-        error = giveName(folder.get(), temporary, path.filename());
+        error = publish(folder.get(), temporary, path.filename());
     }
     if (error != 0) {
         ::unlinkat(folder.get(), temporary.c_str(), 0);
-        return words(error);
+        return errorText(error);
     }
     ::fsync(folder.get());
     return std::nullopt;

@@ -9,20 +9,20 @@
 
 namespace tallowcrest {
 
-/// A folder of the file system. What is made in it is the owner's alone to read: a report names
-/// processes, machines and accounts. A report appears whole or not at all; only on file systems
-/// without hard links, where its name is reserved first, a kill between the two steps leaves an
-/// empty file. A kill may leave the hidden file in which the text was written.
+/// A folder of the file system. Only the owner may read the reports: they name processes, machines
+/// and accounts. A report appears complete or not at all, with two exceptions: a process killed
+/// while it writes may leave the hidden temporary file, and on file systems without hard links one
+/// killed between reserving the name and renaming leaves an empty file.
 class PosixReportFolder final : public ReportFolder {
 public:
-    /// Where the folder is; empty when there is none.
+    /// The path of the folder; empty when there is none.
     using Place = std::function<std::filesystem::path()>;
 
-    /// Shows a file, given as an absolute path, on the desktop.
+    /// Shows a file on the desktop, given its absolute path.
     using Reveal = std::function<void(const std::filesystem::path&)>;
 
-    /// `place` is asked at each export and not before: few runs come to one. `reveal` may be
-    /// absent.
+    /// `place` is called at each export, not before, because most runs export nothing. `reveal` may
+    /// be empty.
     PosixReportFolder(Place place, Reveal reveal);
 
     std::filesystem::path place() const override { return place_(); }

@@ -13,7 +13,7 @@ private:
     std::shared_ptr<Timer> timer_;
 };
 
-void RunLoop::post(std::function<void()> work) {
+void RunLoop::post(Task work) {
     {
         const std::lock_guard guard(lock_);
         pending_.push_back(std::move(work));
@@ -79,7 +79,7 @@ int RunLoop::run() {
         if (pending_.empty()) {
             continue;
         }
-        const std::function<void()> work = std::move(pending_.front());
+        Task work = std::move(pending_.front());
         pending_.pop_front();
         guard.unlock();
         work();

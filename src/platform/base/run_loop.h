@@ -8,14 +8,14 @@
 #include <mutex>
 #include <vector>
 
-#include "core/queues.h"
+#include "core/jobs/queues.h"
 
 namespace tallowcrest {
 
 /// The main thread of a run without a window: a plain loop over posted work and timers.
 class RunLoop final : public MainQueue {
 public:
-    void post(std::function<void()> work) override;
+    void post(Task work) override;
     [[nodiscard]] std::unique_ptr<RepeatingTimer> scheduleRepeating(
         std::chrono::milliseconds interval, std::function<void()> work) override;
 
@@ -40,7 +40,7 @@ private:
 
     std::mutex lock_;
     std::condition_variable workArrived_;
-    std::deque<std::function<void()>> pending_;
+    std::deque<Task> pending_;
     std::vector<std::weak_ptr<Timer>> timers_;  ///< main thread
     bool stopping_ = false;
     int status_ = 0;

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <chrono>
+
 #include "core/clock.h"
 
 namespace tallowcrest {
 
-/// The machine's own clock.
+/// The wall clock of the machine. Any thread.
 class SystemClock final : public Clock {
 public:
-    Date now() const override;
+    Date now() const override {
+        const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+        return Date::fromUnixSeconds(std::chrono::duration<double>(sinceEpoch).count());
+    }
 };
 
 }  // namespace tallowcrest

@@ -1,18 +1,19 @@
 #include "platform/base/thread_work_queue.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
 namespace tallowcrest {
 
-ThreadWorkQueue::ThreadWorkQueue(ThreadSetup setup) : setup_(setup) {}
+ThreadPool::ThreadPool(ThreadSetup setup) : setup_(setup) {}
 
-ThreadWorkQueue::~ThreadWorkQueue() {
+ThreadPool::~ThreadPool() {
     stopTaking();
     threads_.clear();
 }
 
-void ThreadWorkQueue::post(std::function<void()> work) {
+void ThreadPool::post(Task work) {
     std::unique_lock guard(lock_);
     if (finishing_) {
         return;
@@ -28,7 +29,7 @@ void ThreadWorkQueue::post(std::function<void()> work) {
 }
 
 /// False when the system gives no further thread.
-bool ThreadWorkQueue::startThread() {
+bool ThreadPool::startThread() {
     try {
         threads_.emplace_back([this] { run(); });
         return true;
@@ -37,15 +38,15 @@ bool ThreadWorkQueue::startThread() {
     }
 }
 
-bool ThreadWorkQueue::finishWithin(std::chrono::milliseconds timeout) {
+bool ThreadPool::finishWithin(std::chrono::milliseconds timeout) {
     stopTaking();
     std::unique_lock guard(lock_);
     return workEnded_.wait_for(guard, timeout, [this] { return idleThreads_ == threads_.size(); });
 }
 
-void ThreadWorkQueue::stopTaking() {
+void ThreadPool::stopTaking() {
     // What a job holds may do anything as it is destroyed, so that happens outside the lock.
-    std::deque<std::function<void()>> dropped;
+    std::deque<Task> dropped;
     {
         const std::lock_guard guard(lock_);
         finishing_ = true;
@@ -54,7 +55,7 @@ void ThreadWorkQueue::stopTaking() {
     workArrived_.notify_all();
 }
 
-void ThreadWorkQueue::run() {
+void ThreadPool::run() {
     setup_();
     std::unique_lock guard(lock_);
     for (;;) {
@@ -65,13 +66,34 @@ void ThreadWorkQueue::run() {
             return;
         }
         --idleThreads_;
-        std::function<void()> work = std::move(pending_.front());
+        Task work = std::move(pending_.front());
         pending_.pop_front();
         guard.unlock();
         work();
-        work = nullptr;
+        work = {};
         guard.lock();
     }
+}
+
+ThreadWorkQueue::ThreadWorkQueue(ThreadPool::ThreadSetup setup) {
+    for (std::unique_ptr<ThreadPool>& each : pools_) {
+        each = std::make_unique<ThreadPool>(setup);
+    }
+}
+
+bool ThreadWorkQueue::finishWithin(std::chrono::milliseconds timeout) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point deadline = Clock::now() + timeout;
+    for (const std::unique_ptr<ThreadPool>& each : pools_) {
+        each->stopTaking();
+    }
+    bool areFinished = true;
+    for (const std::unique_ptr<ThreadPool>& each : pools_) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        areFinished =
+            each->finishWithin(std::max(left, std::chrono::milliseconds(0))) && areFinished;
+    }
+    return areFinished;
 }
 
 }  // namespace tallowcrest

@@ -23,7 +23,7 @@ UserAccount userAccount() {
         account.name = found->pw_name;
         account.homeDirectory = found->pw_dir;
     }
-    // The environment wins for the directory, as it does for every other program of the session.
+    // $HOME has precedence, as it does for the other programs of the session.
     if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') {
         account.homeDirectory = home;
     }

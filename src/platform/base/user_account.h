@@ -4,7 +4,7 @@
 
 namespace tallowcrest {
 
-/// The account that this process runs under. A field that the system does not know is empty.
+/// The account that this process runs under. Fields that the system does not know are empty.
 struct UserAccount {
     std::string name;
     std::string homeDirectory;  ///< absolute path

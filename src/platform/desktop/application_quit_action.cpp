@@ -30,12 +30,12 @@ struct Destination {
     QString interface;
 };
 
-/// Questions to the bus and its members, each with a limit of its own and all with one. What comes
-/// back may be of any form: whoever is on the bus writes it.
+/// Calls to the bus and its clients, with a timeout for each and one for all together. The type of
+/// each reply is checked, because any client may send anything.
 class BoundedCalls {
 public:
-    BoundedCalls(const QDBusConnection& bus, BusCallLimits limits)
-        : bus_(bus), oneCall_(limits.oneCall), deadline_(Clock::now() + limits.altogether) {}
+    BoundedCalls(const QDBusConnection& bus, BusCallTimeouts timeouts)
+        : bus_(bus), callTimeout_(timeouts.call), deadline_(Clock::now() + timeouts.total) {}
 
     bool isTimeUp() const { return Clock::now() >= deadline_; }
 
@@ -47,11 +47,11 @@ public:
         message.setAutoStartService(false);
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline_ - Clock::now());
-        const auto limit = std::clamp(left, std::chrono::milliseconds(1), oneCall_);
+        const auto limit = std::clamp(left, std::chrono::milliseconds(1), callTimeout_);
         return bus_.call(message, QDBus::Block, static_cast<int>(limit.count()));
     }
 
-    /// The bus's own answer of one value in the form of `signature`; invalid without one.
+    /// The single value, of type `signature`, that the bus itself replies; invalid otherwise.
     QVariant askBus(const QString& method, const QVariantList& arguments,
                     const QString& signature) const {
         const QString bus = u"org.freedesktop.DBus"_s;
@@ -60,25 +60,25 @@ public:
     }
 
     static QVariant soleValue(const QDBusMessage& answer, const QString& signature) {
-        const bool isOfForm = answer.type() == QDBusMessage::ReplyMessage &&
-                              answer.signature() == signature && answer.arguments().size() == 1;
-        return isOfForm ? answer.arguments().constFirst() : QVariant();
+        const bool isValid = answer.type() == QDBusMessage::ReplyMessage &&
+                             answer.signature() == signature && answer.arguments().size() == 1;
+        return isValid ? answer.arguments().constFirst() : QVariant();
     }
 
 private:
     QDBusConnection bus_;
-    std::chrono::milliseconds oneCall_;
+    std::chrono::milliseconds callTimeout_;
     Clock::time_point deadline_;
 };
 
-/// One application on the bus, under the name that is its connection's alone: a name that can be
-/// given away might be somebody else's by the time of the next question.
+/// One application on the bus, addressed by the unique name of its connection, because a well-known
+/// name may pass to another client between two calls.
 class Application {
 public:
     Application(const BoundedCalls& calls, QString connection, const QString& path)
         : calls_(calls), connection_(std::move(connection)), path_(path) {}
 
-    /// Whether its action can be called as it stands: there, enabled now, and without a parameter.
+    /// Whether the action exists, is enabled, and takes no parameter.
     bool offersQuit() const {
         const QVariant names =
             BoundedCalls::soleValue(calls_.call(actions(), u"List"_s, {}), u"as"_s);
@@ -91,7 +91,7 @@ public:
             return false;
         }
         bool isEnabled = false;
-        // As a text, for Qt complains of an empty signature where it expects one.
+        // Read as a string, because Qt warns about an empty value of the signature type.
         QString parameter;
         const auto fields = description.value<QDBusArgument>();
         fields.beginStructure();
@@ -100,8 +100,8 @@ public:
         return isEnabled && parameter.isEmpty();
     }
 
-    /// Whether it was asked. One that answers with silence was: it has just answered two questions,
-    /// so it is busy with this one, as with asking its owner what to save, or has quit over it.
+    /// Whether the application was asked. A timeout counts as asked: it has just answered two
+    /// calls, so it is probably asking the user what to save, or has already quit.
     bool askToQuit() const {
         const QDBusMessage answer =
             calls_.call({connection_, path_, u"org.freedesktop.Application"_s}, u"ActivateAction"_s,
@@ -126,20 +126,20 @@ class Members {
 public:
     explicit Members(const std::vector<ProcessSample>& members) {
         for (const ProcessSample& member : members) {
-            byNumber_.emplace(member.pid, &member);
+            byPID_.emplace(member.pid, &member);
         }
     }
 
-    /// The member that the connection behind `name` belongs to, by the word of the bus, which has
-    /// it from the kernel. Null when it belongs to none.
-    const ProcessSample* behind(const QString& name, const BoundedCalls& calls) const {
+    /// The member that owns the connection `name`, as reported by the bus, which knows its pid from
+    /// the kernel. Null when no member does.
+    const ProcessSample* ownerOf(const QString& name, const BoundedCalls& calls) const {
         const QVariant number = calls.askBus(u"GetConnectionUnixProcessID"_s, {name}, u"u"_s);
-        const auto found = number.isValid() ? byNumber_.find(number.toUInt()) : byNumber_.end();
-        return found != byNumber_.end() ? found->second : nullptr;
+        const auto found = number.isValid() ? byPID_.find(number.toUInt()) : byPID_.end();
+        return found != byPID_.end() ? found->second : nullptr;
     }
 
 private:
-    std::unordered_map<std::int64_t, const ProcessSample*> byNumber_;
+    std::unordered_map<std::int64_t, const ProcessSample*> byPID_;
 };
 
 }  // namespace
@@ -150,14 +150,14 @@ QString applicationObjectPath(const QString& busName) {
 }
 
 ApplicationQuitAction::ApplicationQuitAction(IsStillThere isStillThere, QDBusConnection bus,
-                                             BusCallLimits limits)
-    : isStillThere_(std::move(isStillThere)), bus_(std::move(bus)), limits_(limits) {}
+                                             BusCallTimeouts timeouts)
+    : isStillThere_(std::move(isStillThere)), bus_(std::move(bus)), timeouts_(timeouts) {}
 
 std::size_t ApplicationQuitAction::askToQuit(const std::vector<ProcessSample>& members) const {
     if (members.empty() || !bus_.isConnected()) {
         return 0;
     }
-    const BoundedCalls calls(bus_, limits_);
+    const BoundedCalls calls(bus_, timeouts_);
     const Members reviewed(members);
     QSet<QString> asked;
     const QStringList names = calls.askBus(u"ListNames"_s, {}, u"as"_s).toStringList();
@@ -165,15 +165,15 @@ std::size_t ApplicationQuitAction::askToQuit(const std::vector<ProcessSample>& m
         if (calls.isTimeUp()) {
             break;
         }
-        if (name.startsWith(u':') || reviewed.behind(name, calls) == nullptr) {
+        if (name.startsWith(u':') || reviewed.ownerOf(name, calls) == nullptr) {
             continue;
         }
         const QString connection = calls.askBus(u"GetNameOwner"_s, {name}, u"s"_s).toString();
         if (!connection.startsWith(u':') || asked.contains(connection)) {
             continue;
         }
-        // Once more, of the connection itself: the name may have changed hands in between.
-        const ProcessSample* const member = reviewed.behind(connection, calls);
+        // Checked again for the connection itself, as the name may have passed to another client.
+        const ProcessSample* const member = reviewed.ownerOf(connection, calls);
         const Application application(calls, connection, applicationObjectPath(name));
         if (member != nullptr && application.offersQuit() && isStillThere_(*member) &&
             application.askToQuit()) {

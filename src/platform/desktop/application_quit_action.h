@@ -12,38 +12,38 @@
 
 namespace tallowcrest {
 
-/// Where the application that owns `busName` has to stand on the bus by the rules for desktop
-/// entries. Pure; any thread.
+/// The D-Bus object path of the application that owns `busName`, by the rules for desktop entries.
+/// Pure; any thread.
 QString applicationObjectPath(const QString& busName);
 
-/// How long a hanging application or bus may hold the asking up.
-struct BusCallLimits {
-    std::chrono::milliseconds oneCall{500};
-    std::chrono::milliseconds altogether{2000};
+/// How long to wait for an application or bus that hangs.
+struct BusCallTimeouts {
+    std::chrono::milliseconds call{500};
+    std::chrono::milliseconds total{2000};
 };
 
-/// Asks applications of the session bus to quit by the action "quit" that they offer, which is what
-/// their own menus call. Applications that offer none are not guessed at, and none is started by
-/// this. Any thread, several at once.
+/// Asks applications on the session bus to quit through their exported "quit" action, which their
+/// own menus use too. Applications without the action are left out, and none is started. Any
+/// thread, several at once.
 class ApplicationQuitAction {
 public:
-    /// Whether this is still the process that was reviewed, and no later one under its number.
-    /// Asked right before its application is; called by the thread that asks.
+    /// Whether the process is still the one that was reviewed. Called right before its application
+    /// is asked, on the calling thread.
     using IsStillThere = std::function<bool(const ProcessSample&)>;
 
-    /// `bus` is one that is connected already: to connect takes as long as the bus likes, and holds
-    /// up every other use of a bus in this program meanwhile.
+    /// `bus` must be connected already, because connecting may take any time and blocks every other
+    /// use of D-Bus in this program meanwhile.
     ApplicationQuitAction(IsStillThere isStillThere, QDBusConnection bus,
-                          BusCallLimits limits = {});
+                          BusCallTimeouts timeouts = {});
 
-    /// Asks the applications whose connection to the bus belongs to one of `members`; how many were
-    /// asked. 0 without a bus.
+    /// Asks the applications whose bus connection belongs to one of `members`, and returns how many
+    /// were asked. 0 without a bus.
     std::size_t askToQuit(const std::vector<ProcessSample>& members) const;
 
 private:
     IsStillThere isStillThere_;
     QDBusConnection bus_;
-    BusCallLimits limits_;
+    BusCallTimeouts timeouts_;
 };
 
 }  // namespace tallowcrest

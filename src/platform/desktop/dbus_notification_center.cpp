@@ -8,8 +8,8 @@
 #include <QVariant>
 #include <QVariantMap>
 
-#include "platform/desktop/lent_activation_token.h"
 #include "platform/desktop/notification_text.h"
+#include "platform/desktop/scoped_activation_token.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,15 +24,15 @@ QString path() {
     return u"/org/freedesktop/Notifications"_s;
 }
 
-/// More than a person reads of either; what daemons do with far longer texts is their own affair.
+/// More than a person reads; some daemons do not handle far longer texts well.
 constexpr qsizetype longestTitle = 120;
 constexpr qsizetype longestBody = 600;
 
-/// A daemon that never tells that one was closed must not make the list grow for ever.
-constexpr std::size_t mostOpen = 64;
+/// Bounds the list for daemons that never report closed notifications.
+constexpr std::size_t maximumShown = 64;
 
-/// Not critical: most daemons keep those on the screen until they are clicked, and break an owner's
-/// wish not to be disturbed for them. This one is a hint, and another follows while the load lasts.
+/// Not critical: most daemons show those until they are clicked, even in do-not-disturb mode. A
+/// warning is only a hint, and another one follows while the load lasts.
 constexpr uchar normalUrgency = 1;
 
 QVariantMap hintsFor(const NotificationContent& content) {
@@ -41,7 +41,7 @@ QVariantMap hintsFor(const NotificationContent& content) {
         {u"desktop-entry"_s, u"tallowcrest"_s},
     };
     if (!content.categoryIdentifier.empty()) {
-        // A kind of the program's own, by which its owner can tell the daemon how to show it.
+        // A category of this program, for rules that the user may set in the daemon.
         hints.insert(u"category"_s, u"x-tallowcrest.warning"_s);
     }
     if (content.playsSound) {
@@ -55,11 +55,11 @@ QVariantMap hintsFor(const NotificationContent& content) {
 }  // namespace
 
 DBusNotificationCenter::DBusNotificationCenter(QDBusConnection bus,
-                                               std::chrono::milliseconds patience)
+                                               std::chrono::milliseconds timeout)
     : bus_(std::move(bus)),
-      patience_(patience),
-      owner_(service(), bus_, QDBusServiceWatcher::WatchForOwnerChange) {
-    connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+      timeout_(timeout),
+      ownerWatcher_(service(), bus_, QDBusServiceWatcher::WatchForOwnerChange) {
+    connect(&ownerWatcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString& before, const QString& now) {
                 ownerChanged(before, now);
             });
@@ -77,121 +77,120 @@ void DBusNotificationCenter::setResponseHandler(
 }
 
 void DBusNotificationCenter::post(NotificationContent content) {
-    if (waiting_.size() >= mostWaiting) {
-        waiting_.pop_front();
+    if (queue_.size() >= maximumQueued) {
+        queue_.pop_front();
     }
-    waiting_.push_back({std::move(content)});
+    queue_.push_back({std::move(content)});
     sendNext();
 }
 
-/// One at a time: a daemon that hangs is owed no more than one call.
+/// One call at a time, so that a daemon that hangs has only one pending.
 void DBusNotificationCenter::sendNext() {
-    if (call_ || waiting_.empty()) {
+    if (call_ || queue_.empty()) {
         return;
     }
     if (daemon_.isEmpty()) {
-        ask();
+        requestCapabilities();
         return;
     }
-    Waiting next = std::move(waiting_.front());
-    waiting_.pop_front();
+    Queued next = std::move(queue_.front());
+    queue_.pop_front();
     show(std::move(next));
 }
 
-/// By the well-known name, so that the bus starts a daemon where none runs yet.
-void DBusNotificationCenter::ask() {
-    startCall(service(), u"GetCapabilities"_s, {}, &DBusNotificationCenter::capabilitiesArrived);
+/// Uses the well-known name, so that the bus starts a daemon if none is running.
+void DBusNotificationCenter::requestCapabilities() {
+    startCall(service(), u"GetCapabilities"_s, {}, &DBusNotificationCenter::capabilitiesReceived);
 }
 
-void DBusNotificationCenter::show(Waiting next) {
-    underWay_ = std::move(next);
-    const NotificationContent& content = underWay_.content;
+void DBusNotificationCenter::show(Queued next) {
+    current_ = std::move(next);
+    const NotificationContent& content = current_.content;
     const QString body = notificationText(content.body, longestBody);
     const QVariantList arguments{
         u"Tallowcrest"_s,
-        0U,  // in place of no other
+        0U,  // replaces no other notification
         u"tallowcrest"_s,
         notificationText(content.title, longestTitle),
         capabilities_.contains(u"body-markup"_s) ? asNotificationMarkup(body) : body,
         actionsFor(content.categoryIdentifier),
         hintsFor(content),
-        -1,  // for as long as the daemon thinks right
+        -1,  // default timeout of the daemon
     };
-    startCall(daemon_, u"Notify"_s, arguments, &DBusNotificationCenter::shown);
+    startCall(daemon_, u"Notify"_s, arguments, &DBusNotificationCenter::notifyReplied);
 }
 
 void DBusNotificationCenter::startCall(
     const QString& daemon, const QString& method, const QVariantList& arguments,
-    void (DBusNotificationCenter::*answered)(const QDBusMessage& answer)) {
+    void (DBusNotificationCenter::*handleReply)(const QDBusMessage& reply)) {
     QDBusMessage message = QDBusMessage::createMethodCall(daemon, path(), service(), method);
     message.setArguments(arguments);
     call_ = std::make_unique<QDBusPendingCallWatcher>(
-        bus_.asyncCall(message, static_cast<int>(patience_.count())));
-    connect(call_.get(), &QDBusPendingCallWatcher::finished, this, [this, answered] {
-        // It is what this is called by.
+        bus_.asyncCall(message, static_cast<int>(timeout_.count())));
+    connect(call_.get(), &QDBusPendingCallWatcher::finished, this, [this, handleReply] {
+        // Not deleted here, as this is called by its signal.
         call_->deleteLater();
-        const QDBusMessage answer = call_.release()->reply();
-        (this->*answered)(answer);
+        const QDBusMessage reply = call_.release()->reply();
+        (this->*handleReply)(reply);
     });
 }
 
-void DBusNotificationCenter::capabilitiesArrived(const QDBusMessage& answer) {
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != "as"_L1) {
-        waiting_.clear();
+void DBusNotificationCenter::capabilitiesReceived(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "as"_L1) {
+        queue_.clear();
         return;
     }
-    getToKnow(answer.service(), answer.arguments().constFirst().toStringList());
+    adoptDaemon(reply.service(), reply.arguments().constFirst().toStringList());
     sendNext();
 }
 
-void DBusNotificationCenter::shown(const QDBusMessage& answer) {
-    const bool isShown =
-        answer.type() == QDBusMessage::ReplyMessage && answer.signature() == "u"_L1;
-    // Which is what the bus says of one that has just ended.
-    const bool hasReachedNobody = QDBusError(answer).type() == QDBusError::ServiceUnknown;
+void DBusNotificationCenter::notifyReplied(const QDBusMessage& reply) {
+    const bool isShown = reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "u"_L1;
+    // The error of the bus for a daemon that has just ended.
+    const bool wasNotDelivered = QDBusError(reply).type() == QDBusError::ServiceUnknown;
     if (isShown) {
-        rememberOpen(answer.service(), answer.arguments().constFirst().toUInt());
-    } else if (hasReachedNobody && !underWay_.hasComeBack) {
-        waiting_.push_front({std::move(underWay_.content), true});
+        rememberShown(reply.service(), reply.arguments().constFirst().toUInt());
+    } else if (wasNotDelivered && !current_.isRetry) {
+        queue_.push_front({std::move(current_.content), true});
         forgetDaemon();
     } else if (!daemon_.isEmpty()) {
-        // Whoever does not take this one, or does not answer at all, is not pressed with the rest.
-        waiting_.clear();
+        // The daemon rejected it or does not answer, so the rest is dropped.
+        queue_.clear();
     }
     sendNext();
 }
 
-void DBusNotificationCenter::rememberOpen(const QString& daemon, uint id) {
+void DBusNotificationCenter::rememberShown(const QString& daemon, uint id) {
     if (daemon != daemon_) {
         return;
     }
-    if (open_.size() >= mostOpen) {
-        open_.pop_front();
+    if (shown_.size() >= maximumShown) {
+        shown_.pop_front();
     }
-    open_.push_back({id, {}});
+    shown_.push_back({id, {}});
 }
 
 void DBusNotificationCenter::ownerChanged(const QString& before, const QString& now) {
     if (now == daemon_) {
         return;
     }
-    const bool isAsking = daemon_.isEmpty();
-    // One that appears where there was none has been called up, and its answer is on the way.
-    if (isAsking && before.isEmpty()) {
+    const bool isRequestingCapabilities = daemon_.isEmpty();
+    // The first daemon was started by the pending call, and its reply will follow.
+    if (isRequestingCapabilities && before.isEmpty()) {
         return;
     }
     forgetDaemon();
-    // What is being shown is waited for: its end tells whether it has reached anybody.
-    if (isAsking) {
+    // A pending Notify call goes on: its reply tells whether it was delivered.
+    if (isRequestingCapabilities) {
         call_.reset();
     }
     sendNext();
 }
 
-void DBusNotificationCenter::getToKnow(const QString& daemon, QStringList capabilities) {
+void DBusNotificationCenter::adoptDaemon(const QString& daemon, QStringList capabilities) {
     forgetDaemon();
-    // Without its signals a press would lead nowhere, so it is offered no buttons then.
-    if (!connectSignals(daemon, true)) {
+    // Without its signals the buttons would do nothing, so they are left out.
+    if (!setSignalsConnected(daemon, true)) {
         capabilities.removeAll(u"actions"_s);
     }
     daemon_ = daemon;
@@ -200,26 +199,27 @@ void DBusNotificationCenter::getToKnow(const QString& daemon, QStringList capabi
 
 void DBusNotificationCenter::forgetDaemon() {
     if (!daemon_.isEmpty()) {
-        connectSignals(daemon_, false);
+        setSignalsConnected(daemon_, false);
     }
     daemon_.clear();
     capabilities_.clear();
-    open_.clear();
+    shown_.clear();
 }
 
-bool DBusNotificationCenter::connectSignals(const QString& daemon, bool wanted) {
-    const auto each = [&](const char* name, const char* slot) {
+bool DBusNotificationCenter::setSignalsConnected(const QString& daemon, bool connected) {
+    const auto set = [&](const char* name, const char* slot) {
         const QString signal = QString::fromLatin1(name);
-        return wanted ? bus_.connect(daemon, path(), service(), signal, this, slot)
-                      : bus_.disconnect(daemon, path(), service(), signal, this, slot);
+        return connected ? bus_.connect(daemon, path(), service(), signal, this, slot)
+                         : bus_.disconnect(daemon, path(), service(), signal, this, slot);
     };
-    const bool tellsActions = each("ActionInvoked", SLOT(actionInvoked(uint, QString)));
-    const bool tellsTokens = each("ActivationToken", SLOT(activationToken(uint, QString)));
-    const bool tellsEnds = each("NotificationClosed", SLOT(notificationClosed(uint, uint)));
-    return tellsActions && tellsTokens && tellsEnds;
+    const bool hasActions = set("ActionInvoked", SLOT(actionInvoked(uint, QString)));
+    const bool hasTokens = set("ActivationToken", SLOT(activationToken(uint, QString)));
+    const bool hasClosed = set("NotificationClosed", SLOT(notificationClosed(uint, uint)));
+    return hasActions && hasTokens && hasClosed;
 }
 
-/// Pairs of key and title. The first is the plain click, whose title most daemons never show.
+/// Pairs of key and title. The first is the click on the notification itself, whose title most
+/// daemons do not show.
 QStringList DBusNotificationCenter::actionsFor(const std::string& categoryIdentifier) const {
     if (!capabilities_.contains(u"actions"_s)) {
         return {};
@@ -237,34 +237,34 @@ QStringList DBusNotificationCenter::actionsFor(const std::string& categoryIdenti
     return actions;
 }
 
-std::deque<DBusNotificationCenter::Open>::iterator DBusNotificationCenter::findOpen(uint id) {
-    return std::find_if(open_.begin(), open_.end(),
-                        [id](const Open& each) { return each.id == id; });
+std::deque<DBusNotificationCenter::Shown>::iterator DBusNotificationCenter::findShown(uint id) {
+    return std::find_if(shown_.begin(), shown_.end(),
+                        [id](const Shown& each) { return each.id == id; });
 }
 
 void DBusNotificationCenter::actionInvoked(uint id, const QString& key) {
-    const auto pressed = findOpen(id);
-    if (pressed == open_.end() || !respond_) {
+    const auto clicked = findShown(id);
+    if (clicked == shown_.end() || !respond_) {
         return;
     }
-    const LentActivationToken lent(std::exchange(pressed->activationToken, {}).toUtf8());
-    // A copy, as it may replace the one that is kept, or end this object.
+    const ScopedActivationToken token(std::exchange(clicked->activationToken, {}).toUtf8());
+    // A copy, because the call may replace the handler or destroy this object.
     const auto respond = respond_;
     respond(key.toStdString());
 }
 
-/// Comes right before the press that it is for.
+/// Sent right before the `ActionInvoked` signal that it belongs to.
 void DBusNotificationCenter::activationToken(uint id, const QString& token) {
-    const auto pressed = findOpen(id);
-    if (pressed != open_.end()) {
-        pressed->activationToken = token;
+    const auto clicked = findShown(id);
+    if (clicked != shown_.end()) {
+        clicked->activationToken = token;
     }
 }
 
 void DBusNotificationCenter::notificationClosed(uint id, uint) {
-    const auto closed = findOpen(id);
-    if (closed != open_.end()) {
-        open_.erase(closed);
+    const auto closed = findShown(id);
+    if (closed != shown_.end()) {
+        shown_.erase(closed);
     }
 }
 

@@ -19,33 +19,32 @@
 
 namespace tallowcrest {
 
-/// The notifications of desktops that show them through the session bus. The daemon behind them is
-/// asked first what it can show, one that comes in its place is asked anew, and none is waited for.
-/// Buttons go to daemons that have them; where there are none the notification alone is shown.
+/// Shows notifications through the notification daemon on the session bus. Asks each daemon for its
+/// capabilities first, also one that replaces another, without blocking. Notifications have buttons
+/// only if the daemon supports them. Main thread.
 class DBusNotificationCenter final : public QObject, public NotificationCenter {
     Q_OBJECT
 
 public:
-    /// The most that the daemon may take over one answer. The bus may have to start it for that.
-    static constexpr std::chrono::milliseconds defaultPatience{25'000};
-    /// The most that wait for a daemon that does not answer; a later one pushes out the oldest.
-    static constexpr std::size_t mostWaiting = 4;
+    /// How long to wait for one answer of the daemon, which the bus may have to start first.
+    static constexpr std::chrono::milliseconds defaultTimeout{25'000};
+    /// How many notifications are queued while the daemon does not answer; the oldest is dropped.
+    static constexpr std::size_t maximumQueued = 4;
 
     explicit DBusNotificationCenter(QDBusConnection bus = QDBusConnection::sessionBus(),
-                                    std::chrono::milliseconds patience = defaultPatience);
+                                    std::chrono::milliseconds timeout = defaultTimeout);
     ~DBusNotificationCenter() override;
 
     void setCategories(std::vector<NotificationCategory> categories) override;
 
-    /// Nothing: the owner gives and takes leave in the desktop's own settings, and no program can
-    /// ask for it.
+    /// Does nothing: permission is given in the desktop's settings, and programs cannot ask for it.
     void requestAuthorization() override {}
 
-    /// Title and body are shortened and made harmless, as they may name what others have named.
+    /// Title and body are shortened and sanitized, as they may contain untrusted names.
     void post(NotificationContent content) override;
 
-    /// While `respond` runs, and what it posts to the event loop, what the desktop gave as leave to
-    /// come to the front stands where Qt takes it from. It may destroy this object.
+    /// While `respond` runs, and for what it posts to the event loop, the activation token of the
+    /// click is set for Qt. `respond` may destroy this object.
     void setResponseHandler(std::function<void(const std::string& identifier)> respond) override;
 
 private slots:
@@ -54,46 +53,45 @@ private slots:
     void notificationClosed(uint id, uint reason);
 
 private:
-    struct Waiting {
+    struct Queued {
         NotificationContent content;
-        bool hasComeBack = false;
+        bool isRetry = false;
     };
 
-    struct Open {
+    struct Shown {
         uint id = 0;
         QString activationToken;
     };
 
     void ownerChanged(const QString& before, const QString& now);
     void sendNext();
-    void ask();
-    void show(Waiting next);
+    void requestCapabilities();
+    void show(Queued next);
     void startCall(const QString& daemon, const QString& method, const QVariantList& arguments,
-                   void (DBusNotificationCenter::*answered)(const QDBusMessage& answer));
-    void capabilitiesArrived(const QDBusMessage& answer);
-    void shown(const QDBusMessage& answer);
-    void rememberOpen(const QString& daemon, uint id);
-    void getToKnow(const QString& daemon, QStringList capabilities);
+                   void (DBusNotificationCenter::*handleReply)(const QDBusMessage& reply));
+    void capabilitiesReceived(const QDBusMessage& reply);
+    void notifyReplied(const QDBusMessage& reply);
+    void rememberShown(const QString& daemon, uint id);
+    void adoptDaemon(const QString& daemon, QStringList capabilities);
     void forgetDaemon();
-    bool connectSignals(const QString& daemon, bool wanted);
+    bool setSignalsConnected(const QString& daemon, bool connected);
     QStringList actionsFor(const std::string& categoryIdentifier) const;
-    std::deque<Open>::iterator findOpen(uint id);
+    std::deque<Shown>::iterator findShown(uint id);
 
     QDBusConnection bus_;
-    std::chrono::milliseconds patience_;
-    QDBusServiceWatcher owner_;
+    std::chrono::milliseconds timeout_;
+    QDBusServiceWatcher ownerWatcher_;
     std::vector<NotificationCategory> categories_;
     std::function<void(const std::string&)> respond_;
 
-    /// The connection of the daemon that has told what it can do; empty: none has. Everything is
-    /// said to and heard from this one connection, so no other can pass for it.
+    /// The unique bus name of the daemon whose capabilities are known; empty when there is none.
+    /// All calls go to and all signals are accepted from this connection only.
     QString daemon_;
     QStringList capabilities_;
-    std::deque<Open> open_;  ///< shown by that daemon; the oldest first
-    std::deque<Waiting> waiting_;
-    Waiting underWay_;  ///< what the call is to show, when that is its purpose
-    /// The one call under way.
-    std::unique_ptr<QDBusPendingCallWatcher> call_;
+    std::deque<Shown> shown_;  ///< shown by that daemon, the oldest first
+    std::deque<Queued> queue_;
+    Queued current_;                                 ///< what `call_` shows, if it is a Notify call
+    std::unique_ptr<QDBusPendingCallWatcher> call_;  ///< the one pending call
 };
 
 }  // namespace tallowcrest

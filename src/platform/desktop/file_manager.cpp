@@ -21,7 +21,7 @@ void showInFileManager(const std::filesystem::path& file, const QDBusConnection&
         u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
         u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     show << QStringList(url.toString(QUrl::FullyEncoded)) << QString();
-    // A call on a bus that was never reached does not come back.
+    // A call on an unconnected bus never finishes.
     if (!bus.isConnected()) {
         openFolder(folder);
         return;
@@ -32,8 +32,8 @@ void showInFileManager(const std::filesystem::path& file, const QDBusConnection&
     QObject::connect(
         answer, &QDBusPendingCallWatcher::finished, answer,
         [waiting, folder, openFolder = std::move(openFolder)](QDBusPendingCallWatcher* call) {
-            // One that is slow to start shows the file yet, and once is enough. One
-            // that has died meanwhile shows nothing.
+            // A file manager that is slow to start will still show the file. One that has
+            // ended gives the same error, but sooner.
             constexpr qint64 slowMilliseconds = 20'000;
             const bool isSlow = call->error().type() == QDBusError::NoReply &&
                                 waiting.elapsed() >= slowMilliseconds;

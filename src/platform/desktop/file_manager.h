@@ -8,9 +8,8 @@
 
 namespace tallowcrest {
 
-/// Shows a file, selected, in the file manager that answers on `bus`; `openFolder` is called with
-/// the file's folder where none does. Returns at once, with the file manager still to answer.
-/// Main thread.
+/// Shows a file, selected, in the file manager on `bus`, and calls `openFolder` with its folder if
+/// none answers. Returns before the file manager has answered. Main thread.
 void showInFileManager(const std::filesystem::path& file, const QDBusConnection& bus,
                        std::function<void(const QUrl& folder)> openFolder);
 

@@ -7,104 +7,105 @@
 
 #include <QByteArray>
 
-#include "platform/desktop/lent_activation_token.h"
+#include "platform/desktop/scoped_activation_token.h"
 
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// A start sends its request at once, so whoever takes that long has another purpose.
-constexpr auto callerPatience = 1s;
-/// A waiting caller keeps its descriptor readable; without a pause the loop would spin.
-constexpr auto shortagePause = 250ms;
-constexpr std::size_t mostCallers = 4;
+/// A start sends its request immediately.
+constexpr auto peerTimeout = 1s;
+/// A waiting peer keeps the listener readable, so the loop would spin without a pause.
+constexpr auto postponedPause = 250ms;
+constexpr std::size_t maximumPeers = 4;
 
 }  // namespace
 
-class InstanceListener::Caller final : public QObject {
+class InstanceListener::Peer final : public QObject {
 public:
-    explicit Caller(InstancePeer connected)
-        : peer(std::move(connected)), arrivals(peer.descriptor(), QSocketNotifier::Read) {
-        patience.setSingleShot(true);
-        patience.start(callerPatience);
+    explicit Peer(InstancePeer accepted)
+        : connection(std::move(accepted)),
+          notifier(connection.descriptor(), QSocketNotifier::Read) {
+        timeout.setSingleShot(true);
+        timeout.start(peerTimeout);
     }
 
-    void hangUp() {
-        patience.stop();
-        arrivals.setEnabled(false);
-        peer.close();
+    void close() {
+        timeout.stop();
+        notifier.setEnabled(false);
+        connection.close();
     }
 
-    InstancePeer peer;
-    // Behind the peer, as it must let go of the descriptor before that is closed.
-    QSocketNotifier arrivals;
-    QTimer patience;
+    InstancePeer connection;
+    // Destroyed before the connection, as it must release the descriptor before that is closed.
+    QSocketNotifier notifier;
+    QTimer timeout;
 };
 
 InstanceListener::InstanceListener(InstanceGuard& guard)
-    : guard_(guard), arrivals_(guard.listener(), QSocketNotifier::Read) {
+    : guard_(guard), notifier_(guard.listener(), QSocketNotifier::Read) {
     pause_.setSingleShot(true);
-    pause_.setInterval(shortagePause);
-    connect(&pause_, &QTimer::timeout, this, [this] { arrivals_.setEnabled(true); });
-    connect(&arrivals_, &QSocketNotifier::activated, this, &InstanceListener::takeCaller);
+    pause_.setInterval(postponedPause);
+    connect(&pause_, &QTimer::timeout, this, [this] { notifier_.setEnabled(true); });
+    connect(&notifier_, &QSocketNotifier::activated, this, &InstanceListener::acceptPeer);
 }
 
 InstanceListener::~InstanceListener() {
-    callers_.clear();
-    arrivals_.setEnabled(false);
+    peers_.clear();
+    notifier_.setEnabled(false);
     guard_.stopListening();
 }
 
-void InstanceListener::takeCaller() {
-    std::optional<InstancePeer> peer;
-    switch (guard_.accept(peer)) {
-        case InstanceGuard::Arrival::later:
-            arrivals_.setEnabled(false);
+void InstanceListener::acceptPeer() {
+    std::optional<InstancePeer> accepted;
+    switch (guard_.accept(accepted)) {
+        case InstanceGuard::Accepted::postponed:
+            notifier_.setEnabled(false);
             pause_.start();
             return;
-        case InstanceGuard::Arrival::nobody:
+        case InstanceGuard::Accepted::nothing:
             return;
-        case InstanceGuard::Arrival::peer:
+        case InstanceGuard::Accepted::peer:
             break;
     }
-    // A flood pushes out its own callers, the oldest first; a start needs just one turn.
-    if (callers_.size() >= mostCallers) {
-        drop(*callers_.front());
+    // Under a flood the oldest peer is dropped; a real start needs only one turn of the loop.
+    if (peers_.size() >= maximumPeers) {
+        drop(*peers_.front());
     }
-    Caller& caller = *callers_.emplace_back(std::make_unique<Caller>(std::move(*peer)));
-    connect(&caller.arrivals, &QSocketNotifier::activated, this, [this, &caller] { hear(caller); });
-    connect(&caller.patience, &QTimer::timeout, this, [this, &caller] { drop(caller); });
-    hear(caller);
+    Peer& peer = *peers_.emplace_back(std::make_unique<Peer>(std::move(*accepted)));
+    connect(&peer.notifier, &QSocketNotifier::activated, this, [this, &peer] { read(peer); });
+    connect(&peer.timeout, &QTimer::timeout, this, [this, &peer] { drop(peer); });
+    read(peer);
 }
 
-void InstanceListener::hear(Caller& caller) {
-    switch (caller.peer.read()) {
+void InstanceListener::read(Peer& peer) {
+    switch (peer.connection.read()) {
         case InstancePeer::State::incomplete:
             return;
         case InstancePeer::State::refused:
             break;
-        case InstancePeer::State::asked: {
-            const LentActivationToken lent(
-                QByteArray::fromStdString(caller.peer.request().activationToken));
+        case InstancePeer::State::requested: {
+            const ScopedActivationToken token(
+                QByteArray::fromStdString(peer.connection.request().activationToken));
             emit showRequested();
-            caller.peer.acknowledge();
+            peer.connection.acknowledge();
             break;
         }
     }
-    drop(caller);
+    drop(peer);
 }
 
-void InstanceListener::drop(Caller& caller) {
-    const auto found = std::find_if(callers_.begin(), callers_.end(),
-                                    [&](const auto& each) { return each.get() == &caller; });
-    if (found == callers_.end()) {
+void InstanceListener::drop(Peer& peer) {
+    const auto found = std::find_if(peers_.begin(), peers_.end(),
+                                    [&](const auto& each) { return each.get() == &peer; });
+    if (found == peers_.end()) {
         return;
     }
-    caller.hangUp();
-    // One of its own signals may be what led here.
+    peer.close();
+    // Not deleted here, as this may be called by one of its signals.
     found->release()->deleteLater();
-    callers_.erase(found);
+    peers_.erase(found);
 }
 
 }  // namespace tallowcrest

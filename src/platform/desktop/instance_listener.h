@@ -11,33 +11,34 @@
 
 namespace tallowcrest {
 
-/// Answers other starts of this program while Qt's event loop runs. A caller that sends nonsense,
-/// nothing, or too slowly is dropped, and no number of them holds the loop up. Main thread.
+/// Answers other starts of this program from Qt's event loop. A peer that sends invalid data,
+/// nothing, or sends too slowly is dropped, and any number of them cannot block the loop. Main
+/// thread.
 class InstanceListener final : public QObject {
     Q_OBJECT
 
 public:
-    /// `guard` must outlive this object, which ends its listening.
+    /// `guard` must outlive this object, whose destructor stops it listening.
     explicit InstanceListener(InstanceGuard& guard);
     ~InstanceListener() override;
 
 signals:
-    /// Another start asks for the window. The caller is told that it shows once this returns. Until
-    /// then, and for what is posted to the event loop meanwhile, the desktop's leave to come to the
-    /// front stands where Qt takes it from.
+    /// Another start asks to show the window, and is told that it is shown once this returns. Until
+    /// then, and for what is posted to the event loop meanwhile, its activation token is set for
+    /// Qt.
     void showRequested();
 
 private:
-    class Caller;
+    class Peer;
 
-    void takeCaller();
-    void hear(Caller& caller);
-    void drop(Caller& caller);
+    void acceptPeer();
+    void read(Peer& peer);
+    void drop(Peer& peer);
 
     InstanceGuard& guard_;
-    QSocketNotifier arrivals_;
+    QSocketNotifier notifier_;
     QTimer pause_;
-    std::vector<std::unique_ptr<Caller>> callers_;  ///< the oldest first
+    std::vector<std::unique_ptr<Peer>> peers_;  ///< the oldest first
 };
 
 }  // namespace tallowcrest

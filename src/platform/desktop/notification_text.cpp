@@ -3,13 +3,13 @@
 #include <QChar>
 #include <QTextBoundaryFinder>
 
-#include "core/control_characters.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
 
-/// The length of the longest beginning of at most `limit` units that ends between two characters as
-/// a reader counts them. One that is longer than all that room is cut within.
+/// The largest length of at most `limit` units that does not split a grapheme. A grapheme longer
+/// than `limit` is split.
 qsizetype wholeCharacters(const QString& text, qsizetype limit) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(limit);

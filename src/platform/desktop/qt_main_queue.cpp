@@ -31,7 +31,7 @@ private:
 
 }  // namespace
 
-void QtMainQueue::post(std::function<void()> work) {
+void QtMainQueue::post(Task work) {
     {
         const std::lock_guard guard(lock_);
         pending_.push_back(std::move(work));
@@ -40,7 +40,7 @@ void QtMainQueue::post(std::function<void()> work) {
 }
 
 void QtMainQueue::customEvent(QEvent* /*event*/) {
-    std::function<void()> work;
+    Task work;
     {
         const std::lock_guard guard(lock_);
         work = std::move(pending_.front());

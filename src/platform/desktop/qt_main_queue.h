@@ -6,14 +6,14 @@
 
 #include <QObject>
 
-#include "core/queues.h"
+#include "core/jobs/queues.h"
 
 namespace tallowcrest {
 
 /// The main thread of a run with a window: Qt's event loop. Built and destroyed on that thread.
 class QtMainQueue final : public QObject, public MainQueue {
 public:
-    void post(std::function<void()> work) override;
+    void post(Task work) override;
     [[nodiscard]] std::unique_ptr<RepeatingTimer> scheduleRepeating(
         std::chrono::milliseconds interval, std::function<void()> work) override;
 
@@ -24,7 +24,7 @@ private:
     // Work changes threads here, and the event is only the call: inside Qt the thread sanitizer
     // sees memory but no lock, and would report each sample as a race.
     std::mutex lock_;
-    std::deque<std::function<void()>> pending_;
+    std::deque<Task> pending_;
 };
 
 }  // namespace tallowcrest

@@ -24,7 +24,7 @@ void SystemAppearance::start() {
     if (!bus_.isConnected()) {
         return;
     }
-    // The bus finds the types of a slot by their names, which Qt does not register by itself.
+    // Qt does not register this type by itself, and finds the types of slots by name.
     qRegisterMetaType<QDBusVariant>();
     if (!bus_.connect(service, path, interface, u"SettingChanged"_s, this,
                       SLOT(settingChanged(QString, QString, QDBusVariant)))) {
@@ -37,7 +37,7 @@ void SystemAppearance::start() {
             [this](QDBusPendingCallWatcher* finished) {
                 const QDBusPendingReply<QDBusVariant> reply = *finished;
                 if (!reply.isError()) {
-                    tell(reply.value().variant());
+                    report(reply.value().variant());
                 }
                 finished->deleteLater();
             });
@@ -46,14 +46,14 @@ void SystemAppearance::start() {
 void SystemAppearance::settingChanged(const QString& group, const QString& key,
                                       const QDBusVariant& value) {
     if (group == appearanceGroup && key == colorSchemeKey) {
-        tell(value.variant());
+        report(value.variant());
     }
 }
 
-void SystemAppearance::tell(const QVariant& value) {
+void SystemAppearance::report(const QVariant& value) {
     constexpr uint prefersDark = 1;
     QVariant scheme = value;
-    // One desktop wraps the answer once, another twice.
+    // Some desktops wrap the value once, others twice.
     while (scheme.canConvert<QDBusVariant>()) {
         scheme = scheme.value<QDBusVariant>().variant();
     }

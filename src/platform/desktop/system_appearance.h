@@ -7,17 +7,16 @@
 
 namespace tallowcrest {
 
-/// Learns from the desktop whether the owner prefers a dark appearance, and tells every later
-/// change. Desktops that give Qt a palette of their own do not need this; the rest publish the
-/// preference on the session bus alone. Without a bus or an answer nothing is ever told.
-/// Main thread.
+/// Asks the desktop whether the user prefers a dark appearance, and reports every change. For
+/// desktops that do not set Qt's palette and publish the preference only on the session bus.
+/// Without a bus or an answer nothing is reported. Main thread.
 class SystemAppearance final : public QObject {
     Q_OBJECT
 
 public:
     explicit SystemAppearance(QObject* parent = nullptr);
 
-    /// Asks without waiting; the answer arrives as `preferenceChanged`.
+    /// Asks without blocking; the answer arrives as `preferenceChanged`.
     void start();
 
 signals:
@@ -27,7 +26,7 @@ private slots:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
-    void tell(const QVariant& value);
+    void report(const QVariant& value);
 
     QDBusConnection bus_;
 };

@@ -19,38 +19,38 @@ QString trayName() {
 
 }  // namespace
 
-TrayHostWatch::TrayHostWatch(QObject* parent, std::chrono::milliseconds grace)
+TrayHostWatch::TrayHostWatch(QObject* parent, std::chrono::milliseconds gracePeriod)
     : QObject(parent),
       watcher_(trayName(), QDBusConnection::sessionBus(),
                QDBusServiceWatcher::WatchForOwnerChange) {
     graceTimer_.setSingleShot(true);
-    graceTimer_.setInterval(grace);
+    graceTimer_.setInterval(gracePeriod);
     connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &graceTimer_,
             qOverload<>(&QTimer::start));
     connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] {
         graceTimer_.stop();
         isLost_ = false;
     });
-    connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::graceEnded);
-    // The library itself sends this to its program; no name of the bus stands behind it.
+    connect(&graceTimer_, &QTimer::timeout, this, &TrayHostWatch::gracePeriodEnded);
+    // libdbus itself emits this signal, so it has no sender.
     QDBusConnection::sessionBus().connect(QString(), u"/org/freedesktop/DBus/Local"_s,
                                           u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s, this,
-                                          SLOT(busEnded()));
+                                          SLOT(busDisconnected()));
 }
 
-void TrayHostWatch::busEnded() {
+void TrayHostWatch::busDisconnected() {
     graceTimer_.stop();
     lose();
 }
 
-/// Asks once more: while a program starts, going and coming can be told in the wrong order.
-void TrayHostWatch::graceEnded() {
-    QDBusMessage question =
+/// Asks the bus again, because the signals may arrive in the wrong order while a program starts.
+void TrayHostWatch::gracePeriodEnded() {
+    QDBusMessage request =
         QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                        u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
-    question << trayName();
+    request << trayName();
     auto* answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(request), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         const QDBusPendingReply<bool> isThere = *answer;
         answer->deleteLater();

@@ -8,20 +8,21 @@
 
 namespace tallowcrest {
 
-/// Notices when the desktop's tray goes away for good. Panels restart now and then, so one that is
-/// back within a grace was never gone. The session bus itself is never come back to, so its end is
-/// the tray's. Trays that do not live on the session bus are not noticed. Main thread.
+/// Detects when the tray of the desktop disappears permanently. A panel may restart, so a tray that
+/// is back within the grace period does not count as lost. Losing the session bus loses the tray,
+/// because Qt does not reconnect. Trays that do not use the session bus are not watched. Main
+/// thread.
 class TrayHostWatch final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::milliseconds defaultGrace{5000};
+    static constexpr std::chrono::milliseconds defaultGracePeriod{5000};
 
     explicit TrayHostWatch(QObject* parent = nullptr,
-                           std::chrono::milliseconds grace = defaultGrace);
+                           std::chrono::milliseconds gracePeriod = defaultGracePeriod);
 
-    /// Whether a window that is hidden now could be reached from no tray of the session bus,
-    /// although it once could.
+    /// Whether there was a tray on the session bus and is none any more, so that a hidden window
+    /// could not be reached.
     bool isLost() const { return isLost_; }
 
 signals:
@@ -29,10 +30,10 @@ signals:
     void lost();
 
 private slots:
-    void busEnded();
+    void busDisconnected();
 
 private:
-    void graceEnded();
+    void gracePeriodEnded();
     void lose();
 
     QDBusServiceWatcher watcher_;

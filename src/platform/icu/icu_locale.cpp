@@ -16,7 +16,7 @@
 #include <optional>
 #include <utility>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
@@ -24,16 +24,15 @@ namespace {
 using icu::number::LocalizedNumberFormatter;
 
 constexpr int maximumFractionDigits = 15;
-/// Formatters for so many fraction digits are kept, from 0 on: those of the figures shown all the
-/// time. Building one takes longer than the rest of a sample's wording.
+/// Formatters for 0 to 2 fraction digits are cached: those of the figures shown all the time.
+/// Building one takes longer than the rest of a sample's wording.
 constexpr std::size_t keptFormatters = 3;
 
-/// The library counts in 32 bits, and folding can lengthen a text. What lies beyond is not looked
-/// at.
+/// The library counts in 32 bits, and case folding can lengthen a text. Longer texts are cut.
 constexpr std::size_t longestText = std::size_t{1} << 28;
 
-/// Well-formed text as it is, and anything else made so in `storage`: what the
-/// library makes of ill-formed text depends on where its shortcuts for equal beginnings end.
+/// Valid UTF-8 as it is; anything else is repaired in `storage`, because what the library makes of
+/// invalid text depends on where its shortcut for equal prefixes ends.
 std::string_view wellFormed(std::string_view bytes, std::string& storage) {
     bytes = bytes.substr(0, longestText);
     if (isValidUTF8(bytes)) {
@@ -66,7 +65,7 @@ std::optional<std::string> formatted(Format format) {
     return result;
 }
 
-/// Null where there is none to be had. Its time zone is UTC.
+/// Null without data for the locale. Its time zone is UTC.
 std::unique_ptr<icu::DateFormat> makeDateFormat(const icu::Locale& locale, const char* skeleton) {
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::DateFormat> made(icu::DateFormat::createInstanceForSkeleton(
@@ -78,14 +77,14 @@ std::unique_ptr<icu::DateFormat> makeDateFormat(const icu::Locale& locale, const
     return made;
 }
 
-/// A form of dates, named by the fields that it shows; made when first needed, since most runs show
-/// no date. Under a lock, so that nothing hangs on what the library shares between its callers:
-/// dates are few.
+/// A date format, named by the skeleton of its fields; created on first use, since most runs show
+/// no date. Locked, because ICU does not promise that one format can be used on several threads,
+/// and dates are few.
 class KeptDateFormat {
 public:
     explicit KeptDateFormat(const char* skeleton) : skeleton_(skeleton) {}
 
-    /// Absent where the locale's data cannot be had.
+    /// Absent without data for the locale.
     std::optional<std::string> format(Date date, const icu::Locale& locale) {
         const std::lock_guard lock(mutex_);
         if (kept_ == nullptr) {
@@ -108,8 +107,8 @@ private:
     std::unique_ptr<icu::DateFormat> kept_;
 };
 
-/// Texts that differ in nothing but case have the same folded form. The locale's own lower case
-/// comes first: in Turkish, "I" belongs to "ı" and "İ" to "i".
+/// Texts that differ only in case have the same folded form. The locale's own lower case is applied
+/// first: in Turkish, "I" belongs to "ı" and "İ" to "i".
 std::optional<icu::UnicodeString> folded(std::string_view bytes, const icu::Locale& locale) {
     std::string storage;
     UErrorCode status = U_ZERO_ERROR;
@@ -129,18 +128,19 @@ std::optional<icu::UnicodeString> folded(std::string_view bytes, const icu::Loca
 }  // namespace
 
 struct IcuLocale::Tables {
-    explicit Tables(const LocaleNames& names)
-        : collation(usableLocaleName(names.collation).c_str()),
+    Tables(const LocaleNames& names, UTCOffset offset)
+        : utcOffset(std::move(offset)),
+          collation(usableLocaleName(names.collation).c_str()),
           numbers(usableLocaleName(names.numbers).c_str()),
           dates(usableLocaleName(names.dates).c_str()) {}
 
-    /// Null where there is none to be had.
+    /// Null without data for the locale.
     const icu::Collator* collator() {
         std::call_once(collatorOnce, [this] {
             UErrorCode status = U_ZERO_ERROR;
             std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(collation, status));
             if (U_SUCCESS(status)) {
-                // Beyond the second level there is nothing but case and variants of form.
+                // The levels beyond the second distinguish only case and width variants.
                 made->setStrength(icu::Collator::SECONDARY);
                 keptCollator = std::move(made);
             }
@@ -155,6 +155,22 @@ struct IcuLocale::Tables {
         return formatters[fractionDigits];
     }
 
+    /// `date` moved so that its UTC fields are those of local time.
+    Date shiftedToUTC(Date date) const {
+        return {date.secondsSinceReference + static_cast<double>(utcOffset(date))};
+    }
+
+    std::string text(Date date, KeptDateFormat& format,
+                     std::string (Locale::*fallback)(Date) const) const {
+        if (!hasForm(date)) {
+            return std::string(unknownDate);
+        }
+        const Date shifted = shiftedToUTC(date);
+        const auto formatted = format.format(shifted, dates);
+        return formatted ? *formatted : (plain.*fallback)(shifted);
+    }
+
+    UTCOffset utcOffset;
     PlainLocale plain;
     icu::Locale collation;
     icu::Locale numbers;
@@ -163,13 +179,14 @@ struct IcuLocale::Tables {
     std::unique_ptr<icu::Collator> keptCollator;
     std::array<std::once_flag, keptFormatters> formatterOnce;
     std::array<LocalizedNumberFormatter, keptFormatters> formatters;
-    // The letter j stands for the hours as the country counts them, to 12 or to 24.
+    // The letter j stands for the locale's own hours, of 12 or 24.
     KeptDateFormat dateAndTime{"yMdjm"};
     KeptDateFormat timeOfDay{"jms"};
+    KeptDateFormat hoursAndMinutes{"jm"};
 };
 
 IcuLocale::IcuLocale(const LocaleNames& names, UTCOffset utcOffset)
-    : tables_(std::make_unique<Tables>(names)), utcOffset_(std::move(utcOffset)) {}
+    : tables_(std::make_unique<Tables>(names, std::move(utcOffset))) {}
 
 IcuLocale::~IcuLocale() = default;
 
@@ -210,26 +227,20 @@ std::string IcuLocale::decimal(double value, int fractionDigits) const {
     return text ? *text : tables_->plain.decimal(value, fractionDigits);
 }
 
-Date IcuLocale::onTheWall(Date date) const {
-    return {date.secondsSinceReference + static_cast<double>(utcOffset_(date))};
-}
-
 std::string IcuLocale::dateAndTime(Date date) const {
-    if (!hasForm(date)) {
-        return std::string(unknownDate);
-    }
-    const Date shown = onTheWall(date);
-    const auto text = tables_->dateAndTime.format(shown, tables_->dates);
-    return text ? *text : tables_->plain.dateAndTime(shown);
+    return tables_->text(date, tables_->dateAndTime, &Locale::dateAndTime);
 }
 
 std::string IcuLocale::timeOfDay(Date date) const {
-    if (!hasForm(date)) {
-        return std::string(unknownDate);
-    }
-    const Date shown = onTheWall(date);
-    const auto text = tables_->timeOfDay.format(shown, tables_->dates);
-    return text ? *text : tables_->plain.timeOfDay(shown);
+    return tables_->text(date, tables_->timeOfDay, &Locale::timeOfDay);
+}
+
+std::string IcuLocale::hoursAndMinutes(Date date) const {
+    return tables_->text(date, tables_->hoursAndMinutes, &Locale::hoursAndMinutes);
+}
+
+std::int64_t IcuLocale::localDay(Date date) const {
+    return hasForm(date) ? tables_->plain.localDay(tables_->shiftedToUTC(date)) : 0;
 }
 
 }  // namespace tallowcrest

@@ -8,12 +8,12 @@
 
 namespace tallowcrest {
 
-/// The conventions of a language and country, by ICU. Its tables are loaded when first needed and
-/// kept. Where they cannot be loaded, `PlainLocale` answers instead.
+/// The conventions of a language and country, by ICU. Each table is loaded on first use and kept;
+/// if it cannot be loaded, `PlainLocale` answers instead.
 class IcuLocale final : public Locale {
 public:
-    /// Any names will do; see `usableLocaleName` for what becomes of unknown ones. `utcOffset` is
-    /// asked anew for each date.
+    /// Any names are accepted; see `usableLocaleName` for unknown ones. `utcOffset` is called for
+    /// each date.
     explicit IcuLocale(const LocaleNames& names, UTCOffset utcOffset = utcOffsetOfThisMachine);
     ~IcuLocale() override;
     IcuLocale(const IcuLocale&) = delete;
@@ -25,15 +25,13 @@ public:
     std::string decimal(double value, int fractionDigits) const override;
     std::string dateAndTime(Date date) const override;
     std::string timeOfDay(Date date) const override;
+    std::string hoursAndMinutes(Date date) const override;
+    std::int64_t localDay(Date date) const override;
 
 private:
     struct Tables;
 
-    /// `date` moved so that its UTC fields are those of the clock on the wall.
-    Date onTheWall(Date date) const;
-
     std::unique_ptr<Tables> tables_;
-    UTCOffset utcOffset_;
 };
 
 }  // namespace tallowcrest

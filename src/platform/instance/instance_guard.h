@@ -11,26 +11,26 @@
 
 namespace tallowcrest {
 
-/// Another start of this program that has connected and may be sending its request. Its bytes are
-/// anybody's. Nothing here ever waits. Main thread.
+/// Another start of this program that has connected. Its data is untrusted. Nothing here blocks.
+/// Main thread.
 class InstancePeer {
 public:
     enum class State {
         incomplete,  ///< call `read` again once the descriptor is readable
-        asked,       ///< `request` is there
-        refused,     ///< sent something else, or is gone
+        requested,   ///< `request` is complete
+        refused,     ///< the peer sent something else or closed the connection
     };
 
     explicit InstancePeer(UniqueFD socket) : socket_(std::move(socket)) {}
 
     int descriptor() const { return socket_.get(); }
 
-    /// Takes what has come.
+    /// Reads what has arrived.
     State read();
 
     const InstanceRequest& request() const { return request_; }
 
-    /// Tells the peer that the window shows. One that is gone does not learn it.
+    /// Tells the peer that the window is shown. Does nothing if the peer has closed.
     void acknowledge() const;
 
     void close() { socket_.reset(); }
@@ -41,59 +41,60 @@ private:
     InstanceRequest request_;
 };
 
-/// Makes this process the one instance for as long as the object lives. The kernel ends that with
-/// the process, however it dies. Main thread.
+/// Makes this process the only instance for as long as the object lives. The kernel releases the
+/// lock when the process ends, however it ends. Main thread.
 class InstanceGuard {
 public:
-    /// `lock` is held; `listener` listens.
+    /// `lock` is a locked file; `listener` is a listening socket.
     InstanceGuard(UniqueFD lock, UniqueFD listener);
 
-    /// Polls as readable when a peer waits to be accepted. -1 behind `stopListening`.
+    /// Polls as readable when a peer waits to be accepted. -1 after `stopListening`.
     int listener() const { return listener_.get(); }
 
-    enum class Arrival {
+    enum class Accepted {
         peer,
-        nobody,  ///< the peer left, or is another user's and was turned away
-        later,   ///< it still waits, but the system has nothing left for it now
+        nothing,    ///< the peer left, or was turned away because it is another user's
+        postponed,  ///< the peer still waits, because no descriptor is left for it
     };
 
-    /// Takes one peer into `peer`. Never waits.
-    Arrival accept(std::optional<InstancePeer>& peer);
+    /// Accepts one waiting peer. Never blocks.
+    Accepted accept(std::optional<InstancePeer>& peer);
 
-    /// From now on other starts wait until this process is done with what it owns.
+    /// Makes later starts wait until this process has released its files.
     void stopListening() { listener_.reset(); }
 
 private:
     UniqueFD lock_;
     UniqueFD listener_;
-    /// Given up for a peer when the process may open no more files.
+    /// Closed to accept a peer when the process may open no more files.
     UniqueFD spare_;
 };
 
-/// How long a start waits for an instance that runs already.
-struct InstancePatience {
+/// How long a start waits for a running instance.
+struct InstanceTimeouts {
     /// For its answer.
     std::chrono::milliseconds answer{2000};
-    /// For one that is just starting or ending, and can be asked nothing.
-    std::chrono::milliseconds change{5000};
+    /// For one that is starting or ending and so does not listen.
+    std::chrono::milliseconds transition{5000};
 };
 
 struct InstanceStart {
     enum class Outcome {
         first,       ///< this process is the instance, for as long as it keeps `guard`
-        handedOver,  ///< another one is, and now shows its window
-        noAnswer,    ///< another one is and does not answer; `message` says so
-        unguarded,   ///< nobody can tell; `message` says why
+        handedOver,  ///< another process is, and now shows its window
+        noAnswer,    ///< another process is but does not answer; `message` says so
+        unguarded,   ///< this cannot be determined; `message` says why
     };
     Outcome outcome;
     std::optional<InstanceGuard> guard;
     std::string message;
 };
 
-/// Finds out whether this process is the only instance at `place`, and hands `request` over to the
-/// other one if it is not. Creates the directory, for this user alone. What a killed instance left
-/// behind is no obstacle. Blocks within `patience`. Main thread, before there are others.
+/// Determines whether this process is the only instance at `place`, and if not, hands `request` to
+/// the running one. Creates the directory with access for this user only. Files that a killed
+/// instance left behind do not matter. Blocks up to `timeouts`. Main thread, before other threads
+/// are started.
 InstanceStart startInstance(const InstancePlace& place, const InstanceRequest& request,
-                            const InstancePatience& patience = {});
+                            const InstanceTimeouts& timeouts = {});
 
 }  // namespace tallowcrest

@@ -5,33 +5,28 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
-#include "platform/base/activation_variables.h"
+#include "platform/base/environment.h"
 
 namespace tallowcrest {
 namespace {
 
 constexpr const char* programFolder = "/tallowcrest";
 
-std::string variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
 bool isAbsolute(const std::string& path) {
     return !path.empty() && path.front() == '/';
 }
 
-/// One that another user's session left in the environment is not for us.
-bool isOwnDirectory(const std::string& path, mode_t mayAllow = 07777) {
+/// Whether this user owns the directory, as the environment may be another user's session's, and it
+/// grants no more than `allowed`.
+bool isOwnDirectory(const std::string& path, mode_t allowed = 07777) {
     struct stat status {};
     return isAbsolute(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-           status.st_uid == ::geteuid() && (status.st_mode & 07777 & ~mayAllow) == 0;
+           status.st_uid == ::geteuid() && (status.st_mode & 07777 & ~allowed) == 0;
 }
 
 /// Empty when there is none.
@@ -44,14 +39,14 @@ std::string runtimeDirectory(const InstanceEnvironment& environment) {
                : "";
 }
 
-/// The same directory under another spelling is the same directory.
+/// Resolves links and dots, so that different paths to one directory give the same name.
 std::string canonical(const std::string& path) {
     std::error_code error;
     const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);
     return error || path.empty() ? path : resolved.string();
 }
 
-/// Sixteen hexadecimal digits, the same for the same text in every build (64 bit FNV-1a).
+/// The 64-bit FNV-1a hash in 16 hexadecimal digits; the same in every build.
 std::string digest(std::string_view text) {
     std::uint64_t hash = 0xCBF29CE484222325U;
     for (const char c : text) {
@@ -70,13 +65,8 @@ std::string digest(std::string_view text) {
 InstanceEnvironment instanceEnvironment(std::string dataDirectory) {
     utsname system{};
     const bool hasName = ::uname(&system) == 0;
-    return {variable("XDG_RUNTIME_DIR"), std::move(dataDirectory),
+    return {environmentVariable("XDG_RUNTIME_DIR"), std::move(dataDirectory),
             hasName ? &system.nodename[0] : "", "/run/user/" + std::to_string(::geteuid())};
-}
-
-std::string desktopActivationToken() {
-    const std::string token = variable(activationTokenVariable);
-    return token.empty() ? variable(startupIDVariable) : token;
 }
 
 InstancePlace instancePlace(const InstanceEnvironment& environment) {

@@ -5,7 +5,7 @@
 namespace tallowcrest {
 namespace {
 
-// One line: the verb, and behind a blank the token when there is one.
+// One line: the verb, followed by a space and the token if there is one.
 constexpr std::string_view verb = "show";
 constexpr std::size_t longestToken = longestInstanceRequest - verb.size() - 2;
 
@@ -13,7 +13,7 @@ bool isPrintable(char c) {
     return c >= 0x20 && c < 0x7F;
 }
 
-bool canCarry(std::string_view token) {
+bool isSendable(std::string_view token) {
     return !token.empty() && token.size() <= longestToken &&
            std::all_of(token.begin(), token.end(), isPrintable);
 }
@@ -22,7 +22,7 @@ bool canCarry(std::string_view token) {
 
 std::string instanceRequestText(const InstanceRequest& request) {
     std::string text(verb);
-    if (canCarry(request.activationToken)) {
+    if (isSendable(request.activationToken)) {
         text += ' ' + request.activationToken;
     }
     return text + '\n';
@@ -44,8 +44,8 @@ std::variant<InstanceRequest, IncompleteRequest, MalformedRequest> parseInstance
     if (lineEnd == std::string_view::npos) {
         return IncompleteRequest{};
     }
-    const bool isWhole = line.size() >= verb.size() && (rest.empty() || !token.empty());
-    if (!isWhole || lineEnd + 1 != received.size()) {
+    const bool isComplete = line.size() >= verb.size() && (rest.empty() || !token.empty());
+    if (!isComplete || lineEnd + 1 != received.size()) {
         return MalformedRequest{};
     }
     return InstanceRequest{std::string(token)};

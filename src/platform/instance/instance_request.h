@@ -8,32 +8,32 @@
 
 namespace tallowcrest {
 
-/// What a second start of the window program asks of the first: to show its window.
+/// The request of a second start to the first: to show its window.
 struct InstanceRequest {
-    /// What lets a window of the other process come to the front, as the desktop gave it to this
-    /// one. Printable ASCII; empty when there is none.
+    /// The activation token of the second start, which allows the window of the first to come to
+    /// the front. Printable ASCII; empty when there is none.
     std::string activationToken;
 
     bool operator==(const InstanceRequest&) const = default;
 };
 
-/// The beginning of a request; more has to come.
+/// A prefix of a valid request; more data is needed.
 struct IncompleteRequest {};
 
-/// No request, whatever may still come.
+/// Not a request, whatever follows.
 struct MalformedRequest {};
 
-/// No request is longer than this many bytes.
+/// The maximum size of a request in bytes.
 inline constexpr std::size_t longestInstanceRequest = 1024;
 
-/// What the first instance answers once its window shows.
+/// The answer of the first instance once its window is shown.
 inline constexpr std::string_view instanceAcknowledgement = "shown\n";
 
-/// The request as it is sent. A token that no message can carry is left out: the window then shows
-/// all the same. Any thread.
+/// The request as it is sent. Omits a token that is too long or not printable, as the window can be
+/// shown without one. Any thread.
 std::string instanceRequestText(const InstanceRequest& request);
 
-/// Judges all bytes that a peer has sent so far. Any thread.
+/// Parses all data that a peer has sent so far. Any thread.
 std::variant<InstanceRequest, IncompleteRequest, MalformedRequest> parseInstanceRequest(
     std::string_view received);
 

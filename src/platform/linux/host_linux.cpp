@@ -9,9 +9,9 @@
 #include <system_error>
 
 #include "actions/cache_purge.h"
+#include "platform/base/descriptor_setup.h"
 #include "platform/base/user_account.h"
 #include "platform/host.h"
-#include "platform/linux/descriptor_limit.h"
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/pidfd_process_control.h"
 #include "platform/linux/proc_stat_tick_source.h"
@@ -60,7 +60,7 @@ std::string loginName() {
 
 std::filesystem::path dataDirectory() {
     const char* data = std::getenv("XDG_DATA_HOME");
-    // The rule for that variable: what is not absolute is as good as not set.
+    // By the XDG rules a relative path counts as not set.
     if (data != nullptr && *data == '/') {
         return std::filesystem::path(data) / "tallowcrest";
     }
@@ -82,12 +82,12 @@ std::vector<std::string> activityMonitors() {
 void lowerThreadPriority() {
     constexpr int utilityNice = 10;
     const auto thread = static_cast<id_t>(gettid());
-    // Linux keeps a nice value per thread, so this leaves the main thread alone. A program that was
-    // started with less than utility priority keeps that.
+    // On Linux each thread has its own nice value, so the main thread keeps its priority. A program
+    // started with a lower priority than this keeps that.
     if (getpriority(PRIO_PROCESS, thread) < utilityNice) {
         setpriority(PRIO_PROCESS, thread, utilityNice);
     }
-    // As the kernel's interface lays them down; its header cannot be read by every C++ compiler.
+    // Constants of the kernel interface, whose header does not compile as C++ everywhere.
     constexpr int whoProcess = 1;
     constexpr int idleClass = 3;
     constexpr int classShift = 13;
@@ -115,7 +115,7 @@ bool hasDisplay() {
         const char* value = std::getenv(name);
         return value != nullptr && *value != '\0';
     };
-    // A platform named outright needs neither server.
+    // An explicit Qt platform may need neither server.
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 

@@ -25,11 +25,11 @@ std::string_view readFromStart(int descriptor, std::span<char> buffer) {
                       : std::string_view();
 }
 
-KernelFile::KernelFile(std::string path) : path_(std::move(path)), kept_(openForReading(path_)) {}
+KernelFile::KernelFile(std::string path) : path_(std::move(path)), file_(openForReading(path_)) {}
 
 std::string_view KernelFile::read(std::span<char> buffer) const {
-    if (kept_.valid()) {
-        return readFromStart(kept_.get(), buffer);
+    if (file_.valid()) {
+        return readFromStart(file_.get(), buffer);
     }
     const UniqueFD opened = openForReading(path_);
     return opened.valid() ? readFromStart(opened.get(), buffer) : std::string_view();

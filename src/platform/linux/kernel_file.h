@@ -8,22 +8,23 @@
 
 namespace tallowcrest {
 
-/// A small file that the kernel writes anew on each reading. It is opened once and kept open; one
-/// that was not there at first is tried again at each reading. Any thread, several at once.
+/// A small file whose content the kernel generates at each read. It is kept open; if it could not
+/// be opened at construction, each read tries again. Any thread, several at once.
 class KernelFile {
 public:
     explicit KernelFile(std::string path);
 
-    /// What the file holds now, in `buffer`, cut to its size. Empty when it cannot be read.
+    /// Reads the current content into `buffer`, truncated to its size. Empty when it cannot be
+    /// read.
     std::string_view read(std::span<char> buffer) const;
 
 private:
     const std::string path_;
-    const UniqueFD kept_;
+    const UniqueFD file_;
 };
 
-/// Reads from the beginning of `descriptor` with a single call, so that the text is of one moment.
-/// Empty when it cannot be read.
+/// Reads from the start of `descriptor` in one call, so that the content is consistent. Empty when
+/// it cannot be read.
 std::string_view readFromStart(int descriptor, std::span<char> buffer);
 
 }  // namespace tallowcrest

@@ -17,79 +17,80 @@ namespace {
 
 using Outcome = TerminationResult::Outcome;
 
-/// What is known of the process behind a descriptor.
-enum class Sighting {
-    reviewed,  ///< it is the one that was asked for
-    another,   ///< its number had gone to another one by then
-    unknown,   ///< the system does not tell
+/// Which process an opened pidfd refers to.
+enum class Identity {
+    expected,  ///< the one with the given start time
+    other,     ///< another one that has reused the pid
+    unknown,   ///< the start time could not be read
 };
 
-// The C library has names for these two calls, but in some releases they cannot be linked from C++.
+// Direct system calls, because some C library releases lack C++ linkage for their wrappers.
 
-/// None with `errno` on failure. No child inherits it; the kernel sees to that by itself.
+/// Invalid, with `errno` set, on failure. The kernel always makes it close-on-exec.
 UniqueFD openProcess(pid_t pid) {
     return UniqueFD(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0U)));
 }
 
-/// 0, or the error number.
+/// Returns 0 or the error number.
 int sendTerm(const UniqueFD& process) {
     return ::syscall(SYS_pidfd_send_signal, process.get(), SIGTERM, nullptr, 0U) == 0 ? 0 : errno;
 }
 
-/// Whether the number could not be opened because no process bears it. Some kernels name the case
-/// apart in which a mere thread does.
+/// Whether opening failed because no process has the pid. Some kernels report a thread's id with an
+/// error of its own.
 bool meansNoProcess(int openError) {
     return openError == ESRCH || openError == EINVAL || openError == ENOENT;
 }
 
-/// Whether anything bears the number now. Only a question: no signal is ever sent to a bare number.
+/// Whether any process or thread has the number now. Signal 0 only tests; no real signal is ever
+/// sent to a pid.
 bool isInUse(pid_t pid) {
     return ::kill(pid, 0) == 0 || errno == EPERM;
 }
 
-/// Is asked after the descriptor was opened.
-Sighting sight(pid_t pid, std::uint64_t startTime) {
-    if (!procfsCountsAsWeDo()) {
-        return Sighting::unknown;
+/// Call only after the pidfd was opened.
+Identity identify(pid_t pid, std::uint64_t startTime) {
+    if (!procfsShowsOwnPIDNamespace()) {
+        return Identity::unknown;
     }
     if (startTime == 0) {
-        return Sighting::reviewed;
+        return Identity::expected;
     }
     const auto startTicks = processStartTicks(pid);
     if (!startTicks) {
-        return Sighting::unknown;
+        return Identity::unknown;
     }
-    return *startTicks == startTime ? Sighting::reviewed : Sighting::another;
+    return *startTicks == startTime ? Identity::expected : Identity::other;
 }
 
-/// The check of the start time goes by the number, and yet no signal can go astray between it and
-/// `terminate`. The descriptor is opened first and stands for one process for good; that process
-/// keeps its number until it has been waited for. So if it is still there while the start time is
-/// read, the time is its own. If it is not, the time may be that of a later process, which may even
-/// pass the check, but then the descriptor stands for one that is gone, and signals nobody.
+/// The start time is read by pid, but the check does not race with `terminate`. The pidfd is opened
+/// first and keeps referring to the same process. If that process still exists while the start time
+/// is read, the pid is still its own, and so is the time. If it has ended, the time may be that of
+/// another process with the reused pid, and may even match, but then signalling through the pidfd
+/// reaches no process.
 class PidfdHeldProcess final : public HeldProcess {
 public:
     PidfdHeldProcess(pid_t pid, std::uint64_t startTime) : pid_(pid), process_(openProcess(pid)) {
         if (!process_.valid()) {
             openError_ = errno;
         } else {
-            sighting_ = sight(pid, startTime);
+            identity_ = identify(pid, startTime);
         }
     }
 
     TerminationResult terminate() override {
         if (!process_.valid()) {
-            return meansNoProcess(openError_) ? withoutProcess() : failure(openError_);
+            return meansNoProcess(openError_) ? notFound() : failure(openError_);
         }
-        switch (sighting_) {
-            case Sighting::reviewed:
+        switch (identity_) {
+            case Identity::expected:
                 return signal();
-            case Sighting::another:
+            case Identity::other:
                 return {Outcome::blocked, {}};
-            case Sighting::unknown:
+            case Identity::unknown:
                 break;
         }
-        return withoutProcess();
+        return notFound();
     }
 
 private:
@@ -100,15 +101,15 @@ private:
             case EPERM:
                 return {Outcome::refused, {}};
             case ESRCH:
-                return withoutProcess();
+                return notFound();
             default:
                 return failure(error);
         }
     }
 
-    /// The process that was reviewed cannot be had: it has ended, unless another one bears its
-    /// number.
-    TerminationResult withoutProcess() const {
+    /// The outcome when the expected process cannot be signalled: blocked when its pid is in use by
+    /// another one, else refused because it has ended.
+    TerminationResult notFound() const {
         return {isInUse(pid_) ? Outcome::blocked : Outcome::refused, {}};
     }
 
@@ -118,8 +119,8 @@ private:
 
     pid_t pid_;
     UniqueFD process_;
-    int openError_ = 0;  ///< where there is no `process_`
-    Sighting sighting_ = Sighting::unknown;
+    int openError_ = 0;  ///< set when `process_` is invalid
+    Identity identity_ = Identity::unknown;
 };
 
 }  // namespace

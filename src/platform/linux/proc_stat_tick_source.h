@@ -11,18 +11,18 @@
 
 namespace tallowcrest {
 
-/// The tick counters of the kernel's `stat` file. A tick is 10 ms, so the counters of a few
-/// milliseconds would read as a load of all or nothing: a reading less than `shortestInterval`
-/// after the previous one repeats that one's counters, as if no tick had passed.
+/// The tick counters of `/proc/stat`. A tick is 10 ms, so over a few milliseconds the load would
+/// come out as 0 or 100 percent. A reading less than `shortestInterval` after the previous one
+/// therefore returns the same counters. Any thread.
 class ProcStatTickSource final : public CPUTickSource {
 public:
     static constexpr std::chrono::milliseconds shortestInterval{200};
 
-    /// Time that only moves forward. Any thread.
-    using Monotonic = std::function<std::chrono::nanoseconds()>;
+    /// The time of a monotonic clock. Any thread.
+    using MonotonicClock = std::function<std::chrono::nanoseconds()>;
 
     ProcStatTickSource();
-    ProcStatTickSource(const std::string& procRoot, Monotonic monotonic);
+    ProcStatTickSource(const std::string& procRoot, MonotonicClock clock);
 
     std::optional<CPUTicks> readTicks() override;
 
@@ -33,7 +33,7 @@ private:
     };
 
     const KernelFile stat_;
-    const Monotonic monotonic_;
+    const MonotonicClock clock_;
     std::mutex lock_;
     std::optional<Reading> previous_;
 };

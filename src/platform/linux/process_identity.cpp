@@ -25,7 +25,7 @@ std::optional<std::uint64_t> processStartTicks(std::int64_t pid, const std::stri
     return stat ? std::optional(stat->startTicks) : std::nullopt;
 }
 
-bool procfsCountsAsWeDo(const std::string& procRoot) {
+bool procfsShowsOwnPIDNamespace(const std::string& procRoot) {
     std::array<char, 4096> buffer;
     return parseSoleProcessID(KernelFile(procRoot + "/self/status").read(buffer)) == ::getpid();
 }

@@ -19,10 +19,10 @@ std::chrono::nanoseconds readClock(clockid_t clock) {
     return duration(time);
 }
 
-/// Processor time in nanoseconds, where the tick counters of the `stat` file know 10 ms.
+/// CPU time in nanoseconds; the tick counters of the `stat` file have a resolution of 10 ms only.
 std::optional<std::chrono::nanoseconds> readProcessTime(std::int32_t pid) {
-    // The number of a process's clock, as the kernel's interface lays it down. The library's own
-    // function asks the kernel once more whether that clock exists, which reading it tells anyway.
+    // The clock id of a process as the kernel defines it. `clock_getcpuclockid` would make a second
+    // system call to test whether the clock exists.
     constexpr std::uint32_t scheduledTime = 2;
     const auto clock =
         static_cast<clockid_t>(~static_cast<std::uint32_t>(pid) << 3U | scheduledTime);
@@ -33,8 +33,8 @@ std::optional<std::chrono::nanoseconds> readProcessTime(std::int32_t pid) {
     return duration(time);
 }
 
-/// Whether this kernel has clocks of processes at all. One that knows its own process's alone would
-/// make all others look gone, hence the first process, which is always there.
+/// Whether the clocks of processes can be read. Process 1, which always exists, is tested too:
+/// otherwise a system that shows a process only its own clock would make all others look ended.
 bool hasProcessClocks() {
     constexpr std::int32_t firstProcess = 1;
     return readProcessTime(::getpid()) && readProcessTime(firstProcess);
@@ -45,7 +45,7 @@ bool hasProcessClocks() {
 ProcfsClocks ProcfsClocks::system(const std::string& procRoot) {
     ProcfsClocks clocks{
         [] { return readClock(CLOCK_MONOTONIC); }, [] { return readClock(CLOCK_BOOTTIME); }, {}};
-    if (procfsCountsAsWeDo(procRoot) && hasProcessClocks()) {
+    if (procfsShowsOwnPIDNamespace(procRoot) && hasProcessClocks()) {
         clocks.processTime = readProcessTime;
     }
     return clocks;

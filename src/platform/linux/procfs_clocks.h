@@ -8,20 +8,20 @@
 
 namespace tallowcrest {
 
-/// The times that a process's load is worked out from. Any thread.
+/// The clocks from which the load of processes is computed. Any thread.
 struct ProcfsClocks {
-    using Reading = std::function<std::chrono::nanoseconds()>;
-    using ProcessReading = std::function<std::optional<std::chrono::nanoseconds>(std::int32_t pid)>;
+    using Clock = std::function<std::chrono::nanoseconds()>;
+    using ProcessClock = std::function<std::optional<std::chrono::nanoseconds>(std::int32_t pid)>;
 
-    Reading monotonic;  ///< stands still while the machine is suspended
-    Reading sinceBoot;  ///< counts suspension too, like the kernel's start times
-    /// Processor time that a process has used in its whole life, all its threads together; absent
-    /// when no process bears that number. The number of the calling thread counts as that of its
-    /// process. May be empty: the table then counts in the kernel's ticks.
-    ProcessReading processTime;
+    Clock monotonic;  ///< stops while the machine is suspended
+    Clock sinceBoot;  ///< includes suspension, as the start times of processes do
+    /// The CPU time that all threads of a process have used since it started; absent when no
+    /// process has that pid. The id of the calling thread gives the time of its process. May be
+    /// empty: the table then uses the tick counters of the `stat` file.
+    ProcessClock processTime;
 
-    /// Those of the machine that this runs on. `processTime` is empty where it would not tell of
-    /// the very processes that `procRoot` lists.
+    /// The clocks of this machine. `processTime` is empty where it cannot read the processes that
+    /// `procRoot` lists.
     static ProcfsClocks system(const std::string& procRoot);
 };
 

@@ -12,7 +12,7 @@
 #include <cstddef>
 
 #include "core/local_records.h"
-#include "core/utf8.h"
+#include "core/text.h"
 #include "platform/base/unique_fd.h"
 #include "platform/linux/kernel_file.h"
 
@@ -30,7 +30,7 @@ std::string executablePath(int procDirectory, std::int32_t pid) {
         return {};
     }
     std::string executable(target.data(), static_cast<std::size_t>(length));
-    // The kernel adds the suffix to the path of a deleted file, but a file may also be named so.
+    // The kernel adds the suffix to the path of a deleted file, but a file name may also end in it.
     struct stat status {};
     if (executable.ends_with(deletedSuffix) && ::stat(executable.c_str(), &status) != 0) {
         executable.resize(executable.size() - deletedSuffix.size());
@@ -38,7 +38,8 @@ std::string executablePath(int procDirectory, std::int32_t pid) {
     return executable;
 }
 
-bool isCutTo(std::string_view text, std::string_view name) {
+/// Whether `text`, truncated as the kernel truncates names, is `name`.
+bool isTruncatedTo(std::string_view text, std::string_view name) {
     constexpr std::size_t longestName = 15;
     return text.substr(0, longestName) == name;
 }
@@ -51,15 +52,15 @@ std::string_view commandOfFirstArgument(std::string_view firstArgument, std::str
         return name;
     }
     if (end == std::string_view::npos || name.empty() ||
-        isCutTo(lastPathComponent(firstArgument), name)) {
+        isTruncatedTo(lastPathComponent(firstArgument), name)) {
         return firstArgument;
     }
     std::string_view program = firstArgument.substr(0, end);
-    // Some service managers and logins mark a program that they start.
+    // Some service managers and login programs put a mark before the name.
     if (program.starts_with('@') || program.starts_with('-')) {
         program.remove_prefix(1);
     }
-    if (isCutTo(lastPathComponent(program), name)) {
+    if (isTruncatedTo(lastPathComponent(program), name)) {
         return program;
     }
     return firstArgument.starts_with('/') ? firstArgument : name;

@@ -9,11 +9,11 @@
 #include <string_view>
 #include <utility>
 
-#include "core/utf8.h"
+#include "core/text.h"
 #include "platform/base/home_volume.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/user_account.h"
-#include "sampling/pressure_text.h"
+#include "sampling/memory.h"
 #include "sampling/proc_parser.h"
 
 namespace tallowcrest {
@@ -23,8 +23,8 @@ struct CloseDirectory {
     void operator()(DIR* directory) const { ::closedir(directory); }
 };
 
-/// What all compressed block devices in memory occupy. They come and go at run time, hence the
-/// listing; one that does not tell counts as 0.
+/// The memory that all zram devices use. They are listed each time because they are added and
+/// removed at run time; one that cannot be read counts as 0.
 std::uint64_t readZramBytes(const std::string& blockDirectory) {
     const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(blockDirectory.c_str()));
     if (!directory) {

@@ -11,10 +11,10 @@
 
 namespace tallowcrest {
 
-/// Reads the machine from what the kernel tells, without launching a tool. Calls may overlap.
+/// Reads the metrics from the kernel, without launching tools. Any thread, several at once.
 class ProcfsMetricsReader final : public SystemMetricsReader {
 public:
-    /// The machine that this runs on, and the home directory of this account.
+    /// Reads this machine and the volume of the user's home directory.
     ProcfsMetricsReader();
 
     ProcfsMetricsReader(std::unique_ptr<HomeVolume> homeVolume, const ProcfsMachine& machine,

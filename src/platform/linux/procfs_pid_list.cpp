@@ -21,7 +21,7 @@
 namespace tallowcrest {
 namespace {
 
-/// Only a number in the very form in which the kernel writes it names a process.
+/// Absent unless `name` is a number exactly as the kernel writes a pid.
 std::optional<std::int32_t> processID(std::string_view name) {
     if (name.empty() || name.front() < '1' || name.front() > '9') {
         return std::nullopt;
@@ -32,13 +32,14 @@ std::optional<std::int32_t> processID(std::string_view name) {
     return error == std::errc{} && parsed == end ? std::optional(pid) : std::nullopt;
 }
 
-/// Containers lay files from elsewhere over some of these: such a `loadavg` tells of the numbers
-/// that the machine around gives out, which are not those that are listed here.
-bool isOfSameFileSystem(int directory, const char* name) {
-    struct stat ofDirectory {};
-    struct stat ofFile {};
-    return ::fstat(directory, &ofDirectory) == 0 && ::fstatat(directory, name, &ofFile, 0) == 0 &&
-           ofDirectory.st_dev == ofFile.st_dev;
+/// Containers mount files of the host over some of those in /proc. Such a `loadavg` gives the last
+/// pid of the host, which says nothing of the pids listed here.
+bool isOnSameFileSystem(int directory, const char* name) {
+    struct stat directoryStatus {};
+    struct stat fileStatus {};
+    return ::fstat(directory, &directoryStatus) == 0 &&
+           ::fstatat(directory, name, &fileStatus, 0) == 0 &&
+           directoryStatus.st_dev == fileStatus.st_dev;
 }
 
 }  // namespace
@@ -48,8 +49,7 @@ bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids) {
     if (::lseek(procDirectory, 0, SEEK_SET) < 0) {
         return false;
     }
-    // The system call itself, because the library's stream would allocate its buffer each time and
-    // fill it with far smaller portions.
+    // A direct system call: `opendir` would allocate a buffer each time, and a smaller one.
     alignas(dirent64) std::array<char, 32768> buffer;
     for (;;) {
         const long filled = ::syscall(SYS_getdents64, procDirectory, buffer.data(), buffer.size());
@@ -71,8 +71,8 @@ bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids) {
             at += entrySize;
         }
     }
-    // The kernel lists them ascending; a process can still show up twice when its number is reused
-    // while the list is taken in portions.
+    // The kernel lists pids in ascending order, but one may appear twice when it is reused between
+    // two of these calls.
     if (std::adjacent_find(pids.begin(), pids.end(), std::greater_equal<>()) != pids.end()) {
         std::sort(pids.begin(), pids.end());
         pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
@@ -80,11 +80,11 @@ bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids) {
     return true;
 }
 
-ProcfsPidFollower::ProcfsPidFollower(const std::string& procRoot, Exists exists)
+ProcfsPIDList::ProcfsPIDList(const std::string& procRoot, Exists exists)
     : loadAverage_(procRoot + "/loadavg"), exists_(std::move(exists)) {}
 
-bool ProcfsPidFollower::follow(int procDirectory, std::vector<std::int32_t>& pids) {
-    // Taken before the list: what comes into being meanwhile belongs to the next sample.
+bool ProcfsPIDList::update(int procDirectory, std::vector<std::int32_t>& pids) {
+    // Read before the listing, so that processes started meanwhile belong to the next sample.
     const std::optional<std::int32_t> newest = readNewest();
     ++samplesSinceListing_;
     if (canProbe(newest)) {
@@ -92,38 +92,38 @@ bool ProcfsPidFollower::follow(int procDirectory, std::vector<std::int32_t>& pid
     } else {
         if (!listProcessIDs(procDirectory, pids)) {
             newest_.reset();
-            newestBefore_.reset();
+            beforeNewest_.reset();
             return false;
         }
         samplesSinceListing_ = 0;
-        isNewestOfThisList_ = isOfSameFileSystem(procDirectory, "loadavg");
+        loadAverageIsOfProc_ = isOnSameFileSystem(procDirectory, "loadavg");
     }
-    newestBefore_ = newest_;
+    beforeNewest_ = newest_;
     newest_ = newest;
     return true;
 }
 
-std::optional<std::int32_t> ProcfsPidFollower::readNewest() const {
+std::optional<std::int32_t> ProcfsPIDList::readNewest() const {
     std::array<char, 128> buffer;
     return exists_ ? parseNewestProcessID(loadAverage_.read(buffer)) : std::nullopt;
 }
 
-bool ProcfsPidFollower::canProbe(std::optional<std::int32_t> newest) const {
-    if (!newest || !newest_ || !newestBefore_ || !isNewestOfThisList_) {
+bool ProcfsPIDList::canProbe(std::optional<std::int32_t> newest) const {
+    if (!newest || !newest_ || !beforeNewest_ || !loadAverageIsOfProc_) {
         return false;
     }
-    // Numbers start over at their upper end, and then the newest is not the highest.
-    const bool isAscending = *newestBefore_ <= *newest_ && *newest_ <= *newest;
-    return isAscending && *newest - *newestBefore_ <= mostProbes &&
+    // Pids wrap around at their maximum.
+    const bool isAscending = *beforeNewest_ <= *newest_ && *newest_ <= *newest;
+    return isAscending && *newest - *beforeNewest_ <= maximumProbes &&
            samplesSinceListing_ < samplesPerListing;
 }
 
-void ProcfsPidFollower::probe(std::int32_t newest, std::vector<std::int32_t>& pids) const {
-    // Each number is probed in two samples: the kernel gives it out a little before the process
-    // that is to bear it can be found.
+void ProcfsPIDList::probe(std::int32_t newest, std::vector<std::int32_t>& pids) const {
+    // Each pid is probed in two samples, because the kernel assigns it shortly before the process
+    // can be found.
     const std::size_t known = pids.size();
-    for (std::int32_t pid = *newestBefore_; pid < newest;) {
-        ++pid;  // not past the newest, which may be the highest number there is
+    for (std::int32_t pid = *beforeNewest_; pid < newest;) {
+        ++pid;  // before the probe, as `newest` may be the largest value
         if (exists_(pid)) {
             pids.push_back(pid);
         }

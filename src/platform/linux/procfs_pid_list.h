@@ -10,32 +10,32 @@
 
 namespace tallowcrest {
 
-/// Stores the process numbers that the directory lists into `pids`, ascending and each once. False
-/// when the directory cannot be listed; `pids` then holds nothing. The descriptor's position moves,
-/// so one descriptor serves one thread at a time.
+/// Stores the pids that the directory lists in `pids`, ascending and without duplicates. Returns
+/// false, with `pids` empty, when the directory cannot be listed. Moves the position of the
+/// descriptor, so only one thread may use it at a time.
 bool listProcessIDs(int procDirectory, std::vector<std::int32_t>& pids);
 
-/// Keeps a list of process numbers up to date. A listing makes the kernel look up every process by
-/// its name, so between listings only the numbers that were given out since are probed. One thread
-/// at a time.
-class ProcfsPidFollower {
+/// Keeps a list of pids up to date. Listing /proc makes the kernel look up every process, so
+/// between listings only the pids that were assigned since the previous sample are probed. One
+/// thread at a time.
+class ProcfsPIDList {
 public:
-    /// Whether a process has this number now.
+    /// Whether a process with this pid exists.
     using Exists = std::function<bool(std::int32_t pid)>;
 
-    /// What a probe may have missed, a number chosen by its process for instance, shows up with the
-    /// listing that is due after so many samples at the latest.
+    /// A listing is made after this many samples at the latest, to find processes that the probes
+    /// miss, such as those that were started with a chosen pid.
     static constexpr int samplesPerListing = 8;
-    /// With more new numbers than this a listing is the cheaper way.
-    static constexpr std::int32_t mostProbes = 512;
+    /// With more new pids than this, listing is cheaper than probing.
+    static constexpr std::int32_t maximumProbes = 512;
 
-    /// Without `exists` every sample lists.
-    ProcfsPidFollower(const std::string& procRoot, Exists exists);
+    /// If `exists` is empty, every sample makes a listing.
+    ProcfsPIDList(const std::string& procRoot, Exists exists);
 
-    /// Adds the new numbers to `pids`, which holds what the previous call left but for the ones
-    /// that the caller knows to be gone; ascending and each once. False when the directory cannot
-    /// be listed; `pids` then holds nothing.
-    bool follow(int procDirectory, std::vector<std::int32_t>& pids);
+    /// Adds new pids to `pids`, which holds the result of the previous call less the pids that the
+    /// caller has removed because their processes have ended. Ascending and without duplicates.
+    /// Returns false, with `pids` empty, when the directory cannot be listed.
+    bool update(int procDirectory, std::vector<std::int32_t>& pids);
 
 private:
     std::optional<std::int32_t> readNewest() const;
@@ -44,9 +44,9 @@ private:
 
     KernelFile loadAverage_;
     Exists exists_;
-    std::optional<std::int32_t> newest_;        ///< number given out last, one sample ago
-    std::optional<std::int32_t> newestBefore_;  ///< two samples ago
-    bool isNewestOfThisList_ = false;
+    std::optional<std::int32_t> newest_;        ///< last assigned pid as of the previous sample
+    std::optional<std::int32_t> beforeNewest_;  ///< the same two samples ago
+    bool loadAverageIsOfProc_ = false;
     int samplesSinceListing_ = 0;
 };
 

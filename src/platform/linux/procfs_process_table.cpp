@@ -22,18 +22,18 @@ double seconds(std::chrono::nanoseconds duration) {
     return std::chrono::duration<double>(duration).count();
 }
 
-double positiveSystemFigure(int name, double otherwise) {
-    const long figure = ::sysconf(name);
-    return figure > 0 ? static_cast<double>(figure) : otherwise;
+double positiveSysconf(int name, double fallback) {
+    const long value = ::sysconf(name);
+    return value > 0 ? static_cast<double>(value) : fallback;
 }
 
 }  // namespace
 
 ProcfsMachine ProcfsMachine::current() {
     ProcfsMachine machine;
-    machine.pageSize = positiveSystemFigure(_SC_PAGESIZE, machine.pageSize);
-    machine.ticksPerSecond = positiveSystemFigure(_SC_CLK_TCK, machine.ticksPerSecond);
-    machine.physicalBytes = positiveSystemFigure(_SC_PHYS_PAGES, 0.0) * machine.pageSize;
+    machine.pageSize = positiveSysconf(_SC_PAGESIZE, machine.pageSize);
+    machine.ticksPerSecond = positiveSysconf(_SC_CLK_TCK, machine.ticksPerSecond);
+    machine.physicalBytes = positiveSysconf(_SC_PHYS_PAGES, 0.0) * machine.pageSize;
     return machine;
 }
 
@@ -43,11 +43,11 @@ ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine)
 ProcfsProcessTable::ProcfsProcessTable(ProcfsMachine machine, ProcfsClocks clocks)
     : machine_(std::move(machine)),
       clocks_(std::move(clocks)),
-      follower_(machine_.procRoot,
-                clocks_.processTime
-                    ? [this](std::int32_t pid) { return readBusyTime(pid).has_value(); }
-                    : ProcfsPidFollower::Exists()),
-      learnedLimit_(std::numeric_limits<std::size_t>::max()) {}
+      pidList_(machine_.procRoot,
+               clocks_.processTime
+                   ? [this](std::int32_t pid) { return readCPUTime(pid).has_value(); }
+                   : ProcfsPIDList::Exists()),
+      shortageLimit_(std::numeric_limits<std::size_t>::max()) {}
 
 std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
     const std::lock_guard guard(lock_);
@@ -59,47 +59,47 @@ std::vector<ProcessSample> ProcfsProcessTable::readProcesses() {
         return {};
     }
     readingThread_ = ::gettid() == ::getpid() ? 0 : ::gettid();
-    if (!follower_.follow(directory_.get(), listed_)) {
+    if (!pidList_.update(directory_.get(), pids_)) {
         directory_.reset();
         return {};
     }
     ++sampleNumber_;
-    followList();
-    chooseKeepLimit();
+    updateProcesses();
+    updateDescriptorLimit();
     std::vector<ProcessSample> rows;
     rows.reserve(processes_.size());
-    listed_.clear();
+    pids_.clear();
     for (Process& process : processes_) {
-        const auto busyTime = readBusyTime(process.pid);
-        if (readRow(process, busyTime)) {
+        const auto cpuTime = readCPUTime(process.pid);
+        if (readRow(process, cpuTime)) {
             fillRow(process, rows.emplace_back());
-        } else if (clocks_.processTime && !busyTime) {
+        } else if (clocks_.processTime && !cpuTime) {
             continue;
         }
-        listed_.push_back(process.pid);
+        pids_.push_back(process.pid);
     }
     return rows;
 }
 
-/// Drops the processes that are listed no more and takes in the new ones.
-void ProcfsProcessTable::followList() {
+/// Removes the processes that are no longer in `pids_` and adds the new ones.
+void ProcfsProcessTable::updateProcesses() {
     const bool isUnchanged =
-        std::equal(processes_.begin(), processes_.end(), listed_.begin(), listed_.end(),
+        std::equal(processes_.begin(), processes_.end(), pids_.begin(), pids_.end(),
                    [](const Process& process, std::int32_t pid) { return process.pid == pid; });
     if (isUnchanged) {
         return;
     }
     merged_.clear();
-    merged_.reserve(listed_.size());
-    keptDescriptors_ = 0;
+    merged_.reserve(pids_.size());
+    openDescriptors_ = 0;
     auto known = processes_.begin();
-    for (const std::int32_t pid : listed_) {
+    for (const std::int32_t pid : pids_) {
         while (known != processes_.end() && known->pid < pid) {
             ++known;
         }
         if (known != processes_.end() && known->pid == pid) {
             if (known->stat.valid()) {
-                ++keptDescriptors_;
+                ++openDescriptors_;
             }
             merged_.push_back(std::move(*known));
         } else {
@@ -110,18 +110,18 @@ void ProcfsProcessTable::followList() {
     merged_.clear();
 }
 
-std::optional<std::chrono::nanoseconds> ProcfsProcessTable::readBusyTime(std::int32_t pid) const {
+std::optional<std::chrono::nanoseconds> ProcfsProcessTable::readCPUTime(std::int32_t pid) const {
     return clocks_.processTime && pid != readingThread_ ? clocks_.processTime(pid) : std::nullopt;
 }
 
 bool ProcfsProcessTable::readRow(Process& process,
-                                 std::optional<std::chrono::nanoseconds> busyTime) {
-    if (process.busyTime && !busyTime) {
-        // It is gone. A thread that bears its number now has a file in the same place.
+                                 std::optional<std::chrono::nanoseconds> cpuTime) {
+    if (process.cpuTime && !cpuTime) {
+        // It has ended. A thread that has its number now has a `stat` file under the same path.
         return false;
     }
-    if (!isIdle(process, busyTime)) {
-        return readInFull(process, busyTime);
+    if (!isIdle(process, cpuTime)) {
+        return readInFull(process, cpuTime);
     }
     const std::chrono::nanoseconds now = clocks_.monotonic();
     if (now - process.readAt >= shortestInterval) {
@@ -131,32 +131,32 @@ bool ProcfsProcessTable::readRow(Process& process,
     return true;
 }
 
-/// Whether the process is known not to have run since its previous reading. Had its number gone to
-/// another process, that one's clock would read differently.
+/// Whether the process has not run since its previous reading. If its pid had been reused, the
+/// clock would show another time.
 bool ProcfsProcessTable::isIdle(const Process& process,
-                                std::optional<std::chrono::nanoseconds> busyTime) const {
+                                std::optional<std::chrono::nanoseconds> cpuTime) const {
     const auto turn =
         (sampleNumber_ + static_cast<std::uint64_t>(process.pid)) % samplesPerFullReading;
-    return turn != 0 && busyTime && busyTime == process.busyTime && process.startTicks &&
+    return turn != 0 && cpuTime && cpuTime == process.cpuTime && process.startTicks &&
            process.commandIsFinal;
 }
 
 bool ProcfsProcessTable::readInFull(Process& process,
-                                    std::optional<std::chrono::nanoseconds> busyTime) {
+                                    std::optional<std::chrono::nanoseconds> cpuTime) {
     std::array<char, 1024> buffer;
     const auto stat = parseProcessStat(readStat(process, buffer));
     if (!stat) {
-        // Not idle until it has been read again, whatever its clock says.
-        process.busyTime.reset();
+        // Makes the process count as running until it has been read again.
+        process.cpuTime.reset();
         return false;
     }
-    // Taken for each row: the machine can stall between two of them.
+    // Read for each row, because the machine may stall between two rows.
     const std::chrono::nanoseconds now = clocks_.monotonic();
     const bool isFirstReading = process.startTicks != stat->startTicks;
     process.startTicks = stat->startTicks;
     process.residentPages = stat->residentPages;
-    measureLoad(process, *stat, busyTime, now, isFirstReading);
-    followCommand(process, *stat, isFirstReading);
+    updateLoad(process, *stat, cpuTime, now, isFirstReading);
+    updateCommand(process, *stat, isFirstReading);
     return true;
 }
 
@@ -172,47 +172,47 @@ void ProcfsProcessTable::fillRow(const Process& process, ProcessSample& row) con
     row.startTime = process.startTicks.value_or(0);
 }
 
-void ProcfsProcessTable::measureLoad(Process& process, const ProcessStat& stat,
-                                     std::optional<std::chrono::nanoseconds> busyTime,
-                                     std::chrono::nanoseconds now, bool isFirstReading) {
-    const std::uint64_t room = std::numeric_limits<std::uint64_t>::max() - stat.systemTicks;
-    const std::uint64_t busyTicks = std::min(stat.userTicks, room) + stat.systemTicks;
-    double newTicks = static_cast<double>(busyTicks);
+void ProcfsProcessTable::updateLoad(Process& process, const ProcessStat& stat,
+                                    std::optional<std::chrono::nanoseconds> cpuTime,
+                                    std::chrono::nanoseconds now, bool isFirstReading) {
+    const std::uint64_t addable = std::numeric_limits<std::uint64_t>::max() - stat.systemTicks;
+    const std::uint64_t cpuTicks = std::min(stat.userTicks, addable) + stat.systemTicks;
+    double newTicks = static_cast<double>(cpuTicks);
     double elapsedTicks = 0.0;
     if (isFirstReading) {
         const double lifetime = seconds(clocks_.sinceBoot()) * machine_.ticksPerSecond -
                                 static_cast<double>(stat.startTicks);
-        // What a program takes to start would otherwise stand for a busy process.
+        // Otherwise the work of starting a program would show as a high load.
         elapsedTicks = std::max(lifetime, machine_.ticksPerSecond);
     } else {
         if (now - process.readAt < shortestInterval) {
             return;
         }
-        if (busyTime && process.busyTime) {
-            newTicks = seconds(*busyTime - *process.busyTime) * machine_.ticksPerSecond;
+        if (cpuTime && process.cpuTime) {
+            newTicks = seconds(*cpuTime - *process.cpuTime) * machine_.ticksPerSecond;
         } else {
-            newTicks = busyTicks > process.busyTicks
-                           ? static_cast<double>(busyTicks - process.busyTicks)
+            newTicks = cpuTicks > process.cpuTicks
+                           ? static_cast<double>(cpuTicks - process.cpuTicks)
                            : 0.0;
         }
         elapsedTicks = seconds(now - process.readAt) * machine_.ticksPerSecond;
     }
     process.cpu = elapsedTicks > 0.0 ? std::max(newTicks, 0.0) / elapsedTicks * 100.0 : 0.0;
-    process.busyTicks = busyTicks;
-    process.busyTime = busyTime;
+    process.cpuTicks = cpuTicks;
+    process.cpuTime = cpuTime;
     process.readAt = now;
 }
 
-/// The command is settled once for a program. Another name or another place in memory tells that
-/// the process executed a new one.
-void ProcfsProcessTable::followCommand(Process& process, const ProcessStat& stat,
+/// The command of a program is determined once. A changed name or memory address shows that the
+/// process has executed another program.
+void ProcfsProcessTable::updateCommand(Process& process, const ProcessStat& stat,
                                        bool isFirstReading) {
-    const bool isSettled = !isFirstReading && process.commandIsFinal;
-    // A process that has ended has neither an executable nor memory, but it still ran what it ran.
-    if (isSettled && stat.hasEnded()) {
+    const bool isKnown = !isFirstReading && process.commandIsFinal;
+    // A zombie has no executable and no memory any more, so it keeps its command.
+    if (isKnown && stat.hasEnded()) {
         return;
     }
-    if (isSettled && process.startCode == stat.startCode && process.startStack == stat.startStack &&
+    if (isKnown && process.startCode == stat.startCode && process.startStack == stat.startStack &&
         process.name == stat.name) {
         return;
     }
@@ -225,28 +225,28 @@ void ProcfsProcessTable::followCommand(Process& process, const ProcessStat& stat
     process.commandIsFinal = command.isFinal;
 }
 
-/// What the process's `stat` file holds, empty when it cannot be had.
+/// The content of the process's `stat` file; empty when it cannot be read.
 std::string_view ProcfsProcessTable::readStat(Process& process, std::span<char> buffer) {
     if (process.stat.valid()) {
-        // The descriptor stands for this very process: once that is gone it reads nothing, even
-        // when the number has gone to another one.
+        // The descriptor refers to this process: once that has ended, nothing can be read, even if
+        // its pid has been reused.
         if (const std::string_view text = readFromStart(process.stat.get(), buffer);
             !text.empty()) {
             return text;
         }
         process.stat.reset();
-        --keptDescriptors_;
+        --openDescriptors_;
         process.startTicks.reset();
-        process.busyTime.reset();
+        process.cpuTime.reset();
     }
     UniqueFD opened = openStat(process.pid);
     if (!opened.valid()) {
         return {};
     }
     const std::string_view text = readFromStart(opened.get(), buffer);
-    if (!text.empty() && keptDescriptors_ < keepLimit_) {
+    if (!text.empty() && openDescriptors_ < descriptorLimit_) {
         process.stat = std::move(opened);
-        ++keptDescriptors_;
+        ++openDescriptors_;
     }
     return text;
 }
@@ -255,40 +255,42 @@ UniqueFD ProcfsProcessTable::openStat(std::int32_t pid) {
     std::array<char, 32> path;
     writeProcfsPath(path.data(), pid, "stat");
     UniqueFD opened(::openat(directory_.get(), path.data(), O_RDONLY | O_CLOEXEC));
-    if (!opened.valid() && (errno == EMFILE || errno == ENFILE) && keptDescriptors_ > 0) {
-        shedDescriptors();
+    if (!opened.valid() && (errno == EMFILE || errno == ENFILE) && openDescriptors_ > 0) {
+        releaseDescriptors();
         opened = UniqueFD(::openat(directory_.get(), path.data(), O_RDONLY | O_CLOEXEC));
     }
     return opened;
 }
 
-/// How many descriptors may stay open: a quarter of what the process is granted, and never less
-/// than 64, is left to the rest of the program. Rows beyond that are opened, read and closed.
-void ProcfsProcessTable::chooseKeepLimit() {
+/// Determines how many descriptors may stay open. A quarter of the process's limit, and at least
+/// 64, is reserved for the rest of the program. The files of further rows are opened, read and
+/// closed.
+void ProcfsProcessTable::updateDescriptorLimit() {
     constexpr std::size_t smallestReserve = 64;
     constexpr std::size_t recovery = 16;
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
         limit.rlim_cur = 0;
     }
-    const auto granted = static_cast<std::size_t>(limit.rlim_cur);
-    const std::size_t reserve = std::max(smallestReserve, granted / 4);
-    // After a shortage the table grows back slowly, so that it does not run into the next at once.
-    if (learnedLimit_ < granted) {
-        learnedLimit_ += recovery;
+    const auto limitOfProcess = static_cast<std::size_t>(limit.rlim_cur);
+    const std::size_t reserve = std::max(smallestReserve, limitOfProcess / 4);
+    // Grows slowly after a shortage, so that it does not cause the next one immediately.
+    if (shortageLimit_ < limitOfProcess) {
+        shortageLimit_ += recovery;
     }
-    keepLimit_ = std::min(granted > reserve ? granted - reserve : 0, learnedLimit_);
+    descriptorLimit_ =
+        std::min(limitOfProcess > reserve ? limitOfProcess - reserve : 0, shortageLimit_);
 }
 
-/// Gives half of the kept descriptors back: others in this process or on this machine need them.
-void ProcfsProcessTable::shedDescriptors() {
-    learnedLimit_ = keptDescriptors_ / 2;
-    keepLimit_ = std::min(keepLimit_, learnedLimit_);
+/// Closes half of the open descriptors, because other parts of the process or machine need them.
+void ProcfsProcessTable::releaseDescriptors() {
+    shortageLimit_ = openDescriptors_ / 2;
+    descriptorLimit_ = std::min(descriptorLimit_, shortageLimit_);
     for (auto process = processes_.rbegin();
-         process != processes_.rend() && keptDescriptors_ > learnedLimit_; ++process) {
+         process != processes_.rend() && openDescriptors_ > shortageLimit_; ++process) {
         if (process->stat.valid()) {
             process->stat.reset();
-            --keptDescriptors_;
+            --openDescriptors_;
         }
     }
 }

@@ -8,14 +8,14 @@
 #include <cstdlib>
 #include <utility>
 
-#include "core/white_space.h"
+#include "core/text.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/user_account.h"
 
 namespace tallowcrest {
 namespace {
 
-/// The text between two double quotes, a backslash standing for the character behind it.
+/// The text between double quotes, with backslash escapes resolved. Absent when it is malformed.
 std::optional<std::string> unquoted(std::string_view value) {
     if (value.size() < 2 || value.front() != '"') {
         return std::nullopt;
@@ -23,8 +23,8 @@ std::optional<std::string> unquoted(std::string_view value) {
     std::string result;
     for (std::size_t i = 1; i < value.size(); ++i) {
         if (value[i] == '"') {
-            const std::string_view behind = trimmingWhiteSpace(value.substr(i + 1));
-            return behind.empty() || behind.front() == '#' ? std::optional(result) : std::nullopt;
+            const std::string_view rest = trimmingWhiteSpace(value.substr(i + 1));
+            return rest.empty() || rest.front() == '#' ? std::optional(result) : std::nullopt;
         }
         if (value[i] == '\\' && ++i == value.size()) {
             return std::nullopt;
@@ -48,8 +48,8 @@ std::optional<std::string> absolutePath(const std::string& value, std::string_vi
     return std::nullopt;
 }
 
-/// Empty for what is no ordinary file, so that nothing in its place can hold up the start.
-std::string readOrdinaryFile(const std::filesystem::path& path) {
+/// Empty unless `path` is a regular file, as opening or reading anything else might block.
+std::string readRegularFile(const std::filesystem::path& path) {
     constexpr std::size_t largestFile = 64U << 10U;
     const UniqueFD file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
@@ -76,7 +76,7 @@ std::optional<std::string> userDirectory(std::string_view text, std::string_view
             continue;
         }
         const auto value = unquoted(line.substr(key.size()));
-        // The last of them counts, as for a shell; one that makes no sense undoes none before it.
+        // The last valid entry counts, as in a shell.
         if (auto path = value ? absolutePath(*value, home) : std::nullopt) {
             found = std::move(path);
         }
@@ -92,7 +92,7 @@ std::filesystem::path documentsDirectory() {
     const char* config = std::getenv("XDG_CONFIG_HOME");
     const std::filesystem::path folder =
         config != nullptr && *config == '/' ? std::filesystem::path(config) : home / ".config";
-    return userDirectory(readOrdinaryFile(folder / "user-dirs.dirs"), "DOCUMENTS", home.string())
+    return userDirectory(readRegularFile(folder / "user-dirs.dirs"), "DOCUMENTS", home.string())
         .value_or((home / "Documents").string());
 }
 

@@ -7,14 +7,13 @@
 
 namespace tallowcrest {
 
-/// What `user-dirs.dirs` says of one of the user's folders, "DOCUMENTS" for instance: an absolute
-/// path. Absent when the text does not tell it, or tells it in no way that makes sense. `home` is
-/// absolute. Pure; any thread.
+/// The absolute path that the text of `user-dirs.dirs` gives for a user directory, such as
+/// "DOCUMENTS". Absent when there is no valid entry. `home` is absolute. Pure; any thread.
 std::optional<std::string> userDirectory(std::string_view text, std::string_view name,
                                          std::string_view home);
 
-/// The user's folder for documents: what the desktop has written down, else "Documents" at home.
-/// Empty when the system does not tell where the home is. Any thread.
+/// The user's documents folder: the one that `user-dirs.dirs` gives, else "Documents" in the home
+/// directory. Empty when the home directory is unknown. Any thread.
 std::filesystem::path documentsDirectory();
 
 }  // namespace tallowcrest

@@ -7,7 +7,7 @@
 namespace tallowcrest {
 namespace {
 
-/// 0 when the volume does not tell.
+/// 0 when the value is not available.
 double readCapacityGB(CFURLRef directory, CFStringRef key) {
     CFTypeRef value = nullptr;
     if (!CFURLCopyResourcePropertyForKey(directory, key, &value, nullptr) || value == nullptr) {
@@ -24,7 +24,7 @@ double readCapacityGB(CFURLRef directory, CFStringRef key) {
 }  // namespace
 
 DiskSnapshot MacHomeVolume::readDiskSnapshot() {
-    // A fresh URL each time: a URL object caches the values that were read through it.
+    // A new URL each time, because a URL object caches the values read through it.
     const CFURLRef directory = CFURLCreateFromFileSystemRepresentation(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(homeDirectory_.data()),
         static_cast<CFIndex>(homeDirectory_.size()), true);

@@ -7,7 +7,7 @@
 
 namespace tallowcrest {
 
-/// Free space counts what the system would purge for important use, not the plain free blocks.
+/// Free space includes what the system would purge for important use. Any thread.
 class MacHomeVolume final : public HomeVolume {
 public:
     explicit MacHomeVolume(std::string homeDirectory) : homeDirectory_(std::move(homeDirectory)) {}

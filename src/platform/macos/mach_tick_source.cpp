@@ -7,7 +7,7 @@ namespace tallowcrest {
 std::optional<CPUTicks> MachTickSource::readTicks() {
     host_cpu_load_info_data_t info{};
     mach_msg_type_number_t count = HOST_CPU_LOAD_INFO_COUNT;
-    // Each call adds a reference to the host port, which has to be given back.
+    // Each call adds a reference to the host port, which must be released.
     const host_t host = mach_host_self();
     const kern_return_t status =
         host_statistics(host, HOST_CPU_LOAD_INFO, reinterpret_cast<host_info_t>(&info), &count);

@@ -6,7 +6,7 @@
 
 namespace tallowcrest {
 
-/// The tick counters of the Mach host. They are 32 bits wide in the kernel and wrap.
+/// The tick counters of the Mach host. They are 32 bits wide and wrap around. Any thread.
 class MachTickSource final : public CPUTickSource {
 public:
     std::optional<CPUTicks> readTicks() override;

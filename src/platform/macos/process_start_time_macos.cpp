@@ -23,8 +23,8 @@ std::uint64_t startTimeOf(const kinfo_proc& process) {
 std::vector<kinfo_proc> allProcesses() {
     std::array<int, 3> name{CTL_KERN, KERN_PROC, KERN_PROC_ALL};
     const auto length = static_cast<unsigned>(name.size());
-    // More processes may begin between the question how many there are and the reading than the
-    // answer leaves room for. A machine where that goes on tells nothing this time.
+    // Between the two calls more processes may start than the returned size has room for. After a
+    // few attempts the list is left empty for this time.
     constexpr int attempts = 4;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         std::size_t size = 0;
@@ -55,7 +55,7 @@ std::uint64_t processStartTime(std::int64_t pid) {
     std::size_t size = sizeof process;
     const int status =
         ::sysctl(name.data(), static_cast<unsigned>(name.size()), &process, &size, nullptr, 0);
-    // For a number that nobody bears the call succeeds and writes nothing.
+    // For an unused pid the call succeeds and writes nothing.
     if (status != 0 || size < sizeof process || process.kp_proc.p_pid != pid) {
         return 0;
     }

@@ -9,8 +9,9 @@
 
 namespace tallowcrest {
 
-/// The system's own notifications. They belong to an application bundle, so a program that runs
-/// outside one shows none. One object at a time: the centre has one delegate.
+/// The notifications of macOS. They require an application bundle, so a program outside one shows
+/// none. Only one object may exist at a time, because the system's notification center has one
+/// delegate. Main thread.
 class UserNotificationCenter final : public NotificationCenter {
 public:
     UserNotificationCenter();
@@ -19,7 +20,7 @@ public:
     ~UserNotificationCenter() override;
 
     void setCategories(std::vector<NotificationCategory> categories) override;
-    /// Asks on each call; the system shows its dialog until the owner has decided.
+    /// Asks on each call; the system shows its dialog until the user has decided.
     void requestAuthorization() override;
     void post(NotificationContent content) override;
     void setResponseHandler(std::function<void(const std::string& identifier)> respond) override;

@@ -5,11 +5,11 @@
 
 #include <utility>
 
-#include "core/control_characters.h"
+#include "core/text.h"
 
 using Respond = std::function<void(const std::string& identifier)>;
 
-/// What the centre calls, on any thread. It outlives its owner while one of its calls is under way.
+/// Called by the notification center on any thread. Outlives its owner while one of its calls runs.
 @interface TallowcrestNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
 /// Main thread.
 - (void)setRespond:(Respond)respond;
@@ -23,13 +23,14 @@ using Respond = std::function<void(const std::string& identifier)>;
     _respond = std::move(respond);
 }
 
-/// In full while the program is in front, too.
+/// Shows the notification even while the program is in front.
 - (void)userNotificationCenter:(UNUserNotificationCenter*)center
        willPresentNotification:(UNNotification*)notification
          withCompletionHandler:(void (^)(UNNotificationPresentationOptions))completionHandler {
     (void)center;
     (void)notification;
-    completionHandler(UNNotificationPresentationOptionBanner | UNNotificationPresentationOptionSound);
+    completionHandler(UNNotificationPresentationOptionBanner |
+                      UNNotificationPresentationOptionSound);
 }
 
 - (void)userNotificationCenter:(UNUserNotificationCenter*)center
@@ -41,12 +42,12 @@ using Respond = std::function<void(const std::string& identifier)>;
     const std::string identifier =
         isPlainClick ? tallowcrest::NotificationCenter::plainClick : action.UTF8String;
     dispatch_async(dispatch_get_main_queue(), ^{
-        // A copy, as it may replace the one that is kept.
-        const Respond respond = self->_respond;
-        if (respond) {
-            respond(identifier);
-        }
-        completionHandler();
+      // A copy, because the call may replace the handler.
+      const Respond respond = self->_respond;
+      if (respond) {
+          respond(identifier);
+      }
+      completionHandler();
     });
 }
 
@@ -55,7 +56,7 @@ using Respond = std::function<void(const std::string& identifier)>;
 namespace tallowcrest {
 namespace {
 
-/// Any bytes: names come from whoever started a process.
+/// Makes a text of arbitrary bytes printable, because process names are untrusted.
 NSString* shown(const std::string& text) {
     return @(replacingControlCharacters(text, "?").c_str());
 }
@@ -63,8 +64,8 @@ NSString* shown(const std::string& text) {
 }  // namespace
 
 struct UserNotificationCenter::Objects {
-    /// Nil, which takes every message and does nothing, outside a bundle: there the system ends
-    /// programs that ask for the centre.
+    /// Nil outside a bundle, where asking for the center would terminate the program. Messages to
+    /// nil have no effect.
     UNUserNotificationCenter* center = nil;
     TallowcrestNotificationDelegate* delegate = nil;
 };
@@ -102,12 +103,12 @@ void UserNotificationCenter::setCategories(std::vector<NotificationCategory> cat
 }
 
 void UserNotificationCenter::requestAuthorization() {
-    // The answer changes nothing here: without leave the system shows nothing.
+    // The answer does not matter: without authorization the system shows nothing.
     [objects_->center
         requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
                       completionHandler:^(BOOL isGranted, NSError* error) {
-                          (void)isGranted;
-                          (void)error;
+                        (void)isGranted;
+                        (void)error;
                       }];
 }
 

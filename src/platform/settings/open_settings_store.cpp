@@ -1,299 +1,159 @@
 #include "platform/settings/open_settings_store.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
-#include <vector>
 
-#include "core/settings_keys.h"
-#include "platform/settings/settings_file.h"
+#include <fmt/format.h>
+
+#include "core/settings/stored_lists.h"
 #include "platform/settings/settings_problem.h"
-#include "platform/settings/settings_rows.h"
-#include "platform/settings/settings_trial.h"
 
 namespace tallowcrest {
 namespace {
 
+namespace problem = settings_problem;
+using Dependencies = SqliteSettingsStore::Dependencies;
 using Path = std::filesystem::path;
-using settings_file::Inspection;
-using settings_file::Nature;
 
-/// Makes a file with an empty table. The reason when that fails, else empty.
-std::string makeFileAt(const Path& file) {
-    if (const int error = settings_file::makeFile(file); error != 0) {
-        return std::strerror(error);
-    }
-    SqliteConnection connection;
-    int result = connection.open(file, SqliteConnection::Access::readWrite, settingsPatience);
-    if (result == SQLITE_OK) {
-        result = SettingsRows::create(connection);
-    }
-    return result == SQLITE_OK ? std::string() : connection.message();
-}
-
-/// Copies what can be read.
-std::unique_ptr<SettingsStore> copyOf(SettingsRows& rows) {
-    auto copy = std::make_unique<MemorySettingsStore>();
-    for (const settings_keys::Key& key : settings_keys::all) {
-        if (auto reading = rows.read(key.name); reading.value) {
-            copy->write(key.name, *reading.value);
-        }
-    }
-    return copy;
-}
-
-/// Collects the outcome. Without a store of its own it ends as one in memory.
-class Opening {
-public:
-    explicit Opening(const Path& file)
-        : folder_(file.parent_path()), file_(settings_file::withoutLink(file)) {}
-
-    OpenedStore open(const SettingsSurroundings& surroundings);
-    OpenedStore read();
-
-private:
-    OpenedStore result() {
-        if (outcome_.store == nullptr) {
-            outcome_.store = std::make_unique<MemorySettingsStore>();
-        }
-        return std::move(outcome_);
-    }
-    void tell(std::string problem) { outcome_.problems.push_back(std::move(problem)); }
-    void tellUnreadable(const Trial& trial) {
-        if (!trial.unreadableKeys.empty()) {
-            tell(settings_problem::unreadableKeys(file_, trial.unreadableKeys));
-        }
-    }
-
-    void keepUnsoundLog(Date now);
-    /// The keys whose rows have to stay, as they could not be kept elsewhere.
-    std::vector<std::string_view> clearUnreadable(Trial& trial, Date now);
-    void openExisting(Inspection inspection, const SettingsSurroundings& surroundings);
-    void putAside(Trial&& trial, const SettingsSurroundings& surroundings);
-    void begin(const SettingsSurroundings& surroundings);
-    void use(Trial trial, const SettingsSurroundings& surroundings);
-    void readOnly(const std::string& whyNotChanged);
-
-    /// Ours. A link in it may lead to a file in a folder that is not.
-    Path folder_;
-    Path file_;
-    OpenedStore outcome_;
-};
-
-OpenedStore Opening::open(const SettingsSurroundings& surroundings) {
-    if (const int error = settings_file::prepareFolder(folder_); error != 0) {
-        tell(settings_problem::folderCannotBeMade(folder_, std::strerror(error)));
-        return result();
-    }
-    const settings_file::FolderLock lock(folder_);
-    if (!lock.isHeld()) {
-        tell(settings_problem::locked(file_));
-        return result();
-    }
-    const Inspection inspection = settings_file::inspect(file_);
-    if (inspection.nature == Nature::missing) {
-        begin(surroundings);
-    } else {
-        openExisting(inspection, surroundings);
-    }
-    return result();
-}
-
-void Opening::openExisting(Inspection inspection, const SettingsSurroundings& surroundings) {
-    Trial trial;
-    switch (inspection.nature) {
-        case Nature::ours:
-            keepUnsoundLog(surroundings.clock.now());
-            trial = tryToChange(file_);
-            break;
-        case Nature::newer:
-            trial.verdict = Verdict::newer;
-            break;
-        case Nature::unreadable:
-            trial.reason = std::strerror(inspection.error);
-            break;
-        case Nature::foreign:
-            trial.verdict = Verdict::foreign;
-            break;
-        default:
-            trial.verdict = Verdict::damaged;
-            break;
-    }
-    switch (trial.verdict) {
-        case Verdict::good:
-            use(std::move(trial), surroundings);
-            break;
-        case Verdict::damaged:
-        case Verdict::foreign:
-            putAside(std::move(trial), surroundings);
-            break;
-        case Verdict::newer:
-            tell(settings_problem::newer(file_));
-            break;
-        case Verdict::locked:
-            tell(settings_problem::locked(file_));
-            break;
-        case Verdict::readOnly:
-            readOnly(trial.reason);
-            break;
-        case Verdict::unreadable:
-            tell(settings_problem::cannotBeRead(file_, trial.reason));
-            break;
-    }
-}
-
-void Opening::keepUnsoundLog(Date now) {
-    if (settings_file::logIsSound(file_)) {
-        return;
-    }
-    Path keptAs;
-    if (settings_file::putLogAside(file_, now, keptAs) == 0) {
-        tell(settings_problem::latestChangesLost(file_, keptAs));
-    } else {
-        // Where it cannot be put aside, SQLite cannot write over it either.
-        tell(settings_problem::latestChangesUnreadable(file_));
-    }
-}
-
-void Opening::putAside(Trial&& trial, const SettingsSurroundings& surroundings) {
-    const Verdict verdict = trial.verdict;
-    // No connection may be open while its file is renamed.
-    trial = {};
-    Path keptAs;
-    if (const int error = settings_file::putAside(file_, surroundings.clock.now(), keptAs);
-        error != 0) {
-        tell(settings_problem::damagedInPlace(file_, std::strerror(error)));
-        return;
-    }
-    tell(verdict == Verdict::foreign ? settings_problem::notOurs(file_, keptAs)
-                                     : settings_problem::damaged(file_, keptAs));
-    begin(surroundings);
-}
-
-void Opening::begin(const SettingsSurroundings& surroundings) {
-    // Under a name of its own until it is whole, lest half a file be taken for damage.
-    Path begun = file_;
-    begun += ".new";
-    settings_file::removeBegun(begun);
-    std::string reason = makeFileAt(begun);
-    if (reason.empty() && ::rename(begun.c_str(), file_.c_str()) != 0) {
-        reason = std::strerror(errno);
-    }
-    if (!reason.empty()) {
-        tell(settings_problem::fileCannotBeMade(file_, reason));
-        settings_file::removeBegun(begun);
-        return;
-    }
-    if (Trial trial = tryToChange(file_); trial.verdict == Verdict::good) {
-        use(std::move(trial), surroundings);
-    } else {
-        tell(settings_problem::fileCannotBeMade(file_, trial.reason));
-    }
-}
-
-/// Keeps the file as it was for the owner, then does without the rows that make no sense.
-std::vector<std::string_view> Opening::clearUnreadable(Trial& trial, Date now) {
-    if (trial.unreadableKeys.empty()) {
-        return {};
-    }
-    const Path keptAs = settings_file::nameAside(file_, now);
-    if (trial.connection.copyInto(keptAs) != SQLITE_OK) {
-        settings_file::removeBegun(keptAs);
-        tell(settings_problem::unreadableKeysLeft(file_, trial.unreadableKeys));
-        return trial.unreadableKeys;
-    }
-    settings_file::tighten(keptAs);
-    for (const std::string_view key : trial.unreadableKeys) {
-        // A row that stays is told of again the next time.
-        SettingsRows::remove(trial.connection, key);
-    }
-    tell(settings_problem::unreadableKeysKept(file_, trial.unreadableKeys, keptAs));
-    return {};
-}
-
-void Opening::use(Trial trial, const SettingsSurroundings& surroundings) {
-    const auto untouched = clearUnreadable(trial, surroundings.clock.now());
-    outcome_.store = std::make_unique<SqliteSettingsStore>(
-        std::move(trial.connection), std::move(trial.rows), file_, surroundings.workQueue,
-        surroundings.complain, surroundings.logPages, untouched);
-}
-
-void Opening::readOnly(const std::string& whyNotChanged) {
-    Trial trial = tryToRead(file_, settings_file::logIsSound(file_));
-    if (trial.verdict != Verdict::good) {
-        tell(settings_problem::cannotBeRead(file_, trial.reason));
-        return;
-    }
-    tell(settings_problem::canOnlyBeRead(file_, whyNotChanged));
-    tellUnreadable(trial);
-    outcome_.store = copyOf(trial.rows);
-}
-
-OpenedStore Opening::read() {
-    const Inspection inspection = settings_file::inspect(file_);
-    Trial trial;
-    switch (inspection.nature) {
-        case Nature::missing:
-            return result();
-        case Nature::unreadable:
-            // A folder that cannot be reached is nobody's settings.
-            tell(settings_problem::cannotBeRead(file_, std::strerror(inspection.error)));
-            return result();
-        case Nature::newer:
-            tell(settings_problem::newer(file_));
-            return result();
-        case Nature::ours: {
-            const bool logIsSound = settings_file::logIsSound(file_);
-            if (!logIsSound) {
-                tell(settings_problem::latestChangesUnreadable(file_));
-            }
-            trial = tryToRead(file_, logIsSound);
-            break;
-        }
-        default:
-            trial.verdict = Verdict::damaged;
-            break;
-    }
-    switch (trial.verdict) {
-        case Verdict::good:
-            tellUnreadable(trial);
-            outcome_.store = copyOf(trial.rows);
-            break;
-        case Verdict::newer:
-            tell(settings_problem::newer(file_));
-            break;
-        case Verdict::locked:
-            tell(settings_problem::locked(file_));
-            break;
-        case Verdict::damaged:
-        case Verdict::foreign:
-            tell(settings_problem::damagedAndLeft(file_));
-            break;
-        default:
-            tell(settings_problem::cannotBeRead(file_, trial.reason));
-            break;
-    }
-    return result();
-}
-
-OpenedStore inMemory(std::string problem) {
+/// Starts as a store in memory.
+struct Opening {
+    Path file;
     OpenedStore outcome{std::make_unique<MemorySettingsStore>(), {}};
-    outcome.problems.push_back(std::move(problem));
-    return outcome;
-}
+
+    void report(std::string_view sentence, std::string_view detail = {}, const Path& keptAs = {}) {
+        outcome.problems.push_back(problem::describe(sentence, file, detail, keptAs));
+    }
+
+    void reportUnusable(const Finding& finding) {
+        switch (finding.state) {
+            case FileState::newer:
+                return report(problem::newer);
+            case FileState::locked:
+                return report(problem::locked);
+            case FileState::damaged:
+            case FileState::foreign:
+                return report(problem::damagedAndLeft);
+            default:
+                return report(problem::cannotBeRead, finding.reason);
+        }
+    }
+
+    void create(const Dependencies& dependencies) {
+        SettingsDatabase database;
+        const Finding finding = database.create(file);
+        if (finding.state == FileState::usable) {
+            use(std::move(database), dependencies);
+        } else {
+            report(problem::fileCannotBeMade, finding.reason);
+        }
+    }
+
+    void replace(std::string_view sentence, const Dependencies& dependencies) {
+        const Path name = settings_file::freeName(file, dependencies.clock.now());
+        if (const std::error_code error = settings_file::rename(file, name)) {
+            report(problem::cannotBePutAside, error.message());
+        } else {
+            report(sentence, {}, name);
+            create(dependencies);
+        }
+    }
+
+    void use(SettingsDatabase database, const Dependencies& dependencies) {
+        if (const auto& keys = database.unreadableKeys(); !keys.empty()) {
+            const std::string names = fmt::format("{}", fmt::join(keys, ", "));
+            const Path copy = settings_file::freeName(file, dependencies.clock.now());
+            if (database.moveUnreadableRowsTo(copy) == SQLITE_OK) {
+                settings_file::withdrawAccessOfOthers(copy);
+                report(problem::unreadableKeysKept, names, copy);
+            } else {
+                settings_file::remove(copy);
+                report(problem::unreadableKeysLeft, names);
+            }
+        }
+        outcome.store =
+            std::make_unique<SqliteSettingsStore>(std::move(database), file, dependencies);
+    }
+
+    /// `sentence` says why the file is only read; empty when that is intended.
+    void read(std::string_view sentence = {}, std::string_view detail = {}) {
+        SettingsDatabase database;
+        const Finding finding = database.openForReading(file);
+        if (finding.state != FileState::usable) {
+            return reportUnusable(finding);
+        }
+        if (!sentence.empty()) {
+            report(sentence, detail);
+        }
+        if (const auto& keys = database.unreadableKeys(); !keys.empty()) {
+            report(problem::unreadableKeys, fmt::format("{}", fmt::join(keys, ", ")));
+        }
+        for (const settings_keys::Key& key : settings_keys::all) {
+            std::optional<SettingsValue> value;
+            if (database.read(key.name, value) == SQLITE_ROW && value) {
+                outcome.store->write(key.name, *value);
+            }
+        }
+    }
+};
 
 }  // namespace
 
-OpenedStore openSettingsStore(const Path& file, const SettingsSurroundings& surroundings) {
-    return file.empty() ? inMemory(settings_problem::noPlace()) : Opening(file).open(surroundings);
+OpenedStore openSettingsStore(const Path& file, const Dependencies& dependencies) {
+    Opening opening{settings_file::resolveLink(file)};
+    if (file.empty()) {
+        opening.report(problem::noHomeFolder);
+        return std::move(opening.outcome);
+    }
+    // Of a file that a link leads to, the folder is others' too.
+    const Path folder = file.parent_path();
+    if (const std::error_code error = settings_file::prepareFolder(folder)) {
+        opening.file = folder;
+        opening.report(problem::folderCannotBeMade, error.message());
+        return std::move(opening.outcome);
+    }
+    const auto lock = settings_file::lockFolder(folder);
+    SettingsDatabase database;
+    Finding finding = lock ? settings_file::inspect(opening.file) : Finding{FileState::locked};
+    if (finding.state == FileState::usable) {
+        finding = database.openForWriting(opening.file);
+    }
+    if (finding.state != FileState::usable) {
+        database = {};  // a file must not be renamed while it is open
+    }
+    switch (finding.state) {
+        case FileState::usable:
+            opening.use(std::move(database), dependencies);
+            break;
+        case FileState::missing:
+            opening.create(dependencies);
+            break;
+        case FileState::damaged:
+            opening.replace(problem::damaged, dependencies);
+            break;
+        case FileState::foreign:
+            opening.replace(problem::foreign, dependencies);
+            break;
+        case FileState::inaccessible:
+            opening.read(problem::canOnlyBeRead, finding.reason);
+            break;
+        default:
+            opening.reportUnusable(finding);
+            break;
+    }
+    return std::move(opening.outcome);
 }
 
 OpenedStore readSettingsStore(const Path& file) {
-    return file.empty() ? OpenedStore{std::make_unique<MemorySettingsStore>(), {}}
-                        : Opening(file).read();
+    Opening opening{settings_file::resolveLink(file)};
+    const Finding finding =
+        file.empty() ? Finding{FileState::missing} : settings_file::inspect(opening.file);
+    if (finding.state == FileState::usable) {
+        opening.read();
+    } else if (finding.state != FileState::missing) {
+        opening.reportUnusable(finding);
+    }
+    return std::move(opening.outcome);
 }
 
 }  // namespace tallowcrest

@@ -5,45 +5,31 @@
 #include <string>
 #include <vector>
 
-#include "core/clock.h"
-#include "core/queues.h"
-#include "core/settings_store.h"
 #include "platform/settings/sqlite_settings_store.h"
 
 namespace tallowcrest {
 
-/// A store that can be used whatever was found. Each problem is one sentence for the owner; none
-/// means that all is well.
 struct OpenedStore {
     std::unique_ptr<SettingsStore> store;  ///< never null
-    std::vector<std::string> problems;
+    std::vector<std::string> problems;     ///< one sentence each for the owner
 };
 
-/// What a store needs of its surroundings; both outlive it.
-struct SettingsSurroundings {
-    WorkQueue& workQueue;
-    const Clock& clock;  ///< names the files that are put aside
-    /// Hears of the first write of each outage that fails.
-    SqliteSettingsStore::Complain complain;
-    int logPages = SqliteSettingsStore::defaultLogPages;
-};
-
-/// Opens the settings in `file`, an absolute path, making the file and its folder for the user
-/// alone when they are missing. An empty path stands for a system that does not know the place.
+/// Opens the settings in `file`, an absolute path; empty when the system does not know the place.
+/// Creates a missing file or folder for the user alone.
 ///
-/// What is damaged, or somebody else's, is put aside under a new name and a fresh file begun. What
-/// another program keeps locked, what cannot be changed and what a newer version wrote is left
-/// exactly as it is; the store is then one in memory, with the stored values where they can be
-/// read. A row that makes no sense costs its own key alone, and is kept in a copy of the file;
-/// where no copy can be made the row stays, and its key is kept in memory.
+/// A damaged file, or one of another application, is put aside under a new name and a fresh one
+/// created. A file that is locked, cannot be written or comes from a newer version stays exactly as
+/// it is; the store is then in memory, with the stored values where they can be read. A row that
+/// makes no sense affects its own key only, and is kept in a copy of the file; without a copy the
+/// row stays, and its key is kept in memory.
 ///
-/// Two processes may do this at the same moment. Main thread; takes milliseconds, and at most some
-/// seconds where another process hangs while it does the same.
+/// Several processes may do this at once. Main thread; takes milliseconds, and 2 seconds at most
+/// while another process does the same.
 OpenedStore openSettingsStore(const std::filesystem::path& file,
-                              const SettingsSurroundings& surroundings);
+                              const SqliteSettingsStore::Dependencies& dependencies);
 
-/// The stored settings for somebody who must not change them: a store in memory that begins with
-/// what is in `file`. Makes no file that stays and no folder; one that is missing is no problem.
+/// A store in memory that starts with what is stored in `file`. Leaves no file or folder behind
+/// where no log has to be read. A missing file is no problem. Main thread.
 OpenedStore readSettingsStore(const std::filesystem::path& file);
 
 }  // namespace tallowcrest

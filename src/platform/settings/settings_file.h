@@ -1,82 +1,64 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <system_error>
 
 #include "core/date.h"
 #include "platform/base/unique_fd.h"
 
-/// The settings file as a file, before SQLite has seen it. Where the result is an `int` it is 0 or
-/// the system's error number. Main thread, once per file and process: closing a file gives up every
-/// lock that the process holds on it.
+namespace tallowcrest {
+
+enum class FileState {
+    usable,
+    missing,
+    damaged,
+    foreign,  ///< an intact database of another application
+    newer,    ///< ours, of a later format
+    locked,   ///< by another program
+    inaccessible,
+};
+
+struct Finding {
+    FileState state = FileState::usable;
+    std::string reason = {};  ///< of `inaccessible`
+};
+
+}  // namespace tallowcrest
+
+/// The settings file and the files that SQLite keeps beside it. Main thread.
 namespace tallowcrest::settings_file {
 
 using Path = std::filesystem::path;
 
-/// The file that `file` leads to when it is a symbolic link, for the companions lie beside that
-/// one; else `file` itself. One that leads nowhere stays.
-Path withoutLink(const Path& file);
+/// The target of a symbolic link, because the other files lie beside that; `file` itself when it is
+/// no link, or one that leads nowhere.
+Path resolveLink(const Path& file);
 
-/// Makes the folder and those above it that are missing, for the user alone. A folder that was
-/// there loses what it allowed to others.
-int prepareFolder(const Path& folder);
+/// Creates the folder and its missing parents; the folder becomes the user's alone.
+std::error_code prepareFolder(const Path& folder);
 
-/// Makes an empty file for the user alone, whatever the process's mask.
-int makeFile(const Path& file);
+/// Held while the settings are opened, created or put aside, but not while they are in use. Absent
+/// when another process holds it for 2 seconds, longer than any of that takes. On a file system
+/// without such locks nothing is locked.
+std::optional<UniqueFD> lockFolder(const Path& folder);
 
-/// Removes what `makeFile` made, with its companions. For a file that never held anything.
-void removeBegun(const Path& file);
+/// Judges without opening the file: `usable` means only that it is long enough.
+Finding inspect(const Path& file);
 
-/// Takes from an existing file and its companions what they allowed to others.
-void tighten(const Path& file);
-
-/// 0 when the file can be changed, and companions be made beside it.
-int checkWritable(const Path& file);
-
-/// Only one process at a time opens, makes or puts aside the settings. Nobody who just uses them
-/// takes this lock.
-class FolderLock {
-public:
-    explicit FolderLock(const Path& folder);
-    /// False when another process kept it for longer than any of that takes. A file system that
-    /// has no such locks counts as locked: then the processes have to be lucky.
-    bool isHeld() const { return isHeld_; }
-
-private:
-    UniqueFD descriptor_;
-    bool isHeld_ = false;
-};
-
-enum class Nature {
-    missing,
-    ours,
-    newer,    ///< ours, of a format that we do not know
-    foreign,  ///< a sound beginning of somebody else's database
-    damaged,  ///< anything else, an empty file and a log without its file among them
-    unreadable
-};
-
-struct Inspection {
-    Nature nature = Nature::unreadable;
-    int error = 0;  ///< why it is unreadable
-};
-
-/// Judges by the first bytes. Changes nothing.
-Inspection inspect(const Path& file);
-
-/// Whether there is a log of latest changes with something in it.
+/// Whether there are latest changes, or an unfinished one, beside the file.
 bool hasLog(const Path& file);
-/// False when SQLite would pass over the whole log as damaged. True too for one that is not there
-/// or cannot be read.
-bool logIsSound(const Path& file);
 
-/// A name beside the file with `now` in it that nothing else has.
-Path nameAside(const Path& file, Date now);
+/// Creates an empty file for the user alone, whatever the process's umask.
+std::error_code create(const Path& file);
 
-/// Renames the file and its companions, or the log alone, to a name with `now` in it that nothing
-/// else has. `keptAs` becomes the file's new path.
-int putAside(const Path& file, Date now, Path& keptAs);
-int putLogAside(const Path& file, Date now, Path& keptAs);
+/// The following include the files beside it.
+void remove(const Path& file);
+void withdrawAccessOfOthers(const Path& file);
+
+/// An unused name beside `file` with the time in it.
+Path freeName(const Path& file, Date now);
+std::error_code rename(const Path& file, const Path& name);
 
 }  // namespace tallowcrest::settings_file

@@ -3,46 +3,60 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
-/// What the owner is told when the stored settings cannot be had or kept: one plain sentence each,
-/// always valid UTF-8. It begins with what that means for the owner, for the window may show little
-/// more than the beginning, and ends with the place it is about. `reason` is the system's own
-/// words. Any thread.
+#include <fmt/format.h>
+
+#include "core/text.h"
+
+/// What the owner is told when stored settings cannot be read or kept. A sentence begins with the
+/// consequence, because the window may cut it short, and ends with the place: {0}. {1} is the
+/// system's reason or a list of keys, {2} the name of what was kept.
 namespace tallowcrest::settings_problem {
 
-using Path = std::filesystem::path;
+constexpr std::string_view noHomeFolder =
+    "Settings changes last only for this run: there is no home folder to keep them in.";
+constexpr std::string_view folderCannotBeMade =
+    "Settings changes last only for this run: their folder cannot be made, {1}, {0}.";
+constexpr std::string_view fileCannotBeMade =
+    "Settings changes last only for this run: their file cannot be made, {1}, {0}.";
+constexpr std::string_view locked =
+    "Settings are locked, so defaults are used and changes last only for this run: another program "
+    "keeps the file, {0}.";
+constexpr std::string_view newer =
+    "Settings are a newer version's, so defaults are used and changes last only for this run: the "
+    "file is left as it is, {0}.";
+constexpr std::string_view canOnlyBeRead =
+    "Settings can be read but not changed, so changes last only for this run: {1}, {0}.";
+constexpr std::string_view cannotBeRead =
+    "Settings cannot be read, so defaults are used and changes last only for this run: {1}, {0}.";
+constexpr std::string_view damaged =
+    "Settings are damaged, so Tallowcrest starts with defaults: the file was put aside as {2}, "
+    "{0}.";
+constexpr std::string_view foreign =
+    "The file holds no settings of ours, so Tallowcrest starts with defaults: it was put aside as "
+    "{2}, {0}.";
+constexpr std::string_view cannotBePutAside =
+    "Settings are damaged, so defaults are used and changes last only for this run: the file "
+    "cannot be put aside, {1}, {0}.";
+constexpr std::string_view damagedAndLeft =
+    "Settings cannot be read, so defaults are used: the file is damaged, {0}.";
+constexpr std::string_view unreadableKeys =
+    "Some settings make no sense, so their defaults are used: {1}, {0}.";
+constexpr std::string_view unreadableKeysKept =
+    "Some settings make no sense, so their defaults are used: {1}; the file as it was is kept as "
+    "{2}, {0}.";
+constexpr std::string_view unreadableKeysLeft =
+    "Some settings make no sense, so defaults are used and changed only for this run: {1}, {0}.";
+constexpr std::string_view cannotBeSaved =
+    "Settings cannot be saved for now, so changes may last only for this run: {1}, {0}.";
 
-/// The system does not say where the user's data belongs.
-std::string noPlace();
-std::string folderCannotBeMade(const Path& folder, std::string_view reason);
-std::string fileCannotBeMade(const Path& file, std::string_view reason);
-
-/// Another program keeps everybody else from the file.
-std::string locked(const Path& file);
-std::string newer(const Path& file);
-std::string canOnlyBeRead(const Path& file, std::string_view reason);
-std::string cannotBeRead(const Path& file, std::string_view reason);
-
-/// `keptAs` is where the owner finds it now.
-std::string damaged(const Path& file, const Path& keptAs);
-std::string notOurs(const Path& file, const Path& keptAs);
-/// Neither can be used, nor put aside.
-std::string damagedInPlace(const Path& file, std::string_view reason);
-/// For who only looks.
-std::string damagedAndLeft(const Path& file);
-/// The log of the latest changes made no sense; what was stored before them is there.
-std::string latestChangesLost(const Path& file, const Path& keptAs);
-/// The same for who only looks.
-std::string latestChangesUnreadable(const Path& file);
-/// `keys` has at least one.
-std::string unreadableKeys(const Path& file, const std::vector<std::string_view>& keys);
-std::string unreadableKeysKept(const Path& file, const std::vector<std::string_view>& keys,
-                               const Path& keptAs);
-/// No copy could be kept, so that the rows stay as they are.
-std::string unreadableKeysLeft(const Path& file, const std::vector<std::string_view>& keys);
-
-/// A write failed, and its value is in memory alone for now.
-std::string cannotBeSaved(const Path& file, std::string_view reason);
+/// Valid UTF-8, whatever encoding the paths and the detail are in. Any thread.
+inline std::string describe(std::string_view sentence, const std::filesystem::path& place,
+                            std::string_view detail = {},
+                            const std::filesystem::path& keptAs = {}) {
+    return fmt::format(fmt::runtime(sentence), replacingInvalidUTF8(place.native()),
+                       replacingInvalidUTF8(detail),
+                       replacingInvalidUTF8(keptAs.filename().native()));
+}
 
 }  // namespace tallowcrest::settings_problem

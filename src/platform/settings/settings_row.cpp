@@ -1,189 +1,129 @@
 #include "platform/settings/settings_row.h"
 
-#include <cmath>
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <limits>
+#include <set>
+#include <string>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
-#include "core/utf8.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
 
 using nlohmann::json;
 
-namespace kinds {
-constexpr std::string_view flag = "flag";
-constexpr std::string_view number = "number";
-constexpr std::string_view text = "text";
-constexpr std::string_view list = "list";
-constexpr std::string_view table = "table";
-constexpr std::string_view jsonText = "json";
-constexpr std::string_view data = "data";
-}  // namespace kinds
+/// In the order of `SettingsKind`.
+constexpr std::array<std::string_view, 7> kindNames{"flag",  "number", "text", "list",
+                                                    "table", "json",   "data"};
 
-using Row = std::optional<SettingsRow>;
+struct ValueBinder {
+    sqlite3_stmt* statement;
+    static constexpr int position = 2;
 
-class RowMaker {
-public:
-    explicit RowMaker(std::string& buffer) : buffer_(buffer) {}
-
-    Row operator()(bool flag) const { return SettingsRow{kinds::flag, std::int64_t{flag ? 1 : 0}}; }
-    Row operator()(double number) const {
-        return SettingsRow{kinds::number, std::isnan(number) ? RowValue{} : RowValue{number}};
+    int operator()(bool flag) const { return sqlite3_bind_int(statement, position, flag ? 1 : 0); }
+    int operator()(double number) const { return sqlite3_bind_double(statement, position, number); }
+    int operator()(const std::string& text) const {
+        return isValidUTF8(text) ? bindText(statement, position, text) : SQLITE_MISMATCH;
     }
-    Row operator()(const std::string& text) const { return textRow(kinds::text, text); }
-    Row operator()(const JSONData& data) const { return textRow(kinds::jsonText, data.text); }
-    Row operator()(const SettingsData& data) const {
-        return SettingsRow{kinds::data, RowBytes{data.bytes}};
+    int operator()(const JSONData& data) const { return (*this)(data.text); }
+    int operator()(const SettingsData& data) const {
+        return sqlite3_bind_blob64(statement, position, data.bytes.data(), data.bytes.size(),
+                                   SQLITE_TRANSIENT);
     }
-    Row operator()(const SettingsTextList& list) const {
-        json array = json::array();
-        for (const std::string& text : list) {
-            if (!isValidUTF8(text)) {
-                return std::nullopt;
-            }
-            array.push_back(text);
-        }
-        buffer_ = array.dump();
-        return SettingsRow{kinds::list, std::string_view(buffer_)};
-    }
-    Row operator()(const SettingsTable& table) const {
-        json object = json::object();
-        for (const auto& [key, count] : table) {
-            if (!isValidUTF8(key)) {
-                return std::nullopt;
-            }
-            object[key] = count;
-        }
-        buffer_ = object.dump();
-        return SettingsRow{kinds::table, std::string_view(buffer_)};
-    }
+    int operator()(const SettingsTextList& list) const { return bindJSON(list); }
+    int operator()(const SettingsTable& table) const { return bindJSON(table); }
 
 private:
-    static Row textRow(std::string_view kind, std::string_view text) {
-        return isValidUTF8(text) ? Row(SettingsRow{kind, text}) : std::nullopt;
-    }
-
-    std::string& buffer_;
-};
-
-/// Takes one flat array of texts or one flat object of integers and ends at anything else, so that
-/// a hostile text costs neither memory nor stack by its depth.
-class FlatReader final : public nlohmann::json_sax<json> {
-public:
-    bool null() override { return false; }
-    bool boolean(bool) override { return false; }
-    bool number_float(number_float_t, const string_t&) override { return false; }
-    bool binary(binary_t&) override { return false; }
-    bool number_integer(number_integer_t value) override { return add(value); }
-    bool number_unsigned(number_unsigned_t value) override {
-        constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
-        return value <= largest && add(static_cast<std::int64_t>(value));
-    }
-    bool string(string_t& value) override {
-        if (!isList) {
-            return false;
+    int bindJSON(const json& value) const {
+        try {
+            return (*this)(value.dump());
+        } catch (const json::type_error&) {  // for invalid UTF-8
+            return SQLITE_MISMATCH;
         }
-        list.push_back(std::move(value));
-        return true;
     }
-    bool start_array(std::size_t) override { return begin(isList); }
-    bool end_array() override { return true; }
-    bool start_object(std::size_t) override { return begin(isTable); }
-    bool end_object() override { return true; }
-    bool key(string_t& value) override {
-        key_ = std::move(value);
-        return true;
-    }
-    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
-        return false;
-    }
-
-    bool isList = false;
-    bool isTable = false;
-    SettingsTextList list;
-    SettingsTable table;
-
-private:
-    bool begin(bool& kind) {
-        const bool isOutermost = !isList && !isTable;
-        kind = true;
-        return isOutermost;
-    }
-
-    /// A name that comes twice leaves open which of its values counts.
-    bool add(std::int64_t value) { return isTable && table.emplace(key_, value).second; }
-
-    std::string key_;
 };
 
-std::optional<SettingsValue> numberOf(const RowValue& value) {
-    if (std::holds_alternative<std::monostate>(value)) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-        return static_cast<double>(*whole);
-    }
-    if (const auto* number = std::get_if<double>(&value)) {
-        return *number;
-    }
-    return std::nullopt;
+/// Discarded unless the text is one array or object without nested values and repeated names.
+json parseFlat(const std::string& text) {
+    bool isFlat = true;
+    std::set<json> names;
+    json parsed = json::parse(
+        text,
+        [&](int depth, json::parse_event_t event, const json& value) {
+            const bool isRepeated =
+                event == json::parse_event_t::key && !names.insert(value).second;
+            isFlat = isFlat && depth <= 1 && !isRepeated;
+            return isFlat;
+        },
+        false);
+    return isFlat ? parsed : json(json::value_t::discarded);
 }
 
-std::optional<SettingsValue> flagOf(const RowValue& value) {
-    const auto* number = std::get_if<std::int64_t>(&value);
-    if (number == nullptr || (*number != 0 && *number != 1)) {
-        return std::nullopt;
-    }
-    return *number == 1;
+bool isInteger(const json& value) {
+    constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+    return value.is_number_integer() &&
+           (!value.is_number_unsigned() || value.get<std::uint64_t>() <= largest);
 }
 
-std::optional<SettingsValue> flatOf(std::string_view text, std::string_view kind) {
-    FlatReader reader;
-    if (!json::sax_parse(text, &reader)) {
-        return std::nullopt;
-    }
-    if (kind == kinds::list && reader.isList) {
-        return std::move(reader.list);
-    }
-    if (kind == kinds::table && reader.isTable) {
-        return std::move(reader.table);
-    }
-    return std::nullopt;
+std::string columnBytes(sqlite3_stmt* statement, int column) {
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+    const int count = sqlite3_column_bytes(statement, column);
+    return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(count));
 }
 
 }  // namespace
 
-std::optional<SettingsRow> rowFor(const SettingsValue& value, std::string& buffer) {
-    return std::visit(RowMaker(buffer), value);
+int bindText(sqlite3_stmt* statement, int position, std::string_view text) {
+    // A null pointer would mean NULL.
+    return sqlite3_bind_text64(statement, position, text.empty() ? "" : text.data(), text.size(),
+                               SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
-std::optional<SettingsValue> valueOf(const SettingsRow& row) {
-    if (row.kind == kinds::number) {
-        return numberOf(row.value);
+int bindRow(sqlite3_stmt* statement, const SettingsValue& value) {
+    bindText(statement, 1, kindNames.at(value.index()));
+    return std::visit(ValueBinder{statement}, value);
+}
+
+std::optional<SettingsValue> valueInRow(sqlite3_stmt* statement) {
+    using Value = std::optional<SettingsValue>;
+    const std::string kind = columnBytes(statement, 0);
+    const int type = sqlite3_column_type(statement, 1);
+    if (kind == "flag") {
+        const std::int64_t flag = sqlite3_column_int64(statement, 1);
+        return type == SQLITE_INTEGER && (flag == 0 || flag == 1) ? Value(flag == 1) : std::nullopt;
     }
-    if (row.kind == kinds::flag) {
-        return flagOf(row.value);
+    if (kind == "number" && type == SQLITE_NULL) {
+        return std::numeric_limits<double>::quiet_NaN();
     }
-    if (row.kind == kinds::data) {
-        const auto* data = std::get_if<RowBytes>(&row.value);
-        return data == nullptr
-                   ? std::nullopt
-                   : std::optional<SettingsValue>(SettingsData{std::string(data->bytes)});
+    if (kind == "number" && (type == SQLITE_INTEGER || type == SQLITE_FLOAT)) {
+        return sqlite3_column_double(statement, 1);
     }
-    const auto* text = std::get_if<std::string_view>(&row.value);
-    if (text == nullptr || !isValidUTF8(*text)) {
+    std::string bytes = columnBytes(statement, 1);
+    if (kind == "data" && type == SQLITE_BLOB) {
+        return SettingsData{std::move(bytes)};
+    }
+    if (type != SQLITE_TEXT || !isValidUTF8(bytes)) {
         return std::nullopt;
     }
-    if (row.kind == kinds::text) {
-        return std::string(*text);
+    if (kind == "text") {
+        return bytes;
     }
-    if (row.kind == kinds::jsonText) {
-        return JSONData{std::string(*text)};
+    if (kind == "json") {
+        return JSONData{std::move(bytes)};
     }
-    return flatOf(*text, row.kind);
+    const json parsed = parseFlat(bytes);
+    if (kind == "list" && parsed.is_array() && std::ranges::all_of(parsed, &json::is_string)) {
+        return parsed.get<SettingsTextList>();
+    }
+    if (kind == "table" && parsed.is_object() && std::ranges::all_of(parsed, isInteger)) {
+        return parsed.get<SettingsTable>();
+    }
+    return std::nullopt;
 }
 
 }  // namespace tallowcrest

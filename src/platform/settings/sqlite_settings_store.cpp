@@ -1,51 +1,53 @@
 #include "platform/settings/sqlite_settings_store.h"
 
-#include <algorithm>
+#include <iterator>
 #include <utility>
+
+#include <fmt/format.h>
 
 #include "platform/settings/settings_problem.h"
 
 namespace tallowcrest {
 namespace {
 
-/// Moves the log's content into the file, and lets the log begin anew. Whoever writes first after
-/// that waits for the disk once more, lest old and new parts of the log be mixed up by a power
-/// failure. So this job itself is the first writer; what it writes changes nothing.
-void moveLog(const std::filesystem::path& path) {
+bool isBusy(int result) {
+    return (result & 0xFF) == SQLITE_BUSY;
+}
+
+/// Lets the last connection that closes move the log into the file.
+void mergeLogOnClose(SqliteConnection& connection) {
+    sqlite3_db_config(connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+}
+
+void moveLog(const std::filesystem::path& file) {
     SqliteConnection connection;
-    if (connection.open(path, SqliteConnection::Access::readWrite, settingsPatience) != SQLITE_OK ||
-        connection.execute("PRAGMA synchronous = NORMAL") != SQLITE_OK) {
-        return;
-    }
-    int pages = 0;
-    int moved = 0;
-    const int result = sqlite3_wal_checkpoint_v2(connection.get(), nullptr,
-                                                 SQLITE_CHECKPOINT_PASSIVE, &pages, &moved);
-    std::int64_t version = 0;
-    if (result == SQLITE_OK && pages > 0 && pages == moved &&
-        connection.queryInteger("PRAGMA user_version", version) == SQLITE_OK &&
-        version == settingsFormatVersion) {
+    if (connection.open(file, SqliteConnection::Access::readWrite, settingsLockTimeout) ==
+        SQLITE_OK) {
+        mergeLogOnClose(connection);
+        // The first change after a checkpoint waits for the disk, so it is made here. It sets a
+        // value to what it is.
         connection.execute(
-            ("PRAGMA user_version = " + std::to_string(settingsFormatVersion)).c_str());
+            fmt::format("PRAGMA synchronous = NORMAL;"
+                        "PRAGMA wal_checkpoint(PASSIVE);"
+                        "PRAGMA application_id = {}",
+                        settingsApplicationID));
     }
 }
 
 }  // namespace
 
-SqliteSettingsStore::SqliteSettingsStore(SqliteConnection connection, SettingsRows rows,
-                                         std::filesystem::path path, WorkQueue& workQueue,
-                                         Complain complain, int logPages,
-                                         const std::vector<std::string_view>& untouched)
-    : connection_(std::move(connection)),
-      rows_(std::move(rows)),
-      path_(std::move(path)),
-      workQueue_(workQueue),
-      complain_(std::move(complain)),
-      longestLog_(logPages),
-      untouched_(untouched.begin(), untouched.end()) {
-    // A hook of our own takes the place of the one that would move the log within a write.
+SqliteSettingsStore::SqliteSettingsStore(SettingsDatabase database, std::filesystem::path file,
+                                         const Dependencies& dependencies)
+    : database_(std::move(database)),
+      file_(std::move(file)),
+      dependencies_(dependencies),
+      jobs_(dependencies.jobs) {
+    for (const std::string_view key : database_.unreadableKeys()) {
+        inMemory_.emplace(key, std::nullopt);
+    }
+    // Replaces SQLite's own hook, which would move the log within a write.
     sqlite3_wal_hook(
-        connection_.get(),
+        database_.connection().get(),
         [](void* pages, sqlite3*, const char*, int count) {
             *static_cast<int*>(pages) = count;
             return SQLITE_OK;
@@ -54,90 +56,86 @@ SqliteSettingsStore::SqliteSettingsStore(SqliteConnection connection, SettingsRo
 }
 
 SqliteSettingsStore::~SqliteSettingsStore() {
-    connection_.setPatience(settingsPatience);
+    isLocked_ = false;
     retryUnsaved();
-    rows_ = {};
-    connection_.mergeLogAtClose();
+    mergeLogOnClose(database_.connection());
 }
 
 std::optional<SettingsValue> SqliteSettingsStore::read(std::string_view key) const {
-    if (isUntouched(key)) {
-        return instead_.read(key);
+    if (const auto kept = inMemory_.find(key); kept != inMemory_.end()) {
+        return kept->second;
     }
-    return rows_.read(key).value;
+    std::optional<SettingsValue> value;
+    database_.read(key, value);
+    return value;
 }
 
 void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value) {
-    if (isUntouched(key)) {
-        instead_.write(key, value);
+    if (const auto kept = inMemory_.find(key); kept != inMemory_.end()) {
+        kept->second = value;
         return;
     }
-    if (const int result = tryToWrite(key, value); result != SQLITE_OK) {
-        if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
-            return;
-        }
+    const int result = tryToWrite(key, value);
+    if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
+        return;
+    }
+    if (result != SQLITE_OK) {
         unsaved_.insert_or_assign(std::string(key), value);
-        if ((result & 0xFF) != SQLITE_BUSY) {
-            // On a full disk, the room that the log takes may be all there is.
-            moveLogAtLeisure();
+        if (!isBusy(result)) {
+            // On a full disk the log may take all the room that there is.
+            moveLogInBackground();
         }
         return;
     }
-    if (const auto older = unsaved_.find(key); older != unsaved_.end()) {
-        unsaved_.erase(older);
-    }
+    std::erase_if(unsaved_, [key](const auto& entry) { return entry.first == key; });
     retryUnsaved();
     if (unsaved_.empty()) {
         hasComplained_ = false;
     }
-    if (logPages_ >= longestLog_) {
-        moveLogAtLeisure();
+    if (logPages_ >= dependencies_.logPages) {
+        moveLogInBackground();
     }
-}
-
-bool SqliteSettingsStore::isUntouched(std::string_view key) const {
-    return std::find(untouched_.begin(), untouched_.end(), key) != untouched_.end();
 }
 
 int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& value) {
-    const int result = rows_.write(key, value);
+    const int lockTimeout = isLocked_ ? 0 : static_cast<int>(settingsLockTimeout.count());
+    sqlite3_busy_timeout(database_.connection().get(), lockTimeout);
+    const int result = database_.write(key, value);
     if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
-        // No other time would be better for it.
+        // Says nothing about the file.
         return result;
     }
-    if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && complain_) {
-        complain_(settings_problem::cannotBeSaved(path_, connection_.message()));
+    if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && dependencies_.complain) {
+        dependencies_.complain(settings_problem::describe(settings_problem::cannotBeSaved, file_,
+                                                          database_.connection().message()));
     }
-    const bool isLocked = (result & 0xFF) == SQLITE_BUSY;
-    if (std::exchange(isLocked_, isLocked) != isLocked) {
-        connection_.setPatience(isLocked ? std::chrono::milliseconds(0) : settingsPatience);
-    }
+    isLocked_ = isBusy(result);
     return result;
 }
 
 void SqliteSettingsStore::retryUnsaved() {
     for (auto entry = unsaved_.begin(); entry != unsaved_.end();) {
         const int result = tryToWrite(entry->first, entry->second);
-        if (result == SQLITE_OK) {
-            entry = unsaved_.erase(entry);
-        } else if ((result & 0xFF) == SQLITE_BUSY) {
-            // The next one would only wait as long.
+        if (isBusy(result)) {
+            // The others would wait for the same lock.
             return;
-        } else {
-            ++entry;
         }
+        entry = result == SQLITE_OK ? unsaved_.erase(entry) : std::next(entry);
     }
 }
 
-void SqliteSettingsStore::moveLogAtLeisure() {
+void SqliteSettingsStore::moveLogInBackground() {
     if (logIsMoving_->exchange(true)) {
         return;
     }
     logPages_ = 0;
-    workQueue_.post([path = path_, isMoving = logIsMoving_] {
-        moveLog(path);
-        *isMoving = false;
-    });
+    jobs_.run(
+        Lane::settings,
+        [file = file_, isMoving = logIsMoving_](const Stop&) {
+            moveLog(file);
+            *isMoving = false;
+        },
+        [] {});
 }
 
 }  // namespace tallowcrest

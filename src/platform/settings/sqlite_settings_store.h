@@ -8,72 +8,65 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "core/queues.h"
-#include "core/settings_store.h"
-#include "platform/settings/settings_rows.h"
-#include "platform/settings/sqlite_connection.h"
+#include "core/clock.h"
+#include "core/jobs/jobs.h"
+#include "core/settings/settings_store.h"
+#include "platform/settings/settings_database.h"
 
 namespace tallowcrest {
 
-/// The settings in a file. When `write` returns, the value is with the system: the end of this
-/// process at any moment, by a signal too, leaves every value whole and loses none. A power failure
-/// may cost the latest seconds, and never more than those. Main thread.
+/// The settings in a file. When `write` returns, the system has the value: a process that is killed
+/// at any moment leaves every value whole and loses none. A power failure may cost the latest
+/// seconds. Main thread.
 ///
-/// A write appends to a log beside the file and waits for no disk. Every so often the log's content
-/// has to move into the file, which does wait; that happens on the work queue, through a connection
-/// of its own, and once more when the store is destroyed.
-///
-/// Another process may write to the same file; a value is then one's or the other's, whole. Within
-/// one process a file is to be opened once.
+/// A write appends to a log and does not wait for the disk. Moving the log into the file does wait;
+/// that happens in the background and in the destructor. Other processes may write to the same
+/// file; within one process it must be opened only once.
 class SqliteSettingsStore final : public SettingsStore {
 public:
-    /// Takes one sentence for the owner. Called within a write, so it must not itself write before
-    /// that has returned. Main thread.
+    /// Takes one sentence for the owner. Must not call `write`, which calls it. Main thread.
     using Complain = std::function<void(const std::string&)>;
 
-    /// How many pages of 4 kB the log may have before it is moved: some 10 minutes of samples.
-    static constexpr int defaultLogPages = 1024;
+    struct Dependencies {
+        Jobs& jobs;          ///< outlives the store
+        const Clock& clock;  ///< names files that are put aside
+        Complain complain;   ///< once per outage, with its first failed write
+        /// Of 4 kB: at this size the log is moved. The default is some 10 minutes of samples.
+        int logPages = 1024;
+    };
 
-    /// `rows` are prepared on `connection`, and `path` is its file. `workQueue` must outlive the
-    /// store. The rows of the keys `untouched` are left as they are: what is written to those lasts
-    /// as long as the store.
-    SqliteSettingsStore(SqliteConnection connection, SettingsRows rows, std::filesystem::path path,
-                        WorkQueue& workQueue, Complain complain, int logPages,
-                        const std::vector<std::string_view>& untouched = {});
+    /// `file` is open in `database` for writing. The rows of its unreadable keys stay as they are;
+    /// these keys are kept in memory only.
+    SqliteSettingsStore(SettingsDatabase database, std::filesystem::path file,
+                        const Dependencies& dependencies);
     SqliteSettingsStore(const SqliteSettingsStore&) = delete;
     SqliteSettingsStore& operator=(const SqliteSettingsStore&) = delete;
     ~SqliteSettingsStore() override;
 
     std::optional<SettingsValue> read(std::string_view key) const override;
 
-    /// A failure (a full disk, a lock that is not let go of) leaves the older value. It is
-    /// complained of once an outage, which ends when everything is stored; the value is kept in
-    /// memory and tried again after the next write that succeeds, and at the end. Once a lock has
-    /// been waited for in vain, no write waits for it again until one succeeds.
+    /// A failed write (full disk, lock) leaves the older value in the file. The new one is kept in
+    /// memory and tried again after the next successful write and in the destructor. An outage ends
+    /// when everything is stored. Only its first write waits for a lock.
     void write(std::string_view key, const SettingsValue& value) override;
 
 private:
-    bool isUntouched(std::string_view key) const;
     int tryToWrite(std::string_view key, const SettingsValue& value);
     void retryUnsaved();
-    void moveLogAtLeisure();
+    void moveLogInBackground();
 
-    SqliteConnection connection_;
-    mutable SettingsRows rows_;
-    std::filesystem::path path_;
-    WorkQueue& workQueue_;
-    Complain complain_;
-    int longestLog_;
+    mutable SettingsDatabase database_;
+    std::filesystem::path file_;
+    Dependencies dependencies_;
     int logPages_ = 0;
     /// Shared with the job, which may outlive the store.
     std::shared_ptr<std::atomic<bool>> logIsMoving_ = std::make_shared<std::atomic<bool>>(false);
     std::map<std::string, SettingsValue, std::less<>> unsaved_;
-    std::vector<std::string> untouched_;
-    MemorySettingsStore instead_;  ///< what was written to the keys `untouched_`
+    std::map<std::string, std::optional<SettingsValue>, std::less<>> inMemory_;
     bool hasComplained_ = false;
     bool isLocked_ = false;
+    JobScope jobs_;
 };
 
 }  // namespace tallowcrest

@@ -38,11 +38,11 @@ void CapturedStream::readAvailable() {
 }
 
 void CapturedStream::readRemaining() {
-    int held = 0;
-    if (!readEnd_.valid() || ::ioctl(readEnd_.get(), FIONREAD, &held) != 0 || held <= 0) {
+    int available = 0;
+    if (!readEnd_.valid() || ::ioctl(readEnd_.get(), FIONREAD, &available) != 0 || available <= 0) {
         return;
     }
-    auto remaining = static_cast<std::size_t>(held);
+    auto remaining = static_cast<std::size_t>(available);
     while (remaining > 0) {
         const std::size_t count = read(std::min(remaining, buffer_.size()));
         if (count == 0) {

@@ -9,29 +9,30 @@
 
 namespace tallowcrest {
 
-/// A pipe for one of a tool's streams: our end does not block, and both keep clear of the three
-/// standard numbers, which the child's set-up overwrites. 0, or the error number. Any thread.
+/// Opens a pipe for one output stream of a tool. The read end does not block. Both ends avoid the
+/// three standard descriptors, which the set-up of the child overwrites. Returns 0 or the error
+/// number. Any thread.
 int openCapturePipe(spawn_support::Pipe& pipe);
 
-/// Our end of one of a tool's streams. Reads never block. One thread.
+/// The read end of one output stream of a tool. Reads never block. One thread.
 class CapturedStream {
 public:
-    /// Appends to `output`, which may be null to discard, until that holds `maximumBytes`; from
-    /// then on the stream is read and dropped. `output` outlives the stream.
+    /// Appends to `output` until that holds `maximumBytes`, and discards the rest. A null `output`
+    /// discards everything. `output` must outlive the stream.
     CapturedStream(UniqueFD readEnd, std::string* output, std::size_t maximumBytes);
 
     /// -1 once the stream has ended.
     int descriptor() const { return readEnd_.get(); }
 
-    /// Reads once.
+    /// Makes one read call.
     void readAvailable();
 
-    /// Takes what the pipe holds at the moment of the call, and no more than that: somebody else
-    /// may still be writing into it.
+    /// Reads what the pipe holds at the moment of the call and no more, as another process may
+    /// still be writing to it.
     void readRemaining();
 
 private:
-    /// The number of bytes read; 0 when there are none for now or the stream has ended.
+    /// Returns the number of bytes read; 0 when none are available or the stream has ended.
     std::size_t read(std::size_t limit);
 
     UniqueFD readEnd_;

@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/base/activation_variables.h"
+#include "platform/base/environment.h"
 #include "platform/tools/spawn_support.h"
 
 namespace tallowcrest {
 namespace {
 
-bool isForThisProcessAlone(std::string_view variable) {
+bool isActivationVariable(std::string_view variable) {
     const std::size_t end = variable.find('=');
     const std::string_view name = variable.substr(0, end);
     return end != std::string_view::npos &&
@@ -20,10 +20,10 @@ bool isForThisProcessAlone(std::string_view variable) {
 
 }  // namespace
 
-ChildEnvironment::ChildEnvironment(const char* const* from) {
-    for (const char* const* variable = from; variable != nullptr && *variable != nullptr;
+ChildEnvironment::ChildEnvironment(const char* const* source) {
+    for (const char* const* variable = source; variable != nullptr && *variable != nullptr;
          ++variable) {
-        if (!isForThisProcessAlone(*variable)) {
+        if (!isActivationVariable(*variable)) {
             texts_.emplace_back(*variable);
         }
     }

@@ -5,16 +5,15 @@
 
 namespace tallowcrest {
 
-/// A copy of an environment without the desktop's leave for one window to come to the front, which
-/// is for this process alone.
+/// A copy of an environment without the activation token, which is meant for this process only.
 class ChildEnvironment {
 public:
-    /// `from` ends with a null pointer, as `environ` does; null itself is an empty environment.
-    explicit ChildEnvironment(const char* const* from);
+    /// `source` ends with a null pointer, as `environ` does; null means an empty environment.
+    explicit ChildEnvironment(const char* const* source);
     ChildEnvironment(const ChildEnvironment&) = delete;
     ChildEnvironment& operator=(const ChildEnvironment&) = delete;
 
-    /// In the same form, for as long as this object lives.
+    /// In the same form. Valid as long as this object lives.
     char* const* variables() const { return pointers_.data(); }
 
 private:
@@ -22,9 +21,9 @@ private:
     std::vector<char*> pointers_;
 };
 
-/// What children inherit: this process's environment as it was at the first call. A copy, because
-/// the main thread lends such a leave to the environment now and then, while other threads launch
-/// tools. Any thread; the first call before others change the environment.
+/// The environment that children inherit: that of this process at the first call. A copy, because
+/// the main thread changes the activation token while other threads launch tools. Any thread; the
+/// first call must come before any change of the environment.
 char* const* childEnvironment();
 
 }  // namespace tallowcrest

@@ -62,23 +62,23 @@ public:
 
     int prepare() {
         if (error_ == 0) {
-            // A session, not only a group: a background group that asks the terminal for a password
-            // is stopped by it, and a stopped tool would not even hear the request to terminate.
+            // A session, not only a group: a background group that reads a password from the
+            // terminal is stopped, and a stopped tool does not handle SIGTERM.
             error_ = ::posix_spawnattr_setflags(
                 &attributes_, static_cast<short>(POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK |
                                                  POSIX_SPAWN_SETSIGDEF));
         }
-        sigset_t none;
-        sigset_t changeable;
-        ::sigemptyset(&none);
-        ::sigfillset(&changeable);
-        ::sigdelset(&changeable, SIGKILL);
-        ::sigdelset(&changeable, SIGSTOP);
+        sigset_t blocked;
+        sigset_t defaulted;
+        ::sigemptyset(&blocked);
+        ::sigfillset(&defaulted);
+        ::sigdelset(&defaulted, SIGKILL);
+        ::sigdelset(&defaulted, SIGSTOP);
         if (error_ == 0) {
-            error_ = ::posix_spawnattr_setsigmask(&attributes_, &none);
+            error_ = ::posix_spawnattr_setsigmask(&attributes_, &blocked);
         }
         if (error_ == 0) {
-            error_ = ::posix_spawnattr_setsigdefault(&attributes_, &changeable);
+            error_ = ::posix_spawnattr_setsigdefault(&attributes_, &defaulted);
         }
         return error_;
     }
@@ -91,7 +91,7 @@ private:
     bool initialised_;
 };
 
-bool holdsNUL(const std::string& text) {
+bool containsNUL(const std::string& text) {
     return text.find('\0') != std::string::npos;
 }
 
@@ -109,7 +109,7 @@ int ChildProcess::spawn(const std::string& path, const std::vector<std::string>&
     if (!path.starts_with('/')) {
         return ENOENT;
     }
-    if (holdsNUL(path) || std::any_of(arguments.begin(), arguments.end(), holdsNUL)) {
+    if (containsNUL(path) || std::any_of(arguments.begin(), arguments.end(), containsNUL)) {
         return EINVAL;
     }
 
@@ -158,12 +158,12 @@ bool ChildProcess::reap(int waitOptions) {
     if (waited == 0) {
         return false;
     }
-    // Anything else than the child's own pid means that its status is lost: somebody in this
-    // process ignores the death of children.
+    // Any other result than the pid means that the status is lost: other code in this process
+    // ignores SIGCHLD.
     if (waited == pid_ && WIFEXITED(status)) {
         terminationStatus_ = WEXITSTATUS(status);
     }
-    giveUp();
+    abandon();
     return true;
 }
 
@@ -175,15 +175,15 @@ void ChildProcess::terminate() {
     if (pid_ < 0) {
         return;
     }
-    // The group first, so that what the tool started lets go of the pipes as well. Not waited for
-    // yet, the child's pid and group cannot have become another's.
+    // The group first, so that the tool's own children close the pipes too. As the child has not
+    // been waited for, its pid and group cannot have been reused.
     ::kill(-pid_, SIGTERM);
     if (::getpgid(pid_) != pid_) {
         ::kill(pid_, SIGTERM);
     }
 }
 
-void ChildProcess::giveUp() {
+void ChildProcess::abandon() {
     pid_ = -1;
     exitDescriptor_.reset();
 }

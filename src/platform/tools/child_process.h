@@ -10,9 +10,9 @@
 
 namespace tallowcrest {
 
-/// One launched tool. It leads a session and process group of its own and starts with default
-/// signal handling, nothing blocked, an empty standard input, and no descriptor beyond the standard
-/// three. One thread.
+/// One launched tool. It leads its own session and process group, and starts with default signal
+/// handlers, no blocked signals, an empty standard input, and only the three standard descriptors.
+/// One thread.
 class ChildProcess {
 public:
     ChildProcess() = default;
@@ -22,30 +22,30 @@ public:
     /// Asks a child that is still running to terminate, and waits for its exit.
     ~ChildProcess();
 
-    /// Launches `path`, with its standard output and standard error on the two descriptors. 0, or
-    /// the error number, with no child. A path that is not absolute, and a text that could not be
-    /// handed over whole because of a NUL in it, are refused. Called once.
+    /// Launches `path` with its standard output and standard error on the given descriptors.
+    /// Returns 0, or the error number when no child was started. Refuses a relative path, and any
+    /// string that contains a NUL and so could not be passed completely. Called once.
     int spawn(const std::string& path, const std::vector<std::string>& arguments,
               int standardOutput, int standardError);
 
-    /// Polls as readable once the child has exited. -1 where the system cannot tell: then the owner
-    /// asks `hasExited` from time to time.
+    /// Polls as readable once the child has exited. -1 where the system has no such descriptor;
+    /// call `hasExited` periodically then.
     int exitDescriptor() const { return exitDescriptor_.get(); }
 
-    /// Takes the exit status when there is one. Does not block.
+    /// Whether the child has exited; collects its exit status if so. Does not block.
     bool hasExited();
 
-    /// After the exit; absent when a signal ended the child or its status was lost.
+    /// Valid after the exit. Absent when a signal ended the child or its status was lost.
     std::optional<int> terminationStatus() const { return terminationStatus_; }
 
-    /// Asks the child, and what it started in its group, to terminate.
+    /// Asks the child and its process group to terminate.
     void terminate();
 
-    /// Leaves the child to itself. Its zombie then stays until this process ends.
-    void giveUp();
+    /// Stops waiting for the child. Its zombie remains until this process ends.
+    void abandon();
 
 private:
-    /// True when the child is gone.
+    /// Returns true when no child is left to wait for.
     bool reap(int waitOptions);
 
     pid_t pid_ = -1;  ///< -1 when there is no child to wait for

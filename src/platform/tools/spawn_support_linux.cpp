@@ -30,7 +30,7 @@ int closeOtherDescriptors([[maybe_unused]] posix_spawnattr_t& attributes,
 }
 
 UniqueFD openExitDescriptor(pid_t child) {
-    // By number, because the library's own wrapper is younger than the kernels it runs on.
+    // A direct system call, because older C libraries have no wrapper for it.
     return UniqueFD(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
 }
 

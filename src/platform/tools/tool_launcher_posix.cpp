@@ -23,15 +23,15 @@ namespace tallowcrest {
 namespace {
 
 using MonotonicClock = std::chrono::steady_clock;
-using Instant = MonotonicClock::time_point;
+using TimePoint = MonotonicClock::time_point;
 
-/// How often to look where nothing announces an exit or a stop.
-constexpr std::chrono::milliseconds pollStep{20};
+/// The polling interval where no descriptor signals the exit or the stop.
+constexpr std::chrono::milliseconds pollInterval{20};
 
-/// How long a tool may take to end by itself once the whole process is about to end.
+/// How long a tool may take to terminate after `requestStop`.
 constexpr std::chrono::milliseconds stopGrace{500};
 
-/// Keeps the arithmetic of instants far from overflow.
+/// Keeps deadline arithmetic from overflowing.
 constexpr std::chrono::milliseconds longestTimeout = std::chrono::hours(24 * 365);
 
 ToolResult notLaunched(int error) {
@@ -40,7 +40,7 @@ ToolResult notLaunched(int error) {
     return result;
 }
 
-/// A launched tool until its launch is over. `result` and `child` outlive it.
+/// A tool from its start to the end of `launch`. `child` and `result` must outlive it.
 class RunningTool {
 public:
     RunningTool(ChildProcess& child, UniqueFD output, UniqueFD error, ToolResult& result,
@@ -57,30 +57,30 @@ public:
 
     bool isOver() const { return over_; }
 
-    /// Whether the stop still has to be told to this launch.
-    bool awaitsStop() const { return !giveUp_; }
+    /// Whether `stop` has not been called yet.
+    bool awaitsStop() const { return !abandonAt_; }
 
-    /// The process is about to end: the tool is asked to terminate, unless it has been before, and
-    /// from now on the launch no longer waits for as long as the tool likes.
+    /// Asks the tool to terminate, unless its deadline has done so already, and limits how long
+    /// the launch keeps waiting for it.
     void stop() {
-        const Instant now = MonotonicClock::now();
+        const TimePoint now = MonotonicClock::now();
         if (result_.deadlinePassed) {
-            giveUp_ = now;
+            abandonAt_ = now;
             return;
         }
-        giveUp_ = now + stopGrace;
+        abandonAt_ = now + stopGrace;
         child_.terminate();
     }
 
-    /// Does what is due by now.
-    void keepSchedule() {
-        const Instant now = MonotonicClock::now();
+    /// Acts on the deadlines that have passed.
+    void enforceDeadlines() {
+        const TimePoint now = MonotonicClock::now();
         const bool deadlineDue = deadline_ && now >= *deadline_;
-        const bool giveUpDue = giveUp_ && (deadlineDue || now >= *giveUp_);
-        if (!deadlineDue && !giveUpDue) {
+        const bool abandonDue = abandonAt_ && (deadlineDue || now >= *abandonAt_);
+        if (!deadlineDue && !abandonDue) {
             return;
         }
-        // It may have exited while nobody looked.
+        // It may have exited since the last poll.
         if (child_.hasExited()) {
             over_ = true;
             return;
@@ -88,19 +88,19 @@ public:
         if (deadlineDue) {
             deadline_.reset();
             result_.deadlinePassed = true;
-            if (!giveUp_) {
+            if (!abandonAt_) {
                 child_.terminate();
             }
         }
-        if (giveUpDue) {
-            child_.giveUp();
+        if (abandonDue) {
+            child_.abandon();
             over_ = true;
         }
     }
 
-    /// Waits until the tool writes, exits or has something due, or the stop comes. Takes what the
-    /// tool wrote and notices its exit.
-    void waitForNews(int stopDescriptor) {
+    /// Waits until the tool writes or exits, a deadline passes, or the stop is requested. Reads the
+    /// output and notices the exit.
+    void waitForEvents(int stopDescriptor) {
         const bool exitWakes = child_.exitDescriptor() >= 0;
         const bool stopWakes = !awaitsStop() || stopDescriptor >= 0;
         std::array<pollfd, 4> descriptors{{{output_.descriptor(), POLLIN, 0},
@@ -112,20 +112,20 @@ public:
             if (errno == EINTR) {
                 return;
             }
-            // Out of memory for the moment, say. What follows is harmless without news.
-            std::this_thread::sleep_for(pollStep);
+            // Possibly out of memory for a moment. Non-blocking reads do no harm without data.
+            std::this_thread::sleep_for(pollInterval);
             for (pollfd& descriptor : descriptors) {
                 descriptor.revents = POLLIN;
             }
         }
-        const auto& [outputNews, errorNews, exitNews, stopNews] = descriptors;
-        if (outputNews.revents != 0) {
+        const auto& [output, error, exit, stop] = descriptors;
+        if (output.revents != 0) {
             output_.readAvailable();
         }
-        if (errorNews.revents != 0) {
+        if (error.revents != 0) {
             error_.readAvailable();
         }
-        if (exitNews.revents != 0 || !exitWakes) {
+        if (exit.revents != 0 || !exitWakes) {
             over_ = child_.hasExited();
         }
     }
@@ -137,11 +137,11 @@ public:
     }
 
 private:
-    /// Milliseconds for `poll`, rounded up so that it cannot turn into a busy wait; -1: no limit.
+    /// The timeout for `poll` in milliseconds, rounded up to avoid a busy wait; -1 for none.
     int pollTimeout(bool everythingWakes) const {
-        std::optional<Instant> next = deadline_;
-        if (giveUp_ && (!next || *giveUp_ < *next)) {
-            next = giveUp_;
+        std::optional<TimePoint> next = deadline_;
+        if (abandonAt_ && (!next || *abandonAt_ < *next)) {
+            next = abandonAt_;
         }
         std::optional<std::chrono::milliseconds> wait;
         if (next) {
@@ -150,7 +150,7 @@ private:
                 std::chrono::milliseconds(0));
         }
         if (!everythingWakes) {
-            wait = wait ? std::min(*wait, pollStep) : pollStep;
+            wait = wait ? std::min(*wait, pollInterval) : pollInterval;
         }
         if (!wait) {
             return -1;
@@ -163,15 +163,15 @@ private:
     ToolResult& result_;
     CapturedStream output_;
     CapturedStream error_;
-    std::optional<Instant> deadline_;  ///< none once it has passed
-    std::optional<Instant> giveUp_;    ///< only after a stop
+    std::optional<TimePoint> deadline_;   ///< absent once it has passed
+    std::optional<TimePoint> abandonAt_;  ///< absent until `stop`
     bool over_ = false;
 };
 
 }  // namespace
 
 PosixToolLauncher::PosixToolLauncher() {
-    // Before other threads are there that could change it meanwhile.
+    // Takes the copy before other threads can change the environment.
     childEnvironment();
     if (spawn_support::openPipe(stopPipe_) != 0) {
         stopPipe_ = {};
@@ -182,7 +182,7 @@ void PosixToolLauncher::requestStop() {
     if (stopRequested_.exchange(true) || !stopPipe_.writeEnd.valid()) {
         return;
     }
-    // Never read again, so that it wakes each launch that waits, however many there are.
+    // The byte is never read, so it wakes every waiting launch.
     ssize_t written = -1;
     do {
         written = ::write(stopPipe_.writeEnd.get(), "", 1);
@@ -215,17 +215,17 @@ ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
     result.launched = true;
     RunningTool tool(child, std::move(output.readEnd), std::move(error.readEnd), result,
                      request.timeout);
-    // Held open here, they would keep the streams from ever ending.
+    // Kept open here, they would keep the streams from ending.
     output.writeEnd.reset();
     error.writeEnd.reset();
 
     while (!tool.isOver()) {
-        tool.waitForNews(stopPipe_.readEnd.get());
+        tool.waitForEvents(stopPipe_.readEnd.get());
         if (!tool.isOver() && stopRequested_ && tool.awaitsStop()) {
             tool.stop();
         }
         if (!tool.isOver()) {
-            tool.keepSchedule();
+            tool.enforceDeadlines();
         }
     }
     tool.finish();

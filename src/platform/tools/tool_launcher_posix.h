@@ -8,30 +8,30 @@
 
 namespace tallowcrest {
 
-/// Launches tools as children of this process. It is destroyed only after every call has returned.
+/// Launches tools as children of this process. Destroyed only after every call has returned.
 ///
-/// Both output streams are drained while the tool runs, so that a tool never stalls on a full pipe.
-/// A tool that has exited is done, even if something that it started keeps its output open: what
-/// the pipe holds at that moment is taken, and nothing more is waited for.
+/// Both output streams are drained while the tool runs, so it never stalls on a full pipe. The
+/// launch ends when the tool exits, even if a child of the tool keeps its output open: what the
+/// pipe holds at that moment is read, and nothing more is waited for.
 class PosixToolLauncher final : public ToolLauncher {
 public:
-    /// What one launch captures at most; the tool goes on undisturbed and the excess is dropped.
+    /// The most output that one launch captures. The tool runs on, and the rest is discarded.
     static constexpr std::size_t maximumOutputBytes = 64U << 20U;
 
     PosixToolLauncher();
 
     ToolResult launch(const ToolRequest& request) override;
 
-    /// For the end of the process: running tools are asked to terminate at once, and one that has
-    /// not ended shortly after, or by its deadline if that comes first, is given up: its launch
-    /// returns without a termination status and the tool is left to itself. Nothing is launched any
-    /// more. Returns at once; any thread; for good.
+    /// For the shutdown of the process. Running tools are asked to terminate. One that has not
+    /// ended shortly after, or by its deadline if that comes first, is abandoned: its launch
+    /// returns without a termination status, and the tool runs on. Later launches fail. Returns
+    /// immediately; any thread; cannot be undone.
     void requestStop();
 
 private:
     std::atomic<bool> stopRequested_ = false;
-    /// Readable from the stop on, which wakes every waiting launch. Without ends when there was no
-    /// descriptor left for it; launches then look at the flag from time to time.
+    /// Readable after `requestStop`, which wakes every waiting launch. Without descriptors when
+    /// none were left; launches then poll the flag.
     spawn_support::Pipe stopPipe_;
 };
 

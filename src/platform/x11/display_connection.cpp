@@ -15,10 +15,10 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/base/environment_lock.h"
+#include "platform/base/environment.h"
 #include "platform/base/local_socket.h"
 #include "platform/base/unique_fd.h"
-#include "platform/x11/xcb_memory.h"
+#include "platform/x11/xcb_requests.h"
 
 namespace tallowcrest {
 namespace {
@@ -28,8 +28,7 @@ struct DisplayName {
     int screen = 0;
 };
 
-/// Absent without a display, and for one that is reached through the network, where looking up its
-/// machine could take any time.
+/// Absent without a display, and for a remote one, because resolving its host could block.
 std::optional<DisplayName> localDisplayName() {
     char* parsedHost = nullptr;
     int display = 0;
@@ -40,16 +39,16 @@ std::optional<DisplayName> localDisplayName() {
             return std::nullopt;
         }
     }
-    const XcbMemory<char> host(parsedHost);
-    const std::string_view hostName(host.get());
-    if (!hostName.empty() && hostName != "unix") {
+    const XcbPointer<char> host(parsedHost);
+    const std::string_view displayHost(host.get());
+    if (!displayHost.empty() && displayHost != "unix") {
         return std::nullopt;
     }
     name.number = std::to_string(display);
     return name;
 }
 
-/// Never waits: a display with a full queue of callers is as good as none.
+/// Never blocks: a display whose connection queue is full counts as unavailable.
 UniqueFD connectedSocket(const DisplayName& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -71,11 +70,11 @@ struct DisposeAuth {
 };
 using Auth = std::unique_ptr<Xauth, DisposeAuth>;
 
-/// The owner's leave to use the display. Null where none is kept; some displays ask for none.
+/// The authorization data for the display. Null when there is none; some displays require none.
 Auth authFor(const DisplayName& name) {
-    // The library builds its file's name from the environment, in a buffer that all threads share.
+    // The library builds the file name from the environment in a buffer shared by all threads.
     const std::lock_guard guard(environmentLock());
-    const std::string host = windowHostName();
+    const std::string host = hostName();
     std::string type = "MIT-MAGIC-COOKIE-1";
     std::array<char*, 1> types{type.data()};
     const std::array<int, 1> lengths{static_cast<int>(type.size())};
@@ -95,26 +94,26 @@ xcb_window_t rootOf(xcb_connection_t* connection, int screen) {
 
 }  // namespace
 
-std::string windowHostName() {
+std::string hostName() {
     std::array<char, 256> name{};
-    // One byte is left, for a name that is cut short need not be ended by a zero.
+    // The last byte stays zero, as a truncated name need not be terminated.
     return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data())
                                                             : std::string();
 }
 
-DisplayConnection::PipeSignalBlock::PipeSignalBlock() {
+DisplayConnection::SIGPIPEBlock::SIGPIPEBlock() {
     sigset_t pending;
     ::sigpending(&pending);
     wasPending_ = ::sigismember(&pending, SIGPIPE) == 1;
-    ::sigemptyset(&pipeSignal_);
-    ::sigaddset(&pipeSignal_, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &pipeSignal_, &before_);
+    ::sigemptyset(&signal_);
+    ::sigaddset(&signal_, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &signal_, &before_);
 }
 
-DisplayConnection::PipeSignalBlock::~PipeSignalBlock() {
+DisplayConnection::SIGPIPEBlock::~SIGPIPEBlock() {
     if (!wasPending_) {
         const timespec noTime{};
-        while (::sigtimedwait(&pipeSignal_, nullptr, &noTime) == -1 && errno == EINTR) {
+        while (::sigtimedwait(&signal_, nullptr, &noTime) == -1 && errno == EINTR) {
         }
     }
     ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
@@ -139,7 +138,7 @@ DisplayConnection::DisplayConnection(std::chrono::milliseconds timeLimit) {
     if (handedOver < 0) {
         return;
     }
-    // The descriptor is the library's now, whatever comes of it.
+    // The library owns the descriptor from here on, even on failure.
     connection_.reset(xcb_connect_to_fd(handedOver, auth ? &info : nullptr));
     if (isUsable()) {
         root_ = rootOf(connection_.get(), name->screen);
@@ -147,7 +146,7 @@ DisplayConnection::DisplayConnection(std::chrono::milliseconds timeLimit) {
 }
 
 DisplayConnection::~DisplayConnection() {
-    // The watchdog looks at what is destroyed before it.
+    // The watchdog uses members that are destroyed before it.
     if (watchdog_.joinable()) {
         watchdog_.request_stop();
         watchdog_.join();
@@ -158,20 +157,20 @@ bool DisplayConnection::isUsable() const {
     return connection_ != nullptr && xcb_connection_has_error(connection_.get()) == 0;
 }
 
-/// The library waits without a limit of its own, yet what it waits for ends with the socket. The
-/// watchdog has a descriptor of its own, so that it never meets a stranger's under the same number.
+/// The library waits without a time limit, so the watchdog shuts the socket down at the deadline.
+/// It has its own descriptor, because the library's may be closed and its number reused.
 bool DisplayConnection::watch(int socket, std::chrono::steady_clock::time_point deadline) {
     UniqueFD watched(::fcntl(socket, F_DUPFD_CLOEXEC, 0));
     if (!watched.valid()) {
         return false;
     }
     try {
-        watchdog_ =
-            std::jthread([this, deadline, kept = std::move(watched)](const std::stop_token& stop) {
+        watchdog_ = std::jthread(
+            [this, deadline, socketCopy = std::move(watched)](const std::stop_token& stop) {
                 std::unique_lock guard(lock_);
                 wake_.wait_until(guard, stop, deadline, [] { return false; });
                 if (!stop.stop_requested()) {
-                    ::shutdown(kept.get(), SHUT_RDWR);
+                    ::shutdown(socketCopy.get(), SHUT_RDWR);
                 }
             });
     } catch (const std::system_error&) {

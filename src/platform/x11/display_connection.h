@@ -12,16 +12,16 @@
 
 namespace tallowcrest {
 
-/// The name under which this machine's programs put their windows on a display; empty when the
-/// system does not tell.
-std::string windowHostName();
+/// The host name of this machine, which programs also state in their window properties. Empty when
+/// unknown.
+std::string hostName();
 
-/// A connection of one's own to the display that $DISPLAY names, for one short piece of work.
+/// A private connection to the display that $DISPLAY names, for one short task.
 ///
-/// Whatever waits for the display, the building of the connection included, comes back with a
-/// failure once the time is up, so a display that hangs holds nobody up. A display that ends is a
-/// failure too and no signal. Displays of other machines are not connected to. Built, used and
-/// destroyed by one thread, which may be any; several threads may each have one.
+/// Every call that waits for the X server, the constructor included, fails once the time limit has
+/// passed, so a server that hangs blocks nobody for longer. A server that ends causes a failure
+/// rather than a signal. Connects to local displays only. Constructed, used and destroyed on one
+/// thread, which may be any; several threads may each have a connection.
 class DisplayConnection {
 public:
     explicit DisplayConnection(std::chrono::milliseconds timeLimit);
@@ -29,26 +29,26 @@ public:
     DisplayConnection& operator=(const DisplayConnection&) = delete;
     ~DisplayConnection();
 
-    /// False from the first failure on: without a display, and when the time is up.
+    /// False after the first failure: without a display, or once the time limit has passed.
     bool isUsable() const;
 
-    /// Null when there never was a connection.
+    /// Null when no connection was made.
     xcb_connection_t* get() const { return connection_.get(); }
 
-    /// The root window of the display's own screen; `XCB_NONE` without a connection.
+    /// The root window of the screen that $DISPLAY names; `XCB_NONE` without a connection.
     xcb_window_t root() const { return root_; }
 
 private:
-    /// Keeps SIGPIPE from the thread, which the library's plain writes would bring upon it.
-    class PipeSignalBlock {
+    /// Blocks SIGPIPE on this thread, which writes of the library could raise.
+    class SIGPIPEBlock {
     public:
-        PipeSignalBlock();
-        PipeSignalBlock(const PipeSignalBlock&) = delete;
-        PipeSignalBlock& operator=(const PipeSignalBlock&) = delete;
-        ~PipeSignalBlock();
+        SIGPIPEBlock();
+        SIGPIPEBlock(const SIGPIPEBlock&) = delete;
+        SIGPIPEBlock& operator=(const SIGPIPEBlock&) = delete;
+        ~SIGPIPEBlock();
 
     private:
-        sigset_t pipeSignal_;
+        sigset_t signal_;
         sigset_t before_;
         bool wasPending_ = false;
     };
@@ -59,12 +59,12 @@ private:
 
     bool watch(int socket, std::chrono::steady_clock::time_point deadline);
 
-    PipeSignalBlock noPipeSignal_;
+    SIGPIPEBlock sigpipeBlock_;
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     xcb_window_t root_ = XCB_NONE;
     std::mutex lock_;
     std::condition_variable_any wake_;
-    std::jthread watchdog_;  ///< gone before the connection that it watches
+    std::jthread watchdog_;  ///< joined before the members that it uses are destroyed
 };
 
 }  // namespace tallowcrest

@@ -13,14 +13,13 @@
 
 #include "platform/x11/display_connection.h"
 #include "platform/x11/window_owners.h"
-#include "platform/x11/window_property.h"
-#include "platform/x11/xcb_memory.h"
+#include "platform/x11/xcb_requests.h"
 
 namespace tallowcrest {
 namespace {
 
-/// The words of the protocol that a desktop must know before anything can be asked of it.
-struct Vocabulary {
+/// The atoms of the window manager protocol; all are needed to ask anything.
+struct Atoms {
     xcb_atom_t supported = XCB_ATOM_NONE;
     xcb_atom_t managerCheck = XCB_ATOM_NONE;
     xcb_atom_t clientList = XCB_ATOM_NONE;
@@ -35,38 +34,38 @@ struct Vocabulary {
     }
 };
 
-Vocabulary vocabularyOf(xcb_connection_t* connection) {
+Atoms internAtoms(xcb_connection_t* connection) {
     AtomRequest supported(connection, "_NET_SUPPORTED");
     AtomRequest managerCheck(connection, "_NET_SUPPORTING_WM_CHECK");
     AtomRequest clientList(connection, "_NET_CLIENT_LIST");
     AtomRequest closeWindow(connection, "_NET_CLOSE_WINDOW");
     AtomRequest protocols(connection, "WM_PROTOCOLS");
     AtomRequest deleteWindow(connection, "WM_DELETE_WINDOW");
-    return {supported.hear(),   managerCheck.hear(), clientList.hear(),
-            closeWindow.hear(), protocols.hear(),    deleteWindow.hear()};
+    return {supported.receive(),   managerCheck.receive(), clientList.receive(),
+            closeWindow.receive(), protocols.receive(),    deleteWindow.receive()};
 }
 
-bool holds(const std::vector<std::uint32_t>& numbers, std::uint32_t wanted) {
+bool contains(const std::vector<std::uint32_t>& numbers, std::uint32_t wanted) {
     return std::find(numbers.begin(), numbers.end(), wanted) != numbers.end();
 }
 
-/// A window of a member that can be asked.
+/// A window of a member.
 struct Candidate {
     xcb_window_t window;
     const ProcessSample* member;
     std::optional<xcb_window_t> dialogOf;  ///< the window that it belongs to, if it is a dialog
 };
 
-/// Nobody else is served by the display as long as this lives. The display ends it as well when it
-/// loses the connection, so the connection's time limit is its own.
-class Standstill {
+/// Makes the X server process requests of this connection only. The grab also ends with the
+/// connection, so the time limit of the connection holds for it too.
+class ServerGrab {
 public:
-    explicit Standstill(xcb_connection_t* connection) : connection_(connection) {
+    explicit ServerGrab(xcb_connection_t* connection) : connection_(connection) {
         xcb_grab_server(connection_);
     }
-    Standstill(const Standstill&) = delete;
-    Standstill& operator=(const Standstill&) = delete;
-    ~Standstill() {
+    ServerGrab(const ServerGrab&) = delete;
+    ServerGrab& operator=(const ServerGrab&) = delete;
+    ~ServerGrab() {
         xcb_ungrab_server(connection_);
         xcb_flush(connection_);
     }
@@ -75,52 +74,51 @@ private:
     xcb_connection_t* connection_;
 };
 
-/// One look at the desktop and one round of requests.
+/// Examines the desktop and sends one round of requests.
 class Desktop {
 public:
     explicit Desktop(const DisplayConnection& display)
         : connection_(display.get()),
           root_(display.root()),
-          words_(vocabularyOf(connection_)),
+          atoms_(internAtoms(connection_)),
           owners_(connection_) {}
 
-    /// Whether a window manager is there that closes windows on request. What a manager stored on
-    /// the root stays there when it ends; the window that it names to prove itself does not.
+    /// Whether a window manager is running that closes windows on request. Its properties on the
+    /// root window remain when it ends, but the check window that they name does not.
     bool hasManagerThatCloses() const {
-        if (root_ == XCB_NONE || !words_.isComplete()) {
+        if (root_ == XCB_NONE || !atoms_.isComplete()) {
             return false;
         }
-        const auto managers = numbers(root_, words_.managerCheck, 1, XCB_ATOM_WINDOW);
+        const auto managers = numbers(root_, atoms_.managerCheck, 1, XCB_ATOM_WINDOW);
         return managers.size() == 1 &&
-               numbers(managers[0], words_.managerCheck, 1, XCB_ATOM_WINDOW) == managers &&
-               holds(numbers(root_, words_.supported, mostSupported, XCB_ATOM_ATOM),
-                     words_.closeWindow);
+               numbers(managers[0], atoms_.managerCheck, 1, XCB_ATOM_WINDOW) == managers &&
+               contains(numbers(root_, atoms_.supported, maximumSupported, XCB_ATOM_ATOM),
+                        atoms_.closeWindow);
     }
 
     /// How many windows of the members were asked.
     std::size_t ask(const std::vector<ProcessSample>& members,
                     const WindowCloseRequests::IsStillThere& isStillThere) const {
-        // A desktop may have many windows. The display stands still for those few alone that were
-        // found before, and not at all when there are none.
+        // A desktop may have many windows, so the members' are found before the server is grabbed.
         const std::vector<Candidate> found = windowsOf(members);
-        return found.empty() ? 0 : countAccepted(request(found, isStillThere));
+        return found.empty() ? 0 : countAccepted(sendRequests(found, isStillThere));
     }
 
 private:
-    static constexpr std::size_t mostSupported = 4096;
-    static constexpr std::size_t mostProtocols = 64;
+    static constexpr std::size_t maximumSupported = 4096;
+    static constexpr std::size_t maximumProtocols = 64;
 
-    PropertyRequest askFor(xcb_window_t window, xcb_atom_t property, std::size_t count) const {
-        return askForProperty(connection_, window, property,
-                              static_cast<std::uint32_t>(count) * bytesOfNumber);
+    PropertyRequest request(xcb_window_t window, xcb_atom_t property, std::size_t count) const {
+        return requestProperty(connection_, window, property,
+                               static_cast<std::uint32_t>(count) * bytesOfNumber);
     }
 
     std::vector<std::uint32_t> numbers(xcb_window_t window, xcb_atom_t property, std::size_t count,
                                        xcb_atom_t type) const {
-        return hearNumbers(connection_, askFor(window, property, count), type);
+        return receiveNumbers(connection_, request(window, property, count), type);
     }
 
-    /// The windows, each once, whose process is a member.
+    /// The windows whose process is a member, without duplicates.
     std::vector<Candidate> windowsOf(const std::vector<ProcessSample>& members) const {
         std::unordered_map<std::int64_t, const ProcessSample*> memberOf;
         for (const ProcessSample& member : members) {
@@ -128,15 +126,15 @@ private:
         }
         std::vector<std::pair<xcb_window_t, WindowOwners::Request>> requests;
         std::unordered_set<xcb_window_t> seen;
-        for (const xcb_window_t window :
-             numbers(root_, words_.clientList, WindowCloseRequests::mostWindows, XCB_ATOM_WINDOW)) {
+        for (const xcb_window_t window : numbers(
+                 root_, atoms_.clientList, WindowCloseRequests::maximumWindows, XCB_ATOM_WINDOW)) {
             if (seen.insert(window).second) {
-                requests.emplace_back(window, owners_.askFor(window));
+                requests.emplace_back(window, owners_.request(window));
             }
         }
         std::vector<Candidate> candidates;
         for (const auto& [window, request] : requests) {
-            const std::optional<std::int64_t> owner = owners_.hear(request);
+            const std::optional<std::int64_t> owner = owners_.receive(request);
             const auto member = owner ? memberOf.find(*owner) : memberOf.end();
             if (member != memberOf.end()) {
                 candidates.push_back({window, member->second, std::nullopt});
@@ -145,20 +143,20 @@ private:
         return candidates;
     }
 
-    /// Asks those that can be asked; the requests that have left for the display. The numbers of
-    /// windows are given out again, so from the look at a window to the request none may go.
-    std::vector<xcb_void_cookie_t> request(
+    /// Asks the windows that can be asked and returns the requests that were sent. Window ids are
+    /// reused, so the server is grabbed from the check of a window until its request.
+    std::vector<xcb_void_cookie_t> sendRequests(
         const std::vector<Candidate>& found,
         const WindowCloseRequests::IsStillThere& isStillThere) const {
-        const Standstill standstill(connection_);
-        const std::vector<Candidate> candidates = thoseThatCanBeAsked(found);
+        const ServerGrab grab(connection_);
+        const std::vector<Candidate> candidates = askable(found);
         std::unordered_set<xcb_window_t> windows;
         for (const Candidate& candidate : candidates) {
             windows.insert(candidate.window);
         }
         std::vector<xcb_void_cookie_t> requests;
         for (const Candidate& candidate : candidates) {
-            if (isLeftToAnother(candidate, windows) || !isStillThere(*candidate.member)) {
+            if (isDialogOfAny(candidate, windows) || !isStillThere(*candidate.member)) {
                 continue;
             }
             const xcb_void_cookie_t request = send(candidate.window);
@@ -170,21 +168,21 @@ private:
         return requests;
     }
 
-    /// Whatever has left for the display counts unless it is refused, even if the time is up before
-    /// the display says so: who has been asked may be asking the owner what to save, and must not
-    /// pass for one that was left out.
+    /// A sent request counts unless the server rejects it, even if the time limit passes before the
+    /// reply: its program may already be asking the user what to save, and must not be treated as
+    /// if it had not been asked.
     std::size_t countAccepted(const std::vector<xcb_void_cookie_t>& requests) const {
         std::size_t accepted = requests.size();
         for (const xcb_void_cookie_t request : requests) {
-            const XcbMemory<xcb_generic_error_t> error(xcb_request_check(connection_, request));
+            const XcbPointer<xcb_generic_error_t> error(xcb_request_check(connection_, request));
             accepted -= error ? 1U : 0U;
         }
         return accepted;
     }
 
-    /// A window may have gone and left its number to another program's. And a manager that cannot
-    /// ask a window ends its program instead, which is no request.
-    std::vector<Candidate> thoseThatCanBeAsked(const std::vector<Candidate>& found) const {
+    /// Leaves out windows whose id now belongs to another program, and windows that do not support
+    /// being asked, because the window manager would kill their programs instead.
+    std::vector<Candidate> askable(const std::vector<Candidate>& found) const {
         struct Requests {
             WindowOwners::Request owner;
             PropertyRequest protocols;
@@ -192,48 +190,48 @@ private:
         };
         std::vector<Requests> requests;
         for (const Candidate& candidate : found) {
-            requests.push_back({owners_.askFor(candidate.window),
-                                askFor(candidate.window, words_.protocols, mostProtocols),
-                                askFor(candidate.window, XCB_ATOM_WM_TRANSIENT_FOR, 1)});
+            requests.push_back({owners_.request(candidate.window),
+                                request(candidate.window, atoms_.protocols, maximumProtocols),
+                                request(candidate.window, XCB_ATOM_WM_TRANSIENT_FOR, 1)});
         }
-        std::vector<Candidate> kept;
+        std::vector<Candidate> result;
         for (std::size_t index = 0; index < found.size(); ++index) {
-            const auto owner = owners_.hear(requests[index].owner);
+            const auto owner = owners_.receive(requests[index].owner);
             const auto protocols =
-                hearNumbers(connection_, requests[index].protocols, XCB_ATOM_ATOM);
+                receiveNumbers(connection_, requests[index].protocols, XCB_ATOM_ATOM);
             const auto parents =
-                hearNumbers(connection_, requests[index].dialogOf, XCB_ATOM_WINDOW);
-            if (owner == found[index].member->pid && holds(protocols, words_.deleteWindow)) {
-                kept.push_back(found[index]);
+                receiveNumbers(connection_, requests[index].dialogOf, XCB_ATOM_WINDOW);
+            if (owner == found[index].member->pid && contains(protocols, atoms_.deleteWindow)) {
+                result.push_back(found[index]);
                 if (!parents.empty()) {
-                    kept.back().dialogOf = parents[0];
+                    result.back().dialogOf = parents[0];
                 }
             }
         }
-        return kept;
+        return result;
     }
 
-    /// To close a dialog may mean to break off what it shows, as with a copy under way. The window
-    /// that it belongs to knows better, and closes its dialogs itself.
-    static bool isLeftToAnother(const Candidate& candidate,
-                                const std::unordered_set<xcb_window_t>& windows) {
+    /// Whether the window is a dialog of a window that is asked too. Closing a dialog may cancel an
+    /// operation, such as a copy in progress; the window it belongs to handles its own dialogs.
+    static bool isDialogOfAny(const Candidate& candidate,
+                              const std::unordered_set<xcb_window_t>& windows) {
         return candidate.dialogOf && *candidate.dialogOf != candidate.window &&
                windows.count(*candidate.dialogOf) != 0;
     }
 
-    /// The manager does the asking: it knows how, and what it keeps for itself of the window.
+    /// Asks the window manager to close the window, as the protocol requires.
     xcb_void_cookie_t send(xcb_window_t window) const {
-        // 1 would be a program that acts of its own accord; the owner has just confirmed this.
-        constexpr std::uint32_t onBehalfOfTheOwner = 2;
-        // The confirmation was no event of this connection, so there is no time to tell of it.
+        // 2 is the source indication for direct user actions: the user has just confirmed this.
+        constexpr std::uint32_t userAction = 2;
+        // The confirmation was not an event of this connection, so it has no server time.
         constexpr std::uint32_t now = XCB_CURRENT_TIME;
         xcb_client_message_event_t message{};
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 32;
         message.window = window;
-        message.type = words_.closeWindow;
+        message.type = atoms_.closeWindow;
         message.data.data32[0] = now;
-        message.data.data32[1] = onBehalfOfTheOwner;
+        message.data.data32[1] = userAction;
         return xcb_send_event_checked(
             connection_, 0, root_,
             XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
@@ -242,7 +240,7 @@ private:
 
     xcb_connection_t* connection_;
     xcb_window_t root_;
-    Vocabulary words_;
+    Atoms atoms_;
     WindowOwners owners_;
 };
 

@@ -9,29 +9,27 @@
 
 namespace tallowcrest {
 
-/// Asks windows of an X11 desktop to close, as the cross in their frames does, so that their
-/// programs can save their work or ask about it first. Any thread, several at once.
+/// Asks windows of an X11 desktop to close, as their close buttons do, so that their programs can
+/// save their work or ask about it first. Any thread, several at once.
 class WindowCloseRequests {
 public:
-    /// Whether this is still the process that was reviewed, and no later one under its number.
-    /// Asked right before each of its windows is; called by the thread that asks. The display
-    /// serves nobody else meanwhile, so it must be quick and wait for nothing that needs the
-    /// display, nor for a thread that does.
+    /// Whether the process is still the one that was reviewed. Called right before each of its
+    /// windows is asked, on the calling thread. The X server is grabbed meanwhile, so the function
+    /// must be fast and must not wait for anything that needs the display.
     using IsStillThere = std::function<bool(const ProcessSample&)>;
 
-    /// How long one call may take at most, though the display hangs.
+    /// The longest time that one call may take, even if the X server hangs.
     static constexpr std::chrono::milliseconds defaultTimeLimit{2000};
-    /// How many windows of the desktop are looked at, the oldest ones.
-    static constexpr std::size_t mostWindows = 4096;
+    /// How many windows of the desktop are examined, the oldest first.
+    static constexpr std::size_t maximumWindows = 4096;
 
     explicit WindowCloseRequests(IsStillThere isStillThere,
                                  std::chrono::milliseconds timeLimit = defaultTimeLimit);
 
-    /// Asks the windows of `members` and of nobody else, whatever these say of themselves as long
-    /// as the display tells whose they are; how many of them were asked. Never one whose program
-    /// would be killed for want of a way to be asked. A dialog is left to the window that it
-    /// belongs to when that is asked itself. A request that was on its way when the time was up
-    /// counts. 0 without a display or a window manager.
+    /// Asks the windows of `members` only, and returns how many were asked. Windows that do not
+    /// support being asked are left out, because the window manager would kill their programs. A
+    /// dialog is left out if the window it belongs to is asked. A request that was sent before the
+    /// time limit passed counts. 0 without a display or a window manager.
     std::size_t askWindowsToClose(const std::vector<ProcessSample>& members) const;
 
 private:

@@ -6,43 +6,43 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/x11/window_property.h"
+#include "platform/x11/xcb_requests.h"
 
 namespace tallowcrest {
 
-/// Which process of this machine a window belongs to.
+/// Finds the local process that a window belongs to.
 ///
-/// The display itself knows whose connection made a window, and is believed alone: what a window
-/// says of its process may be any number, by intent or because its program sees other numbers than
-/// this one does. Only a display that does not tell leaves no choice but to take the window's word.
-/// Asking and hearing are two steps, so that many windows cost one wait. The thread of the
+/// The X server knows which client created a window, and its answer is preferred: the pid that a
+/// window states in a property may be wrong, on purpose or because its program runs in another pid
+/// namespace. The property is used only if the server lacks the extension for this. Sending and
+/// receiving are separate, so that many windows take one round trip. On the thread of the
 /// connection.
 class WindowOwners {
 public:
-    /// A question under way; to be heard once.
+    /// A request whose reply must be received once.
     struct Request {
-        xcb_res_query_client_ids_cookie_t client{};  ///< where the display tells
-        PropertyRequest process{};                   ///< where it does not
+        xcb_res_query_client_ids_cookie_t client{};  ///< used with the extension
+        PropertyRequest process{};                   ///< used without it
         PropertyRequest machine{};
     };
 
-    /// Waits for the display once or twice, to hear what it can tell.
+    /// Takes one or two round trips to find out what the server supports.
     explicit WindowOwners(xcb_connection_t* connection);
 
-    Request askFor(xcb_window_t window) const;
+    Request request(xcb_window_t window) const;
 
-    /// The number of the process. Absent for programs of other machines, and when nobody tells. A
-    /// window that is gone may still have an owner here, as long as its program is connected.
-    std::optional<std::int64_t> hear(const Request& request) const;
+    /// The pid. Absent for programs of other machines, and when it is unknown. A window that no
+    /// longer exists may still have an owner as long as its program is connected.
+    std::optional<std::int64_t> receive(const Request& request) const;
 
 private:
-    std::optional<std::int64_t> hearFromDisplay(const Request& request) const;
-    std::optional<std::int64_t> hearFromWindow(const Request& request) const;
+    std::optional<std::int64_t> receiveFromServer(const Request& request) const;
+    std::optional<std::int64_t> receiveFromWindow(const Request& request) const;
 
     xcb_connection_t* connection_;
-    bool displayTells_;
+    bool serverKnowsProcesses_;
     xcb_atom_t processID_ = XCB_ATOM_NONE;
-    xcb_atom_t utf8_ = XCB_ATOM_NONE;  ///< may stay unknown
+    xcb_atom_t utf8_ = XCB_ATOM_NONE;  ///< `XCB_ATOM_NONE` if never used on this display
 };
 
 }  // namespace tallowcrest

@@ -2,32 +2,36 @@
 
 #include <optional>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/load/process_filter.h"
+#include "actions/review_target.h"
+#include "presentation/screens/load/processes_lines.h"
+#include "presentation/shell/navigation.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
-void freeFromFilter(SystemMonitor& monitor) {
-    const std::optional<std::int64_t> pid = monitor.review().selectedPID();
-    const ProcessSample* row =
-        pid ? findProcess(monitor.sample().latestProcesses(), *pid) : nullptr;
-    const QString filter = dashboard_text::text(monitor.navigation().processFilter());
+
+void freeFromFilter(const LatestSample& sample, const ReviewTarget& review,
+                    Navigation& navigation) {
+    const std::optional<std::int64_t> pid = review.selectedPID();
+    const ProcessSample* row = pid ? findProcess(sample.latestProcesses(), *pid) : nullptr;
+    const QString filter = dashboard_text::text(navigation.processFilter());
     if (row != nullptr && filteredProcesses({*row}, filter).empty()) {
-        monitor.navigation().setProcessFilter({});
+        navigation.setProcessFilter({});
     }
 }
 
-void reviewInProcesses(SystemMonitor& monitor, std::int64_t pid) {
-    const ProcessSample* row = findProcess(monitor.sample().latestProcesses(), pid);
+void reviewInProcesses(std::int64_t pid, const LatestSample& sample, ReviewTarget& review,
+                       Navigation& navigation) {
+    const ProcessSample* row = findProcess(sample.latestProcesses(), pid);
     if (row == nullptr) {
         // It ended in the sample whose turn to be shown comes next.
-        monitor.review().selectFirstProcess({});
+        review.selectFirstProcess({});
         return;
     }
     // As the one row of a list, which unlike the choice of a row in view comes with a message.
-    monitor.review().selectFirstProcess({*row});
-    freeFromFilter(monitor);
-    monitor.navigation().setSelectedRoute(AppRoute::load);
+    review.selectFirstProcess({*row});
+    freeFromFilter(sample, review, navigation);
+    navigation.setSelectedRoute(AppRoute::load);
 }
 
 }  // namespace tallowcrest

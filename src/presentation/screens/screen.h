@@ -1,8 +1,12 @@
 #pragma once
 
+#include <vector>
+
 #include <QWidget>
 
 namespace tallowcrest {
+
+class Observable;
 
 /// What a route shows below the page header. Only the screen that can be seen is asked to refresh,
 /// and it is asked again when it comes into view. Main thread.
@@ -14,6 +18,9 @@ public:
 
     /// Reads the monitor's state and shows it.
     virtual void refresh() = 0;
+    /// What the screen shows: while it is seen, a change of any of these refreshes it, and nothing
+    /// else does.
+    virtual std::vector<Observable*> shows() const = 0;
 
     /// Brings what is under review into view, where the screen lists it.
     virtual void showSelection() {}

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include "presentation/words/session_summary.h"
+#include "presentation/words/session_lines.h"
 
 class QWidget;
 

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
 
@@ -10,11 +9,10 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-void showTimeline(StableLineGraph& graph, SystemMonitor& monitor, TimelineSummary summary) {
-    const auto& history = monitor.sample().history();
-    const Date now = history.empty() ? Date{} : history.back().date;
-    graph.setEventFractions(eventFractions(monitor.log().activityLog(), history, now));
-    graph.setWarningThreshold(monitor.settings().warningThreshold);
+void showTimeline(StableLineGraph& graph, const TimelineFacts& facts, TimelineSummary summary) {
+    const Date now = facts.history.empty() ? Date{} : facts.history.back().date;
+    graph.setEventFractions(eventFractions(facts.activityLog, facts.history, now));
+    graph.setWarningThreshold(facts.warningThreshold);
     graph.setSeries({{u"CPU"_s, &CrestTheme::accent, std::move(summary.cpu), true},
                      {u"Memory"_s, &CrestTheme::secondSeries, std::move(summary.memory), false}});
 }

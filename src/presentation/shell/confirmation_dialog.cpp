@@ -31,7 +31,7 @@ constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
 constexpr std::size_t mostPaths = 5;
 
-/// The type of the title: the largest that leaves it whole on a few lines.
+/// The font of the title: the largest in which it fits on a few lines.
 ElidedLabel::FontRole headingFont(const QString& title) {
     const QFont& large = CrestFonts::current().title;
     const int room = dialogWidth - 2 * spacing::pagePadding;
@@ -52,15 +52,12 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
                                spacing::pagePadding);
     layout->setSpacing(0);
 
-    heading_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    heading_ = new ElidedLabel(onPage(&CrestFonts::title), this);
     heading_->setObjectName(u"confirmation.title"_s);
     heading_->setLines(1, mostHeadingLines);
-    message_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, this);
+    message_ = new ElidedLabel(onPage(&CrestFonts::body), this);
     message_->setObjectName(u"confirmation.message"_s);
     message_->setLines(1, mostMessageLines);
-    for (ElidedLabel* label : {heading_, message_}) {
-        label->setGround(&CrestTheme::pageBackground);
-    }
     layout->addWidget(heading_);
     layout->addSpacing(spacing::unit);
     layout->addWidget(message_);
@@ -95,11 +92,10 @@ QWidget* ConfirmationDialog::makePaths() {
                                              spacing::cardPadding, spacing::unit);
     pathsCard_->contentLayout()->setSpacing(spacing::unit / 2);
     const auto addLine = [this] {
-        auto* line = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText,
-                                     pathsCard_);
-        // Where it lies and what it is called both tell a program from its namesake.
+        auto* line =
+            new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), pathsCard_);
+        // The start and the end of a path distinguish a program from its namesakes.
         line->setElideMode(Qt::ElideMiddle);
-        line->setGround(&CrestTheme::cardBackground);
         pathsCard_->contentLayout()->addWidget(line);
         return line;
     };
@@ -140,7 +136,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     }
     setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
     if (isVisible()) {
-        // No window opens that would be read out by itself.
+        // No window opens, which would be announced by itself.
         QAccessibleEvent changed(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&changed);
     }
@@ -154,7 +150,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
 }
 
 bool ConfirmationDialog::event(QEvent* event) {
-    // The click that brings a window forward is no answer to what stands in it.
+    // The click that activates a window must not answer the question in it.
     if (event->type() == QEvent::WindowActivate && shown_) {
         settling_->settle();
     }
@@ -183,7 +179,8 @@ void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
 
 void ConfirmationDialog::fit() {
     ensurePolished();
-    // From the inside out: what came or went is else told to the outer layouts a turn later each.
+    // Innermost first: a layout notices a changed child only when the child's own layout has been
+    // activated.
     for (const QWidget* each : {static_cast<QWidget*>(pathsCard_), pathsCard_->parentWidget(),
                                 static_cast<QWidget*>(this)}) {
         each->layout()->invalidate();
@@ -198,7 +195,7 @@ bool ConfirmationDialog::showsPending() const {
 }
 
 void ConfirmationDialog::confirm() {
-    // What the desk holds by now may be a question that has not come into view yet.
+    // The desk may already hold another question, which is not shown yet.
     if (!showsPending()) {
         refresh();
         return;
@@ -212,7 +209,7 @@ void ConfirmationDialog::reject() {
         if (parentWidget()->isVisible()) {
             refresh();
         } else {
-            // The other question waits for the window.
+            // The other question is shown when the window is.
             leave(Rejected);
         }
         return;

@@ -19,9 +19,9 @@ class ConfirmationDesk;
 class DangerButton;
 class ElidedLabel;
 
-/// Asks for the owner's yes to the pending request. It stays whatever route shows below. However it
-/// goes away, other than by its confirming button or because its request is pending no more, that
-/// cancels the request. Main thread.
+/// Asks the owner to confirm the pending request, whatever route the window shows. Closing it in
+/// any way other than by its confirming button cancels the request, unless that is no longer
+/// pending. Main thread.
 class ConfirmationDialog final : public WindowDialog {
     Q_OBJECT
 
@@ -29,11 +29,11 @@ public:
     /// The desk must outlive the dialog.
     ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent);
 
-    /// Opens, changes or closes the dialog as the pending request asks for. While that is the one
-    /// shown, it does nothing at all.
+    /// Opens, updates or closes the dialog according to the pending request. Does nothing while
+    /// that is the one shown.
     void refresh() override;
 
-    /// For tests, which wait for nothing.
+    /// For tests, which do not wait.
     void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
 
     void reject() override;
@@ -46,7 +46,7 @@ private:
     void showPaths(const std::vector<std::string>& paths);
     void fit();
     void confirm();
-    /// Whether what is pending is what the owner sees.
+    /// Whether the pending request is the one shown.
     bool showsPending() const;
     void leave(int result);
     QWidget* makePaths();

@@ -7,6 +7,7 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include "actions/confirmation_desk.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
@@ -18,11 +19,14 @@
 #include "presentation/shell/operation_target_bar.h"
 #include "presentation/shell/page_header.h"
 #include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/shell/sheet_host.h"
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
-#include "presentation/widgets/pending_layouts.h"
+#include "presentation/widgets/arrange_now.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -31,26 +35,36 @@ namespace {
 
 constexpr QSize firstSize{1080, 720};
 constexpr QSize smallestSize{640, 480};
-/// Below this the sidebar keeps its icons and gives its words' room to the content.
+/// In narrower windows the sidebar shows only its icons.
 constexpr int foldingWidth = 860;
 
 }  // namespace
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
-    : monitor_(monitor), mainQueue_(mainQueue) {
+    : monitor_(monitor),
+      mainQueue_(mainQueue),
+      state_(monitor.settingsOwner(), monitor.log(), mainQueue, monitor.startup().showSetupWizard),
+      routeChanges_(mainQueue, [this] { showRoute(); }),
+      pageChanges_(mainQueue, [this] { refreshPage(); }),
+      stripChanges_(mainQueue, whileSeen([this] { strip_->refresh(); })),
+      targetChanges_(mainQueue, whileSeen([this] { target_->refresh(); })),
+      menuChanges_(mainQueue, [this] { menus_->refresh(); }),
+      sheetChanges_(mainQueue, [this] { sheets_->refresh(); }) {
+    dashboard_text::setLocale(monitor_.locale());
     setObjectName(u"tallowcrest.main"_s);
     setWindowTitle(u"Tallowcrest"_s);
     setAccessibleName(windowTitle());
     setCentralWidget(makeContent());
-    menus_ = new WindowMenus(monitor_, *this);
+    menus_ = new WindowMenus(monitor_, state_, *this);
     connect(menus_, &WindowMenus::processFilterWanted, this, [this] {
-        monitor_.navigation().setSelectedRoute(AppRoute::load);
-        refresh();
+        state_.navigation.setSelectedRoute(AppRoute::load);
+        showRoute();
         screen(AppRoute::load)->focusSearch();
     });
+    addSheets();
     setMinimumSize(smallestSize);
     resize(firstSize);
-    subscription_ = monitor_.observe([this] { refresh(); });
+    observeState();
 }
 
 QWidget* DashboardWindow::makeContent() {
@@ -60,12 +74,12 @@ QWidget* DashboardWindow::makeContent() {
     columns->setSpacing(0);
     sidebar_ = new Sidebar(content);
     connect(sidebar_, &Sidebar::routeChosen, this,
-            [this](AppRoute route) { monitor_.navigation().setSelectedRoute(route); });
+            [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
     columns->addWidget(sidebar_);
 
     auto* right = new QVBoxLayout;
     right->setSpacing(0);
-    header_ = new PageHeader(monitor_, content);
+    header_ = new PageHeader(monitor_, state_, content);
     connect(header_, &PageHeader::selectionMade, this, [this] {
         for (Screen* each : screens_) {
             if (each != nullptr) {
@@ -76,7 +90,7 @@ QWidget* DashboardWindow::makeContent() {
     strip_ = new StatusStrip(monitor_, content);
     right->addWidget(header_);
     right->addWidget(strip_);
-    target_ = new OperationTargetBar(monitor_, content);
+    target_ = new OperationTargetBar(monitor_, state_, content);
     auto* targetRow = new QHBoxLayout;
     targetRow->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
     targetRow->addWidget(target_);
@@ -87,20 +101,33 @@ QWidget* DashboardWindow::makeContent() {
     return content;
 }
 
+void DashboardWindow::addSheets() {
+    sheets_ = new SheetHost(*this, *menus_->emergencyStop());
+    sheets_->add({.isWanted = [this] { return state_.navigation.showSettings(); },
+                  .dismissed = [this] { state_.navigation.setShowSettings(false); },
+                  .make = [this](QWidget* on) { return new SettingsSheet(monitor_, state_, on); }});
+    // Last, so that a question stands above every sheet.
+    sheets_->add(
+        {.isWanted = [this] { return monitor_.confirmations().pendingConfirmation().has_value(); },
+         .dismissed = {},
+         .make =
+             [this](QWidget* on) { return new ConfirmationDialog(monitor_.confirmations(), on); }});
+}
+
 Screen* DashboardWindow::makeScreen(AppRoute route) {
     switch (route) {
         case AppRoute::overview:
-            return new OverviewPage(monitor_);
+            return new OverviewPage(monitor_, state_);
         case AppRoute::load:
-            return new ProcessesPage(monitor_);
+            return new ProcessesPage(monitor_, state_);
         case AppRoute::optimize:
-            return new CleanupPage(monitor_);
+            return new CleanupPage(monitor_, state_);
         case AppRoute::history:
             return new HistoryPage(monitor_);
         case AppRoute::settings:
-            return new SettingsPage(monitor_);
+            return new SettingsPage(monitor_, state_);
         default:
-            return new ComingPage(monitor_, route);
+            return new ComingPage(monitor_, state_, route);
     }
 }
 
@@ -113,24 +140,61 @@ Screen* DashboardWindow::screen(AppRoute route) {
     return kept;
 }
 
-void DashboardWindow::refresh() {
-    refreshDialogs();
+std::function<void()> DashboardWindow::whileSeen(std::function<void()> refresh) {
+    return [this, refresh = std::move(refresh)] {
+        if (canBeSeen()) {
+            refresh();
+        }
+    };
+}
+
+void DashboardWindow::observeState() {
+    Observable& settings = monitor_.settingsOwner().observable();
+    Observable& log = monitor_.log().observable();
+    Observable& sample = monitor_.sample().observable();
+    Observable& automation = monitor_.automation().observable();
+    Observable& navigation = state_.navigation.observable();
+    routeChanges_.observe({&navigation});
+    stripChanges_.observe({&sample, &log, &settings, &automation});
+    targetChanges_.observe({&sample, &monitor_.review().observable(), &settings});
+    menuChanges_.observe({&settings});
+    sheetChanges_.observe({&monitor_.confirmations().observable(), &navigation, &settings, &log,
+                           &sample, &automation});
+}
+
+void DashboardWindow::refreshAll() {
+    sheets_->refresh();
     menus_->refresh();
     if (!canBeSeen()) {
         return;
     }
-    const AppRoute route = monitor_.navigation().selectedRoute();
-    Screen* shown = screen(route);
-    if (shownRoute_ != route) {
-        shownRoute_ = route;
-        sidebar_->setSelectedRoute(route);
-        header_->setRoute(route);
-        pages_->setCurrentWidget(shown);
-    }
+    showRoute();
     strip_->refresh();
     target_->refresh();
-    shown->refresh();
-    arrangePendingLayouts();
+    refreshPage();
+}
+
+void DashboardWindow::showRoute() {
+    const AppRoute route = state_.navigation.selectedRoute();
+    if (!canBeSeen() || shownRoute_ == route) {
+        return;
+    }
+    shownRoute_ = route;
+    Screen* shown = screen(route);
+    sidebar_->setSelectedRoute(route);
+    header_->setRoute(route);
+    pages_->setCurrentWidget(shown);
+    pageChanges_.observe(shown->shows());
+    refreshPage();
+}
+
+void DashboardWindow::refreshPage() {
+    if (!canBeSeen() || !shownRoute_) {
+        return;
+    }
+    screen(*shownRoute_)->refresh();
+    // The page is the last part of the window to follow a sample.
+    arrangeNow(*this);
     if (!hasShownSample_ && monitor_.sample().snapshot()) {
         hasShownSample_ = true;
         repaint();
@@ -139,12 +203,12 @@ void DashboardWindow::refresh() {
 }
 
 void DashboardWindow::openRoute(AppRoute route) {
-    monitor_.navigation().setSelectedRoute(route);
+    state_.navigation.setSelectedRoute(route);
     bringToFront();
 }
 
 void DashboardWindow::bringToFront() {
-    // Only that: a maximised window comes back maximised.
+    // Only the minimised state: a maximised window stays maximised.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     mainQueue_.post([window = QPointer<DashboardWindow>(this)] {
@@ -157,88 +221,41 @@ void DashboardWindow::bringToFront() {
 void DashboardWindow::comeForward() {
     raise();
     activateWindow();
-    // The last of them is what answers the keyboard as long as it stands.
-    for (WindowDialog* dialog : dialogs()) {
-        if (dialog != nullptr && dialog->isVisible()) {
-            dialog->raise();
-            dialog->activateWindow();
-        }
-    }
-}
-
-void DashboardWindow::refreshDialogs() {
-    for (WindowDialog* dialog : dialogs()) {
-        if (dialog != nullptr && dialog->isVisible()) {
-            dialog->refresh();
-        }
-    }
-    if (monitor_.confirmations().pendingConfirmation() || monitor_.navigation().showSettings()) {
-        // Behind the window's own appearance, which may be under way.
-        QMetaObject::invokeMethod(this, &DashboardWindow::openDialog, Qt::QueuedConnection);
-    }
-}
-
-void DashboardWindow::openDialog() {
-    if (!canBeSeen()) {
-        return;
-    }
-    if (monitor_.confirmations().pendingConfirmation()) {
-        open(confirmation_, monitor_.confirmations());
-    } else if (monitor_.navigation().showSettings()) {
-        // Opened above a question, the sheet would lock it. What ends the question brings the
-        // sheet.
-        open(settings_, monitor_);
-    }
-}
-
-template <class Dialog, class Source>
-void DashboardWindow::open(Dialog*& dialog, Source& source) {
-    if (dialog == nullptr) {
-        dialog = new Dialog(source, this);
-        dialog->addAction(emergencyStop());
-    }
-    if (!dialog->isVisible()) {
-        dialog->refresh();
-    }
+    sheets_->comeForward();
 }
 
 QAction* DashboardWindow::emergencyStop() const {
     return menus_->emergencyStop();
 }
 
-std::array<WindowDialog*, 2> DashboardWindow::dialogs() const {
-    return {settings_, confirmation_};
-}
-
 void DashboardWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
-    // No dialog can stand without its window, and leaving a question so is not a yes. A window that
-    // is minimised takes its dialogs along and brings them back.
-    for (WindowDialog* dialog : dialogs()) {
-        if (!event->spontaneous() && dialog != nullptr && dialog->isVisible()) {
-            dialog->reject();
-        }
+    // Dialogs close with their window, and closing a question is not a yes. A minimised window,
+    // whose event is spontaneous, hides its dialogs and restores them.
+    if (!event->spontaneous()) {
+        sheets_->closeAll();
     }
 }
 
 void DashboardWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     monitor_.startMonitoring();
-    refresh();
+    refreshAll();
 }
 
 void DashboardWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange) {
-        refresh();
+        refreshAll();
     }
 }
 
 void DashboardWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     sidebar_->setFolded(width() < foldingWidth);
-    // What takes another height at its new width is arranged before the next painting.
-    QMetaObject::invokeMethod(this, arrangePendingLayouts, Qt::QueuedConnection);
+    // Once the layouts have the new width, the heights that depend on it may change.
+    QMetaObject::invokeMethod(
+        this, [this] { arrangeNow(*this); }, Qt::QueuedConnection);
 }
 
 void DashboardWindow::closeEvent(QCloseEvent* event) {

@@ -6,29 +6,27 @@
 
 #include <QMainWindow>
 
+#include "core/jobs/queues.h"
 #include "core/observable.h"
-#include "core/queues.h"
 #include "core/routes.h"
+#include "presentation/shell/window_state.h"
 
 class QAction;
 class QStackedLayout;
 
 namespace tallowcrest {
 
-class ConfirmationDialog;
 class OperationTargetBar;
 class PageHeader;
 class Screen;
-class SettingsSheet;
+class SheetHost;
 class Sidebar;
 class StatusStrip;
 class SystemMonitor;
-class WindowDialog;
 class WindowMenus;
 
-/// The one dashboard window. Only what can be seen is kept up to date; a closed or minimised window
-/// does no work. A request that waits for a confirmation brings up a dialog above it, whatever
-/// route it shows. Main thread.
+/// The dashboard window. Only what is visible is updated; a closed or minimised window does no
+/// work. A pending confirmation request opens a dialog above it on every route. Main thread.
 class DashboardWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -37,8 +35,11 @@ public:
 
     /// Shows the window on `route` and brings it to the front on the next turn of the main queue.
     void openRoute(AppRoute route);
-    /// The same on the route that is selected already.
+    /// The same, on the present route.
     void bringToFront();
+
+    /// Where the owner is in the window, and which sections are closed.
+    WindowState& state() { return state_; }
 
     /// For windows of the program beside this one: its keys work where the action has been added.
     QAction* emergencyStop() const;
@@ -46,7 +47,7 @@ public:
 signals:
     /// The owner closed the window.
     void closed();
-    /// The content has been painted for the first time since the first sample landed.
+    /// The first sample has been painted. Emitted once.
     void firstSampleShown();
 
 protected:
@@ -58,33 +59,39 @@ protected:
 
 private:
     QWidget* makeContent();
-    void refresh();
+    /// Brings everything that can be seen up to date.
+    void refreshAll();
+    void showRoute();
+    void refreshPage();
+    void observeState();
+    /// `refresh`, but not while the window is closed or minimised.
+    std::function<void()> whileSeen(std::function<void()> refresh);
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
-    /// Keeps the dialogs that stand up to date, and opens what is wanted beside them.
-    void refreshDialogs();
-    void openDialog();
-    template <class Dialog, class Source>
-    void open(Dialog*& dialog, Source& source);
-    /// Those that stand on the window, the frontmost last. Null while there was no need for one.
-    std::array<WindowDialog*, 2> dialogs() const;
+    void addSheets();
     void comeForward();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);
 
     SystemMonitor& monitor_;
     MainQueue& mainQueue_;
+    WindowState state_;
     Sidebar* sidebar_ = nullptr;
     PageHeader* header_ = nullptr;
     StatusStrip* strip_ = nullptr;
     OperationTargetBar* target_ = nullptr;
-    ConfirmationDialog* confirmation_ = nullptr;  ///< built for the first request
-    SettingsSheet* settings_ = nullptr;           ///< built when it is first wanted
     WindowMenus* menus_ = nullptr;
+    SheetHost* sheets_ = nullptr;
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;
     bool hasShownSample_ = false;
-    Subscription subscription_;
+    // One for each part of the window, so that a change repaints only what shows it.
+    ObserverGroup routeChanges_;
+    ObserverGroup pageChanges_;
+    ObserverGroup stripChanges_;
+    ObserverGroup targetChanges_;
+    ObserverGroup menuChanges_;
+    ObserverGroup sheetChanges_;
 };
 
 }  // namespace tallowcrest

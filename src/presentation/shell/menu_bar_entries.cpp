@@ -3,8 +3,11 @@
 #include <QApplication>
 #include <QPointer>
 
+#include "actions/automation.h"
+#include "actions/local_actions.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
+#include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,10 +15,10 @@ namespace tallowcrest {
 
 namespace {
 
-/// A command that ends in a question or in a refusal. The window is what shows either, the one as
-/// its dialog and the other in its status strip: left closed, the click would seem to do nothing.
+/// A command that is answered with a question or a refusal. The window shows both, in a dialog or
+/// in the status strip; with a closed window the click would seem to do nothing.
 std::function<void()> askingInFront(SystemMonitor& monitor, DashboardWindow& window,
-                                    void (LocalActions::*request)()) {
+                                    Outcome (LocalActions::*request)()) {
     return [&monitor, &window, request] {
         (monitor.localActions().*request)();
         window.bringToFront();
@@ -31,7 +34,7 @@ QString autoSelectTitle(const Automation& automation) {
                                                                     : u"Enable Auto Select"_s;
 }
 
-/// A refusal is read in the window.
+/// The window shows a refusal.
 void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
     constexpr auto which = AutomationSwitch::autoSelectTopOffender;
     const bool wanted = !monitor.automation().isOn(which);
@@ -41,7 +44,7 @@ void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
     }
 }
 
-/// The file manager shows the file; why there is none is read in the window.
+/// The file manager shows the file; the window shows why there is none.
 void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
     monitor.reports().exportDiagnosticsReport([guard = QPointer(&window)] {
         if (guard) {
@@ -61,8 +64,8 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
         {[&monitor] { return autoSelectTitle(monitor.automation()); }, u"scope"_s,
          u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
         {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
-         [&monitor, &window] {
-             monitor.navigation().setShowSettings(true);
+         [&window] {
+             window.state().navigation.setShowSettings(true);
              window.bringToFront();
          }},
         {always("Refresh"), u"arrow.clockwise"_s, u"menubar.refresh"_s,
@@ -76,9 +79,9 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
         {always("Quit Top App"), u"xmark.circle"_s, u"menubar.quit-top-app"_s,
          askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)},
         {always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
-         [&monitor] { monitor.sections().expandAll(); }},
+         [&window] { window.state().sections.expandAll(); }},
         {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,
-         [&monitor] { monitor.sections().collapseAll(); }},
+         [&window] { window.state().sections.collapseAll(); }},
         {always("Quit Tallowcrest"), u"power"_s, u"menubar.quit"_s, [] { QApplication::quit(); }},
     };
 }

@@ -10,9 +10,9 @@ namespace tallowcrest {
 class DashboardWindow;
 class SystemMonitor;
 
-/// One command of the status item, offered in its panel and in its context menu alike.
+/// One command of the status item, offered in its panel and in its context menu.
 struct MenuBarEntry {
-    /// What it is by now: some follow the state.
+    /// The current title: some depend on the state.
     std::function<QString()> title;
     QString icon;
     QString identifier;

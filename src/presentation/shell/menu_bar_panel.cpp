@@ -11,11 +11,13 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "core/jobs/jobs.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/menu_bar_row.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,10 +29,15 @@ constexpr int panelWidth = 288;
 }  // namespace
 
 MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries)
-    // Not a popup: those are kept from assistive technology, and one without a window that it
-    // belongs to never shows under Wayland.
+    // Not a popup: those are hidden from assistive technology, and without a parent window they
+    // never appear under Wayland.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
-      monitor_(monitor) {
+      monitor_(monitor),
+      changes_(monitor.services().jobs.mainQueue(), [this] {
+          if (isVisible()) {
+              refresh();
+          }
+      }) {
     setObjectName(u"menubar.panel"_s);
     setAccessibleName(u"Tallowcrest"_s);
     setFixedWidth(panelWidth);
@@ -41,25 +48,21 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     layout->addWidget(makeFigures());
     layout->addSpacing(spacing::unit);
     layout->addWidget(makeRows(std::move(entries)));
-    subscription_ = monitor_.observe([this] {
-        if (isVisible()) {
-            refresh();
-        }
-    });
+    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable()});
 }
 
 QWidget* MenuBarPanel::makeFigures() {
     auto* figures = new QWidget(this);
     auto* layout = new QVBoxLayout(figures);
-    // In line with the rows' icons.
+    // Aligned with the rows' icons.
     layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
     layout->setSpacing(spacing::unit / 2);
-    load_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, figures);
-    topGroup_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, figures);
+    load_ = new ElidedLabel({&CrestFonts::heading, &CrestTheme::text}, figures);
+    topGroup_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::secondaryText}, figures);
     latestHeading_ =
-        new ElidedLabel(u"Latest"_s, &CrestFonts::caption, &CrestTheme::secondaryText, figures);
-    latest_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::text, figures);
-    // A long name gives way before its figure does, and a long title before its severity.
+        new ElidedLabel(u"Latest"_s, {&CrestFonts::caption, &CrestTheme::secondaryText}, figures);
+    latest_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::text}, figures);
+    // Elide a long name before its figure, and a long title before its severity.
     topGroup_->setElideMode(Qt::ElideMiddle);
     latest_->setLines(1, 3);
     load_->setObjectName(u"menubar.load"_s);
@@ -134,7 +137,7 @@ QRect MenuBarPanel::screenArea() const {
 }
 
 void MenuBarPanel::toggleAt(const QPoint& anchor) {
-    // A click on the item may first take the focus away, which has closed the panel already.
+    // A click on the item may first take the focus away, which already closes the panel.
     constexpr qint64 sameClickMilliseconds = 250;
     const bool wasJustLeft = sinceLeft_.isValid() && sinceLeft_.elapsed() < sameClickMilliseconds;
     if (isVisible() || wasJustLeft) {
@@ -142,7 +145,7 @@ void MenuBarPanel::toggleAt(const QPoint& anchor) {
         return;
     }
     anchor_ = anchor;
-    // No command has the keyboard before a key asks for one.
+    // No command has the focus until a key is pressed.
     setFocus(Qt::PopupFocusReason);
     commands_->verticalScrollBar()->setValue(0);
     refresh();

@@ -18,16 +18,17 @@ namespace tallowcrest {
 class ElidedLabel;
 class MenuBarRow;
 
-/// The compact panel of the status item: the latest figures and its commands. It closes when the
-/// owner turns elsewhere, by Escape, and behind each command. On a screen too low for all of them
-/// the commands scroll. Main thread.
+/// The compact panel of the status item: the latest figures and the commands. It closes when it
+/// loses the focus, on Escape, and after each command. On a low screen the commands scroll. Main
+/// thread.
 class MenuBarPanel final : public QWidget {
     Q_OBJECT
 
 public:
     MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries);
 
-    /// Shows the panel on the screen of `anchor`, as near to it as fits; or hides it when it shows.
+    /// Shows the panel on the screen of `anchor`, as close to it as possible, or hides it if
+    /// visible.
     void toggleAt(const QPoint& anchor);
 
 protected:
@@ -41,7 +42,7 @@ private:
     void place();
     QWidget* makeFigures();
     QWidget* makeRows(std::vector<MenuBarEntry> entries);
-    /// As high as its content, and no higher than the screen.
+    /// Resizes to the height of the content, at most that of the screen.
     void fit();
     QRect screenArea() const;
     void dismiss();
@@ -54,9 +55,9 @@ private:
     ElidedLabel* latestHeading_ = nullptr;
     ElidedLabel* latest_ = nullptr;
     QScrollArea* commands_ = nullptr;
-    /// Each with what tells its title.
+    /// Each with the function that gives its title.
     std::vector<std::pair<MenuBarRow*, std::function<QString()>>> rows_;
-    Subscription subscription_;
+    ObserverGroup changes_;
 };
 
 }  // namespace tallowcrest

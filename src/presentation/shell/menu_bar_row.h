@@ -12,7 +12,7 @@ class MenuBarRow final : public QPushButton {
 public:
     static constexpr int rowHeight = 28;
 
-    /// `icon` is the name of a line icon; an unknown one leaves its place in the column blank.
+    /// `icon` is the name of a line icon; an unknown one leaves its place empty.
     MenuBarRow(const QString& title, const QString& icon, const QString& identifier,
                QWidget* parent = nullptr);
 

@@ -3,7 +3,9 @@
 #include <QBoxLayout>
 #include <QPushButton>
 
+#include "actions/review_target.h"
 #include "monitor/system_monitor.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
@@ -16,18 +18,18 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// Below this the detail stands beneath the title.
+/// In narrower windows the detail is below the title.
 constexpr int oneLineWidth = 720;
 
 }  // namespace
 
-OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, QWidget* parent)
-    : Card(parent), monitor_(monitor) {
+OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Card(parent), monitor_(monitor), state_(state) {
     installAccessibleFigures();
     setObjectName(u"target"_s);
     setAccessibleName(u"Operation Target"_s);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    // Half the padding where a button of its own edge stands.
+    // Half the padding on the sides of the buttons, which have edges of their own.
     layout()->setContentsMargins(spacing::cardPadding, spacing::unit, spacing::unit, spacing::unit);
     row_ = new QHBoxLayout;
     row_->setSpacing(spacing::unit);
@@ -40,21 +42,18 @@ OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, QWidget* parent)
 void OperationTargetBar::makeTexts() {
     icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconRegular, this);
     icon_->setObjectName(u"target.icon"_s);
-    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    title_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
     title_->setObjectName(u"target.title"_s);
     title_->setElideMode(Qt::ElideMiddle);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    detail_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     detail_->setObjectName(u"target.detail"_s);
     protected_ = new Capsule(this);
     protected_->setObjectName(u"target.protected"_s);
     protected_->setText(u"Protected"_s);
-    // A rule may take the place of what a person chose: that is not to pass unnoticed.
+    // A rule may replace what a person chose, which must not go unnoticed.
     automatic_ = new Capsule(this);
     automatic_->setObjectName(u"target.automatic"_s);
     automatic_->setText(u"Auto-selected"_s);
-    for (ElidedLabel* label : {title_, detail_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
     texts_ = new QBoxLayout(QBoxLayout::LeftToRight);
     texts_->addWidget(title_);
     texts_->addWidget(detail_, 1);
@@ -75,9 +74,9 @@ void OperationTargetBar::makeButtons() {
         row_->addWidget(button);
     }
     connect(choose_, &QPushButton::clicked, this,
-            [this] { monitor_.navigation().setSelectedRoute(AppRoute::load); });
+            [this] { state_.navigation.setSelectedRoute(AppRoute::load); });
     connect(review_, &QPushButton::clicked, this,
-            [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+            [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(clear_, &QPushButton::clicked, this,
             [this] { monitor_.review().clearOperationTarget(); });
 }
@@ -112,7 +111,7 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
         automatic_->hide();
     }
     if (hadFocus) {
-        // The keyboard stays in the row whose button it pressed.
+        // The focus stays in the bar whose button was pressed.
         (hasTarget ? review_ : choose_)->setFocus();
     }
 }

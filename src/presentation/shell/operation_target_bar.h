@@ -12,14 +12,16 @@ class Capsule;
 class ElidedLabel;
 class IconView;
 class SystemMonitor;
+struct WindowState;
 
-/// What is under review, in one row above every page, and the ways to choose it, to go on with it
-/// and to let go of it. Its height never changes. Main thread.
+/// The process or app under review, in one row above every page, with the buttons to choose it, to
+/// continue with it and to clear it. Its height depends only on its width. Main thread.
 class OperationTargetBar final : public Card, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    explicit OperationTargetBar(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit OperationTargetBar(SystemMonitor& monitor, WindowState& state,
+                                QWidget* parent = nullptr);
 
     void refresh();
 
@@ -35,6 +37,7 @@ private:
     void setHasTarget(bool hasTarget);
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     QBoxLayout* row_ = nullptr;
     QBoxLayout* texts_ = nullptr;
     IconView* icon_ = nullptr;

@@ -7,20 +7,26 @@
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
+#include "actions/external_applications.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
 #include "monitor/system_monitor.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
-/// What a button's icon is called, for when there is room for it again.
+/// The name of a button's icon, for when there is space for it again.
 constexpr const char* iconProperty = "tallowcrest.icon";
 
 QString identifierOn(AppRoute route, const char* action) {
@@ -29,8 +35,8 @@ QString identifierOn(AppRoute route, const char* action) {
 
 }  // namespace
 
-PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
-    : QWidget(parent), monitor_(monitor) {
+PageHeader::PageHeader(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : QWidget(parent), monitor_(monitor), state_(state) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
                                spacing::unit);
@@ -38,9 +44,9 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
 
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit);
-    title_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text, this);
+    title_ = new ElidedLabel({&CrestFonts::title, &CrestTheme::text}, this);
     title_->setObjectName(u"page.title"_s);
-    subtitle_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    subtitle_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::secondaryText}, this);
     subtitle_->setObjectName(u"page.subtitle"_s);
     row->addWidget(title_, 1);
 
@@ -53,7 +59,7 @@ PageHeader::PageHeader(SystemMonitor& monitor, QWidget* parent)
     connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
     row->addWidget(refresh_);
     layout->addLayout(row);
-    // The width of the page to itself: no route's subtitle needs a second line.
+    // The full width of the page, so that no route's subtitle needs a second line.
     layout->addWidget(subtitle_);
 }
 
@@ -61,7 +67,7 @@ void PageHeader::setRoute(AppRoute route) {
     title_->setText(dashboard_text::text(title(route)));
     subtitle_->setText(dashboard_text::text(subtitle(route)));
     while (const QLayoutItem* item = actions_->takeAt(0)) {
-        // Deleted later, because the click that changed the route may be its own.
+        // Deleted later, because this may run in the click of that very button.
         item->widget()->hide();
         item->widget()->deleteLater();
         delete item;
@@ -115,7 +121,7 @@ void PageHeader::resizeEvent(QResizeEvent* event) {
 }
 
 void PageHeader::orderActions() {
-    // The order that the eye sees; new widgets would else come behind the whole page.
+    // The visual order; otherwise new widgets would come after the whole page.
     QWidget* before = refresh_;
     for (int i = 0; i < actions_->count(); ++i) {
         QWidget* action = actions_->itemAt(i)->widget();
@@ -123,7 +129,7 @@ void PageHeader::orderActions() {
         before = action;
     }
     setTabOrder(before, refresh_);
-    // Assistive technology goes by the order of the children.
+    // Assistive technology reads the children in their order.
     refresh_->raise();
 }
 
@@ -133,18 +139,19 @@ void PageHeader::addRouteActions(AppRoute route) {
     };
     if (route == AppRoute::overview) {
         add({"Review Cleanup", "wand.and.stars", "Goes to Optimize"}, "review-cleanup",
-            [this] { monitor_.navigation().setSelectedRoute(AppRoute::optimize); });
+            [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     } else if (route == AppRoute::aiAdvisor) {
         add({"Open Chat", "message", "Goes to Chat"}, "open-chat",
-            [this] { monitor_.navigation().setSelectedRoute(AppRoute::chat); });
+            [this] { state_.navigation.setSelectedRoute(AppRoute::chat); });
     } else if (route == AppRoute::settings) {
         add(commands::openSettingsSheet, "open-sheet",
-            [this] { monitor_.navigation().setShowSettings(true); });
+            [this] { state_.navigation.setShowSettings(true); });
     } else if (route == AppRoute::load || route == AppRoute::optimize) {
         add({"Select Top", "scope", "Selects the heaviest process for review"}, "select-top",
-            [this] { selectTop(); });
+            [this] { tellSelection(monitor_.review().selectTopProcess()); });
         if (route == AppRoute::optimize) {
-            add(commands::selectTopApp.titled("Top App"), "top-app", [this] { selectTopApp(); });
+            add(commands::selectTopApp.titled("Top App"), "top-app",
+                [this] { tellSelection(monitor_.review().selectTopApp()); });
             add(commands::purge.titled("Purge"), "purge",
                 [this] { monitor_.localActions().requestPurge(); });
         }
@@ -166,25 +173,9 @@ void PageHeader::addAction(const Command& command, const QString& identifier,
     actions_->addWidget(button);
 }
 
-void PageHeader::selectTop() {
-    monitor_.review().selectTopProcess();
-    const auto& snapshot = monitor_.sample().snapshot();
-    if (snapshot && !snapshot->topProcesses.empty()) {
-        tellSelection(snapshot->topProcesses.front().pid);
-    }
-}
-
-void PageHeader::selectTopApp() {
-    monitor_.review().selectTopApp();
-    const auto& snapshot = monitor_.sample().snapshot();
-    if (snapshot && !snapshot->appImpacts.empty()) {
-        tellSelection(snapshot->appImpacts.front().topPID);
-    }
-}
-
-void PageHeader::tellSelection(std::optional<std::int64_t> wanted) {
-    // A protected process is refused, and what was selected before stays where it is.
-    if (wanted && wanted == monitor_.review().selectedPID()) {
+void PageHeader::tellSelection(const Outcome& outcome) {
+    // After a refusal the previous selection stays.
+    if (outcome.isAccepted()) {
         emit selectionMade();
     }
 }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <optional>
 #include <vector>
 
 #include <QWidget>
 
+#include "core/outcome.h"
 #include "core/routes.h"
 #include "presentation/words/commands.h"
 
@@ -17,14 +16,15 @@ namespace tallowcrest {
 
 class ElidedLabel;
 class SystemMonitor;
+struct WindowState;
 
-/// The top of every route: its title, its subtitle, the actions that belong to it, and "Refresh".
-/// Where there is no room for both, the words of the actions stay and their icons go. Main thread.
+/// The top of every route: its title, its subtitle, its actions, and "Refresh". In a narrow window
+/// the actions lose their icons and keep their words. Main thread.
 class PageHeader final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit PageHeader(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit PageHeader(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
 
     void setRoute(AppRoute route);
 
@@ -33,24 +33,23 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 signals:
-    /// The owner selected a process here, perhaps the one that was under review already.
+    /// The owner selected a process here, possibly the one already under review.
     void selectionMade();
 
 private:
     void addRouteActions(AppRoute route);
     void addAction(const Command& command, const QString& identifier, std::function<void()> act);
-    void selectTop();
-    void selectTopApp();
     void orderActions();
     std::vector<QPushButton*> buttons() const;
-    /// Finds out how much room icons and words take together.
+    /// Measures the width that icons and words need together.
     void measure();
     void fold();
     void showIcons(bool areShown);
-    /// Emits `selectionMade` when the process that was asked for is the one under review now.
-    void tellSelection(std::optional<std::int64_t> wanted);
+    /// Emits `selectionMade` if `wanted` is now the process under review.
+    void tellSelection(const Outcome& outcome);
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     ElidedLabel* title_ = nullptr;
     ElidedLabel* subtitle_ = nullptr;
     QHBoxLayout* actions_ = nullptr;

@@ -81,7 +81,7 @@ void SidebarRow::paintEvent(QPaintEvent*) {
         painter.drawRoundedRect(outline, rowRadius, rowRadius);
     }
     if (isChecked()) {
-        // The selected route is told by shape as well as by colour.
+        // The selected route differs by shape as well as by colour.
         constexpr int barHeight = 16;
         painter.setBrush(theme.accent);
         painter.drawRoundedRect(QRectF(2, (height() - barHeight) / 2.0, 3, barHeight), 1.5, 1.5);
@@ -130,7 +130,7 @@ Sidebar::Sidebar(QWidget* parent) : QWidget(parent), group_(new QButtonGroup(thi
 void Sidebar::setSelectedRoute(AppRoute route) {
     SidebarRow* selected = rows_.at(static_cast<std::size_t>(route));
     selected->setChecked(true);
-    // Arrow keys go on from the route that shows, also when a shortcut chose it.
+    // Arrow keys continue from the shown route, also if a shortcut chose it.
     const auto hasFocus = [](const SidebarRow* row) { return row->hasFocus(); };
     if (!selected->hasFocus() && std::any_of(rows_.begin(), rows_.end(), hasFocus)) {
         selected->setFocus(Qt::OtherFocusReason);

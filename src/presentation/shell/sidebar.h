@@ -44,11 +44,11 @@ public:
     explicit Sidebar(QWidget* parent = nullptr);
 
     void setSelectedRoute(AppRoute route);
-    /// Folded, only the icons are left.
+    /// Folded, the sidebar shows only icons.
     void setFolded(bool folded);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
-    /// Its rows say which of them is chosen.
+    /// Empty: the rows report which of them is selected.
     QString accessibleValue() const override { return {}; }
 
 signals:

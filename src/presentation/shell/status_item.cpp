@@ -2,11 +2,13 @@
 
 #include <QCursor>
 
+#include "core/jobs/jobs.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,13 +16,16 @@ namespace tallowcrest {
 namespace {
 
 constexpr int iconSize = 22;
-/// Each new icon travels to another program, so the needle moves in steps that can be seen.
+/// Each new icon is sent to another program, so the needle moves only in visible steps.
 constexpr int needleStep = 5;
 
 }  // namespace
 
 StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
-    : monitor_(monitor), window_(window), icon_(this) {
+    : monitor_(monitor),
+      window_(window),
+      icon_(this),
+      changes_(monitor.services().jobs.mainQueue(), [this] { refresh(); }) {
     icon_.setObjectName(u"menubar.item"_s);
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
         QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title(), this, entry.run);
@@ -31,7 +36,7 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
     refresh();
     icon_.show();
-    subscription_ = monitor_.observe([this] { refresh(); });
+    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable()});
 }
 
 void StatusItem::refresh() {
@@ -46,10 +51,10 @@ void StatusItem::refresh() {
     const int percent = snapshot ? dashboard_text::wholePercent(snapshot->cpuPercent) : 0;
     const int needle = percent / needleStep * needleStep;
     const CrestTheme& theme = CrestTheme::current();
-    // Nothing tells how bright the panel is: it need not follow the windows' appearance, and a
-    // symbolic icon by name, which it would colour itself, could not show the load. So the dial
-    // brings its own edge. On a panel like the windows that edge is not seen; on any other it is
-    // what sets the dial off. One grey for all panels would look dull on every one.
+    // The brightness of the desktop's panel is unknown: it may differ from that of the windows, and
+    // a symbolic icon, which the panel would colour itself, cannot show the load. So the dial has
+    // an edge in the windows' background colour: invisible on a panel of that colour, and a
+    // contrast on any other.
     const QColor color = theme.text;
     if (needle != shownNeedle_ || color != shownColor_) {
         shownNeedle_ = needle;
@@ -63,13 +68,14 @@ void StatusItem::refresh() {
 }
 
 void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
-    // A double click comes as this and then as itself; answering both would close what it opened.
+    // A double click arrives as Trigger and as DoubleClick; answering both would close the panel
+    // again.
     if (reason != QSystemTrayIcon::Trigger) {
         return;
     }
     if (panel_ == nullptr) {
         panel_ = std::make_unique<MenuBarPanel>(monitor_, menuBarEntries(monitor_, window_));
-        // The rules run on while the window is closed, and so do the keys that stop them.
+        // The rules run while the window is closed, so the panel too needs the keys that stop them.
         panel_->addAction(window_.emergencyStop());
     }
     const QRect place = icon_.geometry();

@@ -17,15 +17,15 @@ namespace tallowcrest {
 class DashboardWindow;
 class SystemMonitor;
 
-/// The always-present status item: a live gauge icon with the load in words as its tool tip, the
-/// panel on a click, the same commands as its context menu. Main thread.
+/// The status item, present while the program runs: a live gauge icon with the load as its tool
+/// tip, the panel on a click, and the same commands as context menu. Main thread.
 class StatusItem final : public QObject {
     Q_OBJECT
 
 public:
     StatusItem(SystemMonitor& monitor, DashboardWindow& window);
 
-    /// Whether the desktop has a place for the item now. Without one it cannot be reached.
+    /// Whether the desktop shows status items at present. If not, the item cannot be reached.
     static bool hasHost() { return QSystemTrayIcon::isSystemTrayAvailable(); }
 
 private:
@@ -36,12 +36,12 @@ private:
     DashboardWindow& window_;
     QSystemTrayIcon icon_;
     QMenu menu_;
-    /// The entries of the menu, each with what tells its title.
+    /// The entries of the menu, each with the function that gives its title.
     std::vector<std::pair<QAction*, std::function<QString()>>> actions_;
     std::unique_ptr<MenuBarPanel> panel_;
     int shownNeedle_ = -1;
     QColor shownColor_;
-    Subscription subscription_;
+    ObserverGroup changes_;
 };
 
 }  // namespace tallowcrest

@@ -2,6 +2,10 @@
 
 #include <QHBoxLayout>
 
+#include "actions/automation.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/elided_label.h"
@@ -10,13 +14,14 @@
 #include "presentation/words/automation_lines.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/timeline.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
-/// Below this the automations stand beneath the session, so that the last outcome keeps its room.
+/// In narrower windows the automations are below the session, so that the last outcome has space.
 constexpr int oneLineWidth = 760;
 
 }  // namespace
@@ -26,18 +31,16 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
     layout->setSpacing(spacing::gap);
-    session_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    session_ = new ElidedLabel(onPage(&CrestFonts::caption, &CrestTheme::secondaryText), this);
     session_->setObjectName(u"status.session"_s);
-    session_->setGround(&CrestTheme::pageBackground);
     session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
     automation_ = new Capsule(this);
     automation_->setObjectName(u"status.automation"_s);
     threshold_ = new Capsule(this);
     threshold_->setObjectName(u"status.threshold"_s);
-    lastAction_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::text, this);
+    lastAction_ = new ElidedLabel(onPage(&CrestFonts::caption), this);
     lastAction_->setObjectName(u"status.last-action"_s);
-    lastAction_->setGround(&CrestTheme::pageBackground);
-    // Room for the longest message in a narrow window: its end may be what matters.
+    // Fits the longest message in a narrow window: its end may be what matters.
     lastAction_->setLines(2, 2);
     lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     facts_ = new QBoxLayout(QBoxLayout::TopToBottom);
@@ -65,13 +68,11 @@ void StatusStrip::showAutomation() {
         automation_->setText(automationsOn(monitor_.settings()));
         automation_->clearMark();
     }
-    const auto& snapshot = monitor_.sample().snapshot();
-    const AutomationFacts facts{monitor_.automation().isStopEngaged(), monitor_.autoRules().dates(),
-                                monitor_.log().activityLog(),
-                                snapshot ? snapshot->sampledAt : Date{}};
-    // How to stop it all is to be found wherever that is shown.
+    // The keys of the emergency stop are given wherever the automations are shown.
     const QString words =
-        automationsSummary(monitor_.settings(), facts) + u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
+        automationsSummary({monitor_.settings(), monitor_.autoRules().dates(),
+                            monitor_.log().activityLog(), monitor_.sample().snapshot()}) +
+        u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
     if (automation_->toolTip() != words) {
         automation_->setToolTip(words);
         setSpokenDescription(*automation_, words);

@@ -10,8 +10,8 @@ class Capsule;
 class ElidedLabel;
 class SystemMonitor;
 
-/// The line below the page header: how far back the session reaches, what may act by itself or that
-/// the emergency stop holds it back, the warning threshold and the last outcome. Main thread.
+/// The line below the page header: the length of the session, the enabled automations or the
+/// emergency stop, the warning threshold, and the outcome of the last action. Main thread.
 class StatusStrip final : public QWidget {
     Q_OBJECT
 

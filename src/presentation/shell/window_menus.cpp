@@ -9,11 +9,15 @@
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
+#include "actions/automation.h"
+#include "actions/local_actions.h"
 #include "core/routes.h"
 #include "monitor/system_monitor.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
+#include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +29,7 @@ QAction* named(QAction* action, const QString& identifier) {
     return action;
 }
 
-/// The keys that File's commands share with the editing of text.
+/// The shortcuts of the File menu that text fields use to delete a word.
 bool deletesAWord(const QKeyEvent& key) {
     return key.modifiers() == Qt::ControlModifier &&
            (key.key() == Qt::Key_Delete || key.key() == Qt::Key_Backspace);
@@ -40,8 +44,8 @@ bool isInTextField() {
 
 }  // namespace
 
-WindowMenus::WindowMenus(SystemMonitor& monitor, QMainWindow& window)
-    : QObject(&window), monitor_(monitor), window_(window) {
+WindowMenus::WindowMenus(SystemMonitor& monitor, WindowState& state, QMainWindow& window)
+    : QObject(&window), monitor_(monitor), state_(state), window_(window) {
     window_.menuBar()->setObjectName(u"menu"_s);
     makeApplicationMenu();
     makeFileMenu();
@@ -56,7 +60,7 @@ void WindowMenus::makeApplicationMenu() {
         ->setMenuRole(QAction::AboutRole);
     QAction* settings =
         named(application->addAction(themedIcon(u"gearshape"_s), u"Settings..."_s, this,
-                                     [this] { monitor_.navigation().setShowSettings(true); }),
+                                     [this] { state_.navigation.setShowSettings(true); }),
               u"settings"_s);
     settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
     settings->setMenuRole(QAction::PreferencesRole);
@@ -83,12 +87,12 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
     // Two keys on every keyboard: where the period needs Shift, the second pair does not.
     emergencyStop_->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Period), QKeySequence(Qt::SHIFT | Qt::Key_Escape)});
-    // In any window of the application. A dialog that locks this one takes the action along.
+    // In any window of the application. Modal dialogs get the action added to them.
     emergencyStop_->setShortcutContext(Qt::ApplicationShortcut);
-    // Keys that are held down stop everything once.
+    // Holding the keys down engages the stop once.
     emergencyStop_->setAutoRepeat(false);
     emergencyStop_->setMenuRole(QAction::ApplicationSpecificRole);
-    // Without a key of its own: what was stopped in a hurry is not resumed in one.
+    // Without a shortcut: resuming must be deliberate.
     resumeManualMode_ =
         named(menu.addAction(QString::fromUtf8(commands::resumeManualMode.title), this,
                              [this] { monitor_.automation().resumeFromEmergencyStop(); }),
@@ -127,7 +131,7 @@ void WindowMenus::makeFileMenu() {
                               [this] { monitor_.reports().exportDiagnosticsReport(); }),
               u"export-diagnostics"_s);
     exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
-    // A key held down exports one report and not several of the same second.
+    // Holding the key down exports one report, not several within a second.
     exportReport->setAutoRepeat(false);
     file->addSeparator();
     QAction* quitProcess =
@@ -136,13 +140,13 @@ void WindowMenus::makeFileMenu() {
               u"quit-selected-process"_s);
     quitProcess->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
-    // Each press without a target is an event of the log, which a key held down would fill.
+    // Each press without a target is logged; a held key would fill the log.
     quitProcess->setAutoRepeat(false);
     QAction* quitApp =
         named(file->addAction(u"Quit Selected App Group"_s, this,
                               [this] { monitor_.localActions().requestQuitSelectedApp(); }),
               u"quit-selected-app"_s);
-    // By their first word they would be taken for the command that quits this application.
+    // Qt would take them for the application's quit command because of their first word.
     quitProcess->setMenuRole(QAction::NoRole);
     quitApp->setMenuRole(QAction::NoRole);
 }
@@ -155,10 +159,10 @@ void WindowMenus::makeGoMenu() {
         QAction* action =
             named(go->addAction(themedIcon(dashboard_text::text(symbol(route))),
                                 dashboard_text::text(title(route)), this,
-                                [this, route] { monitor_.navigation().setSelectedRoute(route); }),
+                                [this, route] { state_.navigation.setSelectedRoute(route); }),
                   u"go."_s + dashboard_text::text(rawValue(route)));
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)));
-        // "Settings" is a place to go to here, not the application's settings command.
+        // Here "Settings" is a route, not the application's settings command.
         action->setMenuRole(QAction::NoRole);
     }
     go->addSeparator();

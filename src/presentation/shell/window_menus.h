@@ -9,26 +9,27 @@ class QMenu;
 namespace tallowcrest {
 
 class SystemMonitor;
+struct WindowState;
 
-/// The menus of the dashboard window and the keys of their commands. Main thread.
+/// The menus of the dashboard window and their shortcuts. Main thread.
 class WindowMenus final : public QObject {
     Q_OBJECT
 
 public:
-    /// Fills the menu bar of `window`, which it belongs to. The monitor must outlive it.
-    WindowMenus(SystemMonitor& monitor, QMainWindow& window);
+    /// Fills the menu bar of `window`, its parent. The monitor must outlive it.
+    WindowMenus(SystemMonitor& monitor, WindowState& state, QMainWindow& window);
 
-    /// Its keys work in every window that the action has been added to.
+    /// Its shortcuts work in every window to which the action has been added.
     QAction* emergencyStop() const { return emergencyStop_; }
 
-    /// Reads the monitor's state and offers what can be done.
+    /// Enables the commands that the monitor's state allows.
     void refresh();
 
-    /// Leaves the keys that delete a word to text fields, though commands have them too.
+    /// Leaves the keys that delete a word to text fields, although commands use them too.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
-    /// The keyboard is wanted in the filter of the process list.
+    /// The filter of the process list should get the focus.
     void processFilterWanted();
 
 private:
@@ -39,6 +40,7 @@ private:
     void showAbout();
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     QMainWindow& window_;
     QAction* emergencyStop_ = nullptr;
     QAction* resumeManualMode_ = nullptr;

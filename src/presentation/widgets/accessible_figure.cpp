@@ -12,7 +12,7 @@ public:
         : QAccessibleWidget(widget, figure->accessibleRole()), figure_(figure) {}
 
     QString text(QAccessible::Text kind) const override {
-        // The widget may be half gone while assistive technology still asks.
+        // Assistive technology may still ask while the widget is being destroyed.
         if (kind == QAccessible::Value && isValid()) {
             return figure_->accessibleValue();
         }

@@ -7,23 +7,24 @@
 
 namespace tallowcrest {
 
-/// A widget that paints what others would show with several controls. Assistive technology gets its
-/// content through this. Main thread.
+/// A widget that paints its content itself instead of composing it of controls, and describes it to
+/// assistive technology through this interface. Main thread.
 class AccessibleFigure {
 public:
     virtual ~AccessibleFigure() = default;
 
     virtual QAccessible::Role accessibleRole() const = 0;
-    /// What the figure shows now, in words.
+    /// What the widget shows now, in words.
     virtual QString accessibleValue() const = 0;
-    /// The same as a percentage, where one number is the whole content.
+    /// The same as a percentage; absent unless the content is one percentage.
     virtual std::optional<double> accessiblePercent() const { return std::nullopt; }
-    /// True when the figure says all that the widgets within it say, which are then left out.
+    /// True to hide the widget's children from assistive technology, because the value repeats
+    /// them.
     virtual bool saysAllWithin() const { return false; }
 };
 
-/// Makes Qt ask every `AccessibleFigure` for its role and value. Each figure calls this as it is
-/// built; repeated calls do nothing.
+/// Makes Qt ask every `AccessibleFigure` for its role and value. Each one calls this in its
+/// constructor; repeated calls do nothing.
 void installAccessibleFigures();
 
 }  // namespace tallowcrest

@@ -181,7 +181,7 @@ int BarList::barWidth() const {
 
 int BarList::filledWidth(const BarRow& row) const {
     const double share = safeGraphValue(row.fraction * 100) / 100;
-    // Never shorter than its own round ends, so that a small share can still be seen.
+    // Never shorter than its round ends, so that a small share stays visible.
     return share > 0 ? std::max(barHeight, static_cast<int>(std::lround(barWidth() * share))) : 0;
 }
 

@@ -10,7 +10,7 @@
 
 namespace tallowcrest {
 
-/// One bar: its share of the longest possible bar runs from 0 to 1; what is not finite counts as 0.
+/// One bar: its share of the longest possible bar, 0 to 1; a share that is not finite counts as 0.
 struct BarRow {
     QString label;
     QString valueText;
@@ -19,9 +19,9 @@ struct BarRow {
     bool operator==(const BarRow&) const = default;
 };
 
-/// Horizontal bars, each with its label at the left and its figure at the right. The room for all
-/// rows is kept from the start, so that nothing moves as rows come and go. It paints the ground of
-/// a card. Main thread.
+/// Horizontal bars, each with its label at the left and its figure at the right. The height of all
+/// rows is always reserved, so that nothing moves as rows come and go. Paints the background of a
+/// card. Main thread.
 class BarList : public PaintedFigure {
     Q_OBJECT
 
@@ -31,10 +31,10 @@ public:
     BarList(const QString& label, int rowCount, const QString& valuePattern,
             QWidget* parent = nullptr);
 
-    /// Rows beyond the row count are left out. Repaints only rows that changed.
+    /// Rows beyond the row count are ignored. Repaints only rows that changed.
     void setRows(std::vector<BarRow> rows);
     const std::vector<BarRow>& rows() const { return rows_; }
-    /// Shown in place of the bars while there are none.
+    /// Shown while there are no bars.
     void setEmptyText(const QString& text);
     void setTint(const ThemeColor& tint);
 
@@ -56,7 +56,7 @@ private:
     int barWidth() const;
     /// In whole pixels, so that a change of less than one repaints nothing.
     int filledWidth(const BarRow& row) const;
-    /// Repaints what differs from `before` in what is seen.
+    /// Repaints what differs visibly from `before`.
     void showChanges(const std::vector<BarRow>& before);
     void paintBar(QPainter& painter, const BarRow& row, int rowTop, const CrestTheme& theme) const;
 

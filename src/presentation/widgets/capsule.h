@@ -18,9 +18,9 @@ public:
     /// Plain text; also the accessible name.
     void setText(const QString& text);
 
-    /// Sets it off from its quiet neighbours: `icon` before the text, and everything in `color`.
+    /// Emphasises it: `icon` before the text, and everything in `color`.
     void setMark(const QString& icon, const ThemeColor& color);
-    /// Quiet again, as at first.
+    /// Ends the emphasis; there is none at first.
     void clearMark();
 
     QSize sizeHint() const override;
@@ -34,7 +34,7 @@ protected:
 
 private:
     QString text_;
-    QString icon_;  ///< empty for a quiet one
+    QString icon_;  ///< empty without emphasis
     ThemeColor color_;
 };
 

@@ -27,7 +27,7 @@ QHBoxLayout* Card::headerLayout() {
         header_ = new QHBoxLayout;
         header_->setSpacing(spacing::unit);
         icon_ = new IconView(QString(), &CrestTheme::secondaryText);
-        heading_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text);
+        heading_ = new ElidedLabel({&CrestFonts::heading});
         header_->addWidget(icon_);
         header_->addWidget(heading_, 1);
         outer_->insertLayout(0, header_);
@@ -57,9 +57,8 @@ void Card::reserveCaption(const QString& pattern) {
 
 ElidedLabel* Card::caption() {
     if (caption_ == nullptr) {
-        caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+        caption_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText));
         caption_->setLines(1, 2);
-        caption_->setGround(&CrestTheme::cardBackground);
         outer_->insertWidget(header_ == nullptr ? 0 : 1, caption_);
     }
     return caption_;
@@ -68,8 +67,8 @@ ElidedLabel* Card::caption() {
 void Card::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
-    // Most paints clear the ground for one changed figure. Away from the border that is a plain
-    // fill, at a fraction of the rounded outline's cost.
+    // Most paint events only clear the background of one changed figure. Away from the border a
+    // plain fill does that at a fraction of the rounded outline's cost.
     const int corner = spacing::cardRadius;
     if (rect().adjusted(corner, 1, -corner, -1).contains(event->rect()) ||
         rect().adjusted(1, corner, -1, -corner).contains(event->rect())) {
@@ -79,7 +78,8 @@ void Card::paintEvent(QPaintEvent* event) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.hairline, 1));
     painter.setBrush(theme.cardBackground);
-    // The border's middle runs through the outermost pixels, or it would be two pixels wide.
+    // The outline runs through the centres of the outermost pixels; otherwise it would be blurred
+    // over two.
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), spacing::cardRadius,
                             spacing::cardRadius);
 }

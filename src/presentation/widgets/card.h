@@ -11,8 +11,8 @@ namespace tallowcrest {
 class ElidedLabel;
 class IconView;
 
-/// A rounded area on the page with a hairline border, which groups what belongs together. Its
-/// header is optional. Main thread.
+/// A rounded area with a hairline border that groups related content. Its header is optional. Main
+/// thread.
 class Card : public QWidget {
     Q_OBJECT
 
@@ -22,14 +22,14 @@ public:
     /// Shows `heading` at the top, with the line icon `icon` unless that is empty. The heading is
     /// the card's accessible name.
     void setHeader(const QString& icon, const QString& heading);
-    /// One quiet line below the heading; empty takes it away.
+    /// A secondary line below the heading; an empty text removes it.
     void setCaption(const QString& caption);
-    /// Keeps room for `pattern` with any digits, for a caption that holds figures.
+    /// Reserves the width of `pattern` with any digits, for a caption with figures.
     void reserveCaption(const QString& pattern);
 
     /// The header row, where a card may add controls at the right.
     QHBoxLayout* headerLayout();
-    /// What the card holds, below the header.
+    /// The layout of the card's content, below the header.
     QVBoxLayout* contentLayout() { return content_; }
 
 protected:

@@ -9,8 +9,8 @@
 
 namespace tallowcrest {
 
-// The cards are placed here and not by a layout, because a layout could only tell its height in the
-// arrangement that it has, and not in the one that another width would bring.
+// The cards are placed here and not by a grid layout, which could give its height only for its
+// present number of columns and not for that of another width.
 CardGrid::CardGrid(int cardWidth, QWidget* parent) : QWidget(parent), cardWidth_(cardWidth) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);

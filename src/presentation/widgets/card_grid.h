@@ -6,20 +6,20 @@
 
 namespace tallowcrest {
 
-/// Cards in rows of equal width, as many beside each other as there is room for. The rows are
-/// filled evenly: four cards in room for three stand two by two. Main thread.
+/// Cards of equal width in rows, as many per row as fit. The rows are filled evenly: where three
+/// fit in a row, four cards make two rows of two. Main thread.
 class CardGrid final : public QWidget {
     Q_OBJECT
 
 public:
-    /// A card never gets narrower than `cardWidth` beside another one.
+    /// Cards in a row of several are at least `cardWidth` wide.
     explicit CardGrid(int cardWidth, QWidget* parent = nullptr);
 
     void addCard(QWidget* card);
     /// Shows only the first `count` cards.
     void setShownCount(int count);
 
-    /// How many of `count` cards stand beside each other in `width`, at least 1.
+    /// How many of `count` cards a row of that width holds, at least 1.
     static int columnsFor(int count, int width, int cardWidth);
 
     bool hasHeightForWidth() const override { return true; }
@@ -38,7 +38,7 @@ private:
         int width = 0;
     };
     Columns columnsWithin(int width) const;
-    /// As tall as the tallest card of the row that begins with the card `first`.
+    /// The height of the tallest card of the row that begins with the card `first`.
     int rowHeight(int first, const Columns& columns) const;
     void arrange();
 

@@ -9,8 +9,8 @@ class QWidget;
 
 namespace tallowcrest {
 
-/// A push button with everything that a control owes: its automation identifier, and a name and
-/// description for assistive technology. `icon` may be empty. Main thread.
+/// A push button with its automation identifier and its accessible name and description. `icon` may
+/// be empty. Main thread.
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent);
 

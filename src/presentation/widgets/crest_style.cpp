@@ -94,7 +94,7 @@ CrestStyle::CrestStyle() : QProxyStyle(QStyleFactory::create(u"Fusion"_s)) {}
 void CrestStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
     if (widget->inherits("QTipLabel")) {
-        // A tip comes with the desktop's colours, which need not go with those of the window.
+        // A tool tip gets the desktop's colours, which may not match those of the window.
         const CrestTheme& theme = CrestTheme::current();
         QPalette colors = widget->palette();
         colors.setColor(QPalette::ToolTipBase, theme.cardBackground);
@@ -123,7 +123,7 @@ void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
             painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
             return;
         case PE_FrameFocusRect:
-            // A push button's own frame tells its focus.
+            // A push button shows its focus with its own frame.
             if (qobject_cast<const QPushButton*>(widget) != nullptr) {
                 return;
             }
@@ -177,7 +177,7 @@ int CrestStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
         case PM_HeaderMargin:
             return spacing::unit;
         case PM_ToolTipLabelFrameWidth:
-            // A tip adds one pixel to this.
+            // A tool tip adds one pixel to this.
             return spacing::unit - 1;
         case PM_ButtonShiftHorizontal:
         case PM_ButtonShiftVertical:
@@ -189,8 +189,8 @@ int CrestStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
 
 int CrestStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* returnData) const {
-    // Nothing is animated: a change of the figures is the only motion on screen. Dialogs carry no
-    // stock icons, which come in colours that mean nothing here.
+    // No animations: only changing figures move on screen. No stock icons in dialogs, because their
+    // colours have no meaning here.
     if (hint == SH_ToolTipLabel_Opacity) {
         return 255;
     }
@@ -206,7 +206,7 @@ QRect CrestStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     if (control != CC_ScrollBar || slider == nullptr) {
         return QProxyStyle::subControlRect(control, option, subControl, widget);
     }
-    // A bar without arrow buttons: the groove is all of it.
+    // A scroll bar without arrow buttons is all groove.
     const bool isVertical = slider->orientation == Qt::Vertical;
     const QRect bar = option->rect;
     const int length = isVertical ? bar.height() : bar.width();

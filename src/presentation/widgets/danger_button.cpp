@@ -10,7 +10,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr double radius = 8;
-// Less than the style leaves around a title, which is never cut for a rounded pixel.
+// Less than the style leaves around a title, so that rounding never elides it.
 constexpr int leastPadding = 8;
 constexpr double hoverShare = 0.08;
 constexpr double pressShare = 0.18;
@@ -19,13 +19,13 @@ constexpr double pressShare = 0.18;
 
 DangerButton::DangerButton(QWidget* parent) : QPushButton(parent) {
     setAutoDefault(false);
-    // Its ground follows the pointer.
+    // The background changes under the pointer.
     setAttribute(Qt::WA_Hover);
 }
 
 void DangerButton::setTitle(const QString& title) {
     title_ = title;
-    // An ampersand would else be taken for the mark of a shortcut key.
+    // A single ampersand would mark a shortcut key.
     setText(QString(title).replace(u'&', u"&&"_s));
     setAccessibleName(title);
 }
@@ -37,7 +37,7 @@ DangerButton::Colors DangerButton::colors(const CrestTheme& theme, bool isHovere
 }
 
 void DangerButton::keyPressEvent(QKeyEvent* event) {
-    // Some desktops count these among the keys that press any button.
+    // On some desktops these keys press any focused button.
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->ignore();
         return;

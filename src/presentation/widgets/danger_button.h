@@ -6,9 +6,8 @@
 
 namespace tallowcrest {
 
-/// The button that carries a change out. It is pressed by a click or by Space alone: Return, which
-/// a person may have meant for something else, never presses it, wherever the keyboard is.
-/// Main thread.
+/// The button that carries out a change. Only a click or Space presses it: Return, which may have
+/// been meant for something else, never does, even with the focus on it. Main thread.
 class DangerButton final : public QPushButton {
     Q_OBJECT
 
@@ -20,7 +19,7 @@ public:
 
     explicit DangerButton(QWidget* parent = nullptr);
 
-    /// Plain text, whatever it holds; also the accessible name.
+    /// Plain text: an ampersand is shown as it is. Also sets the accessible name.
     void setTitle(const QString& title);
 
     static Colors colors(const CrestTheme& theme, bool isHovered, bool isPressed);

@@ -17,7 +17,7 @@
 namespace tallowcrest {
 namespace {
 
-// A label asks for no more than this, however long its text is; a layout may still give it more.
+// The widest size hint, however long the text is; a layout may still give the label more.
 constexpr int widestHint = 480;
 constexpr qsizetype longestMeasured = 200;
 
@@ -29,25 +29,28 @@ bool differOnlyInDigits(const QString& a, const QString& b) {
 
 }  // namespace
 
-ElidedLabel::ElidedLabel(QWidget* parent) : QWidget(parent) {
+ElidedLabel::ElidedLabel(const LabelStyle& style, QWidget* parent)
+    : QWidget(parent), style_(style) {
     installAccessibleFigures();
+    setAttribute(Qt::WA_OpaquePaintEvent, style_.ground.has_value());
     updateSizePolicy();
+}
+
+ElidedLabel::ElidedLabel(const QString& text, const LabelStyle& style, QWidget* parent)
+    : ElidedLabel(style, parent) {
+    setText(text);
 }
 
 ElidedLabel::ElidedLabel(const QString& text, FontRole font, const ThemeColor& color,
                          QWidget* parent)
-    : ElidedLabel(parent) {
-    font_ = font;
-    color_ = color;
-    setText(text);
-}
+    : ElidedLabel(text, {font, color}, parent) {}
 
 void ElidedLabel::setText(const QString& text) {
     if (text == text_) {
         return;
     }
-    // A new layout of the whole page is dear, and so is measuring text. Most new texts differ from
-    // the old in their digits alone, which ask for the same room.
+    // Laying out the whole page is expensive, and so is measuring text. Most new texts differ from
+    // the old one only in digits, which need the same room.
     const bool isSameButForDigits = differOnlyInDigits(text, text_);
     if (isSameButForDigits && hasTabularDigits(textFont())) {
         keepBreaks(std::exchange(text_, text));
@@ -68,13 +71,13 @@ void ElidedLabel::setText(const QString& text) {
 }
 
 void ElidedLabel::setFontRole(FontRole font) {
-    font_ = font;
+    style_.font = font;
     changeLayout();
 }
 
 void ElidedLabel::setColor(const ThemeColor& color) {
-    if (color != color_) {
-        color_ = color;
+    if (color != style_.color) {
+        style_.color = color;
         update();
     }
 }
@@ -85,7 +88,7 @@ void ElidedLabel::setUnitColor(const ThemeColor& color) {
 }
 
 void ElidedLabel::setGround(const ThemeColor& ground) {
-    ground_ = ground;
+    style_.ground = ground;
     setAttribute(Qt::WA_OpaquePaintEvent);
     update();
 }
@@ -104,7 +107,7 @@ void ElidedLabel::setLines(int minimum, int maximum) {
     maximumLines_ = std::max(1, maximum);
     minimumLines_ = std::clamp(minimum, 1, maximumLines_);
     if (maximumLines_ > 1) {
-        // Text that may grow begins at the top, or its first line would move.
+        // Aligned to the top, so that a second line does not move the first.
         alignment_ = (alignment_ & Qt::AlignHorizontal_Mask) | Qt::AlignTop;
     }
     updateSizePolicy();
@@ -127,8 +130,8 @@ const QStringList& ElidedLabel::shownLines() const {
 }
 
 bool ElidedLabel::fitsInOneLine() const {
-    // The natural width is known as long as only digits change, so this spares the measuring that
-    // eliding begins with.
+    // The natural width stays cached while only digits change, so this avoids the measuring that
+    // eliding starts with.
     return maximumLines_ == 1 && !text_.isEmpty() && text_.size() <= longestMeasured &&
            !text_.contains(u'\n') && naturalWidth() < widestHint && naturalWidth() <= width();
 }
@@ -138,7 +141,7 @@ void ElidedLabel::keepBreaks(const QString& before) {
     for (QString& line : lines_) {
         const qsizetype start = before.indexOf(line, from);
         if (start < 0) {
-            // Not a plain piece of the text: cut by an ellipsis.
+            // Not a part of the text: the line was elided.
             linesWidth_ = -1;
             return;
         }
@@ -149,8 +152,8 @@ void ElidedLabel::keepBreaks(const QString& before) {
 
 int ElidedLabel::naturalWidth() const {
     if (naturalWidth_ < 0) {
-        // No text of this length fits into the widest hint. Digits count as the widest one, so that
-        // another figure of as many digits asks for the same room.
+        // No text of this length fits into the widest hint. Every digit counts as the widest one,
+        // so that any figure of as many digits needs the same room.
         const int wanted = figuresWidth(textFont(), text_.left(longestMeasured)) + 1;
         naturalWidth_ = std::max(reservedWidth(), std::min(wanted, widestHint));
     }
@@ -158,7 +161,7 @@ int ElidedLabel::naturalWidth() const {
 }
 
 int ElidedLabel::reservedWidth() const {
-    // One more for rounding, as for the text itself: the one must never outgrow the other.
+    // One more for rounding, as for the text itself, so that the text never outgrows its reserve.
     return reserved_.isEmpty() ? 0 : figuresWidth(textFont(), reserved_) + 1;
 }
 
@@ -215,15 +218,15 @@ void ElidedLabel::resizeEvent(QResizeEvent* event) {
 void ElidedLabel::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
-    if (ground_) {
-        painter.fillRect(event->rect(), ground_->in(theme));
+    if (style_.ground) {
+        painter.fillRect(event->rect(), style_.ground->in(theme));
     }
     const QStringList& lines = shownLines();
     if (lines.isEmpty()) {
         return;
     }
     painter.setFont(textFont());
-    QColor color = color_.in(theme);
+    QColor color = style_.color.in(theme);
     if (!isEnabled()) {
         color.setAlphaF(0.5F);
     }
@@ -242,7 +245,7 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
             drawFigure(painter, QRect(0, top, width(), lineHeight), Qt::Alignment(horizontal), line,
                        color, unitColor_->in(theme));
         } else if (horizontal == Qt::AlignLeft && !line.isRightToLeft()) {
-            // A known place spares the text layout that aligning within a rectangle takes.
+            // Drawing at a known position avoids the text layout of drawing into a rectangle.
             painter.drawText(0, top + baseline, line);
         } else {
             painter.drawText(QRect(0, top, width(), lineHeight),

@@ -10,38 +10,57 @@
 
 namespace tallowcrest {
 
-/// Text that never widens its surroundings: what does not fit ends in an ellipsis, and the whole
-/// text is then shown as a tool tip. Its colour and font follow the theme. Main thread.
+/// How a label looks, by roles of the theme.
+struct LabelStyle {
+    QFont CrestFonts::*font = &CrestFonts::body;
+    ThemeColor color = &CrestTheme::text;
+    /// The background that the label stands on. With one the label is opaque, and a new text
+    /// repaints nothing below it; without one its parent shows through.
+    std::optional<ThemeColor> ground = {};
+};
+
+/// The style of a label that stands on a card.
+inline LabelStyle onCard(QFont CrestFonts::*font, const ThemeColor& color = &CrestTheme::text) {
+    return {font, color, &CrestTheme::cardBackground};
+}
+
+/// The style of a label that stands on a page or a dialog.
+inline LabelStyle onPage(QFont CrestFonts::*font, const ThemeColor& color = &CrestTheme::text) {
+    return {font, color, &CrestTheme::pageBackground};
+}
+
+/// A label whose text never widens its surroundings: a text without room ends in an ellipsis, and
+/// the tool tip then shows all of it. Font and colours follow the theme. Main thread.
 class ElidedLabel : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
     using FontRole = QFont CrestFonts::*;
 
-    explicit ElidedLabel(QWidget* parent = nullptr);
+    explicit ElidedLabel(const LabelStyle& style = {}, QWidget* parent = nullptr);
+    ElidedLabel(const QString& text, const LabelStyle& style, QWidget* parent = nullptr);
     ElidedLabel(const QString& text, FontRole font, const ThemeColor& color,
                 QWidget* parent = nullptr);
 
-    /// Plain text, whatever it holds. Also becomes the accessible name.
+    /// Plain text: markup is shown as it is. Also sets the accessible name.
     void setText(const QString& text);
     const QString& text() const { return text_; }
     void setFontRole(FontRole font);
     void setColor(const ThemeColor& color);
     /// Paints the unit of a text that is one figure in another colour.
     void setUnitColor(const ThemeColor& color);
-    /// The colour that lies below the label, which the label then paints itself: a new text
-    /// repaints nothing of what lies below. Without one, what lies below shows through.
+    /// See `LabelStyle::ground`.
     void setGround(const ThemeColor& ground);
     void setAlignment(Qt::Alignment alignment);
     void setElideMode(Qt::TextElideMode mode);
-    /// Wraps at `maximum` lines and keeps room for `minimum` of them even when they are not needed.
-    /// More than one line begin at the top unless an alignment is set afterwards.
+    /// Wraps into at most `maximum` lines and always reserves room for `minimum` of them. Texts
+    /// that may wrap start at the top unless an alignment is set afterwards.
     void setLines(int minimum, int maximum);
-    /// Keeps as much width as `pattern` needs with any digits, for figures that must not move
-    /// their neighbours. Empty for no reserve.
+    /// Reserves the width that `pattern` needs with any digits, so that a new figure does not move
+    /// the neighbours. Empty for no reserve.
     void setReservedText(const QString& pattern);
 
-    /// What is painted at the present size.
+    /// The lines painted at the current size.
     const QStringList& shownLines() const;
 
     QSize sizeHint() const override;
@@ -59,11 +78,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    const QFont& textFont() const { return CrestFonts::current().*font_; }
+    const QFont& textFont() const { return CrestFonts::current().*style_.font; }
     int naturalWidth() const;
     int reservedWidth() const;
     bool fitsInOneLine() const;
-    /// Lays the new text out as `before`, from which it differs in digits of one width alone.
+    /// Keeps the line breaks of `before`, which differs from the new text only in digits of equal
+    /// width.
     void keepBreaks(const QString& before);
     void forgetMeasures();
     void changeLayout();
@@ -71,10 +91,8 @@ private:
 
     QString text_;
     QString reserved_;
-    FontRole font_ = &CrestFonts::body;
-    ThemeColor color_ = &CrestTheme::text;
+    LabelStyle style_;
     std::optional<ThemeColor> unitColor_;
-    std::optional<ThemeColor> ground_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     Qt::TextElideMode elideMode_ = Qt::ElideRight;
     int minimumLines_ = 1;

@@ -21,12 +21,9 @@ constexpr int lineGap = 2;
 NamedFigure::NamedFigure(const QString& name, QWidget* parent) : QWidget(parent) {
     installAccessibleFigures();
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    name_ = new ElidedLabel(name, &CrestFonts::caption, &CrestTheme::secondaryText, this);
-    figure_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    name_ = new ElidedLabel(name, onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    figure_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
     figure_->setUnitColor(&CrestTheme::secondaryText);
-    for (ElidedLabel* label : {name_, figure_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
     setAccessibleName(accessibleValue());
 }
 
@@ -36,7 +33,7 @@ void NamedFigure::setFigure(const QString& figure) {
 }
 
 QString NamedFigure::accessibleValue() const {
-    // A dash that stands for no figure is for the eye alone.
+    // The dash of a missing figure is not read out.
     const QString& figure = figure_->text();
     const bool isFigure = std::any_of(figure.begin(), figure.end(),
                                       [](QChar each) { return each.isLetterOrNumber(); });
@@ -67,8 +64,8 @@ void NamedFigure::resizeEvent(QResizeEvent* event) {
     place();
 }
 
-// By hand and not by a layout: that would pass every new figure's wish for room on to the page, but
-// the columns share the row whatever stands in them.
+// Not by a layout, which would propagate the size hint of every new figure to the page; the columns
+// share the row equally whatever they show.
 void NamedFigure::place() {
     const int nameHeight = name_->sizeHint().height();
     name_->setGeometry(0, 0, width(), nameHeight);

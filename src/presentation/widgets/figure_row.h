@@ -11,7 +11,7 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// One figure below its name, which assistive technology hears together: "CPU now: 34%". Main
+/// One figure below its name; assistive technology reads both together: "CPU now: 34%". Main
 /// thread.
 class NamedFigure final : public QWidget, public AccessibleFigure {
     Q_OBJECT
@@ -39,8 +39,8 @@ private:
     ElidedLabel* figure_ = nullptr;
 };
 
-/// A few figures side by side on a card, each below its name. The columns keep their place whatever
-/// the figures are. Main thread.
+/// A few figures side by side on a card, each below its name. The columns do not move with the
+/// figures. Main thread.
 class FigureRow final : public QWidget {
     Q_OBJECT
 

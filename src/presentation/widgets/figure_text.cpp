@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<QStringView, 5> units{u"%", u"KB", u"MB", u"GB", u"TB"};
 
 bool isPartOfNumber(QChar character) {
-    // The separators of all locales: points, commas, apostrophes and every kind of blank.
+    // The separators of all locales: points, commas, apostrophes and all kinds of spaces.
     constexpr QStringView separators = u".,'’٫٬+-−";
     return character.isDigit() || character.isSpace() || separators.contains(character);
 }

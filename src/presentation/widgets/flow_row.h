@@ -7,7 +7,7 @@
 
 namespace tallowcrest {
 
-/// Widgets beside each other, each in its own size, on as many lines as the room asks for. Main
+/// Widgets side by side, each in its own size, on as many lines as the width requires. Main
 /// thread.
 class FlowRow final : public QWidget {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
     /// `gap` lies between neighbours of one line, in device independent pixels.
     explicit FlowRow(int gap, QWidget* parent = nullptr);
 
-    /// Takes `item` over and shows it behind the others.
+    /// Takes ownership of `item` and appends it.
     void addItem(QWidget* item);
 
     bool hasHeightForWidth() const override { return true; }
@@ -30,7 +30,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// The items' places within `width`, in their order. Those of one line share its middle.
+    /// The items' geometries within `width`, in their order, centred vertically in their line.
     std::vector<QRect> places(int width) const;
     void arrange();
 

@@ -4,9 +4,9 @@
 
 namespace tallowcrest {
 
-/// Whether a widget that the keyboard came to for `reason` shows it with a ring. The ring answers a
-/// person who works with the keyboard; on a click it would only be noise. A window or menu that
-/// gives the keyboard back leaves the ring as it was `before`. Any thread.
+/// Whether a widget that gets the focus for `reason` shows a focus ring. The ring is for keyboard
+/// users and does not appear on a click. When a window or menu returns the focus, the ring stays as
+/// it was `before`. Any thread.
 constexpr bool showsFocusRing(Qt::FocusReason reason, bool before) {
     switch (reason) {
         case Qt::MouseFocusReason:

@@ -23,7 +23,7 @@ constexpr double ringStroke = 7;
 constexpr int ringGap = 12;
 constexpr int ringStart = 225;
 constexpr int ringSpan = 270;
-// The ring beside the longest single word of a title.
+// Wide enough for the ring beside the longest single word of a title.
 constexpr int narrowestCard = 224;
 
 /// `length` degrees of the ring from its start, clockwise.
@@ -76,7 +76,7 @@ ThemeColor gaugeStateColor(double value) {
 }
 
 GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
-    // It paints its own ground, so that a new figure repaints nothing of what lies below.
+    // Opaque, so that a new figure does not repaint the card below.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFixedSize(ringSize, ringSize);
 }
@@ -107,7 +107,7 @@ void GaugeRing::paintEvent(QPaintEvent*) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     painter.drawPixmap(0, 0, emptyRing(theme));
-    // The arc goes with the figure in its middle, in whole percent: it moves when that does.
+    // The arc moves in whole percents, together with the figure in its middle.
     const long percent = wholePercent(value_);
     if (percent > 0) {
         drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
@@ -137,19 +137,16 @@ GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* pare
     setMinimumWidth(narrowestCard);
     ring_ = new GaugeRing;
     ring_->setTint(tint);
-    title_ = new ElidedLabel(title, &CrestFonts::heading, &CrestTheme::text);
+    title_ = new ElidedLabel(title, onCard(&CrestFonts::heading));
     title_->setLines(1, 2);
-    title_->setGround(&CrestTheme::cardBackground);
-    state_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::good);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
+    state_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::good));
+    detail_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText));
     detail_->setLines(2, 4);
-    // The widest word, so that a change of state moves nothing.
+    // The widest word, so that a change of state moves no neighbour.
     state_->setReservedText(gaugeStateWord(70));
-    state_->setGround(&CrestTheme::cardBackground);
-    detail_->setGround(&CrestTheme::cardBackground);
 
-    // Always the room of two lines, and a single one in the lower of them: so the state words of
-    // cards side by side stand level, whichever title wraps.
+    // Always as high as two lines, with a one-line title at the bottom, so that the state words of
+    // neighbouring cards are level even if one title wraps.
     auto* titleRoom = new QHBoxLayout;
     titleRoom->addStrut(2 * QFontMetrics(CrestFonts::current().heading).lineSpacing());
     titleRoom->addWidget(title_, 1, Qt::AlignBottom);

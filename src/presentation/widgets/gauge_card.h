@@ -10,26 +10,25 @@
 
 namespace tallowcrest {
 
-/// "High" at or over 85, "Elevated" at or over 70, otherwise "Normal". `value` is a percentage;
-/// what is not finite counts as 0.
+/// "High" from 85 on, "Elevated" from 70 on, otherwise "Normal". `value` is a percentage; a value
+/// that is not finite counts as 0.
 QString gaugeStateWord(double value);
 
 /// The colour that goes with the state word of `value`: bad, caution or good.
 ThemeColor gaugeStateColor(double value);
 
-/// A ring that is filled to a percentage, with the figure in its middle, on the ground of a card.
-/// Main thread.
+/// A ring filled to a percentage, with the figure in its middle and the background of a card. Main
+/// thread.
 class GaugeRing : public QWidget {
     Q_OBJECT
 
 public:
     explicit GaugeRing(QWidget* parent = nullptr);
 
-    /// `value` is a percentage and is clamped to 0 to 100. Repaints only what can be seen to
-    /// change.
+    /// `value` is a percentage and is clamped to 0 to 100. Repaints only what changes visibly.
     void setValue(double value);
     double value() const { return value_; }
-    /// Without a value the ring is empty and a dash stands for the figure. So it is at first.
+    /// Shows an empty ring and a dash in place of the figure, as it does initially.
     void clearValue();
     bool hasValue() const { return hasValue_; }
     void setTint(const ThemeColor& tint);
@@ -43,7 +42,7 @@ private:
     double value_ = 0;
     bool hasValue_ = false;
     ThemeColor tint_ = &CrestTheme::accent;
-    // The ground and the ring at 0 percent, drawn anew only for other colours: a wide arc is dear.
+    // Background and empty ring, cached until the colours change: a wide arc is expensive.
     QPixmap emptyRing_;
     QColor emptyRingTrack_;
     QColor emptyRingGround_;
@@ -58,10 +57,10 @@ public:
     explicit GaugeCard(const QString& title, const ThemeColor& tint = &CrestTheme::accent,
                        QWidget* parent = nullptr);
 
-    /// `value` is a percentage and is clamped to 0 to 100; what is not finite counts as 0.
+    /// `value` is a percentage and is clamped to 0 to 100; a value that is not finite counts as 0.
     void setValue(double value);
     double value() const { return ring_->value(); }
-    /// Says that there is nothing to say yet: no figure, no state. So it is at first.
+    /// Shows no figure and no state, as it does initially.
     void clearValue();
     void setTitle(const QString& title);
     void setDetail(const QString& detail);

@@ -8,8 +8,8 @@ class QGridLayout;
 
 namespace tallowcrest {
 
-/// Cards side by side, equally wide. Where the room is too short for that, the last one takes a row
-/// of its own below the others. Main thread.
+/// Cards of equal width side by side. If they do not fit, the last one gets a row of its own below
+/// the others. Main thread.
 class GaugeRow final : public QWidget {
     Q_OBJECT
 

@@ -15,8 +15,7 @@ struct GraphPoint {
     bool operator==(const GraphPoint&) const = default;
 };
 
-/// The percentage that is drawn for `value`: 0 for what is not finite, else `value` within 0 to
-/// 100.
+/// The percentage that is drawn for `value`: `value` clamped to 0 to 100, or 0 if it is not finite.
 double safeGraphValue(double value);
 
 /// The height at which the percentage `value` lies on a canvas `height` high; 100 is at the top.
@@ -50,7 +49,7 @@ std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, doubl
 /// The five heights of the grid, from the top down.
 std::vector<double> graphGrid(double height);
 
-/// The x positions of events. What is not finite, or lies off the canvas, is left out.
+/// The x positions of events. Positions that are not finite or off the canvas are omitted.
 std::vector<double> graphEvents(const std::vector<double>& fractions, double width);
 
 /// The height of the warning line; absent without a finite threshold.

@@ -17,8 +17,8 @@ QRgb laidOver(QRgb under, QRgb over, unsigned weight) {
            ((((over & green) * weight + (under & green) * rest) >> 8) & green);
 }
 
-/// One colour that is laid over others at one opacity. Most pixels of a graph follow one of their
-/// own colour, so the last result is kept.
+/// Blends one colour over others at one opacity. Most pixels of a graph have the colour of the
+/// pixel before, so the last result is cached.
 class Wash {
 public:
     Wash(QRgb color, double opacity) : color_(color), opacity_(opacity), result_(mixed(under_)) {}
@@ -93,7 +93,7 @@ void drawGraphColumns(QImage& image, const std::vector<GraphColumn>& columns, QP
         const float bottom = column.bottom + down;
         const float sharpness = 1 / column.softness;
         const float reach = column.half + column.softness / 2;
-        // None of the rows is negative, so cutting off the fraction rounds down.
+        // The rows are not negative, so truncation rounds down.
         const auto begin = static_cast<int>(std::max(0.0F, std::max(middle - reach, top - 0.5F)));
         const auto last =
             static_cast<int>(std::min(height, std::min(middle + reach, bottom + 0.5F) + 1));

@@ -12,11 +12,11 @@
 namespace tallowcrest {
 
 /// Draws a smooth line of `color` into `image`, which has the format RGB32. `origin` is the pixel
-/// that the columns' own (0, 0) falls on; what lies outside the image is left out.
+/// of the columns' (0, 0); whatever lies outside the image is clipped.
 ///
-/// A graph's line has one height per column of pixels. Knowing that makes it several times cheaper
-/// than stroking or filling a general shape, and the line of a full graph was the dearest thing on
-/// the page.
+/// A graph's line has one height per column of pixels, which makes this several times cheaper than
+/// stroking or filling a general shape. Otherwise the line of a full graph would be the most
+/// expensive part of the page.
 void drawGraphColumns(QImage& image, const std::vector<GraphColumn>& columns, QPoint origin,
                       QRgb color);
 

@@ -21,7 +21,7 @@ namespace {
 // The drawing grid and stroke of every line icon.
 constexpr double grid = 24;
 constexpr double stroke = 1.75;
-// A dial leaves a quarter of the circle open at its foot.
+// A dial leaves the bottom quarter of its circle open.
 constexpr double dialStart = 225;
 constexpr double dialSpan = 270;
 constexpr QLatin1String applicationName("tallowcrest");
@@ -110,7 +110,7 @@ private:
     }
 
     QColor colorFor(QIcon::Mode mode) const {
-        // A highlighted menu entry draws its words in this colour too.
+        // The colour in which a highlighted menu entry draws its text.
         if (mode == QIcon::Selected || mode == QIcon::Active) {
             return QGuiApplication::palette().color(QPalette::HighlightedText);
         }

@@ -19,14 +19,13 @@ QStringList iconNames();
 /// for an unknown name. Pixmaps are kept in Qt's bounded pixmap cache.
 QPixmap tintedIcon(const QString& name, const QColor& color, int size, qreal devicePixelRatio);
 
-/// The line icon `name` for buttons, menus and views. It is tinted anew from the current theme
-/// whenever it is drawn, so it needs no care when the palette changes. A null icon for an unknown
-/// name.
+/// The line icon `name` for buttons, menus and views. It is tinted with the current theme whenever
+/// it is drawn, so it follows changes of the palette. A null icon for an unknown name.
 QIcon themedIcon(const QString& name, const ThemeColor& color = &CrestTheme::text);
 
 /// A dial with its needle at `percent` (0 to 100; what is not finite counts as 0), for the status
-/// item. `size` is in device independent pixels. With a valid `halo` the dial is edged in that
-/// colour, so that it can be told from a ground of its own colour.
+/// item. `size` is in device independent pixels. With a valid `halo` the dial gets an edge in
+/// that colour, which sets it off from a background of its own colour.
 QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePixelRatio = 1,
                   const QColor& halo = QColor());
 

@@ -7,8 +7,8 @@
 
 namespace tallowcrest {
 
-/// One line icon beside a text that says the same, and so without a name of its own for assistive
-/// technology. An unknown icon leaves its room blank. Main thread.
+/// A line icon beside a text that says the same; it therefore has no accessible name. An unknown
+/// icon leaves its place empty. Main thread.
 class IconView : public QWidget {
     Q_OBJECT
 

@@ -21,14 +21,11 @@ LimitRow::LimitRow(const QString& title, const QString& identifier, const Slider
     layout->setSpacing(0);
     auto* words = new QHBoxLayout;
     words->setSpacing(spacing::gap);
-    auto* name = new ElidedLabel(title, &CrestFonts::body, &CrestTheme::text, this);
-    value_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    auto* name = new ElidedLabel(title, onCard(&CrestFonts::body), this);
+    value_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
     value_->setObjectName(identifier + u".value"_s);
     value_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     value_->setReservedText(binding_.words(scale.maximum));
-    for (ElidedLabel* label : {name, value_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
     words->addWidget(name, 1);
     words->addWidget(value_);
     layout->addLayout(words);

@@ -11,9 +11,8 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// One figure that the owner sets with a slider: its title, its value in words, and the slider
-/// below. What it shows is the field; each step that the owner moves it to is handed on at once.
-/// Stands on a card. Main thread.
+/// A setting with a slider: its title, its value in words, and the slider below. Shows the bound
+/// value; every step of the slider writes it at once. For use on a card. Main thread.
 class LimitRow final : public QWidget {
     Q_OBJECT
 

@@ -11,15 +11,15 @@
 namespace tallowcrest {
 namespace {
 
-/// Told apart from other scroll areas by its type alone.
+/// A type of its own, by which the accessibility factory recognises it.
 class PageScrollArea final : public QScrollArea {
 public:
     using QScrollArea::QScrollArea;
 };
 
-/// Qt's own description of a scroll area is asked for children by their number and trusts it. When
-/// the page gives way to another one its scroll bar goes, and an assistive technology that is just
-/// counting through the children would end the program. A plain widget's description looks first.
+/// Qt's accessible interface of a scroll area does not check the index of a requested child. When a
+/// page is hidden its scroll bar goes, and an assistive technology that is enumerating the children
+/// at that moment would crash the program. The interface of a plain widget checks the index.
 QAccessibleInterface* pageInterface(const QString&, QObject* object) {
     auto* area = dynamic_cast<PageScrollArea*>(object);
     return area != nullptr ? new QAccessibleWidget(area, QAccessible::Client) : nullptr;
@@ -34,7 +34,7 @@ void installPageInterface() {
 }
 
 void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction action) {
-    // In effect as long as the page shows, wherever in the window the keyboard is.
+    // Works while the page is visible, wherever in its window the focus is.
     QObject::connect(new QShortcut(key, &area), &QShortcut::activated, &area,
                      [&area, action] { area.verticalScrollBar()->triggerAction(action); });
 }
@@ -47,13 +47,13 @@ QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // Its room is always kept, so that nothing moves when a page grows beyond the window.
+    // Always visible, so that the content keeps its width when a page outgrows the window.
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     area->setWidget(content);
-    // The page's own background shows through.
+    // Transparent to the page's background.
     area->viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
-    // An area of text and figures is nothing to step into; its keys work without that.
+    // Text and figures need no focus; the scroll keys work without it.
     area->setFocusPolicy(Qt::NoFocus);
     scrollOn(*area, Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd);
     scrollOn(*area, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
@@ -64,7 +64,7 @@ QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
 
 QVBoxLayout* makePageColumn(QWidget& content) {
     auto* column = new QVBoxLayout(&content);
-    // The scroll bar stands within the page's own padding.
+    // The scroll bar is part of the page's padding.
     column->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
                                spacing::pagePadding);
     column->setSpacing(spacing::gap);

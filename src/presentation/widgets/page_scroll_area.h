@@ -6,12 +6,12 @@ class QWidget;
 
 namespace tallowcrest {
 
-/// A frameless area that scrolls `content` vertically and gives it the whole width but for the
-/// scroll bar, whose room is `spacing::scrollBar` and always kept. Takes `content` over. Main
-/// thread.
+/// A frameless area that scrolls `content` vertically and gives it the whole width except
+/// `spacing::scrollBar`, which is always reserved for the scroll bar. Takes ownership of `content`.
+/// Main thread.
 QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent);
 
-/// A column of cards for the content of such an area, in the padding of a page and its gaps.
+/// A column layout for the content of such an area, with a page's padding and gaps.
 QVBoxLayout* makePageColumn(QWidget& content);
 
 /// Fills `page` with a scroll area over `content`.

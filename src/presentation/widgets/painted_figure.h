@@ -7,8 +7,8 @@
 
 namespace tallowcrest {
 
-/// A chart that is painted whole, with the ground of a card that it stands on, so that new data
-/// repaint nothing of what lies below. Main thread.
+/// A chart on a card that also paints its background, so that new data repaint nothing below it.
+/// Main thread.
 class PaintedFigure : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
@@ -18,12 +18,12 @@ public:
     QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
 
 protected:
-    /// Takes the measures that hang on the fonts. Called for other fonts; the first time is up to
-    /// the constructor.
+    /// Measures what depends on the fonts. Called when the fonts change; the subclass calls it
+    /// first in its constructor.
     virtual void measure() = 0;
-    /// Lays out what hangs on the size and on those measures.
+    /// Lays out what depends on the size and on those measures.
     virtual void arrange() = 0;
-    /// Tells assistive technology what the figure shows now.
+    /// Passes `accessibleValue()` on to assistive technology.
     void describe() { setSpokenDescription(*this, accessibleValue()); }
 
     void changeEvent(QEvent* event) override;

@@ -11,7 +11,7 @@ SectionCard::SectionCard(const QString& icon, const QString& title, Frame frame,
     : Card(parent), frame_(frame) {
     installAccessibleFigures();
     setAccessibleName(title);
-    // The header takes the card's padding for its own, so that all of it can be clicked.
+    // The header includes the card's padding, so that all of it is clickable.
     layout()->setContentsMargins(0, 0, 0, 0);
     layout()->setSpacing(0);
     contentLayout()->setSpacing(0);
@@ -45,13 +45,14 @@ void SectionCard::reserveSectionCaption(const QString& pattern) {
 
 ElidedLabel* SectionCard::caption() {
     if (caption_ == nullptr) {
-        caption_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
-        caption_->setLines(1, 2);
+        LabelStyle style{&CrestFonts::caption, &CrestTheme::secondaryText};
         if (frame_ == Frame::card) {
-            caption_->setGround(&CrestTheme::cardBackground);
+            style.ground = &CrestTheme::cardBackground;
         }
+        caption_ = new ElidedLabel(style);
+        caption_->setLines(1, 2);
         below_->insertWidget(0, caption_);
-        // Assistive technology goes by the order of the children.
+        // Assistive technology reads the children in their order.
         caption_->stackUnder(body_);
         fitMargins();
     }
@@ -64,7 +65,7 @@ void SectionCard::setCollapsed(bool collapsed) {
     }
     header_->setExpanded(!collapsed);
     body_->setVisible(!collapsed);
-    // A closed card leaves room that is left over to its neighbours.
+    // A closed card leaves surplus space to its neighbours.
     setSizePolicy(QSizePolicy::Preferred,
                   collapsed ? QSizePolicy::Maximum : QSizePolicy::Preferred);
     fitMargins();

@@ -8,14 +8,14 @@
 
 namespace tallowcrest {
 
-/// A card that can be closed down to its header and its caption. What it holds stands in `body`,
-/// which is hidden while it is closed. To assistive technology it is a group. Main thread.
+/// A card that collapses to its header and its caption. Its content belongs into `body`, which is
+/// hidden while the card is collapsed. To assistive technology it is a group. Main thread.
 class SectionCard : public Card, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    /// What lies around the content while the section is open: the card's own ground and border,
-    /// or nothing, for content that is made of cards itself.
+    /// The frame around the content while the section is open: the card's background and border, or
+    /// none, for content that consists of cards.
     enum class Frame { card, none };
 
     SectionCard(const QString& icon, const QString& title, Frame frame = Frame::card,
@@ -26,16 +26,16 @@ public:
     /// The layout of `body`.
     QVBoxLayout* bodyLayout() const { return bodyLayout_; }
 
-    /// One quiet line below the header, also while the section is closed; empty takes it away.
+    /// A secondary line below the header, also while collapsed; an empty text removes it.
     void setSectionCaption(const QString& caption);
-    /// Keeps room for `pattern` with any digits.
+    /// Reserves the width of `pattern` with any digits.
     void reserveSectionCaption(const QString& pattern);
 
     void setCollapsed(bool collapsed);
     bool isCollapsed() const { return !header_->isExpanded(); }
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
-    /// What it holds speaks for itself.
+    /// Empty: the children describe themselves.
     QString accessibleValue() const override { return {}; }
 
 protected:

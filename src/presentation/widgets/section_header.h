@@ -7,17 +7,17 @@
 
 namespace tallowcrest {
 
-/// The head of a part of a page that can be closed: a chevron that tells its state, an icon, a
-/// title and, at the right, a short note that can be read while the part is closed. The whole row
-/// is one button; Return and the space bar change the state, the right arrow opens and the left one
-/// closes. To assistive technology it is a button that is expanded or collapsed. Main thread.
+/// The header of a collapsible section: a chevron for its state, an icon, a title and, at the
+/// right, a short note for the collapsed section. The whole row is one button; Return and Space
+/// toggle the state, the right arrow expands and the left one collapses. To assistive technology it
+/// is a button that is expanded or collapsed. Main thread.
 class SectionHeader final : public QAbstractButton {
     Q_OBJECT
 
 public:
     SectionHeader(const QString& icon, const QString& title, QWidget* parent = nullptr);
 
-    /// Only shows the state; whoever owns it answers `collapseWanted` with this.
+    /// Only shows the state; the owner calls this in answer to `collapseWanted`.
     void setExpanded(bool expanded);
     bool isExpanded() const { return isExpanded_; }
 

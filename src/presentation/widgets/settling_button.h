@@ -8,8 +8,8 @@ class QPushButton;
 
 namespace tallowcrest {
 
-/// Keeps a button that came into view from being pressed for a moment: neither the second click of
-/// two nor a press that was meant for what stood there before must answer it. Main thread.
+/// Disables a button for a moment after it appears, so that neither the second half of a double
+/// click nor a press meant for what was there before triggers it. Main thread.
 class SettlingButton final {
 public:
     static constexpr std::chrono::milliseconds settlingTime{700};
@@ -17,12 +17,12 @@ public:
     /// The button must outlive the object.
     explicit SettlingButton(QPushButton& button);
 
-    /// The button cannot be pressed until the time has passed since the last call.
+    /// Disables the button until the settling time has passed since the last call.
     void settle();
     /// Leaves the button as it is.
     void stop() { timer_.stop(); }
 
-    /// For tests, which wait for nothing. Also holds for a time that is under way.
+    /// For tests, which do not wait. Also applies to a running settling time.
     void setTime(std::chrono::milliseconds time);
 
 private:

@@ -6,9 +6,8 @@ class QWidget;
 
 namespace tallowcrest {
 
-/// What assistive technology reads of a widget. Qt announces its name and description whenever they
-/// are set, so only words that differ from those of before are handed on: what is refreshed with
-/// each sample can call these each time. Main thread.
+/// Set the accessible name or description of a widget, only if it differs from the present one: Qt
+/// announces every set text, and many are refreshed with each sample. Main thread.
 void setSpokenName(QWidget& widget, const QString& name);
 void setSpokenDescription(QWidget& widget, const QString& description);
 

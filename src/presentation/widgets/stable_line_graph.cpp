@@ -23,9 +23,9 @@ constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
 constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
-// A line through one point has no length, so the point itself is marked.
+// A line through one point has no length, so the point is marked with a dot.
 constexpr double lonePointSize = 6;
-// How far a line at the very edge of the canvas reaches beyond it.
+// How far a line at the edge of the canvas extends beyond it.
 constexpr int overhang = 1;
 constexpr int swatchWidth = 12;
 constexpr int widestLegendName = 160;
@@ -132,7 +132,7 @@ void StableLineGraph::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     const QRect canvas = canvasPixels();
-    // A new sample changes the canvas alone.
+    // A new sample changes only the canvas.
     if (!canvas.contains(event->rect())) {
         painter.fillRect(event->rect(), theme.cardBackground);
         painter.setFont(CrestFonts::current().caption);
@@ -192,12 +192,10 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
                                      lineWidth * ratio));
     }
 
-    // Pixel by pixel: even where nothing is to be scaled, Qt is slow to find that out for each
-    // part.
+    // Unscaled: Qt is slow to find out for each part that nothing needs scaling.
     painter.scale(1 / ratio, 1 / ratio);
     const QPoint corner = (QPointF(place.topLeft()) * ratio).toPoint();
-    // A part of this width stays within the processor's cache from its ground to its line, and is
-    // no burden on the memory.
+    // A part of this width stays in the processor's cache while all its layers are painted.
     constexpr int partWidth = 128;
     const QSize partSize(partWidth, qCeil(place.height() * ratio));
     if (part_.size() != partSize) {
@@ -259,7 +257,7 @@ void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double 
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(series.color.in(theme));
-    // Beside the canvas's edge and not across it, which would cut the dot in half.
+    // Inside the edge of the canvas, which would otherwise cut the dot in half.
     painter.drawEllipse(canvas.topLeft() + QPointF(std::max(point.x, radius), point.y), radius,
                         radius);
 }

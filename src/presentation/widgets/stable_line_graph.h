@@ -17,30 +17,30 @@ struct StableGraphSeries {
     /// The name of the line.
     QString id;
     ThemeColor color;
-    /// In percent, oldest first. What is not finite is drawn as 0, the rest within 0 to 100.
+    /// In percent, oldest first. Drawn clamped to 0 to 100; a value that is not finite as 0.
     std::vector<double> values;
     bool fillsArea = false;
 };
 
-/// True when both would be drawn alike.
+/// Whether both would be drawn the same.
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
 
-/// Percentages over time, drawn from plain values. Nothing is animated, so a new sample moves the
-/// line and nothing else. It paints the ground of a card, on it the grid, the threshold and the
-/// events, and over them each series in its turn: its area, then its line. Main thread.
+/// A graph of percentages over time, without animation. Paints from back to front the background of
+/// a card, the grid, the threshold, the events, and each series with its area and its line. Main
+/// thread.
 class StableLineGraph : public PaintedFigure {
     Q_OBJECT
 
 public:
     explicit StableLineGraph(QWidget* parent = nullptr);
 
-    /// Data equal to what is shown causes no repaint; so it is for the two below.
+    /// Like the next two, causes no repaint for equal data.
     void setSeries(std::vector<StableGraphSeries> series);
-    /// In percent; absent for no line.
+    /// In percent; absent for no threshold line.
     void setWarningThreshold(std::optional<double> threshold);
-    /// Each a position from 0 to 1 along the time axis; what is not finite is left out.
+    /// Positions from 0 to 1 along the time axis; one that is not finite is omitted.
     void setEventFractions(std::vector<double> fractions);
-    /// The names of the series above the canvas, on at first.
+    /// Whether the names of the series are shown above the canvas; initially they are.
     void setLegendVisible(bool visible);
 
     /// Where the lines are drawn, in the widget's coordinates.
@@ -58,12 +58,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// The whole pixels that the canvas and the lines at its edges touch.
+    /// The pixels covered by the canvas and the lines at its edges.
     QRect canvasPixels() const;
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
     void paintCanvas(QPainter& painter, const CrestTheme& theme);
-    /// What lies below the series, in pixels of the screen.
+    /// The layers below the series, in physical pixels.
     std::vector<GraphRule> canvasRules(const QRectF& canvas, double ratio,
                                        const CrestTheme& theme) const;
     static void paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
@@ -76,7 +76,7 @@ private:
     std::vector<double> eventPositions_;
     int scaleWidth_ = 0;
     int captionHeight_ = 0;
-    QImage part_;  ///< where each part of the canvas is painted in its turn
+    QImage part_;  ///< buffer in which the parts of the canvas are painted
 };
 
 }  // namespace tallowcrest

@@ -19,10 +19,10 @@ namespace {
 constexpr int sliderHeight = 24;
 constexpr double grooveHeight = 4;
 constexpr double knobSize = 16;
-/// A click beside the knob goes a tenth of the way.
+/// A click beside the knob moves it by a tenth of the scale.
 constexpr int pagesPerScale = 10;
 
-/// Qt's own interface of a slider would tell the number of the step.
+/// Qt's accessible interface of a slider would report the number of the step.
 class StepSliderInterface final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
     explicit StepSliderInterface(StepSlider* slider)
@@ -102,7 +102,7 @@ void StepSlider::focusInEvent(QFocusEvent* event) {
 }
 
 void StepSlider::wheelEvent(QWheelEvent* event) {
-    // It belongs to the page, which else could not be scrolled past a slider.
+    // Left to the page, which otherwise could not be scrolled past a slider.
     event->ignore();
 }
 
@@ -110,7 +110,7 @@ void StepSlider::paintEvent(QPaintEvent*) {
     const CrestTheme& theme = CrestTheme::current();
     QStyleOptionSlider option;
     initStyleOption(&option);
-    // Where the style would have it, which is where the pointer finds it.
+    // At the place that the style uses for hit testing.
     const QPointF center =
         QRectF(style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this))
             .center();

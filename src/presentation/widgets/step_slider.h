@@ -4,21 +4,20 @@
 
 namespace tallowcrest {
 
-/// The values that a slider offers: from `minimum` to `maximum` in steps of `step`, both ends
-/// included.
+/// The values of a slider: from `minimum` to `maximum`, both included, in steps of `step`.
 struct SliderScale {
     double minimum = 0.0;
     double maximum = 1.0;
     double step = 1.0;
 
     int steps() const;
-    /// The step nearest to `value`; the first one for what is no number.
+    /// The step nearest to `value`; the first one for not-a-number.
     int nearestStep(double value) const;
     double valueAt(int index) const { return minimum + index * step; }
 };
 
-/// A slider over a scale. To assistive technology it has the values of the scale, and in words what
-/// `setValueText` was told. Main thread.
+/// A slider over a scale. Assistive technology gets the values of the scale and the text of
+/// `setValueText`. Main thread.
 class StepSlider final : public QSlider {
     Q_OBJECT
 
@@ -27,7 +26,7 @@ public:
 
     const SliderScale& scale() const { return scale_; }
 
-    /// Stands at the step nearest to `value`. Signals nothing.
+    /// Moves to the step nearest to `value`, without a signal.
     void show(double value);
     void setValueText(const QString& text) { valueText_ = text; }
     const QString& valueText() const { return valueText_; }
@@ -36,7 +35,7 @@ public:
     QSize minimumSizeHint() const override;
 
 signals:
-    /// The owner moved it to another step.
+    /// The user moved it to another step.
     void moved(double value);
 
 protected:

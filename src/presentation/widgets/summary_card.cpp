@@ -11,12 +11,9 @@ namespace tallowcrest {
 
 SummaryCard::SummaryCard(const QString& title, QWidget* parent) : Card(parent) {
     installAccessibleFigures();
-    title_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
-    value_ = new ElidedLabel(QString(), &CrestFonts::title, &CrestTheme::text);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText);
-    for (ElidedLabel* label : {title_, value_, detail_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
+    title_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText));
+    value_ = new ElidedLabel(onCard(&CrestFonts::title));
+    detail_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText));
     value_->setUnitColor(&CrestTheme::secondaryText);
     contentLayout()->setSpacing(spacing::unit / 2);
     contentLayout()->addWidget(title_);

@@ -8,7 +8,7 @@
 
 namespace tallowcrest {
 
-/// Three texts: a small title, a large value and what it means. Takes plain values. Main thread.
+/// A card of three texts: a small title, a large value and a detail. Main thread.
 class SummaryCard : public Card, public AccessibleFigure {
     Q_OBJECT
 
@@ -18,10 +18,10 @@ public:
     void setTitle(const QString& title);
     void setValue(const QString& value);
     void setDetail(const QString& detail);
-    /// For a value that stands for a state; the detail says the same in words.
+    /// For a value that expresses a state, which the detail must also say in words.
     void setValueColor(const ThemeColor& color);
-    /// For a row with cards whose content stands in the middle of their height. Called once;
-    /// without it the texts begin at the top.
+    /// Centres the texts vertically, to match neighbouring cards; by default they start at the top.
+    /// Call at most once.
     void centerLines();
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
@@ -29,7 +29,7 @@ public:
     QString accessibleValue() const override;
 
 protected:
-    /// Room for at least `minimum` lines of detail, so that a change of words moves nothing.
+    /// Reserves space for `minimum` lines of detail, so that a new text moves nothing.
     void setDetailLines(int minimum, int maximum);
 
 private:
@@ -38,7 +38,7 @@ private:
     ElidedLabel* detail_ = nullptr;
 };
 
-/// A `SummaryCard` for one figure, with a detail that is short.
+/// A `SummaryCard` for one figure with a short detail.
 class MetricCard : public SummaryCard {
     Q_OBJECT
 

@@ -78,7 +78,7 @@ StripTab::StripTab(const QString& title, const QString& identifier, const QStrin
 }
 
 QSize StripTab::sizeHint() const {
-    // As wide as it is when selected, whether it is or not.
+    // The width of the selected state, so that a selection moves no tab.
     return {figuresWidth(CrestFonts::current().heading, text()) + 2 * tabPadding, tabHeight};
 }
 
@@ -125,7 +125,7 @@ void StripTab::paintEvent(QPaintEvent*) {
         painter.drawRoundedRect(QRectF(rect()), tabRadius, tabRadius);
     }
     if (isChecked()) {
-        // The selected tab is told by shape as well as by colour.
+        // The selected tab differs by shape as well as by colour.
         constexpr int barWidth = 16;
         constexpr int barHeight = 3;
         painter.setBrush(theme.accent);
@@ -157,7 +157,7 @@ TabStrip::TabStrip(const QString& accessibleName, QWidget* parent) : QWidget(par
 int TabStrip::addTab(const QString& title, const QString& identifier, const QString& description) {
     const auto index = static_cast<int>(tabs_.size());
     auto* tab = new StripTab(title, identifier, description, this);
-    // What is not selected has no keyboard that could press it.
+    // Only the selected tab can have the focus.
     connect(tab, &QAbstractButton::clicked, this,
             [this, index] { choose(index, Qt::MouseFocusReason); });
     connect(tab, &StripTab::neighborWanted, this,

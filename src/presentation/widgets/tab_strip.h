@@ -22,7 +22,7 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 signals:
-    /// An arrow key asks for the tab so many places further on.
+    /// An arrow key requests the tab at this distance.
     void neighborWanted(int places);
 
 protected:
@@ -30,7 +30,7 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
-    /// Which tab is selected follows from what shows, never from a click.
+    /// Empty: the selection follows the shown content, never a click directly.
     void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
 
@@ -38,31 +38,30 @@ private:
     bool hasRing_ = false;
 };
 
-/// A row of tabs of which one is selected, framed as one choice. Of that choice, Tab reaches what
-/// is selected and the arrow keys the rest; the keyboard that is given to the strip goes to the
-/// selected tab. Main thread.
+/// A framed row of tabs of which one is selected. The Tab key reaches the selected tab and the
+/// arrow keys the others; focus given to the strip goes to the selected tab. Main thread.
 class TabStrip final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
     explicit TabStrip(const QString& accessibleName, QWidget* parent = nullptr);
 
-    /// The new tab's index. `description` says what it is about. The first one is selected at once.
+    /// Returns the new tab's index. `description` is the accessible one. The first tab is selected.
     int addTab(const QString& title, const QString& identifier, const QString& description);
 
     int currentIndex() const { return current_; }
-    /// Only shows the choice; whoever owns the strip answers `chosen` with this.
+    /// Only shows the selection; the owner calls this in answer to `chosen`.
     void setCurrentIndex(int index);
 
     const std::vector<StripTab*>& tabs() const { return tabs_; }
 
     QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
-    /// Its tabs say which of them is selected.
+    /// Empty: the tabs report which of them is selected.
     QString accessibleValue() const override { return {}; }
 
 signals:
-    /// The owner wants another tab than the selected one. `reason` is for giving the keyboard to
-    /// the strip that shows the choice.
+    /// The user chose another tab than the selected one. `reason` is for giving the focus to the
+    /// strip that shows the selection.
     void chosen(int index, Qt::FocusReason reason);
 
 protected:

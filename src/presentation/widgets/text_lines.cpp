@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-// More than any label of this application can show.
+// More than any label can show.
 constexpr qsizetype longestMeasured = 1000;
 
 QString measurable(const QString& text, Qt::TextElideMode elideMode) {
@@ -24,7 +24,7 @@ QString measurable(const QString& text, Qt::TextElideMode elideMode) {
     return text.left(longestMeasured) + QChar(u'…');
 }
 
-/// `text` with the blank between a number and the word behind it made one that no line breaks at.
+/// `text` with a no-break space between each number and the word after it.
 QString withNumbersGlued(QString text) {
     for (qsizetype i = 1; i + 1 < text.size(); ++i) {
         if (text.at(i) == u' ' && text.at(i - 1).isDigit() && text.at(i + 1).isLetter()) {
@@ -45,7 +45,7 @@ QStringList wrappedLines(const QString& text, const QFont& font, int width, int 
         line.setLineWidth(width);
         const int start = line.textStart();
         if (lines.size() == maximumLines - 1) {
-            // The last line takes all that is left and is cut where the room ends.
+            // The last line takes the rest and is elided.
             const QString rest = text.mid(start).replace(QChar::LineSeparator, u' ').trimmed();
             lines.append(QFontMetrics(font).elidedText(rest, Qt::ElideRight, width));
             break;
@@ -56,8 +56,8 @@ QStringList wrappedLines(const QString& text, const QFont& font, int width, int 
     return lines;
 }
 
-/// The lines of a list that breaks between its items, and within one only where that is too long
-/// for a line.
+/// The lines of a list that breaks between its items, and within an item only if that is longer
+/// than a line.
 QStringList linesOfItems(const QString& text, const QFont& font, int width, int maximumLines) {
     const QString separator = u" · "_s;
     const QFontMetrics metrics(font);
@@ -74,7 +74,7 @@ QStringList linesOfItems(const QString& text, const QFont& font, int width, int 
         }
         line = item;
         if (metrics.horizontalAdvance(item) > width) {
-            // One more than there is room for tells that it does not fit.
+            // One line too many shows the caller that the list does not fit.
             lines.append(wrappedLines(item, font, width, maximumLines + 1));
             line.reset();
         }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double textContrast = 4.5;
 constexpr int bodyPixels = 13;
-// Below this, two large areas side by side read as one.
+// Below this contrast, two large areas side by side look like one.
 constexpr double areaContrast = 1.06;
 
 double linear(double channel) {
@@ -36,11 +36,12 @@ QColor cardColor(const QPalette& palette, const QColor& page, bool dark) {
     if (contrastRatio(control, page) >= areaContrast) {
         return control;
     }
-    // Some palettes use one colour for both: lift the card off the page instead.
+    // Some palettes use one colour for both: then the card is made lighter or darker than the page.
     return dark ? mixedColor(page, Qt::white, 0.06) : mixedColor(page, Qt::black, 0.05);
 }
 
-/// What a digit's width depends on. Not the font itself, which must not outlive the application.
+/// What the width of a digit depends on. Not the QFont itself, which must not outlive the
+/// application.
 struct FontKey {
     QString family;
     int pixelSize = 0;
@@ -70,7 +71,7 @@ DigitWidths measuredDigits(const QFont& font) {
     return digits;
 }
 
-/// Remembered for the few fonts there are: figures are measured on every sample.
+/// Cached per font: figures are measured with every sample.
 DigitWidths digitWidths(const QFont& font) {
     constexpr std::size_t mostFonts = 8;
     static std::vector<std::pair<FontKey, DigitWidths>> known;
@@ -142,7 +143,7 @@ CrestTheme CrestTheme::of(const QPalette& palette) {
     const auto rowTint = [&](const QColor& over, double share) {
         constexpr double faintest = 0.01;
         QColor tint = mixedColor(card, over, share);
-        // A card of a middling grey leaves little room for a tint that text can be read on.
+        // On a card of medium grey only a weak tint leaves text legible.
         while (share > faintest &&
                contrastRatio(readableColor(plainText, {page, card, tint}), tint) < textContrast) {
             share *= 0.75;
@@ -192,7 +193,7 @@ QPalette paletteFor(Appearance appearance) {
     palette.setColor(QPalette::ToolTipBase, button);
     palette.setColor(QPalette::ToolTipText, text);
     palette.setColor(QPalette::PlaceholderText, mixedColor(text, base, 0.4));
-    // Amber carries black text in both appearances.
+    // Text on amber is black in both appearances.
     palette.setColor(QPalette::Highlight, QColor::fromRgbF(1.0F, 0.69F, 0.22F));
     palette.setColor(QPalette::HighlightedText, QColor(0x1d, 0x1d, 0x20));
     const QColor link = readableColor(QColor(0x3d, 0x78, 0xb5), {window, base}, textContrast);

@@ -11,7 +11,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr QSizeF pillSize{34, 20};
-/// Room for the ring that tells where the keyboard is.
+/// Space for the focus ring.
 constexpr int ringRoom = 2;
 constexpr double knobInset = 4;
 
@@ -48,7 +48,7 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
                       pillSize);
     const double radius = pillSize.height() / 2;
     if (hasFocus() && hasRing_) {
-        // In another colour than the pill, which it touches.
+        // Not in the colour of the pill, which it touches.
         painter.setPen(QPen(theme.text, 2));
         painter.drawRoundedRect(pill.adjusted(-1, -1, 1, 1), radius + 1, radius + 1);
     }
@@ -57,7 +57,7 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(shown, 1.5));
     painter.setBrush(isChecked() ? shown : theme.cardBackground);
     painter.drawRoundedRect(pill.adjusted(0.75, 0.75, -0.75, -0.75), radius, radius);
-    // Told by the place of the knob as well as by colour.
+    // The state shows by the position of the knob as well as by colour.
     const double knob = pillSize.height() - 2 * knobInset;
     const double left = isChecked() ? pill.right() - knobInset - knob : pill.left() + knobInset;
     painter.setPen(Qt::NoPen);

@@ -4,9 +4,8 @@
 
 namespace tallowcrest {
 
-/// A small switch without words of its own, which stand beside it. It shows what it is told and
-/// changes nothing by itself: whoever owns the value answers a click. To assistive technology it is
-/// a check box. Main thread.
+/// A small switch without a label. It does not toggle itself: the owner of the value handles a
+/// click and sets the state. To assistive technology it is a check box. Main thread.
 class ToggleSwitch final : public QCheckBox {
     Q_OBJECT
 

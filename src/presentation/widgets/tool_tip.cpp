@@ -22,8 +22,8 @@ QString toolTipText(const QString& plain) {
     if (lines.isEmpty()) {
         return {};
     }
-    // Left to break the lines itself, the tip would make a narrow column of them. And it takes any
-    // text that looks like markup for markup, so the text always is.
+    // Qt would wrap plain text into a narrow column, and would interpret any text that looks like
+    // markup. So the text is always given as escaped markup with its own line breaks.
     return u"<div style='white-space:pre'>%1</div>"_s.arg(lines.join(u"<br>"_s));
 }
 

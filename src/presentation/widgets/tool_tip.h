@@ -4,8 +4,8 @@
 
 namespace tallowcrest {
 
-/// `plain` as a tool tip, whatever it holds: in lines of a width that can be read, each broken
-/// where a word or the room ends. Long beyond a tip's use, it ends in an ellipsis. Main thread.
+/// `plain` as the text of a tool tip, without markup: wrapped into lines of readable width, and
+/// elided if it is too long for a tip. Main thread.
 QString toolTipText(const QString& plain);
 
 }  // namespace tallowcrest

@@ -20,7 +20,7 @@ TwoColumns::TwoColumns(QWidget* parent)
 }
 
 void TwoColumns::setColumns(const std::vector<QWidget*>& left, const std::vector<QWidget*>& right) {
-    // Next to nothing, until the last widget can take no more.
+    // Minimal stretch: it grows only once the last widget has reached its maximum.
     constexpr int everything = 1000;
     const auto fill = [](QVBoxLayout* column, const std::vector<QWidget*>& widgets) {
         for (QWidget* widget : widgets) {

@@ -9,19 +9,18 @@ class QVBoxLayout;
 
 namespace tallowcrest {
 
-/// Two stacks of widgets, beside each other where there is room for both and else one below the
-/// other. Main thread.
+/// Two stacks of widgets, side by side if both fit, otherwise one below the other. Main thread.
 class TwoColumns final : public QWidget {
     Q_OBJECT
 
 public:
-    /// From this width on the stacks stand beside each other.
+    /// The width from which on the stacks are side by side.
     static constexpr int wide = 1000;
 
     explicit TwoColumns(QWidget* parent = nullptr);
 
-    /// The stacks from top to bottom. The last widget of each takes the room that the other stack
-    /// needs more, so that both end at one height. Called once.
+    /// The stacks from top to bottom. The last widget of the shorter stack is stretched, so that
+    /// both end at the same height. Call once.
     void setColumns(const std::vector<QWidget*>& left, const std::vector<QWidget*>& right);
 
     /// The width of the narrower arrangement, whichever is in use.

@@ -3,7 +3,7 @@
 namespace tallowcrest {
 
 WindowDialog::WindowDialog(QWidget* window) : QDialog(window) {
-    // Put away on its own, it would leave its window locked for no reason that can be seen.
+    // Minimised on its own, it would leave its window locked for no visible reason.
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
 }

@@ -4,15 +4,15 @@
 
 namespace tallowcrest {
 
-/// A dialog that hangs on the whole window and stands while the monitor's state asks for it.
-/// Main thread.
+/// A dialog over the whole window that is open as long as the monitor's state asks for it. Main
+/// thread.
 class WindowDialog : public QDialog {
     Q_OBJECT
 
 public:
     explicit WindowDialog(QWidget* window);
 
-    /// Opens, changes or closes the dialog as the monitor's state asks for.
+    /// Opens, updates or closes the dialog according to the monitor's state.
     virtual void refresh() = 0;
 };
 

@@ -57,7 +57,7 @@ const SwitchText& textOf(AutomationSwitch which) {
                          [which](const SwitchText& each) { return each.which == which; });
 }
 
-/// Whether it acts without anybody pressing a button.
+/// Whether it acts automatically.
 bool isAutomation(AutomationSwitch which) {
     return which != AutomationSwitch::notificationsIncludeActions;
 }
@@ -90,30 +90,30 @@ QString automationsOn(const Settings& settings) {
                         : u"%1 automations on"_s.arg(count);
 }
 
-AutomationLine automationLine(AutomationSwitch which, bool isOn, const AutomationFacts& facts) {
+AutomationLine automationLine(AutomationSwitch which, const AutomationFacts& facts) {
     const SwitchText& text = textOf(which);
     AutomationLine line;
     line.title = QString::fromLatin1(text.title);
     line.explanation = QString::fromLatin1(text.explanation);
-    line.isOn = isOn;
-    line.state = facts.isStopEngaged && isGovernedByStop(which) ? ArmedState::stopped
-                 : isOn                                         ? ArmedState::on
-                                                                : ArmedState::off;
+    line.isOn = isOn(facts.settings, which);
+    const bool isStopped = facts.settings.automationEmergencyStopEngaged && isGovernedByStop(which);
+    line.state = isStopped ? ArmedState::stopped : line.isOn ? ArmedState::on : ArmedState::off;
     const std::optional<Date> date = lastActed(which, facts.dates, facts.activityLog);
+    const Date now = facts.snapshot ? facts.snapshot->sampledAt : Date{};
     line.lastActed =
-        date ? QString::fromLatin1(text.acted).arg(dashboard_text::shortTimeText(*date, facts.now))
+        date ? QString::fromLatin1(text.acted).arg(dashboard_text::shortTimeText(*date, now))
              : QString::fromLatin1(text.neverActed);
     line.hasActed = date.has_value();
     return line;
 }
 
-QString automationsSummary(const Settings& settings, const AutomationFacts& facts) {
+QString automationsSummary(const AutomationFacts& facts) {
     QStringList lines;
     for (const AutomationSwitch which : allAutomationSwitches) {
         if (!isAutomation(which)) {
             continue;
         }
-        const AutomationLine line = automationLine(which, isOn(settings, which), facts);
+        const AutomationLine line = automationLine(which, facts);
         QString words = line.title + u": "_s + armedWord(line.state);
         if (!line.lastActed.isEmpty()) {
             words += u". "_s + line.lastActed;

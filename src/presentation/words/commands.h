@@ -2,7 +2,7 @@
 
 #include "presentation/widgets/command.h"
 
-/// The commands that stand in more places than one.
+/// The commands that are offered in several places.
 namespace tallowcrest::commands {
 
 inline constexpr Command purge{"Purge Caches", "memorychip",

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include <QDateTime>
-#include <QLocale>
+#include <QHash>
 
-#include "core/control_characters.h"
+#include "core/text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,38 +15,26 @@ namespace {
 
 constexpr double megabytesPerGigabyte = 1024.0;
 
-/// What is not finite counts as 0.
-QString decimal(double value, int places) {
-    return QLocale().toString(std::isfinite(value) ? value : 0.0, 'f', places);
+struct Formats {
+    std::shared_ptr<const Locale> locale = std::make_shared<PlainLocale>();
+    /// The texts of the last numbers: in a table most figures are those of the tick before.
+    QHash<std::pair<double, int>, QString> decimals = {};
+};
+
+Formats& formats() {
+    static Formats formats;
+    return formats;
 }
 
 QString oneDecimal(double value) {
     return decimal(value, 1);
 }
 
-/// The short time of a locale has no seconds, and the long one names the time zone as well: this
-/// takes that out, with the blanks and brackets around it. Words of the locale stand in quotes.
-QString withoutTimeZone(const QString& format) {
-    QString kept;
-    bool isQuoted = false;
-    for (const QChar character : format) {
-        isQuoted = isQuoted != (character == u'\'');
-        if (isQuoted || (character != u't' && character != u'(' && character != u')' &&
-                         character != u'[' && character != u']')) {
-            kept.append(character);
-        }
-    }
-    return kept.trimmed();
-}
-
-QDateTime localTime(Date date) {
-    // What the store held may lie anywhere; this far from today every calendar has an answer.
-    constexpr double furthest = 1e11;
-    const double seconds = std::clamp(date.unixSeconds(), -furthest, furthest);
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * 1000.0));
-}
-
 }  // namespace
+
+void setLocale(std::shared_ptr<const Locale> locale) {
+    formats() = {std::move(locale)};
+}
 
 QString text(std::string_view utf8) {
     return QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD"));
@@ -57,6 +45,20 @@ int wholePercent(double percent) {
     return std::isfinite(percent)
                ? static_cast<int>(std::lround(std::clamp(percent, -bound, bound)))
                : 0;
+}
+
+QString decimal(double value, int places) {
+    constexpr qsizetype mostKept = 512;
+    Formats& used = formats();
+    const std::pair key(std::isfinite(value) ? value : 0.0, places);
+    if (const auto kept = used.decimals.constFind(key); kept != used.decimals.constEnd()) {
+        return *kept;
+    }
+    if (used.decimals.size() == mostKept) {
+        used.decimals.clear();
+    }
+    return *used.decimals.insert(key,
+                                 QString::fromStdString(used.locale->decimal(key.first, places)));
 }
 
 QString percentText(double percent) {
@@ -120,7 +122,7 @@ QString averageAndThreshold(double average, double threshold) {
 }
 
 QString memoryText(double megabytes) {
-    // Judged as it would be shown, so that "1,024 MB" never stands beside "1.0 GB".
+    // Compares the rounded value, so that "1,024 MB" never appears beside "1.0 GB".
     if (!(std::round(megabytes) >= megabytesPerGigabyte)) {
         return u"%1 MB"_s.arg(decimal(megabytes, 0));
     }
@@ -137,19 +139,18 @@ QString sortStatus(int count, Date updated) {
 }
 
 QString timeText(Date date) {
-    const QLocale locale;
-    return locale.toString(localTime(date).time(),
-                           withoutTimeZone(locale.timeFormat(QLocale::LongFormat)));
+    return QString::fromStdString(formats().locale->timeOfDay(date));
 }
 
 QString shortTimeText(Date date, Date now) {
-    const QDateTime time = localTime(date);
-    return time.date() == localDay(now) ? QLocale().toString(time.time(), QLocale::ShortFormat)
-                                        : QLocale().toString(time, QLocale::ShortFormat);
+    const Locale& locale = *formats().locale;
+    return QString::fromStdString(locale.localDay(date) == locale.localDay(now)
+                                      ? locale.hoursAndMinutes(date)
+                                      : locale.dateAndTime(date));
 }
 
-QDate localDay(Date date) {
-    return localTime(date).date();
+std::int64_t localDay(Date date) {
+    return formats().locale->localDay(date);
 }
 
 }  // namespace tallowcrest::dashboard_text

@@ -1,23 +1,31 @@
 #pragma once
 
-#include <QDate>
+#include <cstdint>
+#include <memory>
+
 #include <QString>
 
 #include "core/local_records.h"
+#include "core/locale.h"
 
-/// The words of the shell and the screens around their figures, in the locale's number formats.
-/// Pure; any thread.
+/// The texts that the shell and several screens share, and the one source of number and date
+/// formats for everything on screen. Main thread.
 namespace tallowcrest::dashboard_text {
 
-/// Text that the records hold as UTF-8, as one line that reads in the order in which it is written.
-/// Most of it may hold a name, and a process may be called anything: it is not to pass for words of
-/// our own.
+/// From now on numbers and dates are formatted by `locale`, never null; by `PlainLocale` before the
+/// first call. The window sets it to the monitor's when it is built.
+void setLocale(std::shared_ptr<const Locale> locale);
+
+/// A record's UTF-8 text as one line, without control characters and bidirectional overrides. Such
+/// a text may contain a process name, which can be anything and must not imitate our own words.
 QString text(std::string_view utf8);
 
-/// A percentage rounded to a whole number, without its sign; 0 for what is not finite.
+/// A percentage rounded to a whole number, clamped to ±100,000; 0 if it is not finite.
 int wholePercent(double percent);
+/// `value` with that many decimals and the locale's separators; a value that is not finite as 0.
+QString decimal(double value, int places);
 QString percentText(double percent);
-/// Stands for a figure before there is one.
+/// Shown in place of a figure that is not known yet.
 QString noFigure();
 /// One decimal, without the unit.
 QString gigabytes(double value);
@@ -41,16 +49,17 @@ QString sessionNote(int seconds);
 QString timelineCaption(int seconds);
 /// "Avg 12% · Warn 82%"
 QString averageAndThreshold(double average, double threshold);
-/// Resident memory as a person reads it: "512 MB" below one GB, else "1.5 GB".
+/// Resident memory: "512 MB" below one GB, else "1.5 GB".
 QString memoryText(double megabytes);
 QString warnAt(double threshold);
 /// "Sorted by Impact ↓ · 120 visible processes · updated 2:03:55 PM"
 QString sortStatus(int count, Date updated);
-/// A time of day to the second, as the locale writes it: "2:03:55 PM", "14:03:55".
+/// The local time of day to the second: "2:03:55 PM", "14:03:55".
 QString timeText(Date date);
-/// A time in the locale's short form, "2:03 PM", with its date on another day than `now`.
+/// The local time of day in hours and minutes, "2:03 PM"; with the date before it if `now` is on
+/// another day.
 QString shortTimeText(Date date, Date now);
-/// The day of `date` in the local time zone.
-QDate localDay(Date date);
+/// The day of `date` in local time, as `Locale::localDay` numbers it.
+std::int64_t localDay(Date date);
 
 }  // namespace tallowcrest::dashboard_text

@@ -9,12 +9,12 @@ namespace tallowcrest {
 namespace {
 
 constexpr double secondsPerTick = 4.0;
-// A longer step is a time without samples: another run, or sleep.
+// A longer step is a gap without samples: another run, or sleep.
 constexpr double longestStep = 3 * secondsPerTick;
 static_assert(longestSessionSeconds == longestStep * LatestSample::maximumHistory);
 
-/// Where `date` lies among the points, counted in points from the first; absent where no two
-/// neighbours enclose it. Where the clock was set back several may: then the latest of them.
+/// The position of `date` among the points, counted in points from the first; absent if no two
+/// neighbours enclose it. After a step back of the clock several may; then the latest.
 std::optional<double> placeAmong(const std::vector<HistoryPoint>& history, Date date) {
     for (std::size_t i = history.size() - 1; i > 0; --i) {
         const double before = secondsBetween(history[i - 1].date, date);
@@ -57,7 +57,7 @@ int sessionSeconds(const std::vector<HistoryPoint>& history) {
     double passed = secondsPerTick;
     for (std::size_t i = 1; i < history.size(); ++i) {
         const double step = secondsBetween(history[i - 1].date, history[i].date);
-        // A step that is not a number is not above 0 either.
+        // False for a step that is not a number.
         if (step > 0.0) {
             passed += step > longestStep ? secondsPerTick : step;
         }

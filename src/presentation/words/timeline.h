@@ -7,7 +7,7 @@
 
 namespace tallowcrest {
 
-/// What the timeline shows of a session, as plain values.
+/// The values that the timeline of a session shows.
 struct TimelineSummary {
     std::vector<double> cpu;     ///< percent, oldest first
     std::vector<double> memory;  ///< percent, oldest first
@@ -18,23 +18,29 @@ struct TimelineSummary {
     double cpuAverage = 0.0;
 };
 
+/// What the timeline is read from. What it refers to must outlive the value.
+struct TimelineFacts {
+    const std::vector<HistoryPoint>& history;       ///< oldest first
+    const std::vector<ActivityEvent>& activityLog;  ///< newest first
+    double warningThreshold = 0.0;                  ///< percent
+};
+
 /// All zero and empty for an empty history. Any thread.
 TimelineSummary timelineSummary(const std::vector<HistoryPoint>& history);
 
-/// `sessionSeconds` never gives more; a full history without breaks, a point every four seconds, is
-/// 720.
+/// The largest result of `sessionSeconds`. A full history without gaps, with a point every four
+/// seconds, has 720.
 inline constexpr int longestSessionSeconds = 2160;
 
-/// For how many seconds of the history Tallowcrest ran, rounded: what passed from point to point,
-/// and the interval before the first. A step that is longer than three ticks, as from one run to
-/// the next or in sleep, counts as one tick. Where the clock was set back nothing passed. Any
-/// thread.
+/// How many seconds Tallowcrest ran during the history, rounded: the time from point to point plus
+/// the interval before the first. A step of more than three ticks, between two runs or over a
+/// sleep, counts as one tick; a step back of the clock counts as nothing. Any thread.
 int sessionSeconds(const std::vector<HistoryPoint>& history);
 
-/// Where the events of the last 600 seconds before `now` lie on the axis of the points, which stand
-/// equally far apart whatever time lies between them: from 0 for the first to 1 for the last. An
-/// event lies between its neighbours in time. Events before the first point or after the last are
-/// left out; so are all of them while there are fewer than two points. Any thread.
+/// The positions of the events of the last 600 seconds before `now` on the axis of the points, from
+/// 0 for the first to 1 for the last. The points are equidistant whatever the time between them; an
+/// event is placed between its neighbours in time. Events before the first point or after the last
+/// are omitted, and all of them if there are fewer than two points. Any thread.
 std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
                                    const std::vector<HistoryPoint>& history, Date now);
 

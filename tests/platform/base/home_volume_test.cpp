@@ -8,11 +8,11 @@
 namespace tallowcrest {
 namespace {
 
-TEST(HomeVolumeTest, AHomeThatIsNotThereGivesZeros) {
+TEST(HomeVolumeTest, AMissingHomeGivesZeros) {
     EXPECT_EQ(PosixHomeVolume("/nonexistent/home").readDiskSnapshot(), DiskSnapshot{});
 }
 
-TEST(HomeVolumeTest, WhileOneReadingHangsOthersGetTheLastFigures) {
+TEST(HomeVolumeTest, WhileOneReadingBlocksOthersGetTheLatestFigures) {
     std::promise<void> hanging;
     std::promise<void> release;
     const std::shared_future<void> released = release.get_future().share();
@@ -37,7 +37,7 @@ TEST(HomeVolumeTest, WhileOneReadingHangsOthersGetTheLastFigures) {
     EXPECT_EQ(readings, 2);
 }
 
-TEST(HomeVolumeTest, WithoutAnyFiguresYetTheyAreZeros) {
+TEST(HomeVolumeTest, WhileTheFirstReadingBlocksOthersGetZeros) {
     std::promise<void> hanging;
     std::promise<void> release;
     PosixHomeVolume volume([&]() -> DiskSnapshot {

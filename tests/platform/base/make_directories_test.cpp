@@ -24,7 +24,7 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(MakeDirectoriesTest, MakesWhatIsMissingForTheUserAloneWhateverTheMask) {
+TEST_F(MakeDirectoriesTest, CreatesMissingDirectoriesForTheUserOnlyWhateverTheUmask) {
     const fs::path there = folder.path() / "there";
     fs::create_directory(there);
     fs::permissions(there, fs::perms(0755));
@@ -41,7 +41,7 @@ TEST_F(MakeDirectoriesTest, MakesWhatIsMissingForTheUserAloneWhateverTheMask) {
     EXPECT_EQ(permissionsOf(there), fs::perms(0755));
 }
 
-TEST_F(MakeDirectoriesTest, WhatIsThereIsLeftAsItIs) {
+TEST_F(MakeDirectoriesTest, LeavesExistingDirectoriesUnchanged) {
     const fs::path there = folder.path() / "there";
     fs::create_directories(there);
     fs::permissions(there, fs::perms(0755));
@@ -50,20 +50,20 @@ TEST_F(MakeDirectoriesTest, WhatIsThereIsLeftAsItIs) {
     EXPECT_EQ(makeDirectories("/"), 0);
 }
 
-TEST_F(MakeDirectoriesTest, ASlashAtTheEndOrTwoInTheMiddleChangeNothing) {
+TEST_F(MakeDirectoriesTest, IgnoresTrailingAndDoubledSlashes) {
     EXPECT_EQ(makeDirectories(folder.path().string() + "/a//b/"), 0);
     EXPECT_TRUE(fs::is_directory(folder.path() / "a/b"));
 }
 
-TEST_F(MakeDirectoriesTest, AFileInTheWayStays) {
+TEST_F(MakeDirectoriesTest, AFileInThePathIsAnErrorAndStays) {
     const fs::path file = folder.path() / "file";
     std::ofstream(file) << "text";
     EXPECT_EQ(makeDirectories(file / "below/last"), ENOTDIR);
     EXPECT_EQ(fs::file_size(file), 4U);
 }
 
-// Below a directory that nobody could make the system only says that something is not there.
-TEST_F(MakeDirectoriesTest, TellsWhyTheFirstCouldNotBeMade) {
+// For the directories below it the system would only report that something does not exist.
+TEST_F(MakeDirectoriesTest, ReportsTheErrorOfTheFirstDirectoryThatFails) {
     const fs::path nowhere = folder.path() / "nowhere";
     fs::create_directory_symlink(folder.path() / "missing", nowhere);
     EXPECT_EQ(makeDirectories(nowhere / "below/last"), EEXIST);

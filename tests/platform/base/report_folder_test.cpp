@@ -35,7 +35,7 @@ protected:
     PosixReportFolder folder{[this] { return path; }, {}};
 };
 
-TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
+TEST_F(ReportFolderTest, CreatesTheFolderAndWritesTheTextUnchanged) {
     const std::string text = "Tallowcrest report\n\tZürich 日本\n";
     EXPECT_EQ(folder.write(path / "a.txt", text), std::nullopt);
     EXPECT_EQ(fileText(path / "a.txt"), text);
@@ -45,14 +45,14 @@ TEST_F(ReportFolderTest, MakesWhatIsMissingAndWritesTheTextAsItStands) {
     EXPECT_EQ(info.st_mode & 0777U, 0600U);
 }
 
-TEST_F(ReportFolderTest, ANameThatExistsIsNotReplaced) {
+TEST_F(ReportFolderTest, DoesNotReplaceAnExistingFile) {
     ASSERT_EQ(folder.write(path / "a.txt", "first"), std::nullopt);
     EXPECT_EQ(folder.write(path / "a.txt", "second"), "File exists");
     EXPECT_EQ(fileText(path / "a.txt"), "first");
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
 }
 
-TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
+TEST_F(ReportFolderTest, NeitherFollowsNorReplacesALink) {
     std::filesystem::create_directories(path);
     const auto elsewhere = root.path() / "precious";
     std::ofstream(elsewhere) << "precious";
@@ -65,13 +65,13 @@ TEST_F(ReportFolderTest, ALinkInTheWayIsNeitherFollowedNorReplaced) {
     EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
 }
 
-TEST_F(ReportFolderTest, AFolderThatCannotBeMadeIsToldInTheSystemsWords) {
+TEST_F(ReportFolderTest, ReportsWhyTheFolderCannotBeCreated) {
     std::ofstream(root.path() / "documents") << "a file stands where the folder should";
     EXPECT_EQ(folder.write(path / "a.txt", "report"), "Not a directory");
     EXPECT_EQ(fileText(root.path() / "documents"), "a file stands where the folder should");
 }
 
-TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {
+TEST_F(ReportFolderTest, WritesNothingWithoutAnAbsolutePath) {
     for (const char* nowhere : {"", "a.txt", "relative/a.txt"}) {
         EXPECT_EQ(folder.write(nowhere, "report"), "No such file or directory") << nowhere;
     }
@@ -79,8 +79,8 @@ TEST_F(ReportFolderTest, WithoutAFolderNothingIsWritten) {
     EXPECT_FALSE(std::filesystem::exists("a.txt"));
 }
 
-TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
-    // As large as a file may get here stands for as much as the disk has left.
+TEST_F(ReportFolderTest, AFullDiskLeavesNoFile) {
+    // A limit on the size of files stands for a full disk.
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
@@ -94,7 +94,7 @@ TEST_F(ReportFolderTest, AFullDiskLeavesNothingBehind) {
     EXPECT_THAT(names(path), IsEmpty());
 }
 
-TEST_F(ReportFolderTest, RevealsWhereSomebodyShowsFiles) {
+TEST_F(ReportFolderTest, RevealsFilesIfThereIsAFunctionForIt) {
     std::vector<std::filesystem::path> revealed;
     PosixReportFolder shown{[] { return ""; },
                             [&revealed](const auto& file) { revealed.push_back(file); }};
@@ -103,7 +103,7 @@ TEST_F(ReportFolderTest, RevealsWhereSomebodyShowsFiles) {
     folder.reveal(path / "a.txt");
 }
 
-TEST_F(ReportFolderTest, IsWhereItIsWhenItIsAsked) {
+TEST_F(ReportFolderTest, AsksForThePlaceEachTime) {
     EXPECT_EQ(folder.place(), path);
     path = root.path() / "moved";
     EXPECT_EQ(folder.place(), path);

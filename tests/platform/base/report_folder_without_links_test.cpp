@@ -1,4 +1,4 @@
-// A report folder on a file system that has one name per file.
+// The report folder on a file system without hard links.
 
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -31,7 +31,7 @@ using testing::UnorderedElementsAre;
 
 using Refusals = std::vector<std::pair<std::uint32_t, int>>;
 
-std::string words(int error) {
+std::string errorText(int error) {
     return std::generic_category().message(error);
 }
 
@@ -41,11 +41,11 @@ protected:
         bool mayRefuse = false;
         std::thread([&] { mayRefuse = refuseCall(SYS_linkat, EPERM); }).join();
         if (!mayRefuse) {
-            GTEST_SKIP() << "filters are not for this account";
+            GTEST_SKIP() << "this account may not install filters";
         }
     }
 
-    /// Writes on a thread that the kernel refuses calls to, and that alone.
+    /// Writes on a thread of its own for which the kernel refuses the given calls.
     std::optional<std::string> write(const std::string& name, const std::string& text,
                                      const Refusals& refusals = {{SYS_linkat, EPERM}}) {
         std::optional<std::string> problem;
@@ -73,10 +73,10 @@ protected:
     PosixReportFolder folder{[this] { return root.path(); }, {}};
 };
 
-TEST_F(ReportFolderWithoutLinks, TheFileIsThereWhole) {
+TEST_F(ReportFolderWithoutLinks, WritesTheCompleteFile) {
     const std::string text(300'000, 'x');
     for (const int error : {EPERM, EOPNOTSUPP, ENOSYS}) {
-        const std::string name = words(error);
+        const std::string name = errorText(error);
         EXPECT_EQ(write(name, text, {{SYS_linkat, error}}), std::nullopt) << name;
         EXPECT_TRUE(fileText(root.path() / name) == text) << name;
         struct stat info {};
@@ -84,17 +84,18 @@ TEST_F(ReportFolderWithoutLinks, TheFileIsThereWhole) {
         EXPECT_EQ(info.st_mode & 0777U, 0600U) << name;
         EXPECT_EQ(info.st_nlink, 1U) << name;
     }
-    EXPECT_THAT(names(), UnorderedElementsAre(words(EPERM), words(EOPNOTSUPP), words(ENOSYS)));
+    EXPECT_THAT(names(),
+                UnorderedElementsAre(errorText(EPERM), errorText(EOPNOTSUPP), errorText(ENOSYS)));
 }
 
-TEST_F(ReportFolderWithoutLinks, ANameThatExistsIsNotReplaced) {
+TEST_F(ReportFolderWithoutLinks, DoesNotReplaceAnExistingFile) {
     ASSERT_EQ(write("a.txt", "first"), std::nullopt);
     EXPECT_EQ(write("a.txt", "second"), "File exists");
     EXPECT_EQ(fileText(root.path() / "a.txt"), "first");
     EXPECT_THAT(names(), ElementsAre("a.txt"));
 }
 
-TEST_F(ReportFolderWithoutLinks, ALinkInTheWayIsNeitherFollowedNorReplaced) {
+TEST_F(ReportFolderWithoutLinks, NeitherFollowsNorReplacesALink) {
     const TemporaryFolder elsewhere;
     const auto precious = elsewhere.path() / "precious";
     std::ofstream(precious) << "precious";
@@ -109,23 +110,23 @@ TEST_F(ReportFolderWithoutLinks, ALinkInTheWayIsNeitherFollowedNorReplaced) {
     EXPECT_THAT(names(), UnorderedElementsAre("a.txt", "b.txt"));
 }
 
-TEST_F(ReportFolderWithoutLinks, AFailedRenameGivesTheNameBack) {
+TEST_F(ReportFolderWithoutLinks, AFailedRenameReleasesTheName) {
     const Refusals refusals{{SYS_linkat, EPERM}, {SYS_renameat, EIO}};
-    EXPECT_EQ(write("a.txt", "report", refusals), words(EIO));
+    EXPECT_EQ(write("a.txt", "report", refusals), errorText(EIO));
     EXPECT_THAT(names(), IsEmpty());
     EXPECT_EQ(write("a.txt", "report"), std::nullopt);
 }
 
-TEST_F(ReportFolderWithoutLinks, AnotherProblemIsTold) {
-    EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), words(EDQUOT));
+TEST_F(ReportFolderWithoutLinks, ReportsOtherErrors) {
+    EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), errorText(EDQUOT));
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(ReportFolderWithoutLinks, AFullDiskOrAForbiddenFolderIsToldAndLeavesNothingBehind) {
+TEST_F(ReportFolderWithoutLinks, ReportsAFullDiskOrAForbiddenFolderAndLeavesNoFile) {
     for (const auto& refusal :
          {Refusals::value_type{SYS_write, ENOSPC}, Refusals::value_type{SYS_fsync, ENOSPC},
           Refusals::value_type{SYS_openat, EACCES}}) {
-        EXPECT_EQ(write("a.txt", "report", {refusal}), words(refusal.second));
+        EXPECT_EQ(write("a.txt", "report", {refusal}), errorText(refusal.second));
         EXPECT_THAT(names(), IsEmpty());
     }
 }

@@ -44,51 +44,51 @@ Value getOrFail(std::future<Value> future) {
 
 /// Posts `work` and returns what it answers.
 template <class Work>
-auto runOn(ThreadWorkQueue& queue, Work work) {
+auto runOn(ThreadPool& pool, Work work) {
     using Result = std::invoke_result_t<Work>;
     const auto promise = std::make_shared<std::promise<Result>>();
     auto future = promise->get_future();
-    queue.post([promise, work] { promise->set_value(work()); });
+    pool.post([promise, work] { promise->set_value(work()); });
     return getOrFail(std::move(future));
 }
 
-TEST(ThreadWorkQueue, RunsWorkOnAnotherThread) {
-    ThreadWorkQueue queue(noSetup);
-    EXPECT_NE(runOn(queue, [] { return std::this_thread::get_id(); }), std::this_thread::get_id());
+TEST(ThreadPool, RunsWorkOnAnotherThread) {
+    ThreadPool pool(noSetup);
+    EXPECT_NE(runOn(pool, [] { return std::this_thread::get_id(); }), std::this_thread::get_id());
 }
 
-TEST(ThreadWorkQueue, AStalledJobDoesNotHoldUpTheNext) {
+TEST(ThreadPool, AStalledJobDoesNotHoldUpTheNext) {
     std::promise<void> release;
-    ThreadWorkQueue queue(noSetup);
+    ThreadPool pool(noSetup);
     std::promise<void> stalled;
-    queue.post([&] {
+    pool.post([&] {
         stalled.set_value();
         release.get_future().wait();
     });
     stalled.get_future().wait();
-    EXPECT_EQ(runOn(queue, [] { return 5; }), 5);
+    EXPECT_EQ(runOn(pool, [] { return 5; }), 5);
     release.set_value();
-    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_TRUE(pool.finishWithin(stuck));
 }
 
-TEST(ThreadWorkQueue, JobsPostedTogetherRunTogether) {
-    constexpr int count = static_cast<int>(ThreadWorkQueue::maximumThreads);
-    ThreadWorkQueue queue(noSetup);
+TEST(ThreadPool, JobsPostedTogetherRunTogether) {
+    constexpr int count = static_cast<int>(ThreadPool::maximumThreads);
+    ThreadPool pool(noSetup);
     // Each job waits until all of them have begun.
     std::latch begun(count);
     std::latch ended(count);
     for (int i = 0; i < count; ++i) {
-        queue.post([&] {
+        pool.post([&] {
             begun.arrive_and_wait();
             ended.count_down();
         });
     }
     ended.wait();
-    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_TRUE(pool.finishWithin(stuck));
 }
 
-TEST(ThreadWorkQueue, StartsNoMoreThanItsMaximumOfThreads) {
-    constexpr int most = static_cast<int>(ThreadWorkQueue::maximumThreads);
+TEST(ThreadPool, StartsNoMoreThanItsMaximumOfThreads) {
+    constexpr int most = static_cast<int>(ThreadPool::maximumThreads);
     constexpr int count = 40;
     static_assert(most == 8);
     std::atomic<int> running = 0;
@@ -97,9 +97,9 @@ TEST(ThreadWorkQueue, StartsNoMoreThanItsMaximumOfThreads) {
     std::latch ended(count);
     std::promise<void> release;
     const std::shared_future<void> released = release.get_future().share();
-    ThreadWorkQueue queue(noSetup);
+    ThreadPool pool(noSetup);
     for (int i = 0; i < count; ++i) {
-        queue.post([&, i] {
+        pool.post([&, i] {
             const int now = ++running;
             int seen = highest;
             while (now > seen && !highest.compare_exchange_weak(seen, now)) {
@@ -127,13 +127,13 @@ bool isAsleep(pid_t thread) {
     return text.find(") S ") != std::string::npos;
 }
 
-TEST(ThreadWorkQueue, ASteadyTickIsServedByOneThread) {
+TEST(ThreadPool, ASteadyTickIsServedByOneThread) {
     static std::atomic<int> threadsStarted;
     threadsStarted = 0;
-    ThreadWorkQueue queue([] { ++threadsStarted; });
+    ThreadPool pool([] { ++threadsStarted; });
     EXPECT_EQ(threadsStarted, 0);
     for (int tick = 0; tick < 50; ++tick) {
-        const pid_t thread = runOn(queue, [] { return gettid(); });
+        const pid_t thread = runOn(pool, [] { return gettid(); });
         // A tick comes long after the job before it has ended and its thread has gone to sleep.
         const auto deadline = std::chrono::steady_clock::now() + stuck;
         while (!isAsleep(thread)) {
@@ -144,24 +144,24 @@ TEST(ThreadWorkQueue, ASteadyTickIsServedByOneThread) {
     EXPECT_EQ(threadsStarted, 1);
 }
 
-TEST(ThreadWorkQueue, RunsTheSetupFirstOnEachThread) {
+TEST(ThreadPool, RunsTheSetupFirstOnEachThread) {
     static thread_local bool isSetUp = false;
-    ThreadWorkQueue queue([] { isSetUp = true; });
-    EXPECT_TRUE(runOn(queue, [] { return isSetUp; }));
+    ThreadPool pool([] { isSetUp = true; });
+    EXPECT_TRUE(runOn(pool, [] { return isSetUp; }));
     EXPECT_FALSE(isSetUp);
 }
 
-TEST(ThreadWorkQueue, TakesPostsFromSeveralThreads) {
+TEST(ThreadPool, TakesPostsFromSeveralThreads) {
     constexpr int threadCount = 4;
     constexpr int postsEach = 250;
     std::atomic<int> ran = 0;
     std::latch ended(threadCount * postsEach);
-    ThreadWorkQueue queue(noSetup);
+    ThreadPool pool(noSetup);
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([&] {
             for (int i = 0; i < postsEach; ++i) {
-                queue.post([&] {
+                pool.post([&] {
                     ++ran;
                     ended.count_down();
                 });
@@ -172,57 +172,57 @@ TEST(ThreadWorkQueue, TakesPostsFromSeveralThreads) {
     EXPECT_EQ(ran, threadCount * postsEach);
 }
 
-TEST(ThreadWorkQueue, AJobMayPostTheNext) {
-    ThreadWorkQueue queue(noSetup);
+TEST(ThreadPool, AJobMayPostTheNext) {
+    ThreadPool pool(noSetup);
     std::promise<int> result;
-    queue.post([&] { queue.post([&] { result.set_value(3); }); });
+    pool.post([&] { pool.post([&] { result.set_value(3); }); });
     EXPECT_EQ(getOrFail(result.get_future()), 3);
 }
 
-TEST(ThreadWorkQueue, WhatAJobHoldsMayPostAsItGoes) {
-    ThreadWorkQueue queue(noSetup);
+TEST(ThreadPool, WhatAJobHoldsMayPostAsItGoes) {
+    ThreadPool pool(noSetup);
     std::promise<int> result;
-    const auto post = [&](void*) { queue.post([&] { result.set_value(4); }); };
-    queue.post([held = std::shared_ptr<void>(nullptr, post)] {});
+    const auto post = [&](void*) { pool.post([&] { result.set_value(4); }); };
+    pool.post([held = std::shared_ptr<void>(nullptr, post)] {});
     EXPECT_EQ(getOrFail(result.get_future()), 4);
 }
 
 // The end ----------------------------------------------------------------------------------------
 
-TEST(ThreadWorkQueue, FinishesAtOnceWhenNothingRuns) {
-    ThreadWorkQueue unused(noSetup);
+TEST(ThreadPool, FinishesAtOnceWhenNothingRuns) {
+    ThreadPool unused(noSetup);
     EXPECT_TRUE(unused.finishWithin(milliseconds(0)));
-    ThreadWorkQueue used(noSetup);
+    ThreadPool used(noSetup);
     runOn(used, [] { return 0; });
     EXPECT_TRUE(used.finishWithin(stuck));
 }
 
-TEST(ThreadWorkQueue, FinishWithinTellsOfAJobThatGoesOn) {
+TEST(ThreadPool, FinishWithinTellsOfAJobThatGoesOn) {
     std::promise<void> release;
     std::promise<void> begun;
     bool ended = false;
     {
-        ThreadWorkQueue queue(noSetup);
-        queue.post([&] {
+        ThreadPool pool(noSetup);
+        pool.post([&] {
             begun.set_value();
             release.get_future().wait();
             ended = true;
         });
         begun.get_future().wait();
-        EXPECT_FALSE(queue.finishWithin(milliseconds(1)));
-        EXPECT_FALSE(queue.finishWithin(milliseconds(0)));
+        EXPECT_FALSE(pool.finishWithin(milliseconds(1)));
+        EXPECT_FALSE(pool.finishWithin(milliseconds(0)));
         release.set_value();
-        EXPECT_TRUE(queue.finishWithin(stuck));
+        EXPECT_TRUE(pool.finishWithin(stuck));
         EXPECT_TRUE(ended);
     }
 }
 
-/// Keeps every thread that a queue can have with a job until it lets go.
+/// Keeps every thread that a pool can have with a job until it lets go.
 class AllThreadsBusy {
 public:
-    explicit AllThreadsBusy(ThreadWorkQueue& queue) {
+    explicit AllThreadsBusy(ThreadPool& pool) {
         for (std::ptrdiff_t i = 0; i < most; ++i) {
-            queue.post([this] {
+            pool.post([this] {
                 begun_.count_down();
                 released_.wait();
             });
@@ -233,52 +233,52 @@ public:
     void letGo() { release_.set_value(); }
 
 private:
-    static constexpr auto most = static_cast<std::ptrdiff_t>(ThreadWorkQueue::maximumThreads);
+    static constexpr auto most = static_cast<std::ptrdiff_t>(ThreadPool::maximumThreads);
 
     std::latch begun_{most};
     std::promise<void> release_;
     std::shared_future<void> released_ = release_.get_future().share();
 };
 
-TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
+TEST(ThreadPool, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
     std::atomic<bool> ranLate = false;
     const auto held = std::make_shared<int>(0);
-    ThreadWorkQueue queue(noSetup);
-    AllThreadsBusy busy(queue);
+    ThreadPool pool(noSetup);
+    AllThreadsBusy busy(pool);
     // No thread is left for these.
-    queue.post([&ranLate, held] { ranLate = true; });
+    pool.post([&ranLate, held] { ranLate = true; });
     EXPECT_EQ(held.use_count(), 2);
-    EXPECT_FALSE(queue.finishWithin(milliseconds(0)));
+    EXPECT_FALSE(pool.finishWithin(milliseconds(0)));
     EXPECT_EQ(held.use_count(), 1);
-    queue.post([&ranLate, held] { ranLate = true; });
+    pool.post([&ranLate, held] { ranLate = true; });
     EXPECT_EQ(held.use_count(), 1);
     busy.letGo();
-    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_TRUE(pool.finishWithin(stuck));
     EXPECT_FALSE(ranLate);
 }
 
-TEST(ThreadWorkQueue, WhatADroppedJobHoldsMayPostAsItGoes) {
+TEST(ThreadPool, WhatADroppedJobHoldsMayPostAsItGoes) {
     bool destroyed = false;
-    ThreadWorkQueue queue(noSetup);
-    AllThreadsBusy busy(queue);
+    ThreadPool pool(noSetup);
+    AllThreadsBusy busy(pool);
     const auto post = [&](void*) {
-        queue.post([] {});
+        pool.post([] {});
         destroyed = true;
     };
-    queue.post([held = std::shared_ptr<void>(nullptr, post)] {});
+    pool.post([held = std::shared_ptr<void>(nullptr, post)] {});
     busy.letGo();
-    EXPECT_TRUE(queue.finishWithin(stuck));
+    EXPECT_TRUE(pool.finishWithin(stuck));
     EXPECT_TRUE(destroyed);
 }
 
-TEST(ThreadWorkQueue, DestructionWaitsForTheJobUnderWay) {
+TEST(ThreadPool, DestructionWaitsForTheJobUnderWay) {
     std::promise<void> begun;
     std::promise<void> release;
     std::atomic<bool> ended = false;
     std::jthread releaser;
     {
-        ThreadWorkQueue queue(noSetup);
-        queue.post([&] {
+        ThreadPool pool(noSetup);
+        pool.post([&] {
             begun.set_value();
             release.get_future().wait();
             ended = true;
@@ -289,12 +289,12 @@ TEST(ThreadWorkQueue, DestructionWaitsForTheJobUnderWay) {
     EXPECT_TRUE(ended);
 }
 
-TEST(ThreadWorkQueue, DestructionRightAfterAPostIsSafe) {
+TEST(ThreadPool, DestructionRightAfterAPostIsSafe) {
     for (int round = 0; round < 200; ++round) {
         std::atomic<int> ran = 0;
         {
-            ThreadWorkQueue queue(noSetup);
-            queue.post([&] { ++ran; });
+            ThreadPool pool(noSetup);
+            pool.post([&] { ++ran; });
         }
         EXPECT_LE(ran, 1);
     }
@@ -309,13 +309,13 @@ int niceOf(pid_t thread) {
     return value;
 }
 
-TEST(ThreadWorkQueue, WorkersHaveUtilityPriorityAndTheMainThreadKeepsItsOwn) {
+TEST(ThreadPool, WorkersHaveUtilityPriorityAndTheMainThreadKeepsItsOwn) {
     const int before = niceOf(gettid());
-    ThreadWorkQueue queue(host::lowerThreadPriority);
+    ThreadPool pool(host::lowerThreadPriority);
     // Somebody who runs the tests at a lower priority than that keeps it.
-    EXPECT_EQ(runOn(queue, [] { return niceOf(gettid()); }), std::max(before, 10));
+    EXPECT_EQ(runOn(pool, [] { return niceOf(gettid()); }), std::max(before, 10));
     // Disk access only when nobody else asks: the kernel's class 3.
-    EXPECT_EQ(runOn(queue, [] { return syscall(SYS_ioprio_get, 1, gettid()) >> 13; }), 3);
+    EXPECT_EQ(runOn(pool, [] { return syscall(SYS_ioprio_get, 1, gettid()) >> 13; }), 3);
     EXPECT_EQ(niceOf(gettid()), before);
     EXPECT_EQ(niceOf(getpid()), before);
 }

@@ -30,9 +30,9 @@ bool everyProcess(const ProcessSample&) {
     return true;
 }
 
-/// Long enough for a machine with much else to do; nothing here waits for it in vain.
-constexpr BusCallLimits patient{20s, 60s};
-constexpr BusCallLimits impatient{200ms, 600ms};
+/// Long enough for a busy machine; no test waits until these have passed.
+constexpr BusCallTimeouts longTimeouts{20s, 60s};
+constexpr BusCallTimeouts shortTimeouts{200ms, 600ms};
 
 TEST(ApplicationObjectPath, FollowsTheName) {
     EXPECT_EQ(applicationObjectPath("org.example.Editor"), "/org/example/Editor");
@@ -44,11 +44,11 @@ TEST(ApplicationObjectPath, FollowsTheName) {
 class QuitActionTest : public testing::Test {
 protected:
     std::size_t ask(const std::vector<ProcessSample>& members,
-                    BusCallLimits limits = patient) const {
-        return ApplicationQuitAction(everyProcess, bus.connection(), limits).askToQuit(members);
+                    BusCallTimeouts timeouts = longTimeouts) const {
+        return ApplicationQuitAction(everyProcess, bus.connection(), timeouts).askToQuit(members);
     }
 
-    /// Had it been asked, it would say so before it answers this.
+    /// If it had been asked, it would have printed so before it answers this call.
     void expectNeverAsked(TestApplication& application) const {
         const QDBusMessage answer =
             bus.connection().call(QDBusMessage::createMethodCall(
@@ -80,7 +80,7 @@ TEST_F(QuitActionTest, WorksWhileTheMainThreadWaits) {
     EXPECT_EQ(application.line(), "quit");
 }
 
-TEST_F(QuitActionTest, AnApplicationThatStaysWasAsked) {
+TEST_F(QuitActionTest, AnApplicationThatStaysCountsAsAsked) {
     TestApplication application("stays");
     ASSERT_EQ(application.greeting, "ready");
     EXPECT_EQ(ask({application.member()}), 1U);
@@ -124,30 +124,30 @@ INSTANTIATE_TEST_SUITE_P(Table, WithoutAction,
                                          "lists-text", "lists-numbers", "lists-upper-case",
                                          "describes-text", "describes-little"));
 
-TEST_F(QuitActionTest, AnApplicationThatSpeaksForItselfIsAsked) {
+TEST_F(QuitActionTest, AnApplicationWithItsOwnImplementationIsAsked) {
     TestApplication application("answers");
     ASSERT_EQ(application.greeting, "ready");
     EXPECT_EQ(ask({application.member()}), 1U);
     EXPECT_EQ(application.line(), "quit");
 }
 
-TEST_F(QuitActionTest, AnErrorIsNoSuccess) {
+TEST_F(QuitActionTest, AnErrorCountsAsNotAsked) {
     TestApplication application("refuses");
     ASSERT_EQ(application.greeting, "ready");
     EXPECT_EQ(ask({application.member()}), 0U);
     EXPECT_EQ(application.line(), "quit");
 }
 
-// To take it for a failure would mean a signal to it while its owner decides what to save.
-TEST_F(QuitActionTest, AnApplicationThatIsBusyWithTheQuestionWasAsked) {
-    TestApplication application("asks-its-owner");
+// If this counted as a failure, it would be sent a signal while its user decides what to save.
+TEST_F(QuitActionTest, AnApplicationThatIsBusyAskingItsUserCountsAsAsked) {
+    TestApplication application("asks-its-user");
     ASSERT_EQ(application.greeting, "ready");
     EXPECT_EQ(ask({application.member()}, {2s, 20s}), 1U);
     EXPECT_EQ(application.line(), "quit");
     EXPECT_TRUE(application.isRunning());
 }
 
-TEST_F(QuitActionTest, AnApplicationThatEndsWithoutAnAnswerWasAsked) {
+TEST_F(QuitActionTest, AnApplicationThatEndsWithoutAReplyCountsAsAsked) {
     TestApplication application("ends-at-once");
     ASSERT_EQ(application.greeting, "ready");
     EXPECT_EQ(ask({application.member()}), 1U);
@@ -167,7 +167,7 @@ TEST_F(QuitActionTest, AnotherProcessIsNotAsked) {
     expectNeverAsked(application);
 }
 
-// The bus itself and the test are no applications.
+// Neither the bus itself nor the test is an application.
 TEST_F(QuitActionTest, AProcessWithoutANameIsNotAsked) {
     ProcessSample daemon;
     daemon.pid = bus.daemon().pid();
@@ -179,39 +179,39 @@ TEST_F(QuitActionTest, AProcessWithoutANameIsNotAsked) {
 TEST_F(QuitActionTest, AProcessThatIsNoLongerTheReviewedOneIsNotAsked) {
     TestApplication application("present");
     ASSERT_EQ(application.greeting, "ready");
-    std::vector<ProcessSample> questions;
+    std::vector<ProcessSample> checked;
     const ApplicationQuitAction doubtful(
         [&](const ProcessSample& member) {
-            questions.push_back(member);
+            checked.push_back(member);
             return false;
         },
-        bus.connection(), patient);
+        bus.connection(), longTimeouts);
     EXPECT_EQ(doubtful.askToQuit({application.member()}), 0U);
-    EXPECT_THAT(questions, ElementsAre(application.member()));
+    EXPECT_THAT(checked, ElementsAre(application.member()));
     expectNeverAsked(application);
 }
 
-TEST_F(QuitActionTest, AnApplicationThatHangsHoldsNobodyUp) {
+TEST_F(QuitActionTest, AnApplicationThatHangsDoesNotBlock) {
     TestApplication hanging("present");
     TestApplication other("present", {}, "org.example.Second");
     ASSERT_EQ(hanging.greeting, "ready");
     ASSERT_EQ(other.greeting, "ready");
     hanging.signal(SIGSTOP);
-    EXPECT_EQ(ask({hanging.member()}, impatient), 0U);
+    EXPECT_EQ(ask({hanging.member()}, shortTimeouts), 0U);
     EXPECT_EQ(ask({hanging.member(), other.member()}, {2s, 20s}), 1U);
     EXPECT_EQ(other.line(), "quit");
 }
 
-TEST_F(QuitActionTest, ABusThatHangsHoldsNobodyUp) {
+TEST_F(QuitActionTest, ABusThatHangsDoesNotBlock) {
     TestApplication application("present");
     ASSERT_EQ(application.greeting, "ready");
     bus.daemon().signal(SIGSTOP);
-    EXPECT_EQ(ask({application.member()}, impatient), 0U);
+    EXPECT_EQ(ask({application.member()}, shortTimeouts), 0U);
     bus.daemon().signal(SIGCONT);
     expectNeverAsked(application);
 }
 
-TEST_F(QuitActionTest, WithoutABusNobodyIsAsked) {
+TEST_F(QuitActionTest, NothingIsAskedWithoutABus) {
     TestApplication application("present");
     ASSERT_EQ(application.greeting, "ready");
     const QDBusConnection never(u"never connected"_s);
@@ -224,7 +224,7 @@ TEST_F(QuitActionTest, WithoutABusNobodyIsAsked) {
     EXPECT_EQ(ask({application.member()}), 0U);
 }
 
-// The bus knows how to start it, and would for a message to its name.
+// The bus would start it for a message to its name.
 TEST(QuitActionOfAnActivatableApplication, DoesNotStartItAgain) {
     const TemporaryFolder folder;
     const auto trace = folder.path() / "started";
@@ -240,12 +240,12 @@ TEST(QuitActionOfAnActivatableApplication, DoesNotStartItAgain) {
             application.end();
             return true;
         },
-        bus.connection(), patient);
+        bus.connection(), longTimeouts);
     EXPECT_EQ(action.askToQuit({application.member()}), 0U);
     EXPECT_EQ(application.line(), "");
     EXPECT_FALSE(std::filesystem::exists(trace));
 
-    // Which is what such a message does: otherwise this would prove nothing.
+    // Verifies that such a message really starts it.
     bus.connection().send(
         QDBusMessage::createMethodCall(applicationName, "/", "org.freedesktop.DBus.Peer", "Ping"));
     EXPECT_TRUE(eventually([&] { return std::filesystem::exists(trace); }));

@@ -14,8 +14,8 @@ namespace {
 
 using DBusNotificationCenterTest = DBusNotificationFixture;
 
-TEST_F(DBusNotificationCenterTest, ShowsWhatIsPostedToADaemonThatHasEverything) {
-    const Daemon daemon(bus, everything);
+TEST_F(DBusNotificationCenterTest, ShowsANotificationOnADaemonWithAllCapabilities) {
+    const Daemon daemon(bus, allCapabilities);
     ASSERT_TRUE(daemon.ownsItsName());
     start();
     center->post(content("<b>x</b> & \"co\""));
@@ -36,7 +36,7 @@ TEST_F(DBusNotificationCenterTest, ShowsWhatIsPostedToADaemonThatHasEverything) 
     EXPECT_EQ(shown.expiry, -1);
 }
 
-TEST_F(DBusNotificationCenterTest, GivesADaemonOnlyWhatItCanShow) {
+TEST_F(DBusNotificationCenterTest, SendsADaemonOnlyWhatItSupports) {
     struct Case {
         QStringList capabilities;
         QString body;
@@ -63,8 +63,8 @@ TEST_F(DBusNotificationCenterTest, GivesADaemonOnlyWhatItCanShow) {
     }
 }
 
-TEST_F(DBusNotificationCenterTest, WithoutACategoryThePlainClickIsAllThereIs) {
-    const Daemon daemon(bus, everything);
+TEST_F(DBusNotificationCenterTest, WithoutACategoryThereIsOnlyTheDefaultAction) {
+    const Daemon daemon(bus, allCapabilities);
     start();
     const QStringList plain{"default", "Open Tallowcrest"};
     center->post(content("none named", ""));
@@ -82,8 +82,8 @@ TEST_F(DBusNotificationCenterTest, WithoutACategoryThePlainClickIsAllThereIs) {
     EXPECT_EQ(daemon.shown()[3].actions, plain);
 }
 
-TEST_F(DBusNotificationCenterTest, ASilentOneAsksForSilence) {
-    const Daemon daemon(bus, everything);
+TEST_F(DBusNotificationCenterTest, ASilentNotificationSuppressesTheSound) {
+    const Daemon daemon(bus, allCapabilities);
     start();
     NotificationContent silent = content("high");
     silent.playsSound = false;
@@ -94,7 +94,7 @@ TEST_F(DBusNotificationCenterTest, ASilentOneAsksForSilence) {
     EXPECT_FALSE(hints.contains("sound-name"));
 }
 
-TEST_F(DBusNotificationCenterTest, NamesOfStrangersDoNoHarm) {
+TEST_F(DBusNotificationCenterTest, UntrustedNamesAreSanitized) {
     const Daemon daemon(bus, {"body", "body-markup"});
     start();
     show(daemon, "Top process: a\nb\u202E<c" + std::string(10'000, '&'));
@@ -104,8 +104,8 @@ TEST_F(DBusNotificationCenterTest, NamesOfStrangersDoNoHarm) {
     EXPECT_LT(body.size(), 4000);
 }
 
-TEST_F(DBusNotificationCenterTest, TheDaemonIsAskedOnceForWhatItCan) {
-    const Daemon daemon(bus, everything);
+TEST_F(DBusNotificationCenterTest, CapabilitiesAreRequestedOnce) {
+    const Daemon daemon(bus, allCapabilities);
     start();
     center->requestAuthorization();
     for (const char* body : {"first", "second", "third"}) {

@@ -16,8 +16,8 @@ using ::testing::IsEmpty;
 
 using DBusNotificationDaemonsTest = DBusNotificationFixture;
 
-TEST_F(DBusNotificationDaemonsTest, ADaemonStartedAgainIsAskedAnewAndKnowsNothingOfBefore) {
-    auto daemon = std::make_unique<Daemon>(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, ARestartedDaemonIsAskedAgainAndOldNotificationsAreForgotten) {
+    auto daemon = std::make_unique<Daemon>(bus, allCapabilities);
     start();
     const uint before = show(*daemon);
     daemon.reset();
@@ -25,23 +25,23 @@ TEST_F(DBusNotificationDaemonsTest, ADaemonStartedAgainIsAskedAnewAndKnowsNothin
     ASSERT_TRUE(daemon->ownsItsName());
     ASSERT_TRUE(showsAgain(*daemon));
     EXPECT_EQ(daemon->calls().first(), "GetCapabilities");
-    daemon->press(before, "REVIEW");
-    pressAtLast(*daemon, before + 100);
+    daemon->invokeAction(before, "REVIEW");
+    invokeLastAction(*daemon, before + 100);
     EXPECT_THAT(responses, ElementsAre("LAST"));
 }
 
-TEST_F(DBusNotificationDaemonsTest, WithoutADaemonPostsAreLostWithoutAWord) {
+TEST_F(DBusNotificationDaemonsTest, PostsAreDroppedSilentlyWithoutADaemon) {
     start();
     center->post(content("lost"));
     ASSERT_TRUE(settle(QDBusConnection(connectionName)));
-    const Daemon daemon(bus, everything);
+    const Daemon daemon(bus, allCapabilities);
     ASSERT_TRUE(daemon.ownsItsName());
     ASSERT_TRUE(showsAgain(daemon));
     EXPECT_FALSE(daemon.bodies().contains("lost"));
 }
 
-TEST_F(DBusNotificationDaemonsTest, WithoutABusPostsAreLostWithoutAWord) {
-    const Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, PostsAreDroppedSilentlyWithoutABus) {
+    const Daemon daemon(bus, allCapabilities);
     start();
     show(daemon);
     bus.daemon().end();
@@ -56,8 +56,8 @@ TEST_F(DBusNotificationDaemonsTest, WithoutABusPostsAreLostWithoutAWord) {
     EXPECT_EQ(daemon.bodies(), QStringList({"high"}));
 }
 
-TEST_F(DBusNotificationDaemonsTest, OfManyPostsToOneThatHangsTheLastAreShownWhenItWakes) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, ADaemonThatHangsShowsTheLatestPostsWhenItResumes) {
+    Daemon daemon(bus, allCapabilities);
     daemon.holdBack("GetCapabilities");
     start();
     for (int number = 1; number <= 100; ++number) {
@@ -70,13 +70,13 @@ TEST_F(DBusNotificationDaemonsTest, OfManyPostsToOneThatHangsTheLastAreShownWhen
     EXPECT_EQ(daemon.bodies(), QStringList({"97", "98", "99", "100"}));
 }
 
-TEST_F(DBusNotificationDaemonsTest, OneThatDoesNotTellWhatItCanIsGivenUp) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, TheCapabilitiesRequestTimesOut) {
+    Daemon daemon(bus, allCapabilities);
     daemon.holdBack("GetCapabilities");
     start(std::chrono::milliseconds(50));
     center->post(content("lost"));
     ASSERT_TRUE(turnUntil([&] {
-        // Is asked again only when the first question has been given up.
+        // It is asked again only after the first request has timed out.
         if (!daemon.calls().isEmpty()) {
             center->post(content("again"));
         }
@@ -87,19 +87,19 @@ TEST_F(DBusNotificationDaemonsTest, OneThatDoesNotTellWhatItCanIsGivenUp) {
     EXPECT_FALSE(daemon.bodies().contains("lost"));
 }
 
-TEST_F(DBusNotificationDaemonsTest, OneThatHangsOverANotificationIsGivenUp) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, TheNotifyCallTimesOut) {
+    Daemon daemon(bus, allCapabilities);
     daemon.holdBack("Notify");
     start(std::chrono::milliseconds(50));
     ASSERT_TRUE(showsAgain(daemon));
-    // Is given another only when the first has been given up.
+    // It gets another one only after the first call has timed out.
     ASSERT_TRUE(showsAgain(daemon));
     daemon.releaseHeld();
     ASSERT_TRUE(showsAgain(daemon));
 }
 
-TEST_F(DBusNotificationDaemonsTest, OneThatRefusesANotificationIsNotGivenTheRest) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, ARefusalDropsTheQueue) {
+    Daemon daemon(bus, allCapabilities);
     daemon.holdBack("Notify");
     start();
     show(daemon);
@@ -111,8 +111,8 @@ TEST_F(DBusNotificationDaemonsTest, OneThatRefusesANotificationIsNotGivenTheRest
     EXPECT_FALSE(daemon.bodies().contains("lost"));
 }
 
-TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, InvalidRepliesCountAsRefusals) {
+    Daemon daemon(bus, allCapabilities);
     start();
     const auto survives = [&](const QString& method) {
         const qsizetype before = daemon.calls().count(method);
@@ -135,31 +135,31 @@ TEST_F(DBusNotificationDaemonsTest, AnswersThatAreNoneAreTakenForARefusal) {
     EXPECT_TRUE(survives("Notify"));
     daemon.answerWith({}, {});
     ASSERT_TRUE(showsAgain(daemon));
-    pressAtLast(daemon, daemon.shown().back().id);
+    invokeLastAction(daemon, daemon.shown().back().id);
     EXPECT_THAT(responses, ElementsAre("LAST"));
 }
 
-TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatHangsGoesToItsSuccessor) {
-    Daemon former(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, QueuedPostsOfAHungDaemonGoToItsSuccessor) {
+    Daemon former(bus, allCapabilities);
     former.holdBack("GetCapabilities");
     start();
     center->post(content("waits"));
     ASSERT_TRUE(turnUntil([&] { return !former.calls().isEmpty(); }));
-    const Daemon successor(bus, everything, 7, Daemon::Arrival::inPlaceOfAnother);
+    const Daemon successor(bus, allCapabilities, 7, Daemon::NameRequest::replace);
     ASSERT_TRUE(successor.ownsItsName());
     ASSERT_TRUE(turnUntil([&] { return !successor.shown().empty(); }));
     former.releaseHeld();
-    pressAtLast(successor, 7);
+    invokeLastAction(successor, 7);
     EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
     EXPECT_THAT(former.shown(), IsEmpty());
 }
 
-TEST_F(DBusNotificationDaemonsTest, WhatIsSentToOneThatHasJustEndedGoesToItsSuccessor) {
-    auto former = std::make_unique<Daemon>(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, APostToADaemonThatHasJustEndedGoesToItsSuccessor) {
+    auto former = std::make_unique<Daemon>(bus, allCapabilities);
     start();
     show(*former);
-    // No event is heard of all this before the post.
-    const Daemon successor(bus, everything, 7, Daemon::Arrival::inPlaceOfAnother);
+    // None of these events is processed before the post.
+    const Daemon successor(bus, allCapabilities, 7, Daemon::NameRequest::replace);
     ASSERT_TRUE(successor.ownsItsName());
     const QString connection = former->connection();
     former.reset();
@@ -167,13 +167,13 @@ TEST_F(DBusNotificationDaemonsTest, WhatIsSentToOneThatHasJustEndedGoesToItsSucc
     ASSERT_TRUE(untilGone(observer, connection));
     center->post(content("waits"));
     ASSERT_TRUE(turnUntil([&] { return !successor.shown().empty(); }));
-    pressAtLast(successor, 7);
+    invokeLastAction(successor, 7);
     EXPECT_EQ(successor.bodies(), QStringList({"waits"}));
     QDBusConnection::disconnectFromBus(observer.name());
 }
 
-TEST_F(DBusNotificationDaemonsTest, OneThatHasNeverReachedAnybodyIsNotSentForEver) {
-    Daemon daemon(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, AnUndeliveredPostIsRetriedOnce) {
+    Daemon daemon(bus, allCapabilities);
     daemon.refuse("Notify", "org.freedesktop.DBus.Error.ServiceUnknown");
     start();
     center->post(content("lost"));
@@ -184,18 +184,18 @@ TEST_F(DBusNotificationDaemonsTest, OneThatHasNeverReachedAnybodyIsNotSentForEve
         return daemon.bodies().contains("next");
     }));
     EXPECT_EQ(daemon.bodies().count("lost"), 2);
-    // A third time it would have been asked whether it is another one by now.
+    // A third attempt would have requested the capabilities again.
     EXPECT_EQ(daemon.calls().count("GetCapabilities"), 2);
 }
 
-TEST_F(DBusNotificationDaemonsTest, WhatWaitsForOneThatEndsIsLost) {
-    auto former = std::make_unique<Daemon>(bus, everything);
+TEST_F(DBusNotificationDaemonsTest, QueuedPostsOfADaemonThatEndsAreDropped) {
+    auto former = std::make_unique<Daemon>(bus, allCapabilities);
     former->holdBack("GetCapabilities");
     start();
     center->post(content("lost"));
     ASSERT_TRUE(turnUntil([&] { return !former->calls().isEmpty(); }));
     former.reset();
-    const Daemon successor(bus, everything);
+    const Daemon successor(bus, allCapabilities);
     ASSERT_TRUE(successor.ownsItsName());
     ASSERT_TRUE(showsAgain(successor));
     EXPECT_FALSE(successor.bodies().contains("lost"));

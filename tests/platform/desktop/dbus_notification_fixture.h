@@ -13,7 +13,7 @@
 
 namespace tallowcrest {
 
-inline const QStringList everything{"actions", "body", "body-markup", "persistence"};
+inline const QStringList allCapabilities{"actions", "body", "body-markup", "persistence"};
 inline const NotificationCategory warning{"WARNING",
                                           {{"REVIEW", "Review Cleanup"}, {"SCAN", "Scan"}}};
 
@@ -22,13 +22,13 @@ inline NotificationContent content(const std::string& body,
     return {"Load & warning", body, category, true};
 }
 
-/// What Qt warns of the owner would read on the terminal, and nothing here is to be noticed.
+/// The warnings that Qt has printed.
 inline QStringList& warnings() {
     static QStringList list;
     return list;
 }
 
-/// A centre and daemons on a bus of their own, where nothing is to be noticed.
+/// A notification center on a private bus. Expects that Qt prints no warnings.
 class DBusNotificationFixture : public testing::Test {
 protected:
     using Daemon = ScriptedNotificationDaemon;
@@ -46,9 +46,8 @@ protected:
     void SetUp() override { ASSERT_FALSE(bus.address().isEmpty()); }
     void TearDown() override { EXPECT_EQ(warnings(), QStringList()); }
 
-    void start(std::chrono::milliseconds patience = DBusNotificationCenter::defaultPatience) {
-        center =
-            std::make_unique<DBusNotificationCenter>(QDBusConnection(connectionName), patience);
+    void start(std::chrono::milliseconds timeout = DBusNotificationCenter::defaultTimeout) {
+        center = std::make_unique<DBusNotificationCenter>(QDBusConnection(connectionName), timeout);
         center->setCategories({{"OTHER", {{"WRONG", "Wrong"}}}, warning});
         center->setResponseHandler([this](const std::string& identifier) {
             responses.push_back(identifier);
@@ -56,7 +55,7 @@ protected:
         });
     }
 
-    /// Posts until one more than before is shown by `daemon`: what comes before that one was lost.
+    /// Posts repeatedly until `daemon` receives one. Posts before that one were dropped.
     bool showsAgain(const Daemon& daemon) {
         const std::size_t before = daemon.shown().size();
         return turnUntil([&] {
@@ -65,7 +64,7 @@ protected:
         });
     }
 
-    /// The number of one that is on the screen of `daemon`.
+    /// Posts a notification and returns the id that `daemon` has given it.
     uint show(const Daemon& daemon, const std::string& body = "high") {
         const std::size_t before = daemon.shown().size();
         center->post(content(body));
@@ -73,11 +72,10 @@ protected:
         return daemon.shown().empty() ? 0 : daemon.shown().back().id;
     }
 
-    /// Presses what is there, and waits until that has been heard: whatever was told before has
-    /// been heard, too.
-    void pressAtLast(const Daemon& daemon, uint id) {
+    /// Invokes an action and waits for its response. All earlier signals have arrived then too.
+    void invokeLastAction(const Daemon& daemon, uint id) {
         const std::size_t before = responses.size();
-        daemon.press(id, "LAST");
+        daemon.invokeAction(id, "LAST");
         EXPECT_TRUE(turnUntil([&] { return responses.size() > before; }));
     }
 

@@ -18,11 +18,11 @@ bool everyProcess(const ProcessSample&) {
     return true;
 }
 
-/// A real desktop with a window on it and an application on its bus.
+/// A real desktop with a window, and an application on the bus.
 class DesktopGracefulQuitTest : public testing::Test {
 protected:
     DesktopGracefulQuitTest()
-        : window({TALLOWCREST_BINARY_DIR "/tests/close_client", "own", windowHostName()}) {
+        : window({TALLOWCREST_BINARY_DIR "/tests/close_client", "own", hostName()}) {
         EXPECT_EQ(window.line(), "ready");
         EXPECT_EQ(application.greeting, "ready");
         EXPECT_TRUE(eventually([this] {
@@ -46,19 +46,19 @@ protected:
     DesktopGracefulQuit quit{everyProcess, bus.connection()};
 };
 
-TEST_F(DesktopGracefulQuitTest, AsksTheWindowsAndThenNobodyElse) {
+TEST_F(DesktopGracefulQuitTest, AsksOnlyTheWindowsIfThereAreAny) {
     EXPECT_TRUE(quit.gracefulAppQuit("Editor", {application.member(), windowsMember()}));
     EXPECT_EQ(window.line(), "asked");
     EXPECT_EQ(window.exitStatus(), 0);
 
-    // Only this second time, without a window left, is it the application's turn.
+    // The second time there is no window left, so the application is asked.
     EXPECT_TRUE(quit.gracefulAppQuit("Editor", {application.member(), windowsMember()}));
     EXPECT_EQ(application.line(), "quit");
     EXPECT_EQ(application.exitStatus(), 0);
     EXPECT_EQ(application.line(), "");
 }
 
-TEST_F(DesktopGracefulQuitTest, AsksNobodyInThePlaceOfOneThatHasEnded) {
+TEST_F(DesktopGracefulQuitTest, AsksNoOtherProcessOnceTheMemberHasEnded) {
     ASSERT_TRUE(quit.gracefulAppQuit("Editor", {windowsMember()}));
     ASSERT_EQ(window.exitStatus(), 0);
     EXPECT_FALSE(quit.gracefulAppQuit("Editor", {windowsMember()}));
@@ -89,7 +89,7 @@ TEST_F(DesktopGracefulQuitTest, FailsWhenNobodyCouldBeAsked) {
     EXPECT_TRUE(application.isRunning());
 }
 
-TEST_F(DesktopGracefulQuitTest, NoApplicationBearsASyntheticName) {
+TEST_F(DesktopGracefulQuitTest, SyntheticGroupsAreNotAsked) {
     for (const char* name : {"Developer Tools", "Electron Apps", "Node.js", "Python"}) {
         EXPECT_FALSE(quit.gracefulAppQuit(name, {application.member(), windowsMember()})) << name;
     }

@@ -42,20 +42,20 @@ private:
     QString there_ = bus.connect();
 };
 
-TEST_F(FileManagerTest, IsAskedToShowTheFileByItsAddress) {
+TEST_F(FileManagerTest, IsAskedToShowTheURLOfTheFile) {
     startFileManager();
     show("/home/owner/My Reports/50% #1 für Zoë.txt");
     ASSERT_TRUE(turnUntil([this] { return !manager.shown.isEmpty(); }));
     EXPECT_EQ(manager.shown,
               QStringList(u"file:///home/owner/My%20Reports/50%25%20%231%20f%C3%BCr%20Zo%C3%AB"
                           ".txt"_s));
-    // The next question is answered after the answer to this one.
+    // The second call is answered after the first one.
     show("/tmp/a.txt");
     ASSERT_TRUE(turnUntil([this] { return manager.shown.size() == 2; }));
     EXPECT_TRUE(opened.isEmpty());
 }
 
-TEST_F(FileManagerTest, ThatRefusesLeavesTheFolderToBeOpened) {
+TEST_F(FileManagerTest, OpensTheFolderIfTheFileManagerRefuses) {
     startFileManager();
     manager.refuses = true;
     show("/home/owner/My Reports/a.txt");
@@ -63,20 +63,20 @@ TEST_F(FileManagerTest, ThatRefusesLeavesTheFolderToBeOpened) {
     EXPECT_EQ(opened, QStringList(u"/home/owner/My Reports"_s));
 }
 
-TEST_F(FileManagerTest, WithoutOneTheFolderIsOpened) {
+TEST_F(FileManagerTest, OpensTheFolderWithoutAFileManager) {
     show("/home/owner/reports/a.txt");
     ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
     EXPECT_EQ(opened, QStringList(u"/home/owner/reports"_s));
 }
 
-TEST_F(FileManagerTest, WithoutABusTheFolderIsOpened) {
+TEST_F(FileManagerTest, OpensTheFolderAfterTheBusHasEnded) {
     bus.daemon().end();
     show("/home/owner/reports/a.txt");
     ASSERT_TRUE(turnUntil([this] { return !opened.isEmpty(); }));
     EXPECT_EQ(opened, QStringList(u"/home/owner/reports"_s));
 }
 
-TEST(FileManagerWithoutASession, LeavesTheFolderToBeOpened) {
+TEST(FileManagerOnAnUnconnectedBus, OpensTheFolder) {
     QStringList opened;
     const QString name = u"no-bus"_s;
     showInFileManager("/home/owner/reports/a.txt",

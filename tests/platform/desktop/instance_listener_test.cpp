@@ -16,7 +16,7 @@
 
 #include "platform/base/local_socket.h"
 #include "tests/platform/desktop/turn_until.h"
-#include "tests/platform/support/child_scenario.h"
+#include "tests/platform/support/test_children.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -31,7 +31,7 @@ protected:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         (place.directory + "/window.socket").copy(&address.sun_path[0], 107);
-        // Where many wait already, the listener has to take some first.
+        // When the queue is full, the listener has to accept others first.
         EXPECT_TRUE(turnUntil([&] {
             return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
                              sizeof address) == 0 ||
@@ -43,7 +43,7 @@ protected:
         return socket;
     }
 
-    /// What a caller gets until the listener hangs up.
+    /// What the peer receives until the listener closes the connection.
     static std::string answerTo(const UniqueFD& caller) {
         std::string answer;
         ssize_t count = -1;
@@ -63,15 +63,16 @@ protected:
     InstanceListener listener;
 };
 
-TEST_F(InstanceListenerTest, ARequestIsAnsweredOnceTheWindowShows) {
-    bool shows = false;
-    QObject::connect(&listener, &InstanceListener::showRequested, &listener, [&] { shows = true; });
+TEST_F(InstanceListenerTest, ARequestIsAnsweredOnceTheWindowIsShown) {
+    bool isShown = false;
+    QObject::connect(&listener, &InstanceListener::showRequested, &listener,
+                     [&] { isShown = true; });
     const UniqueFD caller = call("show\n");
     EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
-    EXPECT_TRUE(shows);
+    EXPECT_TRUE(isShown);
 }
 
-TEST_F(InstanceListenerTest, TheLeaveToComeToTheFrontIsThereForThisRequestAlone) {
+TEST_F(InstanceListenerTest, TheActivationTokenIsSetForThisRequestOnly) {
     std::vector<QByteArray> tokens;
     const auto remember = [&] { tokens.push_back(qgetenv("XDG_ACTIVATION_TOKEN")); };
     QObject::connect(&listener, &InstanceListener::showRequested, &listener, [&] {
@@ -85,23 +86,23 @@ TEST_F(InstanceListenerTest, TheLeaveToComeToTheFrontIsThereForThisRequestAlone)
     EXPECT_TRUE(turnUntil([] { return !qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"); }));
 }
 
-TEST_F(InstanceListenerTest, NonsenseIsHungUpOnAndAsksNothing) {
+TEST_F(InstanceListenerTest, InvalidDataClosesTheConnectionAndRequestsNothing) {
     QSignalSpy asked(&listener, &InstanceListener::showRequested);
     const UniqueFD caller = call("hide\n");
     EXPECT_EQ(answerTo(caller), "");
     EXPECT_EQ(asked.count(), 0);
 }
 
-TEST_F(InstanceListenerTest, SilenceIsHungUpOn) {
+TEST_F(InstanceListenerTest, SilenceClosesTheConnection) {
     const UniqueFD silent = call("");
     const UniqueFD slow = call("sho");
     EXPECT_EQ(answerTo(silent), "");
     EXPECT_EQ(answerTo(slow), "");
 }
 
-TEST_F(InstanceListenerTest, AFloodKeepsNoRequestFromItsAnswer) {
+TEST_F(InstanceListenerTest, AFloodDoesNotPreventAnAnswer) {
     QSignalSpy asked(&listener, &InstanceListener::showRequested);
-    const int before = child_scenario::openDescriptorCount();
+    const int before = openDescriptorCount();
     std::vector<UniqueFD> flood;
     for (int round = 0; round < 20; ++round) {
         for (int i = 0; i < 4; ++i) {
@@ -112,11 +113,11 @@ TEST_F(InstanceListenerTest, AFloodKeepsNoRequestFromItsAnswer) {
     const UniqueFD caller = call("show\n");
     EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
     EXPECT_EQ(asked.count(), 1);
-    // The other ends, and no more of ours than a handful.
-    EXPECT_LE(child_scenario::openDescriptorCount(), before + static_cast<int>(flood.size()) + 5);
+    // The client ends, and only a few descriptors of the listener.
+    EXPECT_LE(openDescriptorCount(), before + static_cast<int>(flood.size()) + 5);
 }
 
-TEST_F(InstanceListenerTest, ACallerMayLeaveAtAnyMoment) {
+TEST_F(InstanceListenerTest, APeerMayCloseAtAnyTime) {
     QSignalSpy asked(&listener, &InstanceListener::showRequested);
     call("");
     call("sho");
@@ -126,7 +127,7 @@ TEST_F(InstanceListenerTest, ACallerMayLeaveAtAnyMoment) {
     EXPECT_EQ(answerTo(caller), instanceAcknowledgement);
 }
 
-TEST(InstanceListener, EndsTheListeningWithItself) {
+TEST(InstanceListener, StopsListeningWhenDestroyed) {
     const TemporaryFolder folder;
     InstanceStart start = startInstance({folder.path("run"), "window"}, {});
     ASSERT_TRUE(start.guard.has_value());

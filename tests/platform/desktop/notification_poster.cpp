@@ -7,7 +7,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-#include "core/settings.h"
+#include "core/settings/settings_owner.h"
 #include "integration/warning_notifications.h"
 #include "platform/desktop/dbus_notification_center.h"
 #include "platform/desktop/qt_main_queue.h"
@@ -16,8 +16,8 @@ using namespace tallowcrest;
 
 namespace {
 
-/// Writes down which button leads through before the program's own answer to it is lost.
-class OverheardCenter final : public NotificationCenter {
+/// Prints which button was pressed before it passes the response on.
+class PrintingCenter final : public NotificationCenter {
 public:
     void setCategories(std::vector<NotificationCategory> categories) override {
         center_.setCategories(std::move(categories));
@@ -37,12 +37,14 @@ private:
     DBusNotificationCenter center_;
 };
 
-void obey(const std::string& line, WarningNotifications& notifications, Settings& settings) {
+void execute(const std::string& line, WarningNotifications& notifications,
+             SettingsOwner& settings) {
     constexpr std::string_view warn = "warn ";
     if (line.rfind(warn, 0) == 0) {
         notifications.postLoadWarning(line.substr(warn.size()));
     } else if (line == "with buttons" || line == "without buttons") {
-        settings.notificationsIncludeActions = line == "with buttons";
+        settings.set(&Settings::notificationsIncludeActions, line == "with buttons");
+        // By itself it does so a turn later, which may be behind the next command.
         notifications.registerNotificationCategories();
     } else if (line == "quit") {
         QCoreApplication::quit();
@@ -53,25 +55,25 @@ void obey(const std::string& line, WarningNotifications& notifications, Settings
 
 }  // namespace
 
-// Posts load warnings as standard input says, a command a line, and writes to standard output what
-// comes of them: the button that was pressed, then the route that it leads to.
+// Reads one command a line from standard input and posts load warnings. Prints the button that was
+// pressed, then the route it leads to.
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    OverheardCenter center;
-    Settings settings;
-    settings.notificationsIncludeActions = true;
-    WarningNotifications notifications(
-        &center, settings,
-        {[](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }, {}, {}});
-    notifications.registerNotificationCategories();
+    PrintingCenter center;
     QtMainQueue queue;
+    MemorySettingsStore store;
+    SettingsOwner settings(store, queue, "owner");
+    WarningNotifications notifications(&center, settings, [](AppRoute route) {
+        std::cout << "route " << rawValue(route) << std::endl;
+    });
+    notifications.registerNotificationCategories();
     std::thread reader([&] {
         std::string line;
         do {
             if (!std::getline(std::cin, line)) {
                 line = "quit";
             }
-            queue.post([&, line] { obey(line, notifications, settings); });
+            queue.post([&, line] { execute(line, notifications, settings); });
         } while (line != "quit");
     });
     std::cout << "ready" << std::endl;

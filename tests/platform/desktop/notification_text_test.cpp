@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-TEST(NotificationTextTest, ControlCharactersAreReplacedAndNothingElse) {
+TEST(NotificationTextTest, OnlyControlCharactersAreReplaced) {
     struct Case {
         const char* what;
         std::string text;
@@ -32,22 +32,23 @@ TEST(NotificationTextTest, ControlCharactersAreReplacedAndNothingElse) {
     }
 }
 
-TEST(NotificationTextTest, WhatIsTooLongEndsInAnEllipsisAtAWholeCharacter) {
+TEST(NotificationTextTest, LongTextIsTruncatedAtAWholeCharacter) {
     struct Case {
         const char* what;
         std::string text;
         QString shown;
     };
-    // Five units, one of them for the ellipsis.
+    // The limit is five units, including the ellipsis.
     const std::vector<Case> cases{
         {"fits", "12345", "12345"},
         {"one too many", "123456", u"1234…"_s},
         {"a pair fits", "12\U0001F600\x39\x39", u"12\U0001F600…"_s},
         {"a pair does not", "123\U0001F600\x39", u"123…"_s},
-        {"an accent of its own", "123e\u0301x", u"123…"_s},
-        {"a character longer than all the room", "e\u0301\u0301\u0301\u0301\u0301\u0301",
+        {"a combining accent", "123e\u0301x", u"123…"_s},
+        {"a character longer than the limit", "e\u0301\u0301\u0301\u0301\u0301\u0301",
          u"e\u0301\u0301\u0301…"_s},
-        {"pairs in one that is too long", "e\U0001F3FB\U0001F3FB\U0001F3FB", u"e\U0001F3FB…"_s},
+        {"pairs in a character that is too long", "e\U0001F3FB\U0001F3FB\U0001F3FB",
+         u"e\U0001F3FB…"_s},
     };
     for (const Case& each : cases) {
         EXPECT_EQ(notificationText(each.text, 5), each.shown) << each.what;
@@ -55,7 +56,7 @@ TEST(NotificationTextTest, WhatIsTooLongEndsInAnEllipsisAtAWholeCharacter) {
     EXPECT_EQ(notificationText(std::string(10'000, 'x'), 600).size(), 600);
 }
 
-TEST(NotificationTextTest, MarkupShowsLetterForLetter) {
+TEST(NotificationTextTest, MarkupIsEscaped) {
     EXPECT_EQ(asNotificationMarkup(u"<b>x</b> & \"co\" it's"_s),
               u"&lt;b&gt;x&lt;/b&gt; &amp; &quot;co&quot; it's"_s);
     EXPECT_EQ(asNotificationMarkup(u"&amp;"_s), u"&amp;amp;"_s);

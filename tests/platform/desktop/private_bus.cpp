@@ -12,9 +12,9 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr int patience = 20'000;
+constexpr int timeout = 20'000;
 
-/// The command that starts a bus of which everything is kept in `folder`.
+/// The command that starts a bus with its files in `folder`.
 std::vector<std::string> commandIn(const TemporaryFolder& folder, const std::string& services) {
     const std::string servicesElement =
         services.empty() ? "" : "<servicedir>" + services + "</servicedir>";
@@ -43,13 +43,13 @@ QString PrivateBus::connect() const {
 
 bool settle(const QDBusConnection& connection) {
     const QString bus = u"org.freedesktop.DBus"_s;
-    const QDBusMessage question =
+    const QDBusMessage request =
         QDBusMessage::createMethodCall(bus, u"/org/freedesktop/DBus"_s, bus, u"GetId"_s);
-    return connection.call(question, QDBus::Block, patience).type() == QDBusMessage::ReplyMessage;
+    return connection.call(request, QDBus::Block, timeout).type() == QDBusMessage::ReplyMessage;
 }
 
 bool untilGone(const QDBusConnection& observer, const QString& name) {
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(timeout);
     while (observer.interface()->isServiceRegistered(name).value()) {
         if (deadline.hasExpired()) {
             return false;

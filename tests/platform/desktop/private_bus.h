@@ -10,15 +10,15 @@
 
 namespace tallowcrest {
 
-/// A message bus of a test's own.
+/// A message bus for one test.
 class PrivateBus {
 public:
-    /// It starts the services that are described in the folder `services`, and without one none.
+    /// Activates the services described in the folder `services`; none if that is empty.
     explicit PrivateBus(const std::string& services = {});
 
-    /// Empty when it did not start.
+    /// Empty when the bus did not start.
     const QString& address() const { return address_; }
-    /// A new connection; the name that Qt keeps it under until `disconnectFromBus`.
+    /// Opens a connection and returns its name in Qt, valid until `disconnectFromBus`.
     QString connect() const;
     StartedProgram& daemon() { return daemon_; }
 
@@ -28,10 +28,10 @@ private:
     QString address_;
 };
 
-/// Whatever `connection` has sent before is done with by the bus, and passed on, when this returns.
+/// Waits until the bus has processed and passed on everything that `connection` has sent.
 bool settle(const QDBusConnection& connection);
 
-/// Waits until nobody on the bus of `observer` bears this name, without hearing any event.
+/// Waits until no client on the bus of `observer` owns the name, without processing events.
 bool untilGone(const QDBusConnection& observer, const QString& name);
 
 }  // namespace tallowcrest

@@ -15,7 +15,7 @@
 
 namespace tallowcrest {
 
-/// The session's bus for the programs that a test starts, and a connection to it.
+/// The session bus for the programs that a test starts, and a connection to it.
 class TestSessionBus : public PrivateBus {
 public:
     explicit TestSessionBus(const std::string& services = {}) : PrivateBus(services) {
@@ -36,7 +36,7 @@ private:
 
 inline constexpr const char* applicationName = "org.example.Quitting-App";
 
-/// The application of quit_action_service.py. Ready when it is built, if its next line says so.
+/// The application in quit_action_service.py. `greeting` is "ready" if it has started.
 class TestApplication : public StartedProgram {
 public:
     explicit TestApplication(const std::string& behaviour,
@@ -44,7 +44,7 @@ public:
                              const std::string& name = applicationName)
         : StartedProgram(commandFor(name, behaviour, otherNames)), greeting(line()) {}
 
-    /// As the sample would tell of it.
+    /// The process as in a sample.
     ProcessSample member() const {
         ProcessSample sample;
         sample.pid = pid();
@@ -58,7 +58,7 @@ private:
     static std::vector<std::string> commandFor(const std::string& name,
                                                const std::string& behaviour,
                                                const std::vector<std::string>& otherNames) {
-        // The system's own Python is the one that has the bindings for D-Bus.
+        // The system's Python has the bindings for D-Bus.
         std::vector<std::string> command{"/usr/bin/python3", "-B",
                                          TALLOWCREST_SOURCE_DIR
                                          "/tests/platform/desktop/quit_action_service.py",

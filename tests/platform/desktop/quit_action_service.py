@@ -1,8 +1,8 @@
-"""An application on the session bus for the tests to ask to quit.
+"""An application on the session bus that the tests ask to quit.
 
 quit_action_service.py NAME BEHAVIOUR [OTHER_NAME]
 
-Says "ready" once it stands on the bus, and "quit" each time that its action is called.
+Prints "ready" once it is on the bus, and "quit" each time its action is called.
 """
 
 import os
@@ -19,8 +19,8 @@ APPLICATION = """<interface name="org.freedesktop.Application"><method name="Act
   <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
 </method></interface>"""
 
-# What an application that speaks for itself answers: to List, to Describe, to the call.
-ODD = {
+# The replies of an application with its own implementation: to List, to Describe, to the call.
+CUSTOM = {
     "lists-text": (("s", "quit"), ("(bgav)", (True, "", [])), None),
     "lists-numbers": (("au", [1, 2]), ("(bgav)", (True, "", [])), None),
     "describes-text": (("as", ["quit"]), ("s", "enabled"), None),
@@ -40,7 +40,7 @@ def path_of(name):
 
 
 class Application:
-    """One that the desktop's own library puts on the bus."""
+    """An application based on the usual library."""
 
     def __init__(self, name, behaviour):
         self.behaviour = behaviour
@@ -60,7 +60,7 @@ class Application:
 
     def quit(self, _action, _parameter):
         say("quit")
-        if self.behaviour == "asks-its-owner":
+        if self.behaviour == "asks-its-user":
             time.sleep(3600)
         elif self.behaviour == "ends-at-once":
             os._exit(0)
@@ -71,12 +71,12 @@ class Application:
         self.application.run([])
 
 
-class OddApplication:
-    """One that answers as it likes."""
+class CustomApplication:
+    """An application with its own implementation of the interfaces."""
 
     def __init__(self, name, behaviour):
         self.name = name
-        self.answers = ODD.get(behaviour)
+        self.answers = CUSTOM.get(behaviour)
 
     def called(self, _connection, _sender, _path, _interface, method, _arguments, invocation):
         listed, described, error = self.answers
@@ -111,8 +111,8 @@ def main():
     name, behaviour = sys.argv[1:3]
     for other in sys.argv[3:]:
         own(Gio.bus_get_sync(Gio.BusType.SESSION), other)
-    is_odd = behaviour in ODD or behaviour == "bare"
-    (OddApplication if is_odd else Application)(name, behaviour).run()
+    is_custom = behaviour in CUSTOM or behaviour == "bare"
+    (CustomApplication if is_custom else Application)(name, behaviour).run()
 
 
 main()

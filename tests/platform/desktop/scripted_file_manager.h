@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-/// A file manager on the bus that shows nothing and remembers what it was to show.
+/// A fake file manager that records what it is asked to show.
 class ScriptedFileManager final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
@@ -19,7 +19,7 @@ public:
     bool refuses = false;
 
 public slots:
-    // The protocol's own name.
+    // The method name of the D-Bus interface.
     void ShowItems(const QStringList& addresses, const QString& /*startup*/) {
         if (refuses) {
             sendErrorReply(QDBusError::Failed, u"not today"_s);

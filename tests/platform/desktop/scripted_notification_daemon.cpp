@@ -25,14 +25,14 @@ QDBusMessage signalNamed(const char* name, const QString& destination = {}) {
 
 ScriptedNotificationDaemon::ScriptedNotificationDaemon(const PrivateBus& bus,
                                                        QStringList capabilities, uint firstId,
-                                                       Arrival arrival)
+                                                       NameRequest request)
     : name_(bus.connect()), bus_(name_), capabilities_(std::move(capabilities)), nextId_(firstId) {
     if (!bus_.isConnected() || !bus_.registerVirtualObject(path, this)) {
         return;
     }
     ownsItsName_ =
         bus_.interface()->registerService(service,
-                                          arrival == Arrival::inPlaceOfAnother
+                                          request == NameRequest::replace
                                               ? QDBusConnectionInterface::ReplaceExistingService
                                               : QDBusConnectionInterface::DontQueueService,
                                           QDBusConnectionInterface::AllowReplacement) ==
@@ -69,8 +69,8 @@ void ScriptedNotificationDaemon::refuse(const QString& method, const QString& er
     refusal_ = error;
 }
 
-void ScriptedNotificationDaemon::press(uint id, const QString& key) const {
-    tellPress(bus_, id, key);
+void ScriptedNotificationDaemon::invokeAction(uint id, const QString& key) const {
+    sendActionInvoked(bus_, id, key);
 }
 
 void ScriptedNotificationDaemon::giveToken(uint id, const QString& token) const {
@@ -124,8 +124,8 @@ QVariant ScriptedNotificationDaemon::answerTo(const QDBusMessage& message) const
     return message.member() == "Notify"_L1 ? QVariant(shown_.back().id) : QVariant(capabilities_);
 }
 
-void tellPress(const QDBusConnection& from, uint id, const QString& key,
-               const QString& destination) {
+void sendActionInvoked(const QDBusConnection& from, uint id, const QString& key,
+                       const QString& destination) {
     QDBusMessage signal = signalNamed("ActionInvoked", destination);
     signal << id << key;
     from.send(signal);

@@ -13,10 +13,10 @@
 
 namespace tallowcrest {
 
-/// A notification daemon that shows nothing and does what a test says.
+/// A fake notification daemon that a test controls.
 class ScriptedNotificationDaemon final : public QDBusVirtualObject {
 public:
-    enum class Arrival { whereNoneIs, inPlaceOfAnother };
+    enum class NameRequest { claim, replace };
 
     struct Notification {
         uint id = 0;
@@ -31,28 +31,28 @@ public:
         int expiry = 0;
     };
 
-    /// Its notifications are numbered from `firstId`.
+    /// Notification ids start at `firstId`.
     ScriptedNotificationDaemon(const PrivateBus& bus, QStringList capabilities, uint firstId = 1,
-                               Arrival arrival = Arrival::whereNoneIs);
-    /// Leaves the bus, and its name to the next.
+                               NameRequest request = NameRequest::claim);
+    /// Releases the name and disconnects.
     ~ScriptedNotificationDaemon() override;
 
     bool ownsItsName() const { return ownsItsName_; }
-    /// The name that is this connection's alone.
+    /// The unique name of its connection.
     QString connection() const { return bus_.baseService(); }
     const QStringList& calls() const { return calls_; }
-    /// What it was given to show, whether or not it has answered.
+    /// The notifications it has received, answered or not.
     const std::vector<Notification>& shown() const { return shown_; }
     QStringList bodies() const;
 
-    /// Answers to `method` are held back from now on; empty: to none.
+    /// Holds back replies to `method` from now on; empty holds back none.
     void holdBack(const QString& method) { heldMethod_ = method; }
     void releaseHeld();
-    /// Answers this to `method`, whatever its form.
+    /// Replies `answer` to `method`, even if it has the wrong type.
     void answerWith(const QString& method, const QVariant& answer);
     void refuse(const QString& method, const QString& error = "org.tallowcrest.test.Refused");
 
-    void press(uint id, const QString& key) const;
+    void invokeAction(uint id, const QString& key) const;
     void giveToken(uint id, const QString& token) const;
     void close(uint id) const;
 
@@ -78,8 +78,8 @@ private:
     QVariant scriptedAnswer_;
 };
 
-/// What a daemon tells when a button is pressed, from whomever; to all, or to `destination` alone.
-void tellPress(const QDBusConnection& from, uint id, const QString& key,
-               const QString& destination = {});
+/// Sends the signal of an invoked action from any client, to all or only to `destination`.
+void sendActionInvoked(const QDBusConnection& from, uint id, const QString& key,
+                       const QString& destination = {});
 
 }  // namespace tallowcrest

@@ -12,18 +12,18 @@ namespace tallowcrest {
 namespace {
 
 constexpr auto trayName = "org.kde.StatusNotifierWatcher";
-constexpr int patience = 20'000;
-constexpr std::chrono::milliseconds shortGrace{50};
+constexpr int timeout = 20'000;
+constexpr std::chrono::milliseconds shortGracePeriod{50};
 
-/// The test's own tray, on a bus of its own: the first session bus that Qt is asked for stays the
-/// process's only one, so every case starts from the same.
+/// A fake tray. All tests use one bus, because Qt keeps the first session bus for the lifetime of
+/// the process.
 class Tray {
 public:
     Tray() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "tray")) {}
     ~Tray() { QDBusConnection::disconnectFromBus("tray"); }
 
     bool appear() { return bus_.registerService(trayName); }
-    bool leave() { return bus_.unregisterService(trayName); }
+    bool disappear() { return bus_.unregisterService(trayName); }
 
 private:
     QDBusConnection bus_;
@@ -35,55 +35,55 @@ protected:
         bus = new QProcess;
         bus->start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address=1",
                                    "--address=unix:tmpdir=/tmp"});
-        ASSERT_TRUE(bus->waitForReadyRead(patience)) << bus->errorString().toStdString();
+        ASSERT_TRUE(bus->waitForReadyRead(timeout)) << bus->errorString().toStdString();
         qputenv("DBUS_SESSION_BUS_ADDRESS", bus->readLine().trimmed());
     }
     static void TearDownTestSuite() {
         bus->kill();
-        bus->waitForFinished(patience);
+        bus->waitForFinished(timeout);
         delete bus;
     }
 
     static inline QProcess* bus = nullptr;
 };
 
-TEST_F(TrayHostWatchTest, OneThatNeverWasIsNotLost) {
-    TrayHostWatch watch(nullptr, shortGrace);
+TEST_F(TrayHostWatchTest, ATrayThatNeverExistedIsNotLost) {
+    TrayHostWatch watch(nullptr, shortGracePeriod);
     QSignalSpy lost(&watch, &TrayHostWatch::lost);
     EXPECT_FALSE(lost.wait(100));
     EXPECT_FALSE(watch.isLost());
 }
 
-TEST_F(TrayHostWatchTest, OneThatLeavesIsLostAfterAGraceAndFoundAgain) {
+TEST_F(TrayHostWatchTest, ATrayThatDisappearsIsLostAfterTheGracePeriodAndFoundAgain) {
     Tray tray;
     ASSERT_TRUE(tray.appear());
-    TrayHostWatch watch(nullptr, shortGrace);
+    TrayHostWatch watch(nullptr, shortGracePeriod);
     QSignalSpy lost(&watch, &TrayHostWatch::lost);
-    ASSERT_TRUE(tray.leave());
-    ASSERT_TRUE(lost.wait(patience));
+    ASSERT_TRUE(tray.disappear());
+    ASSERT_TRUE(lost.wait(timeout));
     EXPECT_TRUE(watch.isLost());
     ASSERT_TRUE(tray.appear());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !watch.isLost(); }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !watch.isLost(); }, timeout));
     EXPECT_EQ(lost.count(), 1);
 }
 
-TEST_F(TrayHostWatchTest, OneThatIsBackInTimeWasNeverGone) {
+TEST_F(TrayHostWatchTest, ATrayThatReturnsInTimeIsNotLost) {
     Tray tray;
     ASSERT_TRUE(tray.appear());
-    TrayHostWatch watch(nullptr, shortGrace);
+    TrayHostWatch watch(nullptr, shortGracePeriod);
     QSignalSpy lost(&watch, &TrayHostWatch::lost);
-    ASSERT_TRUE(tray.leave());
+    ASSERT_TRUE(tray.disappear());
     ASSERT_TRUE(tray.appear());
     EXPECT_FALSE(lost.wait(1000));
     EXPECT_FALSE(watch.isLost());
 }
 
-// Last, as nothing comes back to this process afterwards.
-TEST_F(TrayHostWatchTest, TheEndOfTheBusIsTheEndOfTheTray) {
-    TrayHostWatch watch(nullptr, shortGrace);
+// The last test, because Qt does not reconnect.
+TEST_F(TrayHostWatchTest, LosingTheBusLosesTheTray) {
+    TrayHostWatch watch(nullptr, shortGracePeriod);
     QSignalSpy lost(&watch, &TrayHostWatch::lost);
     bus->kill();
-    ASSERT_TRUE(lost.wait(patience));
+    ASSERT_TRUE(lost.wait(timeout));
     EXPECT_TRUE(watch.isLost());
     EXPECT_EQ(lost.count(), 1);
 }

@@ -6,9 +6,9 @@
 
 namespace tallowcrest {
 
-/// Turns Qt's loop until `isSo`; false when it is not so before a generous limit.
-inline bool turnUntil(const std::function<bool()>& isSo) {
-    return QTest::qWaitFor(isSo, 20'000);
+/// Runs Qt's event loop until `condition` holds; false if it does not within a generous time limit.
+inline bool turnUntil(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, 20'000);
 }
 
 }  // namespace tallowcrest

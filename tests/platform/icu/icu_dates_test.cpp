@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/utf8.h"
+#include "core/text.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/icu/utc_offset.h"
 
@@ -42,6 +42,10 @@ std::string timeOfDay(const Locale& locale, double unixSeconds) {
     return withPlainBlanks(locale.timeOfDay(Date::fromUnixSeconds(unixSeconds)));
 }
 
+std::string hoursAndMinutes(const Locale& locale, double unixSeconds) {
+    return withPlainBlanks(locale.hoursAndMinutes(Date::fromUnixSeconds(unixSeconds)));
+}
+
 constexpr double january = 1'799'966'712.0;  // 2027-01-14 22:45:12 UTC
 
 struct Form {
@@ -49,22 +53,24 @@ struct Form {
     std::int64_t offset;
     std::string dateAndTime;
     std::string timeOfDay;
+    std::string hoursAndMinutes;
 };
 
 TEST(IcuDates, HaveTheFormOfTheCountry) {
     for (const Form& form : std::vector<Form>{
-             {"en_US", 0, "1/14/2027, 10:45 PM", "10:45:12 PM"},
-             {"en_US", -8 * hour, "1/14/2027, 2:45 PM", "2:45:12 PM"},
-             {"en_US", 2 * hour, "1/15/2027, 12:45 AM", "12:45:12 AM"},
-             {"en_GB", 0, "14/01/2027, 22:45", "22:45:12"},
-             {"de_DE", hour, "14.1.2027, 23:45", "23:45:12"},
-             {"de_DE", -8 * hour, "14.1.2027, 14:45", "14:45:12"},
-             {"ja_JP", 9 * hour, "2027/1/15 7:45", "7:45:12"},
-             {"ja_JP", -8 * hour, "2027/1/14 14:45", "14:45:12"},
+             {"en_US", 0, "1/14/2027, 10:45 PM", "10:45:12 PM", "10:45 PM"},
+             {"en_US", -8 * hour, "1/14/2027, 2:45 PM", "2:45:12 PM", "2:45 PM"},
+             {"en_US", 2 * hour, "1/15/2027, 12:45 AM", "12:45:12 AM", "12:45 AM"},
+             {"en_GB", 0, "14/01/2027, 22:45", "22:45:12", "22:45"},
+             {"de_DE", hour, "14.1.2027, 23:45", "23:45:12", "23:45"},
+             {"de_DE", -8 * hour, "14.1.2027, 14:45", "14:45:12", "14:45"},
+             {"ja_JP", 9 * hour, "2027/1/15 7:45", "7:45:12", "7:45"},
+             {"ja_JP", -8 * hour, "2027/1/14 14:45", "14:45:12", "14:45"},
          }) {
         const IcuLocale locale(everythingOf(form.locale), always(form.offset));
         EXPECT_EQ(dateAndTime(locale, january), form.dateAndTime) << form.locale;
         EXPECT_EQ(timeOfDay(locale, january), form.timeOfDay) << form.locale;
+        EXPECT_EQ(hoursAndMinutes(locale, january), form.hoursAndMinutes) << form.locale;
     }
 }
 
@@ -99,16 +105,30 @@ TEST(IcuDates, OutsideTheCalendarAreUnknown) {
                                      1e12, -1e12, 1e300, -1e300, 253402300800.0, -62135596801.0}) {
             EXPECT_EQ(locale.dateAndTime(Date::fromUnixSeconds(seconds)), Locale::unknownDate);
             EXPECT_EQ(locale.timeOfDay(Date::fromUnixSeconds(seconds)), Locale::unknownDate);
+            EXPECT_EQ(locale.hoursAndMinutes(Date::fromUnixSeconds(seconds)), Locale::unknownDate);
+            EXPECT_EQ(locale.localDay(Date::fromUnixSeconds(seconds)), 0);
         }
         for (const double seconds : {253402300799.0, -62135596800.0, 0.0, 4e9, -4e9}) {
-            for (const std::string& text : {locale.dateAndTime(Date::fromUnixSeconds(seconds)),
-                                            locale.timeOfDay(Date::fromUnixSeconds(seconds))}) {
+            for (const std::string& text :
+                 {locale.dateAndTime(Date::fromUnixSeconds(seconds)),
+                  locale.timeOfDay(Date::fromUnixSeconds(seconds)),
+                  locale.hoursAndMinutes(Date::fromUnixSeconds(seconds))}) {
                 EXPECT_NE(text, "");
                 EXPECT_NE(text, Locale::unknownDate);
                 EXPECT_TRUE(isValidUTF8(text));
                 EXPECT_EQ(text.find_first_of("\t\n\r"), std::string::npos);
             }
         }
+    }
+}
+
+TEST(IcuDates, DayIsThatOfLocalTime) {
+    constexpr std::int64_t fourteenth = 20'832;  // 2027-01-14 in days since 1970-01-01
+    for (const auto& [offset, day] :
+         {std::pair{std::int64_t{0}, fourteenth}, std::pair{-12 * hour, fourteenth},
+          std::pair{2 * hour, fourteenth + 1}, std::pair{-23 * hour, fourteenth - 1}}) {
+        const IcuLocale locale(everythingOf("th_TH"), always(offset));
+        EXPECT_EQ(locale.localDay(Date::fromUnixSeconds(january)), day) << offset;
     }
 }
 

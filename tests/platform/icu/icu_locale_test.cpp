@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/utf8.h"
+#include "core/text.h"
 #include "tests/support/locale_checks.h"
 
 namespace tallowcrest {

@@ -1,5 +1,5 @@
-// The guard between real processes. Children are forked from a process without other threads, so
-// they may do everything.
+// The guard between real processes. The test has no other threads, so forked children may call any
+// function.
 
 #include "platform/instance/instance_guard.h"
 
@@ -31,18 +31,18 @@ using testing::HasSubstr;
 using Outcome = InstanceStart::Outcome;
 using std::chrono::milliseconds;
 
-/// Answers every request there is, as the window program does.
+/// Answers every request, as the window program does.
 [[noreturn]] void serve(InstanceGuard& guard, const std::string& tokenFile) {
     while (true) {
-        pollfd knock{guard.listener(), POLLIN, 0};
-        ::poll(&knock, 1, -1);
+        pollfd waiting{guard.listener(), POLLIN, 0};
+        ::poll(&waiting, 1, -1);
         std::optional<InstancePeer> peer;
-        if (guard.accept(peer) != InstanceGuard::Arrival::peer) {
+        if (guard.accept(peer) != InstanceGuard::Accepted::peer) {
             continue;
         }
         pollfd message{peer->descriptor(), POLLIN, 0};
         ::poll(&message, 1, 1000);
-        if (peer->read() == InstancePeer::State::asked) {
+        if (peer->read() == InstancePeer::State::requested) {
             const UniqueFD file(::open(tokenFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600));
             const std::string& token = peer->request().activationToken;
             if (::write(file.get(), token.data(), token.size()) ==
@@ -63,12 +63,12 @@ protected:
     InstanceStart start(const InstanceRequest& request = {}) const {
         return startInstance(place, request, {milliseconds(20'000), milliseconds(20'000)});
     }
-    /// For those who will get no answer.
-    InstanceStart startImpatiently() const {
+    /// For starts that will get no answer.
+    InstanceStart startWithShortTimeouts() const {
         return startInstance(place, {}, {milliseconds(200), milliseconds(200)});
     }
 
-    /// Another process that is the instance already.
+    /// Another process that already is the instance.
     std::unique_ptr<TestChild> otherInstance() const {
         auto child = std::make_unique<TestChild>([this] {
             InstanceStart other = start();
@@ -88,7 +88,7 @@ protected:
     InstancePlace place;
 };
 
-TEST_F(InstanceGuardTest, TheFirstStartIsTheInstanceAndItsFilesAreItsOwn) {
+TEST_F(InstanceGuardTest, TheFirstStartIsTheInstanceAndItsFilesArePrivate) {
     const InstanceStart first = start();
     ASSERT_EQ(first.outcome, Outcome::first);
     EXPECT_EQ(first.message, "");
@@ -118,22 +118,22 @@ TEST_F(InstanceGuardTest, AnotherPlaceIsAnotherInstance) {
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, WhatAKilledInstanceLeavesIsNoObstacle) {
+TEST_F(InstanceGuardTest, FilesLeftByAKilledInstanceDoNotMatter) {
     otherInstance()->end();
     ASSERT_EQ(::access(socketPath().c_str(), F_OK), 0);
     ASSERT_EQ(::access(lockPath().c_str(), F_OK), 0);
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, AnEndedInstanceMakesRoom) {
+TEST_F(InstanceGuardTest, AStartAfterAnEndedInstanceIsTheFirst) {
     { const InstanceStart first = start(); }
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, AHungInstanceIsReportedAndNotDoubled) {
+TEST_F(InstanceGuardTest, AHungInstanceIsReportedAndStaysTheOnlyOne) {
     const auto other = otherInstance();
     ASSERT_EQ(::kill(other->pid(), SIGSTOP), 0);
-    const InstanceStart second = startImpatiently();
+    const InstanceStart second = startWithShortTimeouts();
     EXPECT_EQ(second.outcome, Outcome::noAnswer);
     EXPECT_FALSE(second.guard.has_value());
     EXPECT_THAT(second.message, HasSubstr("process " + std::to_string(other->pid())));
@@ -142,7 +142,7 @@ TEST_F(InstanceGuardTest, AHungInstanceIsReportedAndNotDoubled) {
     EXPECT_EQ(start().outcome, Outcome::handedOver);
 }
 
-TEST_F(InstanceGuardTest, OneThatNoLongerListensIsWaitedForUntilItEnds) {
+TEST_F(InstanceGuardTest, WaitsForAnInstanceThatNoLongerListensToEnd) {
     const TestChild ending([this] {
         InstanceStart other = start();
         other.guard->stopListening();
@@ -152,32 +152,30 @@ TEST_F(InstanceGuardTest, OneThatNoLongerListensIsWaitedForUntilItEnds) {
         }
     });
     ASSERT_TRUE(eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
-    EXPECT_EQ(startImpatiently().outcome, Outcome::noAnswer);
-    const TestChild permission([this] {
+    EXPECT_EQ(startWithShortTimeouts().outcome, Outcome::noAnswer);
+    const TestChild ender([this] {
         ::poll(nullptr, 0, 100);
         const UniqueFD end(::open(folder.path("end").c_str(), O_WRONLY | O_CREAT, 0600));
     });
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, WhoeverLockedButAnswersWrongIsNotBelieved) {
+TEST_F(InstanceGuardTest, AWrongAnswerCountsAsNoAnswer) {
     const InstanceStart first = start();
-    const TestChild liar([&first] {
+    const TestChild pretender([&first] {
         while (true) {
-            pollfd knock{first.guard->listener(), POLLIN, 0};
-            ::poll(&knock, 1, -1);
+            pollfd waiting{first.guard->listener(), POLLIN, 0};
+            ::poll(&waiting, 1, -1);
             const UniqueFD socket = local_socket::accept(first.guard->listener());
             local_socket::send(socket.get(), "SHOWN\n and much more\n");
         }
     });
-    EXPECT_EQ(startImpatiently().outcome, Outcome::noAnswer);
+    EXPECT_EQ(startWithShortTimeouts().outcome, Outcome::noAnswer);
 }
 
-// Callers --------------------------------------------------------------------------------------
-
-class InstanceCallers : public InstanceGuardTest {
+class InstancePeerTest : public InstanceGuardTest {
 protected:
-    InstanceCallers() : first(start()) {}
+    InstancePeerTest() : first(start()) {}
 
     UniqueFD call(std::string_view text) const {
         UniqueFD socket = local_socket::open();
@@ -195,44 +193,44 @@ protected:
 
     InstancePeer accepted() {
         std::optional<InstancePeer> peer;
-        EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Arrival::peer);
+        EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Accepted::peer);
         return peer ? std::move(*peer) : InstancePeer(UniqueFD());
     }
 
     InstanceStart first;
 };
 
-TEST_F(InstanceCallers, AnotherUserIsTurnedAway) {
+TEST_F(InstancePeerTest, RefusesAnotherUser) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only the superuser can play another user";
     }
-    // The files' modes would keep a stranger out; this is about what happens behind them.
+    // Opens the permissions that would already keep another user out.
     ASSERT_EQ(::chmod(folder.path(".").c_str(), 0711), 0);
     ASSERT_EQ(::chmod(place.directory.c_str(), 0711), 0);
     ASSERT_EQ(::chmod(socketPath().c_str(), 0666), 0);
-    const TestChild stranger([this] {
+    const TestChild otherUser([this] {
         constexpr uid_t nobody = 65534;
         if (::setuid(nobody) == 0) {
             const UniqueFD caller = call("show\n");
             ::pause();
         }
     });
-    pollfd knock{first.guard->listener(), POLLIN, 0};
-    ASSERT_EQ(::poll(&knock, 1, 20'000), 1);
+    pollfd waiting{first.guard->listener(), POLLIN, 0};
+    ASSERT_EQ(::poll(&waiting, 1, 20'000), 1);
     std::optional<InstancePeer> peer;
-    EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Arrival::nobody);
+    EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Accepted::nothing);
     EXPECT_FALSE(peer.has_value());
     const UniqueFD own = call("show\n");
-    EXPECT_EQ(accepted().read(), InstancePeer::State::asked);
+    EXPECT_EQ(accepted().read(), InstancePeer::State::requested);
 }
 
-TEST_F(InstanceCallers, NobodyIsNotWaitedFor) {
+TEST_F(InstancePeerTest, AcceptDoesNotBlockWithoutAPeer) {
     std::optional<InstancePeer> peer;
-    EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Arrival::nobody);
+    EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Accepted::nothing);
     EXPECT_FALSE(peer.has_value());
 }
 
-TEST_F(InstanceCallers, NonsenseIsRefused) {
+TEST_F(InstancePeerTest, RefusesInvalidData) {
     for (const std::string& text :
          {std::string("nonsense\n"), std::string("show\nshow\n"), std::string(60'000, 'x'),
           std::string("show ") + std::string(60'000, 'x')}) {
@@ -241,7 +239,7 @@ TEST_F(InstanceCallers, NonsenseIsRefused) {
     }
 }
 
-TEST_F(InstanceCallers, SilenceIsIncompleteAndLeavingIsRefused) {
+TEST_F(InstancePeerTest, NoDataIsIncompleteAndClosingIsRefused) {
     UniqueFD caller = call("");
     InstancePeer peer = accepted();
     EXPECT_EQ(peer.read(), InstancePeer::State::incomplete);
@@ -249,14 +247,14 @@ TEST_F(InstanceCallers, SilenceIsIncompleteAndLeavingIsRefused) {
     EXPECT_EQ(peer.read(), InstancePeer::State::refused);
 }
 
-TEST_F(InstanceCallers, ARequestMayComeInPieces) {
+TEST_F(InstancePeerTest, ARequestMayComeInPieces) {
     const UniqueFD caller = call("sho");
     InstancePeer peer = accepted();
     EXPECT_EQ(peer.read(), InstancePeer::State::incomplete);
     ASSERT_EQ(local_socket::send(caller.get(), "w a"), 3);
     EXPECT_EQ(peer.read(), InstancePeer::State::incomplete);
     ASSERT_EQ(local_socket::send(caller.get(), "b\n"), 2);
-    ASSERT_EQ(peer.read(), InstancePeer::State::asked);
+    ASSERT_EQ(peer.read(), InstancePeer::State::requested);
     EXPECT_EQ(peer.request().activationToken, "ab");
     peer.acknowledge();
     std::string answer(instanceAcknowledgement.size() + 1, '\0');
@@ -265,16 +263,16 @@ TEST_F(InstanceCallers, ARequestMayComeInPieces) {
     EXPECT_EQ(answer, instanceAcknowledgement);
 }
 
-TEST_F(InstanceCallers, AnAcknowledgementToNobodyIsNoSignal) {
+TEST_F(InstancePeerTest, AcknowledgingAClosedPeerRaisesNoSignal) {
     UniqueFD caller = call("show\n");
     InstancePeer peer = accepted();
-    ASSERT_EQ(peer.read(), InstancePeer::State::asked);
+    ASSERT_EQ(peer.read(), InstancePeer::State::requested);
     caller.reset();
     peer.acknowledge();
     EXPECT_EQ(peer.read(), InstancePeer::State::refused);
 }
 
-TEST_F(InstanceCallers, AreTakenEvenWhenNoMoreFilesMayBeOpened) {
+TEST_F(InstancePeerTest, IsAcceptedEvenAtTheDescriptorLimit) {
     const UniqueFD caller = call("show\n");
     const UniqueFD waiting = call("show\n");
     rlimit before{};
@@ -291,15 +289,13 @@ TEST_F(InstanceCallers, AreTakenEvenWhenNoMoreFilesMayBeOpened) {
     peer.reset();
     const auto three = first.guard->accept(other);
     ::setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_EQ(one, InstanceGuard::Arrival::peer);
-    EXPECT_EQ(two, InstanceGuard::Arrival::later);
-    EXPECT_EQ(said, InstancePeer::State::asked);
-    EXPECT_EQ(three, InstanceGuard::Arrival::peer);
+    EXPECT_EQ(one, InstanceGuard::Accepted::peer);
+    EXPECT_EQ(two, InstanceGuard::Accepted::postponed);
+    EXPECT_EQ(said, InstancePeer::State::requested);
+    EXPECT_EQ(three, InstanceGuard::Accepted::peer);
 }
 
-// Places ---------------------------------------------------------------------------------------
-
-TEST_F(InstanceGuardTest, APathThatNoAddressHoldsServesAllTheSame) {
+TEST_F(InstanceGuardTest, APathLongerThanASocketAddressWorks) {
     place.directory = folder.path(std::string(120, 'a') + '/' + std::string(120, 'b'));
     const auto other = otherInstance();
     EXPECT_EQ(start({"far"}).outcome, Outcome::handedOver);
@@ -308,7 +304,7 @@ TEST_F(InstanceGuardTest, APathThatNoAddressHoldsServesAllTheSame) {
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, ADirectoryThatCannotBeMadeLeavesTheStartUnguarded) {
+TEST_F(InstanceGuardTest, ADirectoryThatCannotBeCreatedLeavesTheStartUnguarded) {
     for (const std::string& directory :
          {std::string("/proc/tallowcrest"), folder.file("file", "", 0600),
           folder.path("file") + "/below", std::string()}) {
@@ -330,7 +326,7 @@ TEST_F(InstanceGuardTest, ADirectoryWhereOthersMayWriteIsNotTrusted) {
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
-TEST_F(InstanceGuardTest, ALinkInTheLocksPlaceIsNotFollowed) {
+TEST_F(InstanceGuardTest, ALinkInPlaceOfTheLockIsNotFollowed) {
     ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
     const std::string target = folder.path("target");
     ASSERT_EQ(::symlink(target.c_str(), lockPath().c_str()), 0);
@@ -338,14 +334,14 @@ TEST_F(InstanceGuardTest, ALinkInTheLocksPlaceIsNotFollowed) {
     EXPECT_NE(::access(target.c_str(), F_OK), 0);
 }
 
-TEST_F(InstanceGuardTest, SomethingElseInTheSocketsPlaceLeavesTheStartUnguarded) {
+TEST_F(InstanceGuardTest, ADirectoryInPlaceOfTheSocketLeavesTheStartUnguarded) {
     ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
     ASSERT_EQ(::mkdir(socketPath().c_str(), 0700), 0);
     EXPECT_EQ(start().outcome, Outcome::unguarded);
     EXPECT_THAT(start().message, HasSubstr(socketPath() + ": "));
 }
 
-TEST_F(InstanceGuardTest, AStartThatWasNotToldOfTheRuntimeDirectoryFindsTheOneThatWas) {
+TEST_F(InstanceGuardTest, AStartWithoutARuntimeDirectoryFindsAnInstanceThatHasOne) {
     const std::string runtime = folder.path("run");
     ASSERT_EQ(::mkdir(runtime.c_str(), 0700), 0);
     const std::string data = folder.path("data");
@@ -354,9 +350,9 @@ TEST_F(InstanceGuardTest, AStartThatWasNotToldOfTheRuntimeDirectoryFindsTheOneTh
     const auto other = otherInstance();
     for (const std::string& unusable :
          {std::string(), std::string("run"), folder.path("missing")}) {
-        const InstancePlace untold = instancePlace({unusable, data, "here", runtime});
-        EXPECT_EQ(untold.directory, place.directory) << unusable;
-        EXPECT_EQ(startInstance(untold, {}).outcome, Outcome::handedOver) << unusable;
+        const InstancePlace found = instancePlace({unusable, data, "here", runtime});
+        EXPECT_EQ(found.directory, place.directory) << unusable;
+        EXPECT_EQ(startInstance(found, {}).outcome, Outcome::handedOver) << unusable;
     }
     EXPECT_EQ(instanceEnvironment(data).usualRuntimeDirectory,
               "/run/user/" + std::to_string(::geteuid()));

@@ -20,25 +20,25 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(InstancePlaceTest, TheFilesLieInTheRuntimeDirectoryNamedAfterTheDataDirectory) {
+TEST_F(InstancePlaceTest, IsInTheRuntimeDirectoryAndNamedAfterTheDataDirectory) {
     const std::string runtime = folder.path("run");
     ASSERT_EQ(::mkdir(runtime.c_str(), 0700), 0);
     InstanceEnvironment environment{runtime, folder.path("data"), "here"};
     const InstancePlace one = instancePlace(environment);
     EXPECT_EQ(one.directory, runtime + "/tallowcrest");
-    // Another machine has another runtime directory; a name of its own is not needed.
+    // Another machine has another runtime directory, so the name need not differ.
     environment.machineName = "there";
     EXPECT_EQ(instancePlace(environment).name, one.name);
     environment.dataDirectory = folder.path("other");
     EXPECT_NE(instancePlace(environment).name, one.name);
-    // Another spelling of the first.
+    // A link to the first directory.
     ASSERT_EQ(::mkdir(folder.path("data").c_str(), 0700), 0);
     ASSERT_EQ(::symlink(folder.path("data").c_str(), folder.path("link").c_str()), 0);
     environment.dataDirectory = folder.path("link");
     EXPECT_EQ(instancePlace(environment).name, one.name);
 }
 
-TEST_F(InstancePlaceTest, WithoutARuntimeDirectoryOfOurOwnTheyLieInTheDataDirectory) {
+TEST_F(InstancePlaceTest, IsInTheDataDirectoryWithoutAnOwnRuntimeDirectory) {
     for (const std::string& runtime : {std::string(), std::string("run/user"),
                                        folder.path("missing"), folder.file("file", "", 0600)}) {
         const InstancePlace here = instancePlace({runtime, "/data", "here"});
@@ -48,7 +48,7 @@ TEST_F(InstancePlaceTest, WithoutARuntimeDirectoryOfOurOwnTheyLieInTheDataDirect
     EXPECT_EQ(instancePlace({"", "", "here"}).directory, "");
 }
 
-TEST_F(InstancePlaceTest, TheUsualRuntimeDirectoryIsUsedOnlyWhenItIsThisUsersAlone) {
+TEST_F(InstancePlaceTest, UsesTheUsualRuntimeDirectoryOnlyIfItIsPrivate) {
     const std::string usual = folder.path("usual");
     EXPECT_EQ(instancePlace({"", "/data", "here", usual}).directory, "/data") << "not there";
     ASSERT_EQ(::mkdir(usual.c_str(), 0700), 0);
@@ -63,7 +63,7 @@ TEST_F(InstancePlaceTest, TheUsualRuntimeDirectoryIsUsedOnlyWhenItIsThisUsersAlo
     }
 }
 
-TEST_F(InstancePlaceTest, AnotherUsersRuntimeDirectoryIsLeftAlone) {
+TEST_F(InstancePlaceTest, DoesNotUseAnotherUsersRuntimeDirectory) {
     const std::string foreign = folder.path("foreign");
     ASSERT_EQ(::mkdir(foreign.c_str(), 0700), 0);
     if (::chown(foreign.c_str(), ::geteuid() + 1, static_cast<gid_t>(-1)) != 0) {

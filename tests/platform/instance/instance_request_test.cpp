@@ -12,7 +12,7 @@ std::string tokenOf(std::size_t length) {
     return std::string(length, 't');
 }
 
-TEST(InstanceRequest, ReadsWhatAStartSends) {
+TEST(InstanceRequest, ParsesWhatAStartSends) {
     for (const std::string& token :
          {std::string(), std::string("a"), std::string("gnome-shell/Tallowcrest/12-0-host_TIME99"),
           std::string("token with blanks "), std::string("~!\"'\\$(id)"), tokenOf(1018)}) {
@@ -25,7 +25,7 @@ TEST(InstanceRequest, ReadsWhatAStartSends) {
     }
 }
 
-TEST(InstanceRequest, LeavesOutATokenThatNoMessageCanCarry) {
+TEST(InstanceRequest, OmitsATokenThatCannotBeSent) {
     for (const std::string& token :
          {tokenOf(1019), std::string("two\nlines"), std::string("tab\t"), std::string("\xC3\xA4"),
           std::string("\x7F"), std::string("zero\0", 5)}) {
@@ -33,7 +33,7 @@ TEST(InstanceRequest, LeavesOutATokenThatNoMessageCanCarry) {
     }
 }
 
-TEST(InstanceRequest, EveryBeginningOfAGoodOneIsIncomplete) {
+TEST(InstanceRequest, EveryPrefixOfAValidRequestIsIncomplete) {
     const std::string text = instanceRequestText({"token 1"});
     for (std::size_t length = 0; length < text.size(); ++length) {
         EXPECT_TRUE(
@@ -69,7 +69,7 @@ TEST(InstanceRequest, RefusesEverythingElse) {
     }
 }
 
-TEST(InstanceRequest, NoMoreThanTheLongestIsEverWaitedFor) {
+TEST(InstanceRequest, NoMoreThanTheMaximumSizeIsEverAwaited) {
     EXPECT_TRUE(std::holds_alternative<IncompleteRequest>(
         parseInstanceRequest("show " + tokenOf(longestInstanceRequest - 6))));
     EXPECT_TRUE(std::holds_alternative<MalformedRequest>(

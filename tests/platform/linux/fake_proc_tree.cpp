@@ -28,7 +28,7 @@ ProcfsClocks FakeProcTree::clocks() {
     return {[this] { return monotonic; }, [this] { return sinceBoot; }, {}};
 }
 
-ProcfsClocks FakeProcTree::clocksOfProcesses() {
+ProcfsClocks FakeProcTree::clocksWithProcessTimes() {
     ProcfsClocks result = clocks();
     result.processTime = [this](std::int32_t pid) {
         ++clockReadings[pid];

@@ -36,7 +36,7 @@ int statusOf(pid_t child) {
 Run run(Procfs procfs, const std::function<int()>& work) {
     const pid_t outer = ::fork();
     if (outer == 0) {
-        // With the first process of a namespace all others of it end.
+        // When process 1 of a namespace ends, the kernel kills all others in it.
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (::unshare(CLONE_NEWPID) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWPID) != 0) {
             ::_exit(noNamespace);
@@ -50,7 +50,7 @@ Run run(Procfs procfs, const std::function<int()>& work) {
     }
     switch (const int status = statusOf(outer)) {
         case noNamespace:
-            return {false, "this account may not make a namespace of process numbers", -1};
+            return {false, "this account may not create a pid namespace", -1};
         case noProcfs:
             return {false, "this account may not mount a /proc for its namespace", -1};
         case endedBySignal:
@@ -60,10 +60,10 @@ Run run(Procfs procfs, const std::function<int()>& work) {
     }
 }
 
-pid_t startAs(pid_t number, const std::function<int()>& work) {
+pid_t startAs(pid_t pid, const std::function<int()>& work) {
     clone_args arguments{};
     arguments.exit_signal = SIGCHLD;
-    arguments.set_tid = reinterpret_cast<std::uintptr_t>(&number);
+    arguments.set_tid = reinterpret_cast<std::uintptr_t>(&pid);
     arguments.set_tid_size = 1;
     const long child = ::syscall(SYS_clone3, &arguments, sizeof arguments);
     if (child == 0) {
@@ -75,7 +75,7 @@ pid_t startAs(pid_t number, const std::function<int()>& work) {
     return static_cast<pid_t>(child);
 }
 
-void bury(pid_t child) {
+void killAndWait(pid_t child) {
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
 }

@@ -23,16 +23,14 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/linux/watched_child.h"
-#include "tests/platform/support/child_scenario.h"
 #include "tests/platform/support/refused_call.h"
 #include "tests/platform/support/test_children.h"
 
-/// Real processes, signalled or not.
+/// Tests with real processes.
 namespace tallowcrest {
 namespace {
 
 using Outcome = TerminationResult::Outcome;
-using child_scenario::openDescriptorCount;
 
 constexpr std::uint64_t unknownStart = 0;
 
@@ -66,7 +64,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatIgnoresTheRequestLivesOn) {
             EXPECT_EQ(held->terminate().outcome, Outcome::asked);
         }
     }
-    EXPECT_TRUE(child_scenario::isRunning(child.pid()));
+    EXPECT_TRUE(isRunning(child.pid()));
 }
 
 TEST_F(PidfdProcessControlTest, NothingButTermIsSent) {
@@ -82,14 +80,14 @@ TEST_F(PidfdProcessControlTest, NothingButTermIsSent) {
     EXPECT_TRUE(child.isUnharmed());
 }
 
-TEST_F(PidfdProcessControlTest, LettingGoSendsNothing) {
+TEST_F(PidfdProcessControlTest, ReleasingSendsNothing) {
     const WatchedChild child;
     control.hold(child.pid(), startTimeOf(child.pid())).reset();
     EXPECT_EQ(child.pending(), noSignal);
     EXPECT_TRUE(child.isUnharmed());
 }
 
-TEST_F(PidfdProcessControlTest, AnUnknownStartTimeStandsForWhoeverBearsTheNumber) {
+TEST_F(PidfdProcessControlTest, AnUnknownStartTimeMatchesAnyProcessWithThePID) {
     const WatchedChild child;
     EXPECT_EQ(control.hold(child.pid(), unknownStart)->terminate().outcome, Outcome::asked);
     EXPECT_EQ(child.pending(), termOnly);
@@ -109,7 +107,7 @@ TEST_F(PidfdProcessControlTest, AnotherStartTimeIsAnotherProcess) {
     EXPECT_TRUE(child.isUnharmed());
 }
 
-TEST_F(PidfdProcessControlTest, OneThatWasGoneBeforeTheHold) {
+TEST_F(PidfdProcessControlTest, AProcessThatEndedBeforeTheHold) {
     WatchedChild child;
     const pid_t pid = child.pid();
     const std::uint64_t started = startTimeOf(pid);
@@ -120,14 +118,14 @@ TEST_F(PidfdProcessControlTest, OneThatWasGoneBeforeTheHold) {
     }
 }
 
-TEST_F(PidfdProcessControlTest, OneThatEndsBetweenTheHoldAndTheSignal) {
+TEST_F(PidfdProcessControlTest, AProcessThatEndsBetweenTheHoldAndTheSignal) {
     WatchedChild child;
     const auto held = control.hold(child.pid(), startTimeOf(child.pid()));
     child.end();
     EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
 }
 
-/// The kernel takes signals for a zombie and drops them; its number is still its own.
+/// The kernel accepts and drops signals to a zombie, which still owns its pid.
 TEST_F(PidfdProcessControlTest, AZombie) {
     WatchedChild child;
     const std::uint64_t started = startTimeOf(child.pid());
@@ -142,8 +140,8 @@ TEST_F(PidfdProcessControlTest, AZombie) {
     EXPECT_EQ(heldDead->terminate(), (TerminationResult{Outcome::refused, ""}));
 }
 
-/// Some process that this account may not signal.
-std::optional<pid_t> processOfSomebodyElse() {
+/// Any process that this account may not signal.
+std::optional<pid_t> processOfAnotherAccount() {
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const std::string name = entry.path().filename().string();
         if (name.find_first_not_of("0123456789") == std::string::npos) {
@@ -156,7 +154,7 @@ std::optional<pid_t> processOfSomebodyElse() {
     return std::nullopt;
 }
 
-/// The outcome for an account that may not signal the process, as a number.
+/// The numeric outcome for an account that may not signal the process.
 std::optional<int> outcomeForNobody(pid_t pid, std::uint64_t startTime) {
     return statusOfChild([=] {
         constexpr uid_t nobody = 65534;
@@ -175,9 +173,9 @@ TEST_F(PidfdProcessControlTest, AProcessOfAnotherAccount) {
     if (::geteuid() == 0) {
         other = child.emplace().pid();
     } else {
-        other = processOfSomebodyElse();
+        other = processOfAnotherAccount();
     }
-    ASSERT_TRUE(other) << "every process here is this account's own";
+    ASSERT_TRUE(other) << "every process belongs to this account";
     const std::uint64_t started = startTimeOf(*other);
     EXPECT_EQ(outcomeForNobody(*other, started), static_cast<int>(Outcome::refused));
     EXPECT_EQ(outcomeForNobody(*other, unknownStart), static_cast<int>(Outcome::refused));
@@ -189,8 +187,8 @@ TEST_F(PidfdProcessControlTest, AProcessOfAnotherAccount) {
     }
 }
 
-/// Keeping this process out of the lists is the callers' business.
-TEST_F(PidfdProcessControlTest, TheCallingProcessIsNoExceptionHere) {
+/// Excluding this process is the responsibility of the caller.
+TEST_F(PidfdProcessControlTest, TheCallingProcessIsNotExempt) {
     const BlockedSignals inheritedByTheChild;
     const auto status = statusOfChild([] {
         const pid_t own = ::getpid();
@@ -200,7 +198,7 @@ TEST_F(PidfdProcessControlTest, TheCallingProcessIsNoExceptionHere) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(PidfdProcessControlTest, TheNumberOfAThreadIsThatOfNoProcess) {
+TEST_F(PidfdProcessControlTest, AThreadIDIsNotAPID) {
     const BlockedSignals inheritedByChildAndThread;
     const auto status = statusOfChild([] {
         std::mutex lock;
@@ -259,10 +257,10 @@ TEST_F(PidfdProcessControlTest, KeepsOneDescriptorThatNoChildInherits) {
     EXPECT_EQ(openDescriptorCount(), before);
 }
 
-TEST_F(PidfdProcessControlTest, WithoutADescriptorToSpare) {
+TEST_F(PidfdProcessControlTest, WithoutAFreeDescriptor) {
     const WatchedChild child;
     const auto status = statusOfChild([&child] {
-        // A sanitizer takes a descriptor of its own for its first look at an object of a class.
+        // A sanitizer opens a descriptor when it first checks an object of a class.
         PidfdProcessControl().hold(child.pid(), unknownStart);
         const int lowestFree = ::dup(STDERR_FILENO);
         ::close(lowestFree);
@@ -299,7 +297,7 @@ TEST_F(PidfdProcessControlTest, AKernelWithoutTheCallsSignalsNobody) {
     EXPECT_TRUE(child.isUnharmed());
 }
 
-TEST_F(PidfdProcessControlTest, EachHeldProcessIsItsOwn) {
+TEST_F(PidfdProcessControlTest, HeldProcessesAreIndependent) {
     std::vector<WatchedChild> children(3);
     std::vector<std::unique_ptr<HeldProcess>> held;
     for (const WatchedChild& child : children) {

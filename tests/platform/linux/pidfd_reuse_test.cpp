@@ -17,24 +17,24 @@
 #include "tests/platform/linux/pid_namespace.h"
 #include "tests/platform/linux/watched_child.h"
 
-/// Process numbers that go to another process while the first one is under review. The numbers are
-/// those of a namespace, where they can be given out again at once.
+/// Pids that are reused by another process while the first one is under review. In a pid namespace
+/// they can be reused immediately.
 namespace tallowcrest {
 namespace {
 
 using Outcome = TerminationResult::Outcome;
 
-/// What the first process of the namespace counts, in memory that it shares with the test.
+/// Counts of process 1 of the namespace, in memory shared with the test.
 struct Tally {
     int rounds = 0;
-    int sameNumber = 0;         ///< the later process bears the number of the reviewed one
+    int sameNumber = 0;         ///< the later process has the pid of the reviewed one
     int blocked = 0;            ///< results for the reviewed process
     int wrongSignals = 0;       ///< rounds in which the later process was sent anything
-    int asked = 0;              ///< results for the later process, held in its own right
-    int delivered = 0;          ///< which was then sent TERM and nothing else
-    int knownStartTimes = 0;    ///< rounds with the start time that the process table told
+    int asked = 0;              ///< results for the later process itself
+    int delivered = 0;          ///< rounds in which that was sent only SIGTERM
+    int knownStartTimes = 0;    ///< rounds with a start time from the process table
     int unknownStartTimes = 0;  ///< rounds without one
-    int zombies = 0;            ///< rounds in which it had ended, not yet waited for, at the hold
+    int zombies = 0;            ///< rounds in which it was a zombie when held
 };
 
 class SharedTally {
@@ -57,84 +57,84 @@ private:
     void* memory_;
 };
 
-constexpr pid_t number = 4242;
+constexpr pid_t reusedPID = 4242;
 
-/// What went wrong before there was anything to count.
-enum Trouble : int { none = 0, noSuchNumber = 1, noStartTime = 2, mayNotChooseNumbers = 3 };
+/// What prevented the test from counting.
+enum Failure : int { none = 0, noSuchPID = 1, noStartTime = 2, mayNotChoosePIDs = 3 };
 
-/// Asks the process that was held to quit while a later one bears its number, and then that one.
-void judge(HeldProcess& reviewed, std::uint64_t laterStartTime, Tally& tally) {
+/// Terminates the held process while a later one has its pid, and then that one.
+void terminateBoth(HeldProcess& reviewed, std::uint64_t laterStartTime, Tally& tally) {
     const Outcome outcome = reviewed.terminate().outcome;
     tally.blocked += outcome == Outcome::blocked ? 1 : 0;
-    tally.wrongSignals += pendingSignals(number) != noSignal ? 1 : 0;
+    tally.wrongSignals += pendingSignals(reusedPID) != noSignal ? 1 : 0;
 
     PidfdProcessControl control;
     tally.asked +=
-        control.hold(number, laterStartTime)->terminate().outcome == Outcome::asked ? 1 : 0;
-    tally.delivered += pendingSignals(number) == termOnly ? 1 : 0;
+        control.hold(reusedPID, laterStartTime)->terminate().outcome == Outcome::asked ? 1 : 0;
+    tally.delivered += pendingSignals(reusedPID) == termOnly ? 1 : 0;
     ++tally.rounds;
 }
 
-Trouble reuseAfterTheHold(int rounds, Tally& tally) {
+Failure reuseAfterTheHold(int rounds, Tally& tally) {
     const BlockedSignals inheritedByAll;
     PidfdProcessControl control;
     for (int round = 0; round < rounds; ++round) {
         const bool isStartKnown = round % 2 == 0;
         const bool isZombie = round % 4 >= 2;
-        if (pid_namespace::startAs(number) != number) {
-            return errno == EPERM ? mayNotChooseNumbers : noSuchNumber;
+        if (pid_namespace::startAs(reusedPID) != reusedPID) {
+            return errno == EPERM ? mayNotChoosePIDs : noSuchPID;
         }
-        const std::uint64_t startTime = isStartKnown ? startTimeOf(number) : 0;
+        const std::uint64_t startTime = isStartKnown ? startTimeOf(reusedPID) : 0;
         if (isStartKnown && startTime == 0) {
             return noStartTime;
         }
         if (isZombie) {
             siginfo_t info{};
-            ::kill(number, SIGKILL);
-            ::waitid(P_PID, static_cast<id_t>(number), &info, WEXITED | WNOWAIT);
+            ::kill(reusedPID, SIGKILL);
+            ::waitid(P_PID, static_cast<id_t>(reusedPID), &info, WEXITED | WNOWAIT);
         }
-        const auto held = control.hold(number, startTime);
-        pid_namespace::bury(number);
-        const pid_t later = pid_namespace::startAs(number);
-        tally.sameNumber += later == number ? 1 : 0;
+        const auto held = control.hold(reusedPID, startTime);
+        pid_namespace::killAndWait(reusedPID);
+        const pid_t later = pid_namespace::startAs(reusedPID);
+        tally.sameNumber += later == reusedPID ? 1 : 0;
         ++(isStartKnown ? tally.knownStartTimes : tally.unknownStartTimes);
         tally.zombies += isZombie ? 1 : 0;
-        judge(*held, isStartKnown ? startTimeOf(number) : 0, tally);
-        pid_namespace::bury(number);
+        terminateBoth(*held, isStartKnown ? startTimeOf(reusedPID) : 0, tally);
+        pid_namespace::killAndWait(reusedPID);
     }
     return none;
 }
 
-Trouble reuseBeforeTheHold(int rounds, Tally& tally) {
+Failure reuseBeforeTheHold(int rounds, Tally& tally) {
     const BlockedSignals inheritedByAll;
     PidfdProcessControl control;
     for (int round = 0; round < rounds; ++round) {
-        if (pid_namespace::startAs(number) != number) {
-            return errno == EPERM ? mayNotChooseNumbers : noSuchNumber;
+        if (pid_namespace::startAs(reusedPID) != reusedPID) {
+            return errno == EPERM ? mayNotChoosePIDs : noSuchPID;
         }
-        const std::uint64_t startTime = startTimeOf(number);
-        pid_namespace::bury(number);
+        const std::uint64_t startTime = startTimeOf(reusedPID);
+        pid_namespace::killAndWait(reusedPID);
         if (startTime == 0) {
             return noStartTime;
         }
-        // Born within the same tick they could not be told apart, and no number comes around again
-        // that fast by itself.
+        // Started within the same tick, the two could not be told apart. Normally no pid is reused
+        // that fast.
         std::uint64_t laterStartTime = 0;
         do {
             if (laterStartTime != 0) {
-                pid_namespace::bury(number);
+                pid_namespace::killAndWait(reusedPID);
             }
-            if (pid_namespace::startAs(number) != number) {
-                return noSuchNumber;
+            if (pid_namespace::startAs(reusedPID) != reusedPID) {
+                return noSuchPID;
             }
-            laterStartTime = startTimeOf(number);
+            laterStartTime = startTimeOf(reusedPID);
             if (laterStartTime == 0) {
                 return noStartTime;
             }
         } while (laterStartTime == startTime);
         ++tally.sameNumber;
-        judge(*control.hold(number, startTime), laterStartTime, tally);
-        pid_namespace::bury(number);
+        terminateBoth(*control.hold(reusedPID, startTime), laterStartTime, tally);
+        pid_namespace::killAndWait(reusedPID);
     }
     return none;
 }
@@ -155,7 +155,7 @@ void recordTally(const Tally& tally) {
     testing::Test::RecordProperty("delivered", tally.delivered);
 }
 
-TEST(PidfdReuse, ALaterProcessWithTheSameNumberIsNeverSignalled) {
+TEST(PidfdReuse, ALaterProcessWithTheSamePIDIsNeverSignalled) {
     constexpr int rounds = 1000;
     const SharedTally shared;
     const auto run = pid_namespace::run(pid_namespace::Procfs::own,
@@ -163,8 +163,8 @@ TEST(PidfdReuse, ALaterProcessWithTheSameNumberIsNeverSignalled) {
     if (!run.isPossible) {
         GTEST_SKIP() << run.reason;
     }
-    if (run.status == mayNotChooseNumbers) {
-        GTEST_SKIP() << "this account may not choose process numbers";
+    if (run.status == mayNotChoosePIDs) {
+        GTEST_SKIP() << "this account may not choose pids";
     }
     ASSERT_EQ(run.status, none);
     const Tally& tally = shared.get();
@@ -175,7 +175,7 @@ TEST(PidfdReuse, ALaterProcessWithTheSameNumberIsNeverSignalled) {
     recordTally(tally);
 }
 
-TEST(PidfdReuse, AProcessThatTookTheNumberBeforeTheHoldIsNeverSignalled) {
+TEST(PidfdReuse, AProcessThatReusedThePIDBeforeTheHoldIsNeverSignalled) {
     constexpr int rounds = 100;
     const SharedTally shared;
     const auto run = pid_namespace::run(pid_namespace::Procfs::own,
@@ -183,16 +183,16 @@ TEST(PidfdReuse, AProcessThatTookTheNumberBeforeTheHoldIsNeverSignalled) {
     if (!run.isPossible) {
         GTEST_SKIP() << run.reason;
     }
-    if (run.status == mayNotChooseNumbers) {
-        GTEST_SKIP() << "this account may not choose process numbers";
+    if (run.status == mayNotChoosePIDs) {
+        GTEST_SKIP() << "this account may not choose pids";
     }
     ASSERT_EQ(run.status, none);
     expectNoWrongSignal(shared.get(), rounds);
     recordTally(shared.get());
 }
 
-/// Waits for the end of what `gate` gives, and then looks at what was sent to the calling process.
-int wasAskedToQuit(int gate) {
+/// Waits until `gate` is closed, and returns whether SIGTERM is pending for the calling process.
+int isTermPending(int gate) {
     char byte = 0;
     while (::read(gate, &byte, 1) > 0) {
     }
@@ -201,8 +201,8 @@ int wasAskedToQuit(int gate) {
     return ::sigismember(&pending, SIGTERM);
 }
 
-TEST(PidfdReuse, NumbersReadOutsideOfTheNamespaceAreNotSignalled) {
-    enum Finding : int { unharmed = 0, wasSignalled, wasNotBlocked, noSuchProcess, notAllowed };
+TEST(PidfdReuse, PIDsOfAnotherNamespaceAreNotSignalled) {
+    enum Result : int { unharmed = 0, wasSignalled, wasNotBlocked, noSuchProcess, notAllowed };
     const WatchedChild outside;
     const std::uint64_t outsideStartTime = startTimeOf(outside.pid());
     ASSERT_NE(outsideStartTime, 0U);
@@ -212,10 +212,10 @@ TEST(PidfdReuse, NumbersReadOutsideOfTheNamespaceAreNotSignalled) {
         if (::pipe(gate.data()) != 0) {
             return noSuchProcess;
         }
-        // `/proc` tells of the process outside under the number of this one.
+        // `/proc` shows the process outside under this pid.
         const pid_t inside = pid_namespace::startAs(outside.pid(), [&gate] {
             ::close(gate[1]);
-            return wasAskedToQuit(gate[0]);
+            return isTermPending(gate[0]);
         });
         if (inside != outside.pid()) {
             return errno == EPERM ? notAllowed : noSuchProcess;
@@ -235,7 +235,7 @@ TEST(PidfdReuse, NumbersReadOutsideOfTheNamespaceAreNotSignalled) {
         GTEST_SKIP() << run.reason;
     }
     if (run.status == notAllowed) {
-        GTEST_SKIP() << "this account may not choose process numbers";
+        GTEST_SKIP() << "this account may not choose pids";
     }
     EXPECT_EQ(run.status, unharmed);
     EXPECT_EQ(outside.pending(), noSignal);

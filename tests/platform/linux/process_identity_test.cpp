@@ -24,7 +24,7 @@ ProcessSample sampleOf(std::int64_t pid, std::uint64_t startTime) {
 
 class ProcessIdentity : public testing::Test {
 protected:
-    /// One process, 4242, that began at tick 777.
+    /// Writes process 4242, which started at tick 777.
     void put(const std::string& name, char state) {
         FakeProcess process;
         process.name = name;
@@ -39,7 +39,7 @@ protected:
     FakeProcTree tree;
 };
 
-TEST_F(ProcessIdentity, IsNumberAndStartTime) {
+TEST_F(ProcessIdentity, IsPIDAndStartTime) {
     put("editor", 'S');
     EXPECT_TRUE(isSame(4242, 777));
     EXPECT_FALSE(isSame(4242, 776));
@@ -47,25 +47,25 @@ TEST_F(ProcessIdentity, IsNumberAndStartTime) {
     EXPECT_FALSE(isSame(4243, 777));
 }
 
-TEST_F(ProcessIdentity, AnUnknownStartTimeStandsForWhoeverBearsTheNumber) {
+TEST_F(ProcessIdentity, AnUnknownStartTimeMatchesAnyProcessWithThePID) {
     EXPECT_FALSE(isSame(4242, 0));
     put("editor", 'R');
     EXPECT_TRUE(isSame(4242, 0));
 }
 
-TEST_F(ProcessIdentity, EndsWithTheProcessAlthoughNobodyHasWaitedForIt) {
+TEST_F(ProcessIdentity, DoesNotMatchAZombie) {
     put("editor", 'Z');
     EXPECT_FALSE(isSame(4242, 777));
     EXPECT_FALSE(isSame(4242, 0));
 }
 
-TEST_F(ProcessIdentity, ANameMayHoldWhatLooksLikeTheRest) {
+TEST_F(ProcessIdentity, ANameMayLookLikeTheRestOfTheLine) {
     put("a) Z 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 555 (b", 'S');
     EXPECT_TRUE(isSame(4242, 777));
     EXPECT_FALSE(isSame(4242, 555));
 }
 
-TEST_F(ProcessIdentity, NumbersThatNoProcessHasAreNobody) {
+TEST_F(ProcessIdentity, InvalidPIDsMatchNothing) {
     put("editor", 'S');
     for (const std::int64_t pid :
          {std::int64_t{0}, std::int64_t{-1}, std::int64_t{-4242}, std::int64_t{2147483648},
@@ -76,15 +76,15 @@ TEST_F(ProcessIdentity, NumbersThatNoProcessHasAreNobody) {
     }
 }
 
-TEST_F(ProcessIdentity, WithoutAReadableFileIsNobody) {
+TEST_F(ProcessIdentity, AnUnreadableFileMatchesNothing) {
     EXPECT_FALSE(isSame(4242, 777));
     tree.putStatText(4242, "4242 (editor) S 1 4242");
     EXPECT_FALSE(isSame(4242, 777));
     EXPECT_FALSE(isSame(4242, 0));
 }
 
-// The table of processes is where samples come from.
-TEST(IdentityOfARealProcess, IsTheOneOfItsSample) {
+// Samples come from the process table.
+TEST(IdentityOfARealProcess, MatchesItsSample) {
     TestChild child([] { waitForever(); });
     ProcfsProcessTable table(ProcfsMachine::current());
     std::optional<ProcessSample> row;

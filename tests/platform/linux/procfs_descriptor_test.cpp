@@ -3,14 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/linux/procfs_process_table_fixture.h"
+#include "tests/platform/linux/fake_proc_tree.h"
+#include "tests/platform/support/test_children.h"
 
 namespace tallowcrest {
 namespace {
@@ -18,6 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::IsEmpty;
 
+/// Lowers the limit of open files during its lifetime.
 class DescriptorLimit {
 public:
     explicit DescriptorLimit(rlim_t limit) {
@@ -33,15 +34,6 @@ private:
     rlimit before_{};
 };
 
-std::size_t openDescriptors() {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++count;
-    }
-    return count - 1;  // the listing's own
-}
-
 class ProcfsDescriptorTest : public ProcfsProcessTableTest {
 protected:
     void putProcesses(std::int64_t count) {
@@ -51,7 +43,7 @@ protected:
         }
     }
 
-    /// Whether every process has a row with the load of half a core over the next 4 seconds.
+    /// Expects each process to have a row with the load of half a core over the next 4 seconds.
     void expectHalfACoreEach(std::int64_t count) {
         tree.advance(4s);
         for (std::int64_t pid = 1; pid <= count; ++pid) {
@@ -69,40 +61,40 @@ protected:
 TEST_F(ProcfsDescriptorTest, OneDescriptorPerProcessStaysOpen) {
     const DescriptorLimit limit(1024);
     putProcesses(50);
-    const std::size_t before = openDescriptors();
+    const int before = openDescriptorCount();
     EXPECT_EQ(table.readProcesses().size(), 50U);
-    EXPECT_EQ(openDescriptors(), before + 51) << "the directory, and one for each process";
+    EXPECT_EQ(openDescriptorCount(), before + 51) << "the directory, and one for each process";
 
     for (std::int64_t pid = 1; pid <= 20; ++pid) {
         tree.remove(pid);
     }
     EXPECT_EQ(table.readProcesses().size(), 30U);
-    EXPECT_EQ(openDescriptors(), before + 31);
+    EXPECT_EQ(openDescriptorCount(), before + 31);
 }
 
-TEST_F(ProcfsDescriptorTest, AReserveIsLeftToTheRestOfTheProgram) {
+TEST_F(ProcfsDescriptorTest, LeavesAReserveToTheRestOfTheProgram) {
     putProcesses(200);
-    const std::size_t before = openDescriptors();
+    const int before = openDescriptorCount();
     const DescriptorLimit limit(128);
 
     EXPECT_EQ(table.readProcesses().size(), 200U);
 
-    EXPECT_EQ(openDescriptors(), before + 1 + 64);
+    EXPECT_EQ(openDescriptorCount(), before + 1 + 64);
     expectHalfACoreEach(200);
-    EXPECT_EQ(openDescriptors(), before + 1 + 64);
+    EXPECT_EQ(openDescriptorCount(), before + 1 + 64);
 }
 
 TEST_F(ProcfsDescriptorTest, KeepsNothingOpenUnderATinyLimit) {
     putProcesses(20);
-    const std::size_t before = openDescriptors();
+    const int before = openDescriptorCount();
     const DescriptorLimit limit(40);
 
     EXPECT_EQ(table.readProcesses().size(), 20U);
-    EXPECT_EQ(openDescriptors(), before + 1);
+    EXPECT_EQ(openDescriptorCount(), before + 1);
     expectHalfACoreEach(20);
 }
 
-/// Takes descriptors until there are no more.
+/// Opens descriptors until the limit is reached.
 std::vector<UniqueFD> takeAllDescriptors() {
     std::vector<UniqueFD> taken;
     for (;;) {
@@ -114,7 +106,7 @@ std::vector<UniqueFD> takeAllDescriptors() {
     }
 }
 
-TEST_F(ProcfsDescriptorTest, GivesDescriptorsBackWhenNoneAreLeft) {
+TEST_F(ProcfsDescriptorTest, ClosesDescriptorsWhenNoneAreLeft) {
     putProcesses(100);
     const DescriptorLimit limit(256);
     EXPECT_EQ(table.readProcesses().size(), 100U);
@@ -137,7 +129,7 @@ TEST_F(ProcfsDescriptorTest, LeavesRowsOutWhenThereIsNoDescriptorAtAll) {
     std::vector<ProcessSample> rows;
     std::vector<ProcessSample> unopenedRows;
     {
-        // Judged afterwards: a sanitizer needs a descriptor for its own checks.
+        // Compared afterwards, because a sanitizer needs a descriptor for its checks.
         const std::vector<UniqueFD> taken = takeAllDescriptors();
         rows = table.readProcesses();
         ProcfsProcessTable unopened(tree.machine(), tree.clocks());
@@ -148,9 +140,9 @@ TEST_F(ProcfsDescriptorTest, LeavesRowsOutWhenThereIsNoDescriptorAtAll) {
     EXPECT_EQ(table.readProcesses().size(), 1U);
 }
 
-TEST_F(ProcfsDescriptorTest, ACommandThatWasAMakeshiftIsSettledLater) {
-    // With room for a single file more, the row can be kept open, and then there is none left for
-    // the command.
+TEST_F(ProcfsDescriptorTest, ACommandThatCouldNotBeReadIsReadLater) {
+    // With a single descriptor left, the `stat` file is kept open, and none remains for reading the
+    // arguments.
     const DescriptorLimit limit(256);
     tree.put(1, {});
     tree.putCommandLine(1, "/usr/sbin/daemon");

@@ -29,13 +29,14 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/base/descriptor_setup.h"
 #include "platform/base/unique_fd.h"
-#include "platform/linux/descriptor_limit.h"
 #include "platform/linux/procfs_process_table.h"
+#include "tests/platform/linux/pid_namespace.h"
 #include "tests/platform/support/test_children.h"
 #include "tests/support/eventually.h"
 
-/// How the table follows the running machine's births, deaths and new programs between listings.
+/// How the table tracks starting, ending and executing processes between listings.
 namespace tallowcrest {
 namespace {
 
@@ -72,15 +73,15 @@ protected:
         table.readProcesses();
     }
 
-    // Two samples old when a test begins, so that the next ones need not list.
+    // Has taken two samples when a test begins, so that the next ones need not make a listing.
     ProcfsProcessTable table{ProcfsMachine::current()};
 };
 
-TEST_F(ProcfsFollowTest, ThisMachineHasClocksOfProcesses) {
+TEST_F(ProcfsFollowTest, ThisMachineHasProcessClocks) {
     EXPECT_TRUE(ProcfsClocks::system("/proc").processTime);
 }
 
-TEST_F(ProcfsFollowTest, ThreadsAreNoRows) {
+TEST_F(ProcfsFollowTest, ThreadsAreNotRows) {
     constexpr int count = 16;
     const Pipe gate;
     const Pipe answer;
@@ -114,8 +115,8 @@ TEST_F(ProcfsFollowTest, ThreadsAreNoRows) {
     }
 }
 
-TEST_F(ProcfsFollowTest, TheThreadThatReadsIsNoRow) {
-    // The kernel takes the number of the calling thread for that of its process.
+TEST_F(ProcfsFollowTest, TheReadingThreadIsNotARow) {
+    // The kernel treats the id of the calling thread as that of its process.
     for (int number = 0; number < 10; ++number) {
         std::jthread([&] {
             const auto rows = table.readProcesses();
@@ -132,7 +133,7 @@ bool isAsleep(pid_t pid) {
     return text.find(") S ") != std::string::npos;
 }
 
-TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsNoticedAtOnce) {
+TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsDetectedImmediately) {
     for (int attempt = 0; attempt < 10; ++attempt) {
         const Pipe gate;
         const TestChild child([&] {
@@ -141,7 +142,7 @@ TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsNoticedAtOnce) {
             }
         });
         ASSERT_TRUE(eventually([&] { return isAsleep(child.pid()); }));
-        // By and by each of these finds it idle.
+        // In these samples it is idle.
         for (int sample = 0; sample < 5; ++sample) {
             const auto row = rowOf(table.readProcesses(), child.pid());
             ASSERT_TRUE(row);
@@ -150,7 +151,7 @@ TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsNoticedAtOnce) {
         ASSERT_TRUE(gate.send());
         const auto sleep = std::filesystem::canonical("/bin/sleep");
         const std::string link = "/proc/" + std::to_string(child.pid()) + "/exe";
-        // Asleep again, in the new program's own sleep and not while that is still being loaded.
+        // Asleep in the new program, and not while that is still being loaded.
         ASSERT_TRUE(eventually([&] {
             return std::filesystem::read_symlink(link) == sleep && isAsleep(child.pid()) &&
                    (std::this_thread::sleep_for(20ms), isAsleep(child.pid()));
@@ -161,35 +162,35 @@ TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsNoticedAtOnce) {
     }
 }
 
-/// What the churner notes down of a child, in memory that it shares with the test.
+/// The record of one child, in memory shared with the test.
 struct Life {
     std::atomic<std::int32_t> pid = 0;
-    std::atomic<std::int64_t> bornBy = 0;        ///< it surely existed from this moment on
-    std::atomic<std::int64_t> existedUntil = 0;  ///< 0: to the end
+    std::atomic<std::int64_t> startedBy = 0;     ///< it existed from this time on
+    std::atomic<std::int64_t> existedUntil = 0;  ///< 0: until the end
 };
 
 struct Churn {
-    std::atomic<bool> isToEnd = false;
+    std::atomic<bool> mustEnd = false;
     std::atomic<bool> hasEnded = false;
-    std::atomic<std::size_t> births = 0;
+    std::atomic<std::size_t> started = 0;
     std::array<Life, 20000> lives;
 };
 
-void bury(Life& life) {
+void killAndWait(Life& life) {
     life.existedUntil = nanosecondsNow();
     ::kill(life.pid, SIGKILL);
     ::waitpid(life.pid, nullptr, 0);
 }
 
-/// Bears and buries processes until it is told to end, a few dozen of them alive at a time. Between
-/// them others live so briefly that nobody need see them.
+/// Starts and kills processes until `mustEnd`, with a few dozen alive at a time, and other ones in
+/// between that end immediately.
 void churn(Churn& notes) {
     constexpr std::size_t alive = 48;
-    std::size_t buried = 0;
+    std::size_t ended = 0;
     std::size_t next = 0;
-    for (; next < notes.lives.size() && !notes.isToEnd; ++next) {
-        if (next - buried == alive) {
-            bury(notes.lives[buried++]);
+    for (; next < notes.lives.size() && !notes.mustEnd; ++next) {
+        if (next - ended == alive) {
+            killAndWait(notes.lives[ended++]);
         }
         if (next % 3 == 0) {
             const pid_t brief = ::fork();
@@ -203,16 +204,16 @@ void churn(Churn& notes) {
             waitForever();
         }
         notes.lives[next].pid = child;
-        notes.lives[next].bornBy = nanosecondsNow();
-        notes.births = next + 1;
+        notes.lives[next].startedBy = nanosecondsNow();
+        notes.started = next + 1;
     }
-    while (buried < next) {
-        bury(notes.lives[buried++]);
+    while (ended < next) {
+        killAndWait(notes.lives[ended++]);
     }
     notes.hasEnded = true;
 }
 
-TEST_F(ProcfsFollowTest, WhoLivesAcrossTwoSamplesIsSeenAtTheSecond) {
+TEST_F(ProcfsFollowTest, AProcessThatLivesAcrossTwoSamplesIsInTheSecond) {
     void* const memory =
         ::mmap(nullptr, sizeof(Churn), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
@@ -227,7 +228,7 @@ TEST_F(ProcfsFollowTest, WhoLivesAcrossTwoSamplesIsSeenAtTheSecond) {
     {
         const TestChild churner([&] { churn(notes); });
         const auto deadline = std::chrono::steady_clock::now() + 30s;
-        while ((samples.size() < 200 || notes.births < 1000U) &&
+        while ((samples.size() < 200 || notes.started < 1000U) &&
                std::chrono::steady_clock::now() < deadline) {
             Sample& sample = samples.emplace_back();
             sample.begin = nanosecondsNow();
@@ -237,62 +238,40 @@ TEST_F(ProcfsFollowTest, WhoLivesAcrossTwoSamplesIsSeenAtTheSecond) {
                 sample.pids.insert(row.pid);
             }
         }
-        notes.isToEnd = true;
+        notes.mustEnd = true;
         ASSERT_TRUE(eventually([&] { return notes.hasEnded.load(); }));
     }
-    const std::size_t births = notes.births;
+    const std::size_t started = notes.started;
     int seenOnce = 0;
-    int foundAtTheSecond = 0;
-    for (std::size_t index = 0; index < births; ++index) {
+    int foundInSecond = 0;
+    for (std::size_t index = 0; index < started; ++index) {
         const Life& life = notes.lives[index];
         const std::int64_t until = life.existedUntil;
         int survived = 0;
         for (const Sample& sample : samples) {
-            if (sample.begin < life.bornBy || (until != 0 && sample.end > until)) {
+            if (sample.begin < life.startedBy || (until != 0 && sample.end > until)) {
                 continue;
             }
             ++survived;
             const bool isSeen = sample.pids.contains(life.pid);
             seenOnce += isSeen ? 1 : 0;
-            if (survived == 2 && life.bornBy > samples.front().begin) {
-                ++foundAtTheSecond;
+            if (survived == 2 && life.startedBy > samples.front().begin) {
+                ++foundInSecond;
             }
             EXPECT_TRUE(isSeen || survived < 2)
                 << "child " << index << " at its sample " << survived;
         }
     }
-    EXPECT_GT(foundAtTheSecond, 100) << "the churner did not get to run";
-    EXPECT_GT(seenOnce, foundAtTheSecond);
-    RecordProperty("births", static_cast<int>(births));
-    RecordProperty("foundAtTheSecond", foundAtTheSecond);
+    EXPECT_GT(foundInSecond, 100) << "the children were not started";
+    EXPECT_GT(seenOnce, foundInSecond);
+    RecordProperty("started", static_cast<int>(started));
+    RecordProperty("foundInSecond", foundInSecond);
     ::munmap(memory, sizeof(Churn));
 }
 
-/// Runs `work` in a new namespace of process numbers, while `/proc` stays that of the old one. Its
-/// result, or -1 when this account may not make one.
-int inNamespaceOfItsOwn(const std::function<int()>& work) {
-    const pid_t outer = ::fork();
-    if (outer == 0) {
-        if (::unshare(CLONE_NEWPID) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWPID) != 0) {
-            ::_exit(255);
-        }
-        const pid_t inner = ::fork();
-        if (inner == 0) {
-            ::_exit(work());
-        }
-        int status = 0;
-        ::waitpid(inner, &status, 0);
-        ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : 254);
-    }
-    int status = 0;
-    ::waitpid(outer, &status, 0);
-    const int result = WIFEXITED(status) ? WEXITSTATUS(status) : 254;
-    return result == 255 ? -1 : result;
-}
-
-TEST_F(ProcfsFollowTest, ClocksAreNotAskedForProcessesOfAnotherNamespace) {
+TEST_F(ProcfsFollowTest, ClocksAreNotUsedForAnotherPIDNamespace) {
     const TestChild outside([] { waitForever(); });
-    const int result = inNamespaceOfItsOwn([&] {
+    const auto run = pid_namespace::run(pid_namespace::Procfs::outer, [&] {
         if (ProcfsClocks::system("/proc").processTime) {
             return 1;
         }
@@ -302,18 +281,18 @@ TEST_F(ProcfsFollowTest, ClocksAreNotAskedForProcessesOfAnotherNamespace) {
                 return 2;
             }
         }
-        // Born outside, too late for a table that goes by the numbers of the inside.
+        // A table that probes pids of the inner namespace would not find this new process.
         const auto own = std::filesystem::read_symlink("/proc/self");
         return rowOf(nested.readProcesses(), std::stoll(own.string())) ? 0 : 3;
     });
-    if (result < 0) {
-        GTEST_SKIP() << "namespaces are not for this account";
+    if (!run.isPossible) {
+        GTEST_SKIP() << run.reason;
     }
-    EXPECT_EQ(result, 0);
+    EXPECT_EQ(run.status, 0);
 }
 
-/// Lets the kernel refuse the clocks of all processes, as one does that has none, or of all but the
-/// calling one.
+/// Makes the clocks of all processes fail, as on a kernel without them, or of all but the calling
+/// one.
 bool refuseProcessClocks(bool ownToo) {
     const auto own = static_cast<std::uint32_t>(~::getpid()) << 3U | 2U;
     constexpr std::uint32_t signBit = 0x80000000U;
@@ -331,7 +310,7 @@ bool refuseProcessClocks(bool ownToo) {
            ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-TEST_F(ProcfsFollowTest, AKernelWithoutClocksOfProcessesIsReadInTicks) {
+TEST_F(ProcfsFollowTest, AKernelWithoutProcessClocksIsMeasuredInTicks) {
     const TestChild outside([] { waitForever(); });
     for (const bool ownToo : {true, false}) {
         const pid_t pid = ::fork();
@@ -356,7 +335,7 @@ TEST_F(ProcfsFollowTest, AKernelWithoutClocksOfProcessesIsReadInTicks) {
         ASSERT_EQ(::waitpid(pid, &status, 0), pid);
         ASSERT_TRUE(WIFEXITED(status));
         if (WEXITSTATUS(status) == 255) {
-            GTEST_SKIP() << "filters are not for this account";
+            GTEST_SKIP() << "this account may not install filters";
         }
         EXPECT_EQ(WEXITSTATUS(status), 0) << ownToo;
     }

@@ -21,8 +21,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/utf8.h"
-#include "platform/linux/descriptor_limit.h"
+#include "core/text.h"
+#include "platform/base/descriptor_setup.h"
 #include "platform/linux/procfs_process_table.h"
 #include "tests/platform/support/started_program.h"
 #include "tests/platform/support/test_children.h"
@@ -30,7 +30,7 @@
 #include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 
-/// The native table of processes against the running machine, checked with figures from elsewhere.
+/// The process table of the running machine, checked against other sources.
 namespace tallowcrest {
 namespace {
 
@@ -50,7 +50,7 @@ protected:
 };
 
 std::set<std::int64_t> pidsOfPS() {
-    // Without the two processes that this question itself takes.
+    // Without the two processes that this command itself starts.
     std::istringstream lines(shellOutput("ps -eo pid=,ppid=,comm="));
     std::set<std::int64_t> pids;
     std::int64_t pid = 0;
@@ -72,7 +72,7 @@ std::set<std::int64_t> pidsOfPS() {
 }
 
 TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
-    // The set changes by itself, so it counts only when it was the same before and after.
+    // Processes come and go, so compare only when the set was the same before and after.
     const bool compared = eventually([&] {
         const auto before = pidsOfPS();
         const auto rows = table.readProcesses();
@@ -90,7 +90,7 @@ TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
             [](const auto& first, const auto& second) { return first.pid < second.pid; }));
         return true;
     });
-    EXPECT_TRUE(compared) << "the process table never stood still";
+    EXPECT_TRUE(compared) << "the set of processes changed all the time";
 }
 
 TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
@@ -98,7 +98,7 @@ TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
     std::optional<ProcessSample> row;
     double residentKibibytes = 0.0;
     double memoryPercent = 0.0;
-    // A program that has just been started still grows between the two readings.
+    // The memory of a program that has just started grows between the two readings.
     ASSERT_TRUE(eventually([&] {
         row = rowOf(table.readProcesses(), child.pid());
         std::istringstream columns(
@@ -112,11 +112,10 @@ TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
     EXPECT_EQ(row->command, std::filesystem::canonical("/bin/sleep").string());
 }
 
-/// Holds what the table says of a child against the child's own processor clock, read around the
-/// same moments.
+/// Compares the load of a child with its CPU clock, read at about the same times.
 TEST_F(ProcfsIntegrationTest, ASpinningChildTakesOneCore) {
     const TestChild child([] {
-        // Pinned, so that it is one core's whatever the scheduler would like.
+        // Pinned to one core.
         cpu_set_t allowed;
         CPU_ZERO(&allowed);
         ::sched_getaffinity(0, sizeof allowed, &allowed);
@@ -135,8 +134,8 @@ TEST_F(ProcfsIntegrationTest, ASpinningChildTakesOneCore) {
     ASSERT_TRUE(eventually([&] { return secondsOn(childClock) > 0.1; }));
     ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
 
-    bool hadTheCore = false;
-    for (int attempt = 0; attempt < 10 && !hadTheCore; ++attempt) {
+    bool hadWholeCore = false;
+    for (int attempt = 0; attempt < 10 && !hadWholeCore; ++attempt) {
         const double workBefore = secondsOn(childClock);
         const double timeBefore = secondsOn(CLOCK_MONOTONIC);
         ASSERT_TRUE(rowOf(table.readProcesses(), child.pid()));
@@ -148,12 +147,12 @@ TEST_F(ProcfsIntegrationTest, ASpinningChildTakesOneCore) {
 
         const double independent = work / time * 100.0;
         EXPECT_NEAR(row->cpu, independent, 5.0);
-        hadTheCore = independent > 97.0;
-        if (hadTheCore) {
+        hadWholeCore = independent > 97.0;
+        if (hadWholeCore) {
             EXPECT_NEAR(row->cpu, 100.0, 5.0);
         }
     }
-    if (!hadTheCore) {
+    if (!hadWholeCore) {
         std::puts("the machine was too busy to give the child a whole core");
     }
 }
@@ -169,7 +168,7 @@ TEST_F(ProcfsIntegrationTest, ASleepingChildTakesNothing) {
     EXPECT_GT(row->rssMB, 0.0);
 }
 
-TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
+TEST_F(ProcfsIntegrationTest, HandlesANameWithSpacesAndBrackets) {
     const TemporaryFolder folder;
     const auto program = folder.path() / "we ird) (x";
     std::filesystem::copy_file("/bin/sleep", program);
@@ -178,7 +177,7 @@ TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
         const auto row = rowOf(table.readProcesses(), child.pid());
         return row && row->command == program.string() && row->displayName() == "we ird) (x";
     }));
-    // Gone from the disk, but still what the process runs.
+    // Deleted, but still the program of the process.
     std::filesystem::remove(program);
     ProcfsProcessTable fresh(ProcfsMachine::current());
     const auto row = rowOf(fresh.readProcesses(), child.pid());
@@ -186,7 +185,7 @@ TEST_F(ProcfsIntegrationTest, ANameWithBlanksAndBrackets) {
     EXPECT_EQ(row->command, program.string());
 }
 
-TEST_F(ProcfsIntegrationTest, NoticesThatAProcessExecutedAnotherProgram) {
+TEST_F(ProcfsIntegrationTest, DetectsThatAProcessExecutedAnotherProgram) {
     std::array<int, 2> gate{};
     ASSERT_EQ(::pipe2(gate.data(), O_CLOEXEC), 0);
     const TestChild child([&] {
@@ -225,7 +224,7 @@ TEST_F(ProcfsIntegrationTest, AZombieKeepsItsCommandAndIsGoneOnceWaitedFor) {
     EXPECT_FALSE(rowOf(table.readProcesses(), pid));
 }
 
-TEST_F(ProcfsIntegrationTest, ItsOwnRow) {
+TEST_F(ProcfsIntegrationTest, HasARowForThisProcess) {
     const auto row = rowOf(table.readProcesses(), ::getpid());
 
     ASSERT_TRUE(row);
@@ -234,7 +233,7 @@ TEST_F(ProcfsIntegrationTest, ItsOwnRow) {
     EXPECT_GT(row->memoryPercent, 0.0);
 }
 
-TEST_F(ProcfsIntegrationTest, AThousandProcesses) {
+TEST_F(ProcfsIntegrationTest, ListsAThousandProcesses) {
     std::vector<TestChild> children;
     for (int count = 0; count < 1000; ++count) {
         children.emplace_back([] { waitForever(); });
@@ -251,7 +250,7 @@ TEST_F(ProcfsIntegrationTest, AThousandProcesses) {
     }
 }
 
-TEST_F(ProcfsIntegrationTest, ProcessesThatDieMidReadDoNoHarm) {
+TEST_F(ProcfsIntegrationTest, ProcessesThatEndDuringAReadingDoNoHarm) {
     const TestChild steady([] { waitForever(); });
     const TestChild churner([] {
         std::array<pid_t, 16> running{};
@@ -281,7 +280,7 @@ TEST_F(ProcfsIntegrationTest, ProcessesThatDieMidReadDoNoHarm) {
         }
         EXPECT_TRUE(rowOf(rows, steady.pid()));
     }
-    EXPECT_GT(seen.size(), atFirst + 20) << "the churner did not get to run";
+    EXPECT_GT(seen.size(), atFirst + 20) << "the children were not started";
 }
 
 }  // namespace

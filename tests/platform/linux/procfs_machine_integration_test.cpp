@@ -19,13 +19,13 @@
 #include "tests/support/eventually.h"
 #include "tests/support/run_program.h"
 
-/// The native readers of the whole machine's figures, checked with figures from elsewhere.
+/// The readers of figures of the whole machine, checked against other sources.
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The busy share straight from the kernel's text, in another way than that of the reader.
+/// The busy and total ticks, computed in another way than by the reader.
 std::array<double, 2> busyAndTotal() {
     std::ifstream file("/proc/stat");
     std::string label;
@@ -42,7 +42,7 @@ std::array<double, 2> busyAndTotal() {
 }
 
 TEST(ProcfsMachineTest, WholeMachineLoad) {
-    // One core is kept busy, so that the share is not next to nothing.
+    // One core is kept busy, so that the load is not close to 0.
     const TestChild child([] { spin(); });
     ProcStatTickSource source;
     SystemCPULoadReader reader(source);
@@ -72,7 +72,7 @@ double memoryInfoBytes(const std::string& key) {
 
 TEST(ProcfsMachineTest, FreeMemoryIsWhatIsAvailable) {
     ProcfsMetricsReader reader;
-    // Others take and give memory between two readings; the machine is still for one moment.
+    // Other programs allocate and free memory between the two readings.
     EXPECT_TRUE(eventually([&] {
         const MemorySnapshot memory = reader.readMemory();
         const double availableGB =

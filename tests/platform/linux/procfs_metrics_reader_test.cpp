@@ -21,7 +21,7 @@ public:
 
 class ProcfsMetricsReaderTest : public testing::Test {
 protected:
-    /// Built late: what is kept open is opened then.
+    /// Called after the files are written, because the reader opens them when constructed.
     std::unique_ptr<ProcfsMetricsReader> makeReader() {
         return std::make_unique<ProcfsMetricsReader>(std::make_unique<FixedHomeVolume>(),
                                                      tree.machine(), tree.root() / "sys");
@@ -72,7 +72,7 @@ TEST_F(ProcfsMetricsReaderTest, FilesThatAppearLaterAreRead) {
     EXPECT_DOUBLE_EQ(reader->readMemory().totalGB, 8.0);
 }
 
-TEST_F(ProcfsMetricsReaderTest, ThePressureTextIsTrimmedAndElseVerbatim) {
+TEST_F(ProcfsMetricsReaderTest, ThePressureTextIsTrimmedOnly) {
     tree.putFile("pressure/memory", "some avg10=0.12 total=5\nfull avg10=0.00 total=1\n");
     EXPECT_EQ(makeReader()->readPressureText(), "some avg10=0.12 total=5\nfull avg10=0.00 total=1");
 
@@ -111,7 +111,7 @@ TEST(ProcStatTickSourceTest, TheLargestCountersFit) {
     EXPECT_TRUE(ProcStatTickSource(tree.root(), [] { return 5s; }).readTicks());
 }
 
-TEST(ProcStatTickSourceTest, ATickOrTwoAreNoMeasurement) {
+TEST(ProcStatTickSourceTest, AShortIntervalIsNotMeasured) {
     FakeProcTree tree;
     tree.putFile("stat", "cpu  100 0 100 800\n");
     std::chrono::nanoseconds now = 5s;
@@ -122,7 +122,7 @@ TEST(ProcStatTickSourceTest, ATickOrTwoAreNoMeasurement) {
     tree.putFile("stat", "cpu  101 0 100 800\n");
     EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
 
-    // What passed meanwhile is not lost to the next reading.
+    // The next reading includes the ticks that passed meanwhile.
     now += 1ms;
     tree.putFile("stat", "cpu  105 0 105 830\n");
     EXPECT_EQ(reader.readCPUPercent(), 25.0);

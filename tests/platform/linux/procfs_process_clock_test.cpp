@@ -21,7 +21,8 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The table where processes have clocks. Idle ones are told by what the table does not notice.
+/// A table with CPU clocks of processes. An idle process is recognised by changes that the table
+/// does not see.
 class ProcfsProcessClockTest : public testing::Test {
 protected:
     ProcfsProcessClockTest() { tree.putNewest(100000); }
@@ -58,20 +59,20 @@ protected:
         return rows.empty() ? ProcessSample{} : rows.front();
     }
 
-    /// Its full readings are those of the 16th sample, the 32nd and so on.
+    /// The pid of a process that is read in full in the 16th sample, the 32nd and so on.
     static constexpr std::int64_t sixteenth = 816;
-    static constexpr int turn = static_cast<int>(ProcfsProcessTable::samplesPerFullReading);
+    static constexpr int period = static_cast<int>(ProcfsProcessTable::samplesPerFullReading);
 
     FakeProcTree tree;
-    ProcfsProcessTable table{tree.machine(), tree.clocksOfProcesses()};
+    ProcfsProcessTable table{tree.machine(), tree.clocksWithProcessTimes()};
 };
 
-TEST_F(ProcfsProcessClockTest, AnIdleProcessCostsOneLookAtItsClock) {
+TEST_F(ProcfsProcessClockTest, ForAnIdleProcessOnlyItsClockIsRead) {
     put(sixteenth, {.userTicks = 500}, 5s);
     tree.putExecutable(sixteenth, "/usr/bin/worker");
     onlyRow();
     breakStat(sixteenth);
-    for (int number = 2; number < turn; ++number) {
+    for (int number = 2; number < period; ++number) {
         tree.clockReadings.clear();
         const ProcessSample row = onlyRow();
         EXPECT_EQ(row.cpu, 0.0) << number;
@@ -79,7 +80,7 @@ TEST_F(ProcfsProcessClockTest, AnIdleProcessCostsOneLookAtItsClock) {
         EXPECT_EQ(row.command, "/usr/bin/worker");
         EXPECT_EQ(tree.clockReadings[sixteenth], 1);
     }
-    EXPECT_THAT(sample(), IsEmpty()) << "now it is its turn to be read in full";
+    EXPECT_THAT(sample(), IsEmpty()) << "now it is read in full";
     EXPECT_THAT(sample(), IsEmpty()) << "and again until that succeeds";
     put(sixteenth, {.userTicks = 500, .residentPages = 512}, 5s);
     EXPECT_EQ(onlyRow().rssMB, 2.0);
@@ -88,7 +89,7 @@ TEST_F(ProcfsProcessClockTest, AnIdleProcessCostsOneLookAtItsClock) {
 }
 
 TEST_F(ProcfsProcessClockTest, FullReadingsAreSpreadEvenly) {
-    constexpr std::int64_t count = 4 * turn;
+    constexpr std::int64_t count = 4 * period;
     for (std::int64_t pid = 1; pid <= count; ++pid) {
         put(pid, {}, 1s);
     }
@@ -96,11 +97,11 @@ TEST_F(ProcfsProcessClockTest, FullReadingsAreSpreadEvenly) {
     for (std::int64_t pid = 1; pid <= count; ++pid) {
         put(pid, {.residentPages = 512}, 1s);
     }
-    for (int number = 1; number <= turn; ++number) {
+    for (int number = 1; number <= period; ++number) {
         const auto rows = sample();
         EXPECT_EQ(std::count_if(rows.begin(), rows.end(),
                                 [](const ProcessSample& row) { return row.rssMB == 2.0; }),
-                  count / turn * number);
+                  count / period * number);
     }
 }
 
@@ -128,7 +129,7 @@ TEST_F(ProcfsProcessClockTest, LoadIsExactToTheNanosecond) {
     EXPECT_EQ(onlyRow().cpu, 0.0);
 }
 
-TEST_F(ProcfsProcessClockTest, LoadIsThatSinceAnIdleReadingToo) {
+TEST_F(ProcfsProcessClockTest, LoadIsAlsoMeasuredSinceAnIdleReading) {
     put(812, {}, 1s);
     onlyRow();
     EXPECT_EQ(onlyRow().cpu, 0.0);
@@ -136,7 +137,7 @@ TEST_F(ProcfsProcessClockTest, LoadIsThatSinceAnIdleReadingToo) {
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
 }
 
-TEST_F(ProcfsProcessClockTest, TheFirstReadingIsOverTheWholeLife) {
+TEST_F(ProcfsProcessClockTest, TheFirstReadingAveragesOverTheWholeLifetime) {
     tree.advance(-4s);
     put(812, {.userTicks = 300, .systemTicks = 150, .startTicks = 91000}, 4500ms);
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 5.0);
@@ -165,23 +166,23 @@ TEST_F(ProcfsProcessClockTest, AClockThatRunsBackwardsCountsNothing) {
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
 }
 
-TEST_F(ProcfsProcessClockTest, AProcessWithoutAClockIsCountedInTicks) {
+TEST_F(ProcfsProcessClockTest, AProcessWithoutAClockIsMeasuredInTicks) {
     tree.put(812, {.userTicks = 100});
     onlyRow();
     tree.put(812, {.userTicks = 300});
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
     put(812, {.userTicks = 700}, 123s);
-    EXPECT_DOUBLE_EQ(onlyRow().cpu, 100.0) << "its clock is new, so it tells no interval yet";
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 100.0) << "its clock is new, so there is no interval yet";
     tree.processTimes[812] += 1s;
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 25.0);
 }
 
-TEST_F(ProcfsProcessClockTest, AReusedNumberIsNoticedByItsClock) {
+TEST_F(ProcfsProcessClockTest, AReusedPIDIsDetectedByItsClock) {
     put(812, {.userTicks = 90000, .startTicks = 1000}, 900s);
     tree.putExecutable(812, "/usr/bin/old");
     EXPECT_EQ(onlyRow().command, "/usr/bin/old");
 
-    // One second old at the next sample, of which it worked a quarter.
+    // One second old at the next sample, with a quarter of a second of CPU time.
     put(812, {.userTicks = 25, .startTicks = 100700}, 250ms);
     tree.putExecutable(812, "/usr/bin/new");
     const ProcessSample row = onlyRow();
@@ -189,7 +190,7 @@ TEST_F(ProcfsProcessClockTest, AReusedNumberIsNoticedByItsClock) {
     EXPECT_EQ(row.command, "/usr/bin/new");
 }
 
-TEST_F(ProcfsProcessClockTest, AnotherProgramIsNoticedWhenItRuns) {
+TEST_F(ProcfsProcessClockTest, AnotherProgramIsDetectedWhenItRuns) {
     put(812, {.name = "shell"}, 1s);
     tree.putExecutable(812, "/bin/shell");
     EXPECT_EQ(onlyRow().command, "/bin/shell");
@@ -212,7 +213,7 @@ TEST_F(ProcfsProcessClockTest, NewProcessesAreFoundWithoutAListing) {
     EXPECT_THAT(pids(), ElementsAre(812, 900, 100001));
 }
 
-TEST_F(ProcfsProcessClockTest, AProcessThatIsGoneIsAskedForNoMore) {
+TEST_F(ProcfsProcessClockTest, TheClockOfAnEndedProcessIsNotReadAgain) {
     put(812, {}, 1s);
     put(813, {}, 1s);
     for (int settling = 0; settling < 3; ++settling) {
@@ -221,20 +222,20 @@ TEST_F(ProcfsProcessClockTest, AProcessThatIsGoneIsAskedForNoMore) {
     remove(813);
     EXPECT_THAT(pids(), ElementsAre(812));
     tree.clockReadings.clear();
-    for (int number = 0; number < 2 * turn; ++number) {
+    for (int number = 0; number < 2 * period; ++number) {
         EXPECT_THAT(pids(), ElementsAre(812));
     }
     EXPECT_EQ(tree.clockReadings[813], 0);
-    EXPECT_EQ(tree.clockReadings[812], 2 * turn);
+    EXPECT_EQ(tree.clockReadings[812], 2 * period);
 }
 
-TEST_F(ProcfsProcessClockTest, AThreadThatBearsTheNumberOfAGoneProcessIsNoRow) {
+TEST_F(ProcfsProcessClockTest, AThreadWithThePIDOfAnEndedProcessIsNotARow) {
     put(812, {}, 1s);
     put(813, {}, 1s);
     for (int settling = 0; settling < 3; ++settling) {
         EXPECT_THAT(pids(), ElementsAre(812, 813));
     }
-    // A thread has no process's clock, but there is a file in the place of a process's.
+    // A thread has no process clock, but a `stat` file under the same path.
     tree.processTimes.erase(813);
     EXPECT_THAT(pids(), ElementsAre(812));
     EXPECT_THAT(pids(), ElementsAre(812));
@@ -254,14 +255,14 @@ TEST_F(ProcfsProcessClockTest, ARowThatCannotBeReadIsTriedAgain) {
     EXPECT_THAT(pids(), ElementsAre(812, 813));
 }
 
-TEST_F(ProcfsProcessClockTest, AProcessThatTheFileSystemHidesIsNoRow) {
+TEST_F(ProcfsProcessClockTest, AProcessHiddenByTheFileSystemIsNotARow) {
     put(812, {}, 1s);
     for (int settling = 0; settling < 3; ++settling) {
         EXPECT_THAT(pids(), ElementsAre(812));
     }
     tree.processTimes[100001] = 1s;
     tree.putNewest(100001);
-    for (int number = 0; number < turn; ++number) {
+    for (int number = 0; number < period; ++number) {
         EXPECT_THAT(pids(), ElementsAre(812));
     }
     tree.clockReadings.clear();
@@ -269,13 +270,13 @@ TEST_F(ProcfsProcessClockTest, AProcessThatTheFileSystemHidesIsNoRow) {
     EXPECT_EQ(tree.clockReadings[100001], 0) << "a listing has cleared it away";
 }
 
-TEST_F(ProcfsProcessClockTest, ATableThatIsMountedAnewIsFoundAgain) {
+TEST_F(ProcfsProcessClockTest, ARemountedDirectoryIsReadAgain) {
     ProcfsMachine machine = tree.machine();
     machine.procRoot = tree.root() / "mount";
     const std::string stat = FakeProcess{}.statText(812);
     tree.putFile("mount/812/stat", stat);
     tree.processTimes[812] = 1s;
-    ProcfsProcessTable remounted(machine, tree.clocksOfProcesses());
+    ProcfsProcessTable remounted(machine, tree.clocksWithProcessTimes());
     EXPECT_EQ(remounted.readProcesses().size(), 1U);
 
     std::filesystem::remove_all(machine.procRoot);
@@ -290,7 +291,7 @@ struct NumberingCase {
     bool isOurs;
 };
 
-TEST(ProcfsClocksTest, ProcessesAreTimedOnlyWhereTheirNumbersAreOurs) {
+TEST(ProcfsClocksTest, ProcessClocksAreUsedOnlyInTheOwnPIDNamespace) {
     const std::int32_t own = ::getpid();
     const std::string before = "Name:\tname\nTgid:\t1\nPid:\t1\nNStgid:\t1\n";
     const std::string after = fmt::format("NSpgid:\t{}\nNSsid:\t{}\n", own, own);
@@ -298,7 +299,8 @@ TEST(ProcfsClocksTest, ProcessesAreTimedOnlyWhereTheirNumbersAreOurs) {
         {"mounted here", before + fmt::format("NSpid:\t{}\n", own) + after, true},
         {"of another process", before + fmt::format("NSpid:\t{}\n", own + 1) + after, false},
         {"mounted outside", before + fmt::format("NSpid:\t{}\t{}\n", own + 1, own) + after, false},
-        {"by chance alike", before + fmt::format("NSpid:\t{}\t{}\n", own, own) + after, false},
+        {"the same number by chance", before + fmt::format("NSpid:\t{}\t{}\n", own, own) + after,
+         false},
         {"an old kernel", before + after, false},
         {"nothing", "", false},
     };
@@ -311,7 +313,7 @@ TEST(ProcfsClocksTest, ProcessesAreTimedOnlyWhereTheirNumbersAreOurs) {
     EXPECT_FALSE(ProcfsClocks::system("/nonexistent/proc").processTime);
 }
 
-TEST(ProcfsClocksTest, ATreeThatIsNotTheKernelsIsCountedInTicks) {
+TEST(ProcfsClocksTest, AnOrdinaryDirectoryIsMeasuredInTicks) {
     FakeProcTree tree;
     tree.put(1, {.userTicks = 100});
     ProcfsProcessTable table(tree.machine());

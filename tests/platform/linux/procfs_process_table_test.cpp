@@ -11,7 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/linux/procfs_process_table_fixture.h"
+#include "tests/platform/linux/fake_proc_tree.h"
 
 namespace tallowcrest {
 namespace {
@@ -28,7 +28,7 @@ TEST_F(ProcfsProcessTableTest, FillsEveryField) {
     const ProcessSample row = onlyRow();
 
     EXPECT_EQ(row.pid, 812);
-    // 4.5 seconds of work in a life of 90.
+    // 4.5 seconds of CPU time in a lifetime of 90.
     EXPECT_DOUBLE_EQ(row.cpu, 5.0);
     EXPECT_DOUBLE_EQ(row.rssMB, 200.0);
     EXPECT_DOUBLE_EQ(row.memoryPercent, 200.0 / 1024.0 * 100.0);
@@ -36,7 +36,7 @@ TEST_F(ProcfsProcessTableTest, FillsEveryField) {
     EXPECT_EQ(row.arguments, row.command);
 }
 
-TEST_F(ProcfsProcessTableTest, RowsAscendWhateverTheListingsOrder) {
+TEST_F(ProcfsProcessTableTest, RowsAscendWhateverTheOrderOfTheListing) {
     for (const std::int64_t pid : {70000, 9, 1, 812, 10, 100}) {
         tree.put(pid, {});
     }
@@ -52,7 +52,7 @@ TEST_F(ProcfsProcessTableTest, OnlyNumbersNameProcesses) {
     EXPECT_THAT(pids(), ElementsAre(812));
 }
 
-TEST_F(ProcfsProcessTableTest, LoadIsThatSinceThePreviousReading) {
+TEST_F(ProcfsProcessTableTest, LoadIsMeasuredSinceThePreviousReading) {
     tree.put(812, {.userTicks = 100000});
     onlyRow();
     tree.advance(4s);
@@ -67,7 +67,7 @@ TEST_F(ProcfsProcessTableTest, LoadIsThatSinceThePreviousReading) {
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 0.0);
 }
 
-TEST_F(ProcfsProcessTableTest, SuspensionCountsForALifeButNotForAnInterval) {
+TEST_F(ProcfsProcessTableTest, SuspensionCountsForTheLifetimeButNotForAnInterval) {
     tree.put(812, {.userTicks = 100, .startTicks = 90000});
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 1.0);
 
@@ -90,22 +90,22 @@ TEST_F(ProcfsProcessTableTest, ReadingsInQuickSuccessionRepeatTheFigure) {
     EXPECT_DOUBLE_EQ(early.cpu, 50.0);
     EXPECT_DOUBLE_EQ(early.rssMB, 2.0);
 
-    // The base is still the reading before the early one.
+    // Still measured since the reading before the early one.
     tree.advance(1ms);
     tree.put(812, {.userTicks = 220});
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 100.0);
 }
 
-TEST_F(ProcfsProcessTableTest, LoadIsNeverNegativeOrEndless) {
+TEST_F(ProcfsProcessTableTest, LoadIsNeverNegativeOrInfinite) {
     constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
-    // Younger than one tick, born later than now, and counters that overflow when added.
+    // Younger than one tick, started in the future, and counters that overflow when added.
     tree.put(1, {.userTicks = 5, .startTicks = 100000});
     tree.put(2, {.userTicks = 5, .startTicks = largest});
     tree.put(3, {.userTicks = largest, .systemTicks = largest, .residentPages = largest});
 
     auto rows = table.readProcesses();
     ASSERT_EQ(rows.size(), 3U);
-    // What a program takes to start counts as the work of a second.
+    // The lifetime counts as at least one second.
     EXPECT_DOUBLE_EQ(rows[0].cpu, 5.0);
     EXPECT_DOUBLE_EQ(rows[1].cpu, 5.0);
     EXPECT_TRUE(std::isfinite(rows[2].cpu));
@@ -119,20 +119,20 @@ TEST_F(ProcfsProcessTableTest, LoadIsNeverNegativeOrEndless) {
     EXPECT_EQ(rows[2].cpu, 0.0);
 }
 
-TEST_F(ProcfsProcessTableTest, UnknownPhysicalMemoryGivesNoShare) {
+TEST_F(ProcfsProcessTableTest, UnknownPhysicalMemoryGivesZeroPercent) {
     ProcfsMachine machine = tree.machine();
     machine.physicalBytes = 0.0;
     tree.put(812, {});
-    ProcfsProcessTable unknowing(machine, tree.clocks());
+    ProcfsProcessTable withoutTotal(machine, tree.clocks());
 
-    const auto rows = unknowing.readProcesses();
+    const auto rows = withoutTotal.readProcesses();
 
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].memoryPercent, 0.0);
     EXPECT_DOUBLE_EQ(rows[0].rssMB, 1.0);
 }
 
-TEST_F(ProcfsProcessTableTest, ARowThatCannotBeReadIsLeftOutAndTheRestSurvives) {
+TEST_F(ProcfsProcessTableTest, ARowThatCannotBeReadIsLeftOutAndTheOthersRemain) {
     tree.put(1, {});
     tree.putStatText(2, "");
     tree.putStatText(3, "3 (cut) S 1 2 3");
@@ -172,19 +172,19 @@ TEST_F(ProcfsProcessTableTest, AProcessThatEndsAfterTheListingIsLeftOut) {
     tree.put(20, {});
     EXPECT_THAT(pids(), ElementsAre(10, 20));
 
-    // Its directory is still listed, but there is nothing more to read in its file.
+    // Its directory is still listed, but its file is empty.
     tree.putStatText(10, "");
     EXPECT_THAT(pids(), ElementsAre(20));
     std::filesystem::remove(tree.root() / "10" / "stat");
     EXPECT_THAT(pids(), ElementsAre(20));
 }
 
-TEST_F(ProcfsProcessTableTest, AReusedNumberStartsAnew) {
+TEST_F(ProcfsProcessTableTest, AReusedPIDIsANewProcess) {
     tree.put(812, {.name = "old", .userTicks = 90000, .startTicks = 1000});
     tree.putExecutable(812, "/usr/bin/old");
     EXPECT_EQ(onlyRow().command, "/usr/bin/old");
 
-    // One second old, of which it worked a quarter. All else is like that of its forerunner.
+    // One second old, with a quarter of a second of CPU time; otherwise like its predecessor.
     tree.advance(4s);
     tree.put(812, {.name = "old", .userTicks = 25, .startTicks = 100300});
     tree.putExecutable(812, "/usr/bin/new");
@@ -193,7 +193,7 @@ TEST_F(ProcfsProcessTableTest, AReusedNumberStartsAnew) {
     EXPECT_EQ(row.command, "/usr/bin/new");
 }
 
-TEST_F(ProcfsProcessTableTest, NoTableGivesNoRows) {
+TEST_F(ProcfsProcessTableTest, AMissingDirectoryGivesNoRows) {
     ProcfsMachine machine = tree.machine();
     machine.procRoot = tree.root() / "mounted later";
     ProcfsProcessTable late(machine, tree.clocks());
@@ -203,7 +203,6 @@ TEST_F(ProcfsProcessTableTest, NoTableGivesNoRows) {
     EXPECT_EQ(late.readProcesses().size(), 1U);
 }
 
-/// Lowers the limit of open files, and gives the old one back at the end.
 TEST_F(ProcfsProcessTableTest, CallsMayOverlap) {
     for (std::int64_t pid = 1; pid <= 50; ++pid) {
         tree.put(pid, {});

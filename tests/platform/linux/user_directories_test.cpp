@@ -37,7 +37,7 @@ TEST(UserDirectories, AreReadAsADesktopWritesThem) {
     EXPECT_EQ(directory("DOC"), std::nullopt);
 }
 
-TEST(UserDirectories, TheLastLineCounts) {
+TEST(UserDirectories, TheLastValidLineCounts) {
     EXPECT_EQ(
         userDirectory("XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=\"/b\"\n", "DOCUMENTS", "/h"),
         "/b");
@@ -47,7 +47,7 @@ TEST(UserDirectories, TheLastLineCounts) {
     EXPECT_EQ(userDirectory("XDG_DOCUMENTS_DIR=\"/a\" # mine\n", "DOCUMENTS", "/h"), "/a");
 }
 
-TEST(UserDirectories, WhatMakesNoSenseIsNoDirectory) {
+TEST(UserDirectories, InvalidValuesGiveNoDirectory) {
     for (const std::string& value :
          {std::string("$HOME/Documents"), std::string("\"relative\""), std::string("\"\""),
           std::string("\"$HOMEWARD/x\""), std::string("\"$OTHER/x\""), std::string("\"/open"),
@@ -73,7 +73,7 @@ protected:
     TemporaryFolder config;
 };
 
-TEST_F(DocumentsDirectory, IsWhereTheDesktopHasWrittenDown) {
+TEST_F(DocumentsDirectory, IsTheConfiguredOne) {
     write("/srv/papers");
     EXPECT_EQ(documentsDirectory(), "/srv/papers");
     write("$HOME/Papers");
@@ -81,19 +81,19 @@ TEST_F(DocumentsDirectory, IsWhereTheDesktopHasWrittenDown) {
     EXPECT_TRUE(documentsDirectory().is_absolute());
 }
 
-TEST_F(DocumentsDirectory, IsAtHomeWhereNothingIsWrittenDown) {
+TEST_F(DocumentsDirectory, IsInTheHomeDirectoryByDefault) {
     EXPECT_EQ(documentsDirectory().filename(), "Documents");
     EXPECT_TRUE(documentsDirectory().is_absolute());
 }
 
-TEST_F(DocumentsDirectory, ARelativeConfigurationFolderIsNone) {
+TEST_F(DocumentsDirectory, IgnoresARelativeConfigurationFolder) {
     write("/srv/papers");
     ::setenv("XDG_CONFIG_HOME", "relative", 1);
     EXPECT_NE(documentsDirectory(), "/srv/papers");
     EXPECT_TRUE(documentsDirectory().is_absolute());
 }
 
-TEST_F(DocumentsDirectory, WhatIsNoFileHoldsUpNothing) {
+TEST_F(DocumentsDirectory, AFIFOInPlaceOfTheFileDoesNotBlock) {
     ASSERT_EQ(::mkfifo((config.path() / "user-dirs.dirs").c_str(), 0600), 0);
     EXPECT_EQ(documentsDirectory().filename(), "Documents");
 }

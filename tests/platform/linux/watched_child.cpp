@@ -13,7 +13,7 @@
 namespace tallowcrest {
 namespace {
 
-TestChild bornDeaf() {
+TestChild startBlocked() {
     const BlockedSignals blocked;
     return TestChild([] { waitForever(); });
 }
@@ -27,7 +27,7 @@ std::optional<SignalBits> pendingSignals(pid_t pid) {
     std::string label;
     std::string rest;
     while (status >> label) {
-        // Those of its only thread, and those of the process.
+        // The signals of its only thread, and those of the process.
         if (label == "SigPnd:" || label == "ShdPnd:") {
             SignalBits bits = 0;
             status >> std::hex >> bits;
@@ -55,28 +55,16 @@ BlockedSignals::~BlockedSignals() {
     ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-WatchedChild::WatchedChild() : child_(bornDeaf()) {}
+WatchedChild::WatchedChild() : child_(startBlocked()) {}
 
 bool WatchedChild::isUnharmed() const {
-    // On its way to sleep it may still be running.
+    // It may still be running right after its start.
     return eventually([this] {
         std::ifstream file("/proc/" + std::to_string(pid()) + "/stat");
         std::string text;
         std::getline(file, text);
         return text.find(") S ") != std::string::npos;
     });
-}
-
-std::optional<int> statusOfChild(const std::function<int()>& work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::_exit(work());
-    }
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-        return std::nullopt;
-    }
-    return WEXITSTATUS(status);
 }
 
 }  // namespace tallowcrest

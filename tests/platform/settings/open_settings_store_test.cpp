@@ -15,7 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "tests/platform/settings/settings_file_fixture.h"
 #include "tests/platform/settings/writer_process.h"
 #include "tests/support/file_text.h"
@@ -98,7 +98,7 @@ TEST_F(OpenSettingsStore, FindsWhatWasStored) {
     expectStored(*opened.store);
 }
 
-TEST_F(OpenSettingsStore, APlaceMayHaveAnyName) {
+TEST_F(OpenSettingsStore, APathMayHaveAnyCharacters) {
     for (const char* name : {"with blank", "what?immutable=1#%41", "caf\xC3\xA9", "not \xFF utf"}) {
         file = folder.path() / name / "settings.sqlite";
         makeStored();
@@ -111,7 +111,7 @@ TEST_F(OpenSettingsStore, APlaceMayHaveAnyName) {
     }
 }
 
-TEST_F(OpenSettingsStore, AFileThatALinkLeadsToIsUsedWhereItLies) {
+TEST_F(OpenSettingsStore, UsesTheTargetOfALinkInItsPlace) {
     makeStored();
     const fs::path link = file;
     const fs::path elsewhere = folder.path() / "elsewhere";
@@ -120,27 +120,26 @@ TEST_F(OpenSettingsStore, AFileThatALinkLeadsToIsUsedWhereItLies) {
     file = elsewhere / "kept.sqlite";
     fs::rename(link, file);
     fs::create_symlink(file, link);
-    writeFile(file.string() + "-wal", "garbage");
     {
-        const OpenedStore opened = openSettingsStore(link, {workQueue, clock, {}});
-        expectOneProblem(opened, "latest settings changes");
+        const OpenedStore opened = openSettingsStore(link, {jobs, clock, {}});
+        EXPECT_THAT(opened.problems, IsEmpty());
         expectStored(*opened.store);
         opened.store->write(keys::autoPurgeKey, true);
+        EXPECT_TRUE(fs::exists(file.string() + "-wal"));
     }
-    EXPECT_TRUE(fileText(elsewhere / "kept.sqlite.damaged-20260509-061320-wal") == "garbage");
     EXPECT_EQ(readSettingsStore(link).store->read(keys::autoPurgeKey), SettingsValue(true));
     struct stat status {};
     ASSERT_EQ(::stat(elsewhere.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0755U) << "others' files lie there too";
 
     writeFile(file, "garbage");
-    expectOneProblem(openSettingsStore(link, {workQueue, clock, {}}), "damaged");
-    EXPECT_TRUE(fileText(elsewhere / "kept.sqlite.damaged-20260509-061320-2") == "garbage");
+    expectOneProblem(openSettingsStore(link, {jobs, clock, {}}), "damaged");
+    EXPECT_TRUE(fileText(elsewhere / "kept.sqlite.damaged-20260509-061320") == "garbage");
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_THAT(readSettingsStore(link).problems, IsEmpty());
 }
 
-TEST_F(OpenSettingsStore, ALinkThatLeadsNowhereGivesWayToAFile) {
+TEST_F(OpenSettingsStore, ABrokenLinkIsReplacedByAFile) {
     fs::create_directory(file.parent_path());
     fs::create_symlink(folder.path() / "nowhere" / "settings.sqlite", file);
     makeStored();
@@ -149,7 +148,7 @@ TEST_F(OpenSettingsStore, ALinkThatLeadsNowhereGivesWayToAFile) {
 }
 
 TEST_F(OpenSettingsStore, WithoutAPlaceThereIsMemory) {
-    const OpenedStore opened = openSettingsStore({}, {workQueue, clock, {}});
+    const OpenedStore opened = openSettingsStore({}, {jobs, clock, {}});
     ASSERT_EQ(opened.problems.size(), 1U);
     EXPECT_THAT(opened.problems.front(), HasSubstr("no home folder"));
     opened.store->write(keys::autoPurgeKey, true);
@@ -158,7 +157,7 @@ TEST_F(OpenSettingsStore, WithoutAPlaceThereIsMemory) {
 
 // Rows that make no sense ------------------------------------------------------------------------
 
-TEST_F(OpenSettingsStore, ARowThatMakesNoSenseCostsItsOwnKeyAlone) {
+TEST_F(OpenSettingsStore, AnUnreadableRowAffectsItsOwnKeyOnly) {
     for (const char* change :
          {"kind = 'unknown'", "kind = 'text', value = 'seventy'", "kind = 'flag', value = 1",
           "kind = 'integer', value = 70", "value = 'seventy'", "value = x'00'", "kind = x'FF'",
@@ -173,8 +172,7 @@ TEST_F(OpenSettingsStore, ARowThatMakesNoSenseCostsItsOwnKeyAlone) {
         const OpenedStore opened = open();
         expectOneProblem(opened, "so their defaults are used: Tallowcrest.warningThreshold");
         EXPECT_EQ(opened.store->read(keys::autoSelectKey), SettingsValue(false)) << change;
-        EXPECT_EQ(loadStoredState(*opened.store, "owner").settings.warningThreshold, 82.0)
-            << change;
+        EXPECT_EQ(ownerOf(opened).values().warningThreshold, 82.0) << change;
         // The owner still has it, and is told once.
         EXPECT_THAT(opened.problems.front(), HasSubstr(keptName)) << change;
         EXPECT_EQ(readSettingsStore(file.parent_path() / keptName).problems.size(), 1U) << change;
@@ -182,7 +180,7 @@ TEST_F(OpenSettingsStore, ARowThatMakesNoSenseCostsItsOwnKeyAlone) {
     }
 }
 
-TEST_F(OpenSettingsStore, TheFileKeptForABadRowIsTheUsersAlone) {
+TEST_F(OpenSettingsStore, TheCopyForAnUnreadableRowIsTheUsersAlone) {
     makeStored();
     changeStored("UPDATE settings SET kind = 'unknown'");
     open();
@@ -191,14 +189,14 @@ TEST_F(OpenSettingsStore, TheFileKeptForABadRowIsTheUsersAlone) {
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
-TEST_F(OpenSettingsStore, ABadRowThatCannotBeKeptStays) {
+TEST_F(OpenSettingsStore, AnUnreadableRowThatCannotBeCopiedStays) {
     makeStored();
     changeStored("UPDATE settings SET kind = 'unknown'");
     {
         // Enough for SQLite's own companions, and too little for a copy of the file.
         const LargestFile limit(50'000);
         const OpenedStore opened = open();
-        expectOneProblem(opened, "changed only for this run: Tallowcrest.warningThreshold");
+        expectOneProblem(opened, "changed only for this run: Tallowcrest.autoSelectTopOffender");
         EXPECT_FALSE(opened.store->read(keys::thresholdKey));
         opened.store->write(keys::thresholdKey, 75.0);
         EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(75.0));
@@ -216,7 +214,7 @@ TEST_F(OpenSettingsStore, ABadRowThatCannotBeKeptStays) {
     EXPECT_EQ(thresholdRow(), "number 75.0");
 }
 
-TEST_F(OpenSettingsStore, ARowBeyondAllSizeCostsItsOwnKeyAloneAndIsKept) {
+TEST_F(OpenSettingsStore, ATooLargeRowAffectsItsOwnKeyOnlyAndIsKept) {
     for (const char* column : {"value", "kind"}) {
         fs::remove_all(file.parent_path());
         makeStored();
@@ -238,7 +236,7 @@ TEST_F(OpenSettingsStore, ARowBeyondAllSizeCostsItsOwnKeyAloneAndIsKept) {
     }
 }
 
-TEST_F(OpenSettingsStore, AFileThatCannotBeAskedIsNotTakenForBadRows) {
+TEST_F(OpenSettingsStore, AFailedQueryIsNoUnreadableRow) {
     makeStored();
     {
         const OpenedStore writing = open();
@@ -255,7 +253,7 @@ TEST_F(OpenSettingsStore, AFileThatCannotBeAskedIsNotTakenForBadRows) {
     expectStored(*open().store);
 }
 
-TEST_F(OpenSettingsStore, AnEndWhileTheFileIsBegunIsNoDamage) {
+TEST_F(OpenSettingsStore, AKillDuringCreationIsNoDamage) {
     fs::create_directory(file.parent_path());
     writeFile(file.string() + ".new", "");
     writeFile(file.string() + ".new-journal", "half");
@@ -270,8 +268,8 @@ TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
     changeStored("UPDATE settings SET kind = 'unknown'");
     const OpenedStore opened = open();
     expectOneProblem(opened,
-                     "so their defaults are used: Tallowcrest.warningThreshold, "
-                     "Tallowcrest.history, Tallowcrest.autoSelectTopOffender;");
+                     "so their defaults are used: Tallowcrest.autoSelectTopOffender, "
+                     "Tallowcrest.warningThreshold, Tallowcrest.history;");
     expectDefaults(*opened.store);
 }
 
@@ -283,12 +281,11 @@ TEST_F(OpenSettingsStore, AWholeNumberAndJSONThatDoesNotDecodeAreNoProblem) {
         "INSERT INTO settings VALUES ('somebody.elses', 'unknown', 1)");
     const OpenedStore opened = open();
     EXPECT_THAT(opened.problems, IsEmpty());
-    const StoredState state = loadStoredState(*opened.store, "owner");
-    EXPECT_EQ(state.settings.warningThreshold, 75.0);
-    EXPECT_THAT(state.history, IsEmpty());
+    EXPECT_EQ(ownerOf(opened).values().warningThreshold, 75.0);
+    EXPECT_EQ(ownerOf(opened).load(stored::history), std::nullopt);
 }
 
-TEST_F(OpenSettingsStore, RunsNothingThatTheFileBringsAlong) {
+TEST_F(OpenSettingsStore, RunsNoTriggerOfTheFile) {
     makeStored();
     changeStored("CREATE TRIGGER t AFTER UPDATE ON settings BEGIN DELETE FROM settings; END");
     const OpenedStore opened = open();
@@ -297,9 +294,9 @@ TEST_F(OpenSettingsStore, RunsNothingThatTheFileBringsAlong) {
     EXPECT_EQ(opened.store->read(keys::autoSelectKey), SettingsValue(false));
 }
 
-// Only looking -----------------------------------------------------------------------------------
+// Only reading -----------------------------------------------------------------------------------
 
-TEST_F(OpenSettingsStore, LookingMakesNothing) {
+TEST_F(OpenSettingsStore, ReadingCreatesNothing) {
     const OpenedStore opened = readSettingsStore(file);
     EXPECT_THAT(opened.problems, IsEmpty());
     expectDefaults(*opened.store);
@@ -307,7 +304,7 @@ TEST_F(OpenSettingsStore, LookingMakesNothing) {
     EXPECT_THAT(readSettingsStore({}).problems, IsEmpty());
 }
 
-TEST_F(OpenSettingsStore, LookingFindsWhatIsStoredAndChangesNothing) {
+TEST_F(OpenSettingsStore, ReadingFindsWhatIsStoredAndChangesNothing) {
     makeStored();
     fs::permissions(file, fs::perms(0644));
     const auto before = contents();
@@ -321,7 +318,7 @@ TEST_F(OpenSettingsStore, LookingFindsWhatIsStoredAndChangesNothing) {
     EXPECT_EQ(status.st_mode & 07777U, 0644U);
 }
 
-TEST_F(OpenSettingsStore, LookingSeesWhatAnotherProcessHasJustStored) {
+TEST_F(OpenSettingsStore, ReadingSeesWhatAnotherProcessHasJustStored) {
     WriterProcess other({"write-without-end", file.string(), "28"});
     ASSERT_EQ(other.readOutput(8 * 28).size(), 8U * 28);
     const OpenedStore opened = readSettingsStore(file);
@@ -331,7 +328,7 @@ TEST_F(OpenSettingsStore, LookingSeesWhatAnotherProcessHasJustStored) {
     }
 }
 
-TEST_F(OpenSettingsStore, LookingAtAFileThatWasCutOffMakesNothing) {
+TEST_F(OpenSettingsStore, ReadingATruncatedFileCreatesNothing) {
     makeStored();
     writeFile(file, fileText(file).substr(0, 8192));
     const auto before = contents();
@@ -339,17 +336,7 @@ TEST_F(OpenSettingsStore, LookingAtAFileThatWasCutOffMakesNothing) {
     EXPECT_TRUE(contents() == before);
 }
 
-TEST_F(OpenSettingsStore, LookingTellsOfAnUnsoundLogAndLeavesIt) {
-    makeStored();
-    writeFile(file.string() + "-wal", "garbage");
-    const auto before = contents();
-    const OpenedStore opened = readSettingsStore(file);
-    expectOneProblem(opened, "latest settings changes cannot be read");
-    expectStored(*opened.store);
-    EXPECT_TRUE(contents() == before);
-}
-
-TEST_F(OpenSettingsStore, LookingLeavesDamageWhereItIs) {
+TEST_F(OpenSettingsStore, ReadingLeavesADamagedFileInPlace) {
     fs::create_directory(file.parent_path());
     writeFile(file, "garbage");
     const auto before = contents();

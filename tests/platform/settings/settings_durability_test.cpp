@@ -14,7 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/platform/settings/settings_values.h"
 #include "tests/platform/settings/writer_process.h"
@@ -100,10 +100,12 @@ TEST_F(SettingsDurability, AKillAtAnyMomentLosesNothingThatWasStored) {
         }
         // Looking leaves the log as the kill left it, for the next writer to cope with; opening
         // moves it. The very first file may have been killed before it had a table.
+        ManualMainQueue mainQueue;
         ManualWorkQueue workQueue;
+        Jobs jobs{mainQueue, workQueue};
         const ManualClock clock;
         const OpenedStore opened =
-            i % 5 == 4 ? openSettingsStore(file, {workQueue, clock, {}}) : readSettingsStore(file);
+            i % 5 == 4 ? openSettingsStore(file, {jobs, clock, {}}) : readSettingsStore(file);
         if (acknowledged.next() > 1) {
             ASSERT_THAT(opened.problems, IsEmpty()) << "after kill " << i;
             acknowledged.expectKeptIn(*opened.store);
@@ -114,7 +116,7 @@ TEST_F(SettingsDurability, AKillAtAnyMomentLosesNothingThatWasStored) {
     EXPECT_EQ(textOf("PRAGMA integrity_check"), "ok");
 }
 
-TEST_F(SettingsDurability, TwoWritersDoNoHarmToOneAnother) {
+TEST_F(SettingsDurability, TwoWritersDoNotDisturbOneAnother) {
     constexpr std::int64_t count = 2000;
     constexpr std::int64_t firstOfOther = 1'000'000;
     {
@@ -143,7 +145,7 @@ TEST_F(SettingsDurability, TwoWritersDoNoHarmToOneAnother) {
     }
 }
 
-TEST_F(SettingsDurability, ManyWhoOpenADamagedFileAtOnceKeepItOnce) {
+TEST_F(SettingsDurability, ADamagedFileOpenedByManyProcessesIsPutAsideOnce) {
     std::filesystem::create_directories(file.parent_path());
     std::FILE* garbage = std::fopen(file.c_str(), "w");
     ASSERT_NE(garbage, nullptr);
@@ -192,11 +194,11 @@ TEST_F(SettingsDurability, ALimitOnTheSizeOfFilesLeavesTheOlderValues) {
     expectOf("outgrow-limit", file);
 }
 
-TEST_F(SettingsDurability, AFileThatIsBegunOnAFullDiskIsTold) {
+TEST_F(SettingsDurability, CreatingAFileOnAFullDiskIsReported) {
     expectOf("open-on-full-disk", folder.path());
 }
 
-TEST_F(SettingsDurability, SettingsOnAFullDiskAreReadAllTheSame) {
+TEST_F(SettingsDurability, SettingsOnAFullDiskAreRead) {
     expectOf("open-stored-on-full-disk", folder.path());
 }
 

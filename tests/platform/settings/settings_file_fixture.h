@@ -12,8 +12,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings.h"
-#include "core/settings_keys.h"
+#include "core/settings/settings.h"
+#include "core/settings/settings_keys.h"
+#include "core/settings/settings_owner.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
@@ -61,7 +62,24 @@ protected:
         std::filesystem::permissions(folder.path(), std::filesystem::perms(0777));
     }
 
-    OpenedStore open() { return openSettingsStore(file, {workQueue, clock, {}}); }
+    ~SettingsFileFixture() override {
+        std::error_code ignored;
+        std::filesystem::permissions(file.parent_path(), std::filesystem::perms(0700), ignored);
+    }
+
+    void emptyFolder() const {
+        std::filesystem::remove_all(file.parent_path());
+        std::filesystem::create_directory(file.parent_path());
+    }
+
+    /// Keeps the files as a kill at this moment would leave them, for `restoreFiles`.
+    void keepFiles() const { std::filesystem::copy(file.parent_path(), folder.path() / "copy"); }
+    void restoreFiles() const {
+        std::filesystem::remove_all(file.parent_path());
+        std::filesystem::rename(folder.path() / "copy", file.parent_path());
+    }
+
+    OpenedStore open() { return openSettingsStore(file, {jobs, clock, {}}); }
 
     /// A sound file in which two settings differ from their defaults.
     void makeStored() {
@@ -78,7 +96,7 @@ protected:
         ASSERT_EQ(connection.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
         sqlite3_limit(connection.get(), SQLITE_LIMIT_LENGTH, std::numeric_limits<int>::max());
         ASSERT_EQ(connection.execute(sql.c_str()), SQLITE_OK) << connection.message();
-        connection.mergeLogAtClose();
+        sqlite3_db_config(connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
     }
 
     /// Everything beside the file, and the file.
@@ -97,9 +115,12 @@ protected:
         EXPECT_EQ(store.read(settings_keys::thresholdKey), SettingsValue(70.0));
     }
 
-    static void expectDefaults(const SettingsStore& store) {
-        EXPECT_TRUE(loadStoredState(store, "owner").settings.autoSelectTopOffender);
-        EXPECT_EQ(loadStoredState(store, "owner").settings.warningThreshold, 82.0);
+    SettingsOwner ownerOf(const OpenedStore& opened) { return {*opened.store, mainQueue, "owner"}; }
+
+    void expectDefaults(SettingsStore& store) {
+        const SettingsOwner owner(store, mainQueue, "owner");
+        EXPECT_TRUE(owner.values().autoSelectTopOffender);
+        EXPECT_EQ(owner.values().warningThreshold, 82.0);
     }
 
     /// A store that is not the file serves all the same, and the file does not learn of it.
@@ -135,7 +156,9 @@ protected:
 
     TemporaryFolder folder;
     std::filesystem::path file = folder.path() / "tallowcrest" / "settings.sqlite";
+    ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
+    Jobs jobs{mainQueue, workQueue};
     ManualClock clock;
 };
 

@@ -3,162 +3,177 @@
 #include <cmath>
 #include <limits>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+
+#include "platform/settings/settings_database.h"
 
 namespace tallowcrest {
 namespace {
 
-using namespace std::string_view_literals;
+class SettingsRow : public ::testing::Test {
+protected:
+    SettingsRow() {
+        EXPECT_EQ(memory.open("", SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+    }
 
-struct GoodRow {
-    SettingsValue value;
-    SettingsRow row;
+    SqliteStatement prepare(const std::string& sql) const {
+        SqliteStatement statement;
+        EXPECT_EQ(memory.prepare(sql.c_str(), statement), SQLITE_OK) << sql;
+        return statement;
+    }
+
+    /// `row` has the columns in SQL.
+    std::optional<SettingsValue> read(const std::string& row) const {
+        const SqliteStatement statement = prepare("SELECT " + row);
+        EXPECT_EQ(sqlite3_step(statement.get()), SQLITE_ROW);
+        return valueInRow(statement.get());
+    }
+
+    bool isStoredAs(const SettingsValue& value, const std::string& row) const {
+        const SqliteStatement statement =
+            prepare(fmt::format("SELECT (?1, ?2) IS (kind, value) AND typeof(?2) = typeof(value) "
+                                "FROM (SELECT '' AS kind, '' AS value WHERE 0 UNION ALL SELECT {})",
+                                row));
+        return bindRow(statement.get(), value) == SQLITE_OK &&
+               sqlite3_step(statement.get()) == SQLITE_ROW &&
+               sqlite3_column_int(statement.get(), 0) == 1;
+    }
+
+    SqliteConnection memory;
 };
 
-const std::vector<GoodRow>& goodRows() {
+TEST_F(SettingsRow, EachValueHasOneFormAndIsReadBackFromIt) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    static const std::vector<GoodRow> rows{
-        {true, {"flag", std::int64_t{1}}},
-        {false, {"flag", std::int64_t{0}}},
-        {82.5, {"number", 82.5}},
-        {-0.0, {"number", -0.0}},
-        {infinity, {"number", infinity}},
-        {-infinity, {"number", -infinity}},
-        {5e-324, {"number", 5e-324}},
-        {std::string(), {"text", ""sv}},
-        {std::string("naïve 🌲"), {"text", "naïve 🌲"sv}},
-        {std::string("a\0b", 3), {"text", "a\0b"sv}},
-        {JSONData{"[1]"}, {"json", "[1]"sv}},
-        {JSONData{"no JSON"}, {"json", "no JSON"sv}},
-        {JSONData{}, {"json", ""sv}},
-        {SettingsData{std::string("\xFF\0\x01", 3)}, {"data", RowBytes{"\xFF\0\x01"sv}}},
-        {SettingsData{}, {"data", RowBytes{""sv}}},
-        {SettingsTextList{}, {"list", "[]"sv}},
-        {SettingsTextList{"b", "a", "a", ""}, {"list", R"(["b","a","a",""])"sv}},
-        {SettingsTextList{"a\",\"b", "\n\\"}, {"list", R"(["a\",\"b","\n\\"])"sv}},
-        {SettingsTable{}, {"table", "{}"sv}},
-        {SettingsTable{{"a", -1}, {"mac|A \"B\"", 3}}, {"table", R"({"a":-1,"mac|A \"B\"":3})"sv}},
+    struct Case {
+        SettingsValue value;
+        std::string row;
+    };
+    const std::vector<Case> cases{
+        {true, "'flag', 1"},
+        {false, "'flag', 0"},
+        {82.5, "'number', 82.5"},
+        {-0.0, "'number', -0.0"},
+        {infinity, "'number', 9e999"},
+        {-infinity, "'number', -9e999"},
+        {5e-324, "'number', 5e-324"},
+        {std::string(), "'text', ''"},
+        {std::string("naïve 🌲"), "'text', 'naïve 🌲'"},
+        {std::string("a\0b", 3), "'text', CAST(x'610062' AS TEXT)"},
+        {JSONData{"[1]"}, "'json', '[1]'"},
+        {JSONData{"no JSON"}, "'json', 'no JSON'"},
+        {JSONData{}, "'json', ''"},
+        {SettingsData{std::string("\xFF\0\x01", 3)}, "'data', x'FF0001'"},
+        {SettingsData{}, "'data', x''"},
+        {SettingsTextList{}, "'list', '[]'"},
+        {SettingsTextList{"b", "a", "a", ""}, R"('list', '["b","a","a",""]')"},
+        {SettingsTextList{"a\",\"b", "\n\\"}, R"('list', '["a\",\"b","\n\\"]')"},
+        {SettingsTable{}, "'table', '{}'"},
+        {SettingsTable{{"a", -1}, {"mac|A \"B\"", 3}}, R"('table', '{"a":-1,"mac|A \"B\"":3}')"},
         {SettingsTable{{"", std::numeric_limits<std::int64_t>::max()},
                        {"least", std::numeric_limits<std::int64_t>::min()}},
-         {"table", R"({"":9223372036854775807,"least":-9223372036854775808})"sv}},
+         R"('table', '{"":9223372036854775807,"least":-9223372036854775808}')"},
     };
-    return rows;
-}
-
-TEST(SettingsRow, EachValueHasOneFormAndComesBackFromIt) {
-    for (const auto& [value, row] : goodRows()) {
-        std::string buffer;
-        const auto made = rowFor(value, buffer);
-        ASSERT_TRUE(made.has_value());
-        EXPECT_EQ(made->kind, row.kind);
-        EXPECT_EQ(made->value, row.value) << row.kind;
-        EXPECT_EQ(valueOf(row), value) << row.kind;
+    for (const Case& c : cases) {
+        EXPECT_TRUE(isStoredAs(c.value, c.row)) << c.row;
+        EXPECT_EQ(read(c.row), c.value) << c.row;
     }
 }
 
-TEST(SettingsRow, WhatIsNotANumberIsANumberAllTheSame) {
-    std::string buffer;
-    const auto row = rowFor(std::nan(""), buffer);
-    ASSERT_TRUE(row.has_value());
-    EXPECT_EQ(row->kind, "number");
-    EXPECT_EQ(row->value, RowValue());
-    const auto value = valueOf(*row);
+TEST_F(SettingsRow, NotANumberIsStoredAsNull) {
+    EXPECT_TRUE(isStoredAs(std::nan(""), "'number', NULL"));
+    const auto value = read("'number', NULL");
     ASSERT_TRUE(value && std::holds_alternative<double>(*value));
     EXPECT_TRUE(std::isnan(std::get<double>(*value)));
 }
 
-TEST(SettingsRow, AWholeNumberMayComeAsAnInteger) {
-    EXPECT_EQ(valueOf({"number", std::int64_t{80}}), SettingsValue(80.0));
-    EXPECT_EQ(valueOf({"number", std::int64_t{0}}), SettingsValue(0.0));
-}
-
-TEST(SettingsRow, ListsAndTablesMayComeInAnyLayout) {
-    EXPECT_EQ(valueOf({"list", " [ \"a\" ,\n\"\\u0062\" ] "sv}),
+TEST_F(SettingsRow, ReadsOtherFormsOfTheSameValue) {
+    EXPECT_EQ(read("'number', 80"), SettingsValue(80.0));
+    EXPECT_EQ(read("'number', 0"), SettingsValue(0.0));
+    EXPECT_EQ(read("'list', ' [ \"a\" ,\n\"\\u0062\" ] '"),
               SettingsValue(SettingsTextList{"a", "b"}));
-    EXPECT_EQ(valueOf({"table", "{ \"b\" : 2 , \"a\" : 1 }"sv}),
+    EXPECT_EQ(read("'table', '{ \"b\" : 2 , \"a\" : 1 }'"),
               SettingsValue(SettingsTable{{"a", 1}, {"b", 2}}));
 }
 
-TEST(SettingsRow, TextThatIsNotUTF8HasNoForm) {
-    std::string buffer;
+TEST_F(SettingsRow, InvalidUTF8CannotBeStored) {
+    const SqliteStatement statement = prepare("SELECT ?1, ?2");
     const std::string bad = "half \xC3";
-    EXPECT_FALSE(rowFor(bad, buffer));
-    EXPECT_FALSE(rowFor(JSONData{bad}, buffer));
-    EXPECT_FALSE(rowFor(SettingsTextList{"good", bad}, buffer));
-    EXPECT_FALSE(rowFor(SettingsTable{{bad, 1}}, buffer));
+    for (const SettingsValue& value :
+         {SettingsValue(bad), SettingsValue(JSONData{bad}),
+          SettingsValue(SettingsTextList{"good", bad}), SettingsValue(SettingsTable{{bad, 1}})}) {
+        EXPECT_EQ(bindRow(statement.get(), value), SQLITE_MISMATCH) << value.index();
+    }
 }
 
-TEST(SettingsRow, AnythingElseMakesNoSense) {
+TEST_F(SettingsRow, AnyOtherRowHasNoValue) {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    const std::vector<SettingsRow> rows{
-        // Kinds that there are not.
-        {"", std::int64_t{1}},
-        {"Flag", std::int64_t{1}},
-        {"flag ", std::int64_t{1}},
-        {"integer", std::int64_t{80}},
-        {"real", 80.0},
-        // Columns of another type than the kind is for.
-        {"flag", std::monostate{}},
-        {"flag", 1.0},
-        {"flag", "1"sv},
-        {"flag", "true"sv},
-        {"flag", std::int64_t{2}},
-        {"flag", std::int64_t{-1}},
-        {"number", "80"sv},
-        {"number", RowBytes{"80"sv}},
-        {"text", std::monostate{}},
-        {"text", std::int64_t{1}},
-        {"text", 1.0},
-        {"text", RowBytes{"text"sv}},
-        {"json", std::monostate{}},
-        {"json", RowBytes{"[]"sv}},
-        {"data", std::monostate{}},
-        {"data", "text"sv},
-        {"list", std::monostate{}},
-        {"list", RowBytes{"[]"sv}},
-        {"table", std::int64_t{3}},
-        // Texts that are not UTF-8.
-        {"text", "\xFF"sv},
-        {"text", "\xC0\x80"sv},
-        {"json", "[\"\xED\xA0\x80\"]"sv},
-        {"list", "[\"\xC3\"]"sv},
-        {"table", "{\"\xC3\":1}"sv},
-        // Lists that are none.
-        {"list", ""sv},
-        {"list", "["sv},
-        {"list", "[] []"sv},
-        {"list", "null"sv},
-        {"list", "\"a\""sv},
-        {"list", "{}"sv},
-        {"list", "[1]"sv},
-        {"list", "[null]"sv},
-        {"list", "[true]"sv},
-        {"list", "[\"a\",[]]"sv},
-        {"list", "[[\"a\"]]"sv},
-        {"list", "[\"a\",{}]"sv},
-        {"list", "[\"\\ud800\"]"sv},
-        {"list", deep},
-        // Tables that are none, or not of integers alone.
-        {"table", ""sv},
-        {"table", "{"sv},
-        {"table", "[]"sv},
-        {"table", "{\"a\":1.0}"sv},
-        {"table", "{\"a\":1,\"b\":2.5}"sv},
-        {"table", "{\"a\":\"1\"}"sv},
-        {"table", "{\"a\":null}"sv},
-        {"table", "{\"a\":true}"sv},
-        {"table", "{\"a\":{}}"sv},
-        {"table", "{\"a\":9223372036854775808}"sv},
-        {"table", "{\"a\":1,\"a\":2}"sv},
-        {"table", deep},
+    const std::vector<std::string> rows{
+        // Unknown kinds.
+        "'', 1",
+        "'Flag', 1",
+        "'flag ', 1",
+        "'integer', 80",
+        "'real', 80.0",
+        // Another type than the kind's.
+        "'flag', NULL",
+        "'flag', 1.0",
+        "'flag', '1'",
+        "'flag', 'true'",
+        "'flag', 2",
+        "'flag', -1",
+        "'number', '80'",
+        "'number', CAST('80' AS BLOB)",
+        "'text', NULL",
+        "'text', 1",
+        "'text', 1.0",
+        "'text', CAST('text' AS BLOB)",
+        "'json', NULL",
+        "'json', CAST('[]' AS BLOB)",
+        "'data', NULL",
+        "'data', 'text'",
+        "'list', NULL",
+        "'list', CAST('[]' AS BLOB)",
+        "'table', 3",
+        // Invalid UTF-8.
+        "'text', CAST(x'FF' AS TEXT)",
+        "'text', CAST(x'C080' AS TEXT)",
+        "'json', CAST('[\"\xED\xA0\x80\"]' AS TEXT)",
+        "'list', CAST('[\"\xC3\"]' AS TEXT)",
+        "'table', CAST('{\"\xC3\":1}' AS TEXT)",
+        // Not a list of texts.
+        "'list', ''",
+        "'list', '['",
+        "'list', '[] []'",
+        "'list', 'null'",
+        "'list', '\"a\"'",
+        "'list', '{}'",
+        "'list', '[1]'",
+        "'list', '[null]'",
+        "'list', '[true]'",
+        "'list', '[\"a\",[]]'",
+        "'list', '[[\"a\"]]'",
+        "'list', '[\"a\",{}]'",
+        "'list', '[\"\\ud800\"]'",
+        "'list', '" + deep + "'",
+        // Not a table of integers.
+        "'table', ''",
+        "'table', '{'",
+        "'table', '[]'",
+        "'table', '{\"a\":1.0}'",
+        "'table', '{\"a\":1,\"b\":2.5}'",
+        "'table', '{\"a\":\"1\"}'",
+        "'table', '{\"a\":null}'",
+        "'table', '{\"a\":true}'",
+        "'table', '{\"a\":{}}'",
+        "'table', '{\"a\":9223372036854775808}'",
+        "'table', '{\"a\":1,\"a\":2}'",
+        "'table', '" + deep + "'",
     };
-    for (const SettingsRow& row : rows) {
-        const auto* text = std::get_if<std::string_view>(&row.value);
-        EXPECT_FALSE(valueOf(row))
-            << row.kind << ": " << (text != nullptr ? text->substr(0, 40) : "(no text)");
+    for (const std::string& row : rows) {
+        EXPECT_FALSE(read(row)) << row.substr(0, 40);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "tests/platform/settings/settings_values.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -63,6 +64,11 @@ struct NumberIn {
 };
 
 }  // namespace
+
+const settings_keys::Key& keyOf(std::string_view name) {
+    return *std::find_if(settings_keys::all.begin(), settings_keys::all.end(),
+                         [name](const settings_keys::Key& key) { return key.name == name; });
+}
 
 SettingsValue valueFor(const settings_keys::Key& key, std::int64_t number) {
     switch (key.kind) {

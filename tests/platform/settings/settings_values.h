@@ -4,10 +4,13 @@
 #include <optional>
 #include <string_view>
 
-#include "core/settings_keys.h"
-#include "core/settings_store.h"
+#include "core/settings/settings_store.h"
+#include "core/settings/stored_lists.h"
 
 namespace tallowcrest {
+
+/// The key of that name, which exists.
+const settings_keys::Key& keyOf(std::string_view name);
 
 /// A value for `key` as a long run has it: 180 points of history, 80 events, 40 messages. It bears
 /// `number` throughout, so that a value that is not whole, or of which a part is another's, shows.

@@ -20,7 +20,8 @@
 #include <string>
 #include <vector>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
+#include "platform/base/run_loop.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
 #include "platform/settings/open_settings_store.h"
@@ -37,7 +38,7 @@ constexpr int cannotBeTried = 77;
 class Surroundings {
 public:
     OpenedStore open(const fs::path& file, int logPages) {
-        return openSettingsStore(file, {queue_, clock_,
+        return openSettingsStore(file, {jobs_, clock_,
                                         [this](const std::string& complaint) {
                                             ++complaints;
                                             latestComplaint = complaint;
@@ -49,7 +50,9 @@ public:
 
 private:
     SystemClock clock_;
+    RunLoop mainQueue_;  ///< never run: nothing of the store waits for it
     ThreadWorkQueue queue_{[] {}};
+    Jobs jobs_{mainQueue_, queue_};
 };
 
 /// All keys in turns, without an end, each value bearing one number more. A number that is written
@@ -113,8 +116,8 @@ bool require(bool condition, const char* what) {
 int outgrow(const fs::path& file, int systemError, const std::function<void()>& makeRoom) {
     Surroundings surroundings;
     OpenedStore opened = surroundings.open(file, 100000);
-    const auto& history = settings_keys::all[3];
-    const auto& stop = settings_keys::all[26];
+    const auto& history = keyOf(settings_keys::historyKey);
+    const auto& stop = keyOf(settings_keys::automationEmergencyStopKey);
     std::map<std::string, SettingsValue> last;
     std::int64_t number = 1;
     for (; surroundings.complaints == 0 && number < 5000; ++number) {
@@ -193,7 +196,7 @@ int openOnFullDisk(const fs::path& folder, bool withSettings) {
         return cannotBeTried;
     }
     const fs::path file = folder / "tallowcrest" / "settings.sqlite";
-    const auto& stop = settings_keys::all[26];
+    const auto& stop = keyOf(settings_keys::automationEmergencyStopKey);
     Surroundings surroundings;
     if (withSettings) {
         surroundings.open(file, 1000).store->write(stop.name, true);

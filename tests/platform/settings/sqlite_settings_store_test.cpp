@@ -3,13 +3,14 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/platform/settings/settings_values.h"
 #include "tests/support/manual_clock.h"
@@ -25,14 +26,26 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
+/// Another writer in the middle of a transaction.
+class WriteLock {
+public:
+    explicit WriteLock(const fs::path& file) {
+        EXPECT_EQ(other_.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
+        EXPECT_EQ(other_.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    }
+
+private:
+    SqliteConnection other_;
+};
+
 class SqliteSettingsStoreTest : public ::testing::Test {
 protected:
-    SettingsStore& open(int logPages = SqliteSettingsStore::defaultLogPages) {
+    SettingsStore& open(int logPages = 1024) {
         store.reset();
         OpenedStore opened = openSettingsStore(
             file,
-            {workQueue, clock,
-             [this](const std::string& complaint) { complaints.push_back(complaint); }, logPages});
+            {jobs, clock, [this](const std::string& complaint) { complaints.push_back(complaint); },
+             logPages});
         EXPECT_THAT(opened.problems, IsEmpty());
         store = std::move(opened.store);
         return *store;
@@ -59,13 +72,15 @@ protected:
 
     TemporaryFolder folder;
     fs::path file = folder.path() / "data" / "tallowcrest" / "settings.sqlite";
+    ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
+    Jobs jobs{mainQueue, workQueue};
     ManualClock clock;
     std::vector<std::string> complaints;
     std::unique_ptr<SettingsStore> store;
 };
 
-TEST_F(SqliteSettingsStoreTest, AKeyThatWasNeverWrittenIsAbsent) {
+TEST_F(SqliteSettingsStoreTest, AnUnwrittenKeyIsAbsent) {
     open();
     EXPECT_FALSE(store->read(keys::autoSelectKey));
     store->write(keys::autoPurgeKey, true);
@@ -74,7 +89,7 @@ TEST_F(SqliteSettingsStoreTest, AKeyThatWasNeverWrittenIsAbsent) {
     EXPECT_FALSE(store->read("tallowcrest.autopurgesustainedmemory"));
 }
 
-TEST_F(SqliteSettingsStoreTest, EveryKeyComesBackAfterAnEndOfEveryKind) {
+TEST_F(SqliteSettingsStoreTest, EveryKeyIsWrittenThroughAndReadBack) {
     open();
     for (const keys::Key& key : keys::all) {
         store->write(key.name, valueFor(key, 7));
@@ -98,7 +113,7 @@ TEST_F(SqliteSettingsStoreTest, AWriteReplacesTheOlderValueAndItsKind) {
     EXPECT_EQ(store->read("key"), SettingsValue(SettingsTextList{"1"}));
 }
 
-TEST_F(SqliteSettingsStoreTest, AKeyIsAnyText) {
+TEST_F(SqliteSettingsStoreTest, AnyTextCanBeAKey) {
     open();
     for (const std::string& key : {std::string("it's; DROP TABLE settings"), std::string("a\"b"),
                                    std::string("?1"), std::string("")}) {
@@ -107,7 +122,7 @@ TEST_F(SqliteSettingsStoreTest, AKeyIsAnyText) {
     }
 }
 
-TEST_F(SqliteSettingsStoreTest, WhatHasNoFormLeavesTheOlderValueInSilence) {
+TEST_F(SqliteSettingsStoreTest, AnInvalidValueLeavesTheOlderOneSilently) {
     open();
     store->write(keys::sshUsernameKey, std::string("owner"));
     store->write(keys::sshUsernameKey, std::string("\xFF"));
@@ -115,7 +130,7 @@ TEST_F(SqliteSettingsStoreTest, WhatHasNoFormLeavesTheOlderValueInSilence) {
     EXPECT_THAT(complaints, IsEmpty());
 }
 
-TEST_F(SqliteSettingsStoreTest, WhatIsTooBigLeavesTheOlderValueInSilence) {
+TEST_F(SqliteSettingsStoreTest, ATooLargeValueLeavesTheOlderOneSilently) {
     open();
     store->write(keys::sshUsernameKey, std::string("owner"));
     store->write(keys::sshUsernameKey, std::string((32U << 20U) + 1, 'x'));
@@ -123,14 +138,12 @@ TEST_F(SqliteSettingsStoreTest, WhatIsTooBigLeavesTheOlderValueInSilence) {
     EXPECT_THAT(complaints, IsEmpty());
 }
 
-TEST_F(SqliteSettingsStoreTest, WhatHasNoFormDoesNotEndAnOutage) {
+TEST_F(SqliteSettingsStoreTest, AnInvalidValueDoesNotEndAnOutage) {
     open().write(keys::sshUsernameKey, std::string("owner"));
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
-    ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    std::optional<WriteLock> lock(file);
     store->write(keys::sshUsernameKey, std::string("new"));
     store->write(keys::sshUsernameKey, std::string("\xFF"));
-    ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+    lock.reset();
     store->write(keys::autoPurgeKey, true);
     EXPECT_EQ(stored(keys::sshUsernameKey), SettingsValue(std::string("new")));
     EXPECT_EQ(complaints.size(), 1U);
@@ -152,7 +165,7 @@ TEST_F(SqliteSettingsStoreTest, FolderAndFilesAreTheUsersAlone) {
     }
 }
 
-TEST_F(SqliteSettingsStoreTest, WhatWasOpenToOthersIsClosedToThem) {
+TEST_F(SqliteSettingsStoreTest, WithdrawsTheAccessOfOthers) {
     open().write(keys::autoPurgeKey, true);
     store.reset();
     fs::permissions(file, fs::perms(0666));
@@ -167,8 +180,8 @@ TEST_F(SqliteSettingsStoreTest, WhatWasOpenToOthersIsClosedToThem) {
 
 // The log of latest changes ----------------------------------------------------------------------
 
-TEST_F(SqliteSettingsStoreTest, AnOrderlyEndLeavesTheFileAlone) {
-    open().write(keys::historyKey, valueFor(keys::all[3], 1));
+TEST_F(SqliteSettingsStoreTest, DestructionLeavesOnlyTheFile) {
+    open().write(keys::historyKey, valueFor(keyOf(keys::historyKey), 1));
     EXPECT_GT(logSize(), 0U);
     store.reset();
     int files = 0;
@@ -179,18 +192,18 @@ TEST_F(SqliteSettingsStoreTest, AnOrderlyEndLeavesTheFileAlone) {
     EXPECT_EQ(files, 1);
 }
 
-TEST_F(SqliteSettingsStoreTest, TheLogIsMovedByTheWorkQueueAndNotByAWrite) {
+TEST_F(SqliteSettingsStoreTest, TheWorkQueueMovesTheLog) {
     open(50);
     const std::uintmax_t before = fs::file_size(file);
     std::int64_t number = 0;
     while (workQueue.pendingCount() == 0) {
         ASSERT_LT(number, 1000);
-        store->write(keys::historyKey, valueFor(keys::all[3], ++number));
+        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     }
     EXPECT_GE(logSize(), 50U * 4096);
     // Nobody comes to move it for a while: one job waits, however many writes there are.
     for (int i = 0; i < 50; ++i) {
-        store->write(keys::historyKey, valueFor(keys::all[3], ++number));
+        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     }
     EXPECT_EQ(workQueue.pendingCount(), 1U);
     EXPECT_EQ(fs::file_size(file), before);
@@ -200,18 +213,18 @@ TEST_F(SqliteSettingsStoreTest, TheLogIsMovedByTheWorkQueueAndNotByAWrite) {
     EXPECT_GT(fs::file_size(file), before);
     // It is begun anew in place, so that the same writes no longer lengthen it.
     for (int i = 0; i < 20; ++i) {
-        store->write(keys::historyKey, valueFor(keys::all[3], ++number));
+        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     }
     EXPECT_EQ(logSize(), longest);
-    EXPECT_EQ(stored(keys::historyKey), valueFor(keys::all[3], number));
+    EXPECT_EQ(stored(keys::historyKey), valueFor(keyOf(keys::historyKey), number));
 }
 
-TEST_F(SqliteSettingsStoreTest, TheFirstWriterToABegunLogIsTheJob) {
+TEST_F(SqliteSettingsStoreTest, TheJobMakesTheFirstWriteToTheRestartedLog) {
     open(50);
     std::int64_t number = 0;
     while (workQueue.pendingCount() == 0) {
         ASSERT_LT(number, 1000);
-        store->write(keys::historyKey, valueFor(keys::all[3], ++number));
+        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     }
     const auto saltOf = [this] {
         std::FILE* log = std::fopen((file.string() + "-wal").c_str(), "rb");
@@ -224,7 +237,7 @@ TEST_F(SqliteSettingsStoreTest, TheFirstWriterToABegunLogIsTheJob) {
     workQueue.run();
     const std::string after = saltOf();
     EXPECT_NE(after, before) << "the job leaves the wait for the disk to the next write";
-    store->write(keys::historyKey, valueFor(keys::all[3], ++number));
+    store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     EXPECT_EQ(saltOf(), after);
 }
 
@@ -245,11 +258,9 @@ TEST_F(SqliteSettingsStoreTest, AJobMayOutliveTheStoreAndTheFile) {
 
 // Writes that fail -------------------------------------------------------------------------------
 
-TEST_F(SqliteSettingsStoreTest, ALockedFileLeavesTheOlderValueAndTakesTheNewerOneLater) {
+TEST_F(SqliteSettingsStoreTest, AWriteToALockedFileIsRetriedLater) {
     open().write(keys::thresholdKey, 70.0);
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
-    ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    std::optional<WriteLock> lock(file);
     store->write(keys::thresholdKey, 80.0);
     store->write(keys::autoPurgeKey, true);
     EXPECT_EQ(store->read(keys::thresholdKey), SettingsValue(70.0));
@@ -258,7 +269,7 @@ TEST_F(SqliteSettingsStoreTest, ALockedFileLeavesTheOlderValueAndTakesTheNewerOn
     EXPECT_THAT(complaints.front(), HasSubstr(file.string()));
     EXPECT_THAT(complaints.front(), HasSubstr("locked"));
 
-    ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+    lock.reset();
     store->write(keys::autoSelectKey, false);
     EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(80.0));
     EXPECT_EQ(stored(keys::autoPurgeKey), SettingsValue(true));
@@ -266,17 +277,15 @@ TEST_F(SqliteSettingsStoreTest, ALockedFileLeavesTheOlderValueAndTakesTheNewerOn
     EXPECT_EQ(complaints.size(), 1U);
 }
 
-TEST_F(SqliteSettingsStoreTest, EveryOutageIsComplainedOfOnce) {
+TEST_F(SqliteSettingsStoreTest, ComplainsOncePerOutage) {
     open();
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
     for (const std::size_t outages : {1U, 2U, 3U}) {
-        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        std::optional<WriteLock> lock(file);
         store->write(keys::thresholdKey, 70.0);
         store->write(keys::thresholdKey, 71.0);
         store->write(keys::autoPurgeKey, true);
         EXPECT_EQ(complaints.size(), outages);
-        ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+        lock.reset();
         store->write(keys::autoSelectKey, false);
         store->write(keys::autoSelectKey, true);
         EXPECT_EQ(complaints.size(), outages);
@@ -309,13 +318,11 @@ private:
     sqlite3_vfs counting_;
 };
 
-TEST_F(SqliteSettingsStoreTest, ALockIsWaitedForOnceUntilItIsGone) {
+TEST_F(SqliteSettingsStoreTest, WaitsOncePerOutageForALock) {
     const CountedWaits waits;
     open();
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
     for (int outage = 0; outage < 2; ++outage) {
-        ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+        std::optional<WriteLock> lock(file);
         CountedWaits::count = 0;
         store->write(keys::thresholdKey, 70.0);
         EXPECT_GT(CountedWaits::count, 0);
@@ -324,33 +331,27 @@ TEST_F(SqliteSettingsStoreTest, ALockIsWaitedForOnceUntilItIsGone) {
             store->write(key.name, valueFor(key, 7));
         }
         EXPECT_EQ(CountedWaits::count, 0);
-        ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+        lock.reset();
         store->write(keys::autoPurgeKey, true);
     }
-    other.close();
     store.reset();
 }
 
-TEST_F(SqliteSettingsStoreTest, ANewerValueIsNotUndoneByAnOlderOneThatFailed) {
+TEST_F(SqliteSettingsStoreTest, ARetryDoesNotOverwriteANewerValue) {
     open();
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
-    ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    std::optional<WriteLock> lock(file);
     store->write(keys::thresholdKey, 70.0);
-    ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
+    lock.reset();
     store->write(keys::thresholdKey, 80.0);
     store->write(keys::autoPurgeKey, true);
     EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(80.0));
 }
 
-TEST_F(SqliteSettingsStoreTest, WhatFailedIsTriedOnceMoreAtTheEnd) {
+TEST_F(SqliteSettingsStoreTest, AFailedWriteIsRetriedOnDestruction) {
     open();
-    SqliteConnection other;
-    ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
-    ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    std::optional<WriteLock> lock(file);
     store->write(keys::thresholdKey, 70.0);
-    ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
-    other.close();
+    lock.reset();
     store.reset();
     EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(70.0));
 }

@@ -10,7 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/platform/settings/settings_file_fixture.h"
 #include "tests/platform/settings/writer_process.h"
@@ -35,7 +35,7 @@ TEST_F(UnusableSettings, PutsSomebodyElsesDatabaseAside) {
     }
 }
 
-TEST_F(UnusableSettings, PutsADatabaseAsideThatHasNotOurTable) {
+TEST_F(UnusableSettings, PutsADatabaseWithoutOurTableAside) {
     for (const char* sql :
          {"DROP TABLE settings", "ALTER TABLE settings RENAME COLUMN value TO v",
           "ALTER TABLE settings RENAME TO s; CREATE VIEW settings AS SELECT * FROM s",
@@ -62,15 +62,13 @@ TEST_F(UnusableSettings, LeavesANewerVersionsFileExactlyAsItIs) {
 
 TEST_F(UnusableSettings, LeavesANewerVersionsFileEvenWhenOnlyItsLogTells) {
     makeStored();
-    const fs::path copy = folder.path() / "copy";
     {
         SqliteConnection connection;
         ASSERT_EQ(connection.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
         ASSERT_EQ(connection.execute("PRAGMA user_version = 2"), SQLITE_OK);
-        fs::copy(file.parent_path(), copy);
+        keepFiles();
     }
-    fs::remove_all(file.parent_path());
-    fs::rename(copy, file.parent_path());
+    restoreFiles();
     const std::string fileBefore = fileText(file);
     const std::string logBefore = fileText(file.string() + "-wal");
     ASSERT_GT(logBefore.size(), 32U);
@@ -113,17 +111,28 @@ TEST_F(UnusableSettings, ReadsAFileThatCannotBeChanged) {
     EXPECT_EQ(status.st_mode & 07777U, 0400U);
 }
 
+TEST_F(UnusableSettings, PutsADamagedOrForeignFileAsideThatCannotBeChanged) {
+    for (const auto& [sql, words] :
+         std::map<std::string, std::string>{{"PRAGMA application_id = 77", "no settings of ours"},
+                                            {"DROP TABLE settings", "damaged"}}) {
+        fs::remove_all(file.parent_path());
+        makeStored();
+        changeStored(sql);
+        fs::permissions(file, fs::perms(0400));
+        const std::string original = fileText(file);
+        const AsOrdinaryUser user(file.parent_path());
+        expectPutAside(words, original);
+    }
+}
+
 TEST_F(UnusableSettings, ReadsAFileInAFolderThatCannotBeChanged) {
     makeStored();
     fs::permissions(file.parent_path(), fs::perms(0500));
-    {
-        const AsOrdinaryUser user(file.parent_path());
-        const OpenedStore opened = open();
-        expectOneProblem(opened, "can be read but not changed");
-        expectStored(*opened.store);
-        expectMemoryAlone(opened);
-    }
-    fs::permissions(file.parent_path(), fs::perms(0700));
+    const AsOrdinaryUser user(file.parent_path());
+    const OpenedStore opened = open();
+    expectOneProblem(opened, "can be read but not changed");
+    expectStored(*opened.store);
+    expectMemoryAlone(opened);
 }
 
 TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeRead) {
@@ -162,24 +171,18 @@ TEST_F(UnusableSettings, TellsWhyTheFirstMissingFolderCannotBeMade) {
 TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeBegun) {
     fs::create_directory(file.parent_path());
     fs::permissions(file.parent_path(), fs::perms(0500));
-    {
-        const AsOrdinaryUser user(file.parent_path());
-        expectOneProblem(open(), "cannot be made");
-    }
-    fs::permissions(file.parent_path(), fs::perms(0700));
+    const AsOrdinaryUser user(file.parent_path());
+    expectOneProblem(open(), "cannot be made");
 }
 
 TEST_F(UnusableSettings, DoesWithoutADamagedFileThatCannotBePutAside) {
     fs::create_directory(file.parent_path());
     writeFile(file, "garbage");
     fs::permissions(file.parent_path(), fs::perms(0500));
-    {
-        const AsOrdinaryUser user(file.parent_path());
-        const OpenedStore opened = open();
-        expectOneProblem(opened, "cannot be put aside");
-        expectMemoryAlone(opened);
-    }
-    fs::permissions(file.parent_path(), fs::perms(0700));
+    const AsOrdinaryUser user(file.parent_path());
+    const OpenedStore opened = open();
+    expectOneProblem(opened, "cannot be put aside");
+    expectMemoryAlone(opened);
     EXPECT_TRUE(fileText(file) == "garbage");
 }
 

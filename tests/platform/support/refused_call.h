@@ -4,9 +4,9 @@
 
 namespace tallowcrest {
 
-/// Lets the kernel refuse one of its calls (`SYS_...`) with `error` to the calling thread, and to
-/// whatever it starts, from now on; the other threads of this process go on as before. False where
-/// this account may not ask for that.
+/// Makes one system call (`SYS_...`) fail with `error` on the calling thread, and in whatever it
+/// starts, from now on. Other threads are not affected. Returns false where this account may not
+/// install the filter.
 bool refuseCall(std::uint32_t call, int error);
 
 }  // namespace tallowcrest

@@ -15,14 +15,14 @@
 namespace tallowcrest {
 namespace {
 
-constexpr std::chrono::seconds patience{30};
+constexpr std::chrono::seconds timeout{30};
 
 }  // namespace
 
 StartedProgram::StartedProgram(const std::vector<std::string>& arguments) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
+        throw std::runtime_error("pipe failed");
     }
     output_ = UniqueFD(ends[0]);
     const UniqueFD writer(ends[1]);
@@ -40,13 +40,13 @@ StartedProgram::StartedProgram(const std::vector<std::string>& arguments) {
         ::_exit(127);
     }
     if (pid_ < 0) {
-        throw std::runtime_error("no child");
+        throw std::runtime_error("fork failed");
     }
 }
 
 std::string StartedProgram::line() {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    std::size_t end = heard_.find('\n');
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    std::size_t end = received_.find('\n');
     while (end == std::string::npos) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
@@ -59,11 +59,11 @@ std::string StartedProgram::line() {
         if (count <= 0) {
             break;
         }
-        heard_.append(bytes.data(), static_cast<std::size_t>(count));
-        end = heard_.find('\n');
+        received_.append(bytes.data(), static_cast<std::size_t>(count));
+        end = received_.find('\n');
     }
-    const std::string result = heard_.substr(0, end);
-    heard_.erase(0, end == std::string::npos ? end : end + 1);
+    const std::string result = received_.substr(0, end);
+    received_.erase(0, end == std::string::npos ? end : end + 1);
     return result;
 }
 
@@ -76,7 +76,7 @@ bool StartedProgram::isRunning() {
 }
 
 std::optional<int> StartedProgram::exitStatus() {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (isRunning() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

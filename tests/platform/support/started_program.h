@@ -10,11 +10,11 @@
 
 namespace tallowcrest {
 
-/// A program that runs beside a test, which hears its standard output. It ends with this object,
-/// and with the test's thread though that crashes.
+/// A program that runs beside a test, which reads its standard output. It is killed by the
+/// destructor, and when the test's thread ends for any reason.
 class StartedProgram {
 public:
-    /// Looked up in the search path; inherits the environment. What it complains of is dropped.
+    /// Looked up in $PATH. Inherits the environment; its standard error is discarded.
     explicit StartedProgram(const std::vector<std::string>& arguments);
     StartedProgram(const StartedProgram&) = delete;
     StartedProgram& operator=(const StartedProgram&) = delete;
@@ -22,9 +22,10 @@ public:
 
     pid_t pid() const { return pid_; }
 
-    /// Its next line, without the break. What there is when it ends or is silent for too long.
+    /// Its next line, without the newline; what is left when it ends or writes nothing for too
+    /// long.
     std::string line();
-    /// Waits for its end. Absent when a signal ended it or it does not end.
+    /// Waits until it has ended. Absent when a signal ended it or it does not end in time.
     std::optional<int> exitStatus();
     bool isRunning();
 
@@ -35,8 +36,8 @@ public:
 private:
     pid_t pid_;
     UniqueFD output_;
-    std::string heard_;
-    std::optional<int> status_;  ///< as `waitpid` tells it, once it has ended
+    std::string received_;
+    std::optional<int> status_;  ///< from `waitpid`, once it has ended
 };
 
 }  // namespace tallowcrest

@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <stdexcept>
+
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 
@@ -15,7 +18,7 @@ TestChild::TestChild(const std::function<void()>& work) : pid_(::fork()) {
         ::_exit(0);
     }
     if (pid_ < 0) {
-        throw std::runtime_error("no child");
+        throw std::runtime_error("fork failed");
     }
 }
 
@@ -45,10 +48,46 @@ void spin() {
     }
 }
 
+std::optional<int> statusOfChild(const std::function<int()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(work());
+    }
+    int status = 0;
+    if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return std::nullopt;
+    }
+    return WEXITSTATUS(status);
+}
+
 std::optional<ProcessSample> rowOf(const std::vector<ProcessSample>& rows, std::int64_t pid) {
     const auto found = std::find_if(rows.begin(), rows.end(),
                                     [pid](const ProcessSample& row) { return row.pid == pid; });
     return found == rows.end() ? std::nullopt : std::optional(*found);
+}
+
+ToolRequest shellTool(const std::string& script, std::optional<std::chrono::milliseconds> timeout) {
+    return {"/bin/sh", {"-c", script}, timeout, false};
+}
+
+bool isRunning(pid_t pid) {
+    const std::string text = fileText("/proc/" + std::to_string(pid) + "/stat");
+    const auto nameEnd = text.rfind(") ");
+    return nameEnd != std::string::npos && text[nameEnd + 2] != 'Z' && text[nameEnd + 2] != 'X';
+}
+
+bool hasChild() {
+    siginfo_t info{};
+    return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+int openDescriptorCount() {
+    int count = 0;
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/fd")) {
+        ++count;
+    }
+    return count - 1;  // the iterator's own
 }
 
 }  // namespace tallowcrest

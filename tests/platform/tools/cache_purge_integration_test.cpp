@@ -1,4 +1,4 @@
-// The purge over the real launcher and the system's own tools.
+// The purge with the real launcher and the tools of the system.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,14 +26,14 @@ using Outcome = PurgeResult::Outcome;
 
 constexpr const char* dropCaches = "/proc/sys/vm/drop_caches";
 
-/// What another process found.
+/// The result from another process.
 struct Report {
     bool hasEnded = false;  ///< false: it hung
     PurgeResult result;
 };
 
-/// Purges in a process without the rights for it.
-Report purgeAsNobody(bool withTheToolsOfRoot) {
+/// Purges in an unprivileged process.
+Report purgeAsNobody(bool asForRoot) {
     int ends[2];
     if (::pipe(ends) != 0) {
         return {};
@@ -48,7 +48,7 @@ Report purgeAsNobody(bool withTheToolsOfRoot) {
         }
         PosixToolLauncher launcher;
         ToolCachePurge purge(CommandSafetyPolicy::linuxExecutables(), launcher,
-                             linuxPurgeTools(withTheToolsOfRoot));
+                             linuxPurgeTools(asForRoot));
         const PurgeResult result = purge.purge();
         const bool isWritten = ::write(writeEnd.get(), result.error.data(), result.error.size()) ==
                                static_cast<ssize_t>(result.error.size());
@@ -77,13 +77,13 @@ Report purgeAsNobody(bool withTheToolsOfRoot) {
     return report;
 }
 
-TEST(CachePurgeIntegration, IsForRootAlone) {
+TEST(CachePurgeIntegration, RequiresRoot) {
     const Report report = purgeAsNobody(true);
     ASSERT_TRUE(report.hasEnded);
     EXPECT_EQ(report.result, (PurgeResult{Outcome::refused, ""}));
 }
 
-TEST(CachePurgeIntegration, NobodyToAuthoriseItIsNoReasonToWait) {
+TEST(CachePurgeIntegration, DoesNotWaitWhenNobodyCanAuthoriseIt) {
     if (std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr) {
         GTEST_SKIP() << "the desktop that this runs on would show a dialog and wait for a password";
     }
@@ -99,7 +99,7 @@ TEST(CachePurgeIntegration, RootPurges) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root may purge, and this account is not";
     }
-    // A container may be root and still be kept from it.
+    // In a container even root may not be allowed to purge.
     const bool isPossible = ::access(dropCaches, W_OK) == 0;
     PosixToolLauncher launcher;
     ToolCachePurge purge(CommandSafetyPolicy::linuxExecutables(), launcher, linuxPurgeTools(true));

@@ -30,14 +30,14 @@ protected:
     std::string output;
 };
 
-TEST_F(CapturedStreamTest, OnlyOurEndIsNonBlockingAndNeitherIsInherited) {
+TEST_F(CapturedStreamTest, OnlyTheReadEndIsNonBlockingAndNeitherIsInherited) {
     EXPECT_NE(::fcntl(pipe.readEnd.get(), F_GETFL) & O_NONBLOCK, 0);
     EXPECT_EQ(::fcntl(pipe.writeEnd.get(), F_GETFL) & O_NONBLOCK, 0);
     EXPECT_EQ(::fcntl(pipe.readEnd.get(), F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(::fcntl(pipe.writeEnd.get(), F_GETFD), FD_CLOEXEC);
 }
 
-TEST_F(CapturedStreamTest, PipesKeepClearOfTheStandardNumbers) {
+TEST_F(CapturedStreamTest, PipesAvoidTheStandardDescriptors) {
     std::array<UniqueFD, 3> kept;
     for (std::size_t number = 0; number < kept.size(); ++number) {
         kept.at(number) = UniqueFD(::fcntl(static_cast<int>(number), F_DUPFD_CLOEXEC, 20));
@@ -63,7 +63,7 @@ TEST_F(CapturedStreamTest, PipesKeepClearOfTheStandardNumbers) {
     EXPECT_FALSE(standardNumberTaken);
 }
 
-TEST_F(CapturedStreamTest, AnEmptyPipeIsNoEnd) {
+TEST_F(CapturedStreamTest, AnEmptyPipeIsNotTheEndOfTheStream) {
     CapturedStream captured = stream();
     captured.readAvailable();
     captured.readRemaining();
@@ -89,7 +89,7 @@ TEST_F(CapturedStreamTest, TheStreamEndsWithItsLastWriter) {
     EXPECT_EQ(output, "last words");
 }
 
-TEST_F(CapturedStreamTest, TheRemainderIsWhatThePipeHoldsThoughItStaysOpen) {
+TEST_F(CapturedStreamTest, ReadsTheRemainderOfAPipeThatStaysOpen) {
     CapturedStream captured = stream();
     const std::string text(50000, 'x');
     write(text);
@@ -97,7 +97,7 @@ TEST_F(CapturedStreamTest, TheRemainderIsWhatThePipeHoldsThoughItStaysOpen) {
     EXPECT_EQ(output, text);
 }
 
-TEST_F(CapturedStreamTest, BeyondTheLimitIsReadAndDropped) {
+TEST_F(CapturedStreamTest, DiscardsOutputBeyondTheLimit) {
     CapturedStream captured = stream(5);
     write("123");
     captured.readAvailable();
@@ -115,7 +115,7 @@ TEST_F(CapturedStreamTest, BeyondTheLimitIsReadAndDropped) {
     EXPECT_EQ(captured.descriptor(), -1);
 }
 
-TEST_F(CapturedStreamTest, WithoutATargetEverythingIsDropped) {
+TEST_F(CapturedStreamTest, DiscardsEverythingWithoutATarget) {
     CapturedStream captured(std::move(pipe.readEnd), nullptr, 0);
     write("unread");
     pipe.writeEnd.reset();

@@ -22,8 +22,8 @@ std::vector<std::string> copyOf(std::vector<const char*> variables) {
     return result;
 }
 
-TEST(ChildEnvironment, LeavesOutWhatIsForThisProcessAlone) {
-    EXPECT_THAT(copyOf({"XDG_ACTIVATION_TOKEN=leave", "PATH=/bin", "DESKTOP_STARTUP_ID=leave",
+TEST(ChildEnvironment, LeavesOutTheActivationToken) {
+    EXPECT_THAT(copyOf({"XDG_ACTIVATION_TOKEN=token", "PATH=/bin", "DESKTOP_STARTUP_ID=token",
                         "HOME=/home/owner"}),
                 ElementsAre("PATH=/bin", "HOME=/home/owner"));
     EXPECT_THAT(copyOf({"XDG_ACTIVATION_TOKEN=", "DESKTOP_STARTUP_ID="}), IsEmpty());
@@ -31,7 +31,7 @@ TEST(ChildEnvironment, LeavesOutWhatIsForThisProcessAlone) {
                 ElementsAre("PATH=/bin"));
 }
 
-TEST(ChildEnvironment, KeepsWhatOnlyResemblesIt) {
+TEST(ChildEnvironment, KeepsVariablesWithSimilarNames) {
     const std::vector<const char*> alike{"XDG_ACTIVATION_TOKENS=a",   "XDG_ACTIVATION_TOKEN",
                                          "MY_XDG_ACTIVATION_TOKEN=a", "xdg_activation_token=a",
                                          "XDG_ACTIVATION=a",          "DESKTOP_STARTUP_IDS=a",
@@ -40,13 +40,13 @@ TEST(ChildEnvironment, KeepsWhatOnlyResemblesIt) {
     EXPECT_THAT(copyOf(alike), ElementsAreArray(alike));
 }
 
-TEST(ChildEnvironment, KeepsTheRestToTheLetter) {
+TEST(ChildEnvironment, KeepsOtherVariablesUnchanged) {
     const std::vector<const char*> rest{"EMPTY=",  "A=b=c", "TEXT=two\nlines, \xC3\xA9 and \xFF",
                                         "A=again", "",      "NOTHING"};
     EXPECT_THAT(copyOf(rest), ElementsAreArray(rest));
 }
 
-TEST(ChildEnvironment, IsEmptyWhereThereIsNone) {
+TEST(ChildEnvironment, MayBeEmpty) {
     EXPECT_THAT(copyOf({}), IsEmpty());
     EXPECT_EQ(*ChildEnvironment(nullptr).variables(), nullptr);
 }

@@ -1,4 +1,4 @@
-// What a child starts with, and what a launch leaves behind in this process.
+// The state in which a child starts, and what a launch leaves behind in this process.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -18,15 +18,12 @@
 
 #include "platform/base/unique_fd.h"
 #include "platform/tools/tool_launcher_posix.h"
-#include "tests/platform/support/child_scenario.h"
+#include "tests/platform/support/test_children.h"
 
 namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
-using child_scenario::hasChild;
-using child_scenario::openDescriptorCount;
-using child_scenario::shellTool;
 
 class LaunchedChildTest : public testing::Test {
 protected:
@@ -35,7 +32,7 @@ protected:
     PosixToolLauncher launcher;
 };
 
-/// Puts a signal's disposition back at the end.
+/// Sets the disposition of a signal during its lifetime.
 class SignalGuard {
 public:
     SignalGuard(int signal, void (*handler)(int)) : signal_(signal) {
@@ -63,9 +60,9 @@ TEST_F(LaunchedChildTest, InheritsTheEnvironmentAndTheWorkingDirectory) {
     EXPECT_EQ(result.output, std::string(path) + "\n" + here.data() + "\n");
 }
 
-TEST_F(LaunchedChildTest, KnowsNothingOfWhatIsLentToTheEnvironmentLater) {
-    // Lent by the main thread at any moment, so not to be looked at while a tool is launched.
-    ASSERT_EQ(::setenv("XDG_ACTIVATION_TOKEN", "leave for one window", 1), 0);
+TEST_F(LaunchedChildTest, DoesNotInheritAnActivationTokenSetLater) {
+    // The main thread may change it at any time, so a launch must not read the environment.
+    ASSERT_EQ(::setenv("XDG_ACTIVATION_TOKEN", "token", 1), 0);
     const ToolResult result = launcher.launch(shellTool("echo \"<$XDG_ACTIVATION_TOKEN>\"", 30s));
     ::unsetenv("XDG_ACTIVATION_TOKEN");
     EXPECT_EQ(result.output, "<>\n");
@@ -78,9 +75,9 @@ TEST_F(LaunchedChildTest, ReadsAnEmptyStandardInput) {
 }
 
 TEST_F(LaunchedChildTest, HasOnlyTheStandardThreeDescriptors) {
-    // Opened without care, as a library might.
-    const UniqueFD careless(::open("/dev/null", O_RDONLY));
-    const UniqueFD further(::fcntl(careless.get(), F_DUPFD, 25));
+    // Opened without close-on-exec, as a library might do.
+    const UniqueFD inheritable(::open("/dev/null", O_RDONLY));
+    const UniqueFD further(::fcntl(inheritable.get(), F_DUPFD, 25));
     ASSERT_TRUE(further.valid());
 
     const ToolResult result = launcher.launch(shellTool(
@@ -112,11 +109,11 @@ TEST_F(LaunchedChildTest, StartsWithDefaultSignalHandlingAndNothingBlocked) {
     fields >> std::hex >> blockedName >> childBlocks >> ignoredName >> childIgnores;
     ASSERT_TRUE(fields) << result.output;
     EXPECT_EQ(childBlocks, 0U);
-    // Without the two signals behind the standard ones, which the C library keeps to itself.
+    // Without the two signals after the standard ones, which the C library reserves.
     EXPECT_EQ(childIgnores & 0x7FFFFFFFU, 0U);
 }
 
-TEST_F(LaunchedChildTest, LeadsAGroupAndSessionOfItsOwn) {
+TEST_F(LaunchedChildTest, LeadsItsOwnGroupAndSession) {
     const ToolResult result = launcher.launch({"/bin/cat", {"/proc/self/stat"}, 30s, false});
     std::istringstream fields(result.output.substr(result.output.rfind(')') + 1));
     std::string state;
@@ -129,7 +126,7 @@ TEST_F(LaunchedChildTest, LeadsAGroupAndSessionOfItsOwn) {
     EXPECT_EQ(session, group);
 }
 
-TEST_F(LaunchedChildTest, IsCapturedThoughThisProcessHasNoStandardStreams) {
+TEST_F(LaunchedChildTest, IsCapturedEvenIfThisProcessHasNoStandardStreams) {
     std::array<UniqueFD, 3> kept;
     for (int number = 0; number < 3; ++number) {
         kept.at(static_cast<std::size_t>(number)) = UniqueFD(::fcntl(number, F_DUPFD_CLOEXEC, 10));
@@ -184,7 +181,7 @@ TEST_F(LaunchedChildTest, LeavesNoDescriptorBehind) {
     EXPECT_EQ(openDescriptorCount(), before);
 }
 
-TEST_F(LaunchedChildTest, FewDescriptorsMeanACleanFailureOrACleanLaunch) {
+TEST_F(LaunchedChildTest, ScarceDescriptorsGiveACleanFailureOrACleanLaunch) {
     rlimit original{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &original), 0);
     const int before = openDescriptorCount();
@@ -211,7 +208,7 @@ TEST_F(LaunchedChildTest, FewDescriptorsMeanACleanFailureOrACleanLaunch) {
     EXPECT_GT(launches, 0);
 }
 
-TEST_F(LaunchedChildTest, ALauncherWithoutADescriptorToSpareStillStops) {
+TEST_F(LaunchedChildTest, ALauncherWithoutFreeDescriptorsStillStops) {
     rlimit original{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &original), 0);
     rlimit tight = original;

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/tools/tool_launcher_posix.h"
-#include "tests/platform/support/child_scenario.h"
+#include "tests/platform/support/test_children.h"
 #include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"
 
@@ -20,26 +20,22 @@ namespace tallowcrest {
 namespace {
 
 using namespace std::chrono_literals;
-using child_scenario::hasChild;
-using child_scenario::isRunning;
-using child_scenario::openDescriptorCount;
-using child_scenario::shellTool;
 
 class RequestStopTest : public testing::Test {
 protected:
-    /// A script that tells its pid once `body` is about to run, with `trap` in force.
-    std::string announced(const std::string& trap, const std::string& body) const {
+    /// A script that writes its pid to a file right before `body`, with `trap` set.
+    std::string writingPID(const std::string& trap, const std::string& body) const {
         const std::string file = folder.path("pid");
         return trap + "; echo $$ > " + file + ".new; mv " + file + ".new " + file + "; " + body;
     }
 
-    pid_t waitForAnnouncement() const {
+    pid_t waitForPID() const {
         EXPECT_TRUE(eventually([this] { return !folder.read("pid").empty(); }));
         return static_cast<pid_t>(std::stol(folder.read("pid")));
     }
 
-    /// Ends a tool that the launcher has left to itself.
-    static void endForgottenTool(pid_t pid) {
+    /// Kills a tool that the launcher has abandoned.
+    static void killAbandonedTool(pid_t pid) {
         EXPECT_TRUE(isRunning(pid));
         ::kill(-pid, SIGKILL);
         EXPECT_EQ(::waitpid(pid, nullptr, 0), pid);
@@ -51,7 +47,7 @@ protected:
     PosixToolLauncher launcher;
 };
 
-TEST_F(RequestStopTest, NothingIsLaunchedAnyMore) {
+TEST_F(RequestStopTest, LaunchesNothingAfterwards) {
     launcher.requestStop();
     launcher.requestStop();
 
@@ -64,15 +60,15 @@ TEST_F(RequestStopTest, NothingIsLaunchedAnyMore) {
     EXPECT_NE(::access(folder.path("trace").c_str(), F_OK), 0);
 }
 
-TEST_F(RequestStopTest, RunningToolsEndAtOnce) {
+TEST_F(RequestStopTest, TerminatesRunningTools) {
     for (const std::optional<std::chrono::milliseconds> timeout :
          {std::optional<std::chrono::milliseconds>(), std::optional(600000ms)}) {
         PosixToolLauncher stopped;
         ToolResult result;
         std::jthread caller([&] {
-            result = stopped.launch(shellTool(announced("true", "exec sleep 600"), timeout));
+            result = stopped.launch(shellTool(writingPID("true", "exec sleep 600"), timeout));
         });
-        const pid_t pid = waitForAnnouncement();
+        const pid_t pid = waitForPID();
 
         stopped.requestStop();
         caller.join();
@@ -86,13 +82,13 @@ TEST_F(RequestStopTest, RunningToolsEndAtOnce) {
     }
 }
 
-TEST_F(RequestStopTest, AToolThatEndsInItsOwnWayKeepsItsStatusAndOutput) {
+TEST_F(RequestStopTest, AToolThatHandlesTheSignalKeepsItsStatusAndOutput) {
     ToolResult result;
     std::jthread caller([&] {
         result = launcher.launch(shellTool(
-            announced("trap 'echo ending; exit 3' TERM", "while :; do sleep 0.02; done")));
+            writingPID("trap 'echo ending; exit 3' TERM", "while :; do sleep 0.02; done")));
     });
-    waitForAnnouncement();
+    waitForPID();
 
     launcher.requestStop();
     caller.join();
@@ -101,13 +97,13 @@ TEST_F(RequestStopTest, AToolThatEndsInItsOwnWayKeepsItsStatusAndOutput) {
     EXPECT_EQ(result.output, "ending\n");
 }
 
-TEST_F(RequestStopTest, AToolThatIgnoresTheRequestIsGivenUp) {
+TEST_F(RequestStopTest, AbandonsAToolThatIgnoresTheSignal) {
     const int before = openDescriptorCount();
     ToolResult result;
     std::jthread caller([&] {
-        result = launcher.launch(shellTool(announced("trap '' TERM; echo hi", "exec sleep 600")));
+        result = launcher.launch(shellTool(writingPID("trap '' TERM; echo hi", "exec sleep 600")));
     });
-    const pid_t pid = waitForAnnouncement();
+    const pid_t pid = waitForPID();
 
     launcher.requestStop();
     caller.join();
@@ -117,20 +113,20 @@ TEST_F(RequestStopTest, AToolThatIgnoresTheRequestIsGivenUp) {
     EXPECT_FALSE(result.deadlinePassed);
     EXPECT_EQ(result.output, "hi\n");
     EXPECT_EQ(openDescriptorCount(), before);
-    endForgottenTool(pid);
+    killAbandonedTool(pid);
 }
 
-TEST_F(RequestStopTest, AToolThatHungBeyondItsDeadlineIsGivenUp) {
+TEST_F(RequestStopTest, AbandonsAToolThatHangsBeyondItsDeadline) {
     ToolResult result;
     std::atomic<bool> returned = false;
     std::jthread caller([&] {
         result =
-            launcher.launch(shellTool(announced("trap 'touch " + folder.path("asked") + "' TERM",
-                                                "while :; do sleep 0.02; done"),
+            launcher.launch(shellTool(writingPID("trap 'touch " + folder.path("asked") + "' TERM",
+                                                 "while :; do sleep 0.02; done"),
                                       1s));
         returned = true;
     });
-    const pid_t pid = waitForAnnouncement();
+    const pid_t pid = waitForPID();
     ASSERT_TRUE(eventually([this] { return ::access(folder.path("asked").c_str(), F_OK) == 0; }));
     EXPECT_FALSE(returned);
 
@@ -139,10 +135,10 @@ TEST_F(RequestStopTest, AToolThatHungBeyondItsDeadlineIsGivenUp) {
 
     EXPECT_TRUE(result.deadlinePassed);
     EXPECT_EQ(result.terminationStatus, std::nullopt);
-    endForgottenTool(pid);
+    killAbandonedTool(pid);
 }
 
-TEST_F(RequestStopTest, EveryWaitingLaunchIsReleased) {
+TEST_F(RequestStopTest, WakesEveryWaitingLaunch) {
     std::vector<ToolResult> results(8);
     std::vector<std::jthread> callers;
     callers.reserve(results.size());
@@ -151,7 +147,7 @@ TEST_F(RequestStopTest, EveryWaitingLaunchIsReleased) {
             result = launcher.launch({"/bin/sleep", {"600"}, std::nullopt, false});
         });
     }
-    // Some may not have begun yet: those are not launched at all.
+    // Launches that have not begun yet fail.
     launcher.requestStop();
     callers.clear();
 

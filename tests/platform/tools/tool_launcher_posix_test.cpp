@@ -14,7 +14,7 @@
 
 #include "sampling/command_safety_policy.h"
 #include "sampling/metric_runner.h"
-#include "tests/platform/support/child_scenario.h"
+#include "tests/platform/support/test_children.h"
 #include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"
 
@@ -23,9 +23,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
-using child_scenario::hasChild;
-using child_scenario::isRunning;
-using child_scenario::shellTool;
 
 class PosixToolLauncherTest : public testing::Test {
 protected:
@@ -35,7 +32,7 @@ protected:
     PosixToolLauncher launcher;
 };
 
-TEST_F(PosixToolLauncherTest, AToolThatWritesAndExitsAtOnceYieldsItsWholeOutput) {
+TEST_F(PosixToolLauncherTest, CapturesTheWholeOutputOfAToolThatExitsImmediately) {
     for (int round = 0; round < 50; ++round) {
         const ToolResult result = launcher.launch({"/bin/echo", {"two words", ""}, 30s, false});
         ASSERT_TRUE(result.launched);
@@ -46,13 +43,13 @@ TEST_F(PosixToolLauncherTest, AToolThatWritesAndExitsAtOnceYieldsItsWholeOutput)
     }
 }
 
-TEST_F(PosixToolLauncherTest, ArgumentsReachTheToolAsTheyStand) {
+TEST_F(PosixToolLauncherTest, PassesArgumentsUnchanged) {
     const ToolResult result = launcher.launch(
         {"/usr/bin/printf", {"%s|", "$HOME", "`id`", "a'b\"c", "", "-n", "x\ny", "; true"}, {}});
     EXPECT_EQ(result.output, "$HOME|`id`|a'b\"c||-n|x\ny|; true|");
 }
 
-TEST_F(PosixToolLauncherTest, TheTerminationStatusIsTheTools) {
+TEST_F(PosixToolLauncherTest, ReturnsTheTerminationStatusOfTheTool) {
     EXPECT_EQ(launcher.launch(shellTool("exit 0")).terminationStatus, 0);
     EXPECT_EQ(launcher.launch(shellTool("exit 42")).terminationStatus, 42);
     EXPECT_EQ(launcher.launch(shellTool("exit 42", 30s)).terminationStatus, 42);
@@ -66,7 +63,7 @@ TEST_F(PosixToolLauncherTest, AToolEndedByASignalHasNoTerminationStatus) {
     EXPECT_FALSE(result.deadlinePassed);
 }
 
-TEST_F(PosixToolLauncherTest, WhatCannotBeLaunchedComesBackInThePlatformsWords) {
+TEST_F(PosixToolLauncherTest, AFailedLaunchGivesTheMessageOfTheSystem) {
     struct Failure {
         std::string path;
         std::string words;
@@ -92,7 +89,7 @@ TEST_F(PosixToolLauncherTest, WhatCannotBeLaunchedComesBackInThePlatformsWords) 
     }
 }
 
-TEST_F(PosixToolLauncherTest, AnArgumentThatWouldArriveCutShortIsNotLaunched) {
+TEST_F(PosixToolLauncherTest, RefusesAnArgumentThatContainsANUL) {
     const ToolResult result = launcher.launch({"/bin/echo", {"kept\0lost"s}, 30s, false});
     EXPECT_FALSE(result.launched);
     EXPECT_EQ(result.launchError, "Invalid argument");
@@ -114,14 +111,14 @@ TEST_F(PosixToolLauncherTest, FloodingStandardErrorDoesNotStallTheTool) {
     EXPECT_FALSE(result.deadlinePassed);
 }
 
-TEST_F(PosixToolLauncherTest, StandardErrorJoinsTheTextOnlyWhenMerged) {
+TEST_F(PosixToolLauncherTest, StandardErrorIsCapturedOnlyWhenMerged) {
     ToolRequest request = shellTool("echo one; echo two >&2; echo three", 30s);
     EXPECT_EQ(launcher.launch(request).output, "one\nthree\n");
     request.mergeStandardError = true;
     EXPECT_EQ(launcher.launch(request).output, "one\ntwo\nthree\n");
 }
 
-TEST_F(PosixToolLauncherTest, ARunawayToolIsCapturedUpToTheLimitAndGoesOn) {
+TEST_F(PosixToolLauncherTest, CapturesUpToTheLimitWhileTheToolGoesOn) {
     const std::size_t limit = PosixToolLauncher::maximumOutputBytes;
     const ToolResult result = launcher.launch(
         {"/usr/bin/head", {"-c", std::to_string(limit + 100000), "/dev/zero"}, 100s, false});
@@ -136,7 +133,7 @@ TEST_F(PosixToolLauncherTest, AToolThatClosesItsOutputIsStillWaitedFor) {
     EXPECT_EQ(result.terminationStatus, 5);
 }
 
-TEST_F(PosixToolLauncherTest, AnOverrunYieldsWhatWasWrittenBefore) {
+TEST_F(PosixToolLauncherTest, ATimeoutKeepsTheOutputWrittenBefore) {
     const ToolResult result = launcher.launch(shellTool("echo partial; exec sleep 600", 1s));
     EXPECT_TRUE(result.launched);
     EXPECT_EQ(result.output, "partial\n");
@@ -144,7 +141,7 @@ TEST_F(PosixToolLauncherTest, AnOverrunYieldsWhatWasWrittenBefore) {
     EXPECT_EQ(result.terminationStatus, std::nullopt);
 }
 
-TEST_F(PosixToolLauncherTest, AnOverrunInTheMidstOfAFloodEnds) {
+TEST_F(PosixToolLauncherTest, ATimeoutEndsAToolThatKeepsWriting) {
     const ToolResult result = launcher.launch({"/usr/bin/yes", {}, 300ms, false});
     EXPECT_TRUE(result.deadlinePassed);
     EXPECT_EQ(result.terminationStatus, std::nullopt);
@@ -164,7 +161,7 @@ TEST_F(PosixToolLauncherTest, ExtremeTimeoutsAreHandled) {
     EXPECT_FALSE(result.deadlinePassed);
 }
 
-TEST_F(PosixToolLauncherTest, AToolThatIgnoresTheRequestIsWaitedFor) {
+TEST_F(PosixToolLauncherTest, WaitsForAToolThatIgnoresTheSignal) {
     const ToolResult result = launcher.launch(
         shellTool("trap '' TERM; echo before; sleep 3; echo after; exit 7", 1500ms));
     EXPECT_TRUE(result.deadlinePassed);
@@ -172,7 +169,7 @@ TEST_F(PosixToolLauncherTest, AToolThatIgnoresTheRequestIsWaitedFor) {
     EXPECT_EQ(result.output, "before\nafter\n");
 }
 
-TEST_F(PosixToolLauncherTest, AToolMayEndInItsOwnWay) {
+TEST_F(PosixToolLauncherTest, AToolMayHandleTheSignal) {
     const ToolResult result = launcher.launch(shellTool(
         "trap 'echo ending; exit 3' TERM; echo ready; while :; do sleep 0.05; done", 1500ms));
     EXPECT_TRUE(result.deadlinePassed);
@@ -180,14 +177,14 @@ TEST_F(PosixToolLauncherTest, AToolMayEndInItsOwnWay) {
     EXPECT_EQ(result.output, "ready\nending\n");
 }
 
-TEST_F(PosixToolLauncherTest, TheRequestToTerminateReachesWhatTheToolStarted) {
+TEST_F(PosixToolLauncherTest, TheSignalReachesTheChildrenOfTheTool) {
     const ToolResult result = launcher.launch(shellTool("sleep 600 & echo $!; wait", 1s));
     EXPECT_TRUE(result.deadlinePassed);
     const auto grandchild = static_cast<pid_t>(std::stol(result.output));
     EXPECT_TRUE(eventually([grandchild] { return !isRunning(grandchild); }));
 }
 
-TEST_F(PosixToolLauncherTest, AGrandchildThatKeepsThePipeOpenHoldsNobody) {
+TEST_F(PosixToolLauncherTest, AGrandchildThatKeepsThePipeOpenDoesNotBlock) {
     for (const std::optional<std::chrono::milliseconds> timeout :
          {std::optional<std::chrono::milliseconds>(), std::optional(60000ms)}) {
         const ToolResult result =
@@ -200,13 +197,13 @@ TEST_F(PosixToolLauncherTest, AGrandchildThatKeepsThePipeOpenHoldsNobody) {
     }
 }
 
-TEST_F(PosixToolLauncherTest, AGrandchildThatKeepsWritingHoldsNobody) {
+TEST_F(PosixToolLauncherTest, AGrandchildThatKeepsWritingDoesNotBlock) {
     const ToolResult result = launcher.launch(shellTool("yes & echo first; exit 4"));
     EXPECT_EQ(result.terminationStatus, 4);
     EXPECT_THAT(result.output, testing::HasSubstr("first\n"));
 }
 
-TEST_F(PosixToolLauncherTest, ManyLaunchesAtOnceKeepTheirOutputsApart) {
+TEST_F(PosixToolLauncherTest, ConcurrentLaunchesKeepTheirOutputsApart) {
     constexpr int count = 20;
     std::vector<ToolResult> results(count);
     {
@@ -227,7 +224,7 @@ TEST_F(PosixToolLauncherTest, ManyLaunchesAtOnceKeepTheirOutputsApart) {
     }
 }
 
-TEST_F(PosixToolLauncherTest, BytesThatAreNotTextNeverPassTheRunner) {
+TEST_F(PosixToolLauncherTest, TheMetricRunnerRejectsInvalidUTF8) {
     const CommandSafetyPolicy::AllowedExecutables allowed{"/usr/bin/printf"};
     MetricRunner runner(allowed, launcher);
     EXPECT_EQ(runner.runMetricTool("/usr/bin/printf", {"good\\n\\377"}), "");

@@ -1,9 +1,9 @@
-// A keeper of the clipboard for the tests: takes over the text of a program that is about to end.
+// A clipboard manager for the tests: takes over the text of a program that is about to end.
 //
 // clipboard_manager FILE
 //
-// Says "ready" on standard error once programs can find it. Writes each text that it is asked to
-// keep into FILE. Ends with 3 when it has lost its display.
+// Prints "ready" on standard error once programs can find it. Writes each text that it is asked to
+// keep to FILE. Exits with 3 when it has lost its display.
 
 #include <xcb/xcb.h>
 
@@ -64,18 +64,18 @@ private:
     }
 
     void fetch(const xcb_selection_request_event_t& request) {
-        asking_ = request;
+        request_ = request;
         xcb_convert_selection(connection_, window_, atom("CLIPBOARD"), atom("UTF8_STRING"),
                               atom("KEPT"), XCB_CURRENT_TIME);
     }
 
-    /// The program that asked waits for the answer before it ends.
+    /// The requesting program waits for the answer before it ends.
     void keep() {
-        constexpr std::uint32_t mostWords = 1U << 20;
+        constexpr std::uint32_t maximumWords = 1U << 20;
         const Owned<xcb_get_property_reply_t> text(
             xcb_get_property_reply(connection_,
                                    xcb_get_property(connection_, 1, window_, atom("KEPT"),
-                                                    XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords),
+                                                    XCB_GET_PROPERTY_TYPE_ANY, 0, maximumWords),
                                    nullptr));
         if (text != nullptr) {
             std::ofstream(file_, std::ios::binary)
@@ -84,19 +84,19 @@ private:
         }
         xcb_selection_notify_event_t answer{};
         answer.response_type = XCB_SELECTION_NOTIFY;
-        answer.time = asking_.time;
-        answer.requestor = asking_.requestor;
-        answer.selection = asking_.selection;
-        answer.target = asking_.target;
-        answer.property = asking_.property;
-        xcb_send_event(connection_, 0, asking_.requestor, XCB_EVENT_MASK_NO_EVENT,
+        answer.time = request_.time;
+        answer.requestor = request_.requestor;
+        answer.selection = request_.selection;
+        answer.target = request_.target;
+        answer.property = request_.property;
+        xcb_send_event(connection_, 0, request_.requestor, XCB_EVENT_MASK_NO_EVENT,
                        reinterpret_cast<const char*>(&answer));
     }
 
     std::string file_;
     xcb_connection_t* connection_ = xcb_connect(nullptr, nullptr);
     xcb_window_t window_ = xcb_generate_id(connection_);
-    xcb_selection_request_event_t asking_{};
+    xcb_selection_request_event_t request_{};
 };
 
 }  // namespace

@@ -1,11 +1,10 @@
-// A program with windows for the tests to close. Says what happens to it, one line each: "ready",
-// "asked" for each window that it is asked to close, "pong" for the test's own message.
+// A program with windows for the tests to close. Prints one line for each event: "ready", "asked"
+// for each window that it is asked to close, "pong" for the test's own message.
 //
 // close_client PID MACHINE [no-protocol] [ignores] [two-windows] [with-dialog]
 //
-// PID is what its windows say of their process, be it true or not, or "own" for the truth; MACHINE
-// what they say of their machine.
-// Ends with 0 when its last window has been closed, with 3 when it has lost its display.
+// PID and MACHINE are what its windows state in their properties; a PID of "own" is the real one.
+// Exits with 0 when its last window has been closed, and with 3 when it has lost its display.
 
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -43,7 +42,7 @@ public:
                 return 3;
             }
             if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE) {
-                hear(*reinterpret_cast<const xcb_client_message_event_t*>(event));
+                handle(*reinterpret_cast<const xcb_client_message_event_t*>(event));
             }
             std::free(event);
         }
@@ -98,7 +97,7 @@ private:
                             static_cast<std::uint32_t>(numbers.size()), numbers.data());
     }
 
-    void hear(const xcb_client_message_event_t& message) {
+    void handle(const xcb_client_message_event_t& message) {
         if (message.type == atom("TEST_PING")) {
             say("pong");
         } else if (message.type == atom("WM_PROTOCOLS") &&
@@ -109,7 +108,7 @@ private:
                 xcb_destroy_window(connection_, message.window);
                 xcb_flush(connection_);
             }
-            // A dialog goes with the window that it belongs to.
+            // A dialog closes together with the window it belongs to.
             if (has("with-dialog")) {
                 windows_.clear();
             }

@@ -14,9 +14,9 @@
 
 namespace tallowcrest {
 
-/// The process whose windows are to be asked: the test itself, which makes them.
+/// The process whose windows are asked: the test itself, which creates them.
 inline const std::uint32_t pid = static_cast<std::uint32_t>(::getpid());
-/// One that a window may claim to belong to; none needs to bear this number.
+/// A pid that a window claims to belong to; there need not be such a process.
 inline constexpr std::uint32_t claimedPid = 4242;
 
 inline std::vector<ProcessSample> reviewed(std::uint32_t number = pid) {
@@ -29,11 +29,11 @@ inline bool everyProcess(const ProcessSample&) {
     return true;
 }
 
-/// A display on which the test plays the manager.
+/// A display on which the test acts as the window manager.
 class HostileDesktop : public testing::Test {
 protected:
-    explicit HostileDesktop(const std::vector<std::string>& moreOfTheDisplay = {})
-        : display(moreOfTheDisplay) {
+    explicit HostileDesktop(const std::vector<std::string>& serverArguments = {})
+        : display(serverArguments) {
         desktop.becomeManager();
     }
 

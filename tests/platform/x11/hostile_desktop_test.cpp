@@ -1,4 +1,4 @@
-// Managers and lists of windows that are not as they should be. The test plays the manager.
+// Invalid window managers and window lists. The test acts as the window manager.
 
 #include <cstdint>
 #include <functional>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/x11/window_close_request.h"
-#include "tests/platform/support/child_scenario.h"
+#include "tests/platform/support/test_children.h"
 #include "tests/platform/x11/hostile_desktop_fixture.h"
 #include "tests/platform/x11/test_desktop.h"
 
@@ -20,7 +20,7 @@ namespace {
 using testing::IsEmpty;
 using testing::SizeIs;
 
-TEST_F(HostileDesktop, TheManagerIsAskedInTheFormThatItKnows) {
+TEST_F(HostileDesktop, SendsTheMessageOfTheProtocol) {
     const xcb_window_t window = desktop.makeWindowOf(pid);
     desktop.list({window});
 
@@ -47,9 +47,9 @@ void PrintTo(const ManagerCase& oneCase, std::ostream* stream) {
     *stream << oneCase.name;
 }
 
-class OddManager : public HostileDesktop, public testing::WithParamInterface<ManagerCase> {};
+class InvalidManager : public HostileDesktop, public testing::WithParamInterface<ManagerCase> {};
 
-TEST_P(OddManager, IsNotAsked) {
+TEST_P(InvalidManager, IsNotAsked) {
     desktop.list({desktop.makeWindowOf(pid)});
     ASSERT_EQ(ask(), 1U);
     ASSERT_THAT(desktop.messages(), SizeIs(1));
@@ -60,22 +60,22 @@ TEST_P(OddManager, IsNotAsked) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, OddManager,
+    Table, InvalidManager,
     testing::Values(
-        ManagerCase{"closes nothing",
+        ManagerCase{"does not support closing",
                     [](const D& d) { d.setAtoms(d.root(), "_NET_SUPPORTED", {"_NET_WM_PID"}); }},
-        ManagerCase{"tells nothing of what it does",
+        ManagerCase{"states nothing that it supports",
                     [](const D& d) { d.remove(d.root(), "_NET_SUPPORTED"); }},
-        ManagerCase{"tells it in another type",
+        ManagerCase{"states it in another type",
                     [](const D& d) {
                         d.setNumbers(d.root(), "_NET_SUPPORTED", "CARDINAL",
                                      {d.atom("_NET_CLOSE_WINDOW")});
                     }},
         ManagerCase{
-            "tells it in another form",
+            "states it in another format",
             [](const D& d) { d.setText(d.root(), "_NET_SUPPORTED", "ATOM", "_NET_CLOSE_WINDOW"); }},
         ManagerCase{"has ended", [](const D& d) { d.destroy(d.managerWindow()); }},
-        ManagerCase{"names no window of its own",
+        ManagerCase{"names no check window",
                     [](const D& d) { d.remove(d.root(), "_NET_SUPPORTING_WM_CHECK"); }},
         ManagerCase{
             "names the window 0",
@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
                         d.setNumbers(d.root(), "_NET_CLIENT_LIST", "CARDINAL",
                                      d.numbers(d.root(), "_NET_CLIENT_LIST"));
                     }},
-        ManagerCase{"lists windows in another form",
+        ManagerCase{"lists windows in another format",
                     [](const D& d) {
                         d.setShorts(d.root(), "_NET_CLIENT_LIST", "WINDOW", {1, 2});
                     }},
@@ -110,12 +110,12 @@ TEST_F(HostileDesktop, AWindowThatIsListedTwiceIsAskedOnce) {
     EXPECT_THAT(desktop.messages(), SizeIs(1));
 }
 
-TEST_F(HostileDesktop, OnlySoManyWindowsAreLookedAt) {
+TEST_F(HostileDesktop, ExaminesALimitedNumberOfWindows) {
     const xcb_window_t first = desktop.makeWindowOf(pid);
     const xcb_window_t last = desktop.makeWindowOf(pid);
     std::vector<std::uint32_t> windows{first};
-    // The display knows none of these.
-    while (windows.size() < WindowCloseRequests::mostWindows + 40'000) {
+    // None of these windows exist.
+    while (windows.size() < WindowCloseRequests::maximumWindows + 40'000) {
         windows.push_back(0x1FF00000U + static_cast<std::uint32_t>(windows.size()));
     }
     windows.push_back(last);
@@ -128,7 +128,7 @@ TEST_F(HostileDesktop, OnlySoManyWindowsAreLookedAt) {
     EXPECT_EQ(messages[0].window, first);
 }
 
-TEST_F(HostileDesktop, DialogsOfEachOtherAreLeftAlone) {
+TEST_F(HostileDesktop, DialogsOfEachOtherAreNotAsked) {
     const xcb_window_t first = desktop.makeWindowOf(pid);
     const xcb_window_t second = desktop.makeWindowOf(pid);
     desktop.setNumbers(first, "WM_TRANSIENT_FOR", "WINDOW", {second});
@@ -149,8 +149,8 @@ TEST_F(HostileDesktop, ADialogOfAWindowThatCannotBeAskedIsAskedItself) {
     EXPECT_EQ(messages[0].window, dialog);
 }
 
-// Its number might be another program's before the request arrives.
-TEST_F(HostileDesktop, NoWindowGoesBetweenTheLastLookAndTheRequest) {
+// Otherwise another program could reuse its id before the request arrives.
+TEST_F(HostileDesktop, NoWindowCanBeDestroyedBetweenTheCheckAndTheRequest) {
     const xcb_window_t first = desktop.makeWindowOf(pid);
     const xcb_window_t second = desktop.makeWindowOf(pid);
     desktop.list({first, second});
@@ -164,12 +164,12 @@ TEST_F(HostileDesktop, NoWindowGoesBetweenTheLastLookAndTheRequest) {
     ASSERT_THAT(messages, SizeIs(2));
     EXPECT_EQ(messages[0].window, first);
     EXPECT_EQ(messages[1].window, second);
-    // The display had not yet come to the first end when it passed on the last request.
+    // The server passed on the last request before it processed the first destruction.
     EXPECT_LT(messages[1].sequence, ends[0]);
     EXPECT_EQ(ask(), 0U);
 }
 
-TEST_F(HostileDesktop, TheDisplayServesOthersAgainAfterwards) {
+TEST_F(HostileDesktop, ReleasesTheServerAfterwards) {
     desktop.list({desktop.makeWindowOf(pid)});
     const WindowCloseRequests doubtful([](const ProcessSample&) -> bool { throw 1; });
     EXPECT_THROW(doubtful.askWindowsToClose(reviewed()), int);
@@ -180,7 +180,7 @@ TEST_F(HostileDesktop, TheDisplayServesOthersAgainAfterwards) {
     EXPECT_THAT(desktop.messages(), SizeIs(1));
 }
 
-TEST_F(HostileDesktop, SeveralThreadsAskAtOnce) {
+TEST_F(HostileDesktop, SeveralThreadsMayAskAtOnce) {
     desktop.list({desktop.makeWindowOf(pid)});
     std::vector<std::size_t> asked(4);
     {
@@ -193,12 +193,12 @@ TEST_F(HostileDesktop, SeveralThreadsAskAtOnce) {
     EXPECT_THAT(desktop.messages(), SizeIs(4));
 }
 
-TEST_F(HostileDesktop, NothingIsLeftOpen) {
+TEST_F(HostileDesktop, LeavesNoDescriptorOpen) {
     desktop.list({desktop.makeWindowOf(pid)});
     ASSERT_EQ(ask(), 1U);
-    const int before = child_scenario::openDescriptorCount();
+    const int before = openDescriptorCount();
     ASSERT_EQ(ask(), 1U);
-    EXPECT_EQ(child_scenario::openDescriptorCount(), before);
+    EXPECT_EQ(openDescriptorCount(), before);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Displays that hang, end, cannot be reached or ask for leave. The test plays the manager.
+// Displays that hang, end, cannot be reached or require authorization. The test acts as the window
+// manager.
 
 #include <chrono>
 #include <csignal>
@@ -17,10 +18,10 @@
 namespace tallowcrest {
 namespace {
 
-/// The test itself hangs if the call does.
+/// Without a time limit the test itself would hang.
 constexpr std::chrono::milliseconds shortLimit{300};
 
-TEST_F(HostileDesktop, ADisplayThatHangsFromTheBeginningHoldsNobodyUp) {
+TEST_F(HostileDesktop, ADisplayThatHangsFromTheStartDoesNotBlock) {
     desktop.list({desktop.makeWindowOf(pid)});
     display.server().signal(SIGSTOP);
     EXPECT_EQ(WindowCloseRequests(everyProcess, shortLimit).askWindowsToClose(reviewed()), 0U);
@@ -28,9 +29,9 @@ TEST_F(HostileDesktop, ADisplayThatHangsFromTheBeginningHoldsNobodyUp) {
     EXPECT_EQ(ask(), 1U);
 }
 
-// It has the request, and what it will make of that is unknown. The program may be about to ask its
-// owner what to save.
-TEST_F(HostileDesktop, ADisplayThatHangsOnceItHasTheRequestHoldsNobodyUpAndCountsAsAsked) {
+// The server has the request and may still process it. The program may be about to ask its user
+// what to save.
+TEST_F(HostileDesktop, ADisplayThatHangsAfterTheRequestDoesNotBlockAndCountsAsAsked) {
     desktop.list({desktop.makeWindowOf(pid), desktop.makeWindowOf(pid)});
     const WindowCloseRequests requests(
         [this](const ProcessSample&) {
@@ -42,7 +43,7 @@ TEST_F(HostileDesktop, ADisplayThatHangsOnceItHasTheRequestHoldsNobodyUpAndCount
     display.server().signal(SIGCONT);
 }
 
-// The check waits for the display, which in turn serves nobody but the one who waits for the check.
+// The check waits for the server, which is grabbed by the connection that waits for the check.
 TEST_F(HostileDesktop, ATimeLimitBeforeTheRequestCountsAsNotAskedAndFreesTheDisplay) {
     desktop.list({desktop.makeWindowOf(pid)});
     const WindowCloseRequests requests(
@@ -74,7 +75,7 @@ TEST_F(HostileDesktop, ATimeLimitBetweenTwoRequestsCountsTheFirst) {
     EXPECT_EQ(messages[0].window, first);
 }
 
-TEST_F(HostileDesktop, ADisplayThatEndsIsNoSignal) {
+TEST_F(HostileDesktop, ADisplayThatEndsRaisesNoSignal) {
     desktop.list({desktop.makeWindowOf(pid)});
     const WindowCloseRequests requests([this](const ProcessSample&) {
         display.server().end();
@@ -84,7 +85,7 @@ TEST_F(HostileDesktop, ADisplayThatEndsIsNoSignal) {
     EXPECT_EQ(ask(), 0U);
 }
 
-TEST_F(HostileDesktop, ADisplayThatCannotBeReachedIsNone) {
+TEST_F(HostileDesktop, AnUnreachableDisplayCountsAsNone) {
     desktop.list({desktop.makeWindowOf(pid)});
     const std::string name = ::getenv("DISPLAY");
     for (const std::string& other :
@@ -109,25 +110,24 @@ TEST(WindowsOfADisplay, WithoutAManagerAreNotAsked) {
     EXPECT_EQ(WindowCloseRequests(everyProcess).askWindowsToClose(reviewed()), 0U);
 }
 
-/// A file with the owner's leave to use any display of this machine.
-std::string leaveFile(const TemporaryFolder& folder, const std::string& name,
-                      const std::string& secret) {
+/// Writes an authorization file for any display of this machine.
+std::string authorityFile(const TemporaryFolder& folder, const std::string& name,
+                          const std::string& secret) {
     const auto counted = [](const std::string& text) {
         return std::string{static_cast<char>(text.size() >> 8U), static_cast<char>(text.size())} +
                text;
     };
     const std::string localMachine("\x01\x00", 2);
     const std::string path = folder.path() / name;
-    std::ofstream(path, std::ios::binary)
-        << localMachine << counted(windowHostName()) << counted("") << counted("MIT-MAGIC-COOKIE-1")
-        << counted(secret);
+    std::ofstream(path, std::ios::binary) << localMachine << counted(hostName()) << counted("")
+                                          << counted("MIT-MAGIC-COOKIE-1") << counted(secret);
     return path;
 }
 
-TEST(WindowsOfADisplay, AreAskedWithTheOwnersLeaveAlone) {
+TEST(WindowsOfADisplay, AreAskedOnlyWithAuthorization) {
     const TemporaryFolder folder;
-    const std::string right = leaveFile(folder, "right", "0123456789abcdef");
-    const std::string wrong = leaveFile(folder, "wrong", "fedcba9876543210");
+    const std::string right = authorityFile(folder, "right", "0123456789abcdef");
+    const std::string wrong = authorityFile(folder, "wrong", "fedcba9876543210");
     ::setenv("XAUTHORITY", right.c_str(), 1);
     const PrivateDisplay display({"-auth", right});
     TestDesktop desktop;

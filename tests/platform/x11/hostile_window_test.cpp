@@ -1,4 +1,4 @@
-// Windows that are not as they should be, or claim what is not so. The test plays the manager.
+// Windows with invalid or false properties. The test acts as the window manager.
 
 #include <atomic>
 #include <cstddef>
@@ -31,16 +31,16 @@ void PrintTo(const WindowCase& oneCase, std::ostream* stream) {
     *stream << oneCase.name;
 }
 
-class OddWindow : public HostileDesktop, public testing::WithParamInterface<WindowCase> {
+class InvalidWindow : public HostileDesktop, public testing::WithParamInterface<WindowCase> {
 protected:
-    OddWindow() : HostileDesktop(tellsNoOwners) {}
+    InvalidWindow() : HostileDesktop(withoutClientIDs) {}
 };
 
-// The display cannot vouch for anything, so the window's own word must be without a gap.
-TEST_P(OddWindow, IsAskedOnlyIfItSaysAllThatIsNeeded) {
+// The server cannot report the owner, so all properties of the window must be valid.
+TEST_P(InvalidWindow, IsAskedOnlyIfAllItsPropertiesAreValid) {
     const xcb_window_t window = desktop.makeWindowOf(claimedPid);
-    const xcb_window_t stranger = desktop.makeWindowOf(claimedPid + 1);
-    desktop.list({stranger, window});
+    const xcb_window_t other = desktop.makeWindowOf(claimedPid + 1);
+    desktop.list({other, window});
     GetParam().change(desktop, window);
 
     EXPECT_EQ(ask(claimedPid), GetParam().isAsked ? 1U : 0U);
@@ -56,17 +56,17 @@ using Window = xcb_window_t;
 using D = TestDesktop;
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, OddWindow,
+    Table, InvalidWindow,
     testing::Values(
-        WindowCase{"as it should be", [](const D&, Window) {}, true},
-        WindowCase{"more numbers than one",
+        WindowCase{"valid", [](const D&, Window) {}, true},
+        WindowCase{"more than one number",
                    [](const D& d, Window w) {
                        d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid, 1});
                    },
                    true},
         WindowCase{"host in UTF-8",
                    [](const D& d, Window w) {
-                       d.setText(w, "WM_CLIENT_MACHINE", "UTF8_STRING", windowHostName());
+                       d.setText(w, "WM_CLIENT_MACHINE", "UTF8_STRING", hostName());
                    },
                    true},
         WindowCase{"dialog of itself",
@@ -79,10 +79,10 @@ INSTANTIATE_TEST_SUITE_P(
         WindowCase{"dialog of no window",
                    [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {}); },
                    true},
-        WindowCase{"dialog of a stranger",
+        WindowCase{"dialog of another program",
                    [](const D& d, Window w) {
-                       const Window stranger = d.numbers(d.root(), "_NET_CLIENT_LIST")[0];
-                       d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {stranger});
+                       const Window other = d.numbers(d.root(), "_NET_CLIENT_LIST")[0];
+                       d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {other});
                    },
                    true},
         WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, false},
@@ -98,14 +98,14 @@ INSTANTIATE_TEST_SUITE_P(
         WindowCase{"process as text",
                    [](const D& d, Window w) { d.setText(w, "_NET_WM_PID", "CARDINAL", "4242"); },
                    false},
-        WindowCase{"process in nothing",
+        WindowCase{"empty process",
                    [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {}); },
                    false},
         WindowCase{"process 0",
                    [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0}); },
                    false},
         WindowCase{
-            "process beyond all",
+            "process number too large",
             [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0xFFFFFFFFU}); },
             false},
         WindowCase{"no host", [](const D& d, Window w) { d.remove(w, "WM_CLIENT_MACHINE"); },
@@ -113,26 +113,25 @@ INSTANTIATE_TEST_SUITE_P(
         WindowCase{"empty host",
                    [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "STRING", ""); },
                    false},
-        WindowCase{"host of another type",
-                   [](const D& d, Window w) {
-                       d.setText(w, "WM_CLIENT_MACHINE", "CARDINAL", windowHostName());
-                   },
-                   false},
-        WindowCase{"host in numbers",
+        WindowCase{
+            "host of another type",
+            [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "CARDINAL", hostName()); },
+            false},
+        WindowCase{"host as numbers",
                    [](const D& d, Window w) {
                        d.setNumbers(w, "WM_CLIENT_MACHINE", "STRING", {1, 2, 3});
                    },
                    false},
-        WindowCase{"host and more",
+        WindowCase{"host too long",
                    [](const D& d, Window w) {
                        d.setText(w, "WM_CLIENT_MACHINE", "STRING",
-                                 windowHostName() + std::string(100'000, 'x'));
+                                 hostName() + std::string(100'000, 'x'));
                    },
                    false},
-        WindowCase{"host with a zero in it",
+        WindowCase{"host with a NUL in it",
                    [](const D& d, Window w) {
                        d.setText(w, "WM_CLIENT_MACHINE", "STRING",
-                                 windowHostName() + std::string(1, '\0') + "x");
+                                 hostName() + std::string(1, '\0') + "x");
                    },
                    false},
         WindowCase{"no protocols", [](const D& d, Window w) { d.remove(w, "WM_PROTOCOLS"); },
@@ -151,14 +150,14 @@ INSTANTIATE_TEST_SUITE_P(
                                    {static_cast<std::uint16_t>(d.atom("WM_DELETE_WINDOW")), 0});
                    },
                    false},
-        WindowCase{"protocol behind too many others",
+        WindowCase{"protocol after too many others",
                    [](const D& d, Window w) {
                        std::vector<std::uint32_t> atoms(5000, d.atom("WM_TAKE_FOCUS"));
                        atoms.push_back(d.atom("WM_DELETE_WINDOW"));
                        d.setNumbers(w, "WM_PROTOCOLS", "ATOM", atoms);
                    },
                    false},
-        WindowCase{"gone", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"destroyed", [](const D& d, Window w) { d.destroy(w); }, false},
         WindowCase{"not listed",
                    [](const D& d, Window w) {
                        d.list({d.numbers(d.root(), "_NET_CLIENT_LIST")[0]});
@@ -166,11 +165,11 @@ INSTANTIATE_TEST_SUITE_P(
                    },
                    false}));
 
-class OddWindowOfAKnownOwner : public HostileDesktop,
-                               public testing::WithParamInterface<WindowCase> {};
+class WindowOfAKnownOwner : public HostileDesktop,
+                            public testing::WithParamInterface<WindowCase> {};
 
-// The display knows that the window is the test's, whatever the window says of that.
-TEST_P(OddWindowOfAKnownOwner, IsAskedIfItKnowsHowToBeAsked) {
+// The server reports that the window belongs to the test, whatever its properties state.
+TEST_P(WindowOfAKnownOwner, IsAskedIfItSupportsBeingAsked) {
     const xcb_window_t window = desktop.makeWindowOf(pid);
     desktop.list({window});
     GetParam().change(desktop, window);
@@ -183,11 +182,11 @@ TEST_P(OddWindowOfAKnownOwner, IsAskedIfItKnowsHowToBeAsked) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, OddWindowOfAKnownOwner,
+    Table, WindowOfAKnownOwner,
     testing::Values(
-        WindowCase{"as it should be", [](const D&, Window) {}, true},
+        WindowCase{"valid", [](const D&, Window) {}, true},
         WindowCase{
-            "process of somebody else",
+            "process of another program",
             [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid}); },
             true},
         WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, true},
@@ -207,11 +206,11 @@ INSTANTIATE_TEST_SUITE_P(
         WindowCase{"other protocols",
                    [](const D& d, Window w) { d.setAtoms(w, "WM_PROTOCOLS", {"WM_TAKE_FOCUS"}); },
                    false},
-        WindowCase{"gone", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"destroyed", [](const D& d, Window w) { d.destroy(w); }, false},
         WindowCase{"not listed", [](const D& d, Window) { d.list({}); }, false}));
 
-// Some are the display's own, some of a client that it does not have.
-TEST_F(HostileDesktop, WindowsOfNoProgramAreNobodys) {
+// Some belong to the server itself, some to a client that does not exist.
+TEST_F(HostileDesktop, WindowsOfNoProgramAreNotAsked) {
     desktop.list({desktop.root(), 1, 0x1FFFFFFFU, 0xFFFFFFFFU});
     for (const std::uint32_t member : {pid, claimedPid, 0U, 0xFFFFFFFFU}) {
         EXPECT_EQ(ask(member), 0U) << member;
@@ -220,13 +219,13 @@ TEST_F(HostileDesktop, WindowsOfNoProgramAreNobodys) {
     EXPECT_THAT(desktop.messages(), IsEmpty());
 }
 
-class FickleWindow : public HostileDesktop {
+class WindowOfAChangingOwner : public HostileDesktop {
 protected:
-    FickleWindow() : HostileDesktop(tellsNoOwners) {}
+    WindowOfAChangingOwner() : HostileDesktop(withoutClientIDs) {}
 };
 
-// What was seen when the windows were looked for may not be so any more.
-TEST_F(FickleWindow, IsNotAskedOnceItIsSomebodyElses) {
+// The owner may have changed since the windows were found.
+TEST_F(WindowOfAChangingOwner, IsNotAskedAfterItsOwnerHasChanged) {
     constexpr int rounds = 200;
     const xcb_window_t window = desktop.makeWindowOf(claimedPid);
     desktop.list({window});

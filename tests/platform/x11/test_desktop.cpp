@@ -9,27 +9,27 @@
 namespace tallowcrest {
 namespace {
 
-std::vector<std::string> serverCommand(const std::vector<std::string>& moreArguments) {
-    // Without -noreset the server starts over, and refuses clients, when its first one leaves.
+std::vector<std::string> serverCommand(const std::vector<std::string>& arguments) {
+    // Without -noreset the server resets, and refuses clients, when its first client disconnects.
     std::vector<std::string> command{"Xvfb",       "-displayfd", "1",   "-screen", "0",
                                      "640x480x24", "-nolisten",  "tcp", "-noreset"};
-    command.insert(command.end(), moreArguments.begin(), moreArguments.end());
+    command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }
 
 std::vector<std::string> managerCommand(const std::filesystem::path& home) {
-    // The owner's own settings have no say in the tests.
+    // Keeps the user's settings out of the tests.
     return {"env", "HOME=" + home.string(), "XDG_CONFIG_HOME=" + home.string(), "openbox",
             "--sm-disable"};
 }
 
 }  // namespace
 
-PrivateDisplay::PrivateDisplay(const std::vector<std::string>& moreArguments)
-    : server_(serverCommand(moreArguments)) {
+PrivateDisplay::PrivateDisplay(const std::vector<std::string>& arguments)
+    : server_(serverCommand(arguments)) {
     const std::string number = server_.line();
     if (number.empty()) {
-        throw std::runtime_error("no display");
+        throw std::runtime_error("the display did not start");
     }
     ::setenv("DISPLAY", (":" + number).c_str(), 1);
 }
@@ -176,7 +176,7 @@ void TestDesktop::becomeManager() {
 xcb_window_t TestDesktop::makeWindowOf(std::uint32_t pid) const {
     const xcb_window_t window = makeWindow();
     setNumbers(window, "_NET_WM_PID", "CARDINAL", {pid});
-    setText(window, "WM_CLIENT_MACHINE", "STRING", windowHostName());
+    setText(window, "WM_CLIENT_MACHINE", "STRING", hostName());
     setAtoms(window, "WM_PROTOCOLS", {"WM_TAKE_FOCUS", "WM_DELETE_WINDOW"});
     return window;
 }
@@ -209,7 +209,7 @@ RealManager::RealManager(const TestDesktop& desktop) : program_(managerCommand(h
                desktop.numbers(check[0], "_NET_SUPPORTING_WM_CHECK") == check;
     });
     if (!isReady) {
-        throw std::runtime_error("no window manager");
+        throw std::runtime_error("the window manager did not start");
     }
 }
 

@@ -13,13 +13,13 @@
 
 namespace tallowcrest {
 
-/// Makes a display one that does not tell whose windows it shows.
-inline const std::vector<std::string> tellsNoOwners{"-extension", "X-Resource"};
+/// Arguments for a server that cannot report which process a window belongs to.
+inline const std::vector<std::string> withoutClientIDs{"-extension", "X-Resource"};
 
-/// A display without a screen, and $DISPLAY with it, as long as this lives.
+/// Runs a virtual display and sets $DISPLAY during its lifetime.
 class PrivateDisplay {
 public:
-    explicit PrivateDisplay(const std::vector<std::string>& moreArguments = {});
+    explicit PrivateDisplay(const std::vector<std::string>& arguments = {});
     PrivateDisplay(const PrivateDisplay&) = delete;
     PrivateDisplay& operator=(const PrivateDisplay&) = delete;
     ~PrivateDisplay();
@@ -30,7 +30,7 @@ private:
     StartedProgram server_;
 };
 
-/// The test's own eyes and hands on the display of $DISPLAY.
+/// The test's own connection to the display.
 class TestDesktop {
 public:
     TestDesktop();
@@ -38,11 +38,11 @@ public:
     xcb_window_t root() const { return root_; }
     xcb_atom_t atom(const std::string& name) const;
 
-    /// A window that nobody shows.
+    /// Creates a window without mapping it.
     xcb_window_t makeWindow() const;
     void destroy(xcb_window_t window) const;
-    /// These two do not wait until that has happened. The number of the request among those of this
-    /// connection; what an event carries is at least as great if it comes later.
+    /// These two do not wait until the server has processed the request. They return its sequence
+    /// number; later events carry at least that number.
     std::uint16_t beginToDestroy(xcb_window_t window) const;
     std::uint16_t beginToSetNumber(xcb_window_t window, xcb_atom_t property,
                                    std::uint32_t number) const;
@@ -58,23 +58,23 @@ public:
     void remove(xcb_window_t window, const std::string& property) const;
     std::vector<std::uint32_t> numbers(xcb_window_t window, const std::string& property) const;
 
-    /// Sends a message of that type that holds nothing.
+    /// Sends a message of this type without data.
     void sendPlainMessage(xcb_window_t window, const std::string& type) const;
-    /// Does what a task list does when the owner closes a window.
+    /// Sends what a task list sends when the user closes a window.
     void askManagerToClose(xcb_window_t window) const;
-    /// A manager that has just started may have read an event and only looks at it with the next.
+    /// A window manager that has just started may process an event only when the next one arrives.
     void wakeManager() const { setNumbers(root_, "TEST_WAKE", "CARDINAL", {1}); }
 
-    /// From now on the test itself plays the window manager, and a faultless one.
+    /// Makes the test itself act as a conforming window manager.
     void becomeManager();
     xcb_window_t managerWindow() const { return managerWindow_; }
-    /// A window as those of well-behaved programs are.
+    /// Creates a window with the properties of a conforming program.
     xcb_window_t makeWindowOf(std::uint32_t pid) const;
     void list(const std::vector<xcb_window_t>& windows) const;
-    /// The messages to the manager that have arrived since it was asked last.
+    /// The messages to the window manager that have arrived since the previous call.
     std::vector<xcb_client_message_event_t> messages() const;
 
-    /// Waits until the display has done all that it was told so far.
+    /// Waits until the server has processed all requests sent so far.
     void sync() const;
 
 private:
@@ -87,7 +87,7 @@ private:
     xcb_window_t managerWindow_ = XCB_NONE;
 };
 
-/// A real window manager on the display of $DISPLAY, ready to manage.
+/// A real window manager on the display, ready to manage windows.
 class RealManager {
 public:
     explicit RealManager(const TestDesktop& desktop);

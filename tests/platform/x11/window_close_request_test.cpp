@@ -1,4 +1,4 @@
-// Real programs under a real window manager.
+// Real programs with a real window manager.
 
 #include "platform/x11/window_close_request.h"
 
@@ -37,10 +37,10 @@ ProcessSample memberWith(std::int64_t pid, std::uint64_t startTime = 7) {
 
 class ManagedDesktop : public testing::Test {
 protected:
-    explicit ManagedDesktop(const std::vector<std::string>& moreOfTheDisplay = {})
-        : display(moreOfTheDisplay) {}
+    explicit ManagedDesktop(const std::vector<std::string>& serverArguments = {})
+        : display(serverArguments) {}
 
-    /// The test's own program. Returns once the manager has its windows.
+    /// Runs close_client. Returns once the window manager lists its windows.
     struct Client : StartedProgram {
         Client(const ManagedDesktop& test, const std::vector<std::string>& words,
                std::size_t windowCount = 1)
@@ -61,11 +61,11 @@ protected:
             return command;
         }
 
-        xcb_window_t window = XCB_NONE;  ///< its newest
+        xcb_window_t window = XCB_NONE;  ///< its newest window
     };
 
-    /// The manager does one thing after the other. So once it has closed another window, and the
-    /// client has answered what was sent after that, whatever it was asked before has been heard.
+    /// The window manager works sequentially. So once it has closed another window, and the client
+    /// has answered a message sent after that, any earlier request would have been answered too.
     void expectNeverAsked(Client& client) {
         Client other(*this, {"own", "elsewhere"});
         desktop.askManagerToClose(other.window);
@@ -76,7 +76,7 @@ protected:
         EXPECT_TRUE(client.isRunning());
     }
 
-    bool listEmpties() {
+    bool listBecomesEmpty() {
         return eventually([&] {
             clientList = desktop.numbers(desktop.root(), "_NET_CLIENT_LIST");
             return clientList.empty();
@@ -87,14 +87,14 @@ protected:
     TestDesktop desktop;
     RealManager manager{desktop};
     mutable std::vector<xcb_window_t> clientList;
-    const std::string thisHost = windowHostName();
+    const std::string thisHost = hostName();
     const WindowCloseRequests requests{everyProcess};
 };
 
-/// There is only the word of the windows.
-class ManagedDesktopWithoutOwners : public ManagedDesktop {
+/// With a server that cannot report which process a window belongs to.
+class ManagedDesktopWithoutClientIDs : public ManagedDesktop {
 protected:
-    ManagedDesktopWithoutOwners() : ManagedDesktop(tellsNoOwners) {}
+    ManagedDesktopWithoutClientIDs() : ManagedDesktop(withoutClientIDs) {}
 };
 
 TEST_F(ManagedDesktop, AsksAProgramWhichThenEnds) {
@@ -104,7 +104,7 @@ TEST_F(ManagedDesktop, AsksAProgramWhichThenEnds) {
     EXPECT_EQ(client.exitStatus(), 0);
 }
 
-TEST_F(ManagedDesktop, AProgramThatIgnoresItWasAskedAndLives) {
+TEST_F(ManagedDesktop, AProgramThatIgnoresTheRequestWasAskedAndStays) {
     Client client(*this, {"own", thisHost, "ignores"});
     EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 1U);
     EXPECT_EQ(client.line(), "asked");
@@ -159,14 +159,14 @@ TEST_F(ManagedDesktop, AProgramThatClaimsToBeAMemberIsNotAsked) {
     expectNeverAsked(claimant);
 }
 
-// Its claim must not stand in for the request that the member cannot be sent either.
+// A false claim must not count as asking a member that has no window.
 TEST_F(ManagedDesktop, AProgramThatClaimsToBeAMemberWithoutAWindowIsNotAsked) {
     Client claimant(*this, {std::to_string(manager.program().pid()), thisHost});
     EXPECT_EQ(requests.askWindowsToClose({memberWith(manager.program().pid())}), 0U);
     expectNeverAsked(claimant);
 }
 
-// As programs do that see other numbers than this machine's, or another name of it.
+// Programs in another pid namespace state other pids, or another host name.
 TEST_F(ManagedDesktop, AMemberIsAskedWhateverItsWindowSays) {
     for (const std::string& claim : {std::string("1"), std::to_string(::getpid())}) {
         for (const std::string& machine : {thisHost, std::string("elsewhere"), std::string()}) {
@@ -174,37 +174,37 @@ TEST_F(ManagedDesktop, AMemberIsAskedWhateverItsWindowSays) {
             EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 1U);
             EXPECT_EQ(client.line(), "asked");
             EXPECT_EQ(client.exitStatus(), 0);
-            ASSERT_TRUE(listEmpties());
+            ASSERT_TRUE(listBecomesEmpty());
         }
     }
 }
 
-TEST_F(ManagedDesktopWithoutOwners, AsksAProgramWhichThenEnds) {
+TEST_F(ManagedDesktopWithoutClientIDs, AsksAProgramWhichThenEnds) {
     Client client(*this, {"own", thisHost});
     EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 1U);
     EXPECT_EQ(client.line(), "asked");
     EXPECT_EQ(client.exitStatus(), 0);
 }
 
-TEST_F(ManagedDesktopWithoutOwners, AnotherProcessIsNotAsked) {
+TEST_F(ManagedDesktopWithoutClientIDs, AnotherProcessIsNotAsked) {
     Client client(*this, {"own", thisHost});
     EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid() + 1), memberWith(::getpid())}),
               0U);
     expectNeverAsked(client);
 }
 
-TEST_F(ManagedDesktopWithoutOwners, AProgramOfAnotherMachineIsNotAsked) {
+TEST_F(ManagedDesktopWithoutClientIDs, AProgramOfAnotherMachineIsNotAsked) {
     for (const std::string& machine :
          {std::string("elsewhere"), thisHost + ".example", thisHost + "x", std::string()}) {
         Client client(*this, {"own", machine});
         EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 0U) << machine;
         expectNeverAsked(client);
         client.end();
-        ASSERT_TRUE(listEmpties());
+        ASSERT_TRUE(listBecomesEmpty());
     }
 }
 
-// The manager would kill it.
+// The window manager would kill it.
 TEST_F(ManagedDesktop, AProgramThatCannotBeAskedIsLeftAlone) {
     Client client(*this, {"own", thisHost, "no-protocol"});
     EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 0U);
@@ -213,18 +213,18 @@ TEST_F(ManagedDesktop, AProgramThatCannotBeAskedIsLeftAlone) {
 
 TEST_F(ManagedDesktop, AProcessThatIsNoLongerTheReviewedOneIsNotAsked) {
     Client client(*this, {"own", thisHost, "two-windows"}, 2);
-    std::vector<ProcessSample> questions;
+    std::vector<ProcessSample> checked;
     const WindowCloseRequests doubtful([&](const ProcessSample& member) {
-        questions.push_back(member);
+        checked.push_back(member);
         return false;
     });
     const ProcessSample member = memberWith(client.pid(), 4321);
     EXPECT_EQ(doubtful.askWindowsToClose({member}), 0U);
-    EXPECT_THAT(questions, ElementsAre(member, member));
+    EXPECT_THAT(checked, ElementsAre(member, member));
     expectNeverAsked(client);
 }
 
-TEST_F(ManagedDesktop, WithoutItsManagerNobodyIsAsked) {
+TEST_F(ManagedDesktop, NothingIsAskedWithoutAWindowManager) {
     Client client(*this, {"own", thisHost});
     manager.program().end();
     EXPECT_EQ(requests.askWindowsToClose({memberWith(client.pid())}), 0U);

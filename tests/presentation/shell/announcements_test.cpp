@@ -3,7 +3,7 @@
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
 #include "presentation/widgets/spoken.h"
-#include "tests/presentation/screens/overview/blocks_fixture.h"
+#include "tests/presentation/screens/overview/overview_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +32,7 @@ TEST(Announcements, TheSameWordsAreToldOnce) {
 }
 
 /// Two samples, the second like the first.
-class AnnouncementsInTheWindow : public OverviewBlocksTest {
+class AnnouncementsInTheWindow : public OverviewFixture {
 protected:
     void expectNoneRepeated() {
         tick();
@@ -47,7 +47,8 @@ protected:
 TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingOnAnyRoute) {
     recommendations = {recommend("first", Recommendation::Severity::urgent, 800),
                        recommend("second", Recommendation::Severity::info)};
-    insights = {{UUID::random(), "Recurring Top App", "editor", "in detail"}};
+    insights = {
+        {UUID::random(), "Recurring Top App", "editor", "in detail", SessionInsight::Kind::topApp}};
     machine.monitor().localActions().toggleNeverQuit("editor");
     showWithSample();
     machine.monitor().review().selectTopProcess();
@@ -68,13 +69,13 @@ TEST_F(AnnouncementsInTheWindow, NorDoesItOnAProtectedTarget) {
 
 TEST_F(AnnouncementsInTheWindow, NorDoesItInTheSettingsSheet) {
     showWithSample();
-    machine.monitor().navigation().setShowSettings(true);
+    window().state().navigation.setShowSettings(true);
     settle();
     ASSERT_NE(visible("settings.sheet"), nullptr);
     using namespace settings_tabs;
     for (const char* tab : {remote, localMac, automation, safety}) {
         SCOPED_TRACE(tab);
-        machine.monitor().navigation().setSettingsTab(tab);
+        window().state().navigation.setSettingsTab(tab);
         expectNoneRepeated();
     }
 }

@@ -1,7 +1,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "presentation/shell/settings/settings_sheet.h"
 #include "presentation/widgets/capsule.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
@@ -160,7 +160,7 @@ TEST_F(EmergencyStopTest, TheKeyStopsWhileTheDialogStandsAndLeavesItsQuestion) {
 
 TEST_F(EmergencyStopTest, TheKeyStopsWhileTheSettingsStandAndAQuestionAboveThem) {
     showWithSample();
-    machine.monitor().navigation().setShowSettings(true);
+    window().state().navigation.setShowSettings(true);
     settle();
     auto* sheet = window().findChild<SettingsSheet*>();
     ASSERT_NE(sheet, nullptr);

@@ -43,13 +43,10 @@ protected:
     }
 
     void recommend(const std::string& title, Recommendation::Severity severity) {
-        machine.extensions.background.buildRecommendations = [title, severity](const auto&, double,
-                                                                               double, double) {
-            Recommendation recommendation;
-            recommendation.title = title;
-            recommendation.severity = severity;
-            return std::vector<Recommendation>{recommendation};
-        };
+        Recommendation recommendation;
+        recommendation.title = title;
+        recommendation.severity = severity;
+        machine.recommendations = {recommendation};
     }
 
     std::unique_ptr<MenuBarPanel> panel_;
@@ -90,9 +87,7 @@ TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
 
 TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
     machine.metrics->processes.clear();
-    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
-        return std::vector<Recommendation>();
-    };
+    machine.recommendations.emplace();
     openPanel();
     machine.finishSamples();
     settle();
@@ -290,9 +285,7 @@ TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
 
 TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
     std::vector<std::string> copied;
-    machine.extensions.storeOnPasteboard = [&copied](const std::string& text) {
-        copied.push_back(text);
-    };
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
     openPanel();
     choose("menubar.copy-report");
     EXPECT_TRUE(copied.empty());

@@ -97,9 +97,7 @@ TEST_F(MenusTest, OnlyQuitTallowcrestStandsForTheApplicationsOwnQuit) {
 
 TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
     std::vector<std::string> copied;
-    machine.extensions.storeOnPasteboard = [&copied](const std::string& text) {
-        copied.push_back(text);
-    };
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
     show();
     press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(lastAction(), "Monitoring started.") << "nothing to copy yet";

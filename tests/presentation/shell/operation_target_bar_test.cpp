@@ -109,7 +109,7 @@ TEST_F(OperationTargetBarTest, ATargetThatARuleChoseSaysSo) {
     showWithSample();
     select(1);
     machine.ticks->ticks.reset();
-    machine.monitor().limits().setWarningThreshold(50.0);
+    machine.monitor().settingsOwner().set(&Settings::warningThreshold, 50.0);
     for (ProcessSample& row : machine.metrics->processes) {
         row.cpu *= 4;
     }

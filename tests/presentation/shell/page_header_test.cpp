@@ -63,7 +63,7 @@ TEST_F(PageHeaderTest, OpenChatGoesThere) {
     ASSERT_NE(button, nullptr);
     button->click();
     settle();
-    EXPECT_EQ(machine.monitor().navigation().selectedRoute(), AppRoute::chat);
+    EXPECT_EQ(window().state().navigation.selectedRoute(), AppRoute::chat);
 }
 
 TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
@@ -141,7 +141,7 @@ TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
 
 TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
     showWithSample();
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     // Without a turn of Qt's own loop, in which deleted things linger.
     machine.mainQueue.drain();
     EXPECT_EQ(visible("overview.review-cleanup"), nullptr);
@@ -156,7 +156,7 @@ TEST_F(PageHeaderTest, ReviewCleanupGoesToOptimize) {
 
 TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
     int opened = 0;
-    machine.extensions.openActivityMonitor = [&opened] {
+    machine.openActivityMonitor = [&opened] {
         ++opened;
         return true;
     };

@@ -292,8 +292,8 @@ TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
 }
 
 TEST_F(WindowLayoutTest, EvenTheButtonsWithinAFieldHaveNames) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
-    machine.monitor().navigation().setProcessFilter("editor");
+    window().state().navigation.setSelectedRoute(AppRoute::load);
+    window().state().navigation.setProcessFilter("editor");
     show900x600();
     const auto buttons = visible<QLineEdit>("processes.filter")->findChildren<QAbstractButton*>();
     ASSERT_EQ(buttons.size(), 2);

@@ -23,7 +23,7 @@ QString spokenValue(QObject* object) {
     return spoken == nullptr ? QString() : spoken->text(QAccessible::Value);
 }
 
-TEST(ElidedLabel, NeverAsksForMoreRoomThanItCanUse) {
+TEST(ElidedLabel, SizeHintsAreLimited) {
     ElidedLabel label;
     label.setText(QString(10000, u'W'));
     EXPECT_LE(label.sizeHint().width(), 480);
@@ -48,7 +48,7 @@ TEST(ElidedLabel, WrapsUpToItsLinesAndElidesTheLast) {
     EXPECT_EQ(label.shownLines(), QStringList{u"short"_s});
 }
 
-TEST(ElidedLabel, KeepsReservedRoomForFigures) {
+TEST(ElidedLabel, KeepsTheReservedWidth) {
     ElidedLabel label;
     label.setReservedText(u"100%"_s);
     label.setText(u"7%"_s);
@@ -59,7 +59,7 @@ TEST(ElidedLabel, KeepsReservedRoomForFigures) {
 }
 
 TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
-    ElidedLabel label(u"CPU"_s, &CrestFonts::body, &CrestTheme::text);
+    ElidedLabel label(u"CPU"_s, {&CrestFonts::body, &CrestTheme::text});
     showUnseen(label);
     PaintCount paints(label);
     label.setText(u"CPU"_s);
@@ -69,7 +69,7 @@ TEST(ElidedLabel, DoesNotRepaintForTheSameText) {
     EXPECT_EQ(paints.take(), 1);
 }
 
-TEST(ElidedLabel, LaysNewFiguresOutAsALabelThatNeverHadOthers) {
+TEST(ElidedLabel, NewFiguresLookAsInAFreshLabel) {
     const auto pattern = u"%1 GB free · Wired %2 GB · Compressed %3 GB, %4"_s;
     for (const int width : {60, 110, 150, 232, 600}) {
         for (const int lines : {1, 2, 4}) {
@@ -91,7 +91,7 @@ TEST(ElidedLabel, LaysNewFiguresOutAsALabelThatNeverHadOthers) {
     }
 }
 
-TEST(ElidedLabel, PaintsTheGroundThatItIsGiven) {
+TEST(ElidedLabel, PaintsItsGround) {
     ElidedLabel label;
     label.resize(40, 20);
     label.setGround(QColor(Qt::cyan));
@@ -111,7 +111,7 @@ TEST(Card, NamesItselfAfterItsHeading) {
     EXPECT_GT(card.sizeHint().height(), before);
 }
 
-TEST(Card, PaintsItsGroundInTheThemesColourAndSwitchesLive) {
+TEST(Card, BackgroundFollowsTheTheme) {
     const QPalette before = QApplication::palette();
     Card card;
     card.resize(80, 80);
@@ -127,7 +127,7 @@ TEST(Card, PaintsItsGroundInTheThemesColourAndSwitchesLive) {
     QApplication::setPalette(before);
 }
 
-TEST(SummaryCard, SaysItsThreeTexts) {
+TEST(SummaryCard, HasItsTextsAsAccessibleValue) {
     SummaryCard card(u"Never Quit"_s);
     card.setValue(u"8 apps"_s);
     EXPECT_EQ(card.accessibleDescription(), "8 apps");
@@ -195,7 +195,7 @@ TEST(BarList, DoesNotRepaintForEqualRows) {
     EXPECT_EQ(paints.take(), 1);
 }
 
-TEST(BarList, LooksAfterChangesAsIfItWereNew) {
+TEST(BarList, LooksTheSameAfterChangesAsWhenNew) {
     const auto sized = [](BarList& list) { list.resize(600, 96); };
     BarList changed(u"Bars"_s, 4, u"000"_s);
     sized(changed);

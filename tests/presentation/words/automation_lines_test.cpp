@@ -2,11 +2,11 @@
 
 #include <QDate>
 #include <QDateTime>
-#include <QLocale>
 #include <QTime>
 #include <gmock/gmock.h>
 
 #include "monitor/load_rules.h"
+#include "tests/presentation/scoped_locale.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,19 +25,19 @@ ActivityEvent event(Date date, std::string title, std::string detail) {
 
 class AutomationLinesTest : public testing::Test {
 protected:
-    AutomationLinesTest() { QLocale::setDefault(QLocale(u"en_US"_s)); }
-    ~AutomationLinesTest() override { QLocale::setDefault(QLocale::c()); }
+    AutomationLinesTest() { snapshot.emplace().sampledAt = at(14, 15, 0); }
+    const ScopedLocale locale{"en_US"};
 
-    AutomationLine line(AutomationSwitch which, bool isOn = false) {
-        return automationLine(which, isOn, {isStopEngaged, dates, log, at(14, 15, 0)});
-    }
+    AutomationFacts facts() const { return {settings, dates, log, snapshot}; }
+    AutomationLine line(AutomationSwitch which) { return automationLine(which, facts()); }
     std::string lastActed(AutomationSwitch which) {
         return line(which).lastActed.replace(QChar(0x202f), u' ').toStdString();
     }
 
-    bool isStopEngaged = false;
+    Settings settings;
     AutomationDates dates;
     std::vector<ActivityEvent> log;
+    std::optional<SystemSnapshot> snapshot;
 };
 
 TEST_F(AutomationLinesTest, TheRulesInTheirOrderWordForWord) {
@@ -70,22 +70,25 @@ TEST_F(AutomationLinesTest, TheOtherSwitchesWordForWord) {
     EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title, u"Allow AI safe actions"_s);
 }
 
-TEST_F(AutomationLinesTest, TheStopShowsOnWhatItGovernsAlone) {
-    for (const AutomationSwitch which : allAutomationSwitches) {
-        isStopEngaged = false;
-        EXPECT_EQ(line(which, true).state, ArmedState::on);
-        EXPECT_EQ(line(which, false).state, ArmedState::off);
-        isStopEngaged = true;
-        const bool isOutside = which == AutomationSwitch::aiSafeActionsEnabled ||
-                               which == AutomationSwitch::notificationsIncludeActions;
-        EXPECT_EQ(line(which, true).state, isOutside ? ArmedState::on : ArmedState::stopped);
-        EXPECT_EQ(line(which, false).state, isOutside ? ArmedState::off : ArmedState::stopped);
-        EXPECT_TRUE(line(which, true).isOn) << "the switch shows the field whatever stops it";
-        EXPECT_FALSE(line(which, false).isOn);
+TEST_F(AutomationLinesTest, TheStopShowsOnlyOnTheSwitchesItGoverns) {
+    for (const bool isOn : {true, false}) {
+        settings.autoSelectTopOffender = settings.autoPurgeSustainedMemory = isOn;
+        settings.autoScanRemoteMacs = settings.diskAutopilotEnabled = isOn;
+        settings.aiSafeActionsEnabled = settings.notificationsIncludeActions = isOn;
+        const ArmedState unstopped = isOn ? ArmedState::on : ArmedState::off;
+        for (const AutomationSwitch which : allAutomationSwitches) {
+            const bool isOutside = which == AutomationSwitch::aiSafeActionsEnabled ||
+                                   which == AutomationSwitch::notificationsIncludeActions;
+            settings.automationEmergencyStopEngaged = false;
+            EXPECT_EQ(line(which).state, unstopped);
+            settings.automationEmergencyStopEngaged = true;
+            EXPECT_EQ(line(which).state, isOutside ? unstopped : ArmedState::stopped);
+            EXPECT_EQ(line(which).isOn, isOn) << "the switch shows the field whatever stops it";
+        }
     }
 }
 
-TEST_F(AutomationLinesTest, EachSwitchHasAnIdentifierOfItsOwn) {
+TEST_F(AutomationLinesTest, IdentifiersAreUnique) {
     QStringList identifiers;
     for (const AutomationSwitch which : allAutomationSwitches) {
         identifiers.append(automationIdentifier(which));
@@ -95,10 +98,9 @@ TEST_F(AutomationLinesTest, EachSwitchHasAnIdentifierOfItsOwn) {
               "notification-actions"_s);
 }
 
-TEST_F(AutomationLinesTest, WhatIsOnIsCounted) {
-    Settings settings;
+TEST_F(AutomationLinesTest, CountsTheEnabledAutomations) {
     settings.autoSelectTopOffender = false;
-    const auto words = [&settings] { return automationsOn(settings).toStdString(); };
+    const auto words = [this] { return automationsOn(settings).toStdString(); };
     EXPECT_EQ(words(), "No automations on");
     settings.notificationsIncludeActions = true;
     EXPECT_EQ(words(), "No automations on") << "a convenience acts on nothing";
@@ -112,14 +114,11 @@ TEST_F(AutomationLinesTest, WhatIsOnIsCounted) {
     EXPECT_EQ(words(), "5 automations on");
 }
 
-TEST_F(AutomationLinesTest, ThatWhichActsIsSummedUp) {
-    Settings settings;
+TEST_F(AutomationLinesTest, SummaryListsAllAutomations) {
     settings.autoSelectTopOffender = true;
     dates.lastAutoSelectDate = at(14, 14, 30);
-    const auto words = [&] {
-        return automationsSummary(settings, {isStopEngaged, dates, log, at(14, 15, 0)})
-            .replace(QChar(0x202f), u' ')
-            .toStdString();
+    const auto words = [this] {
+        return automationsSummary(facts()).replace(QChar(0x202f), u' ').toStdString();
     };
     EXPECT_EQ(words(),
               "Auto-select safest top offender: On. Last acted 2:30 PM\n"
@@ -127,7 +126,7 @@ TEST_F(AutomationLinesTest, ThatWhichActsIsSummedUp) {
               "Auto-scan Tailscale Macs: Off. No recent action\n"
               "Enable Disk Autopilot: Off. No recent check\n"
               "Allow AI safe actions: Off");
-    isStopEngaged = true;
+    settings.automationEmergencyStopEngaged = true;
     EXPECT_EQ(words(),
               "Auto-select safest top offender: Stopped. Last acted 2:30 PM\n"
               "Auto-purge after sustained high memory: Stopped. No recent action\n"
@@ -142,7 +141,7 @@ TEST_F(AutomationLinesTest, TheStatesHaveDifferentWords) {
     EXPECT_EQ(armedWord(ArmedState::stopped), u"Stopped"_s);
 }
 
-TEST_F(AutomationLinesTest, BeforeTheFirstTimeItSaysSo) {
+TEST_F(AutomationLinesTest, SaysThatItHasNotActedYet) {
     for (const AutomationSwitch which : autoRuleSwitches) {
         EXPECT_EQ(lastActed(which), "No recent action");
         EXPECT_FALSE(line(which).hasActed);
@@ -164,20 +163,18 @@ TEST_F(AutomationLinesTest, EachRuleHasItsOwnDate) {
     EXPECT_EQ(lastActed(AutomationSwitch::diskAutopilotEnabled), "Last checked 1:30 PM");
 }
 
-TEST_F(AutomationLinesTest, WhatTheLogRemembersIsShownToo) {
+TEST_F(AutomationLinesTest, UsesTheTimeInTheActivityLog) {
     log = {event(at(14, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
     EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "Last acted 2:30 PM");
 }
 
-TEST_F(AutomationLinesTest, ATimeOfAnotherDayBearsItsDate) {
+TEST_F(AutomationLinesTest, TimesOfAnotherDayHaveADate) {
     log = {event(at(12, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
-    // What stands between the two is the locale data's, and changes with its versions.
-    EXPECT_THAT(lastActed(AutomationSwitch::autoSelectTopOffender),
-                testing::MatchesRegex("Last acted 3/12/26,? 2:30 PM"));
+    EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "Last acted 3/12/2026, 2:30 PM");
 }
 
 TEST_F(AutomationLinesTest, TimesFollowTheLocale) {
-    QLocale::setDefault(QLocale(u"de_DE"_s));
+    const ScopedLocale german("de_DE");
     dates.lastAutoPurgeDate = at(14, 14, 3);
     EXPECT_EQ(lastActed(AutomationSwitch::autoPurgeSustainedMemory), "Last acted 14:03");
 }

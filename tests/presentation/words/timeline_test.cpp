@@ -78,13 +78,13 @@ TEST(SessionSeconds, ASampleInBetweenAddsNoTime) {
     EXPECT_EQ(sessionSeconds(historyAt({0, 4, 5, 5.5, 8})), 12);
 }
 
-TEST(SessionSeconds, ABreakCountsAsOneTick) {
+TEST(SessionSeconds, AGapCountsAsOneTick) {
     EXPECT_EQ(sessionSeconds(historyAt({0, 4, 3604, 3608})), 16);
     EXPECT_EQ(sessionSeconds(historyAt({0, 12})), 16) << "three ticks are late, and no break";
     EXPECT_EQ(sessionSeconds(historyAt({0, 12.1})), 8);
 }
 
-TEST(SessionSeconds, AreNeverMoreThanTheRoomThatIsKeptForThem) {
+TEST(SessionSeconds, AreAtMostTheLongestSession) {
     for (const double step : {4.0, 11.99, 12.0, 12.01, 86'400.0}) {
         std::vector<HistoryPoint> full(180);
         for (std::size_t i = 0; i < full.size(); ++i) {
@@ -95,7 +95,7 @@ TEST(SessionSeconds, AreNeverMoreThanTheRoomThatIsKeptForThem) {
     }
 }
 
-TEST(SessionSeconds, AClockThatWasSetCountsOnlyWhatWentForward) {
+TEST(SessionSeconds, CountOnlyForwardStepsOfTheClock) {
     EXPECT_EQ(sessionSeconds(historyAt({3600, 3604, 0, 4, 8})), 16);
     EXPECT_EQ(sessionSeconds(historyAt({100, 50})), 4);
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -109,7 +109,7 @@ TEST(EventFractions, LieBetweenTheirNeighboursInTime) {
                 ElementsAre(1.0, DoubleNear(0.875, 1e-12), 0.5, DoubleNear(0.125, 1e-12), 0.0));
 }
 
-TEST(EventFractions, ABreakMovesNoEventAwayFromItsPoint) {
+TEST(EventFractions, AGapMovesNoEventAwayFromItsPoint) {
     // Restarted in the morning, just before the last three points.
     const auto history = historyAt({0, 4, 8, 30000, 30004, 30008});
     EXPECT_THAT(eventFractions(eventsAt({30006, 30000}), history, after(30008)),
@@ -120,7 +120,7 @@ TEST(EventFractions, ABreakMovesNoEventAwayFromItsPoint) {
     EXPECT_THAT(eventFractions(eventsAt({8, 4}), history, after(30008)), IsEmpty());
 }
 
-TEST(EventFractions, EventsOutsideThePeriodAreLeftOut) {
+TEST(EventFractions, EventsOutsideThePeriodAreOmitted) {
     const auto history = historyAt({0, 100});
     EXPECT_THAT(eventFractions(eventsAt({100.5, -0.5, 50}), history, after(102)),
                 ElementsAre(DoubleNear(0.5, 1e-12)));
@@ -133,25 +133,25 @@ TEST(EventFractions, OnlyTheLastSixHundredSecondsCount) {
                 ElementsAre(DoubleNear(116.0 / 716.0, 1e-12), DoubleNear(0.5, 1e-12)));
 }
 
-TEST(EventFractions, FewerThanTwoPointsMakeNoPeriod) {
+TEST(EventFractions, AreEmptyForFewerThanTwoPoints) {
     EXPECT_THAT(eventFractions(eventsAt({0}), {}, after(0)), IsEmpty());
     EXPECT_THAT(eventFractions(eventsAt({0}), historyAt({0}), after(0)), IsEmpty());
 }
 
-TEST(EventFractions, PointsOfOneDateAreTakenByTheLastOfThem) {
+TEST(EventFractions, OfSeveralPointsAtOneDateTheLastCounts) {
     EXPECT_THAT(eventFractions(eventsAt({5}), historyAt({5, 5}), after(5)), ElementsAre(1.0));
     EXPECT_THAT(eventFractions(eventsAt({6, 4, 2}), historyAt({0, 4, 4, 4, 8}), after(8)),
                 ElementsAre(DoubleNear(0.875, 1e-12), 0.75, DoubleNear(0.125, 1e-12)));
 }
 
-TEST(EventFractions, AClockThatWasSetBackPutsEventsAmongTheLatestPoints) {
+TEST(EventFractions, AfterAStepBackOfTheClockTheLatestPointsCount) {
     const auto history = historyAt({100, 104, 98, 102, 106});
     EXPECT_THAT(eventFractions(eventsAt({103, 99}), history, after(106)),
                 ElementsAre(DoubleNear(0.8125, 1e-12), DoubleNear(0.5625, 1e-12)));
     EXPECT_THAT(eventFractions(eventsAt({50}), historyAt({100, 10}), after(10)), IsEmpty());
 }
 
-TEST(EventFractions, EventsFromBeforeTheClockWasSetBackAreLeftOut) {
+TEST(EventFractions, EventsFromBeforeAStepBackOfTheClockAreOmitted) {
     // The event says that it is yet to come.
     EXPECT_THAT(eventFractions(eventsAt({3600, 20}), historyAt({0, 40}), after(40)),
                 ElementsAre(DoubleNear(0.5, 1e-12)));
@@ -159,7 +159,7 @@ TEST(EventFractions, EventsFromBeforeTheClockWasSetBackAreLeftOut) {
                 IsEmpty());
 }
 
-TEST(EventFractions, DatesThatAreNotNumbersAreLeftOut) {
+TEST(EventFractions, DatesThatAreNotNumbersAreOmitted) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(eventFractions(eventsAt({nan}), historyAt({0, 40}), after(40)), IsEmpty());
     EXPECT_THAT(eventFractions(eventsAt({20}), historyAt({0, nan}), after(40)), IsEmpty());

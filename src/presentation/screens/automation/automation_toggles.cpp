@@ -1,39 +1,146 @@
 #include "presentation/screens/automation/automation_toggles.h"
 
+#include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/automation/automation_toggle.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/widgets/toggle_switch.h"
 
 namespace tallowcrest {
+namespace {
 
-AutomationToggles::AutomationToggles(SystemMonitor& monitor, const QString& identifier,
+struct StateLook {
+    const char* icon;
+    ThemeColor color;
+};
+
+StateLook lookOf(ArmedState state) {
+    switch (state) {
+        case ArmedState::on:
+            return {"checkmark.circle", &CrestTheme::good};
+        case ArmedState::stopped:
+            return {"exclamationmark.triangle", &CrestTheme::caution};
+        case ArmedState::off:
+            break;
+    }
+    return {"circle", &CrestTheme::secondaryText};
+}
+
+}  // namespace
+
+AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) : QWidget(parent) {
+    const auto addLabel = [&](const char* part, ElidedLabel::FontRole font, const ThemeColor& color,
+                              int lines) {
+        auto* label = new ElidedLabel(QString(), font, color, this);
+        label->setObjectName(identifier + QString::fromLatin1(part));
+        label->setLines(1, lines);
+        label->setGround(&CrestTheme::cardBackground);
+        return label;
+    };
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing::unit);
+    toggle_ = new ToggleSwitch(this);
+    toggle_->setObjectName(identifier);
+    row->addWidget(toggle_, 0, Qt::AlignTop);
+
+    auto* words = new QVBoxLayout;
+    words->setSpacing(2);
+    title_ = addLabel(".title", &CrestFonts::body, &CrestTheme::text, 2);
+    explanation_ = addLabel(".explanation", &CrestFonts::caption, &CrestTheme::secondaryText, 6);
+    lastActed_ = addLabel(".last-acted", &CrestFonts::caption, &CrestTheme::text, 1);
+    // The title stands at the height of the switch.
+    words->addSpacing((toggle_->sizeHint().height() - title_->sizeHint().height()) / 2);
+    for (ElidedLabel* label : {title_, explanation_, lastActed_}) {
+        words->addWidget(label);
+    }
+    words->addStretch(1);
+    row->addLayout(words, 1);
+
+    stateIcon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
+    state_ = addLabel(".state", &CrestFonts::body, &CrestTheme::text, 1);
+    // The rows' words stand below each other, whichever they are.
+    state_->setReservedText(armedWord(ArmedState::stopped));
+    auto* state = new QHBoxLayout;
+    state->setSpacing(spacing::unit);
+    state->addStrut(toggle_->sizeHint().height());
+    state->addWidget(stateIcon_);
+    state->addWidget(state_);
+    row->addLayout(state);
+    row->setAlignment(state, Qt::AlignTop);
+    connect(toggle_, &QAbstractButton::clicked, this, [this] { askFor(!line_.isOn); });
+    // Assistive technology may throw the switch without a click.
+    connect(toggle_, &QAbstractButton::toggled, this, &AutomationToggle::askFor);
+    showLine();
+}
+
+void AutomationToggle::askFor(bool on) {
+    emit wanted(on);
+    // A refusal leaves the line as it is.
+    showSwitch();
+}
+
+void AutomationToggle::setLine(const AutomationLine& line) {
+    if (line != line_) {
+        line_ = line;
+        showLine();
+    }
+    showSwitch();
+}
+
+void AutomationToggle::showSwitch() {
+    const QSignalBlocker quiet(toggle_);
+    toggle_->setChecked(line_.isOn);
+}
+
+void AutomationToggle::showLine() {
+    title_->setText(line_.title);
+    explanation_->setText(line_.explanation);
+    explanation_->setVisible(!line_.explanation.isEmpty());
+    lastActed_->setText(line_.lastActed);
+    lastActed_->setColor(line_.hasActed ? &CrestTheme::text : &CrestTheme::secondaryText);
+    lastActed_->setVisible(!line_.lastActed.isEmpty());
+    const StateLook look = lookOf(line_.state);
+    stateIcon_->setIcon(QString::fromLatin1(look.icon));
+    stateIcon_->setColor(look.color);
+    state_->setText(armedWord(line_.state));
+    setSpokenName(*toggle_, line_.title);
+    QStringList description{armedWord(line_.state) + u'.', line_.explanation, line_.lastActed};
+    description.removeAll(QString());
+    setSpokenDescription(*toggle_, description.join(u' '));
+}
+
+void AutomationToggle::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
+        toggle_->click();
+    }
+}
+
+AutomationToggles::AutomationToggles(const QString& identifier,
                                      std::span<const AutomationSwitch> switches, QWidget* parent)
-    : QWidget(parent), monitor_(monitor) {
+    : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::gap);
     for (const AutomationSwitch which : switches) {
         auto* row = new AutomationToggle(identifier + u'.' + automationIdentifier(which), this);
-        connect(row, &AutomationToggle::wanted, this, [this, which](bool on) {
-            monitor_.automation().set(which, on);
-            refresh();
-        });
+        connect(row, &AutomationToggle::wanted, this,
+                [this, which](bool on) { emit wanted(which, on); });
         layout->addWidget(row);
         rows_.emplace_back(which, row);
     }
-    refresh();
+    // The words take their room before there is any state to show.
+    show({Settings{}, AutomationDates{}, {}, std::nullopt});
 }
 
-void AutomationToggles::refresh() {
-    const auto& snapshot = monitor_.sample().snapshot();
-    const Automation& automation = monitor_.automation();
-    const AutomationFacts facts{automation.isStopEngaged(), monitor_.autoRules().dates(),
-                                monitor_.log().activityLog(),
-                                snapshot ? snapshot->sampledAt : Date{}};
+void AutomationToggles::show(const AutomationFacts& facts) {
     for (const auto& [which, row] : rows_) {
-        row->setLine(automationLine(which, automation.isOn(which), facts));
+        row->setLine(automationLine(which, facts));
     }
 }
 

@@ -4,7 +4,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
@@ -15,9 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QString& identifier,
-                                             QWidget* parent)
-    : QWidget(parent), monitor_(monitor) {
+EmergencyStopControls::EmergencyStopControls(const QString& identifier, QWidget* parent)
+    : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
@@ -36,15 +34,12 @@ EmergencyStopControls::EmergencyStopControls(SystemMonitor& monitor, const QStri
     words->setGround(&CrestTheme::cardBackground);
     layout->addWidget(words);
 
-    connect(stop_, &QPushButton::clicked, this,
-            [this] { monitor_.automation().engageEmergencyStop(); });
-    connect(resume_, &QPushButton::clicked, this,
-            [this] { monitor_.automation().resumeFromEmergencyStop(); });
-    refresh();
+    connect(stop_, &QPushButton::clicked, this, &EmergencyStopControls::stopWanted);
+    connect(resume_, &QPushButton::clicked, this, &EmergencyStopControls::resumeWanted);
+    setEngaged(false);
 }
 
-void EmergencyStopControls::refresh() {
-    const bool isEngaged = monitor_.automation().isStopEngaged();
+void EmergencyStopControls::setEngaged(bool isEngaged) {
     if (!isEngaged && resume_->hasFocus()) {
         // The keyboard stays in the row whose button it pressed.
         stop_->setFocus();

@@ -6,8 +6,6 @@ class QPushButton;
 
 namespace tallowcrest {
 
-class SystemMonitor;
-
 /// The emergency stop and, while it is engaged, the way back. The one never waits for an answer,
 /// and the other never takes its place: whoever presses twice in haste does not resume. Stands on
 /// a card. Main thread.
@@ -16,13 +14,15 @@ class EmergencyStopControls final : public QWidget {
 
 public:
     /// `identifier` is what the buttons' own begin with: "IDENTIFIER.emergency-stop".
-    EmergencyStopControls(SystemMonitor& monitor, const QString& identifier,
-                          QWidget* parent = nullptr);
+    explicit EmergencyStopControls(const QString& identifier, QWidget* parent = nullptr);
 
-    void refresh();
+    void setEngaged(bool isEngaged);
+
+signals:
+    void stopWanted();
+    void resumeWanted();
 
 private:
-    SystemMonitor& monitor_;
     QPushButton* stop_ = nullptr;
     QPushButton* resume_ = nullptr;
 };

@@ -2,14 +2,18 @@
 
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/optimize/workspace_bar.h"
 #include "presentation/screens/overview/disk_autopilot_block.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,12 +38,15 @@ QString comingLine(AppRoute route) {
 
 }  // namespace
 
-ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
-    : Screen(parent), monitor_(monitor), route_(route) {
+ComingPage::ComingPage(SystemMonitor& monitor, WindowState& state, AppRoute route, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state), route_(route) {
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     if (WorkspaceBar::isStep(route)) {
-        layout->addWidget(new WorkspaceBar(monitor, route, content));
+        auto* bar = new WorkspaceBar(route, content);
+        connect(bar, &WorkspaceBar::routeWanted, this,
+                [this](AppRoute wanted) { state_.navigation.setSelectedRoute(wanted); });
+        layout->addWidget(bar);
     }
     auto* card = new Card(content);
     card->setObjectName(u"coming."_s + dashboard_text::text(rawValue(route)));
@@ -51,18 +58,37 @@ ComingPage::ComingPage(SystemMonitor& monitor, AppRoute route, QWidget* parent)
     card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
     if (route == AppRoute::optimizationSuggestions) {
-        disk_ = new DiskAutopilotBlock(monitor, u"suggestions"_s);
+        disk_ = makeDisk();
         layout->addWidget(disk_);
     }
     layout->addStretch(1);
     scrollOnPage(content, *this);
 }
 
+DiskAutopilotBlock* ComingPage::makeDisk() {
+    auto* disk = new DiskAutopilotBlock(u"suggestions"_s);
+    connect(disk, &DiskAutopilotBlock::collapseWanted, this, [this, disk](bool collapsed) {
+        state_.sections.setCollapsed(disk->section(), collapsed);
+    });
+    connect(disk, &DiskAutopilotBlock::stopWanted, this,
+            [this] { monitor_.automation().engageEmergencyStop(); });
+    connect(disk, &DiskAutopilotBlock::resumeWanted, this,
+            [this] { monitor_.automation().resumeFromEmergencyStop(); });
+    return disk;
+}
+
+std::vector<Observable*> ComingPage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
+            &monitor_.automation().observable()};
+}
+
 void ComingPage::refresh() {
-    const bool hasSample = monitor_.sample().snapshot().has_value();
-    line_->setText(hasSample ? comingLine(route_) : u"Sampling this Mac..."_s);
+    const auto& snapshot = monitor_.sample().snapshot();
+    line_->setText(snapshot ? comingLine(route_) : u"Sampling this Mac..."_s);
     if (disk_ != nullptr) {
-        disk_->refresh();
+        disk_->setCollapsed(state_.sections.isCollapsed(disk_->section()));
+        disk_->show({snapshot, monitor_.settings(), monitor_.automation().diskAutopilotStatus(),
+                     monitor_.host().places.caches});
     }
 }
 

@@ -2,16 +2,19 @@
 
 #include <algorithm>
 
+#include <QGridLayout>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/history/activity_entry.h"
+#include "core/routes.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/activity_lines.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/session_lines.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,8 +27,46 @@ QString eventCount(std::size_t count) {
 
 }  // namespace
 
-ActivityLogCard::ActivityLogCard(SystemMonitor& monitor, QWidget* parent)
-    : Card(parent), monitor_(monitor) {
+ActivityEntry::ActivityEntry(QWidget* parent) : QWidget(parent) {
+    installAccessibleFigures();
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(0, spacing::unit + 1, 0, spacing::unit);
+    layout->setHorizontalSpacing(spacing::unit);
+    layout->setVerticalSpacing(2);
+    icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    time_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    for (ElidedLabel* label : {title_, time_, detail_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+    time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    detail_->setLines(1, mostDetailLines);
+    layout->addWidget(icon_, 0, 0, Qt::AlignVCenter);
+    layout->addWidget(title_, 0, 1);
+    layout->addWidget(time_, 0, 2);
+    layout->addWidget(detail_, 1, 1, 1, 2);
+    layout->setColumnStretch(1, 1);
+}
+
+void ActivityEntry::setLine(const ActivityLine& line) {
+    icon_->setIcon(line.isWarning ? u"exclamationmark.triangle.fill"_s : u"checkmark.circle"_s);
+    icon_->setColor(line.isWarning ? &CrestTheme::caution : &CrestTheme::secondaryText);
+    title_->setText(line.title);
+    time_->setText(line.time);
+    detail_->setText(line.detail);
+    setSpokenName(*this, accessibleValue());
+}
+
+QString ActivityEntry::accessibleValue() const {
+    return u"%1, %2: %3"_s.arg(title_->text(), time_->text(), detail_->text());
+}
+
+void ActivityEntry::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(0, 0, width(), 1, CrestTheme::current().hairline);
+}
+
+ActivityLogCard::ActivityLogCard(QWidget* parent) : Card(parent) {
     setObjectName(u"history.activity-log"_s);
     setHeader(u"clock"_s, dashboard_text::text(title(DashboardSection::activityLog)));
     setCaption(eventCount(0));
@@ -36,7 +77,7 @@ ActivityLogCard::ActivityLogCard(SystemMonitor& monitor, QWidget* parent)
     clear->setObjectName(u"history.clear-log"_s);
     clear->setAccessibleDescription(u"Removes every event of the activity log"_s);
     clear->setToolTip(clear->accessibleDescription());
-    connect(clear, &QPushButton::clicked, this, [this] { monitor_.log().clearActivityLog(); });
+    connect(clear, &QPushButton::clicked, this, &ActivityLogCard::clearWanted);
     headerLayout()->addWidget(clear);
     clear_ = clear;
 
@@ -55,17 +96,14 @@ ActivityLogCard::ActivityLogCard(SystemMonitor& monitor, QWidget* parent)
     contentLayout()->addWidget(list_);
 }
 
-void ActivityLogCard::refresh() {
-    const std::vector<ActivityEvent>& events = monitor_.log().activityLog();
-    const auto& snapshot = monitor_.sample().snapshot();
-    const Date now = snapshot ? snapshot->sampledAt : Date{};
+void ActivityLogCard::show(const std::vector<ActivityEvent>& events, Date now) {
     std::vector<UUID> identifiers;
     identifiers.reserve(events.size());
     for (const ActivityEvent& event : events) {
         identifiers.push_back(event.id);
     }
     // Times of an earlier day bear its date.
-    const QDate day = dashboard_text::localDay(now);
+    const std::int64_t day = dashboard_text::localDay(now);
     if (identifiers == shown_ && day == shownDay_) {
         return;
     }

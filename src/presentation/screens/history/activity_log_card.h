@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
-#include <QDate>
-
+#include "core/local_records.h"
 #include "core/uuid.h"
+#include "presentation/widgets/accessible_figure.h"
 #include "presentation/widgets/card.h"
 
 class QPushButton;
@@ -12,8 +14,35 @@ class QVBoxLayout;
 
 namespace tallowcrest {
 
-class ActivityEntry;
-class SystemMonitor;
+struct ActivityLine;
+class IconView;
+
+/// One entry of the activity log with all that it says: what happened and when, and below it the
+/// detail, in as many lines as it needs within reason. Assistive technology hears it as one text.
+/// Main thread.
+class ActivityEntry final : public QWidget, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    static constexpr int mostDetailLines = 8;
+
+    explicit ActivityEntry(QWidget* parent = nullptr);
+
+    void setLine(const ActivityLine& line);
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
+    QString accessibleValue() const override;
+    bool saysAllWithin() const override { return true; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    IconView* icon_ = nullptr;
+    ElidedLabel* title_ = nullptr;
+    ElidedLabel* time_ = nullptr;
+    ElidedLabel* detail_ = nullptr;
+};
 
 /// The whole activity log, newest first, and the button that empties it. An entry keeps its row as
 /// long as it is in the log: what is new comes above it and nothing else changes. Main thread.
@@ -21,24 +50,27 @@ class ActivityLogCard final : public Card {
     Q_OBJECT
 
 public:
-    explicit ActivityLogCard(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit ActivityLogCard(QWidget* parent = nullptr);
 
-    void refresh();
+    /// `events` come newest first. Times of another day than `now` bear their date.
+    void show(const std::vector<ActivityEvent>& events, Date now);
 
     /// Newest first.
     const std::vector<ActivityEntry*>& entries() const { return entries_; }
 
+signals:
+    void clearWanted();
+
 private:
     void matchEntries(const std::vector<UUID>& identifiers);
 
-    SystemMonitor& monitor_;
     QPushButton* clear_ = nullptr;
     ElidedLabel* empty_ = nullptr;
     QWidget* list_ = nullptr;
     QVBoxLayout* rows_ = nullptr;
     std::vector<ActivityEntry*> entries_;
-    std::vector<UUID> shown_;  ///< one for each of `entries_`
-    QDate shownDay_;           ///< of which times are told without a date
+    std::vector<UUID> shown_;               ///< one for each of `entries_`
+    std::optional<std::int64_t> shownDay_;  ///< of which times are told without a date
 };
 
 }  // namespace tallowcrest

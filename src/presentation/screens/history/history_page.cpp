@@ -8,41 +8,33 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/automation/automation_toggles.h"
-#include "presentation/screens/history/activity_entry.h"
 #include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/timeline_graph.h"
+#include "presentation/widgets/arrange_now.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
-#include "presentation/widgets/pending_layouts.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
-#include "presentation/words/session_summary.h"
+#include "presentation/words/session_lines.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
-constexpr std::size_t sessionCards = 3;
-
 QString pointCount(std::size_t count) {
     return u"Last %1"_s.arg(count);
-}
-
-SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
-    const QString title = u"Current State"_s;
-    if (!snapshot) {
-        return {title, dashboard_text::noFigure(), u"Sampling this Mac..."_s};
-    }
-    return {
-        title, dashboard_text::percentText(snapshot->cpuPercent) + u" CPU"_s,
-        u"Memory pressure %1 at %2"_s.arg(dashboard_text::percentText(snapshot->memory.pressure),
-                                          dashboard_text::timeText(snapshot->sampledAt))};
 }
 
 }  // namespace
@@ -52,11 +44,13 @@ HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeTimeline());
-    session_.emplace(u"history.session"_s, sessionCards, content);
+    session_.emplace(u"history.session"_s, sessionStateCards, content);
     layout->addWidget(session_->widget());
     layout->addWidget(makeAutomation());
     layout->addWidget(makeReceipts());
-    log_ = new ActivityLogCard(monitor_);
+    log_ = new ActivityLogCard;
+    connect(log_, &ActivityLogCard::clearWanted, this,
+            [this] { monitor_.log().clearActivityLog(); });
     layout->addWidget(log_);
     layout->addStretch(1);
 
@@ -79,7 +73,11 @@ QWidget* HistoryPage::makeAutomation() {
     card->setObjectName(u"history.automation"_s);
     card->setHeader(u"slider.horizontal.3"_s,
                     dashboard_text::text(title(DashboardSection::autoRules)));
-    automation_ = new AutomationToggles(monitor_, card->objectName());
+    automation_ = new AutomationToggles(card->objectName());
+    connect(automation_, &AutomationToggles::wanted, this, [this](AutomationSwitch which, bool on) {
+        monitor_.automation().set(which, on);
+        showAutomation();
+    });
     card->contentLayout()->addWidget(automation_);
     return card;
 }
@@ -110,6 +108,11 @@ QWidget* HistoryPage::makeReceipts() {
     return card;
 }
 
+std::vector<Observable*> HistoryPage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
+}
+
 void HistoryPage::refresh() {
     const std::optional<ReadingPlace> place = readingPlace();
     refreshAll();
@@ -119,20 +122,20 @@ void HistoryPage::refresh() {
 }
 
 void HistoryPage::refreshAll() {
-    const auto& history = monitor_.sample().history();
+    const LatestSample& sample = monitor_.sample();
+    const std::vector<ActivityEvent>& activityLog = monitor_.log().activityLog();
+    const std::vector<HistoryPoint>& history = sample.history();
     timeline_->setCaption(pointCount(history.size()));
-    showTimeline(*graph_, monitor_, timelineSummary(history));
-    showSession();
-    automation_->refresh();
-    log_->refresh();
+    showTimeline(*graph_, {history, activityLog, monitor_.settings().warningThreshold},
+                 timelineSummary(history));
+    session_->show(sessionState(sample.snapshot(), sample.sessionInsights()));
+    showAutomation();
+    log_->show(activityLog, sample.snapshot() ? sample.snapshot()->sampledAt : Date{});
 }
 
-void HistoryPage::showSession() {
-    session_->show(
-        // Nothing scans other machines yet, and so nothing is said of how to.
-        {{u"Remote State"_s, u"Not scanned"_s, QString()},
-         currentState(monitor_.sample().snapshot()),
-         recurringTopApp(u"Top Repeater"_s, monitor_.sample().sessionInsights())});
+void HistoryPage::showAutomation() {
+    automation_->show({monitor_.settings(), monitor_.autoRules().dates(),
+                       monitor_.log().activityLog(), monitor_.sample().snapshot()});
 }
 
 int HistoryPage::placeInView(const QWidget& widget) const {
@@ -156,7 +159,7 @@ void HistoryPage::keepReadingPlace(const ReadingPlace& place) {
     if (std::find(entries.begin(), entries.end(), place.entry) == entries.end()) {
         return;
     }
-    arrangePendingLayouts();
+    arrangeNow(*area_);
     QScrollBar* bar = area_->verticalScrollBar();
     bar->setValue(bar->value() + placeInView(*place.entry) - place.y);
 }

@@ -25,6 +25,7 @@ public:
     explicit HistoryPage(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void refresh() override;
+    std::vector<Observable*> shows() const override;
 
 private:
     /// The entry at the top of the view and where it stands, once the log has been scrolled into.
@@ -36,8 +37,8 @@ private:
     QWidget* makeTimeline();
     QWidget* makeAutomation();
     QWidget* makeReceipts();
-    void showSession();
     void refreshAll();
+    void showAutomation();
     std::optional<ReadingPlace> readingPlace() const;
     void keepReadingPlace(const ReadingPlace& place);
     int placeInView(const QWidget& widget) const;

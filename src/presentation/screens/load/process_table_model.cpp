@@ -3,8 +3,6 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include <QLocale>
-
 #include "actions/app_group.h"
 #include "presentation/widgets/tool_tip.h"
 #include "presentation/words/dashboard_text.h"
@@ -14,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
+using dashboard_text::decimal;
 using dashboard_text::text;
 
 bool haveSameOrder(const std::vector<ProcessSample>& a, const std::vector<ProcessSample>& b) {
@@ -49,8 +48,8 @@ QString toolTip(const ProcessSample& row) {
     return toolTipText(u"PID %1\n"_s.arg(row.pid) + text(row.command));
 }
 
-QString megabytes(double value) {
-    return u"%1 MB"_s.arg(QLocale().toString(value, 'f', 1));
+QString megabytes(double value, int decimals) {
+    return u"%1 MB"_s.arg(decimal(value, decimals));
 }
 
 }  // namespace
@@ -162,11 +161,11 @@ QVariant ProcessTableModel::displayText(const ProcessSample& row, int column) co
         case processColumn:
             return text(row.displayName());
         case cpuColumn:
-            return u"%1%"_s.arg(QLocale().toString(row.cpu, 'f', 1));
+            return u"%1%"_s.arg(decimal(row.cpu, 1));
         case memoryColumn:
-            return megabytes(row.rssMB);
+            return megabytes(row.rssMB, memoryDecimals_);
         case memoryPercentColumn:
-            return u"%1%"_s.arg(QLocale().toString(row.memoryPercent, 'f', 1));
+            return u"%1%"_s.arg(decimal(row.memoryPercent, 1));
         case actionColumn:
             return u"Review"_s;
         default:

@@ -34,6 +34,9 @@ public:
     /// The owner's Never Quit list, which protects the processes of its groups as well.
     void setProtectedAppNames(const ProtectedAppNames& names);
 
+    /// Decimals of the memory column, 1 unless set. To be set before the first rows.
+    void setMemoryDecimals(int decimals) { memoryDecimals_ = decimals; }
+
     /// Which process is under review; absent for none.
     void setSelectedPID(std::optional<std::int64_t> pid);
 
@@ -53,6 +56,7 @@ private:
 
     ProtectionPolicy policy_;
     ProtectedAppNames protectedAppNames_;
+    int memoryDecimals_ = 1;
     std::vector<ProcessSample> rows_;
     std::optional<std::int64_t> selectedPID_;
 };

@@ -20,7 +20,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr int widestName = 420;
-// How much wider than their figures need the columns of figures grow.
+// How far the number columns may grow beyond the width of their figures.
 constexpr int widestSpare = 8 * spacing::unit;
 
 }  // namespace
@@ -34,7 +34,7 @@ ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // Its room is always kept, so that a filter that leaves few rows moves no column.
+    // Always there, so that the columns do not move when a filter leaves few rows.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTabKeyNavigation(false);
@@ -57,7 +57,7 @@ void ProcessTableView::setModel(QAbstractItemModel* model) {
     if (model == nullptr) {
         return;
     }
-    // A tip that stays would name another process than the one it then points at.
+    // The row below the pointer may now be another process than the one the tip names.
     const auto endToolTip = [this] {
         if (pointer_) {
             QToolTip::hideText();
@@ -96,8 +96,8 @@ void ProcessTableView::sizeColumns() {
     for (const auto& [column, width] : figures) {
         room -= width;
     }
-    // In a wide window the figures stay near the names, and what is left goes to them and at last
-    // to the right of the button.
+    // In a wide window the figures stay near the names: spare width goes to the number columns
+    // first and then to the right of the button.
     const int nameWidth = std::clamp(room, 0, widestName);
     const auto more =
         std::min((room - nameWidth) / static_cast<int>(std::size(figures)), widestSpare);
@@ -161,7 +161,7 @@ void ProcessTableView::keyPressEvent(QKeyEvent* event) {
 }
 
 QModelIndex ProcessTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-    // A row is one thing: the keys go from row to row and to the ends of the list.
+    // Keys move by whole rows.
     const int rows = model() != nullptr ? model()->rowCount() : 0;
     switch (action) {
         case MoveHome:
@@ -178,7 +178,7 @@ QModelIndex ProcessTableView::moveCursor(CursorAction action, Qt::KeyboardModifi
 
 void ProcessTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
-    // The view repaints a cell; the ring goes around the row.
+    // The view repaints only the cell, but the focus ring surrounds the row.
     for (const QModelIndex& index : {current, previous}) {
         if (index.isValid()) {
             updateRow(index.row());
@@ -197,7 +197,7 @@ bool ProcessTableView::viewportEvent(QEvent* event) {
 
 void ProcessTableView::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
-    // The rows move away below a pointer that rests.
+    // The rows move although the pointer does not.
     followPointer(pointer_);
 }
 

@@ -10,8 +10,8 @@ namespace tallowcrest {
 
 class ProcessRowDelegate;
 
-/// The process table as a person sees it: rows without a grid, a hint in place of no rows, and
-/// Return or Space on a row for its "Review". Main thread.
+/// The process table: rows without a grid, a hint when there are no rows, and Return or Space on a
+/// row for its "Review". Main thread.
 class ProcessTableView final : public QTableView {
     Q_OBJECT
 
@@ -20,10 +20,10 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
-    /// The greatest height within `height` at which the last row that shows is a whole one.
+    /// The largest height up to `height` at which the last visible row is not cut.
     int wholeRowsHeight(int height) const;
 
-    /// The second line of the hint that stands in place of no rows.
+    /// The second line of the hint that shows when there are no rows.
     void setEmptyDetail(const QString& detail);
 
 signals:
@@ -42,7 +42,7 @@ protected:
 private:
     void sizeColumns();
     void applyTheme();
-    /// The row that the pointer is over; `place` is in the viewport, absent when it is not there.
+    /// Highlights the row below the pointer; `place` is in the viewport, absent outside of it.
     void followPointer(std::optional<QPoint> place);
     void updateRow(int row);
 
@@ -51,7 +51,7 @@ private:
     QString emptyDetail_;
 };
 
-/// Gives a table's place in a layout to whole rows; what is left stays free below them.
+/// Cuts a table's height in a layout to whole rows; the rest stays empty below them.
 class WholeRowsItem final : public QWidgetItem {
 public:
     explicit WholeRowsItem(ProcessTableView* table) : QWidgetItem(table), table_(table) {}

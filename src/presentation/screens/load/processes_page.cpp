@@ -10,11 +10,15 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "actions/external_applications.h"
+#include "actions/review_target.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/load/process_filter.h"
 #include "presentation/screens/load/process_table_model.h"
 #include "presentation/screens/load/process_table_view.h"
+#include "presentation/screens/load/processes_lines.h"
 #include "presentation/screens/review_process.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
@@ -23,6 +27,7 @@
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/app_impact.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,8 +35,8 @@ namespace tallowcrest {
 
 using dashboard_text::text;
 
-ProcessesPage::ProcessesPage(SystemMonitor& monitor, QWidget* parent)
-    : Screen(parent), monitor_(monitor) {
+ProcessesPage::ProcessesPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
@@ -85,7 +90,7 @@ QWidget* ProcessesPage::makeToolRow() {
         ->addAction(themedIcon(u"magnifyingglass"_s, &CrestTheme::secondaryText),
                     QLineEdit::LeadingPosition)
         ->setText(u"Filter processes"_s);
-    // The built-in clear button comes without words.
+    // The built-in clear button has no text.
     for (QAction* action : filter_->findChildren<QAction*>()) {
         if (action->text().isEmpty()) {
             action->setText(u"Clear filter"_s);
@@ -103,7 +108,7 @@ QWidget* ProcessesPage::makeToolRow() {
         }
     });
     connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
-        monitor_.navigation().setProcessFilter(typed.toStdString());
+        state_.navigation.setProcessFilter(typed.toStdString());
     });
 
     layout->addWidget(selectTopRow);
@@ -113,19 +118,24 @@ QWidget* ProcessesPage::makeToolRow() {
     return row;
 }
 
+std::vector<Observable*> ProcessesPage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.review().observable(),
+            &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
+}
+
 void ProcessesPage::refresh() {
     const auto& snapshot = monitor_.sample().snapshot();
     if (snapshot) {
         followSelection();
     }
-    const std::string& filter = monitor_.navigation().processFilter();
+    const std::string& filter = state_.navigation.processFilter();
     if (filter_->text().toStdString() != filter) {
         filter_->setText(text(filter));
     }
     const Date sampledAt = snapshot ? snapshot->sampledAt : Date{};
     if (snapshot && (sampledAt != shownSample_ || filter != shownFilter_)) {
         const LatestSample& sample = monitor_.sample();
-        // A current row that ends leaves its place to a neighbour, which is no reason to go there.
+        // When the process of the current row ends, the view must not scroll to the next one.
         table_->setAutoScroll(false);
         model_->setRows(filteredProcesses(
             rowsInOrder(sample.latestProcesses(), sample.impactOrder()), text(filter)));
@@ -135,23 +145,26 @@ void ProcessesPage::refresh() {
     }
     model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
     const ReviewTarget& review = monitor_.review();
-    // Another process may bear the number of the one that was selected.
+    // Another process may have the PID of the one that was selected.
     model_->setSelectedPID(review.selectedRow() != nullptr ? review.selectedPID() : std::nullopt);
-    showStatus();
+    const auto lines = processesLines(monitor_.sample(), model_->rowCount());
+    status_->setText(lines.status);
+    table_->setEmptyDetail(lines.emptyDetail);
+    setSpokenDescription(*table_, lines.description);
 }
 
 void ProcessesPage::followSelection() {
     const auto selected = monitor_.review().selectedPID();
     const bool isNewSample = monitor_.sample().snapshot()->sampledAt != shownSample_;
-    // What a sample selects by itself must not pull the list from under a person who reads it.
+    // A selection made by a rule during a sample must not scroll the list while somebody reads it.
     if (selected != shownSelection_ && (isOpening_ || !isNewSample)) {
         isSelectionDue_ = true;
     }
     if (selected && isSelectionDue_) {
-        freeFromFilter(monitor_);
+        freeFromFilter(monitor_.sample(), monitor_.review(), state_.navigation);
     }
     if (selected && (isSelectionDue_ || isOpening_)) {
-        // When everything has its size and the rows are those of this refresh.
+        // Queued: by then the layout is done and the rows are those of this refresh.
         QMetaObject::invokeMethod(this, &ProcessesPage::scrollToSelection, Qt::QueuedConnection);
     }
     shownSelection_ = selected;
@@ -184,7 +197,7 @@ void ProcessesPage::showSelection() {
 
 void ProcessesPage::hideEvent(QHideEvent* event) {
     Screen::hideEvent(event);
-    // A minimised window comes back as it was.
+    // Minimising the window keeps the scroll position.
     isOpening_ = isOpening_ || !event->spontaneous();
 }
 
@@ -193,31 +206,9 @@ void ProcessesPage::focusSearch() {
     filter_->selectAll();
 }
 
-void ProcessesPage::showStatus() {
-    const auto& snapshot = monitor_.sample().snapshot();
-    if (!snapshot) {
-        status_->setText(u"Sampling this Mac..."_s);
-        describeTable(u"Sampling this Mac..."_s);
-        return;
-    }
-    status_->setText(
-        dashboard_text::sortStatus(static_cast<int>(model_->rows().size()), snapshot->sampledAt));
-    describeTable(monitor_.sample().latestProcesses().empty()
-                      ? u"No process could be read in the last sample."_s
-                      : u"No process matches the filter. Clear it to see all."_s);
-}
-
-void ProcessesPage::describeTable(const QString& emptyDetail) {
-    table_->setEmptyDetail(emptyDetail);
-    const QString description =
-        model_->rows().empty() ? u"Select Process. "_s + emptyDetail
-                               : u"Processes by impact. Return on a row selects it for review."_s;
-    setSpokenDescription(*table_, description);
-}
-
 void ProcessesPage::review(const QModelIndex& index) {
     const ProcessSample& row = model_->rows().at(static_cast<std::size_t>(index.row()));
-    // It is in view already, where the owner has just pointed at it.
+    // The owner has just clicked the row, so it is in view.
     shownSelection_ = row.pid;
     monitor_.review().selectProcess(row);
 }

@@ -15,6 +15,7 @@ class ElidedLabel;
 class ProcessTableModel;
 class ProcessTableView;
 class SystemMonitor;
+struct WindowState;
 
 /// The full process list, from which a process can be taken under review. Nothing quits from here.
 /// Main thread.
@@ -22,9 +23,10 @@ class ProcessesPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit ProcessesPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit ProcessesPage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
 
     void refresh() override;
+    std::vector<Observable*> shows() const override;
     void showSelection() override;
     void focusSearch() override;
 
@@ -33,15 +35,14 @@ protected:
 
 private:
     QWidget* makeToolRow();
-    void showStatus();
-    void describeTable(const QString& emptyDetail);
     void review(const QModelIndex& index);
-    /// Finds out whether the row under review is to be brought into view.
+    /// Decides whether to scroll to the row under review.
     void followSelection();
-    /// Once, so that from then on the list scrolls as the owner wants it.
+    /// Runs once per selection; afterwards the list stays where the owner scrolls it.
     void scrollToSelection();
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     ProcessTableModel* model_ = nullptr;
     ProcessTableView* table_ = nullptr;
     ElidedLabel* status_ = nullptr;
@@ -49,8 +50,8 @@ private:
     std::string shownFilter_;
     Date shownSample_;
     std::optional<std::int64_t> shownSelection_;
-    bool isOpening_ = true;  ///< the next refresh is the first one since the page came into view
-    bool isSelectionDue_ = false;  ///< to be shown, whatever the filter
+    bool isOpening_ = true;        ///< the next refresh is the first since the page became visible
+    bool isSelectionDue_ = false;  ///< show the selected row even if the filter hides it
 };
 
 }  // namespace tallowcrest

@@ -3,19 +3,16 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
 #include "presentation/words/commands.h"
-#include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
-    : Card(parent), monitor_(monitor) {
+CleanupFlowCard::CleanupFlowCard(QWidget* parent) : Card(parent) {
     setObjectName(u"cleanup.flow"_s);
     setHeader(u"wand.and.stars"_s, u"Local Cleanup Flow"_s);
     const auto addLine = [this](const QString& words, ElidedLabel::FontRole font,
@@ -46,28 +43,26 @@ CleanupFlowCard::CleanupFlowCard(SystemMonitor& monitor, QWidget* parent)
 
 QWidget* CleanupFlowCard::makeActions() {
     auto* actions = new FlowRow(spacing::unit, this);
-    const auto add = [&](const Command& command, const QString& identifier, auto handler) {
+    const auto add = [&](const Command& command, const QString& identifier, auto wanted) {
         auto* button = makeButton(command, identifier, actions);
-        connect(button, &QPushButton::clicked, this, handler);
+        connect(button, &QPushButton::clicked, this, wanted);
         actions->addItem(button);
         return button;
     };
     add({"Suggest Safe Target", "checkmark.shield",
          "Selects an app that is safe to review; asks for a cache purge when memory pressure is "
          "high"},
-        u"cleanup.suggest-safe-target"_s, [this] { monitor_.localActions().optimizeSafely(); });
-    add(commands::selectTopApp, u"cleanup.select-top-app"_s,
-        [this] { monitor_.review().selectTopApp(); });
-    purge_ = add(commands::purge, u"cleanup.purge-caches"_s,
-                 [this] { monitor_.localActions().requestPurge(); });
+        u"cleanup.suggest-safe-target"_s, &CleanupFlowCard::safeTargetWanted);
+    add(commands::selectTopApp, u"cleanup.select-top-app"_s, &CleanupFlowCard::topAppWanted);
+    purge_ = add(commands::purge, u"cleanup.purge-caches"_s, &CleanupFlowCard::purgeWanted);
     add(commands::activityMonitor, u"cleanup.activity-monitor"_s,
-        [this] { monitor_.applications().openActivityMonitor(); });
+        &CleanupFlowCard::activityMonitorWanted);
     return actions;
 }
 
-void CleanupFlowCard::refresh() {
-    step_->setText(dashboard_text::text(monitor_.review().optimizeStep()));
-    showPurging(monitor_.localActions().isPurging());
+void CleanupFlowCard::show(const QString& step, bool isPurging) {
+    step_->setText(step);
+    showPurging(isPurging);
 }
 
 void CleanupFlowCard::showPurging(bool isPurging) {
@@ -75,7 +70,7 @@ void CleanupFlowCard::showPurging(bool isPurging) {
         return;
     }
     isPurging_ = isPurging;
-    // The shorter word takes no room away from the buttons beside it.
+    // The buttons beside it stay in place although this word is shorter.
     purge_->setMinimumWidth(isPurging ? purge_->width() : 0);
     purge_->setText(isPurging ? u"Purging…"_s : QString::fromUtf8(commands::purge.title));
     purge_->setAccessibleName(purge_->text());

@@ -6,22 +6,26 @@ class QPushButton;
 
 namespace tallowcrest {
 
-class SystemMonitor;
-
-/// Where the owner stands in the local clean-up, and what can be done next. Main thread.
+/// Where the owner is in the local clean-up, and what can be done next. Main thread.
 class CleanupFlowCard final : public Card {
     Q_OBJECT
 
 public:
-    explicit CleanupFlowCard(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit CleanupFlowCard(QWidget* parent = nullptr);
 
-    void refresh();
+    /// The line that says where the owner is, and whether a purge is running.
+    void show(const QString& step, bool isPurging);
+
+signals:
+    void safeTargetWanted();
+    void topAppWanted();
+    void purgeWanted();
+    void activityMonitorWanted();
 
 private:
     QWidget* makeActions();
     void showPurging(bool isPurging);
 
-    SystemMonitor& monitor_;
     ElidedLabel* step_ = nullptr;
     QPushButton* purge_ = nullptr;
     bool isPurging_ = false;  ///< as it is shown

@@ -8,6 +8,7 @@ class CleanupFlowCard;
 class DiskAutopilotBlock;
 class OffenderCard;
 class SystemMonitor;
+struct WindowState;
 
 /// The Cleanup step of the Optimize workspace: select a target, see why it matters, choose what to
 /// do about it. Nothing here acts before a confirmation. Main thread.
@@ -15,11 +16,17 @@ class CleanupPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit CleanupPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit CleanupPage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
 
     void refresh() override;
+    std::vector<Observable*> shows() const override;
 
 private:
+    QWidget* makeFlow();
+    QWidget* makeOffender();
+
+    SystemMonitor& monitor_;
+    WindowState& state_;
     CleanupFlowCard* flow_ = nullptr;
     DiskAutopilotBlock* disk_ = nullptr;
     OffenderCard* offender_ = nullptr;

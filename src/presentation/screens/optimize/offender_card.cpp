@@ -1,19 +1,15 @@
 #include "presentation/screens/optimize/offender_card.h"
 
 #include <algorithm>
-#include <span>
-#include <vector>
 
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/screens/load/process_row_delegate.h"
 #include "presentation/screens/load/process_table_view.h"
-#include "presentation/screens/optimize/helper_processes.h"
-#include "presentation/screens/optimize/selected_offender.h"
+#include "presentation/screens/optimize/cleanup_lines.h"
 #include "presentation/widgets/card_grid.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
@@ -36,10 +32,10 @@ constexpr int mostRows = 8;
 
 }  // namespace
 
-OffenderCard::OffenderCard(SystemMonitor& monitor, QWidget* parent)
-    : Card(parent), monitor_(monitor) {
+OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
+    : Card(parent), model_(policy) {
     setObjectName(u"cleanup.offender"_s);
-    setHeader(u"scope"_s, selected_offender::heading({}));
+    setHeader(u"scope"_s, cleanup_lines::heading({}));
     explanation_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
     explanation_->setObjectName(u"cleanup.explanation"_s);
     // Room for a name of any length, which must not push out whether the process is protected.
@@ -85,9 +81,9 @@ QPushButton* OffenderCard::makeNeverQuit() {
                               QString(), group_);
     button->setCheckable(true);
     connect(button, &QPushButton::clicked, this, [this] {
-        // The one that the button names: the target may have moved since.
+        // The group that the button names: the review may have moved on since.
         if (shownGroup_) {
-            monitor_.localActions().toggleNeverQuit(*shownGroup_);
+            emit neverQuitToggled(*shownGroup_);
         }
     });
     return button;
@@ -108,63 +104,48 @@ QWidget* OffenderCard::makeHelpers() {
     noHelpers_->setGround(&CrestTheme::cardBackground);
     layout->addWidget(noHelpers_);
 
-    model_ = new HelperProcessesModel(monitor_.host().protection, this);
+    model_.setMemoryDecimals(0);
     table_ = new ProcessTableView(helpers);
     table_->setObjectName(u"cleanup.helpers"_s);
     table_->setAccessibleName(title);
     table_->setAccessibleDescription(
         u"Processes of the selected app group. Return on a row selects it for "
         "review."_s);
-    table_->setModel(model_);
+    table_->setModel(&model_);
     table_->installEventFilter(this);
     connect(table_, &ProcessTableView::reviewRequested, this, [this](const QModelIndex& index) {
-        monitor_.review().selectProcess(model_->rows().at(static_cast<std::size_t>(index.row())));
+        emit reviewWanted(model_.rows().at(static_cast<std::size_t>(index.row())));
     });
     layout->addWidget(table_);
     return helpers;
 }
 
-void OffenderCard::refresh() {
-    const ReviewTarget& review = monitor_.review();
-    shownGroup_ = review.selectedAppImpactName();
-    const bool hasTarget = review.selectedPID().has_value();
-    if (hasTarget) {
-        showTarget();
+void OffenderCard::show(const cleanup_lines::Offender& offender) {
+    setHeader(u"scope"_s, offender.heading);
+    explanation_->setText(offender.explanation);
+    explanation_->setColor(offender.target ? &CrestTheme::text : &CrestTheme::secondaryText);
+    if (offender.target) {
+        showTarget(*offender.target);
     } else {
-        setHeader(u"scope"_s, selected_offender::heading({}));
-        explanation_->setText(monitor_.sample().snapshot() ? selected_offender::hint()
-                                                           : u"Sampling this Mac..."_s);
-        explanation_->setColor(&CrestTheme::secondaryText);
-        model_->setRows({});
+        shownGroup_.reset();
+        model_.setRows({});
     }
-    target_->setVisible(hasTarget);
+    target_->setVisible(offender.target.has_value());
 }
 
-void OffenderCard::showTarget() {
-    const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
-    const ProcessSample* row = monitor_.review().selectedRow();
-    setHeader(u"scope"_s, selected_offender::heading(summary.title));
-    explanation_->setText(row != nullptr ? selected_offender::sentence(*row, summary.isProtected)
-                                         : text(summary.detail));
-    explanation_->setColor(&CrestTheme::text);
-
-    const auto& snapshot = monitor_.sample().snapshot();
-    const auto card = selected_offender::groupCard(
-        shownGroup_,
-        snapshot ? std::span<const AppImpact>(snapshot->appImpacts) : std::span<const AppImpact>());
-    group_->setValue(card.value);
-    group_->setDetail(card.detail);
-    risk_->setValue(selected_offender::risk(summary.isProtected));
-    showNeverQuit();
-    showHelpers();
-}
-
-void OffenderCard::showNeverQuit() {
+void OffenderCard::showTarget(const cleanup_lines::Target& target) {
+    shownGroup_ = target.group;
+    group_->setValue(target.groupCard.value);
+    group_->setDetail(target.groupCard.detail);
+    risk_->setValue(target.risk);
     neverQuit_->setVisible(shownGroup_.has_value());
-    if (!shownGroup_) {
-        return;
+    if (shownGroup_) {
+        showNeverQuit(target.isNeverQuit);
     }
-    const bool isOn = monitor_.settings().protectedAppNames.contains(*shownGroup_);
+    showHelpers(target);
+}
+
+void OffenderCard::showNeverQuit(bool isOn) {
     const QString state = isOn ? u"Never Quit: On"_s : u"Never Quit: Off"_s;
     if (neverQuit_->text() != state) {
         neverQuit_->setText(state);
@@ -180,20 +161,19 @@ void OffenderCard::showNeverQuit() {
     neverQuit_->setToolTip(act);
 }
 
-void OffenderCard::showHelpers() {
-    const bool isListed = monitor_.review().selectedRow() != nullptr;
-    model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
-    model_->setRows(shownGroup_ ? helperProcesses(monitor_.sample(), *shownGroup_)
-                                : std::vector<ProcessSample>());
-    // Another process may bear the number of the one that was selected.
-    model_->setSelectedPID(isListed ? monitor_.review().selectedPID() : std::nullopt);
-    noHelpers_->setVisible(model_->rows().empty());
-    table_->setVisible(!model_->rows().empty());
+void OffenderCard::showHelpers(const cleanup_lines::Target& target) {
+    model_.setProtectedAppNames(target.protectedAppNames);
+    if (target.helpers != model_.rows()) {
+        model_.setRows(target.helpers);
+    }
+    model_.setSelectedPID(target.selectedPID);
+    noHelpers_->setVisible(model_.rows().empty());
+    table_->setVisible(!model_.rows().empty());
     fitTable();
 }
 
 void OffenderCard::fitTable() {
-    const int rows = std::clamp(model_->rowCount(), 1, mostRows);
+    const int rows = std::clamp(model_.rowCount(), 1, mostRows);
     const int header = std::max(table_->horizontalHeader()->minimumHeight(),
                                 table_->horizontalHeader()->sizeHint().height());
     const int height = header + rows * ProcessRowDelegate::rowHeight;
@@ -204,7 +184,7 @@ void OffenderCard::fitTable() {
 
 bool OffenderCard::eventFilter(QObject* object, QEvent* event) {
     if (object == table_ && event->type() == QEvent::ShortcutOverride &&
-        model_->rowCount() > mostRows) {
+        model_.rowCount() > mostRows) {
         // These scroll the page, but for a list that itself has more than it shows.
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_PageUp || key == Qt::Key_PageDown || key == Qt::Key_Home ||

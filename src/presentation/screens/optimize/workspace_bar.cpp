@@ -7,7 +7,6 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/tab_strip.h"
@@ -55,8 +54,7 @@ QString workspaceLine(AppRoute route) {
     }
 }
 
-WorkspaceBar::WorkspaceBar(SystemMonitor& monitor, AppRoute route, QWidget* parent)
-    : QWidget(parent), monitor_(monitor), route_(route) {
+WorkspaceBar::WorkspaceBar(AppRoute route, QWidget* parent) : QWidget(parent), route_(route) {
     installAccessibleFigures();
     setObjectName(u"optimize.workspace"_s);
     setAccessibleName(u"Optimize Workspace"_s);
@@ -92,14 +90,14 @@ void WorkspaceBar::makeTabs() {
     }
     connect(tabs_, &TabStrip::chosen, this, [this](int index, Qt::FocusReason reason) {
         handsOver_ = reason;
-        monitor_.navigation().setSelectedRoute(steps.at(static_cast<std::size_t>(index)).route);
+        emit routeWanted(steps.at(static_cast<std::size_t>(index)).route);
     });
 }
 
 void WorkspaceBar::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     if (handsOver_) {
-        // The page that takes this one's place is not there yet.
+        // The page that replaces this one is not visible yet.
         QMetaObject::invokeMethod(this, &WorkspaceBar::handOver, Qt::QueuedConnection);
     }
 }
@@ -114,7 +112,7 @@ void WorkspaceBar::handOver() {
 }
 
 void WorkspaceBar::takeOver(Qt::FocusReason reason) {
-    // The change of pages may have put it there already, for no reason that it could tell.
+    // The change of pages may have focused it already, but with another reason.
     tabs_->focusProxy()->clearFocus();
     tabs_->setFocus(reason);
     for (QWidget* above = parentWidget(); above != nullptr; above = above->parentWidget()) {

@@ -10,43 +10,44 @@
 
 namespace tallowcrest {
 
-class SystemMonitor;
 class TabStrip;
 
-/// What the step of the workflow that `route` stands for is about. Any thread.
+/// One sentence on what a step of the workflow is for. Any thread.
 QString workspaceLine(AppRoute route);
 
-/// The four routes of the Optimize workspace as the steps of one workflow. Each page of it carries
-/// a bar of its own, on which its own step is selected; a step that is chosen there hands the
-/// keyboard on to the bar of the page that then shows. Main thread.
+/// The four routes of the Optimize workspace as the steps of one workflow. Each of its pages has
+/// its own bar, on which its step is selected. After a step is chosen, the keyboard focus moves to
+/// the bar of the page that then shows. Main thread.
 class WorkspaceBar final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
     /// `route` is the one of the page.
-    WorkspaceBar(SystemMonitor& monitor, AppRoute route, QWidget* parent = nullptr);
+    explicit WorkspaceBar(AppRoute route, QWidget* parent = nullptr);
 
     /// Whether a route belongs to the workspace.
     static bool isStep(AppRoute route);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
-    /// Its tabs and its line speak for themselves.
+    /// Its tabs and its line have names of their own.
     QString accessibleValue() const override { return {}; }
+
+signals:
+    void routeWanted(AppRoute route);
 
 protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
     void makeTabs();
-    /// Hands the keyboard on to the bar that shows now.
+    /// Gives the focus to the bar that shows now.
     void handOver();
-    /// Puts the keyboard on the selected tab and the bar into view.
+    /// Focuses the selected tab and scrolls the bar into view.
     void takeOver(Qt::FocusReason reason);
 
-    SystemMonitor& monitor_;
     AppRoute route_;
     TabStrip* tabs_ = nullptr;
-    /// Set from a choice until its page has taken this one's place.
+    /// Set from a choice until the chosen page has replaced this one.
     std::optional<Qt::FocusReason> handsOver_;
 };
 

@@ -5,9 +5,8 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/screens/automation/emergency_stop_controls.h"
-#include "presentation/screens/overview/disk_space.h"
+#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
@@ -17,9 +16,9 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor, const QString& page)
-    : OverviewBlock(monitor, DashboardSection::autoRules, page + u".disk-autopilot"_s,
-                    u"internaldrive"_s, u"Disk Autopilot"_s) {
+DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
+    : OverviewBlock(DashboardSection::autoRules, page + u".disk-autopilot"_s, u"internaldrive"_s,
+                    u"Disk Autopilot"_s) {
     space_ = new BarList(u"Home volume"_s, 1, u"000% used"_s, body());
     bodyLayout()->addWidget(space_);
     auto* row = new QHBoxLayout;
@@ -41,36 +40,34 @@ DiskAutopilotBlock::DiskAutopilotBlock(SystemMonitor& monitor, const QString& pa
     rule_->setObjectName(objectName() + u"-rule"_s);
     rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
-    stop_ = new EmergencyStopControls(monitor, page, body());
+    stop_ = new EmergencyStopControls(page, body());
+    connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
+    connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
     for (ElidedLabel* label : {lowWord_, status_, rule_}) {
         label->setGround(&CrestTheme::cardBackground);
     }
 }
 
-bool DiskAutopilotBlock::isLow() const {
-    const auto& snapshot = monitor().sample().snapshot();
-    return snapshot && isSpaceLow(snapshot->disk, monitor().settings());
-}
-
-void DiskAutopilotBlock::showHeader() {
+void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
+    const auto& [snapshot, settings, status, caches] = facts;
+    const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
     // Closed, the section still tells what needs attention.
-    header()->setNote(isCollapsed() && isLow() ? u"Low"_s : QString(), &CrestTheme::caution);
-}
-
-void DiskAutopilotBlock::showContent() {
-    const auto& snapshot = monitor().sample().snapshot();
+    header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
+    if (isCollapsed()) {
+        return;
+    }
     const auto space = snapshot ? diskSpaceTexts(snapshot->disk) : std::nullopt;
     space_->setEmptyText(snapshot ? u"The size of the home volume could not be read."_s
                                   : u"Sampling this Mac..."_s);
     space_->setRows(space ? std::vector<BarRow>{{space->free, space->used, space->fraction}}
                           : std::vector<BarRow>{});
-    space_->setTint(isLow() ? &CrestTheme::caution : &CrestTheme::secondaryText);
-    lowIcon_->setVisible(isLow());
-    lowWord_->setVisible(isLow());
-    status_->setText(dashboard_text::text(monitor().automation().diskAutopilotStatus()));
-    stop_->refresh();
-    rule_->setText(diskRule(monitor().settings(), monitor().host().places.caches));
+    space_->setTint(isLow ? &CrestTheme::caution : &CrestTheme::secondaryText);
+    lowIcon_->setVisible(isLow);
+    lowWord_->setVisible(isLow);
+    status_->setText(dashboard_text::text(status));
+    stop_->setEngaged(settings.automationEmergencyStopEngaged);
+    rule_->setText(diskRule(settings, caches));
 }
 
 }  // namespace tallowcrest

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <optional>
+#include <string_view>
+
+#include "core/local_records.h"
+#include "core/settings/settings.h"
 #include "presentation/screens/overview/overview_block.h"
 
 namespace tallowcrest {
@@ -8,6 +13,14 @@ class BarList;
 class EmergencyStopControls;
 class IconView;
 
+/// What the block is told from. What it refers to must outlive the value.
+struct DiskAutopilotFacts {
+    const std::optional<SystemSnapshot>& snapshot;
+    const Settings& settings;
+    std::string_view status;  ///< of Disk Autopilot
+    std::string_view caches;  ///< the place of the caches as the owner knows it
+};
+
 /// How full the home volume is, whether something watches over it, and the emergency stop. Main
 /// thread.
 class DiskAutopilotBlock final : public OverviewBlock {
@@ -15,16 +28,15 @@ class DiskAutopilotBlock final : public OverviewBlock {
 
 public:
     /// `page` is what the identifiers of the block and its parts begin with.
-    explicit DiskAutopilotBlock(SystemMonitor& monitor,
-                                const QString& page = QStringLiteral("overview"));
+    explicit DiskAutopilotBlock(const QString& page);
 
-protected:
-    void showHeader() override;
-    void showContent() override;
+    void show(const DiskAutopilotFacts& facts);
+
+signals:
+    void stopWanted();
+    void resumeWanted();
 
 private:
-    bool isLow() const;
-
     BarList* space_ = nullptr;
     IconView* lowIcon_ = nullptr;
     ElidedLabel* lowWord_ = nullptr;

@@ -2,7 +2,6 @@
 
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/gauge_row.h"
 #include "presentation/widgets/summary_card.h"
@@ -14,9 +13,9 @@ namespace tallowcrest {
 
 using dashboard_text::text;
 
-GaugesBlock::GaugesBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::gauges, u"overview.system-gauges"_s,
-                    u"speedometer"_s, text(title(DashboardSection::gauges)), Frame::none) {
+GaugesBlock::GaugesBlock()
+    : OverviewBlock(DashboardSection::gauges, u"overview.system-gauges"_s, u"speedometer"_s,
+                    text(title(DashboardSection::gauges)), Frame::none) {
     // Enough for the largest figure and three lines of detail.
     constexpr int narrowestMetric = 160;
     auto* gauges = new GaugeRow(body());
@@ -34,8 +33,10 @@ GaugesBlock::GaugesBlock(SystemMonitor& monitor)
     bodyLayout()->addWidget(gauges);
 }
 
-void GaugesBlock::showContent() {
-    const auto& snapshot = monitor().sample().snapshot();
+void GaugesBlock::show(const std::optional<SystemSnapshot>& snapshot) {
+    if (isCollapsed()) {
+        return;
+    }
     if (!snapshot) {
         const QString waiting = u"Sampling this Mac..."_s;
         cpuGauge_->clearValue();

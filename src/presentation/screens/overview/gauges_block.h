@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "core/local_records.h"
 #include "presentation/screens/overview/overview_block.h"
 
 namespace tallowcrest {
@@ -12,10 +15,10 @@ class GaugesBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    explicit GaugesBlock(SystemMonitor& monitor);
+    GaugesBlock();
 
-protected:
-    void showContent() override;
+    /// Absent before the first sample.
+    void show(const std::optional<SystemSnapshot>& snapshot);
 
 private:
     GaugeCard* cpuGauge_ = nullptr;

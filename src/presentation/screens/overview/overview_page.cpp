@@ -3,57 +3,122 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
+#include "actions/review_target.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/system_monitor.h"
 #include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/screens/overview/gauges_block.h"
+#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/screens/overview/recent_activity_block.h"
 #include "presentation/screens/overview/recommendations_block.h"
-#include "presentation/screens/overview/session_insights_block.h"
-#include "presentation/screens/overview/session_summary_block.h"
+#include "presentation/screens/overview/session_blocks.h"
 #include "presentation/screens/overview/timeline_block.h"
 #include "presentation/screens/overview/top_app_memory_block.h"
 #include "presentation/screens/overview/top_offender_block.h"
+#include "presentation/screens/review_process.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/two_columns.h"
+#include "sampling/latest_sample.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-OverviewPage::OverviewPage(SystemMonitor& monitor, QWidget* parent) : Screen(parent) {
-    auto* topAppMemory = new TopAppMemoryBlock(monitor);
-    auto* diskAutopilot = new DiskAutopilotBlock(monitor);
-    auto* topOffender = new TopOffenderBlock(monitor);
-    auto* recentActivity = new RecentActivityBlock(monitor);
-    auto* columns = new TwoColumns;
-    columns->setColumns({topAppMemory}, {diskAutopilot, topOffender, recentActivity});
-    blocks_ = {
-        // First, because who looks only at the top of the page is to know what needs attention.
-        new RecommendationsBlock(monitor),
-        new GaugesBlock(monitor),
-        new TimelineBlock(monitor),
-        topAppMemory,
-        diskAutopilot,
-        topOffender,
-        recentActivity,
-        new SessionSummaryBlock(monitor),
-        new SessionInsightsBlock(monitor),
-    };
+OverviewPage::OverviewPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
+    layOutBlocks();
+    connectBlocks();
+}
+
+void OverviewPage::layOutBlocks() {
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
-    for (OverviewBlock* block : blocks_) {
-        if (block->parentWidget() == nullptr) {
-            layout->addWidget(block);
-        } else if (block == topAppMemory) {
-            layout->addWidget(columns);
-        }
-    }
+    const auto add = [&](auto* block) {
+        layout->addWidget(block);
+        return block;
+    };
+    // First, because who looks only at the top of the page is to know what needs attention.
+    recommendations_ = add(new RecommendationsBlock);
+    gauges_ = add(new GaugesBlock);
+    timeline_ = add(new TimelineBlock);
+    topAppMemory_ = new TopAppMemoryBlock;
+    diskAutopilot_ = new DiskAutopilotBlock(u"overview"_s);
+    topOffender_ = new TopOffenderBlock;
+    recentActivity_ = new RecentActivityBlock;
+    add(new TwoColumns)
+        ->setColumns({topAppMemory_}, {diskAutopilot_, topOffender_, recentActivity_});
+    sessionSummary_ = add(new SessionSummaryBlock);
+    sessionInsights_ = add(new SessionInsightsBlock);
     layout->addStretch(1);
-
+    blocks_ = {recommendations_, gauges_,         timeline_,       topAppMemory_,   diskAutopilot_,
+               topOffender_,     recentActivity_, sessionSummary_, sessionInsights_};
     scrollOnPage(content, *this);
+}
+
+void OverviewPage::connectBlocks() {
+    for (OverviewBlock* block : blocks_) {
+        connect(block, &OverviewBlock::collapseWanted, this, [this, block](bool collapsed) {
+            state_.sections.setCollapsed(block->section(), collapsed);
+        });
+    }
+    connect(recommendations_, &RecommendationsBlock::reviewWanted, this, [this](std::int64_t pid) {
+        reviewInProcesses(pid, monitor_.sample(), monitor_.review(), state_.navigation);
+    });
+    connect(diskAutopilot_, &DiskAutopilotBlock::stopWanted, this,
+            [this] { monitor_.automation().engageEmergencyStop(); });
+    connect(diskAutopilot_, &DiskAutopilotBlock::resumeWanted, this,
+            [this] { monitor_.automation().resumeFromEmergencyStop(); });
+    connect(topOffender_, &TopOffenderBlock::reviewWanted, this, &OverviewPage::reviewOffender);
+    connect(topOffender_, &TopOffenderBlock::cleanupWanted, this,
+            [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
+    connect(recentActivity_, &RecentActivityBlock::historyWanted, this,
+            [this] { state_.navigation.setSelectedRoute(AppRoute::history); });
+}
+
+std::vector<Observable*> OverviewPage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+            &monitor_.settingsOwner().observable(), &monitor_.automation().observable(),
+            &monitor_.review().observable()};
 }
 
 void OverviewPage::refresh() {
     for (OverviewBlock* block : blocks_) {
-        block->refresh();
+        block->setCollapsed(state_.sections.isCollapsed(block->section()));
+    }
+    const LatestSample& sample = monitor_.sample();
+    const std::optional<SystemSnapshot>& snapshot = sample.snapshot();
+    const auto sampledAt = snapshot ? std::optional(snapshot->sampledAt) : std::nullopt;
+    const Settings& settings = monitor_.settings();
+    const std::vector<ActivityEvent>& activityLog = monitor_.log().activityLog();
+    recommendations_->show(recommendationLines(sample.recommendations(), sample.latestProcesses()),
+                           sampledAt);
+    gauges_->show(snapshot);
+    timeline_->show({sample.history(), activityLog, settings.warningThreshold},
+                    snapshot.has_value());
+    topAppMemory_->show(snapshot);
+    diskAutopilot_->show({snapshot, settings, monitor_.automation().diskAutopilotStatus(),
+                          monitor_.host().places.caches});
+    topOffender_->show(offenderFacts());
+    recentActivity_->show(activityLog, sampledAt);
+    sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
+    sessionInsights_->show(sample.sessionInsights());
+}
+
+TopOffenderFacts OverviewPage::offenderFacts() const {
+    return {monitor_.sample().snapshot(), monitor_.sample().latestProcesses(), monitor_.settings(),
+            monitor_.host().protection};
+}
+
+void OverviewPage::reviewOffender() {
+    const auto wanted = topOffender(offenderFacts()).reviewPID;
+    monitor_.review().selectTopApp();
+    if (wanted && wanted == monitor_.review().selectedPID()) {
+        freeFromFilter(monitor_.sample(), monitor_.review(), state_.navigation);
+        state_.navigation.setSelectedRoute(AppRoute::load);
     }
 }
 

@@ -6,8 +6,19 @@
 
 namespace tallowcrest {
 
+class DiskAutopilotBlock;
+class GaugesBlock;
 class OverviewBlock;
+class RecentActivityBlock;
+class RecommendationsBlock;
+class SessionInsightsBlock;
+class SessionSummaryBlock;
 class SystemMonitor;
+struct WindowState;
+class TimelineBlock;
+class TopAppMemoryBlock;
+class TopOffenderBlock;
+struct TopOffenderFacts;
 
 /// Health at a glance and the safest next step: what needs attention first, then the figures.
 /// Main thread.
@@ -15,12 +26,29 @@ class OverviewPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit OverviewPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit OverviewPage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
 
     void refresh() override;
+    std::vector<Observable*> shows() const override;
 
 private:
-    std::vector<OverviewBlock*> blocks_;
+    void layOutBlocks();
+    void connectBlocks();
+    TopOffenderFacts offenderFacts() const;
+    void reviewOffender();
+
+    SystemMonitor& monitor_;
+    WindowState& state_;
+    RecommendationsBlock* recommendations_ = nullptr;
+    GaugesBlock* gauges_ = nullptr;
+    TimelineBlock* timeline_ = nullptr;
+    TopAppMemoryBlock* topAppMemory_ = nullptr;
+    DiskAutopilotBlock* diskAutopilot_ = nullptr;
+    TopOffenderBlock* topOffender_ = nullptr;
+    RecentActivityBlock* recentActivity_ = nullptr;
+    SessionSummaryBlock* sessionSummary_ = nullptr;
+    SessionInsightsBlock* sessionInsights_ = nullptr;
+    std::vector<OverviewBlock*> blocks_;  ///< all of them, from top to bottom
 };
 
 }  // namespace tallowcrest

@@ -7,11 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/overview/activity_row.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/words/dashboard_text.h"
+#include "presentation/widgets/icon_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,9 +22,52 @@ constexpr int fewestRows = 3;
 
 }  // namespace
 
-RecentActivityBlock::RecentActivityBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::activityLog, u"overview.recent-activity"_s,
-                    u"clock"_s, u"Recent Activity"_s) {
+/// One entry in one line: what happened and when.
+class ActivityRow final : public QWidget {
+public:
+    explicit ActivityRow(QWidget* parent);
+
+    void setLine(const ActivityLine& line);
+
+private:
+    IconView* icon_ = nullptr;
+    ElidedLabel* title_ = nullptr;
+    ElidedLabel* detail_ = nullptr;
+    ElidedLabel* time_ = nullptr;
+};
+
+ActivityRow::ActivityRow(QWidget* parent) : QWidget(parent) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
+    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
+    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    time_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
+    for (ElidedLabel* label : {title_, detail_, time_}) {
+        label->setGround(&CrestTheme::cardBackground);
+    }
+    // The details stand below each other, whichever the titles are.
+    title_->setReservedText(u"Auto Rule"_s);
+    detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    layout->addWidget(icon_);
+    layout->addWidget(title_);
+    layout->addWidget(detail_, 1);
+    layout->addWidget(time_);
+}
+
+void ActivityRow::setLine(const ActivityLine& line) {
+    icon_->setIcon(line.isWarning ? u"exclamationmark.triangle.fill"_s : u"checkmark.circle"_s);
+    icon_->setColor(line.isWarning ? &CrestTheme::caution : &CrestTheme::secondaryText);
+    title_->setText(line.title);
+    detail_->setText(line.detail);
+    time_->setText(line.time);
+}
+
+RecentActivityBlock::RecentActivityBlock()
+    : OverviewBlock(DashboardSection::activityLog, u"overview.recent-activity"_s, u"clock"_s,
+                    u"Recent Activity"_s) {
     list_ = new QWidget(body());
     auto* lines = new QVBoxLayout(list_);
     lines->setContentsMargins(0, 0, 0, 0);
@@ -51,18 +92,20 @@ RecentActivityBlock::RecentActivityBlock(SystemMonitor& monitor)
 
     auto* open = makeButton(u"Open History"_s, u"clock.arrow.circlepath"_s,
                             u"overview.open-history"_s, u"Goes to History"_s, body());
-    connect(open, &QPushButton::clicked, this,
-            [this] { this->monitor().navigation().setSelectedRoute(AppRoute::history); });
+    connect(open, &QPushButton::clicked, this, &RecentActivityBlock::historyWanted);
     bodyLayout()->addWidget(open, 0, Qt::AlignLeft);
     bodyLayout()->addStretch(1);
 }
 
-void RecentActivityBlock::showContent() {
-    const auto& snapshot = monitor().sample().snapshot();
-    std::vector<ActivityLine> lines = activityLines(monitor().log().activityLog(), shownEntries,
-                                                    snapshot ? snapshot->sampledAt : Date{});
-    if (snapshot) {
-        room_.setNeeded(static_cast<int>(lines.size()), snapshot->sampledAt);
+void RecentActivityBlock::show(const std::vector<ActivityEvent>& events,
+                               std::optional<Date> sampledAt) {
+    if (isCollapsed()) {
+        return;
+    }
+    std::vector<ActivityLine> lines =
+        activityLines(events, shownEntries, sampledAt.value_or(Date{}));
+    if (sampledAt) {
+        room_.setNeeded(static_cast<int>(lines.size()), *sampledAt);
         fitList();
     }
     if (lines == lines_) {

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
-#include "presentation/screens/overview/kept_room.h"
 #include "presentation/screens/overview/overview_block.h"
-#include "presentation/words/activity_lines.h"
+#include "presentation/screens/overview/overview_lines.h"
+#include "presentation/words/session_lines.h"
 
 namespace tallowcrest {
 
@@ -17,10 +18,14 @@ class RecentActivityBlock final : public OverviewBlock {
 public:
     static constexpr std::size_t shownEntries = 5;
 
-    explicit RecentActivityBlock(SystemMonitor& monitor);
+    RecentActivityBlock();
 
-protected:
-    void showContent() override;
+    /// `events` come newest first; `sampledAt` is absent before the first sample.
+    void show(const std::vector<ActivityEvent>& events, std::optional<Date> sampledAt);
+
+signals:
+    /// The whole log is to be shown.
+    void historyWanted();
 
 private:
     void fitList();

@@ -49,7 +49,7 @@ RecommendationRow::RecommendationRow(Size size, const QString& buttonIdentifier,
     review_->setSizePolicy(policy);
     connect(review_, &QPushButton::clicked, this, [this] {
         if (shown_ && shown_->reviewPID) {
-            emit reviewRequested(*shown_->reviewPID);
+            emit reviewWanted(*shown_->reviewPID);
         }
     });
     if (size == Size::prominent) {

@@ -5,8 +5,7 @@
 
 #include <QWidget>
 
-#include "presentation/screens/overview/kept_room.h"
-#include "presentation/screens/overview/recommendation_lines.h"
+#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/widgets/theme.h"
 
 class QBoxLayout;
@@ -41,7 +40,7 @@ public:
     void setMessage(const QString& icon, const QString& title, const QString& detail);
 
 signals:
-    void reviewRequested(std::int64_t pid);
+    void reviewWanted(std::int64_t pid);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

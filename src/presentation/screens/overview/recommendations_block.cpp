@@ -1,27 +1,25 @@
 #include "presentation/screens/overview/recommendations_block.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/screens/overview/recommendation_row.h"
-#include "presentation/screens/review_process.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-RecommendationsBlock::RecommendationsBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::recommendations, u"overview.recommendations"_s,
+RecommendationsBlock::RecommendationsBlock()
+    : OverviewBlock(DashboardSection::recommendations, u"overview.recommendations"_s,
                     u"arrow.forward.circle.fill"_s,
                     dashboard_text::text(title(DashboardSection::recommendations))) {
     const auto makeRow = [this](RecommendationRow::Size size, std::size_t place, QWidget* parent) {
         auto* row = new RecommendationRow(
             size, u"overview.recommendation-%1.review"_s.arg(place + 1), parent);
-        connect(row, &RecommendationRow::reviewRequested, this,
-                [this](std::int64_t pid) { reviewInProcesses(this->monitor(), pid); });
+        connect(row, &RecommendationRow::reviewWanted, this, &RecommendationsBlock::reviewWanted);
         return row;
     };
     first_ = makeRow(RecommendationRow::Size::prominent, 0, body());
@@ -41,12 +39,25 @@ RecommendationsBlock::RecommendationsBlock(SystemMonitor& monitor)
     bodyLayout()->addWidget(others_);
 }
 
-void RecommendationsBlock::showHeader() {
-    const LatestSample& sample = monitor().sample();
-    lines_ = recommendationLines(sample.recommendations(), sample.latestProcesses());
+void RecommendationsBlock::show(std::vector<RecommendationLine> lines,
+                                std::optional<Date> sampledAt) {
+    lines_ = std::move(lines);
     if (lines_.size() > mostRecommendations) {
         lines_.resize(mostRecommendations);
     }
+    showNote();
+    if (isCollapsed()) {
+        return;
+    }
+    if (sampledAt) {
+        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1, *sampledAt);
+        first_->countSample(*sampledAt);
+    }
+    showFirst(sampledAt.has_value());
+    showOthers();
+}
+
+void RecommendationsBlock::showNote() {
     // Closed, the section still tells what matters most.
     if (isCollapsed() && !lines_.empty()) {
         header()->setNote(recommendationNote(lines_), severityColor(lines_.front().severity));
@@ -55,21 +66,10 @@ void RecommendationsBlock::showHeader() {
     }
 }
 
-void RecommendationsBlock::showContent() {
-    const auto& snapshot = monitor().sample().snapshot();
-    if (snapshot) {
-        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1,
-                        snapshot->sampledAt);
-        first_->countSample(snapshot->sampledAt);
-    }
-    showFirst();
-    showOthers();
-}
-
-void RecommendationsBlock::showFirst() {
+void RecommendationsBlock::showFirst(bool hasSample) {
     if (!lines_.empty()) {
         first_->setLine(lines_.front());
-    } else if (!monitor().sample().snapshot()) {
+    } else if (!hasSample) {
         first_->setMessage(u"hourglass"_s, u"Sampling this Mac..."_s,
                            u"The first recommendation follows the first sample."_s);
     } else {

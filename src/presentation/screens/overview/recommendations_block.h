@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
-#include "presentation/screens/overview/kept_room.h"
 #include "presentation/screens/overview/overview_block.h"
-#include "presentation/screens/overview/recommendation_lines.h"
+#include "presentation/screens/overview/overview_lines.h"
 
 namespace tallowcrest {
 
@@ -19,15 +19,20 @@ public:
     /// As many as one sample can give.
     static constexpr std::size_t mostRecommendations = 5;
 
-    explicit RecommendationsBlock(SystemMonitor& monitor);
+    RecommendationsBlock();
+
+    /// `sampledAt` is absent before the first sample.
+    void show(std::vector<RecommendationLine> lines, std::optional<Date> sampledAt);
+
+signals:
+    void reviewWanted(std::int64_t pid);
 
 protected:
-    void showHeader() override;
-    void showContent() override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void showFirst();
+    void showNote();
+    void showFirst(bool hasSample);
     void showOthers();
     void fitOthers();
 

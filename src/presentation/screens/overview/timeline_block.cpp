@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/screens/timeline_graph.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/figure_row.h"
@@ -16,9 +15,9 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-TimelineBlock::TimelineBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::recentLoad, u"overview.timeline"_s,
-                    u"waveform.path.ecg"_s, u"Live Performance Timeline"_s) {
+TimelineBlock::TimelineBlock()
+    : OverviewBlock(DashboardSection::recentLoad, u"overview.timeline"_s, u"waveform.path.ecg"_s,
+                    u"Live Performance Timeline"_s) {
     reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
     graph_ = new StableLineGraph(body());
     graph_->setMinimumHeight(18 * spacing::unit);
@@ -36,27 +35,24 @@ TimelineBlock::TimelineBlock(SystemMonitor& monitor)
     bodyLayout()->addLayout(below);
 }
 
-void TimelineBlock::showHeader() {
-    setSectionCaption(
-        dashboard_text::timelineCaption(sessionSeconds(monitor().sample().history())));
-}
-
-void TimelineBlock::showContent() {
+void TimelineBlock::show(const TimelineFacts& facts, bool hasSample) {
     using dashboard_text::percentText;
-    const auto& history = monitor().sample().history();
-    const double threshold = monitor().settings().warningThreshold;
-    TimelineSummary summary = timelineSummary(history);
-    if (monitor().sample().snapshot()) {
+    setSectionCaption(dashboard_text::timelineCaption(sessionSeconds(facts.history)));
+    if (isCollapsed()) {
+        return;
+    }
+    TimelineSummary summary = timelineSummary(facts.history);
+    if (hasSample) {
         figures_->setFigures({percentText(summary.cpuNow), percentText(summary.memoryNow),
                               percentText(summary.cpuPeak), percentText(summary.memoryPeak)});
-        averages_->setText(dashboard_text::averageAndThreshold(summary.cpuAverage, threshold));
+        averages_->setText(
+            dashboard_text::averageAndThreshold(summary.cpuAverage, facts.warningThreshold));
     } else {
-        // A history that an earlier run left says nothing of now.
         const QString none = dashboard_text::noFigure();
         figures_->setFigures({none, none, none, none});
         averages_->setText(QString());
     }
-    showTimeline(*graph_, monitor(), std::move(summary));
+    showTimeline(*graph_, facts, std::move(summary));
 }
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/screens/overview/overview_block.h"
+#include "presentation/words/timeline.h"
 
 namespace tallowcrest {
 
@@ -12,11 +13,11 @@ class TimelineBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    explicit TimelineBlock(SystemMonitor& monitor);
+    TimelineBlock();
 
-protected:
-    void showHeader() override;
-    void showContent() override;
+    /// `hasSample` is false before the first sample of this run: a history that an earlier run left
+    /// says nothing of now.
+    void show(const TimelineFacts& facts, bool hasSample);
 
 private:
     StableLineGraph* graph_ = nullptr;

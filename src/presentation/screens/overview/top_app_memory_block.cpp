@@ -5,10 +5,9 @@
 
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/overview/top_app_memory.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/app_impact.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,9 +21,9 @@ constexpr int fewestBars = 3;
 
 }  // namespace
 
-TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::appImpact, u"overview.top-app-memory"_s,
-                    u"chart.bar.xaxis"_s, u"Top App Memory"_s) {
+TopAppMemoryBlock::TopAppMemoryBlock()
+    : OverviewBlock(DashboardSection::appImpact, u"overview.top-app-memory"_s, u"chart.bar.xaxis"_s,
+                    u"Top App Memory"_s) {
     bars_ = new BarList(u"Resident memory by app group"_s, barCount, u"000.0 GB"_s, body());
     bars_->setEmptyText(u"Sampling apps…"_s);
     bodyLayout()->addWidget(bars_);
@@ -32,23 +31,19 @@ TopAppMemoryBlock::TopAppMemoryBlock(SystemMonitor& monitor)
     bodyLayout()->addStretch(1);
 }
 
-void TopAppMemoryBlock::showHeader() {
-    const auto& snapshot = monitor().sample().snapshot();
+void TopAppMemoryBlock::show(const std::optional<SystemSnapshot>& snapshot) {
     setSectionCaption(snapshot && !snapshot->appImpacts.empty()
                           ? u"Largest app groups by resident memory right now"_s
                           : u"Collecting app impact samples…"_s);
-}
-
-void TopAppMemoryBlock::showContent() {
-    const auto& snapshot = monitor().sample().snapshot();
+    if (isCollapsed()) {
+        return;
+    }
     std::vector<BarRow> rows;
     if (snapshot) {
         for (const AppMemoryBar& bar : topAppMemory(snapshot->appImpacts, barCount)) {
             rows.push_back({dashboard_text::text(bar.name),
                             dashboard_text::memoryText(bar.megabytes), bar.fraction});
         }
-    }
-    if (snapshot) {
         room_.setNeeded(static_cast<int>(rows.size()), snapshot->sampledAt);
     }
     bars_->setRows(std::move(rows));

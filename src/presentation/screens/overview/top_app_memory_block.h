@@ -1,7 +1,9 @@
 #pragma once
 
-#include "presentation/screens/overview/kept_room.h"
+#include <optional>
+
 #include "presentation/screens/overview/overview_block.h"
+#include "presentation/screens/overview/overview_lines.h"
 
 namespace tallowcrest {
 
@@ -12,11 +14,10 @@ class TopAppMemoryBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    explicit TopAppMemoryBlock(SystemMonitor& monitor);
+    TopAppMemoryBlock();
 
-protected:
-    void showHeader() override;
-    void showContent() override;
+    /// Absent before the first sample.
+    void show(const std::optional<SystemSnapshot>& snapshot);
 
 private:
     void fitBars();

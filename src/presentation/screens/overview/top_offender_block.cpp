@@ -7,9 +7,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
-#include "presentation/screens/overview/top_offender.h"
-#include "presentation/screens/review_process.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
@@ -25,9 +22,9 @@ constexpr int lineGap = 2;
 
 }  // namespace
 
-TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
-    : OverviewBlock(monitor, DashboardSection::heavyProcesses, u"overview.top-offender"_s,
-                    u"scope"_s, dashboard_text::text(title(DashboardSection::heavyProcesses))) {
+TopOffenderBlock::TopOffenderBlock()
+    : OverviewBlock(DashboardSection::heavyProcesses, u"overview.top-offender"_s, u"scope"_s,
+                    dashboard_text::text(title(DashboardSection::heavyProcesses))) {
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::unit + spacing::unit / 2);
     icon_ = new IconView(QString());
@@ -57,13 +54,12 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     buttons->setSpacing(spacing::unit);
     cleanup_ = makeButton(u"Review Cleanup Options"_s, QString(),
                           u"overview.review-cleanup-options"_s, u"Goes to Optimize"_s, body());
-    connect(cleanup_, &QPushButton::clicked, this,
-            [this] { this->monitor().navigation().setSelectedRoute(AppRoute::optimize); });
+    connect(cleanup_, &QPushButton::clicked, this, &TopOffenderBlock::cleanupWanted);
     review_ = makeButton(u"Review"_s, QString(), u"overview.review-top-offender"_s,
                          u"Selects the heaviest process of the heaviest app and "
                          "shows it in Processes"_s,
                          body());
-    connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewTopGroup);
+    connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewWanted);
     buttons->addWidget(cleanup_);
     buttons->addWidget(review_);
     buttons->addStretch(1);
@@ -83,31 +79,11 @@ TopOffenderBlock::TopOffenderBlock(SystemMonitor& monitor)
     bodyLayout()->addWidget(alerts_);
 }
 
-std::optional<std::int64_t> TopOffenderBlock::reviewablePID() const {
-    const auto& snapshot = monitor().sample().snapshot();
-    if (!snapshot || snapshot->appImpacts.empty()) {
-        return std::nullopt;
+void TopOffenderBlock::show(const TopOffenderFacts& facts) {
+    if (isCollapsed()) {
+        return;
     }
-    const std::optional<std::int64_t> pid = snapshot->appImpacts.front().topPID;
-    const auto& rows = monitor().sample().latestProcesses();
-    const bool isThere = std::any_of(rows.begin(), rows.end(), [&](const ProcessSample& row) {
-        return row.pid == pid && !monitor().review().isProtectedTarget(row);
-    });
-    return isThere ? pid : std::nullopt;
-}
-
-void TopOffenderBlock::reviewTopGroup() {
-    const auto wanted = reviewablePID();
-    monitor().review().selectTopApp();
-    if (wanted && wanted == monitor().review().selectedPID()) {
-        freeFromFilter(monitor());
-        monitor().navigation().setSelectedRoute(AppRoute::load);
-    }
-}
-
-void TopOffenderBlock::showContent() {
-    const TopOffender shown =
-        topOffender(monitor().sample().snapshot(), monitor().settings().warningThreshold);
+    const TopOffender shown = topOffender(facts);
     const bool isOffender = shown.state == TopOffender::State::offender;
     const bool isStable = shown.state == TopOffender::State::stable;
     icon_->setIcon(isOffender ? u"exclamationmark.triangle.fill"_s
@@ -122,11 +98,9 @@ void TopOffenderBlock::showContent() {
     detail_->setColor(isOffender ? &CrestTheme::text : &CrestTheme::secondaryText);
     detail_->setVisible(!shown.detail.isEmpty());
     cleanup_->setVisible(isOffender);
-    review_->setVisible(isOffender && reviewablePID());
+    review_->setVisible(shown.reviewPID.has_value());
     if (isOffender) {
-        setSpokenName(*review_,
-                      u"Review: "_s + dashboard_text::text(
-                                          monitor().sample().snapshot()->appImpacts.front().name));
+        setSpokenName(*review_, u"Review: "_s + shown.group);
     }
     // Nothing scans other machines yet.
     constexpr int machinesThatNeedAttention = 0;

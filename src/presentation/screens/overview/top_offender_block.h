@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 #include "presentation/screens/overview/overview_block.h"
+#include "presentation/screens/overview/overview_lines.h"
 
 class QPushButton;
 
@@ -16,17 +14,17 @@ class TopOffenderBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    explicit TopOffenderBlock(SystemMonitor& monitor);
+    TopOffenderBlock();
 
-protected:
-    void showContent() override;
+    void show(const TopOffenderFacts& facts);
+
+signals:
+    /// The offender's heaviest process is to be reviewed.
+    void reviewWanted();
+    /// The ways to free something are to be shown.
+    void cleanupWanted();
 
 private:
-    /// The process that the largest group's "Review" would select; absent when it has left the
-    /// table, or is protected and would be refused.
-    std::optional<std::int64_t> reviewablePID() const;
-    void reviewTopGroup();
-
     IconView* icon_ = nullptr;
     ElidedLabel* title_ = nullptr;
     ElidedLabel* detail_ = nullptr;

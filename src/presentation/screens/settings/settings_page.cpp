@@ -4,21 +4,27 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/automation/automation_toggles.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/commands.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-SettingsPage::SettingsPage(SystemMonitor& monitor, QWidget* parent)
-    : Screen(parent), monitor_(monitor) {
+SettingsPage::SettingsPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeHub());
@@ -38,8 +44,7 @@ QWidget* SettingsPage::makeHub() {
     card->contentLayout()->addWidget(hubWords_);
     auto* open =
         makeButton(commands::openSettingsSheet.titled("Open Settings"), u"settings.open"_s, card);
-    connect(open, &QPushButton::clicked, this,
-            [this] { monitor_.navigation().setShowSettings(true); });
+    connect(open, &QPushButton::clicked, this, [this] { state_.navigation.setShowSettings(true); });
     card->contentLayout()->addSpacing(spacing::unit / 2);
     card->contentLayout()->addWidget(open, 0, Qt::AlignLeft);
     return card;
@@ -50,9 +55,18 @@ QWidget* SettingsPage::makeRules() {
     card->setObjectName(u"settings.rules"_s);
     card->setHeader(u"slider.horizontal.3"_s, u"Auto Rules"_s);
     card->contentLayout()->setSpacing(spacing::gap);
-    toggles_ = new AutomationToggles(monitor_, u"settings.hub"_s, autoRuleSwitches, card);
+    toggles_ = new AutomationToggles(u"settings.hub"_s, autoRuleSwitches, card);
+    connect(toggles_, &AutomationToggles::wanted, this, [this](AutomationSwitch which, bool on) {
+        monitor_.automation().set(which, on);
+        refresh();
+    });
     card->contentLayout()->addWidget(toggles_);
     return card;
+}
+
+std::vector<Observable*> SettingsPage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
 }
 
 void SettingsPage::refresh() {
@@ -60,7 +74,8 @@ void SettingsPage::refresh() {
                            ? u"Most configuration still lives in the native Settings sheet so it "
                              "can also be opened from Tallowcrest > Settings."_s
                            : u"Sampling this Mac..."_s);
-    toggles_->refresh();
+    toggles_->show({monitor_.settings(), monitor_.autoRules().dates(), monitor_.log().activityLog(),
+                    monitor_.sample().snapshot()});
 }
 
 }  // namespace tallowcrest

@@ -7,21 +7,24 @@ namespace tallowcrest {
 class AutomationToggles;
 class ElidedLabel;
 class SystemMonitor;
+struct WindowState;
 
 /// The way to the settings sheet, and the switches that are thrown most often. Main thread.
 class SettingsPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit SettingsPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit SettingsPage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
 
     void refresh() override;
+    std::vector<Observable*> shows() const override;
 
 private:
     QWidget* makeHub();
     QWidget* makeRules();
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     ElidedLabel* hubWords_ = nullptr;
     AutomationToggles* toggles_ = nullptr;
 };

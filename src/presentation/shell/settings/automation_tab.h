@@ -2,29 +2,38 @@
 
 #include <vector>
 
+#include "core/settings/settings.h"
 #include "presentation/shell/settings/settings_tab.h"
 
 namespace tallowcrest {
 
-class AutomationToggles;
+class Card;
 class LimitRow;
-class SystemMonitor;
+struct SliderScale;
 
 /// What may act by itself, and how far it may go. Main thread.
 class AutomationTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    explicit AutomationTab(SystemMonitor& monitor, QWidget* parent = nullptr);
+    using Limit = double Settings::*;
 
-    void refresh() override;
+    /// Takes over the switches of the rules and of Disk Autopilot.
+    AutomationTab(QWidget* ruleSwitches, QWidget* diskSwitches, QWidget* parent = nullptr);
+
+    void show(const Settings& settings);
+
+signals:
+    /// The owner moved a limit. The receiver answers with `show`, because a limit may be clamped.
+    void limitMoved(tallowcrest::AutomationTab::Limit limit, double value);
 
 private:
-    QWidget* makeRules();
-    QWidget* makeDiskAutopilot();
+    QWidget* makeRules(QWidget* switches);
+    QWidget* makeDiskAutopilot(QWidget* switches);
+    void addLimit(Card& card, const char* title, const char* identifier, const SliderScale& scale,
+                  Limit limit, QString (*words)(double));
 
-    SystemMonitor& monitor_;
-    std::vector<AutomationToggles*> toggles_;
+    Settings shown_;
     std::vector<LimitRow*> limits_;
 };
 

@@ -4,20 +4,17 @@
 
 namespace tallowcrest {
 
-class AutomationToggles;
-class SystemMonitor;
-
 /// How this machine is set up. Main thread.
 class LocalMacTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    explicit LocalMacTab(SystemMonitor& monitor, QWidget* parent = nullptr);
+    /// Takes over `notifications`, the switches of the notifications.
+    explicit LocalMacTab(QWidget* notifications, QWidget* parent = nullptr);
 
-    void refresh() override;
-
-private:
-    AutomationToggles* notifications_ = nullptr;
+signals:
+    void expandAllWanted();
+    void collapseAllWanted();
 };
 
 }  // namespace tallowcrest

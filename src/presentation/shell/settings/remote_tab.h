@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include "presentation/shell/settings/settings_tab.h"
 
 class QLineEdit;
@@ -7,23 +9,32 @@ class QLineEdit;
 namespace tallowcrest {
 
 class ElidedLabel;
-class SystemMonitor;
 
 /// What reaching other machines needs. Main thread.
 class RemoteTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    explicit RemoteTab(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit RemoteTab(QWidget* parent = nullptr);
 
-    void refresh() override;
-    void start() override;
+    /// Shows the stored state. A name that is being typed or was refused stays.
+    void show(const QString& username, const QString& keyStatus);
 
-private:
-    void takeUser();
+    /// Puts the stored name in place of what was typed and takes a refusal away. For a name that
+    /// was accepted, and for a sheet that opens.
+    void setUsername(const QString& username);
+
+    /// Says below the field why the name was refused; empty words take that away. What was typed
+    /// stays, to be corrected.
     void showRefusal(const QString& words);
 
-    SystemMonitor& monitor_;
+signals:
+    /// The owner finished typing a name. Not repeated for a name that was refused.
+    void usernameEntered(const QString& typed);
+
+private:
+    QWidget* makeRefusal();
+
     QLineEdit* user_ = nullptr;
     QWidget* refusal_ = nullptr;
     ElidedLabel* refusalWords_ = nullptr;

@@ -8,7 +8,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "monitor/system_monitor.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/danger_button.h"
@@ -22,8 +21,7 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-SafetyTab::SafetyTab(SystemMonitor& monitor, QWidget* parent)
-    : SettingsTab(parent), monitor_(monitor) {
+SafetyTab::SafetyTab(QWidget* parent) : SettingsTab(parent) {
     addCard(makeStop());
     addCard(makeNeverQuit());
 }
@@ -44,14 +42,13 @@ QWidget* SafetyTab::makeNeverQuit() {
     return neverQuit_;
 }
 
-void SafetyTab::showNames() {
-    const auto& names = monitor_.settings().protectedAppNames;
+void SafetyTab::showNames(const ProtectedAppNames& names) {
     std::vector<std::string> shown(names.begin(), names.end());
     if (names_ == shown) {
         return;
     }
     for (QWidget* row : rows_) {
-        // Deleted later, because the click that took it off the list may be its own.
+        // Deleted later, because this may run in a click on the row's own button.
         row->hide();
         neverQuit_->contentLayout()->removeWidget(row);
         row->deleteLater();
@@ -64,7 +61,7 @@ void SafetyTab::showNames() {
         rows_.push_back(makeName(name));
         neverQuit_->contentLayout()->addWidget(rows_.back());
     }
-    // New ones would else come behind the whole sheet.
+    // A new widget comes last in the tab order of the sheet by default.
     QWidget* before = resume_;
     for (QPushButton* removal : removals_) {
         setTabOrder(before, removal);
@@ -98,11 +95,7 @@ QWidget* SafetyTab::makeName(const std::string& name) {
 void SafetyTab::remove(const std::string& name) {
     const auto place = static_cast<std::size_t>(
         std::distance(names_->begin(), std::find(names_->begin(), names_->end(), name)));
-    // A second click on a row that is going would put the name back.
-    if (monitor_.settings().protectedAppNames.contains(name)) {
-        monitor_.localActions().toggleNeverQuit(name);
-    }
-    showNames();
+    emit removalWanted(name);
     if (removals_.empty()) {
         neverQuit_->setFocus();
     } else {
@@ -133,11 +126,9 @@ QWidget* SafetyTab::makeStop() {
     connect(engage_, &QPushButton::clicked, this, &SafetyTab::engage);
     engage_->installEventFilter(this);
     connect(resume_, &QPushButton::clicked, this, [this] {
-        monitor_.automation().resumeFromEmergencyStop();
-        refresh();
+        emit resumeWanted();
         stop_->setFocus();
     });
-    showStop(monitor_.automation().isStopEngaged());
     return stop_;
 }
 
@@ -145,8 +136,8 @@ bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            // The stop is for any key, once. What takes protection away is for none that a person
-            // presses to be done with something, and on some desktops these press any button.
+            // Return presses the stop, once. It must not press a button that takes protection away,
+            // which some desktops do with any button that has the focus.
             if (watched == engage_ && !key->isAutoRepeat()) {
                 engage();
             }
@@ -157,9 +148,8 @@ bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void SafetyTab::engage() {
-    monitor_.automation().engageEmergencyStop();
-    refresh();
-    // Neither on the way back nor on what closes the sheet: the key may still be down.
+    emit stopWanted();
+    // Not on Resume or Done, because the key may still be down.
     stop_->setFocus();
 }
 
@@ -172,7 +162,7 @@ void SafetyTab::showStop(bool isEngaged) {
                                     "Apprentice mode and leaves every automation disabled."_s
                                   : QString::fromUtf8(commands::emergencyStop.description));
     if (isNew) {
-        // From here or elsewhere: a click under way must not undo it.
+        // Engaged here or elsewhere: a click that was under way must not undo it.
         settling_->settle();
         if (engage_->hasFocus()) {
             stop_->setFocus();
@@ -182,9 +172,9 @@ void SafetyTab::showStop(bool isEngaged) {
     resume_->setVisible(isEngaged);
 }
 
-void SafetyTab::refresh() {
-    showNames();
-    showStop(monitor_.automation().isStopEngaged());
+void SafetyTab::show(const ProtectedAppNames& neverQuit, bool isStopEngaged) {
+    showNames(neverQuit);
+    showStop(isStopEngaged);
 }
 
 }  // namespace tallowcrest

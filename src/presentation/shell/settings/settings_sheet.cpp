@@ -1,19 +1,27 @@
 #include "presentation/shell/settings/settings_sheet.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
+#include "actions/connection_settings.h"
+#include "actions/local_actions.h"
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/automation/automation_toggles.h"
 #include "presentation/shell/settings/automation_tab.h"
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
+#include "presentation/shell/window_state.h"
 #include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/tab_strip.h"
@@ -29,146 +37,212 @@ constexpr int sheetWidth = 592;
 constexpr int leastHeight = 432;
 constexpr int mostHeight = 640;
 
+using dashboard_text::text;
+
+ElidedLabel* makeLabel(const QString& words, ElidedLabel::FontRole font, const char* identifier,
+                       QWidget* parent) {
+    auto* label = new ElidedLabel(words, font, &CrestTheme::text, parent);
+    label->setObjectName(QString::fromLatin1(identifier));
+    label->setGround(&CrestTheme::pageBackground);
+    return label;
+}
+
 }  // namespace
 
-SettingsSheet::SettingsSheet(SystemMonitor& monitor, QWidget* parent)
-    : WindowDialog(parent), monitor_(monitor) {
+SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget* window)
+    : Sheet(window), monitor_(monitor), state_(state) {
     setObjectName(u"settings.sheet"_s);
     setWindowTitle(u"Settings"_s);
     setAccessibleName(windowTitle());
-    const auto addLabel = [this](const QString& text, ElidedLabel::FontRole font,
-                                 const ThemeColor& color, const char* identifier) {
-        auto* label = new ElidedLabel(text, font, color, this);
-        label->setObjectName(QString::fromLatin1(identifier));
-        label->setGround(&CrestTheme::pageBackground);
-        return label;
-    };
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, spacing::gap, 0, spacing::gap);
     layout->setSpacing(spacing::gap);
-    const auto addRow = [layout] {
-        auto* row = new QVBoxLayout;
-        row->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
-        layout->addLayout(row);
-        return row;
-    };
-
-    auto* head = addRow();
-    head->setSpacing(2);
-    head->addWidget(
-        addLabel(windowTitle(), &CrestFonts::title, &CrestTheme::text, "settings.sheet.title"));
-    auto* line = addLabel(u"Configuration stays here; dashboard actions stay up front."_s,
-                          &CrestFonts::body, &CrestTheme::secondaryText, "settings.sheet.line");
-    line->setLines(1, 2);
-    head->addWidget(line);
-    strip_ = new TabStrip(windowTitle(), this);
-    strip_->setObjectName(u"settings.sheet.tabs"_s);
-    strip_->setAccessibleDescription(u"The parts of the settings"_s);
-    addRow()->addWidget(strip_, 0, Qt::AlignLeft);
+    layout->addWidget(makeHead());
     pages_ = new QStackedWidget(this);
     layout->addWidget(pages_, 1);
-    addTab(settings_tabs::remote, "settings.tab.remote", "What reaching other machines needs",
-           new RemoteTab(monitor));
-    addTab(settings_tabs::localMac, "settings.tab.local-mac", "How this machine is set up",
-           new LocalMacTab(monitor));
-    addTab(settings_tabs::automation, "settings.tab.automation",
-           "What may act by itself, and how far it may go", new AutomationTab(monitor));
-    addTab(settings_tabs::safety, "settings.tab.safety",
-           "What is never quit, and the stop for all that acts by itself", new SafetyTab(monitor));
-
-    auto* foot = new QHBoxLayout;
-    foot->setSpacing(spacing::gap);
-    // The window's own line is out of sight, or too far away to be an answer.
-    lastAction_ =
-        addLabel(QString(), &CrestFonts::caption, &CrestTheme::text, "settings.sheet.last-action");
-    lastAction_->setLines(2, 2);
-    lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    auto* doneButton =
-        makeButton(u"Done"_s, QString(), u"settings.sheet.done"_s, u"Closes the settings"_s, this);
-    doneButton->setDefault(true);
-    connect(doneButton, &QPushButton::clicked, this, &SettingsSheet::accept);
-    foot->addWidget(lastAction_, 1);
-    foot->addWidget(doneButton);
-    addRow()->addLayout(foot);
+    addRemote();
+    addLocalMac();
+    addAutomation();
+    addSafety();
+    layout->addWidget(makeFoot());
 
     connect(strip_, &TabStrip::chosen, this, [this](int index, Qt::FocusReason reason) {
         strip_->setCurrentIndex(index);
-        // Before the page goes, which would else hand the keyboard to the one that comes.
+        // Before the page is hidden, which would move the focus into the next page.
         strip_->setFocus(reason);
-        monitor_.navigation().setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).words);
+        state_.navigation.setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).words);
         refresh();
     });
 }
 
+QWidget* SettingsSheet::makeHead() {
+    auto* head = new QWidget(this);
+    auto* layout = new QVBoxLayout(head);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
+    layout->setSpacing(spacing::gap);
+    auto* words = new QVBoxLayout;
+    words->setSpacing(2);
+    words->addWidget(makeLabel(windowTitle(), &CrestFonts::title, "settings.sheet.title", head));
+    auto* line = makeLabel(u"Configuration stays here; dashboard actions stay up front."_s,
+                           &CrestFonts::body, "settings.sheet.line", head);
+    line->setColor(&CrestTheme::secondaryText);
+    line->setLines(1, 2);
+    words->addWidget(line);
+    layout->addLayout(words);
+    strip_ = new TabStrip(windowTitle(), head);
+    strip_->setObjectName(u"settings.sheet.tabs"_s);
+    strip_->setAccessibleDescription(u"The parts of the settings"_s);
+    layout->addWidget(strip_, 0, Qt::AlignLeft);
+    return head;
+}
+
+QWidget* SettingsSheet::makeFoot() {
+    auto* foot = new QWidget(this);
+    auto* layout = new QHBoxLayout(foot);
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
+    layout->setSpacing(spacing::gap);
+    // The status line of the window is covered, or too far away to be noticed.
+    lastAction_ = makeLabel(QString(), &CrestFonts::caption, "settings.sheet.last-action", foot);
+    lastAction_->setLines(2, 2);
+    lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    auto* doneButton =
+        makeButton(u"Done"_s, QString(), u"settings.sheet.done"_s, u"Closes the settings"_s, foot);
+    doneButton->setDefault(true);
+    connect(doneButton, &QPushButton::clicked, this, &SettingsSheet::accept);
+    layout->addWidget(lastAction_, 1);
+    layout->addWidget(doneButton);
+    return foot;
+}
+
 void SettingsSheet::addTab(const char* words, const char* identifier, const char* description,
-                           SettingsTab* content) {
-    tabs_.push_back({words, content});
-    // First, so that Tab goes from it to its content.
+                           SettingsTab* content, std::function<void()> show) {
+    tabs_.push_back({words, std::move(show)});
     strip_->addTab(QString::fromLatin1(words), QString::fromLatin1(identifier),
                    QString::fromLatin1(description));
     pages_->addWidget(content);
 }
 
-void SettingsSheet::refresh() {
-    if (!monitor_.navigation().showSettings()) {
-        if (isVisible()) {
-            WindowDialog::done(Rejected);
-        }
-        return;
-    }
-    if (!isVisible()) {
-        present();
-        return;
-    }
-    showTab();
-    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+void SettingsSheet::addRemote() {
+    remote_ = new RemoteTab;
+    connect(remote_, &RemoteTab::usernameEntered, this, &SettingsSheet::takeUsername);
+    addTab(settings_tabs::remote, "settings.tab.remote", "What reaching other machines needs",
+           remote_, [this] {
+               remote_->show(text(monitor_.settings().sshUsername),
+                             text(monitor_.startup().localPublicKeyStatus));
+           });
 }
 
-void SettingsSheet::present() {
-    for (const Tab& tab : tabs_) {
-        tab.content->start();
+void SettingsSheet::takeUsername(const QString& typed) {
+    const std::string name = typed.toStdString();
+    const std::string& stored = monitor_.settings().sshUsername;
+    if (name == stored) {
+        remote_->setUsername(text(stored));
+        return;
     }
-    // As much of its window as a sheet may cover.
+    const Outcome outcome = connection_settings::setSSHUsername(monitor_.services(), name);
+    if (outcome.isAccepted()) {
+        remote_->setUsername(text(stored));
+    } else {
+        remote_->showRefusal(text(outcome.message));
+    }
+}
+
+void SettingsSheet::addLocalMac() {
+    constexpr std::array switches{AutomationSwitch::notificationsIncludeActions};
+    auto* notifications = makeSwitches(switches);
+    auto* tab = new LocalMacTab(notifications);
+    connect(tab, &LocalMacTab::expandAllWanted, this, [this] { state_.sections.expandAll(); });
+    connect(tab, &LocalMacTab::collapseAllWanted, this, [this] { state_.sections.collapseAll(); });
+    addTab(settings_tabs::localMac, "settings.tab.local-mac", "How this machine is set up", tab,
+           [this, notifications] { notifications->show(automationFacts()); });
+}
+
+void SettingsSheet::addAutomation() {
+    constexpr std::array diskSwitch{AutomationSwitch::diskAutopilotEnabled};
+    auto* rules = makeSwitches(autoRuleSwitches);
+    auto* disk = makeSwitches(diskSwitch);
+    automation_ = new AutomationTab(rules, disk);
+    connect(automation_, &AutomationTab::limitMoved, this,
+            [this](double Settings::*limit, double value) {
+                monitor_.settingsOwner().set(limit, value);
+                automation_->show(monitor_.settings());
+            });
+    addTab(settings_tabs::automation, "settings.tab.automation",
+           "What may act by itself, and how far it may go", automation_, [this, rules, disk] {
+               rules->show(automationFacts());
+               disk->show(automationFacts());
+               automation_->show(monitor_.settings());
+           });
+}
+
+void SettingsSheet::addSafety() {
+    safety_ = new SafetyTab;
+    connect(safety_, &SafetyTab::removalWanted, this, [this](const std::string& name) {
+        // A second click on a row that is going would put the name back.
+        if (monitor_.settings().protectedAppNames.contains(name)) {
+            monitor_.localActions().toggleNeverQuit(name);
+        }
+        showSafety();
+    });
+    connect(safety_, &SafetyTab::stopWanted, this, [this] {
+        monitor_.automation().engageEmergencyStop();
+        showSafety();
+    });
+    connect(safety_, &SafetyTab::resumeWanted, this, [this] {
+        monitor_.automation().resumeFromEmergencyStop();
+        showSafety();
+    });
+    showSafety();
+    addTab(settings_tabs::safety, "settings.tab.safety",
+           "What is never quit, and the stop for all that acts by itself", safety_,
+           [this] { showSafety(); });
+}
+
+void SettingsSheet::showSafety() {
+    safety_->show(monitor_.settings().protectedAppNames, monitor_.automation().isStopEngaged());
+}
+
+AutomationToggles* SettingsSheet::makeSwitches(std::span<const AutomationSwitch> switches) {
+    auto* toggles = new AutomationToggles(u"settings"_s, switches);
+    connect(toggles, &AutomationToggles::wanted, this,
+            [this, toggles](AutomationSwitch which, bool on) {
+                monitor_.automation().set(which, on);
+                toggles->show(automationFacts());
+            });
+    return toggles;
+}
+
+AutomationFacts SettingsSheet::automationFacts() {
+    return {monitor_.settings(), monitor_.autoRules().dates(), monitor_.log().activityLog(),
+            monitor_.sample().snapshot()};
+}
+
+void SettingsSheet::start() {
+    remote_->setUsername(text(monitor_.settings().sshUsername));
     resize(sheetWidth, std::clamp(parentWidget()->height() - 2 * spacing::pagePadding, leastHeight,
                                   mostHeight));
     setMinimumSize(sheetWidth, leastHeight);
-    showTab();
-    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
-    strip_->setFocus();
-    open();
 }
 
-void SettingsSheet::showTab() {
-    const auto found = std::find_if(tabs_.begin(), tabs_.end(), [this](const Tab& tab) {
-        return tab.words == monitor_.navigation().settingsTab();
-    });
-    const auto index =
-        found != tabs_.end() ? static_cast<int>(std::distance(tabs_.begin(), found)) : 0;
-    strip_->setCurrentIndex(index);
-    pages_->setCurrentIndex(index);
-    tabs_.at(static_cast<std::size_t>(index)).content->refresh();
+QWidget* SettingsSheet::firstControl() {
+    return strip_;
 }
 
-void SettingsSheet::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        // It ended an entry, or was meant for a control that has no use for it. Only Done itself,
-        // which then takes the key, closes the sheet with it.
-        return;
-    }
-    WindowDialog::keyPressEvent(event);
+void SettingsSheet::showState() {
+    const auto found = std::ranges::find(tabs_, state_.navigation.settingsTab(), &Tab::words);
+    const auto index = found != tabs_.end() ? std::distance(tabs_.begin(), found) : 0;
+    strip_->setCurrentIndex(static_cast<int>(index));
+    pages_->setCurrentIndex(static_cast<int>(index));
+    tabs_.at(static_cast<std::size_t>(index)).show();
+    lastAction_->setText(text(monitor_.log().lastAction()));
 }
 
 void SettingsSheet::paintEvent(QPaintEvent*) {
-    // Where a tab that is longer than the sheet goes on below.
+    // A line between the foot and a tab that scrolls.
     QPainter painter(this);
     painter.setPen(CrestTheme::current().hairline);
     const int y = pages_->geometry().bottom() + 1;
     painter.drawLine(0, y, width(), y);
-}
-
-void SettingsSheet::done(int result) {
-    WindowDialog::done(result);
-    monitor_.navigation().setShowSettings(false);
 }
 
 }  // namespace tallowcrest

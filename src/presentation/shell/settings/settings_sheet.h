@@ -1,51 +1,69 @@
 #pragma once
 
+#include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "presentation/widgets/window_dialog.h"
+#include "actions/automation.h"
+#include "presentation/shell/sheet_host.h"
+#include "presentation/words/automation_lines.h"
 
 class QStackedWidget;
 
 namespace tallowcrest {
 
+class AutomationTab;
+class AutomationToggles;
 class ElidedLabel;
+class RemoteTab;
+class SafetyTab;
 class SettingsTab;
 class SystemMonitor;
+struct WindowState;
 class TabStrip;
 
-/// Where configuration lives. It hangs on the whole window and is there while the navigation says
-/// so; however it goes away, it tells the navigation. Main thread.
-class SettingsSheet final : public WindowDialog {
+/// The sheet of the configuration. It alone reads the state and calls operations; its tabs take
+/// plain values. Only the tab that can be seen is kept up to date. Main thread.
+class SettingsSheet final : public Sheet {
     Q_OBJECT
 
 public:
-    SettingsSheet(SystemMonitor& monitor, QWidget* parent);
-
-    /// Opens or closes the sheet as the navigation asks for, and keeps an open one up to date.
-    void refresh() override;
-
-    void done(int result) override;
+    SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget* window);
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    void start() override;
+    void showState() override;
+    QWidget* firstControl() override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     struct Tab {
         std::string words;
-        SettingsTab* content;
+        std::function<void()> show;
     };
 
+    QWidget* makeHead();
+    QWidget* makeFoot();
     void addTab(const char* words, const char* identifier, const char* description,
-                SettingsTab* content);
-    void present();
-    void showTab();
+                SettingsTab* content, std::function<void()> show);
+    void addRemote();
+    void addLocalMac();
+    void addAutomation();
+    void addSafety();
+    AutomationFacts automationFacts();
+    AutomationToggles* makeSwitches(std::span<const AutomationSwitch> switches);
+    void takeUsername(const QString& typed);
+    void showSafety();
 
     SystemMonitor& monitor_;
+    WindowState& state_;
     std::vector<Tab> tabs_;
     TabStrip* strip_ = nullptr;
     QStackedWidget* pages_ = nullptr;
+    RemoteTab* remote_ = nullptr;
+    AutomationTab* automation_ = nullptr;
+    SafetyTab* safety_ = nullptr;
     ElidedLabel* lastAction_ = nullptr;
 };
 

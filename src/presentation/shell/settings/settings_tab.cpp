@@ -11,7 +11,7 @@ namespace tallowcrest {
 SettingsTab::SettingsTab(QWidget* parent) : QWidget(parent) {
     auto* content = new QWidget;
     cards_ = new QVBoxLayout(content);
-    // The scroll bar stands within the sheet's own padding.
+    // The scroll bar takes its width from the padding of the sheet.
     cards_->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding - spacing::scrollBar,
                                0);
     cards_->setSpacing(spacing::gap);

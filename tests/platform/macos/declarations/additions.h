@@ -1,6 +1,6 @@
 #pragma once
 
-// What macOS declares in headers that other systems have too, under other names or not at all.
+// Declarations that macOS adds to headers that other systems have too.
 
 #include <pthread.h>
 #include <sys/types.h>

@@ -1,94 +1,117 @@
 #include "presentation/screens/automation/automation_toggles.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QTest>
+#include <gmock/gmock.h>
 
-#include "core/settings_keys.h"
+#include "presentation/widgets/crest_style.h"
+#include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/toggle_switch.h"
-#include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+
 struct Rule {
     AutomationSwitch which;
     const char* identifier;
-    std::string_view key;
 };
 
 constexpr Rule rules[] = {
-    {AutomationSwitch::autoSelectTopOffender, "probe.auto-select", settings_keys::autoSelectKey},
-    {AutomationSwitch::autoPurgeSustainedMemory, "probe.auto-purge", settings_keys::autoPurgeKey},
-    {AutomationSwitch::autoScanRemoteMacs, "probe.auto-scan", settings_keys::autoRemoteScanKey},
+    {AutomationSwitch::autoSelectTopOffender, "probe.auto-select"},
+    {AutomationSwitch::autoPurgeSustainedMemory, "probe.auto-purge"},
+    {AutomationSwitch::autoScanRemoteMacs, "probe.auto-scan"},
 };
 
-class AutomationTogglesTest : public WindowFixture {
+class AutomationTogglesTest : public testing::Test {
 protected:
-    AutomationToggles& toggles() {
-        if (toggles_ == nullptr) {
-            toggles_ = std::make_unique<AutomationToggles>(machine.monitor(), u"probe"_s);
-            toggles_->resize(480, 320);
-            toggles_->show();
-            toggles_->activateWindow();
-            settle();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(toggles_.get()));
-        }
-        return *toggles_;
+    static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
+
+    AutomationTogglesTest() {
+        toggles.resize(480, 320);
+        toggles.setVisible(true);
+        QObject::connect(&toggles, &AutomationToggles::wanted,
+                         [this](AutomationSwitch which, bool on) {
+                             asked.emplace_back(which, on);
+                             if (which == AutomationSwitch::autoPurgeSustainedMemory && grants) {
+                                 settings.autoPurgeSustainedMemory = on;
+                                 show();
+                             }
+                         });
+        show();
     }
+
+    void show() { toggles.show({settings, dates, {}, snapshot}); }
+
     ToggleSwitch& toggle(const char* identifier) {
-        return *toggles().findChild<ToggleSwitch*>(QString::fromLatin1(identifier));
+        return *toggles.findChild<ToggleSwitch*>(QString::fromLatin1(identifier));
+    }
+    ElidedLabel& label(const char* identifier, const char* part) {
+        return *toggles.findChild<ElidedLabel*>(QString::fromLatin1(identifier) +
+                                                QString::fromLatin1(part));
     }
     QString word(const char* identifier, const char* part) {
-        const auto* label = toggles().findChild<ElidedLabel*>(QString::fromLatin1(identifier) +
-                                                              QString::fromLatin1(part));
-        return label->isVisible() ? label->text() : u"(not shown)"_s;
+        const ElidedLabel& found = label(identifier, part);
+        return found.isVisible() ? found.text() : u"(not shown)"_s;
     }
-    bool isOn(AutomationSwitch which) { return machine.monitor().automation().isOn(which); }
+    /// What was asked for since the last call.
+    std::vector<std::pair<AutomationSwitch, bool>> takeAsked() { return std::exchange(asked, {}); }
 
-    std::unique_ptr<AutomationToggles> toggles_;
+    Settings settings;
+    AutomationDates dates;
+    std::optional<SystemSnapshot> snapshot;
+    bool grants = true;  ///< what is asked of the auto-purge
+    std::vector<std::pair<AutomationSwitch, bool>> asked;
+    AutomationToggles toggles{u"probe"_s};
 };
 
-TEST_F(AutomationTogglesTest, EachSwitchSetsItsFieldAndStoresIt) {
-    for (const Rule& rule : rules) {
-        const bool before = isOn(rule.which);
-        EXPECT_EQ(toggle(rule.identifier).isChecked(), before);
-        QTest::mouseClick(&toggle(rule.identifier), Qt::LeftButton);
-        EXPECT_EQ(isOn(rule.which), !before) << rule.identifier;
-        EXPECT_EQ(toggle(rule.identifier).isChecked(), !before);
-        EXPECT_EQ(machine.store.read(rule.key), SettingsValue(!before));
-        QTest::mouseClick(&toggle(rule.identifier), Qt::LeftButton);
-        EXPECT_EQ(isOn(rule.which), before);
-        EXPECT_EQ(machine.store.read(rule.key), SettingsValue(before));
+TEST_F(AutomationTogglesTest, EachSwitchAsksForItsOppositeAndShowsItsField) {
+    settings.autoSelectTopOffender = true;
+    settings.autoScanRemoteMacs = true;
+    for (const bool purges : {false, true}) {
+        settings.autoPurgeSustainedMemory = purges;
+        grants = false;
+        show();
+        for (const Rule& rule : rules) {
+            const bool before = isOn(settings, rule.which);
+            EXPECT_EQ(toggle(rule.identifier).isChecked(), before) << rule.identifier;
+            QTest::mouseClick(&toggle(rule.identifier), Qt::LeftButton);
+            EXPECT_THAT(takeAsked(), ElementsAre(Pair(rule.which, !before)));
+        }
     }
 }
 
 TEST_F(AutomationTogglesTest, AClickOnTheWordsIsOneOnTheSwitch) {
     for (const char* part : {".title", ".explanation", ".last-acted", ".state"}) {
-        const bool before = isOn(AutomationSwitch::autoPurgeSustainedMemory);
-        auto* label =
-            toggles().findChild<ElidedLabel*>(u"probe.auto-purge"_s + QString::fromLatin1(part));
-        QTest::mouseClick(label, Qt::LeftButton);
-        EXPECT_EQ(isOn(AutomationSwitch::autoPurgeSustainedMemory), !before) << part;
-        QTest::mouseClick(label, Qt::RightButton);
-        EXPECT_EQ(isOn(AutomationSwitch::autoPurgeSustainedMemory), !before) << part;
+        const bool before = settings.autoPurgeSustainedMemory;
+        QTest::mouseClick(&label("probe.auto-purge", part), Qt::LeftButton);
+        EXPECT_THAT(takeAsked(),
+                    ElementsAre(Pair(AutomationSwitch::autoPurgeSustainedMemory, !before)))
+            << part;
+        QTest::mouseClick(&label("probe.auto-purge", part), Qt::RightButton);
+        EXPECT_THAT(takeAsked(), IsEmpty()) << part;
     }
 }
 
 TEST_F(AutomationTogglesTest, ARefusedSwitchStaysWithItsField) {
-    machine.monitor().automation().engageEmergencyStop();
-    toggles();
+    grants = false;
+    settings.autoSelectTopOffender = false;
+    show();
     for (const Rule& rule : rules) {
         QTest::mouseClick(&toggle(rule.identifier), Qt::LeftButton);
+        EXPECT_THAT(takeAsked(), SizeIs(1));
         EXPECT_FALSE(toggle(rule.identifier).isChecked()) << rule.identifier;
-        EXPECT_FALSE(isOn(rule.which));
-        EXPECT_NE(lastAction().find("remains off while Emergency Stop is engaged."),
-                  std::string::npos);
-        settle();
-        toggles().refresh();
-        EXPECT_FALSE(toggle(rule.identifier).isChecked());
+        show();
+        EXPECT_FALSE(toggle(rule.identifier).isChecked()) << rule.identifier;
     }
 }
 
@@ -96,42 +119,44 @@ TEST_F(AutomationTogglesTest, WordAndIconTellTheStateBesideItsColour) {
     const auto icon = [this] {
         return toggle("probe.auto-purge").parentWidget()->findChild<IconView*>()->icon();
     };
-    toggles();
     EXPECT_EQ(word("probe.auto-purge", ".state"), u"Off"_s);
     EXPECT_EQ(icon(), u"circle"_s);
     toggle("probe.auto-purge").click();
     EXPECT_EQ(word("probe.auto-purge", ".state"), u"On"_s);
     EXPECT_EQ(icon(), u"checkmark.circle"_s);
-    machine.monitor().automation().engageEmergencyStop();
-    toggles().refresh();
+    settings.automationEmergencyStopEngaged = true;
+    show();
     EXPECT_EQ(word("probe.auto-purge", ".state"), u"Stopped"_s);
     EXPECT_EQ(icon(), u"exclamationmark.triangle"_s);
 }
 
 TEST_F(AutomationTogglesTest, ARuleThatActsSaysWhen) {
-    machine.metrics->memory.pressure = 90.0;
-    showWithSample();
+    dates.lastAutoSelectDate = Date{1000.0};
+    show();
     EXPECT_TRUE(word("probe.auto-select", ".last-acted").startsWith(u"Last acted "_s))
         << word("probe.auto-select", ".last-acted").toStdString();
     EXPECT_EQ(word("probe.auto-purge", ".last-acted"), u"No recent action"_s);
 }
 
 TEST_F(AutomationTogglesTest, TheKeyboardReachesAndThrowsEachSwitch) {
+    toggles.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&toggles));
     toggle("probe.auto-select").setFocus(Qt::TabFocusReason);
     for (const Rule& rule : rules) {
         ASSERT_EQ(QApplication::focusWidget(), &toggle(rule.identifier));
         for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
-            const bool before = isOn(rule.which);
-            press(key);
-            EXPECT_EQ(isOn(rule.which), !before) << rule.identifier << ' ' << key;
+            const bool before = isOn(settings, rule.which);
+            QTest::keyClick(QApplication::focusWidget(), key);
+            EXPECT_THAT(takeAsked(), ElementsAre(Pair(rule.which, !before)))
+                << rule.identifier << ' ' << key;
         }
-        press(Qt::Key_Tab);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
 }
 
 TEST_F(AutomationTogglesTest, AssistiveTechnologyHearsACheckBoxWithAllItsWords) {
-    machine.monitor().automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
-    toggles();
+    settings.autoPurgeSustainedMemory = true;
+    show();
     QAccessibleInterface* found =
         QAccessible::queryAccessibleInterface(&toggle("probe.auto-purge"));
     ASSERT_NE(found, nullptr);
@@ -142,17 +167,15 @@ TEST_F(AutomationTogglesTest, AssistiveTechnologyHearsACheckBoxWithAllItsWords) 
               u"On. Purges reclaimable file caches only after memory pressure stays "
               "high, with a 15-minute cooldown. No recent action"_s);
     found->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    EXPECT_FALSE(isOn(AutomationSwitch::autoPurgeSustainedMemory));
+    EXPECT_THAT(takeAsked(), ElementsAre(Pair(AutomationSwitch::autoPurgeSustainedMemory, false)));
     EXPECT_FALSE(found->state().checked);
 }
 
 TEST_F(AutomationTogglesTest, AssistiveTechnologyIsRefusedAsTheOwnerIs) {
-    machine.monitor().automation().engageEmergencyStop();
     QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&toggle("probe.auto-scan"));
     found->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    EXPECT_FALSE(isOn(AutomationSwitch::autoScanRemoteMacs));
+    EXPECT_THAT(takeAsked(), ElementsAre(Pair(AutomationSwitch::autoScanRemoteMacs, true)));
     EXPECT_FALSE(found->state().checked);
-    EXPECT_EQ(lastAction(), "Remote auto-scan remains off while Emergency Stop is engaged.");
 }
 
 TEST_F(AutomationTogglesTest, TheSwitchCanBeToldFromItsCardInBothAppearances) {

@@ -1,6 +1,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 
+#include "core/settings/settings_keys.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -19,12 +20,10 @@ protected:
         }
         // Last in the list, and the only one of its name.
         machine.metrics->processes.back().command = "/usr/bin/straggler";
-        machine.extensions.background.buildRecommendations = [](const auto&, double, double,
-                                                                double) {
-            return std::vector<Recommendation>{{UUID::random(), "Memory", "It grows",
-                                                Recommendation::Severity::caution, lightest}};
-        };
-        machine.extensions.main.runAutoRules = [this](const SystemSnapshot&) {
+        machine.recommendations = {
+            {UUID::random(), "Memory", "It grows", Recommendation::Severity::caution, lightest}};
+        machine.store.write(settings_keys::autoSelectKey, false);
+        machine.sampleApplied = [this] {
             if (selectedByRule) {
                 machine.monitor().review().selectProcess(row(*selectedByRule));
             }
@@ -47,10 +46,10 @@ protected:
     }
 
     void filter(const char* text) {
-        machine.monitor().navigation().setProcessFilter(text);
+        window().state().navigation.setProcessFilter(text);
         settle();
     }
-    const std::string& filter() { return machine.monitor().navigation().processFilter(); }
+    const std::string& filter() { return window().state().navigation.processFilter(); }
 
     int scrolled() { return table().verticalScrollBar()->value(); }
     void scrollTo(int value) { table().verticalScrollBar()->setValue(value); }
@@ -122,7 +121,7 @@ TEST_F(ProcessSelectionTest, AfterwardsTheListScrollsAsTheOwnerWants) {
 }
 
 TEST_F(ProcessSelectionTest, SelectTopGoesToItsRowEachTime) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("straggler");
     click("load.select-top");
@@ -137,7 +136,7 @@ TEST_F(ProcessSelectionTest, SelectTopGoesToItsRowEachTime) {
 
 TEST_F(ProcessSelectionTest, ARefusedSelectTopMovesNothing) {
     machine.metrics->processes.at(2).cpu = 400.0;  // systemd
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     click("load.select-top");
     ASSERT_EQ(selectedPID(), std::nullopt);
@@ -151,7 +150,7 @@ TEST_F(ProcessSelectionTest, ARefusedSelectTopMovesNothing) {
 }
 
 TEST_F(ProcessSelectionTest, SelectTopRowGoesToTheFirstRow) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("idle");
     scrollTo(table().verticalScrollBar()->maximum());
@@ -162,7 +161,7 @@ TEST_F(ProcessSelectionTest, SelectTopRowGoesToTheFirstRow) {
 }
 
 TEST_F(ProcessSelectionTest, ASelectionOnAnotherRouteIsInViewWhenTheListOpens) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     scrollTo(table().verticalScrollBar()->maximum());
     filter("straggler");
@@ -190,7 +189,7 @@ TEST_F(ProcessSelectionTest, OpeningTheListShowsTheRowButLeavesALaterFilterAlone
 }
 
 TEST_F(ProcessSelectionTest, WhatASampleSelectsByItselfMovesNothing) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("idle");
     scrollTo(40);
@@ -206,7 +205,7 @@ TEST_F(ProcessSelectionTest, WhatASampleSelectsByItselfMovesNothing) {
 }
 
 TEST_F(ProcessSelectionTest, ARowThatIsChosenInTheListStaysWhereItIs) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     // Half of the first row that shows is above the edge.
     scrollTo(table().rowHeight(0) / 2);

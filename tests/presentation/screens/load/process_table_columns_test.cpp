@@ -110,7 +110,7 @@ TEST_F(ProcessTableColumnsTest, FewRowsMoveNoColumn) {
     }
     tick();
     const QRect before = cell(0, ProcessTableModel::cpuColumn);
-    machine.monitor().navigation().setProcessFilter("photo-indexer");
+    window().state().navigation.setProcessFilter("photo-indexer");
     settle();
     ASSERT_EQ(model().rowCount(), 1);
     EXPECT_EQ(cell(0, ProcessTableModel::cpuColumn), before);

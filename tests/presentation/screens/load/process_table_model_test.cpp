@@ -5,13 +5,13 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
-#include <QLocale>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <gmock/gmock.h>
 
 #include "presentation/screens/load/process_table_view.h"
 #include "presentation/widgets/tool_tip.h"
+#include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/screens/load/process_rows.h"
 
 using namespace Qt::StringLiterals;
@@ -47,8 +47,7 @@ std::vector<std::int64_t> pidsIn(const ProcessTableModel& model) {
 /// A model that ends the test program at the first breach of what a model owes its views.
 class ProcessTableModelTest : public testing::Test {
 protected:
-    ProcessTableModelTest() { QLocale::setDefault(QLocale(u"en_US"_s)); }
-    ~ProcessTableModelTest() override { QLocale::setDefault(QLocale::c()); }
+    const ScopedLocale locale{"en_US"};
 
     QVariant at(int line, int column, int role = Qt::DisplayRole) const {
         return model.data(model.index(line, column), role);
@@ -180,8 +179,16 @@ TEST_F(ProcessTableModelTest, CellsGiveNameFiguresAndAction) {
     EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2,048.0 MB"_s);
     EXPECT_EQ(at(0, ProcessTableModel::memoryPercentColumn), u"12.5%"_s);
     EXPECT_EQ(at(0, ProcessTableModel::actionColumn), u"Review"_s);
-    QLocale::setDefault(QLocale(u"de_DE"_s));
+    const ScopedLocale german("de_DE");
     EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2.048,0 MB"_s);
+}
+
+TEST_F(ProcessTableModelTest, MemoryCanBeShownInWholeMegabytes) {
+    model.setMemoryDecimals(0);
+    model.setRows({processRow(7, "/usr/bin/editor", 12.34, 2047.6)});
+    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn), u"12.3%"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2,048 MB"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn, Qt::AccessibleTextRole), u"2,048 MB"_s);
 }
 
 TEST_F(ProcessTableModelTest, HeadersNameTheColumns) {
@@ -216,6 +223,11 @@ TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
     EXPECT_FALSE(isProtectedAt(3));
     EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, Protected"_s);
     EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor"_s);
+    const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    model.setProtectedAppNames({"editor"});
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_TRUE(isProtectedAt(3));
+    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor, Protected"_s);
 }
 
 TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
@@ -268,6 +280,7 @@ TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
 TEST_F(ProcessTableModelTest, AskingBesideTheTableGivesNothing) {
     model.setRows(rowsOf({1}));
     EXPECT_FALSE(model.data({}, Qt::DisplayRole).isValid());
+    EXPECT_FALSE(model.data({}, ProcessTableModel::isProtectedRole).isValid());
     EXPECT_FALSE(model.data(model.index(1, 0), Qt::DisplayRole).isValid());
     EXPECT_FALSE(at(0, 0, Qt::DecorationRole).isValid());
     EXPECT_EQ(model.rowCount(model.index(0, 0)), 0);

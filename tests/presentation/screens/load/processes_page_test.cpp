@@ -34,7 +34,7 @@ protected:
 };
 
 TEST_F(ProcessesPageTest, SaysThatItSamplesUntilTheFirstSample) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     show();
     EXPECT_EQ(textOf("processes.sort-status"), u"Sampling this Mac..."_s);
     EXPECT_EQ(model().rowCount(), 0);
@@ -223,7 +223,7 @@ TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
 }
 
 TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::load);
+    window().state().navigation.setSelectedRoute(AppRoute::load);
     show();
     click("load.select-top");
     EXPECT_EQ(textOf("status.last-action"), u"No process sample is available yet."_s);
@@ -232,7 +232,7 @@ TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
 TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
     int asked = 0;
     bool opens = true;
-    machine.extensions.openActivityMonitor = [&] {
+    machine.openActivityMonitor = [&] {
         ++asked;
         return opens;
     };

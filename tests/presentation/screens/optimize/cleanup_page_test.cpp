@@ -15,7 +15,7 @@ namespace {
 class CleanupPageTest : public WindowFixture {
 protected:
     void showCleanup() {
-        machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+        window().state().navigation.setSelectedRoute(AppRoute::optimize);
         showWithSample();
     }
 
@@ -60,7 +60,7 @@ TEST_F(CleanupPageTest, TheWorkspaceBarIsInViewAtOnce) {
 }
 
 TEST_F(CleanupPageTest, SaysThatItSamplesUntilTheFirstSample) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+    window().state().navigation.setSelectedRoute(AppRoute::optimize);
     show();
     EXPECT_EQ(explanation(), u"Sampling this Mac..."_s);
     machine.finishSamples();
@@ -105,7 +105,7 @@ TEST_F(CleanupPageTest, SelectTopAppSelectsAndTellsTheStep) {
 }
 
 TEST_F(CleanupPageTest, WithoutASampleTheActionsSaySo) {
-    machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
+    window().state().navigation.setSelectedRoute(AppRoute::optimize);
     show();
     click("cleanup.suggest-safe-target");
     EXPECT_EQ(lastAction(), "No sample is available yet.");
@@ -161,7 +161,7 @@ TEST_F(CleanupPageTest, AFailedPurgeUnlocksTheButton) {
 
 TEST_F(CleanupPageTest, ActivityMonitorOpensIt) {
     int opened = 0;
-    machine.extensions.openActivityMonitor = [&opened] {
+    machine.openActivityMonitor = [&opened] {
         ++opened;
         return true;
     };

@@ -1,14 +1,20 @@
 #include "presentation/screens/optimize/offender_card.h"
 
 #include <QAccessible>
+#include <QHeaderView>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTest>
+#include <gmock/gmock.h>
 
+#include "presentation/screens/load/process_table_view.h"
+#include "presentation/screens/optimize/cleanup_lines.h"
+#include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/summary_card.h"
-#include "tests/presentation/shell/announcements.h"
+#include "tests/presentation/scoped_locale.h"
+#include "tests/presentation/screens/load/process_rows.h"
 #include "tests/presentation/widgets/paint_count.h"
-#include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,373 +22,212 @@ namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-class OffenderCardTest : public WindowFixture {
+class OffenderCardTest : public testing::Test {
 protected:
-    void showCleanup() {
-        machine.monitor().navigation().setSelectedRoute(AppRoute::optimize);
-        showWithSample();
+    OffenderCardTest() {
+        card.resize(592, 600);
+        showUnseen(card);
+    }
+    const ScopedLocale locale{"en_US"};
+
+    /// "photo-indexer" under review, a group of one process.
+    static cleanup_lines::Offender offender() {
+        return {u"Selected Offender: photo-indexer"_s, u"It is using much."_s,
+                cleanup_lines::Target{
+                    .groupCard = {u"photo-indexer"_s, u"1 process · 130.0% CPU"_s},
+                    .risk = u"Manual"_s,
+                    .group = "photo-indexer",
+                    .isNeverQuit = false,
+                    .helpers = {processRow(800, "/usr/bin/photo-indexer", 130.0, 2048.4)},
+                    .selectedPID = 800,
+                    .protectedAppNames = {}}};
     }
 
-    void select(std::int64_t pid) {
-        for (const ProcessSample& row : machine.monitor().sample().latestProcesses()) {
-            if (row.pid == pid) {
-                machine.monitor().review().selectProcess(row);
-                settle();
-                return;
-            }
+    /// A group of that many processes.
+    static cleanup_lines::Offender groupOf(int count) {
+        cleanup_lines::Offender offender = OffenderCardTest::offender();
+        offender.target->helpers.clear();
+        for (int i = 0; i < count; ++i) {
+            offender.target->helpers.push_back(processRow(1000 + i, "/opt/chrome", 1.0, 400.0 - i));
         }
-        FAIL() << "no process " << pid;
+        return offender;
     }
 
-    void end(std::int64_t pid) {
-        std::erase_if(machine.metrics->processes,
-                      [pid](const ProcessSample& row) { return row.pid == pid; });
+    void show(const cleanup_lines::Offender& shown) {
+        card.show(shown);
+        QApplication::processEvents();
     }
 
-    QString heading() { return visible("cleanup.offender")->accessibleName(); }
-    QString explanation() { return textOf("cleanup.explanation"); }
-
-    std::string card(const char* identifier) {
+    template <class Widget = QWidget>
+    Widget* visible(const char* identifier) {
+        auto* found = card.findChild<Widget*>(QString::fromLatin1(identifier));
+        return found != nullptr && found->isVisible() ? found : nullptr;
+    }
+    QString textOf(const char* identifier) {
+        const auto* label = visible<ElidedLabel>(identifier);
+        return label == nullptr ? u"(not shown)"_s : label->text();
+    }
+    QString summary(const char* identifier) {
         const auto* shown = visible<SummaryCard>(identifier);
-        return shown == nullptr
-                   ? "(not shown)"
-                   : (shown->accessibleName() + u": "_s + shown->accessibleValue()).toStdString();
+        return shown == nullptr ? u"(not shown)"_s
+                                : shown->accessibleName() + u": "_s + shown->accessibleValue();
     }
-
     ProcessTableView* helpers() { return visible<ProcessTableView>("cleanup.helpers"); }
-
-    /// The rows as "name cpu memory", with a star behind what is protected.
-    std::vector<std::string> helperRows() {
-        std::vector<std::string> rows;
-        const QAbstractItemModel* shown = helpers() == nullptr ? nullptr : helpers()->model();
-        for (int place = 0; shown != nullptr && place < shown->rowCount(); ++place) {
-            const auto cell = [&](int column) {
-                return shown->index(place, column).data().toString();
-            };
-            QString row = cell(ProcessTableModel::processColumn) + u' ' +
-                          cell(ProcessTableModel::cpuColumn) + u' ' +
-                          cell(ProcessTableModel::memoryColumn);
-            if (shown->index(place, 0).data(ProcessTableModel::isProtectedRole).toBool()) {
-                row += u'*';
-            }
-            rows.push_back(row.toStdString());
-        }
-        return rows;
+    QString cell(int row, int column) {
+        return helpers()->model()->index(row, column).data().toString();
     }
+    QPushButton& neverQuit() { return *visible<QPushButton>("cleanup.never-quit"); }
 
-    QPushButton& guard() { return *visible<QPushButton>("cleanup.never-quit"); }
+    OffenderCard card{ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
 };
 
 TEST_F(OffenderCardTest, WithoutATargetThereIsOnlyTheHint) {
-    showCleanup();
-    EXPECT_EQ(heading(), u"Selected Offender"_s);
-    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
+    show(offender());
+    show({u"Selected Offender"_s, u"Select an app."_s, std::nullopt});
+    EXPECT_EQ(card.accessibleName(), u"Selected Offender"_s);
+    EXPECT_EQ(textOf("cleanup.explanation"), u"Select an app."_s);
     for (const char* identifier : {"cleanup.app-group", "cleanup.risk", "cleanup.never-quit",
                                    "cleanup.quit-hint", "cleanup.helpers", "cleanup.no-helpers"}) {
         EXPECT_EQ(visible(identifier), nullptr) << identifier;
     }
 }
 
-TEST_F(OffenderCardTest, ATargetIsExplainedWordForWord) {
-    showCleanup();
-    select(800);
-    EXPECT_EQ(heading(), u"Selected Offender: photo-indexer"_s);
-    EXPECT_EQ(explanation(),
-              u"photo-indexer is using 130.0% CPU and 2,048 MB memory. Review before "
-              "quitting; unsaved work may be lost if the app does not exit "
-              "cleanly."_s);
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, 1 process · 130.0% CPU");
-    EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
+TEST_F(OffenderCardTest, ATargetShowsItsGroupItsRiskAndItsHelpers) {
+    show(offender());
+    EXPECT_EQ(card.accessibleName(), u"Selected Offender: photo-indexer"_s);
+    EXPECT_EQ(textOf("cleanup.explanation"), u"It is using much."_s);
+    EXPECT_EQ(summary("cleanup.app-group"), u"App Group: photo-indexer, 1 process · 130.0% CPU"_s);
+    EXPECT_EQ(summary("cleanup.risk"),
+              u"Risk: Manual, Tallowcrest will not quit this automatically."_s);
     EXPECT_EQ(textOf("cleanup.quit-hint"),
               u"Use File > Quit Selected Process or Quit Selected App Group only "
               "after review."_s);
     EXPECT_EQ(helpers()->accessibleName(), u"Related Helper Processes"_s);
-    EXPECT_THAT(helperRows(), ElementsAre("photo-indexer 130.0% 2,048 MB"));
+    EXPECT_EQ(cell(0, ProcessTableModel::processColumn), u"photo-indexer"_s);
+    EXPECT_EQ(cell(0, ProcessTableModel::cpuColumn), u"130.0%"_s);
+    EXPECT_EQ(cell(0, ProcessTableModel::memoryColumn), u"2,048 MB"_s);
+    const auto first = helpers()->model()->index(0, 0);
+    EXPECT_TRUE(first.data(ProcessTableModel::isSelectedRole).toBool());
+    EXPECT_FALSE(first.data(ProcessTableModel::isProtectedRole).toBool());
 }
 
-TEST_F(OffenderCardTest, AProtectedTargetIsSaidToBeProtected) {
-    showCleanup();
-    select(1);
-    EXPECT_EQ(explanation(),
-              u"systemd is using 0.0% CPU and 12 MB memory. It is "
-              "protected from quit actions."_s);
-    EXPECT_EQ(card("cleanup.risk"),
-              "Risk: Protected, Tallowcrest will not quit this automatically.");
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: systemd, No group summary")
-        << "too small for the sample's list of groups";
-    EXPECT_THAT(helperRows(), ElementsAre("systemd 0.0% 12 MB*"));
-}
-
-TEST_F(OffenderCardTest, ClearReturnsToTheHint) {
-    showCleanup();
-    select(800);
-    machine.monitor().review().clearOperationTarget();
-    settle();
-    EXPECT_EQ(heading(), u"Selected Offender"_s);
-    EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
-    EXPECT_EQ(visible("cleanup.risk"), nullptr);
-    EXPECT_EQ(textOf("cleanup.step"),
-              u"1. Select an offender to review. No optimization has run yet."_s);
-    EXPECT_EQ(lastAction(), "Cleared selected operation target.");
-}
-
-TEST_F(OffenderCardTest, ANewSampleBringsNewFigures) {
-    showCleanup();
-    select(800);
-    machine.metrics->processes[0].cpu = 12.34;
-    machine.metrics->processes[0].rssMB = 512.0;
-    tick();
-    EXPECT_TRUE(
-        explanation().startsWith(u"photo-indexer is using 12.3% CPU and 512 MB memory. "_s));
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, 1 process · 12.3% CPU");
-    EXPECT_THAT(helperRows(), ElementsAre("photo-indexer 12.3% 512 MB"));
+TEST_F(OffenderCardTest, WithoutHelpersItSaysSo) {
+    show(groupOf(0));
+    EXPECT_EQ(helpers(), nullptr);
+    EXPECT_EQ(textOf("cleanup.no-helpers"), u"No process of this group is in the latest sample."_s);
 }
 
 TEST_F(OffenderCardTest, ALongNameDoesNotPushOutTheVerdict) {
-    window().resize(640, 600);
-    machine.addProcess(900, "/usr/bin/" + std::string(255, 'w'), 10.0, 300.0);
-    showCleanup();
-    machine.monitor().localActions().toggleNeverQuit(std::string(255, 'w'));
-    select(900);
+    cleanup_lines::Offender shown = offender();
+    shown.explanation = cleanup_lines::sentence(
+        processRow(900, "/usr/bin/" + std::string(255, 'w'), 10.0, 300.0), true);
+    show(shown);
     const auto* label = visible<ElidedLabel>("cleanup.explanation");
     EXPECT_TRUE(label->shownLines().last().endsWith(u"actions."_s))
         << label->shownLines().last().toStdString();
     EXPECT_GE(label->height(), label->heightForWidth(label->width()));
 }
 
-// What has gone ----------------------------------------------------------------------------------
+// The rows of the group --------------------------------------------------------------------------
 
-TEST_F(OffenderCardTest, AProcessThatHasGoneLeavesNoFiguresBehind) {
-    showCleanup();
-    select(800);
-    end(800);
-    tick();
-    EXPECT_EQ(selectedPID(), 800);
-    EXPECT_EQ(heading(), u"Selected Offender: PID 800"_s);
-    EXPECT_EQ(explanation(),
-              u"Selected for review. Process details are not in the "
-              "latest sample."_s);
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: photo-indexer, No group summary");
-    EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
-    EXPECT_EQ(helpers(), nullptr);
-    EXPECT_EQ(textOf("cleanup.no-helpers"), u"No process of this group is in the latest sample."_s);
-}
-
-TEST_F(OffenderCardTest, TheGroupOutlivesItsSelectedProcess) {
-    machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
-    machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
-    showCleanup();
-    select(901);
-    EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB", "chrome helper 25.0% 250 MB"));
-    end(901);
-    tick();
-    EXPECT_EQ(heading(), u"Selected Offender: PID 901"_s);
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: Google Chrome, 1 process · 25.0% CPU");
-    EXPECT_THAT(helperRows(), ElementsAre("chrome helper 25.0% 250 MB"));
-}
-
-TEST_F(OffenderCardTest, ANumberThatAnotherProcessBearsIsNotTheTarget) {
-    showCleanup();
-    select(800);
-    machine.metrics->processes[0].startTime += 5;
-    tick();
-    EXPECT_EQ(heading(), u"Selected Offender: PID 800"_s);
-    ASSERT_THAT(helperRows(), ElementsAre("photo-indexer 130.0% 2,048 MB"));
-    EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
-}
-
-// The group's rows -------------------------------------------------------------------------------
-
-TEST_F(OffenderCardTest, ReviewOnARowMovesTheReviewWithinTheGroup) {
-    machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
-    machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
-    showCleanup();
-    select(901);
-    helpers()->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_Down);
-    press(Qt::Key_Return);
-    const int selected = helpers()->currentIndex().row();
-    EXPECT_EQ(selected, 1);
-    EXPECT_EQ(selectedPID(), 902);
-    EXPECT_EQ(route(), AppRoute::optimize);
-    EXPECT_EQ(heading(), u"Selected Offender: chrome helper"_s);
-    EXPECT_TRUE(helpers()->model()->index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
-    EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
+TEST_F(OffenderCardTest, ReviewOnARowAsksForItsProcess) {
+    std::vector<std::int64_t> wanted;
+    QObject::connect(&card, &OffenderCard::reviewWanted,
+                     [&](const ProcessSample& process) { wanted.push_back(process.pid); });
+    show(groupOf(3));
+    helpers()->setCurrentIndex(helpers()->model()->index(1, 0));
+    QTest::keyClick(helpers(), Qt::Key_Return);
+    EXPECT_THAT(wanted, ElementsAre(1001));
 }
 
 TEST_F(OffenderCardTest, AGroupOfThreeHundredStaysWithinItsRoom) {
-    for (int i = 0; i < 300; ++i) {
-        machine.addProcess(1000 + i, "/opt/chrome", 1.0, 400.0 - i);
-    }
-    showCleanup();
-    const auto widgetCount = [this] { return window().findChildren<QWidget*>().size(); };
-    select(1000);
+    card.resize(592, 900);
+    show(groupOf(300));
     EXPECT_EQ(helpers()->model()->rowCount(), 300);
-    EXPECT_EQ(card("cleanup.app-group"), "App Group: Google Chrome, 300 processes · 300.0% CPU");
     const int height = helpers()->height();
     EXPECT_LT(height, 340);
     EXPECT_EQ(helpers()->verticalScrollBar()->maximum(), 292 * 32) << "eight whole rows show";
-    const auto widgets = widgetCount();
-    tick();
-    EXPECT_EQ(widgetCount(), widgets);
+    const auto widgets = card.findChildren<QWidget*>().size();
+    cleanup_lines::Offender next = groupOf(300);
+    next.target->helpers.front().cpu = 2.0;
+    show(next);
+    EXPECT_EQ(card.findChildren<QWidget*>().size(), widgets);
     EXPECT_EQ(helpers()->height(), height);
 }
 
-TEST_F(OffenderCardTest, ALongListTakesTheKeysThatScroll) {
-    for (int i = 0; i < 20; ++i) {
-        machine.addProcess(1000 + i, "/opt/chrome", 1.0, 400.0 - i);
-    }
-    showCleanup();
-    select(1000);
-    helpers()->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_End);
-    EXPECT_EQ(helpers()->currentIndex().row(), 19);
-    press(Qt::Key_Home);
-    EXPECT_EQ(helpers()->currentIndex().row(), 0);
-    press(Qt::Key_PageDown);
-    EXPECT_GT(helpers()->currentIndex().row(), 4);
-}
-
-TEST_F(OffenderCardTest, AShortListLeavesThemToThePage) {
-    window().resize(900, 480);
-    showCleanup();
-    select(800);
-    QScrollBar& bar = *scrollAreaAround(*helpers()).verticalScrollBar();
-    helpers()->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_Home);
-    EXPECT_EQ(bar.value(), 0);
-    press(Qt::Key_End);
-    EXPECT_EQ(bar.value(), bar.maximum());
-    EXPECT_GT(bar.value(), 0);
-}
-
 TEST_F(OffenderCardTest, ASampleKeepsThePlaceInTheList) {
-    for (int i = 0; i < 40; ++i) {
-        machine.addProcess(1000 + i, "/opt/chrome", 1.0, 400.0 - i);
-    }
-    showCleanup();
-    select(1000);
+    show(groupOf(40));
     helpers()->setCurrentIndex(helpers()->model()->index(20, 0));
     const int scrolled = helpers()->verticalScrollBar()->value();
     ASSERT_GT(scrolled, 0);
-    for (ProcessSample& row : machine.metrics->processes) {
+    cleanup_lines::Offender next = groupOf(40);
+    for (ProcessSample& row : next.target->helpers) {
         row.rssMB += 3.0;
     }
-    tick();
+    show(next);
     EXPECT_EQ(helpers()->currentIndex().row(), 20);
     EXPECT_EQ(helpers()->verticalScrollBar()->value(), scrolled);
 }
 
-// The guard --------------------------------------------------------------------------------------
-
-TEST_F(OffenderCardTest, TheGuardTakesEffectAtOnceAndTwiceIsNever) {
-    machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
-    machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
-    showCleanup();
-    select(901);
-    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
-    EXPECT_EQ(guard().accessibleName(), u"Never Quit Google Chrome"_s);
-    EXPECT_FALSE(guard().isChecked());
-    const QString wayIn = guard().accessibleDescription();
-    const auto events = machine.monitor().log().activityLog().size();
-
-    click("cleanup.never-quit");
-    EXPECT_EQ(lastAction(), "Google Chrome added to Never Quit.");
-    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
-    EXPECT_TRUE(guard().isChecked());
-    EXPECT_NE(guard().accessibleDescription(), wayIn);
-    EXPECT_EQ(card("cleanup.risk"),
-              "Risk: Protected, Tallowcrest will not quit this automatically.");
-    EXPECT_TRUE(explanation().endsWith(u"It is protected from quit actions."_s));
-    EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB*", "chrome helper 25.0% 250 MB*"));
-
-    click("cleanup.never-quit");
-    EXPECT_EQ(lastAction(), "Google Chrome removed from Never Quit.");
-    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
-    EXPECT_FALSE(guard().isChecked());
-    EXPECT_EQ(guard().accessibleDescription(), wayIn);
-    EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
-    EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB", "chrome helper 25.0% 250 MB"));
-    EXPECT_EQ(machine.monitor().log().activityLog().size(), events + 2);
-    EXPECT_THAT(machine.monitor().settings().protectedAppNames, IsEmpty());
+TEST_F(OffenderCardTest, TheSameValuesChangeAndPaintNothing) {
+    show(offender());
+    const QSignalSpy changes(helpers()->model(), &QAbstractItemModel::dataChanged);
+    PaintCount paints(card);
+    show(offender());
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_EQ(paints.take(), 0);
+    cleanup_lines::Offender next = offender();
+    next.target->helpers.front().cpu = 12.34;
+    show(next);
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_GT(paints.take(), 0);
 }
 
-TEST_F(OffenderCardTest, TheGuardAnswersTheKeyboard) {
-    showCleanup();
-    select(700);
-    guard().setFocus(Qt::TabFocusReason);
-    press(Qt::Key_Space);
-    EXPECT_EQ(lastAction(), "editor added to Never Quit.");
-    EXPECT_TRUE(guard().hasFocus());
-    EXPECT_TRUE(guard().isChecked());
+// Never Quit -------------------------------------------------------------------------------------
+
+TEST_F(OffenderCardTest, NeverQuitFollowsTheGroupUnderReview) {
+    show(offender());
+    EXPECT_EQ(neverQuit().text(), u"Never Quit: Off"_s);
+    EXPECT_EQ(neverQuit().accessibleName(), u"Never Quit photo-indexer"_s);
+    EXPECT_FALSE(neverQuit().isChecked());
+    const QString off = neverQuit().accessibleDescription();
+
+    cleanup_lines::Offender next = offender();
+    next.target->group = "Google Chrome";
+    next.target->isNeverQuit = true;
+    next.target->protectedAppNames = {"photo-indexer"};
+    show(next);
+    EXPECT_EQ(neverQuit().text(), u"Never Quit: On"_s);
+    EXPECT_EQ(neverQuit().accessibleName(), u"Never Quit Google Chrome"_s);
+    EXPECT_TRUE(neverQuit().isChecked());
+    EXPECT_NE(neverQuit().accessibleDescription(), off);
+    EXPECT_TRUE(helpers()->model()->index(0, 0).data(ProcessTableModel::isProtectedRole).toBool());
+
+    next.target->group.reset();
+    show(next);
+    EXPECT_EQ(visible("cleanup.never-quit"), nullptr);
 }
 
-TEST_F(OffenderCardTest, TheGuardFollowsTheGroupUnderReview) {
-    showCleanup();
-    select(700);
-    click("cleanup.never-quit");
-    select(800);
-    EXPECT_EQ(guard().text(), u"Never Quit: Off"_s);
-    EXPECT_EQ(guard().accessibleName(), u"Never Quit photo-indexer"_s);
-    select(700);
-    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
-    EXPECT_TRUE(guard().isChecked());
+TEST_F(OffenderCardTest, NeverQuitAsksForTheGroupThatItNames) {
+    std::vector<std::string> toggled;
+    QObject::connect(&card, &OffenderCard::neverQuitToggled,
+                     [&](const std::string& group) { toggled.push_back(group); });
+    show(offender());
+    QTest::mouseClick(&neverQuit(), Qt::LeftButton);
+    QTest::keyClick(&neverQuit(), Qt::Key_Space);
+    EXPECT_THAT(toggled, ElementsAre("photo-indexer", "photo-indexer"));
 }
 
-TEST_F(OffenderCardTest, TheGuardFollowsAChangeFromElsewhere) {
-    showCleanup();
-    select(700);
-    machine.monitor().localActions().toggleNeverQuit("editor");
-    settle();
-    EXPECT_EQ(guard().text(), u"Never Quit: On"_s);
-    EXPECT_TRUE(guard().isChecked());
-    EXPECT_TRUE(explanation().endsWith(u"It is protected from quit actions."_s));
-}
-
-TEST_F(OffenderCardTest, AssistiveTechnologyHearsTheGuardsState) {
-    showCleanup();
-    select(700);
-    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&guard());
+TEST_F(OffenderCardTest, AssistiveTechnologyHearsTheStateOfNeverQuit) {
+    show(offender());
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&neverQuit());
     EXPECT_TRUE(spoken->state().checkable);
     EXPECT_FALSE(spoken->state().checked);
-    click("cleanup.never-quit");
+    cleanup_lines::Offender next = offender();
+    next.target->isNeverQuit = true;
+    show(next);
     EXPECT_TRUE(spoken->state().checked);
-}
-
-// Work -------------------------------------------------------------------------------------------
-
-TEST_F(OffenderCardTest, NothingIsDoneWhileAnotherRouteShows) {
-    showCleanup();
-    select(800);
-    auto* label = visible<ElidedLabel>("cleanup.explanation");
-    const auto* model = helpers()->model();
-    const QString before = label->text();
-    goTo(AppRoute::history);
-    machine.metrics->processes[0].cpu = 12.34;
-    tick();
-    EXPECT_EQ(label->text(), before);
-    EXPECT_EQ(model->index(0, ProcessTableModel::cpuColumn).data().toString(), u"130.0%"_s);
-    goTo(AppRoute::optimize);
-    EXPECT_TRUE(label->text().startsWith(u"photo-indexer is using 12.3% CPU"_s));
-}
-
-TEST_F(OffenderCardTest, WhatConcernsOtherThingsPaintsAndTellsNothingHere) {
-    showCleanup();
-    select(800);
-    PaintCount paints(*visible("cleanup.offender"));
-    const QSignalSpy rows(helpers()->model(), &QAbstractItemModel::dataChanged);
-    const Announcements heard;
-    machine.monitor().log().recordMessage("Something else happened.");
-    settle();
-    EXPECT_EQ(paints.take(), 0);
-    EXPECT_EQ(rows.count(), 0);
-    EXPECT_THAT(heard.repeated(), IsEmpty());
-    machine.metrics->processes[0].cpu = 12.34;
-    tick();
-    EXPECT_GT(paints.take(), 0);
-    EXPECT_THAT(heard.repeated(), IsEmpty());
 }
 
 }  // namespace

@@ -1,14 +1,20 @@
 #include "presentation/screens/overview/overview_page.h"
 
-#include <QAccessible>
-#include <QSignalSpy>
+#include <map>
+#include <memory>
 
-#include "core/settings_keys.h"
+#include <QAccessible>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include "core/settings/settings_keys.h"
+#include "presentation/screens/overview/overview_block.h"
+#include "presentation/shell/menu_bar_entries.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/stable_line_graph.h"
-#include "presentation/widgets/summary_card.h"
-#include "tests/presentation/window_fixture.h"
+#include "tests/presentation/screens/overview/overview_fixture.h"
+#include "tests/presentation/widgets/paint_count.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,12 +22,13 @@ namespace tallowcrest {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-class OverviewPageTest : public WindowFixture {
+class OverviewPageTest : public OverviewFixture {
 protected:
     /// The one widget of its kind with that accessible name.
     template <class Widget>
@@ -35,27 +42,61 @@ protected:
     }
 
     /// Every text on the screen.
-    std::vector<std::string> texts() {
-        std::vector<std::string> found;
-        for (const ElidedLabel* label : window().findChildren<ElidedLabel*>()) {
-            if (label->isVisible()) {
-                found.push_back(label->text().toStdString());
+    std::vector<std::string> texts() { return shownTexts(window()); }
+
+    SectionHeader* header(const char* identifier) { return visible<SectionHeader>(identifier); }
+
+    OverviewBlock* block(DashboardSection section) {
+        for (auto* each : window().findChildren<OverviewBlock*>()) {
+            if (each->section() == section) {
+                return each;
             }
         }
-        return found;
+        return nullptr;
     }
 
-    /// What stands below a caption of the timeline's row of figures.
-    QString figureBelow(const char* caption) {
-        const ElidedLabel& name = named<ElidedLabel>(caption);
-        for (const ElidedLabel* label : name.parentWidget()->findChildren<ElidedLabel*>()) {
-            if (label->x() == name.x() && label->y() > name.y()) {
-                return label->text();
+    /// The identifiers of the sections from top to bottom.
+    std::string order() {
+        std::vector<std::pair<int, QString>> places;
+        const QWidget* page = window().findChild<QScrollArea*>()->widget();
+        for (const SectionHeader* each : window().findChildren<SectionHeader*>()) {
+            places.emplace_back(each->mapTo(page, QPoint()).y(), each->objectName());
+        }
+        std::sort(places.begin(), places.end());
+        QStringList names;
+        for (const auto& [y, name] : places) {
+            names.append(name);
+        }
+        return names.join(u' ').toStdString();
+    }
+
+    SettingsTextList stored() {
+        const auto value = machine.store.read(settings_keys::collapsedSectionsKey);
+        return value ? std::get<SettingsTextList>(*value) : SettingsTextList{"never written"};
+    }
+
+    void choose(const char* identifier) {
+        for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
+            if (entry.identifier == QString::fromLatin1(identifier)) {
+                entry.run();
+                settle();
+                return;
             }
         }
-        return {};
+        ADD_FAILURE() << "no entry " << identifier;
+    }
+
+    bool allAreCollapsed(bool collapsed) {
+        const auto blocks = window().findChildren<OverviewBlock*>();
+        return blocks.size() == 9 &&
+               std::all_of(blocks.begin(), blocks.end(), [collapsed](const OverviewBlock* each) {
+                   return each->isCollapsed() == collapsed &&
+                          each->body()->isVisible() != collapsed;
+               });
     }
 };
+
+// What is shown ----------------------------------------------------------------------------------
 
 TEST_F(OverviewPageTest, SaysThatItSamplesUntilTheFirstSample) {
     show();
@@ -76,57 +117,31 @@ TEST_F(OverviewPageTest, SaysThatItSamplesUntilTheFirstSample) {
     }
 }
 
-TEST_F(OverviewPageTest, GaugesShowTheSample) {
+TEST_F(OverviewPageTest, EveryBlockShowsItsPartOfTheSample) {
+    machine.metrics->disk = {200.0, 50.0};
+    recommendations = {recommend("Busy", Recommendation::Severity::caution),
+                       recommend("Full", Recommendation::Severity::urgent)};
+    insights = {{UUID::random(), "Peak CPU", "97%", "Average 40% across this session."}};
     showWithSample();
-    const GaugeCard& cpu = named<GaugeCard>("CPU Load");
-    EXPECT_EQ(cpu.value(), 40.0);
-    EXPECT_EQ(cpu.accessibleValue(), u"40%, Normal, 40% normalized across cores"_s);
-    const GaugeCard& memory = named<GaugeCard>("Memory Pressure");
-    EXPECT_EQ(memory.value(), 59.4);
-    EXPECT_EQ(memory.accessibleValue(), u"59%, Normal, 9.5 GB used of 16.0 GB"_s);
-    EXPECT_EQ(named<MetricCard>("Free / Reclaimable").accessibleValue(),
-              u"6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB"_s);
-}
-
-TEST_F(OverviewPageTest, GaugesAreToldFromOutsideAsOnePart) {
-    showWithSample();
-    const QWidget* gauges = visible("overview.gauges");
-    ASSERT_NE(gauges, nullptr);
-    EXPECT_TRUE(gauges->isAncestorOf(&named<GaugeCard>("CPU Load")));
-    EXPECT_TRUE(gauges->isAncestorOf(&named<GaugeCard>("Memory Pressure")));
-    EXPECT_TRUE(gauges->isAncestorOf(&named<MetricCard>("Free / Reclaimable")));
-    EXPECT_NE(gauges->accessibleName(), visible("overview.system-gauges")->accessibleName());
-}
-
-TEST_F(OverviewPageTest, TimelineGivesNowPeakAverageAndThreshold) {
-    showWithSample();
-    machine.metrics->processes[0].cpu = 250.0;
-    machine.metrics->memory.pressure = 30.0;
-    tick();
-    machine.metrics->processes[0].cpu = 50.0;
-    machine.metrics->memory.pressure = 44.6;
-    tick();
-    EXPECT_EQ(figureBelow("CPU now"), u"20%"_s);
-    EXPECT_EQ(figureBelow("Memory now"), u"45%"_s);
-    EXPECT_EQ(figureBelow("CPU peak"), u"70%"_s);
-    EXPECT_EQ(figureBelow("Memory peak"), u"59%"_s);
-    EXPECT_THAT(texts(), Contains("Avg 43% · Warn 82%"));
-    EXPECT_THAT(texts(), Contains("Current session · last 12 seconds · updates every 4 seconds"));
+    machine.monitor().log().recordEvent(ActivityKind::warning, "Load is high");
+    settle();
+    EXPECT_EQ(OverviewFixture::texts("overview.recommendations").front(), "Full")
+        << "the most severe leads";
+    EXPECT_THAT(texts(), Contains("Busy in detail"));
+    EXPECT_EQ(named<GaugeCard>("CPU Load").value(), 40.0);
+    EXPECT_EQ(named<GaugeCard>("Memory Pressure").value(), 59.4);
     EXPECT_EQ(window().findChild<StableLineGraph*>()->accessibleValue(),
-              u"CPU 20 percent, Memory 45 percent"_s);
-}
-
-TEST_F(OverviewPageTest, TopAppMemoryListsTheLargestGroups) {
-    showWithSample();
-    const BarList& bars = named<BarList>("Resident memory by app group");
-    ASSERT_THAT(bars.rows(), SizeIs(2));
-    EXPECT_EQ(bars.rows()[0].label, u"photo-indexer"_s);
-    EXPECT_EQ(bars.rows()[0].valueText, u"2.0 GB"_s);
-    EXPECT_EQ(bars.rows()[0].fraction, 1.0);
-    EXPECT_EQ(bars.rows()[1].label, u"editor"_s);
-    EXPECT_EQ(bars.rows()[1].fraction, 0.5);
-    EXPECT_THAT(texts(), Contains("Largest app groups by resident memory right now"));
-    EXPECT_THAT(texts(), Not(Contains("Collecting app impact samples…")));
+              u"CPU 40 percent, Memory 59 percent"_s);
+    EXPECT_THAT(texts(), Contains("Avg 40% · Warn 82%"));
+    EXPECT_EQ(named<BarList>("Resident memory by app group").rows().front().label,
+              u"photo-indexer"_s);
+    EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
+    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(), HasSubstr("~/.cache"));
+    EXPECT_THAT(texts(), Contains("System Looks Stable"));
+    EXPECT_THAT(OverviewFixture::texts("overview.recent-activity"), Contains("Load is high"));
+    EXPECT_THAT(cards("overview.session-summary"), Contains(HasSubstr("1 warnings")));
+    EXPECT_THAT(cards("overview.session-insights"),
+                ElementsAre("Peak CPU: 97%, Average 40% across this session."));
 }
 
 TEST_F(OverviewPageTest, TopAppMemoryHasABarForEveryGroup) {
@@ -141,22 +156,23 @@ TEST_F(OverviewPageTest, TopAppMemoryHasABarForEveryGroup) {
     EXPECT_EQ(bars.rows()[0].label, u"app-11"_s);
 }
 
-TEST_F(OverviewPageTest, ASampleWithoutGroupsSaysThatItCollects) {
-    showWithSample();
-    machine.metrics->processes.clear();
-    tick();
-    EXPECT_THAT(named<BarList>("Resident memory by app group").rows(), IsEmpty());
-    EXPECT_THAT(texts(), Contains("Collecting app impact samples…"));
-}
-
-TEST_F(OverviewPageTest, FiguresThatCannotBeReadAreZeroAndNotNonsense) {
-    machine.metrics->processes.clear();
-    machine.metrics->memory = {};
-    showWithSample();
-    EXPECT_EQ(named<GaugeCard>("CPU Load").accessibleValue(),
-              u"0%, Normal, 0% normalized across cores"_s);
-    EXPECT_EQ(named<GaugeCard>("Memory Pressure").accessibleValue(),
-              u"0%, Normal, 0.0 GB used of 0.0 GB"_s);
+TEST_F(OverviewPageTest, TheFirstPaintingAlreadyHasEveryCardInItsRoom) {
+    insights = {
+        {UUID::random(), "Peak CPU", "97%", "Average"},
+        {UUID::random(), "Peak Memory", "80%", "Average"},
+        {UUID::random(), "Recurring Top App", "editor", "Led", SessionInsight::Kind::topApp},
+        {UUID::random(), "Remote Watch", "server", "Highest"}};
+    window().resize(900, 600);
+    show();
+    machine.workQueue.run();
+    // The turn of the main thread in which the sample lands, and nothing of Qt's loop after it.
+    machine.mainQueue.drain();
+    for (const SummaryCard* card :
+         visible("overview.session-insights")->findChildren<SummaryCard*>()) {
+        if (card->isVisible()) {
+            EXPECT_GE(card->height(), card->layout()->totalHeightForWidth(card->width()));
+        }
+    }
 }
 
 /// Counts the layouts that any widget asks for.
@@ -172,10 +188,8 @@ public:
 
 TEST_F(OverviewPageTest, NewFiguresOfAsManyDigitsLayNothingOutAnew) {
     machine.store.write(settings_keys::thresholdKey, 95.0);
-    machine.extensions.background.buildRecommendations = [](const auto&, double, double, double) {
-        return std::vector<Recommendation>{{UUID::random(), "Memory pressure is rising",
-                                            "Look at it", Recommendation::Severity::caution, 800}};
-    };
+    machine.recommendations = {{UUID::random(), "Memory pressure is rising", "Look at it",
+                                Recommendation::Severity::caution, 800}};
     showWithSample();
     // What showing the page asked for is to be behind it, and the seconds that an application led
     // are to have their second digit.
@@ -194,6 +208,204 @@ TEST_F(OverviewPageTest, NewFiguresOfAsManyDigitsLayNothingOutAnew) {
         ->setText(u"An outcome of other words"_s);
     settle();
     EXPECT_GT(layouts.count, 0) << "the count is alive";
+}
+
+// What can be done -------------------------------------------------------------------------------
+
+TEST_F(OverviewPageTest, ReviewSelectsTheProcessAndGoesToProcesses) {
+    recommendations = {recommend("Memory", Recommendation::Severity::urgent, 700),
+                       recommend("CPU", Recommendation::Severity::caution, 800),
+                       recommend("Gone", Recommendation::Severity::caution, 999)};
+    showWithSample();
+    EXPECT_EQ(visible("overview.recommendation-3.review"), nullptr);
+    click("overview.recommendation-2.review");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(route(), AppRoute::load);
+    goTo(AppRoute::overview);
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(selectedPID(), 700);
+    EXPECT_EQ(route(), AppRoute::load);
+}
+
+TEST_F(OverviewPageTest, TheTopOffenderCanBeReviewed) {
+    showWithSample();
+    EXPECT_EQ(visible("overview.review-top-offender"), nullptr) << "nothing offends";
+    machine.metrics->memory.pressure = 82.0;
+    tick();
+    window().state().navigation.setProcessFilter("editor");
+    click("overview.review-top-offender");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_EQ(window().state().navigation.processFilter(), "");
+    EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
+}
+
+TEST_F(OverviewPageTest, ItsButtonsLeadToOtherRoutes) {
+    machine.metrics->memory.pressure = 82.0;
+    showWithSample();
+    click("overview.review-cleanup-options");
+    EXPECT_EQ(route(), AppRoute::optimize);
+    goTo(AppRoute::overview);
+    click("overview.open-history");
+    EXPECT_EQ(route(), AppRoute::history);
+}
+
+// Sections ---------------------------------------------------------------------------------------
+
+TEST_F(OverviewPageTest, StandInTheirOrder) {
+    window().resize(900, 600);
+    showWithSample();
+    EXPECT_EQ(order(),
+              "section.recommendations section.gauges section.recentLoad section.appImpact "
+              "section.autoRules section.heavyProcesses section.activityLog section.dailySummary "
+              "section.sessionInsights");
+    EXPECT_TRUE(allAreCollapsed(false));
+}
+
+TEST_F(OverviewPageTest, AClickOnTheHeaderClosesAndOpens) {
+    showWithSample();
+    ASSERT_NE(visible("overview.gauges"), nullptr);
+    click("section.gauges");
+    EXPECT_EQ(visible("overview.gauges"), nullptr);
+    EXPECT_THAT(stored(), ElementsAre("gauges"));
+    EXPECT_EQ(visible("overview.system-gauges")->height(), header("section.gauges")->height());
+    click("section.gauges");
+    EXPECT_NE(visible("overview.gauges"), nullptr);
+    EXPECT_THAT(stored(), IsEmpty());
+}
+
+TEST_F(OverviewPageTest, KeysCloseAndOpenAndTheFocusStays) {
+    showWithSample();
+    header("section.recentLoad")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Left);
+    EXPECT_THAT(stored(), ElementsAre("recentLoad"));
+    press(Qt::Key_Right);
+    EXPECT_THAT(stored(), IsEmpty());
+    press(Qt::Key_Return);
+    EXPECT_THAT(stored(), ElementsAre("recentLoad"));
+    press(Qt::Key_Space);
+    EXPECT_THAT(stored(), IsEmpty());
+    EXPECT_EQ(QApplication::focusWidget(), header("section.recentLoad"));
+}
+
+TEST_F(OverviewPageTest, AnotherWindowOverTheSameStoreStartsAsTheFirstWasLeft) {
+    machine.store.write(settings_keys::collapsedSectionsKey,
+                        SettingsTextList{"gauges", "noSuchSection", "recommendations"});
+    showWithSample();
+    EXPECT_TRUE(block(DashboardSection::gauges)->isCollapsed());
+    EXPECT_TRUE(block(DashboardSection::recommendations)->isCollapsed());
+    EXPECT_FALSE(block(DashboardSection::recentLoad)->isCollapsed());
+    click("section.recentLoad");
+    DashboardWindow second(machine.monitor(), machine.mainQueue);
+    second.show();
+    settle();
+    const auto* timeline = second.findChild<OverviewBlock*>(u"overview.timeline"_s);
+    ASSERT_NE(timeline, nullptr);
+    EXPECT_TRUE(timeline->isCollapsed());
+}
+
+TEST_F(OverviewPageTest, TheCommandsCloseAndOpenAll) {
+    showWithSample();
+    choose("menubar.collapse-sections");
+    EXPECT_TRUE(allAreCollapsed(true));
+    EXPECT_EQ(lastAction(), "Collapsed all dashboard sections.");
+    choose("menubar.expand-sections");
+    EXPECT_TRUE(allAreCollapsed(false));
+    EXPECT_EQ(lastAction(), "Expanded all dashboard sections.");
+    EXPECT_THAT(stored(), IsEmpty());
+}
+
+TEST_F(OverviewPageTest, AClosedSectionDoesNoWorkAndCatchesUpWhenItOpens) {
+    const auto textsWithin = [this](const char* identifier) {
+        std::vector<std::string> found;
+        const auto* section = window().findChild<OverviewBlock*>(QString::fromLatin1(identifier));
+        for (const ElidedLabel* label : section->body()->findChildren<ElidedLabel*>()) {
+            found.push_back(label->text().toStdString());
+        }
+        for (const BarList* bars : section->body()->findChildren<BarList*>()) {
+            found.push_back(bars->accessibleValue().toStdString());
+        }
+        for (const GaugeCard* gauge : section->body()->findChildren<GaugeCard*>()) {
+            found.push_back(gauge->accessibleValue().toStdString());
+        }
+        for (const SummaryCard* card : section->body()->findChildren<SummaryCard*>()) {
+            found.push_back(card->accessibleValue().toStdString());
+        }
+        return found;
+    };
+    showWithSample();
+    window().state().sections.collapseAll();
+    settle();
+    std::map<std::string, std::vector<std::string>> before;
+    for (const OverviewBlock* each : window().findChildren<OverviewBlock*>()) {
+        const std::string identifier = each->objectName().toStdString();
+        before[identifier] = textsWithin(identifier.c_str());
+    }
+    ASSERT_THAT(before, SizeIs(9));
+    machine.metrics->processes[0].cpu = 250.0;
+    machine.metrics->memory.pressure = 90.0;
+    machine.metrics->disk = {200.0, 10.0};
+    machine.addProcess(900, "/usr/bin/newcomer", 5.0, 4096.0);
+    recommendations = {recommend("Busy", Recommendation::Severity::caution)};
+    insights = {{UUID::random(), "Peak CPU", "97%", "Average 40% across this session."}};
+    tick();
+    for (const auto& [identifier, found] : before) {
+        EXPECT_EQ(textsWithin(identifier.c_str()), found) << identifier;
+    }
+    window().state().sections.expandAll();
+    settle();
+    for (const auto& [identifier, found] : before) {
+        EXPECT_NE(textsWithin(identifier.c_str()), found) << identifier;
+    }
+}
+
+TEST_F(OverviewPageTest, WithAllClosedASamplePaintsOnlyWhatShows) {
+    showWithSample();
+    window().state().sections.collapseAll();
+    settle();
+    tick();
+    PaintCount all(window());
+    std::vector<std::unique_ptr<PaintCount>> bodies;
+    for (const SectionCard* section : window().findChildren<SectionCard*>()) {
+        bodies.push_back(std::make_unique<PaintCount>(*section->body()));
+    }
+    const auto takeInBodies = [&bodies] {
+        int sum = 0;
+        for (const auto& each : bodies) {
+            sum += each->take();
+        }
+        return sum;
+    };
+    machine.metrics->processes[0].cpu = 250.0;
+    machine.metrics->memory.pressure = 90.0;
+    tick();
+    EXPECT_EQ(takeInBodies(), 0);
+    EXPECT_GT(all.take(), 0) << "the captions that show go on";
+    click("section.gauges");
+    EXPECT_GT(takeInBodies(), 0) << "the count is alive";
+}
+
+TEST_F(OverviewPageTest, AssistiveTechnologyMayCountThroughAPageThatIsGoingAway) {
+    showWithSample();
+    auto* area = window().findChild<QScrollArea*>();
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(area);
+    ASSERT_NE(spoken, nullptr);
+    const int children = spoken->childCount();
+    ASSERT_GT(children, 0);
+    goTo(AppRoute::optimize);
+    for (int index = -1; index <= children + 1; ++index) {
+        QAccessibleInterface* child = spoken->child(index);
+        EXPECT_EQ(child != nullptr, index >= 0 && index < spoken->childCount()) << index;
+    }
+}
+
+TEST_F(OverviewPageTest, ClosingASectionLeavesItsHeaderWhereItIs) {
+    window().resize(900, 600);
+    showWithSample();
+    header("section.recentLoad")->setFocus(Qt::TabFocusReason);
+    const QPoint before = header("section.recentLoad")->mapTo(&window(), QPoint());
+    press(Qt::Key_Left);
+    EXPECT_EQ(header("section.recentLoad")->mapTo(&window(), QPoint()), before);
 }
 
 }  // namespace

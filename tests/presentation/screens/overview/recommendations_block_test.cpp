@@ -1,8 +1,9 @@
 #include "presentation/screens/overview/recommendations_block.h"
 
-#include "presentation/screens/overview/kept_room.h"
+#include <QSignalSpy>
+
 #include "presentation/screens/overview/recommendation_row.h"
-#include "tests/presentation/screens/overview/blocks_fixture.h"
+#include "tests/presentation/screens/overview/block_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,133 +16,147 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-TEST_F(OverviewBlocksTest, RecommendationsWaitForTheFirstSample) {
-    show();
-    EXPECT_THAT(
-        texts("overview.recommendations"),
-        ElementsAre("Sampling this Mac...", "The first recommendation follows the first sample."));
+class RecommendationsBlockTest : public OverviewBlockTest {
+protected:
+    static RecommendationLine line(const char* title, Severity severity,
+                                   std::optional<std::int64_t> pid = std::nullopt) {
+        return {severity, QString::fromUtf8(title), QString::fromUtf8(title) + u" in detail"_s,
+                pid};
+    }
+
+    /// A sample with the lines of `lines`.
+    void tick() {
+        block.show(lines, sample().sampledAt);
+        settle();
+    }
+
+    std::vector<std::string> texts() { return OverviewBlockTest::texts(*block.body()); }
+    int height() { return heightOf(block); }
+
+    std::vector<RecommendationLine> lines;
+    RecommendationsBlock& block = place(new RecommendationsBlock);
+};
+
+TEST_F(RecommendationsBlockTest, WaitsForTheFirstSample) {
+    block.show({}, std::nullopt);
+    EXPECT_THAT(texts(), ElementsAre("Sampling this Mac...",
+                                     "The first recommendation follows the first sample."));
 }
 
-TEST_F(OverviewBlocksTest, WithoutARecommendationTheBlockSaysWhatToDo) {
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"),
+TEST_F(RecommendationsBlockTest, WithoutARecommendationItSaysWhatToDo) {
+    tick();
+    EXPECT_THAT(texts(),
                 ElementsAre("No recommendation for this sample", "Refresh takes a new one."));
 }
 
-TEST_F(OverviewBlocksTest, AHealthyMachineHasItsWordAndNoButton) {
-    recommendations = {recommend("This Mac looks healthy", Severity::info)};
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"),
+TEST_F(RecommendationsBlockTest, AHealthyMachineHasItsWordAndNoButton) {
+    lines = {line("This Mac looks healthy", Severity::info)};
+    tick();
+    EXPECT_THAT(texts(),
                 ElementsAre("This Mac looks healthy", "Info", "This Mac looks healthy in detail"));
     EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
 }
 
-TEST_F(OverviewBlocksTest, TheMostSevereRecommendationLeads) {
-    recommendations = {recommend("Busy", Severity::caution), recommend("Full", Severity::urgent),
-                       recommend("Odd", Severity::caution)};
-    showWithSample();
-    const std::vector<std::string> shown = texts("overview.recommendations");
-    EXPECT_EQ(shown.at(0), "Full");
-    EXPECT_EQ(shown.at(1), "Urgent");
-    EXPECT_THAT(shown, AllOf(Contains("Busy"), Contains("Odd"), Contains("Odd in detail")));
+TEST_F(RecommendationsBlockTest, TheFirstLineLeads) {
+    lines = {line("Full", Severity::urgent), line("Busy", Severity::caution),
+             line("Odd", Severity::caution)};
+    tick();
+    EXPECT_EQ(texts().at(0), "Full");
+    EXPECT_EQ(texts().at(1), "Urgent");
+    EXPECT_THAT(texts(), AllOf(Contains("Busy"), Contains("Odd"), Contains("Odd in detail")));
 }
 
-TEST_F(OverviewBlocksTest, ReviewSelectsTheProcessAndGoesToProcesses) {
-    recommendations = {recommend("Memory", Severity::urgent, 700),
-                       recommend("CPU", Severity::caution, 800)};
-    showWithSample();
+TEST_F(RecommendationsBlockTest, ReviewAsksForTheProcessOfItsRow) {
+    const QSignalSpy asked(&block, &RecommendationsBlock::reviewWanted);
+    lines = {line("Memory", Severity::urgent, 700), line("CPU", Severity::caution, 800)};
+    tick();
     click("overview.recommendation-2.review");
-    EXPECT_EQ(selectedPID(), 800);
-    EXPECT_EQ(route(), AppRoute::load);
-    goTo(AppRoute::overview);
     click("overview.recommendation-1.review");
-    EXPECT_EQ(selectedPID(), 700);
-    EXPECT_EQ(route(), AppRoute::load);
+    EXPECT_EQ(asked, (QList<QVariantList>{{qlonglong(800)}, {qlonglong(700)}}));
 }
 
-TEST_F(OverviewBlocksTest, AProcessThatIsGoneCannotBeReviewed) {
-    recommendations = {recommend("Memory", Severity::urgent, 700)};
-    showWithSample();
+TEST_F(RecommendationsBlockTest, AProcessThatIsGoneCannotBeReviewed) {
+    lines = {line("Memory", Severity::urgent, 700)};
+    tick();
     ASSERT_NE(visible("overview.recommendation-1.review"), nullptr);
-    std::erase_if(machine.metrics->processes, [](const auto& row) { return row.pid == 700; });
+    lines.front().reviewPID.reset();
     tick();
     EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
 }
 
-TEST_F(OverviewBlocksTest, RecommendationsChangePlacesInTheirRows) {
-    recommendations = {recommend("A", Severity::urgent), recommend("B", Severity::caution),
-                       recommend("C", Severity::caution)};
-    showWithSample();
-    const int before = heightOf("overview.recommendations");
-    const auto rows = visible("overview.recommendations")->findChildren<RecommendationRow*>();
-    std::reverse(recommendations.begin(), recommendations.end());
-    recommendations.front().severity = Severity::urgent;
+TEST_F(RecommendationsBlockTest, RecommendationsChangePlacesInTheirRows) {
+    lines = {line("A", Severity::urgent), line("B", Severity::caution),
+             line("C", Severity::caution)};
     tick();
-    EXPECT_EQ(texts("overview.recommendations").front(), "C");
-    EXPECT_EQ(heightOf("overview.recommendations"), before);
-    EXPECT_EQ(visible("overview.recommendations")->findChildren<RecommendationRow*>(), rows);
+    const int before = height();
+    const auto rows = block.findChildren<RecommendationRow*>();
+    std::reverse(lines.begin(), lines.end());
+    tick();
+    EXPECT_EQ(texts().front(), "C");
+    EXPECT_EQ(height(), before);
+    EXPECT_EQ(block.findChildren<RecommendationRow*>(), rows);
 }
 
-TEST_F(OverviewBlocksTest, RoomIsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
-    recommendations = {recommend("A", Severity::info)};
-    showWithSample();
-    const int calm = heightOf("overview.recommendations");
-    recommendations = {recommend("A", Severity::urgent), recommend("B", Severity::caution),
-                       recommend("C", Severity::caution)};
+TEST_F(RecommendationsBlockTest, RoomIsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
+    lines = {line("A", Severity::info)};
     tick();
-    const int troubled = heightOf("overview.recommendations");
+    const int calm = height();
+    lines = {line("A", Severity::urgent), line("B", Severity::caution),
+             line("C", Severity::caution)};
+    tick();
+    const int troubled = height();
     EXPECT_GT(troubled, calm);
-    recommendations = {recommend("A", Severity::info)};
+    lines = {line("A", Severity::info)};
     tick();
-    EXPECT_EQ(heightOf("overview.recommendations"), troubled);
-    EXPECT_THAT(texts("overview.recommendations"), Not(Contains("B")));
+    EXPECT_EQ(height(), troubled);
+    EXPECT_THAT(texts(), Not(Contains("B")));
     for (int samples = 1; samples < KeptRoom::patience; ++samples) {
         // What is no sample does not count.
-        machine.monitor().log().setLastAction("Something");
-        machine.monitor().log().setLastAction("Something else");
-        settle();
-        EXPECT_EQ(heightOf("overview.recommendations"), troubled);
+        block.show(lines, snapshot->sampledAt);
+        block.show(lines, snapshot->sampledAt);
+        EXPECT_EQ(height(), troubled);
         tick();
     }
-    EXPECT_EQ(heightOf("overview.recommendations"), calm);
+    EXPECT_EQ(height(), calm);
 }
 
-TEST_F(OverviewBlocksTest, MoreThanFiveAreLeftOut) {
+TEST_F(RecommendationsBlockTest, MoreThanFiveAreLeftOut) {
     for (const char* title : {"A", "B", "C", "D", "E", "F"}) {
-        recommendations.push_back(recommend(title, Severity::caution));
+        lines.push_back(line(title, Severity::caution));
     }
-    showWithSample();
-    EXPECT_THAT(texts("overview.recommendations"), AllOf(Contains("E"), Not(Contains("F"))));
+    tick();
+    EXPECT_THAT(texts(), AllOf(Contains("E"), Not(Contains("F"))));
 }
 
-TEST_F(OverviewBlocksTest, ClosedRecommendationsStillTellWhatMattersMost) {
-    recommendations = {recommend("Busy", Severity::caution), recommend("Full", Severity::urgent)};
-    showWithSample();
-    const auto* header = visible<SectionHeader>("section.recommendations");
+TEST_F(RecommendationsBlockTest, ClosedItStillTellsWhatMattersMost) {
+    lines = {line("Full", Severity::urgent), line("Busy", Severity::caution)};
+    tick();
+    const SectionHeader* header = block.header();
     EXPECT_EQ(header->note(), QString());
-    click("section.recommendations");
+    block.setCollapsed(true);
+    tick();
     EXPECT_EQ(header->note(), u"Urgent · Full · 1 more"_s);
     EXPECT_TRUE(header->accessibleDescription().startsWith(header->note()));
-    recommendations = {recommend("Fine", Severity::info)};
+    lines = {line("Fine", Severity::info)};
     tick();
     EXPECT_EQ(header->note(), u"Info · Fine"_s);
 }
 
-TEST_F(OverviewBlocksTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinute) {
+TEST_F(RecommendationsBlockTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinute) {
     const auto leadHeight = [this] {
-        return visible("overview.recommendations")->findChild<RecommendationRow*>()->height();
+        settle();
+        return block.findChild<RecommendationRow*>()->height();
     };
-    const std::string longDetail(150, 'a');
-    recommendations = {recommend("A", Severity::info)};
-    window().resize(1080, 700);
-    showWithSample();
+    lines = {line("A", Severity::info)};
+    page.resize(860, 700);
+    tick();
     tick();
     const int oneLine = leadHeight();
-    recommendations.front().detail = "Many words. " + longDetail + " And more.";
+    lines.front().detail = u"Many words. "_s + QString(150, u'a') + u" And more."_s;
     tick();
     const int more = leadHeight();
     EXPECT_GT(more, oneLine);
-    recommendations.front().detail = "Few words.";
+    lines.front().detail = u"Few words."_s;
     for (int samples = 0; samples < KeptRoom::patience; ++samples) {
         tick();
         EXPECT_EQ(leadHeight(), more) << samples;
@@ -150,21 +165,19 @@ TEST_F(OverviewBlocksTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinute) {
     EXPECT_EQ(leadHeight(), oneLine);
 }
 
-TEST_F(OverviewBlocksTest, RowsHaveRoomBetweenTheirButtonsAtEveryWidth) {
-    recommendations = {recommend("A", Severity::caution, 700),
-                       recommend("B", Severity::caution, 800),
-                       recommend("C", Severity::caution, 700)};
-    showWithSample();
-    for (const int width : {640, 900, 1080, 1600, 900}) {
-        window().resize(width, 700);
+TEST_F(RecommendationsBlockTest, RowsHaveRoomBetweenTheirButtonsAtEveryWidth) {
+    lines = {line("A", Severity::caution, 700), line("B", Severity::caution, 800),
+             line("C", Severity::caution, 700)};
+    tick();
+    for (const int width : {420, 680, 860, 1380, 680}) {
+        page.resize(width, 700);
         settle();
-        const QWidget* block = visible("overview.recommendations");
         const QWidget* second = visible("overview.recommendation-2.review");
         const QWidget* third = visible("overview.recommendation-3.review");
-        const int below = second->mapTo(block, QPoint(0, second->height())).y();
-        EXPECT_GE(third->mapTo(block, QPoint()).y() - below, spacing::unit) << width;
-        EXPECT_LE(third->mapTo(block, QPoint(0, third->height())).y(),
-                  block->height() - spacing::cardPadding)
+        const int below = second->mapTo(&block, QPoint(0, second->height())).y();
+        EXPECT_GE(third->mapTo(&block, QPoint()).y() - below, spacing::unit) << width;
+        EXPECT_LE(third->mapTo(&block, QPoint(0, third->height())).y(),
+                  block.height() - spacing::cardPadding)
             << width;
     }
 }

@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 

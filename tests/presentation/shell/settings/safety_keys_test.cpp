@@ -1,7 +1,7 @@
 #include <QPushButton>
 #include <gmock/gmock.h>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "presentation/shell/settings/safety_tab.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 

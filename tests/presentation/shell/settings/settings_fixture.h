@@ -11,7 +11,7 @@ namespace tallowcrest {
 /// A window, and its settings sheet.
 class SettingsFixture : public WindowFixture {
 protected:
-    Navigation& navigation() { return machine.monitor().navigation(); }
+    Navigation& navigation() { return window().state().navigation; }
     const Settings& settings() { return machine.monitor().settings(); }
 
     bool isOpen() {

@@ -1,7 +1,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "core/settings_keys.h"
+#include "core/settings/settings_keys.h"
 #include "presentation/shell/settings/safety_tab.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/step_slider.h"
@@ -56,7 +56,7 @@ TEST_F(SettingsTabsTest, RemoteShowsTheUserAndTheKey) {
 }
 
 TEST_F(SettingsTabsTest, RemoteShowsAFoundKey) {
-    machine.extensions.hasLocalPublicKey = [] { return true; };
+    machine.findings.localPublicKeyFound = true;
     openSheet("Remote");
     EXPECT_EQ(textOf("settings.public-key-status"), u"Local SSH public key found."_s);
 }
@@ -136,10 +136,10 @@ TEST_F(SettingsTabsTest, LocalMacSetsNotificationsAndSections) {
     EXPECT_EQ(visible<QPushButton>("settings.collapse-sections")->text(),
               u"Collapse All Sections"_s);
     click("settings.collapse-sections");
-    EXPECT_TRUE(machine.monitor().sections().isCollapsed(DashboardSection::autoRules));
+    EXPECT_TRUE(window().state().sections.isCollapsed(DashboardSection::autoRules));
     EXPECT_EQ(visible<QPushButton>("settings.expand-sections")->text(), u"Expand All Sections"_s);
     click("settings.expand-sections");
-    EXPECT_FALSE(machine.monitor().sections().isCollapsed(DashboardSection::autoRules));
+    EXPECT_FALSE(window().state().sections.isCollapsed(DashboardSection::autoRules));
     EXPECT_EQ(lastAction(), "Expanded all dashboard sections.");
 }
 
@@ -251,7 +251,7 @@ TEST_F(SettingsTabsTest, ALimitThatLiesOffItsScaleIsToldAsItIs) {
 
 TEST_F(SettingsTabsTest, AChangeFromElsewhereMovesTheSlider) {
     openSheet("Automation");
-    machine.monitor().limits().setWarningThreshold(90.0);
+    machine.monitor().settingsOwner().set(&Settings::warningThreshold, 90.0);
     settle();
     EXPECT_EQ(valueOf("settings.warning-threshold"), u"90%"_s);
     EXPECT_EQ(slider("settings.warning-threshold").value(), 25);

@@ -1,0 +1,20 @@
+#include "actions/actions.h"
+
+#include <utility>
+
+#include "core/activity_log.h"
+#include "core/jobs/jobs.h"
+
+namespace tallowcrest {
+
+Actions::Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,
+                 std::function<void()> refresh, ActionPorts ports)
+    : confirmations(services.log, services.jobs.mainQueue()),
+      review(services, sample, protection),
+      local({services, sample, review, confirmations, protection, std::move(refresh),
+             std::move(ports.local)}),
+      automation(services),
+      applications(services.log, std::move(ports.openActivityMonitor)),
+      pasteboard(services.log, std::move(ports.storeOnPasteboard)) {}
+
+}  // namespace tallowcrest

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include "actions/action_ports.h"
+#include "actions/automation.h"
+#include "actions/confirmation_desk.h"
+#include "actions/external_applications.h"
+#include "actions/local_actions.h"
+#include "actions/pasteboard.h"
+#include "actions/review_target.h"
+#include "core/services.h"
+
+namespace tallowcrest {
+
+/// What the owner can do on this machine. Main thread.
+struct Actions {
+    /// `refresh` takes a new sample. The references must outlive the object.
+    Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,
+            std::function<void()> refresh, ActionPorts ports);
+
+    ConfirmationDesk confirmations;
+    ReviewTarget review;
+    LocalActions local;
+    Automation automation;
+    ExternalApplications applications;
+    Pasteboard pasteboard;
+};
+
+}  // namespace tallowcrest

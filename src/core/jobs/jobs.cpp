@@ -1,0 +1,59 @@
+#include "core/jobs/jobs.h"
+
+namespace tallowcrest {
+
+DiskChanges::Change::~Change() {
+    if (owner_ == nullptr) {
+        return;
+    }
+    const std::lock_guard guard(owner_->lock_);
+    --owner_->underWay_;
+    owner_->changeEnded_.notify_all();
+}
+
+std::optional<DiskChanges::Change> DiskChanges::begin() {
+    const std::lock_guard guard(lock_);
+    if (isFinishing_) {
+        return std::nullopt;
+    }
+    ++underWay_;
+    return Change(*this);
+}
+
+void DiskChanges::finish() {
+    std::unique_lock guard(lock_);
+    isFinishing_ = true;
+    changeEnded_.wait(guard, [this] { return underWay_ == 0; });
+}
+
+void Jobs::stopAll() {
+    stopAll_.request_stop();
+    changes_.finish();
+}
+
+JobScope::JobScope(Jobs& jobs)
+    : jobs_(jobs),
+      alive_(std::make_shared<Alive>()),
+      stopWithAll_(jobs.stopAll_.get_token(), [stop = stop_]() mutable { stop.request_stop(); }) {}
+
+JobScope::~JobScope() {
+    stop_.request_stop();
+}
+
+void JobScope::post(Lane lane, Task job) {
+    jobs_.workQueue_.post(lane, [job = std::move(job), token = stop_.get_token()]() mutable {
+        if (!token.stop_requested()) {
+            job();
+        }
+    });
+}
+
+void JobScope::postToMain(Task work) {
+    jobs_.mainQueue_.post([alive = std::weak_ptr(alive_), work = std::move(work)]() mutable {
+        if (!alive.expired()) {
+            work();
+        }
+    });
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "core/observable.h"
+#include "core/record_json.h"
+#include "core/settings/settings.h"
+#include "core/settings/settings_store.h"
+#include "core/settings/stored_lists.h"
+
+namespace tallowcrest {
+
+/// The one owner of everything that survives a restart: nobody else reads or writes the store.
+/// Main thread.
+class SettingsOwner {
+public:
+    /// Reads every value once. A key that is absent, of another kind, out of range or undecodable
+    /// leaves its default, and nothing is written back. `loginName` stands in for a missing SSH
+    /// user name. The references must outlive the object.
+    SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::string loginName);
+    SettingsOwner(const SettingsOwner&) = delete;
+    SettingsOwner& operator=(const SettingsOwner&) = delete;
+
+    const Settings& values() const { return values_; }
+
+    /// Sets a field, for example `set(&Settings::warningThreshold, 90.0)`, by its rules, and stores
+    /// it at once. What has its value already, and is stored so, is left alone.
+    template <class Value>
+    void set(Value Settings::*field, std::type_identity_t<Value> value) {
+        const settings_keys::Declared<Value>& declaration = settings_keys::declared(field);
+        if (declaration.adjust != nullptr) {
+            value = declaration.adjust(std::move(value));
+        }
+        SettingsValue stored = storedForm(value);
+        const bool isHeld = values_.*field == value;
+        if (!isHeld) {
+            values_.*field = std::move(value);
+            observable_.changed();
+        }
+        if (!isHeld || store_.read(declaration.key) != stored) {
+            store_.write(declaration.key, std::move(stored));
+        }
+    }
+
+    /// A stored list; absent when none is stored that can be read.
+    template <class Records>
+    std::optional<Records> load(const stored::List<Records>& list) const {
+        const std::optional<std::string> text = loadText(list.key);
+        std::optional<Records> records = text ? list.decode(*text) : std::nullopt;
+        if (records) {
+            list.trim(*records);
+        }
+        return records;
+    }
+
+    /// Stores a list whole. One that has no JSON form leaves the older one in the store, in
+    /// silence.
+    template <class Records>
+    void save(const stored::List<Records>& list, Records records) {
+        list.trim(records);
+        saveText(list.key, record_json::encode(records));
+    }
+
+    /// The same for a list that is encoded already.
+    template <class Records>
+    void saveEncoded(const stored::List<Records>& list, std::optional<std::string> json) {
+        saveText(list.key, std::move(json));
+    }
+
+    SettingsTable loadRemoteTopApps() const;
+
+    /// Tells of changed values, not of lists.
+    Observable& observable() { return observable_; }
+
+private:
+    template <class Value>
+    static SettingsValue storedForm(const Value& value) {
+        if constexpr (std::is_same_v<Value, TextSet>) {
+            return SettingsTextList(value.begin(), value.end());
+        } else if constexpr (std::is_same_v<Value, AIAutonomyMode>) {
+            return std::string(rawValue(value));
+        } else {
+            return value;
+        }
+    }
+
+    template <class Value>
+    void loadValues();
+    std::optional<std::string> loadText(std::string_view key) const;
+    void saveText(std::string_view key, std::optional<std::string> json);
+
+    SettingsStore& store_;
+    Observable observable_;
+    Settings values_;
+};
+
+/// A list that survives a restart: loaded when it is built, stored whole after each change.
+/// Main thread.
+template <class Records>
+class StoredList {
+public:
+    /// `declaration` is one of those in `stored`. `owner` must outlive the object.
+    StoredList(SettingsOwner& owner, const stored::List<Records>& declaration)
+        : owner_(owner),
+          declaration_(declaration),
+          records_(owner.load(declaration).value_or(Records{})) {}
+
+    const Records& operator*() const { return records_; }
+    const Records* operator->() const { return &records_; }
+
+    /// Calls `change(records)` and stores what it left.
+    template <class Change>
+    void change(Change change) {
+        change(records_);
+        owner_.save(declaration_, records_);
+    }
+
+private:
+    SettingsOwner& owner_;
+    const stored::List<Records>& declaration_;
+    Records records_;
+};
+
+}  // namespace tallowcrest

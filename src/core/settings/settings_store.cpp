@@ -1,0 +1,18 @@
+#include "core/settings/settings_store.h"
+
+namespace tallowcrest {
+
+SettingsKind kindOf(const SettingsValue& value) {
+    return static_cast<SettingsKind>(value.index());
+}
+
+std::optional<SettingsValue> MemorySettingsStore::read(std::string_view key) const {
+    const auto found = values_.find(key);
+    return found == values_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void MemorySettingsStore::write(std::string_view key, const SettingsValue& value) {
+    values_.insert_or_assign(std::string(key), value);
+}
+
+}  // namespace tallowcrest

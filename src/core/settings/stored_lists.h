@@ -1,0 +1,100 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/advisor_records.h"
+#include "core/local_records.h"
+#include "core/record_json.h"
+#include "core/remote_records.h"
+#include "core/settings/settings.h"
+
+/// The lists and tables of records that survive a restart. Each is stored as one JSON text, which
+/// is written whole after every change.
+namespace tallowcrest::stored {
+
+/// Which end of a list is dropped when it is longer than what is stored.
+enum class Keep { all, first, last };
+
+template <class Records>
+struct List {
+    std::string_view key;
+    /// Absent for a text that is not such a list.
+    std::optional<Records> (*decode)(std::string_view text);
+    Keep keep = Keep::all;
+    std::size_t most = 0;  ///< of no meaning for `Keep::all`
+
+    /// Drops what is beyond the most that is stored.
+    void trim(Records& records) const {
+        if constexpr (requires { records.front(); }) {
+            const std::size_t excess =
+                keep == Keep::all || records.size() <= most ? 0 : records.size() - most;
+            const auto count = static_cast<std::ptrdiff_t>(excess);
+            if (keep == Keep::first) {
+                records.erase(records.end() - count, records.end());
+            } else {
+                records.erase(records.begin(), records.begin() + count);
+            }
+        }
+    }
+};
+
+/// Newest first.
+inline constexpr List<std::vector<ActivityEvent>> activityLog{
+    settings_keys::activityLogKey, record_json::decodeActivityLog, Keep::first, 80};
+/// Oldest first, as are the next two.
+inline constexpr List<std::vector<HistoryPoint>> history{
+    settings_keys::historyKey, record_json::decodeHistory, Keep::last, 720};
+inline constexpr List<std::vector<RemoteHistoryPoint>> remoteHistory{
+    settings_keys::remoteHistoryKey, record_json::decodeRemoteHistory, Keep::last, 720};
+inline constexpr List<std::vector<AIChatMessage>> chatMessages{
+    settings_keys::aiChatMessagesKey, record_json::decodeChatMessages, Keep::last, 40};
+inline constexpr List<std::vector<AIRuleDraft>> ruleDrafts{settings_keys::aiRuleDraftsKey,
+                                                           record_json::decodeRuleDrafts};
+inline constexpr List<std::map<std::string, RemoteProfile>> remoteProfiles{
+    settings_keys::remoteProfilesKey, record_json::decodeRemoteProfiles};
+inline constexpr List<std::map<std::string, AITrustRecord>> trustRecords{
+    settings_keys::aiTrustRecordsKey, record_json::decodeTrustRecords};
+
+}  // namespace tallowcrest::stored
+
+namespace tallowcrest::settings_keys {
+
+struct Key {
+    std::string_view name;
+    SettingsKind kind;
+};
+
+/// Every key of the store and the kind of its values.
+inline constexpr auto all = [] {
+    std::array<Key, 28> keys{};
+    std::size_t count = 0;
+    const auto add = [&](const auto& declarations, SettingsKind kind) {
+        for (const auto& each : declarations) {
+            keys.at(count++) = {each.key, kind};
+        }
+    };
+    add(flags, SettingsKind::flag);
+    add(numbers, SettingsKind::number);
+    add(texts, SettingsKind::text);
+    add(textSets, SettingsKind::textList);
+    add(autonomyModes, SettingsKind::text);
+    for (const std::string_view key :
+         {stored::activityLog.key, stored::history.key, stored::remoteHistory.key,
+          stored::chatMessages.key, stored::ruleDrafts.key, stored::remoteProfiles.key,
+          stored::trustRecords.key}) {
+        keys.at(count++) = {key, SettingsKind::json};
+    }
+    keys.at(count++) = {remoteTopAppsKey, SettingsKind::table};
+    keys.at(count++) = {storageAnalysisBookmarkKey, SettingsKind::data};
+    return keys;
+}();
+static_assert(!all.back().name.empty());
+
+}  // namespace tallowcrest::settings_keys

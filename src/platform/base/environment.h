@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <mutex>
+#include <string>
+
+namespace tallowcrest {
+
+/// Guards the environment of this process, which has no lock of its own: removing a variable moves
+/// the ones after it. Held while the environment is changed, and while any thread but the main one
+/// reads it, also inside a library. Any thread, for moments only.
+std::mutex& environmentLock();
+
+/// The variables in which a desktop passes an activation token, which allows one window to come to
+/// the front: the current one and the older one. A token is meant for one process only.
+inline constexpr const char* activationTokenVariable = "XDG_ACTIVATION_TOKEN";
+inline constexpr const char* startupIDVariable = "DESKTOP_STARTUP_ID";
+inline constexpr std::array activationVariables{activationTokenVariable, startupIDVariable};
+
+/// The value of a variable; empty when it is not set. Main thread.
+std::string environmentVariable(const char* name);
+
+/// The activation token that this process was started with; empty without one. Main thread.
+std::string startupActivationToken();
+
+}  // namespace tallowcrest

@@ -1,0 +1,102 @@
+#include "presentation/screens/optimize/cleanup_lines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "presentation/words/dashboard_text.h"
+#include "sampling/app_impact.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::cleanup_lines {
+namespace {
+
+using dashboard_text::text;
+
+using dashboard_text::decimal;
+
+QString cpuPercent(double percent) {
+    return decimal(percent, 1) + u'%';
+}
+
+QString wholeMegabytes(double megabytes) {
+    return decimal(megabytes, 0) + u" MB"_s;
+}
+
+}  // namespace
+
+QString heading(std::string_view name) {
+    const QString title = u"Selected Offender"_s;
+    return name.empty() ? title : title + u": "_s + text(name);
+}
+
+QString sentence(const ProcessSample& process, bool isProtected) {
+    // Concatenated, not formatted: a name may contain a placeholder.
+    return text(process.displayName()) + u" is using "_s + cpuPercent(process.cpu) +
+           u" CPU and "_s + wholeMegabytes(process.rssMB) + u" memory. "_s +
+           (isProtected ? u"It is protected from quit actions."_s
+                        : u"Review before quitting; unsaved work may be lost if the "
+                          "app does not exit cleanly."_s);
+}
+
+GroupCard groupCard(const std::optional<std::string>& group, std::span<const AppImpact> groups) {
+    const QString noSummary = u"No group summary"_s;
+    if (!group || group->empty()) {
+        return {noSummary, {}};
+    }
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [&](const AppImpact& each) { return each.name == *group; });
+    if (found == groups.end()) {
+        return {text(*group), noSummary};
+    }
+    const QString count =
+        found->processCount == 1
+            ? u"1 process"_s
+            : decimal(static_cast<double>(found->processCount), 0) + u" processes"_s;
+    return {text(*group), u"%1 · %2 CPU"_s.arg(count, cpuPercent(found->totalCPU))};
+}
+
+QString risk(bool isProtected) {
+    return isProtected ? u"Protected"_s : u"Manual"_s;
+}
+
+std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::string_view group) {
+    const std::vector<ProcessSample>& processes = sample.latestProcesses();
+    std::vector<ProcessSample> members;
+    for (const std::size_t index : sample.impactOrder()) {
+        if (appGroupName(processes[index]) == group) {
+            members.push_back(processes[index]);
+        }
+    }
+    return members;
+}
+
+Offender offender(const ReviewTarget& review, const LatestSample& sample,
+                  const ProtectedAppNames& protectedAppNames) {
+    const auto& snapshot = sample.snapshot();
+    if (!review.selectedPID()) {
+        return {heading({}),
+                snapshot ? u"Select an app or process to see why it matters."_s
+                         : u"Sampling this Mac..."_s,
+                std::nullopt};
+    }
+    const SelectedTargetSummary summary = review.selectedTargetSummary();
+    const ProcessSample* row = review.selectedRow();
+    const std::optional<std::string>& group = review.selectedAppImpactName();
+    Target target{
+        .groupCard = groupCard(group, snapshot ? std::span<const AppImpact>(snapshot->appImpacts)
+                                               : std::span<const AppImpact>()),
+        .risk = risk(summary.isProtected),
+        .group = group,
+        .isNeverQuit = group && protectedAppNames.contains(*group),
+        .helpers = group ? helperProcesses(sample, *group) : std::vector<ProcessSample>(),
+        // Another process may have the PID of the one that was selected.
+        .selectedPID = row != nullptr ? review.selectedPID() : std::nullopt,
+        .protectedAppNames = protectedAppNames};
+    return {heading(summary.title),
+            row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
+            std::move(target)};
+}
+
+}  // namespace tallowcrest::cleanup_lines

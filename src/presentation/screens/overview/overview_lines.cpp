@@ -1,0 +1,168 @@
+#include "presentation/screens/overview/overview_lines.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "actions/app_group.h"
+#include "presentation/words/dashboard_text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+using Severity = Recommendation::Severity;
+
+/// Absent when it has left the table or is protected.
+std::optional<std::int64_t> reviewableTopProcess(const TopOffenderFacts& facts) {
+    const std::optional<std::int64_t> pid = facts.snapshot->appImpacts.front().topPID;
+    const ProcessSample* row = pid ? findProcess(facts.latestProcesses, *pid) : nullptr;
+    const bool isReviewable =
+        row != nullptr && isSafeTarget(*row, facts.settings.protectedAppNames, facts.protection);
+    return isReviewable ? pid : std::nullopt;
+}
+
+}  // namespace
+
+std::vector<RecommendationLine> recommendationLines(
+    const std::vector<Recommendation>& recommendations,
+    const std::vector<ProcessSample>& latestProcesses) {
+    std::vector<RecommendationLine> lines;
+    lines.reserve(recommendations.size());
+    for (const Recommendation& each : recommendations) {
+        lines.push_back(
+            {each.severity, text(each.title), text(each.detail),
+             each.relatedPID && findProcess(latestProcesses, *each.relatedPID) != nullptr
+                 ? each.relatedPID
+                 : std::nullopt});
+    }
+    std::stable_sort(lines.begin(), lines.end(), [](const auto& left, const auto& right) {
+        return left.severity > right.severity;
+    });
+    return lines;
+}
+
+QString recommendationNote(const std::vector<RecommendationLine>& lines) {
+    if (lines.empty()) {
+        return {};
+    }
+    const QString first = severityWord(lines.front().severity) + u" · "_s + lines.front().title;
+    return lines.size() == 1 ? first : first + u" · %1 more"_s.arg(lines.size() - 1);
+}
+
+QString severityWord(Severity severity) {
+    return text(title(severity));
+}
+
+QString severityIcon(Severity severity) {
+    switch (severity) {
+        case Severity::info:
+            return u"checkmark.circle"_s;
+        case Severity::caution:
+            return u"exclamationmark.triangle"_s;
+        case Severity::urgent:
+            return u"exclamationmark.triangle.fill"_s;
+    }
+    return {};
+}
+
+ThemeColor severityColor(Severity severity) {
+    switch (severity) {
+        case Severity::info:
+            return &CrestTheme::good;
+        case Severity::caution:
+            return &CrestTheme::caution;
+        case Severity::urgent:
+            return &CrestTheme::bad;
+    }
+    return &CrestTheme::text;
+}
+
+std::vector<AppMemoryBar> topAppMemory(const std::vector<AppImpact>& groups, std::size_t limit) {
+    std::vector<AppMemoryBar> bars;
+    bars.reserve(groups.size());
+    for (const AppImpact& group : groups) {
+        bars.push_back({group.name, group.totalMemoryMB, 0.0});
+    }
+    std::stable_sort(bars.begin(), bars.end(),
+                     [](const auto& a, const auto& b) { return a.megabytes > b.megabytes; });
+    bars.resize(std::min(bars.size(), limit));
+    const double largest = bars.empty() ? 0.0 : bars.front().megabytes;
+    for (AppMemoryBar& bar : bars) {
+        bar.fraction = largest > 0.0 ? bar.megabytes / largest : 0.0;
+    }
+    return bars;
+}
+
+TopOffender topOffender(const TopOffenderFacts& facts) {
+    if (!facts.snapshot || facts.snapshot->appImpacts.empty()) {
+        return {TopOffender::State::unknown, u"No top offender yet"_s, {}, {}, {}};
+    }
+    const double threshold = facts.settings.warningThreshold;
+    if (threshold <= facts.snapshot->cpuPercent || threshold <= facts.snapshot->memory.pressure) {
+        const QString group = text(facts.snapshot->appImpacts.front().name);
+        return {TopOffender::State::offender,
+                {},
+                group +
+                    u" is the most useful place to start. Review the Optimize "
+                    "workspace before quitting or purging anything."_s,
+                group,
+                reviewableTopProcess(facts)};
+    }
+    return {TopOffender::State::stable,
+            u"System Looks Stable"_s,
+            u"CPU and memory pressure are below your warning threshold. Keep "
+            "monitoring or run an on-device second opinion."_s,
+            {},
+            {}};
+}
+
+QString remoteAlerts(int machinesThatNeedAttention) {
+    return machinesThatNeedAttention > 0 ? u"%1 Remote Alerts"_s.arg(machinesThatNeedAttention)
+                                         : QString();
+}
+
+std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk) {
+    if (!(disk.totalGB > 0.0)) {
+        return std::nullopt;
+    }
+    const double used = std::clamp(1.0 - disk.freeGB / disk.totalGB, 0.0, 1.0);
+    return DiskSpaceTexts{u"%1 GB free"_s.arg(dashboard_text::gigabytes(disk.freeGB)),
+                          u"%1 used"_s.arg(dashboard_text::percentText(100.0 * used)), used};
+}
+
+bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings) {
+    return disk.totalGB > 0.0 && disk.freeGB <= settings.diskMinimumFreeGB;
+}
+
+QString diskRule(const Settings& settings, std::string_view caches) {
+    return u"Only regular files older than %1 days inside %2 are eligible. Each run is capped "
+           "at "
+           "%3 GB and moves files to Trash. Automatic runs also require low free space, "
+           "Autopilot "
+           "mode, and established disk-cleanup trust."_s.arg(
+               dashboard_text::decimal(std::trunc(settings.diskCleanupAgeDays), 0), text(caches),
+               dashboard_text::gigabytes(settings.diskMaxCleanupGB));
+}
+
+void KeptRoom::setNeeded(int needed, Date sampledAt) {
+    if (sampledAt == countedSample_) {
+        return;
+    }
+    countedSample_ = sampledAt;
+    if (needed >= rows_) {
+        rows_ = needed;
+        calmSamples_ = 0;
+        neededSince_ = 0;
+        return;
+    }
+    neededSince_ = std::max(neededSince_, needed);
+    if (++calmSamples_ >= patience) {
+        rows_ = neededSince_;
+        calmSamples_ = 0;
+        neededSince_ = 0;
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <vector>
+
+#include "presentation/screens/overview/overview_block.h"
+#include "presentation/screens/summary_cards.h"
+
+namespace tallowcrest {
+
+/// What the session came to in four figures. Main thread.
+class SessionSummaryBlock final : public OverviewBlock {
+    Q_OBJECT
+
+public:
+    SessionSummaryBlock();
+
+    /// The arguments are those of `sessionSummary`.
+    void show(const std::vector<ActivityEvent>& activityLog,
+              const std::vector<SessionInsight>& insights,
+              const ProtectedAppNames& protectedAppNames);
+
+private:
+    SummaryCards cards_;
+};
+
+/// Short facts about the run so far. Main thread.
+class SessionInsightsBlock final : public OverviewBlock {
+    Q_OBJECT
+
+public:
+    SessionInsightsBlock();
+
+    void show(const std::vector<SessionInsight>& insights);
+
+private:
+    SummaryCards cards_;
+};
+
+}  // namespace tallowcrest

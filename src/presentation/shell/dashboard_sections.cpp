@@ -1,0 +1,38 @@
+#include "presentation/shell/dashboard_sections.h"
+
+#include <utility>
+
+namespace tallowcrest {
+
+bool DashboardSections::isCollapsed(DashboardSection section) const {
+    return settings_.values().collapsedSections.contains(rawValue(section));
+}
+
+void DashboardSections::setCollapsed(DashboardSection section, bool collapsed) {
+    if (collapsed == isCollapsed(section)) {
+        return;
+    }
+    TextSet sections = settings_.values().collapsedSections;
+    if (collapsed) {
+        sections.emplace(rawValue(section));
+    } else {
+        sections.erase(sections.find(rawValue(section)));
+    }
+    settings_.set(&Settings::collapsedSections, std::move(sections));
+}
+
+Outcome DashboardSections::expandAll() {
+    settings_.set(&Settings::collapsedSections, {});
+    return log_.record(Outcome::done("Expanded all dashboard sections."));
+}
+
+Outcome DashboardSections::collapseAll() {
+    TextSet sections = settings_.values().collapsedSections;
+    for (const DashboardSection section : allDashboardSections) {
+        sections.emplace(rawValue(section));
+    }
+    settings_.set(&Settings::collapsedSections, std::move(sections));
+    return log_.record(Outcome::done("Collapsed all dashboard sections."));
+}
+
+}  // namespace tallowcrest

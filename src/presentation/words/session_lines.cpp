@@ -1,0 +1,103 @@
+#include "presentation/words/session_lines.h"
+
+#include <algorithm>
+
+#include <QStringList>
+
+#include "presentation/words/dashboard_text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+
+qsizetype countOf(const std::vector<ActivityEvent>& events, ActivityKind kind) {
+    return std::ranges::count(events, kind, &ActivityEvent::kind);
+}
+
+QString valueOf(const std::vector<SessionInsight>& insights, SessionInsight::Kind kind) {
+    const auto found = std::ranges::find(insights, kind, &SessionInsight::kind);
+    return found == insights.end() ? u"None yet"_s : text(found->value);
+}
+
+QString neverQuitDetail(const ProtectedAppNames& names) {
+    if (names.empty()) {
+        return u"No custom app groups are protected yet."_s;
+    }
+    QStringList listed;
+    for (const std::string& name : names) {
+        listed.append(text(name));
+    }
+    return listed.join(u", "_s);
+}
+
+SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsight>& insights) {
+    return {title, valueOf(insights, SessionInsight::Kind::topApp),
+            u"Most visible app group in this Tallowcrest session."_s};
+}
+
+SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
+    const QString title = u"Current State"_s;
+    if (!snapshot) {
+        return {title, dashboard_text::noFigure(), u"Sampling this Mac..."_s};
+    }
+    return {
+        title, dashboard_text::percentText(snapshot->cpuPercent) + u" CPU"_s,
+        u"Memory pressure %1 at %2"_s.arg(dashboard_text::percentText(snapshot->memory.pressure),
+                                          dashboard_text::timeText(snapshot->sampledAt))};
+}
+
+}  // namespace
+
+std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
+                                        Date now) {
+    std::vector<ActivityLine> lines;
+    lines.reserve(std::min(events.size(), limit));
+    for (const ActivityEvent& event : events) {
+        if (lines.size() == limit) {
+            break;
+        }
+        lines.push_back({event.kind == ActivityKind::warning, text(event.title), text(event.detail),
+                         dashboard_text::shortTimeText(event.date, now)});
+    }
+    return lines;
+}
+
+std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activityLog,
+                                         const std::vector<SessionInsight>& insights,
+                                         const ProtectedAppNames& protectedAppNames) {
+    return {
+        {u"Events"_s, u"%1 warnings"_s.arg(countOf(activityLog, ActivityKind::warning)),
+         u"%1 logged actions. Use Export for a full diagnostics file."_s.arg(
+             countOf(activityLog, ActivityKind::action))},
+        recurringTopApp(u"Recurring Top App"_s, insights),
+        {u"Remote Repeater"_s, valueOf(insights, SessionInsight::Kind::remoteRepeater),
+         u"Most repeated top remote app group across SSH scans."_s},
+        {u"Never Quit"_s, u"%1 apps"_s.arg(protectedAppNames.size()),
+         neverQuitDetail(protectedAppNames)},
+    };
+}
+
+std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights) {
+    if (insights.empty()) {
+        return {{u"Session"_s, u"Starting"_s,
+                 u"Tallowcrest is collecting enough samples to identify patterns."_s}};
+    }
+    std::vector<SummaryTexts> cards;
+    for (const SessionInsight& insight : insights) {
+        cards.push_back({text(insight.title), text(insight.value), text(insight.detail)});
+    }
+    return cards;
+}
+
+std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
+                                       const std::vector<SessionInsight>& insights) {
+    // Nothing scans other machines yet, and so nothing is said of how to.
+    return {{u"Remote State"_s, u"Not scanned"_s, QString()},
+            currentState(snapshot),
+            recurringTopApp(u"Top Repeater"_s, insights)};
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <QString>
+
+#include "core/local_records.h"
+#include "sampling/protection.h"
+
+/// What is said of the session: its events, and what it came to. Any thread.
+namespace tallowcrest {
+
+/// One entry of the activity log as a list shows it.
+struct ActivityLine {
+    bool isWarning = false;
+    QString title;
+    QString detail;
+    QString time;
+
+    bool operator==(const ActivityLine&) const = default;
+};
+
+/// The first `limit` of `events`, which come newest first. Times are in the locale's short form and
+/// the local time zone; those of another day than `now` bear their date.
+std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
+                                        Date now);
+
+/// The texts of one summary card.
+struct SummaryTexts {
+    QString title;
+    QString value;
+    QString detail;
+
+    bool operator==(const SummaryTexts&) const = default;
+};
+
+/// "Events", "Recurring Top App", "Remote Repeater" and "Never Quit", in this order.
+std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activityLog,
+                                         const std::vector<SessionInsight>& insights,
+                                         const ProtectedAppNames& protectedAppNames);
+inline constexpr std::size_t sessionSummaryCards = 4;
+
+/// A card for each insight; one that says that the session starts where there is none.
+std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights);
+/// As many as one sample can give.
+inline constexpr std::size_t mostSessionInsights = 5;
+
+/// "Remote State", "Current State" and "Top Repeater", in this order. Without a snapshot the
+/// current state is that it samples.
+std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
+                                       const std::vector<SessionInsight>& insights);
+inline constexpr std::size_t sessionStateCards = 3;
+
+}  // namespace tallowcrest

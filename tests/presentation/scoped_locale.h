@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/icu/icu_locale.h"
+#include "presentation/words/dashboard_text.h"
+
+namespace tallowcrest {
+
+/// The number and date formats of a locale such as "de_DE".
+inline std::shared_ptr<const Locale> icuLocale(const char* name) {
+    return std::make_shared<IcuLocale>(LocaleNames{name, name});
+}
+
+/// Words use the formats of that locale for as long as it lives.
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const char* name) { dashboard_text::setLocale(icuLocale(name)); }
+    ~ScopedLocale() { dashboard_text::setLocale(std::make_shared<PlainLocale>()); }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,359 @@
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "presentation/screens/overview/disk_autopilot_block.h"
+#include "presentation/screens/overview/gauges_block.h"
+#include "presentation/screens/overview/recent_activity_block.h"
+#include "presentation/screens/overview/session_blocks.h"
+#include "presentation/screens/overview/timeline_block.h"
+#include "presentation/screens/overview/top_app_memory_block.h"
+#include "presentation/screens/overview/top_offender_block.h"
+#include "presentation/widgets/bar_list.h"
+#include "presentation/widgets/gauge_card.h"
+#include "presentation/widgets/stable_line_graph.h"
+#include "tests/presentation/screens/overview/block_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+// Gauges -----------------------------------------------------------------------------------------
+
+std::string spoken(const QWidget* figure) {
+    return dynamic_cast<const AccessibleFigure&>(*figure).accessibleValue().toStdString();
+}
+
+TEST_F(OverviewBlockTest, GaugesShowTheSample) {
+    GaugesBlock& block = place(new GaugesBlock);
+    block.show(snapshot);
+    EXPECT_EQ(spoken(visible("overview.cpu-load")), "Sampling this Mac...");
+    SystemSnapshot& taken = sample();
+    taken.cpuPercent = 40.0;
+    taken.memory = {16.0, 9.5, 6.5, 2.25, 0.5, 59.4};
+    block.show(snapshot);
+    EXPECT_EQ(visible<GaugeCard>("overview.cpu-load")->value(), 40.0);
+    EXPECT_EQ(spoken(visible("overview.cpu-load")), "40%, Normal, 40% normalized across cores");
+    EXPECT_EQ(visible<GaugeCard>("overview.memory-pressure")->value(), 59.4);
+    EXPECT_EQ(spoken(visible("overview.memory-pressure")), "59%, Normal, 9.5 GB used of 16.0 GB");
+    EXPECT_EQ(spoken(visible("overview.free-reclaimable")),
+              "6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB");
+}
+
+TEST_F(OverviewBlockTest, GaugesAreToldFromOutsideAsOnePart) {
+    const GaugesBlock& block = place(new GaugesBlock);
+    const QWidget* gauges = visible("overview.gauges");
+    ASSERT_NE(gauges, nullptr);
+    for (const char* each :
+         {"overview.cpu-load", "overview.memory-pressure", "overview.free-reclaimable"}) {
+        EXPECT_TRUE(gauges->isAncestorOf(visible(each))) << each;
+    }
+    EXPECT_NE(gauges->accessibleName(), block.accessibleName());
+}
+
+TEST_F(OverviewBlockTest, FiguresThatCannotBeReadAreZeroAndNotNonsense) {
+    GaugesBlock& block = place(new GaugesBlock);
+    sample();
+    block.show(snapshot);
+    EXPECT_EQ(spoken(visible("overview.cpu-load")), "0%, Normal, 0% normalized across cores");
+    EXPECT_EQ(spoken(visible("overview.memory-pressure")), "0%, Normal, 0.0 GB used of 0.0 GB");
+}
+
+// Timeline ---------------------------------------------------------------------------------------
+
+TEST_F(OverviewBlockTest, TimelineGivesNowPeakAverageAndThreshold) {
+    TimelineBlock& block = place(new TimelineBlock);
+    const std::vector<HistoryPoint> history{{UUID::random(), Date{4.0}, 40.0, 59.4},
+                                            {UUID::random(), Date{8.0}, 70.0, 30.0},
+                                            {UUID::random(), Date{12.0}, 20.0, 44.6}};
+    const auto figures = AllOf(Contains("20%"), Contains("45%"), Contains("70%"), Contains("59%"),
+                               Contains("Avg 43% · Warn 82%"));
+    block.show({history, {}, 82.0}, false);
+    EXPECT_THAT(texts(block), Not(Contains("20%"))) << "an earlier run's history is not now";
+    block.show({history, {}, 82.0}, true);
+    EXPECT_THAT(texts(block), figures);
+    EXPECT_THAT(texts(block),
+                Contains("Current session · last 12 seconds · updates every 4 seconds"));
+    EXPECT_EQ(block.findChild<StableLineGraph*>()->accessibleValue(),
+              u"CPU 20 percent, Memory 45 percent"_s);
+}
+
+TEST_F(OverviewBlockTest, AClosedTimelineKeepsItsCaption) {
+    TimelineBlock& block = place(new TimelineBlock);
+    block.setCollapsed(true);
+    const std::vector<HistoryPoint> history{{UUID::random(), Date{4.0}, 40.0, 59.4},
+                                            {UUID::random(), Date{8.0}, 70.0, 30.0}};
+    block.show({history, {}, 82.0}, true);
+    EXPECT_THAT(texts(block),
+                Contains("Current session · last 8 seconds · updates every 4 seconds"));
+    EXPECT_THAT(texts(block), Not(Contains("CPU now")));
+}
+
+// Memory by group --------------------------------------------------------------------------------
+
+TEST_F(OverviewBlockTest, TopAppMemoryListsTheLargestGroups) {
+    TopAppMemoryBlock& block = place(new TopAppMemoryBlock);
+    block.show(snapshot);
+    const BarList& bars = *block.findChild<BarList*>();
+    EXPECT_EQ(bars.accessibleValue(), u"Sampling apps…"_s);
+    sample().appImpacts = {group("editor", 1024.0), group("photo-indexer", 2048.0)};
+    block.show(snapshot);
+    ASSERT_THAT(bars.rows(), SizeIs(2));
+    EXPECT_EQ(bars.rows()[0].label, u"photo-indexer"_s);
+    EXPECT_EQ(bars.rows()[0].valueText, u"2.0 GB"_s);
+    EXPECT_EQ(bars.rows()[0].fraction, 1.0);
+    EXPECT_EQ(bars.rows()[1].label, u"editor"_s);
+    EXPECT_EQ(bars.rows()[1].fraction, 0.5);
+    EXPECT_THAT(texts(block), Contains("Largest app groups by resident memory right now"));
+    EXPECT_THAT(texts(block), Not(Contains("Collecting app impact samples…")));
+}
+
+TEST_F(OverviewBlockTest, ASampleWithoutGroupsSaysThatItCollects) {
+    TopAppMemoryBlock& block = place(new TopAppMemoryBlock);
+    sample().appImpacts = {group("editor", 1024.0)};
+    block.show(snapshot);
+    sample().appImpacts.clear();
+    block.show(snapshot);
+    EXPECT_THAT(block.findChild<BarList*>()->rows(), IsEmpty());
+    EXPECT_THAT(texts(block), Contains("Collecting app impact samples…"));
+}
+
+TEST_F(OverviewBlockTest, TopAppMemoryGrowsWithItsGroupsAndGivesRoomBackLater) {
+    TopAppMemoryBlock& block = place(new TopAppMemoryBlock);
+    block.show(snapshot);
+    const int waiting = heightOf(block);
+    const auto tick = [&](std::size_t groups) {
+        sample().appImpacts.assign(groups, group("app", 100.0));
+        block.show(snapshot);
+    };
+    tick(2);
+    EXPECT_EQ(heightOf(block), waiting);
+    tick(8);
+    const int many = heightOf(block);
+    EXPECT_GT(many, waiting);
+    for (int samples = 1; samples < KeptRoom::patience; ++samples) {
+        tick(2);
+        EXPECT_EQ(heightOf(block), many) << samples;
+    }
+    tick(2);
+    EXPECT_EQ(heightOf(block), waiting);
+}
+
+// Disk -------------------------------------------------------------------------------------------
+
+class DiskAutopilotBlockTest : public OverviewBlockTest {
+protected:
+    void show() { block.show({snapshot, settings, "Disk Autopilot is off.", "~/.cache"}); }
+
+    Settings settings;
+    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s));
+};
+
+TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
+    show();
+    const auto* space = block.findChild<BarList*>();
+    EXPECT_EQ(space->accessibleValue(), u"Sampling this Mac..."_s);
+    sample().disk = {200.0, 50.0};
+    show();
+    EXPECT_EQ(space->rows(), (std::vector<BarRow>{{u"50.0 GB free"_s, u"75% used"_s, 0.75}}));
+    EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
+    sample().disk = {};
+    show();
+    EXPECT_EQ(space->accessibleValue(), u"The size of the home volume could not be read."_s);
+}
+
+TEST_F(DiskAutopilotBlockTest, LowSpaceIsToldByWordIconAndColour) {
+    sample().disk = {200.0, 20.1};
+    show();
+    EXPECT_EQ(visible("overview.disk-autopilot-low"), nullptr);
+    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(),
+                StartsWith("Only regular files older than 30 days inside ~/.cache are eligible."));
+    const int height = heightOf(block);
+    auto* space = block.findChild<BarList*>();
+    const auto barColor = [space] {
+        const QImage shot = space->grab().toImage();
+        return shot.pixelColor(shot.width() / 2, shot.height() / 2);
+    };
+    EXPECT_EQ(barColor(), CrestTheme::current().secondaryText);
+    snapshot->disk.freeGB = 20.0;
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-low"), u"Low"_s);
+    EXPECT_EQ(barColor(), CrestTheme::current().caution);
+    EXPECT_EQ(heightOf(block), height);
+    EXPECT_EQ(block.header()->note(), QString());
+    block.setCollapsed(true);
+    show();
+    EXPECT_EQ(block.header()->note(), u"Low"_s);
+    snapshot->disk.freeGB = 100.0;
+    show();
+    EXPECT_EQ(block.header()->note(), QString());
+}
+
+TEST_F(DiskAutopilotBlockTest, AsksForTheStopAndForTheWayBackFromIt) {
+    const QSignalSpy stops(&block, &DiskAutopilotBlock::stopWanted);
+    const QSignalSpy resumes(&block, &DiskAutopilotBlock::resumeWanted);
+    show();
+    EXPECT_EQ(visible("overview.resume-manual-mode"), nullptr);
+    click("overview.emergency-stop");
+    EXPECT_EQ(stops.count(), 1);
+    settings.automationEmergencyStopEngaged = true;
+    show();
+    click("overview.resume-manual-mode");
+    EXPECT_EQ(resumes.count(), 1);
+    EXPECT_EQ(stops.count(), 1);
+}
+
+// The top offender -------------------------------------------------------------------------------
+
+class TopOffenderBlockTest : public OverviewBlockTest {
+protected:
+    TopOffenderBlockTest() {
+        ProcessSample& row = processes.emplace_back();
+        row.pid = 800;
+        row.command = row.arguments = "/usr/bin/photo-indexer";
+    }
+
+    void show() { block.show({snapshot, processes, settings, {}}); }
+    void showOffender() {
+        sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
+        snapshot->memory.pressure = 82.0;
+        show();
+    }
+
+    Settings settings;
+    std::vector<ProcessSample> processes;
+    TopOffenderBlock& block = place(new TopOffenderBlock);
+};
+
+TEST_F(TopOffenderBlockTest, HasThreeStates) {
+    show();
+    EXPECT_THAT(texts(*block.body()), ElementsAre("No top offender yet"));
+    EXPECT_EQ(visible("overview.review-cleanup-options"), nullptr);
+    const int height = heightOf(block);
+    sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
+    show();
+    EXPECT_THAT(texts(*block.body()),
+                ElementsAre("System Looks Stable",
+                            "CPU and memory pressure are below your warning threshold. Keep "
+                            "monitoring or run an on-device second opinion."));
+    EXPECT_EQ(visible("overview.review-cleanup-options"), nullptr);
+    EXPECT_EQ(visible("overview.review-top-offender"), nullptr) << "nothing offends";
+    EXPECT_EQ(heightOf(block), height);
+    showOffender();
+    EXPECT_THAT(texts(*block.body()),
+                ElementsAre("photo-indexer is the most useful place to start. Review the Optimize "
+                            "workspace before quitting or purging anything."));
+    EXPECT_EQ(heightOf(block), height);
+}
+
+TEST_F(TopOffenderBlockTest, AsksForTheReviewAndForTheCleanup) {
+    const QSignalSpy reviews(&block, &TopOffenderBlock::reviewWanted);
+    const QSignalSpy cleanups(&block, &TopOffenderBlock::cleanupWanted);
+    showOffender();
+    click("overview.review-top-offender");
+    EXPECT_EQ(reviews.count(), 1);
+    EXPECT_EQ(cleanups.count(), 0);
+    click("overview.review-cleanup-options");
+    EXPECT_EQ(cleanups.count(), 1);
+    EXPECT_EQ(visible("overview.review-top-offender")->accessibleName(),
+              u"Review: photo-indexer"_s);
+}
+
+TEST_F(TopOffenderBlockTest, AnOffenderThatWouldBeRefusedOffersNoReview) {
+    settings.protectedAppNames = {"photo-indexer"};
+    showOffender();
+    EXPECT_NE(visible("overview.review-cleanup-options"), nullptr);
+    EXPECT_EQ(visible("overview.review-top-offender"), nullptr);
+}
+
+// Activity ---------------------------------------------------------------------------------------
+
+class RecentActivityBlockTest : public OverviewBlockTest {
+protected:
+    void record(const char* title, const char* detail) {
+        events.insert(events.begin(), {UUID::random(), Date{}, title, detail});
+    }
+    void show() { block.show(events, snapshot->sampledAt); }
+
+    std::vector<ActivityEvent> events;  ///< newest first
+    RecentActivityBlock& block = place(new RecentActivityBlock);
+};
+
+TEST_F(RecentActivityBlockTest, ListsTheNewestFive) {
+    const auto* list = block.body()->findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    sample();
+    show();
+    EXPECT_THAT(texts(*list), ElementsAre("No actions or warnings have been logged yet."));
+    const int empty = heightOf(block);
+    record("Action", "one");
+    show();
+    EXPECT_EQ(heightOf(block), empty);
+    for (const char* detail : {"two", "three", "four", "five", "six"}) {
+        record("Action", detail);
+    }
+    record("Warning", "seven");
+    show();
+    EXPECT_THAT(texts(*list), AllOf(Contains("seven"), Contains("Warning"), Contains("three")));
+    EXPECT_THAT(texts(*list), AllOf(Not(Contains("two")),
+                                    Not(Contains("No actions or warnings have been logged yet."))));
+    const int full = heightOf(block);
+    EXPECT_GT(full, empty);
+    sample();
+    show();
+    events.clear();
+    show();
+    EXPECT_THAT(texts(*list), ElementsAre("No actions or warnings have been logged yet."));
+    for (int samples = 0; samples < KeptRoom::patience; ++samples) {
+        EXPECT_EQ(heightOf(block), full) << samples;
+        sample();
+        show();
+    }
+    EXPECT_EQ(heightOf(block), empty);
+}
+
+// Figures of the session -------------------------------------------------------------------------
+
+TEST_F(OverviewBlockTest, TheSummaryCountsTheSession) {
+    SessionSummaryBlock& block = place(new SessionSummaryBlock);
+    block.show(
+        {{UUID::random(), Date{}, "Action", "Something"},
+         {UUID::random(), Date{}, "Warning", "Load is high"}},
+        {{UUID::random(), "Recurring Top App", "editor", "Led", SessionInsight::Kind::topApp}}, {});
+    EXPECT_THAT(
+        shownCards(block),
+        ElementsAre("Events: 1 warnings, 1 logged actions. Use Export for a full diagnostics file.",
+                    "Recurring Top App: editor, Most visible app group in this Tallowcrest "
+                    "session.",
+                    "Remote Repeater: None yet, Most repeated top remote app group across SSH "
+                    "scans.",
+                    "Never Quit: 0 apps, No custom app groups are protected yet."));
+}
+
+TEST_F(OverviewBlockTest, InsightsShowAsTheyAre) {
+    SessionInsightsBlock& block = place(new SessionInsightsBlock);
+    block.show({});
+    EXPECT_THAT(shownCards(block),
+                ElementsAre("Session: Starting, Tallowcrest is collecting enough samples to "
+                            "identify patterns."));
+    std::vector<SessionInsight> insights{
+        {UUID::random(), "Peak CPU", "97%", "Average 40% across this session."},
+        {UUID::random(), "Peak Memory", "80%", "Average 50% pressure across this session."}};
+    block.show(insights);
+    EXPECT_THAT(shownCards(block),
+                ElementsAre("Peak CPU: 97%, Average 40% across this session.",
+                            "Peak Memory: 80%, Average 50% pressure across this session."));
+    insights.pop_back();
+    block.show(insights);
+    EXPECT_THAT(shownCards(block), ElementsAre("Peak CPU: 97%, Average 40% across this session."));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,349 @@
+#include "presentation/screens/overview/overview_lines.h"
+
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "presentation/widgets/icon.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using Severity = Recommendation::Severity;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// Recommendations --------------------------------------------------------------------------------
+
+Recommendation recommendation(const char* title, Severity severity,
+                              std::optional<std::int64_t> pid = std::nullopt) {
+    return {UUID::random(), title, std::string("About ") + title, severity, pid};
+}
+
+std::vector<ProcessSample> processes(std::initializer_list<std::int64_t> pids) {
+    std::vector<ProcessSample> rows;
+    for (const std::int64_t pid : pids) {
+        rows.emplace_back().pid = pid;
+    }
+    return rows;
+}
+
+std::string titles(const std::vector<RecommendationLine>& lines) {
+    QStringList found;
+    for (const RecommendationLine& line : lines) {
+        found.append(line.title);
+    }
+    return found.join(u' ').toStdString();
+}
+
+TEST(RecommendationLines, NoneForNone) {
+    EXPECT_THAT(recommendationLines({}, {}), IsEmpty());
+    EXPECT_EQ(recommendationNote({}).toStdString(), "");
+}
+
+TEST(RecommendationLines, TheMostSevereComeFirstAndThoseOfOneSeverityKeepTheirOrder) {
+    const auto order = [](std::vector<Recommendation> given) {
+        return titles(recommendationLines(given, {}));
+    };
+    const auto info = recommendation("i", Severity::info);
+    const auto caution = recommendation("c", Severity::caution);
+    const auto caution2 = recommendation("c2", Severity::caution);
+    const auto urgent = recommendation("u", Severity::urgent);
+    const auto urgent2 = recommendation("u2", Severity::urgent);
+    EXPECT_EQ(order({info}), "i");
+    EXPECT_EQ(order({caution, caution2, info}), "c c2 i");
+    EXPECT_EQ(order({caution, urgent, caution2, urgent2}), "u u2 c c2");
+    EXPECT_EQ(order({info, caution, urgent}), "u c i");
+}
+
+TEST(RecommendationLines, OnlyAProcessOfTheLatestTableCanBeReviewed) {
+    const auto lines = recommendationLines(
+        {recommendation("gone", Severity::caution, 7),
+         recommendation("there", Severity::caution, 8), recommendation("none", Severity::caution)},
+        processes({1, 8}));
+    ASSERT_THAT(lines, SizeIs(3));
+    EXPECT_EQ(lines[0].reviewPID, std::nullopt);
+    EXPECT_EQ(lines[1].reviewPID, 8);
+    EXPECT_EQ(lines[2].reviewPID, std::nullopt);
+}
+
+TEST(RecommendationLines, TextsAreTakenAsUTF8) {
+    const auto lines = recommendationLines(
+        {{UUID::random(), "Größe", "“Other”", Severity::info, std::nullopt}}, {});
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_EQ(lines[0].title, u"Größe"_s);
+    EXPECT_EQ(lines[0].detail, u"“Other”"_s);
+}
+
+TEST(RecommendationLines, TheNoteGivesTheFirstAndCountsTheOthers) {
+    const auto urgent = recommendation("Memory pressure is high", Severity::urgent);
+    EXPECT_EQ(recommendationNote(recommendationLines({urgent}, {})).toStdString(),
+              "Urgent · Memory pressure is high");
+    EXPECT_EQ(recommendationNote(
+                  recommendationLines({recommendation("c", Severity::caution), urgent}, {}))
+                  .toStdString(),
+              "Urgent · Memory pressure is high · 1 more");
+}
+
+TEST(RecommendationLines, EachSeverityHasAWordAnIconAndAColourOfItsOwn) {
+    EXPECT_EQ(severityWord(Severity::info).toStdString(), "Info");
+    EXPECT_EQ(severityWord(Severity::caution).toStdString(), "Caution");
+    EXPECT_EQ(severityWord(Severity::urgent).toStdString(), "Urgent");
+    for (const Severity one : {Severity::info, Severity::caution, Severity::urgent}) {
+        EXPECT_TRUE(hasIcon(severityIcon(one)));
+        for (const Severity other : {Severity::info, Severity::caution, Severity::urgent}) {
+            EXPECT_EQ(severityIcon(one) == severityIcon(other), one == other);
+            EXPECT_EQ(severityColor(one) == severityColor(other), one == other);
+        }
+    }
+}
+
+// Memory -----------------------------------------------------------------------------------------
+
+AppImpact group(const std::string& name, double megabytes) {
+    AppImpact impact;
+    impact.name = name;
+    impact.totalMemoryMB = megabytes;
+    return impact;
+}
+
+TEST(TopAppMemory, OfNoGroupsIsEmpty) {
+    EXPECT_THAT(topAppMemory({}, 6), IsEmpty());
+    EXPECT_THAT(topAppMemory({group("a", 1.0)}, 0), IsEmpty());
+}
+
+TEST(TopAppMemory, LargestFirstWhateverTheOrderOfImpact) {
+    EXPECT_THAT(
+        topAppMemory({group("busy", 100.0), group("large", 400.0), group("middle", 200.0)}, 6),
+        ElementsAre(AppMemoryBar{"large", 400.0, 1.0}, AppMemoryBar{"middle", 200.0, 0.5},
+                    AppMemoryBar{"busy", 100.0, 0.25}));
+}
+
+TEST(TopAppMemory, EqualGroupsKeepTheirOrder) {
+    EXPECT_THAT(topAppMemory({group("b", 5.0), group("a", 5.0)}, 6),
+                ElementsAre(AppMemoryBar{"b", 5.0, 1.0}, AppMemoryBar{"a", 5.0, 1.0}));
+}
+
+TEST(TopAppMemory, TheLimitKeepsTheLargestAndNotTheFirst) {
+    std::vector<AppImpact> groups;
+    for (int i = 1; i <= 20; ++i) {
+        groups.push_back(group("group " + std::to_string(i), i));
+    }
+    const auto bars = topAppMemory(groups, 3);
+    ASSERT_THAT(bars, SizeIs(3));
+    EXPECT_EQ(bars[0].name, "group 20");
+    EXPECT_EQ(bars[2].name, "group 18");
+}
+
+TEST(TopAppMemory, GroupsWithoutMemoryHaveBarsWithoutLength) {
+    EXPECT_THAT(topAppMemory({group("a", 0.0), group("b", 0.0)}, 6),
+                ElementsAre(AppMemoryBar{"a", 0.0, 0.0}, AppMemoryBar{"b", 0.0, 0.0}));
+}
+
+// The top offender -------------------------------------------------------------------------------
+
+using State = TopOffender::State;
+
+class TopOffenderTest : public testing::Test {
+protected:
+    TopOffenderTest() {
+        settings.warningThreshold = 82.0;
+        for (const auto& [pid, command] :
+             {std::pair{800, "/usr/bin/editor"}, {900, "/usr/bin/mail"}}) {
+            ProcessSample& row = processes.emplace_back();
+            row.pid = pid;
+            row.command = row.arguments = command;
+        }
+    }
+
+    TopOffender at(double cpu, double pressure) {
+        SystemSnapshot& taken = snapshot.emplace();
+        taken.cpuPercent = cpu;
+        taken.memory.pressure = pressure;
+        taken.appImpacts = groups;
+        return topOffender({snapshot, processes, settings, {}});
+    }
+
+    static AppImpact group(const char* name, std::int64_t topPID) {
+        AppImpact impact;
+        impact.name = name;
+        impact.topPID = topPID;
+        return impact;
+    }
+
+    std::optional<SystemSnapshot> snapshot;
+    std::vector<AppImpact> groups{group("editor", 800), group("mail", 900)};
+    std::vector<ProcessSample> processes;
+    Settings settings;
+};
+
+TEST_F(TopOffenderTest, NothingCanBeToldWithoutASampleOfGroups) {
+    const TopOffender expected{State::unknown, u"No top offender yet"_s, {}, {}, {}};
+    EXPECT_EQ(topOffender({snapshot, processes, settings, {}}), expected);
+    groups.clear();
+    EXPECT_EQ(at(10.0, 10.0), expected);
+    EXPECT_EQ(at(99.0, 99.0), expected);
+}
+
+TEST_F(TopOffenderTest, LoadUnderTheThresholdIsStable) {
+    const TopOffender expected{
+        State::stable,
+        u"System Looks Stable"_s,
+        u"CPU and memory pressure are below your warning threshold. Keep monitoring "
+        "or run an on-device second opinion."_s,
+        {},
+        {}};
+    EXPECT_EQ(at(0.0, 0.0), expected);
+    EXPECT_EQ(at(81.9, 81.9), expected);
+}
+
+TEST_F(TopOffenderTest, EitherLoadAtTheThresholdNamesTheTopApp) {
+    const TopOffender expected{
+        State::offender,
+        {},
+        u"editor is the most useful place to start. Review the Optimize workspace "
+        "before quitting or purging anything."_s,
+        u"editor"_s,
+        800};
+    EXPECT_EQ(at(82.0, 10.0), expected);
+    EXPECT_EQ(at(10.0, 82.0), expected);
+    settings.warningThreshold = 65.0;
+    EXPECT_EQ(at(100.0, 100.0), expected);
+}
+
+TEST_F(TopOffenderTest, OnlyAProcessThatIsThereAndNotProtectedCanBeReviewed) {
+    settings.protectedAppNames = {"editor"};
+    EXPECT_EQ(at(82.0, 10.0).state, State::offender);
+    EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "on the Never Quit list";
+    settings.protectedAppNames.clear();
+    EXPECT_EQ(at(82.0, 10.0).reviewPID, 800);
+    processes.front().pid = 801;
+    EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "has left the table";
+    groups.front().topPID.reset();
+    EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "has no safe process";
+}
+
+TEST(RemoteAlerts, ShowOnlyWhenThereAreSome) {
+    EXPECT_EQ(remoteAlerts(0), QString());
+    EXPECT_EQ(remoteAlerts(-1), QString());
+    EXPECT_EQ(remoteAlerts(1), u"1 Remote Alerts"_s);
+    EXPECT_EQ(remoteAlerts(3), u"3 Remote Alerts"_s);
+}
+
+// Disk -------------------------------------------------------------------------------------------
+
+TEST(DiskSpace, IsToldInWordsAndAsAShare) {
+    const auto texts = diskSpaceTexts({200.0, 50.0});
+    ASSERT_TRUE(texts.has_value());
+    EXPECT_EQ(texts->free, u"50.0 GB free"_s);
+    EXPECT_EQ(texts->used, u"75% used"_s);
+    EXPECT_EQ(texts->fraction, 0.75);
+}
+
+TEST(DiskSpace, AFullVolumeIsNotAnUnknownOne) {
+    const auto texts = diskSpaceTexts({200.0, 0.0});
+    ASSERT_TRUE(texts.has_value());
+    EXPECT_EQ(texts->free, u"0.0 GB free"_s);
+    EXPECT_EQ(texts->used, u"100% used"_s);
+}
+
+TEST(DiskSpace, AVolumeOfUnknownSizeTellsNothing) {
+    EXPECT_EQ(diskSpaceTexts({}), std::nullopt);
+    EXPECT_EQ(diskSpaceTexts({std::numeric_limits<double>::quiet_NaN(), 5.0}), std::nullopt);
+}
+
+TEST(DiskSpace, TheShareStaysWithinItsBounds) {
+    EXPECT_EQ(diskSpaceTexts({100.0, 150.0})->fraction, 0.0);
+    EXPECT_EQ(diskSpaceTexts({100.0, -1.0})->fraction, 1.0);
+}
+
+TEST(DiskSpace, IsLowAtOrUnderTheOwnersMinimum) {
+    Settings settings;
+    settings.diskMinimumFreeGB = 20.0;
+    EXPECT_FALSE(isSpaceLow({200.0, 20.1}, settings));
+    EXPECT_TRUE(isSpaceLow({200.0, 20.0}, settings));
+    EXPECT_TRUE(isSpaceLow({200.0, 0.0}, settings));
+    EXPECT_FALSE(isSpaceLow({}, settings)) << "what could not be read is not low";
+    const double noNumber = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(isSpaceLow({200.0, noNumber}, settings));
+    settings.diskMinimumFreeGB = noNumber;
+    EXPECT_FALSE(isSpaceLow({200.0, 0.0}, settings));
+}
+
+TEST(DiskSpace, TheRuleIsTheOwners) {
+    Settings settings;
+    EXPECT_EQ(diskRule(settings, "~/.cache"),
+              u"Only regular files older than 30 days inside ~/.cache are eligible. Each "
+              "run is capped at 2.0 GB and moves files to Trash. Automatic runs also "
+              "require low free space, Autopilot mode, and established disk-cleanup "
+              "trust."_s);
+    settings.diskCleanupAgeDays = 7.0;
+    settings.diskMaxCleanupGB = 0.5;
+    EXPECT_TRUE(diskRule(settings, "~/Library/Caches")
+                    .startsWith(u"Only regular files older than 7 days inside "
+                                "~/Library/Caches are eligible. Each run is capped at "
+                                "0.5 GB "_s));
+}
+
+// Room -------------------------------------------------------------------------------------------
+
+/// A room that is asked once for each of a row of samples, from the first instant on.
+class SampledRoom {
+public:
+    void sample(int needed) {
+        room_.setNeeded(needed, now_);
+        now_.secondsSinceReference += 4.0;
+    }
+    int rows() const { return room_.rows(); }
+
+private:
+    KeptRoom room_;
+    Date now_;
+};
+
+TEST(KeptRoom, IsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
+    SampledRoom room;
+    EXPECT_EQ(room.rows(), 0);
+    room.sample(4);
+    EXPECT_EQ(room.rows(), 4);
+    for (int sample = 1; sample < KeptRoom::patience; ++sample) {
+        room.sample(1);
+        EXPECT_EQ(room.rows(), 4) << sample;
+    }
+    room.sample(1);
+    EXPECT_EQ(room.rows(), 1);
+}
+
+TEST(KeptRoom, KeepsWhatWasNeededInTheMeantime) {
+    SampledRoom room;
+    room.sample(4);
+    room.sample(2);
+    for (int sample = 1; sample < KeptRoom::patience; ++sample) {
+        room.sample(0);
+    }
+    EXPECT_EQ(room.rows(), 2);
+}
+
+TEST(KeptRoom, ARowThatComesBackBeginsTheMinuteAnew) {
+    SampledRoom room;
+    room.sample(3);
+    for (int sample = 0; sample < 3 * KeptRoom::patience; ++sample) {
+        room.sample(sample % KeptRoom::patience == KeptRoom::patience - 2 ? 3 : 0);
+        EXPECT_EQ(room.rows(), 3) << sample;
+    }
+}
+
+TEST(KeptRoom, CountsEachSampleOnce) {
+    KeptRoom room;
+    room.setNeeded(4, {});
+    for (int asked = 0; asked < 3 * KeptRoom::patience; ++asked) {
+        room.setNeeded(1, {4.0});
+    }
+    EXPECT_EQ(room.rows(), 4);
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,154 @@
+#include "presentation/words/session_lines.h"
+
+#include <QDateTime>
+#include <gmock/gmock.h>
+
+#include "tests/presentation/scoped_locale.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ActivityLinesTest : public testing::Test {
+protected:
+    const ScopedLocale locale{"de_DE"};
+
+    static Date at(const QDateTime& time) {
+        return Date::fromUnixSeconds(static_cast<double>(time.toMSecsSinceEpoch()) / 1000.0);
+    }
+
+    const QDateTime evening{QDate(2026, 3, 9), QTime(20, 5)};
+};
+
+TEST_F(ActivityLinesTest, NoneForAnEmptyLog) {
+    EXPECT_THAT(activityLines({}, 5, at(evening)), IsEmpty());
+}
+
+TEST_F(ActivityLinesTest, TheNewestInTheirOrderAndNoMoreThanTheLimit) {
+    std::vector<ActivityEvent> events;
+    for (const char* detail : {"third", "second", "first"}) {
+        events.push_back({UUID::random(), at(evening), "Action", detail});
+    }
+    const auto lines = activityLines(events, 2, at(evening));
+    ASSERT_THAT(lines, SizeIs(2));
+    EXPECT_EQ(lines[0].detail, u"third"_s);
+    EXPECT_EQ(lines[1].detail, u"second"_s);
+    EXPECT_THAT(activityLines(events, 9, at(evening)), SizeIs(3));
+}
+
+TEST_F(ActivityLinesTest, OnlyTheTitleOfAWarningMakesOne) {
+    const auto lines = activityLines({{UUID::random(), at(evening), "Warning", "d"},
+                                      {UUID::random(), at(evening), "Auto Rule", "Warning"}},
+                                     5, at(evening));
+    EXPECT_TRUE(lines[0].isWarning);
+    EXPECT_FALSE(lines[1].isWarning);
+    EXPECT_EQ(lines[1].title, u"Auto Rule"_s);
+}
+
+TEST_F(ActivityLinesTest, WhatCouldForgeALineOrTurnItsDirectionIsMarked) {
+    const auto lines = activityLines(
+        {{UUID::random(), at(evening), "Act\nion", "a\tb\u202Ec\u2028d <b>e</b>"}}, 5, at(evening));
+    EXPECT_EQ(lines[0].title, u"Act\uFFFDion"_s);
+    EXPECT_EQ(lines[0].detail, u"a\uFFFDb\uFFFDc\uFFFDd <b>e</b>"_s);
+}
+
+TEST_F(ActivityLinesTest, TimesAreInTheLocalesFormAndBearTheirDateOnAnotherDay) {
+    const auto timeOf = [this](const QDateTime& time) {
+        return activityLines({{UUID::random(), at(time), "Action", "d"}}, 1, at(evening))[0]
+            .time.toStdString();
+    };
+    EXPECT_EQ(timeOf(evening), "20:05");
+    EXPECT_EQ(timeOf(QDateTime(QDate(2026, 3, 9), QTime(0, 0))), "00:00");
+    EXPECT_EQ(timeOf(QDateTime(QDate(2026, 3, 8), QTime(23, 59))), "8.3.2026, 23:59");
+    EXPECT_EQ(timeOf(QDateTime(QDate(2025, 3, 9), QTime(20, 5))), "9.3.2025, 20:05");
+}
+
+ActivityEvent event(const char* title) {
+    return {UUID::random(), Date{}, title, "Something"};
+}
+
+using Kind = SessionInsight::Kind;
+
+SessionInsight insight(Kind kind, const char* title, const char* value) {
+    return {UUID::random(), title, value, "Because", kind};
+}
+
+SummaryTexts texts(const char* title, const char* value, const char* detail) {
+    return {QString::fromUtf8(title), QString::fromUtf8(value), QString::fromUtf8(detail)};
+}
+
+TEST(SessionSummary, OfASessionInWhichNothingHappened) {
+    EXPECT_THAT(
+        sessionSummary({}, {}, {}),
+        ElementsAre(texts("Events", "0 warnings",
+                          "0 logged actions. Use Export for a full diagnostics file."),
+                    texts("Recurring Top App", "None yet",
+                          "Most visible app group in this Tallowcrest session."),
+                    texts("Remote Repeater", "None yet",
+                          "Most repeated top remote app group across SSH scans."),
+                    texts("Never Quit", "0 apps", "No custom app groups are protected yet.")));
+    EXPECT_EQ(sessionSummary({}, {}, {}).size(), sessionSummaryCards);
+}
+
+TEST(SessionSummary, CountsWarningsAndActionsByTheirExactTitles) {
+    const auto cards = sessionSummary({event("Warning"), event("Action"), event("Auto Rule"),
+                                       event("Action"), event("warning"), event("Actions")},
+                                      {}, {});
+    EXPECT_EQ(cards[0], texts("Events", "1 warnings",
+                              "2 logged actions. Use Export for a full diagnostics file."));
+}
+
+TEST(SessionSummary, TakesTheTopAppsFromTheInsightsOfThoseTitles) {
+    const auto cards = sessionSummary(
+        {},
+        {insight(Kind::peakCPU, "Peak CPU", "97%"), insight(Kind::peakMemory, "Peak Memory", "80%"),
+         insight(Kind::topApp, "Recurring Top App", "editor"),
+         insight(Kind::remoteWatch, "Remote Watch", "server"),
+         insight(Kind::remoteRepeater, "Remote Repeater", "postgres")},
+        {});
+    EXPECT_EQ(cards[1].value, u"editor"_s);
+    EXPECT_EQ(cards[2].value, u"postgres"_s);
+}
+
+TEST(SessionSummary, ListsTheAppsThatAreNeverQuit) {
+    const auto cards = sessionSummary({}, {}, {"mail", "Music"});
+    EXPECT_EQ(cards[3], texts("Never Quit", "2 apps", "Music, mail"));
+}
+
+TEST(SessionInsightCards, AreTheInsightsAsTheyAre) {
+    EXPECT_THAT(sessionInsightCards({}),
+                ElementsAre(texts("Session", "Starting",
+                                  "Tallowcrest is collecting enough samples to identify "
+                                  "patterns.")));
+    EXPECT_THAT(
+        sessionInsightCards(
+            {insight(Kind::peakCPU, "Peak CPU", "97%"), insight(Kind::starting, "Größe", "“80%”")}),
+        ElementsAre(texts("Peak CPU", "97%", "Because"), texts("Größe", "“80%”", "Because")));
+}
+
+TEST(SessionState, BeforeAndAfterTheFirstSample) {
+    const SummaryTexts remote = texts("Remote State", "Not scanned", "");
+    EXPECT_THAT(sessionState(std::nullopt, {}),
+                ElementsAre(remote, texts("Current State", "–", "Sampling this Mac..."),
+                            texts("Top Repeater", "None yet",
+                                  "Most visible app group in this Tallowcrest session.")));
+    SystemSnapshot snapshot;
+    snapshot.cpuPercent = 40.0;
+    snapshot.memory.pressure = 59.4;
+    const auto cards =
+        sessionState(snapshot, {insight(Kind::topApp, "Recurring Top App", "editor")});
+    ASSERT_THAT(cards, SizeIs(sessionStateCards));
+    EXPECT_EQ(cards[0], remote);
+    EXPECT_EQ(cards[1].value, u"40% CPU"_s);
+    EXPECT_TRUE(cards[1].detail.startsWith(u"Memory pressure 59% at "_s));
+    EXPECT_EQ(cards[2], texts("Top Repeater", "editor",
+                              "Most visible app group in this Tallowcrest session."));
+}
+
+}  // namespace
+}  // namespace tallowcrest
