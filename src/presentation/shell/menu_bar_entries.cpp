@@ -37,9 +37,7 @@ QString autoSelectTitle(const Automation& automation) {
 /// The window shows a refusal.
 void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
     constexpr auto which = AutomationSwitch::autoSelectTopOffender;
-    const bool wanted = !monitor.automation().isOn(which);
-    monitor.automation().set(which, wanted);
-    if (monitor.automation().isOn(which) != wanted) {
+    if (!monitor.automation().set(which, !monitor.automation().isOn(which)).isAccepted()) {
         window.bringToFront();
     }
 }
