@@ -168,10 +168,13 @@ void DashboardWindow::refreshAll() {
     if (!canBeSeen()) {
         return;
     }
-    showRoute();
     strip_->refresh();
     target_->refresh();
-    refreshPage();
+    if (shownRoute_ == state_.navigation.selectedRoute()) {
+        refreshPage();
+    } else {
+        showRoute();
+    }
 }
 
 void DashboardWindow::showRoute() {
