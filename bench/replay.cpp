@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 
 #include <fmt/format.h>
+
+#include "actions/automation.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 namespace {
@@ -20,7 +22,7 @@ std::string timeText(double seconds) {
 }
 
 /// The events of one kind over the trace.
-struct Account {
+struct EventCount {
     int count = 0;
     double last = 0.0;
     double shortestDistance = 0.0;
@@ -39,12 +41,12 @@ int run(const LoadTrace& trace) {
     FakeAutoScan remote;
     FakeMachine machine;
     prepareForReplay(machine, remote);
-    std::map<std::string, Account> accounts;
+    std::map<std::string, EventCount> events;
     const Date beginning = machine.clock.now();
     const auto now = [&] { return secondsBetween(beginning, machine.clock.now()); };
     remote.onScan = [&] {
         fmt::print("{}  a scan of the other machines begins\n", timeText(now()));
-        accounts["Scan of other machines"].add(now());
+        events["Scan of other machines"].add(now());
     };
     SystemMonitor& monitor = machine.monitor();
     monitor.automation().set(AutomationSwitch::autoScanRemoteMacs, true);
@@ -56,7 +58,7 @@ int run(const LoadTrace& trace) {
         for (const ActivityEvent& event : news.take()) {
             fmt::print("{}  {}: {}\n", timeText(sample.seconds), event.title, event.detail);
             const std::string firstWord = event.detail.substr(0, event.detail.find(' '));
-            accounts[event.title + ", " + firstWord].add(sample.seconds);
+            events[event.title + ", " + firstWord].add(sample.seconds);
         }
         // There is no user to confirm anything.
         news.dismissQuestion();
@@ -64,10 +66,10 @@ int run(const LoadTrace& trace) {
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
     fmt::print("\n{} samples, {} of the trace, in {:.1f} s\n", trace.size(),
                timeText(trace.empty() ? 0.0 : trace.back().seconds), took.count());
-    for (const auto& [kind, account] : accounts) {
-        fmt::print("{:<24} {:>4} times", kind, account.count);
-        if (account.count > 1) {
-            fmt::print(", at least {:.0f} s apart", account.shortestDistance);
+    for (const auto& [kind, found] : events) {
+        fmt::print("{:<24} {:>4} times", kind, found.count);
+        if (found.count > 1) {
+            fmt::print(", at least {:.0f} s apart", found.shortestDistance);
         }
         fmt::print("\n");
     }
@@ -85,13 +87,11 @@ int main(int argc, char** argv) {
     if (argc < 2) {
         return run(syntheticDay());
     }
-    std::ifstream file(argv[1], std::ios::binary);
-    if (!file) {
+    if (!std::ifstream(argv[1])) {
         fmt::print(stderr, "{} cannot be read\n", argv[1]);
         return EXIT_FAILURE;
     }
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    const auto trace = parseLoadTrace(text);
+    const auto trace = parseLoadTrace(fileText(argv[1]));
     if (const auto* error = std::get_if<TraceError>(&trace)) {
         fmt::print(stderr, "{}, line {}: {}\n", argv[1], error->line, error->problem);
         return EXIT_FAILURE;

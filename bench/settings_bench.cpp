@@ -1,4 +1,4 @@
-// What the settings cost the main thread: a tick's write, an event's write, and the start.
+// The cost of the settings on the main thread: the writes of a tick and of an event, and the start.
 
 #include <cstdint>
 #include <cstdlib>
@@ -10,15 +10,18 @@
 
 #include <benchmark/benchmark.h>
 
+#include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/history_encoder.h"
 #include "core/locale.h"
 #include "core/record_json.h"
 #include "core/settings/settings_keys.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
 #include "platform/settings/open_settings_store.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
@@ -62,6 +65,8 @@ public:
         }
     }
     SettingsStore& store() { return *opened_.store; }
+    /// Served, the store learns that its log has been moved, and moves it again when it has grown.
+    ManualMainQueue& mainQueue() { return mainQueue_; }
     void reopen() {
         opened_.store.reset();
         opened_ = open();
@@ -70,29 +75,33 @@ public:
 private:
     OpenedStore open() {
         return openSettingsStore(folder_.path() / "tallowcrest" / "settings.sqlite",
-                                 {queue_, clock_, [](const std::string&) { std::abort(); }});
+                                 {jobs_, clock_, [](const std::string&) { std::abort(); }});
     }
 
     TemporaryFolder folder_;
     SystemClock clock_;
-    ThreadWorkQueue queue_{[] {}};
+    ManualMainQueue mainQueue_;
+    Jobs jobs_{mainQueue_, workQueue_};  // the work queue joins its threads first
+    ThreadWorkQueue workQueue_{[] {}};
     OpenedStore opened_;
 };
 
-/// The encoded text alone. Two in turns: what has not changed would not be written.
-void writeOfHistory(benchmark::State& state) {
+/// Writes an encoded history. Alternates between two texts, because an unchanged one would not be
+/// written.
+void writeHistory(benchmark::State& state) {
     StoreInAFile file;
     JSONData text{record_json::encode(historyOf(state.range(0))).value()};
     JSONData other{record_json::encode(historyOf(state.range(0))).value()};
     for (auto _ : state) {
         file.store().write(settings_keys::historyKey, text);
         std::swap(text, other);
+        file.mainQueue().drain();
     }
     state.counters["bytes"] = static_cast<double>(text.text.size());
 }
 
-/// All that a tick does for the settings: one point more, one less, encode, write.
-void encodeAndWriteOfHistory(benchmark::State& state) {
+/// What a tick does for the settings: drops a point, adds one, encodes and writes the history.
+void encodeAndWriteHistory(benchmark::State& state) {
     StoreInAFile file;
     HistoryEncoder encoder;
     std::vector<HistoryPoint> points = historyOf(state.range(0));
@@ -101,19 +110,19 @@ void encodeAndWriteOfHistory(benchmark::State& state) {
         points.erase(points.begin());
         points.push_back(pointAt(next++));
         file.store().write(settings_keys::historyKey, JSONData{encoder.encode(points).value()});
+        file.mainQueue().drain();
     }
 }
 
-void recordEventOf80(benchmark::State& state) {
+void recordEventInFullLog(benchmark::State& state) {
     StoreInAFile file;
     SystemClock clock;
-    ManualMainQueue mainQueue;
-    SettingsOwner settings(file.store(), mainQueue, "owner");
+    SettingsOwner settings(file.store(), file.mainQueue(), "owner");
     settings.save(stored::activityLog, eventsOf(80));
-    ActivityLog log(clock, settings, mainQueue);
+    ActivityLog log(clock, settings, file.mainQueue());
     for (auto _ : state) {
         log.recordEvent(ActivityKind::action, "Asked a large application to quit.");
-        mainQueue.drain();
+        file.mainQueue().drain();
     }
 }
 
@@ -134,8 +143,8 @@ void fill(SettingsStore& store) {
     store.write(settings_keys::remoteHistoryKey, JSONData{record_json::encode(remote).value()});
 }
 
-/// From a file to a monitor, as at every start of the program.
-void constructionOverAFullStore(benchmark::State& state) {
+/// Builds a monitor on a full store, as each start of the program does. Opening is not timed.
+void constructMonitorOnFullStore(benchmark::State& state) {
     StoreInAFile file;
     fill(file.store());
     SystemClock clock;
@@ -163,8 +172,8 @@ void constructionOverAFullStore(benchmark::State& state) {
     }
 }
 
-/// Opening alone, with the check of the whole file.
-void openingOfAFullStore(benchmark::State& state) {
+/// Opens a full store, which includes the check of the whole file.
+void openFullStore(benchmark::State& state) {
     StoreInAFile file;
     fill(file.store());
     for (auto _ : state) {
@@ -172,15 +181,11 @@ void openingOfAFullStore(benchmark::State& state) {
     }
 }
 
-BENCHMARK(writeOfHistory)->Arg(180)->Arg(720)->Unit(benchmark::kMicrosecond)->UseRealTime();
-BENCHMARK(encodeAndWriteOfHistory)
-    ->Arg(180)
-    ->Arg(720)
-    ->Unit(benchmark::kMicrosecond)
-    ->UseRealTime();
-BENCHMARK(recordEventOf80)->Unit(benchmark::kMicrosecond)->UseRealTime();
-BENCHMARK(constructionOverAFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
-BENCHMARK(openingOfAFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(writeHistory)->Arg(180)->Arg(720)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(encodeAndWriteHistory)->Arg(180)->Arg(720)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(recordEventInFullLog)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(constructMonitorOnFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(openFullStore)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 }  // namespace
 }  // namespace tallowcrest

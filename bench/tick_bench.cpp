@@ -17,6 +17,7 @@
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/tools/tool_launcher_posix.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
@@ -62,7 +63,7 @@ std::shared_ptr<const Locale> americanEnglish() {
     return std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"});
 }
 
-/// A monitor on queues that this benchmark turns, in the steady state of a full history.
+/// A monitor on manual queues, in the steady state of a full history.
 class Bench {
 public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)

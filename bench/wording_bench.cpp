@@ -40,7 +40,7 @@ std::vector<HistoryPoint> busyHistory() {
     return points;
 }
 
-void adviseOnRows(benchmark::State& state) {
+void recommendFromRows(benchmark::State& state) {
     const auto rows = busyTable(state.range(0));
     const IcuLocale locale({"en_US", "en_US"});
     for (auto _ : state) {
@@ -48,7 +48,7 @@ void adviseOnRows(benchmark::State& state) {
     }
 }
 
-void adviseOnTimeline(benchmark::State& state) {
+void recommendFromHistory(benchmark::State& state) {
     const IcuLocale locale({"en_US", "en_US"});
     const auto history = busyHistory();
     const auto cards = buildRecommendations(busyTable(600), 1.5, 90.0, 90.0, locale);
@@ -58,7 +58,7 @@ void adviseOnTimeline(benchmark::State& state) {
     }
 }
 
-void sumUpTheSession(benchmark::State& state) {
+void buildInsights(benchmark::State& state) {
     const IcuLocale locale({"en_US", "en_US"});
     const auto history = busyHistory();
     std::map<std::string, std::int64_t> counts;
@@ -70,9 +70,9 @@ void sumUpTheSession(benchmark::State& state) {
     }
 }
 
-BENCHMARK(adviseOnRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(adviseOnTimeline)->Unit(benchmark::kMicrosecond);
-BENCHMARK(sumUpTheSession)->Unit(benchmark::kMicrosecond);
+BENCHMARK(recommendFromRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(recommendFromHistory)->Unit(benchmark::kMicrosecond);
+BENCHMARK(buildInsights)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace tallowcrest

@@ -16,8 +16,6 @@ function(tallowcrest_layer name)
         PRIVATE tallowcrest_options)
     if("${LAYER_LIBRARIES}" MATCHES "Qt6::Widgets")
         tallowcrest_precompile(${target} qt)
-    elseif(NOT "${LAYER_LIBRARIES}" MATCHES "Qt6::")
-        tallowcrest_precompile(${target} std)
     endif()
 endfunction()
 

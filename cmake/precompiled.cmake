@@ -1,12 +1,12 @@
-# Precompiled headers: the headers that nearly every file of a kind includes, parsed once. A source
-# still includes what it uses; the preset "headless" builds without them and fails otherwise.
+# Precompiled headers: the headers that nearly every file of a kind includes, parsed once. Layers
+# without Qt have none: reading one would take as long as parsing the few headers that they need,
+# and so the compiler shows that they include what they use.
 #
-#   std       the standard library
-#   qt        std, and the toolkit's common headers
-#   test      std, GoogleTest and GoogleMock
+#   qt        the standard library and the toolkit's common headers
+#   test      the standard library, GoogleTest and GoogleMock
 #   qt_test   qt, GoogleTest and GoogleMock
 
-set(PRECOMPILED_std
+set(STANDARD_HEADERS
     <algorithm>
     <array>
     <chrono>
@@ -27,7 +27,7 @@ set(PRECOMPILED_std
     <variant>
     <vector>)
 set(PRECOMPILED_qt
-    ${PRECOMPILED_std}
+    ${STANDARD_HEADERS}
     <QAccessible>
     <QApplication>
     <QBoxLayout>
@@ -45,7 +45,7 @@ set(PRECOMPILED_qt
     <QStringList>
     <QTimer>
     <QWidget>)
-set(PRECOMPILED_test ${PRECOMPILED_std} <gmock/gmock.h> <gtest/gtest.h>)
+set(PRECOMPILED_test ${STANDARD_HEADERS} <gmock/gmock.h> <gtest/gtest.h>)
 set(PRECOMPILED_qt_test ${PRECOMPILED_qt} <gmock/gmock.h> <gtest/gtest.h>)
 
 # tallowcrest_precompile(TARGET KIND): uses the headers of that kind. They are compiled once for all

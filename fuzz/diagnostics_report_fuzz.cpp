@@ -19,7 +19,7 @@ namespace {
 
 using namespace tallowcrest;
 
-/// Takes values from the front of the input; zeros and empty texts at its end.
+/// Takes values from the front of the input; zeros and empty texts when it is used up.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size)

@@ -154,7 +154,7 @@ def gnome_system_monitor(desktop, ticks):
 
 
 def ps(ticks):
-    """The tool alone, as often as ticks are counted."""
+    """The tool, run once for each tick."""
     path = need("ps")
     spent = 0.0
     for _ in range(ticks):

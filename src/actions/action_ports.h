@@ -10,19 +10,20 @@ class CachePurge;
 class GracefulQuit;
 class ProcessControl;
 
-/// What the local actions act through. Shared with the background work under way.
+/// The ports of `LocalActions`. Shared, because background work may outlive the component.
 struct LocalActionPorts {
-    std::shared_ptr<ProcessControl> processes;
-    std::shared_ptr<GracefulQuit> gracefulQuit;  ///< null where nobody can be asked
-    std::shared_ptr<CachePurge> cachePurge;
+    std::shared_ptr<ProcessControl> processes;   ///< never null
+    std::shared_ptr<GracefulQuit> gracefulQuit;  ///< null where no application can be asked
+    std::shared_ptr<CachePurge> cachePurge;      ///< never null
 };
 
+/// The ports of `Actions`.
 struct ActionPorts {
     LocalActionPorts local;
     /// Opens the system's own process viewer; false when none could be opened. Absent without a
     /// desktop. Main thread.
     std::function<bool()> openActivityMonitor;
-    /// Replaces what the desktop's clipboard holds by one plain text. Absent without a desktop.
+    /// Replaces the content of the desktop's clipboard with a plain text. Absent without a desktop.
     /// Main thread.
     std::function<void(const std::string& text)> storeOnPasteboard;
 };

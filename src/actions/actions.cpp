@@ -3,13 +3,12 @@
 #include <utility>
 
 #include "core/activity_log.h"
-#include "core/jobs/jobs.h"
 
 namespace tallowcrest {
 
 Actions::Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,
                  std::function<void()> refresh, ActionPorts ports)
-    : confirmations(services.log, services.jobs.mainQueue()),
+    : confirmations(services.log, services.mainQueue),
       review(services, sample, protection),
       local({services, sample, review, confirmations, protection, std::move(refresh),
              std::move(ports.local)}),

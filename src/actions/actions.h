@@ -13,7 +13,7 @@
 
 namespace tallowcrest {
 
-/// What the owner can do on this machine. Main thread.
+/// The components behind what the owner can do on this machine. Main thread.
 struct Actions {
     /// `refresh` takes a new sample. The references must outlive the object.
     Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,

@@ -10,7 +10,8 @@
 /// Application groups as targets of an action. Pure; any thread.
 namespace tallowcrest {
 
-/// Whether an action may touch this process: neither protected nor of a Never Quit group.
+/// Whether an action may affect this process: it is not protected, and its group is not on the
+/// Never Quit list.
 bool isSafeTarget(const ProcessSample& row, const ProtectedAppNames& protectedAppNames,
                   const ProtectionPolicy& policy);
 
@@ -18,14 +19,14 @@ bool isSafeTarget(const ProcessSample& row, const ProtectedAppNames& protectedAp
 std::vector<ProcessSample> groupMembers(std::span<const ProcessSample> rows,
                                         std::string_view group);
 
-/// Those of them that may be asked to quit.
+/// The rows of the group that are safe targets, in their order.
 std::vector<ProcessSample> visibleMembers(std::span<const ProcessSample> rows,
                                           std::string_view group,
                                           const ProtectedAppNames& protectedAppNames,
                                           const ProtectionPolicy& policy);
 
-/// The first group that may be reviewed as a target: it has a top process, which is a safe target
-/// or has left the table since. Null when there is none. Points into `groups`.
+/// The first group that is not on the Never Quit list and whose top process is a safe target or is
+/// no longer in `rows`. Null when there is none. Points into `groups`.
 const AppImpact* firstSafeGroup(std::span<const AppImpact> groups,
                                 std::span<const ProcessSample> rows,
                                 const ProtectedAppNames& protectedAppNames,

@@ -10,8 +10,8 @@ namespace {
 constexpr std::string_view scriptStart = "tell application \"";
 constexpr std::string_view scriptEnd = "\"\n    if it is running then quit\nend tell";
 
-/// Whether valid UTF-8 has a character at `index` that could end the quoted name or its line.
-/// Refused and not escaped: a name with such a character names no application, it tries something.
+/// Whether the character at `index` of a valid UTF-8 text could end the quoted name or its line.
+/// Such names are refused instead of escaped: no application has one, so it is likely an attack.
 bool isUnsafeAt(std::string_view text, std::size_t index) {
     const auto byteAt = [text](std::size_t at) {
         return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
@@ -20,7 +20,7 @@ bool isUnsafeAt(std::string_view text, std::size_t index) {
     if (byte < 0x20 || byte == 0x7F || byte == '"' || byte == '\\') {
         return true;
     }
-    // The second row of control characters, U+0080 to U+009F, the line break U+0085 among them.
+    // The C1 control characters, U+0080 to U+009F. U+0085 among them ends a line.
     if (byte == 0xC2) {
         return byteAt(index + 1) < 0xA0;
     }

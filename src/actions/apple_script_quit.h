@@ -11,15 +11,16 @@
 
 namespace tallowcrest {
 
-/// The script that asks the application called `name` to quit if it runs. The name stands in it as
-/// it is, between two quotes. Absent for one that would not stay between them, or that no
-/// application can bear: with a quote, a backslash, a control character or a line separator in it,
-/// invalid as UTF-8, or empty. Pure; any thread; of hostile input too.
+/// The script that asks the application called `name` to quit if it is running. It contains the
+/// name in quotes, unchanged. Absent when the name is empty, is invalid UTF-8, or contains a quote,
+/// a backslash, a control character, or a line or paragraph separator. Accepts untrusted input.
+/// Pure; any thread.
 std::optional<std::string> gracefulQuitScript(std::string_view name);
 
-/// Asks by name, with the script tool of macOS. The application answers for all its processes.
-/// False as well when the tool is not allowed or no script can be made of the name; nothing is
-/// launched then. Waits for the application's answer however long it takes.
+/// Asks the application by its name, with the script tool of macOS. Ignores the members, because an
+/// application quits with all its processes. The result is also false when the tool is not allowed
+/// or there is no script for the name; then nothing is launched. Waits for the application's answer
+/// without a deadline.
 class AppleScriptQuit final : public GracefulQuit {
 public:
     /// The references must outlive the object.

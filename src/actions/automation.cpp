@@ -6,8 +6,12 @@
 
 #include <fmt/format.h>
 
+#include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/jobs/jobs.h"
+#include "core/observable.h"
+#include "core/services.h"
+#include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,12 +23,12 @@ constexpr const char* offStatus = "Disk Autopilot is off.";
 struct SwitchWords {
     AutomationSwitch which;
     bool Settings::*field;
-    std::string_view refusal;  ///< empty: the emergency stop does not govern it
+    std::string_view refusal;  ///< empty for a switch that the emergency stop leaves alone
     std::string_view turnedOn;
     std::string_view turnedOff;
 };
 
-// How far Disk Autopilot may go depends on the advisor's mode, so its message has that to add.
+// The advisor's mode limits what Disk Autopilot may do, so the message names the mode.
 constexpr std::string_view diskAutopilotTurnedOn = "Disk Autopilot enabled in {} mode.";
 
 constexpr std::array<SwitchWords, allAutomationSwitches.size()> switchTable{{
@@ -58,32 +62,49 @@ const SwitchWords& wordsOf(AutomationSwitch which) {
                          [which](const SwitchWords& row) { return row.which == which; });
 }
 
+constexpr bool isHeldBack(bool Settings::*field) {
+    return settings_keys::declared(field).underStop.isHeldBack;
+}
+
+static_assert(std::ranges::all_of(switchTable, [](const SwitchWords& row) {
+    return isHeldBack(row.field) != row.refusal.empty();
+}));
+
+std::string statusAtStart(const Settings& settings) {
+    return settings.automationEmergencyStopEngaged ? stoppedStatus
+           : settings.diskAutopilotEnabled         ? watchingStatus
+                                                   : offStatus;
+}
+
 }  // namespace
 
 bool isOn(const Settings& settings, AutomationSwitch which) {
     return settings.*wordsOf(which).field;
 }
 
-bool isGovernedByStop(AutomationSwitch which) {
-    return !wordsOf(which).refusal.empty();
-}
-
-std::string diskAutopilotStatusAtStart(const Settings& settings) {
-    return settings.automationEmergencyStopEngaged ? stoppedStatus
-           : settings.diskAutopilotEnabled         ? watchingStatus
-                                                   : offStatus;
+bool isHeldBackByStop(AutomationSwitch which) {
+    return isHeldBack(wordsOf(which).field);
 }
 
 Automation::Automation(const Services& services)
     : log_(services.log),
       settings_(services.settings),
-      observable_(services.jobs.mainQueue()),
-      diskAutopilotStatus_(diskAutopilotStatusAtStart(services.settings.values())) {}
+      observable_(std::make_unique<Observable>(services.mainQueue)),
+      diskAutopilotStatus_(statusAtStart(services.settings.values())) {}
+
+Automation::~Automation() = default;
+
+bool Automation::isOn(AutomationSwitch which) const {
+    return tallowcrest::isOn(settings_.values(), which);
+}
+
+bool Automation::isStopEngaged() const {
+    return settings_.values().automationEmergencyStopEngaged;
+}
 
 Outcome Automation::set(AutomationSwitch which, bool on) {
     const SwitchWords& words = wordsOf(which);
-    if (on && isStopEngaged() && !words.refusal.empty()) {
-        observable_.changed();
+    if (on && isStopEngaged() && isHeldBack(words.field)) {
         return log_.record(Outcome::refused(std::string(words.refusal)));
     }
     settings_.set(words.field, on);
@@ -100,7 +121,6 @@ Outcome Automation::set(AutomationSwitch which, bool on) {
 
 Outcome Automation::setAutonomyMode(AIAutonomyMode mode) {
     if (isStopEngaged() && mode != AIAutonomyMode::apprentice) {
-        observable_.changed();
         return log_.record(
             Outcome::refused("AI remains in Apprentice mode while Emergency Stop is engaged."));
     }
@@ -109,9 +129,9 @@ Outcome Automation::setAutonomyMode(AIAutonomyMode mode) {
 }
 
 void Automation::engageEmergencyStop() {
-    // First in the store: a kill between two writes must find the stop engaged.
+    // Stored first: after a kill between two writes, the stop must be engaged.
     settings_.set(&Settings::automationEmergencyStopEngaged, true);
-    switchOffGoverned();
+    switchOffHeldBack();
     setDiskAutopilotStatus(stoppedStatus);
     log_.recordEvent(ActivityKind::emergencyStop,
                      "Disabled offender auto-selection, Disk Autopilot, sustained-memory purge, "
@@ -121,10 +141,10 @@ void Automation::engageEmergencyStop() {
     log_.setLastAction("Emergency stop engaged. Automatic actions are disabled.");
 }
 
-void Automation::switchOffGoverned() {
-    for (const SwitchWords& words : switchTable) {
-        if (!words.refusal.empty()) {
-            settings_.set(words.field, false);
+void Automation::switchOffHeldBack() {
+    for (const auto& flag : settings_keys::flags) {
+        if (flag.underStop.isHeldBack) {
+            settings_.set(flag.field, false);
         }
     }
     settings_.set(&Settings::aiAutonomyMode, AIAutonomyMode::apprentice);
@@ -132,9 +152,9 @@ void Automation::switchOffGoverned() {
 
 void Automation::resumeFromEmergencyStop() {
     if (isStopEngaged()) {
-        // Where a kill or a full disk kept the stop from being stored whole, the start brought back
-        // what it had switched off.
-        switchOffGoverned();
+        // If a kill or a full disk kept some changes of the stop from being stored, those
+        // automations are still on in the store.
+        switchOffHeldBack();
     }
     settings_.set(&Settings::automationEmergencyStopEngaged, false);
     setDiskAutopilotStatus(
@@ -147,7 +167,7 @@ void Automation::resumeFromEmergencyStop() {
 
 void Automation::setDiskAutopilotStatus(std::string status) {
     diskAutopilotStatus_ = std::move(status);
-    observable_.changed();
+    observable_->changed();
 }
 
 }  // namespace tallowcrest

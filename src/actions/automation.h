@@ -1,19 +1,22 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <string>
 
-#include "core/activity_log.h"
 #include "core/advisor_records.h"
-#include "core/observable.h"
 #include "core/outcome.h"
-#include "core/services.h"
-#include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
 
-/// What the owner can switch on and off: everything that may act without anybody pressing a button,
-/// and two conveniences beside it.
+class ActivityLog;
+class Observable;
+class SettingsOwner;
+struct Services;
+struct Settings;
+
+/// The owner's switches. The first four are for what acts without a button being pressed, the
+/// others for the advisor's safe actions and for the buttons of notifications.
 enum class AutomationSwitch {
     autoSelectTopOffender,
     autoPurgeSustainedMemory,
@@ -33,54 +36,53 @@ inline constexpr std::array allAutomationSwitches{
 bool isOn(const Settings& settings, AutomationSwitch which);
 
 /// Whether the emergency stop turns it off and keeps it off. Pure.
-bool isGovernedByStop(AutomationSwitch which);
+bool isHeldBackByStop(AutomationSwitch which);
 
-/// The status line of Disk Autopilot at a start. Pure.
-std::string diskAutopilotStatusAtStart(const Settings& settings);
-
-/// The automation switches, and the one emergency stop that throws those of them which act. Each
-/// change is stored at once. Main thread.
+/// The automation switches, and the emergency stop that turns off those that act by themselves.
+/// Each change is stored at once. Main thread.
 class Automation {
 public:
     explicit Automation(const Services& services);
+    ~Automation();
     Automation(const Automation&) = delete;
     Automation& operator=(const Automation&) = delete;
 
-    bool isOn(AutomationSwitch which) const { return tallowcrest::isOn(settings_.values(), which); }
+    bool isOn(AutomationSwitch which) const;
 
-    /// Turns a switch on or off and says so. While the emergency stop is engaged, turning on what
-    /// the stop governs is refused in words, and nothing changes.
+    /// Turns a switch on or off and records a message. While the emergency stop is engaged, turning
+    /// on what it governs is refused with a message, and nothing changes.
     Outcome set(AutomationSwitch which, bool on);
 
-    /// How much the advisor may do by itself. With the stop engaged, anything but apprentice is
-    /// refused in words.
+    /// Sets how much the advisor may do by itself. While the stop is engaged, every mode except
+    /// apprentice is refused with a message.
     Outcome setAutonomyMode(AIAutonomyMode mode);
 
-    /// Turns off everything that acts by itself. It holds across restarts, until it is cleared.
-    /// Repeated, it repeats all its steps. What a person has been asked already can still be
-    /// confirmed, and work that is under way runs to its end.
+    /// Turns off everything that acts by itself. The stop remains engaged across restarts until it
+    /// is cleared. Engaging it again repeats all steps. A pending request can still be confirmed,
+    /// and work that is under way is completed.
     void engageEmergencyStop();
 
-    /// Clears the stop. Each automation is turned on again by hand: what a stop that was stored in
-    /// part left on is switched off first.
+    /// Clears the stop. The automations that it governs remain off until the owner turns them on
+    /// again, even if the stop was stored only in part. If no stop is engaged, no switch changes.
     void resumeFromEmergencyStop();
 
-    bool isStopEngaged() const { return settings_.values().automationEmergencyStopEngaged; }
+    bool isStopEngaged() const;
 
+    /// The status line of Disk Autopilot.
     const std::string& diskAutopilotStatus() const { return diskAutopilotStatus_; }
     void setDiskAutopilotStatus(std::string status);
 
-    /// Tells of `diskAutopilotStatus`, and of a refusal, so that the control that asked shows the
-    /// old value again. The switches are settings.
-    Observable& observable() { return observable_; }
+    /// Notifies of a changed `diskAutopilotStatus`. The switches, the mode and the stop are
+    /// settings.
+    Observable& observable() { return *observable_; }
 
 private:
-    /// Switches off, in memory and in the store, everything that the stop governs.
-    void switchOffGoverned();
+    /// Switches off, in memory and in the store, everything that the stop holds back.
+    void switchOffHeldBack();
 
     ActivityLog& log_;
     SettingsOwner& settings_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     std::string diskAutopilotStatus_;
 };
 

@@ -10,11 +10,11 @@ std::vector<ToolRequest> macOSPurgeTools() {
 
 std::vector<ToolRequest> linuxPurgeTools(bool isRoot) {
     const std::string sysctl = "/usr/sbin/sysctl";
-    // 1 stands for the page cache alone; the kernel's own lists of files are no file caches.
+    // 1 drops the page cache only. The kernel's directory and inode caches are not file caches.
     const std::string setting = "vm.drop_caches=1";
     return {{.path = "/usr/bin/sync"},
             isRoot ? ToolRequest{.path = sysctl, .arguments = {"-w", setting}}
-                   // Its own prompt would wait for a terminal that nobody looks at.
+                   // Without the option it could wait for a password on a terminal nobody watches.
                    : ToolRequest{.path = "/usr/bin/pkexec",
                                  .arguments = {"--disable-internal-agent", sysctl, "-w", setting}}};
 }

@@ -8,17 +8,17 @@
 
 namespace tallowcrest {
 
-/// What became of purging the file caches.
+/// The result of purging the file caches.
 struct PurgeResult {
     enum class Outcome {
         purged,
-        refused,  ///< a tool ran and reported failure, as when the owner may not purge
-        blocked,  ///< a tool is not allowed here; from it on nothing was launched
+        refused,  ///< a tool ran and failed, for example because the owner may not purge
+        blocked,  ///< a tool is not allowed here; neither it nor a later one was launched
         failed,   ///< a tool could not be launched
     };
 
     Outcome outcome = Outcome::failed;
-    std::string error;  ///< the platform's words for `failed`, else empty
+    std::string error;  ///< the system's message for `failed`, else empty
 
     bool operator==(const PurgeResult&) const = default;
 };
@@ -37,7 +37,7 @@ public:
 std::vector<ToolRequest> macOSPurgeTools();
 
 /// The same for Linux: changed pages are written out first, because only clean ones can be dropped.
-/// Dropping is for root, so anybody else is asked for authorisation by the desktop.
+/// Only root may drop them, so the desktop asks any other user for authorisation.
 std::vector<ToolRequest> linuxPurgeTools(bool isRoot);
 
 /// Purges by launching tools one after another until one fails.

@@ -19,7 +19,7 @@ constexpr std::size_t maximumHostLength = 253;
 constexpr std::int64_t lowestPID = 2;
 constexpr std::int64_t highestPID = 2147483647;
 
-// Written out because the library's classification follows the locale.
+// The standard library's classification is not used, because it depends on the locale.
 bool isLetter(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
@@ -60,8 +60,8 @@ std::optional<std::string> validatedSSHHost(std::string_view text) {
     if (host.empty() || host.size() > maximumHostLength) {
         return std::nullopt;
     }
-    // The pattern refuses it as well. Kept apart because the value lands in an argument list, where
-    // a leading hyphen would make it an option, whatever becomes of the pattern.
+    // The pattern below refuses this too. It is checked separately because the value becomes an
+    // argument, and a leading hyphen would make it an option even if the pattern were changed.
     if (host.front() == '-') {
         return std::nullopt;
     }

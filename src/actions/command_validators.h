@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// The tests of everything that ends up in a command line. Pure; any thread; of hostile input too.
+/// Checks of everything that becomes part of a command line. They accept untrusted input. Pure; any
+/// thread.
 namespace tallowcrest::CommandSafetyPolicy {
 
 /// The name without surrounding white space: a letter or underscore, then letters, digits and
@@ -20,15 +21,15 @@ std::optional<std::string> validatedSSHHost(std::string_view text);
 /// "user@host", or the host alone for an empty user. Absent when either part is invalid.
 std::optional<std::string> sshTarget(std::string_view user, std::string_view host);
 
-/// Absent below 2 and above 2147483647.
+/// `pid` itself. Absent below 2 and above 2147483647.
 std::optional<std::int64_t> validatedPID(std::int64_t pid);
 
-/// The command line for a remote shell that asks one process to end and says "quit_ok" on success.
-/// Absent for a pid that `validatedPID` refuses.
+/// The command line for a remote shell that asks one process to end and prints "quit_ok" on
+/// success. Absent for a pid that `validatedPID` refuses.
 std::optional<std::string> remoteTerminateCommand(std::int64_t pid);
 
-/// `text` as one word of a POSIX shell, for command lines that a remote shell or a person's own
-/// will read; none is started on this machine.
+/// `text` quoted as one word of a POSIX shell, for command lines that a remote shell runs or that
+/// the owner copies. This program starts no shell on this machine.
 std::string shellQuoted(std::string_view text);
 
 }  // namespace tallowcrest::CommandSafetyPolicy

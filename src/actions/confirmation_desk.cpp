@@ -4,7 +4,15 @@
 
 #include <fmt/format.h>
 
+#include "core/activity_log.h"
+#include "core/observable.h"
+
 namespace tallowcrest {
+
+ConfirmationDesk::ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue)
+    : log_(log), observable_(std::make_unique<Observable>(mainQueue)) {}
+
+ConfirmationDesk::~ConfirmationDesk() = default;
 
 void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
     handlers_.insert_or_assign(std::move(kind), std::move(handler));
@@ -14,17 +22,17 @@ void ConfirmationDesk::requestConfirmation(ConfirmationRequest request,
                                            std::vector<std::string> targetPaths) {
     pending_ = std::move(request);
     targetPaths_ = std::move(targetPaths);
-    observable_.changed();
+    observable_->changed();
 }
 
 void ConfirmationDesk::confirmPending() {
     if (!pending_) {
         return;
     }
-    // First of all, so that a second press cannot run the request twice.
+    // Before the handler is called, so that a second press cannot run the request twice.
     const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
     targetPaths_.clear();
-    observable_.changed();
+    observable_->changed();
     const auto handler = handlers_.find(request.kind);
     if (handler == handlers_.end()) {
         log_.recordMessage(fmt::format("No handler for confirmation: {}.", request.kind));
@@ -34,12 +42,12 @@ void ConfirmationDesk::confirmPending() {
 }
 
 void ConfirmationDesk::cancelPending() {
-    observable_.changed();
+    observable_->changed();
     targetPaths_.clear();
     if (!pending_) {
         return;
     }
-    // Out of the way first, for the owner of its kind may ask for something else right away.
+    // Before the handler is called, because that may request another confirmation.
     const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
     log_.recordMessage(fmt::format("Canceled: {}.", request.title));
     const auto handler = handlers_.find(request.kind);

@@ -2,57 +2,63 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "core/activity_log.h"
 #include "core/local_records.h"
-#include "core/observable.h"
 
 namespace tallowcrest {
 
-/// Holds the one change that waits for the owner's explicit yes, and hands it to its owner then.
-/// Which changes there are is known to those who register their kinds. Main thread.
+class ActivityLog;
+class MainQueue;
+class Observable;
+
+/// Holds the one change that waits for the owner's explicit confirmation. The component that makes
+/// a kind of change registers the handler for it. Main thread.
 class ConfirmationDesk {
 public:
-    /// What the owner of a kind does with a request of it.
+    /// Called with the answered request, which is no longer pending then.
     struct Handler {
-        /// The request is pending no more when this runs.
         std::function<void(const ConfirmationRequest&)> confirm;
-        /// What a cancellation means beyond the message; may be absent.
-        std::function<void(const ConfirmationRequest&)> cancel;
+        std::function<void(const ConfirmationRequest&)> cancel;  ///< may be absent
     };
 
-    ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue) : log_(log), observable_(mainQueue) {}
+    /// The references must outlive the object.
+    ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue);
+    ~ConfirmationDesk();
     ConfirmationDesk(const ConfirmationDesk&) = delete;
     ConfirmationDesk& operator=(const ConfirmationDesk&) = delete;
 
-    /// Once per kind, by its owner, before the first request of that kind.
+    /// Called once per kind, before its first request.
     void registerKind(std::string kind, Handler handler);
 
+    /// Absent when no request is pending.
     const std::optional<ConfirmationRequest>& pendingConfirmation() const { return pending_; }
-    /// The executables that the pending request is about, whole paths; empty when it has no target
-    /// on this machine, or one that nothing is known of.
+    /// The paths of the executables that the pending request affects. Empty when it affects none on
+    /// this machine, or when they are unknown.
     const std::vector<std::string>& targetPaths() const { return targetPaths_; }
 
-    /// Asks for a yes. An older request is replaced without a word: it is neither confirmed nor
-    /// cancelled.
+    /// Makes `request` the pending one. It replaces an older one without a message and without a
+    /// call of its handler.
     void requestConfirmation(ConfirmationRequest request,
                              std::vector<std::string> targetPaths = {});
 
-    /// Hands the pending request to the owner of its kind; without one, does nothing. A second call
-    /// finds nothing pending, so no request runs twice.
+    /// Ends the pending request and calls the handler of its kind, or records that there is none.
+    /// Does nothing when no request is pending, so no request runs twice.
     void confirmPending();
 
-    /// Drops the pending request and says so. Any dismissal but the yes itself is this.
+    /// Ends the pending request, records a message and calls the handler of its kind, if there is
+    /// one. Without a pending request, only notifies observers. Every way to close the question
+    /// other than confirming it is a cancellation.
     void cancelPending();
 
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
 private:
     ActivityLog& log_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     std::map<std::string, Handler, std::less<>> handlers_;
     std::optional<ConfirmationRequest> pending_;
     std::vector<std::string> targetPaths_;

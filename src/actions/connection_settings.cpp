@@ -9,19 +9,19 @@
 
 namespace tallowcrest::connection_settings {
 
-Outcome setSSHUsername(const Services& services, std::string_view text) {
+Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_view text) {
     const auto name = CommandSafetyPolicy::validatedSSHUsername(text);
     if (!name) {
-        return services.log.record(
+        return log.record(
             Outcome::refused("SSH usernames may contain only letters, numbers, period, "
                              "underscore, and hyphen."));
     }
-    services.settings.set(&Settings::sshUsername, *name);
+    settings.set(&Settings::sshUsername, *name);
     return Outcome::done();
 }
 
-void setOpenAIModel(const Services& services, std::string_view text) {
-    services.settings.set(&Settings::openAIModel, std::string(trimmingWhiteSpace(text)));
+void setOpenAIModel(SettingsOwner& settings, std::string_view text) {
+    settings.set(&Settings::openAIModel, std::string(trimmingWhiteSpace(text)));
 }
 
 }  // namespace tallowcrest::connection_settings

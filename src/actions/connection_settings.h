@@ -3,16 +3,22 @@
 #include <string_view>
 
 #include "core/outcome.h"
-#include "core/services.h"
 
-/// The settings that name what the program talks to. Main thread.
+namespace tallowcrest {
+
+class ActivityLog;
+class SettingsOwner;
+
+}  // namespace tallowcrest
+
+/// The settings for connections to other machines and to the advisor's provider. Main thread.
 namespace tallowcrest::connection_settings {
 
-/// The user name for other machines, trimmed; nothing left of it is stored as empty and stands for
-/// no name. An invalid one changes nothing and is refused.
-Outcome setSSHUsername(const Services& services, std::string_view text);
+/// Sets the user name for other machines, trimmed. An empty name means that connections name no
+/// user. An invalid name changes nothing and is refused with a message.
+Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_view text);
 
-/// The provider's model, trimmed and otherwise as given.
-void setOpenAIModel(const Services& services, std::string_view text);
+/// Sets the provider's model, trimmed and otherwise unchanged. Any text is accepted.
+void setOpenAIModel(SettingsOwner& settings, std::string_view text);
 
 }  // namespace tallowcrest::connection_settings

@@ -13,7 +13,7 @@ public:
     /// False when no such application could be opened.
     using Open = std::function<bool()>;
 
-    /// An absent `openActivityMonitor` means that there is no desktop to open anything on.
+    /// `openActivityMonitor` is absent without a desktop.
     ExternalApplications(ActivityLog& log, Open openActivityMonitor)
         : log_(log), openActivityMonitor_(std::move(openActivityMonitor)) {}
 

@@ -14,11 +14,11 @@ class GracefulQuit {
 public:
     virtual ~GracefulQuit() = default;
 
-    /// True only when the application was asked and the asking succeeded; it may still take its
-    /// time, or decline. `members` are the processes that may be asked, in list order: where
-    /// applications are found by their processes, no other one is. Nobody is asked in a synthetic
-    /// group's name. Blocks while the application is asked; any thread but the main one, several
-    /// calls at once.
+    /// True when the application was asked successfully; it may then quit later, or not at all.
+    /// `members` are the processes that may be asked, in list order: a platform that finds
+    /// applications by their processes asks no others. For a synthetic group name, nothing is asked
+    /// and the result is false. Blocks while the application is asked; any thread but the main one,
+    /// several calls at once.
     bool gracefulAppQuit(const std::string& name, const std::vector<ProcessSample>& members);
 
 private:
@@ -26,8 +26,8 @@ private:
     virtual bool ask(const std::string& name, const std::vector<ProcessSample>& members) = 0;
 };
 
-/// Whether `name` is one that this system itself gives to programs of one kind, as "Python" is. No
-/// application bears those names, so nobody could be asked by them. Pure; any thread.
+/// Whether `name` is a name that this program gives to a group of different programs, for example
+/// "Python". No application has such a name, so none can be asked by it. Pure; any thread.
 bool isSyntheticGroupName(std::string_view name);
 
 }  // namespace tallowcrest

@@ -43,7 +43,7 @@ private:
     ToolLauncher& launcher_;
     KillTool::StartTimeOf startTimeOf_;
     std::int64_t pid_;
-    std::uint64_t startTime_;  ///< 0 when no process bore the number
+    std::uint64_t startTime_;  ///< 0 when no process had the pid
 };
 
 }  // namespace

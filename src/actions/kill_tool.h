@@ -11,13 +11,13 @@
 
 namespace tallowcrest {
 
-/// Signals processes with `/bin/kill`, where the system has no handle that stands for one process.
-/// The start time is looked at right before the launch, which leaves a gap of a launch's length:
-/// nothing closes it there.
+/// Signals processes with `/bin/kill`, for systems without a handle that refers to one process. The
+/// start time is checked right before the launch. A pid that is reused between the check and the
+/// signal is not noticed; such systems offer no way to prevent this.
 class KillTool final : public ProcessControl {
 public:
-    /// When the process with that number began, in the unit of `ProcessSample::startTime`; 0 when
-    /// there is no such process.
+    /// The start time of the process with this pid, in the unit of `ProcessSample::startTime`; 0
+    /// when there is no such process. Main thread.
     using StartTimeOf = std::function<std::uint64_t(std::int64_t pid)>;
 
     /// The references must outlive the object and every process that it holds.

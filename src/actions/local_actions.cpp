@@ -6,11 +6,18 @@
 #include <fmt/format.h>
 
 #include "actions/app_group.h"
+#include "actions/cache_purge.h"
 #include "actions/command_validators.h"
+#include "actions/confirmation_desk.h"
+#include "actions/graceful_quit.h"
 #include "actions/local_requests.h"
+#include "actions/process_control.h"
+#include "actions/review_target.h"
 #include "core/activity_log.h"
+#include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "sampling/app_impact.h"
+#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 namespace {
@@ -31,7 +38,7 @@ std::vector<std::string> distinctPaths(const std::vector<ProcessSample>& rows) {
 
 LocalActions::LocalActions(Dependencies dependencies)
     : with_(std::move(dependencies)),
-      observable_(with_.services.jobs.mainQueue()),
+      observable_(std::make_unique<Observable>(with_.services.mainQueue)),
       jobs_(with_.services.jobs) {
     with_.confirmations.registerKind(
         std::string(local_requests::quitProcessKind),
@@ -48,6 +55,8 @@ LocalActions::LocalActions(Dependencies dependencies)
                                      {[this](const ConfirmationRequest&) { runPurge(); }, {}});
 }
 
+LocalActions::~LocalActions() = default;
+
 Outcome LocalActions::requestQuitSelectedProcess() {
     const std::optional<std::int64_t> pid = with_.review.selectedPID();
     if (!pid) {
@@ -61,17 +70,17 @@ Outcome LocalActions::requestQuitSelectedProcess() {
     const std::string name =
         row != nullptr ? std::string(row->displayName()) : fmt::format("process {}", *pid);
     ConfirmationRequest request = local_requests::quitProcess(name, *pid);
-    // Those of the row that was reviewed, where the process has left the table since.
+    // If the process is no longer in the table, the path and start time of the reviewed row.
     const std::string& path = row != nullptr ? row->command : with_.review.selectedCommand();
     const std::uint64_t startTime =
         row != nullptr ? row->startTime : with_.review.selectedStartTime();
-    // Of a process that is gone and never had a start time nobody can tell whether it still is the
-    // one that bears the number.
-    const bool isUntold = row == nullptr && startTime == 0 && !path.empty();
+    // The process is no longer in the table and its start time was never known, so its pid may
+    // belong to another process by now.
+    const bool isUnidentifiable = row == nullptr && startTime == 0 && !path.empty();
     reviewed_ = {request.id, nullptr};
-    if (CommandSafetyPolicy::validatedPID(*pid) && !isUntold) {
-        // A row without a start time stands for the process that bears its number at this moment,
-        // and so does a number that no row ever told of.
+    if (CommandSafetyPolicy::validatedPID(*pid) && !isUnidentifiable) {
+        // With a start time of 0 this holds whichever process has the pid now: the row had no start
+        // time, or there never was a row.
         reviewed_.process = with_.ports.processes->hold(*pid, startTime);
     }
     with_.confirmations.requestConfirmation(
@@ -80,33 +89,34 @@ Outcome LocalActions::requestQuitSelectedProcess() {
     return Outcome::asked();
 }
 
-Outcome LocalActions::quitProcess(const ConfirmationRequest& request) {
+void LocalActions::quitProcess(const ConfirmationRequest& request) {
     if (!request.pid) {
-        return Outcome::refused({});
+        return;
     }
     const std::int64_t pid = *request.pid;
     Reviewed reviewed = std::exchange(reviewed_, {});
     if (reviewed.request != request.id || reviewed.process == nullptr) {
-        return record(Outcome::refused(invalidRequest));
+        record(Outcome::refused(invalidRequest));
+        return;
     }
     const TerminationResult result = reviewed.process->terminate();
     switch (result.outcome) {
         case TerminationResult::Outcome::blocked:
-            return record(Outcome::refused(invalidRequest));
+            record(Outcome::refused(invalidRequest));
+            return;
         case TerminationResult::Outcome::failed:
-            return record(
+            record(
                 Outcome::failed(fmt::format("Could not quit process {}: {}", pid, result.error)));
+            return;
         case TerminationResult::Outcome::asked:
+            record(Outcome::done(fmt::format("Asked process {} to quit.", pid)));
+            break;
         case TerminationResult::Outcome::refused:
+            record(Outcome::failed(
+                fmt::format("Could not quit process {}. It may be protected.", pid)));
             break;
     }
-    Outcome outcome =
-        result.outcome == TerminationResult::Outcome::asked
-            ? Outcome::done(fmt::format("Asked process {} to quit.", pid))
-            : Outcome::failed(fmt::format("Could not quit process {}. It may be protected.", pid));
-    outcome = record(std::move(outcome));
     with_.refresh();
-    return outcome;
 }
 
 Outcome LocalActions::requestQuitSelectedApp() {
@@ -133,40 +143,41 @@ Outcome LocalActions::requestQuitSelectedApp() {
     return Outcome::asked();
 }
 
-Outcome LocalActions::quitAppGroup(const std::string& group) {
-    const auto [asking, isNew] = membersOfAskedGroups_.try_emplace(group);
+void LocalActions::quitAppGroup(const std::string& group) {
+    const auto [entry, isNew] = membersOfAskedGroups_.try_emplace(group);
     if (!isNew) {
-        // A second asking beside the first would find windows closed already, and end what saves.
-        return record(Outcome::refused(fmt::format("{} is still being asked to quit.", group)));
+        // Asked a second time, the application may have closed its windows already, and would get
+        // TERM while it is still saving.
+        record(Outcome::refused(fmt::format("{} is still being asked to quit.", group)));
+        return;
     }
-    asking->second = membersForTerm(group);
+    entry->second = membersForTerm(group);
     if (with_.ports.gracefulQuit == nullptr) {
         finishAppGroup(group, false);
-        return Outcome::done();
+        return;
     }
-    // A group that was put on the Never Quit list meanwhile is still asked, for it was confirmed by
-    // its name; it just is not made to quit.
+    // A group that was put on the Never Quit list meanwhile is still asked, because the owner
+    // confirmed it by its name, but its processes get no TERM.
     std::vector<ProcessSample> members =
         visibleMembers(with_.sample.latestProcesses(), group, {}, with_.protection);
-    // An application may take its time to answer, and the window must not wait with it.
+    // In the background, because an application may take long to answer.
     jobs_.run(
         Lane::actions,
         [quit = with_.ports.gracefulQuit, group, members = std::move(members)](const Stop&) {
             return quit->gracefulAppQuit(group, members);
         },
         [this, group](bool wasAsked) { finishAppGroup(group, wasAsked); });
-    return Outcome::asked();
 }
 
 std::vector<LocalActions::GroupMember> LocalActions::membersForTerm(const std::string& group) {
     std::vector<GroupMember> result;
-    // From the rows of this moment: what was shown when the request was built may have gone.
+    // From the current rows, because those shown with the request may have ended.
     for (ProcessSample& row :
          visibleMembers(with_.sample.latestProcesses(), group, neverQuit(), with_.protection)) {
         if (CommandSafetyPolicy::validatedPID(row.pid)) {
-            // While the application is asked a number may change hands. Only those are held that
-            // nothing else would tell apart then: a group may have hundreds of members, and each
-            // hold may take a descriptor.
+            // A pid may be reused while the application is asked. Only processes without a start
+            // time, which nothing else identifies, are held: a group may have hundreds of members,
+            // and each hold may take a descriptor.
             auto process = row.startTime == 0 ? with_.ports.processes->hold(row.pid, 0) : nullptr;
             result.push_back({std::move(row), std::move(process)});
         }
@@ -181,7 +192,7 @@ void LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefu
         record(Outcome::done(fmt::format("Asked {} to quit gracefully.", group)));
     } else {
         for (GroupMember& member : members) {
-            // The list of what may not be quit can have grown while the application was asked.
+            // The Never Quit list may have changed while the application was asked.
             if (!isSafeTarget(member.row, neverQuit(), with_.protection)) {
                 continue;
             }
@@ -189,8 +200,7 @@ void LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefu
                 member.process != nullptr
                     ? std::move(member.process)
                     : with_.ports.processes->hold(member.row.pid, member.row.startTime);
-            // A process that would not be asked stays in the next sample's list, which is all that
-            // a person needs to see.
+            // The result is ignored: a process that was not signalled stays in the next sample.
             process->terminate();
         }
         record(Outcome::done(fmt::format("Asked {}'s visible processes to quit.", group)));
@@ -204,20 +214,20 @@ Outcome LocalActions::requestPurge() {
     return Outcome::asked();
 }
 
-Outcome LocalActions::runPurge() {
+void LocalActions::runPurge() {
     if (std::exchange(isPurging_, true)) {
-        return record(Outcome::refused("File caches are being purged already."));
+        record(Outcome::refused("File caches are being purged already."));
+        return;
     }
-    observable_.changed();
+    observable_->changed();
     jobs_.run(
         Lane::actions, [purge = with_.ports.cachePurge](const Stop&) { return purge->purge(); },
         [this](const PurgeResult& result) { finishPurge(result); });
-    return Outcome::asked();
 }
 
 void LocalActions::finishPurge(const PurgeResult& result) {
     isPurging_ = false;
-    observable_.changed();
+    observable_->changed();
     switch (result.outcome) {
         case PurgeResult::Outcome::blocked:
             record(Outcome::refused("Blocked an executable outside the command allowlist."));
@@ -268,14 +278,24 @@ Outcome LocalActions::optimizeSafely() {
 
 Outcome LocalActions::toggleNeverQuit(const std::string& group) {
     TextSet names = neverQuit();
-    const bool wasThere = names.erase(group) > 0;
-    if (!wasThere) {
-        names.insert(group);
+    if (!names.insert(group).second) {
+        return removeFromNeverQuit(group);
     }
+    return setNeverQuit(std::move(names), fmt::format("{} added to Never Quit.", group));
+}
+
+Outcome LocalActions::removeFromNeverQuit(const std::string& group) {
+    TextSet names = neverQuit();
+    if (names.erase(group) == 0) {
+        return Outcome::refused({});
+    }
+    return setNeverQuit(std::move(names), fmt::format("{} removed from Never Quit.", group));
+}
+
+Outcome LocalActions::setNeverQuit(TextSet names, std::string message) {
     with_.services.settings.set(&Settings::protectedAppNames, std::move(names));
     with_.sample.regroup(neverQuit(), with_.protection);
-    return record(Outcome::done(
-        fmt::format("{} {} Never Quit.", group, wasThere ? "removed from" : "added to")));
+    return record(Outcome::done(std::move(message)));
 }
 
 const TextSet& LocalActions::neverQuit() const {

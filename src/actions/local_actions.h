@@ -8,20 +8,21 @@
 #include <vector>
 
 #include "actions/action_ports.h"
-#include "actions/cache_purge.h"
-#include "actions/confirmation_desk.h"
-#include "actions/graceful_quit.h"
-#include "actions/process_control.h"
-#include "actions/review_target.h"
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
-#include "core/observable.h"
 #include "core/outcome.h"
 #include "core/services.h"
-#include "sampling/latest_sample.h"
+#include "core/settings/settings.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
+
+class ConfirmationDesk;
+class HeldProcess;
+class LatestSample;
+class Observable;
+class ReviewTarget;
+struct PurgeResult;
 
 /// The only operations that act on other programs of this machine. Each has two halves: a request
 /// half that checks and asks for a confirmation, and an execution half that the confirmation runs,
@@ -42,57 +43,66 @@ public:
 
     /// Registers the kinds of confirmation that it owns.
     explicit LocalActions(Dependencies dependencies);
+    ~LocalActions();
     LocalActions(const LocalActions&) = delete;
     LocalActions& operator=(const LocalActions&) = delete;
 
-    /// Asks for a yes to quitting the process under review, unless it is protected. One that is not
-    /// in the latest sample is let through under its number: the dialog is the last look at it.
+    /// Requests confirmation to quit the process under review; refused without one and for a
+    /// protected one. A process that is not in the latest sample is not checked for protection; the
+    /// request names it by its pid.
     Outcome requestQuitSelectedProcess();
-    /// The same for the group under review, else for the heaviest one.
+    /// The same for the group under review, or for the heaviest one when none is selected. Also
+    /// refused when the group has no process that may be quit.
     Outcome requestQuitSelectedApp();
+    /// Requests confirmation to purge the file caches. Never refused.
     Outcome requestPurge();
 
-    /// Selects a process that is safe to review, and asks for a purge when memory pressure is at or
-    /// above the warning threshold. Quits nothing and purges nothing.
+    /// Selects a process that is safe to review, and requests a purge when memory pressure is at or
+    /// above the warning threshold. Quits nothing and purges nothing. Refused before the first
+    /// sample.
     Outcome optimizeSafely();
 
-    /// Puts a group on the owner's Never Quit list, or takes it off.
+    /// Puts a group on the owner's Never Quit list, or takes it off, and regroups the latest sample
+    /// at once.
     Outcome toggleNeverQuit(const std::string& group);
+    /// Only takes it off. Refused without words when it is not on the list.
+    Outcome removeFromNeverQuit(const std::string& group);
 
-    /// Whether a confirmed purge is under way. Another one is not begun meanwhile.
+    /// Whether a confirmed purge is under way. Another one is refused meanwhile.
     bool isPurging() const { return isPurging_; }
 
-    /// Tells of `isPurging`.
-    Observable& observable() { return observable_; }
+    /// Notifies of changes of `isPurging`.
+    Observable& observable() { return *observable_; }
 
 private:
-    /// The process that a pending request is about, held since the request was built.
+    /// The process of a pending request, held since the request was made.
     struct Reviewed {
         UUID request;
-        /// Null for a number that no process can have, and for a process that is gone and of which
-        /// no start time was ever known.
+        /// Null for an invalid pid, and for a process that is gone and whose start time was never
+        /// known.
         std::unique_ptr<HeldProcess> process;
     };
 
-    /// A process that may get TERM when its group is not asked gracefully.
+    /// A process that may get TERM when its application could not be asked to quit.
     struct GroupMember {
         ProcessSample row;
-        /// Null where the row's start time tells the process from a later one.
+        /// Null when the row has a start time, which identifies the process.
         std::unique_ptr<HeldProcess> process;
     };
 
-    Outcome quitProcess(const ConfirmationRequest& request);
-    Outcome quitAppGroup(const std::string& group);
+    void quitProcess(const ConfirmationRequest& request);
+    void quitAppGroup(const std::string& group);
     void finishAppGroup(const std::string& group, bool wasAskedGracefully);
     std::vector<GroupMember> membersForTerm(const std::string& group);
-    Outcome runPurge();
+    void runPurge();
     void finishPurge(const PurgeResult& result);
 
     const TextSet& neverQuit() const;
+    Outcome setNeverQuit(TextSet names, std::string message);
     Outcome record(Outcome outcome) const;
 
     Dependencies with_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     Reviewed reviewed_;
     bool isPurging_ = false;
     std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;

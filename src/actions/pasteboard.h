@@ -8,16 +8,16 @@
 
 namespace tallowcrest {
 
-/// Puts texts where the owner can paste them from. Main thread.
+/// Copies texts to the clipboard. Main thread.
 class Pasteboard {
 public:
-    /// Replaces what the desktop's clipboard holds by one plain text.
+    /// Replaces the content of the desktop's clipboard with a plain text.
     using Store = std::function<void(const std::string& text)>;
 
-    /// An absent `store` means that there is no desktop to paste in.
+    /// `store` is absent without a desktop.
     Pasteboard(ActivityLog& log, Store store) : log_(log), store_(std::move(store)) {}
 
-    /// Stores `text` and records `message`.
+    /// Copies `text` and records `message`. Without a clipboard it fails with a message of its own.
     Outcome copyToPasteboard(const std::string& text, const std::string& message) {
         if (!store_) {
             return log_.record(Outcome::failed("There is no clipboard here."));

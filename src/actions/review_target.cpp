@@ -6,9 +6,13 @@
 #include <fmt/format.h>
 
 #include "actions/app_group.h"
+#include "core/activity_log.h"
 #include "core/jobs/jobs.h"
+#include "core/observable.h"
+#include "core/services.h"
 #include "core/settings/settings_owner.h"
 #include "sampling/app_impact.h"
+#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 namespace {
@@ -23,12 +27,14 @@ ReviewTarget::ReviewTarget(const Services& services, const LatestSample& sample,
       settings_(services.settings),
       sample_(sample),
       policy_(policy),
-      observable_(services.jobs.mainQueue()),
+      observable_(std::make_unique<Observable>(services.mainQueue)),
       optimizeStep_(firstStep) {}
+
+ReviewTarget::~ReviewTarget() = default;
 
 void ReviewTarget::setOptimizeStep(std::string step) {
     optimizeStep_ = std::move(step);
-    observable_.changed();
+    observable_->changed();
 }
 
 void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser) {
@@ -38,7 +44,7 @@ void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy c
     selectedCommand_ = row == nullptr ? std::string() : row->command;
     selectedAppImpactName_ = std::move(groupName);
     chosenBy_ = chooser;
-    observable_.changed();
+    observable_->changed();
 }
 
 void ReviewTarget::selectProcess(const ProcessSample& process) {
@@ -51,14 +57,21 @@ void ReviewTarget::selectProcess(const ProcessSample& process) {
 }
 
 Outcome ReviewTarget::selectFirstProcess(const std::vector<ProcessSample>& visibleRows) {
-    if (visibleRows.empty()) {
+    return selectListed(visibleRows.empty() ? nullptr : &visibleRows.front());
+}
+
+Outcome ReviewTarget::selectProcessWithPID(std::int64_t pid) {
+    return selectListed(findProcess(sample_.latestProcesses(), pid));
+}
+
+Outcome ReviewTarget::selectListed(const ProcessSample* row) {
+    if (row == nullptr) {
         log_.setLastAction("No process is available to select.");
         return Outcome::refused(log_.lastAction());
     }
-    const ProcessSample& first = visibleRows.front();
-    selectProcess(first);
+    selectProcess(*row);
     log_.setLastAction(fmt::format(
-        "Selected {} from CPU + Memory Processes. No action has run yet.", first.displayName()));
+        "Selected {} from CPU + Memory Processes. No action has run yet.", row->displayName()));
     return Outcome::done(log_.lastAction());
 }
 
@@ -86,7 +99,7 @@ Outcome ReviewTarget::selectTopApp() {
         return log_.record(Outcome::refused("No app impact sample is available yet."));
     }
     const AppImpact& group = snapshot->appImpacts.front();
-    // A top process that has left the table since is let through: reviewing it harms nothing.
+    // A top process that is no longer in the table is accepted, because reviewing does no harm.
     const ProcessSample* row = findProcess(sample_.latestProcesses(), *group.topPID);
     if (row != nullptr && isProtectedTarget(*row)) {
         return log_.record(Outcome::refused(

@@ -1,19 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "core/activity_log.h"
 #include "core/local_records.h"
-#include "core/observable.h"
 #include "core/outcome.h"
-#include "core/services.h"
-#include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
+
+class ActivityLog;
+class LatestSample;
+class Observable;
+class SettingsOwner;
+struct Services;
 
 /// What the target card shows. All empty when nothing is selected.
 struct SelectedTargetSummary {
@@ -30,57 +33,69 @@ class ReviewTarget {
 public:
     /// The references must outlive the object.
     ReviewTarget(const Services& services, const LatestSample& sample, ProtectionPolicy policy);
+    ~ReviewTarget();
     ReviewTarget(const ReviewTarget&) = delete;
     ReviewTarget& operator=(const ReviewTarget&) = delete;
 
-    /// Who moved the review to where it is.
+    /// Who selected the target.
     enum class ChosenBy { owner, rule };
 
+    /// The selected process and its group; absent when nothing is selected.
     std::optional<std::int64_t> selectedPID() const { return selectedPID_; }
     const std::optional<std::string>& selectedAppImpactName() const {
         return selectedAppImpactName_;
     }
-    /// Of no meaning without a selection.
+    /// Meaningless when nothing is selected.
     ChosenBy chosenBy() const { return chosenBy_; }
-    /// The line that tells where the owner stands in the guided workflow.
+    /// The text of the owner's current step in the guided workflow.
     const std::string& optimizeStep() const { return optimizeStep_; }
     void setOptimizeStep(std::string step);
 
-    /// The row of the latest process table that is the selected process. Null when nothing is
-    /// selected, or when the process is not in the table, be it that another one bears its number.
+    /// The selected process's row in the latest process table, valid until the next sample. Null
+    /// when nothing is selected or the process is not in the table, even if another one has its
+    /// pid.
     const ProcessSample* selectedRow() const;
-    /// When the selected process began, as its row told; 0 when none did.
+    /// The start time of the selected process, from its row; 0 when unknown.
     std::uint64_t selectedStartTime() const { return selectedStartTime_; }
-    /// The command of the selected process, as its row told; empty when none did.
+    /// The command of the selected process, from its row; empty when unknown.
     const std::string& selectedCommand() const { return selectedCommand_; }
 
-    /// Selects a row of the process list, whatever it is: reviewing is always allowed.
+    /// Selects a row of the process list, even a protected one: reviewing is always allowed.
+    /// Records no message.
     void selectProcess(const ProcessSample& process);
-    /// Selects the first row of the list as the owner sees it.
+    /// Selects the first row of the list as the owner sees it; refused when it is empty. The
+    /// message becomes the last action but no event.
     Outcome selectFirstProcess(const std::vector<ProcessSample>& visibleRows);
-    /// Selects the heaviest process, unless it is protected.
+    /// Selects the process of the latest table that has `pid`, with the same messages; refused when
+    /// there is none.
+    Outcome selectProcessWithPID(std::int64_t pid);
+    /// Selects the heaviest process; refused before the first sample and when it is protected.
     Outcome selectTopProcess();
-    /// Selects the heaviest process of the heaviest group, unless it is protected.
+    /// Selects the heaviest process of the heaviest group; refused before the first sample and when
+    /// it is protected.
     Outcome selectTopApp();
-    /// Moves the review to a group and one process of it; the step stays.
+    /// Selects a group and one process of it. Keeps the step and records no message.
     void setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser = ChosenBy::owner);
+    /// Clears the selection, returns to the first step and records a message.
     void clearOperationTarget();
 
     SelectedTargetSummary selectedTargetSummary() const;
 
-    /// The built-in protection or the owner's Never Quit list.
+    /// Whether the built-in protection or the owner's Never Quit list protects the process.
     bool isProtectedTarget(const ProcessSample& process) const;
 
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
 private:
+    /// Null where there is none to select.
+    Outcome selectListed(const ProcessSample* row);
     const ProcessSample* findSelected(const std::vector<ProcessSample>& rows) const;
 
     ActivityLog& log_;
     SettingsOwner& settings_;
     const LatestSample& sample_;
     ProtectionPolicy policy_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     std::optional<std::int64_t> selectedPID_;
     std::uint64_t selectedStartTime_ = 0;
     std::string selectedCommand_;

@@ -1,5 +1,7 @@
 #include "actions/tool_runner.h"
 
+#include "core/activity_log.h"
+
 namespace tallowcrest {
 
 ToolRunner::ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed,

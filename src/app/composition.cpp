@@ -6,7 +6,6 @@
 #include "actions/cache_purge.h"
 #include "app/console.h"
 #include "core/activity_log.h"
-#include "core/settings/settings_keys.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/icu/utc_offset.h"
@@ -21,13 +20,9 @@ std::filesystem::path settingsFile() {
 
 OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
                          SqliteSettingsStore::Complain complain) {
-    if (access == SettingsAccess::keep) {
-        return openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)});
-    }
-    OpenedStore opened = readSettingsStore(settingsFile());
-    // What another run saw, perhaps days ago, must not pass for what this one sees.
-    opened.store->write(settings_keys::historyKey, JSONData{"[]"});
-    return opened;
+    return access == SettingsAccess::readWrite
+               ? openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)})
+               : readSettingsStore(settingsFile());
 }
 
 }  // namespace
@@ -43,29 +38,32 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
         complain(printableText(problem).text);
     }
     const MonitorPorts ports{
-        jobs_,
-        clock_,
-        *settings_.store,
-        host::makeMetricsReader(toolLauncher_),
-        host::makeTickSource(),
-        std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
-        {{host::makeProcessControl(toolLauncher_),
-          desktop.makeGracefulQuit ? desktop.makeGracefulQuit(toolLauncher_) : nullptr,
-          std::make_shared<ToolCachePurge>(host::allowedExecutables(), toolLauncher_,
-                                           host::purgeTools())},
-         std::move(desktop.openActivityMonitor),
-         std::move(desktop.storeOnPasteboard)},
-        std::make_shared<PosixReportFolder>(host::reportsDirectory, std::move(desktop.revealFile)),
-        utcOffsetOfThisMachine,
-        desktop.notifications,
-        std::move(desktop.openRoute)};
+        .jobs = jobs_,
+        .clock = clock_,
+        .settingsStore = *settings_.store,
+        .metrics = host::makeMetricsReader(toolLauncher_),
+        .ticks = host::makeTickSource(),
+        .locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
+        .actions = {.local = {.processes = host::makeProcessControl(toolLauncher_),
+                              .gracefulQuit = desktop.makeGracefulQuit
+                                                  ? desktop.makeGracefulQuit(toolLauncher_)
+                                                  : nullptr,
+                              .cachePurge = std::make_shared<ToolCachePurge>(
+                                  host::allowedExecutables(), toolLauncher_, host::purgeTools())},
+                    .openActivityMonitor = std::move(desktop.openActivityMonitor),
+                    .storeOnPasteboard = std::move(desktop.storeOnPasteboard)},
+        .reportFolder = std::make_shared<PosixReportFolder>(host::reportsDirectory,
+                                                            std::move(desktop.revealFile)),
+        .utcOffset = utcOffsetOfThisMachine,
+        .notifications = desktop.notifications,
+        .openRoute = std::move(desktop.openRoute)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),
                                       .protection = host::protectionPolicy(),
                                       .loginName = host::loginName(),
                                       .startupProblems = settings_.problems,
                                       .places = host::places(),
                                       .findings = {.processArguments = std::move(processArguments)},
-                                      .onlyLooks = access == SettingsAccess::look});
+                                      .readOnly = access == SettingsAccess::readOnly});
 }
 
 void Composition::reportFailedWrite(const std::string& problem) {
@@ -78,12 +76,16 @@ void Composition::reportFailedWrite(const std::string& problem) {
     });
 }
 
-bool Composition::shutDown() {
-    constexpr std::chrono::milliseconds longestToolDeadline{2000};
+Composition::~Composition() {
+    while (!shutDown()) {
+    }
+}
+
+bool Composition::shutDown(std::chrono::milliseconds timeout) {
     toolLauncher_.requestStop();
     jobs_.stopAll();
-    // A sample under way may still call what the monitor's components gave it.
-    if (!workQueue_.finishWithin(longestToolDeadline)) {
+    // No component is destroyed while one of its jobs is running.
+    if (!workQueue_.finishWithin(timeout)) {
         return false;
     }
     monitor_.reset();

@@ -21,12 +21,11 @@ namespace tallowcrest {
 
 /// What a program may do with the owner's stored settings.
 enum class SettingsAccess {
-    keep,  ///< changes are stored
-    /// Changes last as long as the program, nothing is written, and the timeline begins anew.
-    look,
+    readWrite,  ///< changes are stored
+    readOnly,   ///< changes are kept only in memory, and the timeline begins empty
 };
 
-/// What a desktop adds to the machine. All of it is absent where there is none.
+/// The services of a desktop. All members are absent where there is none.
 struct DesktopServices {
     std::function<std::shared_ptr<GracefulQuit>(ToolLauncher&)> makeGracefulQuit = {};
     NotificationCenter* notifications = nullptr;  ///< outlives the composition
@@ -40,19 +39,26 @@ struct DesktopServices {
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
-    /// Says on standard error what could not be read of the settings, and later when they can no
-    /// longer be saved, and tells the monitor too. `mainQueue` must outlive the object.
+    /// When settings cannot be read, and later when they cannot be saved, the problem is printed on
+    /// standard error and recorded by the monitor. `mainQueue` must outlive the object.
     Composition(MainQueue& mainQueue, SettingsAccess access,
                 std::vector<std::string> processArguments, DesktopServices desktop = {});
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 
+    /// Without a `shutDown` before it, stops all work and waits until the last job is over.
+    ~Composition();
+
+    /// Must not be called once `shutDown` has returned true: there is no monitor any more.
     SystemMonitor& monitor() { return *monitor_; }
 
-    /// Ends the monitor and waits for what is under way; for a change to the disk until it is
-    /// whole. False when a tool hangs beyond its deadline: the process should then end without
-    /// destroying this object, which would wait on.
-    [[nodiscard]] bool shutDown();
+    /// The deadline of the slowest tool.
+    static constexpr std::chrono::milliseconds longestToolDeadline{2000};
+
+    /// Stops all work, waits for what is under way and destroys the monitor. A change to the disk
+    /// is waited for until it is whole, everything else for `timeout`. False when a job is still
+    /// running then: the process should end without destroying this object, which would wait on.
+    [[nodiscard]] bool shutDown(std::chrono::milliseconds timeout = longestToolDeadline);
 
 private:
     void reportFailedWrite(const std::string& problem);

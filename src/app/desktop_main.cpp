@@ -34,8 +34,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// While Qt looks for a display it warns of what it meets; only if it finds none is that the reason
-/// that a person wants to read.
+/// The warnings that Qt gives while it looks for a display. They are held back until the start has
+/// succeeded; if it fails, the first of them is the reason.
 struct StartWarnings {
     bool isStarting = true;
     QStringList held;
@@ -46,7 +46,8 @@ StartWarnings& startWarnings() {
     return warnings;
 }
 
-/// Qt ends the process with a crash when it finds no display; a person is owed a sentence.
+/// Handles a message of Qt. Without a display, Qt would abort the process; this prints the reason
+/// and exits.
 void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     StartWarnings& warnings = startWarnings();
     if (type == QtFatalMsg) {
@@ -66,7 +67,7 @@ void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& mes
     }
 }
 
-void endOfStart() {
+void releaseStartWarnings() {
     StartWarnings& warnings = startWarnings();
     warnings.isStarting = false;
     for (const QString& message : std::exchange(warnings.held, {})) {
@@ -74,40 +75,40 @@ void endOfStart() {
     }
 }
 
-/// An appearance asked for outright wins over the desktop's.
+/// The appearance that the environment requests, which overrides the desktop's. Absent without one.
 std::optional<Appearance> requestedAppearance() {
-    const QString wish = qEnvironmentVariable("TALLOWCREST_APPEARANCE");
-    if (wish == "dark"_L1) {
+    const QString value = qEnvironmentVariable("TALLOWCREST_APPEARANCE");
+    if (value == "dark"_L1) {
         return Appearance::dark;
     }
-    if (wish == "light"_L1) {
+    if (value == "light"_L1) {
         return Appearance::light;
     }
     return std::nullopt;
 }
 
 void followAppearance(SystemAppearance& desktop) {
-    if (const auto wish = requestedAppearance()) {
-        QApplication::setPalette(paletteFor(*wish));
+    if (const auto requested = requestedAppearance()) {
+        QApplication::setPalette(paletteFor(*requested));
         return;
     }
     QObject::connect(&desktop, &SystemAppearance::preferenceChanged, [](bool prefersDark) {
-        const Appearance wish = prefersDark ? Appearance::dark : Appearance::light;
-        if (CrestTheme::current().appearance != wish) {
-            QApplication::setPalette(paletteFor(wish));
+        const Appearance preferred = prefersDark ? Appearance::dark : Appearance::light;
+        if (CrestTheme::current().appearance != preferred) {
+            QApplication::setPalette(paletteFor(preferred));
         }
     });
     desktop.start();
 }
 
-/// What this start owes to another one that runs already. `status` is there when it owes no more.
+/// Whether this start opens a window. If it does not, because another instance is running, `status`
+/// is the exit status.
 struct Instance {
     std::optional<InstanceGuard> guard;
     std::optional<int> status;
 };
 
-Instance becomeTheInstance() {
-    // Without a guard two windows are possible, which is better than none.
+Instance claimInstance() {
     InstanceStart start =
         startInstance(instancePlace(instanceEnvironment(host::dataDirectory().string())),
                       {startupActivationToken()});
@@ -120,6 +121,7 @@ Instance becomeTheInstance() {
             complain(start.message);
             return {std::nullopt, EXIT_FAILURE};
         case InstanceStart::Outcome::unguarded:
+            // Without a guard two windows are possible, which is better than none.
             complain("a second start will not find this window: " + start.message);
             break;
     }
@@ -138,17 +140,21 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
             shownWindow->openRoute(route);
         }
     };
-    Composition composition(mainQueue, SettingsAccess::keep, std::move(arguments),
-                            {desktop::makeGracefulQuit, notifications.get(), desktop::revealFile,
-                             desktop::openActivityMonitor, desktop::storeOnClipboard, openRoute});
+    Composition composition(mainQueue, SettingsAccess::readWrite, std::move(arguments),
+                            {.makeGracefulQuit = desktop::makeGracefulQuit,
+                             .notifications = notifications.get(),
+                             .revealFile = desktop::revealFile,
+                             .openActivityMonitor = desktop::openActivityMonitor,
+                             .storeOnPasteboard = desktop::storeOnClipboard,
+                             .openRoute = openRoute});
     int status = 0;
     {
-        DashboardWindow window(composition.monitor(), mainQueue);
+        DashboardWindow window(composition.monitor());
         shownWindow = &window;
         traceFirstSample(window);
         StatusItem statusItem(composition.monitor(), window);
-        // With a status item the window may be closed while the monitor runs on; without one a
-        // hidden window could never be reached again.
+        // With a status item the window may be closed while the monitor keeps running; without one
+        // a hidden window could never be shown again.
         TrayHostWatch trayHost;
         QObject::connect(&window, &DashboardWindow::closed, &application, [&trayHost] {
             if (!StatusItem::hasHost() || trayHost.isLost()) {
@@ -177,7 +183,7 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     occupyStandardDescriptors();
-    // A limit on the size of files makes a save fail; it need not end the program.
+    // A limit on file sizes then makes a save fail instead of ending the program.
     std::signal(SIGXFSZ, SIG_IGN);
     const std::vector<std::string> arguments(argv, argv + argc);
     const CommandLine commandLine = readCommandLine(arguments);
@@ -188,9 +194,9 @@ int main(int argc, char** argv) {
         complain("this program only opens the window. Try: tallowcrest --headless");
         return usageStatus;
     }
-    // Before the display is asked for anything: a start that only hands over is quick. Behind the
-    // monitor in the order of ending: the next start begins once this one is done with its data.
-    Instance instance = becomeTheInstance();
+    // Before the connection to the display, so that a second start ends quickly. Destroyed after
+    // the monitor, so that the next start begins only when this one no longer uses its data.
+    Instance instance = claimInstance();
     if (instance.status) {
         return *instance.status;
     }
@@ -200,7 +206,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(u"tallowcrest"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
-    endOfStart();
+    releaseStartWarnings();
     QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());

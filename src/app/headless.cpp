@@ -14,8 +14,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Prints each sample as it lands, or the report on them, and ends the loop after the last one that
-/// was asked for.
+/// Prints each sample when it is applied, or the report, and stops the loop after the last sample
+/// that was requested.
 class SamplePrinter {
 public:
     SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
@@ -25,7 +25,7 @@ public:
             return;
         }
         const LatestSample& sample = monitor.sample();
-        // This program is a process itself.
+        // A complete table contains at least this program itself.
         if (printed_ == 0 && sample.latestProcesses().empty()) {
             complain("no process can be read here, so the figures do not tell how busy this is");
         }
@@ -47,7 +47,8 @@ public:
     }
 
 private:
-    /// The first sample of a run has loads over whole lifetimes; the second has those of now.
+    /// Prints after the second sample: the first one has loads averaged over each process's
+    /// lifetime.
     void printReport(SystemMonitor& monitor) {
         constexpr std::int64_t samplesOfAReport = 2;
         if (++printed_ < samplesOfAReport) {
@@ -73,7 +74,7 @@ private:
 int runHeadless(const Options& options, std::vector<std::string> processArguments) {
     RunLoop loop;
     SamplePrinter printer(options, loop);
-    Composition composition(loop, SettingsAccess::look, std::move(processArguments));
+    Composition composition(loop, SettingsAccess::readOnly, std::move(processArguments));
     SystemMonitor& monitor = composition.monitor();
     monitor.setSampleApplied([&] { printer.print(monitor); });
     monitor.startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));

@@ -8,7 +8,7 @@
 namespace tallowcrest {
 
 /// Samples without a window and prints to standard output. Returns the program's exit status: 0
-/// after the asked number of samples, 1 when standard output can no longer be written.
+/// after the requested number of samples or the report, 1 when standard output cannot be written.
 int runHeadless(const Options& options, std::vector<std::string> processArguments);
 
 }  // namespace tallowcrest

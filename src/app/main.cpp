@@ -16,9 +16,9 @@
 #include "platform/base/descriptor_setup.h"
 #include "platform/host.h"
 
-// The entry program knows nothing of the window's libraries: loading them alone would cost a
-// headless run more memory than all of its own work. The window is a program of its own beside
-// this one, which takes this one's place.
+// The entry program is not linked to the window's libraries: loading them alone would take more
+// memory than all the work of a headless run. The window is a separate program in the same folder,
+// which replaces this one.
 
 namespace tallowcrest {
 namespace {
@@ -33,7 +33,7 @@ int openWindow(char** argv) {
     }
     const std::filesystem::path self = host::executablePath();
     if (self.empty()) {
-        // A bare name would be looked for in the working directory, where anybody may have put it.
+        // A bare name would be looked up in the working directory, where anybody could place one.
         complain("the window cannot be opened: this program's own place is not known");
         return noWindowStatus;
     }

@@ -153,7 +153,7 @@ private:
     std::size_t next_ = 0;
     std::optional<std::string_view> value_;
     Options options_;
-    bool isUITest_ = false;  ///< only accepted here: the monitor reads the arguments itself
+    bool isUITest_ = false;  ///< not part of `Options`: the monitor reads the arguments itself
     std::string error_;
 };
 

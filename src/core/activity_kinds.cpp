@@ -6,7 +6,7 @@
 namespace tallowcrest {
 namespace {
 
-constexpr std::array<std::pair<ActivityKind, std::string_view>, 17> titles{{
+constexpr auto titles = std::to_array<std::pair<ActivityKind, std::string_view>>({
     {ActivityKind::action, "Action"},
     {ActivityKind::warning, "Warning"},
     {ActivityKind::autoSelect, "Auto Rule"},
@@ -24,7 +24,7 @@ constexpr std::array<std::pair<ActivityKind, std::string_view>, 17> titles{{
     {ActivityKind::storageCleanupReceipt, "Storage Cleanup Receipt"},
     {ActivityKind::backupReceipt, "Backup Receipt"},
     {ActivityKind::emergencyStop, "Automation Emergency Stop"},
-}};
+});
 
 }  // namespace
 

@@ -2,10 +2,11 @@
 
 #include <string_view>
 
+#include "core/activity_event.h"
+
 namespace tallowcrest {
 
-/// What an event of the activity log is about.
-enum class ActivityKind {
+enum class ActivityKind : std::uint8_t {
     action,
     warning,
     autoSelect,
@@ -23,17 +24,14 @@ enum class ActivityKind {
     storageCleanupReceipt,
     backupReceipt,
     emergencyStop,
-    other,  ///< of a title that no kind has: stored by another version
+    other,  ///< a title that no kind has: stored by another version
 };
 
 /// The detail of every event of the kind `autoPurge`.
 inline constexpr std::string_view autoPurgeDetail =
     "Purged caches after sustained high memory pressure.";
 
-/// The title that events of a kind have; empty for `other`. The automatic rules share theirs.
+/// The title that events of a kind have; empty for `other`. The automatic rules share theirs. Pure.
 std::string_view title(ActivityKind kind);
-
-/// The kind of a stored event, whose stored form has no more than these two texts.
-ActivityKind kindOfStoredEvent(std::string_view title, std::string_view detail);
 
 }  // namespace tallowcrest

@@ -3,11 +3,23 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/activity_kinds.h"
+#include "core/clock.h"
+#include "core/observable.h"
+#include "core/settings/stored_lists.h"
+
 namespace tallowcrest {
+
+ActivityLog::ActivityLog(const Clock& clock, SettingsOwner& settings, MainQueue& mainQueue)
+    : clock_(clock),
+      observable_(std::make_unique<Observable>(mainQueue)),
+      activityLog_(settings, stored::activityLog) {}
+
+ActivityLog::~ActivityLog() = default;
 
 void ActivityLog::setLastAction(std::string text) {
     lastAction_ = std::move(text);
-    observable_.changed();
+    observable_->changed();
 }
 
 void ActivityLog::recordEvent(ActivityKind kind, std::string detail) {
@@ -16,11 +28,11 @@ void ActivityLog::recordEvent(ActivityKind kind, std::string detail) {
     activityLog_.change([&](std::vector<ActivityEvent>& events) {
         events.push_back(std::move(event));
         std::rotate(events.begin(), events.end() - 1, events.end());
-        if (events.size() > maximumEvents) {
-            events.resize(maximumEvents);
+        if (events.size() > stored::activityLog.most) {
+            events.resize(stored::activityLog.most);
         }
     });
-    observable_.changed();
+    observable_->changed();
 }
 
 void ActivityLog::recordMessage(const std::string& message) {

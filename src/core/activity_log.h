@@ -1,26 +1,26 @@
 #pragma once
 
-#include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "core/clock.h"
-#include "core/local_records.h"
-#include "core/observable.h"
+#include "core/activity_event.h"
 #include "core/outcome.h"
-#include "core/settings/settings_owner.h"
+#include "core/settings/stored_list.h"
 
 namespace tallowcrest {
+
+class Clock;
+class MainQueue;
+class Observable;
 
 /// The newest events of the system and the one-line status of the last visible outcome.
 /// Main thread.
 class ActivityLog {
 public:
-    static constexpr std::size_t maximumEvents = stored::activityLog.most;
-
     /// Begins with what an earlier run left. The references must outlive the object.
-    ActivityLog(const Clock& clock, SettingsOwner& settings, MainQueue& mainQueue)
-        : clock_(clock), observable_(mainQueue), activityLog_(settings, stored::activityLog) {}
+    ActivityLog(const Clock& clock, SettingsOwner& settings, MainQueue& mainQueue);
+    ~ActivityLog();
     ActivityLog(const ActivityLog&) = delete;
     ActivityLog& operator=(const ActivityLog&) = delete;
 
@@ -31,7 +31,7 @@ public:
     const std::vector<ActivityEvent>& activityLog() const { return *activityLog_; }
 
     /// Puts an event in front, under the title of its kind, and drops the oldest beyond
-    /// `maximumEvents`. `lastAction` stays.
+    /// `stored::activityLog.most`. `lastAction` stays.
     void recordEvent(ActivityKind kind, std::string detail);
 
     /// Sets `lastAction` to `message` and records it as an action.
@@ -42,11 +42,11 @@ public:
 
     void clearActivityLog();
 
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
 private:
     const Clock& clock_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     std::string lastAction_ = "Monitoring started.";
     StoredList<std::vector<ActivityEvent>> activityLog_;
 };

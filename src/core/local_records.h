@@ -8,7 +8,6 @@
 #include <tuple>
 #include <vector>
 
-#include "core/activity_kinds.h"
 #include "core/date.h"
 #include "core/records_hash.h"
 #include "core/uuid.h"
@@ -131,19 +130,6 @@ struct HistoryPoint {
 
     auto fields() const { return std::tie(id, date, cpu, memory); }
     bool operator==(const HistoryPoint&) const = default;
-};
-
-/// One entry of the activity log. Identity: `id`. Persisted.
-struct ActivityEvent {
-    UUID id;
-    Date date;
-    std::string title;
-    std::string detail;
-    /// Not stored: told from the texts when an event is read.
-    ActivityKind kind = kindOfStoredEvent(title, detail);
-
-    auto fields() const { return std::tie(id, date, title, detail); }
-    bool operator==(const ActivityEvent&) const = default;
 };
 
 /// A short fact about the current run. Identity: `id`.

@@ -84,26 +84,13 @@ Subscription Observable::subscribe(std::function<void()> observer) {
 }
 
 ObserverGroup::ObserverGroup(MainQueue& mainQueue, std::function<void()> observer)
-    : mainQueue_(mainQueue),
-      observer_(std::make_shared<std::function<void()>>(std::move(observer))) {}
+    : anyChanged_(mainQueue), observer_(anyChanged_.subscribe(std::move(observer))) {}
 
 void ObserverGroup::observe(const std::vector<Observable*>& observables) {
     subscriptions_.clear();
     for (Observable* each : observables) {
-        subscriptions_.push_back(each->subscribe([this] { tellOnNextTurn(); }));
+        subscriptions_.push_back(each->subscribe([this] { anyChanged_.changed(); }));
     }
-}
-
-void ObserverGroup::tellOnNextTurn() {
-    if (std::exchange(isQueued_, true)) {
-        return;
-    }
-    mainQueue_.post([this, weakObserver = std::weak_ptr(observer_)] {
-        if (const auto observer = weakObserver.lock()) {
-            isQueued_ = false;
-            (*observer)();
-        }
-    });
 }
 
 }  // namespace tallowcrest

@@ -62,12 +62,9 @@ public:
     void observe(const std::vector<Observable*>& observables);
 
 private:
-    void tellOnNextTurn();
-
-    MainQueue& mainQueue_;
-    std::shared_ptr<std::function<void()>> observer_;  ///< expires with the group
+    Observable anyChanged_;
+    Subscription observer_;
     std::vector<Subscription> subscriptions_;
-    bool isQueued_ = false;
 };
 
 }  // namespace tallowcrest

@@ -5,8 +5,8 @@
 
 namespace tallowcrest {
 
-/// What became of an operation that the owner asked for, in the very words that the activity log
-/// has of it. The words are empty where nothing was recorded.
+/// The result of an operation that the owner asked for. The message is the text that was recorded
+/// in the activity log; it is empty when nothing was recorded.
 struct Outcome {
     enum class Kind {
         done,

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/activity_event.h"
 #include "core/advisor_records.h"
 #include "core/local_records.h"
 #include "core/remote_records.h"

@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+// The destinations and sections of the window, by name. The functions are pure; any thread.
+
 namespace tallowcrest {
 
 /// The destinations of the sidebar, in the order shown.

@@ -6,6 +6,7 @@ class ActivityLog;
 class Clock;
 class Jobs;
 class Locale;
+class MainQueue;
 class SettingsOwner;
 
 /// What every subsystem is built on. The references outlive all of them.
@@ -13,6 +14,7 @@ struct Services {
     ActivityLog& log;
     SettingsOwner& settings;
     Jobs& jobs;
+    MainQueue& mainQueue;
     const Clock& clock;
     const Locale& locale;  ///< may be used by any thread
 };

@@ -4,6 +4,10 @@
 
 #include <fmt/format.h>
 
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
+#include "integration/notification_center.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -19,12 +23,12 @@ WarningNotifications::WarningNotifications(NotificationCenter* center, SettingsO
     : center_(center),
       settings_(settings),
       openRoute_(std::move(openRoute)),
-      settingsChanged_(settings.observable().subscribe([this] {
+      settingsChanged_(std::make_unique<Subscription>(settings.observable().subscribe([this] {
           if (registeredWithActions_ &&
               *registeredWithActions_ != settings_.values().notificationsIncludeActions) {
               registerNotificationCategories();
           }
-      })) {
+      }))) {
     if (center_ != nullptr) {
         center_->setResponseHandler(
             [this](const std::string& identifier) { handleNotificationAction(identifier); });

@@ -1,14 +1,17 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "core/routes.h"
-#include "core/settings/settings_owner.h"
-#include "integration/notification_center.h"
 
 namespace tallowcrest {
+
+class NotificationCenter;
+class SettingsOwner;
+class Subscription;
 
 /// Shows a load warning as a notification and handles its buttons. Main thread.
 class WarningNotifications {
@@ -38,7 +41,7 @@ private:
     SettingsOwner& settings_;
     OpenRoute openRoute_;
     std::optional<bool> registeredWithActions_;  ///< absent before the first registration
-    Subscription settingsChanged_;
+    std::unique_ptr<Subscription> settingsChanged_;
 };
 
 }  // namespace tallowcrest

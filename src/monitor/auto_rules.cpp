@@ -4,11 +4,21 @@
 #include <utility>
 
 #include "actions/app_group.h"
+#include "actions/automation.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
+#include "core/jobs/jobs.h"
 #include "core/locale.h"
+#include "core/observable.h"
+#include "core/remote_records.h"
 #include "core/settings/settings_owner.h"
+#include "integration/warning_notifications.h"
 #include "monitor/load_rules.h"
+#include "remote/auto_scan.h"
+#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 namespace {
@@ -41,14 +51,18 @@ std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dat
     return std::nullopt;
 }
 
-AutoRules::AutoRules(Dependencies dependencies) : with_(std::move(dependencies)) {}
+AutoRules::AutoRules(Dependencies dependencies)
+    : with_(std::move(dependencies)),
+      observable_(std::make_unique<Observable>(with_.services.mainQueue)) {}
+
+AutoRules::~AutoRules() = default;
 
 const Settings& AutoRules::settings() const {
     return with_.services.settings.values();
 }
 
 void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
-    // Looked at before each rule: what one sets off may have engaged the stop.
+    // Checked before each rule, because the effects of the previous one may engage the stop.
     const auto mayRun = [this] { return !settings().automationEmergencyStopEngaged; };
     if (mayRun()) {
         selectTopOffender(snapshot);
@@ -71,7 +85,7 @@ void AutoRules::selectTopOffender(const SystemSnapshot& snapshot) {
     if (group == nullptr || with_.review.selectedAppImpactName() == group->name) {
         return;
     }
-    dates_.lastAutoSelectDate = with_.services.clock.now();
+    setDate(&AutomationDates::lastAutoSelectDate, with_.services.clock.now());
     with_.review.setTarget(*group->topPID, group->name, ReviewTarget::ChosenBy::rule);
     with_.services.log.recordEvent(
         ActivityKind::autoSelect,
@@ -85,7 +99,7 @@ void AutoRules::askForPurge() {
         !load_rules::mayAct(dates_.lastAutoPurgeDate, now, load_rules::autoPurgeDistance)) {
         return;
     }
-    dates_.lastAutoPurgeDate = now;
+    setDate(&AutomationDates::lastAutoPurgeDate, now);
     with_.localActions.requestPurge();
     with_.services.log.recordEvent(ActivityKind::autoPurge, std::string(autoPurgeDetail));
 }
@@ -105,7 +119,7 @@ void AutoRules::scanRemotes() {
     if (!hasMac) {
         return;
     }
-    dates_.lastAutoRemoteScanDate = now;
+    setDate(&AutomationDates::lastAutoRemoteScanDate, now);
     with_.remote->scanRemoteMacs();
 }
 
@@ -117,13 +131,22 @@ void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {
     if (!load_rules::mayWarn(dates_.lastWarningDate, now)) {
         return;
     }
-    dates_.lastWarningDate = now;
+    setDate(&AutomationDates::lastWarningDate, now);
     with_.services.log.recordEvent(ActivityKind::warning, load_rules::warningDetail(snapshot));
     with_.notifications.postLoadWarning(load_rules::topProcessName(snapshot));
 }
 
+void AutoRules::setLastDiskAutopilotCheckDate(Date date) {
+    setDate(&AutomationDates::lastDiskAutopilotCheckDate, date);
+}
+
+void AutoRules::setDate(std::optional<Date> AutomationDates::*which, Date date) {
+    dates_.*which = date;
+    observable_->changed();
+}
+
 double AutoRules::sustainedMemoryAverage() const {
-    // What lasted at the end of an earlier run, perhaps days ago, does not last now.
+    // The points of an earlier run, perhaps days ago, say nothing about the present load.
     return load_rules::sustainedMemoryAverage(with_.sample.historyOfThisRun());
 }
 

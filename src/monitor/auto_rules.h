@@ -1,23 +1,29 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 
-#include "actions/automation.h"
-#include "actions/local_actions.h"
-#include "actions/review_target.h"
 #include "core/date.h"
-#include "core/remote_records.h"
 #include "core/services.h"
-#include "integration/warning_notifications.h"
-#include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
 
-/// When each automation last acted. Absent until it did in this run: none of this is stored, so
-/// every limit starts afresh after a restart.
+class AutoScan;
+class LatestSample;
+class LocalActions;
+class Observable;
+class ReviewTarget;
+class WarningNotifications;
+enum class AutomationSwitch;
+struct ActivityEvent;
+struct Settings;
+struct SystemSnapshot;
+
+/// When each automation last acted in this run; absent when it has not. Not stored, so after a
+/// restart every automation may act at once.
 struct AutomationDates {
     std::optional<Date> lastAutoSelectDate;
     std::optional<Date> lastWarningDate;
@@ -28,28 +34,17 @@ struct AutomationDates {
     bool operator==(const AutomationDates&) const = default;
 };
 
-/// When an automation last acted: in this run or, for a rule that writes there, as far back as the
-/// activity log goes. `log` is newest first. Absent when it never did, and for a switch that does
-/// nothing at a time of its own. Pure; any thread.
+/// When an automation last acted in this run, or else the date of its newest entry in `log`, which
+/// is newest first and may reach back to earlier runs. Only the rules that select and purge write
+/// entries. Absent when neither is known, and for a switch that does not act at certain times.
+/// Pure; any thread.
 std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
                               std::span<const ActivityEvent> log);
 
-/// The scans of other machines, as far as a rule starts them. Main thread.
-class AutoScan {
-public:
-    virtual ~AutoScan() = default;
-
-    /// Valid until the main thread does something else.
-    virtual std::span<const TailDevice> tailDevices() const = 0;
-    virtual bool remoteScanInProgress() const = 0;
-    virtual void scanRemoteMacs() = 0;
-};
-
-/// What follows from the load of a sample: the rules whose switches are on, each at its own pace,
-/// and the warning. Main thread.
+/// The automatic rules and the load warning, which are checked with each sample. Main thread.
 class AutoRules {
 public:
-    /// What the rules look at and act through; the references must outlive them.
+    /// The references must outlive the object.
     struct Dependencies {
         Services services;
         const LatestSample& sample;
@@ -61,29 +56,37 @@ public:
     };
 
     explicit AutoRules(Dependencies dependencies);
+    ~AutoRules();
 
-    /// Runs every rule whose switch is on and whose time has come. With the emergency stop engaged
-    /// nothing of it runs.
+    /// Runs each rule whose switch is on, whose condition holds and whose pause is over. While the
+    /// emergency stop is engaged, runs none.
     void runAutoRules(const SystemSnapshot& snapshot);
 
-    /// Warns of a high load, at most once in three minutes. The emergency stop does not matter: it
-    /// stops actions and no information.
+    /// Records and notifies of a high load, at most once in three minutes. The emergency stop has
+    /// no effect on it: the stop is for actions, not for information.
     void raiseLoadWarning(const SystemSnapshot& snapshot);
 
-    /// The mean memory pressure of about the last two minutes; 0 while there is too little of it.
+    /// The mean memory pressure, in percent, of about the last two minutes of this run; 0 until the
+    /// run has 15 samples.
     double sustainedMemoryAverage() const;
 
     const AutomationDates& dates() const { return dates_; }
-    void setLastDiskAutopilotCheckDate(Date date) { dates_.lastDiskAutopilotCheckDate = date; }
+    void setLastDiskAutopilotCheckDate(Date date);
+
+    /// Tells of changed dates.
+    Observable& observable() { return *observable_; }
 
 private:
     void selectTopOffender(const SystemSnapshot& snapshot);
     void askForPurge();
     void scanRemotes();
 
+    void setDate(std::optional<Date> AutomationDates::*which, Date date);
+
     const Settings& settings() const;
 
     Dependencies with_;
+    std::unique_ptr<Observable> observable_;
     AutomationDates dates_;
 };
 

@@ -8,35 +8,37 @@
 #include "core/date.h"
 #include "core/local_records.h"
 
-/// When the load calls for something, how often it may, and in which words. Pure; any thread.
+/// The conditions, pauses and texts of the load warning and the automatic rules. Pure; any thread.
 namespace tallowcrest::load_rules {
 
-/// Seconds that must lie between two times that a rule acts. After a warning of the load the next
-/// one may come at this distance; the others only beyond theirs.
+/// The least number of seconds between two actions. The next warning may come exactly at its
+/// distance; a rule acts again only after more than its distance.
 inline constexpr double warningDistance = 180.0;
 inline constexpr double autoPurgeDistance = 900.0;
 inline constexpr double autoRemoteScanDistance = 900.0;
 inline constexpr double diskCheckDistance = 3600.0;
 
-/// Whether the CPU or the memory pressure stands at the threshold, in percent, or above it.
+/// Whether the CPU load or the memory pressure is at or above the threshold, in percent.
 bool isOverThreshold(const SystemSnapshot& snapshot, double warningThreshold);
 
-/// Whether a warning may come at `now`. An absent date stands for the distant past.
+/// Whether a warning may be given at `now`. `last` is absent when there was none yet.
 bool mayWarn(std::optional<Date> last, Date now);
 
-/// Whether a rule with this distance may act at `now`. An absent date stands for the distant past.
+/// Whether a rule with this distance may act at `now`. `last` is absent when it has not acted yet.
 bool mayAct(std::optional<Date> last, Date now, double distance);
 
 /// The mean memory pressure of the newest 30 points, about two minutes; 0 with fewer than 15.
 /// `history` is oldest first.
 double sustainedMemoryAverage(std::span<const HistoryPoint> history);
 
-/// The heaviest process by name, "Unknown" without one.
+/// The name of the heaviest process, or "Unknown" without processes.
 std::string topProcessName(const SystemSnapshot& snapshot);
 
+/// The text of the warning in the activity log, with rounded percentages.
 std::string warningDetail(const SystemSnapshot& snapshot);
 
-/// The threshold is cut to a whole number here, not rounded.
+/// The text of the rule that selects in the activity log. The threshold is truncated to a whole
+/// number, not rounded.
 std::string autoSelectDetail(std::string_view group, double warningThreshold);
 
 }  // namespace tallowcrest::load_rules

@@ -14,6 +14,7 @@
 
 #include <fmt/format.h>
 
+#include "sampling/binary_units.h"
 #include "sampling/lowered_name.h"
 
 namespace tallowcrest {
@@ -22,10 +23,9 @@ namespace {
 using Severity = Recommendation::Severity;
 
 constexpr std::size_t maximumRecommendations = 5;
-constexpr double mbPerGB = 1024.0;
 
-/// A figure that is no number would make sums and comparisons meaningless for every other row.
-double figure(double value) {
+/// NaN in one row would make the sums and comparisons with the other rows meaningless.
+double zeroIfNaN(double value) {
     return std::isnan(value) ? 0.0 : value;
 }
 
@@ -65,9 +65,9 @@ struct TableReading {
     explicit TableReading(const std::vector<ProcessSample>& rows) {
         LoweredName name;
         for (const ProcessSample& row : rows) {
-            const double rssMB = figure(row.rssMB);
+            const double rssMB = zeroIfNaN(row.rssMB);
             byMemory.offer(row, rssMB);
-            byCPU.offer(row, figure(row.cpu));
+            byCPU.offer(row, zeroIfNaN(row.cpu));
             name.assign(row.displayName());
             for (Family& family : browsers) {
                 collect(family, name, row, rssMB);
@@ -81,7 +81,7 @@ struct TableReading {
     /// In the order in which they are tested: only one gets a card.
     std::array<Family, 4> browsers{Family("chrome"), Family("safari"), Family("firefox"),
                                    Family("arc")};
-    /// Its helpers' "com.docker" names hold the same word.
+    /// This also matches its helpers, whose names begin with "com.docker".
     Family docker{"docker"};
 
 private:
@@ -101,7 +101,7 @@ Recommendation card(std::string title, std::string detail, Severity severity,
 }
 
 std::string gigabytes(double megabytes, const Locale& locale) {
-    return locale.decimal(megabytes / mbPerGB, 1);
+    return locale.decimal(megabytes / megabytesPerGigabyte, 1);
 }
 
 std::optional<Recommendation> pressureCard(double pressure, double freeGB,
@@ -218,7 +218,7 @@ void cap(std::vector<Recommendation>& cards) {
     }
 }
 
-/// Of cards with the same title the first stays.
+/// Keeps the first of several cards with the same title.
 void dropRepeatedTitles(std::vector<Recommendation>& cards) {
     std::unordered_set<std::string> seen;
     std::erase_if(cards,

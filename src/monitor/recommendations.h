@@ -7,21 +7,21 @@
 
 namespace tallowcrest {
 
-// The monitor's plain-language reading of the machine. Each sample derives every card anew: what
-// one sample alone says, then what the recent timeline adds.
+// The recommendations, which describe the machine's state in plain language. All of them are built
+// anew for each sample: first from the sample alone, then with the recent timeline.
 
-/// What one sample says: one card at least and five at most, the most pressing kinds first.
-/// `processes` are all rows of the table in its order; figures in percent and GB. Of rows with
-/// equal figures the first stands for all; a figure that is no number counts as 0. Any thread,
-/// several at once.
+/// The recommendations from one sample: at least one and at most five, the most urgent kinds first.
+/// `processes` are all rows of the table in its order; `pressure` and `cpuPercent` are in percent.
+/// Among rows with equal figures the first is named; a row's figure that is NaN counts as 0. Any
+/// thread, several at once.
 std::vector<Recommendation> buildRecommendations(const std::vector<ProcessSample>& processes,
                                                  double freeGB, double pressure, double cpuPercent,
                                                  const Locale& locale);
 
-/// Puts on top what `history` (oldest first, the newest sample included) says of the last minute,
-/// drops later cards of the same title, and keeps five. A timeline too short to speak of a minute
-/// leaves the list as it is. `appImpacts` are the groups of the newest sample, in impact order.
-/// Any thread.
+/// Adds recommendations for a load that stayed high in the last minute of `history` (oldest first,
+/// the newest sample included) at the top, drops later ones with the same title, and keeps five.
+/// With fewer than ten points the list is unchanged. `appImpacts` are the groups of the newest
+/// sample, in impact order. Any thread.
 std::vector<Recommendation> addSustainedRecommendations(std::vector<Recommendation> recommendations,
                                                         const std::vector<HistoryPoint>& history,
                                                         const std::vector<AppImpact>& appImpacts);

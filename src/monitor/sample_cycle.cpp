@@ -5,10 +5,14 @@
 #include <utility>
 
 #include "core/clock.h"
+#include "core/locale.h"
 #include "core/settings/settings_owner.h"
+#include "monitor/auto_rules.h"
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
 #include "sampling/app_impact.h"
+#include "sampling/latest_sample.h"
+#include "sampling/system_metrics_reader.h"
 
 namespace tallowcrest {
 namespace {
@@ -74,7 +78,7 @@ void SampleCycle::applySample(BackgroundSample background) {
                              with_.services.locale));
     with_.sample.setRecommendations(addSustainedRecommendations(
         std::move(background.recommendations), with_.sample.history(), snapshot.appImpacts));
-    if (with_.mode == Mode::full) {
+    if (!with_.readOnly) {
         with_.rules.runAutoRules(snapshot);
     }
     with_.rules.raiseLoadWarning(snapshot);

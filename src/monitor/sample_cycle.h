@@ -6,19 +6,19 @@
 
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
-#include "core/locale.h"
 #include "core/services.h"
 #include "core/settings/settings_store.h"
-#include "monitor/auto_rules.h"
-#include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 #include "sampling/system_cpu_load_reader.h"
-#include "sampling/system_metrics_reader.h"
 
 namespace tallowcrest {
 
-/// What the background half of a sample reads with. Shared with running samples, so that one which
-/// outlives the monitor still has something to read.
+class AutoRules;
+class LatestSample;
+class SystemMetricsReader;
+
+/// The sources that the background half of a sample reads. Shared with running samples, because one
+/// may outlive the monitor.
 struct SampleSources {
     SampleSources(std::shared_ptr<SystemMetricsReader> metrics,
                   std::shared_ptr<CPUTickSource> ticks, std::shared_ptr<const Locale> locale);
@@ -41,29 +41,24 @@ struct BackgroundSample {
     std::vector<ProcessSample> processes;
     std::vector<std::size_t> impactOrder;  ///< indexes of `processes`
     SystemSnapshot snapshot;
-    ProtectedAppNames protectedAppNames;  ///< by which `snapshot` has its groups
+    ProtectedAppNames protectedAppNames;  ///< used for the groups of `snapshot`
     std::vector<Recommendation> recommendations;
 };
 
 inline constexpr std::size_t maximumTopProcesses = 120;
 
-/// The whole-machine load when the tick counters have none to give: the processes' own percentages
-/// spread over the cores, at most 100.
+/// The whole-machine load when the tick counters give none: `processPercent`, the sum of the
+/// processes' percentages, divided by the number of cores; at most 100. `cpuCount` is at least 1.
 double cpuPercentFromProcesses(double processPercent, int cpuCount);
 
-/// The background half of one sample, on the calling thread. Never fails. Several at once.
+/// The background half of one sample, on the calling thread, which is not the main one. Never
+/// fails: what cannot be read is empty or 0. Several at once.
 BackgroundSample takeSample(SampleSources& sources, const SampleInputs& inputs, const Clock& clock);
 
 /// Takes samples in the background and applies them on the main thread, in the order in which
 /// they finish; they may overlap. Main thread.
 class SampleCycle {
 public:
-    enum class Mode {
-        full,
-        /// For a run that only looks: nothing is selected, asked for or started by itself.
-        lookOnly,
-    };
-
     /// The references must outlive the object.
     struct Dependencies {
         Services services;
@@ -72,17 +67,18 @@ public:
         AutoRules& rules;
         int cpuCount = 1;
         ProtectionPolicy protection;
-        Mode mode = Mode::full;
+        bool readOnly = false;  ///< nothing is selected, asked for or started by itself
     };
 
     explicit SampleCycle(Dependencies dependencies);
     SampleCycle(const SampleCycle&) = delete;
     SampleCycle& operator=(const SampleCycle&) = delete;
 
-    /// Queues one sample and returns at once. Its result is dropped when the cycle is gone by then.
+    /// Queues one sample and returns at once. Its result is dropped if the cycle is destroyed
+    /// first.
     void refresh();
 
-    /// The main half of one sample.
+    /// The main half of one sample: publishes it and updates everything that depends on it.
     void applySample(BackgroundSample background);
 
     /// `applied` is called once per sample, after everything else.

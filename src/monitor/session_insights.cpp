@@ -14,7 +14,7 @@ namespace {
 
 using Counts = std::map<std::string, std::int64_t>;
 
-/// The nearest whole number, halves away from zero; 0 for what is not finite.
+/// The nearest whole number, halves away from zero; 0 for NaN and infinities.
 std::string percent(double value) {
     return roundedToInteger(std::isfinite(value) ? value : 0.0);
 }
@@ -68,7 +68,7 @@ SessionInsight recurringTopApp(const Counts& samples, const Locale& locale) {
         fmt::format("Led App Impact for about {}s of sampled time.", count * secondsPerSample));
 }
 
-/// The machine that was reached with the highest memory pressure; null when none was.
+/// Of the machines that were reached, the one with the highest memory pressure; null when none was.
 const RemoteHealth* mostPressed(std::span<const RemoteHealth> remoteHealth) {
     const RemoteHealth* result = nullptr;
     for (const RemoteHealth& machine : remoteHealth) {
@@ -97,11 +97,15 @@ SessionInsight remoteRepeater(const Counts& samples) {
 
 }  // namespace
 
+SessionInsight startingInsight() {
+    return insight(Kind::starting, "Session", "Starting",
+                   "Tallowcrest is collecting enough samples to identify patterns.");
+}
+
 std::vector<SessionInsight> buildSessionInsights(const SessionFindings& findings,
                                                  const Locale& locale) {
     if (findings.history.empty()) {
-        return {insight(Kind::starting, "Session", "Starting",
-                        "Tallowcrest is collecting enough samples to identify patterns.")};
+        return {startingInsight()};
     }
     std::vector<SessionInsight> insights{peakCPU(findings.history), peakMemory(findings.history)};
     if (!findings.topAppSamples.empty()) {

@@ -12,8 +12,8 @@
 
 namespace tallowcrest {
 
-/// What the facts about the run are drawn from, each as the monitor holds it after the newest
-/// sample. Views, for the length of one call.
+/// The state that the session insights are built from, newest sample included. Views, which must be
+/// valid during the call.
 struct SessionFindings {
     std::span<const HistoryPoint> history;
     /// How many samples each application group led in this run.
@@ -23,9 +23,13 @@ struct SessionFindings {
     const std::map<std::string, std::int64_t>& remoteTopAppSamples;
 };
 
-/// Peaks and averages, the application that keeps leading, and what the scans of other machines
-/// found: two to five facts in that order, or the one that sampling has only begun. `locale` orders
-/// names of equal counts; names that it takes for the same stay in the table's order. Any thread.
+/// Says that sampling has begun.
+SessionInsight startingInsight();
+
+/// Peaks and averages, the application group that came first most often, and the results of scans
+/// of other machines: two to five insights in that order. Without history,
+/// `startingInsight` alone. Among groups of this machine with equal counts, the first in the order
+/// of `locale` is named, or the first in the table if their names compare as equal. Any thread.
 std::vector<SessionInsight> buildSessionInsights(const SessionFindings& findings,
                                                  const Locale& locale);
 

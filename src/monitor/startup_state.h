@@ -8,7 +8,7 @@
 
 namespace tallowcrest {
 
-/// What the monitor's status lines say before the first sample.
+/// The initial texts of the monitor's status lines, and whether the setup wizard is shown.
 struct StartupState {
     bool openAIKeySaved = false;
     std::string storageAnalysisRootName;
@@ -23,10 +23,11 @@ struct StartupState {
 struct StartupFindings {
     bool openAIKeyFound = false;
     bool localPublicKeyFound = false;
-    /// The process's own arguments; the exact word "--ui-testing" keeps the setup wizard away.
+    /// The process's own arguments; exactly "--ui-testing" among them keeps the setup wizard away.
     std::vector<std::string> processArguments;
 };
 
+/// Pure; any thread.
 StartupState startupState(const Settings& settings, const StartupFindings& findings);
 
 }  // namespace tallowcrest

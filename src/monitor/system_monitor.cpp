@@ -21,11 +21,11 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       settings_(std::make_unique<SettingsOwner>(ports.settingsStore, ports.jobs.mainQueue(),
                                                 host_.loginName)),
       log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.jobs.mainQueue())),
-      services_{*log_, *settings_, ports.jobs, ports.clock, *locale_},
+      services_{*log_, *settings_, ports.jobs, ports.jobs.mainQueue(), ports.clock, *locale_},
       startup_(startupState(settings_->values(), host_.findings)),
       aiTrustRecords_(
           settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
-      sample_(std::make_unique<LatestSample>(*settings_, ports.jobs.mainQueue())),
+      sample_(std::make_unique<LatestSample>(*settings_, services_.mainQueue, host_.readOnly)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
       reports_(std::make_unique<Reports>(Reports::Dependencies{
@@ -36,14 +36,13 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       autoRules_(std::make_unique<AutoRules>(
           AutoRules::Dependencies{services_, *sample_, actions_->review, actions_->local,
                                   *notifications_, host_.protection, ports.remoteScan})),
-      cycle_(std::make_unique<SampleCycle>(SampleCycle::Dependencies{
-          .services = services_,
-          .sources = sources_,
-          .sample = *sample_,
-          .rules = *autoRules_,
-          .cpuCount = host_.cpuCount,
-          .protection = host_.protection,
-          .mode = host_.onlyLooks ? SampleCycle::Mode::lookOnly : SampleCycle::Mode::full})) {
+      cycle_(std::make_unique<SampleCycle>(SampleCycle::Dependencies{.services = services_,
+                                                                     .sources = sources_,
+                                                                     .sample = *sample_,
+                                                                     .rules = *autoRules_,
+                                                                     .cpuCount = host_.cpuCount,
+                                                                     .protection = host_.protection,
+                                                                     .readOnly = host_.readOnly})) {
     for (const std::string& problem : host_.startupProblems) {
         log_->recordMessage(problem);
     }
@@ -57,7 +56,7 @@ void SystemMonitor::startMonitoring(std::chrono::milliseconds interval) {
     }
     notifications_->registerNotificationCategories();
     refresh();
-    timer_ = services_.jobs.mainQueue().scheduleRepeating(interval, [this] { refresh(); });
+    timer_ = services_.mainQueue.scheduleRepeating(interval, [this] { refresh(); });
 }
 
 const Settings& SystemMonitor::settings() const {

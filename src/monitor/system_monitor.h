@@ -25,6 +25,7 @@ class Automation;
 class ConfirmationDesk;
 class ExternalApplications;
 class LocalActions;
+class MainQueue;
 class ReviewTarget;
 class CPUTickSource;
 class LatestSample;
@@ -47,13 +48,13 @@ struct MonitorPorts {
     Jobs& jobs;
     const Clock& clock;
     SettingsStore& settingsStore;
-    std::shared_ptr<SystemMetricsReader> metrics;
-    std::shared_ptr<CPUTickSource> ticks;
-    std::shared_ptr<const Locale> locale;  ///< never null
+    std::shared_ptr<SystemMetricsReader> metrics;  ///< never null
+    std::shared_ptr<CPUTickSource> ticks;          ///< never null
+    std::shared_ptr<const Locale> locale;          ///< never null
     ActionPorts actions;
     std::shared_ptr<ReportFolder> reportFolder;   ///< never null
     UTCOffset utcOffset;                          ///< never absent
-    NotificationCenter* notifications = nullptr;  ///< null where nobody can be notified
+    NotificationCenter* notifications = nullptr;  ///< null where there are no notifications
     /// Shows a page in front of all windows; absent without a window.
     std::function<void(AppRoute)> openRoute = {};
     AutoScan* remoteScan = nullptr;  ///< null where other machines are not watched
@@ -64,12 +65,12 @@ struct HostFacts {
     int cpuCount = 1;  ///< active cores, at least 1
     ProtectionPolicy protection;
     std::string loginName;
-    /// What the owner has to know about this start, a sentence each; recorded as messages.
+    /// Problems of this start that the owner should know, one sentence each; recorded as messages.
     std::vector<std::string> startupProblems = {};
     Places places = {};
     StartupFindings findings = {};
-    /// A run that only looks neither selects nor asks for anything, and starts nothing.
-    bool onlyLooks = false;
+    /// The timeline begins empty and the automatic rules do not run.
+    bool readOnly = false;
 };
 
 /// The one central object that the views observe and call. It is composed of one component per
@@ -78,7 +79,8 @@ class SystemMonitor {
 public:
     static constexpr std::chrono::milliseconds sampleInterval{4000};
 
-    /// Loads everything stored; starts no sampling and no timer.
+    /// Reads the settings, the activity log, the history and the trust records from the store.
+    /// Starts no sampling and no timer.
     SystemMonitor(const MonitorPorts& ports, HostFacts host);
     ~SystemMonitor();
     SystemMonitor(const SystemMonitor&) = delete;
@@ -87,7 +89,9 @@ public:
     /// Takes a first sample and one more per `interval` from then on. Every call after the first
     /// does nothing, even after `stopMonitoring`.
     void startMonitoring(std::chrono::milliseconds interval = sampleInterval);
+    /// Ends the regular samples. A sample under way is still applied.
     void stopMonitoring();
+    /// Whether `startMonitoring` was called, even if `stopMonitoring` was called later.
     bool isStarted() const { return isStarted_; }
 
     /// Queues one sample and returns at once.
@@ -97,6 +101,8 @@ public:
 
     const HostFacts& host() const { return host_; }
     const StartupState& startup() const { return startup_; }
+    /// Where all state of the monitor lives.
+    /// What all components share.
     const Services& services() const { return services_; }
     /// Never null.
     const std::shared_ptr<const Locale>& locale() const { return locale_; }
@@ -119,7 +125,7 @@ private:
 
     HostFacts host_;
     std::shared_ptr<const Locale> locale_;
-    /// Before everything that takes time: the first sample's load counts from here.
+    /// Built before everything that takes time: the first sample's CPU load is measured from here.
     std::shared_ptr<SampleSources> sources_;
     std::unique_ptr<SettingsOwner> settings_;
     std::unique_ptr<ActivityLog> log_;

@@ -8,6 +8,7 @@
 #include "core/number_text.h"
 #include "core/text.h"
 #include "sampling/app_impact.h"
+#include "sampling/binary_units.h"
 
 namespace tallowcrest {
 namespace {
@@ -50,10 +51,9 @@ std::string reportText(std::string_view text) {
 }
 
 std::string formatAppRow(const AppImpact& app) {
-    constexpr double megabytesInGigabyte = 1024.0;
     return fmt::format("{}\t{}% CPU\t{} GB\t{} processes\t{} protected", reportText(app.name),
                        withOneDecimal(app.totalCPU),
-                       withOneDecimal(app.totalMemoryMB / megabytesInGigabyte), app.processCount,
+                       withOneDecimal(app.totalMemoryMB / megabytesPerGigabyte), app.processCount,
                        app.protectedCount);
 }
 

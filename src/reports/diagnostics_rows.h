@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/activity_event.h"
 #include "core/advisor_records.h"
 #include "core/local_records.h"
 #include "core/locale.h"

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
+
+#include "core/outcome.h"
 
 namespace tallowcrest {
 
@@ -15,11 +16,10 @@ public:
     virtual std::filesystem::path place() const = 0;
 
     /// Writes a new file in it, completely or not at all, and creates the folder and its parents if
-    /// they are missing. Never replaces an existing file or link. Absent on success, else the
+    /// they are missing. Never replaces an existing file or link. Done, or failed with the
     /// system's error message; a path that is not absolute is an error. Any thread, several at
     /// once.
-    virtual std::optional<std::string> write(const std::filesystem::path& file,
-                                             const std::string& text) = 0;
+    virtual Outcome write(const std::filesystem::path& file, const std::string& text) = 0;
 
     /// Shows the file in the desktop's file manager. Returns at once; a failure is not reported.
     /// Main thread.

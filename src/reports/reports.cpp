@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "core/activity_log.h"
+#include "core/clock.h"
 
 namespace tallowcrest {
 
@@ -18,6 +19,12 @@ std::string exportFileName(Date date, std::int64_t utcOffsetSeconds) {
     const auto seconds = static_cast<std::time_t>(std::floor(date.unixSeconds()));
     return fmt::format("Tallowcrest-Diagnostics-{:%Y-%m-%d-%H%M%S}.txt",
                        fmt::gmtime(seconds + utcOffsetSeconds));
+}
+
+Outcome writeReport(ReportFolder& folder, const std::filesystem::path& file,
+                    const std::string& text, const Stop& stop) {
+    const auto change = stop.beginChange();
+    return change ? folder.write(file, text) : Outcome::failed("canceled");
 }
 
 Reports::Reports(Dependencies dependencies)
@@ -37,12 +44,9 @@ Outcome Reports::copyDiagnosticsReport() {
                   : Outcome::refused({});
 }
 
-Outcome Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
+Outcome Reports::exportDiagnosticsReport(std::function<void(const Outcome&)> finished) {
     auto report = diagnosticsReport(false);
     if (!report) {
-        if (whenFailed) {
-            whenFailed();
-        }
         return with_.services.log.record(
             Outcome::refused("No diagnostic sample is available yet."));
     }
@@ -52,29 +56,25 @@ Outcome Reports::exportDiagnosticsReport(std::function<void()> whenFailed) {
     jobs_.run(
         Lane::reports,
         [folder = with_.folder, file, report = *std::move(report)](const Stop& stop) {
-            const auto change = stop.beginChange();
-            return change ? folder->write(file, report) : std::optional<std::string>("canceled");
+            return writeReport(*folder, file, report, stop);
         },
-        [this, file,
-         whenFailed = std::move(whenFailed)](const std::optional<std::string>& problem) {
-            finishExport(file, problem, whenFailed);
+        [this, file, finished = std::move(finished)](const Outcome& written) {
+            const Outcome outcome = finishExport(file, written);
+            if (finished) {
+                finished(outcome);
+            }
         });
     return Outcome::asked();
 }
 
-void Reports::finishExport(const std::filesystem::path& file,
-                           const std::optional<std::string>& problem,
-                           const std::function<void()>& whenFailed) {
-    if (!problem) {
-        with_.folder->reveal(file);
-        with_.services.log.recordMessage(
-            fmt::format("Exported diagnostics to {}.", file.filename().string()));
-        return;
+Outcome Reports::finishExport(const std::filesystem::path& file, const Outcome& written) {
+    if (!written.isAccepted()) {
+        return with_.services.log.record(
+            Outcome::failed("Could not export diagnostics: " + written.message));
     }
-    with_.services.log.recordMessage("Could not export diagnostics: " + *problem);
-    if (whenFailed) {
-        whenFailed();
-    }
+    with_.folder->reveal(file);
+    return with_.services.log.record(
+        Outcome::done(fmt::format("Exported diagnostics to {}.", file.filename().string())));
 }
 
 }  // namespace tallowcrest

@@ -17,9 +17,17 @@
 
 namespace tallowcrest {
 
-/// "Tallowcrest-Diagnostics-2026-11-20-154512.txt": the time on the wall, to the second, in a form
-/// that sorts and belongs to no country. `utcOffsetSeconds` as `UTCOffset` tells it. Pure.
+/// The file name of an export, for example "Tallowcrest-Diagnostics-2026-11-20-154512.txt": with
+/// the local time to the second, in a form that sorts and is the same in every locale. Without the
+/// time when the date has no form, see `Locale::hasForm`. `utcOffsetSeconds` as `UTCOffset` returns
+/// it. Pure; any thread.
 std::string exportFileName(Date date, std::int64_t utcOffsetSeconds);
+
+/// Writes a report into a file; the program does not end meanwhile. The outcome of
+/// `ReportFolder::write`, or failed with "canceled", without writing, when the program is ending
+/// already. Any thread.
+Outcome writeReport(ReportFolder& folder, const std::filesystem::path& file,
+                    const std::string& text, const Stop& stop);
 
 /// The diagnostics report for the owner: on the clipboard, as a file, as a text. Main thread.
 class Reports {
@@ -41,17 +49,17 @@ public:
     /// Absent before the first sample.
     std::optional<std::string> diagnosticsReport(bool redacted) const;
 
-    /// Before the first sample nothing happens, not even a message.
+    /// Copies the full report to the clipboard. Before the first sample it is refused without a
+    /// message.
     Outcome copyDiagnosticsReport();
 
-    /// Writes the report into a file and shows it, in the background: a disk may take its time.
-    /// What became of it is recorded on a later turn, or at once before the first sample. After a
-    /// failure `whenFailed` is called, if there is one.
-    Outcome exportDiagnosticsReport(std::function<void()> whenFailed = {});
+    /// Writes the full report into a new file in the background, then shows the file and records
+    /// the result. Before the first sample it is refused at once. `finished`, if given, gets the
+    /// recorded result on a later turn.
+    Outcome exportDiagnosticsReport(std::function<void(const Outcome&)> finished = {});
 
 private:
-    void finishExport(const std::filesystem::path& file, const std::optional<std::string>& problem,
-                      const std::function<void()>& whenFailed);
+    Outcome finishExport(const std::filesystem::path& file, const Outcome& written);
 
     Dependencies with_;
     JobScope jobs_;

@@ -11,10 +11,10 @@
 
 namespace tallowcrest {
 
-/// The application group of an executable name; the name itself when no rule matches.
+/// The application group of an executable name; the name itself when no rule matches. Any thread.
 std::string normalizedAppName(std::string_view name);
 
-/// `normalizedAppName` of the row's display name.
+/// `normalizedAppName` of the row's display name. Any thread.
 std::string appGroupName(const ProcessSample& row);
 
 /// The indexes of the rows in impact order: higher CPU first, and within one percentage point
@@ -34,7 +34,7 @@ std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
 
 inline constexpr std::size_t maximumAppImpacts = 14;
 
-/// The first of those groups, as many as a snapshot has. Any thread.
+/// The first `maximumAppImpacts` of those groups, which a snapshot has. Any thread.
 std::vector<AppImpact> listedAppImpacts(const std::vector<ProcessSample>& rows,
                                         const ProtectedAppNames& protectedAppNames,
                                         const ProtectionPolicy& policy);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
 #include "sampling/app_impact.h"
 
 namespace tallowcrest {
@@ -29,10 +31,14 @@ Counts highestCounts(const Counts& counts, std::size_t kept) {
 
 }  // namespace
 
-LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue)
-    : settings_(settings),
-      observable_(mainQueue),
-      history_(settings.load(stored::history).value_or(std::vector<HistoryPoint>())) {}
+LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue, bool readOnly)
+    : observable_(std::make_unique<Observable>(mainQueue)), history_(settings, stored::history) {
+    if (readOnly) {
+        history_.change([](std::vector<HistoryPoint>& points) { points.clear(); });
+    }
+}
+
+LatestSample::~LatestSample() = default;
 
 void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes,
                                       std::vector<std::size_t> impactOrder) {
@@ -42,14 +48,14 @@ void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes,
 
 void LatestSample::setSnapshot(SystemSnapshot snapshot) {
     snapshot_ = std::move(snapshot);
-    observable_.changed();
+    observable_->changed();
 }
 
 void LatestSample::regroup(const ProtectedAppNames& protectedAppNames,
                            const ProtectionPolicy& policy) {
     if (snapshot_) {
         snapshot_->appImpacts = listedAppImpacts(latestProcesses_, protectedAppNames, policy);
-        observable_.changed();
+        observable_->changed();
     }
 }
 
@@ -57,15 +63,16 @@ void LatestSample::appendHistoryPoint() {
     if (!snapshot_) {
         return;
     }
-    history_.push_back(HistoryPoint{UUID::random(), snapshot_->sampledAt, snapshot_->cpuPercent,
-                                    snapshot_->memory.pressure});
     ++pointsOfThisRun_;
-    if (history_.size() > maximumHistory) {
-        history_.erase(history_.begin(),
-                       history_.end() - static_cast<std::ptrdiff_t>(maximumHistory));
-    }
-    settings_.saveEncoded(stored::history, encoder_.encode(history_));
-    observable_.changed();
+    history_.change([this](std::vector<HistoryPoint>& points) {
+        points.push_back(HistoryPoint{UUID::random(), snapshot_->sampledAt, snapshot_->cpuPercent,
+                                      snapshot_->memory.pressure});
+        if (points.size() > maximumHistory) {
+            points.erase(points.begin(),
+                         points.end() - static_cast<std::ptrdiff_t>(maximumHistory));
+        }
+    });
+    observable_->changed();
 }
 
 void LatestSample::countTopApp() {
@@ -80,12 +87,12 @@ void LatestSample::countTopApp() {
 
 void LatestSample::setRecommendations(std::vector<Recommendation> recommendations) {
     recommendations_ = std::move(recommendations);
-    observable_.changed();
+    observable_->changed();
 }
 
 void LatestSample::setSessionInsights(std::vector<SessionInsight> insights) {
     sessionInsights_ = std::move(insights);
-    observable_.changed();
+    observable_->changed();
 }
 
 }  // namespace tallowcrest

@@ -12,11 +12,12 @@ namespace tallowcrest {
 /// one.
 class MetricRunner {
 public:
+    /// The references must outlive the object.
     MetricRunner(const CommandSafetyPolicy::AllowedExecutables& allowed, ToolLauncher& launcher)
         : allowed_(allowed), launcher_(launcher) {}
 
-    /// The tool's standard output, up to the deadline if it takes longer. Empty when the path is
-    /// not allowed, the launch fails, or the output is not valid UTF-8.
+    /// The tool's standard output, incomplete if the deadline ended the tool. Empty when the path
+    /// is not allowed, the launch fails, or the output is not valid UTF-8.
     std::string runMetricTool(const std::string& path, const std::vector<std::string>& arguments);
 
 private:

@@ -10,7 +10,8 @@ namespace tallowcrest {
 // The impact orders compare by one figure unless two items are close together, and then by another.
 // Such a relation can have cycles, and NaN breaks any ordering; the standard sorts have undefined
 // behaviour for both. The merge sort below requires nothing of the relation: the result is always a
-// permutation of the items, takes O(n log n) comparisons, and is the same on every platform.
+// permutation of the items, takes O(n log n) comparisons, and is the same on every platform. Pure;
+// any thread.
 
 /// Sorts `items` by `before(a, b)`, "a must come before b". Where the relation is transitive, items
 /// of which neither must come before the other keep their order.

@@ -29,10 +29,11 @@ public:
 /// Absent when no tick passed between them.
 std::optional<double> busyPercent(const CPUTicks& previous, const CPUTicks& current);
 
-/// The whole-machine CPU load since the previous call. Any thread.
+/// The whole-machine CPU load since the previous call. Any thread, several at once.
 class SystemCPULoadReader {
 public:
-    /// Reads the counters once; the first `readCPUPercent` gives the load since then.
+    /// Reads the counters once; the first `readCPUPercent` gives the load since then. `source` must
+    /// outlive the object.
     explicit SystemCPULoadReader(CPUTickSource& source);
 
     /// 100 means that all cores were busy. Absent when the counters cannot be read (the previous

@@ -17,7 +17,8 @@ struct ToolRequest {
     bool mergeStandardError = false;
 };
 
-/// The result of a launch.
+/// The result of a launch. Not an `Outcome`: the callers need the output or the exit status, and
+/// each judges by its own rules whether the tool did its work.
 struct ToolResult {
     bool launched = false;
     std::string launchError;  ///< the system's message when it was not launched, else empty

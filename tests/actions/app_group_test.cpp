@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -30,14 +32,10 @@ AppImpact group(const std::string& name, std::optional<std::int64_t> topPID) {
 }
 
 std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    std::vector<std::int64_t> result;
-    for (const ProcessSample& each : rows) {
-        result.push_back(each.pid);
-    }
-    return result;
+    return eachOf(rows, &ProcessSample::pid);
 }
 
-TEST(AppGroup, MembersAreTheRowsOfThatVeryGroupInTheirOrder) {
+TEST(AppGroup, MembersAreTheRowsOfTheGroupInTableOrder) {
     const std::vector<ProcessSample> rows{row(9, "/opt/firefox/firefox"), row(3, "/usr/bin/editor"),
                                           row(5, "/opt/firefox/firefox-bin"),
                                           row(7, "/usr/bin/Firefox")};
@@ -48,7 +46,7 @@ TEST(AppGroup, MembersAreTheRowsOfThatVeryGroupInTheirOrder) {
     EXPECT_THAT(groupMembers({}, "Firefox"), IsEmpty());
 }
 
-TEST(AppGroup, OnlyVisibleMembersMayBeAskedToQuit) {
+TEST(AppGroup, VisibleMembersExcludeTheProtected) {
     struct Case {
         const char* what;
         ProcessSample member;
@@ -61,7 +59,7 @@ TEST(AppGroup, OnlyVisibleMembersMayBeAskedToQuit) {
         {"the system's folder", row(101, "/System/Library/python3"), false},
         {"the system's helpers", row(102, "/usr/libexec/python3"), false},
         {"the first process", row(1, "/usr/bin/python3"), false},
-        {"a path that only holds such a folder", row(103, "/opt/usr/libexec/python3"), true},
+        {"a path that only contains such a folder", row(103, "/opt/usr/libexec/python3"), true},
     };
     for (const Case& each : cases) {
         const std::vector<ProcessSample> rows{each.member};
@@ -72,7 +70,7 @@ TEST(AppGroup, OnlyVisibleMembersMayBeAskedToQuit) {
     }
 }
 
-TEST(AppGroup, NoneOfTheBuiltInNamesIsVisible) {
+TEST(AppGroup, VisibleMembersExcludeTheBuiltInNames) {
     for (const char* name : {"kernel_task", "launchd", "WindowServer", "loginwindow", "Finder",
                              "SystemUIServer", "ControlCenter", "Dock", "cfprefsd", "distnoted",
                              "notifyd", "powerd", "runningboardd", "Tallowcrest"}) {
@@ -83,7 +81,7 @@ TEST(AppGroup, NoneOfTheBuiltInNamesIsVisible) {
     }
 }
 
-TEST(AppGroup, TheFirstSafeGroupPassesOverTheProtected) {
+TEST(AppGroup, TheFirstSafeGroupSkipsProtectedGroups) {
     const std::vector<ProcessSample> rows{row(10, "/usr/bin/docker"),
                                           row(11, "/usr/libexec/helper"),
                                           row(12, "/usr/bin/editor"), row(13, "/usr/bin/safari")};
@@ -92,7 +90,7 @@ TEST(AppGroup, TheFirstSafeGroupPassesOverTheProtected) {
     const AppImpact protectedTop = group("helper", 11);
     const AppImpact safe = group("editor", 12);
     const AppImpact gone = group("photos", 99);
-    // Its top process belongs to a group of the owner's list, whatever its own name is.
+    // Its top process belongs to a group on the Never Quit list, although the group itself is not.
     const AppImpact foreignTop = group("browser", 13);
     const ProtectedAppNames names{"Docker", "Safari"};
 

@@ -22,11 +22,11 @@ std::string scriptFor(const std::string& name) {
     return "tell application \"" + name + "\"\n    if it is running then quit\nend tell";
 }
 
-// The script ---------------------------------------------------------------------------------
+// The script -------------------------------------------------------------------------------------
 
 class HarmlessName : public testing::TestWithParam<std::string> {};
 
-TEST_P(HarmlessName, StandsInTheScriptAsItIs) {
+TEST_P(HarmlessName, IsInTheScriptUnchanged) {
     EXPECT_EQ(gracefulQuitScript(GetParam()), scriptFor(GetParam()));
 }
 
@@ -47,7 +47,7 @@ class RefusedName : public testing::TestWithParam<Refused> {};
 TEST_P(RefusedName, HasNoScriptAndLaunchesNothing) {
     const std::string name(GetParam().name);
     EXPECT_EQ(gracefulQuitScript(name), std::nullopt) << GetParam().why;
-    // Wherever in the name it stands.
+    // At every position in the name.
     if (!name.empty()) {
         EXPECT_EQ(gracefulQuitScript("Mail" + name), std::nullopt) << GetParam().why;
         EXPECT_EQ(gracefulQuitScript("Ma" + name + "il"), std::nullopt) << GetParam().why;
@@ -63,21 +63,22 @@ INSTANTIATE_TEST_SUITE_P(
     Table, RefusedName,
     testing::Values(Refused{"", "no name"}, Refused{"\"", "ends the quoted name"},
                     Refused{"\" to quit\ndo shell script \"id", "another command"},
-                    Refused{"\\", "escapes the quote behind it"},
-                    Refused{"\\\"", "an escaped quote"}, Refused{"\n", "line feed"},
-                    Refused{"\r", "carriage return"}, Refused{"\r\n", "both of them"},
-                    Refused{"\t", "tab"}, Refused{"\v", "vertical tab"}, Refused{"\f", "form feed"},
-                    Refused{"\x1B", "escape"}, Refused{"\x1F", "last of the row"},
+                    Refused{"\\", "escapes the closing quote"}, Refused{"\\\"", "an escaped quote"},
+                    Refused{"\n", "line feed"}, Refused{"\r", "carriage return"},
+                    Refused{"\r\n", "carriage return and line feed"}, Refused{"\t", "tab"},
+                    Refused{"\v", "vertical tab"}, Refused{"\f", "form feed"},
+                    Refused{"\x1B", "escape"}, Refused{"\x1F", "last of the C0 controls"},
                     Refused{std::string_view("\0", 1), "ends an argument"},
                     Refused{"\x7F", "delete"}, Refused{"\xC2\x80", "U+0080"},
                     Refused{"\xC2\x85", "next line"}, Refused{"\xC2\x9F", "U+009F"},
                     Refused{"\xE2\x80\xA8", "line separator"},
-                    Refused{"\xE2\x80\xA9", "paragraph separator"}, Refused{"\xFF", "no UTF-8"},
-                    Refused{"\xC3", "cut short"}, Refused{"\xC0\xA2", "overlong quote"},
+                    Refused{"\xE2\x80\xA9", "paragraph separator"},
+                    Refused{"\xFF", "invalid UTF-8"}, Refused{"\xC3", "truncated"},
+                    Refused{"\xC0\xA2", "overlong quote"},
                     Refused{"\xC1\x9C", "overlong backslash"}, Refused{"\xED\xA0\x80", "surrogate"},
-                    Refused{"\xE2\x80", "cut short before the separator"}));
+                    Refused{"\xE2\x80", "truncated separator"}));
 
-TEST(GracefulQuitScript, TakesAVeryLongName) {
+TEST(GracefulQuitScript, AcceptsAVeryLongName) {
     const std::string name(10'000, 'x');
     const auto script = gracefulQuitScript(name);
     ASSERT_TRUE(script);
@@ -85,7 +86,7 @@ TEST(GracefulQuitScript, TakesAVeryLongName) {
     EXPECT_EQ(*script, scriptFor(name));
 }
 
-// The asking ---------------------------------------------------------------------------------
+// Asking ----------------------------------------------------------------------------------------
 
 class AppleScriptQuitTest : public testing::Test {
 protected:
@@ -123,7 +124,7 @@ TEST_F(AppleScriptQuitTest, SucceedsOnlyWithStatusZero) {
     EXPECT_EQ(launcher.requests.size(), 6U);
 }
 
-TEST_F(AppleScriptQuitTest, WhatTheToolWritesDoesNotMatter) {
+TEST_F(AppleScriptQuitTest, IgnoresTheOutputOfTheTool) {
     launcher.willWrite("execution error: User canceled. (-128)\n");
     EXPECT_TRUE(quit.gracefulAppQuit("Mail", {}));
 }
@@ -148,7 +149,7 @@ TEST_F(AppleScriptQuitTest, LaunchesNothingThatIsNotAllowed) {
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
-TEST_F(AppleScriptQuitTest, TheToolIsAmongThoseOfMacOSAlone) {
+TEST_F(AppleScriptQuitTest, TheToolIsAllowedOnlyOnMacOS) {
     launcher.willWrite("");
     EXPECT_TRUE(AppleScriptQuit(CommandSafetyPolicy::macOSExecutables(), launcher)
                     .gracefulAppQuit("Mail", {}));
@@ -157,7 +158,7 @@ TEST_F(AppleScriptQuitTest, TheToolIsAmongThoseOfMacOSAlone) {
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
-// Names that no application bears ------------------------------------------------------------
+// Names that no application has ------------------------------------------------------------------
 
 TEST_F(AppleScriptQuitTest, LaunchesNothingForASyntheticName) {
     launcher.willWrite("");
@@ -168,7 +169,7 @@ TEST_F(AppleScriptQuitTest, LaunchesNothingForASyntheticName) {
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
-TEST(SyntheticGroupName, IsComparedAsItStands) {
+TEST(SyntheticGroupName, IsComparedExactly) {
     for (const char* name :
          {"", "python", "Python ", " Python", "Python3", "Node", "Node.JS", "Docker",
           "Virtualization", "Google Chrome", "Developer  Tools", "ElectronApps"}) {

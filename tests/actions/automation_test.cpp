@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/observable.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -57,7 +59,7 @@ const std::vector<Expected>& expectedSwitches() {
 
 class AutomationTest : public ::testing::Test, protected TestServices {
 protected:
-    /// The operation returned `expected` and recorded its words.
+    /// The operation returned `expected` and recorded its message.
     void expectOutcome(const Outcome& actual, const Outcome& expected) const {
         EXPECT_EQ(actual.kind, expected.kind) << expected.message;
         EXPECT_EQ(actual.message, expected.message);
@@ -67,20 +69,17 @@ protected:
         EXPECT_EQ(log.activityLog().front().detail, expected.message);
     }
 
-    /// What a start finds in the store.
-    Settings storedNow() { return SettingsOwner(store, mainQueue, "owner").values(); }
-
     const Settings& values = settings.values();
     Automation automation{services};
 };
 
-/// A start from a store that holds what is given.
+/// A start from a store with given content.
 struct Restarted : TestServices {
     using TestServices::TestServices;
     Automation automation{services};
 };
 
-TEST_F(AutomationTest, EverySwitchStoresAndSaysWhatItDoes) {
+TEST_F(AutomationTest, EverySwitchIsStoredAndRecorded) {
     ASSERT_THAT(expectedSwitches(), SizeIs(allAutomationSwitches.size()));
     for (const Expected& each : expectedSwitches()) {
         expectOutcome(automation.set(each.which, true), Outcome::done(each.turnedOn));
@@ -94,40 +93,44 @@ TEST_F(AutomationTest, EverySwitchStoresAndSaysWhatItDoes) {
     }
 }
 
-TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItGoverns) {
+TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItHoldsBack) {
     automation.engageEmergencyStop();
     for (const Expected& each : expectedSwitches()) {
         settings.set(each.field, false);
     }
     store.written.clear();
     for (const Expected& each : expectedSwitches()) {
-        const bool isGoverned = each.refusal != nullptr;
-        EXPECT_EQ(isGovernedByStop(each.which), isGoverned) << each.key;
+        const bool isHeldBack = each.refusal != nullptr;
+        EXPECT_EQ(isHeldBackByStop(each.which), isHeldBack) << each.key;
         expectOutcome(automation.set(each.which, true),
-                      isGoverned ? Outcome::refused(each.refusal) : Outcome::done(each.turnedOn));
-        EXPECT_EQ(values.*each.field, !isGoverned) << each.key;
+                      isHeldBack ? Outcome::refused(each.refusal) : Outcome::done(each.turnedOn));
+        EXPECT_EQ(values.*each.field, !isHeldBack) << each.key;
     }
     std::erase(store.written, "Tallowcrest.activityLog");
     EXPECT_THAT(store.written,
                 ElementsAre("Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions"));
-    // What the advisor may do by itself stays with the mode, whatever this switch says.
+    // The mode still limits what the advisor may do by itself.
     EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
 }
 
-TEST_F(AutomationTest, ARefusalTellsObserversSoThatTheControlSpringsBack) {
+TEST_F(AutomationTest, ARefusalIsToldByTheLogAlone) {
     automation.engageEmergencyStop();
     mainQueue.drain();
     int told = 0;
-    const Subscription subscription = automation.observable().subscribe([&told] { ++told; });
+    int toldByLog = 0;
+    const Subscription state = automation.observable().subscribe([&told] { ++told; });
+    const Subscription changes = settings.observable().subscribe([&told] { ++told; });
+    const Subscription words = log.observable().subscribe([&toldByLog] { ++toldByLog; });
     automation.set(AutomationSwitch::autoScanRemoteMacs, true);
     mainQueue.drain();
-    EXPECT_EQ(told, 1);
+    EXPECT_EQ(toldByLog, 1);
     automation.setAutonomyMode(AIAutonomyMode::trusted);
     mainQueue.drain();
-    EXPECT_EQ(told, 2);
+    EXPECT_EQ(toldByLog, 2);
+    EXPECT_EQ(told, 0);
 }
 
-TEST_F(AutomationTest, TurningOffNeedsNoLeave) {
+TEST_F(AutomationTest, TurningOffIsAllowedDuringTheStop) {
     automation.engageEmergencyStop();
     for (const Expected& each : expectedSwitches()) {
         expectOutcome(automation.set(each.which, false), Outcome::done(each.turnedOff));
@@ -135,7 +138,7 @@ TEST_F(AutomationTest, TurningOffNeedsNoLeave) {
     }
 }
 
-TEST_F(AutomationTest, DiskAutopilotNamesTheModeAndKeepsItsStatusLine) {
+TEST_F(AutomationTest, DiskAutopilotNamesTheModeAndUpdatesItsStatusLine) {
     EXPECT_EQ(automation.diskAutopilotStatus(), "Disk Autopilot is off.");
     for (const auto& [mode, name] : {std::pair{AIAutonomyMode::apprentice, "Apprentice"},
                                      std::pair{AIAutonomyMode::trusted, "Trusted"},
@@ -152,7 +155,7 @@ TEST_F(AutomationTest, DiskAutopilotNamesTheModeAndKeepsItsStatusLine) {
     EXPECT_EQ(automation.diskAutopilotStatus(), "Disk Autopilot is off.");
 }
 
-TEST(AutomationStart, TheStatusLine) {
+TEST(AutomationStart, TheStatusLineFollowsTheStoredSettings) {
     struct Case {
         bool stop;
         bool enabled;
@@ -163,10 +166,6 @@ TEST(AutomationStart, TheStatusLine) {
           Case{true, false, "Emergency stop is engaged. All automatic actions are off."},
           Case{false, true, "Watching disk space with staged trust controls."},
           Case{false, false, "Disk Autopilot is off."}}) {
-        Settings stored;
-        stored.automationEmergencyStopEngaged = each.stop;
-        stored.diskAutopilotEnabled = each.enabled;
-        EXPECT_EQ(diskAutopilotStatusAtStart(stored), each.status);
         const Restarted started([&each](SettingsStore& store) {
             store.write("Tallowcrest.automationEmergencyStop", each.stop);
             store.write("Tallowcrest.diskAutopilotEnabled", each.enabled);
@@ -175,7 +174,7 @@ TEST(AutomationStart, TheStatusLine) {
     }
 }
 
-TEST_F(AutomationTest, EngagingTheStop) {
+TEST_F(AutomationTest, EngagingTheStopTurnsOffAndStoresWhatItGoverns) {
     for (const Expected& each : expectedSwitches()) {
         settings.set(each.field, true);
     }
@@ -199,7 +198,7 @@ TEST_F(AutomationTest, EngagingTheStop) {
     EXPECT_EQ(store.read("Tallowcrest.autoPurgeSustainedMemory"), SettingsValue(false));
     EXPECT_EQ(store.read("Tallowcrest.autoScanRemoteMacs"), SettingsValue(false));
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("apprentice")));
-    // The latch itself first: whatever ends the program after that, the stop holds.
+    // The stop itself is stored first, so that it holds even if the program ends right after.
     EXPECT_THAT(
         store.written,
         ElementsAre("Tallowcrest.automationEmergencyStop", "Tallowcrest.autoSelectTopOffender",
@@ -219,7 +218,7 @@ TEST_F(AutomationTest, EngagingTheStop) {
     EXPECT_EQ(log.lastAction(), "Emergency stop engaged. Automatic actions are disabled.");
 }
 
-TEST_F(AutomationTest, EngagingTwiceRepeatsAllOfIt) {
+TEST_F(AutomationTest, EngagingTwiceRepeatsEveryStep) {
     const auto storeTheOpposite = [this] {
         store.write("Tallowcrest.automationEmergencyStop", false);
         for (const Expected& each : expectedSwitches()) {
@@ -240,7 +239,7 @@ TEST_F(AutomationTest, EngagingTwiceRepeatsAllOfIt) {
     EXPECT_THAT(log.activityLog(), SizeIs(2));
 }
 
-TEST_F(AutomationTest, ResumingBringsNothingBack) {
+TEST_F(AutomationTest, ResumingTurnsNothingOn) {
     settings.set(&Settings::autoPurgeSustainedMemory, true);
     settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::trusted);
     automation.engageEmergencyStop();
@@ -277,20 +276,48 @@ TEST_F(AutomationTest, ResumingWithoutAStopTurnsNothingOff) {
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("trusted")));
 }
 
-TEST_F(AutomationTest, AfterARestartTheStopHoldsAndTheSwitchesAreOff) {
+TEST_F(AutomationTest, AfterARestartTheStopIsEngagedAndTheSwitchesAreOff) {
     settings.set(&Settings::autoPurgeSustainedMemory, true);
     automation.engageEmergencyStop();
-    const Settings restarted = storedNow();
+    const Restarted next([this](SettingsStore& stored) {
+        for (const settings_keys::Key& key : settings_keys::all) {
+            if (const auto value = store.read(key.name)) {
+                stored.write(key.name, *value);
+            }
+        }
+    });
+    const Settings& restarted = next.settings.values();
     EXPECT_TRUE(restarted.automationEmergencyStopEngaged);
     EXPECT_FALSE(restarted.autoSelectTopOffender);
     EXPECT_FALSE(restarted.autoPurgeSustainedMemory);
     EXPECT_FALSE(restarted.autoScanRemoteMacs);
     EXPECT_FALSE(restarted.diskAutopilotEnabled);
-    EXPECT_EQ(diskAutopilotStatusAtStart(restarted),
+    EXPECT_EQ(next.automation.diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
 }
 
-TEST(AutomationStart, ResumingFromAStopThatWasStoredInPartBringsNothingBack) {
+TEST(AutomationStart, AStartWithTheStopLeavesTheSelectionOfTheTopOffenderAsItIsStored) {
+    const Restarted started([](SettingsStore& store) {
+        for (const Expected& each : expectedSwitches()) {
+            store.write(each.key, true);
+        }
+        store.write("Tallowcrest.aiAutonomyMode", std::string("autopilot"));
+        store.write("Tallowcrest.automationEmergencyStop", true);
+    });
+    const Settings& values = started.settings.values();
+    EXPECT_FALSE(values.autoPurgeSustainedMemory);
+    EXPECT_FALSE(values.autoScanRemoteMacs);
+    EXPECT_FALSE(values.diskAutopilotEnabled);
+    EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
+    EXPECT_TRUE(values.autoSelectTopOffender);
+    EXPECT_TRUE(values.aiSafeActionsEnabled);
+    EXPECT_TRUE(values.notificationsIncludeActions);
+    for (const Expected& each : expectedSwitches()) {
+        EXPECT_EQ(started.store.read(each.key), SettingsValue(true)) << each.key;
+    }
+}
+
+TEST(AutomationStart, ResumingFromAPartlyStoredStopTurnsNothingOn) {
     Restarted run([](SettingsStore& store) {
         store.write("Tallowcrest.autoSelectTopOffender", true);
         store.write("Tallowcrest.autoPurgeSustainedMemory", true);
@@ -312,7 +339,7 @@ TEST(AutomationStart, ResumingFromAStopThatWasStoredInPartBringsNothingBack) {
     }
 }
 
-TEST(AutomationStart, ResumingSwitchesOffWhatIsOnWithoutBeingStored) {
+TEST(AutomationStart, ResumingTurnsOffASwitchThatIsOnByDefault) {
     Restarted run(
         [](SettingsStore& store) { store.write("Tallowcrest.automationEmergencyStop", true); });
     ASSERT_TRUE(run.settings.values().autoSelectTopOffender);
@@ -321,7 +348,7 @@ TEST(AutomationStart, ResumingSwitchesOffWhatIsOnWithoutBeingStored) {
     EXPECT_FALSE(SettingsOwner(run.store, run.mainQueue, "owner").values().autoSelectTopOffender);
 }
 
-TEST_F(AutomationTest, TheAutonomyModeIsHeldBackByTheStop) {
+TEST_F(AutomationTest, TheStopRefusesEveryModeExceptApprentice) {
     expectOutcome(automation.setAutonomyMode(AIAutonomyMode::trusted),
                   Outcome::done("AI Advisor mode set to Trusted."));
     EXPECT_EQ(store.read("Tallowcrest.aiAutonomyMode"), SettingsValue(std::string("trusted")));

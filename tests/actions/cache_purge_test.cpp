@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -26,24 +28,18 @@ std::vector<std::vector<std::string>> commandLines(const std::vector<ToolRequest
     return lines;
 }
 
-TEST(PurgeTools, OfMacOS) {
+TEST(PurgeTools, OfEachSystem) {
     EXPECT_THAT(commandLines(macOSPurgeTools()), ElementsAre(ElementsAre("/usr/sbin/purge")));
-}
-
-TEST(PurgeTools, OfLinuxForRoot) {
     EXPECT_THAT(commandLines(linuxPurgeTools(true)),
                 ElementsAre(ElementsAre("/usr/bin/sync"),
                             ElementsAre("/usr/sbin/sysctl", "-w", "vm.drop_caches=1")));
-}
-
-TEST(PurgeTools, OfLinuxForOthers) {
     EXPECT_THAT(commandLines(linuxPurgeTools(false)),
                 ElementsAre(ElementsAre("/usr/bin/sync"),
                             ElementsAre("/usr/bin/pkexec", "--disable-internal-agent",
                                         "/usr/sbin/sysctl", "-w", "vm.drop_caches=1")));
 }
 
-TEST(PurgeTools, AllAreWaitedForAndAllowedOnTheirSystem) {
+TEST(PurgeTools, HaveNoTimeoutAndAreAllowedOnTheirSystem) {
     const auto check = [](const std::vector<ToolRequest>& tools,
                           const CommandSafetyPolicy::AllowedExecutables& allowed) {
         for (const ToolRequest& tool : tools) {
@@ -64,13 +60,13 @@ ToolResult exitedWith(std::optional<int> status) {
     return result;
 }
 
-ToolResult notLaunched(std::string words) {
+ToolResult notLaunched(std::string message) {
     ToolResult result;
-    result.launchError = std::move(words);
+    result.launchError = std::move(message);
     return result;
 }
 
-/// Answers each launch with the next result; a launch beyond the last is not launched.
+/// Returns the next result for each launch; a launch after the last result fails.
 class SteppedLauncher final : public ToolLauncher {
 public:
     ToolResult launch(const ToolRequest& request) override {
@@ -83,102 +79,49 @@ public:
     std::vector<std::string> paths;
 };
 
-/// What three steps came to, and how many of them were launched.
-struct Steps {
-    const char* name;
-    CommandSafetyPolicy::AllowedExecutables allowed;
-    std::vector<ToolResult> results;
-    std::size_t launches;
-    PurgeResult expected;
-};
+TEST(ToolCachePurge, StopsAtTheFirstStepThatFails) {
+    using Paths = std::vector<std::string>;
+    const Paths all{"/first", "/second", "/third"};
+    const std::optional<int> signal;
+    const auto purgeWith = [&all](const CommandSafetyPolicy::AllowedExecutables& allowed,
+                                  std::vector<ToolResult> results, std::size_t launches) {
+        SteppedLauncher launcher;
+        launcher.results = std::move(results);
+        ToolCachePurge purge(allowed, launcher, eachOf(all, [](const std::string& path) {
+                                 return ToolRequest{.path = path};
+                             }));
+        EXPECT_THAT(launcher.paths, IsEmpty());
+        const PurgeResult result = purge.purge();
+        EXPECT_EQ(launcher.paths, Paths(all.begin(), all.begin() + static_cast<int>(launches)));
+        return result;
+    };
+    const auto exits = [&](std::optional<int> first, std::optional<int> second,
+                           std::optional<int> third, std::size_t launches) {
+        return purgeWith({"/first", "/second", "/third"},
+                         {exitedWith(first), exitedWith(second), exitedWith(third)}, launches);
+    };
+    EXPECT_EQ(exits(0, 0, 0, 3), (PurgeResult{Outcome::purged, ""}));
+    const PurgeResult refused{Outcome::refused, ""};
+    EXPECT_EQ(exits(1, 0, 0, 1), refused);
+    EXPECT_EQ(exits(0, 126, 0, 2), refused) << "the authorisation was declined";
+    EXPECT_EQ(exits(0, 0, 255, 3), refused);
+    EXPECT_EQ(exits(signal, 0, 0, 1), refused);
+    EXPECT_EQ(exits(0, 0, signal, 3), refused);
 
-class ToolCachePurgeTest : public testing::TestWithParam<Steps> {
-protected:
-    const std::vector<std::string> steps{"/first", "/second", "/third"};
-};
-
-TEST_P(ToolCachePurgeTest, StopsAtTheFirstStepThatFails) {
-    const Steps& run = GetParam();
-    SteppedLauncher launcher;
-    launcher.results = run.results;
-    std::vector<ToolRequest> tools;
-    for (const std::string& path : steps) {
-        tools.push_back({.path = path});
+    const std::vector<ToolResult> good(3, exitedWith(0));
+    const PurgeResult blocked{Outcome::blocked, ""};
+    EXPECT_EQ(purgeWith({"/second", "/third"}, good, 0), blocked);
+    EXPECT_EQ(purgeWith({"/first", "/third"}, good, 1), blocked);
+    EXPECT_EQ(purgeWith({"/first", "/second"}, good, 2), blocked);
+    for (const std::size_t step : {0U, 1U, 2U}) {
+        std::vector<ToolResult> results = good;
+        results.at(step) = notLaunched("Permission denied");
+        EXPECT_EQ(purgeWith({"/first", "/second", "/third"}, results, step + 1),
+                  (PurgeResult{Outcome::failed, "Permission denied"}));
     }
-    ToolCachePurge purge(run.allowed, launcher, tools);
-    EXPECT_THAT(launcher.paths, IsEmpty());
-
-    EXPECT_EQ(purge.purge(), run.expected);
-    EXPECT_EQ(launcher.paths,
-              std::vector<std::string>(steps.begin(),
-                                       steps.begin() + static_cast<std::ptrdiff_t>(run.launches)));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, ToolCachePurgeTest,
-    testing::Values(Steps{"EveryStepSucceeds",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), exitedWith(0), exitedWith(0)},
-                          3,
-                          {Outcome::purged, ""}},
-                    Steps{"FirstIsNotAllowed",
-                          {"/second", "/third"},
-                          {exitedWith(0), exitedWith(0), exitedWith(0)},
-                          0,
-                          {Outcome::blocked, ""}},
-                    Steps{"SecondIsNotAllowed",
-                          {"/first", "/third"},
-                          {exitedWith(0), exitedWith(0), exitedWith(0)},
-                          1,
-                          {Outcome::blocked, ""}},
-                    Steps{"LastIsNotAllowed",
-                          {"/first", "/second"},
-                          {exitedWith(0), exitedWith(0), exitedWith(0)},
-                          2,
-                          {Outcome::blocked, ""}},
-                    Steps{"FirstReportsFailure",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(1), exitedWith(0), exitedWith(0)},
-                          1,
-                          {Outcome::refused, ""}},
-                    Steps{"SecondReportsThatAuthorisationWasDeclined",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), exitedWith(126), exitedWith(0)},
-                          2,
-                          {Outcome::refused, ""}},
-                    Steps{"LastReportsFailure",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), exitedWith(0), exitedWith(255)},
-                          3,
-                          {Outcome::refused, ""}},
-                    Steps{"FirstEndsByASignal",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(std::nullopt), exitedWith(0), exitedWith(0)},
-                          1,
-                          {Outcome::refused, ""}},
-                    Steps{"LastEndsByASignal",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), exitedWith(0), exitedWith(std::nullopt)},
-                          3,
-                          {Outcome::refused, ""}},
-                    Steps{"FirstIsNotLaunched",
-                          {"/first", "/second", "/third"},
-                          {notLaunched("No such file or directory"), exitedWith(0), exitedWith(0)},
-                          1,
-                          {Outcome::failed, "No such file or directory"}},
-                    Steps{"SecondIsNotLaunched",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), notLaunched("Permission denied"), exitedWith(0)},
-                          2,
-                          {Outcome::failed, "Permission denied"}},
-                    Steps{"LastIsNotLaunched",
-                          {"/first", "/second", "/third"},
-                          {exitedWith(0), exitedWith(0), notLaunched("Too many open files")},
-                          3,
-                          {Outcome::failed, "Too many open files"}}),
-    [](const auto& instance) { return instance.param.name; });
-
-TEST(ToolCachePurge, MayBeAskedAgain) {
+TEST(ToolCachePurge, CanRunAgainAfterAFailure) {
     SteppedLauncher launcher;
     launcher.results = {exitedWith(1), exitedWith(0)};
     const CommandSafetyPolicy::AllowedExecutables allowed{"/only"};

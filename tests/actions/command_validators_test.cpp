@@ -76,7 +76,7 @@ TEST(ValidatedSSHUsername, Refuses) {
     }
 }
 
-TEST(ValidatedSSHUsername, RefusesFewCharactersOfManyBytesAsWell) {
+TEST(ValidatedSSHUsername, RefusesAShortNameOfMultibyteCharacters) {
     std::string seventeenCharacters;
     for (int count = 0; count < 17; ++count) {
         seventeenCharacters += "\u00E4";
@@ -142,7 +142,7 @@ TEST(ValidatedSSHHost, Refuses) {
     }
 }
 
-TEST(ValidatedSSHHost, SurvivesAVeryLongText) {
+TEST(ValidatedSSHHost, HandlesAVeryLongText) {
     const std::string longText(4U << 20U, 'a');
     EXPECT_EQ(validatedSSHHost(longText), std::nullopt);
     EXPECT_EQ(validatedSSHUsername(longText), std::nullopt);
@@ -150,7 +150,7 @@ TEST(ValidatedSSHHost, SurvivesAVeryLongText) {
     EXPECT_EQ(validatedSSHUsername(std::string(4U << 20U, ' ')), "");
 }
 
-TEST(SSHTarget, JoinsWhatIsValid) {
+TEST(SSHTarget, JoinsValidParts) {
     EXPECT_EQ(sshTarget("anna", "studio"), "anna@studio");
     EXPECT_EQ(sshTarget(" anna ", "\tstudio\n"), "anna@studio");
     EXPECT_EQ(sshTarget("", "studio"), "studio");
@@ -167,7 +167,7 @@ TEST(SSHTarget, IsAbsentWhenEitherPartIsInvalid) {
     EXPECT_EQ(sshTarget("anna@studio", "studio"), std::nullopt);
 }
 
-TEST(ValidatedPID, RunsFromTwoToTheLargestPid) {
+TEST(ValidatedPID, AcceptsTwoToTheLargestPid) {
     for (const std::int64_t pid :
          {std::int64_t{2}, std::int64_t{3}, std::int64_t{4711}, std::int64_t{2147483647}}) {
         EXPECT_EQ(validatedPID(pid), pid);

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/observable.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -49,7 +51,7 @@ TEST_F(ConfirmationDeskTest, HoldsARequestUntilItIsAnswered) {
     EXPECT_THAT(confirmed, IsEmpty());
 }
 
-TEST_F(ConfirmationDeskTest, ConfirmedTwiceRunsOnce) {
+TEST_F(ConfirmationDeskTest, ConfirmingTwiceRunsOnce) {
     desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
     desk.confirmPending();
     desk.confirmPending();
@@ -59,19 +61,22 @@ TEST_F(ConfirmationDeskTest, ConfirmedTwiceRunsOnce) {
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(ConfirmationDeskTest, ARequestMadeByAConfirmedActionWaits) {
-    desk.registerKind("chain", {[this](const ConfirmationRequest&) {
-                                    desk.requestConfirmation(request("pour", "Pour it?"));
-                                },
-                                {}});
-    desk.requestConfirmation(request("chain", "Begin?"));
-    desk.confirmPending();
-    ASSERT_TRUE(desk.pendingConfirmation());
-    EXPECT_EQ(desk.pendingConfirmation()->title, "Pour it?");
-    EXPECT_THAT(confirmed, IsEmpty());
+TEST_F(ConfirmationDeskTest, ARequestMadeByAHandlerIsPending) {
+    const auto next = [this](const ConfirmationRequest&) {
+        desk.requestConfirmation(request("pour", "Pour it?"));
+    };
+    desk.registerKind("chain", {next, next});
+    for (const auto answer :
+         {&ConfirmationDesk::confirmPending, &ConfirmationDesk::cancelPending}) {
+        desk.requestConfirmation(request("chain", "Begin?"));
+        (desk.*answer)();
+        ASSERT_TRUE(desk.pendingConfirmation());
+        EXPECT_EQ(desk.pendingConfirmation()->title, "Pour it?");
+        EXPECT_THAT(confirmed, IsEmpty());
+    }
 }
 
-TEST_F(ConfirmationDeskTest, ANewRequestReplacesTheOlderOneWithoutAWord) {
+TEST_F(ConfirmationDeskTest, ANewRequestReplacesTheOlderOneWithoutAMessage) {
     desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
     desk.requestConfirmation(request("pour", "Pour it?"));
     EXPECT_THAT(canceled, IsEmpty());
@@ -83,7 +88,7 @@ TEST_F(ConfirmationDeskTest, ANewRequestReplacesTheOlderOneWithoutAWord) {
     EXPECT_THAT(confirmed, SizeIs(1));
 }
 
-TEST_F(ConfirmationDeskTest, NamesAKindThatNobodyRegistered) {
+TEST_F(ConfirmationDeskTest, RecordsAKindWithoutAHandler) {
     desk.requestConfirmation(request("freeze_moon", "Freeze?"));
     desk.confirmPending();
     EXPECT_EQ(log.lastAction(), "No handler for confirmation: freeze_moon.");
@@ -93,7 +98,7 @@ TEST_F(ConfirmationDeskTest, NamesAKindThatNobodyRegistered) {
     EXPECT_FALSE(desk.pendingConfirmation());
 }
 
-TEST_F(ConfirmationDeskTest, CancellingSaysSoAndTellsTheOwner) {
+TEST_F(ConfirmationDeskTest, CancellingRecordsAMessageAndCallsTheHandler) {
     desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
     desk.cancelPending();
     EXPECT_EQ(log.lastAction(), "Canceled: Melt it?.");
@@ -104,7 +109,7 @@ TEST_F(ConfirmationDeskTest, CancellingSaysSoAndTellsTheOwner) {
     EXPECT_THAT(confirmed, IsEmpty());
 }
 
-TEST_F(ConfirmationDeskTest, CancellingAKindWithoutAnOpinionIsTheMessageAlone) {
+TEST_F(ConfirmationDeskTest, CancellingWithoutAHandlerOnlyRecordsAMessage) {
     desk.requestConfirmation(request("pour", "Pour it?"));
     desk.cancelPending();
     desk.requestConfirmation(request("unheard_of", "Hm?"));
@@ -115,18 +120,7 @@ TEST_F(ConfirmationDeskTest, CancellingAKindWithoutAnOpinionIsTheMessageAlone) {
     EXPECT_EQ(log.activityLog()[1].detail, "Canceled: Pour it?.");
 }
 
-TEST_F(ConfirmationDeskTest, ARequestMadeByACancellationWaits) {
-    desk.registerKind("chain", {[](const ConfirmationRequest&) {},
-                                [this](const ConfirmationRequest&) {
-                                    desk.requestConfirmation(request("pour", "Pour it?"));
-                                }});
-    desk.requestConfirmation(request("chain", "Begin?"));
-    desk.cancelPending();
-    ASSERT_TRUE(desk.pendingConfirmation());
-    EXPECT_EQ(desk.pendingConfirmation()->title, "Pour it?");
-}
-
-TEST_F(ConfirmationDeskTest, NothingPendingIsNeitherConfirmedNorCancelled) {
+TEST_F(ConfirmationDeskTest, WithoutARequestNothingIsConfirmedOrCancelled) {
     desk.confirmPending();
     desk.cancelPending();
     EXPECT_THAT(confirmed, IsEmpty());
@@ -135,7 +129,7 @@ TEST_F(ConfirmationDeskTest, NothingPendingIsNeitherConfirmedNorCancelled) {
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
 }
 
-TEST_F(ConfirmationDeskTest, TellsItsObserversOfEveryChange) {
+TEST_F(ConfirmationDeskTest, NotifiesObserversOfEveryChange) {
     int told = 0;
     const Subscription subscription = desk.observable().subscribe([&told] { ++told; });
     desk.requestConfirmation(request("pour", "Pour it?"));

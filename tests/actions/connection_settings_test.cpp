@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 class ConnectionSettings : public ::testing::Test, protected TestServices {};
 
 TEST_F(ConnectionSettings, AValidUserNameIsStoredTrimmedWithoutAMessage) {
-    EXPECT_EQ(setSSHUsername(services, "  remote.user-1 \n"), Outcome::done());
+    EXPECT_EQ(setSSHUsername(settings, log, "  remote.user-1 \n"), Outcome::done());
     EXPECT_EQ(settings.values().sshUsername, "remote.user-1");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string("remote.user-1")));
     EXPECT_THAT(log.activityLog(), IsEmpty());
@@ -23,7 +23,7 @@ TEST_F(ConnectionSettings, AValidUserNameIsStoredTrimmedWithoutAMessage) {
 
 TEST_F(ConnectionSettings, ANameThatTrimsToNothingIsStoredAsEmpty) {
     settings.set(&Settings::sshUsername, "someone");
-    EXPECT_EQ(setSSHUsername(services, " \t "), Outcome::done());
+    EXPECT_EQ(setSSHUsername(settings, log, " \t "), Outcome::done());
     EXPECT_EQ(settings.values().sshUsername, "");
     EXPECT_EQ(store.read("Tallowcrest.sshUsername"), SettingsValue(std::string()));
     EXPECT_THAT(log.activityLog(), IsEmpty());
@@ -34,7 +34,7 @@ TEST_F(ConnectionSettings, AnInvalidNameChangesNothingAndIsRefused) {
         "SSH usernames may contain only letters, numbers, period, underscore, and hyphen.";
     for (const char* bad : {"-oProxyCommand=x", "two words", "semi;colon", "a@b", "ü"}) {
         log.clearActivityLog();
-        EXPECT_EQ(setSSHUsername(services, bad), Outcome::refused(refusal)) << bad;
+        EXPECT_EQ(setSSHUsername(settings, log, bad), Outcome::refused(refusal)) << bad;
         EXPECT_EQ(settings.values().sshUsername, "owner") << bad;
         EXPECT_EQ(log.lastAction(), refusal) << bad;
         ASSERT_EQ(log.activityLog().size(), 1U) << bad;
@@ -44,11 +44,11 @@ TEST_F(ConnectionSettings, AnInvalidNameChangesNothingAndIsRefused) {
 }
 
 TEST_F(ConnectionSettings, TheModelIsTrimmedAndKeptAsGiven) {
-    setOpenAIModel(services, "  any model at all!\n");
+    setOpenAIModel(settings, "  any model at all!\n");
     EXPECT_EQ(settings.values().openAIModel, "any model at all!");
     EXPECT_EQ(store.read("Tallowcrest.openAIModel"),
               SettingsValue(std::string("any model at all!")));
-    setOpenAIModel(services, "   ");
+    setOpenAIModel(settings, "   ");
     EXPECT_EQ(settings.values().openAIModel, "");
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }

@@ -35,7 +35,7 @@ protected:
                   }};
 };
 
-TEST_F(KillToolTest, AsksWithTheToolsOwnArguments) {
+TEST_F(KillToolTest, LaunchesTheToolWithTERMAndThePid) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, reviewed);
     EXPECT_THAT(launcher.requests, IsEmpty()) << "nothing is signalled before the confirmation";
@@ -49,7 +49,7 @@ TEST_F(KillToolTest, AsksWithTheToolsOwnArguments) {
     EXPECT_FALSE(request.mergeStandardError);
 }
 
-TEST_F(KillToolTest, TheSmallestAndTheLargestNumber) {
+TEST_F(KillToolTest, AcceptsTheSmallestAndTheLargestPid) {
     startTimes = {{2, reviewed}, {2147483647, later}};
     EXPECT_EQ(tool.hold(2, reviewed)->terminate().outcome, Outcome::asked);
     EXPECT_EQ(tool.hold(2147483647, later)->terminate().outcome, Outcome::asked);
@@ -77,15 +77,15 @@ TEST_P(KillToolExitTest, DecidesTheResult) {
     startTimes[4242] = reviewed;
 
     EXPECT_EQ(tool.hold(4242, reviewed)->terminate(), exit.expected);
-    EXPECT_EQ(launcher.requests.size(), 1U) << "one attempt, whatever comes of it";
+    EXPECT_EQ(launcher.requests.size(), 1U) << "one attempt, whatever its result";
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, KillToolExitTest,
     testing::Values(Exit{"Success", true, "", 0, {Outcome::asked, ""}},
                     Exit{"Failure", true, "", 1, {Outcome::refused, ""}},
-                    Exit{"Usage", true, "", 64, {Outcome::refused, ""}},
-                    Exit{"NotFoundByALoader", true, "", 127, {Outcome::refused, ""}},
+                    Exit{"UsageError", true, "", 64, {Outcome::refused, ""}},
+                    Exit{"CommandNotFound", true, "", 127, {Outcome::refused, ""}},
                     Exit{"HighestStatus", true, "", 255, {Outcome::refused, ""}},
                     Exit{"EndedByASignal", true, "", std::nullopt, {Outcome::refused, ""}},
                     Exit{"NotLaunched",
@@ -102,13 +102,13 @@ TEST_F(KillToolTest, IsNotLaunchedWhereItIsNotAllowed) {
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
-TEST_F(KillToolTest, TheRefusalOfTheToolComesFirst) {
+TEST_F(KillToolTest, TheAllowlistIsCheckedFirst) {
     CommandSafetyPolicy::AllowedExecutables none{};
     KillTool refused(none, launcher, [](std::int64_t) { return 0; });
     EXPECT_EQ(refused.hold(4242, reviewed)->terminate().outcome, Outcome::blocked);
 }
 
-TEST_F(KillToolTest, ANumberThatAnotherProcessBearsIsNotSignalled) {
+TEST_F(KillToolTest, APidReusedAfterTheHoldIsNotSignalled) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, reviewed);
     startTimes[4242] = later;
@@ -119,7 +119,7 @@ TEST_F(KillToolTest, ANumberThatAnotherProcessBearsIsNotSignalled) {
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
-TEST_F(KillToolTest, ANumberThatHadGoneToAnotherBeforeTheHoldIsNotSignalled) {
+TEST_F(KillToolTest, APidReusedBeforeTheHoldIsNotSignalled) {
     startTimes[4242] = later;
     EXPECT_EQ(tool.hold(4242, reviewed)->terminate(), (TerminationResult{Outcome::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
@@ -133,7 +133,7 @@ TEST_F(KillToolTest, AProcessThatHasEndedIsNotSignalled) {
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
-TEST_F(KillToolTest, AnUnknownStartTimeStandsForWhoeverBearsTheNumberAtTheHold) {
+TEST_F(KillToolTest, AnUnknownStartTimeMeansTheProcessWithThePidAtTheHold) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, 0);
     EXPECT_EQ(held->terminate().outcome, Outcome::asked);
@@ -142,7 +142,7 @@ TEST_F(KillToolTest, AnUnknownStartTimeStandsForWhoeverBearsTheNumberAtTheHold) 
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
-TEST_F(KillToolTest, ANumberThatNobodyBoreAtTheHold) {
+TEST_F(KillToolTest, APidUnusedAtTheHoldIsNotSignalled) {
     const auto held = tool.hold(4242, 0);
     EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
     startTimes[4242] = later;

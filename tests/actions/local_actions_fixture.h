@@ -9,21 +9,25 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/confirmation_desk.h"
 #include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/activity_kinds.h"
 #include "core/services.h"
 #include "sampling/app_impact.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
 
-/// The local actions over a machine of which a test sets every process.
+/// The local actions on a machine whose processes a test sets.
 class LocalActionsFixture : public ::testing::Test, public TestServices {
 public:
     static constexpr std::int64_t ownPID = 4242;
     static constexpr std::uint64_t firstStartTime = 1000;
 
-    /// A process that runs, and that the next sample finds.
+    /// Adds a running process, which the next sample contains.
     ProcessSample& addProcess(std::int64_t pid, const std::string& command) {
         ProcessSample row;
         row.pid = pid;
@@ -37,7 +41,7 @@ public:
         return rows.back();
     }
 
-    /// A sample with the processes that run now lands.
+    /// Publishes a sample of the processes that run now.
     void takeSample(double pressure = 10.0) {
         SystemSnapshot snapshot;
         snapshot.memory.pressure = pressure;
@@ -52,8 +56,8 @@ public:
         std::erase_if(rows, [pid](const ProcessSample& row) { return row.pid == pid; });
     }
 
-    /// The process ends and its number goes to another one.
-    void reuseNumber(std::int64_t pid) { ports.processes->running[pid] = firstStartTime + 1; }
+    /// Ends the process and gives its pid to another one.
+    void reusePid(std::int64_t pid) { ports.processes->running[pid] = firstStartTime + 1; }
 
     void selectFirst() { review.selectFirstProcess(rows); }
 

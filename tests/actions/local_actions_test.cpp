@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "core/observable.h"
 #include "tests/actions/local_actions_fixture.h"
 
 namespace tallowcrest {
@@ -18,8 +19,8 @@ constexpr const char* purgeStep = "3. Confirm cache purge, or cancel and keep re
 
 class PurgeCaches : public LocalActionsFixture {};
 
-TEST_F(PurgeCaches, IsAskedFirstInTheseWords) {
-    actions.requestPurge();
+TEST_F(PurgeCaches, AsksForConfirmationFirst) {
+    EXPECT_EQ(actions.requestPurge(), Outcome::asked());
     EXPECT_EQ(pending().title, "Purge file caches?");
     EXPECT_EQ(pending().message,
               "macOS will clear reclaimable file caches. This is usually safe, but apps may reload "
@@ -34,7 +35,7 @@ TEST_F(PurgeCaches, IsAskedFirstInTheseWords) {
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(PurgeCaches, EveryOutcomeHasItsWords) {
+TEST_F(PurgeCaches, EveryOutcomeHasItsMessage) {
     struct Case {
         PurgeResult result;
         const char* message;
@@ -61,13 +62,14 @@ TEST_F(PurgeCaches, EveryOutcomeHasItsWords) {
     }
 }
 
-TEST_F(PurgeCaches, OneRunsAtATime) {
+TEST_F(PurgeCaches, OnlyOneRunsAtATime) {
     actions.requestPurge();
     confirmations.confirmPending();
     EXPECT_TRUE(actions.isPurging());
     actions.requestPurge();
     confirmations.confirmPending();
-    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    ASSERT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::actions);
     expectRecorded("File caches are being purged already.");
     finishWork();
     EXPECT_FALSE(actions.isPurging());
@@ -92,43 +94,44 @@ protected:
     void addSafeGroup() { addProcess(700, "/usr/bin/editor").cpu = 50.0; }
 };
 
-TEST_F(OptimizeSafely, WaitsForASample) {
-    actions.optimizeSafely();
+TEST_F(OptimizeSafely, IsRefusedWithoutASample) {
+    EXPECT_EQ(actions.optimizeSafely(), Outcome::refused("No sample is available yet."));
     expectRecorded("No sample is available yet.");
     EXPECT_EQ(review.selectedPID(), std::nullopt);
 }
 
-TEST_F(OptimizeSafely, PurgeAndTarget) {
+TEST_F(OptimizeSafely, AsksForAPurgeUnderPressureAndSelectsASafeTarget) {
+    struct Case {
+        double pressure;
+        bool hasSafeGroup;
+        const char* message;
+    };
     addProtectedGroup();
-    addSafeGroup();
-    takeSample(95.0);
-    actions.optimizeSafely();
-    EXPECT_EQ(review.selectedPID(), 700);
-    EXPECT_EQ(review.selectedAppImpactName(), "editor");
-    EXPECT_EQ(pending().kind, "local_purge");
-    EXPECT_EQ(review.optimizeStep(), purgeStep);
-    expectRecorded("Optimized safely: purged caches and selected editor for review.");
-    EXPECT_EQ(ports.cachePurge->count, 0);
-}
-
-TEST_F(OptimizeSafely, PurgeWithoutTarget) {
-    addProtectedGroup();
-    takeSample(95.0);
-    actions.optimizeSafely();
-    EXPECT_EQ(review.selectedPID(), std::nullopt);
-    EXPECT_EQ(pending().kind, "local_purge");
-    expectRecorded("Optimized safely: purged caches. No safe app target was found.");
-}
-
-TEST_F(OptimizeSafely, TargetWithoutPurge) {
-    addProtectedGroup();
-    addSafeGroup();
-    takeSample(10.0);
-    actions.optimizeSafely();
-    EXPECT_EQ(review.selectedPID(), 700);
-    EXPECT_FALSE(confirmations.pendingConfirmation());
-    EXPECT_EQ(review.optimizeStep(), firstStep);
-    expectRecorded("Optimize Safely selected editor. Review it before quitting anything.");
+    for (const Case& each :
+         {Case{95.0, false, "Optimized safely: purged caches. No safe app target was found."},
+          Case{95.0, true, "Optimized safely: purged caches and selected editor for review."},
+          Case{10.0, true,
+               "Optimize Safely selected editor. Review it before quitting anything."}}) {
+        SCOPED_TRACE(each.message);
+        review.clearOperationTarget();
+        confirmations.cancelPending();
+        if (each.hasSafeGroup && rows.size() == 1) {
+            addSafeGroup();
+        }
+        takeSample(each.pressure);
+        const bool purges = each.pressure > 50.0;
+        EXPECT_EQ(actions.optimizeSafely(),
+                  purges ? Outcome::asked(each.message) : Outcome::done(each.message));
+        EXPECT_EQ(confirmations.pendingConfirmation().has_value(), purges);
+        EXPECT_TRUE(!purges || pending().kind == "local_purge");
+        EXPECT_EQ(review.optimizeStep(), purges ? purgeStep : firstStep);
+        EXPECT_EQ(review.selectedPID(),
+                  each.hasSafeGroup ? std::optional<std::int64_t>(700) : std::nullopt);
+        EXPECT_EQ(review.selectedAppImpactName(),
+                  each.hasSafeGroup ? std::optional<std::string>("editor") : std::nullopt);
+        expectRecorded(each.message);
+        EXPECT_EQ(ports.cachePurge->count, 0);
+    }
 }
 
 TEST_F(OptimizeSafely, NothingToDo) {
@@ -137,7 +140,8 @@ TEST_F(OptimizeSafely, NothingToDo) {
     const ProcessSample chosen = addProcess(500, "/usr/bin/chosen");
     review.selectProcess(chosen);
     const std::string step = review.optimizeStep();
-    actions.optimizeSafely();
+    EXPECT_EQ(actions.optimizeSafely(),
+              Outcome::done("Optimize Safely found no safe action needed right now."));
     expectRecorded("Optimize Safely found no safe action needed right now.");
     EXPECT_EQ(review.selectedPID(), 500);
     EXPECT_EQ(review.selectedAppImpactName(), "chosen");
@@ -145,7 +149,7 @@ TEST_F(OptimizeSafely, NothingToDo) {
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(OptimizeSafely, PressureAtTheThresholdPurgesAndBelowItDoesNot) {
+TEST_F(OptimizeSafely, RequestsAPurgeFromTheThresholdOn) {
     settings.set(&Settings::warningThreshold, 82.0);
     takeSample(81.999);
     actions.optimizeSafely();
@@ -155,11 +159,11 @@ TEST_F(OptimizeSafely, PressureAtTheThresholdPurgesAndBelowItDoesNot) {
     EXPECT_TRUE(confirmations.pendingConfirmation());
 }
 
-TEST_F(OptimizeSafely, TheTargetItSelectsIsTheOneThatIsQuit) {
+TEST_F(OptimizeSafely, APidReusedAfterTheSelectionIsNotSignalled) {
     addSafeGroup();
     takeSample(10.0);
     actions.optimizeSafely();
-    reuseNumber(700);
+    reusePid(700);
     actions.requestQuitSelectedProcess();
     confirm();
     expectRecorded("Blocked an invalid process termination request.");
@@ -168,27 +172,35 @@ TEST_F(OptimizeSafely, TheTargetItSelectsIsTheOneThatIsQuit) {
 
 class NeverQuit : public LocalActionsFixture {};
 
-TEST_F(NeverQuit, IsStoredSortedAndTold) {
-    actions.toggleNeverQuit("Python");
+TEST_F(NeverQuit, IsStoredSortedAndRecordedAndTwiceRestoresTheList) {
+    const auto expectNames = [this](const ProtectedAppNames& names) {
+        EXPECT_EQ(settings.values().protectedAppNames, names);
+        EXPECT_EQ(store.read(settings_keys::protectedAppsKey),
+                  SettingsValue(SettingsTextList(names.begin(), names.end())));
+    };
+    EXPECT_EQ(actions.toggleNeverQuit("Python"), Outcome::done("Python added to Never Quit."));
     expectRecorded("Python added to Never Quit.");
     actions.toggleNeverQuit("Docker");
-    EXPECT_EQ(store.read(settings_keys::protectedAppsKey),
-              SettingsValue(SettingsTextList{"Docker", "Python"}));
-    EXPECT_EQ(settings.values().protectedAppNames, (ProtectedAppNames{"Docker", "Python"}));
+    expectNames({"Docker", "Python"});
+    EXPECT_EQ(actions.toggleNeverQuit("Python"), Outcome::done("Python removed from Never Quit."));
+    expectRecorded("Python removed from Never Quit.");
+    EXPECT_THAT(log.activityLog(), SizeIs(3));
+    expectNames({"Docker"});
 }
 
-TEST_F(NeverQuit, TwiceRestoresTheListAndLogsTwoEvents) {
-    settings.set(&Settings::protectedAppNames, {"Docker"});
-    actions.toggleNeverQuit("Python");
-    actions.toggleNeverQuit("Python");
+TEST_F(NeverQuit, RemovingANameTwiceDoesNotPutItBack) {
+    settings.set(&Settings::protectedAppNames, {"Docker", "Python"});
+    EXPECT_EQ(actions.removeFromNeverQuit("Python"),
+              Outcome::done("Python removed from Never Quit."));
     expectRecorded("Python removed from Never Quit.");
-    EXPECT_THAT(log.activityLog(), SizeIs(2));
+    EXPECT_EQ(actions.removeFromNeverQuit("Python"), Outcome::refused({}));
+    EXPECT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_EQ(settings.values().protectedAppNames, ProtectedAppNames{"Docker"});
     EXPECT_EQ(store.read(settings_keys::protectedAppsKey),
               SettingsValue(SettingsTextList{"Docker"}));
 }
 
-TEST_F(NeverQuit, HoldsAtOnceForWhatIsUnderReview) {
+TEST_F(NeverQuit, ProtectsTheTargetUnderReviewAtOnce) {
     addProcess(700, "/usr/bin/docker");
     takeSample();
     selectFirst();
@@ -204,7 +216,7 @@ TEST_F(NeverQuit, HoldsAtOnceForWhatIsUnderReview) {
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(NeverQuit, TellsObservers) {
+TEST_F(NeverQuit, NotifiesObservers) {
     takeSample();
     mainQueue.drain();
     std::vector<std::string> told;

@@ -37,7 +37,7 @@ TEST_F(QuitAppGroup, WithoutAnyGroupIsRefused) {
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(QuitAppGroup, IsAskedFirstInTheseWords) {
+TEST_F(QuitAppGroup, AsksForConfirmationFirst) {
     requestQuitOfFirefox();
     EXPECT_EQ(pending().title, "Quit Firefox?");
     EXPECT_EQ(pending().message,
@@ -60,7 +60,7 @@ TEST_F(QuitAppGroup, WithoutASelectionTheHeaviestGroupIsTheTarget) {
     EXPECT_EQ(pending().hostName, "Firefox");
 }
 
-TEST_F(QuitAppGroup, AskedGracefullyNoTermIsSent) {
+TEST_F(QuitAppGroup, AGracefulQuitSendsNoTerm) {
     ports.gracefulQuit->succeeds = true;
     requestQuitOfFirefox();
     confirm();
@@ -71,7 +71,7 @@ TEST_F(QuitAppGroup, AskedGracefullyNoTermIsSent) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(QuitAppGroup, WithoutAnAnswerTermGoesToEveryVisibleMemberInListOrder) {
+TEST_F(QuitAppGroup, AFailedGracefulQuitSendsTermToEveryVisibleMemberInListOrder) {
     requestQuitOfFirefox();
     confirm();
     EXPECT_THAT(ports.gracefulQuit->names, ElementsAre("Firefox"));
@@ -82,18 +82,19 @@ TEST_F(QuitAppGroup, WithoutAnAnswerTermGoesToEveryVisibleMemberInListOrder) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(QuitAppGroup, TheWindowDoesNotWaitForTheApplication) {
+TEST_F(QuitAppGroup, AsksTheApplicationInTheBackground) {
     requestQuitOfFirefox();
     const std::size_t events = log.activityLog().size();
     confirmations.confirmPending();
-    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    ASSERT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::actions);
     EXPECT_THAT(ports.gracefulQuit->names, IsEmpty());
     EXPECT_THAT(log.activityLog(), SizeIs(events));
     confirmations.confirmPending();
     EXPECT_EQ(workQueue.pendingCount(), 1U);
 }
 
-TEST_F(QuitAppGroup, SyntheticNamesGoStraightToTerm) {
+TEST_F(QuitAppGroup, ASyntheticGroupGetsTermWithoutBeingAsked) {
     struct Case {
         const char* group;
         const char* command;
@@ -115,14 +116,14 @@ TEST_F(QuitAppGroup, SyntheticNamesGoStraightToTerm) {
     EXPECT_THAT(ports.gracefulQuit->names, IsEmpty());
 }
 
-TEST_F(QuitAppGroup, AProtectedGroupIsRefused) {
+TEST_F(QuitAppGroup, ANeverQuitGroupIsRefused) {
     settings.set(&Settings::protectedAppNames, {"Firefox"});
     requestQuitOfFirefox();
     expectRecorded("Refused to quit protected app group Firefox.");
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(QuitAppGroup, AGroupOfProtectedMembersHasNobodyToAsk) {
+TEST_F(QuitAppGroup, AGroupOfProtectedMembersIsRefused) {
     addProcess(1, "/usr/lib/systemd/systemd");
     addProcess(600, "/usr/lib/systemd/systemd");
     takeSample();
@@ -132,7 +133,7 @@ TEST_F(QuitAppGroup, AGroupOfProtectedMembersHasNobodyToAsk) {
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(QuitAppGroup, AGroupThatIsGoneHasNobodyToAsk) {
+TEST_F(QuitAppGroup, AGroupThatIsGoneIsRefused) {
     addFirefox();
     selectFirst();
     rows.clear();
@@ -141,7 +142,7 @@ TEST_F(QuitAppGroup, AGroupThatIsGoneHasNobodyToAsk) {
     expectRecorded("No visible processes found for Firefox.");
 }
 
-TEST_F(QuitAppGroup, OwnAndProtectedMembersAreLeftAlone) {
+TEST_F(QuitAppGroup, OwnAndProtectedMembersAreNotAskedOrSignalled) {
     addProcess(700, "/opt/firefox/firefox");
     addProcess(ownPID, "/opt/firefox/firefox");
     addProcess(701, "/usr/libexec/firefox-helper");
@@ -164,18 +165,18 @@ TEST_F(QuitAppGroup, MembersAreCollectedAgainAtTheConfirmation) {
                             Signalled{703, firstStartTime}));
 }
 
-TEST_F(QuitAppGroup, PutOnTheListWhileTheDialogStoodNobodyGetsTerm) {
+TEST_F(QuitAppGroup, PutOnNeverQuitBeforeTheConfirmationItGetsNoTerm) {
     requestQuitOfFirefox();
     actions.toggleNeverQuit("Firefox");
     confirm();
-    // The group was confirmed by its name, so it is still asked; it just cannot be made to.
+    // The group was confirmed by its name, so it is still asked, but it gets no TERM.
     EXPECT_THAT(ports.gracefulQuit->names, ElementsAre("Firefox"));
     EXPECT_THAT(ports.gracefulQuit->lastMembers, SizeIs(3));
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
-TEST_F(QuitAppGroup, TakenOffTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
+TEST_F(QuitAppGroup, TakenOffNeverQuitWhileAskedItGetsNoTerm) {
     requestQuitOfFirefox();
     actions.toggleNeverQuit("Firefox");
     confirmations.confirmPending();
@@ -184,7 +185,7 @@ TEST_F(QuitAppGroup, TakenOffTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitAppGroup, PutOnTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
+TEST_F(QuitAppGroup, PutOnNeverQuitWhileAskedItGetsNoTerm) {
     requestQuitOfFirefox();
     confirmations.confirmPending();
     actions.toggleNeverQuit("Firefox");
@@ -193,7 +194,7 @@ TEST_F(QuitAppGroup, PutOnTheListWhileTheApplicationWasAskedNobodyGetsTerm) {
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
-TEST_F(QuitAppGroup, OneThatIsBeingAskedIsNotAskedAgain) {
+TEST_F(QuitAppGroup, AGroupThatIsBeingAskedIsNotAskedAgain) {
     requestQuitOfFirefox();
     confirmations.confirmPending();
     actions.requestQuitSelectedApp();
@@ -207,7 +208,7 @@ TEST_F(QuitAppGroup, OneThatIsBeingAskedIsNotAskedAgain) {
     EXPECT_THAT(ports.gracefulQuit->names, SizeIs(2));
 }
 
-TEST_F(QuitAppGroup, AnEmptyListIsStillToldAsAsked) {
+TEST_F(QuitAppGroup, AGroupThatEndedBeforeTheConfirmationIsRecordedAsAsked) {
     requestQuitOfFirefox();
     rows.clear();
     takeSample();
@@ -217,17 +218,17 @@ TEST_F(QuitAppGroup, AnEmptyListIsStillToldAsAsked) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(QuitAppGroup, AMemberWhoseNumberChangedHandsIsNotSignalled) {
+TEST_F(QuitAppGroup, AMemberWhosePidWasReusedIsNotSignalled) {
     requestQuitOfFirefox();
     confirmations.confirmPending();
-    reuseNumber(701);
+    reusePid(701);
     endProcess(702);
     finishWork();
     EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
-TEST_F(QuitAppGroup, MembersThatAStartTimeNamesAreNotHeldWhileTheApplicationIsAsked) {
+TEST_F(QuitAppGroup, MembersWithAStartTimeAreNotHeldWhileTheApplicationIsAsked) {
     requestQuitOfFirefox();
     confirmations.confirmPending();
     EXPECT_THAT(ports.processes->held, IsEmpty());
@@ -235,7 +236,7 @@ TEST_F(QuitAppGroup, MembersThatAStartTimeNamesAreNotHeldWhileTheApplicationIsAs
     EXPECT_THAT(ports.processes->held, ElementsAre(700, 701, 702));
 }
 
-TEST_F(QuitAppGroup, NeitherWhereTheListTellsNoStartTimes) {
+TEST_F(QuitAppGroup, WithoutStartTimesAMemberWhosePidWasReusedIsNotSignalled) {
     addFirefox();
     for (ProcessSample& row : rows) {
         row.startTime = 0;
@@ -244,17 +245,17 @@ TEST_F(QuitAppGroup, NeitherWhereTheListTellsNoStartTimes) {
     selectFirst();
     actions.requestQuitSelectedApp();
     confirmations.confirmPending();
-    reuseNumber(701);
+    reusePid(701);
     endProcess(702);
     finishWork();
     EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
 }
 
-TEST_F(QuitAppGroup, NumbersThatNoProcessMayHaveNeverReachThePort) {
+TEST_F(QuitAppGroup, InvalidPidsNeverReachThePort) {
     ConfirmationDesk desk(log, mainQueue);
-    LocalActions careless({services, sample, review, desk,
-                           ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false}, [] {},
-                           ports.ports()});
+    LocalActions lenient({services, sample, review, desk,
+                          ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false}, [] {},
+                          ports.ports()});
     for (const std::int64_t pid : {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1},
                                    std::int64_t{-700}, std::int64_t{2147483648}}) {
         addProcess(pid, "/usr/bin/editor");
@@ -262,14 +263,14 @@ TEST_F(QuitAppGroup, NumbersThatNoProcessMayHaveNeverReachThePort) {
     addProcess(700, "/usr/bin/editor");
     takeSample();
     selectFirst();
-    careless.requestQuitSelectedApp();
+    lenient.requestQuitSelectedApp();
     desk.confirmPending();
     finishWork();
     EXPECT_THAT(ports.processes->held, ElementsAre(700));
     EXPECT_THAT(ports.processes->signalled, ElementsAre(Signalled{700, firstStartTime}));
 }
 
-TEST_F(QuitAppGroup, AMemberThatWillNotBeAskedDoesNotStopTheOthers) {
+TEST_F(QuitAppGroup, AFailureForOneMemberDoesNotStopTheOthers) {
     using Termination = TerminationResult::Outcome;
     requestQuitOfFirefox();
     ports.processes->results[700] = {Termination::refused, {}};
@@ -279,7 +280,7 @@ TEST_F(QuitAppGroup, AMemberThatWillNotBeAskedDoesNotStopTheOthers) {
     expectRecorded("Asked Firefox's visible processes to quit.");
 }
 
-TEST_F(QuitAppGroup, AGroupOfTwentyIsAskedWhole) {
+TEST_F(QuitAppGroup, AllTwentyMembersOfAGroupAreSignalled) {
     for (std::int64_t pid = 100; pid < 120; ++pid) {
         addProcess(pid, "/usr/bin/worker");
     }
@@ -291,7 +292,7 @@ TEST_F(QuitAppGroup, AGroupOfTwentyIsAskedWhole) {
     EXPECT_THAT(ports.processes->signalled, SizeIs(20));
 }
 
-TEST_F(QuitAppGroup, NamesAreCarriedAsTheyStand) {
+TEST_F(QuitAppGroup, NamesAreNotChanged) {
     for (const std::string& name : {std::string("say \"hi\" \\ now"), std::string("two\nlines"),
                                     std::string(10000, 'x'), std::string("<b>bold")}) {
         rows.clear();
@@ -307,7 +308,7 @@ TEST_F(QuitAppGroup, NamesAreCarriedAsTheyStand) {
     }
 }
 
-TEST_F(QuitAppGroup, ARequestWithoutAGroupEndsInSilence) {
+TEST_F(QuitAppGroup, ARequestWithoutAGroupDoesNothing) {
     confirmations.requestConfirmation(
         {UUID::random(), "Quit?", "", "Quit App Group", "local_quit_app", {}, {}});
     confirm();
@@ -315,7 +316,7 @@ TEST_F(QuitAppGroup, ARequestWithoutAGroupEndsInSilence) {
     EXPECT_THAT(ports.gracefulQuit->names, IsEmpty());
 }
 
-TEST_F(QuitAppGroup, WithoutADesktopTermIsAllThereIs) {
+TEST_F(QuitAppGroup, WithoutADesktopOnlyTermIsSent) {
     ConfirmationDesk desk(log, mainQueue);
     LocalActions headless({services,
                            sample,
@@ -332,7 +333,7 @@ TEST_F(QuitAppGroup, WithoutADesktopTermIsAllThereIs) {
     EXPECT_THAT(ports.processes->signalled, SizeIs(3));
 }
 
-TEST_F(QuitAppGroup, AnAnswerThatComesAfterTheEndIsDropped) {
+TEST_F(QuitAppGroup, AnAnswerAfterDestructionIsDropped) {
     for (const bool hasBegun : {true, false}) {
         ConfirmationDesk desk(log, mainQueue);
         ports.gracefulQuit->names.clear();

@@ -33,7 +33,7 @@ TEST_F(QuitProcess, WithoutATargetIsRefused) {
     EXPECT_FALSE(confirmations.pendingConfirmation());
 }
 
-TEST_F(QuitProcess, IsAskedFirstInTheseWords) {
+TEST_F(QuitProcess, AsksForConfirmationFirst) {
     requestQuitOf(700, "/usr/bin/editor");
     EXPECT_EQ(pending().title, "Quit editor?");
     EXPECT_EQ(pending().message,
@@ -50,7 +50,7 @@ TEST_F(QuitProcess, IsAskedFirstInTheseWords) {
     EXPECT_EQ(refreshes, 0);
 }
 
-TEST_F(QuitProcess, EachRequestHasAnIdentityOfItsOwn) {
+TEST_F(QuitProcess, EachRequestHasItsOwnIdentifier) {
     requestQuitOf(700, "/usr/bin/editor");
     const UUID first = pending().id;
     actions.requestQuitSelectedProcess();
@@ -80,7 +80,7 @@ TEST_F(QuitProcess, CancelledSendsNothing) {
     EXPECT_EQ(review.optimizeStep(), step);
 }
 
-TEST_F(QuitProcess, RefusesTheProtectedWhenAsked) {
+TEST_F(QuitProcess, RefusesProtectedProcesses) {
     struct Case {
         std::int64_t pid;
         const char* command;
@@ -100,14 +100,14 @@ TEST_F(QuitProcess, RefusesTheProtectedWhenAsked) {
     EXPECT_THAT(ports.processes->held, IsEmpty());
 }
 
-TEST_F(QuitProcess, WhatBecomesProtectedWhileTheDialogStandsIsStillQuit) {
+TEST_F(QuitProcess, AProcessProtectedAfterTheRequestIsStillQuit) {
     requestQuitOf(700, "/usr/bin/editor");
     actions.toggleNeverQuit("editor");
     confirm();
     expectRecorded("Asked process 700 to quit.");
 }
 
-TEST_F(QuitProcess, AProcessThatLeftTheListIsAskedAboutByItsNumber) {
+TEST_F(QuitProcess, AProcessThatLeftTheListIsNamedByItsPid) {
     addProcess(700, "/usr/bin/editor");
     takeSample();
     selectFirst();
@@ -115,7 +115,7 @@ TEST_F(QuitProcess, AProcessThatLeftTheListIsAskedAboutByItsNumber) {
     takeSample();
     actions.requestQuitSelectedProcess();
     EXPECT_EQ(pending().title, "Quit process 700?");
-    // The path of what was reviewed.
+    // The path of the process that was reviewed.
     EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
     EXPECT_EQ(review.optimizeStep(),
               "3. Confirm the quit action for process 700, or cancel and keep reviewing.");
@@ -123,7 +123,7 @@ TEST_F(QuitProcess, AProcessThatLeftTheListIsAskedAboutByItsNumber) {
     expectRecorded("Asked process 700 to quit.");
 }
 
-TEST_F(QuitProcess, AGoneProcessIsToldAsNotQuit) {
+TEST_F(QuitProcess, AProcessThatHasEndedIsRecordedAsNotQuit) {
     requestQuitOf(700, "/usr/bin/editor");
     endProcess(700);
     confirm();
@@ -131,20 +131,20 @@ TEST_F(QuitProcess, AGoneProcessIsToldAsNotQuit) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(QuitProcess, ANumberThatChangedHandsWhileTheDialogStoodIsNotSignalled) {
+TEST_F(QuitProcess, APidReusedAfterTheRequestIsNotSignalled) {
     requestQuitOf(700, "/usr/bin/editor");
-    reuseNumber(700);
+    reusePid(700);
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
     EXPECT_EQ(refreshes, 0);
 }
 
-TEST_F(QuitProcess, ANumberThatChangedHandsAfterTheSelectionIsNotSignalled) {
+TEST_F(QuitProcess, APidReusedAfterTheSelectionIsNotSignalled) {
     addProcess(700, "/usr/bin/editor");
     takeSample();
     selectFirst();
-    reuseNumber(700);
+    reusePid(700);
     rows.front().command = "/usr/bin/backup";
     rows.front().startTime = firstStartTime + 1;
     takeSample();
@@ -157,14 +157,14 @@ TEST_F(QuitProcess, ANumberThatChangedHandsAfterTheSelectionIsNotSignalled) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, ANumberThatNobodyBoreAtTheRequestIsNotSignalledLater) {
+TEST_F(QuitProcess, APidUnusedAtTheRequestIsNotSignalledLater) {
     addProcess(700, "/usr/bin/editor");
     takeSample();
     selectFirst();
     endProcess(700);
     takeSample();
     actions.requestQuitSelectedProcess();
-    reuseNumber(700);
+    reusePid(700);
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
@@ -176,7 +176,7 @@ TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
     selectFirst();
     rows.clear();
     takeSample();
-    reuseNumber(700);
+    reusePid(700);
     actions.requestQuitSelectedProcess();
     EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
     confirm();
@@ -184,7 +184,7 @@ TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, ASampleWhileTheDialogStandsChangesNothingOfIt) {
+TEST_F(QuitProcess, ASampleDoesNotChangeThePendingRequest) {
     requestQuitOf(700, "/usr/bin/editor");
     const ConfirmationRequest asked = pending();
     addProcess(800, "/usr/bin/other");
@@ -195,7 +195,7 @@ TEST_F(QuitProcess, ASampleWhileTheDialogStandsChangesNothingOfIt) {
     EXPECT_THAT(ports.processes->signalled, SizeIs(1));
 }
 
-TEST_F(QuitProcess, AnotherSelectionWhileTheDialogStandsDoesNotMoveIt) {
+TEST_F(QuitProcess, AnotherSelectionDoesNotChangeThePendingRequest) {
     requestQuitOf(700, "/usr/bin/editor");
     review.selectProcess(addProcess(800, "/usr/bin/other"));
     confirm();
@@ -214,7 +214,7 @@ TEST_F(QuitProcess, AReplacedRequestSignalsOnlyTheNewTarget) {
                 ElementsAre(FakeProcessControl::Signalled{800, firstStartTime}));
 }
 
-TEST_F(QuitProcess, ARequestThatNobodyReviewedIsBlocked) {
+TEST_F(QuitProcess, ARequestWithoutAReviewIsBlocked) {
     addProcess(700, "/usr/bin/editor");
     confirmations.requestConfirmation(
         {UUID::random(), "Quit editor?", "", "Quit Process", "local_quit_process", {}, 700});
@@ -223,7 +223,7 @@ TEST_F(QuitProcess, ARequestThatNobodyReviewedIsBlocked) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, ARequestInThePlaceOfTheReviewedOneIsBlocked) {
+TEST_F(QuitProcess, ARequestThatReplacesTheReviewedOneIsBlocked) {
     requestQuitOf(700, "/usr/bin/editor");
     addProcess(800, "/usr/bin/other");
     confirmations.requestConfirmation(
@@ -233,7 +233,7 @@ TEST_F(QuitProcess, ARequestInThePlaceOfTheReviewedOneIsBlocked) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, ARequestWithoutANumberEndsInSilence) {
+TEST_F(QuitProcess, ARequestWithoutAPidDoesNothing) {
     confirmations.requestConfirmation(
         {UUID::random(), "Quit?", "", "Quit Process", "local_quit_process", {}, {}});
     confirm();
@@ -241,7 +241,7 @@ TEST_F(QuitProcess, ARequestWithoutANumberEndsInSilence) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, NumbersThatNoProcessMayHaveNeverReachThePort) {
+TEST_F(QuitProcess, InvalidPidsNeverReachThePort) {
     for (const std::int64_t pid :
          {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1}, std::int64_t{-700},
           std::int64_t{2147483648}, std::numeric_limits<std::int64_t>::max(),
@@ -253,7 +253,7 @@ TEST_F(QuitProcess, NumbersThatNoProcessMayHaveNeverReachThePort) {
         rows.push_back(row);
         takeSample();
         selectFirst();
-        // The first process is protected; out of the list it is let through to the dialog.
+        // Pid 1 is protected, but without a row the request is accepted.
         rows.clear();
         takeSample();
         actions.requestQuitSelectedProcess();
@@ -265,7 +265,7 @@ TEST_F(QuitProcess, NumbersThatNoProcessMayHaveNeverReachThePort) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
-TEST_F(QuitProcess, EveryOutcomeHasItsWords) {
+TEST_F(QuitProcess, EveryOutcomeHasItsMessage) {
     struct Case {
         TerminationResult result;
         const char* message;
@@ -290,7 +290,7 @@ TEST_F(QuitProcess, EveryOutcomeHasItsWords) {
     }
 }
 
-TEST_F(QuitProcess, AnEmptyCommandIsNamedAsItStands) {
+TEST_F(QuitProcess, AnEmptyCommandGivesAnEmptyName) {
     requestQuitOf(700, "");
     EXPECT_EQ(pending().title, "Quit ?");
 }

@@ -3,11 +3,15 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/observable.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -44,6 +48,10 @@ protected:
         settings.set(&Settings::protectedAppNames, std::move(names));
     }
 
+    static SelectedTargetSummary goneSummary(const std::string& title) {
+        return {title, "Selected for review. Process details are not in the latest sample.", false};
+    }
+
     void expectNothingSelected() const {
         EXPECT_EQ(review.selectedPID(), std::nullopt);
         EXPECT_EQ(review.selectedAppImpactName(), std::nullopt);
@@ -57,7 +65,8 @@ protected:
         EXPECT_EQ(review.optimizeStep(), step);
     }
 
-    /// The message is the last action, and one event of the kind `action` more than `before`.
+    /// The message is the last action, and was added as an event of the kind `action` to `before`
+    /// others.
     void expectRecorded(const std::string& message, std::size_t before = 0) const {
         EXPECT_EQ(log.lastAction(), message);
         ASSERT_EQ(log.activityLog().size(), before + 1);
@@ -65,11 +74,18 @@ protected:
         EXPECT_EQ(log.activityLog()[0].detail, message);
     }
 
+    /// The latest operation returned `expected` and recorded its message.
+    void expectOutcome(const Outcome& expected, std::size_t before = 0) const {
+        EXPECT_EQ(outcome, expected);
+        expectRecorded(expected.message, before);
+    }
+
     void expectOnlySet(const std::string& message) const {
         EXPECT_EQ(log.lastAction(), message);
         EXPECT_THAT(log.activityLog(), IsEmpty());
     }
 
+    Outcome outcome = Outcome::done();
     LatestSample sample{settings, mainQueue};
     ReviewTarget review{services, sample,
                         ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
@@ -83,61 +99,76 @@ TEST_F(ReviewTargetTest, StartsWithNothingSelected) {
 
 // A row of the list ------------------------------------------------------------------------------
 
-TEST_F(ReviewTargetTest, SelectProcessSetsTargetGroupAndStepAndSaysNothing) {
-    review.selectProcess(row(7, "/opt/google/Google Chrome Helper"));
-    expectSelected(7, "Google Chrome",
-                   "2. Google Chrome Helper is selected for review from CPU + Memory Processes.");
-    expectOnlySet("Monitoring started.");
-}
-
-TEST_F(ReviewTargetTest, SelectProcessTakesAProtectedRowToo) {
-    review.selectProcess(row(1, "/usr/lib/systemd/systemd"));
-    expectSelected(1, "systemd", "2. systemd is selected for review from CPU + Memory Processes.");
-}
-
-TEST_F(ReviewTargetTest, NamesARowWithoutAPathComponentByItsWholeCommand) {
-    review.selectProcess(row(7, "/"));
-    EXPECT_EQ(review.optimizeStep(), "2. / is selected for review from CPU + Memory Processes.");
+TEST_F(ReviewTargetTest, SelectProcessSetsTargetGroupAndStepAndRecordsNothing) {
+    for (const auto& [command, groupName, name] :
+         {std::tuple{"/opt/google/Google Chrome Helper", "Google Chrome", "Google Chrome Helper"},
+          {"/usr/lib/systemd/systemd", "systemd", "systemd"},  // a protected row too
+          {"/", "/", "/"}}) {                                  // the whole command
+        review.selectProcess(row(7, command));
+        expectSelected(
+            7, groupName,
+            "2. " + std::string(name) + " is selected for review from CPU + Memory Processes.");
+        expectOnlySet("Monitoring started.");
+    }
 }
 
 TEST_F(ReviewTargetTest, SelectFirstProcessTakesTheFirstVisibleRow) {
-    review.selectFirstProcess({row(9, "/usr/bin/second-heaviest"), row(7, "/usr/bin/other")});
+    outcome =
+        review.selectFirstProcess({row(9, "/usr/bin/second-heaviest"), row(7, "/usr/bin/other")});
     expectSelected(9, "second-heaviest",
                    "2. second-heaviest is selected for review from CPU + Memory Processes.");
-    expectOnlySet("Selected second-heaviest from CPU + Memory Processes. No action has run yet.");
+    EXPECT_EQ(outcome.kind, Outcome::Kind::done);
+    expectOnlySet(outcome.message);
+    EXPECT_EQ(outcome.message,
+              "Selected second-heaviest from CPU + Memory Processes. No action has run yet.");
 }
 
 TEST_F(ReviewTargetTest, SelectFirstProcessOfAnEmptyListKeepsTheSelection) {
     review.selectProcess(row(7, "/usr/bin/kept"));
-    review.selectFirstProcess({});
+    outcome = review.selectFirstProcess({});
+    expectSelected(7, "kept", "2. kept is selected for review from CPU + Memory Processes.");
+    EXPECT_EQ(outcome, Outcome::refused("No process is available to select."));
+    expectOnlySet("No process is available to select.");
+}
+
+TEST_F(ReviewTargetTest, SelectProcessWithPIDTakesTheRowOfTheLatestTable) {
+    publish({row(7, "/usr/bin/first"), row(9, "/usr/bin/second")}, {});
+    EXPECT_EQ(review.selectProcessWithPID(9),
+              Outcome::done("Selected second from CPU + Memory Processes. No action has run yet."));
+    expectSelected(9, "second", "2. second is selected for review from CPU + Memory Processes.");
+    expectOnlySet("Selected second from CPU + Memory Processes. No action has run yet.");
+}
+
+TEST_F(ReviewTargetTest, SelectProcessWithPIDOfAProcessThatIsGoneKeepsTheSelection) {
+    publish({row(7, "/usr/bin/kept")}, {});
+    review.selectProcessWithPID(7);
+    EXPECT_EQ(review.selectProcessWithPID(9),
+              Outcome::refused("No process is available to select."));
     expectSelected(7, "kept", "2. kept is selected for review from CPU + Memory Processes.");
     expectOnlySet("No process is available to select.");
 }
 
 // The heaviest process ---------------------------------------------------------------------------
 
-TEST_F(ReviewTargetTest, SelectTopProcessWithoutASample) {
-    review.selectTopProcess();
+TEST_F(ReviewTargetTest, SelectTopProcessWithoutASampleOrOfAnEmptyTable) {
+    outcome = review.selectTopProcess();
     expectNothingSelected();
-    expectRecorded("No process sample is available yet.");
-}
-
-TEST_F(ReviewTargetTest, SelectTopProcessOfAnEmptyTable) {
+    expectOutcome(Outcome::refused("No process sample is available yet."));
     publish({row(7, "/usr/bin/unranked")}, {});
-    review.selectTopProcess();
+    outcome = review.selectTopProcess();
     expectNothingSelected();
-    expectRecorded("No process sample is available yet.");
+    expectOutcome(Outcome::refused("No process sample is available yet."), 1);
 }
 
 TEST_F(ReviewTargetTest, SelectTopProcess) {
     publish({}, {row(7, "/usr/bin/python3.11"), row(8, "/usr/bin/other")});
-    review.selectTopProcess();
+    outcome = review.selectTopProcess();
     expectSelected(7, "Python",
                    "2. python3.11 is selected for review. Choose a confirmed action when ready.");
-    expectRecorded("Selected python3.11, currently the heaviest process.");
+    expectOutcome(Outcome::done("Selected python3.11, currently the heaviest process."));
 }
 
-TEST_F(ReviewTargetTest, SelectTopProcessRefusesWhatIsProtected) {
+TEST_F(ReviewTargetTest, SelectTopProcessRefusesAProtectedProcess) {
     setNeverQuit({"Node.js"});
     const std::vector<ProcessSample> protectedRows{
         row(7, "/sbin/launchd"),             // a built-in name
@@ -153,49 +184,47 @@ TEST_F(ReviewTargetTest, SelectTopProcessRefusesWhatIsProtected) {
         const std::size_t before = log.activityLog().size();
         review.selectProcess(row(99, "/usr/bin/kept"));
         publish({}, {top, row(8, "/usr/bin/safe")});
-        review.selectTopProcess();
+        outcome = review.selectTopProcess();
         expectSelected(99, "kept", "2. kept is selected for review from CPU + Memory Processes.");
-        expectRecorded("Top process is protected: " + std::string(top.displayName()) +
-                           ". Select another process to optimize.",
-                       before);
+        expectOutcome(
+            Outcome::refused("Top process is protected: " + std::string(top.displayName()) +
+                             ". Select another process to optimize."),
+            before);
     }
 }
 
-TEST_F(ReviewTargetTest, NeverQuitNamesAreGroupNamesCaseSensitive) {
+TEST_F(ReviewTargetTest, NeverQuitNamesAreCaseSensitiveGroupNames) {
+    const ProcessSample node = row(7, "/usr/bin/node");
     setNeverQuit({"node", "NODE.JS"});
-    publish({}, {row(7, "/usr/bin/node")});
-    review.selectTopProcess();
+    publish({}, {node});
+    outcome = review.selectTopProcess();
     EXPECT_EQ(review.selectedPID(), 7);
-}
-
-TEST_F(ReviewTargetTest, SeesANeverQuitNameThatWasAddedLater) {
-    publish({}, {row(7, "/usr/bin/node")});
-    EXPECT_FALSE(review.isProtectedTarget(row(7, "/usr/bin/node")));
+    EXPECT_FALSE(review.isProtectedTarget(node));
     setNeverQuit({"Node.js"});
-    EXPECT_TRUE(review.isProtectedTarget(row(7, "/usr/bin/node")));
+    EXPECT_TRUE(review.isProtectedTarget(node)) << "added later";
 }
 
 // The heaviest group -----------------------------------------------------------------------------
 
 TEST_F(ReviewTargetTest, SelectTopAppWithoutASampleAGroupOrATopProcess) {
-    review.selectTopApp();
-    expectRecorded("No app impact sample is available yet.");
+    outcome = review.selectTopApp();
+    expectOutcome(Outcome::refused("No app impact sample is available yet."));
     publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")}, {});
-    review.selectTopApp();
-    expectRecorded("No app impact sample is available yet.", 1);
+    outcome = review.selectTopApp();
+    expectOutcome(Outcome::refused("No app impact sample is available yet."), 1);
     publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")},
             {group("No top", std::nullopt), group("a", 7)});
-    review.selectTopApp();
-    expectRecorded("No app impact sample is available yet.", 2);
+    outcome = review.selectTopApp();
+    expectOutcome(Outcome::refused("No app impact sample is available yet."), 2);
     expectNothingSelected();
 }
 
 TEST_F(ReviewTargetTest, SelectTopApp) {
     publish({row(8, "/usr/bin/b"), row(7, "/usr/bin/a")}, {}, {group("Group A", 7), group("b", 8)});
-    review.selectTopApp();
+    outcome = review.selectTopApp();
     expectSelected(7, "Group A",
                    "2. Group A is selected for review. Nothing has been quit or purged yet.");
-    expectRecorded("Selected the heaviest process inside Group A.");
+    expectOutcome(Outcome::done("Selected the heaviest process inside Group A."));
 }
 
 TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
@@ -205,56 +234,52 @@ TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
           row(7, "[kswapd0]"), row(4242, "/usr/bin/anything")}) {
         const std::size_t before = log.activityLog().size();
         publish({top}, {}, {group("Heavy", top.pid)});
-        review.selectTopApp();
+        outcome = review.selectTopApp();
         expectNothingSelected();
-        expectRecorded("Top app includes protected system processes. Select a safer app group.",
-                       before);
+        expectOutcome(Outcome::refused(
+                          "Top app includes protected system processes. Select a safer app group."),
+                      before);
     }
 }
 
-TEST_F(ReviewTargetTest, SelectTopAppGoesOnWhenItsTopProcessHasLeftTheList) {
-    // The ranked rows still hold it, as a protected one even: only the latest table counts.
+TEST_F(ReviewTargetTest, SelectTopAppAcceptsATopProcessThatHasLeftTheList) {
+    // The ranked rows still contain it, even as a protected one, but only the latest table counts.
     publish({row(8, "/usr/bin/b")}, {row(7, "/sbin/launchd")}, {group("Gone", 7)});
-    review.selectTopApp();
+    outcome = review.selectTopApp();
     expectSelected(7, "Gone",
                    "2. Gone is selected for review. Nothing has been quit or purged yet.");
-    expectRecorded("Selected the heaviest process inside Gone.");
+    expectOutcome(Outcome::done("Selected the heaviest process inside Gone."));
 }
 
 // Clearing ---------------------------------------------------------------------------------------
 
-TEST_F(ReviewTargetTest, ClearOperationTarget) {
+TEST_F(ReviewTargetTest, ClearingIsRecordedEvenWithoutASelection) {
     review.selectProcess(row(7, "/usr/bin/a"));
-    review.clearOperationTarget();
-    expectNothingSelected();
-    expectRecorded("Cleared selected operation target.");
-}
-
-TEST_F(ReviewTargetTest, ClearingNothingIsReportedToo) {
-    review.clearOperationTarget();
-    expectNothingSelected();
-    expectRecorded("Cleared selected operation target.");
+    for (const std::size_t events : {0U, 1U}) {
+        review.clearOperationTarget();
+        expectNothingSelected();
+        expectRecorded("Cleared selected operation target.", events);
+    }
 }
 
 // The target card --------------------------------------------------------------------------------
 
-TEST_F(ReviewTargetTest, SummaryOfARowOfTheLatestTable) {
-    publish({row(7, "/opt/Google Chrome Helper", 12.35, 345.6)},
-            {row(7, "/usr/bin/older-name", 99, 99)});
-    review.selectProcess(row(7, "/usr/bin/whatever"));
-    EXPECT_EQ(review.selectedTargetSummary(),
+TEST_F(ReviewTargetTest, SummaryOfARowOfTheLatestTableOrOtherwiseOfTheRankedList) {
+    const auto summaryOf = [this](const ProcessSample& selected) {
+        review.selectProcess(selected);
+        return review.selectedTargetSummary();
+    };
+    publish({row(7, "/opt/Google Chrome Helper", 12.35, 345.6), row(9, "//")},
+            {row(7, "/usr/bin/older-name", 99, 99), row(8, "/usr/bin/a", 0, 0.4)});
+    EXPECT_EQ(summaryOf(row(7, "/usr/bin/whatever")),
               (SelectedTargetSummary{"Google Chrome Helper",
                                      "Google Chrome · PID 7 · 12.3% CPU · 346 MB", false}));
+    EXPECT_EQ(summaryOf(row(8, "/usr/bin/a")),
+              (SelectedTargetSummary{"a", "a · PID 8 · 0.0% CPU · 0 MB", false}));
+    EXPECT_EQ(summaryOf(row(9, "//")).title, "//") << "without a path component";
 }
 
-TEST_F(ReviewTargetTest, SummaryOfARowOfTheRankedListAlone) {
-    publish({row(8, "/usr/bin/b")}, {row(7, "/usr/bin/a", 0, 0.4)});
-    review.selectProcess(row(7, "/usr/bin/a"));
-    EXPECT_EQ(review.selectedTargetSummary(),
-              (SelectedTargetSummary{"a", "a · PID 7 · 0.0% CPU · 0 MB", false}));
-}
-
-TEST_F(ReviewTargetTest, SummaryTellsWhatIsProtected) {
+TEST_F(ReviewTargetTest, SummaryMarksProtectedProcesses) {
     setNeverQuit({"b"});
     publish({row(7, "/sbin/launchd"), row(8, "/usr/bin/b"), row(1, "/init")}, {});
     for (const std::int64_t pid : {7, 8, 1}) {
@@ -265,21 +290,14 @@ TEST_F(ReviewTargetTest, SummaryTellsWhatIsProtected) {
 
 TEST_F(ReviewTargetTest, SummaryOfAProcessThatIsGone) {
     review.selectProcess(row(7, "/sbin/launchd"));
-    const SelectedTargetSummary gone{
-        "PID 7", "Selected for review. Process details are not in the latest sample.", false};
+    const SelectedTargetSummary gone = goneSummary("PID 7");
     EXPECT_EQ(review.selectedTargetSummary(), gone);  // no sample at all
     publish({row(8, "/usr/bin/b")}, {row(8, "/usr/bin/b")});
     EXPECT_EQ(review.selectedTargetSummary(), gone);
     EXPECT_EQ(review.selectedPID(), 7);
 }
 
-TEST_F(ReviewTargetTest, SummaryNamesARowWithoutAPathComponentByItsWholeCommand) {
-    publish({row(7, "//")}, {});
-    review.selectProcess(row(7, "//"));
-    EXPECT_EQ(review.selectedTargetSummary().title, "//");
-}
-
-TEST_F(ReviewTargetTest, ANumberThatChangedHandsIsNotTheProcessUnderReview) {
+TEST_F(ReviewTargetTest, AReusedPidIsNotTheProcessUnderReview) {
     ProcessSample reviewed = row(700, "/usr/bin/editor");
     reviewed.startTime = 1000;
     publish({reviewed}, {reviewed});
@@ -290,21 +308,16 @@ TEST_F(ReviewTargetTest, ANumberThatChangedHandsIsNotTheProcessUnderReview) {
     later.startTime = 1001;
     publish({later}, {later});
     EXPECT_EQ(review.selectedRow(), nullptr);
-    EXPECT_EQ(review.selectedTargetSummary(),
-              (SelectedTargetSummary{
-                  "PID 700", "Selected for review. Process details are not in the latest sample.",
-                  false}));
-}
-
-TEST_F(ReviewTargetTest, WhereNoStartTimesAreToldTheNumberHasToDo) {
-    ProcessSample untold = row(700, "/usr/bin/editor");
-    publish({untold}, {});
-    review.selectProcess(untold);
+    EXPECT_EQ(review.selectedTargetSummary(), goneSummary("PID 700"));
+    // Without start times the PID alone decides.
+    const ProcessSample withoutStartTime = row(700, "/usr/bin/editor");
+    publish({withoutStartTime}, {});
+    review.selectProcess(withoutStartTime);
     EXPECT_EQ(review.selectedStartTime(), 0U);
     EXPECT_NE(review.selectedRow(), nullptr);
 }
 
-TEST_F(ReviewTargetTest, ATargetIsMovedWithoutTheStep) {
+TEST_F(ReviewTargetTest, SetTargetKeepsTheStep) {
     ProcessSample listed = row(700, "/usr/bin/editor");
     listed.startTime = 1000;
     publish({listed}, {});
@@ -319,7 +332,7 @@ TEST_F(ReviewTargetTest, ATargetIsMovedWithoutTheStep) {
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(ReviewTargetTest, TellsObserversOfEverySelection) {
+TEST_F(ReviewTargetTest, NotifiesObserversOfEverySelection) {
     int told = 0;
     const Subscription subscription = review.observable().subscribe([&told] { ++told; });
     review.selectProcess(row(7, "/usr/bin/a"));

@@ -1,4 +1,4 @@
-// The runners over the real launcher.
+// The tool runner with the real launcher.
 
 #include <chrono>
 #include <filesystem>
@@ -25,15 +25,15 @@ protected:
     ToolRunner runner{allowed, launcher, jobs, log};
 };
 
-TEST_F(RealToolRunnerTest, AnOverrunKeepsWhatWasWrittenBefore) {
+TEST_F(RealToolRunnerTest, ATimeoutKeepsTheOutputBeforeIt) {
     EXPECT_EQ(runner.runTool("/bin/sh", {"-c", "echo early; exec sleep 60"}, 300ms), "early\n");
 }
 
-TEST_F(RealToolRunnerTest, StandardErrorStaysOut) {
+TEST_F(RealToolRunnerTest, StandardErrorIsLeftOut) {
     EXPECT_EQ(runner.runTool("/bin/sh", {"-c", "echo out; echo error >&2"}, 10s), "out\n");
 }
 
-TEST_F(RealToolRunnerTest, BytesThatAreNoTextAreDroppedWhole) {
+TEST_F(RealToolRunnerTest, InvalidUTF8IsDroppedCompletely) {
     EXPECT_EQ(runner.runTool("/bin/sh", {"-c", "printf 'good\\377'"}, 10s), "");
 }
 
@@ -47,7 +47,7 @@ TEST_F(RealToolRunnerTest, ARefusedToolIsNotLaunched) {
     EXPECT_EQ(log.lastAction(), "Blocked executable outside Tallowcrest's command allowlist.");
 }
 
-TEST_F(RealToolRunnerTest, TheSecureShellsErrorsReachTheText) {
+TEST_F(RealToolRunnerTest, StandardErrorOfSSHIsIncluded) {
     if (!std::filesystem::exists("/usr/bin/ssh")) {
         GTEST_SKIP() << "no secure shell on this machine";
     }

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
 #include "tests/support/fake_tool_launcher.h"
 #include "tests/support/test_services.h"
 
@@ -80,7 +81,7 @@ TEST_F(ToolRunnerTest, EachRefusalIsRecorded) {
     EXPECT_EQ(log.activityLog().size(), 3U);
 }
 
-TEST_F(ToolRunnerTest, RunSSHIsRefusedWhereTheListLacksTheSecureShell) {
+TEST_F(ToolRunnerTest, RunSSHIsRefusedWhenItIsNotAllowed) {
     const CommandSafetyPolicy::AllowedExecutables without{"/usr/bin/du"};
     ToolRunner restricted(without, launcher, jobs, log);
     launcher.willWrite("never seen");
@@ -102,7 +103,7 @@ TEST_F(ToolRunnerTest, NothingIsRecordedAfterTheRunnerIsGone) {
     EXPECT_TRUE(log.activityLog().empty());
 }
 
-TEST_F(ToolRunnerTest, FailuresOfTheToolAreTheEmptyTextWithoutAMessage) {
+TEST_F(ToolRunnerTest, AFailedToolGivesAnEmptyTextWithoutAMessage) {
     launcher.result.launchError = "No such file or directory";
     EXPECT_EQ(runner->runTool("/usr/bin/du", {}, 2s), "");
     EXPECT_EQ(runner->runSSH({}, 2s), "");
@@ -115,7 +116,7 @@ TEST_F(ToolRunnerTest, FailuresOfTheToolAreTheEmptyTextWithoutAMessage) {
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
 }
 
-TEST_F(ToolRunnerTest, AnOverrunYieldsWhatWasWrittenBefore) {
+TEST_F(ToolRunnerTest, ATimeoutGivesTheOutputBeforeIt) {
     launcher.willWrite("partial");
     launcher.result.terminationStatus.reset();
     launcher.result.deadlinePassed = true;

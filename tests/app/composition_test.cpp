@@ -1,8 +1,10 @@
 #include "app/composition.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <string>
 
@@ -15,6 +17,7 @@
 #include "platform/base/run_loop.h"
 #include "sampling/latest_sample.h"
 #include "tests/app/private_data.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
@@ -58,12 +61,12 @@ protected:
 TEST_F(CompositionTest, KeepsSettingsFromOneRunToTheNext) {
     CaptureStderr();
     {
-        const auto composition = start(SettingsAccess::keep);
+        const auto composition = start(SettingsAccess::readWrite);
         EXPECT_THAT(composition->monitor().log().activityLog(), IsEmpty());
         composition->monitor().log().recordMessage("Kept.");
         EXPECT_TRUE(composition->shutDown());
     }
-    const auto composition = start(SettingsAccess::keep);
+    const auto composition = start(SettingsAccess::readWrite);
     EXPECT_EQ(GetCapturedStderr(), "");
     ASSERT_EQ(composition->monitor().log().activityLog().size(), 1U);
     EXPECT_EQ(composition->monitor().log().activityLog().front().detail, "Kept.");
@@ -71,21 +74,21 @@ TEST_F(CompositionTest, KeepsSettingsFromOneRunToTheNext) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, ReadOnlyUseSeesStoredSettingsAndLeavesThem) {
+TEST_F(CompositionTest, ReadOnlyUseSeesStoredSettingsAndDoesNotChangeThem) {
     {
-        const auto composition = start(SettingsAccess::keep);
+        const auto composition = start(SettingsAccess::readWrite);
         composition->monitor().log().recordMessage("Kept.");
         EXPECT_TRUE(composition->shutDown());
     }
     const std::string before = fileText(file);
     {
-        const auto composition = start(SettingsAccess::look);
+        const auto composition = start(SettingsAccess::readOnly);
         ASSERT_EQ(composition->monitor().log().activityLog().size(), 1U);
         composition->monitor().log().recordMessage("Not kept.");
         EXPECT_TRUE(composition->shutDown());
     }
     EXPECT_TRUE(fileText(file) == before);
-    const auto composition = start(SettingsAccess::look);
+    const auto composition = start(SettingsAccess::readOnly);
     EXPECT_EQ(composition->monitor().log().activityLog().size(), 1U);
     EXPECT_TRUE(composition->shutDown());
 }
@@ -99,17 +102,17 @@ TEST_F(CompositionTest, ReadOnlyUseStartsANewTimeline) {
                             JSONData{*record_json::encode(std::vector<HistoryPoint>(
                                 15, {UUID::random(), Date{1}, 100.0, 100.0}))});
     }
-    const auto keeping = start(SettingsAccess::keep);
+    const auto keeping = start(SettingsAccess::readWrite);
     EXPECT_EQ(keeping->monitor().sample().history().size(), 15U);
     EXPECT_TRUE(keeping->shutDown());
-    const auto looking = start(SettingsAccess::look);
+    const auto looking = start(SettingsAccess::readOnly);
     EXPECT_THAT(looking->monitor().sample().history(), IsEmpty());
     EXPECT_EQ(looking->monitor().settings().warningThreshold, 70.0);
     EXPECT_TRUE(looking->shutDown());
 }
 
 TEST_F(CompositionTest, ReadOnlyUseCreatesNoFile) {
-    const auto composition = start(SettingsAccess::look);
+    const auto composition = start(SettingsAccess::readOnly);
     composition->monitor().log().recordMessage("Not kept.");
     EXPECT_TRUE(composition->shutDown());
     EXPECT_TRUE(fs::is_empty(data.folder()));
@@ -119,7 +122,7 @@ TEST_F(CompositionTest, ReportsSettingsThatCannotBeReadOnceInEachPlace) {
     writeGarbage();
     CaptureStderr();
     {
-        const auto composition = start(SettingsAccess::keep);
+        const auto composition = start(SettingsAccess::readWrite);
         const std::string& said = composition->monitor().log().lastAction();
         EXPECT_THAT(said, HasSubstr(file.string()));
         EXPECT_THAT(said, HasSubstr("damaged"));
@@ -130,7 +133,7 @@ TEST_F(CompositionTest, ReportsSettingsThatCannotBeReadOnceInEachPlace) {
         EXPECT_TRUE(composition->shutDown());
     }
     CaptureStderr();
-    const auto composition = start(SettingsAccess::keep);
+    const auto composition = start(SettingsAccess::readWrite);
     EXPECT_EQ(GetCapturedStderr(), "");
     EXPECT_EQ(composition->monitor().log().lastAction(), "Monitoring started.");
     EXPECT_EQ(composition->monitor().log().activityLog().size(), 1U);
@@ -138,7 +141,7 @@ TEST_F(CompositionTest, ReportsSettingsThatCannotBeReadOnceInEachPlace) {
 }
 
 TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
-    const auto composition = start(SettingsAccess::keep);
+    const auto composition = start(SettingsAccess::readWrite);
     ActivityLog& log = composition->monitor().log();
     SqliteConnection other;
     ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
@@ -146,7 +149,8 @@ TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
         CaptureStderr();
         ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
         log.recordMessage("Not kept yet.");
-        EXPECT_EQ(log.lastAction(), "Not kept yet.") << "a write tells nothing in its own turn";
+        EXPECT_EQ(log.lastAction(), "Not kept yet.")
+            << "a failed write is reported on a later turn";
         serve();
         EXPECT_THAT(log.lastAction(), HasSubstr("Settings cannot be saved"));
         const std::string said = log.lastAction();
@@ -168,7 +172,7 @@ TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
 TEST_F(CompositionTest, DropsReportsThatArePendingAtTheEnd) {
     CaptureStderr();
     {
-        const auto composition = start(SettingsAccess::keep);
+        const auto composition = start(SettingsAccess::readWrite);
         SqliteConnection other;
         ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
         ASSERT_EQ(other.execute("BEGIN IMMEDIATE"), SQLITE_OK);
@@ -183,10 +187,47 @@ TEST_F(CompositionTest, DropsReportsThatArePendingAtTheEnd) {
 TEST_F(CompositionTest, StartsWhereNothingCanBeStored) {
     std::ofstream(data.folder() / "tallowcrest") << "a file where the folder should be";
     CaptureStderr();
-    const auto composition = start(SettingsAccess::keep);
+    const auto composition = start(SettingsAccess::readWrite);
     EXPECT_THAT(GetCapturedStderr(), HasSubstr("cannot be made"));
     EXPECT_THAT(composition->monitor().log().lastAction(), HasSubstr("cannot be made"));
     EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, ShutDownReportsAJobThatHangs) {
+    const auto composition = start(SettingsAccess::readOnly);
+    std::promise<void> begun;
+    std::promise<void> release;
+    JobScope scope(composition->monitor().services().jobs);
+    scope.run(
+        Lane::actions,
+        [&](const Stop&) {
+            begun.set_value();
+            release.get_future().wait();
+        },
+        [] {});
+    begun.get_future().wait();
+    EXPECT_FALSE(composition->shutDown(std::chrono::milliseconds(1)));
+    EXPECT_EQ(composition->monitor().log().lastAction(), "Monitoring started.")
+        << "the job may still need the monitor";
+    release.set_value();
+    EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, DestructionWithoutAShutDownStopsAndJoinsTheJobs) {
+    auto composition = start(SettingsAccess::readOnly);
+    std::promise<void> begun;
+    bool mayNoLongerChange = false;
+    JobScope scope(composition->monitor().services().jobs);
+    scope.run(
+        Lane::actions,
+        [&](const Stop& stop) {
+            begun.set_value();
+            mayNoLongerChange = eventually([&stop] { return !stop.beginChange(); });
+        },
+        [] {});
+    begun.get_future().wait();
+    composition.reset();
+    EXPECT_TRUE(mayNoLongerChange);
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ TEST_F(WindowProgram, RejectsABadOptionWithOneLineAndStatusTwo) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-TEST_F(WindowProgram, RefusesToRunWithoutItsWindow) {
+TEST_F(WindowProgram, RefusesTheHeadlessOption) {
     const ProgramResult result = run({"--headless"});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.standardError, EndsWith("Try: tallowcrest --headless\n"));
@@ -67,7 +67,7 @@ TEST_F(WindowProgram, SaysWhyItCannotOpenItsWindow) {
     EXPECT_THAT(result.standardError, EndsWith("tallowcrest --headless\n"));
 }
 
-// A limit on open files ----------------------------------------------------------------------
+// A limit on open files --------------------------------------------------------------------------
 
 ProgramResult runWithDescriptors(int limit) {
     return runProgram(
@@ -92,7 +92,7 @@ TEST(FewDescriptors, SixteenAreEnoughForTheWholeTable) {
     EXPECT_EQ(samples, 3);
 }
 
-TEST(FewDescriptors, WithTooFewItSaysThatItSeesNothing) {
+TEST(FewDescriptors, WithTooFewItReportsThatNoProcessCanBeRead) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizers themselves need more descriptors";
 #endif

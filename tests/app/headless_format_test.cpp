@@ -10,6 +10,8 @@
 #include <nlohmann/json.hpp>
 
 #include "core/text.h"
+#include "tests/support/each_of.h"
+#include "tests/support/lines_of.h"
 
 namespace tallowcrest {
 namespace {
@@ -43,16 +45,10 @@ Recommendation card(const std::string& title, Recommendation::Severity severity)
     return result;
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (std::size_t end = text.find('\n'); end != std::string::npos;
-         end = text.find('\n', start)) {
-        lines.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
-    EXPECT_EQ(start, text.size()) << "the last line has no end";
-    return lines;
+/// The lines of `text`, the last of which must have an end.
+std::vector<std::string> endedLinesOf(const std::string& text) {
+    EXPECT_TRUE(text.empty() || text.back() == '\n') << "the last line has no end";
+    return linesOf(text);
 }
 
 // The readable block -----------------------------------------------------------------------------
@@ -69,7 +65,7 @@ protected:
     }
 };
 
-TEST_F(SampleBlock, ReadsAtAGlance) {
+TEST_F(SampleBlock, ShowsTheMachineTheGroupsAndTheRecommendations) {
     EXPECT_EQ(
         sampleBlock(sampleSnapshot(), {card("CPU is high", Recommendation::Severity::urgent),
                                        card("Free memory", Recommendation::Severity::caution),
@@ -95,7 +91,7 @@ TEST_F(SampleBlock, SaysWhenThereIsNoGroup) {
               "\n");
 }
 
-TEST_F(SampleBlock, OnlyATotalOfZeroIsUnknown) {
+TEST_F(SampleBlock, FiguresAreUnknownOnlyWhenTheTotalIsZero) {
     struct Case {
         MemorySnapshot memory;
         DiskSnapshot disk;
@@ -113,7 +109,7 @@ TEST_F(SampleBlock, OnlyATotalOfZeroIsUnknown) {
         SystemSnapshot snapshot = sampleSnapshot();
         snapshot.memory = c.memory;
         snapshot.disk = c.disk;
-        EXPECT_EQ(linesOf(sampleBlock(snapshot, {})).at(0), "2023-11-14 22:13:20  " + c.line);
+        EXPECT_EQ(endedLinesOf(sampleBlock(snapshot, {})).at(0), "2023-11-14 22:13:20  " + c.line);
     }
 }
 
@@ -124,7 +120,7 @@ TEST_F(SampleBlock, ShowsTheFirstFiveGroups) {
         snapshot.appImpacts.push_back({"Group " + std::to_string(i), 1, 1, 1, i, 0});
     }
     const std::string block = sampleBlock(snapshot, {});
-    EXPECT_EQ(linesOf(block).size(), 1 + 1 + 5 + 1U);
+    EXPECT_EQ(endedLinesOf(block).size(), 1 + 1 + 5 + 1U);
     EXPECT_THAT(block, HasSubstr("Group 5 "));
     EXPECT_THAT(block, Not(HasSubstr("Group 6")));
 }
@@ -133,7 +129,7 @@ TEST_F(SampleBlock, KeepsItsColumnsWithAnyName) {
     SystemSnapshot snapshot = sampleSnapshot();
     const auto rowFor = [&snapshot](const std::string& name) {
         snapshot.appImpacts = {{name, 3, 142.5, 1533, 812, 1}};
-        return linesOf(sampleBlock(snapshot, {})).at(2);
+        return endedLinesOf(sampleBlock(snapshot, {})).at(2);
     };
     const std::string figures = "   142.5%    1533 MB          3";
     struct Case {
@@ -169,7 +165,7 @@ TEST_F(SampleBlock, KeepsItsColumnsWithAnyName) {
     }
 }
 
-TEST_F(SampleBlock, ARecommendationStaysOnItsLines) {
+TEST_F(SampleBlock, ARecommendationCannotAddLines) {
     Recommendation recommendation = card("Two\nlines \x1B[2J", Recommendation::Severity::info);
     recommendation.detail = "a\nb \x1B[31m";
     EXPECT_THAT(sampleBlock(sampleSnapshot(), {recommendation}),
@@ -181,17 +177,13 @@ TEST_F(SampleBlock, AcceptsNaNAndInfinities) {
     snapshot.cpuPercent = std::numeric_limits<double>::quiet_NaN();
     snapshot.memory.pressure = std::numeric_limits<double>::infinity();
     snapshot.appImpacts[0].totalCPU = -std::numeric_limits<double>::infinity();
-    EXPECT_EQ(linesOf(sampleBlock(snapshot, {})).size(), 5U);
+    EXPECT_EQ(endedLinesOf(sampleBlock(snapshot, {})).size(), 5U);
 }
 
 // JSON -------------------------------------------------------------------------------------------
 
 std::vector<std::string> keysOf(const nlohmann::ordered_json& object) {
-    std::vector<std::string> keys;
-    for (const auto& [key, value] : object.items()) {
-        keys.push_back(key);
-    }
-    return keys;
+    return eachOf(object.items(), [](const auto& item) { return item.key(); });
 }
 
 TEST(SampleJSON, NamesEveryFieldInOrder) {
@@ -245,7 +237,7 @@ TEST(SampleJSON, HasEveryFigure) {
 TEST(SampleJSON, IsOneLine) {
     const std::string text =
         sampleJSON(sampleSnapshot(), {card("Two\nlines", Recommendation::Severity::info)});
-    EXPECT_EQ(linesOf(text).size(), 1U);
+    EXPECT_EQ(endedLinesOf(text).size(), 1U);
 }
 
 TEST(SampleJSON, HasEmptyListsWithoutItems) {
@@ -272,7 +264,7 @@ TEST(SampleJSON, IsValidWithAnyNameAndFigure) {
         snapshot.cpuPercent = std::numeric_limits<double>::quiet_NaN();
         snapshot.memory.pressure = std::numeric_limits<double>::infinity();
         const std::string text = sampleJSON(snapshot, {card(name, Recommendation::Severity::info)});
-        EXPECT_EQ(linesOf(text).size(), 1U);
+        EXPECT_EQ(endedLinesOf(text).size(), 1U);
         EXPECT_TRUE(isValidUTF8(text));
         const json object = json::parse(text, nullptr, false);
         ASSERT_FALSE(object.is_discarded());

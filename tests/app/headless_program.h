@@ -1,9 +1,9 @@
 #pragma once
 
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/lines_of.h"
 #include "tests/support/run_program.h"
 
 namespace tallowcrest {
@@ -12,7 +12,7 @@ inline const std::string program = TALLOWCREST_BINARY_DIR "/tallowcrest";
 inline const std::vector<std::string> displayVariables{"DISPLAY", "WAYLAND_DISPLAY",
                                                        "QT_QPA_PLATFORM"};
 
-/// The program without a display. `variables` are "NAME=value".
+/// Runs the program without a display. `variables` are "NAME=value".
 inline ProgramResult run(const std::vector<std::string>& arguments,
                          const std::vector<std::string>& variables = {}) {
     return runProgram({.path = program,
@@ -20,15 +20,6 @@ inline ProgramResult run(const std::vector<std::string>& arguments,
                        .withoutVariables = displayVariables,
                        .withVariables = variables,
                        .standardOutputPath = {}});
-}
-
-inline std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 }  // namespace tallowcrest

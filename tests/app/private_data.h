@@ -6,8 +6,9 @@
 
 namespace tallowcrest {
 
-/// While it exists, this process and its children keep the owner's data in a private folder, so
-/// that a test neither depends on the settings of the person who runs it nor changes them.
+/// While this object exists, this process and its children keep the owner's data in a private
+/// folder, so that a test neither depends on the settings of the person who runs it nor changes
+/// them.
 class PrivateData {
 public:
     PrivateData() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }

@@ -7,8 +7,8 @@ BINARY are the object files and static libraries that the programs are linked fr
 they define is called when a relocation in them refers to it: a call, a stored address, a virtual
 table. A call that the compiler inlined leaves no relocation, so a function also counts as called
 when the text of its own source file calls its name. An inline function that is not used leaves no
-symbol at all; it is looked for in the text of the headers below SOURCE_FOLDER, where the name of
-one that is called occurs a second time.
+symbol at all; it is looked for in the text of the files below SOURCE_FOLDER, where the name of one
+that is called occurs more often than headers define a function of that name.
 
 ALLOWED lists the functions that may stay, one on a line, under a comment that says why. A listed
 function that is called or gone is an error too.
@@ -88,12 +88,15 @@ def source_texts(folder):
 
 
 def uncalled_inline_functions(texts):
-    """The names of functions with a body in a header that occur nowhere else in `texts`."""
+    """The names of functions with a body in a header that occur in `texts` only where they are
+    defined, be it by several classes."""
     occurrences = collections.Counter(
         word for text in texts.values() for word in re.findall(r"\w+", text))
     body = re.compile(r"\b(\w+)\([^()]*\)(?: const)?(?: noexcept)? \{")
-    return {name for path, text in texts.items() if path.suffix == ".h"
-            for name in body.findall(text) if occurrences[name] == 1 and name != "requires"}
+    definitions = collections.Counter(
+        name for path, text in texts.items() if path.suffix == ".h" for name in body.findall(text))
+    return {name for name, count in definitions.items()
+            if occurrences[name] == count and name != "requires"}
 
 
 def main(allowed_list, source_folder, *binaries):

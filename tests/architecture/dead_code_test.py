@@ -25,9 +25,13 @@ struct Shape {
     int uncalledMethod() const;
     int calledInline() const { return 4; }
     int uncalledInline() const { return 5; }
+    int uncalledOfTwo() const { return 6; }
+    int calledOfTwo() const { return 7; }
 };
 struct Uncalled {
     Uncalled();
+    int uncalledOfTwo() const { return 6; }
+    int calledOfTwo() const { return 7; }
 };
 }
 """
@@ -39,7 +43,7 @@ int tiny() { return 2; }
 int calledByItsOwnFile() { return tiny(); }
 int uncalled(int number) { return number; }  // only this comment says uncalled(1) and uncalledInline
 Shape::Shape() {}
-int Shape::corners() const { return calledInline(); }
+int Shape::corners() const { return calledInline() + calledOfTwo(); }
 int Shape::uncalledMethod() const { return 3; }
 Uncalled::Uncalled() {}
 }
@@ -50,7 +54,7 @@ int main() { return tallowcrest::called() + tallowcrest::calledByItsOwnFile() +
                     tallowcrest::Shape().corners(); }
 """
 DEAD = ["tallowcrest::Shape::uncalledMethod", "tallowcrest::Uncalled::Uncalled",
-        "tallowcrest::uncalled", "uncalledInline"]
+        "tallowcrest::uncalled", "uncalledInline", "uncalledOfTwo"]
 
 
 class DeadCodeTest(unittest.TestCase):

@@ -25,8 +25,12 @@ constexpr std::array<std::string_view, 10> platformLayers{
 /// The widgets, which take plain values. A separate library, so that they cannot use the monitor.
 constexpr std::string_view widgetLayer = "presentation/widgets";
 
-constexpr std::array<std::string_view, 4> qtLayers{"presentation", widgetLayer, "platform/desktop",
-                                                   "app"};
+/// The texts. A separate library, so that they are pure functions over values, tested without a
+/// window.
+constexpr std::string_view wordsLayer = "presentation/words";
+
+constexpr std::array<std::string_view, 5> qtLayers{"presentation", widgetLayer, wordsLayer,
+                                                   "platform/desktop", "app"};
 
 constexpr std::array<std::string_view, 16> systemMacros{
     "__linux__",   "__linux", "linux",       "__gnu_linux__", "__APPLE__", "__MACH__",
@@ -34,7 +38,7 @@ constexpr std::array<std::string_view, 16> systemMacros{
     "__FreeBSD__", "__BSD__", "__OpenBSD__", "__ANDROID__"};
 
 /// The libraries that may be linked to Qt. Not app/, which the program without a window links too.
-constexpr std::array<std::string_view, 3> qtLibraries{"presentation", widgetLayer,
+constexpr std::array<std::string_view, 4> qtLibraries{"presentation", widgetLayer, wordsLayer,
                                                       "platform/desktop"};
 
 constexpr std::string_view layerTargetPrefix = "tallowcrest_";
@@ -254,13 +258,24 @@ std::string layerOf(std::string_view path) {
             return std::string(path.substr(0, second));
         }
     }
-    return startsWith(path, std::string(widgetLayer) + '/') ? std::string(widgetLayer)
-                                                            : std::string(folder);
+    if (startsWith(path, std::string(widgetLayer) + '/')) {
+        return std::string(widgetLayer);
+    }
+    const bool isLines = startsWith(path, "presentation/screens/") &&
+                         endsWith(path.substr(0, path.rfind('.')), "_lines");
+    return isLines || startsWith(path, std::string(wordsLayer) + '/') ? std::string(wordsLayer)
+                                                                      : std::string(folder);
 }
 
 bool mayInclude(std::string_view from, std::string_view to) {
     if (from == widgetLayer || to == widgetLayer) {
         return from == to || (to == widgetLayer && (from == "presentation" || from == "app"));
+    }
+    if (to == wordsLayer) {
+        return from == to || from == "presentation" || from == "app";
+    }
+    if (from == wordsLayer) {
+        return rankOf(to) && *rankOf(to) < *rankOf("presentation");
     }
     const bool fromPlatform = contains(platformLayers, from);
     if ((!fromPlatform && !rankOf(from)) || (!contains(platformLayers, to) && !rankOf(to))) {

@@ -22,8 +22,8 @@ struct Violation {
 inline constexpr std::size_t maximumLines = 440;
 
 /// The layer of a file below src/: "core" for "core/date.h", "platform/linux" for
-/// "platform/linux/places.cpp", "platform" for a file directly in that folder. Empty for a file
-/// directly in src/.
+/// "platform/linux/places.cpp", "platform" for a file directly in that folder, and
+/// "presentation/words" also for the `_lines` of a screen. Empty for a file directly in src/.
 std::string layerOf(std::string_view path);
 
 /// Whether files of `from` may include files of `to`. False for an unknown layer.

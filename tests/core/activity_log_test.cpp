@@ -2,13 +2,15 @@
 
 #include <chrono>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/observable.h"
 #include "core/record_json.h"
+#include "tests/support/each_of.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -18,14 +20,6 @@ using ::testing::IsEmpty;
 
 class ActivityLogTest : public ::testing::Test {
 protected:
-    static std::vector<std::string> titles(const std::vector<ActivityEvent>& events) {
-        std::vector<std::string> result;
-        for (const ActivityEvent& event : events) {
-            result.push_back(event.title);
-        }
-        return result;
-    }
-
     /// What the store holds of the log.
     std::vector<ActivityEvent> storedEvents() const {
         return with.settings.load(stored::activityLog).value();
@@ -51,19 +45,14 @@ TEST_F(ActivityLogTest, RecordsInFrontAndSavesTheWholeList) {
     with.clock.advance(std::chrono::seconds(3));
     log.recordEvent(ActivityKind::ai, "Second");
 
-    ASSERT_THAT(titles(log.activityLog()), ::testing::ElementsAre("AI", "Warning"));
+    ASSERT_THAT(eachOf(log.activityLog(), &ActivityEvent::title),
+                ::testing::ElementsAre("AI", "Warning"));
     EXPECT_EQ(log.activityLog()[0].detail, "Second");
     EXPECT_EQ(log.activityLog()[0].date, with.clock.now());
     EXPECT_EQ(secondsBetween(log.activityLog()[1].date, log.activityLog()[0].date), 3.0);
     EXPECT_NE(log.activityLog()[0].id, log.activityLog()[1].id);
     EXPECT_THAT(with.store.written, ::testing::SizeIs(2));
     EXPECT_EQ(storedEvents(), log.activityLog());
-}
-
-TEST_F(ActivityLogTest, RecordEventLeavesTheLastActionAlone) {
-    log.setLastAction("Scan finished.");
-    log.recordEvent(ActivityKind::warning, "Memory is high");
-    EXPECT_EQ(log.lastAction(), "Scan finished.");
 }
 
 TEST_F(ActivityLogTest, RecordsTheWordsOfAnOutcomeAndHandsItOn) {
@@ -93,20 +82,19 @@ TEST(OutcomeTest, IsAcceptedWhenItIsDoneOrAsked) {
     EXPECT_FALSE(Outcome::failed("No.").isAccepted());
 }
 
-TEST_F(ActivityLogTest, RecordMessageIsTheLastActionAndAnActionEvent) {
-    log.recordMessage("Copied the report.");
-    EXPECT_EQ(log.lastAction(), "Copied the report.");
-    ASSERT_EQ(log.activityLog().size(), 1U);
-    EXPECT_EQ(log.activityLog()[0].title, "Action");
-    EXPECT_EQ(log.activityLog()[0].detail, "Copied the report.");
-    EXPECT_THAT(with.store.written, ::testing::SizeIs(1));
-}
-
-TEST_F(ActivityLogTest, SettingTheLastActionRecordsAndSavesNothing) {
+TEST_F(ActivityLogTest, OnlyAMessageIsBothAnEventAndTheLastAction) {
     log.setLastAction("Checking...");
     EXPECT_EQ(log.lastAction(), "Checking...");
     EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_THAT(with.store.written, IsEmpty());
+    log.recordEvent(ActivityKind::warning, "Memory is high");
+    EXPECT_EQ(log.lastAction(), "Checking...");
+    log.recordMessage("Copied the report.");
+    EXPECT_EQ(log.lastAction(), "Copied the report.");
+    ASSERT_EQ(log.activityLog().size(), 2U);
+    EXPECT_EQ(log.activityLog()[0].title, "Action");
+    EXPECT_EQ(log.activityLog()[0].detail, "Copied the report.");
+    EXPECT_THAT(with.store.written, ::testing::SizeIs(2));
 }
 
 TEST_F(ActivityLogTest, KeepsTheNewestEightyEvents) {
@@ -135,18 +123,16 @@ TEST_F(ActivityLogTest, ClearingEmptiesSavesAndSaysSo) {
 TEST_F(ActivityLogTest, TellsItsObserversOfEveryKindOfChange) {
     int told = 0;
     const Subscription subscription = log.observable().subscribe([&told] { ++told; });
-    log.setLastAction("a");
-    with.mainQueue.drain();
-    EXPECT_EQ(told, 1);
-    log.recordEvent(ActivityKind::chat, "b");
-    with.mainQueue.drain();
-    EXPECT_EQ(told, 2);
-    log.recordMessage("a");
-    with.mainQueue.drain();
-    EXPECT_EQ(told, 3);
-    log.clearActivityLog();
-    with.mainQueue.drain();
-    EXPECT_EQ(told, 4);
+    int expected = 0;
+    const auto expectTold = [&](auto change) {
+        change();
+        with.mainQueue.drain();
+        EXPECT_EQ(told, ++expected);
+    };
+    expectTold([this] { log.setLastAction("a"); });
+    expectTold([this] { log.recordEvent(ActivityKind::chat, "b"); });
+    expectTold([this] { log.recordMessage("a"); });
+    expectTold([this] { log.clearActivityLog(); });
 }
 
 }  // namespace

@@ -11,13 +11,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/all_lanes.h"
 #include "tests/support/manual_queues.h"
 
 namespace tallowcrest {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class JobsTest : public ::testing::Test {
 protected:
@@ -55,7 +58,7 @@ TEST_F(JobsTest, WorkRunsInItsLaneAndItsResultReachesTheMainQueue) {
 }
 
 TEST_F(JobsTest, EveryLaneGetsItsOwnJobs) {
-    for (const Lane lane : {Lane::sampling, Lane::actions, Lane::reports, Lane::settings}) {
+    for (const Lane lane : allLanes) {
         scope->run(
             lane, [](const Stop&) {}, [] {});
         EXPECT_EQ(workQueue.laneOf(workQueue.pendingCount() - 1), lane);
@@ -292,6 +295,73 @@ TEST_F(JobsTest, NoProgressReachesAScopeThatIsGone) {
 }
 
 // The main thread --------------------------------------------------------------------------------
+
+/// The functions that a scope calls note the thread that destroys them.
+class JobFunctions : public JobsTest {
+protected:
+    ~JobFunctions() override { scope.reset(); }
+
+    /// Begins a job with and one without progress, of three functions in all.
+    void begin() {
+        const auto noted = [this] {
+            return std::shared_ptr<void>(
+                nullptr, [this](void*) { destroyedBy.push_back(std::this_thread::get_id()); });
+        };
+        scope->run(
+            Lane::actions, [](const Stop&) { return 1; }, [held = noted()](int) {});
+        scope->runWithProgress<int>(
+            Lane::actions, [](const Stop&, const auto& report) { report(1); },
+            [held = noted()](int) {}, [held = noted()] {});
+    }
+    void workOnAnotherThread() {
+        std::thread([this] {
+            while (workQueue.pendingCount() > 0) {
+                workQueue.run();
+            }
+        }).join();
+    }
+    void expectDestroyedByTheMainThread() const {
+        EXPECT_THAT(destroyedBy, SizeIs(3));
+        EXPECT_THAT(destroyedBy, Each(std::this_thread::get_id()));
+    }
+
+    std::vector<std::thread::id> destroyedBy;
+};
+
+TEST_F(JobFunctions, AreDestroyedAfterTheCall) {
+    begin();
+    workOnAnotherThread();
+    EXPECT_THAT(destroyedBy, IsEmpty());
+    mainQueue.drain();
+    expectDestroyedByTheMainThread();
+}
+
+TEST_F(JobFunctions, OfADroppedJobAreDestroyedWithTheScope) {
+    begin();
+    scope.reset();
+    expectDestroyedByTheMainThread();
+    workOnAnotherThread();
+    expectDestroyedByTheMainThread();
+}
+
+TEST_F(JobFunctions, OfADroppedResultAreDestroyedWithTheScope) {
+    begin();
+    workOnAnotherThread();
+    scope.reset();
+    expectDestroyedByTheMainThread();
+    mainQueue.drain();
+    expectDestroyedByTheMainThread();
+}
+
+TEST_F(JobFunctions, AreKeptByTheScopeWhenTheProgramsEndDropsTheJob) {
+    begin();
+    jobs.stopAll();
+    workOnAnotherThread();
+    mainQueue.drain();
+    EXPECT_THAT(destroyedBy, IsEmpty());
+    scope.reset();
+    expectDestroyedByTheMainThread();
+}
 
 TEST_F(JobsTest, PostToMainRunsOnALaterTurnInOrder) {
     std::vector<int> ran;

@@ -19,17 +19,14 @@ TEST(PlainLocale, ComparesWithoutTheCaseOfAToZ) {
         std::string right;
         std::weak_ordering order;
     };
-    for (const Case& c : std::vector<Case>{
-             {"", "", std::weak_ordering::equivalent},
-             {"", "a", std::weak_ordering::less},
-             {"Editor", "EDITOR", std::weak_ordering::equivalent},
-             {"atom", "Zed", std::weak_ordering::less},
-             {"Zed", "atom", std::weak_ordering::greater},
-             {"a", "aa", std::weak_ordering::less},
-             {"ä", "Ä", std::weak_ordering::greater},
-             {"\xFF", "\xFE", std::weak_ordering::equivalent},
-             {"\xFF", "\uFFFD", std::weak_ordering::equivalent},
-         }) {
+    for (const Case& c :
+         {Case{"", "", std::weak_ordering::equivalent}, Case{"", "a", std::weak_ordering::less},
+          Case{"Editor", "EDITOR", std::weak_ordering::equivalent},
+          Case{"atom", "Zed", std::weak_ordering::less},
+          Case{"Zed", "atom", std::weak_ordering::greater},
+          Case{"a", "aa", std::weak_ordering::less}, Case{"ä", "Ä", std::weak_ordering::greater},
+          Case{"\xFF", "\xFE", std::weak_ordering::equivalent},
+          Case{"\xFF", "\uFFFD", std::weak_ordering::equivalent}}) {
         EXPECT_EQ(locale.compareIgnoringCase(c.left, c.right), c.order)
             << c.left << ", " << c.right;
     }
@@ -43,17 +40,10 @@ TEST(PlainLocale, FindsWithoutTheCaseOfAToZ) {
         std::string part;
         bool contained;
     };
-    for (const Case& c : std::vector<Case>{
-             {"macOS", "mac", true},
-             {"macOS", "MAC", true},
-             {"iMac", "mac", true},
-             {"linux", "mac", false},
-             {"ma", "mac", false},
-             {"", "mac", false},
-             {"", "", true},
-             {"linux", "", true},
-             {"\xFF MAC", "mac", true},
-         }) {
+    for (const Case& c :
+         {Case{"macOS", "mac", true}, Case{"macOS", "MAC", true}, Case{"iMac", "mac", true},
+          Case{"linux", "mac", false}, Case{"ma", "mac", false}, Case{"", "mac", false},
+          Case{"", "", true}, Case{"linux", "", true}, Case{"\xFF MAC", "mac", true}}) {
         EXPECT_EQ(locale.containsIgnoringCase(c.text, c.part), c.contained)
             << c.text << ", " << c.part;
     }
@@ -66,32 +56,30 @@ TEST(PlainLocale, FormsDecimals) {
         int digits;
         std::string text;
     };
-    for (const Case& c : std::vector<Case>{
-             {0.0, 0, "0"},
-             {82.4, 0, "82"},
-             {82.5, 0, "83"},
-             {81.5, 0, "82"},
-             {-82.5, 0, "-83"},
-             {12.34, 1, "12.3"},
-             {2.25, 1, "2.3"},
-             {2.35, 1, "2.4"},
-             {-2.25, 1, "-2.3"},
-             {12.0, 1, "12.0"},
-             {9.96, 1, "10.0"},
-             {1234.5, 1, "1234.5"},
-             {1.005, 3, "1.005"},
-             {-0.0, 1, "0.0"},
-             {-0.04, 1, "0.0"},
-             {-0.4, 0, "0"},
-             {-0.05, 1, "-0.1"},
-             {3.7, -1, "4"},
-             {0.5, 99, "0.500000000000000"},
-             {1e17, 1, "100000000000000000.0"},
-             {-1e17, 0, "-100000000000000000"},
-             {std::numeric_limits<double>::infinity(), 1, "∞"},
-             {-std::numeric_limits<double>::infinity(), 1, "-∞"},
-             {std::numeric_limits<double>::quiet_NaN(), 1, "NaN"},
-         }) {
+    for (const Case& c : {Case{0.0, 0, "0"},
+                          Case{82.4, 0, "82"},
+                          Case{82.5, 0, "83"},
+                          Case{81.5, 0, "82"},
+                          Case{-82.5, 0, "-83"},
+                          Case{12.34, 1, "12.3"},
+                          Case{2.25, 1, "2.3"},
+                          Case{2.35, 1, "2.4"},
+                          Case{-2.25, 1, "-2.3"},
+                          Case{12.0, 1, "12.0"},
+                          Case{9.96, 1, "10.0"},
+                          Case{1234.5, 1, "1234.5"},
+                          Case{1.005, 3, "1.005"},
+                          Case{-0.0, 1, "0.0"},
+                          Case{-0.04, 1, "0.0"},
+                          Case{-0.4, 0, "0"},
+                          Case{-0.05, 1, "-0.1"},
+                          Case{3.7, -1, "4"},
+                          Case{0.5, 99, "0.500000000000000"},
+                          Case{1e17, 1, "100000000000000000.0"},
+                          Case{-1e17, 0, "-100000000000000000"},
+                          Case{std::numeric_limits<double>::infinity(), 1, "∞"},
+                          Case{-std::numeric_limits<double>::infinity(), 1, "-∞"},
+                          Case{std::numeric_limits<double>::quiet_NaN(), 1, "NaN"}}) {
         EXPECT_EQ(locale.decimal(c.value, c.digits), c.text) << c.value << ", " << c.digits;
     }
     const std::string longest = locale.decimal(std::numeric_limits<double>::max(), 15);

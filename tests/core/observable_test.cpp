@@ -21,34 +21,23 @@ protected:
     std::function<void()> count = [this] { ++told; };
 };
 
-TEST_F(ObservableTest, TellsOnTheNextTurnNotAtOnce) {
-    const Subscription subscription = observable.subscribe(count);
-    observable.changed();
-    EXPECT_EQ(told, 0);
-    queue.turn();
-    EXPECT_EQ(told, 1);
-    queue.turn();
-    EXPECT_EQ(told, 1);
-}
-
 TEST_F(ObservableTest, TellsOncePerTurnHoweverManyChanges) {
     const Subscription subscription = observable.subscribe(count);
+    queue.turn();
+    EXPECT_EQ(queue.pendingCount(), 0U);
+    EXPECT_EQ(told, 0) << "without a change";
     for (int i = 0; i < 10; ++i) {
         observable.changed();
     }
     EXPECT_EQ(queue.pendingCount(), 1U);
+    EXPECT_EQ(told, 0) << "not at once";
+    queue.turn();
+    EXPECT_EQ(told, 1);
     queue.turn();
     EXPECT_EQ(told, 1);
     observable.changed();
     queue.turn();
     EXPECT_EQ(told, 2);
-}
-
-TEST_F(ObservableTest, SaysNothingWithoutAChange) {
-    const Subscription subscription = observable.subscribe(count);
-    queue.turn();
-    EXPECT_EQ(queue.pendingCount(), 0U);
-    EXPECT_EQ(told, 0);
 }
 
 TEST_F(ObservableTest, AChangeMadeByAnObserverIsToldOnTheTurnAfter) {
@@ -214,6 +203,29 @@ TEST_F(ObserverGroupTest, IsNotToldOfWhatItDoesNotObserve) {
     queue.drain();
     EXPECT_EQ(told, 0);
     other.changed();
+    queue.drain();
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(ObserverGroupTest, IsToldOneTurnAfterTheObservers) {
+    group->observe({&first});
+    first.changed();
+    queue.turn();
+    EXPECT_EQ(told, 0);
+    queue.turn();
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(ObserverGroupTest, ItsObserverMayDestroyIt) {
+    group.emplace(queue, [this] {
+        group.reset();
+        ++told;
+    });
+    group->observe({&first});
+    first.changed();
+    queue.drain();
+    EXPECT_EQ(told, 1);
+    first.changed();
     queue.drain();
     EXPECT_EQ(told, 1);
 }

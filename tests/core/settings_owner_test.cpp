@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/observable.h"
 #include "tests/core/stored_settings.h"
 #include "tests/support/recording_store.h"
 
@@ -135,8 +136,7 @@ TEST_F(SettingsOwnerTest, WhatIsHeldButNotStoredIsWritten) {
 
 TEST_F(SettingsOwnerTest, ListsAreWrittenAndNotTold) {
     settings->save(stored::ruleDrafts, {});
-    settings->saveEncoded(stored::history, "[]");
-    settings->saveEncoded(stored::history, std::nullopt);
+    settings->save(stored::history, {});
     mainQueue.drain();
     EXPECT_THAT(store.written, ElementsAre(keys::aiRuleDraftsKey, keys::historyKey));
     EXPECT_EQ(told, 0);

@@ -9,6 +9,7 @@
 
 #include "core/history_encoder.h"
 #include "core/record_json.h"
+#include "core/settings/stored_list.h"
 #include "tests/core/stored_settings.h"
 
 namespace tallowcrest {
@@ -173,14 +174,14 @@ TEST_P(StoredRecords, WhatCannotBeEncodedLeavesTheOlderValue) {
     const auto oldMessages = messages(1);
     SettingsOwner settings(store(), mainQueue, "owner");
     HistoryEncoder encoder;
-    settings.saveEncoded(stored::history, encoder.encode(oldHistory));
+    settings.save(stored::history, oldHistory, encoder);
     settings.save(stored::activityLog, oldEvents);
     settings.save(stored::chatMessages, oldMessages);
 
     auto broken = oldHistory;
     broken.front().cpu = std::numeric_limits<double>::quiet_NaN();
     settings.save(stored::history, broken);
-    settings.saveEncoded(stored::history, encoder.encode(broken));
+    settings.save(stored::history, broken, encoder);
     settings.save(stored::activityLog, {{UUID::random(), Date{5}, "Action", invalidText}});
     settings.save(stored::chatMessages, {{UUID::random(), "user", invalidText, Date{}}});
 

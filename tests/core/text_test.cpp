@@ -106,23 +106,13 @@ TEST(ReplacingControlCharacters, ReplacesCharactersThatControlATerminalOrEndALin
         std::string text;
         std::string replaced;
     };
-    for (const Case& c : std::vector<Case>{
-             {"", ""},
-             {"a\nb", "a?b"},
-             {"a\r\nb", "a??b"},
-             {"a\tb", "a?b"},
-             {"\v\f", "??"},
-             {std::string("a\0b", 3), "a?b"},
-             {"\x1B[31m", "?[31m"},
-             {"\x1F \x7F~", "? ?~"},
-             {"a\u0080b\u0085c\u009Fd", "a?b?c?d"},
-             {"\u2028\u2029", "??"},
-             {"\u061C\u200E\u200F", "???"},
-             {"\u202A\u202B\u202C\u202D\u202E", "?????"},
-             {"\u2066\u2067\u2068\u2069", "????"},
-             {"a\xFF\nb", "a\uFFFD?b"},
-             {"a\xC3", "a\uFFFD"},
-         }) {
+    for (const Case& c :
+         {Case{"", ""}, Case{"a\nb", "a?b"}, Case{"a\r\nb", "a??b"}, Case{"a\tb", "a?b"},
+          Case{"\v\f", "??"}, Case{std::string("a\0b", 3), "a?b"}, Case{"\x1B[31m", "?[31m"},
+          Case{"\x1F \x7F~", "? ?~"}, Case{"a\u0080b\u0085c\u009Fd", "a?b?c?d"},
+          Case{"\u2028\u2029", "??"}, Case{"\u061C\u200E\u200F", "???"},
+          Case{"\u202A\u202B\u202C\u202D\u202E", "?????"}, Case{"\u2066\u2067\u2068\u2069", "????"},
+          Case{"a\xFF\nb", "a\uFFFD?b"}, Case{"a\xC3", "a\uFFFD"}}) {
         EXPECT_EQ(replacingControlCharacters(c.text, "?"), c.replaced) << c.text;
     }
 }

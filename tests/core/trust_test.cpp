@@ -1,6 +1,5 @@
 #include <cstdint>
 #include <limits>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -28,22 +27,11 @@ TEST(Trust, ScoreAndPercent) {
         std::int64_t score;
         std::int64_t percent;
     };
-    for (const Case& c : std::vector<Case>{
-             {0, 0, 0, 20, 20},
-             {1, 0, 0, 28, 28},
-             {0, 1, 0, 34, 34},
-             {0, 0, 1, 0, 0},
-             {2, 3, 0, 78, 78},
-             {4, 2, 0, 80, 80},
-             {3, 2, 0, 72, 72},
-             {0, 3, 1, 42, 42},
-             {10, 0, 0, 100, 100},
-             {2, 1, 0, 50, 50},
-             {12, 1, 0, 130, 100},
-             {0, 0, 2, -20, 0},
-             {100, 0, 40, 20, 20},
-             {-1, 0, 0, 12, 12},
-         }) {
+    for (const Case& c : {Case{0, 0, 0, 20, 20}, Case{1, 0, 0, 28, 28}, Case{0, 1, 0, 34, 34},
+                          Case{0, 0, 1, 0, 0}, Case{2, 3, 0, 78, 78}, Case{4, 2, 0, 80, 80},
+                          Case{3, 2, 0, 72, 72}, Case{0, 3, 1, 42, 42}, Case{10, 0, 0, 100, 100},
+                          Case{2, 1, 0, 50, 50}, Case{12, 1, 0, 130, 100}, Case{0, 0, 2, -20, 0},
+                          Case{100, 0, 40, 20, 20}, Case{-1, 0, 0, 12, 12}}) {
         EXPECT_EQ(trustScore(record(c.approved, c.run, c.blocked)), c.score)
             << c.approved << ", " << c.run << ", " << c.blocked;
         EXPECT_EQ(trustPercent(record(c.approved, c.run, c.blocked)), c.percent)

@@ -20,8 +20,8 @@ using ::testing::SizeIs;
 
 class WarningNotificationsTest : public ::testing::Test {
 protected:
-    void setIncludesActions(bool isWanted) {
-        with.settings.set(&Settings::notificationsIncludeActions, isWanted);
+    void setIncludesActions(bool value) {
+        with.settings.set(&Settings::notificationsIncludeActions, value);
         with.mainQueue.drain();
     }
 
@@ -51,7 +51,7 @@ TEST_F(WarningNotificationsTest, RegistersNoneWhenTheSettingIsOff) {
                                           "requestAuthorization"));
 }
 
-TEST_F(WarningNotificationsTest, RegistersAgainOnTheTurnAfterTheWishChanged) {
+TEST_F(WarningNotificationsTest, RegistersAgainOnTheTurnAfterTheSettingChanged) {
     notifications->registerNotificationCategories();
     center.calls.clear();
     with.settings.set(&Settings::warningThreshold, 70.0);
@@ -65,12 +65,12 @@ TEST_F(WarningNotificationsTest, RegistersAgainOnTheTurnAfterTheWishChanged) {
     EXPECT_THAT(center.categories, SizeIs(1));
 }
 
-TEST_F(WarningNotificationsTest, RegistersNothingBeforeItIsAskedTo) {
+TEST_F(WarningNotificationsTest, RegistersNothingBeforeTheFirstRegistration) {
     setIncludesActions(false);
     EXPECT_THAT(center.calls, IsEmpty());
 }
 
-TEST_F(WarningNotificationsTest, AWarningInItsWords) {
+TEST_F(WarningNotificationsTest, PostsTheWarning) {
     notifications->postLoadWarning("photo-indexer");
     EXPECT_THAT(center.posted,
                 ElementsAre(NotificationContent{
@@ -80,7 +80,7 @@ TEST_F(WarningNotificationsTest, AWarningInItsWords) {
                     "TALLOWCREST_WARNING", true}));
 }
 
-TEST_F(WarningNotificationsTest, WithoutButtonsTheWarningNamesNoCategory) {
+TEST_F(WarningNotificationsTest, WithoutButtonsTheWarningHasNoCategory) {
     setIncludesActions(false);
     notifications->postLoadWarning("photo-indexer");
     ASSERT_THAT(center.posted, SizeIs(1));
@@ -104,13 +104,13 @@ TEST_F(WarningNotificationsTest, EveryButtonOpensItsRoute) {
     }
 }
 
-TEST_F(WarningNotificationsTest, WithoutAWindowAButtonLeadsNowhere) {
+TEST_F(WarningNotificationsTest, WithoutAWindowAButtonDoesNothing) {
     WarningNotifications alone(&center, with.settings, {});
     center.respond("OPEN_OPTIMIZE");
     EXPECT_THAT(routes, IsEmpty());
 }
 
-TEST_F(WarningNotificationsTest, AfterTheEndNobodyResponds) {
+TEST_F(WarningNotificationsTest, AfterDestructionResponsesAndSettingsHaveNoEffect) {
     notifications->registerNotificationCategories();
     center.calls.clear();
     notifications.reset();

@@ -10,14 +10,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "integration/warning_notifications.h"
 #include "monitor/auto_rules.h"
 #include "tests/actions/local_actions_fixture.h"
+#include "tests/support/each_of.h"
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_notification_center.h"
 
 namespace tallowcrest {
 
-/// The rules over a machine of which a test sets every figure, with other machines to scan.
+/// The rules on a machine whose figures a test sets, with other machines to scan.
 class AutoRulesFixture : public LocalActionsFixture {
 protected:
     AutoRulesFixture() {
@@ -40,7 +42,7 @@ protected:
 
     void run(double cpu, double pressure = 10.0) { rules.runAutoRules(snapshot(cpu, pressure)); }
 
-    void remember(std::size_t points, double memory) {
+    void appendHistory(std::size_t points, double memory) {
         for (std::size_t i = 0; i < points; ++i) {
             snapshot(0.0, memory);
             sample.appendHistoryPoint();
@@ -54,7 +56,7 @@ protected:
         set(&Settings::autoScanRemoteMacs, true);
         remote.devices = {tailDevice("macOS", true)};
         addProcess(700, "/usr/bin/editor");
-        remember(30, 95.0);
+        appendHistory(30, 95.0);
     }
 
     void expectNothingDone() const {
@@ -66,30 +68,21 @@ protected:
     }
 
     std::vector<std::string> details() const {
-        std::vector<std::string> result;
-        for (const ActivityEvent& event : log.activityLog()) {
-            result.push_back(event.title + ": " + event.detail);
-        }
-        return result;
+        return eachOf(log.activityLog(),
+                      [](const ActivityEvent& event) { return event.title + ": " + event.detail; });
     }
 
     std::vector<ActivityKind> kinds() const {
-        std::vector<ActivityKind> result;
-        for (const ActivityEvent& event : log.activityLog()) {
-            result.push_back(event.kind);
-        }
-        return result;
+        return eachOf(log.activityLog(), &ActivityEvent::kind);
     }
 
-    /// The process that each notification names, the oldest first.
+    /// The process that each notification names, oldest first.
     std::vector<std::string> notified() const {
-        std::vector<std::string> result;
-        for (const NotificationContent& each : center.posted) {
+        return eachOf(center.posted, [](const NotificationContent& each) {
             constexpr std::string_view before = "Top process: ";
             const std::size_t begin = each.body.find(before) + before.size();
-            result.push_back(each.body.substr(begin, each.body.find('.', begin) - begin));
-        }
-        return result;
+            return each.body.substr(begin, each.body.find('.', begin) - begin);
+        });
     }
 
     FakeAutoScan remote;

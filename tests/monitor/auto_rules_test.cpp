@@ -2,11 +2,14 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/observable.h"
 #include "tests/monitor/auto_rules_fixture.h"
 
 namespace tallowcrest {
@@ -18,17 +21,7 @@ using ::testing::SizeIs;
 
 class AutoRulesTest : public AutoRulesFixture {};
 
-TEST_F(AutoRulesTest, TheStopHoldsEverythingBackButTheWarning) {
-    armAll();
-    set(&Settings::automationEmergencyStopEngaged, true);
-    run(99.0, 99.0);
-    expectNothingDone();
-    rules.raiseLoadWarning(*sample.snapshot());
-    EXPECT_THAT(log.activityLog(), SizeIs(1));
-    EXPECT_THAT(notified(), SizeIs(1));
-}
-
-TEST_F(AutoRulesTest, ForAnHourTheLatchAloneHoldsBackWhatIsOn) {
+TEST_F(AutoRulesTest, TheStopAlonePreventsEverythingExceptTheWarning) {
     armAll();
     set(&Settings::automationEmergencyStopEngaged, true);
     for (int seconds = 0; seconds < 3600; seconds += 4) {
@@ -36,7 +29,10 @@ TEST_F(AutoRulesTest, ForAnHourTheLatchAloneHoldsBackWhatIsOn) {
         run(99.0, 99.0);
     }
     expectNothingDone();
-    // Nothing but the latch was in the way.
+    rules.raiseLoadWarning(*sample.snapshot());
+    EXPECT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(notified(), SizeIs(1));
+    // Only the stop prevented them.
     set(&Settings::automationEmergencyStopEngaged, false);
     run(99.0, 99.0);
     EXPECT_EQ(remote.scans, 1);
@@ -72,7 +68,31 @@ TEST_F(AutoRulesTest, SelectsTheTopOffenderAtTheThreshold) {
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
 }
 
-TEST_F(AutoRulesTest, WhatIsSelectedAlreadyIsLeftAsItIs) {
+TEST_F(AutoRulesTest, EveryNewDateIsTold) {
+    int told = 0;
+    const Subscription subscription = rules.observable().subscribe([&told] { ++told; });
+    const auto toldBy = [&](auto change) {
+        change();
+        mainQueue.drain();
+        return std::exchange(told, 0);
+    };
+    addProcess(700, "/usr/bin/editor");
+    EXPECT_EQ(toldBy([&] { run(99.0, 99.0); }), 0) << "every switch is off";
+    set(&Settings::autoSelectTopOffender, true);
+    EXPECT_EQ(toldBy([&] { run(99.0); }), 1);
+    EXPECT_EQ(rules.dates().lastAutoSelectDate, clock.now());
+    EXPECT_EQ(toldBy([&] { run(99.0); }), 0) << "it is selected already";
+    EXPECT_EQ(toldBy([&] { rules.raiseLoadWarning(*sample.snapshot()); }), 1);
+    EXPECT_EQ(rules.dates().lastWarningDate, clock.now());
+    EXPECT_EQ(toldBy([&] { rules.setLastDiskAutopilotCheckDate(clock.now()); }), 1);
+    EXPECT_EQ(rules.dates().lastDiskAutopilotCheckDate, clock.now());
+    armAll();
+    EXPECT_EQ(toldBy([&] { run(99.0, 99.0); }), 1);
+    EXPECT_EQ(rules.dates().lastAutoPurgeDate, clock.now());
+    EXPECT_EQ(rules.dates().lastAutoRemoteScanDate, clock.now());
+}
+
+TEST_F(AutoRulesTest, AGroupThatIsAlreadySelectedIsNotSelectedAgain) {
     set(&Settings::autoSelectTopOffender, true);
     addProcess(700, "/usr/bin/editor").cpu = 90.0;
     addProcess(800, "/usr/bin/other");
@@ -83,10 +103,13 @@ TEST_F(AutoRulesTest, WhatIsSelectedAlreadyIsLeftAsItIs) {
     EXPECT_THAT(log.activityLog(), SizeIs(1));
 }
 
-TEST_F(AutoRulesTest, PassesOverWhatIsProtected) {
+TEST_F(AutoRulesTest, SkipsProtectedGroups) {
     set(&Settings::autoSelectTopOffender, true);
     set(&Settings::protectedAppNames, {"Docker"});
     addProcess(1, "/usr/lib/systemd/systemd").cpu = 99.0;
+    run(99.0);
+    EXPECT_EQ(review.selectedPID(), std::nullopt) << "no group is safe";
+    EXPECT_THAT(log.activityLog(), IsEmpty());
     addProcess(600, "/usr/bin/docker").cpu = 90.0;
     addProcess(700, "/usr/bin/editor").cpu = 50.0;
     run(99.0);
@@ -102,20 +125,12 @@ TEST_F(AutoRulesTest, ATopProcessThatIsGoneStillSelectsItsGroup) {
     EXPECT_EQ(review.selectedPID(), 700);
 }
 
-TEST_F(AutoRulesTest, NobodySafeSelectsNobody) {
-    set(&Settings::autoSelectTopOffender, true);
-    addProcess(1, "/usr/lib/systemd/systemd");
-    run(99.0);
-    EXPECT_EQ(review.selectedPID(), std::nullopt);
-    EXPECT_THAT(log.activityLog(), IsEmpty());
-}
-
 TEST_F(AutoRulesTest, AsksForAPurgeOnceMemoryStaysHigh) {
     set(&Settings::autoPurgeSustainedMemory, true);
-    remember(14, 95.0);
+    appendHistory(14, 95.0);
     run(0.0, 95.0);
     EXPECT_FALSE(confirmations.pendingConfirmation());
-    remember(1, 95.0);
+    appendHistory(1, 95.0);
     run(0.0, 95.0);
     EXPECT_EQ(pending().kind, "local_purge");
     EXPECT_EQ(ports.cachePurge->count, 0);
@@ -128,17 +143,17 @@ TEST_F(AutoRulesTest, AsksForAPurgeOnceMemoryStaysHigh) {
 TEST_F(AutoRulesTest, AMeanAtTheThresholdIsHigh) {
     set(&Settings::autoPurgeSustainedMemory, true);
     set(&Settings::warningThreshold, 82.0);
-    remember(30, 81.999);
+    appendHistory(30, 81.999);
     run(0.0);
     EXPECT_FALSE(confirmations.pendingConfirmation());
-    remember(30, 82.0);
+    appendHistory(30, 82.0);
     run(0.0);
     EXPECT_TRUE(confirmations.pendingConfirmation());
 }
 
-TEST_F(AutoRulesTest, AsksForThePurgeAgainOnlyBeyondFifteenMinutes) {
+TEST_F(AutoRulesTest, AsksForThePurgeAgainAfterMoreThanFifteenMinutes) {
     set(&Settings::autoPurgeSustainedMemory, true);
-    remember(30, 95.0);
+    appendHistory(30, 95.0);
     run(0.0);
     confirmations.cancelPending();
     clock.advance(std::chrono::seconds(900));
@@ -149,7 +164,7 @@ TEST_F(AutoRulesTest, AsksForThePurgeAgainOnlyBeyondFifteenMinutes) {
     EXPECT_TRUE(confirmations.pendingConfirmation());
 }
 
-TEST_F(AutoRulesTest, ScansForAMacThatIsOnline) {
+TEST_F(AutoRulesTest, ScansOnlyWhenAMacIsOnline) {
     set(&Settings::autoScanRemoteMacs, true);
     struct Case {
         std::vector<TailDevice> devices;
@@ -167,28 +182,22 @@ TEST_F(AutoRulesTest, ScansForAMacThatIsOnline) {
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(AutoRulesTest, ARunningScanIsNotDoubledNorCounted) {
+TEST_F(AutoRulesTest, ScansAgainAfterMoreThanFifteenMinutesAndNotDuringAScan) {
     set(&Settings::autoScanRemoteMacs, true);
     remote.devices = {tailDevice("macOS", true)};
     remote.isScanning = true;
     run(0.0);
     EXPECT_EQ(remote.scans, 0);
     EXPECT_EQ(rules.dates().lastAutoRemoteScanDate, std::nullopt);
+    remote.isScanning = false;
+    for (const auto& [seconds, scans] : {std::pair{0, 1}, {900, 1}, {1, 2}}) {
+        clock.advance(std::chrono::seconds(seconds));
+        run(0.0);
+        EXPECT_EQ(remote.scans, scans);
+    }
 }
 
-TEST_F(AutoRulesTest, ScansAgainOnlyBeyondFifteenMinutes) {
-    set(&Settings::autoScanRemoteMacs, true);
-    remote.devices = {tailDevice("macOS", true)};
-    run(0.0);
-    clock.advance(std::chrono::seconds(900));
-    run(0.0);
-    EXPECT_EQ(remote.scans, 1);
-    clock.advance(std::chrono::seconds(1));
-    run(0.0);
-    EXPECT_EQ(remote.scans, 2);
-}
-
-TEST_F(AutoRulesTest, TheRulesRunInTheirOrder) {
+TEST_F(AutoRulesTest, TheRulesRunInOrder) {
     armAll();
     std::size_t eventsAtScan = 0;
     remote.onScan = [&] { eventsAtScan = log.activityLog().size(); };
@@ -213,11 +222,11 @@ private:
     SettingsOwner& settings_;
 };
 
-TEST_F(AutoRulesTest, AStopEngagedDuringARuleHoldsBackTheNext) {
+TEST_F(AutoRulesTest, AStopEngagedDuringARulePreventsTheNext) {
     armAll();
     const StoppingClock stoppingClock(settings);
-    AutoRules stopped({Services{log, settings, jobs, stoppingClock, locale}, sample, review,
-                       actions, notifications, policy, &remote});
+    AutoRules stopped({Services{log, settings, jobs, mainQueue, stoppingClock, locale}, sample,
+                       review, actions, notifications, policy, &remote});
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_FALSE(confirmations.pendingConfirmation());
@@ -236,28 +245,20 @@ TEST_F(AutoRulesTest, WarnsWithTheTopProcess) {
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
 }
 
-TEST_F(AutoRulesTest, WarnsOfAnUnknownProcess) {
-    rules.raiseLoadWarning(snapshot(99.0));
-    EXPECT_THAT(notified(), ElementsAre("Unknown"));
-}
-
-TEST_F(AutoRulesTest, WarnsAgainAfterThreeMinutes) {
+TEST_F(AutoRulesTest, WarnsAgainOfAHighLoadAfterThreeMinutes) {
+    rules.raiseLoadWarning(snapshot(10.0));
+    EXPECT_THAT(notified(), IsEmpty());
+    EXPECT_EQ(rules.dates().lastWarningDate, std::nullopt) << "a low load starts no pause";
     rules.raiseLoadWarning(snapshot(99.0));
     clock.advance(std::chrono::seconds(179));
     rules.raiseLoadWarning(snapshot(99.0));
-    EXPECT_THAT(notified(), SizeIs(1));
+    EXPECT_THAT(notified(), ElementsAre("Unknown"));
     clock.advance(std::chrono::seconds(1));
     rules.raiseLoadWarning(snapshot(99.0));
     EXPECT_THAT(notified(), SizeIs(2));
 }
 
-TEST_F(AutoRulesTest, ALowLoadNeitherWarnsNorStartsThePause) {
-    rules.raiseLoadWarning(snapshot(10.0));
-    EXPECT_THAT(notified(), IsEmpty());
-    EXPECT_EQ(rules.dates().lastWarningDate, std::nullopt);
-}
-
-TEST_F(AutoRulesTest, NeedsNeitherOtherMachinesNorANotificationCenter) {
+TEST_F(AutoRulesTest, WorksWithoutOtherMachinesAndNotifications) {
     WarningNotifications silent(nullptr, settings, {});
     AutoRules alone({services, sample, review, actions, silent, policy, nullptr});
     set(&Settings::autoScanRemoteMacs, true);
@@ -267,13 +268,13 @@ TEST_F(AutoRulesTest, NeedsNeitherOtherMachinesNorANotificationCenter) {
     EXPECT_EQ(alone.dates().lastAutoRemoteScanDate, std::nullopt);
 }
 
-TEST_F(AutoRulesTest, EachRecordsAKindOfItsOwn) {
+TEST_F(AutoRulesTest, EachRuleRecordsItsOwnKind) {
     armAll();
     run(99.0, 99.0);
     rules.raiseLoadWarning(*sample.snapshot());
     EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::autoPurge,
                                      ActivityKind::autoSelect));
-    // The two rules share their title, and are still told apart after a restart.
+    // Two rules share a title, but their kinds are still right after a restart.
     const ActivityLog restarted(clock, settings, mainQueue);
     ASSERT_EQ(restarted.activityLog(), log.activityLog());
     for (std::size_t i = 0; i < 3; ++i) {

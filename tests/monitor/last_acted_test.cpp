@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/automation.h"
 #include "tests/monitor/auto_rules_fixture.h"
 
 namespace tallowcrest {
@@ -10,14 +11,14 @@ namespace {
 
 class LastActed : public AutoRulesFixture {};
 
-TEST_F(LastActed, NothingHasActedBeforeTheFirstTime) {
+TEST_F(LastActed, IsAbsentBeforeAnyAction) {
     log.recordMessage("Selected editor, currently the heaviest process.");
     for (const AutomationSwitch which : allAutomationSwitches) {
         EXPECT_EQ(lastActed(which, rules.dates(), log.activityLog()), std::nullopt);
     }
 }
 
-TEST_F(LastActed, WhatTheRulesDidIsFoundAgain) {
+TEST_F(LastActed, IsTheDateOfEachRulesLastAction) {
     using S = AutomationSwitch;
     const auto acted = [this](S which) {
         return lastActed(which, rules.dates(), log.activityLog());
@@ -31,7 +32,7 @@ TEST_F(LastActed, WhatTheRulesDidIsFoundAgain) {
 
     clock.advance(std::chrono::minutes(1));
     set(&Settings::autoPurgeSustainedMemory, true);
-    remember(30, 95.0);
+    appendHistory(30, 95.0);
     run(99.0);
     const Date purged = clock.now();
     EXPECT_EQ(acted(S::autoSelectTopOffender), selected) << "it was selected already";
@@ -52,11 +53,11 @@ TEST_F(LastActed, WhatTheRulesDidIsFoundAgain) {
     EXPECT_EQ(acted(S::aiSafeActionsEnabled), std::nullopt);
     EXPECT_EQ(acted(S::notificationsIncludeActions), std::nullopt);
 
-    // A log that was cleared takes nothing away from this run.
+    // Clearing the log does not affect the dates of this run.
     EXPECT_EQ(lastActed(S::autoSelectTopOffender, rules.dates(), {}), selected);
     EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, rules.dates(), {}), purged);
 
-    // The log outlives the run, and the dates do not.
+    // After a restart only the log is left.
     const AutomationDates none;
     EXPECT_EQ(lastActed(S::autoSelectTopOffender, none, log.activityLog()), selected);
     EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, none, log.activityLog()), purged);

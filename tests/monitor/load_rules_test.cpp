@@ -24,26 +24,26 @@ std::vector<HistoryPoint> points(std::size_t count, double memory) {
     return history;
 }
 
-TEST(LoadRules, TheThresholdItselfIsOver) {
+TEST(LoadRules, ALoadAtTheThresholdIsOver) {
     EXPECT_TRUE(isOverThreshold(load(82.0, 0.0), 82.0));
     EXPECT_TRUE(isOverThreshold(load(0.0, 82.0), 82.0));
     EXPECT_TRUE(isOverThreshold(load(99.0, 99.0), 82.0));
     EXPECT_FALSE(isOverThreshold(load(81.999, 81.999), 82.0));
 }
 
-TEST(LoadRules, AFigureThatIsNoNumberIsNotOver) {
-    const double none = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(isOverThreshold(load(none, none), 82.0));
+TEST(LoadRules, NaNIsNotOver) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(isOverThreshold(load(nan, nan), 82.0));
 }
 
-TEST(LoadRules, AWarningMayComeAgainAtItsDistance) {
+TEST(LoadRules, AWarningMayFollowExactlyAtItsDistance) {
     EXPECT_TRUE(mayWarn(std::nullopt, Date{0.0}));
     EXPECT_FALSE(mayWarn(Date{1000.0}, Date{1179.0}));
     EXPECT_FALSE(mayWarn(Date{1000.0}, Date{1179.999}));
     EXPECT_TRUE(mayWarn(Date{1000.0}, Date{1180.0}));
 }
 
-TEST(LoadRules, ARuleMayActOnlyBeyondItsDistance) {
+TEST(LoadRules, ARuleMayActAgainAfterMoreThanItsDistance) {
     for (const double distance : {autoPurgeDistance, autoRemoteScanDistance, diskCheckDistance}) {
         EXPECT_TRUE(mayAct(std::nullopt, Date{0.0}, distance));
         EXPECT_FALSE(mayAct(Date{1000.0}, Date{1000.0 + distance}, distance));
@@ -60,7 +60,7 @@ TEST(LoadRules, TheMemoryAverageNeedsFifteenPoints) {
     EXPECT_EQ(sustainedMemoryAverage(points(15, 95.0)), 95.0);
 }
 
-TEST(LoadRules, TheMemoryAverageIsOfTheNewestThirty) {
+TEST(LoadRules, TheMemoryAverageCoversTheNewestThirtyPoints) {
     std::vector<HistoryPoint> history = points(150, 10.0);
     for (const HistoryPoint& point : points(30, 90.0)) {
         history.push_back(point);
@@ -81,7 +81,7 @@ TEST(LoadRules, TheWarningRoundsToWholeNumbers) {
               "High load detected. CPU 83%, memory 59%. Top process: Unknown.");
 }
 
-TEST(LoadRules, TheThresholdIsCut) {
+TEST(LoadRules, TheThresholdIsTruncated) {
     EXPECT_EQ(autoSelectDetail("Firefox", 82.9),
               "Selected Firefox because system load crossed 82%.");
     EXPECT_EQ(autoSelectDetail("Firefox", 95.0),

@@ -11,7 +11,7 @@ namespace {
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-TEST(LoadTrace, SamplesWithTheirProcesses) {
+TEST(LoadTrace, HasSamplesWithTheirProcesses) {
     const auto result = parseLoadTrace(
         "# recorded on a Monday\n"
         "\n"
@@ -34,7 +34,7 @@ TEST(LoadTrace, SamplesWithTheirProcesses) {
     EXPECT_THAT(trace[1].processes, IsEmpty());
 }
 
-TEST(LoadTrace, NothingIsAnEmptyTrace) {
+TEST(LoadTrace, TextWithoutSamplesIsAnEmptyTrace) {
     for (const char* text : {"", "\n\n", "# nothing\n"}) {
         const auto result = parseLoadTrace(text);
         ASSERT_TRUE(std::holds_alternative<LoadTrace>(result)) << text;
@@ -42,25 +42,18 @@ TEST(LoadTrace, NothingIsAnEmptyTrace) {
     }
 }
 
-TEST(LoadTrace, TheFirstBadLineIsNamed) {
+TEST(LoadTrace, TheFirstInvalidLineIsReported) {
     struct Case {
         const char* text;
         std::size_t line;
     };
-    for (const Case& each : {
-             Case{"sample 0 1 2\n", 1},
-             Case{"sample 0 1 2 3 4\n", 1},
-             Case{"sample 0 one 2 3\n", 1},
-             Case{"sample 0 nan 2 3\n", 1},
-             Case{"sample 0 inf 2 3\n", 1},
-             Case{"# fine\nprocess 700 1 2 /bin/a\n", 2},
-             Case{"sample 0 1 2 3\nprocess 700 1 2\n", 2},
-             Case{"sample 0 1 2 3\nprocess 7.5 1 2 /bin/a\n", 2},
-             Case{"sample 8 1 2 3\nsample 4 1 2 3\n", 2},
-             Case{"sample -5 1 2 3\n", 1},
-             Case{"simple 0 1 2 3\n", 1},
-             Case{"\t\n", 1},
-         }) {
+    for (const Case& each :
+         {Case{"sample 0 1 2\n", 1}, Case{"sample 0 1 2 3 4\n", 1}, Case{"sample 0 one 2 3\n", 1},
+          Case{"sample 0 nan 2 3\n", 1}, Case{"sample 0 inf 2 3\n", 1},
+          Case{"# fine\nprocess 700 1 2 /bin/a\n", 2}, Case{"sample 0 1 2 3\nprocess 700 1 2\n", 2},
+          Case{"sample 0 1 2 3\nprocess 7.5 1 2 /bin/a\n", 2},
+          Case{"sample 8 1 2 3\nsample 4 1 2 3\n", 2}, Case{"sample -5 1 2 3\n", 1},
+          Case{"simple 0 1 2 3\n", 1}, Case{"\t\n", 1}}) {
         const auto result = parseLoadTrace(each.text);
         ASSERT_TRUE(std::holds_alternative<TraceError>(result)) << each.text;
         EXPECT_EQ(std::get<TraceError>(result).line, each.line) << each.text;
@@ -68,7 +61,7 @@ TEST(LoadTrace, TheFirstBadLineIsNamed) {
     }
 }
 
-TEST(LoadTrace, WhatIsWrittenIsReadBack) {
+TEST(LoadTrace, AFormattedTraceIsParsedBack) {
     LoadTrace day = syntheticDay();
     ASSERT_THAT(day, SizeIs(21600));
     day.resize(4000);

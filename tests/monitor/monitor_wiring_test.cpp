@@ -7,9 +7,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/automation.h"
+#include "actions/confirmation_desk.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/activity_log.h"
 #include "core/record_json.h"
 #include "core/settings/settings_keys.h"
 #include "core/settings/stored_lists.h"
+#include "monitor/auto_rules.h"
+#include "monitor/system_monitor.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"
 
@@ -21,7 +30,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// What one component of the monitor sets off in another.
+/// The effects of one component of the monitor on another.
 class MonitorWiring : public ::testing::Test {
 protected:
     MonitorWiring() {
@@ -49,7 +58,7 @@ TEST_F(MonitorWiring, AButtonOfAWarningOpensItsRoute) {
     }
 }
 
-TEST_F(MonitorWiring, ABusySampleIsWarnedOf) {
+TEST_F(MonitorWiring, ABusySampleCausesAWarning) {
     machine.addProcess(700, "/usr/bin/photo-indexer", 390.0, 900.0);
     machine.tick();
     EXPECT_THAT(machine.notifications.posted, SizeIs(1));
@@ -59,7 +68,7 @@ TEST_F(MonitorWiring, ABusySampleIsWarnedOf) {
     EXPECT_THAT(machine.notifications.posted, SizeIs(1));
 }
 
-TEST_F(MonitorWiring, TheSwitchOfTheButtonsRegistersThemAnew) {
+TEST_F(MonitorWiring, TheSwitchForTheButtonsRegistersThemAgain) {
     monitor().startMonitoring();
     EXPECT_THAT(machine.notifications.categories, SizeIs(1));
     monitor().automation().set(AutomationSwitch::notificationsIncludeActions, false);
@@ -78,7 +87,7 @@ TEST_F(MonitorWiring, BeforeTheFirstSampleThereIsNoReport) {
     EXPECT_EQ(monitor().log().lastAction(), "No diagnostic sample is available yet.");
 }
 
-TEST_F(MonitorWiring, TheReportTellsOfEveryPartOfTheState) {
+TEST_F(MonitorWiring, TheReportContainsEveryPartOfTheState) {
     machine.store.write(settings_keys::sshUsernameKey, std::string("someone"));
     AITrustRecord record;
     record.actionType = "local_purge";
@@ -102,7 +111,7 @@ TEST_F(MonitorWiring, TheReportTellsOfEveryPartOfTheState) {
     EXPECT_EQ(monitor().log().lastAction(), "Copied a performance report to the clipboard.");
 }
 
-/// What a group is to an action under the Never Quit list.
+/// The members of a group that depend on the Never Quit list.
 struct Safety {
     std::optional<std::int64_t> topPID;
     std::int64_t protectedCount = 0;
@@ -110,7 +119,7 @@ struct Safety {
     bool operator==(const Safety&) const = default;
 };
 
-TEST_F(MonitorWiring, WhatMemoryWasInAnEarlierRunAsksForNoPurge) {
+TEST_F(MonitorWiring, TheMemoryOfAnEarlierRunDoesNotAskForAPurge) {
     machine.store.write(settings_keys::autoPurgeKey, true);
     machine.metrics->memory.pressure = 95.0;
     for (int i = 0; i < 15; ++i) {
@@ -126,7 +135,7 @@ TEST_F(MonitorWiring, WhatMemoryWasInAnEarlierRunAsksForNoPurge) {
     EXPECT_TRUE(monitor().confirmations().pendingConfirmation());
 }
 
-TEST_F(MonitorWiring, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
+TEST_F(MonitorWiring, AReadOnlyRunWarnsAndDoesNothingElse) {
     FakeAutoScan remote;
     remote.devices = {tailDevice("macOS", true)};
     machine.remoteScan = &remote;
@@ -134,23 +143,23 @@ TEST_F(MonitorWiring, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
     machine.store.write(settings_keys::autoRemoteScanKey, true);
     machine.metrics->memory.pressure = 95.0;
     machine.addProcess(700, "/usr/bin/photo-indexer", 390.0, 900.0);
-    for (const bool onlyLooks : {true, false}) {
-        machine.onlyLooks = onlyLooks;
+    for (const bool readOnly : {true, false}) {
+        machine.readOnly = readOnly;
         machine.notifications.posted.clear();
         machine.restart();
         for (int i = 0; i < 20; ++i) {
             machine.tick();
         }
         EXPECT_THAT(machine.notifications.posted, SizeIs(1));
-        EXPECT_EQ(monitor().review().selectedPID().has_value(), !onlyLooks);
-        EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), !onlyLooks);
-        EXPECT_EQ(remote.scans, onlyLooks ? 0 : 1);
+        EXPECT_EQ(monitor().review().selectedPID().has_value(), !readOnly);
+        EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), !readOnly);
+        EXPECT_EQ(remote.scans, readOnly ? 0 : 1);
     }
 }
 
-TEST_F(MonitorWiring, TheNeverQuitListRegroupsWhatIsShownAtOnce) {
-    const Safety open{701, 1};
-    const Safety guarded{700, 2};
+TEST_F(MonitorWiring, AChangedNeverQuitListRegroupsTheSampleAtOnce) {
+    const Safety notListed{701, 1};
+    const Safety listed{700, 2};
     machine.addProcess(700, "/usr/libexec/firefox-helper", 60.0, 300.0);
     machine.addProcess(701, "/opt/firefox/firefox", 20.0, 200.0);
     machine.tick();
@@ -159,18 +168,18 @@ TEST_F(MonitorWiring, TheNeverQuitListRegroupsWhatIsShownAtOnce) {
         EXPECT_EQ(group.name, "Firefox");
         return Safety{group.topPID, group.protectedCount};
     };
-    EXPECT_EQ(firefox(), open);
+    EXPECT_EQ(firefox(), notListed);
     monitor().localActions().toggleNeverQuit("Firefox");
-    EXPECT_EQ(firefox(), guarded);
+    EXPECT_EQ(firefox(), listed);
     machine.tick();
-    EXPECT_EQ(firefox(), guarded);
+    EXPECT_EQ(firefox(), listed);
     monitor().localActions().toggleNeverQuit("Firefox");
-    EXPECT_EQ(firefox(), open);
+    EXPECT_EQ(firefox(), notListed);
     monitor().review().selectTopApp();
     EXPECT_EQ(monitor().review().selectedPID(), 701);
 }
 
-TEST_F(MonitorWiring, ASampleUnderWayDoesNotBringTheOldListBack) {
+TEST_F(MonitorWiring, ASampleUnderWayDoesNotRestoreTheOldNeverQuitList) {
     machine.addProcess(700, "/usr/libexec/firefox-helper", 60.0, 300.0);
     machine.addProcess(701, "/opt/firefox/firefox", 20.0, 200.0);
     monitor().localActions().toggleNeverQuit("Firefox");
@@ -181,7 +190,7 @@ TEST_F(MonitorWiring, ASampleUnderWayDoesNotBringTheOldListBack) {
     EXPECT_EQ((Safety{group.topPID, group.protectedCount}), (Safety{701, 1}));
 }
 
-TEST_F(MonitorWiring, ExportsIntoTheFolderOfThisMachine) {
+TEST_F(MonitorWiring, ExportsIntoTheReportFolder) {
     machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
     machine.tick();
     const auto expected = monitor().reports().diagnosticsReport(false);

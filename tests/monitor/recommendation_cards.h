@@ -7,15 +7,12 @@
 #include <vector>
 
 #include "core/local_records.h"
+#include "tests/support/each_of.h"
 
 namespace tallowcrest {
 
 inline std::vector<std::string> titlesOf(const std::vector<Recommendation>& cards) {
-    std::vector<std::string> titles;
-    for (const Recommendation& card : cards) {
-        titles.push_back(card.title);
-    }
-    return titles;
+    return eachOf(cards, &Recommendation::title);
 }
 
 /// A card without its identifier.

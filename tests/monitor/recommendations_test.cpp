@@ -55,20 +55,6 @@ std::vector<Recommendation> cardsOf(const Machine& machine) {
 
 const std::string healthyTitle = "This Mac looks healthy";
 
-struct SingleCard {
-    const char* name;
-    Machine machine;
-    Card card;
-};
-
-class OneCard : public testing::TestWithParam<SingleCard> {};
-
-TEST_P(OneCard, IsWordedToTheLetter) {
-    const auto cards = cardsOf(GetParam().machine);
-    ASSERT_EQ(cards.size(), 1U) << testing::PrintToString(titlesOf(cards));
-    EXPECT_EQ(contentOf(cards.front()), GetParam().card);
-}
-
 const std::string highPressureDetail =
     "Review the biggest memory users before purging caches. Quitting one heavy app usually helps "
     "more than forcing cache cleanup.";
@@ -91,102 +77,83 @@ const std::string healthyDetail =
 const std::vector<ProcessSample> editorAndIndexer{process(7, "/usr/bin/editor", 300.0, 20.0),
                                                   process(8, "/usr/bin/indexer", 200.0, 90.0)};
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, OneCard,
-    testing::Values(
-        SingleCard{"Nothing", {}, {healthyTitle, healthyDetail, Severity::info, noPID}},
-        SingleCard{"RowsAtEase",
-                   {.rows = editorAndIndexer},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
+void expectOnly(const Machine& machine, const Card& card) {
+    const auto cards = cardsOf(machine);
+    ASSERT_EQ(cards.size(), 1U) << testing::PrintToString(titlesOf(cards));
+    EXPECT_EQ(contentOf(cards.front()), card);
+}
 
-        SingleCard{"HighPressureWithoutRows",
-                   {.pressure = 85.0},
-                   {"Memory pressure is high", highPressureDetail, Severity::urgent, noPID}},
-        SingleCard{"HighPressure",
-                   {.rows = editorAndIndexer, .pressure = 100.0},
-                   {"Memory pressure is high", highPressureDetail, Severity::urgent, 7}},
-        SingleCard{"PressureJustBelowHigh",
-                   {.rows = editorAndIndexer, .freeGB = 2.46, .pressure = 84.9},
-                   {"Memory pressure is rising",
-                    "You have 2.5 GB free or reclaimable. Keep an eye on the top memory apps.",
-                    Severity::caution, 7}},
-        SingleCard{"RisingPressureWithoutRows",
-                   {.freeGB = 3.0, .pressure = 72.0},
-                   {"Memory pressure is rising",
-                    "You have 3.0 GB free or reclaimable. Keep an eye on the top memory apps.",
-                    Severity::caution, noPID}},
-        SingleCard{"PressureJustBelowRising",
-                   {.pressure = 71.9},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
+TEST(OneCard, OfMemoryPressure) {
+    expectOnly({.pressure = 85.0},
+               {"Memory pressure is high", highPressureDetail, Severity::urgent, noPID});
+    expectOnly({.rows = editorAndIndexer, .pressure = 100.0},
+               {"Memory pressure is high", highPressureDetail, Severity::urgent, 7});
+    expectOnly({.rows = editorAndIndexer, .freeGB = 2.46, .pressure = 84.9},
+               {"Memory pressure is rising",
+                "You have 2.5 GB free or reclaimable. Keep an eye on the top memory apps.",
+                Severity::caution, 7});
+    expectOnly({.freeGB = 3.0, .pressure = 72.0},
+               {"Memory pressure is rising",
+                "You have 3.0 GB free or reclaimable. Keep an eye on the top memory apps.",
+                Severity::caution, noPID});
+}
 
-        SingleCard{"VeryHighLoad",
-                   {.rows = editorAndIndexer, .cpuPercent = 85.0},
-                   {"CPU load is very high", "indexer" + topUserDetail, Severity::urgent, 8}},
-        SingleCard{"VeryHighLoadWithoutRows",
-                   {.cpuPercent = 100.0},
-                   {"CPU load is very high", "A process" + topUserDetail, Severity::urgent, noPID}},
-        SingleCard{"LoadJustBelowVeryHigh",
-                   {.rows = editorAndIndexer, .cpuPercent = 84.9},
-                   {"CPU is busy", busyDetail, Severity::caution, 8}},
-        SingleCard{"BusyExactly",
-                   {.rows = editorAndIndexer, .cpuPercent = 65.0},
-                   {"CPU is busy", busyDetail, Severity::caution, 8}},
-        SingleCard{"BusyWithoutRows",
-                   {.cpuPercent = 65.0},
-                   {"CPU is busy", busyDetail, Severity::caution, noPID}},
-        SingleCard{"LoadJustBelowBusy",
-                   {.rows = editorAndIndexer, .cpuPercent = 64.9},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
+TEST(OneCard, OfCPULoad) {
+    expectOnly({.rows = editorAndIndexer, .cpuPercent = 85.0},
+               {"CPU load is very high", "indexer" + topUserDetail, Severity::urgent, 8});
+    expectOnly({.cpuPercent = 100.0},
+               {"CPU load is very high", "A process" + topUserDetail, Severity::urgent, noPID});
+    expectOnly({.rows = editorAndIndexer, .cpuPercent = 84.9},
+               {"CPU is busy", busyDetail, Severity::caution, 8});
+    expectOnly({.rows = editorAndIndexer, .cpuPercent = 65.0},
+               {"CPU is busy", busyDetail, Severity::caution, 8});
+    expectOnly({.cpuPercent = 65.0}, {"CPU is busy", busyDetail, Severity::caution, noPID});
+}
 
-        SingleCard{"HeavyProcess",
-                   {.rows = {process(5, "/usr/bin/editor", 2000.0)}},
-                   {"editor is using 2.0 GB", heavyDetail, Severity::caution, 5}},
-        SingleCard{"ProcessJustNotHeavy",
-                   {.rows = {process(5, "/usr/bin/editor", 1999.9)}},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
-        SingleCard{"HeavyProcessShowsOneDecimal",
-                   {.rows = {process(5, "/usr/bin/editor", 2304.0)}},
-                   {"editor is using 2.3 GB", heavyDetail, Severity::caution, 5}},
+TEST(OneCard, OfAHeavyProcess) {
+    expectOnly({.rows = {process(5, "/usr/bin/editor", 2000.0)}},
+               {"editor is using 2.0 GB", heavyDetail, Severity::caution, 5});
+    expectOnly({.rows = {process(5, "/usr/bin/editor", 2304.0)}},
+               {"editor is using 2.3 GB", heavyDetail, Severity::caution, 5});
+}
 
-        SingleCard{"EightHelpers",
-                   {.rows = processes(8, "/opt/Google Chrome Helper", 2480.0)},
-                   {"Chrome has 8 helper processes", browserDetail, Severity::caution, 100}},
-        SingleCard{"TwelveHelpers",
-                   {.rows = processes(12, "/opt/chrome", 12.0)},
-                   {"Chrome has 12 helper processes", browserDetail, Severity::caution, 100}},
-        SingleCard{"SevenHelpersOfLittleMemory",
-                   {.rows = processes(7, "/opt/Google Chrome Helper", 2400.0)},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
-        SingleCard{"FewHelpersOfMuchMemory",
-                   {.rows = processes(2, "/usr/lib/firefox-bin", 2500.0)},
-                   {"Firefox has 2 helper processes", browserDetail, Severity::caution, 100}},
-        SingleCard{"FewHelpersOfAlmostMuchMemory",
-                   {.rows = processes(2, "/usr/lib/firefox-bin", 2499.0)},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
-        SingleCard{"HelpersJustNotUrgent",
-                   {.rows = processes(4, "/opt/Safari", 3999.0)},
-                   {"Safari has 4 helper processes", browserDetail, Severity::caution, 100}},
-        SingleCard{"HelpersUrgent",
-                   {.rows = processes(4, "/opt/Safari", 4000.0)},
-                   {"Safari has 4 helper processes", browserDetail, Severity::urgent, 100}},
-        SingleCard{"ArcIsASubstring",
-                   {.rows = processes(4, "/usr/bin/search-a", 1000.0) +
-                            processes(4, "/usr/bin/Archiver", 1000.0)},
-                   {"Arc has 8 helper processes", browserDetail, Severity::caution, 100}},
+TEST(OneCard, OfABrowser) {
+    expectOnly({.rows = processes(8, "/opt/Google Chrome Helper", 2480.0)},
+               {"Chrome has 8 helper processes", browserDetail, Severity::caution, 100});
+    expectOnly({.rows = processes(12, "/opt/chrome", 12.0)},
+               {"Chrome has 12 helper processes", browserDetail, Severity::caution, 100});
+    expectOnly({.rows = processes(2, "/usr/lib/firefox-bin", 2500.0)},
+               {"Firefox has 2 helper processes", browserDetail, Severity::caution, 100});
+    expectOnly({.rows = processes(4, "/opt/Safari", 3999.0)},
+               {"Safari has 4 helper processes", browserDetail, Severity::caution, 100});
+    expectOnly({.rows = processes(4, "/opt/Safari", 4000.0)},
+               {"Safari has 4 helper processes", browserDetail, Severity::urgent, 100});
+    expectOnly({.rows = processes(4, "/usr/bin/search-a", 1000.0) +
+                        processes(4, "/usr/bin/Archiver", 1000.0)},
+               {"Arc has 8 helper processes", browserDetail, Severity::caution, 100});
+}
 
-        SingleCard{"DockerExactly",
-                   {.rows = processes(2, "/usr/bin/dockerd", 1500.0)},
-                   {"Docker is holding 1.5 GB", dockerDetail, Severity::caution, 100}},
-        SingleCard{"DockerJustBelow",
-                   {.rows = processes(2, "/usr/bin/dockerd", 1499.0)},
-                   {healthyTitle, healthyDetail, Severity::info, noPID}},
-        SingleCard{"DockerByEitherName",
-                   {.rows = {process(1, "/opt/com.docker.backend", 900.0),
-                             process(2, "/opt/Docker Desktop", 1148.0)}},
-                   {"Docker is holding 2.0 GB", dockerDetail, Severity::caution, 2}}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+TEST(OneCard, OfDocker) {
+    expectOnly({.rows = processes(2, "/usr/bin/dockerd", 1500.0)},
+               {"Docker is holding 1.5 GB", dockerDetail, Severity::caution, 100});
+    expectOnly({.rows = {process(1, "/opt/com.docker.backend", 900.0),
+                         process(2, "/opt/Docker Desktop", 1148.0)}},
+               {"Docker is holding 2.0 GB", dockerDetail, Severity::caution, 2});
+}
 
-TEST(BuildRecommendations, AHeavyProcessIsUrgentFromThreeQuartersOfPressure) {
+TEST(OneCard, OfAHealthyMachine) {
+    for (const Machine& atEase :
+         {Machine{}, Machine{.rows = editorAndIndexer}, Machine{.pressure = 71.9},
+          Machine{.rows = editorAndIndexer, .cpuPercent = 64.9},
+          Machine{.rows = {process(5, "/usr/bin/editor", 1999.9)}},
+          Machine{.rows = processes(7, "/opt/Google Chrome Helper", 2400.0)},
+          Machine{.rows = processes(2, "/usr/lib/firefox-bin", 2499.0)},
+          Machine{.rows = processes(2, "/usr/bin/dockerd", 1499.0)}}) {
+        expectOnly(atEase, {healthyTitle, healthyDetail, Severity::info, noPID});
+    }
+}
+
+TEST(BuildRecommendations, AHeavyProcessIsUrgentFrom75PercentPressure) {
     for (const auto& [pressure, severity] :
          {std::pair{74.9, Severity::caution}, std::pair{75.0, Severity::urgent}}) {
         const auto cards =
@@ -197,7 +164,7 @@ TEST(BuildRecommendations, AHeavyProcessIsUrgentFromThreeQuartersOfPressure) {
     }
 }
 
-TEST(BuildRecommendations, AllKindsStandInTheirOrder) {
+TEST(BuildRecommendations, AllKindsAreInOrder) {
     const std::vector<ProcessSample> rows =
         processes(8, "/opt/chrome", 800.0) + std::vector{process(1, "/usr/bin/dockerd", 1600.0),
                                                          process(2, "/usr/bin/editor", 4096.0, 99)};
@@ -210,7 +177,7 @@ TEST(BuildRecommendations, AllKindsStandInTheirOrder) {
                             "Chrome has 8 helper processes", "Docker is holding 1.6 GB"));
 }
 
-TEST(BuildRecommendations, OnlyTheFirstBrowserInNeedGetsACard) {
+TEST(BuildRecommendations, OnlyTheFirstBrowserOverALimitGetsACard) {
     const auto chrome = processes(8, "/opt/chrome", 80.0);
     const auto safari = processes(9, "/opt/safari", 90.0);
     const auto firefox = processes(10, "/opt/firefox", 100.0);
@@ -226,8 +193,8 @@ TEST(BuildRecommendations, OnlyTheFirstBrowserInNeedGetsACard) {
                 ElementsAre("Safari has 9 helper processes"));
 }
 
-TEST(BuildRecommendations, ANameCountsForEveryKeywordThatItHolds) {
-    // The archive of a browser's cache is no Arc, but its name says so.
+TEST(BuildRecommendations, ANameCountsForEveryKeywordThatItContains) {
+    // "chrome-archive" contains "arc" too.
     EXPECT_THAT(titlesOf(cardsOf({.rows = processes(4, "/opt/chrome-archive", 4.0) +
                                           processes(4, "/opt/arc", 4.0)})),
                 ElementsAre("Arc has 8 helper processes"));
@@ -246,7 +213,7 @@ TEST(BuildRecommendations, NamesAreComparedInLowerCase) {
     }
 }
 
-TEST(BuildRecommendations, EachCardPointsAtItsOwnTopRow) {
+TEST(BuildRecommendations, EachCardRelatesToItsOwnTopRow) {
     const auto cards = cardsOf(
         {.rows = {process(1, "/opt/dockerd", 700.0), process(2, "/opt/docker-proxy", 900.0),
                   process(3, "/opt/firefox", 1200.0), process(4, "/opt/firefox", 1400.0),
@@ -260,7 +227,7 @@ TEST(BuildRecommendations, EachCardPointsAtItsOwnTopRow) {
     EXPECT_THAT(related, ElementsAre(5, 6, 5, 4, 2));
 }
 
-TEST(BuildRecommendations, TheFirstOfEqualRowsStandsForAll) {
+TEST(BuildRecommendations, TheFirstOfEqualRowsIsNamed) {
     const auto cards = cardsOf({.rows = {process(9, "/opt/firefox-a", 3000.0, 50.0),
                                          process(3, "/opt/firefox-b", 3000.0, 50.0),
                                          process(8, "/opt/docker-a", 3000.0, 50.0),
@@ -275,7 +242,7 @@ TEST(BuildRecommendations, TheFirstOfEqualRowsStandsForAll) {
     EXPECT_EQ(cards[4].relatedPID, 8);
 }
 
-TEST(BuildRecommendations, TheTopOfRowsWithoutLoadIsTheFirst) {
+TEST(BuildRecommendations, WithoutAnyLoadTheFirstRowIsNamed) {
     const auto cards = cardsOf({.rows = {process(4, "/opt/a", 0.0), process(5, "/opt/b", 0.0)},
                                 .pressure = 85.0,
                                 .cpuPercent = 85.0});
@@ -285,7 +252,7 @@ TEST(BuildRecommendations, TheTopOfRowsWithoutLoadIsTheFirst) {
               (Card{"CPU load is very high", "a" + topUserDetail, Severity::urgent, 4}));
 }
 
-TEST(BuildRecommendations, NamesThatAreOddTextStandAsTheyAre) {
+TEST(BuildRecommendations, UnusualNamesAreNotChanged) {
     for (const std::string& name :
          {std::string("\xFF\xFE"), std::string("größe \U0001F600"), std::string("[kworker/0:1]"),
           std::string("{} {0} %s"), std::string()}) {
@@ -294,7 +261,7 @@ TEST(BuildRecommendations, NamesThatAreOddTextStandAsTheyAre) {
     }
 }
 
-TEST(BuildRecommendations, FiguresThatAreNoNumbersCountAsZero) {
+TEST(BuildRecommendations, NaNCountsAsZero) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(titlesOf(cardsOf({.freeGB = nan, .pressure = nan, .cpuPercent = nan})),
                 ElementsAre(healthyTitle));
@@ -320,7 +287,7 @@ TEST(BuildRecommendations, EveryBuildGivesNewIdentifiers) {
     EXPECT_NE(first[1].id, second[1].id);
 }
 
-TEST(BuildRecommendations, DecimalsAreThoseOfTheLocale) {
+TEST(BuildRecommendations, DecimalsAreFormattedByTheLocale) {
     class CommaLocale final : public Locale {
         std::weak_ordering compareIgnoringCase(std::string_view left,
                                                std::string_view right) const override {

@@ -6,19 +6,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/automation.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/activity_kinds.h"
+
 namespace tallowcrest {
 namespace {
 
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-struct Happening {
+struct RecordedEvent {
     double seconds = 0.0;
     ActivityKind kind = ActivityKind::other;
     std::string detail;
 };
 
-/// Replays a trace and collects what the monitor recorded at which time of it.
+/// Replays a trace and collects the events that the monitor records, with their times.
 class ReplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -32,9 +37,9 @@ protected:
     void run(const LoadTrace& trace) {
         replay(machine, trace, [this](const TracedSample&) {
             for (const ActivityEvent& event : news.take()) {
-                happenings.push_back({now(), event.kind, event.detail});
+                recordedEvents.push_back({now(), event.kind, event.detail});
             }
-            if (dismisses) {
+            if (cancelsRequests) {
                 news.dismissQuestion();
             }
         });
@@ -42,7 +47,7 @@ protected:
 
     std::vector<double> timesOf(ActivityKind kind, const std::string& begins) const {
         std::vector<double> times;
-        for (const Happening& each : happenings) {
+        for (const RecordedEvent& each : recordedEvents) {
             if (each.kind == kind && each.detail.starts_with(begins)) {
                 times.push_back(each.seconds);
             }
@@ -61,13 +66,13 @@ protected:
     FakeAutoScan remote;
     FakeMachine machine;
     LogNews news{machine};
-    bool dismisses = true;  ///< whether somebody answers every question with no
+    bool cancelsRequests = true;  ///< whether each request is cancelled at once
     Date beginning;
-    std::vector<Happening> happenings;
+    std::vector<RecordedEvent> recordedEvents;
     std::vector<double> scans;
 };
 
-TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
+TEST_F(ReplayTest, WarningsAndRulesKeepTheirDistancesForADay) {
     Automation& automation = machine.monitor().automation();
     automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
     automation.set(AutomationSwitch::autoScanRemoteMacs, true);
@@ -77,13 +82,13 @@ TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
 
     const std::vector<double> warnings = timesOf(ActivityKind::warning, "High load detected.");
     EXPECT_GE(shortestDistance(warnings), 180.0);
-    // Seven spikes of a night, one each hour, and peaks for eleven hours.
+    // One spike in each of the seven hours of the night, and peaks during eleven hours.
     EXPECT_GT(warnings.size(), 7U + 50U);
     EXPECT_LE(warnings.size(), 7U + 11U * 20U);
     const std::vector<double> purges = timesOf(ActivityKind::autoPurge, "Purged caches");
     EXPECT_GT(shortestDistance(purges), 900.0);
     EXPECT_GT(purges.size(), 3U);
-    // All of them while memory was high, or had been until just now.
+    // All of them while memory was high, or shortly after.
     for (const double time : purges) {
         EXPECT_GT(time, 12.0 * 3600.0);
         EXPECT_LT(time, 18.0 * 3600.0 + 120.0);
@@ -91,7 +96,7 @@ TEST_F(ReplayTest, ADayOfWarningsAndRulesKeepsItsDistances) {
     EXPECT_GT(shortestDistance(scans), 900.0);
     EXPECT_THAT(scans, SizeIs(24U * 3600U / 904U + 1U));
     EXPECT_THAT(timesOf(ActivityKind::autoSelect, "Selected photo-indexer"), SizeIs(1));
-    // A rule asks; nothing is done without a yes.
+    // A rule only makes a request; nothing is done without a confirmation.
     EXPECT_EQ(machine.actions.cachePurge->count, 0);
     EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
     EXPECT_THAT(machine.notifications.posted, SizeIs(warnings.size()));
@@ -115,9 +120,9 @@ LoadTrace busyTrace(std::size_t samples) {
     return trace;
 }
 
-/// Drives every automation into its armed state and lets it act, engages the stop, and then looks
-/// at an hour of samples.
-class BehindTheStop : public ReplayTest {
+/// Turns on every automation and lets it act, engages the stop, and then replays an hour of
+/// samples.
+class ReplayWithStop : public ReplayTest {
 protected:
     SystemMonitor& monitor() { return machine.monitor(); }
 
@@ -136,10 +141,10 @@ protected:
 
     void expectNothingActsForAnHour() {
         news.take();
-        happenings.clear();
+        recordedEvents.clear();
         scans.clear();
-        dismisses = false;
-        // Whatever pause the rules had to keep is over.
+        cancelsRequests = false;
+        // No rule is in its pause any more.
         machine.clock.advance(std::chrono::hours(2));
         beginning = machine.clock.now();
         const AutomationDates before = monitor().autoRules().dates();
@@ -157,24 +162,24 @@ protected:
         AutomationDates expected = before;
         expected.lastWarningDate = monitor().autoRules().dates().lastWarningDate;
         EXPECT_EQ(monitor().autoRules().dates(), expected);
-        // The stop is for actions: a person is still told, and of nothing else.
+        // The stop is for actions: the load warnings, and only these, are still given.
         EXPECT_THAT(timesOf(ActivityKind::warning, "High load detected."), SizeIs(20));
-        EXPECT_THAT(happenings, SizeIs(20));
+        EXPECT_THAT(recordedEvents, SizeIs(20));
     }
 };
 
-TEST_F(BehindTheStop, NothingActs) {
+TEST_F(ReplayWithStop, NothingActs) {
     armAndStop();
     expectNothingActsForAnHour();
 }
 
-TEST_F(BehindTheStop, NothingActsThoughAStartFoundASwitchOn) {
+TEST_F(ReplayWithStop, NothingActsAfterAStartWithASwitchOn) {
     armAndStop();
     for (const AutomationSwitch each : allAutomationSwitches) {
         monitor().automation().set(each, true);
     }
-    // As after a stop that was stored in part. A start switches off all of them but this one, which
-    // leaves the latch alone to hold it.
+    // As after a stop that was stored only in part. A start switches off all of them except the
+    // selection of the top offender, which then only the stop prevents.
     machine.store.write("Tallowcrest.autoSelectTopOffender", true);
     machine.store.write("Tallowcrest.autoPurgeSustainedMemory", true);
     machine.store.write("Tallowcrest.autoScanRemoteMacs", true);
@@ -183,7 +188,7 @@ TEST_F(BehindTheStop, NothingActsThoughAStartFoundASwitchOn) {
     expectNothingActsForAnHour();
 }
 
-TEST_F(BehindTheStop, ASampleUnderWayIsStoppedToo) {
+TEST_F(ReplayWithStop, ASampleUnderWayDoesNotAct) {
     armAndStop();
     monitor().automation().resumeFromEmergencyStop();
     for (const AutomationSwitch each : allAutomationSwitches) {
@@ -199,7 +204,7 @@ TEST_F(BehindTheStop, ASampleUnderWayIsStoppedToo) {
     EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
 }
 
-TEST_F(BehindTheStop, AQuestionThatStandsCanStillBeAnswered) {
+TEST_F(ReplayWithStop, APendingRequestCanStillBeConfirmed) {
     monitor().localActions().requestPurge();
     monitor().automation().engageEmergencyStop();
     ASSERT_TRUE(monitor().confirmations().pendingConfirmation());

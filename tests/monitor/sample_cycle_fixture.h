@@ -17,7 +17,7 @@ inline ProcessSample row(std::int64_t pid, double cpu,
     return {pid, cpu, 0.5, 100.0, command, command};
 }
 
-/// `count` rows of as many groups, the heaviest first.
+/// `count` rows, each of a different group, the heaviest first.
 inline std::vector<ProcessSample> rows(int count) {
     std::vector<ProcessSample> result;
     for (int i = 0; i < count; ++i) {
@@ -26,7 +26,7 @@ inline std::vector<ProcessSample> rows(int count) {
     return result;
 }
 
-/// What a sample is taken from. The readers tell in `calls` when they are asked.
+/// The sources of a sample. The readers append the name of each call to `calls`.
 struct SampleMachine {
     SampleMachine() {
         metrics->calls = &calls;

@@ -10,8 +10,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/confirmation_desk.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/activity_kinds.h"
+#include "core/observable.h"
+#include "integration/warning_notifications.h"
+#include "monitor/auto_rules.h"
+#include "sampling/latest_sample.h"
 #include "tests/monitor/recommendation_cards.h"
 #include "tests/monitor/sample_cycle_fixture.h"
+#include "tests/support/each_of.h"
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
@@ -27,7 +36,7 @@ using ::testing::SizeIs;
 
 class SampleCycleTest : public ::testing::Test, protected TestServices, protected SampleMachine {
 protected:
-    void makeCycle(SampleCycle::Mode mode = SampleCycle::Mode::full) {
+    void makeCycle(bool readOnly = false) {
         rules = std::make_unique<AutoRules>(AutoRules::Dependencies{
             services, *sample, review, actions, notifications, {}, &remote});
         cycle = std::make_unique<SampleCycle>(SampleCycle::Dependencies{.services = services,
@@ -36,17 +45,17 @@ protected:
                                                                         .rules = *rules,
                                                                         .cpuCount = 4,
                                                                         .protection = {},
-                                                                        .mode = mode});
+                                                                        .readOnly = readOnly});
     }
 
-    /// Takes one sample and lets it land.
+    /// Takes one sample and applies it.
     void takeOne() {
         cycle->refresh();
         workQueue.run();
         mainQueue.drain();
     }
 
-    /// A machine that gives every rule a reason to act.
+    /// Gives every rule a reason to act.
     void armEveryRule() {
         metrics->processes = rows(2);
         metrics->memory.pressure = 91;
@@ -64,11 +73,7 @@ protected:
     }
 
     std::vector<ActivityKind> kinds() const {
-        std::vector<ActivityKind> result;
-        for (const ActivityEvent& event : log.activityLog()) {
-            result.push_back(event.kind);
-        }
-        return result;
+        return eachOf(log.activityLog(), &ActivityEvent::kind);
     }
 
     FakeAutoScan remote;
@@ -85,13 +90,13 @@ protected:
 
 // The main half ----------------------------------------------------------------------------------
 
-TEST_F(SampleCycleTest, MainHalfGoesInItsOrder) {
+TEST_F(SampleCycleTest, TheMainHalfRunsInOrder) {
     armEveryRule();
     makeCycle();
     std::vector<std::string> steps;
     remote.onScan = [&] {
         steps.emplace_back("rules");
-        // All of the sample can be seen by then.
+        // The whole sample is visible by then.
         EXPECT_EQ(sample->latestProcesses().size(), 2U);
         EXPECT_EQ(sample->snapshot()->cpuPercent, 97);
         ASSERT_EQ(sample->history().size(), 21U);
@@ -99,7 +104,7 @@ TEST_F(SampleCycleTest, MainHalfGoesInItsOrder) {
         EXPECT_EQ(sample->history().back().memory, 91);
         EXPECT_EQ(sample->history().back().date, sample->snapshot()->sampledAt);
         EXPECT_EQ(sample->topAppSamples().size(), 1U);
-        // The insights know the new point and group, and the sustained card stands in front.
+        // The insights include the new point and group, and the sustained card is the first.
         ASSERT_EQ(sample->sessionInsights().size(), 3U);
         EXPECT_EQ(sample->sessionInsights()[0].value, "97%");
         EXPECT_EQ(sample->sessionInsights()[2].kind, SessionInsight::Kind::topApp);
@@ -120,9 +125,9 @@ TEST_F(SampleCycleTest, MainHalfGoesInItsOrder) {
                                            "Tallowcrest.activityLog", "Tallowcrest.activityLog"));
 }
 
-TEST_F(SampleCycleTest, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
+TEST_F(SampleCycleTest, AReadOnlyRunWarnsAndDoesNothingElse) {
     armEveryRule();
-    makeCycle(SampleCycle::Mode::lookOnly);
+    makeCycle(true);
     int applied = 0;
     cycle->setSampleApplied([&applied] { ++applied; });
     takeOne();
@@ -140,14 +145,14 @@ TEST_F(SampleCycleTest, ARunThatOnlyLooksWarnsAndDoesNothingElse) {
     EXPECT_EQ(rules->dates(), warned);
 }
 
-TEST_F(SampleCycleTest, AnEmptySampleEntersTheHistoryAndLeadsNothing) {
+TEST_F(SampleCycleTest, AnEmptySampleIsInTheHistoryAndHasNoTopApp) {
     makeCycle();
     takeOne();
     EXPECT_EQ(sample->history().size(), 1U);
     EXPECT_THAT(sample->topAppSamples(), IsEmpty());
 }
 
-TEST_F(SampleCycleTest, WhatFollowsFromASampleMayAskForTheNextOne) {
+TEST_F(SampleCycleTest, ASampleCanBeQueuedWhileOneIsApplied) {
     armEveryRule();
     makeCycle();
     remote.onScan = [this] { cycle->refresh(); };
@@ -192,7 +197,7 @@ TEST_F(SampleCycleTest, OverlappingSamplesApplyInTheOrderInWhichTheyFinish) {
     EXPECT_EQ(sample->snapshot()->pressureText, "queued first, finished second");
 }
 
-TEST_F(SampleCycleTest, ASampleThatEndsAfterTheMonitorIsDropped) {
+TEST_F(SampleCycleTest, ASampleThatEndsAfterDestructionIsDropped) {
     int applied = 0;
     makeCycle();
     cycle->setSampleApplied([&applied] { ++applied; });
@@ -211,7 +216,7 @@ TEST_F(SampleCycleTest, ASampleThatEndsAfterTheMonitorIsDropped) {
     EXPECT_THAT(store.written, IsEmpty());
 }
 
-/// Runs something in the middle of a sample.
+/// Calls `onRead` in the middle of a sample.
 class InterruptedTicks final : public CPUTickSource {
 public:
     std::optional<CPUTicks> readTicks() override {
@@ -224,7 +229,7 @@ public:
     std::function<void()> onRead;
 };
 
-TEST_F(SampleCycleTest, ASampleUnderWayWhenTheMonitorEndsKeepsItsReadersAndIsDropped) {
+TEST_F(SampleCycleTest, ASampleUnderWayAtDestructionKeepsItsReadersAndIsDropped) {
     auto interrupted = std::make_shared<InterruptedTicks>();
     sources =
         std::make_shared<SampleSources>(metrics, interrupted, std::make_shared<PlainLocale>());
@@ -244,7 +249,7 @@ TEST_F(SampleCycleTest, ASampleUnderWayWhenTheMonitorEndsKeepsItsReadersAndIsDro
     EXPECT_THAT(store.written, IsEmpty());
 }
 
-TEST_F(SampleCycleTest, TheNeverQuitListIsThatOfTheMomentInWhichASampleLands) {
+TEST_F(SampleCycleTest, TheNeverQuitListIsTheOneWhenTheSampleIsApplied) {
     metrics->processes = {row(7, 50.0, "/usr/bin/node")};
     makeCycle();
     cycle->refresh();
@@ -257,7 +262,7 @@ TEST_F(SampleCycleTest, TheNeverQuitListIsThatOfTheMomentInWhichASampleLands) {
     EXPECT_EQ(sample->snapshot()->appImpacts.at(0).protectedCount, 1);
 }
 
-TEST_F(SampleCycleTest, TellsObserversOncePerSample) {
+TEST_F(SampleCycleTest, NotifiesObserversOncePerSample) {
     int told = 0;
     const Subscription subscription = sample->observable().subscribe([&told] { ++told; });
     makeCycle();

@@ -1,5 +1,5 @@
-// What a whole monitor says of its samples: recommendations and session insights, each from the
-// state that it must have seen.
+// The recommendations and session insights of a whole monitor, which must be built from the newest
+// state.
 
 #include <optional>
 #include <string>
@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "core/settings/settings_keys.h"
+#include "monitor/system_monitor.h"
+#include "sampling/latest_sample.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
@@ -50,7 +52,7 @@ TEST_F(SampleWords, ThereAreNoneBeforeTheFirstSample) {
     EXPECT_THAT(insights(), IsEmpty());
 }
 
-TEST_F(SampleWords, TheFirstSampleIsInItsOwnInsights) {
+TEST_F(SampleWords, TheFirstSampleCountsInItsOwnInsights) {
     setLoad(40.0, 59.0);
     machine.tick();
     EXPECT_THAT(recommendations(), ElementsAre("This Mac looks healthy"));
@@ -61,7 +63,7 @@ TEST_F(SampleWords, TheFirstSampleIsInItsOwnInsights) {
                             "time."));
 }
 
-TEST_F(SampleWords, EachSampleReplacesTheWordsOfTheLast) {
+TEST_F(SampleWords, EachSampleReplacesTheTextsOfTheLast) {
     setLoad(90.0, 90.0);
     machine.tick();
     EXPECT_THAT(recommendations(), ElementsAre("Memory pressure is high", "CPU load is very high"));
@@ -76,7 +78,7 @@ TEST_F(SampleWords, EachSampleReplacesTheWordsOfTheLast) {
                             "time."));
 }
 
-TEST_F(SampleWords, TheTenthSampleCountsForTheLastMinute) {
+TEST_F(SampleWords, SustainedCardsAppearWithTheTenthSample) {
     setLoad(90.0, 10.0);
     for (int i = 0; i < 9; ++i) {
         machine.tick();
@@ -88,7 +90,7 @@ TEST_F(SampleWords, TheTenthSampleCountsForTheLastMinute) {
     EXPECT_EQ(machine.monitor().sample().recommendations().front().relatedPID, 700);
 }
 
-TEST_F(SampleWords, SustainedCardsPointAtTheGroupsOfTheNewSample) {
+TEST_F(SampleWords, SustainedCardsRelateToTheGroupsOfTheNewSample) {
     setLoad(90.0, 10.0);
     for (int i = 0; i < 10; ++i) {
         machine.tick();
@@ -104,7 +106,7 @@ TEST_F(SampleWords, SustainedCardsPointAtTheGroupsOfTheNewSample) {
     EXPECT_EQ(machine.monitor().sample().recommendations().front().relatedPID, std::nullopt);
 }
 
-TEST_F(SampleWords, InsightsKnowTheRemoteScansOfEarlierRuns) {
+TEST_F(SampleWords, InsightsIncludeTheRemoteScansOfEarlierRuns) {
     machine.store.write(settings_keys::remoteTopAppsKey, SettingsTable{{"Browser", 2}});
     machine.tick();
     EXPECT_THAT(insights(), SizeIs(3));

@@ -12,6 +12,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -32,11 +34,9 @@ std::vector<SessionInsight> insightsOf(const Run& run) {
 }
 
 std::vector<Fact> factsOf(const Run& run) {
-    std::vector<Fact> facts;
-    for (const SessionInsight& insight : insightsOf(run)) {
-        facts.emplace_back(insight.title, insight.value, insight.detail);
-    }
-    return facts;
+    return eachOf(insightsOf(run), [](const SessionInsight& insight) {
+        return Fact(insight.title, insight.value, insight.detail);
+    });
 }
 
 /// The facts after the two that are always there.
@@ -70,7 +70,7 @@ TEST(SessionInsights, WithoutHistoryTheRunIsStarting) {
                          "Tallowcrest is collecting enough samples to identify patterns."}));
 }
 
-TEST(SessionInsights, OnePointIsPeakAndAverage) {
+TEST(SessionInsights, OnePointIsBothPeakAndAverage) {
     EXPECT_THAT(
         factsOf({.history = {point(37.0, 61.0)}}),
         ElementsAre(Fact{"Peak CPU", "37%", "Average 37% across this session."},
@@ -93,18 +93,12 @@ TEST(SessionInsights, PercentagesAreRoundedHalfUp) {
         double percent;
         std::string shown;
     };
-    for (const Case& c : std::vector<Case>{{0.0, "0%"},
-                                           {-0.0, "0%"},
-                                           {-0.4, "0%"},
-                                           {0.49, "0%"},
-                                           {0.5, "1%"},
-                                           {81.5, "82%"},
-                                           {82.4, "82%"},
-                                           {82.5, "83%"},
-                                           {99.5, "100%"},
-                                           {100.0, "100%"},
-                                           {std::numeric_limits<double>::quiet_NaN(), "0%"},
-                                           {std::numeric_limits<double>::infinity(), "0%"}}) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const Case& c :
+         {Case{0.0, "0%"}, Case{-0.0, "0%"}, Case{-0.4, "0%"}, Case{0.49, "0%"}, Case{0.5, "1%"},
+          Case{81.5, "82%"}, Case{82.4, "82%"}, Case{82.5, "83%"}, Case{99.5, "100%"},
+          Case{100.0, "100%"}, Case{std::numeric_limits<double>::quiet_NaN(), "0%"},
+          Case{infinity, "0%"}}) {
         const auto facts = factsOf({.history = {point(c.percent, c.percent)}});
         EXPECT_EQ(facts[0],
                   Fact("Peak CPU", c.shown, "Average " + c.shown + " across this session."));
@@ -114,18 +108,15 @@ TEST(SessionInsights, PercentagesAreRoundedHalfUp) {
 }
 
 TEST(SessionInsights, NamesTheGroupThatLedMostSamples) {
-    EXPECT_THAT(furtherFacts({.topAppSamples = {{"Browser", 2}, {"Editor", 3}, {"Indexer", 1}}}),
-                ElementsAre(Fact{"Recurring Top App", "Editor",
-                                 "Led App Impact for about 12s of sampled time."}));
-    EXPECT_THAT(furtherFacts({.topAppSamples = {{"Editor", 180}}}),
-                ElementsAre(Fact{"Recurring Top App", "Editor",
-                                 "Led App Impact for about 720s of sampled time."}));
-}
-
-TEST(SessionInsights, SecondsStandWithoutGrouping) {
-    EXPECT_THAT(furtherFacts({.topAppSamples = {{"Editor", 3000}}}),
-                ElementsAre(Fact{"Recurring Top App", "Editor",
-                                 "Led App Impact for about 12000s of sampled time."}));
+    const std::string led = "Led App Impact for about ";
+    for (const auto& [counts, seconds] :
+         {std::pair{Counts{{"Browser", 2}, {"Editor", 3}, {"Indexer", 1}}, "12"},
+          {Counts{{"Editor", 180}}, "720"},
+          {Counts{{"Editor", 3000}}, "12000"}}) {
+        EXPECT_THAT(
+            furtherFacts({.topAppSamples = counts}),
+            ElementsAre(Fact{"Recurring Top App", "Editor", led + seconds + "s of sampled time."}));
+    }
 }
 
 TEST(SessionInsights, OfEqualCountsTheFirstNameWins) {
@@ -135,7 +126,7 @@ TEST(SessionInsights, OfEqualCountsTheFirstNameWins) {
     };
     for (const Case& c : std::vector<Case>{
              {{{"b", 7}, {"a", 7}, {"c", 7}}, "a"},
-             // By bytes, every capital would stand before every small letter.
+             // In byte order, every capital letter would come before every small one.
              {{{"Zed", 7}, {"atom", 7}}, "atom"},
              {{{"EDITOR", 7}, {"editor", 7}}, "EDITOR"},
              {{{"Editor", 7}, {"editor", 8}}, "editor"},
@@ -146,43 +137,37 @@ TEST(SessionInsights, OfEqualCountsTheFirstNameWins) {
 }
 
 TEST(SessionInsights, WatchesTheReachedMachineWithTheHighestPressure) {
+    const std::string highest = "Highest scanned remote memory pressure: ";
     EXPECT_THAT(
         furtherFacts({.remoteHealth = {machine("low", true, 40.0), machine("off", false, 99.0),
                                        machine("high", true, 71.5), machine("high too", true, 71.5),
                                        machine("unread", true, std::nullopt)}}),
-        ElementsAre(Fact{"Remote Watch", "high", "Highest scanned remote memory pressure: 72%."}));
-}
-
-TEST(SessionInsights, WithoutAReachedMachineThereIsNoWatch) {
+        ElementsAre(Fact{"Remote Watch", "high", highest + "72%."}));
+    EXPECT_THAT(furtherFacts({.remoteHealth = {machine("off", false, 99.0),
+                                               machine("first", true, std::nullopt),
+                                               machine("second", true, 0.0)}}),
+                ElementsAre(Fact{"Remote Watch", "first", highest + "0%."}));
     EXPECT_THAT(furtherFacts({}), ElementsAre());
     EXPECT_THAT(furtherFacts({.remoteHealth = {machine("off", false, 99.0)}}), ElementsAre());
 }
 
-TEST(SessionInsights, AMachineWithoutAFigureIsWatchedAtZero) {
-    EXPECT_THAT(
-        furtherFacts(
-            {.remoteHealth = {machine("off", false, 99.0), machine("first", true, std::nullopt),
-                              machine("second", true, 0.0)}}),
-        ElementsAre(Fact{"Remote Watch", "first", "Highest scanned remote memory pressure: 0%."}));
-}
-
 TEST(SessionInsights, NamesTheGroupThatLedMostRemoteScans) {
-    EXPECT_THAT(furtherFacts({.remoteTopAppSamples = {{"Editor", 1}}}),
-                ElementsAre(Fact{"Remote Repeater", "Editor", "Led a remote scan 1 time."}));
-    EXPECT_THAT(furtherFacts({.remoteTopAppSamples = {{"Browser", 1}, {"Editor", 2}}}),
-                ElementsAre(Fact{"Remote Repeater", "Editor", "Led a remote scan 2 times."}));
-    EXPECT_THAT(furtherFacts({.remoteTopAppSamples = {{"Editor", 0}}}),
-                ElementsAre(Fact{"Remote Repeater", "Editor", "Led a remote scan 0 times."}));
+    for (const auto& [counts, times] : {std::pair{Counts{{"Editor", 1}}, "1 time."},
+                                        {Counts{{"Browser", 1}, {"Editor", 2}}, "2 times."},
+                                        {Counts{{"Editor", 0}}, "0 times."}}) {
+        EXPECT_THAT(furtherFacts({.remoteTopAppSamples = counts}),
+                    ElementsAre(Fact{"Remote Repeater", "Editor",
+                                     std::string("Led a remote scan ") + times}));
+    }
 }
 
-TEST(SessionInsights, StandInTheirOrder) {
+TEST(SessionInsights, AreInOrder) {
     using Kind = SessionInsight::Kind;
-    std::vector<std::pair<Kind, std::string>> order;
-    for (const SessionInsight& each : insightsOf({.topAppSamples = {{"Editor", 3}},
-                                      .remoteHealth = {machine("studio", true, 50.0)},
-                                      .remoteTopAppSamples = {{"Browser", 3}}})) {
-        order.emplace_back(each.kind, each.title);
-    }
+    const auto order =
+        eachOf(insightsOf({.topAppSamples = {{"Editor", 3}},
+                           .remoteHealth = {machine("studio", true, 50.0)},
+                           .remoteTopAppSamples = {{"Browser", 3}}}),
+               [](const SessionInsight& each) { return std::pair(each.kind, each.title); });
     EXPECT_THAT(order, ElementsAre(std::pair(Kind::peakCPU, "Peak CPU"),
                                    std::pair(Kind::peakMemory, "Peak Memory"),
                                    std::pair(Kind::topApp, "Recurring Top App"),

@@ -1,4 +1,4 @@
-// What the owner is told of a start that did not find everything.
+// How the problems of a start are told to the owner.
 
 #include <string>
 #include <utility>
@@ -7,8 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
 #include "core/record_json.h"
 #include "core/settings/settings_keys.h"
+#include "monitor/system_monitor.h"
 #include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
@@ -26,7 +29,7 @@ protected:
     FakeMachine machine;
 };
 
-TEST_F(StartupProblems, AreMessages) {
+TEST_F(StartupProblems, AreRecordedAsMessages) {
     SystemMonitor& started = start({"First.", "Second."});
     EXPECT_EQ(started.log().lastAction(), "Second.");
     const auto& events = started.log().activityLog();
@@ -50,7 +53,7 @@ TEST_F(StartupProblems, AreKeptAboveEarlierEvents) {
     EXPECT_EQ((*events)[1].detail, "Earlier.");
 }
 
-TEST_F(StartupProblems, OfWhichThereAreNoneChangeNothing) {
+TEST_F(StartupProblems, WithoutAnyNothingIsRecorded) {
     EXPECT_EQ(start({}).log().lastAction(), "Monitoring started.");
     EXPECT_THAT(machine.monitor().log().activityLog(), IsEmpty());
     EXPECT_FALSE(machine.store.read(settings_keys::activityLogKey));

@@ -45,22 +45,19 @@ TEST(StartupState, SetupWizardShowsUntilTheFirstRunIsComplete) {
     EXPECT_FALSE(startupState(settings, {}).showSetupWizard);
 }
 
-TEST(StartupState, TheExactWordKeepsTheSetupWizardAway) {
+TEST(StartupState, OnlyTheExactOptionKeepsTheSetupWizardAway) {
     struct Case {
         std::vector<std::string> arguments;
         bool shown;
     };
-    for (const Case& c : std::vector<Case>{
-             {{"tallowcrest", "--ui-testing"}, false},
-             {{"tallowcrest", "--other", "--ui-testing", "more"}, false},
-             {{"tallowcrest"}, true},
-             {{"tallowcrest", "--UI-TESTING"}, true},
-             {{"tallowcrest", "--ui-testing=1"}, true},
-             {{"tallowcrest", "--ui-testing "}, true},
-             {{"tallowcrest", "-ui-testing"}, true},
-             {{"tallowcrest", "--ui-testing-more"}, true},
-             {{"tallowcrest", "--ui-testing --ui-testing"}, true},
-         }) {
+    for (const Case& c :
+         {Case{{"tallowcrest", "--ui-testing"}, false},
+          Case{{"tallowcrest", "--other", "--ui-testing", "more"}, false},
+          Case{{"tallowcrest"}, true}, Case{{"tallowcrest", "--UI-TESTING"}, true},
+          Case{{"tallowcrest", "--ui-testing=1"}, true},
+          Case{{"tallowcrest", "--ui-testing "}, true}, Case{{"tallowcrest", "-ui-testing"}, true},
+          Case{{"tallowcrest", "--ui-testing-more"}, true},
+          Case{{"tallowcrest", "--ui-testing --ui-testing"}, true}}) {
         EXPECT_EQ(startupState({}, findings(false, false, c.arguments)).showSetupWizard, c.shown)
             << c.arguments.back();
     }

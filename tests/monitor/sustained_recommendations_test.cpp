@@ -57,20 +57,14 @@ struct Minute {
     std::vector<Card> cards;
 };
 
-TEST(AddSustainedRecommendations, JudgesTheMeans) {
-    for (const Minute& minute : std::vector<Minute>{
-             {0, 0, {}},
-             {69.9, 77.9, {}},
-             {70, 0, {sustainedCPU}},
-             {84.9, 0, {sustainedCPU}},
-             {85, 0, {urgent(sustainedCPU)}},
-             {100, 0, {urgent(sustainedCPU)}},
-             {0, 78, {sustainedMemory}},
-             {0, 87.9, {sustainedMemory}},
-             {0, 88, {urgent(sustainedMemory)}},
-             {70, 78, {sustainedMemory, sustainedCPU}},
-             {90, 90, {urgent(sustainedMemory), urgent(sustainedCPU)}},
-         }) {
+TEST(AddSustainedRecommendations, ComparesTheMeansWithTheLimits) {
+    for (const Minute& minute :
+         {Minute{0, 0, {}}, Minute{69.9, 77.9, {}}, Minute{70, 0, {sustainedCPU}},
+          Minute{84.9, 0, {sustainedCPU}}, Minute{85, 0, {urgent(sustainedCPU)}},
+          Minute{100, 0, {urgent(sustainedCPU)}}, Minute{0, 78, {sustainedMemory}},
+          Minute{0, 87.9, {sustainedMemory}}, Minute{0, 88, {urgent(sustainedMemory)}},
+          Minute{70, 78, {sustainedMemory, sustainedCPU}},
+          Minute{90, 90, {urgent(sustainedMemory), urgent(sustainedCPU)}}}) {
         std::vector<Card> cards;
         for (const Recommendation& card :
              addSustainedRecommendations({}, timeline(10, minute.cpu, minute.memory), groups)) {
@@ -80,7 +74,7 @@ TEST(AddSustainedRecommendations, JudgesTheMeans) {
     }
 }
 
-TEST(AddSustainedRecommendations, NinePointsSayNothingAndChangeNothing) {
+TEST(AddSustainedRecommendations, FewerThanTenPointsChangeNothing) {
     const auto cards = cardsNamed({"a", "a", "b", "c", "d", "e", "f"});
     for (const std::size_t count : {0U, 1U, 9U}) {
         EXPECT_EQ(addSustainedRecommendations(cards, timeline(count, 100, 100), groups), cards);
@@ -89,7 +83,7 @@ TEST(AddSustainedRecommendations, NinePointsSayNothingAndChangeNothing) {
                 ElementsAre(sustainedMemory.title, sustainedCPU.title, "a", "b", "c"));
 }
 
-TEST(AddSustainedRecommendations, LooksAtTheLastFifteenPoints) {
+TEST(AddSustainedRecommendations, UsesTheLastFifteenPoints) {
     auto points = timeline(165, 100, 100);
     const auto calm = timeline(15, 69.9, 77.9);
     points.insert(points.end(), calm.begin(), calm.end());
@@ -99,7 +93,7 @@ TEST(AddSustainedRecommendations, LooksAtTheLastFifteenPoints) {
                 ElementsAre(sustainedMemory.title, sustainedCPU.title));
 }
 
-TEST(AddSustainedRecommendations, MeansAreOfThePointsThereAre) {
+TEST(AddSustainedRecommendations, UsesAllPointsWhenThereAreFewerThanFifteen) {
     auto points = timeline(6, 100, 90);
     const auto calm = timeline(6, 40, 66);
     points.insert(points.end(), calm.begin(), calm.end());
@@ -107,7 +101,7 @@ TEST(AddSustainedRecommendations, MeansAreOfThePointsThereAre) {
                 ElementsAre(sustainedMemory.title, sustainedCPU.title));
 }
 
-TEST(AddSustainedRecommendations, PointAtTheTopOfTheFirstGroup) {
+TEST(AddSustainedRecommendations, RelateToTheTopProcessOfTheFirstGroup) {
     auto withoutTop = groups;
     withoutTop.front().topPID.reset();
     for (const auto& [impacts, pid] :
@@ -120,7 +114,7 @@ TEST(AddSustainedRecommendations, PointAtTheTopOfTheFirstGroup) {
     }
 }
 
-TEST(AddSustainedRecommendations, StandOnTopAndOfFiveOthersThreeStay) {
+TEST(AddSustainedRecommendations, AreFirstInAListOfAtMostFive) {
     const auto first = cardsNamed({"1", "2", "3", "4", "5"});
     EXPECT_THAT(titlesOf(addSustainedRecommendations(first, timeline(15, 90, 90), groups)),
                 ElementsAre(sustainedMemory.title, sustainedCPU.title, "1", "2", "3"));
@@ -129,13 +123,13 @@ TEST(AddSustainedRecommendations, StandOnTopAndOfFiveOthersThreeStay) {
     EXPECT_EQ(addSustainedRecommendations(first, timeline(15, 0, 0), groups), first);
 }
 
-TEST(AddSustainedRecommendations, TheHealthyCardCanStandBeneath) {
-    const auto atEase = buildRecommendations({}, 4.0, 0.0, 0.0, PlainLocale());
-    EXPECT_THAT(titlesOf(addSustainedRecommendations(atEase, timeline(15, 90, 0), groups)),
+TEST(AddSustainedRecommendations, TheHealthyCardCanFollow) {
+    const auto healthy = buildRecommendations({}, 4.0, 0.0, 0.0, PlainLocale());
+    EXPECT_THAT(titlesOf(addSustainedRecommendations(healthy, timeline(15, 90, 0), groups)),
                 ElementsAre(sustainedCPU.title, "This Mac looks healthy"));
 }
 
-TEST(AddSustainedRecommendations, OfTheSameTitleTheFirstStays) {
+TEST(AddSustainedRecommendations, TheFirstOfEqualTitlesIsKept) {
     auto cards = cardsNamed({"a", sustainedCPU.title, "b", "a", "c", "d", "e", "f"});
     const auto kept = addSustainedRecommendations(cards, timeline(10, 0, 0), groups);
     EXPECT_THAT(titlesOf(kept), ElementsAre("a", sustainedCPU.title, "b", "c", "d"));
@@ -146,7 +140,7 @@ TEST(AddSustainedRecommendations, OfTheSameTitleTheFirstStays) {
     EXPECT_EQ(contentOf(topped[0]), urgent(sustainedCPU));
 }
 
-TEST(AddSustainedRecommendations, MeansThatAreNoNumbersSayNothing) {
+TEST(AddSustainedRecommendations, ANaNMeanAddsNoCard) {
     auto points = timeline(15, 90, 90);
     points[3].cpu = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(titlesOf(addSustainedRecommendations({}, points, groups)),

@@ -1,29 +1,23 @@
 #include "monitor/system_monitor.h"
 
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "actions/actions.h"
+#include "core/activity_kinds.h"
 #include "core/activity_log.h"
-#include "core/jobs/jobs.h"
+#include "core/observable.h"
 #include "core/record_json.h"
 #include "core/settings/settings_keys.h"
+#include "core/settings/settings_owner.h"
 #include "sampling/latest_sample.h"
-#include "tests/support/fake_local_actions.h"
-#include "tests/support/fake_notification_center.h"
-#include "tests/support/fake_readers.h"
-#include "tests/support/fake_report_folder.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
-#include "tests/support/recording_store.h"
+#include "tests/support/fake_machine.h"
 
 namespace tallowcrest {
 namespace {
@@ -33,55 +27,23 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-class SystemMonitorTest : public ::testing::Test {
+class SystemMonitorTest : public ::testing::Test, protected FakeMachine {
 protected:
-    SystemMonitor& makeMonitor() { return makeMonitorOn(store); }
-
-    SystemMonitor& makeMonitorOn(SettingsStore& itsStore) {
-        owned = std::make_unique<SystemMonitor>(
-            MonitorPorts{.jobs = jobs,
-                         .clock = clock,
-                         .settingsStore = itsStore,
-                         .metrics = metrics,
-                         .ticks = ticks,
-                         .locale = std::make_shared<PlainLocale>(),
-                         .actions = {FakeLocalActions().ports(), {}, {}},
-                         .reportFolder = std::make_shared<FakeReportFolder>(),
-                         .utcOffset = atGreenwich,
-                         .notifications = &notifications},
-            HostFacts{.cpuCount = 4,
-                      .protection = {.ownPID = 4242, .protectsLinuxSystem = true},
-                      .loginName = "owner",
-                      .findings = findings});
-        return *owned;
+    SystemMonitorTest() {
+        ticks->ticks = CPUTicks{};
+        findings.processArguments = {"tallowcrest"};
     }
 
-    /// Runs every queued sample to its end.
-    void finishSamples() {
-        while (workQueue.pendingCount() > 0) {
-            workQueue.run();
-        }
-        mainQueue.drain();
-    }
-
-    ManualClock clock;
-    ManualMainQueue mainQueue;
-    FakeNotificationCenter notifications;
-    ManualWorkQueue workQueue;
-    Jobs jobs{mainQueue, workQueue};
-    RecordingStore store;
-    std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
-    std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
-    StartupFindings findings{.processArguments = {"tallowcrest"}};
-    std::unique_ptr<SystemMonitor> owned;
+    /// Starts from what the store and the machine contain at that time.
+    SystemMonitor& makeMonitor() { return monitor(); }
 };
 
 // Construction -----------------------------------------------------------------------------------
 
-/// A store that tells a list that it was read.
-class ReadTellingStore final : public SettingsStore {
+/// An empty store that records its calls, consecutive reads as one.
+class RecordingEmptyStore final : public SettingsStore {
 public:
-    explicit ReadTellingStore(std::vector<std::string>& calls) : calls_(calls) {}
+    explicit RecordingEmptyStore(std::vector<std::string>& calls) : calls_(calls) {}
 
     std::optional<SettingsValue> read(std::string_view) const override {
         if (calls_.empty() || calls_.back() != "store") {
@@ -95,38 +57,27 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(SystemMonitorTest, ConstructionCountsTheLoadThenLoads) {
+TEST_F(SystemMonitorTest, ConstructionReadsTheTicksBeforeTheStoreAndStartsNothing) {
     std::vector<std::string> calls;
-    ReadTellingStore telling(calls);
+    RecordingEmptyStore recording(calls);
+    settingsStore = &recording;
     ticks->calls = &calls;
-    makeMonitorOn(telling);
-    EXPECT_THAT(calls, ElementsAre("readTicks", "store"));
-    owned.reset();
-}
-
-TEST_F(SystemMonitorTest, ConstructionStartsNothing) {
+    metrics->calls = &calls;
     SystemMonitor& monitor = makeMonitor();
+    EXPECT_THAT(calls, ElementsAre("readTicks", "store"));
     EXPECT_FALSE(monitor.isStarted());
     EXPECT_EQ(workQueue.pendingCount(), 0U);
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
     EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
-    EXPECT_THAT(store.written, IsEmpty());
     EXPECT_THAT(notifications.calls, IsEmpty());
-}
-
-TEST_F(SystemMonitorTest, ConstructionPrimesTheLoad) {
-    std::vector<std::string> calls;
-    ticks->calls = &calls;
-    metrics->calls = &calls;
-    SystemMonitor& monitor = makeMonitor();
-    EXPECT_THAT(calls, ElementsAre("readTicks"));
     ticks->pass(25);
     monitor.refresh();
     finishSamples();
-    EXPECT_EQ(monitor.sample().snapshot()->cpuPercent, 25.0);
+    EXPECT_EQ(monitor.sample().snapshot()->cpuPercent, 25.0) << "since the construction";
+    restart();
 }
 
-TEST_F(SystemMonitorTest, FieldsStartAsTold) {
+TEST_F(SystemMonitorTest, FieldsHaveTheirInitialValues) {
     SystemMonitor& monitor = makeMonitor();
     EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
     EXPECT_THAT(monitor.log().activityLog(), IsEmpty());
@@ -146,27 +97,23 @@ TEST_F(SystemMonitorTest, FieldsStartAsTold) {
     EXPECT_TRUE(monitor.startup().showSetupWizard);
 }
 
-TEST_F(SystemMonitorTest, TheStartUpOptionKeepsTheWizardAwayAndNothingElse) {
+TEST_F(SystemMonitorTest, TheUITestingOptionOnlyKeepsTheWizardAway) {
     findings.processArguments.emplace_back("--ui-testing");
+    findings.openAIKeyFound = true;
+    findings.localPublicKeyFound = true;
     SystemMonitor& monitor = makeMonitor();
     EXPECT_FALSE(monitor.startup().showSetupWizard);
     EXPECT_FALSE(monitor.settings().firstRunComplete);
+    EXPECT_TRUE(monitor.startup().openAIKeySaved);
+    EXPECT_EQ(monitor.startup().aiInsight, "Enhanced AI recommendations are ready.");
+    EXPECT_EQ(monitor.startup().localPublicKeyStatus, "Local SSH public key found.");
     monitor.startMonitoring();
     finishSamples();
     EXPECT_EQ(mainQueue.timerIntervals().size(), 1U);
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history"));
 }
 
-TEST_F(SystemMonitorTest, StartsWithTheKeysThatWereFound) {
-    findings.openAIKeyFound = true;
-    findings.localPublicKeyFound = true;
-    const SystemMonitor& monitor = makeMonitor();
-    EXPECT_TRUE(monitor.startup().openAIKeySaved);
-    EXPECT_EQ(monitor.startup().aiInsight, "Enhanced AI recommendations are ready.");
-    EXPECT_EQ(monitor.startup().localPublicKeyStatus, "Local SSH public key found.");
-}
-
-TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
+TEST_F(SystemMonitorTest, LoadsEverythingThatIsStored) {
     std::vector<HistoryPoint> history;
     for (int i = 0; i < 500; ++i) {
         history.push_back({UUID::random(), Date{static_cast<double>(i)}, 1, 2});
@@ -204,7 +151,7 @@ TEST_F(SystemMonitorTest, LoadsAStoreWithEverything) {
 
 // Starting and stopping --------------------------------------------------------------------------
 
-TEST_F(SystemMonitorTest, StartsOnceHoweverOftenItIsTold) {
+TEST_F(SystemMonitorTest, StartingTwiceStartsOnce) {
     SystemMonitor& monitor = makeMonitor();
     monitor.startMonitoring();
     monitor.startMonitoring();
@@ -221,7 +168,7 @@ TEST_F(SystemMonitorTest, TheTimerQueuesASampleEachTime) {
     EXPECT_EQ(monitor.sample().history().size(), 1U);
     mainQueue.fireTimers();
     mainQueue.fireTimers();
-    EXPECT_EQ(workQueue.pendingCount(), 2U);  // a stalled sample holds up none of the next
+    EXPECT_EQ(workQueue.pendingCount(), 2U);  // a stalled sample does not delay the next one
     finishSamples();
     EXPECT_EQ(monitor.sample().history().size(), 3U);
 }
@@ -246,11 +193,11 @@ TEST_F(SystemMonitorTest, RefreshWorksWithoutAStart) {
     EXPECT_FALSE(monitor.isStarted());
 }
 
-TEST_F(SystemMonitorTest, DestroyedUnderWayItLeavesNothingBehind) {
+TEST_F(SystemMonitorTest, DestructionDropsSamplesUnderWay) {
     makeMonitor().startMonitoring();
     mainQueue.fireTimers();
     workQueue.run();
-    owned.reset();
+    restart();
     EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
     finishSamples();
     EXPECT_THAT(store.written, IsEmpty());
@@ -281,7 +228,7 @@ TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
     EXPECT_EQ(store.json(keys::activityLogKey), "[]");
 }
 
-TEST_F(SystemMonitorTest, WhatCannotBeEncodedLeavesTheOlderStoredValue) {
+TEST_F(SystemMonitorTest, AValueThatCannotBeEncodedLeavesTheStoredOne) {
     SystemMonitor& monitor = makeMonitor();
     monitor.refresh();
     monitor.log().recordEvent(ActivityKind::warning, "First");
@@ -299,13 +246,13 @@ TEST_F(SystemMonitorTest, WhatCannotBeEncodedLeavesTheOlderStoredValue) {
     EXPECT_EQ(monitor.log().activityLog().size(), 2U);
 }
 
-TEST_F(SystemMonitorTest, ASecondRunFindsWhatTheFirstLeft) {
+TEST_F(SystemMonitorTest, ASecondRunLoadsWhatTheFirstStored) {
     makeMonitor().refresh();
     finishSamples();
-    owned->log().recordMessage("Something happened.");
-    const auto history = owned->sample().history();
-    const auto events = owned->log().activityLog();
-    owned.reset();
+    monitor().log().recordMessage("Something happened.");
+    const auto history = monitor().sample().history();
+    const auto events = monitor().log().activityLog();
+    restart();
     SystemMonitor& next = makeMonitor();
     EXPECT_EQ(next.sample().history(), history);
     EXPECT_EQ(next.log().activityLog(), events);
@@ -314,7 +261,7 @@ TEST_F(SystemMonitorTest, ASecondRunFindsWhatTheFirstLeft) {
 
 // Observers --------------------------------------------------------------------------------------
 
-TEST_F(SystemMonitorTest, ObserversAreToldOncePerTurnOfWhatTheyObserve) {
+TEST_F(SystemMonitorTest, ObserversAreNotifiedOncePerTurnOfWhatTheyObserve) {
     SystemMonitor& monitor = makeMonitor();
     std::vector<std::string> told;
     const auto observe = [&told](Observable& observable, const char* name) {
@@ -341,7 +288,7 @@ TEST_F(SystemMonitorTest, ObserversAreToldOncePerTurnOfWhatTheyObserve) {
     EXPECT_THAT(told, ElementsAre("sample"));
 }
 
-TEST_F(SystemMonitorTest, NoSampleMovesTheReviewTarget) {
+TEST_F(SystemMonitorTest, ASampleDoesNotChangeTheReviewTarget) {
     SystemMonitor& monitor = makeMonitor();
     metrics->processes = {{7, 50, 1, 100, "/usr/bin/app", "/usr/bin/app"}};
     monitor.refresh();

@@ -32,10 +32,10 @@ protected:
     }
 };
 
-/// Tells in `calls` when a number is put into words, which the recommendations need.
-class TellingLocale final : public Locale {
+/// Records in `calls` when a number is formatted, as the recommendations do.
+class RecordingLocale final : public Locale {
 public:
-    explicit TellingLocale(std::vector<std::string>& calls) : calls_(calls) {}
+    explicit RecordingLocale(std::vector<std::string>& calls) : calls_(calls) {}
 
     std::weak_ordering compareIgnoringCase(std::string_view left,
                                            std::string_view right) const override {
@@ -58,10 +58,10 @@ private:
     PlainLocale plain_;
 };
 
-/// Tells in `calls` when it is read.
-class TellingClock final : public Clock {
+/// Records in `calls` when it is read.
+class RecordingClock final : public Clock {
 public:
-    explicit TellingClock(std::vector<std::string>& calls) : calls_(calls) {}
+    explicit RecordingClock(std::vector<std::string>& calls) : calls_(calls) {}
     Date now() const override {
         calls_.emplace_back("now");
         return Date{5.0};
@@ -71,18 +71,18 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(TakeSampleTest, ReadsInItsOrder) {
+TEST_F(TakeSampleTest, ReadsInOrder) {
     metrics->memory.pressure = 75.0;
-    SampleSources telling(metrics, ticks, std::make_shared<TellingLocale>(calls));
+    SampleSources recording(metrics, ticks, std::make_shared<RecordingLocale>(calls));
     calls.clear();
-    const BackgroundSample result = takeSample(telling, {}, TellingClock(calls));
-    // The time of the record is that of its building, which is the last step.
+    const BackgroundSample result = takeSample(recording, {}, RecordingClock(calls));
+    // The time of the sample is read in the last step.
     EXPECT_THAT(calls, ElementsAre("readProcesses", "readMemory", "readDiskSnapshot", "readTicks",
                                    "readPressureText", "buildRecommendations", "now"));
     EXPECT_EQ(result.snapshot.sampledAt, Date{5.0});
 }
 
-TEST_F(TakeSampleTest, HandsOverWhatItRead) {
+TEST_F(TakeSampleTest, ReturnsWhatItRead) {
     metrics->processes = {row(1, 3.0), row(2, 50.0), row(3, 20.0)};
     metrics->memory = {16, 8, 1.5, 2, 1, 75};
     metrics->disk = {500, 123};
@@ -123,7 +123,7 @@ TEST_F(TakeSampleTest, GroupsAreCutTo14AndBuiltFromAllRows) {
         const BackgroundSample result = take();
         EXPECT_EQ(result.snapshot.appImpacts.size(), static_cast<std::size_t>(std::min(count, 14)));
     }
-    // 150 members of one group, more than the ranked list holds, all count.
+    // All 150 members of one group count, more than the ranked list contains.
     metrics->processes.clear();
     for (int i = 0; i < 150; ++i) {
         metrics->processes.push_back(row(i + 10, 1.0));
@@ -133,7 +133,7 @@ TEST_F(TakeSampleTest, GroupsAreCutTo14AndBuiltFromAllRows) {
     EXPECT_EQ(result.snapshot.appImpacts[0].processCount, 150);
 }
 
-TEST_F(TakeSampleTest, WithoutALoadTheProcessesTellTheLoad) {
+TEST_F(TakeSampleTest, WithoutTicksTheLoadIsComputedFromTheProcesses) {
     struct Case {
         std::vector<double> cpu;
         int cpuCount;
@@ -157,7 +157,7 @@ TEST_F(TakeSampleTest, WithoutALoadTheProcessesTellTheLoad) {
     }
 }
 
-TEST_F(TakeSampleTest, AnUnreadableCounterFallsBackTooAndALoadOfZeroDoesNot) {
+TEST_F(TakeSampleTest, UnreadableTicksFallBackToTheProcessesAndALoadOfZeroDoesNot) {
     metrics->processes = {row(7, 50.0)};
     ticks->ticks.reset();
     EXPECT_EQ(takeOn(2).snapshot.cpuPercent, 25.0);
@@ -171,7 +171,7 @@ TEST_F(TakeSampleTest, SumsAllRowsNotOnlyTheRankedOnes) {
     EXPECT_EQ(takeOn(2).snapshot.cpuPercent, 50.0);
 }
 
-TEST_F(TakeSampleTest, ASampleWithoutAProcessTableIsStillASample) {
+TEST_F(TakeSampleTest, ASampleWithoutAProcessTableHasItsOtherFigures) {
     ticks->pass(40);
     const BackgroundSample result = take();
     EXPECT_THAT(result.processes, IsEmpty());

@@ -1,4 +1,4 @@
-// Shows every shared visual piece with sample values, for looking at them:
+// Shows all shared widgets with sample values, to inspect how they look:
 //   tallowcrest_gallery [--dark] [--icons] [--width N] [--save FILE] [--time]
 //   tallowcrest_gallery --overview STATE [--dark] [--width N] [--height N] [--save FILE]
 // --save writes a picture and ends; --time measures the painting of the graph and ends. The states
@@ -54,9 +54,9 @@ std::vector<StableGraphSeries> sampleSeries() {
 QLayout* pageHeader() {
     auto* texts = new QVBoxLayout;
     texts->setSpacing(spacing::unit / 2);
-    texts->addWidget(new ElidedLabel(u"Overview"_s, &CrestFonts::title, &CrestTheme::text));
+    texts->addWidget(new ElidedLabel(u"Overview"_s, onPage(&CrestFonts::title)));
     texts->addWidget(new ElidedLabel(u"Health at a glance and the safest next step"_s,
-                                     &CrestFonts::body, &CrestTheme::secondaryText));
+                                     onPage(&CrestFonts::body, &CrestTheme::secondaryText)));
     return texts;
 }
 
@@ -64,13 +64,13 @@ QLayout* gauges() {
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::gap);
     auto* cpu = new GaugeCard(u"CPU Load"_s);
-    cpu->setValue(42.3);
+    cpu->setValue(42.3, u"42%"_s);
     cpu->setDetail(u"42.3% normalized across cores"_s);
     auto* memory = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::secondSeries);
-    memory->setValue(78);
+    memory->setValue(78, u"78%"_s);
     memory->setDetail(u"12.4 GB used of 15.9 GB"_s);
     auto* disk = new GaugeCard(u"Disk"_s, &CrestTheme::bad);
-    disk->setValue(100);
+    disk->setValue(100, u"100%"_s);
     disk->setDetail(QString(10000, u'W'));
     for (GaugeCard* card : {cpu, memory, disk}) {
         row->addWidget(card, 1);
@@ -78,11 +78,15 @@ QLayout* gauges() {
     return row;
 }
 
+StableLineGraph::Scale scale() {
+    return {u"0%"_s, u"50%"_s, u"100%"_s};
+}
+
 QWidget* timeline() {
     auto* card = new Card;
     card->setHeader(u"waveform.path.ecg"_s, u"Live Performance Timeline"_s);
     card->setCaption(u"Current session · last 716 seconds · updates every 4 seconds"_s);
-    auto* graph = new StableLineGraph;
+    auto* graph = new StableLineGraph(scale());
     graph->setSeries(sampleSeries());
     graph->setWarningThreshold(80);
     graph->setEventFractions({0.2, 0.63});
@@ -117,7 +121,6 @@ QLayout* summaries() {
         card->setValue(value);
         card->setDetail(detail);
         row->addWidget(card, 1);
-        return card;
     };
     add(new SummaryCard(u"Events"_s), u"3 warnings"_s,
         u"12 logged actions. Use Export for a full diagnostics file."_s);
@@ -125,8 +128,7 @@ QLayout* summaries() {
         u"Most visible app group in this Tallowcrest session."_s);
     add(new SummaryCard(u"Never Quit"_s), u"8 apps"_s,
         u"No custom app groups are protected yet."_s);
-    add(new MetricCard(u"Disk Free"_s), u"12.4 GB"_s, u"Storage analysis recommended."_s)
-        ->setValueColor(&CrestTheme::caution);
+    add(new MetricCard(u"Disk Free"_s), u"12.4 GB"_s, u"Storage analysis recommended."_s);
     return row;
 }
 
@@ -143,8 +145,9 @@ QWidget* states() {
         auto* row = new QHBoxLayout;
         row->setSpacing(spacing::unit);
         row->addWidget(new IconView(QString::fromLatin1(icon), words.second, spacing::iconSmall));
-        row->addWidget(
-            new ElidedLabel(QString::fromLatin1(words.first), &CrestFonts::body, words.second), 1);
+        row->addWidget(new ElidedLabel(QString::fromLatin1(words.first),
+                                       onCard(&CrestFonts::body, words.second)),
+                       1);
         card->contentLayout()->addLayout(row);
     }
     card->contentLayout()->addStretch(1);
@@ -164,7 +167,8 @@ QWidget* icons() {
             label->setPixmap(pixmap);
             row->addWidget(label);
         }
-        row->addWidget(new ElidedLabel(name, &CrestFonts::caption, &CrestTheme::secondaryText), 1);
+        row->addWidget(
+            new ElidedLabel(name, onPage(&CrestFonts::caption, &CrestTheme::secondaryText)), 1);
         layout->addLayout(row, place / 4, place % 4);
         ++place;
     };
@@ -203,10 +207,10 @@ QWidget* pieces() {
     return page;
 }
 
-/// Prints the processor time of one painting. Wall time would measure the machine's other work as
-/// well.
+/// Prints the processor time of one painting. Wall time would include the other work of the
+/// machine.
 void measureGraph() {
-    StableLineGraph graph;
+    StableLineGraph graph(scale());
     graph.resize(900, 220);
     graph.setWarningThreshold(80);
     graph.setEventFractions({0.2, 0.63});

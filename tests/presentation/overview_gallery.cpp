@@ -6,6 +6,9 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
+#include "monitor/system_monitor.h"
 #include "platform/icu/icu_locale.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
@@ -18,7 +21,7 @@ namespace {
 
 using Severity = Recommendation::Severity;
 
-/// Words of every length that a sample can give.
+/// Texts of every length that a sample can produce.
 std::vector<Recommendation> troubledRecommendations() {
     return {
         {UUID::random(), "CPU has stayed high for about a minute",
@@ -86,7 +89,7 @@ public:
                               "optimization action is needed right now.",
                               Severity::info, std::nullopt}};
         machine_.sessionInsights = insights(isTroubled);
-        window_ = std::make_unique<DashboardWindow>(machine_.monitor(), machine_.mainQueue);
+        window_ = std::make_unique<DashboardWindow>(machine_.monitor());
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(window_.get());

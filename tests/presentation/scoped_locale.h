@@ -12,7 +12,7 @@ inline std::shared_ptr<const Locale> icuLocale(const char* name) {
     return std::make_shared<IcuLocale>(LocaleNames{name, name});
 }
 
-/// Words use the formats of that locale for as long as it lives.
+/// All texts use the formats of this locale during its lifetime, and `PlainLocale` afterwards.
 class ScopedLocale {
 public:
     explicit ScopedLocale(const char* name) { dashboard_text::setLocale(icuLocale(name)); }

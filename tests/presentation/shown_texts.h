@@ -12,7 +12,7 @@
 
 namespace tallowcrest {
 
-/// Every text that shows within a widget, in reading order.
+/// The visible texts within a widget, from top to bottom and from left to right.
 inline std::vector<std::string> shownTexts(const QWidget& within) {
     std::vector<std::pair<std::pair<int, int>, std::string>> found;
     for (const ElidedLabel* label : within.findChildren<ElidedLabel*>()) {
@@ -29,7 +29,7 @@ inline std::vector<std::string> shownTexts(const QWidget& within) {
     return result;
 }
 
-/// The summary cards that show within a widget, as "title: value, detail".
+/// The visible summary cards within a widget, as "title: value, detail".
 inline std::vector<std::string> shownCards(const QWidget& within) {
     std::vector<std::string> found;
     for (const SummaryCard* card : within.findChildren<SummaryCard*>()) {

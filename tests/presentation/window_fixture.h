@@ -3,31 +3,28 @@
 #include <memory>
 #include <stdexcept>
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QImage>
 #include <QPointer>
 #include <QScrollArea>
-#include <QTest>
-#include <gmock/gmock.h>
 
+#include "actions/actions.h"
+#include "core/activity_log.h"
+#include "monitor/auto_rules.h"
+#include "monitor/system_monitor.h"
 #include "presentation/screens/load/process_table_model.h"
 #include "presentation/screens/load/process_table_view.h"
 #include "presentation/shell/dashboard_window.h"
-#include "presentation/widgets/crest_style.h"
-#include "presentation/widgets/elided_label.h"
+#include "reports/reports.h"
+#include "sampling/latest_sample.h"
 #include "tests/presentation/scoped_locale.h"
+#include "tests/presentation/widget_fixture.h"
 #include "tests/support/fake_machine.h"
-
-using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-/// The real window over a fake machine, in the look of the real program.
-class WindowFixture : public testing::Test {
+/// The real window over a fake machine, in the style of the real program.
+class WindowFixture : public WidgetFixture {
 protected:
-    static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
-
     WindowFixture() {
         machine.locale = icuLocale("en_US");
         MemorySnapshot& memory = machine.metrics->memory;
@@ -48,7 +45,7 @@ protected:
 
     DashboardWindow& window() {
         if (window_ == nullptr) {
-            window_ = std::make_unique<DashboardWindow>(machine.monitor(), machine.mainQueue);
+            window_ = std::make_unique<DashboardWindow>(machine.monitor());
         }
         return *window_;
     }
@@ -67,12 +64,12 @@ protected:
         settle();
     }
 
-    /// Runs what is due on the main thread, of the monitor and of Qt.
-    void settle() {
+    QWidget& root() override { return window(); }
+
+    /// Runs everything that is queued on the main thread, by the monitor and by Qt.
+    void settle() override {
         machine.mainQueue.drain();
-        QApplication::processEvents();
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QApplication::processEvents();
+        WidgetFixture::settle();
     }
 
     void showProcesses() {
@@ -90,18 +87,7 @@ protected:
         settle();
     }
 
-    /// The visible widget of that identifier, or null.
-    template <class Widget = QWidget>
-    Widget* visible(const char* identifier) {
-        for (Widget* each : window().findChildren<Widget*>(QString::fromLatin1(identifier))) {
-            if (each->isVisible()) {
-                return each;
-            }
-        }
-        return nullptr;
-    }
-
-    /// The page that `widget` scrolls with.
+    /// The visible scroll area that contains `widget`.
     QScrollArea& scrollAreaAround(const QWidget& widget) {
         for (QScrollArea* each : window().findChildren<QScrollArea*>()) {
             if (each->isVisible() && each->isAncestorOf(&widget)) {
@@ -111,22 +97,14 @@ protected:
         throw std::runtime_error("nothing scrolls it");
     }
 
-    QString textOf(const char* identifier) {
-        const auto* label = visible<ElidedLabel>(identifier);
-        return label == nullptr ? u"(not shown)"_s : label->text();
-    }
-
-    void click(const char* identifier) {
-        auto* button = visible<QAbstractButton>(identifier);
-        ASSERT_NE(button, nullptr) << identifier;
-        QTest::mouseClick(button, Qt::LeftButton);
-        settle();
-    }
-
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QWidget* target = QApplication::focusWidget();
-        QTest::keyClick(target == nullptr ? &window() : target, key, modifiers);
-        settle();
+    /// The object names of `count` widgets in the Tab order, beginning with the focused one.
+    QString tabOrder(int count) {
+        QStringList order;
+        for (int presses = 0; presses < count; ++presses) {
+            order.append(QApplication::focusWidget()->objectName());
+            press(Qt::Key_Tab);
+        }
+        return order.join(u' ');
     }
 
     AppRoute route() { return window().state().navigation.selectedRoute(); }

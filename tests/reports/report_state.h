@@ -8,6 +8,7 @@
 
 #include "core/locale.h"
 #include "reports/diagnostics_report.h"
+#include "tests/support/lines_of.h"
 
 namespace tallowcrest {
 
@@ -45,18 +46,6 @@ inline ProcessSample processRow(std::int64_t pid, double cpu, double rssMB, std:
     row.command = std::move(command);
     row.arguments = row.command;
     return row;
-}
-
-inline std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines(1);
-    for (const char c : text) {
-        if (c == '\n') {
-            lines.emplace_back();
-        } else {
-            lines.back().push_back(c);
-        }
-    }
-    return lines;
 }
 
 }  // namespace tallowcrest

@@ -1,8 +1,13 @@
 #include "reports/reports.h"
 
+#include <atomic>
+#include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -24,9 +29,13 @@ protected:
     void takeSample() { snapshot.emplace(); }
 
     Outcome exportReport() {
-        Outcome outcome = reports.exportDiagnosticsReport([this] { ++failures; });
+        Outcome outcome = reports.exportDiagnosticsReport(keepFinished());
         with.finishWork();
         return outcome;
+    }
+
+    std::function<void(const Outcome&)> keepFinished() {
+        return [this](const Outcome& outcome) { finished.push_back(outcome); };
     }
 
     /// Expects `message` as the last action and as the only event.
@@ -39,7 +48,7 @@ protected:
 
     TestServices with;
     ActivityLog& log = with.log;
-    int failures = 0;
+    std::vector<Outcome> finished;  ///< of the exports, as they were told
     std::vector<std::string> copied;
     Pasteboard pasteboard{log, [this](const std::string& text) { copied.push_back(text); }};
     std::optional<SystemSnapshot> snapshot;
@@ -59,18 +68,15 @@ protected:
                      .folder = folder}};
 };
 
-TEST_F(ReportsTest, BeforeTheFirstSampleNothingIsCopiedAndNoMessageIsRecorded) {
+TEST_F(ReportsTest, BeforeTheFirstSampleOnlyAnExportIsRefusedWithAMessage) {
     EXPECT_EQ(reports.diagnosticsReport(false), std::nullopt);
     EXPECT_EQ(reports.copyDiagnosticsReport(), Outcome::refused({}));
     EXPECT_THAT(copied, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
-}
-
-TEST_F(ReportsTest, BeforeTheFirstSampleAnExportIsRefusedWithAMessage) {
     EXPECT_EQ(exportReport(), Outcome::refused("No diagnostic sample is available yet."));
     expectRecorded("No diagnostic sample is available yet.");
-    EXPECT_EQ(failures, 1);
+    EXPECT_THAT(finished, IsEmpty()) << "nothing was begun";
     EXPECT_THAT(folder->written, IsEmpty());
 }
 
@@ -94,16 +100,7 @@ TEST_F(ReportsTest, ExportsAndShowsTheFile) {
     EXPECT_EQ(folder->written.begin()->second, text);
     EXPECT_THAT(folder->revealed, ElementsAre(name));
     expectRecorded("Exported diagnostics to " + name + ".");
-    EXPECT_EQ(failures, 0);
-}
-
-TEST_F(ReportsTest, TheFileNameHasTheLocalTime) {
-    takeSample();
-    utcOffset = 3600;
-    exportReport();
-    ASSERT_THAT(folder->written, SizeIs(1));
-    EXPECT_EQ(folder->written.begin()->first, exportFileName(with.clock.now(), 3600));
-    EXPECT_NE(folder->written.begin()->first, exportFileName(with.clock.now(), 0));
+    EXPECT_THAT(finished, ElementsAre(Outcome::done("Exported diagnostics to " + name + ".")));
 }
 
 TEST_F(ReportsTest, AFailureIsRecordedWithTheSystemsMessage) {
@@ -112,7 +109,9 @@ TEST_F(ReportsTest, AFailureIsRecordedWithTheSystemsMessage) {
     EXPECT_EQ(exportReport(), Outcome::asked());
     expectRecorded("Could not export diagnostics: No space left on device");
     EXPECT_THAT(folder->revealed, IsEmpty());
-    EXPECT_EQ(failures, 1);
+    EXPECT_THAT(
+        finished,
+        ElementsAre(Outcome::failed("Could not export diagnostics: No space left on device")));
 }
 
 TEST_F(ReportsTest, TheFileIsWrittenInTheBackground) {
@@ -120,10 +119,12 @@ TEST_F(ReportsTest, TheFileIsWrittenInTheBackground) {
     const auto text = reports.diagnosticsReport(false);
     reports.exportDiagnosticsReport();
     EXPECT_THAT(folder->written, IsEmpty());
+    ASSERT_EQ(with.workQueue.pendingCount(), 1U);
+    EXPECT_EQ(with.workQueue.laneOf(0), Lane::reports);
     snapshot->cpuPercent = 99.0;
     with.workQueue.run();
     ASSERT_THAT(folder->written, SizeIs(1));
-    EXPECT_EQ(folder->written.begin()->second, text) << "the state of the moment of asking";
+    EXPECT_EQ(folder->written.begin()->second, text) << "the state when the export was requested";
     EXPECT_THAT(folder->revealed, IsEmpty());
     with.mainQueue.drain();
     EXPECT_THAT(folder->revealed, SizeIs(1));
@@ -131,15 +132,59 @@ TEST_F(ReportsTest, TheFileIsWrittenInTheBackground) {
 
 TEST_F(ReportsTest, NothingIsWrittenOnceTheProgramEnds) {
     takeSample();
-    reports.exportDiagnosticsReport([this] { ++failures; });
+    reports.exportDiagnosticsReport(keepFinished());
     with.jobs.stopAll();
     with.finishWork();
     EXPECT_THAT(folder->written, IsEmpty());
-    EXPECT_EQ(failures, 0);
+    EXPECT_THAT(finished, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
-TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {
+TEST_F(ReportsTest, TheEndOfTheProgramWaitsForAnExportUnderWay) {
+    takeSample();
+    std::optional<Stop> stop;
+    JobScope other(with.jobs);
+    other.run(
+        Lane::reports, [&stop](const Stop& given) { stop = given; }, [] {});
+    with.workQueue.run();
+
+    std::atomic<bool> hasStopped = false;
+    std::jthread end;
+    folder->onWrite = [&] {
+        end = std::jthread([&] {
+            with.jobs.stopAll();
+            hasStopped = true;
+        });
+        // Once no further change may begin, `stopAll` waits for this one or returns at once.
+        while (stop->beginChange()) {
+            std::this_thread::yield();
+        }
+        for (int turn = 0; turn < 1000 && !hasStopped; ++turn) {
+            std::this_thread::yield();
+        }
+        EXPECT_FALSE(hasStopped) << "the file is not written yet";
+    };
+    reports.exportDiagnosticsReport();
+    with.workQueue.run();
+    ASSERT_TRUE(end.joinable()) << "nothing was written";
+    end.join();
+    EXPECT_TRUE(hasStopped);
+    EXPECT_THAT(folder->written, SizeIs(1));
+}
+
+TEST_F(ReportsTest, NoReportIsWrittenOnceNoChangeMayBegin) {
+    DiskChanges changes;
+    const Stop stop({}, changes);
+    const std::filesystem::path file = folder->place() / "report.txt";
+    EXPECT_EQ(writeReport(*folder, file, "text", stop), Outcome::done());
+    ASSERT_THAT(folder->written, SizeIs(1));
+    changes.finish();
+    folder->written.clear();
+    EXPECT_EQ(writeReport(*folder, file, "text", stop), Outcome::failed("canceled"));
+    EXPECT_THAT(folder->written, IsEmpty());
+}
+
+TEST_F(ReportsTest, ExportFileNameHasTheLocalTimeToTheSecond) {
     // 2026-11-20 23:45:12 UTC
     const Date date = Date::fromUnixSeconds(1795218312.9);
     EXPECT_EQ(exportFileName(date, 0), "Tallowcrest-Diagnostics-2026-11-20-234512.txt");
@@ -148,9 +193,15 @@ TEST_F(ReportsTest, TheNameBearsTheTimeOnTheWall) {
     EXPECT_EQ(exportFileName(Date::fromUnixSeconds(-0.5), 0),
               "Tallowcrest-Diagnostics-1969-12-31-235959.txt");
     EXPECT_EQ(exportFileName(Date{1e300}, 0), "Tallowcrest-Diagnostics.txt");
+    takeSample();
+    utcOffset = 3600;
+    exportReport();
+    ASSERT_THAT(folder->written, SizeIs(1));
+    EXPECT_EQ(folder->written.begin()->first, exportFileName(with.clock.now(), 3600));
+    EXPECT_NE(folder->written.begin()->first, exportFileName(with.clock.now(), 0));
 }
 
-TEST_F(ReportsTest, WithoutAClipboardAMessageSaysSo) {
+TEST_F(ReportsTest, WithoutAClipboardCopyingFailsWithAMessage) {
     takeSample();
     Pasteboard none(log, {});
     EXPECT_EQ(none.copyToPasteboard("text", "Copied it."),

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -27,11 +29,7 @@ ProcessSample process(std::int64_t pid, std::string command, double cpu, double 
 }
 
 std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    std::vector<std::int64_t> result;
-    for (const ProcessSample& row : rows) {
-        result.push_back(row.pid);
-    }
-    return result;
+    return eachOf(rows, &ProcessSample::pid);
 }
 
 /// The rows in impact order, at most `limit` of them.
@@ -41,11 +39,7 @@ std::vector<ProcessSample> ranked(const std::vector<ProcessSample>& rows,
 }
 
 std::vector<std::string> names(const std::vector<AppImpact>& impacts) {
-    std::vector<std::string> result;
-    for (const AppImpact& impact : impacts) {
-        result.push_back(impact.name);
-    }
-    return result;
+    return eachOf(impacts, &AppImpact::name);
 }
 
 std::vector<AppImpact> impactsOf(const std::vector<ProcessSample>& rows,
@@ -55,62 +49,54 @@ std::vector<AppImpact> impactsOf(const std::vector<ProcessSample>& rows,
 
 // Names -------------------------------------------------------------------------------------------
 
-struct NameCase {
-    const char* name;
-    const char* group;
-};
+TEST(NormalizedAppName, IsTheGroup) {
+    struct Case {
+        const char* name;
+        const char* group;
+    };
+    for (const Case& each :
+         {// One row for each rule
+          Case{"Google Chrome", "Google Chrome"}, Case{"Chrome Helper", "Google Chrome"},
+          Case{"chrome", "Google Chrome"}, Case{"Safari", "Safari"}, Case{"WebKit", "Safari"},
+          Case{"firefox-bin", "Firefox"}, Case{"Arc", "Arc"}, Case{"dockerd", "Docker"},
+          Case{"com.docker.backend", "Docker"}, Case{"Electron Helper", "Electron Apps"},
+          Case{"node", "Node.js"}, Case{"python3.11", "Python"}, Case{"swiftc", "Developer Tools"},
+          Case{"Xcode", "Developer Tools"}, Case{"clangd", "Developer Tools"},
+          Case{"com.apple.Virtualization", "Virtualization"},
+          Case{"VirtualMachine", "Virtualization"},
 
-class NormalizedAppName : public ::testing::TestWithParam<NameCase> {};
+          // Whole or part of the name
+          Case{"Google Chrome Helper (Renderer)", "Google Chrome"}, Case{"CHROME", "Google Chrome"},
+          Case{"chromedriver", "chromedriver"}, Case{"Chrome", "Google Chrome"},
+          Case{"chrome ", "chrome "}, Case{"chrome_crashpad_handler", "chrome_crashpad_handler"},
+          Case{"com.apple.WebKit.WebContent", "Safari"}, Case{"WebKitWebProcess", "Safari"},
+          Case{"nodemon", "Node.js"}, Case{"sourcekit-lsp", "sourcekit-lsp"},
 
-TEST_P(NormalizedAppName, IsTheGroup) {
-    EXPECT_EQ(normalizedAppName(GetParam().name), GetParam().group);
+          // Deliberately broad
+          Case{"Archive Utility", "Arc"}, Case{"search", "Arc"}, Case{"xarchiver", "Arc"},
+          Case{"systemd-node-exporter", "Node.js"},
+
+          // The first matching rule decides
+          Case{"safari-firefox", "Safari"}, Case{"search-node-python", "Arc"},
+          Case{"google chrome safari", "Google Chrome"}, Case{"clang-python", "Python"},
+          Case{"electron-node", "Electron Apps"},
+
+          // No rule matches: the name itself
+          Case{"Terminal", "Terminal"}, Case{"WindowServer", "WindowServer"}, Case{"", ""},
+          Case{"A", "A"}, Case{"ar c", "ar c"}, Case{"cra", "cra"},
+          Case{"gnome-shell", "gnome-shell"}, Case{"ÄÖÜ Größe", "ÄÖÜ Größe"},
+
+          // Letters outside ASCII
+          Case{"Größe-NODE", "Node.js"}, Case{"doc\u212Aer", "Docker"}, Case{"\u212A", "\u212A"},
+          Case{"SAFAR\u0130", "Safari"}, Case{"SW\u0130FT", "SW\u0130FT"},
+          Case{"a\u0280c", "a\u0280c"}, Case{"n\u00F6de", "n\u00F6de"},
+
+          // Invalid UTF-8
+          Case{"\xFF\xFE node", "Node.js"}, Case{"doc\xE2\x84", "doc\xE2\x84"},
+          Case{"\xC4", "\xC4"}}) {
+        EXPECT_EQ(normalizedAppName(each.name), each.group) << each.name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Names, NormalizedAppName,
-    ::testing::Values(
-        // One row for each rule
-        NameCase{"Google Chrome", "Google Chrome"}, NameCase{"Chrome Helper", "Google Chrome"},
-        NameCase{"chrome", "Google Chrome"}, NameCase{"Safari", "Safari"},
-        NameCase{"WebKit", "Safari"}, NameCase{"firefox-bin", "Firefox"}, NameCase{"Arc", "Arc"},
-        NameCase{"dockerd", "Docker"}, NameCase{"com.docker.backend", "Docker"},
-        NameCase{"Electron Helper", "Electron Apps"}, NameCase{"node", "Node.js"},
-        NameCase{"python3.11", "Python"}, NameCase{"swiftc", "Developer Tools"},
-        NameCase{"Xcode", "Developer Tools"}, NameCase{"clangd", "Developer Tools"},
-        NameCase{"com.apple.Virtualization", "Virtualization"},
-        NameCase{"VirtualMachine", "Virtualization"},
-
-        // Whole or part of the name
-        NameCase{"Google Chrome Helper (Renderer)", "Google Chrome"},
-        NameCase{"CHROME", "Google Chrome"}, NameCase{"chromedriver", "chromedriver"},
-        NameCase{"Chrome", "Google Chrome"}, NameCase{"chrome ", "chrome "},
-        NameCase{"chrome_crashpad_handler", "chrome_crashpad_handler"},
-        NameCase{"com.apple.WebKit.WebContent", "Safari"}, NameCase{"WebKitWebProcess", "Safari"},
-        NameCase{"nodemon", "Node.js"}, NameCase{"sourcekit-lsp", "sourcekit-lsp"},
-
-        // Wide on purpose
-        NameCase{"Archive Utility", "Arc"}, NameCase{"search", "Arc"}, NameCase{"xarchiver", "Arc"},
-        NameCase{"systemd-node-exporter", "Node.js"},
-
-        // The first rule that holds
-        NameCase{"safari-firefox", "Safari"}, NameCase{"search-node-python", "Arc"},
-        NameCase{"google chrome safari", "Google Chrome"}, NameCase{"clang-python", "Python"},
-        NameCase{"electron-node", "Electron Apps"},
-
-        // No rule: the name as it stands
-        NameCase{"Terminal", "Terminal"}, NameCase{"WindowServer", "WindowServer"},
-        NameCase{"", ""}, NameCase{"A", "A"}, NameCase{"ar c", "ar c"}, NameCase{"cra", "cra"},
-        NameCase{"gnome-shell", "gnome-shell"}, NameCase{"ÄÖÜ Größe", "ÄÖÜ Größe"},
-
-        // Letters outside ASCII
-        NameCase{"Größe-NODE", "Node.js"}, NameCase{"doc\u212Aer", "Docker"},
-        NameCase{"\u212A", "\u212A"}, NameCase{"SAFAR\u0130", "Safari"},
-        NameCase{"SW\u0130FT", "SW\u0130FT"}, NameCase{"a\u0280c", "a\u0280c"},
-        NameCase{"n\u00F6de", "n\u00F6de"},
-
-        // Bytes that are no text at all
-        NameCase{"\xFF\xFE node", "Node.js"}, NameCase{"doc\xE2\x84", "doc\xE2\x84"},
-        NameCase{"\xC4", "\xC4"}));
 
 TEST(AppGroupName, UsesOnlyTheLastPathComponent) {
     EXPECT_EQ(appGroupName(process(1, "/opt/google/chrome/chrome", 0, 0)), "Google Chrome");
@@ -120,21 +106,18 @@ TEST(AppGroupName, UsesOnlyTheLastPathComponent) {
 
 // The process order -------------------------------------------------------------------------------
 
-TEST(ImpactOrder, WithinOnePointMemoryDecides) {
-    EXPECT_THAT(pids(ranked({process(1, "a", 50.9, 10), process(2, "b", 50.0, 20)})),
-                ElementsAre(2, 1));
-    EXPECT_THAT(pids(ranked({process(1, "a", 50.0, 20), process(2, "b", 50.9, 10)})),
-                ElementsAre(1, 2));
-}
-
-TEST(ImpactOrder, BeyondOnePointCPUDecides) {
-    EXPECT_THAT(pids(ranked({process(1, "a", 50.0, 20), process(2, "b", 51.1, 10)})),
-                ElementsAre(2, 1));
-}
-
-TEST(ImpactOrder, ExactlyOnePointIsStillWithin) {
-    EXPECT_THAT(pids(ranked({process(1, "a", 51.0, 10), process(2, "b", 50.0, 20)})),
-                ElementsAre(2, 1));
+TEST(ImpactOrder, MemoryDecidesWithinOnePointAndCPUBeyond) {
+    struct Case {
+        double cpu, rssMB, otherCPU, otherRSSMB;
+        std::int64_t first;
+    };
+    for (const Case& each : {Case{50.9, 10, 50.0, 20, 2}, Case{50.0, 20, 50.9, 10, 1},
+                             Case{51.0, 10, 50.0, 20, 2}, Case{50.0, 20, 51.1, 10, 2}}) {
+        EXPECT_THAT(pids(ranked({process(1, "a", each.cpu, each.rssMB),
+                                 process(2, "b", each.otherCPU, each.otherRSSMB)})),
+                    ElementsAre(each.first, 3 - each.first))
+            << each.cpu << " and " << each.otherCPU;
+    }
 }
 
 TEST(ImpactOrder, FullTiesKeepTheOrderOfTheTable) {
@@ -157,8 +140,8 @@ TEST(ImpactOrder, CapsAtTheLimitAndCopiesWholeRows) {
     EXPECT_THAT(ranked({}), IsEmpty());
 }
 
-TEST(ImpactOrder, ToleratesCyclesInItsRelation) {
-    // 1 before 2 and 2 before 3 by memory, yet 3 before 1 by processor time.
+TEST(ImpactOrder, ToleratesACyclicRelation) {
+    // 1 before 2 and 2 before 3 by memory, but 3 before 1 by CPU.
     const std::vector<ProcessSample> rows{process(1, "a", 10.0, 30), process(2, "b", 10.8, 20),
                                           process(3, "c", 11.6, 10)};
     const std::vector<std::int64_t> once = pids(ranked(rows));
@@ -166,7 +149,7 @@ TEST(ImpactOrder, ToleratesCyclesInItsRelation) {
     EXPECT_EQ(pids(ranked(rows)), once);
 }
 
-TEST(ImpactOrder, KeepsEveryRowWhenFiguresAreNotNumbers) {
+TEST(ImpactOrder, KeepsEveryRowWithNaNAndInfinities) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     std::vector<ProcessSample> rows;
@@ -199,19 +182,48 @@ TEST(ImpactOrder, PutsTheHeaviestFirstInALargeTable) {
 
 // Groups ------------------------------------------------------------------------------------------
 
-TEST(BuildAppImpacts, NoRowsGiveNoGroups) {
-    EXPECT_THAT(impactsOf({}), IsEmpty());
+TEST(BuildAppImpacts, AddsUpAllMembersAndSelectsASafeTopProcess) {
+    struct Case {
+        const char* name;
+        std::vector<ProcessSample> rows;
+        std::vector<AppImpact> groups;
+        ProtectedAppNames neverQuit = {};
+    };
+    const Case cases[] = {
+        {"no rows", {}, {}},
+        {"two groups",
+         {process(10, "/opt/chrome", 5, 100), process(11, "/bin/vi", 9, 9),
+          process(12, "/opt/Chrome Helper", 7, 50)},
+         {{"Google Chrome", 2, 12.0, 150.0, 12, 0}, {"vi", 1, 9.0, 9.0, 11, 0}}},
+        {"the process order names the top",
+         {process(10, "firefox", 30.0, 10), process(11, "firefox", 30.9, 5),
+          process(12, "firefox", 30.5, 40)},
+         {{"Firefox", 3, 91.4, 55.0, 12, 0}}},
+        {"a safe process comes before a protected one",
+         {process(10, "/System/node", 90, 900), process(11, "/usr/bin/node", 2, 20),
+          process(12, "/usr/bin/node", 4, 10)},
+         {{"Node.js", 3, 96.0, 930.0, 12, 1}}},
+        {"a group of protected processes keeps its row",
+         {process(10, "/System/a/helper", 3, 20), process(11, "/System/b/helper", 8, 10)},
+         {{"helper", 2, 11.0, 30.0, 11, 2}}},
+        {"a Never Quit group is protected whole",
+         {process(10, "/System/node", 9, 9), process(11, "/usr/bin/node", 2, 20),
+          process(12, "/usr/bin/vi", 2, 20)},
+         {{"Node.js", 2, 11.0, 29.0, 10, 2}, {"vi", 1, 2.0, 20.0, 12, 0}},
+         {"Node.js"}},
+        {"this process is protected",
+         {process(policy.ownPID, "node", 50, 9), process(8, "node", 1, 9)},
+         {{"Node.js", 2, 51.0, 18.0, 8, 1}}},
+        {"Linux is not protected on other systems",
+         {process(10, "/usr/bin/gnome-shell", 9, 300)},
+         {{"gnome-shell", 1, 9.0, 300.0, 10, 0}}},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(impactsOf(each.rows, each.neverQuit), each.groups) << each.name;
+    }
 }
 
-TEST(BuildAppImpacts, AddsUpAllMembers) {
-    const auto impacts =
-        impactsOf({process(10, "/opt/chrome", 5, 100), process(11, "/bin/vi", 9, 9),
-                   process(12, "/opt/Chrome Helper", 7, 50)});
-    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Google Chrome", 2, 12.0, 150.0, 12, 0},
-                                     AppImpact{"vi", 1, 9.0, 9.0, 11, 0}));
-}
-
-TEST(BuildAppImpacts, LeavesOutWhatIsLightInBothFigures) {
+TEST(BuildAppImpacts, LeavesOutGroupsBelowBothLimits) {
     EXPECT_THAT(impactsOf({process(10, "light", 0.9, 79.9)}), IsEmpty());
     EXPECT_THAT(names(impactsOf({process(10, "heavy", 0.9, 80.0)})), ElementsAre("heavy"));
     EXPECT_THAT(names(impactsOf({process(10, "busy", 1.0, 0.0)})), ElementsAre("busy"));
@@ -226,40 +238,10 @@ TEST(BuildAppImpacts, WithinTwoPointsMemoryDecides) {
                 ElementsAre("a", "b"));
 }
 
-TEST(BuildAppImpacts, FullTiesStandInTheOrderOfTheTable) {
+TEST(BuildAppImpacts, FullTiesKeepTheOrderOfTheTable) {
     EXPECT_THAT(
         names(impactsOf({process(1, "c", 3, 1), process(2, "a", 3, 1), process(3, "b", 3, 1)})),
         ElementsAre("c", "a", "b"));
-}
-
-TEST(BuildAppImpacts, TheTopProcessFollowsTheProcessOrder) {
-    const auto impacts =
-        impactsOf({process(10, "firefox", 30.0, 10), process(11, "firefox", 30.9, 5),
-                   process(12, "firefox", 30.5, 40)});
-    ASSERT_EQ(impacts.size(), 1U);
-    EXPECT_EQ(impacts[0].topPID, 12);
-}
-
-TEST(BuildAppImpacts, TheTopProcessIsASafeOneWhereThereIsOne) {
-    const auto impacts =
-        impactsOf({process(10, "/System/node", 90, 900), process(11, "/usr/bin/node", 2, 20),
-                   process(12, "/usr/bin/node", 4, 10)});
-    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 3, 96.0, 930.0, 12, 1}));
-}
-
-TEST(BuildAppImpacts, AGroupOfProtectedProcessesKeepsItsRow) {
-    const auto impacts =
-        impactsOf({process(10, "/System/a/helper", 3, 20), process(11, "/System/b/helper", 8, 10)});
-    EXPECT_THAT(impacts, ElementsAre(AppImpact{"helper", 2, 11.0, 30.0, 11, 2}));
-}
-
-TEST(BuildAppImpacts, ANeverQuitGroupIsProtectedWhole) {
-    const std::vector<ProcessSample> rows{process(10, "/System/node", 9, 9),
-                                          process(11, "/usr/bin/node", 2, 20),
-                                          process(12, "/usr/bin/vi", 2, 20)};
-    const auto impacts = impactsOf(rows, {"Node.js"});
-    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 2, 11.0, 29.0, 10, 2},
-                                     AppImpact{"vi", 1, 2.0, 20.0, 12, 0}));
 }
 
 TEST(BuildAppImpacts, NeverQuitNamesAreExact) {
@@ -270,32 +252,20 @@ TEST(BuildAppImpacts, NeverQuitNamesAreExact) {
     EXPECT_EQ(impactsOf(rows, {"Node.js"})[0].protectedCount, 1);
 }
 
-TEST(BuildAppImpacts, CountsThisProcessAsProtected) {
-    const auto impacts =
-        impactsOf({process(policy.ownPID, "node", 50, 9), process(8, "node", 1, 9)});
-    EXPECT_THAT(impacts, ElementsAre(AppImpact{"Node.js", 2, 51.0, 18.0, 8, 1}));
+TEST(BuildAppImpacts, ProtectsTheLinuxSystemOnLinux) {
+    const auto impacts = buildAppImpacts({process(10, "/usr/bin/gnome-shell", 9, 300)}, {},
+                                         {.ownPID = 1000, .protectsLinuxSystem = true});
+    EXPECT_EQ(impacts.front().protectedCount, 1);
 }
 
-TEST(BuildAppImpacts, FollowsThePlatformsProtection) {
-    const std::vector<ProcessSample> rows{process(10, "/usr/bin/gnome-shell", 9, 300)};
-    EXPECT_EQ(buildAppImpacts(rows, {}, {.ownPID = 1000, .protectsLinuxSystem = false})
-                  .front()
-                  .protectedCount,
-              0);
-    EXPECT_EQ(buildAppImpacts(rows, {}, {.ownPID = 1000, .protectsLinuxSystem = true})
-                  .front()
-                  .protectedCount,
-              1);
-}
-
-TEST(BuildAppImpacts, KeepsGroupsWithFiguresThatAreNotNumbersApart) {
+TEST(BuildAppImpacts, NaNInOneGroupDoesNotAffectTheOthers) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(names(impactsOf({process(1, "odd", nan, 500), process(2, "gone", nan, nan),
                                  process(3, "even", 5, 5)})),
                 ElementsAre("odd", "even"));
 }
 
-TEST(BuildAppImpacts, AgreesWithACountDoneByHandOnALargeTable) {
+TEST(BuildAppImpacts, AgreesWithASimpleCountOnALargeTable) {
     std::mt19937 generator(9);
     std::uniform_real_distribution<double> figure(0.0, 40.0);
     std::vector<ProcessSample> rows;

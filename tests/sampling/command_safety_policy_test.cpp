@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string_view>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,32 +53,29 @@ TEST(CommandSafetyPolicy, SystemMonitorsAreTriedInAFixedOrder) {
 }
 
 TEST(CommandSafetyPolicy, PathsAreComparedExactly) {
-    const std::vector<std::string_view> others{
-        ""sv,
-        "ssh"sv,
-        "usr/bin/ssh"sv,
-        "./usr/bin/ssh"sv,
-        "/usr/bin/env"sv,
-        "/bin/sh"sv,
-        "/usr/bin/open"sv,
-        "/usr//bin/ssh"sv,
-        "//usr/bin/ssh"sv,
-        "/usr/bin/ssh/"sv,
-        "/usr/bin/./ssh"sv,
-        "/usr/bin/../bin/ssh"sv,
-        "/usr/bin/SSH"sv,
-        "/usr/bin/ssh "sv,
-        " /usr/bin/ssh"sv,
-        "/usr/bin/ssh\0"sv,
-        "/usr/bin/ssh\n"sv,
-        "/usr/bin/ssh-keygen"sv,
-        "/usr/bin/ss"sv,
-        "/bin/sync"sv,
-        "/sbin/sysctl"sv,
-        "/usr/bin/sysctl"sv,
-        "/usr/local/bin/pkexec"sv,
-    };
-    for (const std::string_view path : others) {
+    for (const std::string_view path : {""sv,
+                                        "ssh"sv,
+                                        "usr/bin/ssh"sv,
+                                        "./usr/bin/ssh"sv,
+                                        "/usr/bin/env"sv,
+                                        "/bin/sh"sv,
+                                        "/usr/bin/open"sv,
+                                        "/usr//bin/ssh"sv,
+                                        "//usr/bin/ssh"sv,
+                                        "/usr/bin/ssh/"sv,
+                                        "/usr/bin/./ssh"sv,
+                                        "/usr/bin/../bin/ssh"sv,
+                                        "/usr/bin/SSH"sv,
+                                        "/usr/bin/ssh "sv,
+                                        " /usr/bin/ssh"sv,
+                                        "/usr/bin/ssh\0"sv,
+                                        "/usr/bin/ssh\n"sv,
+                                        "/usr/bin/ssh-keygen"sv,
+                                        "/usr/bin/ss"sv,
+                                        "/bin/sync"sv,
+                                        "/sbin/sysctl"sv,
+                                        "/usr/bin/sysctl"sv,
+                                        "/usr/local/bin/pkexec"sv}) {
         EXPECT_FALSE(isAllowedExecutable(macOSExecutables(), path)) << path;
         EXPECT_FALSE(isAllowedExecutable(linuxExecutables(), path)) << path;
     }

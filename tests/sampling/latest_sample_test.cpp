@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/observable.h"
 #include "sampling/app_impact.h"
 #include "tests/support/test_services.h"
 
@@ -22,7 +23,7 @@ using ::testing::Pair;
 
 class LatestSampleTest : public ::testing::Test {
 protected:
-    /// A snapshot that `leader` leads, if it is not empty.
+    /// A snapshot whose first group is `leader`; without groups when it is empty.
     static SystemSnapshot ledBy(const std::string& leader) {
         SystemSnapshot snapshot;
         if (!leader.empty()) {
@@ -107,6 +108,16 @@ TEST_F(LatestSampleTest, Keeps180PointsAndDropsTheOldest) {
     EXPECT_EQ(storedHistory(), sample.history());
 }
 
+TEST_F(LatestSampleTest, AReadOnlyRunBeginsWithoutTheStoredHistory) {
+    with.settings.save(stored::history, {{UUID::random(), Date{1}, 100.0, 100.0}});
+    LatestSample readOnly(with.settings, with.mainQueue, true);
+    EXPECT_TRUE(readOnly.history().empty());
+    readOnly.setSnapshot(snapshotAt(500));
+    readOnly.appendHistoryPoint();
+    ASSERT_EQ(readOnly.history().size(), 1U);
+    EXPECT_EQ(readOnly.history().front().date, Date{500});
+}
+
 TEST_F(LatestSampleTest, LoadsALongHistoryCompletelyAndTrimsItWithTheFirstSample) {
     std::vector<HistoryPoint> old;
     for (int i = 0; i < 500; ++i) {
@@ -142,7 +153,7 @@ TEST_F(LatestSampleTest, Keeps80NamesWhateverTheirCounts) {
 }
 
 TEST_F(LatestSampleTest, RebuildsTheCountsFromThe40HighestAtTheEightyFirstName) {
-    // Names 0 to 79 with counts 2 to 81, so that the newcomer with its 1 is the lowest of all.
+    // Names 0 to 79 have counts of 2 to 81, so the newcomer, with 1, has the lowest count.
     for (int name = 0; name < 80; ++name) {
         for (int count = 0; count < name + 2; ++count) {
             countLeader(fmt::format("App {:02}", name));
@@ -155,7 +166,7 @@ TEST_F(LatestSampleTest, RebuildsTheCountsFromThe40HighestAtTheEightyFirstName) 
     }
 }
 
-TEST_F(LatestSampleTest, KeepsEveryHigherCountWhenTheLowestKeptIsShared) {
+TEST_F(LatestSampleTest, KeepsEveryHigherCountWhenTheLowestKeptCountIsShared) {
     for (int name = 0; name < 81; ++name) {
         // Ten names come first twice, the others once. Which of the others are kept is unspecified.
         for (int count = 0; count < (name % 8 == 0 && name < 80 ? 2 : 1); ++count) {

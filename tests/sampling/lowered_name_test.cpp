@@ -14,19 +14,13 @@ TEST(LoweredName, IsSearchedInLowerCase) {
         bool equals;
     };
     LoweredName lowered;
-    for (const Case& c : {
-             Case{"docker", true, true},
-             Case{"DOCKER", true, true},
-             Case{"com.Docker.backend", true, false},
-             Case{"rekcod", false, false},
-             Case{"docke", false, false},
-             Case{"", false, false},
-             Case{"DoC\u212AeR", true, true},  // its sign for kelvin is a letter k
-             Case{"d\u00D6cker", false, false},
-             Case{"\xFF docker\xE2\x84", true, false},
-             Case{"dock\xE2\x84", false, false},
-             Case{std::string("do\0cker", 7), false, false},
-         }) {
+    for (const Case& c :
+         {Case{"docker", true, true}, Case{"DOCKER", true, true},
+          Case{"com.Docker.backend", true, false}, Case{"rekcod", false, false},
+          Case{"docke", false, false}, Case{"", false, false},
+          Case{"DoC\u212AeR", true, true},  // the kelvin sign is a k in lower case
+          Case{"d\u00D6cker", false, false}, Case{"\xFF docker\xE2\x84", true, false},
+          Case{"dock\xE2\x84", false, false}, Case{std::string("do\0cker", 7), false, false}}) {
         lowered.assign(c.name);
         EXPECT_EQ(lowered.contains(NameNeedle("docker")), c.contains) << c.name;
         EXPECT_EQ(lowered.equals(NameNeedle("docker")), c.equals) << c.name;

@@ -10,17 +10,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
 #include "tests/support/fixture.h"
 
 namespace tallowcrest {
 namespace {
 
-using testing::AllOf;
 using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 /// Gives each tool its own output; a tool without one fails to launch.
@@ -61,6 +60,7 @@ TEST_F(ProSystemMetricsReaderTest, ReadsTheProcessTable) {
 
     ASSERT_EQ(rows.size(), 5U);
     EXPECT_EQ(rows[2].pid, 402);
+    EXPECT_THAT(rows, Each(Field(&ProcessSample::startTime, 0U))) << "no source of start times";
     EXPECT_THAT(launcher.launched, ElementsAre("/bin/ps"));
     EXPECT_THAT(launcher.argumentsOf["/bin/ps"],
                 ElementsAre("-axo", "pid=,pcpu=,pmem=,rss=,comm="));
@@ -73,29 +73,17 @@ TEST_F(ProSystemMetricsReaderTest, RowsGetTheStartTimesReadBeforeThem) {
     ProSystemMetricsReader timed(
         MetricRunner(CommandSafetyPolicy::macOSExecutables(), launcher),
         std::make_unique<FakeHomeVolume>(), [&] {
-            EXPECT_THAT(launcher.launched, SizeIs(readings)) << "a later one may be another's";
+            EXPECT_THAT(launcher.launched, SizeIs(readings)) << "must be read before the rows";
             ++readings;
             return std::unordered_map<std::int64_t, std::uint64_t>{{7, 700}, {9, 900}, {10, 1000}};
         });
     const auto startTimes = [&] {
-        std::vector<std::uint64_t> times;
-        for (const ProcessSample& row : timed.readProcesses()) {
-            times.push_back(row.startTime);
-        }
-        return times;
+        return eachOf(timed.readProcesses(), &ProcessSample::startTime);
     };
-
     EXPECT_THAT(startTimes(), ElementsAre(700U, 0U, 900U));
-    EXPECT_EQ(readings, 1) << "one for all rows";
+    EXPECT_EQ(readings, 1) << "one reading for all rows";
     EXPECT_THAT(startTimes(), ElementsAre(700U, 0U, 900U));
-    EXPECT_EQ(readings, 2) << "a fresh one for each sample";
-}
-
-TEST_F(ProSystemMetricsReaderTest, WithoutStartTimesNoRowHasOne) {
-    launcher.outputs["/bin/ps"] = readFixture("ps/plain.txt");
-
-    EXPECT_THAT(reader.readProcesses(),
-                AllOf(Not(IsEmpty()), Each(Field(&ProcessSample::startTime, 0U))));
+    EXPECT_EQ(readings, 2) << "a new reading for each sample";
 }
 
 TEST_F(ProSystemMetricsReaderTest, ReadsTheMemoryFromTwoTools) {
@@ -123,15 +111,11 @@ TEST_F(ProSystemMetricsReaderTest, ReadsTheDiskWithoutATool) {
     EXPECT_THAT(launcher.launched, IsEmpty());
 }
 
-TEST_F(ProSystemMetricsReaderTest, FailingToolsGiveEmptyFigures) {
+TEST_F(ProSystemMetricsReaderTest, FailingToolsAndInvalidUTF8GiveEmptyFigures) {
     EXPECT_THAT(reader.readProcesses(), IsEmpty());
     EXPECT_EQ(reader.readMemory(), MemorySnapshot{});
     EXPECT_EQ(reader.readPressureText(), "Memory pressure unavailable");
-}
-
-TEST_F(ProSystemMetricsReaderTest, InvalidUTF8CountsAsNoOutput) {
     launcher.outputs["/bin/ps"] = "1 0.0 0.0 0 good\n2 0.0 0.0 0 \xff\n";
-
     EXPECT_THAT(reader.readProcesses(), IsEmpty());
 }
 

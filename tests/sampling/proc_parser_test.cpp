@@ -102,7 +102,7 @@ struct NumberCase {
     std::optional<std::int32_t> number;
 };
 
-TEST(NewestProcessIDTest, IsTheLastFieldOfTheLoad) {
+TEST(NewestProcessIDTest, IsTheFifthFieldOfTheLoad) {
     const NumberCase cases[] = {
         {"0.52 0.58 0.59 2/1284 22183\n", 22183},
         {"0.52 0.58 0.59 2/1284 1\n", 1},

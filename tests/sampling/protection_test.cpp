@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/words_of.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -76,64 +78,45 @@ TEST(IsProtectedOnLinux, KernelThreads) {
     }
 }
 
-class LinuxSystemCommand : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(LinuxSystemCommand, IsProtectedOnLinuxOnly) {
-    const ProcessSample row = process(900, GetParam());
-    EXPECT_TRUE(isProtectedOnLinux(row));
-    EXPECT_TRUE(isProtected(row, onLinux));
-    EXPECT_FALSE(isProtected(row, everywhere));
+TEST(IsProtectedOnLinux, TheSystemOnLinuxOnly) {
+    for (const std::string& command : wordsOf(
+             "/usr/bin/tallowcrest /opt/tallowcrest/bin/tallowcrest-desktop "
+             "/usr/lib/systemd/systemd /lib/systemd/systemd (sd-pam) "
+             "/usr/lib/systemd/systemd-journald /lib/systemd/systemd-udevd "
+             "/usr/lib/systemd/systemd-resolved /usr/lib/systemd/systemd-networkd "
+             "/usr/lib/systemd/systemd-timesyncd /usr/lib/systemd/systemd-oomd "
+             "/usr/lib/systemd/systemd-logind /usr/lib/xorg/Xorg /usr/bin/Xwayland /usr/bin/X "
+             "/usr/bin/gnome-shell /usr/bin/kwin_x11 /usr/bin/kwin_wayland /usr/bin/mutter "
+             "/usr/bin/weston /usr/bin/sway /usr/bin/labwc /usr/bin/wayfire /usr/bin/Hyprland "
+             "/usr/bin/xfwm4 /usr/bin/openbox /usr/bin/marco /usr/bin/muffin /usr/bin/cinnamon "
+             "/usr/bin/plasmashell /usr/bin/xfce4-panel /usr/lib/gnome-session-binary "
+             "/usr/bin/ksmserver /usr/bin/plasma_session /usr/bin/startplasma-x11 "
+             "/usr/bin/startplasma-wayland /usr/bin/xfce4-session /usr/bin/mate-session "
+             "/usr/bin/lxsession /usr/bin/lxqt-session /usr/bin/cinnamon-session /usr/sbin/gdm3 "
+             "/usr/lib/gdm3/gdm-session-worker /usr/lib/gdm3/gdm-x-session "
+             "/usr/lib/gdm3/gdm-wayland-session /usr/bin/sddm /usr/lib/sddm/sddm-helper "
+             "/usr/sbin/lightdm /usr/sbin/greetd /usr/sbin/lxdm /usr/bin/xdm /usr/lib/elogind "
+             "/usr/bin/login /sbin/agetty /usr/bin/dbus-daemon /usr/bin/dbus-broker "
+             "/usr/bin/dbus-broker-launch /usr/bin/pipewire /usr/bin/pipewire-pulse "
+             "/usr/bin/pipewire-media-session /usr/bin/wireplumber /usr/bin/pulseaudio "
+             "/usr/sbin/NetworkManager /sbin/wpa_supplicant /usr/lib/iwd /usr/lib/polkit-1/polkitd "
+             "/usr/lib/policykit-1-gnome/polkit-gnome-authentication-agent-1 "
+             "/usr/lib/x86_64-linux-gnu/polkit-kde-authentication-agent-1 /usr/sbin/sshd")) {
+        const ProcessSample row = process(900, command);
+        EXPECT_TRUE(isProtectedOnLinux(row)) << command;
+        EXPECT_TRUE(isProtected(row, onLinux)) << command;
+        EXPECT_FALSE(isProtected(row, everywhere)) << command;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Commands, LinuxSystemCommand,
-    ::testing::Values(
-        "/usr/bin/tallowcrest", "/opt/tallowcrest/bin/tallowcrest-desktop",
-        "/usr/lib/systemd/systemd", "/lib/systemd/systemd", "(sd-pam)",
-        "/usr/lib/systemd/systemd-journald", "/lib/systemd/systemd-udevd",
-        "/usr/lib/systemd/systemd-resolved", "/usr/lib/systemd/systemd-networkd",
-        "/usr/lib/systemd/systemd-timesyncd", "/usr/lib/systemd/systemd-oomd",
-        "/usr/lib/systemd/systemd-logind", "/usr/lib/xorg/Xorg", "/usr/bin/Xwayland", "/usr/bin/X",
-        "/usr/bin/gnome-shell", "/usr/bin/kwin_x11", "/usr/bin/kwin_wayland", "/usr/bin/mutter",
-        "/usr/bin/weston", "/usr/bin/sway", "/usr/bin/labwc", "/usr/bin/wayfire",
-        "/usr/bin/Hyprland", "/usr/bin/xfwm4", "/usr/bin/openbox", "/usr/bin/marco",
-        "/usr/bin/muffin", "/usr/bin/cinnamon", "/usr/bin/plasmashell", "/usr/bin/xfce4-panel",
-        "/usr/lib/gnome-session-binary", "/usr/bin/ksmserver", "/usr/bin/plasma_session",
-        "/usr/bin/startplasma-x11", "/usr/bin/startplasma-wayland", "/usr/bin/xfce4-session",
-        "/usr/bin/mate-session", "/usr/bin/lxsession", "/usr/bin/lxqt-session",
-        "/usr/bin/cinnamon-session", "/usr/sbin/gdm3", "/usr/lib/gdm3/gdm-session-worker",
-        "/usr/lib/gdm3/gdm-x-session", "/usr/lib/gdm3/gdm-wayland-session", "/usr/bin/sddm",
-        "/usr/lib/sddm/sddm-helper", "/usr/sbin/lightdm", "/usr/sbin/greetd", "/usr/sbin/lxdm",
-        "/usr/bin/xdm", "/usr/lib/elogind", "/usr/bin/login", "/sbin/agetty",
-        "/usr/bin/dbus-daemon", "/usr/bin/dbus-broker", "/usr/bin/dbus-broker-launch",
-        "/usr/bin/pipewire", "/usr/bin/pipewire-pulse", "/usr/bin/pipewire-media-session",
-        "/usr/bin/wireplumber", "/usr/bin/pulseaudio", "/usr/sbin/NetworkManager",
-        "/sbin/wpa_supplicant", "/usr/lib/iwd", "/usr/lib/polkit-1/polkitd",
-        "/usr/lib/policykit-1-gnome/polkit-gnome-authentication-agent-1",
-        "/usr/lib/x86_64-linux-gnu/polkit-kde-authentication-agent-1", "/usr/sbin/sshd"));
-
 TEST(IsProtectedOnLinux, OrdinaryProgramsAreNot) {
-    for (const char* command : {"/usr/bin/firefox",
-                                "/usr/bin/bash",
-                                "/usr/bin/systemd-inhibit",
-                                "/usr/bin/ssh",
-                                "/usr/bin/ssh-agent",
-                                "/usr/bin/xterm",
-                                "/usr/bin/sshd2",
-                                "/usr/bin/SYSTEMD",
-                                "/usr/bin/Sway",
-                                "/usr/bin/x",
-                                "/usr/bin/gnome-shell-calendar-server",
-                                "/home/user/sway/editor",
-                                "/usr/bin/sshd (replaced)",
-                                "/opt/sshd: tool",
-                                "bash",
-                                "-bash",
-                                "notsshd: user",
-                                "",
-                                " sway",
-                                ": sway",
-                                "/"}) {
+    std::vector<std::string> others = wordsOf(
+        "/usr/bin/firefox /usr/bin/bash /usr/bin/systemd-inhibit /usr/bin/ssh /usr/bin/ssh-agent "
+        "/usr/bin/xterm /usr/bin/sshd2 /usr/bin/SYSTEMD /usr/bin/Sway /usr/bin/x "
+        "/usr/bin/gnome-shell-calendar-server /home/user/sway/editor bash -bash /");
+    others.insert(others.end(), {"/usr/bin/sshd (replaced)", "/opt/sshd: tool", "notsshd: user", "",
+                                 " sway", ": sway"});
+    for (const std::string& command : others) {
         EXPECT_FALSE(isProtectedOnLinux(process(900, command))) << command;
     }
 }

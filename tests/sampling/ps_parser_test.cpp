@@ -2,11 +2,13 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/each_of.h"
 #include "tests/support/fixture.h"
 
 namespace tallowcrest {
@@ -16,11 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    std::vector<std::int64_t> result;
-    for (const ProcessSample& row : rows) {
-        result.push_back(row.pid);
-    }
-    return result;
+    return eachOf(rows, &ProcessSample::pid);
 }
 
 TEST(PSParserTest, FillsEveryFieldInTableOrder) {
@@ -45,13 +43,9 @@ TEST(PSParserTest, KeepsAllBlanksOfACommand) {
     EXPECT_EQ(rows[1].arguments, rows[1].command);
 }
 
-TEST(PSParserTest, SkipsBadRowsAndKeepsTheRest) {
-    const auto rows = parseProcessRows(readFixture("ps/bad_rows_between_good_ones.txt"));
-
-    EXPECT_THAT(pids(rows), ElementsAre(10, 18));
-}
-
-TEST(PSParserTest, SkipsARowThatTheDeadlineTruncated) {
+TEST(PSParserTest, SkipsBadAndTruncatedRowsAndKeepsTheRest) {
+    EXPECT_THAT(pids(parseProcessRows(readFixture("ps/bad_rows_between_good_ones.txt"))),
+                ElementsAre(10, 18));
     EXPECT_THAT(pids(parseProcessRows(readFixture("ps/cut_at_the_deadline.txt"))), ElementsAre(20));
 }
 
@@ -69,49 +63,55 @@ TEST(PSParserTest, GivesNoRowsForEmptyText) {
     }
 }
 
-struct RowCase {
-    std::string line;
-    bool isKept;
-};
-
-class PSRowTest : public testing::TestWithParam<RowCase> {};
-
-TEST_P(PSRowTest, IsKeptOrSkipped) {
-    const std::string text = "1 0.0 0.0 0 before\n" + GetParam().line + "\n3 0.0 0.0 0 after\n";
-    const auto rows = parseProcessRows(text);
-
-    EXPECT_EQ(rows.size(), GetParam().isKept ? 3U : 2U) << GetParam().line;
-    EXPECT_EQ(rows.front().command, "before");
-    EXPECT_EQ(rows.back().command, "after");
+TEST(PSParserTest, KeepsOnlyRowsOfNumbersAndACommand) {
+    struct Case {
+        const char* line;
+        bool isKept;
+    };
+    for (const Case& each : {Case{"2 1 2 3 x", true},
+                             Case{"+2 +1.5 .5 5. x", true},
+                             Case{"2 1e2 1E-3 1e+3 x", true},
+                             Case{"-2 1 2 3 x", true},
+                             Case{"2 1e400 2 3 x", false},
+                             Case{"2 1 NaN 3 x", false},
+                             Case{"2 1 nan(5) 3 x", false},
+                             Case{"2 infinity 2 3 x", false},
+                             Case{"2 -inf 2 3 x", false},
+                             Case{"2 0x1p3 2 3 x", false},
+                             Case{"2 1.0.0 2 3 x", false},
+                             Case{"2 1e 2 3 x", false},
+                             Case{"2 . 2 3 x", false},
+                             Case{"2 - 2 3 x", false},
+                             Case{"2 +-1 2 3 x", false},
+                             Case{"2 1 2 3K x", false},
+                             Case{"2.0 1 2 3 x", false},
+                             Case{"0x2 1 2 3 x", false},
+                             Case{"two 1 2 3 x", false},
+                             Case{"9223372036854775807 1 2 3 x", true},
+                             Case{"9223372036854775808 1 2 3 x", false},
+                             Case{"2\t1\t2\t3\tx", false},
+                             Case{"2", false},
+                             Case{"2 1 2 3", false},
+                             Case{"2 1 2 3 ", false},
+                             Case{"2 1 2 3      ", false},
+                             Case{"      2     1   2   3   x", true},
+                             Case{"2 1 2 3 4 5 6 7", true}}) {
+        SCOPED_TRACE(each.line);
+        const auto rows = parseProcessRows("1 0.0 0.0 0 before\n" + std::string(each.line) +
+                                           "\n3 0.0 0.0 0 after\n");
+        EXPECT_EQ(rows.size(), each.isKept ? 3U : 2U);
+        EXPECT_EQ(rows.front().command, "before");
+        EXPECT_EQ(rows.back().command, "after");
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Numbers, PSRowTest,
-    testing::Values(RowCase{"2 1 2 3 x", true}, RowCase{"+2 +1.5 .5 5. x", true},
-                    RowCase{"2 1e2 1E-3 1e+3 x", true}, RowCase{"-2 1 2 3 x", true},
-                    RowCase{"2 1e400 2 3 x", false}, RowCase{"2 1 NaN 3 x", false},
-                    RowCase{"2 1 nan(5) 3 x", false}, RowCase{"2 infinity 2 3 x", false},
-                    RowCase{"2 -inf 2 3 x", false}, RowCase{"2 0x1p3 2 3 x", false},
-                    RowCase{"2 1.0.0 2 3 x", false}, RowCase{"2 1e 2 3 x", false},
-                    RowCase{"2 . 2 3 x", false}, RowCase{"2 - 2 3 x", false},
-                    RowCase{"2 +-1 2 3 x", false}, RowCase{"2 1 2 3K x", false},
-                    RowCase{"2.0 1 2 3 x", false}, RowCase{"0x2 1 2 3 x", false},
-                    RowCase{"two 1 2 3 x", false}, RowCase{"9223372036854775807 1 2 3 x", true},
-                    RowCase{"9223372036854775808 1 2 3 x", false},
-                    RowCase{"2\t1\t2\t3\tx", false}));
-
-INSTANTIATE_TEST_SUITE_P(Columns, PSRowTest,
-                         testing::Values(RowCase{"2", false}, RowCase{"2 1 2 3", false},
-                                         RowCase{"2 1 2 3 ", false},
-                                         RowCase{"2 1 2 3      ", false},
-                                         RowCase{"      2     1   2   3   x", true},
-                                         RowCase{"2 1 2 3 4 5 6 7", true}));
-
-TEST(PSParserTest, RemovesBlanksBeforeTheCommandAndKeepsThoseAfterIt) {
-    const auto rows = parseProcessRows("  2   1.0   2.0   3    a  b  \n");
-
-    ASSERT_EQ(rows.size(), 1U);
-    EXPECT_EQ(rows[0].command, "a  b  ");
+TEST(PSParserTest, KeepsACommandUnchangedAfterItsLeadingBlanks) {
+    for (const auto& [line, command] :
+         {std::pair{"  2   1.0   2.0   3    a  b  \n", "a  b  "}, {"2 1 2 3 x\r\n", "x\r"}}) {
+        const auto rows = parseProcessRows(line);
+        ASSERT_EQ(rows.size(), 1U);
+        EXPECT_EQ(rows[0].command, command);
+    }
 }
 
 TEST(PSParserTest, LimitsImpossibleFigures) {
@@ -128,13 +128,6 @@ TEST(PSParserTest, LimitsImpossibleFigures) {
     EXPECT_EQ(rows[1].memoryPercent, 0.0);
     EXPECT_EQ(rows[1].rssMB, 0.0);
     EXPECT_FALSE(std::signbit(rows[2].cpu));
-}
-
-TEST(PSParserTest, KeepsACarriageReturnAsPartOfTheCommand) {
-    const auto rows = parseProcessRows("2 1 2 3 x\r\n");
-
-    ASSERT_EQ(rows.size(), 1U);
-    EXPECT_EQ(rows[0].command, "x\r");
 }
 
 }  // namespace

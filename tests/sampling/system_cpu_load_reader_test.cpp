@@ -1,33 +1,17 @@
 #include "sampling/system_cpu_load_reader.h"
 
-#include <deque>
 #include <limits>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/fake_readers.h"
+
 namespace tallowcrest {
 namespace {
-
-/// Gives the readings in order, then repeats the last one.
-class FakeTickSource final : public CPUTickSource {
-public:
-    explicit FakeTickSource(std::deque<std::optional<CPUTicks>> readings)
-        : readings_(std::move(readings)) {}
-
-    std::optional<CPUTicks> readTicks() override {
-        const auto reading = readings_.front();
-        if (readings_.size() > 1) {
-            readings_.pop_front();
-        }
-        return reading;
-    }
-
-private:
-    std::deque<std::optional<CPUTicks>> readings_;
-};
 
 TEST(BusyPercentTest, IsTheShareOfBusyTicks) {
     const CPUTicks before{100, 200, 300, 400};
@@ -51,46 +35,39 @@ TEST(BusyPercentTest, HandlesTheLargestCounters) {
     EXPECT_DOUBLE_EQ(*busyPercent({}, {largest, largest, largest, largest}), 75.0);
 }
 
-TEST(SystemCPULoadReaderTest, FirstCallGivesTheLoadSinceConstruction) {
-    FakeTickSource source({CPUTicks{0, 0, 0, 0}, CPUTicks{30, 0, 70, 0}, CPUTicks{30, 0, 80, 0}});
-    SystemCPULoadReader reader(source);
-
-    EXPECT_EQ(reader.readCPUPercent(), 30.0);
-    EXPECT_EQ(reader.readCPUPercent(), 0.0);
-}
-
-TEST(SystemCPULoadReaderTest, FirstCallAfterAFailedPrimingGivesNothing) {
-    FakeTickSource source({std::nullopt, CPUTicks{10, 0, 90, 0}, CPUTicks{20, 0, 100, 0}});
-    SystemCPULoadReader reader(source);
-
-    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
-    EXPECT_EQ(reader.readCPUPercent(), 50.0);
-}
-
-TEST(SystemCPULoadReaderTest, AFailedReadKeepsThePreviousCounters) {
-    FakeTickSource source(
-        {CPUTicks{0, 0, 0, 0}, std::nullopt, std::nullopt, CPUTicks{40, 0, 60, 0}});
-    SystemCPULoadReader reader(source);
-
-    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
-    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
-    EXPECT_EQ(reader.readCPUPercent(), 40.0);
-}
-
-TEST(SystemCPULoadReaderTest, ADecreasedCounterCountsAsUnchanged) {
-    FakeTickSource source(
-        {CPUTicks{4294967290, 0, 0, 0}, CPUTicks{5, 50, 50, 0}, CPUTicks{15, 50, 60, 0}});
-    SystemCPULoadReader reader(source);
-
-    EXPECT_EQ(reader.readCPUPercent(), 50.0);
-    EXPECT_EQ(reader.readCPUPercent(), 50.0);
-}
-
-TEST(SystemCPULoadReaderTest, NoTickInBetweenGivesNothing) {
-    FakeTickSource source({CPUTicks{10, 10, 10, 10}});
-    SystemCPULoadReader reader(source);
-
-    EXPECT_EQ(reader.readCPUPercent(), std::nullopt);
+TEST(SystemCPULoadReaderTest, EachCallGivesTheLoadSinceTheLastSuccessfulReading) {
+    using Ticks = std::optional<CPUTicks>;
+    using Load = std::optional<double>;
+    constexpr Load none;
+    struct Case {
+        const char* name;
+        Ticks atConstruction;
+        std::vector<std::pair<Ticks, Load>> readings;  ///< and the load that each gives
+    };
+    const Case cases[] = {
+        {"since construction",
+         CPUTicks{0, 0, 0, 0},
+         {{CPUTicks{30, 0, 70, 0}, 30.0}, {CPUTicks{30, 0, 80, 0}, 0.0}}},
+        {"the read at construction failed",
+         std::nullopt,
+         {{CPUTicks{10, 0, 90, 0}, none}, {CPUTicks{20, 0, 100, 0}, 50.0}}},
+        {"failed reads keep the previous counters",
+         CPUTicks{0, 0, 0, 0},
+         {{std::nullopt, none}, {std::nullopt, none}, {CPUTicks{40, 0, 60, 0}, 40.0}}},
+        {"a decreased counter counts as unchanged",
+         CPUTicks{4294967290, 0, 0, 0},
+         {{CPUTicks{5, 50, 50, 0}, 50.0}, {CPUTicks{15, 50, 60, 0}, 50.0}}},
+        {"no tick in between", CPUTicks{10, 10, 10, 10}, {{CPUTicks{10, 10, 10, 10}, none}}},
+    };
+    for (const Case& each : cases) {
+        FakeTickSource source;
+        source.ticks = each.atConstruction;
+        SystemCPULoadReader reader(source);
+        for (const auto& [ticks, load] : each.readings) {
+            source.ticks = ticks;
+            EXPECT_EQ(reader.readCPUPercent(), load) << each.name;
+        }
+    }
 }
 
 /// Advances with each reading, from any thread; a quarter of the time is busy.
@@ -109,16 +86,16 @@ private:
 };
 
 TEST(SystemCPULoadReaderTest, OverlappingCallsKeepTheFourCountersTogether) {
-    RunningTickSource source;
-    SystemCPULoadReader reader(source);
+    RunningTickSource running;
+    SystemCPULoadReader shared(running);
     constexpr int callsPerThread = 2000;
 
     std::vector<std::vector<double>> loads(4);
     std::vector<std::jthread> threads;
     for (auto& seen : loads) {
-        threads.emplace_back([&reader, &seen] {
+        threads.emplace_back([&shared, &seen] {
             for (int call = 0; call < callsPerThread; ++call) {
-                if (const auto load = reader.readCPUPercent()) {
+                if (const auto load = shared.readCPUPercent()) {
                     seen.push_back(*load);
                 }
             }

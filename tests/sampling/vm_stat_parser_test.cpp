@@ -1,6 +1,7 @@
 #include "sampling/vm_stat_parser.h"
 
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,11 +55,8 @@ TEST(VMStatParserTest, UsesTheOutputBeforeTheDeadline) {
     EXPECT_DOUBLE_EQ(memory.pressure, 12.5);
 }
 
-TEST(VMStatParserTest, KeepsOnlyTheDigitsOfAValue) {
+TEST(VMStatParserTest, KeepsTheDigitsOfEachLineWithAKey) {
     EXPECT_THAT(parsePageCounts("Pages free:      1234.\n"), ElementsAre(Pair("Pages free", 1234)));
-}
-
-TEST(VMStatParserTest, SkipsLinesWithoutAKeyOrANumber) {
     EXPECT_THAT(
         parsePageCounts(readFixture("vm_stat/odd_lines.txt")),
         ElementsAre(Pair(" Pages active", 50), Pair("Mach Virtual Memory Statistics", 16384),
@@ -66,10 +64,7 @@ TEST(VMStatParserTest, SkipsLinesWithoutAKeyOrANumber) {
 }
 
 TEST(VMStatParserTest, ReadsThePageSize) {
-    const struct {
-        std::string text;
-        std::int64_t size;
-    } cases[] = {
+    const std::pair<const char*, std::int64_t> cases[] = {
         {"(page size of 16384 bytes)", 16384},
         {"page size of 1 bytes", 1},
         {"", 4096},
@@ -82,8 +77,7 @@ TEST(VMStatParserTest, ReadsThePageSize) {
         {"page size of 0 bytes", 4096},
         {"page size of 99999999999999999999 bytes", 4096},
         {"page size of page size of 8192 bytes", 8192},
-        {"page size of x bytes, page size of 8192 bytes, page size of 1 bytes", 8192},
-    };
+        {"page size of x bytes, page size of 8192 bytes, page size of 1 bytes", 8192}};
     for (const auto& [text, size] : cases) {
         EXPECT_EQ(parsePageSize(text), size) << text;
     }
@@ -100,8 +94,23 @@ TEST(VMStatParserTest, UnknownPhysicalMemoryCapsThePressureAsSoonAsAPageIsActive
     EXPECT_EQ(memorySnapshot("", "Pages active: 0.\nPages free: 10.\n").pressure, 0.0);
 }
 
-TEST(VMStatParserTest, TrimsThePhysicalMemory) {
-    EXPECT_DOUBLE_EQ(memorySnapshot(" \t1073741824\r\n\n", "").totalGB, 1.0);
+TEST(VMStatParserTest, DividesThePhysicalMemory) {
+    struct Case {
+        const char* memsize;
+        const char* pages;
+        double totalGB, pressure;
+    };
+    for (const Case& each :
+         {Case{"", "", 0, 0}, Case{" \t1073741824\r\n\n", "", 1, 0},
+          // Two and a half pages count as two, less than one page as one.
+          Case{"10240", "Pages active: 1.\n", 10240 / gigabyte, 50},
+          Case{"100", "Pages active: 1.\n", 100 / gigabyte, 100},
+          Case{"8192", "Pages active: 2.\nPages wired down: 1.\n", 8192 / gigabyte, 100}}) {
+        const auto memory = memorySnapshot(each.memsize, each.pages);
+        EXPECT_DOUBLE_EQ(memory.totalGB, each.totalGB) << each.memsize;
+        EXPECT_DOUBLE_EQ(memory.pressure, each.pressure) << each.memsize;
+    }
+    EXPECT_EQ(memorySnapshot("", ""), MemorySnapshot{});
 }
 
 TEST(VMStatParserTest, MoreFreeThanPhysicalMemoryGivesNothingUsed) {
@@ -109,21 +118,6 @@ TEST(VMStatParserTest, MoreFreeThanPhysicalMemoryGivesNothingUsed) {
 
     EXPECT_GT(memory.freeGB, memory.totalGB);
     EXPECT_EQ(memory.usedGB, 0.0);
-}
-
-TEST(VMStatParserTest, CountsWholePagesOfPhysicalMemory) {
-    // Two and a half pages count as two.
-    EXPECT_DOUBLE_EQ(memorySnapshot("10240", "Pages active: 1.\n").pressure, 50.0);
-    // Less than one page counts as one.
-    EXPECT_DOUBLE_EQ(memorySnapshot("100", "Pages active: 1.\n").pressure, 100.0);
-}
-
-TEST(VMStatParserTest, CapsThePressure) {
-    EXPECT_EQ(memorySnapshot("8192", "Pages active: 2.\nPages wired down: 1.\n").pressure, 100.0);
-}
-
-TEST(VMStatParserTest, EmptyTextGivesZeros) {
-    EXPECT_EQ(memorySnapshot("", ""), MemorySnapshot{});
 }
 
 TEST(VMStatParserTest, TheLargestCountsStayFinite) {
@@ -144,12 +138,10 @@ TEST(PressureTextTest, IsTrimmedAndOtherwiseVerbatim) {
     EXPECT_EQ(pressureText(readFixture("memory_pressure/stall_shares_of_linux.txt")),
               "some avg10=0.12 avg60=0.05 avg300=0.01 total=482113\n"
               "full avg10=0.00 avg60=0.00 avg300=0.00 total=90211");
-}
-
-TEST(PressureTextTest, SaysWhenThereIsNone) {
-    EXPECT_EQ(pressureText(""), "Memory pressure unavailable");
-    EXPECT_EQ(pressureText(readFixture("memory_pressure/blanks_only.txt")),
-              "Memory pressure unavailable");
+    for (const std::string& none :
+         {std::string(), readFixture("memory_pressure/blanks_only.txt")}) {
+        EXPECT_EQ(pressureText(none), "Memory pressure unavailable");
+    }
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/remote_records.h"
 #include "monitor/auto_rules.h"
+#include "remote/auto_scan.h"
 
 namespace tallowcrest {
 
@@ -17,7 +19,7 @@ inline TailDevice tailDevice(std::string os, bool online) {
     return device;
 }
 
-/// Other machines of which a test sets what is known, and no scan.
+/// Returns the devices that a test set; counts the scans and runs none.
 class FakeAutoScan final : public AutoScan {
 public:
     std::span<const TailDevice> tailDevices() const override { return devices; }

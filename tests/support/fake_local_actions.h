@@ -7,12 +7,15 @@
 #include <utility>
 #include <vector>
 
-#include "actions/local_actions.h"
+#include "actions/action_ports.h"
+#include "actions/cache_purge.h"
+#include "actions/graceful_quit.h"
+#include "actions/process_control.h"
 
 namespace tallowcrest {
 
-/// A table of processes that a test changes at will: each number belongs to the process with the
-/// start time that stands there. Signals nothing, and keeps a list of what it would have signalled.
+/// A table of running processes that a test sets. Signals nothing, and records what it would have
+/// signalled.
 class FakeProcessControl final : public ProcessControl {
 public:
     struct Signalled {
@@ -29,8 +32,8 @@ public:
         return std::make_unique<Held>(*this, pid, startTime == 0 ? current : startTime);
     }
 
-    std::map<std::int64_t, std::uint64_t> running;  ///< start time by number; 0 never stands here
-    /// What becomes of a signal to a process that is there, by its number; else it is asked.
+    std::map<std::int64_t, std::uint64_t> running;  ///< start times by pid, never 0
+    /// The results of signals to running processes, by pid; `asked` without an entry.
     std::map<std::int64_t, TerminationResult> results;
     std::vector<std::int64_t> held;
     std::vector<Signalled> signalled;
@@ -62,7 +65,7 @@ private:
     };
 };
 
-/// Answers with what a test set and keeps what it was asked.
+/// Returns what a test set, and records the calls.
 class FakeGracefulQuit final : public GracefulQuit {
 public:
     bool succeeds = false;
@@ -88,7 +91,7 @@ public:
     int count = 0;
 };
 
-/// The three above, for a monitor that a test builds.
+/// The three fakes above, as the ports of a monitor under test.
 struct FakeLocalActions {
     std::shared_ptr<FakeProcessControl> processes = std::make_shared<FakeProcessControl>();
     std::shared_ptr<FakeGracefulQuit> gracefulQuit = std::make_shared<FakeGracefulQuit>();

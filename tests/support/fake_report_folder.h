@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,18 +15,22 @@ namespace tallowcrest {
 class FakeReportFolder final : public ReportFolder {
 public:
     std::filesystem::path place() const override { return "/reports"; }
-    std::optional<std::string> write(const std::filesystem::path& file,
-                                     const std::string& text) override {
+    Outcome write(const std::filesystem::path& file, const std::string& text) override {
         if (file.parent_path() != place()) {
-            return "not in this folder";
+            return Outcome::failed("not in this folder");
         }
-        if (!problem) {
-            written[file.filename()] = text;
+        if (onWrite) {
+            onWrite();
         }
-        return problem;
+        if (problem) {
+            return Outcome::failed(*problem);
+        }
+        written[file.filename()] = text;
+        return Outcome::done();
     }
     void reveal(const std::filesystem::path& file) override { revealed.push_back(file.filename()); }
 
+    std::function<void()> onWrite;  ///< called before the text is there; may be absent
     std::optional<std::string> problem;
     std::map<std::string, std::string> written;
     std::vector<std::string> revealed;

@@ -10,7 +10,7 @@
 
 namespace tallowcrest {
 
-/// A main thread that turns only when a test turns it.
+/// A main queue that runs only when a test calls it.
 class ManualMainQueue final : public MainQueue {
 public:
     void post(Task work) override { pending_.push_back(std::move(work)); }
@@ -74,7 +74,7 @@ private:
     std::vector<std::weak_ptr<Entry>> timers_;
 };
 
-/// Background work that runs only when a test says so, in any order the test likes.
+/// A work queue that runs a job only when a test calls it, in any order.
 class ManualWorkQueue final : public WorkQueue {
 public:
     void post(Lane lane, Task work) override { pending_.push_back({lane, std::move(work)}); }
@@ -82,7 +82,7 @@ public:
     std::size_t pendingCount() const { return pending_.size(); }
     Lane laneOf(std::size_t index) const { return pending_.at(index).first; }
 
-    /// Runs the job at `index` of those waiting.
+    /// Runs the waiting job at `index`.
     void run(std::size_t index = 0) {
         Task work = std::move(pending_.at(index).second);
         pending_.erase(pending_.begin() + static_cast<std::ptrdiff_t>(index));

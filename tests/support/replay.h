@@ -6,14 +6,17 @@
 #include <cstdint>
 #include <vector>
 
+#include "actions/confirmation_desk.h"
+#include "core/activity_log.h"
+#include "monitor/system_monitor.h"
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"
 #include "tests/support/load_trace.h"
 
 namespace tallowcrest {
 
-/// Gives the machine what every trace takes for granted, and another one that can be scanned.
-/// Before its monitor is built, which counts the load from then on and uses `remote` until its end.
+/// Sets the figures that a trace does not contain, and another machine that can be scanned. To be
+/// called before the monitor is built. `remote` must outlive the monitor.
 inline void prepareForReplay(FakeMachine& machine, FakeAutoScan& remote) {
     machine.metrics->memory.totalGB = 16.0;
     machine.metrics->disk.totalGB = 256.0;
@@ -22,12 +25,12 @@ inline void prepareForReplay(FakeMachine& machine, FakeAutoScan& remote) {
     machine.remoteScan = &remote;
 }
 
-/// What comes new into the activity log of a machine's monitor, from one question to the next.
+/// Finds the new events in the activity log of a machine's monitor.
 class LogNews {
 public:
     explicit LogNews(FakeMachine& machine) : machine_(machine) {}
 
-    /// The oldest first.
+    /// The events since the previous call, oldest first.
     std::vector<ActivityEvent> take() {
         std::vector<ActivityEvent> news;
         for (const ActivityEvent& event : machine_.monitor().log().activityLog()) {
@@ -43,7 +46,7 @@ public:
         return news;
     }
 
-    /// Answers the question that stands with no; what the log says of that is no news.
+    /// Cancels the pending request, if there is one. All events until then count as taken.
     void dismissQuestion() {
         machine_.monitor().confirmations().cancelPending();
         take();
@@ -54,8 +57,8 @@ private:
     UUID newest_;
 };
 
-/// Lets a prepared machine live through a trace: each sample is taken when the clock stands at its
-/// time, counted from where it stood at the beginning. `landed` is called after each.
+/// Replays a trace on a prepared machine. Each sample is taken at its time, counted from the time
+/// of the clock at the call. `landed(sample)` is called after each.
 template <class Landed>
 void replay(FakeMachine& machine, const LoadTrace& trace, Landed landed) {
     const Date beginning = machine.clock.now();

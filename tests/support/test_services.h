@@ -13,13 +13,13 @@
 
 namespace tallowcrest {
 
-/// What every component is built on, with nothing that moves by itself.
+/// The services that every component needs, with a manual clock and manual queues.
 struct TestServices {
-    /// `fill` puts into the store what an earlier run left there.
+    /// `fill` writes into the store what an earlier run would have stored.
     explicit TestServices(const std::function<void(SettingsStore&)>& fill = {})
         : settings((fill ? fill(store.values) : void(), store), mainQueue, "owner") {}
 
-    /// Runs what was left to the background, and what comes back from there.
+    /// Runs all background work and what it posts to the main queue.
     void finishWork() {
         while (workQueue.pendingCount() > 0) {
             workQueue.run();
@@ -35,7 +35,7 @@ struct TestServices {
     SettingsOwner settings;
     ActivityLog log{clock, settings, mainQueue};
     PlainLocale locale;
-    Services services{log, settings, jobs, clock, locale};
+    Services services{log, settings, jobs, mainQueue, clock, locale};
 };
 
 }  // namespace tallowcrest

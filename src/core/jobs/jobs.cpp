@@ -33,7 +33,7 @@ void Jobs::stopAll() {
 
 JobScope::JobScope(Jobs& jobs)
     : jobs_(jobs),
-      alive_(std::make_shared<Alive>()),
+      kept_(std::make_shared<Kept>()),
       stopWithAll_(jobs.stopAll_.get_token(), [stop = stop_]() mutable { stop.request_stop(); }) {}
 
 JobScope::~JobScope() {
@@ -49,8 +49,8 @@ void JobScope::post(Lane lane, Task job) {
 }
 
 void JobScope::postToMain(Task work) {
-    jobs_.mainQueue_.post([alive = std::weak_ptr(alive_), work = std::move(work)]() mutable {
-        if (!alive.expired()) {
+    jobs_.mainQueue_.post([kept = std::weak_ptr(kept_), work = std::move(work)]() mutable {
+        if (!kept.expired()) {
             work();
         }
     });

@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <stop_token>
 #include <type_traits>
 #include <utility>
@@ -22,8 +23,9 @@ public:
     bool isRequested() const { return token_.stop_requested(); }
     const std::stop_token& token() const { return token_; }
 
-    /// To be held while files are changed in steps of which none may be the last. The program's end
-    /// waits for it. Absent when the program is ending: the change must then not begin.
+    /// Hold the result while files are changed in several steps that must all be done or none. The
+    /// program does not end meanwhile. Absent when the program is ending: the change must then not
+    /// begin.
     [[nodiscard]] std::optional<DiskChanges::Change> beginChange() const {
         return changes_->begin();
     }
@@ -34,7 +36,7 @@ private:
 };
 
 /// The program's background work as a whole. Main thread. The queues must outlive it, and it must
-/// outlive every job, so whoever owns it joins the work queue first.
+/// outlive every job: its owner joins the work queue's threads before it destroys this object.
 class Jobs {
 public:
     Jobs(MainQueue& mainQueue, WorkQueue& workQueue)
@@ -68,34 +70,47 @@ public:
 
     /// Runs `work(const Stop&)` in the background, then `then(result)` on the main thread, or
     /// `then()` where `work` returns nothing. `work` takes its inputs by value, must not throw and
-    /// must not refer to the component.
+    /// must not refer to the component. `then` may: it is also destroyed on the main thread, after
+    /// its call or, if the job was dropped, with this object.
     template <class Work, class Then>
     void run(Lane lane, Work work, Then then) {
-        post(lane, [work = std::move(work), then = std::move(then), stop = stop(),
-                    alive = std::weak_ptr(alive_), &mainQueue = jobs_.mainQueue_]() mutable {
-            finish(
-                mainQueue, std::move(alive), [&] { return work(std::as_const(stop)); },
-                std::move(then));
+        post(lane, [work = std::move(work), then = keep(std::move(then)), stop = stop(),
+                    kept = std::weak_ptr(kept_), &mainQueue = jobs_.mainQueue_]() mutable {
+            if constexpr (std::is_void_v<std::invoke_result_t<Work&, const Stop&>>) {
+                work(std::as_const(stop));
+                mainQueue.post([kept, then] {
+                    if (const auto function = take(kept, then)) {
+                        (*function)();
+                    }
+                });
+            } else {
+                mainQueue.post([kept, then, result = work(std::as_const(stop))]() mutable {
+                    if (const auto function = take(kept, then)) {
+                        (*function)(std::move(result));
+                    }
+                });
+            }
         });
     }
 
     /// The same for `work(const Stop&, report)`, which may call `report(progress)` as often as it
     /// likes; `onProgress(progress)` is called on the main thread with the latest value, at most
-    /// once per turn of it and never after `then`.
+    /// once per turn of it and never after `then`. It is destroyed with `then`.
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
-        auto progress = std::make_shared<LatestProgress<Progress, OnProgress>>(
-            jobs_.mainQueue_, alive_, std::move(onProgress));
-        post(lane, [work = std::move(work), then = std::move(then), stop = stop(),
-                    alive = std::weak_ptr(alive_), &mainQueue = jobs_.mainQueue_,
-                    progress = std::move(progress)]() mutable {
-            const auto report = [&](Progress value) {
-                progress->report(progress, std::move(value));
-            };
-            finish(
-                mainQueue, std::move(alive), [&] { return work(std::as_const(stop), report); },
-                std::move(then));
-        });
+        auto told = std::make_shared<OnProgress>(std::move(onProgress));
+        auto progress =
+            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_, kept_, told);
+        run(
+            lane,
+            [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
+                return work(stop, [&progress](Progress value) {
+                    progress->report(progress, std::move(value));
+                });
+            },
+            [told = std::move(told), then = std::move(then)](auto&&... result) mutable {
+                then(std::forward<decltype(result)>(result)...);
+            });
     }
 
     /// Runs `work` on a later turn of the main thread, unless this object is gone by then.
@@ -103,12 +118,35 @@ public:
     void postToMain(Task work);
 
 private:
-    struct Alive {};
+    /// The functions of the component that jobs will call. The scope owns them; a job has weak
+    /// pointers and locks them on the main thread alone, so no other thread destroys a function.
+    using Kept = std::set<std::shared_ptr<void>>;
+
+    template <class Function>
+    std::weak_ptr<Function> keep(Function function) {
+        auto added = std::make_shared<Function>(std::move(function));
+        kept_->insert(added);
+        return added;
+    }
+
+    /// Takes a function out of `kept`. Null when the scope is gone. Main thread.
+    template <class Function>
+    static std::shared_ptr<Function> take(const std::weak_ptr<Kept>& kept,
+                                          const std::weak_ptr<Function>& function) {
+        const auto functions = kept.lock();
+        if (functions == nullptr) {
+            return nullptr;
+        }
+        auto taken = function.lock();
+        functions->erase(taken);
+        return taken;
+    }
 
     template <class Progress, class OnProgress>
     struct LatestProgress {
-        LatestProgress(MainQueue& queue, std::weak_ptr<Alive> owner, OnProgress function)
-            : mainQueue(queue), alive(std::move(owner)), onProgress(std::move(function)) {}
+        LatestProgress(MainQueue& queue, std::weak_ptr<Kept> keptFunctions,
+                       std::weak_ptr<OnProgress> function)
+            : mainQueue(queue), kept(std::move(keptFunctions)), onProgress(std::move(function)) {}
 
         void report(const std::shared_ptr<LatestProgress>& self, Progress value) {
             {
@@ -123,44 +161,26 @@ private:
                 std::unique_lock guard(self->lock);
                 const std::optional<Progress> taken = std::exchange(self->latest, std::nullopt);
                 guard.unlock();
-                if (!self->alive.expired()) {
-                    self->onProgress(*taken);
+                const auto function = self->kept.expired() ? nullptr : self->onProgress.lock();
+                if (function != nullptr) {
+                    (*function)(*taken);
                 }
             });
         }
 
         MainQueue& mainQueue;
-        std::weak_ptr<Alive> alive;
-        OnProgress onProgress;
+        std::weak_ptr<Kept> kept;
+        std::weak_ptr<OnProgress> onProgress;
         std::mutex lock;
         std::optional<Progress> latest;
     };
-
-    template <class Work, class Then>
-    static void finish(MainQueue& mainQueue, std::weak_ptr<Alive> alive, Work work, Then then) {
-        if constexpr (std::is_void_v<std::invoke_result_t<Work&>>) {
-            work();
-            mainQueue.post([alive = std::move(alive), then = std::move(then)]() mutable {
-                if (!alive.expired()) {
-                    then();
-                }
-            });
-        } else {
-            mainQueue.post(
-                [alive = std::move(alive), then = std::move(then), result = work()]() mutable {
-                    if (!alive.expired()) {
-                        then(std::move(result));
-                    }
-                });
-        }
-    }
 
     Stop stop() { return {stop_.get_token(), jobs_.changes_}; }
     /// Drops `job` if it was stopped before it began.
     void post(Lane lane, Task job);
 
     Jobs& jobs_;
-    std::shared_ptr<Alive> alive_;
+    std::shared_ptr<Kept> kept_;  ///< expires with the object
     std::stop_source stop_;
     std::stop_callback<Task> stopWithAll_;
 };

@@ -39,7 +39,7 @@ enum class Lane {
     reports,
     settings,
 };
-inline constexpr std::size_t laneCount = 4;
+inline constexpr std::size_t laneCount = static_cast<std::size_t>(Lane::settings) + 1;  // the last
 
 /// Background work of utility priority. Jobs may run at the same time as one another and end in
 /// any order. Components do not post here themselves; see `JobScope`.
@@ -47,7 +47,8 @@ class WorkQueue {
 public:
     virtual ~WorkQueue() = default;
 
-    /// Queues `work` and returns at once. Any thread. `work` must not throw.
+    /// Queues `work` and does not wait for it. Only where the system gives no thread to run it on
+    /// does it run before this returns. Any thread. `work` must not throw.
     virtual void post(Lane lane, Task work) = 0;
 };
 

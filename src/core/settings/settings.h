@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "core/advisor_records.h"
 #include "core/settings/settings_keys.h"
@@ -15,8 +16,7 @@ namespace tallowcrest {
 
 using TextSet = std::set<std::string, std::less<>>;
 
-/// What the owner chose. Each member is named after the field of the monitor that it is, and begins
-/// with what counts when nothing is stored.
+/// What the owner chose. Each member starts with its default, which holds when nothing is stored.
 struct Settings {
     static constexpr double defaultWarningThreshold = 82.0;
 
@@ -41,64 +41,81 @@ struct Settings {
     bool automationEmergencyStopEngaged = false;
 };
 
-/// Days of age from which a cache file may be moved: 7 to 365, and 30 for what is not finite.
+/// The age in days from which a cache file may be moved, limited to 7 to 365. 30 for a value that
+/// is not finite. Pure; any thread.
 double clampedAgeDays(double days);
 
-/// Most gigabytes that one clean-up may move: 0.1 to 2, and 2 for what is not finite.
+/// The most gigabytes that one clean-up may move, limited to 0.1 to 2. 2 for a value that is not
+/// finite. Pure; any thread.
 double clampedMaxGB(double gigabytes);
-
-/// With the stop engaged, what acts by itself is switched off in memory. The stored values stay,
-/// and so does the selection of the top offender, which changes nothing on the machine.
-void applyEmergencyStop(Settings& settings);
 
 namespace settings_keys {
 
-/// One stored value: its key, the field that it is, and its rules.
+/// What the emergency stop does to a switch.
+struct UnderStop {
+    /// The stop turns it off, and it cannot be turned on again before the stop is cleared.
+    bool isHeldBack = false;
+    /// A start with the stop engaged turns it off in memory, whatever is stored.
+    bool isOffAtStart = false;
+};
+
+/// One stored value: its key, the field that holds it, and its rules.
 template <class Value>
 struct Declared {
     std::string_view key;
     Value Settings::*field;
-    /// What a value becomes before it is held, whether it was loaded or set. Null: it stays.
+    /// Corrects a value before the field takes it, whether it was loaded or set. Null: any value is
+    /// taken unchanged.
     Value (*adjust)(Value) = nullptr;
-    /// Which stored values count. Null: all of them.
+    /// Whether a stored value is valid; the default stands in for one that is not. Null: all are.
     bool (*counts)(const Value&) = nullptr;
+    UnderStop underStop = {};
 };
 
-inline constexpr std::array<Declared<bool>, 10> flags{{
-    {autoSelectKey, &Settings::autoSelectTopOffender},
-    {autoPurgeKey, &Settings::autoPurgeSustainedMemory},
-    {autoRemoteScanKey, &Settings::autoScanRemoteMacs},
+inline constexpr auto flags = std::to_array<Declared<bool>>({
+    // It changes nothing on the machine, so a start leaves it as it is stored.
+    {.key = autoSelectKey,
+     .field = &Settings::autoSelectTopOffender,
+     .underStop = {.isHeldBack = true}},
+    {.key = autoPurgeKey,
+     .field = &Settings::autoPurgeSustainedMemory,
+     .underStop = {.isHeldBack = true, .isOffAtStart = true}},
+    {.key = autoRemoteScanKey,
+     .field = &Settings::autoScanRemoteMacs,
+     .underStop = {.isHeldBack = true, .isOffAtStart = true}},
     {firstRunCompleteKey, &Settings::firstRunComplete},
     {aiSafeActionsKey, &Settings::aiSafeActionsEnabled},
     {notificationActionsKey, &Settings::notificationsIncludeActions},
     {aiRedactProcessDetailsKey, &Settings::aiRedactProcessDetails},
     {aiRequirePreviewKey, &Settings::aiRequirePreview},
-    {diskAutopilotKey, &Settings::diskAutopilotEnabled},
+    {.key = diskAutopilotKey,
+     .field = &Settings::diskAutopilotEnabled,
+     .underStop = {.isHeldBack = true, .isOffAtStart = true}},
     {automationEmergencyStopKey, &Settings::automationEmergencyStopEngaged},
-}};
+});
 
-inline constexpr std::array<Declared<double>, 4> numbers{{
+inline constexpr auto numbers = std::to_array<Declared<double>>({
     {thresholdKey, &Settings::warningThreshold, nullptr,
      [](const double& percent) { return percent >= 65.0 && percent <= 95.0; }},
     {diskMinimumFreeKey, &Settings::diskMinimumFreeGB},
     {diskCleanupAgeKey, &Settings::diskCleanupAgeDays, clampedAgeDays},
     {diskMaxCleanupKey, &Settings::diskMaxCleanupGB, clampedMaxGB},
-}};
+});
 
-inline constexpr std::array<Declared<std::string>, 2> texts{{
+inline constexpr auto texts = std::to_array<Declared<std::string>>({
     {sshUsernameKey, &Settings::sshUsername},
     {openAIModelKey, &Settings::openAIModel},
-}};
+});
 
-inline constexpr std::array<Declared<TextSet>, 2> textSets{{
+inline constexpr auto textSets = std::to_array<Declared<TextSet>>({
     {protectedAppsKey, &Settings::protectedAppNames},
     {collapsedSectionsKey, &Settings::collapsedSections},
-}};
+});
 
 /// Stored as its raw value. An unknown one counts as apprentice.
-inline constexpr std::array<Declared<AIAutonomyMode>, 1> autonomyModes{{
+inline constexpr auto autonomyModes = std::to_array<Declared<AIAutonomyMode>>({
     {aiAutonomyModeKey, &Settings::aiAutonomyMode},
-}};
+});
 
 template <class Value>
 constexpr const auto& declaredValues() {

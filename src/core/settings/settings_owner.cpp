@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/observable.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -36,6 +38,16 @@ double clamped(double value, double lowest, double highest, double notFinite) {
     return value <= lowest ? lowest : value > highest ? highest : value;
 }
 
+/// The effect of an engaged stop on what a start has loaded.
+void applyEmergencyStop(Settings& settings) {
+    for (const auto& flag : settings_keys::flags) {
+        if (flag.underStop.isOffAtStart) {
+            settings.*flag.field = false;
+        }
+    }
+    settings.aiAutonomyMode = AIAutonomyMode::apprentice;
+}
+
 }  // namespace
 
 double clampedAgeDays(double days) {
@@ -46,15 +58,8 @@ double clampedMaxGB(double gigabytes) {
     return clamped(gigabytes, 0.1, 2.0, 2.0);
 }
 
-void applyEmergencyStop(Settings& settings) {
-    settings.diskAutopilotEnabled = false;
-    settings.autoPurgeSustainedMemory = false;
-    settings.autoScanRemoteMacs = false;
-    settings.aiAutonomyMode = AIAutonomyMode::apprentice;
-}
-
 SettingsOwner::SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::string loginName)
-    : store_(store), observable_(mainQueue) {
+    : store_(store), observable_(std::make_unique<Observable>(mainQueue)) {
     values_.sshUsername = std::move(loginName);
     loadValues<bool>();
     loadValues<double>();
@@ -64,6 +69,12 @@ SettingsOwner::SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::st
     if (values_.automationEmergencyStopEngaged) {
         applyEmergencyStop(values_);
     }
+}
+
+SettingsOwner::~SettingsOwner() = default;
+
+void SettingsOwner::tellObservers() {
+    observable_->changed();
 }
 
 template <class Value>

@@ -1,17 +1,21 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
-#include "core/observable.h"
 #include "core/record_json.h"
 #include "core/settings/settings.h"
 #include "core/settings/settings_store.h"
 #include "core/settings/stored_lists.h"
 
 namespace tallowcrest {
+
+class MainQueue;
+class Observable;
 
 /// The one owner of everything that survives a restart: nobody else reads or writes the store.
 /// Main thread.
@@ -21,13 +25,14 @@ public:
     /// leaves its default, and nothing is written back. `loginName` stands in for a missing SSH
     /// user name. The references must outlive the object.
     SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::string loginName);
+    ~SettingsOwner();
     SettingsOwner(const SettingsOwner&) = delete;
     SettingsOwner& operator=(const SettingsOwner&) = delete;
 
     const Settings& values() const { return values_; }
 
-    /// Sets a field, for example `set(&Settings::warningThreshold, 90.0)`, by its rules, and stores
-    /// it at once. What has its value already, and is stored so, is left alone.
+    /// Sets a field, for example `set(&Settings::warningThreshold, 90.0)`, corrected by its rule,
+    /// and stores it at once. Writes nothing when the store already holds that value.
     template <class Value>
     void set(Value Settings::*field, std::type_identity_t<Value> value) {
         const settings_keys::Declared<Value>& declaration = settings_keys::declared(field);
@@ -38,7 +43,7 @@ public:
         const bool isHeld = values_.*field == value;
         if (!isHeld) {
             values_.*field = std::move(value);
-            observable_.changed();
+            tellObservers();
         }
         if (!isHeld || store_.read(declaration.key) != stored) {
             store_.write(declaration.key, std::move(stored));
@@ -57,23 +62,18 @@ public:
     }
 
     /// Stores a list whole. One that has no JSON form leaves the older one in the store, in
-    /// silence.
-    template <class Records>
-    void save(const stored::List<Records>& list, Records records) {
+    /// silence. `encoder.encode(records)` gives the text, absent for such a list.
+    template <class Records, class Encoder = stored::WholeEncoder>
+    void save(const stored::List<Records>& list, Records records, Encoder&& encoder = {}) {
         list.trim(records);
-        saveText(list.key, record_json::encode(records));
+        saveText(list.key, encoder.encode(records));
     }
 
-    /// The same for a list that is encoded already.
-    template <class Records>
-    void saveEncoded(const stored::List<Records>& list, std::optional<std::string> json) {
-        saveText(list.key, std::move(json));
-    }
-
+    /// Empty when nothing is stored that is such a table.
     SettingsTable loadRemoteTopApps() const;
 
     /// Tells of changed values, not of lists.
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
 private:
     template <class Value>
@@ -89,39 +89,13 @@ private:
 
     template <class Value>
     void loadValues();
+    void tellObservers();
     std::optional<std::string> loadText(std::string_view key) const;
     void saveText(std::string_view key, std::optional<std::string> json);
 
     SettingsStore& store_;
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     Settings values_;
-};
-
-/// A list that survives a restart: loaded when it is built, stored whole after each change.
-/// Main thread.
-template <class Records>
-class StoredList {
-public:
-    /// `declaration` is one of those in `stored`. `owner` must outlive the object.
-    StoredList(SettingsOwner& owner, const stored::List<Records>& declaration)
-        : owner_(owner),
-          declaration_(declaration),
-          records_(owner.load(declaration).value_or(Records{})) {}
-
-    const Records& operator*() const { return records_; }
-    const Records* operator->() const { return &records_; }
-
-    /// Calls `change(records)` and stores what it left.
-    template <class Change>
-    void change(Change change) {
-        change(records_);
-        owner_.save(declaration_, records_);
-    }
-
-private:
-    SettingsOwner& owner_;
-    const stored::List<Records>& declaration_;
-    Records records_;
 };
 
 }  // namespace tallowcrest

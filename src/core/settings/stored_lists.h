@@ -9,11 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "core/activity_event.h"
 #include "core/advisor_records.h"
 #include "core/local_records.h"
 #include "core/record_json.h"
 #include "core/remote_records.h"
 #include "core/settings/settings.h"
+#include "core/settings/stored_list.h"
 
 /// The lists and tables of records that survive a restart. Each is stored as one JSON text, which
 /// is written whole after every change.
@@ -62,6 +64,20 @@ inline constexpr List<std::map<std::string, RemoteProfile>> remoteProfiles{
 inline constexpr List<std::map<std::string, AITrustRecord>> trustRecords{
     settings_keys::aiTrustRecordsKey, record_json::decodeTrustRecords};
 
+/// The key of every list, whatever its records are.
+inline constexpr auto listKeys =
+    std::to_array({activityLog.key, history.key, remoteHistory.key, chatMessages.key,
+                   ruleDrafts.key, remoteProfiles.key, trustRecords.key});
+/// Tables of numbers, stored as they are.
+inline constexpr auto tableKeys = std::to_array({settings_keys::remoteTopAppsKey});
+/// Bytes that only the system understands.
+inline constexpr auto dataKeys = std::to_array({settings_keys::storageAnalysisBookmarkKey});
+
+template <class Records>
+std::optional<std::string> WholeEncoder::encode(const Records& records) const {
+    return record_json::encode(records);
+}
+
 }  // namespace tallowcrest::stored
 
 namespace tallowcrest::settings_keys {
@@ -73,11 +89,18 @@ struct Key {
 
 /// Every key of the store and the kind of its values.
 inline constexpr auto all = [] {
-    std::array<Key, 28> keys{};
+    std::array<Key, flags.size() + numbers.size() + texts.size() + textSets.size() +
+                        autonomyModes.size() + stored::listKeys.size() + stored::tableKeys.size() +
+                        stored::dataKeys.size()>
+        keys{};
     std::size_t count = 0;
     const auto add = [&](const auto& declarations, SettingsKind kind) {
         for (const auto& each : declarations) {
-            keys.at(count++) = {each.key, kind};
+            if constexpr (requires { each.key; }) {
+                keys.at(count++) = {each.key, kind};
+            } else {
+                keys.at(count++) = {each, kind};
+            }
         }
     };
     add(flags, SettingsKind::flag);
@@ -85,14 +108,9 @@ inline constexpr auto all = [] {
     add(texts, SettingsKind::text);
     add(textSets, SettingsKind::textList);
     add(autonomyModes, SettingsKind::text);
-    for (const std::string_view key :
-         {stored::activityLog.key, stored::history.key, stored::remoteHistory.key,
-          stored::chatMessages.key, stored::ruleDrafts.key, stored::remoteProfiles.key,
-          stored::trustRecords.key}) {
-        keys.at(count++) = {key, SettingsKind::json};
-    }
-    keys.at(count++) = {remoteTopAppsKey, SettingsKind::table};
-    keys.at(count++) = {storageAnalysisBookmarkKey, SettingsKind::data};
+    add(stored::listKeys, SettingsKind::json);
+    add(stored::tableKeys, SettingsKind::table);
+    add(stored::dataKeys, SettingsKind::data);
     return keys;
 }();
 static_assert(!all.back().name.empty());

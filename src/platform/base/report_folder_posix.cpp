@@ -18,8 +18,8 @@ namespace {
 
 constexpr mode_t ownerOnly = 0600;
 
-std::string errorText(int error) {
-    return std::generic_category().message(error);
+Outcome failure(int error) {
+    return Outcome::failed(std::generic_category().message(error));
 }
 
 /// Returns 0 or the error number.
@@ -69,23 +69,22 @@ int publish(int folder, const std::string& temporary, const std::string& name) {
 PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
     : place_(std::move(place)), reveal_(std::move(reveal)) {}
 
-std::optional<std::string> PosixReportFolder::write(const std::filesystem::path& path,
-                                                    const std::string& text) {
+Outcome PosixReportFolder::write(const std::filesystem::path& path, const std::string& text) {
     if (!path.is_absolute()) {
-        return errorText(ENOENT);
+        return failure(ENOENT);
     }
     std::error_code createError;
     std::filesystem::create_directories(path.parent_path(), createError);
     const UniqueFD folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
         // The reason why the folder could not be created says more than that it does not exist.
-        return createError ? createError.message() : errorText(errno);
+        return createError ? Outcome::failed(createError.message()) : failure(errno);
     }
     const std::string temporary = "." + UUID::random().text() + ".part";
     const UniqueFD file(::openat(folder.get(), temporary.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
     if (!file.valid()) {
-        return errorText(errno);
+        return failure(errno);
     }
     int error = writeAll(file.get(), text);
     // Some file systems report a full disk only here.
@@ -97,10 +96,10 @@ std::optional<std::string> PosixReportFolder::write(const std::filesystem::path&
     }
     if (error != 0) {
         ::unlinkat(folder.get(), temporary.c_str(), 0);
-        return errorText(error);
+        return failure(error);
     }
     ::fsync(folder.get());
-    return std::nullopt;
+    return Outcome::done();
 }
 
 void PosixReportFolder::reveal(const std::filesystem::path& file) {

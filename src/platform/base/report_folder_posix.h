@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "reports/report_folder.h"
@@ -26,8 +25,7 @@ public:
     PosixReportFolder(Place place, Reveal reveal);
 
     std::filesystem::path place() const override { return place_(); }
-    std::optional<std::string> write(const std::filesystem::path& file,
-                                     const std::string& text) override;
+    Outcome write(const std::filesystem::path& file, const std::string& text) override;
     void reveal(const std::filesystem::path& file) override;
 
 private:

@@ -19,15 +19,16 @@ struct LocaleNames {
 /// The value of an environment variable; absent when it is not set.
 using EnvironmentLookup = std::function<std::optional<std::string>(const char* variable)>;
 
-/// What LC_ALL, else LC_COLLATE, LC_NUMERIC and LC_TIME, else LANG say, as they stand there. A
-/// variable that is empty counts as not set; a name is empty when none is.
+/// The unchanged value of LC_ALL, else of the category's own variable (LC_COLLATE, LC_NUMERIC or
+/// LC_TIME), else of LANG. An empty variable counts as not set; a name is empty when none is set.
 LocaleNames localeNamesFrom(const EnvironmentLookup& lookup);
 
-/// The same of this process. Main thread, before anything changes the environment.
+/// `localeNamesFrom` the environment of this process. Main thread, before anything changes the
+/// environment.
 LocaleNames localeNamesOfThisProcess();
 
-/// Language, script and country of `name`, as "de_DE" for "de_DE.UTF-8@euro". "en" for what names
-/// no known language, "C" and "POSIX" included.
+/// The language, script and country of a locale's name: "de_DE" for "de_DE.UTF-8@euro". "en" when
+/// the language is unknown, as it is for "C" and "POSIX". Any thread.
 std::string usableLocaleName(std::string_view name);
 
 }  // namespace tallowcrest

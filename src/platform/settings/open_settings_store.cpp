@@ -105,7 +105,8 @@ OpenedStore openSettingsStore(const Path& file, const Dependencies& dependencies
         opening.report(problem::noHomeFolder);
         return std::move(opening.outcome);
     }
-    // Of a file that a link leads to, the folder is others' too.
+    // The folder of the path as given. If the file is a link, its target may lie in a folder that
+    // other programs use.
     const Path folder = file.parent_path();
     if (const std::error_code error = settings_file::prepareFolder(folder)) {
         opening.file = folder;

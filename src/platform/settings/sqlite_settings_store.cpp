@@ -125,17 +125,13 @@ void SqliteSettingsStore::retryUnsaved() {
 }
 
 void SqliteSettingsStore::moveLogInBackground() {
-    if (logIsMoving_->exchange(true)) {
+    if (std::exchange(isLogMoving_, true)) {
         return;
     }
     logPages_ = 0;
     jobs_.run(
-        Lane::settings,
-        [file = file_, isMoving = logIsMoving_](const Stop&) {
-            moveLog(file);
-            *isMoving = false;
-        },
-        [] {});
+        Lane::settings, [file = file_](const Stop&) { moveLog(file); },
+        [this] { isLogMoving_ = false; });
 }
 
 }  // namespace tallowcrest

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -60,8 +58,7 @@ private:
     std::filesystem::path file_;
     Dependencies dependencies_;
     int logPages_ = 0;
-    /// Shared with the job, which may outlive the store.
-    std::shared_ptr<std::atomic<bool>> logIsMoving_ = std::make_shared<std::atomic<bool>>(false);
+    bool isLogMoving_ = false;
     std::map<std::string, SettingsValue, std::less<>> unsaved_;
     std::map<std::string, std::optional<SettingsValue>, std::less<>> inMemory_;
     bool hasComplained_ = false;

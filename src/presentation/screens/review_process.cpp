@@ -10,8 +10,8 @@
 
 namespace tallowcrest {
 
-void freeFromFilter(const LatestSample& sample, const ReviewTarget& review,
-                    Navigation& navigation) {
+void clearHidingFilter(const LatestSample& sample, const ReviewTarget& review,
+                       Navigation& navigation) {
     const std::optional<std::int64_t> pid = review.selectedPID();
     const ProcessSample* row = pid ? findProcess(sample.latestProcesses(), *pid) : nullptr;
     const QString filter = dashboard_text::text(navigation.processFilter());
@@ -22,16 +22,11 @@ void freeFromFilter(const LatestSample& sample, const ReviewTarget& review,
 
 void reviewInProcesses(std::int64_t pid, const LatestSample& sample, ReviewTarget& review,
                        Navigation& navigation) {
-    const ProcessSample* row = findProcess(sample.latestProcesses(), pid);
-    if (row == nullptr) {
-        // It ended in the sample whose turn to be shown comes next.
-        review.selectFirstProcess({});
-        return;
+    // It may have ended, while the sample without it is not on screen yet.
+    if (review.selectProcessWithPID(pid).isAccepted()) {
+        clearHidingFilter(sample, review, navigation);
+        navigation.setSelectedRoute(AppRoute::load);
     }
-    // As the one row of a list, which unlike the choice of a row in view comes with a message.
-    review.selectFirstProcess({*row});
-    freeFromFilter(sample, review, navigation);
-    navigation.setSelectedRoute(AppRoute::load);
 }
 
 }  // namespace tallowcrest

@@ -8,13 +8,14 @@ class LatestSample;
 class Navigation;
 class ReviewTarget;
 
-/// Selects a process for review from another place than its row, says so in the status line and
-/// goes to Processes, where no filter hides the row. A process that has left the table only leads
-/// to a message. Main thread.
+/// Selects a process of the latest sample for review, reports that in the status line, and opens
+/// Processes without a filter that hides its row. For a process that has left the table, only
+/// reports that there is nothing to select. Main thread.
 void reviewInProcesses(std::int64_t pid, const LatestSample& sample, ReviewTarget& review,
                        Navigation& navigation);
 
 /// Empties the filter of the process list when it hides the process under review. Main thread.
-void freeFromFilter(const LatestSample& sample, const ReviewTarget& review, Navigation& navigation);
+void clearHidingFilter(const LatestSample& sample, const ReviewTarget& review,
+                       Navigation& navigation);
 
 }  // namespace tallowcrest

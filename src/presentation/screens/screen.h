@@ -8,8 +8,8 @@ namespace tallowcrest {
 
 class Observable;
 
-/// What a route shows below the page header. Only the screen that can be seen is asked to refresh,
-/// and it is asked again when it comes into view. Main thread.
+/// The content of a route below the page header. Only the visible screen is refreshed, and it is
+/// refreshed again whenever it becomes visible. Main thread.
 class Screen : public QWidget {
     Q_OBJECT
 
@@ -18,14 +18,13 @@ public:
 
     /// Reads the monitor's state and shows it.
     virtual void refresh() = 0;
-    /// What the screen shows: while it is seen, a change of any of these refreshes it, and nothing
-    /// else does.
+    /// The observables that the screen shows: while it is visible, only their changes refresh it.
     virtual std::vector<Observable*> shows() const = 0;
 
-    /// Brings what is under review into view, where the screen lists it.
+    /// Scrolls to the row of the process under review, if the screen has one.
     virtual void showSelection() {}
 
-    /// Puts the keyboard into the screen's search field, where there is one.
+    /// Gives the keyboard focus to the search field, if the screen has one.
     virtual void focusSearch() {}
 };
 

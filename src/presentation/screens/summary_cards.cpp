@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 
 SummaryCards::SummaryCards(const QString& identifier, std::size_t most, QWidget* parent) {
-    // Enough for most names of applications in the size of a value.
+    // Wide enough for most application names in the font of a value.
     constexpr int narrowestCard = 240;
     grid_ = new CardGrid(narrowestCard, parent);
     for (std::size_t i = 0; i < most; ++i) {

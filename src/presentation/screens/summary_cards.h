@@ -13,16 +13,16 @@ namespace tallowcrest {
 class CardGrid;
 class SummaryCard;
 
-/// A grid of summary cards that shows a list of texts, in place. Main thread.
+/// A grid of summary cards that are updated in place. Main thread.
 class SummaryCards {
 public:
-    /// Room for `most` cards, named after `identifier` and their place. The grid belongs to
-    /// `parent`.
+    /// At most `most` cards, whose object names are "IDENTIFIER-1" and so on. `parent` owns the
+    /// grid.
     SummaryCards(const QString& identifier, std::size_t most, QWidget* parent);
 
     QWidget* widget() const;
 
-    /// Texts beyond the room are left out.
+    /// One card for each of `texts`; those beyond the maximum are left out.
     void show(std::vector<SummaryTexts> texts);
 
 private:

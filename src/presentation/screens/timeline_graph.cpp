@@ -4,10 +4,16 @@
 
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+
+StableLineGraph* makeTimelineGraph(QWidget* parent) {
+    using dashboard_text::percentText;
+    return new StableLineGraph({percentText(0), percentText(50), percentText(100)}, parent);
+}
 
 void showTimeline(StableLineGraph& graph, const TimelineFacts& facts, TimelineSummary summary) {
     const Date now = facts.history.empty() ? Date{} : facts.history.back().date;

@@ -9,8 +9,8 @@
 #include <QVBoxLayout>
 
 #include "actions/confirmation_desk.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/text_lines.h"

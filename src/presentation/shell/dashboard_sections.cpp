@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "core/activity_log.h"
+#include "core/settings/settings_owner.h"
+
 namespace tallowcrest {
 
 bool DashboardSections::isCollapsed(DashboardSection section) const {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "core/activity_log.h"
 #include "core/outcome.h"
 #include "core/routes.h"
-#include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
+
+class ActivityLog;
+class SettingsOwner;
 
 /// Which sections of the dashboard the owner has closed. Every change is stored at once.
 /// Main thread.

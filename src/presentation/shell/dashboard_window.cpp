@@ -7,7 +7,12 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include "actions/automation.h"
 #include "actions/confirmation_desk.h"
+#include "actions/review_target.h"
+#include "core/activity_log.h"
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
@@ -40,16 +45,24 @@ constexpr int foldingWidth = 860;
 
 }  // namespace
 
-DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
+/// One for each part of the window, so that a change repaints only what shows it.
+struct DashboardWindow::Observers {
+    ObserverGroup route;
+    ObserverGroup page;
+    ObserverGroup strip;
+    ObserverGroup target;
+    ObserverGroup menu;
+};
+
+DashboardWindow::DashboardWindow(SystemMonitor& monitor)
     : monitor_(monitor),
-      mainQueue_(mainQueue),
-      state_(monitor.settingsOwner(), monitor.log(), mainQueue, monitor.startup().showSetupWizard),
-      routeChanges_(mainQueue, [this] { showRoute(); }),
-      pageChanges_(mainQueue, [this] { refreshPage(); }),
-      stripChanges_(mainQueue, whileSeen([this] { strip_->refresh(); })),
-      targetChanges_(mainQueue, whileSeen([this] { target_->refresh(); })),
-      menuChanges_(mainQueue, [this] { menus_->refresh(); }),
-      sheetChanges_(mainQueue, [this] { sheets_->refresh(); }) {
+      state_(monitor.settingsOwner(), monitor.log(), monitor.services().mainQueue,
+             monitor.startup().showSetupWizard),
+      observers_(new Observers{{monitor.services().mainQueue, [this] { showRoute(); }},
+                               {monitor.services().mainQueue, [this] { refreshPage(); }},
+                               {monitor.services().mainQueue, [this] { refreshStrip(); }},
+                               {monitor.services().mainQueue, [this] { refreshTarget(); }},
+                               {monitor.services().mainQueue, [this] { refreshMenus(); }}}) {
     dashboard_text::setLocale(monitor_.locale());
     setObjectName(u"tallowcrest.main"_s);
     setWindowTitle(u"Tallowcrest"_s);
@@ -64,8 +77,13 @@ DashboardWindow::DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue)
     addSheets();
     setMinimumSize(smallestSize);
     resize(firstSize);
-    observeState();
+    observers_->route.observe({&state_.navigation.observable()});
+    observers_->strip.observe(strip_->shows());
+    observers_->target.observe(target_->shows());
+    observers_->menu.observe(menus_->shows());
 }
+
+DashboardWindow::~DashboardWindow() = default;
 
 QWidget* DashboardWindow::makeContent() {
     auto* content = new QWidget(this);
@@ -102,13 +120,16 @@ QWidget* DashboardWindow::makeContent() {
 }
 
 void DashboardWindow::addSheets() {
-    sheets_ = new SheetHost(*this, *menus_->emergencyStop());
-    sheets_->add({.isWanted = [this] { return state_.navigation.showSettings(); },
+    sheets_ = new SheetHost(*this, *menus_->emergencyStop(), monitor_.services().mainQueue);
+    connect(sheets_, &SheetHost::refreshed, this, &DashboardWindow::refreshed);
+    sheets_->add({.shows = SettingsSheet::shows(monitor_, state_),
+                  .isWanted = [this] { return state_.navigation.showSettings(); },
                   .dismissed = [this] { state_.navigation.setShowSettings(false); },
                   .make = [this](QWidget* on) { return new SettingsSheet(monitor_, state_, on); }});
     // Last, so that a question stands above every sheet.
     sheets_->add(
-        {.isWanted = [this] { return monitor_.confirmations().pendingConfirmation().has_value(); },
+        {.shows = {&monitor_.confirmations().observable()},
+         .isWanted = [this] { return monitor_.confirmations().pendingConfirmation().has_value(); },
          .dismissed = {},
          .make =
              [this](QWidget* on) { return new ConfirmationDialog(monitor_.confirmations(), on); }});
@@ -140,40 +161,34 @@ Screen* DashboardWindow::screen(AppRoute route) {
     return kept;
 }
 
-std::function<void()> DashboardWindow::whileSeen(std::function<void()> refresh) {
-    return [this, refresh = std::move(refresh)] {
-        if (canBeSeen()) {
-            refresh();
-        }
-    };
-}
-
-void DashboardWindow::observeState() {
-    Observable& settings = monitor_.settingsOwner().observable();
-    Observable& log = monitor_.log().observable();
-    Observable& sample = monitor_.sample().observable();
-    Observable& automation = monitor_.automation().observable();
-    Observable& navigation = state_.navigation.observable();
-    routeChanges_.observe({&navigation});
-    stripChanges_.observe({&sample, &log, &settings, &automation});
-    targetChanges_.observe({&sample, &monitor_.review().observable(), &settings});
-    menuChanges_.observe({&settings});
-    sheetChanges_.observe({&monitor_.confirmations().observable(), &navigation, &settings, &log,
-                           &sample, &automation});
-}
-
 void DashboardWindow::refreshAll() {
     sheets_->refresh();
-    menus_->refresh();
-    if (!canBeSeen()) {
-        return;
-    }
-    strip_->refresh();
-    target_->refresh();
+    refreshMenus();
+    refreshStrip();
+    refreshTarget();
     if (shownRoute_ == state_.navigation.selectedRoute()) {
         refreshPage();
     } else {
         showRoute();
+    }
+}
+
+void DashboardWindow::refreshMenus() {
+    menus_->refresh();
+    emit refreshed(menus_);
+}
+
+void DashboardWindow::refreshStrip() {
+    if (canBeSeen()) {
+        strip_->refresh();
+        emit refreshed(strip_);
+    }
+}
+
+void DashboardWindow::refreshTarget() {
+    if (canBeSeen()) {
+        target_->refresh();
+        emit refreshed(target_);
     }
 }
 
@@ -187,7 +202,7 @@ void DashboardWindow::showRoute() {
     sidebar_->setSelectedRoute(route);
     header_->setRoute(route);
     pages_->setCurrentWidget(shown);
-    pageChanges_.observe(shown->shows());
+    observers_->page.observe(shown->shows());
     refreshPage();
 }
 
@@ -195,7 +210,9 @@ void DashboardWindow::refreshPage() {
     if (!canBeSeen() || !shownRoute_) {
         return;
     }
-    screen(*shownRoute_)->refresh();
+    Screen* page = screen(*shownRoute_);
+    page->refresh();
+    emit refreshed(page);
     // The page is the last part of the window to follow a sample.
     arrangeNow(*this);
     if (!hasShownSample_ && monitor_.sample().snapshot()) {
@@ -214,7 +231,7 @@ void DashboardWindow::bringToFront() {
     // Only the minimised state: a maximised window stays maximised.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
-    mainQueue_.post([window = QPointer<DashboardWindow>(this)] {
+    monitor_.services().mainQueue.post([window = QPointer<DashboardWindow>(this)] {
         if (window != nullptr) {
             window->comeForward();
         }

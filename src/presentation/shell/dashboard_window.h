@@ -2,11 +2,11 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include <QMainWindow>
 
-#include "core/jobs/queues.h"
 #include "core/observable.h"
 #include "core/routes.h"
 #include "presentation/shell/window_state.h"
@@ -16,6 +16,7 @@ class QStackedLayout;
 
 namespace tallowcrest {
 
+class MainQueue;
 class OperationTargetBar;
 class PageHeader;
 class Screen;
@@ -31,7 +32,8 @@ class DashboardWindow final : public QMainWindow {
     Q_OBJECT
 
 public:
-    DashboardWindow(SystemMonitor& monitor, MainQueue& mainQueue);
+    explicit DashboardWindow(SystemMonitor& monitor);
+    ~DashboardWindow() override;
 
     /// Shows the window on `route` and brings it to the front on the next turn of the main queue.
     void openRoute(AppRoute route);
@@ -49,6 +51,9 @@ signals:
     void closed();
     /// The first sample has been painted. Emitted once.
     void firstSampleShown();
+    /// A part of the window was brought up to date: the page, the strip, the target bar, the menus
+    /// or an open sheet.
+    void refreshed(QObject* part);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -58,14 +63,16 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    struct Observers;
+
     QWidget* makeContent();
     /// Brings everything that can be seen up to date.
     void refreshAll();
     void showRoute();
     void refreshPage();
-    void observeState();
-    /// `refresh`, but not while the window is closed or minimised.
-    std::function<void()> whileSeen(std::function<void()> refresh);
+    void refreshStrip();
+    void refreshTarget();
+    void refreshMenus();
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
     void addSheets();
     void comeForward();
@@ -73,7 +80,6 @@ private:
     Screen* makeScreen(AppRoute route);
 
     SystemMonitor& monitor_;
-    MainQueue& mainQueue_;
     WindowState state_;
     Sidebar* sidebar_ = nullptr;
     PageHeader* header_ = nullptr;
@@ -85,13 +91,7 @@ private:
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;
     bool hasShownSample_ = false;
-    // One for each part of the window, so that a change repaints only what shows it.
-    ObserverGroup routeChanges_;
-    ObserverGroup pageChanges_;
-    ObserverGroup stripChanges_;
-    ObserverGroup targetChanges_;
-    ObserverGroup menuChanges_;
-    ObserverGroup sheetChanges_;
+    std::unique_ptr<Observers> observers_;
 };
 
 }  // namespace tallowcrest

@@ -44,11 +44,12 @@ void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
 
 /// The file manager shows the file; the window shows why there is none.
 void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
-    monitor.reports().exportDiagnosticsReport([guard = QPointer(&window)] {
-        if (guard) {
+    const auto showFailure = [guard = QPointer(&window)](const Outcome& outcome) {
+        if (guard && !outcome.isAccepted()) {
             guard->bringToFront();
         }
-    });
+    };
+    showFailure(monitor.reports().exportDiagnosticsReport(showFailure));
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {

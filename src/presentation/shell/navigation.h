@@ -1,12 +1,15 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 
-#include "core/observable.h"
 #include "core/routes.h"
 
 namespace tallowcrest {
+
+class MainQueue;
+class Observable;
 
 /// What `settingsTab` may be: the words on the tabs of the settings sheet.
 namespace settings_tabs {
@@ -21,10 +24,10 @@ inline constexpr const char* safety = "Safety";
 /// Main thread.
 class Navigation {
 public:
-    Navigation(MainQueue& mainQueue, bool showSetupWizard)
-        : observable_(mainQueue), showSetupWizard_(showSetupWizard) {}
+    Navigation(MainQueue& mainQueue, bool showSetupWizard);
+    ~Navigation();
 
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
     AppRoute selectedRoute() const { return selectedRoute_; }
     void setSelectedRoute(AppRoute route) { set(selectedRoute_, route); }
@@ -48,11 +51,13 @@ private:
     void set(Field& field, Value&& value) {
         if (field != value) {
             field = std::forward<Value>(value);
-            observable_.changed();
+            tellObservers();
         }
     }
 
-    Observable observable_;
+    void tellObservers();
+
+    std::unique_ptr<Observable> observable_;
     AppRoute selectedRoute_ = AppRoute::overview;
     std::string processFilter_;
     bool showSetupWizard_;

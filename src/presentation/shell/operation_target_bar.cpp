@@ -4,14 +4,16 @@
 #include <QPushButton>
 
 #include "actions/review_target.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/window_state.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/capsule.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -79,6 +81,11 @@ void OperationTargetBar::makeButtons() {
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(clear_, &QPushButton::clicked, this,
             [this] { monitor_.review().clearOperationTarget(); });
+}
+
+std::vector<Observable*> OperationTargetBar::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.review().observable(),
+            &monitor_.settingsOwner().observable()};
 }
 
 void OperationTargetBar::refresh() {

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "presentation/widgets/accessible_figure.h"
+#include <vector>
+
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 
 class QBoxLayout;
@@ -11,6 +13,7 @@ namespace tallowcrest {
 class Capsule;
 class ElidedLabel;
 class IconView;
+class Observable;
 class SystemMonitor;
 struct WindowState;
 
@@ -24,6 +27,8 @@ public:
                                 QWidget* parent = nullptr);
 
     void refresh();
+    /// A change of any of these calls for a refresh, and nothing else does.
+    std::vector<Observable*> shows() const;
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
     QString accessibleValue() const override;

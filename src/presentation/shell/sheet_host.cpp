@@ -30,21 +30,36 @@ void Sheet::keyPressEvent(QKeyEvent* event) {
     WindowDialog::keyPressEvent(event);
 }
 
-SheetHost::SheetHost(QWidget& window, QAction& action)
-    : QObject(&window), window_(window), action_(action) {}
+SheetHost::SheetHost(QWidget& window, QAction& action, MainQueue& mainQueue)
+    : QObject(&window), window_(window), action_(action), mainQueue_(mainQueue) {}
 
 void SheetHost::add(Entry entry) {
-    sheets_.push_back({std::move(entry)});
+    Kept& kept = sheets_.emplace_back();
+    kept.entry = std::move(entry);
+    kept.changes.emplace(mainQueue_, [this, &kept] { update(kept); });
+    kept.changes->observe(kept.entry.shows);
 }
 
 void SheetHost::refresh() {
     for (Kept& each : sheets_) {
-        if (each.isOpen()) {
-            each.dialog->refresh();
-        }
-        if (each.isOpen() && !each.entry.isWanted()) {
-            each.dialog->done(QDialog::Rejected);
-        }
+        update(each);
+    }
+}
+
+bool SheetHost::canBeSeen() const {
+    return window_.isVisible() && !window_.isMinimized();
+}
+
+void SheetHost::update(Kept& kept) {
+    if (!canBeSeen()) {
+        return;
+    }
+    if (kept.isOpen()) {
+        kept.dialog->refresh();
+        emit refreshed(kept.dialog);
+    }
+    if (kept.isOpen() && !kept.entry.isWanted()) {
+        kept.dialog->done(QDialog::Rejected);
     }
     if (std::ranges::any_of(sheets_, [](const Kept& each) { return each.entry.isWanted(); })) {
         // Queued, because the window itself may be about to appear.
@@ -53,7 +68,7 @@ void SheetHost::refresh() {
 }
 
 void SheetHost::openTopmost() {
-    if (!window_.isVisible() || window_.isMinimized()) {
+    if (!canBeSeen()) {
         return;
     }
     for (Kept& each : std::views::reverse(sheets_)) {

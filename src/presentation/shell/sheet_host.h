@@ -1,10 +1,13 @@
 #pragma once
 
+#include <deque>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include <QObject>
 
+#include "core/observable.h"
 #include "presentation/widgets/window_dialog.h"
 
 class QAction;
@@ -33,12 +36,16 @@ protected:
 };
 
 /// The dialogs over a window: opens those that the state asks for, keeps open ones up to date and
-/// closes them. Only one of them opens at a time, and none below another. Main thread.
+/// closes them. Only one of them opens at a time, and none below another. While the window cannot
+/// be seen, nothing is done. Main thread.
 class SheetHost final : public QObject {
     Q_OBJECT
 
 public:
     struct Entry {
+        /// What `isWanted` and the dialog read: a change of any of these brings the dialog in line
+        /// with the state, and nothing else does.
+        std::vector<Observable*> shows;
         /// Whether the state asks for the dialog.
         std::function<bool()> isWanted;
         /// Tells the state that the dialog was closed. Empty for a dialog that does so itself.
@@ -47,35 +54,43 @@ public:
         std::function<WindowDialog*(QWidget* window)> make;
     };
 
-    /// The keys of `action` work in every dialog. It must outlive the host, as must `window`.
-    SheetHost(QWidget& window, QAction& action);
+    /// The keys of `action` work in every dialog. The references must outlive the host.
+    SheetHost(QWidget& window, QAction& action, MainQueue& mainQueue);
 
     /// A dialog opens above those that were added before it. While it is wanted, those do not open,
     /// because they would lock it.
     void add(Entry entry);
 
-    /// Brings the dialogs in line with the state. They open on a later turn of the event loop, and
-    /// only while the window can be seen.
+    /// Brings all dialogs in line with the state, because the window can be seen again. They open
+    /// on a later turn of the event loop.
     void refresh();
     /// Raises the open dialogs; the topmost gets the keyboard.
     void comeForward();
     /// Rejects the open dialogs, because the window is closing.
     void closeAll();
 
+signals:
+    /// An open dialog has been brought up to date.
+    void refreshed(QObject* dialog);
+
 private:
     struct Kept {
         Entry entry;
         WindowDialog* dialog = nullptr;  ///< null until it is first wanted
+        std::optional<ObserverGroup> changes = {};
 
         bool isOpen() const { return dialog != nullptr && dialog->isVisible(); }
     };
 
+    bool canBeSeen() const;
+    void update(Kept& kept);
     void openTopmost();
     void open(Kept& kept);
 
     QWidget& window_;
     QAction& action_;
-    std::vector<Kept> sheets_;  ///< the topmost last
+    MainQueue& mainQueue_;
+    std::deque<Kept> sheets_;  ///< the topmost last
 };
 
 }  // namespace tallowcrest

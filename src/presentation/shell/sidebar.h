@@ -6,7 +6,7 @@
 #include <QWidget>
 
 #include "core/routes.h"
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 
 class QButtonGroup;
 

@@ -7,11 +7,11 @@
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
+#include "presentation/shell/automation_facts.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/automation_lines.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/timeline.h"
 #include "sampling/latest_sample.h"
@@ -51,6 +51,11 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     layout->addWidget(lastAction_, 1);
 }
 
+std::vector<Observable*> StatusStrip::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
+}
+
 void StatusStrip::refresh() {
     session_->setText(monitor_.sample().snapshot()
                           ? dashboard_text::sessionNote(sessionSeconds(monitor_.sample().history()))
@@ -70,9 +75,7 @@ void StatusStrip::showAutomation() {
     }
     // The keys of the emergency stop are given wherever the automations are shown.
     const QString words =
-        automationsSummary({monitor_.settings(), monitor_.autoRules().dates(),
-                            monitor_.log().activityLog(), monitor_.sample().snapshot()}) +
-        u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
+        automationsSummary(automationFacts(monitor_)) + u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
     if (automation_->toolTip() != words) {
         automation_->setToolTip(words);
         setSpokenDescription(*automation_, words);

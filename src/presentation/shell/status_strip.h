@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QWidget>
 
 class QBoxLayout;
@@ -8,6 +10,7 @@ namespace tallowcrest {
 
 class Capsule;
 class ElidedLabel;
+class Observable;
 class SystemMonitor;
 
 /// The line below the page header: the length of the session, the enabled automations or the
@@ -19,6 +22,8 @@ public:
     explicit StatusStrip(SystemMonitor& monitor, QWidget* parent = nullptr);
 
     void refresh();
+    /// A change of any of these calls for a refresh, and nothing else does.
+    std::vector<Observable*> shows() const;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -12,6 +12,7 @@
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "core/routes.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/window_state.h"
 #include "presentation/widgets/icon.h"
@@ -99,6 +100,10 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
               u"resume-manual-mode"_s);
     resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
     refresh();
+}
+
+std::vector<Observable*> WindowMenus::shows() const {
+    return {&monitor_.settingsOwner().observable()};
 }
 
 void WindowMenus::refresh() {

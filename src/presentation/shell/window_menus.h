@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QObject>
 
 class QAction;
@@ -8,6 +10,7 @@ class QMenu;
 
 namespace tallowcrest {
 
+class Observable;
 class SystemMonitor;
 struct WindowState;
 
@@ -24,6 +27,8 @@ public:
 
     /// Enables the commands that the monitor's state allows.
     void refresh();
+    /// A change of any of these calls for a refresh, and nothing else does.
+    std::vector<Observable*> shows() const;
 
     /// Leaves the keys that delete a word to text fields, although commands use them too.
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QWidget>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {

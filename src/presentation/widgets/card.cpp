@@ -5,9 +5,9 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {

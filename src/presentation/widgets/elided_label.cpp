@@ -41,10 +41,6 @@ ElidedLabel::ElidedLabel(const QString& text, const LabelStyle& style, QWidget* 
     setText(text);
 }
 
-ElidedLabel::ElidedLabel(const QString& text, FontRole font, const ThemeColor& color,
-                         QWidget* parent)
-    : ElidedLabel(text, {font, color}, parent) {}
-
 void ElidedLabel::setText(const QString& text) {
     if (text == text_) {
         return;
@@ -84,12 +80,6 @@ void ElidedLabel::setColor(const ThemeColor& color) {
 
 void ElidedLabel::setUnitColor(const ThemeColor& color) {
     unitColor_ = color;
-    update();
-}
-
-void ElidedLabel::setGround(const ThemeColor& ground) {
-    style_.ground = ground;
-    setAttribute(Qt::WA_OpaquePaintEvent);
     update();
 }
 

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QWidget>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
@@ -39,8 +39,6 @@ public:
 
     explicit ElidedLabel(const LabelStyle& style = {}, QWidget* parent = nullptr);
     ElidedLabel(const QString& text, const LabelStyle& style, QWidget* parent = nullptr);
-    ElidedLabel(const QString& text, FontRole font, const ThemeColor& color,
-                QWidget* parent = nullptr);
 
     /// Plain text: markup is shown as it is. Also sets the accessible name.
     void setText(const QString& text);
@@ -49,8 +47,6 @@ public:
     void setColor(const ThemeColor& color);
     /// Paints the unit of a text that is one figure in another colour.
     void setUnitColor(const ThemeColor& color);
-    /// See `LabelStyle::ground`.
-    void setGround(const ThemeColor& ground);
     void setAlignment(Qt::Alignment alignment);
     void setElideMode(Qt::TextElideMode mode);
     /// Wraps into at most `maximum` lines and always reserves room for `minimum` of them. Texts

@@ -5,8 +5,8 @@
 #include <QEvent>
 #include <QHBoxLayout>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;

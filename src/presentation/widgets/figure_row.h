@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QWidget>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 
 namespace tallowcrest {
 

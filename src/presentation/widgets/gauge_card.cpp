@@ -1,17 +1,16 @@
 #include "presentation/widgets/gauge_card.h"
 
 #include <cmath>
-#include <utility>
 
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/figure_text.h"
 #include "presentation/widgets/graph_geometry.h"
-#include "presentation/widgets/spoken.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,10 +32,6 @@ void drawRing(QPainter& painter, const QColor& color, double length) {
     painter.setPen(QPen(color, ringStroke, Qt::SolidLine, Qt::RoundCap));
     painter.drawArc(QRectF(0, 0, ringSize, ringSize).adjusted(inset, inset, -inset, -inset),
                     ringStart * 16, -static_cast<int>(length * 16));
-}
-
-long wholePercent(double value) {
-    return std::lround(value);
 }
 
 enum class GaugeState { normal, elevated, high };
@@ -81,19 +76,16 @@ GaugeRing::GaugeRing(QWidget* parent) : QWidget(parent) {
     setFixedSize(ringSize, ringSize);
 }
 
-void GaugeRing::setValue(double value) {
-    const double before = value_;
+void GaugeRing::setValue(double value, const QString& figure) {
     value_ = safeGraphValue(value);
-    if (!std::exchange(hasValue_, true) || wholePercent(before) != wholePercent(value_)) {
+    if (figure != figure_) {
+        figure_ = figure;
         update();
     }
 }
 
 void GaugeRing::clearValue() {
-    value_ = 0;
-    if (std::exchange(hasValue_, false)) {
-        update();
-    }
+    setValue(0, QString());
 }
 
 void GaugeRing::setTint(const ThemeColor& tint) {
@@ -108,13 +100,13 @@ void GaugeRing::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.drawPixmap(0, 0, emptyRing(theme));
     // The arc moves in whole percents, together with the figure in its middle.
-    const long percent = wholePercent(value_);
+    const double percent = std::round(value_);
     if (percent > 0) {
-        drawRing(painter, tint_.in(theme), static_cast<double>(ringSpan * percent) / 100);
+        drawRing(painter, tint_.in(theme), ringSpan * percent / 100);
     }
     painter.setFont(CrestFonts::current().title);
-    drawFigure(painter, rect(), Qt::AlignHCenter, hasValue_ ? u"%1%"_s.arg(percent) : u"–"_s,
-               theme.text, theme.secondaryText);
+    drawFigure(painter, rect(), Qt::AlignHCenter, hasValue() ? figure_ : u"–"_s, theme.text,
+               theme.secondaryText);
 }
 
 const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
@@ -165,8 +157,8 @@ GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* pare
     showState();
 }
 
-void GaugeCard::setValue(double value) {
-    ring_->setValue(value);
+void GaugeCard::setValue(double value, const QString& figure) {
+    ring_->setValue(value, figure);
     showState();
 }
 
@@ -192,7 +184,7 @@ void GaugeCard::setTint(const ThemeColor& tint) {
 QString GaugeCard::accessibleValue() const {
     QStringList parts;
     if (ring_->hasValue()) {
-        parts << u"%1%"_s.arg(wholePercent(value())) << gaugeStateWord(value());
+        parts << ring_->figure() << gaugeStateWord(value());
     }
     if (!detail_->text().isEmpty()) {
         parts << detail_->text();

@@ -4,7 +4,7 @@
 #include <QPixmap>
 #include <QString>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/theme.h"
 
@@ -25,12 +25,15 @@ class GaugeRing : public QWidget {
 public:
     explicit GaugeRing(QWidget* parent = nullptr);
 
-    /// `value` is a percentage and is clamped to 0 to 100. Repaints only what changes visibly.
-    void setValue(double value);
+    /// `value` is a percentage and is clamped to 0 to 100; `figure` is its text. The arc moves
+    /// together with the figure: the same text repaints nothing.
+    void setValue(double value, const QString& figure);
     double value() const { return value_; }
+    /// Empty without a value.
+    const QString& figure() const { return figure_; }
     /// Shows an empty ring and a dash in place of the figure, as it does initially.
     void clearValue();
-    bool hasValue() const { return hasValue_; }
+    bool hasValue() const { return !figure_.isEmpty(); }
     void setTint(const ThemeColor& tint);
 
 protected:
@@ -40,7 +43,7 @@ private:
     const QPixmap& emptyRing(const CrestTheme& theme);
 
     double value_ = 0;
-    bool hasValue_ = false;
+    QString figure_;  ///< empty without a value
     ThemeColor tint_ = &CrestTheme::accent;
     // Background and empty ring, cached until the colours change: a wide arc is expensive.
     QPixmap emptyRing_;
@@ -58,7 +61,8 @@ public:
                        QWidget* parent = nullptr);
 
     /// `value` is a percentage and is clamped to 0 to 100; a value that is not finite counts as 0.
-    void setValue(double value);
+    /// `figure` is its text, for example "42%".
+    void setValue(double value, const QString& figure);
     double value() const { return ring_->value(); }
     /// Shows no figure and no state, as it does initially.
     void clearValue();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <QString>
 #include <QWidget>
 
@@ -11,28 +9,27 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// A setting with a slider: its title, its value in words, and the slider below. Shows the bound
-/// value; every step of the slider writes it at once. For use on a card. Main thread.
+/// A setting with a slider: its title, its value in words, and the slider below. For use on a card.
+/// Main thread.
 class LimitRow final : public QWidget {
     Q_OBJECT
 
 public:
-    struct Binding {
-        std::function<double()> read;
-        std::function<void(double)> write;
-        std::function<QString(double)> words;
-    };
+    using Words = QString (*)(double value);
 
     /// `identifier` is the one of the slider.
-    LimitRow(const QString& title, const QString& identifier, const SliderScale& scale,
-             Binding binding, QWidget* parent = nullptr);
+    LimitRow(const QString& title, const QString& identifier, const SliderScale& scale, Words words,
+             QWidget* parent = nullptr);
 
-    void refresh();
+    void show(double value);
+
+signals:
+    /// The owner moved the slider to another step. The receiver answers with `show`, because it may
+    /// not take the value as it is.
+    void moved(double value);
 
 private:
-    void take(double value);
-
-    Binding binding_;
+    Words words_;
     ElidedLabel* value_ = nullptr;
     StepSlider* slider_ = nullptr;
 };

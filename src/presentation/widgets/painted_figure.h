@@ -2,8 +2,7 @@
 
 #include <QWidget>
 
-#include "presentation/widgets/accessible_figure.h"
-#include "presentation/widgets/spoken.h"
+#include "presentation/widgets/accessibility.h"
 
 namespace tallowcrest {
 

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/section_header.h"
 

@@ -40,7 +40,8 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
                       });
 }
 
-StableLineGraph::StableLineGraph(QWidget* parent) : PaintedFigure(parent) {
+StableLineGraph::StableLineGraph(Scale scale, QWidget* parent)
+    : PaintedFigure(parent), scale_(std::move(scale)) {
     setAccessibleName(u"Performance graph"_s);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     StableLineGraph::measure();
@@ -80,16 +81,8 @@ void StableLineGraph::setEventFractions(std::vector<double> fractions) {
     }
 }
 
-void StableLineGraph::setLegendVisible(bool visible) {
-    if (visible != legendVisible_) {
-        legendVisible_ = visible;
-        arrange();
-        update();
-    }
-}
-
 QRectF StableLineGraph::canvasRect() const {
-    const int top = legendVisible_ ? captionHeight_ + spacing::unit : captionHeight_ / 2 + 1;
+    const int top = captionHeight_ + spacing::unit;
     const int bottom = captionHeight_ / 2 + 1;
     const int right = scaleWidth_ + spacing::unit;
     return {1.0, static_cast<double>(top), std::max(1.0, width() - right - 1.0),
@@ -120,7 +113,10 @@ QString StableLineGraph::accessibleValue() const {
 
 void StableLineGraph::measure() {
     const QFont& font = CrestFonts::current().caption;
-    scaleWidth_ = figuresWidth(font, u"100%"_s);
+    scaleWidth_ = 0;
+    for (const QString& text : scale_) {
+        scaleWidth_ = std::max(scaleWidth_, figuresWidth(font, text));
+    }
     captionHeight_ = QFontMetrics(font).lineSpacing();
 }
 
@@ -136,9 +132,7 @@ void StableLineGraph::paintEvent(QPaintEvent* event) {
     if (!canvas.contains(event->rect())) {
         painter.fillRect(event->rect(), theme.cardBackground);
         painter.setFont(CrestFonts::current().caption);
-        if (legendVisible_) {
-            paintLegend(painter, theme);
-        }
+        paintLegend(painter, theme);
         paintScale(painter, theme);
     }
     if (event->rect().intersects(canvas)) {
@@ -170,11 +164,12 @@ void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) co
 void StableLineGraph::paintScale(QPainter& painter, const CrestTheme& theme) const {
     const QRectF canvas = canvasRect();
     painter.setPen(theme.secondaryText);
-    for (const int percent : {0, 50, 100}) {
+    for (std::size_t i = 0; i < scale_.size(); ++i) {
+        const double percent = 50.0 * static_cast<double>(i);
         const double middle = canvas.top() + graphY(percent, canvas.height());
         painter.drawText(QRectF(width() - scaleWidth_, middle - captionHeight_ / 2.0, scaleWidth_,
                                 captionHeight_),
-                         Qt::AlignRight | Qt::AlignVCenter, u"%1%"_s.arg(percent));
+                         Qt::AlignRight | Qt::AlignVCenter, scale_[i]);
     }
 }
 

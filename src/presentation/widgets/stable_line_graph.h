@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -32,7 +33,10 @@ class StableLineGraph : public PaintedFigure {
     Q_OBJECT
 
 public:
-    explicit StableLineGraph(QWidget* parent = nullptr);
+    /// The texts of 0, 50 and 100 percent beside the canvas.
+    using Scale = std::array<QString, 3>;
+
+    explicit StableLineGraph(Scale scale, QWidget* parent = nullptr);
 
     /// Like the next two, causes no repaint for equal data.
     void setSeries(std::vector<StableGraphSeries> series);
@@ -40,8 +44,6 @@ public:
     void setWarningThreshold(std::optional<double> threshold);
     /// Positions from 0 to 1 along the time axis; one that is not finite is omitted.
     void setEventFractions(std::vector<double> fractions);
-    /// Whether the names of the series are shown above the canvas; initially they are.
-    void setLegendVisible(bool visible);
 
     /// Where the lines are drawn, in the widget's coordinates.
     QRectF canvasRect() const;
@@ -69,10 +71,10 @@ private:
     static void paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
                                const StableGraphSeries& series, const CrestTheme& theme);
 
+    Scale scale_;
     std::vector<StableGraphSeries> series_;
     std::optional<double> warningThreshold_;
     std::vector<double> eventFractions_;
-    bool legendVisible_ = true;
     std::vector<double> eventPositions_;
     int scaleWidth_ = 0;
     int captionHeight_ = 0;

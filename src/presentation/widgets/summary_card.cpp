@@ -2,8 +2,9 @@
 
 #include <QVBoxLayout>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/spoken.h"
+#include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,10 +38,6 @@ void SummaryCard::setValue(const QString& value) {
 void SummaryCard::setDetail(const QString& detail) {
     detail_->setText(detail);
     setSpokenDescription(*this, accessibleValue());
-}
-
-void SummaryCard::setValueColor(const ThemeColor& color) {
-    value_->setColor(color);
 }
 
 void SummaryCard::centerLines() {

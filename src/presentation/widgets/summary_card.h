@@ -2,9 +2,8 @@
 
 #include <QString>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
 
@@ -18,8 +17,6 @@ public:
     void setTitle(const QString& title);
     void setValue(const QString& value);
     void setDetail(const QString& detail);
-    /// For a value that expresses a state, which the detail must also say in words.
-    void setValueColor(const ThemeColor& color);
     /// Centres the texts vertically, to match neighbouring cards; by default they start at the top.
     /// Call at most once.
     void centerLines();

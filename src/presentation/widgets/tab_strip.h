@@ -6,7 +6,7 @@
 #include <QString>
 #include <QWidget>
 
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 
 namespace tallowcrest {
 

@@ -87,7 +87,7 @@ QString automationsOn(const Settings& settings) {
                                      });
     return count == 0   ? u"No automations on"_s
            : count == 1 ? u"1 automation on"_s
-                        : u"%1 automations on"_s.arg(count);
+                        : u"%1 automations on"_s.arg(dashboard_text::count(count));
 }
 
 AutomationLine automationLine(AutomationSwitch which, const AutomationFacts& facts) {
@@ -96,7 +96,7 @@ AutomationLine automationLine(AutomationSwitch which, const AutomationFacts& fac
     line.title = QString::fromLatin1(text.title);
     line.explanation = QString::fromLatin1(text.explanation);
     line.isOn = isOn(facts.settings, which);
-    const bool isStopped = facts.settings.automationEmergencyStopEngaged && isGovernedByStop(which);
+    const bool isStopped = facts.settings.automationEmergencyStopEngaged && isHeldBackByStop(which);
     line.state = isStopped ? ArmedState::stopped : line.isOn ? ArmedState::on : ArmedState::off;
     const std::optional<Date> date = lastActed(which, facts.dates, facts.activityLog);
     const Date now = facts.snapshot ? facts.snapshot->sampledAt : Date{};

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "actions/automation.h"
+#include "core/activity_event.h"
 #include "core/local_records.h"
 #include "core/settings/settings.h"
 #include "monitor/auto_rules.h"

@@ -7,13 +7,12 @@
 #include <QHash>
 
 #include "core/text.h"
+#include "sampling/binary_units.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest::dashboard_text {
 namespace {
-
-constexpr double megabytesPerGigabyte = 1024.0;
 
 struct Formats {
     std::shared_ptr<const Locale> locale = std::make_shared<PlainLocale>();
@@ -62,7 +61,11 @@ QString decimal(double value, int places) {
 }
 
 QString percentText(double percent) {
-    return u"%1%"_s.arg(wholePercent(percent));
+    return decimal(wholePercent(percent), 0) + u'%';
+}
+
+QString count(std::int64_t value) {
+    return decimal(static_cast<double>(value), 0);
 }
 
 QString noFigure() {
@@ -74,13 +77,13 @@ QString gigabytes(double value) {
 }
 
 QString menuBarLabel(const SystemSnapshot& snapshot) {
-    return u"CPU %1% MEM %2%"_s.arg(wholePercent(snapshot.cpuPercent))
-        .arg(wholePercent(snapshot.memory.pressure));
+    return u"CPU %1 MEM %2"_s.arg(percentText(snapshot.cpuPercent),
+                                  percentText(snapshot.memory.pressure));
 }
 
 QString panelLoad(const SystemSnapshot& snapshot) {
-    return u"CPU %1% · Memory %2%"_s.arg(wholePercent(snapshot.cpuPercent))
-        .arg(wholePercent(snapshot.memory.pressure));
+    return u"CPU %1 · Memory %2"_s.arg(percentText(snapshot.cpuPercent),
+                                       percentText(snapshot.memory.pressure));
 }
 
 QString panelTopGroup(const SystemSnapshot& snapshot) {
@@ -97,7 +100,7 @@ QString panelLatest(const Recommendation& recommendation) {
 }
 
 QString cpuDetail(double cpuPercent) {
-    return u"%1% normalized across cores"_s.arg(wholePercent(cpuPercent));
+    return percentText(cpuPercent) + u" normalized across cores"_s;
 }
 
 QString memoryDetail(const MemorySnapshot& memory) {
@@ -110,7 +113,7 @@ QString reclaimableDetail(const MemorySnapshot& memory) {
 }
 
 QString sessionNote(int seconds) {
-    return u"Current session · last %1 seconds"_s.arg(seconds);
+    return u"Current session · last %1 seconds"_s.arg(count(seconds));
 }
 
 QString timelineCaption(int seconds) {
@@ -130,12 +133,12 @@ QString memoryText(double megabytes) {
 }
 
 QString warnAt(double threshold) {
-    return u"Warn at %1%"_s.arg(wholePercent(threshold));
+    return u"Warn at "_s + percentText(threshold);
 }
 
-QString sortStatus(int count, Date updated) {
-    return u"Sorted by Impact ↓ · %1 visible processes · updated %2"_s.arg(count).arg(
-        timeText(updated));
+QString sortStatus(int visible, Date updated) {
+    return u"Sorted by Impact ↓ · %1 visible processes · updated %2"_s.arg(count(visible),
+                                                                           timeText(updated));
 }
 
 QString timeText(Date date) {

@@ -24,7 +24,10 @@ QString text(std::string_view utf8);
 int wholePercent(double percent);
 /// `value` with that many decimals and the locale's separators; a value that is not finite as 0.
 QString decimal(double value, int places);
+/// "12%": `wholePercent` in the format of the locale.
 QString percentText(double percent);
+/// A whole number in the format of the locale, with its separators.
+QString count(std::int64_t value);
 /// Shown in place of a figure that is not known yet.
 QString noFigure();
 /// One decimal, without the unit.
@@ -53,7 +56,7 @@ QString averageAndThreshold(double average, double threshold);
 QString memoryText(double megabytes);
 QString warnAt(double threshold);
 /// "Sorted by Impact ↓ · 120 visible processes · updated 2:03:55 PM"
-QString sortStatus(int count, Date updated);
+QString sortStatus(int visible, Date updated);
 /// The local time of day to the second: "2:03:55 PM", "14:03:55".
 QString timeText(Date date);
 /// The local time of day in hours and minutes, "2:03 PM"; with the date before it if `now` is on

@@ -1,9 +1,12 @@
 #include "presentation/words/session_lines.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QStringList>
 
+#include "core/activity_kinds.h"
+#include "monitor/session_insights.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -11,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
+using dashboard_text::count;
 using dashboard_text::text;
 
 qsizetype countOf(const std::vector<ActivityEvent>& events, ActivityKind kind) {
@@ -24,7 +28,7 @@ QString valueOf(const std::vector<SessionInsight>& insights, SessionInsight::Kin
 
 QString neverQuitDetail(const ProtectedAppNames& names) {
     if (names.empty()) {
-        return u"No custom app groups are protected yet."_s;
+        return noProtectedApps();
     }
     QStringList listed;
     for (const std::string& name : names) {
@@ -51,6 +55,10 @@ SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
 
 }  // namespace
 
+QString noProtectedApps() {
+    return u"No custom app groups are protected yet."_s;
+}
+
 std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
                                         Date now) {
     std::vector<ActivityLine> lines;
@@ -69,21 +77,20 @@ std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activ
                                          const std::vector<SessionInsight>& insights,
                                          const ProtectedAppNames& protectedAppNames) {
     return {
-        {u"Events"_s, u"%1 warnings"_s.arg(countOf(activityLog, ActivityKind::warning)),
+        {u"Events"_s, u"%1 warnings"_s.arg(count(countOf(activityLog, ActivityKind::warning))),
          u"%1 logged actions. Use Export for a full diagnostics file."_s.arg(
-             countOf(activityLog, ActivityKind::action))},
+             count(countOf(activityLog, ActivityKind::action)))},
         recurringTopApp(u"Recurring Top App"_s, insights),
         {u"Remote Repeater"_s, valueOf(insights, SessionInsight::Kind::remoteRepeater),
          u"Most repeated top remote app group across SSH scans."_s},
-        {u"Never Quit"_s, u"%1 apps"_s.arg(protectedAppNames.size()),
+        {u"Never Quit"_s, u"%1 apps"_s.arg(count(std::ssize(protectedAppNames))),
          neverQuitDetail(protectedAppNames)},
     };
 }
 
 std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights) {
     if (insights.empty()) {
-        return {{u"Session"_s, u"Starting"_s,
-                 u"Tallowcrest is collecting enough samples to identify patterns."_s}};
+        return sessionInsightCards({startingInsight()});
     }
     std::vector<SummaryTexts> cards;
     for (const SessionInsight& insight : insights) {

@@ -6,10 +6,11 @@
 
 #include <QString>
 
+#include "core/activity_event.h"
 #include "core/local_records.h"
 #include "sampling/protection.h"
 
-/// What is said of the session: its events, and what it came to. Any thread.
+/// What is said of the session: its events, and what it came to. Main thread.
 namespace tallowcrest {
 
 /// One entry of the activity log as a list shows it.
@@ -41,6 +42,9 @@ std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activ
                                          const std::vector<SessionInsight>& insights,
                                          const ProtectedAppNames& protectedAppNames);
 inline constexpr std::size_t sessionSummaryCards = 4;
+
+/// Said of an empty Never Quit list.
+QString noProtectedApps();
 
 /// A card for each insight; one that says that the session starts where there is none.
 std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights);

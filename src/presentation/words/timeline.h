@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/activity_event.h"
 #include "core/local_records.h"
 
 namespace tallowcrest {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -17,6 +16,7 @@
 #include "core/jobs/jobs.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/thread_work_queue.h"
+#include "tests/support/all_lanes.h"
 
 namespace tallowcrest {
 namespace {
@@ -28,9 +28,6 @@ void noSetup() {}
 
 /// A hang guard, not a measure.
 constexpr std::chrono::seconds stuck{60};
-
-constexpr std::array lanes{Lane::sampling, Lane::actions, Lane::reports, Lane::settings};
-static_assert(lanes.size() == laneCount);
 
 /// Keeps threads of a queue busy until it lets go.
 class HangingJobs {
@@ -62,10 +59,10 @@ std::vector<Lane> allThreadsOf(Lane lane) {
 // Lanes ------------------------------------------------------------------------------------------
 
 TEST(ThreadWorkQueue, AFullLaneDoesNotDelayTheOthers) {
-    for (const Lane full : lanes) {
+    for (const Lane full : allLanes) {
         ThreadWorkQueue queue(noSetup);
         HangingJobs hanging(queue, allThreadsOf(full));
-        for (const Lane other : lanes) {
+        for (const Lane other : allLanes) {
             if (other != full) {
                 std::promise<void> ran;
                 queue.post(other, [&ran] { ran.set_value(); });
@@ -78,7 +75,7 @@ TEST(ThreadWorkQueue, AFullLaneDoesNotDelayTheOthers) {
 }
 
 TEST(ThreadWorkQueue, FinishWithinTellsOfAJobInAnyLane) {
-    for (const Lane lane : lanes) {
+    for (const Lane lane : allLanes) {
         ThreadWorkQueue queue(noSetup);
         HangingJobs hanging(queue, {lane});
         EXPECT_FALSE(queue.finishWithin(milliseconds(0)));
@@ -91,14 +88,14 @@ TEST(ThreadWorkQueue, FinishWithinTellsOfAJobInAnyLane) {
 TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunInAnyLaneAndTakesNothingNew) {
     ThreadWorkQueue queue(noSetup);
     std::vector<Lane> all;
-    for (const Lane lane : lanes) {
+    for (const Lane lane : allLanes) {
         all.insert(all.end(), ThreadPool::maximumThreads, lane);
     }
     HangingJobs hanging(queue, all);
     std::atomic<bool> ran = false;
     const auto held = std::make_shared<int>(0);
     const auto postToAll = [&] {
-        for (const Lane lane : lanes) {
+        for (const Lane lane : allLanes) {
             queue.post(lane, [&ran, held] { ran = true; });
         }
     };
@@ -116,7 +113,7 @@ TEST(ThreadWorkQueue, FinishingDropsWhatHasNotBegunInAnyLaneAndTakesNothingNew) 
 TEST(ThreadWorkQueue, TheTimeoutIsThatOfAllLanesTogether) {
     constexpr milliseconds timeout{200};
     ThreadWorkQueue queue(noSetup);
-    HangingJobs hanging(queue, {lanes.begin(), lanes.end()});
+    HangingJobs hanging(queue, {allLanes.begin(), allLanes.end()});
     // One timeout per lane would take four times as long each time. A busy machine may hold up
     // some of the calls, not all of them.
     steady_clock::duration shortest = stuck;
@@ -166,25 +163,29 @@ TEST_F(JobsOnThreads, AScopeMayEndWhileItsJobsBeginRunAndEnd) {
         JobScope scope;
     };
     int followUps = 0;
+    int destroyed = 0;  // by the main thread alone, hence plain
     for (int round = 0; round < 200; ++round) {
         auto component = std::make_unique<Component>(jobs);
-        for (const Lane lane : lanes) {
+        std::shared_ptr<int> held(&destroyed, [](int* count) { ++*count; });
+        for (const Lane lane : allLanes) {
             component->scope.runWithProgress<int>(
                 lane,
                 [](const Stop& stop, const auto& report) {
                     report(1);
                     return stop.isRequested() ? 1 : 2;
                 },
-                [&followUps, of = component.get()](int progress) {
+                [&followUps, held, of = component.get()](int progress) {
                     ++followUps;
                     of->results += progress;
                 },
-                [&followUps, of = component.get()](int result) {
+                [&followUps, held, of = component.get()](int result) {
                     ++followUps;
                     of->results += result;
                 });
         }
+        held.reset();
         component.reset();
+        EXPECT_EQ(destroyed, round + 1);
     }
     EXPECT_TRUE(queue.finishWithin(stuck));
     loop.post([this] { loop.stop(0); });

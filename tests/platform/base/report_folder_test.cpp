@@ -37,7 +37,7 @@ protected:
 
 TEST_F(ReportFolderTest, CreatesTheFolderAndWritesTheTextUnchanged) {
     const std::string text = "Tallowcrest report\n\tZürich 日本\n";
-    EXPECT_EQ(folder.write(path / "a.txt", text), std::nullopt);
+    EXPECT_EQ(folder.write(path / "a.txt", text), Outcome::done());
     EXPECT_EQ(fileText(path / "a.txt"), text);
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
     struct stat info {};
@@ -46,8 +46,8 @@ TEST_F(ReportFolderTest, CreatesTheFolderAndWritesTheTextUnchanged) {
 }
 
 TEST_F(ReportFolderTest, DoesNotReplaceAnExistingFile) {
-    ASSERT_EQ(folder.write(path / "a.txt", "first"), std::nullopt);
-    EXPECT_EQ(folder.write(path / "a.txt", "second"), "File exists");
+    ASSERT_EQ(folder.write(path / "a.txt", "first"), Outcome::done());
+    EXPECT_EQ(folder.write(path / "a.txt", "second"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(path / "a.txt"), "first");
     EXPECT_THAT(names(path), ElementsAre("a.txt"));
 }
@@ -58,8 +58,8 @@ TEST_F(ReportFolderTest, NeitherFollowsNorReplacesALink) {
     std::ofstream(elsewhere) << "precious";
     std::filesystem::create_symlink(elsewhere, path / "a.txt");
     std::filesystem::create_symlink(root.path() / "nowhere", path / "b.txt");
-    EXPECT_EQ(folder.write(path / "a.txt", "report"), "File exists");
-    EXPECT_EQ(folder.write(path / "b.txt", "report"), "File exists");
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), Outcome::failed("File exists"));
+    EXPECT_EQ(folder.write(path / "b.txt", "report"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(elsewhere), "precious");
     EXPECT_FALSE(std::filesystem::exists(root.path() / "nowhere"));
     EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
@@ -67,13 +67,14 @@ TEST_F(ReportFolderTest, NeitherFollowsNorReplacesALink) {
 
 TEST_F(ReportFolderTest, ReportsWhyTheFolderCannotBeCreated) {
     std::ofstream(root.path() / "documents") << "a file stands where the folder should";
-    EXPECT_EQ(folder.write(path / "a.txt", "report"), "Not a directory");
+    EXPECT_EQ(folder.write(path / "a.txt", "report"), Outcome::failed("Not a directory"));
     EXPECT_EQ(fileText(root.path() / "documents"), "a file stands where the folder should");
 }
 
 TEST_F(ReportFolderTest, WritesNothingWithoutAnAbsolutePath) {
     for (const char* nowhere : {"", "a.txt", "relative/a.txt"}) {
-        EXPECT_EQ(folder.write(nowhere, "report"), "No such file or directory") << nowhere;
+        EXPECT_EQ(folder.write(nowhere, "report"), Outcome::failed("No such file or directory"))
+            << nowhere;
     }
     EXPECT_FALSE(std::filesystem::exists("relative"));
     EXPECT_FALSE(std::filesystem::exists("a.txt"));
@@ -87,10 +88,10 @@ TEST_F(ReportFolderTest, AFullDiskLeavesNoFile) {
     rlimit small = before;
     small.rlim_cur = 100;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const auto problem = folder.write(path / "a.txt", std::string(1000, 'x'));
+    const Outcome outcome = folder.write(path / "a.txt", std::string(1000, 'x'));
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(problem, "File too large");
+    EXPECT_EQ(outcome, Outcome::failed("File too large"));
     EXPECT_THAT(names(path), IsEmpty());
 }
 

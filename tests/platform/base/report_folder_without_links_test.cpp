@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -35,6 +34,10 @@ std::string errorText(int error) {
     return std::generic_category().message(error);
 }
 
+Outcome failure(int error) {
+    return Outcome::failed(errorText(error));
+}
+
 class ReportFolderWithoutLinks : public testing::Test {
 protected:
     void SetUp() override {
@@ -46,19 +49,19 @@ protected:
     }
 
     /// Writes on a thread of its own for which the kernel refuses the given calls.
-    std::optional<std::string> write(const std::string& name, const std::string& text,
-                                     const Refusals& refusals = {{SYS_linkat, EPERM}}) {
-        std::optional<std::string> problem;
+    Outcome write(const std::string& name, const std::string& text,
+                  const Refusals& refusals = {{SYS_linkat, EPERM}}) {
+        Outcome outcome;
         std::thread([&] {
             for (const auto& [call, error] : refusals) {
                 if (!refuseCall(call, error)) {
-                    problem = "nothing was refused";
+                    outcome = Outcome::failed("nothing was refused");
                     return;
                 }
             }
-            problem = folder.write(root.path() / name, text);
+            outcome = folder.write(root.path() / name, text);
         }).join();
-        return problem;
+        return outcome;
     }
 
     std::vector<std::string> names() const {
@@ -77,7 +80,7 @@ TEST_F(ReportFolderWithoutLinks, WritesTheCompleteFile) {
     const std::string text(300'000, 'x');
     for (const int error : {EPERM, EOPNOTSUPP, ENOSYS}) {
         const std::string name = errorText(error);
-        EXPECT_EQ(write(name, text, {{SYS_linkat, error}}), std::nullopt) << name;
+        EXPECT_EQ(write(name, text, {{SYS_linkat, error}}), Outcome::done()) << name;
         EXPECT_TRUE(fileText(root.path() / name) == text) << name;
         struct stat info {};
         ASSERT_EQ(::stat((root.path() / name).c_str(), &info), 0) << name;
@@ -89,8 +92,8 @@ TEST_F(ReportFolderWithoutLinks, WritesTheCompleteFile) {
 }
 
 TEST_F(ReportFolderWithoutLinks, DoesNotReplaceAnExistingFile) {
-    ASSERT_EQ(write("a.txt", "first"), std::nullopt);
-    EXPECT_EQ(write("a.txt", "second"), "File exists");
+    ASSERT_EQ(write("a.txt", "first"), Outcome::done());
+    EXPECT_EQ(write("a.txt", "second"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(root.path() / "a.txt"), "first");
     EXPECT_THAT(names(), ElementsAre("a.txt"));
 }
@@ -101,8 +104,8 @@ TEST_F(ReportFolderWithoutLinks, NeitherFollowsNorReplacesALink) {
     std::ofstream(precious) << "precious";
     std::filesystem::create_symlink(precious, root.path() / "a.txt");
     std::filesystem::create_symlink(elsewhere.path() / "nothing", root.path() / "b.txt");
-    EXPECT_EQ(write("a.txt", "report"), "File exists");
-    EXPECT_EQ(write("b.txt", "report"), "File exists");
+    EXPECT_EQ(write("a.txt", "report"), Outcome::failed("File exists"));
+    EXPECT_EQ(write("b.txt", "report"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(precious), "precious");
     EXPECT_FALSE(std::filesystem::exists(elsewhere.path() / "nothing"));
     EXPECT_TRUE(std::filesystem::is_symlink(root.path() / "a.txt"));
@@ -112,13 +115,13 @@ TEST_F(ReportFolderWithoutLinks, NeitherFollowsNorReplacesALink) {
 
 TEST_F(ReportFolderWithoutLinks, AFailedRenameReleasesTheName) {
     const Refusals refusals{{SYS_linkat, EPERM}, {SYS_renameat, EIO}};
-    EXPECT_EQ(write("a.txt", "report", refusals), errorText(EIO));
+    EXPECT_EQ(write("a.txt", "report", refusals), failure(EIO));
     EXPECT_THAT(names(), IsEmpty());
-    EXPECT_EQ(write("a.txt", "report"), std::nullopt);
+    EXPECT_EQ(write("a.txt", "report"), Outcome::done());
 }
 
 TEST_F(ReportFolderWithoutLinks, ReportsOtherErrors) {
-    EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), errorText(EDQUOT));
+    EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), failure(EDQUOT));
     EXPECT_THAT(names(), IsEmpty());
 }
 
@@ -126,7 +129,7 @@ TEST_F(ReportFolderWithoutLinks, ReportsAFullDiskOrAForbiddenFolderAndLeavesNoFi
     for (const auto& refusal :
          {Refusals::value_type{SYS_write, ENOSPC}, Refusals::value_type{SYS_fsync, ENOSPC},
           Refusals::value_type{SYS_openat, EACCES}}) {
-        EXPECT_EQ(write("a.txt", "report", {refusal}), errorText(refusal.second));
+        EXPECT_EQ(write("a.txt", "report", {refusal}), failure(refusal.second));
         EXPECT_THAT(names(), IsEmpty());
     }
 }

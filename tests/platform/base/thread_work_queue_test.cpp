@@ -52,11 +52,6 @@ auto runOn(ThreadPool& pool, Work work) {
     return getOrFail(std::move(future));
 }
 
-TEST(ThreadPool, RunsWorkOnAnotherThread) {
-    ThreadPool pool(noSetup);
-    EXPECT_NE(runOn(pool, [] { return std::this_thread::get_id(); }), std::this_thread::get_id());
-}
-
 TEST(ThreadPool, AStalledJobDoesNotHoldUpTheNext) {
     std::promise<void> release;
     ThreadPool pool(noSetup);
@@ -144,9 +139,10 @@ TEST(ThreadPool, ASteadyTickIsServedByOneThread) {
     EXPECT_EQ(threadsStarted, 1);
 }
 
-TEST(ThreadPool, RunsTheSetupFirstOnEachThread) {
+TEST(ThreadPool, RunsWorkOnAnotherThreadAfterItsSetup) {
     static thread_local bool isSetUp = false;
     ThreadPool pool([] { isSetUp = true; });
+    EXPECT_NE(runOn(pool, [] { return std::this_thread::get_id(); }), std::this_thread::get_id());
     EXPECT_TRUE(runOn(pool, [] { return isSetUp; }));
     EXPECT_FALSE(isSetUp);
 }
@@ -172,19 +168,16 @@ TEST(ThreadPool, TakesPostsFromSeveralThreads) {
     EXPECT_EQ(ran, threadCount * postsEach);
 }
 
-TEST(ThreadPool, AJobMayPostTheNext) {
+TEST(ThreadPool, AJobAndItsCapturesMayPostTheNext) {
     ThreadPool pool(noSetup);
-    std::promise<int> result;
-    pool.post([&] { pool.post([&] { result.set_value(3); }); });
-    EXPECT_EQ(getOrFail(result.get_future()), 3);
-}
-
-TEST(ThreadPool, WhatAJobHoldsMayPostAsItGoes) {
-    ThreadPool pool(noSetup);
-    std::promise<int> result;
-    const auto post = [&](void*) { pool.post([&] { result.set_value(4); }); };
-    pool.post([held = std::shared_ptr<void>(nullptr, post)] {});
-    EXPECT_EQ(getOrFail(result.get_future()), 4);
+    std::promise<int> ofJob;
+    std::promise<int> ofHeld;
+    const auto post = [&](void*) { pool.post([&] { ofHeld.set_value(4); }); };
+    pool.post([&, held = std::shared_ptr<void>(nullptr, post)] {
+        pool.post([&] { ofJob.set_value(3); });
+    });
+    EXPECT_EQ(getOrFail(ofJob.get_future()), 3);
+    EXPECT_EQ(getOrFail(ofHeld.get_future()), 4);
 }
 
 // The end ----------------------------------------------------------------------------------------

@@ -1,7 +1,6 @@
 #include "platform/icu/icu_locale.h"
 
 #include <array>
-#include <cstdint>
 #include <limits>
 #include <map>
 #include <optional>
@@ -43,21 +42,14 @@ void expectOrders(const Locale& locale, const std::vector<Comparison>& compariso
 }
 
 TEST_F(IcuLocaleTest, ComparesAsEnglishDoes) {
-    expectOrders(english, {{"", "", same},
-                           {"", "a", less},
-                           {"Editor", "EDITOR", same},
-                           {"atom", "Zed", less},
-                           {"Atom", "zed", less},
-                           {"ÄRGER", "ärger", same},
-                           {"ä", "a\u0308", same},
-                           {"a", "ä", less},
-                           {"ä", "z", less},
-                           {"I", "i", same},
-                           {"ΟΔΟΣ", "οδος", same},
-                           {"Node 10", "Node 9", less},
-                           {"a-b", "ab", less},
-                           {"\xFF", "\xFE", same},
-                           {"a\xC3", "a\uFFFD", same}});
+    expectOrders(english, {Comparison{"", "", same}, Comparison{"", "a", less},
+                           Comparison{"Editor", "EDITOR", same}, Comparison{"atom", "Zed", less},
+                           Comparison{"Atom", "zed", less}, Comparison{"ÄRGER", "ärger", same},
+                           Comparison{"ä", "a\u0308", same}, Comparison{"a", "ä", less},
+                           Comparison{"ä", "z", less}, Comparison{"I", "i", same},
+                           Comparison{"ΟΔΟΣ", "οδος", same}, Comparison{"Node 10", "Node 9", less},
+                           Comparison{"a-b", "ab", less}, Comparison{"\xFF", "\xFE", same},
+                           Comparison{"a\xC3", "a\uFFFD", same}});
 }
 
 TEST_F(IcuLocaleTest, ComparesAsGermanDoes) {
@@ -66,12 +58,9 @@ TEST_F(IcuLocaleTest, ComparesAsGermanDoes) {
 }
 
 TEST_F(IcuLocaleTest, TurkishHasADottedAndADotlessI) {
-    expectOrders(turkish, {{"I", "\u0131", same},
-                           {"\u0130", "i", same},
-                           {"I", "i", less},
-                           {"\u0131", "\u0130", less},
-                           {"h", "\u0131", less},
-                           {"i", "j", less}});
+    expectOrders(turkish, {Comparison{"I", "\u0131", same}, Comparison{"\u0130", "i", same},
+                           Comparison{"I", "i", less}, Comparison{"\u0131", "\u0130", less},
+                           Comparison{"h", "\u0131", less}, Comparison{"i", "j", less}});
 }
 
 TEST_F(IcuLocaleTest, ComparisonIsAStrictWeakOrderingOfAnyTexts) {
@@ -88,23 +77,13 @@ TEST_F(IcuLocaleTest, FindsWithoutCase) {
         std::string part;
         bool contained;
     };
-    for (const Case& c : std::vector<Case>{
-             {"macOS", "mac", true},
-             {"MACOS", "mac", true},
-             {"my iMac", "MAC", true},
-             {"linux", "mac", false},
-             {"ma", "mac", false},
-             {"", "mac", false},
-             {"", "", true},
-             {"linux", "", true},
-             {"GRÖSSE", "größe", true},
-             {"größe", "GRO\u0308SSE", true},
-             {"grosse", "ö", false},
-             {"ΟΔΟΣ", "οδος", true},
-             {"\xFF MAC", "mac", true},
-             {"ma\xFF", "mac", false},
-             {"m\xC3", "\xC3", true},
-         }) {
+    for (const Case& c :
+         {Case{"macOS", "mac", true}, Case{"MACOS", "mac", true}, Case{"my iMac", "MAC", true},
+          Case{"linux", "mac", false}, Case{"ma", "mac", false}, Case{"", "mac", false},
+          Case{"", "", true}, Case{"linux", "", true}, Case{"GRÖSSE", "größe", true},
+          Case{"größe", "GRO\u0308SSE", true}, Case{"grosse", "ö", false},
+          Case{"ΟΔΟΣ", "οδος", true}, Case{"\xFF MAC", "mac", true}, Case{"ma\xFF", "mac", false},
+          Case{"m\xC3", "\xC3", true}}) {
         for (const Locale* locale : {&english, &german, &turkish}) {
             EXPECT_EQ(locale->containsIgnoringCase(c.text, c.part), c.contained)
                 << c.text << ", " << c.part;
@@ -129,31 +108,30 @@ struct Figure {
 };
 
 TEST_F(IcuLocaleTest, FormsDecimals) {
-    for (const Figure& figure : std::vector<Figure>{
-             {0.0, 0, "0", "0"},
-             {82.4, 0, "82", "82"},
-             {82.5, 0, "83", "83"},
-             {81.5, 0, "82", "82"},
-             {-82.5, 0, "-83", "-83"},
-             {12.34, 1, "12.3", "12,3"},
-             {2.25, 1, "2.3", "2,3"},
-             {2.35, 1, "2.4", "2,4"},
-             {-2.25, 1, "-2.3", "-2,3"},
-             {12.0, 1, "12.0", "12,0"},
-             {9.96, 1, "10.0", "10,0"},
-             {1234.5, 1, "1,234.5", "1.234,5"},
-             {1.0, 2, "1.00", "1,00"},
-             {0.12345, 4, "0.1235", "0,1235"},
-             {-0.0, 1, "0.0", "0,0"},
-             {-0.04, 1, "0.0", "0,0"},
-             {-0.4, 0, "0", "0"},
-             {-0.05, 1, "-0.1", "-0,1"},
-             {3.7, -1, "4", "4"},
-             {0.5, 99, "0.500000000000000", "0,500000000000000"},
-             {std::numeric_limits<double>::infinity(), 1, "∞", "∞"},
-             {-std::numeric_limits<double>::infinity(), 1, "-∞", "-∞"},
-             {std::numeric_limits<double>::quiet_NaN(), 1, "NaN", "NaN"},
-         }) {
+    for (const Figure& figure :
+         {Figure{0.0, 0, "0", "0"},
+          Figure{82.4, 0, "82", "82"},
+          Figure{82.5, 0, "83", "83"},
+          Figure{81.5, 0, "82", "82"},
+          Figure{-82.5, 0, "-83", "-83"},
+          Figure{12.34, 1, "12.3", "12,3"},
+          Figure{2.25, 1, "2.3", "2,3"},
+          Figure{2.35, 1, "2.4", "2,4"},
+          Figure{-2.25, 1, "-2.3", "-2,3"},
+          Figure{12.0, 1, "12.0", "12,0"},
+          Figure{9.96, 1, "10.0", "10,0"},
+          Figure{1234.5, 1, "1,234.5", "1.234,5"},
+          Figure{1.0, 2, "1.00", "1,00"},
+          Figure{0.12345, 4, "0.1235", "0,1235"},
+          Figure{-0.0, 1, "0.0", "0,0"},
+          Figure{-0.04, 1, "0.0", "0,0"},
+          Figure{-0.4, 0, "0", "0"},
+          Figure{-0.05, 1, "-0.1", "-0,1"},
+          Figure{3.7, -1, "4", "4"},
+          Figure{0.5, 99, "0.500000000000000", "0,500000000000000"},
+          Figure{std::numeric_limits<double>::infinity(), 1, "∞", "∞"},
+          Figure{-std::numeric_limits<double>::infinity(), 1, "-∞", "-∞"},
+          Figure{std::numeric_limits<double>::quiet_NaN(), 1, "NaN", "NaN"}}) {
         EXPECT_EQ(english.decimal(figure.value, figure.digits), figure.english);
         EXPECT_EQ(german.decimal(figure.value, figure.digits), figure.german);
         EXPECT_EQ(turkish.decimal(figure.value, figure.digits), figure.german);
@@ -174,33 +152,31 @@ TEST(LocaleNames, UnknownOnesAreNeutral) {
         std::string name;
         std::string usable;
     };
-    for (const Case& c : std::vector<Case>{
-             {"", "en"},
-             {"C", "en"},
-             {"POSIX", "en"},
-             {"C.UTF-8", "en"},
-             {"nonsense", "en"},
-             {"zz_ZZ", "en"},
-             {"_DE", "en"},
-             {"../../etc", "en"},
-             {"de DE", "en"},
-             {"\xFF\xFE", "en"},
-             {std::string("de\0DE", 5), "en"},
-             {std::string(10'000, 'd'), "en"},
-             {"en", "en"},
-             {"en_US", "en_US"},
-             {"de_DE.UTF-8", "de_DE"},
-             {"de_AT@euro", "de_AT"},
-             {"de_DE.ISO-8859-1@euro", "de_DE"},
-             {"pt-BR", "pt_BR"},
-             {"tr", "tr"},
-             {"sr_Latn_RS", "sr_Latn_RS"},
-             {"es_419", "es_419"},
-             {"en_US_POSIX", "en_US"},
-             {"en_n_AU", "en"},
-             {"en_", "en"},
-             {"en__AU", "en"},
-         }) {
+    for (const Case& c : {Case{"", "en"},
+                          Case{"C", "en"},
+                          Case{"POSIX", "en"},
+                          Case{"C.UTF-8", "en"},
+                          Case{"nonsense", "en"},
+                          Case{"zz_ZZ", "en"},
+                          Case{"_DE", "en"},
+                          Case{"../../etc", "en"},
+                          Case{"de DE", "en"},
+                          Case{"\xFF\xFE", "en"},
+                          Case{std::string("de\0DE", 5), "en"},
+                          Case{std::string(10'000, 'd'), "en"},
+                          Case{"en", "en"},
+                          Case{"en_US", "en_US"},
+                          Case{"de_DE.UTF-8", "de_DE"},
+                          Case{"de_AT@euro", "de_AT"},
+                          Case{"de_DE.ISO-8859-1@euro", "de_DE"},
+                          Case{"pt-BR", "pt_BR"},
+                          Case{"tr", "tr"},
+                          Case{"sr_Latn_RS", "sr_Latn_RS"},
+                          Case{"es_419", "es_419"},
+                          Case{"en_US_POSIX", "en_US"},
+                          Case{"en_n_AU", "en"},
+                          Case{"en_", "en"},
+                          Case{"en__AU", "en"}}) {
         EXPECT_EQ(usableLocaleName(c.name), c.usable) << c.name.substr(0, 40);
     }
 }

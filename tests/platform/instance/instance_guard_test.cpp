@@ -14,7 +14,6 @@
 #include <csignal>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -110,23 +109,15 @@ TEST_F(InstanceGuardTest, TheSecondStartHandsOverWithItsToken) {
     EXPECT_EQ(folder.read("token"), "token_TIME1");
     EXPECT_EQ(start().outcome, Outcome::handedOver);
     EXPECT_EQ(folder.read("token"), "");
-}
-
-TEST_F(InstanceGuardTest, AnotherPlaceIsAnotherInstance) {
-    const auto other = otherInstance();
     place.name = "window-other";
-    EXPECT_EQ(start().outcome, Outcome::first);
+    EXPECT_EQ(start().outcome, Outcome::first) << "another place is another instance";
 }
 
-TEST_F(InstanceGuardTest, FilesLeftByAKilledInstanceDoNotMatter) {
+TEST_F(InstanceGuardTest, AStartAfterAnEndedOrKilledInstanceIsTheFirst) {
     otherInstance()->end();
     ASSERT_EQ(::access(socketPath().c_str(), F_OK), 0);
     ASSERT_EQ(::access(lockPath().c_str(), F_OK), 0);
-    EXPECT_EQ(start().outcome, Outcome::first);
-}
-
-TEST_F(InstanceGuardTest, AStartAfterAnEndedInstanceIsTheFirst) {
-    { const InstanceStart first = start(); }
+    EXPECT_EQ(start().outcome, Outcome::first) << "even if its files are left";
     EXPECT_EQ(start().outcome, Outcome::first);
 }
 
@@ -224,13 +215,10 @@ TEST_F(InstancePeerTest, RefusesAnotherUser) {
     EXPECT_EQ(accepted().read(), InstancePeer::State::requested);
 }
 
-TEST_F(InstancePeerTest, AcceptDoesNotBlockWithoutAPeer) {
+TEST_F(InstancePeerTest, DoesNotBlockWithoutAPeerAndRefusesInvalidData) {
     std::optional<InstancePeer> peer;
     EXPECT_EQ(first.guard->accept(peer), InstanceGuard::Accepted::nothing);
     EXPECT_FALSE(peer.has_value());
-}
-
-TEST_F(InstancePeerTest, RefusesInvalidData) {
     for (const std::string& text :
          {std::string("nonsense\n"), std::string("show\nshow\n"), std::string(60'000, 'x'),
           std::string("show ") + std::string(60'000, 'x')}) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/procfs_process_table.h"
+#include "tests/support/each_of.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -75,13 +76,7 @@ protected:
         return rows.empty() ? ProcessSample{} : rows.front();
     }
 
-    std::vector<std::int64_t> pids() {
-        std::vector<std::int64_t> result;
-        for (const ProcessSample& row : table.readProcesses()) {
-            result.push_back(row.pid);
-        }
-        return result;
-    }
+    std::vector<std::int64_t> pids() { return eachOf(table.readProcesses(), &ProcessSample::pid); }
 
     FakeProcTree tree;
     ProcfsProcessTable table{tree.machine(), tree.clocks()};

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -139,6 +138,14 @@ Failure reuseBeforeTheHold(int rounds, Tally& tally) {
     return none;
 }
 
+/// Empty if the test was possible.
+std::string reasonToSkip(const pid_namespace::Run& run) {
+    if (!run.isPossible) {
+        return run.reason;
+    }
+    return run.status == mayNotChoosePIDs ? "this account may not choose pids" : "";
+}
+
 void expectNoWrongSignal(const Tally& tally, int rounds) {
     EXPECT_EQ(tally.rounds, rounds);
     EXPECT_EQ(tally.sameNumber, rounds);
@@ -160,11 +167,8 @@ TEST(PidfdReuse, ALaterProcessWithTheSamePIDIsNeverSignalled) {
     const SharedTally shared;
     const auto run = pid_namespace::run(pid_namespace::Procfs::own,
                                         [&] { return reuseAfterTheHold(rounds, shared.get()); });
-    if (!run.isPossible) {
-        GTEST_SKIP() << run.reason;
-    }
-    if (run.status == mayNotChoosePIDs) {
-        GTEST_SKIP() << "this account may not choose pids";
+    if (const std::string reason = reasonToSkip(run); !reason.empty()) {
+        GTEST_SKIP() << reason;
     }
     ASSERT_EQ(run.status, none);
     const Tally& tally = shared.get();
@@ -180,11 +184,8 @@ TEST(PidfdReuse, AProcessThatReusedThePIDBeforeTheHoldIsNeverSignalled) {
     const SharedTally shared;
     const auto run = pid_namespace::run(pid_namespace::Procfs::own,
                                         [&] { return reuseBeforeTheHold(rounds, shared.get()); });
-    if (!run.isPossible) {
-        GTEST_SKIP() << run.reason;
-    }
-    if (run.status == mayNotChoosePIDs) {
-        GTEST_SKIP() << "this account may not choose pids";
+    if (const std::string reason = reasonToSkip(run); !reason.empty()) {
+        GTEST_SKIP() << reason;
     }
     ASSERT_EQ(run.status, none);
     expectNoWrongSignal(shared.get(), rounds);

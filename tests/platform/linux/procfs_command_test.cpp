@@ -3,7 +3,6 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -80,23 +79,15 @@ TEST_F(ProcfsCommandTest, ANewProgramIsDetectedByItsNameOrAddress) {
     EXPECT_EQ(onlyRow().command, "/opt/newer/tool");
 }
 
-TEST_F(ProcfsCommandTest, AKnownCommandIsNotReadAgain) {
+TEST_F(ProcfsCommandTest, AKnownCommandIsNotReadAgainAndAnEndedProcessKeepsIt) {
     tree.put(812, {});
     tree.putExecutable(812, "/bin/first");
     EXPECT_EQ(onlyRow().command, "/bin/first");
-
     tree.putExecutable(812, "/bin/second");
     EXPECT_EQ(onlyRow().command, "/bin/first");
-}
-
-TEST_F(ProcfsCommandTest, AnEndedProcessKeepsItsCommand) {
-    tree.put(812, {});
-    tree.putExecutable(812, "/bin/tool");
-    EXPECT_EQ(onlyRow().command, "/bin/tool");
-
     std::filesystem::remove(tree.root() / "812" / "exe");
     tree.put(812, {.state = 'Z', .residentPages = 0, .startCode = 0, .startStack = 0});
-    EXPECT_EQ(onlyRow().command, "/bin/tool");
+    EXPECT_EQ(onlyRow().command, "/bin/first");
 }
 
 TEST_F(ProcfsCommandTest, WithoutAnExecutableTheFirstArgumentIsTheCommand) {
@@ -110,12 +101,9 @@ TEST_F(ProcfsCommandTest, WithoutAnExecutableTheFirstArgumentIsTheCommand) {
     tree.putCommandLine(4, std::string("\0second\0", 8));
     tree.put(5, {.name = "nothing"});
 
-    std::vector<std::string> commands;
-    for (const auto& row : table.readProcesses()) {
-        commands.push_back(row.command);
-    }
-    EXPECT_THAT(commands, ElementsAre("/usr/sbin/daemon", "server", "no arguments", "empty first",
-                                      "nothing"));
+    EXPECT_THAT(
+        eachOf(table.readProcesses(), &ProcessSample::command),
+        ElementsAre("/usr/sbin/daemon", "server", "no arguments", "empty first", "nothing"));
 }
 
 TEST_F(ProcfsCommandTest, OnlyKernelThreadsAreNamedInBrackets) {
@@ -124,37 +112,24 @@ TEST_F(ProcfsCommandTest, OnlyKernelThreadsAreNamedInBrackets) {
     tree.putCommandLine(3, "");
     tree.put(4, {.name = "as", .flags = 0x0040400c});
     tree.put(5, {.name = "as", .flags = 0x00200040});
-    std::vector<std::string> commands;
-    std::vector<bool> areProtected;
-    for (const auto& row : table.readProcesses()) {
-        commands.push_back(row.command);
-        areProtected.push_back(isProtectedOnLinux(row));
-    }
-    EXPECT_THAT(commands, ElementsAre("as", "as", "[as]"));
-    EXPECT_THAT(areProtected, ElementsAre(false, false, true));
+    const auto rows = table.readProcesses();
+    EXPECT_THAT(eachOf(rows, &ProcessSample::command), ElementsAre("as", "as", "[as]"));
+    EXPECT_THAT(eachOf(rows, isProtectedOnLinux), ElementsAre(false, false, true));
 }
 
-TEST_F(ProcfsCommandTest, AKernelThreadIsShownByItsNameOnly) {
+TEST_F(ProcfsCommandTest, AKernelThreadIsShownByItsNameOnlyWhateverTheNameContains) {
     tree.put(2, {.name = "kworker/0:1-events",
                  .flags = 69238880,
                  .residentPages = 0,
                  .startCode = 0,
                  .startStack = 0});
     tree.putExecutable(2, "/bin/not_asked_for");
-
-    const ProcessSample row = onlyRow();
-
-    EXPECT_EQ(row.command, "[kworker/0:1-events]");
-    EXPECT_EQ(row.rssMB, 0.0);
-}
-
-TEST_F(ProcfsCommandTest, NamesMayContainSpacesAndBrackets) {
     tree.put(812, {.name = "we ird) (x", .userTicks = 100, .startTicks = 90000});
-
-    const ProcessSample row = onlyRow();
-
-    EXPECT_EQ(row.command, "we ird) (x");
-    EXPECT_DOUBLE_EQ(row.cpu, 1.0);
+    const auto rows = table.readProcesses();
+    EXPECT_THAT(eachOf(rows, &ProcessSample::command),
+                ElementsAre("[kworker/0:1-events]", "we ird) (x"));
+    EXPECT_EQ(rows.front().rssMB, 0.0);
+    EXPECT_DOUBLE_EQ(rows.back().cpu, 1.0);
 }
 
 TEST_F(ProcfsCommandTest, TheSuffixOfADeletedExecutableIsRemoved) {

@@ -45,12 +45,16 @@ protected:
         return table.readProcesses();
     }
 
-    std::vector<std::int64_t> pids() {
-        std::vector<std::int64_t> result;
-        for (const ProcessSample& row : sample()) {
-            result.push_back(row.pid);
+    std::vector<std::int64_t> pids() { return eachOf(sample(), &ProcessSample::pid); }
+
+    /// Adds ordinary processes with these PIDs, then takes the samples that list all processes.
+    void settleWith(const std::vector<std::int64_t>& numbers) {
+        for (const std::int64_t pid : numbers) {
+            put(pid, {}, 1s);
         }
-        return result;
+        for (int settling = 0; settling < 3; ++settling) {
+            EXPECT_EQ(pids(), numbers);
+        }
     }
 
     ProcessSample onlyRow(std::chrono::nanoseconds interval = 4s) {
@@ -127,12 +131,10 @@ TEST_F(ProcfsProcessClockTest, LoadIsExactToTheNanosecond) {
     tree.processTimes[812] += 16s;
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 400.0);
     EXPECT_EQ(onlyRow().cpu, 0.0);
-}
-
-TEST_F(ProcfsProcessClockTest, LoadIsAlsoMeasuredSinceAnIdleReading) {
-    put(812, {}, 1s);
-    onlyRow();
-    EXPECT_EQ(onlyRow().cpu, 0.0);
+    tree.processTimes[812] += 2s;
+    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0) << "also since an idle reading";
+    tree.processTimes[812] -= 1s;
+    EXPECT_EQ(onlyRow().cpu, 0.0) << "a clock that runs backwards counts nothing";
     tree.processTimes[812] += 2s;
     EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
 }
@@ -155,15 +157,6 @@ TEST_F(ProcfsProcessClockTest, ReadingsInQuickSuccessionRepeatTheFigure) {
     EXPECT_DOUBLE_EQ(onlyRow(1ms).cpu, 50.0) << "since the reading before the quick ones";
     EXPECT_EQ(onlyRow(199ms).cpu, 50.0);
     EXPECT_EQ(onlyRow(1ms).cpu, 0.0);
-}
-
-TEST_F(ProcfsProcessClockTest, AClockThatRunsBackwardsCountsNothing) {
-    put(812, {}, 5s);
-    onlyRow();
-    tree.processTimes[812] = 4s;
-    EXPECT_EQ(onlyRow().cpu, 0.0);
-    tree.processTimes[812] = 6s;
-    EXPECT_DOUBLE_EQ(onlyRow().cpu, 50.0);
 }
 
 TEST_F(ProcfsProcessClockTest, AProcessWithoutAClockIsMeasuredInTicks) {
@@ -200,10 +193,7 @@ TEST_F(ProcfsProcessClockTest, AnotherProgramIsDetectedWhenItRuns) {
 }
 
 TEST_F(ProcfsProcessClockTest, NewProcessesAreFoundWithoutAListing) {
-    put(812, {}, 1s);
-    for (int settling = 0; settling < 3; ++settling) {
-        EXPECT_THAT(pids(), ElementsAre(812));
-    }
+    settleWith({812});
     put(100001, {}, 0s);
     tree.putNewest(100001);
     put(900, {}, 1s);
@@ -214,11 +204,7 @@ TEST_F(ProcfsProcessClockTest, NewProcessesAreFoundWithoutAListing) {
 }
 
 TEST_F(ProcfsProcessClockTest, TheClockOfAnEndedProcessIsNotReadAgain) {
-    put(812, {}, 1s);
-    put(813, {}, 1s);
-    for (int settling = 0; settling < 3; ++settling) {
-        EXPECT_THAT(pids(), ElementsAre(812, 813));
-    }
+    settleWith({812, 813});
     remove(813);
     EXPECT_THAT(pids(), ElementsAre(812));
     tree.clockReadings.clear();
@@ -230,11 +216,7 @@ TEST_F(ProcfsProcessClockTest, TheClockOfAnEndedProcessIsNotReadAgain) {
 }
 
 TEST_F(ProcfsProcessClockTest, AThreadWithThePIDOfAnEndedProcessIsNotARow) {
-    put(812, {}, 1s);
-    put(813, {}, 1s);
-    for (int settling = 0; settling < 3; ++settling) {
-        EXPECT_THAT(pids(), ElementsAre(812, 813));
-    }
+    settleWith({812, 813});
     // A thread has no process clock, but a `stat` file under the same path.
     tree.processTimes.erase(813);
     EXPECT_THAT(pids(), ElementsAre(812));
@@ -242,11 +224,7 @@ TEST_F(ProcfsProcessClockTest, AThreadWithThePIDOfAnEndedProcessIsNotARow) {
 }
 
 TEST_F(ProcfsProcessClockTest, ARowThatCannotBeReadIsTriedAgain) {
-    put(812, {}, 1s);
-    put(813, {}, 1s);
-    for (int settling = 0; settling < 3; ++settling) {
-        EXPECT_THAT(pids(), ElementsAre(812, 813));
-    }
+    settleWith({812, 813});
     breakStat(813);
     tree.processTimes[813] = 2s;
     EXPECT_THAT(pids(), ElementsAre(812));
@@ -256,10 +234,7 @@ TEST_F(ProcfsProcessClockTest, ARowThatCannotBeReadIsTriedAgain) {
 }
 
 TEST_F(ProcfsProcessClockTest, AProcessHiddenByTheFileSystemIsNotARow) {
-    put(812, {}, 1s);
-    for (int settling = 0; settling < 3; ++settling) {
-        EXPECT_THAT(pids(), ElementsAre(812));
-    }
+    settleWith({812});
     tree.processTimes[100001] = 1s;
     tree.putNewest(100001);
     for (int number = 0; number < period; ++number) {

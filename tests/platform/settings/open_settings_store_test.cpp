@@ -10,7 +10,6 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,14 +83,13 @@ private:
     rlimit before_{};
 };
 
-TEST_F(OpenSettingsStore, BeginsAFileWhereThereIsNone) {
-    const OpenedStore opened = open();
-    EXPECT_THAT(opened.problems, IsEmpty());
-    EXPECT_TRUE(fs::exists(file));
-    expectDefaults(*opened.store);
-}
-
-TEST_F(OpenSettingsStore, FindsWhatWasStored) {
+TEST_F(OpenSettingsStore, CreatesAMissingFileAndFindsWhatWasStored) {
+    {
+        const OpenedStore opened = open();
+        EXPECT_THAT(opened.problems, IsEmpty());
+        EXPECT_TRUE(fs::exists(file));
+        expectDefaults(*opened.store);
+    }
     makeStored();
     const OpenedStore opened = open();
     EXPECT_THAT(opened.problems, IsEmpty());
@@ -180,15 +178,6 @@ TEST_F(OpenSettingsStore, AnUnreadableRowAffectsItsOwnKeyOnly) {
     }
 }
 
-TEST_F(OpenSettingsStore, TheCopyForAnUnreadableRowIsTheUsersAlone) {
-    makeStored();
-    changeStored("UPDATE settings SET kind = 'unknown'");
-    open();
-    struct stat status {};
-    ASSERT_EQ(::stat((file.parent_path() / keptName).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0600U);
-}
-
 TEST_F(OpenSettingsStore, AnUnreadableRowThatCannotBeCopiedStays) {
     makeStored();
     changeStored("UPDATE settings SET kind = 'unknown'");
@@ -263,7 +252,7 @@ TEST_F(OpenSettingsStore, AKillDuringCreationIsNoDamage) {
     EXPECT_FALSE(fs::exists(file.string() + ".new-journal"));
 }
 
-TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
+TEST_F(OpenSettingsStore, ReportsAllRowsInOneSentenceAndKeepsACopyThatOnlyTheUserCanRead) {
     makeStored();
     changeStored("UPDATE settings SET kind = 'unknown'");
     const OpenedStore opened = open();
@@ -271,6 +260,9 @@ TEST_F(OpenSettingsStore, TellsOfAllRowsInOneSentence) {
                      "so their defaults are used: Tallowcrest.autoSelectTopOffender, "
                      "Tallowcrest.warningThreshold, Tallowcrest.history;");
     expectDefaults(*opened.store);
+    struct stat status {};
+    ASSERT_EQ(::stat((file.parent_path() / keptName).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
 TEST_F(OpenSettingsStore, AWholeNumberAndJSONThatDoesNotDecodeAreNoProblem) {
@@ -328,22 +320,18 @@ TEST_F(OpenSettingsStore, ReadingSeesWhatAnotherProcessHasJustStored) {
     }
 }
 
-TEST_F(OpenSettingsStore, ReadingATruncatedFileCreatesNothing) {
-    makeStored();
-    writeFile(file, fileText(file).substr(0, 8192));
-    const auto before = contents();
-    expectOneProblem(readSettingsStore(file), "the file is damaged");
-    EXPECT_TRUE(contents() == before);
-}
-
 TEST_F(OpenSettingsStore, ReadingLeavesADamagedFileInPlace) {
-    fs::create_directory(file.parent_path());
-    writeFile(file, "garbage");
-    const auto before = contents();
-    const OpenedStore opened = readSettingsStore(file);
-    expectOneProblem(opened, "cannot be read");
-    expectDefaults(*opened.store);
-    EXPECT_TRUE(contents() == before);
+    for (const auto& [size, words] :
+         {std::pair{8192U, "the file is damaged"}, {7U, "cannot be read"}}) {
+        fs::remove_all(file.parent_path());
+        makeStored();
+        writeFile(file, size == 7 ? "garbage" : fileText(file).substr(0, size));
+        const auto before = contents();
+        const OpenedStore opened = readSettingsStore(file);
+        expectOneProblem(opened, words);
+        expectDefaults(*opened.store);
+        EXPECT_TRUE(contents() == before);
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -110,70 +111,37 @@ TEST_F(SettingsRow, InvalidUTF8CannotBeStored) {
 
 TEST_F(SettingsRow, AnyOtherRowHasNoValue) {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    const std::vector<std::string> rows{
+    const std::map<std::string, std::vector<std::string>> valuesByKind{
         // Unknown kinds.
-        "'', 1",
-        "'Flag', 1",
-        "'flag ', 1",
-        "'integer', 80",
-        "'real', 80.0",
+        {"", {"1"}},
+        {"Flag", {"1"}},
+        {"flag ", {"1"}},
+        {"integer", {"80"}},
+        {"real", {"80.0"}},
         // Another type than the kind's.
-        "'flag', NULL",
-        "'flag', 1.0",
-        "'flag', '1'",
-        "'flag', 'true'",
-        "'flag', 2",
-        "'flag', -1",
-        "'number', '80'",
-        "'number', CAST('80' AS BLOB)",
-        "'text', NULL",
-        "'text', 1",
-        "'text', 1.0",
-        "'text', CAST('text' AS BLOB)",
-        "'json', NULL",
-        "'json', CAST('[]' AS BLOB)",
-        "'data', NULL",
-        "'data', 'text'",
-        "'list', NULL",
-        "'list', CAST('[]' AS BLOB)",
-        "'table', 3",
-        // Invalid UTF-8.
-        "'text', CAST(x'FF' AS TEXT)",
-        "'text', CAST(x'C080' AS TEXT)",
-        "'json', CAST('[\"\xED\xA0\x80\"]' AS TEXT)",
-        "'list', CAST('[\"\xC3\"]' AS TEXT)",
-        "'table', CAST('{\"\xC3\":1}' AS TEXT)",
-        // Not a list of texts.
-        "'list', ''",
-        "'list', '['",
-        "'list', '[] []'",
-        "'list', 'null'",
-        "'list', '\"a\"'",
-        "'list', '{}'",
-        "'list', '[1]'",
-        "'list', '[null]'",
-        "'list', '[true]'",
-        "'list', '[\"a\",[]]'",
-        "'list', '[[\"a\"]]'",
-        "'list', '[\"a\",{}]'",
-        "'list', '[\"\\ud800\"]'",
-        "'list', '" + deep + "'",
-        // Not a table of integers.
-        "'table', ''",
-        "'table', '{'",
-        "'table', '[]'",
-        "'table', '{\"a\":1.0}'",
-        "'table', '{\"a\":1,\"b\":2.5}'",
-        "'table', '{\"a\":\"1\"}'",
-        "'table', '{\"a\":null}'",
-        "'table', '{\"a\":true}'",
-        "'table', '{\"a\":{}}'",
-        "'table', '{\"a\":9223372036854775808}'",
-        "'table', '{\"a\":1,\"a\":2}'",
-        "'table', '" + deep + "'",
-    };
-    for (const std::string& row : rows) {
-        EXPECT_FALSE(read(row)) << row.substr(0, 40);
+        {"flag", {"NULL", "1.0", "'1'", "'true'", "2", "-1"}},
+        {"number", {"'80'", "CAST('80' AS BLOB)"}},
+        {"data", {"NULL", "'text'"}},
+        // Or text that is not UTF-8.
+        {"text",
+         {"NULL", "1", "1.0", "CAST('text' AS BLOB)", "CAST(x'FF' AS TEXT)",
+          "CAST(x'C080' AS TEXT)"}},
+        {"json", {"NULL", "CAST('[]' AS BLOB)", "CAST('[\"\xED\xA0\x80\"]' AS TEXT)"}},
+        // Or not a list of texts.
+        {"list",
+         {"NULL", "CAST('[]' AS BLOB)", "CAST('[\"\xC3\"]' AS TEXT)", "''", "'['", "'[] []'",
+          "'null'", "'\"a\"'", "'{}'", "'[1]'", "'[null]'", "'[true]'", "'[\"a\",[]]'",
+          "'[[\"a\"]]'", "'[\"a\",{}]'", "'[\"\\ud800\"]'", "'" + deep + "'"}},
+        // Or not a table of integers.
+        {"table",
+         {"3", "CAST('{\"\xC3\":1}' AS TEXT)", "''", "'{'", "'[]'", "'{\"a\":1.0}'",
+          "'{\"a\":1,\"b\":2.5}'", "'{\"a\":\"1\"}'", "'{\"a\":null}'", "'{\"a\":true}'",
+          "'{\"a\":{}}'", "'{\"a\":9223372036854775808}'", "'{\"a\":1,\"a\":2}'",
+          "'" + deep + "'"}}};
+    for (const auto& [kind, values] : valuesByKind) {
+        for (const std::string& value : values) {
+            EXPECT_FALSE(read("'" + kind + "', " + value)) << kind << ' ' << value.substr(0, 40);
+        }
     }
 }
 

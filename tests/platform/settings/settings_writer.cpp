@@ -45,12 +45,19 @@ public:
                                         },
                                         logPages});
     }
+
+    /// Runs what has been posted so far.
+    void serve() {
+        mainQueue_.post([this] { mainQueue_.stop(0); });
+        mainQueue_.run();
+    }
+
     int complaints = 0;
     std::string latestComplaint;
 
 private:
     SystemClock clock_;
-    RunLoop mainQueue_;  ///< never run: nothing of the store waits for it
+    RunLoop mainQueue_;
     ThreadWorkQueue queue_{[] {}};
     Jobs jobs_{mainQueue_, queue_};
 };
@@ -65,6 +72,7 @@ int writeWithoutEnd(const fs::path& file, std::int64_t first) {
         const auto& key =
             settings_keys::all[static_cast<std::size_t>(number) % settings_keys::all.size()];
         opened.store->write(key.name, valueFor(key, number));
+        surroundings.serve();  // a further move of the log begins only when the last one is over
         if (surroundings.complaints > 0) {
             return EXIT_FAILURE;
         }

@@ -58,6 +58,16 @@ protected:
         return seen.store->read(key);
     }
 
+    /// Writes values with increasing numbers until a job is queued. Returns the last number.
+    std::int64_t writeUntilAJobWaits() {
+        std::int64_t number = 0;
+        while (workQueue.pendingCount() == 0 && number < 1000) {
+            store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
+        }
+        EXPECT_EQ(workQueue.pendingCount(), 1U);
+        return number;
+    }
+
     std::uintmax_t logSize() const {
         std::error_code error;
         const auto size = fs::file_size(file.string() + "-wal", error);
@@ -122,19 +132,13 @@ TEST_F(SqliteSettingsStoreTest, AnyTextCanBeAKey) {
     }
 }
 
-TEST_F(SqliteSettingsStoreTest, AnInvalidValueLeavesTheOlderOneSilently) {
+TEST_F(SqliteSettingsStoreTest, AnInvalidOrTooLargeValueLeavesTheOlderOneSilently) {
     open();
     store->write(keys::sshUsernameKey, std::string("owner"));
-    store->write(keys::sshUsernameKey, std::string("\xFF"));
-    EXPECT_EQ(store->read(keys::sshUsernameKey), SettingsValue(std::string("owner")));
-    EXPECT_THAT(complaints, IsEmpty());
-}
-
-TEST_F(SqliteSettingsStoreTest, ATooLargeValueLeavesTheOlderOneSilently) {
-    open();
-    store->write(keys::sshUsernameKey, std::string("owner"));
-    store->write(keys::sshUsernameKey, std::string((32U << 20U) + 1, 'x'));
-    EXPECT_EQ(store->read(keys::sshUsernameKey), SettingsValue(std::string("owner")));
+    for (const std::string& bad : {std::string("\xFF"), std::string((32U << 20U) + 1, 'x')}) {
+        store->write(keys::sshUsernameKey, bad);
+        EXPECT_EQ(store->read(keys::sshUsernameKey), SettingsValue(std::string("owner")));
+    }
     EXPECT_THAT(complaints, IsEmpty());
 }
 
@@ -195,17 +199,14 @@ TEST_F(SqliteSettingsStoreTest, DestructionLeavesOnlyTheFile) {
 TEST_F(SqliteSettingsStoreTest, TheWorkQueueMovesTheLog) {
     open(50);
     const std::uintmax_t before = fs::file_size(file);
-    std::int64_t number = 0;
-    while (workQueue.pendingCount() == 0) {
-        ASSERT_LT(number, 1000);
-        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
-    }
+    std::int64_t number = writeUntilAJobWaits();
     EXPECT_GE(logSize(), 50U * 4096);
     // Nobody comes to move it for a while: one job waits, however many writes there are.
     for (int i = 0; i < 50; ++i) {
         store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
     }
     EXPECT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::settings);
     EXPECT_EQ(fs::file_size(file), before);
     const std::uintmax_t longest = logSize();
 
@@ -219,13 +220,19 @@ TEST_F(SqliteSettingsStoreTest, TheWorkQueueMovesTheLog) {
     EXPECT_EQ(stored(keys::historyKey), valueFor(keyOf(keys::historyKey), number));
 }
 
+TEST_F(SqliteSettingsStoreTest, TheLogIsMovedAgainOnceTheLastMoveIsOver) {
+    open(1).write(keys::autoPurgeKey, true);
+    workQueue.run();
+    store->write(keys::autoPurgeKey, false);
+    EXPECT_EQ(workQueue.pendingCount(), 0U) << "the main thread does not know yet";
+    mainQueue.drain();
+    store->write(keys::autoPurgeKey, true);
+    EXPECT_EQ(workQueue.pendingCount(), 1U);
+}
+
 TEST_F(SqliteSettingsStoreTest, TheJobMakesTheFirstWriteToTheRestartedLog) {
     open(50);
-    std::int64_t number = 0;
-    while (workQueue.pendingCount() == 0) {
-        ASSERT_LT(number, 1000);
-        store->write(keys::historyKey, valueFor(keyOf(keys::historyKey), ++number));
-    }
+    std::int64_t number = writeUntilAJobWaits();
     const auto saltOf = [this] {
         std::FILE* log = std::fopen((file.string() + "-wal").c_str(), "rb");
         std::string header(32, '\0');
@@ -337,23 +344,20 @@ TEST_F(SqliteSettingsStoreTest, WaitsOncePerOutageForALock) {
     store.reset();
 }
 
-TEST_F(SqliteSettingsStoreTest, ARetryDoesNotOverwriteANewerValue) {
-    open();
-    std::optional<WriteLock> lock(file);
-    store->write(keys::thresholdKey, 70.0);
-    lock.reset();
-    store->write(keys::thresholdKey, 80.0);
-    store->write(keys::autoPurgeKey, true);
-    EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(80.0));
-}
-
-TEST_F(SqliteSettingsStoreTest, AFailedWriteIsRetriedOnDestruction) {
-    open();
-    std::optional<WriteLock> lock(file);
-    store->write(keys::thresholdKey, 70.0);
-    lock.reset();
-    store.reset();
-    EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(70.0));
+TEST_F(SqliteSettingsStoreTest, AFailedWriteIsRetriedOnDestructionUnlessThereIsANewerValue) {
+    for (const bool hasNewer : {true, false}) {
+        open();
+        std::optional<WriteLock> lock(file);
+        store->write(keys::thresholdKey, 70.0);
+        lock.reset();
+        if (hasNewer) {
+            store->write(keys::thresholdKey, 80.0);
+            store->write(keys::autoPurgeKey, true);
+            EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(80.0));
+        }
+        store.reset();
+        EXPECT_EQ(stored(keys::thresholdKey), SettingsValue(hasNewer ? 80.0 : 70.0));
+    }
 }
 
 }  // namespace

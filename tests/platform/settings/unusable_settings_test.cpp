@@ -3,9 +3,9 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <map>
+#include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,24 +26,33 @@ using ::testing::IsEmpty;
 
 class UnusableSettings : public SettingsFileFixture {};
 
-TEST_F(UnusableSettings, PutsSomebodyElsesDatabaseAside) {
-    for (const char* sql : {"PRAGMA application_id = 77", "PRAGMA application_id = 0"}) {
+TEST_F(UnusableSettings, PutsADamagedOrForeignDatabaseAside) {
+    struct Case {
+        const char* sql;
+        const char* words;
+        bool canBeChanged = true;
+    };
+    for (const Case& each :
+         {Case{"PRAGMA application_id = 77", "no settings of ours"},
+          Case{"PRAGMA application_id = 0", "no settings of ours"},
+          Case{"DROP TABLE settings", "damaged"},
+          Case{"ALTER TABLE settings RENAME COLUMN value TO v", "damaged"},
+          Case{"ALTER TABLE settings RENAME TO s; CREATE VIEW settings AS SELECT * FROM s",
+               "damaged"},
+          Case{"PRAGMA user_version = 0", "damaged"},
+          Case{"PRAGMA application_id = 77", "no settings of ours", false},
+          Case{"DROP TABLE settings", "damaged", false}}) {
+        SCOPED_TRACE(each.sql);
         fs::remove_all(file.parent_path());
         makeStored();
-        changeStored(sql);
-        expectPutAside("no settings of ours", fileText(file));
-    }
-}
-
-TEST_F(UnusableSettings, PutsADatabaseWithoutOurTableAside) {
-    for (const char* sql :
-         {"DROP TABLE settings", "ALTER TABLE settings RENAME COLUMN value TO v",
-          "ALTER TABLE settings RENAME TO s; CREATE VIEW settings AS SELECT * FROM s",
-          "PRAGMA user_version = 0"}) {
-        fs::remove_all(file.parent_path());
-        makeStored();
-        changeStored(sql);
-        expectPutAside("damaged", fileText(file));
+        changeStored(each.sql);
+        std::optional<AsOrdinaryUser> user;
+        const std::string original = fileText(file);
+        if (!each.canBeChanged) {
+            fs::permissions(file, fs::perms(0400));
+            user.emplace(file.parent_path());
+        }
+        expectPutAside(each.words, original);
     }
 }
 
@@ -98,41 +107,24 @@ TEST_F(UnusableSettings, LeavesALockedFileAlone) {
     EXPECT_FALSE(again.store->read(keys::autoPurgeKey));
 }
 
-TEST_F(UnusableSettings, ReadsAFileThatCannotBeChanged) {
-    makeStored();
-    fs::permissions(file, fs::perms(0400));
-    const AsOrdinaryUser user(file.parent_path());
-    const OpenedStore opened = open();
-    expectOneProblem(opened, "can be read but not changed");
-    expectStored(*opened.store);
-    expectMemoryAlone(opened);
-    struct stat status {};
-    ASSERT_EQ(::stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0400U);
-}
-
-TEST_F(UnusableSettings, PutsADamagedOrForeignFileAsideThatCannotBeChanged) {
-    for (const auto& [sql, words] :
-         std::map<std::string, std::string>{{"PRAGMA application_id = 77", "no settings of ours"},
-                                            {"DROP TABLE settings", "damaged"}}) {
+TEST_F(UnusableSettings, ReadsWhatCannotBeChanged) {
+    struct Case {
+        fs::path path;
+        unsigned mode;
+    };
+    for (const Case& each : {Case{file, 0400U}, Case{file.parent_path(), 0500U}}) {
         fs::remove_all(file.parent_path());
         makeStored();
-        changeStored(sql);
-        fs::permissions(file, fs::perms(0400));
-        const std::string original = fileText(file);
+        fs::permissions(each.path, fs::perms(each.mode));
         const AsOrdinaryUser user(file.parent_path());
-        expectPutAside(words, original);
+        const OpenedStore opened = open();
+        expectOneProblem(opened, "can be read but not changed");
+        expectStored(*opened.store);
+        expectMemoryAlone(opened);
+        struct stat status {};
+        ASSERT_EQ(::stat(each.path.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, each.mode);
     }
-}
-
-TEST_F(UnusableSettings, ReadsAFileInAFolderThatCannotBeChanged) {
-    makeStored();
-    fs::permissions(file.parent_path(), fs::perms(0500));
-    const AsOrdinaryUser user(file.parent_path());
-    const OpenedStore opened = open();
-    expectOneProblem(opened, "can be read but not changed");
-    expectStored(*opened.store);
-    expectMemoryAlone(opened);
 }
 
 TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeRead) {
@@ -168,22 +160,21 @@ TEST_F(UnusableSettings, TellsWhyTheFirstMissingFolderCannotBeMade) {
     EXPECT_THAT(opened.problems.front(), HasSubstr("cannot be made, Permission denied"));
 }
 
-TEST_F(UnusableSettings, DoesWithoutAFileThatCannotBeBegun) {
+TEST_F(UnusableSettings, WorksWithoutAFileThatCannotBeCreatedOrPutAside) {
     fs::create_directory(file.parent_path());
-    fs::permissions(file.parent_path(), fs::perms(0500));
-    const AsOrdinaryUser user(file.parent_path());
-    expectOneProblem(open(), "cannot be made");
-}
-
-TEST_F(UnusableSettings, DoesWithoutADamagedFileThatCannotBePutAside) {
-    fs::create_directory(file.parent_path());
-    writeFile(file, "garbage");
-    fs::permissions(file.parent_path(), fs::perms(0500));
-    const AsOrdinaryUser user(file.parent_path());
-    const OpenedStore opened = open();
-    expectOneProblem(opened, "cannot be put aside");
-    expectMemoryAlone(opened);
-    EXPECT_TRUE(fileText(file) == "garbage");
+    for (const auto& [content, words] :
+         {std::pair{"", "cannot be made"}, {"garbage", "cannot be put aside"}}) {
+        fs::permissions(file.parent_path(), fs::perms(0700));
+        if (*content != '\0') {
+            writeFile(file, content);
+        }
+        fs::permissions(file.parent_path(), fs::perms(0500));
+        const AsOrdinaryUser user(file.parent_path());
+        const OpenedStore opened = open();
+        expectOneProblem(opened, words);
+        expectMemoryAlone(opened);
+        EXPECT_TRUE(fileText(file) == content);
+    }
 }
 
 }  // namespace

@@ -21,9 +21,34 @@ namespace {
 using testing::IsEmpty;
 using testing::SizeIs;
 
+using Change = std::function<void(const TestDesktop&, xcb_window_t)>;
+
+Change numbers(const char* property, const char* type, std::vector<std::uint32_t> values) {
+    return [=](const TestDesktop& desktop, xcb_window_t window) {
+        desktop.setNumbers(window, property, type, values);
+    };
+}
+
+Change text(const char* property, const char* type, const std::string& value) {
+    return [=](const TestDesktop& desktop, xcb_window_t window) {
+        desktop.setText(window, property, type, value);
+    };
+}
+
+Change without(const char* property) {
+    return
+        [=](const TestDesktop& desktop, xcb_window_t window) { desktop.remove(window, property); };
+}
+
+void unchanged(const TestDesktop&, xcb_window_t) {}
+
+void destroyed(const TestDesktop& desktop, xcb_window_t window) {
+    desktop.destroy(window);
+}
+
 struct WindowCase {
     const char* name;
-    std::function<void(const TestDesktop&, xcb_window_t)> change;
+    Change change;
     bool isAsked;
 };
 
@@ -58,17 +83,10 @@ using D = TestDesktop;
 INSTANTIATE_TEST_SUITE_P(
     Table, InvalidWindow,
     testing::Values(
-        WindowCase{"valid", [](const D&, Window) {}, true},
-        WindowCase{"more than one number",
-                   [](const D& d, Window w) {
-                       d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid, 1});
-                   },
+        WindowCase{"valid", unchanged, true},
+        WindowCase{"more than one number", numbers("_NET_WM_PID", "CARDINAL", {claimedPid, 1}),
                    true},
-        WindowCase{"host in UTF-8",
-                   [](const D& d, Window w) {
-                       d.setText(w, "WM_CLIENT_MACHINE", "UTF8_STRING", hostName());
-                   },
-                   true},
+        WindowCase{"host in UTF-8", text("WM_CLIENT_MACHINE", "UTF8_STRING", hostName()), true},
         WindowCase{"dialog of itself",
                    [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {w}); },
                    true},
@@ -76,66 +94,38 @@ INSTANTIATE_TEST_SUITE_P(
             "dialog of the root",
             [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {d.root()}); },
             true},
-        WindowCase{"dialog of no window",
-                   [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {}); },
-                   true},
+        WindowCase{"dialog of no window", numbers("WM_TRANSIENT_FOR", "WINDOW", {}), true},
         WindowCase{"dialog of another program",
                    [](const D& d, Window w) {
                        const Window other = d.numbers(d.root(), "_NET_CLIENT_LIST")[0];
                        d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {other});
                    },
                    true},
-        WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, false},
-        WindowCase{
-            "process of another type",
-            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "INTEGER", {claimedPid}); },
-            false},
+        WindowCase{"no process", without("_NET_WM_PID"), false},
+        WindowCase{"process of another type", numbers("_NET_WM_PID", "INTEGER", {claimedPid}),
+                   false},
         WindowCase{"process in 16 bits",
                    [](const D& d, Window w) {
                        d.setShorts(w, "_NET_WM_PID", "CARDINAL", {claimedPid, 0});
                    },
                    false},
-        WindowCase{"process as text",
-                   [](const D& d, Window w) { d.setText(w, "_NET_WM_PID", "CARDINAL", "4242"); },
+        WindowCase{"process as text", text("_NET_WM_PID", "CARDINAL", "4242"), false},
+        WindowCase{"empty process", numbers("_NET_WM_PID", "CARDINAL", {}), false},
+        WindowCase{"process 0", numbers("_NET_WM_PID", "CARDINAL", {0}), false},
+        WindowCase{"process number too large", numbers("_NET_WM_PID", "CARDINAL", {0xFFFFFFFFU}),
                    false},
-        WindowCase{"empty process",
-                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {}); },
+        WindowCase{"no host", without("WM_CLIENT_MACHINE"), false},
+        WindowCase{"empty host", text("WM_CLIENT_MACHINE", "STRING", ""), false},
+        WindowCase{"host of another type", text("WM_CLIENT_MACHINE", "CARDINAL", hostName()),
                    false},
-        WindowCase{"process 0",
-                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0}); },
-                   false},
-        WindowCase{
-            "process number too large",
-            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0xFFFFFFFFU}); },
-            false},
-        WindowCase{"no host", [](const D& d, Window w) { d.remove(w, "WM_CLIENT_MACHINE"); },
-                   false},
-        WindowCase{"empty host",
-                   [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "STRING", ""); },
-                   false},
-        WindowCase{
-            "host of another type",
-            [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "CARDINAL", hostName()); },
-            false},
-        WindowCase{"host as numbers",
-                   [](const D& d, Window w) {
-                       d.setNumbers(w, "WM_CLIENT_MACHINE", "STRING", {1, 2, 3});
-                   },
-                   false},
+        WindowCase{"host as numbers", numbers("WM_CLIENT_MACHINE", "STRING", {1, 2, 3}), false},
         WindowCase{"host too long",
-                   [](const D& d, Window w) {
-                       d.setText(w, "WM_CLIENT_MACHINE", "STRING",
-                                 hostName() + std::string(100'000, 'x'));
-                   },
+                   text("WM_CLIENT_MACHINE", "STRING", hostName() + std::string(100'000, 'x')),
                    false},
         WindowCase{"host with a NUL in it",
-                   [](const D& d, Window w) {
-                       d.setText(w, "WM_CLIENT_MACHINE", "STRING",
-                                 hostName() + std::string(1, '\0') + "x");
-                   },
+                   text("WM_CLIENT_MACHINE", "STRING", hostName() + std::string(1, '\0') + "x"),
                    false},
-        WindowCase{"no protocols", [](const D& d, Window w) { d.remove(w, "WM_PROTOCOLS"); },
-                   false},
+        WindowCase{"no protocols", without("WM_PROTOCOLS"), false},
         WindowCase{"other protocols",
                    [](const D& d, Window w) { d.setAtoms(w, "WM_PROTOCOLS", {"WM_TAKE_FOCUS"}); },
                    false},
@@ -157,12 +147,9 @@ INSTANTIATE_TEST_SUITE_P(
                        d.setNumbers(w, "WM_PROTOCOLS", "ATOM", atoms);
                    },
                    false},
-        WindowCase{"destroyed", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"destroyed", destroyed, false},
         WindowCase{"not listed",
-                   [](const D& d, Window w) {
-                       d.list({d.numbers(d.root(), "_NET_CLIENT_LIST")[0]});
-                       static_cast<void>(w);
-                   },
+                   [](const D& d, Window) { d.list({d.numbers(d.root(), "_NET_CLIENT_LIST")[0]}); },
                    false}));
 
 class WindowOfAKnownOwner : public HostileDesktop,
@@ -184,29 +171,21 @@ TEST_P(WindowOfAKnownOwner, IsAskedIfItSupportsBeingAsked) {
 INSTANTIATE_TEST_SUITE_P(
     Table, WindowOfAKnownOwner,
     testing::Values(
-        WindowCase{"valid", [](const D&, Window) {}, true},
-        WindowCase{
-            "process of another program",
-            [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {claimedPid}); },
-            true},
-        WindowCase{"no process", [](const D& d, Window w) { d.remove(w, "_NET_WM_PID"); }, true},
-        WindowCase{"process 0",
-                   [](const D& d, Window w) { d.setNumbers(w, "_NET_WM_PID", "CARDINAL", {0}); },
+        WindowCase{"valid", unchanged, true},
+        WindowCase{"process of another program", numbers("_NET_WM_PID", "CARDINAL", {claimedPid}),
                    true},
-        WindowCase{"no host", [](const D& d, Window w) { d.remove(w, "WM_CLIENT_MACHINE"); }, true},
-        WindowCase{
-            "another host",
-            [](const D& d, Window w) { d.setText(w, "WM_CLIENT_MACHINE", "STRING", "elsewhere"); },
-            true},
+        WindowCase{"no process", without("_NET_WM_PID"), true},
+        WindowCase{"process 0", numbers("_NET_WM_PID", "CARDINAL", {0}), true},
+        WindowCase{"no host", without("WM_CLIENT_MACHINE"), true},
+        WindowCase{"another host", text("WM_CLIENT_MACHINE", "STRING", "elsewhere"), true},
         WindowCase{"dialog of itself",
                    [](const D& d, Window w) { d.setNumbers(w, "WM_TRANSIENT_FOR", "WINDOW", {w}); },
                    true},
-        WindowCase{"no protocols", [](const D& d, Window w) { d.remove(w, "WM_PROTOCOLS"); },
-                   false},
+        WindowCase{"no protocols", without("WM_PROTOCOLS"), false},
         WindowCase{"other protocols",
                    [](const D& d, Window w) { d.setAtoms(w, "WM_PROTOCOLS", {"WM_TAKE_FOCUS"}); },
                    false},
-        WindowCase{"destroyed", [](const D& d, Window w) { d.destroy(w); }, false},
+        WindowCase{"destroyed", destroyed, false},
         WindowCase{"not listed", [](const D& d, Window) { d.list({}); }, false}));
 
 // Some belong to the server itself, some to a client that does not exist.

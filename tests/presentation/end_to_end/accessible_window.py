@@ -9,7 +9,7 @@ from private_desktop import eventually  # noqa: E402
 
 
 class AccessibleWindow:
-    """Everything is looked up anew at each question, as the program changes under it."""
+    """Looks everything up again for each query, because the program changes meanwhile."""
 
     def __init__(self, pid):
         self.pid = pid
@@ -23,7 +23,7 @@ class AccessibleWindow:
                 if child is not None and child.get_process_id() == self.pid:
                     return child
             except GLib.Error:
-                continue  # it left while it was looked at
+                continue  # it ended meanwhile
         return None
 
     def frames(self):
@@ -36,20 +36,20 @@ class AccessibleWindow:
         for index in range(node.get_child_count()):
             child = node.get_child_at_index(index)
             if child is not None:
-                # What was true at the last look says nothing about now.
+                # The cached properties may be outdated.
                 child.clear_cache()
                 yield child
 
     def _walk(self, node):
         yield node
-        # The cells of a table are asked for one by one, never all of them.
+        # A table may have very many cells; `cells` reads the first rows.
         if node.get_role() == Atspi.Role.TABLE:
             return
         for child in self._children(node):
             yield from self._walk(child)
 
     def showing(self, role=None, name=None):
-        """What can be seen, by its role and its name (a text or a question)."""
+        """The visible nodes of this role and name, which is a text or a predicate."""
         found = []
         try:
             application = self.application()
@@ -62,7 +62,7 @@ class AccessibleWindow:
                 if node.get_state_set().contains(Atspi.StateType.SHOWING):
                     found.append(node)
         except GLib.Error:
-            pass  # the tree changed under the walk; whoever asks, asks again
+            pass  # the tree changed meanwhile; the caller asks again
         return found
 
     def find(self, role, name):
@@ -89,7 +89,7 @@ class AccessibleWindow:
         node.do_action(wanted)
 
     def go_to(self, title):
-        """Chooses a route of the sidebar and waits until the page bears its title."""
+        """Selects a route in the sidebar and waits until the page shows its title."""
         self.press(Atspi.Role.RADIO_BUTTON, title)
         self.label(title)
 

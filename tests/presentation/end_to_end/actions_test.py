@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The real program asked to act on real processes: nothing happens without a yes, and then only to
-the process that was reviewed.
+"""The real program acts on real processes: only after a confirmation, and only on the process that
+was reviewed.
 
     actions_test.py PROGRAM CLOSE_CLIENT [unittest options]
 """
@@ -29,21 +29,11 @@ def tearDownModule():
 class ActionTestCase(ProcessTestCase):
     def setUp(self):
         super().setUp()
-        self.running, self.window, self.number = self.start_window()
-        # On a busy machine a rule would move the review to another process than the test's own.
-        desktop.keys("ctrl+period")
-        self.says("Emergency stop engaged. Automatic actions are disabled.")
-        self.clear_target()
+        self.running, self.window, self.number = self.start_window_without_rules()
         self.window.go_to("Processes")
 
-    def clear_target(self):
-        from gi.repository import Atspi
-        if self.window.showing(Atspi.Role.PUSH_BUTTON, "Clear"):
-            self.window.press(Atspi.Role.PUSH_BUTTON, "Clear")
-            self.says("Cleared selected operation target.")
-
     def review(self, text, expected):
-        """Puts the one row that the filter leaves under review."""
+        """Selects the only row that the filter leaves for review."""
         from gi.repository import Atspi
         rows = self.filtered(self.window, text, expected)
         self.assertEqual(len(rows), 1)
@@ -61,7 +51,7 @@ class ActionTestCase(ProcessTestCase):
         return dialog[0]
 
     def choose_from_file_menu(self, title):
-        """By the keyboard alone."""
+        """With the keyboard only."""
         from gi.repository import Atspi
         desktop.focus(self.number)
         desktop.keys("alt+f")
@@ -74,14 +64,14 @@ class ActionTestCase(ProcessTestCase):
         desktop.keys("Return")
 
     def confirm(self, dialog, title, name):
-        """By the keyboard alone: from the safe choice to the other one, and there by the space bar."""
+        """With the keyboard only: Tab from Cancel to the other button, then Space."""
         from gi.repository import Atspi
-        # Nothing but what the test has started is ever to be quit.
+        # Makes sure that only a process of the test is quit.
         self.window.label(f"Quit {name}?")
         desktop.focus(dialog)
         button = self.window.find(Atspi.Role.PUSH_BUTTON, title)
         cancel = self.window.find(Atspi.Role.PUSH_BUTTON, "Cancel")
-        eventually(lambda: self.window.has_focus(cancel), "the safe choice has the focus")
+        eventually(lambda: self.window.has_focus(cancel), "Cancel has the focus")
         eventually(lambda: self.window.is_enabled(button), f"{title} can be pressed by now")
         desktop.keys("Tab")
         eventually(lambda: self.window.has_focus(button), f"{title} has the focus")
@@ -104,7 +94,7 @@ class QuitProcess(ActionTestCase):
             self.says(f"Canceled: Quit {name}?.")
             self.assertTrue(probe.is_running())
 
-    def test_return_on_the_dangerous_button_is_no_yes(self):
+    def test_return_on_the_confirming_button_cancels(self):
         from gi.repository import Atspi
         name, probe = self.start_probe()
         self.review(name, name)
@@ -112,27 +102,27 @@ class QuitProcess(ActionTestCase):
         button = self.window.find(Atspi.Role.PUSH_BUTTON, "Quit Process")
         eventually(lambda: self.window.is_enabled(button), "the button can be pressed by now")
         desktop.keys("Tab")
-        eventually(lambda: self.window.has_focus(button), "the dangerous button has the focus")
+        eventually(lambda: self.window.has_focus(button), "Quit Process has the focus")
         desktop.keys("Return")
         eventually(lambda: not self.dialogs(), "the question is gone")
         self.says(f"Canceled: Quit {name}?.")
         self.assertTrue(probe.is_running())
 
-    def test_a_yes_ends_the_process_that_was_reviewed(self):
+    def test_confirming_ends_only_the_reviewed_process(self):
         name, probe = self.start_probe()
         other_name, other = self.start_probe(f"tcother{os.getpid()}")
         self.review(name, name)
         dialog = self.ask_to_quit()
         self.window.label(lambda said: said.startswith(
             f"Tallowcrest will send TERM to PID {probe.pid}."))
-        # Its path, so that a name alone does not have to do.
+        # The path tells executables of the same name apart.
         self.window.label(os.path.join(desktop.folder, name))
         self.confirm(dialog, "Quit Process", name)
         self.assertEqual(probe.status(), -15)
         self.says(f"Asked process {probe.pid} to quit.")
         self.assertTrue(other.is_running())
 
-    def test_one_that_ignores_it_gets_nothing_stronger(self):
+    def test_a_process_that_ignores_term_is_not_killed(self):
         name = f"tcstubborn{os.getpid()}"
         path = os.path.join(desktop.folder, name)
         shutil.copy(os.path.realpath("/bin/bash"), path)
@@ -141,12 +131,12 @@ class QuitProcess(ActionTestCase):
         self.review(str(stubborn.pid), name)
         self.confirm(self.ask_to_quit(), "Quit Process", name)
         self.says(f"Asked process {stubborn.pid} to quit.")
-        # A whole sample later it is still listed.
+        # It is still listed in the next sample.
         self.window.refresh()
         self.filtered(self.window, str(stubborn.pid), name)
         self.assertTrue(stubborn.is_running())
 
-    def test_one_that_ended_meanwhile_is_told(self):
+    def test_a_process_that_has_ended_is_reported(self):
         name, probe = self.start_probe()
         self.review(name, name)
         dialog = self.ask_to_quit()
@@ -154,13 +144,13 @@ class QuitProcess(ActionTestCase):
         self.confirm(dialog, "Quit Process", name)
         self.says(f"Could not quit process {probe.pid}. It may be protected.")
 
-    def test_the_protected_are_refused_without_a_question(self):
+    def test_tallowcrest_itself_is_refused_without_a_question(self):
         self.review(str(self.running.pid), "tallowcrest")
         desktop.keys("ctrl+Delete")
         self.window.label(lambda said: said.startswith("Refused to quit protected process "))
         self.assertEqual(self.dialogs(), [])
 
-    def test_a_protected_process_of_another_program_is_refused_by_itself_and_as_a_group(self):
+    def test_a_protected_process_is_refused_alone_and_as_a_group(self):
         name, probe = self.start_probe("sshd")
         self.review(str(probe.pid), name)
         desktop.keys("ctrl+Delete")
@@ -176,13 +166,12 @@ class QuitProcess(ActionTestCase):
         self.says("Select a process first.")
         self.assertEqual(self.dialogs(), [])
 
-    def test_the_question_outlives_routes_and_samples(self):
+    def test_the_question_survives_samples(self):
         name, probe = self.start_probe()
         self.review(name, name)
         dialog = self.ask_to_quit()
         self.window.label(f"Quit {name}?")
         before = desktop.output("xdotool", "getwindowgeometry", dialog)
-        # Two ticks of the real clock.
         taken = self.window.showing(name=lambda said: " · updated " in said)[0].get_name()
         eventually(lambda: self.window.showing(
             name=lambda said: " · updated " in said and said != taken), "a sample lands")
@@ -193,8 +182,8 @@ class QuitProcess(ActionTestCase):
 
 
 class PurgeCaches(ActionTestCase):
-    def test_a_double_click_is_no_yes(self):
-        """The question opens under the pointer, and its button can stand where the first click was."""
+    def test_a_double_click_does_not_confirm(self):
+        """The dialog opens below the pointer; its button can be where the first click was."""
         from gi.repository import Atspi
         self.window.go_to("Optimize")
         for delay in ("150", "250", "400"):

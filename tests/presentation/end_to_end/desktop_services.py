@@ -50,7 +50,7 @@ class Watcher(dbus.service.Object):
 
     @dbus.service.method("org.freedesktop.DBus.Introspectable", out_signature="s")
     def Introspect(self):
-        # The base class tells methods and signals alone; Qt reads no property that is not told.
+        # The base class describes only methods and signals; Qt reads only described properties.
         return f"""<node>
   <interface name="{WATCHER}">
     <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
@@ -84,7 +84,7 @@ class Portal(dbus.service.Object):
         if (group, key) != (self.GROUP, self.KEY):
             raise dbus.exceptions.DBusException(
                 "no such setting", name="org.freedesktop.portal.Error.NotFound")
-        # This operation wraps its answer once more than it should.
+        # A real portal wraps this answer in one variant too many.
         return dbus.UInt32(self.scheme, variant_level=1)
 
     @dbus.service.signal(SETTINGS, signature="ssv")

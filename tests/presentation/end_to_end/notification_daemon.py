@@ -1,7 +1,7 @@
-"""Real notification daemons on a private desktop, with their notifications as a person meets them.
+"""Real notification daemons on a private desktop, and their notifications as a person sees them.
 
-The environment of the process has to be the desktop's, as the accessibility library asks it for its
-bus.
+The process must have the environment of that desktop, because the accessibility library reads the
+address of its bus there.
 """
 
 import glob
@@ -23,16 +23,16 @@ from private_desktop import eventually  # noqa: E402
 
 NAME = "org.freedesktop.Notifications"
 PATH = "/org/freedesktop/Notifications"
-# It shows buttons, can be read by assistive technology, and is started by no bus unless told to.
+# Shows buttons, is accessible, and is not started by the bus unless a test configures that.
 PROGRAM = next((path for path in ("/usr/lib/notification-daemon/notification-daemon",
                                   "/usr/libexec/notification-daemon") if os.path.exists(path)),
                "notification-daemon")
-# It shows text and nothing that can be pressed, and is started by no bus either.
+# Shows text without buttons, and is not started by the bus.
 PROGRAM_WITHOUT_BUTTONS = next(iter(glob.glob("/usr/lib/*/notify-osd")), "notify-osd")
 
 
 class Notification:
-    """One that is on the screen: its texts, its buttons, and where on the screen they are."""
+    """A visible notification: its texts, its buttons, and their places on the screen."""
 
     def __init__(self, node):
         labels, buttons = [], {}
@@ -43,7 +43,7 @@ class Notification:
                 buttons[each.get_name()] = self._middle(each)
         self.title, self.body = (label.get_name() for label in labels[:2])
         self.place = self._middle(labels[1])
-        # The one that closes it has no title.
+        # The button that closes it has no title.
         self.place_of_close = buttons.pop("")
         self.buttons = buttons
 
@@ -57,7 +57,7 @@ class Notification:
             if child is None:
                 continue
             child.clear_cache()
-            # Buttons that a notification lacks are there all the same, but nobody sees them.
+            # Buttons that a notification does not use exist too, but are hidden.
             if child.get_state_set().contains(Atspi.StateType.SHOWING):
                 yield from self._walk(child)
 
@@ -68,7 +68,7 @@ class Notification:
 
 
 class Daemon:
-    """What all daemons have in common: the bus, and that they come and go."""
+    """Common to all daemons: the bus, the start and the end."""
 
     program = None
     place_of_pointer = None
@@ -100,7 +100,7 @@ class Daemon:
                                                              "", ())]
 
     def kill(self):
-        """As in a crash; nothing is told to anybody."""
+        """Ends it as a crash would."""
         os.kill(self.pid(), signal.SIGKILL)
         eventually(lambda: not self.runs(), "the notification daemon is gone")
 
@@ -112,7 +112,7 @@ class Daemon:
 
 class NotificationDaemon(Daemon):
     program = PROGRAM
-    # Where it shows them: one that has the pointer on it does not go away by itself.
+    # Where it shows notifications: one below the pointer does not expire.
     place_of_pointer = ("1075", "60")
 
     def __init__(self, desktop):
@@ -121,7 +121,7 @@ class NotificationDaemon(Daemon):
                                      NAME + ".service")
 
     def let_the_bus_start_it(self):
-        """Whenever it is called and does not run, as on most desktops."""
+        """Lets the bus start it on demand, as on most desktops."""
         self.place_pointer()
         os.makedirs(os.path.dirname(self._service), exist_ok=True)
         with open(self._service, "w", encoding="ascii") as file:
@@ -133,7 +133,7 @@ class NotificationDaemon(Daemon):
             dbus_interface="org.freedesktop.DBus")
 
     def shown(self):
-        """Those on the screen now."""
+        """The visible notifications."""
         try:
             application = AccessibleWindow(self.pid()).application()
             nodes = [] if application is None else [
@@ -147,10 +147,10 @@ class NotificationDaemon(Daemon):
                     and node.get_state_set().contains(Atspi.StateType.SHOWING)]
         except (GLib.Error, ValueError, IndexError, KeyError, AttributeError,
                 dbus.DBusException):
-            return []  # it changed while it was looked at; whoever asks, asks again
+            return []  # it changed meanwhile; the caller asks again
 
     def find(self, says):
-        """The one whose body has this text in it, once it has settled."""
+        """The notification whose body contains `says`, once its place no longer changes."""
         last = []
 
         def settled():
@@ -161,13 +161,12 @@ class NotificationDaemon(Daemon):
 
         return eventually(settled, f"a notification shows that says {says[:100]}")[0]
 
-    # With the pointer, as a person does: what assistive technology can press, the daemon's buttons
-    # do not hear.
+    # With the pointer: the buttons of the daemon ignore the actions of assistive technology.
     def press(self, notification, title):
         self._click(*notification.buttons[title])
 
     def click(self, notification):
-        """On its text, and on none of its buttons."""
+        """Clicks its text, not a button."""
         self._click(*notification.place)
 
     def dismiss(self, notification):
@@ -185,12 +184,12 @@ class NotificationDaemon(Daemon):
 
 class DaemonWithoutButtons(Daemon):
     program = PROGRAM_WITHOUT_BUTTONS
-    # One that has the pointer on it fades away.
+    # A notification below the pointer fades out.
     place_of_pointer = ("200", "800")
 
     def __init__(self, desktop):
         super().__init__(desktop)
-        # Without one, its notifications are black all over.
+        # Without a compositor its notifications are all black.
         self._compositor = desktop.start("xcompmgr", "-n")
         eventually(lambda: desktop.output("xdotool", "search", "--name", "^xcompmgr$"),
                    "windows are composed")
@@ -200,7 +199,7 @@ class DaemonWithoutButtons(Daemon):
         self._compositor.end()
 
     def text(self):
-        """Title and body of the one on the screen; None for none."""
+        """Title and body of the visible notification; None if there is none."""
         try:
             application = AccessibleWindow(self.pid()).application()
             for index in range(application.get_child_count()):
@@ -209,18 +208,18 @@ class DaemonWithoutButtons(Daemon):
                 if node.get_role() == Atspi.Role.NOTIFICATION:
                     return node.get_name(), node.get_description()
         except (GLib.Error, AttributeError, dbus.DBusException):
-            pass  # it changed while it was looked at; whoever asks, asks again
+            pass  # it changed meanwhile; the caller asks again
         return None
 
     def shines(self):
-        """Whether light text can be seen where its window is on the screen."""
-        # The daemon never tells assistive technology that one shows, so the screen has to.
+        """Whether the screen shows light text at the place of its window."""
+        # The daemon does not tell assistive technology whether a notification is visible.
         for window in self.desktop.output("xdotool", "search", "--onlyvisible", "--class",
                                           "^notify-osd$").split():
             place = dict(line.split("=", 1) for line in self.desktop.output(
                 "xdotool", "getwindowgeometry", "--shell", window).splitlines())
             if not place:
-                continue  # it went away
+                continue  # it was closed
             lightest = self.desktop.output(
                 "import", "-silent", "-window", "root", "-crop",
                 f"{place['WIDTH']}x{place['HEIGHT']}{int(place['X']):+}{int(place['Y']):+}",
@@ -230,8 +229,8 @@ class DaemonWithoutButtons(Daemon):
         return False
 
 
-class Overheard:
-    """What is asked of the daemons of a bus to show, and what they answer, in this order."""
+class NotificationMonitor:
+    """Records the notifications that are sent on a bus, and the answers to them, in order."""
 
     def __init__(self, desktop):
         self._calls = {}
@@ -255,11 +254,11 @@ class Overheard:
             call = self._calls.get((message.get_destination(), message.get_reply_serial()))
             if call is not None:
                 call.answer = message
-        # A monitor that answers anybody is thrown off the bus.
+        # The bus disconnects a monitor that sends a reply.
         return dbus.lowlevel.HANDLER_RESULT_HANDLED
 
     def answered(self, count):
-        """All calls, once there are so many and each has its answer."""
+        """All calls, once there are `count` of them and each has been answered."""
         def all_answered():
             while GLib.MainContext.default().iteration(False):
                 pass

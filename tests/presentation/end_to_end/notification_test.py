@@ -20,7 +20,7 @@ desktop = None
 def setUpModule():
     global desktop
     desktop = PrivateDesktop()
-    # The accessibility library asks the environment for its bus, once.
+    # The accessibility library reads the address of its bus from the environment, once.
     os.environ.clear()
     os.environ.update(desktop.env)
 
@@ -35,7 +35,7 @@ def warning(name):
 
 
 class Poster:
-    """The program that posts, told a line at a time what to do."""
+    """The program that posts notifications, controlled by lines on its standard input."""
 
     count = 0
 
@@ -84,7 +84,7 @@ class NotificationTestCase(unittest.TestCase):
         return NotificationDaemon(desktop)
 
     def warn(self, name):
-        """Posts a warning of this name and gives the notification that comes of it."""
+        """Posts a warning about this name and returns its notification."""
         self.poster.tell("warn " + name)
         return self.daemon.find(name)
 
@@ -92,7 +92,7 @@ class NotificationTestCase(unittest.TestCase):
         eventually(lambda: len(self.poster.answers()) >= len(lines), f"it answers {lines}")
         self.assertEqual(self.poster.answers(), list(lines))
 
-    def assert_ends_without_a_word(self):
+    def assert_ends_silently(self):
         self.assertEqual(self.poster.quit(), 0)
         self.assertEqual(self.poster.complaints(), "")
 
@@ -102,14 +102,14 @@ class Shown(NotificationTestCase):
         super().setUp()
         self.daemon.start()
 
-    def test_a_name_that_looks_like_markup_shows_letter_for_letter(self):
+    def test_markup_in_a_name_is_shown_literally(self):
         shown = self.warn("<b>x</b> & co")
         self.assertEqual(shown.title, "Tallowcrest warning")
         self.assertEqual(shown.body, warning("<b>x</b> & co"))
         self.assertEqual(list(shown.buttons), ["Review Cleanup", "AI Analyze", "Scan Remotes"])
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
-    def test_names_that_are_made_to_harm_show_as_text_of_bounded_size(self):
+    def test_hostile_names_are_shown_as_text_of_limited_length(self):
         for name in ("<a href='http://example.invalid/'>free memory</a>", "</b></markup>",
                      "&lt;b&gt;&#x202e;&nosuch;", '" onclick="', "it's", "%s%n", "\\n"):
             shown = self.warn(name)
@@ -121,9 +121,9 @@ class Shown(NotificationTestCase):
         self.assertTrue(long.body.endswith("<…"), long.body)
         self.assertLess(len(long.body), 1000)
         self.assertEqual(list(long.buttons), ["Review Cleanup", "AI Analyze", "Scan Remotes"])
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
-    def test_each_button_leads_where_it_should(self):
+    def test_each_button_opens_its_route(self):
         for title, answers in (
                 ("Review Cleanup", ["pressed OPEN_OPTIMIZE", "route optimizationSuggestions"]),
                 ("AI Analyze", ["pressed OPEN_AI", "route aiAdvisor"]),
@@ -133,11 +133,11 @@ class Shown(NotificationTestCase):
                 self.daemon.press(self.warn("probe of " + title), title)
                 self.assert_answers(*before, *answers)
 
-    def test_a_plain_click_leads_to_the_overview(self):
+    def test_a_click_on_the_text_opens_the_overview(self):
         self.daemon.click(self.warn("clicked"))
         self.assert_answers("pressed default", "route overview")
 
-    def test_without_buttons_a_plain_click_is_what_is_left(self):
+    def test_without_buttons_a_click_opens_the_overview(self):
         self.poster.tell("without buttons")
         shown = self.warn("plain")
         self.assertEqual(shown.body, warning("plain"))
@@ -148,7 +148,7 @@ class Shown(NotificationTestCase):
         self.assertEqual(list(self.warn("rich").buttons),
                          ["Review Cleanup", "AI Analyze", "Scan Remotes"])
 
-    def test_what_is_dismissed_leads_nowhere(self):
+    def test_a_dismissed_notification_opens_nothing(self):
         self.daemon.dismiss(self.warn("dismissed"))
         eventually(lambda: not self.daemon.shown(), "it is gone")
         self.daemon.press(self.warn("pressed"), "AI Analyze")
@@ -164,7 +164,7 @@ class Restart(NotificationTestCase):
         self.daemon.let_the_bus_start_it()
         self.assertFalse(self.daemon.runs())
         self.assert_works("called up")
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
     def test_the_bus_starts_the_daemon_again_after_a_crash(self):
         self.daemon.let_the_bus_start_it()
@@ -173,7 +173,7 @@ class Restart(NotificationTestCase):
         self.daemon.kill()
         self.assert_works("after")
         self.assertNotEqual(self.daemon.pid(), before)
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
     def test_a_daemon_that_is_started_again_by_hand_is_found(self):
         self.daemon.start()
@@ -182,28 +182,28 @@ class Restart(NotificationTestCase):
         self.daemon.start()
         self.assertEqual(self.daemon.shown(), [])
         self.assert_works("after")
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
-    def test_without_a_daemon_warnings_are_lost_without_a_word(self):
+    def test_without_a_daemon_warnings_are_lost_silently(self):
         self.poster.tell("warn lost")
-        # An answer behind the warning: by then that has been posted.
+        # Answered after the warning has been posted.
         self.poster.tell("ping")
         self.assert_answers("what is: ping")
         self.daemon.start()
         self.poster.tell("warn found")
         self.assertEqual(self.daemon.find("found").body, warning("found"))
         self.assertEqual([each.body for each in self.daemon.shown()], [warning("found")])
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
 
 class WithoutButtons(NotificationTestCase):
-    """A daemon that can show no buttons, though they are wanted."""
+    """With a daemon that cannot show the requested buttons."""
 
     def setUp(self):
-        from notification_daemon import Overheard
+        from notification_daemon import NotificationMonitor
         super().setUp()
-        self.overheard = Overheard(desktop)
-        self.addCleanup(self.overheard.end)
+        self.monitor = NotificationMonitor(desktop)
+        self.addCleanup(self.monitor.end)
         self.daemon.start()
 
     def new_daemon(self):
@@ -215,12 +215,12 @@ class WithoutButtons(NotificationTestCase):
                    f"the warning of {name} can be read")
         eventually(self.daemon.shines, "it is on the screen")
 
-    def test_it_is_sent_none_and_shows_the_text_letter_for_letter(self):
+    def test_it_is_sent_no_buttons_and_shows_the_text_literally(self):
         self.assertNotIn("actions", self.daemon.capabilities())
         self.assertIn("body-markup", self.daemon.capabilities())
         self.assertFalse(self.daemon.shines())
         self.poster.tell("warn <b>x</b> & co")
-        call, = self.overheard.answered(1)
+        call, = self.monitor.answered(1)
         self.assertEqual(call.title, "Tallowcrest warning")
         self.assertEqual(call.body, warning("&lt;b&gt;x&lt;/b&gt; &amp; co"))
         self.assertEqual(call.actions, [])
@@ -229,9 +229,9 @@ class WithoutButtons(NotificationTestCase):
         self.assertGreater(call.answer.get_args_list()[0], 0)
         self.assert_shows("<b>x</b> & co")
         self.assertEqual(self.poster.answers(), [])
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
-    def test_each_daemon_in_turn_is_sent_what_it_can_show(self):
+    def test_each_daemon_is_sent_what_it_supports(self):
         self.poster.tell("warn first")
         self.assert_shows("first")
         self.daemon.kill()
@@ -248,13 +248,13 @@ class WithoutButtons(NotificationTestCase):
         self.daemon.start()
         self.poster.tell("warn third")
         self.assert_shows("third")
-        calls = self.overheard.answered(3)
+        calls = self.monitor.answered(3)
         self.assertEqual([call.body for call in calls],
                          [warning(name) for name in ("first", "second", "third")])
         self.assertEqual([call.actions[::2] for call in calls],
                          [[], ["default", "OPEN_OPTIMIZE", "OPEN_AI", "SCAN_REMOTES"], []])
         self.assert_answers("pressed OPEN_AI", "route aiAdvisor")
-        self.assert_ends_without_a_word()
+        self.assert_ends_silently()
 
 
 if __name__ == "__main__":

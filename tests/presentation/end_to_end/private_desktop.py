@@ -1,7 +1,7 @@
-"""A desktop of its own for one test program: display, session bus, accessibility bus, window manager.
+"""A private desktop for one test program: display, session bus, accessibility bus, window manager.
 
-Everything is started by this file as a process group of its own and ended by it again. Nothing of the
-caller's desktop is used or changed.
+Each program is started in a process group of its own and ended again. The caller's desktop is
+neither used nor changed.
 """
 
 import os
@@ -11,11 +11,14 @@ import subprocess
 import tempfile
 import time
 
-DEADLINE = 30.0  # seconds; a hang guard and no measure
+DEADLINE = 30.0  # seconds; only ends a test that hangs
 
 
 def eventually(question, what, deadline=DEADLINE):
-    """Asks until the answer is true and returns it; an AssertionError that names `what` else."""
+    """Calls `question` until its answer is true, and returns the answer.
+
+    Raises an AssertionError that names `what` after `deadline` seconds.
+    """
     end = time.monotonic() + deadline
     while True:
         answer = question()
@@ -27,7 +30,7 @@ def eventually(question, what, deadline=DEADLINE):
 
 
 class Started:
-    """A program under the test's control, with what it wrote to standard error."""
+    """A program that the test has started, with what it wrote to standard error."""
 
     def __init__(self, command, env, log, **options):
         self.log = log
@@ -81,8 +84,8 @@ class PrivateDesktop:
         for name, value in os.environ.items():
             if name.endswith("SAN_OPTIONS") or name == "LD_LIBRARY_PATH":
                 self.env[name] = value
-        # The library that reads keyboard maps copies texts of known length that no zero ends, which
-        # is sound and yet a complaint of the strictest checks.
+        # The keyboard map library copies texts of known length that have no final zero. That is
+        # valid, but `strict_string_checks` reports it.
         if "ASAN_OPTIONS" in self.env:
             self.env["ASAN_OPTIONS"] += ":strict_string_checks=0"
         try:
@@ -106,7 +109,7 @@ class PrivateDesktop:
 
     def _start_display(self):
         reader, writer = os.pipe()
-        # Without -noreset the server starts over, and refuses clients, when its first one leaves.
+        # Without -noreset the server resets when its last client leaves, and rejects clients then.
         self.start("Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x900x24", "-nolisten",
                    "tcp", "-noreset", pass_fds=[writer])
         os.close(writer)

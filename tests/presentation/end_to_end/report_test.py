@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The diagnostics report on its way out of the real program: into a file, onto the clipboard.
+"""The diagnostics report of the real program: exported to a file, copied to the clipboard.
 
     report_test.py PROGRAM CLIPBOARD_MANAGER [unittest options]
 """
@@ -52,7 +52,7 @@ class Report(WindowTestCase):
         with open(path, encoding="utf-8") as file:
             assert_whole(self, file.read())
 
-    def test_what_was_copied_outlives_the_program(self):
+    def test_a_copied_report_survives_the_program(self):
         kept = os.path.join(desktop.folder, "kept")
         manager = desktop.start(CLIPBOARD_MANAGER, kept)
         self.addCleanup(manager.end)
@@ -68,6 +68,6 @@ class Report(WindowTestCase):
 
 
 if __name__ == "__main__":
-    # Behind the program, which is the first argument of all these tests.
+    # After the program, which is the first argument of all these tests.
     CLIPBOARD_MANAGER = os.path.abspath(sys.argv.pop(2))
     main()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The window program started twice, and left without the desktop it was hidden in.
+"""The window program when it is started again, and when it loses its tray or session bus.
 
     second_start_test.py PROGRAM [unittest options]
 """
@@ -30,7 +30,7 @@ def tearDownModule():
 
 class StartTestCase(unittest.TestCase):
     def setUp(self):
-        # Directories of its own: an instance belongs to them.
+        # An instance belongs to its directories, so each test has its own.
         self.home = tempfile.mkdtemp(dir=desktop.folder)
         self.runtime = os.path.join(self.home, "run")
         os.mkdir(self.runtime, 0o700)
@@ -115,7 +115,7 @@ class SecondStart(StartTestCase):
     def test_it_brings_a_covered_window_to_the_front(self):
         first, window = self.start_window()
         other_data = os.path.join(self.home, "other")
-        # Over other data it is another instance, with a window of its own.
+        # With another data directory it is another instance.
         other, cover = self.start_window(XDG_DATA_HOME=other_data)
         self.assertNotEqual(window, cover)
         self.assert_hands_over()
@@ -152,23 +152,23 @@ class SecondStart(StartTestCase):
         self.assert_becomes_active(window)
         self.assertEqual(self.living(), [first.pid])
 
-    def test_a_killed_program_is_no_obstacle(self):
+    def test_it_starts_after_the_first_was_killed(self):
         first, _ = self.start_window()
         os.kill(first.pid, signal.SIGKILL)
         self.assertEqual(first.status(), -signal.SIGKILL)
         second, _ = self.start_window()
         self.assertEqual(self.living(), [second.pid])
 
-    def test_a_program_that_has_ended_makes_room(self):
+    def test_it_waits_for_a_program_that_is_ending(self):
         first, _ = self.start_window()
         desktop.keys("ctrl+q")
-        # Not waited for: the second start does that.
+        # Not waited for here: the second start waits for the first to end.
         second = self.start()
         eventually(lambda: self.windows_of(second), "the second program opens its window")
         self.assertEqual(first.status(), 0)
         self.assertEqual(self.living(), [second.pid])
 
-    def test_a_hung_program_is_named_and_not_doubled(self):
+    def test_it_reports_a_hung_program_and_ends(self):
         first, window = self.start_window()
         os.kill(first.pid, signal.SIGSTOP)
         try:
@@ -182,7 +182,7 @@ class SecondStart(StartTestCase):
         self.assert_hands_over()
         self.assert_becomes_active(window)
 
-    def test_callers_with_nonsense_or_nothing_to_say_are_dropped(self):
+    def test_invalid_and_silent_clients_are_disconnected(self):
         first, window = self.start_window()
         folder = os.path.join(self.runtime, "tallowcrest")
         path = os.path.join(folder, next(name for name in os.listdir(folder)
@@ -191,7 +191,7 @@ class SecondStart(StartTestCase):
         for text in (b"", b"sho", b"nonsense\n", b"\xff" * 100_000) * 20:
             caller = socket.socket(socket.AF_UNIX)
             self.addCleanup(caller.close)
-            # Blocks while too many wait already; with a time limit of its own it would fail.
+            # Connects without a timeout, because it blocks while too many clients are waiting.
             caller.connect(path)
             caller.settimeout(20)
             try:
@@ -209,7 +209,7 @@ class SecondStart(StartTestCase):
         self.assertTrue(first.is_running())
         self.assertEqual(first.complaints(), "")
 
-    def test_where_no_guard_is_possible_the_window_opens_all_the_same(self):
+    def test_the_window_opens_where_no_guard_is_possible(self):
         blocked = os.path.join(self.home, "blocked")
         with open(blocked, "w", encoding="utf-8"):
             pass
@@ -220,7 +220,7 @@ class SecondStart(StartTestCase):
             self.assertIn("a second start will not find this window: " + blocked,
                           program.complaints())
 
-    def test_without_a_window_there_is_no_guard(self):
+    def test_headless_uses_no_guard(self):
         self.start_window()
         beside = self.start("--headless", "--samples", "1")
         self.assertEqual(beside.status(), 0, beside.complaints())
@@ -241,7 +241,7 @@ class LostTray(StartTestCase):
 
     def assert_comes_back_for_good(self, program):
         window = eventually(lambda: self.windows_of(program), "the window shows again")[0]
-        # Now there is nothing left to hide in.
+        # Without a tray, closing the window ends the program.
         desktop.focus(window)
         self.assert_becomes_active(window)
         desktop.keys("alt+F4")
@@ -282,7 +282,7 @@ class FewDescriptors(StartTestCase):
         self.addCleanup(program.end)
         return program
 
-    def test_a_window_without_a_descriptor_to_spare_still_answers(self):
+    def test_a_window_without_free_descriptors_still_answers(self):
         first = self.start_limited(32)
         window = eventually(lambda: self.windows_of(first), "the window shows")[0]
         desktop.output("xdotool", "windowminimize", "--sync", window)
@@ -290,7 +290,7 @@ class FewDescriptors(StartTestCase):
         self.assert_becomes_active(window)
 
     @unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizers themselves need descriptors")
-    def test_with_hardly_any_it_says_what_is_wrong(self):
+    def test_with_too_few_descriptors_it_reports_an_error(self):
         program = self.start_limited(6)
         self.assertEqual(program.status(), 1, program.complaints())
         self.assertIn("tallowcrest: ", program.complaints())

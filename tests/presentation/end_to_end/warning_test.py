@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The real program on a machine that is really busy, before a real notification daemon.
+"""The real program on a busy machine, with a real notification daemon.
 
     warning_test.py PROGRAM [unittest options]
 """
@@ -32,7 +32,7 @@ class Warning(WindowTestCase):
         self.daemon.start()
 
     def keep_busy(self):
-        """As many processes as there are cores, each of which takes all that it can get."""
+        """Starts a process for each core that uses all the CPU time it can get."""
         self.name = f"tcbusy{os.getpid()}"
         path = os.path.join(desktop.folder, self.name)
         shutil.copy(os.path.realpath("/bin/bash"), path)
@@ -59,7 +59,7 @@ class Warning(WindowTestCase):
         window.label(lambda text: text.startswith("High load detected. CPU "))
         self.assertTrue(program.is_running())
 
-    def test_a_plain_click_leads_to_the_overview(self):
+    def test_a_click_on_the_text_opens_the_overview(self):
         self.keep_busy()
         _, window, number = self.start_window()
         window.go_to("Chat")
@@ -69,7 +69,7 @@ class Warning(WindowTestCase):
         window.label("Health at a glance and the safest next step")
         self.is_in_front(number)
 
-    def test_every_other_button_leads_to_its_route(self):
+    def test_the_other_buttons_open_their_routes(self):
         self.keep_busy()
         for button, subtitle in (
                 ("Review Cleanup", "Overall CPU, memory, disk, backup, and cleanup guidance"),

@@ -1,4 +1,4 @@
-"""What the tests of the real window share: the program on a desktop of its own."""
+"""Shared by the tests of the real window: the program on a private desktop."""
 
 import os
 import shutil
@@ -11,14 +11,14 @@ from private_desktop import PrivateDesktop, eventually
 
 def start_desktop():
     WindowTestCase.desktop = PrivateDesktop()
-    # The accessibility library asks the environment for its bus, once.
+    # The accessibility library reads the address of its bus from the environment, once.
     os.environ.clear()
     os.environ.update(WindowTestCase.desktop.env)
     return WindowTestCase.desktop
 
 
 def main():
-    """The program under test is the first argument, those of unittest follow."""
+    """The first argument is the program under test; the others are those of unittest."""
     WindowTestCase.program = os.path.abspath(sys.argv.pop(1))
     unittest.main(module="__main__", verbosity=2)
 
@@ -28,7 +28,7 @@ class WindowTestCase(unittest.TestCase):
     desktop = None
 
     def setUp(self):
-        # Settings outlive a program; they must not reach the next test.
+        # Settings are stored, so each test has a data directory of its own.
         self.data = tempfile.mkdtemp(dir=self.desktop.folder)
 
     def start(self, **env):
@@ -38,7 +38,7 @@ class WindowTestCase(unittest.TestCase):
         return program
 
     def start_window(self, **env):
-        """The program, its window as seen by assistive technology, and the window's number."""
+        """The program, its window as assistive technology sees it, and the window's X11 number."""
         from accessible_window import AccessibleWindow
         program = self.start(**env)
         window = eventually(self.desktop.windows, "a window named Tallowcrest shows")
@@ -60,10 +60,10 @@ class WindowTestCase(unittest.TestCase):
 
 
 class ProcessTestCase(WindowTestCase):
-    """With processes of the test's own to look at."""
+    """Can start processes for the program to list."""
 
     def start_probe(self, name=None, count=1):
-        """A process under a name that no other has, or a group of them."""
+        """A process with a unique name; several of them for a `count` above 1."""
         name = name or f"tcprobe{os.getpid()}"
         path = os.path.join(self.desktop.folder, name)
         if not os.path.exists(path):
@@ -72,6 +72,17 @@ class ProcessTestCase(WindowTestCase):
         for probe in probes:
             self.addCleanup(probe.end)
         return (name, probes[0]) if count == 1 else (name, probes)
+
+    def start_window_without_rules(self):
+        """On a busy machine a rule would move the review to another process than the test's own."""
+        from gi.repository import Atspi
+        program, window, number = self.start_window()
+        self.desktop.keys("ctrl+period")
+        window.label("Emergency stop engaged. Automatic actions are disabled.")
+        if window.showing(Atspi.Role.PUSH_BUTTON, "Clear"):
+            window.press(Atspi.Role.PUSH_BUTTON, "Clear")
+            window.label("Cleared selected operation target.")
+        return program, window, number
 
     def filtered(self, window, text, expected):
         window.type_into("Filter processes", text)

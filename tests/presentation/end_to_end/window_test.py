@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The real program on a desktop of its own, driven as a person and as assistive technology do.
+"""The real program on a private desktop, operated by keys and by assistive technology.
 
     window_test.py PROGRAM [unittest options]
 """
@@ -40,7 +40,7 @@ def service(name, owned):
 
 
 class WithoutADisplay(WindowTestCase):
-    def test_without_a_display_it_says_so_and_what_to_try(self):
+    def test_without_a_display_it_prints_a_hint(self):
         env = {name: value for name, value in desktop.env.items()
                if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
         program = desktop.start(self.program, env=env)
@@ -48,7 +48,7 @@ class WithoutADisplay(WindowTestCase):
         lines = self.assert_hint(program)
         self.assertEqual(len(lines), 1)
 
-    def test_a_display_that_cannot_be_reached_is_one_line_and_the_hint(self):
+    def test_an_unreachable_display_is_reported_with_a_hint(self):
         program = self.start(DISPLAY=":9876")
         lines = self.assert_hint(program)
         self.assertEqual(len(lines), 2, lines)
@@ -88,7 +88,7 @@ class Window(WindowTestCase):
             self.assertLessEqual(gauge.get_current_value(), 100)
         window.label(lambda text: re.fullmatch(r"\d+\.\d GB used of \d+\.\d GB", text))
 
-    def test_samples_go_on_by_themselves(self):
+    def test_sampling_continues(self):
         _, window, _ = self.start_window()
         window.label(lambda text: re.fullmatch(r"Current session · last (8|9|1[0-9]) seconds", text))
 
@@ -106,7 +106,7 @@ class Window(WindowTestCase):
 
 
 class Sections(WindowTestCase):
-    """Each closes down to its header and is found closed by the next start."""
+    """A section collapses to its header, and is still collapsed after a restart."""
 
     def header(self, window, title):
         from gi.repository import Atspi
@@ -128,7 +128,7 @@ class Sections(WindowTestCase):
         self.assertEqual(program.complaints(), "")
         return self.start_window()
 
-    def test_a_closed_section_stays_closed_over_a_restart(self):
+    def test_a_collapsed_section_stays_collapsed_after_a_restart(self):
         from gi.repository import Atspi
         program, window, _ = self.start_window()
         self.assert_closed(window, "System Gauges", False)
@@ -158,7 +158,7 @@ class Sections(WindowTestCase):
         self.assert_closed(window, "Live Performance Timeline", True)
 
 
-    def test_return_on_a_header_closes_and_opens_its_section(self):
+    def test_return_on_a_header_collapses_and_expands_its_section(self):
         from gi.repository import Atspi
         _, window, _ = self.start_window()
         self.assert_closed(window, "System Gauges", False)
@@ -198,7 +198,7 @@ class Processes(ProcessTestCase):
     def test_a_process_is_found_reviewed_and_gone_when_it_ends(self):
         from gi.repository import Atspi
         name, probe = self.start_probe()
-        _, window, _ = self.start_window()
+        _, window, _ = self.start_window_without_rules()
         window.go_to("Processes")
         rows = self.filtered(window, name.upper(), name)
         self.assertEqual(len(rows), 1)
@@ -222,9 +222,9 @@ class Processes(ProcessTestCase):
         window.label(lambda text: " · 0 visible processes · " in text)
         self.assertEqual(window.cells(), [])
 
-    def test_review_from_the_overview_frees_the_row_from_a_filter_left_there(self):
+    def test_review_from_the_overview_clears_a_filter_that_hides_the_row(self):
         from gi.repository import Atspi
-        # Heavy enough to be recommended for review on any machine, and too much for a small one.
+        # Large enough to be recommended for review on any machine, and too large for a small one.
         with open("/proc/meminfo", encoding="ascii") as file:
             available = int(re.search(r"MemAvailable:\s+(\d+)", file.read())[1]) >> 10
         if available < 4000:
@@ -232,7 +232,7 @@ class Processes(ProcessTestCase):
         probe = desktop.start(sys.executable, "-c",
                               "kept = bytearray(b'x') * (2300 << 20); import time; time.sleep(600)")
         self.addCleanup(probe.end)
-        _, window, _ = self.start_window()
+        _, window, _ = self.start_window_without_rules()
         window.go_to("Processes")
         self.filtered(window, str(probe.pid), "python")
         window.type_into("Filter processes", "no such process")
@@ -247,7 +247,7 @@ class Processes(ProcessTestCase):
             return window.showing(Atspi.Role.PUSH_BUTTON, reviews_it)
 
         eventually(offers_review, "the heavy process can be reviewed", deadline=60)
-        # By what it does and not by its whole name: the figure in that grows with the process.
+        # Found by a pattern, because the figure in its name grows with the process.
         window.press(Atspi.Role.PUSH_BUTTON, reviews_it)
         window.label("Activity Monitor-style list sorted by combined CPU and memory impact")
         window.label(lambda text: re.fullmatch(
@@ -258,7 +258,7 @@ class Processes(ProcessTestCase):
                    "the row is under review")
 
     def test_the_filter_takes_keys_and_white_space_shows_all(self):
-        _, window, _ = self.start_window()
+        _, window, _ = self.start_window_without_rules()
         window.go_to("Processes")
         self.start_probe()
         window.type_into("Filter processes", "no such process")
@@ -359,7 +359,7 @@ class Tray(WindowTestCase):
         window.label(lambda text: text.startswith("Current session"))
 
         def optimize_opens():
-            """The panel leaves when the focus does, which on a busy machine may come late."""
+            """The panel closes when it loses the focus, which may happen late on a busy machine."""
             item.Activate(100, 100, dbus_interface=self.ITEM)
             window.label(lambda text: re.fullmatch(r"CPU \d+% · Memory \d+%", text))
             window.press(Atspi.Role.PUSH_BUTTON, "Open Optimize")
@@ -371,7 +371,7 @@ class Tray(WindowTestCase):
 
         eventually(optimize_opens, "the panel opens Optimize", deadline=60)
         eventually(lambda: not window.showing(Atspi.Role.PUSH_BUTTON, "Quit Tallowcrest"),
-                   "the panel closes behind a command")
+                   "the panel closes after a command")
 
 
 class Appearance(WindowTestCase):

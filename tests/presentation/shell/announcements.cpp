@@ -11,9 +11,10 @@ tallowcrest::Announcements* listener = nullptr;
 
 }  // namespace
 
-// Qt tells nobody as long as no assistive technology is there, and the platform without a screen
-// has none; an update handler is not asked either. So this stands in for Qt's own, which it goes
-// before wherever programs are ELF files.
+// Qt sends no accessibility events while no assistive technology is active, and on the offscreen
+// platform there is none; even an installed update handler is not called. So this definition
+// replaces Qt's own: in an ELF program, the one in the executable takes precedence over that in a
+// library.
 void QAccessible::updateAccessibility(QAccessibleEvent* event) {
     if (listener != nullptr) {
         listener->hear(*event);

@@ -13,8 +13,8 @@ class QAccessibleEvent;
 
 namespace tallowcrest {
 
-/// Hears what assistive technology is told of the names and descriptions of widgets, for as long as
-/// it lives; one at a time.
+/// Records, during its lifetime, the changes of accessible names and descriptions of widgets that
+/// are announced to assistive technology. Only one may exist at a time.
 class Announcements {
 public:
     Announcements();
@@ -22,18 +22,19 @@ public:
     Announcements(const Announcements&) = delete;
     Announcements& operator=(const Announcements&) = delete;
 
-    /// How many there have been.
+    /// The number of announcements.
     int count() const { return count_; }
-    /// Those that said the words that had been said before, as "IDENTIFIER: WORDS". Widgets built
-    /// meanwhile are known from their first announcement on.
+    /// The announcements of a text that had not changed, as "IDENTIFIER: TEXT". The first
+    /// announcement of a widget that was created meanwhile never counts.
     const std::vector<std::string>& repeated() const { return repeated_; }
 
+    /// Called for each accessibility event.
     void hear(QAccessibleEvent& event);
 
 private:
     using Words = std::pair<QString, QString>;  ///< name and description
     struct Known {
-        QPointer<QWidget> widget;  ///< null once another may have its address
+        QPointer<QWidget> widget;  ///< null once the widget is deleted
         Words words;
     };
 

@@ -2,7 +2,7 @@
 
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
-#include "presentation/widgets/spoken.h"
+#include "presentation/widgets/accessibility.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -13,7 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(Announcements, TheSameWordsAreToldOnce) {
+TEST(Announcements, AnUnchangedTextIsNotRepeated) {
     QWidget widget;
     widget.setObjectName(u"probe"_s);
     const Announcements heard;
@@ -28,10 +28,10 @@ TEST(Announcements, TheSameWordsAreToldOnce) {
     EXPECT_EQ(heard.count(), 3);
     EXPECT_EQ(widget.accessibleName(), u"other"_s);
     widget.setAccessibleName(u"other"_s);
-    EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "which Qt itself would tell";
+    EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "Qt itself announces it again";
 }
 
-/// Two samples, the second like the first.
+/// Checks that samples announce only what has changed.
 class AnnouncementsInTheWindow : public OverviewFixture {
 protected:
     void expectNoneRepeated() {
@@ -59,7 +59,7 @@ TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingOnAnyRoute) {
     }
 }
 
-TEST_F(AnnouncementsInTheWindow, NorDoesItOnAProtectedTarget) {
+TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingForAProtectedTarget) {
     showWithSample();
     machine.monitor().review().selectTopProcess();
     machine.monitor().localActions().toggleNeverQuit("photo-indexer");
@@ -67,7 +67,7 @@ TEST_F(AnnouncementsInTheWindow, NorDoesItOnAProtectedTarget) {
     expectNoneRepeated();
 }
 
-TEST_F(AnnouncementsInTheWindow, NorDoesItInTheSettingsSheet) {
+TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingInTheSettingsSheet) {
     showWithSample();
     window().state().navigation.setShowSettings(true);
     settle();
@@ -80,7 +80,7 @@ TEST_F(AnnouncementsInTheWindow, NorDoesItInTheSettingsSheet) {
     }
 }
 
-TEST_F(AnnouncementsInTheWindow, NorDoesItInTheMenuBarPanel) {
+TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingInTheMenuBarPanel) {
     MenuBarPanel panel(machine.monitor(), menuBarEntries(machine.monitor(), window()));
     showWithSample();
     panel.toggleAt({10, 10});

@@ -21,9 +21,9 @@ protected:
     }
 };
 
-// What it says -----------------------------------------------------------------------------------
+// Content ----------------------------------------------------------------------------------------
 
-TEST_F(ConfirmationContentTest, StandsOnlyWhileARequestIsPending) {
+TEST_F(ConfirmationContentTest, IsOpenOnlyWhileARequestIsPending) {
     showWithSample();
     EXPECT_EQ(window().findChild<ConfirmationDialog*>(), nullptr);
     ask(probe());
@@ -32,7 +32,7 @@ TEST_F(ConfirmationContentTest, StandsOnlyWhileARequestIsPending) {
     EXPECT_FALSE(isOpen());
 }
 
-TEST_F(ConfirmationContentTest, SaysWhatTheRequestSays) {
+TEST_F(ConfirmationContentTest, ShowsTheTextsOfTheRequest) {
     showWithSample();
     machine.monitor().review().selectProcess(machine.metrics->processes[0]);
     machine.monitor().localActions().requestQuitSelectedProcess();
@@ -52,14 +52,14 @@ TEST_F(ConfirmationContentTest, SaysWhatTheRequestSays) {
                                                     textOf("confirmation.path.0"));
 }
 
-TEST_F(ConfirmationContentTest, BlocksItsWindowAndNoOther) {
+TEST_F(ConfirmationContentTest, IsModalToItsWindowOnly) {
     showAndAsk();
     EXPECT_EQ(dialog().windowModality(), Qt::WindowModal);
     EXPECT_EQ(dialog().parentWidget(), &window());
     EXPECT_FALSE(dialog().windowFlags() & Qt::WindowMinimizeButtonHint);
 }
 
-TEST_F(ConfirmationContentTest, ItsControlsAreThereForAssistiveTechnology) {
+TEST_F(ConfirmationContentTest, ControlsAreAccessible) {
     showAndAsk();
     for (QPushButton* button : {&cancel(), &confirm()}) {
         QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(button);
@@ -72,7 +72,7 @@ TEST_F(ConfirmationContentTest, ItsControlsAreThereForAssistiveTechnology) {
     EXPECT_EQ(spoken->role(), QAccessible::Dialog);
 }
 
-TEST_F(ConfirmationContentTest, ShowsTheExecutablesOfItsTargetAndNoMoreThanAFew) {
+TEST_F(ConfirmationContentTest, ShowsAtMostFiveExecutables) {
     showAndAsk();
     EXPECT_EQ(visible("confirmation.paths"), nullptr);
     const int without = dialog().height();
@@ -99,7 +99,7 @@ TEST_F(ConfirmationContentTest, ShowsTheExecutablesOfItsTargetAndNoMoreThanAFew)
     EXPECT_EQ(dialog().height(), without);
 }
 
-TEST_F(ConfirmationContentTest, IsAsHighAsItsContentWhateverItShowedBefore) {
+TEST_F(ConfirmationContentTest, HeightFollowsTheContent) {
     showWithSample();
     const std::vector<std::vector<std::string>> targets{
         {}, {"/a"}, {"/a", "/b", "/c", "/d", "/e"}, {"/a", "/b", "/c", "/d", "/e", "/f"}};
@@ -123,7 +123,7 @@ TEST_F(ConfirmationContentTest, IsAsHighAsItsContentWhateverItShowedBefore) {
     }
 }
 
-TEST_F(ConfirmationContentTest, ALongPathKeepsItsEnds) {
+TEST_F(ConfirmationContentTest, ALongPathIsElidedInTheMiddle) {
     showWithSample();
     ask(probe(), {"/opt/" + std::string(300, 'x') + "/end"});
     const auto* line = visible<ElidedLabel>("confirmation.path.0");
@@ -132,7 +132,7 @@ TEST_F(ConfirmationContentTest, ALongPathKeepsItsEnds) {
     EXPECT_TRUE(line->shownLines().first().endsWith(u"/end"_s));
 }
 
-TEST_F(ConfirmationContentTest, HostileTextsAreShownAsTheyAreAndLeaveTheLayoutWhole) {
+TEST_F(ConfirmationContentTest, HostileTextsAreShownLiterallyAndKeepTheLayout) {
     showWithSample();
     ask(probe());
     const int usualWidth = dialog().width();
@@ -165,13 +165,13 @@ TEST_F(ConfirmationContentTest, HostileTextsAreShownAsTheyAreAndLeaveTheLayoutWh
     EXPECT_TRUE(confirm().shortcut().isEmpty());
 }
 
-TEST_F(ConfirmationContentTest, ANameCannotTurnTheWordsOfTheQuestionRound) {
+TEST_F(ConfirmationContentTest, ControlAndDirectionCharactersAreReplaced) {
     showWithSample();
     ask(probe("Quit a\u202Eb\u2066c\n\td?"));
     EXPECT_EQ(textOf("confirmation.title"), u"Quit a\uFFFDb\uFFFDc\uFFFD\uFFFDd?"_s);
 }
 
-TEST_F(ConfirmationContentTest, TheWholeMessageAroundTheLongestFileNameIsShown) {
+TEST_F(ConfirmationContentTest, TheWholeMessageIsShownWithTheLongestFileName) {
     showWithSample();
     ConfirmationRequest request = probe();
     request.message = "Tallowcrest will ask " + std::string(255, 'W') +
@@ -184,7 +184,7 @@ TEST_F(ConfirmationContentTest, TheWholeMessageAroundTheLongestFileNameIsShown) 
                     .endsWith(u"work first."_s));
 }
 
-TEST_F(ConfirmationContentTest, TheWholeTitleAroundTheLongestFileNameIsShown) {
+TEST_F(ConfirmationContentTest, TheWholeTitleIsShownWithTheLongestFileName) {
     showWithSample();
     const auto shownTitle = [this](const std::string& name) {
         ask(probe("Quit " + name + "?"));
@@ -208,7 +208,7 @@ TEST_F(ConfirmationContentTest, TheWholeTitleAroundTheLongestFileNameIsShown) {
 
 // Look -------------------------------------------------------------------------------------------
 
-TEST_F(ConfirmationContentTest, FollowsTheAppearanceLive) {
+TEST_F(ConfirmationContentTest, FollowsAChangeOfAppearance) {
     const QPalette before = QApplication::palette();
     showAndAsk();
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
@@ -222,7 +222,7 @@ TEST_F(ConfirmationContentTest, FollowsTheAppearanceLive) {
     QApplication::setPalette(before);
 }
 
-TEST(DangerButton, CanBeReadInEachStateOnEachPalette) {
+TEST(DangerButton, IsReadableInEachStateOnEachPalette) {
     for (const QPalette& palette :
          {paletteFor(Appearance::light), paletteFor(Appearance::dark),
           QPalette(QColor(0xef, 0xef, 0xef)), QPalette(QColor(0x31, 0x36, 0x3b))}) {
@@ -240,7 +240,7 @@ TEST(DangerButton, CanBeReadInEachStateOnEachPalette) {
     }
 }
 
-TEST(DangerButton, NeverAsksForMoreRoomThanItMayHave) {
+TEST(DangerButton, RespectsItsMaximumWidth) {
     DangerButton button;
     button.setMaximumWidth(240);
     button.setTitle(QString(10000, u'W'));

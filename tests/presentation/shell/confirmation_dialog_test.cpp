@@ -17,9 +17,9 @@ using testing::IsEmpty;
 
 class ConfirmationDialogTest : public ConfirmationFixture {};
 
-// Saying no --------------------------------------------------------------------------------------
+// Canceling --------------------------------------------------------------------------------------
 
-TEST_F(ConfirmationDialogTest, CancelIsTheDefaultAndHasTheKeyboard) {
+TEST_F(ConfirmationDialogTest, CancelIsTheDefaultAndHasTheFocus) {
     showAndAsk();
     EXPECT_EQ(QApplication::focusWidget(), &cancel());
     EXPECT_TRUE(cancel().isDefault());
@@ -72,30 +72,29 @@ TEST_F(ConfirmationDialogTest, ReturnNeverConfirms) {
     EXPECT_EQ(canceled.size(), 4U);
 }
 
-TEST_F(ConfirmationDialogTest, ClosingTheWindowCancels) {
-    showAndAsk();
-    window().close();
-    settle();
-    EXPECT_FALSE(isOpen());
-    EXPECT_THAT(canceled, ElementsAre("Go on?"));
-    window().show();
-    settle();
-    EXPECT_FALSE(isOpen());
+TEST_F(ConfirmationDialogTest, ClosingTheWindowOrAllWindowsCancels) {
+    for (const bool endsApplication : {false, true}) {
+        canceled.clear();
+        showAndAsk();
+        if (endsApplication) {
+            QApplication::closeAllWindows();
+        } else {
+            window().close();
+        }
+        settle();
+        EXPECT_FALSE(isOpen());
+        EXPECT_FALSE(window().isVisible());
+        EXPECT_THAT(canceled, ElementsAre("Go on?"));
+        window().show();
+        settle();
+        EXPECT_FALSE(isOpen());
+    }
 }
 
-TEST_F(ConfirmationDialogTest, EndingTheApplicationCancelsAndIsNotHeldUp) {
-    showAndAsk();
-    QApplication::closeAllWindows();
-    settle();
-    EXPECT_FALSE(isOpen());
-    EXPECT_FALSE(window().isVisible());
-    EXPECT_THAT(canceled, ElementsAre("Go on?"));
-}
-
-TEST_F(ConfirmationDialogTest, GoesWithAWindowThatIsDestroyed) {
+TEST_F(ConfirmationDialogTest, IsDestroyedWithItsWindow) {
     showWithSample();
     {
-        DashboardWindow passing(machine.monitor(), machine.mainQueue);
+        DashboardWindow passing(machine.monitor());
         passing.show();
         settle();
         desk().requestConfirmation(probe());
@@ -109,7 +108,7 @@ TEST_F(ConfirmationDialogTest, GoesWithAWindowThatIsDestroyed) {
     settle();
 }
 
-// Saying yes -------------------------------------------------------------------------------------
+// Confirming -------------------------------------------------------------------------------------
 
 TEST_F(ConfirmationDialogTest, AClickOrSpaceConfirmsOnce) {
     showWithSample();
@@ -142,7 +141,7 @@ TEST_F(ConfirmationDialogTest, AClickOrSpaceConfirmsOnce) {
     EXPECT_THAT(canceled, IsEmpty());
 }
 
-TEST_F(ConfirmationDialogTest, TheYesReachesTheProcess) {
+TEST_F(ConfirmationDialogTest, ConfirmingSignalsTheProcess) {
     showWithSample();
     machine.monitor().review().selectProcess(machine.metrics->processes[0]);
     machine.monitor().localActions().requestQuitSelectedProcess();
@@ -159,9 +158,9 @@ TEST_F(ConfirmationDialogTest, TheYesReachesTheProcess) {
     EXPECT_EQ(lastAction(), "Asked process 800 to quit.");
 }
 
-// Elsewhere --------------------------------------------------------------------------------------
+// Other requests ---------------------------------------------------------------------------------
 
-TEST_F(ConfirmationDialogTest, ARequestAnsweredElsewhereTakesTheDialogAlong) {
+TEST_F(ConfirmationDialogTest, ClosesWhenTheRequestIsAnsweredElsewhere) {
     showAndAsk();
     desk().confirmPending();
     settle();
@@ -175,7 +174,7 @@ TEST_F(ConfirmationDialogTest, ARequestAnsweredElsewhereTakesTheDialogAlong) {
     EXPECT_THAT(canceled, ElementsAre("Again?"));
 }
 
-TEST_F(ConfirmationDialogTest, ADismissalOfARequestThatIsGoneCancelsNothing) {
+TEST_F(ConfirmationDialogTest, DismissingAnAnsweredRequestCancelsNothing) {
     showAndAsk();
     desk().confirmPending();
     dialog().reject();
@@ -185,7 +184,7 @@ TEST_F(ConfirmationDialogTest, ADismissalOfARequestThatIsGoneCancelsNothing) {
     EXPECT_THAT(confirmed, ElementsAre("Go on?"));
 }
 
-TEST_F(ConfirmationDialogTest, AnotherRequestTakesThePlaceOfTheFirstAndCannotBeConfirmedAtOnce) {
+TEST_F(ConfirmationDialogTest, ASecondRequestReplacesTheFirstAndCannotBeConfirmedAtOnce) {
     showAndAsk("First?");
     dialog().setSettlingTime(1h);
     confirm().setFocus();
@@ -201,11 +200,11 @@ TEST_F(ConfirmationDialogTest, AnotherRequestTakesThePlaceOfTheFirstAndCannotBeC
     EXPECT_THAT(canceled, IsEmpty());
 }
 
-TEST_F(ConfirmationDialogTest, ItCanBeConfirmedOnceItHasBeenSeen) {
+TEST_F(ConfirmationDialogTest, CanBeConfirmedAfterTheSettlingTime) {
     showAndAsk("First?");
     dialog().setSettlingTime(0ms);
     desk().requestConfirmation(probe("Second?"));
-    // Without a turn of Qt's own loop, in which the moment passes.
+    // Without processing Qt events, which would end the settling time.
     machine.mainQueue.drain();
     EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
     EXPECT_FALSE(confirm().isEnabled());
@@ -216,7 +215,7 @@ TEST_F(ConfirmationDialogTest, ItCanBeConfirmedOnceItHasBeenSeen) {
     EXPECT_THAT(canceled, IsEmpty());
 }
 
-TEST_F(ConfirmationDialogTest, APressThatBeganOnTheOldQuestionDoesNotEndOnTheNewOne) {
+TEST_F(ConfirmationDialogTest, APressOnTheOldRequestDoesNotConfirmTheNewOne) {
     showAndAsk("First?");
     dialog().setSettlingTime(0ms);
     confirm().setFocus();
@@ -228,13 +227,13 @@ TEST_F(ConfirmationDialogTest, APressThatBeganOnTheOldQuestionDoesNotEndOnTheNew
     EXPECT_TRUE(isOpen());
 }
 
-TEST_F(ConfirmationDialogTest, AnAnswerToAQuestionThatIsNoLongerPendingAnswersNone) {
+TEST_F(ConfirmationDialogTest, AnAnswerToAReplacedRequestAnswersNone) {
     for (const char* identifier : {"confirmation.confirm", "confirmation.cancel"}) {
         showAndAsk("First?");
         dialog().setSettlingTime(0ms);
         settle();
         desk().requestConfirmation(probe("Second?"));
-        // Before the dialog has been told.
+        // Before the dialog is notified.
         QTest::mouseClick(visible<QPushButton>(identifier), Qt::LeftButton);
         EXPECT_TRUE(isOpen());
         EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
@@ -247,7 +246,7 @@ TEST_F(ConfirmationDialogTest, AnAnswerToAQuestionThatIsNoLongerPendingAnswersNo
     }
 }
 
-TEST_F(ConfirmationDialogTest, AQuestionThatFollowsAnAnswerCannotBeConfirmedAtOnceEither) {
+TEST_F(ConfirmationDialogTest, ARequestAfterAnAnswerCannotBeConfirmedAtOnce) {
     showAndAsk("First?");
     dialog().setSettlingTime(1h);
     click("confirmation.confirm");
@@ -255,7 +254,7 @@ TEST_F(ConfirmationDialogTest, AQuestionThatFollowsAnAnswerCannotBeConfirmedAtOn
     EXPECT_FALSE(confirm().isEnabled());
 }
 
-TEST_F(ConfirmationDialogTest, ALoneQuestionCannotBeConfirmedByASecondClickOfTwo) {
+TEST_F(ConfirmationDialogTest, TheSecondClickOfADoubleClickDoesNotConfirm) {
     showAndAsk("First?");
     click("confirmation.cancel");
     dialog().setSettlingTime(1h);
@@ -268,7 +267,7 @@ TEST_F(ConfirmationDialogTest, ALoneQuestionCannotBeConfirmedByASecondClickOfTwo
     EXPECT_GE(SettlingButton::settlingTime.count(), QApplication::doubleClickInterval());
 }
 
-TEST_F(ConfirmationDialogTest, TheClickThatBringsItForwardIsNoAnswer) {
+TEST_F(ConfirmationDialogTest, CannotBeConfirmedAtOnceAfterActivation) {
     showAndAsk();
     EXPECT_TRUE(confirm().isEnabled());
     dialog().setSettlingTime(1h);
@@ -277,9 +276,9 @@ TEST_F(ConfirmationDialogTest, TheClickThatBringsItForwardIsNoAnswer) {
     EXPECT_FALSE(confirm().isEnabled());
 }
 
-// While it stands --------------------------------------------------------------------------------
+// While it is open -------------------------------------------------------------------------------
 
-TEST_F(ConfirmationDialogTest, ASampleThatArrivesChangesNothing) {
+TEST_F(ConfirmationDialogTest, ASampleChangesNothing) {
     showAndAsk();
     confirm().setFocus();
     settle();
@@ -308,7 +307,7 @@ TEST_F(ConfirmationDialogTest, SurvivesAChangeOfRoute) {
     EXPECT_THAT(confirmed, ElementsAre("Go on?"));
 }
 
-TEST_F(ConfirmationDialogTest, WaitsForAWindowThatIsClosed) {
+TEST_F(ConfirmationDialogTest, WaitsForAClosedWindow) {
     showWithSample();
     window().close();
     desk().requestConfirmation(probe());
@@ -321,7 +320,7 @@ TEST_F(ConfirmationDialogTest, WaitsForAWindowThatIsClosed) {
     EXPECT_THAT(canceled, IsEmpty());
 }
 
-TEST_F(ConfirmationDialogTest, OneThatCameWithTheClosingWaitsForTheWindow) {
+TEST_F(ConfirmationDialogTest, ARequestMadeWhileTheWindowClosesWaitsForIt) {
     showAndAsk();
     desk().requestConfirmation(probe("Second?"));
     window().close();
@@ -336,7 +335,7 @@ TEST_F(ConfirmationDialogTest, OneThatCameWithTheClosingWaitsForTheWindow) {
     EXPECT_THAT(canceled, IsEmpty());
 }
 
-TEST_F(ConfirmationDialogTest, AMinimisedWindowKeepsItsQuestion) {
+TEST_F(ConfirmationDialogTest, AMinimisedWindowKeepsTheRequestPending) {
     showAndAsk();
     window().showMinimized();
     settle();
@@ -359,7 +358,7 @@ TEST_F(ConfirmationDialogTest, AMinimisedWindowKeepsItsQuestion) {
     EXPECT_TRUE(isOpen());
 }
 
-TEST_F(ConfirmationDialogTest, BringingTheWindowForwardLeavesTheKeyboardWithTheDialog) {
+TEST_F(ConfirmationDialogTest, BringingTheWindowToTheFrontKeepsTheFocusInTheDialog) {
     showAndAsk();
     window().bringToFront();
     settle();

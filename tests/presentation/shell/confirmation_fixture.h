@@ -12,12 +12,12 @@
 
 namespace tallowcrest {
 
-/// A window, and requests whose answers are counted.
+/// A window, and confirmation requests whose answers are recorded.
 class ConfirmationFixture : public WindowFixture {
 protected:
     ConfirmationDesk& desk() { return machine.monitor().confirmations(); }
 
-    /// A request whose answers this test counts.
+    /// A request whose answers are recorded in `confirmed` and `canceled`.
     ConfirmationRequest probe(const std::string& title = "Go on?") {
         if (!isRegistered_) {
             isRegistered_ = true;
@@ -58,7 +58,7 @@ protected:
 
 private:
     bool isRegistered_ = false;
-    bool isSettled_ = false;  ///< no test waits, unless it asks for it
+    bool isSettled_ = false;  ///< whether the settling time has been set to zero
 };
 
 }  // namespace tallowcrest

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "core/observable.h"
 #include "core/settings/settings_keys.h"
 #include "tests/support/test_services.h"
 
@@ -16,7 +17,7 @@ using testing::SizeIs;
 
 class DashboardSectionsTest : public testing::Test {
 protected:
-    /// What a restart would find; a list that was never written is a failure.
+    /// The stored list; "never written" when there is none.
     SettingsTextList stored() {
         const auto value = store.read(settings_keys::collapsedSectionsKey);
         return value ? std::get<SettingsTextList>(*value) : SettingsTextList{"never written"};
@@ -48,10 +49,10 @@ TEST_F(DashboardSectionsTest, EachChangeIsStoredAtOnceInAscendingOrder) {
     EXPECT_THAT(stored(), ElementsAre("recentLoad"));
     sections.setCollapsed(DashboardSection::recentLoad, false);
     EXPECT_THAT(stored(), IsEmpty());
-    EXPECT_THAT(log.activityLog(), IsEmpty()) << "closing one section is no event";
+    EXPECT_THAT(log.activityLog(), IsEmpty()) << "collapsing one section is not recorded";
 }
 
-TEST_F(DashboardSectionsTest, WhatIsNoChangeIsNeitherStoredNorTold) {
+TEST_F(DashboardSectionsTest, AnUnchangedSectionIsNeitherStoredNorReported) {
     int told = 0;
     const Subscription subscription = with.settings.observable().subscribe([&told] { ++told; });
     sections.setCollapsed(DashboardSection::gauges, false);
@@ -63,7 +64,7 @@ TEST_F(DashboardSectionsTest, WhatIsNoChangeIsNeitherStoredNorTold) {
     EXPECT_EQ(told, 1);
 }
 
-TEST_F(DashboardSectionsTest, CollapseAllClosesEverySectionAndSaysSo) {
+TEST_F(DashboardSectionsTest, CollapseAllCollapsesEverySectionAndReportsIt) {
     sections.collapseAll();
     SettingsTextList all;
     for (const DashboardSection section : allDashboardSections) {
@@ -78,17 +79,17 @@ TEST_F(DashboardSectionsTest, CollapseAllClosesEverySectionAndSaysSo) {
     EXPECT_EQ(log.activityLog()[0].detail, "Collapsed all dashboard sections.");
 }
 
-TEST_F(DashboardSectionsTest, ExpandAllOpensEverySectionAndSaysSo) {
+TEST_F(DashboardSectionsTest, ExpandAllExpandsEverySectionAndReportsIt) {
     sections.collapseAll();
     sections.expandAll();
     EXPECT_THAT(stored(), IsEmpty());
     EXPECT_FALSE(sections.isCollapsed(DashboardSection::gauges));
     EXPECT_EQ(log.lastAction(), "Expanded all dashboard sections.");
     sections.expandAll();
-    EXPECT_THAT(log.activityLog(), SizeIs(3)) << "reported even where nothing was closed";
+    EXPECT_THAT(log.activityLog(), SizeIs(3)) << "reported even when nothing was collapsed";
 }
 
-TEST_F(DashboardSectionsTest, UnknownTextsDoNoHarmAndStayUntilAllIsExpanded) {
+TEST_F(DashboardSectionsTest, UnknownTextsAreKeptUntilAllIsExpanded) {
     with.settings.set(&Settings::collapsedSections, {"aSectionOfTomorrow", "gauges", ""});
     EXPECT_TRUE(sections.isCollapsed(DashboardSection::gauges));
     EXPECT_FALSE(sections.isCollapsed(DashboardSection::sessionInsights));

@@ -1,5 +1,7 @@
 #include "presentation/shell/dashboard_window.h"
 
+#include <utility>
+
 #include <QMenuBar>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -17,8 +19,6 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 QString qString(std::string_view text) {
@@ -27,7 +27,7 @@ QString qString(std::string_view text) {
 
 class DashboardWindowTest : public WindowFixture {
 protected:
-    /// What the window shows below the header, by the name of its class.
+    /// The class name of the visible screen, without its namespace.
     QString shownScreen() {
         for (const auto* screen : window().findChildren<Screen*>()) {
             if (screen->isVisible()) {
@@ -40,13 +40,13 @@ protected:
 
 // The shell --------------------------------------------------------------------------------------
 
-TEST_F(DashboardWindowTest, BearsItsNameAndItsIdentifier) {
+TEST_F(DashboardWindowTest, HasItsTitleAndIdentifier) {
     EXPECT_EQ(window().windowTitle(), u"Tallowcrest"_s);
     EXPECT_EQ(window().objectName(), u"tallowcrest.main"_s);
-    EXPECT_FALSE(machine.monitor().isStarted()) << "building a window is not showing it";
+    EXPECT_FALSE(machine.monitor().isStarted()) << "only showing the window starts it";
 }
 
-TEST_F(DashboardWindowTest, MonitoringStartsAtTheFirstAppearanceAndOnce) {
+TEST_F(DashboardWindowTest, MonitoringStartsOnceWhenFirstShown) {
     show();
     EXPECT_TRUE(machine.monitor().isStarted());
     EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
@@ -77,8 +77,9 @@ TEST_F(DashboardWindowTest, StripShowsThresholdAndLastAction) {
     EXPECT_EQ(textOf("status.last-action"), u"<b>Something</b> happened."_s);
 }
 
-TEST_F(DashboardWindowTest, TellsOnceThatTheFirstSampleIsOnScreen) {
+TEST_F(DashboardWindowTest, EmitsFirstSampleShownOnceAndClosed) {
     const QSignalSpy shown(&window(), &DashboardWindow::firstSampleShown);
+    const QSignalSpy closed(&window(), &DashboardWindow::closed);
     show();
     EXPECT_EQ(shown.count(), 0);
     machine.finishSamples();
@@ -86,6 +87,8 @@ TEST_F(DashboardWindowTest, TellsOnceThatTheFirstSampleIsOnScreen) {
     EXPECT_EQ(shown.count(), 1);
     tick();
     EXPECT_EQ(shown.count(), 1);
+    window().close();
+    EXPECT_EQ(closed.count(), 1);
 }
 
 // Routes -----------------------------------------------------------------------------------------
@@ -129,37 +132,32 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
     }
 }
 
-TEST_F(DashboardWindowTest, SidebarRowsChooseRoutesByClick) {
+TEST_F(DashboardWindowTest, AClickOnASidebarRowSelectsItsRoute) {
     showWithSample();
-    click("sidebar.chat");
-    EXPECT_EQ(route(), AppRoute::chat);
-    EXPECT_EQ(textOf("page.title"), u"Chat"_s);
-    click("sidebar.chat");
-    EXPECT_EQ(route(), AppRoute::chat);
+    for (int i = 0; i < 2; ++i) {
+        click("sidebar.chat");
+        EXPECT_EQ(route(), AppRoute::chat);
+        EXPECT_EQ(textOf("page.title"), u"Chat"_s);
+    }
 }
 
 TEST_F(DashboardWindowTest, ArrowKeysMoveThroughTheSidebar) {
     showWithSample();
     visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_Down);
-    EXPECT_EQ(route(), AppRoute::load);
-    press(Qt::Key_Down);
-    EXPECT_EQ(route(), AppRoute::optimize);
-    press(Qt::Key_Up);
-    EXPECT_EQ(route(), AppRoute::load);
+    for (const auto& [key, expected] : {std::pair{Qt::Key_Down, AppRoute::load},
+                                        {Qt::Key_Down, AppRoute::optimize},
+                                        {Qt::Key_Up, AppRoute::load}}) {
+        press(key);
+        EXPECT_EQ(route(), expected);
+    }
     EXPECT_EQ(QApplication::focusWidget(), visible("sidebar.load"));
-}
-
-TEST_F(DashboardWindowTest, ArrowKeysGoOnFromARouteThatAShortcutChose) {
-    showWithSample();
-    visible("sidebar.overview")->setFocus(Qt::TabFocusReason);
     press(Qt::Key_5, Qt::ControlModifier);
     EXPECT_EQ(route(), AppRoute::aiAdvisor);
     press(Qt::Key_Down);
-    EXPECT_EQ(route(), AppRoute::chat);
+    EXPECT_EQ(route(), AppRoute::chat) << "continues from the route selected by the shortcut";
 }
 
-TEST_F(DashboardWindowTest, ControlAndADigitChooseARoute) {
+TEST_F(DashboardWindowTest, ControlAndADigitSelectARoute) {
     showWithSample();
     int key = Qt::Key_9;
     for (auto each = allAppRoutes.rbegin(); each != allAppRoutes.rend(); ++each) {
@@ -169,53 +167,39 @@ TEST_F(DashboardWindowTest, ControlAndADigitChooseARoute) {
     }
 }
 
-TEST_F(DashboardWindowTest, OpeningARouteOfAClosedWindowOpensItThere) {
+TEST_F(DashboardWindowTest, OpeningARouteRestoresTheWindow) {
     showWithSample();
+    const auto opens = [this](AppRoute route, const char* title) {
+        settle();
+        window().openRoute(route);
+        settle();
+        EXPECT_TRUE(window().isVisible());
+        EXPECT_FALSE(window().isMinimized());
+        EXPECT_EQ(textOf("page.title"), QLatin1String(title));
+    };
     window().close();
-    settle();
     ASSERT_FALSE(window().isVisible());
-    window().openRoute(AppRoute::optimize);
-    settle();
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
-}
-
-TEST_F(DashboardWindowTest, OpeningARouteOfAMinimisedWindowBringsItBack) {
-    showWithSample();
+    opens(AppRoute::optimize, "Optimize");
     window().showMinimized();
-    settle();
-    window().openRoute(AppRoute::history);
-    settle();
-    EXPECT_FALSE(window().isMinimized());
-    EXPECT_EQ(textOf("page.title"), u"History"_s);
-}
-
-TEST_F(DashboardWindowTest, OpeningARouteKeepsAMaximisedWindowMaximised) {
-    showWithSample();
+    opens(AppRoute::history, "History");
     window().showMaximized();
     settle();
     window().close();
-    settle();
-    window().openRoute(AppRoute::history);
-    settle();
+    opens(AppRoute::load, "Processes");
+    EXPECT_TRUE(window().isMaximized());
+    window().setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
+    opens(AppRoute::chat, "Chat");
     EXPECT_TRUE(window().isMaximized());
 }
 
-TEST_F(DashboardWindowTest, ComingToTheFrontAfterTheWindowIsGoneDoesNothing) {
+TEST_F(DashboardWindowTest, BringingADestroyedWindowToTheFrontDoesNothing) {
     {
-        DashboardWindow passing(machine.monitor(), machine.mainQueue);
+        DashboardWindow passing(machine.monitor());
         passing.openRoute(AppRoute::overview);
     }
     EXPECT_EQ(machine.mainQueue.pendingCount(), 1U);
     settle();
     EXPECT_EQ(machine.mainQueue.pendingCount(), 0U);
-}
-
-TEST_F(DashboardWindowTest, ClosingTellsSo) {
-    showWithSample();
-    const QSignalSpy closed(&window(), &DashboardWindow::closed);
-    window().close();
-    EXPECT_EQ(closed.count(), 1);
 }
 
 // Refresh ----------------------------------------------------------------------------------------
@@ -236,7 +220,7 @@ TEST_F(DashboardWindowTest, AScreenOfAnotherRouteDoesNoWork) {
     goTo(AppRoute::load);
     const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
     tick();
-    EXPECT_EQ(changes.count(), 1) << "the screen that shows is kept up to date";
+    EXPECT_EQ(changes.count(), 1) << "the visible screen is updated";
     goTo(AppRoute::overview);
     machine.addProcess(900, "/usr/bin/newcomer", 200.0, 10.0);
     tick();
@@ -244,72 +228,51 @@ TEST_F(DashboardWindowTest, AScreenOfAnotherRouteDoesNoWork) {
     EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(model().rowCount(), 3);
     goTo(AppRoute::load);
-    EXPECT_EQ(model().rowCount(), 4) << "and catches up when it comes into view";
+    EXPECT_EQ(model().rowCount(), 4) << "and is updated when it becomes visible";
 }
 
-TEST_F(DashboardWindowTest, AClosedWindowDoesNoWork) {
+TEST_F(DashboardWindowTest, AClosedOrMinimisedWindowDoesNoWork) {
     showWithSample();
     goTo(AppRoute::load);
-    window().close();
-    settle();
     const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
     PaintCount paints(window());
-    tick();
-    tick();
-    EXPECT_EQ(changes.count(), 0);
-    EXPECT_EQ(paints.take(), 0);
-    window().show();
-    settle();
-    EXPECT_EQ(changes.count(), 1);
+    const auto staysIdleWhile = [&](auto hide, auto showAgain) {
+        hide();
+        settle();
+        const auto expected = changes.count();
+        static_cast<void>(paints.take());
+        tick();
+        tick();
+        EXPECT_EQ(changes.count(), expected);
+        EXPECT_EQ(paints.take(), 0);
+        showAgain();
+        settle();
+        EXPECT_EQ(changes.count(), expected + 1);
+    };
+    staysIdleWhile([this] { window().close(); }, [this] { window().show(); });
     EXPECT_EQ(textOf("status.session"), u"Current session · last 12 seconds"_s);
-}
-
-TEST_F(DashboardWindowTest, AMinimisedWindowDoesNoWork) {
-    showWithSample();
-    goTo(AppRoute::load);
-    window().showMinimized();
-    settle();
-    const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
-    tick();
-    EXPECT_EQ(changes.count(), 0);
-    window().showNormal();
-    settle();
-    EXPECT_EQ(changes.count(), 1);
-}
-
-TEST_F(DashboardWindowTest, ARouteChosenWhileClosedShowsWhenTheWindowComesBack) {
-    showWithSample();
+    staysIdleWhile([this] { window().showMinimized(); }, [this] { window().showNormal(); });
     window().close();
     goTo(AppRoute::chat);
     window().show();
     settle();
-    EXPECT_EQ(textOf("page.title"), u"Chat"_s);
+    EXPECT_EQ(textOf("page.title"), u"Chat"_s) << "the route selected while it was closed";
 }
 
-TEST_F(DashboardWindowTest, ASampleLikeTheOneBeforePaintsLittle) {
+TEST_F(DashboardWindowTest, AChangedLastActionPaintsLittle) {
     showWithSample();
     goTo(AppRoute::chat);
     tick();
     PaintCount paints(window());
     machine.monitor().review().clearOperationTarget();
     settle();
-    // A changed line of the strip, with what lies below it; never the whole window.
+    // The changed line of the strip and the widgets behind it, but not the whole window.
     const int count = paints.take();
     EXPECT_GT(count, 0);
     EXPECT_LT(count, 12);
 }
 
-TEST_F(DashboardWindowTest, AMaximisedWindowComesBackMaximised) {
-    showWithSample();
-    window().setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
-    settle();
-    window().openRoute(AppRoute::load);
-    settle();
-    EXPECT_EQ(window().windowState() & Qt::WindowMinimized, 0);
-    EXPECT_NE(window().windowState() & Qt::WindowMaximized, 0);
-}
-
-TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {
+TEST_F(DashboardWindowTest, ChangingTheRouteDoesNotMoveTheStatusStrip) {
     showWithSample();
     for (const int width : {700, 900, 1080, 1600}) {
         window().resize(width, 700);
@@ -325,7 +288,7 @@ TEST_F(DashboardWindowTest, GoingFromRouteToRouteMovesNothing) {
     }
 }
 
-TEST_F(DashboardWindowTest, ALongMessageIsReadWholeInANarrowWindow) {
+TEST_F(DashboardWindowTest, ALongMessageIsShownWholeInANarrowWindow) {
     showWithSample();
     window().resize(900, 600);
     settle();

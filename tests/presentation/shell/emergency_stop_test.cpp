@@ -22,13 +22,13 @@ protected:
         return *window().findChild<QAction*>(QString::fromLatin1(identifier));
     }
 
-    /// Stands for the other ways to resume, none of which is what is under test.
+    /// Resumes without the user interface.
     void resume() {
         automation().resumeFromEmergencyStop();
         settle();
     }
 
-    /// Engages by the key, wherever the keyboard is, and resumes.
+    /// Engages the stop by a key that the focused widget gets, and resumes.
     void expectKeyStops(Qt::Key key, Qt::KeyboardModifiers modifiers, const std::string& where) {
         ASSERT_FALSE(automation().isStopEngaged()) << where;
         press(key, modifiers);
@@ -42,7 +42,7 @@ protected:
         expectKeyStops(Qt::Key_Escape, Qt::ShiftModifier, where + ", Shift+Esc");
     }
 
-    /// Nothing but Tallowcrest's windows takes keys in these tests.
+    /// Makes `widget` the active window, which gets the keys.
     void activate(QWidget& widget) {
         widget.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
@@ -56,7 +56,7 @@ protected:
 
 // The card ---------------------------------------------------------------------------------------
 
-TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOncePressAndResumesByAnother) {
+TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOnceAndResumes) {
     machine.store.write(settings_keys::autoPurgeKey, true);
     showWithSample();
     auto* stop = visible<QPushButton>("overview.emergency-stop");
@@ -78,7 +78,7 @@ TEST_F(EmergencyStopTest, TheDiskAutopilotCardStopsAtOncePressAndResumesByAnothe
     click("overview.emergency-stop");
     EXPECT_TRUE(automation().isStopEngaged());
     EXPECT_FALSE(automation().isOn(AutomationSwitch::autoPurgeSustainedMemory));
-    EXPECT_FALSE(isOpen()) << "nothing is asked first";
+    EXPECT_FALSE(isOpen()) << "the stop needs no confirmation";
     EXPECT_EQ(textOf("overview.disk-autopilot-status"),
               u"Emergency stop is engaged. All automatic actions are off."_s);
     EXPECT_EQ(visible("overview.disk-autopilot")->height(), height);
@@ -107,12 +107,12 @@ TEST_F(EmergencyStopTest, TheKeyStopsOnEveryRoute) {
     }
 }
 
-TEST_F(EmergencyStopTest, TheKeyStopsFromEveryControlThatTakesTheKeyboard) {
+TEST_F(EmergencyStopTest, TheKeyStopsFromEveryFocusableControl) {
     showWithSample();
     machine.monitor().review().selectProcess(machine.metrics->processes[0]);
     for (const AppRoute each : allAppRoutes) {
         goTo(each);
-        // All of them first: the events that the stop records take the place of others on the page.
+        // Collected first, because the events that the stop records replace widgets of the page.
         std::vector<QWidget*> controls;
         for (QWidget* widget : window().findChildren<QWidget*>()) {
             if (widget->isVisible() && widget->isEnabled() &&
@@ -131,7 +131,7 @@ TEST_F(EmergencyStopTest, TheKeyStopsFromEveryControlThatTakesTheKeyboard) {
     }
 }
 
-TEST_F(EmergencyStopTest, ATextFieldAndTheTableKeepTheKeyFromNobody) {
+TEST_F(EmergencyStopTest, TheKeyStopsFromATextFieldAndTheTable) {
     showWithSample();
     goTo(AppRoute::load);
     auto* field = visible<QLineEdit>("processes.filter");
@@ -144,7 +144,7 @@ TEST_F(EmergencyStopTest, ATextFieldAndTheTableKeepTheKeyFromNobody) {
     expectKeysStop("the table");
 }
 
-TEST_F(EmergencyStopTest, TheKeyStopsWhileTheDialogStandsAndLeavesItsQuestion) {
+TEST_F(EmergencyStopTest, TheKeyStopsInTheConfirmationDialogAndLeavesItOpen) {
     showAndAsk();
     QWidget* focus = QApplication::focusWidget();
     ASSERT_TRUE(dialog().isAncestorOf(focus));
@@ -155,10 +155,10 @@ TEST_F(EmergencyStopTest, TheKeyStopsWhileTheDialogStandsAndLeavesItsQuestion) {
     EXPECT_TRUE(confirmed.empty());
     EXPECT_TRUE(canceled.empty());
     confirm().click();
-    EXPECT_THAT(confirmed, testing::ElementsAre("Go on?")) << "a person may still say yes";
+    EXPECT_THAT(confirmed, testing::ElementsAre("Go on?")) << "it can still be confirmed";
 }
 
-TEST_F(EmergencyStopTest, TheKeyStopsWhileTheSettingsStandAndAQuestionAboveThem) {
+TEST_F(EmergencyStopTest, TheKeyStopsInTheSettingsAndInADialogAboveThem) {
     showWithSample();
     window().state().navigation.setShowSettings(true);
     settle();
@@ -207,12 +207,12 @@ TEST_F(EmergencyStopTest, KeysThatAreHeldDownStopOnce) {
     hold(Qt::Key_Period);
     EXPECT_EQ(machine.monitor().log().activityLog().size(), events);
     hold(Qt::Key_2);
-    EXPECT_EQ(route(), AppRoute::load) << "the repeated key is alive";
+    EXPECT_EQ(route(), AppRoute::load) << "repeated keys do arrive";
 }
 
 // The menu ---------------------------------------------------------------------------------------
 
-TEST_F(EmergencyStopTest, TheMenuResumesOnlyWhatIsStopped) {
+TEST_F(EmergencyStopTest, ResumeInTheMenuIsEnabledOnlyWhileStopped) {
     showWithSample();
     EXPECT_TRUE(entry("menu.emergency-stop").isEnabled());
     EXPECT_FALSE(entry("menu.resume-manual-mode").isEnabled());
@@ -237,7 +237,7 @@ TEST_F(EmergencyStopTest, AStopOfAnEarlierRunCanBeResumedAtOnce) {
 
 // The status strip -------------------------------------------------------------------------------
 
-TEST_F(EmergencyStopTest, TheStripTellsTheStopOnEveryRoute) {
+TEST_F(EmergencyStopTest, TheStripShowsTheStopOnEveryRoute) {
     showWithSample();
     const auto inkOf = [this] {
         const QImage shot = visible("status.automation")->grab().toImage();
@@ -259,7 +259,7 @@ TEST_F(EmergencyStopTest, TheStripTellsTheStopOnEveryRoute) {
     EXPECT_EQ(inkOf(), CrestTheme::current().hairline);
 }
 
-TEST_F(EmergencyStopTest, TheStripCountsWhatMayActByItself) {
+TEST_F(EmergencyStopTest, TheStripCountsTheEnabledAutomations) {
     showWithSample();
     EXPECT_EQ(capsule(), u"1 automation on"_s) << "auto-select, from the start";
     int count = 1;
@@ -272,7 +272,7 @@ TEST_F(EmergencyStopTest, TheStripCountsWhatMayActByItself) {
     }
     automation().set(AutomationSwitch::notificationsIncludeActions, false);
     settle();
-    EXPECT_EQ(capsule(), u"5 automations on"_s) << "a convenience acts on nothing";
+    EXPECT_EQ(capsule(), u"5 automations on"_s) << "it does not act automatically";
     for (const AutomationSwitch which : allAutomationSwitches) {
         automation().set(which, false);
     }
@@ -280,7 +280,7 @@ TEST_F(EmergencyStopTest, TheStripCountsWhatMayActByItself) {
     EXPECT_EQ(capsule(), u"No automations on"_s);
 }
 
-TEST_F(EmergencyStopTest, TheStripKeepsRoomForTheOutcomeAtEveryWidth) {
+TEST_F(EmergencyStopTest, TheStripKeepsRoomForTheLastActionAtEveryWidth) {
     showWithSample();
     automation().engageEmergencyStop();
     for (const int width : {640, 859, 900, 1080, 1600}) {

@@ -14,7 +14,7 @@ QImage painted(QWidget& widget) {
     return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// The first column from `from` on where anything but the ground shows; -1 for none.
+/// The first column from `from` on that is not all background; -1 for none.
 int firstInked(const QImage& image, int from) {
     const QColor ground = image.pixelColor(1, image.height() / 2);
     for (int x = from; x < image.width(); ++x) {
@@ -50,25 +50,25 @@ private:
     std::unique_ptr<MenuBarPanel> panel_;
 };
 
-TEST_F(MenuBarRowTest, IconsAndWordsStandInColumns) {
+TEST_F(MenuBarRowTest, IconsAndTitlesAreAligned) {
     panelOf(4);
     for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(row(i).x(), row(0).x());
         EXPECT_EQ(row(i).width(), row(0).width());
         const QImage image = painted(row(i));
-        constexpr int behindTheIcon = spacing::unit + spacing::iconSmall + 1;
-        EXPECT_NEAR(firstInked(image, behindTheIcon), 4 * spacing::unit + 1, 2) << i;
+        constexpr int afterTheIcon = spacing::unit + spacing::iconSmall + 1;
+        EXPECT_NEAR(firstInked(image, afterTheIcon), 4 * spacing::unit + 1, 2) << i;
         const int icon = firstInked(image, 0);
         if (i % 2 == 0) {
             EXPECT_GE(icon, spacing::unit);
             EXPECT_LT(icon, 2 * spacing::unit);
         } else {
-            EXPECT_GE(icon, behindTheIcon) << "the column of a row without an icon is blank";
+            EXPECT_GE(icon, afterTheIcon) << "the column of a row without an icon is blank";
         }
     }
 }
 
-TEST_F(MenuBarRowTest, ShowsThePointerAndTheKeyboard) {
+TEST_F(MenuBarRowTest, ShowsHoverAndFocus) {
     panelOf(2);
     const QImage plain = painted(row(0));
     row(0).setAttribute(Qt::WA_UnderMouse);
@@ -95,13 +95,13 @@ TEST_F(MenuBarRowTest, ArrowKeysGoFromRowToRow) {
     EXPECT_TRUE(row(0).hasFocus());
 }
 
-TEST_F(MenuBarRowTest, AllRowsShowWhereThereIsRoom) {
+TEST_F(MenuBarRowTest, AllRowsAreVisibleIfThereIsRoom) {
     MenuBarPanel& panel = panelOf(17);
     EXPECT_TRUE(panel.rect().contains(QRect(row(16).mapTo(&panel, QPoint()), row(16).size())));
     EXPECT_EQ(panel.findChild<QScrollArea*>()->viewport()->height(), 17 * MenuBarRow::rowHeight);
 }
 
-TEST_F(MenuBarRowTest, OnAScreenTooLowForThemTheRowsScroll) {
+TEST_F(MenuBarRowTest, RowsScrollOnALowScreen) {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     const int count = screen.height() / MenuBarRow::rowHeight + 5;
     MenuBarPanel& panel = panelOf(count);
@@ -116,10 +116,10 @@ TEST_F(MenuBarRowTest, OnAScreenTooLowForThemTheRowsScroll) {
     QTest::keyClick(&row(0), Qt::Key_Backtab);
     EXPECT_TRUE(row(count - 1).hasFocus());
     EXPECT_TRUE(isShown(row(count - 1)));
-    EXPECT_GE(row(0).width(), row(0).sizeHint().width()) << "the scroll bar takes no words";
+    EXPECT_GE(row(0).width(), row(0).sizeHint().width()) << "the scroll bar covers no text";
 }
 
-TEST_F(MenuBarRowTest, APanelOpensAnewWithoutTheFocusOfTheLastTime) {
+TEST_F(MenuBarRowTest, TheFocusIsResetWhenThePanelReopens) {
     MenuBarPanel& panel = panelOf(3);
     QTest::mouseClick(&row(1), Qt::LeftButton);
     settle();

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <QAccessible>
 #include <QPushButton>
 
@@ -29,7 +31,7 @@ protected:
         ASSERT_TRUE(panel().isVisible());
     }
 
-    /// The text of a line of the panel; of a hidden one, a word that says so.
+    /// The text of a line of the panel, or "(not shown)".
     QString line(const char* identifier) {
         const auto* label = panel().findChild<ElidedLabel*>(QString::fromLatin1(identifier));
         return label != nullptr && label->isVisible() ? label->text() : u"(not shown)"_s;
@@ -59,7 +61,7 @@ TEST_F(MenuBarTest, PanelSaysThatItSamplesUntilTheFirstSample) {
     EXPECT_EQ(line("menubar.latest"), u"(not shown)"_s);
 }
 
-TEST_F(MenuBarTest, ThePanelsFirstAppearanceStartsMonitoringToo) {
+TEST_F(MenuBarTest, ShowingThePanelFirstStartsMonitoring) {
     panel();
     EXPECT_FALSE(machine.monitor().isStarted());
     openPanel();
@@ -85,7 +87,7 @@ TEST_F(MenuBarTest, PanelShowsLoadTopGroupAndLatest) {
     EXPECT_EQ(line("menubar.top-group"), u"Top: editor · 1.0 GB"_s);
 }
 
-TEST_F(MenuBarTest, WithoutGroupsAndRecommendationsTheirLinesAreAway) {
+TEST_F(MenuBarTest, LinesWithoutContentAreHidden) {
     machine.metrics->processes.clear();
     machine.recommendations.emplace();
     openPanel();
@@ -108,15 +110,11 @@ TEST_F(MenuBarTest, AHiddenPanelDoesNoWorkAndIsUpToDateWhenItOpens) {
               u"CPU 40% · Memory 59%"_s);
     openPanel();
     EXPECT_EQ(line("menubar.load"), u"CPU 10% · Memory 59%"_s);
-}
-
-TEST_F(MenuBarTest, EscapeClosesThePanel) {
-    openPanel();
     QTest::keyClick(&panel(), Qt::Key_Escape);
     EXPECT_FALSE(panel().isVisible());
 }
 
-TEST_F(MenuBarTest, TurningElsewhereClosesThePanelAndTheSameClickDoesNotOpenItAgain) {
+TEST_F(MenuBarTest, LosingTheFocusClosesThePanelAndTheSameClickDoesNotReopenIt) {
     show();
     openPanel();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&panel()));
@@ -129,7 +127,7 @@ TEST_F(MenuBarTest, TurningElsewhereClosesThePanelAndTheSameClickDoesNotOpenItAg
     openPanel();
 }
 
-TEST_F(MenuBarTest, ThePanelIsThereForAssistiveTechnology) {
+TEST_F(MenuBarTest, ThePanelIsAccessible) {
     openPanel();
     QAccessibleInterface* application = QAccessible::queryAccessibleInterface(qApp);
     ASSERT_NE(application, nullptr);
@@ -165,26 +163,18 @@ TEST_F(MenuBarTest, APanelThatGrowsStaysOnItsScreen) {
     EXPECT_TRUE(screen.contains(panel().geometry()));
 }
 
-TEST_F(MenuBarTest, ShowDashboardOpensTheOverviewOfAClosedWindow) {
+TEST_F(MenuBarTest, ACommandOpensItsRouteInAClosedWindow) {
     showWithSample();
-    goTo(AppRoute::chat);
-    window().close();
-    openPanel();
-    choose("menubar.show-dashboard");
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), u"Overview"_s);
-    EXPECT_FALSE(panel().isVisible());
-}
-
-TEST_F(MenuBarTest, OpenOptimizeOpensThatRouteOfAClosedWindow) {
-    openPanel();
-    choose("menubar.open-optimize");
-    EXPECT_TRUE(window().isVisible());
-    EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
-}
-
-TEST_F(MenuBarTest, SettingsOpensTheSheetInAClosedWindow) {
-    showWithSample();
+    for (const auto& [command, title] :
+         {std::pair{"menubar.show-dashboard", "Overview"}, {"menubar.open-optimize", "Optimize"}}) {
+        goTo(AppRoute::chat);
+        window().close();
+        openPanel();
+        choose(command);
+        EXPECT_TRUE(window().isVisible());
+        EXPECT_EQ(textOf("page.title"), QLatin1String(title));
+        EXPECT_FALSE(panel().isVisible());
+    }
     window().close();
     openPanel();
     choose("menubar.settings");
@@ -200,7 +190,7 @@ TEST_F(MenuBarTest, RefreshTakesASample) {
     EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
 }
 
-TEST_F(MenuBarTest, PurgeAsksInTheWindowHoweverThatStood) {
+TEST_F(MenuBarTest, PurgeShowsTheWindowAndAsksForConfirmation) {
     showWithSample();
     const auto purgeFromPanel = [this] {
         openPanel();
@@ -231,27 +221,25 @@ TEST_F(MenuBarTest, PurgePurgesOnceConfirmed) {
     EXPECT_EQ(machine.actions.cachePurge->count, 1);
 }
 
-TEST_F(MenuBarTest, QuitTopAppAsksForTheHeaviestGroup) {
+TEST_F(MenuBarTest, QuitTopAppAsksForTheHeaviestGroupAndARefusalIsShownInTheWindow) {
     showWithSample();
-    window().close();
-    openPanel();
-    choose("menubar.quit-top-app");
-    EXPECT_TRUE(window().isVisible());
+    const auto quitTopApp = [this] {
+        window().close();
+        openPanel();
+        choose("menubar.quit-top-app");
+        EXPECT_TRUE(window().isVisible());
+    };
+    quitTopApp();
     EXPECT_EQ(textOf("confirmation.title"), u"Quit photo-indexer?"_s);
-}
-
-TEST_F(MenuBarTest, ARefusalIsReadInTheWindow) {
+    click("confirmation.cancel");
     machine.metrics->processes.clear();
-    showWithSample();
-    window().close();
-    openPanel();
-    choose("menubar.quit-top-app");
-    EXPECT_TRUE(window().isVisible());
+    tick();
+    quitTopApp();
     EXPECT_EQ(textOf("status.last-action"), u"Select an app group first."_s);
     EXPECT_EQ(visible("confirmation.cancel"), nullptr);
 }
 
-TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
+TEST_F(MenuBarTest, AutoSelectIsToggledAndItsTitleFollows) {
     const auto title = [this] {
         const auto* row = panel().findChild<QPushButton*>(u"menubar.auto-select"_s);
         EXPECT_EQ(row->accessibleName(), row->text());
@@ -263,7 +251,7 @@ TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
     choose("menubar.auto-select");
     EXPECT_FALSE(automation.isOn(AutomationSwitch::autoSelectTopOffender));
     EXPECT_EQ(lastAction(), "Auto-select top offender disabled.");
-    EXPECT_FALSE(window().isVisible()) << "nothing to read there";
+    EXPECT_FALSE(window().isVisible()) << "there is nothing to read";
     openPanel();
     EXPECT_EQ(title(), u"Enable Auto Select"_s);
     machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, true);
@@ -272,13 +260,8 @@ TEST_F(MenuBarTest, AutoSelectIsFlippedAndItsTitleFollowsTheState) {
     machine.monitor().automation().engageEmergencyStop();
     settle();
     EXPECT_EQ(title(), u"Enable Auto Select"_s);
-}
-
-TEST_F(MenuBarTest, TheStopsRefusalOfAutoSelectIsReadInTheWindow) {
-    machine.monitor().automation().engageEmergencyStop();
-    openPanel();
     choose("menubar.auto-select");
-    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(window().isVisible()) << "the refusal is shown there";
     EXPECT_EQ(textOf("status.last-action"),
               u"Auto-select remains off while Emergency Stop is engaged."_s);
 }
@@ -293,13 +276,31 @@ TEST_F(MenuBarTest, TheReportIsCopiedAndExportedFromThePanel) {
     EXPECT_FALSE(window().isVisible());
     openPanel();
     choose("menubar.export");
-    EXPECT_TRUE(window().isVisible()) << "a refusal is read there";
+    EXPECT_TRUE(window().isVisible()) << "the refusal is shown there";
     EXPECT_EQ(textOf("status.last-action"), u"No diagnostic sample is available yet."_s);
     machine.finishSamples();
     openPanel();
     choose("menubar.copy-report");
     EXPECT_EQ(copied.size(), 1U);
     EXPECT_EQ(lastAction(), "Copied a performance report to the clipboard.");
+}
+
+TEST_F(MenuBarTest, AnExportFromThePanelBringsUpTheWindowOnlyWhenItFails) {
+    openPanel();
+    machine.finishSamples();
+    choose("menubar.export");
+    machine.finishSamples();
+    EXPECT_THAT(machine.reportFolder->revealed, SizeIs(1));
+    EXPECT_FALSE(window().isVisible());
+    machine.reportFolder->problem = "No space left on device";
+    openPanel();
+    choose("menubar.export");
+    EXPECT_FALSE(window().isVisible()) << "it is still being written";
+    machine.finishSamples();
+    settle();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"),
+              u"Could not export diagnostics: No space left on device"_s);
 }
 
 TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {

@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
+TEST_F(MenusTest, HaveTheseEntriesInThisOrder) {
     QStringList entries;
     std::set<QString> identifiers;
     EXPECT_EQ(window().menuBar()->objectName(), u"menu"_s);
@@ -65,7 +65,7 @@ TEST_F(MenusTest, TheMenusInTheirOrderEachEntryWithItsIdentifier) {
               "menu.go.filter-processes|Filter Processes|Ctrl+F");
 }
 
-TEST_F(MenusTest, GoMenuChoosesARoute) {
+TEST_F(MenusTest, GoMenuSelectsARoute) {
     showWithSample();
     QMenu* go = nullptr;
     for (const QAction* entry : window().menuBar()->actions()) {
@@ -85,7 +85,7 @@ TEST_F(MenusTest, GoMenuChoosesARoute) {
     }
 }
 
-TEST_F(MenusTest, OnlyQuitTallowcrestStandsForTheApplicationsOwnQuit) {
+TEST_F(MenusTest, OnlyQuitTallowcrestHasTheQuitRole) {
     for (const QAction* action : window().findChildren<QAction*>()) {
         if (action->objectName() == u"menu.quit"_s) {
             EXPECT_EQ(action->menuRole(), QAction::QuitRole);
@@ -142,14 +142,14 @@ TEST_F(MenusTest, BothDeleteKeysQuitTheSelectedProcess) {
             EXPECT_EQ(pendingTitle(), "Quit editor?") << rawValue(each);
             machine.monitor().confirmations().cancelPending();
             settle();
-            // What a window manager does by itself once a dialog is gone.
+            // A window manager does this when a dialog closes.
             window().activateWindow();
             ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
         }
     }
 }
 
-TEST_F(MenusTest, WithNothingSelectedTheRefusalIsSaid) {
+TEST_F(MenusTest, ARefusalWithoutASelectionIsShown) {
     showWithSample();
     press(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(pendingTitle(), "(none)");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/observable.h"
 #include "tests/support/manual_queues.h"
 
 namespace tallowcrest {
@@ -18,7 +19,7 @@ TEST(Navigation, StartsOnTheOverviewWithAnEmptyFilter) {
     EXPECT_EQ(navigation.settingsTab(), "AI");
 }
 
-TEST(Navigation, TellsObserversOfAChangeAlone) {
+TEST(Navigation, NotifiesObserversOnlyOfChanges) {
     ManualMainQueue queue;
     Navigation navigation(queue, false);
     int told = 0;
@@ -42,7 +43,7 @@ TEST(Navigation, TellsObserversOfAChangeAlone) {
     navigation.setShowSettings(true);
     navigation.setSettingsTab(settings_tabs::safety);
     queue.drain();
-    EXPECT_EQ(told, 3) << "two changes of one turn are told once";
+    EXPECT_EQ(told, 3) << "two changes in one turn are one notification";
     EXPECT_TRUE(navigation.showSettings());
     EXPECT_EQ(navigation.settingsTab(), "Safety");
 

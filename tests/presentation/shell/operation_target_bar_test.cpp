@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QPushButton>
 
+#include "core/settings/settings_owner.h"
 #include "presentation/widgets/icon_view.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
@@ -22,7 +23,7 @@ protected:
         settle();
     }
 
-    /// What the row holds, from left to right.
+    /// The content of the bar, from left to right.
     std::string shown() {
         QStringList parts{visible<IconView>("target.icon")->icon(), textOf("target.title"),
                           textOf("target.detail")};
@@ -57,7 +58,7 @@ TEST_F(OperationTargetBarTest, WithoutATargetOffersToChooseOneOnEveryRoute) {
     EXPECT_EQ(route(), AppRoute::load);
 }
 
-TEST_F(OperationTargetBarTest, StandsBetweenTheStatusStripAndThePage) {
+TEST_F(OperationTargetBarTest, IsBetweenTheStatusStripAndThePage) {
     showWithSample();
     const auto top = [this](const char* identifier) {
         return visible(identifier)->mapTo(&window(), QPoint()).y();
@@ -89,7 +90,7 @@ TEST_F(OperationTargetBarTest, ClearReturnsToNoTarget) {
     EXPECT_EQ(lastAction(), "Cleared selected operation target.");
 }
 
-TEST_F(OperationTargetBarTest, AProtectedTargetBearsALock) {
+TEST_F(OperationTargetBarTest, AProtectedTargetHasALock) {
     showWithSample();
     select(2);
     EXPECT_EQ(shown(),
@@ -105,7 +106,7 @@ TEST_F(OperationTargetBarTest, AProtectedTargetBearsALock) {
     EXPECT_EQ(shown(), withoutTarget);
 }
 
-TEST_F(OperationTargetBarTest, ATargetThatARuleChoseSaysSo) {
+TEST_F(OperationTargetBarTest, ATargetSelectedByARuleSaysSo) {
     showWithSample();
     select(1);
     machine.ticks->ticks.reset();
@@ -124,7 +125,7 @@ TEST_F(OperationTargetBarTest, ATargetThatARuleChoseSaysSo) {
     EXPECT_FALSE(bar().accessibleValue().contains(u"Auto-selected"_s));
 }
 
-TEST_F(OperationTargetBarTest, ATargetThatLeftTheListStays) {
+TEST_F(OperationTargetBarTest, ATargetThatLeftTheTableStays) {
     showWithSample();
     select(0);
     const ProcessSample gone = machine.metrics->processes[0];
@@ -138,7 +139,7 @@ TEST_F(OperationTargetBarTest, ATargetThatLeftTheListStays) {
     EXPECT_EQ(textOf("target.title"), u"photo-indexer"_s);
 }
 
-TEST_F(OperationTargetBarTest, FollowsTheFiguresOfItsTargetAndMovesNothing) {
+TEST_F(OperationTargetBarTest, NewFiguresOfTheTargetMoveNothing) {
     for (const int width : {640, 900, 1080, 1600}) {
         window().resize(width, 700);
         showWithSample();
@@ -161,7 +162,7 @@ TEST_F(OperationTargetBarTest, FollowsTheFiguresOfItsTargetAndMovesNothing) {
     }
 }
 
-TEST_F(OperationTargetBarTest, HasOneHeightInEachOfItsFormsAtEveryWidth) {
+TEST_F(OperationTargetBarTest, HasTheSameHeightAtEveryWidth) {
     showWithSample();
     const int height = bar().height();
     for (const int width : {640, 859, 900, 1080, 1600}) {
@@ -176,7 +177,7 @@ TEST_F(OperationTargetBarTest, HasOneHeightInEachOfItsFormsAtEveryWidth) {
     }
 }
 
-TEST_F(OperationTargetBarTest, TheDetailStandsBesideTheTitleAndBeneathItWhereThatIsTooNarrow) {
+TEST_F(OperationTargetBarTest, TheDetailIsBesideTheTitleOrBelowItInANarrowWindow) {
     showWithSample();
     select(0);
     const QWidget* heading = visible("target.title");
@@ -190,7 +191,7 @@ TEST_F(OperationTargetBarTest, TheDetailStandsBesideTheTitleAndBeneathItWhereTha
     }
 }
 
-TEST_F(OperationTargetBarTest, NoWordIsCutInTheUsualWindow) {
+TEST_F(OperationTargetBarTest, NoTextIsElidedInAUsualWindow) {
     for (const int width : {900, 1080, 1600}) {
         window().resize(width, 700);
         showWithSample();
@@ -204,7 +205,7 @@ TEST_F(OperationTargetBarTest, NoWordIsCutInTheUsualWindow) {
     }
 }
 
-TEST_F(OperationTargetBarTest, ASampleThatSaysTheSamePaintsNothing) {
+TEST_F(OperationTargetBarTest, AnUnchangedSamplePaintsNothing) {
     showWithSample();
     goTo(AppRoute::history);
     select(2);
@@ -217,7 +218,7 @@ TEST_F(OperationTargetBarTest, ASampleThatSaysTheSamePaintsNothing) {
     EXPECT_TRUE(textOf("target.detail").endsWith(u"40 MB"_s));
 }
 
-TEST_F(OperationTargetBarTest, HostileNamesStayTextAndWidenNothing) {
+TEST_F(OperationTargetBarTest, HostileNamesAreShownLiterallyAndKeepTheLayout) {
     machine.addProcess(900, "/opt/<b>bold</b>", 1.0, 1.0);
     machine.addProcess(901, "/opt/" + std::string(10000, 'W'), 1.0, 1.0);
     machine.addProcess(902, "/opt/two\nlines", 1.0, 1.0);
@@ -237,7 +238,7 @@ TEST_F(OperationTargetBarTest, HostileNamesStayTextAndWidenNothing) {
     EXPECT_EQ(textOf("target.title"), u"b>"_s);
 }
 
-TEST_F(OperationTargetBarTest, IsAGroupThatSaysWhatItHolds) {
+TEST_F(OperationTargetBarTest, IsAnAccessibleGroupWithItsContentAsValue) {
     showWithSample();
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&bar());
     ASSERT_NE(spoken, nullptr);
@@ -250,7 +251,7 @@ TEST_F(OperationTargetBarTest, IsAGroupThatSaysWhatItHolds) {
               u"systemd, systemd · PID 1 · 0.0% CPU · 12 MB, Protected"_s);
 }
 
-TEST_F(OperationTargetBarTest, TheKeyboardStaysInTheBarWhenItsButtonGoes) {
+TEST_F(OperationTargetBarTest, TheFocusStaysInTheBarWhenItsButtonIsHidden) {
     showWithSample();
     select(0);
     visible("target.clear")->setFocus();
@@ -258,13 +259,11 @@ TEST_F(OperationTargetBarTest, TheKeyboardStaysInTheBarWhenItsButtonGoes) {
     EXPECT_EQ(QApplication::focusWidget(), visible("target.choose"));
     select(0);
     EXPECT_EQ(QApplication::focusWidget(), visible("target.review"));
-}
-
-TEST_F(OperationTargetBarTest, ASelectionElsewhereLeavesTheKeyboardWhereItIs) {
-    showWithSample();
+    click("target.clear");
     visible("page.refresh")->setFocus();
     select(0);
-    EXPECT_EQ(QApplication::focusWidget(), visible("page.refresh"));
+    EXPECT_EQ(QApplication::focusWidget(), visible("page.refresh"))
+        << "a selection does not move a focus outside the bar";
 }
 
 }  // namespace

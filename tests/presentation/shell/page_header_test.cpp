@@ -45,7 +45,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::settings, "Open Settings Sheet|Refresh"}};
     ASSERT_EQ(expected.size(), allAppRoutes.size());
     showWithSample();
-    // There and back, as each route clears away what another one put there.
+    // In both directions, because each route replaces the actions of the one before.
     for (const bool isForward : {true, false}) {
         for (std::size_t i = 0; i < allAppRoutes.size(); ++i) {
             const AppRoute each = allAppRoutes.at(isForward ? i : allAppRoutes.size() - 1 - i);
@@ -56,17 +56,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
     }
 }
 
-TEST_F(PageHeaderTest, OpenChatGoesThere) {
-    showWithSample();
-    goTo(AppRoute::aiAdvisor);
-    auto* button = window().findChild<QPushButton*>(u"aiAdvisor.open-chat"_s);
-    ASSERT_NE(button, nullptr);
-    button->click();
-    settle();
-    EXPECT_EQ(window().state().navigation.selectedRoute(), AppRoute::chat);
-}
-
-TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
+TEST_F(PageHeaderTest, ActionsAreBesideTheTitleAtEveryWidth) {
     showWithSample();
     for (const int width : {640, 900, 1080, 1600}) {
         window().resize(width, 700);
@@ -88,7 +78,7 @@ TEST_F(PageHeaderTest, ActionsStandBesideTheTitleAtEveryWidth) {
     }
 }
 
-TEST_F(PageHeaderTest, WhereRoomIsScarceTheIconsGoAndTheWordsStay) {
+TEST_F(PageHeaderTest, InANarrowWindowActionsHaveNoIcons) {
     window().resize(640, 480);
     showWithSample();
     goTo(AppRoute::optimize);
@@ -106,7 +96,7 @@ TEST_F(PageHeaderTest, WhereRoomIsScarceTheIconsGoAndTheWordsStay) {
     EXPECT_FALSE(visible<QPushButton>("page.refresh")->icon().isNull());
 }
 
-TEST_F(PageHeaderTest, IconsChangeWithTheFoldAlone) {
+TEST_F(PageHeaderTest, IconsAreNotReplacedWhileTheyStayShownOrHidden) {
     showWithSample();
     goTo(AppRoute::optimize);
     const auto icon = [this] { return visible<QPushButton>("optimize.purge")->icon().cacheKey(); };
@@ -120,7 +110,7 @@ TEST_F(PageHeaderTest, IconsChangeWithTheFoldAlone) {
     }
 }
 
-TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
+TEST_F(PageHeaderTest, ALargerFontHidesTheIcons) {
     showWithSample();
     goTo(AppRoute::optimize);
     const auto* purge = visible<QPushButton>("optimize.purge");
@@ -131,7 +121,7 @@ TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
     }
     window().resize(width + 1, 720);
     settle();
-    ASSERT_FALSE(purge->icon().isNull()) << "the narrowest that has room for them";
+    ASSERT_FALSE(purge->icon().isNull()) << "the smallest width with room for them";
     QFont larger = purge->font();
     larger.setPointSizeF(1.5 * larger.pointSizeF());
     purge->parentWidget()->setFont(larger);
@@ -139,19 +129,22 @@ TEST_F(PageHeaderTest, ALargerTypefaceTakesTheRoomOfTheIcons) {
     EXPECT_TRUE(purge->icon().isNull());
 }
 
-TEST_F(PageHeaderTest, ActionsOfTheRouteBeforeAreGoneAtOnce) {
+TEST_F(PageHeaderTest, ActionsOfThePreviousRouteAreRemovedAtOnce) {
     showWithSample();
     window().state().navigation.setSelectedRoute(AppRoute::load);
-    // Without a turn of Qt's own loop, in which deleted things linger.
+    // Without processing Qt events, which would delete the old buttons.
     machine.mainQueue.drain();
     EXPECT_EQ(visible("overview.review-cleanup"), nullptr);
 }
 
-TEST_F(PageHeaderTest, ReviewCleanupGoesToOptimize) {
+TEST_F(PageHeaderTest, ActionsGoToTheirRoutes) {
     showWithSample();
     click("overview.review-cleanup");
     EXPECT_EQ(route(), AppRoute::optimize);
     EXPECT_EQ(textOf("page.title"), u"Optimize"_s);
+    goTo(AppRoute::aiAdvisor);
+    click("aiAdvisor.open-chat");
+    EXPECT_EQ(route(), AppRoute::chat);
 }
 
 TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {

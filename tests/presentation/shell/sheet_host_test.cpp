@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
 
+#include "tests/support/manual_queues.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -37,6 +39,9 @@ protected:
 class SheetHostTest : public testing::Test {
 protected:
     struct Kind {
+        explicit Kind(MainQueue& queue) : observable(queue) {}
+
+        Observable observable;
         bool isWanted = false;
         int dismissals = 0;
         PlainSheet* sheet = nullptr;
@@ -46,7 +51,8 @@ protected:
 
     SheetHostTest() {
         for (Kind* each : {&lower, &upper}) {
-            host->add({.isWanted = [each] { return each->isWanted; },
+            host->add({.shows = {&each->observable},
+                       .isWanted = [each] { return each->isWanted; },
                        .dismissed =
                            [each] {
                                each->isWanted = false;
@@ -67,11 +73,12 @@ protected:
         settle();
     }
 
+    ManualMainQueue queue;
     QWidget window;
     QAction action;
-    SheetHost* host = new SheetHost(window, action);
-    Kind lower;
-    Kind upper;
+    SheetHost* host = new SheetHost(window, action, queue);
+    Kind lower{queue};
+    Kind upper{queue};
 };
 
 TEST_F(SheetHostTest, ASheetIsBuiltAndOpenedWhenItIsWanted) {
@@ -104,7 +111,7 @@ TEST_F(SheetHostTest, AnOpenSheetFollowsTheStateAndAClosedOneDoesNoWork) {
     EXPECT_EQ(lower.sheet->starts, 2) << "it starts anew each time it opens";
 }
 
-TEST_F(SheetHostTest, HoweverASheetIsClosedTheStateIsTold) {
+TEST_F(SheetHostTest, EveryWayToCloseASheetReportsIt) {
     int expected = 0;
     const auto closesBy = [&](auto way) {
         want(lower);
@@ -121,7 +128,7 @@ TEST_F(SheetHostTest, HoweverASheetIsClosedTheStateIsTold) {
     closesBy([this] { host->closeAll(); });
 }
 
-TEST_F(SheetHostTest, ReturnClosesASheetOnItsClosingButtonAlone) {
+TEST_F(SheetHostTest, ReturnClosesASheetOnlyOnItsClosingButton) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         want(lower);
         QTest::keyClick(lower.sheet->entry, key);
@@ -142,6 +149,37 @@ TEST_F(SheetHostTest, ASheetWaitsForItsWindow) {
     window.showNormal();
     settle();
     EXPECT_TRUE(lower.isOpen());
+}
+
+TEST_F(SheetHostTest, AnOpenSheetFollowsWhatItShowsAndNothingElse) {
+    want(lower);
+    want(upper);
+    const int lowerShows = lower.sheet->shows;
+    const int upperShows = upper.sheet->shows;
+    for (int i = 0; i < 3; ++i) {
+        upper.observable.changed();
+    }
+    queue.drain();
+    EXPECT_EQ(lower.sheet->shows, lowerShows);
+    EXPECT_EQ(upper.sheet->shows, upperShows + 1);
+    upper.isWanted = false;
+    upper.observable.changed();
+    queue.drain();
+    EXPECT_FALSE(upper.isOpen());
+    EXPECT_TRUE(lower.isOpen());
+}
+
+TEST_F(SheetHostTest, AnOpenSheetOfAMinimisedWindowWaitsUntilTheWindowIsSeen) {
+    want(lower);
+    window.showMinimized();
+    QApplication::processEvents();
+    const int shows = lower.sheet->shows;
+    lower.observable.changed();
+    queue.drain();
+    EXPECT_EQ(lower.sheet->shows, shows);
+    window.showNormal();
+    settle();
+    EXPECT_EQ(lower.sheet->shows, shows + 1);
 }
 
 TEST_F(SheetHostTest, ALaterSheetOpensAboveAnEarlierOne) {

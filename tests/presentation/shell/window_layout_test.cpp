@@ -23,7 +23,8 @@ std::string nameOf(const QWidget& widget) {
            widget.objectName().toStdString() + "\" (" + widget.accessibleName().toStdString() + ")";
 }
 
-/// What a scroll area shows may be taller than the area, but never wider.
+/// Whether `widget` is the content of a scroll area, which may be taller than the area but not
+/// wider.
 bool isScrolled(const QWidget& widget) {
     const auto* area = widget.parentWidget() == nullptr
                            ? nullptr
@@ -47,7 +48,7 @@ void expectInsideParent(const QWidget& widget) {
                                       << nameOf(*widget.parentWidget()) << boxOf(room);
 }
 
-/// Nothing is squeezed below what it says that it needs.
+/// Expects the widget to have at least its minimum size.
 void expectItsRoom(const QWidget& widget) {
     const QSize needed = widget.minimumSizeHint();
     const bool wrapsTexts = widget.layout() != nullptr && widget.layout()->hasHeightForWidth();
@@ -125,7 +126,7 @@ TEST_P(WindowLayoutAtSize, NothingIsCutOffOnAnyRoute) {
     }
 }
 
-TEST_P(WindowLayoutAtSize, ResizingThereFromElsewhereEndsTheSame) {
+TEST_P(WindowLayoutAtSize, ResizingToThisSizeCutsNothingOff) {
     window().resize(1600, 1000);
     showWithSample();
     window().resize(QSize(GetParam()));
@@ -142,7 +143,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, WindowLayoutAtSize,
                                          WindowSize{1080, 720}, WindowSize{1600, 1000}),
                          [](const auto& tested) { return testing::PrintToString(tested.param); });
 
-TEST_F(WindowLayoutTest, TheWindowIsNeverSmallerThanItsContentNeeds) {
+TEST_F(WindowLayoutTest, TheWindowHasAMinimumSize) {
     window().resize(100, 100);
     showWithSample();
     EXPECT_EQ(window().size(), QSize(640, 480));
@@ -161,7 +162,7 @@ TEST_F(WindowLayoutTest, NoTextIsCutAt900x600) {
     }
 }
 
-TEST_F(WindowLayoutTest, TheGaugesShareOneRowWhereThereIsRoomAndTwoElse) {
+TEST_F(WindowLayoutTest, TheGaugesAreInOneRowOrInTwoInANarrowWindow) {
     show900x600();
     const auto rowsOfGauges = [this] {
         std::set<int> tops;
@@ -228,14 +229,15 @@ TEST_F(WindowLayoutTest, ANewSampleMovesNothing) {
     }
 }
 
-TEST_F(WindowLayoutTest, CalmAndTroubleLeaveTheBlocksOfTheOverviewWhereTheyAre) {
+TEST_F(WindowLayoutTest, AChangeOfLoadDoesNotMoveTheBlocksOfTheOverview) {
     show900x600();
     const auto sample = [this](double cpu, double pressure) {
         machine.metrics->processes[0].cpu = cpu;
         machine.metrics->memory.pressure = pressure;
         tick();
     };
-    // Only a recommendation that there was no room for moves what lies below it.
+    // Starts with the most recommendations, because one without reserved room moves the blocks
+    // below.
     sample(400.0, 100.0);
     std::vector<std::pair<Card*, QRect>> before;
     for (Card* card : visibleOf<Card>()) {
@@ -281,7 +283,7 @@ TEST_F(WindowLayoutTest, EveryControlHasANameADescriptionAndAnIdentifier) {
     }
 }
 
-TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
+TEST_F(WindowLayoutTest, TheSidebarIsAnAccessibleGroup) {
     show900x600();
     QAccessibleInterface* spoken =
         QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
@@ -291,7 +293,7 @@ TEST_F(WindowLayoutTest, TheSidebarIsAGroupOfItsRoutes) {
     EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
 }
 
-TEST_F(WindowLayoutTest, EvenTheButtonsWithinAFieldHaveNames) {
+TEST_F(WindowLayoutTest, TheButtonsWithinATextFieldHaveNames) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     window().state().navigation.setProcessFilter("editor");
     show900x600();
@@ -317,7 +319,7 @@ TEST_F(WindowLayoutTest, EveryFocusableControlIsReachedByTab) {
             press(Qt::Key_Tab);
         }
         for (const QWidget* widget : visibleWidgets()) {
-            // Of a group of which one is chosen, Tab reaches that one and arrow keys the others.
+            // In an exclusive group, Tab reaches the selected button and arrow keys the others.
             const bool isOtherRoute = qobject_cast<const SidebarRow*>(widget) != nullptr &&
                                       widget->objectName() != selected;
             const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) != 0 &&
@@ -329,22 +331,17 @@ TEST_F(WindowLayoutTest, EveryFocusableControlIsReachedByTab) {
     }
 }
 
-TEST_F(WindowLayoutTest, TabGoesThroughTheControlsAsTheEyeDoes) {
+TEST_F(WindowLayoutTest, TabFollowsTheVisualOrder) {
     show900x600();
     goTo(AppRoute::load);
     visible("sidebar.load")->setFocus(Qt::TabFocusReason);
-    QStringList order;
-    for (int presses = 0; presses < 9; ++presses) {
-        order.append(QApplication::focusWidget()->objectName());
-        press(Qt::Key_Tab);
-    }
-    EXPECT_EQ(order.join(u' '),
+    EXPECT_EQ(tabOrder(9),
               u"sidebar.load load.select-top load.activity page.refresh "
               "target.choose processes.select-top-row processes.activity-monitor "
               "processes.filter processes.table"_s);
 }
 
-TEST_F(WindowLayoutTest, FocusIsNotLostWhenItsButtonGoesAway) {
+TEST_F(WindowLayoutTest, TheFocusMovesOnWhenItsButtonIsHidden) {
     show900x600();
     visible("overview.review-cleanup")->setFocus(Qt::TabFocusReason);
     press(Qt::Key_Space);

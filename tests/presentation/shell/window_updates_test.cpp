@@ -1,80 +1,229 @@
 #include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
 
+#include "actions/automation.h"
+#include "actions/confirmation_desk.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
 #include "presentation/screens/history/history_page.h"
 #include "presentation/screens/load/processes_page.h"
 #include "presentation/screens/optimize/cleanup_page.h"
 #include "presentation/screens/overview/overview_page.h"
+#include "presentation/screens/screen.h"
+#include "presentation/shell/confirmation_dialog.h"
+#include "presentation/shell/operation_target_bar.h"
+#include "presentation/shell/settings/settings_sheet.h"
 #include "presentation/shell/status_strip.h"
-#include "tests/presentation/widgets/paint_count.h"
+#include "presentation/shell/window_menus.h"
+#include "presentation/widgets/capsule.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
 namespace {
 
-using testing::Contains;
-using testing::Not;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
 
-/// Which part of the window follows which component.
+/// What the parts of the window may observe.
+enum class Source { sample, log, settings, rules, automation, review, actions, desk, navigation };
+
+using Sources = std::set<Source>;
+
+constexpr std::array allSources{Source::sample,  Source::log,        Source::settings,
+                                Source::rules,   Source::automation, Source::review,
+                                Source::actions, Source::desk,       Source::navigation};
+
+Sources sourcesOfPage(AppRoute route) {
+    using enum Source;
+    switch (route) {
+        case AppRoute::overview:
+            return {sample, log, settings, automation};
+        case AppRoute::load:
+            return {sample, review, settings, navigation};
+        case AppRoute::optimize:
+            return {sample, review, settings, actions, automation};
+        case AppRoute::optimizationSuggestions:
+            return {sample, settings, automation};
+        case AppRoute::history:
+        case AppRoute::settings:
+            return {sample, log, settings, rules};
+        default:
+            return {sample};
+    }
+}
+
+/// Which part of the window follows which component. Refreshes are counted and not paintings, as a
+/// refresh that changes nothing paints nothing.
 class WindowUpdatesTest : public WindowFixture {
 protected:
-    Screen& page() {
-        for (auto* screen : window().findChildren<Screen*>()) {
-            if (screen->isVisible()) {
-                return *screen;
-            }
-        }
-        throw std::runtime_error("no page is shown");
+    /// How often each part was refreshed.
+    using Refreshes = std::map<std::string, int>;
+
+    Refreshes refreshesBy(const std::function<void()>& change) {
+        Refreshes refreshes;
+        const auto connection =
+            QObject::connect(&window(), &DashboardWindow::refreshed, [&](QObject* part) {
+                ++refreshes[qobject_cast<Screen*>(part) != nullptr               ? "page"
+                            : qobject_cast<StatusStrip*>(part) != nullptr        ? "strip"
+                            : qobject_cast<OperationTargetBar*>(part) != nullptr ? "target"
+                            : qobject_cast<WindowMenus*>(part) != nullptr        ? "menus"
+                            : qobject_cast<SettingsSheet*>(part) != nullptr      ? "settings"
+                            : qobject_cast<ConfirmationDialog*>(part) != nullptr ? "question"
+                                                                                 : "unknown"];
+            });
+        change();
+        settle();
+        QObject::disconnect(connection);
+        return refreshes;
     }
 
-    /// A hundred changes, each on a turn of its own.
-    void burst(const std::function<void(int)>& change) {
-        for (int i = 0; i < 100; ++i) {
-            change(i);
-            settle();
+    Observable& observable(Source source) {
+        SystemMonitor& monitor = machine.monitor();
+        switch (source) {
+            case Source::sample:
+                return monitor.sample().observable();
+            case Source::log:
+                return monitor.log().observable();
+            case Source::settings:
+                return monitor.settingsOwner().observable();
+            case Source::rules:
+                return monitor.autoRules().observable();
+            case Source::automation:
+                return monitor.automation().observable();
+            case Source::review:
+                return monitor.review().observable();
+            case Source::actions:
+                return monitor.localActions().observable();
+            case Source::desk:
+                return monitor.confirmations().observable();
+            case Source::navigation:
+                return window().state().navigation.observable();
         }
+        throw std::logic_error("no such source");
+    }
+
+    /// Each part is refreshed once by a turn that changes what it shows, however often, and by
+    /// nothing else.
+    void expectToFollow(std::map<std::string, Sources> parts) {
+        using enum Source;
+        parts["strip"] = {sample, log, settings, rules};
+        parts["target"] = {sample, review, settings};
+        parts["menus"] = {settings};
+        for (const Source source : allSources) {
+            Refreshes expected;
+            for (const auto& [part, sources] : parts) {
+                if (sources.contains(source)) {
+                    expected[part] = 1;
+                }
+            }
+            EXPECT_EQ(refreshesBy([&] {
+                          for (int i = 0; i < 100; ++i) {
+                              observable(source).changed();
+                          }
+                      }),
+                      expected)
+                << "source " << static_cast<int>(source);
+        }
+    }
+
+    void openSettings(const char* tab) {
+        window().state().navigation.setSettingsTab(tab);
+        window().state().navigation.setShowSettings(true);
+        settle();
     }
 };
 
-TEST_F(WindowUpdatesTest, ABurstOfTheLogRepaintsNeitherTheProcessesNorTheTarget) {
-    showProcesses();
-    ASSERT_THAT(page().shows(), Not(Contains(&machine.monitor().log().observable())));
-    PaintCount page(this->page());
-    PaintCount target(*visible("target"));
-    PaintCount whole(window());
-    burst([&](int i) { machine.monitor().log().recordMessage("Event " + std::to_string(i)); });
-    EXPECT_EQ(page.take(), 0);
-    EXPECT_EQ(target.take(), 0);
-    EXPECT_GT(whole.take(), 0) << "the status strip shows the last action";
+TEST_F(WindowUpdatesTest, EachPartFollowsExactlyWhatItShowsOnEveryRoute) {
+    showWithSample();
+    for (const AppRoute route : allAppRoutes) {
+        goTo(route);
+        SCOPED_TRACE(std::string(title(route)));
+        expectToFollow({{"page", sourcesOfPage(route)}});
+    }
 }
 
-TEST_F(WindowUpdatesTest, ABurstOfTheReviewRepaintsOnlyTheTargetOnAPageThatDoesNotShowIt) {
+TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
+    using enum Source;
+    const Sources settingsSheet{sample, log, settings, rules, navigation};
+    showWithSample();
+    goTo(AppRoute::chat);
+    openSettings(settings_tabs::automation);
+    expectToFollow({{"page", {sample}}, {"settings", settingsSheet}});
+    machine.monitor().localActions().requestPurge();
+    settle();
+    expectToFollow({{"page", {sample}}, {"settings", settingsSheet}, {"question", {desk}}});
+}
+
+TEST_F(WindowUpdatesTest, ABurstOfTheLogRefreshesNeitherTheProcessesNorTheTarget) {
+    showProcesses();
+    const Refreshes refreshes = refreshesBy([this] {
+        for (int i = 0; i < 100; ++i) {
+            machine.monitor().log().recordMessage("Event " + std::to_string(i));
+            settle();
+        }
+    });
+    EXPECT_THAT(refreshes, ElementsAre(Pair("strip", 100)));
+    EXPECT_EQ(textOf("status.last-action"), u"Event 99"_s);
+}
+
+TEST_F(WindowUpdatesTest, ABurstOfTheReviewRefreshesOnlyTheTargetOnAPageThatDoesNotShowIt) {
+    showWithSample();
+    for (const AppRoute route : {AppRoute::overview, AppRoute::history}) {
+        goTo(route);
+        const Refreshes refreshes = refreshesBy([this] {
+            for (int i = 0; i < 100; ++i) {
+                machine.monitor().review().setTarget(i % 2 == 0 ? 700 : 800, "editor");
+                settle();
+            }
+        });
+        EXPECT_THAT(refreshes, ElementsAre(Pair("target", 100))) << title(route);
+    }
+}
+
+TEST_F(WindowUpdatesTest, ACheckByDiskAutopilotIsShownBeforeTheNextSample) {
+    showWithSample();
+    openSettings(settings_tabs::automation);
+    const auto strip = [this] { return visible<Capsule>("status.automation")->toolTip(); };
+    const auto* checked = window().findChild<ElidedLabel*>(u"settings.disk-autopilot.last-acted"_s);
+    ASSERT_NE(checked, nullptr);
+    EXPECT_EQ(checked->text(), u"No recent check"_s);
+    EXPECT_FALSE(strip().contains(u"Last checked "_s));
+    machine.monitor().autoRules().setLastDiskAutopilotCheckDate(machine.clock.now());
+    settle();
+    EXPECT_TRUE(checked->text().startsWith(u"Last checked "_s)) << checked->text().toStdString();
+    EXPECT_TRUE(strip().contains(u"Last checked "_s));
+}
+
+TEST_F(WindowUpdatesTest, ARefusedSwitchSpringsBack) {
     showWithSample();
     goTo(AppRoute::history);
-    ASSERT_THAT(page().shows(), Not(Contains(&machine.monitor().review().observable())));
-    PaintCount page(this->page());
-    PaintCount strip(*window().findChild<StatusStrip*>());
-    PaintCount target(*visible("target"));
-    burst([&](int i) {
-        machine.monitor().review().setTarget(i % 2 == 0 ? 700 : 800, i % 2 == 0 ? "editor" : "x");
-    });
-    EXPECT_EQ(page.take(), 0);
-    EXPECT_EQ(strip.take(), 0);
-    EXPECT_GT(target.take(), 0);
+    machine.monitor().automation().engageEmergencyStop();
+    settle();
+    click("history.automation.auto-purge");
+    EXPECT_EQ(lastAction(), "Auto-purge remains off while Emergency Stop is engaged.");
+    EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
+    EXPECT_EQ(textOf("status.last-action"), QString::fromStdString(lastAction()));
 }
 
-TEST_F(WindowUpdatesTest, BurstsOfTheOthersRepaintNothingAtAll) {
-    showProcesses();
-    PaintCount whole(window());
-    burst([&](int) {
-        machine.monitor().localActions().observable().changed();
-        machine.monitor().automation().observable().changed();
-        machine.monitor().confirmations().observable().changed();
-        window().state().navigation.observable().changed();
-    });
-    EXPECT_EQ(whole.take(), 0);
+TEST_F(WindowUpdatesTest, NothingOfAMinimisedWindowIsRefreshedUntilItIsSeenAgain) {
+    showWithSample();
+    openSettings(settings_tabs::automation);
+    window().showMinimized();
+    settle();
+    EXPECT_THAT(refreshesBy([this] { tick(); }), IsEmpty());
+    EXPECT_THAT(refreshesBy([this] { window().showNormal(); }),
+                testing::IsSupersetOf({Pair(std::string("settings"), testing::Ge(1)),
+                                       Pair(std::string("strip"), testing::Ge(1)),
+                                       Pair(std::string("page"), testing::Ge(1))}));
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ TEST(FigureRow, ADashForNoFigureIsNotSpoken) {
     EXPECT_EQ(spokenWithin(row), QStringList{u"CPU now"_s});
 }
 
-TEST(FigureRow, APairIsOneThing) {
+TEST(FigureRow, AFigureAndItsNameAreOneElement) {
     FigureRow row({u"CPU now"_s});
     row.setFigures({u"34%"_s});
     auto* pair = row.findChild<NamedFigure*>();
@@ -43,7 +43,7 @@ TEST(FigureRow, APairIsOneThing) {
     EXPECT_EQ(spoken->child(0), nullptr);
 }
 
-TEST(FigureRow, FiguresMoveNothing) {
+TEST(FigureRow, KeepsItsMinimumHeight) {
     FigureRow row({u"CPU now"_s, u"Memory now"_s});
     row.resize(300, row.sizeHint().height());
     row.setFigures({u"4%"_s, u"5%"_s});

@@ -29,7 +29,7 @@ TEST(UnitStart, SplitsAFigureFromItsUnit) {
     }
 }
 
-TEST(UnitStart, LeavesWhatIsNoFigureWhole) {
+TEST(UnitStart, IsAtTheEndOfATextThatIsNotAFigure) {
     for (const QString& text :
          {QString(), u"%"_s, u" GB"_s, u"–"_s, u"12"_s, u"8 apps"_s, u"None yet"_s, u"Disk 3 GB"_s,
           u"3 GB free"_s, u"1 GB 2 GB"_s, u".%"_s}) {
@@ -48,7 +48,7 @@ protected:
         return image;
     }
 
-    /// The first and the last column where one colour is darker than the others.
+    /// The first and the last column in which red, or else blue, predominates.
     std::pair<int, int> columnsOf(const QImage& image, bool red) {
         int first = image.width();
         int last = -1;
@@ -69,7 +69,7 @@ protected:
     const QFont font = CrestFonts::current().title;
 };
 
-TEST_F(DrawFigureTest, PaintsTheUnitBehindTheFigureInItsOwnColor) {
+TEST_F(DrawFigureTest, PaintsTheUnitAfterTheFigureInItsOwnColor) {
     const QImage image = drawn(Qt::AlignLeft, u"12.3 GB"_s);
     const auto figure = columnsOf(image, true);
     const auto unit = columnsOf(image, false);
@@ -85,7 +85,7 @@ TEST_F(DrawFigureTest, HasNoSecondColorWithoutAUnit) {
     EXPECT_EQ(columnsOf(image, false).second, -1);
 }
 
-TEST_F(DrawFigureTest, StandsWhereItsAlignmentSays) {
+TEST_F(DrawFigureTest, FollowsTheAlignment) {
     const QString text = u"88%"_s;
     const int width = QFontMetrics(font).horizontalAdvance(text);
     EXPECT_LE(columnsOf(drawn(Qt::AlignLeft, text), false).second, width);

@@ -1,6 +1,6 @@
 #include "presentation/widgets/flow_row.h"
 
-#include <memory>
+#include <tuple>
 #include <vector>
 
 #include <QCoreApplication>
@@ -9,7 +9,7 @@
 namespace tallowcrest {
 namespace {
 
-/// An item that asks for one size.
+/// A widget with the given size hint.
 class Item final : public QWidget {
 public:
     explicit Item(QSize size) : size_(size) {}
@@ -50,32 +50,26 @@ TEST_F(FlowRowTest, AnEmptyRowTakesNoRoom) {
     EXPECT_EQ(row.minimumSizeHint(), QSize(0, 0));
 }
 
-TEST_F(FlowRowTest, WhatFitsStandsOnOneLineInItsOwnWidth) {
+TEST_F(FlowRowTest, ItemsThatFitAreOnOneLineAndWrapWhenOnePixelTooNarrow) {
     add(100, 32);
     add(60, 32);
-    resizeTo(168);
     EXPECT_EQ(row.sizeHint(), QSize(168, 32));
-    EXPECT_EQ(row.heightForWidth(168), 32);
-    EXPECT_EQ(items[0]->geometry(), QRect(0, 0, 100, 32));
-    EXPECT_EQ(items[1]->geometry(), QRect(108, 0, 60, 32));
+    for (const auto& [width, height, second] :
+         {std::tuple{168, 32, QRect(108, 0, 60, 32)}, {167, 72, QRect(0, 40, 60, 32)}}) {
+        resizeTo(width);
+        EXPECT_EQ(row.heightForWidth(width), height);
+        EXPECT_EQ(items[0]->geometry(), QRect(0, 0, 100, 32));
+        EXPECT_EQ(items[1]->geometry(), second);
+    }
 }
 
-TEST_F(FlowRowTest, OnePixelTooNarrowBeginsAnotherLine) {
-    add(100, 32);
-    add(60, 32);
-    resizeTo(167);
-    EXPECT_EQ(row.heightForWidth(167), 72);
-    EXPECT_EQ(items[0]->geometry(), QRect(0, 0, 100, 32));
-    EXPECT_EQ(items[1]->geometry(), QRect(0, 40, 60, 32));
-}
-
-TEST_F(FlowRowTest, ALineThatIsTooNarrowForItsOnlyItemStillHoldsIt) {
+TEST_F(FlowRowTest, AnItemWiderThanTheRowStillGetsALine) {
     add(100, 32);
     EXPECT_EQ(row.heightForWidth(50), 32);
     EXPECT_EQ(row.minimumSizeHint(), QSize(100, 32));
 }
 
-TEST_F(FlowRowTest, ItemsOfOneLineShareItsMiddle) {
+TEST_F(FlowRowTest, ItemsOfALineAreCentredVertically) {
     add(100, 16);
     add(60, 32);
     resizeTo(200);
@@ -83,7 +77,7 @@ TEST_F(FlowRowTest, ItemsOfOneLineShareItsMiddle) {
     EXPECT_EQ(items[1]->geometry(), QRect(108, 0, 60, 32));
 }
 
-TEST_F(FlowRowTest, AnItemThatGrowsMovesThoseBehindIt) {
+TEST_F(FlowRowTest, AnItemThatGrowsMovesThoseAfterIt) {
     Item* first = add(100, 32);
     add(60, 32);
     resizeTo(300);
@@ -91,14 +85,10 @@ TEST_F(FlowRowTest, AnItemThatGrowsMovesThoseBehindIt) {
     QCoreApplication::processEvents();
     EXPECT_EQ(items[0]->geometry(), QRect(0, 0, 120, 32));
     EXPECT_EQ(items[1]->geometry(), QRect(128, 0, 60, 32));
-}
-
-TEST_F(FlowRowTest, AMinimumWidthIsKept) {
-    add(40, 32)->setMinimumWidth(100);
-    add(60, 32);
-    resizeTo(300);
-    EXPECT_EQ(items[0]->width(), 100);
-    EXPECT_EQ(items[1]->x(), 108);
+    first->setMinimumWidth(140);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(items[0]->width(), 140) << "a minimum width is kept";
+    EXPECT_EQ(items[1]->x(), 148);
 }
 
 }  // namespace

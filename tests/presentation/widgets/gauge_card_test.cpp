@@ -16,32 +16,26 @@ namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-TEST(GaugeStateWord, ChangesAtItsTwoLimits) {
-    EXPECT_EQ(gaugeStateWord(0), "Normal");
-    EXPECT_EQ(gaugeStateWord(69.9), "Normal");
-    EXPECT_EQ(gaugeStateWord(70), "Elevated");
-    EXPECT_EQ(gaugeStateWord(84.9), "Elevated");
-    EXPECT_EQ(gaugeStateWord(85), "High");
-    EXPECT_EQ(gaugeStateWord(300), "High");
-    EXPECT_EQ(gaugeStateWord(-1), "Normal");
-    EXPECT_EQ(gaugeStateWord(nan), "Normal");
-}
-
-TEST(GaugeStateColor, GoesWithTheStateWord) {
-    const std::pair<double, ThemeColor> cases[] = {
-        {-1, &CrestTheme::good},    {0, &CrestTheme::good},       {69.9, &CrestTheme::good},
-        {70, &CrestTheme::caution}, {84.9, &CrestTheme::caution}, {85, &CrestTheme::bad},
-        {300, &CrestTheme::bad},    {nan, &CrestTheme::good},
+TEST(GaugeState, WordAndColorChangeAtTheTwoLimits) {
+    struct Case {
+        double value;
+        const char* word;
+        ThemeColor color;
     };
-    for (const auto& [value, color] : cases) {
-        EXPECT_EQ(gaugeStateColor(value), color) << value;
+    for (const Case& each :
+         {Case{-1, "Normal", &CrestTheme::good}, Case{0, "Normal", &CrestTheme::good},
+          Case{69.9, "Normal", &CrestTheme::good}, Case{70, "Elevated", &CrestTheme::caution},
+          Case{84.9, "Elevated", &CrestTheme::caution}, Case{85, "High", &CrestTheme::bad},
+          Case{300, "High", &CrestTheme::bad}, Case{nan, "Normal", &CrestTheme::good}}) {
+        EXPECT_EQ(gaugeStateWord(each.value), each.word) << each.value;
+        EXPECT_EQ(gaugeStateColor(each.value), each.color) << each.value;
     }
 }
 
 TEST(GaugeRing, ShowsTheUnitInSecondaryColor) {
     GaugeRing ring;
     ring.setTint(QColor(Qt::white));
-    ring.setValue(88);
+    ring.setValue(88, u"88%"_s);
     const QImage image = ring.grab().toImage().convertToFormat(QImage::Format_RGB32);
     const CrestTheme& theme = CrestTheme::current();
     int lastOfFigure = -1;
@@ -62,16 +56,16 @@ TEST(GaugeCard, ClampsItsValue) {
     const std::pair<double, double> cases[] = {
         {-5, 0}, {0, 0}, {42.5, 42.5}, {100, 100}, {140, 100}};
     for (const auto& [given, kept] : cases) {
-        card.setValue(given);
+        card.setValue(given, u"1%"_s);
         EXPECT_EQ(card.value(), kept) << given;
     }
-    card.setValue(nan);
+    card.setValue(nan, u"0%"_s);
     EXPECT_EQ(card.value(), 0);
 }
 
-TEST(GaugeCard, SaysItsContentToAssistiveTechnology) {
+TEST(GaugeCard, HasItsContentAsAccessibleValue) {
     GaugeCard card(u"Memory Pressure"_s);
-    card.setValue(70.6);
+    card.setValue(70.6, u"71%"_s);
     card.setDetail(u"11.3 GB used of 16.0 GB"_s);
     EXPECT_EQ(card.accessibleName(), "Memory Pressure");
     EXPECT_EQ(card.accessibleDescription(), "71%, Elevated, 11.3 GB used of 16.0 GB");
@@ -84,17 +78,17 @@ TEST(GaugeCard, SaysItsContentToAssistiveTechnology) {
     EXPECT_NEAR(spoken->valueInterface()->currentValue().toDouble(), 70.6, 1e-9);
 }
 
-TEST(GaugeCard, KeepsItsSizeWhateverTheFigures) {
+TEST(GaugeCard, KeepsItsHeightForAnyFigures) {
     GaugeCard card(u"CPU Load"_s);
     card.setDetail(u"1.0% normalized across cores"_s);
-    card.setValue(1);
+    card.setValue(1, u"1%"_s);
     const QSize before = card.sizeHint();
-    card.setValue(100);
+    card.setValue(100, u"100%"_s);
     card.setDetail(u"100.0% normalized across cores"_s);
     EXPECT_EQ(card.sizeHint().height(), before.height());
 }
 
-TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
+TEST(GaugeCard, StateWordsOfAdjacentCardsAreAligned) {
     QWidget row;
     auto* layout = new QHBoxLayout(&row);
     auto* shortTitle = new GaugeCard(u"CPU"_s);
@@ -102,7 +96,7 @@ TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
     shortTitle->setDetail(u"100.0% normalized across all of the cores of this Mac"_s);
     longTitle->setDetail(u"None"_s);
     for (GaugeCard* card : {shortTitle, longTitle}) {
-        card->setValue(1);
+        card->setValue(1, u"1%"_s);
         layout->addWidget(card, 1);
     }
     const auto wordOf = [&row](const GaugeCard& card) {
@@ -122,14 +116,14 @@ TEST(GaugeCard, StateWordsOfCardsSideBySideStandLevel) {
     }
 }
 
-TEST(GaugeRing, RepaintsOnlyWhatCanBeSeenToChange) {
+TEST(GaugeRing, RepaintsOnlyForVisibleChanges) {
     GaugeRing ring;
-    ring.setValue(42);
+    ring.setValue(42, u"42%"_s);
     showUnseen(ring);
     PaintCount paints(ring);
-    ring.setValue(42.01);
+    ring.setValue(42.01, u"42%"_s);
     EXPECT_EQ(paints.take(), 0);
-    ring.setValue(43);
+    ring.setValue(43, u"43%"_s);
     EXPECT_EQ(paints.take(), 1);
     ring.setTint(&CrestTheme::accent);
     EXPECT_EQ(paints.take(), 0);
@@ -141,7 +135,7 @@ TEST(GaugeRing, IsFilledToItsValueInItsTint) {
     GaugeRing ring;
     ring.setTint(QColor(Qt::magenta));
     const auto tinted = [&ring](double value) {
-        ring.setValue(value);
+        ring.setValue(value, QString::number(value) + u'%');
         const QImage image = ring.grab().toImage();
         int count = 0;
         for (int y = 0; y < image.height(); ++y) {

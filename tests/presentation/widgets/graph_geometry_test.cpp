@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -14,42 +15,35 @@ using testing::IsEmpty;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-TEST(SafeGraphValue, KeepsPercentagesAndTamesTheRest) {
-    EXPECT_EQ(safeGraphValue(42.5), 42.5);
-    EXPECT_EQ(safeGraphValue(0), 0);
-    EXPECT_EQ(safeGraphValue(100), 100);
-    EXPECT_EQ(safeGraphValue(140), 100);
-    EXPECT_EQ(safeGraphValue(-3), 0);
-    EXPECT_EQ(safeGraphValue(nan), 0);
-    EXPECT_EQ(safeGraphValue(infinity), 0);
-    EXPECT_EQ(safeGraphValue(-infinity), 0);
+TEST(SafeGraphValue, ClampsToPercentages) {
+    for (const auto& [given, safe] : {std::pair{42.5, 42.5},
+                                      {0.0, 0.0},
+                                      {100.0, 100.0},
+                                      {140.0, 100.0},
+                                      {-3.0, 0.0},
+                                      {nan, 0.0},
+                                      {infinity, 0.0},
+                                      {-infinity, 0.0}}) {
+        EXPECT_EQ(safeGraphValue(given), safe) << given;
+    }
 }
 
-TEST(GraphLine, SpreadsThePointsOverTheWholeWidth) {
+TEST(GraphLine, SpreadsClampedValuesOverTheWholeWidth) {
     EXPECT_THAT(graphLine({0, 50, 100}, 200, 80),
                 ElementsAre(GraphPoint{0, 80}, GraphPoint{100, 40}, GraphPoint{200, 0}));
-}
-
-TEST(GraphLine, PutsOneValueAtTheLeftEdge) {
-    EXPECT_THAT(graphLine({25}, 200, 80), ElementsAre(GraphPoint{0, 60}));
-}
-
-TEST(GraphLine, DrawsWhatIsTooHighAtTheTopAndWhatIsNoPercentageAtTheBottom) {
     EXPECT_THAT(
         graphLine({140, -5, nan, infinity}, 30, 80),
         ElementsAre(GraphPoint{0, 0}, GraphPoint{10, 80}, GraphPoint{20, 80}, GraphPoint{30, 80}));
-}
-
-TEST(GraphLine, IsEmptyWithoutValues) {
+    EXPECT_THAT(graphLine({25}, 200, 80), ElementsAre(GraphPoint{0, 60})) << "at the left edge";
     EXPECT_THAT(graphLine({}, 200, 80), IsEmpty());
 }
 
-TEST(GraphColumns, OfALevelLineAreAllAlike) {
+TEST(GraphColumns, AreEqualForALevelLine) {
     const GraphColumn column{.middle = 5, .half = 1, .softness = 1, .top = 4, .bottom = 6};
     EXPECT_THAT(graphColumns({{0, 5}, {3, 5}}, 2), ElementsAre(column, column, column));
 }
 
-TEST(GraphColumns, OfASteepLineAreTallerAndSofter) {
+TEST(GraphColumns, AreTallerAndSofterForASteepLine) {
     const auto columns = graphColumns({{0, 30}, {10, 0}}, 2);
     ASSERT_EQ(columns.size(), 10U);
     EXPECT_FLOAT_EQ(columns[4].middle, 16.5F);
@@ -57,7 +51,7 @@ TEST(GraphColumns, OfASteepLineAreTallerAndSofter) {
     EXPECT_FLOAT_EQ(columns[4].softness, 3);
 }
 
-TEST(GraphColumns, EndOneHalfThicknessBeyondWhatTheLinePassesNearby) {
+TEST(GraphColumns, EndHalfAThicknessBeyondTheNearbyLine) {
     const auto columns = graphColumns({{0, 80}, {2, 10}, {4, 80}, {8, 84}}, 2);
     ASSERT_EQ(columns.size(), 8U);
     EXPECT_FLOAT_EQ(columns[1].top, 9) << "the peak";
@@ -67,16 +61,13 @@ TEST(GraphColumns, EndOneHalfThicknessBeyondWhatTheLinePassesNearby) {
     EXPECT_FLOAT_EQ(columns[6].top, 80);
 }
 
-TEST(GraphColumns, MissNoPointWhenManyFallIntoOneColumn) {
-    const auto columns = graphColumns({{0, 50}, {0.25, 10}, {0.5, 90}, {1, 50}, {2, 50}}, 2);
+TEST(GraphColumns, IncludeEveryPointAndAllowALineThatEndsWithinAColumn) {
+    auto columns = graphColumns({{0, 50}, {0.25, 10}, {0.5, 90}, {1, 50}, {2, 50}}, 2);
     ASSERT_EQ(columns.size(), 2U);
     EXPECT_FLOAT_EQ(columns[0].middle, 50);
     EXPECT_FLOAT_EQ(columns[0].softness, 80);
     EXPECT_FLOAT_EQ(columns[1].softness, 1);
-}
-
-TEST(GraphColumns, TakeALineThatEndsWithinAColumn) {
-    const auto columns = graphColumns({{0, 0}, {1.5, 15}}, 2);
+    columns = graphColumns({{0, 0}, {1.5, 15}}, 2);
     ASSERT_EQ(columns.size(), 2U);
     EXPECT_FLOAT_EQ(columns[1].middle, 12.5F);
 }
@@ -87,20 +78,11 @@ TEST(GraphColumns, AreEmptyForFewerThanTwoPoints) {
     EXPECT_THAT(graphColumns({{0, 5}, {0, 9}}, 2), IsEmpty()) << "no width, no column";
 }
 
-TEST(GraphGrid, HasFiveLinesIncludingBothEdges) {
+TEST(GraphRules, LieOnTheCanvas) {
     EXPECT_THAT(graphGrid(80), ElementsAre(0, 20, 40, 60, 80));
-}
-
-TEST(GraphEvents, KeepsOnlyWhatLiesOnTheCanvas) {
     EXPECT_THAT(graphEvents({0, 0.25, nan, 1, infinity, -0.1, 1.1}, 200), ElementsAre(0, 50, 200));
-}
-
-TEST(GraphThreshold, LiesAtTheHeightOfItsPercentage) {
     EXPECT_EQ(graphThreshold(75, 80), 20);
     EXPECT_EQ(graphThreshold(0, 80), 80);
-}
-
-TEST(GraphThreshold, IsAbsentWithoutAFiniteThreshold) {
     EXPECT_EQ(graphThreshold(std::nullopt, 80), std::nullopt);
     EXPECT_EQ(graphThreshold(nan, 80), std::nullopt);
 }

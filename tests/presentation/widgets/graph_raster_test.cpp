@@ -16,7 +16,7 @@ QImage whiteImage(int width, int height) {
     return image;
 }
 
-/// How much black stands in a column, in pixels.
+/// The amount of black in a column, in pixels.
 double inkIn(const QImage& image, int x) {
     double ink = 0;
     for (int y = 0; y < image.height(); ++y) {
@@ -25,7 +25,7 @@ double inkIn(const QImage& image, int x) {
     return ink;
 }
 
-TEST(DrawGraphColumns, CoversWholePixelsOfALineBetweenThem) {
+TEST(DrawGraphColumns, FillsWholePixelsOfALineOnThePixelGrid) {
     QImage image = whiteImage(3, 10);
     drawGraphColumns(image, graphColumns({{0, 5}, {3, 5}}, 2), {0, 0}, black);
     for (int y = 0; y < 10; ++y) {
@@ -33,7 +33,7 @@ TEST(DrawGraphColumns, CoversWholePixelsOfALineBetweenThem) {
     }
 }
 
-TEST(DrawGraphColumns, SharesOutALineAcrossPixels) {
+TEST(DrawGraphColumns, AntialiasesALineBetweenPixels) {
     QImage image = whiteImage(3, 10);
     drawGraphColumns(image, graphColumns({{0, 5.25}, {3, 5.25}}, 2), {0, 0}, black);
     EXPECT_NEAR(qRed(image.pixel(1, 4)), 64, 2);
@@ -49,7 +49,7 @@ TEST(DrawGraphColumns, KeepsTheThicknessOfASlopingLine) {
     }
 }
 
-TEST(DrawGraphColumns, DrawsAPeakNoHigherThanItIs) {
+TEST(DrawGraphColumns, DrawsNothingAboveAPeak) {
     QImage image = whiteImage(4, 100);
     drawGraphColumns(image, graphColumns({{0, 90}, {2, 20}, {4, 90}}, 2), {0, 0}, black);
     for (int y = 0; y < 19; ++y) {
@@ -60,18 +60,18 @@ TEST(DrawGraphColumns, DrawsAPeakNoHigherThanItIs) {
     EXPECT_LT(qRed(image.pixel(1, 21)), 128);
 }
 
-TEST(DrawGraphColumns, LetsABendStandOutNoFartherThanItsThickness) {
+TEST(DrawGraphColumns, DrawsNothingBeyondTheThicknessOfABend) {
     QImage image = whiteImage(12, 100);
     drawGraphColumns(image, graphColumns({{0, 20}, {3.5, 80}, {12, 96}}, 2), {0, 0}, black);
     for (int x = 0; x < 5; ++x) {
-        // The slope behind the bend reaches 83 one column farther on.
+        // One column after the bend, the slope reaches 83.
         for (int y = 86; y < 100; ++y) {
             EXPECT_EQ(image.pixel(x, y), white) << x << " " << y;
         }
     }
 }
 
-TEST(DrawGraphColumns, LeavesOutWhatLiesOutsideTheImage) {
+TEST(DrawGraphColumns, ClipsToTheImage) {
     const auto columns = graphColumns({{0, -40}, {10, 60}, {20, 5}}, 2);
     QImage whole = whiteImage(20, 12);
     drawGraphColumns(whole, columns, {0, 0}, black);
@@ -86,7 +86,7 @@ TEST(DrawGraphColumns, LeavesOutWhatLiesOutsideTheImage) {
     EXPECT_EQ(beside, whiteImage(7, 12));
 }
 
-TEST(LayBelowGraphColumns, LiesFromTheLineToTheRowAbove) {
+TEST(LayBelowGraphColumns, FillsFromTheLineDownToTheBottom) {
     QImage image = whiteImage(6, 10);
     layBelowGraphColumns(image, graphColumns({{0, 4}, {3, 4}}, 2), {1, 1}, 8, black, 1);
     for (int y = 0; y < 10; ++y) {
@@ -104,11 +104,11 @@ TEST(LayBelowGraphColumns, StaysWithinTheImage) {
     EXPECT_EQ(image, filled);
 }
 
-TEST(LayBelowGraphColumns, LetsWhateverIsThereShowThrough) {
+TEST(LayBelowGraphColumns, BlendsWithTheImage) {
     QImage image(40, 30, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            // Rows of one colour, and others in which each pixel differs.
+            // Some rows of one colour, and some in which each pixel differs.
             image.setPixel(x, y, y % 3 == 0 ? qRgb(x * 6, 255 - x * 6, y * 8) : qRgb(y * 8, 9, 90));
         }
     }
@@ -128,7 +128,7 @@ TEST(LayBelowGraphColumns, LetsWhateverIsThereShowThrough) {
     }
 }
 
-TEST(SharpRule, IsOfWholePixelsAtAnyResolution) {
+TEST(SharpRule, IsOnWholePixelsAtAnyScale) {
     EXPECT_EQ(sharpRule({1, 50}, {101, 50}, 1), QRect(1, 50, 100, 1));
     EXPECT_EQ(sharpRule({1, 50.4}, {101, 50.4}, 1), QRect(1, 50, 100, 1));
     EXPECT_EQ(sharpRule({1.25, 62.5}, {126.25, 62.5}, 1.25), QRect(1, 62, 125, 1));
@@ -139,7 +139,7 @@ TEST(SharpRule, IsOfWholePixelsAtAnyResolution) {
     EXPECT_EQ(sharpRule({30, 1}, {30, 61}, 0.4), QRect(30, 1, 1, 60));
 }
 
-TEST(LayGraphRule, CoversItsPlaceAlone) {
+TEST(LayGraphRule, BlendsExactlyItsRectangle) {
     QImage image = whiteImage(12, 8);
     layGraphRule(image, {QRect(1, 2, 6, 2), 0, black, 0.5}, {2, 1});
     const QRgb grey = mixedColor(Qt::white, Qt::black, 0.5).rgb();
@@ -165,7 +165,7 @@ TEST(LayGraphRule, LeavesGapsAsLongAsItsDashes) {
     }
 }
 
-TEST(LayGraphRule, ContinuesItsDashesFromPartToPart) {
+TEST(LayGraphRule, ContinuesItsDashesAcrossPartsOfAnImage) {
     const GraphRule rule{QRect(-30, 2, 90, 1), 4, black, 1};
     QImage whole = whiteImage(20, 5);
     layGraphRule(whole, rule, {0, 0});

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "core/routes.h"
+#include "tests/support/words_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,50 +33,21 @@ TEST(Icons, ExistForEachRoute) {
 }
 
 TEST(Icons, ExistForEachNameUsedOnTheScreens) {
-    for (const char* name : {"antenna.radiowaves.left.and.right",
-                             "arrow.clockwise",
-                             "arrow.forward.circle.fill",
-                             "chart.bar.xaxis",
-                             "chart.xyaxis.line",
-                             "checklist.checked",
-                             "checkmark.circle",
-                             "checkmark.circle.fill",
-                             "checkmark.seal.fill",
-                             "checkmark.shield",
-                             "circle",
-                             "clock",
-                             "desktopcomputer",
-                             "doc.on.doc",
-                             "doc.text.magnifyingglass",
-                             "exclamationmark.octagon",
-                             "exclamationmark.triangle",
-                             "exclamationmark.triangle.fill",
-                             "externaldrive.badge.magnifyingglass",
-                             "folder.badge.gearshape",
-                             "gearshape",
-                             "hourglass",
-                             "info.circle",
-                             "internaldrive",
-                             "lock.fill",
-                             "lock.shield",
-                             "macwindow",
-                             "magnifyingglass",
-                             "memorychip",
-                             "network",
-                             "network.badge.shield.half.filled",
-                             "person.crop.circle",
-                             "power",
-                             "scope",
-                             "slider.horizontal.3",
-                             "sparkle",
-                             "square.and.arrow.up",
-                             "waveform.path.ecg",
-                             "xmark.circle"}) {
-        EXPECT_TRUE(hasIcon(QString::fromLatin1(name))) << name;
+    for (const std::string& name : wordsOf(
+             "antenna.radiowaves.left.and.right arrow.clockwise arrow.forward.circle.fill "
+             "chart.bar.xaxis chart.xyaxis.line checklist.checked checkmark.circle "
+             "checkmark.circle.fill checkmark.seal.fill checkmark.shield circle clock "
+             "desktopcomputer doc.on.doc doc.text.magnifyingglass exclamationmark.octagon "
+             "exclamationmark.triangle exclamationmark.triangle.fill "
+             "externaldrive.badge.magnifyingglass folder.badge.gearshape gearshape hourglass "
+             "info.circle internaldrive lock.fill lock.shield macwindow magnifyingglass memorychip "
+             "network network.badge.shield.half.filled person.crop.circle power scope "
+             "slider.horizontal.3 sparkle square.and.arrow.up waveform.path.ecg xmark.circle")) {
+        EXPECT_TRUE(hasIcon(QString::fromStdString(name))) << name;
     }
 }
 
-TEST(Icons, AllFollowTheCommonGridAndLeaveInkAtTheSmallestSize) {
+TEST(Icons, UseTheCommonGridAndAreVisibleAtTheSmallestSize) {
     ASSERT_GE(iconNames().size(), 40);
     for (const QString& name : iconNames()) {
         QFile file(u":/icons/%1.svg"_s.arg(name));
@@ -96,18 +68,15 @@ TEST(TintedIcon, IsNullForAnUnknownName) {
     EXPECT_FALSE(hasIcon(u"../icons/clock"_s));
 }
 
-TEST(TintedIcon, HasTheColorAndTheSizeAskedFor) {
+TEST(TintedIcon, HasTheRequestedColorAndSize) {
     const QPixmap pixmap = tintedIcon(u"lock.fill"_s, Qt::magenta, 20, 2);
     EXPECT_EQ(pixmap.size(), QSize(40, 40));
     EXPECT_EQ(pixmap.deviceIndependentSize(), QSizeF(20, 20));
     EXPECT_EQ(pixmap.toImage().pixelColor(20, 26), QColor(Qt::magenta));
     EXPECT_EQ(pixmap.toImage().pixelColor(0, 0).alpha(), 0);
-}
-
-TEST(TintedIcon, KeepsColorsApartInItsCache) {
-    const QString name = u"lock.fill"_s;
-    EXPECT_EQ(tintedIcon(name, Qt::red, 24, 1).toImage().pixelColor(12, 16), QColor(Qt::red));
-    EXPECT_EQ(tintedIcon(name, Qt::blue, 24, 1).toImage().pixelColor(12, 16), QColor(Qt::blue));
+    for (const QColor color : {Qt::red, Qt::blue}) {
+        EXPECT_EQ(tintedIcon(u"lock.fill"_s, color, 24, 1).toImage().pixelColor(12, 16), color);
+    }
 }
 
 TEST(ThemedIcon, FollowsTheApplicationsPalette) {
@@ -132,14 +101,14 @@ TEST(GaugeIcon, MovesItsNeedleWithTheValue) {
     EXPECT_EQ(low.pixelColor(11, 8).alpha(), 0);
 }
 
-TEST(GaugeIcon, TamesWhatIsNoPercentage) {
+TEST(GaugeIcon, ClampsToPercentages) {
     EXPECT_EQ(gaugeIcon(140, Qt::black, 22).toImage(), gaugeIcon(100, Qt::black, 22).toImage());
     EXPECT_EQ(gaugeIcon(-1, Qt::black, 22).toImage(), gaugeIcon(0, Qt::black, 22).toImage());
     EXPECT_EQ(gaugeIcon(std::numeric_limits<double>::quiet_NaN(), Qt::black, 22).toImage(),
               gaugeIcon(0, Qt::black, 22).toImage());
 }
 
-TEST(GaugeIcon, WithAHaloCanBeToldFromEveryPanel) {
+TEST(GaugeIcon, WithAHaloStandsOutFromEveryPanel) {
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         const CrestTheme theme = CrestTheme::of(paletteFor(appearance));
         for (const QColor& panel :

@@ -15,7 +15,7 @@ inline void showUnseen(QWidget& widget) {
     QCoreApplication::processEvents();
 }
 
-/// Counts how often a widget and all that is in it are painted.
+/// Counts the paint events of a widget and its children.
 class PaintCount : public QObject {
 public:
     explicit PaintCount(const QWidget& widget) : widget_(widget) {
@@ -24,7 +24,7 @@ public:
     }
     ~PaintCount() override { qApp->removeEventFilter(this); }
 
-    /// The paintings since the last call, with all that is due now.
+    /// The number of paint events since the last call, including those that are pending.
     int take() {
         QCoreApplication::processEvents();
         return std::exchange(count_, 0);

@@ -1,7 +1,6 @@
 #include "presentation/widgets/section_card.h"
 
 #include <QAccessible>
-#include <QLabel>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -19,7 +18,7 @@ namespace {
 class SectionCardTest : public testing::Test {
 protected:
     SectionCardTest() {
-        content = new ElidedLabel(u"Content"_s, &CrestFonts::body, &CrestTheme::text);
+        content = new ElidedLabel(u"Content"_s, onCard(&CrestFonts::body));
         content->setFixedHeight(100);
         card.bodyLayout()->addWidget(content);
         card.resize(300, 200);
@@ -34,13 +33,10 @@ protected:
     ElidedLabel* content = nullptr;
 };
 
-TEST_F(SectionCardTest, IsOpenAtFirstAndNamedAfterItsTitle) {
+TEST_F(SectionCardTest, IsExpandedAtFirstAndCollapsedShowsOnlyHeaderAndCaption) {
     EXPECT_FALSE(card.isCollapsed());
     EXPECT_TRUE(content->isVisible());
     EXPECT_EQ(card.accessibleName(), u"Title"_s);
-}
-
-TEST_F(SectionCardTest, ClosedItKeepsHeaderAndCaptionAlone) {
     card.setSectionCaption(u"Caption"_s);
     const int open = card.sizeHint().height();
     card.setCollapsed(true);
@@ -62,7 +58,7 @@ TEST_F(SectionCardTest, ClosedItKeepsHeaderAndCaptionAlone) {
     EXPECT_TRUE(content->isVisible());
 }
 
-TEST_F(SectionCardTest, OnlyAsksForAChangeAndWaitsForTheAnswer) {
+TEST_F(SectionCardTest, AClickOnlyRequestsTheChange) {
     const QSignalSpy wanted(card.header(), &SectionHeader::collapseWanted);
     QTest::mouseClick(card.header(), Qt::LeftButton, {}, {250, 20});
     ASSERT_EQ(wanted.count(), 1);
@@ -70,7 +66,7 @@ TEST_F(SectionCardTest, OnlyAsksForAChangeAndWaitsForTheAnswer) {
     EXPECT_FALSE(card.isCollapsed());
 }
 
-TEST_F(SectionCardTest, KeysCloseAndOpen) {
+TEST_F(SectionCardTest, KeysCollapseAndExpand) {
     QObject::connect(card.header(), &SectionHeader::collapseWanted, &card,
                      &SectionCard::setCollapsed);
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
@@ -89,7 +85,7 @@ TEST_F(SectionCardTest, KeysCloseAndOpen) {
     EXPECT_FALSE(card.isCollapsed());
 }
 
-TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
+TEST_F(SectionCardTest, TheHeaderHasAnAccessibleStateAndAction) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(card.header());
     ASSERT_NE(spoken, nullptr);
     EXPECT_EQ(spoken->role(), QAccessible::Button);
@@ -116,7 +112,7 @@ TEST_F(SectionCardTest, AssistiveTechnologyHearsItsStateAndCanPressIt) {
     EXPECT_FALSE(wanted.at(0).at(0).toBool());
 }
 
-TEST_F(SectionCardTest, AssistiveTechnologyReadsAGroupInTheOrderOfTheEye) {
+TEST_F(SectionCardTest, IsAnAccessibleGroupInVisualOrder) {
     card.setSectionCaption(u"Caption"_s);
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
     ASSERT_NE(spoken, nullptr);
@@ -128,7 +124,7 @@ TEST_F(SectionCardTest, AssistiveTechnologyReadsAGroupInTheOrderOfTheEye) {
     EXPECT_EQ(spoken->child(2)->object(), card.body());
 }
 
-TEST_F(SectionCardTest, WhatIsClosedIsNotPainted) {
+TEST_F(SectionCardTest, CollapsedContentIsNotPainted) {
     PaintCount paints(*content);
     content->setText(u"Other content"_s);
     EXPECT_GT(paints.take(), 0);
@@ -154,11 +150,11 @@ TEST(CardGrid, FillsItsRowsEvenly) {
     }
 }
 
-TEST(CardGrid, ShowsTheFirstCardsAlone) {
+TEST(CardGrid, ShowsOnlyTheFirstCards) {
     CardGrid grid(100);
-    std::vector<QLabel*> cards;
+    std::vector<QWidget*> cards;
     for (int i = 0; i < 3; ++i) {
-        cards.push_back(new QLabel(u"card"_s));
+        cards.push_back(new QWidget);
         grid.addCard(cards.back());
     }
     grid.setAttribute(Qt::WA_DontShowOnScreen);

@@ -16,14 +16,12 @@ namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 const QColor lineColor(Qt::magenta);
+const StableLineGraph::Scale scale{u"0%"_s, u"50%"_s, u"100%"_s};
 
-/// A graph on a white ground, and questions about what it painted.
+/// A graph painted on white, and functions that examine the pixels.
 class StableLineGraphTest : public testing::Test {
 protected:
-    StableLineGraphTest() {
-        graph_.resize(420, 240);
-        graph_.setLegendVisible(false);
-    }
+    StableLineGraphTest() { graph_.resize(420, 240); }
 
     void showLine(std::vector<double> values, bool fillsArea = false) {
         graph_.setSeries({{u"CPU"_s, lineColor, std::move(values), fillsArea}});
@@ -36,13 +34,18 @@ protected:
         return image;
     }
 
+    /// Without the legend and the scale.
+    QImage paintedCanvas() {
+        return painted().copy(graph_.canvasRect().adjusted(-1, -4, 4, 4).toAlignedRect());
+    }
+
     QPoint at(double xFraction, double percent) const {
         const QRectF canvas = graph_.canvasRect();
         return {qRound(canvas.left() + canvas.width() * xFraction),
                 qRound(canvas.top() + canvas.height() * (1 - percent / 100))};
     }
 
-    /// True when the line's own colour is within two pixels of a place.
+    /// Whether the colour of the line occurs within two pixels of `place`.
     bool lineNear(const QImage& image, QPoint place) const {
         for (int dy = -2; dy <= 2; ++dy) {
             for (int dx = -2; dx <= 2; ++dx) {
@@ -58,7 +61,7 @@ protected:
         return false;
     }
 
-    StableLineGraph graph_;
+    StableLineGraph graph_{scale};
 };
 
 TEST_F(StableLineGraphTest, DrawsTheLineThroughItsValues) {
@@ -71,7 +74,7 @@ TEST_F(StableLineGraphTest, DrawsTheLineThroughItsValues) {
     EXPECT_FALSE(lineNear(image, at(0.25, 60)));
 }
 
-TEST_F(StableLineGraphTest, DrawsTooHighAtTheTopAndNoPercentageAtTheBottom) {
+TEST_F(StableLineGraphTest, DrawsValuesAbove100AtTheTopAndInvalidOnesAtTheBottom) {
     showLine({140, 140, nan, nan, -20});
     const QImage image = painted();
     EXPECT_TRUE(lineNear(image, at(0.1, 100)));
@@ -79,17 +82,23 @@ TEST_F(StableLineGraphTest, DrawsTooHighAtTheTopAndNoPercentageAtTheBottom) {
     EXPECT_TRUE(lineNear(image, at(0.9, 0)));
 }
 
-TEST_F(StableLineGraphTest, DrawsOneValueAtTheLeftEdge) {
+TEST_F(StableLineGraphTest, DrawsOneValueAtTheLeftEdgeAndTwoAsALineWithoutMarks) {
+    const QImage blank = paintedCanvas();
+    showLine({}, true);
+    EXPECT_EQ(paintedCanvas(), blank);
     showLine({50}, true);
-    const QImage image = painted();
-    EXPECT_TRUE(lineNear(image, at(0, 50)));
-    EXPECT_FALSE(lineNear(image, at(0.5, 50)));
+    EXPECT_TRUE(lineNear(painted(), at(0, 50)));
+    EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
+    showLine({50, 50});
+    EXPECT_TRUE(lineNear(painted(), at(0, 50)));
+    EXPECT_TRUE(lineNear(painted(), at(0.5, 50)));
+    EXPECT_FALSE(lineNear(painted(), at(0, 50) + QPoint(3, 5)));
 }
 
-TEST_F(StableLineGraphTest, DrawsOneValueLargeEnoughToBeSeen) {
+TEST_F(StableLineGraphTest, DrawsOneValueAsAVisibleDot) {
     for (const double value : {0.0, 50.0, 100.0}) {
         showLine({value});
-        const QImage image = painted();
+        const QImage image = paintedCanvas();
         int inked = 0;
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
@@ -99,20 +108,6 @@ TEST_F(StableLineGraphTest, DrawsOneValueLargeEnoughToBeSeen) {
         EXPECT_GT(inked, 10) << value;
         EXPECT_LT(inked, 40) << value;
     }
-}
-
-TEST_F(StableLineGraphTest, DrawsALineThroughTwoValuesWithoutMarks) {
-    showLine({50, 50});
-    const QImage image = painted();
-    EXPECT_TRUE(lineNear(image, at(0, 50)));
-    EXPECT_TRUE(lineNear(image, at(0.5, 50)));
-    EXPECT_FALSE(lineNear(image, at(0, 50) + QPoint(3, 5)));
-}
-
-TEST_F(StableLineGraphTest, SkipsSeriesWithoutValues) {
-    const QImage blank = painted();
-    showLine({}, true);
-    EXPECT_EQ(painted(), blank);
 }
 
 TEST_F(StableLineGraphTest, DrawsFiveGridLines) {
@@ -171,7 +166,7 @@ TEST_F(StableLineGraphTest, DrawsADashedLineForEachFiniteEvent) {
     EXPECT_LT(inkedInColumn(image, 0.6), 0.1);
 }
 
-TEST_F(StableLineGraphTest, FillsTheAreaFaintlyWhenAsked) {
+TEST_F(StableLineGraphTest, FillsTheAreaFaintlyIfRequested) {
     showLine({80, 80}, true);
     const QColor filled = painted().pixelColor(at(0.5, 40));
     // A tenth of magenta on white.
@@ -182,8 +177,8 @@ TEST_F(StableLineGraphTest, FillsTheAreaFaintlyWhenAsked) {
     EXPECT_EQ(painted().pixelColor(at(0.5, 40)), QColor(Qt::white));
 }
 
-TEST_F(StableLineGraphTest, LaysAnAreaOverTheRulesBelowIt) {
-    // The grid at half the height, dashes at 75 percent and at three tenths of the width.
+TEST_F(StableLineGraphTest, PaintsAnAreaOverTheRulesBelowIt) {
+    // The grid at half the height, dashes at 60 percent and at three tenths of the width.
     const CrestTheme& theme = CrestTheme::current();
     const QColor& card = theme.cardBackground;
     const QColor grid = mixedColor(card, theme.secondaryText, 0.14);
@@ -222,7 +217,7 @@ TEST_F(StableLineGraphTest, LaysAnAreaOverTheRulesBelowIt) {
     expect(10, false);
 }
 
-TEST_F(StableLineGraphTest, LaysDashesOverTheGrid) {
+TEST_F(StableLineGraphTest, PaintsDashesOverTheGrid) {
     graph_.setWarningThreshold(50);
     const CrestTheme& theme = CrestTheme::current();
     const QColor grid = mixedColor(theme.cardBackground, theme.secondaryText, 0.14);
@@ -235,7 +230,7 @@ TEST_F(StableLineGraphTest, LaysDashesOverTheGrid) {
                                                       mixedColor(grid, theme.caution, 0.55).rgb()));
 }
 
-TEST_F(StableLineGraphTest, LaysAnAreaOverTheLinesOfEarlierSeries) {
+TEST_F(StableLineGraphTest, PaintsLaterSeriesOverEarlierOnes) {
     const QColor later(Qt::blue);
     graph_.setSeries({{u"CPU"_s, lineColor, {40, 40}, true}, {u"Memory"_s, later, {80, 80}, true}});
     const QImage image = painted();
@@ -249,30 +244,27 @@ TEST_F(StableLineGraphTest, LaysAnAreaOverTheLinesOfEarlierSeries) {
     EXPECT_EQ(image.pixelColor(at(0.6, 30)),
               mixedColor(mixedColor(card, lineColor, 0.1), later, 0.1));
     EXPECT_EQ(image.pixelColor(at(0.6, 60)), mixedColor(card, later, 0.1));
+    // A line lies on top of an earlier one.
+    graph_.setSeries(
+        {{u"CPU"_s, lineColor, {50, 50}, false}, {u"Memory"_s, later, {50, 50}, false}});
+    EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
 }
 
-TEST_F(StableLineGraphTest, LooksAfterANewSampleAsIfItWereNew) {
+TEST_F(StableLineGraphTest, LooksTheSameAfterANewSampleAsWhenNew) {
     std::vector<double> values;
     for (int i = 0; i < 180; ++i) {
         values.push_back(50 + 40 * std::sin(i / 3.0));
     }
-    graph_.setLegendVisible(true);
     graph_.resize(900, 240);
     showLine({1, 2}, true);
     const QImage before = graph_.grab().toImage();
     showLine(values, true);
-    StableLineGraph fresh;
+    StableLineGraph fresh(scale);
     fresh.resize(900, 240);
     fresh.setSeries({{u"CPU"_s, lineColor, values, true}});
     const QImage after = graph_.grab().toImage();
     EXPECT_EQ(after, fresh.grab().toImage());
     EXPECT_NE(after, before);
-}
-
-TEST_F(StableLineGraphTest, LaysLaterSeriesOnTop) {
-    graph_.setSeries(
-        {{u"CPU"_s, lineColor, {50, 50}, false}, {u"Memory"_s, QColor(Qt::blue), {50, 50}, false}});
-    EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
 }
 
 TEST_F(StableLineGraphTest, DoesNotRepaintForEqualData) {
@@ -293,7 +285,7 @@ TEST_F(StableLineGraphTest, DoesNotRepaintForEqualData) {
     EXPECT_EQ(paints.take(), 1);
 }
 
-TEST_F(StableLineGraphTest, SaysItsLastValuesToAssistiveTechnology) {
+TEST_F(StableLineGraphTest, HasItsLastValuesAsAccessibleValue) {
     graph_.setSeries({{u"CPU"_s, lineColor, {10, 41.6}, true},
                       {u"Idle"_s, lineColor, {}, false},
                       {u"Memory"_s, lineColor, {140}, false}});
@@ -304,9 +296,8 @@ TEST_F(StableLineGraphTest, SaysItsLastValuesToAssistiveTechnology) {
     EXPECT_EQ(spoken->text(QAccessible::Value), "CPU 42 percent, Memory 100 percent");
 }
 
-TEST_F(StableLineGraphTest, SurvivesARoomTooSmallToDrawIn) {
+TEST_F(StableLineGraphTest, ToleratesASizeTooSmallToDrawIn) {
     showLine({10, 90}, true);
-    graph_.setLegendVisible(true);
     graph_.resize(3, 3);
     EXPECT_EQ(painted().size(), QSize(3, 3));
     EXPECT_GT(graph_.canvasRect().width(), 0);

@@ -31,7 +31,7 @@ TEST(SliderScale, ReachesBothEnds) {
     }
 }
 
-TEST(SliderScale, AnyNumberHasANearestStep) {
+TEST(SliderScale, NearestStepAcceptsAnyNumber) {
     constexpr SliderScale scale{5, 100, 5};
     constexpr double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(scale.nearestStep(12.4), 1);
@@ -43,7 +43,7 @@ TEST(SliderScale, AnyNumberHasANearestStep) {
     EXPECT_EQ(scale.nearestStep(std::nan("")), 0);
 }
 
-TEST(StepSlider, TellsWhatTheOwnerDoesAndNotWhatItIsTold) {
+TEST(StepSlider, EmitsOnlyChangesByTheOwner) {
     StepSlider slider({0.5, 10, 0.5});
     std::vector<double> moved;
     QObject::connect(&slider, &StepSlider::moved,
@@ -59,7 +59,7 @@ TEST(StepSlider, TellsWhatTheOwnerDoesAndNotWhatItIsTold) {
     EXPECT_THAT(moved, ElementsAre(2.5, 2.0, 2.5, 0.5, 10.0));
 }
 
-TEST(StepSlider, ADragTellsEachStepOnce) {
+TEST(StepSlider, ADragEmitsEachStepOnce) {
     StepSlider slider({0, 10, 1});
     slider.resize(200, slider.sizeHint().height());
     slider.show(0);
@@ -76,7 +76,7 @@ TEST(StepSlider, ADragTellsEachStepOnce) {
     EXPECT_THAT(moved, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
 }
 
-TEST(StepSlider, TheWheelBelongsToThePage) {
+TEST(StepSlider, IgnoresTheWheel) {
     StepSlider slider({0, 10, 1});
     slider.show(5);
     QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
@@ -86,7 +86,7 @@ TEST(StepSlider, TheWheelBelongsToThePage) {
     EXPECT_EQ(slider.value(), 5);
 }
 
-TEST(StepSlider, AssistiveTechnologyHasTheValuesOfTheScale) {
+TEST(StepSlider, AccessibleValuesAreThoseOfTheScale) {
     StepSlider slider({0.5, 10, 0.5});
     slider.setAccessibleName(u"Maximum per run"_s);
     slider.show(2.0);
@@ -106,7 +106,7 @@ TEST(StepSlider, AssistiveTechnologyHasTheValuesOfTheScale) {
     EXPECT_DOUBLE_EQ(slider.scale().valueAt(slider.value()), 1.5);
 }
 
-TEST(StepSlider, TheKnobCanBeToldFromItsCardInBothAppearances) {
+TEST(StepSlider, TheGrooveStandsOutFromItsCardInBothAppearances) {
     const QPalette before = QApplication::palette();
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));
@@ -126,44 +126,44 @@ TEST(StepSlider, TheKnobCanBeToldFromItsCardInBothAppearances) {
 
 class LimitRowTest : public testing::Test {
 protected:
-    double field = 1.0;
-    std::vector<double> written;
-    LimitRow row{u"Maximum per run"_s,
-                 u"probe"_s,
-                 {0.5, 10, 0.5},
-                 {.read = [this] { return field; },
-                  .write =
-                      [this](double value) {
-                          written.push_back(value);
-                          field = std::min(value, 2.0);
-                      },
-                  .words = [](double value) { return QString::number(value); }}};
+    LimitRowTest() {
+        row.show(1.0);
+        // The answer of a field that takes no more than 2.
+        QObject::connect(&row, &LimitRow::moved, &row, [this](double value) {
+            moves.push_back(value);
+            row.show(std::min(value, 2.0));
+        });
+    }
+
+    std::vector<double> moves;
+    LimitRow row{u"Maximum per run"_s, u"probe"_s, {0.5, 10, 0.5}, [](double value) {
+                     return QString::number(value);
+                 }};
     StepSlider& slider = *row.findChild<StepSlider*>();
 };
 
-TEST_F(LimitRowTest, WritesEachStepOnce) {
+TEST_F(LimitRowTest, EmitsEachStepOnce) {
     slider.setValue(2);
     slider.setValue(2);
-    EXPECT_THAT(written, ElementsAre(1.5));
+    EXPECT_THAT(moves, ElementsAre(1.5));
     EXPECT_EQ(slider.valueText(), u"1.5"_s);
 }
 
-TEST_F(LimitRowTest, JumpsBackFromWhatTheFieldDoesNotTake) {
+TEST_F(LimitRowTest, JumpsBackToTheClampedValue) {
     slider.setValue(slider.maximum());
-    EXPECT_THAT(written, ElementsAre(10.0));
+    EXPECT_THAT(moves, ElementsAre(10.0));
     EXPECT_EQ(slider.value(), 3);
     EXPECT_EQ(slider.valueText(), u"2"_s);
     slider.setValue(slider.maximum() - 1);
-    EXPECT_THAT(written, ElementsAre(10.0, 9.5)) << "what is no change is the field's to know";
+    EXPECT_THAT(moves, ElementsAre(10.0, 9.5)) << "every requested value is reported";
     EXPECT_EQ(slider.value(), 3);
 }
 
-TEST_F(LimitRowTest, ShowsAFieldThatLiesBetweenTwoStepsAsItIs) {
-    field = 1.2;
-    row.refresh();
+TEST_F(LimitRowTest, ShowsAValueBetweenTwoStepsUnchanged) {
+    row.show(1.2);
     EXPECT_EQ(slider.valueText(), u"1.2"_s);
     EXPECT_EQ(slider.value(), 1);
-    EXPECT_THAT(written, ElementsAre());
+    EXPECT_THAT(moves, ElementsAre());
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 class FittedLinesTest : public testing::Test {
 protected:
-    /// What the text would be in the room that `pattern` takes.
+    /// The lines of `text` in the width of `pattern`.
     QStringList inRoomOf(const QString& pattern, const QString& text, int lines) {
         return fittedLines(text, font, QFontMetrics(font).horizontalAdvance(pattern) + 1, lines);
     }
@@ -29,26 +29,26 @@ TEST_F(FittedLinesTest, AListBreaksBetweenItsItems) {
               QStringList({u"22.4 GB free"_s, u"Wired 0.1 GB"_s, u"Compressed 0.0 GB"_s}));
 }
 
-TEST_F(FittedLinesTest, AnItemTooLongForALineBreaksWithinItself) {
+TEST_F(FittedLinesTest, AnItemLongerThanALineIsBroken) {
     EXPECT_EQ(inRoomOf(u"Compressed"_s, u"A · Compressed memory · B"_s, 4),
               QStringList({u"A"_s, u"Compressed"_s, u"memory"_s, u"B"_s}));
 }
 
-TEST_F(FittedLinesTest, WhereLinesAreShortAListFillsThemAll) {
+TEST_F(FittedLinesTest, WithTooFewLinesAListIsBrokenAnywhere) {
     const QStringList lines = inRoomOf(u"22.4 GB free · Wired"_s, figures, 2);
     ASSERT_EQ(lines.size(), 2);
     EXPECT_EQ(lines[0], u"22.4 GB free · Wired"_s);
     EXPECT_TRUE(lines[1].startsWith(u"0.1 GB"_s)) << lines[1].toStdString();
 }
 
-TEST_F(FittedLinesTest, ANumberStaysWithTheWordBehindIt) {
+TEST_F(FittedLinesTest, ANumberStaysWithTheNextWord) {
     const QString text = u"1.1 GB used of 23.5 GB"_s;
     EXPECT_EQ(inRoomOf(u"1.1 GB used of 23.5"_s, text, 4),
               QStringList({u"1.1 GB used of"_s, u"23.5 GB"_s}));
     EXPECT_EQ(inRoomOf(text, text, 4), QStringList{text});
 }
 
-TEST_F(FittedLinesTest, EveryLineIsAPieceOfTheTextAndNothingIsLost) {
+TEST_F(FittedLinesTest, EveryLineFitsAndNoTextIsLost) {
     for (int width = 30; width < 300; width += 7) {
         const QStringList lines = fittedLines(figures, font, width, 40);
         qsizetype from = 0;
@@ -65,7 +65,7 @@ TEST_F(FittedLinesTest, EveryLineIsAPieceOfTheTextAndNothingIsLost) {
     }
 }
 
-TEST_F(FittedLinesTest, NamesThatLookLikeAListAreCutLikeAnyOther) {
+TEST_F(FittedLinesTest, NamesThatLookLikeAListAreElidedLikeOthers) {
     const QString name = u"a · "_s.repeated(5000);
     const QStringList lines = fittedLines(name, font, 200, 3);
     ASSERT_EQ(lines.size(), 3);

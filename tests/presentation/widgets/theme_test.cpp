@@ -48,67 +48,40 @@ TEST(ContrastRatio, HasTheKnownValues) {
     EXPECT_NEAR(contrastRatio(QColor(0x76, 0x76, 0x76), Qt::white), 4.54, 0.01);
 }
 
-TEST(ReadableColor, KeepsWhatCanBeReadAlready) {
+TEST(ReadableColor, ChangesNoMoreThanNeeded) {
     EXPECT_EQ(readableColor(QColor(0x12, 0x34, 0x56), {Qt::white}), QColor(0x12, 0x34, 0x56));
-}
-
-TEST(ReadableColor, MovesNoFurtherThanNeeded) {
     const QColor amber = QColor::fromRgbF(1.0F, 0.69F, 0.22F);
     const QColor onWhite = readableColor(amber, {Qt::white});
     EXPECT_GE(contrastRatio(onWhite, Qt::white), 4.5);
     EXPECT_LT(contrastRatio(onWhite, Qt::white), 5);
     EXPECT_EQ(readableColor(amber, {Qt::black}), QColor::fromRgb(amber.rgb()));
+    const QColor torn = readableColor(Qt::red, {Qt::white, Qt::black, Qt::gray});
+    EXPECT_TRUE(torn == Qt::white || torn == Qt::black)
+        << "the best color for contradicting backgrounds";
 }
 
-TEST(ReadableColor, GivesTheBestThereIsWhenBackgroundsContradict) {
-    const QColor color = readableColor(Qt::red, {Qt::white, Qt::black, Qt::gray});
-    EXPECT_TRUE(color == Qt::white || color == Qt::black);
-}
-
-TEST(CrestTheme, ReadsEachTextOnCardAndPage) {
+TEST(CrestTheme, IsReadableOnEachPalette) {
     for (const PaletteCase& sample : paletteCases()) {
+        SCOPED_TRACE(sample.name);
         const CrestTheme theme = CrestTheme::of(sample.palette);
+        EXPECT_EQ(theme.appearance, sample.appearance);
         for (const auto& [name, role] : textRoles) {
-            EXPECT_GE(contrastRatio(theme.*role, theme.cardBackground), 4.5)
-                << name << " on the card, " << sample.name;
-            EXPECT_GE(contrastRatio(theme.*role, theme.pageBackground), 4.5)
-                << name << " on the page, " << sample.name;
+            EXPECT_GE(contrastRatio(theme.*role, theme.cardBackground), 4.5) << name;
+            EXPECT_GE(contrastRatio(theme.*role, theme.pageBackground), 4.5) << name;
         }
-    }
-}
-
-TEST(CrestTheme, ReadsTheTextOfEachRowOfATable) {
-    for (const PaletteCase& sample : paletteCases()) {
-        const CrestTheme theme = CrestTheme::of(sample.palette);
+        // Card and hairline stand out.
+        EXPECT_GE(contrastRatio(theme.cardBackground, theme.pageBackground), 1.06);
+        EXPECT_GE(contrastRatio(theme.hairline, theme.cardBackground), 1.15);
+        // Table rows differ slightly, and their texts are readable.
         for (const QColor& row : {theme.hoveredRow, theme.selectedRow}) {
-            EXPECT_GE(contrastRatio(theme.text, row), 4.5) << sample.name;
-            EXPECT_GE(contrastRatio(theme.secondaryText, row), 4.5) << sample.name;
+            EXPECT_GE(contrastRatio(theme.text, row), 4.5);
+            EXPECT_GE(contrastRatio(theme.secondaryText, row), 4.5);
         }
-    }
-}
-
-TEST(CrestTheme, TellsTheRowsOfATableApartQuietly) {
-    for (const PaletteCase& sample : paletteCases()) {
-        const CrestTheme theme = CrestTheme::of(sample.palette);
         const double hovered = contrastRatio(theme.hoveredRow, theme.cardBackground);
-        EXPECT_GT(hovered, 1.02) << sample.name;
-        EXPECT_LT(hovered, 1.2) << sample.name;
-        EXPECT_NE(theme.selectedRow, theme.hoveredRow) << sample.name;
-        EXPECT_NE(theme.selectedRow, theme.cardBackground) << sample.name;
-    }
-}
-
-TEST(CrestTheme, TellsLightAndDarkApartByThePage) {
-    for (const PaletteCase& sample : paletteCases()) {
-        EXPECT_EQ(CrestTheme::of(sample.palette).appearance, sample.appearance) << sample.name;
-    }
-}
-
-TEST(CrestTheme, LiftsTheCardOffThePage) {
-    for (const PaletteCase& sample : paletteCases()) {
-        const CrestTheme theme = CrestTheme::of(sample.palette);
-        EXPECT_GE(contrastRatio(theme.cardBackground, theme.pageBackground), 1.06) << sample.name;
-        EXPECT_GE(contrastRatio(theme.hairline, theme.cardBackground), 1.15) << sample.name;
+        EXPECT_GT(hovered, 1.02);
+        EXPECT_LT(hovered, 1.2);
+        EXPECT_NE(theme.selectedRow, theme.hoveredRow);
+        EXPECT_NE(theme.selectedRow, theme.cardBackground);
     }
 }
 
@@ -130,7 +103,7 @@ TEST(CrestTheme, HasAnOpaqueAmberAccentInBothAppearances) {
     }
 }
 
-TEST(CrestTheme, FollowsTheApplicationsPaletteLive) {
+TEST(CrestTheme, FollowsThePaletteOfTheApplication) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(paletteFor(Appearance::dark));
     EXPECT_EQ(CrestTheme::current().appearance, Appearance::dark);
@@ -162,7 +135,7 @@ TEST(CrestFonts, HaveTheThreeSizes) {
     EXPECT_EQ(fonts.body.family(), QApplication::font().family());
 }
 
-TEST(MixedColor, GoesFromOneToTheOther) {
+TEST(MixedColor, InterpolatesBetweenTwoColors) {
     const QColor from(0, 100, 200);
     const QColor to(100, 200, 0);
     EXPECT_EQ(mixedColor(from, to, 0), from);
@@ -170,7 +143,7 @@ TEST(MixedColor, GoesFromOneToTheOther) {
     EXPECT_EQ(mixedColor(from, to, 1), to);
 }
 
-TEST(HasTabularDigits, ComparesTheWidthsOfAllDigits) {
+TEST(FiguresWidth, IsTheSameForAllDigits) {
     const QFont font = CrestFonts::current().body;
     const QFontMetrics metrics(font);
     bool areEqual = true;
@@ -179,12 +152,8 @@ TEST(HasTabularDigits, ComparesTheWidthsOfAllDigits) {
             areEqual && metrics.horizontalAdvance(QChar(digit)) == metrics.horizontalAdvance(u'0');
     }
     EXPECT_EQ(hasTabularDigits(font), areEqual);
-}
-
-TEST(FiguresWidth, IsTheSameForAllDigits) {
-    const QFont font = CrestFonts::current().body;
     EXPECT_EQ(figuresWidth(font, u"111%"_s), figuresWidth(font, u"888%"_s));
-    EXPECT_GE(figuresWidth(font, u"111%"_s), QFontMetrics(font).horizontalAdvance(u"111%"_s));
+    EXPECT_GE(figuresWidth(font, u"111%"_s), metrics.horizontalAdvance(u"111%"_s));
 }
 
 }  // namespace

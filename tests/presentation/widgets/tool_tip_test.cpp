@@ -23,7 +23,7 @@ QString readBy(const QString& tip) {
     return document.toPlainText();
 }
 
-TEST(ToolTipText, IsReadAsItWasGiven) {
+TEST(ToolTipText, ShowsTheTextUnchanged) {
     for (const QString& plain :
          {u"/tmp/<img src=x>&amp;"_s, u"%1  two blanks %2"_s, u"two\nlines"_s}) {
         EXPECT_EQ(readBy(toolTipText(plain)), plain);
@@ -31,7 +31,7 @@ TEST(ToolTipText, IsReadAsItWasGiven) {
     EXPECT_TRUE(toolTipText(QString()).isEmpty());
 }
 
-TEST(ToolTipText, ALongTextBecomesLinesAndALongerOneIsCut) {
+TEST(ToolTipText, WrapsALongTextAndCutsAVeryLongOne) {
     const QStringList lines = readBy(toolTipText(u"/a-folder"_s.repeated(30))).split(u'\n');
     EXPECT_GT(lines.size(), 2);
     EXPECT_EQ(lines.join(QString()), u"/a-folder"_s.repeated(30));
@@ -40,7 +40,7 @@ TEST(ToolTipText, ALongTextBecomesLinesAndALongerOneIsCut) {
     EXPECT_LE(cut.count(u'\n'), 11);
 }
 
-/// The tips of the real program.
+/// Tool tips in the style of the real program.
 class ToolTipTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
@@ -87,7 +87,7 @@ TEST_F(ToolTipTest, FollowsTheTheme) {
                                      contrastRatio(image.pixelColor(x, y), theme.cardBackground));
             }
         }
-        EXPECT_GE(strongest, 4.5) << "its words";
+        EXPECT_GE(strongest, 4.5) << "its text";
         EXPECT_EQ(tip->font().pixelSize(), CrestFonts::current().body.pixelSize());
     }
 }

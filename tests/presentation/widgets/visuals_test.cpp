@@ -92,9 +92,8 @@ TEST(ElidedLabel, NewFiguresLookAsInAFreshLabel) {
 }
 
 TEST(ElidedLabel, PaintsItsGround) {
-    ElidedLabel label;
+    ElidedLabel label(LabelStyle{.ground = QColor(Qt::cyan)});
     label.resize(40, 20);
-    label.setGround(QColor(Qt::cyan));
     QImage image(label.size(), QImage::Format_RGB32);
     image.fill(Qt::white);
     label.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// An afternoon in the local time zone of the test.
+/// A date in March 2026, in the local time zone.
 Date at(int day, int hour, int minute) {
     const QDateTime time(QDate(2026, 3, day), QTime(hour, minute, 12));
     return Date::fromUnixSeconds(static_cast<double>(time.toSecsSinceEpoch()));
@@ -83,12 +83,12 @@ TEST_F(AutomationLinesTest, TheStopShowsOnlyOnTheSwitchesItGoverns) {
             EXPECT_EQ(line(which).state, unstopped);
             settings.automationEmergencyStopEngaged = true;
             EXPECT_EQ(line(which).state, isOutside ? unstopped : ArmedState::stopped);
-            EXPECT_EQ(line(which).isOn, isOn) << "the switch shows the field whatever stops it";
+            EXPECT_EQ(line(which).isOn, isOn) << "the switch shows the setting even while stopped";
         }
     }
 }
 
-TEST_F(AutomationLinesTest, IdentifiersAreUnique) {
+TEST_F(AutomationLinesTest, IdentifiersAndStatesHaveDifferentWords) {
     QStringList identifiers;
     for (const AutomationSwitch which : allAutomationSwitches) {
         identifiers.append(automationIdentifier(which));
@@ -96,6 +96,9 @@ TEST_F(AutomationLinesTest, IdentifiersAreUnique) {
     EXPECT_EQ(identifiers.join(u' '),
               u"auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
               "notification-actions"_s);
+    EXPECT_EQ(armedWord(ArmedState::on), u"On"_s);
+    EXPECT_EQ(armedWord(ArmedState::off), u"Off"_s);
+    EXPECT_EQ(armedWord(ArmedState::stopped), u"Stopped"_s);
 }
 
 TEST_F(AutomationLinesTest, CountsTheEnabledAutomations) {
@@ -103,7 +106,7 @@ TEST_F(AutomationLinesTest, CountsTheEnabledAutomations) {
     const auto words = [this] { return automationsOn(settings).toStdString(); };
     EXPECT_EQ(words(), "No automations on");
     settings.notificationsIncludeActions = true;
-    EXPECT_EQ(words(), "No automations on") << "a convenience acts on nothing";
+    EXPECT_EQ(words(), "No automations on") << "it does not act automatically";
     settings.aiSafeActionsEnabled = true;
     EXPECT_EQ(words(), "1 automation on");
     settings.autoSelectTopOffender = true;
@@ -135,12 +138,6 @@ TEST_F(AutomationLinesTest, SummaryListsAllAutomations) {
               "Allow AI safe actions: Off");
 }
 
-TEST_F(AutomationLinesTest, TheStatesHaveDifferentWords) {
-    EXPECT_EQ(armedWord(ArmedState::on), u"On"_s);
-    EXPECT_EQ(armedWord(ArmedState::off), u"Off"_s);
-    EXPECT_EQ(armedWord(ArmedState::stopped), u"Stopped"_s);
-}
-
 TEST_F(AutomationLinesTest, SaysThatItHasNotActedYet) {
     for (const AutomationSwitch which : autoRuleSwitches) {
         EXPECT_EQ(lastActed(which), "No recent action");
@@ -163,14 +160,12 @@ TEST_F(AutomationLinesTest, EachRuleHasItsOwnDate) {
     EXPECT_EQ(lastActed(AutomationSwitch::diskAutopilotEnabled), "Last checked 1:30 PM");
 }
 
-TEST_F(AutomationLinesTest, UsesTheTimeInTheActivityLog) {
-    log = {event(at(14, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
-    EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "Last acted 2:30 PM");
-}
-
-TEST_F(AutomationLinesTest, TimesOfAnotherDayHaveADate) {
-    log = {event(at(12, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
-    EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), "Last acted 3/12/2026, 2:30 PM");
+TEST_F(AutomationLinesTest, UsesTheTimeInTheActivityLogAndTheDateOfAnotherDay) {
+    for (const auto& [day, words] :
+         {std::pair{14, "Last acted 2:30 PM"}, {12, "Last acted 3/12/2026, 2:30 PM"}}) {
+        log = {event(at(day, 14, 30), "Auto Rule", load_rules::autoSelectDetail("editor", 82.0))};
+        EXPECT_EQ(lastActed(AutomationSwitch::autoSelectTopOffender), words);
+    }
 }
 
 TEST_F(AutomationLinesTest, TimesFollowTheLocale) {

@@ -25,11 +25,11 @@ protected:
     const QDateTime evening{QDate(2026, 3, 9), QTime(20, 5)};
 };
 
-TEST_F(ActivityLinesTest, NoneForAnEmptyLog) {
+TEST_F(ActivityLinesTest, EmptyForAnEmptyLog) {
     EXPECT_THAT(activityLines({}, 5, at(evening)), IsEmpty());
 }
 
-TEST_F(ActivityLinesTest, TheNewestInTheirOrderAndNoMoreThanTheLimit) {
+TEST_F(ActivityLinesTest, KeepsTheOrderUpToTheLimit) {
     std::vector<ActivityEvent> events;
     for (const char* detail : {"third", "second", "first"}) {
         events.push_back({UUID::random(), at(evening), "Action", detail});
@@ -41,7 +41,7 @@ TEST_F(ActivityLinesTest, TheNewestInTheirOrderAndNoMoreThanTheLimit) {
     EXPECT_THAT(activityLines(events, 9, at(evening)), SizeIs(3));
 }
 
-TEST_F(ActivityLinesTest, OnlyTheTitleOfAWarningMakesOne) {
+TEST_F(ActivityLinesTest, OnlyTheTitleMarksAWarning) {
     const auto lines = activityLines({{UUID::random(), at(evening), "Warning", "d"},
                                       {UUID::random(), at(evening), "Auto Rule", "Warning"}},
                                      5, at(evening));
@@ -50,14 +50,14 @@ TEST_F(ActivityLinesTest, OnlyTheTitleOfAWarningMakesOne) {
     EXPECT_EQ(lines[1].title, u"Auto Rule"_s);
 }
 
-TEST_F(ActivityLinesTest, WhatCouldForgeALineOrTurnItsDirectionIsMarked) {
+TEST_F(ActivityLinesTest, ControlAndDirectionCharactersAreReplaced) {
     const auto lines = activityLines(
         {{UUID::random(), at(evening), "Act\nion", "a\tb\u202Ec\u2028d <b>e</b>"}}, 5, at(evening));
     EXPECT_EQ(lines[0].title, u"Act\uFFFDion"_s);
     EXPECT_EQ(lines[0].detail, u"a\uFFFDb\uFFFDc\uFFFDd <b>e</b>"_s);
 }
 
-TEST_F(ActivityLinesTest, TimesAreInTheLocalesFormAndBearTheirDateOnAnotherDay) {
+TEST_F(ActivityLinesTest, TimesFollowTheLocaleAndHaveADateOnAnotherDay) {
     const auto timeOf = [this](const QDateTime& time) {
         return activityLines({{UUID::random(), at(time), "Action", "d"}}, 1, at(evening))[0]
             .time.toStdString();
@@ -82,7 +82,7 @@ SummaryTexts texts(const char* title, const char* value, const char* detail) {
     return {QString::fromUtf8(title), QString::fromUtf8(value), QString::fromUtf8(detail)};
 }
 
-TEST(SessionSummary, OfASessionInWhichNothingHappened) {
+TEST(SessionSummary, OfASessionWithoutEvents) {
     EXPECT_THAT(
         sessionSummary({}, {}, {}),
         ElementsAre(texts("Events", "0 warnings",
@@ -103,7 +103,7 @@ TEST(SessionSummary, CountsWarningsAndActionsByTheirExactTitles) {
                               "2 logged actions. Use Export for a full diagnostics file."));
 }
 
-TEST(SessionSummary, TakesTheTopAppsFromTheInsightsOfThoseTitles) {
+TEST(SessionSummary, TakesTheTopAppsFromTheInsights) {
     const auto cards = sessionSummary(
         {},
         {insight(Kind::peakCPU, "Peak CPU", "97%"), insight(Kind::peakMemory, "Peak Memory", "80%"),
@@ -120,7 +120,7 @@ TEST(SessionSummary, ListsTheAppsThatAreNeverQuit) {
     EXPECT_EQ(cards[3], texts("Never Quit", "2 apps", "Music, mail"));
 }
 
-TEST(SessionInsightCards, AreTheInsightsAsTheyAre) {
+TEST(SessionInsightCards, AreTheUnchangedInsights) {
     EXPECT_THAT(sessionInsightCards({}),
                 ElementsAre(texts("Session", "Starting",
                                   "Tallowcrest is collecting enough samples to identify "

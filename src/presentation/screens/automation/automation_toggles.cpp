@@ -5,9 +5,9 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/toggle_switch.h"
 
@@ -34,12 +34,10 @@ StateLook lookOf(ArmedState state) {
 }  // namespace
 
 AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) : QWidget(parent) {
-    const auto addLabel = [&](const char* part, ElidedLabel::FontRole font, const ThemeColor& color,
-                              int lines) {
-        auto* label = new ElidedLabel(QString(), font, color, this);
+    const auto addLabel = [&](const char* part, const LabelStyle& style, int lines) {
+        auto* label = new ElidedLabel(style, this);
         label->setObjectName(identifier + QString::fromLatin1(part));
         label->setLines(1, lines);
-        label->setGround(&CrestTheme::cardBackground);
         return label;
     };
     auto* row = new QHBoxLayout(this);
@@ -51,10 +49,11 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
 
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
-    title_ = addLabel(".title", &CrestFonts::body, &CrestTheme::text, 2);
-    explanation_ = addLabel(".explanation", &CrestFonts::caption, &CrestTheme::secondaryText, 6);
-    lastActed_ = addLabel(".last-acted", &CrestFonts::caption, &CrestTheme::text, 1);
-    // The title stands at the height of the switch.
+    title_ = addLabel(".title", onCard(&CrestFonts::body), 2);
+    explanation_ =
+        addLabel(".explanation", onCard(&CrestFonts::caption, &CrestTheme::secondaryText), 6);
+    lastActed_ = addLabel(".last-acted", onCard(&CrestFonts::caption), 1);
+    // Centres the title vertically on the switch.
     words->addSpacing((toggle_->sizeHint().height() - title_->sizeHint().height()) / 2);
     for (ElidedLabel* label : {title_, explanation_, lastActed_}) {
         words->addWidget(label);
@@ -63,8 +62,8 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     row->addLayout(words, 1);
 
     stateIcon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
-    state_ = addLabel(".state", &CrestFonts::body, &CrestTheme::text, 1);
-    // The rows' words stand below each other, whichever they are.
+    state_ = addLabel(".state", onCard(&CrestFonts::body), 1);
+    // The same width for every state, so that the states of the rows are aligned.
     state_->setReservedText(armedWord(ArmedState::stopped));
     auto* state = new QHBoxLayout;
     state->setSpacing(spacing::unit);
@@ -74,14 +73,14 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     row->addLayout(state);
     row->setAlignment(state, Qt::AlignTop);
     connect(toggle_, &QAbstractButton::clicked, this, [this] { askFor(!line_.isOn); });
-    // Assistive technology may throw the switch without a click.
+    // Assistive technology may toggle the switch without a click.
     connect(toggle_, &QAbstractButton::toggled, this, &AutomationToggle::askFor);
     showLine();
 }
 
 void AutomationToggle::askFor(bool on) {
     emit wanted(on);
-    // A refusal leaves the line as it is.
+    // If the change was refused, the line is unchanged, but the switch has moved.
     showSwitch();
 }
 
@@ -134,7 +133,7 @@ AutomationToggles::AutomationToggles(const QString& identifier,
         layout->addWidget(row);
         rows_.emplace_back(which, row);
     }
-    // The words take their room before there is any state to show.
+    // The texts take their room before there is a state to show.
     show({Settings{}, AutomationDates{}, {}, std::nullopt});
 }
 

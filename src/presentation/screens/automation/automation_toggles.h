@@ -15,19 +15,19 @@ class ElidedLabel;
 class IconView;
 class ToggleSwitch;
 
-/// One switch with its words, whether it is armed, and when it last acted. A click anywhere on the
-/// row is one on the switch. Stands on a card. Main thread.
+/// One switch with its texts, whether it may act, and when it last acted. A click anywhere on the
+/// row is a click on the switch. For use on a card. Main thread.
 class AutomationToggle final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `identifier` is the one of the switch.
+    /// `identifier` is the object name of the switch.
     explicit AutomationToggle(const QString& identifier, QWidget* parent = nullptr);
 
     void setLine(const AutomationLine& line);
 
 signals:
-    /// The owner wants the switch on or off. It keeps showing what it was told last.
+    /// The owner asked to turn the switch on or off. It stays as it is until `setLine`.
     void wanted(bool on);
 
 protected:
@@ -47,12 +47,12 @@ private:
     ElidedLabel* state_ = nullptr;
 };
 
-/// Switches below each other. Stands on a card. Main thread.
+/// A column of switches. For use on a card. Main thread.
 class AutomationToggles final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `identifier` is what each switch's own begins with: "IDENTIFIER.auto-select".
+    /// The object names of the switches begin with `identifier`: "IDENTIFIER.auto-select".
     explicit AutomationToggles(const QString& identifier,
                                std::span<const AutomationSwitch> switches = autoRuleSwitches,
                                QWidget* parent = nullptr);
@@ -60,7 +60,7 @@ public:
     void show(const AutomationFacts& facts);
 
 signals:
-    /// The owner wants a switch on or off. Until `show` tells otherwise it stays as it was.
+    /// The owner asked to turn a switch on or off. It stays as it is until `show`.
     void wanted(AutomationSwitch which, bool on);
 
 private:

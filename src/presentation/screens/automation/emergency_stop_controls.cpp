@@ -4,11 +4,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/controls.h"
+#include "presentation/shell/command_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/commands.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,9 +28,8 @@ EmergencyStopControls::EmergencyStopControls(const QString& identifier, QWidget*
     buttons->addStretch(1);
     layout->addLayout(buttons);
     auto* words = new ElidedLabel(QString::fromUtf8(commands::emergencyStop.description),
-                                  &CrestFonts::caption, &CrestTheme::secondaryText, this);
+                                  onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
     words->setLines(1, 3);
-    words->setGround(&CrestTheme::cardBackground);
     layout->addWidget(words);
 
     connect(stop_, &QPushButton::clicked, this, &EmergencyStopControls::stopWanted);
@@ -41,7 +39,7 @@ EmergencyStopControls::EmergencyStopControls(const QString& identifier, QWidget*
 
 void EmergencyStopControls::setEngaged(bool isEngaged) {
     if (!isEngaged && resume_->hasFocus()) {
-        // The keyboard stays in the row whose button it pressed.
+        // The focused button is about to be hidden. Keep the focus beside it.
         stop_->setFocus();
     }
     resume_->setVisible(isEngaged);

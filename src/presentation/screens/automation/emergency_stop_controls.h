@@ -6,20 +6,23 @@ class QPushButton;
 
 namespace tallowcrest {
 
-/// The emergency stop and, while it is engaged, the way back. The one never waits for an answer,
-/// and the other never takes its place: whoever presses twice in haste does not resume. Stands on
-/// a card. Main thread.
+/// The emergency stop and, while it is engaged, a button that resumes. The stop asks for no
+/// confirmation. "Resume" appears beside it, not in its place, so that a double click does not
+/// resume. For use on a card. Main thread.
 class EmergencyStopControls final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `identifier` is what the buttons' own begin with: "IDENTIFIER.emergency-stop".
+    /// The object names of the buttons begin with `identifier`: "IDENTIFIER.emergency-stop".
     explicit EmergencyStopControls(const QString& identifier, QWidget* parent = nullptr);
 
+    /// Shows "Resume Manual Mode" only while the stop is engaged.
     void setEngaged(bool isEngaged);
 
 signals:
+    /// The owner pressed the emergency stop.
     void stopWanted();
+    /// The owner pressed "Resume Manual Mode".
     void resumeWanted();
 
 private:

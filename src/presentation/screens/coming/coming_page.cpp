@@ -5,6 +5,7 @@
 #include "actions/automation.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/disk_autopilot.h"
 #include "presentation/screens/optimize/workspace_bar.h"
 #include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/shell/window_state.h"
@@ -51,44 +52,36 @@ ComingPage::ComingPage(SystemMonitor& monitor, WindowState& state, AppRoute rout
     auto* card = new Card(content);
     card->setObjectName(u"coming."_s + dashboard_text::text(rawValue(route)));
     card->setAccessibleName(dashboard_text::text(title(route)));
-    line_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    line_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
     line_->setObjectName(card->objectName() + u".line"_s);
     line_->setLines(1, 3);
-    line_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
     if (route == AppRoute::optimizationSuggestions) {
-        disk_ = makeDisk();
+        disk_ = makeDiskAutopilot(u"suggestions"_s, monitor_.automation(), state_.sections);
         layout->addWidget(disk_);
     }
     layout->addStretch(1);
     scrollOnPage(content, *this);
 }
 
-DiskAutopilotBlock* ComingPage::makeDisk() {
-    auto* disk = new DiskAutopilotBlock(u"suggestions"_s);
-    connect(disk, &DiskAutopilotBlock::collapseWanted, this, [this, disk](bool collapsed) {
-        state_.sections.setCollapsed(disk->section(), collapsed);
-    });
-    connect(disk, &DiskAutopilotBlock::stopWanted, this,
-            [this] { monitor_.automation().engageEmergencyStop(); });
-    connect(disk, &DiskAutopilotBlock::resumeWanted, this,
-            [this] { monitor_.automation().resumeFromEmergencyStop(); });
-    return disk;
-}
-
 std::vector<Observable*> ComingPage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
-            &monitor_.automation().observable()};
+    std::vector<Observable*> shown{&monitor_.sample().observable()};
+    if (disk_ != nullptr) {
+        shown.push_back(&monitor_.settingsOwner().observable());
+        shown.push_back(&monitor_.automation().observable());
+    }
+    return shown;
 }
 
 void ComingPage::refresh() {
     const auto& snapshot = monitor_.sample().snapshot();
     line_->setText(snapshot ? comingLine(route_) : u"Sampling this Mac..."_s);
     if (disk_ != nullptr) {
-        disk_->setCollapsed(state_.sections.isCollapsed(disk_->section()));
-        disk_->show({snapshot, monitor_.settings(), monitor_.automation().diskAutopilotStatus(),
-                     monitor_.host().places.caches});
+        showDiskAutopilot(
+            *disk_, state_.sections,
+            {snapshot, monitor_.settings(), monitor_.automation().diskAutopilotStatus(),
+             monitor_.host().places.caches});
     }
 }
 

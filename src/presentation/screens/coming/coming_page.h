@@ -10,8 +10,9 @@ class ElidedLabel;
 class SystemMonitor;
 struct WindowState;
 
-/// What a route says whose screen is still to come: one plain line, below the workspace bar where
-/// the route is a step of that, and above what a step has already. Main thread.
+/// Stands in for a screen that does not exist yet: a line that says what it will show, with the
+/// workspace bar above it on the steps of the Optimize workspace, and with the Disk Autopilot block
+/// below it on "Recommended". Main thread.
 class ComingPage final : public Screen {
     Q_OBJECT
 
@@ -23,13 +24,11 @@ public:
     std::vector<Observable*> shows() const override;
 
 private:
-    DiskAutopilotBlock* makeDisk();
-
     SystemMonitor& monitor_;
     WindowState& state_;
     AppRoute route_;
     ElidedLabel* line_ = nullptr;
-    DiskAutopilotBlock* disk_ = nullptr;  ///< on the one route that has it
+    DiskAutopilotBlock* disk_ = nullptr;  ///< null on the routes without it
 };
 
 }  // namespace tallowcrest

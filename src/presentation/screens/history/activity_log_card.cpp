@@ -8,10 +8,10 @@
 #include <QVBoxLayout>
 
 #include "core/routes.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_lines.h"
@@ -21,8 +21,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-QString eventCount(std::size_t count) {
-    return u"%1 events"_s.arg(count);
+QString eventCount(std::size_t events) {
+    return dashboard_text::count(static_cast<std::int64_t>(events)) + u" events"_s;
 }
 
 }  // namespace
@@ -34,12 +34,9 @@ ActivityEntry::ActivityEntry(QWidget* parent) : QWidget(parent) {
     layout->setHorizontalSpacing(spacing::unit);
     layout->setVerticalSpacing(2);
     icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
-    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    time_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    for (ElidedLabel* label : {title_, time_, detail_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
+    title_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
+    time_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    detail_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     detail_->setLines(1, mostDetailLines);
     layout->addWidget(icon_, 0, 0, Qt::AlignVCenter);
@@ -70,8 +67,8 @@ ActivityLogCard::ActivityLogCard(QWidget* parent) : Card(parent) {
     setObjectName(u"history.activity-log"_s);
     setHeader(u"clock"_s, dashboard_text::text(title(DashboardSection::activityLog)));
     setCaption(eventCount(0));
-    // One press ends the whole record. So it stands by itself, at the other end of the row, and
-    // Return, meant for something else, does not press it.
+    // One press removes the whole log. So the button is apart from all others, and a DangerButton,
+    // which Return does not press.
     auto* clear = new DangerButton(this);
     clear->setTitle(u"Clear"_s);
     clear->setObjectName(u"history.clear-log"_s);
@@ -81,11 +78,10 @@ ActivityLogCard::ActivityLogCard(QWidget* parent) : Card(parent) {
     headerLayout()->addWidget(clear);
     clear_ = clear;
 
-    empty_ = new ElidedLabel(u"Actions and warnings will appear here."_s, &CrestFonts::body,
-                             &CrestTheme::secondaryText, this);
+    empty_ = new ElidedLabel(u"Actions and warnings will appear here."_s,
+                             onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     empty_->setObjectName(u"history.activity-log-empty"_s);
     empty_->setLines(1, 2);
-    empty_->setGround(&CrestTheme::cardBackground);
     contentLayout()->addWidget(empty_);
     list_ = new QWidget(this);
     rows_ = new QVBoxLayout(list_);
@@ -102,7 +98,7 @@ void ActivityLogCard::show(const std::vector<ActivityEvent>& events, Date now) {
     for (const ActivityEvent& event : events) {
         identifiers.push_back(event.id);
     }
-    // Times of an earlier day bear its date.
+    // On another day, more of the times have a date.
     const std::int64_t day = dashboard_text::localDay(now);
     if (identifiers == shown_ && day == shownDay_) {
         return;
@@ -139,7 +135,7 @@ void ActivityLogCard::matchEntries(const std::vector<UUID>& identifiers) {
         newest.push_back(new ActivityEntry(list_));
         rows_->insertWidget(i, newest.back());
     }
-    // Assistive technology goes by the order of the children.
+    // Assistive technology reads the entries in the order of the child widgets.
     std::for_each(newest.rbegin(), newest.rend(), [](ActivityEntry* entry) { entry->lower(); });
     entries_.insert(entries_.begin(), newest.begin(), newest.end());
     while (entries_.size() < identifiers.size()) {

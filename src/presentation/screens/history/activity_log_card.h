@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "core/local_records.h"
+#include "core/activity_event.h"
 #include "core/uuid.h"
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 
 class QPushButton;
@@ -17,9 +17,8 @@ namespace tallowcrest {
 struct ActivityLine;
 class IconView;
 
-/// One entry of the activity log with all that it says: what happened and when, and below it the
-/// detail, in as many lines as it needs within reason. Assistive technology hears it as one text.
-/// Main thread.
+/// One entry of the activity log: title and time, and below them the detail in up to
+/// `mostDetailLines` lines. Assistive technology reads it as one text. Main thread.
 class ActivityEntry final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
@@ -44,24 +43,26 @@ private:
     ElidedLabel* detail_ = nullptr;
 };
 
-/// The whole activity log, newest first, and the button that empties it. An entry keeps its row as
-/// long as it is in the log: what is new comes above it and nothing else changes. Main thread.
+/// The whole activity log, newest first, and the button that empties it. An entry keeps its widget
+/// as long as it is in the log; new entries are inserted above. Main thread.
 class ActivityLogCard final : public Card {
     Q_OBJECT
 
 public:
     explicit ActivityLogCard(QWidget* parent = nullptr);
 
-    /// `events` come newest first. Times of another day than `now` bear their date.
+    /// `events` come newest first. Times of another day than `now` have their date.
     void show(const std::vector<ActivityEvent>& events, Date now);
 
     /// Newest first.
     const std::vector<ActivityEntry*>& entries() const { return entries_; }
 
 signals:
+    /// The owner pressed "Clear".
     void clearWanted();
 
 private:
+    /// Makes `entries_` correspond to the identifiers, reusing the entries that stay.
     void matchEntries(const std::vector<UUID>& identifiers);
 
     QPushButton* clear_ = nullptr;
@@ -69,8 +70,8 @@ private:
     QWidget* list_ = nullptr;
     QVBoxLayout* rows_ = nullptr;
     std::vector<ActivityEntry*> entries_;
-    std::vector<UUID> shown_;               ///< one for each of `entries_`
-    std::optional<std::int64_t> shownDay_;  ///< of which times are told without a date
+    std::vector<UUID> shown_;               ///< those of `entries_`
+    std::optional<std::int64_t> shownDay_;  ///< whose times are shown without a date
 };
 
 }  // namespace tallowcrest

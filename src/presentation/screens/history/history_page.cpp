@@ -16,13 +16,13 @@
 #include "presentation/screens/automation/automation_toggles.h"
 #include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/timeline_graph.h"
+#include "presentation/shell/automation_facts.h"
+#include "presentation/shell/command_button.h"
 #include "presentation/widgets/arrange_now.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_lines.h"
 #include "reports/reports.h"
@@ -33,8 +33,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-QString pointCount(std::size_t count) {
-    return u"Last %1"_s.arg(count);
+QString pointCount(std::size_t points) {
+    return u"Last "_s + dashboard_text::count(static_cast<std::int64_t>(points));
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ QWidget* HistoryPage::makeTimeline() {
     timeline_->setObjectName(u"history.timeline"_s);
     timeline_->setHeader(u"waveform.path.ecg"_s, u"Local Timeline"_s);
     timeline_->reserveCaption(pointCount(LatestSample::maximumHistory));
-    graph_ = new StableLineGraph(timeline_);
+    graph_ = makeTimelineGraph(timeline_);
     graph_->setMinimumHeight(18 * spacing::unit);
     timeline_->contentLayout()->addWidget(graph_);
     return timeline_;
@@ -89,9 +89,8 @@ QWidget* HistoryPage::makeReceipts() {
     auto* words = new ElidedLabel(
         u"Diagnostics exports include local load, remote health, AI recommendations, "
         "action settings, and recent activity without exposing your OpenAI key."_s,
-        &CrestFonts::body, &CrestTheme::secondaryText, card);
+        onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
     words->setLines(1, 4);
-    words->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(words);
     auto* copy = makeButton(commands::copyReport, u"history.receipts.copy-report"_s, card);
     auto* write = makeButton(commands::exportReport, u"history.receipts.export"_s, card);
@@ -110,7 +109,7 @@ QWidget* HistoryPage::makeReceipts() {
 
 std::vector<Observable*> HistoryPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
 }
 
 void HistoryPage::refresh() {
@@ -134,8 +133,7 @@ void HistoryPage::refreshAll() {
 }
 
 void HistoryPage::showAutomation() {
-    automation_->show({monitor_.settings(), monitor_.autoRules().dates(),
-                       monitor_.log().activityLog(), monitor_.sample().snapshot()});
+    automation_->show(automationFacts(monitor_));
 }
 
 int HistoryPage::placeInView(const QWidget& widget) const {

@@ -16,8 +16,8 @@ class Card;
 class StableLineGraph;
 class SystemMonitor;
 
-/// What happened: the load of the session, what may act by itself, receipts to take along and the
-/// activity log. Main thread.
+/// The load of the session, the automation switches, the report to copy or export, and the activity
+/// log. Main thread.
 class HistoryPage final : public Screen {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ public:
     std::vector<Observable*> shows() const override;
 
 private:
-    /// The entry at the top of the view and where it stands, once the log has been scrolled into.
+    /// The topmost visible entry of the log and its position in the view.
     struct ReadingPlace {
         ActivityEntry* entry;
         int y;
@@ -39,7 +39,9 @@ private:
     QWidget* makeReceipts();
     void refreshAll();
     void showAutomation();
+    /// Absent while the top of the log has not been scrolled out of the view.
     std::optional<ReadingPlace> readingPlace() const;
+    /// Scrolls so that the entry is at its former position, if it is still in the log.
     void keepReadingPlace(const ReadingPlace& place);
     int placeInView(const QWidget& widget) const;
 

@@ -51,7 +51,7 @@ void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
     }
 }
 
-/// The lock and its word behind a name; returns the room that is left for the name.
+/// Paints the protected mark after the name; returns the room that is left for the name.
 QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
                          const CrestTheme& theme) {
     const QFont& font = CrestFonts::current().caption;
@@ -86,7 +86,7 @@ void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word
     painter.drawText(button, Qt::AlignCenter, word);
 }
 
-/// The keyboard's place is a row: each of its cells draws its part of one ring.
+/// The focus ring surrounds the whole row: each cell paints its part of it.
 void paintRowRing(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                   const CrestTheme& theme) {
     const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
@@ -109,11 +109,11 @@ void paintRowRing(QPainter& painter, const QStyleOptionViewItem& option, const Q
 }  // namespace
 
 QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
-    // As much of a name as tells it from others; a shorter one is shown whole.
-    constexpr int tellingName = 96;
+    // Enough of a long name to tell it from others. A shorter name is shown whole.
+    constexpr int enoughOfName = 96;
     const QFontMetrics metrics(CrestFonts::current().caption);
     const int wordWidth = markIconGap + metrics.horizontalAdvance(protectedWord());
-    const int nameRoom = std::min(nameWidth, tellingName) + 2 * spacing::unit;
+    const int nameRoom = std::min(nameWidth, enoughOfName) + 2 * spacing::unit;
     const int width =
         cell.width() >= nameRoom + lockWidth + wordWidth ? lockWidth + wordWidth : lockWidth;
     const int left = std::min(cell.left() + nameWidth + 2 * spacing::unit, cell.right() - width);

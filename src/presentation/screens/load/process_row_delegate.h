@@ -20,8 +20,8 @@ public:
     bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                      const QModelIndex& index) override;
 
-    /// Where the protected mark stands behind a name of that width: lock and word, or the lock
-    /// alone where the word would take the room of the name.
+    /// The place of the protected mark after a name of that width: wide enough for lock and word,
+    /// or for the lock alone if the word would leave the name too little room.
     static QRect protectedMark(const QRect& cell, int nameWidth);
 
     /// The row below the pointer, -1 for none.

@@ -36,7 +36,7 @@ std::unordered_set<std::int64_t> pidsOf(const std::vector<ProcessSample>& rows) 
     return pids;
 }
 
-/// One row a pid, the first of each: a table that repeats a pid must not repeat an identity.
+/// The first row of each PID, because the model identifies rows by it.
 std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
     std::unordered_set<std::int64_t> seen;
     seen.reserve(rows.size());
@@ -194,7 +194,7 @@ QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) con
     if (column != processColumn) {
         return displayText(row, column);
     }
-    // What the row otherwise tells by its mark and by its colour.
+    // The rows show this only by a mark and by a colour.
     QStringList words{text(row.displayName())};
     if (isProtectedRow(row)) {
         words.append(u"Protected"_s);

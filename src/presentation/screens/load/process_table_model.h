@@ -27,17 +27,18 @@ public:
 
     explicit ProcessTableModel(ProtectionPolicy policy, QObject* parent = nullptr);
 
-    /// Rows of one pid are taken for the same process.
+    /// Replaces the rows. Rows with the same PID count as the same process; of several in `rows`,
+    /// only the first is kept.
     void setRows(std::vector<ProcessSample> rows);
     const std::vector<ProcessSample>& rows() const { return rows_; }
 
     /// The owner's Never Quit list, which protects the processes of its groups as well.
     void setProtectedAppNames(const ProtectedAppNames& names);
 
-    /// Decimals of the memory column, 1 unless set. To be set before the first rows.
+    /// Decimals of the memory column, 1 unless set. Must be set before the first rows.
     void setMemoryDecimals(int decimals) { memoryDecimals_ = decimals; }
 
-    /// Which process is under review; absent for none.
+    /// The process under review; absent for none.
     void setSelectedPID(std::optional<std::int64_t> pid);
 
     int rowCount(const QModelIndex& parent = {}) const override;

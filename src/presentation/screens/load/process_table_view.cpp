@@ -110,11 +110,15 @@ void ProcessTableView::sizeColumns() {
     fix(ProcessTableModel::actionColumn, std::max(rest, ProcessRowDelegate::actionWidth()));
 }
 
-int ProcessTableView::wholeRowsHeight(int height) const {
+int ProcessTableView::heightOfRows(int rows) const {
     const int header =
         std::max(horizontalHeader()->minimumHeight(), horizontalHeader()->sizeHint().height());
-    const int rows = std::max(0, height - header) / ProcessRowDelegate::rowHeight;
-    return rows > 0 ? header + rows * ProcessRowDelegate::rowHeight : height;
+    return header + rows * ProcessRowDelegate::rowHeight;
+}
+
+int ProcessTableView::wholeRowsHeight(int height) const {
+    const int rows = std::max(0, height - heightOfRows(0)) / ProcessRowDelegate::rowHeight;
+    return rows > 0 ? heightOfRows(rows) : height;
 }
 
 void WholeRowsItem::setGeometry(const QRect& place) {

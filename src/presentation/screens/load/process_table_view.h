@@ -10,8 +10,7 @@ namespace tallowcrest {
 
 class ProcessRowDelegate;
 
-/// The process table: rows without a grid, a hint when there are no rows, and Return or Space on a
-/// row for its "Review". Main thread.
+/// The process table: rows without a grid, and a hint when there are no rows. Main thread.
 class ProcessTableView final : public QTableView {
     Q_OBJECT
 
@@ -20,13 +19,17 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
-    /// The largest height up to `height` at which the last visible row is not cut.
+    /// The height of the header and that many rows.
+    int heightOfRows(int rows) const;
+    /// The largest height up to `height` at which the last visible row is not cut; `height` when
+    /// not even one row fits.
     int wholeRowsHeight(int height) const;
 
     /// The second line of the hint that shows when there are no rows.
     void setEmptyDetail(const QString& detail);
 
 signals:
+    /// The owner clicked "Review" on this row, or pressed Return or Space on it.
     void reviewRequested(const QModelIndex& index);
 
 protected:
@@ -42,7 +45,8 @@ protected:
 private:
     void sizeColumns();
     void applyTheme();
-    /// Highlights the row below the pointer; `place` is in the viewport, absent outside of it.
+    /// Highlights the row below the pointer. `place` is in viewport coordinates, absent while the
+    /// pointer is outside.
     void followPointer(std::optional<QPoint> place);
     void updateRow(int row);
 
@@ -51,7 +55,7 @@ private:
     QString emptyDetail_;
 };
 
-/// Cuts a table's height in a layout to whole rows; the rest stays empty below them.
+/// The layout item of a table: reduces its height to whole rows and leaves the rest empty.
 class WholeRowsItem final : public QWidgetItem {
 public:
     explicit WholeRowsItem(ProcessTableView* table) : QWidgetItem(table), table_(table) {}

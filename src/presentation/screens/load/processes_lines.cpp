@@ -25,18 +25,17 @@ std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
     return rows;
 }
 
-ProcessesLines processesLines(const LatestSample& sample, int shownRows) {
-    const auto& snapshot = sample.snapshot();
+ProcessesLines processesLines(const ProcessesFacts& facts) {
     ProcessesLines lines;
-    if (!snapshot) {
+    if (!facts.sampledAt) {
         lines.status = lines.emptyDetail = u"Sampling this Mac..."_s;
     } else {
-        lines.status = dashboard_text::sortStatus(shownRows, snapshot->sampledAt);
-        lines.emptyDetail = sample.latestProcesses().empty()
-                                ? u"No process could be read in the last sample."_s
-                                : u"No process matches the filter. Clear it to see all."_s;
+        lines.status = dashboard_text::sortStatus(facts.shownRows, *facts.sampledAt);
+        lines.emptyDetail = facts.hasProcesses
+                                ? u"No process matches the filter. Clear it to see all."_s
+                                : u"No process could be read in the last sample."_s;
     }
-    lines.description = shownRows == 0
+    lines.description = facts.shownRows == 0
                             ? u"Select Process. "_s + lines.emptyDetail
                             : u"Processes by impact. Return on a row selects it for review."_s;
     return lines;

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <QString>
 
 #include "core/local_records.h"
-#include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 
@@ -15,14 +15,21 @@ namespace tallowcrest {
 std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
                                              const QString& filter);
 
-/// What the page says around its rows.
+/// The texts around the rows.
 struct ProcessesLines {
     QString status;
-    QString emptyDetail;  ///< why there are no rows; stands in their place
+    QString emptyDetail;  ///< shown in place of the rows when there are none
     QString description;  ///< of the table, for assistive technology
 };
 
-/// `shownRows` is the number of rows that the filter keeps. Any thread.
-ProcessesLines processesLines(const LatestSample& sample, int shownRows);
+/// What the texts are about.
+struct ProcessesFacts {
+    std::optional<Date> sampledAt;  ///< absent before the first sample
+    bool hasProcesses = false;      ///< whether the sample has any
+    int shownRows = 0;              ///< how many of them the filter keeps
+};
+
+/// Main thread.
+ProcessesLines processesLines(const ProcessesFacts& facts);
 
 }  // namespace tallowcrest

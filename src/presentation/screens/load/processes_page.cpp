@@ -18,13 +18,13 @@
 #include "presentation/screens/load/process_table_view.h"
 #include "presentation/screens/load/processes_lines.h"
 #include "presentation/screens/review_process.h"
+#include "presentation/shell/command_button.h"
 #include "presentation/shell/window_state.h"
+#include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/spoken.h"
-#include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
@@ -44,7 +44,7 @@ ProcessesPage::ProcessesPage(SystemMonitor& monitor, WindowState& state, QWidget
     card->setHeader(u"gauge.with.dots.needle.67percent"_s, text(title(ActivityListMode::load)));
     card->setCaption(text(subtitle(ActivityListMode::load)));
     card->contentLayout()->addWidget(makeToolRow());
-    status_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, card);
+    status_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
     status_->setObjectName(u"processes.sort-status"_s);
     card->contentLayout()->addWidget(status_);
 
@@ -147,7 +147,10 @@ void ProcessesPage::refresh() {
     const ReviewTarget& review = monitor_.review();
     // Another process may have the PID of the one that was selected.
     model_->setSelectedPID(review.selectedRow() != nullptr ? review.selectedPID() : std::nullopt);
-    const auto lines = processesLines(monitor_.sample(), model_->rowCount());
+    const auto lines =
+        processesLines({.sampledAt = snapshot ? std::optional(snapshot->sampledAt) : std::nullopt,
+                        .hasProcesses = !monitor_.sample().latestProcesses().empty(),
+                        .shownRows = model_->rowCount()});
     status_->setText(lines.status);
     table_->setEmptyDetail(lines.emptyDetail);
     setSpokenDescription(*table_, lines.description);
@@ -161,7 +164,7 @@ void ProcessesPage::followSelection() {
         isSelectionDue_ = true;
     }
     if (selected && isSelectionDue_) {
-        freeFromFilter(monitor_.sample(), monitor_.review(), state_.navigation);
+        clearHidingFilter(monitor_.sample(), monitor_.review(), state_.navigation);
     }
     if (selected && (isSelectionDue_ || isOpening_)) {
         // Queued: by then the layout is done and the rows are those of this refresh.

@@ -17,7 +17,7 @@ class ProcessTableView;
 class SystemMonitor;
 struct WindowState;
 
-/// The full process list, from which a process can be taken under review. Nothing quits from here.
+/// The full process list, in which a process can be selected for review. Nothing can be quit here.
 /// Main thread.
 class ProcessesPage final : public Screen {
     Q_OBJECT

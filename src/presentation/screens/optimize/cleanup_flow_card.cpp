@@ -3,10 +3,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/controls.h"
+#include "presentation/shell/command_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
-#include "presentation/words/commands.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,21 +14,19 @@ namespace tallowcrest {
 CleanupFlowCard::CleanupFlowCard(QWidget* parent) : Card(parent) {
     setObjectName(u"cleanup.flow"_s);
     setHeader(u"wand.and.stars"_s, u"Local Cleanup Flow"_s);
-    const auto addLine = [this](const QString& words, ElidedLabel::FontRole font,
-                                const ThemeColor& color) {
-        auto* line = new ElidedLabel(words, font, color, this);
+    const auto addLine = [this](const QString& words, const LabelStyle& style) {
+        auto* line = new ElidedLabel(words, style, this);
         line->setLines(1, 6);
-        line->setGround(&CrestTheme::cardBackground);
         contentLayout()->addWidget(line);
         return line;
     };
-    step_ = addLine(QString(), &CrestFonts::body, &CrestTheme::text);
+    step_ = addLine(QString(), onCard(&CrestFonts::body));
     step_->setObjectName(u"cleanup.step"_s);
     addLine(
         u"Need the full sortable list? Open Processes in the sidebar. This "
         "workspace stays focused on the selected target and the next safe "
         "action."_s,
-        &CrestFonts::caption, &CrestTheme::secondaryText)
+        onCard(&CrestFonts::caption, &CrestTheme::secondaryText))
         ->setObjectName(u"cleanup.hint"_s);
     contentLayout()->addSpacing(spacing::unit / 2);
     contentLayout()->addWidget(makeActions());
@@ -37,7 +34,7 @@ CleanupFlowCard::CleanupFlowCard(QWidget* parent) : Card(parent) {
     addLine(
         u"Selecting marks a target for review. Purge, Quit Process, and Quit App "
         "Group all ask for confirmation before changing anything."_s,
-        &CrestFonts::caption, &CrestTheme::secondaryText)
+        onCard(&CrestFonts::caption, &CrestTheme::secondaryText))
         ->setObjectName(u"cleanup.promise"_s);
 }
 

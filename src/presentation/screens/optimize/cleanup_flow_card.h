@@ -6,17 +6,18 @@ class QPushButton;
 
 namespace tallowcrest {
 
-/// Where the owner is in the local clean-up, and what can be done next. Main thread.
+/// The current step of the local clean-up, and buttons for the possible next steps. Main thread.
 class CleanupFlowCard final : public Card {
     Q_OBJECT
 
 public:
     explicit CleanupFlowCard(QWidget* parent = nullptr);
 
-    /// The line that says where the owner is, and whether a purge is running.
+    /// `step` is the line about the current step. While `isPurging`, the purge button is disabled.
     void show(const QString& step, bool isPurging);
 
 signals:
+    // The owner pressed the button of that name.
     void safeTargetWanted();
     void topAppWanted();
     void purgeWanted();

@@ -1,7 +1,6 @@
 #include "presentation/screens/optimize/cleanup_lines.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "presentation/words/dashboard_text.h"
@@ -12,9 +11,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest::cleanup_lines {
 namespace {
 
-using dashboard_text::text;
-
 using dashboard_text::decimal;
+using dashboard_text::text;
 
 QString cpuPercent(double percent) {
     return decimal(percent, 1) + u'%';
@@ -50,10 +48,9 @@ GroupCard groupCard(const std::optional<std::string>& group, std::span<const App
     if (found == groups.end()) {
         return {text(*group), noSummary};
     }
-    const QString count =
-        found->processCount == 1
-            ? u"1 process"_s
-            : decimal(static_cast<double>(found->processCount), 0) + u" processes"_s;
+    const QString count = found->processCount == 1
+                              ? u"1 process"_s
+                              : dashboard_text::count(found->processCount) + u" processes"_s;
     return {text(*group), u"%1 · %2 CPU"_s.arg(count, cpuPercent(found->totalCPU))};
 }
 
@@ -61,10 +58,11 @@ QString risk(bool isProtected) {
     return isProtected ? u"Protected"_s : u"Manual"_s;
 }
 
-std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::string_view group) {
-    const std::vector<ProcessSample>& processes = sample.latestProcesses();
+std::vector<ProcessSample> helperProcesses(const std::vector<ProcessSample>& processes,
+                                           const std::vector<std::size_t>& impactOrder,
+                                           std::string_view group) {
     std::vector<ProcessSample> members;
-    for (const std::size_t index : sample.impactOrder()) {
+    for (const std::size_t index : impactOrder) {
         if (appGroupName(processes[index]) == group) {
             members.push_back(processes[index]);
         }
@@ -72,28 +70,28 @@ std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::stri
     return members;
 }
 
-Offender offender(const ReviewTarget& review, const LatestSample& sample,
-                  const ProtectedAppNames& protectedAppNames) {
-    const auto& snapshot = sample.snapshot();
-    if (!review.selectedPID()) {
+Offender offender(const OffenderFacts& facts) {
+    if (!facts.selectedPID) {
         return {heading({}),
-                snapshot ? u"Select an app or process to see why it matters."_s
-                         : u"Sampling this Mac..."_s,
+                facts.snapshot ? u"Select an app or process to see why it matters."_s
+                               : u"Sampling this Mac..."_s,
                 std::nullopt};
     }
-    const SelectedTargetSummary summary = review.selectedTargetSummary();
-    const ProcessSample* row = review.selectedRow();
-    const std::optional<std::string>& group = review.selectedAppImpactName();
+    const SelectedTargetSummary& summary = facts.summary;
+    const ProcessSample* row = facts.selectedRow;
+    const std::optional<std::string>& group = facts.group;
     Target target{
-        .groupCard = groupCard(group, snapshot ? std::span<const AppImpact>(snapshot->appImpacts)
-                                               : std::span<const AppImpact>()),
+        .groupCard =
+            groupCard(group, facts.snapshot ? std::span<const AppImpact>(facts.snapshot->appImpacts)
+                                            : std::span<const AppImpact>()),
         .risk = risk(summary.isProtected),
         .group = group,
-        .isNeverQuit = group && protectedAppNames.contains(*group),
-        .helpers = group ? helperProcesses(sample, *group) : std::vector<ProcessSample>(),
+        .isNeverQuit = group && facts.protectedAppNames.contains(*group),
+        .helpers = group ? helperProcesses(facts.latestProcesses, facts.impactOrder, *group)
+                         : std::vector<ProcessSample>(),
         // Another process may have the PID of the one that was selected.
-        .selectedPID = row != nullptr ? review.selectedPID() : std::nullopt,
-        .protectedAppNames = protectedAppNames};
+        .selectedPID = row != nullptr ? facts.selectedPID : std::nullopt,
+        .protectedAppNames = facts.protectedAppNames};
     return {heading(summary.title),
             row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
             std::move(target)};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -11,11 +12,10 @@
 
 #include "actions/review_target.h"
 #include "core/local_records.h"
-#include "sampling/latest_sample.h"
 #include "sampling/protection.h"
 
-/// What the Cleanup step says about the process under review. Figures are in the locale's number
-/// format; one that is not finite counts as 0. Main thread, because that is where the review is.
+/// The texts of the Cleanup step about the process under review. Figures are in the locale's number
+/// format; one that is not finite counts as 0. Main thread.
 namespace tallowcrest::cleanup_lines {
 
 /// "Selected Offender: NAME"; "Selected Offender" for an empty name.
@@ -32,15 +32,18 @@ struct GroupCard {
     bool operator==(const GroupCard&) const = default;
 };
 
-/// The selected group among those of the latest sample. A group that is not among them is named
-/// without figures.
+/// The selected group with its figures in the latest sample. A group that is not in the sample has
+/// no figures; without a group, the value says that there is no summary.
 GroupCard groupCard(const std::optional<std::string>& group, std::span<const AppImpact> groups);
 
 /// "Protected" or "Manual"
 QString risk(bool isProtected);
 
-/// The processes of a group, the heaviest first.
-std::vector<ProcessSample> helperProcesses(const LatestSample& sample, std::string_view group);
+/// The rows of a group in impact order, the heaviest first. `impactOrder` holds indexes of
+/// `processes`.
+std::vector<ProcessSample> helperProcesses(const std::vector<ProcessSample>& processes,
+                                           const std::vector<std::size_t>& impactOrder,
+                                           std::string_view group);
 
 /// What the card shows of a process under review.
 struct Target {
@@ -60,7 +63,19 @@ struct Offender {
     std::optional<Target> target;  ///< absent while nothing is selected
 };
 
-Offender offender(const ReviewTarget& review, const LatestSample& sample,
-                  const ProtectedAppNames& protectedAppNames);
+/// The selection and the sample that the card is about. The references must outlive the value.
+struct OffenderFacts {
+    std::optional<std::int64_t> selectedPID;        ///< absent when nothing is selected
+    const ProcessSample* selectedRow = nullptr;     ///< null when it is not in the latest table
+    const std::optional<std::string>& group;        ///< of the selected process
+    SelectedTargetSummary summary;                  ///< of the selected process
+    const std::optional<SystemSnapshot>& snapshot;  ///< absent before the first sample
+    const std::vector<ProcessSample>& latestProcesses;
+    const std::vector<std::size_t>& impactOrder;  ///< indexes of `latestProcesses`
+    const ProtectedAppNames& protectedAppNames;
+};
+
+/// Without a selection, the explanation says what to do, or that the first sample is being taken.
+Offender offender(const OffenderFacts& facts);
 
 }  // namespace tallowcrest::cleanup_lines

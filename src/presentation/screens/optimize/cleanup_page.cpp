@@ -9,6 +9,7 @@
 #include "actions/review_target.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/disk_autopilot.h"
 #include "presentation/screens/optimize/cleanup_flow_card.h"
 #include "presentation/screens/optimize/cleanup_lines.h"
 #include "presentation/screens/optimize/offender_card.h"
@@ -33,13 +34,7 @@ CleanupPage::CleanupPage(SystemMonitor& monitor, WindowState& state, QWidget* pa
             [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
     layout->addWidget(bar);
     layout->addWidget(makeFlow());
-    disk_ = new DiskAutopilotBlock(u"cleanup"_s);
-    connect(disk_, &DiskAutopilotBlock::collapseWanted, this,
-            [this](bool collapsed) { state_.sections.setCollapsed(disk_->section(), collapsed); });
-    connect(disk_, &DiskAutopilotBlock::stopWanted, this,
-            [this] { monitor_.automation().engageEmergencyStop(); });
-    connect(disk_, &DiskAutopilotBlock::resumeWanted, this,
-            [this] { monitor_.automation().resumeFromEmergencyStop(); });
+    disk_ = makeDiskAutopilot(u"cleanup"_s, monitor_.automation(), state_.sections);
     layout->addWidget(disk_);
     layout->addWidget(makeOffender());
     layout->addStretch(1);
@@ -78,11 +73,20 @@ std::vector<Observable*> CleanupPage::shows() const {
 void CleanupPage::refresh() {
     flow_->show(dashboard_text::text(monitor_.review().optimizeStep()),
                 monitor_.localActions().isPurging());
-    disk_->setCollapsed(state_.sections.isCollapsed(disk_->section()));
-    disk_->show({monitor_.sample().snapshot(), monitor_.settings(),
-                 monitor_.automation().diskAutopilotStatus(), monitor_.host().places.caches});
-    offender_->show(cleanup_lines::offender(monitor_.review(), monitor_.sample(),
-                                            monitor_.settings().protectedAppNames));
+    showDiskAutopilot(*disk_, state_.sections,
+                      {monitor_.sample().snapshot(), monitor_.settings(),
+                       monitor_.automation().diskAutopilotStatus(), monitor_.host().places.caches});
+    const ReviewTarget& review = monitor_.review();
+    const LatestSample& sample = monitor_.sample();
+    offender_->show(
+        cleanup_lines::offender({.selectedPID = review.selectedPID(),
+                                 .selectedRow = review.selectedRow(),
+                                 .group = review.selectedAppImpactName(),
+                                 .summary = review.selectedTargetSummary(),
+                                 .snapshot = sample.snapshot(),
+                                 .latestProcesses = sample.latestProcesses(),
+                                 .impactOrder = sample.impactOrder(),
+                                 .protectedAppNames = monitor_.settings().protectedAppNames}));
 }
 
 }  // namespace tallowcrest

@@ -11,7 +11,7 @@ class SystemMonitor;
 struct WindowState;
 
 /// The Cleanup step of the Optimize workspace: select a target, see why it matters, choose what to
-/// do about it. Nothing here acts before a confirmation. Main thread.
+/// do about it. Nothing is quit or purged without a confirmation. Main thread.
 class CleanupPage final : public Screen {
     Q_OBJECT
 

@@ -2,19 +2,17 @@
 
 #include <algorithm>
 
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/screens/load/process_row_delegate.h"
 #include "presentation/screens/load/process_table_view.h"
 #include "presentation/screens/optimize/cleanup_lines.h"
+#include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card_grid.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
 
@@ -25,7 +23,7 @@ namespace {
 
 using dashboard_text::text;
 
-/// Two of them stand beside each other in the smallest window.
+/// Two cards fit side by side in the smallest window.
 constexpr int narrowestCard = 224;
 /// A group may have hundreds of processes; the table scrolls beyond these.
 constexpr int mostRows = 8;
@@ -36,11 +34,10 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     : Card(parent), model_(policy) {
     setObjectName(u"cleanup.offender"_s);
     setHeader(u"scope"_s, cleanup_lines::heading({}));
-    explanation_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    explanation_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     explanation_->setObjectName(u"cleanup.explanation"_s);
-    // Room for a name of any length, which must not push out whether the process is protected.
+    // Enough for a name of any length: the end of the text says whether the process is protected.
     explanation_->setLines(1, 8);
-    explanation_->setGround(&CrestTheme::cardBackground);
     contentLayout()->addWidget(explanation_);
 
     target_ = new QWidget(this);
@@ -51,10 +48,9 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     auto* quitHint = new ElidedLabel(
         u"Use File > Quit Selected Process or Quit Selected App Group only after "
         "review."_s,
-        &CrestFonts::caption, &CrestTheme::secondaryText, target_);
+        onCard(&CrestFonts::caption, &CrestTheme::secondaryText), target_);
     quitHint->setObjectName(u"cleanup.quit-hint"_s);
     quitHint->setLines(1, 2);
-    quitHint->setGround(&CrestTheme::cardBackground);
     layout->addWidget(quitHint);
     layout->addWidget(makeHelpers());
     target_->hide();
@@ -81,7 +77,7 @@ QPushButton* OffenderCard::makeNeverQuit() {
                               QString(), group_);
     button->setCheckable(true);
     connect(button, &QPushButton::clicked, this, [this] {
-        // The group that the button names: the review may have moved on since.
+        // The group that the button names. Another one may be under review by now.
         if (shownGroup_) {
             emit neverQuitToggled(*shownGroup_);
         }
@@ -95,13 +91,11 @@ QWidget* OffenderCard::makeHelpers() {
     layout->setContentsMargins(0, spacing::unit, 0, 0);
     layout->setSpacing(spacing::unit / 2);
     const QString title = u"Related Helper Processes"_s;
-    auto* heading = new ElidedLabel(title, &CrestFonts::heading, &CrestTheme::text, helpers);
-    heading->setGround(&CrestTheme::cardBackground);
+    auto* heading = new ElidedLabel(title, onCard(&CrestFonts::heading), helpers);
     layout->addWidget(heading);
     noHelpers_ = new ElidedLabel(u"No process of this group is in the latest sample."_s,
-                                 &CrestFonts::body, &CrestTheme::secondaryText, helpers);
+                                 onCard(&CrestFonts::body, &CrestTheme::secondaryText), helpers);
     noHelpers_->setObjectName(u"cleanup.no-helpers"_s);
-    noHelpers_->setGround(&CrestTheme::cardBackground);
     layout->addWidget(noHelpers_);
 
     model_.setMemoryDecimals(0);
@@ -173,10 +167,7 @@ void OffenderCard::showHelpers(const cleanup_lines::Target& target) {
 }
 
 void OffenderCard::fitTable() {
-    const int rows = std::clamp(model_.rowCount(), 1, mostRows);
-    const int header = std::max(table_->horizontalHeader()->minimumHeight(),
-                                table_->horizontalHeader()->sizeHint().height());
-    const int height = header + rows * ProcessRowDelegate::rowHeight;
+    const int height = table_->heightOfRows(std::clamp(model_.rowCount(), 1, mostRows));
     if (table_->minimumHeight() != height || table_->maximumHeight() != height) {
         table_->setFixedHeight(height);
     }
@@ -185,7 +176,7 @@ void OffenderCard::fitTable() {
 bool OffenderCard::eventFilter(QObject* object, QEvent* event) {
     if (object == table_ && event->type() == QEvent::ShortcutOverride &&
         model_.rowCount() > mostRows) {
-        // These scroll the page, but for a list that itself has more than it shows.
+        // These keys scroll the page, unless the list itself has more rows than it shows.
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_PageUp || key == Qt::Key_PageDown || key == Qt::Key_Home ||
             key == Qt::Key_End) {

@@ -20,19 +20,20 @@ struct Offender;
 struct Target;
 }  // namespace cleanup_lines
 
-/// The process under review, its group and what may be done about them. Main thread.
+/// The process under review, its group and the processes of that group. Main thread.
 class OffenderCard final : public Card {
     Q_OBJECT
 
 public:
     explicit OffenderCard(ProtectionPolicy policy, QWidget* parent = nullptr);
 
+    /// Without a target, only the heading and the explanation are shown.
     void show(const cleanup_lines::Offender& offender);
 
 signals:
-    /// "Review" on a row of the group.
+    /// The owner asked to review this process of the group.
     void reviewWanted(const ProcessSample& process);
-    /// Puts the group on the Never Quit list, or takes it off.
+    /// The owner asked to put the group on the Never Quit list, or to take it off.
     void neverQuitToggled(const std::string& group);
 
 protected:

@@ -63,11 +63,11 @@ WorkspaceBar::WorkspaceBar(AppRoute route, QWidget* parent) : QWidget(parent), r
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
     auto* row = new FlowRow(spacing::pagePadding, this);
-    row->addItem(new ElidedLabel(accessibleName(), &CrestFonts::heading, &CrestTheme::text));
+    row->addItem(new ElidedLabel(accessibleName(), onPage(&CrestFonts::heading)));
     row->addItem(tabs_);
     layout->addWidget(row);
-    auto* line =
-        new ElidedLabel(workspaceLine(route), &CrestFonts::body, &CrestTheme::secondaryText, this);
+    auto* line = new ElidedLabel(workspaceLine(route),
+                                 onPage(&CrestFonts::body, &CrestTheme::secondaryText), this);
     line->setObjectName(u"optimize.workspace.line"_s);
     line->setLines(1, 3);
     layout->addWidget(line);
@@ -89,30 +89,30 @@ void WorkspaceBar::makeTabs() {
         }
     }
     connect(tabs_, &TabStrip::chosen, this, [this](int index, Qt::FocusReason reason) {
-        handsOver_ = reason;
+        focusToPass_ = reason;
         emit routeWanted(steps.at(static_cast<std::size_t>(index)).route);
     });
 }
 
 void WorkspaceBar::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
-    if (handsOver_) {
+    if (focusToPass_) {
         // The page that replaces this one is not visible yet.
-        QMetaObject::invokeMethod(this, &WorkspaceBar::handOver, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &WorkspaceBar::passFocus, Qt::QueuedConnection);
     }
 }
 
-void WorkspaceBar::handOver() {
-    const auto reason = std::exchange(handsOver_, std::nullopt);
+void WorkspaceBar::passFocus() {
+    const auto reason = std::exchange(focusToPass_, std::nullopt);
     for (WorkspaceBar* bar : window()->findChildren<WorkspaceBar*>()) {
         if (reason && bar->isVisible()) {
-            bar->takeOver(*reason);
+            bar->takeFocus(*reason);
         }
     }
 }
 
-void WorkspaceBar::takeOver(Qt::FocusReason reason) {
-    // The change of pages may have focused it already, but with another reason.
+void WorkspaceBar::takeFocus(Qt::FocusReason reason) {
+    // Qt may have focused it already when the pages changed, but for another reason.
     tabs_->focusProxy()->clearFocus();
     tabs_->setFocus(reason);
     for (QWidget* above = parentWidget(); above != nullptr; above = above->parentWidget()) {

@@ -6,13 +6,14 @@
 #include <QWidget>
 
 #include "core/routes.h"
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 
 namespace tallowcrest {
 
 class TabStrip;
 
-/// One sentence on what a step of the workflow is for. Any thread.
+/// What a step of the workflow is for; a general sentence for a route that is not a step. Any
+/// thread.
 QString workspaceLine(AppRoute route);
 
 /// The four routes of the Optimize workspace as the steps of one workflow. Each of its pages has
@@ -22,17 +23,18 @@ class WorkspaceBar final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    /// `route` is the one of the page.
+    /// `route` is that of the page.
     explicit WorkspaceBar(AppRoute route, QWidget* parent = nullptr);
 
     /// Whether a route belongs to the workspace.
     static bool isStep(AppRoute route);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
-    /// Its tabs and its line have names of their own.
+    /// Empty: the tabs and the line describe themselves.
     QString accessibleValue() const override { return {}; }
 
 signals:
+    /// The owner chose the step of another route.
     void routeWanted(AppRoute route);
 
 protected:
@@ -40,15 +42,15 @@ protected:
 
 private:
     void makeTabs();
-    /// Gives the focus to the bar that shows now.
-    void handOver();
+    /// Gives the focus to the bar of the page that is now visible.
+    void passFocus();
     /// Focuses the selected tab and scrolls the bar into view.
-    void takeOver(Qt::FocusReason reason);
+    void takeFocus(Qt::FocusReason reason);
 
     AppRoute route_;
     TabStrip* tabs_ = nullptr;
-    /// Set from a choice until the chosen page has replaced this one.
-    std::optional<Qt::FocusReason> handsOver_;
+    /// Why the other bar gets the focus. Set from the choice of a step until its page is visible.
+    std::optional<Qt::FocusReason> focusToPass_;
 };
 
 }  // namespace tallowcrest

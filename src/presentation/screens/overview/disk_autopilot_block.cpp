@@ -25,18 +25,19 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
     row->setSpacing(spacing::unit);
     lowIcon_ = new IconView(u"exclamationmark.triangle"_s, &CrestTheme::caution, spacing::iconSmall,
                             body());
-    lowWord_ = new ElidedLabel(u"Low"_s, &CrestFonts::heading, &CrestTheme::caution, body());
+    lowWord_ =
+        new ElidedLabel(u"Low"_s, onCard(&CrestFonts::heading, &CrestTheme::caution), body());
     lowWord_->setObjectName(objectName() + u"-low"_s);
-    status_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, body());
+    status_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
     status_->setObjectName(objectName() + u"-status"_s);
     status_->setLines(1, 3);
-    // Room for what comes with low space, so that nothing below moves then.
+    // Reserves the height of the low-space icon and word, so that they move nothing below.
     row->addStrut(std::max(spacing::iconSmall, lowWord_->sizeHint().height()));
     row->addWidget(lowIcon_, 0, Qt::AlignTop);
     row->addWidget(lowWord_, 0, Qt::AlignTop);
     row->addWidget(status_, 1);
     bodyLayout()->addLayout(row);
-    rule_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
+    rule_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), body());
     rule_->setObjectName(objectName() + u"-rule"_s);
     rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
@@ -44,15 +45,12 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
     connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
     connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
-    for (ElidedLabel* label : {lowWord_, status_, rule_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     const auto& [snapshot, settings, status, caches] = facts;
     const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
-    // Closed, the section still tells what needs attention.
+    // A collapsed section still shows what needs attention.
     header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
     if (isCollapsed()) {
         return;

@@ -13,27 +13,30 @@ class BarList;
 class EmergencyStopControls;
 class IconView;
 
-/// What the block is told from. What it refers to must outlive the value.
+/// The state that the block shows. The references must outlive the value.
 struct DiskAutopilotFacts {
-    const std::optional<SystemSnapshot>& snapshot;
+    const std::optional<SystemSnapshot>& snapshot;  ///< absent before the first sample
     const Settings& settings;
     std::string_view status;  ///< of Disk Autopilot
-    std::string_view caches;  ///< the place of the caches as the owner knows it
+    std::string_view caches;  ///< `Places::caches`
 };
 
-/// How full the home volume is, whether something watches over it, and the emergency stop. Main
-/// thread.
+/// How full the home volume is, the status and the rule of Disk Autopilot, and the emergency stop.
+/// Main thread.
 class DiskAutopilotBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    /// `page` is what the identifiers of the block and its parts begin with.
+    /// The object names of the block and its parts begin with `page`.
     explicit DiskAutopilotBlock(const QString& page);
 
+    /// While collapsed, the header has the note "Low" when space is low.
     void show(const DiskAutopilotFacts& facts);
 
 signals:
+    /// The owner pressed the emergency stop.
     void stopWanted();
+    /// The owner pressed "Resume Manual Mode".
     void resumeWanted();
 
 private:

@@ -4,6 +4,7 @@
 
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/gauge_row.h"
+#include "presentation/widgets/graph_geometry.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
 
@@ -13,14 +14,24 @@ namespace tallowcrest {
 
 using dashboard_text::text;
 
+namespace {
+
+void showPercent(GaugeCard& gauge, double percent) {
+    const double shown = safeGraphValue(percent);
+    gauge.setValue(shown, dashboard_text::percentText(shown));
+    gauge.setTint(gaugeStateColor(shown));
+}
+
+}  // namespace
+
 GaugesBlock::GaugesBlock()
     : OverviewBlock(DashboardSection::gauges, u"overview.system-gauges"_s, u"speedometer"_s,
                     text(title(DashboardSection::gauges)), Frame::none) {
-    // Enough for the largest figure and three lines of detail.
+    // Wide enough for the largest figure and for the detail in three lines.
     constexpr int narrowestMetric = 160;
     auto* gauges = new GaugeRow(body());
     gauges->setObjectName(u"overview.gauges"_s);
-    // The section around it bears the section's name.
+    // The section around it already has the title as its name.
     gauges->setAccessibleName(u"CPU, memory and free memory"_s);
     cpuGauge_ = new GaugeCard(u"CPU Load"_s, &CrestTheme::good, gauges);
     memoryGauge_ = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::good, gauges);
@@ -48,11 +59,9 @@ void GaugesBlock::show(const std::optional<SystemSnapshot>& snapshot) {
         return;
     }
     const MemorySnapshot& memory = snapshot->memory;
-    cpuGauge_->setValue(snapshot->cpuPercent);
-    cpuGauge_->setTint(gaugeStateColor(snapshot->cpuPercent));
+    showPercent(*cpuGauge_, snapshot->cpuPercent);
     cpuGauge_->setDetail(dashboard_text::cpuDetail(snapshot->cpuPercent));
-    memoryGauge_->setValue(memory.pressure);
-    memoryGauge_->setTint(gaugeStateColor(memory.pressure));
+    showPercent(*memoryGauge_, memory.pressure);
     memoryGauge_->setDetail(dashboard_text::memoryDetail(memory));
     reclaimable_->setValue(u"%1 GB"_s.arg(dashboard_text::gigabytes(memory.freeGB)));
     reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));

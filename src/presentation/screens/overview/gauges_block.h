@@ -10,14 +10,14 @@ namespace tallowcrest {
 class GaugeCard;
 class MetricCard;
 
-/// CPU load, memory pressure and what memory is left. Main thread.
+/// CPU load, memory pressure and free memory. Main thread.
 class GaugesBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
     GaugesBlock();
 
-    /// Absent before the first sample.
+    /// Before the first sample, without a snapshot, it says that sampling is under way.
     void show(const std::optional<SystemSnapshot>& snapshot);
 
 private:

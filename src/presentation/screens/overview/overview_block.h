@@ -6,15 +6,15 @@
 
 namespace tallowcrest {
 
-/// One part of the overview. The page tells it whether the owner has closed it, and then what to
-/// show. While it is closed it updates only its caption and the note of its header.
-/// Main thread.
+/// A section of the dashboard that can be collapsed. The page first sets whether it is collapsed
+/// and then gives it the state to show. While collapsed it updates only its caption and the note in
+/// its header. Main thread.
 class OverviewBlock : public SectionCard {
     Q_OBJECT
 
 public:
-    /// `identifier` is the card's own; the header, which closes and opens it, is "section." and the
-    /// raw value of `section`.
+    /// `identifier` is the object name of the card. That of the header, which collapses and expands
+    /// it, is "section." followed by the raw value of `section`.
     OverviewBlock(DashboardSection section, const QString& identifier, const QString& icon,
                   const QString& title, Frame frame = Frame::card)
         : SectionCard(icon, title, frame), section_(section) {
@@ -27,7 +27,7 @@ public:
     DashboardSection section() const { return section_; }
 
 signals:
-    /// The owner wants it closed or open.
+    /// The owner asked to collapse or expand the section. It stays as it is until `setCollapsed`.
     void collapseWanted(bool collapsed);
 
 private:

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "actions/app_group.h"
+#include "monitor/load_rules.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -48,7 +50,9 @@ QString recommendationNote(const std::vector<RecommendationLine>& lines) {
         return {};
     }
     const QString first = severityWord(lines.front().severity) + u" · "_s + lines.front().title;
-    return lines.size() == 1 ? first : first + u" · %1 more"_s.arg(lines.size() - 1);
+    return lines.size() == 1
+               ? first
+               : first + u" · %1 more"_s.arg(dashboard_text::count(std::ssize(lines) - 1));
 }
 
 QString severityWord(Severity severity) {
@@ -65,18 +69,6 @@ QString severityIcon(Severity severity) {
             return u"exclamationmark.triangle.fill"_s;
     }
     return {};
-}
-
-ThemeColor severityColor(Severity severity) {
-    switch (severity) {
-        case Severity::info:
-            return &CrestTheme::good;
-        case Severity::caution:
-            return &CrestTheme::caution;
-        case Severity::urgent:
-            return &CrestTheme::bad;
-    }
-    return &CrestTheme::text;
 }
 
 std::vector<AppMemoryBar> topAppMemory(const std::vector<AppImpact>& groups, std::size_t limit) {
@@ -99,8 +91,7 @@ TopOffender topOffender(const TopOffenderFacts& facts) {
     if (!facts.snapshot || facts.snapshot->appImpacts.empty()) {
         return {TopOffender::State::unknown, u"No top offender yet"_s, {}, {}, {}};
     }
-    const double threshold = facts.settings.warningThreshold;
-    if (threshold <= facts.snapshot->cpuPercent || threshold <= facts.snapshot->memory.pressure) {
+    if (load_rules::isOverThreshold(*facts.snapshot, facts.settings.warningThreshold)) {
         const QString group = text(facts.snapshot->appImpacts.front().name);
         return {TopOffender::State::offender,
                 {},
@@ -119,8 +110,9 @@ TopOffender topOffender(const TopOffenderFacts& facts) {
 }
 
 QString remoteAlerts(int machinesThatNeedAttention) {
-    return machinesThatNeedAttention > 0 ? u"%1 Remote Alerts"_s.arg(machinesThatNeedAttention)
-                                         : QString();
+    return machinesThatNeedAttention > 0
+               ? u"%1 Remote Alerts"_s.arg(dashboard_text::count(machinesThatNeedAttention))
+               : QString();
 }
 
 std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk) {
@@ -144,25 +136,6 @@ QString diskRule(const Settings& settings, std::string_view caches) {
            "mode, and established disk-cleanup trust."_s.arg(
                dashboard_text::decimal(std::trunc(settings.diskCleanupAgeDays), 0), text(caches),
                dashboard_text::gigabytes(settings.diskMaxCleanupGB));
-}
-
-void KeptRoom::setNeeded(int needed, Date sampledAt) {
-    if (sampledAt == countedSample_) {
-        return;
-    }
-    countedSample_ = sampledAt;
-    if (needed >= rows_) {
-        rows_ = needed;
-        calmSamples_ = 0;
-        neededSince_ = 0;
-        return;
-    }
-    neededSince_ = std::max(neededSince_, needed);
-    if (++calmSamples_ >= patience) {
-        rows_ = neededSince_;
-        calmSamples_ = 0;
-        neededSince_ = 0;
-    }
 }
 
 }  // namespace tallowcrest

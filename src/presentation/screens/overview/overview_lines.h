@@ -11,10 +11,9 @@
 
 #include "core/local_records.h"
 #include "core/settings/settings.h"
-#include "presentation/widgets/theme.h"
 #include "sampling/protection.h"
 
-/// What the blocks of the overview say of a state, and how much room their lists keep. Any thread.
+/// The texts of the Overview's blocks. Main thread.
 namespace tallowcrest {
 
 /// One recommendation as the overview shows it.
@@ -22,7 +21,7 @@ struct RecommendationLine {
     Recommendation::Severity severity = Recommendation::Severity::info;
     QString title;
     QString detail;
-    /// The process that can be reviewed; absent when the recommendation speaks of none, or of one
+    /// The process that can be reviewed; absent if the recommendation is about none, or about one
     /// that has left the process table.
     std::optional<std::int64_t> reviewPID;
 
@@ -40,8 +39,8 @@ QString recommendationNote(const std::vector<RecommendationLine>& lines);
 
 /// "Info", "Caution" or "Urgent".
 QString severityWord(Recommendation::Severity severity);
+/// The name of a line icon.
 QString severityIcon(Recommendation::Severity severity);
-ThemeColor severityColor(Recommendation::Severity severity);
 
 /// One bar of "Top App Memory".
 struct AppMemoryBar {
@@ -60,26 +59,27 @@ struct TopOffender {
     enum class State { unknown, stable, offender };
 
     State state = State::unknown;
-    QString title;   ///< empty when the detail stands alone
-    QString detail;  ///< empty when the title stands alone
+    QString title;   ///< may be empty
+    QString detail;  ///< may be empty
     QString group;   ///< the name of an offender; empty otherwise
-    /// The process of an offender that a review would select. Absent when it has left the table, or
-    /// is protected and would be refused.
+    /// The process of the offender that can be reviewed. Absent if it has left the table, or if it
+    /// is protected, so that selecting it would be refused.
     std::optional<std::int64_t> reviewPID;
 
     bool operator==(const TopOffender&) const = default;
 };
 
-/// What the top offender is told from. What it refers to must outlive the value.
+/// The state that decides about the top offender. The references must outlive the value.
 struct TopOffenderFacts {
-    const std::optional<SystemSnapshot>& snapshot;
+    const std::optional<SystemSnapshot>& snapshot;  ///< absent before the first sample
     const std::vector<ProcessSample>& latestProcesses;
     const Settings& settings;
     ProtectionPolicy protection;
 };
 
-/// Load counts as high when the CPU percentage or the memory pressure is at or over the warning
-/// threshold. Without a sample, or with one that has no groups, nothing can be told.
+/// The first group is the offender when the CPU percentage or the memory pressure is at or above
+/// the warning threshold; otherwise the state is stable. Unknown without a sample, or with one that
+/// has no groups.
 TopOffender topOffender(const TopOffenderFacts& facts);
 
 /// "3 Remote Alerts"; empty when no remote machine needs attention.
@@ -97,29 +97,11 @@ struct DiskSpaceTexts {
 /// Absent for a volume whose size is not known.
 std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk);
 
-/// Free space is at or under the owner's minimum. Never so for a volume whose size is not known.
+/// Whether the free space is at or below the owner's minimum. False for a volume whose size is not
+/// known.
 bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings);
 
-/// What a clean-up may touch, by the owner's settings. `caches` is the place as the owner knows it.
+/// What a clean-up may touch, by the owner's settings. `caches` is `Places::caches`.
 QString diskRule(const Settings& settings, std::string_view caches);
-
-/// How many rows a list keeps room for, so that what lies below it does not follow every row that
-/// comes and goes: room is made at once and given back only when it was not needed for a minute.
-class KeptRoom {
-public:
-    /// A minute, at one sample in 4 seconds.
-    static constexpr int patience = 15;
-
-    int rows() const { return rows_; }
-
-    /// What the sample of that instant needs. Only the first call for an instant counts.
-    void setNeeded(int needed, Date sampledAt);
-
-private:
-    std::optional<Date> countedSample_;
-    int rows_ = 0;
-    int calmSamples_ = 0;
-    int neededSince_ = 0;  ///< the most that was needed since the room was last full
-};
 
 }  // namespace tallowcrest

@@ -8,6 +8,7 @@
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/disk_autopilot.h"
 #include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/screens/overview/gauges_block.h"
 #include "presentation/screens/overview/overview_lines.h"
@@ -41,12 +42,12 @@ void OverviewPage::layOutBlocks() {
         layout->addWidget(block);
         return block;
     };
-    // First, because who looks only at the top of the page is to know what needs attention.
+    // First, so that the top of the page shows whether anything needs attention.
     recommendations_ = add(new RecommendationsBlock);
     gauges_ = add(new GaugesBlock);
     timeline_ = add(new TimelineBlock);
     topAppMemory_ = new TopAppMemoryBlock;
-    diskAutopilot_ = new DiskAutopilotBlock(u"overview"_s);
+    diskAutopilot_ = makeDiskAutopilot(u"overview"_s, monitor_.automation(), state_.sections);
     topOffender_ = new TopOffenderBlock;
     recentActivity_ = new RecentActivityBlock;
     add(new TwoColumns)
@@ -54,7 +55,7 @@ void OverviewPage::layOutBlocks() {
     sessionSummary_ = add(new SessionSummaryBlock);
     sessionInsights_ = add(new SessionInsightsBlock);
     layout->addStretch(1);
-    blocks_ = {recommendations_, gauges_,         timeline_,       topAppMemory_,   diskAutopilot_,
+    blocks_ = {recommendations_, gauges_,         timeline_,       topAppMemory_,
                topOffender_,     recentActivity_, sessionSummary_, sessionInsights_};
     scrollOnPage(content, *this);
 }
@@ -68,10 +69,6 @@ void OverviewPage::connectBlocks() {
     connect(recommendations_, &RecommendationsBlock::reviewWanted, this, [this](std::int64_t pid) {
         reviewInProcesses(pid, monitor_.sample(), monitor_.review(), state_.navigation);
     });
-    connect(diskAutopilot_, &DiskAutopilotBlock::stopWanted, this,
-            [this] { monitor_.automation().engageEmergencyStop(); });
-    connect(diskAutopilot_, &DiskAutopilotBlock::resumeWanted, this,
-            [this] { monitor_.automation().resumeFromEmergencyStop(); });
     connect(topOffender_, &TopOffenderBlock::reviewWanted, this, &OverviewPage::reviewOffender);
     connect(topOffender_, &TopOffenderBlock::cleanupWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
@@ -81,8 +78,7 @@ void OverviewPage::connectBlocks() {
 
 std::vector<Observable*> OverviewPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.automation().observable(),
-            &monitor_.review().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
 }
 
 void OverviewPage::refresh() {
@@ -100,8 +96,9 @@ void OverviewPage::refresh() {
     timeline_->show({sample.history(), activityLog, settings.warningThreshold},
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
-    diskAutopilot_->show({snapshot, settings, monitor_.automation().diskAutopilotStatus(),
-                          monitor_.host().places.caches});
+    showDiskAutopilot(*diskAutopilot_, state_.sections,
+                      {snapshot, settings, monitor_.automation().diskAutopilotStatus(),
+                       monitor_.host().places.caches});
     topOffender_->show(offenderFacts());
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
@@ -117,7 +114,7 @@ void OverviewPage::reviewOffender() {
     const auto wanted = topOffender(offenderFacts()).reviewPID;
     monitor_.review().selectTopApp();
     if (wanted && wanted == monitor_.review().selectedPID()) {
-        freeFromFilter(monitor_.sample(), monitor_.review(), state_.navigation);
+        clearHidingFilter(monitor_.sample(), monitor_.review(), state_.navigation);
         state_.navigation.setSelectedRoute(AppRoute::load);
     }
 }

@@ -20,8 +20,7 @@ class TopAppMemoryBlock;
 class TopOffenderBlock;
 struct TopOffenderFacts;
 
-/// Health at a glance and the safest next step: what needs attention first, then the figures.
-/// Main thread.
+/// The Overview: the recommendations first, then the figures. Main thread.
 class OverviewPage final : public Screen {
     Q_OBJECT
 
@@ -48,7 +47,7 @@ private:
     RecentActivityBlock* recentActivity_ = nullptr;
     SessionSummaryBlock* sessionSummary_ = nullptr;
     SessionInsightsBlock* sessionInsights_ = nullptr;
-    std::vector<OverviewBlock*> blocks_;  ///< all of them, from top to bottom
+    std::vector<OverviewBlock*> blocks_;  ///< all but Disk Autopilot, from top to bottom
 };
 
 }  // namespace tallowcrest

@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/controls.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
 
@@ -17,7 +17,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr int rowHeight = 24;
-/// Enough for the words that stand in place of no rows.
+/// Room for the text that is shown when there are no rows.
 constexpr int fewestRows = 3;
 
 }  // namespace
@@ -41,13 +41,10 @@ ActivityRow::ActivityRow(QWidget* parent) : QWidget(parent) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
     icon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
-    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    time_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
-    for (ElidedLabel* label : {title_, detail_, time_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
-    // The details stand below each other, whichever the titles are.
+    title_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
+    detail_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
+    time_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    // The same width for most titles, so that the details are aligned.
     title_->setReservedText(u"Auto Rule"_s);
     detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -72,11 +69,10 @@ RecentActivityBlock::RecentActivityBlock()
     auto* lines = new QVBoxLayout(list_);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
-    empty_ = new ElidedLabel(u"No actions or warnings have been logged yet."_s, &CrestFonts::body,
-                             &CrestTheme::secondaryText, list_);
+    empty_ = new ElidedLabel(u"No actions or warnings have been logged yet."_s,
+                             onCard(&CrestFonts::body, &CrestTheme::secondaryText), list_);
     empty_->setLines(1, 2);
     empty_->setAlignment(Qt::AlignCenter);
-    empty_->setGround(&CrestTheme::cardBackground);
     empty_->setFixedHeight(fewestRows * rowHeight);
     lines->addWidget(empty_);
     for (std::size_t i = 0; i < shownEntries; ++i) {
@@ -105,7 +101,7 @@ void RecentActivityBlock::show(const std::vector<ActivityEvent>& events,
     std::vector<ActivityLine> lines =
         activityLines(events, shownEntries, sampledAt.value_or(Date{}));
     if (sampledAt) {
-        room_.setNeeded(static_cast<int>(lines.size()), *sampledAt);
+        room_.setNeeded(static_cast<int>(lines.size()), sampledAt->secondsSinceReference);
         fitList();
     }
     if (lines == lines_) {
@@ -124,7 +120,7 @@ void RecentActivityBlock::show(const std::vector<ActivityEvent>& events,
 
 void RecentActivityBlock::fitList() {
     const int height =
-        std::max({fewestRows, room_.rows(), static_cast<int>(lines_.size())}) * rowHeight;
+        std::max({fewestRows, room_.count(), static_cast<int>(lines_.size())}) * rowHeight;
     if (list_->minimumHeight() != height) {
         list_->setFixedHeight(height);
     }

@@ -5,6 +5,7 @@
 
 #include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/widgets/reserved_rows.h"
 #include "presentation/words/session_lines.h"
 
 namespace tallowcrest {
@@ -24,7 +25,7 @@ public:
     void show(const std::vector<ActivityEvent>& events, std::optional<Date> sampledAt);
 
 signals:
-    /// The whole log is to be shown.
+    /// The owner asked to open History.
     void historyWanted();
 
 private:
@@ -34,7 +35,7 @@ private:
     ElidedLabel* empty_ = nullptr;
     std::vector<ActivityRow*> rows_;
     std::vector<ActivityLine> lines_;
-    KeptRoom room_;
+    ReservedRows room_;
 };
 
 }  // namespace tallowcrest

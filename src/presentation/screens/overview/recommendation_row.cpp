@@ -8,10 +8,10 @@
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/controls.h"
+#include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
-#include "presentation/widgets/spoken.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,27 +23,37 @@ constexpr int barWidth = 3;
 constexpr int boxPadding = 12;
 constexpr int lineGap = 4;
 constexpr int mostDetailLines = 4;
-/// From here on title and detail share a line and leave the detail room to be read.
+/// From this width on, title and detail of a compact row share a line.
 constexpr int oneLineWidth = 960;
-/// With one line and with two, each with room between the buttons of neighbouring rows.
+/// Heights of a compact row, which leave a gap between the buttons of neighbouring rows.
 constexpr int oneLineHeight = 5 * spacing::unit;
 constexpr int twoLineHeight = 6 * spacing::unit;
 
 }  // namespace
 
+ThemeColor severityColor(Recommendation::Severity severity) {
+    using enum Recommendation::Severity;
+    switch (severity) {
+        case info:
+            return &CrestTheme::good;
+        case caution:
+            return &CrestTheme::caution;
+        case urgent:
+            return &CrestTheme::bad;
+    }
+    return &CrestTheme::text;
+}
+
 RecommendationRow::RecommendationRow(Size size, const QString& buttonIdentifier, QWidget* parent)
     : QWidget(parent), size_(size) {
     icon_ = new IconView(QString(), &CrestTheme::secondaryText,
                          size == Size::prominent ? spacing::iconRegular : spacing::iconSmall, this);
-    word_ = new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, this);
-    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, this);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, this);
-    for (ElidedLabel* label : {word_, title_, detail_}) {
-        label->setGround(&CrestTheme::cardBackground);
-    }
+    word_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    title_ = new ElidedLabel(onCard(&CrestFonts::heading), this);
+    detail_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     review_ = makeButton(u"Review"_s, QString(), buttonIdentifier,
                          u"Selects the process for review and shows it in Processes"_s, this);
-    // The texts keep their lines as processes come and go.
+    // The texts wrap alike with and without the button.
     QSizePolicy policy = review_->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     review_->setSizePolicy(policy);
@@ -82,14 +92,14 @@ void RecommendationRow::layCompact() {
     layout->setContentsMargins(boxPadding + barWidth, 0, boxPadding, 0);
     layout->setSpacing(spacing::unit);
     layout->addWidget(icon_);
-    // As wide for every severity, so that the titles stand below each other.
+    // The same width for every severity, so that the titles are aligned.
     word_->setReservedText(severityWord(Recommendation::Severity::caution));
     layout->addWidget(word_);
     texts_ = new QBoxLayout(QBoxLayout::TopToBottom);
     texts_->setSpacing(0);
     texts_->addStretch(1);
     texts_->addWidget(title_);
-    // The title comes first where the room is short; the tool tip has the rest.
+    // A long title takes room from the detail, whose tool tip has the whole text.
     detail_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     texts_->addWidget(detail_);
     texts_->addStretch(1);
@@ -115,7 +125,8 @@ void RecommendationRow::resizeEvent(QResizeEvent* event) {
     const bool isOneLine = width() >= oneLineWidth;
     texts_->setDirection(isOneLine ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     texts_->setSpacing(isOneLine ? spacing::unit : 0);
-    // The detail takes what the title leaves; one above the other, stretches centre them.
+    // On one line, the detail takes the width that the title leaves. On two lines, the stretches
+    // centre them vertically.
     texts_->setStretch(0, isOneLine ? 0 : 1);
     texts_->setStretchFactor(detail_, isOneLine ? 1 : 0);
     texts_->setStretch(texts_->count() - 1, isOneLine ? 0 : 1);
@@ -124,8 +135,9 @@ void RecommendationRow::resizeEvent(QResizeEvent* event) {
 
 void RecommendationRow::countSample(Date sampledAt) {
     if (size_ == Size::prominent && detail_->width() > 0) {
-        detailRoom_.setNeeded(static_cast<int>(detail_->shownLines().size()), sampledAt);
-        keepDetailLines(std::max(1, detailRoom_.rows()));
+        detailRoom_.setNeeded(static_cast<int>(detail_->shownLines().size()),
+                              sampledAt.secondsSinceReference);
+        keepDetailLines(std::max(1, detailRoom_.count()));
     }
 }
 

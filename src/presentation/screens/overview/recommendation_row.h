@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/widgets/reserved_rows.h"
 #include "presentation/widgets/theme.h"
 
 class QBoxLayout;
@@ -16,30 +17,34 @@ namespace tallowcrest {
 class ElidedLabel;
 class IconView;
 
-/// One recommendation: its severity as icon, word and colour, what it says, and "Review" where it
-/// speaks of a process that still runs. Main thread.
+/// The colour of a severity's icon and word.
+ThemeColor severityColor(Recommendation::Severity severity);
+
+/// One recommendation: its severity as icon, word and colour, its title and detail, and a "Review"
+/// button if it is about a process that still runs. Main thread.
 class RecommendationRow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The prominent one has a border and room for its whole detail; a compact one has one line for
-    /// it, below the title or, in a wide row, behind it.
+    /// A prominent row has a border and several lines for the detail. A compact one has one line
+    /// for it, below the title or, in a wide row, beside it.
     enum class Size { prominent, compact };
 
-    /// What a compact row of that width takes.
+    /// The height of a compact row of that width, in device independent pixels.
     static int compactHeight(int width);
 
     RecommendationRow(Size size, const QString& buttonIdentifier, QWidget* parent = nullptr);
 
     void setLine(const RecommendationLine& line);
-    /// Called before `setLine` with the sample that the line comes from. A prominent row that
-    /// needed more lines for its detail keeps them for a while, so that what lies below it does not
-    /// follow every text.
+    /// Called before `setLine`, with the date of the sample that the line comes from. A prominent
+    /// row that needed more lines for its detail keeps them for a minute, so that the widgets below
+    /// it do not move with every text.
     void countSample(Date sampledAt);
-    /// Words in place of a recommendation, while there is none.
+    /// Shows a text instead of a recommendation.
     void setMessage(const QString& icon, const QString& title, const QString& detail);
 
 signals:
+    /// The owner pressed "Review"; `pid` is the process of the shown line.
     void reviewWanted(std::int64_t pid);
 
 protected:
@@ -60,7 +65,7 @@ private:
     ThemeColor color_ = &CrestTheme::secondaryText;
     std::optional<RecommendationLine> shown_;
     QBoxLayout* texts_ = nullptr;  ///< of a compact row
-    KeptRoom detailRoom_;          ///< of the prominent row, at the present width
+    ReservedRows detailRoom_;      ///< of the prominent row, at the present width
     int keptDetailLines_ = 1;
 };
 

@@ -50,7 +50,8 @@ void RecommendationsBlock::show(std::vector<RecommendationLine> lines,
         return;
     }
     if (sampledAt) {
-        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1, *sampledAt);
+        room_.setNeeded(lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1,
+                        sampledAt->secondsSinceReference);
         first_->countSample(*sampledAt);
     }
     showFirst(sampledAt.has_value());
@@ -58,7 +59,7 @@ void RecommendationsBlock::show(std::vector<RecommendationLine> lines,
 }
 
 void RecommendationsBlock::showNote() {
-    // Closed, the section still tells what matters most.
+    // A collapsed section still shows the most severe recommendation.
     if (isCollapsed() && !lines_.empty()) {
         header()->setNote(recommendationNote(lines_), severityColor(lines_.front().severity));
     } else {
@@ -92,7 +93,7 @@ void RecommendationsBlock::showOthers() {
 void RecommendationsBlock::fitOthers() {
     const int shown = lines_.empty() ? 0 : static_cast<int>(lines_.size()) - 1;
     const int rowHeight = RecommendationRow::compactHeight(width() - 2 * spacing::cardPadding);
-    const int height = std::max(room_.rows(), shown) * rowHeight;
+    const int height = std::max(room_.count(), shown) * rowHeight;
     if (others_->minimumHeight() != height) {
         others_->setFixedHeight(height);
     }

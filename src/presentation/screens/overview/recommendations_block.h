@@ -6,12 +6,13 @@
 
 #include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/widgets/reserved_rows.h"
 
 namespace tallowcrest {
 
 class RecommendationRow;
 
-/// Whether anything needs attention and what to do first. Main thread.
+/// The recommendations: the first one prominently, the others as compact rows. Main thread.
 class RecommendationsBlock final : public OverviewBlock {
     Q_OBJECT
 
@@ -21,10 +22,12 @@ public:
 
     RecommendationsBlock();
 
-    /// `sampledAt` is absent before the first sample.
+    /// `lines` come most severe first; those beyond the maximum are left out. `sampledAt` is absent
+    /// before the first sample.
     void show(std::vector<RecommendationLine> lines, std::optional<Date> sampledAt);
 
 signals:
+    /// The owner pressed "Review" on a recommendation.
     void reviewWanted(std::int64_t pid);
 
 protected:
@@ -40,7 +43,7 @@ private:
     RecommendationRow* first_ = nullptr;
     QWidget* others_ = nullptr;
     std::vector<RecommendationRow*> rows_;  ///< within `others_`
-    KeptRoom room_;                         ///< rows within `others_`
+    ReservedRows room_;                     ///< rows within `others_`
 };
 
 }  // namespace tallowcrest

@@ -7,7 +7,7 @@
 
 namespace tallowcrest {
 
-/// What the session came to in four figures. Main thread.
+/// The session summed up in four cards. Main thread.
 class SessionSummaryBlock final : public OverviewBlock {
     Q_OBJECT
 
@@ -30,6 +30,7 @@ class SessionInsightsBlock final : public OverviewBlock {
 public:
     SessionInsightsBlock();
 
+    /// Without insights, one card says that the session starts.
     void show(const std::vector<SessionInsight>& insights);
 
 private:

@@ -19,14 +19,12 @@ TimelineBlock::TimelineBlock()
     : OverviewBlock(DashboardSection::recentLoad, u"overview.timeline"_s, u"waveform.path.ecg"_s,
                     u"Live Performance Timeline"_s) {
     reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
-    graph_ = new StableLineGraph(body());
+    graph_ = makeTimelineGraph(body());
     graph_->setMinimumHeight(18 * spacing::unit);
     bodyLayout()->addWidget(graph_, 1);
     figures_ =
         new FigureRow({u"CPU now"_s, u"Memory now"_s, u"CPU peak"_s, u"Memory peak"_s}, body());
-    averages_ =
-        new ElidedLabel(QString(), &CrestFonts::caption, &CrestTheme::secondaryText, body());
-    averages_->setGround(&CrestTheme::cardBackground);
+    averages_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), body());
     averages_->setAlignment(Qt::AlignRight | Qt::AlignBottom);
     auto* below = new QHBoxLayout;
     below->setSpacing(spacing::gap);

@@ -15,8 +15,8 @@ class TimelineBlock final : public OverviewBlock {
 public:
     TimelineBlock();
 
-    /// `hasSample` is false before the first sample of this run: a history that an earlier run left
-    /// says nothing of now.
+    /// `hasSample` is false before the first sample of this run. The figures are empty until then,
+    /// because the stored history of an earlier run does not describe the present.
     void show(const TimelineFacts& facts, bool hasSample);
 
 private:

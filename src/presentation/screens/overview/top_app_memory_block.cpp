@@ -16,7 +16,7 @@ namespace {
 
 /// One bar for each group that a sample can hold.
 constexpr int barCount = maximumAppImpacts;
-/// Enough for the words that stand in place of no bars.
+/// Room for the text that is shown when there are no bars.
 constexpr int fewestBars = 3;
 
 }  // namespace
@@ -44,14 +44,14 @@ void TopAppMemoryBlock::show(const std::optional<SystemSnapshot>& snapshot) {
             rows.push_back({dashboard_text::text(bar.name),
                             dashboard_text::memoryText(bar.megabytes), bar.fraction});
         }
-        room_.setNeeded(static_cast<int>(rows.size()), snapshot->sampledAt);
+        room_.setNeeded(static_cast<int>(rows.size()), snapshot->sampledAt.secondsSinceReference);
     }
     bars_->setRows(std::move(rows));
     fitBars();
 }
 
 void TopAppMemoryBlock::fitBars() {
-    const int shown = std::max({fewestBars, room_.rows(), static_cast<int>(bars_->rows().size())});
+    const int shown = std::max({fewestBars, room_.count(), static_cast<int>(bars_->rows().size())});
     const int height = bars_->sizeHint().height() / barCount * shown;
     if (bars_->minimumHeight() != height) {
         bars_->setFixedHeight(height);

@@ -4,6 +4,7 @@
 
 #include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/widgets/reserved_rows.h"
 
 namespace tallowcrest {
 
@@ -16,14 +17,14 @@ class TopAppMemoryBlock final : public OverviewBlock {
 public:
     TopAppMemoryBlock();
 
-    /// Absent before the first sample.
+    /// `snapshot` is absent before the first sample.
     void show(const std::optional<SystemSnapshot>& snapshot);
 
 private:
     void fitBars();
 
     BarList* bars_ = nullptr;
-    KeptRoom room_;
+    ReservedRows room_;
 };
 
 }  // namespace tallowcrest

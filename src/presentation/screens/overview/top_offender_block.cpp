@@ -7,10 +7,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/controls.h"
+#include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
-#include "presentation/widgets/spoken.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -35,15 +35,14 @@ TopOffenderBlock::TopOffenderBlock()
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(lineGap);
     lines->addStretch(1);
-    title_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, words);
-    detail_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, words);
+    title_ = new ElidedLabel(onCard(&CrestFonts::heading), words);
+    detail_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), words);
     detail_->setLines(1, 4);
     for (ElidedLabel* label : {title_, detail_}) {
-        label->setGround(&CrestTheme::cardBackground);
         lines->addWidget(label);
     }
     lines->addStretch(1);
-    // Room for the largest of the states, so that load going up and down moves nothing.
+    // Reserves the height of the tallest state, so that a change of state moves nothing.
     words->setMinimumHeight(
         std::max(QFontMetrics(CrestFonts::current().heading).lineSpacing() + lineGap +
                      2 * QFontMetrics(CrestFonts::current().body).lineSpacing(),
@@ -72,7 +71,7 @@ TopOffenderBlock::TopOffenderBlock()
     alerts->setSpacing(spacing::unit + spacing::unit / 2);
     alerts->addWidget(new IconView(u"network.badge.shield.half.filled"_s, &CrestTheme::caution,
                                    spacing::iconRegular, alerts_));
-    alertsText_ = new ElidedLabel(QString(), &CrestFonts::heading, &CrestTheme::text, alerts_);
+    alertsText_ = new ElidedLabel(onCard(&CrestFonts::heading), alerts_);
     alertsText_->setObjectName(u"overview.remote-alerts"_s);
     alerts->addWidget(alertsText_, 1);
     alerts_->hide();

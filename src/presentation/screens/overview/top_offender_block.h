@@ -9,19 +9,20 @@ namespace tallowcrest {
 
 class IconView;
 
-/// Where to begin when load is high, or that it is not. Main thread.
+/// The heaviest application group while load is high, or that the load is not high. Main thread.
 class TopOffenderBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
     TopOffenderBlock();
 
+    /// "Review" is shown only for an offender whose process can be reviewed.
     void show(const TopOffenderFacts& facts);
 
 signals:
-    /// The offender's heaviest process is to be reviewed.
+    /// The owner asked to review the heaviest process of the offender.
     void reviewWanted();
-    /// The ways to free something are to be shown.
+    /// The owner asked to open Optimize.
     void cleanupWanted();
 
 private:

@@ -10,13 +10,13 @@
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/automation/automation_toggles.h"
+#include "presentation/shell/automation_facts.h"
+#include "presentation/shell/command_button.h"
 #include "presentation/shell/window_state.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/commands.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -37,10 +37,9 @@ QWidget* SettingsPage::makeHub() {
     auto* card = new Card;
     card->setObjectName(u"settings.hub"_s);
     card->setHeader(u"gearshape"_s, u"Configuration Hub"_s);
-    hubWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    hubWords_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
     hubWords_->setObjectName(u"settings.hub.words"_s);
     hubWords_->setLines(1, 3);
-    hubWords_->setGround(&CrestTheme::cardBackground);
     card->contentLayout()->addWidget(hubWords_);
     auto* open =
         makeButton(commands::openSettingsSheet.titled("Open Settings"), u"settings.open"_s, card);
@@ -66,7 +65,7 @@ QWidget* SettingsPage::makeRules() {
 
 std::vector<Observable*> SettingsPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
 }
 
 void SettingsPage::refresh() {
@@ -74,8 +73,7 @@ void SettingsPage::refresh() {
                            ? u"Most configuration still lives in the native Settings sheet so it "
                              "can also be opened from Tallowcrest > Settings."_s
                            : u"Sampling this Mac..."_s);
-    toggles_->show({monitor_.settings(), monitor_.autoRules().dates(), monitor_.log().activityLog(),
-                    monitor_.sample().snapshot()});
+    toggles_->show(automationFacts(monitor_));
 }
 
 }  // namespace tallowcrest

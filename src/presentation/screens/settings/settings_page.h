@@ -9,7 +9,7 @@ class ElidedLabel;
 class SystemMonitor;
 struct WindowState;
 
-/// The way to the settings sheet, and the switches that are thrown most often. Main thread.
+/// A button that opens the settings sheet, and the switches of the rules. Main thread.
 class SettingsPage final : public Screen {
     Q_OBJECT
 

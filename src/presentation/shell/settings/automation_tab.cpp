@@ -17,10 +17,10 @@ namespace {
 constexpr SliderScale thresholdScale{65, 95, 1};
 constexpr SliderScale minimumFreeScale{5, 100, 5};
 constexpr SliderScale cacheAgeScale{7, 90, 1};
-// Goes beyond the cap of one run, which the setting itself enforces.
+// Goes beyond the maximum of the setting, to which a larger value is clamped when it is stored.
 constexpr SliderScale maximumRunScale{0.5, 10, 0.5};
 
-/// A figure of a scale of whole numbers, which an earlier version may have stored between two.
+/// Without decimals, except for a stored value that is not a whole number like those of the scale.
 QString plainFigure(double value) {
     if (!std::isfinite(value)) {
         return dashboard_text::noFigure();
@@ -78,19 +78,17 @@ QWidget* AutomationTab::makeDiskAutopilot(QWidget* switches) {
 
 void AutomationTab::addLimit(Card& card, const char* title, const char* identifier,
                              const SliderScale& scale, Limit limit, QString (*words)(double)) {
-    limits_.push_back(
-        new LimitRow(QString::fromLatin1(title), QString::fromLatin1(identifier), scale,
-                     {.read = [this, limit] { return shown_.*limit; },
-                      .write = [this, limit](double value) { emit limitMoved(limit, value); },
-                      .words = words},
-                     &card));
-    card.contentLayout()->addWidget(limits_.back());
+    auto* row = new LimitRow(QString::fromLatin1(title), QString::fromLatin1(identifier), scale,
+                             words, &card);
+    connect(row, &LimitRow::moved, this,
+            [this, limit](double value) { emit limitMoved(limit, value); });
+    card.contentLayout()->addWidget(row);
+    limits_.emplace_back(limit, row);
 }
 
 void AutomationTab::show(const Settings& settings) {
-    shown_ = settings;
-    for (LimitRow* limit : limits_) {
-        limit->refresh();
+    for (const auto& [limit, row] : limits_) {
+        row->show(settings.*limit);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "core/settings/settings.h"
@@ -11,20 +12,20 @@ class Card;
 class LimitRow;
 struct SliderScale;
 
-/// What may act by itself, and how far it may go. Main thread.
+/// The switches of what acts automatically, and its limits. Main thread.
 class AutomationTab final : public SettingsTab {
     Q_OBJECT
 
 public:
     using Limit = double Settings::*;
 
-    /// Takes over the switches of the rules and of Disk Autopilot.
+    /// Takes ownership of the switches of the rules and of Disk Autopilot.
     AutomationTab(QWidget* ruleSwitches, QWidget* diskSwitches, QWidget* parent = nullptr);
 
     void show(const Settings& settings);
 
 signals:
-    /// The owner moved a limit. The receiver answers with `show`, because a limit may be clamped.
+    /// The owner moved a limit. The receiver calls `show`, because the stored value may be clamped.
     void limitMoved(tallowcrest::AutomationTab::Limit limit, double value);
 
 private:
@@ -33,8 +34,7 @@ private:
     void addLimit(Card& card, const char* title, const char* identifier, const SliderScale& scale,
                   Limit limit, QString (*words)(double));
 
-    Settings shown_;
-    std::vector<LimitRow*> limits_;
+    std::vector<std::pair<Limit, LimitRow*>> limits_;
 };
 
 }  // namespace tallowcrest

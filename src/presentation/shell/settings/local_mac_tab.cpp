@@ -3,8 +3,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/theme.h"
 

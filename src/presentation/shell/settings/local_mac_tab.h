@@ -4,15 +4,16 @@
 
 namespace tallowcrest {
 
-/// How this machine is set up. Main thread.
+/// The settings of this machine. Main thread.
 class LocalMacTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    /// Takes over `notifications`, the switches of the notifications.
+    /// Takes ownership of `notifications`, the switches of the notifications.
     explicit LocalMacTab(QWidget* notifications, QWidget* parent = nullptr);
 
 signals:
+    // The owner asked to expand or collapse all sections of the dashboard.
     void expandAllWanted();
     void collapseAllWanted();
 };

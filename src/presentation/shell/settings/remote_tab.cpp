@@ -18,20 +18,13 @@ namespace {
 /// message and not silently cut.
 constexpr int longestUser = 256;
 
-ElidedLabel* makeLabel(const QString& text, ElidedLabel::FontRole font, const ThemeColor& color,
-                       QWidget* parent) {
-    auto* label = new ElidedLabel(text, font, color, parent);
-    label->setGround(&CrestTheme::cardBackground);
-    return label;
-}
-
 }  // namespace
 
 RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
     auto* card = new Card;
     card->setHeader(u"network"_s, u"Remote Access"_s);
     card->contentLayout()->addWidget(
-        makeLabel(u"SSH User"_s, &CrestFonts::body, &CrestTheme::text, card));
+        new ElidedLabel(u"SSH User"_s, onCard(&CrestFonts::body), card));
     user_ = new QLineEdit(card);
     user_->setObjectName(u"settings.ssh-user"_s);
     user_->setPlaceholderText(u"remote username"_s);
@@ -43,7 +36,7 @@ RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
     showRefusal(QString());
 
     card->contentLayout()->addSpacing(spacing::unit);
-    keyStatus_ = makeLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, card);
+    keyStatus_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
     keyStatus_->setObjectName(u"settings.public-key-status"_s);
     keyStatus_->setLines(1, 3);
     card->contentLayout()->addWidget(keyStatus_);
@@ -65,7 +58,7 @@ QWidget* RemoteTab::makeRefusal() {
     row->addWidget(
         new IconView(u"exclamationmark.triangle"_s, &CrestTheme::bad, spacing::iconSmall, refusal_),
         0, Qt::AlignTop);
-    refusalWords_ = makeLabel(QString(), &CrestFonts::body, &CrestTheme::bad, refusal_);
+    refusalWords_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::bad), refusal_);
     refusalWords_->setObjectName(u"settings.ssh-user.refusal"_s);
     refusalWords_->setLines(1, 3);
     row->addWidget(refusalWords_, 1);

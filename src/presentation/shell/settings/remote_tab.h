@@ -10,22 +10,23 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// What reaching other machines needs. Main thread.
+/// The settings for access to other machines. Main thread.
 class RemoteTab final : public SettingsTab {
     Q_OBJECT
 
 public:
     explicit RemoteTab(QWidget* parent = nullptr);
 
-    /// Shows the stored state. A name that is being typed or was refused stays.
+    /// Shows the stored user name and the status of the key. A name that is being typed or was
+    /// refused stays.
     void show(const QString& username, const QString& keyStatus);
 
-    /// Puts the stored name in place of what was typed and takes a refusal away. For a name that
-    /// was accepted, and for a sheet that opens.
+    /// Replaces what was typed by the stored name and removes a refusal. Called when a name was
+    /// accepted, and when the sheet opens.
     void setUsername(const QString& username);
 
-    /// Says below the field why the name was refused; empty words take that away. What was typed
-    /// stays, to be corrected.
+    /// Shows below the field why the name was refused; an empty text removes that. The typed name
+    /// stays, so that it can be corrected.
     void showRefusal(const QString& words);
 
 signals:

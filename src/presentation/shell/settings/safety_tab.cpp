@@ -8,14 +8,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/shell/command_button.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
-#include "presentation/widgets/controls.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon_view.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/session_lines.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,11 +34,10 @@ QWidget* SafetyTab::makeNeverQuit() {
     neverQuit_->setObjectName(u"settings.never-quit"_s);
     neverQuit_->setHeader(u"lock.shield"_s, u"Never Quit And Guardrails"_s);
     neverQuit_->contentLayout()->setSpacing(spacing::unit / 2);
-    noNames_ = new ElidedLabel(u"No custom app groups are protected yet."_s, &CrestFonts::body,
-                               &CrestTheme::secondaryText, neverQuit_);
+    noNames_ = new ElidedLabel(noProtectedApps(),
+                               onCard(&CrestFonts::body, &CrestTheme::secondaryText), neverQuit_);
     noNames_->setObjectName(u"settings.never-quit.none"_s);
     noNames_->setLines(1, 2);
-    noNames_->setGround(&CrestTheme::cardBackground);
     neverQuit_->contentLayout()->addWidget(noNames_);
     return neverQuit_;
 }
@@ -77,9 +77,8 @@ QWidget* SafetyTab::makeName(const std::string& name) {
     layout->setSpacing(spacing::unit);
     layout->addWidget(
         new IconView(u"lock.fill"_s, &CrestTheme::secondaryText, spacing::iconSmall, row));
-    auto* label = new ElidedLabel(shown, &CrestFonts::body, &CrestTheme::text, row);
+    auto* label = new ElidedLabel(shown, onCard(&CrestFonts::body), row);
     label->setElideMode(Qt::ElideMiddle);
-    label->setGround(&CrestTheme::cardBackground);
     layout->addWidget(label, 1);
     auto* removal =
         makeButton(u"Remove"_s, u"xmark.circle"_s, u"settings.never-quit.remove."_s + shown,
@@ -108,10 +107,9 @@ void SafetyTab::remove(const std::string& name) {
 QWidget* SafetyTab::makeStop() {
     stop_ = new Card;
     stop_->setObjectName(u"settings.emergency-stop"_s);
-    stopWords_ = new ElidedLabel(QString(), &CrestFonts::body, &CrestTheme::secondaryText, stop_);
+    stopWords_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), stop_);
     stopWords_->setObjectName(u"settings.emergency-stop.words"_s);
     stopWords_->setLines(1, 4);
-    stopWords_->setGround(&CrestTheme::cardBackground);
     stop_->contentLayout()->addWidget(stopWords_);
     stop_->contentLayout()->addSpacing(spacing::unit / 2);
     engage_ = new DangerButton(stop_);
@@ -136,8 +134,8 @@ bool SafetyTab::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            // Return presses the stop, once. It must not press a button that takes protection away,
-            // which some desktops do with any button that has the focus.
+            // Return presses the stop, once. It must not press a button that removes protection; on
+            // some desktops Return presses any focused button.
             if (watched == engage_ && !key->isAutoRepeat()) {
                 engage();
             }

@@ -18,22 +18,27 @@ class Card;
 class DangerButton;
 class ElidedLabel;
 
-/// The Never Quit list and the emergency stop of everything that acts by itself. Main thread.
+/// The Never Quit list and the emergency stop of all automatic actions. Main thread.
 class SafetyTab final : public SettingsTab {
     Q_OBJECT
 
 public:
     explicit SafetyTab(QWidget* parent = nullptr);
 
+    /// When the stop has just been engaged, "Resume Manual Mode" is disabled for the settling time.
     void show(const ProtectedAppNames& neverQuit, bool isStopEngaged);
 
-    /// For tests, which wait for nothing.
+    /// For tests, which do not wait.
     void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
 
 signals:
-    // The receiver answers each with `show` before it returns.
+    // The receiver of each calls `show` before it returns.
+
+    /// The owner asked to take this name off the Never Quit list.
     void removalWanted(const std::string& name);
+    /// The owner pressed the emergency stop.
     void stopWanted();
+    /// The owner pressed "Resume Manual Mode".
     void resumeWanted();
 
 protected:
@@ -57,7 +62,7 @@ private:
     ElidedLabel* stopWords_ = nullptr;
     DangerButton* engage_ = nullptr;
     QPushButton* resume_ = nullptr;
-    std::optional<SettlingButton> settling_;  ///< the way back, after a stop
+    std::optional<SettlingButton> settling_;  ///< `resume_`, after a stop
     std::optional<bool> showsEngaged_;        ///< absent before the first `show`
 };
 

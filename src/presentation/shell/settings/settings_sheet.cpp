@@ -15,18 +15,21 @@
 #include "actions/local_actions.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
+#include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/automation/automation_toggles.h"
+#include "presentation/shell/automation_facts.h"
 #include "presentation/shell/settings/automation_tab.h"
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
 #include "presentation/shell/window_state.h"
-#include "presentation/widgets/controls.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/tab_strip.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 
@@ -39,11 +42,10 @@ constexpr int mostHeight = 640;
 
 using dashboard_text::text;
 
-ElidedLabel* makeLabel(const QString& words, ElidedLabel::FontRole font, const char* identifier,
+ElidedLabel* makeLabel(const QString& words, const LabelStyle& style, const char* identifier,
                        QWidget* parent) {
-    auto* label = new ElidedLabel(words, font, &CrestTheme::text, parent);
+    auto* label = new ElidedLabel(words, style, parent);
     label->setObjectName(QString::fromLatin1(identifier));
-    label->setGround(&CrestTheme::pageBackground);
     return label;
 }
 
@@ -82,10 +84,11 @@ QWidget* SettingsSheet::makeHead() {
     layout->setSpacing(spacing::gap);
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
-    words->addWidget(makeLabel(windowTitle(), &CrestFonts::title, "settings.sheet.title", head));
+    words->addWidget(
+        makeLabel(windowTitle(), onPage(&CrestFonts::title), "settings.sheet.title", head));
     auto* line = makeLabel(u"Configuration stays here; dashboard actions stay up front."_s,
-                           &CrestFonts::body, "settings.sheet.line", head);
-    line->setColor(&CrestTheme::secondaryText);
+                           onPage(&CrestFonts::body, &CrestTheme::secondaryText),
+                           "settings.sheet.line", head);
     line->setLines(1, 2);
     words->addWidget(line);
     layout->addLayout(words);
@@ -101,8 +104,9 @@ QWidget* SettingsSheet::makeFoot() {
     auto* layout = new QHBoxLayout(foot);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
     layout->setSpacing(spacing::gap);
-    // The status line of the window is covered, or too far away to be noticed.
-    lastAction_ = makeLabel(QString(), &CrestFonts::caption, "settings.sheet.last-action", foot);
+    // Repeated here because the sheet covers the status line of the window.
+    lastAction_ =
+        makeLabel(QString(), onPage(&CrestFonts::caption), "settings.sheet.last-action", foot);
     lastAction_->setLines(2, 2);
     lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto* doneButton =
@@ -139,7 +143,8 @@ void SettingsSheet::takeUsername(const QString& typed) {
         remote_->setUsername(text(stored));
         return;
     }
-    const Outcome outcome = connection_settings::setSSHUsername(monitor_.services(), name);
+    const Outcome outcome =
+        connection_settings::setSSHUsername(monitor_.settingsOwner(), monitor_.log(), name);
     if (outcome.isAccepted()) {
         remote_->setUsername(text(stored));
     } else {
@@ -154,7 +159,7 @@ void SettingsSheet::addLocalMac() {
     connect(tab, &LocalMacTab::expandAllWanted, this, [this] { state_.sections.expandAll(); });
     connect(tab, &LocalMacTab::collapseAllWanted, this, [this] { state_.sections.collapseAll(); });
     addTab(settings_tabs::localMac, "settings.tab.local-mac", "How this machine is set up", tab,
-           [this, notifications] { notifications->show(automationFacts()); });
+           [this, notifications] { notifications->show(automationFacts(monitor_)); });
 }
 
 void SettingsSheet::addAutomation() {
@@ -169,8 +174,8 @@ void SettingsSheet::addAutomation() {
             });
     addTab(settings_tabs::automation, "settings.tab.automation",
            "What may act by itself, and how far it may go", automation_, [this, rules, disk] {
-               rules->show(automationFacts());
-               disk->show(automationFacts());
+               rules->show(automationFacts(monitor_));
+               disk->show(automationFacts(monitor_));
                automation_->show(monitor_.settings());
            });
 }
@@ -178,10 +183,7 @@ void SettingsSheet::addAutomation() {
 void SettingsSheet::addSafety() {
     safety_ = new SafetyTab;
     connect(safety_, &SafetyTab::removalWanted, this, [this](const std::string& name) {
-        // A second click on a row that is going would put the name back.
-        if (monitor_.settings().protectedAppNames.contains(name)) {
-            monitor_.localActions().toggleNeverQuit(name);
-        }
+        monitor_.localActions().removeFromNeverQuit(name);
         showSafety();
     });
     connect(safety_, &SafetyTab::stopWanted, this, [this] {
@@ -207,14 +209,15 @@ AutomationToggles* SettingsSheet::makeSwitches(std::span<const AutomationSwitch>
     connect(toggles, &AutomationToggles::wanted, this,
             [this, toggles](AutomationSwitch which, bool on) {
                 monitor_.automation().set(which, on);
-                toggles->show(automationFacts());
+                toggles->show(automationFacts(monitor_));
             });
     return toggles;
 }
 
-AutomationFacts SettingsSheet::automationFacts() {
-    return {monitor_.settings(), monitor_.autoRules().dates(), monitor_.log().activityLog(),
-            monitor_.sample().snapshot()};
+std::vector<Observable*> SettingsSheet::shows(SystemMonitor& monitor, WindowState& state) {
+    return {&state.navigation.observable(), &monitor.settingsOwner().observable(),
+            &monitor.log().observable(), &monitor.sample().observable(),
+            &monitor.autoRules().observable()};
 }
 
 void SettingsSheet::start() {

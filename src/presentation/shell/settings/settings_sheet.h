@@ -23,13 +23,16 @@ class SystemMonitor;
 struct WindowState;
 class TabStrip;
 
-/// The sheet of the configuration. It alone reads the state and calls operations; its tabs take
-/// plain values. Only the tab that can be seen is kept up to date. Main thread.
+/// The settings. Only the sheet reads the state and calls operations; its tabs take plain values.
+/// Only the visible tab is updated. Main thread.
 class SettingsSheet final : public Sheet {
     Q_OBJECT
 
 public:
     SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget* window);
+
+    /// What the sheet shows of `monitor` and `state`, which also say whether it is open.
+    static std::vector<Observable*> shows(SystemMonitor& monitor, WindowState& state);
 
 protected:
     void start() override;
@@ -51,7 +54,6 @@ private:
     void addLocalMac();
     void addAutomation();
     void addSafety();
-    AutomationFacts automationFacts();
     AutomationToggles* makeSwitches(std::span<const AutomationSwitch> switches);
     void takeUsername(const QString& typed);
     void showSafety();

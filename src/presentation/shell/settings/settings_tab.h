@@ -6,7 +6,7 @@ class QVBoxLayout;
 
 namespace tallowcrest {
 
-/// What one tab of the settings sheet shows below the tab strip: cards that scroll. Main thread.
+/// The content of one tab of the settings sheet: cards that scroll. Main thread.
 class SettingsTab : public QWidget {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
     explicit SettingsTab(QWidget* parent = nullptr);
 
 protected:
-    /// The cards, from top to bottom; the space below them stays empty.
+    /// Adds a card below the others and takes ownership of it.
     void addCard(QWidget* card);
 
 private:

@@ -63,18 +63,18 @@ protected:
         const ElidedLabel& found = label(identifier, part);
         return found.isVisible() ? found.text() : u"(not shown)"_s;
     }
-    /// What was asked for since the last call.
+    /// The requests since the last call.
     std::vector<std::pair<AutomationSwitch, bool>> takeAsked() { return std::exchange(asked, {}); }
 
     Settings settings;
     AutomationDates dates;
     std::optional<SystemSnapshot> snapshot;
-    bool grants = true;  ///< what is asked of the auto-purge
+    bool grants = true;  ///< whether a request to change the auto-purge is carried out
     std::vector<std::pair<AutomationSwitch, bool>> asked;
     AutomationToggles toggles{u"probe"_s};
 };
 
-TEST_F(AutomationTogglesTest, EachSwitchAsksForItsOppositeAndShowsItsField) {
+TEST_F(AutomationTogglesTest, EachSwitchShowsItsSettingAndEmitsTheOpposite) {
     settings.autoSelectTopOffender = true;
     settings.autoScanRemoteMacs = true;
     for (const bool purges : {false, true}) {
@@ -90,7 +90,7 @@ TEST_F(AutomationTogglesTest, EachSwitchAsksForItsOppositeAndShowsItsField) {
     }
 }
 
-TEST_F(AutomationTogglesTest, AClickOnTheWordsIsOneOnTheSwitch) {
+TEST_F(AutomationTogglesTest, AClickOnTheTextsIsAClickOnTheSwitch) {
     for (const char* part : {".title", ".explanation", ".last-acted", ".state"}) {
         const bool before = settings.autoPurgeSustainedMemory;
         QTest::mouseClick(&label("probe.auto-purge", part), Qt::LeftButton);
@@ -102,7 +102,7 @@ TEST_F(AutomationTogglesTest, AClickOnTheWordsIsOneOnTheSwitch) {
     }
 }
 
-TEST_F(AutomationTogglesTest, ARefusedSwitchStaysWithItsField) {
+TEST_F(AutomationTogglesTest, ARefusedSwitchMovesBack) {
     grants = false;
     settings.autoSelectTopOffender = false;
     show();
@@ -115,7 +115,7 @@ TEST_F(AutomationTogglesTest, ARefusedSwitchStaysWithItsField) {
     }
 }
 
-TEST_F(AutomationTogglesTest, WordAndIconTellTheStateBesideItsColour) {
+TEST_F(AutomationTogglesTest, TheStateHasAWordAndAnIcon) {
     const auto icon = [this] {
         return toggle("probe.auto-purge").parentWidget()->findChild<IconView*>()->icon();
     };
@@ -130,7 +130,7 @@ TEST_F(AutomationTogglesTest, WordAndIconTellTheStateBesideItsColour) {
     EXPECT_EQ(icon(), u"exclamationmark.triangle"_s);
 }
 
-TEST_F(AutomationTogglesTest, ARuleThatActsSaysWhen) {
+TEST_F(AutomationTogglesTest, ARuleThatHasActedSaysWhen) {
     dates.lastAutoSelectDate = Date{1000.0};
     show();
     EXPECT_TRUE(word("probe.auto-select", ".last-acted").startsWith(u"Last acted "_s))
@@ -138,7 +138,7 @@ TEST_F(AutomationTogglesTest, ARuleThatActsSaysWhen) {
     EXPECT_EQ(word("probe.auto-purge", ".last-acted"), u"No recent action"_s);
 }
 
-TEST_F(AutomationTogglesTest, TheKeyboardReachesAndThrowsEachSwitch) {
+TEST_F(AutomationTogglesTest, EachSwitchCanBeReachedAndToggledByKeyboard) {
     toggles.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&toggles));
     toggle("probe.auto-select").setFocus(Qt::TabFocusReason);
@@ -154,7 +154,7 @@ TEST_F(AutomationTogglesTest, TheKeyboardReachesAndThrowsEachSwitch) {
     }
 }
 
-TEST_F(AutomationTogglesTest, AssistiveTechnologyHearsACheckBoxWithAllItsWords) {
+TEST_F(AutomationTogglesTest, IsAnAccessibleCheckBoxWithNameAndDescription) {
     settings.autoPurgeSustainedMemory = true;
     show();
     QAccessibleInterface* found =
@@ -171,14 +171,14 @@ TEST_F(AutomationTogglesTest, AssistiveTechnologyHearsACheckBoxWithAllItsWords) 
     EXPECT_FALSE(found->state().checked);
 }
 
-TEST_F(AutomationTogglesTest, AssistiveTechnologyIsRefusedAsTheOwnerIs) {
+TEST_F(AutomationTogglesTest, ARefusedAccessibleActionMovesBackToo) {
     QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&toggle("probe.auto-scan"));
     found->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_THAT(takeAsked(), ElementsAre(Pair(AutomationSwitch::autoScanRemoteMacs, true)));
     EXPECT_FALSE(found->state().checked);
 }
 
-TEST_F(AutomationTogglesTest, TheSwitchCanBeToldFromItsCardInBothAppearances) {
+TEST_F(AutomationTogglesTest, TheSwitchStandsOutFromItsCardInBothAppearances) {
     const QPalette before = QApplication::palette();
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));

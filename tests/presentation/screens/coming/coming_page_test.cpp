@@ -9,7 +9,7 @@ namespace {
 
 class ComingPageTest : public WindowFixture {};
 
-TEST_F(ComingPageTest, TheContentOfEveryRouteSaysThatItSamples) {
+TEST_F(ComingPageTest, EveryRouteSaysThatItSamplesUntilTheFirstSample) {
     show();
     const auto saysSo = [this] {
         for (const auto* screen : window().findChildren<Screen*>()) {
@@ -32,7 +32,7 @@ TEST_F(ComingPageTest, TheContentOfEveryRouteSaysThatItSamples) {
     }
 }
 
-TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
+TEST_F(ComingPageTest, TheWorkspaceBarIsAboveTheTextOnItsSteps) {
     showWithSample();
     for (const AppRoute each :
          {AppRoute::optimizationSuggestions, AppRoute::aiAdvisor, AppRoute::chat}) {
@@ -49,7 +49,7 @@ TEST_F(ComingPageTest, TheStepsOfTheWorkspaceStandBelowItsBar) {
     }
 }
 
-TEST_F(ComingPageTest, TheStopStandsWhereAWarningLeads) {
+TEST_F(ComingPageTest, RecommendedHasTheEmergencyStop) {
     showWithSample();
     goTo(AppRoute::optimizationSuggestions);
     click("suggestions.emergency-stop");

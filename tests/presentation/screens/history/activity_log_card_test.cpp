@@ -71,21 +71,21 @@ TEST_F(ActivityLogCardTest, EachEventHasItsIconTimeTitleAndDetailNewestFirst) {
     EXPECT_GT(entries()[1]->accessibleValue().size(), u"Warning, : High load detected."_s.size());
 }
 
-TEST_F(ActivityLogCardTest, ClearIsAskedForOnlyOfALogThatHoldsSomething) {
+TEST_F(ActivityLogCardTest, ClearIsEnabledOnlyWhenThereAreEvents) {
     const QSignalSpy asked(&card, &ActivityLogCard::clearWanted);
     click("history.clear-log");
     EXPECT_EQ(asked.count(), 0);
     record("Action", "one");
     click("history.clear-log");
     EXPECT_EQ(asked.count(), 1);
-    EXPECT_THAT(entries(), SizeIs(1)) << "the log tells when it is cleared";
+    EXPECT_THAT(entries(), SizeIs(1)) << "it waits for the log to be cleared";
     events.clear();
     show();
     EXPECT_THAT(entries(), testing::IsEmpty());
     EXPECT_FALSE(visible("history.clear-log")->isEnabled());
 }
 
-TEST_F(ActivityLogCardTest, AnEventKeepsItsRowAsLongAsItIsInTheLog) {
+TEST_F(ActivityLogCardTest, AnEventKeepsItsWidgetWhileItIsInTheLog) {
     for (int i = 1; i <= 80; ++i) {
         record("Action", "event " + std::to_string(i));
     }
@@ -94,7 +94,7 @@ TEST_F(ActivityLogCardTest, AnEventKeepsItsRowAsLongAsItIsInTheLog) {
     ASSERT_THAT(entries(), SizeIs(80));
     EXPECT_EQ(detailOf(*entries().front()), "the newest");
     EXPECT_TRUE(std::equal(entries().begin() + 1, entries().end(), before.begin()));
-    // Assistive technology goes by the order of the children.
+    // Assistive technology reads the entries in the order of the child widgets.
     std::vector<std::string> spoken;
     for (const QObject* child : entries().front()->parentWidget()->children()) {
         if (const auto* entry = qobject_cast<const ActivityEntry*>(child)) {
@@ -127,7 +127,7 @@ TEST_F(ActivityLogCardTest, LongAndHostileTextsStayPlainAndWithinTheCard) {
     EXPECT_LT(entries()[1]->height(), 400);
 }
 
-TEST_F(ActivityLogCardTest, YesterdaysEventsBearTheirDateOnceTheDayIsOver) {
+TEST_F(ActivityLogCardTest, EventsGetADateOnceTheirDayIsOver) {
     record("Action", "today");
     const auto timeOf = [](const ActivityEntry& entry) {
         const QString all = entry.accessibleValue();

@@ -8,7 +8,7 @@
 
 namespace tallowcrest {
 
-/// A row of the process table, called by its path alone.
+/// A row of the process table whose arguments are only its command.
 inline ProcessSample processRow(std::int64_t pid, std::string command, double cpu = 0.0,
                                 double rssMB = 0.0) {
     ProcessSample row;

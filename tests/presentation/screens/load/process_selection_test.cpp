@@ -9,10 +9,10 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// Selections that do not come from a row of the list itself: the row is to be seen all the same.
+/// Selections, most of them made outside the list: their row must be scrolled into view.
 class ProcessSelectionTest : public WindowFixture {
 protected:
-    static constexpr std::int64_t lightest = 2399;  ///< far below the fold
+    static constexpr std::int64_t lightest = 2399;  ///< far below the visible rows
 
     ProcessSelectionTest() {
         for (std::int64_t pid = 2000; pid <= lightest; ++pid) {
@@ -40,11 +40,6 @@ protected:
         return {};
     }
 
-    void end(std::int64_t pid) {
-        std::erase_if(machine.metrics->processes,
-                      [pid](const ProcessSample& each) { return each.pid == pid; });
-    }
-
     void filter(const char* text) {
         window().state().navigation.setProcessFilter(text);
         settle();
@@ -54,7 +49,7 @@ protected:
     int scrolled() { return table().verticalScrollBar()->value(); }
     void scrollTo(int value) { table().verticalScrollBar()->setValue(value); }
 
-    /// The process whose row is the current one, when all of that row can be seen.
+    /// The process of the current row, if all of that row is visible.
     std::optional<std::int64_t> currentInView() {
         const QModelIndex current = table().currentIndex();
         const QRect place = table().visualRect(current);
@@ -68,7 +63,7 @@ protected:
     std::optional<std::int64_t> selectedByRule;
 };
 
-TEST_F(ProcessSelectionTest, ReviewFindsARowBelowTheFold) {
+TEST_F(ProcessSelectionTest, ReviewScrollsToItsRow) {
     showWithSample();
     click("overview.recommendation-1.review");
     EXPECT_EQ(selectedPID(), lightest);
@@ -79,7 +74,7 @@ TEST_F(ProcessSelectionTest, ReviewFindsARowBelowTheFold) {
               "yet."_s);
 }
 
-TEST_F(ProcessSelectionTest, ReviewFreesItsRowFromAFilterLeftThere) {
+TEST_F(ProcessSelectionTest, ReviewClearsAFilterThatHidesItsRow) {
     showWithSample();
     filter("photo");
     click("overview.recommendation-1.review");
@@ -87,7 +82,7 @@ TEST_F(ProcessSelectionTest, ReviewFreesItsRowFromAFilterLeftThere) {
     EXPECT_EQ(visible<QLineEdit>("processes.filter")->text(), QString());
     EXPECT_EQ(currentInView(), lightest);
 
-    // Once more for the process that is under review already.
+    // The same for the process that is under review already.
     filter("photo");
     goTo(AppRoute::overview);
     click("overview.recommendation-1.review");
@@ -95,7 +90,7 @@ TEST_F(ProcessSelectionTest, ReviewFreesItsRowFromAFilterLeftThere) {
     EXPECT_EQ(currentInView(), lightest);
 }
 
-TEST_F(ProcessSelectionTest, AFilterThatKeepsTheRowStays) {
+TEST_F(ProcessSelectionTest, ReviewKeepsAFilterThatShowsItsRow) {
     showWithSample();
     filter(" STRAGG");
     click("overview.recommendation-1.review");
@@ -103,7 +98,7 @@ TEST_F(ProcessSelectionTest, AFilterThatKeepsTheRowStays) {
     EXPECT_EQ(currentInView(), lightest);
 }
 
-TEST_F(ProcessSelectionTest, AfterwardsTheListScrollsAsTheOwnerWants) {
+TEST_F(ProcessSelectionTest, SamplesDoNotScrollTheListAfterwards) {
     showWithSample();
     click("overview.recommendation-1.review");
     scrollTo(40);
@@ -112,7 +107,7 @@ TEST_F(ProcessSelectionTest, AfterwardsTheListScrollsAsTheOwnerWants) {
     machine.metrics->processes.at(1).cpu = 300.0;
     tick();
     EXPECT_EQ(scrolled(), 40);
-    end(lightest);
+    machine.endProcess(lightest);
     tick();
     EXPECT_EQ(scrolled(), 40);
     EXPECT_EQ(selectedPID(), lightest);
@@ -120,7 +115,7 @@ TEST_F(ProcessSelectionTest, AfterwardsTheListScrollsAsTheOwnerWants) {
     EXPECT_EQ(scrolled(), 40);
 }
 
-TEST_F(ProcessSelectionTest, SelectTopGoesToItsRowEachTime) {
+TEST_F(ProcessSelectionTest, SelectTopScrollsToItsRowEachTime) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("straggler");
@@ -149,7 +144,7 @@ TEST_F(ProcessSelectionTest, ARefusedSelectTopMovesNothing) {
     EXPECT_EQ(filter(), "straggler");
 }
 
-TEST_F(ProcessSelectionTest, SelectTopRowGoesToTheFirstRow) {
+TEST_F(ProcessSelectionTest, SelectTopRowScrollsToTheFirstRow) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("idle");
@@ -168,13 +163,13 @@ TEST_F(ProcessSelectionTest, ASelectionOnAnotherRouteIsInViewWhenTheListOpens) {
     goTo(AppRoute::optimize);
     click("optimize.select-top");
     tick();
-    EXPECT_EQ(filter(), "straggler") << "nothing is taken away before the list is seen";
+    EXPECT_EQ(filter(), "straggler") << "the filter stays until the list is visible";
     goTo(AppRoute::load);
     EXPECT_EQ(filter(), "");
     EXPECT_EQ(currentInView(), 800);
 }
 
-TEST_F(ProcessSelectionTest, OpeningTheListShowsTheRowButLeavesALaterFilterAlone) {
+TEST_F(ProcessSelectionTest, OpeningTheListScrollsToTheRowButKeepsALaterFilter) {
     showWithSample();
     click("overview.recommendation-1.review");
     scrollTo(0);
@@ -188,7 +183,7 @@ TEST_F(ProcessSelectionTest, OpeningTheListShowsTheRowButLeavesALaterFilterAlone
     EXPECT_EQ(filter(), "photo");
 }
 
-TEST_F(ProcessSelectionTest, WhatASampleSelectsByItselfMovesNothing) {
+TEST_F(ProcessSelectionTest, ASelectionByARuleDoesNotScroll) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
     filter("idle");
@@ -204,10 +199,10 @@ TEST_F(ProcessSelectionTest, WhatASampleSelectsByItselfMovesNothing) {
     EXPECT_EQ(scrolled(), 40);
 }
 
-TEST_F(ProcessSelectionTest, ARowThatIsChosenInTheListStaysWhereItIs) {
+TEST_F(ProcessSelectionTest, SelectingARowInTheListDoesNotScroll) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     showWithSample();
-    // Half of the first row that shows is above the edge.
+    // Half of the first visible row is above the edge.
     scrollTo(table().rowHeight(0) / 2);
     const int before = scrolled();
     const QRect button = table().visualRect(model().index(0, ProcessTableModel::actionColumn));
@@ -220,11 +215,11 @@ TEST_F(ProcessSelectionTest, ARowThatIsChosenInTheListStaysWhereItIs) {
     EXPECT_EQ(scrolled(), before);
 }
 
-TEST_F(ProcessSelectionTest, AProcessThatHasEndedTakesNoFilterAway) {
+TEST_F(ProcessSelectionTest, AnEndedProcessDoesNotClearTheFilter) {
     showWithSample();
     filter("photo");
     const ProcessSample gone = row(lightest);
-    end(lightest);
+    machine.endProcess(lightest);
     tick();
     machine.monitor().review().selectProcess(gone);
     goTo(AppRoute::load);
@@ -232,7 +227,7 @@ TEST_F(ProcessSelectionTest, AProcessThatHasEndedTakesNoFilterAway) {
     EXPECT_EQ(model().rowCount(), 1);
 }
 
-TEST_F(ProcessSelectionTest, BeforeTheFirstSampleTheSelectionWaits) {
+TEST_F(ProcessSelectionTest, ASelectionBeforeTheFirstSampleIsShownWithIt) {
     show();
     machine.monitor().review().selectProcess(row(lightest));
     filter("photo");
@@ -246,7 +241,7 @@ TEST_F(ProcessSelectionTest, BeforeTheFirstSampleTheSelectionWaits) {
 
 class NeverQuitMarksTest : public WindowFixture {};
 
-TEST_F(NeverQuitMarksTest, TheListHoldsInTheTableAtOnce) {
+TEST_F(NeverQuitMarksTest, AChangeOfTheListShowsInTheTableAtOnce) {
     showWithSample();
     goTo(AppRoute::load);
     const auto isProtectedInTable = [this](const char* name) {

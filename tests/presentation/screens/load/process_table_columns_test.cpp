@@ -8,10 +8,10 @@
 namespace tallowcrest {
 namespace {
 
-/// How the room of the process table is shared out.
+/// The widths of the columns and the height of the process table.
 class ProcessTableColumnsTest : public WindowFixture {};
 
-TEST_F(ProcessTableColumnsTest, ColumnsStayWhereTheyAreWhateverTheFigures) {
+TEST_F(ProcessTableColumnsTest, ColumnsKeepTheirPlaceForAnyFigures) {
     showProcesses();
     std::vector<int> before;
     for (int column = 0; column < ProcessTableModel::columnTotal; ++column) {
@@ -46,9 +46,9 @@ TEST_F(ProcessTableColumnsTest, AWideWindowKeepsTheFiguresNearTheNames) {
     window().resize(1600, 1000);
     showProcesses();
     EXPECT_EQ(table().columnWidth(ProcessTableModel::processColumn), 420);
-    const int behindFigures = table().columnViewportPosition(ProcessTableModel::actionColumn);
-    EXPECT_LT(behindFigures, table().viewport()->width() * 3 / 4);
-    EXPECT_EQ(behindFigures + table().columnWidth(ProcessTableModel::actionColumn),
+    const int afterFigures = table().columnViewportPosition(ProcessTableModel::actionColumn);
+    EXPECT_LT(afterFigures, table().viewport()->width() * 3 / 4);
+    EXPECT_EQ(afterFigures + table().columnWidth(ProcessTableModel::actionColumn),
               table().viewport()->width());
     window().resize(900, 600);
     settle();
@@ -80,30 +80,30 @@ TEST_F(ProcessTableColumnsTest, ALongProtectedNameStaysInItsCell) {
     showProcesses();
     const QImage painted = paintedTable();
     const QRect figures = cell(0, ProcessTableModel::cpuColumn);
-    // Between a name and its figure there is always some ground.
+    // There is always empty background between a name and its figure.
     for (int y = figures.top() + 2; y < figures.bottom() - 2; ++y) {
         EXPECT_EQ(painted.pixelColor(figures.left() + 1, y),
                   painted.pixelColor(figures.left() + 1, figures.top() + 2));
     }
 }
 
-TEST_F(ProcessTableColumnsTest, TheProtectedMarkLeavesANameItsRoom) {
+TEST_F(ProcessTableColumnsTest, TheProtectedMarkLeavesRoomForTheName) {
     const auto mark = [](int cellWidth, int nameWidth) {
         return ProcessRowDelegate::protectedMark(QRect(8, 0, cellWidth, 32), nameWidth);
     };
     const QRect withWord = mark(400, 60);
-    EXPECT_EQ(withWord.left(), 8 + 60 + 2 * spacing::unit) << "it stands behind the name";
+    EXPECT_EQ(withWord.left(), 8 + 60 + 2 * spacing::unit) << "it follows the name";
     const QRect alone = mark(120, 60);
     EXPECT_LT(alone.width(), withWord.width() / 2);
-    EXPECT_GE(alone.left(), 8 + 60 + spacing::unit) << "and lets the name stand whole";
-    const QRect behindALongName = mark(400, 1000);
-    EXPECT_EQ(behindALongName.width(), withWord.width());
-    EXPECT_LE(behindALongName.right(), 8 + 400);
-    EXPECT_GE(behindALongName.left(), 8 + 96);
+    EXPECT_GE(alone.left(), 8 + 60 + spacing::unit) << "and leaves the name its full width";
+    const QRect afterALongName = mark(400, 1000);
+    EXPECT_EQ(afterALongName.width(), withWord.width());
+    EXPECT_LE(afterALongName.right(), 8 + 400);
+    EXPECT_GE(afterALongName.left(), 8 + 96);
     EXPECT_LE(mark(120, 1000).right(), 8 + 120);
 }
 
-TEST_F(ProcessTableColumnsTest, FewRowsMoveNoColumn) {
+TEST_F(ProcessTableColumnsTest, ColumnsKeepTheirPlaceWithFewRows) {
     showProcesses();
     for (std::int64_t pid = 5000; pid < 5100; ++pid) {
         machine.addProcess(pid, "/usr/bin/worker-" + std::to_string(pid), 2.0, 50.0);

@@ -13,6 +13,7 @@
 #include "presentation/widgets/tool_tip.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/screens/load/process_rows.h"
+#include "tests/support/each_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,22 +30,15 @@ ProcessSample row(std::int64_t pid) {
 }
 
 std::vector<ProcessSample> rowsOf(const std::vector<std::int64_t>& pids) {
-    std::vector<ProcessSample> rows;
-    for (const std::int64_t pid : pids) {
-        rows.push_back(row(pid));
-    }
-    return rows;
+    return eachOf(pids, row);
 }
 
 std::vector<std::int64_t> pidsIn(const ProcessTableModel& model) {
-    std::vector<std::int64_t> pids;
-    for (const ProcessSample& each : model.rows()) {
-        pids.push_back(each.pid);
-    }
-    return pids;
+    return eachOf(model.rows(), &ProcessSample::pid);
 }
 
-/// A model that ends the test program at the first breach of what a model owes its views.
+/// A model under `QAbstractItemModelTester`, which ends the test program at the first violation of
+/// the rules for models.
 class ProcessTableModelTest : public testing::Test {
 protected:
     const ScopedLocale locale{"en_US"};
@@ -66,7 +60,7 @@ TEST_F(ProcessTableModelTest, IsEmptyAtFirst) {
     EXPECT_EQ(model.rowCount(), 0);
 }
 
-TEST_F(ProcessTableModelTest, RowsComeInTheOrderGiven) {
+TEST_F(ProcessTableModelTest, RowsHaveTheGivenOrder) {
     model.setRows(rowsOf({30, 10, 20}));
     EXPECT_THAT(pidsIn(model), ElementsAre(30, 10, 20));
     model.setRows(rowsOf({20, 40, 30}));
@@ -96,7 +90,7 @@ TEST_F(ProcessTableModelTest, FiguresAreReplacedInPlace) {
     EXPECT_EQ(resets.count() + insertions.count() + removals.count() + layouts.count(), 0);
 }
 
-/// Births, deaths, moves and repeats in random sequences, which do not change from run to run.
+/// New, ended, moved and repeated processes in random sequences with fixed seeds.
 class ProcessTableModelAtRandom : public testing::TestWithParam<unsigned> {};
 
 TEST_P(ProcessTableModelAtRandom, EveryIndexStaysWithItsProcess) {
@@ -202,7 +196,7 @@ TEST_F(ProcessTableModelTest, HeadersNameTheColumns) {
     EXPECT_FALSE(model.headerData(0, Qt::Vertical, Qt::DisplayRole).isValid());
 }
 
-TEST_F(ProcessTableModelTest, FiguresStandBelowTheirHeadings) {
+TEST_F(ProcessTableModelTest, CellsAreAlignedLikeTheirHeaders) {
     model.setRows(rowsOf({1}));
     for (int column = 0; column < model.columnCount(); ++column) {
         EXPECT_EQ(at(0, column, Qt::TextAlignmentRole),
@@ -211,7 +205,7 @@ TEST_F(ProcessTableModelTest, FiguresStandBelowTheirHeadings) {
     }
 }
 
-TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
+TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAlsoInTheAccessibleText) {
     model.setRows({processRow(1, "/usr/lib/systemd/systemd"), processRow(2, "[kthreadd]"),
                    processRow(4242, "/usr/bin/tallowcrest"), processRow(90, "/usr/bin/editor")});
     const auto isProtectedAt = [this](int line) {
@@ -230,7 +224,7 @@ TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAndSaidToBe) {
     EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor, Protected"_s);
 }
 
-TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
+TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAlsoInTheAccessibleText) {
     model.setRows({processRow(1, "/usr/lib/systemd/systemd"), processRow(90, "/usr/bin/editor")});
     const auto isSelectedAt = [this](int line) {
         return at(line, 2, ProcessTableModel::isSelectedRole).toBool();
@@ -254,7 +248,7 @@ TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAndSaidToBe) {
     EXPECT_FALSE(isSelectedAt(0) || isSelectedAt(1));
 }
 
-TEST_F(ProcessTableModelTest, AProcessUnderReviewThatComesLaterIsMarkedThen) {
+TEST_F(ProcessTableModelTest, AProcessUnderReviewIsMarkedWhenItAppears) {
     model.setSelectedPID(7);
     model.setRows(rowsOf({6, 7}));
     EXPECT_TRUE(at(1, 0, ProcessTableModel::isSelectedRole).toBool());
@@ -263,13 +257,13 @@ TEST_F(ProcessTableModelTest, AProcessUnderReviewThatComesLaterIsMarkedThen) {
     EXPECT_FALSE(at(1, 0, ProcessTableModel::isSelectedRole).toBool());
 }
 
-TEST_F(ProcessTableModelTest, TheActionNamesItsProcessForWhoCannotSeeTheRow) {
+TEST_F(ProcessTableModelTest, TheAccessibleActionNamesItsProcess) {
     model.setRows({processRow(90, "/usr/bin/editor")});
     EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole), u"Review editor"_s);
     EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), u"0.0%"_s);
 }
 
-TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
+TEST_F(ProcessTableModelTest, ToolTipsShowNamesLiterally) {
     model.setRows({processRow(90, "/tmp/<img src=x>&amp;")});
     EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(u"PID 90\n/tmp/<img src=x>&amp;"_s));
     EXPECT_FALSE(at(0, 1, Qt::ToolTipRole).isValid());
@@ -277,7 +271,7 @@ TEST_F(ProcessTableModelTest, ToolTipsShowNamesAsTheyAre) {
     EXPECT_EQ(at(0, 0, Qt::ToolTipRole), toolTipText(u"PID 90\n/tmp/%1 %2 %3"_s));
 }
 
-TEST_F(ProcessTableModelTest, AskingBesideTheTableGivesNothing) {
+TEST_F(ProcessTableModelTest, InvalidIndexesHaveNoData) {
     model.setRows(rowsOf({1}));
     EXPECT_FALSE(model.data({}, Qt::DisplayRole).isValid());
     EXPECT_FALSE(model.data({}, ProcessTableModel::isProtectedRole).isValid());
@@ -324,7 +318,7 @@ TEST_F(ProcessTableInViewTest, CurrentRowAndScrollPositionSurviveANewOrder) {
     EXPECT_EQ(view.verticalScrollBar()->value(), 700);
 }
 
-TEST_F(ProcessTableInViewTest, CurrentRowAndScrollPositionSurviveBirthsAndDeaths) {
+TEST_F(ProcessTableInViewTest, CurrentRowAndScrollPositionSurviveNewAndEndedProcesses) {
     view.setCurrentIndex(model.index(50, 1));
     view.verticalScrollBar()->setValue(900);
     pids.insert(pids.begin(), {501, 502, 503});
@@ -336,7 +330,7 @@ TEST_F(ProcessTableInViewTest, CurrentRowAndScrollPositionSurviveBirthsAndDeaths
     EXPECT_EQ(view.verticalScrollBar()->value(), 900);
 }
 
-TEST_F(ProcessTableInViewTest, AFilterThatLeavesFewRowsAndIsTakenAwayAgainBreaksNothing) {
+TEST_F(ProcessTableInViewTest, ToleratesFilteringToFewRowsAndBack) {
     view.setCurrentIndex(model.index(50, 0));
     view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
     model.setRows(rowsOf({3}));

@@ -10,10 +10,10 @@
 namespace tallowcrest {
 namespace {
 
-/// The rows of the process table as they look.
+/// How the rows of the process table are painted.
 class ProcessTableRowsTest : public WindowFixture {
 protected:
-    /// The ground of a cell, beside its words.
+    /// The background colour of a cell, beside its text.
     QColor groundOf(int row, int column) {
         return paintedTable().pixelColor(cell(row, column).topRight() + QPoint(-2, 2));
     }
@@ -26,7 +26,7 @@ protected:
     }
 };
 
-TEST_F(ProcessTableRowsTest, TheRowBelowThePointerIsSetOffAndNoOther) {
+TEST_F(ProcessTableRowsTest, OnlyTheRowBelowThePointerIsHighlighted) {
     showProcesses();
     const CrestTheme& theme = CrestTheme::current();
     const auto expectHovered = [&](int hovered) {
@@ -51,7 +51,7 @@ TEST_F(ProcessTableRowsTest, TheRowBelowThePointerIsSetOffAndNoOther) {
     expectHovered(-1);
 }
 
-TEST_F(ProcessTableRowsTest, RowsThatScrollBelowAPointerThatRestsAreSetOffInTurn) {
+TEST_F(ProcessTableRowsTest, ScrollingHighlightsTheRowThatIsNowBelowThePointer) {
     for (std::int64_t pid = 2000; pid < 2100; ++pid) {
         machine.addProcess(pid, "/usr/bin/idle", 0.0, 1.0);
     }
@@ -63,7 +63,7 @@ TEST_F(ProcessTableRowsTest, RowsThatScrollBelowAPointerThatRestsAreSetOffInTurn
     EXPECT_EQ(groundOf(4, 0), CrestTheme::current().cardBackground);
 }
 
-TEST_F(ProcessTableRowsTest, ANameWiderThanItsColumnTouchesNoOtherAndIsWholeInItsToolTip) {
+TEST_F(ProcessTableRowsTest, ALongNameStaysInItsColumnAndIsWholeInTheToolTip) {
     const std::string name(200, 'W');
     machine.metrics->processes[0].command = "/usr/bin/" + name;
     showProcesses();
@@ -80,7 +80,7 @@ TEST_F(ProcessTableRowsTest, ANameWiderThanItsColumnTouchesNoOtherAndIsWholeInIt
     EXPECT_EQ(tip.toPlainText().remove(u'\n').toStdString(), "PID 800/usr/bin/" + name);
 }
 
-TEST_F(ProcessTableRowsTest, TheRowUnderReviewHasItsGroundBelowThePointerToo) {
+TEST_F(ProcessTableRowsTest, TheRowUnderReviewKeepsItsColorBelowThePointer) {
     showProcesses();
     machine.monitor().review().selectProcess(model().rows().front());
     settle();
@@ -89,7 +89,7 @@ TEST_F(ProcessTableRowsTest, TheRowUnderReviewHasItsGroundBelowThePointerToo) {
     EXPECT_EQ(groundOf(0, ProcessTableModel::memoryColumn), CrestTheme::current().selectedRow);
 }
 
-TEST_F(ProcessTableRowsTest, AToolTipGoesWhenItsRowMoves) {
+TEST_F(ProcessTableRowsTest, AToolTipIsHiddenWhenItsRowMoves) {
     showProcesses();
     const QPoint place = cell(0, ProcessTableModel::processColumn).center();
     movePointerTo(place);

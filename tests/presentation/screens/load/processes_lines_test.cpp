@@ -2,9 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "monitor/system_monitor.h"
+#include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/screens/load/process_rows.h"
-#include "tests/support/fake_machine.h"
+#include "tests/support/each_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,79 +23,70 @@ const std::vector<ProcessSample>& table() {
 }
 
 std::vector<std::int64_t> pidsLeftBy(const QString& filter) {
-    std::vector<std::int64_t> pids;
-    for (const ProcessSample& kept : filteredProcesses(table(), filter)) {
-        pids.push_back(kept.pid);
-    }
-    return pids;
+    return eachOf(filteredProcesses(table(), filter), &ProcessSample::pid);
 }
 
-TEST(ProcessFilter, NothingAndWhiteSpaceKeepAllRowsInTheirOrder) {
+TEST(ProcessFilter, EmptyAndBlankFiltersKeepAllRowsInTheirOrder) {
     for (const char16_t* filter : {u"", u" ", u"\t \n", u"\u00A0\u2003"}) {
         EXPECT_EQ(filteredProcesses(table(), QString::fromUtf16(filter)), table());
     }
 }
 
-TEST(ProcessFilter, NamesMatchWhateverTheCase) {
-    EXPECT_THAT(pidsLeftBy(u"BROWSER"_s), ElementsAre(4100));
-    EXPECT_THAT(pidsLeftBy(u"kWorker"_s), ElementsAre(7));
-}
-
-TEST(ProcessFilter, LettersBeyondASCIIMatchWhateverTheCase) {
-    EXPECT_THAT(pidsLeftBy(u"äpfel"_s), ElementsAre(512));
-    EXPECT_THAT(pidsLeftBy(u"KÄSE"_s), ElementsAre(512));
-}
-
-TEST(ProcessFilter, WhiteSpaceAroundTheTextDoesNotCount) {
-    EXPECT_THAT(pidsLeftBy(u"  editor\t"_s), ElementsAre(41));
-}
-
-TEST(ProcessFilter, TheWholePathOfTheCommandIsLookedAt) {
-    EXPECT_THAT(pidsLeftBy(u"/usr/"_s), ElementsAre(4100, 41));
-    EXPECT_THAT(pidsLeftBy(u"lib/browser/b"_s), ElementsAre(4100));
-}
-
-TEST(ProcessFilter, DigitsMatchAnyPartOfThePID) {
-    EXPECT_THAT(pidsLeftBy(u"41"_s), ElementsAre(4100, 41));
-    EXPECT_THAT(pidsLeftBy(u"12"_s), ElementsAre(512));
-    EXPECT_THAT(pidsLeftBy(u"9"_s), ElementsAre(9));
-}
-
-TEST(ProcessFilter, WhatMatchesNothingLeavesNoRows) {
-    EXPECT_THAT(pidsLeftBy(u"no such process"_s), IsEmpty());
+TEST(ProcessFilter, KeepsTheRowsThatContainTheText) {
+    struct Case {
+        const char* what;
+        QString filter;
+        std::vector<std::int64_t> pids;
+    };
+    for (const Case& each : {Case{"a name in any case", u"BROWSER"_s, {4100}},
+                             Case{"a name in any case", u"kWorker"_s, {7}},
+                             Case{"non-ASCII letters in any case", u"äpfel"_s, {512}},
+                             Case{"non-ASCII letters in any case", u"KÄSE"_s, {512}},
+                             Case{"surrounding white space is ignored", u"  editor\t"_s, {41}},
+                             Case{"the whole path of the command", u"/usr/"_s, {4100, 41}},
+                             Case{"the whole path of the command", u"lib/browser/b"_s, {4100}},
+                             Case{"digits match any part of the PID", u"41"_s, {4100, 41}},
+                             Case{"digits match any part of the PID", u"12"_s, {512}},
+                             Case{"digits match any part of the PID", u"9"_s, {9}},
+                             Case{"nothing", u"no such process"_s, {}},
+                             Case{"the filter is not a pattern", u".*"_s, {}},
+                             Case{"the filter is not a pattern", u"[kw"_s, {7}}}) {
+        EXPECT_EQ(pidsLeftBy(each.filter), each.pids) << each.what;
+    }
     EXPECT_THAT(filteredProcesses({}, QString()), IsEmpty());
     EXPECT_THAT(filteredProcesses({}, u"a"_s), IsEmpty());
 }
 
-TEST(ProcessFilter, TheTextIsNoPattern) {
-    EXPECT_THAT(pidsLeftBy(u".*"_s), IsEmpty());
-    EXPECT_THAT(pidsLeftBy(u"[kw"_s), ElementsAre(7));
-}
-
-TEST(ProcessFilter, AVeryLongTextIsJustOneThatMatchesNothing) {
+TEST(ProcessFilter, AVeryLongFilterIsAccepted) {
     const QString filter(10'000, u'x');
     EXPECT_THAT(pidsLeftBy(filter), IsEmpty());
     EXPECT_THAT(filteredProcesses({processRow(1, "/bin/" + filter.toStdString())}, filter),
                 ElementsAre(testing::Field(&ProcessSample::pid, 1)));
 }
 
-TEST(ProcessesLines, TellWhyThereAreNoRows) {
-    FakeMachine machine;
-    const auto lines = [&machine](int rows) {
-        return processesLines(machine.monitor().sample(), rows);
-    };
-    EXPECT_EQ(lines(0).status, u"Sampling this Mac..."_s);
-    EXPECT_EQ(lines(0).description, u"Select Process. Sampling this Mac..."_s);
-    machine.tick();
-    EXPECT_EQ(lines(0).emptyDetail, u"No process could be read in the last sample."_s);
-    machine.addProcess(700, "/usr/bin/editor", 30.0, 1024.0);
-    machine.tick();
-    EXPECT_TRUE(lines(0).status.startsWith(u"Sorted by Impact ↓ · 0 visible processes"_s));
-    EXPECT_EQ(lines(0).emptyDetail, u"No process matches the filter. Clear it to see all."_s);
-    EXPECT_EQ(lines(0).description,
+TEST(ProcessesLines, ExplainWhyThereAreNoRows) {
+    const ProcessesLines waiting = processesLines({});
+    EXPECT_EQ(waiting.status, u"Sampling this Mac..."_s);
+    EXPECT_EQ(waiting.emptyDetail, u"Sampling this Mac..."_s);
+    EXPECT_EQ(waiting.description, u"Select Process. Sampling this Mac..."_s);
+
+    ProcessesFacts facts{.sampledAt = Date{}};
+    EXPECT_EQ(processesLines(facts).emptyDetail, u"No process could be read in the last sample."_s);
+
+    facts.hasProcesses = true;
+    const ProcessesLines filtered = processesLines(facts);
+    EXPECT_TRUE(filtered.status.startsWith(u"Sorted by Impact ↓ · 0 visible processes"_s));
+    EXPECT_EQ(filtered.emptyDetail, u"No process matches the filter. Clear it to see all."_s);
+    EXPECT_EQ(filtered.description,
               u"Select Process. No process matches the filter. Clear it to see all."_s);
-    EXPECT_EQ(lines(1).description,
-              u"Processes by impact. Return on a row selects it for review."_s);
+}
+
+TEST(ProcessesLines, CountTheRowsInTheFormatOfTheLocale) {
+    const ScopedLocale locale("de_DE");
+    const ProcessesLines lines =
+        processesLines({.sampledAt = Date{}, .hasProcesses = true, .shownRows = 1200});
+    EXPECT_TRUE(lines.status.startsWith(u"Sorted by Impact ↓ · 1.200 visible processes"_s));
+    EXPECT_EQ(lines.description, u"Processes by impact. Return on a row selects it for review."_s);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "tests/presentation/window_fixture.h"
+#include "tests/support/each_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,13 +25,7 @@ protected:
         settle();
     }
 
-    std::vector<std::int64_t> shownPIDs() {
-        std::vector<std::int64_t> pids;
-        for (const ProcessSample& row : model().rows()) {
-            pids.push_back(row.pid);
-        }
-        return pids;
-    }
+    std::vector<std::int64_t> shownPIDs() { return eachOf(model().rows(), &ProcessSample::pid); }
 };
 
 TEST_F(ProcessesPageTest, SaysThatItSamplesUntilTheFirstSample) {
@@ -38,6 +33,8 @@ TEST_F(ProcessesPageTest, SaysThatItSamplesUntilTheFirstSample) {
     show();
     EXPECT_EQ(textOf("processes.sort-status"), u"Sampling this Mac..."_s);
     EXPECT_EQ(model().rowCount(), 0);
+    click("load.select-top");
+    EXPECT_EQ(textOf("status.last-action"), u"No process sample is available yet."_s);
 }
 
 TEST_F(ProcessesPageTest, ListsEveryProcessInOrderOfImpact) {
@@ -45,19 +42,21 @@ TEST_F(ProcessesPageTest, ListsEveryProcessInOrderOfImpact) {
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
     EXPECT_TRUE(textOf("processes.sort-status")
                     .startsWith(u"Sorted by Impact ↓ · 3 visible processes · updated "_s));
-}
-
-TEST_F(ProcessesPageTest, ListsMoreThanTheSnapshotsOwnRanking) {
+    machine.metrics->processes.erase(machine.metrics->processes.begin());
+    machine.addProcess(901, "/usr/bin/newcomer", 80.0, 10.0);
+    tick();
+    EXPECT_THAT(shownPIDs(), ElementsAre(901, 700, 1));
+    // More than the top processes of the snapshot.
     for (std::int64_t pid = 2000; pid < 2400; ++pid) {
         machine.addProcess(pid, "/usr/bin/idle", 0.0, 1.0);
     }
-    showProcesses();
+    tick();
     EXPECT_EQ(model().rowCount(), 403);
     type("2399");
     EXPECT_THAT(shownPIDs(), ElementsAre(2399));
 }
 
-TEST_F(ProcessesPageTest, KeepsWhatTheFilterNames) {
+TEST_F(ProcessesPageTest, FiltersByNameAndPID) {
     showProcesses();
     type("EDITOR");
     EXPECT_THAT(shownPIDs(), ElementsAre(700));
@@ -68,7 +67,7 @@ TEST_F(ProcessesPageTest, KeepsWhatTheFilterNames) {
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
 }
 
-TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
+TEST_F(ProcessesPageTest, ShowsAHintWhenNothingMatchesTheFilter) {
     showProcesses();
     const QImage full = paintedTable();
     type("no such process");
@@ -93,7 +92,7 @@ TEST_F(ProcessesPageTest, AFilterThatMatchesNothingLeavesAHint) {
     EXPECT_FALSE(table().accessibleDescription().contains(u"Select Process."_s));
 }
 
-TEST_F(ProcessesPageTest, TheFilterOutlivesAChangeOfRouteAndAClosedWindow) {
+TEST_F(ProcessesPageTest, TheFilterSurvivesAChangeOfRouteAndAClosedWindow) {
     showProcesses();
     type("editor");
     goTo(AppRoute::overview);
@@ -120,43 +119,23 @@ TEST_F(ProcessesPageTest, ASampleNeverDisturbsTyping) {
     EXPECT_TRUE(filter().hasFocus());
 }
 
-TEST_F(ProcessesPageTest, BirthsAndDeathsShow) {
-    showProcesses();
-    machine.metrics->processes.erase(machine.metrics->processes.begin());
-    machine.addProcess(901, "/usr/bin/newcomer", 80.0, 10.0);
-    tick();
-    EXPECT_THAT(shownPIDs(), ElementsAre(901, 700, 1));
-}
-
 // Review -----------------------------------------------------------------------------------------
 
-TEST_F(ProcessesPageTest, ReviewByClickSelects) {
+TEST_F(ProcessesPageTest, OnlyACompleteClickOnTheButtonSelects) {
     showProcesses();
-    QTest::mouseClick(table().viewport(), Qt::LeftButton, Qt::NoModifier,
-                      cell(1, ProcessTableModel::actionColumn).center());
+    QWidget* rows = table().viewport();
+    const QPoint name = cell(1, ProcessTableModel::processColumn).center();
+    const QPoint button = cell(1, ProcessTableModel::actionColumn).center();
+    QTest::mouseClick(rows, Qt::LeftButton, Qt::NoModifier, name);
+    QTest::mouseClick(rows, Qt::RightButton, Qt::NoModifier, button);
+    QTest::mousePress(rows, Qt::LeftButton, Qt::NoModifier, name);
+    QTest::mouseRelease(rows, Qt::LeftButton, Qt::NoModifier, button);
+    settle();
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    QTest::mouseClick(rows, Qt::LeftButton, Qt::NoModifier, button);
     settle();
     EXPECT_EQ(selectedPID(), 700);
     EXPECT_TRUE(model().index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
-}
-
-TEST_F(ProcessesPageTest, AClickBesideTheButtonSelectsNothing) {
-    showProcesses();
-    QTest::mouseClick(table().viewport(), Qt::LeftButton, Qt::NoModifier,
-                      cell(1, ProcessTableModel::processColumn).center());
-    QTest::mouseClick(table().viewport(), Qt::RightButton, Qt::NoModifier,
-                      cell(1, ProcessTableModel::actionColumn).center());
-    settle();
-    EXPECT_EQ(selectedPID(), std::nullopt);
-}
-
-TEST_F(ProcessesPageTest, APressThatIsDraggedAwayFromTheButtonSelectsNothing) {
-    showProcesses();
-    QTest::mousePress(table().viewport(), Qt::LeftButton, Qt::NoModifier,
-                      cell(0, ProcessTableModel::processColumn).center());
-    QTest::mouseRelease(table().viewport(), Qt::LeftButton, Qt::NoModifier,
-                        cell(1, ProcessTableModel::actionColumn).center());
-    settle();
-    EXPECT_EQ(selectedPID(), std::nullopt);
 }
 
 TEST_F(ProcessesPageTest, ReviewByKeySelects) {
@@ -194,8 +173,12 @@ TEST_F(ProcessesPageTest, ReviewStaysWithItsProcessWhenTheOrderChanges) {
     EXPECT_FALSE(model().index(1, 0).data(ProcessTableModel::isSelectedRole).toBool());
 }
 
-TEST_F(ProcessesPageTest, SelectTopRowTakesTheFirstRowOfTheFilteredList) {
+TEST_F(ProcessesPageTest, SelectTopRowTakesTheFirstRowOfTheFilteredListIfAny) {
     showProcesses();
+    type("no such process");
+    click("processes.select-top-row");
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    EXPECT_EQ(textOf("status.last-action"), u"No process is available to select."_s);
     type("editor");
     click("processes.select-top-row");
     EXPECT_EQ(selectedPID(), 700);
@@ -204,32 +187,17 @@ TEST_F(ProcessesPageTest, SelectTopRowTakesTheFirstRowOfTheFilteredList) {
               "No action has run yet."_s);
 }
 
-TEST_F(ProcessesPageTest, SelectTopRowOfAnEmptyListSaysSo) {
-    showProcesses();
-    type("no such process");
-    click("processes.select-top-row");
-    EXPECT_EQ(selectedPID(), std::nullopt);
-    EXPECT_EQ(textOf("status.last-action"), u"No process is available to select."_s);
-}
-
-TEST_F(ProcessesPageTest, SelectTopTakesTheHeaviestWhateverTheFilter) {
+TEST_F(ProcessesPageTest, SelectTopIgnoresTheFilter) {
     showProcesses();
     type("editor");
     click("load.select-top");
     EXPECT_EQ(selectedPID(), 800);
     EXPECT_EQ(textOf("status.last-action"),
               u"Selected photo-indexer, currently the heaviest process."_s);
-    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1)) << "its row is to be seen";
+    EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1)) << "the filter that hid its row is cleared";
 }
 
-TEST_F(ProcessesPageTest, SelectTopWithoutASampleSaysSo) {
-    window().state().navigation.setSelectedRoute(AppRoute::load);
-    show();
-    click("load.select-top");
-    EXPECT_EQ(textOf("status.last-action"), u"No process sample is available yet."_s);
-}
-
-TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
+TEST_F(ProcessesPageTest, ActivityOpensTheViewerOrReportsThatThereIsNone) {
     int asked = 0;
     bool opens = true;
     machine.openActivityMonitor = [&] {
@@ -247,7 +215,7 @@ TEST_F(ProcessesPageTest, ActivityOpensTheViewerAndElseSaysThatThereIsNone) {
     EXPECT_EQ(textOf("status.last-action"), u"No activity monitor application is installed."_s);
 }
 
-TEST_F(ProcessesPageTest, WithoutADesktopToOpenOnActivitySaysSo) {
+TEST_F(ProcessesPageTest, WithoutADesktopActivityReportsThatThereIsNone) {
     showProcesses();
     click("processes.activity-monitor");
     EXPECT_EQ(textOf("status.last-action"), u"No activity monitor application is installed."_s);
@@ -255,14 +223,7 @@ TEST_F(ProcessesPageTest, WithoutADesktopToOpenOnActivitySaysSo) {
 
 // The table --------------------------------------------------------------------------------------
 
-TEST_F(ProcessesPageTest, TabLeavesTheTable) {
-    showProcesses();
-    table().setFocus();
-    press(Qt::Key_Tab);
-    EXPECT_NE(QApplication::focusWidget(), &table());
-}
-
-TEST_F(ProcessesPageTest, TheFilterIsReachedAndLeftByKey) {
+TEST_F(ProcessesPageTest, TheFilterCanBeReachedAndLeftByKeyboard) {
     show();
     machine.finishSamples();
     settle();
@@ -281,7 +242,7 @@ TEST_F(ProcessesPageTest, TheFilterIsReachedAndLeftByKey) {
     EXPECT_THAT(shownPIDs(), ElementsAre(800, 700, 1));
 }
 
-TEST_F(ProcessesPageTest, TheKeysGoFromRowToRow) {
+TEST_F(ProcessesPageTest, KeysMoveByWholeRowsAndTabLeavesTheTable) {
     showProcesses();
     table().setFocus();
     table().setCurrentIndex(model().index(0, 0));
@@ -293,6 +254,8 @@ TEST_F(ProcessesPageTest, TheKeysGoFromRowToRow) {
     EXPECT_EQ(table().currentIndex(), model().index(1, 0));
     press(Qt::Key_Home);
     EXPECT_EQ(table().currentIndex(), model().index(0, 0));
+    press(Qt::Key_Tab);
+    EXPECT_NE(QApplication::focusWidget(), &table());
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <set>
 
 #include <QPushButton>
-#include <QScrollArea>
 
 #include "tests/presentation/window_fixture.h"
 
@@ -63,6 +62,11 @@ TEST_F(CleanupPageTest, SaysThatItSamplesUntilTheFirstSample) {
     window().state().navigation.setSelectedRoute(AppRoute::optimize);
     show();
     EXPECT_EQ(explanation(), u"Sampling this Mac..."_s);
+    click("cleanup.suggest-safe-target");
+    EXPECT_EQ(lastAction(), "No sample is available yet.");
+    click("cleanup.select-top-app");
+    EXPECT_EQ(lastAction(), "No app impact sample is available yet.");
+    EXPECT_EQ(selectedPID(), std::nullopt);
     machine.finishSamples();
     settle();
     EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
@@ -70,7 +74,7 @@ TEST_F(CleanupPageTest, SaysThatItSamplesUntilTheFirstSample) {
 
 // The actions ------------------------------------------------------------------------------------
 
-TEST_F(CleanupPageTest, SuggestSafeTargetSelectsAndLeavesTheStep) {
+TEST_F(CleanupPageTest, SuggestSafeTargetSelectsAndKeepsTheStep) {
     showCleanup();
     click("cleanup.suggest-safe-target");
     EXPECT_EQ(selectedPID(), 800);
@@ -94,27 +98,25 @@ TEST_F(CleanupPageTest, SuggestSafeTargetUnderPressureAsksForAPurge) {
     settle();
 }
 
-TEST_F(CleanupPageTest, SelectTopAppSelectsAndTellsTheStep) {
+TEST_F(CleanupPageTest, SelectTopAppSelectsAndUpdatesTheStep) {
     showCleanup();
-    click("cleanup.select-top-app");
-    EXPECT_EQ(selectedPID(), 800);
-    EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
-    EXPECT_EQ(textOf("cleanup.step"),
-              u"2. photo-indexer is selected for review. Nothing has been quit or "
-              "purged yet."_s);
+    for (const bool byKey : {false, true}) {
+        machine.monitor().review().clearOperationTarget();
+        if (byKey) {
+            visible("cleanup.select-top-app")->setFocus(Qt::TabFocusReason);
+            press(Qt::Key_Space);
+        } else {
+            click("cleanup.select-top-app");
+        }
+        EXPECT_EQ(selectedPID(), 800);
+        EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");
+        EXPECT_EQ(textOf("cleanup.step"),
+                  u"2. photo-indexer is selected for review. Nothing has been quit or "
+                  "purged yet."_s);
+    }
 }
 
-TEST_F(CleanupPageTest, WithoutASampleTheActionsSaySo) {
-    window().state().navigation.setSelectedRoute(AppRoute::optimize);
-    show();
-    click("cleanup.suggest-safe-target");
-    EXPECT_EQ(lastAction(), "No sample is available yet.");
-    click("cleanup.select-top-app");
-    EXPECT_EQ(lastAction(), "No app impact sample is available yet.");
-    EXPECT_EQ(selectedPID(), std::nullopt);
-}
-
-TEST_F(CleanupPageTest, PurgeCachesAsksAndPurgesNothingByItself) {
+TEST_F(CleanupPageTest, PurgeCachesAsksForConfirmationFirst) {
     showCleanup();
     click("cleanup.purge-caches");
     ASSERT_TRUE(pending().has_value());
@@ -127,35 +129,27 @@ TEST_F(CleanupPageTest, PurgeCachesAsksAndPurgesNothingByItself) {
     EXPECT_TRUE(purge().isEnabled());
 }
 
-TEST_F(CleanupPageTest, APurgeUnderWayShowsAndLocksItsButton) {
+TEST_F(CleanupPageTest, ARunningPurgeIsShownAndDisablesItsButton) {
     showCleanup();
     const QRect place = purge().geometry();
-    machine.monitor().localActions().requestPurge();
-    machine.monitor().confirmations().confirmPending();
-    settle();
-    EXPECT_EQ(purge().text(), u"Purging…"_s);
-    EXPECT_EQ(purge().accessibleName(), u"Purging…"_s);
-    EXPECT_FALSE(purge().isEnabled());
-    EXPECT_EQ(purge().geometry(), place) << "the buttons beside it stay where they are";
-    machine.finishSamples();
-    settle();
-    EXPECT_EQ(machine.actions.cachePurge->count, 1);
-    EXPECT_EQ(purge().text(), u"Purge Caches"_s);
-    EXPECT_EQ(purge().accessibleName(), u"Purge Caches"_s);
-    EXPECT_TRUE(purge().isEnabled());
-    EXPECT_EQ(purge().geometry(), place);
-}
-
-TEST_F(CleanupPageTest, AFailedPurgeUnlocksTheButton) {
-    machine.actions.cachePurge->result = {PurgeResult::Outcome::failed, "no such tool"};
-    showCleanup();
-    machine.monitor().localActions().requestPurge();
-    machine.monitor().confirmations().confirmPending();
-    settle();
-    ASSERT_FALSE(purge().isEnabled());
-    machine.finishSamples();
-    settle();
-    EXPECT_TRUE(purge().isEnabled());
+    for (const PurgeResult& result : {PurgeResult{PurgeResult::Outcome::purged, {}},
+                                      PurgeResult{PurgeResult::Outcome::failed, "no such tool"}}) {
+        machine.actions.cachePurge->result = result;
+        machine.monitor().localActions().requestPurge();
+        machine.monitor().confirmations().confirmPending();
+        settle();
+        EXPECT_EQ(purge().text(), u"Purging…"_s);
+        EXPECT_EQ(purge().accessibleName(), u"Purging…"_s);
+        EXPECT_FALSE(purge().isEnabled());
+        EXPECT_EQ(purge().geometry(), place) << "the buttons beside it stay where they are";
+        machine.finishSamples();
+        settle();
+        EXPECT_EQ(purge().text(), u"Purge Caches"_s);
+        EXPECT_EQ(purge().accessibleName(), u"Purge Caches"_s);
+        EXPECT_TRUE(purge().isEnabled());
+        EXPECT_EQ(purge().geometry(), place);
+    }
+    EXPECT_EQ(machine.actions.cachePurge->count, 2);
     EXPECT_EQ(lastAction(), "Could not run purge: no such tool");
 }
 
@@ -172,31 +166,25 @@ TEST_F(CleanupPageTest, ActivityMonitorOpensIt) {
 
 // The keyboard and sizes -------------------------------------------------------------------------
 
-TEST_F(CleanupPageTest, TabGoesThroughThePageAsTheEyeDoes) {
+TEST_F(CleanupPageTest, TabFollowsTheVisualOrder) {
     showCleanup();
     machine.monitor().review().selectTopApp();
     settle();
     visible("optimize.cleanup")->setFocus(Qt::TabFocusReason);
-    QStringList order;
-    for (int presses = 0; presses < 9; ++presses) {
-        order.append(QApplication::focusWidget()->objectName());
-        press(Qt::Key_Tab);
-    }
-    EXPECT_EQ(order.join(u' '),
+    EXPECT_EQ(tabOrder(9),
               u"optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
               "cleanup.purge-caches cleanup.activity-monitor "
               "section.autoRules cleanup.emergency-stop cleanup.never-quit "
               "cleanup.helpers"_s);
 }
 
-TEST_F(CleanupPageTest, TheActionsAnswerTheKeyboard) {
+TEST_F(CleanupPageTest, TheActionsWorkByKeyboard) {
     showCleanup();
     visible("cleanup.select-top-app")->setFocus(Qt::TabFocusReason);
     press(Qt::Key_Space);
     EXPECT_EQ(selectedPID(), 800);
 }
 
-/// A width that a failing test can print.
 class CleanupPageAtWidth : public CleanupPageTest, public testing::WithParamInterface<int> {};
 
 TEST_P(CleanupPageAtWidth, NoWordIsCutAndNothingOverlaps) {
@@ -220,7 +208,7 @@ TEST_P(CleanupPageAtWidth, NoWordIsCutAndNothingOverlaps) {
                 << button->text().toStdString();
         }
     }
-    // Each widget beside its siblings.
+    // No widget overlaps a sibling.
     for (const QWidget* parent : page->findChildren<QWidget*>()) {
         std::vector<const QWidget*> shown;
         for (const QObject* child : parent->children()) {
@@ -245,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P(Widths, CleanupPageAtWidth,
                          testing::Values(640, 700, 860, 900, 1080, 1600),
                          testing::PrintToStringParamName());
 
-TEST_F(CleanupPageTest, EveryControlSaysWhatItIsAndWhatItDoes) {
+TEST_F(CleanupPageTest, EveryControlHasANameADescriptionAndAnIdentifier) {
     showCleanup();
     machine.monitor().review().selectTopApp();
     settle();
@@ -263,7 +251,7 @@ TEST_F(CleanupPageTest, EveryControlSaysWhatItIsAndWhatItDoes) {
         EXPECT_TRUE(identifiers.insert(button->objectName()).second)
             << button->objectName().toStdString();
     }
-    EXPECT_EQ(controls, 11) << "four steps, four actions, the section, the stop and the guard";
+    EXPECT_EQ(controls, 11) << "four steps, four actions, the section, the stop and Never Quit";
 }
 
 }  // namespace

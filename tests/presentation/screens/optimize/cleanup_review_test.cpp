@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The process under review as the Cleanup page shows it and acts on it.
+/// The process under review on the Cleanup page.
 class CleanupReviewTest : public WindowFixture {
 protected:
     void showCleanup() {
@@ -34,11 +34,6 @@ protected:
         FAIL() << "no process " << pid;
     }
 
-    void end(std::int64_t pid) {
-        std::erase_if(machine.metrics->processes,
-                      [pid](const ProcessSample& row) { return row.pid == pid; });
-    }
-
     QString heading() { return visible("cleanup.offender")->accessibleName(); }
     QString explanation() { return textOf("cleanup.explanation"); }
 
@@ -51,7 +46,7 @@ protected:
 
     ProcessTableView* helpers() { return visible<ProcessTableView>("cleanup.helpers"); }
 
-    /// The rows as "name cpu memory", with a star behind what is protected.
+    /// The rows as "name cpu memory", followed by a star if the process is protected.
     std::vector<std::string> helperRows() {
         std::vector<std::string> rows;
         const QAbstractItemModel* shown = helpers() == nullptr ? nullptr : helpers()->model();
@@ -86,7 +81,7 @@ TEST_F(CleanupReviewTest, ClearReturnsToTheHint) {
     EXPECT_EQ(lastAction(), "Cleared selected operation target.");
 }
 
-TEST_F(CleanupReviewTest, ANewSampleBringsNewFigures) {
+TEST_F(CleanupReviewTest, ANewSampleUpdatesTheFigures) {
     showCleanup();
     select(800);
     machine.metrics->processes[0].cpu = 12.34;
@@ -100,7 +95,7 @@ TEST_F(CleanupReviewTest, ANewSampleBringsNewFigures) {
 
 // The rows of the group --------------------------------------------------------------------------
 
-TEST_F(CleanupReviewTest, ReviewOnARowMovesTheReviewWithinTheGroup) {
+TEST_F(CleanupReviewTest, ReviewOnARowSelectsAnotherProcessOfTheGroup) {
     machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
     machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
     showCleanup();
@@ -117,7 +112,7 @@ TEST_F(CleanupReviewTest, ReviewOnARowMovesTheReviewWithinTheGroup) {
     EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
 }
 
-TEST_F(CleanupReviewTest, ALongListTakesTheKeysThatScroll) {
+TEST_F(CleanupReviewTest, ScrollKeysOnALongListScrollTheList) {
     for (int i = 0; i < 20; ++i) {
         machine.addProcess(1000 + i, "/opt/chrome", 1.0, 400.0 - i);
     }
@@ -132,7 +127,7 @@ TEST_F(CleanupReviewTest, ALongListTakesTheKeysThatScroll) {
     EXPECT_GT(helpers()->currentIndex().row(), 4);
 }
 
-TEST_F(CleanupReviewTest, AShortListLeavesTheKeysThatScrollToThePage) {
+TEST_F(CleanupReviewTest, ScrollKeysOnAShortListScrollThePage) {
     window().resize(900, 480);
     showCleanup();
     select(800);
@@ -147,7 +142,7 @@ TEST_F(CleanupReviewTest, AShortListLeavesTheKeysThatScrollToThePage) {
 
 // Never Quit -------------------------------------------------------------------------------------
 
-TEST_F(CleanupReviewTest, NeverQuitTakesEffectAtOnceAndTwiceTakesItBack) {
+TEST_F(CleanupReviewTest, NeverQuitTakesEffectAtOnceAndCanBeUndone) {
     machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
     machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
     showCleanup();
@@ -155,14 +150,14 @@ TEST_F(CleanupReviewTest, NeverQuitTakesEffectAtOnceAndTwiceTakesItBack) {
     EXPECT_EQ(neverQuit().text(), u"Never Quit: Off"_s);
     EXPECT_EQ(neverQuit().accessibleName(), u"Never Quit Google Chrome"_s);
     EXPECT_FALSE(neverQuit().isChecked());
-    const QString wayIn = neverQuit().accessibleDescription();
+    const QString whenOff = neverQuit().accessibleDescription();
     const auto events = machine.monitor().log().activityLog().size();
 
     click("cleanup.never-quit");
     EXPECT_EQ(lastAction(), "Google Chrome added to Never Quit.");
     EXPECT_EQ(neverQuit().text(), u"Never Quit: On"_s);
     EXPECT_TRUE(neverQuit().isChecked());
-    EXPECT_NE(neverQuit().accessibleDescription(), wayIn);
+    EXPECT_NE(neverQuit().accessibleDescription(), whenOff);
     EXPECT_EQ(card("cleanup.risk"),
               "Risk: Protected, Tallowcrest will not quit this automatically.");
     EXPECT_TRUE(explanation().endsWith(u"It is protected from quit actions."_s));
@@ -172,14 +167,14 @@ TEST_F(CleanupReviewTest, NeverQuitTakesEffectAtOnceAndTwiceTakesItBack) {
     EXPECT_EQ(lastAction(), "Google Chrome removed from Never Quit.");
     EXPECT_EQ(neverQuit().text(), u"Never Quit: Off"_s);
     EXPECT_FALSE(neverQuit().isChecked());
-    EXPECT_EQ(neverQuit().accessibleDescription(), wayIn);
+    EXPECT_EQ(neverQuit().accessibleDescription(), whenOff);
     EXPECT_EQ(card("cleanup.risk"), "Risk: Manual, Tallowcrest will not quit this automatically.");
     EXPECT_THAT(helperRows(), ElementsAre("chrome 50.0% 500 MB", "chrome helper 25.0% 250 MB"));
     EXPECT_EQ(machine.monitor().log().activityLog().size(), events + 2);
     EXPECT_THAT(machine.monitor().settings().protectedAppNames, IsEmpty());
 }
 
-TEST_F(CleanupReviewTest, NeverQuitAnswersTheKeyboard) {
+TEST_F(CleanupReviewTest, NeverQuitWorksByKeyboardAndFollowsAChangeFromElsewhere) {
     showCleanup();
     select(700);
     neverQuit().setFocus(Qt::TabFocusReason);
@@ -187,11 +182,9 @@ TEST_F(CleanupReviewTest, NeverQuitAnswersTheKeyboard) {
     EXPECT_EQ(lastAction(), "editor added to Never Quit.");
     EXPECT_TRUE(neverQuit().hasFocus());
     EXPECT_TRUE(neverQuit().isChecked());
-}
-
-TEST_F(CleanupReviewTest, NeverQuitFollowsAChangeFromElsewhere) {
-    showCleanup();
-    select(700);
+    machine.monitor().localActions().toggleNeverQuit("editor");
+    settle();
+    EXPECT_FALSE(neverQuit().isChecked());
     machine.monitor().localActions().toggleNeverQuit("editor");
     settle();
     EXPECT_EQ(neverQuit().text(), u"Never Quit: On"_s);
@@ -201,7 +194,7 @@ TEST_F(CleanupReviewTest, NeverQuitFollowsAChangeFromElsewhere) {
 
 // Work -------------------------------------------------------------------------------------------
 
-TEST_F(CleanupReviewTest, NothingIsDoneWhileAnotherRouteShows) {
+TEST_F(CleanupReviewTest, IsNotUpdatedWhileAnotherRouteIsShown) {
     showCleanup();
     select(800);
     auto* label = visible<ElidedLabel>("cleanup.explanation");
@@ -216,7 +209,7 @@ TEST_F(CleanupReviewTest, NothingIsDoneWhileAnotherRouteShows) {
     EXPECT_TRUE(label->text().startsWith(u"photo-indexer is using 12.3% CPU"_s));
 }
 
-TEST_F(CleanupReviewTest, AChangeElsewhereNeitherPaintsNorAnnouncesAnythingHere) {
+TEST_F(CleanupReviewTest, AnUnrelatedChangeNeitherPaintsNorAnnounces) {
     showCleanup();
     select(800);
     PaintCount paints(*visible("cleanup.offender"));

@@ -5,15 +5,13 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTest>
-#include <gmock/gmock.h>
 
 #include "presentation/screens/load/process_table_view.h"
 #include "presentation/screens/optimize/cleanup_lines.h"
-#include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/screens/load/process_rows.h"
+#include "tests/presentation/widget_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
 
 using namespace Qt::StringLiterals;
@@ -23,13 +21,14 @@ namespace {
 
 using testing::ElementsAre;
 
-class OffenderCardTest : public testing::Test {
+class OffenderCardTest : public WidgetFixture {
 protected:
     OffenderCardTest() {
         card.resize(592, 600);
         showUnseen(card);
     }
     const ScopedLocale locale{"en_US"};
+    QWidget& root() override { return card; }
 
     /// "photo-indexer" under review, a group of one process.
     static cleanup_lines::Offender offender() {
@@ -59,15 +58,6 @@ protected:
         QApplication::processEvents();
     }
 
-    template <class Widget = QWidget>
-    Widget* visible(const char* identifier) {
-        auto* found = card.findChild<Widget*>(QString::fromLatin1(identifier));
-        return found != nullptr && found->isVisible() ? found : nullptr;
-    }
-    QString textOf(const char* identifier) {
-        const auto* label = visible<ElidedLabel>(identifier);
-        return label == nullptr ? u"(not shown)"_s : label->text();
-    }
     QString summary(const char* identifier) {
         const auto* shown = visible<SummaryCard>(identifier);
         return shown == nullptr ? u"(not shown)"_s
@@ -118,7 +108,7 @@ TEST_F(OffenderCardTest, WithoutHelpersItSaysSo) {
     EXPECT_EQ(textOf("cleanup.no-helpers"), u"No process of this group is in the latest sample."_s);
 }
 
-TEST_F(OffenderCardTest, ALongNameDoesNotPushOutTheVerdict) {
+TEST_F(OffenderCardTest, ALongNameDoesNotHideWhetherItIsProtected) {
     cleanup_lines::Offender shown = offender();
     shown.explanation = cleanup_lines::sentence(
         processRow(900, "/usr/bin/" + std::string(255, 'w'), 10.0, 300.0), true);
@@ -131,7 +121,7 @@ TEST_F(OffenderCardTest, ALongNameDoesNotPushOutTheVerdict) {
 
 // The rows of the group --------------------------------------------------------------------------
 
-TEST_F(OffenderCardTest, ReviewOnARowAsksForItsProcess) {
+TEST_F(OffenderCardTest, ReviewOnARowEmitsItsProcess) {
     std::vector<std::int64_t> wanted;
     QObject::connect(&card, &OffenderCard::reviewWanted,
                      [&](const ProcessSample& process) { wanted.push_back(process.pid); });
@@ -141,7 +131,7 @@ TEST_F(OffenderCardTest, ReviewOnARowAsksForItsProcess) {
     EXPECT_THAT(wanted, ElementsAre(1001));
 }
 
-TEST_F(OffenderCardTest, AGroupOfThreeHundredStaysWithinItsRoom) {
+TEST_F(OffenderCardTest, AGroupOfThreeHundredShowsEightRows) {
     card.resize(592, 900);
     show(groupOf(300));
     EXPECT_EQ(helpers()->model()->rowCount(), 300);
@@ -156,7 +146,7 @@ TEST_F(OffenderCardTest, AGroupOfThreeHundredStaysWithinItsRoom) {
     EXPECT_EQ(helpers()->height(), height);
 }
 
-TEST_F(OffenderCardTest, ASampleKeepsThePlaceInTheList) {
+TEST_F(OffenderCardTest, ASampleKeepsCurrentRowAndScrollPosition) {
     show(groupOf(40));
     helpers()->setCurrentIndex(helpers()->model()->index(20, 0));
     const int scrolled = helpers()->verticalScrollBar()->value();
@@ -170,7 +160,7 @@ TEST_F(OffenderCardTest, ASampleKeepsThePlaceInTheList) {
     EXPECT_EQ(helpers()->verticalScrollBar()->value(), scrolled);
 }
 
-TEST_F(OffenderCardTest, TheSameValuesChangeAndPaintNothing) {
+TEST_F(OffenderCardTest, EqualValuesChangeAndPaintNothing) {
     show(offender());
     const QSignalSpy changes(helpers()->model(), &QAbstractItemModel::dataChanged);
     PaintCount paints(card);
@@ -209,7 +199,7 @@ TEST_F(OffenderCardTest, NeverQuitFollowsTheGroupUnderReview) {
     EXPECT_EQ(visible("cleanup.never-quit"), nullptr);
 }
 
-TEST_F(OffenderCardTest, NeverQuitAsksForTheGroupThatItNames) {
+TEST_F(OffenderCardTest, NeverQuitEmitsTheShownGroup) {
     std::vector<std::string> toggled;
     QObject::connect(&card, &OffenderCard::neverQuitToggled,
                      [&](const std::string& group) { toggled.push_back(group); });
@@ -219,7 +209,7 @@ TEST_F(OffenderCardTest, NeverQuitAsksForTheGroupThatItNames) {
     EXPECT_THAT(toggled, ElementsAre("photo-indexer", "photo-indexer"));
 }
 
-TEST_F(OffenderCardTest, AssistiveTechnologyHearsTheStateOfNeverQuit) {
+TEST_F(OffenderCardTest, NeverQuitHasAnAccessibleState) {
     show(offender());
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&neverQuit());
     EXPECT_TRUE(spoken->state().checkable);

@@ -5,28 +5,21 @@
 #include <utility>
 #include <vector>
 
-#include <QApplication>
-#include <QTest>
 #include <QVBoxLayout>
-#include <gmock/gmock.h>
 
 #include "core/local_records.h"
 #include "presentation/widgets/arrange_now.h"
-#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/shown_texts.h"
+#include "tests/presentation/widget_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
-
-using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-/// A block of the overview on a page of its own, told plain values.
-class OverviewBlockTest : public testing::Test {
+/// One card on a page of its own, which tests give plain values.
+class OverviewBlockTest : public WidgetFixture {
 protected:
-    static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
-
     OverviewBlockTest() { page.resize(1000, 1200); }
 
     const ScopedLocale locale{"en_US"};
@@ -41,14 +34,15 @@ protected:
         return *block;
     }
 
-    void settle() {
-        QApplication::processEvents();
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QWidget& root() override { return page; }
+
+    void settle() override {
+        WidgetFixture::settle();
         arrangeNow(page);
         QApplication::processEvents();
     }
 
-    /// The height that the block takes once it is laid out.
+    /// The height of the block after pending layouts.
     int heightOf(const QWidget& block) {
         settle();
         return block.height();
@@ -59,25 +53,7 @@ protected:
         return shownTexts(block);
     }
 
-    /// The visible widget of that identifier, or null.
-    template <class Widget = QWidget>
-    Widget* visible(const char* identifier) {
-        auto* found = page.findChild<Widget*>(QString::fromLatin1(identifier));
-        return found != nullptr && found->isVisible() ? found : nullptr;
-    }
-
-    QString textOf(const char* identifier) {
-        const auto* label = visible<ElidedLabel>(identifier);
-        return label == nullptr ? u"(not shown)"_s : label->text();
-    }
-
-    void click(const char* identifier) {
-        auto* button = visible<QAbstractButton>(identifier);
-        ASSERT_NE(button, nullptr) << identifier;
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
-
-    /// The sample that follows; the figures of the last one stay.
+    /// The next sample, 4 seconds later, with the figures of the last one.
     SystemSnapshot& sample() {
         if (!snapshot) {
             snapshot.emplace();

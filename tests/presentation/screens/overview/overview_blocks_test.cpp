@@ -48,7 +48,7 @@ TEST_F(OverviewBlockTest, GaugesShowTheSample) {
               "6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB");
 }
 
-TEST_F(OverviewBlockTest, GaugesAreToldFromOutsideAsOnePart) {
+TEST_F(OverviewBlockTest, GaugesAreAGroupWithItsOwnName) {
     const GaugesBlock& block = place(new GaugesBlock);
     const QWidget* gauges = visible("overview.gauges");
     ASSERT_NE(gauges, nullptr);
@@ -59,7 +59,7 @@ TEST_F(OverviewBlockTest, GaugesAreToldFromOutsideAsOnePart) {
     EXPECT_NE(gauges->accessibleName(), block.accessibleName());
 }
 
-TEST_F(OverviewBlockTest, FiguresThatCannotBeReadAreZeroAndNotNonsense) {
+TEST_F(OverviewBlockTest, UnreadableFiguresAreShownAsZero) {
     GaugesBlock& block = place(new GaugesBlock);
     sample();
     block.show(snapshot);
@@ -69,7 +69,7 @@ TEST_F(OverviewBlockTest, FiguresThatCannotBeReadAreZeroAndNotNonsense) {
 
 // Timeline ---------------------------------------------------------------------------------------
 
-TEST_F(OverviewBlockTest, TimelineGivesNowPeakAverageAndThreshold) {
+TEST_F(OverviewBlockTest, TimelineShowsNowPeakAverageAndThreshold) {
     TimelineBlock& block = place(new TimelineBlock);
     const std::vector<HistoryPoint> history{{UUID::random(), Date{4.0}, 40.0, 59.4},
                                             {UUID::random(), Date{8.0}, 70.0, 30.0},
@@ -126,7 +126,7 @@ TEST_F(OverviewBlockTest, ASampleWithoutGroupsSaysThatItCollects) {
     EXPECT_THAT(texts(block), Contains("Collecting app impact samples…"));
 }
 
-TEST_F(OverviewBlockTest, TopAppMemoryGrowsWithItsGroupsAndGivesRoomBackLater) {
+TEST_F(OverviewBlockTest, TopAppMemoryGrowsAtOnceAndShrinksLater) {
     TopAppMemoryBlock& block = place(new TopAppMemoryBlock);
     block.show(snapshot);
     const int waiting = heightOf(block);
@@ -139,7 +139,7 @@ TEST_F(OverviewBlockTest, TopAppMemoryGrowsWithItsGroupsAndGivesRoomBackLater) {
     tick(8);
     const int many = heightOf(block);
     EXPECT_GT(many, waiting);
-    for (int samples = 1; samples < KeptRoom::patience; ++samples) {
+    for (int samples = 1; samples < ReservedRows::samplesUntilShrink; ++samples) {
         tick(2);
         EXPECT_EQ(heightOf(block), many) << samples;
     }
@@ -170,7 +170,7 @@ TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
     EXPECT_EQ(space->accessibleValue(), u"The size of the home volume could not be read."_s);
 }
 
-TEST_F(DiskAutopilotBlockTest, LowSpaceIsToldByWordIconAndColour) {
+TEST_F(DiskAutopilotBlockTest, LowSpaceIsShownByWordAndColor) {
     sample().disk = {200.0, 20.1};
     show();
     EXPECT_EQ(visible("overview.disk-autopilot-low"), nullptr);
@@ -197,7 +197,7 @@ TEST_F(DiskAutopilotBlockTest, LowSpaceIsToldByWordIconAndColour) {
     EXPECT_EQ(block.header()->note(), QString());
 }
 
-TEST_F(DiskAutopilotBlockTest, AsksForTheStopAndForTheWayBackFromIt) {
+TEST_F(DiskAutopilotBlockTest, EmitsStopAndResume) {
     const QSignalSpy stops(&block, &DiskAutopilotBlock::stopWanted);
     const QSignalSpy resumes(&block, &DiskAutopilotBlock::resumeWanted);
     show();
@@ -254,7 +254,7 @@ TEST_F(TopOffenderBlockTest, HasThreeStates) {
     EXPECT_EQ(heightOf(block), height);
 }
 
-TEST_F(TopOffenderBlockTest, AsksForTheReviewAndForTheCleanup) {
+TEST_F(TopOffenderBlockTest, EmitsReviewAndCleanup) {
     const QSignalSpy reviews(&block, &TopOffenderBlock::reviewWanted);
     const QSignalSpy cleanups(&block, &TopOffenderBlock::cleanupWanted);
     showOffender();
@@ -267,7 +267,7 @@ TEST_F(TopOffenderBlockTest, AsksForTheReviewAndForTheCleanup) {
               u"Review: photo-indexer"_s);
 }
 
-TEST_F(TopOffenderBlockTest, AnOffenderThatWouldBeRefusedOffersNoReview) {
+TEST_F(TopOffenderBlockTest, AProtectedOffenderHasNoReviewButton) {
     settings.protectedAppNames = {"photo-indexer"};
     showOffender();
     EXPECT_NE(visible("overview.review-cleanup-options"), nullptr);
@@ -311,7 +311,7 @@ TEST_F(RecentActivityBlockTest, ListsTheNewestFive) {
     events.clear();
     show();
     EXPECT_THAT(texts(*list), ElementsAre("No actions or warnings have been logged yet."));
-    for (int samples = 0; samples < KeptRoom::patience; ++samples) {
+    for (int samples = 0; samples < ReservedRows::samplesUntilShrink; ++samples) {
         EXPECT_EQ(heightOf(block), full) << samples;
         sample();
         show();
@@ -337,7 +337,7 @@ TEST_F(OverviewBlockTest, TheSummaryCountsTheSession) {
                     "Never Quit: 0 apps, No custom app groups are protected yet."));
 }
 
-TEST_F(OverviewBlockTest, InsightsShowAsTheyAre) {
+TEST_F(OverviewBlockTest, InsightsAreShownUnchanged) {
     SessionInsightsBlock& block = place(new SessionInsightsBlock);
     block.show({});
     EXPECT_THAT(shownCards(block),

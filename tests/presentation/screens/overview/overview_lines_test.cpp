@@ -2,9 +2,10 @@
 
 #include <limits>
 
+#include <QStringList>
 #include <gmock/gmock.h>
 
-#include "presentation/widgets/icon.h"
+#include "tests/support/each_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +15,6 @@ namespace {
 using Severity = Recommendation::Severity;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 // Recommendations --------------------------------------------------------------------------------
 
@@ -32,19 +32,11 @@ std::vector<ProcessSample> processes(std::initializer_list<std::int64_t> pids) {
 }
 
 std::string titles(const std::vector<RecommendationLine>& lines) {
-    QStringList found;
-    for (const RecommendationLine& line : lines) {
-        found.append(line.title);
-    }
-    return found.join(u' ').toStdString();
+    const auto found = eachOf(lines, &RecommendationLine::title);
+    return QStringList(found.begin(), found.end()).join(u' ').toStdString();
 }
 
-TEST(RecommendationLines, NoneForNone) {
-    EXPECT_THAT(recommendationLines({}, {}), IsEmpty());
-    EXPECT_EQ(recommendationNote({}).toStdString(), "");
-}
-
-TEST(RecommendationLines, TheMostSevereComeFirstAndThoseOfOneSeverityKeepTheirOrder) {
+TEST(RecommendationLines, TheMostSevereComeFirstInOtherwiseUnchangedOrder) {
     const auto order = [](std::vector<Recommendation> given) {
         return titles(recommendationLines(given, {}));
     };
@@ -60,43 +52,36 @@ TEST(RecommendationLines, TheMostSevereComeFirstAndThoseOfOneSeverityKeepTheirOr
 }
 
 TEST(RecommendationLines, OnlyAProcessOfTheLatestTableCanBeReviewed) {
-    const auto lines = recommendationLines(
-        {recommendation("gone", Severity::caution, 7),
-         recommendation("there", Severity::caution, 8), recommendation("none", Severity::caution)},
-        processes({1, 8}));
-    ASSERT_THAT(lines, SizeIs(3));
-    EXPECT_EQ(lines[0].reviewPID, std::nullopt);
-    EXPECT_EQ(lines[1].reviewPID, 8);
-    EXPECT_EQ(lines[2].reviewPID, std::nullopt);
-}
-
-TEST(RecommendationLines, TextsAreTakenAsUTF8) {
-    const auto lines = recommendationLines(
-        {{UUID::random(), "Größe", "“Other”", Severity::info, std::nullopt}}, {});
-    ASSERT_THAT(lines, SizeIs(1));
-    EXPECT_EQ(lines[0].title, u"Größe"_s);
-    EXPECT_EQ(lines[0].detail, u"“Other”"_s);
+    const auto lines =
+        recommendationLines({recommendation("gone", Severity::caution, 7),
+                             recommendation("there", Severity::caution, 8),
+                             {UUID::random(), "Größe", "“Other”", Severity::info, std::nullopt}},
+                            processes({1, 8}));
+    EXPECT_THAT(eachOf(lines, &RecommendationLine::reviewPID),
+                ElementsAre(std::nullopt, 8, std::nullopt));
+    EXPECT_EQ(lines.at(2).title, u"Größe"_s) << "texts are UTF-8";
+    EXPECT_EQ(lines.at(2).detail, u"“Other”"_s);
 }
 
 TEST(RecommendationLines, TheNoteGivesTheFirstAndCountsTheOthers) {
+    const auto noteOf = [](const std::vector<Recommendation>& given) {
+        return recommendationNote(recommendationLines(given, {})).toStdString();
+    };
     const auto urgent = recommendation("Memory pressure is high", Severity::urgent);
-    EXPECT_EQ(recommendationNote(recommendationLines({urgent}, {})).toStdString(),
-              "Urgent · Memory pressure is high");
-    EXPECT_EQ(recommendationNote(
-                  recommendationLines({recommendation("c", Severity::caution), urgent}, {}))
-                  .toStdString(),
+    EXPECT_THAT(recommendationLines({}, {}), IsEmpty());
+    EXPECT_EQ(noteOf({}), "");
+    EXPECT_EQ(noteOf({urgent}), "Urgent · Memory pressure is high");
+    EXPECT_EQ(noteOf({recommendation("c", Severity::caution), urgent}),
               "Urgent · Memory pressure is high · 1 more");
 }
 
-TEST(RecommendationLines, EachSeverityHasAWordAnIconAndAColourOfItsOwn) {
+TEST(RecommendationLines, EachSeverityHasItsOwnWordAndIcon) {
     EXPECT_EQ(severityWord(Severity::info).toStdString(), "Info");
     EXPECT_EQ(severityWord(Severity::caution).toStdString(), "Caution");
     EXPECT_EQ(severityWord(Severity::urgent).toStdString(), "Urgent");
     for (const Severity one : {Severity::info, Severity::caution, Severity::urgent}) {
-        EXPECT_TRUE(hasIcon(severityIcon(one)));
         for (const Severity other : {Severity::info, Severity::caution, Severity::urgent}) {
             EXPECT_EQ(severityIcon(one) == severityIcon(other), one == other);
-            EXPECT_EQ(severityColor(one) == severityColor(other), one == other);
         }
     }
 }
@@ -110,21 +95,24 @@ AppImpact group(const std::string& name, double megabytes) {
     return impact;
 }
 
-TEST(TopAppMemory, OfNoGroupsIsEmpty) {
-    EXPECT_THAT(topAppMemory({}, 6), IsEmpty());
-    EXPECT_THAT(topAppMemory({group("a", 1.0)}, 0), IsEmpty());
-}
-
-TEST(TopAppMemory, LargestFirstWhateverTheOrderOfImpact) {
-    EXPECT_THAT(
-        topAppMemory({group("busy", 100.0), group("large", 400.0), group("middle", 200.0)}, 6),
-        ElementsAre(AppMemoryBar{"large", 400.0, 1.0}, AppMemoryBar{"middle", 200.0, 0.5},
-                    AppMemoryBar{"busy", 100.0, 0.25}));
-}
-
-TEST(TopAppMemory, EqualGroupsKeepTheirOrder) {
-    EXPECT_THAT(topAppMemory({group("b", 5.0), group("a", 5.0)}, 6),
-                ElementsAre(AppMemoryBar{"b", 5.0, 1.0}, AppMemoryBar{"a", 5.0, 1.0}));
+TEST(TopAppMemory, LargestFirstRegardlessOfImpact) {
+    struct Case {
+        std::vector<AppImpact> groups;
+        std::size_t limit;
+        std::vector<AppMemoryBar> bars;
+    };
+    const Case cases[] = {
+        {{}, 6, {}},
+        {{group("a", 1.0)}, 0, {}},
+        {{group("busy", 100.0), group("large", 400.0), group("middle", 200.0)},
+         6,
+         {{"large", 400.0, 1.0}, {"middle", 200.0, 0.5}, {"busy", 100.0, 0.25}}},
+        {{group("b", 5.0), group("a", 5.0)}, 6, {{"b", 5.0, 1.0}, {"a", 5.0, 1.0}}},
+        {{group("a", 0.0), group("b", 0.0)}, 6, {{"a", 0.0, 0.0}, {"b", 0.0, 0.0}}},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(topAppMemory(each.groups, each.limit), each.bars);
+    }
 }
 
 TEST(TopAppMemory, TheLimitKeepsTheLargestAndNotTheFirst) {
@@ -132,15 +120,8 @@ TEST(TopAppMemory, TheLimitKeepsTheLargestAndNotTheFirst) {
     for (int i = 1; i <= 20; ++i) {
         groups.push_back(group("group " + std::to_string(i), i));
     }
-    const auto bars = topAppMemory(groups, 3);
-    ASSERT_THAT(bars, SizeIs(3));
-    EXPECT_EQ(bars[0].name, "group 20");
-    EXPECT_EQ(bars[2].name, "group 18");
-}
-
-TEST(TopAppMemory, GroupsWithoutMemoryHaveBarsWithoutLength) {
-    EXPECT_THAT(topAppMemory({group("a", 0.0), group("b", 0.0)}, 6),
-                ElementsAre(AppMemoryBar{"a", 0.0, 0.0}, AppMemoryBar{"b", 0.0, 0.0}));
+    EXPECT_THAT(eachOf(topAppMemory(groups, 3), &AppMemoryBar::name),
+                ElementsAre("group 20", "group 19", "group 18"));
 }
 
 // The top offender -------------------------------------------------------------------------------
@@ -180,7 +161,7 @@ protected:
     Settings settings;
 };
 
-TEST_F(TopOffenderTest, NothingCanBeToldWithoutASampleOfGroups) {
+TEST_F(TopOffenderTest, IsUnknownWithoutASampleOrWithoutGroups) {
     const TopOffender expected{State::unknown, u"No top offender yet"_s, {}, {}, {}};
     EXPECT_EQ(topOffender({snapshot, processes, settings, {}}), expected);
     groups.clear();
@@ -200,7 +181,7 @@ TEST_F(TopOffenderTest, LoadUnderTheThresholdIsStable) {
     EXPECT_EQ(at(81.9, 81.9), expected);
 }
 
-TEST_F(TopOffenderTest, EitherLoadAtTheThresholdNamesTheTopApp) {
+TEST_F(TopOffenderTest, CPUOrMemoryAtTheThresholdNamesTheTopApp) {
     const TopOffender expected{
         State::offender,
         {},
@@ -214,7 +195,7 @@ TEST_F(TopOffenderTest, EitherLoadAtTheThresholdNamesTheTopApp) {
     EXPECT_EQ(at(100.0, 100.0), expected);
 }
 
-TEST_F(TopOffenderTest, OnlyAProcessThatIsThereAndNotProtectedCanBeReviewed) {
+TEST_F(TopOffenderTest, OnlyARunningUnprotectedProcessCanBeReviewed) {
     settings.protectedAppNames = {"editor"};
     EXPECT_EQ(at(82.0, 10.0).state, State::offender);
     EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "on the Never Quit list";
@@ -226,7 +207,7 @@ TEST_F(TopOffenderTest, OnlyAProcessThatIsThereAndNotProtectedCanBeReviewed) {
     EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "has no safe process";
 }
 
-TEST(RemoteAlerts, ShowOnlyWhenThereAreSome) {
+TEST(RemoteAlerts, AreEmptyWhenThereAreNone) {
     EXPECT_EQ(remoteAlerts(0), QString());
     EXPECT_EQ(remoteAlerts(-1), QString());
     EXPECT_EQ(remoteAlerts(1), u"1 Remote Alerts"_s);
@@ -235,45 +216,42 @@ TEST(RemoteAlerts, ShowOnlyWhenThereAreSome) {
 
 // Disk -------------------------------------------------------------------------------------------
 
-TEST(DiskSpace, IsToldInWordsAndAsAShare) {
-    const auto texts = diskSpaceTexts({200.0, 50.0});
-    ASSERT_TRUE(texts.has_value());
-    EXPECT_EQ(texts->free, u"50.0 GB free"_s);
-    EXPECT_EQ(texts->used, u"75% used"_s);
-    EXPECT_EQ(texts->fraction, 0.75);
-}
-
-TEST(DiskSpace, AFullVolumeIsNotAnUnknownOne) {
-    const auto texts = diskSpaceTexts({200.0, 0.0});
-    ASSERT_TRUE(texts.has_value());
-    EXPECT_EQ(texts->free, u"0.0 GB free"_s);
-    EXPECT_EQ(texts->used, u"100% used"_s);
-}
-
-TEST(DiskSpace, AVolumeOfUnknownSizeTellsNothing) {
-    EXPECT_EQ(diskSpaceTexts({}), std::nullopt);
-    EXPECT_EQ(diskSpaceTexts({std::numeric_limits<double>::quiet_NaN(), 5.0}), std::nullopt);
-}
-
-TEST(DiskSpace, TheShareStaysWithinItsBounds) {
+TEST(DiskSpace, HasTextsAndAClampedFraction) {
+    const double noNumber = std::numeric_limits<double>::quiet_NaN();
+    struct Case {
+        DiskSnapshot disk;
+        const char* free;
+        const char* used;
+        double fraction;
+    };
+    for (const Case& each : {Case{{200.0, 50.0}, "50.0 GB free", "75% used", 0.75},
+                             Case{{200.0, 0.0}, "0.0 GB free", "100% used", 1.0}}) {
+        const auto texts = diskSpaceTexts(each.disk);
+        ASSERT_TRUE(texts.has_value());
+        EXPECT_EQ(texts->free.toStdString(), each.free);
+        EXPECT_EQ(texts->used.toStdString(), each.used);
+        EXPECT_EQ(texts->fraction, each.fraction);
+    }
     EXPECT_EQ(diskSpaceTexts({100.0, 150.0})->fraction, 0.0);
     EXPECT_EQ(diskSpaceTexts({100.0, -1.0})->fraction, 1.0);
+    EXPECT_EQ(diskSpaceTexts({}), std::nullopt) << "of unknown size";
+    EXPECT_EQ(diskSpaceTexts({noNumber, 5.0}), std::nullopt);
 }
 
-TEST(DiskSpace, IsLowAtOrUnderTheOwnersMinimum) {
+TEST(DiskSpace, IsLowAtOrBelowTheMinimum) {
     Settings settings;
     settings.diskMinimumFreeGB = 20.0;
     EXPECT_FALSE(isSpaceLow({200.0, 20.1}, settings));
     EXPECT_TRUE(isSpaceLow({200.0, 20.0}, settings));
     EXPECT_TRUE(isSpaceLow({200.0, 0.0}, settings));
-    EXPECT_FALSE(isSpaceLow({}, settings)) << "what could not be read is not low";
+    EXPECT_FALSE(isSpaceLow({}, settings)) << "an unknown size is not low";
     const double noNumber = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(isSpaceLow({200.0, noNumber}, settings));
     settings.diskMinimumFreeGB = noNumber;
     EXPECT_FALSE(isSpaceLow({200.0, 0.0}, settings));
 }
 
-TEST(DiskSpace, TheRuleIsTheOwners) {
+TEST(DiskSpace, TheRuleNamesTheSettings) {
     Settings settings;
     EXPECT_EQ(diskRule(settings, "~/.cache"),
               u"Only regular files older than 30 days inside ~/.cache are eligible. Each "
@@ -286,63 +264,6 @@ TEST(DiskSpace, TheRuleIsTheOwners) {
                     .startsWith(u"Only regular files older than 7 days inside "
                                 "~/Library/Caches are eligible. Each run is capped at "
                                 "0.5 GB "_s));
-}
-
-// Room -------------------------------------------------------------------------------------------
-
-/// A room that is asked once for each of a row of samples, from the first instant on.
-class SampledRoom {
-public:
-    void sample(int needed) {
-        room_.setNeeded(needed, now_);
-        now_.secondsSinceReference += 4.0;
-    }
-    int rows() const { return room_.rows(); }
-
-private:
-    KeptRoom room_;
-    Date now_;
-};
-
-TEST(KeptRoom, IsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
-    SampledRoom room;
-    EXPECT_EQ(room.rows(), 0);
-    room.sample(4);
-    EXPECT_EQ(room.rows(), 4);
-    for (int sample = 1; sample < KeptRoom::patience; ++sample) {
-        room.sample(1);
-        EXPECT_EQ(room.rows(), 4) << sample;
-    }
-    room.sample(1);
-    EXPECT_EQ(room.rows(), 1);
-}
-
-TEST(KeptRoom, KeepsWhatWasNeededInTheMeantime) {
-    SampledRoom room;
-    room.sample(4);
-    room.sample(2);
-    for (int sample = 1; sample < KeptRoom::patience; ++sample) {
-        room.sample(0);
-    }
-    EXPECT_EQ(room.rows(), 2);
-}
-
-TEST(KeptRoom, ARowThatComesBackBeginsTheMinuteAnew) {
-    SampledRoom room;
-    room.sample(3);
-    for (int sample = 0; sample < 3 * KeptRoom::patience; ++sample) {
-        room.sample(sample % KeptRoom::patience == KeptRoom::patience - 2 ? 3 : 0);
-        EXPECT_EQ(room.rows(), 3) << sample;
-    }
-}
-
-TEST(KeptRoom, CountsEachSampleOnce) {
-    KeptRoom room;
-    room.setNeeded(4, {});
-    for (int asked = 0; asked < 3 * KeptRoom::patience; ++asked) {
-        room.setNeeded(1, {4.0});
-    }
-    EXPECT_EQ(room.rows(), 4);
 }
 
 }  // namespace

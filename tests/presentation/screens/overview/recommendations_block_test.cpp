@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 
 #include "presentation/screens/overview/recommendation_row.h"
+#include "presentation/widgets/icon.h"
 #include "tests/presentation/screens/overview/block_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,15 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
+TEST(SeverityColor, EachSeverityHasItsOwnColorAndAnIconThatExists) {
+    for (const Severity one : {Severity::info, Severity::caution, Severity::urgent}) {
+        EXPECT_TRUE(hasIcon(severityIcon(one)));
+        for (const Severity other : {Severity::info, Severity::caution, Severity::urgent}) {
+            EXPECT_EQ(severityColor(one) == severityColor(other), one == other);
+        }
+    }
+}
+
 class RecommendationsBlockTest : public OverviewBlockTest {
 protected:
     static RecommendationLine line(const char* title, Severity severity,
@@ -24,7 +34,7 @@ protected:
                 pid};
     }
 
-    /// A sample with the lines of `lines`.
+    /// Shows `lines` with the next sample.
     void tick() {
         block.show(lines, sample().sampledAt);
         settle();
@@ -37,19 +47,13 @@ protected:
     RecommendationsBlock& block = place(new RecommendationsBlock);
 };
 
-TEST_F(RecommendationsBlockTest, WaitsForTheFirstSample) {
+TEST_F(RecommendationsBlockTest, WaitsForTheFirstSampleAndSaysIfThereIsNothingToDo) {
     block.show({}, std::nullopt);
     EXPECT_THAT(texts(), ElementsAre("Sampling this Mac...",
                                      "The first recommendation follows the first sample."));
-}
-
-TEST_F(RecommendationsBlockTest, WithoutARecommendationItSaysWhatToDo) {
     tick();
     EXPECT_THAT(texts(),
                 ElementsAre("No recommendation for this sample", "Refresh takes a new one."));
-}
-
-TEST_F(RecommendationsBlockTest, AHealthyMachineHasItsWordAndNoButton) {
     lines = {line("This Mac looks healthy", Severity::info)};
     tick();
     EXPECT_THAT(texts(),
@@ -57,7 +61,7 @@ TEST_F(RecommendationsBlockTest, AHealthyMachineHasItsWordAndNoButton) {
     EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
 }
 
-TEST_F(RecommendationsBlockTest, TheFirstLineLeads) {
+TEST_F(RecommendationsBlockTest, TheFirstLineIsProminent) {
     lines = {line("Full", Severity::urgent), line("Busy", Severity::caution),
              line("Odd", Severity::caution)};
     tick();
@@ -66,25 +70,19 @@ TEST_F(RecommendationsBlockTest, TheFirstLineLeads) {
     EXPECT_THAT(texts(), AllOf(Contains("Busy"), Contains("Odd"), Contains("Odd in detail")));
 }
 
-TEST_F(RecommendationsBlockTest, ReviewAsksForTheProcessOfItsRow) {
+TEST_F(RecommendationsBlockTest, ReviewEmitsTheProcessOfItsRow) {
     const QSignalSpy asked(&block, &RecommendationsBlock::reviewWanted);
     lines = {line("Memory", Severity::urgent, 700), line("CPU", Severity::caution, 800)};
     tick();
     click("overview.recommendation-2.review");
     click("overview.recommendation-1.review");
     EXPECT_EQ(asked, (QList<QVariantList>{{qlonglong(800)}, {qlonglong(700)}}));
-}
-
-TEST_F(RecommendationsBlockTest, AProcessThatIsGoneCannotBeReviewed) {
-    lines = {line("Memory", Severity::urgent, 700)};
-    tick();
-    ASSERT_NE(visible("overview.recommendation-1.review"), nullptr);
     lines.front().reviewPID.reset();
     tick();
-    EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr);
+    EXPECT_EQ(visible("overview.recommendation-1.review"), nullptr) << "its process is gone";
 }
 
-TEST_F(RecommendationsBlockTest, RecommendationsChangePlacesInTheirRows) {
+TEST_F(RecommendationsBlockTest, RowsAreReusedWhenTheOrderChanges) {
     lines = {line("A", Severity::urgent), line("B", Severity::caution),
              line("C", Severity::caution)};
     tick();
@@ -97,7 +95,7 @@ TEST_F(RecommendationsBlockTest, RecommendationsChangePlacesInTheirRows) {
     EXPECT_EQ(block.findChildren<RecommendationRow*>(), rows);
 }
 
-TEST_F(RecommendationsBlockTest, RoomIsMadeAtOnceAndGivenBackAfterAMinuteOfCalm) {
+TEST_F(RecommendationsBlockTest, GrowsAtOnceAndShrinksAfterAMinute) {
     lines = {line("A", Severity::info)};
     tick();
     const int calm = height();
@@ -110,8 +108,8 @@ TEST_F(RecommendationsBlockTest, RoomIsMadeAtOnceAndGivenBackAfterAMinuteOfCalm)
     tick();
     EXPECT_EQ(height(), troubled);
     EXPECT_THAT(texts(), Not(Contains("B")));
-    for (int samples = 1; samples < KeptRoom::patience; ++samples) {
-        // What is no sample does not count.
+    for (int samples = 1; samples < ReservedRows::samplesUntilShrink; ++samples) {
+        // Further calls for the same sample do not count.
         block.show(lines, snapshot->sampledAt);
         block.show(lines, snapshot->sampledAt);
         EXPECT_EQ(height(), troubled);
@@ -128,7 +126,7 @@ TEST_F(RecommendationsBlockTest, MoreThanFiveAreLeftOut) {
     EXPECT_THAT(texts(), AllOf(Contains("E"), Not(Contains("F"))));
 }
 
-TEST_F(RecommendationsBlockTest, ClosedItStillTellsWhatMattersMost) {
+TEST_F(RecommendationsBlockTest, CollapsedItShowsTheMostSevereInItsHeader) {
     lines = {line("Full", Severity::urgent), line("Busy", Severity::caution)};
     tick();
     const SectionHeader* header = block.header();
@@ -142,8 +140,8 @@ TEST_F(RecommendationsBlockTest, ClosedItStillTellsWhatMattersMost) {
     EXPECT_EQ(header->note(), u"Info · Fine"_s);
 }
 
-TEST_F(RecommendationsBlockTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinute) {
-    const auto leadHeight = [this] {
+TEST_F(RecommendationsBlockTest, TheProminentRowKeepsTheLinesItNeededForAMinute) {
+    const auto prominentHeight = [this] {
         settle();
         return block.findChild<RecommendationRow*>()->height();
     };
@@ -151,21 +149,21 @@ TEST_F(RecommendationsBlockTest, TheLeadTakesTheLinesItNeedsAndKeepsThemForAMinu
     page.resize(860, 700);
     tick();
     tick();
-    const int oneLine = leadHeight();
+    const int oneLine = prominentHeight();
     lines.front().detail = u"Many words. "_s + QString(150, u'a') + u" And more."_s;
     tick();
-    const int more = leadHeight();
+    const int more = prominentHeight();
     EXPECT_GT(more, oneLine);
     lines.front().detail = u"Few words."_s;
-    for (int samples = 0; samples < KeptRoom::patience; ++samples) {
+    for (int samples = 0; samples < ReservedRows::samplesUntilShrink; ++samples) {
         tick();
-        EXPECT_EQ(leadHeight(), more) << samples;
+        EXPECT_EQ(prominentHeight(), more) << samples;
     }
     tick();
-    EXPECT_EQ(leadHeight(), oneLine);
+    EXPECT_EQ(prominentHeight(), oneLine);
 }
 
-TEST_F(RecommendationsBlockTest, RowsHaveRoomBetweenTheirButtonsAtEveryWidth) {
+TEST_F(RecommendationsBlockTest, ButtonsOfNeighbouringRowsAreApartAtEveryWidth) {
     lines = {line("A", Severity::caution, 700), line("B", Severity::caution, 800),
              line("C", Severity::caution, 700)};
     tick();

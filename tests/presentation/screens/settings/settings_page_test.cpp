@@ -48,7 +48,7 @@ TEST_F(SettingsPageTest, BothButtonsOpenTheSheet) {
     EXPECT_EQ(visible<QPushButton>("settings.open-sheet")->text(), u"Open Settings Sheet"_s);
 }
 
-TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
+TEST_F(SettingsPageTest, PageAndSheetShareTheirSwitches) {
     showPage();
     click("settings.hub.auto-purge");
     EXPECT_TRUE(settings().autoPurgeSustainedMemory);
@@ -59,7 +59,7 @@ TEST_F(SettingsPageTest, ASwitchOfThePageIsTheOneOfTheSheet) {
     EXPECT_FALSE(visible<QAbstractButton>("settings.hub.auto-purge")->isChecked());
 }
 
-TEST_F(SettingsPageTest, TheStatusItemsEntryBringsTheWindowWithTheSheet) {
+TEST_F(SettingsPageTest, TheStatusItemOpensTheWindowWithTheSheet) {
     for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
         if (entry.title() == u"Settings"_s) {
             entry.run();

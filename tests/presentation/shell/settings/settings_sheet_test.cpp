@@ -1,11 +1,10 @@
 #include "presentation/shell/settings/settings_sheet.h"
 
 #include <map>
+#include <utility>
 
-#include <QAccessible>
 #include <QAction>
 #include <QPushButton>
-#include <QScrollArea>
 
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/settings/settings_tab.h"
@@ -49,18 +48,18 @@ TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
     EXPECT_EQ(sheet().accessibleName(), u"Settings"_s);
 }
 
-TEST_F(SettingsSheetTest, IsThereWhileTheNavigationSaysSo) {
-    showWithSample();
-    EXPECT_FALSE(isOpen());
+TEST_F(SettingsSheetTest, IsOpenWhileTheNavigationSaysSo) {
     navigation().setShowSettings(true);
     settle();
+    EXPECT_FALSE(isOpen()) << "without its window";
+    showWithSample();
     EXPECT_TRUE(isOpen());
     navigation().setShowSettings(false);
     settle();
     EXPECT_FALSE(isOpen());
 }
 
-TEST_F(SettingsSheetTest, DoneEscapeAndItsFrameCloseIt) {
+TEST_F(SettingsSheetTest, DoneEscapeTheWindowFrameAndItsWindowCloseIt) {
     const auto closesBy = [this](auto way) {
         openSheet("Automation");
         way();
@@ -71,9 +70,12 @@ TEST_F(SettingsSheetTest, DoneEscapeAndItsFrameCloseIt) {
     closesBy([this] { click("settings.sheet.done"); });
     closesBy([this] { press(Qt::Key_Escape); });
     closesBy([this] { sheet().close(); });
+    closesBy([this] { window().close(); });
+    show();
+    EXPECT_FALSE(isOpen());
 }
 
-TEST_F(SettingsSheetTest, TheMenuAndItsKeysOpenIt) {
+TEST_F(SettingsSheetTest, TheShortcutOfItsMenuEntryOpensIt) {
     showWithSample();
     auto* entry = window().findChild<QAction*>(u"menu.settings"_s);
     ASSERT_NE(entry, nullptr);
@@ -81,56 +83,38 @@ TEST_F(SettingsSheetTest, TheMenuAndItsKeysOpenIt) {
     EXPECT_EQ(entry->menuRole(), QAction::PreferencesRole);
     press(Qt::Key_Comma, Qt::ControlModifier);
     EXPECT_TRUE(isOpen());
-    EXPECT_EQ(route(), AppRoute::overview) << "the sheet floats over every route";
+    EXPECT_EQ(route(), AppRoute::overview) << "the route stays";
 }
 
-TEST_F(SettingsSheetTest, WaitsForItsWindow) {
-    navigation().setShowSettings(true);
-    settle();
-    EXPECT_FALSE(isOpen());
-    show();
-    settle();
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(SettingsSheetTest, GoesWithItsWindow) {
+TEST_F(SettingsSheetTest, AConfirmationOpensAboveItAndIsAnsweredFirst) {
+    const auto ask = [this] {
+        machine.monitor().localActions().requestPurge();
+        settle();
+    };
+    const auto answer = [this] {
+        machine.monitor().confirmations().cancelPending();
+        settle();
+    };
     openSheet("Automation");
-    window().close();
-    settle();
-    EXPECT_FALSE(isOpen());
-    EXPECT_FALSE(navigation().showSettings());
-    show();
-    EXPECT_FALSE(isOpen());
-}
-
-TEST_F(SettingsSheetTest, AQuestionComesAboveItAndLocksIt) {
-    openSheet("Automation");
-    machine.monitor().localActions().requestPurge();
-    settle();
-    auto* question = window().findChild<ConfirmationDialog*>();
+    ask();
+    const auto* question = window().findChild<ConfirmationDialog*>();
     ASSERT_NE(question, nullptr);
     EXPECT_TRUE(question->isVisible());
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(QApplication::activeModalWidget(), question);
-    machine.monitor().confirmations().cancelPending();
-    settle();
+    answer();
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(QApplication::activeModalWidget(), &sheet());
-}
-
-TEST_F(SettingsSheetTest, WaitsUntilAQuestionIsAnswered) {
-    showWithSample();
-    machine.monitor().localActions().requestPurge();
-    settle();
+    click("settings.sheet.done");
+    ask();
     navigation().setShowSettings(true);
     settle();
     EXPECT_FALSE(isOpen());
-    machine.monitor().confirmations().cancelPending();
-    settle();
+    answer();
     EXPECT_TRUE(isOpen());
 }
 
-TEST_F(SettingsSheetTest, TheTabIsTheNavigations) {
+TEST_F(SettingsSheetTest, TheTabIsThatOfTheNavigation) {
     openSheet("Safety");
     EXPECT_EQ(currentTab().text(), u"Safety"_s);
     strip().setFocus();
@@ -143,10 +127,10 @@ TEST_F(SettingsSheetTest, TheTabIsTheNavigations) {
     EXPECT_EQ(visible("settings.disk-maximum"), nullptr);
     click("settings.sheet.done");
     openSheet(navigation().settingsTab());
-    EXPECT_NE(visible("settings.ssh-user"), nullptr) << "the tab outlives the sheet";
+    EXPECT_NE(visible("settings.ssh-user"), nullptr) << "the tab is kept while the sheet is closed";
 }
 
-TEST_F(SettingsSheetTest, ATabThatIsNotThereStandsForTheFirst) {
+TEST_F(SettingsSheetTest, AnUnknownTabShowsTheFirst) {
     for (const char* tab : {"AI", "", "no such tab"}) {
         openSheet(tab);
         EXPECT_EQ(strip().currentIndex(), 0) << tab;
@@ -155,7 +139,7 @@ TEST_F(SettingsSheetTest, ATabThatIsNotThereStandsForTheFirst) {
     }
 }
 
-TEST_F(SettingsSheetTest, ARefusalIsReadInTheSheet) {
+TEST_F(SettingsSheetTest, ARefusalIsShownInTheSheet) {
     machine.monitor().automation().engageEmergencyStop();
     openSheet("Automation");
     click("settings.auto-purge");
@@ -163,82 +147,40 @@ TEST_F(SettingsSheetTest, ARefusalIsReadInTheSheet) {
               u"Auto-purge remains off while Emergency Stop is engaged."_s);
 }
 
-TEST_F(SettingsSheetTest, HiddenItDoesNoWork) {
-    openSheet("Automation");
-    click("settings.sheet.done");
-    auto* label = sheet().findChild<ElidedLabel*>(u"settings.sheet.last-action"_s);
-    const QString before = label->text();
-    machine.monitor().log().recordMessage("Something else happened.");
-    settle();
-    EXPECT_EQ(label->text(), before);
-    openSheet("Automation");
-    EXPECT_EQ(label->text(), u"Something else happened."_s);
-}
-
 // The keyboard -----------------------------------------------------------------------------------
 
-TEST_F(SettingsSheetTest, TabGoesThroughEachTabAsTheEyeDoes) {
-    openSheet("Remote");
-    EXPECT_EQ(QApplication::focusWidget(), &currentTab());
-    EXPECT_EQ(focusOrder().join(u' '),
-              u"settings.tab.remote settings.ssh-user settings.sheet.done"_s);
-    openSheet("Local Mac");
-    EXPECT_EQ(focusOrder().join(u' '),
-              u"settings.tab.local-mac settings.notification-actions "
-              "settings.expand-sections settings.collapse-sections "
-              "settings.sheet.done"_s);
-    openSheet("Automation");
-    EXPECT_EQ(focusOrder().join(u' '),
-              u"settings.tab.automation settings.warning-threshold "
-              "settings.auto-select settings.auto-purge settings.auto-scan settings.disk-autopilot "
-              "settings.disk-minimum-free settings.disk-cache-age "
-              "settings.disk-maximum settings.sheet.done"_s);
-    openSheet("Safety");
-    EXPECT_EQ(focusOrder().join(u' '),
-              u"settings.tab.safety settings.emergency-stop.engage "
-              "settings.sheet.done"_s);
-}
-
-TEST_F(SettingsSheetTest, AssistiveTechnologySeesItsTabsAndWhatTheyAreFor) {
-    openSheet("Automation");
-    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&strip());
-    EXPECT_EQ(list->role(), QAccessible::PageTabList);
-    EXPECT_EQ(list->text(QAccessible::Name), u"Settings"_s);
-    EXPECT_FALSE(list->text(QAccessible::Description).isEmpty());
-    ASSERT_EQ(list->childCount(), 4);
-    for (int place = 0; place < 4; ++place) {
-        QAccessibleInterface* each = list->child(place);
-        EXPECT_EQ(each->role(), QAccessible::PageTab);
-        EXPECT_EQ(each->text(QAccessible::Name), QString::fromLatin1(tabs[place]));
-        EXPECT_FALSE(each->text(QAccessible::Description).isEmpty());
-        EXPECT_EQ(each->state().selected, place == 2);
-    }
-    list->child(3)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    settle();
-    EXPECT_EQ(navigation().settingsTab(), "Safety");
-}
-
-TEST_F(SettingsSheetTest, ArrowKeysGoThroughTheTabsAndStopAtTheEnds) {
-    openSheet("Local Mac");
-    const auto expectAt = [this](const char* tab) {
-        EXPECT_EQ(navigation().settingsTab(), tab);
+TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
+    machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker", "Mail"});
+    for (const auto& [tab, controls] :
+         {std::pair{"Remote", "settings.tab.remote settings.ssh-user"},
+          {"Local Mac",
+           "settings.tab.local-mac settings.notification-actions settings.expand-sections "
+           "settings.collapse-sections"},
+          {"Automation",
+           "settings.tab.automation settings.warning-threshold settings.auto-select "
+           "settings.auto-purge settings.auto-scan settings.disk-autopilot "
+           "settings.disk-minimum-free settings.disk-cache-age settings.disk-maximum"},
+          {"Safety",
+           "settings.tab.safety settings.emergency-stop.engage "
+           "settings.never-quit.remove.Docker settings.never-quit.remove.Mail"}}) {
+        openSheet(tab);
         EXPECT_EQ(QApplication::focusWidget(), &currentTab());
-        EXPECT_EQ(currentTab().text(), QString::fromLatin1(tab));
-    };
-    press(Qt::Key_Left);
-    expectAt("Remote");
-    press(Qt::Key_Left);
-    expectAt("Remote");
-    for (const char* tab : {"Local Mac", "Automation", "Safety", "Safety"}) {
-        press(Qt::Key_Right);
-        expectAt(tab);
+        EXPECT_EQ(focusOrder().join(u' '), QLatin1String(controls) + u" settings.sheet.done"_s);
+        click("settings.sheet.done");
     }
 }
 
-TEST_F(SettingsSheetTest, ReturnClosesItOnDoneAlone) {
+TEST_F(SettingsSheetTest, ReturnClosesItOnlyOnDone) {
+    machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker"});
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-        openSheet("Automation");
-        for (const char* identifier : {"settings.tab.automation", "settings.warning-threshold"}) {
+        for (const auto& [tab, identifier] : {std::pair{"Automation", "settings.tab.automation"},
+                                              {"Automation", "settings.warning-threshold"},
+                                              {"Remote", "settings.ssh-user"},
+                                              {"Safety", "settings.never-quit.remove.Docker"},
+                                              {"Safety", "settings.emergency-stop.engage"}}) {
+            openSheet(tab);
+            machine.monitor().automation().resumeFromEmergencyStop();
+            settle();
             visible(identifier)->setFocus();
             press(key);
             ASSERT_TRUE(isOpen()) << identifier;
@@ -249,7 +191,7 @@ TEST_F(SettingsSheetTest, ReturnClosesItOnDoneAlone) {
     }
 }
 
-TEST_F(SettingsSheetTest, TheRingFollowsTheKeyboardAndNoClick) {
+TEST_F(SettingsSheetTest, TheFocusRingFollowsKeysButNotClicks) {
     const auto isRinged = [](QWidget& widget, const QColor& ring) {
         return widget.grab().toImage().pixelColor(widget.width() / 2, 1) == ring;
     };
@@ -280,7 +222,7 @@ TEST_F(SettingsSheetTest, TheRingFollowsTheKeyboardAndNoClick) {
     EXPECT_TRUE(isRinged(clicked, CrestTheme::current().text));
 }
 
-TEST_F(SettingsSheetTest, TheKeyboardBringsItsControlIntoView) {
+TEST_F(SettingsSheetTest, AFocusedControlIsScrolledIntoView) {
     window().resize(640, 480);
     openSheet("Automation");
     strip().setFocus();
@@ -292,7 +234,7 @@ TEST_F(SettingsSheetTest, TheKeyboardBringsItsControlIntoView) {
     EXPECT_EQ(slider->visibleRegion().boundingRect().height(), slider->height());
 }
 
-TEST_F(SettingsSheetTest, EachControlHasANameAndAnIdentifierOfItsOwn) {
+TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
     std::map<QString, const QWidget*> controls;
     for (const char* tab : tabs) {
         openSheet(tab);
@@ -315,7 +257,7 @@ TEST_F(SettingsSheetTest, EachControlHasANameAndAnIdentifierOfItsOwn) {
 
 // Sizes ------------------------------------------------------------------------------------------
 
-TEST_F(SettingsSheetTest, NothingIsCutAtAnyWindowsSize) {
+TEST_F(SettingsSheetTest, NothingIsCutOffAtAnyWindowSize) {
     machine.store.write("Tallowcrest.protectedApps",
                         SettingsTextList{"Docker", std::string(300, 'W')});
     for (const QSize& size : {QSize(640, 480), QSize(900, 600), QSize(1080, 720)}) {
@@ -349,7 +291,7 @@ TEST_F(SettingsSheetTest, NothingIsCutAtAnyWindowsSize) {
     }
 }
 
-TEST_F(SettingsSheetTest, ItsWordsCanBeReadInBothAppearances) {
+TEST_F(SettingsSheetTest, TabsAreReadableInBothAppearances) {
     const QPalette before = QApplication::palette();
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));
@@ -357,7 +299,7 @@ TEST_F(SettingsSheetTest, ItsWordsCanBeReadInBothAppearances) {
         const CrestTheme& theme = CrestTheme::current();
         const QImage image = strip().grab().toImage();
         const auto ground = [&](const StripTab& tab) {
-            // Beside the words, within the tab.
+            // Within the tab, beside its text.
             return image.pixelColor(tab.x() + 6, image.height() / 2);
         };
         EXPECT_GE(contrastRatio(theme.text, ground(currentTab())), 4.5);

@@ -1,4 +1,4 @@
-#include "presentation/widgets/controls.h"
+#include "presentation/widgets/button.h"
 
 #include <QPushButton>
 
@@ -19,11 +19,6 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
         button->setIconSize({spacing::iconSmall, spacing::iconSmall});
     }
     return button;
-}
-
-QPushButton* makeButton(const Command& command, const QString& identifier, QWidget* parent) {
-    return makeButton(QString::fromUtf8(command.title), QString::fromUtf8(command.icon), identifier,
-                      QString::fromUtf8(command.description), parent);
 }
 
 }  // namespace tallowcrest

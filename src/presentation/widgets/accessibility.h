@@ -5,7 +5,14 @@
 #include <QAccessible>
 #include <QString>
 
+class QWidget;
+
 namespace tallowcrest {
+
+/// Set the accessible name or description of a widget, only if it differs from the present one: Qt
+/// announces every set text, and many are refreshed with each sample. Main thread.
+void setSpokenName(QWidget& widget, const QString& name);
+void setSpokenDescription(QWidget& widget, const QString& description);
 
 /// A widget that paints its content itself instead of composing it of controls, and describes it to
 /// assistive technology through this interface. Main thread.

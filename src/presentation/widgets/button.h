@@ -2,8 +2,6 @@
 
 #include <QString>
 
-#include "presentation/widgets/command.h"
-
 class QPushButton;
 class QWidget;
 
@@ -13,8 +11,5 @@ namespace tallowcrest {
 /// be empty. Main thread.
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent);
-
-/// The button of a command.
-QPushButton* makeButton(const Command& command, const QString& identifier, QWidget* parent);
 
 }  // namespace tallowcrest

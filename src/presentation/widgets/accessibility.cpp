@@ -1,4 +1,4 @@
-#include "presentation/widgets/accessible_figure.h"
+#include "presentation/widgets/accessibility.h"
 
 #include <QAccessibleWidget>
 #include <QWidget>
@@ -55,6 +55,18 @@ QAccessibleInterface* figureInterface(const QString&, QObject* object) {
 }
 
 }  // namespace
+
+void setSpokenName(QWidget& widget, const QString& name) {
+    if (name != widget.accessibleName()) {
+        widget.setAccessibleName(name);
+    }
+}
+
+void setSpokenDescription(QWidget& widget, const QString& description) {
+    if (description != widget.accessibleDescription()) {
+        widget.setAccessibleDescription(description);
+    }
+}
 
 void installAccessibleFigures() {
     static const bool installed = [] {

@@ -1,0 +1,91 @@
+#include "tests/support/fake_machine.h"
+
+#include <chrono>
+#include <utility>
+#include <vector>
+
+#include "core/locale.h"
+#include "monitor/system_monitor.h"
+#include "sampling/latest_sample.h"
+
+namespace tallowcrest {
+
+FakeMachine::FakeMachine() : locale(std::make_shared<PlainLocale>()) {
+    ticks->ticks.reset();
+}
+
+FakeMachine::~FakeMachine() = default;
+
+SystemMonitor& FakeMachine::monitor() {
+    if (monitor_ == nullptr) {
+        monitor_ = std::make_unique<SystemMonitor>(
+            MonitorPorts{.jobs = jobs,
+                         .clock = clock,
+                         .settingsStore = *settingsStore,
+                         .metrics = metrics,
+                         .ticks = ticks,
+                         .locale = locale,
+                         .actions = {actions.ports(), openActivityMonitor, storeOnPasteboard},
+                         .reportFolder = reportFolder,
+                         .utcOffset = atGreenwich,
+                         .notifications = &notifications,
+                         .openRoute = openRoute,
+                         .remoteScan = remoteScan},
+            HostFacts{.cpuCount = 4,
+                      .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
+                      .loginName = "owner",
+                      .startupProblems = startupProblems,
+                      .places = {.caches = "~/.cache"},
+                      .findings = findings,
+                      .readOnly = readOnly});
+        monitor_->setSampleApplied([this] {
+            if (recommendations) {
+                monitor_->sample().setRecommendations(*recommendations);
+            }
+            if (sessionInsights) {
+                monitor_->sample().setSessionInsights(*sessionInsights);
+            }
+            if (sampleApplied) {
+                sampleApplied();
+            }
+        });
+    }
+    return *monitor_;
+}
+
+void FakeMachine::restart() {
+    monitor_.reset();
+}
+
+ProcessSample& FakeMachine::addProcess(std::int64_t pid, std::string command, double cpu,
+                                       double rssMB) {
+    ProcessSample row;
+    row.pid = pid;
+    row.cpu = cpu;
+    row.rssMB = rssMB;
+    row.memoryPercent = rssMB / 163.84;
+    row.arguments = command;
+    row.command = std::move(command);
+    row.startTime = actions.processes->running.try_emplace(pid, firstStartTime).first->second;
+    metrics->processes.push_back(std::move(row));
+    return metrics->processes.back();
+}
+
+void FakeMachine::endProcess(std::int64_t pid) {
+    std::erase_if(metrics->processes, [pid](const ProcessSample& row) { return row.pid == pid; });
+}
+
+void FakeMachine::finishSamples() {
+    while (workQueue.pendingCount() > 0) {
+        workQueue.run();
+    }
+    mainQueue.drain();
+}
+
+void FakeMachine::tick() {
+    clock.advance(std::chrono::seconds(4));
+    monitor().refresh();
+    finishSamples();
+}
+
+}  // namespace tallowcrest
