@@ -49,8 +49,8 @@ run: build
 	fi
 
 # The end-to-end programs mostly wait for the next sample, so more tests run at a time than there are
-# cores. That the preset without Qt configures is all that is left to see of it: the layers below the
-# window are the same, and the architecture test keeps Qt out of them.
+# cores. Configuring the preset without Qt is enough: its sources are those of dev, where the layers
+# below the window do not see Qt's headers either.
 test:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,all)

@@ -33,14 +33,14 @@ function(tallowcrest_test name)
     add_executable(${name} ${TEST_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} tallowcrest_options
-                                          tallowcrest_test_options GTest::gmock)
+                                          tallowcrest_test_options tallowcrest_test_support
+                                          GTest::gmock)
     target_compile_definitions(
         ${name} PRIVATE TALLOWCREST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                         TALLOWCREST_BINARY_DIR="${PROJECT_BINARY_DIR}")
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     if(TEST_QT)
-        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/qt_test_main.cpp)
-        target_link_libraries(${name} PRIVATE Qt6::Widgets Qt6::Test)
+        target_link_libraries(${name} PRIVATE tallowcrest_qt_test)
         tallowcrest_precompile(${name} qt_test)
     else()
         target_link_libraries(${name} PRIVATE GTest::gtest_main)

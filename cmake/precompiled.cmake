@@ -1,6 +1,6 @@
-# Precompiled headers: the headers that nearly every file of a kind includes, parsed once. Layers
-# without Qt have none: reading one would take as long as parsing the few headers that they need,
-# and so the compiler shows that they include what they use.
+# Precompiled headers: the headers that nearly every file of a kind includes, parsed once. Only
+# layers with widgets have one. For the others, reading one would take as long as parsing the few
+# headers that they need, and without it the compiler shows that they include what they use.
 #
 #   qt        the standard library and the toolkit's common headers
 #   test      the standard library, GoogleTest and GoogleMock

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "core/activity_log.h"
-
 namespace tallowcrest {
 
 Actions::Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,

@@ -8,7 +8,6 @@
 
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
-#include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/services.h"
 #include "core/settings/settings_owner.h"

@@ -16,7 +16,6 @@
 #include "core/activity_log.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
-#include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
@@ -277,7 +276,7 @@ Outcome LocalActions::optimizeSafely() {
 }
 
 Outcome LocalActions::toggleNeverQuit(const std::string& group) {
-    TextSet names = neverQuit();
+    ProtectedAppNames names = neverQuit();
     if (!names.insert(group).second) {
         return removeFromNeverQuit(group);
     }
@@ -285,20 +284,20 @@ Outcome LocalActions::toggleNeverQuit(const std::string& group) {
 }
 
 Outcome LocalActions::removeFromNeverQuit(const std::string& group) {
-    TextSet names = neverQuit();
+    ProtectedAppNames names = neverQuit();
     if (names.erase(group) == 0) {
         return Outcome::refused({});
     }
     return setNeverQuit(std::move(names), fmt::format("{} removed from Never Quit.", group));
 }
 
-Outcome LocalActions::setNeverQuit(TextSet names, std::string message) {
+Outcome LocalActions::setNeverQuit(ProtectedAppNames names, std::string message) {
     with_.services.settings.set(&Settings::protectedAppNames, std::move(names));
     with_.sample.regroup(neverQuit(), with_.protection);
     return record(Outcome::done(std::move(message)));
 }
 
-const TextSet& LocalActions::neverQuit() const {
+const ProtectedAppNames& LocalActions::neverQuit() const {
     return with_.services.settings.values().protectedAppNames;
 }
 

@@ -97,8 +97,8 @@ private:
     void runPurge();
     void finishPurge(const PurgeResult& result);
 
-    const TextSet& neverQuit() const;
-    Outcome setNeverQuit(TextSet names, std::string message);
+    const ProtectedAppNames& neverQuit() const;
+    Outcome setNeverQuit(ProtectedAppNames names, std::string message);
     Outcome record(Outcome outcome) const;
 
     Dependencies with_;

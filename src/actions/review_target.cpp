@@ -1,13 +1,11 @@
 #include "actions/review_target.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "actions/app_group.h"
 #include "core/activity_log.h"
-#include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/services.h"
 #include "core/settings/settings_owner.h"

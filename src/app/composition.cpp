@@ -6,6 +6,7 @@
 #include "actions/cache_purge.h"
 #include "app/console.h"
 #include "core/activity_log.h"
+#include "core/settings/settings_keys.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/icu/utc_offset.h"
@@ -20,9 +21,11 @@ std::filesystem::path settingsFile() {
 
 OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
                          SqliteSettingsStore::Complain complain) {
-    return access == SettingsAccess::readWrite
-               ? openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)})
-               : readSettingsStore(settingsFile());
+    if (access == SettingsAccess::readWrite) {
+        return openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)});
+    }
+    // Points of days ago must not be taken for those of this run.
+    return readSettingsStore(settingsFile(), {settings_keys::historyKey});
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "core/activity_log.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "core/activity_kinds.h"
@@ -26,11 +25,8 @@ void ActivityLog::recordEvent(ActivityKind kind, std::string detail) {
     ActivityEvent event{UUID::random(), clock_.now(), std::string(title(kind)), std::move(detail),
                         kind};
     activityLog_.change([&](std::vector<ActivityEvent>& events) {
-        events.push_back(std::move(event));
-        std::rotate(events.begin(), events.end() - 1, events.end());
-        if (events.size() > stored::activityLog.most) {
-            events.resize(stored::activityLog.most);
-        }
+        events.insert(events.begin(), std::move(event));
+        stored::activityLog.trim(events);
     });
     observable_->changed();
 }

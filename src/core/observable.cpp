@@ -84,12 +84,13 @@ Subscription Observable::subscribe(std::function<void()> observer) {
 }
 
 ObserverGroup::ObserverGroup(MainQueue& mainQueue, std::function<void()> observer)
-    : anyChanged_(mainQueue), observer_(anyChanged_.subscribe(std::move(observer))) {}
+    : mainQueue_(mainQueue), observer_(std::move(observer)) {}
 
 void ObserverGroup::observe(const std::vector<Observable*>& observables) {
     subscriptions_.clear();
+    told_ = anyChanged_.emplace(mainQueue_).subscribe(observer_);
     for (Observable* each : observables) {
-        subscriptions_.push_back(each->subscribe([this] { anyChanged_.changed(); }));
+        subscriptions_.push_back(each->subscribe([this] { anyChanged_->changed(); }));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/jobs/queues.h"
@@ -58,12 +59,15 @@ public:
     /// `mainQueue` must outlive the object; the observables need not.
     ObserverGroup(MainQueue& mainQueue, std::function<void()> observer);
 
-    /// Observes these and no others from now on.
+    /// Observes these and no others from now on. What the former ones have asked to tell is
+    /// dropped. Must not be called by the observer itself.
     void observe(const std::vector<Observable*>& observables);
 
 private:
-    Observable anyChanged_;
-    Subscription observer_;
+    MainQueue& mainQueue_;
+    std::function<void()> observer_;
+    std::optional<Observable> anyChanged_;
+    Subscription told_;
     std::vector<Subscription> subscriptions_;
 };
 

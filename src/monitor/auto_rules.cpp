@@ -10,7 +10,6 @@
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
-#include "core/jobs/jobs.h"
 #include "core/locale.h"
 #include "core/observable.h"
 #include "core/remote_records.h"

@@ -3,7 +3,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 
 #include "core/date.h"
 #include "core/services.h"

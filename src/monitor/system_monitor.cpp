@@ -25,7 +25,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       startup_(startupState(settings_->values(), host_.findings)),
       aiTrustRecords_(
           settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
-      sample_(std::make_unique<LatestSample>(*settings_, services_.mainQueue, host_.readOnly)),
+      sample_(std::make_unique<LatestSample>(*settings_, services_.mainQueue)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
       reports_(std::make_unique<Reports>(Reports::Dependencies{

@@ -25,7 +25,6 @@ class Automation;
 class ConfirmationDesk;
 class ExternalApplications;
 class LocalActions;
-class MainQueue;
 class ReviewTarget;
 class CPUTickSource;
 class LatestSample;
@@ -101,7 +100,6 @@ public:
 
     const HostFacts& host() const { return host_; }
     const StartupState& startup() const { return startup_; }
-    /// Where all state of the monitor lives.
     /// What all components share.
     const Services& services() const { return services_; }
     /// Never null.

@@ -31,12 +31,8 @@ Counts highestCounts(const Counts& counts, std::size_t kept) {
 
 }  // namespace
 
-LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue, bool readOnly)
-    : observable_(std::make_unique<Observable>(mainQueue)), history_(settings, stored::history) {
-    if (readOnly) {
-        history_.change([](std::vector<HistoryPoint>& points) { points.clear(); });
-    }
-}
+LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue)
+    : observable_(std::make_unique<Observable>(mainQueue)), history_(settings, stored::history) {}
 
 LatestSample::~LatestSample() = default;
 

@@ -30,10 +30,9 @@ public:
     static constexpr std::size_t maximumTopAppNames = 80;
     static constexpr std::size_t keptTopAppNames = 40;
 
-    /// Begins with the whole stored history; the first sample trims it. A read-only run begins with
-    /// none, because points of days ago must not be taken for its own. The references must outlive
+    /// Begins with the whole stored history; the first sample trims it. The references must outlive
     /// the object.
-    LatestSample(SettingsOwner& settings, MainQueue& mainQueue, bool readOnly = false);
+    LatestSample(SettingsOwner& settings, MainQueue& mainQueue);
     ~LatestSample();
     LatestSample(const LatestSample&) = delete;
     LatestSample& operator=(const LatestSample&) = delete;
@@ -45,8 +44,7 @@ public:
     /// The indexes of `latestProcesses` in impact order. The snapshot holds only the first of them,
     /// but a search covers every process.
     const std::vector<std::size_t>& impactOrder() const { return impactOrder_; }
-    /// Oldest first. Begins with the points that an earlier run stored, or empty in a read-only
-    /// run.
+    /// Oldest first. Begins with the points that an earlier run stored.
     const std::vector<HistoryPoint>& history() const { return *history_; }
     /// The points of `history` that this run added.
     std::span<const HistoryPoint> historyOfThisRun() const {

@@ -1,5 +1,6 @@
 #include "tests/architecture/layer_rules.h"
 
+#include <source_location>
 #include <string>
 #include <utility>
 #include <vector>
@@ -211,7 +212,9 @@ TEST(LayerRules, AcceptsEdgesThatMatchTheIncludes) {
 }
 
 TEST(LayerRules, FindsWrongLinkEdges) {
-    const auto expectOne = [](const Files& files, const auto& expected) {
+    const auto expectOne = [](const Files& files, const auto& expected,
+                              std::source_location row = std::source_location::current()) {
+        const testing::ScopedTrace trace(row.file_name(), static_cast<int>(row.line()), "row");
         EXPECT_THAT(wrongLinkEdges(files), ElementsAre(expected));
     };
     expectOne({{"core/CMakeLists.txt", "\ntallowcrest_layer(core SOURCES a.cpp DEPENDS monitor)"},

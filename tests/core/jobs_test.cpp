@@ -25,9 +25,7 @@ using ::testing::SizeIs;
 class JobsTest : public ::testing::Test {
 protected:
     void finishWork() {
-        while (workQueue.pendingCount() > 0) {
-            workQueue.run();
-        }
+        workQueue.runAll();
         mainQueue.drain();
     }
 
@@ -314,11 +312,7 @@ protected:
             [held = noted()](int) {}, [held = noted()] {});
     }
     void workOnAnotherThread() {
-        std::thread([this] {
-            while (workQueue.pendingCount() > 0) {
-                workQueue.run();
-            }
-        }).join();
+        std::thread([this] { workQueue.runAll(); }).join();
     }
     void expectDestroyedByTheMainThread() const {
         EXPECT_THAT(destroyedBy, SizeIs(3));

@@ -207,6 +207,18 @@ TEST_F(ObserverGroupTest, IsNotToldOfWhatItDoesNotObserve) {
     EXPECT_EQ(told, 1);
 }
 
+TEST_F(ObserverGroupTest, ObservingOthersDropsWhatTheFormerOnesAskedToTell) {
+    group->observe({&first});
+    first.changed();
+    queue.turn();
+    group->observe({&other});
+    queue.drain();
+    EXPECT_EQ(told, 0);
+    other.changed();
+    queue.drain();
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(ObserverGroupTest, IsToldOneTurnAfterTheObservers) {
     group->observe({&first});
     first.changed();

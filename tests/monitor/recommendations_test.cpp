@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <source_location>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,7 +78,9 @@ const std::string healthyDetail =
 const std::vector<ProcessSample> editorAndIndexer{process(7, "/usr/bin/editor", 300.0, 20.0),
                                                   process(8, "/usr/bin/indexer", 200.0, 90.0)};
 
-void expectOnly(const Machine& machine, const Card& card) {
+void expectOnly(const Machine& machine, const Card& card,
+                std::source_location row = std::source_location::current()) {
+    const testing::ScopedTrace trace(row.file_name(), static_cast<int>(row.line()), "row");
     const auto cards = cardsOf(machine);
     ASSERT_EQ(cards.size(), 1U) << testing::PrintToString(titlesOf(cards));
     EXPECT_EQ(contentOf(cards.front()), card);

@@ -33,9 +33,6 @@ protected:
         ticks->ticks = CPUTicks{};
         findings.processArguments = {"tallowcrest"};
     }
-
-    /// Starts from what the store and the machine contain at that time.
-    SystemMonitor& makeMonitor() { return monitor(); }
 };
 
 // Construction -----------------------------------------------------------------------------------
@@ -63,7 +60,7 @@ TEST_F(SystemMonitorTest, ConstructionReadsTheTicksBeforeTheStoreAndStartsNothin
     settingsStore = &recording;
     ticks->calls = &calls;
     metrics->calls = &calls;
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     EXPECT_THAT(calls, ElementsAre("readTicks", "store"));
     EXPECT_FALSE(monitor.isStarted());
     EXPECT_EQ(workQueue.pendingCount(), 0U);
@@ -78,7 +75,7 @@ TEST_F(SystemMonitorTest, ConstructionReadsTheTicksBeforeTheStoreAndStartsNothin
 }
 
 TEST_F(SystemMonitorTest, FieldsHaveTheirInitialValues) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
     EXPECT_THAT(monitor.log().activityLog(), IsEmpty());
     EXPECT_EQ(monitor.sample().snapshot(), std::nullopt);
@@ -101,7 +98,7 @@ TEST_F(SystemMonitorTest, TheUITestingOptionOnlyKeepsTheWizardAway) {
     findings.processArguments.emplace_back("--ui-testing");
     findings.openAIKeyFound = true;
     findings.localPublicKeyFound = true;
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     EXPECT_FALSE(monitor.startup().showSetupWizard);
     EXPECT_FALSE(monitor.settings().firstRunComplete);
     EXPECT_TRUE(monitor.startup().openAIKeySaved);
@@ -127,7 +124,7 @@ TEST_F(SystemMonitorTest, LoadsEverythingThatIsStored) {
     store.values.write(keys::diskAutopilotKey, true);
     store.values.write(keys::autoSelectKey, true);
     store.values.write(keys::automationEmergencyStopKey, true);
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
 
     EXPECT_EQ(monitor.sample().history(), history);
     EXPECT_EQ(monitor.log().activityLog(), events);
@@ -152,7 +149,7 @@ TEST_F(SystemMonitorTest, LoadsEverythingThatIsStored) {
 // Starting and stopping --------------------------------------------------------------------------
 
 TEST_F(SystemMonitorTest, StartingTwiceStartsOnce) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.startMonitoring();
     monitor.startMonitoring();
     EXPECT_TRUE(monitor.isStarted());
@@ -162,7 +159,7 @@ TEST_F(SystemMonitorTest, StartingTwiceStartsOnce) {
 }
 
 TEST_F(SystemMonitorTest, TheTimerQueuesASampleEachTime) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.startMonitoring();
     finishSamples();
     EXPECT_EQ(monitor.sample().history().size(), 1U);
@@ -174,7 +171,7 @@ TEST_F(SystemMonitorTest, TheTimerQueuesASampleEachTime) {
 }
 
 TEST_F(SystemMonitorTest, StoppingEndsTheTimerForGood) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.startMonitoring();
     finishSamples();
     monitor.stopMonitoring();
@@ -186,7 +183,7 @@ TEST_F(SystemMonitorTest, StoppingEndsTheTimerForGood) {
 }
 
 TEST_F(SystemMonitorTest, RefreshWorksWithoutAStart) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.refresh();
     finishSamples();
     EXPECT_NE(monitor.sample().snapshot(), std::nullopt);
@@ -194,7 +191,7 @@ TEST_F(SystemMonitorTest, RefreshWorksWithoutAStart) {
 }
 
 TEST_F(SystemMonitorTest, DestructionDropsSamplesUnderWay) {
-    makeMonitor().startMonitoring();
+    monitor().startMonitoring();
     mainQueue.fireTimers();
     workQueue.run();
     restart();
@@ -206,7 +203,7 @@ TEST_F(SystemMonitorTest, DestructionDropsSamplesUnderWay) {
 // Saving -----------------------------------------------------------------------------------------
 
 TEST_F(SystemMonitorTest, SavesTheHistoryOnEverySample) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     for (std::size_t i = 1; i <= 3; ++i) {
         monitor.refresh();
         finishSamples();
@@ -218,7 +215,7 @@ TEST_F(SystemMonitorTest, SavesTheHistoryOnEverySample) {
 }
 
 TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.log().recordEvent(ActivityKind::warning, "High load");
     monitor.log().recordMessage("Selected.");
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.activityLog", "Tallowcrest.activityLog"));
@@ -229,7 +226,7 @@ TEST_F(SystemMonitorTest, SavesTheActivityLogOnEveryEvent) {
 }
 
 TEST_F(SystemMonitorTest, AValueThatCannotBeEncodedLeavesTheStoredOne) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     monitor.refresh();
     monitor.log().recordEvent(ActivityKind::warning, "First");
     finishSamples();
@@ -247,13 +244,13 @@ TEST_F(SystemMonitorTest, AValueThatCannotBeEncodedLeavesTheStoredOne) {
 }
 
 TEST_F(SystemMonitorTest, ASecondRunLoadsWhatTheFirstStored) {
-    makeMonitor().refresh();
+    monitor().refresh();
     finishSamples();
     monitor().log().recordMessage("Something happened.");
     const auto history = monitor().sample().history();
     const auto events = monitor().log().activityLog();
     restart();
-    SystemMonitor& next = makeMonitor();
+    SystemMonitor& next = monitor();
     EXPECT_EQ(next.sample().history(), history);
     EXPECT_EQ(next.log().activityLog(), events);
     EXPECT_EQ(next.log().lastAction(), "Monitoring started.");
@@ -262,7 +259,7 @@ TEST_F(SystemMonitorTest, ASecondRunLoadsWhatTheFirstStored) {
 // Observers --------------------------------------------------------------------------------------
 
 TEST_F(SystemMonitorTest, ObserversAreNotifiedOncePerTurnOfWhatTheyObserve) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     std::vector<std::string> told;
     const auto observe = [&told](Observable& observable, const char* name) {
         return observable.subscribe([&told, name] { told.emplace_back(name); });
@@ -289,7 +286,7 @@ TEST_F(SystemMonitorTest, ObserversAreNotifiedOncePerTurnOfWhatTheyObserve) {
 }
 
 TEST_F(SystemMonitorTest, ASampleDoesNotChangeTheReviewTarget) {
-    SystemMonitor& monitor = makeMonitor();
+    SystemMonitor& monitor = FakeMachine::monitor();
     metrics->processes = {{7, 50, 1, 100, "/usr/bin/app", "/usr/bin/app"}};
     monitor.refresh();
     finishSamples();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -106,16 +105,6 @@ TEST_F(LatestSampleTest, Keeps180PointsAndDropsTheOldest) {
     EXPECT_EQ(sample.history().front().date, Date{1});
     EXPECT_EQ(sample.history().back().date, Date{180});
     EXPECT_EQ(storedHistory(), sample.history());
-}
-
-TEST_F(LatestSampleTest, AReadOnlyRunBeginsWithoutTheStoredHistory) {
-    with.settings.save(stored::history, {{UUID::random(), Date{1}, 100.0, 100.0}});
-    LatestSample readOnly(with.settings, with.mainQueue, true);
-    EXPECT_TRUE(readOnly.history().empty());
-    readOnly.setSnapshot(snapshotAt(500));
-    readOnly.appendHistoryPoint();
-    ASSERT_EQ(readOnly.history().size(), 1U);
-    EXPECT_EQ(readOnly.history().front().date, Date{500});
 }
 
 TEST_F(LatestSampleTest, LoadsALongHistoryCompletelyAndTrimsItWithTheFirstSample) {

@@ -76,9 +76,7 @@ void FakeMachine::endProcess(std::int64_t pid) {
 }
 
 void FakeMachine::finishSamples() {
-    while (workQueue.pendingCount() > 0) {
-        workQueue.run();
-    }
+    workQueue.runAll();
     mainQueue.drain();
 }
 

@@ -82,6 +82,13 @@ public:
     std::size_t pendingCount() const { return pending_.size(); }
     Lane laneOf(std::size_t index) const { return pending_.at(index).first; }
 
+    /// Runs all jobs, those that a job adds included.
+    void runAll() {
+        while (!pending_.empty()) {
+            run();
+        }
+    }
+
     /// Runs the waiting job at `index`.
     void run(std::size_t index = 0) {
         Task work = std::move(pending_.at(index).second);

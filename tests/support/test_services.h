@@ -21,9 +21,7 @@ struct TestServices {
 
     /// Runs all background work and what it posts to the main queue.
     void finishWork() {
-        while (workQueue.pendingCount() > 0) {
-            workQueue.run();
-        }
+        workQueue.runAll();
         mainQueue.drain();
     }
 

@@ -7,7 +7,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "core/record_json.h"
 #include "core/settings/settings.h"
 #include "core/settings/settings_store.h"
 #include "core/settings/stored_lists.h"
@@ -64,9 +63,14 @@ public:
     /// Stores a list whole. One that has no JSON form leaves the older one in the store, in
     /// silence. `encoder.encode(records)` gives the text, absent for such a list.
     template <class Records, class Encoder = stored::WholeEncoder>
-    void save(const stored::List<Records>& list, Records records, Encoder&& encoder = {}) {
-        list.trim(records);
-        saveText(list.key, encoder.encode(records));
+    void save(const stored::List<Records>& list, const Records& records, Encoder&& encoder = {}) {
+        if (list.excess(records) == 0) {
+            saveText(list.key, encoder.encode(records));
+            return;
+        }
+        Records kept = records;
+        list.trim(kept);
+        saveText(list.key, encoder.encode(kept));
     }
 
     /// Empty when nothing is stored that is such a table.

@@ -32,12 +32,15 @@ struct List {
     Keep keep = Keep::all;
     std::size_t most = 0;  ///< of no meaning for `Keep::all`
 
+    /// How many records are beyond the most that is stored.
+    std::size_t excess(const Records& records) const {
+        return keep == Keep::all || records.size() <= most ? 0 : records.size() - most;
+    }
+
     /// Drops what is beyond the most that is stored.
     void trim(Records& records) const {
         if constexpr (requires { records.front(); }) {
-            const std::size_t excess =
-                keep == Keep::all || records.size() <= most ? 0 : records.size() - most;
-            const auto count = static_cast<std::ptrdiff_t>(excess);
+            const auto count = static_cast<std::ptrdiff_t>(excess(records));
             if (keep == Keep::first) {
                 records.erase(records.end() - count, records.end());
             } else {

@@ -10,6 +10,7 @@
 
 #include "actions/cache_purge.h"
 #include "platform/base/descriptor_setup.h"
+#include "platform/base/environment.h"
 #include "platform/base/user_account.h"
 #include "platform/host.h"
 #include "platform/linux/kernel_file.h"
@@ -111,10 +112,7 @@ std::chrono::duration<double, std::milli> timeSinceProcessStart() {
 }
 
 bool hasDisplay() {
-    const auto isSet = [](const char* name) {
-        const char* value = std::getenv(name);
-        return value != nullptr && *value != '\0';
-    };
+    const auto isSet = [](const char* name) { return !environmentVariable(name).empty(); };
     // An explicit Qt platform may need neither server.
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }

@@ -1,5 +1,6 @@
 #include "platform/settings/open_settings_store.h"
 
+#include <algorithm>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -20,6 +21,7 @@ using Path = std::filesystem::path;
 struct Opening {
     Path file;
     OpenedStore outcome{std::make_unique<MemorySettingsStore>(), {}};
+    std::vector<std::string_view> keysLeftOut = {};
 
     void report(std::string_view sentence, std::string_view detail = {}, const Path& keptAs = {}) {
         outcome.problems.push_back(problem::describe(sentence, file, detail, keptAs));
@@ -90,7 +92,8 @@ struct Opening {
         }
         for (const settings_keys::Key& key : settings_keys::all) {
             std::optional<SettingsValue> value;
-            if (database.read(key.name, value) == SQLITE_ROW && value) {
+            if (std::ranges::count(keysLeftOut, key.name) == 0 &&
+                database.read(key.name, value) == SQLITE_ROW && value) {
                 outcome.store->write(key.name, *value);
             }
         }
@@ -145,8 +148,8 @@ OpenedStore openSettingsStore(const Path& file, const Dependencies& dependencies
     return std::move(opening.outcome);
 }
 
-OpenedStore readSettingsStore(const Path& file) {
-    Opening opening{settings_file::resolveLink(file)};
+OpenedStore readSettingsStore(const Path& file, std::initializer_list<std::string_view> without) {
+    Opening opening{.file = settings_file::resolveLink(file), .keysLeftOut = without};
     const Finding finding =
         file.empty() ? Finding{FileState::missing} : settings_file::inspect(opening.file);
     if (finding.state == FileState::usable) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/settings/sqlite_settings_store.h"
@@ -28,8 +30,10 @@ struct OpenedStore {
 OpenedStore openSettingsStore(const std::filesystem::path& file,
                               const SqliteSettingsStore::Dependencies& dependencies);
 
-/// A store in memory that starts with what is stored in `file`. Leaves no file or folder behind
-/// where no log has to be read. A missing file is no problem. Main thread.
-OpenedStore readSettingsStore(const std::filesystem::path& file);
+/// A store in memory that starts with what is stored in `file`, except the values of the keys
+/// `without`. Leaves no file or folder behind where no log has to be read. A missing file is no
+/// problem. Main thread.
+OpenedStore readSettingsStore(const std::filesystem::path& file,
+                              std::initializer_list<std::string_view> without = {});
 
 }  // namespace tallowcrest

@@ -48,6 +48,19 @@ FileState stateFor(int result) {
     }
 }
 
+/// The result of `read(access)` with an access that changes nothing and creates no file.
+template <class Read>
+Finding readUnchanged(const Path& file, Read read) {
+    if (!settings_file::hasLog(file)) {
+        Finding finding = read(Access::immutable);
+        // A log that has appeared meanwhile may explain a failure.
+        if (finding.state == FileState::usable || !settings_file::hasLog(file)) {
+            return finding;
+        }
+    }
+    return read(Access::readOnly);
+}
+
 /// The reason when that fails, else empty.
 std::string createTable(const Path& file) {
     if (const std::error_code error = settings_file::create(file)) {
@@ -149,17 +162,20 @@ Finding SettingsDatabase::create(const Path& file) {
 
 Finding SettingsDatabase::openForWriting(const Path& file) {
     // A newer or foreign file must not be changed. All else is judged under SQLite's lock.
-    Finding finding = openForReading(file);
+    Finding finding = readUnchanged(file, [&](Access access) { return identify(file, access); });
     if (finding.state == FileState::newer || finding.state == FileState::foreign) {
         return finding;
     }
-    // SQLite would silently open a read-only file for reading.
-    if (finding.state == FileState::usable &&
-        ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0) {
-        return {FileState::inaccessible, std::strerror(errno)};
+    // SQLite would silently open a read-only file for reading. A damaged one is put aside, which
+    // takes no permission to write it.
+    if (::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0) {
+        const std::string reason = std::strerror(errno);
+        if (openForReading(file).state == FileState::usable) {
+            return {FileState::inaccessible, reason};
+        }
     }
     settings_file::withdrawAccessOfOthers(file);
-    finding = open(file, Access::readWrite);
+    finding = check(file, Access::readWrite);
     if (finding.state == FileState::usable) {
         // On a file system without shared memory this leaves the slower journal on.
         const int result =
@@ -170,17 +186,10 @@ Finding SettingsDatabase::openForWriting(const Path& file) {
 }
 
 Finding SettingsDatabase::openForReading(const Path& file) {
-    if (!settings_file::hasLog(file)) {
-        Finding finding = open(file, Access::immutable);
-        // A log that has appeared meanwhile may explain a failure.
-        if (finding.state == FileState::usable || !settings_file::hasLog(file)) {
-            return finding;
-        }
-    }
-    return open(file, Access::readOnly);
+    return readUnchanged(file, [&](Access access) { return check(file, access); });
 }
 
-Finding SettingsDatabase::open(const Path& file, Access access) {
+Finding SettingsDatabase::identify(const Path& file, Access access) {
     int result = connection_.open(file, access, settingsLockTimeout);
     const auto ask = [&](const char* question) {
         std::string answer;
@@ -191,14 +200,25 @@ Finding SettingsDatabase::open(const Path& file, Access access) {
     };
     const std::string application = ask("PRAGMA application_id");
     const std::string version = ask("PRAGMA user_version");
-    if (result == SQLITE_OK && application != std::to_string(settingsApplicationID)) {
+    if (result != SQLITE_OK) {
+        return {stateFor(result), connection_.message()};
+    }
+    if (application != std::to_string(settingsApplicationID)) {
         return {FileState::foreign};
     }
-    if (result == SQLITE_OK && std::stoll(version) > formatVersion) {
-        return {FileState::newer};
+    const long long number = std::stoll(version);
+    return {number > formatVersion   ? FileState::newer
+            : number < formatVersion ? FileState::damaged
+                                     : FileState::usable};
+}
+
+Finding SettingsDatabase::check(const Path& file, Access access) {
+    if (const Finding finding = identify(file, access); finding.state != FileState::usable) {
+        return finding;
     }
-    const std::string check = ask("PRAGMA integrity_check(1)");
-    if (result == SQLITE_OK && (check != "ok" || version != std::to_string(formatVersion))) {
+    std::string integrity;
+    int result = connection_.queryText("PRAGMA integrity_check(1)", integrity);
+    if (result == SQLITE_OK && integrity != "ok") {
         return {FileState::damaged};
     }
     constexpr const char* select = "SELECT kind, value FROM settings WHERE key = ?1";

@@ -86,7 +86,10 @@ public:
     SqliteConnection& connection() { return connection_; }
 
 private:
-    Finding open(const std::filesystem::path& file, SqliteConnection::Access access);
+    /// Opens a file and tells by its two marks whether it is ours, without a look at its content.
+    Finding identify(const std::filesystem::path& file, SqliteConnection::Access access);
+    /// Opens a file, checks all of it and prepares the statements.
+    Finding check(const std::filesystem::path& file, SqliteConnection::Access access);
     int findUnreadableKeys();
 
     SqliteConnection connection_;

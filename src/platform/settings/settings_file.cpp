@@ -26,7 +26,15 @@ Path withSuffix(Path path, const char* suffix) {
     return path += suffix;
 }
 
-constexpr fs::perms accessOfOthers = fs::perms::group_all | fs::perms::others_all;
+/// Leaves a path alone that has none to withdraw.
+void withdraw(const Path& path) {
+    constexpr fs::perms accessOfOthers = fs::perms::group_all | fs::perms::others_all;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (fs::exists(status) && (status.permissions() & accessOfOthers) != fs::perms::none) {
+        fs::permissions(path, accessOfOthers, fs::perm_options::remove, error);
+    }
+}
 
 }  // namespace
 
@@ -45,7 +53,7 @@ std::error_code prepareFolder(const Path& folder) {
     if (!fs::is_directory(folder, error)) {
         return std::make_error_code(std::errc::not_a_directory);
     }
-    fs::permissions(folder, accessOfOthers, fs::perm_options::remove, error);
+    withdraw(folder);
     return {};
 }
 
@@ -102,9 +110,7 @@ void remove(const Path& file) {
 
 void withdrawAccessOfOthers(const Path& file) {
     for (const char* suffix : suffixes) {
-        std::error_code ignored;
-        fs::permissions(withSuffix(file, suffix), accessOfOthers, fs::perm_options::remove,
-                        ignored);
+        withdraw(withSuffix(file, suffix));
     }
 }
 

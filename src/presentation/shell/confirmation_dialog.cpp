@@ -1,7 +1,6 @@
 #include "presentation/shell/confirmation_dialog.h"
 
 #include <algorithm>
-#include <utility>
 
 #include <QAccessible>
 #include <QHBoxLayout>

@@ -7,7 +7,6 @@
 
 #include <QMainWindow>
 
-#include "core/observable.h"
 #include "core/routes.h"
 #include "presentation/shell/window_state.h"
 
@@ -16,7 +15,6 @@ class QStackedLayout;
 
 namespace tallowcrest {
 
-class MainQueue;
 class OperationTargetBar;
 class PageHeader;
 class Screen;

@@ -11,7 +11,6 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/menu_bar_row.h"

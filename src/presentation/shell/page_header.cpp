@@ -19,7 +19,6 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "reports/reports.h"
-#include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
 

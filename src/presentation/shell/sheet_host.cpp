@@ -6,6 +6,8 @@
 
 #include <QKeyEvent>
 
+#include "presentation/widgets/arrange_now.h"
+
 namespace tallowcrest {
 
 Sheet::Sheet(QWidget* window) : WindowDialog(window) {}
@@ -56,6 +58,7 @@ void SheetHost::update(Kept& kept) {
     }
     if (kept.isOpen()) {
         kept.dialog->refresh();
+        arrangeNow(*kept.dialog);
         emit refreshed(kept.dialog);
     }
     if (kept.isOpen() && !kept.entry.isWanted()) {

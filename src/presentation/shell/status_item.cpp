@@ -2,7 +2,6 @@
 
 #include <QCursor>
 
-#include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"

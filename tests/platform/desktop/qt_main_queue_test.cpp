@@ -1,7 +1,6 @@
 #include "platform/desktop/qt_main_queue.h"
 
 #include <memory>
-#include <optional>
 #include <thread>
 #include <vector>
 

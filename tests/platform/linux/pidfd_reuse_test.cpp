@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <string>
 

@@ -8,7 +8,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -19,9 +18,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <new>
-#include <optional>
 #include <set>
 #include <string>
 #include <thread>

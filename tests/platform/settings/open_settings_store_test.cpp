@@ -296,6 +296,19 @@ TEST_F(OpenSettingsStore, ReadingCreatesNothing) {
     EXPECT_THAT(readSettingsStore({}).problems, IsEmpty());
 }
 
+TEST_F(OpenSettingsStore, ReadingLeavesOutTheGivenKeys) {
+    makeStored();
+    const OpenedStore all = readSettingsStore(file);
+    const OpenedStore some = readSettingsStore(file, {keys::thresholdKey, keys::historyKey});
+    EXPECT_THAT(some.problems, IsEmpty());
+    ASSERT_NE(all.store->read(keys::thresholdKey), std::nullopt);
+    for (const settings_keys::Key& key : settings_keys::all) {
+        const bool isLeftOut = key.name == keys::thresholdKey || key.name == keys::historyKey;
+        EXPECT_EQ(some.store->read(key.name), isLeftOut ? std::nullopt : all.store->read(key.name))
+            << key.name;
+    }
+}
+
 TEST_F(OpenSettingsStore, ReadingFindsWhatIsStoredAndChangesNothing) {
     makeStored();
     fs::permissions(file, fs::perms(0644));

@@ -3,10 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <map>
-#include <optional>
 #include <random>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>

@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 

@@ -1,7 +1,5 @@
 #include "presentation/shell/sheet_host.h"
 
-#include <memory>
-
 #include <QAction>
 #include <QApplication>
 #include <QPushButton>

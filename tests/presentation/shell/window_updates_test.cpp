@@ -1,8 +1,9 @@
+#include <array>
 #include <functional>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -13,10 +14,6 @@
 #include "actions/review_target.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
-#include "presentation/screens/history/history_page.h"
-#include "presentation/screens/load/processes_page.h"
-#include "presentation/screens/optimize/cleanup_page.h"
-#include "presentation/screens/overview/overview_page.h"
 #include "presentation/screens/screen.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
@@ -29,6 +26,7 @@
 namespace tallowcrest {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -203,15 +201,13 @@ TEST_F(WindowUpdatesTest, ACheckByDiskAutopilotIsShownBeforeTheNextSample) {
     EXPECT_TRUE(strip().contains(u"Last checked "_s));
 }
 
-TEST_F(WindowUpdatesTest, ARefusedSwitchSpringsBack) {
+TEST_F(WindowUpdatesTest, AnotherRouteRefreshesItsPageOnce) {
     showWithSample();
-    goTo(AppRoute::history);
-    machine.monitor().automation().engageEmergencyStop();
-    settle();
-    click("history.automation.auto-purge");
-    EXPECT_EQ(lastAction(), "Auto-purge remains off while Emergency Stop is engaged.");
-    EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
-    EXPECT_EQ(textOf("status.last-action"), QString::fromStdString(lastAction()));
+    for (const AppRoute route : {AppRoute::load, AppRoute::overview, AppRoute::history}) {
+        EXPECT_THAT(refreshesBy([&] { window().state().navigation.setSelectedRoute(route); }),
+                    Contains(Pair("page", 1)))
+            << title(route);
+    }
 }
 
 TEST_F(WindowUpdatesTest, NothingOfAMinimisedWindowIsRefreshedUntilItIsSeenAgain) {

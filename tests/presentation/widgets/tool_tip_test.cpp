@@ -1,7 +1,5 @@
 #include "presentation/widgets/tool_tip.h"
 
-#include <memory>
-
 #include <QApplication>
 #include <QImage>
 #include <QLabel>

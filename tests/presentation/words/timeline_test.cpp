@@ -1,6 +1,7 @@
 #include "presentation/words/timeline.h"
 
 #include <limits>
+#include <source_location>
 
 #include <gmock/gmock.h>
 
@@ -93,7 +94,9 @@ TEST(SessionSeconds, AreAtMostTheLongestSession) {
 }
 
 void expectFractions(std::initializer_list<double> events, std::initializer_list<double> history,
-                     double now, const std::vector<double>& expected, double tolerance = 1e-12) {
+                     double now, const std::vector<double>& expected, double tolerance = 1e-12,
+                     std::source_location row = std::source_location::current()) {
+    const testing::ScopedTrace trace(row.file_name(), static_cast<int>(row.line()), "row");
     EXPECT_THAT(eventFractions(eventsAt(events), historyAt(history), after(now)),
                 Pointwise(DoubleNear(tolerance), expected));
 }

@@ -90,8 +90,7 @@ Offender offender(const OffenderFacts& facts) {
         .helpers = group ? helperProcesses(facts.latestProcesses, facts.impactOrder, *group)
                          : std::vector<ProcessSample>(),
         // Another process may have the PID of the one that was selected.
-        .selectedPID = row != nullptr ? facts.selectedPID : std::nullopt,
-        .protectedAppNames = facts.protectedAppNames};
+        .selectedPID = row != nullptr ? facts.selectedPID : std::nullopt};
     return {heading(summary.title),
             row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
             std::move(target)};

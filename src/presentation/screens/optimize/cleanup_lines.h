@@ -53,7 +53,6 @@ struct Target {
     bool isNeverQuit = false;          ///< whether the group is on that list
     std::vector<ProcessSample> helpers;
     std::optional<std::int64_t> selectedPID;  ///< absent when the process is not in the sample
-    ProtectedAppNames protectedAppNames;
 };
 
 /// What the card of the process under review shows.

@@ -1,6 +1,5 @@
 #include "presentation/screens/optimize/cleanup_page.h"
 
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "actions/automation.h"
@@ -17,7 +16,6 @@
 #include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/shell/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
-#include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
 
@@ -86,7 +84,8 @@ void CleanupPage::refresh() {
                                  .snapshot = sample.snapshot(),
                                  .latestProcesses = sample.latestProcesses(),
                                  .impactOrder = sample.impactOrder(),
-                                 .protectedAppNames = monitor_.settings().protectedAppNames}));
+                                 .protectedAppNames = monitor_.settings().protectedAppNames}),
+        monitor_.settings().protectedAppNames);
 }
 
 }  // namespace tallowcrest

@@ -114,21 +114,24 @@ QWidget* OffenderCard::makeHelpers() {
     return helpers;
 }
 
-void OffenderCard::show(const cleanup_lines::Offender& offender) {
+void OffenderCard::show(cleanup_lines::Offender offender,
+                        const ProtectedAppNames& protectedAppNames) {
+    const bool hasTarget = offender.target.has_value();
     setHeader(u"scope"_s, offender.heading);
     explanation_->setText(offender.explanation);
-    explanation_->setColor(offender.target ? &CrestTheme::text : &CrestTheme::secondaryText);
-    if (offender.target) {
-        showTarget(*offender.target);
+    explanation_->setColor(hasTarget ? &CrestTheme::text : &CrestTheme::secondaryText);
+    model_.setProtectedAppNames(protectedAppNames);
+    if (hasTarget) {
+        showTarget(*std::move(offender.target));
     } else {
         shownGroup_.reset();
         model_.setRows({});
     }
-    target_->setVisible(offender.target.has_value());
+    target_->setVisible(hasTarget);
 }
 
-void OffenderCard::showTarget(const cleanup_lines::Target& target) {
-    shownGroup_ = target.group;
+void OffenderCard::showTarget(cleanup_lines::Target target) {
+    shownGroup_ = std::move(target.group);
     group_->setValue(target.groupCard.value);
     group_->setDetail(target.groupCard.detail);
     risk_->setValue(target.risk);
@@ -136,7 +139,7 @@ void OffenderCard::showTarget(const cleanup_lines::Target& target) {
     if (shownGroup_) {
         showNeverQuit(target.isNeverQuit);
     }
-    showHelpers(target);
+    showHelpers(std::move(target.helpers), target.selectedPID);
 }
 
 void OffenderCard::showNeverQuit(bool isOn) {
@@ -155,12 +158,12 @@ void OffenderCard::showNeverQuit(bool isOn) {
     neverQuit_->setToolTip(act);
 }
 
-void OffenderCard::showHelpers(const cleanup_lines::Target& target) {
-    model_.setProtectedAppNames(target.protectedAppNames);
-    if (target.helpers != model_.rows()) {
-        model_.setRows(target.helpers);
+void OffenderCard::showHelpers(std::vector<ProcessSample> helpers,
+                               std::optional<std::int64_t> selectedPID) {
+    if (helpers != model_.rows()) {
+        model_.setRows(std::move(helpers));
     }
-    model_.setSelectedPID(target.selectedPID);
+    model_.setSelectedPID(selectedPID);
     noHelpers_->setVisible(model_.rows().empty());
     table_->setVisible(!model_.rows().empty());
     fitTable();

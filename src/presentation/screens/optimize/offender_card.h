@@ -11,7 +11,6 @@ class QPushButton;
 
 namespace tallowcrest {
 
-class CardGrid;
 class ProcessTableView;
 class SummaryCard;
 
@@ -27,8 +26,9 @@ class OffenderCard final : public Card {
 public:
     explicit OffenderCard(ProtectionPolicy policy, QWidget* parent = nullptr);
 
-    /// Without a target, only the heading and the explanation are shown.
-    void show(const cleanup_lines::Offender& offender);
+    /// Without a target, only the heading and the explanation are shown. The processes of groups
+    /// named in `protectedAppNames` are shown as protected.
+    void show(cleanup_lines::Offender offender, const ProtectedAppNames& protectedAppNames);
 
 signals:
     /// The owner asked to review this process of the group.
@@ -43,9 +43,9 @@ private:
     QWidget* makeCards();
     QPushButton* makeNeverQuit();
     QWidget* makeHelpers();
-    void showTarget(const cleanup_lines::Target& target);
+    void showTarget(cleanup_lines::Target target);
     void showNeverQuit(bool isOn);
-    void showHelpers(const cleanup_lines::Target& target);
+    void showHelpers(std::vector<ProcessSample> helpers, std::optional<std::int64_t> selectedPID);
     void fitTable();
 
     ProcessTableModel model_;

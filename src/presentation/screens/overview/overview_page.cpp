@@ -1,6 +1,5 @@
 #include "presentation/screens/overview/overview_page.h"
 
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "actions/automation.h"
@@ -21,7 +20,6 @@
 #include "presentation/screens/review_process.h"
 #include "presentation/shell/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
-#include "presentation/widgets/theme.h"
 #include "presentation/widgets/two_columns.h"
 #include "sampling/latest_sample.h"
 

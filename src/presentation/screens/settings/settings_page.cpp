@@ -1,7 +1,6 @@
 #include "presentation/screens/settings/settings_page.h"
 
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "actions/automation.h"

@@ -10,7 +10,6 @@
 #include "sampling/protection.h"
 
 class QPushButton;
-class QVBoxLayout;
 
 namespace tallowcrest {
 

@@ -145,6 +145,7 @@ TEST_F(HistoryPageTest, TheAutomationBlockSwitchesTheRules) {
     EXPECT_FALSE(machine.monitor().settings().autoPurgeSustainedMemory);
     EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
     EXPECT_EQ(lastAction(), "Auto-purge remains off while Emergency Stop is engaged.");
+    EXPECT_EQ(textOf("status.last-action"), QString::fromStdString(lastAction()));
 }
 
 TEST_F(HistoryPageTest, EachSwitchSetsItsFieldAtOnceAndStoresIt) {

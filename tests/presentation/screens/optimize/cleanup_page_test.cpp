@@ -178,13 +178,6 @@ TEST_F(CleanupPageTest, TabFollowsTheVisualOrder) {
               "cleanup.helpers"_s);
 }
 
-TEST_F(CleanupPageTest, TheActionsWorkByKeyboard) {
-    showCleanup();
-    visible("cleanup.select-top-app")->setFocus(Qt::TabFocusReason);
-    press(Qt::Key_Space);
-    EXPECT_EQ(selectedPID(), 800);
-}
-
 class CleanupPageAtWidth : public CleanupPageTest, public testing::WithParamInterface<int> {};
 
 TEST_P(CleanupPageAtWidth, NoWordIsCutAndNothingOverlaps) {

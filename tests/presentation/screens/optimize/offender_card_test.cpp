@@ -39,8 +39,7 @@ protected:
                     .group = "photo-indexer",
                     .isNeverQuit = false,
                     .helpers = {processRow(800, "/usr/bin/photo-indexer", 130.0, 2048.4)},
-                    .selectedPID = 800,
-                    .protectedAppNames = {}}};
+                    .selectedPID = 800}};
     }
 
     /// A group of that many processes.
@@ -53,8 +52,8 @@ protected:
         return offender;
     }
 
-    void show(const cleanup_lines::Offender& shown) {
-        card.show(shown);
+    void show(const cleanup_lines::Offender& shown, const ProtectedAppNames& names = {}) {
+        card.show(shown, names);
         QApplication::processEvents();
     }
 
@@ -186,8 +185,7 @@ TEST_F(OffenderCardTest, NeverQuitFollowsTheGroupUnderReview) {
     cleanup_lines::Offender next = offender();
     next.target->group = "Google Chrome";
     next.target->isNeverQuit = true;
-    next.target->protectedAppNames = {"photo-indexer"};
-    show(next);
+    show(next, {"photo-indexer"});
     EXPECT_EQ(neverQuit().text(), u"Never Quit: On"_s);
     EXPECT_EQ(neverQuit().accessibleName(), u"Never Quit Google Chrome"_s);
     EXPECT_TRUE(neverQuit().isChecked());

@@ -44,6 +44,8 @@ TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
         words.append(tab->text());
     }
     EXPECT_EQ(words.join(u'|'), u"Remote|Local Mac|Automation|Safety"_s);
+    EXPECT_EQ(strip().accessibleName(), u"Settings"_s);
+    EXPECT_EQ(strip().accessibleDescription(), u"The parts of the settings"_s);
     EXPECT_EQ(sheet().windowModality(), Qt::WindowModal);
     EXPECT_EQ(sheet().accessibleName(), u"Settings"_s);
 }

@@ -155,7 +155,7 @@ TEST_F(SettingsWiringTest, SafetyResumesFromTheStopOfAnEarlierRun) {
     click("settings.emergency-stop.resume");
     EXPECT_FALSE(settings().automationEmergencyStopEngaged);
     EXPECT_EQ(stored(settings_keys::automationEmergencyStopKey), SettingsValue(false));
-    EXPECT_FALSE(settings().autoSelectTopOffender && settings().diskAutopilotEnabled);
+    EXPECT_FALSE(settings().autoSelectTopOffender);
     EXPECT_NE(visible("settings.emergency-stop.engage"), nullptr);
     EXPECT_EQ(lastActionText(), u"Emergency stop cleared; automations remain off."_s);
 }
