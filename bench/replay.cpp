@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "tests/support/file_text.h"
 
@@ -49,8 +50,8 @@ int run(const LoadTrace& trace) {
         events["Scan of other machines"].add(now());
     };
     SystemMonitor& monitor = machine.monitor();
-    monitor.automation().set(AutomationSwitch::autoScanRemoteMacs, true);
-    monitor.automation().set(AutomationSwitch::autoPurgeSustainedMemory, true);
+    monitor.actions().automation.set(AutomationSwitch::autoScanRemoteMacs, true);
+    monitor.actions().automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
     LogNews news(machine);
     news.take();
     const auto began = std::chrono::steady_clock::now();

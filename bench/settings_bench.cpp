@@ -15,7 +15,7 @@
 #include "core/history_encoder.h"
 #include "core/locale.h"
 #include "core/record_json.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/system_clock.h"
@@ -155,16 +155,17 @@ void constructMonitorOnFullStore(benchmark::State& state) {
         ManualMainQueue mainQueue;
         ManualWorkQueue workQueue;
         Jobs jobs(mainQueue, workQueue);
-        SystemMonitor monitor(MonitorPorts{.jobs = jobs,
-                                           .clock = clock,
-                                           .settingsStore = file.store(),
-                                           .metrics = std::make_shared<FakeMetricsReader>(),
-                                           .ticks = std::make_shared<FakeTickSource>(),
-                                           .locale = std::make_shared<PlainLocale>(),
-                                           .actions = {FakeLocalActions().ports(), {}, {}},
-                                           .reportFolder = std::make_shared<FakeReportFolder>(),
-                                           .utcOffset = atGreenwich},
-                              HostFacts{.cpuCount = 4, .protection = {}, .loginName = "owner"});
+        SystemMonitor monitor(
+            MonitorPorts{.mainQueue = mainQueue,
+                         .jobs = jobs,
+                         .clock = clock,
+                         .settingsStore = file.store(),
+                         .metrics = std::make_shared<FakeMetricsReader>(),
+                         .ticks = std::make_shared<FakeTickSource>(),
+                         .locale = std::make_shared<PlainLocale>(),
+                         .actions = {FakeLocalActions().ports(), {}},
+                         .reports = {std::make_shared<FakeReportFolder>(), atGreenwich}},
+            HostFacts{.cpuCount = 4, .protection = {}, .loginName = "owner"});
         if (monitor.sample().history().size() != 720) {
             state.SkipWithError("the history was not loaded");
             break;

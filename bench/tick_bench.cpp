@@ -67,15 +67,15 @@ std::shared_ptr<const Locale> americanEnglish() {
 class Bench {
 public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
-        : monitor_(MonitorPorts{.jobs = jobs_,
+        : monitor_(MonitorPorts{.mainQueue = mainQueue_,
+                                .jobs = jobs_,
                                 .clock = clock_,
                                 .settingsStore = store_,
                                 .metrics = std::move(metrics),
                                 .ticks = std::move(ticks),
                                 .locale = americanEnglish(),
-                                .actions = {FakeLocalActions().ports(), {}, {}},
-                                .reportFolder = std::make_shared<FakeReportFolder>(),
-                                .utcOffset = atGreenwich},
+                                .actions = {FakeLocalActions().ports(), {}},
+                                .reports = {std::make_shared<FakeReportFolder>(), atGreenwich}},
                    HostFacts{.cpuCount = inputs().cpuCount,
                              .protection = inputs().protection,
                              .loginName = {}}) {

@@ -46,6 +46,9 @@ function(tallowcrest_test name)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
         tallowcrest_precompile(${name} test)
     endif()
+    # Most of the time of compiling a test goes into headers and into instances of the same
+    # templates: several files are compiled as one.
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 5)
     if(TEST_LABEL STREQUAL "unit")
         add_dependencies(unit_tests ${name})
     endif()

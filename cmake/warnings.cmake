@@ -29,6 +29,7 @@ if(TALLOWCREST_SANITIZE)
     endif()
 endif()
 
-# Tests are usually built and run once, so optimising them costs more time than it saves.
+# Tests are usually built and run once, so optimising them costs more time than it saves. Files of
+# one program are compiled together: a local name may be that of a function of another file.
 add_library(tallowcrest_test_options INTERFACE)
-target_compile_options(tallowcrest_test_options INTERFACE -O0)
+target_compile_options(tallowcrest_test_options INTERFACE -O0 -Wno-shadow)

@@ -17,15 +17,20 @@ struct LocalActionPorts {
     std::shared_ptr<CachePurge> cachePurge;      ///< never null
 };
 
-/// The ports of `Actions`.
-struct ActionPorts {
-    LocalActionPorts local;
+/// What the actions need of a desktop.
+struct DesktopActionPorts {
     /// Opens the system's own process viewer; false when none could be opened. Absent without a
     /// desktop. Main thread.
     std::function<bool()> openActivityMonitor;
     /// Replaces the content of the desktop's clipboard with a plain text. Absent without a desktop.
     /// Main thread.
     std::function<void(const std::string& text)> storeOnPasteboard;
+};
+
+/// The ports of `Actions`.
+struct ActionPorts {
+    LocalActionPorts local;
+    DesktopActionPorts desktop;
 };
 
 }  // namespace tallowcrest

@@ -6,12 +6,10 @@ namespace tallowcrest {
 
 Actions::Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,
                  std::function<void()> refresh, ActionPorts ports)
-    : confirmations(services.log, services.mainQueue),
-      review(services, sample, protection),
-      local({services, sample, review, confirmations, protection, std::move(refresh),
-             std::move(ports.local)}),
+    : review(services, sample, protection),
+      local({services, sample, review, protection, std::move(refresh), std::move(ports.local)}),
       automation(services),
-      applications(services.log, std::move(ports.openActivityMonitor)),
-      pasteboard(services.log, std::move(ports.storeOnPasteboard)) {}
+      applications(services.log, std::move(ports.desktop.openActivityMonitor)),
+      pasteboard(services.log, std::move(ports.desktop.storeOnPasteboard)) {}
 
 }  // namespace tallowcrest

@@ -4,10 +4,8 @@
 
 #include "actions/action_ports.h"
 #include "actions/automation.h"
-#include "actions/confirmation_desk.h"
-#include "actions/external_applications.h"
+#include "actions/desktop_actions.h"
 #include "actions/local_actions.h"
-#include "actions/pasteboard.h"
 #include "actions/review_target.h"
 #include "core/services.h"
 
@@ -19,7 +17,6 @@ struct Actions {
     Actions(const Services& services, LatestSample& sample, ProtectionPolicy protection,
             std::function<void()> refresh, ActionPorts ports);
 
-    ConfirmationDesk confirmations;
     ReviewTarget review;
     LocalActions local;
     Automation automation;

@@ -70,7 +70,6 @@ public:
 
     /// The status line of Disk Autopilot.
     const std::string& diskAutopilotStatus() const { return diskAutopilotStatus_; }
-    void setDiskAutopilotStatus(std::string status);
 
     /// Notifies of a changed `diskAutopilotStatus`. The switches, the mode and the stop are
     /// settings.
@@ -79,6 +78,7 @@ public:
 private:
     /// Switches off, in memory and in the store, everything that the stop holds back.
     void switchOffHeldBack();
+    void setDiskAutopilotStatus(std::string status);
 
     ActivityLog& log_;
     SettingsOwner& settings_;

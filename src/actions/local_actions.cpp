@@ -8,12 +8,12 @@
 #include "actions/app_group.h"
 #include "actions/cache_purge.h"
 #include "actions/command_validators.h"
-#include "actions/confirmation_desk.h"
 #include "actions/graceful_quit.h"
 #include "actions/local_requests.h"
 #include "actions/process_control.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "sampling/latest_sample.h"
@@ -36,33 +36,32 @@ std::vector<std::string> distinctPaths(const std::vector<ProcessSample>& rows) {
 }  // namespace
 
 LocalActions::LocalActions(Dependencies dependencies)
-    : with_(std::move(dependencies)),
-      observable_(std::make_unique<Observable>(with_.services.mainQueue)),
-      jobs_(with_.services.jobs) {
-    with_.confirmations.registerKind(
+    : dependencies_(std::move(dependencies)),
+      observable_(std::make_unique<Observable>(dependencies_.services.mainQueue)),
+      jobs_(dependencies_.services.jobs) {
+    dependencies_.services.confirmations.registerKind(
         std::string(local_requests::quitProcessKind),
-        {[this](const ConfirmationRequest& request) { quitProcess(request); },
-         [this](const ConfirmationRequest&) { reviewed_ = {}; }});
-    with_.confirmations.registerKind(std::string(local_requests::quitAppKind),
-                                     {[this](const ConfirmationRequest& request) {
-                                          if (request.hostName) {
-                                              quitAppGroup(*request.hostName);
-                                          }
-                                      },
-                                      {}});
-    with_.confirmations.registerKind(std::string(local_requests::purgeKind),
-                                     {[this](const ConfirmationRequest&) { runPurge(); }, {}});
+        {[this](const ConfirmationRequest& request) { return quitProcess(request); }, {}});
+    dependencies_.services.confirmations.registerKind(
+        std::string(local_requests::quitAppKind),
+        {[this](const ConfirmationRequest& request) {
+             return request.hostName ? quitAppGroup(*request.hostName) : Outcome::ignored();
+         },
+         {}});
+    dependencies_.services.confirmations.registerKind(
+        std::string(local_requests::purgeKind),
+        {[this](const ConfirmationRequest&) { return runPurge(); }, {}});
 }
 
 LocalActions::~LocalActions() = default;
 
 Outcome LocalActions::requestQuitSelectedProcess() {
-    const std::optional<std::int64_t> pid = with_.review.selectedPID();
+    const std::optional<std::int64_t> pid = dependencies_.review.selectedPID();
     if (!pid) {
         return record(Outcome::refused("Select a process first."));
     }
-    const ProcessSample* row = with_.review.selectedRow();
-    if (row != nullptr && with_.review.isProtectedTarget(*row)) {
+    const ProcessSample* row = dependencies_.review.selectedRow();
+    if (row != nullptr && dependencies_.review.isProtectedTarget(*row)) {
         return record(Outcome::refused(
             fmt::format("Refused to quit protected process {}.", row->displayName())));
     }
@@ -70,57 +69,59 @@ Outcome LocalActions::requestQuitSelectedProcess() {
         row != nullptr ? std::string(row->displayName()) : fmt::format("process {}", *pid);
     ConfirmationRequest request = local_requests::quitProcess(name, *pid);
     // If the process is no longer in the table, the path and start time of the reviewed row.
-    const std::string& path = row != nullptr ? row->command : with_.review.selectedCommand();
+    const std::string& path =
+        row != nullptr ? row->command : dependencies_.review.selectedCommand();
     const std::uint64_t startTime =
-        row != nullptr ? row->startTime : with_.review.selectedStartTime();
+        row != nullptr ? row->startTime : dependencies_.review.selectedStartTime();
     // The process is no longer in the table and its start time was never known, so its pid may
     // belong to another process by now.
-    const bool isUnidentifiable = row == nullptr && startTime == 0 && !path.empty();
-    reviewed_ = {request.id, nullptr};
+    const bool isUnidentifiable =
+        row == nullptr && startTime == 0 && dependencies_.review.hasKnownSelectedRow();
+    std::shared_ptr<HeldProcess> process;
     if (CommandSafetyPolicy::validatedPID(*pid) && !isUnidentifiable) {
         // With a start time of 0 this holds whichever process has the pid now: the row had no start
         // time, or there never was a row.
-        reviewed_.process = with_.ports.processes->hold(*pid, startTime);
+        process = dependencies_.ports.processes->hold(*pid, startTime);
     }
-    with_.confirmations.requestConfirmation(
-        std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path});
-    with_.review.setOptimizeStep(local_requests::quitProcessStep(name));
+    reviewed_ = process;
+    dependencies_.services.confirmations.requestConfirmation(
+        std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path},
+        std::move(process));
+    dependencies_.review.setOptimizeStep(local_requests::quitProcessStep(name));
     return Outcome::asked();
 }
 
-void LocalActions::quitProcess(const ConfirmationRequest& request) {
+Outcome LocalActions::quitProcess(const ConfirmationRequest& request) {
     if (!request.pid) {
-        return;
+        return Outcome::ignored();
     }
     const std::int64_t pid = *request.pid;
-    Reviewed reviewed = std::exchange(reviewed_, {});
-    if (reviewed.request != request.id || reviewed.process == nullptr) {
-        record(Outcome::refused(invalidRequest));
-        return;
+    const std::shared_ptr<HeldProcess> process = reviewed_.lock();
+    if (process == nullptr) {
+        return record(Outcome::refused(invalidRequest));
     }
-    const TerminationResult result = reviewed.process->terminate();
+    const TerminationResult result = process->terminate();
     switch (result.outcome) {
         case TerminationResult::Outcome::blocked:
-            record(Outcome::refused(invalidRequest));
-            return;
+            return record(Outcome::refused(invalidRequest));
         case TerminationResult::Outcome::failed:
-            record(
+            return record(
                 Outcome::failed(fmt::format("Could not quit process {}: {}", pid, result.error)));
-            return;
         case TerminationResult::Outcome::asked:
-            record(Outcome::done(fmt::format("Asked process {} to quit.", pid)));
-            break;
         case TerminationResult::Outcome::refused:
-            record(Outcome::failed(
-                fmt::format("Could not quit process {}. It may be protected.", pid)));
             break;
     }
-    with_.refresh();
+    Outcome outcome = record(
+        result.outcome == TerminationResult::Outcome::asked
+            ? Outcome::done(fmt::format("Asked process {} to quit.", pid))
+            : Outcome::failed(fmt::format("Could not quit process {}. It may be protected.", pid)));
+    dependencies_.refresh();
+    return outcome;
 }
 
 Outcome LocalActions::requestQuitSelectedApp() {
-    std::optional<std::string> group = with_.review.selectedAppImpactName();
-    const auto& snapshot = with_.sample.snapshot();
+    std::optional<std::string> group = dependencies_.review.selectedAppImpactName();
+    const auto& snapshot = dependencies_.sample.snapshot();
     if (!group && snapshot && !snapshot->appImpacts.empty()) {
         group = snapshot->appImpacts.front().name;
     }
@@ -131,97 +132,98 @@ Outcome LocalActions::requestQuitSelectedApp() {
         return record(
             Outcome::refused(fmt::format("Refused to quit protected app group {}.", *group)));
     }
-    const std::vector<ProcessSample> members =
-        visibleMembers(with_.sample.latestProcesses(), *group, neverQuit(), with_.protection);
+    const std::vector<ProcessSample> members = visibleMembers(
+        dependencies_.sample.latestProcesses(), *group, neverQuit(), dependencies_.protection);
     if (members.empty()) {
         return record(Outcome::refused(fmt::format("No visible processes found for {}.", *group)));
     }
-    with_.confirmations.requestConfirmation(local_requests::quitApp(*group),
-                                            distinctPaths(members));
-    with_.review.setOptimizeStep(local_requests::quitAppStep(*group));
+    dependencies_.services.confirmations.requestConfirmation(local_requests::quitApp(*group),
+                                                             distinctPaths(members));
+    dependencies_.review.setOptimizeStep(local_requests::quitAppStep(*group));
     return Outcome::asked();
 }
 
-void LocalActions::quitAppGroup(const std::string& group) {
+Outcome LocalActions::quitAppGroup(const std::string& group) {
     const auto [entry, isNew] = membersOfAskedGroups_.try_emplace(group);
     if (!isNew) {
         // Asked a second time, the application may have closed its windows already, and would get
         // TERM while it is still saving.
-        record(Outcome::refused(fmt::format("{} is still being asked to quit.", group)));
-        return;
+        return record(Outcome::refused(fmt::format("{} is still being asked to quit.", group)));
     }
     entry->second = membersForTerm(group);
-    if (with_.ports.gracefulQuit == nullptr) {
-        finishAppGroup(group, false);
-        return;
+    if (dependencies_.ports.gracefulQuit == nullptr) {
+        return finishAppGroup(group, false);
     }
     // A group that was put on the Never Quit list meanwhile is still asked, because the owner
     // confirmed it by its name, but its processes get no TERM.
     std::vector<ProcessSample> members =
-        visibleMembers(with_.sample.latestProcesses(), group, {}, with_.protection);
+        visibleMembers(dependencies_.sample.latestProcesses(), group, {}, dependencies_.protection);
     // In the background, because an application may take long to answer.
     jobs_.run(
         Lane::actions,
-        [quit = with_.ports.gracefulQuit, group, members = std::move(members)](const Stop&) {
-            return quit->gracefulAppQuit(group, members);
-        },
+        [quit = dependencies_.ports.gracefulQuit, group, members = std::move(members)](
+            const Stop&) { return quit->gracefulAppQuit(group, members); },
         [this, group](bool wasAsked) { finishAppGroup(group, wasAsked); });
+    return Outcome::asked();
 }
 
 std::vector<LocalActions::GroupMember> LocalActions::membersForTerm(const std::string& group) {
     std::vector<GroupMember> result;
     // From the current rows, because those shown with the request may have ended.
-    for (ProcessSample& row :
-         visibleMembers(with_.sample.latestProcesses(), group, neverQuit(), with_.protection)) {
+    for (ProcessSample& row : visibleMembers(dependencies_.sample.latestProcesses(), group,
+                                             neverQuit(), dependencies_.protection)) {
         if (CommandSafetyPolicy::validatedPID(row.pid)) {
             // A pid may be reused while the application is asked. Only processes without a start
             // time, which nothing else identifies, are held: a group may have hundreds of members,
             // and each hold may take a descriptor.
-            auto process = row.startTime == 0 ? with_.ports.processes->hold(row.pid, 0) : nullptr;
+            auto process =
+                row.startTime == 0 ? dependencies_.ports.processes->hold(row.pid, 0) : nullptr;
             result.push_back({std::move(row), std::move(process)});
         }
     }
     return result;
 }
 
-void LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefully) {
+Outcome LocalActions::finishAppGroup(const std::string& group, bool wasAskedGracefully) {
     std::vector<GroupMember> members = std::move(membersOfAskedGroups_[group]);
     membersOfAskedGroups_.erase(group);
-    if (wasAskedGracefully) {
-        record(Outcome::done(fmt::format("Asked {} to quit gracefully.", group)));
-    } else {
+    if (!wasAskedGracefully) {
         for (GroupMember& member : members) {
             // The Never Quit list may have changed while the application was asked.
-            if (!isSafeTarget(member.row, neverQuit(), with_.protection)) {
+            if (!isSafeTarget(member.row, neverQuit(), dependencies_.protection)) {
                 continue;
             }
             const auto process =
                 member.process != nullptr
                     ? std::move(member.process)
-                    : with_.ports.processes->hold(member.row.pid, member.row.startTime);
+                    : dependencies_.ports.processes->hold(member.row.pid, member.row.startTime);
             // The result is ignored: a process that was not signalled stays in the next sample.
             process->terminate();
         }
-        record(Outcome::done(fmt::format("Asked {}'s visible processes to quit.", group)));
     }
-    with_.refresh();
+    Outcome outcome = record(Outcome::done(
+        wasAskedGracefully ? fmt::format("Asked {} to quit gracefully.", group)
+                           : fmt::format("Asked {}'s visible processes to quit.", group)));
+    dependencies_.refresh();
+    return outcome;
 }
 
 Outcome LocalActions::requestPurge() {
-    with_.confirmations.requestConfirmation(local_requests::purge());
-    with_.review.setOptimizeStep(local_requests::purgeStep());
+    dependencies_.services.confirmations.requestConfirmation(local_requests::purge());
+    dependencies_.review.setOptimizeStep(local_requests::purgeStep());
     return Outcome::asked();
 }
 
-void LocalActions::runPurge() {
+Outcome LocalActions::runPurge() {
     if (std::exchange(isPurging_, true)) {
-        record(Outcome::refused("File caches are being purged already."));
-        return;
+        return record(Outcome::refused("File caches are being purged already."));
     }
     observable_->changed();
     jobs_.run(
-        Lane::actions, [purge = with_.ports.cachePurge](const Stop&) { return purge->purge(); },
+        Lane::actions,
+        [purge = dependencies_.ports.cachePurge](const Stop&) { return purge->purge(); },
         [this](const PurgeResult& result) { finishPurge(result); });
+    return Outcome::asked();
 }
 
 void LocalActions::finishPurge(const PurgeResult& result) {
@@ -242,21 +244,22 @@ void LocalActions::finishPurge(const PurgeResult& result) {
             record(Outcome::failed("Purge was blocked by macOS."));
             break;
     }
-    with_.refresh();
+    dependencies_.refresh();
 }
 
 Outcome LocalActions::optimizeSafely() {
-    const auto& snapshot = with_.sample.snapshot();
+    const auto& snapshot = dependencies_.sample.snapshot();
     if (!snapshot) {
         return record(Outcome::refused("No sample is available yet."));
     }
-    const AppImpact* target = firstSafeGroup(snapshot->appImpacts, with_.sample.latestProcesses(),
-                                             neverQuit(), with_.protection);
+    const AppImpact* target =
+        firstSafeGroup(snapshot->appImpacts, dependencies_.sample.latestProcesses(), neverQuit(),
+                       dependencies_.protection);
     if (target != nullptr) {
-        with_.review.setTarget(*target->topPID, target->name);
+        dependencies_.review.setTarget(*target->topPID, target->name);
     }
     const bool purges =
-        with_.services.settings.values().warningThreshold <= snapshot->memory.pressure;
+        dependencies_.services.settings.values().warningThreshold <= snapshot->memory.pressure;
     if (purges) {
         requestPurge();
     }
@@ -286,23 +289,23 @@ Outcome LocalActions::toggleNeverQuit(const std::string& group) {
 Outcome LocalActions::removeFromNeverQuit(const std::string& group) {
     ProtectedAppNames names = neverQuit();
     if (names.erase(group) == 0) {
-        return Outcome::refused({});
+        return Outcome::ignored();
     }
     return setNeverQuit(std::move(names), fmt::format("{} removed from Never Quit.", group));
 }
 
 Outcome LocalActions::setNeverQuit(ProtectedAppNames names, std::string message) {
-    with_.services.settings.set(&Settings::protectedAppNames, std::move(names));
-    with_.sample.regroup(neverQuit(), with_.protection);
+    dependencies_.services.settings.set(&Settings::protectedAppNames, std::move(names));
+    dependencies_.sample.regroup(neverQuit(), dependencies_.protection);
     return record(Outcome::done(std::move(message)));
 }
 
 const ProtectedAppNames& LocalActions::neverQuit() const {
-    return with_.services.settings.values().protectedAppNames;
+    return dependencies_.services.settings.values().protectedAppNames;
 }
 
 Outcome LocalActions::record(Outcome outcome) const {
-    return with_.services.log.record(std::move(outcome));
+    return dependencies_.services.log.record(std::move(outcome));
 }
 
 }  // namespace tallowcrest

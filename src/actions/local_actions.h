@@ -17,7 +17,6 @@
 
 namespace tallowcrest {
 
-class ConfirmationDesk;
 class HeldProcess;
 class LatestSample;
 class Observable;
@@ -34,7 +33,6 @@ public:
         Services services;
         LatestSample& sample;
         ReviewTarget& review;
-        ConfirmationDesk& confirmations;
         ProtectionPolicy protection;
         /// Takes a new sample, so that lists and recommendations show the effect.
         std::function<void()> refresh;
@@ -65,7 +63,7 @@ public:
     /// Puts a group on the owner's Never Quit list, or takes it off, and regroups the latest sample
     /// at once.
     Outcome toggleNeverQuit(const std::string& group);
-    /// Only takes it off. Refused without words when it is not on the list.
+    /// Only takes it off. Ignored when it is not on the list.
     Outcome removeFromNeverQuit(const std::string& group);
 
     /// Whether a confirmed purge is under way. Another one is refused meanwhile.
@@ -75,14 +73,6 @@ public:
     Observable& observable() { return *observable_; }
 
 private:
-    /// The process of a pending request, held since the request was made.
-    struct Reviewed {
-        UUID request;
-        /// Null for an invalid pid, and for a process that is gone and whose start time was never
-        /// known.
-        std::unique_ptr<HeldProcess> process;
-    };
-
     /// A process that may get TERM when its application could not be asked to quit.
     struct GroupMember {
         ProcessSample row;
@@ -90,20 +80,22 @@ private:
         std::unique_ptr<HeldProcess> process;
     };
 
-    void quitProcess(const ConfirmationRequest& request);
-    void quitAppGroup(const std::string& group);
-    void finishAppGroup(const std::string& group, bool wasAskedGracefully);
+    Outcome quitProcess(const ConfirmationRequest& request);
+    Outcome quitAppGroup(const std::string& group);
+    Outcome finishAppGroup(const std::string& group, bool wasAskedGracefully);
     std::vector<GroupMember> membersForTerm(const std::string& group);
-    void runPurge();
+    Outcome runPurge();
     void finishPurge(const PurgeResult& result);
 
     const ProtectedAppNames& neverQuit() const;
     Outcome setNeverQuit(ProtectedAppNames names, std::string message);
     Outcome record(Outcome outcome) const;
 
-    Dependencies with_;
+    Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;
-    Reviewed reviewed_;
+    /// The process of the pending request, which holds it. Expired when there is none, for an
+    /// invalid pid, and for a process that is gone and whose start time was never known.
+    std::weak_ptr<HeldProcess> reviewed_;
     bool isPurging_ = false;
     std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;
     JobScope jobs_;

@@ -38,6 +38,7 @@ void ReviewTarget::setOptimizeStep(std::string step) {
 void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser) {
     const ProcessSample* row = findProcess(sample_.latestProcesses(), pid);
     selectedPID_ = pid;
+    hasKnownSelectedRow_ = row != nullptr;
     selectedStartTime_ = row == nullptr ? 0 : row->startTime;
     selectedCommand_ = row == nullptr ? std::string() : row->command;
     selectedAppImpactName_ = std::move(groupName);
@@ -48,6 +49,7 @@ void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy c
 void ReviewTarget::selectProcess(const ProcessSample& process) {
     setTarget(process.pid, appGroupName(process));
     // The row that was chosen may be older than the latest sample.
+    hasKnownSelectedRow_ = true;
     selectedStartTime_ = process.startTime;
     selectedCommand_ = process.command;
     setOptimizeStep(fmt::format("2. {} is selected for review from CPU + Memory Processes.",
@@ -64,13 +66,15 @@ Outcome ReviewTarget::selectProcessWithPID(std::int64_t pid) {
 
 Outcome ReviewTarget::selectListed(const ProcessSample* row) {
     if (row == nullptr) {
-        log_.setLastAction("No process is available to select.");
-        return Outcome::refused(log_.lastAction());
+        Outcome outcome = Outcome::refused("No process is available to select.");
+        log_.setLastAction(outcome.message);
+        return outcome;
     }
     selectProcess(*row);
-    log_.setLastAction(fmt::format(
+    Outcome outcome = Outcome::done(fmt::format(
         "Selected {} from CPU + Memory Processes. No action has run yet.", row->displayName()));
-    return Outcome::done(log_.lastAction());
+    log_.setLastAction(outcome.message);
+    return outcome;
 }
 
 Outcome ReviewTarget::selectTopProcess() {
@@ -112,6 +116,7 @@ Outcome ReviewTarget::selectTopApp() {
 
 void ReviewTarget::clearOperationTarget() {
     selectedPID_.reset();
+    hasKnownSelectedRow_ = false;
     selectedStartTime_ = 0;
     selectedCommand_.clear();
     selectedAppImpactName_.reset();

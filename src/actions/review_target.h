@@ -55,6 +55,8 @@ public:
     /// when nothing is selected or the process is not in the table, even if another one has its
     /// pid.
     const ProcessSample* selectedRow() const;
+    /// Whether the selected process had a row when it was selected.
+    bool hasKnownSelectedRow() const { return hasKnownSelectedRow_; }
     /// The start time of the selected process, from its row; 0 when unknown.
     std::uint64_t selectedStartTime() const { return selectedStartTime_; }
     /// The command of the selected process, from its row; empty when unknown.
@@ -84,6 +86,7 @@ public:
     /// Whether the built-in protection or the owner's Never Quit list protects the process.
     bool isProtectedTarget(const ProcessSample& process) const;
 
+    /// Notifies of a changed selection, step and `chosenBy`.
     Observable& observable() { return *observable_; }
 
 private:
@@ -97,6 +100,7 @@ private:
     ProtectionPolicy policy_;
     std::unique_ptr<Observable> observable_;
     std::optional<std::int64_t> selectedPID_;
+    bool hasKnownSelectedRow_ = false;
     std::uint64_t selectedStartTime_ = 0;
     std::string selectedCommand_;
     std::optional<std::string> selectedAppImpactName_;

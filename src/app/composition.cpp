@@ -6,10 +6,11 @@
 #include "actions/cache_purge.h"
 #include "app/console.h"
 #include "core/activity_log.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
+#include "platform/base/environment.h"
+#include "platform/base/local_public_key.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
-#include "platform/icu/utc_offset.h"
 
 namespace tallowcrest {
 namespace {
@@ -30,8 +31,8 @@ OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
 
 }  // namespace
 
-Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
-                         std::vector<std::string> processArguments, DesktopServices desktop)
+Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopServices desktop,
+                         std::function<void()> sampleApplied)
     : workQueue_(host::lowerThreadPriority),
       jobs_(mainQueue, workQueue_),
       ownJobs_(jobs_),
@@ -41,6 +42,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
         complain(printableText(problem).text);
     }
     const MonitorPorts ports{
+        .mainQueue = mainQueue,
         .jobs = jobs_,
         .clock = clock_,
         .settingsStore = *settings_.store,
@@ -53,19 +55,19 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access,
                                                   : nullptr,
                               .cachePurge = std::make_shared<ToolCachePurge>(
                                   host::allowedExecutables(), toolLauncher_, host::purgeTools())},
-                    .openActivityMonitor = std::move(desktop.openActivityMonitor),
-                    .storeOnPasteboard = std::move(desktop.storeOnPasteboard)},
-        .reportFolder = std::make_shared<PosixReportFolder>(host::reportsDirectory,
-                                                            std::move(desktop.revealFile)),
-        .utcOffset = utcOffsetOfThisMachine,
-        .notifications = desktop.notifications,
-        .openRoute = std::move(desktop.openRoute)};
+                    .desktop = std::move(desktop.actions)},
+        .reports = {.folder = std::make_shared<PosixReportFolder>(host::reportsDirectory,
+                                                                  std::move(desktop.revealFile)),
+                    .utcOffset = utcOffsetOfThisMachine},
+        .integration = std::move(desktop.integration),
+        .sampleApplied = std::move(sampleApplied)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),
                                       .protection = host::protectionPolicy(),
                                       .loginName = host::loginName(),
                                       .startupProblems = settings_.problems,
                                       .places = host::places(),
-                                      .findings = {.processArguments = std::move(processArguments)},
+                                      .hasLocalPublicKey =
+                                          localPublicKey(userAccount().homeDirectory).has_value(),
                                       .readOnly = access == SettingsAccess::readOnly});
 }
 

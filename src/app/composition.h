@@ -5,11 +5,9 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "actions/graceful_quit.h"
 #include "core/jobs/jobs.h"
-#include "integration/notification_center.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/report_folder_posix.h"
 #include "platform/base/system_clock.h"
@@ -28,21 +26,20 @@ enum class SettingsAccess {
 /// The services of a desktop. All members are absent where there is none.
 struct DesktopServices {
     std::function<std::shared_ptr<GracefulQuit>(ToolLauncher&)> makeGracefulQuit = {};
-    NotificationCenter* notifications = nullptr;  ///< outlives the composition
+    DesktopActionPorts actions = {};
     PosixReportFolder::Reveal revealFile = {};
-    std::function<bool()> openActivityMonitor = {};
-    std::function<void(const std::string& text)> storeOnPasteboard = {};
-    /// Shows a page in front of all windows.
-    std::function<void(AppRoute)> openRoute = {};
+    IntegrationPorts integration = {};
 };
 
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
     /// When settings cannot be read, and later when they cannot be saved, the problem is printed on
-    /// standard error and recorded by the monitor. `mainQueue` must outlive the object.
-    Composition(MainQueue& mainQueue, SettingsAccess access,
-                std::vector<std::string> processArguments, DesktopServices desktop = {});
+    /// standard error and recorded by the monitor. `sampleApplied` as in `MonitorPorts`.
+    /// `mainQueue` must outlive the object.
+    Composition(
+        MainQueue& mainQueue, SettingsAccess access, DesktopServices desktop = {},
+        std::function<void()> sampleApplied = [] {});
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 

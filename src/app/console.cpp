@@ -40,6 +40,15 @@ bool writeToStandardOutput(std::string_view text) {
     return false;
 }
 
+std::vector<std::string> fatalErrorLines(std::string_view reason, bool isStarting) {
+    const std::string_view firstLine = reason.substr(0, reason.find('\n'));
+    if (!isStarting) {
+        return {fmt::format("fatal error: {}", firstLine)};
+    }
+    return {fmt::format("the window cannot be opened: {}", firstLine),
+            "to sample without a window, try: tallowcrest --headless"};
+}
+
 void complain(std::string_view message) {
     const std::string line = fmt::format("tallowcrest: {}\n", message);
     std::fwrite(line.data(), 1, line.size(), stderr);

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tallowcrest {
 
@@ -21,6 +22,10 @@ PrintableText printableText(std::string_view text,
 /// Writes and flushes. On failure prints the reason on standard error and returns false. Main
 /// thread.
 [[nodiscard]] bool writeToStandardOutput(std::string_view text);
+
+/// What is said when Qt ends the program. While the program starts, the window cannot be opened,
+/// and a hint says what works without one. Pure; any thread.
+std::vector<std::string> fatalErrorLines(std::string_view reason, bool isStarting);
 
 /// Prints one line on standard error, prefixed with the program's name. Failures are ignored.
 void complain(std::string_view message);

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -7,12 +8,16 @@
 #include <vector>
 
 #include <QApplication>
+#include <QObject>
 #include <QPointer>
+#include <QScreen>
+#include <QStyle>
+#include <QtGlobal>
+#include <fmt/format.h>
 
-#include "app/command_line.h"
 #include "app/composition.h"
 #include "app/console.h"
-#include "app/startup_trace.h"
+#include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
 #include "platform/desktop/instance_listener.h"
@@ -46,15 +51,16 @@ StartWarnings& startWarnings() {
     return warnings;
 }
 
-/// Handles a message of Qt. Without a display, Qt would abort the process; this prints the reason
-/// and exits.
+/// Handles a message of Qt. On a fatal one, such as that there is no display, Qt would abort the
+/// process; this prints the reason and exits.
 void reportMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     StartWarnings& warnings = startWarnings();
     if (type == QtFatalMsg) {
         const QString reason =
             warnings.isStarting && !warnings.held.isEmpty() ? warnings.held.first() : message;
-        complain("the window cannot be opened: " + reason.section(u'\n', 0, 0).toStdString());
-        complain("to sample without a window, try: tallowcrest --headless");
+        for (const std::string& line : fatalErrorLines(reason.toStdString(), warnings.isStarting)) {
+            complain(line);
+        }
         std::_Exit(EXIT_FAILURE);
     }
     if (type == QtDebugMsg || type == QtInfoMsg) {
@@ -128,8 +134,19 @@ Instance claimInstance() {
     return {std::move(start.guard), std::nullopt};
 }
 
-int runWindow(QApplication& application, std::vector<std::string> arguments,
-              std::optional<InstanceGuard>& guard) {
+/// With TALLOWCREST_STARTUP_TRACE set, prints one line to standard error when the first sample is
+/// on screen: "first-sample-on-screen" and the milliseconds since the process was started.
+void traceFirstSample(DashboardWindow& window) {
+    if (!qEnvironmentVariableIsSet("TALLOWCREST_STARTUP_TRACE")) {
+        return;
+    }
+    QObject::connect(&window, &DashboardWindow::firstSampleShown, [] {
+        fmt::print(stderr, "first-sample-on-screen {:.1f}\n",
+                   host::timeSinceProcessStart().count());
+    });
+}
+
+int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
     SystemAppearance appearance;
     followAppearance(appearance);
     QtMainQueue mainQueue;
@@ -140,17 +157,20 @@ int runWindow(QApplication& application, std::vector<std::string> arguments,
             shownWindow->openRoute(route);
         }
     };
-    Composition composition(mainQueue, SettingsAccess::readWrite, std::move(arguments),
-                            {.makeGracefulQuit = desktop::makeGracefulQuit,
-                             .notifications = notifications.get(),
-                             .revealFile = desktop::revealFile,
-                             .openActivityMonitor = desktop::openActivityMonitor,
-                             .storeOnPasteboard = desktop::storeOnClipboard,
-                             .openRoute = openRoute});
+    Composition composition(
+        mainQueue, SettingsAccess::readWrite,
+        {.makeGracefulQuit = desktop::makeGracefulQuit,
+         .actions = {.openActivityMonitor = desktop::openActivityMonitor,
+                     .storeOnPasteboard = desktop::storeOnClipboard},
+         .revealFile = desktop::revealFile,
+         .integration = {.notifications = notifications.get(), .openRoute = openRoute}});
     int status = 0;
     {
         DashboardWindow window(composition.monitor());
         shownWindow = &window;
+        // A small screen, or a large scale. The frame around the window is not known yet.
+        const QSize frame(0, window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+        window.resize(window.size().boundedTo(window.QWidget::screen()->availableSize() - frame));
         traceFirstSample(window);
         StatusItem statusItem(composition.monitor(), window);
         // With a status item the window may be closed while the monitor keeps running; without one
@@ -210,5 +230,5 @@ int main(int argc, char** argv) {
     QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
-    return runWindow(application, arguments, instance.guard);
+    return runWindow(application, instance.guard);
 }

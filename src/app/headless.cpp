@@ -71,13 +71,12 @@ private:
 
 }  // namespace
 
-int runHeadless(const Options& options, std::vector<std::string> processArguments) {
+int runHeadless(const Options& options) {
     RunLoop loop;
     SamplePrinter printer(options, loop);
-    Composition composition(loop, SettingsAccess::readOnly, std::move(processArguments));
-    SystemMonitor& monitor = composition.monitor();
-    monitor.setSampleApplied([&] { printer.print(monitor); });
-    monitor.startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
+    Composition composition(loop, SettingsAccess::readOnly, {},
+                            [&] { printer.print(composition.monitor()); });
+    composition.monitor().startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
     const int status = loop.run();
     if (!composition.shutDown()) {
         std::_Exit(status);

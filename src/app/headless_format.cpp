@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/console.h"
+#include "core/locale.h"
 
 namespace tallowcrest {
 namespace {
@@ -27,6 +28,9 @@ std::string nameColumn(std::string_view name) {
 }
 
 std::string localTime(Date date) {
+    if (!Locale::hasForm(date)) {
+        return std::string(Locale::unknownDate);
+    }
     const auto seconds = static_cast<std::time_t>(date.unixSeconds());
     std::tm parts{};
     localtime_r(&seconds, &parts);

@@ -10,9 +10,9 @@
 
 #include <fmt/format.h>
 
-#include "app/command_line.h"
 #include "app/console.h"
 #include "app/headless.h"
+#include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/host.h"
 
@@ -49,8 +49,7 @@ int run(const std::vector<std::string>& arguments, char** argv) {
     if (commandLine.status) {
         return *commandLine.status;
     }
-    return commandLine.options.headless ? runHeadless(commandLine.options, arguments)
-                                        : openWindow(argv);
+    return commandLine.options.headless ? runHeadless(commandLine.options) : openWindow(argv);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "app/options.h"
 
 #include <cmath>
+#include <cstdlib>
 
 #include <fmt/format.h>
 
@@ -153,9 +154,13 @@ private:
     std::size_t next_ = 0;
     std::optional<std::string_view> value_;
     Options options_;
-    bool isUITest_ = false;  ///< not part of `Options`: the monitor reads the arguments itself
+    bool isUITest_ = false;  ///< not part of `Options`: there is no wizard yet
     std::string error_;
 };
+
+int printed(std::string_view text) {
+    return writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
 
 }  // namespace
 
@@ -178,6 +183,23 @@ Usage: tallowcrest [options]
   --version           print the version
   -h, --help          print this text
 )";
+}
+
+CommandLine readCommandLine(const std::vector<std::string>& arguments) {
+    const auto firstOption = arguments.begin() + (arguments.empty() ? 0 : 1);
+    const auto parsed = parseOptions({firstOption, arguments.end()});
+    if (const auto* error = std::get_if<OptionsError>(&parsed)) {
+        complain(fmt::format("{} (see tallowcrest --help)", error->message));
+        return {{}, usageStatus};
+    }
+    const auto& options = std::get<Options>(parsed);
+    if (options.showHelp) {
+        return {options, printed(helpText())};
+    }
+    if (options.showVersion) {
+        return {options, printed(fmt::format("tallowcrest {}\n", TALLOWCREST_VERSION))};
+    }
+    return {options, std::nullopt};
 }
 
 }  // namespace tallowcrest

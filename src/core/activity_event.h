@@ -24,7 +24,7 @@ struct ActivityEvent {
     Date date;
     std::string title;
     std::string detail;
-    /// Not stored: told from the texts when an event is read.
+    /// Not stored: derived from the texts when an event is read.
     ActivityKind kind = kindOfStoredEvent(title, detail);
 
     auto fields() const { return std::tie(id, date, title, detail); }

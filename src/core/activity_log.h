@@ -31,7 +31,7 @@ public:
     const std::vector<ActivityEvent>& activityLog() const { return *activityLog_; }
 
     /// Puts an event in front, under the title of its kind, and drops the oldest beyond
-    /// `stored::activityLog.most`. `lastAction` stays.
+    /// `stored::activityLog.limit`. `lastAction` stays.
     void recordEvent(ActivityKind kind, std::string detail);
 
     /// Sets `lastAction` to `message` and records it as an action.
@@ -42,6 +42,7 @@ public:
 
     void clearActivityLog();
 
+    /// Notifies of a new last action, a new event and a cleared log.
     Observable& observable() { return *observable_; }
 
 private:

@@ -52,7 +52,6 @@ struct AITrustRecord {
     std::int64_t blockedCount = 0;
     Date lastUpdated;
 
-    const std::string& id() const { return actionType; }
     auto fields() const {
         return std::tie(actionType, approvedCount, runCount, blockedCount, lastUpdated);
     }

@@ -29,7 +29,6 @@ struct ProcessSample {
     /// one process. 0 when unknown.
     std::uint64_t startTime = 0;
 
-    std::int64_t id() const { return pid; }
     /// The last path component of `command`, or `command` itself when that component is empty. A
     /// name in brackets belongs to a process without an executable; it is not a path and is kept
     /// whole.
@@ -57,7 +56,6 @@ struct AppImpact {
     std::optional<std::int64_t> topPID;  ///< the group's top safe process
     std::int64_t protectedCount = 0;
 
-    const std::string& id() const { return name; }
     auto fields() const {
         return std::tie(name, processCount, totalCPU, totalMemoryMB, topPID, protectedCount);
     }

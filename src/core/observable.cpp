@@ -88,7 +88,7 @@ ObserverGroup::ObserverGroup(MainQueue& mainQueue, std::function<void()> observe
 
 void ObserverGroup::observe(const std::vector<Observable*>& observables) {
     subscriptions_.clear();
-    told_ = anyChanged_.emplace(mainQueue_).subscribe(observer_);
+    observerSubscription_ = anyChanged_.emplace(mainQueue_).subscribe(observer_);
     for (Observable* each : observables) {
         subscriptions_.push_back(each->subscribe([this] { anyChanged_->changed(); }));
     }

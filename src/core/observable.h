@@ -32,7 +32,7 @@ private:
     std::uint64_t id_ = 0;
 };
 
-/// Tells its observers that state has changed, at most once per turn of the main queue, however
+/// Notifies its observers that state has changed, at most once per turn of the main queue, however
 /// many changes that turn made. Observers read the state again. Main thread.
 class Observable {
 public:
@@ -44,7 +44,7 @@ public:
     /// observable is gone.
     void changed();
 
-    /// `observer` may subscribe and unsubscribe, itself included, while it is being told.
+    /// `observer` may subscribe and unsubscribe, itself included, while it is being notified.
     [[nodiscard]] Subscription subscribe(std::function<void()> observer);
 
 private:
@@ -52,14 +52,14 @@ private:
     std::shared_ptr<detail::ObservableState> state_;
 };
 
-/// Tells one observer of several observables: once per turn of the main queue in which any of them
-/// has changed, one turn after them. Main thread.
+/// Notifies one observer of the changes of several observables: once per turn of the main queue in
+/// which any of them has changed, one turn after them. Main thread.
 class ObserverGroup {
 public:
     /// `mainQueue` must outlive the object; the observables need not.
     ObserverGroup(MainQueue& mainQueue, std::function<void()> observer);
 
-    /// Observes these and no others from now on. What the former ones have asked to tell is
+    /// Observes these and no others from now on. Pending notifications of the former ones are
     /// dropped. Must not be called by the observer itself.
     void observe(const std::vector<Observable*>& observables);
 
@@ -67,7 +67,7 @@ private:
     MainQueue& mainQueue_;
     std::function<void()> observer_;
     std::optional<Observable> anyChanged_;
-    Subscription told_;
+    Subscription observerSubscription_;
     std::vector<Subscription> subscriptions_;
 };
 

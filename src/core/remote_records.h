@@ -40,7 +40,6 @@ struct RemoteProcess {
     double rssMB = 0.0;
     std::string command;
 
-    std::int64_t id() const { return pid; }
     /// The last path component of `command`, or `command` itself when that component is empty.
     std::string_view displayName() const;
 
@@ -57,7 +56,6 @@ struct RemoteAppImpact {
     std::optional<std::int64_t> topPID;
     std::int64_t protectedCount = 0;
 
-    const std::string& id() const { return name; }
     auto fields() const {
         return std::tie(name, processCount, totalCPU, totalMemoryMB, topPID, protectedCount);
     }

@@ -4,6 +4,7 @@ namespace tallowcrest {
 
 class ActivityLog;
 class Clock;
+class ConfirmationDesk;
 class Jobs;
 class Locale;
 class MainQueue;
@@ -13,6 +14,7 @@ class SettingsOwner;
 struct Services {
     ActivityLog& log;
     SettingsOwner& settings;
+    ConfirmationDesk& confirmations;
     Jobs& jobs;
     MainQueue& mainQueue;
     const Clock& clock;

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "core/observable.h"
+#include "core/services.h"
 #include "core/settings/settings_owner.h"
 #include "integration/notification_center.h"
 
@@ -18,64 +19,63 @@ constexpr const char* scanRemotes = "SCAN_REMOTES";
 
 }  // namespace
 
-WarningNotifications::WarningNotifications(NotificationCenter* center, SettingsOwner& settings,
-                                           OpenRoute openRoute)
-    : center_(center),
-      settings_(settings),
-      openRoute_(std::move(openRoute)),
-      settingsChanged_(std::make_unique<Subscription>(settings.observable().subscribe([this] {
+WarningNotifications::WarningNotifications(const Services& services, IntegrationPorts ports)
+    : settings_(services.settings),
+      ports_(std::move(ports)),
+      settingsChanged_(std::make_unique<Subscription>(settings_.observable().subscribe([this] {
           if (registeredWithActions_ &&
               *registeredWithActions_ != settings_.values().notificationsIncludeActions) {
               registerNotificationCategories();
           }
       }))) {
-    if (center_ != nullptr) {
-        center_->setResponseHandler(
+    if (ports_.notifications != nullptr) {
+        ports_.notifications->setResponseHandler(
             [this](const std::string& identifier) { handleNotificationAction(identifier); });
     }
 }
 
 WarningNotifications::~WarningNotifications() {
-    if (center_ != nullptr) {
-        center_->setResponseHandler({});
+    if (ports_.notifications != nullptr) {
+        ports_.notifications->setResponseHandler({});
     }
 }
 
 void WarningNotifications::registerNotificationCategories() {
-    if (center_ == nullptr) {
+    if (ports_.notifications == nullptr) {
         return;
     }
     registeredWithActions_ = settings_.values().notificationsIncludeActions;
     if (*registeredWithActions_) {
-        center_->setCategories({{warningCategory,
-                                 {{openOptimize, "Review Cleanup"},
-                                  {openAI, "AI Analyze"},
-                                  {scanRemotes, "Scan Remotes"}}}});
+        ports_.notifications->setCategories({{warningCategory,
+                                              {{openOptimize, "Review Cleanup"},
+                                               {openAI, "AI Analyze"},
+                                               {scanRemotes, "Scan Remotes"}}}});
     } else {
-        center_->setCategories({});
+        ports_.notifications->setCategories({});
     }
-    center_->requestAuthorization();
+    ports_.notifications->requestAuthorization();
 }
 
 void WarningNotifications::postLoadWarning(const std::string& topProcessName) {
-    if (center_ == nullptr) {
+    if (ports_.notifications == nullptr) {
         return;
     }
-    center_->post({"Tallowcrest warning",
-                   fmt::format("System load is high. Top process: {}. Open Tallowcrest to review "
-                               "optimization options.",
-                               topProcessName),
-                   settings_.values().notificationsIncludeActions ? warningCategory : "", true});
+    ports_.notifications->post(
+        {"Tallowcrest warning",
+         fmt::format("System load is high. Top process: {}. Open Tallowcrest to review "
+                     "optimization options.",
+                     topProcessName),
+         settings_.values().notificationsIncludeActions ? warningCategory : "", true});
 }
 
 void WarningNotifications::handleNotificationAction(const std::string& identifier) {
-    if (!openRoute_) {
+    if (!ports_.openRoute) {
         return;
     }
-    openRoute_(identifier == openOptimize  ? AppRoute::optimizationSuggestions
-               : identifier == openAI      ? AppRoute::aiAdvisor
-               : identifier == scanRemotes ? AppRoute::remoteMacs
-                                           : AppRoute::overview);
+    ports_.openRoute(identifier == openOptimize  ? AppRoute::optimizationSuggestions
+                     : identifier == openAI      ? AppRoute::aiAdvisor
+                     : identifier == scanRemotes ? AppRoute::remoteMacs
+                                                 : AppRoute::overview);
 }
 
 }  // namespace tallowcrest

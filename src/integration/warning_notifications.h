@@ -1,27 +1,22 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "core/routes.h"
+#include "integration/integration_ports.h"
 
 namespace tallowcrest {
 
-class NotificationCenter;
 class SettingsOwner;
 class Subscription;
+struct Services;
 
 /// Shows a load warning as a notification and handles its buttons. Main thread.
 class WarningNotifications {
 public:
-    /// Selects the route and brings the window to the front on it.
-    using OpenRoute = std::function<void(AppRoute)>;
-
-    /// Without a centre there are no notifications. `openRoute` may be absent where there is no
-    /// window. The references must outlive the object.
-    WarningNotifications(NotificationCenter* center, SettingsOwner& settings, OpenRoute openRoute);
+    /// The references must outlive the object.
+    WarningNotifications(const Services& services, IntegrationPorts ports);
     ~WarningNotifications();
     WarningNotifications(const WarningNotifications&) = delete;
     WarningNotifications& operator=(const WarningNotifications&) = delete;
@@ -37,9 +32,8 @@ public:
     void handleNotificationAction(const std::string& identifier);
 
 private:
-    NotificationCenter* center_;
     SettingsOwner& settings_;
-    OpenRoute openRoute_;
+    IntegrationPorts ports_;
     std::optional<bool> registeredWithActions_;  ///< absent before the first registration
     std::unique_ptr<Subscription> settingsChanged_;
 };

@@ -20,44 +20,15 @@
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
-namespace {
-
-std::optional<Date> lastLogged(std::span<const ActivityEvent> log, ActivityKind kind) {
-    const auto found = std::find_if(
-        log.begin(), log.end(), [kind](const ActivityEvent& event) { return event.kind == kind; });
-    return found != log.end() ? std::optional(found->date) : std::nullopt;
-}
-
-}  // namespace
-
-std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
-                              std::span<const ActivityEvent> log) {
-    switch (which) {
-        case AutomationSwitch::autoSelectTopOffender:
-            return dates.lastAutoSelectDate ? dates.lastAutoSelectDate
-                                            : lastLogged(log, ActivityKind::autoSelect);
-        case AutomationSwitch::autoPurgeSustainedMemory:
-            return dates.lastAutoPurgeDate ? dates.lastAutoPurgeDate
-                                           : lastLogged(log, ActivityKind::autoPurge);
-        case AutomationSwitch::autoScanRemoteMacs:
-            return dates.lastAutoRemoteScanDate;
-        case AutomationSwitch::diskAutopilotEnabled:
-            return dates.lastDiskAutopilotCheckDate;
-        case AutomationSwitch::aiSafeActionsEnabled:
-        case AutomationSwitch::notificationsIncludeActions:
-            break;
-    }
-    return std::nullopt;
-}
 
 AutoRules::AutoRules(Dependencies dependencies)
-    : with_(std::move(dependencies)),
-      observable_(std::make_unique<Observable>(with_.services.mainQueue)) {}
+    : dependencies_(std::move(dependencies)),
+      observable_(std::make_unique<Observable>(dependencies_.services.mainQueue)) {}
 
 AutoRules::~AutoRules() = default;
 
 const Settings& AutoRules::settings() const {
-    return with_.services.settings.values();
+    return dependencies_.services.settings.values();
 }
 
 void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
@@ -79,60 +50,62 @@ void AutoRules::selectTopOffender(const SystemSnapshot& snapshot) {
         !load_rules::isOverThreshold(snapshot, settings().warningThreshold)) {
         return;
     }
-    const AppImpact* group = firstSafeGroup(snapshot.appImpacts, with_.sample.latestProcesses(),
-                                            settings().protectedAppNames, with_.protection);
-    if (group == nullptr || with_.review.selectedAppImpactName() == group->name) {
+    const AppImpact* group =
+        firstSafeGroup(snapshot.appImpacts, dependencies_.sample.latestProcesses(),
+                       settings().protectedAppNames, dependencies_.protection);
+    if (group == nullptr || dependencies_.review.selectedAppImpactName() == group->name) {
         return;
     }
-    setDate(&AutomationDates::lastAutoSelectDate, with_.services.clock.now());
-    with_.review.setTarget(*group->topPID, group->name, ReviewTarget::ChosenBy::rule);
-    with_.services.log.recordEvent(
+    setDate(&AutomationDates::lastAutoSelectDate, dependencies_.services.clock.now());
+    dependencies_.review.setTarget(*group->topPID, group->name, ReviewTarget::ChosenBy::rule);
+    dependencies_.services.log.recordEvent(
         ActivityKind::autoSelect,
         load_rules::autoSelectDetail(group->name, settings().warningThreshold));
 }
 
 void AutoRules::askForPurge() {
-    const Date now = with_.services.clock.now();
+    const Date now = dependencies_.services.clock.now();
     if (!settings().autoPurgeSustainedMemory ||
         !(settings().warningThreshold <= sustainedMemoryAverage()) ||
         !load_rules::mayAct(dates_.lastAutoPurgeDate, now, load_rules::autoPurgeDistance)) {
         return;
     }
     setDate(&AutomationDates::lastAutoPurgeDate, now);
-    with_.localActions.requestPurge();
-    with_.services.log.recordEvent(ActivityKind::autoPurge, std::string(autoPurgeDetail));
+    dependencies_.localActions.requestPurge();
+    dependencies_.services.log.recordEvent(ActivityKind::autoPurge, std::string(autoPurgeDetail));
 }
 
 void AutoRules::scanRemotes() {
-    const Date now = with_.services.clock.now();
-    if (with_.remote == nullptr || !settings().autoScanRemoteMacs ||
-        with_.remote->remoteScanInProgress() ||
+    const Date now = dependencies_.services.clock.now();
+    if (dependencies_.remote == nullptr || !settings().autoScanRemoteMacs ||
+        dependencies_.remote->remoteScanInProgress() ||
         !load_rules::mayAct(dates_.lastAutoRemoteScanDate, now,
                             load_rules::autoRemoteScanDistance)) {
         return;
     }
-    const auto devices = with_.remote->tailDevices();
+    const auto devices = dependencies_.remote->tailDevices();
     const bool hasMac = std::any_of(devices.begin(), devices.end(), [this](const TailDevice& each) {
-        return each.online && with_.services.locale.containsIgnoringCase(each.os, "mac");
+        return each.online && dependencies_.services.locale.containsIgnoringCase(each.os, "mac");
     });
     if (!hasMac) {
         return;
     }
     setDate(&AutomationDates::lastAutoRemoteScanDate, now);
-    with_.remote->scanRemoteMacs();
+    dependencies_.remote->scanRemoteMacs();
 }
 
 void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {
     if (!load_rules::isOverThreshold(snapshot, settings().warningThreshold)) {
         return;
     }
-    const Date now = with_.services.clock.now();
+    const Date now = dependencies_.services.clock.now();
     if (!load_rules::mayWarn(dates_.lastWarningDate, now)) {
         return;
     }
     setDate(&AutomationDates::lastWarningDate, now);
-    with_.services.log.recordEvent(ActivityKind::warning, load_rules::warningDetail(snapshot));
-    with_.notifications.postLoadWarning(load_rules::topProcessName(snapshot));
+    dependencies_.services.log.recordEvent(ActivityKind::warning,
+                                           load_rules::warningDetail(snapshot));
+    dependencies_.notifications.postLoadWarning(load_rules::topProcessName(snapshot));
 }
 
 void AutoRules::setLastDiskAutopilotCheckDate(Date date) {
@@ -146,7 +119,7 @@ void AutoRules::setDate(std::optional<Date> AutomationDates::*which, Date date) 
 
 double AutoRules::sustainedMemoryAverage() const {
     // The points of an earlier run, perhaps days ago, say nothing about the present load.
-    return load_rules::sustainedMemoryAverage(with_.sample.historyOfThisRun());
+    return load_rules::sustainedMemoryAverage(dependencies_.sample.historyOfThisRun());
 }
 
 }  // namespace tallowcrest

@@ -2,10 +2,10 @@
 
 #include <memory>
 #include <optional>
-#include <span>
 
 #include "core/date.h"
 #include "core/services.h"
+#include "monitor/load_rules.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
@@ -16,29 +16,8 @@ class LocalActions;
 class Observable;
 class ReviewTarget;
 class WarningNotifications;
-enum class AutomationSwitch;
-struct ActivityEvent;
 struct Settings;
 struct SystemSnapshot;
-
-/// When each automation last acted in this run; absent when it has not. Not stored, so after a
-/// restart every automation may act at once.
-struct AutomationDates {
-    std::optional<Date> lastAutoSelectDate;
-    std::optional<Date> lastWarningDate;
-    std::optional<Date> lastAutoPurgeDate;
-    std::optional<Date> lastAutoRemoteScanDate;
-    std::optional<Date> lastDiskAutopilotCheckDate;
-
-    bool operator==(const AutomationDates&) const = default;
-};
-
-/// When an automation last acted in this run, or else the date of its newest entry in `log`, which
-/// is newest first and may reach back to earlier runs. Only the rules that select and purge write
-/// entries. Absent when neither is known, and for a switch that does not act at certain times.
-/// Pure; any thread.
-std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
-                              std::span<const ActivityEvent> log);
 
 /// The automatic rules and the load warning, which are checked with each sample. Main thread.
 class AutoRules {
@@ -84,7 +63,7 @@ private:
 
     const Settings& settings() const;
 
-    Dependencies with_;
+    Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;
     AutomationDates dates_;
 };

@@ -5,9 +5,20 @@
 
 #include <fmt/format.h>
 
+#include "actions/automation.h"
+#include "core/activity_kinds.h"
 #include "core/number_text.h"
 
 namespace tallowcrest::load_rules {
+namespace {
+
+std::optional<Date> lastLogged(std::span<const ActivityEvent> log, ActivityKind kind) {
+    const auto found = std::find_if(
+        log.begin(), log.end(), [kind](const ActivityEvent& event) { return event.kind == kind; });
+    return found != log.end() ? std::optional(found->date) : std::nullopt;
+}
+
+}  // namespace
 
 bool isOverThreshold(const SystemSnapshot& snapshot, double warningThreshold) {
     return warningThreshold <= snapshot.cpuPercent || warningThreshold <= snapshot.memory.pressure;
@@ -49,6 +60,26 @@ std::string warningDetail(const SystemSnapshot& snapshot) {
 std::string autoSelectDetail(std::string_view group, double warningThreshold) {
     return fmt::format("Selected {} because system load crossed {}%.", group,
                        cutToInteger(warningThreshold));
+}
+
+std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dates,
+                              std::span<const ActivityEvent> log) {
+    switch (which) {
+        case AutomationSwitch::autoSelectTopOffender:
+            return dates.lastAutoSelectDate ? dates.lastAutoSelectDate
+                                            : lastLogged(log, ActivityKind::autoSelect);
+        case AutomationSwitch::autoPurgeSustainedMemory:
+            return dates.lastAutoPurgeDate ? dates.lastAutoPurgeDate
+                                           : lastLogged(log, ActivityKind::autoPurge);
+        case AutomationSwitch::autoScanRemoteMacs:
+            return dates.lastAutoRemoteScanDate;
+        case AutomationSwitch::diskAutopilotEnabled:
+            return dates.lastDiskAutopilotCheckDate;
+        case AutomationSwitch::aiSafeActionsEnabled:
+        case AutomationSwitch::notificationsIncludeActions:
+            break;
+    }
+    return std::nullopt;
 }
 
 }  // namespace tallowcrest::load_rules

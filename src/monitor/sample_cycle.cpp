@@ -67,52 +67,52 @@ BackgroundSample takeSample(SampleSources& sources, const SampleInputs& inputs,
 // The main half.
 void SampleCycle::applySample(BackgroundSample background) {
     publish(background);
-    const SystemSnapshot& snapshot = *with_.sample.snapshot();
-    with_.sample.appendHistoryPoint();
-    with_.sample.countTopApp();
-    with_.sample.setSessionInsights(
-        buildSessionInsights({.history = with_.sample.history(),
-                              .topAppSamples = with_.sample.topAppSamples(),
+    const SystemSnapshot& snapshot = *dependencies_.sample.snapshot();
+    dependencies_.sample.appendHistoryPoint();
+    dependencies_.sample.countTopApp();
+    dependencies_.sample.setSessionInsights(
+        buildSessionInsights({.history = dependencies_.sample.history(),
+                              .topAppSamples = dependencies_.sample.topAppSamples(),
                               .remoteHealth = {},
                               .remoteTopAppSamples = remoteTopAppSamples_},
-                             with_.services.locale));
-    with_.sample.setRecommendations(addSustainedRecommendations(
-        std::move(background.recommendations), with_.sample.history(), snapshot.appImpacts));
-    if (!with_.readOnly) {
-        with_.rules.runAutoRules(snapshot);
+                             dependencies_.services.locale));
+    dependencies_.sample.setRecommendations(
+        addSustainedRecommendations(std::move(background.recommendations),
+                                    dependencies_.sample.history(), snapshot.appImpacts));
+    if (!dependencies_.readOnly) {
+        dependencies_.rules.runAutoRules(snapshot);
     }
-    with_.rules.raiseLoadWarning(snapshot);
-    if (sampleApplied_) {
-        sampleApplied_();
-    }
+    dependencies_.rules.raiseLoadWarning(snapshot);
+    dependencies_.sampleApplied();
 }
 
 SampleCycle::SampleCycle(Dependencies dependencies)
-    : with_(std::move(dependencies)),
-      remoteTopAppSamples_(with_.services.settings.loadRemoteTopApps()),
-      jobs_(with_.services.jobs) {}
+    : dependencies_(std::move(dependencies)),
+      remoteTopAppSamples_(dependencies_.services.settings.loadRemoteTopApps()),
+      jobs_(dependencies_.services.jobs) {}
 
 void SampleCycle::refresh() {
     jobs_.run(
         Lane::sampling,
-        [sources = with_.sources, inputs = inputs(), &clock = with_.services.clock](const Stop&) {
-            return takeSample(*sources, inputs, clock);
-        },
+        [sources = dependencies_.sources, inputs = inputs(), &clock = dependencies_.services.clock](
+            const Stop&) { return takeSample(*sources, inputs, clock); },
         [this](BackgroundSample background) { applySample(std::move(background)); });
 }
 
 void SampleCycle::publish(BackgroundSample& background) {
-    with_.sample.setLatestProcesses(std::move(background.processes),
-                                    std::move(background.impactOrder));
-    with_.sample.setSnapshot(std::move(background.snapshot));
-    const ProtectedAppNames& protectedNow = with_.services.settings.values().protectedAppNames;
+    dependencies_.sample.setLatestProcesses(std::move(background.processes),
+                                            std::move(background.impactOrder));
+    dependencies_.sample.setSnapshot(std::move(background.snapshot));
+    const ProtectedAppNames& protectedNow =
+        dependencies_.services.settings.values().protectedAppNames;
     if (background.protectedAppNames != protectedNow) {
-        with_.sample.regroup(protectedNow, with_.protection);
+        dependencies_.sample.regroup(protectedNow, dependencies_.protection);
     }
 }
 
 SampleInputs SampleCycle::inputs() const {
-    return {with_.cpuCount, with_.services.settings.values().protectedAppNames, with_.protection};
+    return {dependencies_.cpuCount, dependencies_.services.settings.values().protectedAppNames,
+            dependencies_.protection};
 }
 
 }  // namespace tallowcrest

@@ -68,6 +68,8 @@ public:
         int cpuCount = 1;
         ProtectionPolicy protection;
         bool readOnly = false;  ///< nothing is selected, asked for or started by itself
+        /// Called once per sample, after everything else; never absent.
+        std::function<void()> sampleApplied;
     };
 
     explicit SampleCycle(Dependencies dependencies);
@@ -81,16 +83,12 @@ public:
     /// The main half of one sample: publishes it and updates everything that depends on it.
     void applySample(BackgroundSample background);
 
-    /// `applied` is called once per sample, after everything else.
-    void setSampleApplied(std::function<void()> applied) { sampleApplied_ = std::move(applied); }
-
 private:
     SampleInputs inputs() const;
     void publish(BackgroundSample& background);
 
-    Dependencies with_;
+    Dependencies dependencies_;
     SettingsTable remoteTopAppSamples_;
-    std::function<void()> sampleApplied_;
     JobScope jobs_;
 };
 

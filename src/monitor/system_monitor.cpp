@@ -1,48 +1,59 @@
 #include "monitor/system_monitor.h"
 
+#include <string_view>
 #include <utility>
 
 #include "actions/actions.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
-#include "integration/warning_notifications.h"
+#include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/sample_cycle.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
+namespace {
+
+/// The report's line about the advisor while no paid provider is connected.
+constexpr std::string_view localInsight =
+    "Local recommendations are active. Connect paid AI for deeper explanations and follow-up "
+    "questions.";
+
+}  // namespace
 
 SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
     : host_(std::move(host)),
       locale_(ports.locale),
       sources_(std::make_shared<SampleSources>(ports.metrics, ports.ticks, ports.locale)),
-      settings_(std::make_unique<SettingsOwner>(ports.settingsStore, ports.jobs.mainQueue(),
-                                                host_.loginName)),
-      log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.jobs.mainQueue())),
-      services_{*log_, *settings_, ports.jobs, ports.jobs.mainQueue(), ports.clock, *locale_},
-      startup_(startupState(settings_->values(), host_.findings)),
+      settings_(
+          std::make_unique<SettingsOwner>(ports.settingsStore, ports.mainQueue, host_.loginName)),
+      log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.mainQueue)),
+      confirmations_(std::make_unique<ConfirmationDesk>(*log_, ports.mainQueue)),
+      services_{*log_,           *settings_,  *confirmations_, ports.jobs,
+                ports.mainQueue, ports.clock, *locale_},
       aiTrustRecords_(
           settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
       sample_(std::make_unique<LatestSample>(*settings_, services_.mainQueue)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
-      reports_(std::make_unique<Reports>(Reports::Dependencies{
-          services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.utcOffset,
-          ports.reportFolder})),
-      notifications_(
-          std::make_unique<WarningNotifications>(ports.notifications, *settings_, ports.openRoute)),
+      reports_(std::make_unique<Reports>(
+          services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
+      integration_(std::make_unique<Integration>(services_, ports.integration)),
       autoRules_(std::make_unique<AutoRules>(
           AutoRules::Dependencies{services_, *sample_, actions_->review, actions_->local,
-                                  *notifications_, host_.protection, ports.remoteScan})),
-      cycle_(std::make_unique<SampleCycle>(SampleCycle::Dependencies{.services = services_,
-                                                                     .sources = sources_,
-                                                                     .sample = *sample_,
-                                                                     .rules = *autoRules_,
-                                                                     .cpuCount = host_.cpuCount,
-                                                                     .protection = host_.protection,
-                                                                     .readOnly = host_.readOnly})) {
+                                  integration_->warnings, host_.protection, ports.remoteScan})),
+      cycle_(std::make_unique<SampleCycle>(
+          SampleCycle::Dependencies{.services = services_,
+                                    .sources = sources_,
+                                    .sample = *sample_,
+                                    .rules = *autoRules_,
+                                    .cpuCount = host_.cpuCount,
+                                    .protection = host_.protection,
+                                    .readOnly = host_.readOnly,
+                                    .sampleApplied = ports.sampleApplied})) {
     for (const std::string& problem : host_.startupProblems) {
         log_->recordMessage(problem);
     }
@@ -51,10 +62,10 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
 SystemMonitor::~SystemMonitor() = default;
 
 void SystemMonitor::startMonitoring(std::chrono::milliseconds interval) {
-    if (std::exchange(isStarted_, true)) {
+    if (isStarted()) {
         return;
     }
-    notifications_->registerNotificationCategories();
+    integration_->warnings.registerNotificationCategories();
     refresh();
     timer_ = services_.mainQueue.scheduleRepeating(interval, [this] { refresh(); });
 }
@@ -63,36 +74,8 @@ const Settings& SystemMonitor::settings() const {
     return settings_->values();
 }
 
-ConfirmationDesk& SystemMonitor::confirmations() {
-    return actions_->confirmations;
-}
-
-ReviewTarget& SystemMonitor::review() {
-    return actions_->review;
-}
-
-LocalActions& SystemMonitor::localActions() {
-    return actions_->local;
-}
-
-Automation& SystemMonitor::automation() {
-    return actions_->automation;
-}
-
-ExternalApplications& SystemMonitor::applications() {
-    return actions_->applications;
-}
-
-void SystemMonitor::stopMonitoring() {
-    timer_.reset();
-}
-
 void SystemMonitor::refresh() {
     cycle_->refresh();
-}
-
-void SystemMonitor::setSampleApplied(std::function<void()> applied) {
-    cycle_->setSampleApplied(std::move(applied));
 }
 
 std::optional<DiagnosticsFacts> SystemMonitor::diagnosticsFacts() const {
@@ -103,8 +86,8 @@ std::optional<DiagnosticsFacts> SystemMonitor::diagnosticsFacts() const {
                             .settings = settings_->values(),
                             .sessionInsights = sample_->sessionInsights(),
                             .remoteHealth = {},
-                            .openAIKeySaved = startup_.openAIKeySaved,
-                            .aiInsight = startup_.aiInsight,
+                            .openAIKeySaved = false,
+                            .aiInsight = localInsight,
                             .aiActions = {},
                             .aiTrustRecords = aiTrustRecords_,
                             .activityLog = log_->activityLog()};

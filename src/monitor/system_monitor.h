@@ -10,40 +10,35 @@
 
 #include "actions/action_ports.h"
 #include "core/advisor_records.h"
+#include "core/jobs/queues.h"
 #include "core/locale.h"
 #include "core/places.h"
-#include "core/routes.h"
 #include "core/services.h"
-#include "monitor/startup_state.h"
+#include "integration/integration_ports.h"
+#include "reports/report_folder.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
 
 class AutoRules;
 class AutoScan;
-class Automation;
 class ConfirmationDesk;
-class ExternalApplications;
-class LocalActions;
-class ReviewTarget;
 class CPUTickSource;
 class LatestSample;
-class NotificationCenter;
-class RepeatingTimer;
-class ReportFolder;
 class Reports;
 class SampleCycle;
 struct SampleSources;
 class SettingsStore;
 class SystemMetricsReader;
-class WarningNotifications;
 struct Actions;
 struct DiagnosticsFacts;
+struct Integration;
 struct Settings;
 
 /// What the monitor needs from the machine it runs on. The references must outlive the monitor and
 /// every sample that it has under way.
 struct MonitorPorts {
+    MainQueue& mainQueue;  ///< the one that `jobs` posts to
     Jobs& jobs;
     const Clock& clock;
     SettingsStore& settingsStore;
@@ -51,12 +46,11 @@ struct MonitorPorts {
     std::shared_ptr<CPUTickSource> ticks;          ///< never null
     std::shared_ptr<const Locale> locale;          ///< never null
     ActionPorts actions;
-    std::shared_ptr<ReportFolder> reportFolder;   ///< never null
-    UTCOffset utcOffset;                          ///< never absent
-    NotificationCenter* notifications = nullptr;  ///< null where there are no notifications
-    /// Shows a page in front of all windows; absent without a window.
-    std::function<void(AppRoute)> openRoute = {};
+    ReportPorts reports;
+    IntegrationPorts integration = {};
     AutoScan* remoteScan = nullptr;  ///< null where other machines are not watched
+    /// Called once per sample, after everything that follows from it; never absent.
+    std::function<void()> sampleApplied = [] {};
 };
 
 /// Facts of this process and machine, fixed for the run.
@@ -67,8 +61,9 @@ struct HostFacts {
     /// Problems of this start that the owner should know, one sentence each; recorded as messages.
     std::vector<std::string> startupProblems = {};
     Places places = {};
-    StartupFindings findings = {};
-    /// The timeline begins empty and the automatic rules do not run.
+    /// Whether the owner had an SSH public key at the start.
+    bool hasLocalPublicKey = false;
+    /// The automatic rules do not run.
     bool readOnly = false;
 };
 
@@ -86,20 +81,15 @@ public:
     SystemMonitor& operator=(const SystemMonitor&) = delete;
 
     /// Takes a first sample and one more per `interval` from then on. Every call after the first
-    /// does nothing, even after `stopMonitoring`.
+    /// does nothing.
     void startMonitoring(std::chrono::milliseconds interval = sampleInterval);
-    /// Ends the regular samples. A sample under way is still applied.
-    void stopMonitoring();
-    /// Whether `startMonitoring` was called, even if `stopMonitoring` was called later.
-    bool isStarted() const { return isStarted_; }
+    /// Whether `startMonitoring` was called.
+    bool isStarted() const { return timer_ != nullptr; }
 
     /// Queues one sample and returns at once.
     void refresh();
-    /// `applied` is called once per sample, after everything that follows from it.
-    void setSampleApplied(std::function<void()> applied);
 
     const HostFacts& host() const { return host_; }
-    const StartupState& startup() const { return startup_; }
     /// What all components share.
     const Services& services() const { return services_; }
     /// Never null.
@@ -109,11 +99,8 @@ public:
     SettingsOwner& settingsOwner() { return *settings_; }
     ActivityLog& log() { return *log_; }
     LatestSample& sample() { return *sample_; }
-    ConfirmationDesk& confirmations();
-    ReviewTarget& review();
-    LocalActions& localActions();
-    Automation& automation();
-    ExternalApplications& applications();
+    ConfirmationDesk& confirmations() { return *confirmations_; }
+    Actions& actions() { return *actions_; }
     Reports& reports() { return *reports_; }
     AutoRules& autoRules() { return *autoRules_; }
 
@@ -127,17 +114,16 @@ private:
     std::shared_ptr<SampleSources> sources_;
     std::unique_ptr<SettingsOwner> settings_;
     std::unique_ptr<ActivityLog> log_;
+    std::unique_ptr<ConfirmationDesk> confirmations_;
     Services services_;
-    StartupState startup_;
     std::map<std::string, AITrustRecord> aiTrustRecords_;
     std::unique_ptr<LatestSample> sample_;
     std::unique_ptr<Actions> actions_;
     std::unique_ptr<Reports> reports_;
-    std::unique_ptr<WarningNotifications> notifications_;
+    std::unique_ptr<Integration> integration_;
     std::unique_ptr<AutoRules> autoRules_;
     std::unique_ptr<SampleCycle> cycle_;
     std::unique_ptr<RepeatingTimer> timer_;
-    bool isStarted_ = false;
 };
 
 }  // namespace tallowcrest

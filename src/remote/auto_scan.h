@@ -6,7 +6,8 @@
 
 namespace tallowcrest {
 
-/// The scans of other machines, as far as a rule starts them. Main thread.
+/// The scans of other machines, as far as a rule starts them. A port that nothing implements yet:
+/// it is for the coming scan of other machines. Main thread.
 class AutoScan {
 public:
     virtual ~AutoScan() = default;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
+#include "core/locale.h"
 #include "core/outcome.h"
 
 namespace tallowcrest {
@@ -24,6 +26,12 @@ public:
     /// Shows the file in the desktop's file manager. Returns at once; a failure is not reported.
     /// Main thread.
     virtual void reveal(const std::filesystem::path& file) = 0;
+};
+
+/// The ports of `Reports`. The folder is shared, because background work may outlive the component.
+struct ReportPorts {
+    std::shared_ptr<ReportFolder> folder;  ///< never null
+    UTCOffset utcOffset;                   ///< never absent
 };
 
 }  // namespace tallowcrest

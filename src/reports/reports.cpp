@@ -27,35 +27,38 @@ Outcome writeReport(ReportFolder& folder, const std::filesystem::path& file,
     return change ? folder.write(file, text) : Outcome::failed("canceled");
 }
 
-Reports::Reports(Dependencies dependencies)
-    : with_(std::move(dependencies)), jobs_(with_.services.jobs) {}
+Reports::Reports(const Services& services, Pasteboard& pasteboard, ReadFacts readFacts,
+                 ReportPorts ports)
+    : services_(services),
+      pasteboard_(pasteboard),
+      readFacts_(std::move(readFacts)),
+      ports_(std::move(ports)),
+      jobs_(services.jobs) {}
 
 std::optional<std::string> Reports::diagnosticsReport(bool redacted) const {
-    const auto facts = with_.facts();
-    return facts ? std::optional(
-                       tallowcrest::diagnosticsReport(*facts, redacted, with_.services.locale))
+    const auto facts = readFacts_();
+    return facts ? std::optional(tallowcrest::diagnosticsReport(*facts, redacted, services_.locale))
                  : std::nullopt;
 }
 
 Outcome Reports::copyDiagnosticsReport() {
     const auto report = diagnosticsReport(false);
-    return report ? with_.pasteboard.copyToPasteboard(
-                        *report, "Copied a performance report to the clipboard.")
-                  : Outcome::refused({});
+    return report ? pasteboard_.copyToPasteboard(*report,
+                                                 "Copied a performance report to the clipboard.")
+                  : Outcome::ignored();
 }
 
 Outcome Reports::exportDiagnosticsReport(std::function<void(const Outcome&)> finished) {
     auto report = diagnosticsReport(false);
     if (!report) {
-        return with_.services.log.record(
-            Outcome::refused("No diagnostic sample is available yet."));
+        return services_.log.record(Outcome::refused("No diagnostic sample is available yet."));
     }
-    const Date now = with_.services.clock.now();
-    const std::string name = exportFileName(now, Locale::hasForm(now) ? with_.utcOffset(now) : 0);
-    const std::filesystem::path file = with_.folder->place() / name;
+    const Date now = services_.clock.now();
+    const std::string name = exportFileName(now, Locale::hasForm(now) ? ports_.utcOffset(now) : 0);
+    const std::filesystem::path file = ports_.folder->place() / name;
     jobs_.run(
         Lane::reports,
-        [folder = with_.folder, file, report = *std::move(report)](const Stop& stop) {
+        [folder = ports_.folder, file, report = *std::move(report)](const Stop& stop) {
             return writeReport(*folder, file, report, stop);
         },
         [this, file, finished = std::move(finished)](const Outcome& written) {
@@ -69,11 +72,11 @@ Outcome Reports::exportDiagnosticsReport(std::function<void(const Outcome&)> fin
 
 Outcome Reports::finishExport(const std::filesystem::path& file, const Outcome& written) {
     if (!written.isAccepted()) {
-        return with_.services.log.record(
+        return services_.log.record(
             Outcome::failed("Could not export diagnostics: " + written.message));
     }
-    with_.folder->reveal(file);
-    return with_.services.log.record(
+    ports_.folder->reveal(file);
+    return services_.log.record(
         Outcome::done(fmt::format("Exported diagnostics to {}.", file.filename().string())));
 }
 

@@ -3,11 +3,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "actions/pasteboard.h"
+#include "actions/desktop_actions.h"
 #include "core/jobs/jobs.h"
 #include "core/locale.h"
 #include "core/outcome.h"
@@ -32,25 +31,19 @@ Outcome writeReport(ReportFolder& folder, const std::filesystem::path& file,
 /// The diagnostics report for the owner: on the clipboard, as a file, as a text. Main thread.
 class Reports {
 public:
-    /// The references must outlive the object.
-    struct Dependencies {
-        Services services;
-        Pasteboard& pasteboard;
-        /// The present state. Absent before the first sample.
-        std::function<std::optional<DiagnosticsFacts>()> facts;
-        UTCOffset utcOffset;                   ///< never absent
-        std::shared_ptr<ReportFolder> folder;  ///< never null
-    };
+    /// The present state; absent before the first sample.
+    using ReadFacts = std::function<std::optional<DiagnosticsFacts>()>;
 
-    explicit Reports(Dependencies dependencies);
+    /// The references must outlive the object.
+    Reports(const Services& services, Pasteboard& pasteboard, ReadFacts readFacts,
+            ReportPorts ports);
     Reports(const Reports&) = delete;
     Reports& operator=(const Reports&) = delete;
 
     /// Absent before the first sample.
     std::optional<std::string> diagnosticsReport(bool redacted) const;
 
-    /// Copies the full report to the clipboard. Before the first sample it is refused without a
-    /// message.
+    /// Copies the full report to the clipboard. Ignored before the first sample.
     Outcome copyDiagnosticsReport();
 
     /// Writes the full report into a new file in the background, then shows the file and records
@@ -61,7 +54,10 @@ public:
 private:
     Outcome finishExport(const std::filesystem::path& file, const Outcome& written);
 
-    Dependencies with_;
+    Services services_;
+    Pasteboard& pasteboard_;
+    ReadFacts readFacts_;
+    ReportPorts ports_;
     JobScope jobs_;
 };
 

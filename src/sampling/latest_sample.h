@@ -72,6 +72,7 @@ public:
     const std::vector<SessionInsight>& sessionInsights() const { return sessionInsights_; }
     void setSessionInsights(std::vector<SessionInsight> insights);
 
+    /// Notifies of a new or regrouped snapshot, a new history point, recommendations and insights.
     Observable& observable() { return *observable_; }
 
 private:

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "sampling/home_volume.h"
 #include "sampling/metric_runner.h"
 #include "sampling/system_metrics_reader.h"
 

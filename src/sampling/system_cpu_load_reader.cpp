@@ -25,19 +25,24 @@ std::optional<double> busyPercent(const CPUTicks& previous, const CPUTicks& curr
 }
 
 SystemCPULoadReader::SystemCPULoadReader(CPUTickSource& source)
-    : source_(source), previousTicks_(source.readTicks()) {}
+    : source_(source), previous_(source.readTicks()) {}
 
 std::optional<double> SystemCPULoadReader::readCPUPercent() {
-    const std::optional<CPUTicks> current = source_.readTicks();
+    const std::optional<CPUTickReading> current = source_.readTicks();
     if (!current) {
         return std::nullopt;
     }
     const std::lock_guard guard(lock_);
-    const std::optional<CPUTicks> previous = std::exchange(previousTicks_, current);
-    if (!previous) {
+    if (!previous_) {
+        previous_ = current;
         return std::nullopt;
     }
-    return busyPercent(*previous, *current);
+    if (current->at - previous_->at < shortestInterval) {
+        const CPUTickReading& from = beforePrevious_ ? *beforePrevious_ : *previous_;
+        return busyPercent(from.ticks, current->ticks);
+    }
+    beforePrevious_ = std::exchange(previous_, current);
+    return busyPercent(beforePrevious_->ticks, current->ticks);
 }
 
 }  // namespace tallowcrest

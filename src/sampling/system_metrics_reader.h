@@ -7,6 +7,16 @@
 
 namespace tallowcrest {
 
+/// The volume that holds the home directory.
+class HomeVolume {
+public:
+    virtual ~HomeVolume() = default;
+
+    /// Capacity, and the space available to an unprivileged user. A figure that cannot be read is
+    /// 0. Blocks; any thread but the main one.
+    virtual DiskSnapshot readDiskSnapshot() = 0;
+};
+
 /// The readings of one sample. Every operation blocks: any thread but the main one, several at
 /// once. No operation fails: what cannot be read is empty or 0.
 class SystemMetricsReader {

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "actions/external_applications.h"
-#include "actions/pasteboard.h"
+#include "actions/desktop_actions.h"
 #include "tests/actions/local_actions_fixture.h"
 
 namespace tallowcrest {
@@ -15,14 +14,15 @@ using ::testing::IsEmpty;
 
 class ActionOutcomes;
 
-struct Case {
+struct OutcomeCase {
     const char* name;
     std::function<void(ActionOutcomes&)> prepare;
     std::function<Outcome(ActionOutcomes&)> operate;
     Outcome expected;
 };
 
-class ActionOutcomes : public LocalActionsFixture, public ::testing::WithParamInterface<Case> {
+class ActionOutcomes : public LocalActionsFixture,
+                       public ::testing::WithParamInterface<OutcomeCase> {
 public:
     void selectEditor() {
         addProcess(700, "/usr/bin/editor");
@@ -57,8 +57,8 @@ Outcome quitApp(M& m) {
     return m.actions.requestQuitSelectedApp();
 }
 
-const std::vector<Case>& cases() {
-    static const std::vector<Case> table{
+const std::vector<OutcomeCase>& cases() {
+    static const std::vector<OutcomeCase> table{
         {"QuitProcessWithoutATarget", nothing, quitProcess,
          Outcome::refused("Select a process first.")},
         {"QuitProcessThatIsProtected", &M::selectInit, quitProcess,

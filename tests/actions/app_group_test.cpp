@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/each_of.h"
+#include "tests/support/pids_of.h"
 
 namespace tallowcrest {
 namespace {
@@ -29,10 +29,6 @@ AppImpact group(const std::string& name, std::optional<std::int64_t> topPID) {
     result.name = name;
     result.topPID = topPID;
     return result;
-}
-
-std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    return eachOf(rows, &ProcessSample::pid);
 }
 
 TEST(AppGroup, MembersAreTheRowsOfTheGroupInTableOrder) {

@@ -14,7 +14,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = PurgeResult::Outcome;
+using Purge = PurgeResult::Outcome;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -100,8 +100,8 @@ TEST(ToolCachePurge, StopsAtTheFirstStepThatFails) {
         return purgeWith({"/first", "/second", "/third"},
                          {exitedWith(first), exitedWith(second), exitedWith(third)}, launches);
     };
-    EXPECT_EQ(exits(0, 0, 0, 3), (PurgeResult{Outcome::purged, ""}));
-    const PurgeResult refused{Outcome::refused, ""};
+    EXPECT_EQ(exits(0, 0, 0, 3), (PurgeResult{Purge::purged, ""}));
+    const PurgeResult refused{Purge::refused, ""};
     EXPECT_EQ(exits(1, 0, 0, 1), refused);
     EXPECT_EQ(exits(0, 126, 0, 2), refused) << "the authorisation was declined";
     EXPECT_EQ(exits(0, 0, 255, 3), refused);
@@ -109,7 +109,7 @@ TEST(ToolCachePurge, StopsAtTheFirstStepThatFails) {
     EXPECT_EQ(exits(0, 0, signal, 3), refused);
 
     const std::vector<ToolResult> good(3, exitedWith(0));
-    const PurgeResult blocked{Outcome::blocked, ""};
+    const PurgeResult blocked{Purge::blocked, ""};
     EXPECT_EQ(purgeWith({"/second", "/third"}, good, 0), blocked);
     EXPECT_EQ(purgeWith({"/first", "/third"}, good, 1), blocked);
     EXPECT_EQ(purgeWith({"/first", "/second"}, good, 2), blocked);
@@ -117,7 +117,7 @@ TEST(ToolCachePurge, StopsAtTheFirstStepThatFails) {
         std::vector<ToolResult> results = good;
         results.at(step) = notLaunched("Permission denied");
         EXPECT_EQ(purgeWith({"/first", "/second", "/third"}, results, step + 1),
-                  (PurgeResult{Outcome::failed, "Permission denied"}));
+                  (PurgeResult{Purge::failed, "Permission denied"}));
     }
 }
 
@@ -126,8 +126,8 @@ TEST(ToolCachePurge, CanRunAgainAfterAFailure) {
     launcher.results = {exitedWith(1), exitedWith(0)};
     const CommandSafetyPolicy::AllowedExecutables allowed{"/only"};
     ToolCachePurge purge(allowed, launcher, {{.path = "/only"}});
-    EXPECT_EQ(purge.purge().outcome, Outcome::refused);
-    EXPECT_EQ(purge.purge().outcome, Outcome::purged);
+    EXPECT_EQ(purge.purge().outcome, Purge::refused);
+    EXPECT_EQ(purge.purge().outcome, Purge::purged);
 }
 
 }  // namespace

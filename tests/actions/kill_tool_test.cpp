@@ -15,7 +15,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = TerminationResult::Outcome;
+using Termination = TerminationResult::Outcome;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -40,7 +40,7 @@ TEST_F(KillToolTest, LaunchesTheToolWithTERMAndThePid) {
     const auto held = tool.hold(4242, reviewed);
     EXPECT_THAT(launcher.requests, IsEmpty()) << "nothing is signalled before the confirmation";
 
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::asked, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Termination::asked, ""}));
     ASSERT_EQ(launcher.requests.size(), 1U);
     const ToolRequest& request = launcher.requests.front();
     EXPECT_EQ(request.path, "/bin/kill");
@@ -51,8 +51,8 @@ TEST_F(KillToolTest, LaunchesTheToolWithTERMAndThePid) {
 
 TEST_F(KillToolTest, AcceptsTheSmallestAndTheLargestPid) {
     startTimes = {{2, reviewed}, {2147483647, later}};
-    EXPECT_EQ(tool.hold(2, reviewed)->terminate().outcome, Outcome::asked);
-    EXPECT_EQ(tool.hold(2147483647, later)->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(tool.hold(2, reviewed)->terminate().outcome, Termination::asked);
+    EXPECT_EQ(tool.hold(2147483647, later)->terminate().outcome, Termination::asked);
     ASSERT_EQ(launcher.requests.size(), 2U);
     EXPECT_THAT(launcher.requests[0].arguments, ElementsAre("-TERM", "2"));
     EXPECT_THAT(launcher.requests[1].arguments, ElementsAre("-TERM", "2147483647"));
@@ -82,46 +82,48 @@ TEST_P(KillToolExitTest, DecidesTheResult) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, KillToolExitTest,
-    testing::Values(Exit{"Success", true, "", 0, {Outcome::asked, ""}},
-                    Exit{"Failure", true, "", 1, {Outcome::refused, ""}},
-                    Exit{"UsageError", true, "", 64, {Outcome::refused, ""}},
-                    Exit{"CommandNotFound", true, "", 127, {Outcome::refused, ""}},
-                    Exit{"HighestStatus", true, "", 255, {Outcome::refused, ""}},
-                    Exit{"EndedByASignal", true, "", std::nullopt, {Outcome::refused, ""}},
+    testing::Values(Exit{"Success", true, "", 0, {Termination::asked, ""}},
+                    Exit{"Failure", true, "", 1, {Termination::refused, ""}},
+                    Exit{"UsageError", true, "", 64, {Termination::refused, ""}},
+                    Exit{"CommandNotFound", true, "", 127, {Termination::refused, ""}},
+                    Exit{"HighestStatus", true, "", 255, {Termination::refused, ""}},
+                    Exit{"EndedByASignal", true, "", std::nullopt, {Termination::refused, ""}},
                     Exit{"NotLaunched",
                          false,
                          "No such file or directory",
                          std::nullopt,
-                         {Outcome::failed, "No such file or directory"}}),
+                         {Termination::failed, "No such file or directory"}}),
     [](const auto& instance) { return instance.param.name; });
 
 TEST_F(KillToolTest, IsNotLaunchedWhereItIsNotAllowed) {
     CommandSafetyPolicy::AllowedExecutables others{"/usr/bin/kill", "/bin/ps"};
     KillTool refused(others, launcher, [](std::int64_t) { return reviewed; });
-    EXPECT_EQ(refused.hold(4242, reviewed)->terminate(), (TerminationResult{Outcome::blocked, ""}));
+    EXPECT_EQ(refused.hold(4242, reviewed)->terminate(),
+              (TerminationResult{Termination::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
 TEST_F(KillToolTest, TheAllowlistIsCheckedFirst) {
     CommandSafetyPolicy::AllowedExecutables none{};
     KillTool refused(none, launcher, [](std::int64_t) { return 0; });
-    EXPECT_EQ(refused.hold(4242, reviewed)->terminate().outcome, Outcome::blocked);
+    EXPECT_EQ(refused.hold(4242, reviewed)->terminate().outcome, Termination::blocked);
 }
 
 TEST_F(KillToolTest, APidReusedAfterTheHoldIsNotSignalled) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, reviewed);
     startTimes[4242] = later;
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::blocked, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Termination::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 
-    EXPECT_EQ(tool.hold(4242, later)->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(tool.hold(4242, later)->terminate().outcome, Termination::asked);
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
 TEST_F(KillToolTest, APidReusedBeforeTheHoldIsNotSignalled) {
     startTimes[4242] = later;
-    EXPECT_EQ(tool.hold(4242, reviewed)->terminate(), (TerminationResult{Outcome::blocked, ""}));
+    EXPECT_EQ(tool.hold(4242, reviewed)->terminate(),
+              (TerminationResult{Termination::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
@@ -129,24 +131,24 @@ TEST_F(KillToolTest, AProcessThatHasEndedIsNotSignalled) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, reviewed);
     startTimes.clear();
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Termination::refused, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
 TEST_F(KillToolTest, AnUnknownStartTimeMeansTheProcessWithThePidAtTheHold) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, 0);
-    EXPECT_EQ(held->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(held->terminate().outcome, Termination::asked);
     startTimes[4242] = later;
-    EXPECT_EQ(held->terminate().outcome, Outcome::blocked);
+    EXPECT_EQ(held->terminate().outcome, Termination::blocked);
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
 TEST_F(KillToolTest, APidUnusedAtTheHoldIsNotSignalled) {
     const auto held = tool.hold(4242, 0);
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Termination::refused, ""}));
     startTimes[4242] = later;
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::blocked, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Termination::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 }
 
@@ -155,7 +157,7 @@ TEST_F(KillToolTest, AHeldProcessOutlivesTheControl) {
         allowed, launcher, [start = reviewed](std::int64_t) { return start; });
     const auto held = shortLived->hold(4242, reviewed);
     shortLived.reset();
-    EXPECT_EQ(held->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(held->terminate().outcome, Termination::asked);
 }
 
 }  // namespace

@@ -9,10 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "actions/confirmation_desk.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "core/activity_kinds.h"
+#include "core/confirmation_desk.h"
 #include "core/services.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
@@ -59,6 +59,11 @@ public:
     /// Ends the process and gives its pid to another one.
     void reusePid(std::int64_t pid) { ports.processes->running[pid] = firstStartTime + 1; }
 
+    /// The services with another desk, for other actions beside `actions`.
+    Services servicesWith(ConfirmationDesk& desk) {
+        return {log, settings, desk, jobs, mainQueue, clock, locale};
+    }
+
     void selectFirst() { review.selectFirstProcess(rows); }
 
     void confirm() {
@@ -84,12 +89,11 @@ public:
 
     LatestSample sample{settings, mainQueue};
     ReviewTarget review{services, sample, policy};
-    ConfirmationDesk confirmations{log, mainQueue};
     FakeLocalActions ports;
     std::vector<ProcessSample> rows;
     int refreshes = 0;
     LocalActions actions{
-        {services, sample, review, confirmations, policy, [this] { ++refreshes; }, ports.ports()}};
+        {services, sample, review, policy, [this] { ++refreshes; }, ports.ports()}};
 };
 
 }  // namespace tallowcrest

@@ -195,7 +195,7 @@ TEST_F(NeverQuit, RemovingANameTwiceDoesNotPutItBack) {
     EXPECT_EQ(actions.removeFromNeverQuit("Python"),
               Outcome::done("Python removed from Never Quit."));
     expectRecorded("Python removed from Never Quit.");
-    EXPECT_EQ(actions.removeFromNeverQuit("Python"), Outcome::refused({}));
+    EXPECT_EQ(actions.removeFromNeverQuit("Python"), Outcome::ignored());
     EXPECT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_EQ(settings.values().protectedAppNames, ProtectedAppNames{"Docker"});
     EXPECT_EQ(store.read(settings_keys::protectedAppsKey),

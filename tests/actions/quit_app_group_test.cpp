@@ -6,6 +6,7 @@
 namespace tallowcrest {
 namespace {
 
+using Termination = TerminationResult::Outcome;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -253,7 +254,7 @@ TEST_F(QuitAppGroup, WithoutStartTimesAMemberWhosePidWasReusedIsNotSignalled) {
 
 TEST_F(QuitAppGroup, InvalidPidsNeverReachThePort) {
     ConfirmationDesk desk(log, mainQueue);
-    LocalActions lenient({services, sample, review, desk,
+    LocalActions lenient({servicesWith(desk), sample, review,
                           ProtectionPolicy{.ownPID = ownPID, .protectsLinuxSystem = false}, [] {},
                           ports.ports()});
     for (const std::int64_t pid : {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1},
@@ -271,7 +272,6 @@ TEST_F(QuitAppGroup, InvalidPidsNeverReachThePort) {
 }
 
 TEST_F(QuitAppGroup, AFailureForOneMemberDoesNotStopTheOthers) {
-    using Termination = TerminationResult::Outcome;
     requestQuitOfFirefox();
     ports.processes->results[700] = {Termination::refused, {}};
     ports.processes->results[701] = {Termination::failed, "Too many open files"};
@@ -318,10 +318,9 @@ TEST_F(QuitAppGroup, ARequestWithoutAGroupDoesNothing) {
 
 TEST_F(QuitAppGroup, WithoutADesktopOnlyTermIsSent) {
     ConfirmationDesk desk(log, mainQueue);
-    LocalActions headless({services,
+    LocalActions headless({servicesWith(desk),
                            sample,
                            review,
-                           desk,
                            policy,
                            [] {},
                            {ports.processes, nullptr, ports.cachePurge}});
@@ -339,7 +338,8 @@ TEST_F(QuitAppGroup, AnAnswerAfterDestructionIsDropped) {
         ports.gracefulQuit->names.clear();
         rows.clear();
         {
-            LocalActions shortLived({services, sample, review, desk, policy, [] {}, ports.ports()});
+            LocalActions shortLived(
+                {servicesWith(desk), sample, review, policy, [] {}, ports.ports()});
             addFirefox();
             selectFirst();
             shortLived.requestQuitSelectedApp();

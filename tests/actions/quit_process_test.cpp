@@ -184,6 +184,20 @@ TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
 }
 
+TEST_F(QuitProcess, AProcessThatIsGoneAndHadNeitherACommandNorAStartTimeIsNotSignalled) {
+    addProcess(700, "").startTime = 0;
+    takeSample();
+    selectFirst();
+    rows.clear();
+    takeSample();
+    reusePid(700);
+    actions.requestQuitSelectedProcess();
+    EXPECT_THAT(confirmations.targetPaths(), IsEmpty());
+    confirm();
+    expectRecorded(blocked);
+    EXPECT_THAT(ports.processes->signalled, IsEmpty());
+}
+
 TEST_F(QuitProcess, ASampleDoesNotChangeThePendingRequest) {
     requestQuitOf(700, "/usr/bin/editor");
     const ConfirmationRequest asked = pending();
@@ -212,6 +226,22 @@ TEST_F(QuitProcess, AReplacedRequestSignalsOnlyTheNewTarget) {
     confirm();
     EXPECT_THAT(ports.processes->signalled,
                 ElementsAre(FakeProcessControl::Signalled{800, firstStartTime}));
+}
+
+TEST_F(QuitProcess, TheProcessIsReleasedWhenItsRequestIsAnsweredOrReplaced) {
+    requestQuitOf(700, "/usr/bin/editor");
+    EXPECT_EQ(ports.processes->heldNow(), 1);
+    actions.requestQuitSelectedProcess();
+    EXPECT_EQ(ports.processes->heldNow(), 1) << "by the second request";
+    actions.requestPurge();
+    EXPECT_EQ(ports.processes->heldNow(), 0) << "replaced";
+    actions.requestQuitSelectedProcess();
+    confirmations.cancelPending();
+    EXPECT_EQ(ports.processes->heldNow(), 0) << "cancelled";
+    actions.requestQuitSelectedProcess();
+    confirm();
+    EXPECT_THAT(ports.processes->signalled, SizeIs(1));
+    EXPECT_EQ(ports.processes->heldNow(), 0) << "confirmed";
 }
 
 TEST_F(QuitProcess, ARequestWithoutAReviewIsBlocked) {
@@ -268,23 +298,26 @@ TEST_F(QuitProcess, InvalidPidsNeverReachThePort) {
 TEST_F(QuitProcess, EveryOutcomeHasItsMessage) {
     struct Case {
         TerminationResult result;
+        Outcome::Kind outcome;
         const char* message;
         int refreshes;
     };
+    using enum Outcome::Kind;
     const Case cases[] = {
-        {{Termination::asked, {}}, "Asked process 700 to quit.", 1},
-        {{Termination::refused, {}}, "Could not quit process 700. It may be protected.", 1},
+        {{Termination::asked, {}}, done, "Asked process 700 to quit.", 1},
+        {{Termination::refused, {}}, failed, "Could not quit process 700. It may be protected.", 1},
         {{Termination::failed, "Too many open files"},
+         failed,
          "Could not quit process 700: Too many open files",
          0},
-        {{Termination::blocked, {}}, blocked, 0},
+        {{Termination::blocked, {}}, refused, blocked, 0},
     };
     for (const Case& each : cases) {
         rows.clear();
         refreshes = 0;
         ports.processes->results[700] = each.result;
         requestQuitOf(700, "/usr/bin/editor");
-        confirm();
+        EXPECT_EQ(confirmations.confirmPending(), (Outcome{each.outcome, each.message}));
         expectRecorded(each.message);
         EXPECT_EQ(refreshes, each.refreshes) << each.message;
     }

@@ -19,10 +19,11 @@ namespace {
 
 using ::testing::IsEmpty;
 
-constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
+constexpr const char* firstReviewStep =
+    "1. Select an offender to review. No optimization has run yet.";
 
-ProcessSample row(std::int64_t pid, const std::string& command, double cpu = 12.34,
-                  double rssMB = 345.6) {
+ProcessSample reviewedRow(std::int64_t pid, const std::string& command, double cpu = 12.34,
+                          double rssMB = 345.6) {
     return {pid, cpu, 1.0, rssMB, command, command};
 }
 
@@ -55,7 +56,7 @@ protected:
     void expectNothingSelected() const {
         EXPECT_EQ(review.selectedPID(), std::nullopt);
         EXPECT_EQ(review.selectedAppImpactName(), std::nullopt);
-        EXPECT_EQ(review.optimizeStep(), firstStep);
+        EXPECT_EQ(review.optimizeStep(), firstReviewStep);
     }
 
     void expectSelected(std::int64_t pid, const std::string& groupName,
@@ -104,7 +105,7 @@ TEST_F(ReviewTargetTest, SelectProcessSetsTargetGroupAndStepAndRecordsNothing) {
          {std::tuple{"/opt/google/Google Chrome Helper", "Google Chrome", "Google Chrome Helper"},
           {"/usr/lib/systemd/systemd", "systemd", "systemd"},  // a protected row too
           {"/", "/", "/"}}) {                                  // the whole command
-        review.selectProcess(row(7, command));
+        review.selectProcess(reviewedRow(7, command));
         expectSelected(
             7, groupName,
             "2. " + std::string(name) + " is selected for review from CPU + Memory Processes.");
@@ -113,8 +114,8 @@ TEST_F(ReviewTargetTest, SelectProcessSetsTargetGroupAndStepAndRecordsNothing) {
 }
 
 TEST_F(ReviewTargetTest, SelectFirstProcessTakesTheFirstVisibleRow) {
-    outcome =
-        review.selectFirstProcess({row(9, "/usr/bin/second-heaviest"), row(7, "/usr/bin/other")});
+    outcome = review.selectFirstProcess(
+        {reviewedRow(9, "/usr/bin/second-heaviest"), reviewedRow(7, "/usr/bin/other")});
     expectSelected(9, "second-heaviest",
                    "2. second-heaviest is selected for review from CPU + Memory Processes.");
     EXPECT_EQ(outcome.kind, Outcome::Kind::done);
@@ -124,7 +125,7 @@ TEST_F(ReviewTargetTest, SelectFirstProcessTakesTheFirstVisibleRow) {
 }
 
 TEST_F(ReviewTargetTest, SelectFirstProcessOfAnEmptyListKeepsTheSelection) {
-    review.selectProcess(row(7, "/usr/bin/kept"));
+    review.selectProcess(reviewedRow(7, "/usr/bin/kept"));
     outcome = review.selectFirstProcess({});
     expectSelected(7, "kept", "2. kept is selected for review from CPU + Memory Processes.");
     EXPECT_EQ(outcome, Outcome::refused("No process is available to select."));
@@ -132,7 +133,7 @@ TEST_F(ReviewTargetTest, SelectFirstProcessOfAnEmptyListKeepsTheSelection) {
 }
 
 TEST_F(ReviewTargetTest, SelectProcessWithPIDTakesTheRowOfTheLatestTable) {
-    publish({row(7, "/usr/bin/first"), row(9, "/usr/bin/second")}, {});
+    publish({reviewedRow(7, "/usr/bin/first"), reviewedRow(9, "/usr/bin/second")}, {});
     EXPECT_EQ(review.selectProcessWithPID(9),
               Outcome::done("Selected second from CPU + Memory Processes. No action has run yet."));
     expectSelected(9, "second", "2. second is selected for review from CPU + Memory Processes.");
@@ -140,7 +141,7 @@ TEST_F(ReviewTargetTest, SelectProcessWithPIDTakesTheRowOfTheLatestTable) {
 }
 
 TEST_F(ReviewTargetTest, SelectProcessWithPIDOfAProcessThatIsGoneKeepsTheSelection) {
-    publish({row(7, "/usr/bin/kept")}, {});
+    publish({reviewedRow(7, "/usr/bin/kept")}, {});
     review.selectProcessWithPID(7);
     EXPECT_EQ(review.selectProcessWithPID(9),
               Outcome::refused("No process is available to select."));
@@ -154,14 +155,14 @@ TEST_F(ReviewTargetTest, SelectTopProcessWithoutASampleOrOfAnEmptyTable) {
     outcome = review.selectTopProcess();
     expectNothingSelected();
     expectOutcome(Outcome::refused("No process sample is available yet."));
-    publish({row(7, "/usr/bin/unranked")}, {});
+    publish({reviewedRow(7, "/usr/bin/unranked")}, {});
     outcome = review.selectTopProcess();
     expectNothingSelected();
     expectOutcome(Outcome::refused("No process sample is available yet."), 1);
 }
 
 TEST_F(ReviewTargetTest, SelectTopProcess) {
-    publish({}, {row(7, "/usr/bin/python3.11"), row(8, "/usr/bin/other")});
+    publish({}, {reviewedRow(7, "/usr/bin/python3.11"), reviewedRow(8, "/usr/bin/other")});
     outcome = review.selectTopProcess();
     expectSelected(7, "Python",
                    "2. python3.11 is selected for review. Choose a confirmed action when ready.");
@@ -171,19 +172,19 @@ TEST_F(ReviewTargetTest, SelectTopProcess) {
 TEST_F(ReviewTargetTest, SelectTopProcessRefusesAProtectedProcess) {
     setNeverQuit({"Node.js"});
     const std::vector<ProcessSample> protectedRows{
-        row(7, "/sbin/launchd"),             // a built-in name
-        row(7, "/usr/libexec/anything"),     // a protected place
-        row(7, "/System/Library/anything"),  // a protected place
-        row(7, "/usr/bin/node"),             // its group is on the Never Quit list
-        row(4242, "/usr/bin/anything"),      // this program itself
-        row(1, "/sbin/anything"),            // the first process
-        row(7, "[kworker/0:1]"),             // a kernel thread
-        row(7, "/usr/bin/gnome-shell"),      // the session
+        reviewedRow(7, "/sbin/launchd"),             // a built-in name
+        reviewedRow(7, "/usr/libexec/anything"),     // a protected place
+        reviewedRow(7, "/System/Library/anything"),  // a protected place
+        reviewedRow(7, "/usr/bin/node"),             // its group is on the Never Quit list
+        reviewedRow(4242, "/usr/bin/anything"),      // this program itself
+        reviewedRow(1, "/sbin/anything"),            // the first process
+        reviewedRow(7, "[kworker/0:1]"),             // a kernel thread
+        reviewedRow(7, "/usr/bin/gnome-shell"),      // the session
     };
     for (const ProcessSample& top : protectedRows) {
         const std::size_t before = log.activityLog().size();
-        review.selectProcess(row(99, "/usr/bin/kept"));
-        publish({}, {top, row(8, "/usr/bin/safe")});
+        review.selectProcess(reviewedRow(99, "/usr/bin/kept"));
+        publish({}, {top, reviewedRow(8, "/usr/bin/safe")});
         outcome = review.selectTopProcess();
         expectSelected(99, "kept", "2. kept is selected for review from CPU + Memory Processes.");
         expectOutcome(
@@ -194,7 +195,7 @@ TEST_F(ReviewTargetTest, SelectTopProcessRefusesAProtectedProcess) {
 }
 
 TEST_F(ReviewTargetTest, NeverQuitNamesAreCaseSensitiveGroupNames) {
-    const ProcessSample node = row(7, "/usr/bin/node");
+    const ProcessSample node = reviewedRow(7, "/usr/bin/node");
     setNeverQuit({"node", "NODE.JS"});
     publish({}, {node});
     outcome = review.selectTopProcess();
@@ -209,10 +210,10 @@ TEST_F(ReviewTargetTest, NeverQuitNamesAreCaseSensitiveGroupNames) {
 TEST_F(ReviewTargetTest, SelectTopAppWithoutASampleAGroupOrATopProcess) {
     outcome = review.selectTopApp();
     expectOutcome(Outcome::refused("No app impact sample is available yet."));
-    publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")}, {});
+    publish({reviewedRow(7, "/usr/bin/a")}, {reviewedRow(7, "/usr/bin/a")}, {});
     outcome = review.selectTopApp();
     expectOutcome(Outcome::refused("No app impact sample is available yet."), 1);
-    publish({row(7, "/usr/bin/a")}, {row(7, "/usr/bin/a")},
+    publish({reviewedRow(7, "/usr/bin/a")}, {reviewedRow(7, "/usr/bin/a")},
             {group("No top", std::nullopt), group("a", 7)});
     outcome = review.selectTopApp();
     expectOutcome(Outcome::refused("No app impact sample is available yet."), 2);
@@ -220,7 +221,8 @@ TEST_F(ReviewTargetTest, SelectTopAppWithoutASampleAGroupOrATopProcess) {
 }
 
 TEST_F(ReviewTargetTest, SelectTopApp) {
-    publish({row(8, "/usr/bin/b"), row(7, "/usr/bin/a")}, {}, {group("Group A", 7), group("b", 8)});
+    publish({reviewedRow(8, "/usr/bin/b"), reviewedRow(7, "/usr/bin/a")}, {},
+            {group("Group A", 7), group("b", 8)});
     outcome = review.selectTopApp();
     expectSelected(7, "Group A",
                    "2. Group A is selected for review. Nothing has been quit or purged yet.");
@@ -230,8 +232,9 @@ TEST_F(ReviewTargetTest, SelectTopApp) {
 TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
     setNeverQuit({"Docker"});
     for (const ProcessSample& top :
-         {row(7, "/sbin/launchd"), row(7, "/usr/bin/docker"), row(7, "/usr/sbin/sshd"),
-          row(7, "[kswapd0]"), row(4242, "/usr/bin/anything")}) {
+         {reviewedRow(7, "/sbin/launchd"), reviewedRow(7, "/usr/bin/docker"),
+          reviewedRow(7, "/usr/sbin/sshd"), reviewedRow(7, "[kswapd0]"),
+          reviewedRow(4242, "/usr/bin/anything")}) {
         const std::size_t before = log.activityLog().size();
         publish({top}, {}, {group("Heavy", top.pid)});
         outcome = review.selectTopApp();
@@ -244,7 +247,7 @@ TEST_F(ReviewTargetTest, SelectTopAppRefusesAProtectedTopProcess) {
 
 TEST_F(ReviewTargetTest, SelectTopAppAcceptsATopProcessThatHasLeftTheList) {
     // The ranked rows still contain it, even as a protected one, but only the latest table counts.
-    publish({row(8, "/usr/bin/b")}, {row(7, "/sbin/launchd")}, {group("Gone", 7)});
+    publish({reviewedRow(8, "/usr/bin/b")}, {reviewedRow(7, "/sbin/launchd")}, {group("Gone", 7)});
     outcome = review.selectTopApp();
     expectSelected(7, "Gone",
                    "2. Gone is selected for review. Nothing has been quit or purged yet.");
@@ -254,7 +257,7 @@ TEST_F(ReviewTargetTest, SelectTopAppAcceptsATopProcessThatHasLeftTheList) {
 // Clearing ---------------------------------------------------------------------------------------
 
 TEST_F(ReviewTargetTest, ClearingIsRecordedEvenWithoutASelection) {
-    review.selectProcess(row(7, "/usr/bin/a"));
+    review.selectProcess(reviewedRow(7, "/usr/bin/a"));
     for (const std::size_t events : {0U, 1U}) {
         review.clearOperationTarget();
         expectNothingSelected();
@@ -269,48 +272,50 @@ TEST_F(ReviewTargetTest, SummaryOfARowOfTheLatestTableOrOtherwiseOfTheRankedList
         review.selectProcess(selected);
         return review.selectedTargetSummary();
     };
-    publish({row(7, "/opt/Google Chrome Helper", 12.35, 345.6), row(9, "//")},
-            {row(7, "/usr/bin/older-name", 99, 99), row(8, "/usr/bin/a", 0, 0.4)});
-    EXPECT_EQ(summaryOf(row(7, "/usr/bin/whatever")),
+    publish({reviewedRow(7, "/opt/Google Chrome Helper", 12.35, 345.6), reviewedRow(9, "//")},
+            {reviewedRow(7, "/usr/bin/older-name", 99, 99), reviewedRow(8, "/usr/bin/a", 0, 0.4)});
+    EXPECT_EQ(summaryOf(reviewedRow(7, "/usr/bin/whatever")),
               (SelectedTargetSummary{"Google Chrome Helper",
                                      "Google Chrome · PID 7 · 12.3% CPU · 346 MB", false}));
-    EXPECT_EQ(summaryOf(row(8, "/usr/bin/a")),
+    EXPECT_EQ(summaryOf(reviewedRow(8, "/usr/bin/a")),
               (SelectedTargetSummary{"a", "a · PID 8 · 0.0% CPU · 0 MB", false}));
-    EXPECT_EQ(summaryOf(row(9, "//")).title, "//") << "without a path component";
+    EXPECT_EQ(summaryOf(reviewedRow(9, "//")).title, "//") << "without a path component";
 }
 
 TEST_F(ReviewTargetTest, SummaryMarksProtectedProcesses) {
     setNeverQuit({"b"});
-    publish({row(7, "/sbin/launchd"), row(8, "/usr/bin/b"), row(1, "/init")}, {});
+    publish(
+        {reviewedRow(7, "/sbin/launchd"), reviewedRow(8, "/usr/bin/b"), reviewedRow(1, "/init")},
+        {});
     for (const std::int64_t pid : {7, 8, 1}) {
-        review.selectProcess(row(pid, "/usr/bin/x"));
+        review.selectProcess(reviewedRow(pid, "/usr/bin/x"));
         EXPECT_TRUE(review.selectedTargetSummary().isProtected) << pid;
     }
 }
 
 TEST_F(ReviewTargetTest, SummaryOfAProcessThatIsGone) {
-    review.selectProcess(row(7, "/sbin/launchd"));
+    review.selectProcess(reviewedRow(7, "/sbin/launchd"));
     const SelectedTargetSummary gone = goneSummary("PID 7");
     EXPECT_EQ(review.selectedTargetSummary(), gone);  // no sample at all
-    publish({row(8, "/usr/bin/b")}, {row(8, "/usr/bin/b")});
+    publish({reviewedRow(8, "/usr/bin/b")}, {reviewedRow(8, "/usr/bin/b")});
     EXPECT_EQ(review.selectedTargetSummary(), gone);
     EXPECT_EQ(review.selectedPID(), 7);
 }
 
 TEST_F(ReviewTargetTest, AReusedPidIsNotTheProcessUnderReview) {
-    ProcessSample reviewed = row(700, "/usr/bin/editor");
+    ProcessSample reviewed = reviewedRow(700, "/usr/bin/editor");
     reviewed.startTime = 1000;
     publish({reviewed}, {reviewed});
     review.selectProcess(reviewed);
     ASSERT_NE(review.selectedRow(), nullptr);
     EXPECT_EQ(review.selectedStartTime(), 1000U);
-    ProcessSample later = row(700, "/usr/bin/backup");
+    ProcessSample later = reviewedRow(700, "/usr/bin/backup");
     later.startTime = 1001;
     publish({later}, {later});
     EXPECT_EQ(review.selectedRow(), nullptr);
     EXPECT_EQ(review.selectedTargetSummary(), goneSummary("PID 700"));
     // Without start times the PID alone decides.
-    const ProcessSample withoutStartTime = row(700, "/usr/bin/editor");
+    const ProcessSample withoutStartTime = reviewedRow(700, "/usr/bin/editor");
     publish({withoutStartTime}, {});
     review.selectProcess(withoutStartTime);
     EXPECT_EQ(review.selectedStartTime(), 0U);
@@ -318,14 +323,14 @@ TEST_F(ReviewTargetTest, AReusedPidIsNotTheProcessUnderReview) {
 }
 
 TEST_F(ReviewTargetTest, SetTargetKeepsTheStep) {
-    ProcessSample listed = row(700, "/usr/bin/editor");
+    ProcessSample listed = reviewedRow(700, "/usr/bin/editor");
     listed.startTime = 1000;
     publish({listed}, {});
     review.setTarget(700, "editor");
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_EQ(review.selectedAppImpactName(), "editor");
     EXPECT_EQ(review.selectedStartTime(), 1000U);
-    EXPECT_EQ(review.optimizeStep(), firstStep);
+    EXPECT_EQ(review.optimizeStep(), firstReviewStep);
     review.setTarget(701, "gone");
     EXPECT_EQ(review.selectedStartTime(), 0U);
     EXPECT_EQ(review.selectedRow(), nullptr);
@@ -335,7 +340,7 @@ TEST_F(ReviewTargetTest, SetTargetKeepsTheStep) {
 TEST_F(ReviewTargetTest, NotifiesObserversOfEverySelection) {
     int told = 0;
     const Subscription subscription = review.observable().subscribe([&told] { ++told; });
-    review.selectProcess(row(7, "/usr/bin/a"));
+    review.selectProcess(reviewedRow(7, "/usr/bin/a"));
     mainQueue.drain();
     EXPECT_EQ(told, 1);
     review.clearOperationTarget();

@@ -13,7 +13,7 @@
 
 #include "core/activity_log.h"
 #include "core/record_json.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "platform/base/run_loop.h"
 #include "sampling/latest_sample.h"
 #include "tests/app/private_data.h"
@@ -35,7 +35,7 @@ using ::testing::internal::GetCapturedStderr;
 class CompositionTest : public ::testing::Test {
 protected:
     std::unique_ptr<Composition> start(SettingsAccess access) {
-        return std::make_unique<Composition>(loop, access, std::vector<std::string>{"tallowcrest"});
+        return std::make_unique<Composition>(loop, access);
     }
 
     /// Runs what has been posted so far.

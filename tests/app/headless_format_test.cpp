@@ -1,7 +1,6 @@
 #include "app/headless_format.h"
 
 #include <cstdlib>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "core/text.h"
 #include "tests/support/each_of.h"
 #include "tests/support/lines_of.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -64,6 +64,16 @@ protected:
         tzset();
     }
 };
+
+TEST_F(SampleBlock, ADateWithoutAFormIsUnknown) {
+    for (const double seconds : {1e300, -1e300, std::numeric_limits<double>::infinity(),
+                                 std::numeric_limits<double>::quiet_NaN()}) {
+        SystemSnapshot snapshot = sampleSnapshot();
+        snapshot.sampledAt.secondsSinceReference = seconds;
+        EXPECT_THAT(sampleBlock(snapshot, {}), ::testing::StartsWith("unknown  CPU 37%"))
+            << seconds;
+    }
+}
 
 TEST_F(SampleBlock, ShowsTheMachineTheGroupsAndTheRecommendations) {
     EXPECT_EQ(
@@ -174,9 +184,9 @@ TEST_F(SampleBlock, ARecommendationCannotAddLines) {
 
 TEST_F(SampleBlock, AcceptsNaNAndInfinities) {
     SystemSnapshot snapshot = sampleSnapshot();
-    snapshot.cpuPercent = std::numeric_limits<double>::quiet_NaN();
-    snapshot.memory.pressure = std::numeric_limits<double>::infinity();
-    snapshot.appImpacts[0].totalCPU = -std::numeric_limits<double>::infinity();
+    snapshot.cpuPercent = nan;
+    snapshot.memory.pressure = infinity;
+    snapshot.appImpacts[0].totalCPU = -infinity;
     EXPECT_EQ(endedLinesOf(sampleBlock(snapshot, {})).size(), 5U);
 }
 
@@ -261,8 +271,8 @@ TEST(SampleJSON, IsValidWithAnyNameAndFigure) {
         snapshot.topProcesses[0].command = name;
         snapshot.appImpacts[0].name = name;
         snapshot.pressureText = name;
-        snapshot.cpuPercent = std::numeric_limits<double>::quiet_NaN();
-        snapshot.memory.pressure = std::numeric_limits<double>::infinity();
+        snapshot.cpuPercent = nan;
+        snapshot.memory.pressure = infinity;
         const std::string text = sampleJSON(snapshot, {card(name, Recommendation::Severity::info)});
         EXPECT_EQ(endedLinesOf(text).size(), 1U);
         EXPECT_TRUE(isValidUTF8(text));

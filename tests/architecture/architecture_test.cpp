@@ -8,12 +8,14 @@
 #include <gtest/gtest.h>
 
 #include "tests/architecture/layer_rules.h"
+#include "tests/architecture/link_rules.h"
 #include "tests/support/file_text.h"
 
 namespace tallowcrest::architecture {
 
 void PrintTo(const Violation& violation, std::ostream* stream) {
-    *stream << "src/" << violation.path << ':' << violation.line << ": " << violation.what;
+    *stream << (violation.path.starts_with("tests/") ? "" : "src/") << violation.path << ':'
+            << violation.line << ": " << violation.what;
 }
 
 namespace {
@@ -25,10 +27,12 @@ bool isRead(const std::filesystem::path& path) {
            path.filename() == "CMakeLists.txt";
 }
 
-std::vector<SourceFile> readTree() {
-    const std::filesystem::path root = std::filesystem::path(TALLOWCREST_SOURCE_DIR) / "src";
+/// The files of a folder of the repository. Their paths begin at `base`.
+std::vector<SourceFile> readTree(const char* folder, const std::filesystem::path& base) {
+    const std::filesystem::path repository = TALLOWCREST_SOURCE_DIR;
+    const std::filesystem::path root = repository / base;
     std::vector<SourceFile> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(repository / folder)) {
         if (entry.is_regular_file() && isRead(entry.path())) {
             files.push_back(
                 {entry.path().lexically_relative(root).generic_string(), fileText(entry.path())});
@@ -40,7 +44,7 @@ std::vector<SourceFile> readTree() {
 }
 
 const std::vector<SourceFile>& tree() {
-    static const std::vector<SourceFile> files = readTree();
+    static const std::vector<SourceFile> files = readTree("src", "src");
     return files;
 }
 
@@ -53,6 +57,7 @@ bool treeHolds(const std::string& path) {
 // The other tests would pass for an empty tree.
 TEST(Architecture, ReadsTheTree) {
     EXPECT_TRUE(treeHolds("core/clock.h"));
+    EXPECT_TRUE(treeHolds("presentation/screens/shared/screen.h"));
     EXPECT_TRUE(treeHolds("core/CMakeLists.txt"));
     EXPECT_TRUE(treeHolds("sampling/system_cpu_load_reader.cpp"));
 }
@@ -65,6 +70,10 @@ TEST(Architecture, OnlyPagesHoldTheMonitor) {
     EXPECT_THAT(monitorOutsidePages(tree()), IsEmpty());
 }
 
+TEST(Architecture, TheShellIncludesTheScreensAndNotTheOtherWayRound) {
+    EXPECT_THAT(upwardWindowIncludes(tree()), IsEmpty());
+}
+
 TEST(Architecture, QtStaysInTheWindow) {
     EXPECT_THAT(strayQtIncludes(tree()), IsEmpty());
 }
@@ -75,6 +84,9 @@ TEST(Architecture, OnlyThePlatformFolderKnowsTheOperatingSystem) {
 
 TEST(Architecture, NoFileIsTooLong) {
     EXPECT_THAT(overlongFiles(tree()), IsEmpty());
+    const std::vector<SourceFile> tests = readTree("tests", {});
+    ASSERT_GT(tests.size(), 100U);
+    EXPECT_THAT(overlongFiles(tests), IsEmpty());
 }
 
 TEST(Architecture, LinkEdgesMatchTheIncludes) {

@@ -7,13 +7,14 @@ BINARY are the object files and static libraries that the programs are linked fr
 they define is called when a relocation in them refers to it: a call, a stored address, a virtual
 table. A call that the compiler inlined leaves no relocation, so a function also counts as called
 when the text of its own source file calls its name. An inline function that is not used leaves no
-symbol at all; it is looked for in the text of the files below SOURCE_FOLDER, where the name of one
-that is called occurs more often than headers define a function of that name.
+symbol at all; it is looked for in the text of the files below SOURCE_FOLDER, where one that is used
+is called, or named with its class in front, besides where headers define a function of that name.
 
 ALLOWED lists the functions that may stay, one on a line, under a comment that says why. A listed
 function that is called or gone is an error too.
 
-Not found: an uncalled overload when another one of its name is called in the same file, and a
+Not found: an uncalled inline function that has its name from a data member which is named with its
+class in front, an uncalled overload when another one of its name is called in the same file, and a
 function that only an uncalled one calls, until that one is removed.
 """
 
@@ -88,15 +89,19 @@ def source_texts(folder):
 
 
 def uncalled_inline_functions(texts):
-    """The names of functions with a body in a header that occur in `texts` only where they are
-    defined, be it by several classes."""
-    occurrences = collections.Counter(
-        word for text in texts.values() for word in re.findall(r"\w+", text))
+    """The names of functions with a body in a header that `texts` do not use besides defining
+    them, be it by several classes."""
+    use = re.compile(r"\b(\w+)(?:<[^<>()]*>)?\(|::(\w+)\b(?!\()")
+    uses = collections.Counter(
+        match[1] or match[2] for text in texts.values() for match in use.finditer(text))
     body = re.compile(r"\b(\w+)\([^()]*\)(?: const)?(?: noexcept)? \{")
+    # Behind a colon or a comma it is the last initializer of a constructor.
     definitions = collections.Counter(
-        name for path, text in texts.items() if path.suffix == ".h" for name in body.findall(text))
+        match[1] for path, text in texts.items() if path.suffix == ".h"
+        for match in body.finditer(text)
+        if not text[:match.start()].rstrip().endswith((":", ",")))
     return {name for name, count in definitions.items()
-            if occurrences[name] == count and name != "requires"}
+            if uses[name] == count and name != "requires"}
 
 
 def main(allowed_list, source_folder, *binaries):

@@ -25,8 +25,15 @@ struct Shape {
     int uncalledMethod() const;
     int calledInline() const { return 4; }
     int uncalledInline() const { return 5; }
+    int uncalledLikeAParameter() const { return 5; }
+    int namedWithItsClass() const { return 5; }
+    template <class Number> int calledWithArguments() const { return 5; }
     int uncalledOfTwo() const { return 6; }
     int calledOfTwo() const { return 7; }
+};
+struct Initialized {
+    explicit Initialized(int uncalledLikeAParameter) : member(uncalledLikeAParameter) {}
+    int member;
 };
 struct Uncalled {
     Uncalled();
@@ -43,7 +50,8 @@ int tiny() { return 2; }
 int calledByItsOwnFile() { return tiny(); }
 int uncalled(int number) { return number; }  // only this comment says uncalled(1) and uncalledInline
 Shape::Shape() {}
-int Shape::corners() const { return calledInline() + calledOfTwo(); }
+int Shape::corners() const { return calledInline() + calledOfTwo() +
+    (this->*&Shape::namedWithItsClass)() + calledWithArguments<int>(); }
 int Shape::uncalledMethod() const { return 3; }
 Uncalled::Uncalled() {}
 }
@@ -54,7 +62,8 @@ int main() { return tallowcrest::called() + tallowcrest::calledByItsOwnFile() +
                     tallowcrest::Shape().corners(); }
 """
 DEAD = ["tallowcrest::Shape::uncalledMethod", "tallowcrest::Uncalled::Uncalled",
-        "tallowcrest::uncalled", "uncalledInline", "uncalledOfTwo"]
+        "tallowcrest::uncalled", "uncalledInline", "uncalledLikeAParameter",
+        "uncalledOfTwo"]
 
 
 class DeadCodeTest(unittest.TestCase):

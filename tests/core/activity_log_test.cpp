@@ -67,7 +67,7 @@ TEST_F(ActivityLogTest, RecordsTheWordsOfAnOutcomeAndHandsItOn) {
 }
 
 TEST_F(ActivityLogTest, RecordsNothingOfAnOutcomeWithoutWords) {
-    for (const Outcome& outcome : {Outcome::done(), Outcome::asked(), Outcome::refused({})}) {
+    for (const Outcome& outcome : {Outcome::done(), Outcome::asked(), Outcome::ignored()}) {
         EXPECT_EQ(log.record(outcome), outcome);
     }
     EXPECT_EQ(log.lastAction(), "Monitoring started.");
@@ -79,6 +79,7 @@ TEST(OutcomeTest, IsAcceptedWhenItIsDoneOrAsked) {
     EXPECT_TRUE(Outcome::done().isAccepted());
     EXPECT_TRUE(Outcome::asked().isAccepted());
     EXPECT_FALSE(Outcome::refused("No.").isAccepted());
+    EXPECT_FALSE(Outcome::ignored().isAccepted());
     EXPECT_FALSE(Outcome::failed("No.").isAccepted());
 }
 

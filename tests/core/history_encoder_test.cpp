@@ -1,12 +1,12 @@
 #include "core/history_encoder.h"
 
 #include <cstddef>
-#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "core/record_json.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -92,7 +92,7 @@ TEST(HistoryEncoderTest, RejectsAListWhileItHasAPointWithoutAJSONForm) {
     std::vector<HistoryPoint> history = points(3);
     expectSameAsWhole(encoder, history);
     history.push_back(point(3));
-    history.back().cpu = std::numeric_limits<double>::quiet_NaN();
+    history.back().cpu = nan;
     EXPECT_FALSE(encoder.encode(history));
     history.push_back(point(4));
     EXPECT_FALSE(encoder.encode(history));

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/locale_checks.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -77,9 +78,9 @@ TEST(PlainLocale, FormsDecimals) {
                           Case{0.5, 99, "0.500000000000000"},
                           Case{1e17, 1, "100000000000000000.0"},
                           Case{-1e17, 0, "-100000000000000000"},
-                          Case{std::numeric_limits<double>::infinity(), 1, "∞"},
-                          Case{-std::numeric_limits<double>::infinity(), 1, "-∞"},
-                          Case{std::numeric_limits<double>::quiet_NaN(), 1, "NaN"}}) {
+                          Case{infinity, 1, "∞"},
+                          Case{-infinity, 1, "-∞"},
+                          Case{nan, 1, "NaN"}}) {
         EXPECT_EQ(locale.decimal(c.value, c.digits), c.text) << c.value << ", " << c.digits;
     }
     const std::string longest = locale.decimal(std::numeric_limits<double>::max(), 15);
@@ -120,8 +121,7 @@ TEST(PlainLocale, DatesOutsideTheCalendarAreUnknown) {
     const PlainLocale locale;
     for (const double unixSeconds :
          {-62'135'596'801.0, 253'402'300'800.0, 1e18, -1e18, std::numeric_limits<double>::max(),
-          std::numeric_limits<double>::lowest(), std::numeric_limits<double>::infinity(),
-          -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+          std::numeric_limits<double>::lowest(), infinity, -infinity, nan}) {
         const Date date = Date::fromUnixSeconds(unixSeconds);
         EXPECT_FALSE(Locale::hasForm(date)) << unixSeconds;
         EXPECT_EQ(locale.dateAndTime(date), "unknown") << unixSeconds;

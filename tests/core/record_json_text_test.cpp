@@ -10,15 +10,16 @@
 #include <nlohmann/json.hpp>
 
 #include "core/record_json.h"
+#include "tests/support/numbers.h"
 
 /// The form of single values.
 namespace tallowcrest {
 namespace {
 
-constexpr const char* exampleIDText = "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF";
-const UUID exampleID = *UUID::fromText(exampleIDText);
+constexpr const char* idText = "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF";
+const UUID pointID = *UUID::fromText(idText);
 
-std::string pointText(const std::string& date, const std::string& id = exampleIDText) {
+std::string pointText(const std::string& date, const std::string& id = idText) {
     return R"([{"id":")" + id + R"(","date":)" + date + R"(,"cpu":1,"memory":2}])";
 }
 
@@ -28,10 +29,9 @@ std::string trustText(const std::string& count) {
 }
 
 TEST(RecordJSONText, WritesTheMembersInOrder) {
-    EXPECT_EQ(
-        record_json::encode(std::vector{HistoryPoint{exampleID, Date{700000000.25}, 12.5, 64}}),
-        R"([{"id":"0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF","date":700000000.25,)"
-        R"("cpu":12.5,"memory":64}])");
+    EXPECT_EQ(record_json::encode(std::vector{HistoryPoint{pointID, Date{700000000.25}, 12.5, 64}}),
+              R"([{"id":"0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF","date":700000000.25,)"
+              R"("cpu":12.5,"memory":64}])");
     EXPECT_EQ(record_json::encode(std::map<std::string, AITrustRecord>{
                   {"b", {"b", 1, 2, 3, Date{0.5}}}, {"a", {"a", 0, 0, 0, Date{-1}}}}),
               R"({"a":{"actionType":"a","approvedCount":0,"runCount":0,"blockedCount":0,)"
@@ -42,7 +42,7 @@ TEST(RecordJSONText, WritesTheMembersInOrder) {
 TEST(RecordJSONText, EscapesCharactersThatJSONDoesNotAllow) {
     const std::string text = "\"\\\b\f\n\r\t\x01\x1F\x7F/\u20AC";
     const auto encoded =
-        record_json::encode(std::vector{ActivityEvent{exampleID, Date{0}, text, ""}});
+        record_json::encode(std::vector{ActivityEvent{pointID, Date{0}, text, ""}});
     ASSERT_TRUE(encoded);
     for (const char c : *encoded) {
         EXPECT_FALSE(c >= 0 && c < 0x20);
@@ -70,7 +70,7 @@ TEST(RecordJSONText, KeepsEveryFiniteNumberExactly) {
                               9223372036854775808.0,
                               18446744073709551616.0};
     for (const double figure : figures) {
-        const std::vector points{HistoryPoint{exampleID, Date{figure}, figure, -figure}};
+        const std::vector points{HistoryPoint{pointID, Date{figure}, figure, -figure}};
         const auto text = record_json::encode(points);
         ASSERT_TRUE(text) << figure;
         EXPECT_TRUE(nlohmann::json::accept(*text)) << *text;
@@ -79,17 +79,15 @@ TEST(RecordJSONText, KeepsEveryFiniteNumberExactly) {
 }
 
 TEST(RecordJSONText, ANumberThatIsNotFiniteHasNoForm) {
-    for (const double figure :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-          -std::numeric_limits<double>::infinity()}) {
-        const HistoryPoint good{exampleID, Date{1}, 1, 1};
+    for (const double figure : {nan, infinity, -infinity}) {
+        const HistoryPoint good{pointID, Date{1}, 1, 1};
         EXPECT_TRUE(record_json::encode(std::vector{good, good}));
         EXPECT_FALSE(record_json::encode(
-            std::vector{good, HistoryPoint{exampleID, Date{figure}, 1, 1}, good}));
+            std::vector{good, HistoryPoint{pointID, Date{figure}, 1, 1}, good}));
         EXPECT_FALSE(
-            record_json::encode(std::vector{HistoryPoint{exampleID, Date{1}, figure, 1}, good}));
+            record_json::encode(std::vector{HistoryPoint{pointID, Date{1}, figure, 1}, good}));
         EXPECT_FALSE(
-            record_json::encode(std::vector{good, HistoryPoint{exampleID, Date{1}, 1, figure}}));
+            record_json::encode(std::vector{good, HistoryPoint{pointID, Date{1}, 1, figure}}));
         EXPECT_FALSE(record_json::encode(
             std::map<std::string, RemoteProfile>{{"a", {"a", "", "", figure, false}}}));
     }
@@ -99,7 +97,7 @@ TEST(RecordJSONText, InvalidUTF8HasNoForm) {
     for (const char* text :
          {"\xFF", "a\x80", "\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"}) {
         EXPECT_FALSE(
-            record_json::encode(std::vector{ActivityEvent{exampleID, Date{0}, "title", text}}));
+            record_json::encode(std::vector{ActivityEvent{pointID, Date{0}, "title", text}}));
         EXPECT_FALSE(
             record_json::encode(std::map<std::string, RemoteProfile>{{text, RemoteProfile{}}}));
     }
@@ -118,8 +116,8 @@ TEST(RecordJSONText, ReadsAnIdentifierInEitherCaseAndWritesUpperCase) {
     const auto points =
         record_json::decodeHistory(pointText("0", "0f1e2d3c-4b5a-4978-8695-a4b3c2d1e0ff"));
     ASSERT_TRUE(points);
-    EXPECT_EQ(points->front().id, exampleID);
-    EXPECT_NE(record_json::encode(*points)->find(exampleIDText), std::string::npos);
+    EXPECT_EQ(points->front().id, pointID);
+    EXPECT_NE(record_json::encode(*points)->find(idText), std::string::npos);
     for (const char* id :
          {"", "0F1E2D3C4B5A49788695A4B3C2D1E0FF", "{0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF}",
           "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0F", "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FG"}) {
@@ -165,7 +163,7 @@ TEST(RecordJSONText, ReadsIntegersOfEveryFormWithinRange) {
 
 TEST(RecordJSONText, BracketsInTextsDoNotCountAsNesting) {
     const std::string brackets(1000, '[');
-    const std::vector events{ActivityEvent{exampleID, Date{0}, brackets + "\"\\", brackets}};
+    const std::vector events{ActivityEvent{pointID, Date{0}, brackets + "\"\\", brackets}};
     EXPECT_EQ(record_json::decodeActivityLog(*record_json::encode(events)), events);
 }
 

@@ -8,8 +8,8 @@
 namespace tallowcrest {
 namespace {
 
-constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t mostEvents = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t leastEvents = std::numeric_limits<std::int64_t>::min();
 
 AITrustRecord record(std::int64_t approved, std::int64_t run, std::int64_t blocked) {
     return {.actionType = "disk_cleanup",
@@ -40,12 +40,12 @@ TEST(Trust, ScoreAndPercent) {
 }
 
 TEST(Trust, HugeCountsStayWithinPercents) {
-    EXPECT_EQ(trustPercent(record(highest, highest, 0)), 100);
-    EXPECT_EQ(trustPercent(record(0, 0, highest)), 0);
-    EXPECT_EQ(trustPercent(record(highest, highest, highest)), 100);
-    EXPECT_EQ(trustPercent(record(highest, 0, highest)), 0);
-    EXPECT_EQ(trustPercent(record(lowest, lowest, highest)), 0);
-    EXPECT_EQ(trustPercent(record(0, 0, lowest)), 100);
+    EXPECT_EQ(trustPercent(record(mostEvents, mostEvents, 0)), 100);
+    EXPECT_EQ(trustPercent(record(0, 0, mostEvents)), 0);
+    EXPECT_EQ(trustPercent(record(mostEvents, mostEvents, mostEvents)), 100);
+    EXPECT_EQ(trustPercent(record(mostEvents, 0, mostEvents)), 0);
+    EXPECT_EQ(trustPercent(record(leastEvents, leastEvents, mostEvents)), 0);
+    EXPECT_EQ(trustPercent(record(0, 0, leastEvents)), 100);
 }
 
 }  // namespace

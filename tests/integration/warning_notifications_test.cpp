@@ -29,8 +29,9 @@ protected:
     FakeNotificationCenter center;
     std::vector<std::string> routes;
     std::optional<WarningNotifications> notifications{
-        std::in_place, &center, with.settings,
-        [this](AppRoute route) { routes.emplace_back(rawValue(route)); }};
+        std::in_place, with.services, IntegrationPorts{&center, [this](AppRoute route) {
+                                                           routes.emplace_back(rawValue(route));
+                                                       }}};
 };
 
 TEST_F(WarningNotificationsTest, RegistersThreeButtonsInOrder) {
@@ -105,7 +106,7 @@ TEST_F(WarningNotificationsTest, EveryButtonOpensItsRoute) {
 }
 
 TEST_F(WarningNotificationsTest, WithoutAWindowAButtonDoesNothing) {
-    WarningNotifications alone(&center, with.settings, {});
+    WarningNotifications alone(with.services, {&center});
     center.respond("OPEN_OPTIMIZE");
     EXPECT_THAT(routes, IsEmpty());
 }
@@ -120,7 +121,7 @@ TEST_F(WarningNotificationsTest, AfterDestructionResponsesAndSettingsHaveNoEffec
 }
 
 TEST_F(WarningNotificationsTest, WithoutACentreNothingHappens) {
-    WarningNotifications none(nullptr, with.settings, {});
+    WarningNotifications none(with.services, {});
     none.registerNotificationCategories();
     none.postLoadWarning("photo-indexer");
     none.handleNotificationAction("OPEN_OPTIMIZE");

@@ -87,7 +87,7 @@ protected:
 
     FakeAutoScan remote;
     FakeNotificationCenter center;
-    WarningNotifications notifications{&center, settings, {}};
+    WarningNotifications notifications{services, {&center}};
     AutoRules rules{{services, sample, review, actions, notifications, policy, &remote}};
 };
 

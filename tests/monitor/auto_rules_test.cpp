@@ -225,8 +225,9 @@ private:
 TEST_F(AutoRulesTest, AStopEngagedDuringARulePreventsTheNext) {
     armAll();
     const StoppingClock stoppingClock(settings);
-    AutoRules stopped({Services{log, settings, jobs, mainQueue, stoppingClock, locale}, sample,
-                       review, actions, notifications, policy, &remote});
+    AutoRules stopped(
+        {Services{log, settings, confirmations, jobs, mainQueue, stoppingClock, locale}, sample,
+         review, actions, notifications, policy, &remote});
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_FALSE(confirmations.pendingConfirmation());
@@ -259,7 +260,7 @@ TEST_F(AutoRulesTest, WarnsAgainOfAHighLoadAfterThreeMinutes) {
 }
 
 TEST_F(AutoRulesTest, WorksWithoutOtherMachinesAndNotifications) {
-    WarningNotifications silent(nullptr, settings, {});
+    WarningNotifications silent(services, {});
     AutoRules alone({services, sample, review, actions, silent, policy, nullptr});
     set(&Settings::autoScanRemoteMacs, true);
     alone.runAutoRules(snapshot(99.0));

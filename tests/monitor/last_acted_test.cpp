@@ -14,14 +14,14 @@ class LastActed : public AutoRulesFixture {};
 TEST_F(LastActed, IsAbsentBeforeAnyAction) {
     log.recordMessage("Selected editor, currently the heaviest process.");
     for (const AutomationSwitch which : allAutomationSwitches) {
-        EXPECT_EQ(lastActed(which, rules.dates(), log.activityLog()), std::nullopt);
+        EXPECT_EQ(load_rules::lastActed(which, rules.dates(), log.activityLog()), std::nullopt);
     }
 }
 
 TEST_F(LastActed, IsTheDateOfEachRulesLastAction) {
     using S = AutomationSwitch;
     const auto acted = [this](S which) {
-        return lastActed(which, rules.dates(), log.activityLog());
+        return load_rules::lastActed(which, rules.dates(), log.activityLog());
     };
     addProcess(700, "/usr/bin/editor");
     set(&Settings::autoSelectTopOffender, true);
@@ -54,14 +54,14 @@ TEST_F(LastActed, IsTheDateOfEachRulesLastAction) {
     EXPECT_EQ(acted(S::notificationsIncludeActions), std::nullopt);
 
     // Clearing the log does not affect the dates of this run.
-    EXPECT_EQ(lastActed(S::autoSelectTopOffender, rules.dates(), {}), selected);
-    EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, rules.dates(), {}), purged);
+    EXPECT_EQ(load_rules::lastActed(S::autoSelectTopOffender, rules.dates(), {}), selected);
+    EXPECT_EQ(load_rules::lastActed(S::autoPurgeSustainedMemory, rules.dates(), {}), purged);
 
     // After a restart only the log is left.
     const AutomationDates none;
-    EXPECT_EQ(lastActed(S::autoSelectTopOffender, none, log.activityLog()), selected);
-    EXPECT_EQ(lastActed(S::autoPurgeSustainedMemory, none, log.activityLog()), purged);
-    EXPECT_EQ(lastActed(S::autoScanRemoteMacs, none, log.activityLog()), std::nullopt);
+    EXPECT_EQ(load_rules::lastActed(S::autoSelectTopOffender, none, log.activityLog()), selected);
+    EXPECT_EQ(load_rules::lastActed(S::autoPurgeSustainedMemory, none, log.activityLog()), purged);
+    EXPECT_EQ(load_rules::lastActed(S::autoScanRemoteMacs, none, log.activityLog()), std::nullopt);
 
     clock.advance(std::chrono::minutes(1));
     review.clearOperationTarget();

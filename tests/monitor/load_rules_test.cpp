@@ -1,10 +1,11 @@
 #include "monitor/load_rules.h"
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "tests/support/numbers.h"
 
 namespace tallowcrest::load_rules {
 namespace {
@@ -32,7 +33,6 @@ TEST(LoadRules, ALoadAtTheThresholdIsOver) {
 }
 
 TEST(LoadRules, NaNIsNotOver) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(isOverThreshold(load(nan, nan), 82.0));
 }
 

@@ -7,13 +7,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
-#include "actions/confirmation_desk.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/record_json.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/settings/stored_lists.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
@@ -63,7 +64,7 @@ TEST_F(MonitorWiring, ABusySampleCausesAWarning) {
     machine.tick();
     EXPECT_THAT(machine.notifications.posted, SizeIs(1));
     EXPECT_THAT(machine.notifications.posted.front().body, HasSubstr("photo-indexer"));
-    EXPECT_EQ(monitor().review().selectedAppImpactName(), "photo-indexer");
+    EXPECT_EQ(monitor().actions().review.selectedAppImpactName(), "photo-indexer");
     machine.tick();
     EXPECT_THAT(machine.notifications.posted, SizeIs(1));
 }
@@ -71,10 +72,10 @@ TEST_F(MonitorWiring, ABusySampleCausesAWarning) {
 TEST_F(MonitorWiring, TheSwitchForTheButtonsRegistersThemAgain) {
     monitor().startMonitoring();
     EXPECT_THAT(machine.notifications.categories, SizeIs(1));
-    monitor().automation().set(AutomationSwitch::notificationsIncludeActions, false);
+    monitor().actions().automation.set(AutomationSwitch::notificationsIncludeActions, false);
     machine.mainQueue.turn();
     EXPECT_THAT(machine.notifications.categories, IsEmpty());
-    monitor().automation().set(AutomationSwitch::notificationsIncludeActions, true);
+    monitor().actions().automation.set(AutomationSwitch::notificationsIncludeActions, true);
     machine.mainQueue.turn();
     EXPECT_THAT(machine.notifications.categories, SizeIs(1));
 }
@@ -94,17 +95,16 @@ TEST_F(MonitorWiring, TheReportContainsEveryPartOfTheState) {
     record.approvedCount = 3;
     const std::map<std::string, AITrustRecord> records{{record.actionType, record}};
     machine.store.write(stored::trustRecords.key, JSONData{record_json::encode(records).value()});
-    machine.findings.openAIKeyFound = true;
     machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
-    monitor().automation().set(AutomationSwitch::autoScanRemoteMacs, true);
-    monitor().localActions().toggleNeverQuit("Docker");
+    monitor().actions().automation.set(AutomationSwitch::autoScanRemoteMacs, true);
+    monitor().actions().local.toggleNeverQuit("Docker");
     machine.tick();
     monitor().reports().copyDiagnosticsReport();
     ASSERT_THAT(copied, SizeIs(1));
     for (const char* part :
          {"CPU: 10%", "SSH user: someone", "700\t40.0% CPU\t900 MB\tphoto-indexer",
           "No remote scan results.", "Never Quit Apps\nDocker\n", "Auto-scan remote Macs: On",
-          "OpenAI key saved: Yes", "Last AI insight: Enhanced AI recommendations are ready.",
+          "OpenAI key saved: No", "Last AI insight: Local recommendations are active.",
           "local_purge\ttrust ", "Docker added to Never Quit.", "Session Insights\nPeak CPU"}) {
         EXPECT_THAT(copied.front(), HasSubstr(part));
     }
@@ -151,7 +151,7 @@ TEST_F(MonitorWiring, AReadOnlyRunWarnsAndDoesNothingElse) {
             machine.tick();
         }
         EXPECT_THAT(machine.notifications.posted, SizeIs(1));
-        EXPECT_EQ(monitor().review().selectedPID().has_value(), !readOnly);
+        EXPECT_EQ(monitor().actions().review.selectedPID().has_value(), !readOnly);
         EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), !readOnly);
         EXPECT_EQ(remote.scans, readOnly ? 0 : 1);
     }
@@ -169,22 +169,22 @@ TEST_F(MonitorWiring, AChangedNeverQuitListRegroupsTheSampleAtOnce) {
         return Safety{group.topPID, group.protectedCount};
     };
     EXPECT_EQ(firefox(), notListed);
-    monitor().localActions().toggleNeverQuit("Firefox");
+    monitor().actions().local.toggleNeverQuit("Firefox");
     EXPECT_EQ(firefox(), listed);
     machine.tick();
     EXPECT_EQ(firefox(), listed);
-    monitor().localActions().toggleNeverQuit("Firefox");
+    monitor().actions().local.toggleNeverQuit("Firefox");
     EXPECT_EQ(firefox(), notListed);
-    monitor().review().selectTopApp();
-    EXPECT_EQ(monitor().review().selectedPID(), 701);
+    monitor().actions().review.selectTopApp();
+    EXPECT_EQ(monitor().actions().review.selectedPID(), 701);
 }
 
 TEST_F(MonitorWiring, ASampleUnderWayDoesNotRestoreTheOldNeverQuitList) {
     machine.addProcess(700, "/usr/libexec/firefox-helper", 60.0, 300.0);
     machine.addProcess(701, "/opt/firefox/firefox", 20.0, 200.0);
-    monitor().localActions().toggleNeverQuit("Firefox");
+    monitor().actions().local.toggleNeverQuit("Firefox");
     monitor().refresh();
-    monitor().localActions().toggleNeverQuit("Firefox");
+    monitor().actions().local.toggleNeverQuit("Firefox");
     machine.finishSamples();
     const AppImpact& group = monitor().sample().snapshot()->appImpacts.front();
     EXPECT_EQ((Safety{group.topPID, group.protectedCount}), (Safety{701, 1}));

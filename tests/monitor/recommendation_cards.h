@@ -15,6 +15,8 @@ inline std::vector<std::string> titlesOf(const std::vector<Recommendation>& card
     return eachOf(cards, &Recommendation::title);
 }
 
+inline constexpr std::optional<std::int64_t> noPID;
+
 /// A card without its identifier.
 struct Card {
     std::string title;

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <source_location>
 #include <string>
@@ -13,14 +12,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/monitor/recommendation_cards.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
 
 using Severity = Recommendation::Severity;
 using ::testing::ElementsAre;
-
-constexpr std::optional<std::int64_t> noPID;
 
 ProcessSample process(std::int64_t pid, const std::string& command, double rssMB,
                       double cpu = 0.0) {
@@ -265,7 +263,6 @@ TEST(BuildRecommendations, UnusualNamesAreNotChanged) {
 }
 
 TEST(BuildRecommendations, NaNCountsAsZero) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(titlesOf(cardsOf({.freeGB = nan, .pressure = nan, .cpuPercent = nan})),
                 ElementsAre(healthyTitle));
     const auto cards = cardsOf(

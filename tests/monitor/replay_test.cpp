@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
@@ -73,7 +74,7 @@ protected:
 };
 
 TEST_F(ReplayTest, WarningsAndRulesKeepTheirDistancesForADay) {
-    Automation& automation = machine.monitor().automation();
+    Automation& automation = machine.monitor().actions().automation;
     automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);
     automation.set(AutomationSwitch::autoScanRemoteMacs, true);
     news.take();
@@ -128,15 +129,15 @@ protected:
 
     void armAndStop() {
         for (const AutomationSwitch each : allAutomationSwitches) {
-            monitor().automation().set(each, true);
+            monitor().actions().automation.set(each, true);
         }
-        monitor().automation().setAutonomyMode(AIAutonomyMode::autopilot);
+        monitor().actions().automation.setAutonomyMode(AIAutonomyMode::autopilot);
         run(busyTrace(15));
         EXPECT_THAT(timesOf(ActivityKind::autoSelect, "Selected photo-indexer"), SizeIs(1));
         EXPECT_THAT(timesOf(ActivityKind::autoPurge, "Purged caches"), SizeIs(1));
         EXPECT_THAT(scans, SizeIs(1));
-        monitor().review().clearOperationTarget();
-        monitor().automation().engageEmergencyStop();
+        monitor().actions().review.clearOperationTarget();
+        monitor().actions().automation.engageEmergencyStop();
     }
 
     void expectNothingActsForAnHour() {
@@ -149,11 +150,11 @@ protected:
         beginning = machine.clock.now();
         const AutomationDates before = monitor().autoRules().dates();
         const std::string lastAction = monitor().log().lastAction();
-        const std::string step = monitor().review().optimizeStep();
+        const std::string step = monitor().actions().review.optimizeStep();
         run(busyTrace(900));
         EXPECT_THAT(scans, IsEmpty());
-        EXPECT_EQ(monitor().review().selectedPID(), std::nullopt);
-        EXPECT_EQ(monitor().review().optimizeStep(), step);
+        EXPECT_EQ(monitor().actions().review.selectedPID(), std::nullopt);
+        EXPECT_EQ(monitor().actions().review.optimizeStep(), step);
         EXPECT_EQ(monitor().log().lastAction(), lastAction);
         EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
         EXPECT_EQ(machine.actions.cachePurge->count, 0);
@@ -176,7 +177,7 @@ TEST_F(ReplayWithStop, NothingActs) {
 TEST_F(ReplayWithStop, NothingActsAfterAStartWithASwitchOn) {
     armAndStop();
     for (const AutomationSwitch each : allAutomationSwitches) {
-        monitor().automation().set(each, true);
+        monitor().actions().automation.set(each, true);
     }
     // As after a stop that was stored only in part. A start switches off all of them except the
     // selection of the top offender, which then only the stop prevents.
@@ -184,29 +185,29 @@ TEST_F(ReplayWithStop, NothingActsAfterAStartWithASwitchOn) {
     machine.store.write("Tallowcrest.autoPurgeSustainedMemory", true);
     machine.store.write("Tallowcrest.autoScanRemoteMacs", true);
     machine.restart();
-    EXPECT_TRUE(monitor().automation().isOn(AutomationSwitch::autoSelectTopOffender));
+    EXPECT_TRUE(monitor().actions().automation.isOn(AutomationSwitch::autoSelectTopOffender));
     expectNothingActsForAnHour();
 }
 
 TEST_F(ReplayWithStop, ASampleUnderWayDoesNotAct) {
     armAndStop();
-    monitor().automation().resumeFromEmergencyStop();
+    monitor().actions().automation.resumeFromEmergencyStop();
     for (const AutomationSwitch each : allAutomationSwitches) {
-        monitor().automation().set(each, true);
+        monitor().actions().automation.set(each, true);
     }
     scans.clear();
     machine.clock.advance(std::chrono::hours(2));
     monitor().refresh();
-    monitor().automation().engageEmergencyStop();
+    monitor().actions().automation.engageEmergencyStop();
     machine.finishSamples();
     EXPECT_THAT(scans, IsEmpty());
-    EXPECT_EQ(monitor().review().selectedPID(), std::nullopt);
+    EXPECT_EQ(monitor().actions().review.selectedPID(), std::nullopt);
     EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
 }
 
 TEST_F(ReplayWithStop, APendingRequestCanStillBeConfirmed) {
-    monitor().localActions().requestPurge();
-    monitor().automation().engageEmergencyStop();
+    monitor().actions().local.requestPurge();
+    monitor().actions().automation.engageEmergencyStop();
     ASSERT_TRUE(monitor().confirmations().pendingConfirmation());
     monitor().confirmations().confirmPending();
     machine.finishSamples();

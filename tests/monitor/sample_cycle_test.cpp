@@ -10,10 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "actions/confirmation_desk.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "core/activity_kinds.h"
+#include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "integration/warning_notifications.h"
 #include "monitor/auto_rules.h"
@@ -39,13 +39,15 @@ protected:
     void makeCycle(bool readOnly = false) {
         rules = std::make_unique<AutoRules>(AutoRules::Dependencies{
             services, *sample, review, actions, notifications, {}, &remote});
-        cycle = std::make_unique<SampleCycle>(SampleCycle::Dependencies{.services = services,
-                                                                        .sources = sources,
-                                                                        .sample = *sample,
-                                                                        .rules = *rules,
-                                                                        .cpuCount = 4,
-                                                                        .protection = {},
-                                                                        .readOnly = readOnly});
+        cycle = std::make_unique<SampleCycle>(
+            SampleCycle::Dependencies{.services = services,
+                                      .sources = sources,
+                                      .sample = *sample,
+                                      .rules = *rules,
+                                      .cpuCount = 4,
+                                      .protection = {},
+                                      .readOnly = readOnly,
+                                      .sampleApplied = [this] { applied(); }});
     }
 
     /// Takes one sample and applies it.
@@ -78,12 +80,11 @@ protected:
 
     FakeAutoScan remote;
     FakeNotificationCenter center;
-    WarningNotifications notifications{&center, settings, {}};
+    WarningNotifications notifications{services, {&center}};
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
-    ConfirmationDesk confirmations{log, mainQueue};
-    LocalActions actions{
-        {services, *sample, review, confirmations, {}, [] {}, FakeLocalActions().ports()}};
+    LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};
+    std::function<void()> applied = [] {};  ///< called after each sample
     std::unique_ptr<AutoRules> rules;
     std::unique_ptr<SampleCycle> cycle;
 };
@@ -113,10 +114,10 @@ TEST_F(SampleCycleTest, TheMainHalfRunsInOrder) {
                                 "CPU load is very high"));
         EXPECT_THAT(center.posted, IsEmpty());
     };
-    cycle->setSampleApplied([&] {
+    applied = [&] {
         steps.emplace_back("applied");
         EXPECT_THAT(center.posted, SizeIs(1));
-    });
+    };
     takeOne();
     EXPECT_THAT(steps, ElementsAre("rules", "applied"));
     EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::autoPurge,
@@ -128,15 +129,15 @@ TEST_F(SampleCycleTest, TheMainHalfRunsInOrder) {
 TEST_F(SampleCycleTest, AReadOnlyRunWarnsAndDoesNothingElse) {
     armEveryRule();
     makeCycle(true);
-    int applied = 0;
-    cycle->setSampleApplied([&applied] { ++applied; });
+    int appliedSamples = 0;
+    applied = [&] { ++appliedSamples; };
     takeOne();
     EXPECT_EQ(sample->history().size(), 21U);
     EXPECT_THAT(sample->recommendations(), SizeIs(3));
     EXPECT_THAT(sample->sessionInsights(), SizeIs(3));
     EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning));
     EXPECT_THAT(center.posted, SizeIs(1));
-    EXPECT_EQ(applied, 1);
+    EXPECT_EQ(appliedSamples, 1);
     EXPECT_EQ(review.selectedPID(), std::nullopt);
     EXPECT_FALSE(confirmations.pendingConfirmation());
     EXPECT_EQ(remote.scans, 0);
@@ -156,7 +157,7 @@ TEST_F(SampleCycleTest, ASampleCanBeQueuedWhileOneIsApplied) {
     armEveryRule();
     makeCycle();
     remote.onScan = [this] { cycle->refresh(); };
-    cycle->setSampleApplied([this] { cycle->refresh(); });
+    applied = [this] { cycle->refresh(); };
     takeOne();
     EXPECT_EQ(workQueue.pendingCount(), 2U);
     EXPECT_EQ(sample->history().size(), 21U);
@@ -198,9 +199,9 @@ TEST_F(SampleCycleTest, OverlappingSamplesApplyInTheOrderInWhichTheyFinish) {
 }
 
 TEST_F(SampleCycleTest, ASampleThatEndsAfterDestructionIsDropped) {
-    int applied = 0;
+    int appliedSamples = 0;
+    applied = [&] { ++appliedSamples; };
     makeCycle();
-    cycle->setSampleApplied([&applied] { ++applied; });
     cycle->refresh();
     cycle->refresh();
     workQueue.run();  // its result waits on the main queue
@@ -211,7 +212,7 @@ TEST_F(SampleCycleTest, ASampleThatEndsAfterDestructionIsDropped) {
     workQueue.run();
     EXPECT_THAT(calls, IsEmpty()) << "it had not begun";
     mainQueue.drain();
-    EXPECT_EQ(applied, 0);
+    EXPECT_EQ(appliedSamples, 0);
     EXPECT_EQ(sample->snapshot(), std::nullopt);
     EXPECT_THAT(store.written, IsEmpty());
 }
@@ -219,7 +220,7 @@ TEST_F(SampleCycleTest, ASampleThatEndsAfterDestructionIsDropped) {
 /// Calls `onRead` in the middle of a sample.
 class InterruptedTicks final : public CPUTickSource {
 public:
-    std::optional<CPUTicks> readTicks() override {
+    std::optional<CPUTickReading> readTicks() override {
         if (onRead) {
             onRead();
         }

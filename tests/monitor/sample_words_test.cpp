@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "monitor/system_monitor.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/fake_machine.h"

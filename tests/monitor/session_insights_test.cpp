@@ -1,7 +1,6 @@
 #include "monitor/session_insights.h"
 
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/each_of.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -93,12 +93,10 @@ TEST(SessionInsights, PercentagesAreRoundedHalfUp) {
         double percent;
         std::string shown;
     };
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     for (const Case& c :
          {Case{0.0, "0%"}, Case{-0.0, "0%"}, Case{-0.4, "0%"}, Case{0.49, "0%"}, Case{0.5, "1%"},
           Case{81.5, "82%"}, Case{82.4, "82%"}, Case{82.5, "83%"}, Case{99.5, "100%"},
-          Case{100.0, "100%"}, Case{std::numeric_limits<double>::quiet_NaN(), "0%"},
-          Case{infinity, "0%"}}) {
+          Case{100.0, "100%"}, Case{nan, "0%"}, Case{infinity, "0%"}}) {
         const auto facts = factsOf({.history = {point(c.percent, c.percent)}});
         EXPECT_EQ(facts[0],
                   Fact("Peak CPU", c.shown, "Average " + c.shown + " across this session."));

@@ -10,7 +10,7 @@
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/record_json.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_machine.h"
 

@@ -1,6 +1,5 @@
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,6 +10,7 @@
 
 #include "monitor/recommendations.h"
 #include "tests/monitor/recommendation_cards.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,8 +19,6 @@ using Severity = Recommendation::Severity;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-
-constexpr std::optional<std::int64_t> noPID;
 
 std::vector<HistoryPoint> timeline(std::size_t count, double cpu, double memory) {
     return std::vector<HistoryPoint>(count, HistoryPoint{UUID(), Date(), cpu, memory});
@@ -142,7 +140,7 @@ TEST(AddSustainedRecommendations, TheFirstOfEqualTitlesIsKept) {
 
 TEST(AddSustainedRecommendations, ANaNMeanAddsNoCard) {
     auto points = timeline(15, 90, 90);
-    points[3].cpu = std::numeric_limits<double>::quiet_NaN();
+    points[3].cpu = nan;
     EXPECT_THAT(titlesOf(addSustainedRecommendations({}, points, groups)),
                 ElementsAre(sustainedMemory.title));
 }

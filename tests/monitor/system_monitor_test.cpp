@@ -1,6 +1,5 @@
 #include "monitor/system_monitor.h"
 
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,12 +11,14 @@
 #include "actions/actions.h"
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/record_json.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "core/settings/settings_owner.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/fake_machine.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -29,10 +30,7 @@ using ::testing::UnorderedElementsAre;
 
 class SystemMonitorTest : public ::testing::Test, protected FakeMachine {
 protected:
-    SystemMonitorTest() {
-        ticks->ticks = CPUTicks{};
-        findings.processArguments = {"tallowcrest"};
-    }
+    SystemMonitorTest() { ticks->ticks = CPUTicks{}; }
 };
 
 // Construction -----------------------------------------------------------------------------------
@@ -84,27 +82,18 @@ TEST_F(SystemMonitorTest, FieldsHaveTheirInitialValues) {
     EXPECT_THAT(monitor.sample().recommendations(), IsEmpty());
     EXPECT_THAT(monitor.sample().sessionInsights(), IsEmpty());
     EXPECT_THAT(monitor.sample().topAppSamples(), IsEmpty());
-    EXPECT_EQ(monitor.review().selectedPID(), std::nullopt);
-    EXPECT_EQ(monitor.review().selectedAppImpactName(), std::nullopt);
-    EXPECT_EQ(monitor.review().optimizeStep(),
+    EXPECT_EQ(monitor.actions().review.selectedPID(), std::nullopt);
+    EXPECT_EQ(monitor.actions().review.selectedAppImpactName(), std::nullopt);
+    EXPECT_EQ(monitor.actions().review.optimizeStep(),
               "1. Select an offender to review. No optimization has run yet.");
     EXPECT_EQ(monitor.settings().sshUsername, "owner");
     EXPECT_EQ(monitor.host().cpuCount, 4);
-    EXPECT_EQ(monitor.automation().diskAutopilotStatus(), "Disk Autopilot is off.");
-    EXPECT_TRUE(monitor.startup().showSetupWizard);
+    EXPECT_EQ(monitor.actions().automation.diskAutopilotStatus(), "Disk Autopilot is off.");
+    EXPECT_FALSE(monitor.settings().firstRunComplete);
 }
 
-TEST_F(SystemMonitorTest, TheUITestingOptionOnlyKeepsTheWizardAway) {
-    findings.processArguments.emplace_back("--ui-testing");
-    findings.openAIKeyFound = true;
-    findings.localPublicKeyFound = true;
-    SystemMonitor& monitor = FakeMachine::monitor();
-    EXPECT_FALSE(monitor.startup().showSetupWizard);
-    EXPECT_FALSE(monitor.settings().firstRunComplete);
-    EXPECT_TRUE(monitor.startup().openAIKeySaved);
-    EXPECT_EQ(monitor.startup().aiInsight, "Enhanced AI recommendations are ready.");
-    EXPECT_EQ(monitor.startup().localPublicKeyStatus, "Local SSH public key found.");
-    monitor.startMonitoring();
+TEST_F(SystemMonitorTest, StartingStoresOnlyTheHistory) {
+    FakeMachine::monitor().startMonitoring();
     finishSamples();
     EXPECT_EQ(mainQueue.timerIntervals().size(), 1U);
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history"));
@@ -130,15 +119,15 @@ TEST_F(SystemMonitorTest, LoadsEverythingThatIsStored) {
     EXPECT_EQ(monitor.log().activityLog(), events);
     EXPECT_EQ(monitor.log().lastAction(), "Monitoring started.");
     EXPECT_EQ(monitor.settings().warningThreshold, 90.0);
-    EXPECT_FALSE(monitor.startup().showSetupWizard);
-    EXPECT_EQ(monitor.automation().diskAutopilotStatus(),
+    EXPECT_TRUE(monitor.settings().firstRunComplete);
+    EXPECT_EQ(monitor.actions().automation.diskAutopilotStatus(),
               "Emergency stop is engaged. All automatic actions are off.");
     EXPECT_FALSE(monitor.settings().diskAutopilotEnabled);
     EXPECT_TRUE(monitor.settings().autoSelectTopOffender);
     EXPECT_EQ(store.read(keys::diskAutopilotKey), SettingsValue(true));
     EXPECT_THAT(store.written, IsEmpty());
     const ProcessSample node{7, 0, 0, 0, "/usr/bin/node", "/usr/bin/node"};
-    EXPECT_TRUE(monitor.review().isProtectedTarget(node));
+    EXPECT_TRUE(monitor.actions().review.isProtectedTarget(node));
 
     monitor.refresh();
     finishSamples();
@@ -168,18 +157,6 @@ TEST_F(SystemMonitorTest, TheTimerQueuesASampleEachTime) {
     EXPECT_EQ(workQueue.pendingCount(), 2U);  // a stalled sample does not delay the next one
     finishSamples();
     EXPECT_EQ(monitor.sample().history().size(), 3U);
-}
-
-TEST_F(SystemMonitorTest, StoppingEndsTheTimerForGood) {
-    SystemMonitor& monitor = FakeMachine::monitor();
-    monitor.startMonitoring();
-    finishSamples();
-    monitor.stopMonitoring();
-    EXPECT_TRUE(monitor.isStarted());
-    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
-    monitor.startMonitoring();
-    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
-    EXPECT_EQ(workQueue.pendingCount(), 0U);
 }
 
 TEST_F(SystemMonitorTest, RefreshWorksWithoutAStart) {
@@ -233,7 +210,7 @@ TEST_F(SystemMonitorTest, AValueThatCannotBeEncodedLeavesTheStoredOne) {
     const std::string history = store.json(keys::historyKey);
     const std::string log = store.json(keys::activityLogKey);
 
-    metrics->memory.pressure = std::numeric_limits<double>::quiet_NaN();
+    metrics->memory.pressure = nan;
     monitor.refresh();
     finishSamples();
     monitor.log().recordEvent(ActivityKind::warning, "not UTF-8: \xFF");
@@ -268,12 +245,12 @@ TEST_F(SystemMonitorTest, ObserversAreNotifiedOncePerTurnOfWhatTheyObserve) {
         observe(monitor.log().observable(), "log"),
         observe(monitor.settingsOwner().observable(), "settings"),
         observe(monitor.sample().observable(), "sample"),
-        observe(monitor.review().observable(), "review"),
+        observe(monitor.actions().review.observable(), "review"),
         observe(monitor.confirmations().observable(), "confirmations"),
-        observe(monitor.localActions().observable(), "local actions"),
-        observe(monitor.automation().observable(), "automation")};
+        observe(monitor.actions().local.observable(), "local actions"),
+        observe(monitor.actions().automation.observable(), "automation")};
     monitor.log().recordMessage("a");
-    monitor.review().clearOperationTarget();
+    monitor.actions().review.clearOperationTarget();
     monitor.settingsOwner().set(&Settings::warningThreshold, 90.0);
     monitor.settingsOwner().set(&Settings::firstRunComplete, true);
     EXPECT_THAT(told, IsEmpty());
@@ -290,14 +267,14 @@ TEST_F(SystemMonitorTest, ASampleDoesNotChangeTheReviewTarget) {
     metrics->processes = {{7, 50, 1, 100, "/usr/bin/app", "/usr/bin/app"}};
     monitor.refresh();
     finishSamples();
-    monitor.review().selectTopProcess();
-    EXPECT_EQ(monitor.review().selectedPID(), 7);
+    monitor.actions().review.selectTopProcess();
+    EXPECT_EQ(monitor.actions().review.selectedPID(), 7);
     metrics->processes.clear();
     monitor.refresh();
     finishSamples();
-    EXPECT_EQ(monitor.review().selectedPID(), 7);
-    EXPECT_EQ(monitor.review().selectedAppImpactName(), "app");
-    EXPECT_EQ(monitor.review().selectedTargetSummary().title, "PID 7");
+    EXPECT_EQ(monitor.actions().review.selectedPID(), 7);
+    EXPECT_EQ(monitor.actions().review.selectedAppImpactName(), "app");
+    EXPECT_EQ(monitor.actions().review.selectedTargetSummary().title, "PID 7");
 }
 
 }  // namespace

@@ -24,10 +24,10 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/icon_view.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/widgets/theme.h"
+#include "tests/presentation/icon_names.h"
 #include "tests/presentation/overview_gallery.h"
 
 using namespace Qt::StringLiterals;
@@ -64,14 +64,11 @@ QLayout* gauges() {
     auto* row = new QHBoxLayout;
     row->setSpacing(spacing::gap);
     auto* cpu = new GaugeCard(u"CPU Load"_s);
-    cpu->setValue(42.3, u"42%"_s);
-    cpu->setDetail(u"42.3% normalized across cores"_s);
-    auto* memory = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::secondSeries);
-    memory->setValue(78, u"78%"_s);
-    memory->setDetail(u"12.4 GB used of 15.9 GB"_s);
-    auto* disk = new GaugeCard(u"Disk"_s, &CrestTheme::bad);
-    disk->setValue(100, u"100%"_s);
-    disk->setDetail(QString(10000, u'W'));
+    cpu->setValue(42.3, u"42%"_s, u"42.3% normalized across cores"_s);
+    auto* memory = new GaugeCard(u"Memory Pressure"_s);
+    memory->setValue(78, u"78%"_s, u"12.4 GB used of 15.9 GB"_s);
+    auto* disk = new GaugeCard(u"Disk"_s);
+    disk->setValue(100, u"100%"_s, QString(10000, u'W'));
     for (GaugeCard* card : {cpu, memory, disk}) {
         row->addWidget(card, 1);
     }

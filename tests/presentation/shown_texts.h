@@ -31,12 +31,12 @@ inline std::vector<std::string> shownTexts(const QWidget& within) {
 
 /// The visible summary cards within a widget, as "title: value, detail".
 inline std::vector<std::string> shownCards(const QWidget& within) {
+    using namespace Qt::StringLiterals;
     std::vector<std::string> found;
     for (const SummaryCard* card : within.findChildren<SummaryCard*>()) {
         if (card->isVisible()) {
             found.push_back(
-                (card->accessibleName() + QStringLiteral(": ") + card->accessibleValue())
-                    .toStdString());
+                (card->accessibleName() + u": "_s + card->accessibleValue()).toStdString());
         }
     }
     return found;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <chrono>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QTest>
+#include <QTimer>
 #include <gmock/gmock.h>
 
 #include "presentation/widgets/crest_style.h"
@@ -11,6 +14,13 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+
+/// How long a `SettlingButton` within `widget` stays disabled; also applies while it is.
+inline void setSettlingTime(const QWidget& widget, std::chrono::milliseconds time) {
+    auto* timer = widget.findChild<QTimer*>(u"settling"_s);
+    ASSERT_NE(timer, nullptr);
+    timer->setInterval(time);
+}
 
 /// A widget whose parts tests find and operate, in the style of the real program.
 class WidgetFixture : public testing::Test {

@@ -9,10 +9,11 @@
 
 #include "actions/actions.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/load/process_table_model.h"
-#include "presentation/screens/load/process_table_view.h"
+#include "presentation/screens/shared/process_table_model.h"
+#include "presentation/screens/shared/process_table_view.h"
 #include "presentation/shell/dashboard_window.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
@@ -109,7 +110,9 @@ protected:
 
     AppRoute route() { return window().state().navigation.selectedRoute(); }
     const std::string& lastAction() { return machine.monitor().log().lastAction(); }
-    std::optional<std::int64_t> selectedPID() { return machine.monitor().review().selectedPID(); }
+    std::optional<std::int64_t> selectedPID() {
+        return machine.monitor().actions().review.selectedPID();
+    }
 
     ProcessTableView& table() { return *visible<ProcessTableView>("processes.table"); }
     ProcessTableModel& model() { return *window().findChild<ProcessTableModel*>(); }

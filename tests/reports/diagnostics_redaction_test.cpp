@@ -39,8 +39,8 @@ ReportState bigState() {
     ReportState state;
     for (std::size_t i = 0; i < localRows; ++i) {
         state.snapshot.topProcesses.push_back(processRow(
-            firstPID + static_cast<std::int64_t>(i), 50.0 - 0.25 * static_cast<double>(i), 100.0,
-            "/opt/apps/" + groupedName("local", i)));
+            firstPID + static_cast<std::int64_t>(i), "/opt/apps/" + groupedName("local", i),
+            50.0 - 0.25 * static_cast<double>(i), 100.0));
     }
     state.snapshot.appImpacts = {{.name = "Google Chrome",
                                   .processCount = 30,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "core/text.h"
 #include "tests/reports/report_state.h"
 #include "tests/support/fixture.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -73,9 +73,9 @@ ReportState richState() {
     state.sessionInsights = {{UUID(), "Peak CPU", "97%", "Highest in this session"},
                              {UUID(), "Top app", "Google Chrome", "Seen on top 12 times"}};
     state.snapshot.topProcesses = {
-        processRow(4242001, 61.07, 812.5, "/opt/google/chrome/chrome"),
-        processRow(4242002, 8.0, 1024.0, "/usr/bin/WindowServer"),
-        processRow(4242003, 0.04, 3.0, "/opt/x\nOpenAI key saved: No\tevil"),
+        processRow(4242001, "/opt/google/chrome/chrome", 61.07, 812.5),
+        processRow(4242002, "/usr/bin/WindowServer", 8.0, 1024.0),
+        processRow(4242003, "/opt/x\nOpenAI key saved: No\tevil", 0.04, 3.0),
     };
     state.remoteHealth = richRemoteHealth();
     state.settings.warningThreshold = 85.9;
@@ -137,10 +137,9 @@ TEST(DiagnosticsReport, FiguresOfTheMachine) {
     };
     for (const Case& c :
          {Case{0.0, "0", "0.0"}, Case{99.95, "100", "100.0"}, Case{50.5, "50", "50.5"},
-          Case{std::numeric_limits<double>::quiet_NaN(), "nan", "nan"},
-          Case{-std::numeric_limits<double>::infinity(), "-inf", "-inf"}}) {
+          Case{nan, "nan", "nan"}, Case{-infinity, "-inf", "-inf"}}) {
         ReportState state;
-        state.snapshot.sampledAt = {c.value == 0.0 ? 0.0 : std::numeric_limits<double>::infinity()};
+        state.snapshot.sampledAt = {c.value == 0.0 ? 0.0 : infinity};
         state.snapshot.cpuPercent = c.value;
         state.snapshot.memory.usedGB = c.value;
         state.snapshot.memory.totalGB = c.value;
@@ -162,11 +161,10 @@ TEST(DiagnosticsReport, TheThresholdIsCutToAnInteger) {
         double threshold;
         std::string line;
     };
-    for (const Case& c :
-         {Case{85.9, "Warning threshold: 85%"}, Case{85.0, "Warning threshold: 85%"},
-          Case{-0.5, "Warning threshold: 0%"},
-          Case{1e19, "Warning threshold: 10000000000000000000%"},
-          Case{std::numeric_limits<double>::infinity(), "Warning threshold: inf%"}}) {
+    for (const Case& c : {Case{85.9, "Warning threshold: 85%"},
+                          Case{85.0, "Warning threshold: 85%"}, Case{-0.5, "Warning threshold: 0%"},
+                          Case{1e19, "Warning threshold: 10000000000000000000%"},
+                          Case{infinity, "Warning threshold: inf%"}}) {
         ReportState state = emptyState();
         state.settings.warningThreshold = c.threshold;
         EXPECT_EQ(linesOf(state.report(false)).at(5), c.line);

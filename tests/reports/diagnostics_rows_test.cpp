@@ -1,6 +1,5 @@
 #include "reports/diagnostics_rows.h"
 
-#include <limits>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/reports/report_state.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -53,17 +53,17 @@ TEST(LocalProcessRow, NamesTheProcess) {
         std::string redacted;
     };
     for (const Case& c : std::vector<Case>{
-             {processRow(1234567, 12.34, 512.6, "/opt/google/chrome/chrome"),
+             {processRow(1234567, "/opt/google/chrome/chrome", 12.34, 512.6),
               "1234567\t12.3% CPU\t513 MB\tchrome", "redacted\t12.3% CPU\t513 MB\tGoogle Chrome"},
-             {processRow(1, 0.0, 0.0, "/usr/bin/vi"), "1\t0.0% CPU\t0 MB\tvi",
+             {processRow(1, "/usr/bin/vi", 0.0, 0.0), "1\t0.0% CPU\t0 MB\tvi",
               "redacted\t0.0% CPU\t0 MB\tvi"},
-             {processRow(2, 0.0, 0.0, "///"), "2\t0.0% CPU\t0 MB\t///",
+             {processRow(2, "///", 0.0, 0.0), "2\t0.0% CPU\t0 MB\t///",
               "redacted\t0.0% CPU\t0 MB\t///"},
-             {processRow(3, 0.0, 0.0, ""), "3\t0.0% CPU\t0 MB\t", "redacted\t0.0% CPU\t0 MB\t"},
-             {processRow(4, 640.0, 2.5, "/opt/x\nOpenAI key saved: Yes"),
+             {processRow(3, "", 0.0, 0.0), "3\t0.0% CPU\t0 MB\t", "redacted\t0.0% CPU\t0 MB\t"},
+             {processRow(4, "/opt/x\nOpenAI key saved: Yes", 640.0, 2.5),
               "4\t640.0% CPU\t2 MB\tx OpenAI key saved: Yes",
               "redacted\t640.0% CPU\t2 MB\tx OpenAI key saved: Yes"},
-             {processRow(5, 1.0, 1.0, "/opt/python\t3\xFF"), "5\t1.0% CPU\t1 MB\tpython 3\uFFFD",
+             {processRow(5, "/opt/python\t3\xFF", 1.0, 1.0), "5\t1.0% CPU\t1 MB\tpython 3\uFFFD",
               "redacted\t1.0% CPU\t1 MB\tPython"},
          }) {
         EXPECT_EQ(formatLocalProcessRow(c.row, false), c.plain);
@@ -140,7 +140,7 @@ TEST(RemoteRow, EmptyTextsAndImpossibleFiguresAreShownUnchanged) {
     std::string row = formatRemoteRow(health, false);
     EXPECT_NE(row.find("\tmacOS \tCPU 13%"), std::string::npos);
     EXPECT_NE(row.find("\tTop CPU \tTop Memory 1536MB"), std::string::npos);
-    health.cpuPercent = std::numeric_limits<double>::quiet_NaN();
+    health.cpuPercent = nan;
     health.memoryPercent = -1e300;
     row = formatRemoteRow(health, false);
     EXPECT_NE(row.find("\tCPU nan%\tMemory -1000"), std::string::npos) << row;
@@ -189,9 +189,7 @@ TEST(EventRow, HasTheTimeWithoutTheDay) {
     const Date date = Date::fromUnixSeconds(1'800'000'000.0 + 7 * 3600.0 + 62.9);
     EXPECT_EQ(formatEventRow({UUID(), date, "Action", "Purged."}, PlainLocale()),
               "15:01:02\tAction\tPurged.");
-    EXPECT_EQ(formatEventRow({UUID(), {std::numeric_limits<double>::infinity()}, "A\n", "\tB"},
-                             PlainLocale()),
-              "unknown\tA \t B");
+    EXPECT_EQ(formatEventRow({UUID(), {infinity}, "A\n", "\tB"}, PlainLocale()), "unknown\tA \t B");
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/locale.h"
 #include "reports/diagnostics_report.h"
 #include "tests/support/lines_of.h"
+#include "tests/support/process_row.h"
 
 namespace tallowcrest {
 
@@ -37,15 +37,5 @@ struct ReportState {
                                  redacted, PlainLocale());
     }
 };
-
-inline ProcessSample processRow(std::int64_t pid, double cpu, double rssMB, std::string command) {
-    ProcessSample row;
-    row.pid = pid;
-    row.cpu = cpu;
-    row.rssMB = rssMB;
-    row.command = std::move(command);
-    row.arguments = row.command;
-    return row;
-}
 
 }  // namespace tallowcrest

@@ -55,22 +55,21 @@ protected:
     std::map<std::string, AITrustRecord> trust;
     std::shared_ptr<FakeReportFolder> folder = std::make_shared<FakeReportFolder>();
     std::int64_t utcOffset = 0;
-    Reports reports{{.services = with.services,
-                     .pasteboard = pasteboard,
-                     .facts = [this]() -> std::optional<DiagnosticsFacts> {
-                         if (!snapshot) {
-                             return std::nullopt;
-                         }
-                         return DiagnosticsFacts{
-                             *snapshot, with.settings.values(), {}, {}, false, "", {}, trust, {}};
-                     },
-                     .utcOffset = [this](Date) { return utcOffset; },
-                     .folder = folder}};
+    Reports reports{with.services,
+                    pasteboard,
+                    [this]() -> std::optional<DiagnosticsFacts> {
+                        if (!snapshot) {
+                            return std::nullopt;
+                        }
+                        return DiagnosticsFacts{
+                            *snapshot, with.settings.values(), {}, {}, false, "", {}, trust, {}};
+                    },
+                    {.folder = folder, .utcOffset = [this](Date) { return utcOffset; }}};
 };
 
 TEST_F(ReportsTest, BeforeTheFirstSampleOnlyAnExportIsRefusedWithAMessage) {
     EXPECT_EQ(reports.diagnosticsReport(false), std::nullopt);
-    EXPECT_EQ(reports.copyDiagnosticsReport(), Outcome::refused({}));
+    EXPECT_EQ(reports.copyDiagnosticsReport(), Outcome::ignored());
     EXPECT_THAT(copied, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_EQ(log.lastAction(), "Monitoring started.");

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/each_of.h"
+#include "tests/support/numbers.h"
+#include "tests/support/pids_of.h"
 
 namespace tallowcrest {
 namespace {
@@ -26,10 +28,6 @@ ProcessSample process(std::int64_t pid, std::string command, double cpu, double 
             .rssMB = rssMB,
             .command = command,
             .arguments = command};
-}
-
-std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    return eachOf(rows, &ProcessSample::pid);
 }
 
 /// The rows in impact order, at most `limit` of them.
@@ -150,8 +148,6 @@ TEST(ImpactOrder, ToleratesACyclicRelation) {
 }
 
 TEST(ImpactOrder, KeepsEveryRowWithNaNAndInfinities) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double infinity = std::numeric_limits<double>::infinity();
     std::vector<ProcessSample> rows;
     std::int64_t pid = 0;
     for (const double cpu : {nan, 0.0, infinity, -infinity, 50.0, infinity}) {
@@ -259,7 +255,6 @@ TEST(BuildAppImpacts, ProtectsTheLinuxSystemOnLinux) {
 }
 
 TEST(BuildAppImpacts, NaNInOneGroupDoesNotAffectTheOthers) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_THAT(names(impactsOf({process(1, "odd", nan, 500), process(2, "gone", nan, nan),
                                  process(3, "even", 5, 5)})),
                 ElementsAre("odd", "even"));

@@ -8,18 +8,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/each_of.h"
 #include "tests/support/fixture.h"
+#include "tests/support/pids_of.h"
 
 namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::vector<std::int64_t> pids(const std::vector<ProcessSample>& rows) {
-    return eachOf(rows, &ProcessSample::pid);
-}
 
 TEST(PSParserTest, FillsEveryFieldInTableOrder) {
     const auto rows = parseProcessRows(readFixture("ps/plain.txt"));

@@ -4,13 +4,14 @@
 #include <cmath>
 #include <cstddef>
 #include <functional>
-#include <limits>
 #include <numeric>
 #include <random>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -78,8 +79,6 @@ TEST(StableOrder, KeepsAllItemsUnderAnyRelation) {
 }
 
 TEST(StableOrder, ToleratesNaN) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double infinity = std::numeric_limits<double>::infinity();
     std::vector<double> figures{3, nan, 1, infinity, nan, 2, -infinity};
     stableOrder(figures, std::greater<>{});
     EXPECT_EQ(figures.size(), 7U);

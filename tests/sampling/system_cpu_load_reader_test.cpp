@@ -1,5 +1,6 @@
 #include "sampling/system_cpu_load_reader.h"
 
+#include <chrono>
 #include <limits>
 #include <optional>
 #include <thread>
@@ -70,19 +71,50 @@ TEST(SystemCPULoadReaderTest, EachCallGivesTheLoadSinceTheLastSuccessfulReading)
     }
 }
 
+TEST(SystemCPULoadReaderTest, AShortIntervalIsMeasuredFromTheReadingBeforeIt) {
+    using std::chrono_literals::operator""ms;
+    FakeTickSource source;
+    source.interval = {};
+    SystemCPULoadReader reader(source);
+    const struct {
+        std::chrono::milliseconds passed;
+        std::uint64_t user;
+        std::uint64_t idle;
+        std::optional<double> load;
+    } readings[] = {
+        {10ms, 0, 0, std::nullopt},  // no tick yet
+        {10ms, 1, 1, 50.0},          // since construction
+        {3980ms, 199, 599, 25.0},    // since construction too
+        {199ms, 40, 0, 28.6},        // since construction
+        {1ms, 0, 0, 100.0},          // 200 ms: since the reading before
+        {1ms, 0, 0, 100.0},          // since the same one
+        {399ms, 0, 80, 0.0},
+    };
+    for (const auto& each : readings) {
+        source.now += each.passed;
+        source.ticks->user += each.user;
+        source.ticks->idle += each.idle;
+        const std::optional<double> load = reader.readCPUPercent();
+        ASSERT_EQ(load.has_value(), each.load.has_value());
+        EXPECT_NEAR(load.value_or(0.0), each.load.value_or(0.0), 0.1);
+    }
+}
+
 /// Advances with each reading, from any thread; a quarter of the time is busy.
 class RunningTickSource final : public CPUTickSource {
 public:
-    std::optional<CPUTicks> readTicks() override {
+    std::optional<CPUTickReading> readTicks() override {
         const std::lock_guard guard(lock_);
         ticks_.user += 1;
         ticks_.idle += 3;
-        return ticks_;
+        now_ += SystemCPULoadReader::shortestInterval;
+        return CPUTickReading{ticks_, now_};
     }
 
 private:
     std::mutex lock_;
     CPUTicks ticks_;
+    std::chrono::nanoseconds now_{};
 };
 
 TEST(SystemCPULoadReaderTest, OverlappingCallsKeepTheFourCountersTogether) {

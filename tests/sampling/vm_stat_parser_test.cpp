@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::Pair;
 
-constexpr double gigabyte = 1024.0 * 1024.0 * 1024.0;
+constexpr double bytesPerGigabyte = 1024.0 * 1024.0 * 1024.0;
 constexpr const char* sixteenGigabytes = "17179869184\n";
 
 TEST(VMStatParserTest, FillsEveryField) {
@@ -23,7 +23,7 @@ TEST(VMStatParserTest, FillsEveryField) {
         memorySnapshot(sixteenGigabytes, readFixture("vm_stat/page_size_16384.txt"));
 
     EXPECT_DOUBLE_EQ(memory.totalGB, 16.0);
-    EXPECT_DOUBLE_EQ(memory.freeGB, (40960.0 + 8192.0) * 16384.0 / gigabyte);
+    EXPECT_DOUBLE_EQ(memory.freeGB, (40960.0 + 8192.0) * 16384.0 / bytesPerGigabyte);
     EXPECT_DOUBLE_EQ(memory.usedGB, 16.0 - memory.freeGB);
     EXPECT_DOUBLE_EQ(memory.wiredGB, 1.0);
     EXPECT_DOUBLE_EQ(memory.compressedGB, 0.5);
@@ -50,7 +50,7 @@ TEST(VMStatParserTest, UsesTheOutputBeforeTheDeadline) {
     const auto memory =
         memorySnapshot(sixteenGigabytes, readFixture("vm_stat/cut_at_the_deadline.txt"));
 
-    EXPECT_DOUBLE_EQ(memory.freeGB, (40960.0 + 8192.0) * 16384.0 / gigabyte);
+    EXPECT_DOUBLE_EQ(memory.freeGB, (40960.0 + 8192.0) * 16384.0 / bytesPerGigabyte);
     EXPECT_DOUBLE_EQ(memory.wiredGB, 0.0);
     EXPECT_DOUBLE_EQ(memory.pressure, 12.5);
 }
@@ -103,9 +103,9 @@ TEST(VMStatParserTest, DividesThePhysicalMemory) {
     for (const Case& each :
          {Case{"", "", 0, 0}, Case{" \t1073741824\r\n\n", "", 1, 0},
           // Two and a half pages count as two, less than one page as one.
-          Case{"10240", "Pages active: 1.\n", 10240 / gigabyte, 50},
-          Case{"100", "Pages active: 1.\n", 100 / gigabyte, 100},
-          Case{"8192", "Pages active: 2.\nPages wired down: 1.\n", 8192 / gigabyte, 100}}) {
+          Case{"10240", "Pages active: 1.\n", 10240 / bytesPerGigabyte, 50},
+          Case{"100", "Pages active: 1.\n", 100 / bytesPerGigabyte, 100},
+          Case{"8192", "Pages active: 2.\nPages wired down: 1.\n", 8192 / bytesPerGigabyte, 100}}) {
         const auto memory = memorySnapshot(each.memsize, each.pages);
         EXPECT_DOUBLE_EQ(memory.totalGB, each.totalGB) << each.memsize;
         EXPECT_DOUBLE_EQ(memory.pressure, each.pressure) << each.memsize;

@@ -36,12 +36,14 @@ public:
     /// The results of signals to running processes, by pid; `asked` without an entry.
     std::map<std::int64_t, TerminationResult> results;
     std::vector<std::int64_t> held;
+    /// How many processes are held now.
+    long heldNow() const { return handles_.use_count() - 1; }
     std::vector<Signalled> signalled;
 
 private:
     struct Held final : HeldProcess {
         Held(FakeProcessControl& owner, std::int64_t pid, std::uint64_t startTime)
-            : control(owner), number(pid), start(startTime) {}
+            : control(owner), handle(owner.handles_), number(pid), start(startTime) {}
 
         TerminationResult terminate() override {
             const auto now = control.running.find(number);
@@ -60,9 +62,12 @@ private:
         }
 
         FakeProcessControl& control;
+        std::shared_ptr<int> handle;
         std::int64_t number;
         std::uint64_t start;
     };
+
+    std::shared_ptr<int> handles_ = std::make_shared<int>();
 };
 
 /// Returns what a test set, and records the calls.

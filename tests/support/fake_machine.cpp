@@ -19,38 +19,39 @@ FakeMachine::~FakeMachine() = default;
 SystemMonitor& FakeMachine::monitor() {
     if (monitor_ == nullptr) {
         monitor_ = std::make_unique<SystemMonitor>(
-            MonitorPorts{.jobs = jobs,
+            MonitorPorts{.mainQueue = mainQueue,
+                         .jobs = jobs,
                          .clock = clock,
                          .settingsStore = *settingsStore,
                          .metrics = metrics,
                          .ticks = ticks,
                          .locale = locale,
-                         .actions = {actions.ports(), openActivityMonitor, storeOnPasteboard},
-                         .reportFolder = reportFolder,
-                         .utcOffset = atGreenwich,
-                         .notifications = &notifications,
-                         .openRoute = openRoute,
-                         .remoteScan = remoteScan},
+                         .actions = {actions.ports(), {openActivityMonitor, storeOnPasteboard}},
+                         .reports = {reportFolder, atGreenwich},
+                         .integration = {&notifications, openRoute},
+                         .remoteScan = remoteScan,
+                         .sampleApplied = [this] { changeSample(); }},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                       .loginName = "owner",
                       .startupProblems = startupProblems,
                       .places = {.caches = "~/.cache"},
-                      .findings = findings,
+                      .hasLocalPublicKey = hasLocalPublicKey,
                       .readOnly = readOnly});
-        monitor_->setSampleApplied([this] {
-            if (recommendations) {
-                monitor_->sample().setRecommendations(*recommendations);
-            }
-            if (sessionInsights) {
-                monitor_->sample().setSessionInsights(*sessionInsights);
-            }
-            if (sampleApplied) {
-                sampleApplied();
-            }
-        });
     }
     return *monitor_;
+}
+
+void FakeMachine::changeSample() {
+    if (recommendations) {
+        monitor_->sample().setRecommendations(*recommendations);
+    }
+    if (sessionInsights) {
+        monitor_->sample().setSessionInsights(*sessionInsights);
+    }
+    if (sampleApplied) {
+        sampleApplied();
+    }
 }
 
 void FakeMachine::restart() {

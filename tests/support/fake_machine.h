@@ -11,7 +11,6 @@
 #include "core/local_records.h"
 #include "core/routes.h"
 #include "core/settings/settings_store.h"
-#include "monitor/startup_state.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_readers.h"
@@ -66,7 +65,7 @@ public:
     FakeNotificationCenter notifications;
     std::shared_ptr<FakeReportFolder> reportFolder = std::make_shared<FakeReportFolder>();
     Jobs jobs{mainQueue, workQueue};
-    StartupFindings findings{.processArguments = {"tallowcrest", "--ui-testing"}};
+    bool hasLocalPublicKey = false;
     std::vector<std::string> startupProblems;
     bool readOnly = false;
     std::function<bool()> openActivityMonitor;
@@ -80,6 +79,9 @@ public:
     std::function<void()> sampleApplied;
 
 private:
+    /// Puts the fixed recommendations and insights into the sample that was applied.
+    void changeSample();
+
     std::unique_ptr<SystemMonitor> monitor_;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -48,11 +49,15 @@ private:
 /// Tick counters that change only when a test changes them.
 class FakeTickSource final : public CPUTickSource {
 public:
-    std::optional<CPUTicks> readTicks() override {
+    std::optional<CPUTickReading> readTicks() override {
         if (calls != nullptr) {
             calls->emplace_back("readTicks");
         }
-        return ticks;
+        now += interval;
+        if (!ticks) {
+            return std::nullopt;
+        }
+        return CPUTickReading{*ticks, now};
     }
 
     /// Lets 100 ticks pass, `busy` of them busy.
@@ -62,6 +67,8 @@ public:
     }
 
     std::optional<CPUTicks> ticks = CPUTicks{};
+    std::chrono::nanoseconds now{};
+    std::chrono::nanoseconds interval = std::chrono::seconds(4);  ///< between two readings
     std::vector<std::string>* calls = nullptr;
 };
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "actions/confirmation_desk.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/locale.h"
 #include "core/services.h"
@@ -32,8 +33,9 @@ struct TestServices {
     RecordingStore store;
     SettingsOwner settings;
     ActivityLog log{clock, settings, mainQueue};
+    ConfirmationDesk confirmations{log, mainQueue};
     PlainLocale locale;
-    Services services{log, settings, jobs, mainQueue, clock, locale};
+    Services services{log, settings, confirmations, jobs, mainQueue, clock, locale};
 };
 
 }  // namespace tallowcrest

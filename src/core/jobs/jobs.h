@@ -1,5 +1,7 @@
 #pragma once
 
+#include <condition_variable>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -8,12 +10,41 @@
 #include <type_traits>
 #include <utility>
 
-#include "core/jobs/disk_changes.h"
 #include "core/jobs/queues.h"
 
 namespace tallowcrest {
 
-/// What a job under way is told. Any thread.
+/// Counts the changes to the disk that must not be left half done when the program ends.
+/// Any thread.
+class DiskChanges {
+public:
+    /// One change under way; it is over when this is destroyed.
+    class Change {
+    public:
+        Change(Change&& other) noexcept : owner_(std::exchange(other.owner_, nullptr)) {}
+        Change& operator=(Change&&) = delete;
+        ~Change();
+
+    private:
+        friend class DiskChanges;
+        explicit Change(DiskChanges& owner) : owner_(&owner) {}
+        DiskChanges* owner_;
+    };
+
+    /// Absent once `finish` was called: the change must then not begin.
+    [[nodiscard]] std::optional<Change> begin();
+
+    /// Lets no further change begin and blocks until those under way are over.
+    void finish();
+
+private:
+    std::mutex lock_;
+    std::condition_variable changeEnded_;
+    std::size_t underWay_ = 0;
+    bool isFinishing_ = false;
+};
+
+/// Whether a running job should stop, and whether it may still change the disk. Any thread.
 class Stop {
 public:
     Stop(std::stop_token token, DiskChanges& changes)
@@ -21,7 +52,7 @@ public:
 
     /// Whether nobody waits for the result any more: its component is gone, or the program ends.
     bool isRequested() const { return token_.stop_requested(); }
-    const std::stop_token& token() const { return token_; }
+    const std::stop_token& stopToken() const { return token_; }
 
     /// Hold the result while files are changed in several steps that must all be done or none. The
     /// program does not end meanwhile. Absent when the program is ending: the change must then not
@@ -44,8 +75,6 @@ public:
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
-    MainQueue& mainQueue() { return mainQueue_; }
-
     /// Asks every job to stop, and blocks until no change to the disk is half done.
     void stopAll();
 
@@ -60,7 +89,7 @@ private:
 
 /// A component's background work: a member of the component, declared last. When it is destroyed,
 /// the jobs that it began are asked to stop and nothing of them reaches the component any more.
-/// Main thread, unless told otherwise.
+/// Main thread, unless stated otherwise.
 class JobScope {
 public:
     explicit JobScope(Jobs& jobs);
@@ -98,9 +127,9 @@ public:
     /// once per turn of it and never after `then`. It is destroyed with `then`.
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
-        auto told = std::make_shared<OnProgress>(std::move(onProgress));
-        auto progress =
-            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_, kept_, told);
+        auto observer = std::make_shared<OnProgress>(std::move(onProgress));
+        auto progress = std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_,
+                                                                               kept_, observer);
         run(
             lane,
             [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
@@ -108,7 +137,7 @@ public:
                     progress->report(progress, std::move(value));
                 });
             },
-            [told = std::move(told), then = std::move(then)](auto&&... result) mutable {
+            [observer = std::move(observer), then = std::move(then)](auto&&... result) mutable {
                 then(std::forward<decltype(result)>(result)...);
             });
     }

@@ -38,8 +38,9 @@ enum class Lane {
     actions,
     reports,
     settings,
+    count,  ///< not a lane; stays the last
 };
-inline constexpr std::size_t laneCount = static_cast<std::size_t>(Lane::settings) + 1;  // the last
+inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);
 
 /// Background work of utility priority. Jobs may run at the same time as one another and end in
 /// any order. Components do not post here themselves; see `JobScope`.

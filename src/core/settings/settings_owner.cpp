@@ -73,7 +73,7 @@ SettingsOwner::SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::st
 
 SettingsOwner::~SettingsOwner() = default;
 
-void SettingsOwner::tellObservers() {
+void SettingsOwner::notifyObservers() {
     observable_->changed();
 }
 
@@ -81,7 +81,7 @@ template <class Value>
 void SettingsOwner::loadValues() {
     for (const auto& each : settings_keys::declaredValues<Value>()) {
         std::optional<Value> value = readValue<Value>(store_, each.key);
-        if (!value || (each.counts != nullptr && !each.counts(*value))) {
+        if (!value || (each.isValid != nullptr && !each.isValid(*value))) {
             continue;
         }
         values_.*each.field =
@@ -90,8 +90,7 @@ void SettingsOwner::loadValues() {
 }
 
 SettingsTable SettingsOwner::loadRemoteTopApps() const {
-    return readKind<SettingsTable>(store_, settings_keys::remoteTopAppsKey)
-        .value_or(SettingsTable{});
+    return readKind<SettingsTable>(store_, stored::remoteTopApps.key).value_or(SettingsTable{});
 }
 
 std::optional<std::string> SettingsOwner::loadText(std::string_view key) const {

@@ -42,7 +42,7 @@ public:
         const bool isHeld = values_.*field == value;
         if (!isHeld) {
             values_.*field = std::move(value);
-            tellObservers();
+            notifyObservers();
         }
         if (!isHeld || store_.read(declaration.key) != stored) {
             store_.write(declaration.key, std::move(stored));
@@ -60,8 +60,8 @@ public:
         return records;
     }
 
-    /// Stores a list whole. One that has no JSON form leaves the older one in the store, in
-    /// silence. `encoder.encode(records)` gives the text, absent for such a list.
+    /// Stores a list whole. One that has no JSON form is not written; no error is reported.
+    /// `encoder.encode(records)` gives the text, absent for such a list.
     template <class Records, class Encoder = stored::WholeEncoder>
     void save(const stored::List<Records>& list, const Records& records, Encoder&& encoder = {}) {
         if (list.excess(records) == 0) {
@@ -73,10 +73,10 @@ public:
         saveText(list.key, encoder.encode(kept));
     }
 
-    /// Empty when nothing is stored that is such a table.
+    /// `stored::remoteTopApps`; empty when nothing is stored that is such a table.
     SettingsTable loadRemoteTopApps() const;
 
-    /// Tells of changed values, not of lists.
+    /// Notifies of changed values, not of lists.
     Observable& observable() { return *observable_; }
 
 private:
@@ -93,7 +93,7 @@ private:
 
     template <class Value>
     void loadValues();
-    void tellObservers();
+    void notifyObservers();
     std::optional<std::string> loadText(std::string_view key) const;
     void saveText(std::string_view key, std::optional<std::string> json);
 

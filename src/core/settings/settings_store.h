@@ -17,7 +17,7 @@ struct JSONData {
     bool operator==(const JSONData&) const = default;
 };
 
-/// Bytes that mean something to one component alone.
+/// Bytes that only one component interprets.
 struct SettingsData {
     std::string bytes;
 
@@ -41,7 +41,7 @@ class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
 
-    /// Absent when the key was never written, or when no sense can be made of what is stored.
+    /// Absent when the key was never written, or when what is stored cannot be decoded.
     virtual std::optional<SettingsValue> read(std::string_view key) const = 0;
 
     /// Written through before it returns. A value that cannot be kept leaves the older one.

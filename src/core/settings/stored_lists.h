@@ -17,7 +17,7 @@
 #include "core/settings/settings.h"
 #include "core/settings/stored_list.h"
 
-/// The lists and tables of records that survive a restart. Each is stored as one JSON text, which
+/// The lists and tables of records that survive a restart. A list is stored as one JSON text, which
 /// is written whole after every change.
 namespace tallowcrest::stored {
 
@@ -30,14 +30,14 @@ struct List {
     /// Absent for a text that is not such a list.
     std::optional<Records> (*decode)(std::string_view text);
     Keep keep = Keep::all;
-    std::size_t most = 0;  ///< of no meaning for `Keep::all`
+    std::size_t limit = 0;  ///< unused for `Keep::all`
 
-    /// How many records are beyond the most that is stored.
+    /// How many records exceed the limit.
     std::size_t excess(const Records& records) const {
-        return keep == Keep::all || records.size() <= most ? 0 : records.size() - most;
+        return keep == Keep::all || records.size() <= limit ? 0 : records.size() - limit;
     }
 
-    /// Drops what is beyond the most that is stored.
+    /// Drops the records that exceed the limit.
     void trim(Records& records) const {
         if constexpr (requires { records.front(); }) {
             const auto count = static_cast<std::ptrdiff_t>(excess(records));
@@ -67,14 +67,24 @@ inline constexpr List<std::map<std::string, RemoteProfile>> remoteProfiles{
 inline constexpr List<std::map<std::string, AITrustRecord>> trustRecords{
     settings_keys::aiTrustRecordsKey, record_json::decodeTrustRecords};
 
+/// A value that is stored as it is, not as JSON text.
+template <class Value>
+struct Plain {
+    std::string_view key;
+};
+
+/// In how many remote scans an application came first, by machine and application.
+inline constexpr Plain<SettingsTable> remoteTopApps{settings_keys::remoteTopAppsKey};
+/// The permission to use a folder that was once chosen, in the system's own format.
+inline constexpr Plain<SettingsData> storageAnalysisBookmark{
+    settings_keys::storageAnalysisBookmarkKey};
+
 /// The key of every list, whatever its records are.
 inline constexpr auto listKeys =
     std::to_array({activityLog.key, history.key, remoteHistory.key, chatMessages.key,
                    ruleDrafts.key, remoteProfiles.key, trustRecords.key});
-/// Tables of numbers, stored as they are.
-inline constexpr auto tableKeys = std::to_array({settings_keys::remoteTopAppsKey});
-/// Bytes that only the system understands.
-inline constexpr auto dataKeys = std::to_array({settings_keys::storageAnalysisBookmarkKey});
+inline constexpr auto tableKeys = std::to_array({remoteTopApps.key});
+inline constexpr auto dataKeys = std::to_array({storageAnalysisBookmark.key});
 
 template <class Records>
 std::optional<std::string> WholeEncoder::encode(const Records& records) const {

@@ -23,4 +23,13 @@ std::string environmentVariable(const char* name);
 /// The activation token that this process was started with; empty without one. Main thread.
 std::string startupActivationToken();
 
+/// The account that this process runs under. Fields that the system does not know are empty.
+struct UserAccount {
+    std::string name;
+    std::string homeDirectory;  ///< absolute path
+};
+
+/// Any thread.
+UserAccount userAccount();
+
 }  // namespace tallowcrest

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "sampling/home_volume.h"
+#include "sampling/system_metrics_reader.h"
 
 namespace tallowcrest {
 

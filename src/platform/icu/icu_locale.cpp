@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <ctime>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -241,6 +242,15 @@ std::string IcuLocale::hoursAndMinutes(Date date) const {
 
 std::int64_t IcuLocale::localDay(Date date) const {
     return hasForm(date) ? tables_->plain.localDay(tables_->shiftedToUTC(date)) : 0;
+}
+
+// The C library, and not ICU, is asked: it understands every form of TZ, and it notices a change of
+// zone under a running program, for which ICU would have to search its way anew each time.
+std::int64_t utcOffsetOfThisMachine(Date date) {
+    ::tzset();
+    const auto instant = static_cast<std::time_t>(std::floor(date.unixSeconds()));
+    std::tm local{};
+    return ::localtime_r(&instant, &local) == nullptr ? 0 : local.tm_gmtoff;
 }
 
 }  // namespace tallowcrest

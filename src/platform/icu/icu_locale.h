@@ -1,12 +1,17 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
+#include "core/date.h"
 #include "core/locale.h"
 #include "platform/icu/locale_names.h"
-#include "platform/icu/utc_offset.h"
 
 namespace tallowcrest {
+
+/// The `UTCOffset` of this machine, by the time zone as it is set at the call: by the variable TZ,
+/// else for the whole system. 0 when the C library has no local time for the instant.
+std::int64_t utcOffsetOfThisMachine(Date date);
 
 /// The conventions of a language and country, by ICU. Each table is loaded on first use and kept;
 /// if it cannot be loaded, `PlainLocale` answers instead.

@@ -11,7 +11,6 @@
 #include "actions/cache_purge.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
-#include "platform/base/user_account.h"
 #include "platform/host.h"
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/pidfd_process_control.h"

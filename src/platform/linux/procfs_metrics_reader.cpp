@@ -10,9 +10,9 @@
 #include <utility>
 
 #include "core/text.h"
+#include "platform/base/environment.h"
 #include "platform/base/home_volume.h"
 #include "platform/base/unique_fd.h"
-#include "platform/base/user_account.h"
 #include "sampling/memory.h"
 #include "sampling/proc_parser.h"
 

@@ -6,7 +6,6 @@
 
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/procfs_process_table.h"
-#include "sampling/home_volume.h"
 #include "sampling/system_metrics_reader.h"
 
 namespace tallowcrest {

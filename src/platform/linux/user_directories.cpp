@@ -1,16 +1,12 @@
 #include "platform/linux/user_directories.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdlib>
 #include <utility>
 
 #include "core/text.h"
-#include "platform/base/unique_fd.h"
-#include "platform/base/user_account.h"
+#include "platform/base/environment.h"
+#include "platform/base/regular_file.h"
 
 namespace tallowcrest {
 namespace {
@@ -46,20 +42,6 @@ std::optional<std::string> absolutePath(const std::string& value, std::string_vi
         return std::string(home) + value.substr(homeVariable.size());
     }
     return std::nullopt;
-}
-
-/// Empty unless `path` is a regular file, as opening or reading anything else might block.
-std::string readRegularFile(const std::filesystem::path& path) {
-    constexpr std::size_t largestFile = 64U << 10U;
-    const UniqueFD file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat info {};
-    if (!file.valid() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        return {};
-    }
-    std::string text(largestFile, '\0');
-    const ssize_t length = ::read(file.get(), text.data(), text.size());
-    text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-    return text;
 }
 
 }  // namespace

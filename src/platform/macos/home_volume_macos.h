@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "sampling/home_volume.h"
+#include "sampling/system_metrics_reader.h"
 
 namespace tallowcrest {
 

@@ -11,7 +11,7 @@
 
 #include "actions/cache_purge.h"
 #include "actions/kill_tool.h"
-#include "platform/base/user_account.h"
+#include "platform/base/environment.h"
 #include "platform/host.h"
 #include "platform/macos/home_volume_macos.h"
 #include "platform/macos/mach_tick_source.h"

@@ -2,9 +2,11 @@
 
 #include <mach/mach.h>
 
+#include <chrono>
+
 namespace tallowcrest {
 
-std::optional<CPUTicks> MachTickSource::readTicks() {
+std::optional<CPUTickReading> MachTickSource::readTicks() {
     host_cpu_load_info_data_t info{};
     mach_msg_type_number_t count = HOST_CPU_LOAD_INFO_COUNT;
     // Each call adds a reference to the host port, which must be released.
@@ -20,7 +22,7 @@ std::optional<CPUTicks> MachTickSource::readTicks() {
     ticks.system = info.cpu_ticks[CPU_STATE_SYSTEM];
     ticks.idle = info.cpu_ticks[CPU_STATE_IDLE];
     ticks.nice = info.cpu_ticks[CPU_STATE_NICE];
-    return ticks;
+    return CPUTickReading{ticks, std::chrono::steady_clock::now().time_since_epoch()};
 }
 
 }  // namespace tallowcrest

@@ -9,7 +9,7 @@ namespace tallowcrest {
 /// The tick counters of the Mach host. They are 32 bits wide and wrap around. Any thread.
 class MachTickSource final : public CPUTickSource {
 public:
-    std::optional<CPUTicks> readTicks() override;
+    std::optional<CPUTickReading> readTicks() override;
 };
 
 }  // namespace tallowcrest

@@ -35,7 +35,7 @@ struct Opening {
                 return report(problem::locked);
             case FileState::damaged:
             case FileState::foreign:
-                return report(problem::damagedAndLeft);
+                return report(problem::damagedLeft);
             default:
                 return report(problem::cannotBeRead, finding.reason);
         }
@@ -44,21 +44,19 @@ struct Opening {
     void create(const Dependencies& dependencies) {
         SettingsDatabase database;
         const Finding finding = database.create(file);
-        if (finding.state == FileState::usable) {
-            use(std::move(database), dependencies);
-        } else {
-            report(problem::fileCannotBeMade, finding.reason);
+        if (finding.state != FileState::usable) {
+            return report(problem::fileCannotBeMade, finding.reason);
         }
+        use(std::move(database), dependencies);
     }
 
     void replace(std::string_view sentence, const Dependencies& dependencies) {
         const Path name = settings_file::freeName(file, dependencies.clock.now());
         if (const std::error_code error = settings_file::rename(file, name)) {
-            report(problem::cannotBePutAside, error.message());
-        } else {
-            report(sentence, {}, name);
-            create(dependencies);
+            return report(problem::cannotBePutAside, error.message());
         }
+        report(sentence, {}, name);
+        create(dependencies);
     }
 
     void use(SettingsDatabase database, const Dependencies& dependencies) {
@@ -98,53 +96,47 @@ struct Opening {
             }
         }
     }
+
+    void openIn(const Path& folder, const Dependencies& dependencies) {
+        if (file.empty()) {
+            return report(problem::noHomeFolder);
+        }
+        if (const std::error_code error = settings_file::prepareFolder(folder)) {
+            file = folder;
+            return report(problem::folderCannotBeMade, error.message());
+        }
+        const auto lock = settings_file::lockFolder(folder);
+        SettingsDatabase database;
+        Finding finding = lock ? settings_file::inspect(file) : Finding{FileState::locked};
+        if (finding.state == FileState::usable) {
+            finding = database.openForWriting(file);
+        }
+        if (finding.state == FileState::usable) {
+            return use(std::move(database), dependencies);
+        }
+        database = {};  // a file must not be renamed while it is open
+        switch (finding.state) {
+            case FileState::missing:
+                return create(dependencies);
+            case FileState::damaged:
+                return replace(problem::damaged, dependencies);
+            case FileState::foreign:
+                return replace(problem::foreign, dependencies);
+            case FileState::inaccessible:
+                return read(problem::canOnlyBeRead, finding.reason);
+            default:
+                return reportUnusable(finding);
+        }
+    }
 };
 
 }  // namespace
 
 OpenedStore openSettingsStore(const Path& file, const Dependencies& dependencies) {
     Opening opening{settings_file::resolveLink(file)};
-    if (file.empty()) {
-        opening.report(problem::noHomeFolder);
-        return std::move(opening.outcome);
-    }
     // The folder of the path as given. If the file is a link, its target may lie in a folder that
     // other programs use.
-    const Path folder = file.parent_path();
-    if (const std::error_code error = settings_file::prepareFolder(folder)) {
-        opening.file = folder;
-        opening.report(problem::folderCannotBeMade, error.message());
-        return std::move(opening.outcome);
-    }
-    const auto lock = settings_file::lockFolder(folder);
-    SettingsDatabase database;
-    Finding finding = lock ? settings_file::inspect(opening.file) : Finding{FileState::locked};
-    if (finding.state == FileState::usable) {
-        finding = database.openForWriting(opening.file);
-    }
-    if (finding.state != FileState::usable) {
-        database = {};  // a file must not be renamed while it is open
-    }
-    switch (finding.state) {
-        case FileState::usable:
-            opening.use(std::move(database), dependencies);
-            break;
-        case FileState::missing:
-            opening.create(dependencies);
-            break;
-        case FileState::damaged:
-            opening.replace(problem::damaged, dependencies);
-            break;
-        case FileState::foreign:
-            opening.replace(problem::foreign, dependencies);
-            break;
-        case FileState::inaccessible:
-            opening.read(problem::canOnlyBeRead, finding.reason);
-            break;
-        default:
-            opening.reportUnusable(finding);
-            break;
-    }
+    opening.openIn(file.parent_path(), dependencies);
     return std::move(opening.outcome);
 }
 

@@ -22,8 +22,8 @@ struct OpenedStore {
 /// A damaged file, or one of another application, is put aside under a new name and a fresh one
 /// created. A file that is locked, cannot be written or comes from a newer version stays exactly as
 /// it is; the store is then in memory, with the stored values where they can be read. A row that
-/// makes no sense affects its own key only, and is kept in a copy of the file; without a copy the
-/// row stays, and its key is kept in memory.
+/// cannot be decoded affects its own key only, and is kept in a copy of the file; without a copy
+/// the row stays, and its key is kept in memory.
 ///
 /// Several processes may do this at once. Main thread; takes milliseconds, and 2 seconds at most
 /// while another process does the same.

@@ -37,7 +37,6 @@ public:
     /// is unless SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE is turned off.
     int open(const std::filesystem::path& path, Access access,
              std::chrono::milliseconds lockTimeout);
-    void close() { database_.reset(); }
 
     int execute(const std::string& sql);
     int prepare(const char* sql, SqliteStatement& statement) const;
@@ -70,13 +69,13 @@ public:
     /// Checks a file, changes nothing, and creates no file where there is no log to be read.
     Finding openForReading(const std::filesystem::path& file);
 
-    /// As found on opening: those of our keys whose row makes no sense, is too large, or is of
-    /// another kind than the key.
+    /// As found on opening: those of our keys whose row cannot be decoded, is too large, or is
+    /// of another kind than the key.
     const std::vector<std::string_view>& unreadableKeys() const { return unreadableKeys_; }
     /// Copies everything to a new file, then removes the rows of the unreadable keys.
     int moveUnreadableRowsTo(const std::filesystem::path& copy);
 
-    /// SQLITE_ROW, with no value when the row makes no sense; SQLITE_TOOBIG for one that is too
+    /// SQLITE_ROW, with no value when the row cannot be decoded; SQLITE_TOOBIG for one that is too
     /// large; SQLITE_DONE when there is no row.
     int read(std::string_view key, std::optional<SettingsValue>& value);
     /// One transaction: the older value or the new one is stored. SQLITE_TOOBIG for a value beyond

@@ -8,55 +8,44 @@
 
 #include "core/text.h"
 
-/// What the owner is told when stored settings cannot be read or kept. A sentence begins with the
-/// consequence, because the window may cut it short, and ends with the place: {0}. {1} is the
-/// system's reason or a list of keys, {2} the name of what was kept.
+/// The sentences for the owner when stored settings cannot be read or kept. Each begins with the
+/// consequence, because the window may cut it short; `describe` fills in what stands in braces and
+/// adds the place.
 namespace tallowcrest::settings_problem {
 
-constexpr std::string_view noHomeFolder =
-    "Settings changes last only for this run: there is no home folder to keep them in.";
-constexpr std::string_view folderCannotBeMade =
-    "Settings changes last only for this run: their folder cannot be made, {1}, {0}.";
-constexpr std::string_view fileCannotBeMade =
-    "Settings changes last only for this run: their file cannot be made, {1}, {0}.";
-constexpr std::string_view locked =
-    "Settings are locked, so defaults are used and changes last only for this run: another program "
-    "keeps the file, {0}.";
-constexpr std::string_view newer =
-    "Settings are a newer version's, so defaults are used and changes last only for this run: the "
-    "file is left as it is, {0}.";
-constexpr std::string_view canOnlyBeRead =
-    "Settings can be read but not changed, so changes last only for this run: {1}, {0}.";
-constexpr std::string_view cannotBeRead =
-    "Settings cannot be read, so defaults are used and changes last only for this run: {1}, {0}.";
-constexpr std::string_view damaged =
-    "Settings are damaged, so Tallowcrest starts with defaults: the file was put aside as {2}, "
-    "{0}.";
-constexpr std::string_view foreign =
-    "The file holds no settings of ours, so Tallowcrest starts with defaults: it was put aside as "
-    "{2}, {0}.";
-constexpr std::string_view cannotBePutAside =
-    "Settings are damaged, so defaults are used and changes last only for this run: the file "
-    "cannot be put aside, {1}, {0}.";
-constexpr std::string_view damagedAndLeft =
-    "Settings cannot be read, so defaults are used: the file is damaged, {0}.";
-constexpr std::string_view unreadableKeys =
-    "Some settings make no sense, so their defaults are used: {1}, {0}.";
-constexpr std::string_view unreadableKeysKept =
-    "Some settings make no sense, so their defaults are used: {1}; the file as it was is kept as "
-    "{2}, {0}.";
-constexpr std::string_view unreadableKeysLeft =
-    "Some settings make no sense, so defaults are used and changed only for this run: {1}, {0}.";
-constexpr std::string_view cannotBeSaved =
-    "Settings cannot be saved for now, so changes may last only for this run: {1}, {0}.";
+using Text = std::string_view;
 
-/// Valid UTF-8, whatever encoding the paths and the detail are in. Any thread.
-inline std::string describe(std::string_view sentence, const std::filesystem::path& place,
-                            std::string_view detail = {},
+constexpr Text noHomeFolder = "Settings changes {run}: there is no home folder to keep them in";
+constexpr Text folderCannotBeMade = "Settings changes {run}: their folder cannot be made, {detail}";
+constexpr Text fileCannotBeMade = "Settings changes {run}: their file cannot be made, {detail}";
+constexpr Text locked = "Settings are locked, so {defaults}: another program keeps the file";
+constexpr Text newer = "Settings are a newer version's, so {defaults}: the file is left as it is";
+constexpr Text canOnlyBeRead = "Settings can be read but not changed, so changes {run}: {detail}";
+constexpr Text cannotBeRead = "Settings cannot be read, so {defaults}: {detail}";
+constexpr Text damaged = "Settings are damaged, {fresh}: the file was put aside as {kept}";
+constexpr Text foreign = "The file holds no settings of ours, {fresh}: it was put aside as {kept}";
+constexpr Text cannotBePutAside =
+    "Settings are damaged, so {defaults}: the file cannot be put aside, {detail}";
+constexpr Text damagedLeft = "Settings cannot be read, so defaults are used: the file is damaged";
+constexpr Text unreadableKeys = "{some} their defaults are used: {detail}";
+constexpr Text unreadableKeysKept =
+    "{some} their defaults are used: {detail}; the file as it was is kept as {kept}";
+constexpr Text unreadableKeysLeft =
+    "{some} defaults are used and changed only for this run: {detail}";
+constexpr Text cannotBeSaved = "Settings cannot be saved for now, so changes may {run}: {detail}";
+
+/// `detail` is the system's reason or a list of keys. An empty place is left out. Valid UTF-8,
+/// whatever encoding the paths and the detail are in. Any thread.
+inline std::string describe(Text sentence, const std::filesystem::path& place, Text detail = {},
                             const std::filesystem::path& keptAs = {}) {
-    return fmt::format(fmt::runtime(sentence), replacingInvalidUTF8(place.native()),
-                       replacingInvalidUTF8(detail),
-                       replacingInvalidUTF8(keptAs.filename().native()));
+    using fmt::arg;
+    return fmt::format(fmt::runtime(sentence), arg("detail", replacingInvalidUTF8(detail)),
+                       arg("kept", replacingInvalidUTF8(keptAs.filename().native())),
+                       arg("fresh", "so Tallowcrest starts with defaults"),
+                       arg("some", "Some settings cannot be read, so"),
+                       arg("run", "last only for this run"),
+                       arg("defaults", "defaults are used and changes last only for this run")) +
+           (place.empty() ? "." : ", " + replacingInvalidUTF8(place.native()) + ".");
 }
 
 }  // namespace tallowcrest::settings_problem

@@ -7,14 +7,13 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "actions/confirmation_desk.h"
+#include "core/confirmation_desk.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/widgets/tool_tip.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -112,7 +111,7 @@ void ConfirmationDialog::refresh() {
     const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
     if (!pending) {
         if (shown_) {
-            leave(Rejected);
+            done(Rejected);
         }
         return;
     }
@@ -168,7 +167,9 @@ void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
     }
     const std::size_t rest = count - std::min(count, mostPaths);
     const QString others = texts.mid(static_cast<qsizetype>(mostPaths)).join(u'\n');
-    morePaths_->setText(rest > 0 ? u"and %1 more"_s.arg(rest) : QString());
+    morePaths_->setText(rest > 0
+                            ? u"and %1 more"_s.arg(dashboard_text::count(static_cast<qint64>(rest)))
+                            : QString());
     morePaths_->setToolTip(toolTipText(others));
     morePaths_->setAccessibleDescription(others);
     morePaths_->setVisible(rest > 0);
@@ -177,14 +178,10 @@ void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
 }
 
 void ConfirmationDialog::fit() {
-    ensurePolished();
-    // Innermost first: a layout notices a changed child only when the child's own layout has been
-    // activated.
-    for (const QWidget* each : {static_cast<QWidget*>(pathsCard_), pathsCard_->parentWidget(),
-                                static_cast<QWidget*>(this)}) {
-        each->layout()->invalidate();
-        each->layout()->activate();
-    }
+    // A layout keeps the sizes of its items until it is told that they changed.
+    pathsCard_->contentLayout()->invalidate();
+    pathsCard_->updateGeometry();
+    pathsCard_->parentWidget()->updateGeometry();
     setFixedSize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }
 
@@ -199,7 +196,7 @@ void ConfirmationDialog::confirm() {
         refresh();
         return;
     }
-    leave(Accepted);
+    done(Accepted);
     desk_.confirmPending();
 }
 
@@ -209,18 +206,18 @@ void ConfirmationDialog::reject() {
             refresh();
         } else {
             // The other question is shown when the window is.
-            leave(Rejected);
+            done(Rejected);
         }
         return;
     }
-    leave(Rejected);
+    done(Rejected);
     desk_.cancelPending();
 }
 
-void ConfirmationDialog::leave(int result) {
+void ConfirmationDialog::done(int result) {
     shown_.reset();
     settling_->stop();
-    done(result);
+    WindowDialog::done(result);
 }
 
 }  // namespace tallowcrest

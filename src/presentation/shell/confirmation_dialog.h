@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,10 +32,8 @@ public:
     /// that is the one shown.
     void refresh() override;
 
-    /// For tests, which do not wait.
-    void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
-
     void reject() override;
+    void done(int result) override;
 
 protected:
     bool event(QEvent* event) override;
@@ -48,7 +45,6 @@ private:
     void confirm();
     /// Whether the pending request is the one shown.
     bool showsPending() const;
-    void leave(int result);
     QWidget* makePaths();
 
     ConfirmationDesk& desk_;

@@ -3,21 +3,18 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHideEvent>
-#include <QPointer>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "actions/automation.h"
-#include "actions/confirmation_desk.h"
-#include "actions/review_target.h"
 #include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
-#include "presentation/screens/load/processes_page.h"
-#include "presentation/screens/optimize/cleanup_page.h"
+#include "presentation/screens/load/load_page.h"
+#include "presentation/screens/optimize/optimize_page.h"
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/screens/settings/settings_page.h"
 #include "presentation/shell/confirmation_dialog.h"
@@ -28,7 +25,6 @@
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
-#include "presentation/widgets/arrange_now.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
@@ -56,8 +52,7 @@ struct DashboardWindow::Observers {
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor)
     : monitor_(monitor),
-      state_(monitor.settingsOwner(), monitor.log(), monitor.services().mainQueue,
-             monitor.startup().showSetupWizard),
+      state_(monitor.settingsOwner(), monitor.log(), monitor.services().mainQueue),
       observers_(new Observers{{monitor.services().mainQueue, [this] { showRoute(); }},
                                {monitor.services().mainQueue, [this] { refreshPage(); }},
                                {monitor.services().mainQueue, [this] { refreshStrip(); }},
@@ -97,14 +92,8 @@ QWidget* DashboardWindow::makeContent() {
 
     auto* right = new QVBoxLayout;
     right->setSpacing(0);
-    header_ = new PageHeader(monitor_, state_, content);
-    connect(header_, &PageHeader::selectionMade, this, [this] {
-        for (Screen* each : screens_) {
-            if (each != nullptr) {
-                each->showSelection();
-            }
-        }
-    });
+    header_ = new PageHeader(content);
+    connect(header_, &PageHeader::refreshWanted, this, [this] { monitor_.refresh(); });
     strip_ = new StatusStrip(monitor_, content);
     right->addWidget(header_);
     right->addWidget(strip_);
@@ -140,9 +129,9 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
         case AppRoute::overview:
             return new OverviewPage(monitor_, state_);
         case AppRoute::load:
-            return new ProcessesPage(monitor_, state_);
+            return new LoadPage(monitor_, state_);
         case AppRoute::optimize:
-            return new CleanupPage(monitor_, state_);
+            return new OptimizePage(monitor_, state_);
         case AppRoute::history:
             return new HistoryPage(monitor_);
         case AppRoute::settings:
@@ -157,8 +146,17 @@ Screen* DashboardWindow::screen(AppRoute route) {
     if (kept == nullptr) {
         kept = makeScreen(route);
         pages_->addWidget(kept);
+        connect(kept, &Screen::selectionMade, this, &DashboardWindow::showSelection);
     }
     return kept;
+}
+
+void DashboardWindow::showSelection() {
+    for (Screen* each : screens_) {
+        if (each != nullptr) {
+            each->showSelection();
+        }
+    }
 }
 
 void DashboardWindow::refreshAll() {
@@ -200,7 +198,7 @@ void DashboardWindow::showRoute() {
     shownRoute_ = route;
     Screen* shown = screen(route);
     sidebar_->setSelectedRoute(route);
-    header_->setRoute(route);
+    header_->setRoute(route, shown->headerActions());
     pages_->setCurrentWidget(shown);
     observers_->page.observe(shown->shows());
     refreshPage();
@@ -213,13 +211,20 @@ void DashboardWindow::refreshPage() {
     Screen* page = screen(*shownRoute_);
     page->refresh();
     emit refreshed(page);
-    // The page is the last part of the window to follow a sample.
-    arrangeNow(*this);
-    if (!hasShownSample_ && monitor_.sample().snapshot()) {
-        hasShownSample_ = true;
-        repaint();
+    if (firstSample_ == FirstSample::awaited && monitor_.sample().snapshot()) {
+        firstSample_ = FirstSample::onPage;
+        update();
+    }
+}
+
+bool DashboardWindow::event(QEvent* event) {
+    const bool isHandled = QMainWindow::event(event);
+    // Qt paints in this event, after the layouts.
+    if (event->type() == QEvent::UpdateRequest && firstSample_ == FirstSample::onPage) {
+        firstSample_ = FirstSample::painted;
         emit firstSampleShown();
     }
+    return isHandled;
 }
 
 void DashboardWindow::openRoute(AppRoute route) {
@@ -231,11 +236,7 @@ void DashboardWindow::bringToFront() {
     // Only the minimised state: a maximised window stays maximised.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
-    monitor_.services().mainQueue.post([window = QPointer<DashboardWindow>(this)] {
-        if (window != nullptr) {
-            window->comeForward();
-        }
-    });
+    QMetaObject::invokeMethod(this, &DashboardWindow::comeForward, Qt::QueuedConnection);
 }
 
 void DashboardWindow::comeForward() {
@@ -273,9 +274,6 @@ void DashboardWindow::changeEvent(QEvent* event) {
 void DashboardWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     sidebar_->setFolded(width() < foldingWidth);
-    // Once the layouts have the new width, the heights that depend on it may change.
-    QMetaObject::invokeMethod(
-        this, [this] { arrangeNow(*this); }, Qt::QueuedConnection);
 }
 
 void DashboardWindow::closeEvent(QCloseEvent* event) {

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <memory>
 #include <optional>
 
 #include <QMainWindow>
 
 #include "core/routes.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/state/window_state.h"
 
 class QAction;
 class QStackedLayout;
@@ -33,7 +32,7 @@ public:
     explicit DashboardWindow(SystemMonitor& monitor);
     ~DashboardWindow() override;
 
-    /// Shows the window on `route` and brings it to the front on the next turn of the main queue.
+    /// Shows the window on `route` and brings it to the front on the next turn of the event loop.
     void openRoute(AppRoute route);
     /// The same, on the present route.
     void bringToFront();
@@ -54,6 +53,7 @@ signals:
     void refreshed(QObject* part);
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -62,6 +62,7 @@ protected:
 
 private:
     struct Observers;
+    enum class FirstSample { awaited, onPage, painted };
 
     QWidget* makeContent();
     /// Brings everything that can be seen up to date.
@@ -76,6 +77,8 @@ private:
     void comeForward();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);
+    /// Shows the process under review on each page that has its row.
+    void showSelection();
 
     SystemMonitor& monitor_;
     WindowState state_;
@@ -88,7 +91,7 @@ private:
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;
-    bool hasShownSample_ = false;
+    FirstSample firstSample_ = FirstSample::awaited;
     std::unique_ptr<Observers> observers_;
 };
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPointer>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "monitor/system_monitor.h"
@@ -20,7 +21,7 @@ namespace {
 std::function<void()> askingInFront(SystemMonitor& monitor, DashboardWindow& window,
                                     Outcome (LocalActions::*request)()) {
     return [&monitor, &window, request] {
-        (monitor.localActions().*request)();
+        (monitor.actions().local.*request)();
         window.bringToFront();
     };
 }
@@ -37,7 +38,9 @@ QString autoSelectTitle(const Automation& automation) {
 /// The window shows a refusal.
 void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
     constexpr auto which = AutomationSwitch::autoSelectTopOffender;
-    if (!monitor.automation().set(which, !monitor.automation().isOn(which)).isAccepted()) {
+    if (!monitor.actions()
+             .automation.set(which, !monitor.actions().automation.isOn(which))
+             .isAccepted()) {
         window.bringToFront();
     }
 }
@@ -60,7 +63,7 @@ std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow
          [&window] { window.openRoute(AppRoute::overview); }},
         {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
          [&window] { window.openRoute(AppRoute::optimize); }},
-        {[&monitor] { return autoSelectTitle(monitor.automation()); }, u"scope"_s,
+        {[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,
          u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
         {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
          [&window] {

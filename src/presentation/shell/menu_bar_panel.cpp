@@ -52,16 +52,16 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
 }
 
 QWidget* MenuBarPanel::makeFigures() {
-    auto* figures = new QWidget(this);
-    auto* layout = new QVBoxLayout(figures);
+    figures_ = new QWidget(this);
+    auto* layout = new QVBoxLayout(figures_);
     // Aligned with the rows' icons.
     layout->setContentsMargins(spacing::unit, spacing::unit, spacing::unit, spacing::unit);
     layout->setSpacing(spacing::unit / 2);
-    load_ = new ElidedLabel({&CrestFonts::heading, &CrestTheme::text}, figures);
-    topGroup_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::secondaryText}, figures);
+    load_ = new ElidedLabel({&CrestFonts::heading, &CrestTheme::text}, figures_);
+    topGroup_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::secondaryText}, figures_);
     latestHeading_ =
-        new ElidedLabel(u"Latest"_s, {&CrestFonts::caption, &CrestTheme::secondaryText}, figures);
-    latest_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::text}, figures);
+        new ElidedLabel(u"Latest"_s, {&CrestFonts::caption, &CrestTheme::secondaryText}, figures_);
+    latest_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::text}, figures_);
     // Elide a long name before its figure, and a long title before its severity.
     topGroup_->setElideMode(Qt::ElideMiddle);
     latest_->setLines(1, 3);
@@ -71,7 +71,7 @@ QWidget* MenuBarPanel::makeFigures() {
     for (ElidedLabel* line : {load_, topGroup_, latestHeading_, latest_}) {
         layout->addWidget(line);
     }
-    return figures;
+    return figures_;
 }
 
 QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
@@ -117,18 +117,17 @@ void MenuBarPanel::refresh() {
 }
 
 void MenuBarPanel::fit() {
-    const auto wantedHeight = [this] {
-        layout()->activate();
-        return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(panelWidth)
-                                             : layout()->totalSizeHint().height();
-    };
+    const QLayout& figures = *figures_->layout();
+    const int figuresHeight = figures.hasHeightForWidth()
+                                  ? figures.totalHeightForWidth(panelWidth - 2 * spacing::unit)
+                                  : figures.totalSizeHint().height();
+    // The margins, and the gap between the figures and the commands.
+    const int restHeight = figuresHeight + 3 * spacing::unit;
     const int allRows = commands_->widget()->sizeHint().height();
-    commands_->setFixedHeight(allRows);
-    const int excess = wantedHeight() - screenArea().height();
-    if (excess > 0) {
-        commands_->setFixedHeight(std::max(MenuBarRow::rowHeight, allRows - excess));
-    }
-    resize(panelWidth, wantedHeight());
+    const int rows =
+        std::min(allRows, std::max(MenuBarRow::rowHeight, screenArea().height() - restHeight));
+    commands_->setFixedHeight(rows);
+    setFixedHeight(restHeight + rows);
 }
 
 QRect MenuBarPanel::screenArea() const {

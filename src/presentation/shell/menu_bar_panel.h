@@ -50,6 +50,7 @@ private:
     SystemMonitor& monitor_;
     QPoint anchor_;
     QElapsedTimer sinceLeft_;
+    QWidget* figures_ = nullptr;
     ElidedLabel* load_ = nullptr;
     ElidedLabel* topGroup_ = nullptr;
     ElidedLabel* latestHeading_ = nullptr;

@@ -3,14 +3,15 @@
 #include <QBoxLayout>
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "actions/review_target.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
@@ -80,28 +81,28 @@ void OperationTargetBar::makeButtons() {
     connect(review_, &QPushButton::clicked, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(clear_, &QPushButton::clicked, this,
-            [this] { monitor_.review().clearOperationTarget(); });
+            [this] { monitor_.actions().review.clearOperationTarget(); });
 }
 
 std::vector<Observable*> OperationTargetBar::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.review().observable(),
+    return {&monitor_.sample().observable(), &monitor_.actions().review.observable(),
             &monitor_.settingsOwner().observable()};
 }
 
 void OperationTargetBar::refresh() {
-    const bool hasTarget = monitor_.review().selectedPID().has_value();
+    const bool hasTarget = monitor_.actions().review.selectedPID().has_value();
     if (hasTarget != hasTarget_) {
         setHasTarget(hasTarget);
     }
     if (!hasTarget) {
         return;
     }
-    const SelectedTargetSummary summary = monitor_.review().selectedTargetSummary();
+    const SelectedTargetSummary summary = monitor_.actions().review.selectedTargetSummary();
     title_->setText(dashboard_text::text(summary.title));
     detail_->setText(dashboard_text::text(summary.detail));
     icon_->setIcon(summary.isProtected ? u"lock.fill"_s : u"scope"_s);
     protected_->setVisible(summary.isProtected);
-    automatic_->setVisible(monitor_.review().chosenBy() == ReviewTarget::ChosenBy::rule);
+    automatic_->setVisible(monitor_.actions().review.chosenBy() == ReviewTarget::ChosenBy::rule);
 }
 
 void OperationTargetBar::setHasTarget(bool hasTarget) {

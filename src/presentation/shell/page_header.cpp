@@ -1,24 +1,17 @@
 #include "presentation/shell/page_header.h"
 
-#include <utility>
-
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
-#include "actions/external_applications.h"
-#include "actions/local_actions.h"
-#include "actions/review_target.h"
-#include "monitor/system_monitor.h"
-#include "presentation/shell/command_button.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/screen.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
-#include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,14 +21,9 @@ namespace {
 /// The name of a button's icon, for when there is space for it again.
 constexpr const char* iconProperty = "tallowcrest.icon";
 
-QString identifierOn(AppRoute route, const char* action) {
-    return dashboard_text::text(rawValue(route)) + u'.' + QString::fromLatin1(action);
-}
-
 }  // namespace
 
-PageHeader::PageHeader(SystemMonitor& monitor, WindowState& state, QWidget* parent)
-    : QWidget(parent), monitor_(monitor), state_(state) {
+PageHeader::PageHeader(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
                                spacing::unit);
@@ -55,14 +43,14 @@ PageHeader::PageHeader(SystemMonitor& monitor, WindowState& state, QWidget* pare
     refresh_ = makeButton(u"Refresh"_s, u"arrow.clockwise"_s, u"page.refresh"_s,
                           u"Takes a new sample now"_s, this);
     refresh_->setProperty(iconProperty, u"arrow.clockwise"_s);
-    connect(refresh_, &QPushButton::clicked, this, [this] { monitor_.refresh(); });
+    connect(refresh_, &QPushButton::clicked, this, &PageHeader::refreshWanted);
     row->addWidget(refresh_);
     layout->addLayout(row);
     // The full width of the page, so that no route's subtitle needs a second line.
     layout->addWidget(subtitle_);
 }
 
-void PageHeader::setRoute(AppRoute route) {
+void PageHeader::setRoute(AppRoute route, const std::vector<HeaderAction>& actions) {
     title_->setText(dashboard_text::text(title(route)));
     subtitle_->setText(dashboard_text::text(subtitle(route)));
     while (const QLayoutItem* item = actions_->takeAt(0)) {
@@ -71,7 +59,9 @@ void PageHeader::setRoute(AppRoute route) {
         item->widget()->deleteLater();
         delete item;
     }
-    addRouteActions(route);
+    for (const HeaderAction& action : actions) {
+        addAction(action);
+    }
     orderActions();
     measure();
 }
@@ -132,51 +122,11 @@ void PageHeader::orderActions() {
     refresh_->raise();
 }
 
-void PageHeader::addRouteActions(AppRoute route) {
-    const auto add = [&](const Command& command, const char* action, auto handler) {
-        addAction(command, identifierOn(route, action), handler);
-    };
-    if (route == AppRoute::overview) {
-        add({"Review Cleanup", "wand.and.stars", "Goes to Optimize"}, "review-cleanup",
-            [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
-    } else if (route == AppRoute::aiAdvisor) {
-        add({"Open Chat", "message", "Goes to Chat"}, "open-chat",
-            [this] { state_.navigation.setSelectedRoute(AppRoute::chat); });
-    } else if (route == AppRoute::settings) {
-        add(commands::openSettingsSheet, "open-sheet",
-            [this] { state_.navigation.setShowSettings(true); });
-    } else if (route == AppRoute::load || route == AppRoute::optimize) {
-        add({"Select Top", "scope", "Selects the heaviest process for review"}, "select-top",
-            [this] { tellSelection(monitor_.review().selectTopProcess()); });
-        if (route == AppRoute::optimize) {
-            add(commands::selectTopApp.titled("Top App"), "top-app",
-                [this] { tellSelection(monitor_.review().selectTopApp()); });
-            add(commands::purge.titled("Purge"), "purge",
-                [this] { monitor_.localActions().requestPurge(); });
-        }
-        add(commands::activityMonitor.titled("Activity"), "activity",
-            [this] { monitor_.applications().openActivityMonitor(); });
-    } else if (route == AppRoute::history) {
-        add(commands::copyReport, "copy-report",
-            [this] { monitor_.reports().copyDiagnosticsReport(); });
-        add(commands::exportReport, "export",
-            [this] { monitor_.reports().exportDiagnosticsReport(); });
-    }
-}
-
-void PageHeader::addAction(const Command& command, const QString& identifier,
-                           std::function<void()> act) {
-    QPushButton* button = makeButton(command, identifier, this);
-    button->setProperty(iconProperty, QString::fromUtf8(command.icon));
-    connect(button, &QPushButton::clicked, this, std::move(act));
+void PageHeader::addAction(const HeaderAction& action) {
+    QPushButton* button = makeButton(action.command, action.identifier, this);
+    button->setProperty(iconProperty, QString::fromUtf8(action.command.icon));
+    connect(button, &QPushButton::clicked, this, action.run);
     actions_->addWidget(button);
-}
-
-void PageHeader::tellSelection(const Outcome& outcome) {
-    // After a refusal the previous selection stays.
-    if (outcome.isAccepted()) {
-        emit selectionMade();
-    }
 }
 
 }  // namespace tallowcrest

@@ -6,8 +6,6 @@
 
 #include <QKeyEvent>
 
-#include "presentation/widgets/arrange_now.h"
-
 namespace tallowcrest {
 
 Sheet::Sheet(QWidget* window) : WindowDialog(window) {}
@@ -56,13 +54,12 @@ void SheetHost::update(Kept& kept) {
     if (!canBeSeen()) {
         return;
     }
-    if (kept.isOpen()) {
-        kept.dialog->refresh();
-        arrangeNow(*kept.dialog);
-        emit refreshed(kept.dialog);
-    }
     if (kept.isOpen() && !kept.entry.isWanted()) {
         kept.dialog->done(QDialog::Rejected);
+    }
+    if (kept.isOpen()) {
+        kept.dialog->refresh();
+        emit refreshed(kept.dialog);
     }
     if (std::ranges::any_of(sheets_, [](const Kept& each) { return each.entry.isWanted(); })) {
         // Queued, because the window itself may be about to appear.

@@ -7,7 +7,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/focus_ring.h"
+#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"

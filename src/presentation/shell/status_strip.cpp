@@ -2,12 +2,13 @@
 
 #include <QHBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
-#include "presentation/shell/automation_facts.h"
+#include "presentation/state/automation_facts.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/elided_label.h"
@@ -66,7 +67,7 @@ void StatusStrip::refresh() {
 }
 
 void StatusStrip::showAutomation() {
-    if (monitor_.automation().isStopEngaged()) {
+    if (monitor_.actions().automation.isStopEngaged()) {
         automation_->setText(u"Emergency Stop Engaged"_s);
         automation_->setMark(u"exclamationmark.octagon"_s, &CrestTheme::bad);
     } else {

@@ -9,12 +9,13 @@
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "core/routes.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
@@ -83,7 +84,7 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
     emergencyStop_ =
         named(menu.addAction(themedIcon(QString::fromUtf8(commands::emergencyStop.icon)),
                              QString::fromUtf8(commands::emergencyStop.title), this,
-                             [this] { monitor_.automation().engageEmergencyStop(); }),
+                             [this] { monitor_.actions().automation.engageEmergencyStop(); }),
               u"emergency-stop"_s);
     // Two keys on every keyboard: where the period needs Shift, the second pair does not.
     emergencyStop_->setShortcuts(
@@ -96,7 +97,7 @@ void WindowMenus::addEmergencyStop(QMenu& menu) {
     // Without a shortcut: resuming must be deliberate.
     resumeManualMode_ =
         named(menu.addAction(QString::fromUtf8(commands::resumeManualMode.title), this,
-                             [this] { monitor_.automation().resumeFromEmergencyStop(); }),
+                             [this] { monitor_.actions().automation.resumeFromEmergencyStop(); }),
               u"resume-manual-mode"_s);
     resumeManualMode_->setMenuRole(QAction::ApplicationSpecificRole);
     refresh();
@@ -107,7 +108,7 @@ std::vector<Observable*> WindowMenus::shows() const {
 }
 
 void WindowMenus::refresh() {
-    resumeManualMode_->setEnabled(monitor_.automation().isStopEngaged());
+    resumeManualMode_->setEnabled(monitor_.actions().automation.isStopEngaged());
 }
 
 void WindowMenus::showAbout() {
@@ -141,7 +142,7 @@ void WindowMenus::makeFileMenu() {
     file->addSeparator();
     QAction* quitProcess =
         named(file->addAction(u"Quit Selected Process"_s, this,
-                              [this] { monitor_.localActions().requestQuitSelectedProcess(); }),
+                              [this] { monitor_.actions().local.requestQuitSelectedProcess(); }),
               u"quit-selected-process"_s);
     quitProcess->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)});
@@ -149,7 +150,7 @@ void WindowMenus::makeFileMenu() {
     quitProcess->setAutoRepeat(false);
     QAction* quitApp =
         named(file->addAction(u"Quit Selected App Group"_s, this,
-                              [this] { monitor_.localActions().requestQuitSelectedApp(); }),
+                              [this] { monitor_.actions().local.requestQuitSelectedApp(); }),
               u"quit-selected-app"_s);
     // Qt would take them for the application's quit command because of their first word.
     quitProcess->setMenuRole(QAction::NoRole);

@@ -7,7 +7,7 @@
 
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {

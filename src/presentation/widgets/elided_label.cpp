@@ -12,7 +12,6 @@
 
 #include "presentation/widgets/figure_text.h"
 #include "presentation/widgets/text_lines.h"
-#include "presentation/widgets/tool_tip.h"
 
 namespace tallowcrest {
 namespace {

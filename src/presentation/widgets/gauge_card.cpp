@@ -124,11 +124,10 @@ const QPixmap& GaugeRing::emptyRing(const CrestTheme& theme) {
     return emptyRing_;
 }
 
-GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* parent) : Card(parent) {
+GaugeCard::GaugeCard(const QString& title, QWidget* parent) : Card(parent) {
     installAccessibleFigures();
     setMinimumWidth(narrowestCard);
     ring_ = new GaugeRing;
-    ring_->setTint(tint);
     title_ = new ElidedLabel(title, onCard(&CrestFonts::heading));
     title_->setLines(1, 2);
     state_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::good));
@@ -154,31 +153,22 @@ GaugeCard::GaugeCard(const QString& title, const ThemeColor& tint, QWidget* pare
     row->addLayout(texts, 1);
     contentLayout()->addLayout(row);
     setTitle(title);
-    showState();
+    showState(QString());
 }
 
-void GaugeCard::setValue(double value, const QString& figure) {
+void GaugeCard::setValue(double value, const QString& figure, const QString& detail) {
     ring_->setValue(value, figure);
-    showState();
+    showState(detail);
 }
 
-void GaugeCard::clearValue() {
+void GaugeCard::clearValue(const QString& detail) {
     ring_->clearValue();
-    showState();
+    showState(detail);
 }
 
 void GaugeCard::setTitle(const QString& title) {
     title_->setText(title);
     setSpokenName(*this, title);
-}
-
-void GaugeCard::setDetail(const QString& detail) {
-    detail_->setText(detail);
-    setSpokenDescription(*this, accessibleValue());
-}
-
-void GaugeCard::setTint(const ThemeColor& tint) {
-    ring_->setTint(tint);
 }
 
 QString GaugeCard::accessibleValue() const {
@@ -192,9 +182,12 @@ QString GaugeCard::accessibleValue() const {
     return parts.join(u", "_s);
 }
 
-void GaugeCard::showState() {
+void GaugeCard::showState(const QString& detail) {
+    const ThemeColor color = gaugeStateColor(value());
+    ring_->setTint(color);
     state_->setText(ring_->hasValue() ? gaugeStateWord(value()) : QString());
-    state_->setColor(gaugeStateColor(value()));
+    state_->setColor(color);
+    detail_->setText(detail);
     setSpokenDescription(*this, accessibleValue());
 }
 

@@ -57,19 +57,15 @@ class GaugeCard : public Card, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    explicit GaugeCard(const QString& title, const ThemeColor& tint = &CrestTheme::accent,
-                       QWidget* parent = nullptr);
+    explicit GaugeCard(const QString& title, QWidget* parent = nullptr);
 
     /// `value` is a percentage and is clamped to 0 to 100; a value that is not finite counts as 0.
-    /// `figure` is its text, for example "42%".
-    void setValue(double value, const QString& figure);
+    /// It gives the state word and the colour. `figure` is its text, for example "42%".
+    void setValue(double value, const QString& figure, const QString& detail);
     double value() const { return ring_->value(); }
-    /// Shows no figure and no state, as it does initially.
-    void clearValue();
+    /// Shows no figure and no state, as it does initially, and `detail`.
+    void clearValue(const QString& detail);
     void setTitle(const QString& title);
-    void setDetail(const QString& detail);
-    /// Independent of the state word, which has its own colour.
-    void setTint(const ThemeColor& tint);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
     /// For example "42%, Normal, 42.3% normalized across cores".
@@ -79,7 +75,7 @@ public:
     }
 
 private:
-    void showState();
+    void showState(const QString& detail);
 
     GaugeRing* ring_ = nullptr;
     ElidedLabel* title_ = nullptr;

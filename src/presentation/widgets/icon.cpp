@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <QIconEngine>
@@ -133,17 +132,6 @@ bool hasIcon(const QString& name) {
            QFile::exists(pathOf(name));
 }
 
-QStringList iconNames() {
-    QStringList names;
-    for (const QString& file : QDir(u":/icons"_s).entryList(QDir::Files, QDir::Name)) {
-        const QString name = file.chopped(4);
-        if (name != applicationName) {
-            names.append(name);
-        }
-    }
-    return names;
-}
-
 QPixmap tintedIcon(const QString& name, const QColor& color, int size, qreal devicePixelRatio) {
     if (!hasIcon(name)) {
         return {};
@@ -182,6 +170,32 @@ QIcon applicationIcon() {
         icon.addPixmap(rendered(pathOf(QString(applicationName)), {size, size}));
     }
     return icon;
+}
+
+IconView::IconView(const QString& icon, const ThemeColor& color, int size, QWidget* parent)
+    : QWidget(parent), icon_(icon), color_(color) {
+    setFixedSize(size, size);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void IconView::setIcon(const QString& icon) {
+    if (icon != icon_) {
+        icon_ = icon;
+        update();
+    }
+}
+
+void IconView::setColor(const ThemeColor& color) {
+    if (color != color_) {
+        color_ = color;
+        update();
+    }
+}
+
+void IconView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawPixmap(
+        0, 0, tintedIcon(icon_, color_.in(CrestTheme::current()), width(), devicePixelRatioF()));
 }
 
 }  // namespace tallowcrest

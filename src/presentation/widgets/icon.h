@@ -3,7 +3,7 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QString>
-#include <QStringList>
+#include <QWidget>
 
 #include "presentation/widgets/theme.h"
 
@@ -11,9 +11,6 @@ namespace tallowcrest {
 
 /// True when a line icon of that name exists. Main thread, like all of this header.
 bool hasIcon(const QString& name);
-
-/// The names of all line icons, in alphabetical order.
-QStringList iconNames();
 
 /// The line icon `name` in `color`, `size` device independent pixels wide and high. A null pixmap
 /// for an unknown name. Pixmaps are kept in Qt's bounded pixmap cache.
@@ -31,5 +28,26 @@ QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePix
 
 /// The application's own icon, in full colour.
 QIcon applicationIcon();
+
+/// A line icon beside a text that says the same; it therefore has no accessible name. An unknown
+/// icon leaves its place empty. Main thread.
+class IconView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit IconView(const QString& icon, const ThemeColor& color = &CrestTheme::text,
+                      int size = spacing::iconRegular, QWidget* parent = nullptr);
+
+    void setIcon(const QString& icon);
+    const QString& icon() const { return icon_; }
+    void setColor(const ThemeColor& color);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString icon_;
+    ThemeColor color_;
+};
 
 }  // namespace tallowcrest

@@ -1,7 +1,8 @@
 #include "presentation/widgets/page_scroll_area.h"
 
 #include <QAccessibleWidget>
-#include <QScrollArea>
+#include <QEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -10,12 +11,6 @@
 
 namespace tallowcrest {
 namespace {
-
-/// A type of its own, by which the accessibility factory recognises it.
-class PageScrollArea final : public QScrollArea {
-public:
-    using QScrollArea::QScrollArea;
-};
 
 /// Qt's accessible interface of a scroll area does not check the index of a requested child. When a
 /// page is hidden its scroll bar goes, and an assistive technology that is enumerating the children
@@ -41,25 +36,53 @@ void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction acti
 
 }  // namespace
 
-QScrollArea* makePageScrollArea(QWidget* content, QWidget* parent) {
+PageScrollArea::PageScrollArea(QWidget* content, QWidget* parent) : QScrollArea(parent) {
     installPageInterface();
-    auto* area = new PageScrollArea(parent);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // Always visible, so that the content keeps its width when a page outgrows the window.
-    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    area->setWidget(content);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setWidget(content);
     // Transparent to the page's background.
-    area->viewport()->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
     // Text and figures need no focus; the scroll keys work without it.
-    area->setFocusPolicy(Qt::NoFocus);
-    scrollOn(*area, Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd);
-    scrollOn(*area, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
-    scrollOn(*area, Qt::Key_Home, QAbstractSlider::SliderToMinimum);
-    scrollOn(*area, Qt::Key_End, QAbstractSlider::SliderToMaximum);
-    return area;
+    setFocusPolicy(Qt::NoFocus);
+    scrollOn(*this, Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd);
+    scrollOn(*this, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
+    scrollOn(*this, Qt::Key_Home, QAbstractSlider::SliderToMinimum);
+    scrollOn(*this, Qt::Key_End, QAbstractSlider::SliderToMaximum);
+}
+
+int PageScrollArea::placeInView(const QWidget& widget) const {
+    return widget.mapTo(viewport(), QPoint()).y();
+}
+
+void PageScrollArea::keepInPlace(QWidget* widget) {
+    kept_ = widget;
+    keptPlace_ = widget != nullptr ? placeInView(*widget) : 0;
+}
+
+bool PageScrollArea::eventFilter(QObject* watched, QEvent* event) {
+    const QScopedValueRollback arranging(isArranging_, true);
+    // Qt gives the content its new size and the scroll bar its new range.
+    const bool isFiltered = QScrollArea::eventFilter(watched, event);
+    const bool isLaidOut = watched == widget() && (event->type() == QEvent::LayoutRequest ||
+                                                   event->type() == QEvent::Resize);
+    const QWidget* kept = kept_.data();
+    if (isLaidOut && kept != nullptr && kept->isVisible()) {
+        QScrollBar* bar = verticalScrollBar();
+        bar->setValue(bar->value() + placeInView(*kept) - keptPlace_);
+    }
+    return isFiltered;
+}
+
+void PageScrollArea::scrollContentsBy(int dx, int dy) {
+    QScrollArea::scrollContentsBy(dx, dy);
+    if (!isArranging_) {
+        kept_.clear();
+    }
 }
 
 QVBoxLayout* makePageColumn(QWidget& content) {
@@ -71,10 +94,10 @@ QVBoxLayout* makePageColumn(QWidget& content) {
     return column;
 }
 
-QScrollArea* scrollOnPage(QWidget* content, QWidget& page) {
+PageScrollArea* scrollOnPage(QWidget* content, QWidget& page) {
     auto* layout = new QVBoxLayout(&page);
     layout->setContentsMargins(0, 0, 0, 0);
-    QScrollArea* area = makePageScrollArea(content, &page);
+    auto* area = new PageScrollArea(content, &page);
     layout->addWidget(area);
     return area;
 }

@@ -5,7 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include "presentation/widgets/focus_ring.h"
+#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 
 using namespace Qt::StringLiterals;

@@ -20,15 +20,11 @@ public:
     /// Disables the button until the settling time has passed since the last call.
     void settle();
     /// Leaves the button as it is.
-    void stop() { timer_.stop(); }
-
-    /// For tests, which do not wait. Also applies to a running settling time.
-    void setTime(std::chrono::milliseconds time);
+    void stop() { timer_->stop(); }
 
 private:
     QPushButton& button_;
-    std::chrono::milliseconds time_ = settlingTime;
-    QTimer timer_;
+    QTimer* timer_;  ///< a child of the button
 };
 
 }  // namespace tallowcrest

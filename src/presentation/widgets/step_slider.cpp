@@ -5,12 +5,13 @@
 
 #include <QAccessibleWidget>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QStyleOptionSlider>
 #include <QWheelEvent>
 
-#include "presentation/widgets/focus_ring.h"
+#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
@@ -94,6 +95,23 @@ QSize StepSlider::sizeHint() const {
 
 QSize StepSlider::minimumSizeHint() const {
     return {10 * spacing::unit, sliderHeight};
+}
+
+bool StepSlider::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        // Otherwise these keys would scroll the page.
+        switch (static_cast<QKeyEvent*>(event)->key()) {
+            case Qt::Key_PageUp:
+            case Qt::Key_PageDown:
+            case Qt::Key_Home:
+            case Qt::Key_End:
+                event->accept();
+                return true;
+            default:
+                break;
+        }
+    }
+    return QSlider::event(event);
 }
 
 void StepSlider::focusInEvent(QFocusEvent* event) {

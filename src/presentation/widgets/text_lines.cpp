@@ -6,6 +6,8 @@
 #include <QTextLayout>
 #include <QTextOption>
 
+#include "presentation/widgets/theme.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
@@ -13,6 +15,9 @@ namespace {
 
 // More than any label can show.
 constexpr qsizetype longestMeasured = 1000;
+
+constexpr int widestTipLine = 360;
+constexpr int mostTipLines = 12;
 
 QString measurable(const QString& text, Qt::TextElideMode elideMode) {
     if (text.size() <= longestMeasured) {
@@ -108,6 +113,20 @@ QStringList fittedLines(const QString& text, const QFont& font, int width, int m
         }
     }
     return wrappedLines(shown, font, width, maximumLines);
+}
+
+QString toolTipText(const QString& plain) {
+    QStringList lines;
+    for (const QString& line :
+         fittedLines(plain, CrestFonts::current().body, widestTipLine, mostTipLines)) {
+        lines.append(line.toHtmlEscaped());
+    }
+    if (lines.isEmpty()) {
+        return {};
+    }
+    // Qt would wrap plain text into a narrow column, and would interpret any text that looks like
+    // markup. So the text is always given as escaped markup with its own line breaks.
+    return u"<div style='white-space:pre'>%1</div>"_s.arg(lines.join(u"<br>"_s));
 }
 
 }  // namespace tallowcrest

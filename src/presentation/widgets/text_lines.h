@@ -16,4 +16,8 @@ namespace tallowcrest {
 QStringList fittedLines(const QString& text, const QFont& font, int width, int maximumLines,
                         Qt::TextElideMode elideMode = Qt::ElideRight);
 
+/// `plain` as the text of a tool tip, without markup: wrapped into lines of readable width, and
+/// elided if it is too long for a tip. Main thread.
+QString toolTipText(const QString& plain);
+
 }  // namespace tallowcrest

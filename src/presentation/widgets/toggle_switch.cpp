@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-#include "presentation/widgets/focus_ring.h"
+#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {

@@ -4,15 +4,14 @@
 
 namespace tallowcrest {
 
-/// A dialog over the whole window that is open as long as the monitor's state asks for it. Main
-/// thread.
+/// A dialog over the whole window that is open as long as its state asks for it. Main thread.
 class WindowDialog : public QDialog {
     Q_OBJECT
 
 public:
     explicit WindowDialog(QWidget* window);
 
-    /// Opens, updates or closes the dialog according to the monitor's state.
+    /// Opens, updates or closes the dialog according to its state.
     virtual void refresh() = 0;
 };
 

@@ -64,13 +64,13 @@ bool isAutomation(AutomationSwitch which) {
 
 }  // namespace
 
-QString armedWord(ArmedState state) {
+QString stateWord(SwitchState state) {
     switch (state) {
-        case ArmedState::on:
+        case SwitchState::on:
             return u"On"_s;
-        case ArmedState::off:
+        case SwitchState::off:
             return u"Off"_s;
-        case ArmedState::stopped:
+        case SwitchState::stopped:
             return u"Stopped"_s;
     }
     return {};
@@ -97,9 +97,9 @@ AutomationLine automationLine(AutomationSwitch which, const AutomationFacts& fac
     line.explanation = QString::fromLatin1(text.explanation);
     line.isOn = isOn(facts.settings, which);
     const bool isStopped = facts.settings.automationEmergencyStopEngaged && isHeldBackByStop(which);
-    line.state = isStopped ? ArmedState::stopped : line.isOn ? ArmedState::on : ArmedState::off;
-    const std::optional<Date> date = lastActed(which, facts.dates, facts.activityLog);
-    const Date now = facts.snapshot ? facts.snapshot->sampledAt : Date{};
+    line.state = isStopped ? SwitchState::stopped : line.isOn ? SwitchState::on : SwitchState::off;
+    const std::optional<Date> date = load_rules::lastActed(which, facts.dates, facts.activityLog);
+    const Date now = dashboard_text::sampledAt(facts.snapshot).value_or(Date{});
     line.lastActed =
         date ? QString::fromLatin1(text.acted).arg(dashboard_text::shortTimeText(*date, now))
              : QString::fromLatin1(text.neverActed);
@@ -114,7 +114,7 @@ QString automationsSummary(const AutomationFacts& facts) {
             continue;
         }
         const AutomationLine line = automationLine(which, facts);
-        QString words = line.title + u": "_s + armedWord(line.state);
+        QString words = line.title + u": "_s + stateWord(line.state);
         if (!line.lastActed.isEmpty()) {
             words += u". "_s + line.lastActed;
         }

@@ -15,14 +15,14 @@
 namespace tallowcrest {
 
 /// Whether an automation may act.
-enum class ArmedState { on, off, stopped };
+enum class SwitchState { on, off, stopped };
 
 /// The texts of the row of one switch.
 struct AutomationLine {
     QString title;
     QString explanation;  ///< empty where the title says it all
     bool isOn = false;
-    ArmedState state = ArmedState::off;
+    SwitchState state = SwitchState::off;
     /// When it last acted; empty for a switch that does not act by itself.
     QString lastActed;
     bool hasActed = false;
@@ -46,7 +46,7 @@ inline constexpr std::array autoRuleSwitches{
 };
 
 /// "On", "Off" or "Stopped".
-QString armedWord(ArmedState state);
+QString stateWord(SwitchState state);
 
 /// The last part of the identifiers of its controls: "auto-select".
 QString automationIdentifier(AutomationSwitch which);

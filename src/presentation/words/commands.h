@@ -21,6 +21,8 @@ inline constexpr Command purge{"Purge Caches", "memorychip",
                                "Asks whether to purge the file caches"};
 inline constexpr Command activityMonitor{"Activity Monitor", "macwindow",
                                          "Opens the system's own process viewer"};
+inline constexpr Command selectTopProcess{"Select Top", "scope",
+                                          "Selects the heaviest process for review"};
 inline constexpr Command selectTopApp{"Select Top App", "chart.bar.xaxis",
                                       "Selects the heaviest process of the heaviest app"};
 inline constexpr Command copyReport{"Copy Report", "doc.on.doc",

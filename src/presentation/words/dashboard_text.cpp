@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
-#include <QHash>
+#include <QList>
 
 #include "core/text.h"
 #include "sampling/binary_units.h"
@@ -17,7 +18,7 @@ namespace {
 struct Formats {
     std::shared_ptr<const Locale> locale = std::make_shared<PlainLocale>();
     /// The texts of the last numbers: in a table most figures are those of the tick before.
-    QHash<std::pair<double, int>, QString> decimals = {};
+    std::map<std::pair<double, int>, QString> decimals = {};
 };
 
 Formats& formats() {
@@ -29,6 +30,57 @@ QString oneDecimal(double value) {
     return decimal(value, 1);
 }
 
+bool isMark(char32_t c) {
+    const QChar::Category category = QChar::category(c);
+    return category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing;
+}
+
+bool isInvisible(char32_t c) {
+    // Fillers count as letters or symbols, but have no glyph.
+    return QChar::category(c) == QChar::Other_Format || c == 0x034F || c == 0x115F || c == 0x1160 ||
+           c == 0x2800 || c == 0x3164 || c == 0xFFA0;
+}
+
+/// Emoji, Arabic and Indic scripts join characters; in Latin text a joiner only hides.
+bool isJoinable(char32_t c) {
+    return c >= 0x0600 && !isInvisible(c) && !QChar::isSpace(c);
+}
+
+/// They choose the look of the character before them, which only some scripts have a choice for.
+bool isVariationSelector(char32_t c) {
+    return (c >= 0xFE00 && c <= 0xFE0F) || (c >= 0xE0100 && c <= 0xE01EF) ||
+           (c >= 0x180B && c <= 0x180F);
+}
+
+QString withoutHiddenCharacters(const QString& text) {
+    constexpr int mostMarks = 3;
+    constexpr char32_t replacement = QChar::ReplacementCharacter;
+    const QList<uint> characters = text.toUcs4();
+    QString result;
+    result.reserve(text.size());
+    char32_t base = 0;  // the last character that is not a mark
+    int marks = 0;
+    for (qsizetype i = 0; i < characters.size(); ++i) {
+        const char32_t c = characters[i];
+        const bool follows = isJoinable(base);
+        if (isMark(c) && !isInvisible(c) && (!isVariationSelector(c) || follows)) {
+            ++marks;
+            if (marks <= mostMarks) {
+                result += QChar::fromUcs4(c);
+            }
+            continue;
+        }
+        marks = 0;
+        const bool isJoiner = c == 0x200C || c == 0x200D;
+        const bool joins =
+            isJoiner && follows && i + 1 < characters.size() && isJoinable(characters[i + 1]);
+        const bool isHidden = isVariationSelector(c) || (isInvisible(c) && !joins);
+        result += QChar::fromUcs4(isHidden ? replacement : c);
+        base = isHidden ? 0 : c;
+    }
+    return result;
+}
+
 }  // namespace
 
 void setLocale(std::shared_ptr<const Locale> locale) {
@@ -36,7 +88,10 @@ void setLocale(std::shared_ptr<const Locale> locale) {
 }
 
 QString text(std::string_view utf8) {
-    return QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD"));
+    const QString text = QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD"));
+    const bool isPlain =
+        std::all_of(utf8.begin(), utf8.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return isPlain ? text : withoutHiddenCharacters(text);
 }
 
 int wholePercent(double percent) {
@@ -47,17 +102,17 @@ int wholePercent(double percent) {
 }
 
 QString decimal(double value, int places) {
-    constexpr qsizetype mostKept = 512;
+    constexpr std::size_t mostKept = 512;
     Formats& used = formats();
     const std::pair key(std::isfinite(value) ? value : 0.0, places);
-    if (const auto kept = used.decimals.constFind(key); kept != used.decimals.constEnd()) {
-        return *kept;
+    if (const auto kept = used.decimals.find(key); kept != used.decimals.end()) {
+        return kept->second;
     }
     if (used.decimals.size() == mostKept) {
         used.decimals.clear();
     }
-    return *used.decimals.insert(key,
-                                 QString::fromStdString(used.locale->decimal(key.first, places)));
+    const QString text = QString::fromStdString(used.locale->decimal(key.first, places));
+    return used.decimals.emplace(key, text).first->second;
 }
 
 QString percentText(double percent) {
@@ -112,6 +167,18 @@ QString reclaimableDetail(const MemorySnapshot& memory) {
         gigabytes(memory.freeGB), gigabytes(memory.wiredGB), gigabytes(memory.compressedGB));
 }
 
+QString megabytes(double value, int decimals) {
+    return u"%1 MB"_s.arg(decimal(value, decimals));
+}
+
+QString percentWithDecimal(double value) {
+    return u"%1%"_s.arg(decimal(value, 1));
+}
+
+std::optional<Date> sampledAt(const std::optional<SystemSnapshot>& snapshot) {
+    return snapshot ? std::optional(snapshot->sampledAt) : std::nullopt;
+}
+
 QString sessionNote(int seconds) {
     return u"Current session · last %1 seconds"_s.arg(count(seconds));
 }
@@ -127,7 +194,7 @@ QString averageAndThreshold(double average, double threshold) {
 QString memoryText(double megabytes) {
     // Compares the rounded value, so that "1,024 MB" never appears beside "1.0 GB".
     if (!(std::round(megabytes) >= megabytesPerGigabyte)) {
-        return u"%1 MB"_s.arg(decimal(megabytes, 0));
+        return dashboard_text::megabytes(megabytes, 0);
     }
     return u"%1 GB"_s.arg(oneDecimal(megabytes / megabytesPerGigabyte));
 }

@@ -16,8 +16,11 @@ namespace tallowcrest::dashboard_text {
 /// first call. The window sets it to the monitor's when it is built.
 void setLocale(std::shared_ptr<const Locale> locale);
 
-/// A record's UTF-8 text as one line, without control characters and bidirectional overrides. Such
-/// a text may contain a process name, which can be anything and must not imitate our own words.
+/// A record's UTF-8 text as one line. Such a text may contain a process name, which can be anything
+/// and must not imitate our own words or be drawn over its neighbours: control characters,
+/// bidirectional overrides and invisible characters become U+FFFD, and of the marks that are
+/// stacked on one character (accents) the first three remain. A joiner between two characters of a
+/// script that needs it remains.
 QString text(std::string_view utf8);
 
 /// A percentage rounded to a whole number, clamped to ±100,000; 0 if it is not finite.
@@ -32,6 +35,10 @@ QString count(std::int64_t value);
 QString noFigure();
 /// One decimal, without the unit.
 QString gigabytes(double value);
+/// "512 MB", with this many decimals.
+QString megabytes(double value, int decimals);
+/// "12.3%"
+QString percentWithDecimal(double value);
 
 /// "CPU 12% MEM 34%"
 QString menuBarLabel(const SystemSnapshot& snapshot);
@@ -62,6 +69,8 @@ QString timeText(Date date);
 /// The local time of day in hours and minutes, "2:03 PM"; with the date before it if `now` is on
 /// another day.
 QString shortTimeText(Date date, Date now);
+/// When the sample was taken; absent without one.
+std::optional<Date> sampledAt(const std::optional<SystemSnapshot>& snapshot);
 /// The day of `date` in local time, as `Locale::localDay` numbers it.
 std::int64_t localDay(Date date);
 

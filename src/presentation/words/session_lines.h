@@ -10,7 +10,7 @@
 #include "core/local_records.h"
 #include "sampling/protection.h"
 
-/// What is said of the session: its events, and what it came to. Main thread.
+/// The texts that describe the session: its events, summaries and insights. Main thread.
 namespace tallowcrest {
 
 /// One entry of the activity log as a list shows it.
@@ -24,7 +24,7 @@ struct ActivityLine {
 };
 
 /// The first `limit` of `events`, which come newest first. Times are in the locale's short form and
-/// the local time zone; those of another day than `now` bear their date.
+/// the local time zone; those of another day than `now` have their date.
 std::vector<ActivityLine> activityLines(const std::vector<ActivityEvent>& events, std::size_t limit,
                                         Date now);
 
@@ -43,7 +43,7 @@ std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activ
                                          const ProtectedAppNames& protectedAppNames);
 inline constexpr std::size_t sessionSummaryCards = 4;
 
-/// Said of an empty Never Quit list.
+/// The text for an empty Never Quit list.
 QString noProtectedApps();
 
 /// A card for each insight; one that says that the session starts where there is none.
@@ -51,8 +51,8 @@ std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>&
 /// As many as one sample can give.
 inline constexpr std::size_t mostSessionInsights = 5;
 
-/// "Remote State", "Current State" and "Top Repeater", in this order. Without a snapshot the
-/// current state is that it samples.
+/// "Remote State", "Current State" and "Top Repeater", in this order. Without a snapshot,
+/// the current state is that sampling has begun.
 std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
                                        const std::vector<SessionInsight>& insights);
 inline constexpr std::size_t sessionStateCards = 3;

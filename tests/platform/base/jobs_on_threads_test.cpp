@@ -16,6 +16,7 @@
 #include "core/jobs/jobs.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/thread_work_queue.h"
+#include "tests/platform/base/hang_guard.h"
 #include "tests/support/all_lanes.h"
 
 namespace tallowcrest {
@@ -23,11 +24,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-void noSetup() {}
-
-/// A hang guard, not a measure.
-constexpr std::chrono::seconds stuck{60};
 
 /// Keeps threads of a queue busy until it lets go.
 class HangingJobs {
@@ -204,7 +200,7 @@ TEST_F(JobsOnThreads, AJobThatWaitsIsWokenByTheEndOfItsScope) {
                 std::condition_variable_any never;
                 std::unique_lock guard(lock);
                 begun.set_value();
-                never.wait(guard, stop.token(), [] { return false; });
+                never.wait(guard, stop.stopToken(), [] { return false; });
             },
             [] {});
         begun.get_future().wait();

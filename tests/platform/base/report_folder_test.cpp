@@ -12,6 +12,7 @@
 
 #include "platform/base/report_folder_posix.h"
 #include "tests/support/file_text.h"
+#include "tests/support/names_in.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -22,14 +23,6 @@ using ::testing::IsEmpty;
 
 class ReportFolderTest : public ::testing::Test {
 protected:
-    std::vector<std::string> names(const std::filesystem::path& where) {
-        std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(where)) {
-            result.push_back(entry.path().filename());
-        }
-        return result;
-    }
-
     TemporaryFolder root;
     std::filesystem::path path = root.path() / "documents/outputs/reports";
     PosixReportFolder folder{[this] { return path; }, {}};
@@ -39,7 +32,7 @@ TEST_F(ReportFolderTest, CreatesTheFolderAndWritesTheTextUnchanged) {
     const std::string text = "Tallowcrest report\n\tZürich 日本\n";
     EXPECT_EQ(folder.write(path / "a.txt", text), Outcome::done());
     EXPECT_EQ(fileText(path / "a.txt"), text);
-    EXPECT_THAT(names(path), ElementsAre("a.txt"));
+    EXPECT_THAT(namesIn(path), ElementsAre("a.txt"));
     struct stat info {};
     ASSERT_EQ(::stat((path / "a.txt").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777U, 0600U);
@@ -49,7 +42,7 @@ TEST_F(ReportFolderTest, DoesNotReplaceAnExistingFile) {
     ASSERT_EQ(folder.write(path / "a.txt", "first"), Outcome::done());
     EXPECT_EQ(folder.write(path / "a.txt", "second"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(path / "a.txt"), "first");
-    EXPECT_THAT(names(path), ElementsAre("a.txt"));
+    EXPECT_THAT(namesIn(path), ElementsAre("a.txt"));
 }
 
 TEST_F(ReportFolderTest, NeitherFollowsNorReplacesALink) {
@@ -92,7 +85,7 @@ TEST_F(ReportFolderTest, AFullDiskLeavesNoFile) {
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(outcome, Outcome::failed("File too large"));
-    EXPECT_THAT(names(path), IsEmpty());
+    EXPECT_THAT(namesIn(path), IsEmpty());
 }
 
 TEST_F(ReportFolderTest, RevealsFilesIfThereIsAFunctionForIt) {

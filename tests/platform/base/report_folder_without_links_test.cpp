@@ -19,6 +19,7 @@
 #include "platform/base/report_folder_posix.h"
 #include "tests/platform/support/refused_call.h"
 #include "tests/support/file_text.h"
+#include "tests/support/names_in.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -64,14 +65,6 @@ protected:
         return outcome;
     }
 
-    std::vector<std::string> names() const {
-        std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(root.path())) {
-            result.push_back(entry.path().filename());
-        }
-        return result;
-    }
-
     TemporaryFolder root;
     PosixReportFolder folder{[this] { return root.path(); }, {}};
 };
@@ -87,7 +80,7 @@ TEST_F(ReportFolderWithoutLinks, WritesTheCompleteFile) {
         EXPECT_EQ(info.st_mode & 0777U, 0600U) << name;
         EXPECT_EQ(info.st_nlink, 1U) << name;
     }
-    EXPECT_THAT(names(),
+    EXPECT_THAT(namesIn(root.path()),
                 UnorderedElementsAre(errorText(EPERM), errorText(EOPNOTSUPP), errorText(ENOSYS)));
 }
 
@@ -95,7 +88,7 @@ TEST_F(ReportFolderWithoutLinks, DoesNotReplaceAnExistingFile) {
     ASSERT_EQ(write("a.txt", "first"), Outcome::done());
     EXPECT_EQ(write("a.txt", "second"), Outcome::failed("File exists"));
     EXPECT_EQ(fileText(root.path() / "a.txt"), "first");
-    EXPECT_THAT(names(), ElementsAre("a.txt"));
+    EXPECT_THAT(namesIn(root.path()), ElementsAre("a.txt"));
 }
 
 TEST_F(ReportFolderWithoutLinks, NeitherFollowsNorReplacesALink) {
@@ -110,19 +103,19 @@ TEST_F(ReportFolderWithoutLinks, NeitherFollowsNorReplacesALink) {
     EXPECT_FALSE(std::filesystem::exists(elsewhere.path() / "nothing"));
     EXPECT_TRUE(std::filesystem::is_symlink(root.path() / "a.txt"));
     EXPECT_TRUE(std::filesystem::is_symlink(root.path() / "b.txt"));
-    EXPECT_THAT(names(), UnorderedElementsAre("a.txt", "b.txt"));
+    EXPECT_THAT(namesIn(root.path()), UnorderedElementsAre("a.txt", "b.txt"));
 }
 
 TEST_F(ReportFolderWithoutLinks, AFailedRenameReleasesTheName) {
     const Refusals refusals{{SYS_linkat, EPERM}, {SYS_renameat, EIO}};
     EXPECT_EQ(write("a.txt", "report", refusals), failure(EIO));
-    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(namesIn(root.path()), IsEmpty());
     EXPECT_EQ(write("a.txt", "report"), Outcome::done());
 }
 
 TEST_F(ReportFolderWithoutLinks, ReportsOtherErrors) {
     EXPECT_EQ(write("a.txt", "report", {{SYS_linkat, EDQUOT}}), failure(EDQUOT));
-    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(namesIn(root.path()), IsEmpty());
 }
 
 TEST_F(ReportFolderWithoutLinks, ReportsAFullDiskOrAForbiddenFolderAndLeavesNoFile) {
@@ -130,7 +123,7 @@ TEST_F(ReportFolderWithoutLinks, ReportsAFullDiskOrAForbiddenFolderAndLeavesNoFi
          {Refusals::value_type{SYS_write, ENOSPC}, Refusals::value_type{SYS_fsync, ENOSPC},
           Refusals::value_type{SYS_openat, EACCES}}) {
         EXPECT_EQ(write("a.txt", "report", {refusal}), failure(refusal.second));
-        EXPECT_THAT(names(), IsEmpty());
+        EXPECT_THAT(namesIn(root.path()), IsEmpty());
     }
 }
 

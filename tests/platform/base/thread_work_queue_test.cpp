@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <future>
 #include <latch>
 #include <memory>
@@ -22,16 +21,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/host.h"
+#include "tests/platform/base/hang_guard.h"
+#include "tests/support/is_asleep.h"
 
 namespace tallowcrest {
 namespace {
 
 using std::chrono::milliseconds;
-
-void noSetup() {}
-
-/// A hang guard, not a measure: nothing below comes near it unless it is stuck.
-constexpr std::chrono::seconds stuck{60};
 
 template <class Value>
 Value getOrFail(std::future<Value> future) {
@@ -112,14 +108,6 @@ TEST(ThreadPool, StartsNoMoreThanItsMaximumOfThreads) {
     release.set_value();
     ended.wait();
     EXPECT_EQ(highest, most);
-}
-
-/// Whether a thread of this process sleeps, as the kernel says.
-bool isAsleep(pid_t thread) {
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    return text.find(") S ") != std::string::npos;
 }
 
 TEST(ThreadPool, ASteadyTickIsServedByOneThread) {

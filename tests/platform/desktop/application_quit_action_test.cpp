@@ -26,10 +26,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-bool everyProcess(const ProcessSample&) {
-    return true;
-}
-
 /// Long enough for a busy machine; no test waits until these have passed.
 constexpr BusCallTimeouts longTimeouts{20s, 60s};
 constexpr BusCallTimeouts shortTimeouts{200ms, 600ms};

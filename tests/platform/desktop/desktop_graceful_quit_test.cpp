@@ -14,10 +14,6 @@
 namespace tallowcrest {
 namespace {
 
-bool everyProcess(const ProcessSample&) {
-    return true;
-}
-
 /// A real desktop with a window, and an application on the bus.
 class DesktopGracefulQuitTest : public testing::Test {
 protected:

@@ -7,8 +7,16 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include "core/activity_log.h"
+#include "core/confirmation_desk.h"
+#include "core/jobs/jobs.h"
+#include "core/locale.h"
+#include "core/services.h"
 #include "core/settings/settings_owner.h"
+#include "integration/notification_center.h"
 #include "integration/warning_notifications.h"
+#include "platform/base/system_clock.h"
+#include "platform/base/thread_work_queue.h"
 #include "platform/desktop/dbus_notification_center.h"
 #include "platform/desktop/qt_main_queue.h"
 
@@ -63,9 +71,16 @@ int main(int argc, char** argv) {
     QtMainQueue queue;
     MemorySettingsStore store;
     SettingsOwner settings(store, queue, "owner");
-    WarningNotifications notifications(&center, settings, [](AppRoute route) {
-        std::cout << "route " << rawValue(route) << std::endl;
-    });
+    SystemClock clock;
+    ThreadWorkQueue workQueue([] {});
+    Jobs jobs(queue, workQueue);
+    ActivityLog log(clock, settings, queue);
+    ConfirmationDesk confirmations(log, queue);
+    PlainLocale locale;
+    const Services services{log, settings, confirmations, jobs, queue, clock, locale};
+    WarningNotifications notifications(
+        services,
+        {&center, [](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }});
     notifications.registerNotificationCategories();
     std::thread reader([&] {
         std::string line;

@@ -34,6 +34,10 @@ private:
     const QString connectionName_ = connect();
 };
 
+inline bool everyProcess(const ProcessSample&) {
+    return true;
+}
+
 inline constexpr const char* applicationName = "org.example.Quitting-App";
 
 /// The application in quit_action_service.py. `greeting` is "ready" if it has started.

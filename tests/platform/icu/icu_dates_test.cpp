@@ -1,6 +1,5 @@
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <optional>
 #include <string>
 #include <thread>
@@ -10,7 +9,7 @@
 
 #include "core/text.h"
 #include "platform/icu/icu_locale.h"
-#include "platform/icu/utc_offset.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -98,11 +97,10 @@ TEST(IcuDates, CutFractionsOfSeconds) {
 }
 
 TEST(IcuDates, OutsideTheCalendarAreUnknown) {
-    constexpr double infinite = std::numeric_limits<double>::infinity();
     for (const char* name : {"en_US", "de_DE", "ja_JP", "ar_SA", "fa_IR", "th_TH"}) {
         const IcuLocale locale(everythingOf(name));
-        for (const double seconds : {std::numeric_limits<double>::quiet_NaN(), infinite, -infinite,
-                                     1e12, -1e12, 1e300, -1e300, 253402300800.0, -62135596801.0}) {
+        for (const double seconds : {nan, infinity, -infinity, 1e12, -1e12, 1e300, -1e300,
+                                     253402300800.0, -62135596801.0}) {
             EXPECT_EQ(locale.dateAndTime(Date::fromUnixSeconds(seconds)), Locale::unknownDate);
             EXPECT_EQ(locale.timeOfDay(Date::fromUnixSeconds(seconds)), Locale::unknownDate);
             EXPECT_EQ(locale.hoursAndMinutes(Date::fromUnixSeconds(seconds)), Locale::unknownDate);

@@ -12,6 +12,7 @@
 
 #include "core/text.h"
 #include "tests/support/locale_checks.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -108,30 +109,29 @@ struct Figure {
 };
 
 TEST_F(IcuLocaleTest, FormsDecimals) {
-    for (const Figure& figure :
-         {Figure{0.0, 0, "0", "0"},
-          Figure{82.4, 0, "82", "82"},
-          Figure{82.5, 0, "83", "83"},
-          Figure{81.5, 0, "82", "82"},
-          Figure{-82.5, 0, "-83", "-83"},
-          Figure{12.34, 1, "12.3", "12,3"},
-          Figure{2.25, 1, "2.3", "2,3"},
-          Figure{2.35, 1, "2.4", "2,4"},
-          Figure{-2.25, 1, "-2.3", "-2,3"},
-          Figure{12.0, 1, "12.0", "12,0"},
-          Figure{9.96, 1, "10.0", "10,0"},
-          Figure{1234.5, 1, "1,234.5", "1.234,5"},
-          Figure{1.0, 2, "1.00", "1,00"},
-          Figure{0.12345, 4, "0.1235", "0,1235"},
-          Figure{-0.0, 1, "0.0", "0,0"},
-          Figure{-0.04, 1, "0.0", "0,0"},
-          Figure{-0.4, 0, "0", "0"},
-          Figure{-0.05, 1, "-0.1", "-0,1"},
-          Figure{3.7, -1, "4", "4"},
-          Figure{0.5, 99, "0.500000000000000", "0,500000000000000"},
-          Figure{std::numeric_limits<double>::infinity(), 1, "∞", "∞"},
-          Figure{-std::numeric_limits<double>::infinity(), 1, "-∞", "-∞"},
-          Figure{std::numeric_limits<double>::quiet_NaN(), 1, "NaN", "NaN"}}) {
+    for (const Figure& figure : {Figure{0.0, 0, "0", "0"},
+                                 Figure{82.4, 0, "82", "82"},
+                                 Figure{82.5, 0, "83", "83"},
+                                 Figure{81.5, 0, "82", "82"},
+                                 Figure{-82.5, 0, "-83", "-83"},
+                                 Figure{12.34, 1, "12.3", "12,3"},
+                                 Figure{2.25, 1, "2.3", "2,3"},
+                                 Figure{2.35, 1, "2.4", "2,4"},
+                                 Figure{-2.25, 1, "-2.3", "-2,3"},
+                                 Figure{12.0, 1, "12.0", "12,0"},
+                                 Figure{9.96, 1, "10.0", "10,0"},
+                                 Figure{1234.5, 1, "1,234.5", "1.234,5"},
+                                 Figure{1.0, 2, "1.00", "1,00"},
+                                 Figure{0.12345, 4, "0.1235", "0,1235"},
+                                 Figure{-0.0, 1, "0.0", "0,0"},
+                                 Figure{-0.04, 1, "0.0", "0,0"},
+                                 Figure{-0.4, 0, "0", "0"},
+                                 Figure{-0.05, 1, "-0.1", "-0,1"},
+                                 Figure{3.7, -1, "4", "4"},
+                                 Figure{0.5, 99, "0.500000000000000", "0,500000000000000"},
+                                 Figure{infinity, 1, "∞", "∞"},
+                                 Figure{-infinity, 1, "-∞", "-∞"},
+                                 Figure{nan, 1, "NaN", "NaN"}}) {
         EXPECT_EQ(english.decimal(figure.value, figure.digits), figure.english);
         EXPECT_EQ(german.decimal(figure.value, figure.digits), figure.german);
         EXPECT_EQ(turkish.decimal(figure.value, figure.digits), figure.german);

@@ -17,7 +17,6 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <new>
 #include <set>
 #include <string>
@@ -32,6 +31,7 @@
 #include "tests/platform/linux/pid_namespace.h"
 #include "tests/platform/support/test_children.h"
 #include "tests/support/eventually.h"
+#include "tests/support/is_asleep.h"
 
 /// How the table tracks starting, ending and executing processes between listings.
 namespace tallowcrest {
@@ -121,13 +121,6 @@ TEST_F(ProcfsFollowTest, TheReadingThreadIsNotARow) {
             EXPECT_FALSE(rowOf(rows, ::gettid()));
         });
     }
-}
-
-bool isAsleep(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    return text.find(") S ") != std::string::npos;
 }
 
 TEST_F(ProcfsFollowTest, AProgramExecutedAfterAPauseIsDetectedImmediately) {

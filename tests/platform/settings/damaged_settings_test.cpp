@@ -11,7 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/platform/settings/settings_file_fixture.h"
 #include "tests/support/file_text.h"

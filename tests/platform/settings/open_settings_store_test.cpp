@@ -14,7 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "tests/platform/settings/settings_file_fixture.h"
 #include "tests/platform/settings/writer_process.h"
 #include "tests/support/file_text.h"
@@ -153,7 +153,7 @@ TEST_F(OpenSettingsStore, WithoutAPlaceThereIsMemory) {
     EXPECT_EQ(opened.store->read(keys::autoPurgeKey), SettingsValue(true));
 }
 
-// Rows that make no sense ------------------------------------------------------------------------
+// Rows that cannot be decoded --------------------------------------------------------------------
 
 TEST_F(OpenSettingsStore, AnUnreadableRowAffectsItsOwnKeyOnly) {
     for (const char* change :

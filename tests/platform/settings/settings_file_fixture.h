@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include "core/settings/settings.h"
-#include "core/settings/settings_keys.h"
 #include "core/settings/settings_owner.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/support/file_text.h"

@@ -37,9 +37,9 @@ TEST(SettingsProblem, BeginsWithTheConsequenceAndEndsWithThePlace) {
         {problem::damaged, {"damaged", "defaults"}, {name}},
         {problem::foreign, {"no settings of ours", "defaults"}, {name}},
         {problem::cannotBePutAside, {"damaged", "defaults", run}, {detail}},
-        {problem::damagedAndLeft, {"cannot be read", "defaults"}, {}},
-        {problem::unreadableKeys, {"no sense", "defaults"}, {detail}},
-        {problem::unreadableKeysKept, {"no sense", "defaults"}, {detail, name}},
+        {problem::damagedLeft, {"cannot be read", "defaults"}, {}},
+        {problem::unreadableKeys, {"Some settings cannot be read", "defaults"}, {detail}},
+        {problem::unreadableKeysKept, {"Some settings cannot be read", "defaults"}, {detail, name}},
         {problem::unreadableKeysLeft, {"defaults", "only for this run"}, {detail}},
         {problem::cannotBeSaved, {"cannot be saved", "only for this run"}, {detail}},
     };

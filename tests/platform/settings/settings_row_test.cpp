@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/settings/settings_database.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -47,7 +48,6 @@ protected:
 };
 
 TEST_F(SettingsRow, EachValueHasOneFormAndIsReadBackFromIt) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     struct Case {
         SettingsValue value;
         std::string row;

@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"

@@ -10,7 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "platform/settings/open_settings_store.h"
 #include "tests/platform/settings/settings_values.h"
 #include "tests/support/manual_clock.h"

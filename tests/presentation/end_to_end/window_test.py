@@ -62,6 +62,13 @@ class Window(WindowTestCase):
         frames = eventually(window.frames, "the window is accessible")
         self.assertEqual([frame.get_name() for frame in frames], ["Tallowcrest"])
 
+    def test_the_window_fits_a_small_screen(self):
+        _, _, window = self.start_window(QT_SCALE_FACTOR="1.25")
+        geometry = dict(line.split("=") for line in desktop.output(
+            "xdotool", "getwindowgeometry", "--shell", window).splitlines())
+        self.assertLessEqual(int(geometry["WIDTH"]), 1280)
+        self.assertLess(int(geometry["HEIGHT"]), 900)
+
     def test_routes_follow_sidebar_and_keys(self):
         from gi.repository import Atspi
         _, window, _ = self.start_window()

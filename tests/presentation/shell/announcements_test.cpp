@@ -1,8 +1,10 @@
 #include "tests/presentation/shell/announcements.h"
 
+#include "actions/actions.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/gauge_card.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -31,6 +33,16 @@ TEST(Announcements, AnUnchangedTextIsNotRepeated) {
     EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "Qt itself announces it again";
 }
 
+TEST(Announcements, AGaugeAnnouncesANewValueOnce) {
+    GaugeCard card(u"CPU Load"_s);
+    const Announcements heard;
+    card.setValue(90, u"90%"_s, u"90.0% normalized across cores"_s);
+    EXPECT_EQ(heard.count(), 3) << "the card, its state word and its detail";
+    card.clearValue(u"Sampling this Mac..."_s);
+    EXPECT_EQ(heard.count(), 6);
+    EXPECT_EQ(card.accessibleDescription(), u"Sampling this Mac..."_s);
+}
+
 /// Checks that samples announce only what has changed.
 class AnnouncementsInTheWindow : public OverviewFixture {
 protected:
@@ -49,9 +61,9 @@ TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingOnAnyRoute) {
                        recommend("second", Recommendation::Severity::info)};
     insights = {
         {UUID::random(), "Recurring Top App", "editor", "in detail", SessionInsight::Kind::topApp}};
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     showWithSample();
-    machine.monitor().review().selectTopProcess();
+    machine.monitor().actions().review.selectTopProcess();
     for (const AppRoute each : allAppRoutes) {
         SCOPED_TRACE(rawValue(each));
         goTo(each);
@@ -61,8 +73,8 @@ TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingOnAnyRoute) {
 
 TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingForAProtectedTarget) {
     showWithSample();
-    machine.monitor().review().selectTopProcess();
-    machine.monitor().localActions().toggleNeverQuit("photo-indexer");
+    machine.monitor().actions().review.selectTopProcess();
+    machine.monitor().actions().local.toggleNeverQuit("photo-indexer");
     goTo(AppRoute::optimize);
     expectNoneRepeated();
 }
@@ -72,9 +84,9 @@ TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingInTheSettingsSheet) {
     window().state().navigation.setShowSettings(true);
     settle();
     ASSERT_NE(visible("settings.sheet"), nullptr);
-    using namespace settings_tabs;
-    for (const char* tab : {remote, localMac, automation, safety}) {
-        SCOPED_TRACE(tab);
+    using enum SettingsTabKind;
+    for (const SettingsTabKind tab : {remote, localMac, automation, safety}) {
+        SCOPED_TRACE(static_cast<int>(tab));
         window().state().navigation.setSettingsTab(tab);
         expectNoneRepeated();
     }

@@ -1,5 +1,6 @@
 #include <QAccessible>
 
+#include "actions/actions.h"
 #include "presentation/widgets/danger_button.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
 
@@ -34,8 +35,8 @@ TEST_F(ConfirmationContentTest, IsOpenOnlyWhileARequestIsPending) {
 
 TEST_F(ConfirmationContentTest, ShowsTheTextsOfTheRequest) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[0]);
-    machine.monitor().localActions().requestQuitSelectedProcess();
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[0]);
+    machine.monitor().actions().local.requestQuitSelectedProcess();
     settle();
     ASSERT_TRUE(isOpen());
     EXPECT_EQ(dialog().windowTitle(), u"Confirm Action"_s);

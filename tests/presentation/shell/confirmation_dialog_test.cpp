@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 
+#include "actions/actions.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
 
@@ -45,7 +46,7 @@ TEST_F(ConfirmationDialogTest, EveryDismissalCancelsOnce) {
     for (const auto& [name, dismiss] : ways) {
         canceled.clear();
         ask(probe(name));
-        dialog().setSettlingTime(0ms);
+        setSettlingTime(0ms);
         dismiss();
         settle();
         EXPECT_FALSE(isOpen()) << name;
@@ -60,7 +61,7 @@ TEST_F(ConfirmationDialogTest, ReturnNeverConfirms) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         for (const char* focused : {"confirmation.cancel", "confirmation.confirm"}) {
             ask(probe(focused));
-            dialog().setSettlingTime(0ms);
+            setSettlingTime(0ms);
             visible(focused)->setFocus();
             ASSERT_EQ(QApplication::focusWidget(), visible(focused));
             press(key);
@@ -131,7 +132,7 @@ TEST_F(ConfirmationDialogTest, AClickOrSpaceConfirmsOnce) {
     for (const auto& [name, press] : ways) {
         confirmed.clear();
         ask(probe(name));
-        dialog().setSettlingTime(0ms);
+        setSettlingTime(0ms);
         press();
         settle();
         EXPECT_FALSE(isOpen()) << name;
@@ -143,14 +144,14 @@ TEST_F(ConfirmationDialogTest, AClickOrSpaceConfirmsOnce) {
 
 TEST_F(ConfirmationDialogTest, ConfirmingSignalsTheProcess) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[0]);
-    machine.monitor().localActions().requestQuitSelectedProcess();
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[0]);
+    machine.monitor().actions().local.requestQuitSelectedProcess();
     settle();
     click("confirmation.cancel");
     EXPECT_THAT(machine.actions.processes->signalled, IsEmpty());
     EXPECT_EQ(lastAction(), "Canceled: Quit photo-indexer?.");
-    dialog().setSettlingTime(0ms);
-    machine.monitor().localActions().requestQuitSelectedProcess();
+    setSettlingTime(0ms);
+    machine.monitor().actions().local.requestQuitSelectedProcess();
     settle();
     click("confirmation.confirm");
     EXPECT_THAT(machine.actions.processes->signalled,
@@ -186,7 +187,7 @@ TEST_F(ConfirmationDialogTest, DismissingAnAnsweredRequestCancelsNothing) {
 
 TEST_F(ConfirmationDialogTest, ASecondRequestReplacesTheFirstAndCannotBeConfirmedAtOnce) {
     showAndAsk("First?");
-    dialog().setSettlingTime(1h);
+    setSettlingTime(1h);
     confirm().setFocus();
     ask(probe("Second?"));
     EXPECT_EQ(textOf("confirmation.title"), u"Second?"_s);
@@ -202,7 +203,7 @@ TEST_F(ConfirmationDialogTest, ASecondRequestReplacesTheFirstAndCannotBeConfirme
 
 TEST_F(ConfirmationDialogTest, CanBeConfirmedAfterTheSettlingTime) {
     showAndAsk("First?");
-    dialog().setSettlingTime(0ms);
+    setSettlingTime(0ms);
     desk().requestConfirmation(probe("Second?"));
     // Without processing Qt events, which would end the settling time.
     machine.mainQueue.drain();
@@ -217,7 +218,7 @@ TEST_F(ConfirmationDialogTest, CanBeConfirmedAfterTheSettlingTime) {
 
 TEST_F(ConfirmationDialogTest, APressOnTheOldRequestDoesNotConfirmTheNewOne) {
     showAndAsk("First?");
-    dialog().setSettlingTime(0ms);
+    setSettlingTime(0ms);
     confirm().setFocus();
     QTest::keyPress(&confirm(), Qt::Key_Space);
     ask(probe("Second?"));
@@ -230,7 +231,7 @@ TEST_F(ConfirmationDialogTest, APressOnTheOldRequestDoesNotConfirmTheNewOne) {
 TEST_F(ConfirmationDialogTest, AnAnswerToAReplacedRequestAnswersNone) {
     for (const char* identifier : {"confirmation.confirm", "confirmation.cancel"}) {
         showAndAsk("First?");
-        dialog().setSettlingTime(0ms);
+        setSettlingTime(0ms);
         settle();
         desk().requestConfirmation(probe("Second?"));
         // Before the dialog is notified.
@@ -248,7 +249,7 @@ TEST_F(ConfirmationDialogTest, AnAnswerToAReplacedRequestAnswersNone) {
 
 TEST_F(ConfirmationDialogTest, ARequestAfterAnAnswerCannotBeConfirmedAtOnce) {
     showAndAsk("First?");
-    dialog().setSettlingTime(1h);
+    setSettlingTime(1h);
     click("confirmation.confirm");
     ask(probe("Second?"));
     EXPECT_FALSE(confirm().isEnabled());
@@ -257,7 +258,7 @@ TEST_F(ConfirmationDialogTest, ARequestAfterAnAnswerCannotBeConfirmedAtOnce) {
 TEST_F(ConfirmationDialogTest, TheSecondClickOfADoubleClickDoesNotConfirm) {
     showAndAsk("First?");
     click("confirmation.cancel");
-    dialog().setSettlingTime(1h);
+    setSettlingTime(1h);
     ask(probe("Second?"));
     QTest::mouseClick(&confirm(), Qt::LeftButton);
     settle();
@@ -270,7 +271,7 @@ TEST_F(ConfirmationDialogTest, TheSecondClickOfADoubleClickDoesNotConfirm) {
 TEST_F(ConfirmationDialogTest, CannotBeConfirmedAtOnceAfterActivation) {
     showAndAsk();
     EXPECT_TRUE(confirm().isEnabled());
-    dialog().setSettlingTime(1h);
+    setSettlingTime(1h);
     QEvent activation(QEvent::WindowActivate);
     QApplication::sendEvent(&dialog(), &activation);
     EXPECT_FALSE(confirm().isEnabled());

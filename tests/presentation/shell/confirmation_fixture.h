@@ -21,10 +21,13 @@ protected:
     ConfirmationRequest probe(const std::string& title = "Go on?") {
         if (!isRegistered_) {
             isRegistered_ = true;
-            desk().registerKind(
-                "probe",
-                {[this](const ConfirmationRequest& asked) { confirmed.push_back(asked.title); },
-                 [this](const ConfirmationRequest& asked) { canceled.push_back(asked.title); }});
+            desk().registerKind("probe", {[this](const ConfirmationRequest& asked) {
+                                              confirmed.push_back(asked.title);
+                                              return Outcome::done();
+                                          },
+                                          [this](const ConfirmationRequest& asked) {
+                                              canceled.push_back(asked.title);
+                                          }});
         }
         return {UUID::random(), title, "It changes something.", "Go On", "probe", {}, {}};
     }
@@ -35,7 +38,7 @@ protected:
         ASSERT_TRUE(isOpen());
         ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
         if (!std::exchange(isSettled_, true)) {
-            dialog().setSettlingTime(std::chrono::milliseconds(0));
+            setSettlingTime(std::chrono::milliseconds(0));
         }
         settle();
     }
@@ -43,6 +46,10 @@ protected:
     void showAndAsk(const std::string& title = "Go on?") {
         showWithSample();
         ask(probe(title));
+    }
+
+    void setSettlingTime(std::chrono::milliseconds time) {
+        tallowcrest::setSettlingTime(dialog(), time);
     }
 
     bool isOpen() {

@@ -1,7 +1,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
-#include "core/settings/settings_keys.h"
+#include "actions/actions.h"
+#include "core/settings/settings.h"
 #include "presentation/shell/settings/settings_sheet.h"
 #include "presentation/widgets/capsule.h"
 #include "tests/presentation/shell/confirmation_fixture.h"
@@ -16,7 +17,7 @@ constexpr const char* resumed = "Emergency stop cleared; automations remain off.
 
 class EmergencyStopTest : public ConfirmationFixture {
 protected:
-    Automation& automation() { return machine.monitor().automation(); }
+    Automation& automation() { return machine.monitor().actions().automation; }
 
     QAction& entry(const char* identifier) {
         return *window().findChild<QAction*>(QString::fromLatin1(identifier));
@@ -109,7 +110,7 @@ TEST_F(EmergencyStopTest, TheKeyStopsOnEveryRoute) {
 
 TEST_F(EmergencyStopTest, TheKeyStopsFromEveryFocusableControl) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[0]);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[0]);
     for (const AppRoute each : allAppRoutes) {
         goTo(each);
         // Collected first, because the events that the stop records replace widgets of the page.

@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
@@ -214,7 +215,7 @@ TEST_F(MenuBarTest, PurgePurgesOnceConfirmed) {
     showWithSample();
     openPanel();
     choose("menubar.purge");
-    window().findChild<ConfirmationDialog*>()->setSettlingTime(std::chrono::milliseconds(0));
+    setSettlingTime(*window().findChild<ConfirmationDialog*>(), std::chrono::milliseconds(0));
     settle();
     click("confirmation.confirm");
     machine.finishSamples();
@@ -245,7 +246,7 @@ TEST_F(MenuBarTest, AutoSelectIsToggledAndItsTitleFollows) {
         EXPECT_EQ(row->accessibleName(), row->text());
         return row->text();
     };
-    const Automation& automation = machine.monitor().automation();
+    const Automation& automation = machine.monitor().actions().automation;
     openPanel();
     EXPECT_EQ(title(), u"Disable Auto Select"_s);
     choose("menubar.auto-select");
@@ -254,10 +255,10 @@ TEST_F(MenuBarTest, AutoSelectIsToggledAndItsTitleFollows) {
     EXPECT_FALSE(window().isVisible()) << "there is nothing to read";
     openPanel();
     EXPECT_EQ(title(), u"Enable Auto Select"_s);
-    machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, true);
+    machine.monitor().actions().automation.set(AutomationSwitch::autoSelectTopOffender, true);
     settle();
     EXPECT_EQ(title(), u"Disable Auto Select"_s) << "while the panel is open";
-    machine.monitor().automation().engageEmergencyStop();
+    machine.monitor().actions().automation.engageEmergencyStop();
     settle();
     EXPECT_EQ(title(), u"Enable Auto Select"_s);
     choose("menubar.auto-select");

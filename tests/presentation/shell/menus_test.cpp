@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include "actions/actions.h"
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -118,7 +119,7 @@ TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
 
 TEST_F(MenusTest, FileAsksBeforeItQuitsTheSelectedProcess) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[1]);
     entry("menu.quit-selected-process").trigger();
     EXPECT_EQ(pendingTitle(), "Quit editor?");
     entry("menu.quit-selected-app").trigger();
@@ -131,7 +132,7 @@ TEST_F(MenusTest, FileAsksBeforeItQuitsTheSelectedProcess) {
 
 TEST_F(MenusTest, BothDeleteKeysQuitTheSelectedProcess) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[1]);
     for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace}) {
         for (const AppRoute each : {AppRoute::overview, AppRoute::load}) {
             goTo(each);
@@ -163,7 +164,7 @@ TEST_F(MenusTest, ARefusalWithoutASelectionIsShown) {
 
 TEST_F(MenusTest, InATextFieldTheDeleteKeysDeleteAWord) {
     showWithSample();
-    machine.monitor().review().selectProcess(machine.metrics->processes[1]);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[1]);
     goTo(AppRoute::load);
     auto* field = visible<QLineEdit>("processes.filter");
     ASSERT_NE(field, nullptr);

@@ -3,8 +3,9 @@
 #include <QAccessible>
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "core/settings/settings_owner.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -16,7 +17,7 @@ namespace {
 class OperationTargetBarTest : public WindowFixture {
 protected:
     OperationTargetBar& bar() { return *window().findChild<OperationTargetBar*>(); }
-    ReviewTarget& review() { return machine.monitor().review(); }
+    ReviewTarget& review() { return machine.monitor().actions().review; }
 
     void select(std::size_t row) {
         review().selectProcess(machine.metrics->processes.at(row));
@@ -98,7 +99,7 @@ TEST_F(OperationTargetBarTest, AProtectedTargetHasALock) {
               "|[Clear]");
     select(1);
     EXPECT_EQ(shown(), "scope|editor|editor · PID 700 · 30.0% CPU · 1024 MB|[Review]|[Clear]");
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     settle();
     EXPECT_EQ(visible<IconView>("target.icon")->icon(), u"lock.fill"_s);
     EXPECT_NE(visible("target.protected"), nullptr);

@@ -5,6 +5,7 @@
 
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -157,7 +158,7 @@ TEST_F(PageHeaderTest, TheActionsOfOptimizeSelectAndOpen) {
     goTo(AppRoute::optimize);
     click("optimize.select-top");
     EXPECT_EQ(selectedPID(), 800);
-    machine.monitor().review().clearOperationTarget();
+    machine.monitor().actions().review.clearOperationTarget();
     click("optimize.top-app");
     EXPECT_EQ(selectedPID(), 800);
     EXPECT_EQ(lastAction(), "Selected the heaviest process inside photo-indexer.");

@@ -98,11 +98,11 @@ TEST_F(SheetHostTest, AnOpenSheetFollowsTheStateAndAClosedOneDoesNoWork) {
     const int shows = lower.sheet->shows;
     settle();
     EXPECT_EQ(lower.sheet->shows, shows + 1);
+    const int last = lower.sheet->shows;
     want(lower, false);
     EXPECT_FALSE(lower.isOpen());
-    const int last = lower.sheet->shows;
     settle();
-    EXPECT_EQ(lower.sheet->shows, last);
+    EXPECT_EQ(lower.sheet->shows, last) << "not even to be closed";
     EXPECT_EQ(lower.sheet->starts, 1);
     want(lower);
     EXPECT_TRUE(lower.isOpen());

@@ -2,6 +2,7 @@
 
 #include <QMenu>
 
+#include "actions/actions.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -70,7 +71,7 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommandUnderItsCurrentTitle) {
     const QAction* entry = iconOf(item).contextMenu()->actions().at(2);
     EXPECT_EQ(entry->text(), u"Disable Auto Select"_s);
     for (const bool isOn : {false, true}) {
-        machine.monitor().automation().set(AutomationSwitch::autoSelectTopOffender, isOn);
+        machine.monitor().actions().automation.set(AutomationSwitch::autoSelectTopOffender, isOn);
         settle();
         EXPECT_EQ(entry->text(), isOn ? u"Disable Auto Select"_s : u"Enable Auto Select"_s);
     }

@@ -8,13 +8,14 @@
 
 #include <gmock/gmock.h>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
-#include "actions/confirmation_desk.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
-#include "presentation/screens/screen.h"
+#include "presentation/screens/shared/screen.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
 #include "presentation/shell/settings/settings_sheet.h"
@@ -96,11 +97,11 @@ protected:
             case Source::rules:
                 return monitor.autoRules().observable();
             case Source::automation:
-                return monitor.automation().observable();
+                return monitor.actions().automation.observable();
             case Source::review:
-                return monitor.review().observable();
+                return monitor.actions().review.observable();
             case Source::actions:
-                return monitor.localActions().observable();
+                return monitor.actions().local.observable();
             case Source::desk:
                 return monitor.confirmations().observable();
             case Source::navigation:
@@ -133,7 +134,7 @@ protected:
         }
     }
 
-    void openSettings(const char* tab) {
+    void openSettings(SettingsTabKind tab) {
         window().state().navigation.setSettingsTab(tab);
         window().state().navigation.setShowSettings(true);
         settle();
@@ -154,9 +155,9 @@ TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     const Sources settingsSheet{sample, log, settings, rules, navigation};
     showWithSample();
     goTo(AppRoute::chat);
-    openSettings(settings_tabs::automation);
+    openSettings(SettingsTabKind::automation);
     expectToFollow({{"page", {sample}}, {"settings", settingsSheet}});
-    machine.monitor().localActions().requestPurge();
+    machine.monitor().actions().local.requestPurge();
     settle();
     expectToFollow({{"page", {sample}}, {"settings", settingsSheet}, {"question", {desk}}});
 }
@@ -179,7 +180,7 @@ TEST_F(WindowUpdatesTest, ABurstOfTheReviewRefreshesOnlyTheTargetOnAPageThatDoes
         goTo(route);
         const Refreshes refreshes = refreshesBy([this] {
             for (int i = 0; i < 100; ++i) {
-                machine.monitor().review().setTarget(i % 2 == 0 ? 700 : 800, "editor");
+                machine.monitor().actions().review.setTarget(i % 2 == 0 ? 700 : 800, "editor");
                 settle();
             }
         });
@@ -189,7 +190,7 @@ TEST_F(WindowUpdatesTest, ABurstOfTheReviewRefreshesOnlyTheTargetOnAPageThatDoes
 
 TEST_F(WindowUpdatesTest, ACheckByDiskAutopilotIsShownBeforeTheNextSample) {
     showWithSample();
-    openSettings(settings_tabs::automation);
+    openSettings(SettingsTabKind::automation);
     const auto strip = [this] { return visible<Capsule>("status.automation")->toolTip(); };
     const auto* checked = window().findChild<ElidedLabel*>(u"settings.disk-autopilot.last-acted"_s);
     ASSERT_NE(checked, nullptr);
@@ -212,7 +213,7 @@ TEST_F(WindowUpdatesTest, AnotherRouteRefreshesItsPageOnce) {
 
 TEST_F(WindowUpdatesTest, NothingOfAMinimisedWindowIsRefreshedUntilItIsSeenAgain) {
     showWithSample();
-    openSettings(settings_tabs::automation);
+    openSettings(SettingsTabKind::automation);
     window().showMinimized();
     settle();
     EXPECT_THAT(refreshesBy([this] { tick(); }), IsEmpty());

@@ -1,20 +1,17 @@
 #include "presentation/widgets/gauge_card.h"
 
-#include <limits>
-
 #include <QApplication>
 #include <QHBoxLayout>
 #include <gmock/gmock.h>
 
 #include "presentation/widgets/elided_label.h"
 #include "tests/presentation/widgets/paint_count.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(GaugeState, WordAndColorChangeAtTheTwoLimits) {
     struct Case {
@@ -56,17 +53,16 @@ TEST(GaugeCard, ClampsItsValue) {
     const std::pair<double, double> cases[] = {
         {-5, 0}, {0, 0}, {42.5, 42.5}, {100, 100}, {140, 100}};
     for (const auto& [given, kept] : cases) {
-        card.setValue(given, u"1%"_s);
+        card.setValue(given, u"1%"_s, QString());
         EXPECT_EQ(card.value(), kept) << given;
     }
-    card.setValue(nan, u"0%"_s);
+    card.setValue(nan, u"0%"_s, QString());
     EXPECT_EQ(card.value(), 0);
 }
 
 TEST(GaugeCard, HasItsContentAsAccessibleValue) {
     GaugeCard card(u"Memory Pressure"_s);
-    card.setValue(70.6, u"71%"_s);
-    card.setDetail(u"11.3 GB used of 16.0 GB"_s);
+    card.setValue(70.6, u"71%"_s, u"11.3 GB used of 16.0 GB"_s);
     EXPECT_EQ(card.accessibleName(), "Memory Pressure");
     EXPECT_EQ(card.accessibleDescription(), "71%, Elevated, 11.3 GB used of 16.0 GB");
 
@@ -80,11 +76,9 @@ TEST(GaugeCard, HasItsContentAsAccessibleValue) {
 
 TEST(GaugeCard, KeepsItsHeightForAnyFigures) {
     GaugeCard card(u"CPU Load"_s);
-    card.setDetail(u"1.0% normalized across cores"_s);
-    card.setValue(1, u"1%"_s);
+    card.setValue(1, u"1%"_s, u"1.0% normalized across cores"_s);
     const QSize before = card.sizeHint();
-    card.setValue(100, u"100%"_s);
-    card.setDetail(u"100.0% normalized across cores"_s);
+    card.setValue(100, u"100%"_s, u"100.0% normalized across cores"_s);
     EXPECT_EQ(card.sizeHint().height(), before.height());
 }
 
@@ -93,10 +87,9 @@ TEST(GaugeCard, StateWordsOfAdjacentCardsAreAligned) {
     auto* layout = new QHBoxLayout(&row);
     auto* shortTitle = new GaugeCard(u"CPU"_s);
     auto* longTitle = new GaugeCard(u"A title that wraps beside its ring"_s);
-    shortTitle->setDetail(u"100.0% normalized across all of the cores of this Mac"_s);
-    longTitle->setDetail(u"None"_s);
+    shortTitle->setValue(1, u"1%"_s, u"100.0% normalized across all of the cores of this Mac"_s);
+    longTitle->setValue(1, u"1%"_s, u"None"_s);
     for (GaugeCard* card : {shortTitle, longTitle}) {
-        card->setValue(1, u"1%"_s);
         layout->addWidget(card, 1);
     }
     const auto wordOf = [&row](const GaugeCard& card) {

@@ -1,19 +1,17 @@
 #include "presentation/widgets/graph_geometry.h"
 
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include <gmock/gmock.h>
+
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TEST(SafeGraphValue, ClampsToPercentages) {
     for (const auto& [given, safe] : {std::pair{42.5, 42.5},

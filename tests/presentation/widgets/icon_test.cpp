@@ -1,13 +1,13 @@
 #include "presentation/widgets/icon.h"
 
-#include <limits>
-
 #include <QApplication>
 #include <QFile>
 #include <QPainter>
 #include <gmock/gmock.h>
 
 #include "core/routes.h"
+#include "tests/presentation/icon_names.h"
+#include "tests/support/numbers.h"
 #include "tests/support/words_of.h"
 
 using namespace Qt::StringLiterals;
@@ -104,8 +104,7 @@ TEST(GaugeIcon, MovesItsNeedleWithTheValue) {
 TEST(GaugeIcon, ClampsToPercentages) {
     EXPECT_EQ(gaugeIcon(140, Qt::black, 22).toImage(), gaugeIcon(100, Qt::black, 22).toImage());
     EXPECT_EQ(gaugeIcon(-1, Qt::black, 22).toImage(), gaugeIcon(0, Qt::black, 22).toImage());
-    EXPECT_EQ(gaugeIcon(std::numeric_limits<double>::quiet_NaN(), Qt::black, 22).toImage(),
-              gaugeIcon(0, Qt::black, 22).toImage());
+    EXPECT_EQ(gaugeIcon(nan, Qt::black, 22).toImage(), gaugeIcon(0, Qt::black, 22).toImage());
 }
 
 TEST(GaugeIcon, WithAHaloStandsOutFromEveryPanel) {

@@ -1,20 +1,19 @@
 #include "presentation/widgets/stable_line_graph.h"
 
 #include <cmath>
-#include <limits>
 #include <set>
 
 #include <QImage>
 #include <gmock/gmock.h>
 
 #include "tests/presentation/widgets/paint_count.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 const QColor lineColor(Qt::magenta);
 const StableLineGraph::Scale scale{u"0%"_s, u"50%"_s, u"100%"_s};
 
@@ -159,7 +158,7 @@ TEST_F(StableLineGraphTest, DrawsADashedLineForEachFiniteEvent) {
     };
     const double gridOnly = inkedInColumn(painted(), 0.3);
     EXPECT_LT(gridOnly, 0.1);
-    graph_.setEventFractions({0.3, nan, std::numeric_limits<double>::infinity()});
+    graph_.setEventFractions({0.3, nan, infinity});
     const QImage image = painted();
     EXPECT_GT(inkedInColumn(image, 0.3), 0.3);
     EXPECT_LT(inkedInColumn(image, 0.3), 0.8);

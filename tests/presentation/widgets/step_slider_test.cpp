@@ -1,16 +1,20 @@
 #include "presentation/widgets/step_slider.h"
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include <QAccessible>
+#include <QApplication>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 
 #include "presentation/widgets/limit_row.h"
+#include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,7 +37,6 @@ TEST(SliderScale, ReachesBothEnds) {
 
 TEST(SliderScale, NearestStepAcceptsAnyNumber) {
     constexpr SliderScale scale{5, 100, 5};
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(scale.nearestStep(12.4), 1);
     EXPECT_EQ(scale.nearestStep(12.6), 2);
     EXPECT_EQ(scale.nearestStep(-1e300), 0);
@@ -57,6 +60,27 @@ TEST(StepSlider, EmitsOnlyChangesByTheOwner) {
     QTest::keyClick(&slider, Qt::Key_Home);
     QTest::keyClick(&slider, Qt::Key_End);
     EXPECT_THAT(moved, ElementsAre(2.5, 2.0, 2.5, 0.5, 10.0));
+}
+
+TEST(StepSlider, ItsKeysMoveItAndDoNotScrollThePage) {
+    auto* content = new QWidget;
+    content->setFixedHeight(2000);
+    auto* slider = new StepSlider({0, 100, 1}, content);
+    QWidget page;
+    page.resize(300, 200);
+    const QScrollArea* area = scrollOnPage(content, page);
+    page.show();
+    QApplication::setActiveWindow(&page);
+    slider->setFocus();
+    slider->show(50);
+    std::vector<double> moved;
+    QObject::connect(slider, &StepSlider::moved,
+                     [&moved](double value) { moved.push_back(value); });
+    for (const Qt::Key key : {Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Home}) {
+        QTest::keyClick(slider, key);
+    }
+    EXPECT_THAT(moved, ElementsAre(60, 50, 100, 0));
+    EXPECT_EQ(area->verticalScrollBar()->value(), 0);
 }
 
 TEST(StepSlider, ADragEmitsEachStepOnce) {

@@ -1,4 +1,3 @@
-#include <limits>
 
 #include <QApplication>
 #include <QImage>
@@ -10,13 +9,12 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/widgets/paint_count.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 QString spokenValue(QObject* object) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(object);

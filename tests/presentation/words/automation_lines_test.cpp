@@ -75,14 +75,14 @@ TEST_F(AutomationLinesTest, TheStopShowsOnlyOnTheSwitchesItGoverns) {
         settings.autoSelectTopOffender = settings.autoPurgeSustainedMemory = isOn;
         settings.autoScanRemoteMacs = settings.diskAutopilotEnabled = isOn;
         settings.aiSafeActionsEnabled = settings.notificationsIncludeActions = isOn;
-        const ArmedState unstopped = isOn ? ArmedState::on : ArmedState::off;
+        const SwitchState unstopped = isOn ? SwitchState::on : SwitchState::off;
         for (const AutomationSwitch which : allAutomationSwitches) {
             const bool isOutside = which == AutomationSwitch::aiSafeActionsEnabled ||
                                    which == AutomationSwitch::notificationsIncludeActions;
             settings.automationEmergencyStopEngaged = false;
             EXPECT_EQ(line(which).state, unstopped);
             settings.automationEmergencyStopEngaged = true;
-            EXPECT_EQ(line(which).state, isOutside ? unstopped : ArmedState::stopped);
+            EXPECT_EQ(line(which).state, isOutside ? unstopped : SwitchState::stopped);
             EXPECT_EQ(line(which).isOn, isOn) << "the switch shows the setting even while stopped";
         }
     }
@@ -96,9 +96,9 @@ TEST_F(AutomationLinesTest, IdentifiersAndStatesHaveDifferentWords) {
     EXPECT_EQ(identifiers.join(u' '),
               u"auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
               "notification-actions"_s);
-    EXPECT_EQ(armedWord(ArmedState::on), u"On"_s);
-    EXPECT_EQ(armedWord(ArmedState::off), u"Off"_s);
-    EXPECT_EQ(armedWord(ArmedState::stopped), u"Stopped"_s);
+    EXPECT_EQ(stateWord(SwitchState::on), u"On"_s);
+    EXPECT_EQ(stateWord(SwitchState::off), u"Off"_s);
+    EXPECT_EQ(stateWord(SwitchState::stopped), u"Stopped"_s);
 }
 
 TEST_F(AutomationLinesTest, CountsTheEnabledAutomations) {

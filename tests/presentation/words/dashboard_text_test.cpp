@@ -1,20 +1,17 @@
 #include "presentation/words/dashboard_text.h"
 
 #include <ctime>
-#include <limits>
 #include <string>
 
 #include <gmock/gmock.h>
 
 #include "tests/presentation/scoped_locale.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /// Gives the whole process a locale and a time zone for one test.
 class Place {
@@ -57,6 +54,28 @@ TEST(DashboardText, TextIsOneLineWithoutControlCharacters) {
           Case{"<b>a</b> %1 & b", "<b>a</b> %1 & b"}, Case{"a\xff", "a\uFFFD"},
           Case{"two\nlines\t\x1b", "two\uFFFDlines\uFFFD\uFFFD"},
           Case{"two\u2028lines", "two\uFFFDlines"}, Case{"\u202Egnp.exe", "\uFFFDgnp.exe"}}) {
+        EXPECT_EQ(dashboard_text::text(each.given).toStdString(), each.shown);
+    }
+}
+
+TEST(DashboardText, TextHidesNothingAndStaysInItsLine) {
+    struct Case {
+        const char* given;
+        const char* shown;
+    };
+    for (const Case& each :
+         {Case{"bash\u200B", "bash\uFFFD"},              // zero-width space
+          Case{"ba\u200Dsh", "ba\uFFFDsh"},              // a joiner in Latin text
+          Case{"\u200Dbash\u200D", "\uFFFDbash\uFFFD"},  // a joiner at an end
+          Case{"ba\u2060\uFEFFsh", "ba\uFFFD\uFFFDsh"},  // word joiner, byte-order mark
+          Case{"ba\u00ADsh", "ba\uFFFDsh"},              // soft hyphen
+          Case{"\u3164\uFFA0\u2800", "\uFFFD\uFFFD\uFFFD"},
+          Case{"a\U000E0041", "a\uFFFD"},  // a tag character
+          Case{"می\u200Cخواهم", "می\u200Cخواهم"}, Case{"👩\u200D🚀", "👩\u200D🚀"},
+          Case{"❤\uFE0F\u200D🔥", "❤\uFE0F\u200D🔥"}, Case{"bash\uFE0F", "bash\uFFFD"},
+          Case{"ba\uFE00\U000E0100sh", "ba\uFFFD\uFFFDsh"}, Case{"Zoe\u0308", "Zoe\u0308"},
+          Case{"a\u0300\u0301\u0302\u0303\u0304b\u0300", "a\u0300\u0301\u0302b\u0300"},
+          Case{"กำ", "กำ"}}) {
         EXPECT_EQ(dashboard_text::text(each.given).toStdString(), each.shown);
     }
 }

@@ -1,11 +1,11 @@
 #include "presentation/words/timeline.h"
 
-#include <limits>
 #include <source_location>
 
 #include <gmock/gmock.h>
 
 #include "tests/support/each_of.h"
+#include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
@@ -70,7 +70,6 @@ TEST(TimelineSummary, GivesNowPeakAndAverage) {
 }
 
 TEST(SessionSeconds, CountForwardStepsOfTheClockAndAGapAsOneTick) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(sessionSeconds({}), 0);
     EXPECT_EQ(sessionSeconds(historyAt({0})), 4);
     EXPECT_EQ(sessionSeconds(historyAt({0, 4, 8})), 12);
@@ -135,7 +134,6 @@ TEST(EventFractions, AfterAStepBackOfTheClockTheLatestPointsCount) {
 }
 
 TEST(EventFractions, DatesThatAreNotNumbersAreOmitted) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     expectFractions({nan}, {0, 40}, 40, {});
     expectFractions({20}, {0, nan}, 40, {});
     expectFractions({20}, {0, 40}, nan, {});

@@ -2,13 +2,15 @@
 
 #include <QVBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/disk_autopilot.h"
-#include "presentation/screens/optimize/workspace_bar.h"
-#include "presentation/screens/overview/disk_autopilot_block.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/screens/shared/disk_autopilot.h"
+#include "presentation/screens/shared/disk_autopilot_block.h"
+#include "presentation/screens/shared/workspace_bar.h"
+#include "presentation/state/automation_facts.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
@@ -58,7 +60,7 @@ ComingPage::ComingPage(SystemMonitor& monitor, WindowState& state, AppRoute rout
     card->contentLayout()->addWidget(line_);
     layout->addWidget(card);
     if (route == AppRoute::optimizationSuggestions) {
-        disk_ = makeDiskAutopilot(u"suggestions"_s, monitor_.automation(), state_.sections);
+        disk_ = makeDiskAutopilot(u"suggestions"_s, monitor_.actions().automation, state_.sections);
         layout->addWidget(disk_);
     }
     layout->addStretch(1);
@@ -69,19 +71,24 @@ std::vector<Observable*> ComingPage::shows() const {
     std::vector<Observable*> shown{&monitor_.sample().observable()};
     if (disk_ != nullptr) {
         shown.push_back(&monitor_.settingsOwner().observable());
-        shown.push_back(&monitor_.automation().observable());
+        shown.push_back(&monitor_.actions().automation.observable());
     }
     return shown;
 }
 
+std::vector<HeaderAction> ComingPage::headerActions() {
+    if (route_ != AppRoute::aiAdvisor) {
+        return {};
+    }
+    return {{{"Open Chat", "message", "Goes to Chat"}, u"aiAdvisor.open-chat"_s, [this] {
+                 state_.navigation.setSelectedRoute(AppRoute::chat);
+             }}};
+}
+
 void ComingPage::refresh() {
-    const auto& snapshot = monitor_.sample().snapshot();
-    line_->setText(snapshot ? comingLine(route_) : u"Sampling this Mac..."_s);
+    line_->setText(monitor_.sample().snapshot() ? comingLine(route_) : u"Sampling this Mac..."_s);
     if (disk_ != nullptr) {
-        showDiskAutopilot(
-            *disk_, state_.sections,
-            {snapshot, monitor_.settings(), monitor_.automation().diskAutopilotStatus(),
-             monitor_.host().places.caches});
+        showDiskAutopilot(*disk_, state_.sections, diskAutopilotFacts(monitor_));
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/routes.h"
-#include "presentation/screens/screen.h"
+#include "presentation/screens/shared/screen.h"
 
 namespace tallowcrest {
 
@@ -22,6 +22,7 @@ public:
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
 
 private:
     SystemMonitor& monitor_;

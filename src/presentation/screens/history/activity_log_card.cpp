@@ -11,7 +11,7 @@
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_lines.h"

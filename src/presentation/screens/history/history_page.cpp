@@ -4,21 +4,19 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/automation/automation_toggles.h"
 #include "presentation/screens/history/activity_log_card.h"
-#include "presentation/screens/timeline_graph.h"
-#include "presentation/shell/automation_facts.h"
-#include "presentation/shell/command_button.h"
-#include "presentation/widgets/arrange_now.h"
+#include "presentation/screens/shared/automation_toggles.h"
+#include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/timeline_graph.h"
+#include "presentation/state/automation_facts.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/stable_line_graph.h"
@@ -74,10 +72,8 @@ QWidget* HistoryPage::makeAutomation() {
     card->setHeader(u"slider.horizontal.3"_s,
                     dashboard_text::text(title(DashboardSection::autoRules)));
     automation_ = new AutomationToggles(card->objectName());
-    connect(automation_, &AutomationToggles::wanted, this, [this](AutomationSwitch which, bool on) {
-        monitor_.automation().set(which, on);
-        showAutomation();
-    });
+    connectSwitches(*automation_, monitor_.actions().automation,
+                    [this] { return automationFacts(monitor_); });
     card->contentLayout()->addWidget(automation_);
     return card;
 }
@@ -112,15 +108,15 @@ std::vector<Observable*> HistoryPage::shows() const {
             &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
 }
 
-void HistoryPage::refresh() {
-    const std::optional<ReadingPlace> place = readingPlace();
-    refreshAll();
-    if (place) {
-        keepReadingPlace(*place);
-    }
+std::vector<HeaderAction> HistoryPage::headerActions() {
+    return {{commands::copyReport, u"history.copy-report"_s,
+             [this] { monitor_.reports().copyDiagnosticsReport(); }},
+            {commands::exportReport, u"history.export"_s,
+             [this] { monitor_.reports().exportDiagnosticsReport(); }}};
 }
 
-void HistoryPage::refreshAll() {
+void HistoryPage::refresh() {
+    area_->keepInPlace(topmostReadEntry());
     const LatestSample& sample = monitor_.sample();
     const std::vector<ActivityEvent>& activityLog = monitor_.log().activityLog();
     const std::vector<HistoryPoint>& history = sample.history();
@@ -128,38 +124,20 @@ void HistoryPage::refreshAll() {
     showTimeline(*graph_, {history, activityLog, monitor_.settings().warningThreshold},
                  timelineSummary(history));
     session_->show(sessionState(sample.snapshot(), sample.sessionInsights()));
-    showAutomation();
-    log_->show(activityLog, sample.snapshot() ? sample.snapshot()->sampledAt : Date{});
-}
-
-void HistoryPage::showAutomation() {
     automation_->show(automationFacts(monitor_));
+    log_->show(activityLog, dashboard_text::sampledAt(sample.snapshot()).value_or(Date{}));
 }
 
-int HistoryPage::placeInView(const QWidget& widget) const {
-    return widget.mapTo(area_->viewport(), QPoint()).y();
-}
-
-std::optional<HistoryPage::ReadingPlace> HistoryPage::readingPlace() const {
+QWidget* HistoryPage::topmostReadEntry() const {
     const std::vector<ActivityEntry*>& entries = log_->entries();
-    if (entries.empty() || placeInView(*entries.front()) >= 0) {
-        return std::nullopt;
+    if (entries.empty() || area_->placeInView(*entries.front()) >= 0) {
+        return nullptr;
     }
-    const auto first = std::find_if(
-        entries.begin(), entries.end(),
-        [this](const ActivityEntry* entry) { return placeInView(*entry) + entry->height() > 0; });
-    return first == entries.end() ? std::nullopt
-                                  : std::optional(ReadingPlace{*first, placeInView(**first)});
-}
-
-void HistoryPage::keepReadingPlace(const ReadingPlace& place) {
-    const std::vector<ActivityEntry*>& entries = log_->entries();
-    if (std::find(entries.begin(), entries.end(), place.entry) == entries.end()) {
-        return;
-    }
-    arrangeNow(*area_);
-    QScrollBar* bar = area_->verticalScrollBar();
-    bar->setValue(bar->value() + placeInView(*place.entry) - place.y);
+    const auto first =
+        std::find_if(entries.begin(), entries.end(), [this](const ActivityEntry* entry) {
+            return area_->placeInView(*entry) + entry->height() > 0;
+        });
+    return first == entries.end() ? nullptr : *first;
 }
 
 }  // namespace tallowcrest

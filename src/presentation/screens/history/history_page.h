@@ -2,10 +2,8 @@
 
 #include <optional>
 
-#include "presentation/screens/screen.h"
-#include "presentation/screens/summary_cards.h"
-
-class QScrollArea;
+#include "presentation/screens/shared/screen.h"
+#include "presentation/screens/shared/summary_cards.h"
 
 namespace tallowcrest {
 
@@ -13,6 +11,7 @@ class ActivityEntry;
 class ActivityLogCard;
 class AutomationToggles;
 class Card;
+class PageScrollArea;
 class StableLineGraph;
 class SystemMonitor;
 
@@ -26,27 +25,17 @@ public:
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
 
 private:
-    /// The topmost visible entry of the log and its position in the view.
-    struct ReadingPlace {
-        ActivityEntry* entry;
-        int y;
-    };
-
     QWidget* makeTimeline();
     QWidget* makeAutomation();
     QWidget* makeReceipts();
-    void refreshAll();
-    void showAutomation();
-    /// Absent while the top of the log has not been scrolled out of the view.
-    std::optional<ReadingPlace> readingPlace() const;
-    /// Scrolls so that the entry is at its former position, if it is still in the log.
-    void keepReadingPlace(const ReadingPlace& place);
-    int placeInView(const QWidget& widget) const;
+    /// Null while the top of the log has not been scrolled out of the view.
+    QWidget* topmostReadEntry() const;
 
     SystemMonitor& monitor_;
-    QScrollArea* area_ = nullptr;
+    PageScrollArea* area_ = nullptr;
     Card* timeline_ = nullptr;
     StableLineGraph* graph_ = nullptr;
     std::optional<SummaryCards> session_;

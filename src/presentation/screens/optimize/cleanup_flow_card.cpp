@@ -3,7 +3,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/shell/command_button.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
 

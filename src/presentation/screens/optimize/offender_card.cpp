@@ -6,8 +6,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/screens/load/process_table_view.h"
-#include "presentation/screens/optimize/cleanup_lines.h"
+#include "presentation/screens/optimize/optimize_lines.h"
+#include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card_grid.h"
@@ -33,7 +33,7 @@ constexpr int mostRows = 8;
 OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     : Card(parent), model_(policy) {
     setObjectName(u"cleanup.offender"_s);
-    setHeader(u"scope"_s, cleanup_lines::heading({}));
+    setHeader(u"scope"_s, optimize_lines::heading({}));
     explanation_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     explanation_->setObjectName(u"cleanup.explanation"_s);
     // Enough for a name of any length: the end of the text says whether the process is protected.
@@ -114,7 +114,7 @@ QWidget* OffenderCard::makeHelpers() {
     return helpers;
 }
 
-void OffenderCard::show(cleanup_lines::Offender offender,
+void OffenderCard::show(optimize_lines::Offender offender,
                         const ProtectedAppNames& protectedAppNames) {
     const bool hasTarget = offender.target.has_value();
     setHeader(u"scope"_s, offender.heading);
@@ -130,7 +130,7 @@ void OffenderCard::show(cleanup_lines::Offender offender,
     target_->setVisible(hasTarget);
 }
 
-void OffenderCard::showTarget(cleanup_lines::Target target) {
+void OffenderCard::showTarget(optimize_lines::Target target) {
     shownGroup_ = std::move(target.group);
     group_->setValue(target.groupCard.value);
     group_->setDetail(target.groupCard.detail);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/local_records.h"
-#include "presentation/screens/load/process_table_model.h"
+#include "presentation/screens/shared/process_table_model.h"
 #include "presentation/widgets/card.h"
 
 class QPushButton;
@@ -14,10 +14,10 @@ namespace tallowcrest {
 class ProcessTableView;
 class SummaryCard;
 
-namespace cleanup_lines {
+namespace optimize_lines {
 struct Offender;
 struct Target;
-}  // namespace cleanup_lines
+}  // namespace optimize_lines
 
 /// The process under review, its group and the processes of that group. Main thread.
 class OffenderCard final : public Card {
@@ -28,7 +28,7 @@ public:
 
     /// Without a target, only the heading and the explanation are shown. The processes of groups
     /// named in `protectedAppNames` are shown as protected.
-    void show(cleanup_lines::Offender offender, const ProtectedAppNames& protectedAppNames);
+    void show(optimize_lines::Offender offender, const ProtectedAppNames& protectedAppNames);
 
 signals:
     /// The owner asked to review this process of the group.
@@ -43,7 +43,7 @@ private:
     QWidget* makeCards();
     QPushButton* makeNeverQuit();
     QWidget* makeHelpers();
-    void showTarget(cleanup_lines::Target target);
+    void showTarget(optimize_lines::Target target);
     void showNeverQuit(bool isOn);
     void showHelpers(std::vector<ProcessSample> helpers, std::optional<std::int64_t> selectedPID);
     void fitTable();

@@ -16,10 +16,9 @@ using dashboard_text::text;
 
 namespace {
 
-void showPercent(GaugeCard& gauge, double percent) {
+void showPercent(GaugeCard& gauge, double percent, const QString& detail) {
     const double shown = safeGraphValue(percent);
-    gauge.setValue(shown, dashboard_text::percentText(shown));
-    gauge.setTint(gaugeStateColor(shown));
+    gauge.setValue(shown, dashboard_text::percentText(shown), detail);
 }
 
 }  // namespace
@@ -33,8 +32,8 @@ GaugesBlock::GaugesBlock()
     gauges->setObjectName(u"overview.gauges"_s);
     // The section around it already has the title as its name.
     gauges->setAccessibleName(u"CPU, memory and free memory"_s);
-    cpuGauge_ = new GaugeCard(u"CPU Load"_s, &CrestTheme::good, gauges);
-    memoryGauge_ = new GaugeCard(u"Memory Pressure"_s, &CrestTheme::good, gauges);
+    cpuGauge_ = new GaugeCard(u"CPU Load"_s, gauges);
+    memoryGauge_ = new GaugeCard(u"Memory Pressure"_s, gauges);
     reclaimable_ = new MetricCard(u"Free / Reclaimable"_s, gauges);
     reclaimable_->centerLines();
     cpuGauge_->setObjectName(u"overview.cpu-load"_s);
@@ -50,19 +49,15 @@ void GaugesBlock::show(const std::optional<SystemSnapshot>& snapshot) {
     }
     if (!snapshot) {
         const QString waiting = u"Sampling this Mac..."_s;
-        cpuGauge_->clearValue();
-        memoryGauge_->clearValue();
+        cpuGauge_->clearValue(waiting);
+        memoryGauge_->clearValue(waiting);
         reclaimable_->setValue(dashboard_text::noFigure());
-        cpuGauge_->setDetail(waiting);
-        memoryGauge_->setDetail(waiting);
         reclaimable_->setDetail(waiting);
         return;
     }
     const MemorySnapshot& memory = snapshot->memory;
-    showPercent(*cpuGauge_, snapshot->cpuPercent);
-    cpuGauge_->setDetail(dashboard_text::cpuDetail(snapshot->cpuPercent));
-    showPercent(*memoryGauge_, memory.pressure);
-    memoryGauge_->setDetail(dashboard_text::memoryDetail(memory));
+    showPercent(*cpuGauge_, snapshot->cpuPercent, dashboard_text::cpuDetail(snapshot->cpuPercent));
+    showPercent(*memoryGauge_, memory.pressure, dashboard_text::memoryDetail(memory));
     reclaimable_->setValue(u"%1 GB"_s.arg(dashboard_text::gigabytes(memory.freeGB)));
     reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));
 }

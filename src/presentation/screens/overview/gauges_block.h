@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "core/local_records.h"
-#include "presentation/screens/overview/overview_block.h"
+#include "presentation/screens/shared/overview_block.h"
 
 namespace tallowcrest {
 

@@ -2,13 +2,12 @@
 
 #include <QVBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/disk_autopilot.h"
-#include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/screens/overview/gauges_block.h"
 #include "presentation/screens/overview/overview_lines.h"
 #include "presentation/screens/overview/recent_activity_block.h"
@@ -17,10 +16,14 @@
 #include "presentation/screens/overview/timeline_block.h"
 #include "presentation/screens/overview/top_app_memory_block.h"
 #include "presentation/screens/overview/top_offender_block.h"
-#include "presentation/screens/review_process.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/screens/shared/disk_autopilot.h"
+#include "presentation/screens/shared/disk_autopilot_block.h"
+#include "presentation/screens/shared/review_process.h"
+#include "presentation/state/automation_facts.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/two_columns.h"
+#include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -45,7 +48,8 @@ void OverviewPage::layOutBlocks() {
     gauges_ = add(new GaugesBlock);
     timeline_ = add(new TimelineBlock);
     topAppMemory_ = new TopAppMemoryBlock;
-    diskAutopilot_ = makeDiskAutopilot(u"overview"_s, monitor_.automation(), state_.sections);
+    diskAutopilot_ =
+        makeDiskAutopilot(u"overview"_s, monitor_.actions().automation, state_.sections);
     topOffender_ = new TopOffenderBlock;
     recentActivity_ = new RecentActivityBlock;
     add(new TwoColumns)
@@ -65,7 +69,7 @@ void OverviewPage::connectBlocks() {
         });
     }
     connect(recommendations_, &RecommendationsBlock::reviewWanted, this, [this](std::int64_t pid) {
-        reviewInProcesses(pid, monitor_.sample(), monitor_.review(), state_.navigation);
+        reviewInProcesses(pid, monitor_.sample(), monitor_.actions().review, state_.navigation);
     });
     connect(topOffender_, &TopOffenderBlock::reviewWanted, this, &OverviewPage::reviewOffender);
     connect(topOffender_, &TopOffenderBlock::cleanupWanted, this,
@@ -76,7 +80,13 @@ void OverviewPage::connectBlocks() {
 
 std::vector<Observable*> OverviewPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.automation().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.actions().automation.observable()};
+}
+
+std::vector<HeaderAction> OverviewPage::headerActions() {
+    return {{{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
+             u"overview.review-cleanup"_s,
+             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); }}};
 }
 
 void OverviewPage::refresh() {
@@ -85,7 +95,7 @@ void OverviewPage::refresh() {
     }
     const LatestSample& sample = monitor_.sample();
     const std::optional<SystemSnapshot>& snapshot = sample.snapshot();
-    const auto sampledAt = snapshot ? std::optional(snapshot->sampledAt) : std::nullopt;
+    const auto sampledAt = dashboard_text::sampledAt(snapshot);
     const Settings& settings = monitor_.settings();
     const std::vector<ActivityEvent>& activityLog = monitor_.log().activityLog();
     recommendations_->show(recommendationLines(sample.recommendations(), sample.latestProcesses()),
@@ -94,10 +104,8 @@ void OverviewPage::refresh() {
     timeline_->show({sample.history(), activityLog, settings.warningThreshold},
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
-    showDiskAutopilot(*diskAutopilot_, state_.sections,
-                      {snapshot, settings, monitor_.automation().diskAutopilotStatus(),
-                       monitor_.host().places.caches});
-    topOffender_->show(offenderFacts());
+    showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
+    topOffender_->show(topOffender(offenderFacts()));
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
     sessionInsights_->show(sample.sessionInsights());
@@ -110,9 +118,9 @@ TopOffenderFacts OverviewPage::offenderFacts() const {
 
 void OverviewPage::reviewOffender() {
     const auto wanted = topOffender(offenderFacts()).reviewPID;
-    monitor_.review().selectTopApp();
-    if (wanted && wanted == monitor_.review().selectedPID()) {
-        clearHidingFilter(monitor_.sample(), monitor_.review(), state_.navigation);
+    monitor_.actions().review.selectTopApp();
+    if (wanted && wanted == monitor_.actions().review.selectedPID()) {
+        clearHidingFilter(monitor_.sample(), monitor_.actions().review, state_.navigation);
         state_.navigation.setSelectedRoute(AppRoute::load);
     }
 }

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "presentation/screens/screen.h"
+#include "presentation/screens/shared/screen.h"
 
 namespace tallowcrest {
 
@@ -29,6 +29,7 @@ public:
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
 
 private:
     void layOutBlocks();

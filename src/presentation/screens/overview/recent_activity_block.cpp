@@ -9,7 +9,7 @@
 
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 
 using namespace Qt::StringLiterals;
 

@@ -11,7 +11,7 @@
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 
 using namespace Qt::StringLiterals;
 

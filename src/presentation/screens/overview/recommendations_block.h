@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/screens/shared/overview_block.h"
 #include "presentation/widgets/reserved_rows.h"
 
 namespace tallowcrest {

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "presentation/screens/overview/overview_block.h"
-#include "presentation/screens/summary_cards.h"
+#include "presentation/screens/shared/overview_block.h"
+#include "presentation/screens/shared/summary_cards.h"
 
 namespace tallowcrest {
 

@@ -5,7 +5,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "presentation/screens/timeline_graph.h"
+#include "presentation/screens/shared/timeline_graph.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/figure_row.h"
 #include "presentation/widgets/stable_line_graph.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presentation/screens/overview/overview_block.h"
+#include "presentation/screens/shared/overview_block.h"
 #include "presentation/words/timeline.h"
 
 namespace tallowcrest {

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/screens/shared/overview_block.h"
 #include "presentation/widgets/reserved_rows.h"
 
 namespace tallowcrest {

@@ -10,7 +10,7 @@
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -78,11 +78,10 @@ TopOffenderBlock::TopOffenderBlock()
     bodyLayout()->addWidget(alerts_);
 }
 
-void TopOffenderBlock::show(const TopOffenderFacts& facts) {
+void TopOffenderBlock::show(const TopOffender& shown) {
     if (isCollapsed()) {
         return;
     }
-    const TopOffender shown = topOffender(facts);
     const bool isOffender = shown.state == TopOffender::State::offender;
     const bool isStable = shown.state == TopOffender::State::stable;
     icon_->setIcon(isOffender ? u"exclamationmark.triangle.fill"_s

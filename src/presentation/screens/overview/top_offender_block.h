@@ -1,7 +1,7 @@
 #pragma once
 
-#include "presentation/screens/overview/overview_block.h"
 #include "presentation/screens/overview/overview_lines.h"
+#include "presentation/screens/shared/overview_block.h"
 
 class QPushButton;
 
@@ -17,7 +17,7 @@ public:
     TopOffenderBlock();
 
     /// "Review" is shown only for an offender whose process can be reviewed.
-    void show(const TopOffenderFacts& facts);
+    void show(const TopOffender& shown);
 
 signals:
     /// The owner asked to review the heaviest process of the offender.

@@ -3,15 +3,16 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/automation/automation_toggles.h"
-#include "presentation/shell/automation_facts.h"
-#include "presentation/shell/command_button.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/screens/shared/automation_toggles.h"
+#include "presentation/screens/shared/command_button.h"
+#include "presentation/state/automation_facts.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
@@ -54,10 +55,8 @@ QWidget* SettingsPage::makeRules() {
     card->setHeader(u"slider.horizontal.3"_s, u"Auto Rules"_s);
     card->contentLayout()->setSpacing(spacing::gap);
     toggles_ = new AutomationToggles(u"settings.hub"_s, autoRuleSwitches, card);
-    connect(toggles_, &AutomationToggles::wanted, this, [this](AutomationSwitch which, bool on) {
-        monitor_.automation().set(which, on);
-        refresh();
-    });
+    connectSwitches(*toggles_, monitor_.actions().automation,
+                    [this] { return automationFacts(monitor_); });
     card->contentLayout()->addWidget(toggles_);
     return card;
 }
@@ -65,6 +64,11 @@ QWidget* SettingsPage::makeRules() {
 std::vector<Observable*> SettingsPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
             &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
+}
+
+std::vector<HeaderAction> SettingsPage::headerActions() {
+    return {{commands::openSettingsSheet, u"settings.open-sheet"_s,
+             [this] { state_.navigation.setShowSettings(true); }}};
 }
 
 void SettingsPage::refresh() {

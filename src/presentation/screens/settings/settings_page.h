@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presentation/screens/screen.h"
+#include "presentation/screens/shared/screen.h"
 
 namespace tallowcrest {
 
@@ -18,6 +18,7 @@ public:
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
 
 private:
     QWidget* makeHub();

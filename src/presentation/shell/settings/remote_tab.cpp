@@ -6,7 +6,7 @@
 
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -48,6 +48,11 @@ RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
         }
     });
     connect(user_, &QLineEdit::textEdited, this, [this] { showRefusal(QString()); });
+}
+
+RemoteTab::~RemoteTab() {
+    // The base class takes the focus out of the field, which then reports that editing finished.
+    user_->disconnect(this);
 }
 
 QWidget* RemoteTab::makeRefusal() {

@@ -16,6 +16,7 @@ class RemoteTab final : public SettingsTab {
 
 public:
     explicit RemoteTab(QWidget* parent = nullptr);
+    ~RemoteTab() override;
 
     /// Shows the stored user name and the status of the key. A name that is being typed or was
     /// refused stays.

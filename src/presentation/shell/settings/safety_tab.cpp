@@ -8,12 +8,12 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/shell/command_button.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon_view.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_lines.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,9 +25,6 @@ public:
 
     /// When the stop has just been engaged, "Resume Manual Mode" is disabled for the settling time.
     void show(const ProtectedAppNames& neverQuit, bool isStopEngaged);
-
-    /// For tests, which do not wait.
-    void setSettlingTime(std::chrono::milliseconds time) { settling_->setTime(time); }
 
 signals:
     // The receiver of each calls `show` before it returns.

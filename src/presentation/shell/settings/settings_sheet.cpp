@@ -10,6 +10,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/connection_settings.h"
 #include "actions/local_actions.h"
@@ -17,13 +18,12 @@
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
-#include "presentation/screens/automation/automation_toggles.h"
-#include "presentation/shell/automation_facts.h"
+#include "presentation/screens/shared/automation_toggles.h"
 #include "presentation/shell/settings/automation_tab.h"
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
-#include "presentation/shell/window_state.h"
+#include "presentation/state/automation_facts.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/tab_strip.h"
@@ -72,9 +72,14 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget
         strip_->setCurrentIndex(index);
         // Before the page is hidden, which would move the focus into the next page.
         strip_->setFocus(reason);
-        state_.navigation.setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).words);
+        state_.navigation.setSettingsTab(tabs_.at(static_cast<std::size_t>(index)).kind);
         refresh();
     });
+}
+
+SettingsSheet::~SettingsSheet() {
+    // The base class takes the focus out of the tab, which then reports a name that was typed.
+    remote_->disconnect(this);
 }
 
 QWidget* SettingsSheet::makeHead() {
@@ -118,9 +123,10 @@ QWidget* SettingsSheet::makeFoot() {
     return foot;
 }
 
-void SettingsSheet::addTab(const char* words, const char* identifier, const char* description,
-                           SettingsTab* content, std::function<void()> show) {
-    tabs_.push_back({words, std::move(show)});
+void SettingsSheet::addTab(SettingsTabKind kind, const char* words, const char* identifier,
+                           const char* description, SettingsTab* content,
+                           std::function<void()> show) {
+    tabs_.push_back({kind, std::move(show)});
     strip_->addTab(QString::fromLatin1(words), QString::fromLatin1(identifier),
                    QString::fromLatin1(description));
     pages_->addWidget(content);
@@ -129,10 +135,13 @@ void SettingsSheet::addTab(const char* words, const char* identifier, const char
 void SettingsSheet::addRemote() {
     remote_ = new RemoteTab;
     connect(remote_, &RemoteTab::usernameEntered, this, &SettingsSheet::takeUsername);
-    addTab(settings_tabs::remote, "settings.tab.remote", "What reaching other machines needs",
-           remote_, [this] {
-               remote_->show(text(monitor_.settings().sshUsername),
-                             text(monitor_.startup().localPublicKeyStatus));
+    addTab(SettingsTabKind::remote, "Remote", "settings.tab.remote",
+           "What reaching other machines needs", remote_, [this] {
+               remote_->show(
+                   text(monitor_.settings().sshUsername),
+                   monitor_.host().hasLocalPublicKey
+                       ? u"Local SSH public key found."_s
+                       : u"No local SSH public key found. Generate one with ssh-keygen."_s);
            });
 }
 
@@ -158,7 +167,8 @@ void SettingsSheet::addLocalMac() {
     auto* tab = new LocalMacTab(notifications);
     connect(tab, &LocalMacTab::expandAllWanted, this, [this] { state_.sections.expandAll(); });
     connect(tab, &LocalMacTab::collapseAllWanted, this, [this] { state_.sections.collapseAll(); });
-    addTab(settings_tabs::localMac, "settings.tab.local-mac", "How this machine is set up", tab,
+    addTab(SettingsTabKind::localMac, "Local Mac", "settings.tab.local-mac",
+           "How this machine is set up", tab,
            [this, notifications] { notifications->show(automationFacts(monitor_)); });
 }
 
@@ -172,7 +182,7 @@ void SettingsSheet::addAutomation() {
                 monitor_.settingsOwner().set(limit, value);
                 automation_->show(monitor_.settings());
             });
-    addTab(settings_tabs::automation, "settings.tab.automation",
+    addTab(SettingsTabKind::automation, "Automation", "settings.tab.automation",
            "What may act by itself, and how far it may go", automation_, [this, rules, disk] {
                rules->show(automationFacts(monitor_));
                disk->show(automationFacts(monitor_));
@@ -183,34 +193,32 @@ void SettingsSheet::addAutomation() {
 void SettingsSheet::addSafety() {
     safety_ = new SafetyTab;
     connect(safety_, &SafetyTab::removalWanted, this, [this](const std::string& name) {
-        monitor_.localActions().removeFromNeverQuit(name);
+        monitor_.actions().local.removeFromNeverQuit(name);
         showSafety();
     });
     connect(safety_, &SafetyTab::stopWanted, this, [this] {
-        monitor_.automation().engageEmergencyStop();
+        monitor_.actions().automation.engageEmergencyStop();
         showSafety();
     });
     connect(safety_, &SafetyTab::resumeWanted, this, [this] {
-        monitor_.automation().resumeFromEmergencyStop();
+        monitor_.actions().automation.resumeFromEmergencyStop();
         showSafety();
     });
     showSafety();
-    addTab(settings_tabs::safety, "settings.tab.safety",
+    addTab(SettingsTabKind::safety, "Safety", "settings.tab.safety",
            "What is never quit, and the stop for all that acts by itself", safety_,
            [this] { showSafety(); });
 }
 
 void SettingsSheet::showSafety() {
-    safety_->show(monitor_.settings().protectedAppNames, monitor_.automation().isStopEngaged());
+    safety_->show(monitor_.settings().protectedAppNames,
+                  monitor_.actions().automation.isStopEngaged());
 }
 
 AutomationToggles* SettingsSheet::makeSwitches(std::span<const AutomationSwitch> switches) {
     auto* toggles = new AutomationToggles(u"settings"_s, switches);
-    connect(toggles, &AutomationToggles::wanted, this,
-            [this, toggles](AutomationSwitch which, bool on) {
-                monitor_.automation().set(which, on);
-                toggles->show(automationFacts(monitor_));
-            });
+    connectSwitches(*toggles, monitor_.actions().automation,
+                    [this] { return automationFacts(monitor_); });
     return toggles;
 }
 
@@ -232,8 +240,8 @@ QWidget* SettingsSheet::firstControl() {
 }
 
 void SettingsSheet::showState() {
-    const auto found = std::ranges::find(tabs_, state_.navigation.settingsTab(), &Tab::words);
-    const auto index = found != tabs_.end() ? std::distance(tabs_.begin(), found) : 0;
+    const auto found = std::ranges::find(tabs_, state_.navigation.settingsTab(), &Tab::kind);
+    const auto index = std::distance(tabs_.begin(), found);
     strip_->setCurrentIndex(static_cast<int>(index));
     pages_->setCurrentIndex(static_cast<int>(index));
     tabs_.at(static_cast<std::size_t>(index)).show();

@@ -2,11 +2,11 @@
 
 #include <functional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "actions/automation.h"
 #include "presentation/shell/sheet_host.h"
+#include "presentation/state/window_state.h"
 #include "presentation/words/automation_lines.h"
 
 class QStackedWidget;
@@ -20,7 +20,6 @@ class RemoteTab;
 class SafetyTab;
 class SettingsTab;
 class SystemMonitor;
-struct WindowState;
 class TabStrip;
 
 /// The settings. Only the sheet reads the state and calls operations; its tabs take plain values.
@@ -30,6 +29,7 @@ class SettingsSheet final : public Sheet {
 
 public:
     SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget* window);
+    ~SettingsSheet() override;
 
     /// What the sheet shows of `monitor` and `state`, which also say whether it is open.
     static std::vector<Observable*> shows(SystemMonitor& monitor, WindowState& state);
@@ -42,14 +42,14 @@ protected:
 
 private:
     struct Tab {
-        std::string words;
+        SettingsTabKind kind;
         std::function<void()> show;
     };
 
     QWidget* makeHead();
     QWidget* makeFoot();
-    void addTab(const char* words, const char* identifier, const char* description,
-                SettingsTab* content, std::function<void()> show);
+    void addTab(SettingsTabKind kind, const char* words, const char* identifier,
+                const char* description, SettingsTab* content, std::function<void()> show);
     void addRemote();
     void addLocalMac();
     void addAutomation();

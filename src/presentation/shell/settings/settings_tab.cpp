@@ -1,6 +1,5 @@
 #include "presentation/shell/settings/settings_tab.h"
 
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "presentation/widgets/page_scroll_area.h"
@@ -18,7 +17,7 @@ SettingsTab::SettingsTab(QWidget* parent) : QWidget(parent) {
     cards_->addStretch(1);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(makePageScrollArea(content, this));
+    layout->addWidget(new PageScrollArea(content, this));
 }
 
 void SettingsTab::addCard(QWidget* card) {

@@ -1,5 +1,6 @@
 #include "presentation/screens/coming/coming_page.h"
 
+#include "actions/actions.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -53,9 +54,9 @@ TEST_F(ComingPageTest, RecommendedHasTheEmergencyStop) {
     showWithSample();
     goTo(AppRoute::optimizationSuggestions);
     click("suggestions.emergency-stop");
-    EXPECT_TRUE(machine.monitor().automation().isStopEngaged());
+    EXPECT_TRUE(machine.monitor().actions().automation.isStopEngaged());
     click("suggestions.resume-manual-mode");
-    EXPECT_FALSE(machine.monitor().automation().isStopEngaged());
+    EXPECT_FALSE(machine.monitor().actions().automation.isStopEngaged());
     goTo(AppRoute::chat);
     EXPECT_EQ(visible("suggestions.emergency-stop"), nullptr);
 }

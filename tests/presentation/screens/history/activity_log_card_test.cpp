@@ -3,8 +3,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
-#include "presentation/widgets/icon_view.h"
-#include "tests/presentation/screens/overview/block_fixture.h"
+#include "presentation/widgets/icon.h"
+#include "tests/presentation/screens/shared/block_fixture.h"
 
 using namespace Qt::StringLiterals;
 

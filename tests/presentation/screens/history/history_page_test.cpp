@@ -2,8 +2,9 @@
 
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "core/activity_kinds.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
@@ -138,7 +139,7 @@ TEST_F(HistoryPageTest, TheAutomationBlockSwitchesTheRules) {
     EXPECT_TRUE(machine.monitor().settings().autoPurgeSustainedMemory);
     EXPECT_EQ(lastAction(), "Auto-purge for sustained high memory enabled.");
     EXPECT_TRUE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
-    machine.monitor().automation().engageEmergencyStop();
+    machine.monitor().actions().automation.engageEmergencyStop();
     settle();
     EXPECT_FALSE(visible<QAbstractButton>("history.automation.auto-purge")->isChecked());
     click("history.automation.auto-purge");
@@ -165,11 +166,12 @@ TEST_F(HistoryPageTest, EachSwitchSetsItsFieldAtOnceAndStoresIt) {
     showHistory();
     for (const Rule& rule : rules) {
         auto* toggle = visible<QAbstractButton>(rule.identifier);
-        const bool before = machine.monitor().automation().isOn(rule.which);
+        const bool before = machine.monitor().actions().automation.isOn(rule.which);
         EXPECT_EQ(toggle->isChecked(), before) << rule.identifier;
         for (const bool on : {!before, before}) {
             QTest::mouseClick(toggle, Qt::LeftButton);
-            EXPECT_EQ(machine.monitor().automation().isOn(rule.which), on) << rule.identifier;
+            EXPECT_EQ(machine.monitor().actions().automation.isOn(rule.which), on)
+                << rule.identifier;
             EXPECT_EQ(toggle->isChecked(), on) << "before the next turn of the main thread";
             EXPECT_EQ(machine.store.read(rule.key), SettingsValue(on));
         }

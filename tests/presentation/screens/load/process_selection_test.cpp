@@ -1,7 +1,8 @@
 #include <QLineEdit>
 #include <QScrollBar>
 
-#include "core/settings/settings_keys.h"
+#include "actions/actions.h"
+#include "core/settings/settings.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -25,7 +26,7 @@ protected:
         machine.store.write(settings_keys::autoSelectKey, false);
         machine.sampleApplied = [this] {
             if (selectedByRule) {
-                machine.monitor().review().selectProcess(row(*selectedByRule));
+                machine.monitor().actions().review.selectProcess(row(*selectedByRule));
             }
         };
         window().resize(900, 600);
@@ -135,7 +136,7 @@ TEST_F(ProcessSelectionTest, ARefusedSelectTopMovesNothing) {
     showWithSample();
     click("load.select-top");
     ASSERT_EQ(selectedPID(), std::nullopt);
-    machine.monitor().review().selectProcess(row(700));
+    machine.monitor().actions().review.selectProcess(row(700));
     settle();
     filter("straggler");
     click("load.select-top");
@@ -221,7 +222,7 @@ TEST_F(ProcessSelectionTest, AnEndedProcessDoesNotClearTheFilter) {
     const ProcessSample gone = row(lightest);
     machine.endProcess(lightest);
     tick();
-    machine.monitor().review().selectProcess(gone);
+    machine.monitor().actions().review.selectProcess(gone);
     goTo(AppRoute::load);
     EXPECT_EQ(filter(), "photo");
     EXPECT_EQ(model().rowCount(), 1);
@@ -229,7 +230,7 @@ TEST_F(ProcessSelectionTest, AnEndedProcessDoesNotClearTheFilter) {
 
 TEST_F(ProcessSelectionTest, ASelectionBeforeTheFirstSampleIsShownWithIt) {
     show();
-    machine.monitor().review().selectProcess(row(lightest));
+    machine.monitor().actions().review.selectProcess(row(lightest));
     filter("photo");
     goTo(AppRoute::load);
     EXPECT_EQ(filter(), "photo");
@@ -255,11 +256,11 @@ TEST_F(NeverQuitMarksTest, AChangeOfTheListShowsInTheTableAtOnce) {
         return false;
     };
     EXPECT_FALSE(isProtectedInTable("editor"));
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     settle();
     EXPECT_TRUE(isProtectedInTable("editor"));
     EXPECT_FALSE(isProtectedInTable("photo-indexer"));
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     settle();
     EXPECT_FALSE(isProtectedInTable("editor"));
 }

@@ -2,6 +2,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 
+#include "actions/actions.h"
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widgets/paint_count.h"
@@ -26,7 +27,7 @@ protected:
     void select(std::int64_t pid) {
         for (const ProcessSample& row : machine.monitor().sample().latestProcesses()) {
             if (row.pid == pid) {
-                machine.monitor().review().selectProcess(row);
+                machine.monitor().actions().review.selectProcess(row);
                 settle();
                 return;
             }
@@ -71,7 +72,7 @@ protected:
 TEST_F(CleanupReviewTest, ClearReturnsToTheHint) {
     showCleanup();
     select(800);
-    machine.monitor().review().clearOperationTarget();
+    machine.monitor().actions().review.clearOperationTarget();
     settle();
     EXPECT_EQ(heading(), u"Selected Offender"_s);
     EXPECT_EQ(explanation(), u"Select an app or process to see why it matters."_s);
@@ -182,10 +183,10 @@ TEST_F(CleanupReviewTest, NeverQuitWorksByKeyboardAndFollowsAChangeFromElsewhere
     EXPECT_EQ(lastAction(), "editor added to Never Quit.");
     EXPECT_TRUE(neverQuit().hasFocus());
     EXPECT_TRUE(neverQuit().isChecked());
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     settle();
     EXPECT_FALSE(neverQuit().isChecked());
-    machine.monitor().localActions().toggleNeverQuit("editor");
+    machine.monitor().actions().local.toggleNeverQuit("editor");
     settle();
     EXPECT_EQ(neverQuit().text(), u"Never Quit: On"_s);
     EXPECT_TRUE(neverQuit().isChecked());

@@ -6,13 +6,13 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 
-#include "presentation/screens/load/process_table_view.h"
-#include "presentation/screens/optimize/cleanup_lines.h"
+#include "presentation/screens/optimize/optimize_lines.h"
+#include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/scoped_locale.h"
-#include "tests/presentation/screens/load/process_rows.h"
 #include "tests/presentation/widget_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
+#include "tests/support/process_row.h"
 
 using namespace Qt::StringLiterals;
 
@@ -31,9 +31,9 @@ protected:
     QWidget& root() override { return card; }
 
     /// "photo-indexer" under review, a group of one process.
-    static cleanup_lines::Offender offender() {
+    static optimize_lines::Offender offender() {
         return {u"Selected Offender: photo-indexer"_s, u"It is using much."_s,
-                cleanup_lines::Target{
+                optimize_lines::Target{
                     .groupCard = {u"photo-indexer"_s, u"1 process · 130.0% CPU"_s},
                     .risk = u"Manual"_s,
                     .group = "photo-indexer",
@@ -43,8 +43,8 @@ protected:
     }
 
     /// A group of that many processes.
-    static cleanup_lines::Offender groupOf(int count) {
-        cleanup_lines::Offender offender = OffenderCardTest::offender();
+    static optimize_lines::Offender groupOf(int count) {
+        optimize_lines::Offender offender = OffenderCardTest::offender();
         offender.target->helpers.clear();
         for (int i = 0; i < count; ++i) {
             offender.target->helpers.push_back(processRow(1000 + i, "/opt/chrome", 1.0, 400.0 - i));
@@ -52,7 +52,7 @@ protected:
         return offender;
     }
 
-    void show(const cleanup_lines::Offender& shown, const ProtectedAppNames& names = {}) {
+    void show(const optimize_lines::Offender& shown, const ProtectedAppNames& names = {}) {
         card.show(shown, names);
         QApplication::processEvents();
     }
@@ -108,8 +108,8 @@ TEST_F(OffenderCardTest, WithoutHelpersItSaysSo) {
 }
 
 TEST_F(OffenderCardTest, ALongNameDoesNotHideWhetherItIsProtected) {
-    cleanup_lines::Offender shown = offender();
-    shown.explanation = cleanup_lines::sentence(
+    optimize_lines::Offender shown = offender();
+    shown.explanation = optimize_lines::sentence(
         processRow(900, "/usr/bin/" + std::string(255, 'w'), 10.0, 300.0), true);
     show(shown);
     const auto* label = visible<ElidedLabel>("cleanup.explanation");
@@ -138,7 +138,7 @@ TEST_F(OffenderCardTest, AGroupOfThreeHundredShowsEightRows) {
     EXPECT_LT(height, 340);
     EXPECT_EQ(helpers()->verticalScrollBar()->maximum(), 292 * 32) << "eight whole rows show";
     const auto widgets = card.findChildren<QWidget*>().size();
-    cleanup_lines::Offender next = groupOf(300);
+    optimize_lines::Offender next = groupOf(300);
     next.target->helpers.front().cpu = 2.0;
     show(next);
     EXPECT_EQ(card.findChildren<QWidget*>().size(), widgets);
@@ -150,7 +150,7 @@ TEST_F(OffenderCardTest, ASampleKeepsCurrentRowAndScrollPosition) {
     helpers()->setCurrentIndex(helpers()->model()->index(20, 0));
     const int scrolled = helpers()->verticalScrollBar()->value();
     ASSERT_GT(scrolled, 0);
-    cleanup_lines::Offender next = groupOf(40);
+    optimize_lines::Offender next = groupOf(40);
     for (ProcessSample& row : next.target->helpers) {
         row.rssMB += 3.0;
     }
@@ -166,7 +166,7 @@ TEST_F(OffenderCardTest, EqualValuesChangeAndPaintNothing) {
     show(offender());
     EXPECT_EQ(changes.count(), 0);
     EXPECT_EQ(paints.take(), 0);
-    cleanup_lines::Offender next = offender();
+    optimize_lines::Offender next = offender();
     next.target->helpers.front().cpu = 12.34;
     show(next);
     EXPECT_EQ(changes.count(), 1);
@@ -182,7 +182,7 @@ TEST_F(OffenderCardTest, NeverQuitFollowsTheGroupUnderReview) {
     EXPECT_FALSE(neverQuit().isChecked());
     const QString off = neverQuit().accessibleDescription();
 
-    cleanup_lines::Offender next = offender();
+    optimize_lines::Offender next = offender();
     next.target->group = "Google Chrome";
     next.target->isNeverQuit = true;
     show(next, {"photo-indexer"});
@@ -212,7 +212,7 @@ TEST_F(OffenderCardTest, NeverQuitHasAnAccessibleState) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&neverQuit());
     EXPECT_TRUE(spoken->state().checkable);
     EXPECT_FALSE(spoken->state().checked);
-    cleanup_lines::Offender next = offender();
+    optimize_lines::Offender next = offender();
     next.target->isNeverQuit = true;
     show(next);
     EXPECT_TRUE(spoken->state().checked);

@@ -1,17 +1,17 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
-#include "presentation/screens/overview/disk_autopilot_block.h"
 #include "presentation/screens/overview/gauges_block.h"
 #include "presentation/screens/overview/recent_activity_block.h"
 #include "presentation/screens/overview/session_blocks.h"
 #include "presentation/screens/overview/timeline_block.h"
 #include "presentation/screens/overview/top_app_memory_block.h"
 #include "presentation/screens/overview/top_offender_block.h"
+#include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/stable_line_graph.h"
-#include "tests/presentation/screens/overview/block_fixture.h"
+#include "tests/presentation/screens/shared/block_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -221,7 +221,7 @@ protected:
         row.command = row.arguments = "/usr/bin/photo-indexer";
     }
 
-    void show() { block.show({snapshot, processes, settings, {}}); }
+    void show() { block.show(topOffender({snapshot, processes, settings, {}})); }
     void showOffender() {
         sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
         snapshot->memory.pressure = 82.0;

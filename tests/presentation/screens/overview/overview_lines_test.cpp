@@ -1,11 +1,10 @@
 #include "presentation/screens/overview/overview_lines.h"
 
-#include <limits>
-
 #include <QStringList>
 #include <gmock/gmock.h>
 
 #include "tests/support/each_of.h"
+#include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -217,7 +216,6 @@ TEST(RemoteAlerts, AreEmptyWhenThereAreNone) {
 // Disk -------------------------------------------------------------------------------------------
 
 TEST(DiskSpace, HasTextsAndAClampedFraction) {
-    const double noNumber = std::numeric_limits<double>::quiet_NaN();
     struct Case {
         DiskSnapshot disk;
         const char* free;
@@ -235,7 +233,7 @@ TEST(DiskSpace, HasTextsAndAClampedFraction) {
     EXPECT_EQ(diskSpaceTexts({100.0, 150.0})->fraction, 0.0);
     EXPECT_EQ(diskSpaceTexts({100.0, -1.0})->fraction, 1.0);
     EXPECT_EQ(diskSpaceTexts({}), std::nullopt) << "of unknown size";
-    EXPECT_EQ(diskSpaceTexts({noNumber, 5.0}), std::nullopt);
+    EXPECT_EQ(diskSpaceTexts({nan, 5.0}), std::nullopt);
 }
 
 TEST(DiskSpace, IsLowAtOrBelowTheMinimum) {
@@ -245,9 +243,8 @@ TEST(DiskSpace, IsLowAtOrBelowTheMinimum) {
     EXPECT_TRUE(isSpaceLow({200.0, 20.0}, settings));
     EXPECT_TRUE(isSpaceLow({200.0, 0.0}, settings));
     EXPECT_FALSE(isSpaceLow({}, settings)) << "an unknown size is not low";
-    const double noNumber = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(isSpaceLow({200.0, noNumber}, settings));
-    settings.diskMinimumFreeGB = noNumber;
+    EXPECT_FALSE(isSpaceLow({200.0, nan}, settings));
+    settings.diskMinimumFreeGB = nan;
     EXPECT_FALSE(isSpaceLow({200.0, 0.0}, settings));
 }
 

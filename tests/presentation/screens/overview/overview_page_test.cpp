@@ -4,7 +4,7 @@
 #include <QPushButton>
 
 #include "core/activity_kinds.h"
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/stable_line_graph.h"

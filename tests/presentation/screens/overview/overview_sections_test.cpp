@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/settings/settings_keys.h"
-#include "presentation/screens/overview/overview_block.h"
+#include "core/settings/settings.h"
+#include "presentation/screens/shared/overview_block.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/gauge_card.h"

@@ -4,7 +4,7 @@
 
 #include "presentation/screens/overview/recommendation_row.h"
 #include "presentation/widgets/icon.h"
-#include "tests/presentation/screens/overview/block_fixture.h"
+#include "tests/presentation/screens/shared/block_fixture.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-#include "core/settings/settings_keys.h"
+#include "core/settings/settings.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
@@ -53,7 +53,7 @@ TEST_F(SettingsPageTest, PageAndSheetShareTheirSwitches) {
     click("settings.hub.auto-purge");
     EXPECT_TRUE(settings().autoPurgeSustainedMemory);
     EXPECT_EQ(machine.store.read(settings_keys::autoPurgeKey), SettingsValue(true));
-    openSheet("Automation");
+    openSheet(SettingsTabKind::automation);
     EXPECT_TRUE(visible<QAbstractButton>("settings.auto-purge")->isChecked());
     click("settings.auto-purge");
     EXPECT_FALSE(visible<QAbstractButton>("settings.hub.auto-purge")->isChecked());

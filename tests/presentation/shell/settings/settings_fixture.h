@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "presentation/shell/settings/settings_sheet.h"
 #include "presentation/widgets/tab_strip.h"
 #include "tests/presentation/window_fixture.h"
@@ -24,7 +22,7 @@ protected:
         return *strip().tabs().at(static_cast<std::size_t>(strip().currentIndex()));
     }
 
-    void openSheet(const std::string& tab) {
+    void openSheet(SettingsTabKind tab) {
         if (!window().isVisible()) {
             showWithSample();
         }

@@ -6,10 +6,12 @@
 #include <QAction>
 #include <QPushButton>
 
+#include "actions/actions.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/settings/settings_tab.h"
 #include "presentation/widgets/step_slider.h"
 #include "presentation/widgets/theme.h"
+#include "tests/presentation/is_ringed.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -17,8 +19,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr const char* tabs[] = {settings_tabs::remote, settings_tabs::localMac,
-                                settings_tabs::automation, settings_tabs::safety};
+constexpr SettingsTabKind tabs[] = {SettingsTabKind::remote, SettingsTabKind::localMac,
+                                    SettingsTabKind::automation, SettingsTabKind::safety};
 
 class SettingsSheetTest : public SettingsFixture {
 protected:
@@ -34,7 +36,7 @@ protected:
 };
 
 TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
-    openSheet("Automation");
+    openSheet(SettingsTabKind::automation);
     EXPECT_EQ(textOf("settings.sheet.title"), u"Settings"_s);
     EXPECT_EQ(textOf("settings.sheet.line"),
               u"Configuration stays here; dashboard actions stay up front."_s);
@@ -63,7 +65,7 @@ TEST_F(SettingsSheetTest, IsOpenWhileTheNavigationSaysSo) {
 
 TEST_F(SettingsSheetTest, DoneEscapeTheWindowFrameAndItsWindowCloseIt) {
     const auto closesBy = [this](auto way) {
-        openSheet("Automation");
+        openSheet(SettingsTabKind::automation);
         way();
         settle();
         EXPECT_FALSE(isOpen());
@@ -90,14 +92,14 @@ TEST_F(SettingsSheetTest, TheShortcutOfItsMenuEntryOpensIt) {
 
 TEST_F(SettingsSheetTest, AConfirmationOpensAboveItAndIsAnsweredFirst) {
     const auto ask = [this] {
-        machine.monitor().localActions().requestPurge();
+        machine.monitor().actions().local.requestPurge();
         settle();
     };
     const auto answer = [this] {
         machine.monitor().confirmations().cancelPending();
         settle();
     };
-    openSheet("Automation");
+    openSheet(SettingsTabKind::automation);
     ask();
     const auto* question = window().findChild<ConfirmationDialog*>();
     ASSERT_NE(question, nullptr);
@@ -117,14 +119,14 @@ TEST_F(SettingsSheetTest, AConfirmationOpensAboveItAndIsAnsweredFirst) {
 }
 
 TEST_F(SettingsSheetTest, TheTabIsThatOfTheNavigation) {
-    openSheet("Safety");
+    openSheet(SettingsTabKind::safety);
     EXPECT_EQ(currentTab().text(), u"Safety"_s);
     strip().setFocus();
     press(Qt::Key_Left);
-    EXPECT_EQ(navigation().settingsTab(), "Automation");
+    EXPECT_EQ(navigation().settingsTab(), SettingsTabKind::automation);
     EXPECT_NE(visible("settings.disk-maximum"), nullptr);
     click("settings.tab.remote");
-    EXPECT_EQ(navigation().settingsTab(), "Remote");
+    EXPECT_EQ(navigation().settingsTab(), SettingsTabKind::remote);
     EXPECT_NE(visible("settings.ssh-user"), nullptr);
     EXPECT_EQ(visible("settings.disk-maximum"), nullptr);
     click("settings.sheet.done");
@@ -132,18 +134,16 @@ TEST_F(SettingsSheetTest, TheTabIsThatOfTheNavigation) {
     EXPECT_NE(visible("settings.ssh-user"), nullptr) << "the tab is kept while the sheet is closed";
 }
 
-TEST_F(SettingsSheetTest, AnUnknownTabShowsTheFirst) {
-    for (const char* tab : {"AI", "", "no such tab"}) {
-        openSheet(tab);
-        EXPECT_EQ(strip().currentIndex(), 0) << tab;
-        EXPECT_EQ(navigation().settingsTab(), tab) << "showing it changes nothing";
-        click("settings.sheet.done");
-    }
+TEST_F(SettingsSheetTest, ShowsItsFirstTabAtFirst) {
+    const SettingsTabKind tab = navigation().settingsTab();
+    openSheet(tab);
+    EXPECT_EQ(strip().currentIndex(), 0);
+    EXPECT_EQ(navigation().settingsTab(), tab) << "showing it changes nothing";
 }
 
 TEST_F(SettingsSheetTest, ARefusalIsShownInTheSheet) {
-    machine.monitor().automation().engageEmergencyStop();
-    openSheet("Automation");
+    machine.monitor().actions().automation.engageEmergencyStop();
+    openSheet(SettingsTabKind::automation);
     click("settings.auto-purge");
     EXPECT_EQ(textOf("settings.sheet.last-action"),
               u"Auto-purge remains off while Emergency Stop is engaged."_s);
@@ -154,15 +154,15 @@ TEST_F(SettingsSheetTest, ARefusalIsShownInTheSheet) {
 TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
     machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker", "Mail"});
     for (const auto& [tab, controls] :
-         {std::pair{"Remote", "settings.tab.remote settings.ssh-user"},
-          {"Local Mac",
+         {std::pair{SettingsTabKind::remote, "settings.tab.remote settings.ssh-user"},
+          {SettingsTabKind::localMac,
            "settings.tab.local-mac settings.notification-actions settings.expand-sections "
            "settings.collapse-sections"},
-          {"Automation",
+          {SettingsTabKind::automation,
            "settings.tab.automation settings.warning-threshold settings.auto-select "
            "settings.auto-purge settings.auto-scan settings.disk-autopilot "
            "settings.disk-minimum-free settings.disk-cache-age settings.disk-maximum"},
-          {"Safety",
+          {SettingsTabKind::safety,
            "settings.tab.safety settings.emergency-stop.engage "
            "settings.never-quit.remove.Docker settings.never-quit.remove.Mail"}}) {
         openSheet(tab);
@@ -175,13 +175,14 @@ TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
 TEST_F(SettingsSheetTest, ReturnClosesItOnlyOnDone) {
     machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker"});
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-        for (const auto& [tab, identifier] : {std::pair{"Automation", "settings.tab.automation"},
-                                              {"Automation", "settings.warning-threshold"},
-                                              {"Remote", "settings.ssh-user"},
-                                              {"Safety", "settings.never-quit.remove.Docker"},
-                                              {"Safety", "settings.emergency-stop.engage"}}) {
+        for (const auto& [tab, identifier] :
+             {std::pair{SettingsTabKind::automation, "settings.tab.automation"},
+              {SettingsTabKind::automation, "settings.warning-threshold"},
+              {SettingsTabKind::remote, "settings.ssh-user"},
+              {SettingsTabKind::safety, "settings.never-quit.remove.Docker"},
+              {SettingsTabKind::safety, "settings.emergency-stop.engage"}}) {
             openSheet(tab);
-            machine.monitor().automation().resumeFromEmergencyStop();
+            machine.monitor().actions().automation.resumeFromEmergencyStop();
             settle();
             visible(identifier)->setFocus();
             press(key);
@@ -194,9 +195,6 @@ TEST_F(SettingsSheetTest, ReturnClosesItOnlyOnDone) {
 }
 
 TEST_F(SettingsSheetTest, TheFocusRingFollowsKeysButNotClicks) {
-    const auto isRinged = [](QWidget& widget, const QColor& ring) {
-        return widget.grab().toImage().pixelColor(widget.width() / 2, 1) == ring;
-    };
     showWithSample();
     goTo(AppRoute::settings);
     click("settings.hub.auto-select");
@@ -226,7 +224,7 @@ TEST_F(SettingsSheetTest, TheFocusRingFollowsKeysButNotClicks) {
 
 TEST_F(SettingsSheetTest, AFocusedControlIsScrolledIntoView) {
     window().resize(640, 480);
-    openSheet("Automation");
+    openSheet(SettingsTabKind::automation);
     strip().setFocus();
     do {
         press(Qt::Key_Tab);
@@ -238,7 +236,7 @@ TEST_F(SettingsSheetTest, AFocusedControlIsScrolledIntoView) {
 
 TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
     std::map<QString, const QWidget*> controls;
-    for (const char* tab : tabs) {
+    for (const SettingsTabKind tab : tabs) {
         openSheet(tab);
         for (const QWidget* each : sheet().findChildren<QWidget*>()) {
             const bool isControl = qobject_cast<const QAbstractButton*>(each) != nullptr ||
@@ -263,10 +261,10 @@ TEST_F(SettingsSheetTest, NothingIsCutOffAtAnyWindowSize) {
     machine.store.write("Tallowcrest.protectedApps",
                         SettingsTextList{"Docker", std::string(300, 'W')});
     for (const QSize& size : {QSize(640, 480), QSize(900, 600), QSize(1080, 720)}) {
-        for (const char* tab : tabs) {
+        for (const SettingsTabKind tab : tabs) {
             window().resize(size);
             openSheet(tab);
-            SCOPED_TRACE(std::string(tab) + " at " + std::to_string(size.width()));
+            SCOPED_TRACE(currentTab().text().toStdString() + " at " + std::to_string(size.width()));
             EXPECT_LE(sheet().width(), size.width());
             EXPECT_LE(sheet().height(), size.height());
             for (const QWidget* each : sheet().findChildren<QWidget*>()) {
@@ -297,7 +295,7 @@ TEST_F(SettingsSheetTest, TabsAreReadableInBothAppearances) {
     const QPalette before = QApplication::palette();
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         QApplication::setPalette(paletteFor(appearance));
-        openSheet("Safety");
+        openSheet(SettingsTabKind::safety);
         const CrestTheme& theme = CrestTheme::current();
         const QImage image = strip().grab().toImage();
         const auto ground = [&](const StripTab& tab) {

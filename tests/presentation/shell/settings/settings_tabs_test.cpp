@@ -345,7 +345,7 @@ TEST_F(SafetyTabTest, AStopFromElsewhereCannotBeResumedAtOnce) {
 }
 
 TEST_F(SafetyTabTest, ResumeIsEnabledAfterTheSettlingTime) {
-    tab.setSettlingTime(std::chrono::milliseconds(0));
+    setSettlingTime(tab, std::chrono::milliseconds(0));
     engage()->setFocus();
     press(Qt::Key_Space);
     expectFocusOn("Emergency Stop Engaged");

@@ -3,7 +3,8 @@
 
 #include <QLineEdit>
 
-#include "core/settings/settings_keys.h"
+#include "actions/actions.h"
+#include "core/settings/settings.h"
 #include "core/settings/settings_owner.h"
 #include "presentation/widgets/step_slider.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
@@ -38,8 +39,8 @@ protected:
 };
 
 TEST_F(SettingsWiringTest, RemoteStoresTheUserNameTrimmedWithoutAMessage) {
-    machine.findings.localPublicKeyFound = true;
-    openSheet("Remote");
+    machine.hasLocalPublicKey = true;
+    openSheet(SettingsTabKind::remote);
     EXPECT_EQ(textOf("settings.public-key-status"), u"Local SSH public key found."_s);
     EXPECT_EQ(user().text(), u"owner"_s);
     const std::string before = lastAction();
@@ -56,10 +57,16 @@ TEST_F(SettingsWiringTest, RemoteStoresTheUserNameTrimmedWithoutAMessage) {
     EXPECT_EQ(settings().sshUsername, "other");
 }
 
+TEST_F(SettingsWiringTest, RemoteSaysHowToGetAMissingPublicKey) {
+    openSheet(SettingsTabKind::remote);
+    EXPECT_EQ(textOf("settings.public-key-status"),
+              u"No local SSH public key found. Generate one with ssh-keygen."_s);
+}
+
 TEST_F(SettingsWiringTest, RemoteRefusesAnInvalidUserNameBelowTheField) {
     const QString refusal =
         u"SSH usernames may contain only letters, numbers, period, underscore, and hyphen."_s;
-    openSheet("Remote");
+    openSheet(SettingsTabKind::remote);
     enterUser("two words");
     EXPECT_EQ(settings().sshUsername, "owner");
     EXPECT_EQ(textOf("settings.ssh-user.refusal"), refusal);
@@ -70,13 +77,13 @@ TEST_F(SettingsWiringTest, RemoteRefusesAnInvalidUserNameBelowTheField) {
     press(Qt::Key_Tab);
     EXPECT_EQ(eventCount(), events);
     press(Qt::Key_Escape);
-    openSheet("Remote");
+    openSheet(SettingsTabKind::remote);
     EXPECT_EQ(user().text(), u"owner"_s) << "the stored name";
     EXPECT_EQ(textOf("settings.ssh-user.refusal"), u"(not shown)"_s);
 }
 
 TEST_F(SettingsWiringTest, LocalMacSetsNotificationsAndSections) {
-    openSheet("Local Mac");
+    openSheet(SettingsTabKind::localMac);
     EXPECT_EQ(textOf("settings.notification-actions.title"),
               u"Show action buttons in warning notifications"_s);
     ASSERT_TRUE(settings().notificationsIncludeActions);
@@ -92,7 +99,7 @@ TEST_F(SettingsWiringTest, LocalMacSetsNotificationsAndSections) {
 }
 
 TEST_F(SettingsWiringTest, AutomationSetsTheSwitchesAndTheLimits) {
-    openSheet("Automation");
+    openSheet(SettingsTabKind::automation);
     QStringList titles;
     for (const char* identifier : {"settings.auto-select.title", "settings.auto-purge.title",
                                    "settings.auto-scan.title", "settings.disk-autopilot.title"}) {
@@ -125,7 +132,7 @@ TEST_F(SettingsWiringTest, AutomationSetsTheSwitchesAndTheLimits) {
 
 TEST_F(SettingsWiringTest, SafetyRemovesNamesFromTheListAndStops) {
     machine.store.write(settings_keys::protectedAppsKey, SettingsTextList{"Docker", "Mail"});
-    openSheet("Safety");
+    openSheet(SettingsTabKind::safety);
     click("settings.never-quit.remove.Docker");
     EXPECT_THAT(settings().protectedAppNames, ElementsAre("Mail"));
     EXPECT_EQ(stored(settings_keys::protectedAppsKey), SettingsValue(SettingsTextList{"Mail"}));
@@ -134,24 +141,24 @@ TEST_F(SettingsWiringTest, SafetyRemovesNamesFromTheListAndStops) {
     EXPECT_THAT(settings().protectedAppNames, IsEmpty());
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), visible("settings.sheet.done"));
-    machine.monitor().localActions().toggleNeverQuit("Docker");
+    machine.monitor().actions().local.toggleNeverQuit("Docker");
     settle();
     EXPECT_NE(visible("settings.never-quit.remove.Docker"), nullptr);
 
     click("settings.emergency-stop.engage");
     EXPECT_TRUE(settings().automationEmergencyStopEngaged);
     EXPECT_EQ(stored(settings_keys::automationEmergencyStopKey), SettingsValue(true));
-    machine.monitor().automation().resumeFromEmergencyStop();
+    machine.monitor().actions().automation.resumeFromEmergencyStop();
     settle();
     EXPECT_NE(visible("settings.emergency-stop.engage"), nullptr);
-    machine.monitor().automation().engageEmergencyStop();
+    machine.monitor().actions().automation.engageEmergencyStop();
     settle();
     EXPECT_NE(visible("settings.emergency-stop.resume"), nullptr);
 }
 
 TEST_F(SettingsWiringTest, SafetyResumesFromTheStopOfAnEarlierRun) {
     machine.store.write(settings_keys::automationEmergencyStopKey, true);
-    openSheet("Safety");
+    openSheet(SettingsTabKind::safety);
     click("settings.emergency-stop.resume");
     EXPECT_FALSE(settings().automationEmergencyStopEngaged);
     EXPECT_EQ(stored(settings_keys::automationEmergencyStopKey), SettingsValue(false));

@@ -1,0 +1,64 @@
+#include "core/confirmation_desk.h"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "core/activity_log.h"
+#include "core/observable.h"
+
+namespace tallowcrest {
+
+ConfirmationDesk::ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue)
+    : log_(log), observable_(std::make_unique<Observable>(mainQueue)) {}
+
+ConfirmationDesk::~ConfirmationDesk() = default;
+
+void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
+    handlers_.insert_or_assign(std::move(kind), std::move(handler));
+}
+
+void ConfirmationDesk::requestConfirmation(ConfirmationRequest request,
+                                           std::vector<std::string> targetPaths,
+                                           std::shared_ptr<void> held) {
+    pending_ = std::move(request);
+    targetPaths_ = std::move(targetPaths);
+    held_ = std::move(held);
+    observable_->changed();
+}
+
+Outcome ConfirmationDesk::confirmPending() {
+    if (!pending_) {
+        return Outcome::ignored();
+    }
+    // Before the handler is called, so that a second press cannot run the request twice.
+    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
+    const std::shared_ptr<void> held = std::exchange(held_, nullptr);
+    targetPaths_.clear();
+    observable_->changed();
+    const auto handler = handlers_.find(request.kind);
+    if (handler == handlers_.end()) {
+        return log_.record(
+            Outcome::refused(fmt::format("No handler for confirmation: {}.", request.kind)));
+    }
+    return handler->second.confirm(request);
+}
+
+Outcome ConfirmationDesk::cancelPending() {
+    if (!pending_) {
+        return Outcome::ignored();
+    }
+    // Before the handler is called, because that may request another confirmation.
+    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
+    const std::shared_ptr<void> held = std::exchange(held_, nullptr);
+    targetPaths_.clear();
+    observable_->changed();
+    Outcome outcome = log_.record(Outcome::done(fmt::format("Canceled: {}.", request.title)));
+    const auto handler = handlers_.find(request.kind);
+    if (handler != handlers_.end() && handler->second.cancel) {
+        handler->second.cancel(request);
+    }
+    return outcome;
+}
+
+}  // namespace tallowcrest

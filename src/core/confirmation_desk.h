@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/local_records.h"
+#include "core/outcome.h"
+
+namespace tallowcrest {
+
+class ActivityLog;
+class MainQueue;
+class Observable;
+
+/// Holds the one change that waits for the owner's explicit confirmation. The component that makes
+/// a kind of change registers the handler for it. Main thread.
+class ConfirmationDesk {
+public:
+    /// Called with the answered request, which is no longer pending then.
+    struct Handler {
+        /// Returns what became of the change.
+        std::function<Outcome(const ConfirmationRequest&)> confirm;
+        std::function<void(const ConfirmationRequest&)> cancel;  ///< may be absent
+    };
+
+    /// The references must outlive the object.
+    ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue);
+    ~ConfirmationDesk();
+    ConfirmationDesk(const ConfirmationDesk&) = delete;
+    ConfirmationDesk& operator=(const ConfirmationDesk&) = delete;
+
+    /// Called once per kind, before its first request.
+    void registerKind(std::string kind, Handler handler);
+
+    /// Absent when no request is pending.
+    const std::optional<ConfirmationRequest>& pendingConfirmation() const { return pending_; }
+    /// The paths of the executables that the pending request affects. Empty when it affects none on
+    /// this machine, or when they are unknown.
+    const std::vector<std::string>& targetPaths() const { return targetPaths_; }
+
+    /// Makes `request` the pending one. It replaces an older one without a message and without a
+    /// call of its handler. `held` is what its owner holds for it: released when the request is
+    /// answered, after the call of the handler, or replaced.
+    void requestConfirmation(ConfirmationRequest request, std::vector<std::string> targetPaths = {},
+                             std::shared_ptr<void> held = {});
+
+    /// Ends the pending request, calls the handler of its kind and returns the handler's outcome.
+    /// Refused with a message when there is no handler, and ignored when no request is pending, so
+    /// no request runs twice.
+    Outcome confirmPending();
+
+    /// Ends the pending request, records a message and calls the handler of its kind, if there is
+    /// one. Ignored when no request is pending; nothing changes then. Every way to close the
+    /// question other than confirming it is a cancellation.
+    Outcome cancelPending();
+
+    /// Notifies when a request becomes pending, is replaced or is answered.
+    Observable& observable() { return *observable_; }
+
+private:
+    ActivityLog& log_;
+    std::unique_ptr<Observable> observable_;
+    std::map<std::string, Handler, std::less<>> handlers_;
+    std::optional<ConfirmationRequest> pending_;
+    std::vector<std::string> targetPaths_;
+    std::shared_ptr<void> held_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,44 @@
+#include "presentation/screens/load/load_lines.h"
+
+#include "presentation/words/dashboard_text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+bool matches(const ProcessSample& row, const QString& needle) {
+    using dashboard_text::text;
+    return text(row.displayName()).toLower().contains(needle) ||
+           text(row.command).toLower().contains(needle) ||
+           QString::number(row.pid).contains(needle);
+}
+
+}  // namespace
+
+std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
+                                             const QString& filter) {
+    const QString needle = filter.trimmed().toLower();
+    if (!needle.isEmpty()) {
+        std::erase_if(rows, [&needle](const ProcessSample& row) { return !matches(row, needle); });
+    }
+    return rows;
+}
+
+LoadLines loadLines(const LoadFacts& facts) {
+    LoadLines lines;
+    if (!facts.sampledAt) {
+        lines.status = lines.emptyDetail = u"Sampling this Mac..."_s;
+    } else {
+        lines.status = dashboard_text::sortStatus(facts.shownRows, *facts.sampledAt);
+        lines.emptyDetail = facts.hasProcesses
+                                ? u"No process matches the filter. Clear it to see all."_s
+                                : u"No process could be read in the last sample."_s;
+    }
+    lines.description = facts.shownRows == 0
+                            ? u"Select Process. "_s + lines.emptyDetail
+                            : u"Processes by impact. Return on a row selects it for review."_s;
+    return lines;
+}
+
+}  // namespace tallowcrest

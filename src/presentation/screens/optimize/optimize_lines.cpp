@@ -1,0 +1,92 @@
+#include "presentation/screens/optimize/optimize_lines.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "presentation/words/dashboard_text.h"
+#include "sampling/app_impact.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::optimize_lines {
+namespace {
+
+using dashboard_text::megabytes;
+using dashboard_text::percentWithDecimal;
+using dashboard_text::text;
+
+}  // namespace
+
+QString heading(std::string_view name) {
+    const QString title = u"Selected Offender"_s;
+    return name.empty() ? title : title + u": "_s + text(name);
+}
+
+QString sentence(const ProcessSample& process, bool isProtected) {
+    // Concatenated, not formatted: a name may contain a placeholder.
+    return text(process.displayName()) + u" is using "_s + percentWithDecimal(process.cpu) +
+           u" CPU and "_s + megabytes(process.rssMB, 0) + u" memory. "_s +
+           (isProtected ? u"It is protected from quit actions."_s
+                        : u"Review before quitting; unsaved work may be lost if the "
+                          "app does not exit cleanly."_s);
+}
+
+GroupCard groupCard(const std::optional<std::string>& group, std::span<const AppImpact> groups) {
+    const QString noSummary = u"No group summary"_s;
+    if (!group || group->empty()) {
+        return {noSummary, {}};
+    }
+    const auto found = std::find_if(groups.begin(), groups.end(),
+                                    [&](const AppImpact& each) { return each.name == *group; });
+    if (found == groups.end()) {
+        return {text(*group), noSummary};
+    }
+    const QString count = found->processCount == 1
+                              ? u"1 process"_s
+                              : dashboard_text::count(found->processCount) + u" processes"_s;
+    return {text(*group), u"%1 · %2 CPU"_s.arg(count, percentWithDecimal(found->totalCPU))};
+}
+
+QString risk(bool isProtected) {
+    return isProtected ? u"Protected"_s : u"Manual"_s;
+}
+
+std::vector<ProcessSample> helperProcesses(const std::vector<ProcessSample>& processes,
+                                           const std::vector<std::size_t>& impactOrder,
+                                           std::string_view group) {
+    std::vector<ProcessSample> members;
+    for (const std::size_t index : impactOrder) {
+        if (appGroupName(processes[index]) == group) {
+            members.push_back(processes[index]);
+        }
+    }
+    return members;
+}
+
+Offender offender(const OffenderFacts& facts) {
+    if (!facts.selectedPID) {
+        return {heading({}),
+                facts.snapshot ? u"Select an app or process to see why it matters."_s
+                               : u"Sampling this Mac..."_s,
+                std::nullopt};
+    }
+    const SelectedTargetSummary& summary = facts.summary;
+    const ProcessSample* row = facts.selectedRow;
+    const std::optional<std::string>& group = facts.group;
+    Target target{
+        .groupCard =
+            groupCard(group, facts.snapshot ? std::span<const AppImpact>(facts.snapshot->appImpacts)
+                                            : std::span<const AppImpact>()),
+        .risk = risk(summary.isProtected),
+        .group = group,
+        .isNeverQuit = group && facts.protectedAppNames.contains(*group),
+        .helpers = group ? helperProcesses(facts.latestProcesses, facts.impactOrder, *group)
+                         : std::vector<ProcessSample>(),
+        // Another process may have the PID of the one that was selected.
+        .selectedPID = row != nullptr ? facts.selectedPID : std::nullopt};
+    return {heading(summary.title),
+            row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
+            std::move(target)};
+}
+
+}  // namespace tallowcrest::optimize_lines

@@ -1,0 +1,103 @@
+#include "presentation/screens/optimize/optimize_page.h"
+
+#include <QVBoxLayout>
+
+#include "actions/actions.h"
+#include "actions/automation.h"
+#include "actions/desktop_actions.h"
+#include "actions/local_actions.h"
+#include "actions/review_target.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/system_monitor.h"
+#include "presentation/screens/optimize/cleanup_flow_card.h"
+#include "presentation/screens/optimize/offender_card.h"
+#include "presentation/screens/optimize/optimize_lines.h"
+#include "presentation/screens/shared/disk_autopilot.h"
+#include "presentation/screens/shared/disk_autopilot_block.h"
+#include "presentation/screens/shared/workspace_bar.h"
+#include "presentation/state/automation_facts.h"
+#include "presentation/state/window_state.h"
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+
+OptimizePage::OptimizePage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
+    auto* content = new QWidget;
+    auto* layout = makePageColumn(*content);
+    auto* bar = new WorkspaceBar(AppRoute::optimize, content);
+    connect(bar, &WorkspaceBar::routeWanted, this,
+            [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
+    layout->addWidget(bar);
+    layout->addWidget(makeFlow());
+    disk_ = makeDiskAutopilot(u"cleanup"_s, monitor_.actions().automation, state_.sections);
+    layout->addWidget(disk_);
+    layout->addWidget(makeOffender());
+    layout->addStretch(1);
+
+    scrollOnPage(content, *this);
+}
+
+QWidget* OptimizePage::makeFlow() {
+    flow_ = new CleanupFlowCard;
+    connect(flow_, &CleanupFlowCard::safeTargetWanted, this,
+            [this] { monitor_.actions().local.optimizeSafely(); });
+    connect(flow_, &CleanupFlowCard::topAppWanted, this,
+            [this] { monitor_.actions().review.selectTopApp(); });
+    connect(flow_, &CleanupFlowCard::purgeWanted, this,
+            [this] { monitor_.actions().local.requestPurge(); });
+    connect(flow_, &CleanupFlowCard::activityMonitorWanted, this,
+            [this] { monitor_.actions().applications.openActivityMonitor(); });
+    return flow_;
+}
+
+QWidget* OptimizePage::makeOffender() {
+    offender_ = new OffenderCard(monitor_.host().protection);
+    connect(offender_, &OffenderCard::reviewWanted, this, [this](const ProcessSample& process) {
+        monitor_.actions().review.selectProcess(process);
+    });
+    connect(offender_, &OffenderCard::neverQuitToggled, this,
+            [this](const std::string& group) { monitor_.actions().local.toggleNeverQuit(group); });
+    return offender_;
+}
+
+std::vector<Observable*> OptimizePage::shows() const {
+    return {&monitor_.sample().observable(), &monitor_.actions().review.observable(),
+            &monitor_.settingsOwner().observable(), &monitor_.actions().local.observable(),
+            &monitor_.actions().automation.observable()};
+}
+
+std::vector<HeaderAction> OptimizePage::headerActions() {
+    return {{commands::selectTopProcess, u"optimize.select-top"_s,
+             [this] { announceSelection(monitor_.actions().review.selectTopProcess()); }},
+            {commands::selectTopApp.titled("Top App"), u"optimize.top-app"_s,
+             [this] { announceSelection(monitor_.actions().review.selectTopApp()); }},
+            {commands::purge.titled("Purge"), u"optimize.purge"_s,
+             [this] { monitor_.actions().local.requestPurge(); }},
+            {commands::activityMonitor.titled("Activity"), u"optimize.activity"_s,
+             [this] { monitor_.actions().applications.openActivityMonitor(); }}};
+}
+
+void OptimizePage::refresh() {
+    flow_->show(dashboard_text::text(monitor_.actions().review.optimizeStep()),
+                monitor_.actions().local.isPurging());
+    showDiskAutopilot(*disk_, state_.sections, diskAutopilotFacts(monitor_));
+    const ReviewTarget& review = monitor_.actions().review;
+    const LatestSample& sample = monitor_.sample();
+    offender_->show(
+        optimize_lines::offender({.selectedPID = review.selectedPID(),
+                                  .selectedRow = review.selectedRow(),
+                                  .group = review.selectedAppImpactName(),
+                                  .summary = review.selectedTargetSummary(),
+                                  .snapshot = sample.snapshot(),
+                                  .latestProcesses = sample.latestProcesses(),
+                                  .impactOrder = sample.impactOrder(),
+                                  .protectedAppNames = monitor_.settings().protectedAppNames}),
+        monitor_.settings().protectedAppNames);
+}
+
+}  // namespace tallowcrest

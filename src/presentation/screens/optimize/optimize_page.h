@@ -1,0 +1,36 @@
+#pragma once
+
+#include "presentation/screens/shared/screen.h"
+
+namespace tallowcrest {
+
+class CleanupFlowCard;
+class DiskAutopilotBlock;
+class OffenderCard;
+class SystemMonitor;
+struct WindowState;
+
+/// The Cleanup step of the Optimize workspace: select a target, see why it matters, choose what to
+/// do about it. Nothing is quit or purged without a confirmation. Main thread.
+class OptimizePage final : public Screen {
+    Q_OBJECT
+
+public:
+    explicit OptimizePage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
+
+    void refresh() override;
+    std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
+
+private:
+    QWidget* makeFlow();
+    QWidget* makeOffender();
+
+    SystemMonitor& monitor_;
+    WindowState& state_;
+    CleanupFlowCard* flow_ = nullptr;
+    DiskAutopilotBlock* disk_ = nullptr;
+    OffenderCard* offender_ = nullptr;
+};
+
+}  // namespace tallowcrest

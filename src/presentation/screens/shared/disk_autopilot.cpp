@@ -1,0 +1,28 @@
+#include "presentation/screens/shared/disk_autopilot.h"
+
+#include "actions/automation.h"
+#include "presentation/screens/shared/disk_autopilot_block.h"
+#include "presentation/state/window_state.h"
+
+namespace tallowcrest {
+
+DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automation,
+                                      DashboardSections& sections) {
+    auto* block = new DiskAutopilotBlock(page);
+    QObject::connect(
+        block, &DiskAutopilotBlock::collapseWanted, block,
+        [block, &sections](bool collapsed) { sections.setCollapsed(block->section(), collapsed); });
+    QObject::connect(block, &DiskAutopilotBlock::stopWanted, block,
+                     [&automation] { automation.engageEmergencyStop(); });
+    QObject::connect(block, &DiskAutopilotBlock::resumeWanted, block,
+                     [&automation] { automation.resumeFromEmergencyStop(); });
+    return block;
+}
+
+void showDiskAutopilot(DiskAutopilotBlock& block, const DashboardSections& sections,
+                       const DiskAutopilotFacts& facts) {
+    block.setCollapsed(sections.isCollapsed(block.section()));
+    block.show(facts);
+}
+
+}  // namespace tallowcrest
