@@ -18,6 +18,7 @@
 #include "core/settings/settings.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "platform/base/run_loop.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
 #include "platform/settings/open_settings_store.h"
@@ -65,8 +66,13 @@ public:
         }
     }
     SettingsStore& store() { return *opened_.store; }
-    /// Served, the store learns that its log has been moved, and moves it again when it has grown.
-    ManualMainQueue& mainQueue() { return mainQueue_; }
+    MainQueue& mainQueue() { return mainQueue_; }
+    /// Runs what has been posted so far. The store learns in this way that its log has been moved,
+    /// and moves it again when it has grown.
+    void serve() {
+        mainQueue_.post([this] { mainQueue_.stop(0); });
+        mainQueue_.run();
+    }
     void reopen() {
         opened_.store.reset();
         opened_ = open();
@@ -80,7 +86,7 @@ private:
 
     TemporaryFolder folder_;
     SystemClock clock_;
-    ManualMainQueue mainQueue_;
+    RunLoop mainQueue_;
     Jobs jobs_{mainQueue_, workQueue_};  // the work queue joins its threads first
     ThreadWorkQueue workQueue_{[] {}};
     OpenedStore opened_;
@@ -95,7 +101,7 @@ void writeHistory(benchmark::State& state) {
     for (auto _ : state) {
         file.store().write(settings_keys::historyKey, text);
         std::swap(text, other);
-        file.mainQueue().drain();
+        file.serve();
     }
     state.counters["bytes"] = static_cast<double>(text.text.size());
 }
@@ -110,7 +116,7 @@ void encodeAndWriteHistory(benchmark::State& state) {
         points.erase(points.begin());
         points.push_back(pointAt(next++));
         file.store().write(settings_keys::historyKey, JSONData{encoder.encode(points).value()});
-        file.mainQueue().drain();
+        file.serve();
     }
 }
 
@@ -122,7 +128,7 @@ void recordEventInFullLog(benchmark::State& state) {
     ActivityLog log(clock, settings, file.mainQueue());
     for (auto _ : state) {
         log.recordEvent(ActivityKind::action, "Asked a large application to quit.");
-        file.mainQueue().drain();
+        file.serve();
     }
 }
 
@@ -156,8 +162,7 @@ void constructMonitorOnFullStore(benchmark::State& state) {
         ManualWorkQueue workQueue;
         Jobs jobs(mainQueue, workQueue);
         SystemMonitor monitor(
-            MonitorPorts{.mainQueue = mainQueue,
-                         .jobs = jobs,
+            MonitorPorts{.jobs = jobs,
                          .clock = clock,
                          .settingsStore = file.store(),
                          .metrics = std::make_shared<FakeMetricsReader>(),

@@ -67,8 +67,7 @@ std::shared_ptr<const Locale> americanEnglish() {
 class Bench {
 public:
     Bench(std::shared_ptr<SystemMetricsReader> metrics, std::shared_ptr<CPUTickSource> ticks)
-        : monitor_(MonitorPorts{.mainQueue = mainQueue_,
-                                .jobs = jobs_,
+        : monitor_(MonitorPorts{.jobs = jobs_,
                                 .clock = clock_,
                                 .settingsStore = store_,
                                 .metrics = std::move(metrics),

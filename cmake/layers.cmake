@@ -31,7 +31,6 @@ endfunction()
 function(tallowcrest_test name)
     cmake_parse_arguments(TEST "QT" "LABEL" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
     add_executable(${name} ${TEST_SOURCES})
-    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} tallowcrest_options
                                           tallowcrest_test_options tallowcrest_test_support
                                           GTest::gmock)

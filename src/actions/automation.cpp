@@ -8,6 +8,7 @@
 
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
+#include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/services.h"
 #include "core/settings/settings_owner.h"
@@ -88,7 +89,7 @@ bool isHeldBackByStop(AutomationSwitch which) {
 Automation::Automation(const Services& services)
     : log_(services.log),
       settings_(services.settings),
-      observable_(std::make_unique<Observable>(services.mainQueue)),
+      observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
       diskAutopilotStatus_(statusAtStart(services.settings.values())) {}
 
 Automation::~Automation() = default;

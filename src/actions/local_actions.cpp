@@ -37,7 +37,7 @@ std::vector<std::string> distinctPaths(const std::vector<ProcessSample>& rows) {
 
 LocalActions::LocalActions(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
-      observable_(std::make_unique<Observable>(dependencies_.services.mainQueue)),
+      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
       jobs_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
         std::string(local_requests::quitProcessKind),
@@ -68,15 +68,14 @@ Outcome LocalActions::requestQuitSelectedProcess() {
     const std::string name =
         row != nullptr ? std::string(row->displayName()) : fmt::format("process {}", *pid);
     ConfirmationRequest request = local_requests::quitProcess(name, *pid);
-    // If the process is no longer in the table, the path and start time of the reviewed row.
-    const std::string& path =
-        row != nullptr ? row->command : dependencies_.review.selectedCommand();
-    const std::uint64_t startTime =
-        row != nullptr ? row->startTime : dependencies_.review.selectedStartTime();
+    // If the process is no longer in the table, the row that was reviewed.
+    const std::optional<ProcessSample>& reviewed = dependencies_.review.reviewedRow();
+    const ProcessSample* known = row != nullptr ? row : reviewed ? &*reviewed : nullptr;
+    const std::string path = known != nullptr ? known->command : std::string();
+    const std::uint64_t startTime = known != nullptr ? known->startTime : 0;
     // The process is no longer in the table and its start time was never known, so its pid may
     // belong to another process by now.
-    const bool isUnidentifiable =
-        row == nullptr && startTime == 0 && dependencies_.review.hasKnownSelectedRow();
+    const bool isUnidentifiable = row == nullptr && known != nullptr && startTime == 0;
     std::shared_ptr<HeldProcess> process;
     if (CommandSafetyPolicy::validatedPID(*pid) && !isUnidentifiable) {
         // With a start time of 0 this holds whichever process has the pid now: the row had no start

@@ -39,6 +39,7 @@ public:
     /// Holds the process with this pid and start time, as a `ProcessSample` has them; a start time
     /// of 0 means whichever process has the pid now. Never null: when there is no such process,
     /// `terminate` of the result signals nothing. `pid` has passed `validatedPID`.
+    /// The result may outlive this object.
     virtual std::unique_ptr<HeldProcess> hold(std::int64_t pid, std::uint64_t startTime) = 0;
 };
 

@@ -6,6 +6,7 @@
 
 #include "actions/app_group.h"
 #include "core/activity_log.h"
+#include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/services.h"
 #include "core/settings/settings_owner.h"
@@ -25,7 +26,7 @@ ReviewTarget::ReviewTarget(const Services& services, const LatestSample& sample,
       settings_(services.settings),
       sample_(sample),
       policy_(policy),
-      observable_(std::make_unique<Observable>(services.mainQueue)),
+      observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
       optimizeStep_(firstStep) {}
 
 ReviewTarget::~ReviewTarget() = default;
@@ -35,23 +36,22 @@ void ReviewTarget::setOptimizeStep(std::string step) {
     observable_->changed();
 }
 
-void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser) {
-    const ProcessSample* row = findProcess(sample_.latestProcesses(), pid);
+void ReviewTarget::select(std::int64_t pid, const ProcessSample* row, std::string groupName,
+                          ChosenBy chooser) {
     selectedPID_ = pid;
-    hasKnownSelectedRow_ = row != nullptr;
-    selectedStartTime_ = row == nullptr ? 0 : row->startTime;
-    selectedCommand_ = row == nullptr ? std::string() : row->command;
+    reviewedRow_ = row == nullptr ? std::nullopt : std::optional(*row);
     selectedAppImpactName_ = std::move(groupName);
     chosenBy_ = chooser;
     observable_->changed();
 }
 
+void ReviewTarget::setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser) {
+    select(pid, findProcess(sample_.latestProcesses(), pid), std::move(groupName), chooser);
+}
+
 void ReviewTarget::selectProcess(const ProcessSample& process) {
-    setTarget(process.pid, appGroupName(process));
-    // The row that was chosen may be older than the latest sample.
-    hasKnownSelectedRow_ = true;
-    selectedStartTime_ = process.startTime;
-    selectedCommand_ = process.command;
+    // Not the row of the latest sample: the one that was chosen may be older.
+    select(process.pid, &process, appGroupName(process), ChosenBy::owner);
     setOptimizeStep(fmt::format("2. {} is selected for review from CPU + Memory Processes.",
                                 process.displayName()));
 }
@@ -116,9 +116,7 @@ Outcome ReviewTarget::selectTopApp() {
 
 void ReviewTarget::clearOperationTarget() {
     selectedPID_.reset();
-    hasKnownSelectedRow_ = false;
-    selectedStartTime_ = 0;
-    selectedCommand_.clear();
+    reviewedRow_.reset();
     selectedAppImpactName_.reset();
     setOptimizeStep(firstStep);
     log_.recordMessage("Cleared selected operation target.");
@@ -126,8 +124,9 @@ void ReviewTarget::clearOperationTarget() {
 
 const ProcessSample* ReviewTarget::findSelected(const std::vector<ProcessSample>& rows) const {
     const ProcessSample* row = selectedPID_ ? findProcess(rows, *selectedPID_) : nullptr;
-    const bool isAnotherProcess = row != nullptr && selectedStartTime_ != 0 &&
-                                  row->startTime != 0 && row->startTime != selectedStartTime_;
+    const std::uint64_t startTime = reviewedRow_ ? reviewedRow_->startTime : 0;
+    const bool isAnotherProcess =
+        row != nullptr && startTime != 0 && row->startTime != 0 && row->startTime != startTime;
     return isAnotherProcess ? nullptr : row;
 }
 

@@ -55,12 +55,8 @@ public:
     /// when nothing is selected or the process is not in the table, even if another one has its
     /// pid.
     const ProcessSample* selectedRow() const;
-    /// Whether the selected process had a row when it was selected.
-    bool hasKnownSelectedRow() const { return hasKnownSelectedRow_; }
-    /// The start time of the selected process, from its row; 0 when unknown.
-    std::uint64_t selectedStartTime() const { return selectedStartTime_; }
-    /// The command of the selected process, from its row; empty when unknown.
-    const std::string& selectedCommand() const { return selectedCommand_; }
+    /// The row that the selected process had when it was selected; absent when it had none.
+    const std::optional<ProcessSample>& reviewedRow() const { return reviewedRow_; }
 
     /// Selects a row of the process list, even a protected one: reviewing is always allowed.
     /// Records no message.
@@ -90,6 +86,9 @@ public:
     Observable& observable() { return *observable_; }
 
 private:
+    /// `row` is null when the process is not in the table.
+    void select(std::int64_t pid, const ProcessSample* row, std::string groupName,
+                ChosenBy chooser);
     /// Null where there is none to select.
     Outcome selectListed(const ProcessSample* row);
     const ProcessSample* findSelected(const std::vector<ProcessSample>& rows) const;
@@ -100,9 +99,7 @@ private:
     ProtectionPolicy policy_;
     std::unique_ptr<Observable> observable_;
     std::optional<std::int64_t> selectedPID_;
-    bool hasKnownSelectedRow_ = false;
-    std::uint64_t selectedStartTime_ = 0;
-    std::string selectedCommand_;
+    std::optional<ProcessSample> reviewedRow_;
     std::optional<std::string> selectedAppImpactName_;
     ChosenBy chosenBy_ = ChosenBy::owner;
     std::string optimizeStep_;

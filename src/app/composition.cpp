@@ -42,7 +42,6 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         complain(printableText(problem).text);
     }
     const MonitorPorts ports{
-        .mainQueue = mainQueue,
         .jobs = jobs_,
         .clock = clock_,
         .settingsStore = *settings_.store,
@@ -67,6 +66,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
                                       .startupProblems = settings_.problems,
                                       .places = host::places(),
                                       .hasLocalPublicKey =
+                                          access == SettingsAccess::readWrite &&
                                           localPublicKey(userAccount().homeDirectory).has_value(),
                                       .readOnly = access == SettingsAccess::readOnly});
 }

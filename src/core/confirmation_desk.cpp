@@ -28,14 +28,12 @@ void ConfirmationDesk::requestConfirmation(ConfirmationRequest request,
 }
 
 Outcome ConfirmationDesk::confirmPending() {
-    if (!pending_) {
+    // Before the handler is called, so that a second press cannot run the request twice.
+    const std::optional<Answered> answered = takePending();
+    if (!answered) {
         return Outcome::ignored();
     }
-    // Before the handler is called, so that a second press cannot run the request twice.
-    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
-    const std::shared_ptr<void> held = std::exchange(held_, nullptr);
-    targetPaths_.clear();
-    observable_->changed();
+    const ConfirmationRequest& request = answered->request;
     const auto handler = handlers_.find(request.kind);
     if (handler == handlers_.end()) {
         return log_.record(
@@ -45,20 +43,27 @@ Outcome ConfirmationDesk::confirmPending() {
 }
 
 Outcome ConfirmationDesk::cancelPending() {
-    if (!pending_) {
+    // Before the handler is called, because that may request another confirmation.
+    const std::optional<Answered> answered = takePending();
+    if (!answered) {
         return Outcome::ignored();
     }
-    // Before the handler is called, because that may request another confirmation.
-    const ConfirmationRequest request = *std::exchange(pending_, std::nullopt);
-    const std::shared_ptr<void> held = std::exchange(held_, nullptr);
-    targetPaths_.clear();
-    observable_->changed();
+    const ConfirmationRequest& request = answered->request;
     Outcome outcome = log_.record(Outcome::done(fmt::format("Canceled: {}.", request.title)));
     const auto handler = handlers_.find(request.kind);
     if (handler != handlers_.end() && handler->second.cancel) {
         handler->second.cancel(request);
     }
     return outcome;
+}
+
+std::optional<ConfirmationDesk::Answered> ConfirmationDesk::takePending() {
+    if (!pending_) {
+        return std::nullopt;
+    }
+    targetPaths_.clear();
+    observable_->changed();
+    return Answered{*std::exchange(pending_, std::nullopt), std::exchange(held_, nullptr)};
 }
 
 }  // namespace tallowcrest

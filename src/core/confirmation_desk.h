@@ -62,6 +62,15 @@ public:
     Observable& observable() { return *observable_; }
 
 private:
+    /// A request that was pending, and what was held for it.
+    struct Answered {
+        ConfirmationRequest request;
+        std::shared_ptr<void> held;
+    };
+
+    /// Ends the pending request.
+    std::optional<Answered> takePending();
+
     ActivityLog& log_;
     std::unique_ptr<Observable> observable_;
     std::map<std::string, Handler, std::less<>> handlers_;

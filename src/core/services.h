@@ -7,7 +7,6 @@ class Clock;
 class ConfirmationDesk;
 class Jobs;
 class Locale;
-class MainQueue;
 class SettingsOwner;
 
 /// What every subsystem is built on. The references outlive all of them.
@@ -16,7 +15,6 @@ struct Services {
     SettingsOwner& settings;
     ConfirmationDesk& confirmations;
     Jobs& jobs;
-    MainQueue& mainQueue;
     const Clock& clock;
     const Locale& locale;  ///< may be used by any thread
 };

@@ -10,6 +10,7 @@
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
+#include "core/jobs/jobs.h"
 #include "core/locale.h"
 #include "core/observable.h"
 #include "core/remote_records.h"
@@ -23,7 +24,7 @@ namespace tallowcrest {
 
 AutoRules::AutoRules(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
-      observable_(std::make_unique<Observable>(dependencies_.services.mainQueue)) {}
+      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())) {}
 
 AutoRules::~AutoRules() = default;
 

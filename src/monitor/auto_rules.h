@@ -51,7 +51,7 @@ public:
     const AutomationDates& dates() const { return dates_; }
     void setLastDiskAutopilotCheckDate(Date date);
 
-    /// Tells of changed dates.
+    /// Notifies of changed dates.
     Observable& observable() { return *observable_; }
 
 private:

@@ -28,15 +28,14 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
     : host_(std::move(host)),
       locale_(ports.locale),
       sources_(std::make_shared<SampleSources>(ports.metrics, ports.ticks, ports.locale)),
-      settings_(
-          std::make_unique<SettingsOwner>(ports.settingsStore, ports.mainQueue, host_.loginName)),
-      log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.mainQueue)),
-      confirmations_(std::make_unique<ConfirmationDesk>(*log_, ports.mainQueue)),
-      services_{*log_,           *settings_,  *confirmations_, ports.jobs,
-                ports.mainQueue, ports.clock, *locale_},
+      settings_(std::make_unique<SettingsOwner>(ports.settingsStore, ports.jobs.mainQueue(),
+                                                host_.loginName)),
+      log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.jobs.mainQueue())),
+      confirmations_(std::make_unique<ConfirmationDesk>(*log_, ports.jobs.mainQueue())),
+      services_{*log_, *settings_, *confirmations_, ports.jobs, ports.clock, *locale_},
       aiTrustRecords_(
           settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
-      sample_(std::make_unique<LatestSample>(*settings_, services_.mainQueue)),
+      sample_(std::make_unique<LatestSample>(*settings_, services_.jobs.mainQueue())),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
       reports_(std::make_unique<Reports>(
@@ -67,7 +66,7 @@ void SystemMonitor::startMonitoring(std::chrono::milliseconds interval) {
     }
     integration_->warnings.registerNotificationCategories();
     refresh();
-    timer_ = services_.mainQueue.scheduleRepeating(interval, [this] { refresh(); });
+    timer_ = services_.jobs.mainQueue().scheduleRepeating(interval, [this] { refresh(); });
 }
 
 const Settings& SystemMonitor::settings() const {

@@ -38,7 +38,6 @@ struct Settings;
 /// What the monitor needs from the machine it runs on. The references must outlive the monitor and
 /// every sample that it has under way.
 struct MonitorPorts {
-    MainQueue& mainQueue;  ///< the one that `jobs` posts to
     Jobs& jobs;
     const Clock& clock;
     SettingsStore& settingsStore;
@@ -73,8 +72,8 @@ class SystemMonitor {
 public:
     static constexpr std::chrono::milliseconds sampleInterval{4000};
 
-    /// Reads the settings, the activity log, the history and the trust records from the store.
-    /// Starts no sampling and no timer.
+    /// Reads the settings, the activity log, the history, the trust records and the counts of
+    /// remote scans from the store. Starts no sampling and no timer.
     SystemMonitor(const MonitorPorts& ports, HostFacts host);
     ~SystemMonitor();
     SystemMonitor(const SystemMonitor&) = delete;

@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,6 @@ struct ToolRequest {
     std::optional<std::chrono::milliseconds> timeout = {};
     /// Whether standard error joins standard output in the captured text; else it is discarded.
     bool mergeStandardError = false;
-    /// Ends the tool as a deadline does, for a job that was stopped.
-    std::stop_token stop = {};
 };
 
 /// The result of a launch. Not an `Outcome`: the callers need the output or the exit status, and
@@ -37,11 +34,10 @@ struct ToolResult {
 /// working directory and the calling thread's priority are inherited; standard input is empty. Any
 /// thread, several at once; blocks the caller.
 ///
-/// At the deadline, and when a stop is requested, the tool is asked to terminate, and the call then
-/// waits for its exit without a further deadline: a tool that ignores the request blocks the
-/// caller. After a stop request nothing is launched. No descriptor and no zombie is left behind.
-/// The caller checks beforehand whether the path is allowed, because each caller handles a refusal
-/// differently.
+/// At the deadline the tool is asked to terminate, and the call then waits for its exit without a
+/// further deadline: a tool that ignores the request blocks the caller. No descriptor and no zombie
+/// is left behind. The caller checks beforehand whether the path is allowed, because each caller
+/// handles a refusal differently.
 ///
 /// A request without a timeout is for tools whose exit status decides what the owner is told:
 /// either `launched` is false with `launchError`, or `terminationStatus` counts.

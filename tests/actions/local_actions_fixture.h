@@ -17,6 +17,7 @@
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
+#include "tests/support/process_row.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -29,12 +30,7 @@ public:
 
     /// Adds a running process, which the next sample contains.
     ProcessSample& addProcess(std::int64_t pid, const std::string& command) {
-        ProcessSample row;
-        row.pid = pid;
-        row.cpu = 10.0;
-        row.rssMB = 100.0;
-        row.command = command;
-        row.arguments = command;
+        ProcessSample row = processRow(pid, command, 10.0, 100.0);
         row.startTime = firstStartTime;
         ports.processes->running[pid] = firstStartTime;
         rows.push_back(std::move(row));
@@ -61,7 +57,7 @@ public:
 
     /// The services with another desk, for other actions beside `actions`.
     Services servicesWith(ConfirmationDesk& desk) {
-        return {log, settings, desk, jobs, mainQueue, clock, locale};
+        return {log, settings, desk, jobs, clock, locale};
     }
 
     void selectFirst() { review.selectFirstProcess(rows); }

@@ -308,7 +308,7 @@ TEST_F(ReviewTargetTest, AReusedPidIsNotTheProcessUnderReview) {
     publish({reviewed}, {reviewed});
     review.selectProcess(reviewed);
     ASSERT_NE(review.selectedRow(), nullptr);
-    EXPECT_EQ(review.selectedStartTime(), 1000U);
+    EXPECT_EQ(review.reviewedRow().value().startTime, 1000U);
     ProcessSample later = reviewedRow(700, "/usr/bin/backup");
     later.startTime = 1001;
     publish({later}, {later});
@@ -318,7 +318,7 @@ TEST_F(ReviewTargetTest, AReusedPidIsNotTheProcessUnderReview) {
     const ProcessSample withoutStartTime = reviewedRow(700, "/usr/bin/editor");
     publish({withoutStartTime}, {});
     review.selectProcess(withoutStartTime);
-    EXPECT_EQ(review.selectedStartTime(), 0U);
+    EXPECT_EQ(review.reviewedRow().value().startTime, 0U);
     EXPECT_NE(review.selectedRow(), nullptr);
 }
 
@@ -329,10 +329,10 @@ TEST_F(ReviewTargetTest, SetTargetKeepsTheStep) {
     review.setTarget(700, "editor");
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_EQ(review.selectedAppImpactName(), "editor");
-    EXPECT_EQ(review.selectedStartTime(), 1000U);
+    EXPECT_EQ(review.reviewedRow().value().startTime, 1000U);
     EXPECT_EQ(review.optimizeStep(), firstReviewStep);
     review.setTarget(701, "gone");
-    EXPECT_EQ(review.selectedStartTime(), 0U);
+    EXPECT_FALSE(review.reviewedRow());
     EXPECT_EQ(review.selectedRow(), nullptr);
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/lines_of.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -81,15 +82,14 @@ ProgramResult runWithDescriptors(int limit) {
 TEST(FewDescriptors, SixteenAreEnoughForTheWholeTable) {
     const ProgramResult result = runWithDescriptors(16);
     ASSERT_EQ(result.status, 0) << result.standardError;
-    std::istringstream lines(result.standardOutput);
-    int samples = 0;
-    for (std::string line; std::getline(lines, line); ++samples) {
+    const std::vector<std::string> lines = linesOf(result.standardOutput);
+    EXPECT_EQ(lines.size(), 3U);
+    for (const std::string& line : lines) {
         const auto sample = nlohmann::json::parse(line);
         // At least this test, the program, and the parent of the shell.
         EXPECT_GE(sample["topProcesses"].size(), 2U);
         EXPECT_GT(sample["memory"]["totalGB"], 0.0);
     }
-    EXPECT_EQ(samples, 3);
 }
 
 TEST(FewDescriptors, WithTooFewItReportsThatNoProcessCanBeRead) {

@@ -66,8 +66,7 @@ protected:
 };
 
 TEST_F(SampleBlock, ADateWithoutAFormIsUnknown) {
-    for (const double seconds : {1e300, -1e300, std::numeric_limits<double>::infinity(),
-                                 std::numeric_limits<double>::quiet_NaN()}) {
+    for (const double seconds : {1e300, -1e300, infinity, nan}) {
         SystemSnapshot snapshot = sampleSnapshot();
         snapshot.sampledAt.secondsSinceReference = seconds;
         EXPECT_THAT(sampleBlock(snapshot, {}), ::testing::StartsWith("unknown  CPU 37%"))

@@ -74,6 +74,10 @@ TEST(Architecture, TheShellIncludesTheScreensAndNotTheOtherWayRound) {
     EXPECT_THAT(upwardWindowIncludes(tree()), IsEmpty());
 }
 
+TEST(Architecture, NoScreenIncludesAnotherOne) {
+    EXPECT_THAT(includesBetweenScreens(tree()), IsEmpty());
+}
+
 TEST(Architecture, QtStaysInTheWindow) {
     EXPECT_THAT(strayQtIncludes(tree()), IsEmpty());
 }

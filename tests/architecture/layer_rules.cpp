@@ -44,14 +44,6 @@ bool contains(const std::array<std::string_view, size>& values, std::string_view
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 std::optional<std::size_t> rankOf(std::string_view layer) {
     const auto found = std::find(layers.begin(), layers.end(), layer);
     if (found == layers.end()) {
@@ -60,11 +52,21 @@ std::optional<std::size_t> rankOf(std::string_view layer) {
     return static_cast<std::size_t>(found - layers.begin());
 }
 
+/// "load" for a file in presentation/screens/load/. Absent for a file elsewhere.
+std::optional<std::string_view> screenOf(std::string_view path) {
+    constexpr std::string_view folder = "presentation/screens/";
+    if (!path.starts_with(folder)) {
+        return std::nullopt;
+    }
+    path.remove_prefix(folder.size());
+    return path.substr(0, path.find('/'));
+}
+
 /// Absent for a file in none of the window's folders.
 std::optional<std::size_t> windowRankOf(std::string_view path) {
     const auto found =
         std::find_if(windowFolders.begin(), windowFolders.end(),
-                     [&](std::string_view folder) { return startsWith(path, folder); });
+                     [&](std::string_view folder) { return path.starts_with(folder); });
     if (found == windowFolders.end()) {
         return std::nullopt;
     }
@@ -92,13 +94,13 @@ bool isQtHeader(const Include& include) {
     }
     const bool moduleOrClass =
         target[0] == 'Q' && std::isalpha(static_cast<unsigned char>(target[1])) != 0;
-    const bool lowerCaseHeader = target[0] == 'q' && endsWith(target, ".h");
-    return moduleOrClass || lowerCaseHeader || startsWith(target, "private/q");
+    const bool lowerCaseHeader = target[0] == 'q' && target.ends_with(".h");
+    return moduleOrClass || lowerCaseHeader || target.starts_with("private/q");
 }
 
 bool namesAnOperatingSystem(const std::string& identifier) {
-    return contains(systemMacros, identifier) || startsWith(identifier, "Q_OS_") ||
-           startsWith(identifier, "TARGET_OS_");
+    return contains(systemMacros, identifier) || identifier.starts_with("Q_OS_") ||
+           identifier.starts_with("TARGET_OS_");
 }
 
 }  // namespace
@@ -115,13 +117,17 @@ std::string layerOf(std::string_view path) {
             return std::string(path.substr(0, second));
         }
     }
-    if (startsWith(path, std::string(widgetLayer) + '/')) {
+    if (path.starts_with(std::string(widgetLayer) + '/')) {
         return std::string(widgetLayer);
     }
-    const bool isLines = startsWith(path, "presentation/screens/") &&
-                         endsWith(path.substr(0, path.rfind('.')), "_lines");
-    return isLines || startsWith(path, std::string(wordsLayer) + '/') ? std::string(wordsLayer)
+    const bool isLines = path.starts_with("presentation/screens/") &&
+                         path.substr(0, path.rfind('.')).ends_with("_lines");
+    return isLines || path.starts_with(std::string(wordsLayer) + '/') ? std::string(wordsLayer)
                                                                       : std::string(folder);
+}
+
+bool mayUseQt(std::string_view layer) {
+    return contains(qtLayers, layer);
 }
 
 bool mayInclude(std::string_view from, std::string_view to) {
@@ -152,11 +158,11 @@ std::vector<Violation> forbiddenIncludes(const std::vector<SourceFile>& files) {
     for (const SourceFile& file : files) {
         const std::string from = layerOf(file.path);
         for (const Include& include : includesIn(file.text)) {
-            if (!include.quoted || (endsWith(include.target, ".moc") && contains(qtLayers, from))) {
+            if (!include.quoted || (include.target.ends_with(".moc") && contains(qtLayers, from))) {
                 continue;
             }
             const std::string to = layerOf(include.target);
-            if (to.empty() || startsWith(to, ".")) {
+            if (to.empty() || to.starts_with(".")) {
                 violations.push_back({file.path, include.line,
                                       "write \"" + include.target + "\" from src/, folder first"});
             } else if (!mayInclude(from, to)) {
@@ -189,7 +195,7 @@ std::vector<Violation> strayQtIncludes(const std::vector<SourceFile>& files) {
 std::vector<Violation> strayPlatformConditions(const std::vector<SourceFile>& files) {
     std::vector<Violation> violations;
     for (const SourceFile& file : files) {
-        if (startsWith(file.path, "platform/")) {
+        if (file.path.starts_with("platform/")) {
             continue;
         }
         for (const Condition& condition : conditionsIn(file.text)) {
@@ -209,8 +215,8 @@ std::vector<Violation> monitorOutsidePages(const std::vector<SourceFile>& files)
     std::vector<Violation> violations;
     for (const SourceFile& file : files) {
         const std::string_view path(file.path);
-        if (!startsWith(path, "presentation/screens/") ||
-            endsWith(path.substr(0, path.rfind('.')), "_page")) {
+        if (!path.starts_with("presentation/screens/") ||
+            path.substr(0, path.rfind('.')).ends_with("_page")) {
             continue;
         }
         for (const Include& include : includesIn(file.text)) {
@@ -236,6 +242,26 @@ std::vector<Violation> upwardWindowIncludes(const std::vector<SourceFile>& files
                 violations.push_back({file.path, include.line,
                                       "the shell includes screens, and both include the state, "
                                       "never the other way round (" +
+                                          include.target + ")"});
+            }
+        }
+    }
+    return violations;
+}
+
+std::vector<Violation> includesBetweenScreens(const std::vector<SourceFile>& files) {
+    std::vector<Violation> violations;
+    for (const SourceFile& file : files) {
+        const auto from = screenOf(file.path);
+        if (!from) {
+            continue;
+        }
+        for (const Include& include : includesIn(file.text)) {
+            const auto to = screenOf(include.target);
+            if (to && *to != *from && *to != "shared") {
+                violations.push_back({file.path, include.line,
+                                      "what several screens use is in presentation/screens/shared, "
+                                      "texts in presentation/words (" +
                                           include.target + ")"});
             }
         }

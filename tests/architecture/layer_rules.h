@@ -29,6 +29,9 @@ std::string layerOf(std::string_view path);
 /// Whether files of `from` may include files of `to`. False for an unknown layer.
 bool mayInclude(std::string_view from, std::string_view to);
 
+/// Whether files of the layer may include Qt.
+bool mayUseQt(std::string_view layer);
+
 /// Includes of a layer that may not be included, or with a path that does not start at src/.
 std::vector<Violation> forbiddenIncludes(const std::vector<SourceFile>& files);
 
@@ -45,6 +48,9 @@ std::vector<Violation> monitorOutsidePages(const std::vector<SourceFile>& files)
 /// Includes against the order of the window's folders: state, then screens, then shell, of which
 /// each may include those before it.
 std::vector<Violation> upwardWindowIncludes(const std::vector<SourceFile>& files);
+
+/// Includes of one screen by another; what several screens use is in presentation/screens/shared.
+std::vector<Violation> includesBetweenScreens(const std::vector<SourceFile>& files);
 
 /// Files of more than `maximumLines` lines.
 std::vector<Violation> overlongFiles(const std::vector<SourceFile>& files);

@@ -162,6 +162,20 @@ TEST(LayerRules, FindsIncludesOfTheShellAndOfScreensBelowThem) {
                             violation("presentation/screens/load/load_page.cpp", 4, "sidebar.h")));
 }
 
+TEST(LayerRules, FindsIncludesOfOtherScreens) {
+    const std::string text =
+        "#include \"presentation/screens/load/load_lines.h\"\n"
+        "#include \"presentation/screens/shared/screen.h\"\n";
+    EXPECT_THAT(
+        includesBetweenScreens({{"presentation/screens/load/load_page.cpp", text},
+                                {"presentation/screens/history/history_page.cpp", text},
+                                {"presentation/screens/shared/review_process.cpp", text},
+                                {"presentation/shell/dashboard_window.cpp", text}}),
+        ElementsAre(
+            violation("presentation/screens/history/history_page.cpp", 1, "load_lines.h"),
+            violation("presentation/screens/shared/review_process.cpp", 1, "load_lines.h")));
+}
+
 TEST(LayerRules, FindsQtBelowTheWindowAndAcceptsItThere) {
     for (const std::string header :
          {"QString", "QtCore/QString", "QtGlobal", "qglobal.h", "private/qwidget_p.h"}) {

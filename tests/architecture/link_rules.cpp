@@ -10,15 +10,12 @@
 namespace tallowcrest::architecture {
 namespace {
 
-/// The libraries that may be linked to Qt. Not app/, which the program without a window links too.
-constexpr std::array<std::string_view, 4> qtLibraries{"presentation", "presentation/widgets",
-                                                      "presentation/words", "platform/desktop"};
-
 constexpr std::string_view layerTargetPrefix = "tallowcrest_";
 constexpr std::string_view windowlessProgram = "tallowcrest";
 
+/// Not app/, which the program without a window links too.
 bool isQtLibrary(std::string_view layer) {
-    return std::find(qtLibraries.begin(), qtLibraries.end(), layer) != qtLibraries.end();
+    return layer != "app" && mayUseQt(layer);
 }
 
 bool isBuildFile(const SourceFile& file) {

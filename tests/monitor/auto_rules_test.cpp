@@ -87,8 +87,11 @@ TEST_F(AutoRulesTest, EveryNewDateIsTold) {
     EXPECT_EQ(toldBy([&] { rules.setLastDiskAutopilotCheckDate(clock.now()); }), 1);
     EXPECT_EQ(rules.dates().lastDiskAutopilotCheckDate, clock.now());
     armAll();
+    set(&Settings::autoScanRemoteMacs, false);
     EXPECT_EQ(toldBy([&] { run(99.0, 99.0); }), 1);
     EXPECT_EQ(rules.dates().lastAutoPurgeDate, clock.now());
+    set(&Settings::autoScanRemoteMacs, true);
+    EXPECT_EQ(toldBy([&] { run(99.0, 99.0); }), 1);
     EXPECT_EQ(rules.dates().lastAutoRemoteScanDate, clock.now());
 }
 
@@ -225,9 +228,8 @@ private:
 TEST_F(AutoRulesTest, AStopEngagedDuringARulePreventsTheNext) {
     armAll();
     const StoppingClock stoppingClock(settings);
-    AutoRules stopped(
-        {Services{log, settings, confirmations, jobs, mainQueue, stoppingClock, locale}, sample,
-         review, actions, notifications, policy, &remote});
+    AutoRules stopped({Services{log, settings, confirmations, jobs, stoppingClock, locale}, sample,
+                       review, actions, notifications, policy, &remote});
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_FALSE(confirmations.pendingConfirmation());

@@ -143,6 +143,7 @@ TEST(OneCard, OfDocker) {
 }
 
 TEST(OneCard, OfAHealthyMachine) {
+    int machine = 0;
     for (const Machine& atEase :
          {Machine{}, Machine{.rows = editorAndIndexer}, Machine{.pressure = 71.9},
           Machine{.rows = editorAndIndexer, .cpuPercent = 64.9},
@@ -150,6 +151,7 @@ TEST(OneCard, OfAHealthyMachine) {
           Machine{.rows = processes(7, "/opt/Google Chrome Helper", 2400.0)},
           Machine{.rows = processes(2, "/usr/lib/firefox-bin", 2499.0)},
           Machine{.rows = processes(2, "/usr/bin/dockerd", 1499.0)}}) {
+        SCOPED_TRACE(++machine);
         expectOnly(atEase, {healthyTitle, healthyDetail, Severity::info, noPID});
     }
 }

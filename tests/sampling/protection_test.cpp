@@ -4,18 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/process_row.h"
 #include "tests/support/words_of.h"
 
 namespace tallowcrest {
 namespace {
-
-ProcessSample process(std::int64_t pid, std::string command) {
-    ProcessSample row;
-    row.pid = pid;
-    row.command = command;
-    row.arguments = command;
-    return row;
-}
 
 constexpr std::int64_t ownPID = 4242;
 constexpr ProtectionPolicy everywhere{.ownPID = ownPID, .protectsLinuxSystem = false};
@@ -31,8 +24,8 @@ TEST(IsProtected, TheFourteenBuiltInNamesApplyOnEveryPlatform) {
     for (const std::string name : builtIn) {
         EXPECT_TRUE(isBuiltInProtectedName(name)) << name;
         for (const ProtectionPolicy& policy : {everywhere, onLinux}) {
-            EXPECT_TRUE(isProtected(process(7, name), policy)) << name;
-            EXPECT_TRUE(isProtected(process(7, "/Applications/" + name), policy)) << name;
+            EXPECT_TRUE(isProtected(processRow(7, name), policy)) << name;
+            EXPECT_TRUE(isProtected(processRow(7, "/Applications/" + name), policy)) << name;
         }
     }
 }
@@ -41,40 +34,40 @@ TEST(IsProtected, BuiltInNamesAreComparedExactly) {
     for (const char* name : {"dock", "DOCK", "Dock ", " Dock", "Docker", "finder", "Finder2",
                              "tallow", "", "powerd.d", "/Dock/other", "Dock/other"}) {
         EXPECT_FALSE(isBuiltInProtectedName(name)) << name;
-        EXPECT_FALSE(isProtected(process(7, name), everywhere)) << name;
-        EXPECT_FALSE(isProtected(process(7, name), onLinux)) << name;
+        EXPECT_FALSE(isProtected(processRow(7, name), everywhere)) << name;
+        EXPECT_FALSE(isProtected(processRow(7, name), onLinux)) << name;
     }
 }
 
 TEST(IsProtected, ThisProcessIsProtectedUnderAnyName) {
-    EXPECT_TRUE(isProtected(process(ownPID, "/tmp/some-other-name"), everywhere));
-    EXPECT_FALSE(isProtected(process(ownPID + 1, "/tmp/some-other-name"), everywhere));
+    EXPECT_TRUE(isProtected(processRow(ownPID, "/tmp/some-other-name"), everywhere));
+    EXPECT_FALSE(isProtected(processRow(ownPID + 1, "/tmp/some-other-name"), everywhere));
 }
 
 TEST(IsProtected, ProgramsInSystemFolders) {
-    EXPECT_TRUE(isProtected(process(7, "/System/Library/anything"), everywhere));
-    EXPECT_TRUE(isProtected(process(7, "/usr/libexec/gvfsd"), everywhere));
+    EXPECT_TRUE(isProtected(processRow(7, "/System/Library/anything"), everywhere));
+    EXPECT_TRUE(isProtected(processRow(7, "/usr/libexec/gvfsd"), everywhere));
     for (const char* command :
          {"/System", "/Systems/a", "/system/a", "/usr/libexec", "/usr/libexecutive/a",
           "/opt/System/a", "/opt/usr/libexec/a", " /System/a", "/usr/bin/a"}) {
-        EXPECT_FALSE(isProtected(process(7, command), everywhere)) << command;
+        EXPECT_FALSE(isProtected(processRow(7, command), everywhere)) << command;
     }
 }
 
 TEST(IsProtectedOnLinux, TheFirstProcessWithAnyProgram) {
-    EXPECT_TRUE(isProtectedOnLinux(process(1, "/bin/busybox")));
-    EXPECT_TRUE(isProtected(process(1, "/bin/busybox"), onLinux));
-    EXPECT_FALSE(isProtected(process(1, "/bin/busybox"), everywhere));
-    EXPECT_FALSE(isProtectedOnLinux(process(2, "/bin/busybox")));
+    EXPECT_TRUE(isProtectedOnLinux(processRow(1, "/bin/busybox")));
+    EXPECT_TRUE(isProtected(processRow(1, "/bin/busybox"), onLinux));
+    EXPECT_FALSE(isProtected(processRow(1, "/bin/busybox"), everywhere));
+    EXPECT_FALSE(isProtectedOnLinux(processRow(2, "/bin/busybox")));
 }
 
 TEST(IsProtectedOnLinux, KernelThreads) {
     for (const char* command : {"[kthreadd]", "[kworker/0:1-events]", "[migration/0]", "[]"}) {
-        EXPECT_TRUE(isProtectedOnLinux(process(50, command))) << command;
-        EXPECT_FALSE(isProtected(process(50, command), everywhere)) << command;
+        EXPECT_TRUE(isProtectedOnLinux(processRow(50, command))) << command;
+        EXPECT_FALSE(isProtected(processRow(50, command), everywhere)) << command;
     }
     for (const char* command : {"[open", "close]", "/tmp/[a]", "[a] b", "a [b]", ""}) {
-        EXPECT_FALSE(isProtectedOnLinux(process(50, command))) << command;
+        EXPECT_FALSE(isProtectedOnLinux(processRow(50, command))) << command;
     }
 }
 
@@ -102,7 +95,7 @@ TEST(IsProtectedOnLinux, TheSystemOnLinuxOnly) {
              "/usr/sbin/NetworkManager /sbin/wpa_supplicant /usr/lib/iwd /usr/lib/polkit-1/polkitd "
              "/usr/lib/policykit-1-gnome/polkit-gnome-authentication-agent-1 "
              "/usr/lib/x86_64-linux-gnu/polkit-kde-authentication-agent-1 /usr/sbin/sshd")) {
-        const ProcessSample row = process(900, command);
+        const ProcessSample row = processRow(900, command);
         EXPECT_TRUE(isProtectedOnLinux(row)) << command;
         EXPECT_TRUE(isProtected(row, onLinux)) << command;
         EXPECT_FALSE(isProtected(row, everywhere)) << command;
@@ -117,7 +110,7 @@ TEST(IsProtectedOnLinux, OrdinaryProgramsAreNot) {
     others.insert(others.end(), {"/usr/bin/sshd (replaced)", "/opt/sshd: tool", "notsshd: user", "",
                                  " sway", ": sway"});
     for (const std::string& command : others) {
-        EXPECT_FALSE(isProtectedOnLinux(process(900, command))) << command;
+        EXPECT_FALSE(isProtectedOnLinux(processRow(900, command))) << command;
     }
 }
 

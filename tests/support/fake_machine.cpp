@@ -7,6 +7,7 @@
 #include "core/locale.h"
 #include "monitor/system_monitor.h"
 #include "sampling/latest_sample.h"
+#include "tests/support/process_row.h"
 
 namespace tallowcrest {
 
@@ -19,8 +20,7 @@ FakeMachine::~FakeMachine() = default;
 SystemMonitor& FakeMachine::monitor() {
     if (monitor_ == nullptr) {
         monitor_ = std::make_unique<SystemMonitor>(
-            MonitorPorts{.mainQueue = mainQueue,
-                         .jobs = jobs,
+            MonitorPorts{.jobs = jobs,
                          .clock = clock,
                          .settingsStore = *settingsStore,
                          .metrics = metrics,
@@ -60,13 +60,8 @@ void FakeMachine::restart() {
 
 ProcessSample& FakeMachine::addProcess(std::int64_t pid, std::string command, double cpu,
                                        double rssMB) {
-    ProcessSample row;
-    row.pid = pid;
-    row.cpu = cpu;
-    row.rssMB = rssMB;
+    ProcessSample row = processRow(pid, std::move(command), cpu, rssMB);
     row.memoryPercent = rssMB / 163.84;
-    row.arguments = command;
-    row.command = std::move(command);
     row.startTime = actions.processes->running.try_emplace(pid, firstStartTime).first->second;
     metrics->processes.push_back(std::move(row));
     return metrics->processes.back();

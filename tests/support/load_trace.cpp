@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include "tests/support/process_row.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -147,18 +149,9 @@ LoadTrace syntheticDay() {
             sample.pressure = 70.0 + 22.0 * wave(index - 12 * samplesPerHour, 2700.0);
         }
         sample.cpuPercent = std::min(100.0, (indexer + 8.0) / 4.0);
-        const auto process = [](std::int64_t pid, double cpu, double rss, const char* command) {
-            ProcessSample row;
-            row.pid = pid;
-            row.cpu = cpu;
-            row.rssMB = rss;
-            row.command = command;
-            row.arguments = command;
-            return row;
-        };
-        sample.processes = {process(700, indexer, 900.0, "/usr/bin/photo-indexer"),
-                            process(800, 6.0, 2400.0, "/opt/firefox/firefox"),
-                            process(1, 0.1, 12.0, "/usr/lib/systemd/systemd")};
+        sample.processes = {processRow(700, "/usr/bin/photo-indexer", indexer, 900.0),
+                            processRow(800, "/opt/firefox/firefox", 6.0, 2400.0),
+                            processRow(1, "/usr/lib/systemd/systemd", 0.1, 12.0)};
         day.push_back(std::move(sample));
     }
     return day;

@@ -35,7 +35,7 @@ struct TestServices {
     ActivityLog log{clock, settings, mainQueue};
     ConfirmationDesk confirmations{log, mainQueue};
     PlainLocale locale;
-    Services services{log, settings, confirmations, jobs, mainQueue, clock, locale};
+    Services services{log, settings, confirmations, jobs, clock, locale};
 };
 
 }  // namespace tallowcrest

@@ -75,6 +75,8 @@ public:
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
+    MainQueue& mainQueue() { return mainQueue_; }
+
     /// Asks every job to stop, and blocks until no change to the disk is half done.
     void stopAll();
 
@@ -128,8 +130,8 @@ public:
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
         auto observer = std::make_shared<OnProgress>(std::move(onProgress));
-        auto progress = std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_,
-                                                                               kept_, observer);
+        auto progress =
+            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_, observer);
         run(
             lane,
             [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
@@ -173,9 +175,8 @@ private:
 
     template <class Progress, class OnProgress>
     struct LatestProgress {
-        LatestProgress(MainQueue& queue, std::weak_ptr<Kept> keptFunctions,
-                       std::weak_ptr<OnProgress> function)
-            : mainQueue(queue), kept(std::move(keptFunctions)), onProgress(std::move(function)) {}
+        LatestProgress(MainQueue& queue, std::weak_ptr<OnProgress> function)
+            : mainQueue(queue), onProgress(std::move(function)) {}
 
         void report(const std::shared_ptr<LatestProgress>& self, Progress value) {
             {
@@ -190,16 +191,14 @@ private:
                 std::unique_lock guard(self->lock);
                 const std::optional<Progress> taken = std::exchange(self->latest, std::nullopt);
                 guard.unlock();
-                const auto function = self->kept.expired() ? nullptr : self->onProgress.lock();
-                if (function != nullptr) {
+                if (const auto function = self->onProgress.lock()) {
                     (*function)(*taken);
                 }
             });
         }
 
         MainQueue& mainQueue;
-        std::weak_ptr<Kept> kept;
-        std::weak_ptr<OnProgress> onProgress;
+        std::weak_ptr<OnProgress> onProgress;  ///< expires with the kept `then`
         std::mutex lock;
         std::optional<Progress> latest;
     };

@@ -90,7 +90,8 @@ void SettingsOwner::loadValues() {
 }
 
 SettingsTable SettingsOwner::loadRemoteTopApps() const {
-    return readKind<SettingsTable>(store_, stored::remoteTopApps.key).value_or(SettingsTable{});
+    return readKind<SettingsTable>(store_, settings_keys::remoteTopAppsKey)
+        .value_or(SettingsTable{});
 }
 
 std::optional<std::string> SettingsOwner::loadText(std::string_view key) const {

@@ -73,7 +73,8 @@ public:
         saveText(list.key, encoder.encode(kept));
     }
 
-    /// `stored::remoteTopApps`; empty when nothing is stored that is such a table.
+    /// In how many remote scans an application came first; empty when nothing is stored that is
+    /// such a table.
     SettingsTable loadRemoteTopApps() const;
 
     /// Notifies of changed values, not of lists.

@@ -20,8 +20,6 @@ void StoredList<Records, Encoder>::save() {
 
 // Here and not in the header, which then needs nothing of the owner.
 template class StoredList<std::vector<ActivityEvent>>;
-template class StoredList<std::vector<AIChatMessage>>;
-template class StoredList<std::vector<AIRuleDraft>>;
 template class StoredList<std::vector<HistoryPoint>, HistoryEncoder>;
 
 }  // namespace tallowcrest

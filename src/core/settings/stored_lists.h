@@ -67,25 +67,6 @@ inline constexpr List<std::map<std::string, RemoteProfile>> remoteProfiles{
 inline constexpr List<std::map<std::string, AITrustRecord>> trustRecords{
     settings_keys::aiTrustRecordsKey, record_json::decodeTrustRecords};
 
-/// A value that is stored as it is, not as JSON text.
-template <class Value>
-struct Plain {
-    std::string_view key;
-};
-
-/// In how many remote scans an application came first, by machine and application.
-inline constexpr Plain<SettingsTable> remoteTopApps{settings_keys::remoteTopAppsKey};
-/// The permission to use a folder that was once chosen, in the system's own format.
-inline constexpr Plain<SettingsData> storageAnalysisBookmark{
-    settings_keys::storageAnalysisBookmarkKey};
-
-/// The key of every list, whatever its records are.
-inline constexpr auto listKeys =
-    std::to_array({activityLog.key, history.key, remoteHistory.key, chatMessages.key,
-                   ruleDrafts.key, remoteProfiles.key, trustRecords.key});
-inline constexpr auto tableKeys = std::to_array({remoteTopApps.key});
-inline constexpr auto dataKeys = std::to_array({storageAnalysisBookmark.key});
-
 template <class Records>
 std::optional<std::string> WholeEncoder::encode(const Records& records) const {
     return record_json::encode(records);
@@ -100,20 +81,30 @@ struct Key {
     SettingsKind kind;
 };
 
+/// The values that are no field of `Settings`.
+inline constexpr auto others = std::to_array<Key>({
+    {stored::activityLog.key, SettingsKind::json},
+    {stored::history.key, SettingsKind::json},
+    {stored::remoteHistory.key, SettingsKind::json},
+    {stored::chatMessages.key, SettingsKind::json},
+    {stored::ruleDrafts.key, SettingsKind::json},
+    {stored::remoteProfiles.key, SettingsKind::json},
+    {stored::trustRecords.key, SettingsKind::json},
+    // In how many remote scans an application came first, by machine and application.
+    {remoteTopAppsKey, SettingsKind::table},
+    // The permission to use a folder that was once chosen, in the system's own format.
+    {storageAnalysisBookmarkKey, SettingsKind::data},
+});
+
 /// Every key of the store and the kind of its values.
 inline constexpr auto all = [] {
     std::array<Key, flags.size() + numbers.size() + texts.size() + textSets.size() +
-                        autonomyModes.size() + stored::listKeys.size() + stored::tableKeys.size() +
-                        stored::dataKeys.size()>
+                        autonomyModes.size() + others.size()>
         keys{};
     std::size_t count = 0;
     const auto add = [&](const auto& declarations, SettingsKind kind) {
         for (const auto& each : declarations) {
-            if constexpr (requires { each.key; }) {
-                keys.at(count++) = {each.key, kind};
-            } else {
-                keys.at(count++) = {each, kind};
-            }
+            keys.at(count++) = {each.key, kind};
         }
     };
     add(flags, SettingsKind::flag);
@@ -121,9 +112,7 @@ inline constexpr auto all = [] {
     add(texts, SettingsKind::text);
     add(textSets, SettingsKind::textList);
     add(autonomyModes, SettingsKind::text);
-    add(stored::listKeys, SettingsKind::json);
-    add(stored::tableKeys, SettingsKind::table);
-    add(stored::dataKeys, SettingsKind::data);
+    std::ranges::copy(others, keys.begin() + count);
     return keys;
 }();
 static_assert(!all.back().name.empty());

@@ -29,7 +29,7 @@ struct UserAccount {
     std::string homeDirectory;  ///< absolute path
 };
 
-/// Any thread.
+/// Main thread.
 UserAccount userAccount();
 
 }  // namespace tallowcrest

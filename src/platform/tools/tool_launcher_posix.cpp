@@ -7,10 +7,8 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <functional>
 #include <limits>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -42,38 +40,6 @@ ToolResult notLaunched(int error) {
     return result;
 }
 
-/// Makes the read end readable for good: the byte is never read.
-void wake(const spawn_support::Pipe& pipe) {
-    ssize_t written = -1;
-    do {
-        written = ::write(pipe.writeEnd.get(), "", 1);
-    } while (written < 0 && errno == EINTR);
-}
-
-/// A descriptor that a stop request makes readable. One thread.
-class StopWatch {
-public:
-    explicit StopWatch(const std::stop_token& stop)
-        : isNeeded_(stop.stop_possible()),
-          isOpen_(isNeeded_ && spawn_support::openPipe(pipe_) == 0),
-          callback_(stop, [this] {
-              if (isOpen_) {
-                  wake(pipe_);
-              }
-          }) {}
-
-    /// -1 when none is needed and when none was left.
-    int descriptor() const { return isOpen_ ? pipe_.readEnd.get() : -1; }
-    /// Whether a request cannot pass unnoticed without polling.
-    bool wakes() const { return isOpen_ || !isNeeded_; }
-
-private:
-    spawn_support::Pipe pipe_;
-    bool isNeeded_;
-    bool isOpen_;
-    std::stop_callback<std::function<void()>> callback_;
-};
-
 /// A tool from its start to the end of `launch`. `child` and `result` must outlive it.
 class RunningTool {
 public:
@@ -103,14 +69,7 @@ public:
             return;
         }
         abandonAt_ = now + stopGrace;
-        cancel();
-    }
-
-    /// Asks the tool to terminate, once. The launch then waits for its exit.
-    void cancel() {
-        if (!std::exchange(isCanceled_, true)) {
-            child_.terminate();
-        }
+        child_.terminate();
     }
 
     /// Acts on the deadlines that have passed.
@@ -129,7 +88,9 @@ public:
         if (deadlineDue) {
             deadline_.reset();
             result_.deadlinePassed = true;
-            cancel();
+            if (!abandonAt_) {
+                child_.terminate();
+            }
         }
         if (abandonDue) {
             child_.abandon();
@@ -139,16 +100,13 @@ public:
 
     /// Waits until the tool writes or exits, a deadline passes, or the stop is requested. Reads the
     /// output and notices the exit.
-    void waitForEvents(int stopDescriptor, const StopWatch& cancelWatch) {
+    void waitForEvents(int stopDescriptor) {
         const bool exitWakes = child_.exitDescriptor() >= 0;
-        const bool stopWakes =
-            (!awaitsStop() || stopDescriptor >= 0) && (isCanceled_ || cancelWatch.wakes());
-        std::array<pollfd, 5> descriptors{
-            {{output_.descriptor(), POLLIN, 0},
-             {error_.descriptor(), POLLIN, 0},
-             {child_.exitDescriptor(), POLLIN, 0},
-             {awaitsStop() ? stopDescriptor : -1, POLLIN, 0},
-             {isCanceled_ ? -1 : cancelWatch.descriptor(), POLLIN, 0}}};
+        const bool stopWakes = !awaitsStop() || stopDescriptor >= 0;
+        std::array<pollfd, 4> descriptors{{{output_.descriptor(), POLLIN, 0},
+                                           {error_.descriptor(), POLLIN, 0},
+                                           {child_.exitDescriptor(), POLLIN, 0},
+                                           {awaitsStop() ? stopDescriptor : -1, POLLIN, 0}}};
         if (::poll(descriptors.data(), descriptors.size(), pollTimeout(exitWakes && stopWakes)) <
             0) {
             if (errno == EINTR) {
@@ -160,7 +118,7 @@ public:
                 descriptor.revents = POLLIN;
             }
         }
-        const auto& [output, error, exit, stop, canceled] = descriptors;
+        const auto& [output, error, exit, stop] = descriptors;
         if (output.revents != 0) {
             output_.readAvailable();
         }
@@ -207,7 +165,6 @@ private:
     CapturedStream error_;
     std::optional<TimePoint> deadline_;   ///< absent once it has passed
     std::optional<TimePoint> abandonAt_;  ///< absent until `stop`
-    bool isCanceled_ = false;             ///< was asked to terminate
     bool over_ = false;
 };
 
@@ -225,11 +182,15 @@ void PosixToolLauncher::requestStop() {
     if (stopRequested_.exchange(true) || !stopPipe_.writeEnd.valid()) {
         return;
     }
-    wake(stopPipe_);
+    // The byte is never read, so it wakes every waiting launch.
+    ssize_t written = -1;
+    do {
+        written = ::write(stopPipe_.writeEnd.get(), "", 1);
+    } while (written < 0 && errno == EINTR);
 }
 
 ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
-    if (stopRequested_ || request.stop.stop_requested()) {
+    if (stopRequested_) {
         return notLaunched(ECANCELED);
     }
 
@@ -258,12 +219,8 @@ ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
     output.writeEnd.reset();
     error.writeEnd.reset();
 
-    const StopWatch stopWatch(request.stop);
     while (!tool.isOver()) {
-        tool.waitForEvents(stopPipe_.readEnd.get(), stopWatch);
-        if (!tool.isOver() && request.stop.stop_requested()) {
-            tool.cancel();
-        }
+        tool.waitForEvents(stopPipe_.readEnd.get());
         if (!tool.isOver() && stopRequested_ && tool.awaitsStop()) {
             tool.stop();
         }

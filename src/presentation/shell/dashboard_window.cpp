@@ -8,6 +8,7 @@
 
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
+#include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -52,12 +53,12 @@ struct DashboardWindow::Observers {
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor)
     : monitor_(monitor),
-      state_(monitor.settingsOwner(), monitor.log(), monitor.services().mainQueue),
-      observers_(new Observers{{monitor.services().mainQueue, [this] { showRoute(); }},
-                               {monitor.services().mainQueue, [this] { refreshPage(); }},
-                               {monitor.services().mainQueue, [this] { refreshStrip(); }},
-                               {monitor.services().mainQueue, [this] { refreshTarget(); }},
-                               {monitor.services().mainQueue, [this] { refreshMenus(); }}}) {
+      state_(monitor.settingsOwner(), monitor.log(), monitor.services().jobs.mainQueue()),
+      observers_(new Observers{{monitor.services().jobs.mainQueue(), [this] { showRoute(); }},
+                               {monitor.services().jobs.mainQueue(), [this] { refreshPage(); }},
+                               {monitor.services().jobs.mainQueue(), [this] { refreshStrip(); }},
+                               {monitor.services().jobs.mainQueue(), [this] { refreshTarget(); }},
+                               {monitor.services().jobs.mainQueue(), [this] { refreshMenus(); }}}) {
     dashboard_text::setLocale(monitor_.locale());
     setObjectName(u"tallowcrest.main"_s);
     setWindowTitle(u"Tallowcrest"_s);
@@ -109,7 +110,7 @@ QWidget* DashboardWindow::makeContent() {
 }
 
 void DashboardWindow::addSheets() {
-    sheets_ = new SheetHost(*this, *menus_->emergencyStop(), monitor_.services().mainQueue);
+    sheets_ = new SheetHost(*this, *menus_->emergencyStop(), monitor_.services().jobs.mainQueue());
     connect(sheets_, &SheetHost::refreshed, this, &DashboardWindow::refreshed);
     sheets_->add({.shows = SettingsSheet::shows(monitor_, state_),
                   .isWanted = [this] { return state_.navigation.showSettings(); },

@@ -49,7 +49,7 @@ signals:
     /// The first sample has been painted. Emitted once.
     void firstSampleShown();
     /// A part of the window was brought up to date: the page, the strip, the target bar, the menus
-    /// or an open sheet.
+    /// or an open sheet. For tests that count the work of a change.
     void refreshed(QObject* part);
 
 protected:

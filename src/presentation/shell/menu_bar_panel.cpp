@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/menu_bar_row.h"
@@ -33,7 +34,7 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     // never appear under Wayland.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       monitor_(monitor),
-      changes_(monitor.services().mainQueue, [this] {
+      changes_(monitor.services().jobs.mainQueue(), [this] {
           if (isVisible()) {
               refresh();
           }

@@ -70,7 +70,7 @@ public:
     void closeAll();
 
 signals:
-    /// An open dialog has been brought up to date.
+    /// An open dialog has been brought up to date. For tests that count the work of a change.
     void refreshed(QObject* dialog);
 
 private:

@@ -2,6 +2,7 @@
 
 #include <QCursor>
 
+#include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
@@ -25,7 +26,7 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     : monitor_(monitor),
       window_(window),
       icon_(this),
-      changes_(monitor.services().mainQueue, [this] { refresh(); }) {
+      changes_(monitor.services().jobs.mainQueue(), [this] { refresh(); }) {
     icon_.setObjectName(u"menubar.item"_s);
     for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
         QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title(), this, entry.run);

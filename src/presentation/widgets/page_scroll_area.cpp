@@ -1,5 +1,9 @@
 #include "presentation/widgets/page_scroll_area.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include <QAccessibleWidget>
 #include <QEvent>
 #include <QScopedValueRollback>
@@ -28,6 +32,12 @@ void installPageInterface() {
     static_cast<void>(installed);
 }
 
+constexpr std::array<std::pair<Qt::Key, QAbstractSlider::SliderAction>, 4> scrollKeys{
+    {{Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
+     {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+     {Qt::Key_Home, QAbstractSlider::SliderToMinimum},
+     {Qt::Key_End, QAbstractSlider::SliderToMaximum}}};
+
 void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction action) {
     // Works while the page is visible, wherever in its window the focus is.
     QObject::connect(new QShortcut(key, &area), &QShortcut::activated, &area,
@@ -35,6 +45,10 @@ void scrollOn(QScrollArea& area, Qt::Key key, QAbstractSlider::SliderAction acti
 }
 
 }  // namespace
+
+bool isPageScrollKey(int key) {
+    return std::ranges::any_of(scrollKeys, [key](const auto& each) { return each.first == key; });
+}
 
 PageScrollArea::PageScrollArea(QWidget* content, QWidget* parent) : QScrollArea(parent) {
     installPageInterface();
@@ -49,10 +63,9 @@ PageScrollArea::PageScrollArea(QWidget* content, QWidget* parent) : QScrollArea(
     content->setAutoFillBackground(false);
     // Text and figures need no focus; the scroll keys work without it.
     setFocusPolicy(Qt::NoFocus);
-    scrollOn(*this, Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd);
-    scrollOn(*this, Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub);
-    scrollOn(*this, Qt::Key_Home, QAbstractSlider::SliderToMinimum);
-    scrollOn(*this, Qt::Key_End, QAbstractSlider::SliderToMaximum);
+    for (const auto& [key, action] : scrollKeys) {
+        scrollOn(*this, key, action);
+    }
 }
 
 int PageScrollArea::placeInView(const QWidget& widget) const {

@@ -7,6 +7,10 @@ class QVBoxLayout;
 
 namespace tallowcrest {
 
+/// Whether the key scrolls the page, wherever the focus is. A control that uses it itself accepts
+/// its `QEvent::ShortcutOverride`.
+bool isPageScrollKey(int key);
+
 /// A frameless area that scrolls `content` vertically and gives it the whole width except
 /// `spacing::scrollBar`, which is always reserved for the scroll bar. Takes ownership of `content`.
 /// Main thread.

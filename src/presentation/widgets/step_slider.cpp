@@ -12,6 +12,7 @@
 #include <QWheelEvent>
 
 #include "presentation/widgets/crest_style.h"
+#include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
@@ -98,18 +99,10 @@ QSize StepSlider::minimumSizeHint() const {
 }
 
 bool StepSlider::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride) {
-        // Otherwise these keys would scroll the page.
-        switch (static_cast<QKeyEvent*>(event)->key()) {
-            case Qt::Key_PageUp:
-            case Qt::Key_PageDown:
-            case Qt::Key_Home:
-            case Qt::Key_End:
-                event->accept();
-                return true;
-            default:
-                break;
-        }
+    if (event->type() == QEvent::ShortcutOverride &&
+        isPageScrollKey(static_cast<QKeyEvent*>(event)->key())) {
+        event->accept();
+        return true;
     }
     return QSlider::event(event);
 }

@@ -88,10 +88,11 @@ void setLocale(std::shared_ptr<const Locale> locale) {
 }
 
 QString text(std::string_view utf8) {
-    const QString text = QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD"));
-    const bool isPlain =
-        std::all_of(utf8.begin(), utf8.end(), [](char c) { return c >= ' ' && c <= '~'; });
-    return isPlain ? text : withoutHiddenCharacters(text);
+    if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return c >= ' ' && c <= '~'; })) {
+        return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    }
+    return withoutHiddenCharacters(
+        QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD")));
 }
 
 int wholePercent(double percent) {

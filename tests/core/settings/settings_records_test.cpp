@@ -192,27 +192,27 @@ TEST_P(StoredRecords, WhatCannotBeEncodedLeavesTheOlderValue) {
 }
 
 TEST_P(StoredRecords, AListStartsWithWhatIsStoredAndStoresEachChange) {
-    EXPECT_THAT(*StoredList(load(), stored::ruleDrafts), IsEmpty());
-    const auto given = drafts(2);
-    store().write(keys::aiRuleDraftsKey, encoded(given));
+    EXPECT_THAT(*StoredList(load(), stored::activityLog), IsEmpty());
+    const auto given = events(2);
+    store().write(keys::activityLogKey, encoded(given));
     SettingsOwner settings(store(), mainQueue, "owner");
-    StoredList list(settings, stored::ruleDrafts);
+    StoredList list(settings, stored::activityLog);
     EXPECT_EQ(*list, given);
-    list.change([](std::vector<AIRuleDraft>& records) { records.pop_back(); });
+    list.change([](std::vector<ActivityEvent>& records) { records.pop_back(); });
     EXPECT_EQ(list->size(), 1U);
-    EXPECT_EQ(load().load(stored::ruleDrafts), *list);
-    list.change([](std::vector<AIRuleDraft>& records) { records.clear(); });
-    EXPECT_EQ(load().load(stored::ruleDrafts), std::vector<AIRuleDraft>());
+    EXPECT_EQ(load().load(stored::activityLog), *list);
+    list.change([](std::vector<ActivityEvent>& records) { records.clear(); });
+    EXPECT_EQ(load().load(stored::activityLog), std::vector<ActivityEvent>());
 }
 
 TEST_P(StoredRecords, AListMayBeLongerThanWhatIsStoredOfIt) {
     SettingsOwner settings(store(), mainQueue, "owner");
-    StoredList list(settings, stored::chatMessages);
-    const auto given = messages(41);
-    list.change([&](std::vector<AIChatMessage>& records) { records = given; });
+    StoredList list(settings, stored::activityLog);
+    const auto given = events(81);
+    list.change([&](std::vector<ActivityEvent>& records) { records = given; });
     EXPECT_EQ(*list, given);
-    EXPECT_EQ(load().load(stored::chatMessages),
-              std::vector<AIChatMessage>(given.begin() + 1, given.end()));
+    EXPECT_EQ(load().load(stored::activityLog),
+              std::vector<ActivityEvent>(given.begin(), given.end() - 1));
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
     ActivityLog log(clock, settings, queue);
     ConfirmationDesk confirmations(log, queue);
     PlainLocale locale;
-    const Services services{log, settings, confirmations, jobs, queue, clock, locale};
+    const Services services{log, settings, confirmations, jobs, clock, locale};
     WarningNotifications notifications(
         services,
         {&center, [](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }});

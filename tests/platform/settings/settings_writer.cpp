@@ -58,8 +58,8 @@ public:
 private:
     SystemClock clock_;
     RunLoop mainQueue_;
+    Jobs jobs_{mainQueue_, queue_};  // the work queue joins its threads first
     ThreadWorkQueue queue_{[] {}};
-    Jobs jobs_{mainQueue_, queue_};
 };
 
 /// All keys in turns, without an end, each value bearing one number more. A number that is written

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <chrono>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -81,41 +80,6 @@ TEST_F(RequestStopTest, TerminatesRunningTools) {
         EXPECT_FALSE(hasChild());
         ::unlink(folder.path("pid").c_str());
     }
-}
-
-TEST_F(RequestStopTest, AStoppedJobEndsItsOwnToolOnly) {
-    for (const std::optional<std::chrono::milliseconds> timeout :
-         {std::optional<std::chrono::milliseconds>(), std::optional(600000ms)}) {
-        const int before = openDescriptorCount();
-        std::stop_source job;
-        ToolRequest request = shellTool(
-            writingPID("trap 'echo ending; exit 3' TERM", "while :; do sleep 0.02; done"), timeout);
-        request.stop = job.get_token();
-        ToolResult result;
-        std::jthread caller([&] { result = launcher.launch(request); });
-        waitForPID();
-
-        job.request_stop();
-        caller.join();
-
-        EXPECT_EQ(result.terminationStatus, 3);
-        EXPECT_EQ(result.output, "ending\n");
-        EXPECT_FALSE(result.deadlinePassed);
-        EXPECT_EQ(openDescriptorCount(), before);
-        ::unlink(folder.path("pid").c_str());
-        EXPECT_EQ(launcher.launch(shellTool("echo next")).output, "next\n") << "of another job";
-    }
-}
-
-TEST_F(RequestStopTest, AJobThatWasStoppedBeforeLaunchesNothing) {
-    std::stop_source job;
-    job.request_stop();
-    ToolRequest request{"/usr/bin/touch", {folder.path("trace")}, 30s, false};
-    request.stop = job.get_token();
-    const ToolResult result = launcher.launch(request);
-    EXPECT_FALSE(result.launched);
-    EXPECT_EQ(result.launchError, "Operation canceled");
-    EXPECT_NE(::access(folder.path("trace").c_str(), F_OK), 0);
 }
 
 TEST_F(RequestStopTest, AToolThatHandlesTheSignalKeepsItsStatusAndOutput) {

@@ -6,13 +6,11 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPointer>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTableView>
 
-#include "core/activity_kinds.h"
 #include "presentation/shell/sidebar.h"
 #include "presentation/widgets/card.h"
 #include "tests/presentation/window_fixture.h"
@@ -61,27 +59,6 @@ void expectItsRoom(const QWidget& widget) {
               wrapsTexts ? widget.layout()->minimumHeightForWidth(widget.width()) : needed.height())
         << nameOf(widget);
 }
-
-/// Where in its window each widget was whenever it was painted.
-class PaintedPlaces : public QObject {
-public:
-    PaintedPlaces() { qApp->installEventFilter(this); }
-    ~PaintedPlaces() override { qApp->removeEventFilter(this); }
-
-    static QRect placeOf(const QWidget& widget) {
-        return {widget.mapTo(widget.window(), QPoint()), widget.size()};
-    }
-
-    bool eventFilter(QObject* object, QEvent* event) override {
-        const auto* painted = qobject_cast<QWidget*>(object);
-        if (event->type() == QEvent::Paint && painted != nullptr) {
-            places.emplace_back(painted, placeOf(*painted));
-        }
-        return false;
-    }
-
-    std::vector<std::pair<QPointer<const QWidget>, QRect>> places;
-};
 
 class WindowLayoutTest : public WindowFixture {
 protected:
@@ -374,23 +351,6 @@ TEST_F(WindowLayoutTest, TheFocusMovesOnWhenItsButtonIsHidden) {
     const QWidget* focus = QApplication::focusWidget();
     ASSERT_NE(focus, nullptr);
     EXPECT_TRUE(focus->isVisible());
-}
-
-TEST_F(WindowLayoutTest, OnlyTheFinishedArrangementIsPainted) {
-    showWithSample();
-    goTo(AppRoute::history);
-    const PaintedPlaces painted;
-    machine.monitor().log().recordEvent(ActivityKind::warning, std::string(600, 'W'));
-    settle();
-    settle();
-    std::size_t compared = 0;
-    for (const auto& [widget, place] : painted.places) {
-        if (widget != nullptr && widget->isVisible()) {
-            EXPECT_EQ(boxOf(place), boxOf(PaintedPlaces::placeOf(*widget))) << nameOf(*widget);
-            ++compared;
-        }
-    }
-    EXPECT_GT(compared, 10U);
 }
 
 }  // namespace

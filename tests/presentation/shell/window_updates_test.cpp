@@ -4,17 +4,22 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <QPointer>
+#include <QScrollBar>
 #include <gmock/gmock.h>
 
 #include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "core/activity_kinds.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
+#include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
@@ -221,6 +226,56 @@ TEST_F(WindowUpdatesTest, NothingOfAMinimisedWindowIsRefreshedUntilItIsSeenAgain
                 testing::IsSupersetOf({Pair(std::string("settings"), testing::Ge(1)),
                                        Pair(std::string("strip"), testing::Ge(1)),
                                        Pair(std::string("page"), testing::Ge(1))}));
+}
+
+/// Where in its window each widget was whenever it was painted.
+class PaintedPlaces : public QObject {
+public:
+    PaintedPlaces() { qApp->installEventFilter(this); }
+    ~PaintedPlaces() override { qApp->removeEventFilter(this); }
+
+    static QRect placeOf(const QWidget& widget) {
+        return {widget.mapTo(widget.window(), QPoint()), widget.size()};
+    }
+
+    bool eventFilter(QObject* object, QEvent* event) override {
+        const auto* painted = qobject_cast<QWidget*>(object);
+        if (event->type() == QEvent::Paint && painted != nullptr) {
+            places.emplace_back(painted, placeOf(*painted));
+        }
+        return false;
+    }
+
+    std::vector<std::pair<QPointer<const QWidget>, QRect>> places;
+};
+
+TEST_F(WindowUpdatesTest, OnlyTheFinishedArrangementIsPainted) {
+    showWithSample();
+    goTo(AppRoute::history);
+    machine.monitor().log().recordEvent(ActivityKind::action, "An earlier event.");
+    settle();
+    QScrollBar* bar =
+        scrollAreaAround(*visible<QWidget>("history.activity-log")).verticalScrollBar();
+    bar->setValue(bar->maximum());
+    settle();
+    const PaintedPlaces painted;
+    machine.monitor().log().recordEvent(ActivityKind::warning, std::string(600, 'W'));
+    settle();
+    settle();
+    std::size_t compared = 0;
+    std::size_t entries = 0;
+    for (const auto& [widget, place] : painted.places) {
+        if (widget != nullptr && widget->isVisible()) {
+            EXPECT_EQ(place, PaintedPlaces::placeOf(*widget))
+                << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+            ++compared;
+            if (qobject_cast<const ActivityEntry*>(widget.data()) != nullptr) {
+                ++entries;
+            }
+        }
+    }
+    EXPECT_GT(compared, 10U);
+    EXPECT_GE(entries, 1U);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "presentation/widgets/tab_strip.h"
 
 #include "presentation/widgets/theme.h"
+#include "tests/presentation/is_ringed.h"
 #include "tests/presentation/widget_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -31,8 +32,7 @@ protected:
     QWidget& root() override { return strip; }
     StripTab& tab(int index) { return *strip.tabs().at(static_cast<std::size_t>(index)); }
     bool isRinged(int index) {
-        return tab(index).grab().toImage().pixelColor(tab(index).width() / 2, 1) ==
-               CrestTheme::current().accentText;
+        return tallowcrest::isRinged(tab(index), CrestTheme::current().accentText);
     }
 
     TabStrip strip{u"Parts"_s};

@@ -1,19 +1,12 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
 #include <QString>
 
-#include "core/local_records.h"
+#include "core/date.h"
 
 namespace tallowcrest {
-
-/// The rows that the owner's filter text keeps, in their order. A row stays when its name or its
-/// command contains the text, ignoring case, or when its PID does. White space alone keeps all.
-/// Any thread.
-std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
-                                             const QString& filter);
 
 /// The texts around the rows.
 struct LoadLines {

@@ -27,6 +27,7 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/process_filter.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 
@@ -68,8 +69,7 @@ QWidget* LoadPage::makeToolRow() {
     auto* selectTopRow = makeButton(u"Select Top Row"_s, u"scope"_s, u"processes.select-top-row"_s,
                                     u"Selects the first row of the list for review"_s, row);
     connect(selectTopRow, &QPushButton::clicked, this, [this] {
-        monitor_.actions().review.selectFirstProcess(model_->rows());
-        if (!model_->rows().empty()) {
+        if (monitor_.actions().review.selectFirstProcess(model_->rows()).isAccepted()) {
             showSelection();
         }
     });

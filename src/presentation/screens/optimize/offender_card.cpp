@@ -13,6 +13,7 @@
 #include "presentation/widgets/card_grid.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
+#include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
 
@@ -180,9 +181,7 @@ bool OffenderCard::eventFilter(QObject* object, QEvent* event) {
     if (object == table_ && event->type() == QEvent::ShortcutOverride &&
         model_.rowCount() > mostRows) {
         // These keys scroll the page, unless the list itself has more rows than it shows.
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_PageUp || key == Qt::Key_PageDown || key == Qt::Key_Home ||
-            key == Qt::Key_End) {
+        if (isPageScrollKey(static_cast<QKeyEvent*>(event)->key())) {
             event->accept();
             return true;
         }

@@ -105,7 +105,7 @@ void OverviewPage::refresh() {
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
     showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
-    topOffender_->show(topOffender(offenderFacts()));
+    topOffender_->show(offenderFacts());
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
     sessionInsights_->show(sample.sessionInsights());

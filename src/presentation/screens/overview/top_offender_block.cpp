@@ -78,10 +78,11 @@ TopOffenderBlock::TopOffenderBlock()
     bodyLayout()->addWidget(alerts_);
 }
 
-void TopOffenderBlock::show(const TopOffender& shown) {
+void TopOffenderBlock::show(const TopOffenderFacts& facts) {
     if (isCollapsed()) {
         return;
     }
+    const TopOffender shown = topOffender(facts);
     const bool isOffender = shown.state == TopOffender::State::offender;
     const bool isStable = shown.state == TopOffender::State::stable;
     icon_->setIcon(isOffender ? u"exclamationmark.triangle.fill"_s

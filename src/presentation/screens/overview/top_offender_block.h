@@ -17,7 +17,7 @@ public:
     TopOffenderBlock();
 
     /// "Review" is shown only for an offender whose process can be reviewed.
-    void show(const TopOffender& shown);
+    void show(const TopOffenderFacts& facts);
 
 signals:
     /// The owner asked to review the heaviest process of the offender.

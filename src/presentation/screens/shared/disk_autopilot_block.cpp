@@ -5,12 +5,12 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/screens/shared/emergency_stop_controls.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/disk_lines.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,9 +3,9 @@
 #include <optional>
 
 #include "actions/review_target.h"
-#include "presentation/screens/load/load_lines.h"
 #include "presentation/state/window_state.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/process_filter.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {

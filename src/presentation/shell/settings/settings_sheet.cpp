@@ -42,13 +42,6 @@ constexpr int mostHeight = 640;
 
 using dashboard_text::text;
 
-ElidedLabel* makeLabel(const QString& words, const LabelStyle& style, const char* identifier,
-                       QWidget* parent) {
-    auto* label = new ElidedLabel(words, style, parent);
-    label->setObjectName(QString::fromLatin1(identifier));
-    return label;
-}
-
 }  // namespace
 
 SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget* window)
@@ -89,11 +82,12 @@ QWidget* SettingsSheet::makeHead() {
     layout->setSpacing(spacing::gap);
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
-    words->addWidget(
-        makeLabel(windowTitle(), onPage(&CrestFonts::title), "settings.sheet.title", head));
-    auto* line = makeLabel(u"Configuration stays here; dashboard actions stay up front."_s,
-                           onPage(&CrestFonts::body, &CrestTheme::secondaryText),
-                           "settings.sheet.line", head);
+    auto* title = new ElidedLabel(windowTitle(), onPage(&CrestFonts::title), head);
+    title->setObjectName(u"settings.sheet.title"_s);
+    words->addWidget(title);
+    auto* line = new ElidedLabel(u"Configuration stays here; dashboard actions stay up front."_s,
+                                 onPage(&CrestFonts::body, &CrestTheme::secondaryText), head);
+    line->setObjectName(u"settings.sheet.line"_s);
     line->setLines(1, 2);
     words->addWidget(line);
     layout->addLayout(words);
@@ -110,8 +104,8 @@ QWidget* SettingsSheet::makeFoot() {
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, 0);
     layout->setSpacing(spacing::gap);
     // Repeated here because the sheet covers the status line of the window.
-    lastAction_ =
-        makeLabel(QString(), onPage(&CrestFonts::caption), "settings.sheet.last-action", foot);
+    lastAction_ = new ElidedLabel(onPage(&CrestFonts::caption), foot);
+    lastAction_->setObjectName(u"settings.sheet.last-action"_s);
     lastAction_->setLines(2, 2);
     lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto* doneButton =

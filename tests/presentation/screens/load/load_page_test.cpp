@@ -5,7 +5,7 @@
 
 #include "actions/actions.h"
 #include "tests/presentation/window_fixture.h"
-#include "tests/support/each_of.h"
+#include "tests/support/pids_of.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,7 +26,7 @@ protected:
         settle();
     }
 
-    std::vector<std::int64_t> shownPIDs() { return eachOf(model().rows(), &ProcessSample::pid); }
+    std::vector<std::int64_t> shownPIDs() { return pids(model().rows()); }
 };
 
 TEST_F(LoadPageTest, SaysThatItSamplesUntilTheFirstSample) {

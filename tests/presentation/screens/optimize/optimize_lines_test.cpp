@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "tests/presentation/scoped_locale.h"
-#include "tests/support/each_of.h"
 #include "tests/support/numbers.h"
+#include "tests/support/pids_of.h"
 #include "tests/support/process_row.h"
 
 using namespace Qt::StringLiterals;
@@ -16,10 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::vector<std::int64_t> pidsOf(const std::vector<ProcessSample>& rows) {
-    return eachOf(rows, &ProcessSample::pid);
-}
 
 class OptimizeLinesTest : public testing::Test {
 protected:
@@ -141,7 +137,7 @@ TEST_F(CleanupOffenderTest, HelpersAreTheProcessesOfTheGroupHeaviestFirst) {
     EXPECT_THAT(optimize_lines::helperProcesses({}, {}, "photo-indexer"), IsEmpty())
         << "before the first sample";
     const auto helpersOf = [this](const char* name) {
-        return pidsOf(optimize_lines::helperProcesses(processes, impactOrder, name));
+        return pids(optimize_lines::helperProcesses(processes, impactOrder, name));
     };
     EXPECT_THAT(helpersOf("Google Chrome"), ElementsAre(901, 903, 902));
     EXPECT_THAT(helpersOf("photo-indexer"), ElementsAre(800));
@@ -170,7 +166,7 @@ TEST_F(CleanupOffenderTest, ATargetIsExplainedWordForWord) {
     EXPECT_EQ(target().group, "photo-indexer");
     EXPECT_FALSE(target().isNeverQuit);
     EXPECT_EQ(target().selectedPID, 800);
-    EXPECT_THAT(pidsOf(target().helpers), ElementsAre(800));
+    EXPECT_THAT(pids(target().helpers), ElementsAre(800));
 }
 
 TEST_F(CleanupOffenderTest, AProtectedTargetIsCalledProtected) {
@@ -184,7 +180,7 @@ TEST_F(CleanupOffenderTest, AProtectedTargetIsCalledProtected) {
     EXPECT_EQ(target().risk, u"Protected"_s);
     EXPECT_EQ(target().groupCard, (optimize_lines::GroupCard{u"systemd"_s, u"No group summary"_s}))
         << "too small for the sample's list of groups";
-    EXPECT_THAT(pidsOf(target().helpers), ElementsAre(1));
+    EXPECT_THAT(pids(target().helpers), ElementsAre(1));
 }
 
 TEST_F(CleanupOffenderTest, AProcessThatIsNotInTheSampleHasNoFigures) {
@@ -194,7 +190,7 @@ TEST_F(CleanupOffenderTest, AProcessThatIsNotInTheSampleHasNoFigures) {
     EXPECT_EQ(offender().explanation, u"Not in the sample."_s);
     EXPECT_EQ(target().risk, u"Manual"_s);
     EXPECT_EQ(target().selectedPID, std::nullopt);
-    EXPECT_THAT(pidsOf(target().helpers), ElementsAre(800));
+    EXPECT_THAT(pids(target().helpers), ElementsAre(800));
 
     impactOrder.erase(impactOrder.begin());
     snapshot->appImpacts.erase(snapshot->appImpacts.begin());
@@ -211,7 +207,7 @@ TEST_F(CleanupOffenderTest, TheGroupStaysWhenItsProcessEnds) {
     snapshot->appImpacts[1] = {"Google Chrome", 2, 26.0, 500.0, 903, 0};
     EXPECT_EQ(target().groupCard,
               (optimize_lines::GroupCard{u"Google Chrome"_s, u"2 processes · 26.0% CPU"_s}));
-    EXPECT_THAT(pidsOf(target().helpers), ElementsAre(903, 902));
+    EXPECT_THAT(pids(target().helpers), ElementsAre(903, 902));
 }
 
 TEST_F(CleanupOffenderTest, NeverQuitBelongsToTheGroupUnderReview) {

@@ -5,11 +5,11 @@
 #include <QTest>
 #include <gmock/gmock.h>
 
-#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/toggle_switch.h"
+#include "tests/presentation/widget_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,10 +32,8 @@ constexpr Rule rules[] = {
     {AutomationSwitch::autoScanRemoteMacs, "probe.auto-scan"},
 };
 
-class AutomationTogglesTest : public testing::Test {
+class AutomationTogglesTest : public WidgetFixture {
 protected:
-    static void SetUpTestSuite() { QApplication::setStyle(new CrestStyle); }
-
     AutomationTogglesTest() {
         toggles.resize(480, 320);
         toggles.setVisible(true);
@@ -50,6 +48,7 @@ protected:
         show();
     }
 
+    QWidget& root() override { return toggles; }
     void show() { toggles.show({settings, dates, {}, snapshot}); }
 
     ToggleSwitch& toggle(const char* identifier) {
@@ -60,8 +59,7 @@ protected:
                                                 QString::fromLatin1(part));
     }
     QString word(const char* identifier, const char* part) {
-        const ElidedLabel& found = label(identifier, part);
-        return found.isVisible() ? found.text() : u"(not shown)"_s;
+        return textOf((std::string(identifier) + part).c_str());
     }
     /// The requests since the last call.
     std::vector<std::pair<AutomationSwitch, bool>> takeAsked() { return std::exchange(asked, {}); }

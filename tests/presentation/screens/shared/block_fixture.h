@@ -35,6 +35,7 @@ protected:
 
     QWidget& root() override { return page; }
 
+    /// A block within two layouts has its place one turn later.
     void settle() override {
         WidgetFixture::settle();
         QApplication::processEvents();

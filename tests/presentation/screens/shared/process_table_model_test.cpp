@@ -13,6 +13,7 @@
 #include "presentation/widgets/text_lines.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/support/each_of.h"
+#include "tests/support/pids_of.h"
 #include "tests/support/process_row.h"
 
 using namespace Qt::StringLiterals;
@@ -34,7 +35,7 @@ std::vector<ProcessSample> rowsOf(const std::vector<std::int64_t>& pids) {
 }
 
 std::vector<std::int64_t> pidsIn(const ProcessTableModel& model) {
-    return eachOf(model.rows(), &ProcessSample::pid);
+    return pids(model.rows());
 }
 
 /// A model under `QAbstractItemModelTester`, which ends the test program at the first violation of

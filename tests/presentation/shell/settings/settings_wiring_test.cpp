@@ -125,6 +125,8 @@ TEST_F(SettingsWiringTest, AutomationSetsTheSwitchesAndTheLimits) {
     }
     EXPECT_EQ(settings().diskMaxCleanupGB, 2.0);
     EXPECT_EQ(textOf("settings.disk-maximum.value"), u"2.0 GB"_s) << "the cap of one run";
+    const StepSlider& maximum = *visible<StepSlider>("settings.disk-maximum");
+    EXPECT_DOUBLE_EQ(maximum.scale().valueAt(maximum.value()), 2.0) << "it jumped back";
     machine.monitor().settingsOwner().set(&Settings::warningThreshold, 90.0);
     settle();
     EXPECT_EQ(textOf("settings.warning-threshold.value"), u"90%"_s);
