@@ -60,7 +60,7 @@ test:
 check:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,unit_tests)
-	ctest --preset unit -j $(JOBS)
+	ctest --preset unit -j $$(($(JOBS) + 2))
 
 bench:
 	@$(BOOTSTRAP)
