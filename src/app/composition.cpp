@@ -7,6 +7,7 @@
 #include "app/console.h"
 #include "core/activity_log.h"
 #include "core/settings/settings.h"
+#include "core/settings/settings_owner.h"
 #include "platform/base/environment.h"
 #include "platform/base/local_public_key.h"
 #include "platform/host.h"
@@ -21,9 +22,9 @@ std::filesystem::path settingsFile() {
 }
 
 OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
-                         SqliteSettingsStore::Complain complain) {
+                         SqliteSettingsStore::ReportOutage reportOutage) {
     if (access == SettingsAccess::readWrite) {
-        return openSettingsStore(settingsFile(), {jobs, clock, std::move(complain)});
+        return openSettingsStore(settingsFile(), {jobs, clock, std::move(reportOutage)});
     }
     // Points of days ago must not be taken for those of this run.
     return readSettingsStore(settingsFile(), {settings_keys::historyKey});
@@ -37,7 +38,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
       jobs_(mainQueue, workQueue_),
       ownJobs_(jobs_),
       settings_(openSettings(access, jobs_, clock_,
-                             [this](const std::string& problem) { reportFailedWrite(problem); })) {
+                             [this](const std::string& problem) { reportOutage(problem); })) {
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
     }
@@ -69,14 +70,19 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
                                           access == SettingsAccess::readWrite &&
                                           localPublicKey(userAccount().homeDirectory).has_value(),
                                       .readOnly = access == SettingsAccess::readOnly});
+    if (access == SettingsAccess::readWrite && !settings_.isLasting) {
+        monitor_->settingsOwner().setSavingProblem(settings_.problems.front());
+    }
 }
 
-void Composition::reportFailedWrite(const std::string& problem) {
-    complain(printableText(problem).text);
+void Composition::reportOutage(const std::string& problem) {
+    const std::string message = problem.empty() ? "Settings are saved again." : problem;
+    complain(printableText(message).text);
     // On a later turn, because a message is itself a write.
-    ownJobs_.postToMain([this, problem] {
+    ownJobs_.postToMain([this, problem, message] {
         if (monitor_) {
-            monitor_->log().recordMessage(problem);
+            monitor_->settingsOwner().setSavingProblem(problem);
+            monitor_->log().recordMessage(message);
         }
     });
 }

@@ -34,9 +34,9 @@ struct DesktopServices {
 /// The monitor together with the parts of this machine that it runs on. Main thread.
 class Composition {
 public:
-    /// When settings cannot be read, and later when they cannot be saved, the problem is printed on
-    /// standard error and recorded by the monitor. `sampleApplied` as in `MonitorPorts`.
-    /// `mainQueue` must outlive the object.
+    /// When settings cannot be read, and later when they cannot be saved and are saved again, this
+    /// is printed on standard error and recorded by the monitor. `sampleApplied` as in
+    /// `MonitorPorts`. `mainQueue` must outlive the object.
     Composition(
         MainQueue& mainQueue, SettingsAccess access, DesktopServices desktop = {},
         std::function<void()> sampleApplied = [] {});
@@ -58,7 +58,8 @@ public:
     [[nodiscard]] bool shutDown(std::chrono::milliseconds timeout = longestToolDeadline);
 
 private:
-    void reportFailedWrite(const std::string& problem);
+    /// `problem` as of `SqliteSettingsStore::ReportOutage`.
+    void reportOutage(const std::string& problem);
 
     SystemClock clock_;
     PosixToolLauncher toolLauncher_;

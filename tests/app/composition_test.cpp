@@ -14,6 +14,7 @@
 #include "core/activity_log.h"
 #include "core/record_json.h"
 #include "core/settings/settings.h"
+#include "core/settings/settings_owner.h"
 #include "platform/base/run_loop.h"
 #include "sampling/latest_sample.h"
 #include "tests/app/private_data.h"
@@ -96,7 +97,7 @@ TEST_F(CompositionTest, ReadOnlyUseSeesStoredSettingsAndDoesNotChangeThem) {
 TEST_F(CompositionTest, ReadOnlyUseStartsANewTimeline) {
     {
         const OpenedStore opened =
-            openSettingsStore(file, {jobs, clock, SqliteSettingsStore::Complain()});
+            openSettingsStore(file, {jobs, clock, SqliteSettingsStore::ReportOutage()});
         opened.store->write(settings_keys::thresholdKey, 70.0);
         opened.store->write(settings_keys::historyKey,
                             JSONData{*record_json::encode(std::vector<HistoryPoint>(
@@ -140,9 +141,10 @@ TEST_F(CompositionTest, ReportsSettingsThatCannotBeReadOnceInEachPlace) {
     EXPECT_TRUE(composition->shutDown());
 }
 
-TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
+TEST_F(CompositionTest, ReportsTheBeginningAndTheEndOfAnOutage) {
     const auto composition = start(SettingsAccess::readWrite);
     ActivityLog& log = composition->monitor().log();
+    const SettingsOwner& settings = composition->monitor().settingsOwner();
     SqliteConnection other;
     ASSERT_EQ(other.open(file, SqliteConnection::Access::readWrite, {}), SQLITE_OK);
     for (const std::size_t outages : {1U, 2U}) {
@@ -158,13 +160,18 @@ TEST_F(CompositionTest, ReportsFailedWritesToTheMonitorOncePerOutage) {
         log.recordMessage("Not kept either.");
         serve();
         EXPECT_EQ(log.lastAction(), "Not kept either.");
-        EXPECT_EQ(GetCapturedStderr(), "tallowcrest: " + said + "\n");
+        EXPECT_EQ(settings.savingProblem(), said) << "it lasts as long as the outage";
         const auto told =
             std::count_if(log.activityLog().begin(), log.activityLog().end(),
                           [&said](const ActivityEvent& event) { return event.detail == said; });
         EXPECT_EQ(static_cast<std::size_t>(told), outages);
         ASSERT_EQ(other.execute("ROLLBACK"), SQLITE_OK);
         log.recordMessage("Kept.");
+        serve();
+        EXPECT_EQ(log.lastAction(), "Settings are saved again.");
+        EXPECT_EQ(settings.savingProblem(), "");
+        EXPECT_EQ(GetCapturedStderr(),
+                  "tallowcrest: " + said + "\ntallowcrest: Settings are saved again.\n");
     }
     EXPECT_TRUE(composition->shutDown());
 }
@@ -190,6 +197,8 @@ TEST_F(CompositionTest, StartsWhereNothingCanBeStored) {
     const auto composition = start(SettingsAccess::readWrite);
     EXPECT_THAT(GetCapturedStderr(), HasSubstr("cannot be made"));
     EXPECT_THAT(composition->monitor().log().lastAction(), HasSubstr("cannot be made"));
+    EXPECT_EQ(composition->monitor().settingsOwner().savingProblem(),
+              composition->monitor().log().lastAction());
     EXPECT_TRUE(composition->shutDown());
 }
 

@@ -73,6 +73,11 @@ SettingsOwner::SettingsOwner(SettingsStore& store, MainQueue& mainQueue, std::st
 
 SettingsOwner::~SettingsOwner() = default;
 
+void SettingsOwner::setSavingProblem(std::string sentence) {
+    savingProblem_ = std::move(sentence);
+    notifyObservers();
+}
+
 void SettingsOwner::notifyObservers() {
     observable_->changed();
 }

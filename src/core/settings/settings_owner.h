@@ -77,7 +77,11 @@ public:
     /// such a table.
     SettingsTable loadRemoteTopApps() const;
 
-    /// Notifies of changed values, not of lists.
+    /// Why changes are not being stored, in one sentence; empty while they are.
+    const std::string& savingProblem() const { return savingProblem_; }
+    void setSavingProblem(std::string sentence);
+
+    /// Notifies of changed values and of `savingProblem`, not of lists.
     Observable& observable() { return *observable_; }
 
 private:
@@ -100,6 +104,7 @@ private:
 
     SettingsStore& store_;
     std::unique_ptr<Observable> observable_;
+    std::string savingProblem_;
     Settings values_;
 };
 

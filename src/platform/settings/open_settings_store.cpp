@@ -28,17 +28,13 @@ struct Opening {
     }
 
     void reportUnusable(const Finding& finding) {
-        switch (finding.state) {
-            case FileState::newer:
-                return report(problem::newer);
-            case FileState::locked:
-                return report(problem::locked);
-            case FileState::damaged:
-            case FileState::foreign:
-                return report(problem::damagedLeft);
-            default:
-                return report(problem::cannotBeRead, finding.reason);
-        }
+        const FileState state = finding.state;
+        const bool isReadable = state == FileState::damaged || state == FileState::foreign;
+        report(state == FileState::newer    ? problem::newer
+               : state == FileState::locked ? problem::locked
+               : isReadable                 ? problem::damagedLeft
+                                            : problem::cannotBeRead,
+               finding.reason);
     }
 
     void create(const Dependencies& dependencies) {
@@ -73,6 +69,7 @@ struct Opening {
         }
         outcome.store =
             std::make_unique<SqliteSettingsStore>(std::move(database), file, dependencies);
+        outcome.isLasting = true;
     }
 
     /// `sentence` says why the file is only read; empty when that is intended.

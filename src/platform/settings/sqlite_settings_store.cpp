@@ -89,8 +89,8 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
     }
     std::erase_if(unsaved_, [key](const auto& entry) { return entry.first == key; });
     retryUnsaved();
-    if (unsaved_.empty()) {
-        hasComplained_ = false;
+    if (unsaved_.empty() && std::exchange(isOutage_, false) && dependencies_.reportOutage) {
+        dependencies_.reportOutage({});
     }
     if (logPages_ >= dependencies_.logPages) {
         moveLogInBackground();
@@ -105,9 +105,9 @@ int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& v
         // Says nothing about the file.
         return result;
     }
-    if (result != SQLITE_OK && !std::exchange(hasComplained_, true) && dependencies_.complain) {
-        dependencies_.complain(settings_problem::describe(settings_problem::cannotBeSaved, file_,
-                                                          database_.connection().message()));
+    if (result != SQLITE_OK && !std::exchange(isOutage_, true) && dependencies_.reportOutage) {
+        dependencies_.reportOutage(settings_problem::describe(
+            settings_problem::cannotBeSaved, file_, database_.connection().message()));
     }
     isLocked_ = isBusy(result);
     return result;

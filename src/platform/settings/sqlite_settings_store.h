@@ -23,13 +23,14 @@ namespace tallowcrest {
 /// file; within one process it must be opened only once.
 class SqliteSettingsStore final : public SettingsStore {
 public:
-    /// Takes one sentence for the owner. Must not call `write`, which calls it. Main thread.
-    using Complain = std::function<void(const std::string&)>;
+    /// Takes one sentence for the owner with the first failed write of an outage, and an empty one
+    /// when the outage ends. Must not call `write`, which calls it. Main thread.
+    using ReportOutage = std::function<void(const std::string& problem)>;
 
     struct Dependencies {
         Jobs& jobs;          ///< outlives the store
         const Clock& clock;  ///< names files that are put aside
-        Complain complain;   ///< once per outage, with its first failed write
+        ReportOutage reportOutage;
         /// Of 4 kB: at this size the log is moved. The default is some 10 minutes of samples.
         int logPages = 1024;
     };
@@ -61,7 +62,7 @@ private:
     bool isLogMoving_ = false;
     std::map<std::string, SettingsValue, std::less<>> unsaved_;
     std::map<std::string, std::optional<SettingsValue>, std::less<>> inMemory_;
-    bool hasComplained_ = false;
+    bool isOutage_ = false;
     bool isLocked_ = false;
     JobScope jobs_;
 };

@@ -104,7 +104,7 @@ TEST_F(SettingsOwnerTest, AChangeIsWrittenAtOnceAndTold) {
     EXPECT_EQ(told, 1);
 }
 
-TEST_F(SettingsOwnerTest, WhatIsHeldAndStoredAlreadyIsNeitherWrittenNorTold) {
+TEST_F(SettingsOwnerTest, AnUnchangedStoredValueIsNotWrittenOrNotified) {
     settings->set(&Settings::openAIModel, "stored");
     settings->set(&Settings::diskMaxCleanupGB, 1.0);
     mainQueue.drain();
@@ -113,6 +113,17 @@ TEST_F(SettingsOwnerTest, WhatIsHeldAndStoredAlreadyIsNeitherWrittenNorTold) {
     mainQueue.drain();
     EXPECT_THAT(store.written, ElementsAre(keys::diskMaxCleanupKey));
     EXPECT_EQ(told, 1);
+}
+
+TEST_F(SettingsOwnerTest, ASavingProblemIsKeptAndNotifiedUntilItIsOver) {
+    EXPECT_EQ(settings->savingProblem(), "");
+    for (const std::string sentence : {"No room.", ""}) {
+        settings->setSavingProblem(sentence);
+        mainQueue.drain();
+        EXPECT_EQ(settings->savingProblem(), sentence);
+    }
+    EXPECT_EQ(told, 2);
+    EXPECT_THAT(store.written, IsEmpty());
 }
 
 TEST_F(SettingsOwnerTest, AValueThatOnlyItsRuleGivesIsTheSameValue) {

@@ -39,9 +39,11 @@ class Surroundings {
 public:
     OpenedStore open(const fs::path& file, int logPages) {
         return openSettingsStore(file, {jobs_, clock_,
-                                        [this](const std::string& complaint) {
-                                            ++complaints;
-                                            latestComplaint = complaint;
+                                        [this](const std::string& problem) {
+                                            if (!problem.empty()) {
+                                                ++problems;
+                                                latestProblem = problem;
+                                            }
                                         },
                                         logPages});
     }
@@ -52,8 +54,8 @@ public:
         mainQueue_.run();
     }
 
-    int complaints = 0;
-    std::string latestComplaint;
+    int problems = 0;
+    std::string latestProblem;
 
 private:
     SystemClock clock_;
@@ -66,14 +68,14 @@ private:
 /// to standard output is stored by then.
 int writeWithoutEnd(const fs::path& file, std::int64_t first) {
     Surroundings surroundings;
-    // A short log, so that it is moved, and begun anew, at most of the moments of being killed.
+    // A short log, so that it is moved, and restarted, at most of the moments of being killed.
     const OpenedStore opened = surroundings.open(file, 200);
     for (std::int64_t number = first;; ++number) {
         const auto& key =
             settings_keys::all[static_cast<std::size_t>(number) % settings_keys::all.size()];
         opened.store->write(key.name, valueFor(key, number));
         surroundings.serve();  // a further move of the log begins only when the last one is over
-        if (surroundings.complaints > 0) {
+        if (surroundings.problems > 0) {
             return EXIT_FAILURE;
         }
         if (write(STDOUT_FILENO, &number, sizeof number) != sizeof number) {
@@ -128,11 +130,11 @@ int outgrow(const fs::path& file, int systemError, const std::function<void()>& 
     const auto& stop = keyOf(settings_keys::automationEmergencyStopKey);
     std::map<std::string, SettingsValue> last;
     std::int64_t number = 1;
-    for (; surroundings.complaints == 0 && number < 5000; ++number) {
+    for (; surroundings.problems == 0 && number < 5000; ++number) {
         for (const settings_keys::Key& key : settings_keys::all) {
             const SettingsValue value = valueFor(key, number);
             opened.store->write(key.name, value);
-            if (surroundings.complaints > 0) {
+            if (surroundings.problems > 0) {
                 break;
             }
             last[std::string(key.name)] = value;
@@ -141,9 +143,9 @@ int outgrow(const fs::path& file, int systemError, const std::function<void()>& 
     bool good = require(opened.problems.empty(), "opened without a problem") &&
                 require(number > 1 && number < 5000, "some values fit, and some did not");
     opened.store->write(history.name, valueFor(history, 7001));
-    good = require(surroundings.complaints == 1, "complained once") &&
-           require(contains(surroundings.latestComplaint, systemError),
-                   surroundings.latestComplaint.c_str()) &&
+    good = require(surroundings.problems == 1, "reported once") &&
+           require(contains(surroundings.latestProblem, systemError),
+                   surroundings.latestProblem.c_str()) &&
            good;
     for (const settings_keys::Key& key : settings_keys::all) {
         if (key.name != history.name) {
