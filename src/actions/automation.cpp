@@ -128,7 +128,7 @@ Outcome Automation::setAutonomyMode(AIAutonomyMode mode) {
     return log_.record(Outcome::done(fmt::format("AI Advisor mode set to {}.", title(mode))));
 }
 
-void Automation::engageEmergencyStop() {
+Outcome Automation::engageEmergencyStop() {
     // Stored first: after a kill between two writes, the stop must be engaged.
     settings_.set(&Settings::automationEmergencyStopEngaged, true);
     switchOffHeldBack();
@@ -138,7 +138,7 @@ void Automation::engageEmergencyStop() {
                      "remote auto-scan, and AI autonomous execution. Cleared the pending disk plan "
                      "and returned AI to Apprentice mode. Re-enable each automation manually after "
                      "resuming.");
-    log_.setLastAction("Emergency stop engaged. Automatic actions are disabled.");
+    return log_.show(Outcome::done("Emergency stop engaged. Automatic actions are disabled."));
 }
 
 void Automation::switchOffHeldBack() {
@@ -150,7 +150,7 @@ void Automation::switchOffHeldBack() {
     settings_.set(&Settings::aiAutonomyMode, AIAutonomyMode::apprentice);
 }
 
-void Automation::resumeFromEmergencyStop() {
+Outcome Automation::resumeFromEmergencyStop() {
     if (isStopEngaged()) {
         // If a kill or a full disk kept some changes of the stop from being stored, those
         // automations are still on in the store.
@@ -162,7 +162,7 @@ void Automation::resumeFromEmergencyStop() {
     log_.recordEvent(ActivityKind::emergencyStop,
                      "Cleared the emergency stop in Apprentice mode. No automatic feature was "
                      "re-enabled.");
-    log_.setLastAction("Emergency stop cleared; automations remain off.");
+    return log_.show(Outcome::done("Emergency stop cleared; automations remain off."));
 }
 
 void Automation::setDiskAutopilotStatus(std::string status) {

@@ -60,11 +60,11 @@ public:
     /// Turns off everything that acts by itself. The stop remains engaged across restarts until it
     /// is cleared. Engaging it again repeats all steps. A pending request can still be confirmed,
     /// and work that is under way is completed.
-    void engageEmergencyStop();
+    Outcome engageEmergencyStop();
 
     /// Clears the stop. The automations that it governs remain off until the owner turns them on
     /// again, even if the stop was stored only in part. If no stop is engaged, no switch changes.
-    void resumeFromEmergencyStop();
+    Outcome resumeFromEmergencyStop();
 
     bool isStopEngaged() const;
 

@@ -26,17 +26,17 @@ ToolCachePurge::ToolCachePurge(const CommandSafetyPolicy::AllowedExecutables& al
 PurgeResult ToolCachePurge::purge() {
     for (const ToolRequest& tool : tools_) {
         if (!isAllowedExecutable(allowed_, tool.path)) {
-            return {PurgeResult::Outcome::blocked, {}};
+            return {PurgeResult::Kind::blocked, {}};
         }
         const ToolResult result = launcher_.launch(tool);
         if (!result.launched) {
-            return {PurgeResult::Outcome::failed, result.launchError};
+            return {PurgeResult::Kind::failed, result.launchError};
         }
         if (result.terminationStatus != 0) {
-            return {PurgeResult::Outcome::refused, {}};
+            return {PurgeResult::Kind::refused, {}};
         }
     }
-    return {PurgeResult::Outcome::purged, {}};
+    return {PurgeResult::Kind::purged, {}};
 }
 
 }  // namespace tallowcrest

@@ -10,14 +10,14 @@ namespace tallowcrest {
 
 /// The result of purging the file caches.
 struct PurgeResult {
-    enum class Outcome {
+    enum class Kind {
         purged,
         refused,  ///< a tool ran and failed, for example because the owner may not purge
         blocked,  ///< a tool is not allowed here; neither it nor a later one was launched
         failed,   ///< a tool could not be launched
     };
 
-    Outcome outcome = Outcome::failed;
+    Kind kind = Kind::failed;
     std::string error;  ///< the system's message for `failed`, else empty
 
     bool operator==(const PurgeResult&) const = default;

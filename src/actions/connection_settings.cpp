@@ -20,8 +20,9 @@ Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_vi
     return Outcome::done();
 }
 
-void setOpenAIModel(SettingsOwner& settings, std::string_view text) {
+Outcome setOpenAIModel(SettingsOwner& settings, std::string_view text) {
     settings.set(&Settings::openAIModel, std::string(trimmingWhiteSpace(text)));
+    return Outcome::done();
 }
 
 }  // namespace tallowcrest::connection_settings

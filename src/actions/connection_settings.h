@@ -19,6 +19,6 @@ namespace tallowcrest::connection_settings {
 Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_view text);
 
 /// Sets the provider's model, trimmed and otherwise unchanged. Any text is accepted.
-void setOpenAIModel(SettingsOwner& settings, std::string_view text);
+Outcome setOpenAIModel(SettingsOwner& settings, std::string_view text);
 
 }  // namespace tallowcrest::connection_settings

@@ -5,7 +5,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = TerminationResult::Outcome;
+using Kind = TerminationResult::Kind;
 
 class RememberedProcess final : public HeldProcess {
 public:
@@ -21,21 +21,21 @@ public:
     TerminationResult terminate() override {
         const std::string tool = "/bin/kill";
         if (!isAllowedExecutable(allowed_, tool)) {
-            return {Outcome::blocked, {}};
+            return {Kind::blocked, {}};
         }
         const std::uint64_t startTimeNow = startTimeOf_(pid_);
         if (startTimeNow == 0) {
-            return {Outcome::refused, {}};
+            return {Kind::refused, {}};
         }
         if (startTimeNow != startTime_) {
-            return {Outcome::blocked, {}};
+            return {Kind::blocked, {}};
         }
         const ToolResult result =
             launcher_.launch({.path = tool, .arguments = {"-TERM", std::to_string(pid_)}});
         if (!result.launched) {
-            return {Outcome::failed, result.launchError};
+            return {Kind::failed, result.launchError};
         }
-        return {result.terminationStatus == 0 ? Outcome::asked : Outcome::refused, {}};
+        return {result.terminationStatus == 0 ? Kind::asked : Kind::refused, {}};
     }
 
 private:

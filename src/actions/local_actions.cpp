@@ -41,16 +41,19 @@ LocalActions::LocalActions(Dependencies dependencies)
       jobs_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
         std::string(local_requests::quitProcessKind),
-        {[this](const ConfirmationRequest& request) { return quitProcess(request); }, {}});
+        {[this](const ConfirmationRequest& request, void* held) {
+             return quitProcess(request, static_cast<HeldProcess*>(held));
+         },
+         {}});
     dependencies_.services.confirmations.registerKind(
         std::string(local_requests::quitAppKind),
-        {[this](const ConfirmationRequest& request) {
+        {[this](const ConfirmationRequest& request, void*) {
              return request.hostName ? quitAppGroup(*request.hostName) : Outcome::ignored();
          },
          {}});
     dependencies_.services.confirmations.registerKind(
         std::string(local_requests::purgeKind),
-        {[this](const ConfirmationRequest&) { return runPurge(); }, {}});
+        {[this](const ConfirmationRequest&, void*) { return runPurge(); }, {}});
 }
 
 LocalActions::~LocalActions() = default;
@@ -82,7 +85,6 @@ Outcome LocalActions::requestQuitSelectedProcess() {
         // time, or there never was a row.
         process = dependencies_.ports.processes->hold(*pid, startTime);
     }
-    reviewed_ = process;
     dependencies_.services.confirmations.requestConfirmation(
         std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path},
         std::move(process));
@@ -90,28 +92,28 @@ Outcome LocalActions::requestQuitSelectedProcess() {
     return Outcome::asked();
 }
 
-Outcome LocalActions::quitProcess(const ConfirmationRequest& request) {
+Outcome LocalActions::quitProcess(const ConfirmationRequest& request, HeldProcess* process) {
     if (!request.pid) {
         return Outcome::ignored();
     }
     const std::int64_t pid = *request.pid;
-    const std::shared_ptr<HeldProcess> process = reviewed_.lock();
+    // Null for an invalid pid, and for a process that is gone and whose start time was never known.
     if (process == nullptr) {
         return record(Outcome::refused(invalidRequest));
     }
     const TerminationResult result = process->terminate();
-    switch (result.outcome) {
-        case TerminationResult::Outcome::blocked:
+    switch (result.kind) {
+        case TerminationResult::Kind::blocked:
             return record(Outcome::refused(invalidRequest));
-        case TerminationResult::Outcome::failed:
+        case TerminationResult::Kind::failed:
             return record(
                 Outcome::failed(fmt::format("Could not quit process {}: {}", pid, result.error)));
-        case TerminationResult::Outcome::asked:
-        case TerminationResult::Outcome::refused:
+        case TerminationResult::Kind::asked:
+        case TerminationResult::Kind::refused:
             break;
     }
     Outcome outcome = record(
-        result.outcome == TerminationResult::Outcome::asked
+        result.kind == TerminationResult::Kind::asked
             ? Outcome::done(fmt::format("Asked process {} to quit.", pid))
             : Outcome::failed(fmt::format("Could not quit process {}. It may be protected.", pid)));
     dependencies_.refresh();
@@ -228,18 +230,18 @@ Outcome LocalActions::runPurge() {
 void LocalActions::finishPurge(const PurgeResult& result) {
     isPurging_ = false;
     observable_->changed();
-    switch (result.outcome) {
-        case PurgeResult::Outcome::blocked:
+    switch (result.kind) {
+        case PurgeResult::Kind::blocked:
             record(Outcome::refused("Blocked an executable outside the command allowlist."));
             return;
-        case PurgeResult::Outcome::failed:
+        case PurgeResult::Kind::failed:
             record(Outcome::failed(fmt::format("Could not run purge: {}", result.error)));
             return;
-        case PurgeResult::Outcome::purged:
+        case PurgeResult::Kind::purged:
             record(
                 Outcome::done("Purged reclaimable file caches. macOS may refill them as needed."));
             break;
-        case PurgeResult::Outcome::refused:
+        case PurgeResult::Kind::refused:
             record(Outcome::failed("Purge was blocked by macOS."));
             break;
     }

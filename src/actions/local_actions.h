@@ -80,7 +80,7 @@ private:
         std::unique_ptr<HeldProcess> process;
     };
 
-    Outcome quitProcess(const ConfirmationRequest& request);
+    Outcome quitProcess(const ConfirmationRequest& request, HeldProcess* process);
     Outcome quitAppGroup(const std::string& group);
     Outcome finishAppGroup(const std::string& group, bool wasAskedGracefully);
     std::vector<GroupMember> membersForTerm(const std::string& group);
@@ -93,9 +93,6 @@ private:
 
     Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;
-    /// The process of the pending request, which holds it. Expired when there is none, for an
-    /// invalid pid, and for a process that is gone and whose start time was never known.
-    std::weak_ptr<HeldProcess> reviewed_;
     bool isPurging_ = false;
     std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;
     JobScope jobs_;

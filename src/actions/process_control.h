@@ -8,14 +8,14 @@ namespace tallowcrest {
 
 /// The result of asking one process to quit.
 struct TerminationResult {
-    enum class Outcome {
+    enum class Kind {
         asked,    ///< the signal was delivered
         refused,  ///< the system did not deliver it, or the process has ended meanwhile
         blocked,  ///< not tried: not allowed, or the pid belongs to another process by now
         failed,   ///< it could not be tried
     };
 
-    Outcome outcome = Outcome::failed;
+    Kind kind = Kind::failed;
     std::string error;  ///< the system's message for `failed`, else empty
 
     bool operator==(const TerminationResult&) const = default;

@@ -66,15 +66,11 @@ Outcome ReviewTarget::selectProcessWithPID(std::int64_t pid) {
 
 Outcome ReviewTarget::selectListed(const ProcessSample* row) {
     if (row == nullptr) {
-        Outcome outcome = Outcome::refused("No process is available to select.");
-        log_.setLastAction(outcome.message);
-        return outcome;
+        return log_.show(Outcome::refused("No process is available to select."));
     }
     selectProcess(*row);
-    Outcome outcome = Outcome::done(fmt::format(
-        "Selected {} from CPU + Memory Processes. No action has run yet.", row->displayName()));
-    log_.setLastAction(outcome.message);
-    return outcome;
+    return log_.show(Outcome::done(fmt::format(
+        "Selected {} from CPU + Memory Processes. No action has run yet.", row->displayName())));
 }
 
 Outcome ReviewTarget::selectTopProcess() {
@@ -114,12 +110,12 @@ Outcome ReviewTarget::selectTopApp() {
         Outcome::done(fmt::format("Selected the heaviest process inside {}.", group.name)));
 }
 
-void ReviewTarget::clearOperationTarget() {
+Outcome ReviewTarget::clearOperationTarget() {
     selectedPID_.reset();
     reviewedRow_.reset();
     selectedAppImpactName_.reset();
     setOptimizeStep(firstStep);
-    log_.recordMessage("Cleared selected operation target.");
+    return log_.record(Outcome::done("Cleared selected operation target."));
 }
 
 const ProcessSample* ReviewTarget::findSelected(const std::vector<ProcessSample>& rows) const {

@@ -75,7 +75,7 @@ public:
     /// Selects a group and one process of it. Keeps the step and records no message.
     void setTarget(std::int64_t pid, std::string groupName, ChosenBy chooser = ChosenBy::owner);
     /// Clears the selection, returns to the first step and records a message.
-    void clearOperationTarget();
+    Outcome clearOperationTarget();
 
     SelectedTargetSummary selectedTargetSummary() const;
 

@@ -118,15 +118,15 @@ Instance claimInstance() {
     InstanceStart start =
         startInstance(instancePlace(instanceEnvironment(host::dataDirectory().string())),
                       {startupActivationToken()});
-    switch (start.outcome) {
-        case InstanceStart::Outcome::first:
+    switch (start.kind) {
+        case InstanceStart::Kind::first:
             break;
-        case InstanceStart::Outcome::handedOver:
+        case InstanceStart::Kind::handedOver:
             return {std::nullopt, EXIT_SUCCESS};
-        case InstanceStart::Outcome::noAnswer:
+        case InstanceStart::Kind::noAnswer:
             complain(start.message);
             return {std::nullopt, EXIT_FAILURE};
-        case InstanceStart::Outcome::unguarded:
+        case InstanceStart::Kind::unguarded:
             // Without a guard two windows are possible, which is better than none.
             complain("a second start will not find this window: " + start.message);
             break;

@@ -43,9 +43,16 @@ Outcome ActivityLog::record(Outcome outcome) {
     return outcome;
 }
 
-void ActivityLog::clearActivityLog() {
+Outcome ActivityLog::show(Outcome outcome) {
+    if (!outcome.message.empty()) {
+        setLastAction(outcome.message);
+    }
+    return outcome;
+}
+
+Outcome ActivityLog::clearActivityLog() {
     activityLog_.change([](std::vector<ActivityEvent>& events) { events.clear(); });
-    setLastAction("Activity log cleared.");
+    return show(Outcome::done("Activity log cleared."));
 }
 
 }  // namespace tallowcrest

@@ -37,10 +37,12 @@ public:
     /// Sets `lastAction` to `message` and records it as an action.
     void recordMessage(const std::string& message);
 
-    /// Records the outcome's words, if it has any, and hands it on.
+    /// Records the outcome's message, if it has one, and returns the outcome.
     Outcome record(Outcome outcome);
+    /// The same, but the message becomes the last action only and no event.
+    Outcome show(Outcome outcome);
 
-    void clearActivityLog();
+    Outcome clearActivityLog();
 
     /// Notifies of a new last action, a new event and a cleared log.
     Observable& observable() { return *observable_; }

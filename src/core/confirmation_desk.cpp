@@ -39,7 +39,7 @@ Outcome ConfirmationDesk::confirmPending() {
         return log_.record(
             Outcome::refused(fmt::format("No handler for confirmation: {}.", request.kind)));
     }
-    return handler->second.confirm(request);
+    return handler->second.confirm(request, answered->held.get());
 }
 
 Outcome ConfirmationDesk::cancelPending() {

@@ -20,10 +20,11 @@ class Observable;
 /// a kind of change registers the handler for it. Main thread.
 class ConfirmationDesk {
 public:
-    /// Called with the answered request, which is no longer pending then.
+    /// Called with the answered request, which is no longer pending then. `held` is what came with
+    /// the request, valid during the call, and null if nothing did.
     struct Handler {
         /// Returns what became of the change.
-        std::function<Outcome(const ConfirmationRequest&)> confirm;
+        std::function<Outcome(const ConfirmationRequest&, void* held)> confirm;
         std::function<void(const ConfirmationRequest&)> cancel;  ///< may be absent
     };
 
@@ -43,8 +44,8 @@ public:
     const std::vector<std::string>& targetPaths() const { return targetPaths_; }
 
     /// Makes `request` the pending one. It replaces an older one without a message and without a
-    /// call of its handler. `held` is what its owner holds for it: released when the request is
-    /// answered, after the call of the handler, or replaced.
+    /// call of its handler. `held` is what its owner holds for it until the request is answered or
+    /// replaced.
     void requestConfirmation(ConfirmationRequest request, std::vector<std::string> targetPaths = {},
                              std::shared_ptr<void> held = {});
 

@@ -8,7 +8,7 @@
 namespace tallowcrest {
 
 // The recommendations, which describe the machine's state in plain language. All of them are built
-// anew for each sample: first from the sample alone, then with the recent timeline.
+// again for each sample: first from the sample alone, then with the recent timeline.
 
 /// The recommendations from one sample: at least one and at most five, the most urgent kinds first.
 /// `processes` are all rows of the table in its order; `pressure` and `cpuPercent` are in percent.

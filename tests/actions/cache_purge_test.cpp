@@ -14,7 +14,7 @@
 namespace tallowcrest {
 namespace {
 
-using Purge = PurgeResult::Outcome;
+using Purge = PurgeResult::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -126,8 +126,8 @@ TEST(ToolCachePurge, CanRunAgainAfterAFailure) {
     launcher.results = {exitedWith(1), exitedWith(0)};
     const CommandSafetyPolicy::AllowedExecutables allowed{"/only"};
     ToolCachePurge purge(allowed, launcher, {{.path = "/only"}});
-    EXPECT_EQ(purge.purge().outcome, Purge::refused);
-    EXPECT_EQ(purge.purge().outcome, Purge::purged);
+    EXPECT_EQ(purge.purge().kind, Purge::refused);
+    EXPECT_EQ(purge.purge().kind, Purge::purged);
 }
 
 }  // namespace

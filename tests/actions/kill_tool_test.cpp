@@ -15,7 +15,7 @@
 namespace tallowcrest {
 namespace {
 
-using Termination = TerminationResult::Outcome;
+using Termination = TerminationResult::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -51,8 +51,8 @@ TEST_F(KillToolTest, LaunchesTheToolWithTERMAndThePid) {
 
 TEST_F(KillToolTest, AcceptsTheSmallestAndTheLargestPid) {
     startTimes = {{2, reviewed}, {2147483647, later}};
-    EXPECT_EQ(tool.hold(2, reviewed)->terminate().outcome, Termination::asked);
-    EXPECT_EQ(tool.hold(2147483647, later)->terminate().outcome, Termination::asked);
+    EXPECT_EQ(tool.hold(2, reviewed)->terminate().kind, Termination::asked);
+    EXPECT_EQ(tool.hold(2147483647, later)->terminate().kind, Termination::asked);
     ASSERT_EQ(launcher.requests.size(), 2U);
     EXPECT_THAT(launcher.requests[0].arguments, ElementsAre("-TERM", "2"));
     EXPECT_THAT(launcher.requests[1].arguments, ElementsAre("-TERM", "2147483647"));
@@ -106,7 +106,7 @@ TEST_F(KillToolTest, IsNotLaunchedWhereItIsNotAllowed) {
 TEST_F(KillToolTest, TheAllowlistIsCheckedFirst) {
     CommandSafetyPolicy::AllowedExecutables none{};
     KillTool refused(none, launcher, [](std::int64_t) { return 0; });
-    EXPECT_EQ(refused.hold(4242, reviewed)->terminate().outcome, Termination::blocked);
+    EXPECT_EQ(refused.hold(4242, reviewed)->terminate().kind, Termination::blocked);
 }
 
 TEST_F(KillToolTest, APidReusedAfterTheHoldIsNotSignalled) {
@@ -116,7 +116,7 @@ TEST_F(KillToolTest, APidReusedAfterTheHoldIsNotSignalled) {
     EXPECT_EQ(held->terminate(), (TerminationResult{Termination::blocked, ""}));
     EXPECT_THAT(launcher.requests, IsEmpty());
 
-    EXPECT_EQ(tool.hold(4242, later)->terminate().outcome, Termination::asked);
+    EXPECT_EQ(tool.hold(4242, later)->terminate().kind, Termination::asked);
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
@@ -138,9 +138,9 @@ TEST_F(KillToolTest, AProcessThatHasEndedIsNotSignalled) {
 TEST_F(KillToolTest, AnUnknownStartTimeMeansTheProcessWithThePidAtTheHold) {
     startTimes[4242] = reviewed;
     const auto held = tool.hold(4242, 0);
-    EXPECT_EQ(held->terminate().outcome, Termination::asked);
+    EXPECT_EQ(held->terminate().kind, Termination::asked);
     startTimes[4242] = later;
-    EXPECT_EQ(held->terminate().outcome, Termination::blocked);
+    EXPECT_EQ(held->terminate().kind, Termination::blocked);
     EXPECT_EQ(launcher.requests.size(), 1U);
 }
 
@@ -157,7 +157,7 @@ TEST_F(KillToolTest, AHeldProcessOutlivesTheControl) {
         allowed, launcher, [start = reviewed](std::int64_t) { return start; });
     const auto held = shortLived->hold(4242, reviewed);
     shortLived.reset();
-    EXPECT_EQ(held->terminate().outcome, Termination::asked);
+    EXPECT_EQ(held->terminate().kind, Termination::asked);
 }
 
 }  // namespace

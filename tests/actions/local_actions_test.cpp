@@ -12,7 +12,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using Purge = PurgeResult::Outcome;
+using Purge = PurgeResult::Kind;
 
 constexpr const char* firstStep = "1. Select an offender to review. No optimization has run yet.";
 constexpr const char* purgeStep = "3. Confirm cache purge, or cancel and keep reviewing.";

@@ -6,7 +6,7 @@
 namespace tallowcrest {
 namespace {
 
-using Termination = TerminationResult::Outcome;
+using Termination = TerminationResult::Kind;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;

@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 constexpr const char* blocked = "Blocked an invalid process termination request.";
-using Termination = TerminationResult::Outcome;
+using Termination = TerminationResult::Kind;
 
 class QuitProcess : public LocalActionsFixture {
 protected:

@@ -55,7 +55,7 @@ TEST(ActivityKinds, AreToldFromTheStoredTexts) {
     }
 }
 
-TEST(ActivityKinds, TheAutomaticRulesAreToldApartByTheirDetail) {
+TEST(ActivityKinds, TheDetailDistinguishesTheAutomaticRules) {
     EXPECT_EQ(autoPurgeDetail, "Purged caches after sustained high memory pressure.");
     EXPECT_EQ(kindOfStoredEvent("Auto Rule", autoPurgeDetail), ActivityKind::autoPurge);
     EXPECT_EQ(kindOfStoredEvent("Auto Rule", "Selected Arc."), ActivityKind::autoSelect);
@@ -78,7 +78,7 @@ TEST(ActivityKinds, OfRecordedEventsComeBackWithTheNextStart) {
     }
 }
 
-TEST(ActivityKinds, AreNoPartOfTheStoredText) {
+TEST(ActivityKinds, AreNotStored) {
     ActivityEvent event{UUID{}, Date{}, "Action", "Detail"};
     const auto text = record_json::encode(std::vector{event});
     event.kind = ActivityKind::chat;

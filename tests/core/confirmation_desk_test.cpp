@@ -20,7 +20,7 @@ using ::testing::SizeIs;
 class ConfirmationDeskTest : public ::testing::Test, protected TestServices {
 protected:
     ConfirmationDeskTest() {
-        desk.registerKind("melt", {[this](const ConfirmationRequest& request) {
+        desk.registerKind("melt", {[this](const ConfirmationRequest& request, void*) {
                                        EXPECT_FALSE(desk.pendingConfirmation());
                                        confirmed.push_back(request.title);
                                        return Outcome::done(request.title);
@@ -28,7 +28,7 @@ protected:
                                    [this](const ConfirmationRequest& request) {
                                        canceled.push_back(request.title);
                                    }});
-        desk.registerKind("pour", {[this](const ConfirmationRequest& request) {
+        desk.registerKind("pour", {[this](const ConfirmationRequest& request, void*) {
                                        confirmed.push_back(request.title);
                                        return Outcome::done(request.title);
                                    },
@@ -64,7 +64,7 @@ TEST_F(ConfirmationDeskTest, ConfirmingTwiceRunsOnce) {
 }
 
 TEST_F(ConfirmationDeskTest, ARequestMadeByAHandlerIsPending) {
-    const auto next = [this](const ConfirmationRequest&) {
+    const auto next = [this](const ConfirmationRequest&, auto...) {
         desk.requestConfirmation(request("pour", "Pour it?"));
         return Outcome::asked();
     };

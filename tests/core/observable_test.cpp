@@ -21,7 +21,7 @@ protected:
     std::function<void()> count = [this] { ++told; };
 };
 
-TEST_F(ObservableTest, TellsOncePerTurnHoweverManyChanges) {
+TEST_F(ObservableTest, NotifiesOncePerTurn) {
     const Subscription subscription = observable.subscribe(count);
     queue.turn();
     EXPECT_EQ(queue.pendingCount(), 0U);
@@ -40,7 +40,7 @@ TEST_F(ObservableTest, TellsOncePerTurnHoweverManyChanges) {
     EXPECT_EQ(told, 2);
 }
 
-TEST_F(ObservableTest, AChangeMadeByAnObserverIsToldOnTheTurnAfter) {
+TEST_F(ObservableTest, AChangeByAnObserverNotifiesOnTheNextTurn) {
     int changes = 0;
     const Subscription subscription = observable.subscribe([&] {
         if (++changes < 3) {
@@ -178,7 +178,7 @@ protected:
     std::optional<ObserverGroup> group{std::in_place, queue, [this] { ++told; }};
 };
 
-TEST_F(ObserverGroupTest, IsToldOnceOfSeveralChanges) {
+TEST_F(ObserverGroupTest, NotifiesOnceForSeveralChanges) {
     group->observe({&first, &second});
     for (int i = 0; i < 100; ++i) {
         first.changed();
@@ -191,7 +191,7 @@ TEST_F(ObserverGroupTest, IsToldOnceOfSeveralChanges) {
     EXPECT_EQ(told, 2);
 }
 
-TEST_F(ObserverGroupTest, IsNotToldOfWhatItDoesNotObserve) {
+TEST_F(ObserverGroupTest, IgnoresOtherObservables) {
     group->observe({&first});
     for (int i = 0; i < 100; ++i) {
         other.changed();
@@ -207,7 +207,7 @@ TEST_F(ObserverGroupTest, IsNotToldOfWhatItDoesNotObserve) {
     EXPECT_EQ(told, 1);
 }
 
-TEST_F(ObserverGroupTest, ObservingOthersDropsWhatTheFormerOnesAskedToTell) {
+TEST_F(ObserverGroupTest, ObservingOthersDropsPendingNotifications) {
     group->observe({&first});
     first.changed();
     queue.turn();

@@ -104,7 +104,9 @@ TEST_F(MonitorWiring, TheReportContainsEveryPartOfTheState) {
     for (const char* part :
          {"CPU: 10%", "SSH user: someone", "700\t40.0% CPU\t900 MB\tphoto-indexer",
           "No remote scan results.", "Never Quit Apps\nDocker\n", "Auto-scan remote Macs: On",
-          "OpenAI key saved: No", "Last AI insight: Local recommendations are active.",
+          "OpenAI key saved: No",
+          "Last AI insight: Local recommendations are active. Connect paid AI for deeper "
+          "explanations and follow-up questions.\n",
           "local_purge\ttrust ", "Docker added to Never Quit.", "Session Insights\nPeak CPU"}) {
         EXPECT_THAT(copied.front(), HasSubstr(part));
     }

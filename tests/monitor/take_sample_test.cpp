@@ -15,6 +15,7 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -103,6 +104,14 @@ TEST_F(TakeSampleTest, ReturnsWhatItRead) {
                 ElementsAre("Memory pressure is rising", "CPU load is very high"));
     EXPECT_THAT(result.recommendations.front().detail, HasSubstr("You have 1.5 GB free"));
     EXPECT_EQ(result.recommendations.back().relatedPID, 2);
+}
+
+TEST_F(TakeSampleTest, RecommendationsAreBuiltFromTheWholeTable) {
+    for (int pid = 10; pid < 160; ++pid) {
+        metrics->processes.push_back(row(pid, 0.1, "/opt/chrome"));
+    }
+    ticks->pass(0);
+    EXPECT_THAT(titlesOf(take().recommendations), Contains("Chrome has 150 helper processes"));
 }
 
 TEST_F(TakeSampleTest, RankedRowsAreCutTo120AndTheTableIsNot) {

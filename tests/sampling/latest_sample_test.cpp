@@ -208,7 +208,7 @@ TEST_F(LatestSampleTest, RegroupsTheLatestProcessesUnderAnotherNeverQuitList) {
     }
 }
 
-TEST_F(LatestSampleTest, TellsWhichPartOfTheHistoryIsOfThisRun) {
+TEST_F(LatestSampleTest, SeparatesTheHistoryOfThisRun) {
     std::vector<HistoryPoint> old(100, {UUID::random(), Date{1}, 1, 2});
     with.settings.save(stored::history, old);
     LatestSample next(with.settings, with.mainQueue);

@@ -48,17 +48,17 @@ private:
         TerminationResult terminate() override {
             const auto now = control.running.find(number);
             if (now == control.running.end()) {
-                return {TerminationResult::Outcome::refused, {}};
+                return {TerminationResult::Kind::refused, {}};
             }
             if (now->second != start) {
-                return {TerminationResult::Outcome::blocked, {}};
+                return {TerminationResult::Kind::blocked, {}};
             }
             const auto result = control.results.find(number);
             if (result != control.results.end()) {
                 return result->second;
             }
             control.signalled.push_back({number, start});
-            return {TerminationResult::Outcome::asked, {}};
+            return {TerminationResult::Kind::asked, {}};
         }
 
         FakeProcessControl& control;
@@ -92,7 +92,7 @@ public:
         return result;
     }
 
-    PurgeResult result{PurgeResult::Outcome::purged, {}};
+    PurgeResult result{PurgeResult::Kind::purged, {}};
     int count = 0;
 };
 

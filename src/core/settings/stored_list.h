@@ -11,7 +11,7 @@ namespace stored {
 template <class Records>
 struct List;
 
-/// Encodes a list anew for every save.
+/// Encodes the whole list for every save.
 struct WholeEncoder {
     template <class Records>
     std::optional<std::string> encode(const Records& records) const;

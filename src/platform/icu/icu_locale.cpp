@@ -245,7 +245,7 @@ std::int64_t IcuLocale::localDay(Date date) const {
 }
 
 // The C library, and not ICU, is asked: it understands every form of TZ, and it notices a change of
-// zone under a running program, for which ICU would have to search its way anew each time.
+// zone under a running program, for which ICU would have to search for it each time.
 std::int64_t utcOffsetOfThisMachine(Date date) {
     ::tzset();
     const auto instant = static_cast<std::time_t>(std::floor(date.unixSeconds()));

@@ -178,12 +178,12 @@ Answer ask(const Files& files, const InstanceRequest& request, milliseconds time
 }
 
 InstanceStart unguarded(std::string message) {
-    return {InstanceStart::Outcome::unguarded, std::nullopt, std::move(message)};
+    return {InstanceStart::Kind::unguarded, std::nullopt, std::move(message)};
 }
 
 InstanceStart noAnswer(pid_t process) {
     const std::string which = process > 0 ? " (process " + std::to_string(process) + ")" : "";
-    return {InstanceStart::Outcome::noAnswer, std::nullopt,
+    return {InstanceStart::Kind::noAnswer, std::nullopt,
             "already running" + which + " but not answering; end that process to start anew"};
 }
 
@@ -272,14 +272,14 @@ InstanceStart startInstance(const InstancePlace& place, const InstanceRequest& r
             if (!listener.valid()) {
                 return unguarded(describe(files.path + '/' + files.socket, errno));
             }
-            return {InstanceStart::Outcome::first,
+            return {InstanceStart::Kind::first,
                     InstanceGuard(std::move(lock), std::move(listener)),
                     {}};
         }
         lock.reset();
         switch (ask(files, request, timeouts.answer, process)) {
             case Answer::shown:
-                return {InstanceStart::Outcome::handedOver, std::nullopt, {}};
+                return {InstanceStart::Kind::handedOver, std::nullopt, {}};
             case Answer::timeout:
                 return noAnswer(process);
             case Answer::unavailable:

@@ -79,13 +79,13 @@ struct InstanceTimeouts {
 };
 
 struct InstanceStart {
-    enum class Outcome {
+    enum class Kind {
         first,       ///< this process is the instance, for as long as it keeps `guard`
         handedOver,  ///< another process is, and now shows its window
         noAnswer,    ///< another process is but does not answer; `message` says so
         unguarded,   ///< this cannot be determined; `message` says why
     };
-    Outcome outcome;
+    Kind kind;
     std::optional<InstanceGuard> guard;
     std::string message;
 };

@@ -15,7 +15,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = TerminationResult::Outcome;
+using Kind = TerminationResult::Kind;
 
 /// Which process an opened pidfd refers to.
 enum class Identity {
@@ -86,7 +86,7 @@ public:
             case Identity::expected:
                 return signal();
             case Identity::other:
-                return {Outcome::blocked, {}};
+                return {Kind::blocked, {}};
             case Identity::unknown:
                 break;
         }
@@ -97,9 +97,9 @@ private:
     TerminationResult signal() const {
         switch (const int error = sendTerm(process_)) {
             case 0:
-                return {Outcome::asked, {}};
+                return {Kind::asked, {}};
             case EPERM:
-                return {Outcome::refused, {}};
+                return {Kind::refused, {}};
             case ESRCH:
                 return notFound();
             default:
@@ -110,11 +110,11 @@ private:
     /// The outcome when the expected process cannot be signalled: blocked when its pid is in use by
     /// another one, else refused because it has ended.
     TerminationResult notFound() const {
-        return {isInUse(pid_) ? Outcome::blocked : Outcome::refused, {}};
+        return {isInUse(pid_) ? Kind::blocked : Kind::refused, {}};
     }
 
     static TerminationResult failure(int error) {
-        return {Outcome::failed, std::generic_category().message(error)};
+        return {Kind::failed, std::generic_category().message(error)};
     }
 
     pid_t pid_;

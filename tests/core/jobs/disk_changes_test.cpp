@@ -26,7 +26,7 @@ TEST(DiskChangesTest, AChangeThatMovesEndsOnce) {
         first.reset();
         EXPECT_TRUE(changes.begin());
     }
-    changes.finish();  // hangs if a change were counted still, or below none
+    changes.finish();  // would hang if the count were not 0
     EXPECT_FALSE(changes.begin());
 }
 
@@ -40,7 +40,7 @@ TEST(DiskChangesTest, TheFinishWaitsForAllThatAreUnderWay) {
         changes.finish();
         endedBeforeTheFinish = ended;
     });
-    // From the moment when none may begin, the other thread is inside of the call.
+    // Once none may begin, the other thread is inside `finish`.
     while (changes.begin()) {
         std::this_thread::yield();
     }

@@ -298,7 +298,7 @@ class JobFunctions : public JobsTest {
 protected:
     ~JobFunctions() override { scope.reset(); }
 
-    /// Begins a job with and one without progress, of three functions in all.
+    /// Begins a job with progress and one without; together they have three functions.
     void begin() {
         const auto noted = [this] {
             return std::shared_ptr<void>(

@@ -52,7 +52,7 @@ TEST(TaskTest, AMoveTakesTheFunctionAlong) {
     EXPECT_TRUE(task);
 }
 
-TEST(TaskTest, LetsGoOfWhatItHoldsWhenItIsEmptiedOrGone) {
+TEST(TaskTest, DestroysItsFunctionWhenResetOrDestroyed) {
     const auto held = std::make_shared<int>(0);
     {
         Task task = [held] {};

@@ -107,7 +107,7 @@ TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
     EXPECT_EQ(store.writes, 0);
 }
 
-TEST(SettingsKeys, StandInTheTableOnceEachWithTheirKind) {
+TEST(SettingsKeys, AreListedOnceWithTheirKind) {
     std::map<SettingsKind, std::vector<std::string_view>> names;
     for (const keys::Key& key : keys::all) {
         names[key.kind].push_back(key.name);
@@ -181,7 +181,7 @@ TEST(EmergencyStop, SwitchesOffWhatActsByItselfInMemoryAlone) {
     EXPECT_EQ(store.values.read(keys::diskAutopilotKey), SettingsValue(true));
 }
 
-TEST(EmergencyStop, ThatIsNotEngagedLeavesTheSwitchesOn) {
+TEST(EmergencyStop, LeavesTheSwitchesOnWhenNotEngaged) {
     ManualMainQueue mainQueue;
     MemorySettingsStore store;
     for (const std::string_view key :

@@ -238,7 +238,7 @@ TEST(ThreadPool, FinishingDropsWhatHasNotBegunAndTakesNothingNew) {
     EXPECT_FALSE(ranLate);
 }
 
-TEST(ThreadPool, WhatADroppedJobHoldsMayPostAsItGoes) {
+TEST(ThreadPool, DestroyingADroppedJobMayPost) {
     bool destroyed = false;
     ThreadPool pool(noSetup);
     AllThreadsBusy busy(pool);

@@ -193,7 +193,7 @@ TEST(UTCOffsetOfThisMachine, FollowsTheZoneAndItsSummer) {
     }
 }
 
-TEST(UTCOffsetOfThisMachine, IsAskedAnewByTheLocale) {
+TEST(UTCOffsetOfThisMachine, TheLocaleAsksForEachDate) {
     const IcuLocale locale(everythingOf("de_DE"));
     {
         const TimeZone set(berlin);

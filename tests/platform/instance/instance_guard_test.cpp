@@ -27,7 +27,7 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using Outcome = InstanceStart::Outcome;
+using Kind = InstanceStart::Kind;
 using std::chrono::milliseconds;
 
 /// Answers every request, as the window program does.
@@ -71,7 +71,7 @@ protected:
     std::unique_ptr<TestChild> otherInstance() const {
         auto child = std::make_unique<TestChild>([this] {
             InstanceStart other = start();
-            if (other.outcome == Outcome::first) {
+            if (other.kind == Kind::first) {
                 const UniqueFD ready(
                     ::open(folder.path("ready").c_str(), O_WRONLY | O_CREAT, 0600));
                 serve(*other.guard, folder.path("token"));
@@ -89,7 +89,7 @@ protected:
 
 TEST_F(InstanceGuardTest, TheFirstStartIsTheInstanceAndItsFilesArePrivate) {
     const InstanceStart first = start();
-    ASSERT_EQ(first.outcome, Outcome::first);
+    ASSERT_EQ(first.kind, Kind::first);
     EXPECT_EQ(first.message, "");
     EXPECT_GE(first.guard->listener(), 0);
     struct stat status {};
@@ -104,33 +104,33 @@ TEST_F(InstanceGuardTest, TheFirstStartIsTheInstanceAndItsFilesArePrivate) {
 TEST_F(InstanceGuardTest, TheSecondStartHandsOverWithItsToken) {
     const auto other = otherInstance();
     const InstanceStart second = start({"token_TIME1"});
-    EXPECT_EQ(second.outcome, Outcome::handedOver);
+    EXPECT_EQ(second.kind, Kind::handedOver);
     EXPECT_FALSE(second.guard.has_value());
     EXPECT_EQ(folder.read("token"), "token_TIME1");
-    EXPECT_EQ(start().outcome, Outcome::handedOver);
+    EXPECT_EQ(start().kind, Kind::handedOver);
     EXPECT_EQ(folder.read("token"), "");
     place.name = "window-other";
-    EXPECT_EQ(start().outcome, Outcome::first) << "another place is another instance";
+    EXPECT_EQ(start().kind, Kind::first) << "another place is another instance";
 }
 
 TEST_F(InstanceGuardTest, AStartAfterAnEndedOrKilledInstanceIsTheFirst) {
     otherInstance()->end();
     ASSERT_EQ(::access(socketPath().c_str(), F_OK), 0);
     ASSERT_EQ(::access(lockPath().c_str(), F_OK), 0);
-    EXPECT_EQ(start().outcome, Outcome::first) << "even if its files are left";
-    EXPECT_EQ(start().outcome, Outcome::first);
+    EXPECT_EQ(start().kind, Kind::first) << "even if its files are left";
+    EXPECT_EQ(start().kind, Kind::first);
 }
 
 TEST_F(InstanceGuardTest, AHungInstanceIsReportedAndStaysTheOnlyOne) {
     const auto other = otherInstance();
     ASSERT_EQ(::kill(other->pid(), SIGSTOP), 0);
     const InstanceStart second = startWithShortTimeouts();
-    EXPECT_EQ(second.outcome, Outcome::noAnswer);
+    EXPECT_EQ(second.kind, Kind::noAnswer);
     EXPECT_FALSE(second.guard.has_value());
     EXPECT_THAT(second.message, HasSubstr("process " + std::to_string(other->pid())));
     EXPECT_EQ(second.message.find('\n'), std::string::npos);
     ASSERT_EQ(::kill(other->pid(), SIGCONT), 0);
-    EXPECT_EQ(start().outcome, Outcome::handedOver);
+    EXPECT_EQ(start().kind, Kind::handedOver);
 }
 
 TEST_F(InstanceGuardTest, WaitsForAnInstanceThatNoLongerListensToEnd) {
@@ -143,12 +143,12 @@ TEST_F(InstanceGuardTest, WaitsForAnInstanceThatNoLongerListensToEnd) {
         }
     });
     ASSERT_TRUE(eventually([this] { return ::access(folder.path("ready").c_str(), F_OK) == 0; }));
-    EXPECT_EQ(startWithShortTimeouts().outcome, Outcome::noAnswer);
+    EXPECT_EQ(startWithShortTimeouts().kind, Kind::noAnswer);
     const TestChild ender([this] {
         ::poll(nullptr, 0, 100);
         const UniqueFD end(::open(folder.path("end").c_str(), O_WRONLY | O_CREAT, 0600));
     });
-    EXPECT_EQ(start().outcome, Outcome::first);
+    EXPECT_EQ(start().kind, Kind::first);
 }
 
 TEST_F(InstanceGuardTest, AWrongAnswerCountsAsNoAnswer) {
@@ -161,7 +161,7 @@ TEST_F(InstanceGuardTest, AWrongAnswerCountsAsNoAnswer) {
             local_socket::send(socket.get(), "SHOWN\n and much more\n");
         }
     });
-    EXPECT_EQ(startWithShortTimeouts().outcome, Outcome::noAnswer);
+    EXPECT_EQ(startWithShortTimeouts().kind, Kind::noAnswer);
 }
 
 class InstancePeerTest : public InstanceGuardTest {
@@ -286,10 +286,10 @@ TEST_F(InstancePeerTest, IsAcceptedEvenAtTheDescriptorLimit) {
 TEST_F(InstanceGuardTest, APathLongerThanASocketAddressWorks) {
     place.directory = folder.path(std::string(120, 'a') + '/' + std::string(120, 'b'));
     const auto other = otherInstance();
-    EXPECT_EQ(start({"far"}).outcome, Outcome::handedOver);
+    EXPECT_EQ(start({"far"}).kind, Kind::handedOver);
     EXPECT_EQ(folder.read("token"), "far");
     other->end();
-    EXPECT_EQ(start().outcome, Outcome::first);
+    EXPECT_EQ(start().kind, Kind::first);
 }
 
 TEST_F(InstanceGuardTest, ADirectoryThatCannotBeCreatedLeavesTheStartUnguarded) {
@@ -298,7 +298,7 @@ TEST_F(InstanceGuardTest, ADirectoryThatCannotBeCreatedLeavesTheStartUnguarded) 
           folder.path("file") + "/below", std::string()}) {
         place.directory = directory;
         const InstanceStart alone = start();
-        EXPECT_EQ(alone.outcome, Outcome::unguarded);
+        EXPECT_EQ(alone.kind, Kind::unguarded);
         EXPECT_FALSE(alone.guard.has_value());
         EXPECT_THAT(alone.message,
                     directory.empty() ? HasSubstr("no directory") : HasSubstr(directory + ": "));
@@ -308,24 +308,24 @@ TEST_F(InstanceGuardTest, ADirectoryThatCannotBeCreatedLeavesTheStartUnguarded) 
 TEST_F(InstanceGuardTest, ADirectoryWhereOthersMayWriteIsNotTrusted) {
     ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
     ASSERT_EQ(::chmod(place.directory.c_str(), 0777), 0);
-    EXPECT_EQ(start().outcome, Outcome::unguarded);
+    EXPECT_EQ(start().kind, Kind::unguarded);
     EXPECT_THAT(start().message, EndsWith("others may write there"));
     ASSERT_EQ(::chmod(place.directory.c_str(), 0700), 0);
-    EXPECT_EQ(start().outcome, Outcome::first);
+    EXPECT_EQ(start().kind, Kind::first);
 }
 
 TEST_F(InstanceGuardTest, ALinkInPlaceOfTheLockIsNotFollowed) {
     ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
     const std::string target = folder.path("target");
     ASSERT_EQ(::symlink(target.c_str(), lockPath().c_str()), 0);
-    EXPECT_EQ(start().outcome, Outcome::unguarded);
+    EXPECT_EQ(start().kind, Kind::unguarded);
     EXPECT_NE(::access(target.c_str(), F_OK), 0);
 }
 
 TEST_F(InstanceGuardTest, ADirectoryInPlaceOfTheSocketLeavesTheStartUnguarded) {
     ASSERT_EQ(::mkdir(place.directory.c_str(), 0700), 0);
     ASSERT_EQ(::mkdir(socketPath().c_str(), 0700), 0);
-    EXPECT_EQ(start().outcome, Outcome::unguarded);
+    EXPECT_EQ(start().kind, Kind::unguarded);
     EXPECT_THAT(start().message, HasSubstr(socketPath() + ": "));
 }
 
@@ -340,7 +340,7 @@ TEST_F(InstanceGuardTest, AStartWithoutARuntimeDirectoryFindsAnInstanceThatHasOn
          {std::string(), std::string("run"), folder.path("missing")}) {
         const InstancePlace found = instancePlace({unusable, data, "here", runtime});
         EXPECT_EQ(found.directory, place.directory) << unusable;
-        EXPECT_EQ(startInstance(found, {}).outcome, Outcome::handedOver) << unusable;
+        EXPECT_EQ(startInstance(found, {}).kind, Kind::handedOver) << unusable;
     }
     EXPECT_EQ(instanceEnvironment(data).usualRuntimeDirectory,
               "/run/user/" + std::to_string(::geteuid()));

@@ -69,7 +69,7 @@ TEST(InstanceRequest, RefusesEverythingElse) {
     }
 }
 
-TEST(InstanceRequest, NoMoreThanTheMaximumSizeIsEverAwaited) {
+TEST(InstanceRequest, NeverWaitsForMoreThanTheMaximumSize) {
     EXPECT_TRUE(std::holds_alternative<IncompleteRequest>(
         parseInstanceRequest("show " + tokenOf(longestInstanceRequest - 6))));
     EXPECT_TRUE(std::holds_alternative<MalformedRequest>(

@@ -30,7 +30,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = TerminationResult::Outcome;
+using Kind = TerminationResult::Kind;
 
 constexpr std::uint64_t unknownStart = 0;
 
@@ -46,12 +46,12 @@ TEST_F(PidfdProcessControlTest, AProcessThatQuitsWhenAsked) {
     }
     ASSERT_GT(child, 0);
     const auto held = control.hold(child, startTimeOf(child));
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::asked, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Kind::asked, ""}));
 
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Kind::refused, ""}));
 }
 
 TEST_F(PidfdProcessControlTest, AProcessThatIgnoresTheRequestLivesOn) {
@@ -61,7 +61,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatIgnoresTheRequestLivesOn) {
     {
         const auto held = control.hold(child.pid(), startTimeOf(child.pid()));
         for (int time = 0; time < 3; ++time) {
-            EXPECT_EQ(held->terminate().outcome, Outcome::asked);
+            EXPECT_EQ(held->terminate().kind, Kind::asked);
         }
     }
     EXPECT_TRUE(isRunning(child.pid()));
@@ -73,7 +73,7 @@ TEST_F(PidfdProcessControlTest, NothingButTermIsSent) {
         const auto held = control.hold(child.pid(), startTimeOf(child.pid()));
         EXPECT_EQ(child.pending(), noSignal) << "nothing is signalled before the confirmation";
         for (int time = 0; time < 3; ++time) {
-            EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::asked, ""}));
+            EXPECT_EQ(held->terminate(), (TerminationResult{Kind::asked, ""}));
         }
     }
     EXPECT_EQ(child.pending(), termOnly);
@@ -89,7 +89,7 @@ TEST_F(PidfdProcessControlTest, ReleasingSendsNothing) {
 
 TEST_F(PidfdProcessControlTest, AnUnknownStartTimeMatchesAnyProcessWithThePID) {
     const WatchedChild child;
-    EXPECT_EQ(control.hold(child.pid(), unknownStart)->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(control.hold(child.pid(), unknownStart)->terminate().kind, Kind::asked);
     EXPECT_EQ(child.pending(), termOnly);
 }
 
@@ -100,7 +100,7 @@ TEST_F(PidfdProcessControlTest, AnotherStartTimeIsAnotherProcess) {
     for (const std::uint64_t other :
          {started - 1, started + 1, std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()}) {
         EXPECT_EQ(control.hold(child.pid(), other)->terminate(),
-                  (TerminationResult{Outcome::blocked, ""}))
+                  (TerminationResult{Kind::blocked, ""}))
             << other;
     }
     EXPECT_EQ(child.pending(), noSignal);
@@ -114,7 +114,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatEndedBeforeTheHold) {
     child.end();
     for (const std::uint64_t startTime : {started, unknownStart}) {
         EXPECT_EQ(control.hold(pid, startTime)->terminate(),
-                  (TerminationResult{Outcome::refused, ""}));
+                  (TerminationResult{Kind::refused, ""}));
     }
 }
 
@@ -122,7 +122,7 @@ TEST_F(PidfdProcessControlTest, AProcessThatEndsBetweenTheHoldAndTheSignal) {
     WatchedChild child;
     const auto held = control.hold(child.pid(), startTimeOf(child.pid()));
     child.end();
-    EXPECT_EQ(held->terminate(), (TerminationResult{Outcome::refused, ""}));
+    EXPECT_EQ(held->terminate(), (TerminationResult{Kind::refused, ""}));
 }
 
 /// The kernel accepts and drops signals to a zombie, which still owns its pid.
@@ -132,12 +132,12 @@ TEST_F(PidfdProcessControlTest, AZombie) {
     const auto heldAlive = control.hold(child.pid(), started);
     child.becomeZombie();
     const auto heldDead = control.hold(child.pid(), started);
-    EXPECT_EQ(heldAlive->terminate(), (TerminationResult{Outcome::asked, ""}));
-    EXPECT_EQ(heldDead->terminate(), (TerminationResult{Outcome::asked, ""}));
-    EXPECT_EQ(control.hold(child.pid(), started + 1)->terminate().outcome, Outcome::blocked);
+    EXPECT_EQ(heldAlive->terminate(), (TerminationResult{Kind::asked, ""}));
+    EXPECT_EQ(heldDead->terminate(), (TerminationResult{Kind::asked, ""}));
+    EXPECT_EQ(control.hold(child.pid(), started + 1)->terminate().kind, Kind::blocked);
     child.end();
-    EXPECT_EQ(heldAlive->terminate(), (TerminationResult{Outcome::refused, ""}));
-    EXPECT_EQ(heldDead->terminate(), (TerminationResult{Outcome::refused, ""}));
+    EXPECT_EQ(heldAlive->terminate(), (TerminationResult{Kind::refused, ""}));
+    EXPECT_EQ(heldDead->terminate(), (TerminationResult{Kind::refused, ""}));
 }
 
 /// Any process that this account may not signal.
@@ -163,7 +163,7 @@ std::optional<int> outcomeForNobody(pid_t pid, std::uint64_t startTime) {
             return noSuchAccount;
         }
         const TerminationResult result = PidfdProcessControl().hold(pid, startTime)->terminate();
-        return static_cast<int>(result.outcome) + (result.error.empty() ? 0 : 50);
+        return static_cast<int>(result.kind) + (result.error.empty() ? 0 : 50);
     });
 }
 
@@ -177,13 +177,13 @@ TEST_F(PidfdProcessControlTest, AProcessOfAnotherAccount) {
     }
     ASSERT_TRUE(other) << "every process belongs to this account";
     const std::uint64_t started = startTimeOf(*other);
-    EXPECT_EQ(outcomeForNobody(*other, started), static_cast<int>(Outcome::refused));
-    EXPECT_EQ(outcomeForNobody(*other, unknownStart), static_cast<int>(Outcome::refused));
-    EXPECT_EQ(outcomeForNobody(*other, started + 1), static_cast<int>(Outcome::blocked));
+    EXPECT_EQ(outcomeForNobody(*other, started), static_cast<int>(Kind::refused));
+    EXPECT_EQ(outcomeForNobody(*other, unknownStart), static_cast<int>(Kind::refused));
+    EXPECT_EQ(outcomeForNobody(*other, started + 1), static_cast<int>(Kind::blocked));
     if (child) {
         EXPECT_EQ(child->pending(), noSignal);
         child->end();
-        EXPECT_EQ(outcomeForNobody(*other, started), static_cast<int>(Outcome::refused));
+        EXPECT_EQ(outcomeForNobody(*other, started), static_cast<int>(Kind::refused));
     }
 }
 
@@ -192,8 +192,8 @@ TEST_F(PidfdProcessControlTest, TheCallingProcessIsNotExempt) {
     const BlockedSignals inheritedByTheChild;
     const auto status = statusOfChild([] {
         const pid_t own = ::getpid();
-        const auto outcome = PidfdProcessControl().hold(own, startTimeOf(own))->terminate().outcome;
-        return outcome == Outcome::asked && pendingSignals(own) == termOnly ? 0 : 1;
+        const auto outcome = PidfdProcessControl().hold(own, startTimeOf(own))->terminate().kind;
+        return outcome == Kind::asked && pendingSignals(own) == termOnly ? 0 : 1;
     });
     EXPECT_EQ(status, 0);
 }
@@ -215,8 +215,7 @@ TEST_F(PidfdProcessControlTest, AThreadIDIsNotAPID) {
             std::unique_lock guard(lock);
             changed.wait(guard, [&] { return threadID != 0; });
         }
-        const auto outcome =
-            PidfdProcessControl().hold(threadID, unknownStart)->terminate().outcome;
+        const auto outcome = PidfdProcessControl().hold(threadID, unknownStart)->terminate().kind;
         const auto pending = pendingSignals(::getpid());
         const auto pendingOfThread = pendingSignals(threadID);
         {
@@ -224,9 +223,8 @@ TEST_F(PidfdProcessControlTest, AThreadIDIsNotAPID) {
             isOver = true;
         }
         changed.notify_all();
-        return outcome == Outcome::blocked && pending == noSignal && pendingOfThread == noSignal
-                   ? 0
-                   : 1;
+        return outcome == Kind::blocked && pending == noSignal && pendingOfThread == noSignal ? 0
+                                                                                              : 1;
     });
     EXPECT_EQ(status, 0);
 }
@@ -270,7 +268,7 @@ TEST_F(PidfdProcessControlTest, WithoutAFreeDescriptor) {
         if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
             return 1;
         }
-        const TerminationResult expected{Outcome::failed, std::generic_category().message(EMFILE)};
+        const TerminationResult expected{Kind::failed, std::generic_category().message(EMFILE)};
         return PidfdProcessControl().hold(child.pid(), unknownStart)->terminate() == expected ? 0
                                                                                               : 2;
     });
@@ -286,8 +284,7 @@ TEST_F(PidfdProcessControlTest, AKernelWithoutTheCallsSignalsNobody) {
             if (!refuseCall(call, ENOSYS)) {
                 return 1;
             }
-            const TerminationResult expected{Outcome::failed,
-                                             std::generic_category().message(ENOSYS)};
+            const TerminationResult expected{Kind::failed, std::generic_category().message(ENOSYS)};
             const auto held = PidfdProcessControl().hold(child.pid(), startTimeOf(child.pid()));
             return held->terminate() == expected ? 0 : 2;
         });
@@ -303,7 +300,7 @@ TEST_F(PidfdProcessControlTest, HeldProcessesAreIndependent) {
     for (const WatchedChild& child : children) {
         held.push_back(control.hold(child.pid(), startTimeOf(child.pid())));
     }
-    EXPECT_EQ(held[1]->terminate().outcome, Outcome::asked);
+    EXPECT_EQ(held[1]->terminate().kind, Kind::asked);
     EXPECT_EQ(children[0].pending(), noSignal);
     EXPECT_EQ(children[1].pending(), termOnly);
     EXPECT_EQ(children[2].pending(), noSignal);

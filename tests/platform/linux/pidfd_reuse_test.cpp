@@ -20,7 +20,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = TerminationResult::Outcome;
+using Kind = TerminationResult::Kind;
 
 /// Counts of process 1 of the namespace, in memory shared with the test.
 struct Tally {
@@ -62,13 +62,12 @@ enum Failure : int { none = 0, noSuchPID = 1, noStartTime = 2, mayNotChoosePIDs 
 
 /// Terminates the held process while a later one has its pid, and then that one.
 void terminateBoth(HeldProcess& reviewed, std::uint64_t laterStartTime, Tally& tally) {
-    const Outcome outcome = reviewed.terminate().outcome;
-    tally.blocked += outcome == Outcome::blocked ? 1 : 0;
+    const Kind outcome = reviewed.terminate().kind;
+    tally.blocked += outcome == Kind::blocked ? 1 : 0;
     tally.wrongSignals += pendingSignals(reusedPID) != noSignal ? 1 : 0;
 
     PidfdProcessControl control;
-    tally.asked +=
-        control.hold(reusedPID, laterStartTime)->terminate().outcome == Outcome::asked ? 1 : 0;
+    tally.asked += control.hold(reusedPID, laterStartTime)->terminate().kind == Kind::asked ? 1 : 0;
     tally.delivered += pendingSignals(reusedPID) == termOnly ? 1 : 0;
     ++tally.rounds;
 }
@@ -222,7 +221,7 @@ TEST(PidfdReuse, PIDsOfAnotherNamespaceAreNotSignalled) {
         }
         PidfdProcessControl control;
         for (const std::uint64_t startTime : {std::uint64_t{0}, outsideStartTime}) {
-            if (control.hold(inside, startTime)->terminate().outcome != Outcome::blocked) {
+            if (control.hold(inside, startTime)->terminate().kind != Kind::blocked) {
                 return wasNotBlocked;
             }
         }

@@ -1,5 +1,6 @@
 #include "platform/linux/procfs_metrics_reader.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -90,9 +91,12 @@ TEST(ProcStatTickSourceTest, ReadsTheFirstLine) {
     FakeProcTree tree;
     tree.putFile("stat", "cpu  1 2 3 4 5 6 7 8 9 10\ncpu0 1 1 1 1\n" + std::string(5000, 'x'));
     ProcStatTickSource source(tree.root());
+    const auto before = std::chrono::steady_clock::now().time_since_epoch();
     const auto first = source.readTicks();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->ticks, (CPUTicks{1, 3 + 6 + 7 + 8, 4 + 5, 2}));
+    EXPECT_GE(first->at, before);
+    EXPECT_LE(first->at, std::chrono::steady_clock::now().time_since_epoch());
 
     tree.putFile("stat", "cpu  10 20 30 40 50 60 70 80 90 100\n");
     const auto second = source.readTicks();

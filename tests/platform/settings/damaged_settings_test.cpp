@@ -202,7 +202,7 @@ TEST_F(DamagedLog, ARestartedLogIsRead) {
     }
     restoreFiles();
     const std::string begun = fileText(file.string() + "-wal");
-    ASSERT_NE(begun.substr(12, 4), std::string(4, '\0')) << "the log was begun anew";
+    ASSERT_NE(begun.substr(12, 4), std::string(4, '\0')) << "the log was restarted";
     ASSERT_NE(begun.substr(32 + 8, 8), begun.substr(32 + 24 + 4096 + 8, 8)) << "older records";
     EXPECT_THAT(readSettingsStore(file).problems, IsEmpty());
     const OpenedStore opened = open();

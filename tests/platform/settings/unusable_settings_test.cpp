@@ -69,7 +69,7 @@ TEST_F(UnusableSettings, LeavesANewerVersionsFileExactlyAsItIs) {
     EXPECT_TRUE(contents() == before);
 }
 
-TEST_F(UnusableSettings, LeavesANewerVersionsFileEvenWhenOnlyItsLogTells) {
+TEST_F(UnusableSettings, LeavesANewerFileWhoseVersionIsOnlyInItsLog) {
     makeStored();
     {
         SqliteConnection connection;

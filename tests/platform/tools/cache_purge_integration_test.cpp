@@ -22,7 +22,7 @@
 namespace tallowcrest {
 namespace {
 
-using Outcome = PurgeResult::Outcome;
+using Kind = PurgeResult::Kind;
 
 constexpr const char* dropCaches = "/proc/sys/vm/drop_caches";
 
@@ -52,7 +52,7 @@ Report purgeAsNobody(bool asForRoot) {
         const PurgeResult result = purge.purge();
         const bool isWritten = ::write(writeEnd.get(), result.error.data(), result.error.size()) ==
                                static_cast<ssize_t>(result.error.size());
-        ::_exit(isWritten ? static_cast<int>(result.outcome) : 98);
+        ::_exit(isWritten ? static_cast<int>(result.kind) : 98);
     }
     writeEnd.reset();
     int status = 0;
@@ -69,7 +69,7 @@ Report purgeAsNobody(bool asForRoot) {
     if (ended != child || !WIFEXITED(status)) {
         return {};
     }
-    Report report{true, {static_cast<Outcome>(WEXITSTATUS(status)), {}}};
+    Report report{true, {static_cast<Kind>(WEXITSTATUS(status)), {}}};
     char buffer[256];
     for (ssize_t length = 0; (length = ::read(readEnd.get(), buffer, sizeof buffer)) > 0;) {
         report.result.error.append(buffer, static_cast<std::size_t>(length));
@@ -80,7 +80,7 @@ Report purgeAsNobody(bool asForRoot) {
 TEST(CachePurgeIntegration, RequiresRoot) {
     const Report report = purgeAsNobody(true);
     ASSERT_TRUE(report.hasEnded);
-    EXPECT_EQ(report.result, (PurgeResult{Outcome::refused, ""}));
+    EXPECT_EQ(report.result, (PurgeResult{Kind::refused, ""}));
 }
 
 TEST(CachePurgeIntegration, DoesNotWaitWhenNobodyCanAuthoriseIt) {
@@ -91,8 +91,8 @@ TEST(CachePurgeIntegration, DoesNotWaitWhenNobodyCanAuthoriseIt) {
     const Report report = purgeAsNobody(false);
     ASSERT_TRUE(report.hasEnded);
     EXPECT_EQ(report.result, isInstalled
-                                 ? (PurgeResult{Outcome::refused, ""})
-                                 : (PurgeResult{Outcome::failed, "No such file or directory"}));
+                                 ? (PurgeResult{Kind::refused, ""})
+                                 : (PurgeResult{Kind::failed, "No such file or directory"}));
 }
 
 TEST(CachePurgeIntegration, RootPurges) {
@@ -103,7 +103,7 @@ TEST(CachePurgeIntegration, RootPurges) {
     const bool isPossible = ::access(dropCaches, W_OK) == 0;
     PosixToolLauncher launcher;
     ToolCachePurge purge(CommandSafetyPolicy::linuxExecutables(), launcher, linuxPurgeTools(true));
-    const PurgeResult expected{isPossible ? Outcome::purged : Outcome::refused, ""};
+    const PurgeResult expected{isPossible ? Kind::purged : Kind::refused, ""};
     EXPECT_EQ(purge.purge(), expected);
 }
 

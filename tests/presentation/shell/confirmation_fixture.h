@@ -21,7 +21,7 @@ protected:
     ConfirmationRequest probe(const std::string& title = "Go on?") {
         if (!isRegistered_) {
             isRegistered_ = true;
-            desk().registerKind("probe", {[this](const ConfirmationRequest& asked) {
+            desk().registerKind("probe", {[this](const ConfirmationRequest& asked, void*) {
                                               confirmed.push_back(asked.title);
                                               return Outcome::done();
                                           },

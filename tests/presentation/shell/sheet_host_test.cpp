@@ -106,7 +106,7 @@ TEST_F(SheetHostTest, AnOpenSheetFollowsTheStateAndAClosedOneDoesNoWork) {
     EXPECT_EQ(lower.sheet->starts, 1);
     want(lower);
     EXPECT_TRUE(lower.isOpen());
-    EXPECT_EQ(lower.sheet->starts, 2) << "it starts anew each time it opens";
+    EXPECT_EQ(lower.sheet->starts, 2) << "it starts again each time it opens";
 }
 
 TEST_F(SheetHostTest, EveryWayToCloseASheetReportsIt) {

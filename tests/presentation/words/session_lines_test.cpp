@@ -41,7 +41,7 @@ TEST_F(ActivityLinesTest, KeepsTheOrderUpToTheLimit) {
     EXPECT_THAT(activityLines(events, 9, at(evening)), SizeIs(3));
 }
 
-TEST_F(ActivityLinesTest, OnlyTheTitleMarksAWarning) {
+TEST_F(ActivityLinesTest, OnlyTheKindMarksAWarning) {
     const auto lines = activityLines({{UUID::random(), at(evening), "Warning", "d"},
                                       {UUID::random(), at(evening), "Auto Rule", "Warning"}},
                                      5, at(evening));
@@ -95,7 +95,7 @@ TEST(SessionSummary, OfASessionWithoutEvents) {
     EXPECT_EQ(sessionSummary({}, {}, {}).size(), sessionSummaryCards);
 }
 
-TEST(SessionSummary, CountsWarningsAndActionsByTheirExactTitles) {
+TEST(SessionSummary, CountsWarningsAndActionsByKind) {
     const auto cards = sessionSummary({event("Warning"), event("Action"), event("Auto Rule"),
                                        event("Action"), event("warning"), event("Actions")},
                                       {}, {});

@@ -118,8 +118,7 @@ TopOffenderFacts OverviewPage::offenderFacts() const {
 
 void OverviewPage::reviewOffender() {
     const auto wanted = topOffender(offenderFacts()).reviewPID;
-    monitor_.actions().review.selectTopApp();
-    if (wanted && wanted == monitor_.actions().review.selectedPID()) {
+    if (monitor_.actions().review.selectTopApp().isAccepted() && wanted) {
         clearHidingFilter(monitor_.sample(), monitor_.actions().review, state_.navigation);
         state_.navigation.setSelectedRoute(AppRoute::load);
     }

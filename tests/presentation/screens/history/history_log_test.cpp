@@ -70,7 +70,7 @@ TEST_F(HistoryLogTest, ClearEmptiesTheLogAndSaysSo) {
     EXPECT_THAT(details(), ElementsAre("after"));
 }
 
-TEST_F(HistoryLogTest, ClearIsPressedOnPurposeAndStandsAlone) {
+TEST_F(HistoryLogTest, ClearIsApartFromTheOtherControls) {
     recordMany(1);
     auto* clear = visible<QPushButton>("history.clear-log");
     clear->setFocus();
@@ -89,7 +89,7 @@ TEST_F(HistoryLogTest, ClearIsPressedOnPurposeAndStandsAlone) {
     EXPECT_TRUE(log().activityLog().empty());
 }
 
-TEST_F(HistoryLogTest, EightyEventsAreAllThereAndNoMore) {
+TEST_F(HistoryLogTest, ShowsExactlyEightyEvents) {
     recordMany(81);
     ASSERT_THAT(entries(), SizeIs(80));
     EXPECT_EQ(details().front(), "event 81");
@@ -140,7 +140,7 @@ TEST_F(HistoryLogTest, AnEventThatArrivesLeavesWhatIsBeingReadWhereItIs) {
     }
 }
 
-TEST_F(HistoryLogTest, WhereTheTopOfTheLogShowsTheNewEventIsSeen) {
+TEST_F(HistoryLogTest, ANewEventIsVisibleWhenScrolledToTheTop) {
     recordMany(40);
     area().verticalScrollBar()->setValue(area().verticalScrollBar()->value() +
                                          placeOf(*entries().front()) - 20);

@@ -202,7 +202,7 @@ TEST_F(HistoryPageTest, CopyReportCopiesTheReportFromCardAndHeaderAlike) {
     showHistory();
     for (const char* each : {"history.receipts.copy-report", "history.copy-report"}) {
         copied.clear();
-        machine.monitor().log().setLastAction({});
+        machine.monitor().log().setLastAction("");
         const auto report = machine.monitor().reports().diagnosticsReport(false);
         click(each);
         EXPECT_THAT(copied, ElementsAre(*report)) << each;
@@ -226,7 +226,7 @@ TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
     goTo(AppRoute::history);
     show();
     for (const char* each : {"history.receipts.export", "history.export"}) {
-        machine.monitor().log().setLastAction({});
+        machine.monitor().log().setLastAction("");
         click(each);
         EXPECT_EQ(textOf("status.last-action"), u"No diagnostic sample is available yet."_s)
             << each;
@@ -235,7 +235,7 @@ TEST_F(HistoryPageTest, ExportSaysWhyItDidNotExport) {
     settle();
     machine.reportFolder->problem = "No space left on device";
     for (const char* each : {"history.receipts.export", "history.export"}) {
-        machine.monitor().log().setLastAction({});
+        machine.monitor().log().setLastAction("");
         click(each);
         machine.finishSamples();
         settle();

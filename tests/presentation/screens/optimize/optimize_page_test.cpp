@@ -133,8 +133,8 @@ TEST_F(OptimizePageTest, PurgeCachesAsksForConfirmationFirst) {
 TEST_F(OptimizePageTest, ARunningPurgeIsShownAndDisablesItsButton) {
     showCleanup();
     const QRect place = purge().geometry();
-    for (const PurgeResult& result : {PurgeResult{PurgeResult::Outcome::purged, {}},
-                                      PurgeResult{PurgeResult::Outcome::failed, "no such tool"}}) {
+    for (const PurgeResult& result : {PurgeResult{PurgeResult::Kind::purged, {}},
+                                      PurgeResult{PurgeResult::Kind::failed, "no such tool"}}) {
         machine.actions.cachePurge->result = result;
         machine.monitor().actions().local.requestPurge();
         machine.monitor().confirmations().confirmPending();

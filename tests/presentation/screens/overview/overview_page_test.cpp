@@ -128,7 +128,7 @@ public:
     int count = 0;
 };
 
-TEST_F(OverviewPageTest, NewFiguresOfAsManyDigitsLayNothingOutAnew) {
+TEST_F(OverviewPageTest, NewFiguresOfTheSameLengthCauseNoLayout) {
     machine.store.write(settings_keys::thresholdKey, 95.0);
     machine.recommendations = {{UUID::random(), "Memory pressure is rising", "Look at it",
                                 Recommendation::Severity::caution, 800}};

@@ -114,7 +114,7 @@ TEST_F(OverviewSectionsTest, KeysCloseAndOpenAndTheFocusStays) {
     EXPECT_EQ(QApplication::focusWidget(), header("section.recentLoad"));
 }
 
-TEST_F(OverviewSectionsTest, AnotherWindowOverTheSameStoreStartsAsTheFirstWasLeft) {
+TEST_F(OverviewSectionsTest, ANewWindowRestoresTheCollapsedSections) {
     machine.store.write(settings_keys::collapsedSectionsKey,
                         SettingsTextList{"gauges", "noSuchSection", "recommendations"});
     showWithSample();
