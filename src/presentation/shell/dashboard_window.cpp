@@ -39,6 +39,8 @@ constexpr QSize firstSize{1080, 720};
 constexpr QSize smallestSize{640, 480};
 /// In narrower windows the sidebar shows only its icons.
 constexpr int foldingWidth = 860;
+/// In lower windows what is above the page takes less room.
+constexpr int lowHeight = 760;
 
 }  // namespace
 
@@ -99,10 +101,9 @@ QWidget* DashboardWindow::makeContent() {
     right->addWidget(header_);
     right->addWidget(strip_);
     target_ = new OperationTargetBar(monitor_, state_, content);
-    auto* targetRow = new QHBoxLayout;
-    targetRow->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
-    targetRow->addWidget(target_);
-    right->addLayout(targetRow);
+    targetRow_ = new QHBoxLayout;
+    targetRow_->addWidget(target_);
+    right->addLayout(targetRow_);
     pages_ = new QStackedLayout;
     right->addLayout(pages_, 1);
     columns->addLayout(right, 1);
@@ -275,6 +276,10 @@ void DashboardWindow::changeEvent(QEvent* event) {
 void DashboardWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     sidebar_->setFolded(width() < foldingWidth);
+    const bool isLow = height() < lowHeight;
+    header_->setLow(isLow);
+    targetRow_->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding,
+                                   isLow ? spacing::unit : spacing::gap);
 }
 
 void DashboardWindow::closeEvent(QCloseEvent* event) {

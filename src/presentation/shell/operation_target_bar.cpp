@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// In narrower windows the detail is below the title.
+/// In narrower windows the detail of a target is below its title.
 constexpr int oneLineWidth = 720;
 
 }  // namespace
@@ -32,8 +32,9 @@ OperationTargetBar::OperationTargetBar(SystemMonitor& monitor, WindowState& stat
     setObjectName(u"target"_s);
     setAccessibleName(u"Operation Target"_s);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    // Half the padding on the sides of the buttons, which have edges of their own.
-    layout()->setContentsMargins(spacing::cardPadding, spacing::unit, spacing::unit, spacing::unit);
+    // Less padding on the sides of the buttons, which have edges of their own.
+    layout()->setContentsMargins(spacing::cardPadding, spacing::unit / 2, spacing::unit / 2,
+                                 spacing::unit / 2);
     row_ = new QHBoxLayout;
     row_->setSpacing(spacing::unit);
     contentLayout()->addLayout(row_);
@@ -118,6 +119,7 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
         protected_->hide();
         automatic_->hide();
     }
+    fold();
     if (hadFocus) {
         // The focus stays in the bar whose button was pressed.
         (hasTarget ? review_ : choose_)->setFocus();
@@ -136,13 +138,17 @@ QString OperationTargetBar::accessibleValue() const {
 
 void OperationTargetBar::resizeEvent(QResizeEvent* event) {
     Card::resizeEvent(event);
-    const bool isWide = width() >= oneLineWidth;
-    if (isWide == (texts_->direction() == QBoxLayout::LeftToRight)) {
+    fold();
+}
+
+void OperationTargetBar::fold() {
+    const bool isOneLine = !hasTarget_ || width() >= oneLineWidth;
+    if (isOneLine == (texts_->direction() == QBoxLayout::LeftToRight)) {
         return;
     }
-    texts_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    texts_->setSpacing(isWide ? spacing::unit : 2);
-    detail_->setFontRole(isWide ? &CrestFonts::body : &CrestFonts::caption);
+    texts_->setDirection(isOneLine ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    texts_->setSpacing(isOneLine ? spacing::unit : 0);
+    detail_->setFontRole(isOneLine ? &CrestFonts::body : &CrestFonts::caption);
 }
 
 }  // namespace tallowcrest

@@ -18,7 +18,7 @@ class SystemMonitor;
 struct WindowState;
 
 /// The process or app under review, in one row above every page, with the buttons to choose it, to
-/// continue with it and to clear it. Its height depends only on its width. Main thread.
+/// continue with it and to clear it. Its height is always the same. Main thread.
 class OperationTargetBar final : public Card, public AccessibleFigure {
     Q_OBJECT
 
@@ -40,6 +40,8 @@ private:
     void makeTexts();
     void makeButtons();
     void setHasTarget(bool hasTarget);
+    /// Puts the detail beside the title, or below it.
+    void fold();
 
     SystemMonitor& monitor_;
     WindowState& state_;

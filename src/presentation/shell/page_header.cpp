@@ -1,5 +1,6 @@
 #include "presentation/shell/page_header.h"
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -21,33 +22,34 @@ namespace {
 /// The name of a button's icon, for when there is space for it again.
 constexpr const char* iconProperty = "tallowcrest.icon";
 
+/// From this width on every route's title, subtitle and actions fit beside each other.
+constexpr int wideWidth = 980;
+
 }  // namespace
 
 PageHeader::PageHeader(QWidget* parent) : QWidget(parent) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, spacing::gap, spacing::pagePadding,
-                               spacing::unit);
-    layout->setSpacing(2);
-
-    auto* row = new QHBoxLayout;
-    row->setSpacing(spacing::unit);
+    below_ = new QVBoxLayout(this);
+    row_ = new QHBoxLayout;
+    row_->setSpacing(spacing::unit);
     title_ = new ElidedLabel({&CrestFonts::title, &CrestTheme::text}, this);
     title_->setObjectName(u"page.title"_s);
     subtitle_ = new ElidedLabel({&CrestFonts::body, &CrestTheme::secondaryText}, this);
     subtitle_->setObjectName(u"page.subtitle"_s);
-    row->addWidget(title_, 1);
+    row_->addWidget(title_);
+    beside_ = new QVBoxLayout;
+    row_->addLayout(beside_);
 
     actions_ = new QHBoxLayout;
     actions_->setSpacing(spacing::unit);
-    row->addLayout(actions_);
+    row_->addLayout(actions_);
     refresh_ = makeButton(u"Refresh"_s, u"arrow.clockwise"_s, u"page.refresh"_s,
                           u"Takes a new sample now"_s, this);
     refresh_->setProperty(iconProperty, u"arrow.clockwise"_s);
+    refresh_->setFlat(true);
     connect(refresh_, &QPushButton::clicked, this, &PageHeader::refreshWanted);
-    row->addWidget(refresh_);
-    layout->addLayout(row);
-    // The full width of the page, so that no route's subtitle needs a second line.
-    layout->addWidget(subtitle_);
+    row_->addWidget(refresh_);
+    below_->addLayout(row_);
+    placeSubtitle();
 }
 
 void PageHeader::setRoute(AppRoute route, const std::vector<HeaderAction>& actions) {
@@ -77,10 +79,46 @@ std::vector<QPushButton*> PageHeader::buttons() const {
 void PageHeader::measure() {
     showIcons(true);
     wholeWidth_ = 2 * spacing::pagePadding + title_->sizeHint().width();
+    if (isWide_) {
+        wholeWidth_ += 2 * spacing::unit + subtitle_->sizeHint().width();
+    }
     for (const QPushButton* button : buttons()) {
         wholeWidth_ += spacing::unit + button->sizeHint().width();
     }
     fold();
+}
+
+void PageHeader::placeSubtitle() {
+    // The words of the last button, which has no frame, end where the page does.
+    constexpr int buttonPadding = 12;
+    below_->setContentsMargins(spacing::pagePadding, isLow_ ? spacing::unit : spacing::gap,
+                               spacing::pagePadding - buttonPadding, spacing::unit);
+    below_->setSpacing(isLow_ ? 0 : 2);
+    row_->setStretchFactor(title_, isWide_ ? 0 : 1);
+    row_->setStretchFactor(beside_, isWide_ ? 1 : 0);
+    if (isWide_) {
+        // Both are centred in the row; the smaller text is moved down to the title's baseline.
+        const auto baseline = [](const QFont& font) {
+            const QFontMetrics metrics(font);
+            return metrics.ascent() - metrics.lineSpacing() / 2;
+        };
+        const CrestFonts& fonts = CrestFonts::current();
+        beside_->setContentsMargins(spacing::unit,
+                                    2 * (baseline(fonts.title) - baseline(fonts.body)), 0, 0);
+        beside_->addWidget(subtitle_);
+    } else {
+        beside_->setContentsMargins(0, 0, 0, 0);
+        // The full width of the page, so that no route's subtitle needs a second line.
+        below_->addWidget(subtitle_);
+    }
+    subtitle_->setFontRole(isLow_ && !isWide_ ? &CrestFonts::caption : &CrestFonts::body);
+}
+
+void PageHeader::setLow(bool isLow) {
+    if (isLow != isLow_) {
+        isLow_ = isLow;
+        placeSubtitle();
+    }
 }
 
 void PageHeader::fold() {
@@ -106,7 +144,14 @@ void PageHeader::changeEvent(QEvent* event) {
 
 void PageHeader::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    fold();
+    const bool isWide = width() >= wideWidth;
+    if (isWide != isWide_) {
+        isWide_ = isWide;
+        placeSubtitle();
+        measure();
+    } else {
+        fold();
+    }
 }
 
 void PageHeader::orderActions() {
@@ -125,6 +170,8 @@ void PageHeader::orderActions() {
 void PageHeader::addAction(const HeaderAction& action) {
     QPushButton* button = makeButton(action.command, action.identifier, this);
     button->setProperty(iconProperty, QString::fromUtf8(action.command.icon));
+    // Quiet, because the page itself may have a named button of the same command.
+    button->setFlat(true);
     connect(button, &QPushButton::clicked, this, action.run);
     actions_->addWidget(button);
 }

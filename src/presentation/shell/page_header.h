@@ -8,14 +8,16 @@
 
 class QHBoxLayout;
 class QPushButton;
+class QVBoxLayout;
 
 namespace tallowcrest {
 
 class ElidedLabel;
 struct HeaderAction;
 
-/// The top of every route: its title, its subtitle, its actions, and "Refresh". In a narrow window
-/// the actions lose their icons and keep their words. Main thread.
+/// The top of every route: its title, its subtitle, its actions, and "Refresh". The subtitle is
+/// beside the title in a wide window and below it otherwise. In a narrow window the actions lose
+/// their icons and keep their words. Main thread.
 class PageHeader final : public QWidget {
     Q_OBJECT
 
@@ -24,6 +26,8 @@ public:
 
     /// Shows the title of a route and the actions of its screen.
     void setRoute(AppRoute route, const std::vector<HeaderAction>& actions);
+    /// In a low window the header leaves more room for the page.
+    void setLow(bool isLow);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -41,13 +45,19 @@ private:
     void measure();
     void fold();
     void showIcons(bool areShown);
+    void placeSubtitle();
 
     ElidedLabel* title_ = nullptr;
     ElidedLabel* subtitle_ = nullptr;
+    QHBoxLayout* row_ = nullptr;
+    QVBoxLayout* beside_ = nullptr;  ///< room for the subtitle beside the title
+    QVBoxLayout* below_ = nullptr;   ///< and below it
     QHBoxLayout* actions_ = nullptr;
     QPushButton* refresh_ = nullptr;
     int wholeWidth_ = 0;
     bool hasIcons_ = true;
+    bool isWide_ = false;
+    bool isLow_ = false;
 };
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #include "presentation/shell/status_strip.h"
 
 #include <QHBoxLayout>
+#include <QPushButton>
 
 #include "actions/actions.h"
 #include "actions/automation.h"
@@ -8,9 +9,11 @@
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/capsule.h"
+#include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
@@ -22,34 +25,58 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// In narrower windows the automations are below the session, so that the last outcome has space.
-constexpr int oneLineWidth = 760;
+/// In narrower windows the last outcome is below the session.
+constexpr int oneLineWidth = 860;
+/// In narrower windows the emergency stop is named by one word.
+constexpr int shortWidth = 620;
+
+/// The session's length where there is no room for `dashboard_text::sessionNote`.
+QString shortSessionNote(int seconds) {
+    return u"Last %1 seconds"_s.arg(dashboard_text::count(seconds));
+}
 
 }  // namespace
 
 StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     : QWidget(parent), monitor_(monitor) {
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
-    layout->setSpacing(spacing::gap);
-    session_ = new ElidedLabel(onPage(&CrestFonts::caption, &CrestTheme::secondaryText), this);
-    session_->setObjectName(u"status.session"_s);
-    session_->setReservedText(dashboard_text::sessionNote(longestSessionSeconds));
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::unit);
+    layout->setSpacing(spacing::unit);
+    makeTexts();
     automation_ = new Capsule(this);
     automation_->setObjectName(u"status.automation"_s);
     threshold_ = new Capsule(this);
     threshold_->setObjectName(u"status.threshold"_s);
+    makeButtons();
+    layout->addLayout(texts_, 1);
+    layout->addSpacing(spacing::unit);
+    for (QWidget* each : {static_cast<QWidget*>(automation_), static_cast<QWidget*>(threshold_),
+                          static_cast<QWidget*>(stop_), static_cast<QWidget*>(resume_)}) {
+        layout->addWidget(each);
+    }
+    fold();
+}
+
+void StatusStrip::makeTexts() {
+    session_ = new ElidedLabel(onPage(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    session_->setObjectName(u"status.session"_s);
     lastAction_ = new ElidedLabel(onPage(&CrestFonts::caption), this);
     lastAction_->setObjectName(u"status.last-action"_s);
-    // Fits the longest message in a narrow window: its end may be what matters.
-    lastAction_->setLines(2, 2);
-    lastAction_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    facts_ = new QBoxLayout(QBoxLayout::TopToBottom);
-    facts_->addWidget(session_);
-    facts_->addWidget(automation_);
-    layout->addLayout(facts_);
-    layout->addWidget(threshold_);
-    layout->addWidget(lastAction_, 1);
+    texts_ = new QBoxLayout(QBoxLayout::LeftToRight);
+    texts_->addWidget(session_);
+    texts_->addWidget(lastAction_, 1);
+}
+
+void StatusStrip::makeButtons() {
+    stop_ = makeDangerButton(commands::emergencyStop, u"status.emergency-stop"_s, this);
+    resume_ = makeButton(commands::resumeManualMode, u"status.resume-manual-mode"_s, this);
+    resume_->hide();
+    settlingStop_.emplace(*stop_);
+    settlingResume_.emplace(*resume_);
+    connect(stop_, &QPushButton::clicked, this,
+            [this] { monitor_.actions().automation.engageEmergencyStop(); });
+    connect(resume_, &QPushButton::clicked, this,
+            [this] { monitor_.actions().automation.resumeFromEmergencyStop(); });
 }
 
 std::vector<Observable*> StatusStrip::shows() const {
@@ -58,22 +85,51 @@ std::vector<Observable*> StatusStrip::shows() const {
 }
 
 void StatusStrip::refresh() {
-    session_->setText(monitor_.sample().snapshot()
-                          ? dashboard_text::sessionNote(sessionSeconds(monitor_.sample().history()))
-                          : u"Sampling this Mac..."_s);
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
     lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+    showSession();
+}
+
+void StatusStrip::showSession() {
+    if (!monitor_.sample().snapshot()) {
+        session_->setText(u"Sampling this Mac..."_s);
+        return;
+    }
+    const int seconds = sessionSeconds(monitor_.sample().history());
+    const QString whole = dashboard_text::sessionNote(seconds);
+    const bool fits =
+        isOneLine() || figuresWidth(CrestFonts::current().caption, whole) < roomForTexts();
+    session_->setText(fits ? whole : shortSessionNote(seconds));
+    setSpokenDescription(*session_, fits ? QString() : whole);
+    session_->setToolTip(fits ? QString() : whole);
+}
+
+int StatusStrip::roomForTexts() const {
+    // Not from the layout, which may not have been told of new texts yet.
+    int room = width() - 2 * spacing::pagePadding - 2 * spacing::unit;
+    for (const QWidget* each :
+         {static_cast<const QWidget*>(automation_), static_cast<const QWidget*>(threshold_),
+          static_cast<const QWidget*>(stop_), static_cast<const QWidget*>(resume_)}) {
+        if (!each->isHidden()) {
+            room -= spacing::unit + each->sizeHint().width();
+        }
+    }
+    return room;
 }
 
 void StatusStrip::showAutomation() {
-    if (monitor_.actions().automation.isStopEngaged()) {
-        automation_->setText(u"Emergency Stop Engaged"_s);
+    const bool isEngaged = monitor_.actions().automation.isStopEngaged();
+    if (isEngaged) {
+        const QString whole = u"Emergency Stop Engaged"_s;
+        automation_->setText(width() < shortWidth ? u"Stopped"_s : whole);
+        setSpokenName(*automation_, whole);
         automation_->setMark(u"exclamationmark.octagon"_s, &CrestTheme::bad);
     } else {
         automation_->setText(automationsOn(monitor_.settings()));
         automation_->clearMark();
     }
+    showButton(isEngaged);
     // The keys of the emergency stop are given wherever the automations are shown.
     const QString words =
         automationsSummary(automationFacts(monitor_)) + u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
@@ -83,11 +139,47 @@ void StatusStrip::showAutomation() {
     }
 }
 
+void StatusStrip::showButton(bool isEngaged) {
+    if (showsEngaged_ == isEngaged) {
+        return;
+    }
+    const bool hadFocus = stop_->hasFocus() || resume_->hasFocus();
+    stop_->setVisible(!isEngaged);
+    resume_->setVisible(isEngaged);
+    if (showsEngaged_) {
+        (isEngaged ? settlingResume_ : settlingStop_)->settle();
+    }
+    showsEngaged_ = isEngaged;
+    if (hadFocus) {
+        // Not on the other button: the key that pressed this one may still be down.
+        setFocus();
+    }
+}
+
+bool StatusStrip::isOneLine() const {
+    return width() >= oneLineWidth;
+}
+
+void StatusStrip::fold() {
+    const int lines = isOneLine() ? 2 : 1;
+    texts_->setDirection(isOneLine() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    texts_->setSpacing(isOneLine() ? spacing::gap : 0);
+    // Beside the outcome, a longer session must not move it.
+    session_->setReservedText(isOneLine() ? dashboard_text::sessionNote(longestSessionSeconds)
+                                          : QString());
+    lastAction_->setLines(lines, lines);
+    lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
 void StatusStrip::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    const bool isWide = width() >= oneLineWidth;
-    facts_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    facts_->setSpacing(isWide ? spacing::gap : spacing::unit / 2);
+    if ((texts_->direction() == QBoxLayout::LeftToRight) != isOneLine()) {
+        fold();
+    }
+    if (showsEngaged_) {
+        showAutomation();
+    }
+    showSession();
 }
 
 }  // namespace tallowcrest

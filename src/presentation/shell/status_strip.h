@@ -1,20 +1,28 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <QWidget>
 
+#include "presentation/widgets/settling_button.h"
+
 class QBoxLayout;
+class QPushButton;
 
 namespace tallowcrest {
 
 class Capsule;
+class DangerButton;
 class ElidedLabel;
 class Observable;
 class SystemMonitor;
 
-/// The line below the page header: the length of the session, the enabled automations or the
-/// emergency stop, the warning threshold, and the outcome of the last action. Main thread.
+/// The line below the page header: the length of the session, the outcome of the last action, the
+/// enabled automations or the emergency stop, the warning threshold, and the emergency stop's
+/// button, or the way back from it. It is as high at every width: in a narrow window the session is
+/// above the outcome, and both are shortened before anything else is; the tool tips have the whole
+/// texts. Main thread.
 class StatusStrip final : public QWidget {
     Q_OBJECT
 
@@ -29,14 +37,30 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void makeTexts();
+    void makeButtons();
+    /// The words that fit.
+    void showSession();
+    int roomForTexts() const;
     void showAutomation();
+    void showButton(bool isEngaged);
+    bool isOneLine() const;
+    /// Puts the texts beside each other, or one above the other.
+    void fold();
 
     SystemMonitor& monitor_;
-    QBoxLayout* facts_ = nullptr;
+    QBoxLayout* texts_ = nullptr;
     ElidedLabel* session_ = nullptr;
+    ElidedLabel* lastAction_ = nullptr;
     Capsule* automation_ = nullptr;
     Capsule* threshold_ = nullptr;
-    ElidedLabel* lastAction_ = nullptr;
+    DangerButton* stop_ = nullptr;
+    QPushButton* resume_ = nullptr;
+    /// Each button takes the other's place, where the second half of a double click must not press
+    /// it.
+    std::optional<SettlingButton> settlingStop_;
+    std::optional<SettlingButton> settlingResume_;
+    std::optional<bool> showsEngaged_;  ///< absent before the first refresh
 };
 
 }  // namespace tallowcrest

@@ -45,6 +45,11 @@ void drawButton(QPainter& painter, const QStyleOption& option) {
     const bool isHovered =
         (option.state & QStyle::State_MouseOver) && (option.state & QStyle::State_Enabled);
     const double amount = isPressed ? pressAmount : isHovered ? hoverAmount : 0.0;
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    const bool isFlat = button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
+    if (isFlat && amount == 0.0 && !(option.state & QStyle::State_HasFocus)) {
+        return;
+    }
     drawFrame(painter, option.rect, blended(theme.cardBackground, theme.text, amount),
               option.state & QStyle::State_HasFocus, theme);
 }
@@ -136,6 +141,14 @@ void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 
 void CrestStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                              const QWidget* widget) const {
+    if (element == CE_PushButtonBevel) {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        if (button != nullptr && button->features.testFlag(QStyleOptionButton::Flat)) {
+            // Qt would draw it only while it is pressed, not under the pointer or with the focus.
+            drawPrimitive(PE_PanelButtonCommand, option, painter, widget);
+            return;
+        }
+    }
     if (element == CE_PushButtonLabel) {
         if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
             drawButtonLabel(*painter, *button, widget);

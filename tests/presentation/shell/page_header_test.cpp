@@ -57,10 +57,11 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
     }
 }
 
-TEST_F(PageHeaderTest, ActionsAreBesideTheTitleAtEveryWidth) {
+TEST_F(PageHeaderTest, ActionsAreBesideTheTitleAtEverySize) {
     showWithSample();
-    for (const int width : {640, 900, 1080, 1600}) {
-        window().resize(width, 700);
+    for (const QSize size : {QSize(640, 480), QSize(640, 800), QSize(900, 600), QSize(1080, 720),
+                             QSize(1200, 800), QSize(1600, 1000)}) {
+        window().resize(size);
         for (const AppRoute each : allAppRoutes) {
             goTo(each);
             const QWidget* title = visible("page.title");
@@ -68,15 +69,45 @@ TEST_F(PageHeaderTest, ActionsAreBesideTheTitleAtEveryWidth) {
             for (const QWidget* button : title->parentWidget()->findChildren<QPushButton*>()) {
                 EXPECT_EQ(button->geometry().center().y(), title->geometry().center().y());
                 EXPECT_GT(button->x(), title->geometry().right());
-                EXPECT_LT(button->geometry().bottom(), subtitle->y());
+                EXPECT_FALSE(button->geometry().intersects(subtitle->geometry()));
             }
+            EXPECT_FALSE(title->geometry().intersects(subtitle->geometry()));
             const auto lines = visible<ElidedLabel>("page.subtitle")->shownLines();
-            EXPECT_EQ(lines, QStringList(textOf("page.subtitle"))) << width << rawValue(each);
+            EXPECT_EQ(lines, QStringList(textOf("page.subtitle")))
+                << size.width() << rawValue(each);
             EXPECT_EQ(visible<ElidedLabel>("page.title")->shownLines(),
                       QStringList(textOf("page.title")))
-                << width << rawValue(each);
+                << size.width() << rawValue(each);
         }
     }
+}
+
+TEST_F(PageHeaderTest, TheSubtitleIsBesideTheTitleInAWideWindowAndBelowItOtherwise) {
+    showWithSample();
+    const QWidget* title = visible("page.title");
+    const QWidget* subtitle = visible("page.subtitle");
+    for (const int width : {1600, 900, 1200, 640}) {
+        window().resize(width, 800);
+        settle();
+        const bool isBeside = width >= 1200;
+        EXPECT_EQ(subtitle->x() > title->geometry().right(), isBeside) << width;
+        EXPECT_EQ(subtitle->y() > title->geometry().bottom(), !isBeside) << width;
+    }
+}
+
+TEST_F(PageHeaderTest, TakesLessRoomInALowWindow) {
+    showWithSample();
+    const QWidget* header = visible("page.title")->parentWidget();
+    const auto heightAt = [&](int width, int height) {
+        window().resize(width, height);
+        settle();
+        return header->height();
+    };
+    for (const int width : {640, 900, 1600}) {
+        EXPECT_LT(heightAt(width, 600), heightAt(width, 800)) << width;
+    }
+    EXPECT_EQ(heightAt(900, 600), heightAt(900, 480));
+    EXPECT_EQ(heightAt(900, 800), heightAt(900, 1000));
 }
 
 TEST_F(PageHeaderTest, InANarrowWindowActionsHaveNoIcons) {

@@ -164,6 +164,20 @@ TEST_F(WindowLayoutTest, NoTextIsCutAt900x600) {
     }
 }
 
+TEST_F(WindowLayoutTest, MostOfTheWindowIsThePage) {
+    showWithSample();
+    goTo(AppRoute::load);
+    const auto roomAt = [this](int width, int height) {
+        window().resize(width, height);
+        settle();
+        const QWidget* bar = visible("target");
+        return height - bar->mapTo(&window(), QPoint(0, bar->height())).y();
+    };
+    EXPECT_GE(roomAt(640, 480), 310);
+    EXPECT_GE(roomAt(900, 600), 430);
+    EXPECT_GE(roomAt(1200, 800), 620);
+}
+
 TEST_F(WindowLayoutTest, TheGaugesAreInOneRowOrInTwoInANarrowWindow) {
     show900x600();
     const auto rowsOfGauges = [this] {
@@ -337,10 +351,11 @@ TEST_F(WindowLayoutTest, TabFollowsTheVisualOrder) {
     show900x600();
     goTo(AppRoute::load);
     visible("sidebar.load")->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(tabOrder(9),
-              u"sidebar.load load.select-top load.activity page.refresh "
-              "target.choose processes.select-top-row processes.activity-monitor "
-              "processes.filter processes.table"_s);
+    EXPECT_EQ(
+        tabOrder(10),
+        u"sidebar.load load.select-top load.activity page.refresh "
+        "status.emergency-stop target.choose processes.select-top-row processes.activity-monitor "
+        "processes.filter processes.table"_s);
 }
 
 TEST_F(WindowLayoutTest, TheFocusMovesOnWhenItsButtonIsHidden) {

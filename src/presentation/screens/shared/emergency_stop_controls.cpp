@@ -5,8 +5,8 @@
 #include <QVBoxLayout>
 
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -20,8 +20,7 @@ EmergencyStopControls::EmergencyStopControls(const QString& identifier, QWidget*
     layout->setSpacing(spacing::unit);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::unit);
-    stop_ = makeButton(commands::emergencyStop, identifier + u".emergency-stop"_s, this);
-    stop_->setIcon(themedIcon(QString::fromUtf8(commands::emergencyStop.icon), &CrestTheme::bad));
+    stop_ = makeDangerButton(commands::emergencyStop, identifier + u".emergency-stop"_s, this);
     resume_ = makeButton(commands::resumeManualMode, identifier + u".resume-manual-mode"_s, this);
     buttons->addWidget(stop_);
     buttons->addWidget(resume_);

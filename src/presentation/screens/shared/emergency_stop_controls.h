@@ -6,6 +6,8 @@ class QPushButton;
 
 namespace tallowcrest {
 
+class DangerButton;
+
 /// The emergency stop and, while it is engaged, a button that resumes. The stop asks for no
 /// confirmation. "Resume" appears beside it, not in its place, so that a double click does not
 /// resume. For use on a card. Main thread.
@@ -26,7 +28,7 @@ signals:
     void resumeWanted();
 
 private:
-    QPushButton* stop_ = nullptr;
+    DangerButton* stop_ = nullptr;
     QPushButton* resume_ = nullptr;
 };
 

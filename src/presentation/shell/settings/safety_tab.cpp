@@ -112,10 +112,7 @@ QWidget* SafetyTab::makeStop() {
     stopWords_->setLines(1, 4);
     stop_->contentLayout()->addWidget(stopWords_);
     stop_->contentLayout()->addSpacing(spacing::unit / 2);
-    engage_ = new DangerButton(stop_);
-    engage_->setObjectName(u"settings.emergency-stop.engage"_s);
-    engage_->setTitle(QString::fromUtf8(commands::emergencyStop.title));
-    engage_->setAccessibleDescription(QString::fromUtf8(commands::emergencyStop.description));
+    engage_ = makeDangerButton(commands::emergencyStop, u"settings.emergency-stop.engage"_s, stop_);
     resume_ = makeButton(commands::resumeManualMode, u"settings.emergency-stop.resume"_s, stop_);
     settling_.emplace(*resume_);
     for (QPushButton* button : {static_cast<QPushButton*>(engage_), resume_}) {
