@@ -23,14 +23,16 @@ namespace {
 
 constexpr const char* invalidRequest = "Blocked an invalid process termination request.";
 
-std::vector<std::string> distinctPaths(const std::vector<ProcessSample>& rows) {
-    std::vector<std::string> paths;
+ConfirmationTargets targetsOf(const std::vector<ProcessSample>& rows) {
+    ConfirmationTargets targets;
     for (const ProcessSample& row : rows) {
-        if (std::find(paths.begin(), paths.end(), row.command) == paths.end()) {
-            paths.push_back(row.command);
+        targets.pids.push_back(row.pid);
+        if (std::find(targets.paths.begin(), targets.paths.end(), row.command) ==
+            targets.paths.end()) {
+            targets.paths.push_back(row.command);
         }
     }
-    return paths;
+    return targets;
 }
 
 }  // namespace
@@ -74,7 +76,10 @@ Outcome LocalActions::requestQuitSelectedProcess() {
     // If the process is no longer in the table, the row that was reviewed.
     const std::optional<ProcessSample>& reviewed = dependencies_.review.reviewedRow();
     const ProcessSample* known = row != nullptr ? row : reviewed ? &*reviewed : nullptr;
-    const std::string path = known != nullptr ? known->command : std::string();
+    ConfirmationTargets targets;
+    if (known != nullptr && !known->command.empty()) {
+        targets.paths.push_back(known->command);
+    }
     const std::uint64_t startTime = known != nullptr ? known->startTime : 0;
     // The process is no longer in the table and its start time was never known, so its pid may
     // belong to another process by now.
@@ -85,9 +90,8 @@ Outcome LocalActions::requestQuitSelectedProcess() {
         // time, or there never was a row.
         process = dependencies_.ports.processes->hold(*pid, startTime);
     }
-    dependencies_.services.confirmations.requestConfirmation(
-        std::move(request), path.empty() ? std::vector<std::string>() : std::vector{path},
-        std::move(process));
+    dependencies_.services.confirmations.requestConfirmation(std::move(request), std::move(targets),
+                                                             std::move(process));
     dependencies_.review.setOptimizeStep(local_requests::quitProcessStep(name));
     return Outcome::asked();
 }
@@ -139,7 +143,7 @@ Outcome LocalActions::requestQuitSelectedApp() {
         return record(Outcome::refused(fmt::format("No visible processes found for {}.", *group)));
     }
     dependencies_.services.confirmations.requestConfirmation(local_requests::quitApp(*group),
-                                                             distinctPaths(members));
+                                                             targetsOf(members));
     dependencies_.review.setOptimizeStep(local_requests::quitAppStep(*group));
     return Outcome::asked();
 }

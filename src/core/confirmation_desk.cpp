@@ -18,11 +18,10 @@ void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
     handlers_.insert_or_assign(std::move(kind), std::move(handler));
 }
 
-void ConfirmationDesk::requestConfirmation(ConfirmationRequest request,
-                                           std::vector<std::string> targetPaths,
+void ConfirmationDesk::requestConfirmation(ConfirmationRequest request, ConfirmationTargets targets,
                                            std::shared_ptr<void> held) {
     pending_ = std::move(request);
-    targetPaths_ = std::move(targetPaths);
+    targets_ = std::move(targets);
     held_ = std::move(held);
     observable_->changed();
 }
@@ -61,7 +60,7 @@ std::optional<ConfirmationDesk::Answered> ConfirmationDesk::takePending() {
     if (!pending_) {
         return std::nullopt;
     }
-    targetPaths_.clear();
+    targets_ = {};
     observable_->changed();
     return Answered{*std::exchange(pending_, std::nullopt), std::exchange(held_, nullptr)};
 }

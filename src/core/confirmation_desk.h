@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -15,6 +16,15 @@ namespace tallowcrest {
 class ActivityLog;
 class MainQueue;
 class Observable;
+
+/// What a confirmation request affects on this machine. All empty when that is unknown, or nothing.
+struct ConfirmationTargets {
+    std::vector<std::string> paths = {};  ///< of the executables, each once
+    /// Of the processes, for a request whose message does not name them.
+    std::vector<std::int64_t> pids = {};
+
+    bool operator==(const ConfirmationTargets&) const = default;
+};
 
 /// Holds the one change that waits for the owner's explicit confirmation. The component that makes
 /// a kind of change registers the handler for it. Main thread.
@@ -39,14 +49,13 @@ public:
 
     /// Absent when no request is pending.
     const std::optional<ConfirmationRequest>& pendingConfirmation() const { return pending_; }
-    /// The paths of the executables that the pending request affects. Empty when it affects none on
-    /// this machine, or when they are unknown.
-    const std::vector<std::string>& targetPaths() const { return targetPaths_; }
+    /// What the pending request affects.
+    const ConfirmationTargets& targets() const { return targets_; }
 
     /// Makes `request` the pending one. It replaces an older one without a message and without a
     /// call of its handler. `held` is what its owner holds for it until the request is answered or
     /// replaced.
-    void requestConfirmation(ConfirmationRequest request, std::vector<std::string> targetPaths = {},
+    void requestConfirmation(ConfirmationRequest request, ConfirmationTargets targets = {},
                              std::shared_ptr<void> held = {});
 
     /// Ends the pending request, calls the handler of its kind and returns the handler's outcome.
@@ -76,7 +85,7 @@ private:
     std::unique_ptr<Observable> observable_;
     std::map<std::string, Handler, std::less<>> handlers_;
     std::optional<ConfirmationRequest> pending_;
-    std::vector<std::string> targetPaths_;
+    ConfirmationTargets targets_;
     std::shared_ptr<void> held_;
 };
 

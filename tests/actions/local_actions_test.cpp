@@ -29,7 +29,7 @@ TEST_F(PurgeCaches, AsksForConfirmationFirst) {
     EXPECT_EQ(pending().kind, "local_purge");
     EXPECT_EQ(pending().hostName, std::nullopt);
     EXPECT_EQ(pending().pid, std::nullopt);
-    EXPECT_THAT(confirmations.targetPaths(), IsEmpty());
+    EXPECT_THAT(confirmations.targets().paths, IsEmpty());
     EXPECT_EQ(review.optimizeStep(), purgeStep);
     EXPECT_EQ(ports.cachePurge->count, 0);
     EXPECT_THAT(log.activityLog(), IsEmpty());

@@ -48,8 +48,9 @@ TEST_F(QuitAppGroup, AsksForConfirmationFirst) {
     EXPECT_EQ(pending().kind, "local_quit_app");
     EXPECT_EQ(pending().hostName, "Firefox");
     EXPECT_EQ(pending().pid, std::nullopt);
-    EXPECT_THAT(confirmations.targetPaths(),
+    EXPECT_THAT(confirmations.targets().paths,
                 ElementsAre("/opt/firefox/firefox", "/opt/firefox/firefox-content"));
+    EXPECT_THAT(confirmations.targets().pids, ElementsAre(700, 701, 702));
     EXPECT_EQ(review.optimizeStep(),
               "3. Confirm the app-group quit for Firefox, or cancel and keep reviewing.");
     EXPECT_EQ(workQueue.pendingCount(), 0U);
@@ -287,7 +288,7 @@ TEST_F(QuitAppGroup, AllTwentyMembersOfAGroupAreSignalled) {
     takeSample();
     selectFirst();
     actions.requestQuitSelectedApp();
-    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/worker"));
+    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/worker"));
     confirm();
     EXPECT_THAT(ports.processes->signalled, SizeIs(20));
 }

@@ -43,7 +43,7 @@ TEST_F(QuitProcess, AsksForConfirmationFirst) {
     EXPECT_EQ(pending().kind, "local_quit_process");
     EXPECT_EQ(pending().hostName, std::nullopt);
     EXPECT_EQ(pending().pid, 700);
-    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
+    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/editor"));
     EXPECT_EQ(review.optimizeStep(),
               "3. Confirm the quit action for editor, or cancel and keep reviewing.");
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
@@ -116,7 +116,7 @@ TEST_F(QuitProcess, AProcessThatLeftTheListIsNamedByItsPid) {
     actions.requestQuitSelectedProcess();
     EXPECT_EQ(pending().title, "Quit process 700?");
     // The path of the process that was reviewed.
-    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
+    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/editor"));
     EXPECT_EQ(review.optimizeStep(),
               "3. Confirm the quit action for process 700, or cancel and keep reviewing.");
     confirm();
@@ -151,7 +151,7 @@ TEST_F(QuitProcess, APidReusedAfterTheSelectionIsNotSignalled) {
     actions.requestQuitSelectedProcess();
     // The new process is neither named nor is its path shown: it was never reviewed.
     EXPECT_EQ(pending().title, "Quit process 700?");
-    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
+    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/editor"));
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
@@ -178,7 +178,7 @@ TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
     takeSample();
     reusePid(700);
     actions.requestQuitSelectedProcess();
-    EXPECT_THAT(confirmations.targetPaths(), ElementsAre("/usr/bin/editor"));
+    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/editor"));
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());
@@ -192,7 +192,7 @@ TEST_F(QuitProcess, AProcessThatIsGoneAndHadNeitherACommandNorAStartTimeIsNotSig
     takeSample();
     reusePid(700);
     actions.requestQuitSelectedProcess();
-    EXPECT_THAT(confirmations.targetPaths(), IsEmpty());
+    EXPECT_THAT(confirmations.targets().paths, IsEmpty());
     confirm();
     expectRecorded(blocked);
     EXPECT_THAT(ports.processes->signalled, IsEmpty());

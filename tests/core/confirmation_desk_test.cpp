@@ -39,6 +39,7 @@ protected:
         return {UUID::random(), title, "Think first.", "Do It", kind, {}, {}};
     }
 
+    const ConfirmationTargets candle{.paths = {"/usr/bin/candle"}, .pids = {900}};
     ConfirmationDesk& desk = confirmations;
     std::vector<std::string> confirmed;
     std::vector<std::string> canceled;
@@ -47,19 +48,19 @@ protected:
 TEST_F(ConfirmationDeskTest, HoldsARequestUntilItIsAnswered) {
     EXPECT_FALSE(desk.pendingConfirmation());
     const ConfirmationRequest asked = request("melt", "Melt it?");
-    desk.requestConfirmation(asked, {"/usr/bin/candle"});
+    desk.requestConfirmation(asked, candle);
     EXPECT_EQ(desk.pendingConfirmation(), asked);
-    EXPECT_THAT(desk.targetPaths(), ElementsAre("/usr/bin/candle"));
+    EXPECT_EQ(desk.targets(), candle);
     EXPECT_THAT(confirmed, IsEmpty());
 }
 
 TEST_F(ConfirmationDeskTest, ConfirmingTwiceRunsOnce) {
-    desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
+    desk.requestConfirmation(request("melt", "Melt it?"), candle);
     EXPECT_EQ(desk.confirmPending(), Outcome::done("Melt it?")) << "the handler's outcome";
     EXPECT_EQ(desk.confirmPending(), Outcome::ignored());
     EXPECT_THAT(confirmed, ElementsAre("Melt it?"));
     EXPECT_FALSE(desk.pendingConfirmation());
-    EXPECT_THAT(desk.targetPaths(), IsEmpty());
+    EXPECT_EQ(desk.targets(), ConfirmationTargets());
     EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
@@ -79,11 +80,11 @@ TEST_F(ConfirmationDeskTest, ARequestMadeByAHandlerIsPending) {
 }
 
 TEST_F(ConfirmationDeskTest, ANewRequestReplacesTheOlderOneWithoutAMessage) {
-    desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
+    desk.requestConfirmation(request("melt", "Melt it?"), candle);
     desk.requestConfirmation(request("pour", "Pour it?"));
     EXPECT_THAT(canceled, IsEmpty());
     EXPECT_THAT(log.activityLog(), IsEmpty());
-    EXPECT_THAT(desk.targetPaths(), IsEmpty());
+    EXPECT_EQ(desk.targets(), ConfirmationTargets());
     desk.confirmPending();
     EXPECT_THAT(confirmed, ElementsAre("Pour it?"));
     desk.confirmPending();
@@ -101,12 +102,12 @@ TEST_F(ConfirmationDeskTest, RecordsAKindWithoutAHandler) {
 }
 
 TEST_F(ConfirmationDeskTest, CancellingRecordsAMessageAndCallsTheHandler) {
-    desk.requestConfirmation(request("melt", "Melt it?"), {"/usr/bin/candle"});
+    desk.requestConfirmation(request("melt", "Melt it?"), candle);
     EXPECT_EQ(desk.cancelPending(), Outcome::done("Canceled: Melt it?."));
     EXPECT_EQ(log.lastAction(), "Canceled: Melt it?.");
     EXPECT_THAT(canceled, ElementsAre("Melt it?"));
     EXPECT_FALSE(desk.pendingConfirmation());
-    EXPECT_THAT(desk.targetPaths(), IsEmpty());
+    EXPECT_EQ(desk.targets(), ConfirmationTargets());
     desk.confirmPending();
     EXPECT_THAT(confirmed, IsEmpty());
 }

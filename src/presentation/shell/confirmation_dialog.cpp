@@ -14,6 +14,7 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/confirmation_lines.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -27,6 +28,7 @@ constexpr int mostLargeLines = 3;
 // Enough for the longest question and message around the longest name that a file can have.
 constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
+constexpr int mostProcessLines = 3;
 constexpr std::size_t mostPaths = 5;
 
 /// The font of the title: the largest in which it fits on a few lines.
@@ -59,7 +61,7 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     layout->addWidget(heading_);
     layout->addSpacing(spacing::unit);
     layout->addWidget(message_);
-    layout->addWidget(makePaths());
+    layout->addWidget(makeTargets());
     layout->addSpacing(spacing::pagePadding);
 
     auto* buttons = new QHBoxLayout;
@@ -80,30 +82,31 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     connect(confirm_, &QPushButton::clicked, this, &ConfirmationDialog::confirm);
 }
 
-QWidget* ConfirmationDialog::makePaths() {
+QWidget* ConfirmationDialog::makeTargets() {
     auto* room = new QWidget(this);
     auto* above = new QVBoxLayout(room);
     above->setContentsMargins(0, spacing::gap, 0, 0);
-    pathsCard_ = new Card(room);
-    pathsCard_->setObjectName(u"confirmation.paths"_s);
-    pathsCard_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit,
-                                             spacing::cardPadding, spacing::unit);
-    pathsCard_->contentLayout()->setSpacing(spacing::unit / 2);
-    const auto addLine = [this] {
-        auto* line =
-            new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), pathsCard_);
-        // The start and the end of a path distinguish a program from its namesakes.
-        line->setElideMode(Qt::ElideMiddle);
-        pathsCard_->contentLayout()->addWidget(line);
+    targetsCard_ = new Card(room);
+    targetsCard_->setObjectName(u"confirmation.paths"_s);
+    targetsCard_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit,
+                                               spacing::cardPadding, spacing::unit);
+    targetsCard_->contentLayout()->setSpacing(spacing::unit / 2);
+    const auto addLine = [this](const QString& identifier, const ThemeColor& color) {
+        auto* line = new ElidedLabel(onCard(&CrestFonts::caption, color), targetsCard_);
+        line->setObjectName(u"confirmation."_s + identifier);
+        targetsCard_->contentLayout()->addWidget(line);
         return line;
     };
+    processes_ = addLine(u"processes"_s, &CrestTheme::text);
+    processes_->setLines(1, mostProcessLines);
+    executables_ = addLine(u"executables"_s, &CrestTheme::text);
     for (std::size_t i = 0; i < mostPaths; ++i) {
-        pathLines_.push_back(addLine());
-        pathLines_.back()->setObjectName(u"confirmation.path.%1"_s.arg(i));
+        pathLines_.push_back(addLine(u"path.%1"_s.arg(i), &CrestTheme::secondaryText));
+        // The start and the end of a path distinguish a program from its namesakes.
+        pathLines_.back()->setElideMode(Qt::ElideMiddle);
     }
-    morePaths_ = addLine();
-    morePaths_->setObjectName(u"confirmation.more-paths"_s);
-    above->addWidget(pathsCard_);
+    morePaths_ = addLine(u"more-paths"_s, &CrestTheme::secondaryText);
+    above->addWidget(targetsCard_);
     return room;
 }
 
@@ -127,12 +130,15 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     heading_->setFontRole(headingFont(title));
     heading_->setText(title);
     message_->setText(message);
+    showTargets(desk_.targets());
     // Read out when the dialog opens.
     QStringList spoken{title, message};
-    for (const std::string& path : desk_.targetPaths()) {
-        spoken.append(dashboard_text::text(path));
+    for (const ElidedLabel* line : targetsCard_->findChildren<ElidedLabel*>()) {
+        if (!line->isHidden()) {
+            spoken.append(line->text());
+        }
     }
-    setAccessibleDescription(spoken.mid(0, 2 + static_cast<qsizetype>(mostPaths)).join(u'\n'));
+    setAccessibleDescription(spoken.join(u'\n'));
     if (isVisible()) {
         // No window opens, which would be announced by itself.
         QAccessibleEvent changed(this, QAccessible::Alert);
@@ -140,7 +146,6 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     }
     confirm_->setTitle(dashboard_text::text(request.confirmTitle));
     confirm_->setAccessibleDescription(title);
-    showPaths(desk_.targetPaths());
     fit();
     cancel_->setFocus();
     open();
@@ -155,12 +160,17 @@ bool ConfirmationDialog::event(QEvent* event) {
     return WindowDialog::event(event);
 }
 
-void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
+void ConfirmationDialog::showTargets(const ConfirmationTargets& targets) {
+    const QString processes = confirmation_lines::processes(targets.pids);
+    processes_->setText(processes);
+    processes_->setVisible(!processes.isEmpty());
     QStringList texts;
-    for (const std::string& path : paths) {
+    for (const std::string& path : targets.paths) {
         texts.append(dashboard_text::text(path));
     }
     const auto count = static_cast<std::size_t>(texts.size());
+    executables_->setText(confirmation_lines::executables(count));
+    executables_->setVisible(count > 0);
     for (std::size_t i = 0; i < pathLines_.size(); ++i) {
         pathLines_[i]->setText(i < count ? texts.at(static_cast<qsizetype>(i)) : QString());
         pathLines_[i]->setVisible(i < count);
@@ -173,15 +183,15 @@ void ConfirmationDialog::showPaths(const std::vector<std::string>& paths) {
     morePaths_->setToolTip(toolTipText(others));
     morePaths_->setAccessibleDescription(others);
     morePaths_->setVisible(rest > 0);
-    pathsCard_->setAccessibleName(count == 1 ? u"Executable"_s : u"Executables"_s);
-    pathsCard_->parentWidget()->setVisible(count > 0);
+    targetsCard_->setAccessibleName(executables_->text());
+    targetsCard_->parentWidget()->setVisible(count > 0 || !processes.isEmpty());
 }
 
 void ConfirmationDialog::fit() {
     // A layout keeps the sizes of its items until it is told that they changed.
-    pathsCard_->contentLayout()->invalidate();
-    pathsCard_->updateGeometry();
-    pathsCard_->parentWidget()->updateGeometry();
+    targetsCard_->contentLayout()->invalidate();
+    targetsCard_->updateGeometry();
+    targetsCard_->parentWidget()->updateGeometry();
     setFixedSize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }
 

@@ -17,6 +17,7 @@ class Card;
 class ConfirmationDesk;
 class DangerButton;
 class ElidedLabel;
+struct ConfirmationTargets;
 
 /// Asks the owner to confirm the pending request, whatever route the window shows. Closing it in
 /// any way other than by its confirming button cancels the request, unless that is no longer
@@ -40,18 +41,20 @@ protected:
 
 private:
     void present(const ConfirmationRequest& request);
-    void showPaths(const std::vector<std::string>& paths);
+    void showTargets(const ConfirmationTargets& targets);
     void fit();
     void confirm();
     /// Whether the pending request is the one shown.
     bool showsPending() const;
-    QWidget* makePaths();
+    QWidget* makeTargets();
 
     ConfirmationDesk& desk_;
     std::optional<UUID> shown_;
     ElidedLabel* heading_ = nullptr;
     ElidedLabel* message_ = nullptr;
-    Card* pathsCard_ = nullptr;
+    Card* targetsCard_ = nullptr;
+    ElidedLabel* processes_ = nullptr;
+    ElidedLabel* executables_ = nullptr;  ///< the heading of the paths
     std::vector<ElidedLabel*> pathLines_;
     ElidedLabel* morePaths_ = nullptr;
     QPushButton* cancel_ = nullptr;

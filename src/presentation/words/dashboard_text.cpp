@@ -124,6 +124,10 @@ QString count(std::int64_t value) {
     return decimal(static_cast<double>(value), 0);
 }
 
+QString processes(std::int64_t count) {
+    return count == 1 ? u"1 process"_s : dashboard_text::count(count) + u" processes"_s;
+}
+
 QString noFigure() {
     return u"–"_s;
 }

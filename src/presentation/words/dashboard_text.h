@@ -31,6 +31,8 @@ QString decimal(double value, int places);
 QString percentText(double percent);
 /// A whole number in the format of the locale, with its separators.
 QString count(std::int64_t value);
+/// "1 process", "3 processes"
+QString processes(std::int64_t count);
 /// Shown in place of a figure that is not known yet.
 QString noFigure();
 /// One decimal, without the unit.

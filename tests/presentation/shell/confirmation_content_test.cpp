@@ -47,10 +47,41 @@ TEST_F(ConfirmationContentTest, ShowsTheTextsOfTheRequest) {
               "the app cannot close cleanly."_s);
     EXPECT_EQ(cancel().text(), u"Cancel"_s);
     EXPECT_EQ(confirm().text(), u"Quit Process"_s);
+    EXPECT_EQ(visible("confirmation.processes"), nullptr) << "the message names the process";
+    EXPECT_EQ(textOf("confirmation.executables"), u"Executable"_s);
     EXPECT_EQ(shownPaths(), QStringList(u"/usr/bin/photo-indexer"_s));
     EXPECT_EQ(dialog().accessibleDescription(), textOf("confirmation.title") + u'\n' +
-                                                    textOf("confirmation.message") + u'\n' +
-                                                    textOf("confirmation.path.0"));
+                                                    textOf("confirmation.message") +
+                                                    u"\nExecutable\n/usr/bin/photo-indexer"_s);
+}
+
+TEST_F(ConfirmationContentTest, AQuestionAboutAGroupSaysWhichProcesses) {
+    machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
+    machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
+    showWithSample();
+    machine.monitor().actions().review.setTarget(901, "Google Chrome");
+    machine.monitor().actions().local.requestQuitSelectedApp();
+    settle();
+    ASSERT_TRUE(isOpen());
+    EXPECT_EQ(textOf("confirmation.message"),
+              u"Tallowcrest will ask Google Chrome to quit gracefully, then may send TERM to "
+              "visible helper processes if needed. Review unsaved work first."_s);
+    EXPECT_EQ(textOf("confirmation.processes"), u"2 processes: 901, 902"_s);
+    EXPECT_EQ(textOf("confirmation.executables"), u"Executables"_s);
+    EXPECT_EQ(shownPaths().join(u'|'), u"/opt/chrome|/opt/chrome helper"_s);
+    EXPECT_TRUE(dialog().accessibleDescription().endsWith(
+        u"first.\n2 processes: 901, 902\nExecutables\n/opt/chrome\n/opt/chrome helper"_s));
+}
+
+TEST_F(ConfirmationContentTest, AGroupOfHundredsIsCounted) {
+    showWithSample();
+    ask(probe(), {"/opt/worker"}, std::vector<std::int64_t>(300, 4194304));
+    const auto* line = visible<ElidedLabel>("confirmation.processes");
+    EXPECT_TRUE(line->text().startsWith(u"300 processes: 4194304, "_s));
+    EXPECT_TRUE(line->shownLines().last().endsWith(u" and 288 more"_s));
+    EXPECT_LE(dialog().height(), 560);
+    ask(probe("Other?"));
+    EXPECT_EQ(visible("confirmation.processes"), nullptr);
 }
 
 TEST_F(ConfirmationContentTest, IsModalToItsWindowOnly) {

@@ -32,8 +32,9 @@ protected:
         return {UUID::random(), title, "It changes something.", "Go On", "probe", {}, {}};
     }
 
-    void ask(const ConfirmationRequest& request, std::vector<std::string> paths = {}) {
-        desk().requestConfirmation(request, std::move(paths));
+    void ask(const ConfirmationRequest& request, std::vector<std::string> paths = {},
+             std::vector<std::int64_t> pids = {}) {
+        desk().requestConfirmation(request, {std::move(paths), std::move(pids)});
         settle();
         ASSERT_TRUE(isOpen());
         ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));

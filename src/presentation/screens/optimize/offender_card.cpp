@@ -7,14 +7,18 @@
 #include <QVBoxLayout>
 
 #include "presentation/screens/optimize/optimize_lines.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card_grid.h"
+#include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/summary_card.h"
+#include "presentation/widgets/text_lines.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -29,6 +33,14 @@ constexpr int narrowestCard = 224;
 /// A group may have hundreds of processes; the table scrolls beyond these.
 constexpr int mostRows = 8;
 
+void showQuit(DangerButton& button, const optimize_lines::QuitButton& shown) {
+    button.setEnabled(shown.isEnabled);
+    setSpokenDescription(button, shown.description);
+    if (const QString words = toolTipText(shown.description); button.toolTip() != words) {
+        button.setToolTip(words);
+    }
+}
+
 }  // namespace
 
 OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
@@ -40,6 +52,7 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     // Enough for a name of any length: the end of the text says whether the process is protected.
     explanation_->setLines(1, 8);
     contentLayout()->addWidget(explanation_);
+    contentLayout()->addWidget(makeQuitButtons());
 
     target_ = new QWidget(this);
     auto* layout = new QVBoxLayout(target_);
@@ -56,6 +69,19 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     layout->addWidget(makeHelpers());
     target_->hide();
     contentLayout()->addWidget(target_);
+    // Beside a higher column the card is stretched.
+    contentLayout()->addStretch(1);
+}
+
+QWidget* OffenderCard::makeQuitButtons() {
+    auto* buttons = new FlowRow(spacing::unit, this);
+    quitProcess_ = makeDangerButton({"Quit Process…", "", ""}, u"cleanup.quit-process"_s, buttons);
+    quitApp_ = makeDangerButton({"Quit App Group…", "", ""}, u"cleanup.quit-app"_s, buttons);
+    buttons->addItem(quitProcess_);
+    buttons->addItem(quitApp_);
+    connect(quitProcess_, &QPushButton::clicked, this, &OffenderCard::quitProcessWanted);
+    connect(quitApp_, &QPushButton::clicked, this, &OffenderCard::quitAppWanted);
+    return buttons;
 }
 
 QWidget* OffenderCard::makeCards() {
@@ -121,6 +147,8 @@ void OffenderCard::show(optimize_lines::Offender offender,
     setHeader(u"scope"_s, offender.heading);
     explanation_->setText(offender.explanation);
     explanation_->setColor(hasTarget ? &CrestTheme::text : &CrestTheme::secondaryText);
+    showQuit(*quitProcess_, offender.quitProcess);
+    showQuit(*quitApp_, offender.quitApp);
     model_.setProtectedAppNames(protectedAppNames);
     if (hasTarget) {
         showTarget(*std::move(offender.target));

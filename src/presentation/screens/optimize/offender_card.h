@@ -11,6 +11,7 @@ class QPushButton;
 
 namespace tallowcrest {
 
+class DangerButton;
 class ProcessTableView;
 class SummaryCard;
 
@@ -19,15 +20,16 @@ struct Offender;
 struct Target;
 }  // namespace optimize_lines
 
-/// The process under review, its group and the processes of that group. Main thread.
+/// The process under review, its group and the processes of that group, with buttons that ask
+/// whether to quit them. Main thread.
 class OffenderCard final : public Card {
     Q_OBJECT
 
 public:
     explicit OffenderCard(ProtectionPolicy policy, QWidget* parent = nullptr);
 
-    /// Without a target, only the heading and the explanation are shown. The processes of groups
-    /// named in `protectedAppNames` are shown as protected.
+    /// Without a target, only the heading, the explanation and the disabled buttons are shown. The
+    /// processes of groups named in `protectedAppNames` are shown as protected.
     void show(optimize_lines::Offender offender, const ProtectedAppNames& protectedAppNames);
 
 signals:
@@ -35,11 +37,15 @@ signals:
     void reviewWanted(const ProcessSample& process);
     /// The owner asked to put the group on the Never Quit list, or to take it off.
     void neverQuitToggled(const std::string& group);
+    /// The owner asked to quit the process under review, or its group.
+    void quitProcessWanted();
+    void quitAppWanted();
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
+    QWidget* makeQuitButtons();
     QWidget* makeCards();
     QPushButton* makeNeverQuit();
     QWidget* makeHelpers();
@@ -51,6 +57,8 @@ private:
     ProcessTableModel model_;
     std::optional<std::string> shownGroup_;
     ElidedLabel* explanation_ = nullptr;
+    DangerButton* quitProcess_ = nullptr;
+    DangerButton* quitApp_ = nullptr;
     QWidget* target_ = nullptr;  ///< everything that shows only with a target
     SummaryCard* group_ = nullptr;
     SummaryCard* risk_ = nullptr;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "actions/app_group.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/app_impact.h"
 
@@ -41,10 +42,8 @@ GroupCard groupCard(const std::optional<std::string>& group, std::span<const App
     if (found == groups.end()) {
         return {text(*group), noSummary};
     }
-    const QString count = found->processCount == 1
-                              ? u"1 process"_s
-                              : dashboard_text::count(found->processCount) + u" processes"_s;
-    return {text(*group), u"%1 · %2 CPU"_s.arg(count, percentWithDecimal(found->totalCPU))};
+    return {text(*group), u"%1 · %2 CPU"_s.arg(dashboard_text::processes(found->processCount),
+                                               percentWithDecimal(found->totalCPU))};
 }
 
 QString risk(bool isProtected) {
@@ -63,12 +62,35 @@ std::vector<ProcessSample> helperProcesses(const std::vector<ProcessSample>& pro
     return members;
 }
 
+QuitButton quitProcess(std::string_view name, bool isProtected) {
+    if (name.empty()) {
+        return {false, u"Select a process first"_s};
+    }
+    return isProtected ? QuitButton{false, text(name) + u" is protected from quit actions"_s}
+                       : QuitButton{true, u"Asks whether to quit "_s + text(name)};
+}
+
+QuitButton quitApp(const std::optional<std::string>& group, bool isNeverQuit,
+                   std::int64_t members) {
+    if (!group) {
+        return {false, u"Select an app group first"_s};
+    }
+    if (isNeverQuit) {
+        return {false, text(*group) + u" is on the Never Quit list"_s};
+    }
+    if (members == 0) {
+        return {false, text(*group) + u" has no process that may be quit"_s};
+    }
+    return {true, u"Asks whether to quit "_s + text(*group) + u", "_s +
+                      dashboard_text::processes(members)};
+}
+
 Offender offender(const OffenderFacts& facts) {
     if (!facts.selectedPID) {
         return {heading({}),
                 facts.snapshot ? u"Select an app or process to see why it matters."_s
                                : u"Sampling this Mac..."_s,
-                std::nullopt};
+                std::nullopt, quitProcess({}, false), quitApp({}, false, 0)};
     }
     const SelectedTargetSummary& summary = facts.summary;
     const ProcessSample* row = facts.selectedRow;
@@ -84,9 +106,15 @@ Offender offender(const OffenderFacts& facts) {
                          : std::vector<ProcessSample>(),
         // Another process may have the PID of the one that was selected.
         .selectedPID = row != nullptr ? facts.selectedPID : std::nullopt};
+    const auto members = std::count_if(
+        target.helpers.begin(), target.helpers.end(), [&facts](const ProcessSample& each) {
+            return isSafeTarget(each, facts.protectedAppNames, facts.protection);
+        });
+    const bool isNeverQuit = target.isNeverQuit;
     return {heading(summary.title),
             row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
-            std::move(target)};
+            std::move(target), quitProcess(summary.title, summary.isProtected),
+            quitApp(group, isNeverQuit, members)};
 }
 
 }  // namespace tallowcrest::optimize_lines

@@ -55,11 +55,28 @@ struct Target {
     std::optional<std::int64_t> selectedPID;  ///< absent when the process is not in the sample
 };
 
+/// A button that asks whether to quit something.
+struct QuitButton {
+    bool isEnabled = false;
+    QString description;  ///< what it asks, or why it is disabled
+
+    bool operator==(const QuitButton&) const = default;
+};
+
+/// For the process under review. `name` is empty while nothing is selected.
+QuitButton quitProcess(std::string_view name, bool isProtected);
+
+/// For the group under review, `members` of whose processes may be quit. `group` is absent while
+/// none is selected.
+QuitButton quitApp(const std::optional<std::string>& group, bool isNeverQuit, std::int64_t members);
+
 /// What the card of the process under review shows.
 struct Offender {
     QString heading;
     QString explanation;
     std::optional<Target> target;  ///< absent while nothing is selected
+    QuitButton quitProcess = {};
+    QuitButton quitApp = {};
 };
 
 /// The selection and the sample that the card is about. The references must outlive the value.
@@ -72,6 +89,7 @@ struct OffenderFacts {
     const std::vector<ProcessSample>& latestProcesses;
     const std::vector<std::size_t>& impactOrder;  ///< indexes of `latestProcesses`
     const ProtectedAppNames& protectedAppNames;
+    ProtectionPolicy protection;
 };
 
 /// Without a selection, the explanation says what to do, or that the first sample is being taken.

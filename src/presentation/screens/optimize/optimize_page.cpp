@@ -18,6 +18,7 @@
 #include "presentation/state/automation_facts.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
 
@@ -33,16 +34,18 @@ OptimizePage::OptimizePage(SystemMonitor& monitor, WindowState& state, QWidget* 
     connect(bar, &WorkspaceBar::routeWanted, this,
             [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
     layout->addWidget(bar);
-    layout->addWidget(makeFlow());
+    makeFlow();
     disk_ = makeDiskAutopilot(u"cleanup"_s, monitor_.actions().automation, state_.sections);
-    layout->addWidget(disk_);
-    layout->addWidget(makeOffender());
+    makeOffender();
+    auto* columns = new TwoColumns(content);
+    columns->setColumns({flow_, disk_}, {offender_});
+    layout->addWidget(columns);
     layout->addStretch(1);
 
     scrollOnPage(content, *this);
 }
 
-QWidget* OptimizePage::makeFlow() {
+void OptimizePage::makeFlow() {
     flow_ = new CleanupFlowCard;
     connect(flow_, &CleanupFlowCard::safeTargetWanted, this,
             [this] { monitor_.actions().local.optimizeSafely(); });
@@ -52,17 +55,19 @@ QWidget* OptimizePage::makeFlow() {
             [this] { monitor_.actions().local.requestPurge(); });
     connect(flow_, &CleanupFlowCard::activityMonitorWanted, this,
             [this] { monitor_.actions().applications.openActivityMonitor(); });
-    return flow_;
 }
 
-QWidget* OptimizePage::makeOffender() {
+void OptimizePage::makeOffender() {
     offender_ = new OffenderCard(monitor_.host().protection);
     connect(offender_, &OffenderCard::reviewWanted, this, [this](const ProcessSample& process) {
         monitor_.actions().review.selectProcess(process);
     });
     connect(offender_, &OffenderCard::neverQuitToggled, this,
             [this](const std::string& group) { monitor_.actions().local.toggleNeverQuit(group); });
-    return offender_;
+    connect(offender_, &OffenderCard::quitProcessWanted, this,
+            [this] { monitor_.actions().local.requestQuitSelectedProcess(); });
+    connect(offender_, &OffenderCard::quitAppWanted, this,
+            [this] { monitor_.actions().local.requestQuitSelectedApp(); });
 }
 
 std::vector<Observable*> OptimizePage::shows() const {
@@ -96,7 +101,8 @@ void OptimizePage::refresh() {
                                   .snapshot = sample.snapshot(),
                                   .latestProcesses = sample.latestProcesses(),
                                   .impactOrder = sample.impactOrder(),
-                                  .protectedAppNames = monitor_.settings().protectedAppNames}),
+                                  .protectedAppNames = monitor_.settings().protectedAppNames,
+                                  .protection = monitor_.host().protection}),
         monitor_.settings().protectedAppNames);
 }
 

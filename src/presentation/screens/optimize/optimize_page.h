@@ -23,8 +23,8 @@ public:
     std::vector<HeaderAction> headerActions() override;
 
 private:
-    QWidget* makeFlow();
-    QWidget* makeOffender();
+    void makeFlow();
+    void makeOffender();
 
     SystemMonitor& monitor_;
     WindowState& state_;

@@ -66,6 +66,8 @@ protected:
     QString cell(int row, int column) {
         return helpers()->model()->index(row, column).data().toString();
     }
+    QPushButton& quitProcess() { return *visible<QPushButton>("cleanup.quit-process"); }
+    QPushButton& quitApp() { return *visible<QPushButton>("cleanup.quit-app"); }
     QPushButton& neverQuit() { return *visible<QPushButton>("cleanup.never-quit"); }
 
     OffenderCard card{ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
@@ -205,6 +207,40 @@ TEST_F(OffenderCardTest, NeverQuitEmitsTheShownGroup) {
     QTest::mouseClick(&neverQuit(), Qt::LeftButton);
     QTest::keyClick(&neverQuit(), Qt::Key_Space);
     EXPECT_THAT(toggled, ElementsAre("photo-indexer", "photo-indexer"));
+}
+
+// Quitting ---------------------------------------------------------------------------------------
+
+TEST_F(OffenderCardTest, TheQuitButtonsFollowTheTarget) {
+    optimize_lines::Offender shown = offender();
+    shown.quitProcess = {true, u"Asks whether to quit <b>"_s};
+    shown.quitApp = {false, u"It is on the list"_s};
+    show(shown);
+    EXPECT_EQ(quitProcess().accessibleName(), u"Quit Process…"_s);
+    EXPECT_EQ(quitApp().accessibleName(), u"Quit App Group…"_s);
+    EXPECT_TRUE(quitProcess().isEnabled());
+    EXPECT_EQ(quitProcess().accessibleDescription(), u"Asks whether to quit <b>"_s);
+    EXPECT_TRUE(quitProcess().toolTip().contains(u"&lt;b&gt;"_s));
+    EXPECT_FALSE(quitApp().isEnabled());
+    EXPECT_EQ(quitApp().accessibleDescription(), u"It is on the list"_s);
+
+    show({u"Selected Offender"_s, u"Select an app."_s, std::nullopt});
+    EXPECT_FALSE(quitProcess().isEnabled());
+    EXPECT_FALSE(quitApp().isEnabled());
+}
+
+TEST_F(OffenderCardTest, TheQuitButtonsOnlyAsk) {
+    const QSignalSpy process(&card, &OffenderCard::quitProcessWanted);
+    const QSignalSpy app(&card, &OffenderCard::quitAppWanted);
+    optimize_lines::Offender shown = offender();
+    shown.quitProcess.isEnabled = true;
+    shown.quitApp.isEnabled = true;
+    show(shown);
+    QTest::mouseClick(&quitProcess(), Qt::LeftButton);
+    EXPECT_EQ(process.count(), 1);
+    EXPECT_EQ(app.count(), 0);
+    QTest::keyClick(&quitApp(), Qt::Key_Space);
+    EXPECT_EQ(app.count(), 1);
 }
 
 TEST_F(OffenderCardTest, NeverQuitHasAnAccessibleState) {

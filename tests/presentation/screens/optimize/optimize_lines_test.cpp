@@ -108,14 +108,16 @@ protected:
     }
 
     optimize_lines::Offender offender() {
-        return optimize_lines::offender({.selectedPID = selectedPID,
-                                         .selectedRow = selectedRow,
-                                         .group = group,
-                                         .summary = summary,
-                                         .snapshot = snapshot,
-                                         .latestProcesses = processes,
-                                         .impactOrder = impactOrder,
-                                         .protectedAppNames = protectedAppNames});
+        return optimize_lines::offender(
+            {.selectedPID = selectedPID,
+             .selectedRow = selectedRow,
+             .group = group,
+             .summary = summary,
+             .snapshot = snapshot,
+             .latestProcesses = processes,
+             .impactOrder = impactOrder,
+             .protectedAppNames = protectedAppNames,
+             .protection = {.ownPID = 4242, .protectsLinuxSystem = true}});
     }
     optimize_lines::Target target() { return offender().target.value(); }
 
@@ -216,6 +218,45 @@ TEST_F(CleanupOffenderTest, NeverQuitBelongsToTheGroupUnderReview) {
     EXPECT_EQ(target().group, "photo-indexer");
     group = "Google Chrome";
     EXPECT_TRUE(target().isNeverQuit);
+}
+
+// The buttons that ask whether to quit -----------------------------------------------------------
+
+TEST_F(CleanupOffenderTest, ATargetAndItsGroupMayBeQuit) {
+    EXPECT_EQ(offender().quitProcess,
+              (optimize_lines::QuitButton{true, u"Asks whether to quit photo-indexer"_s}));
+    EXPECT_EQ(offender().quitApp, (optimize_lines::QuitButton{
+                                      true, u"Asks whether to quit photo-indexer, 1 process"_s}));
+    group = "Google Chrome";
+    EXPECT_EQ(offender().quitApp.description, u"Asks whether to quit Google Chrome, 3 processes"_s);
+}
+
+TEST_F(CleanupOffenderTest, ADisabledQuitButtonSaysWhy) {
+    const auto expectDisabled = [](const optimize_lines::QuitButton& button, const char* why) {
+        EXPECT_EQ(button, (optimize_lines::QuitButton{false, QString::fromUtf8(why)}));
+    };
+    protectedAppNames = {"photo-indexer"};
+    expectDisabled(offender().quitApp, "photo-indexer is on the Never Quit list");
+
+    selectedPID = 1;
+    selectedRow = &processes[0];
+    group = "systemd";
+    summary = {.title = "systemd", .detail = {}, .isProtected = true};
+    expectDisabled(offender().quitProcess, "systemd is protected from quit actions");
+    expectDisabled(offender().quitApp, "systemd has no process that may be quit");
+    group.reset();
+    expectDisabled(offender().quitApp, "Select an app group first");
+
+    selectedPID.reset();
+    expectDisabled(offender().quitProcess, "Select a process first");
+    expectDisabled(offender().quitApp, "Select an app group first");
+}
+
+TEST_F(CleanupOffenderTest, AProcessThatLeftTheSampleMayStillBeAskedAbout) {
+    selectedRow = nullptr;
+    summary = {.title = "PID 800", .detail = "Not in the sample.", .isProtected = false};
+    EXPECT_EQ(offender().quitProcess,
+              (optimize_lines::QuitButton{true, u"Asks whether to quit PID 800"_s}));
 }
 
 }  // namespace

@@ -154,6 +154,63 @@ TEST_F(OptimizePageTest, ARunningPurgeIsShownAndDisablesItsButton) {
     EXPECT_EQ(lastAction(), "Could not run purge: no such tool");
 }
 
+TEST_F(OptimizePageTest, TheCardAsksWhetherToQuitTheTargetOrItsGroup) {
+    machine.addProcess(901, "/opt/chrome", 50.0, 500.0);
+    machine.addProcess(902, "/opt/chrome helper", 25.0, 250.0);
+    showCleanup();
+    machine.monitor().actions().review.setTarget(901, "Google Chrome");
+    settle();
+    click("cleanup.quit-process");
+    EXPECT_EQ(textOf("confirmation.title"), u"Quit chrome?"_s);
+    EXPECT_EQ(pending()->kind, "local_quit_process");
+    EXPECT_EQ(pending()->pid, 901);
+    click("confirmation.cancel");
+    click("cleanup.quit-app");
+    EXPECT_EQ(textOf("confirmation.title"), u"Quit Google Chrome?"_s);
+    EXPECT_EQ(pending()->kind, "local_quit_app");
+    EXPECT_EQ(textOf("confirmation.processes"), u"2 processes: 901, 902"_s);
+    click("confirmation.cancel");
+    machine.finishSamples();
+    EXPECT_TRUE(machine.actions.processes->signalled.empty());
+}
+
+TEST_F(OptimizePageTest, TheCardDoesNotAskAboutAProtectedTarget) {
+    showCleanup();
+    const auto expectQuittable = [this](bool process, bool app) {
+        settle();
+        EXPECT_EQ(visible("cleanup.quit-process")->isEnabled(), process);
+        EXPECT_EQ(visible("cleanup.quit-app")->isEnabled(), app);
+    };
+    expectQuittable(false, false);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[2]);
+    expectQuittable(false, false);
+    EXPECT_EQ(visible("cleanup.quit-process")->accessibleDescription(),
+              u"systemd is protected from quit actions"_s);
+    machine.monitor().actions().review.selectProcess(machine.metrics->processes[0]);
+    expectQuittable(true, true);
+    click("cleanup.never-quit");
+    expectQuittable(false, false);
+}
+
+TEST_F(OptimizePageTest, TheTargetIsBesideTheFlowWhereThereIsRoom) {
+    showCleanup();
+    machine.monitor().actions().review.selectTopApp();
+    for (const int width : {1600, 1080}) {
+        window().resize(width, 900);
+        settle();
+        const QPoint flow = visible("cleanup.flow")->mapTo(&window(), QPoint());
+        const QPoint offender = visible("cleanup.offender")->mapTo(&window(), QPoint());
+        const QPoint disk = visible("cleanup.disk-autopilot")->mapTo(&window(), QPoint());
+        EXPECT_GT(disk.y(), flow.y()) << width;
+        if (width == 1600) {
+            EXPECT_EQ(offender.y(), flow.y());
+            EXPECT_GT(offender.x(), flow.x());
+        } else {
+            EXPECT_GT(offender.y(), disk.y());
+        }
+    }
+}
+
 TEST_F(OptimizePageTest, ActivityMonitorOpensIt) {
     int opened = 0;
     machine.openActivityMonitor = [&opened] {
@@ -172,11 +229,11 @@ TEST_F(OptimizePageTest, TabFollowsTheVisualOrder) {
     machine.monitor().actions().review.selectTopApp();
     settle();
     visible("optimize.cleanup")->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(tabOrder(9),
+    EXPECT_EQ(tabOrder(11),
               u"optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
               "cleanup.purge-caches cleanup.activity-monitor "
-              "section.autoRules cleanup.emergency-stop cleanup.never-quit "
-              "cleanup.helpers"_s);
+              "section.autoRules cleanup.emergency-stop cleanup.quit-process "
+              "cleanup.quit-app cleanup.never-quit cleanup.helpers"_s);
 }
 
 class OptimizePageAtWidth : public OptimizePageTest, public testing::WithParamInterface<int> {};
@@ -187,7 +244,7 @@ TEST_P(OptimizePageAtWidth, NoWordIsCutAndNothingOverlaps) {
     machine.monitor().actions().review.selectTopApp();
     settle();
     ASSERT_EQ(window().width(), GetParam());
-    const QWidget* page = visible("cleanup.flow")->parentWidget();
+    const QWidget* page = visible("optimize.workspace")->parentWidget();
     for (const ElidedLabel* label : page->findChildren<ElidedLabel*>()) {
         if (label->isVisible() && !label->text().isEmpty()) {
             ASSERT_FALSE(label->shownLines().isEmpty());
@@ -224,14 +281,14 @@ TEST_P(OptimizePageAtWidth, NoWordIsCutAndNothingOverlaps) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Widths, OptimizePageAtWidth,
-                         testing::Values(640, 700, 860, 900, 1080, 1600),
+                         testing::Values(640, 700, 860, 900, 1080, 1256, 1600),
                          testing::PrintToStringParamName());
 
 TEST_F(OptimizePageTest, EveryControlHasANameADescriptionAndAnIdentifier) {
     showCleanup();
     machine.monitor().actions().review.selectTopApp();
     settle();
-    const QWidget* page = visible("cleanup.flow")->parentWidget();
+    const QWidget* page = visible("optimize.workspace")->parentWidget();
     std::set<QString> identifiers;
     int controls = 0;
     for (const QAbstractButton* button : page->findChildren<QAbstractButton*>()) {
@@ -245,7 +302,8 @@ TEST_F(OptimizePageTest, EveryControlHasANameADescriptionAndAnIdentifier) {
         EXPECT_TRUE(identifiers.insert(button->objectName()).second)
             << button->objectName().toStdString();
     }
-    EXPECT_EQ(controls, 11) << "four steps, four actions, the section, the stop and Never Quit";
+    EXPECT_EQ(controls, 13) << "four steps, four actions, the section, the stop, two that quit and "
+                               "Never Quit";
 }
 
 }  // namespace
