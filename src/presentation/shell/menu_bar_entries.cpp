@@ -8,6 +8,7 @@
 #include "actions/local_actions.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
+#include "presentation/words/commands.h"
 #include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
@@ -57,34 +58,43 @@ void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
 
 }  // namespace
 
-std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window) {
+std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
+                                                      DashboardWindow& window) {
+    const auto isStopped = [&monitor] { return monitor.actions().automation.isStopEngaged(); };
     return {
-        {always("Show Dashboard"), u"macwindow"_s, u"menubar.show-dashboard"_s,
-         [&window] { window.openRoute(AppRoute::overview); }},
-        {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
-         [&window] { window.openRoute(AppRoute::optimize); }},
-        {[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,
-         u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
-        {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
-         [&window] {
-             window.state().navigation.setShowSettings(true);
-             window.bringToFront();
-         }},
-        {always("Refresh"), u"arrow.clockwise"_s, u"menubar.refresh"_s,
-         [&monitor] { monitor.refresh(); }},
-        {always("Copy Report"), u"doc.on.doc"_s, u"menubar.copy-report"_s,
-         [&monitor] { monitor.reports().copyDiagnosticsReport(); }},
-        {always("Export Diagnostics"), u"square.and.arrow.up"_s, u"menubar.export"_s,
-         [&monitor, &window] { exportReport(monitor, window); }},
-        {always("Purge File Caches"), u"memorychip"_s, u"menubar.purge"_s,
-         askingInFront(monitor, window, &LocalActions::requestPurge)},
-        {always("Quit Top App"), u"xmark.circle"_s, u"menubar.quit-top-app"_s,
-         askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)},
-        {always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
-         [&window] { window.state().sections.expandAll(); }},
-        {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,
-         [&window] { window.state().sections.collapseAll(); }},
-        {always("Quit Tallowcrest"), u"power"_s, u"menubar.quit"_s, [] { QApplication::quit(); }},
+        {{always("Show Dashboard"), u"macwindow"_s, u"menubar.show-dashboard"_s,
+          [&window] { window.openRoute(AppRoute::overview); }},
+         {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
+          [&window] { window.openRoute(AppRoute::optimize); }}},
+        {{[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,
+          u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
+         {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
+          [&window] {
+              window.state().navigation.setShowSettings(true);
+              window.bringToFront();
+          }},
+         {always("Refresh"), u"arrow.clockwise"_s, u"menubar.refresh"_s,
+          [&monitor] { monitor.refresh(); }}},
+        {{always("Copy Report"), u"doc.on.doc"_s, u"menubar.copy-report"_s,
+          [&monitor] { monitor.reports().copyDiagnosticsReport(); }},
+         {always("Export Diagnostics"), u"square.and.arrow.up"_s, u"menubar.export"_s,
+          [&monitor, &window] { exportReport(monitor, window); }}},
+        {{always("Purge File Caches"), u"memorychip"_s, u"menubar.purge"_s,
+          askingInFront(monitor, window, &LocalActions::requestPurge)},
+         {always("Quit Top App"), u"xmark.circle"_s, u"menubar.quit-top-app"_s,
+          askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)}},
+        {{always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
+          [&window] { window.state().sections.expandAll(); }},
+         {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,
+          [&window] { window.state().sections.collapseAll(); }}},
+        {{always(commands::emergencyStop.title), QString::fromUtf8(commands::emergencyStop.icon),
+          u"menubar.emergency-stop"_s,
+          [&monitor] { monitor.actions().automation.engageEmergencyStop(); },
+          [isStopped] { return !isStopped(); }, true},
+         {always(commands::resumeManualMode.title), u"checkmark.shield"_s,
+          u"menubar.resume-manual-mode"_s,
+          [&monitor] { monitor.actions().automation.resumeFromEmergencyStop(); }, isStopped}},
+        {{always("Quit Tallowcrest"), u"power"_s, u"menubar.quit"_s, [] { QApplication::quit(); }}},
     };
 }
 

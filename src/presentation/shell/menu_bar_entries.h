@@ -17,9 +17,15 @@ struct MenuBarEntry {
     QString icon;
     QString identifier;
     std::function<void()> run;
+    /// Whether the state calls for it; empty for always.
+    std::function<bool()> isWanted = {};
+    bool isDanger = false;  ///< marked like the button of the same command in the window
+
+    bool isShown() const { return !isWanted || isWanted(); }
 };
 
-/// The commands in their order. Monitor and window must outlive them. Main thread.
-std::vector<MenuBarEntry> menuBarEntries(SystemMonitor& monitor, DashboardWindow& window);
+/// The commands in their order, by groups. Monitor and window must outlive them. Main thread.
+std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
+                                                      DashboardWindow& window);
 
 }  // namespace tallowcrest

@@ -1,7 +1,6 @@
 #include "presentation/shell/menu_bar_panel.h"
 
 #include <algorithm>
-#include <utility>
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -11,11 +10,15 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "core/activity_log.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/shared/timeline_graph.h"
 #include "presentation/shell/menu_bar_row.h"
+#include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
@@ -26,10 +29,25 @@ namespace tallowcrest {
 namespace {
 
 constexpr int panelWidth = 288;
+constexpr int graphHeight = 12 * spacing::unit;
+
+/// A hairline between two groups of commands.
+class Separator final : public QWidget {
+public:
+    explicit Separator(QWidget* parent) : QWidget(parent) { setFixedHeight(spacing::unit + 1); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(CrestTheme::current().hairline);
+        painter.drawLine(spacing::unit, height() / 2, width() - 1 - spacing::unit, height() / 2);
+    }
+};
 
 }  // namespace
 
-MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries)
+MenuBarPanel::MenuBarPanel(SystemMonitor& monitor,
+                           const std::vector<std::vector<MenuBarEntry>>& groups)
     // Not a popup: those are hidden from assistive technology, and without a parent window they
     // never appear under Wayland.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
@@ -48,7 +66,7 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> ent
     layout->setSpacing(0);
     layout->addWidget(makeFigures());
     layout->addSpacing(spacing::unit);
-    layout->addWidget(makeRows(std::move(entries)));
+    layout->addWidget(makeRows(groups));
     changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable()});
 }
 
@@ -72,22 +90,47 @@ QWidget* MenuBarPanel::makeFigures() {
     for (ElidedLabel* line : {load_, topGroup_, latestHeading_, latest_}) {
         layout->addWidget(line);
     }
+    layout->addSpacing(spacing::unit / 2);
+    layout->addWidget(makeGraph());
     return figures_;
 }
 
-QWidget* MenuBarPanel::makeRows(std::vector<MenuBarEntry> entries) {
+QWidget* MenuBarPanel::makeGraph() {
+    timeline_ = new Card(figures_);
+    timeline_->setObjectName(u"menubar.timeline"_s);
+    timeline_->setAccessibleName(u"Live Performance Timeline"_s);
+    timeline_->layout()->setContentsMargins(spacing::unit, spacing::unit, spacing::unit,
+                                            spacing::unit);
+    graph_ = makeTimelineGraph(timeline_);
+    graph_->setObjectName(u"menubar.graph"_s);
+    graph_->setFixedHeight(graphHeight);
+    timeline_->contentLayout()->addWidget(graph_);
+    return timeline_;
+}
+
+QWidget* MenuBarPanel::makeRow(const MenuBarEntry& entry, QWidget* rows) {
+    auto* row = new MenuBarRow(entry.title(), entry.icon, entry.identifier, rows);
+    row->setDanger(entry.isDanger);
+    connect(row, &QPushButton::clicked, this, [this, run = entry.run] {
+        dismiss();
+        run();
+    });
+    rows_.emplace_back(row, entry);
+    return row;
+}
+
+QWidget* MenuBarPanel::makeRows(const std::vector<std::vector<MenuBarEntry>>& groups) {
     auto* rows = new QWidget;
     auto* layout = new QVBoxLayout(rows);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    for (MenuBarEntry& entry : entries) {
-        auto* row = new MenuBarRow(entry.title(), entry.icon, entry.identifier, rows);
-        connect(row, &QPushButton::clicked, this, [this, run = std::move(entry.run)] {
-            dismiss();
-            run();
-        });
-        rows_.emplace_back(row, std::move(entry.title));
-        layout->addWidget(row);
+    for (const std::vector<MenuBarEntry>& group : groups) {
+        if (layout->count() > 0) {
+            layout->addWidget(new Separator(rows));
+        }
+        for (const MenuBarEntry& entry : group) {
+            layout->addWidget(makeRow(entry, rows));
+        }
     }
     commands_ = new QScrollArea(this);
     commands_->setFrameShape(QFrame::NoFrame);
@@ -110,8 +153,14 @@ void MenuBarPanel::refresh() {
     latest_->setText(hasLatest ? dashboard_text::panelLatest(recommendations.front()) : QString());
     latest_->setVisible(hasLatest);
     latestHeading_->setVisible(hasLatest);
-    for (const auto& [row, title] : rows_) {
-        row->setTitle(title());
+    timeline_->setVisible(snapshot.has_value());
+    showTimeline(*graph_,
+                 {monitor_.sample().history(), monitor_.log().activityLog(),
+                  monitor_.settings().warningThreshold},
+                 timelineSummary(monitor_.sample().history()));
+    for (const auto& [row, entry] : rows_) {
+        row->setTitle(entry.title());
+        row->setVisible(entry.isShown());
     }
     fit();
     place();

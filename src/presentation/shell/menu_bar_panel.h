@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -15,17 +14,20 @@ class QScrollArea;
 
 namespace tallowcrest {
 
+class Card;
 class ElidedLabel;
 class MenuBarRow;
+class StableLineGraph;
 
-/// The compact panel of the status item: the latest figures and the commands. It closes when it
-/// loses the focus, on Escape, and after each command. On a low screen the commands scroll. Main
-/// thread.
+/// The compact panel of the status item: the latest figures, the last minutes and the commands. It
+/// closes when it loses the focus, on Escape, and after each command. On a low screen the commands
+/// scroll. Main thread.
 class MenuBarPanel final : public QWidget {
     Q_OBJECT
 
 public:
-    MenuBarPanel(SystemMonitor& monitor, std::vector<MenuBarEntry> entries);
+    /// The entries come in groups, which are separated by lines.
+    MenuBarPanel(SystemMonitor& monitor, const std::vector<std::vector<MenuBarEntry>>& groups);
 
     /// Shows the panel on the screen of `anchor`, as close to it as possible, or hides it if
     /// visible.
@@ -41,7 +43,9 @@ private:
     void refresh();
     void place();
     QWidget* makeFigures();
-    QWidget* makeRows(std::vector<MenuBarEntry> entries);
+    QWidget* makeGraph();
+    QWidget* makeRows(const std::vector<std::vector<MenuBarEntry>>& groups);
+    QWidget* makeRow(const MenuBarEntry& entry, QWidget* rows);
     /// Resizes to the height of the content, at most that of the screen.
     void fit();
     QRect screenArea() const;
@@ -55,9 +59,10 @@ private:
     ElidedLabel* topGroup_ = nullptr;
     ElidedLabel* latestHeading_ = nullptr;
     ElidedLabel* latest_ = nullptr;
+    Card* timeline_ = nullptr;
+    StableLineGraph* graph_ = nullptr;
     QScrollArea* commands_ = nullptr;
-    /// Each with the function that gives its title.
-    std::vector<std::pair<MenuBarRow*, std::function<QString()>>> rows_;
+    std::vector<std::pair<MenuBarRow*, MenuBarEntry>> rows_;
     ObserverGroup changes_;
 };
 

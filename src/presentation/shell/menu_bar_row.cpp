@@ -30,6 +30,11 @@ void MenuBarRow::setTitle(const QString& title) {
     setSpokenDescription(*this, title);
 }
 
+void MenuBarRow::setDanger(bool isDanger) {
+    isDanger_ = isDanger;
+    update();
+}
+
 QSize MenuBarRow::sizeHint() const {
     const int words = QFontMetrics(CrestFonts::current().body).horizontalAdvance(text());
     return {textLeft + words + padding, rowHeight};
@@ -62,11 +67,11 @@ void MenuBarRow::paintEvent(QPaintEvent*) {
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), cornerRadius, cornerRadius);
     }
-    painter.drawPixmap(
-        padding, (height() - spacing::iconSmall) / 2,
-        tintedIcon(symbol_, theme.secondaryText, spacing::iconSmall, devicePixelRatioF()));
+    painter.drawPixmap(padding, (height() - spacing::iconSmall) / 2,
+                       tintedIcon(symbol_, isDanger_ ? theme.bad : theme.secondaryText,
+                                  spacing::iconSmall, devicePixelRatioF()));
     painter.setFont(CrestFonts::current().body);
-    painter.setPen(isEnabled() ? theme.text : theme.secondaryText);
+    painter.setPen(!isEnabled() ? theme.secondaryText : isDanger_ ? theme.bad : theme.text);
     const int room = width() - textLeft - padding;
     painter.drawText(QRect(textLeft, 0, room, height()), Qt::AlignLeft | Qt::AlignVCenter,
                      painter.fontMetrics().elidedText(text(), Qt::ElideRight, room));

@@ -17,6 +17,8 @@ public:
                QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
+    /// Marks a command that stops something.
+    void setDanger(bool isDanger);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {0, rowHeight}; }
@@ -28,6 +30,7 @@ protected:
 
 private:
     QString symbol_;
+    bool isDanger_ = false;
 };
 
 }  // namespace tallowcrest

@@ -28,10 +28,17 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
       icon_(this),
       changes_(monitor.services().jobs.mainQueue(), [this] { refresh(); }) {
     icon_.setObjectName(u"menubar.item"_s);
-    for (const MenuBarEntry& entry : menuBarEntries(monitor_, window_)) {
-        QAction* action = menu_.addAction(themedIcon(entry.icon), entry.title(), this, entry.run);
-        action->setObjectName(entry.identifier);
-        actions_.emplace_back(action, entry.title);
+    for (const std::vector<MenuBarEntry>& group : menuBarEntries(monitor_, window_)) {
+        if (!menu_.isEmpty()) {
+            menu_.addSeparator();
+        }
+        for (const MenuBarEntry& entry : group) {
+            const QIcon icon = themedIcon(
+                entry.icon, entry.isDanger ? ThemeColor(&CrestTheme::bad) : ThemeColor());
+            QAction* action = menu_.addAction(icon, entry.title(), this, entry.run);
+            action->setObjectName(entry.identifier);
+            actions_.emplace_back(action, entry);
+        }
     }
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
@@ -41,8 +48,9 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
 }
 
 void StatusItem::refresh() {
-    for (const auto& [action, title] : actions_) {
-        action->setText(title());
+    for (const auto& [action, entry] : actions_) {
+        action->setText(entry.title());
+        action->setVisible(entry.isShown());
     }
     const auto& snapshot = monitor_.sample().snapshot();
     const QString label = snapshot ? dashboard_text::menuBarLabel(*snapshot) : u"Tallowcrest"_s;

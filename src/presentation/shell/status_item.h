@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -36,8 +35,7 @@ private:
     DashboardWindow& window_;
     QSystemTrayIcon icon_;
     QMenu menu_;
-    /// The entries of the menu, each with the function that gives its title.
-    std::vector<std::pair<QAction*, std::function<QString()>>> actions_;
+    std::vector<std::pair<QAction*, MenuBarEntry>> actions_;
     std::unique_ptr<MenuBarPanel> panel_;
     int shownNeedle_ = -1;
     QColor shownColor_;

@@ -30,13 +30,14 @@ int firstInked(const QImage& image, int from) {
 class MenuBarRowTest : public WindowFixture {
 protected:
     MenuBarPanel& panelOf(int count) {
-        std::vector<MenuBarEntry> entries;
+        std::vector<std::vector<MenuBarEntry>> groups(1);
         for (int i = 0; i < count; ++i) {
             const QString title = u"H command %1"_s.arg(QString(i, u'x'));
-            entries.push_back({[title] { return title; }, i % 2 == 0 ? u"power"_s : QString(),
-                               u"command.%1"_s.arg(i), [] {}});
+            groups.front().push_back({[title] { return title; },
+                                      i % 2 == 0 ? u"power"_s : QString(), u"command.%1"_s.arg(i),
+                                      [] {}});
         }
-        panel_ = std::make_unique<MenuBarPanel>(machine.monitor(), std::move(entries));
+        panel_ = std::make_unique<MenuBarPanel>(machine.monitor(), groups);
         panel_->toggleAt({10, 10});
         settle();
         return *panel_;

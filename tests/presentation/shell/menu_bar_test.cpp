@@ -7,6 +7,7 @@
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
+#include "presentation/widgets/stable_line_graph.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -304,17 +305,63 @@ TEST_F(MenuBarTest, AnExportFromThePanelBringsUpTheWindowOnlyWhenItFails) {
               u"Could not export diagnostics: No space left on device"_s);
 }
 
+TEST_F(MenuBarTest, TheStopIsOfferedUntilItIsEngagedAndThenTheWayBack) {
+    const Automation& automation = machine.monitor().actions().automation;
+    const auto isOffered = [this](const char* command) {
+        return panel().findChild<QPushButton*>(QString::fromLatin1(command))->isVisible();
+    };
+    openPanel();
+    const int height = panel().height();
+    EXPECT_FALSE(isOffered("menubar.resume-manual-mode"));
+    choose("menubar.emergency-stop");
+    EXPECT_TRUE(automation.isStopEngaged());
+    EXPECT_FALSE(panel().isVisible());
+    openPanel();
+    EXPECT_FALSE(isOffered("menubar.emergency-stop"));
+    EXPECT_EQ(panel().height(), height);
+    choose("menubar.resume-manual-mode");
+    EXPECT_FALSE(automation.isStopEngaged());
+    openPanel();
+    EXPECT_TRUE(isOffered("menubar.emergency-stop"));
+    EXPECT_FALSE(isOffered("menubar.resume-manual-mode"));
+}
+
+TEST_F(MenuBarTest, TheGraphShowsTheSessionWhileThePanelIsVisible) {
+    openPanel();
+    const auto* graph = panel().findChild<StableLineGraph*>(u"menubar.graph"_s);
+    ASSERT_NE(graph, nullptr);
+    EXPECT_FALSE(graph->isVisible()) << "before the first sample";
+    machine.finishSamples();
+    settle();
+    EXPECT_TRUE(graph->isVisible());
+    EXPECT_EQ(graph->accessibleValue(), u"CPU 40 percent, Memory 59 percent"_s);
+    panel().toggleAt({10, 10});
+    machine.metrics->processes[0].cpu = 10.0;
+    tick();
+    EXPECT_EQ(graph->accessibleValue(), u"CPU 40 percent, Memory 59 percent"_s);
+    openPanel();
+    EXPECT_EQ(graph->accessibleValue(), u"CPU 10 percent, Memory 59 percent"_s);
+}
+
 TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
+    QStringList groups;
     QStringList titles;
-    for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
-        titles.append(entry.title());
+    for (const std::vector<MenuBarEntry>& group : menuBarEntries(machine.monitor(), window())) {
+        QStringList ofGroup;
+        for (const MenuBarEntry& entry : group) {
+            ofGroup.append(entry.title());
+        }
+        groups.append(ofGroup.join(u'|'));
+        titles.append(ofGroup);
     }
-    EXPECT_EQ(
-        titles,
-        QStringList({u"Show Dashboard"_s, u"Open Optimize"_s, u"Disable Auto Select"_s,
-                     u"Settings"_s, u"Refresh"_s, u"Copy Report"_s, u"Export Diagnostics"_s,
-                     u"Purge File Caches"_s, u"Quit Top App"_s, u"Expand Dashboard Sections"_s,
-                     u"Collapse Dashboard Sections"_s, u"Quit Tallowcrest"_s}));
+    EXPECT_EQ(groups.join(u'\n').toStdString(),
+              "Show Dashboard|Open Optimize\n"
+              "Disable Auto Select|Settings|Refresh\n"
+              "Copy Report|Export Diagnostics\n"
+              "Purge File Caches|Quit Top App\n"
+              "Expand Dashboard Sections|Collapse Dashboard Sections\n"
+              "Emergency Stop|Resume Manual Mode\n"
+              "Quit Tallowcrest");
     QStringList onPanel;
     for (const QPushButton* button : panel().findChildren<QPushButton*>()) {
         onPanel.append(button->text());

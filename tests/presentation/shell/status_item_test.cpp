@@ -61,20 +61,37 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommandUnderItsCurrentTitle) {
     StatusItem item(machine.monitor(), window());
     QStringList identifiers;
     for (const QAction* action : iconOf(item).contextMenu()->actions()) {
-        identifiers.append(action->objectName());
+        if (action->isVisible()) {
+            identifiers.append(action->isSeparator() ? u"|"_s : action->objectName());
+        }
     }
     EXPECT_EQ(identifiers.join(u' '),
-              u"menubar.show-dashboard menubar.open-optimize menubar.auto-select menubar.settings "
-              "menubar.refresh menubar.copy-report menubar.export menubar.purge "
-              "menubar.quit-top-app menubar.expand-sections menubar.collapse-sections "
-              "menubar.quit"_s);
-    const QAction* entry = iconOf(item).contextMenu()->actions().at(2);
+              u"menubar.show-dashboard menubar.open-optimize | menubar.auto-select "
+              "menubar.settings menubar.refresh | menubar.copy-report menubar.export | "
+              "menubar.purge menubar.quit-top-app | menubar.expand-sections "
+              "menubar.collapse-sections | menubar.emergency-stop | menubar.quit"_s);
+    const auto* entry = iconOf(item).contextMenu()->findChild<QAction*>(u"menubar.auto-select"_s);
     EXPECT_EQ(entry->text(), u"Disable Auto Select"_s);
     for (const bool isOn : {false, true}) {
         machine.monitor().actions().automation.set(AutomationSwitch::autoSelectTopOffender, isOn);
         settle();
         EXPECT_EQ(entry->text(), isOn ? u"Disable Auto Select"_s : u"Enable Auto Select"_s);
     }
+}
+
+TEST_F(StatusItemTest, WhileStoppedItsMenuOffersOnlyTheWayBack) {
+    StatusItem item(machine.monitor(), window());
+    const auto* stop = iconOf(item).contextMenu()->findChild<QAction*>(u"menubar.emergency-stop"_s);
+    auto* resume = iconOf(item).contextMenu()->findChild<QAction*>(u"menubar.resume-manual-mode"_s);
+    EXPECT_FALSE(resume->isVisible());
+    machine.monitor().actions().automation.engageEmergencyStop();
+    settle();
+    EXPECT_FALSE(stop->isVisible());
+    ASSERT_TRUE(resume->isVisible());
+    resume->trigger();
+    settle();
+    EXPECT_TRUE(stop->isVisible());
+    EXPECT_FALSE(machine.monitor().actions().automation.isStopEngaged());
 }
 
 TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {

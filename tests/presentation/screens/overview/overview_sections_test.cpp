@@ -58,11 +58,13 @@ protected:
     }
 
     void choose(const char* identifier) {
-        for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
-            if (entry.identifier == QString::fromLatin1(identifier)) {
-                entry.run();
-                settle();
-                return;
+        for (const auto& group : menuBarEntries(machine.monitor(), window())) {
+            for (const MenuBarEntry& entry : group) {
+                if (entry.identifier == QString::fromLatin1(identifier)) {
+                    entry.run();
+                    settle();
+                    return;
+                }
             }
         }
         ADD_FAILURE() << "no entry " << identifier;

@@ -60,9 +60,11 @@ TEST_F(SettingsPageTest, PageAndSheetShareTheirSwitches) {
 }
 
 TEST_F(SettingsPageTest, TheStatusItemOpensTheWindowWithTheSheet) {
-    for (const MenuBarEntry& entry : menuBarEntries(machine.monitor(), window())) {
-        if (entry.title() == u"Settings"_s) {
-            entry.run();
+    for (const auto& group : menuBarEntries(machine.monitor(), window())) {
+        for (const MenuBarEntry& entry : group) {
+            if (entry.title() == u"Settings"_s) {
+                entry.run();
+            }
         }
     }
     EXPECT_TRUE(window().isVisible());
