@@ -15,6 +15,7 @@
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/timeline.h"
@@ -43,6 +44,10 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::unit);
     layout->setSpacing(spacing::unit);
     makeTexts();
+    notSaved_ = new Capsule(this);
+    notSaved_->setObjectName(u"status.not-saved"_s);
+    notSaved_->setText(u"Not Saved"_s);
+    notSaved_->setMark(u"exclamationmark.triangle"_s, &CrestTheme::caution);
     automation_ = new Capsule(this);
     automation_->setObjectName(u"status.automation"_s);
     threshold_ = new Capsule(this);
@@ -50,8 +55,7 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     makeButtons();
     layout->addLayout(texts_, 1);
     layout->addSpacing(spacing::unit);
-    for (QWidget* each : {static_cast<QWidget*>(automation_), static_cast<QWidget*>(threshold_),
-                          static_cast<QWidget*>(stop_), static_cast<QWidget*>(resume_)}) {
+    for (QWidget* each : marks()) {
         layout->addWidget(each);
     }
     fold();
@@ -85,6 +89,7 @@ std::vector<Observable*> StatusStrip::shows() const {
 }
 
 void StatusStrip::refresh() {
+    showSavingProblem();
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
     lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
@@ -105,17 +110,28 @@ void StatusStrip::showSession() {
     session_->setToolTip(fits ? QString() : whole);
 }
 
+std::array<QWidget*, 5> StatusStrip::marks() const {
+    return {notSaved_, automation_, threshold_, stop_, resume_};
+}
+
 int StatusStrip::roomForTexts() const {
     // Not from the layout, which may not have been told of new texts yet.
     int room = width() - 2 * spacing::pagePadding - 2 * spacing::unit;
-    for (const QWidget* each :
-         {static_cast<const QWidget*>(automation_), static_cast<const QWidget*>(threshold_),
-          static_cast<const QWidget*>(stop_), static_cast<const QWidget*>(resume_)}) {
+    for (const QWidget* each : marks()) {
         if (!each->isHidden()) {
             room -= spacing::unit + each->sizeHint().width();
         }
     }
     return room;
+}
+
+void StatusStrip::showSavingProblem() {
+    const QString problem = dashboard_text::text(monitor_.settingsOwner().savingProblem());
+    notSaved_->setVisible(!problem.isEmpty());
+    if (!problem.isEmpty()) {
+        notSaved_->setToolTip(toolTipText(problem));
+        setSpokenDescription(*notSaved_, problem);
+    }
 }
 
 void StatusStrip::showAutomation() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -18,11 +19,11 @@ class ElidedLabel;
 class Observable;
 class SystemMonitor;
 
-/// The line below the page header: the length of the session, the outcome of the last action, the
-/// enabled automations or the emergency stop, the warning threshold, and the emergency stop's
-/// button, or the way back from it. It is as high at every width: in a narrow window the session is
-/// above the outcome, and both are shortened before anything else is; the tool tips have the whole
-/// texts. Main thread.
+/// The line below the page header: the length of the session, the outcome of the last action,
+/// whether settings cannot be saved, the enabled automations or the emergency stop, the warning
+/// threshold, and the emergency stop's button, or the way back from it. It is as high at every
+/// width: in a narrow window the session is above the outcome, and both are shortened before
+/// anything else is; the tool tips have the whole texts. Main thread.
 class StatusStrip final : public QWidget {
     Q_OBJECT
 
@@ -42,6 +43,9 @@ private:
     /// The words that fit.
     void showSession();
     int roomForTexts() const;
+    /// To the right of the texts, in order; some are hidden.
+    std::array<QWidget*, 5> marks() const;
+    void showSavingProblem();
     void showAutomation();
     void showButton(bool isEngaged);
     bool isOneLine() const;
@@ -52,6 +56,7 @@ private:
     QBoxLayout* texts_ = nullptr;
     ElidedLabel* session_ = nullptr;
     ElidedLabel* lastAction_ = nullptr;
+    Capsule* notSaved_ = nullptr;
     Capsule* automation_ = nullptr;
     Capsule* threshold_ = nullptr;
     DangerButton* stop_ = nullptr;

@@ -8,10 +8,12 @@
 #include <QSignalSpy>
 
 #include "actions/actions.h"
+#include "core/settings/settings_owner.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/load/load_page.h"
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/shell/sidebar.h"
+#include "presentation/widgets/capsule.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -76,6 +78,21 @@ TEST_F(DashboardWindowTest, StripShowsThresholdAndLastAction) {
     machine.monitor().log().setLastAction("<b>Something</b> happened.");
     settle();
     EXPECT_EQ(textOf("status.last-action"), u"<b>Something</b> happened."_s);
+}
+
+TEST_F(DashboardWindowTest, StripTellsAsLongAsSettingsCannotBeSaved) {
+    showWithSample();
+    const auto* mark = window().findChild<Capsule*>(u"status.not-saved"_s);
+    EXPECT_FALSE(mark->isVisible());
+    machine.monitor().settingsOwner().setSavingProblem("No room left, /home/x.");
+    machine.monitor().log().recordMessage("Something else happened.");
+    settle();
+    EXPECT_TRUE(mark->isVisible());
+    EXPECT_EQ(mark->accessibleName(), u"Not Saved"_s);
+    EXPECT_EQ(mark->accessibleDescription(), u"No room left, /home/x."_s);
+    machine.monitor().settingsOwner().setSavingProblem("");
+    settle();
+    EXPECT_FALSE(mark->isVisible());
 }
 
 TEST_F(DashboardWindowTest, EmitsFirstSampleShownOnceAndClosed) {
