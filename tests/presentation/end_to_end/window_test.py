@@ -297,12 +297,13 @@ class Tray(WindowTestCase):
         return item.Get(self.ITEM, name, dbus_interface="org.freedesktop.DBus.Properties")
 
     def entries(self, item):
-        """The texts of the item's menu with their numbers, top down."""
+        """The texts of the entries shown in the item's menu with their numbers, top down."""
         menu = self.bus.get_object(item.bus_name, self.property(item, "Menu"))
         _, (_, _, children) = menu.GetLayout(0, -1, dbus.Array([], signature="s"),
                                              dbus_interface="com.canonical.dbusmenu")
         entries = {str(properties["label"]).replace("_", ""): int(number)
-                   for number, properties, _ in children}
+                   for number, properties, _ in children
+                   if properties.get("visible", True) and properties.get("type") != "separator"}
         return menu, entries
 
     def choose(self, item, title):
@@ -322,7 +323,8 @@ class Tray(WindowTestCase):
                                          "Copy Report", "Export Diagnostics",
                                          "Purge File Caches", "Quit Top App",
                                          "Expand Dashboard Sections",
-                                         "Collapse Dashboard Sections", "Quit Tallowcrest"])
+                                         "Collapse Dashboard Sections", "Emergency Stop",
+                                         "Quit Tallowcrest"])
 
     def test_the_program_runs_on_without_its_window_and_opens_it_again(self):
         program, window, _ = self.start_window()
