@@ -92,7 +92,8 @@ void PageHeader::placeSubtitle() {
     // The words of the last button, which has no frame, end where the page does.
     constexpr int buttonPadding = 12;
     below_->setContentsMargins(spacing::pagePadding, isLow_ ? spacing::unit : spacing::gap,
-                               spacing::pagePadding - buttonPadding, spacing::unit);
+                               spacing::pagePadding - buttonPadding,
+                               isWide_ ? spacing::unit / 2 : spacing::unit);
     below_->setSpacing(isLow_ ? 0 : 2);
     row_->setStretchFactor(title_, isWide_ ? 0 : 1);
     row_->setStretchFactor(beside_, isWide_ ? 1 : 0);

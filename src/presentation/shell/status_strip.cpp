@@ -106,8 +106,11 @@ void StatusStrip::showSession() {
     const bool fits =
         isOneLine() || figuresWidth(CrestFonts::current().caption, whole) < roomForTexts();
     session_->setText(fits ? whole : shortSessionNote(seconds));
-    setSpokenDescription(*session_, fits ? QString() : whole);
-    session_->setToolTip(fits ? QString() : whole);
+    const QString unshown = fits ? QString() : whole;
+    setSpokenDescription(*session_, unshown);
+    if (session_->toolTip() != unshown) {
+        session_->setToolTip(unshown);
+    }
 }
 
 std::array<QWidget*, 5> StatusStrip::marks() const {

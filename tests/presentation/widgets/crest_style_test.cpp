@@ -1,6 +1,11 @@
 #include "presentation/widgets/crest_style.h"
 
+#include <QImage>
+#include <QPainter>
+#include <QStyleOptionButton>
 #include <gtest/gtest.h>
+
+#include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,6 +24,29 @@ TEST(FocusRing, DependsOnTheFocusReason) {
         EXPECT_EQ(showsFocusRing(each.reason, false), each.withoutOne) << each.reason;
         EXPECT_EQ(showsFocusRing(each.reason, true), each.withOne) << each.reason;
     }
+}
+
+TEST(PushButton, AFlatOneHasAFrameOnlyUnderThePointerWhilePressedAndWithTheFocus) {
+    const CrestStyle style;
+    const QColor untouched = Qt::magenta;
+    const auto edge = [&](QStyleOptionButton::ButtonFeature feature, QStyle::State state) {
+        QImage image(80, 32, QImage::Format_RGB32);
+        image.fill(untouched);
+        QPainter painter(&image);
+        QStyleOptionButton option;
+        option.rect = image.rect();
+        option.features = feature;
+        option.state = QStyle::State_Enabled | state;
+        style.drawControl(QStyle::CE_PushButtonBevel, &option, &painter, nullptr);
+        return image.pixelColor(image.width() / 2, 0);
+    };
+    const CrestTheme& theme = CrestTheme::current();
+    EXPECT_EQ(edge(QStyleOptionButton::None, QStyle::State_None), theme.hairline);
+    EXPECT_EQ(edge(QStyleOptionButton::Flat, QStyle::State_None), untouched);
+    for (const QStyle::StateFlag state : {QStyle::State_MouseOver, QStyle::State_Sunken}) {
+        EXPECT_EQ(edge(QStyleOptionButton::Flat, state), theme.hairline);
+    }
+    EXPECT_EQ(edge(QStyleOptionButton::Flat, QStyle::State_HasFocus), theme.accentText);
 }
 
 }  // namespace
