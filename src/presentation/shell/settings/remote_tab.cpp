@@ -42,17 +42,26 @@ RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
     card->contentLayout()->addWidget(keyStatus_);
     addCard(card);
 
-    connect(user_, &QLineEdit::editingFinished, this, [this] {
-        if (user_->isModified() && refusal_->isHidden()) {
-            emit usernameEntered(user_->text());
-        }
-    });
-    connect(user_, &QLineEdit::textEdited, this, [this] { showRefusal(QString()); });
+    connect(user_, &QLineEdit::editingFinished, this, &RemoteTab::enter);
+    connect(user_, &QLineEdit::textChanged, this, [this] { showRefusal(QString()); });
 }
 
 RemoteTab::~RemoteTab() {
     // The base class takes the focus out of the field, which then reports that editing finished.
     user_->disconnect(this);
+}
+
+void RemoteTab::enter() {
+    // Not `isModified`: assistive technology sets a text without editing it.
+    if (user_->text() != shown_ && refusal_->isHidden()) {
+        emit usernameEntered(user_->text());
+    }
+}
+
+void RemoteTab::hideEvent(QHideEvent* event) {
+    SettingsTab::hideEvent(event);
+    // A field whose text assistive technology set without the focus is never left.
+    enter();
 }
 
 QWidget* RemoteTab::makeRefusal() {
@@ -79,12 +88,13 @@ void RemoteTab::showRefusal(const QString& words) {
 
 void RemoteTab::setUsername(const QString& username) {
     showRefusal(QString());
+    shown_ = username;
     user_->setText(username);
 }
 
 void RemoteTab::show(const QString& username, const QString& keyStatus) {
-    if (!user_->hasFocus() && refusal_->isHidden()) {
-        user_->setText(username);
+    if (user_->text() == shown_ && username != shown_) {
+        setUsername(username);
     }
     keyStatus_->setText(keyStatus);
 }

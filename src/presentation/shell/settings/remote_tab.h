@@ -34,10 +34,15 @@ signals:
     /// The owner finished typing a name. Not repeated for a name that was refused.
     void usernameEntered(const QString& typed);
 
+protected:
+    void hideEvent(QHideEvent* event) override;
+
 private:
+    void enter();
     QWidget* makeRefusal();
 
     QLineEdit* user_ = nullptr;
+    QString shown_;  ///< the stored name when it was put into the field
     QWidget* refusal_ = nullptr;
     ElidedLabel* refusalWords_ = nullptr;
     ElidedLabel* keyStatus_ = nullptr;

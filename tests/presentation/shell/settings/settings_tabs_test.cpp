@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <QAccessible>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -109,6 +110,32 @@ TEST_F(RemoteTabTest, ARefusedNameStaysInTheFieldToBeCorrected) {
     tab.setUsername(u"owner"_s);
     EXPECT_EQ(user().text(), u"owner"_s);
     EXPECT_EQ(refusal(), u"(not shown)"_s);
+}
+
+TEST_F(RemoteTabTest, ANameThatAssistiveTechnologySetsIsEnteredToo) {
+    const auto set = [this](const QString& name) {
+        QAccessible::queryAccessibleInterface(&user())->editableTextInterface()->replaceText(
+            0, static_cast<int>(user().text().size()), name);
+    };
+    set(u"two words"_s);
+    tab.show(u"owner"_s, {});
+    EXPECT_EQ(user().text(), u"two words"_s) << "a sample does not replace it";
+    user().setFocus();
+    user().clearFocus();
+    EXPECT_THAT(entered, ElementsAre(u"two words"_s));
+    tab.showRefusal(u"No."_s);
+    set(u"someone"_s);
+    EXPECT_EQ(refusal(), u"(not shown)"_s);
+    tab.hide();
+    EXPECT_THAT(entered, ElementsAre(u"two words"_s, u"someone"_s)) << "without having the focus";
+}
+
+TEST_F(RemoteTabTest, AnotherStoredNameReplacesOneThatWasLeftAlone) {
+    tab.show(u"someone"_s, {});
+    EXPECT_EQ(user().text(), u"someone"_s);
+    user().setFocus();
+    user().clearFocus();
+    EXPECT_THAT(entered, IsEmpty());
 }
 
 // Local Mac --------------------------------------------------------------------------------------
