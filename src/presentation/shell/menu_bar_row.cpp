@@ -19,6 +19,7 @@ constexpr int cornerRadius = 6;
 MenuBarRow::MenuBarRow(const QString& title, const QString& icon, const QString& identifier,
                        QWidget* parent)
     : QPushButton(parent), symbol_(icon) {
+    installAccessibleButtons();
     setObjectName(identifier);
     setTitle(title);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

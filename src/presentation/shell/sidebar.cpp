@@ -34,6 +34,7 @@ QColor withOpacity(QColor color, float opacity) {
 
 SidebarRow::SidebarRow(AppRoute route, QWidget* parent)
     : QAbstractButton(parent), symbol_(dashboard_text::text(symbol(route))) {
+    installAccessibleButtons();
     setObjectName(u"sidebar."_s + dashboard_text::text(rawValue(route)));
     setText(dashboard_text::text(title(route)));
     setAccessibleName(text());

@@ -1,7 +1,8 @@
 #include "presentation/widgets/accessibility.h"
 
 #include <QAccessibleWidget>
-#include <QWidget>
+#include <QPushButton>
+#include <QToolButton>
 
 namespace tallowcrest {
 namespace {
@@ -54,6 +55,69 @@ QAccessibleInterface* figureInterface(const QString&, QObject* object) {
     return widget != nullptr && figure != nullptr ? new FigureInterface(widget, figure) : nullptr;
 }
 
+/// Qt's own interface toggles a checkable button without a click.
+class ButtonInterface final : public QAccessibleWidget {
+public:
+    explicit ButtonInterface(QAbstractButton* button) : QAccessibleWidget(button) {}
+
+    QAccessible::Role role() const override {
+        if (const auto* special = dynamic_cast<const AccessibleButton*>(object())) {
+            return special->accessibleRole();
+        }
+        const QAbstractButton* shown = button();
+        return shown == nullptr || !shown->isCheckable() ? QAccessible::Button
+               : shown->autoExclusive()                  ? QAccessible::RadioButton
+                                                         : QAccessible::CheckBox;
+    }
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (const auto* special = dynamic_cast<const AccessibleButton*>(object())) {
+            special->addAccessibleState(state);
+        } else if (const QAbstractButton* shown = button()) {
+            const auto* push = qobject_cast<const QPushButton*>(shown);
+            state.checkable = shown->isCheckable();
+            state.checked = shown->isChecked();
+            state.pressed = shown->isDown();
+            state.defaultButton = push != nullptr && push->isDefault();
+        }
+        return state;
+    }
+
+    QString text(QAccessible::Text kind) const override {
+        const QString set = QAccessibleWidget::text(kind);
+        // The buttons of Qt's dialogs have no accessible name.
+        return kind == QAccessible::Name && set.isEmpty() && isValid()
+                   ? button()->text().remove(u'&')
+                   : set;
+    }
+
+    QStringList actionNames() const override {
+        QStringList names;
+        if (isValid() && button()->isEnabled()) {
+            names.append(state().checkable ? toggleAction() : pressAction());
+        }
+        return names + QAccessibleWidget::actionNames();
+    }
+
+    void doAction(const QString& name) override {
+        if (name != pressAction() && name != toggleAction()) {
+            QAccessibleWidget::doAction(name);
+        } else if (isValid()) {
+            button()->click();
+        }
+    }
+
+private:
+    QAbstractButton* button() const { return qobject_cast<QAbstractButton*>(object()); }
+};
+
+QAccessibleInterface* buttonInterface(const QString&, QObject* object) {
+    auto* button = qobject_cast<QAbstractButton*>(object);
+    const bool isOurs = button != nullptr && qobject_cast<QToolButton*>(object) == nullptr;
+    return isOurs ? new ButtonInterface(button) : nullptr;
+}
+
 }  // namespace
 
 void setSpokenName(QWidget& widget, const QString& name) {
@@ -71,6 +135,14 @@ void setSpokenDescription(QWidget& widget, const QString& description) {
 void installAccessibleFigures() {
     static const bool installed = [] {
         QAccessible::installFactory(figureInterface);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
+void installAccessibleButtons() {
+    static const bool installed = [] {
+        QAccessible::installFactory(buttonInterface);
         return true;
     }();
     static_cast<void>(installed);

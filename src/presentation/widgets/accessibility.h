@@ -34,4 +34,19 @@ public:
 /// constructor; repeated calls do nothing.
 void installAccessibleFigures();
 
+/// A button that is something else than a push button or a check box, such as a tab. Main thread.
+class AccessibleButton {
+public:
+    virtual ~AccessibleButton() = default;
+
+    virtual QAccessible::Role accessibleRole() const = 0;
+    /// Adds the states of this role to those of every widget.
+    virtual void addAccessibleState(QAccessible::State& state) const = 0;
+};
+
+/// Makes each press and toggle by assistive technology a click on the button: the owner of a value
+/// hears only clicks. Applies to all buttons but tool buttons, which may open a menu. The kinds of
+/// buttons call this in their constructors; repeated calls do nothing.
+void installAccessibleButtons();
+
 }  // namespace tallowcrest

@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
@@ -9,6 +10,7 @@ namespace tallowcrest {
 
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent) {
+    installAccessibleButtons();
     auto* button = new QPushButton(title, parent);
     button->setObjectName(identifier);
     button->setAccessibleName(title);

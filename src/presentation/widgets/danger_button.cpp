@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStyleOptionButton>
 
+#include "presentation/widgets/accessibility.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
@@ -18,6 +20,7 @@ constexpr double pressShare = 0.18;
 }  // namespace
 
 DangerButton::DangerButton(QWidget* parent) : QPushButton(parent) {
+    installAccessibleButtons();
     setAutoDefault(false);
     // The background changes under the pointer.
     setAttribute(Qt::WA_Hover);

@@ -1,6 +1,5 @@
 #include "presentation/widgets/section_header.h"
 
-#include <QAccessibleWidget>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -17,59 +16,23 @@ constexpr int headerHeight = 40;
 constexpr int ringRadius = spacing::cardRadius - 3;
 constexpr float hoverOpacity = 0.05F;
 
-class SectionHeaderInterface final : public QAccessibleWidget {
-public:
-    explicit SectionHeaderInterface(SectionHeader* header)
-        : QAccessibleWidget(header, QAccessible::Button) {}
-
-    QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        if (const auto* header = qobject_cast<const SectionHeader*>(object())) {
-            state.expandable = true;
-            state.expanded = header->isExpanded();
-            state.collapsed = !header->isExpanded();
-        }
-        return state;
-    }
-
-    QStringList actionNames() const override {
-        return QStringList(pressAction()) + QAccessibleWidget::actionNames();
-    }
-
-    void doAction(const QString& name) override {
-        auto* header = qobject_cast<SectionHeader*>(object());
-        if (name == pressAction() && header != nullptr) {
-            header->click();
-            return;
-        }
-        QAccessibleWidget::doAction(name);
-    }
-};
-
-QAccessibleInterface* sectionHeaderInterface(const QString&, QObject* object) {
-    auto* header = qobject_cast<SectionHeader*>(object);
-    return header != nullptr ? new SectionHeaderInterface(header) : nullptr;
-}
-
-void installSectionHeaders() {
-    static const bool installed = [] {
-        QAccessible::installFactory(sectionHeaderInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 }  // namespace
 
 SectionHeader::SectionHeader(const QString& icon, const QString& title, QWidget* parent)
     : QAbstractButton(parent), icon_(icon) {
-    installSectionHeaders();
+    installAccessibleButtons();
     setText(title);
     setAccessibleName(title);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     describe();
     connect(this, &QAbstractButton::clicked, this, [this] { emit collapseWanted(isExpanded_); });
+}
+
+void SectionHeader::addAccessibleState(QAccessible::State& state) const {
+    state.expandable = true;
+    state.expanded = isExpanded_;
+    state.collapsed = !isExpanded_;
 }
 
 void SectionHeader::setExpanded(bool expanded) {

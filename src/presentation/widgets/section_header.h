@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QString>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
@@ -11,7 +12,7 @@ namespace tallowcrest {
 /// right, a short note for the collapsed section. The whole row is one button; Return and Space
 /// toggle the state, the right arrow expands and the left one collapses. To assistive technology it
 /// is a button that is expanded or collapsed. Main thread.
-class SectionHeader final : public QAbstractButton {
+class SectionHeader final : public QAbstractButton, public AccessibleButton {
     Q_OBJECT
 
 public:
@@ -23,6 +24,9 @@ public:
 
     void setNote(const QString& note, const ThemeColor& color = &CrestTheme::secondaryText);
     const QString& note() const { return note_; }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Button; }
+    void addAccessibleState(QAccessible::State& state) const override;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -1,6 +1,5 @@
 #include "presentation/widgets/tab_strip.h"
 
-#include <QAccessibleWidget>
 #include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -20,46 +19,6 @@ constexpr int frameRadius = tabRadius + frameInset;
 constexpr double selectedShare = 0.18;
 constexpr double hoverShare = 0.06;
 
-class StripTabInterface final : public QAccessibleWidget {
-public:
-    explicit StripTabInterface(StripTab* tab) : QAccessibleWidget(tab, QAccessible::PageTab) {}
-
-    QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        if (const auto* tab = qobject_cast<const StripTab*>(object())) {
-            state.selectable = true;
-            state.selected = tab->isChecked();
-        }
-        return state;
-    }
-
-    QStringList actionNames() const override {
-        return QStringList(pressAction()) + QAccessibleWidget::actionNames();
-    }
-
-    void doAction(const QString& name) override {
-        auto* tab = qobject_cast<StripTab*>(object());
-        if (name == pressAction() && tab != nullptr) {
-            tab->click();
-            return;
-        }
-        QAccessibleWidget::doAction(name);
-    }
-};
-
-QAccessibleInterface* stripTabInterface(const QString&, QObject* object) {
-    auto* tab = qobject_cast<StripTab*>(object);
-    return tab != nullptr ? new StripTabInterface(tab) : nullptr;
-}
-
-void installStripTabs() {
-    static const bool installed = [] {
-        QAccessible::installFactory(stripTabInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 }  // namespace
 
 // One tab ----------------------------------------------------------------------------------------
@@ -67,7 +26,7 @@ void installStripTabs() {
 StripTab::StripTab(const QString& title, const QString& identifier, const QString& description,
                    QWidget* parent)
     : QAbstractButton(parent) {
-    installStripTabs();
+    installAccessibleButtons();
     setObjectName(identifier);
     setText(title);
     setAccessibleName(title);
@@ -75,6 +34,11 @@ StripTab::StripTab(const QString& title, const QString& identifier, const QStrin
     setCheckable(true);
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void StripTab::addAccessibleState(QAccessible::State& state) const {
+    state.selectable = true;
+    state.selected = isChecked();
 }
 
 QSize StripTab::sizeHint() const {

@@ -11,12 +11,15 @@
 namespace tallowcrest {
 
 /// One tab of a strip. To assistive technology it is a tab. Main thread.
-class StripTab final : public QAbstractButton {
+class StripTab final : public QAbstractButton, public AccessibleButton {
     Q_OBJECT
 
 public:
     StripTab(const QString& title, const QString& identifier, const QString& description,
              QWidget* parent);
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::PageTab; }
+    void addAccessibleState(QAccessible::State& state) const override;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

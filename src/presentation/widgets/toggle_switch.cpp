@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
@@ -18,6 +19,7 @@ constexpr double knobInset = 4;
 }  // namespace
 
 ToggleSwitch::ToggleSwitch(QWidget* parent) : QCheckBox(parent) {
+    installAccessibleButtons();
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
 }

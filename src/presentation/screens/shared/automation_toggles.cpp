@@ -2,7 +2,6 @@
 
 #include <QHBoxLayout>
 #include <QMouseEvent>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include "actions/automation.h"
@@ -73,16 +72,8 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     state->addWidget(state_);
     row->addLayout(state);
     row->setAlignment(state, Qt::AlignTop);
-    connect(toggle_, &QAbstractButton::clicked, this, [this] { askFor(!line_.isOn); });
-    // Assistive technology may toggle the switch without a click.
-    connect(toggle_, &QAbstractButton::toggled, this, &AutomationToggle::askFor);
+    connect(toggle_, &QAbstractButton::clicked, this, [this] { emit wanted(!line_.isOn); });
     showLine();
-}
-
-void AutomationToggle::askFor(bool on) {
-    emit wanted(on);
-    // If the change was refused, the line is unchanged, but the switch has moved.
-    showSwitch();
 }
 
 void AutomationToggle::setLine(const AutomationLine& line) {
@@ -90,15 +81,10 @@ void AutomationToggle::setLine(const AutomationLine& line) {
         line_ = line;
         showLine();
     }
-    showSwitch();
-}
-
-void AutomationToggle::showSwitch() {
-    const QSignalBlocker quiet(toggle_);
-    toggle_->setChecked(line_.isOn);
 }
 
 void AutomationToggle::showLine() {
+    toggle_->setChecked(line_.isOn);
     title_->setText(line_.title);
     explanation_->setText(line_.explanation);
     explanation_->setVisible(!line_.explanation.isEmpty());

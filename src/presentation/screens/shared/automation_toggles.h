@@ -36,9 +36,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void askFor(bool on);
     void showLine();
-    void showSwitch();
 
     AutomationLine line_;
     ToggleSwitch* toggle_ = nullptr;
@@ -69,8 +67,8 @@ private:
     std::vector<std::pair<AutomationSwitch, AutomationToggle*>> rows_;
 };
 
-/// Sets what the owner asks for with `toggles`, and shows `facts` at once, so that a switch whose
-/// change was refused springs back. `automation` must outlive the widget.
+/// Sets what the owner asks for with `toggles`, and shows `facts` at once. `automation` must
+/// outlive the widget.
 void connectSwitches(AutomationToggles& toggles, Automation& automation,
                      std::function<AutomationFacts()> facts);
 
