@@ -65,6 +65,12 @@ void SidebarRow::focusInEvent(QFocusEvent* event) {
     QAbstractButton::focusInEvent(event);
 }
 
+void SidebarRow::takeFocusFrom(const SidebarRow& other) {
+    // In a window that is not active no focus event decides about the ring.
+    hasRing_ = other.hasRing_;
+    setFocus(Qt::OtherFocusReason);
+}
+
 void SidebarRow::leaveEvent(QEvent* event) {
     QAbstractButton::leaveEvent(event);
     update();
@@ -131,10 +137,11 @@ Sidebar::Sidebar(QWidget* parent) : QWidget(parent), group_(new QButtonGroup(thi
 void Sidebar::setSelectedRoute(AppRoute route) {
     SidebarRow* selected = rows_.at(static_cast<std::size_t>(route));
     selected->setChecked(true);
-    // Arrow keys continue from the shown route, also if a shortcut chose it.
-    const auto hasFocus = [](const SidebarRow* row) { return row->hasFocus(); };
-    if (!selected->hasFocus() && std::any_of(rows_.begin(), rows_.end(), hasFocus)) {
-        selected->setFocus(Qt::OtherFocusReason);
+    // Arrow keys continue from the shown route, also if a shortcut chose it, or a notification
+    // while another window was active.
+    const auto before = std::find(rows_.begin(), rows_.end(), window()->focusWidget());
+    if (before != rows_.end() && *before != selected) {
+        selected->takeFocusFrom(**before);
     }
 }
 

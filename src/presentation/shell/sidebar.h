@@ -20,6 +20,8 @@ public:
     SidebarRow(AppRoute route, QWidget* parent);
 
     void setFolded(bool folded);
+    /// Also when the window is not active; the focus ring then goes with the focus.
+    void takeFocusFrom(const SidebarRow& other);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -14,6 +14,8 @@
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/shell/sidebar.h"
 #include "presentation/widgets/capsule.h"
+#include "presentation/widgets/theme.h"
+#include "tests/presentation/is_ringed.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -173,6 +175,27 @@ TEST_F(DashboardWindowTest, ArrowKeysMoveThroughTheSidebar) {
     EXPECT_EQ(route(), AppRoute::aiAdvisor);
     press(Qt::Key_Down);
     EXPECT_EQ(route(), AppRoute::chat) << "continues from the route selected by the shortcut";
+}
+
+TEST_F(DashboardWindowTest, TheFocusFollowsARouteThatAnotherWindowOpened) {
+    showWithSample();
+    for (const bool byKeyboard : {true, false}) {
+        goTo(AppRoute::overview);
+        QWidget& before = *visible("sidebar.overview");
+        before.clearFocus();
+        before.setFocus(byKeyboard ? Qt::TabFocusReason : Qt::MouseFocusReason);
+        ASSERT_EQ(isRinged(before, CrestTheme::current().accentText), byKeyboard);
+        QWidget notification;
+        notification.show();
+        notification.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&notification));
+        window().openRoute(AppRoute::optimize);
+        settle();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        QWidget& row = *visible("sidebar.optimize");
+        EXPECT_EQ(QApplication::focusWidget(), &row);
+        EXPECT_EQ(isRinged(row, CrestTheme::current().accentText), byKeyboard);
+    }
 }
 
 TEST_F(DashboardWindowTest, ControlAndADigitSelectARoute) {
