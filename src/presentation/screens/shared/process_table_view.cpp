@@ -68,6 +68,11 @@ void ProcessTableView::setModel(QAbstractItemModel* model) {
     connect(model, &QAbstractItemModel::rowsRemoved, this, endToolTip);
 }
 
+QRect ProcessTableView::visualRect(const QModelIndex& index) const {
+    // To assistive technology a cell that has a place is one that shows.
+    return isVisible() ? QTableView::visualRect(index) : QRect();
+}
+
 void ProcessTableView::setEmptyDetail(const QString& detail) {
     if (emptyDetail_ != detail) {
         emptyDetail_ = detail;
@@ -146,6 +151,24 @@ void ProcessTableView::changeEvent(QEvent* event) {
         applyTheme();
     } else if (event->type() == QEvent::FontChange) {
         sizeColumns();
+    }
+}
+
+void ProcessTableView::hideEvent(QHideEvent* event) {
+    QTableView::hideEvent(event);
+    // To assistive technology the current cell is the focused one.
+    if (currentIndex().isValid()) {
+        currentWhileHidden_ = currentIndex();
+        setCurrentIndex({});
+    }
+}
+
+void ProcessTableView::showEvent(QShowEvent* event) {
+    QTableView::showEvent(event);
+    if (!currentIndex().isValid() && currentWhileHidden_.isValid()) {
+        setAutoScroll(false);
+        setCurrentIndex(currentWhileHidden_);
+        setAutoScroll(true);
     }
 }
 

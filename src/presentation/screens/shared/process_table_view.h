@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <QPersistentModelIndex>
 #include <QPoint>
 #include <QTableView>
 #include <QWidgetItem>
@@ -18,6 +19,8 @@ public:
     explicit ProcessTableView(QWidget* parent = nullptr);
 
     void setModel(QAbstractItemModel* model) override;
+    /// Empty while the table is hidden.
+    QRect visualRect(const QModelIndex& index) const override;
 
     /// The height of the header and that many rows.
     int heightOfRows(int rows) const;
@@ -36,10 +39,12 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void showEvent(QShowEvent* event) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
@@ -52,6 +57,7 @@ private:
 
     ProcessRowDelegate* delegate_ = nullptr;
     std::optional<QPoint> pointer_;
+    QPersistentModelIndex currentWhileHidden_;
     QString emptyDetail_;
 };
 

@@ -1,5 +1,6 @@
 #include "presentation/screens/load/load_page.h"
 
+#include <QAccessible>
 #include <QImage>
 #include <QLineEdit>
 
@@ -257,6 +258,23 @@ TEST_F(LoadPageTest, KeysMoveByWholeRowsAndTabLeavesTheTable) {
     EXPECT_EQ(table().currentIndex(), model().index(0, 0));
     press(Qt::Key_Tab);
     EXPECT_NE(QApplication::focusWidget(), &table());
+}
+
+TEST_F(LoadPageTest, CellsOfAHiddenPageNeitherShowNorHaveTheFocus) {
+    showProcesses();
+    table().setFocus();
+    table().setCurrentIndex(model().index(1, 0));
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&table());
+    const auto state = [spoken] { return spoken->tableInterface()->cellAt(1, 0)->state(); };
+    for (int visits = 0; visits < 2; ++visits) {
+        EXPECT_FALSE(state().invisible);
+        EXPECT_TRUE(state().focused);
+        goTo(AppRoute::overview);
+        EXPECT_TRUE(state().invisible);
+        EXPECT_FALSE(state().focused);
+        goTo(AppRoute::load);
+    }
+    EXPECT_EQ(table().currentIndex(), model().index(1, 0)) << "keys continue from the same row";
 }
 
 }  // namespace
