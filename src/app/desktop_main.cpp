@@ -20,6 +20,7 @@
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
+#include "platform/desktop/accessibility_bus.h"
 #include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
@@ -227,6 +228,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
     releaseStartWarnings();
+    const AccessibilityBus accessibilityBus;
     QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());

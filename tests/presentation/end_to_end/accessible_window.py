@@ -81,6 +81,11 @@ class AccessibleWindow:
         node.clear_cache()
         return node.get_state_set().contains(Atspi.StateType.ENABLED)
 
+    @staticmethod
+    def is_checked(node):
+        node.clear_cache()
+        return node.get_state_set().contains(Atspi.StateType.CHECKED)
+
     def press(self, role, name):
         node = self.find(role, name)
         names = [node.get_action_name(index).lower() for index in range(node.get_n_actions())]

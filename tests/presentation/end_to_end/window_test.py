@@ -274,6 +274,63 @@ class Processes(ProcessTestCase):
         window.label(lambda text: re.search(r" · [1-9]\d* visible processes · ", text))
 
 
+class AssistiveTechnology(ProcessTestCase):
+    def assert_toggles(self, window, name):
+        from gi.repository import Atspi
+        box = window.find(Atspi.Role.CHECK_BOX, name)
+        before = window.is_checked(box)
+        window.press(Atspi.Role.CHECK_BOX, name)
+        eventually(lambda: window.is_checked(box) != before, f"{name} is switched")
+
+    def test_its_toggle_does_what_a_click_does(self):
+        from gi.repository import Atspi
+        name, _ = self.start_probe()
+        _, window, _ = self.start_window_without_rules()
+        window.go_to("Processes")
+        self.filtered(window, name, name)
+        window.press(Atspi.Role.PUSH_BUTTON, "Select Top Row")
+        window.go_to("Optimize")
+        self.assert_toggles(window, f"Never Quit {name}")
+        window.go_to("Settings")
+        window.press(Atspi.Role.PUSH_BUTTON, "Open Settings Sheet")
+        window.press(Atspi.Role.PAGE_TAB, "Safety")
+        window.find(Atspi.Role.PUSH_BUTTON, f"Remove {name}")
+        window.press(Atspi.Role.PAGE_TAB, "Local Mac")
+        self.assert_toggles(window, "Show action buttons in warning notifications")
+
+    def test_the_bus_gives_identifiers_and_can_be_inspected(self):
+        from gi.repository import Atspi
+        program, window, _ = self.start_window()
+        row = window.find(Atspi.Role.RADIO_BUTTON, "Processes")
+        self.assertEqual(row.get_accessible_id(), "sidebar.load")
+
+        session = dbus.bus.BusConnection(desktop.env["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(session.close)
+        address = session.call_blocking("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus",
+                                        "GetAddress", "", ())
+        bus = dbus.bus.BusConnection(address)
+        self.addCleanup(bus.close)
+
+        def pid(name):
+            return bus.call_blocking(dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH,
+                                     dbus.BUS_DAEMON_IFACE, "GetConnectionUnixProcessID", "s",
+                                     (name,))
+
+        name = next(each for each in bus.list_names()
+                    if each.startswith(":") and pid(each) == program.pid)
+        root = bus.get_object(name, "/org/a11y/atspi/accessible/root", introspect=False)
+        child = root.GetChildAtIndex(0, dbus_interface="org.a11y.atspi.Accessible")[1]
+        for path in (root.object_path, child):
+            node = bus.get_object(name, path, introspect=False)
+            described = node.Introspect(dbus_interface="org.freedesktop.DBus.Introspectable")
+            self.assertIn('<interface name="org.a11y.atspi.Accessible">', described)
+            with self.assertRaises(dbus.DBusException):
+                node.GetAll("org.a11y.atspi.Accessible",
+                            dbus_interface="org.freedesktop.DBus.Properties")
+        window.go_to("History")
+        self.assertTrue(program.is_running())
+
+
 class Tray(WindowTestCase):
     ITEM = "org.kde.StatusNotifierItem"
 
