@@ -17,6 +17,7 @@
 #include <QPainter>
 #include <QScrollArea>
 #include <QStyleFactory>
+#include <QTime>
 #include <QVBoxLayout>
 
 #include "presentation/widgets/bar_list.h"
@@ -75,18 +76,34 @@ QLayout* gauges() {
     return row;
 }
 
-StableLineGraph::Scale scale() {
-    return {u"0%"_s, u"50%"_s, u"100%"_s};
+QString timeText(double seconds, const char* format) {
+    return QTime(14, 0).addSecs(static_cast<int>(seconds)).toString(QString::fromLatin1(format));
+}
+
+GraphFormats formats() {
+    return {[](double percent) { return u"%1%"_s.arg(std::lround(percent)); },
+            {[](double seconds, double) { return timeText(seconds, "hh:mm"); },
+             [](double seconds, double) { return timeText(seconds, "hh:mm:ss"); }}};
+}
+
+/// A point every four seconds, and a gap of half an hour.
+GraphTimes sampleTimes(double phase = 0) {
+    GraphTimes times{{}, {110}};
+    for (int i = 0; i < 180; ++i) {
+        times.seconds.push_back(phase + 4 * i + (i < 110 ? 0 : 1800));
+    }
+    return times;
 }
 
 QWidget* timeline() {
     auto* card = new Card;
     card->setHeader(u"waveform.path.ecg"_s, u"Live Performance Timeline"_s);
     card->setCaption(u"Current session · last 716 seconds · updates every 4 seconds"_s);
-    auto* graph = new StableLineGraph(scale());
-    graph->setSeries(sampleSeries());
+    auto* graph = new StableLineGraph(formats());
+    graph->setSeries(sampleSeries(), sampleTimes());
     graph->setWarningThreshold(80);
-    graph->setEventFractions({0.2, 0.63});
+    graph->setEventFractions({0.2, 0.63}, {{u"Warning"_s, u"CPU is at 91%"_s, 140},
+                                           {u"Action"_s, u"Selected firefox-esr"_s, 2250}});
     graph->setMinimumHeight(220);
     card->contentLayout()->addWidget(graph);
     return card;
@@ -207,7 +224,7 @@ QWidget* pieces() {
 /// Prints the processor time of one painting. Wall time would include the other work of the
 /// machine.
 void measureGraph() {
-    StableLineGraph graph(scale());
+    StableLineGraph graph(formats());
     graph.resize(900, 220);
     graph.setWarningThreshold(80);
     graph.setEventFractions({0.2, 0.63});
@@ -218,8 +235,8 @@ void measureGraph() {
                           {u"Memory"_s, &CrestTheme::secondSeries, wave(64, 5, i), false}});
     }
     const std::clock_t begin = std::clock();
-    for (auto& frame : frames) {
-        graph.setSeries(std::move(frame));
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        graph.setSeries(std::move(frames[i]), sampleTimes(4.0 * static_cast<double>(i)));
         graph.render(&image);
     }
     const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;

@@ -51,12 +51,28 @@ double graphY(double value, double height) {
     return height * (1 - safeGraphValue(value) / 100);
 }
 
+double graphX(std::size_t index, std::size_t count, double width) {
+    const double steps = count > 1 ? static_cast<double>(count - 1) : 1.0;
+    return width * static_cast<double>(index) / steps;
+}
+
+double graphGapX(std::size_t index, std::size_t count, double width) {
+    return (graphX(index - 1, count, width) + graphX(index, count, width)) / 2;
+}
+
+std::optional<std::size_t> nearestGraphPoint(double x, std::size_t count, double width) {
+    if (count == 0) {
+        return std::nullopt;
+    }
+    const auto last = static_cast<double>(count - 1);
+    return static_cast<std::size_t>(std::lround(std::clamp(x / width * last, 0.0, last)));
+}
+
 std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height) {
     std::vector<GraphPoint> line;
     line.reserve(values.size());
-    const double steps = values.size() > 1 ? static_cast<double>(values.size() - 1) : 1.0;
     for (std::size_t i = 0; i < values.size(); ++i) {
-        line.push_back({width * static_cast<double>(i) / steps, graphY(values[i], height)});
+        line.push_back({graphX(i, values.size(), width), graphY(values[i], height)});
     }
     return line;
 }
@@ -85,6 +101,20 @@ std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, doubl
     return columns;
 }
 
+void dashGraphColumns(std::vector<GraphColumn>& columns, double thickness, double dash,
+                      double gap) {
+    double along = 0;
+    for (GraphColumn& column : columns) {
+        // A vertical cut is as much longer than the thickness as the line is than the column.
+        const double length = 2 * column.half / thickness;
+        const double begin = std::fmod(along, dash + gap);
+        if (begin >= dash && begin + length <= dash + gap) {
+            column.half = -column.softness;
+        }
+        along += length;
+    }
+}
+
 std::vector<double> graphGrid(double height) {
     return {0, height * 0.25, height * 0.5, height * 0.75, height};
 }
@@ -99,6 +129,22 @@ std::vector<double> graphEvents(const std::vector<double>& fractions, double wid
     return positions;
 }
 
+std::vector<std::optional<double>> graphLabelPlaces(const std::vector<double>& centers,
+                                                    const std::vector<double>& widths, double width,
+                                                    double gap) {
+    std::vector<std::optional<double>> places(centers.size());
+    double end = width;
+    for (std::size_t i = centers.size(); i-- > 0;) {
+        const double left =
+            std::clamp(centers[i] - widths[i] / 2, 0.0, std::max(0.0, width - widths[i]));
+        if (left + widths[i] <= end) {
+            places[i] = left;
+            end = left - gap;
+        }
+    }
+    return places;
+}
+
 std::optional<double> graphThreshold(std::optional<double> threshold, double height) {
     if (!threshold || !std::isfinite(*threshold)) {
         return std::nullopt;
@@ -106,13 +152,17 @@ std::optional<double> graphThreshold(std::optional<double> threshold, double hei
     return graphY(*threshold, height);
 }
 
+std::string graphValueText(std::string_view name, double value) {
+    return std::string(name) + " " + std::to_string(std::lround(safeGraphValue(value))) +
+           " percent";
+}
+
 std::optional<std::string> graphSeriesText(std::string_view name,
                                            const std::vector<double>& values) {
     if (values.empty()) {
         return std::nullopt;
     }
-    const long rounded = std::lround(safeGraphValue(values.back()));
-    return std::string(name) + " " + std::to_string(rounded) + " percent";
+    return graphValueText(name, values.back());
 }
 
 }  // namespace tallowcrest

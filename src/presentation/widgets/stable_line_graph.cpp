@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QtMath>
 
+#include "presentation/widgets/graph_cursor.h"
 #include "presentation/widgets/text_lines.h"
 
 using namespace Qt::StringLiterals;
@@ -19,16 +20,24 @@ namespace {
 constexpr double gridOpacity = 0.14;
 constexpr double thresholdOpacity = 0.55;
 constexpr double eventOpacity = 0.35;
+constexpr double gapOpacity = 0.5;
 constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
 constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
+constexpr double seriesDash = 7;
+constexpr double seriesDashGap = 4;
 // A line through one point has no length, so the point is marked with a dot.
 constexpr double lonePointSize = 6;
 // How far a line at the edge of the canvas extends beyond it.
 constexpr int overhang = 1;
-constexpr int swatchWidth = 12;
+constexpr int swatchWidth = 16;
+constexpr int swatchGap = 4;
 constexpr int widestLegendName = 160;
+/// The first series is a continuous line, so that it and another differ by more than their colour.
+bool isDashed(std::size_t series) {
+    return series > 0;
+}
 
 }  // namespace
 
@@ -40,15 +49,21 @@ bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
                       });
 }
 
-StableLineGraph::StableLineGraph(Scale scale, QWidget* parent)
-    : PaintedFigure(parent), scale_(std::move(scale)) {
+StableLineGraph::StableLineGraph(GraphFormats formats, QWidget* parent)
+    : PaintedFigure(parent),
+      percent_(std::move(formats.percent)),
+      scale_{percent_(0), percent_(50), percent_(100)},
+      timeFormats_(std::move(formats.times)) {
     setAccessibleName(u"Performance graph"_s);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     StableLineGraph::measure();
+    describeAll();
 }
 
-void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
-    if (series == series_) {
+void StableLineGraph::setSeries(std::vector<StableGraphSeries> series, GraphTimes times) {
+    if (series == series_ && times == times_) {
         return;
     }
     const bool hasSameLegend =
@@ -57,9 +72,12 @@ void StableLineGraph::setSeries(std::vector<StableGraphSeries> series) {
                        return a.id == b.id && a.color == b.color;
                    });
     series_ = std::move(series);
-    describe();
+    cursor_ = cursorAmong(times, pointCount());
+    times_ = std::move(times);
+    timeLabels_ = graphTimeLabels(times_.seconds, canvasRect().width(), timeFormats_, timeLabels_);
+    describeAll();
     if (hasSameLegend) {
-        update(canvasPixels());
+        update(plotPixels());
     } else {
         update();
     }
@@ -72,8 +90,10 @@ void StableLineGraph::setWarningThreshold(std::optional<double> threshold) {
     }
 }
 
-void StableLineGraph::setEventFractions(std::vector<double> fractions) {
+void StableLineGraph::setEventFractions(std::vector<double> fractions,
+                                        std::vector<GraphEventLabel> labels) {
     eventFractions_ = std::move(fractions);
+    eventLabels_ = std::move(labels);
     std::vector<double> positions = graphEvents(eventFractions_, canvasRect().width());
     if (positions != eventPositions_) {
         eventPositions_ = std::move(positions);
@@ -83,7 +103,7 @@ void StableLineGraph::setEventFractions(std::vector<double> fractions) {
 
 QRectF StableLineGraph::canvasRect() const {
     const int top = captionHeight_ + spacing::unit;
-    const int bottom = captionHeight_ / 2 + 1;
+    const int bottom = overhang + timeLabelHeight_;
     const int right = scaleWidth_ + spacing::unit;
     return {1.0, static_cast<double>(top), std::max(1.0, width() - right - 1.0),
             std::max(1.0, static_cast<double>(height() - top - bottom))};
@@ -91,6 +111,12 @@ QRectF StableLineGraph::canvasRect() const {
 
 QRect StableLineGraph::canvasPixels() const {
     return canvasRect().adjusted(-overhang, -overhang, overhang, overhang).toAlignedRect();
+}
+
+QRect StableLineGraph::plotPixels() const {
+    QRect plot = canvasPixels();
+    plot.setBottom(height() - 1);
+    return plot;
 }
 
 QSize StableLineGraph::sizeHint() const {
@@ -101,16 +127,6 @@ QSize StableLineGraph::minimumSizeHint() const {
     return {160, 120};
 }
 
-QString StableLineGraph::accessibleValue() const {
-    QStringList parts;
-    for (const StableGraphSeries& series : series_) {
-        if (const auto text = graphSeriesText(series.id.toStdString(), series.values)) {
-            parts.append(QString::fromStdString(*text));
-        }
-    }
-    return parts.join(u", "_s);
-}
-
 void StableLineGraph::measure() {
     const QFont& font = CrestFonts::current().caption;
     scaleWidth_ = 0;
@@ -118,31 +134,41 @@ void StableLineGraph::measure() {
         scaleWidth_ = std::max(scaleWidth_, figuresWidth(font, text));
     }
     captionHeight_ = QFontMetrics(font).lineSpacing();
+    timeLabelHeight_ = graphTimeLabelHeight();
+    timeLabels_.clear();
 }
 
 void StableLineGraph::arrange() {
     eventPositions_ = graphEvents(eventFractions_, canvasRect().width());
+    timeLabels_ = graphTimeLabels(times_.seconds, canvasRect().width(), timeFormats_, timeLabels_);
 }
 
 void StableLineGraph::paintEvent(QPaintEvent* event) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     const QRect canvas = canvasPixels();
-    // A new sample changes only the canvas.
+    // A new sample changes only the canvas and the times below it.
     if (!canvas.contains(event->rect())) {
         painter.fillRect(event->rect(), theme.cardBackground);
         painter.setFont(CrestFonts::current().caption);
+        paintGraphTimeLabels(painter, canvasRect().bottomLeft(), timeLabels_, theme);
+    }
+    if (!plotPixels().contains(event->rect())) {
         paintLegend(painter, theme);
         paintScale(painter, theme);
     }
     if (event->rect().intersects(canvas)) {
+        painter.save();
         paintCanvas(painter, theme);
+        painter.restore();
+        paintCursor(painter, theme);
     }
 }
 
 void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) const {
     int left = 1;
-    for (const StableGraphSeries& series : series_) {
+    for (std::size_t i = 0; i < series_.size(); ++i) {
+        const StableGraphSeries& series = series_[i];
         if (left + swatchWidth >= width()) {
             return;
         }
@@ -152,7 +178,12 @@ void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) co
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(series.color.in(theme));
-        painter.drawRoundedRect(QRectF(left, middle - 2, swatchWidth, 4), 2, 2);
+        const int dashes = isDashed(i) ? 2 : 1;
+        const double dash = (swatchWidth - (dashes - 1) * swatchGap) / static_cast<double>(dashes);
+        for (int each = 0; each < dashes; ++each) {
+            const QRectF place(left + each * (dash + swatchGap), middle - 2, dash, 4);
+            painter.drawRoundedRect(place, 2, 2);
+        }
         left += swatchWidth + spacing::unit;
         painter.setPen(theme.secondaryText);
         painter.drawText(QRect(left, 0, room, captionHeight_),
@@ -185,6 +216,10 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
     for (const StableGraphSeries& series : series_) {
         lines.push_back(graphColumns(graphLine(series.values, canvas.width(), canvas.height()),
                                      lineWidth * ratio));
+        if (isDashed(lines.size() - 1)) {
+            dashGraphColumns(lines.back(), lineWidth * ratio, seriesDash * ratio,
+                             seriesDashGap * ratio);
+        }
     }
 
     // Unscaled: Qt is slow to find out for each part that nothing needs scaling.
@@ -241,7 +276,34 @@ std::vector<GraphRule> StableLineGraph::canvasRules(const QRectF& canvas, double
         const double x = canvas.left() + position * ratio;
         add({x, canvas.top()}, {x, canvas.bottom()}, dash, theme.secondaryText, eventOpacity);
     }
+    for (const std::size_t point : times_.gaps) {
+        const double x = canvas.left() + graphGapX(point, pointCount(), canvas.width());
+        add({x, canvas.top()}, {x, canvas.bottom()}, 0, theme.secondaryText, gapOpacity);
+    }
     return rules;
+}
+
+void StableLineGraph::paintCursor(QPainter& painter, const CrestTheme& theme) const {
+    // The parts at the edges must not outlive the next painting of the canvas.
+    painter.setClipRect(canvasPixels());
+    const QRectF canvas = canvasRect();
+    if (cursor_) {
+        GraphCursor shown{graphX(*cursor_, pointCount(), canvas.width()), timeText(*cursor_), {}};
+        for (const StableGraphSeries& series : series_) {
+            if (*cursor_ < series.values.size()) {
+                const double value = safeGraphValue(series.values[*cursor_]);
+                shown.values.push_back({series.id, percent_(value), series.color.in(theme),
+                                        graphY(value, canvas.height())});
+            }
+        }
+        paintGraphCursor(painter, canvas, shown, theme);
+    }
+    if (hasFocus() && hasRing_) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(theme.accentText, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(canvasPixels()).adjusted(1, 1, -1, -1), 4, 4);
+    }
 }
 
 void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double ratio,

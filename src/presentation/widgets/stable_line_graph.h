@@ -1,13 +1,18 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include "presentation/widgets/graph_raster.h"
+#include "presentation/widgets/graph_time_axis.h"
 #include "presentation/widgets/painted_figure.h"
 #include "presentation/widgets/theme.h"
 
@@ -26,24 +31,50 @@ struct StableGraphSeries {
 /// Whether both would be drawn the same.
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b);
 
+/// When the points of a `StableLineGraph` were measured. Empty if that is not known.
+struct GraphTimes {
+    /// One for each point, counted from the start of a minute, oldest first.
+    std::vector<double> seconds;
+    /// The indexes of the points before which nothing was measured for a while, ascending, without
+    /// the first point. The lines cross such a gap; a mark shows it.
+    std::vector<std::size_t> gaps;
+
+    bool operator==(const GraphTimes&) const = default;
+};
+
+/// The words of an event of a `StableLineGraph`.
+struct GraphEventLabel {
+    QString title;
+    QString message;
+    double seconds = 0;  ///< when it happened, counted like `GraphTimes::seconds`
+};
+
+/// The formats of a `StableLineGraph`.
+struct GraphFormats {
+    std::function<QString(double percent)> percent;
+    GraphTimeFormats times;
+};
+
 /// A graph of percentages over time, without animation. Paints from back to front the background of
-/// a card, the grid, the threshold, the events, and each series with its area and its line. Main
-/// thread.
+/// a card, the grid, the threshold, the events and gaps, and each series with its area and its
+/// line, all but the first dashed. Below are the times of some points.
+///
+/// The pointer, or with the focus the arrow keys, Home and End, move a cursor from point to point,
+/// whose values and time are shown in a box and are the accessible description. Escape removes it.
+/// Main thread.
 class StableLineGraph : public PaintedFigure {
     Q_OBJECT
 
 public:
-    /// The texts of 0, 50 and 100 percent beside the canvas.
-    using Scale = std::array<QString, 3>;
-
-    explicit StableLineGraph(Scale scale, QWidget* parent = nullptr);
+    explicit StableLineGraph(GraphFormats formats, QWidget* parent = nullptr);
 
     /// Like the next two, causes no repaint for equal data.
-    void setSeries(std::vector<StableGraphSeries> series);
+    void setSeries(std::vector<StableGraphSeries> series, GraphTimes times = {});
     /// In percent; absent for no threshold line.
     void setWarningThreshold(std::optional<double> threshold);
-    /// Positions from 0 to 1 along the time axis; one that is not finite is omitted.
-    void setEventFractions(std::vector<double> fractions);
+    /// Positions from 0 to 1 along the time axis; one that is not finite is omitted. `labels` has
+    /// one for each position, or is empty.
+    void setEventFractions(std::vector<double> fractions, std::vector<GraphEventLabel> labels = {});
 
     /// Where the lines are drawn, in the widget's coordinates.
     QRectF canvasRect() const;
@@ -57,27 +88,64 @@ public:
 protected:
     void measure() override;
     void arrange() override;
+    bool event(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    std::size_t pointCount() const;
+    /// To the second; empty if it is not known.
+    QString timeText(std::size_t point) const;
+    QString gapText(std::size_t point) const;
+    QString eventText(const GraphEventLabel& label) const;
+    /// The events and gaps at most `reach` from `x` on the canvas.
+    QStringList marksAt(double x, double reach) const;
+    void describeAll();
+    QString cursorText(std::size_t point) const;
+    void moveCursor(std::optional<std::size_t> point);
+    /// Where the cursor goes when the points become `count` points of `times`.
+    std::optional<std::size_t> cursorAmong(const GraphTimes& times, std::size_t count) const;
+    /// Moves the cursor to `x` in the widget, or removes one that follows the pointer.
+    void followPointer(std::optional<double> x);
+    bool usesKey(const QKeyEvent& event) const;
+
     /// The pixels covered by the canvas and the lines at its edges.
     QRect canvasPixels() const;
+    /// Those and the times below.
+    QRect plotPixels() const;
     void paintLegend(QPainter& painter, const CrestTheme& theme) const;
     void paintScale(QPainter& painter, const CrestTheme& theme) const;
     void paintCanvas(QPainter& painter, const CrestTheme& theme);
+    void paintCursor(QPainter& painter, const CrestTheme& theme) const;
     /// The layers below the series, in physical pixels.
     std::vector<GraphRule> canvasRules(const QRectF& canvas, double ratio,
                                        const CrestTheme& theme) const;
     static void paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
                                const StableGraphSeries& series, const CrestTheme& theme);
 
-    Scale scale_;
+    std::function<QString(double)> percent_;
+    std::array<QString, 3> scale_;  ///< the texts of 0, 50 and 100 percent
+    GraphTimeFormats timeFormats_;
     std::vector<StableGraphSeries> series_;
+    GraphTimes times_;
+    std::vector<GraphTimeLabel> timeLabels_;
+    /// The gaps that the description names, from and to, and the words for them.
+    std::vector<std::pair<double, double>> spokenGaps_;
+    QString gapTexts_;
     std::optional<double> warningThreshold_;
     std::vector<double> eventFractions_;
+    std::vector<GraphEventLabel> eventLabels_;
     std::vector<double> eventPositions_;
+    std::optional<std::size_t> cursor_;
+    std::optional<double> pointerX_;  ///< set while the cursor follows the pointer
+    bool hasRing_ = false;
     int scaleWidth_ = 0;
     int captionHeight_ = 0;
+    int timeLabelHeight_ = 0;
     QImage part_;  ///< buffer in which the parts of the canvas are painted
 };
 

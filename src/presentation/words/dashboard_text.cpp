@@ -224,6 +224,10 @@ QString shortTimeText(Date date, Date now) {
                                       : locale.dateAndTime(date));
 }
 
+QString pointTimeText(Date date, Date now) {
+    return localDay(date) == localDay(now) ? timeText(date) : shortTimeText(date, now);
+}
+
 std::int64_t localDay(Date date) {
     return formats().locale->localDay(date);
 }

@@ -71,6 +71,9 @@ QString timeText(Date date);
 /// The local time of day in hours and minutes, "2:03 PM"; with the date before it if `now` is on
 /// another day.
 QString shortTimeText(Date date, Date now);
+/// The time of a sample to the second, as `timeText`; as `shortTimeText` if `now` is on another
+/// day.
+QString pointTimeText(Date date, Date now);
 /// When the sample was taken; absent without one.
 std::optional<Date> sampledAt(const std::optional<SystemSnapshot>& snapshot);
 /// The day of `date` in local time, as `Locale::localDay` numbers it.

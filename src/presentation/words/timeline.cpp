@@ -65,12 +65,22 @@ int sessionSeconds(const std::vector<HistoryPoint>& history) {
     return static_cast<int>(std::lround(passed));
 }
 
-std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
-                                   const std::vector<HistoryPoint>& history, Date now) {
+std::vector<std::size_t> timelineGaps(const std::vector<HistoryPoint>& history) {
+    std::vector<std::size_t> gaps;
+    for (std::size_t i = 1; i < history.size(); ++i) {
+        if (secondsBetween(history[i - 1].date, history[i].date) > longestStep) {
+            gaps.push_back(i);
+        }
+    }
+    return gaps;
+}
+
+std::vector<TimelineEvent> timelineEvents(const std::vector<ActivityEvent>& events,
+                                          const std::vector<HistoryPoint>& history, Date now) {
     constexpr double shownSeconds = 600.0;
-    std::vector<double> fractions;
+    std::vector<TimelineEvent> placed;
     if (history.size() < 2) {
-        return fractions;
+        return placed;
     }
     const auto steps = static_cast<double>(history.size() - 1);
     for (const ActivityEvent& event : events) {
@@ -78,11 +88,11 @@ std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
                                 secondsBetween(event.date, history.back().date) >= 0.0;
         if (isInPeriod) {
             if (const auto place = placeAmong(history, event.date)) {
-                fractions.push_back(*place / steps);
+                placed.push_back({&event, *place / steps});
             }
         }
     }
-    return fractions;
+    return placed;
 }
 
 }  // namespace tallowcrest

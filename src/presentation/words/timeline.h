@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "core/activity_event.h"
@@ -37,11 +38,21 @@ inline constexpr int longestSessionSeconds = 2160;
 /// sleep, counts as one tick; a step back of the clock counts as nothing. Any thread.
 int sessionSeconds(const std::vector<HistoryPoint>& history);
 
-/// The positions of the events of the last 600 seconds before `now` on the axis of the points, from
-/// 0 for the first to 1 for the last. The points are equidistant whatever the time between them; an
-/// event is placed between its neighbours in time. Events before the first point or after the last
-/// are omitted, and all of them if there are fewer than two points. Any thread.
-std::vector<double> eventFractions(const std::vector<ActivityEvent>& events,
-                                   const std::vector<HistoryPoint>& history, Date now);
+/// The points that are more than three ticks later than their predecessor, as after the start of
+/// another run or after sleep: nothing was measured in between. Indexes, ascending. Any thread.
+std::vector<std::size_t> timelineGaps(const std::vector<HistoryPoint>& history);
+
+/// An event on the axis of the points.
+struct TimelineEvent {
+    const ActivityEvent* event = nullptr;  ///< never null
+    double fraction = 0.0;                 ///< from 0 for the first point to 1 for the last
+};
+
+/// The events of the last 600 seconds before `now`. The points are equidistant whatever the time
+/// between them; an event is placed between its neighbours in time. Events before the first point
+/// or after the last are omitted, and all of them if there are fewer than two points. The result
+/// refers to `events`. Any thread.
+std::vector<TimelineEvent> timelineEvents(const std::vector<ActivityEvent>& events,
+                                          const std::vector<HistoryPoint>& history, Date now);
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #include "presentation/widgets/graph_geometry.h"
 
 #include <cmath>
+#include <string>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -74,6 +75,44 @@ TEST(GraphColumns, AreEmptyForFewerThanTwoPoints) {
     EXPECT_THAT(graphColumns({}, 2), IsEmpty());
     EXPECT_THAT(graphColumns({{0, 5}}, 2), IsEmpty());
     EXPECT_THAT(graphColumns({{0, 5}, {0, 9}}, 2), IsEmpty()) << "no width, no column";
+}
+
+TEST(DashGraphColumns, LeaveGapsAlongTheLine) {
+    const auto drawn = [](const std::vector<GraphPoint>& line) {
+        std::vector<GraphColumn> columns = graphColumns(line, 2);
+        dashGraphColumns(columns, 2, 3, 2);
+        std::string picture;
+        for (const GraphColumn& column : columns) {
+            picture += column.half > 0 ? '#' : ' ';
+        }
+        return picture;
+    };
+    EXPECT_EQ(drawn({{0, 5}, {12, 5}}), "###  ###  ##");
+    EXPECT_EQ(drawn({{0, 0}, {4, 3}, {8, 0}}), "### ### ") << "along the slope";
+    EXPECT_EQ(drawn({{0, 5}, {3, 5}, {4, 90}, {5, 5}, {9, 5}}).substr(3, 2), "##")
+        << "a peak within a gap";
+    EXPECT_EQ(drawn({}), "");
+}
+
+TEST(NearestGraphPoint, IsTheOneWhoseXIsNearest) {
+    EXPECT_EQ(nearestGraphPoint(26, 5, 200), 1U);
+    EXPECT_EQ(nearestGraphPoint(24, 5, 200), 0U);
+    EXPECT_EQ(nearestGraphPoint(-10, 5, 200), 0U);
+    EXPECT_EQ(nearestGraphPoint(210, 5, 200), 4U);
+    EXPECT_EQ(nearestGraphPoint(150, 1, 200), 0U);
+    EXPECT_EQ(nearestGraphPoint(150, 0, 200), std::nullopt);
+    EXPECT_EQ(graphX(1, 5, 200), 50);
+    EXPECT_EQ(graphX(0, 1, 200), 0);
+    EXPECT_EQ(graphGapX(1, 5, 200), 25);
+}
+
+TEST(GraphLabelPlaces, StayOnTheCanvasAndApart) {
+    EXPECT_THAT(graphLabelPlaces({2, 50, 99}, {20, 20, 20}, 100, 4), ElementsAre(0, 40, 80));
+    EXPECT_THAT(graphLabelPlaces({30, 53, 76}, {20, 20, 20}, 100, 4),
+                ElementsAre(20, std::nullopt, 66))
+        << "the later one has precedence";
+    EXPECT_THAT(graphLabelPlaces({50}, {120}, 100, 4), ElementsAre(std::nullopt));
+    EXPECT_THAT(graphLabelPlaces({}, {}, 100, 4), IsEmpty());
 }
 
 TEST(GraphRules, LieOnTheCanvas) {

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <gmock/gmock.h>
 
+#include "tests/presentation/widgets/graph_formats.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/support/numbers.h"
 
@@ -15,7 +16,6 @@ namespace tallowcrest {
 namespace {
 
 const QColor lineColor(Qt::magenta);
-const StableLineGraph::Scale scale{u"0%"_s, u"50%"_s, u"100%"_s};
 
 /// A graph painted on white, and functions that examine the pixels.
 class StableLineGraphTest : public testing::Test {
@@ -60,7 +60,7 @@ protected:
         return false;
     }
 
-    StableLineGraph graph_{scale};
+    StableLineGraph graph_{plainGraphFormats()};
 };
 
 TEST_F(StableLineGraphTest, DrawsTheLineThroughItsValues) {
@@ -243,10 +243,59 @@ TEST_F(StableLineGraphTest, PaintsLaterSeriesOverEarlierOnes) {
     EXPECT_EQ(image.pixelColor(at(0.6, 30)),
               mixedColor(mixedColor(card, lineColor, 0.1), later, 0.1));
     EXPECT_EQ(image.pixelColor(at(0.6, 60)), mixedColor(card, later, 0.1));
-    // A line lies on top of an earlier one.
+}
+
+TEST_F(StableLineGraphTest, DashesAllSeriesButTheFirst) {
+    const QColor later(Qt::blue);
     graph_.setSeries(
         {{u"CPU"_s, lineColor, {50, 50}, false}, {u"Memory"_s, later, {50, 50}, false}});
-    EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
+    const QImage image = painted();
+    int earlierInked = 0;
+    int laterInked = 0;
+    const int begin = at(0, 50).x() + 2;
+    const int end = at(1, 50).x() - 2;
+    for (int x = begin; x < end; ++x) {
+        const QColor color = image.pixelColor(x, at(0, 50).y());
+        earlierInked += color == lineColor ? 1 : 0;
+        laterInked += color == later ? 1 : 0;
+    }
+    EXPECT_EQ(earlierInked + laterInked, end - begin) << "the later one lies on top";
+    EXPECT_NEAR(static_cast<double>(laterInked) / (end - begin), 7.0 / 11, 0.05);
+}
+
+TEST_F(StableLineGraphTest, MarksAGapHalfwayBetweenItsPoints) {
+    const auto ruleAt = [this](const QImage& image, double fraction) {
+        const QColor rule = mixedColor(CrestTheme::current().cardBackground,
+                                       CrestTheme::current().secondaryText, 0.5);
+        int inked = 0;
+        for (int dx = -1; dx <= 1; ++dx) {
+            for (int percent = 55; percent <= 70; ++percent) {
+                inked += image.pixelColor(at(fraction, percent) + QPoint(dx, 0)) == rule ? 1 : 0;
+            }
+        }
+        return inked;
+    };
+    graph_.setSeries({{u"CPU"_s, lineColor, {20, 20, 20, 20, 20}, false}}, {{0, 4, 8, 60, 64}, {}});
+    EXPECT_EQ(ruleAt(painted(), 0.625), 0);
+    graph_.setSeries({{u"CPU"_s, lineColor, {20, 20, 20, 20, 20}, false}},
+                     {{0, 4, 8, 60, 64}, {3}});
+    EXPECT_EQ(ruleAt(painted(), 0.625), 16) << "a continuous line, one pixel wide";
+    EXPECT_EQ(ruleAt(painted(), 0.375), 0);
+}
+
+TEST_F(StableLineGraphTest, ShowsTimesBelowTheCanvas) {
+    const auto belowCanvas = [this] {
+        const QRect canvas = graph_.canvasRect().toAlignedRect();
+        return painted().copy(0, canvas.bottom() + 3, canvas.right(), graph_.height());
+    };
+    showLine({20, 20, 20});
+    const QImage without = belowCanvas();
+    const std::vector<StableGraphSeries> series{{u"CPU"_s, lineColor, {20, 20, 20}, false}};
+    graph_.setSeries(series, {{6, 10, 14}, {}});
+    const QImage before = belowCanvas();
+    EXPECT_NE(before, without);
+    graph_.setSeries(series, {{66, 70, 74}, {}});
+    EXPECT_NE(belowCanvas(), before) << "a minute later";
 }
 
 TEST_F(StableLineGraphTest, LooksTheSameAfterANewSampleAsWhenNew) {
@@ -258,7 +307,7 @@ TEST_F(StableLineGraphTest, LooksTheSameAfterANewSampleAsWhenNew) {
     showLine({1, 2}, true);
     const QImage before = graph_.grab().toImage();
     showLine(values, true);
-    StableLineGraph fresh(scale);
+    StableLineGraph fresh(plainGraphFormats());
     fresh.resize(900, 240);
     fresh.setSeries({{u"CPU"_s, lineColor, values, true}});
     const QImage after = graph_.grab().toImage();

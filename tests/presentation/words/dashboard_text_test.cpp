@@ -257,6 +257,13 @@ TEST(DashboardText, ShortTimesOfAnotherDayHaveADate) {
                       .toStdString(),
                   each.text);
     }
+    const auto ofPoint = [](double seconds) {
+        return dashboard_text::pointTimeText(Date::fromUnixSeconds(seconds),
+                                             Date::fromUnixSeconds(now))
+            .toStdString();
+    };
+    EXPECT_EQ(ofPoint(now - 5), "14:03:50");
+    EXPECT_EQ(ofPoint(now - 15 * 3600), "8.3.2026, 23:03");
 }
 
 TEST(DashboardText, AnyStoredDateHasAText) {

@@ -96,11 +96,15 @@ void expectFractions(std::initializer_list<double> events, std::initializer_list
                      double now, const std::vector<double>& expected, double tolerance = 1e-12,
                      std::source_location row = std::source_location::current()) {
     const testing::ScopedTrace trace(row.file_name(), static_cast<int>(row.line()), "row");
-    EXPECT_THAT(eventFractions(eventsAt(events), historyAt(history), after(now)),
-                Pointwise(DoubleNear(tolerance), expected));
+    const std::vector<ActivityEvent> log = eventsAt(events);
+    std::vector<double> fractions;
+    for (const TimelineEvent& each : timelineEvents(log, historyAt(history), after(now))) {
+        fractions.push_back(each.fraction);
+    }
+    EXPECT_THAT(fractions, Pointwise(DoubleNear(tolerance), expected));
 }
 
-TEST(EventFractions, LieBetweenTheirNeighboursInTime) {
+TEST(TimelineEvents, LieBetweenTheirNeighboursInTime) {
     expectFractions({12, 10, 4, 1, 0}, {0, 4, 12}, 12, {1.0, 0.875, 0.5, 0.125, 0.0});
     // Of several points with the same date the last counts.
     expectFractions({5}, {5, 5}, 5, {1.0});
@@ -110,7 +114,24 @@ TEST(EventFractions, LieBetweenTheirNeighboursInTime) {
     expectFractions({0}, {0}, 0, {});
 }
 
-TEST(EventFractions, AGapMovesNoEventAwayFromItsPoint) {
+TEST(TimelineEvents, AreThoseThatArePlaced) {
+    const std::vector<ActivityEvent> log = eventsAt({6, 50, 2});
+    const auto placed = timelineEvents(log, historyAt({0, 4, 8}), after(8));
+    ASSERT_EQ(placed.size(), 2U);
+    EXPECT_EQ(placed[0].event, &log[0]);
+    EXPECT_EQ(placed[1].event, &log[2]);
+}
+
+TEST(TimelineGaps, AreMoreThanThreeTicksLong) {
+    EXPECT_THAT(timelineGaps({}), IsEmpty());
+    EXPECT_THAT(timelineGaps(historyAt({0})), IsEmpty());
+    EXPECT_THAT(timelineGaps(historyAt({0, 4, 16})), IsEmpty()) << "three ticks";
+    EXPECT_THAT(timelineGaps(historyAt({0, 4, 16.1, 20, 90000, 90004})), ElementsAre(2, 4));
+    EXPECT_THAT(timelineGaps(historyAt({3600, 0, 4})), IsEmpty()) << "the clock was set back";
+    EXPECT_THAT(timelineGaps(historyAt({0, nan, 100})), IsEmpty());
+}
+
+TEST(TimelineEvents, AGapMovesNoEventAwayFromItsPoint) {
     // Restarted in the morning, just before the last three points.
     const auto history = {0.0, 4.0, 8.0, 30000.0, 30004.0, 30008.0};
     expectFractions({30006, 30000}, history, 30008, {0.9, 0.6});
@@ -119,13 +140,13 @@ TEST(EventFractions, AGapMovesNoEventAwayFromItsPoint) {
     expectFractions({8, 4}, history, 30008, {});
 }
 
-TEST(EventFractions, EventsOutsideThePeriodAreOmitted) {
+TEST(TimelineEvents, EventsOutsideThePeriodAreOmitted) {
     expectFractions({100.5, -0.5, 50}, {0, 100}, 102, {0.5});
     // Only the last 600 seconds count: seen from 716 seconds, that is 116.
     expectFractions({115.9, 116, 358}, {0, 716}, 716, {116.0 / 716.0, 0.5});
 }
 
-TEST(EventFractions, AfterAStepBackOfTheClockTheLatestPointsCount) {
+TEST(TimelineEvents, AfterAStepBackOfTheClockTheLatestPointsCount) {
     expectFractions({103, 99}, {100, 104, 98, 102, 106}, 106, {0.8125, 0.5625});
     expectFractions({50}, {100, 10}, 10, {});
     // The event is dated in the future.
@@ -133,7 +154,7 @@ TEST(EventFractions, AfterAStepBackOfTheClockTheLatestPointsCount) {
     expectFractions({3602}, {3600, 3604, 0, 4}, 4, {});
 }
 
-TEST(EventFractions, DatesThatAreNotNumbersAreOmitted) {
+TEST(TimelineEvents, DatesThatAreNotNumbersAreOmitted) {
     expectFractions({nan}, {0, 40}, 40, {});
     expectFractions({20}, {0, nan}, 40, {});
     expectFractions({20}, {0, 40}, nan, {});

@@ -60,8 +60,7 @@ QWidget* HistoryPage::makeTimeline() {
     timeline_->setObjectName(u"history.timeline"_s);
     timeline_->setHeader(u"waveform.path.ecg"_s, u"Local Timeline"_s);
     timeline_->reserveCaption(pointCount(LatestSample::maximumHistory));
-    graph_ = makeTimelineGraph(timeline_);
-    graph_->setMinimumHeight(18 * spacing::unit);
+    graph_ = makeTimelineGraph(u"history.timeline.graph"_s, timeline_);
     timeline_->contentLayout()->addWidget(graph_);
     return timeline_;
 }

@@ -19,8 +19,7 @@ TimelineBlock::TimelineBlock()
     : OverviewBlock(DashboardSection::recentLoad, u"overview.timeline"_s, u"waveform.path.ecg"_s,
                     u"Live Performance Timeline"_s) {
     reserveSectionCaption(dashboard_text::timelineCaption(longestSessionSeconds));
-    graph_ = makeTimelineGraph(body());
-    graph_->setMinimumHeight(18 * spacing::unit);
+    graph_ = makeTimelineGraph(u"overview.timeline.graph"_s, body());
     bodyLayout()->addWidget(graph_, 1);
     figures_ =
         new FigureRow({u"CPU now"_s, u"Memory now"_s, u"CPU peak"_s, u"Memory peak"_s}, body());

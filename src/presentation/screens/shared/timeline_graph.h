@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include "presentation/words/timeline.h"
 
 class QWidget;
@@ -8,8 +10,8 @@ namespace tallowcrest {
 
 class StableLineGraph;
 
-/// A graph whose scale is in the number format of the locale. Main thread.
-StableLineGraph* makeTimelineGraph(QWidget* parent);
+/// A graph in the formats of the locale, with that object name. Main thread.
+StableLineGraph* makeTimelineGraph(const QString& identifier, QWidget* parent);
 
 /// Shows CPU and memory of the session, the events of the activity log and the warning threshold in
 /// `graph`. `summary` is `timelineSummary(facts.history)`. Main thread.
