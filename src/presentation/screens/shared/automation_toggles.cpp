@@ -47,6 +47,18 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     toggle_->setObjectName(identifier);
     row->addWidget(toggle_, 0, Qt::AlignTop);
 
+    stateIcon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
+    state_ = addLabel(".state", onCard(&CrestFonts::body), 1);
+    // The same width for every state, so that the states of the rows are aligned.
+    state_->setReservedText(stateWord(SwitchState::stopped));
+    auto* state = new QHBoxLayout;
+    state->setSpacing(spacing::unit);
+    state->addStrut(toggle_->sizeHint().height());
+    state->addWidget(stateIcon_);
+    state->addWidget(state_);
+    row->addLayout(state);
+    row->setAlignment(state, Qt::AlignTop);
+
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
     title_ = addLabel(".title", onCard(&CrestFonts::body), 2);
@@ -60,18 +72,6 @@ AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) :
     }
     words->addStretch(1);
     row->addLayout(words, 1);
-
-    stateIcon_ = new IconView(QString(), &CrestTheme::secondaryText, spacing::iconSmall, this);
-    state_ = addLabel(".state", onCard(&CrestFonts::body), 1);
-    // The same width for every state, so that the states of the rows are aligned.
-    state_->setReservedText(stateWord(SwitchState::stopped));
-    auto* state = new QHBoxLayout;
-    state->setSpacing(spacing::unit);
-    state->addStrut(toggle_->sizeHint().height());
-    state->addWidget(stateIcon_);
-    state->addWidget(state_);
-    row->addLayout(state);
-    row->setAlignment(state, Qt::AlignTop);
     connect(toggle_, &QAbstractButton::clicked, this, [this] { emit wanted(!line_.isOn); });
     showLine();
 }
