@@ -1,5 +1,7 @@
 #include "presentation/widgets/card.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QPaintEvent>
 #include <QPainter>
@@ -51,6 +53,12 @@ void Card::setCaption(const QString& text) {
     caption()->setVisible(!text.isEmpty());
 }
 
+void Card::setFrameless() {
+    isFrameless_ = true;
+    outer_->setContentsMargins(0, 0, 0, 0);
+    setMinimumWidth(std::max(0, minimumWidth() - 2 * spacing::cardPadding));
+}
+
 void Card::reserveCaption(const QString& pattern) {
     caption()->setReservedText(pattern);
 }
@@ -65,6 +73,9 @@ ElidedLabel* Card::caption() {
 }
 
 void Card::paintEvent(QPaintEvent* event) {
+    if (isFrameless_) {
+        return;
+    }
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     // Most paint events only clear the background of one changed figure. Away from the border a

@@ -24,6 +24,8 @@ public:
     void setHeader(const QString& icon, const QString& heading);
     /// A secondary line below the heading; an empty text removes it.
     void setCaption(const QString& caption);
+    /// Removes border and padding, for a card within the card of a section.
+    void setFrameless();
     /// Reserves the width of `pattern` with any digits, for a caption with figures.
     void reserveCaption(const QString& pattern);
 
@@ -38,6 +40,7 @@ protected:
 private:
     ElidedLabel* caption();
 
+    bool isFrameless_ = false;
     QVBoxLayout* outer_ = nullptr;
     QVBoxLayout* content_ = nullptr;
     QHBoxLayout* header_ = nullptr;

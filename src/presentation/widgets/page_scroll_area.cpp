@@ -110,6 +110,9 @@ QVBoxLayout* makePageColumn(QWidget& content) {
 PageScrollArea* scrollOnPage(QWidget* content, QWidget& page) {
     auto* layout = new QVBoxLayout(&page);
     layout->setContentsMargins(0, 0, 0, 0);
+    // The lines of text would become too long to read.
+    content->setMaximumWidth(spacing::widestContent + 2 * spacing::pagePadding -
+                             spacing::scrollBar);
     auto* area = new PageScrollArea(content, &page);
     layout->addWidget(area);
     return area;

@@ -39,7 +39,8 @@ private:
 /// A column layout for the content of such an area, with a page's padding and gaps.
 QVBoxLayout* makePageColumn(QWidget& content);
 
-/// Fills `page` with a scroll area over `content`.
+/// Fills `page` with a scroll area over `content`, which becomes no wider than
+/// `spacing::widestContent` and its padding.
 PageScrollArea* scrollOnPage(QWidget* content, QWidget& page);
 
 }  // namespace tallowcrest

@@ -7,8 +7,8 @@
 
 namespace tallowcrest {
 
-SectionCard::SectionCard(const QString& icon, const QString& title, Frame frame, QWidget* parent)
-    : Card(parent), frame_(frame) {
+SectionCard::SectionCard(const QString& icon, const QString& title, QWidget* parent)
+    : Card(parent) {
     installAccessibleFigures();
     setAccessibleName(title);
     // The header includes the card's padding, so that all of it is clickable.
@@ -45,11 +45,7 @@ void SectionCard::reserveSectionCaption(const QString& pattern) {
 
 ElidedLabel* SectionCard::caption() {
     if (caption_ == nullptr) {
-        LabelStyle style{&CrestFonts::caption, &CrestTheme::secondaryText};
-        if (frame_ == Frame::card) {
-            style.ground = &CrestTheme::cardBackground;
-        }
-        caption_ = new ElidedLabel(style);
+        caption_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText));
         caption_->setLines(1, 2);
         below_->insertWidget(0, caption_);
         // Assistive technology reads the children in their order.
@@ -65,24 +61,14 @@ void SectionCard::setCollapsed(bool collapsed) {
     }
     header_->setExpanded(!collapsed);
     body_->setVisible(!collapsed);
-    // A closed card leaves surplus space to its neighbours.
-    setSizePolicy(QSizePolicy::Preferred,
-                  collapsed ? QSizePolicy::Maximum : QSizePolicy::Preferred);
     fitMargins();
     update();
 }
 
 void SectionCard::fitMargins() {
-    const bool isFramed = frame_ == Frame::card || isCollapsed();
     const bool isEmpty = isCollapsed() && (caption_ == nullptr || caption_->isHidden());
-    const int side = isFramed ? spacing::cardPadding : 0;
+    const int side = spacing::cardPadding;
     below_->setContentsMargins(side, 0, side, isEmpty ? 0 : side);
-}
-
-void SectionCard::paintEvent(QPaintEvent* event) {
-    if (frame_ == Frame::card || isCollapsed()) {
-        Card::paintEvent(event);
-    }
 }
 
 }  // namespace tallowcrest

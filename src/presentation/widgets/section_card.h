@@ -14,12 +14,7 @@ class SectionCard : public Card, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    /// The frame around the content while the section is open: the card's background and border, or
-    /// none, for content that consists of cards.
-    enum class Frame { card, none };
-
-    SectionCard(const QString& icon, const QString& title, Frame frame = Frame::card,
-                QWidget* parent = nullptr);
+    SectionCard(const QString& icon, const QString& title, QWidget* parent = nullptr);
 
     SectionHeader* header() const { return header_; }
     QWidget* body() const { return body_; }
@@ -38,14 +33,10 @@ public:
     /// Empty: the children describe themselves.
     QString accessibleValue() const override { return {}; }
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
 private:
     ElidedLabel* caption();
     void fitMargins();
 
-    Frame frame_;
     SectionHeader* header_ = nullptr;
     QVBoxLayout* below_ = nullptr;
     ElidedLabel* caption_ = nullptr;

@@ -111,6 +111,8 @@ inline constexpr int cardPadding = 16;
 inline constexpr int gap = 16;
 inline constexpr int cardRadius = 12;
 inline constexpr int scrollBar = 12;
+/// What is wider leaves the rest of the window empty.
+inline constexpr int widestContent = 1400;
 inline constexpr int iconSmall = 16;
 inline constexpr int iconRegular = 20;
 }  // namespace spacing

@@ -20,11 +20,9 @@ TwoColumns::TwoColumns(QWidget* parent)
 }
 
 void TwoColumns::setColumns(const std::vector<QWidget*>& left, const std::vector<QWidget*>& right) {
-    // Minimal stretch: it grows only once the last widget has reached its maximum.
-    constexpr int everything = 1000;
     const auto fill = [](QVBoxLayout* column, const std::vector<QWidget*>& widgets) {
         for (QWidget* widget : widgets) {
-            column->addWidget(widget, widget == widgets.back() ? everything : 0);
+            column->addWidget(widget);
         }
         column->addStretch(1);
     };

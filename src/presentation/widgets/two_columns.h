@@ -19,8 +19,7 @@ public:
 
     explicit TwoColumns(QWidget* parent = nullptr);
 
-    /// The stacks from top to bottom. The last widget of the shorter stack is stretched, so that
-    /// both end at the same height. Call once.
+    /// The stacks from top to bottom. Every widget has the height that it needs. Call once.
     void setColumns(const std::vector<QWidget*>& left, const std::vector<QWidget*>& right);
 
     /// The width of the narrower arrangement, whichever is in use.

@@ -1,5 +1,7 @@
 #include "presentation/screens/overview/gauges_block.h"
 
+#include <initializer_list>
+
 #include <QVBoxLayout>
 
 #include "presentation/widgets/gauge_card.h"
@@ -7,6 +9,7 @@
 #include "presentation/widgets/graph_geometry.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/binary_units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,9 +28,9 @@ void showPercent(GaugeCard& gauge, double percent, const QString& detail) {
 
 GaugesBlock::GaugesBlock()
     : OverviewBlock(DashboardSection::gauges, u"overview.system-gauges"_s, u"speedometer"_s,
-                    text(title(DashboardSection::gauges)), Frame::none) {
+                    text(title(DashboardSection::gauges))) {
     // Wide enough for the largest figure and for the detail in three lines.
-    constexpr int narrowestMetric = 160;
+    constexpr int narrowestMetric = 128;
     auto* gauges = new GaugeRow(body());
     gauges->setObjectName(u"overview.gauges"_s);
     // The section around it already has the title as its name.
@@ -39,6 +42,9 @@ GaugesBlock::GaugesBlock()
     cpuGauge_->setObjectName(u"overview.cpu-load"_s);
     memoryGauge_->setObjectName(u"overview.memory-pressure"_s);
     reclaimable_->setObjectName(u"overview.free-reclaimable"_s);
+    for (Card* card : std::initializer_list<Card*>{cpuGauge_, memoryGauge_, reclaimable_}) {
+        card->setFrameless();
+    }
     gauges->setCards({cpuGauge_, memoryGauge_, reclaimable_}, narrowestMetric);
     bodyLayout()->addWidget(gauges);
 }
@@ -58,7 +64,7 @@ void GaugesBlock::show(const std::optional<SystemSnapshot>& snapshot) {
     const MemorySnapshot& memory = snapshot->memory;
     showPercent(*cpuGauge_, snapshot->cpuPercent, dashboard_text::cpuDetail(snapshot->cpuPercent));
     showPercent(*memoryGauge_, memory.pressure, dashboard_text::memoryDetail(memory));
-    reclaimable_->setValue(u"%1 GB"_s.arg(dashboard_text::gigabytes(memory.freeGB)));
+    reclaimable_->setValue(dashboard_text::memoryText(memory.freeGB * megabytesPerGigabyte));
     reclaimable_->setDetail(dashboard_text::reclaimableDetail(memory));
 }
 

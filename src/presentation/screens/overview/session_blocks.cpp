@@ -10,9 +10,9 @@ using dashboard_text::text;
 
 SessionSummaryBlock::SessionSummaryBlock()
     : OverviewBlock(DashboardSection::dailySummary, u"overview.session-summary"_s,
-                    u"checklist.checked"_s, text(title(DashboardSection::dailySummary)),
-                    Frame::none),
+                    u"checklist.checked"_s, text(title(DashboardSection::dailySummary))),
       cards_(u"overview.summary"_s, sessionSummaryCards, body()) {
+    cards_.setFrameless();
     bodyLayout()->addWidget(cards_.widget());
 }
 
@@ -26,9 +26,9 @@ void SessionSummaryBlock::show(const std::vector<ActivityEvent>& activityLog,
 
 SessionInsightsBlock::SessionInsightsBlock()
     : OverviewBlock(DashboardSection::sessionInsights, u"overview.session-insights"_s,
-                    u"chart.xyaxis.line"_s, text(title(DashboardSection::sessionInsights)),
-                    Frame::none),
+                    u"chart.xyaxis.line"_s, text(title(DashboardSection::sessionInsights))),
       cards_(u"overview.insight"_s, mostSessionInsights, body()) {
+    cards_.setFrameless();
     bodyLayout()->addWidget(cards_.widget());
 }
 

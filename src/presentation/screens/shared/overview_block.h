@@ -16,8 +16,8 @@ public:
     /// `identifier` is the object name of the card. That of the header, which collapses and expands
     /// it, is "section." followed by the raw value of `section`.
     OverviewBlock(DashboardSection section, const QString& identifier, const QString& icon,
-                  const QString& title, Frame frame = Frame::card)
-        : SectionCard(icon, title, frame), section_(section) {
+                  const QString& title)
+        : SectionCard(icon, title), section_(section) {
         setObjectName(identifier);
         using namespace Qt::StringLiterals;
         header()->setObjectName(u"section."_s + dashboard_text::text(rawValue(section)));

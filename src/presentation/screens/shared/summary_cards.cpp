@@ -26,6 +26,12 @@ QWidget* SummaryCards::widget() const {
     return grid_;
 }
 
+void SummaryCards::setFrameless() {
+    for (SummaryCard* card : cards_) {
+        card->setFrameless();
+    }
+}
+
 void SummaryCards::show(std::vector<SummaryTexts> texts) {
     if (texts == shown_) {
         return;

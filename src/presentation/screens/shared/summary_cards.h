@@ -21,6 +21,8 @@ public:
     SummaryCards(const QString& identifier, std::size_t most, QWidget* parent);
 
     QWidget* widget() const;
+    /// For a grid within a card.
+    void setFrameless();
 
     /// One card for each of `texts`; those beyond the maximum are left out.
     void show(std::vector<SummaryTexts> texts);

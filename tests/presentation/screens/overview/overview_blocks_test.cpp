@@ -1,5 +1,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
 
 #include "presentation/screens/overview/gauges_block.h"
 #include "presentation/screens/overview/recent_activity_block.h"
@@ -48,6 +49,10 @@ TEST_F(OverviewBlockTest, GaugesShowTheSample) {
     EXPECT_EQ(spoken(visible("overview.memory-pressure")), "59%, Normal, 9.5 GB used of 16.0 GB");
     EXPECT_EQ(spoken(visible("overview.free-reclaimable")),
               "6.5 GB, 6.5 GB free · Wired 2.3 GB · Compressed 0.5 GB");
+    taken.memory.freeGB = 0.25;
+    block.show(snapshot);
+    EXPECT_EQ(spoken(visible("overview.free-reclaimable")),
+              "256 MB, 0.3 GB free · Wired 2.3 GB · Compressed 0.5 GB");
 }
 
 TEST_F(OverviewBlockTest, GaugesAreAGroupWithItsOwnName) {
@@ -70,6 +75,26 @@ TEST_F(OverviewBlockTest, UnreadableFiguresAreShownAsZero) {
 }
 
 // Timeline ---------------------------------------------------------------------------------------
+
+TEST_F(OverviewBlockTest, TimelineSaysWhatThePointsAndMarksAre) {
+    TimelineBlock& block = place(new TimelineBlock);
+    const auto at = [](double seconds) {
+        return dashboard_text::timeText(Date{seconds}).toStdString();
+    };
+    const std::vector<HistoryPoint> history{{UUID::random(), Date{4.0}, 40.0, 59.4},
+                                            {UUID::random(), Date{16.0}, 70.0, 30.0},
+                                            {UUID::random(), Date{60.0}, 20.0, 50.0},
+                                            {UUID::random(), Date{64.0}, 10.0, 50.0}};
+    const std::vector<ActivityEvent> log{{UUID::random(), Date{5.0}, "Warning", "Load is high"}};
+    block.show({history, log, 82.0}, true);
+    auto* graph = visible<StableLineGraph>("overview.timeline.graph");
+    const auto said = [graph] { return graph->accessibleDescription().toStdString(); };
+    EXPECT_EQ(said(),
+              "CPU 10 percent, Memory 50 percent. Not measured from " + at(16) + " to " + at(60));
+    QTest::keyClick(graph, Qt::Key_Home);
+    EXPECT_EQ(said(),
+              at(4) + ": CPU 40 percent, Memory 59 percent. Warning, " + at(5) + ": Load is high");
+}
 
 TEST_F(OverviewBlockTest, TimelineShowsNowPeakAverageAndThreshold) {
     TimelineBlock& block = place(new TimelineBlock);
