@@ -101,7 +101,12 @@ QWidget* DashboardWindow::makeContent() {
     right->addWidget(header_);
     right->addWidget(strip_);
     target_ = new OperationTargetBar(monitor_, state_, content);
-    targetRow_ = new QHBoxLayout;
+    // Above the content of the page, which is no wider.
+    target_->setMaximumWidth(spacing::widestContent);
+    for (QWidget* each : {static_cast<QWidget*>(header_), static_cast<QWidget*>(strip_)}) {
+        each->setMaximumWidth(spacing::widestContent + 2 * spacing::pagePadding);
+    }
+    targetRow_ = new QVBoxLayout;
     targetRow_->addWidget(target_);
     right->addLayout(targetRow_);
     pages_ = new QStackedLayout;

@@ -10,7 +10,7 @@
 #include "presentation/state/window_state.h"
 
 class QAction;
-class QHBoxLayout;
+class QVBoxLayout;
 class QStackedLayout;
 
 namespace tallowcrest {
@@ -87,7 +87,7 @@ private:
     PageHeader* header_ = nullptr;
     StatusStrip* strip_ = nullptr;
     OperationTargetBar* target_ = nullptr;
-    QHBoxLayout* targetRow_ = nullptr;
+    QVBoxLayout* targetRow_ = nullptr;
     WindowMenus* menus_ = nullptr;
     SheetHost* sheets_ = nullptr;
     QStackedLayout* pages_ = nullptr;

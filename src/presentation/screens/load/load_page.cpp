@@ -43,6 +43,7 @@ LoadPage::LoadPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
     auto* card = new Card(this);
     card->setObjectName(u"processes"_s);
+    card->setMaximumWidth(spacing::widestContent);
     card->setHeader(u"gauge.with.dots.needle.67percent"_s, text(title(ActivityListMode::load)));
     card->setCaption(text(subtitle(ActivityListMode::load)));
     card->contentLayout()->addWidget(makeToolRow());
