@@ -101,8 +101,7 @@ QWidget* MenuBarPanel::makeGraph() {
     timeline_->setAccessibleName(u"Live Performance Timeline"_s);
     timeline_->layout()->setContentsMargins(spacing::unit, spacing::unit, spacing::unit,
                                             spacing::unit);
-    graph_ = makeTimelineGraph(timeline_);
-    graph_->setObjectName(u"menubar.graph"_s);
+    graph_ = makeTimelineGraph(u"menubar.graph"_s, timeline_);
     graph_->setFixedHeight(graphHeight);
     timeline_->contentLayout()->addWidget(graph_);
     return timeline_;
