@@ -61,16 +61,16 @@ std::vector<GraphTimeLabel> graphTimeLabels(const std::vector<double>& seconds, 
 }
 
 int graphTimeLabelHeight() {
-    return tickLength + 1 + QFontMetrics(CrestFonts::current().caption).lineSpacing();
+    return tickLength + QFontMetrics(CrestFonts::current().caption).lineSpacing();
 }
 
 void paintGraphTimeLabels(QPainter& painter, QPointF corner,
                           const std::vector<GraphTimeLabel>& labels, const CrestTheme& theme) {
     painter.setFont(CrestFonts::current().caption);
     painter.setPen(theme.secondaryText);
-    const double baseline = corner.y() + tickLength + 1 + painter.fontMetrics().ascent();
+    const double baseline = corner.y() + tickLength + painter.fontMetrics().ascent();
     for (const GraphTimeLabel& label : labels) {
-        painter.fillRect(QRectF(qRound(corner.x() + label.x), corner.y() + 1, 1, tickLength),
+        painter.fillRect(QRectF(qRound(corner.x() + label.x), corner.y(), 1, tickLength),
                          theme.secondaryText);
         painter.drawText(QPointF(corner.x() + label.left, baseline), label.text);
     }

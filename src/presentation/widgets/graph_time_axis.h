@@ -43,7 +43,7 @@ std::vector<GraphTimeLabel> graphTimeLabels(const std::vector<double>& seconds, 
 /// The height of the labels, with the ticks at their points.
 int graphTimeLabelHeight();
 
-/// Paints the labels below the canvas, whose bottom left corner is `corner`. Main thread.
+/// Paints the labels below `corner`, the left end of the canvas. Main thread.
 void paintGraphTimeLabels(QPainter& painter, QPointF corner,
                           const std::vector<GraphTimeLabel>& labels, const CrestTheme& theme);
 

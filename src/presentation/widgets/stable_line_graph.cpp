@@ -29,8 +29,8 @@ constexpr double seriesDash = 7;
 constexpr double seriesDashGap = 4;
 // A line through one point has no length, so the point is marked with a dot.
 constexpr double lonePointSize = 6;
-// How far a line at the edge of the canvas extends beyond it.
-constexpr int overhang = 1;
+// Around the canvas: one pixel of a line along its edge, and the focus ring.
+constexpr int overhang = 3;
 constexpr int swatchWidth = 16;
 constexpr int swatchGap = 4;
 constexpr int widestLegendName = 160;
@@ -105,7 +105,8 @@ QRectF StableLineGraph::canvasRect() const {
     const int top = captionHeight_ + spacing::unit;
     const int bottom = overhang + timeLabelHeight_;
     const int right = scaleWidth_ + spacing::unit;
-    return {1.0, static_cast<double>(top), std::max(1.0, width() - right - 1.0),
+    return {overhang, static_cast<double>(top),
+            std::max(1.0, static_cast<double>(width() - right - overhang)),
             std::max(1.0, static_cast<double>(height() - top - bottom))};
 }
 
@@ -151,7 +152,8 @@ void StableLineGraph::paintEvent(QPaintEvent* event) {
     if (!canvas.contains(event->rect())) {
         painter.fillRect(event->rect(), theme.cardBackground);
         painter.setFont(CrestFonts::current().caption);
-        paintGraphTimeLabels(painter, canvasRect().bottomLeft(), timeLabels_, theme);
+        paintGraphTimeLabels(painter, canvasRect().bottomLeft() + QPointF(0, overhang), timeLabels_,
+                             theme);
     }
     if (!plotPixels().contains(event->rect())) {
         paintLegend(painter, theme);

@@ -113,7 +113,7 @@ private:
     void followPointer(std::optional<double> x);
     bool usesKey(const QKeyEvent& event) const;
 
-    /// The pixels covered by the canvas and the lines at its edges.
+    /// The pixels covered by the canvas, the lines at its edges and the focus ring.
     QRect canvasPixels() const;
     /// Those and the times below.
     QRect plotPixels() const;

@@ -177,7 +177,7 @@ TEST_F(GraphCursorTest, ItsLineAndItsValuesArePainted) {
 
 TEST_F(GraphCursorTest, TheFocusHasARingAndTakesTheCursorWithIt) {
     const auto isRinged = [this] {
-        const QPoint top(over(0.5).x(), qRound(graph_.canvasRect().top()));
+        const QPoint top(over(0.5).x(), qRound(graph_.canvasRect().top()) - 2);
         return graph_.grab().toImage().pixelColor(top) == CrestTheme::current().accentText;
     };
     graph_.activateWindow();

@@ -20,7 +20,7 @@ const QColor lineColor(Qt::magenta);
 /// A graph painted on white, and functions that examine the pixels.
 class StableLineGraphTest : public testing::Test {
 protected:
-    StableLineGraphTest() { graph_.resize(420, 240); }
+    StableLineGraphTest() { graph_.resize(420, 241); }
 
     void showLine(std::vector<double> values, bool fillsArea = false) {
         graph_.setSeries({{u"CPU"_s, lineColor, std::move(values), fillsArea}});
