@@ -48,6 +48,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .settingsStore = *settings_.store,
         .metrics = host::makeMetricsReader(toolLauncher_),
         .ticks = host::makeTickSource(),
+        .processDetails = host::makeProcessDetailsReader(),
         .locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
         .actions = {.local = {.processes = host::makeProcessControl(toolLauncher_),
                               .gracefulQuit = desktop.makeGracefulQuit

@@ -13,6 +13,7 @@
 #include "monitor/sample_cycle.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
+#include "sampling/process_details.h"
 
 namespace tallowcrest {
 namespace {
@@ -36,6 +37,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       aiTrustRecords_(
           settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
       sample_(std::make_unique<LatestSample>(*settings_, services_.jobs.mainQueue())),
+      processDetails_(std::make_unique<ProcessDetails>(services_.jobs, ports.processDetails)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
       reports_(std::make_unique<Reports>(

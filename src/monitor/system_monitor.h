@@ -25,6 +25,8 @@ class AutoScan;
 class ConfirmationDesk;
 class CPUTickSource;
 class LatestSample;
+class ProcessDetails;
+class ProcessDetailsReader;
 class Reports;
 class SampleCycle;
 struct SampleSources;
@@ -43,7 +45,9 @@ struct MonitorPorts {
     SettingsStore& settingsStore;
     std::shared_ptr<SystemMetricsReader> metrics;  ///< never null
     std::shared_ptr<CPUTickSource> ticks;          ///< never null
-    std::shared_ptr<const Locale> locale;          ///< never null
+    /// Null where nothing more is known about a process than its row.
+    std::shared_ptr<ProcessDetailsReader> processDetails = {};
+    std::shared_ptr<const Locale> locale;  ///< never null
     ActionPorts actions;
     ReportPorts reports;
     IntegrationPorts integration = {};
@@ -98,6 +102,7 @@ public:
     SettingsOwner& settingsOwner() { return *settings_; }
     ActivityLog& log() { return *log_; }
     LatestSample& sample() { return *sample_; }
+    ProcessDetails& processDetails() { return *processDetails_; }
     ConfirmationDesk& confirmations() { return *confirmations_; }
     Actions& actions() { return *actions_; }
     Reports& reports() { return *reports_; }
@@ -117,6 +122,7 @@ private:
     Services services_;
     std::map<std::string, AITrustRecord> aiTrustRecords_;
     std::unique_ptr<LatestSample> sample_;
+    std::unique_ptr<ProcessDetails> processDetails_;
     std::unique_ptr<Actions> actions_;
     std::unique_ptr<Reports> reports_;
     std::unique_ptr<Integration> integration_;

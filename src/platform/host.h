@@ -9,6 +9,7 @@
 #include "actions/process_control.h"
 #include "core/places.h"
 #include "sampling/command_safety_policy.h"
+#include "sampling/process_details.h"
 #include "sampling/protection.h"
 #include "sampling/system_cpu_load_reader.h"
 #include "sampling/system_metrics_reader.h"
@@ -25,6 +26,9 @@ const CommandSafetyPolicy::AllowedExecutables& allowedExecutables();
 /// process's limit of open files where the reader keeps many of them open.
 std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher& launcher);
 std::shared_ptr<CPUTickSource> makeTickSource();
+
+/// Null where this system tells nothing more about a process than the table.
+std::shared_ptr<ProcessDetailsReader> makeProcessDetailsReader();
 
 /// Finds and signals processes. `launcher` must outlive it.
 std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher& launcher);

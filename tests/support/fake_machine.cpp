@@ -25,6 +25,7 @@ SystemMonitor& FakeMachine::monitor() {
                          .settingsStore = *settingsStore,
                          .metrics = metrics,
                          .ticks = ticks,
+                         .processDetails = processDetails,
                          .locale = locale,
                          .actions = {actions.ports(), {openActivityMonitor, storeOnPasteboard}},
                          .reports = {reportFolder, atGreenwich},

@@ -13,6 +13,7 @@
 #include "core/settings/settings_store.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
+#include "tests/support/fake_process_details_reader.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
 #include "tests/support/manual_clock.h"
@@ -60,6 +61,7 @@ public:
     SettingsStore* settingsStore = &store;
     std::shared_ptr<FakeMetricsReader> metrics = std::make_shared<FakeMetricsReader>();
     std::shared_ptr<FakeTickSource> ticks = std::make_shared<FakeTickSource>();
+    std::shared_ptr<FakeProcessDetailsReader> processDetails;  ///< null unless a test sets it
     std::shared_ptr<const Locale> locale;  ///< a `PlainLocale`, unless a test has another one
     FakeLocalActions actions;
     FakeNotificationCenter notifications;

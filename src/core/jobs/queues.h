@@ -35,6 +35,7 @@ public:
 /// does not delay another.
 enum class Lane {
     sampling,
+    details,
     actions,
     reports,
     settings,

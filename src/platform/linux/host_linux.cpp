@@ -16,6 +16,7 @@
 #include "platform/linux/pidfd_process_control.h"
 #include "platform/linux/proc_stat_tick_source.h"
 #include "platform/linux/process_identity.h"
+#include "platform/linux/procfs_details_reader.h"
 #include "platform/linux/procfs_metrics_reader.h"
 #include "sampling/proc_parser.h"
 
@@ -32,6 +33,10 @@ std::shared_ptr<SystemMetricsReader> makeMetricsReader(ToolLauncher&) {
 
 std::shared_ptr<CPUTickSource> makeTickSource() {
     return std::make_shared<ProcStatTickSource>();
+}
+
+std::shared_ptr<ProcessDetailsReader> makeProcessDetailsReader() {
+    return std::make_shared<ProcfsDetailsReader>();
 }
 
 std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher&) {

@@ -35,6 +35,10 @@ std::shared_ptr<CPUTickSource> makeTickSource() {
     return std::make_shared<MachTickSource>();
 }
 
+std::shared_ptr<ProcessDetailsReader> makeProcessDetailsReader() {
+    return nullptr;
+}
+
 std::shared_ptr<ProcessControl> makeProcessControl(ToolLauncher& launcher) {
     return std::make_shared<KillTool>(allowedExecutables(), launcher, processStartTime);
 }
