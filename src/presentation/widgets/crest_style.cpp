@@ -54,10 +54,16 @@ void drawButton(QPainter& painter, const QStyleOption& option) {
               option.state & QStyle::State_HasFocus, theme);
 }
 
+/// The width of a button's icon, with the gap before its text.
+int roomForIcon(const QStyleOptionButton& button) {
+    const int gap = button.text.isEmpty() ? 0 : iconGap;
+    return button.icon.isNull() ? 0 : button.iconSize.width() + gap;
+}
+
 void drawButtonLabel(QPainter& painter, const QStyleOptionButton& button, const QWidget* widget) {
     const CrestTheme& theme = CrestTheme::current();
     const int textWidth = button.fontMetrics.horizontalAdvance(button.text);
-    const int iconWidth = button.icon.isNull() ? 0 : button.iconSize.width() + iconGap;
+    const int iconWidth = roomForIcon(button);
     int left = button.rect.center().x() - (iconWidth + textWidth) / 2;
     const bool isEnabled = button.state & QStyle::State_Enabled;
     if (iconWidth > 0) {
@@ -256,8 +262,7 @@ QSize CrestStyle::sizeFromContents(ContentsType type, const QStyleOption* option
     if (type == CT_PushButton) {
         const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
         constexpr int sidePadding = 12;
-        const int iconWidth =
-            button != nullptr && !button->icon.isNull() ? button->iconSize.width() + iconGap : 0;
+        const int iconWidth = button != nullptr ? roomForIcon(*button) : 0;
         const int textWidth =
             button != nullptr ? option->fontMetrics.horizontalAdvance(button->text) : size.width();
         result = {textWidth + iconWidth + 2 * sidePadding, controlHeight};

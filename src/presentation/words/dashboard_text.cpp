@@ -208,9 +208,9 @@ QString warnAt(double threshold) {
     return u"Warn at "_s + percentText(threshold);
 }
 
-QString sortStatus(int visible, Date updated) {
-    return u"Sorted by Impact ↓ · %1 visible processes · updated %2"_s.arg(count(visible),
-                                                                           timeText(updated));
+QString sortStatus(const QString& order, int visible, Date updated) {
+    return u"Sorted by %1 · %2 visible processes · updated %3"_s.arg(order, count(visible),
+                                                                     timeText(updated));
 }
 
 QString timeText(Date date) {

@@ -64,8 +64,8 @@ QString averageAndThreshold(double average, double threshold);
 /// Resident memory: "512 MB" below one GB, else "1.5 GB".
 QString memoryText(double megabytes);
 QString warnAt(double threshold);
-/// "Sorted by Impact ↓ · 120 visible processes · updated 2:03:55 PM"
-QString sortStatus(int visible, Date updated);
+/// "Sorted by Impact ↓ · 120 visible processes · updated 2:03:55 PM", where `order` is "Impact ↓".
+QString sortStatus(const QString& order, int visible, Date updated);
 /// The local time of day to the second: "2:03:55 PM", "14:03:55".
 QString timeText(Date date);
 /// The local time of day in hours and minutes, "2:03 PM"; with the date before it if `now` is on

@@ -5,20 +5,33 @@
 namespace tallowcrest {
 namespace {
 
-bool matches(const ProcessSample& row, const QString& needle) {
-    using dashboard_text::text;
-    return text(row.displayName()).toLower().contains(needle) ||
-           text(row.command).toLower().contains(needle) ||
-           QString::number(row.pid).contains(needle);
+using dashboard_text::text;
+
+bool contains(const std::string& field, const QString& needle) {
+    return text(field).toLower().contains(needle);
+}
+
+bool matches(const ProcessSample& row, const ProcessDetail* detail, const QString& needle) {
+    return text(row.displayName()).toLower().contains(needle) || contains(row.command, needle) ||
+           QString::number(row.pid).contains(needle) ||
+           (detail != nullptr &&
+            (contains(detail->owner, needle) || contains(detail->argument, needle) ||
+             contains(detail->shortName, needle)));
 }
 
 }  // namespace
 
-std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows,
-                                             const QString& filter) {
-    const QString needle = filter.trimmed().toLower();
-    if (!needle.isEmpty()) {
-        std::erase_if(rows, [&needle](const ProcessSample& row) { return !matches(row, needle); });
+bool isBlankFilter(const QString& filter) {
+    return filter.trimmed().isEmpty();
+}
+
+std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows, const QString& filter,
+                                             const DetailOf& detailOf) {
+    if (!isBlankFilter(filter)) {
+        const QString needle = filter.trimmed().toLower();
+        std::erase_if(rows, [&](const ProcessSample& row) {
+            return !matches(row, detailOf ? detailOf(row) : nullptr, needle);
+        });
     }
     return rows;
 }

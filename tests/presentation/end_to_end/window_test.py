@@ -218,8 +218,9 @@ class Processes(ProcessTestCase):
         field = window.find(Atspi.Role.TEXT, "Filter processes")
         field.grab_focus()
         eventually(lambda: window.has_focus(field), "the filter field has the focus")
-        desktop.keys("Tab", "Return")
-        eventually(lambda: [row[0] for row in window.cells()] == [f"{name}, Under review"],
+        desktop.keys("Down", "Return")
+        eventually(lambda: [row[0].split(", ") for row in window.cells()]
+                   == [[name, f"PID {probe.pid}", "600", "Under review"]],
                    "the row is under review")
         window.press(Atspi.Role.PUSH_BUTTON, "Select Top Row")
         window.label(f"Selected {name} from CPU + Memory Processes. No action has run yet.")

@@ -351,11 +351,11 @@ TEST_F(WindowLayoutTest, TabFollowsTheVisualOrder) {
     show900x600();
     goTo(AppRoute::load);
     visible("sidebar.load")->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(
-        tabOrder(10),
-        u"sidebar.load load.select-top load.activity page.refresh "
-        "status.emergency-stop target.choose processes.select-top-row processes.activity-monitor "
-        "processes.filter processes.table"_s);
+    EXPECT_EQ(tabOrder(14),
+              u"sidebar.load load.select-top load.activity page.refresh "
+              "status.emergency-stop target.choose processes.select-top-row processes.activity-monitor "
+              "processes.filter processes.order.process processes.order.cpu "
+              "processes.order.memory processes.order.memory-percent processes.table"_s);
 }
 
 TEST_F(WindowLayoutTest, TheFocusMovesOnWhenItsButtonIsHidden) {

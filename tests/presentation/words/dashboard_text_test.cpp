@@ -197,11 +197,11 @@ TEST(DashboardText, SortStatusHasTheLocalTimeOfTheSample) {
     const Date sampledAt = Date::fromUnixSeconds(1773032635.9);
     {
         const Place place("en_US", "UTC");
-        EXPECT_EQ(dashboard_text::sortStatus(120, sampledAt).simplified(),
+        EXPECT_EQ(dashboard_text::sortStatus(u"Impact ↓"_s, 120, sampledAt).simplified(),
                   u"Sorted by Impact ↓ · 120 visible processes · updated 5:03:55 AM"_s);
     }
     const Place place("de_DE", "Asia/Tokyo");
-    EXPECT_EQ(dashboard_text::sortStatus(0, sampledAt),
+    EXPECT_EQ(dashboard_text::sortStatus(u"Impact ↓"_s, 0, sampledAt),
               u"Sorted by Impact ↓ · 0 visible processes · updated 14:03:55"_s);
 }
 

@@ -56,6 +56,22 @@ TEST(ProcessFilter, KeepsTheRowsThatContainTheText) {
     EXPECT_THAT(filteredProcesses({}, u"a"_s), IsEmpty());
 }
 
+TEST(ProcessFilter, FindsWhatTheDetailsSay) {
+    const ProcessDetail detail{.owner = "Postgres",
+                               .shortName = "comm-name",
+                               .argument = "Job.py",
+                               .commandLine = "--zzz"};
+    const DetailOf ofEditor = [&detail](const ProcessSample& row) {
+        return row.pid == 41 ? &detail : nullptr;
+    };
+    for (const QString& filter : {u"postgres"_s, u"JOB.PY"_s, u"comm-"_s, u"editor"_s}) {
+        EXPECT_THAT(pids(filteredProcesses(table(), filter, ofEditor)), ElementsAre(41))
+            << filter.toStdString();
+    }
+    EXPECT_THAT(filteredProcesses(table(), u"zzz"_s, ofEditor), IsEmpty())
+        << "rows do not show the whole command line";
+}
+
 TEST(ProcessFilter, AVeryLongFilterIsAccepted) {
     const QString filter(10'000, u'x');
     EXPECT_THAT(pidsLeftBy(filter), IsEmpty());

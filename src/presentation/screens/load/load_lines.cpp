@@ -5,21 +5,51 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+QString sense(const ProcessOrder& order) {
+    if (order.column == ProcessColumn::process) {
+        return order.isReversed ? u"Z to A"_s : u"A to Z"_s;
+    }
+    return order.isReversed ? u"lowest first"_s : u"highest first"_s;
+}
+
+}  // namespace
 
 LoadLines loadLines(const LoadFacts& facts) {
     LoadLines lines;
     if (!facts.sampledAt) {
         lines.status = lines.emptyDetail = u"Sampling this Mac..."_s;
     } else {
-        lines.status = dashboard_text::sortStatus(facts.shownRows, *facts.sampledAt);
+        lines.status =
+            dashboard_text::sortStatus(orderName(facts.order), facts.shownRows, *facts.sampledAt);
         lines.emptyDetail = facts.hasProcesses
                                 ? u"No process matches the filter. Clear it to see all."_s
                                 : u"No process could be read in the last sample."_s;
     }
     lines.description = facts.shownRows == 0
                             ? u"Select Process. "_s + lines.emptyDetail
-                            : u"Processes by impact. Return on a row selects it for review."_s;
+                            : u"Processes by %1. Return on a row selects it for review."_s.arg(
+                                  facts.order ? title(facts.order->column) : u"impact"_s);
     return lines;
+}
+
+QString impactOrderEffect() {
+    return u"Returns to the order by CPU and memory impact"_s;
+}
+
+ColumnTitle columnTitle(const std::optional<ProcessOrder>& order, ProcessColumn column) {
+    const QString name = title(column);
+    const QString arrow = orderArrow(order, column);
+    const std::optional<ProcessOrder> next = orderAfterClick(order, column);
+    ColumnTitle shown{.text = name, .spoken = name};
+    if (!arrow.isEmpty()) {
+        shown = {.text = name + u' ' + arrow,
+                 .spoken = name + u", "_s + sense(*order),
+                 .isOrdered = true};
+    }
+    shown.effect = next ? u"Orders by %1, %2"_s.arg(name, sense(*next)) : impactOrderEffect();
+    return shown;
 }
 
 }  // namespace tallowcrest

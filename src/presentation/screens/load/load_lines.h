@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "core/date.h"
+#include "presentation/words/process_order.h"
 
 namespace tallowcrest {
 
@@ -17,12 +18,26 @@ struct LoadLines {
 
 /// What the texts are about.
 struct LoadFacts {
-    std::optional<Date> sampledAt;  ///< absent before the first sample
-    bool hasProcesses = false;      ///< whether the sample has any
-    int shownRows = 0;              ///< how many of them the filter keeps
+    std::optional<Date> sampledAt;           ///< absent before the first sample
+    bool hasProcesses = false;               ///< whether the sample has any
+    int shownRows = 0;                       ///< how many of them the filter keeps
+    std::optional<ProcessOrder> order = {};  ///< absent for the order by impact
 };
 
 /// Main thread.
 LoadLines loadLines(const LoadFacts& facts);
+
+/// The title of a column, which is a button that orders the list.
+struct ColumnTitle {
+    QString text;         ///< "CPU ↓"
+    QString spoken;       ///< the accessible name
+    QString effect = {};  ///< what a click does
+    bool isOrdered = false;
+};
+
+/// What every way back to the order by impact does.
+QString impactOrderEffect();
+
+ColumnTitle columnTitle(const std::optional<ProcessOrder>& order, ProcessColumn column);
 
 }  // namespace tallowcrest

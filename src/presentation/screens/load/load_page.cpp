@@ -1,128 +1,160 @@
 #include "presentation/screens/load/load_page.h"
 
 #include <algorithm>
+#include <utility>
 
-#include <QAction>
+#include <QFontMetrics>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QHideEvent>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "actions/actions.h"
 #include "actions/desktop_actions.h"
 #include "actions/review_target.h"
+#include "core/clock.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/load/load_lines.h"
-#include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/load/order_header.h"
+#include "presentation/screens/load/process_tools.h"
 #include "presentation/screens/shared/process_table_model.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/screens/shared/review_process.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/accessibility.h"
-#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/icon.h"
+#include "presentation/widgets/text_button.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/process_filter.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
+#include "sampling/process_details.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+/// How long the rows keep their places after the last movement of the pointer over them.
+constexpr double holdingSeconds = 1.5;
+/// On a lower page the caption, which explains the order, leaves its line to the rows.
+constexpr int captionPageHeight = 680;
+
+}  // namespace
 
 using dashboard_text::text;
 
 LoadPage::LoadPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
     : Screen(parent), monitor_(monitor), state_(state) {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::pagePadding);
-    auto* card = new Card(this);
-    card->setObjectName(u"processes"_s);
-    card->setMaximumWidth(spacing::widestContent);
-    card->setHeader(u"gauge.with.dots.needle.67percent"_s, text(title(ActivityListMode::load)));
-    card->setCaption(text(subtitle(ActivityListMode::load)));
-    card->contentLayout()->addWidget(makeToolRow());
-    status_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
-    status_->setObjectName(u"processes.sort-status"_s);
-    card->contentLayout()->addWidget(status_);
-
-    model_ = new ProcessTableModel(monitor_.host().protection, this);
-    table_ = new ProcessTableView(card);
-    table_->setObjectName(u"processes.table"_s);
-    table_->setAccessibleName(text(title(ActivityListMode::load)));
-    table_->setModel(model_);
-    connect(table_, &ProcessTableView::reviewRequested, this, &LoadPage::review);
-    card->contentLayout()->addItem(new WholeRowsItem(table_));
-    layout->addWidget(card, 1);
-}
-
-QWidget* LoadPage::makeToolRow() {
-    auto* row = new QWidget(this);
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing::unit);
-
-    auto* selectTopRow = makeButton(u"Select Top Row"_s, u"scope"_s, u"processes.select-top-row"_s,
-                                    u"Selects the first row of the list for review"_s, row);
-    connect(selectTopRow, &QPushButton::clicked, this, [this] {
+    layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::gap);
+    card_ = new Card(this);
+    card_->setObjectName(u"processes"_s);
+    card_->setHeader(u"gauge.with.dots.needle.67percent"_s, text(title(ActivityListMode::load)));
+    card_->setAccessibleDescription(text(subtitle(ActivityListMode::load)));
+    card_->setMaximumWidth(spacing::widestContent);
+    // Every line less above the rows is a row more.
+    card_->layout()->setContentsMargins(spacing::cardPadding, spacing::unit, spacing::cardPadding,
+                                        spacing::unit);
+    card_->layout()->setSpacing(0);
+    card_->contentLayout()->setSpacing(0);
+    tools_ = new ProcessTools(card_);
+    connect(tools_, &ProcessTools::selectTopRowWanted, this, [this] {
         if (monitor_.actions().review.selectFirstProcess(model_->rows()).isAccepted()) {
             showSelection();
         }
     });
-    auto* activityMonitor =
-        makeButton(commands::activityMonitor, u"processes.activity-monitor"_s, row);
-    connect(activityMonitor, &QPushButton::clicked, this,
+    connect(tools_, &ProcessTools::activityMonitorWanted, this,
             [this] { monitor_.actions().applications.openActivityMonitor(); });
-
-    filter_ = new QLineEdit(row);
-    filter_->setObjectName(u"processes.filter"_s);
-    filter_->setPlaceholderText(u"Filter processes"_s);
-    filter_->setAccessibleName(u"Filter processes"_s);
-    filter_->setAccessibleDescription(u"Keeps rows by name, path or PID"_s);
-    filter_->setClearButtonEnabled(true);
-    filter_->setMaxLength(1024);
-    filter_->setMinimumWidth(20 * spacing::unit);
-    filter_->setMaximumWidth(32 * spacing::unit);
-    filter_
-        ->addAction(themedIcon(u"magnifyingglass"_s, &CrestTheme::secondaryText),
-                    QLineEdit::LeadingPosition)
-        ->setText(u"Filter processes"_s);
-    // The built-in clear button has no text.
-    for (QAction* action : filter_->findChildren<QAction*>()) {
-        if (action->text().isEmpty()) {
-            action->setText(u"Clear filter"_s);
-        }
-    }
-    const auto onKey = [this](Qt::Key key, auto handler) {
-        connect(new QShortcut(key, filter_, nullptr, nullptr, Qt::WidgetShortcut),
-                &QShortcut::activated, this, handler);
-    };
-    onKey(Qt::Key_Escape, [this] { filter_->clear(); });
-    onKey(Qt::Key_Down, [this] {
+    connect(tools_, &ProcessTools::filterTyped, this, [this](const QString& typed) {
+        state_.navigation.setProcessFilter(typed.toStdString());
+    });
+    connect(tools_, &ProcessTools::rowsWanted, this, [this] {
         table_->setFocus(Qt::TabFocusReason);
         if (!table_->currentIndex().isValid()) {
             table_->setCurrentIndex(model_->index(0, 0));
         }
     });
-    connect(filter_, &QLineEdit::textChanged, this, [this](const QString& typed) {
-        state_.navigation.setProcessFilter(typed.toStdString());
-    });
+    card_->headerLayout()->addWidget(tools_, 1);
+    card_->contentLayout()->addWidget(makeStatusRow());
+    makeTable();
+    layout->addWidget(card_, 1);
+}
 
-    layout->addWidget(selectTopRow);
-    layout->addWidget(activityMonitor);
+QWidget* LoadPage::makeStatusRow() {
+    auto* row = new QWidget(card_);
+    row->setFixedHeight(TextButton::buttonHeight);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    status_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), row);
+    status_->setObjectName(u"processes.sort-status"_s);
+    impactOrder_ = new TextButton(u"processes.impact-order"_s, &CrestTheme::accentText, row);
+    impactOrder_->setText(u"Impact order"_s);
+    impactOrder_->setAccessibleName(impactOrder_->text());
+    impactOrder_->setAccessibleDescription(impactOrderEffect());
+    impactOrder_->setToolTip(impactOrderEffect());
+    impactOrder_->hide();
+    connect(impactOrder_, &TextButton::clicked, this, [this] {
+        // The focus must not get lost with the button.
+        table_->setFocus();
+        setOrder(std::nullopt);
+    });
+    layout->addWidget(status_);
+    layout->addWidget(impactOrder_);
     layout->addStretch(1);
-    layout->addWidget(filter_, 1);
     return row;
 }
 
+void LoadPage::makeTable() {
+    model_ = new ProcessTableModel(monitor_.host().protection, this);
+    model_->setDetails(
+        [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
+    table_ = new ProcessTableView(card_);
+    table_->setObjectName(u"processes.table"_s);
+    table_->setAccessibleName(text(title(ActivityListMode::load)));
+    table_->horizontalHeader()->hide();
+    table_->setModel(model_);
+    header_ = new OrderHeader(*table_, card_);
+    connect(header_, &OrderHeader::clicked, this,
+            [this](ProcessColumn column) { setOrder(orderAfterClick(order_, column)); });
+    connect(table_, &ProcessTableView::reviewRequested, this, &LoadPage::review);
+    connect(table_, &ProcessTableView::viewMoved, this, &LoadPage::wantDetails);
+    connect(table_, &ProcessTableView::touched, this,
+            [this] { touchedAt_ = monitor_.services().clock.now(); });
+    connect(table_, &ProcessTableView::pointerLeft, this, &LoadPage::releaseRows);
+    card_->contentLayout()->addWidget(header_);
+    card_->contentLayout()->addItem(new WholeRowsItem(table_));
+}
+
+void LoadPage::fold() {
+    card_->setCaption(height() >= captionPageHeight ? text(subtitle(ActivityListMode::load))
+                                                    : QString());
+    const int heading = spacing::iconRegular + spacing::unit +
+                        QFontMetrics(CrestFonts::current().heading)
+                            .horizontalAdvance(text(title(ActivityListMode::load)));
+    tools_->fold(width() - 2 * spacing::pagePadding - 2 * spacing::cardPadding - heading -
+                 2 * spacing::unit);
+}
+
+void LoadPage::resizeEvent(QResizeEvent* event) {
+    Screen::resizeEvent(event);
+    fold();
+}
+
+void LoadPage::changeEvent(QEvent* event) {
+    Screen::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        fold();
+    }
+}
+
 std::vector<Observable*> LoadPage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.actions().review.observable(),
-            &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
+    return {&monitor_.sample().observable(), &monitor_.processDetails().observable(),
+            &monitor_.actions().review.observable(), &monitor_.settingsOwner().observable(),
+            &state_.navigation.observable()};
 }
 
 std::vector<HeaderAction> LoadPage::headerActions() {
@@ -138,19 +170,12 @@ void LoadPage::refresh() {
         followSelection();
     }
     const std::string& filter = state_.navigation.processFilter();
-    if (filter_->text().toStdString() != filter) {
-        filter_->setText(text(filter));
+    if (tools_->filter().toStdString() != filter) {
+        tools_->setFilter(text(filter));
     }
     const std::optional<Date> sampledAt = dashboard_text::sampledAt(snapshot);
-    if (sampledAt && (*sampledAt != shownSample_ || filter != shownFilter_)) {
-        const LatestSample& sample = monitor_.sample();
-        // When the process of the current row ends, the view must not scroll to the next one.
-        table_->setAutoScroll(false);
-        model_->setRows(filteredProcesses(
-            rowsInOrder(sample.latestProcesses(), sample.impactOrder()), text(filter)));
-        table_->setAutoScroll(true);
-        shownSample_ = *sampledAt;
-        shownFilter_ = filter;
+    if (sampledAt) {
+        updateRows(*sampledAt);
     }
     model_->setProtectedAppNames(monitor_.settings().protectedAppNames);
     const ReviewTarget& review = monitor_.actions().review;
@@ -158,21 +183,100 @@ void LoadPage::refresh() {
     model_->setSelectedPID(review.selectedRow() != nullptr ? review.selectedPID() : std::nullopt);
     const auto lines = loadLines({.sampledAt = sampledAt,
                                   .hasProcesses = !monitor_.sample().latestProcesses().empty(),
-                                  .shownRows = model_->rowCount()});
+                                  .shownRows = shownRows_,
+                                  .order = order_});
     status_->setText(lines.status);
     table_->setEmptyDetail(lines.emptyDetail);
     setSpokenDescription(*table_, lines.description);
+    wantDetails();
+}
+
+void LoadPage::updateRows(Date sampledAt) {
+    const ProcessDetails& details = monitor_.processDetails();
+    const std::string& typed = state_.navigation.processFilter();
+    const QString filter = text(typed);
+    const List list{sampledAt, typed, order_, isBlankFilter(filter) ? 0 : details.revision()};
+    if (list != shown_) {
+        const LatestSample& sample = monitor_.sample();
+        std::vector<ProcessSample> rows = orderedProcesses(
+            filteredProcesses(rowsInOrder(sample.latestProcesses(), sample.impactOrder()), filter,
+                              [&details](const ProcessSample& row) { return details.find(row); }),
+            order_);
+        shownRows_ = static_cast<int>(rows.size());
+        areRowsHeld_ = isTouched() && shown_ && shown_->filter == typed && shown_->order == order_;
+        if (areRowsHeld_) {
+            rows = rowsInPlace(model_->rows(), rows);
+        }
+        // When the process of the current row ends, the view must not scroll to the next one.
+        table_->setAutoScroll(false);
+        model_->setRows(std::move(rows));
+        table_->setAutoScroll(true);
+        shown_ = list;
+    }
+    if (details.revision() != shownDetails_) {
+        shownDetails_ = details.revision();
+        model_->showDetails();
+    }
+}
+
+void LoadPage::setOrder(std::optional<ProcessOrder> order) {
+    order_ = order;
+    header_->setOrder(order_);
+    impactOrder_->setVisible(order_.has_value());
+    refresh();
+    table_->scrollToTop();
+}
+
+void LoadPage::wantDetails() {
+    if (!isVisible()) {
+        return;
+    }
+    std::vector<const ProcessSample*> wanted;
+    if (isBlankFilter(tools_->filter())) {
+        const auto [first, last] = table_->rowsInView();
+        for (int row = first; row <= last; ++row) {
+            wanted.push_back(&model_->rows().at(static_cast<std::size_t>(row)));
+        }
+    } else {
+        for (const ProcessSample& row : monitor_.sample().latestProcesses()) {
+            wanted.push_back(&row);
+        }
+    }
+    monitor_.processDetails().want(wanted);
+}
+
+bool LoadPage::isTouched() const {
+    if (table_->isPressed()) {
+        return true;
+    }
+    if (!touchedAt_) {
+        return false;
+    }
+    const double seconds = secondsBetween(*touchedAt_, monitor_.services().clock.now());
+    return seconds >= 0.0 && seconds < holdingSeconds;
+}
+
+void LoadPage::releaseRows() {
+    touchedAt_.reset();
+    if (areRowsHeld_) {
+        shown_.reset();
+        if (isVisible()) {
+            refresh();
+        }
+    }
 }
 
 void LoadPage::followSelection() {
     const auto selected = monitor_.actions().review.selectedPID();
-    const bool isNewSample = monitor_.sample().snapshot()->sampledAt != shownSample_;
+    const bool isNewSample = !shown_ || monitor_.sample().snapshot()->sampledAt != shown_->sample;
     // A selection made by a rule during a sample must not scroll the list while somebody reads it.
     if (selected != shownSelection_ && (isOpening_ || !isNewSample)) {
         isSelectionDue_ = true;
     }
     if (selected && isSelectionDue_) {
-        clearHidingFilter(monitor_.sample(), monitor_.actions().review, state_.navigation);
+        clearHidingFilter(
+            monitor_.sample(), monitor_.actions().review, state_.navigation,
+            [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
     }
     if (selected && (isSelectionDue_ || isOpening_)) {
         // Queued: by then the layout is done and the rows are those of this refresh.
@@ -210,11 +314,11 @@ void LoadPage::hideEvent(QHideEvent* event) {
     Screen::hideEvent(event);
     // Minimising the window keeps the scroll position.
     isOpening_ = isOpening_ || !event->spontaneous();
+    releaseRows();
 }
 
 void LoadPage::focusSearch() {
-    filter_->setFocus(Qt::ShortcutFocusReason);
-    filter_->selectAll();
+    tools_->focusFilter();
 }
 
 void LoadPage::review(const QModelIndex& index) {

@@ -6,15 +6,18 @@
 
 #include "core/date.h"
 #include "presentation/screens/shared/screen.h"
-
-class QLineEdit;
+#include "presentation/words/process_order.h"
 
 namespace tallowcrest {
 
+class Card;
 class ElidedLabel;
+class OrderHeader;
 class ProcessTableModel;
 class ProcessTableView;
+class ProcessTools;
 class SystemMonitor;
+class TextButton;
 struct WindowState;
 
 /// The full process list, in which a process can be selected for review. Nothing can be quit here.
@@ -32,11 +35,34 @@ public:
     void focusSearch() override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
-    QWidget* makeToolRow();
+    /// What the rows are made of: the same again gives the same rows.
+    struct List {
+        Date sample;
+        std::string filter;
+        std::optional<ProcessOrder> order;
+        std::uint64_t details = 0;  ///< their revision, if the filter looks at them
+
+        bool operator==(const List&) const = default;
+    };
+
+    QWidget* makeStatusRow();
+    void makeTable();
+    /// Uses the space of the page: what is only good to know stands where the rows leave room.
+    void fold();
     void review(const QModelIndex& index);
+    void setOrder(std::optional<ProcessOrder> order);
+    void updateRows(Date sampledAt);
+    /// Asks for the details of the rows in view, and of all while a filter searches them.
+    void wantDetails();
+    /// Whether the owner is about to click a row or to press a key on it: no row may move then.
+    bool isTouched() const;
+    /// Lets the rows move that were held in their places.
+    void releaseRows();
     /// Decides whether to scroll to the row under review.
     void followSelection();
     /// Runs once per selection; afterwards the list stays where the owner scrolls it.
@@ -44,12 +70,19 @@ private:
 
     SystemMonitor& monitor_;
     WindowState& state_;
+    Card* card_ = nullptr;
+    ProcessTools* tools_ = nullptr;
+    ElidedLabel* status_ = nullptr;
+    TextButton* impactOrder_ = nullptr;
+    OrderHeader* header_ = nullptr;
     ProcessTableModel* model_ = nullptr;
     ProcessTableView* table_ = nullptr;
-    ElidedLabel* status_ = nullptr;
-    QLineEdit* filter_ = nullptr;
-    std::string shownFilter_;
-    Date shownSample_;
+    std::optional<ProcessOrder> order_;  ///< absent for the order by impact
+    std::optional<List> shown_;
+    int shownRows_ = 0;
+    std::uint64_t shownDetails_ = 0;
+    std::optional<Date> touchedAt_;
+    bool areRowsHeld_ = false;
     std::optional<std::int64_t> shownSelection_;
     bool isOpening_ = true;        ///< the next refresh is the first since the page became visible
     bool isSelectionDue_ = false;  ///< show the selected row even if the filter hides it

@@ -1,5 +1,7 @@
 #include "presentation/screens/shared/process_row_delegate.h"
 
+#include <algorithm>
+
 #include <QAbstractItemView>
 #include <QFontMetrics>
 #include <QMouseEvent>
@@ -9,6 +11,7 @@
 #include "presentation/widgets/figure_text.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/process_words.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,11 +20,15 @@ namespace {
 
 constexpr int cellPadding = spacing::unit;
 constexpr int buttonPadding = 12;
-constexpr int buttonHeight = 24;
+constexpr int buttonHeight = 20;
 constexpr int selectionBarWidth = 3;
-constexpr int markHeight = 18;
+constexpr int markHeight = 16;
 constexpr int markIconSize = 12;
 constexpr int markIconGap = 4;
+/// Enough of a long name to tell it from others. A shorter name is shown whole.
+constexpr int enoughOfName = 96;
+/// A name that is cut to less than this tells more than the note beside it.
+constexpr int leastOfName = 56;
 /// The protected mark without its word.
 constexpr int lockWidth = markIconSize + 2 * spacing::unit;
 
@@ -33,6 +40,12 @@ QRect buttonRect(const QRect& cell) {
     const int width = ProcessRowDelegate::actionWidth() - 2 * cellPadding;
     return {cell.left() + cellPadding, cell.center().y() - buttonHeight / 2 + 1, width,
             buttonHeight};
+}
+
+/// A click just above or below the button is meant for it too.
+QRect hitRect(const QRect& cell) {
+    const QRect button = buttonRect(cell);
+    return {button.left(), cell.top(), button.width(), cell.height()};
 }
 
 void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
@@ -51,11 +64,7 @@ void paintRowBackground(QPainter& painter, const QStyleOptionViewItem& option,
     }
 }
 
-/// Paints the protected mark after the name; returns the room that is left for the name.
-QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
-                         const CrestTheme& theme) {
-    const QFont& font = CrestFonts::current().caption;
-    const QRect mark = ProcessRowDelegate::protectedMark(cell, nameWidth);
+void paintProtectedMark(QPainter& painter, const QRect& mark, const CrestTheme& theme) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(theme.hairline);
     painter.setBrush(Qt::NoBrush);
@@ -66,12 +75,36 @@ QRect paintProtectedMark(QPainter& painter, const QRect& cell, int nameWidth,
                        tintedIcon(u"lock.fill"_s, theme.secondaryText, markIconSize,
                                   painter.device()->devicePixelRatioF()));
     if (mark.width() > lockWidth) {
-        painter.setFont(font);
+        painter.setFont(CrestFonts::current().caption);
         painter.setPen(theme.secondaryText);
         painter.drawText(mark.adjusted(spacing::unit + markIconSize + markIconGap, 0, 0, 0),
                          Qt::AlignLeft | Qt::AlignVCenter, protectedWord());
     }
-    return {cell.left(), cell.top(), mark.left() - spacing::unit - cell.left(), cell.height()};
+}
+
+void paintName(QPainter& painter, const QRect& cell, const QString& name, const QString& note,
+               bool isProtected, const CrestTheme& theme) {
+    const CrestFonts& fonts = CrestFonts::current();
+    const QFontMetrics metrics(fonts.body);
+    const QFontMetrics noteMetrics(fonts.caption);
+    // Advances are rounded, so a text may be wider by a fraction of a pixel.
+    constexpr int rounding = 1;
+    const QString pid = note.section(process_words::separator(), 0, 0);
+    const auto parts =
+        ProcessRowDelegate::nameCell(cell, metrics.horizontalAdvance(name) + rounding,
+                                     noteMetrics.horizontalAdvance(pid) + rounding, isProtected);
+    if (isProtected) {
+        paintProtectedMark(painter, parts.mark, theme);
+    }
+    const int baseline = textBaseline(metrics, cell);
+    painter.setFont(fonts.body);
+    painter.setPen(theme.text);
+    painter.drawText(parts.name.left(), baseline,
+                     metrics.elidedText(name, Qt::ElideMiddle, parts.name.width()));
+    painter.setFont(fonts.caption);
+    painter.setPen(theme.secondaryText);
+    painter.drawText(parts.note.left(), baseline,
+                     noteMetrics.elidedText(note, Qt::ElideRight, parts.note.width()));
 }
 
 void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word, bool isHovered,
@@ -109,8 +142,6 @@ void paintRowRing(QPainter& painter, const QStyleOptionViewItem& option, const Q
 }  // namespace
 
 QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
-    // Enough of a long name to tell it from others. A shorter name is shown whole.
-    constexpr int enoughOfName = 96;
     const QFontMetrics metrics(CrestFonts::current().caption);
     const int wordWidth = markIconGap + metrics.horizontalAdvance(protectedWord());
     const int nameRoom = std::min(nameWidth, enoughOfName) + 2 * spacing::unit;
@@ -118,6 +149,27 @@ QRect ProcessRowDelegate::protectedMark(const QRect& cell, int nameWidth) {
         cell.width() >= nameRoom + lockWidth + wordWidth ? lockWidth + wordWidth : lockWidth;
     const int left = std::min(cell.left() + nameWidth + 2 * spacing::unit, cell.right() - width);
     return {left, cell.center().y() - markHeight / 2 + 1, width, markHeight};
+}
+
+ProcessRowDelegate::NameCell ProcessRowDelegate::nameCell(const QRect& cell, int nameWidth,
+                                                          int keptNote, bool isProtected) {
+    const int gap = spacing::unit;
+    const int mark = isProtected ? lockWidth + 2 * gap : 0;
+    const bool hasRoom = cell.width() >= std::min(nameWidth, leastOfName) + mark + gap + keptNote;
+    const QRect beforeNote = cell.adjusted(0, 0, hasRoom ? -gap - keptNote : 0, 0);
+    NameCell parts{beforeNote, {}, {}};
+    int end = 0;
+    if (isProtected) {
+        parts.mark = protectedMark(beforeNote, nameWidth);
+        parts.name.setRight(parts.mark.left() - gap - 1);
+        end = parts.mark.right() + 1;
+    } else {
+        parts.name.setWidth(std::min(nameWidth, beforeNote.width()));
+        end = parts.name.right() + 1;
+    }
+    parts.note =
+        QRect(end + gap, cell.top(), std::max(0, cell.right() + 1 - end - gap), cell.height());
+    return parts;
 }
 
 int ProcessRowDelegate::actionWidth() {
@@ -133,25 +185,16 @@ void ProcessRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     paintRowBackground(*painter, option, index, index.row() == hoveredRow_, theme);
 
     const QString shown = index.data(Qt::DisplayRole).toString();
-    QRect cell = option.rect.adjusted(cellPadding, 0, -cellPadding, 0);
+    const QRect cell = option.rect.adjusted(cellPadding, 0, -cellPadding, 0);
     if (index.column() == ProcessTableModel::actionColumn) {
         paintReviewButton(*painter, option.rect, shown,
                           option.state.testFlag(QStyle::State_MouseOver), theme);
+    } else if (index.column() == ProcessTableModel::processColumn) {
+        paintName(*painter, cell, shown, index.data(ProcessTableModel::noteRole).toString(),
+                  index.data(ProcessTableModel::isProtectedRole).toBool(), theme);
     } else {
-        const QFont& font = CrestFonts::current().body;
-        const QFontMetrics metrics(font);
-        if (index.data(ProcessTableModel::isProtectedRole).toBool() &&
-            index.column() == ProcessTableModel::processColumn) {
-            cell = paintProtectedMark(*painter, cell, metrics.horizontalAdvance(shown), theme);
-        }
-        painter->setFont(font);
-        if (index.column() == ProcessTableModel::processColumn) {
-            painter->setPen(theme.text);
-            painter->drawText(cell.left(), textBaseline(metrics, cell),
-                              metrics.elidedText(shown, Qt::ElideMiddle, cell.width()));
-        } else {
-            drawFigure(*painter, cell, Qt::AlignRight, shown, theme.text, theme.secondaryText);
-        }
+        painter->setFont(CrestFonts::current().body);
+        drawFigure(*painter, cell, Qt::AlignRight, shown, theme.text, theme.secondaryText);
     }
     painter->setRenderHint(QPainter::Antialiasing, false);
     painter->setPen(theme.hairline);
@@ -174,7 +217,7 @@ bool ProcessRowDelegate::editorEvent(QEvent* event, QAbstractItemModel*,
     }
     const auto* mouse = static_cast<QMouseEvent*>(event);
     if (mouse->button() != Qt::LeftButton ||
-        !buttonRect(option.rect).contains(mouse->position().toPoint())) {
+        !hitRect(option.rect).contains(mouse->position().toPoint())) {
         return false;
     }
     emit reviewRequested(index);

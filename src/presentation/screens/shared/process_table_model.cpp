@@ -6,6 +6,8 @@
 #include "actions/app_group.h"
 #include "presentation/widgets/text_lines.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/process_order.h"
+#include "presentation/words/process_words.h"
 
 using namespace Qt::StringLiterals;
 
@@ -41,10 +43,6 @@ std::vector<ProcessSample> withoutRepeats(std::vector<ProcessSample> rows) {
     seen.reserve(rows.size());
     std::erase_if(rows, [&seen](const ProcessSample& row) { return !seen.insert(row.pid).second; });
     return rows;
-}
-
-QString toolTip(const ProcessSample& row) {
-    return toolTipText(u"PID %1\n"_s.arg(row.pid) + text(row.command));
 }
 
 }  // namespace
@@ -173,9 +171,17 @@ void ProcessTableModel::setProtectedAppNames(const ProtectedAppNames& names) {
         return;
     }
     protectedAppNames_ = names;
+    showDetails();
+}
+
+void ProcessTableModel::showDetails() {
     if (!rows_.empty()) {
         emit dataChanged(index(0, processColumn), index(rowCount() - 1, processColumn));
     }
+}
+
+const ProcessDetail* ProcessTableModel::detailOf(const ProcessSample& row) const {
+    return detailOf_ ? detailOf_(row) : nullptr;
 }
 
 bool ProcessTableModel::isProtectedRow(const ProcessSample& row) const {
@@ -191,6 +197,7 @@ QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) con
     }
     // The rows show this only by a mark and by a colour.
     QStringList words{text(row.displayName())};
+    words.append(process_words::spoken(row, detailOf(row)));
     if (isProtectedRow(row)) {
         words.append(u"Protected"_s);
     }
@@ -209,7 +216,9 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return displayText(row, index.column());
         case Qt::ToolTipRole:
-            return index.column() == processColumn ? QVariant(toolTip(row)) : QVariant();
+            return index.column() == processColumn
+                       ? QVariant(toolTipText(process_words::toolTip(row, detailOf(row))))
+                       : QVariant();
         case Qt::AccessibleTextRole:
             return spokenText(row, index.column());
         case Qt::TextAlignmentRole:
@@ -220,6 +229,8 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
             return isProtectedRow(row);
         case isSelectedRole:
             return selectedPID_ == row.pid;
+        case noteRole:
+            return process_words::note(row, detailOf(row));
         default:
             return {};
     }
@@ -237,18 +248,7 @@ QVariant ProcessTableModel::headerData(int section, Qt::Orientation orientation,
     if (role != Qt::DisplayRole) {
         return {};
     }
-    switch (section) {
-        case processColumn:
-            return u"Process"_s;
-        case cpuColumn:
-            return u"CPU"_s;
-        case memoryColumn:
-            return u"Memory"_s;
-        case memoryPercentColumn:
-            return u"Mem %"_s;
-        default:
-            return u"Action"_s;
-    }
+    return section == actionColumn ? u"Action"_s : title(static_cast<ProcessColumn>(section));
 }
 
 }  // namespace tallowcrest

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <QAbstractTableModel>
 
 #include "core/local_records.h"
+#include "sampling/process_details.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {
@@ -23,6 +25,7 @@ public:
     enum Role {
         isProtectedRole = Qt::UserRole,  ///< bool
         isSelectedRole,                  ///< bool: under review
+        noteRole,                        ///< QString: what tells the process from its namesakes
     };
 
     explicit ProcessTableModel(ProtectionPolicy policy, QObject* parent = nullptr);
@@ -37,6 +40,11 @@ public:
 
     /// Decimals of the memory column, 1 unless set. Must be set before the first rows.
     void setMemoryDecimals(int decimals) { memoryDecimals_ = decimals; }
+
+    /// Where the notes and tool tips find the details of processes; without it they have none. Call
+    /// `showDetails` when it has changed.
+    void setDetails(DetailOf source) { detailOf_ = std::move(source); }
+    void showDetails();
 
     /// The process under review; absent for none.
     void setSelectedPID(std::optional<std::int64_t> pid);
@@ -54,9 +62,11 @@ private:
     QVariant spokenText(const ProcessSample& row, int column) const;
 
     bool isProtectedRow(const ProcessSample& row) const;
+    const ProcessDetail* detailOf(const ProcessSample& row) const;
 
     ProtectionPolicy policy_;
     ProtectedAppNames protectedAppNames_;
+    DetailOf detailOf_;
     int memoryDecimals_ = 1;
     std::vector<ProcessSample> rows_;
     std::optional<std::int64_t> selectedPID_;

@@ -19,9 +19,9 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr int widestName = 420;
-// How far the number columns may grow beyond the width of their figures.
-constexpr int widestSpare = 8 * spacing::unit;
+/// Room for most names with their notes. What is left in a wide window goes to the name and to the
+/// numbers, so that no figure is far from its name.
+constexpr int comfortableName = 420;
 
 }  // namespace
 
@@ -30,8 +30,8 @@ ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
     setItemDelegate(delegate_);
     connect(delegate_, &ProcessRowDelegate::reviewRequested, this,
             &ProcessTableView::reviewRequested);
-    setSelectionMode(QAbstractItemView::NoSelection);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectItems);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // Always there, so that the columns do not move when a filter leaves few rows.
@@ -44,8 +44,9 @@ ProcessTableView::ProcessTableView(QWidget* parent) : QTableView(parent) {
     setWordWrap(false);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(ProcessRowDelegate::rowHeight);
+    // First the minimum: no default may be below it.
     verticalHeader()->setMinimumSectionSize(ProcessRowDelegate::rowHeight);
+    verticalHeader()->setDefaultSectionSize(ProcessRowDelegate::rowHeight);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
     applyTheme();
@@ -57,6 +58,8 @@ void ProcessTableView::setModel(QAbstractItemModel* model) {
     if (model == nullptr) {
         return;
     }
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ProcessTableView::reviewSelected);
     // The row below the pointer may now be another process than the one the tip names.
     const auto endToolTip = [this] {
         if (pointer_) {
@@ -101,23 +104,20 @@ void ProcessTableView::sizeColumns() {
     for (const auto& [column, width] : figures) {
         room -= width;
     }
-    // In a wide window the figures stay near the names: spare width goes to the number columns
-    // first and then to the right of the button.
-    const int nameWidth = std::clamp(room, 0, widestName);
-    const auto more =
-        std::min((room - nameWidth) / static_cast<int>(std::size(figures)), widestSpare);
-    fix(ProcessTableModel::processColumn, nameWidth);
-    int rest = viewport()->width() - nameWidth;
+    const int numbers = static_cast<int>(std::size(figures));
+    const int more = std::max(0, room - comfortableName) / (2 * numbers);
+    fix(ProcessTableModel::processColumn, std::max(0, room - numbers * more));
     for (const auto& [column, width] : figures) {
         fix(column, width + more);
-        rest -= width + more;
     }
-    fix(ProcessTableModel::actionColumn, std::max(rest, ProcessRowDelegate::actionWidth()));
+    fix(ProcessTableModel::actionColumn, ProcessRowDelegate::actionWidth());
+    emit columnsSized();
 }
 
 int ProcessTableView::heightOfRows(int rows) const {
+    const QHeaderView& titles = *horizontalHeader();
     const int header =
-        std::max(horizontalHeader()->minimumHeight(), horizontalHeader()->sizeHint().height());
+        titles.isHidden() ? 0 : std::max(titles.minimumHeight(), titles.sizeHint().height());
     return header + rows * ProcessRowDelegate::rowHeight;
 }
 
@@ -175,9 +175,11 @@ void ProcessTableView::showEvent(QShowEvent* event) {
 void ProcessTableView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     sizeColumns();
+    emit viewMoved();
 }
 
 void ProcessTableView::keyPressEvent(QKeyEvent* event) {
+    emit touched();
     const bool asksForReview = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                                event->key() == Qt::Key_Space;
     if (asksForReview && currentIndex().isValid()) {
@@ -214,18 +216,52 @@ void ProcessTableView::currentChanged(const QModelIndex& current, const QModelIn
 }
 
 bool ProcessTableView::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::MouseMove) {
-        followPointer(static_cast<QMouseEvent*>(event)->position().toPoint());
-    } else if (event->type() == QEvent::Leave) {
-        followPointer(std::nullopt);
+    switch (event->type()) {
+        case QEvent::MouseMove:
+            followPointer(static_cast<QMouseEvent*>(event)->position().toPoint());
+            [[fallthrough]];
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonRelease:
+            isPressed_ = static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
+            emit touched();
+            break;
+        case QEvent::Leave:
+            followPointer(std::nullopt);
+            emit pointerLeft();
+            break;
+        default:
+            break;
     }
     return QTableView::viewportEvent(event);
+}
+
+QItemSelectionModel::SelectionFlags ProcessTableView::selectionCommand(const QModelIndex&,
+                                                                       const QEvent*) const {
+    return QItemSelectionModel::NoUpdate;
+}
+
+void ProcessTableView::reviewSelected(const QItemSelection& selected) {
+    const QModelIndexList cells = selected.indexes();
+    if (!cells.isEmpty()) {
+        // So that the same cell can be selected again.
+        selectionModel()->clearSelection();
+        emit reviewRequested(cells.first());
+    }
+}
+
+std::pair<int, int> ProcessTableView::rowsInView() const {
+    const int last = rowAt(viewport()->height() - 1);
+    const int lastInModel = model() != nullptr ? model()->rowCount() - 1 : -1;
+    // While rows are removed, the view may still have more of them than the model.
+    return {std::max(0, rowAt(0)), last < 0 ? lastInModel : std::min(last, lastInModel)};
 }
 
 void ProcessTableView::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     // The rows move although the pointer does not.
     followPointer(pointer_);
+    emit viewMoved();
 }
 
 void ProcessTableView::followPointer(std::optional<QPoint> place) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
+#include <QItemSelection>
 #include <QPersistentModelIndex>
 #include <QPoint>
 #include <QTableView>
@@ -28,12 +30,26 @@ public:
     /// not even one row fits.
     int wholeRowsHeight(int height) const;
 
+    /// The first and the last row that are at least partly visible; the last one is before the
+    /// first when there are none.
+    std::pair<int, int> rowsInView() const;
+
+    /// Whether a mouse button is down that was pressed on a row.
+    bool isPressed() const { return isPressed_; }
+
     /// The second line of the hint that shows when there are no rows.
     void setEmptyDetail(const QString& detail);
 
 signals:
     /// The owner clicked "Review" on this row, or pressed Return or Space on it.
     void reviewRequested(const QModelIndex& index);
+    /// Other rows may be visible: the view was scrolled or resized.
+    void viewMoved();
+    /// The columns have new places or widths.
+    void columnsSized();
+    /// The owner moved the pointer over the rows, or pressed a key or a mouse button on them.
+    void touched();
+    void pointerLeft();
 
 protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -45,6 +61,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void showEvent(QShowEvent* event) override;
+    /// A click or a key selects nothing: rows are put under review. Only assistive technology
+    /// selects cells, and `reviewSelected` takes that for the same wish.
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     bool viewportEvent(QEvent* event) override;
 
 private:
@@ -54,10 +74,12 @@ private:
     /// pointer is outside.
     void followPointer(std::optional<QPoint> place);
     void updateRow(int row);
+    void reviewSelected(const QItemSelection& selected);
 
     ProcessRowDelegate* delegate_ = nullptr;
     std::optional<QPoint> pointer_;
     QPersistentModelIndex currentWhileHidden_;
+    bool isPressed_ = false;
     QString emptyDetail_;
 };
 

@@ -11,11 +11,11 @@
 namespace tallowcrest {
 
 void clearHidingFilter(const LatestSample& sample, const ReviewTarget& review,
-                       Navigation& navigation) {
+                       Navigation& navigation, const DetailOf& detailOf) {
     const std::optional<std::int64_t> pid = review.selectedPID();
     const ProcessSample* row = pid ? findProcess(sample.latestProcesses(), *pid) : nullptr;
     const QString filter = dashboard_text::text(navigation.processFilter());
-    if (row != nullptr && filteredProcesses({*row}, filter).empty()) {
+    if (row != nullptr && filteredProcesses({*row}, filter, detailOf).empty()) {
         navigation.setProcessFilter({});
     }
 }

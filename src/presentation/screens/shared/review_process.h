@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "sampling/process_details.h"
+
 namespace tallowcrest {
 
 class LatestSample;
@@ -14,8 +16,9 @@ class ReviewTarget;
 void reviewInProcesses(std::int64_t pid, const LatestSample& sample, ReviewTarget& review,
                        Navigation& navigation);
 
-/// Empties the filter of the process list when it hides the process under review. Main thread.
+/// Empties the filter of the process list when it hides the process under review. `detailOf` is
+/// what the filter searches besides the rows; it may be empty. Main thread.
 void clearHidingFilter(const LatestSample& sample, const ReviewTarget& review,
-                       Navigation& navigation);
+                       Navigation& navigation, const DetailOf& detailOf = {});
 
 }  // namespace tallowcrest

@@ -34,5 +34,36 @@ TEST(LoadLines, CountTheRowsInTheFormatOfTheLocale) {
     EXPECT_EQ(lines.description, u"Processes by impact. Return on a row selects it for review."_s);
 }
 
+TEST(LoadLines, NameTheOrderThatTheOwnerChose) {
+    const LoadLines lines = loadLines({.sampledAt = Date{},
+                                       .hasProcesses = true,
+                                       .shownRows = 2,
+                                       .order = ProcessOrder{ProcessColumn::memory}});
+    EXPECT_TRUE(lines.status.startsWith(u"Sorted by Memory ↓ · 2 visible processes · updated "_s));
+    EXPECT_EQ(lines.description, u"Processes by Memory. Return on a row selects it for review."_s);
+}
+
+TEST(LoadLines, AColumnTitleSaysWhatAClickDoes) {
+    std::optional<ProcessOrder> order;
+    const auto click = [&order](ProcessColumn column) {
+        order = orderAfterClick(order, column);
+        return columnTitle(order, column);
+    };
+    const ColumnTitle plain = columnTitle(order, ProcessColumn::cpu);
+    EXPECT_EQ(plain.text, u"CPU"_s);
+    EXPECT_EQ(plain.spoken, u"CPU"_s);
+    EXPECT_EQ(plain.effect, u"Orders by CPU, highest first"_s);
+    EXPECT_FALSE(plain.isOrdered);
+    const ColumnTitle first = click(ProcessColumn::cpu);
+    EXPECT_EQ(first.text, u"CPU ↓"_s);
+    EXPECT_EQ(first.spoken, u"CPU, highest first"_s);
+    EXPECT_EQ(first.effect, u"Orders by CPU, lowest first"_s);
+    EXPECT_TRUE(first.isOrdered);
+    EXPECT_EQ(click(ProcessColumn::cpu).effect, u"Returns to the order by CPU and memory impact"_s);
+    EXPECT_EQ(click(ProcessColumn::process).spoken, u"Process, A to Z"_s);
+    EXPECT_EQ(click(ProcessColumn::process).text, u"Process ↓"_s);
+    EXPECT_EQ(columnTitle(order, ProcessColumn::cpu).text, u"CPU"_s);
+}
+
 }  // namespace
 }  // namespace tallowcrest

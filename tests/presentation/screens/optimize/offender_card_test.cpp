@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 
 #include "presentation/screens/optimize/optimize_lines.h"
+#include "presentation/screens/shared/process_row_delegate.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/summary_card.h"
 #include "tests/presentation/scoped_locale.h"
@@ -138,7 +139,8 @@ TEST_F(OffenderCardTest, AGroupOfThreeHundredShowsEightRows) {
     EXPECT_EQ(helpers()->model()->rowCount(), 300);
     const int height = helpers()->height();
     EXPECT_LT(height, 340);
-    EXPECT_EQ(helpers()->verticalScrollBar()->maximum(), 292 * 32) << "eight whole rows show";
+    EXPECT_EQ(helpers()->verticalScrollBar()->maximum(), 292 * ProcessRowDelegate::rowHeight)
+        << "eight whole rows show";
     const auto widgets = card.findChildren<QWidget*>().size();
     optimize_lines::Offender next = groupOf(300);
     next.target->helpers.front().cpu = 2.0;

@@ -42,20 +42,21 @@ TEST_F(ProcessTableColumnsTest, ColumnsFillTheTable) {
     EXPECT_EQ(width, table().viewport()->width());
 }
 
-TEST_F(ProcessTableColumnsTest, AWideWindowKeepsTheFiguresNearTheNames) {
-    window().resize(1600, 1000);
+TEST_F(ProcessTableColumnsTest, TheColumnsShareTheWidthAtAnySize) {
     showProcesses();
-    EXPECT_EQ(table().columnWidth(ProcessTableModel::processColumn), 420);
-    const int afterFigures = table().columnViewportPosition(ProcessTableModel::actionColumn);
-    EXPECT_LT(afterFigures, table().viewport()->width() * 3 / 4);
-    EXPECT_EQ(afterFigures + table().columnWidth(ProcessTableModel::actionColumn),
-              table().viewport()->width());
-    window().resize(900, 600);
-    settle();
-    EXPECT_LT(table().columnWidth(ProcessTableModel::processColumn), 420);
-    EXPECT_EQ(table().columnViewportPosition(ProcessTableModel::actionColumn) +
-                  ProcessRowDelegate::actionWidth(),
-              table().viewport()->width());
+    for (const int width : {640, 900, 1200, 1600, 2400}) {
+        SCOPED_TRACE(width);
+        window().resize(width, 800);
+        settle();
+        const int whole = table().viewport()->width();
+        EXPECT_EQ(cell(0, ProcessTableModel::actionColumn).right(), whole - 1);
+        EXPECT_EQ(table().columnWidth(ProcessTableModel::actionColumn),
+                  ProcessRowDelegate::actionWidth());
+        const int name = table().columnWidth(ProcessTableModel::processColumn);
+        EXPECT_GT(name, 96);
+        // The figures are not far from a name of ordinary length.
+        EXPECT_LT(name, 420 + whole / 3);
+    }
 }
 
 TEST_F(ProcessTableColumnsTest, TheTableEndsWithAWholeRowAtAnySize) {
@@ -72,6 +73,24 @@ TEST_F(ProcessTableColumnsTest, TheTableEndsWithAWholeRowAtAnySize) {
     table().scrollToBottom();
     settle();
     EXPECT_EQ(cell(model().rowCount() - 1, 0).bottom(), table().viewport()->rect().bottom());
+}
+
+TEST_F(ProcessTableColumnsTest, EveryWindowShowsManyRows) {
+    struct Case {
+        QSize window;
+        int rows;
+    };
+    for (std::int64_t pid = 5000; pid < 5100; ++pid) {
+        machine.addProcess(pid, "/usr/bin/worker", 2.0, 50.0);
+    }
+    showProcesses();
+    for (const Case& each : {Case{{1200, 800}, 20}, Case{{900, 600}, 11}, Case{{640, 480}, 6}}) {
+        window().resize(each.window);
+        settle();
+        ASSERT_EQ(window().size(), each.window);
+        EXPECT_GE(table().viewport()->height() / ProcessRowDelegate::rowHeight, each.rows)
+            << each.window.width();
+    }
 }
 
 TEST_F(ProcessTableColumnsTest, ALongProtectedNameStaysInItsCell) {
@@ -101,6 +120,31 @@ TEST_F(ProcessTableColumnsTest, TheProtectedMarkLeavesRoomForTheName) {
     EXPECT_LE(afterALongName.right(), 8 + 400);
     EXPECT_GE(afterALongName.left(), 8 + 96);
     EXPECT_LE(mark(120, 1000).right(), 8 + 120);
+}
+
+TEST_F(ProcessTableColumnsTest, ANameCellKeepsRoomForItsPID) {
+    constexpr int pid = 40;
+    const auto parts = [](int cellWidth, int nameWidth, bool isProtected) {
+        return ProcessRowDelegate::nameCell(QRect(8, 0, cellWidth, 24), nameWidth, pid,
+                                            isProtected);
+    };
+    const auto shortName = parts(400, 60, false);
+    EXPECT_EQ(shortName.name.width(), 60);
+    EXPECT_TRUE(shortName.mark.isNull());
+    EXPECT_EQ(shortName.note.left(), 8 + 60 + spacing::unit) << "the note follows the name";
+    for (const bool isProtected : {false, true}) {
+        for (const int cellWidth : {200, 400}) {
+            const auto longName = parts(cellWidth, 1000, isProtected);
+            EXPECT_GE(longName.note.width(), pid);
+            EXPECT_EQ(longName.note.right(), 8 + cellWidth - 1);
+            EXPECT_GE(longName.name.width(), 90);
+            EXPECT_LT(longName.name.right(), longName.note.left());
+            EXPECT_EQ(longName.mark.isNull(), !isProtected);
+            EXPECT_LT(longName.mark.right(), longName.note.left());
+        }
+    }
+    EXPECT_EQ(parts(100, 1000, false).note.width(), 0) << "a very narrow cell shows the name";
+    EXPECT_EQ(parts(100, 1000, false).name.width(), 100);
 }
 
 TEST_F(ProcessTableColumnsTest, ColumnsKeepTheirPlaceWithFewRows) {

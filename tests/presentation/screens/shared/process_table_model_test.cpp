@@ -216,13 +216,13 @@ TEST_F(ProcessTableModelTest, ProtectedProcessesAreMarkedAlsoInTheAccessibleText
     EXPECT_TRUE(isProtectedAt(1));
     EXPECT_TRUE(isProtectedAt(2));
     EXPECT_FALSE(isProtectedAt(3));
-    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, Protected"_s);
-    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor"_s);
+    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, PID 1, Protected"_s);
+    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor, PID 90"_s);
     const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
     model.setProtectedAppNames({"editor"});
     EXPECT_EQ(changes.count(), 1);
     EXPECT_TRUE(isProtectedAt(3));
-    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor, Protected"_s);
+    EXPECT_EQ(at(3, 0, Qt::AccessibleTextRole), u"editor, PID 90, Protected"_s);
 }
 
 TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAlsoInTheAccessibleText) {
@@ -235,14 +235,14 @@ TEST_F(ProcessTableModelTest, TheRowUnderReviewIsMarkedAlsoInTheAccessibleText) 
     model.setSelectedPID(90);
     EXPECT_TRUE(isSelectedAt(1));
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_EQ(at(1, 0, Qt::AccessibleTextRole), u"editor, Under review"_s);
+    EXPECT_EQ(at(1, 0, Qt::AccessibleTextRole), u"editor, PID 90, Under review"_s);
     model.setSelectedPID(90);
     EXPECT_EQ(changes.count(), 1) << "nothing changed";
     model.setSelectedPID(1);
     EXPECT_TRUE(isSelectedAt(0));
     EXPECT_FALSE(isSelectedAt(1));
     EXPECT_EQ(changes.count(), 3);
-    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, Protected, Under review"_s);
+    EXPECT_EQ(at(0, 0, Qt::AccessibleTextRole), u"systemd, PID 1, Protected, Under review"_s);
     model.setSelectedPID(std::nullopt);
     EXPECT_FALSE(isSelectedAt(0) || isSelectedAt(1));
     model.setSelectedPID(12345);
@@ -262,6 +262,23 @@ TEST_F(ProcessTableModelTest, TheAccessibleActionNamesItsProcess) {
     model.setRows({processRow(90, "/usr/bin/editor")});
     EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole), u"Review editor"_s);
     EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), u"0.0%"_s);
+}
+
+TEST_F(ProcessTableModelTest, DetailsTellRowsOfTheSameNameApart) {
+    const ProcessDetail detail{
+        .owner = "root", .shortName = "bash", .argument = "a.sh", .commandLine = "bash a.sh -v"};
+    model.setRows({processRow(90, "/bin/bash"), processRow(91, "/bin/bash")});
+    EXPECT_EQ(at(0, 0, ProcessTableModel::noteRole), u"90"_s);
+    model.setDetails([&detail](const ProcessSample& row) -> const ProcessDetail* {
+        return row.pid == 91 ? &detail : nullptr;
+    });
+    const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    model.showDetails();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(at(0, 0, ProcessTableModel::noteRole), u"90"_s);
+    EXPECT_EQ(at(1, 0, ProcessTableModel::noteRole), u"91 · root · a.sh"_s);
+    EXPECT_EQ(at(1, 0, Qt::AccessibleTextRole), u"bash, PID 91, root, a.sh"_s);
+    EXPECT_EQ(at(1, 0, Qt::ToolTipRole), toolTipText(u"PID 91 · root\n/bin/bash\nbash a.sh -v"_s));
 }
 
 TEST_F(ProcessTableModelTest, ToolTipsShowNamesLiterally) {

@@ -1,0 +1,49 @@
+#include "presentation/words/process_words.h"
+
+#include "presentation/words/dashboard_text.h"
+#include "sampling/process_details.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::process_words {
+
+using dashboard_text::text;
+
+namespace {
+
+QStringList ownerAndArgument(const ProcessDetail* detail) {
+    QStringList words;
+    if (detail != nullptr) {
+        words = {text(detail->owner), text(detail->argument)};
+        words.removeAll(QString());
+    }
+    return words;
+}
+
+}  // namespace
+
+QString separator() {
+    return u" · "_s;
+}
+
+QString note(const ProcessSample& row, const ProcessDetail* detail) {
+    return (QStringList(QString::number(row.pid)) + ownerAndArgument(detail)).join(separator());
+}
+
+QStringList spoken(const ProcessSample& row, const ProcessDetail* detail) {
+    return QStringList(u"PID %1"_s.arg(row.pid)) + ownerAndArgument(detail);
+}
+
+QString toolTip(const ProcessSample& row, const ProcessDetail* detail) {
+    QString tip = u"PID %1"_s.arg(row.pid);
+    if (detail != nullptr && !detail->owner.empty()) {
+        tip += separator() + text(detail->owner);
+    }
+    tip += u'\n' + text(row.command);
+    if (detail != nullptr && !detail->commandLine.empty() && detail->commandLine != row.command) {
+        tip += u'\n' + text(detail->commandLine);
+    }
+    return tip;
+}
+
+}  // namespace tallowcrest::process_words
