@@ -15,7 +15,8 @@ constexpr int sidePadding = spacing::unit;
 TextButton::TextButton(const QString& identifier, const ThemeColor& color, QWidget* parent)
     : QAbstractButton(parent), color_(color) {
     setObjectName(identifier);
-    setFocusPolicy(Qt::StrongFocus);
+    // A click is no wish to go on with the keyboard, and would leave the ring there.
+    setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 

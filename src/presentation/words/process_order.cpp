@@ -24,6 +24,8 @@ void orderByName(std::vector<ProcessSample>& rows) {
     named.reserve(rows.size());
     for (ProcessSample& row : rows) {
         QString name = dashboard_text::text(row.displayName()).toCaseFolded();
+        // Otherwise the kernel's threads, named in brackets, would be most of the list's start.
+        name.remove(u'[');
         named.push_back({std::move(name), std::move(row)});
     }
     std::stable_sort(named.begin(), named.end(), [](const Named& a, const Named& b) {

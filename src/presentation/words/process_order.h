@@ -37,7 +37,8 @@ QString orderArrow(const std::optional<ProcessOrder>& order, ProcessColumn colum
 QString orderName(const std::optional<ProcessOrder>& order);
 
 /// The rows, which are in impact order, in another order. Equal figures stay in impact order; rows
-/// of the same name are in the order of their PIDs. Main thread.
+/// of the same name are in the order of their PIDs. Brackets around a name do not count. Main
+/// thread.
 std::vector<ProcessSample> orderedProcesses(std::vector<ProcessSample> rows,
                                             const std::optional<ProcessOrder>& order);
 

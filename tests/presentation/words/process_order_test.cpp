@@ -53,6 +53,11 @@ TEST(ProcessOrder, NumbersBeginWithTheHighestAndEqualOnesStayInImpactOrder) {
 TEST(ProcessOrder, NamesBeginWithAInAnyCaseAndEqualOnesAreInTheOrderOfTheirPIDs) {
     EXPECT_THAT(pidsInOrder(byName), ElementsAre(3, 5, 7, 9));
     EXPECT_THAT(pidsInOrder(reversed(byName)), ElementsAre(9, 7, 5, 3));
+    EXPECT_THAT(pids(orderedProcesses({processRow(1, "[kworker/0:1]"), processRow(2, "/bin/kate"),
+                                       processRow(3, "/bin/less")},
+                                      byName)),
+                ElementsAre(2, 1, 3))
+        << "brackets do not count";
 }
 
 TEST(ProcessOrder, TheThirdClickOnAColumnReturnsToImpact) {

@@ -99,7 +99,9 @@ QWidget* LoadPage::makeStatusRow() {
     impactOrder_->hide();
     connect(impactOrder_, &TextButton::clicked, this, [this] {
         // The focus must not get lost with the button.
-        table_->setFocus();
+        if (impactOrder_->hasFocus()) {
+            table_->setFocus();
+        }
         setOrder(std::nullopt);
     });
     layout->addWidget(status_);

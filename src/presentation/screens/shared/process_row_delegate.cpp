@@ -28,7 +28,7 @@ constexpr int markIconGap = 4;
 /// Enough of a long name to tell it from others. A shorter name is shown whole.
 constexpr int enoughOfName = 96;
 /// A name that is cut to less than this tells more than the note beside it.
-constexpr int leastOfName = 56;
+constexpr int leastOfName = 48;
 /// The protected mark without its word.
 constexpr int lockWidth = markIconSize + 2 * spacing::unit;
 
@@ -103,8 +103,12 @@ void paintName(QPainter& painter, const QRect& cell, const QString& name, const 
                      metrics.elidedText(name, Qt::ElideMiddle, parts.name.width()));
     painter.setFont(fonts.caption);
     painter.setPen(theme.secondaryText);
-    painter.drawText(parts.note.left(), baseline,
-                     noteMetrics.elidedText(note, Qt::ElideRight, parts.note.width()));
+    const QString shown = noteMetrics.elidedText(note, Qt::ElideRight, parts.note.width());
+    // A part of the PID would tell nothing.
+    const bool hasPID = parts.note.width() >= noteMetrics.horizontalAdvance(pid);
+    if (hasPID) {
+        painter.drawText(parts.note.left(), baseline, shown.startsWith(pid) ? shown : pid);
+    }
 }
 
 void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word, bool isHovered,

@@ -94,7 +94,7 @@ void ProcessTableView::sizeColumns() {
     };
     // Wide enough for the largest figures, so that no sample moves a column.
     const QFont& font = CrestFonts::current().body;
-    const int padding = 3 * spacing::unit;
+    const int padding = 2 * spacing::unit;
     const std::pair<int, int> figures[] = {
         {ProcessTableModel::cpuColumn, figuresWidth(font, u"0000.0%"_s) + padding},
         {ProcessTableModel::memoryColumn, figuresWidth(font, u"000,000.0 MB"_s) + padding},

@@ -89,7 +89,11 @@ TEST_F(ProcessOrderPageTest, OneClickLeadsBackToImpact) {
     click("processes.impact-order");
     EXPECT_THAT(shown(), ElementsAre(800, 700, 1));
     EXPECT_EQ(visible("processes.impact-order"), nullptr);
-    EXPECT_TRUE(table().hasFocus());
+    click("processes.order.memory");
+    visible("processes.impact-order")->setFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    EXPECT_EQ(status(), u"Sorted by Impact ↓"_s);
+    EXPECT_TRUE(table().hasFocus()) << "the focus goes on from the hidden button";
 }
 
 TEST_F(ProcessOrderPageTest, EachWindowBeginsWithImpact) {

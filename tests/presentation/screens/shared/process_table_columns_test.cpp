@@ -143,8 +143,8 @@ TEST_F(ProcessTableColumnsTest, ANameCellKeepsRoomForItsPID) {
             EXPECT_LT(longName.mark.right(), longName.note.left());
         }
     }
-    EXPECT_EQ(parts(100, 1000, false).note.width(), 0) << "a very narrow cell shows the name";
-    EXPECT_EQ(parts(100, 1000, false).name.width(), 100);
+    EXPECT_EQ(parts(90, 1000, false).note.width(), 0) << "a very narrow cell shows the name";
+    EXPECT_EQ(parts(90, 1000, false).name.width(), 90);
 }
 
 TEST_F(ProcessTableColumnsTest, ColumnsKeepTheirPlaceWithFewRows) {
