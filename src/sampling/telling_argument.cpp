@@ -82,7 +82,8 @@ std::string shortened(std::string_view text) {
 }
 
 std::string nameOf(std::string_view argument) {
-    if (looksSecret(argument)) {
+    // The number of a descriptor tells nothing.
+    if (looksSecret(argument) || argument.starts_with("/dev/fd/")) {
         return {};
     }
     if (argument.find("://") == std::string_view::npos) {

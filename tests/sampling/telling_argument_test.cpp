@@ -61,6 +61,7 @@ TEST(TellingArgument, IsEmptyWhenNothingTells) {
         {"bash", {}, ""},
         {"bash", {"-i"}, ""},
         {"bash", {"-c"}, ""},
+        {"bash", {"/dev/fd/3"}, ""},
         {"bash", {"-c", ""}, ""},
         {"bash", {""}, ""},
         {"python3", {"-"}, ""},
