@@ -250,6 +250,7 @@ TEST_F(DashboardWindowTest, AScreenOfAnotherRouteDoesNoWork) {
     showWithSample();
     goTo(AppRoute::load);
     const QSignalSpy changes(&model(), &QAbstractItemModel::dataChanged);
+    machine.metrics->processes[0].cpu += 1.0;
     tick();
     EXPECT_EQ(changes.count(), 1) << "the visible screen is updated";
     goTo(AppRoute::overview);
@@ -272,6 +273,7 @@ TEST_F(DashboardWindowTest, AClosedOrMinimisedWindowDoesNoWork) {
         settle();
         const auto expected = changes.count();
         static_cast<void>(paints.take());
+        machine.metrics->processes[0].cpu += 1.0;
         tick();
         tick();
         EXPECT_EQ(changes.count(), expected);

@@ -90,9 +90,9 @@ void paintName(QPainter& painter, const QRect& cell, const QString& name, const 
     // Advances are rounded, so a text may be wider by a fraction of a pixel.
     constexpr int rounding = 1;
     const QString pid = note.section(process_words::separator(), 0, 0);
-    const auto parts =
-        ProcessRowDelegate::nameCell(cell, metrics.horizontalAdvance(name) + rounding,
-                                     noteMetrics.horizontalAdvance(pid) + rounding, isProtected);
+    const int nameWidth = metrics.horizontalAdvance(name) + rounding;
+    const int pidWidth = noteMetrics.horizontalAdvance(pid) + rounding;
+    const auto parts = ProcessRowDelegate::nameCell(cell, nameWidth, pidWidth, isProtected);
     if (isProtected) {
         paintProtectedMark(painter, parts.mark, theme);
     }
@@ -100,15 +100,17 @@ void paintName(QPainter& painter, const QRect& cell, const QString& name, const 
     painter.setFont(fonts.body);
     painter.setPen(theme.text);
     painter.drawText(parts.name.left(), baseline,
-                     metrics.elidedText(name, Qt::ElideMiddle, parts.name.width()));
+                     nameWidth <= parts.name.width()
+                         ? name
+                         : metrics.elidedText(name, Qt::ElideMiddle, parts.name.width()));
+    if (parts.note.width() < pidWidth) {
+        return;
+    }
     painter.setFont(fonts.caption);
     painter.setPen(theme.secondaryText);
     const QString shown = noteMetrics.elidedText(note, Qt::ElideRight, parts.note.width());
     // A part of the PID would tell nothing.
-    const bool hasPID = parts.note.width() >= noteMetrics.horizontalAdvance(pid);
-    if (hasPID) {
-        painter.drawText(parts.note.left(), baseline, shown.startsWith(pid) ? shown : pid);
-    }
+    painter.drawText(parts.note.left(), baseline, shown.startsWith(pid) ? shown : pid);
 }
 
 void paintReviewButton(QPainter& painter, const QRect& cell, const QString& word, bool isHovered,

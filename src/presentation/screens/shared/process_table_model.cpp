@@ -57,12 +57,32 @@ void ProcessTableModel::setRows(std::vector<ProcessSample> rows) {
         appendNew(rows);
     }
     if (haveSameOrder(rows_, rows)) {
-        rows_ = std::move(rows);
+        replaceFigures(std::move(rows));
     } else {
+        // The view paints all rows again.
         reorder(std::move(rows));
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnTotal - 1));
     }
-    if (!rows_.empty()) {
-        emit dataChanged(index(0, 0), index(static_cast<int>(rows_.size()) - 1, columnTotal - 1));
+}
+
+void ProcessTableModel::replaceFigures(std::vector<ProcessSample> rows) {
+    const std::vector<ProcessSample> before = std::exchange(rows_, std::move(rows));
+    const int end = rowCount();
+    const auto isChanged = [&](int row) {
+        const auto place = static_cast<std::size_t>(row);
+        return before[place] != rows_[place];
+    };
+    // Most processes rest: only the rows that did something are painted again.
+    for (int first = 0; first < end; ++first) {
+        if (!isChanged(first)) {
+            continue;
+        }
+        int last = first;
+        while (last + 1 < end && isChanged(last + 1)) {
+            ++last;
+        }
+        emit dataChanged(index(first, 0), index(last, columnTotal - 1));
+        first = last;
     }
 }
 

@@ -58,6 +58,8 @@ private:
     void removeMissing(const std::vector<ProcessSample>& rows);
     void appendNew(const std::vector<ProcessSample>& rows);
     void reorder(std::vector<ProcessSample> rows);
+    /// For rows in the same order.
+    void replaceFigures(std::vector<ProcessSample> rows);
     QVariant displayText(const ProcessSample& row, int column) const;
     QVariant spokenText(const ProcessSample& row, int column) const;
 

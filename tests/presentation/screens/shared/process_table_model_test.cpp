@@ -91,6 +91,23 @@ TEST_F(ProcessTableModelTest, FiguresAreReplacedInPlace) {
     EXPECT_EQ(resets.count() + insertions.count() + removals.count() + layouts.count(), 0);
 }
 
+TEST_F(ProcessTableModelTest, OnlyRowsWithNewFiguresAreAnnounced) {
+    model.setRows(rowsOf({1, 2, 3, 4, 5}));
+    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    model.setRows(rowsOf({1, 2, 3, 4, 5}));
+    EXPECT_EQ(changes.count(), 0);
+    std::vector<ProcessSample> rows = rowsOf({1, 2, 3, 4, 5});
+    for (const std::size_t busy : {1U, 2U, 4U}) {
+        rows[busy].cpu = 5.0;
+    }
+    model.setRows(rows);
+    ASSERT_EQ(changes.count(), 2);
+    EXPECT_EQ(changes[0][0].toModelIndex().row(), 1);
+    EXPECT_EQ(changes[0][1].toModelIndex().row(), 2);
+    EXPECT_EQ(changes[1][0].toModelIndex().row(), 4);
+    EXPECT_EQ(changes[1][1].toModelIndex().row(), 4);
+}
+
 /// New, ended, moved and repeated processes in random sequences with fixed seeds.
 class ProcessTableModelAtRandom : public testing::TestWithParam<unsigned> {};
 
