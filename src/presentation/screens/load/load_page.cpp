@@ -269,10 +269,11 @@ void LoadPage::releaseRows() {
 }
 
 void LoadPage::followSelection() {
-    const auto selected = monitor_.actions().review.selectedPID();
-    const bool isNewSample = !shown_ || monitor_.sample().snapshot()->sampledAt != shown_->sample;
-    // A selection made by a rule during a sample must not scroll the list while somebody reads it.
-    if (selected != shownSelection_ && (isOpening_ || !isNewSample)) {
+    const ReviewTarget& review = monitor_.actions().review;
+    const auto selected = review.selectedPID();
+    const bool isOwners = review.chosenBy() == ReviewTarget::ChosenBy::owner;
+    // A selection made by a rule must not scroll the list while somebody reads it.
+    if (selected != shownSelection_ && (isOpening_ || isOwners)) {
         isSelectionDue_ = true;
     }
     if (selected && isSelectionDue_) {

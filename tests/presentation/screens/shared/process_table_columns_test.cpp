@@ -84,7 +84,7 @@ TEST_F(ProcessTableColumnsTest, EveryWindowShowsManyRows) {
         machine.addProcess(pid, "/usr/bin/worker", 2.0, 50.0);
     }
     showProcesses();
-    for (const Case& each : {Case{{1200, 800}, 20}, Case{{900, 600}, 11}, Case{{640, 480}, 6}}) {
+    for (const Case& each : {Case{{1200, 800}, 21}, Case{{900, 600}, 12}, Case{{640, 480}, 7}}) {
         window().resize(each.window);
         settle();
         ASSERT_EQ(window().size(), each.window);
