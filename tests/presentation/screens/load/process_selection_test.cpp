@@ -2,6 +2,7 @@
 #include <QScrollBar>
 
 #include "actions/actions.h"
+#include "actions/review_target.h"
 #include "core/settings/settings.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -26,7 +27,8 @@ protected:
         machine.store.write(settings_keys::autoSelectKey, false);
         machine.sampleApplied = [this] {
             if (selectedByRule) {
-                machine.monitor().actions().review.selectProcess(row(*selectedByRule));
+                machine.monitor().actions().review.setTarget(*selectedByRule, "idle",
+                                                             ReviewTarget::ChosenBy::rule);
             }
         };
         window().resize(900, 600);
