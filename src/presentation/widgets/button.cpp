@@ -7,6 +7,11 @@
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
+namespace {
+
+constexpr const char* primaryProperty = "isPrimary";
+
+}  // namespace
 
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent) {
@@ -21,6 +26,14 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
         button->setIconSize({spacing::iconSmall, spacing::iconSmall});
     }
     return button;
+}
+
+void makePrimary(QPushButton& button) {
+    button.setProperty(primaryProperty, true);
+}
+
+bool isPrimary(const QWidget* widget) {
+    return widget != nullptr && widget->property(primaryProperty).toBool();
 }
 
 }  // namespace tallowcrest

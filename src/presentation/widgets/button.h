@@ -12,4 +12,10 @@ namespace tallowcrest {
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent);
 
+/// Marks the one button of a page or sheet that is its next step; the style gives it the accent
+/// colour. Main thread.
+void makePrimary(QPushButton& button);
+/// Whether `makePrimary` was called for it. False for null.
+bool isPrimary(const QWidget* widget);
+
 }  // namespace tallowcrest

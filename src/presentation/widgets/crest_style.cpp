@@ -5,6 +5,7 @@
 #include <QStyleFactory>
 #include <QStyleOption>
 
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -26,20 +27,21 @@ QColor blended(const QColor& base, const QColor& over, double amount) {
 }
 
 void drawFrame(QPainter& painter, const QRect& rect, const QColor& fill, bool hasFocus,
-               const CrestTheme& theme) {
+               const CrestTheme& theme, const QColor& outline) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const double inset = hasFocus ? 1.0 : 0.5;
-    painter.setPen(QPen(hasFocus ? theme.accentText : theme.hairline, hasFocus ? 2 : 1));
+    painter.setPen(QPen(hasFocus ? theme.accentText : outline, hasFocus ? 2 : 1));
     painter.setBrush(fill);
     painter.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), controlRadius,
                             controlRadius);
     painter.restore();
 }
 
-void drawButton(QPainter& painter, const QStyleOption& option) {
+void drawButton(QPainter& painter, const QStyleOption& option, const QWidget* widget) {
     constexpr double hoverAmount = 0.05;
     constexpr double pressAmount = 0.12;
+    constexpr double primaryAmount = 0.22;
     const CrestTheme& theme = CrestTheme::current();
     const bool isPressed = option.state & (QStyle::State_Sunken | QStyle::State_On);
     const bool isHovered =
@@ -50,8 +52,12 @@ void drawButton(QPainter& painter, const QStyleOption& option) {
     if (isFlat && amount == 0.0 && !(option.state & QStyle::State_HasFocus)) {
         return;
     }
-    drawFrame(painter, option.rect, blended(theme.cardBackground, theme.text, amount),
-              option.state & QStyle::State_HasFocus, theme);
+    const bool isAccented = isPrimary(widget) && (option.state & QStyle::State_Enabled);
+    const QColor ground = isAccented ? blended(theme.cardBackground, theme.accent, primaryAmount)
+                                     : theme.cardBackground;
+    drawFrame(painter, option.rect, blended(ground, theme.text, amount),
+              option.state & QStyle::State_HasFocus, theme,
+              isAccented ? theme.accent : theme.hairline);
 }
 
 /// The width of a button's icon, with the gap before its text.
@@ -120,11 +126,11 @@ void CrestStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
     const CrestTheme& theme = CrestTheme::current();
     switch (element) {
         case PE_PanelButtonCommand:
-            drawButton(*painter, *option);
+            drawButton(*painter, *option, widget);
             return;
         case PE_PanelLineEdit:
             drawFrame(*painter, option->rect, theme.textFieldBackground,
-                      option->state & State_HasFocus, theme);
+                      option->state & State_HasFocus, theme, theme.hairline);
             return;
         case PE_FrameLineEdit:
             return;

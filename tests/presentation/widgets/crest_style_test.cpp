@@ -2,9 +2,11 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyleOptionButton>
 #include <gtest/gtest.h>
 
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/theme.h"
 
 namespace tallowcrest {
@@ -47,6 +49,32 @@ TEST(PushButton, AFlatOneHasAFrameOnlyUnderThePointerWhilePressedAndWithTheFocus
         EXPECT_EQ(edge(QStyleOptionButton::Flat, state), theme.hairline);
     }
     EXPECT_EQ(edge(QStyleOptionButton::Flat, QStyle::State_HasFocus), theme.accentText);
+}
+
+TEST(PushButton, APrimaryOneHasTheAccentAndLegibleWordsUnlessItIsDisabled) {
+    const CrestStyle style;
+    const CrestTheme& theme = CrestTheme::current();
+    const auto ground = [&](bool primary, QStyle::State state) {
+        QPushButton button;
+        if (primary) {
+            makePrimary(button);
+        }
+        QImage image(80, 32, QImage::Format_RGB32);
+        QPainter painter(&image);
+        QStyleOptionButton option;
+        option.rect = image.rect();
+        option.state = state;
+        style.drawControl(QStyle::CE_PushButtonBevel, &option, &painter, &button);
+        return image.pixelColor(image.rect().center());
+    };
+    const QColor plain = ground(false, QStyle::State_Enabled);
+    for (const QStyle::StateFlag state :
+         {QStyle::State_None, QStyle::State_MouseOver, QStyle::State_Sunken}) {
+        const QColor primary = ground(true, QStyle::State_Enabled | state);
+        EXPECT_NE(primary, plain);
+        EXPECT_GE(contrastRatio(theme.text, primary), 4.5);
+    }
+    EXPECT_EQ(ground(true, QStyle::State_None), ground(false, QStyle::State_None));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
 
@@ -46,10 +47,11 @@ QWidget* CleanupFlowCard::makeActions() {
         actions->addItem(button);
         return button;
     };
-    add({"Suggest Safe Target", "checkmark.shield",
+    makePrimary(*add(
+        {"Suggest Safe Target", "checkmark.shield",
          "Selects an app that is safe to review; asks for a cache purge when memory pressure is "
          "high"},
-        u"cleanup.suggest-safe-target"_s, &CleanupFlowCard::safeTargetWanted);
+        u"cleanup.suggest-safe-target"_s, &CleanupFlowCard::safeTargetWanted));
     add(commands::selectTopApp, u"cleanup.select-top-app"_s, &CleanupFlowCard::topAppWanted);
     purge_ = add(commands::purge, u"cleanup.purge-caches"_s, &CleanupFlowCard::purgeWanted);
     add(commands::activityMonitor, u"cleanup.activity-monitor"_s,

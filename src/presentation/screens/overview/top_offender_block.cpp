@@ -53,6 +53,7 @@ TopOffenderBlock::TopOffenderBlock()
     buttons->setSpacing(spacing::unit);
     cleanup_ = makeButton(u"Review Cleanup Options"_s, QString(),
                           u"overview.review-cleanup-options"_s, u"Goes to Optimize"_s, body());
+    makePrimary(*cleanup_);
     connect(cleanup_, &QPushButton::clicked, this, &TopOffenderBlock::cleanupWanted);
     review_ = makeButton(u"Review"_s, QString(), u"overview.review-top-offender"_s,
                          u"Selects the heaviest process of the heaviest app and "

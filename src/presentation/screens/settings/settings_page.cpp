@@ -13,6 +13,7 @@
 #include "presentation/screens/shared/command_button.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/state/window_state.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
@@ -43,6 +44,7 @@ QWidget* SettingsPage::makeHub() {
     card->contentLayout()->addWidget(hubWords_);
     auto* open =
         makeButton(commands::openSettingsSheet.titled("Open Settings"), u"settings.open"_s, card);
+    makePrimary(*open);
     connect(open, &QPushButton::clicked, this, [this] { state_.navigation.setShowSettings(true); });
     card->contentLayout()->addSpacing(spacing::unit / 2);
     card->contentLayout()->addWidget(open, 0, Qt::AlignLeft);

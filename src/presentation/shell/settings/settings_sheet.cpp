@@ -110,6 +110,7 @@ QWidget* SettingsSheet::makeFoot() {
     lastAction_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto* doneButton =
         makeButton(u"Done"_s, QString(), u"settings.sheet.done"_s, u"Closes the settings"_s, foot);
+    makePrimary(*doneButton);
     doneButton->setDefault(true);
     connect(doneButton, &QPushButton::clicked, this, &SettingsSheet::accept);
     layout->addWidget(lastAction_, 1);
