@@ -71,8 +71,8 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
                                           access == SettingsAccess::readWrite &&
                                           localPublicKey(userAccount().homeDirectory).has_value(),
                                       .readOnly = access == SettingsAccess::readOnly});
-    if (access == SettingsAccess::readWrite && !settings_.isLasting) {
-        monitor_->settingsOwner().setSavingProblem(settings_.problems.front());
+    if (access == SettingsAccess::readWrite && !settings_.savingProblem.empty()) {
+        monitor_->settingsOwner().setSavingProblem(settings_.savingProblem);
     }
 }
 

@@ -56,7 +56,9 @@ void ProcessDetails::want(const std::vector<const ProcessSample*>& rows) {
 void ProcessDetails::beginJobs() {
     while (jobsUnderWay_ < mostJobs && !waiting_.empty()) {
         std::vector<Known> rows;
-        while (rows.size() < rowsPerJob && !waiting_.empty()) {
+        // More at a time of very many, because each job that ends may filter the whole list again.
+        const std::size_t most = std::max(rowsPerJob, waiting_.size() / 16);
+        while (rows.size() < most && !waiting_.empty()) {
             Known begun{std::move(waiting_.back()), std::nullopt};
             waiting_.pop_back();
             known_.insert_or_assign(begun.identity.pid, begun);
@@ -92,15 +94,25 @@ std::vector<ProcessDetails::Known> ProcessDetails::read(ProcessDetailsReader& re
 }
 
 void ProcessDetails::keep(std::vector<Known> rows) {
+    bool isNews = false;
     for (Known& row : rows) {
         const auto found = known_.find(row.identity.pid);
         // By now the pid may be another process's, which is being read as well.
-        if (found != known_.end() && found->second.identity == row.identity) {
+        if (found == known_.end() || !(found->second.identity == row.identity)) {
+            continue;
+        }
+        if (row.detail) {
             found->second.detail = std::move(row.detail);
+            isNews = true;
+        } else {
+            // The next call that asks for it tries again.
+            known_.erase(found);
         }
     }
-    ++revision_;
-    observable_->changed();
+    if (isNews) {
+        ++revision_;
+        observable_->changed();
+    }
 }
 
 }  // namespace tallowcrest

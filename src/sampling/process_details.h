@@ -55,8 +55,8 @@ using DetailOf = std::function<const ProcessDetail*(const ProcessSample&)>;
 /// read for a row that nobody asks for. Main thread.
 class ProcessDetails {
 public:
-    /// Rows that one job reads, and jobs at the same time. A process that hangs its reader costs
-    /// only the details of the rows that are read with it.
+    /// Rows that one job reads at least, and jobs at the same time. A process that hangs its reader
+    /// costs only the details of the rows that are read with it.
     static constexpr std::size_t rowsPerJob = 16;
     static constexpr int mostJobs = 4;
     /// With this many more processes than are asked for, those known are forgotten.
@@ -95,7 +95,7 @@ private:
     };
     struct Known {
         Identity identity;
-        std::optional<ProcessDetail> detail;  ///< absent while it is read and when it cannot be
+        std::optional<ProcessDetail> detail;  ///< absent while it is read
     };
 
     static std::vector<Known> read(ProcessDetailsReader& reader, std::vector<Known> rows,

@@ -31,6 +31,8 @@ constexpr std::array<Interpreter, 8> interpreters{{
     {"mono dotnet lua luajit tclsh wish rscript", "", "", ""},
 }};
 
+constexpr std::string_view blanks = " \t\n\r";
+
 bool isListed(std::string_view list, std::string_view word) {
     for (std::size_t at = list.find(word); at != std::string_view::npos && !word.empty();
          at = list.find(word, at + 1)) {
@@ -55,7 +57,7 @@ const Interpreter* interpreterOf(std::string_view program) {
     return found == interpreters.end() ? nullptr : &*found;
 }
 
-/// Whether a program text follows: "-c", or "-lc" for several short options.
+/// Whether a program text follows: "-c", or "-ce" for several short options.
 bool announcesCode(const Interpreter& interpreter, std::string_view option) {
     constexpr std::size_t mostLetters = 4;
     if (interpreter.code.empty() || option.size() < 2 || option.size() > 1 + mostLetters) {
@@ -63,8 +65,8 @@ bool announcesCode(const Interpreter& interpreter, std::string_view option) {
     }
     const std::string_view letters = option.substr(1);
     return std::all_of(letters.begin(), letters.end(),
-                       [](char c) { return (c >= 'a' && c <= 'z') || c == 'E'; }) &&
-           interpreter.code.find(letters.back()) != std::string_view::npos;
+                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }) &&
+           letters.find_first_of(interpreter.code) != std::string_view::npos;
 }
 
 std::string shortened(std::string_view text) {
@@ -81,21 +83,9 @@ std::string shortened(std::string_view text) {
     return std::string(text);
 }
 
-std::string nameOf(std::string_view argument) {
-    // The number of a descriptor tells nothing.
-    if (looksSecret(argument) || argument.starts_with("/dev/fd/")) {
-        return {};
-    }
-    if (argument.find("://") == std::string_view::npos) {
-        argument = lastPathComponent(argument);
-    }
-    return looksSecret(argument) ? std::string() : shortened(argument);
-}
-
 /// The start of a program text, up to the first word that is an option, whose value may be a
 /// secret, or looks like a secret itself.
 std::string startOfCode(std::string_view code) {
-    constexpr std::string_view blanks = " \t\n\r";
     std::string start;
     for (;;) {
         code.remove_prefix(std::min(code.find_first_not_of(blanks), code.size()));
@@ -106,6 +96,21 @@ std::string startOfCode(std::string_view code) {
         start += (start.empty() ? "" : " ") + std::string(word);
         code.remove_prefix(word.size());
     }
+}
+
+std::string nameOf(std::string_view argument) {
+    // The number of a descriptor tells nothing.
+    if (looksSecret(argument) || argument.starts_with("/dev/fd/")) {
+        return {};
+    }
+    if (argument.find_first_of(blanks) != std::string_view::npos) {
+        // A command line of its own, with options of its own.
+        return startOfCode(argument);
+    }
+    if (argument.find("://") == std::string_view::npos) {
+        argument = lastPathComponent(argument);
+    }
+    return looksSecret(argument) ? std::string() : shortened(argument);
 }
 
 std::string scriptOf(const Interpreter& interpreter, const std::vector<std::string>& arguments) {

@@ -71,13 +71,37 @@ TEST_F(ProcessDetailsTest, AreReadInTheBackgroundForTheRowsThatAreWanted) {
 }
 
 TEST_F(ProcessDetailsTest, AreReadOncePerProcess) {
-    want({row(7), row(9)});
-    want({row(7), row(9)});
+    want({row(7)});
+    want({row(7)});
     finishJobs();
-    want({row(7), row(9)});
+    want({row(7)});
     finishJobs();
-    EXPECT_THAT(reader->read, ElementsAre(7, 9));
+    EXPECT_THAT(reader->read, ElementsAre(7));
     EXPECT_EQ(details.revision(), 1U);
+}
+
+TEST_F(ProcessDetailsTest, WhatCouldNotBeReadIsTriedAgainWithoutANotification) {
+    want({row(9)});
+    finishJobs();
+    EXPECT_EQ(details.revision(), 0U);
+    EXPECT_EQ(services.workQueue.pendingCount(), 0U) << "not before it is asked for again";
+    reader->facts[9].owner = "root";
+    want({row(9)});
+    finishJobs();
+    EXPECT_NE(details.find(row(9)), nullptr);
+    EXPECT_EQ(details.revision(), 1U);
+}
+
+TEST_F(ProcessDetailsTest, VeryManyRowsNotifySeldom) {
+    std::vector<ProcessSample> rows;
+    for (std::int64_t pid = 1000; pid < 4000; ++pid) {
+        reader->facts[pid].owner = "root";
+        rows.push_back(row(pid));
+    }
+    want(rows);
+    finishJobs();
+    EXPECT_EQ(reader->read.size(), 3000U);
+    EXPECT_LE(details.revision(), 64U);
 }
 
 TEST_F(ProcessDetailsTest, AnotherProcessWithThePIDIsReadAgain) {
@@ -142,7 +166,9 @@ TEST_F(ProcessDetailsTest, ForgetsEndedProcessesInTheEnd) {
     finishJobs();
     std::vector<ProcessSample> rows;
     for (std::size_t i = 0; i <= ProcessDetails::mostKept; ++i) {
-        rows.push_back(row(static_cast<std::int64_t>(1000 + i)));
+        const auto pid = static_cast<std::int64_t>(1000 + i);
+        reader->facts[pid] = reader->facts[8];
+        rows.push_back(row(pid));
     }
     want(rows);
     finishJobs();

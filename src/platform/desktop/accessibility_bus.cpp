@@ -62,7 +62,8 @@ QString AccessibilityBus::introspect(const QString& path) const {
 bool AccessibilityBus::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
     if (message.interface() == "org.freedesktop.DBus.Properties"_L1) {
         const QList<QVariant> arguments = message.arguments();
-        if (arguments.size() < 2) {
+        const bool isSet = message.member() == "Set"_L1;
+        if (arguments.size() < (isSet ? 3 : 2)) {
             return bus.send(message.createErrorReply(QDBusError::NotSupported,
                                                      u"Properties can only be read one by one."_s));
         }

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <span>
@@ -37,9 +38,12 @@ std::string accountName(const std::string& accounts, uid_t user) {
     std::array<char, 4096> buffer;
     passwd entry{};
     passwd* found = nullptr;
-    while (file != nullptr &&
-           ::fgetpwent_r(file.get(), &entry, buffer.data(), buffer.size(), &found) == 0) {
-        if (found->pw_uid == user) {
+    int result = 0;
+    // A line that is too long for the buffer is skipped.
+    while (file != nullptr && ((result = ::fgetpwent_r(file.get(), &entry, buffer.data(),
+                                                       buffer.size(), &found)) == 0 ||
+                               result == ERANGE)) {
+        if (result == 0 && found->pw_uid == user) {
             return replacingInvalidUTF8(found->pw_name);
         }
     }
@@ -67,7 +71,12 @@ std::optional<ProcessFacts> ProcfsDetailsReader::readFacts(std::int64_t pid,
         return std::nullopt;
     }
     std::array<char, longestCommandLine> buffer;
-    return ProcessFacts{.arguments = parseCommandLine(readIn(directory, "cmdline", buffer)),
+    const std::string_view commandLine = readIn(directory, "cmdline", buffer);
+    std::vector<std::string> arguments = parseCommandLine(commandLine);
+    if (commandLine.size() == buffer.size() && !arguments.empty()) {
+        arguments.back() += "…";
+    }
+    return ProcessFacts{.arguments = std::move(arguments),
                         .owner = status.st_uid == self_ ? std::string() : ownerName(status.st_uid),
                         .shortName = replacingInvalidUTF8(parsed->name)};
 }

@@ -25,6 +25,9 @@ struct Opening {
 
     void report(std::string_view sentence, std::string_view detail = {}, const Path& keptAs = {}) {
         outcome.problems.push_back(problem::describe(sentence, file, detail, keptAs));
+        if (keptAs.empty() && outcome.savingProblem.empty()) {
+            outcome.savingProblem = outcome.problems.back();
+        }
     }
 
     void reportUnusable(const Finding& finding) {
@@ -69,7 +72,7 @@ struct Opening {
         }
         outcome.store =
             std::make_unique<SqliteSettingsStore>(std::move(database), file, dependencies);
-        outcome.isLasting = true;
+        outcome.savingProblem.clear();
     }
 
     /// `sentence` says why the file is only read; empty when that is intended.

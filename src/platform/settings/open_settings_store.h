@@ -14,7 +14,7 @@ namespace tallowcrest {
 struct OpenedStore {
     std::unique_ptr<SettingsStore> store;  ///< never null
     std::vector<std::string> problems;     ///< one sentence each for the owner
-    bool isLasting = false;                ///< false for a store in memory
+    std::string savingProblem = {};        ///< the one why nothing is stored; empty if it is
 };
 
 /// Opens the settings in `file`, an absolute path; empty when the system does not know the place.

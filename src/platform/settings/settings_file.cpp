@@ -26,7 +26,6 @@ Path withSuffix(Path path, const char* suffix) {
     return path += suffix;
 }
 
-/// Leaves a path alone that has none to withdraw.
 void withdraw(const Path& path) {
     constexpr fs::perms accessOfOthers = fs::perms::group_all | fs::perms::others_all;
     std::error_code error;
@@ -87,7 +86,6 @@ Finding inspect(const Path& file) {
 }
 
 bool hasLog(const Path& file) {
-    // The second one is for file systems without shared memory.
     return std::ranges::any_of(std::array{"-wal", "-journal"}, [&](const char* suffix) {
         std::error_code error;
         return fs::file_size(withSuffix(file, suffix), error) > 0 && !error;

@@ -102,8 +102,7 @@ int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& v
     sqlite3_busy_timeout(database_.connection().get(), lockTimeout);
     const int result = database_.write(key, value);
     if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
-        // Says nothing about the file.
-        return result;
+        return result;  // says nothing about the file
     }
     if (result != SQLITE_OK && !std::exchange(isOutage_, true) && dependencies_.reportOutage) {
         dependencies_.reportOutage(settings_problem::describe(

@@ -164,6 +164,9 @@ void ConfirmationDialog::showTargets(const ConfirmationTargets& targets) {
     const QString processes = confirmation_lines::processes(targets.pids);
     processes_->setText(processes);
     processes_->setVisible(!processes.isEmpty());
+    const QString all = confirmation_lines::processes(targets.pids, targets.pids.size());
+    processes_->setToolTip(all == processes ? QString() : toolTipText(all, 40));
+    processes_->setAccessibleDescription(all == processes ? QString() : all);
     QStringList texts;
     for (const std::string& path : targets.paths) {
         texts.append(dashboard_text::text(path));

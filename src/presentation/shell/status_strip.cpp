@@ -43,6 +43,7 @@ StatusStrip::StatusStrip(SystemMonitor& monitor, QWidget* parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(spacing::pagePadding, 0, spacing::pagePadding, spacing::unit);
     layout->setSpacing(spacing::unit);
+    setAccessibleName(u"Status"_s);
     makeTexts();
     notSaved_ = new Capsule(this);
     notSaved_->setObjectName(u"status.not-saved"_s);

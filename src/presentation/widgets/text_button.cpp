@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/figure_text.h"
 
 namespace tallowcrest {
@@ -14,6 +15,7 @@ constexpr int sidePadding = spacing::unit;
 
 TextButton::TextButton(const QString& identifier, const ThemeColor& color, QWidget* parent)
     : QAbstractButton(parent), color_(color) {
+    installAccessibleButtons();
     setObjectName(identifier);
     // A click is no wish to go on with the keyboard, and would leave the ring there.
     setFocusPolicy(Qt::TabFocus);

@@ -1,5 +1,6 @@
 #include "presentation/widgets/text_lines.h"
 
+#include <algorithm>
 #include <optional>
 
 #include <QFontMetrics>
@@ -13,13 +14,11 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-// More than any label can show.
-constexpr qsizetype longestMeasured = 1000;
-
 constexpr int widestTipLine = 360;
-constexpr int mostTipLines = 12;
 
-QString measurable(const QString& text, Qt::TextElideMode elideMode) {
+QString measurable(const QString& text, int lines, Qt::TextElideMode elideMode) {
+    // More than any label can show.
+    const qsizetype longestMeasured = std::max(1000, lines * 100);
     if (text.size() <= longestMeasured) {
         return text;
     }
@@ -100,7 +99,7 @@ QStringList fittedLines(const QString& text, const QFont& font, int width, int m
     if (text.isEmpty() || width <= 0) {
         return {};
     }
-    QString shown = measurable(text, elideMode);
+    QString shown = measurable(text, maximumLines, elideMode);
     if (maximumLines <= 1) {
         return {QFontMetrics(font).elidedText(shown.replace(u'\n', u' '), elideMode, width)};
     }
@@ -115,10 +114,10 @@ QStringList fittedLines(const QString& text, const QFont& font, int width, int m
     return wrappedLines(shown, font, width, maximumLines);
 }
 
-QString toolTipText(const QString& plain) {
+QString toolTipText(const QString& plain, int mostLines) {
     QStringList lines;
     for (const QString& line :
-         fittedLines(plain, CrestFonts::current().body, widestTipLine, mostTipLines)) {
+         fittedLines(plain, CrestFonts::current().body, widestTipLine, mostLines)) {
         lines.append(line.toHtmlEscaped());
     }
     if (lines.isEmpty()) {

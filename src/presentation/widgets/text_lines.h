@@ -17,7 +17,7 @@ QStringList fittedLines(const QString& text, const QFont& font, int width, int m
                         Qt::TextElideMode elideMode = Qt::ElideRight);
 
 /// `plain` as the text of a tool tip, without markup: wrapped into lines of readable width, and
-/// elided if it is too long for a tip. Main thread.
-QString toolTipText(const QString& plain);
+/// elided if it needs more lines. Main thread.
+QString toolTipText(const QString& plain, int mostLines = 12);
 
 }  // namespace tallowcrest

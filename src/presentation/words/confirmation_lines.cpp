@@ -10,11 +10,11 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest::confirmation_lines {
 
-QString processes(std::span<const std::int64_t> pids) {
+QString processes(std::span<const std::int64_t> pids, std::size_t most) {
     if (pids.empty()) {
         return {};
     }
-    const std::size_t named = std::min(pids.size(), mostPIDs);
+    const std::size_t named = std::min(pids.size(), most);
     QStringList numbers;
     for (const std::int64_t pid : pids.first(named)) {
         // Without separators, as other tools write them.

@@ -68,6 +68,7 @@ TEST_F(ProcfsDetailsReaderTest, ReadsTheStartOfAVeryLongCommandLine) {
     const auto facts = reader(::geteuid()).readFacts(4242, 777);
     ASSERT_TRUE(facts && facts->arguments.size() == 2);
     EXPECT_LT(facts->arguments[1].size(), 10'000U);
+    EXPECT_TRUE(facts->arguments[1].ends_with("x…")) << "the cut is shown";
 }
 
 TEST_F(ProcfsDetailsReaderTest, AKernelThreadHasNoArguments) {

@@ -124,6 +124,8 @@ protected:
 
     /// A store that is not the file serves all the same, and the file does not learn of it.
     void expectMemoryAlone(const OpenedStore& opened) const {
+        EXPECT_EQ(opened.savingProblem,
+                  opened.problems.empty() ? std::string() : opened.problems.front());
         const auto before = contents();
         opened.store->write(settings_keys::autoPurgeKey, true);
         EXPECT_EQ(opened.store->read(settings_keys::autoPurgeKey), SettingsValue(true));
@@ -144,6 +146,7 @@ protected:
             const OpenedStore opened = open();
             ASSERT_NO_FATAL_FAILURE(expectOneProblem(opened, words));
             EXPECT_THAT(opened.problems.front(), ::testing::HasSubstr(name));
+            EXPECT_EQ(opened.savingProblem, "") << "there is a new file";
             expectDefaults(*opened.store);
             EXPECT_TRUE(fileText(file.parent_path() / name) == original);
             opened.store->write(settings_keys::autoPurgeKey, true);

@@ -181,11 +181,10 @@ bool isPartOfField(const QAccessibleInterface& spoken) {
     return qobject_cast<const QToolButton*>(spoken.object()) != nullptr;
 }
 
-/// Qt's cells offer to toggle their selection, which these tables do not have.
+/// Qt's cells offer to toggle their selection, which only those that say "Review" have.
 bool isCellWithoutControl(QAccessibleInterface& spoken) {
     return spoken.role() == QAccessible::Cell &&
-           spoken.actionInterface()->actionNames() ==
-               QStringList(QAccessibleActionInterface::toggleAction());
+           spoken.tableCellInterface()->columnIndex() != ProcessTableModel::actionColumn;
 }
 
 void Rig::collect(QAccessibleInterface& from, std::vector<QAccessibleInterface*>& found) {
@@ -227,6 +226,7 @@ void engageStop(Rig& rig) {
 
 std::vector<Place> places() {
     std::vector<Place> all{{u"without a target"_s, AppRoute::overview, [](Rig&) {}},
+                           {u"processes without a target"_s, AppRoute::load, [](Rig&) {}},
                            {u"under load"_s, AppRoute::overview, raiseLoad}};
     for (const AppRoute route : allAppRoutes) {
         all.push_back({text(rawValue(route)), route, selectTarget});

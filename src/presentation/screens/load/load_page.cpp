@@ -132,8 +132,10 @@ void LoadPage::makeTable() {
 }
 
 void LoadPage::fold() {
-    card_->setCaption(height() >= captionPageHeight ? text(subtitle(ActivityListMode::load))
-                                                    : QString());
+    // The caption says by what the rows are sorted.
+    card_->setCaption(height() >= captionPageHeight && !order_
+                          ? text(subtitle(ActivityListMode::load))
+                          : QString());
     const int heading = spacing::iconRegular + spacing::unit +
                         QFontMetrics(CrestFonts::current().heading)
                             .horizontalAdvance(text(title(ActivityListMode::load)));
@@ -225,6 +227,7 @@ void LoadPage::setOrder(std::optional<ProcessOrder> order) {
     order_ = order;
     header_->setOrder(order_);
     impactOrder_->setVisible(order_.has_value());
+    fold();
     refresh();
     table_->scrollToTop();
 }
@@ -291,6 +294,10 @@ void LoadPage::followSelection() {
 }
 
 void LoadPage::scrollToSelection() {
+    // Another process may have the PID of the one that was selected.
+    if (monitor_.actions().review.selectedRow() == nullptr) {
+        return;
+    }
     const auto& rows = model_->rows();
     const auto selected = std::find_if(rows.begin(), rows.end(), [this](const ProcessSample& row) {
         return row.pid == monitor_.actions().review.selectedPID();

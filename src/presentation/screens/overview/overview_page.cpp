@@ -119,7 +119,9 @@ TopOffenderFacts OverviewPage::offenderFacts() const {
 void OverviewPage::reviewOffender() {
     const auto wanted = topOffender(offenderFacts()).reviewPID;
     if (monitor_.actions().review.selectTopApp().isAccepted() && wanted) {
-        clearHidingFilter(monitor_.sample(), monitor_.actions().review, state_.navigation);
+        clearHidingFilter(
+            monitor_.sample(), monitor_.actions().review, state_.navigation,
+            [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
         state_.navigation.setSelectedRoute(AppRoute::load);
     }
 }

@@ -16,6 +16,9 @@ namespace {
 
 using dashboard_text::text;
 
+/// A tip with a command line may be longer than others.
+constexpr int mostTipLines = 40;
+
 bool haveSameOrder(const std::vector<ProcessSample>& a, const std::vector<ProcessSample>& b) {
     if (a.size() != b.size()) {
         return false;
@@ -237,7 +240,8 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
             return displayText(row, index.column());
         case Qt::ToolTipRole:
             return index.column() == processColumn
-                       ? QVariant(toolTipText(process_words::toolTip(row, detailOf(row))))
+                       ? QVariant(
+                             toolTipText(process_words::toolTip(row, detailOf(row)), mostTipLines))
                        : QVariant();
         case Qt::AccessibleTextRole:
             return spokenText(row, index.column());

@@ -156,6 +156,7 @@ void ProcessTableView::changeEvent(QEvent* event) {
 
 void ProcessTableView::hideEvent(QHideEvent* event) {
     QTableView::hideEvent(event);
+    isPressed_ = false;  // the button is released elsewhere
     // To assistive technology the current cell is the focused one.
     if (currentIndex().isValid()) {
         currentWhileHidden_ = currentIndex();
@@ -226,6 +227,9 @@ bool ProcessTableView::viewportEvent(QEvent* event) {
             isPressed_ = static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
             emit touched();
             break;
+        case QEvent::Wheel:
+            emit touched();
+            break;
         case QEvent::Leave:
             followPointer(std::nullopt);
             emit pointerLeft();
@@ -246,7 +250,9 @@ void ProcessTableView::reviewSelected(const QItemSelection& selected) {
     if (!cells.isEmpty()) {
         // So that the same cell can be selected again.
         selectionModel()->clearSelection();
-        emit reviewRequested(cells.first());
+        if (cells.first().column() == ProcessTableModel::actionColumn) {
+            emit reviewRequested(cells.first());
+        }
     }
 }
 

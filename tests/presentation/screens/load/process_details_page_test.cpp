@@ -22,7 +22,9 @@ protected:
         reader().facts[800] = {{"python3", "/opt/index.py", "--token", "x"}, "photos", "indexer"};
         for (std::int64_t pid = 2000; pid < 2400; ++pid) {
             machine.addProcess(pid, "/usr/bin/bash", 0.0, static_cast<double>(2400 - pid) / 1000);
+            reader().facts[pid] = {{"bash"}, "", "bash"};
         }
+        reader().facts[1] = reader().facts[700] = {{"x"}, "", "x"};
         reader().facts[2399] = {{"bash", "last.sh"}, "", "bash"};
         machine.metrics->processes[0].command = "/usr/bin/python3";
         window().resize(900, 600);
