@@ -97,7 +97,7 @@ TEST_F(CompositionTest, ReadOnlyUseSeesStoredSettingsAndDoesNotChangeThem) {
 TEST_F(CompositionTest, ReadOnlyUseStartsANewTimeline) {
     {
         const OpenedStore opened =
-            openSettingsStore(file, {jobs, clock, SqliteSettingsStore::ReportOutage()});
+            openSettingsStore(file, {jobs, clock, [](const std::string&) {}});
         opened.store->write(settings_keys::thresholdKey, 70.0);
         opened.store->write(settings_keys::historyKey,
                             JSONData{*record_json::encode(std::vector<HistoryPoint>(

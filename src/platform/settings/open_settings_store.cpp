@@ -17,7 +17,6 @@ namespace problem = settings_problem;
 using Dependencies = SqliteSettingsStore::Dependencies;
 using Path = std::filesystem::path;
 
-/// Starts as a store in memory.
 struct Opening {
     Path file;
     OpenedStore outcome{std::make_unique<MemorySettingsStore>(), {}};

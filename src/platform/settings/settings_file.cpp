@@ -70,7 +70,6 @@ std::optional<UniqueFD> lockFolder(const Path& folder) {
 }
 
 Finding inspect(const Path& file) {
-    constexpr std::uintmax_t headerSize = 100;
     std::error_code error;
     const fs::file_type type = fs::status(file, error).type();
     if (type == fs::file_type::not_found) {
@@ -81,7 +80,7 @@ Finding inspect(const Path& file) {
         return {FileState::inaccessible, error.message()};
     }
     const bool isLongEnough =
-        type == fs::file_type::regular && fs::file_size(file, error) >= headerSize;
+        type == fs::file_type::regular && fs::file_size(file, error) >= 100;  // the header
     return {isLongEnough ? FileState::usable : FileState::damaged};
 }
 

@@ -89,7 +89,11 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
     }
     std::erase_if(unsaved_, [key](const auto& entry) { return entry.first == key; });
     retryUnsaved();
-    if (unsaved_.empty() && std::exchange(isOutage_, false) && dependencies_.reportOutage) {
+    // A short value still fits on a full disk.
+    std::error_code error;
+    if (isOutage_ && unsaved_.empty() && dependencies_.reportOutage &&
+        std::filesystem::space(file_, error).available >= 1 << 20) {
+        isOutage_ = false;
         dependencies_.reportOutage({});
     }
     if (logPages_ >= dependencies_.logPages) {

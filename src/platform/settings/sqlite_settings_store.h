@@ -28,9 +28,9 @@ public:
     using ReportOutage = std::function<void(const std::string& problem)>;
 
     struct Dependencies {
-        Jobs& jobs;          ///< outlives the store
-        const Clock& clock;  ///< names files that are put aside
-        ReportOutage reportOutage;
+        Jobs& jobs;                 ///< outlives the store
+        const Clock& clock;         ///< names files that are put aside
+        ReportOutage reportOutage;  ///< may be absent
         /// Of 4 kB: at this size the log is moved. The default is some 10 minutes of samples.
         int logPages = 1024;
     };
@@ -39,8 +39,6 @@ public:
     /// these keys are kept in memory only.
     SqliteSettingsStore(SettingsDatabase database, std::filesystem::path file,
                         const Dependencies& dependencies);
-    SqliteSettingsStore(const SqliteSettingsStore&) = delete;
-    SqliteSettingsStore& operator=(const SqliteSettingsStore&) = delete;
     ~SqliteSettingsStore() override;
 
     std::optional<SettingsValue> read(std::string_view key) const override;

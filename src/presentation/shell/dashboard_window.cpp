@@ -1,5 +1,6 @@
 #include "presentation/shell/dashboard_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHideEvent>
@@ -275,6 +276,12 @@ void DashboardWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange) {
         refreshAll();
+    }
+    // A window manager may give a click's focus to this window, where the keys of an open question
+    // would get lost.
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && modal != nullptr) {
+        modal->activateWindow();
     }
 }
 

@@ -16,7 +16,7 @@ bool matches(const ProcessSample& row, const ProcessDetail* detail, const QStrin
            QString::number(row.pid).contains(needle) ||
            (detail != nullptr &&
             (contains(detail->owner, needle) || contains(detail->argument, needle) ||
-             contains(detail->shortName, needle)));
+             contains(detail->commandLine, needle) || contains(detail->shortName, needle)));
 }
 
 }  // namespace

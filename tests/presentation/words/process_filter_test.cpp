@@ -64,12 +64,10 @@ TEST(ProcessFilter, FindsWhatTheDetailsSay) {
     const DetailOf ofEditor = [&detail](const ProcessSample& row) {
         return row.pid == 41 ? &detail : nullptr;
     };
-    for (const QString& filter : {u"postgres"_s, u"JOB.PY"_s, u"comm-"_s, u"editor"_s}) {
+    for (const QString& filter : {u"postgres"_s, u"JOB.PY"_s, u"comm-"_s, u"editor"_s, u"zzz"_s}) {
         EXPECT_THAT(pids(filteredProcesses(table(), filter, ofEditor)), ElementsAre(41))
             << filter.toStdString();
     }
-    EXPECT_THAT(filteredProcesses(table(), u"zzz"_s, ofEditor), IsEmpty())
-        << "rows do not show the whole command line";
 }
 
 TEST(ProcessFilter, AVeryLongFilterIsAccepted) {

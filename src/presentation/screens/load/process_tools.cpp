@@ -46,7 +46,8 @@ QLineEdit* ProcessTools::makeFilter() {
     field->setObjectName(u"processes.filter"_s);
     field->setPlaceholderText(u"Filter processes"_s);
     field->setAccessibleName(u"Filter processes"_s);
-    field->setAccessibleDescription(u"Keeps rows by name, path, PID, user or argument"_s);
+    field->setAccessibleDescription(
+        u"Keeps rows by name, path, PID, another user or command line"_s);
     field->setClearButtonEnabled(true);
     field->setMaxLength(1024);
     field->setMinimumWidth(20 * spacing::unit);

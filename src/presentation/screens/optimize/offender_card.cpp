@@ -34,6 +34,10 @@ constexpr int narrowestCard = 224;
 constexpr int mostRows = 8;
 
 void showQuit(DangerButton& button, const optimize_lines::QuitButton& shown) {
+    if (!shown.isEnabled && button.hasFocus()) {
+        // Qt would move the focus to the next control, which a key may be about to press.
+        button.clearFocus();
+    }
     button.setEnabled(shown.isEnabled);
     setSpokenDescription(button, shown.description);
     if (const QString words = toolTipText(shown.description); button.toolTip() != words) {

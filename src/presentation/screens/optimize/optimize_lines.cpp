@@ -62,9 +62,12 @@ std::vector<ProcessSample> helperProcesses(const std::vector<ProcessSample>& pro
     return members;
 }
 
-QuitButton quitProcess(std::string_view name, bool isProtected) {
+QuitButton quitProcess(std::string_view name, bool isProtected, bool isRunning) {
     if (name.empty()) {
         return {false, u"Select a process first"_s};
+    }
+    if (!isRunning) {
+        return {false, text(name) + u" is not running any more"_s};
     }
     return isProtected ? QuitButton{false, text(name) + u" is protected from quit actions"_s}
                        : QuitButton{true, u"Asks whether to quit "_s + text(name)};
@@ -90,7 +93,7 @@ Offender offender(const OffenderFacts& facts) {
         return {heading({}),
                 facts.snapshot ? u"Select an app or process to see why it matters."_s
                                : u"Sampling this Mac..."_s,
-                std::nullopt, quitProcess({}, false), quitApp({}, false, 0)};
+                std::nullopt, quitProcess({}, false, false), quitApp({}, false, 0)};
     }
     const SelectedTargetSummary& summary = facts.summary;
     const ProcessSample* row = facts.selectedRow;
@@ -113,7 +116,7 @@ Offender offender(const OffenderFacts& facts) {
     const bool isNeverQuit = target.isNeverQuit;
     return {heading(summary.title),
             row != nullptr ? sentence(*row, summary.isProtected) : text(summary.detail),
-            std::move(target), quitProcess(summary.title, summary.isProtected),
+            std::move(target), quitProcess(summary.title, summary.isProtected, row != nullptr),
             quitApp(group, isNeverQuit, members)};
 }
 

@@ -64,7 +64,7 @@ struct QuitButton {
 };
 
 /// For the process under review. `name` is empty while nothing is selected.
-QuitButton quitProcess(std::string_view name, bool isProtected);
+QuitButton quitProcess(std::string_view name, bool isProtected, bool isRunning);
 
 /// For the group under review, `members` of whose processes may be quit. `group` is absent while
 /// none is selected.

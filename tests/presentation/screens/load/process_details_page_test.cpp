@@ -93,7 +93,9 @@ TEST_F(ProcessDetailsPageTest, TheFilterFindsWhatTheDetailsSayOfAnyRow) {
     EXPECT_TRUE(textOf("processes.sort-status").contains(u"1 visible processes"_s));
     filter("photos");
     EXPECT_THAT(pids(model().rows()), ElementsAre(800));
-    filter("token");
+    filter("--token");
+    EXPECT_THAT(pids(model().rows()), ElementsAre(800)) << "the tool tip tells it";
+    filter("--token x");
     EXPECT_THAT(pids(model().rows()), IsEmpty());
 }
 

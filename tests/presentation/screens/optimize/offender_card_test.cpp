@@ -245,6 +245,19 @@ TEST_F(OffenderCardTest, TheQuitButtonsOnlyAsk) {
     EXPECT_EQ(app.count(), 1);
 }
 
+TEST_F(OffenderCardTest, AQuitButtonThatIsDisabledGivesTheFocusToNoOther) {
+    optimize_lines::Offender shown = offender();
+    shown.quitApp.isEnabled = true;
+    show(shown);
+    card.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(card.window()));
+    quitApp().setFocus();
+    ASSERT_TRUE(quitApp().hasFocus());
+    shown.quitApp.isEnabled = false;
+    show(shown);
+    EXPECT_EQ(QApplication::focusWidget(), nullptr);
+}
+
 TEST_F(OffenderCardTest, NeverQuitHasAnAccessibleState) {
     show(offender());
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&neverQuit());

@@ -252,11 +252,11 @@ TEST_F(CleanupOffenderTest, ADisabledQuitButtonSaysWhy) {
     expectDisabled(offender().quitApp, "Select an app group first");
 }
 
-TEST_F(CleanupOffenderTest, AProcessThatLeftTheSampleMayStillBeAskedAbout) {
+TEST_F(CleanupOffenderTest, AProcessThatLeftTheSampleIsNotToBeQuit) {
     selectedRow = nullptr;
     summary = {.title = "PID 800", .detail = "Not in the sample.", .isProtected = false};
     EXPECT_EQ(offender().quitProcess,
-              (optimize_lines::QuitButton{true, u"Asks whether to quit PID 800"_s}));
+              (optimize_lines::QuitButton{false, u"PID 800 is not running any more"_s}));
 }
 
 }  // namespace
