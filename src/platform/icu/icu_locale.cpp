@@ -66,33 +66,39 @@ std::optional<std::string> formatted(Format format) {
     return result;
 }
 
-/// Null without data for the locale. Its time zone is UTC.
-std::unique_ptr<icu::DateFormat> makeDateFormat(const icu::Locale& locale, const char* skeleton) {
+/// Date and time with the year in full, for which ICU has no style. The letter j stands for the
+/// locale's own hours, of 12 or 24. To find the pattern, ICU reads a megabyte of data, which the
+/// styles below do not need.
+icu::DateFormat* makeDateAndTimeFormat(const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::DateFormat> made(icu::DateFormat::createInstanceForSkeleton(
-        icu::UnicodeString(skeleton, -1, US_INV), locale, status));
-    if (U_FAILURE(status) || made == nullptr) {
-        return nullptr;
-    }
-    made->setTimeZone(*icu::TimeZone::getGMT());
-    return made;
+    return icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString("yMdjm", -1, US_INV),
+                                                      locale, status);
 }
 
-/// A date format, named by the skeleton of its fields; created on first use, since most runs show
-/// no date. Locked, because ICU does not promise that one format can be used on several threads,
-/// and dates are few.
+icu::DateFormat* makeTimeFormat(const icu::Locale& locale) {
+    return icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, locale);
+}
+
+icu::DateFormat* makeShortTimeFormat(const icu::Locale& locale) {
+    return icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale);
+}
+
+/// A date format, created on first use, since most runs show no date. Its time zone is UTC. Locked,
+/// because ICU does not promise that one format can be used on several threads, and dates are few.
 class KeptDateFormat {
 public:
-    explicit KeptDateFormat(const char* skeleton) : skeleton_(skeleton) {}
+    /// `make` returns null without data for the locale.
+    explicit KeptDateFormat(icu::DateFormat* (*make)(const icu::Locale&)) : make_(make) {}
 
     /// Absent without data for the locale.
     std::optional<std::string> format(Date date, const icu::Locale& locale) {
         const std::lock_guard lock(mutex_);
         if (kept_ == nullptr) {
-            kept_ = makeDateFormat(locale, skeleton_);
-        }
-        if (kept_ == nullptr) {
-            return std::nullopt;
+            kept_.reset(make_(locale));
+            if (kept_ == nullptr) {
+                return std::nullopt;
+            }
+            kept_->setTimeZone(*icu::TimeZone::getGMT());
         }
         constexpr double millisecondsInSecond = 1000.0;
         icu::UnicodeString text;
@@ -103,7 +109,7 @@ public:
     }
 
 private:
-    const char* skeleton_;
+    icu::DateFormat* (*make_)(const icu::Locale&);
     std::mutex mutex_;
     std::unique_ptr<icu::DateFormat> kept_;
 };
@@ -180,10 +186,9 @@ struct IcuLocale::Tables {
     std::unique_ptr<icu::Collator> keptCollator;
     std::array<std::once_flag, keptFormatters> formatterOnce;
     std::array<LocalizedNumberFormatter, keptFormatters> formatters;
-    // The letter j stands for the locale's own hours, of 12 or 24.
-    KeptDateFormat dateAndTime{"yMdjm"};
-    KeptDateFormat timeOfDay{"jms"};
-    KeptDateFormat hoursAndMinutes{"jm"};
+    KeptDateFormat dateAndTime{makeDateAndTimeFormat};
+    KeptDateFormat timeOfDay{makeTimeFormat};
+    KeptDateFormat hoursAndMinutes{makeShortTimeFormat};
 };
 
 IcuLocale::IcuLocale(const LocaleNames& names, UTCOffset utcOffset)
