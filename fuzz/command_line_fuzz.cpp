@@ -39,7 +39,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::string& argument : arguments) {
         if (!argument.starts_with('-')) {
             const std::string shown = commandLineText({"tool", "--password", argument, "x"});
-            require(shown == "tool --password (hidden) x");
+            // A word such as "token" hides what follows it as well.
+            const bool hidesNext = commandLineText({"tool", argument, "x"}).ends_with(" (hidden)");
+            require(shown == (hidesNext ? "tool --password (hidden) (hidden)"
+                                        : "tool --password (hidden) x"));
         }
         require(commandLineText({"tool", "--password=x" + argument}) == "tool --password=(hidden)");
         require(tellingArgument("tool", {"tool", "--password", argument}).empty() ||

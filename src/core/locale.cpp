@@ -14,13 +14,7 @@ namespace tallowcrest {
 namespace {
 
 std::string lowered(std::string_view bytes) {
-    std::string text = replacingInvalidUTF8(bytes);
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return text;
+    return loweredASCII(replacingInvalidUTF8(bytes));
 }
 
 /// To the nearest, halves away from zero; a zero without a sign.

@@ -172,6 +172,16 @@ std::string replacingControlCharacters(std::string_view text, std::string_view r
     return result;
 }
 
+std::string loweredASCII(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return result;
+}
+
 std::string_view trimmingWhiteSpace(std::string_view text) {
     while (const std::size_t length = leadingWhiteSpaceLength(text)) {
         text.remove_prefix(length);

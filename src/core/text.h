@@ -24,6 +24,9 @@ std::string replacingInvalidUTF8(std::string_view bytes);
 /// name, even one that looks like a whole line of our own.
 std::string replacingControlCharacters(std::string_view text, std::string_view replacement);
 
+/// `text` with the letters A to Z in lower case, and other bytes unchanged.
+std::string loweredASCII(std::string_view text);
+
 /// `text` without the ASCII and Unicode white space at its two ends, line ends and no-break spaces
 /// included. Zero-width characters are not white space. A view into `text`, which need not be valid
 /// UTF-8.

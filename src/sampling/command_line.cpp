@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <initializer_list>
 
 #include "core/local_records.h"
 #include "core/text.h"
@@ -34,13 +33,6 @@ bool isNameCharacter(char c) {
 }
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return isUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
 }
 
 /// Whether a name that names a secret stands before a ':' or '=' that has something after it.
@@ -145,19 +137,36 @@ bool takesSecret(std::string_view option, std::string_view value, std::string_vi
     return program == "ssh-keygen" && option == "-N";
 }
 
-/// Whether a secret follows the first letter of an option without a blank.
+/// Programs with a way of their own to be given a secret, by the start of their names.
+struct SecretTaker {
+    std::string_view program;
+    char option;  ///< a secret follows it without a blank
+};
+
+constexpr std::array<SecretTaker, 7> secretTakers{{{"mysql", 'p'},
+                                                   {"mariadb", 'p'},
+                                                   {"sshpass", 'p'},
+                                                   {"7z", 'p'},
+                                                   {"ldap", 'w'},
+                                                   {"redis-cli", 'a'},
+                                                   {"ssh-keygen", 'N'}}};
+
+/// Null for other programs.
+const SecretTaker* secretTaker(std::string_view program) {
+    const auto found = std::find_if(
+        secretTakers.begin(), secretTakers.end(),
+        [program](const SecretTaker& each) { return program.starts_with(each.program); });
+    return found == secretTakers.end() ? nullptr : &*found;
+}
+
+/// Whether a secret follows the letter of an option without a blank.
 bool hasAttachedSecret(std::string_view argument, std::string_view program) {
     if (argument.size() < 3 || argument.front() != '-') {
         return false;
     }
-    const auto takes = [&](char letter, std::initializer_list<std::string_view> programs) {
-        return argument[1] == letter &&
-               std::any_of(programs.begin(), programs.end(),
-                           [program](std::string_view each) { return program.starts_with(each); });
-    };
+    const SecretTaker* taker = secretTaker(program);
     const bool isUser = argument[1] == 'u' || argument[1] == 'U';
-    return takes('p', {"mysql", "mariadb", "sshpass", "7z"}) || takes('w', {"ldap"}) ||
-           takes('a', {"redis-cli"}) ||
+    return (taker != nullptr && argument[1] == taker->option) ||
            (isUser && argument.find_first_of(userSeparators) != std::string_view::npos);
 }
 
@@ -221,7 +230,7 @@ bool namesSecret(std::string_view name) {
     if (start == std::string_view::npos) {
         return false;
     }
-    std::string plain = lowered(name.substr(start));
+    std::string plain = loweredASCII(name.substr(start));
     const auto is = [&plain](std::string_view word) { return plain == word; };
     const auto ends = [&plain](std::string_view word) { return plain.ends_with(word); };
     if (std::any_of(secretNames.begin(), secretNames.end(), is) ||
@@ -246,9 +255,13 @@ std::string commandLineText(const std::vector<std::string>& arguments) {
     // The path of a program is no secret. With blanks it is a title that the program has set.
     const std::vector<std::string> words = wordsOf(arguments.front());
     std::string line = words.size() > 1 ? commandLineText(words) : arguments.front();
-    const std::string_view program = lastPathComponent(arguments.front());
+    std::string_view program = lastPathComponent(arguments.front());
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         line += ' ' + withoutSecret(arguments[i], arguments[i - 1], program);
+        // Behind "sudo" or "exec" stands another program.
+        if (const std::string_view name = lastPathComponent(arguments[i]); secretTaker(name)) {
+            program = name;
+        }
     }
     return line;
 }

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/local_records.h"
+#include "core/text.h"
 #include "sampling/command_line.h"
 
 namespace tallowcrest {
@@ -47,10 +48,8 @@ bool isListed(std::string_view list, std::string_view word) {
 const Interpreter* interpreterOf(std::string_view program) {
     // "python3.11" is Python.
     const std::size_t end = program.find_last_not_of("0123456789.");
-    std::string name(program.substr(0, end == std::string_view::npos ? 0 : end + 1));
-    std::transform(name.begin(), name.end(), name.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    const std::string name =
+        loweredASCII(program.substr(0, end == std::string_view::npos ? 0 : end + 1));
     const auto found =
         std::find_if(interpreters.begin(), interpreters.end(),
                      [&name](const Interpreter& each) { return isListed(each.names, name); });

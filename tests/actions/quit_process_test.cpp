@@ -171,31 +171,23 @@ TEST_F(QuitProcess, APidUnusedAtTheRequestIsNotSignalledLater) {
 }
 
 TEST_F(QuitProcess, AProcessThatIsGoneAndNeverHadAStartTimeIsNotSignalled) {
-    addProcess(700, "/usr/bin/editor").startTime = 0;
-    takeSample();
-    selectFirst();
-    rows.clear();
-    takeSample();
-    reusePid(700);
-    actions.requestQuitSelectedProcess();
-    EXPECT_THAT(confirmations.targets().paths, ElementsAre("/usr/bin/editor"));
-    confirm();
-    expectRecorded(blocked);
-    EXPECT_THAT(ports.processes->signalled, IsEmpty());
-}
-
-TEST_F(QuitProcess, AProcessThatIsGoneAndHadNeitherACommandNorAStartTimeIsNotSignalled) {
-    addProcess(700, "").startTime = 0;
-    takeSample();
-    selectFirst();
-    rows.clear();
-    takeSample();
-    reusePid(700);
-    actions.requestQuitSelectedProcess();
-    EXPECT_THAT(confirmations.targets().paths, IsEmpty());
-    confirm();
-    expectRecorded(blocked);
-    EXPECT_THAT(ports.processes->signalled, IsEmpty());
+    for (const char* command : {"/usr/bin/editor", ""}) {
+        addProcess(700, command).startTime = 0;
+        takeSample();
+        selectFirst();
+        rows.clear();
+        takeSample();
+        reusePid(700);
+        actions.requestQuitSelectedProcess();
+        EXPECT_EQ(confirmations.targets().paths, *command == '\0'
+                                                     ? std::vector<std::string>()
+                                                     : std::vector<std::string>{command});
+        confirm();
+        expectRecorded(blocked);
+        EXPECT_THAT(ports.processes->signalled, IsEmpty());
+        rows.clear();
+        log.clearActivityLog();
+    }
 }
 
 TEST_F(QuitProcess, ASampleDoesNotChangeThePendingRequest) {

@@ -6,11 +6,13 @@
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <span>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "core/text.h"
 #include "platform/base/unique_fd.h"
@@ -35,15 +37,18 @@ std::string accountName(const std::string& accounts, uid_t user) {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
     const std::unique_ptr<std::FILE, Close> file(std::fopen(accounts.c_str(), "re"));
-    std::array<char, 4096> buffer;
+    constexpr std::size_t largestBuffer = 1 << 20;
+    std::vector<char> buffer(4096);
     passwd entry{};
     passwd* found = nullptr;
     int result = 0;
-    // A line that is too long for the buffer is skipped.
     while (file != nullptr && ((result = ::fgetpwent_r(file.get(), &entry, buffer.data(),
                                                        buffer.size(), &found)) == 0 ||
-                               result == ERANGE)) {
-        if (result == 0 && found->pw_uid == user) {
+                               (result == ERANGE && buffer.size() < largestBuffer))) {
+        if (result == ERANGE) {
+            // The next call reads the same line again.
+            buffer.resize(buffer.size() * 2);
+        } else if (found->pw_uid == user) {
             return replacingInvalidUTF8(found->pw_name);
         }
     }

@@ -10,8 +10,8 @@
 namespace tallowcrest {
 namespace {
 
-bool isBusy(int result) {
-    return (result & 0xFF) == SQLITE_BUSY;
+bool isOfKind(int kind, int result) {
+    return (result & 0xFF) == kind;
 }
 
 /// Lets the last connection that closes move the log into the file.
@@ -81,9 +81,8 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
     }
     if (result != SQLITE_OK) {
         unsaved_.insert_or_assign(std::string(key), value);
-        if (!isBusy(result)) {
-            // On a full disk the log may take all the room that there is.
-            moveLogInBackground();
+        if (!isOfKind(SQLITE_BUSY, result)) {
+            moveLogInBackground();  // on a full disk it may take all the room that there is
         }
         return;
     }
@@ -92,8 +91,8 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
     // A short value still fits on a full disk.
     std::error_code error;
     if (isOutage_ && unsaved_.empty() && dependencies_.reportOutage &&
-        std::filesystem::space(file_, error).available >= 1 << 20) {
-        isOutage_ = false;
+        (!isFull_ || std::filesystem::space(file_, error).available >= 1 << 20)) {
+        isOutage_ = isFull_ = false;
         dependencies_.reportOutage({});
     }
     if (logPages_ >= dependencies_.logPages) {
@@ -112,16 +111,16 @@ int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& v
         dependencies_.reportOutage(settings_problem::describe(
             settings_problem::cannotBeSaved, file_, database_.connection().message()));
     }
-    isLocked_ = isBusy(result);
+    isFull_ = isFull_ || isOfKind(SQLITE_FULL, result);
+    isLocked_ = isOfKind(SQLITE_BUSY, result);
     return result;
 }
 
 void SqliteSettingsStore::retryUnsaved() {
     for (auto entry = unsaved_.begin(); entry != unsaved_.end();) {
         const int result = tryToWrite(entry->first, entry->second);
-        if (isBusy(result)) {
-            // The others would wait for the same lock.
-            return;
+        if (isOfKind(SQLITE_BUSY, result)) {
+            return;  // the others would wait for the same lock
         }
         entry = result == SQLITE_OK ? unsaved_.erase(entry) : std::next(entry);
     }

@@ -61,6 +61,7 @@ private:
     std::map<std::string, SettingsValue, std::less<>> unsaved_;
     std::map<std::string, std::optional<SettingsValue>, std::less<>> inMemory_;
     bool isOutage_ = false;
+    bool isFull_ = false;  ///< during an outage: the disk was full
     bool isLocked_ = false;
     JobScope jobs_;
 };

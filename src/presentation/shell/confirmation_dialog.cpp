@@ -165,8 +165,9 @@ void ConfirmationDialog::showTargets(const ConfirmationTargets& targets) {
     processes_->setText(processes);
     processes_->setVisible(!processes.isEmpty());
     const QString all = confirmation_lines::processes(targets.pids, targets.pids.size());
-    processes_->setToolTip(all == processes ? QString() : toolTipText(all, 40));
-    processes_->setAccessibleDescription(all == processes ? QString() : all);
+    const QString unshown = all == processes ? QString() : all;
+    processes_->setToolTip(toolTipText(unshown, 40));
+    processes_->setAccessibleDescription(unshown);
     QStringList texts;
     for (const std::string& path : targets.paths) {
         texts.append(dashboard_text::text(path));

@@ -196,7 +196,6 @@ void MenuBarPanel::toggleAt(const QPoint& anchor) {
     // No command has the focus until a key is pressed.
     setFocus(Qt::PopupFocusReason);
     commands_->verticalScrollBar()->setValue(0);
-    refresh();
     show();
     raise();
     activateWindow();

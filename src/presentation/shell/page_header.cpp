@@ -139,6 +139,7 @@ void PageHeader::showIcons(bool areShown) {
 void PageHeader::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        placeSubtitle();
         measure();
     }
 }

@@ -163,17 +163,16 @@ void StatusStrip::showButton(bool isEngaged) {
     if (showsEngaged_ == isEngaged) {
         return;
     }
-    const bool hadFocus = stop_->hasFocus() || resume_->hasFocus();
+    if (stop_->hasFocus() || resume_->hasFocus()) {
+        // Not on the other button: the key that pressed this one may still be down.
+        setFocus();
+    }
     stop_->setVisible(!isEngaged);
     resume_->setVisible(isEngaged);
     if (showsEngaged_) {
         (isEngaged ? settlingResume_ : settlingStop_)->settle();
     }
     showsEngaged_ = isEngaged;
-    if (hadFocus) {
-        // Not on the other button: the key that pressed this one may still be down.
-        setFocus();
-    }
 }
 
 bool StatusStrip::isOneLine() const {
@@ -196,7 +195,7 @@ void StatusStrip::resizeEvent(QResizeEvent* event) {
     if ((texts_->direction() == QBoxLayout::LeftToRight) != isOneLine()) {
         fold();
     }
-    if (showsEngaged_) {
+    if (showsEngaged_ == true) {
         showAutomation();
     }
     showSession();

@@ -29,8 +29,6 @@ struct GraphTimeLabel {
     double width = 0;
     double x = 0;     ///< of the point, from the left edge of the canvas
     double left = 0;  ///< of the text
-
-    bool operator==(const GraphTimeLabel&) const = default;
 };
 
 /// The labels of some of the points measured at `seconds`, oldest first, as many as have room below

@@ -16,8 +16,6 @@ struct DiskSpaceTexts {
     QString free;         ///< "12.4 GB free"
     QString used;         ///< "88% used"
     double fraction = 0;  ///< used, of the whole, 0 to 1
-
-    bool operator==(const DiskSpaceTexts&) const = default;
 };
 
 /// Absent for a volume whose size is not known.

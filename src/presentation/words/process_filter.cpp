@@ -1,5 +1,7 @@
 #include "presentation/words/process_filter.h"
 
+#include <string_view>
+
 #include "presentation/words/dashboard_text.h"
 
 namespace tallowcrest {
@@ -7,12 +9,12 @@ namespace {
 
 using dashboard_text::text;
 
-bool contains(const std::string& field, const QString& needle) {
+bool contains(std::string_view field, const QString& needle) {
     return text(field).toLower().contains(needle);
 }
 
 bool matches(const ProcessSample& row, const ProcessDetail* detail, const QString& needle) {
-    return text(row.displayName()).toLower().contains(needle) || contains(row.command, needle) ||
+    return contains(row.displayName(), needle) || contains(row.command, needle) ||
            QString::number(row.pid).contains(needle) ||
            (detail != nullptr &&
             (contains(detail->owner, needle) || contains(detail->argument, needle) ||

@@ -14,8 +14,8 @@ bool isBlankFilter(const QString& filter);
 
 /// The rows that the owner's filter text keeps, in their order. A row stays when its name or its
 /// command contains the text, ignoring case, or when its PID does, or what `detailOf` says of it:
-/// user, argument and short name. White space alone keeps all. `detailOf` may be empty.
-/// The thread of `detailOf`, else any.
+/// user, argument, command line and short name. White space alone keeps all. `detailOf` may be
+/// empty. The thread of `detailOf`, else any.
 std::vector<ProcessSample> filteredProcesses(std::vector<ProcessSample> rows, const QString& filter,
                                              const DetailOf& detailOf = {});
 

@@ -48,8 +48,10 @@ TEST_F(ProcfsDetailsReaderTest, AnotherUserHasANameOrANumber) {
     const std::string number = std::to_string(::geteuid());
     EXPECT_EQ(reader(::geteuid() + 1).readFacts(4242, 777)->owner, number)
         << "there is no file of accounts";
-    tree.putFile("accounts", "# comment\n\nbroken\nother:x:4000000001:1::/:/bin/sh\nmail:x:" +
-                                 number + ":8:mailman:/var/mail:/usr/sbin/nologin\n");
+    tree.putFile("accounts",
+                 "# comment\n\nbroken\nother:x:4000000001:1::/:/bin/sh\nlong:x:4000000002:1:" +
+                     std::string(20'000, 'l') + ":/:/bin/sh\nmail:x:" + number +
+                     ":8:mailman:/var/mail:/usr/sbin/nologin\n");
     EXPECT_EQ(reader(::geteuid() + 1).readFacts(4242, 777)->owner, "mail");
     tree.putFile("accounts", "other:x:4000000001:1::/:/bin/sh\n");
     EXPECT_EQ(reader(::geteuid() + 1).readFacts(4242, 777)->owner, number);

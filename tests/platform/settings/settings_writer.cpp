@@ -40,10 +40,12 @@ public:
     OpenedStore open(const fs::path& file, int logPages) {
         return openSettingsStore(file, {jobs_, clock_,
                                         [this](const std::string& problem) {
-                                            if (!problem.empty()) {
-                                                ++problems;
-                                                latestProblem = problem;
+                                            if (problem.empty()) {
+                                                ++ends;
+                                                return;
                                             }
+                                            ++problems;
+                                            latestProblem = problem;
                                         },
                                         logPages});
     }
@@ -55,6 +57,7 @@ public:
     }
 
     int problems = 0;
+    int ends = 0;  ///< of outages
     std::string latestProblem;
 
 private:
@@ -162,6 +165,8 @@ int outgrow(const fs::path& file, int systemError, const std::function<void()>& 
     good = require(opened.store->read(history.name) == valueFor(history, 7001),
                    "what could not be saved is saved with the next value") &&
            require(opened.store->read(stop.name) == valueFor(stop, 7003), "and that value too") &&
+           // The small disk never has the room that ends the outage of a full one.
+           require(surroundings.ends == (systemError == ENOSPC ? 0 : 1), "the end is reported") &&
            good;
     opened.store.reset();
 

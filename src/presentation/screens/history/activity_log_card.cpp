@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "core/routes.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
@@ -69,11 +70,8 @@ ActivityLogCard::ActivityLogCard(QWidget* parent) : Card(parent) {
     setCaption(eventCount(0));
     // One press removes the whole log. So the button is apart from all others, and a DangerButton,
     // which Return does not press.
-    auto* clear = new DangerButton(this);
-    clear->setTitle(u"Clear"_s);
-    clear->setObjectName(u"history.clear-log"_s);
-    clear->setAccessibleDescription(u"Removes every event of the activity log"_s);
-    clear->setToolTip(clear->accessibleDescription());
+    auto* clear = makeDangerButton({"Clear", "", "Removes every event of the activity log"},
+                                   u"history.clear-log"_s, this);
     connect(clear, &QPushButton::clicked, this, &ActivityLogCard::clearWanted);
     headerLayout()->addWidget(clear);
     clear_ = clear;

@@ -280,9 +280,7 @@ void LoadPage::followSelection() {
         isSelectionDue_ = true;
     }
     if (selected && isSelectionDue_) {
-        clearHidingFilter(
-            monitor_.sample(), monitor_.actions().review, state_.navigation,
-            [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
+        clearHidingFilter(review, monitor_.processDetails(), state_.navigation);
     }
     if (selected && (isSelectionDue_ || isOpening_)) {
         // Queued: by then the layout is done and the rows are those of this refresh.
@@ -294,18 +292,13 @@ void LoadPage::followSelection() {
 }
 
 void LoadPage::scrollToSelection() {
-    // Another process may have the PID of the one that was selected.
-    if (monitor_.actions().review.selectedRow() == nullptr) {
-        return;
-    }
+    const ProcessSample* reviewed = monitor_.actions().review.selectedRow();
     const auto& rows = model_->rows();
-    const auto selected = std::find_if(rows.begin(), rows.end(), [this](const ProcessSample& row) {
-        return row.pid == monitor_.actions().review.selectedPID();
-    });
-    if (selected == rows.end()) {
+    const ProcessSample* row = reviewed != nullptr ? findProcess(rows, reviewed->pid) : nullptr;
+    if (row == nullptr) {
         return;
     }
-    const QModelIndex index = model_->index(static_cast<int>(selected - rows.begin()), 0);
+    const QModelIndex index = model_->index(static_cast<int>(row - rows.data()), 0);
     const QRect place = table_->visualRect(index);
     if (place.top() < 0 || place.bottom() >= table_->viewport()->height()) {
         table_->scrollTo(index, QAbstractItemView::PositionAtCenter);

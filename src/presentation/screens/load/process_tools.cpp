@@ -9,7 +9,6 @@
 #include <QShortcut>
 
 #include "presentation/screens/shared/command_button.h"
-#include "presentation/widgets/button.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
@@ -18,9 +17,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-QString selectTopRowIcon() {
-    return u"scope"_s;
-}
+constexpr Command selectTopRow{"Select Top Row", "scope",
+                               "Selects the first row of the list for review"};
 
 }  // namespace
 
@@ -28,9 +26,7 @@ ProcessTools::ProcessTools(QWidget* parent) : QWidget(parent) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
-    selectTopRow_ =
-        makeButton(u"Select Top Row"_s, selectTopRowIcon(), u"processes.select-top-row"_s,
-                   u"Selects the first row of the list for review"_s, this);
+    selectTopRow_ = makeButton(selectTopRow, u"processes.select-top-row"_s, this);
     connect(selectTopRow_, &QPushButton::clicked, this, &ProcessTools::selectTopRowWanted);
     activityMonitor_ = makeButton(commands::activityMonitor, u"processes.activity-monitor"_s, this);
     connect(activityMonitor_, &QPushButton::clicked, this, &ProcessTools::activityMonitorWanted);
@@ -85,16 +81,16 @@ void ProcessTools::fold(int room) {
 }
 
 void ProcessTools::showButtons(bool hasIcons, bool hasWords) {
-    const auto show = [=](QPushButton& button, const QString& icon) {
+    const auto show = [=](QPushButton& button, const Command& command) {
         // The accessible name and the tool tip say what an icon alone stands for.
         const QString words = hasWords ? button.accessibleName() : QString();
         if (button.text() != words || button.icon().isNull() == hasIcons) {
             button.setText(words);
-            button.setIcon(hasIcons ? themedIcon(icon) : QIcon());
+            button.setIcon(hasIcons ? themedIcon(QString::fromUtf8(command.icon)) : QIcon());
         }
     };
-    show(*selectTopRow_, selectTopRowIcon());
-    show(*activityMonitor_, QString::fromUtf8(commands::activityMonitor.icon));
+    show(*selectTopRow_, selectTopRow);
+    show(*activityMonitor_, commands::activityMonitor);
 }
 
 QString ProcessTools::filter() const {

@@ -39,9 +39,9 @@ void showQuit(DangerButton& button, const optimize_lines::QuitButton& shown) {
         button.clearFocus();
     }
     button.setEnabled(shown.isEnabled);
-    setSpokenDescription(button, shown.description);
-    if (const QString words = toolTipText(shown.description); button.toolTip() != words) {
-        button.setToolTip(words);
+    if (button.accessibleDescription() != shown.description) {
+        button.setAccessibleDescription(shown.description);
+        button.setToolTip(toolTipText(shown.description));
     }
 }
 
@@ -73,8 +73,6 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     layout->addWidget(makeHelpers());
     target_->hide();
     contentLayout()->addWidget(target_);
-    // Beside a higher column the card is stretched.
-    contentLayout()->addStretch(1);
 }
 
 QWidget* OffenderCard::makeQuitButtons() {

@@ -69,7 +69,8 @@ void OverviewPage::connectBlocks() {
         });
     }
     connect(recommendations_, &RecommendationsBlock::reviewWanted, this, [this](std::int64_t pid) {
-        reviewInProcesses(pid, monitor_.sample(), monitor_.actions().review, state_.navigation);
+        reviewInProcesses(pid, monitor_.actions().review, monitor_.processDetails(),
+                          state_.navigation);
     });
     connect(topOffender_, &TopOffenderBlock::reviewWanted, this, &OverviewPage::reviewOffender);
     connect(topOffender_, &TopOffenderBlock::cleanupWanted, this,
@@ -119,9 +120,7 @@ TopOffenderFacts OverviewPage::offenderFacts() const {
 void OverviewPage::reviewOffender() {
     const auto wanted = topOffender(offenderFacts()).reviewPID;
     if (monitor_.actions().review.selectTopApp().isAccepted() && wanted) {
-        clearHidingFilter(
-            monitor_.sample(), monitor_.actions().review, state_.navigation,
-            [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
+        clearHidingFilter(monitor_.actions().review, monitor_.processDetails(), state_.navigation);
         state_.navigation.setSelectedRoute(AppRoute::load);
     }
 }

@@ -45,8 +45,6 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
     connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
     connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
-    // Beside a higher column the block is stretched.
-    bodyLayout()->addStretch(1);
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {

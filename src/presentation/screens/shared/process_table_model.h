@@ -8,6 +8,7 @@
 #include <QAbstractTableModel>
 
 #include "core/local_records.h"
+#include "presentation/words/process_order.h"
 #include "sampling/process_details.h"
 #include "sampling/protection.h"
 
@@ -19,7 +20,13 @@ class ProcessTableModel final : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    enum Column { processColumn, cpuColumn, memoryColumn, memoryPercentColumn, actionColumn };
+    enum Column {
+        processColumn = static_cast<int>(ProcessColumn::process),
+        cpuColumn = static_cast<int>(ProcessColumn::cpu),
+        memoryColumn = static_cast<int>(ProcessColumn::memory),
+        memoryPercentColumn = static_cast<int>(ProcessColumn::memoryPercent),
+        actionColumn
+    };
     static constexpr int columnTotal = actionColumn + 1;
 
     enum Role {

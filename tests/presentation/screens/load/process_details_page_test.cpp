@@ -108,6 +108,16 @@ TEST_F(ProcessDetailsPageTest, AFilterByADetailStaysWhenItsRowIsSelected) {
     EXPECT_EQ(window().state().navigation.processFilter(), "index.py");
 }
 
+TEST_F(ProcessDetailsPageTest, AFilterByADetailStaysWhenARecommendationLeadsToItsRow) {
+    showProcesses();
+    filter("index.py");
+    readDetails();
+    goTo(AppRoute::overview);
+    click("overview.recommendation-1.review");
+    EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(window().state().navigation.processFilter(), "index.py");
+}
+
 TEST_F(ProcessDetailsPageTest, AssistiveTechnologyHearsTheDetails) {
     showProcesses();
     readDetails();
