@@ -241,13 +241,19 @@ void DashboardWindow::openRoute(AppRoute route) {
 }
 
 void DashboardWindow::bringToFront() {
-    // Only the minimised state: a maximised window stays maximised.
-    setWindowState(windowState() & ~Qt::WindowMinimized);
+    restoreIfMinimised();
     show();
     QMetaObject::invokeMethod(this, &DashboardWindow::comeForward, Qt::QueuedConnection);
 }
 
+void DashboardWindow::restoreIfMinimised() {
+    // Only the minimised state: a maximised window stays maximised.
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+}
+
 void DashboardWindow::comeForward() {
+    // Again, because the display may report only now that the window was minimised before.
+    restoreIfMinimised();
     raise();
     activateWindow();
     sheets_->comeForward();

@@ -75,6 +75,7 @@ private:
     void refreshMenus();
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
     void addSheets();
+    void restoreIfMinimised();
     void comeForward();
     Screen* screen(AppRoute route);
     Screen* makeScreen(AppRoute route);

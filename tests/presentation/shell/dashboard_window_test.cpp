@@ -233,6 +233,14 @@ TEST_F(DashboardWindowTest, OpeningARouteRestoresTheWindow) {
     EXPECT_TRUE(window().isMaximized());
 }
 
+TEST_F(DashboardWindowTest, AMinimisedStateThatIsReportedLateIsLeftAgain) {
+    showWithSample();
+    window().bringToFront();
+    window().setWindowState(Qt::WindowMinimized);
+    settle();
+    EXPECT_FALSE(window().isMinimized());
+}
+
 // Refresh ----------------------------------------------------------------------------------------
 
 TEST_F(DashboardWindowTest, RefreshTakesASample) {
