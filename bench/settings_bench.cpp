@@ -26,6 +26,7 @@
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
+#include "tests/support/fake_tool_launcher.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"
@@ -161,6 +162,7 @@ void constructMonitorOnFullStore(benchmark::State& state) {
         ManualMainQueue mainQueue;
         ManualWorkQueue workQueue;
         Jobs jobs(mainQueue, workQueue);
+        FakeToolLauncher launcher;
         SystemMonitor monitor(
             MonitorPorts{.jobs = jobs,
                          .clock = clock,
@@ -169,6 +171,7 @@ void constructMonitorOnFullStore(benchmark::State& state) {
                          .ticks = std::make_shared<FakeTickSource>(),
                          .locale = std::make_shared<PlainLocale>(),
                          .actions = {FakeLocalActions().ports(), {}},
+                         .remote = {launcher, CommandSafetyPolicy::linuxExecutables()},
                          .reports = {std::make_shared<FakeReportFolder>(), atGreenwich}},
             HostFacts{.cpuCount = 4, .protection = {}, .loginName = "owner"});
         if (monitor.sample().history().size() != 720) {

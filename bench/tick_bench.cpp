@@ -21,6 +21,7 @@
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
+#include "tests/support/fake_tool_launcher.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 
@@ -74,6 +75,7 @@ public:
                                 .ticks = std::move(ticks),
                                 .locale = americanEnglish(),
                                 .actions = {FakeLocalActions().ports(), {}},
+                                .remote = {launcher_, CommandSafetyPolicy::linuxExecutables()},
                                 .reports = {std::make_shared<FakeReportFolder>(), atGreenwich}},
                    HostFacts{.cpuCount = inputs().cpuCount,
                              .protection = inputs().protection,
@@ -92,6 +94,7 @@ public:
 
 private:
     SystemClock clock_;
+    FakeToolLauncher launcher_;
     ManualMainQueue mainQueue_;
     ManualWorkQueue workQueue_;
     Jobs jobs_{mainQueue_, workQueue_};

@@ -15,16 +15,16 @@ namespace tallowcrest {
 
 /// One peer of the tailnet. Identity: `id`.
 struct TailDevice {
-    std::string id;
-    std::string name;
-    std::string hostName;
+    std::string id = {};
+    std::string name = {};
+    std::string hostName = {};
     bool online = false;
-    std::vector<std::string> addresses;
-    std::string os;
+    std::vector<std::string> addresses = {};
+    std::string os = {};
     bool active = false;
     bool inMagicSock = false;
-    std::string currentAddress;
-    std::string relay;
+    std::string currentAddress = {};
+    std::string relay = {};
 
     auto fields() const {
         return std::tie(id, name, hostName, online, addresses, os, active, inMagicSock,
@@ -38,7 +38,7 @@ struct RemoteProcess {
     std::int64_t pid = 0;
     double cpu = 0.0;
     double rssMB = 0.0;
-    std::string command;
+    std::string command = {};
 
     /// The last path component of `command`, or `command` itself when that component is empty.
     std::string_view displayName() const;
@@ -49,11 +49,11 @@ struct RemoteProcess {
 
 /// One application group of a remote machine. Identity: `name`.
 struct RemoteAppImpact {
-    std::string name;
+    std::string name = {};
     std::int64_t processCount = 0;
     double totalCPU = 0.0;
     double totalMemoryMB = 0.0;
-    std::optional<std::int64_t> topPID;
+    std::optional<std::int64_t> topPID = {};
     std::int64_t protectedCount = 0;
 
     auto fields() const {
@@ -74,22 +74,22 @@ struct RemoteHealth {
         unknown,  ///< shown as "Needs Setup"
     };
 
-    std::string id;
-    std::string hostName;
-    std::string address;
+    std::string id = {};
+    std::string hostName = {};
+    std::string address = {};
     bool online = false;
     Status status = Status::unknown;
-    std::optional<double> cpuPercent;
-    std::optional<double> memoryPercent;
-    std::optional<std::string> osVersion;
-    std::optional<std::string> topCPUProcess;
-    std::optional<std::string> topMemoryProcess;
-    std::vector<RemoteProcess> topProcesses;
-    std::vector<RemoteAppImpact> appImpacts;
-    std::string recommendation;
-    std::string summary;
-    std::string setupHint;
-    Date sampledAt;
+    std::optional<double> cpuPercent = {};
+    std::optional<double> memoryPercent = {};
+    std::optional<std::string> osVersion = {};
+    std::optional<std::string> topCPUProcess = {};
+    std::optional<std::string> topMemoryProcess = {};
+    std::vector<RemoteProcess> topProcesses = {};
+    std::vector<RemoteAppImpact> appImpacts = {};
+    std::string recommendation = {};
+    std::string summary = {};
+    std::string setupHint = {};
+    Date sampledAt = {};
 
     auto fields() const {
         return std::tie(id, hostName, address, online, status, cpuPercent, memoryPercent, osVersion,
@@ -104,9 +104,9 @@ std::string_view title(RemoteHealth::Status status);
 
 /// The owner's settings for one remote host. Identity: `id`. Persisted.
 struct RemoteProfile {
-    std::string id;
-    std::string nickname;
-    std::string role;
+    std::string id = {};
+    std::string nickname = {};
+    std::string role = {};
     double warningThreshold = 0.0;
     bool allowRemotePurge = false;
 
@@ -116,12 +116,12 @@ struct RemoteProfile {
 
 /// One point of a remote machine's timeline. Identity: `id`. Persisted.
 struct RemoteHistoryPoint {
-    UUID id;
-    std::string hostName;
-    Date date;
+    UUID id = {};
+    std::string hostName = {};
+    Date date = {};
     double cpu = 0.0;
     double memory = 0.0;
-    std::string status;  ///< the title of the scan's status
+    std::string status = {};  ///< the title of the scan's status
 
     auto fields() const { return std::tie(id, hostName, date, cpu, memory, status); }
     bool operator==(const RemoteHistoryPoint&) const = default;

@@ -18,6 +18,7 @@
 #include "integration/warning_notifications.h"
 #include "monitor/load_rules.h"
 #include "remote/auto_scan.h"
+#include "remote/tail_device.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
@@ -86,7 +87,7 @@ void AutoRules::scanRemotes() {
     }
     const auto devices = dependencies_.remote->tailDevices();
     const bool hasMac = std::any_of(devices.begin(), devices.end(), [this](const TailDevice& each) {
-        return each.online && dependencies_.services.locale.containsIgnoringCase(each.os, "mac");
+        return isRemoteMac(each, dependencies_.services.locale);
     });
     if (!hasMac) {
         return;

@@ -11,6 +11,7 @@
 #include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/sample_cycle.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
 #include "sampling/process_details.h"
@@ -40,6 +41,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       processDetails_(std::make_unique<ProcessDetails>(services_.jobs, ports.processDetails)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
+      remote_(std::make_unique<Remote>(services_, ports.remote)),
       reports_(std::make_unique<Reports>(
           services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
       integration_(std::make_unique<Integration>(services_, ports.integration)),

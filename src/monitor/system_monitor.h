@@ -15,6 +15,7 @@
 #include "core/places.h"
 #include "core/services.h"
 #include "integration/integration_ports.h"
+#include "remote/remote_ports.h"
 #include "reports/report_folder.h"
 #include "sampling/protection.h"
 
@@ -35,6 +36,7 @@ class SystemMetricsReader;
 struct Actions;
 struct DiagnosticsFacts;
 struct Integration;
+struct Remote;
 struct Settings;
 
 /// What the monitor needs from the machine it runs on. The references must outlive the monitor and
@@ -49,6 +51,7 @@ struct MonitorPorts {
     std::shared_ptr<ProcessDetailsReader> processDetails = {};
     std::shared_ptr<const Locale> locale;  ///< never null
     ActionPorts actions;
+    RemotePorts remote;
     ReportPorts reports;
     IntegrationPorts integration = {};
     AutoScan* remoteScan = nullptr;  ///< null where other machines are not watched
@@ -105,6 +108,7 @@ public:
     ProcessDetails& processDetails() { return *processDetails_; }
     ConfirmationDesk& confirmations() { return *confirmations_; }
     Actions& actions() { return *actions_; }
+    Remote& remote() { return *remote_; }
     Reports& reports() { return *reports_; }
     AutoRules& autoRules() { return *autoRules_; }
 
@@ -124,6 +128,7 @@ private:
     std::unique_ptr<LatestSample> sample_;
     std::unique_ptr<ProcessDetails> processDetails_;
     std::unique_ptr<Actions> actions_;
+    std::unique_ptr<Remote> remote_;
     std::unique_ptr<Reports> reports_;
     std::unique_ptr<Integration> integration_;
     std::unique_ptr<AutoRules> autoRules_;

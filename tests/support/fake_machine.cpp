@@ -28,6 +28,7 @@ SystemMonitor& FakeMachine::monitor() {
                          .processDetails = processDetails,
                          .locale = locale,
                          .actions = {actions.ports(), {openActivityMonitor, storeOnPasteboard}},
+                         .remote = {toolLauncher, CommandSafetyPolicy::linuxExecutables()},
                          .reports = {reportFolder, atGreenwich},
                          .integration = {&notifications, openRoute},
                          .remoteScan = remoteScan,

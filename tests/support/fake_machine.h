@@ -16,6 +16,7 @@
 #include "tests/support/fake_process_details_reader.h"
 #include "tests/support/fake_readers.h"
 #include "tests/support/fake_report_folder.h"
+#include "tests/support/fake_tool_launcher.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/recording_store.h"
@@ -64,6 +65,7 @@ public:
     std::shared_ptr<FakeProcessDetailsReader> processDetails;  ///< null unless a test sets it
     std::shared_ptr<const Locale> locale;  ///< a `PlainLocale`, unless a test has another one
     FakeLocalActions actions;
+    FakeToolLauncher toolLauncher;
     FakeNotificationCenter notifications;
     std::shared_ptr<FakeReportFolder> reportFolder = std::make_shared<FakeReportFolder>();
     Jobs jobs{mainQueue, workQueue};

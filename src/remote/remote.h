@@ -1,0 +1,20 @@
+#pragma once
+
+#include "actions/tool_runner.h"
+#include "remote/remote_ports.h"
+#include "remote/tailnet.h"
+
+namespace tallowcrest {
+
+struct Services;
+
+/// The components behind the other machines of the tailnet. Main thread.
+struct Remote {
+    /// The references must outlive the object.
+    Remote(const Services& services, const RemotePorts& ports);
+
+    ToolRunner tools;
+    Tailnet tailnet;
+};
+
+}  // namespace tallowcrest

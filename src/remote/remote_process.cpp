@@ -1,0 +1,31 @@
+#include "remote/remote_process.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "sampling/app_impact.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::array<std::string_view, 7> systemNames{
+    "kernel_task", "launchd", "WindowServer", "loginwindow", "Finder", "Dock", "SystemUIServer"};
+constexpr std::array<std::string_view, 2> systemFolders{"/System/", "/usr/libexec/"};
+
+}  // namespace
+
+std::string remoteAppGroupName(const RemoteProcess& process) {
+    return normalizedAppName(process.displayName());
+}
+
+bool isProtectedRemoteProcess(const RemoteProcess& process, const ProtectedAppNames& neverQuit) {
+    return std::ranges::find(systemNames, process.displayName()) != systemNames.end() ||
+           std::ranges::any_of(systemFolders,
+                               [&process](std::string_view folder) {
+                                   return process.command.starts_with(folder);
+                               }) ||
+           neverQuit.contains(remoteAppGroupName(process));
+}
+
+}  // namespace tallowcrest
