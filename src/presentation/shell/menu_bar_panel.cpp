@@ -229,10 +229,27 @@ void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
-        focusNextPrevChild(event->key() == Qt::Key_Down);
+        focusNextRow(event->key() == Qt::Key_Down);
         return;
     }
     QWidget::keyPressEvent(event);
+}
+
+void MenuBarPanel::focusNextRow(bool forward) {
+    std::vector<MenuBarRow*> shown;
+    for (const auto& [row, entry] : rows_) {
+        if (row->isVisible()) {
+            shown.push_back(row);
+        }
+    }
+    if (!forward) {
+        std::ranges::reverse(shown);
+    }
+    const auto focused = std::ranges::find_if(shown, &QWidget::hasFocus);
+    const auto next = focused == shown.end() ? shown.begin() : std::next(focused);
+    if (!shown.empty()) {
+        (next == shown.end() ? shown.front() : *next)->setFocus(Qt::TabFocusReason);
+    }
 }
 
 void MenuBarPanel::showEvent(QShowEvent* event) {

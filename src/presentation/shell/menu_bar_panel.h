@@ -49,6 +49,8 @@ private:
     /// Resizes to the height of the content, at most that of the screen.
     void fit();
     QRect screenArea() const;
+    /// Gives the focus to the next row or the one before, around the ends.
+    void focusNextRow(bool forward);
     void dismiss();
 
     SystemMonitor& monitor_;

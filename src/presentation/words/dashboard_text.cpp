@@ -38,12 +38,39 @@ bool isMark(char32_t c) {
 bool isInvisible(char32_t c) {
     // Fillers count as letters or symbols, but have no glyph.
     return QChar::category(c) == QChar::Other_Format || c == 0x034F || c == 0x115F || c == 0x1160 ||
-           c == 0x2800 || c == 0x3164 || c == 0xFFA0;
+           c == 0x17B4 || c == 0x17B5 || c == 0x2800 || c == 0x3164 || c == 0xFFA0;
 }
 
-/// Emoji, Arabic and Indic scripts join characters; in Latin text a joiner only hides.
+/// Whether a joiner or a variation selector beside `c` can change how it looks. It can in the
+/// scripts whose letters join, and for pictures; elsewhere it is only hidden.
 bool isJoinable(char32_t c) {
-    return c >= 0x0600 && !isInvisible(c) && !QChar::isSpace(c);
+    switch (QChar::script(c)) {
+        case QChar::Script_Arabic:
+        case QChar::Script_Syriac:
+        case QChar::Script_Nko:
+        case QChar::Script_Mongolian:
+        case QChar::Script_Devanagari:
+        case QChar::Script_Bengali:
+        case QChar::Script_Gurmukhi:
+        case QChar::Script_Gujarati:
+        case QChar::Script_Oriya:
+        case QChar::Script_Tamil:
+        case QChar::Script_Telugu:
+        case QChar::Script_Kannada:
+        case QChar::Script_Malayalam:
+        case QChar::Script_Sinhala:
+        case QChar::Script_Tibetan:
+        case QChar::Script_Myanmar:
+        case QChar::Script_Khmer:
+            return !isInvisible(c);
+        default:
+            break;
+    }
+    constexpr char32_t firstPicture = 0x2000;
+    const QChar::Category category = QChar::category(c);
+    return c >= firstPicture && !isInvisible(c) &&
+           (category == QChar::Symbol_Other || category == QChar::Symbol_Modifier ||
+            category == QChar::Symbol_Math);
 }
 
 /// They choose the look of the character before them, which only some scripts have a choice for.

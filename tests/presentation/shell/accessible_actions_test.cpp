@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QSlider>
 #include <QToolButton>
 
@@ -86,6 +87,11 @@ public:
         actions().local.requestPurge();
         settle();
         walked_ = window().findChild<ConfirmationDialog*>();
+    }
+    void openAbout() {
+        window().findChild<QAction*>(u"menu.about"_s)->trigger();
+        settle();
+        walked_ = window().findChild<QMessageBox*>(u"about"_s);
     }
     void openPanel() {
         panel_ = std::make_unique<MenuBarPanel>(machine.monitor(),
@@ -207,7 +213,10 @@ struct Place {
     std::function<void(Rig&)> open;
 };
 
+/// The first of two processes of the group is not the target, so that reviewing it is a change.
 void selectTarget(Rig& rig) {
+    rig.machine.addProcess(701, "/usr/bin/editor", 300.0, 900.0);
+    rig.machine.tick();
     rig.actions().review.selectProcessWithPID(700);
     rig.machine.monitor().log().recordMessage("Probe.");
     rig.settle();
@@ -248,6 +257,7 @@ std::vector<Place> places() {
                        rig.openSettings(SettingsTabKind::safety);
                    }});
     all.push_back({u"confirmation"_s, AppRoute::chat, &Rig::ask});
+    all.push_back({u"about"_s, AppRoute::chat, &Rig::openAbout});
     all.push_back({u"panel"_s, AppRoute::chat, &Rig::openPanel});
     return all;
 }
@@ -260,8 +270,14 @@ void open(Rig& rig, const Place& place) {
 
 /// Where a control belongs, and its name: the sidebar is walked on one page only.
 QString identityOf(Rig& rig, QAccessibleInterface& control) {
-    const QObject* object = control.object();
-    const QString own = object == nullptr ? QString() : object->objectName();
+    // A cell has no object of its own; its table has one.
+    QAccessibleInterface* nearest = &control;
+    while (nearest->object() == nullptr) {
+        nearest = nearest->parent();
+    }
+    const QObject* object = nearest->object();
+    const QString own = object->objectName() +
+                        (nearest == &control ? QString() : u' ' + control.text(QAccessible::Name));
     const QObject* around = object;
     while (around != nullptr && qobject_cast<const Screen*>(around) == nullptr) {
         around = around->parent();

@@ -94,6 +94,27 @@ TEST_F(MenuBarRowTest, ArrowKeysGoFromRowToRow) {
     EXPECT_TRUE(row(1).hasFocus());
     QTest::keyClick(&row(1), Qt::Key_Up);
     EXPECT_TRUE(row(0).hasFocus());
+    QTest::keyClick(&row(0), Qt::Key_Up);
+    EXPECT_TRUE(row(2).hasFocus());
+    QTest::keyClick(&row(2), Qt::Key_Down);
+    EXPECT_TRUE(row(0).hasFocus());
+}
+
+TEST_F(MenuBarRowTest, ArrowKeysPassTheGraphWhichTheTabKeyReaches) {
+    machine.addProcess(700, "/usr/bin/editor", 1.0, 10.0);
+    MenuBarPanel& panel = panelOf(2);
+    machine.finishSamples();
+    settle();
+    auto* graph = panel.findChild<QWidget*>(u"menubar.graph"_s);
+    ASSERT_TRUE(graph->isVisible());
+    QTest::keyClick(&panel, Qt::Key_Down);
+    EXPECT_TRUE(row(0).hasFocus());
+    QTest::keyClick(&row(0), Qt::Key_Up);
+    EXPECT_TRUE(row(1).hasFocus());
+    QTest::keyClick(&row(1), Qt::Key_Tab);
+    EXPECT_TRUE(graph->hasFocus());
+    QTest::keyClick(graph, Qt::Key_Down);
+    EXPECT_TRUE(row(0).hasFocus());
 }
 
 TEST_F(MenuBarRowTest, AllRowsAreVisibleIfThereIsRoom) {

@@ -1,5 +1,6 @@
 // The layout of the pages in windows of different widths.
 
+#include "actions/actions.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/toggle_switch.h"
@@ -62,6 +63,22 @@ TEST_F(WideWindowTest, NoCardOfTheOverviewIsStretched) {
     EXPECT_EQ(columnsOf(visible("overview.disk-autopilot")).second,
               columnsOf(visible("overview.timeline")).second)
         << "two columns";
+}
+
+TEST_F(WideWindowTest, NoCardOfOptimizeIsStretched) {
+    machine.addProcess(700, "/usr/bin/editor", 60.0, 900.0);
+    showAtWidth(1600);
+    machine.monitor().actions().review.selectProcessWithPID(700);
+    goTo(AppRoute::optimize);
+    int cards = 0;
+    for (const Card* card : window().findChildren<Card*>()) {
+        if (card->isVisible()) {
+            ++cards;
+            EXPECT_LE(card->height(), card->layout()->totalHeightForWidth(card->width()))
+                << card->objectName().toStdString();
+        }
+    }
+    EXPECT_GE(cards, 3);
 }
 
 TEST_F(WideWindowTest, TheWordForASwitchStandsBesideIt) {

@@ -141,8 +141,10 @@ TEST_P(WindowLayoutAtSize, ResizingToThisSizeCutsNothingOff) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, WindowLayoutAtSize,
                          testing::Values(WindowSize{640, 480}, WindowSize{700, 500},
-                                         WindowSize{859, 600}, WindowSize{900, 600},
-                                         WindowSize{1080, 720}, WindowSize{1600, 1000}),
+                                         WindowSize{800, 600}, WindowSize{859, 600},
+                                         WindowSize{900, 600}, WindowSize{1080, 720},
+                                         WindowSize{1200, 800}, WindowSize{1600, 1000},
+                                         WindowSize{2560, 1440}),
                          [](const auto& tested) { return testing::PrintToString(tested.param); });
 
 TEST_F(WindowLayoutTest, TheWindowHasAMinimumSize) {
@@ -351,11 +353,12 @@ TEST_F(WindowLayoutTest, TabFollowsTheVisualOrder) {
     show900x600();
     goTo(AppRoute::load);
     visible("sidebar.load")->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(tabOrder(14),
-              u"sidebar.load load.select-top load.activity page.refresh "
-              "status.emergency-stop target.choose processes.select-top-row processes.activity-monitor "
-              "processes.filter processes.order.process processes.order.cpu "
-              "processes.order.memory processes.order.memory-percent processes.table"_s);
+    EXPECT_EQ(
+        tabOrder(14),
+        u"sidebar.load load.select-top load.activity page.refresh "
+        "status.emergency-stop target.choose processes.select-top-row processes.activity-monitor "
+        "processes.filter processes.order.process processes.order.cpu "
+        "processes.order.memory processes.order.memory-percent processes.table"_s);
 }
 
 TEST_F(WindowLayoutTest, TheFocusMovesOnWhenItsButtonIsHidden) {

@@ -71,9 +71,19 @@ TEST(DashboardText, TextHidesNothingAndStaysInItsLine) {
           Case{"ba\u00ADsh", "ba\uFFFDsh"},              // soft hyphen
           Case{"\u3164\uFFA0\u2800", "\uFFFD\uFFFD\uFFFD"},
           Case{"a\U000E0041", "a\uFFFD"},  // a tag character
-          Case{"می\u200Cخواهم", "می\u200Cخواهم"}, Case{"👩\u200D🚀", "👩\u200D🚀"},
-          Case{"❤\uFE0F\u200D🔥", "❤\uFE0F\u200D🔥"}, Case{"bash\uFE0F", "bash\uFFFD"},
-          Case{"ba\uFE00\U000E0100sh", "ba\uFFFD\uFFFDsh"}, Case{"Zoe\u0308", "Zoe\u0308"},
+          Case{"می\u200Cخواهم", "می\u200Cخواهم"},
+          Case{"👩\u200D🚀", "👩\u200D🚀"},
+          Case{"❤\uFE0F\u200D🔥", "❤\uFE0F\u200D🔥"},
+          Case{"bash\uFE0F", "bash\uFFFD"},
+          Case{"👩🏽\u200D🚀", "👩🏽\u200D🚀"},
+          Case{"↔\uFE0F", "↔\uFE0F"},
+          Case{"क्\u200Dष", "क्\u200Dष"},
+          Case{"ế\u200Cệ", "ế\uFFFDệ"},            // Vietnamese is Latin text too
+          Case{"工\uFE00", "工\uFFFD"},            // no variant that a reader could tell
+          Case{"a\u17B4\u17B5", "a\uFFFD\uFFFD"},  // vowels without a glyph
+          Case{"–\u200D–", "–\uFFFD–"},
+          Case{"ba\uFE00\U000E0100sh", "ba\uFFFD\uFFFDsh"},
+          Case{"Zoe\u0308", "Zoe\u0308"},
           Case{"a\u0300\u0301\u0302\u0303\u0304b\u0300", "a\u0300\u0301\u0302b\u0300"},
           Case{"กำ", "กำ"}}) {
         EXPECT_EQ(dashboard_text::text(each.given).toStdString(), each.shown);
