@@ -49,7 +49,8 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .metrics = host::makeMetricsReader(toolLauncher_),
         .ticks = host::makeTickSource(),
         .processDetails = host::makeProcessDetailsReader(),
-        .locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
+        .locale = desktop.locale ? std::move(desktop.locale)
+                                 : std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
         .actions = {.local = {.processes = host::makeProcessControl(toolLauncher_),
                               .gracefulQuit = desktop.makeGracefulQuit
                                                   ? desktop.makeGracefulQuit(toolLauncher_)

@@ -29,6 +29,8 @@ struct DesktopServices {
     DesktopActionPorts actions = {};
     PosixReportFolder::Reveal revealFile = {};
     IntegrationPorts integration = {};
+    /// Null for that of ICU alone.
+    std::shared_ptr<const Locale> locale = {};
 };
 
 /// The monitor together with the parts of this machine that it runs on. Main thread.

@@ -22,6 +22,7 @@
 #include "platform/base/environment.h"
 #include "platform/desktop/accessibility_bus.h"
 #include "platform/desktop/instance_listener.h"
+#include "platform/desktop/qt_locale.h"
 #include "platform/desktop/qt_main_queue.h"
 #include "platform/desktop/system_appearance.h"
 #include "platform/desktop/tray_host_watch.h"
@@ -164,7 +165,8 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
          .actions = {.openActivityMonitor = desktop::openActivityMonitor,
                      .storeOnPasteboard = desktop::storeOnClipboard},
          .revealFile = desktop::revealFile,
-         .integration = {.notifications = notifications.get(), .openRoute = openRoute}});
+         .integration = {.notifications = notifications.get(), .openRoute = openRoute},
+         .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});
     int status = 0;
     {
         DashboardWindow window(composition.monitor());

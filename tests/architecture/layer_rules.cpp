@@ -78,7 +78,8 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
         return *rank <= *rankOf(highestPortLayer);
     }
     // The desktop services also ask X11 windows and listen for other starts of the program.
-    if (from == "platform/desktop" && (to == "platform/x11" || to == "platform/instance")) {
+    if (from == "platform/desktop" &&
+        (to == "platform/x11" || to == "platform/instance" || to == "platform/icu")) {
         return true;
     }
     if (from == "platform" || to == "platform") {

@@ -15,7 +15,7 @@ std::int64_t utcOffsetOfThisMachine(Date date);
 
 /// The conventions of a language and country, by ICU. Each table is loaded on first use and kept;
 /// if it cannot be loaded, `PlainLocale` answers instead.
-class IcuLocale final : public Locale {
+class IcuLocale : public Locale {
 public:
     /// Any names are accepted; see `usableLocaleName` for unknown ones. `utcOffset` is called for
     /// each date.
