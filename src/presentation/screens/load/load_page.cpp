@@ -18,6 +18,7 @@
 #include "presentation/screens/load/load_lines.h"
 #include "presentation/screens/load/order_header.h"
 #include "presentation/screens/load/process_tools.h"
+#include "presentation/screens/shared/process_rows.h"
 #include "presentation/screens/shared/process_table_model.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/screens/shared/review_process.h"
@@ -37,8 +38,6 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// How long the rows keep their places after the last movement of the pointer over them.
-constexpr double holdingSeconds = 1.5;
 /// On a lower page the caption, which explains the order, leaves its line to the rows.
 constexpr int captionPageHeight = 680;
 
@@ -123,10 +122,8 @@ void LoadPage::makeTable() {
     connect(header_, &OrderHeader::clicked, this,
             [this](ProcessColumn column) { setOrder(orderAfterClick(order_, column)); });
     connect(table_, &ProcessTableView::reviewRequested, this, &LoadPage::review);
-    connect(table_, &ProcessTableView::viewMoved, this, &LoadPage::wantDetails);
-    connect(table_, &ProcessTableView::touched, this,
-            [this] { touchedAt_ = monitor_.services().clock.now(); });
-    connect(table_, &ProcessTableView::pointerLeft, this, &LoadPage::releaseRows);
+    rows_ = new ProcessRows(*table_, *model_, monitor_.services().clock, this);
+    connect(rows_, &ProcessRows::viewChanged, this, &LoadPage::wantDetails);
     card_->contentLayout()->addWidget(header_);
     card_->contentLayout()->addItem(new WholeRowsItem(table_));
 }
@@ -207,14 +204,7 @@ void LoadPage::updateRows(Date sampledAt) {
                               [&details](const ProcessSample& row) { return details.find(row); }),
             order_);
         shownRows_ = static_cast<int>(rows.size());
-        areRowsHeld_ = isTouched() && shown_ && shown_->filter == typed && shown_->order == order_;
-        if (areRowsHeld_) {
-            rows = rowsInPlace(model_->rows(), rows);
-        }
-        // When the process of the current row ends, the view must not scroll to the next one.
-        table_->setAutoScroll(false);
-        model_->setRows(std::move(rows));
-        table_->setAutoScroll(true);
+        rows_->show(std::move(rows), shown_ && shown_->filter == typed && shown_->order == order_);
         shown_ = list;
     }
     if (details.revision() != shownDetails_) {
@@ -236,39 +226,15 @@ void LoadPage::wantDetails() {
     if (!isVisible()) {
         return;
     }
-    std::vector<const ProcessSample*> wanted;
     if (isBlankFilter(tools_->filter())) {
-        const auto [first, last] = table_->rowsInView();
-        for (int row = first; row <= last; ++row) {
-            wanted.push_back(&model_->rows().at(static_cast<std::size_t>(row)));
-        }
-    } else {
-        for (const ProcessSample& row : monitor_.sample().latestProcesses()) {
-            wanted.push_back(&row);
-        }
+        monitor_.processDetails().want(rows_->inView());
+        return;
+    }
+    std::vector<const ProcessSample*> wanted;
+    for (const ProcessSample& row : monitor_.sample().latestProcesses()) {
+        wanted.push_back(&row);
     }
     monitor_.processDetails().want(wanted);
-}
-
-bool LoadPage::isTouched() const {
-    if (table_->isPressed()) {
-        return true;
-    }
-    if (!touchedAt_) {
-        return false;
-    }
-    const double seconds = secondsBetween(*touchedAt_, monitor_.services().clock.now());
-    return seconds >= 0.0 && seconds < holdingSeconds;
-}
-
-void LoadPage::releaseRows() {
-    touchedAt_.reset();
-    if (areRowsHeld_) {
-        shown_.reset();
-        if (isVisible()) {
-            refresh();
-        }
-    }
 }
 
 void LoadPage::followSelection() {
@@ -317,7 +283,6 @@ void LoadPage::hideEvent(QHideEvent* event) {
     Screen::hideEvent(event);
     // Minimising the window keeps the scroll position.
     isOpening_ = isOpening_ || !event->spontaneous();
-    releaseRows();
 }
 
 void LoadPage::focusSearch() {

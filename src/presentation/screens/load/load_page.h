@@ -13,6 +13,7 @@ namespace tallowcrest {
 class Card;
 class ElidedLabel;
 class OrderHeader;
+class ProcessRows;
 class ProcessTableModel;
 class ProcessTableView;
 class ProcessTools;
@@ -59,10 +60,6 @@ private:
     void updateRows(Date sampledAt);
     /// Asks for the details of the rows in view, and of all while a filter searches them.
     void wantDetails();
-    /// Whether the owner is about to click a row or to press a key on it: no row may move then.
-    bool isTouched() const;
-    /// Lets the rows move that were held in their places.
-    void releaseRows();
     /// Decides whether to scroll to the row under review.
     void followSelection();
     /// Runs once per selection; afterwards the list stays where the owner scrolls it.
@@ -77,12 +74,11 @@ private:
     OrderHeader* header_ = nullptr;
     ProcessTableModel* model_ = nullptr;
     ProcessTableView* table_ = nullptr;
+    ProcessRows* rows_ = nullptr;
     std::optional<ProcessOrder> order_;  ///< absent for the order by impact
     std::optional<List> shown_;
     int shownRows_ = 0;
     std::uint64_t shownDetails_ = 0;
-    std::optional<Date> touchedAt_;
-    bool areRowsHeld_ = false;
     std::optional<std::int64_t> shownSelection_;
     bool isOpening_ = true;        ///< the next refresh is the first since the page became visible
     bool isSelectionDue_ = false;  ///< show the selected row even if the filter hides it

@@ -8,6 +8,7 @@
 
 #include "presentation/screens/optimize/optimize_lines.h"
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/process_rows.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
@@ -47,7 +48,7 @@ void showQuit(DangerButton& button, const optimize_lines::QuitButton& shown) {
 
 }  // namespace
 
-OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
+OffenderCard::OffenderCard(ProtectionPolicy policy, const Clock& clock, QWidget* parent)
     : Card(parent), model_(policy) {
     setObjectName(u"cleanup.offender"_s);
     setHeader(u"scope"_s, optimize_lines::heading({}));
@@ -71,6 +72,11 @@ OffenderCard::OffenderCard(ProtectionPolicy policy, QWidget* parent)
     quitHint->setLines(1, 2);
     layout->addWidget(quitHint);
     layout->addWidget(makeHelpers());
+    rows_ = new ProcessRows(*table_, model_, clock, this);
+    connect(rows_, &ProcessRows::viewChanged, this, [this] {
+        fitTable();
+        emit rowsInViewChanged();
+    });
     target_->hide();
     contentLayout()->addWidget(target_);
 }
@@ -156,12 +162,13 @@ void OffenderCard::show(optimize_lines::Offender offender,
         showTarget(*std::move(offender.target));
     } else {
         shownGroup_.reset();
-        model_.setRows({});
+        rows_->show({}, false);
     }
     target_->setVisible(hasTarget);
 }
 
 void OffenderCard::showTarget(optimize_lines::Target target) {
+    const bool isSameGroup = shownGroup_ == target.group;
     shownGroup_ = std::move(target.group);
     group_->setValue(target.groupCard.value);
     group_->setDetail(target.groupCard.detail);
@@ -170,7 +177,9 @@ void OffenderCard::showTarget(optimize_lines::Target target) {
     if (shownGroup_) {
         showNeverQuit(target.isNeverQuit);
     }
-    showHelpers(std::move(target.helpers), target.selectedPID);
+    rows_->show(std::move(target.helpers), isSameGroup);
+    model_.setSelectedPID(target.selectedPID);
+    fitTable();
 }
 
 void OffenderCard::showNeverQuit(bool isOn) {
@@ -189,18 +198,13 @@ void OffenderCard::showNeverQuit(bool isOn) {
     neverQuit_->setToolTip(act);
 }
 
-void OffenderCard::showHelpers(std::vector<ProcessSample> helpers,
-                               std::optional<std::int64_t> selectedPID) {
-    if (helpers != model_.rows()) {
-        model_.setRows(std::move(helpers));
-    }
-    model_.setSelectedPID(selectedPID);
-    noHelpers_->setVisible(model_.rows().empty());
-    table_->setVisible(!model_.rows().empty());
-    fitTable();
+std::vector<const ProcessSample*> OffenderCard::rowsInView() const {
+    return rows_->inView();
 }
 
 void OffenderCard::fitTable() {
+    noHelpers_->setVisible(model_.rows().empty());
+    table_->setVisible(!model_.rows().empty());
     const int height = table_->heightOfRows(std::clamp(model_.rowCount(), 1, mostRows));
     if (table_->minimumHeight() != height || table_->maximumHeight() != height) {
         table_->setFixedHeight(height);

@@ -21,6 +21,7 @@
 #include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
+#include "sampling/process_details.h"
 
 using namespace Qt::StringLiterals;
 
@@ -58,7 +59,10 @@ void OptimizePage::makeFlow() {
 }
 
 void OptimizePage::makeOffender() {
-    offender_ = new OffenderCard(monitor_.host().protection);
+    offender_ = new OffenderCard(monitor_.host().protection, monitor_.services().clock);
+    offender_->setDetails(
+        [this](const ProcessSample& row) { return monitor_.processDetails().find(row); });
+    connect(offender_, &OffenderCard::rowsInViewChanged, this, &OptimizePage::wantDetails);
     connect(offender_, &OffenderCard::reviewWanted, this, [this](const ProcessSample& process) {
         monitor_.actions().review.selectProcess(process);
     });
@@ -71,9 +75,9 @@ void OptimizePage::makeOffender() {
 }
 
 std::vector<Observable*> OptimizePage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.actions().review.observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.actions().local.observable(),
-            &monitor_.actions().automation.observable()};
+    return {&monitor_.sample().observable(),         &monitor_.processDetails().observable(),
+            &monitor_.actions().review.observable(), &monitor_.settingsOwner().observable(),
+            &monitor_.actions().local.observable(),  &monitor_.actions().automation.observable()};
 }
 
 std::vector<HeaderAction> OptimizePage::headerActions() {
@@ -104,6 +108,18 @@ void OptimizePage::refresh() {
                                   .protectedAppNames = monitor_.settings().protectedAppNames,
                                   .protection = monitor_.host().protection}),
         monitor_.settings().protectedAppNames);
+    const ProcessDetails& details = monitor_.processDetails();
+    if (details.revision() != shownDetails_) {
+        shownDetails_ = details.revision();
+        offender_->showDetails();
+    }
+    wantDetails();
+}
+
+void OptimizePage::wantDetails() {
+    if (isVisible()) {
+        monitor_.processDetails().want(offender_->rowsInView());
+    }
 }
 
 }  // namespace tallowcrest

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "presentation/screens/shared/screen.h"
 
 namespace tallowcrest {
@@ -25,12 +27,15 @@ public:
 private:
     void makeFlow();
     void makeOffender();
+    /// Asks for the details of the rows in view.
+    void wantDetails();
 
     SystemMonitor& monitor_;
     WindowState& state_;
     CleanupFlowCard* flow_ = nullptr;
     DiskAutopilotBlock* disk_ = nullptr;
     OffenderCard* offender_ = nullptr;
+    std::uint64_t shownDetails_ = 0;  ///< their revision
 };
 
 }  // namespace tallowcrest

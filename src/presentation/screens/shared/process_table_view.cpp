@@ -272,7 +272,7 @@ void ProcessTableView::scrollContentsBy(int dx, int dy) {
 
 void ProcessTableView::followPointer(std::optional<QPoint> place) {
     pointer_ = place;
-    const int row = place ? rowAt(place->y()) : -1;
+    const int row = rowBelowPointer();
     const int before = delegate_->hoveredRow();
     if (row != before) {
         delegate_->setHoveredRow(row);

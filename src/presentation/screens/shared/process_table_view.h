@@ -34,6 +34,9 @@ public:
     /// first when there are none.
     std::pair<int, int> rowsInView() const;
 
+    /// -1 when there is none, or when the pointer is outside.
+    int rowBelowPointer() const { return pointer_ ? rowAt(pointer_->y()) : -1; }
+
     /// Whether a mouse button is down that was pressed on a row.
     bool isPressed() const { return isPressed_; }
 

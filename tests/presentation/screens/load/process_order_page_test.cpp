@@ -1,9 +1,9 @@
 #include <QAccessible>
 #include <QLineEdit>
-#include <QMouseEvent>
 
 #include "actions/actions.h"
 #include "presentation/widgets/text_button.h"
+#include "tests/presentation/pointer.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/pids_of.h"
 
@@ -23,14 +23,11 @@ protected:
 
     void sendToRows(QEvent::Type type, const QPoint& place, Qt::MouseButton button = Qt::NoButton,
                     Qt::MouseButtons buttons = Qt::NoButton) {
-        QMouseEvent event(type, place, table().viewport()->mapToGlobal(place), button, buttons,
-                          Qt::NoModifier);
-        QApplication::sendEvent(table().viewport(), &event);
+        sendMouse(*table().viewport(), type, place, button, buttons);
     }
     void movePointer() { sendToRows(QEvent::MouseMove, cell(1, 1).center()); }
     void leaveRows() {
-        QEvent leave(QEvent::Leave);
-        QApplication::sendEvent(table().viewport(), &leave);
+        pointerLeaves(*table().viewport());
         settle();
     }
 
@@ -255,6 +252,78 @@ TEST_F(ProcessOrderPageTest, AClockSetBackHoldsNoRows) {
     movePointer();
     editorRises(std::chrono::hours(-1));
     EXPECT_THAT(shown(), ElementsAre(700, 800, 1));
+}
+
+// Another row below the pointer ------------------------------------------------------------------
+
+class ReplacedRowTest : public ProcessOrderPageTest {
+protected:
+    /// The pointer rests on "Review" of a row while the first two rows change places.
+    void changePlacesBelow(int row) {
+        showProcesses();
+        place = cell(row, ProcessTableModel::actionColumn).center();
+        sendToRows(QEvent::MouseMove, place);
+        editorRises(std::chrono::milliseconds(4000));
+        ASSERT_THAT(shown(), ElementsAre(700, 800, 1));
+        endReview();  // of the process that became so heavy
+    }
+    void endReview() {
+        machine.monitor().actions().review.clearOperationTarget();
+        settle();
+    }
+    void clickAfter(int milliseconds) {
+        machine.clock.advance(std::chrono::milliseconds(milliseconds));
+        QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, place);
+        settle();
+    }
+
+    QPoint place;
+};
+
+TEST_F(ReplacedRowTest, APressRightAfterwardsIsIgnored) {
+    changePlacesBelow(1);
+    clickAfter(200);
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    EXPECT_FALSE(table().currentIndex().isValid());
+    clickAfter(200);
+    EXPECT_EQ(selectedPID(), 800);
+}
+
+TEST_F(ReplacedRowTest, TheReleaseOfAnIgnoredPressIsIgnoredHoweverLate) {
+    changePlacesBelow(0);
+    clickAfter(400);
+    ASSERT_EQ(selectedPID(), 700);
+    machine.metrics->processes.at(1).cpu = 30.0;
+    sample(std::chrono::milliseconds(4000));
+    machine.metrics->processes.at(1).cpu = 300.0;
+    sample(std::chrono::milliseconds(4000));
+    ASSERT_EQ(shown().front(), 700) << "the row that was pressed last";
+    endReview();
+    sendToRows(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::LeftButton);
+    sendToRows(QEvent::MouseMove, place, Qt::NoButton, Qt::LeftButton);
+    machine.clock.advance(std::chrono::seconds(1));
+    sendToRows(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    EXPECT_FALSE(table().isPressed());
+}
+
+TEST_F(ReplacedRowTest, APressOnARowThatStayedCounts) {
+    changePlacesBelow(2);
+    clickAfter(0);
+    EXPECT_EQ(selectedPID(), 1);
+}
+
+TEST_F(ReplacedRowTest, AKeyAndAnAccessibleActionCount) {
+    changePlacesBelow(1);
+    table().setFocus();
+    table().setCurrentIndex(model().index(0, 0));
+    press(Qt::Key_Return);
+    EXPECT_EQ(selectedPID(), 700);
+    auto* cells = QAccessible::queryAccessibleInterface(&table())->tableInterface();
+    auto* action = cells->cellAt(1, ProcessTableModel::actionColumn)->actionInterface();
+    action->doAction(action->actionNames().first());
+    settle();
+    EXPECT_EQ(selectedPID(), 800);
 }
 
 }  // namespace

@@ -113,6 +113,37 @@ TEST_F(CleanupReviewTest, ReviewOnARowSelectsAnotherProcessOfTheGroup) {
     EXPECT_FALSE(helpers()->model()->index(0, 0).data(ProcessTableModel::isSelectedRole).toBool());
 }
 
+TEST_F(CleanupReviewTest, RowsTellWhatIsKnownOfTheirProcesses) {
+    machine.processDetails = std::make_shared<FakeProcessDetailsReader>();
+    FakeProcessDetailsReader& reader = *machine.processDetails;
+    for (std::int64_t pid = 2000; pid < 2100; ++pid) {
+        machine.addProcess(pid, "/usr/bin/python3", 0.0, static_cast<double>(2200 - pid));
+        reader.facts[pid] = {{"python3", "/srv/worker.py", "--all"}, "mail", "python3"};
+    }
+    const auto readDetails = [this] {
+        while (machine.workQueue.pendingCount() > 0) {
+            machine.finishSamples();
+            settle();
+        }
+    };
+    showCleanup();
+    select(2000);
+    const auto first = helpers()->model()->index(0, 0);
+    EXPECT_EQ(first.data(ProcessTableModel::noteRole).toString(), u"2000"_s);
+    readDetails();
+    EXPECT_EQ(first.data(ProcessTableModel::noteRole).toString(), u"2000 · mail · worker.py"_s);
+    EXPECT_TRUE(first.data(Qt::ToolTipRole).toString().contains(u"/srv/worker.py --all"_s));
+    EXPECT_LT(reader.read.size(), 20U) << "only the rows in view";
+    const auto atFirst = reader.read.size();
+    tick();
+    readDetails();
+    EXPECT_EQ(reader.read.size(), atFirst) << "the same rows are not read again";
+    helpers()->scrollToBottom();
+    readDetails();
+    EXPECT_EQ(helpers()->model()->index(99, 0).data(ProcessTableModel::noteRole).toString(),
+              u"2099 · mail · worker.py"_s);
+}
+
 TEST_F(CleanupReviewTest, ScrollKeysOnALongListScrollTheList) {
     for (int i = 0; i < 20; ++i) {
         machine.addProcess(1000 + i, "/opt/chrome", 1.0, 400.0 - i);

@@ -1,5 +1,7 @@
 #include "presentation/screens/optimize/offender_card.h"
 
+#include <algorithm>
+
 #include <QAccessible>
 #include <QHeaderView>
 #include <QPushButton>
@@ -10,9 +12,12 @@
 #include "presentation/screens/shared/process_row_delegate.h"
 #include "presentation/screens/shared/process_table_view.h"
 #include "presentation/widgets/summary_card.h"
+#include "tests/presentation/pointer.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/widget_fixture.h"
 #include "tests/presentation/widgets/paint_count.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/pids_of.h"
 #include "tests/support/process_row.h"
 
 using namespace Qt::StringLiterals;
@@ -67,11 +72,19 @@ protected:
     QString cell(int row, int column) {
         return helpers()->model()->index(row, column).data().toString();
     }
+    std::vector<std::int64_t> shownPIDs() {
+        return pids(static_cast<ProcessTableModel*>(helpers()->model())->rows());
+    }
+    void movePointerOverRows() {
+        movePointer(*helpers()->viewport(),
+                    helpers()->visualRect(helpers()->model()->index(0, 1)).center());
+    }
     QPushButton& quitProcess() { return *visible<QPushButton>("cleanup.quit-process"); }
     QPushButton& quitApp() { return *visible<QPushButton>("cleanup.quit-app"); }
     QPushButton& neverQuit() { return *visible<QPushButton>("cleanup.never-quit"); }
 
-    OffenderCard card{ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}};
+    ManualClock clock;
+    OffenderCard card{ProtectionPolicy{.ownPID = 4242, .protectsLinuxSystem = true}, clock};
 };
 
 TEST_F(OffenderCardTest, WithoutATargetThereIsOnlyTheHint) {
@@ -161,6 +174,44 @@ TEST_F(OffenderCardTest, ASampleKeepsCurrentRowAndScrollPosition) {
     show(next);
     EXPECT_EQ(helpers()->currentIndex().row(), 20);
     EXPECT_EQ(helpers()->verticalScrollBar()->value(), scrolled);
+}
+
+TEST_F(OffenderCardTest, RowsStayWhileThePointerMovesOverThem) {
+    show(groupOf(3));
+    movePointerOverRows();
+    clock.advance(std::chrono::seconds(1));
+    optimize_lines::Offender next = groupOf(3);
+    std::reverse(next.target->helpers.begin(), next.target->helpers.end());
+    show(next);
+    EXPECT_THAT(shownPIDs(), ElementsAre(1000, 1001, 1002));
+    const QSignalSpy moved(&card, &OffenderCard::rowsInViewChanged);
+    pointerLeaves(*helpers()->viewport());
+    EXPECT_THAT(shownPIDs(), ElementsAre(1002, 1001, 1000));
+    EXPECT_EQ(moved.count(), 1);
+    movePointerOverRows();
+    clock.advance(std::chrono::seconds(2));
+    show(groupOf(3));
+    EXPECT_THAT(shownPIDs(), ElementsAre(1000, 1001, 1002));
+}
+
+TEST_F(OffenderCardTest, AnotherGroupReplacesRowsBelowThePointerAtOnce) {
+    show(groupOf(3));
+    movePointerOverRows();
+    optimize_lines::Offender next = offender();
+    next.target->group = "another";
+    show(next);
+    EXPECT_THAT(shownPIDs(), ElementsAre(800));
+}
+
+TEST_F(OffenderCardTest, RowsOfEndedProcessesAreHeldToo) {
+    show(groupOf(2));
+    const int height = helpers()->height();
+    movePointerOverRows();
+    show(groupOf(0));
+    EXPECT_EQ(helpers()->height(), height);
+    pointerLeaves(*helpers()->viewport());
+    EXPECT_EQ(helpers(), nullptr);
+    EXPECT_NE(visible("cleanup.no-helpers"), nullptr);
 }
 
 TEST_F(OffenderCardTest, EqualValuesChangeAndPaintNothing) {
