@@ -34,6 +34,27 @@ LoadLines loadLines(const LoadFacts& facts) {
     return lines;
 }
 
+std::vector<QString> statusPatterns(Date day) {
+    // One of them is in an hour of two digits, also where the hours are counted to twelve.
+    Date longest = day;
+    for (const double hours : {3.0, 6.0, 9.0}) {
+        const Date other{day.secondsSinceReference + hours * 3600.0};
+        if (dashboard_text::timeText(other).size() > dashboard_text::timeText(longest).size()) {
+            longest = other;
+        }
+    }
+    std::vector<QString> patterns;
+    const auto add = [&](const std::optional<ProcessOrder>& order) {
+        patterns.push_back(dashboard_text::sortStatus(orderName(order), 9999, longest));
+    };
+    add(std::nullopt);
+    for (const ProcessColumn column : {ProcessColumn::process, ProcessColumn::cpu,
+                                       ProcessColumn::memory, ProcessColumn::memoryPercent}) {
+        add(ProcessOrder{column, false});
+    }
+    return patterns;
+}
+
 QString impactOrderEffect() {
     return u"Returns to the order by CPU and memory impact"_s;
 }

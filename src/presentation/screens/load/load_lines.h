@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include <QString>
 
@@ -26,6 +27,10 @@ struct LoadFacts {
 
 /// Main thread.
 LoadLines loadLines(const LoadFacts& facts);
+
+/// For each order a status with as many digits as any of that day with less than 10,000 processes,
+/// to reserve its room. Main thread.
+std::vector<QString> statusPatterns(Date day);
 
 /// The title of a column, which is a button that orders the list.
 struct ColumnTitle {

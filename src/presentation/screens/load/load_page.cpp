@@ -26,7 +26,6 @@
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/text_button.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/process_filter.h"
 #include "sampling/app_impact.h"
@@ -40,6 +39,7 @@ namespace {
 
 /// On a lower page the caption, which explains the order, leaves its line to the rows.
 constexpr int captionPageHeight = 680;
+constexpr int statusHeight = 3 * spacing::unit;
 
 }  // namespace
 
@@ -77,36 +77,11 @@ LoadPage::LoadPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
         }
     });
     card_->headerLayout()->addWidget(tools_, 1);
-    card_->contentLayout()->addWidget(makeStatusRow());
+    status_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card_);
+    status_->setObjectName(u"processes.sort-status"_s);
+    status_->setFixedHeight(statusHeight);
     makeTable();
     layout->addWidget(card_, 1);
-}
-
-QWidget* LoadPage::makeStatusRow() {
-    auto* row = new QWidget(card_);
-    row->setFixedHeight(TextButton::buttonHeight);
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing::unit);
-    status_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), row);
-    status_->setObjectName(u"processes.sort-status"_s);
-    impactOrder_ = new TextButton(u"processes.impact-order"_s, &CrestTheme::accentText, row);
-    impactOrder_->setText(u"Impact order"_s);
-    impactOrder_->setAccessibleName(impactOrder_->text());
-    impactOrder_->setAccessibleDescription(impactOrderEffect());
-    impactOrder_->setToolTip(impactOrderEffect());
-    impactOrder_->hide();
-    connect(impactOrder_, &TextButton::clicked, this, [this] {
-        // The focus must not get lost with the button.
-        if (impactOrder_->hasFocus()) {
-            table_->setFocus();
-        }
-        setOrder(std::nullopt);
-    });
-    layout->addWidget(status_);
-    layout->addWidget(impactOrder_);
-    layout->addStretch(1);
-    return row;
 }
 
 void LoadPage::makeTable() {
@@ -121,6 +96,7 @@ void LoadPage::makeTable() {
     header_ = new OrderHeader(*table_, card_);
     connect(header_, &OrderHeader::clicked, this,
             [this](ProcessColumn column) { setOrder(orderAfterClick(order_, column)); });
+    connect(header_, &OrderHeader::impactOrderWanted, this, [this] { setOrder(std::nullopt); });
     connect(table_, &ProcessTableView::reviewRequested, this, &LoadPage::review);
     rows_ = new ProcessRows(*table_, *model_, monitor_.services().clock, this);
     connect(rows_, &ProcessRows::viewChanged, this, &LoadPage::wantDetails);
@@ -136,8 +112,39 @@ void LoadPage::fold() {
     const int heading = spacing::iconRegular + spacing::unit +
                         QFontMetrics(CrestFonts::current().heading)
                             .horizontalAdvance(text(title(ActivityListMode::load)));
-    tools_->fold(width() - 2 * spacing::pagePadding - 2 * spacing::cardPadding - heading -
-                 2 * spacing::unit);
+    const int card = std::min(width() - 2 * spacing::pagePadding, spacing::widestContent);
+    const int room = card - 2 * spacing::cardPadding - heading - 2 * spacing::unit;
+    const int status = statusWidth();
+    const bool isInTitle = tools_->fold(room - status - spacing::unit);
+    if (!isInTitle) {
+        tools_->fold(room);
+    }
+    status_->setMinimumWidth(isInTitle ? status : 0);
+    placeStatus(isInTitle);
+}
+
+int LoadPage::statusWidth() const {
+    int widest = 0;
+    for (const QString& pattern : statusPatterns(monitor_.services().clock.now())) {
+        widest = std::max(widest, figuresWidth(CrestFonts::current().caption, pattern) + 1);
+    }
+    return widest;
+}
+
+void LoadPage::placeStatus(bool isInTitle) {
+    QBoxLayout* from = card_->headerLayout();
+    QBoxLayout* to = card_->contentLayout();
+    int place = 0;
+    if (isInTitle) {
+        std::swap(from, to);
+        place = to->indexOf(tools_);
+    }
+    if (to->indexOf(status_) < 0) {
+        from->removeWidget(status_);
+        to->insertWidget(place, status_);
+        // Beside the status, only the tools take the space that is left.
+        card_->headerLayout()->setStretch(1, isInTitle ? 0 : 1);
+    }
 }
 
 void LoadPage::resizeEvent(QResizeEvent* event) {
@@ -216,7 +223,6 @@ void LoadPage::updateRows(Date sampledAt) {
 void LoadPage::setOrder(std::optional<ProcessOrder> order) {
     order_ = order;
     header_->setOrder(order_);
-    impactOrder_->setVisible(order_.has_value());
     fold();
     refresh();
     table_->scrollToTop();

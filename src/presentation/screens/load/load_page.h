@@ -18,7 +18,6 @@ class ProcessTableModel;
 class ProcessTableView;
 class ProcessTools;
 class SystemMonitor;
-class TextButton;
 struct WindowState;
 
 /// The full process list, in which a process can be selected for review. Nothing can be quit here.
@@ -51,10 +50,12 @@ private:
         bool operator==(const List&) const = default;
     };
 
-    QWidget* makeStatusRow();
     void makeTable();
     /// Uses the space of the page: what is only good to know stands where the rows leave room.
     void fold();
+    /// The room that the status needs in any order.
+    int statusWidth() const;
+    void placeStatus(bool isInTitle);
     void review(const QModelIndex& index);
     void setOrder(std::optional<ProcessOrder> order);
     void updateRows(Date sampledAt);
@@ -70,7 +71,6 @@ private:
     Card* card_ = nullptr;
     ProcessTools* tools_ = nullptr;
     ElidedLabel* status_ = nullptr;
-    TextButton* impactOrder_ = nullptr;
     OrderHeader* header_ = nullptr;
     ProcessTableModel* model_ = nullptr;
     ProcessTableView* table_ = nullptr;

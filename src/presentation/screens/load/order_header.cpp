@@ -1,5 +1,7 @@
 #include "presentation/screens/load/order_header.h"
 
+#include <algorithm>
+
 #include <QPainter>
 
 #include "presentation/screens/load/load_lines.h"
@@ -31,12 +33,29 @@ OrderHeader::OrderHeader(ProcessTableView& table, QWidget* parent)
         connect(button, &TextButton::clicked, this, [this, column] { emit clicked(column); });
         buttons_.at(i) = button;
     }
+    makeImpactOrder();
     action_ = new ElidedLabel(u"Action"_s, onCard(&CrestFonts::caption, &CrestTheme::secondaryText),
                               this);
     action_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
     setOrder(std::nullopt);
+    setTabOrder(buttons_.front(), impactOrder_);
     setTabOrder(buttons_.back(), &table_);
     connect(&table_, &ProcessTableView::columnsSized, this, &OrderHeader::placeTitles);
+}
+
+void OrderHeader::makeImpactOrder() {
+    impactOrder_ = new TextButton(u"processes.impact-order"_s, &CrestTheme::accentText, this);
+    impactOrder_->setText(u"Impact order"_s);
+    impactOrder_->setAccessibleName(impactOrder_->text());
+    impactOrder_->setAccessibleDescription(impactOrderEffect());
+    impactOrder_->setToolTip(impactOrderEffect());
+    connect(impactOrder_, &TextButton::clicked, this, [this] {
+        // The focus must not get lost with the button.
+        if (impactOrder_->hasFocus()) {
+            table_.setFocus();
+        }
+        emit impactOrderWanted();
+    });
 }
 
 void OrderHeader::setOrder(const std::optional<ProcessOrder>& order) {
@@ -50,6 +69,8 @@ void OrderHeader::setOrder(const std::optional<ProcessOrder>& order) {
         setSpokenDescription(button, shown.effect);
         button.setToolTip(shown.effect);
     }
+    impactOrder_->setVisible(order.has_value());
+    placeTitles();
 }
 
 void OrderHeader::placeTitles() {
@@ -62,6 +83,11 @@ void OrderHeader::placeTitles() {
         place(*buttons_.at(i), static_cast<int>(i));
     }
     place(*action_, ProcessTableModel::actionColumn);
+    // On the title of the names, right behind its text.
+    const TextButton& names = *buttons_.front();
+    const int text = std::min(names.sizeHint().width(), names.width());
+    impactOrder_->setGeometry(
+        text, 0, std::min(impactOrder_->sizeHint().width(), names.width() - text), names.height());
 }
 
 void OrderHeader::paintEvent(QPaintEvent*) {

@@ -15,6 +15,7 @@ class TextButton;
 
 /// The titles above the columns of a process table, as buttons that order it. They replace the
 /// header of Qt's table, whose sections neither the keyboard nor assistive technology can press.
+/// While another order holds, a button leads back to that by impact.
 /// Main thread.
 class OrderHeader final : public QWidget {
     Q_OBJECT
@@ -28,15 +29,18 @@ public:
 
 signals:
     void clicked(ProcessColumn column);
+    void impactOrderWanted();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void makeImpactOrder();
     void placeTitles();
 
     ProcessTableView& table_;
     std::array<TextButton*, 4> buttons_{};
+    TextButton* impactOrder_ = nullptr;
     ElidedLabel* action_ = nullptr;
 };
 

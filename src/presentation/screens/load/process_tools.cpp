@@ -68,16 +68,17 @@ QLineEdit* ProcessTools::makeFilter() {
     return field;
 }
 
-void ProcessTools::fold(int room) {
+bool ProcessTools::fold(int room) {
     for (const auto& [hasIcons, hasWords] :
          {std::pair(true, true), std::pair(false, true), std::pair(true, false)}) {
         showButtons(hasIcons, hasWords);
         if (selectTopRow_->sizeHint().width() + activityMonitor_->sizeHint().width() +
                 filter_->minimumWidth() + 2 * spacing::unit <=
             room) {
-            return;
+            return true;
         }
     }
+    return false;
 }
 
 void ProcessTools::showButtons(bool hasIcons, bool hasWords) {

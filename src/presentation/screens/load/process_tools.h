@@ -15,8 +15,8 @@ class ProcessTools final : public QWidget {
 public:
     explicit ProcessTools(QWidget* parent = nullptr);
 
-    /// Shows as much of the buttons as fits into that width.
-    void fold(int room);
+    /// Shows as much of the buttons as fits into that width. False if even the icons do not.
+    bool fold(int room);
 
     QString filter() const;
     void setFilter(const QString& filter);

@@ -34,6 +34,21 @@ TEST(LoadLines, CountTheRowsInTheFormatOfTheLocale) {
     EXPECT_EQ(lines.description, u"Processes by impact. Return on a row selects it for review."_s);
 }
 
+TEST(LoadLines, NoStatusIsLongerThanItsPattern) {
+    const ScopedLocale locale("en_US");
+    for (int hour = 0; hour < 24; ++hour) {
+        const Date now{hour * 3600.0};
+        const LoadLines lines =
+            loadLines({.sampledAt = now, .hasProcesses = true, .shownRows = 9999});
+        for (int later = 0; later < 24; ++later) {
+            const auto patterns = statusPatterns(Date{later * 3600.0});
+            ASSERT_EQ(patterns.size(), 5U);
+            EXPECT_LE(lines.status.size(), patterns.front().size()) << hour << ' ' << later;
+        }
+    }
+    EXPECT_TRUE(statusPatterns(Date{})[3].startsWith(u"Sorted by Memory ↓ · 9,999 visible"_s));
+}
+
 TEST(LoadLines, NameTheOrderThatTheOwnerChose) {
     const LoadLines lines = loadLines({.sampledAt = Date{},
                                        .hasProcesses = true,

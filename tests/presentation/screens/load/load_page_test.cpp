@@ -121,6 +121,29 @@ TEST_F(LoadPageTest, ASampleNeverDisturbsTyping) {
     EXPECT_TRUE(filter().hasFocus());
 }
 
+TEST_F(LoadPageTest, TheStatusStandsBesideTheFilterWhereItFits) {
+    window().resize(1600, 1000);
+    showProcesses();
+    const auto place = [this](const char* identifier) {
+        const QWidget* shown = visible(identifier);
+        return QRect(shown->mapTo(&window(), QPoint()), shown->size());
+    };
+    for (const int width : {1600, 640, 900, 1600}) {
+        window().resize(width, 600);
+        settle();
+        const QRect status = place("processes.sort-status");
+        const QRect field = place("processes.filter");
+        if (width == 1600) {
+            EXPECT_EQ(status.center().y(), field.center().y());
+            EXPECT_LT(status.right(), place("processes.select-top-row").left());
+        } else {
+            EXPECT_GE(status.top(), field.bottom()) << width;
+        }
+        const auto* label = visible<ElidedLabel>("processes.sort-status");
+        EXPECT_EQ(label->shownLines().join(u'|'), label->text()) << width;
+    }
+}
+
 // Review -----------------------------------------------------------------------------------------
 
 TEST_F(LoadPageTest, OnlyACompleteClickOnTheButtonSelects) {

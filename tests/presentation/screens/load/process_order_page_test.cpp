@@ -139,6 +139,35 @@ TEST_F(ProcessOrderPageTest, TheTitlesStandAboveTheirColumns) {
     }
 }
 
+TEST_F(ProcessOrderPageTest, NoOrderMovesATitle) {
+    for (const int width : {640, 900, 1200, 1600}) {
+        window().resize(width, 600);
+        showProcesses();
+        const QWidget* title = visible("processes.order.cpu");
+        const auto place = [&] { return title->mapTo(&window(), QPoint()); };
+        const QPoint before = place();
+        for (const char* each : {"processes.order.process", "processes.order.memory-percent"}) {
+            click(each);
+            EXPECT_EQ(place(), before) << width << each;
+        }
+        click("processes.impact-order");
+        EXPECT_EQ(place(), before) << width;
+    }
+}
+
+TEST_F(ProcessOrderPageTest, TheWayBackStandsBehindTheFirstTitle) {
+    window().resize(640, 480);
+    showProcesses();
+    click("processes.order.process");
+    const QWidget* title = visible("processes.order.process");
+    const QWidget* way = visible("processes.impact-order");
+    EXPECT_EQ(way->x(), title->sizeHint().width());
+    EXPECT_EQ(way->width(), way->sizeHint().width());
+    EXPECT_LE(way->geometry().right(), title->geometry().right());
+    visible("processes.order.process")->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(tabOrder(3), u"processes.order.process processes.impact-order processes.order.cpu"_s);
+}
+
 // Assistive technology ---------------------------------------------------------------------------
 
 TEST_F(ProcessOrderPageTest, TheAccessibleActionOfAReviewCellReviews) {
