@@ -23,8 +23,8 @@
 namespace tallowcrest {
 namespace {
 
-/// The longest part of a command line that is read.
-constexpr std::size_t longestCommandLine = 4096;
+/// The longest part of a command line that is read; few programs have a longer one.
+constexpr std::size_t longestCommandLine = 16'384;
 
 std::string_view readIn(const UniqueFD& directory, const char* name, std::span<char> buffer) {
     const UniqueFD file(::openat(directory.get(), name, O_RDONLY | O_CLOEXEC));

@@ -34,16 +34,20 @@ QStringList spoken(const ProcessSample& row, const ProcessDetail* detail) {
     return QStringList(u"PID %1"_s.arg(row.pid)) + ownerAndArgument(detail);
 }
 
+QString commandLine(const ProcessSample& row, const ProcessDetail* detail) {
+    return text(detail != nullptr && !detail->commandLine.empty() ? detail->commandLine
+                                                                  : row.command);
+}
+
 QString toolTip(const ProcessSample& row, const ProcessDetail* detail) {
     QString tip = u"PID %1"_s.arg(row.pid);
     if (detail != nullptr && !detail->owner.empty()) {
         tip += separator() + text(detail->owner);
     }
-    tip += u'\n' + text(row.command);
-    if (detail != nullptr && !detail->commandLine.empty() && detail->commandLine != row.command) {
-        tip += u'\n' + text(detail->commandLine);
-    }
-    return tip;
+    const QString command = text(row.command);
+    const QString whole = commandLine(row, detail);
+    tip += u'\n' + command;
+    return whole == command ? tip : tip + u'\n' + whole;
 }
 
 }  // namespace tallowcrest::process_words

@@ -23,6 +23,9 @@ QString note(const ProcessSample& row, const ProcessDetail* detail);
 /// The same for assistive technology: "PID 812", "root", "server.py".
 QStringList spoken(const ProcessSample& row, const ProcessDetail* detail);
 
+/// The whole command line, as far as it is read; the command while it is not known.
+QString commandLine(const ProcessSample& row, const ProcessDetail* detail);
+
 /// The text of a row's tool tip: PID and user, the command, and the whole command line.
 QString toolTip(const ProcessSample& row, const ProcessDetail* detail);
 

@@ -69,8 +69,16 @@ TEST_F(ProcfsDetailsReaderTest, ReadsTheStartOfAVeryLongCommandLine) {
     tree.putCommandLine(4242, "tool\000"s + std::string(1'000'000, 'x'));
     const auto facts = reader(::geteuid()).readFacts(4242, 777);
     ASSERT_TRUE(facts && facts->arguments.size() == 2);
-    EXPECT_LT(facts->arguments[1].size(), 10'000U);
+    EXPECT_LT(facts->arguments[1].size(), 20'000U);
     EXPECT_TRUE(facts->arguments[1].ends_with("x…")) << "the cut is shown";
+}
+
+TEST_F(ProcfsDetailsReaderTest, ReadsALongCommandLineWhole) {
+    tree.putCommandLine(4242, "tool\000"s + std::string(16'000, 'x') + "\000--last\000"s);
+    const auto facts = reader(::geteuid()).readFacts(4242, 777);
+    ASSERT_TRUE(facts && facts->arguments.size() == 3);
+    EXPECT_EQ(facts->arguments[1].size(), 16'000U);
+    EXPECT_EQ(facts->arguments[2], "--last");
 }
 
 TEST_F(ProcfsDetailsReaderTest, AKernelThreadHasNoArguments) {

@@ -33,6 +33,10 @@ TEST(ProcessWords, TheToolTipHasTheCommandLine) {
     ProcessDetail same;
     same.commandLine = "/bin/bash";
     EXPECT_EQ(process_words::toolTip(row, &same), u"PID 812\n/bin/bash"_s);
+    EXPECT_EQ(process_words::commandLine(row, &script), u"bash a.sh -v"_s);
+    EXPECT_EQ(process_words::commandLine(row, nullptr), u"/bin/bash"_s);
+    const ProcessDetail none;
+    EXPECT_EQ(process_words::commandLine(row, &none), u"/bin/bash"_s);
 }
 
 TEST(ProcessWords, ShowNoHiddenCharacters) {

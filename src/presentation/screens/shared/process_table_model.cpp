@@ -245,6 +245,11 @@ QVariant ProcessTableModel::data(const QModelIndex& index, int role) const {
                        : QVariant();
         case Qt::AccessibleTextRole:
             return spokenText(row, index.column());
+        case Qt::AccessibleDescriptionRole:
+            // Only the pointer reaches the tool tip.
+            return index.column() == processColumn
+                       ? QVariant(process_words::commandLine(row, detailOf(row)))
+                       : QVariant();
         case Qt::TextAlignmentRole:
             return index.column() == processColumn || index.column() == actionColumn
                        ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QScrollBar>
 #include <QTextDocument>
 
@@ -124,6 +125,10 @@ TEST_F(ProcessDetailsPageTest, AssistiveTechnologyHearsTheDetails) {
     const QModelIndex index = model().index(0, 0);
     EXPECT_EQ(index.data(Qt::AccessibleTextRole).toString(),
               u"python3, PID 800, photos, index.py"_s);
+    auto* cells = QAccessible::queryAccessibleInterface(&table())->tableInterface();
+    EXPECT_EQ(cells->cellAt(0, 0)->text(QAccessible::Description),
+              u"python3 /opt/index.py --token (hidden)"_s);
+    EXPECT_EQ(cells->cellAt(0, 1)->text(QAccessible::Description), QString());
     QTextDocument tip;
     tip.setHtml(index.data(Qt::ToolTipRole).toString());
     EXPECT_EQ(tip.toPlainText(),
