@@ -110,6 +110,8 @@ QWidget* MenuBarPanel::makeGraph() {
 QWidget* MenuBarPanel::makeRow(const MenuBarEntry& entry, QWidget* rows) {
     auto* row = new MenuBarRow(entry.title(), entry.icon, entry.identifier, rows);
     row->setDanger(entry.isDanger);
+    // A button and the scroll area around it have uses of their own for the arrow keys.
+    row->installEventFilter(this);
     connect(row, &QPushButton::clicked, this, [this, run = entry.run] {
         dismiss();
         run();
@@ -228,14 +230,21 @@ void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
         dismiss();
         return;
     }
-    if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
-        focusNextRow(event->key() == Qt::Key_Down);
-        return;
+    if (!moveFocusFor(*event)) {
+        QWidget::keyPressEvent(event);
     }
-    QWidget::keyPressEvent(event);
 }
 
-void MenuBarPanel::focusNextRow(bool forward) {
+bool MenuBarPanel::eventFilter(QObject* object, QEvent* event) {
+    return (event->type() == QEvent::KeyPress && moveFocusFor(*static_cast<QKeyEvent*>(event))) ||
+           QWidget::eventFilter(object, event);
+}
+
+bool MenuBarPanel::moveFocusFor(const QKeyEvent& event) {
+    const bool forward = event.key() == Qt::Key_Down;
+    if (!forward && event.key() != Qt::Key_Up) {
+        return false;
+    }
     std::vector<MenuBarRow*> shown;
     for (const auto& [row, entry] : rows_) {
         if (row->isVisible()) {
@@ -250,6 +259,7 @@ void MenuBarPanel::focusNextRow(bool forward) {
     if (!shown.empty()) {
         (next == shown.end() ? shown.front() : *next)->setFocus(Qt::TabFocusReason);
     }
+    return true;
 }
 
 void MenuBarPanel::showEvent(QShowEvent* event) {

@@ -35,6 +35,7 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -49,8 +50,9 @@ private:
     /// Resizes to the height of the content, at most that of the screen.
     void fit();
     QRect screenArea() const;
-    /// Gives the focus to the next row or the one before, around the ends.
-    void focusNextRow(bool forward);
+    /// For Down and Up, gives the focus to the next row or the one before, around the ends. False
+    /// for any other key.
+    bool moveFocusFor(const QKeyEvent& event);
     void dismiss();
 
     SystemMonitor& monitor_;
