@@ -25,6 +25,8 @@ struct DesktopActionPorts {
     /// Replaces the content of the desktop's clipboard with a plain text. Absent without a desktop.
     /// Main thread.
     std::function<void(const std::string& text)> storeOnPasteboard;
+    /// Opens an application for the tailnet's client; otherwise as `openActivityMonitor`.
+    std::function<bool()> openTailscaleApp = {};
 };
 
 /// The ports of `Actions`.

@@ -9,7 +9,8 @@ Actions::Actions(const Services& services, LatestSample& sample, ProtectionPolic
     : review(services, sample, protection),
       local({services, sample, review, protection, std::move(refresh), std::move(ports.local)}),
       automation(services),
-      applications(services.log, std::move(ports.desktop.openActivityMonitor)),
+      applications(services.log, std::move(ports.desktop.openActivityMonitor),
+                   std::move(ports.desktop.openTailscaleApp)),
       pasteboard(services.log, std::move(ports.desktop.storeOnPasteboard)) {}
 
 }  // namespace tallowcrest

@@ -19,14 +19,23 @@ public:
 
     /// Copies `text` and records `message`. Without a clipboard it fails with a message of its own.
     Outcome copyToPasteboard(const std::string& text, const std::string& message) {
-        if (!store_) {
-            return log_.record(Outcome::failed("There is no clipboard here."));
-        }
-        store_(text);
-        return log_.record(Outcome::done(message));
+        return log_.record(copy(text, message));
+    }
+
+    /// The same, but the message becomes the last action only and no event.
+    Outcome copyWithoutEvent(const std::string& text, const std::string& message) {
+        return log_.show(copy(text, message));
     }
 
 private:
+    Outcome copy(const std::string& text, const std::string& message) {
+        if (!store_) {
+            return Outcome::failed("There is no clipboard here.");
+        }
+        store_(text);
+        return Outcome::done(message);
+    }
+
     ActivityLog& log_;
     Store store_;
 };
@@ -37,21 +46,31 @@ public:
     /// False when no such application could be opened.
     using Open = std::function<bool()>;
 
-    /// `openActivityMonitor` is absent without a desktop.
-    ExternalApplications(ActivityLog& log, Open openActivityMonitor)
-        : log_(log), openActivityMonitor_(std::move(openActivityMonitor)) {}
+    /// Each of them is absent without a desktop.
+    ExternalApplications(ActivityLog& log, Open openActivityMonitor, Open openTailscaleApp)
+        : log_(log),
+          openActivityMonitor_(std::move(openActivityMonitor)),
+          openTailscaleApp_(std::move(openTailscaleApp)) {}
 
     /// Opens the system's own process viewer, or records that there is none.
     Outcome openActivityMonitor() {
-        if (!openActivityMonitor_ || !openActivityMonitor_()) {
-            return log_.record(Outcome::failed("No activity monitor application is installed."));
-        }
-        return Outcome::done();
+        return open(openActivityMonitor_, "No activity monitor application is installed.");
+    }
+
+    /// Opens the application of the tailnet's client, or records that there is none.
+    Outcome openTailscaleApp() {
+        return open(openTailscaleApp_, "No Tailscale application is installed.");
     }
 
 private:
+    Outcome open(const Open& application, const std::string& failure) {
+        return application && application() ? Outcome::done()
+                                            : log_.record(Outcome::failed(failure));
+    }
+
     ActivityLog& log_;
     Open openActivityMonitor_;
+    Open openTailscaleApp_;
 };
 
 }  // namespace tallowcrest

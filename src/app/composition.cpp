@@ -58,7 +58,8 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
                               .cachePurge = std::make_shared<ToolCachePurge>(
                                   host::allowedExecutables(), toolLauncher_, host::purgeTools())},
                     .desktop = std::move(desktop.actions)},
-        .remote = {toolLauncher_, host::allowedExecutables()},
+        .remote = {toolLauncher_, host::allowedExecutables(), host::tailscaleDaemon(),
+                   host::places().tailscaleCLI},
         .reports = {.folder = std::make_shared<PosixReportFolder>(host::reportsDirectory,
                                                                   std::move(desktop.revealFile)),
                     .utcOffset = utcOffsetOfThisMachine},

@@ -163,7 +163,8 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
         mainQueue, SettingsAccess::readWrite,
         {.makeGracefulQuit = desktop::makeGracefulQuit,
          .actions = {.openActivityMonitor = desktop::openActivityMonitor,
-                     .storeOnPasteboard = desktop::storeOnClipboard},
+                     .storeOnPasteboard = desktop::storeOnClipboard,
+                     .openTailscaleApp = desktop::openTailscaleApp},
          .revealFile = desktop::revealFile,
          .integration = {.notifications = notifications.get(), .openRoute = openRoute},
          .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});

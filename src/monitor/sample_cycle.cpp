@@ -10,6 +10,7 @@
 #include "monitor/auto_rules.h"
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
+#include "remote/tailnet.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 #include "sampling/system_metrics_reader.h"
@@ -67,6 +68,7 @@ BackgroundSample takeSample(SampleSources& sources, const SampleInputs& inputs,
 // The main half.
 void SampleCycle::applySample(BackgroundSample background) {
     publish(background);
+    dependencies_.tailnet.publishReading();
     const SystemSnapshot& snapshot = *dependencies_.sample.snapshot();
     dependencies_.sample.appendHistoryPoint();
     dependencies_.sample.countTopApp();
@@ -92,6 +94,9 @@ SampleCycle::SampleCycle(Dependencies dependencies)
       jobs_(dependencies_.services.jobs) {}
 
 void SampleCycle::refresh() {
+    if (!dependencies_.readOnly) {
+        dependencies_.tailnet.beginReading();
+    }
     jobs_.run(
         Lane::sampling,
         [sources = dependencies_.sources, inputs = inputs(), &clock = dependencies_.services.clock](

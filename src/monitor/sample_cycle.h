@@ -16,6 +16,7 @@ namespace tallowcrest {
 class AutoRules;
 class LatestSample;
 class SystemMetricsReader;
+class Tailnet;
 
 /// The sources that the background half of a sample reads. Shared with running samples, because one
 /// may outlive the monitor.
@@ -65,6 +66,7 @@ public:
         std::shared_ptr<SampleSources> sources;
         LatestSample& sample;
         AutoRules& rules;
+        Tailnet& tailnet;
         int cpuCount = 1;
         ProtectionPolicy protection;
         bool readOnly = false;  ///< nothing is selected, asked for or started by itself

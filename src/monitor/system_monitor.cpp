@@ -41,7 +41,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       processDetails_(std::make_unique<ProcessDetails>(services_.jobs, ports.processDetails)),
       actions_(std::make_unique<Actions>(
           services_, *sample_, host_.protection, [this] { refresh(); }, ports.actions)),
-      remote_(std::make_unique<Remote>(services_, ports.remote)),
+      remote_(std::make_unique<Remote>(services_, actions_->pasteboard, ports.remote)),
       reports_(std::make_unique<Reports>(
           services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
       integration_(std::make_unique<Integration>(services_, ports.integration)),
@@ -53,6 +53,7 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
                                     .sources = sources_,
                                     .sample = *sample_,
                                     .rules = *autoRules_,
+                                    .tailnet = remote_->tailnet,
                                     .cpuCount = host_.cpuCount,
                                     .protection = host_.protection,
                                     .readOnly = host_.readOnly,

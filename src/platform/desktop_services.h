@@ -35,4 +35,7 @@ bool openFirstApplication(const std::vector<std::string>& paths,
 /// Does this with the process viewers of the system.
 bool openActivityMonitor();
 
+/// Does this with the applications for the client of the tailnet.
+bool openTailscaleApp();
+
 }  // namespace tallowcrest::desktop

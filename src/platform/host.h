@@ -8,6 +8,7 @@
 
 #include "actions/process_control.h"
 #include "core/places.h"
+#include "remote/tailnet_reading.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/process_details.h"
 #include "sampling/protection.h"
@@ -67,6 +68,13 @@ std::filesystem::path executablePath();
 /// The absolute paths of the system's process viewers, in the order in which to try them. Not all
 /// of them need be installed.
 std::vector<std::string> activityMonitors();
+
+/// The same for the applications that show the client of the tailnet.
+std::vector<std::string> tailscaleApps();
+
+/// The daemon of the tailnet's client. Absent on systems where it has no local socket at a fixed
+/// place.
+TailscaleDaemon tailscaleDaemon();
 
 /// Gives the calling thread utility priority: a low share of the processor, and disk access only
 /// when no other process wants it. Where the system refuses, the priority stays.

@@ -4,7 +4,8 @@
 
 namespace tallowcrest {
 
-Remote::Remote(const Services& services, const RemotePorts& ports)
-    : tools(ports.allowed, ports.launcher, services.jobs, services.log), tailnet(services) {}
+Remote::Remote(const Services& services, Pasteboard& pasteboard, const RemotePorts& ports)
+    : tools(ports.allowed, ports.launcher, services.jobs, services.log),
+      tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard) {}
 
 }  // namespace tallowcrest

@@ -6,12 +6,13 @@
 
 namespace tallowcrest {
 
+class Pasteboard;
 struct Services;
 
 /// The components behind the other machines of the tailnet. Main thread.
 struct Remote {
     /// The references must outlive the object.
-    Remote(const Services& services, const RemotePorts& ports);
+    Remote(const Services& services, Pasteboard& pasteboard, const RemotePorts& ports);
 
     ToolRunner tools;
     Tailnet tailnet;

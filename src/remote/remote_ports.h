@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+
+#include "remote/tailnet_reading.h"
 #include "sampling/command_safety_policy.h"
 
 namespace tallowcrest {
@@ -10,6 +13,8 @@ class ToolLauncher;
 struct RemotePorts {
     ToolLauncher& launcher;
     const CommandSafetyPolicy::AllowedExecutables& allowed;
+    TailscaleDaemon daemon = {};    ///< absent where it has no local socket
+    std::string tailscaleCLI = {};  ///< empty where the tailnet is not read
 };
 
 }  // namespace tallowcrest

@@ -1,46 +1,57 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
+#include <optional>
 
-#include "core/remote_records.h"
+#include "core/jobs/jobs.h"
+#include "core/outcome.h"
+#include "remote/tail_status.h"
+#include "remote/tailnet_reading.h"
 
 namespace tallowcrest {
 
+class ActivityLog;
 class Observable;
+class Pasteboard;
 struct Services;
 
-/// What the local client of the tailnet has told.
-struct TailnetState {
-    /// Online peers first, then by name. Empty when there are none or the last reading failed.
-    std::vector<TailDevice> tailDevices;
-    /// What is wrong with the client of this machine, one line each.
-    std::vector<std::string> tailscaleHealthIssues;
-
-    bool operator==(const TailnetState&) const = default;
-};
-
 /// The other machines of the tailnet. Main thread.
+///
+/// A reading takes as long as the tailnet's client lets it wait, so a sample neither waits for one
+/// nor brings its own: it publishes what a reading brought since the sample before it.
 class Tailnet {
 public:
     /// The references must outlive the object.
-    explicit Tailnet(const Services& services);
+    Tailnet(const Services& services, TailnetSources sources, Pasteboard& pasteboard);
     ~Tailnet();
     Tailnet(const Tailnet&) = delete;
     Tailnet& operator=(const Tailnet&) = delete;
 
     const TailnetState& state() const { return state_; }
 
+    /// Begins to read the state in the background, unless a reading is under way or there is
+    /// nothing to read it from.
+    void beginReading();
+    /// Publishes the result of the reading that ended last, unless that has been done.
+    void publishReading();
+
     /// Replaces the whole state.
     void publish(TailnetState state);
+
+    /// Copies the command that tests the tailnet, and shows that without recording an event.
+    Outcome copyTailscaleHealthCommand();
 
     /// Notifies of a changed state.
     Observable& observable() { return *observable_; }
 
 private:
+    TailnetSources sources_;
+    Pasteboard& pasteboard_;
     std::unique_ptr<Observable> observable_;
     TailnetState state_;
+    bool isReading_ = false;
+    std::optional<TailnetState> unpublished_;
+    JobScope jobs_;
 };
 
 }  // namespace tallowcrest

@@ -33,9 +33,15 @@ inline constexpr std::array<std::string_view, 6> linuxSystemMonitors{
     "/usr/bin/gnome-system-monitor", "/usr/bin/plasma-systemmonitor", "/usr/bin/ksysguard",
     "/usr/bin/mate-system-monitor",  "/usr/bin/xfce4-taskmanager",    "/usr/bin/lxtask"};
 
-/// The tools that are launched on Linux: the secure shell, the tools that purge the file caches
-/// with the owner's authorisation, and `linuxSystemMonitors`. Kernel files and system calls replace
-/// the others.
+/// The applications for the client of the tailnet, which has none of its own on Linux, in the order
+/// in which they are tried: as packages of the distribution, then as Flatpaks of the whole machine.
+inline constexpr std::array<std::string_view, 4> linuxTailscaleApps{
+    "/usr/bin/trayscale", "/usr/bin/ktailctl", "/var/lib/flatpak/exports/bin/dev.deedles.Trayscale",
+    "/var/lib/flatpak/exports/bin/org.fkoehler.KTailctl"};
+
+/// The tools that are launched on Linux: the secure shell, the client of the tailnet, the tools
+/// that purge the file caches with the owner's authorisation, `linuxSystemMonitors` and
+/// `linuxTailscaleApps`. Kernel files and system calls replace the others.
 const AllowedExecutables& linuxExecutables();
 
 inline bool isAllowedExecutable(const AllowedExecutables& allowed, std::string_view path) {

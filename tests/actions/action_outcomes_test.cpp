@@ -40,8 +40,10 @@ public:
     }
 
     bool isViewerInstalled = true;
-    ExternalApplications applications{log, [this] { return isViewerInstalled; }};
-    ExternalApplications noApplications{log, {}};
+    bool isTailscaleInstalled = true;
+    ExternalApplications applications{log, [this] { return isViewerInstalled; },
+                                      [this] { return isTailscaleInstalled; }};
+    ExternalApplications noApplications{log, {}, {}};
     Pasteboard pasteboard{log, [](const std::string& /*text*/) {}};
     Pasteboard noPasteboard{log, {}};
 };
@@ -92,6 +94,14 @@ const std::vector<OutcomeCase>& cases() {
         {"OpenAProcessViewerWithoutADesktop", nothing,
          [](M& m) { return m.noApplications.openActivityMonitor(); },
          Outcome::failed("No activity monitor application is installed.")},
+        {"OpenTailscale", nothing, [](M& m) { return m.applications.openTailscaleApp(); },
+         Outcome::done()},
+        {"OpenATailscaleThatIsNotInstalled", [](M& m) { m.isTailscaleInstalled = false; },
+         [](M& m) { return m.applications.openTailscaleApp(); },
+         Outcome::failed("No Tailscale application is installed.")},
+        {"OpenTailscaleWithoutADesktop", nothing,
+         [](M& m) { return m.noApplications.openTailscaleApp(); },
+         Outcome::failed("No Tailscale application is installed.")},
         {"Copy", nothing, [](M& m) { return m.pasteboard.copyToPasteboard("text", "Copied."); },
          Outcome::done("Copied.")},
         {"CopyWithoutAClipboard", nothing,

@@ -10,13 +10,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/desktop_actions.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "actions/tool_runner.h"
 #include "core/activity_kinds.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "integration/warning_notifications.h"
 #include "monitor/auto_rules.h"
+#include "remote/tailnet.h"
 #include "sampling/latest_sample.h"
 #include "tests/monitor/recommendation_cards.h"
 #include "tests/monitor/sample_cycle_fixture.h"
@@ -24,6 +27,7 @@
 #include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
+#include "tests/support/fake_tool_launcher.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -44,6 +48,7 @@ protected:
                                       .sources = sources,
                                       .sample = *sample,
                                       .rules = *rules,
+                                      .tailnet = tailnet,
                                       .cpuCount = 4,
                                       .protection = {},
                                       .readOnly = readOnly,
@@ -80,10 +85,14 @@ protected:
 
     FakeAutoScan remote;
     FakeNotificationCenter center;
+    FakeToolLauncher launcher;
     WarningNotifications notifications{services, {&center}};
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
     LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};
+    ToolRunner tools{CommandSafetyPolicy::linuxExecutables(), launcher, jobs, log};
+    Pasteboard pasteboard{log, {}};
+    Tailnet tailnet{services, {tools, locale, {}, ""}, pasteboard};
     std::function<void()> applied = [] {};  ///< called after each sample
     std::unique_ptr<AutoRules> rules;
     std::unique_ptr<SampleCycle> cycle;

@@ -69,6 +69,14 @@ TEST(Host, EveryProcessViewerMayBeLaunched) {
     }
 }
 
+TEST(Host, TheToolAndTheApplicationsOfTheTailnetMayBeLaunched) {
+    EXPECT_TRUE(host::allowedExecutables().contains(host::places().tailscaleCLI));
+    EXPECT_FALSE(host::tailscaleApps().empty());
+    for (const std::string& path : host::tailscaleApps()) {
+        EXPECT_TRUE(host::allowedExecutables().contains(path)) << path;
+    }
+}
+
 TEST(Host, ADisplayIsWhatTheEnvironmentNames) {
     const ScopedVariables environment{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
     EXPECT_FALSE(host::hasDisplay());

@@ -30,15 +30,19 @@ TEST(CommandSafetyPolicy, MacOSAllowsExactlyTwelveTools) {
     }
 }
 
-TEST(CommandSafetyPolicy, LinuxAllowsExactlyFourToolsAndTheSystemMonitors) {
+TEST(CommandSafetyPolicy, LinuxAllowsExactlyFiveToolsAndTheApplicationsToOpen) {
     constexpr std::array tools{"/usr/bin/pkexec"sv, "/usr/bin/ssh"sv, "/usr/bin/sync"sv,
-                               "/usr/sbin/sysctl"sv};
-    EXPECT_EQ(linuxExecutables().size(), tools.size() + linuxSystemMonitors.size());
+                               "/usr/bin/tailscale"sv, "/usr/sbin/sysctl"sv};
+    EXPECT_EQ(linuxExecutables().size(),
+              tools.size() + linuxSystemMonitors.size() + linuxTailscaleApps.size());
     for (const std::string_view tool : tools) {
         EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), tool)) << tool;
     }
     for (const std::string_view monitor : linuxSystemMonitors) {
         EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), monitor)) << monitor;
+    }
+    for (const std::string_view app : linuxTailscaleApps) {
+        EXPECT_TRUE(isAllowedExecutable(linuxExecutables(), app)) << app;
     }
     EXPECT_FALSE(isAllowedExecutable(linuxExecutables(), "/bin/ps"));
     EXPECT_FALSE(isAllowedExecutable(linuxExecutables(), "/bin/kill"));

@@ -11,6 +11,7 @@
 #include "core/local_records.h"
 #include "core/routes.h"
 #include "core/settings/settings_store.h"
+#include "remote/tailnet_reading.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_process_details_reader.h"
@@ -74,6 +75,8 @@ public:
     bool readOnly = false;
     std::function<bool()> openActivityMonitor;
     std::function<void(const std::string& text)> storeOnPasteboard;
+    std::function<bool()> openTailscaleApp;
+    TailscaleDaemon tailscaleDaemon;  ///< when absent, the tailnet is not read
     std::function<void(AppRoute)> openRoute;
     AutoScan* remoteScan = nullptr;
     /// When set, these replace those of each sample.

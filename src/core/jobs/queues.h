@@ -39,6 +39,7 @@ enum class Lane {
     actions,
     reports,
     settings,
+    tailnet,
     count,  ///< not a lane; stays the last
 };
 inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);

@@ -56,4 +56,8 @@ bool openActivityMonitor() {
     return openFirstApplication(host::activityMonitors(), host::allowedExecutables());
 }
 
+bool openTailscaleApp() {
+    return openFirstApplication(host::tailscaleApps(), host::allowedExecutables());
+}
+
 }  // namespace tallowcrest::desktop

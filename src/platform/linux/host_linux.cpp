@@ -11,6 +11,7 @@
 #include "actions/cache_purge.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
+#include "platform/base/local_socket_exchange.h"
 #include "platform/host.h"
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/pidfd_process_control.h"
@@ -82,6 +83,17 @@ std::filesystem::path executablePath() {
 std::vector<std::string> activityMonitors() {
     const auto& monitors = CommandSafetyPolicy::linuxSystemMonitors;
     return {monitors.begin(), monitors.end()};
+}
+
+std::vector<std::string> tailscaleApps() {
+    const auto& apps = CommandSafetyPolicy::linuxTailscaleApps;
+    return {apps.begin(), apps.end()};
+}
+
+TailscaleDaemon tailscaleDaemon() {
+    return [](std::string_view request, const std::stop_token& stop) {
+        return exchangeOverLocalSocket("/var/run/tailscale/tailscaled.sock", request, stop);
+    };
 }
 
 void lowerThreadPriority() {

@@ -4,7 +4,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/.cache"};
+    return {.caches = "~/.cache", .tailscaleCLI = "/usr/bin/tailscale"};
 }
 
 std::filesystem::path reportsDirectory() {

@@ -85,6 +85,14 @@ std::vector<std::string> activityMonitors() {
     return {"/System/Applications/Utilities/Activity Monitor.app"};
 }
 
+std::vector<std::string> tailscaleApps() {
+    return {"/Applications/Tailscale.app"};
+}
+
+TailscaleDaemon tailscaleDaemon() {
+    return {};
+}
+
 void lowerThreadPriority() {
     pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
 }

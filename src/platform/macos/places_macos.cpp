@@ -3,7 +3,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/Library/Caches"};
+    return {.caches = "~/Library/Caches", .tailscaleCLI = "/usr/local/bin/tailscale"};
 }
 
 std::filesystem::path reportsDirectory() {

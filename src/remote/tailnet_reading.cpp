@@ -1,0 +1,67 @@
+#include "remote/tailnet_reading.h"
+
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "actions/tool_runner.h"
+#include "remote/local_api.h"
+
+namespace tallowcrest {
+namespace {
+
+using namespace std::chrono_literals;
+
+bool isExecutableFile(const std::string& path) {
+    using std::filesystem::perms;
+    constexpr perms executable = perms::owner_exec | perms::group_exec | perms::others_exec;
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    return std::filesystem::is_regular_file(status) &&
+           (status.permissions() & executable) != perms::none;
+}
+
+std::optional<TailnetState> askDaemon(const TailnetSources& sources, const std::stop_token& stop) {
+    if (!sources.daemon) {
+        return std::nullopt;
+    }
+    const std::optional<std::string> answer = sources.daemon(local_api::statusRequest, stop);
+    const auto status = answer ? local_api::bodyOf(*answer) : std::nullopt;
+    return status ? parseTailStatus(*status, sources.locale) : std::nullopt;
+}
+
+}  // namespace
+
+TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& stop) {
+    if (std::optional<TailnetState> state = askDaemon(sources, stop)) {
+        return std::move(*state);
+    }
+    TailnetState state;
+    if (!stop.stop_requested()) {
+        state.tailDevices = loadTailDevices(sources);
+    }
+    if (!stop.stop_requested()) {
+        state.tailscaleHealthIssues = loadTailscaleHealthIssues(sources);
+    }
+    return state;
+}
+
+std::vector<TailDevice> loadTailDevices(const TailnetSources& sources) {
+    if (!isExecutableFile(sources.cli)) {
+        return {};
+    }
+    const std::string json = sources.tools.runTool(sources.cli, {"status", "--json"}, 2000ms);
+    std::optional<TailnetState> status = parseTailStatus(json, sources.locale);
+    return status ? std::move(status->tailDevices) : std::vector<TailDevice>();
+}
+
+std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources) {
+    if (!isExecutableFile(sources.cli)) {
+        return {fmt::format("Tailscale CLI was not found at {}.", sources.cli)};
+    }
+    return parseTailscaleHealthIssues(sources.tools.runTool(sources.cli, {"status"}, 3000ms));
+}
+
+}  // namespace tallowcrest
