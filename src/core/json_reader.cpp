@@ -1,8 +1,10 @@
 #include "core/json_reader.h"
 
+#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -12,7 +14,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr bool isSpace(char c) {
-    return c == ' ' || c == '\n' || c == '\t' || c == '\r';
+    return c <= ' ' && (c == ' ' || c == '\n' || c == '\t' || c == '\r');
 }
 
 constexpr bool isDigit(char c) {
@@ -22,6 +24,33 @@ constexpr bool isDigit(char c) {
 /// Whether it stands for itself within a string.
 constexpr bool isPlain(char c) {
     return c != '"' && c != '\\' && static_cast<unsigned char>(c) >= ' ';
+}
+
+/// How many characters at the front of `text` are plain, or fewer when the text ends soon or the
+/// machine stores the highest byte first. Eight at a time: most of a text is in its strings.
+std::size_t plainLength(std::string_view text) {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highBits = ones * 0x80U;
+    // The high bit of the lowest byte below `limit`, and perhaps those of others above it.
+    const auto bytesBelow = [](std::uint64_t word, std::uint64_t limit) {
+        return (word - ones * limit) & ~word & highBits;
+    };
+    std::size_t length = 0;
+    while (text.size() - length >= sizeof(std::uint64_t)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + length, sizeof word);
+        const std::uint64_t others = bytesBelow(word, ' ') | bytesBelow(word ^ ones * '"', 1) |
+                                     bytesBelow(word ^ ones * '\\', 1);
+        if (others != 0) {
+            constexpr bool isLowestFirst = std::endian::native == std::endian::little;
+            constexpr int bitsPerByte = 8;
+            return length + (isLowestFirst
+                                 ? static_cast<std::size_t>(std::countr_zero(others) / bitsPerByte)
+                                 : 0);
+        }
+        length += sizeof word;
+    }
+    return length;
 }
 
 void appendUTF8(std::string& text, char32_t character) {
@@ -69,7 +98,15 @@ char JsonReader::peek() {
     return rest_.empty() ? '\0' : rest_.front();
 }
 
-bool JsonReader::take(std::string_view expected) {
+bool JsonReader::take(char expected) {
+    if (rest_.empty() || rest_.front() != expected) {
+        return false;
+    }
+    rest_.remove_prefix(1);
+    return true;
+}
+
+bool JsonReader::takeWord(std::string_view expected) {
     if (!rest_.starts_with(expected)) {
         return false;
     }
@@ -86,13 +123,13 @@ bool JsonReader::enter(char bracket) {
     return true;
 }
 
-bool JsonReader::nextItem(std::string_view closingBracket) {
+bool JsonReader::nextItem(char closingBracket) {
     const bool isFirst = std::exchange(isBeforeFirstItem_, false);
     peek();
     if (take(closingBracket)) {
         return false;
     }
-    return isFirst || take(",") || fail();
+    return isFirst || take(',') || fail();
 }
 
 bool JsonReader::enterObject() {
@@ -100,17 +137,17 @@ bool JsonReader::enterObject() {
 }
 
 std::optional<std::string_view> JsonReader::nextMember() {
-    if (!nextItem("}")) {
+    if (!nextItem('}')) {
         return std::nullopt;
     }
     peek();
     const std::string_view start = rest_;
-    if (!take("\"")) {
+    if (!take('"')) {
         fail();
         return std::nullopt;
     }
     std::string_view key = takePlainCharacters();
-    if (!take("\"")) {
+    if (!take('"')) {
         rest_ = start;
         unescapedKey_.clear();
         takeString(&unescapedKey_);
@@ -129,7 +166,7 @@ bool JsonReader::enterArray() {
 }
 
 bool JsonReader::nextElement() {
-    return nextItem("]");
+    return nextItem(']');
 }
 
 std::optional<std::string> JsonReader::text() {
@@ -143,10 +180,10 @@ std::optional<std::string> JsonReader::text() {
 
 std::optional<bool> JsonReader::boolean() {
     peek();
-    if (take("true")) {
+    if (takeWord("true")) {
         return true;
     }
-    if (take("false")) {
+    if (takeWord("false")) {
         return false;
     }
     skip();
@@ -157,10 +194,10 @@ void JsonReader::skip() {
     // Not recursive: a hostile text can be nested deeper than the stack.
     std::vector<bool> isObject;  // of each value that was entered, the innermost last
     do {
-        if (enterObject()) {
-            isObject.push_back(true);
-        } else if (enterArray()) {
-            isObject.push_back(false);
+        const char first = peek();
+        if (first == '{' || first == '[') {
+            enter(first);
+            isObject.push_back(first == '{');
         } else {
             takeScalar();
         }
@@ -176,7 +213,7 @@ bool JsonReader::isComplete() {
 }
 
 std::string_view JsonReader::takePlainCharacters() {
-    std::size_t length = 0;
+    std::size_t length = plainLength(rest_);
     while (length < rest_.size() && isPlain(rest_[length])) {
         ++length;
     }
@@ -187,7 +224,7 @@ std::string_view JsonReader::takePlainCharacters() {
 
 /// A null `value` only checks the string.
 bool JsonReader::takeString(std::string* value) {
-    if (!take("\"")) {
+    if (!take('"')) {
         return fail();
     }
     while (true) {
@@ -195,10 +232,10 @@ bool JsonReader::takeString(std::string* value) {
         if (value != nullptr) {
             value->append(plain);
         }
-        if (take("\"")) {
+        if (take('"')) {
             return true;
         }
-        if (!take("\\") || !takeEscape(value)) {
+        if (!take('\\') || !takeEscape(value)) {
             return fail();
         }
     }
@@ -223,7 +260,7 @@ bool JsonReader::takeEscape(std::string* value) {
         return false;
     }
     if (*character >= 0xD800U && *character < 0xDC00U) {
-        const std::optional<char32_t> low = take("\\u") ? takeHexDigits() : std::nullopt;
+        const std::optional<char32_t> low = takeWord("\\u") ? takeHexDigits() : std::nullopt;
         if (!low || *low < 0xDC00U || *low >= 0xE000U) {
             return false;
         }
@@ -257,16 +294,16 @@ bool JsonReader::takeDigits() {
 }
 
 bool JsonReader::takeNumber() {
-    take("-");
-    if (!take("0") && !takeDigits()) {
+    take('-');
+    if (!take('0') && !takeDigits()) {
         return false;
     }
-    if (take(".") && !takeDigits()) {
+    if (take('.') && !takeDigits()) {
         return false;
     }
-    if (take("e") || take("E")) {
-        if (!take("+")) {
-            take("-");
+    if (take('e') || take('E')) {
+        if (!take('+')) {
+            take('-');
         }
         return takeDigits();
     }
@@ -274,9 +311,9 @@ bool JsonReader::takeNumber() {
 }
 
 void JsonReader::takeScalar() {
-    const bool isScalar = peek() == '"'
-                              ? takeString(nullptr)
-                              : take("true") || take("false") || take("null") || takeNumber();
+    const bool isScalar =
+        peek() == '"' ? takeString(nullptr)
+                      : takeWord("true") || takeWord("false") || takeWord("null") || takeNumber();
     if (!isScalar) {
         fail();
     }

@@ -42,9 +42,10 @@ public:
 private:
     bool fail();
     char peek();
-    bool take(std::string_view expected);
+    bool take(char expected);
+    bool takeWord(std::string_view expected);
     bool enter(char bracket);
-    bool nextItem(std::string_view closingBracket);
+    bool nextItem(char closingBracket);
     std::string_view takePlainCharacters();
     bool takeString(std::string* value);
     bool takeEscape(std::string* value);

@@ -38,14 +38,16 @@ std::vector<std::string> readTexts(JsonReader& reader) {
     return areTexts ? texts : std::vector<std::string>();
 }
 
-/// Reads the next value. Empty unless it is an object of objects.
-std::vector<TailDevice> readPeers(JsonReader& reader) {
+/// Of several members with one key, the last one counts. Absent for a value that is no object.
+using Peers = std::map<std::string, std::optional<TailDevice>>;
+
+/// Reads the next value. Empty unless it is an object.
+Peers readPeers(JsonReader& reader) {
     if (!reader.enterObject()) {
         reader.skip();
         return {};
     }
-    // Of several members with one key, the last one counts. Absent for what is not an object.
-    std::map<std::string, std::optional<TailDevice>> peers;
+    Peers peers;
     while (const auto key = reader.nextMember()) {
         std::string id(*key);
         std::optional<TailDevice> device;
@@ -56,22 +58,30 @@ std::vector<TailDevice> readPeers(JsonReader& reader) {
         }
         peers.insert_or_assign(peers.end(), std::move(id), std::move(device));
     }
-    std::vector<TailDevice> devices;
-    devices.reserve(peers.size());
+    return peers;
+}
+
+/// Empty unless all of them are objects. Equal names stay in the order of their keys, so that rows
+/// do not change places.
+std::vector<TailDevice> sortedDevices(Peers peers, const Locale& locale) {
+    std::vector<TailDevice*> order;
+    order.reserve(peers.size());
     for (auto& [id, device] : peers) {
         if (!device) {
             return {};
         }
+        order.push_back(&*device);
+    }
+    std::ranges::stable_sort(order, [&locale](const TailDevice* a, const TailDevice* b) {
+        return a->online != b->online ? a->online
+                                      : locale.compareIgnoringCase(a->name, b->name) < 0;
+    });
+    std::vector<TailDevice> devices;
+    devices.reserve(order.size());
+    for (TailDevice* device : order) {
         devices.push_back(std::move(*device));
     }
     return devices;
-}
-
-/// Equal names stay in the order of their keys, so that the rows do not change places.
-void sortDevices(std::vector<TailDevice>& devices, const Locale& locale) {
-    std::ranges::stable_sort(devices, [&locale](const TailDevice& a, const TailDevice& b) {
-        return a.online != b.online ? a.online : locale.compareIgnoringCase(a.name, b.name) < 0;
-    });
 }
 
 std::string withoutBullets(std::string_view line) {
@@ -141,9 +151,10 @@ std::optional<TailnetState> parseTailStatus(std::string_view json, const Locale&
         return std::nullopt;
     }
     TailnetState state;
+    Peers peers;
     while (const auto key = reader.nextMember()) {
         if (key == "Peer") {
-            state.tailDevices = readPeers(reader);
+            peers = readPeers(reader);
         } else if (key == "Health") {
             state.tailscaleHealthIssues = cleanIssues(readTexts(reader));
         } else {
@@ -153,7 +164,7 @@ std::optional<TailnetState> parseTailStatus(std::string_view json, const Locale&
     if (!reader.isComplete()) {
         return std::nullopt;
     }
-    sortDevices(state.tailDevices, locale);
+    state.tailDevices = sortedDevices(std::move(peers), locale);
     return state;
 }
 
