@@ -1,18 +1,24 @@
 // The state of the tailnet: what a reading costs in the background, and its publication on the main
 // thread.
 
-#include <chrono>
+#include <unistd.h>
+
 #include <cstdint>
+#include <stop_token>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <benchmark/benchmark.h>
 
 #include "actions/desktop_actions.h"
 #include "actions/tool_runner.h"
+#include "platform/base/local_socket_exchange.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/tools/tool_launcher_posix.h"
+#include "remote/local_api.h"
 #include "remote/tailnet.h"
+#include "tests/platform/support/test_daemon.h"
 #include "tests/support/fake_tailscale.h"
 #include "tests/support/status_of_peers.h"
 #include "tests/support/test_services.h"
@@ -70,8 +76,38 @@ void askingTheTool(benchmark::State& state) {
     }
 }
 
+/// With a daemon that answers at once. The time of the processor is that of our side.
+void askingTheDaemon(benchmark::State& state) {
+    TestServices services;
+    FakeTailscale tailscale;
+    ToolRunner tools(tailscale.allowed, tailscale, services.jobs, services.log);
+    const std::string answer =
+        "HTTP/1.0 200 OK\r\n\r\n" + statusOfPeers(static_cast<int>(state.range(0)));
+    const std::string socket = tailscale.folder.path("daemon.sock");
+    const TailnetSources sources{tools, americanEnglish(),
+                                 [&socket](std::string_view request, const std::stop_token& stop) {
+                                     return exchangeOverLocalSocket(socket, request, stop);
+                                 },
+                                 tailscale.cli};
+    for (auto _ : state) {
+        state.PauseTiming();
+        ::unlink(socket.c_str());
+        {
+            const TestDaemon daemon(socket, [&answer](int connection) {
+                received(connection, local_api::statusRequest.size());
+                send(connection, answer);
+            });
+            state.ResumeTiming();
+            benchmark::DoNotOptimize(readTailnet(sources, {}));
+            state.PauseTiming();
+        }
+        state.ResumeTiming();
+    }
+}
+
 BENCHMARK(parsing)->Arg(1)->Arg(40)->Arg(100)->Arg(2000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(publishing)->Arg(40)->Arg(100)->Arg(2000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(askingTheDaemon)->Arg(40)->Arg(100)->Arg(2000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(askingTheTool)->Arg(100)->Arg(2000)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 }  // namespace

@@ -89,16 +89,22 @@ bool JsonReader::fail() {
 }
 
 /// The first character that is not white space; NUL at the end.
-char JsonReader::peek() {
-    std::size_t spaces = 0;
-    while (spaces < rest_.size() && isSpace(rest_[spaces])) {
-        ++spaces;
+inline char JsonReader::peek() {
+    if (rest_.empty() || isSpace(rest_.front())) {
+        takeSpaces();
     }
-    rest_.remove_prefix(spaces);
     return rest_.empty() ? '\0' : rest_.front();
 }
 
-bool JsonReader::take(char expected) {
+void JsonReader::takeSpaces() {
+    std::size_t count = 0;
+    while (count < rest_.size() && isSpace(rest_[count])) {
+        ++count;
+    }
+    rest_.remove_prefix(count);
+}
+
+inline bool JsonReader::take(char expected) {
     if (rest_.empty() || rest_.front() != expected) {
         return false;
     }

@@ -42,6 +42,7 @@ public:
 private:
     bool fail();
     char peek();
+    void takeSpaces();
     bool take(char expected);
     bool takeWord(std::string_view expected);
     bool enter(char bracket);

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
-
-#include <gtest/gtest.h>
 
 #include "platform/base/unique_fd.h"
 
@@ -26,8 +25,10 @@ public:
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
         const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-        EXPECT_EQ(::bind(listener_.get(), generic, sizeof address), 0);
-        EXPECT_EQ(::listen(listener_.get(), 1), 0);
+        if (::bind(listener_.get(), generic, sizeof address) != 0 ||
+            ::listen(listener_.get(), 1) != 0) {
+            throw std::runtime_error("cannot listen at " + path);
+        }
         thread_ = std::jthread([this, serve = std::move(serve)] {
             const UniqueFD connection(::accept(listener_.get(), nullptr, nullptr));
             serve(connection.get());
