@@ -12,4 +12,8 @@ bool isRemoteMac(const TailDevice& device, const Locale& locale) {
     return device.online && locale.containsIgnoringCase(device.os, "mac");
 }
 
+bool isRemoteLinux(const TailDevice& device, const Locale& locale) {
+    return device.online && locale.containsIgnoringCase(device.os, "linux");
+}
+
 }  // namespace tallowcrest

@@ -13,4 +13,7 @@ bool hasPath(const TailDevice& device);
 /// Whether the device is online and its operating system is one for Macs. Any thread.
 bool isRemoteMac(const TailDevice& device, const Locale& locale);
 
+/// Whether the device is online and its operating system is a Linux. Any thread.
+bool isRemoteLinux(const TailDevice& device, const Locale& locale);
+
 }  // namespace tallowcrest

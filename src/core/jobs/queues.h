@@ -40,6 +40,7 @@ enum class Lane {
     reports,
     settings,
     tailnet,
+    remoteScan,
     count,  ///< not a lane; stays the last
 };
 inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);

@@ -24,6 +24,7 @@ inline constexpr std::string_view collapsedSectionsKey = "Tallowcrest.collapsedS
 inline constexpr std::string_view autoSelectKey = "Tallowcrest.autoSelectTopOffender";
 inline constexpr std::string_view autoPurgeKey = "Tallowcrest.autoPurgeSustainedMemory";
 inline constexpr std::string_view autoRemoteScanKey = "Tallowcrest.autoScanRemoteMacs";
+inline constexpr std::string_view includeLinuxMachinesKey = "Tallowcrest.includeLinuxMachines";
 inline constexpr std::string_view sshUsernameKey = "Tallowcrest.sshUsername";
 inline constexpr std::string_view firstRunCompleteKey = "Tallowcrest.firstRunComplete";
 inline constexpr std::string_view openAIModelKey = "Tallowcrest.openAIModel";
@@ -60,6 +61,7 @@ struct Settings {
     bool autoSelectTopOffender = true;
     bool autoPurgeSustainedMemory = false;
     bool autoScanRemoteMacs = false;
+    bool includeLinuxMachines = false;  ///< in scans, beside the Macs
     std::string sshUsername;  ///< the login name when nothing is stored
     bool firstRunComplete = false;
     std::string openAIModel = "gpt-5.6-luna";
@@ -117,6 +119,7 @@ inline constexpr auto flags = std::to_array<Declared<bool>>({
     {.key = autoRemoteScanKey,
      .field = &Settings::autoScanRemoteMacs,
      .underStop = {.isHeldBack = true, .isOffAtStart = true}},
+    {includeLinuxMachinesKey, &Settings::includeLinuxMachines},
     {firstRunCompleteKey, &Settings::firstRunComplete},
     {aiSafeActionsKey, &Settings::aiSafeActionsEnabled},
     {notificationActionsKey, &Settings::notificationsIncludeActions},

@@ -99,6 +99,10 @@ SettingsTable SettingsOwner::loadRemoteTopApps() const {
         .value_or(SettingsTable{});
 }
 
+void SettingsOwner::saveRemoteTopApps(SettingsTable samples) {
+    store_.write(settings_keys::remoteTopAppsKey, std::move(samples));
+}
+
 std::optional<std::string> SettingsOwner::loadText(std::string_view key) const {
     auto data = readKind<JSONData>(store_, key);
     return data ? std::optional(std::move(data->text)) : std::nullopt;

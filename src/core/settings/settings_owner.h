@@ -76,6 +76,7 @@ public:
     /// In how many remote scans an application came first; empty when nothing is stored that is
     /// such a table.
     SettingsTable loadRemoteTopApps() const;
+    void saveRemoteTopApps(SettingsTable samples);
 
     /// Why changes are not being stored, in one sentence; empty while they are.
     const std::string& savingProblem() const { return savingProblem_; }

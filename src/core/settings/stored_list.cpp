@@ -21,5 +21,6 @@ void StoredList<Records, Encoder>::save() {
 // Here and not in the header, which then needs nothing of the owner.
 template class StoredList<std::vector<ActivityEvent>>;
 template class StoredList<std::vector<HistoryPoint>, HistoryEncoder>;
+template class StoredList<std::vector<RemoteHistoryPoint>>;
 
 }  // namespace tallowcrest

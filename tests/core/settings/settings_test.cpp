@@ -45,6 +45,7 @@ TEST_P(LoadedSettings, HaveTheirDefaultsWhenNothingIsStored) {
     EXPECT_TRUE(settings.autoSelectTopOffender);
     EXPECT_FALSE(settings.autoPurgeSustainedMemory);
     EXPECT_FALSE(settings.autoScanRemoteMacs);
+    EXPECT_FALSE(settings.includeLinuxMachines);
     EXPECT_EQ(settings.sshUsername, "owner");
     EXPECT_FALSE(settings.firstRunComplete);
     EXPECT_EQ(settings.openAIModel, "gpt-5.6-luna");
@@ -84,7 +85,7 @@ TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
             "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
             "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
             "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
-            "Tallowcrest.sshUsername", "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
+            "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername", "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
             "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
             "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
             "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
@@ -120,7 +121,8 @@ TEST(SettingsKeys, AreListedOnceWithTheirKind) {
             Pair(SettingsKind::flag,
                  UnorderedElementsAre(
                      "Tallowcrest.autoSelectTopOffender", "Tallowcrest.autoPurgeSustainedMemory",
-                     "Tallowcrest.autoScanRemoteMacs", "Tallowcrest.firstRunComplete",
+                     "Tallowcrest.autoScanRemoteMacs", "Tallowcrest.includeLinuxMachines",
+                     "Tallowcrest.firstRunComplete",
                      "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
                      "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
                      "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.automationEmergencyStop")),

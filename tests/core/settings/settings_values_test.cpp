@@ -131,6 +131,7 @@ const std::vector<FlagCase>& allFlags() {
         {keys::aiRequirePreviewKey, &Settings::aiRequirePreview, true},
         {keys::autoPurgeKey, &Settings::autoPurgeSustainedMemory, false},
         {keys::autoRemoteScanKey, &Settings::autoScanRemoteMacs, false},
+        {keys::includeLinuxMachinesKey, &Settings::includeLinuxMachines, false},
         {keys::firstRunCompleteKey, &Settings::firstRunComplete, false},
         {keys::aiSafeActionsKey, &Settings::aiSafeActionsEnabled, false},
         {keys::diskAutopilotKey, &Settings::diskAutopilotEnabled, false},

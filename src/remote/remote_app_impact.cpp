@@ -1,0 +1,69 @@
+#include "remote/remote_app_impact.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <utility>
+
+#include "remote/remote_process.h"
+#include "sampling/stable_order.h"
+
+namespace tallowcrest {
+namespace {
+
+bool isHeavier(const RemoteProcess& left, const RemoteProcess& right) {
+    constexpr double closeCPU = 1.0;
+    return std::abs(left.cpu - right.cpu) > closeCPU ? left.cpu > right.cpu
+                                                     : left.rssMB > right.rssMB;
+}
+
+bool hasMoreImpact(const RemoteAppImpact& left, const RemoteAppImpact& right) {
+    constexpr double closeCPU = 2.0;
+    return std::abs(left.totalCPU - right.totalCPU) > closeCPU
+               ? left.totalCPU > right.totalCPU
+               : left.totalMemoryMB > right.totalMemoryMB;
+}
+
+}  // namespace
+
+RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProcess>& rows,
+                                const ProtectedAppNames& neverQuit) {
+    RemoteAppImpact group{.name = std::move(name),
+                          .processCount = static_cast<std::int64_t>(rows.size())};
+    const bool isWhollyProtected = neverQuit.contains(group.name);
+    std::vector<RemoteProcess> unprotected;
+    for (const RemoteProcess& row : rows) {
+        group.totalCPU += row.cpu;
+        group.totalMemoryMB += row.rssMB;
+        if (!isWhollyProtected && !isProtectedRemoteProcess(row, {})) {
+            unprotected.push_back(row);
+        }
+    }
+    group.protectedCount = group.processCount - static_cast<std::int64_t>(unprotected.size());
+    group.topPID = stableFirst(unprotected.empty() ? rows : unprotected, isHeavier).pid;
+    return group;
+}
+
+std::vector<RemoteAppImpact> remoteAppImpacts(const std::vector<RemoteProcess>& rows,
+                                              const ProtectedAppNames& neverQuit) {
+    std::vector<std::pair<std::string, std::vector<RemoteProcess>>> groups;
+    for (const RemoteProcess& row : rows) {
+        std::string name = remoteAppGroupName(row);
+        auto group = std::ranges::find(groups, name, [](const auto& each) { return each.first; });
+        if (group == groups.end()) {
+            groups.emplace_back(std::move(name), std::vector<RemoteProcess>());
+            group = std::prev(groups.end());
+        }
+        group->second.push_back(row);
+    }
+    std::vector<RemoteAppImpact> impacts;
+    impacts.reserve(groups.size());
+    for (auto& [name, members] : groups) {
+        impacts.push_back(remoteAppImpact(std::move(name), members, neverQuit));
+    }
+    stableOrder(impacts, hasMoreImpact);
+    return impacts;
+}
+
+}  // namespace tallowcrest
