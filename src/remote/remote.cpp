@@ -7,5 +7,8 @@ namespace tallowcrest {
 Remote::Remote(const Services& services, Pasteboard& pasteboard, const RemotePorts& ports)
     : tools(ports.allowed, ports.launcher, services.jobs, services.log),
       tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard) {}
+Remote::Remote(const Services& services, const RemotePorts& ports)
+      tailnet(services),
+      scan(services, tailnet, tools) {}
 
 }  // namespace tallowcrest

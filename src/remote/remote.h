@@ -2,6 +2,7 @@
 
 #include "actions/tool_runner.h"
 #include "remote/remote_ports.h"
+#include "remote/remote_scan.h"
 #include "remote/tailnet.h"
 
 namespace tallowcrest {
@@ -16,6 +17,7 @@ struct Remote {
 
     ToolRunner tools;
     Tailnet tailnet;
+    RemoteScan scan;
 };
 
 }  // namespace tallowcrest

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,9 @@ class FakeToolLauncher final : public ToolLauncher {
 public:
     ToolResult launch(const ToolRequest& request) override {
         requests.push_back(request);
+        if (onLaunch) {
+            onLaunch(request);
+        }
         return result;
     }
 
@@ -25,6 +29,8 @@ public:
 
     ToolResult result;
     std::vector<ToolRequest> requests;
+    /// Called at each launch, and may set its result; absent unless a test sets it.
+    std::function<void(const ToolRequest&)> onLaunch;
 };
 
 }  // namespace tallowcrest

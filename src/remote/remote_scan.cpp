@@ -1,0 +1,179 @@
+#include "remote/remote_scan.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <iterator>
+#include <utility>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include "actions/tool_runner.h"
+#include "core/activity_log.h"
+#include "core/clock.h"
+#include "core/locale.h"
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
+#include "remote/remote_script.h"
+#include "remote/tail_device.h"
+#include "remote/tailnet.h"
+
+namespace tallowcrest {
+namespace {
+
+/// One machine that is to be sampled.
+struct Machine {
+    TailDevice device;
+    std::string command;  ///< for its shell
+};
+
+std::string_view pluralEnding(std::size_t count) {
+    return count == 1 ? "" : "s";
+}
+
+/// Blocks for at most the deadline of the secure shell, in a job.
+RemoteHealth sampledMachine(const Machine& machine, const RemoteScanContext& context,
+                            ToolRunner& tools, const Clock& clock) {
+    constexpr std::chrono::milliseconds deadline{5000};
+    auto way = remoteTarget(machine.device, context.sshUsername, clock.now());
+    if (auto* const record = std::get_if<RemoteHealth>(&way)) {
+        return std::move(*record);
+    }
+    const auto& target = std::get<RemoteTarget>(way);
+    const std::string output =
+        tools.runSSH({"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o",
+                      "StrictHostKeyChecking=accept-new", target.sshTarget, machine.command},
+                     deadline);
+    return remoteHealthRecord(machine.device, target.address, output, context, clock.now());
+}
+
+/// Keeps the table of counts from growing for ever.
+void dropRareApps(SettingsTable& samples) {
+    constexpr std::size_t mostEntries = 120;
+    constexpr std::size_t keptEntries = 60;
+    if (samples.size() <= mostEntries) {
+        return;
+    }
+    std::vector<std::pair<std::int64_t, std::string>> byCount;
+    for (const auto& [name, count] : samples) {
+        byCount.emplace_back(count, name);
+    }
+    std::ranges::sort(byCount, std::greater<>());
+    for (std::size_t i = keptEntries; i < byCount.size(); ++i) {
+        samples.erase(byCount[i].second);
+    }
+}
+
+}  // namespace
+
+RemoteScan::RemoteScan(const Services& services, const Tailnet& tailnet, ToolRunner& tools)
+    : services_(services),
+      tailnet_(tailnet),
+      tools_(tools),
+      observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
+      remoteHistory_(services.settings, stored::remoteHistory),
+      jobs_(services.jobs) {
+    state_.remoteTopAppSamples = services.settings.loadRemoteTopApps();
+}
+
+RemoteScan::~RemoteScan() = default;
+
+bool RemoteScan::isScanned(const TailDevice& device) const {
+    return isRemoteMac(device, services_.locale) ||
+           (services_.settings.values().includeLinuxMachines &&
+            isRemoteLinux(device, services_.locale));
+}
+
+bool RemoteScan::hasMachinesToScan() const {
+    return std::ranges::any_of(tailnet_.state().tailDevices,
+                               [this](const TailDevice& each) { return isScanned(each); });
+}
+
+Outcome RemoteScan::scanRemoteMacs() {
+    std::vector<TailDevice> devices;
+    std::ranges::copy_if(tailnet_.state().tailDevices, std::back_inserter(devices),
+                         [this](const TailDevice& each) { return isScanned(each); });
+    if (devices.empty()) {
+        return services_.log.record(
+            Outcome::refused("No online Tailscale Macs are available to scan."));
+    }
+    state_.remoteScanInProgress = true;
+    observable_->changed();
+    Outcome outcome = services_.log.record(
+        Outcome::asked(fmt::format("Scanning {} remote Mac{} over Tailscale...", devices.size(),
+                                   pluralEnding(devices.size()))));
+    performRemoteScan(std::move(devices));
+    return outcome;
+}
+
+void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
+    std::vector<Machine> machines;
+    for (TailDevice& device : devices) {
+        const bool isMac = isRemoteMac(device, services_.locale);
+        machines.push_back(
+            {std::move(device), isMac ? std::string(macSampleScript()) : linuxSampleCommand()});
+    }
+    const Settings& settings = services_.settings.values();
+    RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
+                              !tailnet_.state().tailscaleHealthIssues.empty()};
+    jobs_.runWithProgress<RemoteScanProgress>(
+        Lane::remoteScan,
+        [machines = std::move(machines), context = std::move(context), &tools = tools_,
+         &clock = services_.clock](const Stop& stop, const auto& report) {
+            std::vector<RemoteHealth> results;
+            for (const Machine& machine : machines) {
+                if (stop.isRequested()) {
+                    break;
+                }
+                report({results.size() + 1, machines.size(), machine.device.hostName});
+                results.push_back(sampledMachine(machine, context, tools, clock));
+            }
+            return results;
+        },
+        [this](RemoteScanProgress progress) {
+            // Another scan may have ended meanwhile, which counts for both.
+            if (state_.remoteScanInProgress) {
+                state_.progress = std::move(progress);
+                observable_->changed();
+            }
+        },
+        [this](std::vector<RemoteHealth> results) { finishRemoteScan(std::move(results)); });
+}
+
+void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
+    state_.remoteHealth = std::move(results);
+    recordRemoteSamples();
+    state_.remoteScanInProgress = false;
+    state_.progress.reset();
+    observable_->changed();
+    const std::size_t count = state_.remoteHealth.size();
+    const auto online = std::ranges::count_if(state_.remoteHealth, &RemoteHealth::online);
+    services_.log.recordMessage(fmt::format("Remote scan complete: {} of {} Mac{} responded.",
+                                            online, count, pluralEnding(count)));
+}
+
+void RemoteScan::recordRemoteSamples() {
+    remoteHistory_.change([this](std::vector<RemoteHistoryPoint>& history) {
+        for (const RemoteHealth& each : state_.remoteHealth) {
+            if (each.status != RemoteHealth::Status::reachable) {
+                continue;
+            }
+            if (!each.appImpacts.empty()) {
+                ++state_.remoteTopAppSamples[each.hostName + ": " + each.appImpacts.front().name];
+            }
+            history.push_back({.id = UUID::random(),
+                               .hostName = each.hostName,
+                               .date = each.sampledAt,
+                               .cpu = each.cpuPercent.value_or(0.0),
+                               .memory = each.memoryPercent.value_or(0.0),
+                               .status = std::string(title(each.status))});
+        }
+        stored::remoteHistory.trim(history);
+    });
+    dropRareApps(state_.remoteTopAppSamples);
+    services_.settings.saveRemoteTopApps(state_.remoteTopAppSamples);
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/jobs/jobs.h"
+#include "core/outcome.h"
+#include "core/remote_records.h"
+#include "core/services.h"
+#include "core/settings/settings_store.h"
+#include "core/settings/stored_list.h"
+#include "remote/remote_health_record.h"
+
+namespace tallowcrest {
+
+class Observable;
+class Tailnet;
+class ToolRunner;
+
+/// The machine that a running scan asks now.
+struct RemoteScanProgress {
+    std::size_t number = 0;  ///< from 1
+    std::size_t count = 0;
+    std::string hostName = {};
+
+    bool operator==(const RemoteScanProgress&) const = default;
+};
+
+/// What the scans of other machines have found.
+struct RemoteScanState {
+    /// One record per machine of the last scan, in the order of the tailnet. Empty before the first
+    /// scan of this run.
+    std::vector<RemoteHealth> remoteHealth;
+    bool remoteScanInProgress = false;
+    /// Absent while no scan runs or the running one has not begun with the first machine.
+    std::optional<RemoteScanProgress> progress;
+    /// In how many scans an application group came first, by "host: group", restarts included.
+    SettingsTable remoteTopAppSamples;
+};
+
+/// Samples the other machines of the tailnet over the secure shell, one after the other. It changes
+/// nothing on them. Main thread.
+class RemoteScan {
+public:
+    /// Begins with the history and the counts that an earlier run left. The references must outlive
+    /// the object, and `tools` every scan under way.
+    RemoteScan(const Services& services, const Tailnet& tailnet, ToolRunner& tools);
+    ~RemoteScan();
+    RemoteScan(const RemoteScan&) = delete;
+    RemoteScan& operator=(const RemoteScan&) = delete;
+
+    const RemoteScanState& state() const { return state_; }
+
+    /// Oldest first, all machines together. A point only for a scan that reached the machine.
+    const std::vector<RemoteHistoryPoint>& remoteHistory() const { return *remoteHistory_; }
+
+    /// Whether there is a machine to scan: a Mac that is online and, if the settings include them,
+    /// a Linux machine.
+    bool hasMachinesToScan() const;
+
+    /// Begins a scan and returns at once: asked, or refused when there is nothing to scan. A scan
+    /// already under way goes on; the one that ends last leaves its results.
+    Outcome scanRemoteMacs();
+
+    /// Publishes the results of a scan and ends it.
+    void finishRemoteScan(std::vector<RemoteHealth> results);
+
+    /// Notifies of a changed state and of new points of the history.
+    Observable& observable() { return *observable_; }
+
+private:
+    bool isScanned(const TailDevice& device) const;
+    void performRemoteScan(std::vector<TailDevice> devices);
+    void recordRemoteSamples();
+
+    Services services_;
+    const Tailnet& tailnet_;
+    ToolRunner& tools_;
+    std::unique_ptr<Observable> observable_;
+    RemoteScanState state_;
+    StoredList<std::vector<RemoteHistoryPoint>> remoteHistory_;
+    JobScope jobs_;
+};
+
+}  // namespace tallowcrest
