@@ -39,16 +39,9 @@ struct EventCount {
 };
 
 int run(const LoadTrace& trace) {
-    FakeAutoScan remote;
     FakeMachine machine;
-    prepareForReplay(machine, remote);
+    prepareForReplay(machine);
     std::map<std::string, EventCount> events;
-    const Date beginning = machine.clock.now();
-    const auto now = [&] { return secondsBetween(beginning, machine.clock.now()); };
-    remote.onScan = [&] {
-        fmt::print("{}  a scan of the other machines begins\n", timeText(now()));
-        events["Scan of other machines"].add(now());
-    };
     SystemMonitor& monitor = machine.monitor();
     monitor.actions().automation.set(AutomationSwitch::autoScanRemoteMacs, true);
     monitor.actions().automation.set(AutomationSwitch::autoPurgeSustainedMemory, true);

@@ -10,8 +10,8 @@ namespace tallowcrest {
 /// The program's part in the desktop around it. Main thread.
 struct Integration {
     /// The references must outlive the object.
-    Integration(const Services& services, IntegrationPorts ports)
-        : warnings(services, std::move(ports)) {}
+    Integration(const Services& services, RemoteScan& remoteScan, IntegrationPorts ports)
+        : warnings(services, remoteScan, std::move(ports)) {}
 
     WarningNotifications warnings;
 };

@@ -8,6 +8,7 @@
 #include "core/services.h"
 #include "core/settings/settings_owner.h"
 #include "integration/notification_center.h"
+#include "remote/remote_scan.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,8 +20,10 @@ constexpr const char* scanRemotes = "SCAN_REMOTES";
 
 }  // namespace
 
-WarningNotifications::WarningNotifications(const Services& services, IntegrationPorts ports)
+WarningNotifications::WarningNotifications(const Services& services, RemoteScan& remoteScan,
+                                           IntegrationPorts ports)
     : settings_(services.settings),
+      remoteScan_(remoteScan),
       ports_(std::move(ports)),
       settingsChanged_(std::make_unique<Subscription>(settings_.observable().subscribe([this] {
           if (registeredWithActions_ &&
@@ -76,6 +79,9 @@ void WarningNotifications::handleNotificationAction(const std::string& identifie
                      : identifier == openAI      ? AppRoute::aiAdvisor
                      : identifier == scanRemotes ? AppRoute::remoteMacs
                                                  : AppRoute::overview);
+    if (identifier == scanRemotes) {
+        remoteScan_.scanRemoteMacs();
+    }
 }
 
 }  // namespace tallowcrest

@@ -8,6 +8,7 @@
 
 namespace tallowcrest {
 
+class RemoteScan;
 class SettingsOwner;
 class Subscription;
 struct Services;
@@ -16,7 +17,7 @@ struct Services;
 class WarningNotifications {
 public:
     /// The references must outlive the object.
-    WarningNotifications(const Services& services, IntegrationPorts ports);
+    WarningNotifications(const Services& services, RemoteScan& remoteScan, IntegrationPorts ports);
     ~WarningNotifications();
     WarningNotifications(const WarningNotifications&) = delete;
     WarningNotifications& operator=(const WarningNotifications&) = delete;
@@ -28,11 +29,13 @@ public:
     /// A failed delivery is not reported.
     void postLoadWarning(const std::string& topProcessName);
 
-    /// An unknown identifier counts as a plain click.
+    /// Opens the page of the button; that of the remote scan also starts one. An unknown
+    /// identifier counts as a plain click.
     void handleNotificationAction(const std::string& identifier);
 
 private:
     SettingsOwner& settings_;
+    RemoteScan& remoteScan_;
     IntegrationPorts ports_;
     std::optional<bool> registeredWithActions_;  ///< absent before the first registration
     std::unique_ptr<Subscription> settingsChanged_;

@@ -1,6 +1,5 @@
 #include "monitor/auto_rules.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "actions/app_group.h"
@@ -11,14 +10,11 @@
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/jobs/jobs.h"
-#include "core/locale.h"
 #include "core/observable.h"
-#include "core/remote_records.h"
 #include "core/settings/settings_owner.h"
 #include "integration/warning_notifications.h"
 #include "monitor/load_rules.h"
-#include "remote/auto_scan.h"
-#include "remote/tail_device.h"
+#include "remote/remote_scan.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
@@ -79,21 +75,15 @@ void AutoRules::askForPurge() {
 
 void AutoRules::scanRemotes() {
     const Date now = dependencies_.services.clock.now();
-    if (dependencies_.remote == nullptr || !settings().autoScanRemoteMacs ||
-        dependencies_.remote->remoteScanInProgress() ||
+    RemoteScan& scan = dependencies_.remoteScan;
+    if (!settings().autoScanRemoteMacs || scan.state().remoteScanInProgress ||
         !load_rules::mayAct(dates_.lastAutoRemoteScanDate, now,
-                            load_rules::autoRemoteScanDistance)) {
-        return;
-    }
-    const auto devices = dependencies_.remote->tailDevices();
-    const bool hasMac = std::any_of(devices.begin(), devices.end(), [this](const TailDevice& each) {
-        return isRemoteMac(each, dependencies_.services.locale);
-    });
-    if (!hasMac) {
+                            load_rules::autoRemoteScanDistance) ||
+        !scan.hasMachinesToScan()) {
         return;
     }
     setDate(&AutomationDates::lastAutoRemoteScanDate, now);
-    dependencies_.remote->scanRemoteMacs();
+    scan.scanRemoteMacs();
 }
 
 void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {

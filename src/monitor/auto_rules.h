@@ -10,10 +10,10 @@
 
 namespace tallowcrest {
 
-class AutoScan;
 class LatestSample;
 class LocalActions;
 class Observable;
+class RemoteScan;
 class ReviewTarget;
 class WarningNotifications;
 struct Settings;
@@ -30,7 +30,7 @@ public:
         LocalActions& localActions;
         WarningNotifications& notifications;
         ProtectionPolicy protection;
-        AutoScan* remote = nullptr;  ///< null where other machines are not watched
+        RemoteScan& remoteScan;
     };
 
     explicit AutoRules(Dependencies dependencies);

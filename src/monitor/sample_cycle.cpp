@@ -11,6 +11,7 @@
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
 #include "remote/tailnet.h"
+#include "remote/remote_scan.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 #include "sampling/system_metrics_reader.h"
@@ -72,11 +73,12 @@ void SampleCycle::applySample(BackgroundSample background) {
     const SystemSnapshot& snapshot = *dependencies_.sample.snapshot();
     dependencies_.sample.appendHistoryPoint();
     dependencies_.sample.countTopApp();
+    const RemoteScanState& remote = dependencies_.remoteScan.state();
     dependencies_.sample.setSessionInsights(
         buildSessionInsights({.history = dependencies_.sample.history(),
                               .topAppSamples = dependencies_.sample.topAppSamples(),
-                              .remoteHealth = {},
-                              .remoteTopAppSamples = remoteTopAppSamples_},
+                              .remoteHealth = remote.remoteHealth,
+                              .remoteTopAppSamples = remote.remoteTopAppSamples},
                              dependencies_.services.locale));
     dependencies_.sample.setRecommendations(
         addSustainedRecommendations(std::move(background.recommendations),
@@ -89,9 +91,7 @@ void SampleCycle::applySample(BackgroundSample background) {
 }
 
 SampleCycle::SampleCycle(Dependencies dependencies)
-    : dependencies_(std::move(dependencies)),
-      remoteTopAppSamples_(dependencies_.services.settings.loadRemoteTopApps()),
-      jobs_(dependencies_.services.jobs) {}
+    : dependencies_(std::move(dependencies)), jobs_(dependencies_.services.jobs) {}
 
 void SampleCycle::refresh() {
     if (!dependencies_.readOnly) {

@@ -7,7 +7,6 @@
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
 #include "core/services.h"
-#include "core/settings/settings_store.h"
 #include "sampling/protection.h"
 #include "sampling/system_cpu_load_reader.h"
 
@@ -15,6 +14,7 @@ namespace tallowcrest {
 
 class AutoRules;
 class LatestSample;
+class RemoteScan;
 class SystemMetricsReader;
 class Tailnet;
 
@@ -67,6 +67,7 @@ public:
         LatestSample& sample;
         AutoRules& rules;
         Tailnet& tailnet;
+        const RemoteScan& remoteScan;
         int cpuCount = 1;
         ProtectionPolicy protection;
         bool readOnly = false;  ///< nothing is selected, asked for or started by itself
@@ -90,7 +91,6 @@ private:
     void publish(BackgroundSample& background);
 
     Dependencies dependencies_;
-    SettingsTable remoteTopAppSamples_;
     JobScope jobs_;
 };
 

@@ -44,16 +44,17 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       remote_(std::make_unique<Remote>(services_, actions_->pasteboard, ports.remote)),
       reports_(std::make_unique<Reports>(
           services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
-      integration_(std::make_unique<Integration>(services_, ports.integration)),
+      integration_(std::make_unique<Integration>(services_, remote_->scan, ports.integration)),
       autoRules_(std::make_unique<AutoRules>(
           AutoRules::Dependencies{services_, *sample_, actions_->review, actions_->local,
-                                  integration_->warnings, host_.protection, ports.remoteScan})),
+                                  integration_->warnings, host_.protection, remote_->scan})),
       cycle_(std::make_unique<SampleCycle>(
           SampleCycle::Dependencies{.services = services_,
                                     .sources = sources_,
                                     .sample = *sample_,
                                     .rules = *autoRules_,
                                     .tailnet = remote_->tailnet,
+                                    .remoteScan = remote_->scan,
                                     .cpuCount = host_.cpuCount,
                                     .protection = host_.protection,
                                     .readOnly = host_.readOnly,
@@ -89,7 +90,7 @@ std::optional<DiagnosticsFacts> SystemMonitor::diagnosticsFacts() const {
     return DiagnosticsFacts{.snapshot = *sample_->snapshot(),
                             .settings = settings_->values(),
                             .sessionInsights = sample_->sessionInsights(),
-                            .remoteHealth = {},
+                            .remoteHealth = remote_->scan.state().remoteHealth,
                             .openAIKeySaved = false,
                             .aiInsight = localInsight,
                             .aiActions = {},

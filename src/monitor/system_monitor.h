@@ -22,7 +22,6 @@
 namespace tallowcrest {
 
 class AutoRules;
-class AutoScan;
 class ConfirmationDesk;
 class CPUTickSource;
 class LatestSample;
@@ -54,7 +53,6 @@ struct MonitorPorts {
     RemotePorts remote;
     ReportPorts reports;
     IntegrationPorts integration = {};
-    AutoScan* remoteScan = nullptr;  ///< null where other machines are not watched
     /// Called once per sample, after everything that follows from it; never absent.
     std::function<void()> sampleApplied = [] {};
 };

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/fake_notification_center.h"
+#include "tests/support/remote_machines.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -26,12 +27,13 @@ protected:
     }
 
     TestServices with;
+    RemoteMachines remote{with.services};
     FakeNotificationCenter center;
     std::vector<std::string> routes;
     std::optional<WarningNotifications> notifications{
-        std::in_place, with.services, IntegrationPorts{&center, [this](AppRoute route) {
-                                                           routes.emplace_back(rawValue(route));
-                                                       }}};
+        std::in_place, with.services, remote.scan,
+        IntegrationPorts{&center,
+                         [this](AppRoute route) { routes.emplace_back(rawValue(route)); }}};
 };
 
 TEST_F(WarningNotificationsTest, RegistersThreeButtonsInOrder) {
@@ -105,8 +107,21 @@ TEST_F(WarningNotificationsTest, EveryButtonOpensItsRoute) {
     }
 }
 
+TEST_F(WarningNotificationsTest, OneButtonAlsoStartsAScan) {
+    remote.setDevices({tailDevice("macOS", true)});
+    for (const char* identifier : {"OPEN_OPTIMIZE", "OPEN_AI", NotificationCenter::plainClick}) {
+        center.respond(identifier);
+        EXPECT_FALSE(remote.scan.state().remoteScanInProgress) << identifier;
+    }
+    center.respond("SCAN_REMOTES");
+    EXPECT_TRUE(remote.scan.state().remoteScanInProgress);
+    // During a scan it begins another one.
+    center.respond("SCAN_REMOTES");
+    EXPECT_EQ(with.workQueue.pendingCount(), 2U);
+}
+
 TEST_F(WarningNotificationsTest, WithoutAWindowAButtonDoesNothing) {
-    WarningNotifications alone(with.services, {&center});
+    WarningNotifications alone(with.services, remote.scan, {&center});
     center.respond("OPEN_OPTIMIZE");
     EXPECT_THAT(routes, IsEmpty());
 }
@@ -121,7 +136,7 @@ TEST_F(WarningNotificationsTest, AfterDestructionResponsesAndSettingsHaveNoEffec
 }
 
 TEST_F(WarningNotificationsTest, WithoutACentreNothingHappens) {
-    WarningNotifications none(with.services, {});
+    WarningNotifications none(with.services, remote.scan, {});
     none.registerNotificationCategories();
     none.postLoadWarning("photo-indexer");
     none.handleNotificationAction("OPEN_OPTIMIZE");

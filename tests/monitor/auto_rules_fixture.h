@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -14,8 +15,8 @@
 #include "monitor/auto_rules.h"
 #include "tests/actions/local_actions_fixture.h"
 #include "tests/support/each_of.h"
-#include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_notification_center.h"
+#include "tests/support/remote_machines.h"
 
 namespace tallowcrest {
 
@@ -54,17 +55,24 @@ protected:
         set(&Settings::autoSelectTopOffender, true);
         set(&Settings::autoPurgeSustainedMemory, true);
         set(&Settings::autoScanRemoteMacs, true);
-        remote.devices = {tailDevice("macOS", true)};
+        remote.setDevices({tailDevice("macOS", true)});
         addProcess(700, "/usr/bin/editor");
         appendHistory(30, 95.0);
     }
 
     void expectNothingDone() const {
-        EXPECT_EQ(remote.scans, 0);
+        EXPECT_EQ(scans(), 0);
         EXPECT_THAT(log.activityLog(), ::testing::IsEmpty());
         EXPECT_EQ(review.selectedPID(), std::nullopt);
         EXPECT_FALSE(confirmations.pendingConfirmation());
         EXPECT_EQ(rules.dates(), AutomationDates{});
+    }
+
+    /// How many scans of other machines began.
+    std::ptrdiff_t scans() const {
+        return std::ranges::count_if(log.activityLog(), [](const ActivityEvent& event) {
+            return event.detail.starts_with("Scanning ");
+        });
     }
 
     std::vector<std::string> details() const {
@@ -85,10 +93,10 @@ protected:
         });
     }
 
-    FakeAutoScan remote;
+    RemoteMachines remote{services};
     FakeNotificationCenter center;
-    WarningNotifications notifications{services, {&center}};
-    AutoRules rules{{services, sample, review, actions, notifications, policy, &remote}};
+    WarningNotifications notifications{services, remote.scan, {&center}};
+    AutoRules rules{{services, sample, review, actions, notifications, policy, remote.scan}};
 };
 
 }  // namespace tallowcrest

@@ -35,7 +35,7 @@ TEST_F(AutoRulesTest, TheStopAlonePreventsEverythingExceptTheWarning) {
     // Only the stop prevented them.
     set(&Settings::automationEmergencyStopEngaged, false);
     run(99.0, 99.0);
-    EXPECT_EQ(remote.scans, 1);
+    EXPECT_EQ(scans(), 1);
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_TRUE(confirmations.pendingConfirmation());
 }
@@ -176,40 +176,38 @@ TEST_F(AutoRulesTest, ScansOnlyWhenAMacIsOnline) {
     for (const Case& each : {Case{{}, false}, Case{{tailDevice("macOS", false)}, false},
                              Case{{tailDevice("iOS", true), tailDevice("linux", true)}, false},
                              Case{{tailDevice("linux", true), tailDevice("MACos", true)}, true}}) {
-        remote.devices = each.devices;
+        remote.setDevices(each.devices);
         run(0.0);
-        EXPECT_EQ(remote.scans, each.scans ? 1 : 0);
+        EXPECT_EQ(scans(), each.scans ? 1 : 0);
         EXPECT_EQ(rules.dates().lastAutoRemoteScanDate,
                   each.scans ? std::optional(clock.now()) : std::nullopt);
     }
-    EXPECT_THAT(log.activityLog(), IsEmpty());
+    EXPECT_THAT(details(), ElementsAre("Action: Scanning 1 remote Mac over Tailscale..."));
 }
 
 TEST_F(AutoRulesTest, ScansAgainAfterMoreThanFifteenMinutesAndNotDuringAScan) {
     set(&Settings::autoScanRemoteMacs, true);
-    remote.devices = {tailDevice("macOS", true)};
-    remote.isScanning = true;
+    remote.setDevices({tailDevice("macOS", true)});
+    remote.scan.scanRemoteMacs();
     run(0.0);
-    EXPECT_EQ(remote.scans, 0);
+    EXPECT_EQ(scans(), 1) << "that of the owner";
     EXPECT_EQ(rules.dates().lastAutoRemoteScanDate, std::nullopt);
-    remote.isScanning = false;
-    for (const auto& [seconds, scans] : {std::pair{0, 1}, {900, 1}, {1, 2}}) {
+    finishWork();
+    for (const auto& [seconds, automatic] : {std::pair{0, 1}, {900, 1}, {1, 2}}) {
         clock.advance(std::chrono::seconds(seconds));
         run(0.0);
-        EXPECT_EQ(remote.scans, scans);
+        EXPECT_EQ(scans(), 1 + automatic);
+        finishWork();
     }
 }
 
 TEST_F(AutoRulesTest, TheRulesRunInOrder) {
     armAll();
-    std::size_t eventsAtScan = 0;
-    remote.onScan = [&] { eventsAtScan = log.activityLog().size(); };
     run(99.0);
     EXPECT_THAT(details(),
-                ElementsAre("Auto Rule: Purged caches after sustained high memory pressure.",
+                ElementsAre("Action: Scanning 1 remote Mac over Tailscale...",
+                            "Auto Rule: Purged caches after sustained high memory pressure.",
                             "Auto Rule: Selected editor because system load crossed 82%."));
-    EXPECT_EQ(remote.scans, 1);
-    EXPECT_EQ(eventsAtScan, 2U);
 }
 
 /// Engages the stop as soon as it is read.
@@ -229,14 +227,14 @@ TEST_F(AutoRulesTest, AStopEngagedDuringARulePreventsTheNext) {
     armAll();
     const StoppingClock stoppingClock(settings);
     AutoRules stopped({Services{log, settings, confirmations, jobs, stoppingClock, locale}, sample,
-                       review, actions, notifications, policy, &remote});
+                       review, actions, notifications, policy, remote.scan});
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_FALSE(confirmations.pendingConfirmation());
     set(&Settings::automationEmergencyStopEngaged, false);
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_TRUE(confirmations.pendingConfirmation()) << "the first rule had nothing to do";
-    EXPECT_EQ(remote.scans, 0);
+    EXPECT_EQ(scans(), 0);
 }
 
 TEST_F(AutoRulesTest, WarnsWithTheTopProcess) {
@@ -262,8 +260,8 @@ TEST_F(AutoRulesTest, WarnsAgainOfAHighLoadAfterThreeMinutes) {
 }
 
 TEST_F(AutoRulesTest, WorksWithoutOtherMachinesAndNotifications) {
-    WarningNotifications silent(services, {});
-    AutoRules alone({services, sample, review, actions, silent, policy, nullptr});
+    WarningNotifications silent(services, remote.scan, {});
+    AutoRules alone({services, sample, review, actions, silent, policy, remote.scan});
     set(&Settings::autoScanRemoteMacs, true);
     alone.runAutoRules(snapshot(99.0));
     alone.raiseLoadWarning(snapshot(99.0));
@@ -275,12 +273,12 @@ TEST_F(AutoRulesTest, EachRuleRecordsItsOwnKind) {
     armAll();
     run(99.0, 99.0);
     rules.raiseLoadWarning(*sample.snapshot());
-    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::autoPurge,
-                                     ActivityKind::autoSelect));
+    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::action,
+                                     ActivityKind::autoPurge, ActivityKind::autoSelect));
     // Two rules share a title, but their kinds are still right after a restart.
     const ActivityLog restarted(clock, settings, mainQueue);
     ASSERT_EQ(restarted.activityLog(), log.activityLog());
-    for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 4; ++i) {
         EXPECT_EQ(restarted.activityLog()[i].kind, log.activityLog()[i].kind) << i;
     }
 }

@@ -41,7 +41,7 @@ TEST_F(LastActed, IsTheDateOfEachRulesLastAction) {
 
     clock.advance(std::chrono::minutes(1));
     set(&Settings::autoScanRemoteMacs, true);
-    remote.devices = {tailDevice("macOS", true)};
+    remote.setDevices({tailDevice("macOS", true)});
     run(99.0);
     EXPECT_EQ(acted(S::autoScanRemoteMacs), clock.now());
     EXPECT_EQ(acted(S::diskAutopilotEnabled), std::nullopt);

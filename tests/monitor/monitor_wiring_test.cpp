@@ -18,10 +18,12 @@
 #include "core/settings/stored_lists.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
-#include "tests/support/fake_auto_scan.h"
+#include "tests/support/each_of.h"
 #include "tests/support/fake_machine.h"
+#include "tests/support/remote_machines.h"
 
 namespace tallowcrest {
 namespace {
@@ -57,6 +59,25 @@ TEST_F(MonitorWiring, AButtonOfAWarningOpensItsRoute) {
         machine.notifications.respond(identifier);
         EXPECT_THAT(opened, ElementsAre(route)) << identifier;
     }
+}
+
+TEST_F(MonitorWiring, TheResultsOfAScanReachInsightsAndReport) {
+    machine.setTailDevices({tailDevice("macOS", true)});
+    machine.notifications.respond("SCAN_REMOTES");
+    EXPECT_TRUE(monitor().remote().scan.state().remoteScanInProgress);
+    machine.finishSamples();
+    EXPECT_EQ(monitor().log().lastAction(), "Remote scan complete: 0 of 1 Mac responded.");
+    monitor().remote().scan.finishRemoteScan({{.hostName = "studio",
+                                               .address = "100.1.2.3",
+                                               .online = true,
+                                               .status = RemoteHealth::Status::reachable,
+                                               .memoryPercent = 91.0,
+                                               .appImpacts = {{.name = "Arc"}}}});
+    machine.tick();
+    EXPECT_THAT(eachOf(monitor().sample().sessionInsights(), &SessionInsight::kind),
+                ::testing::IsSupersetOf(
+                    {SessionInsight::Kind::remoteWatch, SessionInsight::Kind::remoteRepeater}));
+    EXPECT_THAT(monitor().reports().diagnosticsReport(false).value(), HasSubstr("100.1.2.3"));
 }
 
 TEST_F(MonitorWiring, ABusySampleCausesAWarning) {
@@ -138,9 +159,6 @@ TEST_F(MonitorWiring, TheMemoryOfAnEarlierRunDoesNotAskForAPurge) {
 }
 
 TEST_F(MonitorWiring, AReadOnlyRunWarnsAndDoesNothingElse) {
-    FakeAutoScan remote;
-    remote.devices = {tailDevice("macOS", true)};
-    machine.remoteScan = &remote;
     machine.store.write(settings_keys::autoPurgeKey, true);
     machine.store.write(settings_keys::autoRemoteScanKey, true);
     machine.metrics->memory.pressure = 95.0;
@@ -149,13 +167,14 @@ TEST_F(MonitorWiring, AReadOnlyRunWarnsAndDoesNothingElse) {
         machine.readOnly = readOnly;
         machine.notifications.posted.clear();
         machine.restart();
+        machine.setTailDevices({tailDevice("macOS", true)});
         for (int i = 0; i < 20; ++i) {
             machine.tick();
         }
         EXPECT_THAT(machine.notifications.posted, SizeIs(1));
         EXPECT_EQ(monitor().actions().review.selectedPID().has_value(), !readOnly);
         EXPECT_EQ(monitor().confirmations().pendingConfirmation().has_value(), !readOnly);
-        EXPECT_EQ(remote.scans, readOnly ? 0 : 1);
+        EXPECT_EQ(monitor().remote().scan.state().remoteHealth.size(), readOnly ? 0U : 1U);
     }
 }
 

@@ -28,8 +28,7 @@ struct RecordedEvent {
 class ReplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        prepareForReplay(machine, remote);
-        remote.onScan = [this] { scans.push_back(now()); };
+        prepareForReplay(machine);
         beginning = machine.clock.now();
     }
 
@@ -56,6 +55,8 @@ protected:
         return times;
     }
 
+    std::vector<double> scans() const { return timesOf(ActivityKind::action, "Scanning "); }
+
     static double shortestDistance(const std::vector<double>& times) {
         double shortest = 1e9;
         for (std::size_t i = 1; i < times.size(); ++i) {
@@ -64,13 +65,11 @@ protected:
         return shortest;
     }
 
-    FakeAutoScan remote;
     FakeMachine machine;
     LogNews news{machine};
     bool cancelsRequests = true;  ///< whether each request is cancelled at once
     Date beginning;
     std::vector<RecordedEvent> recordedEvents;
-    std::vector<double> scans;
 };
 
 TEST_F(ReplayTest, WarningsAndRulesKeepTheirDistancesForADay) {
@@ -94,8 +93,8 @@ TEST_F(ReplayTest, WarningsAndRulesKeepTheirDistancesForADay) {
         EXPECT_GT(time, 12.0 * 3600.0);
         EXPECT_LT(time, 18.0 * 3600.0 + 120.0);
     }
-    EXPECT_GT(shortestDistance(scans), 900.0);
-    EXPECT_THAT(scans, SizeIs(24U * 3600U / 904U + 1U));
+    EXPECT_GT(shortestDistance(scans()), 900.0);
+    EXPECT_THAT(scans(), SizeIs(24U * 3600U / 904U + 1U));
     EXPECT_THAT(timesOf(ActivityKind::autoSelect, "Selected photo-indexer"), SizeIs(1));
     // A rule only makes a request; nothing is done without a confirmation.
     EXPECT_EQ(machine.actions.cachePurge->count, 0);
@@ -135,7 +134,7 @@ protected:
         run(busyTrace(15));
         EXPECT_THAT(timesOf(ActivityKind::autoSelect, "Selected photo-indexer"), SizeIs(1));
         EXPECT_THAT(timesOf(ActivityKind::autoPurge, "Purged caches"), SizeIs(1));
-        EXPECT_THAT(scans, SizeIs(1));
+        EXPECT_THAT(scans(), SizeIs(1));
         monitor().actions().review.clearOperationTarget();
         monitor().actions().automation.engageEmergencyStop();
     }
@@ -143,7 +142,6 @@ protected:
     void expectNothingActsForAnHour() {
         news.take();
         recordedEvents.clear();
-        scans.clear();
         cancelsRequests = false;
         // No rule is in its pause any more.
         machine.clock.advance(std::chrono::hours(2));
@@ -152,7 +150,7 @@ protected:
         const std::string lastAction = monitor().log().lastAction();
         const std::string step = monitor().actions().review.optimizeStep();
         run(busyTrace(900));
-        EXPECT_THAT(scans, IsEmpty());
+        EXPECT_THAT(scans(), IsEmpty());
         EXPECT_EQ(monitor().actions().review.selectedPID(), std::nullopt);
         EXPECT_EQ(monitor().actions().review.optimizeStep(), step);
         EXPECT_EQ(monitor().log().lastAction(), lastAction);
@@ -195,12 +193,13 @@ TEST_F(ReplayWithStop, ASampleUnderWayDoesNotAct) {
     for (const AutomationSwitch each : allAutomationSwitches) {
         monitor().actions().automation.set(each, true);
     }
-    scans.clear();
     machine.clock.advance(std::chrono::hours(2));
     monitor().refresh();
     monitor().actions().automation.engageEmergencyStop();
     machine.finishSamples();
-    EXPECT_THAT(scans, IsEmpty());
+    for (const ActivityEvent& event : news.take()) {
+        EXPECT_FALSE(event.detail.starts_with("Scanning ")) << event.detail;
+    }
     EXPECT_EQ(monitor().actions().review.selectedPID(), std::nullopt);
     EXPECT_FALSE(monitor().confirmations().pendingConfirmation());
 }

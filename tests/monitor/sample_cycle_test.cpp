@@ -24,10 +24,10 @@
 #include "tests/monitor/recommendation_cards.h"
 #include "tests/monitor/sample_cycle_fixture.h"
 #include "tests/support/each_of.h"
-#include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/fake_tool_launcher.h"
+#include "tests/support/remote_machines.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -42,13 +42,14 @@ class SampleCycleTest : public ::testing::Test, protected TestServices, protecte
 protected:
     void makeCycle(bool readOnly = false) {
         rules = std::make_unique<AutoRules>(AutoRules::Dependencies{
-            services, *sample, review, actions, notifications, {}, &remote});
+            services, *sample, review, actions, notifications, {}, remote.scan});
         cycle = std::make_unique<SampleCycle>(
             SampleCycle::Dependencies{.services = services,
                                       .sources = sources,
                                       .sample = *sample,
                                       .rules = *rules,
                                       .tailnet = tailnet,
+                                      .remoteScan = remote.scan,
                                       .cpuCount = 4,
                                       .protection = {},
                                       .readOnly = readOnly,
@@ -69,7 +70,7 @@ protected:
         ticks->pass(97);
         settings.set(&Settings::autoPurgeSustainedMemory, true);
         settings.set(&Settings::autoScanRemoteMacs, true);
-        remote.devices = {tailDevice("macOS", true)};
+        remote.setDevices({tailDevice("macOS", true)});
         SystemSnapshot pressed;
         pressed.memory.pressure = 91;
         sample->setSnapshot(pressed);
@@ -79,14 +80,25 @@ protected:
         store.written.clear();
     }
 
+    /// `step` is called when the last rule has begun a scan of other machines.
+    void atScan(std::function<void()> step) {
+        store.onWrite = [this, step = std::move(step)](std::string_view key) {
+            if (key == settings_keys::activityLogKey &&
+                log.activityLog().front().detail.starts_with("Scanning ")) {
+                step();
+            }
+        };
+    }
+
     std::vector<ActivityKind> kinds() const {
         return eachOf(log.activityLog(), &ActivityEvent::kind);
     }
 
-    FakeAutoScan remote;
+    RemoteMachines remote{services};
     FakeNotificationCenter center;
     FakeToolLauncher launcher;
     WarningNotifications notifications{services, {&center}};
+    WarningNotifications notifications{services, remote.scan, {&center}};
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
     LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};
@@ -104,7 +116,7 @@ TEST_F(SampleCycleTest, TheMainHalfRunsInOrder) {
     armEveryRule();
     makeCycle();
     std::vector<std::string> steps;
-    remote.onScan = [&] {
+    atScan([&] {
         steps.emplace_back("rules");
         // The whole sample is visible by then.
         EXPECT_EQ(sample->latestProcesses().size(), 2U);
@@ -122,17 +134,18 @@ TEST_F(SampleCycleTest, TheMainHalfRunsInOrder) {
                     ElementsAre("Memory pressure has stayed elevated", "Memory pressure is high",
                                 "CPU load is very high"));
         EXPECT_THAT(center.posted, IsEmpty());
-    };
+    });
     applied = [&] {
         steps.emplace_back("applied");
         EXPECT_THAT(center.posted, SizeIs(1));
     };
     takeOne();
     EXPECT_THAT(steps, ElementsAre("rules", "applied"));
-    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::autoPurge,
-                                     ActivityKind::autoSelect));
+    EXPECT_THAT(kinds(), ElementsAre(ActivityKind::warning, ActivityKind::action,
+                                     ActivityKind::autoPurge, ActivityKind::autoSelect));
     EXPECT_THAT(store.written, ElementsAre("Tallowcrest.history", "Tallowcrest.activityLog",
-                                           "Tallowcrest.activityLog", "Tallowcrest.activityLog"));
+                                           "Tallowcrest.activityLog", "Tallowcrest.activityLog",
+                                           "Tallowcrest.activityLog"));
 }
 
 TEST_F(SampleCycleTest, AReadOnlyRunWarnsAndDoesNothingElse) {
@@ -149,7 +162,7 @@ TEST_F(SampleCycleTest, AReadOnlyRunWarnsAndDoesNothingElse) {
     EXPECT_EQ(appliedSamples, 1);
     EXPECT_EQ(review.selectedPID(), std::nullopt);
     EXPECT_FALSE(confirmations.pendingConfirmation());
-    EXPECT_EQ(remote.scans, 0);
+    EXPECT_FALSE(remote.scan.state().remoteScanInProgress);
     AutomationDates warned;
     warned.lastWarningDate = clock.now();
     EXPECT_EQ(rules->dates(), warned);
@@ -165,10 +178,10 @@ TEST_F(SampleCycleTest, AnEmptySampleIsInTheHistoryAndHasNoTopApp) {
 TEST_F(SampleCycleTest, ASampleCanBeQueuedWhileOneIsApplied) {
     armEveryRule();
     makeCycle();
-    remote.onScan = [this] { cycle->refresh(); };
+    atScan([this] { cycle->refresh(); });
     applied = [this] { cycle->refresh(); };
     takeOne();
-    EXPECT_EQ(workQueue.pendingCount(), 2U);
+    EXPECT_EQ(workQueue.pendingCount(), 3U) << "two samples and the scan";
     EXPECT_EQ(sample->history().size(), 21U);
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/locale.h"
 #include "monitor/system_monitor.h"
+#include "remote/remote.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/process_row.h"
 
@@ -35,7 +36,6 @@ SystemMonitor& FakeMachine::monitor() {
                                     .tailscaleCLI = tailscaleDaemon ? "/absent/tailscale" : ""},
                          .reports = {reportFolder, atGreenwich},
                          .integration = {&notifications, openRoute},
-                         .remoteScan = remoteScan,
                          .sampleApplied = [this] { changeSample(); }},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
@@ -75,6 +75,10 @@ ProcessSample& FakeMachine::addProcess(std::int64_t pid, std::string command, do
 
 void FakeMachine::endProcess(std::int64_t pid) {
     std::erase_if(metrics->processes, [pid](const ProcessSample& row) { return row.pid == pid; });
+}
+
+void FakeMachine::setTailDevices(std::vector<TailDevice> devices) {
+    monitor().remote().tailnet.publish({std::move(devices), {}});
 }
 
 void FakeMachine::finishSamples() {

@@ -9,6 +9,7 @@
 
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
+#include "core/remote_records.h"
 #include "core/routes.h"
 #include "core/settings/settings_store.h"
 #include "remote/tailnet_reading.h"
@@ -24,7 +25,6 @@
 
 namespace tallowcrest {
 
-class AutoScan;
 class Locale;
 class SystemMonitor;
 
@@ -49,6 +49,9 @@ public:
 
     /// The next sample no longer contains the process.
     void endProcess(std::int64_t pid);
+
+    /// The devices that the tailnet tells from now on.
+    void setTailDevices(std::vector<TailDevice> devices);
 
     /// Runs every queued sample and all work that it causes.
     void finishSamples();
@@ -78,7 +81,6 @@ public:
     std::function<bool()> openTailscaleApp;
     TailscaleDaemon tailscaleDaemon;  ///< when absent, the tailnet is not read
     std::function<void(AppRoute)> openRoute;
-    AutoScan* remoteScan = nullptr;
     /// When set, these replace those of each sample.
     std::optional<std::vector<Recommendation>> recommendations;
     std::optional<std::vector<SessionInsight>> sessionInsights;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ public:
     void write(std::string_view key, const SettingsValue& value) override {
         written.emplace_back(key);
         values.write(key, value);
+        if (onWrite) {
+            onWrite(key);
+        }
     }
 
     std::string json(std::string_view key) const {
@@ -26,6 +30,7 @@ public:
 
     MemorySettingsStore values;
     std::vector<std::string> written;
+    std::function<void(std::string_view key)> onWrite;  ///< called after each; may be absent
 };
 
 }  // namespace tallowcrest

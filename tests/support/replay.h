@@ -9,20 +9,17 @@
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
 #include "monitor/system_monitor.h"
-#include "tests/support/fake_auto_scan.h"
 #include "tests/support/fake_machine.h"
 #include "tests/support/load_trace.h"
+#include "tests/support/remote_machines.h"
 
 namespace tallowcrest {
 
-/// Sets the figures that a trace does not contain, and another machine that can be scanned. To be
-/// called before the monitor is built. `remote` must outlive the monitor.
-inline void prepareForReplay(FakeMachine& machine, FakeAutoScan& remote) {
+/// Sets the figures that a trace does not contain. To be called before the monitor is built.
+inline void prepareForReplay(FakeMachine& machine) {
     machine.metrics->memory.totalGB = 16.0;
     machine.metrics->disk.totalGB = 256.0;
     machine.ticks->ticks = CPUTicks{};
-    remote.devices = {tailDevice("macOS", true)};
-    machine.remoteScan = &remote;
 }
 
 /// Finds the new events in the activity log of a machine's monitor.
@@ -57,12 +54,14 @@ private:
     UUID newest_;
 };
 
-/// Replays a trace on a prepared machine. Each sample is taken at its time, counted from the time
-/// of the clock at the call. `landed(sample)` is called after each.
+/// Replays a trace on a prepared machine, beside another one that can be scanned. Each sample is
+/// taken at its time, counted from the time of the clock at the call. `landed(sample)` is called
+/// after each.
 template <class Landed>
 void replay(FakeMachine& machine, const LoadTrace& trace, Landed landed) {
     const Date beginning = machine.clock.now();
     SystemMonitor& monitor = machine.monitor();
+    machine.setTailDevices({tailDevice("macOS", true)});
     for (const TracedSample& sample : trace) {
         const double ahead = sample.seconds - secondsBetween(beginning, machine.clock.now());
         machine.clock.advance(std::chrono::nanoseconds(std::llround(ahead * 1e9)));

@@ -19,6 +19,7 @@
 #include "platform/base/thread_work_queue.h"
 #include "platform/desktop/dbus_notification_center.h"
 #include "platform/desktop/qt_main_queue.h"
+#include "tests/support/remote_machines.h"
 
 using namespace tallowcrest;
 
@@ -78,8 +79,9 @@ int main(int argc, char** argv) {
     ConfirmationDesk confirmations(log, queue);
     PlainLocale locale;
     const Services services{log, settings, confirmations, jobs, clock, locale};
+    RemoteMachines remote(services);
     WarningNotifications notifications(
-        services,
+        services, remote.scan,
         {&center, [](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }});
     notifications.registerNotificationCategories();
     std::thread reader([&] {
