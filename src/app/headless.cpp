@@ -1,5 +1,6 @@
 #include "app/headless.h"
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -8,14 +9,18 @@
 #include "app/console.h"
 #include "app/headless_format.h"
 #include "platform/base/run_loop.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
 namespace {
 
-/// Prints each sample when it is applied, or the report, and stops the loop after the last sample
-/// that was requested.
+/// The tailnet is read with the samples, so one that is waited for is taken sooner.
+constexpr std::chrono::milliseconds remoteInterval{500};
+
+/// Prints each sample when it is applied, or the report, or the results of a scan of other
+/// machines, and stops the loop after the last sample that was requested.
 class SamplePrinter {
 public:
     SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
@@ -31,6 +36,10 @@ public:
         }
         if (options_.report) {
             printReport(monitor);
+            return;
+        }
+        if (options_.remote) {
+            printRemote(monitor);
             return;
         }
         const std::string text = options_.json
@@ -58,6 +67,34 @@ private:
         finish(writeToStandardOutput(*report + "\n") ? EXIT_SUCCESS : EXIT_FAILURE);
     }
 
+    /// Begins the scan once there is a machine to scan, and prints after its end.
+    void printRemote(SystemMonitor& monitor) {
+        // Longer than a reading of the tailnet takes.
+        constexpr std::int64_t samplesToWait = std::chrono::milliseconds(6000) / remoteInterval;
+        RemoteScan& scan = monitor.remote().scan;
+        ++printed_;
+        if (!isScanning_) {
+            if (!scan.hasMachinesToScan() && printed_ < samplesToWait) {
+                return;
+            }
+            const Outcome outcome = scan.scanRemoteMacs();
+            isScanning_ = outcome.isAccepted();
+            if (!isScanning_) {
+                complain(outcome.message);
+                finish(EXIT_SUCCESS);
+            }
+            return;
+        }
+        if (scan.state().remoteScanInProgress) {
+            return;
+        }
+        std::string text;
+        for (const RemoteHealth& machine : scan.state().remoteHealth) {
+            text += options_.json ? remoteJSON(machine) : remoteBlock(machine);
+        }
+        finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+
     void finish(int status) {
         isDone_ = true;
         loop_.stop(status);
@@ -66,6 +103,7 @@ private:
     const Options& options_;
     RunLoop& loop_;
     std::int64_t printed_ = 0;
+    bool isScanning_ = false;
     bool isDone_ = false;
 };
 
@@ -76,7 +114,8 @@ int runHeadless(const Options& options) {
     SamplePrinter printer(options, loop);
     Composition composition(loop, SettingsAccess::readOnly, {},
                             [&] { printer.print(composition.monitor()); });
-    composition.monitor().startMonitoring(options.interval.value_or(SystemMonitor::sampleInterval));
+    composition.monitor().startMonitoring(
+        options.remote ? remoteInterval : options.interval.value_or(SystemMonitor::sampleInterval));
     const int status = loop.run();
     if (!composition.shutDown()) {
         std::_Exit(status);

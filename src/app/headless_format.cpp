@@ -51,7 +51,8 @@ std::string diskFigures(const DiskSnapshot& disk) {
                                : fmt::format("{:.1f} of {:.1f} GB free", disk.freeGB, disk.totalGB);
 }
 
-json optionalNumber(const std::optional<std::int64_t>& value) {
+template <class Value>
+json optionalJSON(const std::optional<Value>& value) {
     return value ? json(*value) : json(nullptr);
 }
 
@@ -73,12 +74,13 @@ json processJSON(const ProcessSample& process) {
             {"arguments", process.arguments}};
 }
 
-json groupJSON(const AppImpact& group) {
+template <class Group>
+json groupJSON(const Group& group) {
     return {{"name", group.name},
             {"processCount", group.processCount},
             {"totalCPU", group.totalCPU},
             {"totalMemoryMB", group.totalMemoryMB},
-            {"topPID", optionalNumber(group.topPID)},
+            {"topPID", optionalJSON(group.topPID)},
             {"protectedCount", group.protectedCount}};
 }
 
@@ -87,7 +89,32 @@ json recommendationJSON(const Recommendation& recommendation) {
             {"title", recommendation.title},
             {"detail", recommendation.detail},
             {"severity", title(recommendation.severity)},
-            {"relatedPID", optionalNumber(recommendation.relatedPID)}};
+            {"relatedPID", optionalJSON(recommendation.relatedPID)}};
+}
+
+json remoteProcessJSON(const RemoteProcess& process) {
+    return {{"pid", process.pid},
+            {"cpu", process.cpu},
+            {"rssMB", process.rssMB},
+            {"command", process.command}};
+}
+
+std::string lineOf(const json& object) {
+    return object.dump(-1, ' ', true, json::error_handler_t::replace) + '\n';
+}
+
+/// The first groups, below the names of their columns.
+template <class Group>
+std::string groupRows(const std::vector<Group>& groups) {
+    std::string rows = fmt::format("  {:<{}} {:>8} {:>10} {:>10}\n", "App", nameColumns, "CPU",
+                                   "Memory", "Processes");
+    const std::size_t shown = std::min(groupsShown, groups.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        const Group& group = groups[i];
+        rows += fmt::format("  {} {:>7.1f}% {:>7.0f} MB {:>10}\n", nameColumn(group.name),
+                            group.totalCPU, group.totalMemoryMB, group.processCount);
+    }
+    return rows;
 }
 
 template <class Values, class Convert>
@@ -106,18 +133,7 @@ std::string sampleBlock(const SystemSnapshot& snapshot,
     std::string block = fmt::format("{}  CPU {:.0f}%  Memory {}  Disk {}\n",
                                     localTime(snapshot.sampledAt), snapshot.cpuPercent,
                                     memoryFigures(snapshot.memory), diskFigures(snapshot.disk));
-    if (snapshot.appImpacts.empty()) {
-        block += "  Sampling apps…\n";
-    } else {
-        block += fmt::format("  {:<{}} {:>8} {:>10} {:>10}\n", "App", nameColumns, "CPU", "Memory",
-                             "Processes");
-    }
-    const std::size_t shown = std::min(groupsShown, snapshot.appImpacts.size());
-    for (std::size_t i = 0; i < shown; ++i) {
-        const AppImpact& group = snapshot.appImpacts[i];
-        block += fmt::format("  {} {:>7.1f}% {:>7.0f} MB {:>10}\n", nameColumn(group.name),
-                             group.totalCPU, group.totalMemoryMB, group.processCount);
-    }
+    block += snapshot.appImpacts.empty() ? "  Sampling apps…\n" : groupRows(snapshot.appImpacts);
     for (const Recommendation& recommendation : recommendations) {
         block += fmt::format("  [{}] {}\n      {}\n", title(recommendation.severity),
                              printableText(recommendation.title).text,
@@ -134,12 +150,56 @@ std::string sampleJSON(const SystemSnapshot& snapshot,
         {"disk", {{"totalGB", snapshot.disk.totalGB}, {"freeGB", snapshot.disk.freeGB}}},
         {"cpuPercent", snapshot.cpuPercent},
         {"topProcesses", arrayOf(snapshot.topProcesses, processJSON)},
-        {"appImpacts", arrayOf(snapshot.appImpacts, groupJSON)},
+        {"appImpacts", arrayOf(snapshot.appImpacts, groupJSON<AppImpact>)},
         {"pressureText", snapshot.pressureText},
         {"sampledAt", snapshot.sampledAt.secondsSinceReference},
         {"recommendations", arrayOf(recommendations, recommendationJSON)},
     };
-    return object.dump(-1, ' ', true, json::error_handler_t::replace) + '\n';
+    return lineOf(object);
+}
+
+std::string remoteBlock(const RemoteHealth& machine) {
+    std::string block = fmt::format("{}  {}  {}", printableText(machine.hostName).text,
+                                    printableText(machine.address).text, title(machine.status));
+    if (machine.cpuPercent) {
+        block += fmt::format("  CPU {:.0f}%", *machine.cpuPercent);
+    }
+    if (machine.memoryPercent) {
+        block += fmt::format("  Memory {:.0f}%", *machine.memoryPercent);
+    }
+    if (machine.osVersion) {
+        block += fmt::format("  System {}", printableText(*machine.osVersion).text);
+    }
+    block += '\n';
+    if (!machine.appImpacts.empty()) {
+        block += groupRows(machine.appImpacts);
+    }
+    // Of a machine that did not answer, the recommendation is the hint once more.
+    block += fmt::format(
+        "  {}\n\n",
+        printableText(machine.online ? machine.recommendation : machine.setupHint).text);
+    return block;
+}
+
+std::string remoteJSON(const RemoteHealth& machine) {
+    return lineOf({
+        {"id", machine.id},
+        {"hostName", machine.hostName},
+        {"address", machine.address},
+        {"online", machine.online},
+        {"status", title(machine.status)},
+        {"cpuPercent", optionalJSON(machine.cpuPercent)},
+        {"memoryPercent", optionalJSON(machine.memoryPercent)},
+        {"osVersion", optionalJSON(machine.osVersion)},
+        {"topCPUProcess", optionalJSON(machine.topCPUProcess)},
+        {"topMemoryProcess", optionalJSON(machine.topMemoryProcess)},
+        {"topProcesses", arrayOf(machine.topProcesses, remoteProcessJSON)},
+        {"appImpacts", arrayOf(machine.appImpacts, groupJSON<RemoteAppImpact>)},
+        {"recommendation", machine.recommendation},
+        {"summary", machine.summary},
+        {"setupHint", machine.setupHint},
+        {"sampledAt", machine.sampledAt.secondsSinceReference},
+    });
 }
 
 }  // namespace tallowcrest

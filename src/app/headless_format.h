@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/local_records.h"
+#include "core/remote_records.h"
 
 namespace tallowcrest {
 
@@ -18,5 +19,13 @@ std::string sampleBlock(const SystemSnapshot& snapshot,
 /// null. The output is ASCII, so that no process name can control the terminal.
 std::string sampleJSON(const SystemSnapshot& snapshot,
                        const std::vector<Recommendation>& recommendations);
+
+/// The result of a scan of one other machine as a readable block that ends with an empty line: its
+/// figures, its groups, and what to do. Control characters as in `sampleBlock`.
+std::string remoteBlock(const RemoteHealth& machine);
+
+/// The same as one line of JSON, line end included, with the members of the record under their own
+/// names, as in `sampleJSON`.
+std::string remoteJSON(const RemoteHealth& machine);
 
 }  // namespace tallowcrest

@@ -77,6 +77,9 @@ private:
         if (name == "--report") {
             return &options_.report;
         }
+        if (name == "--remote") {
+            return &options_.remote;
+        }
         if (name == "--redacted") {
             return &options_.redacted;
         }
@@ -131,6 +134,7 @@ private:
                                               : options_.samples  ? "--samples"
                                               : options_.interval ? "--interval"
                                               : options_.report   ? "--report"
+                                              : options_.remote   ? "--remote"
                                                                   : "";
         if (!options_.headless && !headlessOnly.empty()) {
             fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
@@ -141,6 +145,12 @@ private:
         if (options_.report && (options_.json || options_.samples)) {
             fail(fmt::format("option '--report' cannot go with '{}'",
                              options_.json ? "--json" : "--samples"));
+        }
+        if (options_.remote && (options_.report || options_.samples || options_.interval)) {
+            fail(fmt::format("option '--remote' cannot go with '{}'", options_.report ? "--report"
+                                                                      : options_.samples
+                                                                          ? "--samples"
+                                                                          : "--interval"));
         }
     }
 
@@ -179,6 +189,7 @@ Usage: tallowcrest [options]
     --interval SECS   seconds between samples (default 4)
     --report          take two samples, print the diagnostics report and end
     --redacted        without pids, addresses and names of known processes
+    --remote          scan the other machines once, print them and end
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

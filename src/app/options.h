@@ -17,6 +17,7 @@ struct Options {
     bool headless = false;
     bool json = false;
     bool report = false;                                ///< print the diagnostics report and end
+    bool remote = false;                                ///< scan other machines once and end
     bool redacted = false;                              ///< the report without private data
     std::optional<std::int64_t> samples;                ///< stop after that many; absent: never
     std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's default

@@ -147,6 +147,15 @@ TEST(Options, Report) {
     EXPECT_TRUE(accepted({"--redacted", "--report", "--headless"}).redacted);
     EXPECT_EQ(accepted({"--headless", "--report", "--interval", "0.5"}).interval,
               milliseconds(500));
+    EXPECT_TRUE(accepted({"--headless", "--remote", "--json"}).remote);
+    EXPECT_FALSE(accepted({"--headless"}).remote);
+    EXPECT_EQ(refusal({"--remote"}), "option '--remote' needs '--headless'");
+    EXPECT_EQ(refusal({"--headless", "--remote", "--report"}),
+              "option '--remote' cannot go with '--report'");
+    EXPECT_EQ(refusal({"--headless", "--remote", "--samples", "2"}),
+              "option '--remote' cannot go with '--samples'");
+    EXPECT_EQ(refusal({"--headless", "--remote", "--interval", "2"}),
+              "option '--remote' cannot go with '--interval'");
     EXPECT_EQ(refusal({"--headless", "--report", "--json"}),
               "option '--report' cannot go with '--json'");
     EXPECT_EQ(refusal({"--headless", "--report", "--samples", "5"}),
@@ -183,7 +192,7 @@ TEST(Options, MessagesShortenALongArgumentBetweenCharacters) {
 TEST(Options, HelpListsEveryOptionInNarrowLines) {
     const std::string help(helpText());
     for (const char* option : {"--headless", "--json", "--samples", "--interval", "--ui-testing",
-                               "--report", "--redacted", "--version", "--help", "-h"}) {
+                               "--report", "--remote", "--redacted", "--version", "--help", "-h"}) {
         EXPECT_THAT(help, HasSubstr(option));
     }
     std::size_t longest = 0;
