@@ -16,7 +16,7 @@
 #include "core/services.h"
 #include "integration/integration_ports.h"
 #include "remote/remote_ports.h"
-#include "reports/report_folder.h"
+#include "reports/report_ports.h"
 #include "sampling/protection.h"
 
 namespace tallowcrest {

@@ -12,7 +12,7 @@
 #include "core/outcome.h"
 #include "core/services.h"
 #include "reports/diagnostics_report.h"
-#include "reports/report_folder.h"
+#include "reports/report_ports.h"
 
 namespace tallowcrest {
 

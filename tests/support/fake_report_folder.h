@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "reports/report_folder.h"
+#include "actions/report_folder.h"
 
 namespace tallowcrest {
 
@@ -28,11 +28,19 @@ public:
         written[file.filename()] = text;
         return Outcome::done();
     }
+    Outcome writeScript(const std::filesystem::path& file, const std::string& text) override {
+        if (problem) {
+            return Outcome::failed(*problem);
+        }
+        scripts[file] = text;
+        return Outcome::done();
+    }
     void reveal(const std::filesystem::path& file) override { revealed.push_back(file.filename()); }
 
     std::function<void()> onWrite;  ///< called before the text is there; may be absent
     std::optional<std::string> problem;
     std::map<std::string, std::string> written;
+    std::map<std::filesystem::path, std::string> scripts;  ///< by path
     std::vector<std::string> revealed;
 };
 

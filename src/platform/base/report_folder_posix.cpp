@@ -17,6 +17,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr mode_t ownerOnly = 0600;
+constexpr mode_t everyoneMayRun = 0755;
 
 Outcome failure(int error) {
     return Outcome::failed(std::generic_category().message(error));
@@ -39,7 +40,7 @@ int writeAll(int file, std::string_view text) {
 
 /// Gives the finished file its name without ever replacing another file. Returns 0 or the error
 /// number.
-int publish(int folder, const std::string& temporary, const std::string& name) {
+int publishNew(int folder, const std::string& temporary, const std::string& name) {
     if (::linkat(folder, temporary.c_str(), folder, name.c_str(), 0) == 0) {
         ::unlinkat(folder, temporary.c_str(), 0);
         return 0;
@@ -64,12 +65,15 @@ int publish(int folder, const std::string& temporary, const std::string& name) {
     return 0;
 }
 
-}  // namespace
+/// The same, in place of an older file. A link is replaced itself.
+int publishReplacing(int folder, const std::string& temporary, const std::string& name) {
+    return ::renameat(folder, temporary.c_str(), folder, name.c_str()) == 0 ? 0 : errno;
+}
 
-PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
-    : place_(std::move(place)), reveal_(std::move(reveal)) {}
-
-Outcome PosixReportFolder::write(const std::filesystem::path& path, const std::string& text) {
+/// Writes a file of its own with the permissions `mode` and lets `publish` give it its name.
+Outcome writeFile(const std::filesystem::path& path, const std::string& text, mode_t mode,
+                  int (*publish)(int folder, const std::string& temporary,
+                                 const std::string& name)) {
     if (!path.is_absolute()) {
         return failure(ENOENT);
     }
@@ -91,6 +95,9 @@ Outcome PosixReportFolder::write(const std::filesystem::path& path, const std::s
     if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
         error = errno;
     }
+    if (error == 0 && mode != ownerOnly && ::fchmod(file.get(), mode) != 0) {
+        error = errno;
+    }
     if (error == 0) {
         error = publish(folder.get(), temporary, path.filename());
     }
@@ -100,6 +107,19 @@ Outcome PosixReportFolder::write(const std::filesystem::path& path, const std::s
     }
     ::fsync(folder.get());
     return Outcome::done();
+}
+
+}  // namespace
+
+PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
+    : place_(std::move(place)), reveal_(std::move(reveal)) {}
+
+Outcome PosixReportFolder::write(const std::filesystem::path& file, const std::string& text) {
+    return writeFile(file, text, ownerOnly, publishNew);
+}
+
+Outcome PosixReportFolder::writeScript(const std::filesystem::path& file, const std::string& text) {
+    return writeFile(file, text, everyoneMayRun, publishReplacing);
 }
 
 void PosixReportFolder::reveal(const std::filesystem::path& file) {

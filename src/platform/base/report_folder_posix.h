@@ -4,12 +4,12 @@
 #include <functional>
 #include <string>
 
-#include "reports/report_folder.h"
+#include "actions/report_folder.h"
 
 namespace tallowcrest {
 
 /// A folder of the file system. Only the owner may read the reports: they name processes, machines
-/// and accounts. A report appears complete or not at all, with two exceptions: a process killed
+/// and accounts. A file appears complete or not at all, with two exceptions: a process killed
 /// while it writes may leave the hidden temporary file, and on file systems without hard links one
 /// killed between reserving the name and renaming leaves an empty file.
 class PosixReportFolder final : public ReportFolder {
@@ -26,6 +26,7 @@ public:
 
     std::filesystem::path place() const override { return place_(); }
     Outcome write(const std::filesystem::path& file, const std::string& text) override;
+    Outcome writeScript(const std::filesystem::path& file, const std::string& text) override;
     void reveal(const std::filesystem::path& file) override;
 
 private:

@@ -58,6 +58,44 @@ TEST_F(ReportFolderTest, NeitherFollowsNorReplacesALink) {
     EXPECT_TRUE(std::filesystem::is_symlink(path / "a.txt"));
 }
 
+TEST_F(ReportFolderTest, AScriptMayBeRunByAllAndReplacesAnOlderOne) {
+    const std::filesystem::path file = path / "setup.sh";
+    const auto mode = [&file] {
+        struct stat info {};
+        return ::lstat(file.c_str(), &info) == 0 ? info.st_mode : 0U;
+    };
+    const mode_t mask = ::umask(077);
+    EXPECT_EQ(folder.writeScript(file, "#!/bin/sh\necho first"), Outcome::done());
+    ::umask(mask);
+    EXPECT_EQ(mode(), S_IFREG | 0755U);
+    EXPECT_EQ(folder.writeScript(file, "#!/bin/sh"), Outcome::done());
+    EXPECT_EQ(fileText(file), "#!/bin/sh");
+    EXPECT_EQ(mode(), S_IFREG | 0755U);
+    EXPECT_THAT(namesIn(path), ElementsAre("setup.sh"));
+}
+
+TEST_F(ReportFolderTest, AScriptReplacesALinkAndNotWhatItPointsTo) {
+    std::filesystem::create_directories(path);
+    const auto elsewhere = root.path() / "precious";
+    std::ofstream(elsewhere) << "precious";
+    std::filesystem::create_symlink(elsewhere, path / "setup.sh");
+    EXPECT_EQ(folder.writeScript(path / "setup.sh", "#!/bin/sh"), Outcome::done());
+    EXPECT_EQ(fileText(elsewhere), "precious");
+    EXPECT_FALSE(std::filesystem::is_symlink(path / "setup.sh"));
+    EXPECT_EQ(fileText(path / "setup.sh"), "#!/bin/sh");
+}
+
+TEST_F(ReportFolderTest, AScriptThatCannotBeWrittenLeavesWhatWasThere) {
+    std::filesystem::create_directories(path / "setup.sh");
+    EXPECT_EQ(folder.writeScript(path / "setup.sh", "#!/bin/sh"),
+              Outcome::failed("Is a directory"));
+    EXPECT_THAT(namesIn(path), ElementsAre("setup.sh"));
+    EXPECT_TRUE(std::filesystem::is_directory(path / "setup.sh"));
+    EXPECT_EQ(folder.writeScript("setup.sh", "#!/bin/sh"),
+              Outcome::failed("No such file or directory"));
+    EXPECT_FALSE(std::filesystem::exists("setup.sh"));
+}
+
 TEST_F(ReportFolderTest, ReportsWhyTheFolderCannotBeCreated) {
     std::ofstream(root.path() / "documents") << "a file stands where the folder should";
     EXPECT_EQ(folder.write(path / "a.txt", "report"), Outcome::failed("Not a directory"));
