@@ -22,5 +22,6 @@ void StoredList<Records, Encoder>::save() {
 template class StoredList<std::vector<ActivityEvent>>;
 template class StoredList<std::vector<HistoryPoint>, HistoryEncoder>;
 template class StoredList<std::vector<RemoteHistoryPoint>>;
+template class StoredList<std::map<std::string, RemoteProfile>>;
 
 }  // namespace tallowcrest
