@@ -4,11 +4,14 @@
 
 namespace tallowcrest {
 
-/// The paths that appear in displayed texts and differ between platforms, in the form that is usual
-/// on this one.
+/// What appears in displayed texts and differs between platforms: paths, in the form that is usual
+/// on this one, and commands.
 struct Places {
     std::string caches;             ///< "~/.cache"
     std::string tailscaleCLI = {};  ///< "/usr/bin/tailscale"
+    std::string caches;  ///< "~/.cache"
+    /// Tests within 5 seconds whether a TCP port answers; the host and the port follow.
+    std::string portTest;
 };
 
 }  // namespace tallowcrest

@@ -119,6 +119,10 @@ TEST(Host, KeepsReportsWithTheUsersDocuments) {
     EXPECT_EQ(host::reportsDirectory(), "/somewhere/home/Documents/Tallowcrest/outputs/reports");
 }
 
+TEST(Host, TestsAPortInTheFormOfThisSystem) {
+    EXPECT_EQ(host::places().portTest, "nc -vz -w 5");
+}
+
 TEST(Host, KnowsHowLongTheProcessHasRun) {
     const auto first = host::timeSinceProcessStart();
     const auto second = host::timeSinceProcessStart();

@@ -4,6 +4,7 @@ namespace tallowcrest::host {
 
 Places places() {
     return {.caches = "~/Library/Caches", .tailscaleCLI = "/usr/local/bin/tailscale"};
+    return {.caches = "~/Library/Caches", .portTest = "nc -vz -G 5"};
 }
 
 std::filesystem::path reportsDirectory() {

@@ -29,6 +29,7 @@
 #include "presentation/widgets/tab_strip.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "remote/local_public_key_status.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -132,11 +133,8 @@ void SettingsSheet::addRemote() {
     connect(remote_, &RemoteTab::usernameEntered, this, &SettingsSheet::takeUsername);
     addTab(SettingsTabKind::remote, "Remote", "settings.tab.remote",
            "What reaching other machines needs", remote_, [this] {
-               remote_->show(
-                   text(monitor_.settings().sshUsername),
-                   monitor_.host().hasLocalPublicKey
-                       ? u"Local SSH public key found."_s
-                       : u"No local SSH public key found. Generate one with ssh-keygen."_s);
+               remote_->show(text(monitor_.settings().sshUsername),
+                             text(localPublicKeyStatus(monitor_.host().hasLocalPublicKey)));
            });
 }
 

@@ -1,0 +1,54 @@
+#include "remote/remote_commands.h"
+
+#include <fmt/format.h>
+
+#include "actions/command_validators.h"
+#include "core/locale.h"
+
+namespace tallowcrest::remote_commands {
+
+using CommandSafetyPolicy::shellQuoted;
+
+std::vector<std::string> sshArguments(const std::string& target, const std::string& command) {
+    return {"-o", "BatchMode=yes", "-o", "ConnectTimeout=5", target, command};
+}
+
+std::string purge(std::string_view os, const Locale& locale) {
+    return locale.containsIgnoringCase(os, "linux")
+               ? "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok"
+               : "/usr/sbin/purge && echo purge_ok";
+}
+
+std::string sshDiagnostic(std::string_view target) {
+    return fmt::format(
+        "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 {} "
+        "'echo connected && sw_vers -productVersion && memory_pressure -Q'",
+        shellQuoted(target));
+}
+
+std::string tailscalePing(std::string_view host) {
+    return fmt::format("tailscale ping --timeout=5s {}", shellQuoted(host));
+}
+
+std::string portTest(std::string_view test, std::string_view host) {
+    return fmt::format("{} {} 22", test, shellQuoted(host));
+}
+
+std::string hostKeyRepair(std::string_view host, std::string_view target) {
+    return fmt::format(
+        "ssh-keygen -R {0} && ssh-keyscan -H {0} >> ~/.ssh/known_hosts && "
+        "ssh -o BatchMode=yes {1} 'echo connected'",
+        shellQuoted(host), shellQuoted(target));
+}
+
+std::string keyInstall(std::string_view target, std::string_view publicKey) {
+    // The owner's shell takes the quotes of the key for the ends of those around the command, so
+    // the key reaches the other machine as bare words, which is what a key consists of.
+    const std::string key = shellQuoted(publicKey);
+    return fmt::format(
+        "ssh {} 'mkdir -p ~/.ssh && chmod 700 ~/.ssh && grep -qxF {key} ~/.ssh/authorized_keys "
+        "2>/dev/null || echo {key} >> ~/.ssh/authorized_keys && chmod 600 ~/.ssh/authorized_keys'",
+        shellQuoted(target), fmt::arg("key", key));
+}
+
+}  // namespace tallowcrest::remote_commands

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tallowcrest {
+
+class Locale;
+
+}  // namespace tallowcrest
+
+/// Command lines for other machines. `host` and `target` are what the validators of
+/// `CommandSafetyPolicy` returned. Pure; any thread.
+namespace tallowcrest::remote_commands {
+
+/// The arguments with which the secure shell runs `command` on the other machine. It asks for
+/// nothing: without an accepted key and a known host it fails.
+std::vector<std::string> sshArguments(const std::string& target, const std::string& command);
+
+/// For the other machine's shell: drops its file caches, and prints "purge_ok" if that was allowed.
+/// `os` is the machine's system as the tailnet names it, and anything but a Linux counts as a Mac.
+std::string purge(std::string_view os, const Locale& locale);
+
+// For the owner's own terminal; this program does not run them.
+
+std::string sshDiagnostic(std::string_view target);
+std::string tailscalePing(std::string_view host);
+/// `test` is `Places::portTest`.
+std::string portTest(std::string_view test, std::string_view host);
+/// Replaces the key by which this machine knows the other one.
+std::string hostKeyRepair(std::string_view host, std::string_view target);
+/// Allows `publicKey` to log in on the other machine, if it is not allowed already.
+std::string keyInstall(std::string_view target, std::string_view publicKey);
+/// Makes a key where there is none.
+inline constexpr std::string_view keyGeneration =
+    "ssh-keygen -t ed25519 -C \"tallowcrest@$(hostname)\"";
+
+}  // namespace tallowcrest::remote_commands

@@ -1,0 +1,167 @@
+#include "remote/remote_commands.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "actions/command_validators.h"
+#include "core/locale.h"
+#include "tests/support/run_program.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+constexpr const char* publicKey = "ssh-ed25519 AAAAC3NzaC1lZDI1NTE5 owner@desk";
+
+TEST(RemoteCommands, HaveTheirTexts) {
+    namespace rc = remote_commands;
+    EXPECT_THAT(rc::sshArguments("me@host", "uptime"),
+                ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5", "me@host", "uptime"));
+    EXPECT_EQ(rc::sshDiagnostic("me@host"),
+              "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 'me@host' 'echo connected && sw_vers "
+              "-productVersion && memory_pressure -Q'");
+    EXPECT_EQ(rc::tailscalePing("host"), "tailscale ping --timeout=5s 'host'");
+    EXPECT_EQ(rc::portTest("nc -vz -G 5", "fe80::1%en0"), "nc -vz -G 5 'fe80::1%en0' 22");
+    EXPECT_EQ(rc::hostKeyRepair("host", "me@host"),
+              "ssh-keygen -R 'host' && ssh-keyscan -H 'host' >> ~/.ssh/known_hosts && ssh -o "
+              "BatchMode=yes 'me@host' 'echo connected'");
+    EXPECT_EQ(rc::keyInstall("me@host", "ssh-rsa A b"),
+              "ssh 'me@host' 'mkdir -p ~/.ssh && chmod 700 ~/.ssh && grep -qxF 'ssh-rsa A b' "
+              "~/.ssh/authorized_keys 2>/dev/null || echo 'ssh-rsa A b' >> ~/.ssh/authorized_keys "
+              "&& chmod 600 ~/.ssh/authorized_keys'");
+    EXPECT_THAT(rc::keyInstall("host", "a'b"), HasSubstr(R"(grep -qxF 'a'\''b' ~/)"));
+    EXPECT_THAT(rc::keyInstall("host", "a'b"), HasSubstr(R"(echo 'a'\''b' >> ~/)"));
+    EXPECT_EQ(rc::keyGeneration, "ssh-keygen -t ed25519 -C \"tallowcrest@$(hostname)\"");
+}
+
+TEST(RemoteCommands, APurgeDependsOnTheSystem) {
+    const PlainLocale locale;
+    for (const char* os : {"linux", "Linux", "GNU/LINUX"}) {
+        EXPECT_EQ(remote_commands::purge(os, locale),
+                  "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok")
+            << os;
+    }
+    for (const char* os : {"", "macOS", "unknown", "lin ux"}) {
+        EXPECT_EQ(remote_commands::purge(os, locale), "/usr/sbin/purge && echo purge_ok") << os;
+    }
+}
+
+/// A real shell that has functions in place of the programs which the commands run.
+class RemoteCommandsInAShell : public ::testing::Test {
+protected:
+    /// What `command` prints when each program prints its name and its arguments, one per line.
+    std::vector<std::string> linesOf(const std::string& command) const {
+        const std::string programs =
+            "p() { printf '<%s>\\n' \"$@\"; }\n"
+            "ssh() { p ssh \"$@\"; }\n"
+            "tailscale() { p tailscale \"$@\"; }\n"
+            "nc() { p nc \"$@\"; }\n";
+        return lines(run(programs + command));
+    }
+
+    /// Runs a script with a home directory of its own.
+    ProgramResult run(const std::string& script) const {
+        return runProgram({.path = "/bin/sh",
+                           .arguments = {"-c", script},
+                           .withVariables = {"HOME=" + home.path().string()}});
+    }
+
+    static std::vector<std::string> lines(const ProgramResult& result) {
+        EXPECT_EQ(result.status, 0) << result.standardError;
+        std::vector<std::string> found;
+        std::istringstream text(result.standardOutput);
+        for (std::string line; std::getline(text, line);) {
+            found.push_back(line);
+        }
+        return found;
+    }
+
+    TemporaryFolder home;
+};
+
+TEST_F(RemoteCommandsInAShell, ReachTheProgramsAsWritten) {
+    namespace rc = remote_commands;
+    EXPECT_THAT(linesOf(rc::sshDiagnostic("me@host")),
+                ElementsAre("<ssh>", "<-vvv>", "<-o>", "<BatchMode=yes>", "<-o>",
+                            "<ConnectTimeout=5>", "<me@host>",
+                            "<echo connected && sw_vers -productVersion && memory_pressure -Q>"));
+    EXPECT_THAT(linesOf(rc::portTest("nc -vz -w 5", "fe80::1%eth0")),
+                ElementsAre("<nc>", "<-vz>", "<-w>", "<5>", "<fe80::1%eth0>", "<22>"));
+    EXPECT_THAT(linesOf(rc::tailscalePing("100.64.0.7")),
+                ElementsAre("<tailscale>", "<ping>", "<--timeout=5s>", "<100.64.0.7>"));
+}
+
+TEST_F(RemoteCommandsInAShell, AHostileTextStaysOneArgumentEvenIfNothingHadChecked) {
+    for (const std::string& hostile :
+         {std::string("a'b"), std::string("'; touch ~/hit; '"), std::string("$(touch ~/hit)"),
+          std::string("`touch ~/hit`"), std::string("a b\tc"), std::string("* ? [a]"),
+          std::string("\\"), std::string("\"$HOME\""), std::string(10000, '\'')}) {
+        SCOPED_TRACE(hostile.substr(0, 40));
+        const std::string argument = "<" + hostile + ">";
+        EXPECT_EQ(linesOf(remote_commands::sshDiagnostic(hostile)).at(6), argument);
+        EXPECT_EQ(linesOf(remote_commands::tailscalePing(hostile)).at(3), argument);
+        EXPECT_EQ(linesOf(remote_commands::portTest("nc -vz -w 5", hostile)).at(4), argument);
+        EXPECT_FALSE(std::filesystem::exists(home.path() / "hit"));
+    }
+}
+
+TEST_F(RemoteCommandsInAShell, NoHostileNameOrAddressBecomesATarget) {
+    for (const std::string& hostile :
+         {std::string("-oProxyCommand=touch hit"), std::string("--"), std::string("a b"),
+          std::string("a;b"), std::string("a\nb"), std::string("a'b"), std::string("$(hostname)"),
+          std::string("`id`"), std::string("a|b"), std::string("a&b"), std::string("a>b"),
+          std::string("~"), std::string("*"), std::string("a\\b"), std::string("a\"b"),
+          std::string("\u202Ehost"), std::string(10000, 'a'), std::string("a\0b", 3)}) {
+        SCOPED_TRACE(hostile.substr(0, 40));
+        EXPECT_EQ(CommandSafetyPolicy::validatedSSHHost(hostile), std::nullopt);
+        EXPECT_EQ(CommandSafetyPolicy::sshTarget("me", hostile), std::nullopt);
+        EXPECT_EQ(CommandSafetyPolicy::sshTarget(hostile, "host"), std::nullopt);
+    }
+}
+
+TEST_F(RemoteCommandsInAShell, AHostKeyRepairReplacesTheKey) {
+    std::filesystem::create_directories(home.path() / ".ssh");
+    std::ofstream(home.path() / ".ssh/known_hosts") << "other key\n";
+    // Functions of a shell may not have a hyphen in their name, so these are programs.
+    const std::filesystem::path programs = home.path() / "programs";
+    std::filesystem::create_directories(programs);
+    for (const auto& [name, prints] : {std::pair{"ssh-keygen", "echo removed \"$@\""},
+                                       {"ssh-keyscan", "echo scanned \"$@\""},
+                                       {"ssh", "echo tried \"$@\""}}) {
+        std::ofstream(programs / name) << "#!/bin/sh\n" << prints << "\n";
+        std::filesystem::permissions(programs / name, std::filesystem::perms::owner_all);
+    }
+    EXPECT_THAT(lines(run("PATH=" + programs.string() + ":$PATH; " +
+                          remote_commands::hostKeyRepair("host", "me@host"))),
+                ElementsAre("removed -R host", "tried -o BatchMode=yes me@host echo connected"));
+    EXPECT_EQ(fileText(home.path() / ".ssh/known_hosts"), "other key\nscanned -H host\n");
+}
+
+TEST_F(RemoteCommandsInAShell, AKeyInstallAllowsTheKey) {
+    // The other machine's shell gets the words after the target, joined by blanks.
+    const std::string otherMachine = "ssh() { shift; sh -c \"$*\"; }\n";
+    const ProgramResult result =
+        run(otherMachine + remote_commands::keyInstall("me@host", publicKey));
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    const std::filesystem::path file = home.path() / ".ssh/authorized_keys";
+    EXPECT_EQ(fileText(file), std::string(publicKey) + "\n");
+    struct stat info {};
+    ASSERT_EQ(::stat(file.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0600U);
+    ASSERT_EQ(::stat(file.parent_path().c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777U, 0700U);
+}
+
+}  // namespace
+}  // namespace tallowcrest
