@@ -42,6 +42,10 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
     }
+    const auto publicKey = [] { return localPublicKey(userAccount().homeDirectory); };
+    const auto reportFolder =
+        std::make_shared<PosixReportFolder>(host::reportsDirectory, std::move(desktop.revealFile));
+    const Places places = host::places();
     const MonitorPorts ports{
         .jobs = jobs_,
         .clock = clock_,
@@ -63,16 +67,21 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .reports = {.folder = std::make_shared<PosixReportFolder>(host::reportsDirectory,
                                                                   std::move(desktop.revealFile)),
                     .utcOffset = utcOffsetOfThisMachine},
+        .remote = {.launcher = toolLauncher_,
+                   .allowed = host::allowedExecutables(),
+                   .actions = {.localPublicKey = publicKey,
+                               .folder = reportFolder,
+                               .portTest = places.portTest}},
+        .reports = {.folder = reportFolder, .utcOffset = utcOffsetOfThisMachine},
         .integration = std::move(desktop.integration),
         .sampleApplied = std::move(sampleApplied)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),
                                       .protection = host::protectionPolicy(),
                                       .loginName = host::loginName(),
                                       .startupProblems = settings_.problems,
-                                      .places = host::places(),
-                                      .hasLocalPublicKey =
-                                          access == SettingsAccess::readWrite &&
-                                          localPublicKey(userAccount().homeDirectory).has_value(),
+                                      .places = places,
+                                      .hasLocalPublicKey = access == SettingsAccess::readWrite &&
+                                                           publicKey().has_value(),
                                       .readOnly = access == SettingsAccess::readOnly});
     if (access == SettingsAccess::readWrite && !settings_.savingProblem.empty()) {
         monitor_->settingsOwner().setSavingProblem(settings_.savingProblem);

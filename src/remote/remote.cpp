@@ -9,6 +9,8 @@ Remote::Remote(const Services& services, Pasteboard& pasteboard, const RemotePor
       tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard) {}
 Remote::Remote(const Services& services, const RemotePorts& ports)
       tailnet(services),
-      scan(services, tailnet, tools) {}
+      scan(services, tailnet, tools),
+      profiles(services),
+      actions({services, scan, tailnet, profiles, tools, pasteboard, ports.actions}) {}
 
 }  // namespace tallowcrest

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "actions/tool_runner.h"
+#include "remote/remote_actions.h"
 #include "remote/remote_ports.h"
+#include "remote/remote_profiles.h"
 #include "remote/remote_scan.h"
 #include "remote/tailnet.h"
 
@@ -18,6 +20,8 @@ struct Remote {
     ToolRunner tools;
     Tailnet tailnet;
     RemoteScan scan;
+    RemoteProfiles profiles;
+    RemoteActions actions;
 };
 
 }  // namespace tallowcrest

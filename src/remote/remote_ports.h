@@ -3,11 +3,26 @@
 #include <string>
 
 #include "remote/tailnet_reading.h"
+#include <functional>
+#include <memory>
+#include <optional>
+#include "actions/report_folder.h"
 #include "sampling/command_safety_policy.h"
 
 namespace tallowcrest {
 
 class ToolLauncher;
+
+/// What the actions on other machines need of this one.
+struct RemoteActionPorts {
+    /// The owner's SSH public key as it is now; absent when there is none. Never absent itself.
+    /// Main thread.
+    std::function<std::optional<std::string>()> localPublicKey = [] { return std::nullopt; };
+    /// Shared, because background work may outlive the component. Never null.
+    std::shared_ptr<ReportFolder> folder = {};
+    /// `Places::portTest`.
+    std::string portTest = {};
+};
 
 /// The ports of `Remote`. The references must outlive the work that it has under way.
 struct RemotePorts {
@@ -15,6 +30,7 @@ struct RemotePorts {
     const CommandSafetyPolicy::AllowedExecutables& allowed;
     TailscaleDaemon daemon = {};    ///< absent where it has no local socket
     std::string tailscaleCLI = {};  ///< empty where the tailnet is not read
+    RemoteActionPorts actions = {};
 };
 
 }  // namespace tallowcrest

@@ -34,6 +34,10 @@ SystemMonitor& FakeMachine::monitor() {
                                     .allowed = CommandSafetyPolicy::linuxExecutables(),
                                     .daemon = tailscaleDaemon,
                                     .tailscaleCLI = tailscaleDaemon ? "/absent/tailscale" : ""},
+                         .actions = {actions.ports(), {openActivityMonitor, storeOnPasteboard}},
+                         .remote = {toolLauncher,
+                                    CommandSafetyPolicy::linuxExecutables(),
+                                    {.folder = reportFolder, .portTest = "nc -vz -w 5"}},
                          .reports = {reportFolder, atGreenwich},
                          .integration = {&notifications, openRoute},
                          .sampleApplied = [this] { changeSample(); }},
@@ -41,7 +45,7 @@ SystemMonitor& FakeMachine::monitor() {
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                       .loginName = "owner",
                       .startupProblems = startupProblems,
-                      .places = {.caches = "~/.cache"},
+                      .places = {.caches = "~/.cache", .portTest = "nc -vz -w 5"},
                       .hasLocalPublicKey = hasLocalPublicKey,
                       .readOnly = readOnly});
     }

@@ -38,6 +38,7 @@ enum class Lane {
     details,
     actions,
     reports,
+    remoteActions,
     settings,
     tailnet,
     remoteScan,
