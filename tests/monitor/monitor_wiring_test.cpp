@@ -19,6 +19,7 @@
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "remote/remote.h"
+#include "remote/remote_setup_script.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/each_of.h"
@@ -223,6 +224,23 @@ TEST_F(MonitorWiring, ExportsIntoTheReportFolder) {
     EXPECT_EQ(text, expected);
     EXPECT_EQ(monitor().log().lastAction(), "Exported diagnostics to " + name + ".");
     EXPECT_THAT(machine.reportFolder->revealed, ElementsAre(name));
+}
+
+TEST_F(MonitorWiring, HelpsWithOtherMachinesThroughTheFolderAndTheClipboard) {
+    monitor().remote().actions.exportRemoteSetupScript();
+    machine.workQueue.run();
+    machine.mainQueue.drain();
+    EXPECT_EQ(monitor().log().lastAction(), "Exported remote SSH setup script.");
+    ASSERT_THAT(machine.reportFolder->scripts, SizeIs(1));
+    EXPECT_EQ(machine.reportFolder->scripts.begin()->second, remoteSetupScript);
+    monitor().remote().actions.copyPortTestCommand({.hostName = "studio", .address = "100.64.0.7"});
+    EXPECT_THAT(copied, ElementsAre("nc -vz -w 5 '100.64.0.7' 22"));
+}
+
+TEST_F(MonitorWiring, ProfilesOfOtherMachinesSurviveARestart) {
+    monitor().remote().profiles.updateRemoteProfile("studio", {.allowRemotePurge = true});
+    machine.restart();
+    EXPECT_TRUE(monitor().remote().profiles.remoteProfile("studio").allowRemotePurge);
 }
 
 }  // namespace
