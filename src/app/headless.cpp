@@ -72,7 +72,9 @@ private:
         // Longer than a reading of the tailnet takes.
         constexpr std::int64_t samplesToWait = std::chrono::milliseconds(6000) / remoteInterval;
         RemoteScan& scan = monitor.remote().scan;
-        ++printed_;
+        if (++printed_ == 1) {
+            monitor.remote().tailnet.beginReading();
+        }
         if (!isScanning_) {
             if (!scan.hasMachinesToScan() && printed_ < samplesToWait) {
                 return;

@@ -9,9 +9,8 @@ namespace tallowcrest {
 struct Places {
     std::string caches;             ///< "~/.cache"
     std::string tailscaleCLI = {};  ///< "/usr/bin/tailscale"
-    std::string caches;  ///< "~/.cache"
     /// Tests within 5 seconds whether a TCP port answers; the host and the port follow.
-    std::string portTest;
+    std::string portTest = {};
 };
 
 }  // namespace tallowcrest

@@ -6,9 +6,7 @@ namespace tallowcrest {
 
 Remote::Remote(const Services& services, Pasteboard& pasteboard, const RemotePorts& ports)
     : tools(ports.allowed, ports.launcher, services.jobs, services.log),
-      tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard) {}
-Remote::Remote(const Services& services, const RemotePorts& ports)
-      tailnet(services),
+      tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard),
       scan(services, tailnet, tools),
       profiles(services),
       actions({services, scan, tailnet, profiles, tools, pasteboard, ports.actions}) {}

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-
-#include "remote/tailnet_reading.h"
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+
 #include "actions/report_folder.h"
+#include "remote/tailnet_reading.h"
 #include "sampling/command_safety_policy.h"
 
 namespace tallowcrest {

@@ -48,7 +48,7 @@ protected:
                                       .sources = sources,
                                       .sample = *sample,
                                       .rules = *rules,
-                                      .tailnet = tailnet,
+                                      .tailnet = remote.tailnet,
                                       .remoteScan = remote.scan,
                                       .cpuCount = 4,
                                       .protection = {},
@@ -96,15 +96,10 @@ protected:
 
     RemoteMachines remote{services};
     FakeNotificationCenter center;
-    FakeToolLauncher launcher;
-    WarningNotifications notifications{services, {&center}};
     WarningNotifications notifications{services, remote.scan, {&center}};
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
     LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};
-    ToolRunner tools{CommandSafetyPolicy::linuxExecutables(), launcher, jobs, log};
-    Pasteboard pasteboard{log, {}};
-    Tailnet tailnet{services, {tools, locale, {}, ""}, pasteboard};
     std::function<void()> applied = [] {};  ///< called after each sample
     std::unique_ptr<AutoRules> rules;
     std::unique_ptr<SampleCycle> cycle;

@@ -93,11 +93,11 @@ public:
     CommandSafetyPolicy::AllowedExecutables allowed{"/usr/bin/ssh"};
     FakeToolLauncher launcher;
     ToolRunner tools{allowed, launcher, jobs, log};
-    Tailnet tailnet{services};
-    RemoteScan scan{services, tailnet, tools};
-    RemoteProfiles profiles{services};
     std::vector<std::string> copied;
     Pasteboard pasteboard{log, [this](const std::string& text) { copied.push_back(text); }};
+    Tailnet tailnet{services, {tools, locale, {}, {}}, pasteboard};
+    RemoteScan scan{services, tailnet, tools};
+    RemoteProfiles profiles{services};
     std::shared_ptr<FakeReportFolder> folder = std::make_shared<FakeReportFolder>();
     std::optional<std::string> publicKey;
     RemoteActions actions{with(tools, pasteboard)};

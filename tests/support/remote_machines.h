@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "actions/desktop_actions.h"
 #include "actions/tool_runner.h"
 #include "core/remote_records.h"
 #include "core/services.h"
@@ -24,7 +25,8 @@ inline TailDevice tailDevice(std::string os, bool online) {
 struct RemoteMachines {
     explicit RemoteMachines(const Services& services)
         : tools(CommandSafetyPolicy::linuxExecutables(), launcher, services.jobs, services.log),
-          tailnet(services),
+          pasteboard(services.log, {}),
+          tailnet(services, {tools, services.locale, {}, {}}, pasteboard),
           scan(services, tailnet, tools) {}
 
     void setDevices(std::vector<TailDevice> devices) {
@@ -33,6 +35,7 @@ struct RemoteMachines {
 
     FakeToolLauncher launcher;
     ToolRunner tools;
+    Pasteboard pasteboard;
     Tailnet tailnet;
     RemoteScan scan;
 };

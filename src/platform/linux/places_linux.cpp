@@ -4,8 +4,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/.cache", .tailscaleCLI = "/usr/bin/tailscale"};
-    return {.caches = "~/.cache", .portTest = "nc -vz -w 5"};
+    return {.caches = "~/.cache", .tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
 }
 
 std::filesystem::path reportsDirectory() {

@@ -3,8 +3,9 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/Library/Caches", .tailscaleCLI = "/usr/local/bin/tailscale"};
-    return {.caches = "~/Library/Caches", .portTest = "nc -vz -G 5"};
+    return {.caches = "~/Library/Caches",
+            .tailscaleCLI = "/usr/local/bin/tailscale",
+            .portTest = "nc -vz -G 5"};
 }
 
 std::filesystem::path reportsDirectory() {
