@@ -4,6 +4,8 @@
 #include <QPushButton>
 #include <QToolButton>
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -130,6 +132,10 @@ void setSpokenDescription(QWidget& widget, const QString& description) {
     if (description != widget.accessibleDescription()) {
         widget.setAccessibleDescription(description);
     }
+}
+
+QString spokenText(const QString& text) {
+    return QString(text).replace(u" · "_s, u", "_s);
 }
 
 void installAccessibleFigures() {

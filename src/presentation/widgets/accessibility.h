@@ -14,6 +14,9 @@ namespace tallowcrest {
 void setSpokenName(QWidget& widget, const QString& name);
 void setSpokenDescription(QWidget& widget, const QString& description);
 
+/// `text` with commas in place of the dots between its parts, which would be read out.
+QString spokenText(const QString& text);
+
 /// A widget that paints its content itself instead of composing it of controls, and describes it to
 /// assistive technology through this interface. Main thread.
 class AccessibleFigure {

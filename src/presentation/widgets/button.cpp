@@ -1,5 +1,6 @@
 #include "presentation/widgets/button.h"
 
+#include <QKeyEvent>
 #include <QPushButton>
 
 #include "presentation/widgets/accessibility.h"
@@ -11,12 +12,25 @@ namespace {
 
 constexpr const char* primaryProperty = "isPrimary";
 
+/// Return presses it as Space does, on every desktop, and once however long it is held down.
+class Button final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (!pressesByReturn(*this, *event)) {
+            QPushButton::keyPressEvent(event);
+        }
+    }
+};
+
 }  // namespace
 
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent) {
     installAccessibleButtons();
-    auto* button = new QPushButton(title, parent);
+    auto* button = new Button(title, parent);
     button->setObjectName(identifier);
     button->setAccessibleName(title);
     button->setAccessibleDescription(description);
@@ -26,6 +40,14 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
         button->setIconSize({spacing::iconSmall, spacing::iconSmall});
     }
     return button;
+}
+
+bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event) {
+    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (isReturn && !event.isAutoRepeat()) {
+        button.click();
+    }
+    return isReturn;
 }
 
 void makePrimary(QPushButton& button) {

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QAbstractButton;
+class QKeyEvent;
 class QPushButton;
 class QWidget;
 
@@ -11,6 +13,10 @@ namespace tallowcrest {
 /// be empty. Main thread.
 QPushButton* makeButton(const QString& title, const QString& icon, const QString& identifier,
                         const QString& description, QWidget* parent);
+
+/// Clicks the button if the event is a first press of Return or Enter. Returns whether it is for
+/// one of these keys, which the button then needs nothing else for. Main thread.
+bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event);
 
 /// Marks the one button of a page or sheet that is its next step; the style gives it the accent
 /// colour. Main thread.

@@ -61,7 +61,7 @@ void ElidedLabel::setText(const QString& text) {
             updateGeometry();
         }
     }
-    setAccessibleName(text);
+    setAccessibleName(spokenText(text));
     update();
 }
 

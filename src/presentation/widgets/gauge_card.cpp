@@ -189,6 +189,11 @@ void GaugeCard::showState(const QString& detail) {
     state_->setColor(color);
     detail_->setText(detail);
     setSpokenDescription(*this, accessibleValue());
+    // When the focus enters the section, screen readers read its labels out, but not those of one
+    // or two words.
+    setSpokenName(*title_, ring_->hasValue() ? title_->text() + u": "_s + ring_->figure() +
+                                                   u", "_s + state_->text()
+                                             : title_->text());
 }
 
 }  // namespace tallowcrest

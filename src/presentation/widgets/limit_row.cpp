@@ -3,7 +3,6 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/theme.h"
 
@@ -11,8 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-LimitRow::LimitRow(const QString& title, const QString& identifier, const SliderScale& scale,
-                   Words words, QWidget* parent)
+LimitRow::LimitRow(const QString& title, const QString& unit, const QString& identifier,
+                   const SliderScale& scale, Words words, QWidget* parent)
     : QWidget(parent), words_(words) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -29,7 +28,10 @@ LimitRow::LimitRow(const QString& title, const QString& identifier, const Slider
     layout->addLayout(texts);
     slider_ = new StepSlider(scale, this);
     slider_->setObjectName(identifier);
-    slider_->setAccessibleName(title);
+    // A screen reader says only the figure when the slider moves.
+    slider_->setAccessibleName(title + u", "_s + unit);
+    slider_->setAccessibleDescription(
+        u"From %1 to %2"_s.arg(words_(scale.minimum), words_(scale.maximum)));
     layout->addWidget(slider_);
     connect(slider_, &StepSlider::moved, this, &LimitRow::moved);
 }
@@ -38,7 +40,6 @@ void LimitRow::show(double value) {
     const QString words = words_(value);
     slider_->show(value);
     slider_->setValueText(words);
-    setSpokenDescription(*slider_, words);
     value_->setText(words);
 }
 

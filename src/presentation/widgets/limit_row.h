@@ -17,9 +17,10 @@ class LimitRow final : public QWidget {
 public:
     using Words = QString (*)(double value);
 
-    /// `identifier` is the one of the slider.
-    LimitRow(const QString& title, const QString& identifier, const SliderScale& scale, Words words,
-             QWidget* parent = nullptr);
+    /// `identifier` is the one of the slider, and `unit` says to assistive technology what its
+    /// figures count.
+    LimitRow(const QString& title, const QString& unit, const QString& identifier,
+             const SliderScale& scale, Words words, QWidget* parent = nullptr);
 
     void show(double value);
 

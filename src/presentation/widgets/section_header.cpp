@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 
@@ -47,6 +48,9 @@ void SectionHeader::setExpanded(bool expanded) {
     changed.collapsed = true;
     QAccessibleStateChangeEvent event(this, changed);
     QAccessible::updateAccessibility(&event);
+    if (hasFocus()) {
+        announce(*this, expanded ? u"Expanded"_s : u"Collapsed"_s);
+    }
 }
 
 void SectionHeader::setNote(const QString& note, const ThemeColor& color) {
@@ -61,7 +65,7 @@ void SectionHeader::setNote(const QString& note, const ThemeColor& color) {
 void SectionHeader::describe() {
     const QString action =
         isExpanded_ ? u"Hides what this section shows"_s : u"Shows what this section holds"_s;
-    setAccessibleDescription(note_.isEmpty() ? action : note_ + u". "_s + action);
+    setAccessibleDescription(note_.isEmpty() ? action : spokenText(note_) + u". "_s + action);
 }
 
 QSize SectionHeader::sizeHint() const {

@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QToolTip>
 
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/graph_geometry.h"
 #include "presentation/widgets/stable_line_graph.h"
@@ -216,6 +217,9 @@ void StableLineGraph::keyPressEvent(QKeyEvent* event) {
             break;
         default:
             moveCursor(std::nullopt);
+    }
+    if (cursor_) {
+        announce(*this, cursorText(*cursor_));
     }
 }
 

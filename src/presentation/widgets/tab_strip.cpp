@@ -8,6 +8,8 @@
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 
@@ -73,6 +75,11 @@ void StripTab::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Enter:
             click();
             return;
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+            // Left to the page. Qt would give the focus to the nearest button above or below.
+            event->ignore();
+            return;
         default:
             QAbstractButton::keyPressEvent(event);
     }
@@ -128,7 +135,14 @@ int TabStrip::addTab(const QString& title, const QString& identifier, const QStr
             [this](int places) { choose(current_ + places, Qt::OtherFocusReason); });
     layout()->addWidget(tab);
     tabs_.push_back(tab);
+    descriptions_.append(description);
     setCurrentIndex(current_);
+    for (qsizetype i = 0; i < descriptions_.size(); ++i) {
+        tabs_.at(static_cast<std::size_t>(i))
+            ->setAccessibleDescription(u"%1 of %2. %3"_s.arg(QString::number(i + 1),
+                                                             QString::number(descriptions_.size()),
+                                                             descriptions_.at(i)));
+    }
     return index;
 }
 

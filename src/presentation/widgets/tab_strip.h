@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include "presentation/widgets/accessibility.h"
@@ -49,7 +50,8 @@ class TabStrip final : public QWidget, public AccessibleFigure {
 public:
     explicit TabStrip(const QString& accessibleName, QWidget* parent = nullptr);
 
-    /// Returns the new tab's index. `description` is the accessible one. The first tab is selected.
+    /// Returns the new tab's index. The accessible description is `description`, after "1 of 3".
+    /// The first tab is selected.
     int addTab(const QString& title, const QString& identifier, const QString& description);
 
     int currentIndex() const { return current_; }
@@ -74,6 +76,7 @@ private:
     void choose(int index, Qt::FocusReason reason);
 
     std::vector<StripTab*> tabs_;
+    QStringList descriptions_;
     int current_ = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/figure_text.h"
 
 namespace tallowcrest {
@@ -51,6 +52,12 @@ void TextButton::enterEvent(QEnterEvent* event) {
 void TextButton::leaveEvent(QEvent* event) {
     QAbstractButton::leaveEvent(event);
     update();
+}
+
+void TextButton::keyPressEvent(QKeyEvent* event) {
+    if (!pressesByReturn(*this, *event)) {
+        QAbstractButton::keyPressEvent(event);
+    }
 }
 
 void TextButton::paintEvent(QPaintEvent*) {

@@ -12,9 +12,13 @@ tallowcrest::Announcements* listener = nullptr;
 }  // namespace
 
 // Qt sends no accessibility events while no assistive technology is active, and on the offscreen
-// platform there is none; even an installed update handler is not called. So this definition
-// replaces Qt's own: in an ELF program, the one in the executable takes precedence over that in a
+// platform there is none; even an installed update handler is not called. So these definitions
+// replace Qt's own: in an ELF program, those in the executable take precedence over those in a
 // library.
+bool QAccessible::isActive() {
+    return listener != nullptr;
+}
+
 void QAccessible::updateAccessibility(QAccessibleEvent* event) {
     if (listener != nullptr) {
         listener->hear(*event);
@@ -39,6 +43,14 @@ Announcements::Words Announcements::wordsOf(const QWidget& widget) {
 }
 
 void Announcements::hear(QAccessibleEvent& event) {
+    QAccessibleInterface* source = event.accessibleInterface();
+    if (source != nullptr && event.type() == QAccessible::ObjectShow &&
+        source->role() == QAccessible::Notification) {
+        said_.push_back(source->text(QAccessible::Name).toStdString());
+    }
+    if (source != nullptr && event.type() == QAccessible::Focus) {
+        focused_.push_back(source->text(QAccessible::Name).toStdString());
+    }
     auto* widget = qobject_cast<QWidget*>(event.object());
     if (widget == nullptr || (event.type() != QAccessible::NameChanged &&
                               event.type() != QAccessible::DescriptionChanged)) {

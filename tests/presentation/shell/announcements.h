@@ -14,7 +14,8 @@ class QAccessibleEvent;
 namespace tallowcrest {
 
 /// Records, during its lifetime, the changes of accessible names and descriptions of widgets that
-/// are announced to assistive technology. Only one may exist at a time.
+/// are announced to assistive technology, and what it is told to say or has the focus. Only one may
+/// exist at a time.
 class Announcements {
 public:
     Announcements();
@@ -27,6 +28,11 @@ public:
     /// The announcements of a text that had not changed, as "IDENTIFIER: TEXT". The first
     /// announcement of a widget that was created meanwhile never counts.
     const std::vector<std::string>& repeated() const { return repeated_; }
+
+    /// What was announced by `announce`, in order.
+    const std::vector<std::string>& said() const { return said_; }
+    /// The names of what was reported to have the focus, in order.
+    const std::vector<std::string>& focused() const { return focused_; }
 
     /// Called for each accessibility event.
     void hear(QAccessibleEvent& event);
@@ -42,6 +48,8 @@ private:
 
     std::map<QWidget*, Known> known_;
     std::vector<std::string> repeated_;
+    std::vector<std::string> said_;
+    std::vector<std::string> focused_;
     int count_ = 0;
 };
 

@@ -37,9 +37,9 @@ TEST(Announcements, AGaugeAnnouncesANewValueOnce) {
     GaugeCard card(u"CPU Load"_s);
     const Announcements heard;
     card.setValue(90, u"90%"_s, u"90.0% normalized across cores"_s);
-    EXPECT_EQ(heard.count(), 3) << "the card, its state word and its detail";
+    EXPECT_EQ(heard.count(), 4) << "the card, its title, its state word and its detail";
     card.clearValue(u"Sampling this Mac..."_s);
-    EXPECT_EQ(heard.count(), 6);
+    EXPECT_EQ(heard.count(), 8);
     EXPECT_EQ(card.accessibleDescription(), u"Sampling this Mac..."_s);
 }
 

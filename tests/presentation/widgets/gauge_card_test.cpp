@@ -65,6 +65,11 @@ TEST(GaugeCard, HasItsContentAsAccessibleValue) {
     card.setValue(70.6, u"71%"_s, u"11.3 GB used of 16.0 GB"_s);
     EXPECT_EQ(card.accessibleName(), "Memory Pressure");
     EXPECT_EQ(card.accessibleDescription(), "71%, Elevated, 11.3 GB used of 16.0 GB");
+    QStringList labels;
+    for (const auto* label : card.findChildren<ElidedLabel*>()) {
+        labels.append(label->accessibleName());
+    }
+    EXPECT_THAT(labels, testing::Contains(u"Memory Pressure: 71%, Elevated"_s));
 
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&card);
     ASSERT_NE(spoken, nullptr);

@@ -4,10 +4,11 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "presentation/widgets/card_grid.h"
 #include "presentation/widgets/elided_label.h"
+#include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widgets/paint_count.h"
 
 using namespace Qt::StringLiterals;
@@ -85,6 +86,21 @@ TEST_F(SectionCardTest, KeysCollapseAndExpand) {
     EXPECT_FALSE(card.isCollapsed());
 }
 
+TEST_F(SectionCardTest, AFocusedHeaderSaysItsNewState) {
+    const Announcements heard;
+    card.setCollapsed(true);
+    EXPECT_THAT(heard.said(), testing::IsEmpty()) << "collapsed together with all others";
+    SectionHeader header(u"clock"_s, u"Title"_s);
+    header.show();
+    header.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&header));
+    header.setFocus();
+    header.setExpanded(false);
+    header.setExpanded(false);
+    header.setExpanded(true);
+    EXPECT_THAT(heard.said(), testing::ElementsAre("Collapsed", "Expanded"));
+}
+
 TEST_F(SectionCardTest, TheHeaderHasAnAccessibleStateAndAction) {
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(card.header());
     ASSERT_NE(spoken, nullptr);
@@ -102,6 +118,8 @@ TEST_F(SectionCardTest, TheHeaderHasAnAccessibleStateAndAction) {
     EXPECT_NE(spoken->text(QAccessible::Description), whenOpen);
     card.header()->setNote(u"2 more"_s);
     EXPECT_TRUE(spoken->text(QAccessible::Description).startsWith(u"2 more. "_s));
+    card.header()->setNote(u"Urgent · Heat"_s);
+    EXPECT_TRUE(spoken->text(QAccessible::Description).startsWith(u"Urgent, Heat. "_s));
 
     const QSignalSpy wanted(card.header(), &SectionHeader::collapseWanted);
     ASSERT_NE(spoken->actionInterface(), nullptr);

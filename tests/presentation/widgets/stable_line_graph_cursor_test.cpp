@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "presentation/widgets/theme.h"
+#include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widgets/graph_formats.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/support/numbers.h"
@@ -58,6 +59,19 @@ protected:
 
     StableLineGraph graph_{plainGraphFormats()};
 };
+
+TEST_F(GraphCursorTest, OnlyKeysHaveTheCursorSaidAloud) {
+    const Announcements heard;
+    press(Qt::Key_End);
+    const std::string last = said();
+    press(Qt::Key_Left);
+    EXPECT_THAT(heard.said(), testing::ElementsAre(last, said()));
+    EXPECT_NE(last, said());
+    showPoints(4);
+    movePointer(over(0.0));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(heard.said().size(), 2U);
+}
 
 TEST_F(GraphCursorTest, WithoutACursorTheGapsAreSaid) {
     EXPECT_EQ(said(), "CPU 50 percent, Memory 61 percent. Not measured from 8 to 60");

@@ -160,11 +160,16 @@ protected:
     }
 
     std::vector<double> moves;
-    LimitRow row{u"Maximum per run"_s, u"probe"_s, {0.5, 10, 0.5}, [](double value) {
+    LimitRow row{u"Maximum per run"_s, u"GB"_s, u"probe"_s, {0.5, 10, 0.5}, [](double value) {
                      return QString::number(value);
                  }};
     StepSlider& slider = *row.findChild<StepSlider*>();
 };
+
+TEST_F(LimitRowTest, SaysItsUnitAndItsRangeInsteadOfItsValue) {
+    EXPECT_EQ(slider.accessibleName(), u"Maximum per run, GB"_s);
+    EXPECT_EQ(slider.accessibleDescription(), u"From 0.5 to 10"_s);
+}
 
 TEST_F(LimitRowTest, EmitsEachStepOnce) {
     slider.setValue(2);

@@ -58,6 +58,17 @@ TEST_F(TabStripTest, ArrowKeysGoThroughTheTabsAndStopAtTheEnds) {
     EXPECT_THAT(chosen, ElementsAre(0, 1, 2, 1));
 }
 
+TEST_F(TabStripTest, UpAndDownStayInTheStrip) {
+    strip.setFocus(Qt::TabFocusReason);
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down}) {
+        QKeyEvent pressed(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&tab(1), &pressed);
+        EXPECT_EQ(QApplication::focusWidget(), &tab(1));
+        EXPECT_FALSE(pressed.isAccepted()) << "left to a page that scrolls";
+    }
+    EXPECT_THAT(chosen, IsEmpty());
+}
+
 TEST_F(TabStripTest, AClickSelectsOnlyAnotherTab) {
     click("two");
     EXPECT_THAT(chosen, IsEmpty());
@@ -87,7 +98,8 @@ TEST_F(TabStripTest, TabsAreAccessibleAndOneIsSelected) {
         EXPECT_TRUE(each->state().selectable);
         EXPECT_EQ(each->state().selected, place == 1);
         EXPECT_EQ(each->text(QAccessible::Name), tab(place).text());
-        EXPECT_EQ(each->text(QAccessible::Description), u"About "_s + tab(place).text());
+        EXPECT_EQ(each->text(QAccessible::Description),
+                  u"%1 of 3. About %2"_s.arg(QString::number(place + 1), tab(place).text()));
     }
     list->child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_THAT(chosen, ElementsAre(2));

@@ -56,7 +56,7 @@ QWidget* AutomationTab::makeRules(QWidget* switches) {
     auto* card = new Card;
     card->setHeader(u"slider.horizontal.3"_s, u"Auto Rules"_s);
     card->contentLayout()->setSpacing(spacing::gap);
-    addLimit(*card, "Warn at", "settings.warning-threshold", thresholdScale,
+    addLimit(*card, "Warn at", "percent", "settings.warning-threshold", thresholdScale,
              &Settings::warningThreshold, percent);
     card->contentLayout()->addWidget(switches);
     return card;
@@ -67,19 +67,20 @@ QWidget* AutomationTab::makeDiskAutopilot(QWidget* switches) {
     card->setHeader(u"internaldrive"_s, u"AI Disk Autopilot"_s);
     card->contentLayout()->setSpacing(spacing::gap);
     card->contentLayout()->addWidget(switches);
-    addLimit(*card, "Act below", "settings.disk-minimum-free", minimumFreeScale,
+    addLimit(*card, "Act below", "GB free", "settings.disk-minimum-free", minimumFreeScale,
              &Settings::diskMinimumFreeGB, gigabytesFree);
-    addLimit(*card, "Minimum cache age", "settings.disk-cache-age", cacheAgeScale,
+    addLimit(*card, "Minimum cache age", "days", "settings.disk-cache-age", cacheAgeScale,
              &Settings::diskCleanupAgeDays, days);
-    addLimit(*card, "Maximum per run", "settings.disk-maximum", maximumRunScale,
+    addLimit(*card, "Maximum per run", "GB", "settings.disk-maximum", maximumRunScale,
              &Settings::diskMaxCleanupGB, gigabytes);
     return card;
 }
 
-void AutomationTab::addLimit(Card& card, const char* title, const char* identifier,
-                             const SliderScale& scale, Limit limit, QString (*words)(double)) {
-    auto* row = new LimitRow(QString::fromLatin1(title), QString::fromLatin1(identifier), scale,
-                             words, &card);
+void AutomationTab::addLimit(Card& card, const char* title, const char* unit,
+                             const char* identifier, const SliderScale& scale, Limit limit,
+                             QString (*words)(double)) {
+    auto* row = new LimitRow(QString::fromLatin1(title), QString::fromLatin1(unit),
+                             QString::fromLatin1(identifier), scale, words, &card);
     connect(row, &LimitRow::moved, this,
             [this, limit](double value) { emit limitMoved(limit, value); });
     card.contentLayout()->addWidget(row);

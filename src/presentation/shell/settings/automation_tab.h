@@ -31,8 +31,8 @@ signals:
 private:
     QWidget* makeRules(QWidget* switches);
     QWidget* makeDiskAutopilot(QWidget* switches);
-    void addLimit(Card& card, const char* title, const char* identifier, const SliderScale& scale,
-                  Limit limit, QString (*words)(double));
+    void addLimit(Card& card, const char* title, const char* unit, const char* identifier,
+                  const SliderScale& scale, Limit limit, QString (*words)(double));
 
     std::vector<std::pair<Limit, LimitRow*>> limits_;
 };

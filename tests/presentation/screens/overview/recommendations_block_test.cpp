@@ -134,7 +134,7 @@ TEST_F(RecommendationsBlockTest, CollapsedItShowsTheMostSevereInItsHeader) {
     block.setCollapsed(true);
     tick();
     EXPECT_EQ(header->note(), u"Urgent · Full · 1 more"_s);
-    EXPECT_TRUE(header->accessibleDescription().startsWith(header->note()));
+    EXPECT_TRUE(header->accessibleDescription().startsWith(spokenText(header->note())));
     lines = {line("Fine", Severity::info)};
     tick();
     EXPECT_EQ(header->note(), u"Info · Fine"_s);

@@ -194,7 +194,8 @@ TEST_F(WorkspaceBarTest, IsAnAccessibleGroup) {
         QAccessible::queryAccessibleInterface(visible("optimize.workspace"));
     EXPECT_EQ(bar->role(), QAccessible::Grouping);
     EXPECT_EQ(bar->text(QAccessible::Name), u"Optimize Workspace"_s);
-    EXPECT_EQ(tab("optimize.cleanup")->accessibleDescription(), workspaceLine(AppRoute::optimize));
+    EXPECT_EQ(tab("optimize.cleanup")->accessibleDescription(),
+              u"2 of 4. "_s + workspaceLine(AppRoute::optimize));
 }
 
 TEST_F(WorkspaceBarTest, ANarrowWindowCutsNeitherHeadingNorTabs) {

@@ -1,0 +1,48 @@
+#include "presentation/widgets/announcer.h"
+
+#include <QAccessible>
+#include <QWidget>
+
+#include "presentation/widgets/accessibility.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+/// One for each window, never visible. A screen reader says the name of a notification that
+/// appears.
+class Announcer final : public QWidget, public AccessibleFigure {
+public:
+    explicit Announcer(QWidget* window) : QWidget(window) {
+        installAccessibleFigures();
+        setObjectName(identifier());
+    }
+
+    static QString identifier() { return u"announcer"_s; }
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::Notification; }
+    /// Empty: the name says it.
+    QString accessibleValue() const override { return {}; }
+};
+
+}  // namespace
+
+// Qt has an event for announcements since version 6.8, which is newer than the oldest one that this
+// program is built with. It belongs here.
+void announce(QWidget& widget, const QString& text) {
+    if (text.isEmpty()) {
+        return;
+    }
+    QWidget* window = widget.window();
+    auto* announcer =
+        window->findChild<QWidget*>(Announcer::identifier(), Qt::FindDirectChildrenOnly);
+    if (announcer == nullptr) {
+        announcer = new Announcer(window);
+    }
+    setSpokenName(*announcer, text);
+    QAccessibleEvent appeared(announcer, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&appeared);
+}
+
+}  // namespace tallowcrest
