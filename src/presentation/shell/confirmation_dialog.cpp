@@ -131,14 +131,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     heading_->setText(title);
     message_->setText(message);
     showTargets(desk_.targets());
-    // Read out when the dialog opens.
-    QStringList spoken{title, message};
-    for (const ElidedLabel* line : targetsCard_->findChildren<ElidedLabel*>()) {
-        if (!line->isHidden()) {
-            spoken.append(line->text());
-        }
-    }
-    setAccessibleDescription(spoken.join(u'\n'));
+    setAccessibleDescription(confirmation_lines::unreadLines(shownTexts()).join(u'\n'));
     if (isVisible()) {
         // No window opens, which would be announced by itself.
         QAccessibleEvent changed(this, QAccessible::Alert);
@@ -150,6 +143,16 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     cancel_->setFocus();
     open();
     settling_->settle();
+}
+
+QStringList ConfirmationDialog::shownTexts() const {
+    QStringList texts{heading_->text(), message_->text()};
+    for (const ElidedLabel* line : targetsCard_->findChildren<ElidedLabel*>()) {
+        if (!line->isHidden()) {
+            texts.append(line->text());
+        }
+    }
+    return texts;
 }
 
 bool ConfirmationDialog::event(QEvent* event) {

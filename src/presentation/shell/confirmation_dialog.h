@@ -41,6 +41,8 @@ protected:
 
 private:
     void present(const ConfirmationRequest& request);
+    /// From top to bottom, without the buttons.
+    QStringList shownTexts() const;
     void showTargets(const ConfirmationTargets& targets);
     void fit();
     void confirm();

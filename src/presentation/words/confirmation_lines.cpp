@@ -1,8 +1,7 @@
 #include "presentation/words/confirmation_lines.h"
 
 #include <algorithm>
-
-#include <QStringList>
+#include <iterator>
 
 #include "presentation/words/dashboard_text.h"
 
@@ -28,6 +27,15 @@ QString processes(std::span<const std::int64_t> pids, std::size_t most) {
 
 QString executables(std::size_t count) {
     return count == 1 ? u"Executable"_s : u"Executables"_s;
+}
+
+QStringList unreadLines(const QStringList& texts) {
+    constexpr qsizetype fewestWordsRead = 3;
+    QStringList unread;
+    std::ranges::copy_if(texts, std::back_inserter(unread), [](const QString& text) {
+        return text.split(u' ', Qt::SkipEmptyParts).size() < fewestWordsRead;
+    });
+    return unread;
 }
 
 }  // namespace tallowcrest::confirmation_lines

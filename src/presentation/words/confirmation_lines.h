@@ -5,6 +5,7 @@
 #include <span>
 
 #include <QString>
+#include <QStringList>
 
 /// The texts of the confirmation dialog that are not in the request. Main thread.
 namespace tallowcrest::confirmation_lines {
@@ -18,5 +19,9 @@ QString processes(std::span<const std::int64_t> pids, std::size_t most = mostPID
 
 /// "Executable" or "Executables"
 QString executables(std::size_t count);
+
+/// Those of the dialog's texts that a screen reader does not read out by itself when the dialog
+/// opens: it skips labels of one or two words.
+QStringList unreadLines(const QStringList& texts);
 
 }  // namespace tallowcrest::confirmation_lines

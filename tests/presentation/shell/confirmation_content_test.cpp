@@ -50,9 +50,9 @@ TEST_F(ConfirmationContentTest, ShowsTheTextsOfTheRequest) {
     EXPECT_EQ(visible("confirmation.processes"), nullptr) << "the message names the process";
     EXPECT_EQ(textOf("confirmation.executables"), u"Executable"_s);
     EXPECT_EQ(shownPaths(), QStringList(u"/usr/bin/photo-indexer"_s));
-    EXPECT_EQ(dialog().accessibleDescription(), textOf("confirmation.title") + u'\n' +
-                                                    textOf("confirmation.message") +
-                                                    u"\nExecutable\n/usr/bin/photo-indexer"_s);
+    EXPECT_EQ(dialog().accessibleDescription(),
+              u"Quit photo-indexer?\nExecutable\n/usr/bin/photo-indexer"_s)
+        << "screen readers read the message by themselves";
 }
 
 TEST_F(ConfirmationContentTest, AQuestionAboutAGroupSaysWhichProcesses) {
@@ -69,8 +69,7 @@ TEST_F(ConfirmationContentTest, AQuestionAboutAGroupSaysWhichProcesses) {
     EXPECT_EQ(textOf("confirmation.processes"), u"2 processes: 901, 902"_s);
     EXPECT_EQ(textOf("confirmation.executables"), u"Executables"_s);
     EXPECT_EQ(shownPaths().join(u'|'), u"/opt/chrome|/opt/chrome helper"_s);
-    EXPECT_TRUE(dialog().accessibleDescription().endsWith(
-        u"first.\n2 processes: 901, 902\nExecutables\n/opt/chrome\n/opt/chrome helper"_s));
+    EXPECT_EQ(dialog().accessibleDescription(), u"Executables\n/opt/chrome\n/opt/chrome helper"_s);
 }
 
 TEST_F(ConfirmationContentTest, AGroupOfHundredsIsCounted) {
@@ -183,7 +182,6 @@ TEST_F(ConfirmationContentTest, HostileTextsAreShownLiterallyAndKeepTheLayout) {
         EXPECT_FALSE(cancel().geometry().intersects(confirm().geometry()));
         EXPECT_FALSE(textOf("confirmation.title").contains(u'\n'));
         EXPECT_TRUE(textOf("confirmation.message").endsWith(u" to quit."_s));
-        EXPECT_TRUE(dialog().accessibleDescription().contains(u" to quit."_s));
         for (const auto* label : dialog().findChildren<ElidedLabel*>()) {
             EXPECT_TRUE(!label->isVisible() ||
                         label->parentWidget()->rect().contains(label->geometry()));

@@ -36,5 +36,12 @@ TEST(ConfirmationLines, CountsTheExecutables) {
     EXPECT_EQ(confirmation_lines::executables(2).toStdString(), "Executables");
 }
 
+TEST(ConfirmationLines, OnlyShortTextsAreLeftUnread) {
+    EXPECT_EQ(
+        confirmation_lines::unreadLines({u"Quit sleep?"_s, u"Quit Google Chrome?"_s, QString(),
+                                         u"  Executable "_s, u"It will be quit."_s}),
+        QStringList({u"Quit sleep?"_s, QString(), u"  Executable "_s}));
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -7,7 +7,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
-#include <QStackedWidget>
+#include <QStackedLayout>
 #include <QVBoxLayout>
 
 #include "actions/actions.h"
@@ -54,8 +54,9 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget
     layout->setContentsMargins(0, spacing::gap, 0, spacing::gap);
     layout->setSpacing(spacing::gap);
     layout->addWidget(makeHead());
-    pages_ = new QStackedWidget(this);
-    layout->addWidget(pages_, 1);
+    // Not a `QStackedWidget`, whose role screen readers say before each first control.
+    pages_ = new QStackedLayout;
+    layout->addLayout(pages_, 1);
     addRemote();
     addLocalMac();
     addAutomation();

@@ -9,7 +9,7 @@
 #include "presentation/state/window_state.h"
 #include "presentation/words/automation_lines.h"
 
-class QStackedWidget;
+class QStackedLayout;
 
 namespace tallowcrest {
 
@@ -62,7 +62,7 @@ private:
     WindowState& state_;
     std::vector<Tab> tabs_;
     TabStrip* strip_ = nullptr;
-    QStackedWidget* pages_ = nullptr;
+    QStackedLayout* pages_ = nullptr;
     RemoteTab* remote_ = nullptr;
     AutomationTab* automation_ = nullptr;
     SafetyTab* safety_ = nullptr;
