@@ -39,6 +39,10 @@ QString commandLine(const ProcessSample& row, const ProcessDetail* detail) {
                                                                   : row.command);
 }
 
+QString underReview(const ProcessSample& row) {
+    return u"Under review: "_s + text(row.displayName());
+}
+
 QString toolTip(const ProcessSample& row, const ProcessDetail* detail) {
     QString tip = u"PID %1"_s.arg(row.pid);
     if (detail != nullptr && !detail->owner.empty()) {

@@ -26,6 +26,9 @@ QStringList spoken(const ProcessSample& row, const ProcessDetail* detail);
 /// The whole command line, as far as it is read; the command while it is not known.
 QString commandLine(const ProcessSample& row, const ProcessDetail* detail);
 
+/// What is announced when the owner puts the row under review: "Under review: NAME".
+QString underReview(const ProcessSample& row);
+
 /// The text of a row's tool tip: PID and user, the command, and the whole command line.
 QString toolTip(const ProcessSample& row, const ProcessDetail* detail);
 

@@ -55,6 +55,15 @@ std::vector<QString> statusPatterns(Date day) {
     return patterns;
 }
 
+QString foundWords(std::int64_t shown, std::int64_t all) {
+    return shown == all ? dashboard_text::processes(all)
+                        : dashboard_text::count(shown) + u" of "_s + dashboard_text::processes(all);
+}
+
+QString orderWords(const std::optional<ProcessOrder>& order) {
+    return order ? columnTitle(order, order->column).spoken : u"Impact, highest first"_s;
+}
+
 QString impactOrderEffect() {
     return u"Returns to the order by CPU and memory impact"_s;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -39,6 +40,13 @@ struct ColumnTitle {
     QString effect = {};  ///< what a click does
     bool isOrdered = false;
 };
+
+/// How many processes the filter keeps, for assistive technology: "12 of 87 processes", or only the
+/// number when it keeps all.
+QString foundWords(std::int64_t shown, std::int64_t all);
+
+/// The order for assistive technology: "CPU, highest first".
+QString orderWords(const std::optional<ProcessOrder>& order);
 
 /// What every way back to the order by impact does.
 QString impactOrderEffect();

@@ -1,6 +1,7 @@
 #include "presentation/screens/load/load_page.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <QFontMetrics>
@@ -24,10 +25,12 @@
 #include "presentation/screens/shared/review_process.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/process_filter.h"
+#include "presentation/words/process_words.h"
 #include "sampling/app_impact.h"
 #include "sampling/latest_sample.h"
 #include "sampling/process_details.h"
@@ -62,8 +65,12 @@ LoadPage::LoadPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
     tools_ = new ProcessTools(card_);
     connect(tools_, &ProcessTools::selectTopRowWanted, this, [this] {
         if (monitor_.actions().review.selectFirstProcess(model_->rows()).isAccepted()) {
+            table_->setFocus();
             showSelection();
         }
+    });
+    connect(tools_, &ProcessTools::typingPaused, this, [this] {
+        announce(*this, foundWords(shownRows_, std::ssize(monitor_.sample().latestProcesses())));
     });
     connect(tools_, &ProcessTools::activityMonitorWanted, this,
             [this] { monitor_.actions().applications.openActivityMonitor(); });
@@ -226,6 +233,7 @@ void LoadPage::setOrder(std::optional<ProcessOrder> order) {
     fold();
     refresh();
     table_->scrollToTop();
+    announce(*this, orderWords(order_));
 }
 
 void LoadPage::wantDetails() {
@@ -300,6 +308,7 @@ void LoadPage::review(const QModelIndex& index) {
     // The owner has just clicked the row, so it is in view.
     shownSelection_ = row.pid;
     monitor_.actions().review.selectProcess(row);
+    announce(*this, process_words::underReview(row));
 }
 
 }  // namespace tallowcrest

@@ -1,5 +1,6 @@
 #include "presentation/screens/load/process_tools.h"
 
+#include <chrono>
 #include <utility>
 
 #include <QAction>
@@ -7,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTimer>
 
 #include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/icon.h"
@@ -16,6 +18,9 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
+
+/// Longer than between two keys.
+constexpr std::chrono::milliseconds typingPause{800};
 
 constexpr Command selectTopRow{"Select Top Row", "scope",
                                "Selects the first row of the list for review"};
@@ -65,6 +70,13 @@ QLineEdit* ProcessTools::makeFilter() {
     onKey(Qt::Key_Escape, [field] { field->clear(); });
     onKey(Qt::Key_Down, [this] { emit rowsWanted(); });
     connect(field, &QLineEdit::textChanged, this, &ProcessTools::filterTyped);
+    pause_ = new QTimer(this);
+    pause_->setObjectName(u"processes.filter.pause"_s);
+    pause_->setSingleShot(true);
+    pause_->setInterval(typingPause);
+    connect(pause_, &QTimer::timeout, this, &ProcessTools::typingPaused);
+    // Not when the page sets the text.
+    connect(field, &QLineEdit::textEdited, pause_, qOverload<>(&QTimer::start));
     return field;
 }
 

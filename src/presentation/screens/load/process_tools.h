@@ -4,6 +4,7 @@
 
 class QLineEdit;
 class QPushButton;
+class QTimer;
 
 namespace tallowcrest {
 
@@ -27,6 +28,8 @@ signals:
     void selectTopRowWanted();
     void activityMonitorWanted();
     void filterTyped(const QString& filter);
+    /// The owner has stopped typing in the filter for a moment.
+    void typingPaused();
     /// The owner wants to go on from the filter to the rows.
     void rowsWanted();
 
@@ -37,6 +40,7 @@ private:
     QPushButton* selectTopRow_ = nullptr;
     QPushButton* activityMonitor_ = nullptr;
     QLineEdit* filter_ = nullptr;
+    QTimer* pause_ = nullptr;
 };
 
 }  // namespace tallowcrest

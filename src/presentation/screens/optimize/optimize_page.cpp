@@ -17,9 +17,11 @@
 #include "presentation/screens/shared/workspace_bar.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/state/window_state.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/process_words.h"
 #include "sampling/latest_sample.h"
 #include "sampling/process_details.h"
 
@@ -65,6 +67,7 @@ void OptimizePage::makeOffender() {
     connect(offender_, &OffenderCard::rowsInViewChanged, this, &OptimizePage::wantDetails);
     connect(offender_, &OffenderCard::reviewWanted, this, [this](const ProcessSample& process) {
         monitor_.actions().review.selectProcess(process);
+        announce(*this, process_words::underReview(process));
     });
     connect(offender_, &OffenderCard::neverQuitToggled, this,
             [this](const std::string& group) { monitor_.actions().local.toggleNeverQuit(group); });

@@ -215,8 +215,12 @@ QVariant ProcessTableModel::spokenText(const ProcessSample& row, int column) con
     if (column == actionColumn) {
         return QString(u"Review "_s + text(row.displayName()));
     }
+    if (column == memoryPercentColumn) {
+        return displayText(row, column).toString() + u" of memory"_s;
+    }
     if (column != processColumn) {
-        return displayText(row, column);
+        return QString(title(static_cast<ProcessColumn>(column)) + u' ' +
+                       displayText(row, column).toString());
     }
     // The rows show this only by a mark and by a colour.
     QStringList words{text(row.displayName())};

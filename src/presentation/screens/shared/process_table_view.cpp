@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include <QAccessible>
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -154,6 +155,22 @@ void ProcessTableView::changeEvent(QEvent* event) {
     }
 }
 
+void ProcessTableView::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    // Queued, because Qt reports the table itself only after this event.
+    QMetaObject::invokeMethod(this, &ProcessTableView::reportFocusedRow, Qt::QueuedConnection);
+}
+
+void ProcessTableView::reportFocusedRow() {
+    if (QAccessible::isActive() && hasFocus() && currentIndex().isValid()) {
+        QAccessibleTableInterface* cells =
+            QAccessible::queryAccessibleInterface(this)->tableInterface();
+        QAccessibleEvent focused(cells->cellAt(currentIndex().row(), currentIndex().column()),
+                                 QAccessible::Focus);
+        QAccessible::updateAccessibility(&focused);
+    }
+}
+
 void ProcessTableView::hideEvent(QHideEvent* event) {
     QTableView::hideEvent(event);
     isPressed_ = false;  // the button is released elsewhere
@@ -207,7 +224,12 @@ QModelIndex ProcessTableView::moveCursor(CursorAction action, Qt::KeyboardModifi
 }
 
 void ProcessTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QTableView::currentChanged(current, previous);
+    if (hasFocus()) {
+        QTableView::currentChanged(current, previous);
+    } else {
+        // To assistive technology Qt's table would give the focus to the cell.
+        QAbstractItemView::currentChanged(current, previous);
+    }
     // The view repaints only the cell, but the focus ring surrounds the row.
     for (const QModelIndex& index : {current, previous}) {
         if (index.isValid()) {

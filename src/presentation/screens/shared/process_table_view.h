@@ -58,6 +58,7 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void changeEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -71,6 +72,8 @@ protected:
     bool viewportEvent(QEvent* event) override;
 
 private:
+    /// Reports the current row to assistive technology, which Qt does only when it changes.
+    void reportFocusedRow();
     void sizeColumns();
     void applyTheme();
     /// Highlights the row below the pointer. `place` is in viewport coordinates, absent while the

@@ -58,6 +58,17 @@ TEST(LoadLines, NameTheOrderThatTheOwnerChose) {
     EXPECT_EQ(lines.description, u"Processes by Memory. Return on a row selects it for review."_s);
 }
 
+TEST(LoadLines, TheFilterSaysHowManyItKeeps) {
+    EXPECT_EQ(foundWords(12, 87), u"12 of 87 processes"_s);
+    EXPECT_EQ(foundWords(0, 1), u"0 of 1 process"_s);
+    EXPECT_EQ(foundWords(87, 87), u"87 processes"_s);
+}
+
+TEST(LoadLines, TheOrderHasWordsForAssistiveTechnology) {
+    EXPECT_EQ(orderWords(ProcessOrder{ProcessColumn::cpu, true}), u"CPU, lowest first"_s);
+    EXPECT_EQ(orderWords(std::nullopt), u"Impact, highest first"_s);
+}
+
 TEST(LoadLines, AColumnTitleSaysWhatAClickDoes) {
     std::optional<ProcessOrder> order;
     const auto click = [&order](ProcessColumn column) {

@@ -200,7 +200,7 @@ TEST_F(ProcessTableModelTest, MemoryCanBeShownInWholeMegabytes) {
     model.setRows({processRow(7, "/usr/bin/editor", 12.34, 2047.6)});
     EXPECT_EQ(at(0, ProcessTableModel::cpuColumn), u"12.3%"_s);
     EXPECT_EQ(at(0, ProcessTableModel::memoryColumn), u"2,048 MB"_s);
-    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn, Qt::AccessibleTextRole), u"2,048 MB"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryColumn, Qt::AccessibleTextRole), u"Memory 2,048 MB"_s);
 }
 
 TEST_F(ProcessTableModelTest, HeadersNameTheColumns) {
@@ -278,7 +278,9 @@ TEST_F(ProcessTableModelTest, AProcessUnderReviewIsMarkedWhenItAppears) {
 TEST_F(ProcessTableModelTest, TheAccessibleActionNamesItsProcess) {
     model.setRows({processRow(90, "/usr/bin/editor")});
     EXPECT_EQ(at(0, ProcessTableModel::actionColumn, Qt::AccessibleTextRole), u"Review editor"_s);
-    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), u"0.0%"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::cpuColumn, Qt::AccessibleTextRole), u"CPU 0.0%"_s);
+    EXPECT_EQ(at(0, ProcessTableModel::memoryPercentColumn, Qt::AccessibleTextRole),
+              u"0.0% of memory"_s);
 }
 
 TEST_F(ProcessTableModelTest, DetailsTellRowsOfTheSameNameApart) {
