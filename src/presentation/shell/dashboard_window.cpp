@@ -27,6 +27,7 @@
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
@@ -203,6 +204,7 @@ void DashboardWindow::showRoute() {
     if (!canBeSeen() || shownRoute_ == route) {
         return;
     }
+    const bool isFirst = !shownRoute_;
     shownRoute_ = route;
     Screen* shown = screen(route);
     sidebar_->setSelectedRoute(route);
@@ -210,6 +212,11 @@ void DashboardWindow::showRoute() {
     pages_->setCurrentWidget(shown);
     observers_->page.observe(shown->shows());
     refreshPage();
+    // The focused row of the sidebar says it itself.
+    if (!isFirst && !sidebar_->isAncestorOf(focusWidget())) {
+        announce(*this, dashboard_text::text(title(route)) + u". "_s +
+                            dashboard_text::text(subtitle(route)));
+    }
 }
 
 void DashboardWindow::refreshPage() {

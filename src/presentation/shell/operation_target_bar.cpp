@@ -1,5 +1,7 @@
 #include "presentation/shell/operation_target_bar.h"
 
+#include <utility>
+
 #include <QBoxLayout>
 #include <QPushButton>
 
@@ -8,6 +10,7 @@
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/state/window_state.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/elided_label.h"
@@ -91,19 +94,40 @@ std::vector<Observable*> OperationTargetBar::shows() const {
 }
 
 void OperationTargetBar::refresh() {
-    const bool hasTarget = monitor_.actions().review.selectedPID().has_value();
+    const ReviewTarget& review = monitor_.actions().review;
+    const auto before = std::exchange(shownPID_, review.selectedPID());
+    const bool hasTarget = shownPID_.has_value();
     if (hasTarget != hasTarget_) {
         setHasTarget(hasTarget);
     }
     if (!hasTarget) {
         return;
     }
-    const SelectedTargetSummary summary = monitor_.actions().review.selectedTargetSummary();
+    const SelectedTargetSummary summary = review.selectedTargetSummary();
     title_->setText(dashboard_text::text(summary.title));
     detail_->setText(dashboard_text::text(summary.detail));
     icon_->setIcon(summary.isProtected ? u"lock.fill"_s : u"scope"_s);
     protected_->setVisible(summary.isProtected);
-    automatic_->setVisible(monitor_.actions().review.chosenBy() == ReviewTarget::ChosenBy::rule);
+    const bool isAutomatic = review.chosenBy() == ReviewTarget::ChosenBy::rule;
+    automatic_->setVisible(isAutomatic);
+    describe();
+    if (shownPID_ != before && isAutomatic) {
+        announce(*this, u"%1: %2"_s.arg(automatic_->accessibleName(), title_->text()));
+    }
+}
+
+void OperationTargetBar::describe() {
+    // When the focus enters the bar, screen readers read its labels out, but not those of one or
+    // two words.
+    QStringList words{hasTarget_ ? u"Under review: "_s + title_->text() : title_->text()};
+    for (const Capsule* mark : {automatic_, protected_}) {
+        if (!mark->isHidden()) {
+            words.append(mark->accessibleName());
+        }
+    }
+    setSpokenName(*title_, words.join(u", "_s));
+    setSpokenName(*review_, review_->text() + u' ' + title_->text());
+    setSpokenName(*clear_, clear_->text() + u' ' + title_->text());
 }
 
 void OperationTargetBar::setHasTarget(bool hasTarget) {
@@ -118,6 +142,7 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
         icon_->setIcon(u"scope"_s);
         protected_->hide();
         automatic_->hide();
+        describe();
     }
     fold();
     if (hadFocus) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "presentation/widgets/accessibility.h"
@@ -40,6 +42,7 @@ private:
     void makeTexts();
     void makeButtons();
     void setHasTarget(bool hasTarget);
+    void describe();
     /// Puts the detail beside the title, or below it.
     void fold();
 
@@ -56,6 +59,7 @@ private:
     QPushButton* review_ = nullptr;
     QPushButton* clear_ = nullptr;
     bool hasTarget_ = false;
+    std::optional<std::int64_t> shownPID_;
 };
 
 }  // namespace tallowcrest

@@ -143,6 +143,10 @@ void Sidebar::setSelectedRoute(AppRoute route) {
     if (before != rows_.end() && *before != selected) {
         selected->takeFocusFrom(**before);
     }
+    // The Tab key enters at the shown route. Qt would stay at the row that had the focus last.
+    for (SidebarRow* row : rows_) {
+        row->setFocusPolicy(row == selected ? Qt::StrongFocus : Qt::ClickFocus);
+    }
 }
 
 void Sidebar::setFolded(bool folded) {

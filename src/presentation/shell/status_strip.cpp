@@ -1,5 +1,8 @@
 #include "presentation/shell/status_strip.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QHBoxLayout>
 #include <QPushButton>
 
@@ -12,6 +15,7 @@
 #include "presentation/screens/shared/command_button.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
@@ -93,8 +97,24 @@ void StatusStrip::refresh() {
     showSavingProblem();
     showAutomation();
     threshold_->setText(dashboard_text::warnAt(monitor_.settings().warningThreshold));
-    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+    showLastAction();
     showSession();
+}
+
+void StatusStrip::showLastAction() {
+    const std::string& action = monitor_.log().lastAction();
+    const QString words = dashboard_text::text(action);
+    lastAction_->setText(words);
+    // The same outcome again has another event, and is news again.
+    const auto& events = monitor_.log().activityLog();
+    const auto event = std::ranges::find(events, action, &ActivityEvent::detail);
+    ToldAction now{action, event == events.end() ? std::nullopt : std::optional(event->id)};
+    const bool isNew =
+        told_ && (now.text != told_->text || (now.event && now.event != told_->event));
+    told_ = std::move(now);
+    if (isNew) {
+        announce(*this, spokenText(words));
+    }
 }
 
 void StatusStrip::showSession() {
@@ -162,6 +182,9 @@ void StatusStrip::showAutomation() {
 void StatusStrip::showButton(bool isEngaged) {
     if (showsEngaged_ == isEngaged) {
         return;
+    }
+    if (showsEngaged_) {
+        setAccessibleName(isEngaged ? u"Emergency stop engaged"_s : u"Emergency stop cleared"_s);
     }
     if (stop_->hasFocus() || resume_->hasFocus()) {
         // Not on the other button: the key that pressed this one may still be down.

@@ -2,10 +2,12 @@
 
 #include <array>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <QWidget>
 
+#include "core/uuid.h"
 #include "presentation/widgets/settling_button.h"
 
 class QBoxLayout;
@@ -38,6 +40,11 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    struct ToldAction {
+        std::string text;
+        std::optional<UUID> event;  ///< absent for an outcome that is not logged
+    };
+
     void makeTexts();
     void makeButtons();
     /// The words that fit.
@@ -47,6 +54,7 @@ private:
     std::array<QWidget*, 5> marks() const;
     void showSavingProblem();
     void showAutomation();
+    void showLastAction();
     void showButton(bool isEngaged);
     bool isOneLine() const;
     /// Puts the texts beside each other, or one above the other.
@@ -65,6 +73,8 @@ private:
     /// it.
     std::optional<SettlingButton> settlingStop_;
     std::optional<SettlingButton> settlingResume_;
+    /// The last action that was shown, and its event in the log; absent before the first refresh.
+    std::optional<ToldAction> told_;
     std::optional<bool> showsEngaged_;  ///< absent before the first refresh
 };
 

@@ -6,6 +6,7 @@
 #include "actions/actions.h"
 #include "core/settings/settings_owner.h"
 #include "presentation/widgets/icon.h"
+#include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widgets/paint_count.h"
 #include "tests/presentation/window_fixture.h"
 
@@ -270,6 +271,30 @@ TEST_F(OperationTargetBarTest, IsAnAccessibleGroupWithItsContentAsValue) {
     select(2);
     EXPECT_EQ(spoken->text(QAccessible::Value),
               u"systemd, systemd · PID 1 · 0.0% CPU · 12 MB, Protected"_s);
+}
+
+TEST_F(OperationTargetBarTest, SaysWhoseReviewItsButtonsAreFor) {
+    showWithSample();
+    const QWidget& title = *visible("target.title");
+    EXPECT_EQ(title.accessibleName(), u"Operation Target"_s);
+    select(2);
+    EXPECT_EQ(title.accessibleName(), u"Under review: systemd, Protected"_s);
+    EXPECT_EQ(visible("target.detail")->accessibleName(), u"systemd, PID 1, 0.0% CPU, 12 MB"_s);
+    EXPECT_EQ(visible("target.review")->accessibleName(), u"Review systemd"_s);
+    EXPECT_EQ(visible("target.clear")->accessibleName(), u"Clear systemd"_s);
+    click("target.clear");
+    EXPECT_EQ(title.accessibleName(), u"Operation Target"_s);
+}
+
+TEST_F(OperationTargetBarTest, OnlyASelectionByARuleIsSaid) {
+    showWithSample();
+    const Announcements heard;
+    select(2);
+    EXPECT_THAT(heard.said(), testing::IsEmpty());
+    review().setTarget(700, "editor", ReviewTarget::ChosenBy::rule);
+    settle();
+    tick();
+    EXPECT_THAT(heard.said(), testing::ElementsAre("Auto-selected: editor"));
 }
 
 TEST_F(OperationTargetBarTest, TheFocusStaysInTheBarWhenItsButtonIsHidden) {
