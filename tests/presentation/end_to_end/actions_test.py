@@ -172,9 +172,9 @@ class QuitProcess(ActionTestCase):
         dialog = self.ask_to_quit()
         self.window.label(f"Quit {name}?")
         before = desktop.output("xdotool", "getwindowgeometry", dialog)
-        taken = self.window.showing(name=lambda said: " · updated " in said)[0].get_name()
+        taken = self.window.showing(name=lambda said: ", updated " in said)[0].get_name()
         eventually(lambda: self.window.showing(
-            name=lambda said: " · updated " in said and said != taken), "a sample lands")
+            name=lambda said: ", updated " in said and said != taken), "a sample lands")
         self.assertEqual(self.dialogs(), [dialog])
         self.assertEqual(desktop.output("xdotool", "getwindowgeometry", dialog), before)
         self.confirm(dialog, "Quit Process", name)

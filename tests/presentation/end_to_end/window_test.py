@@ -97,7 +97,7 @@ class Window(WindowTestCase):
 
     def test_sampling_continues(self):
         _, window, _ = self.start_window()
-        window.label(lambda text: re.fullmatch(r"Current session · last (8|9|1[0-9]) seconds", text))
+        window.label(lambda text: re.fullmatch(r"Current session, last (8|9|1[0-9]) seconds", text))
 
     def test_without_a_tray_closing_the_window_ends_the_program(self):
         program, _, _ = self.start_window()
@@ -184,7 +184,7 @@ class Sections(WindowTestCase):
 class Restart(WindowTestCase):
     def test_the_session_does_not_count_the_time_between_two_runs(self):
         def seconds(window):
-            label = window.label(lambda text: text.startswith("Current session · last "))
+            label = window.label(lambda text: text.startswith("Current session, last "))
             return int(re.search(r"last (\d+) seconds", label.get_name()).group(1))
 
         program, window, _ = self.start_window()
@@ -210,7 +210,7 @@ class Processes(ProcessTestCase):
         rows = self.filtered(window, name.upper(), name)
         self.assertEqual(len(rows), 1)
         self.assertEqual(rows[0][4], f"Review {name}")
-        window.label(lambda text: " · 1 visible processes · " in text)
+        window.label(lambda text: ", 1 visible processes, " in text)
 
         self.filtered(window, str(probe.pid), name)
 
@@ -227,7 +227,7 @@ class Processes(ProcessTestCase):
 
         probe.end()
         window.refresh()
-        window.label(lambda text: " · 0 visible processes · " in text)
+        window.label(lambda text: ", 0 visible processes, " in text)
         eventually(lambda: not window.cells(), "the row is gone")
 
     def test_review_from_the_overview_clears_a_filter_that_hides_the_row(self):
@@ -244,7 +244,7 @@ class Processes(ProcessTestCase):
         window.go_to("Processes")
         self.filtered(window, str(probe.pid), "python")
         window.type_into("Filter processes", "no such process")
-        window.label(lambda text: " · 0 visible processes · " in text)
+        window.label(lambda text: ", 0 visible processes, " in text)
         window.go_to("Overview")
 
         def reviews_it(name):
@@ -260,7 +260,7 @@ class Processes(ProcessTestCase):
         window.label("Activity Monitor-style list sorted by combined CPU and memory impact")
         window.label(lambda text: re.fullmatch(
             r"Selected python\S* from CPU \+ Memory Processes\. No action has run yet\.", text))
-        window.label(lambda text: re.search(r" · [1-9]\d* visible processes · ", text))
+        window.label(lambda text: re.search(r", [1-9]\d* visible processes, ", text))
         self.assertEqual(window.text_of("Filter processes"), "")
         eventually(lambda: [row for row in window.cells() if row[0].endswith("Under review")],
                    "the row is under review")
@@ -270,9 +270,9 @@ class Processes(ProcessTestCase):
         window.go_to("Processes")
         self.start_probe()
         window.type_into("Filter processes", "no such process")
-        window.label(lambda text: " · 0 visible processes · " in text)
+        window.label(lambda text: ", 0 visible processes, " in text)
         window.type_into("Filter processes", "   ")
-        window.label(lambda text: re.search(r" · [1-9]\d* visible processes · ", text))
+        window.label(lambda text: re.search(r", [1-9]\d* visible processes, ", text))
 
 
 class AssistiveTechnology(ProcessTestCase):
@@ -428,7 +428,7 @@ class Tray(WindowTestCase):
         def optimize_opens():
             """The panel closes when it loses the focus, which may happen late on a busy machine."""
             item.Activate(100, 100, dbus_interface=self.ITEM)
-            window.label(lambda text: re.fullmatch(r"CPU \d+% · Memory \d+%", text))
+            window.label(lambda text: re.fullmatch(r"CPU \d+%, Memory \d+%", text))
             window.press(Atspi.Role.PUSH_BUTTON, "Open Optimize")
             try:
                 window.label("Local app and process cleanup workflow")

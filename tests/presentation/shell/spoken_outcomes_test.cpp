@@ -150,6 +150,8 @@ TEST_F(SpokenOutcomesTest, TheFilterSaysWhatItKeepsAfterAPause) {
     EXPECT_THAT(heard.said(), IsEmpty()) << "nobody typed";
     typeFilter(u"d"_s);
     EXPECT_THAT(heard.said(), ElementsAre("1 of 3 processes"));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(heard.said().back(), "3 processes");
 }
 
 TEST_F(SpokenOutcomesTest, OnlyATableWithTheFocusSaysItsRow) {

@@ -75,8 +75,12 @@ QLineEdit* ProcessTools::makeFilter() {
     pause_->setSingleShot(true);
     pause_->setInterval(typingPause);
     connect(pause_, &QTimer::timeout, this, &ProcessTools::typingPaused);
-    // Not when the page sets the text.
-    connect(field, &QLineEdit::textEdited, pause_, qOverload<>(&QTimer::start));
+    connect(field, &QLineEdit::textChanged, this, [this, field] {
+        // Not when the page sets the text.
+        if (field->hasFocus()) {
+            pause_->start();
+        }
+    });
     return field;
 }
 
