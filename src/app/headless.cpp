@@ -70,7 +70,7 @@ private:
     /// Begins the scan once there is a machine to scan, and prints after its end.
     void printRemote(SystemMonitor& monitor) {
         // Longer than a reading of the tailnet takes.
-        constexpr std::int64_t samplesToWait = std::chrono::milliseconds(6000) / remoteInterval;
+        constexpr std::int64_t samplesToWait = std::chrono::milliseconds(9000) / remoteInterval;
         RemoteScan& scan = monitor.remote().scan;
         if (++printed_ == 1) {
             monitor.remote().tailnet.beginReading();

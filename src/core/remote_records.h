@@ -90,11 +90,12 @@ struct RemoteHealth {
     std::string summary = {};
     std::string setupHint = {};
     Date sampledAt = {};
+    bool isLinux = false;  ///< sampled as a Linux machine, not as a Mac
 
     auto fields() const {
         return std::tie(id, hostName, address, online, status, cpuPercent, memoryPercent, osVersion,
                         topCPUProcess, topMemoryProcess, topProcesses, appImpacts, recommendation,
-                        summary, setupHint, sampledAt);
+                        summary, setupHint, sampledAt, isLinux);
     }
     bool operator==(const RemoteHealth&) const = default;
 };

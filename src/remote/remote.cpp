@@ -9,6 +9,6 @@ Remote::Remote(const Services& services, Pasteboard& pasteboard, const RemotePor
       tailnet(services, {tools, services.locale, ports.daemon, ports.tailscaleCLI}, pasteboard),
       scan(services, tailnet, tools),
       profiles(services),
-      actions({services, scan, tailnet, profiles, tools, pasteboard, ports.actions}) {}
+      actions({services, scan, profiles, tools, pasteboard, ports.actions}) {}
 
 }  // namespace tallowcrest

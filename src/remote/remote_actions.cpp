@@ -21,7 +21,6 @@
 #include "remote/remote_requests.h"
 #include "remote/remote_scan.h"
 #include "remote/remote_setup_script.h"
-#include "remote/tailnet.h"
 
 namespace tallowcrest {
 namespace {
@@ -100,7 +99,7 @@ Outcome RemoteActions::performRemotePurge(const RemoteHealth& machine, const Rev
                              "permission, or host validation changed."));
     }
     return run({.target = *target,
-                .text = remote_commands::purge(osOf(machine), dependencies_.services.locale),
+                .text = remote_commands::purge(machine.isLinux),
                 .timeout = 15s,
                 .successMark = "purge_ok",
                 .doneMessage = fmt::format("Purged remote file caches on {}.", machine.hostName),
@@ -114,7 +113,7 @@ Outcome RemoteActions::requestRemoteQuit(const RemoteHealth& machine,
     if (!isReachable(machine)) {
         return record(notReachable(machine));
     }
-    if (isProtected(process)) {
+    if (isProtected(machine, process)) {
         return record(Outcome::refused(
             fmt::format("Refused to quit protected remote process {}.", process.displayName())));
     }
@@ -132,7 +131,7 @@ Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const Remo
     const auto target = targetOf(machine);
     const auto command = CommandSafetyPolicy::remoteTerminateCommand(process.pid);
     if (!isReachable(machine) || machine.id != reviewed.id || process.command != reviewed.command ||
-        isProtected(process) || !target || !command) {
+        isProtected(machine, process) || !target || !command) {
         return record(
             Outcome::refused("Remote process termination was blocked because its reviewed safety "
                              "state changed."));
@@ -304,20 +303,14 @@ const RemoteHealth* RemoteActions::latest(const ConfirmationRequest& request,
     return found;
 }
 
-bool RemoteActions::isProtected(const RemoteProcess& process) const {
-    return isProtectedRemoteProcess(process,
-                                    dependencies_.services.settings.values().protectedAppNames);
+bool RemoteActions::isProtected(const RemoteHealth& machine, const RemoteProcess& process) const {
+    return isProtectedRemoteProcess(
+        process, dependencies_.services.settings.values().protectedAppNames, machine.isLinux);
 }
 
 std::optional<std::string> RemoteActions::targetOf(const RemoteHealth& machine) const {
     return CommandSafetyPolicy::sshTarget(dependencies_.services.settings.values().sshUsername,
                                           machine.address);
-}
-
-std::string_view RemoteActions::osOf(const RemoteHealth& machine) const {
-    const auto& devices = dependencies_.tailnet.state().tailDevices;
-    const auto device = std::ranges::find(devices, machine.id, &TailDevice::id);
-    return device != devices.end() ? std::string_view(device->os) : std::string_view();
 }
 
 Outcome RemoteActions::record(Outcome outcome) const {

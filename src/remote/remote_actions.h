@@ -17,7 +17,6 @@ namespace tallowcrest {
 class Pasteboard;
 class RemoteProfiles;
 class RemoteScan;
-class Tailnet;
 class ToolRunner;
 
 /// What the owner can do for another machine. Two operations change it: a purge of its file caches
@@ -31,7 +30,6 @@ public:
     struct Dependencies {
         Services services;
         RemoteScan& scan;
-        const Tailnet& tailnet;
         const RemoteProfiles& profiles;
         ToolRunner& tools;
         Pasteboard& pasteboard;
@@ -108,10 +106,8 @@ private:
                               const Reviewed& reviewed);
     Outcome run(const Command& command);
 
-    bool isProtected(const RemoteProcess& process) const;
+    bool isProtected(const RemoteHealth& machine, const RemoteProcess& process) const;
     std::optional<std::string> targetOf(const RemoteHealth& machine) const;
-    /// The system of the machine as the tailnet names it; empty when unknown.
-    std::string_view osOf(const RemoteHealth& machine) const;
     Outcome copyKeyGeneration();
     Outcome record(Outcome outcome) const;
 

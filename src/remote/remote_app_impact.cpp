@@ -28,7 +28,7 @@ bool hasMoreImpact(const RemoteAppImpact& left, const RemoteAppImpact& right) {
 }  // namespace
 
 RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProcess>& rows,
-                                const ProtectedAppNames& neverQuit) {
+                                const ProtectedAppNames& neverQuit, bool isLinux) {
     RemoteAppImpact group{.name = std::move(name),
                           .processCount = static_cast<std::int64_t>(rows.size())};
     const bool isWhollyProtected = neverQuit.contains(group.name);
@@ -36,7 +36,7 @@ RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProces
     for (const RemoteProcess& row : rows) {
         group.totalCPU += row.cpu;
         group.totalMemoryMB += row.rssMB;
-        if (!isWhollyProtected && !isProtectedRemoteProcess(row, {})) {
+        if (!isWhollyProtected && !isProtectedRemoteProcess(row, {}, isLinux)) {
             unprotected.push_back(row);
         }
     }
@@ -46,7 +46,7 @@ RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProces
 }
 
 std::vector<RemoteAppImpact> remoteAppImpacts(const std::vector<RemoteProcess>& rows,
-                                              const ProtectedAppNames& neverQuit) {
+                                              const ProtectedAppNames& neverQuit, bool isLinux) {
     std::vector<std::pair<std::string, std::vector<RemoteProcess>>> groups;
     for (const RemoteProcess& row : rows) {
         std::string name = remoteAppGroupName(row);
@@ -60,7 +60,7 @@ std::vector<RemoteAppImpact> remoteAppImpacts(const std::vector<RemoteProcess>& 
     std::vector<RemoteAppImpact> impacts;
     impacts.reserve(groups.size());
     for (auto& [name, members] : groups) {
-        impacts.push_back(remoteAppImpact(std::move(name), members, neverQuit));
+        impacts.push_back(remoteAppImpact(std::move(name), members, neverQuit, isLinux));
     }
     stableOrder(impacts, hasMoreImpact);
     return impacts;

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include "actions/command_validators.h"
-#include "core/locale.h"
 
 namespace tallowcrest::remote_commands {
 
@@ -13,10 +12,9 @@ std::vector<std::string> sshArguments(const std::string& target, const std::stri
     return {"-o", "BatchMode=yes", "-o", "ConnectTimeout=5", target, command};
 }
 
-std::string purge(std::string_view os, const Locale& locale) {
-    return locale.containsIgnoringCase(os, "linux")
-               ? "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok"
-               : "/usr/sbin/purge && echo purge_ok";
+std::string purge(bool isLinux) {
+    return isLinux ? "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok"
+                   : "/usr/sbin/purge && echo purge_ok";
 }
 
 std::string sshDiagnostic(std::string_view target) {

@@ -4,11 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tallowcrest {
-
-class Locale;
-
-}  // namespace tallowcrest
+namespace tallowcrest {}  // namespace tallowcrest
 
 /// Command lines for other machines. `host` and `target` are what the validators of
 /// `CommandSafetyPolicy` returned. Pure; any thread.
@@ -19,8 +15,7 @@ namespace tallowcrest::remote_commands {
 std::vector<std::string> sshArguments(const std::string& target, const std::string& command);
 
 /// For the other machine's shell: drops its file caches, and prints "purge_ok" if that was allowed.
-/// `os` is the machine's system as the tailnet names it, and anything but a Linux counts as a Mac.
-std::string purge(std::string_view os, const Locale& locale);
+std::string purge(bool isLinux);
 
 // For the owner's own terminal; this program does not run them.
 

@@ -99,8 +99,8 @@ RemoteHealth::Status statusOfFailure(std::string_view output) {
 }
 
 RemoteHealth remoteHealthRecord(const TailDevice& device, const std::string& address,
-                                std::string_view output, const RemoteScanContext& context,
-                                Date now) {
+                                std::string_view output, const RemoteScanContext& context, Date now,
+                                bool isLinux) {
     const RemoteSample sample = parseRemoteSample(output);
     const auto cpu = sample.cpuPercent();
     const auto memory = sample.memoryPercent();
@@ -117,12 +117,13 @@ RemoteHealth remoteHealthRecord(const TailDevice& device, const std::string& add
             .topCPUProcess = sample.value("topcpu"),
             .topMemoryProcess = sample.value("topmem"),
             .topProcesses = sample.processes,
-            .appImpacts = remoteAppImpacts(sample.processes, context.protectedAppNames),
+            .appImpacts = remoteAppImpacts(sample.processes, context.protectedAppNames, isLinux),
             .recommendation = remoteRecommendation(status, context.hasTailnetIssues, cpu, memory,
                                                    sample.processes),
             .summary = answered ? "Remote sample received." : std::string(title(status)),
             .setupHint = remoteSetupHint(status, address, context.hasTailnetIssues),
-            .sampledAt = now};
+            .sampledAt = now,
+            .isLinux = isLinux};
 }
 
 }  // namespace tallowcrest

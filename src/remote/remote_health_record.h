@@ -35,7 +35,7 @@ RemoteHealth::Status statusOfFailure(std::string_view output);
 
 /// The record of a machine from the output of the secure shell. Any thread.
 RemoteHealth remoteHealthRecord(const TailDevice& device, const std::string& address,
-                                std::string_view output, const RemoteScanContext& context,
-                                Date now);
+                                std::string_view output, const RemoteScanContext& context, Date now,
+                                bool isLinux = false);
 
 }  // namespace tallowcrest

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <iterator>
+#include <limits>
 #include <utility>
 #include <variant>
 
@@ -26,7 +27,7 @@ namespace {
 /// One machine that is to be sampled.
 struct Machine {
     TailDevice device;
-    std::string command;  ///< for its shell
+    bool isLinux = false;
 };
 
 std::string_view pluralEnding(std::size_t count) {
@@ -42,11 +43,12 @@ RemoteHealth sampledMachine(const Machine& machine, const RemoteScanContext& con
         return std::move(*record);
     }
     const auto& target = std::get<RemoteTarget>(way);
-    const std::string output =
-        tools.runSSH({"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o",
-                      "StrictHostKeyChecking=accept-new", target.sshTarget, machine.command},
-                     deadline);
-    return remoteHealthRecord(machine.device, target.address, output, context, clock.now());
+    const std::string output = tools.runSSH(
+        {"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o", "StrictHostKeyChecking=accept-new",
+         target.sshTarget, machine.isLinux ? linuxSampleCommand() : std::string(macSampleScript())},
+        deadline);
+    return remoteHealthRecord(machine.device, target.address, output, context, clock.now(),
+                              machine.isLinux);
 }
 
 /// Keeps the table of counts from growing for ever.
@@ -111,9 +113,8 @@ Outcome RemoteScan::scanRemoteMacs() {
 void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
     std::vector<Machine> machines;
     for (TailDevice& device : devices) {
-        const bool isMac = isRemoteMac(device, services_.locale);
-        machines.push_back(
-            {std::move(device), isMac ? std::string(macSampleScript()) : linuxSampleCommand()});
+        const bool isLinux = !isRemoteMac(device, services_.locale);
+        machines.push_back({std::move(device), isLinux});
     }
     const Settings& settings = services_.settings.values();
     RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
@@ -161,7 +162,10 @@ void RemoteScan::recordRemoteSamples() {
                 continue;
             }
             if (!each.appImpacts.empty()) {
-                ++state_.remoteTopAppSamples[each.hostName + ": " + each.appImpacts.front().name];
+                std::int64_t& count =
+                    state_.remoteTopAppSamples[each.hostName + ": " + each.appImpacts.front().name];
+                // A stored count may be any number.
+                count += count < std::numeric_limits<std::int64_t>::max() ? 1 : 0;
             }
             history.push_back({.id = UUID::random(),
                                .hostName = each.hostName,

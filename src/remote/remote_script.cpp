@@ -29,6 +29,9 @@ os=$(cat /etc/os-release /usr/lib/os-release 2>/dev/null | sed -n 's/^PRETTY_NAM
 printf "mem=%s\ncores=%s\nos=%s\n" "$mem" "$cores" "${os:-unknown}"
 counters() { cat /proc/stat /proc/[0-9]*/stat 2>/dev/null; }
 { counters; sleep 1; echo again; counters; } | awk -v cores="$cores" -v page="$page" '
+    # A name may contain a line break: the lines up to the next whole one are no rows.
+    /^[0-9]+ [(]/ && NF < 20 {broken = 1}
+    broken {if (NF >= 20) broken = 0; next}
     $1 == "again" {second = 1}
     $1 == "cpu" {
         idle = $5 + $6 - idle
@@ -39,6 +42,7 @@ counters() { cat /proc/stat /proc/[0-9]*/stat 2>/dev/null; }
         name = $0
         sub(/^[0-9]+ [(]/, "", name)
         sub(/[)] [^)]*$/, "", name)
+        gsub(/[^ -~]/, "?", name)
         rest = $0
         sub(/.*[)] /, "", rest)
         split(rest, field, " ")

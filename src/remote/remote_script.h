@@ -9,7 +9,8 @@ namespace tallowcrest {
 /// `parseRemoteSample` reads. The text is a wire format: not one byte of it changes.
 std::string_view macSampleScript();
 
-/// The command that samples a Linux machine, for any login shell: it has the script below run by
+/// The command that samples a Linux machine, for the login shells sh, bash, dash, fish, zsh and
+/// those like them, but not csh: it has the script below run by
 /// `sh`. The output has the same lines.
 std::string linuxSampleCommand();
 

@@ -16,10 +16,19 @@ const Names& builtInNames() {
     return names;
 }
 
+/// With the forms to which the kernel shortens a longer name where only that is known.
+Names withShortForms(Names names) {
+    constexpr std::size_t longestShortForm = 15;
+    for (const std::string_view name : Names(names)) {
+        names.insert(name.substr(0, longestShortForm));
+    }
+    return names;
+}
+
 /// Processes whose end would end the session, or leave the machine without display, sound, network
 /// or login.
 const Names& linuxNames() {
-    static const Names names{
+    static const Names names = withShortForms({
         // This program
         "tallowcrest",
         "tallowcrest-desktop",
@@ -189,7 +198,7 @@ const Names& linuxNames() {
         "sshd-session",
         "xrdp",
         "xrdp-sesman",
-    };
+    });
     return names;
 }
 

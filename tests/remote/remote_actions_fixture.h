@@ -81,7 +81,6 @@ public:
     RemoteActions::Dependencies with(ToolRunner& runner, Pasteboard& board) {
         return {services,
                 scan,
-                tailnet,
                 profiles,
                 runner,
                 board,

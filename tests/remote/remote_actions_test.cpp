@@ -94,8 +94,10 @@ TEST_F(RemotePurge, WithoutTheMarkItFailedAndNothingIsScanned) {
 
 TEST_F(RemotePurge, LinuxHasACommandOfItsOwn) {
     launcher.willWrite("purge_ok");
-    tailnet.publish({{{.id = "nodekey:2", .os = "macOS"}, {.id = "nodekey:1", .os = "Linux"}}, {}});
-    actions.requestRemotePurge(machine());
+    RemoteHealth server = machine();
+    server.isLinux = true;
+    scan.finishRemoteScan({server});
+    actions.requestRemotePurge(server);
     confirmations.confirmPending();
     finishWork();
     ASSERT_THAT(launcher.requests, SizeIs(1));

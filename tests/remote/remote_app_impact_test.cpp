@@ -80,5 +80,11 @@ TEST(RemoteAppImpact, WithinTwoPointsMemoryDecides) {
                 ::testing::UnorderedElementsAre("a", "b", "c"));
 }
 
+TEST(RemoteAppImpact, CountsTheSystemProcessesOfALinuxMachine) {
+    const std::vector<RemoteProcess> rows{{10, 9.0, 5.0, "sshd"}};
+    EXPECT_EQ(remoteAppImpacts(rows, {}, true).front().protectedCount, 1);
+    EXPECT_EQ(remoteAppImpacts(rows, {}, false).front().protectedCount, 0);
+}
+
 }  // namespace
 }  // namespace tallowcrest

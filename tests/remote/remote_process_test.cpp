@@ -21,6 +21,16 @@ TEST(RemoteProcess, SystemProcessesAreProtected) {
     }
 }
 
+TEST(RemoteProcess, ALinuxMachineHasSystemProcessesOfItsOwn) {
+    // The kernel shortens names to 15 characters.
+    for (const char* command : {"systemd", "sshd", "[kworker/0:1]", "gnome-session-b", "Xorg"}) {
+        EXPECT_TRUE(isProtectedRemoteProcess(process(command), {}, true)) << command;
+        EXPECT_FALSE(isProtectedRemoteProcess(process(command), {}, false)) << command;
+    }
+    EXPECT_TRUE(isProtectedRemoteProcess(process("launchd"), {}, true));
+    EXPECT_FALSE(isProtectedRemoteProcess(process("editor"), {}, true));
+}
+
 TEST(RemoteProcess, GroupsOfTheNeverQuitListAreProtected) {
     const RemoteProcess helper = process("/Applications/Google Chrome Helper (Renderer)");
     const std::string group = remoteAppGroupName(helper);

@@ -199,6 +199,11 @@ TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
     ASSERT_THAT(asked(), ElementsAre("owner@100.1.1.1", "owner@100.3.3.3"));
     EXPECT_EQ(machines.launcher.requests[0].arguments.back(), linuxSampleCommand());
     EXPECT_EQ(machines.launcher.requests[1].arguments.back(), macSampleScript());
+    machines.launcher.willWrite("mem=50\n");
+    scan.scanRemoteMacs();
+    finishWork();
+    EXPECT_TRUE(scan.state().remoteHealth.at(0).isLinux);
+    EXPECT_FALSE(scan.state().remoteHealth.at(1).isLinux);
 }
 
 TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {

@@ -1,7 +1,9 @@
 // The sample scripts, run by the login shells that an account may have.
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,8 +18,10 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::Pair;
 
 /// What the server of the secure shell does with a command.
 ProgramResult run(const std::string& shell, std::string_view command,
@@ -62,6 +66,41 @@ TEST_P(LinuxSample, IsTheSameInEveryLoginShell) {
     EXPECT_THAT(sample.value("os").value_or("\""), Not(HasSubstr("\"")));
     EXPECT_EQ(sample.value("topcpu").value_or("").substr(sample.value("topcpu")->find(' ') + 1),
               sample.processes.front().command);
+}
+
+TEST(LinuxSampleNames, ForgeNoRowsAndAreText) {
+    const TemporaryFolder proc;
+    proc.file("stat", "cpu  100 0 50 800 50 0 0 0 0 0\ncpu0 100 0 50 800 50 0 0 0 0 0\nintr 1 2\n",
+              0644);
+    proc.file("meminfo", "MemTotal: 1000 kB\nMemAvailable: 400 kB\n", 0644);
+    const auto addProcess = [&proc](int pid, const std::string& name) {
+        std::filesystem::create_directory(proc.path() / std::to_string(pid));
+        std::string line = std::to_string(pid) + " (" + name + ") S";
+        for (int field = 4; field <= 52; ++field) {
+            line += " 1";
+        }
+        proc.file(std::to_string(pid) + "/stat", line + "\n", 0644);
+    };
+    addProcess(10, "editor (2)");
+    addProcess(20, "x\n999 (sshd");
+    addProcess(30, "a\nagain b");
+    addProcess(40, "a\ncpu 0");
+    addProcess(50, "b\xff\xc3|d");
+    std::string script(linuxSampleScript());
+    const std::string realFolder = "/proc/";
+    for (std::size_t at = 0; (at = script.find(realFolder, at)) != std::string::npos;) {
+        script.replace(at, realFolder.size(), proc.path().string() + "/");
+        at += proc.path().string().size();
+    }
+    const ProgramResult result = run("/bin/sh", script);
+    EXPECT_EQ(result.standardError, "");
+    const RemoteSample sample = parseRemoteSample(result.standardOutput);
+    EXPECT_EQ(sample.memoryPercent(), 60.0);
+    std::map<std::int64_t, std::string> names;
+    for (const RemoteProcess& each : sample.processes) {
+        names[each.pid] = each.command;
+    }
+    EXPECT_THAT(names, ElementsAre(Pair(10, "editor (2)"), Pair(50, "b??|d")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, LinuxSample,

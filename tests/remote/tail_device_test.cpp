@@ -26,5 +26,16 @@ TEST(TailDevice, IsAMacByItsSystemWhileItIsOnline) {
     }
 }
 
+TEST(TailDevice, IsALinuxMachineByItsSystemWhileItIsOnline) {
+    const PlainLocale locale;
+    for (const char* os : {"linux", "Linux", "GNU/LINUX"}) {
+        EXPECT_TRUE(isRemoteLinux({.online = true, .os = os}, locale)) << os;
+        EXPECT_FALSE(isRemoteLinux({.online = false, .os = os}, locale)) << os;
+    }
+    for (const char* os : {"", "unknown", "macOS", "lin ux", "android"}) {
+        EXPECT_FALSE(isRemoteLinux({.online = true, .os = os}, locale)) << os;
+    }
+}
+
 }  // namespace
 }  // namespace tallowcrest

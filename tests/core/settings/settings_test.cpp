@@ -79,18 +79,18 @@ TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
     store.values.write(keys::diskAutopilotKey, true);
     ManualMainQueue mainQueue;
     const SettingsOwner owner(store, mainQueue, "owner");
-    EXPECT_THAT(
-        store.asked,
-        ::testing::UnorderedElementsAre(
-            "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
-            "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
-            "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
-            "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername", "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
-            "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
-            "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
-            "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
-            "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
-            "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
+    EXPECT_THAT(store.asked,
+                ::testing::UnorderedElementsAre(
+                    "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
+                    "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
+                    "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
+                    "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername",
+                    "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
+                    "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
+                    "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
+                    "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
+                    "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
+                    "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
     store.asked.clear();
     owner.load(stored::activityLog);
     owner.load(stored::history);
@@ -122,10 +122,10 @@ TEST(SettingsKeys, AreListedOnceWithTheirKind) {
                  UnorderedElementsAre(
                      "Tallowcrest.autoSelectTopOffender", "Tallowcrest.autoPurgeSustainedMemory",
                      "Tallowcrest.autoScanRemoteMacs", "Tallowcrest.includeLinuxMachines",
-                     "Tallowcrest.firstRunComplete",
-                     "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
-                     "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
-                     "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.automationEmergencyStop")),
+                     "Tallowcrest.firstRunComplete", "Tallowcrest.aiSafeActions",
+                     "Tallowcrest.notificationActions", "Tallowcrest.aiRedactProcessDetails",
+                     "Tallowcrest.aiRequirePreview", "Tallowcrest.diskAutopilotEnabled",
+                     "Tallowcrest.automationEmergencyStop")),
             Pair(SettingsKind::number, UnorderedElementsAre("Tallowcrest.warningThreshold",
                                                             "Tallowcrest.diskMinimumFreeGB",
                                                             "Tallowcrest.diskCleanupAgeDays",
