@@ -205,7 +205,8 @@ TEST(RecordEquality, RemoteHealth) {
          with(r, &R::topMemoryProcess, "x"),
          with(r, &R::topProcesses, std::vector<RemoteProcess>(1)),
          with(r, &R::appImpacts, std::vector<RemoteAppImpact>(1)), with(r, &R::recommendation, "x"),
-         with(r, &R::summary, "x"), with(r, &R::setupHint, "x"), with(r, &R::sampledAt, Date{1})});
+         with(r, &R::summary, "x"), with(r, &R::setupHint, "x"), with(r, &R::sampledAt, Date{1}),
+         with(r, &R::isLinux, true)});
 }
 
 TEST(RecordEquality, RemoteProfile) {
