@@ -155,7 +155,8 @@ TEST_F(RemoteScanTest, MachinesThatCannotBeAskedAreNotAsked) {
 }
 
 TEST_F(RemoteScanTest, ASecureShellThatMayNotRunLeavesTheRecordAndSaysSo) {
-    ToolRunner restricted({"/usr/bin/true"}, machines.launcher, jobs, log);
+    const CommandSafetyPolicy::AllowedExecutables allowed{"/usr/bin/true"};
+    ToolRunner restricted(allowed, machines.launcher, jobs, log);
     RemoteScan blocked(services, machines.tailnet, restricted);
     machines.setDevices({machineNamed("studio", "100.1.1.1")});
     blocked.scanRemoteMacs();
