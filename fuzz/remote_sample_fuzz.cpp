@@ -45,11 +45,15 @@ void checkGroups(const RemoteHealth& record) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view output(reinterpret_cast<const char*>(data), size);
     checkSample(output);
-    const RemoteHealth record = remoteHealthRecord({.id = "key", .hostName = "host"}, "100.1.2.3",
-                                                   output, {"owner", {"Docker"}, false}, {});
-    require(record.online == (record.cpuPercent || record.memoryPercent));
-    require(record.online == (record.status == RemoteHealth::Status::reachable));
-    require(!record.summary.empty() && !record.setupHint.empty() && !record.recommendation.empty());
-    checkGroups(record);
+    for (const bool isLinux : {false, true}) {
+        const RemoteHealth record =
+            remoteHealthRecord({.id = "key", .hostName = "host"}, "100.1.2.3", output,
+                               {"owner", {"Docker"}, false}, {}, isLinux);
+        require(record.online == (record.cpuPercent || record.memoryPercent));
+        require(record.online == (record.status == RemoteHealth::Status::reachable));
+        require(!record.summary.empty() && !record.setupHint.empty() &&
+                !record.recommendation.empty());
+        checkGroups(record);
+    }
     return 0;
 }

@@ -8,7 +8,7 @@
 
 namespace tallowcrest {
 
-/// The result of purging the file caches.
+/// The result of purging the file caches. Not an `Outcome`: the caller words it.
 struct PurgeResult {
     enum class Kind {
         purged,

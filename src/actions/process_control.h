@@ -6,7 +6,8 @@
 
 namespace tallowcrest {
 
-/// The result of asking one process to quit.
+/// The result of asking one process to quit. Not an `Outcome`: the words for the owner name the
+/// process, which only the caller knows.
 struct TerminationResult {
     enum class Kind {
         asked,    ///< the signal was delivered

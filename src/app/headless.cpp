@@ -76,7 +76,8 @@ private:
             monitor.remote().tailnet.beginReading();
         }
         if (!isScanning_) {
-            if (!scan.hasMachinesToScan() && printed_ < samplesToWait) {
+            if (!scan.hasMachinesToScan() && monitor.remote().tailnet.isReading() &&
+                printed_ < samplesToWait) {
                 return;
             }
             const Outcome outcome = scan.scanRemoteMacs();

@@ -18,6 +18,7 @@ ActivityLog::~ActivityLog() = default;
 
 void ActivityLog::setLastAction(std::string text) {
     lastAction_ = std::move(text);
+    ++lastActionNumber_;
     observable_->changed();
 }
 

@@ -25,6 +25,8 @@ public:
     ActivityLog& operator=(const ActivityLog&) = delete;
 
     const std::string& lastAction() const { return lastAction_; }
+    /// How many outcomes there were: the same text again is another one.
+    std::uint64_t lastActionNumber() const { return lastActionNumber_; }
     void setLastAction(std::string text);
 
     /// Newest first.
@@ -51,6 +53,7 @@ private:
     const Clock& clock_;
     std::unique_ptr<Observable> observable_;
     std::string lastAction_ = "Monitoring started.";
+    std::uint64_t lastActionNumber_ = 0;
     StoredList<std::vector<ActivityEvent>> activityLog_;
 };
 

@@ -20,7 +20,7 @@ class Observable;
 /// What a confirmation request affects on this machine. All empty when that is unknown, or nothing.
 struct ConfirmationTargets {
     std::vector<std::string> paths = {};  ///< of the executables, each once
-    /// Of the processes, for a request whose message does not name them.
+    /// The PIDs of the processes, when the message of the request does not name them.
     std::vector<std::int64_t> pids = {};
 
     bool operator==(const ConfirmationTargets&) const = default;

@@ -57,9 +57,9 @@ public:
     Outcome requestRemoteQuit(const RemoteHealth& machine, const RemoteProcess& process);
 
     /// The safest step for the machine: requests a purge when its memory is at or above the
-    /// threshold of its profile, or else copies a report on its first group that may be quit.
-    /// Changes nothing on it. Refused while it is not reachable, and at the threshold when its
-    /// profile does not allow a purge.
+    /// threshold of its profile, or else copies a report on its first group that is not on the
+    /// Never Quit list. Changes nothing on it. Refused while it is not reachable, and at the
+    /// threshold when its profile does not allow a purge.
     Outcome remoteOptimizeSafely(const RemoteHealth& machine);
 
     Outcome copyRemoteReport(const RemoteHealth& machine);

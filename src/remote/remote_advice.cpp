@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "core/number_text.h"
+#include "sampling/binary_units.h"
 
 namespace tallowcrest {
 
@@ -50,7 +51,6 @@ std::string remoteRecommendation(RemoteHealth::Status status, bool hasTailnetIss
     constexpr double highPercent = 85.0;
     constexpr double muchMemoryMB = 1000.0;
     constexpr double muchCPU = 50.0;
-    constexpr double megabytesPerGigabyte = 1024.0;
     if (status != RemoteHealth::Status::reachable) {
         return remoteSetupHint(status, "this host", hasTailnetIssues);
     }

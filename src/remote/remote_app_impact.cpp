@@ -1,32 +1,15 @@
 #include "remote/remote_app_impact.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <utility>
 
 #include "remote/remote_process.h"
+#include "sampling/impact_order.h"
 #include "sampling/stable_order.h"
 
 namespace tallowcrest {
-namespace {
-
-bool isHeavier(const RemoteProcess& left, const RemoteProcess& right) {
-    constexpr double closeCPU = 1.0;
-    return std::abs(left.cpu - right.cpu) > closeCPU ? left.cpu > right.cpu
-                                                     : left.rssMB > right.rssMB;
-}
-
-bool hasMoreImpact(const RemoteAppImpact& left, const RemoteAppImpact& right) {
-    constexpr double closeCPU = 2.0;
-    return std::abs(left.totalCPU - right.totalCPU) > closeCPU
-               ? left.totalCPU > right.totalCPU
-               : left.totalMemoryMB > right.totalMemoryMB;
-}
-
-}  // namespace
-
 RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProcess>& rows,
                                 const ProtectedAppNames& neverQuit, bool isLinux) {
     RemoteAppImpact group{.name = std::move(name),
@@ -41,7 +24,7 @@ RemoteAppImpact remoteAppImpact(std::string name, const std::vector<RemoteProces
         }
     }
     group.protectedCount = group.processCount - static_cast<std::int64_t>(unprotected.size());
-    group.topPID = stableFirst(unprotected.empty() ? rows : unprotected, isHeavier).pid;
+    group.topPID = stableFirst(unprotected.empty() ? rows : unprotected, ProcessBefore()).pid;
     return group;
 }
 
@@ -62,7 +45,7 @@ std::vector<RemoteAppImpact> remoteAppImpacts(const std::vector<RemoteProcess>& 
     for (auto& [name, members] : groups) {
         impacts.push_back(remoteAppImpact(std::move(name), members, neverQuit, isLinux));
     }
-    stableOrder(impacts, hasMoreImpact);
+    stableOrder(impacts, GroupBefore());
     return impacts;
 }
 

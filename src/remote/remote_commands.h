@@ -4,8 +4,6 @@
 #include <string_view>
 #include <vector>
 
-namespace tallowcrest {}  // namespace tallowcrest
-
 /// Command lines for other machines. `host` and `target` are what the validators of
 /// `CommandSafetyPolicy` returned. Pure; any thread.
 namespace tallowcrest::remote_commands {

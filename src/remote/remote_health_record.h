@@ -36,6 +36,6 @@ RemoteHealth::Status statusOfFailure(std::string_view output);
 /// The record of a machine from the output of the secure shell. Any thread.
 RemoteHealth remoteHealthRecord(const TailDevice& device, const std::string& address,
                                 std::string_view output, const RemoteScanContext& context, Date now,
-                                bool isLinux = false);
+                                bool isLinux);
 
 }  // namespace tallowcrest

@@ -13,6 +13,6 @@ std::string remoteAppGroupName(const RemoteProcess& process);
 /// Whether a process of another machine, a Mac or a Linux machine, must not be asked to quit: a
 /// part of its system, or of a group on the owner's Never Quit list. Any thread.
 bool isProtectedRemoteProcess(const RemoteProcess& process, const ProtectedAppNames& neverQuit,
-                              bool isLinux = false);
+                              bool isLinux);
 
 }  // namespace tallowcrest

@@ -20,52 +20,30 @@
 #include "remote/remote_script.h"
 #include "remote/tail_device.h"
 #include "remote/tailnet.h"
+#include "sampling/highest_counts.h"
 
 namespace tallowcrest {
 namespace {
-
-/// One machine that is to be sampled.
-struct Machine {
-    TailDevice device;
-    bool isLinux = false;
-};
 
 std::string_view pluralEnding(std::size_t count) {
     return count == 1 ? "" : "s";
 }
 
 /// Blocks for at most the deadline of the secure shell, in a job.
-RemoteHealth sampledMachine(const Machine& machine, const RemoteScanContext& context,
-                            ToolRunner& tools, const Clock& clock) {
+RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& context,
+                            ToolRunner& tools, const Clock& clock, const Locale& locale) {
     constexpr std::chrono::milliseconds deadline{5000};
-    auto way = remoteTarget(machine.device, context.sshUsername, clock.now());
+    auto way = remoteTarget(device, context.sshUsername, clock.now());
     if (auto* const record = std::get_if<RemoteHealth>(&way)) {
         return std::move(*record);
     }
     const auto& target = std::get<RemoteTarget>(way);
+    const bool isLinux = !isRemoteMac(device, locale);
     const std::string output = tools.runSSH(
         {"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o", "StrictHostKeyChecking=accept-new",
-         target.sshTarget, machine.isLinux ? linuxSampleCommand() : std::string(macSampleScript())},
+         target.sshTarget, isLinux ? linuxSampleCommand() : std::string(macSampleScript())},
         deadline);
-    return remoteHealthRecord(machine.device, target.address, output, context, clock.now(),
-                              machine.isLinux);
-}
-
-/// Keeps the table of counts from growing for ever.
-void dropRareApps(SettingsTable& samples) {
-    constexpr std::size_t mostEntries = 120;
-    constexpr std::size_t keptEntries = 60;
-    if (samples.size() <= mostEntries) {
-        return;
-    }
-    std::vector<std::pair<std::int64_t, std::string>> byCount;
-    for (const auto& [name, count] : samples) {
-        byCount.emplace_back(count, name);
-    }
-    std::ranges::sort(byCount, std::greater<>());
-    for (std::size_t i = keptEntries; i < byCount.size(); ++i) {
-        samples.erase(byCount[i].second);
-    }
+    return remoteHealthRecord(device, target.address, output, context, clock.now(), isLinux);
 }
 
 }  // namespace
@@ -111,25 +89,21 @@ Outcome RemoteScan::scanRemoteMacs() {
 }
 
 void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
-    std::vector<Machine> machines;
-    for (TailDevice& device : devices) {
-        const bool isLinux = !isRemoteMac(device, services_.locale);
-        machines.push_back({std::move(device), isLinux});
-    }
     const Settings& settings = services_.settings.values();
     RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
                               !tailnet_.state().tailscaleHealthIssues.empty()};
     jobs_.runWithProgress<RemoteScanProgress>(
         Lane::remoteScan,
-        [machines = std::move(machines), context = std::move(context), &tools = tools_,
-         &clock = services_.clock](const Stop& stop, const auto& report) {
+        [devices = std::move(devices), context = std::move(context), &tools = tools_,
+         &clock = services_.clock,
+         &locale = services_.locale](const Stop& stop, const auto& report) {
             std::vector<RemoteHealth> results;
-            for (const Machine& machine : machines) {
+            for (const TailDevice& device : devices) {
                 if (stop.isRequested()) {
                     break;
                 }
-                report({results.size() + 1, machines.size(), machine.device.hostName});
-                results.push_back(sampledMachine(machine, context, tools, clock));
+                report({results.size() + 1, devices.size(), device.hostName});
+                results.push_back(sampledMachine(device, context, tools, clock, locale));
             }
             return results;
         },
@@ -156,6 +130,10 @@ void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
 }
 
 void RemoteScan::recordRemoteSamples() {
+    if (std::ranges::find(state_.remoteHealth, RemoteHealth::Status::reachable,
+                          &RemoteHealth::status) == state_.remoteHealth.end()) {
+        return;
+    }
     remoteHistory_.change([this](std::vector<RemoteHistoryPoint>& history) {
         for (const RemoteHealth& each : state_.remoteHealth) {
             if (each.status != RemoteHealth::Status::reachable) {
@@ -176,7 +154,12 @@ void RemoteScan::recordRemoteSamples() {
         }
         stored::remoteHistory.trim(history);
     });
-    dropRareApps(state_.remoteTopAppSamples);
+    // The table must not grow for ever.
+    constexpr std::size_t mostCounts = 120;
+    constexpr std::size_t keptCounts = 60;
+    if (state_.remoteTopAppSamples.size() > mostCounts) {
+        state_.remoteTopAppSamples = highestCounts(state_.remoteTopAppSamples, keptCounts);
+    }
     services_.settings.saveRemoteTopApps(state_.remoteTopAppSamples);
 }
 

@@ -10,8 +10,8 @@ namespace tallowcrest {
 std::string_view macSampleScript();
 
 /// The command that samples a Linux machine, for the login shells sh, bash, dash, fish, zsh and
-/// those like them, but not csh: it has the script below run by
-/// `sh`. The output has the same lines.
+/// those like them, but not csh: it has the script below run by `sh`. The output has the same
+/// lines.
 std::string linuxSampleCommand();
 
 /// The script in `linuxSampleCommand`. It needs a POSIX shell, awk, sed, sort and /proc, and takes

@@ -32,6 +32,8 @@ public:
     /// Begins to read the state in the background, unless a reading is under way or there is
     /// nothing to read it from.
     void beginReading();
+    /// Whether a reading is under way.
+    bool isReading() const { return isReading_; }
     /// Publishes the result of the reading that ended last, unless that has been done.
     void publishReading();
 

@@ -31,8 +31,8 @@ struct TailnetSources {
 // Any thread but the main one: each of them blocks.
 
 /// The state of the tailnet, from the daemon or else from the command line tool. What cannot be
-/// read is empty. Takes up to seven seconds, and longer when the tool ignores its end; less when
-/// `stop` is requested.
+/// read is empty. Takes up to seven seconds, and longer when the tool ignores the signal to end;
+/// less when `stop` is requested.
 TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& stop);
 
 /// The peers of which the command line tool knows, sorted. Empty on every failure.

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "sampling/impact_order.h"
 #include "sampling/lowered_name.h"
 #include "sampling/stable_order.h"
 
@@ -75,17 +76,6 @@ struct RankedProcess {
     const ProcessSample* row = nullptr;
 };
 
-bool processBefore(const RankedProcess& a, const RankedProcess& b) {
-    constexpr double cpuBand = 1.0;
-    return std::abs(a.cpu - b.cpu) > cpuBand ? a.cpu > b.cpu : a.rssMB > b.rssMB;
-}
-
-bool groupBefore(const AppImpact* a, const AppImpact* b) {
-    constexpr double cpuBand = 2.0;
-    return std::abs(a->totalCPU - b->totalCPU) > cpuBand ? a->totalCPU > b->totalCPU
-                                                         : a->totalMemoryMB > b->totalMemoryMB;
-}
-
 // Groups -----------------------------------------------------------------------------------------
 
 constexpr std::size_t noRow = std::numeric_limits<std::size_t>::max();
@@ -136,7 +126,7 @@ public:
                 pool.emplace_back(rows_[i]);
             }
         }
-        return stableFirst(std::move(pool), processBefore).row->pid;
+        return stableFirst(std::move(pool), ProcessBefore()).row->pid;
     }
 
 private:
@@ -169,7 +159,7 @@ std::string appGroupName(const ProcessSample& row) {
 
 std::vector<std::size_t> impactOrder(const std::vector<ProcessSample>& rows) {
     std::vector<RankedProcess> order(rows.begin(), rows.end());
-    stableOrder(order, processBefore);
+    stableOrder(order, ProcessBefore());
     std::vector<std::size_t> indexes;
     indexes.reserve(order.size());
     for (const RankedProcess& process : order) {
@@ -217,7 +207,8 @@ std::vector<AppImpact> buildAppImpacts(const std::vector<ProcessSample>& rows,
     for (AppImpact& impact : impacts) {
         order.push_back(&impact);
     }
-    stableOrder(order, groupBefore);
+    stableOrder(order,
+                [](const AppImpact* a, const AppImpact* b) { return GroupBefore()(*a, *b); });
     std::vector<AppImpact> ranked;
     ranked.reserve(order.size());
     for (AppImpact* impact : order) {

@@ -111,32 +111,6 @@ bool isSecretCommand(std::string_view word) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/// Whether the argument before another makes that a secret.
-bool takesSecret(std::string_view option, std::string_view value, std::string_view program) {
-    if (isSecretCommand(option)) {
-        return true;
-    }
-    if (!isOption(option) || value.starts_with("--")) {
-        return false;
-    }
-    if (option.find('=') == std::string_view::npos && namesSecret(option)) {
-        return true;
-    }
-    // In most programs these take a password, in some a port, a folder or a path.
-    for (const std::string_view letter : {"-p", "-P", "-a", "-w"}) {
-        if (option == letter) {
-            return (!isShortNumber(value) || program == "sshpass") && !isOption(value) &&
-                   !value.starts_with('/') && !value.starts_with('.');
-        }
-    }
-    for (const std::string_view user : {"-u", "-U", "--user", "--proxy-user"}) {
-        if (option == user) {
-            return value.find_first_of(userSeparators) != std::string_view::npos;
-        }
-    }
-    return program == "ssh-keygen" && option == "-N";
-}
-
 /// Programs with a way of their own to be given a secret, by the start of their names.
 struct SecretTaker {
     std::string_view program;
@@ -151,22 +125,70 @@ constexpr std::array<SecretTaker, 7> secretTakers{{{"mysql", 'p'},
                                                    {"redis-cli", 'a'},
                                                    {"ssh-keygen", 'N'}}};
 
-/// Null for other programs.
-const SecretTaker* secretTaker(std::string_view program) {
-    const auto found = std::find_if(
-        secretTakers.begin(), secretTakers.end(),
-        [program](const SecretTaker& each) { return program.starts_with(each.program); });
-    return found == secretTakers.end() ? nullptr : &*found;
+/// Those among the words of a command line so far: behind "sudo" stands another program, and a word
+/// that only looks like one must not undo what is known.
+class SecretTakers {
+public:
+    void addIfListed(std::string_view word) {
+        const std::string_view name = lastPathComponent(word);
+        for (std::size_t i = 0; i < secretTakers.size(); ++i) {
+            has_[i] = has_[i] || name.starts_with(secretTakers[i].program);
+        }
+    }
+    bool has(std::string_view program) const {
+        return any([program](const SecretTaker& each) { return each.program == program; });
+    }
+    bool haveOption(char option) const {
+        return any([option](const SecretTaker& each) { return each.option == option; });
+    }
+
+private:
+    template <class Condition>
+    bool any(Condition condition) const {
+        for (std::size_t i = 0; i < secretTakers.size(); ++i) {
+            if (has_[i] && condition(secretTakers[i])) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::array<bool, secretTakers.size()> has_{};
+};
+
+/// Whether the argument before another makes that a secret.
+bool takesSecret(std::string_view option, std::string_view value, const SecretTakers& programs) {
+    if (isSecretCommand(option)) {
+        return true;
+    }
+    if (!isOption(option) || value.starts_with("--")) {
+        return false;
+    }
+    if (option.find('=') == std::string_view::npos && namesSecret(option)) {
+        return true;
+    }
+    // In most programs these take a password, in some a port, a folder or a path.
+    for (const std::string_view letter : {"-p", "-P", "-a", "-w"}) {
+        if (option == letter) {
+            return (!isShortNumber(value) || programs.has("sshpass")) && !isOption(value) &&
+                   !value.starts_with('/') && !value.starts_with('.');
+        }
+    }
+    for (const std::string_view user : {"-u", "-U", "--user", "--proxy-user"}) {
+        if (option == user) {
+            return value.find_first_of(userSeparators) != std::string_view::npos;
+        }
+    }
+    return option == "-N" && programs.has("ssh-keygen");
 }
 
 /// Whether a secret follows the letter of an option without a blank.
-bool hasAttachedSecret(std::string_view argument, std::string_view program) {
+bool hasAttachedSecret(std::string_view argument, const SecretTakers& programs) {
     if (argument.size() < 3 || argument.front() != '-') {
         return false;
     }
-    const SecretTaker* taker = secretTaker(program);
     const bool isUser = argument[1] == 'u' || argument[1] == 'U';
-    return (taker != nullptr && argument[1] == taker->option) ||
+    return programs.haveOption(argument[1]) ||
            (isUser && argument.find_first_of(userSeparators) != std::string_view::npos);
 }
 
@@ -185,11 +207,11 @@ std::vector<std::string> wordsOf(std::string_view text) {
 }
 
 std::string withoutSecret(std::string_view argument, std::string_view before,
-                          std::string_view program) {
-    if (takesSecret(before, argument, program)) {
+                          const SecretTakers& programs) {
+    if (takesSecret(before, argument, programs)) {
         return std::string(hiddenValue);
     }
-    if (hasAttachedSecret(argument, program)) {
+    if (hasAttachedSecret(argument, programs)) {
         return std::string(argument.substr(0, 2)) + std::string(hiddenValue);
     }
     if (looksSecret(argument)) {
@@ -255,13 +277,11 @@ std::string commandLineText(const std::vector<std::string>& arguments) {
     // The path of a program is no secret. With blanks it is a title that the program has set.
     const std::vector<std::string> words = wordsOf(arguments.front());
     std::string line = words.size() > 1 ? commandLineText(words) : arguments.front();
-    std::string_view program = lastPathComponent(arguments.front());
+    SecretTakers programs;
+    programs.addIfListed(arguments.front());
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        line += ' ' + withoutSecret(arguments[i], arguments[i - 1], program);
-        // Behind "sudo" or "exec" stands another program.
-        if (const std::string_view name = lastPathComponent(arguments[i]); secretTaker(name)) {
-            program = name;
-        }
+        line += ' ' + withoutSecret(arguments[i], arguments[i - 1], programs);
+        programs.addIfListed(arguments[i]);
     }
     return line;
 }

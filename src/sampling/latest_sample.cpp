@@ -6,31 +6,9 @@
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "sampling/app_impact.h"
+#include "sampling/highest_counts.h"
 
 namespace tallowcrest {
-namespace {
-
-using Counts = std::map<std::string, std::int64_t>;
-
-Counts highestCounts(const Counts& counts, std::size_t kept) {
-    std::vector<Counts::const_iterator> order;
-    order.reserve(counts.size());
-    for (auto entry = counts.begin(); entry != counts.end(); ++entry) {
-        order.push_back(entry);
-    }
-    std::stable_sort(order.begin(), order.end(), [](const auto& left, const auto& right) {
-        return left->second > right->second;
-    });
-    order.resize(std::min(order.size(), kept));
-    Counts result;
-    for (const auto& entry : order) {
-        result.insert(*entry);
-    }
-    return result;
-}
-
-}  // namespace
-
 LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue)
     : observable_(std::make_unique<Observable>(mainQueue)), history_(settings, stored::history) {}
 

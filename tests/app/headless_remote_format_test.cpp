@@ -79,7 +79,7 @@ TEST(RemoteJSON, HasTheMembersOfTheRecord) {
 TEST(RemoteOutput, NoNameOfAnotherMachineControlsTheTerminal) {
     RemoteHealth machine = reachedMachine();
     const std::string hostile = "\x1B[2J\nfake  100.9.9.9  Reachable\r\xE2\x80\xAE\xFF";
-    machine.hostName = machine.recommendation = hostile;
+    machine.hostName = machine.address = machine.recommendation = hostile;
     machine.osVersion = machine.topCPUProcess = hostile;
     machine.appImpacts[0].name = machine.topProcesses[0].command = hostile;
     const std::string block = remoteBlock(machine);

@@ -77,7 +77,8 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
     if (const auto rank = rankOf(to)) {
         return *rank <= *rankOf(highestPortLayer);
     }
-    // The desktop services also ask X11 windows and listen for other starts of the program.
+    // The desktop services also ask X11 windows, listen for other starts of the program and compare
+    // texts with ICU.
     if (from == "platform/desktop" &&
         (to == "platform/x11" || to == "platform/instance" || to == "platform/icu")) {
         return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -15,10 +16,8 @@
 #include "core/activity_kinds.h"
 #include "remote/remote_actions.h"
 #include "remote/remote_profiles.h"
-#include "remote/remote_scan.h"
-#include "remote/tailnet.h"
 #include "tests/support/fake_report_folder.h"
-#include "tests/support/fake_tool_launcher.h"
+#include "tests/support/remote_machines.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -78,6 +77,20 @@ public:
         return pending ? pending->kind : "";
     }
 
+    /// Confirms, and expects that this text is run over SSH in the lane of the remote actions.
+    void expectConfirmedRuns(const char* text, std::chrono::milliseconds timeout) {
+        EXPECT_EQ(confirmations.confirmPending(), Outcome::asked());
+        ASSERT_EQ(workQueue.pendingCount(), 1U);
+        EXPECT_EQ(workQueue.laneOf(0), Lane::remoteActions);
+        finishWork();
+        ASSERT_THAT(launcher.requests, ::testing::SizeIs(1));
+        EXPECT_EQ(launcher.requests[0].path, "/usr/bin/ssh");
+        EXPECT_THAT(launcher.requests[0].arguments,
+                    ::testing::ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5",
+                                           "owner@100.64.0.7", text));
+        EXPECT_EQ(launcher.requests[0].timeout, timeout);
+    }
+
     RemoteActions::Dependencies with(ToolRunner& runner, Pasteboard& board) {
         return {services,
                 scan,
@@ -89,13 +102,12 @@ public:
                  .portTest = "nc -vz -w 5"}};
     }
 
-    CommandSafetyPolicy::AllowedExecutables allowed{"/usr/bin/ssh"};
-    FakeToolLauncher launcher;
-    ToolRunner tools{allowed, launcher, jobs, log};
+    RemoteMachines remote{services};
+    FakeToolLauncher& launcher = remote.launcher;
+    ToolRunner& tools = remote.tools;
+    RemoteScan& scan = remote.scan;
     std::vector<std::string> copied;
     Pasteboard pasteboard{log, [this](const std::string& text) { copied.push_back(text); }};
-    Tailnet tailnet{services, {tools, locale, {}, {}}, pasteboard};
-    RemoteScan scan{services, tailnet, tools};
     RemoteProfiles profiles{services};
     std::shared_ptr<FakeReportFolder> folder = std::make_shared<FakeReportFolder>();
     std::optional<std::string> publicKey;

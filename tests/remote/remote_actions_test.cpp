@@ -65,16 +65,7 @@ TEST_F(RemotePurge, AsksUnderTheNicknameAndRunsNothingYet) {
 TEST_F(RemotePurge, RunsOverSSHAndScansAgain) {
     launcher.willWrite("Warning: banner\npurge_ok\n");
     actions.requestRemotePurge(machine());
-    EXPECT_EQ(confirmations.confirmPending(), Outcome::asked());
-    ASSERT_EQ(workQueue.pendingCount(), 1U);
-    EXPECT_EQ(workQueue.laneOf(0), Lane::remoteActions);
-    finishWork();
-    ASSERT_THAT(launcher.requests, SizeIs(1));
-    EXPECT_EQ(launcher.requests[0].path, "/usr/bin/ssh");
-    EXPECT_THAT(launcher.requests[0].arguments,
-                ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5", "owner@100.64.0.7",
-                            "/usr/sbin/purge && echo purge_ok"));
-    EXPECT_EQ(launcher.requests[0].timeout, 15s);
+    expectConfirmedRuns("/usr/sbin/purge && echo purge_ok", 15s);
     EXPECT_THAT(recorded(), ElementsAre("Purged remote file caches on studio.", scanBegan));
     EXPECT_EQ(confirmations.confirmPending(), Outcome::ignored());
 }
@@ -213,6 +204,8 @@ TEST_F(RemoteQuit, IsRefusedWhereItMayNotBeAsked) {
         {machine(), process(1, "/sbin/launchd"),
          "Refused to quit protected remote process launchd."},
         {machine(), process(411, "/opt/Maya"), "Refused to quit protected remote process Maya."},
+        {machineWith([](auto& m) { m.isLinux = true; }), process(812, "sshd"),
+         "Refused to quit protected remote process sshd."},
         {machine(), process(1, "/opt/init"), "Blocked invalid remote command inputs."},
         {machine(), process(-9, "/opt/x"), "Blocked invalid remote command inputs."},
         {machine(), process(2147483648, "/opt/x"), "Blocked invalid remote command inputs."},
@@ -233,16 +226,7 @@ TEST_F(RemoteQuit, SendsTermOverSSHAndScansAgain) {
     EXPECT_EQ(actions.requestRemoteQuit(machine(), process(411, "/opt/Maya")), Outcome::asked());
     EXPECT_EQ(pendingKind(), "remote_quit_process");
     EXPECT_EQ(confirmations.pendingConfirmation()->pid, 411);
-    EXPECT_EQ(confirmations.confirmPending(), Outcome::asked());
-    ASSERT_EQ(workQueue.pendingCount(), 1U);
-    EXPECT_EQ(workQueue.laneOf(0), Lane::remoteActions);
-    finishWork();
-    ASSERT_THAT(launcher.requests, SizeIs(1));
-    EXPECT_EQ(launcher.requests[0].path, "/usr/bin/ssh");
-    EXPECT_THAT(launcher.requests[0].arguments,
-                ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5", "owner@100.64.0.7",
-                            "/bin/kill -TERM 411 && /bin/echo quit_ok"));
-    EXPECT_EQ(launcher.requests[0].timeout, 8s);
+    expectConfirmedRuns("/bin/kill -TERM 411 && /bin/echo quit_ok", 8s);
     EXPECT_THAT(recorded(), ElementsAre("Asked Maya to quit on studio.", scanBegan));
 }
 
@@ -326,18 +310,25 @@ TEST_F(RemoteQuit, AShellThatIsNotAllowedIsTold) {
                                         "Could not quit Maya on studio."));
 }
 
+TEST_F(RemoteQuit, TheSystemOfTheLatestScanDecidesWhatIsProtected) {
+    RemoteHealth shown = machineWith([](auto& m) { m.topProcesses = {process(500, "sshd")}; });
+    finishScan({shown});
+    EXPECT_EQ(actions.requestRemoteQuit(shown, shown.topProcesses[0]), Outcome::asked());
+    shown.isLinux = true;
+    finishScan({shown});
+    EXPECT_EQ(confirmations.confirmPending(),
+              Outcome::refused("Remote process termination was blocked because its reviewed safety "
+                               "state changed."));
+    EXPECT_THAT(launcher.requests, IsEmpty());
+}
+
 TEST_F(RemoteQuit, AHostileProcessNameStaysOutOfTheCommand) {
     const std::string hostile = "/opt/$(reboot); '`x`'\n-rf " + std::string(10000, 'x');
     const RemoteHealth shown =
         machineWith([&](auto& m) { m.topProcesses = {process(500, hostile)}; });
     finishScan({shown});
     actions.requestRemoteQuit(shown, shown.topProcesses[0]);
-    confirmations.confirmPending();
-    finishWork();
-    ASSERT_THAT(launcher.requests, SizeIs(1));
-    EXPECT_THAT(launcher.requests[0].arguments,
-                ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5", "owner@100.64.0.7",
-                            "/bin/kill -TERM 500 && /bin/echo quit_ok"));
+    expectConfirmedRuns("/bin/kill -TERM 500 && /bin/echo quit_ok", 8s);
 }
 
 }  // namespace

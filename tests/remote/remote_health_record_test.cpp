@@ -30,7 +30,7 @@ TailDevice studio(std::vector<std::string> addresses) {
 
 RemoteHealth recordOf(const std::string& output, bool hasTailnetIssues = false) {
     return remoteHealthRecord(studio({}), "100.1.2.3", output,
-                              {"owner", {"Docker"}, hasTailnetIssues}, sampledAt);
+                              {"owner", {"Docker"}, hasTailnetIssues}, sampledAt, false);
 }
 
 TEST(RemoteTarget, PrefersTheFirstIPv4Address) {

@@ -3,9 +3,11 @@
 #include <functional>
 #include <string>
 
+#include "remote/remote_commands.h"
 #include "remote/remote_report_text.h"
 #include "remote/remote_setup_script.h"
 #include "tests/remote/remote_actions_fixture.h"
+#include "tests/support/end_waits_for_write.h"
 
 namespace tallowcrest {
 namespace {
@@ -13,12 +15,11 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
-
-constexpr const char* keyGeneration = "ssh-keygen -t ed25519 -C \"tallowcrest@$(hostname)\"";
+using ::testing::SizeIs;
 
 class RemoteOptimizeSafely : public RemoteActionsFixture {
 protected:
-    /// A machine with this much memory in use, and groups of which only the last may be quit.
+    /// A machine with this much memory in use, and groups of which the last two may be chosen.
     static RemoteHealth machineWithGroups(std::optional<double> memoryPercent) {
         RemoteHealth result = machine();
         result.memoryPercent = memoryPercent;
@@ -110,24 +111,20 @@ TEST_F(RemoteHelp, CopiesReports) {
 TEST_F(RemoteHelp, CopiesCommandsWithTheUserThatIsSet) {
     const RemoteHealth shown = machine();
     publicKey = "ssh-rsa AAA owner";
-    expectCopied(actions.copySSHDiagnosticCommand(shown),
-                 "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 'owner@100.64.0.7' 'echo connected "
-                 "&& sw_vers -productVersion && memory_pressure -Q'",
+    const std::string host = "100.64.0.7";
+    const std::string target = "owner@" + host;
+    expectCopied(actions.copySSHDiagnosticCommand(shown), remote_commands::sshDiagnostic(target),
                  "Copied SSH diagnostic command for studio.");
-    expectCopied(actions.copyTailscalePingCommand(shown),
-                 "tailscale ping --timeout=5s '100.64.0.7'",
+    expectCopied(actions.copyTailscalePingCommand(shown), remote_commands::tailscalePing(host),
                  "Copied Tailscale ping command for studio.");
-    expectCopied(actions.copyPortTestCommand(shown), "nc -vz -w 5 '100.64.0.7' 22",
+    expectCopied(actions.copyPortTestCommand(shown), remote_commands::portTest("nc -vz -w 5", host),
                  "Copied port 22 test command for studio.");
     expectCopied(actions.copyHostKeyRepairCommand(shown),
-                 "ssh-keygen -R '100.64.0.7' && ssh-keyscan -H '100.64.0.7' >> ~/.ssh/known_hosts "
-                 "&& ssh -o BatchMode=yes 'owner@100.64.0.7' 'echo connected'",
+                 remote_commands::hostKeyRepair(host, target),
                  "Copied host key repair command for studio.");
     settings.set(&Settings::sshUsername, "");
     expectCopied(actions.copySSHKeyInstallCommand(shown),
-                 "ssh '100.64.0.7' 'mkdir -p ~/.ssh && chmod 700 ~/.ssh && grep -qxF 'ssh-rsa AAA "
-                 "owner' ~/.ssh/authorized_keys 2>/dev/null || echo 'ssh-rsa AAA owner' >> "
-                 "~/.ssh/authorized_keys && chmod 600 ~/.ssh/authorized_keys'",
+                 remote_commands::keyInstall(host, *publicKey),
                  "Copied SSH key install command for studio.");
 }
 
@@ -173,8 +170,10 @@ TEST_F(RemoteHelp, WithoutAPublicKeyItIsToldHowToMakeOne) {
     RemoteHealth shown = machine();
     shown.address = "no address";
     const char* message = "Copied SSH key generation command.";
-    expectCopied(actions.copyLocalPublicKey(), keyGeneration, message);
-    expectCopied(actions.copySSHKeyInstallCommand(shown), keyGeneration, message);
+    expectCopied(actions.copyLocalPublicKey(), std::string(remote_commands::keyGeneration),
+                 message);
+    expectCopied(actions.copySSHKeyInstallCommand(shown),
+                 std::string(remote_commands::keyGeneration), message);
     publicKey = "ssh-rsa AAA owner";
     expectCopied(actions.copyLocalPublicKey(), "ssh-rsa AAA owner",
                  "Copied this Mac's SSH public key.");
@@ -198,6 +197,11 @@ TEST_F(RemoteHelp, AFailedExportIsRecordedWithTheSystemsMessage) {
     EXPECT_THAT(recorded(),
                 ElementsAre("Could not export remote setup script: No space left on device"));
     EXPECT_THAT(folder->revealed, IsEmpty());
+}
+
+TEST_F(RemoteHelp, TheEndOfTheProgramWaitsForAnExportUnderWay) {
+    expectEndWaitsForWrite(jobs, workQueue, *folder, [this] { actions.exportRemoteSetupScript(); });
+    EXPECT_THAT(folder->scripts, SizeIs(1));
 }
 
 TEST_F(RemoteHelp, NoExportBeginsWhileTheProgramEnds) {

@@ -195,16 +195,16 @@ TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
     machines.setDevices({machineNamed("server", "100.1.1.1", "Linux"),
                          machineNamed("studio", "100.3.3.3"), offline,
                          machineNamed("phone", "100.4.4.4", "android")});
+    machines.launcher.willWrite("mem=50\nproc=10|9|5|sshd\n");
     EXPECT_EQ(scan.scanRemoteMacs(), Outcome::asked("Scanning 2 remote Macs over Tailscale..."));
     finishWork();
     ASSERT_THAT(asked(), ElementsAre("owner@100.1.1.1", "owner@100.3.3.3"));
     EXPECT_EQ(machines.launcher.requests[0].arguments.back(), linuxSampleCommand());
     EXPECT_EQ(machines.launcher.requests[1].arguments.back(), macSampleScript());
-    machines.launcher.willWrite("mem=50\n");
-    scan.scanRemoteMacs();
-    finishWork();
     EXPECT_TRUE(scan.state().remoteHealth.at(0).isLinux);
     EXPECT_FALSE(scan.state().remoteHealth.at(1).isLinux);
+    EXPECT_EQ(scan.state().remoteHealth.at(0).appImpacts.at(0).protectedCount, 1);
+    EXPECT_EQ(scan.state().remoteHealth.at(1).appImpacts.at(0).protectedCount, 0);
 }
 
 TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {

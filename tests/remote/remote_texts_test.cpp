@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "core/locale.h"
-#include "remote/local_public_key_status.h"
 #include "remote/remote_report_text.h"
 #include "remote/remote_requests.h"
 #include "remote/remote_setup_script.h"
@@ -156,12 +155,6 @@ TEST(RemoteSetupScript, IsTheRecordedOneByteForByte) {
     EXPECT_EQ(remoteSetupScript.size(), 502U);
     EXPECT_EQ(remoteSetupScript, readFixture("remote/setup-remote-tallowcrest-ssh.sh"));
     EXPECT_EQ(remoteSetupScriptName, "setup-remote-tallowcrest-ssh.sh");
-}
-
-TEST(LocalPublicKeyStatus, SaysWhetherThereIsAKey) {
-    EXPECT_EQ(localPublicKeyStatus(true), "Local SSH public key found.");
-    EXPECT_EQ(localPublicKeyStatus(false),
-              "No local SSH public key found. Generate one with ssh-keygen.");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "remote/tail_device.h"
 #include "tests/support/each_of.h"
 #include "tests/support/fixture.h"
+#include "tests/support/status_of_peers.h"
 
 namespace tallowcrest {
 namespace {
@@ -174,20 +175,15 @@ TEST(TailStatus, OfTwoPeersWithOneKeyTheLastCounts) {
 }
 
 TEST(TailStatus, EveryPeerIsKept) {
-    std::string peers;
-    for (int i = 0; i < 2'000; ++i) {
-        peers += fmt::format(R"({}"nodekey:{}":{{"HostName":"m{:04}","OS":"{}","Online":{}}})",
-                             i == 0 ? "" : ",", i, i, i % 2 == 0 ? "macOS" : "plan9", i % 3 == 0);
-    }
-    const std::vector<TailDevice> all = devices("{" + peers + "}");
+    const std::vector<TailDevice> all = status(statusOfPeers(2'000))->tailDevices;
     ASSERT_EQ(all.size(), 2'000U);
-    EXPECT_EQ(all.front().name, "m0000");
-    EXPECT_EQ(all[666].name, "m1998");
-    EXPECT_EQ(all[667].name, "m0001");
-    EXPECT_EQ(all.back().name, "m1999");
+    EXPECT_EQ(all.front().hostName, "machine-0000");
+    EXPECT_EQ(all[999].hostName, "machine-1998");
+    EXPECT_EQ(all[1000].hostName, "machine-0001");
+    EXPECT_EQ(all.back().hostName, "machine-1999");
     EXPECT_EQ(std::ranges::count_if(
                   all, [](const TailDevice& each) { return isRemoteMac(each, PlainLocale()); }),
-              334);
+              500);
 }
 
 TEST(TailStatus, WithoutAnObjectOfObjectsThereAreNoPeers) {

@@ -1,18 +1,17 @@
 #include "reports/reports.h"
 
-#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/end_waits_for_write.h"
 #include "tests/support/fake_report_folder.h"
 #include "tests/support/test_services.h"
 
@@ -141,33 +140,8 @@ TEST_F(ReportsTest, NothingIsWrittenOnceTheProgramEnds) {
 
 TEST_F(ReportsTest, TheEndOfTheProgramWaitsForAnExportUnderWay) {
     takeSample();
-    std::optional<Stop> stop;
-    JobScope other(with.jobs);
-    other.run(
-        Lane::reports, [&stop](const Stop& given) { stop = given; }, [] {});
-    with.workQueue.run();
-
-    std::atomic<bool> hasStopped = false;
-    std::jthread end;
-    folder->onWrite = [&] {
-        end = std::jthread([&] {
-            with.jobs.stopAll();
-            hasStopped = true;
-        });
-        // Once no further change may begin, `stopAll` waits for this one or returns at once.
-        while (stop->beginChange()) {
-            std::this_thread::yield();
-        }
-        for (int turn = 0; turn < 1000 && !hasStopped; ++turn) {
-            std::this_thread::yield();
-        }
-        EXPECT_FALSE(hasStopped) << "the file is not written yet";
-    };
-    reports.exportDiagnosticsReport();
-    with.workQueue.run();
-    ASSERT_TRUE(end.joinable()) << "nothing was written";
-    end.join();
-    EXPECT_TRUE(hasStopped);
+    expectEndWaitsForWrite(with.jobs, with.workQueue, *folder,
+                           [this] { reports.exportDiagnosticsReport(); });
     EXPECT_THAT(folder->written, SizeIs(1));
 }
 

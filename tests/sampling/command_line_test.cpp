@@ -78,6 +78,13 @@ TEST(CommandLineText, HidesWhatMayBeASecret) {
              Case{{"/usr/bin/mysql", "-phunter2", "-h", "db"}, "/usr/bin/mysql -p(hidden) -h db"},
              Case{{"sudo", "mysql", "-phunter2"}, "sudo mysql -p(hidden)"},
              Case{{"bash", "-c", "exec mysql -phunter2"}, "bash -c 'exec mysql -p(hidden)'"},
+             // A host, a file or a user may have the name of a program.
+             Case{{"redis-cli", "-h", "mysql.internal", "-ahunter2"},
+                  "redis-cli -h mysql.internal -a(hidden)"},
+             Case{{"ssh-keygen", "-f", "/root/.ssh/mysql_backup", "-N", "hunter2"},
+                  "ssh-keygen -f /root/.ssh/mysql_backup -N (hidden)"},
+             Case{{"mysql", "-h", "ldap.example.com", "-phunter2"},
+                  "mysql -h ldap.example.com -p(hidden)"},
              Case{{"sudo", "sshpass", "-p", "12345"}, "sudo sshpass -p (hidden)"},
              Case{{"gcc", "-pthread", "x.c"}, "gcc -pthread x.c"},
              Case{{"sshpass", "-p", "hunter2", "ssh", "-p", "22", "host"},

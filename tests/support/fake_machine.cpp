@@ -42,7 +42,7 @@ SystemMonitor& FakeMachine::monitor() {
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                       .loginName = "owner",
                       .startupProblems = startupProblems,
-                      .places = {.caches = "~/.cache", .portTest = "nc -vz -w 5"},
+                      .places = {.caches = "~/.cache"},
                       .hasLocalPublicKey = hasLocalPublicKey,
                       .readOnly = readOnly});
     }

@@ -29,6 +29,9 @@ public:
         return Outcome::done();
     }
     Outcome writeScript(const std::filesystem::path& file, const std::string& text) override {
+        if (onWrite) {
+            onWrite();
+        }
         if (problem) {
             return Outcome::failed(*problem);
         }

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/base/unique_fd.h"
@@ -12,6 +13,10 @@ namespace tallowcrest::local_socket {
 
 /// A non-blocking socket that children do not inherit. Invalid, with `errno` set, on failure.
 UniqueFD open();
+
+/// A socket like that of `open`, connected to the one at `path`. Never blocks: invalid when nothing
+/// accepts the connection at once, or the path is too long.
+UniqueFD connect(const std::string& path);
 
 /// Accepts the next waiting peer of `listener` as a socket like that of `open`. Invalid, with
 /// `errno` set, when no peer waits.

@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/types.h>
-#include <sys/un.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,23 +24,6 @@ constexpr std::size_t receiveBytes = std::size_t{64} << 10U;
 /// Whether the call can be repeated once the socket is ready.
 bool isTemporary(int error) {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
-}
-
-/// Invalid when nothing accepts the connection at once.
-UniqueFD connectedSocket(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
-        return {};
-    }
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    UniqueFD socket = local_socket::open();
-    // The conversion that the socket API requires.
-    const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-    if (socket.valid() && ::connect(socket.get(), generic, sizeof address) != 0) {
-        socket.reset();
-    }
-    return socket;
 }
 
 class Exchange {
@@ -110,7 +92,7 @@ std::optional<std::string> exchangeOverLocalSocket(const std::string& path,
                                                    std::string_view request,
                                                    const std::stop_token& stop,
                                                    const ExchangeLimits& limits) {
-    UniqueFD socket = connectedSocket(path);
+    UniqueFD socket = local_socket::connect(path);
     if (!socket.valid()) {
         return std::nullopt;
     }

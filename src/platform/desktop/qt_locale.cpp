@@ -54,8 +54,8 @@ std::string QtLocale::decimal(double value, int fractionDigits) const {
         return "NaN";
     }
     const double size = std::abs(value);
-    const bool isNegative = value < 0.0 && size >= 0.5 * std::pow(10.0, -digits);
     const QString text = std::isinf(value) ? u"∞"_s : numbers_.toString(size, 'f', digits);
+    const bool isNegative = value < 0.0 && text != numbers_.toString(0.0, 'f', digits);
     return (isNegative ? numbers_.negativeSign() + text : text).toStdString();
 }
 

@@ -73,7 +73,7 @@ Finding inspect(const Path& file) {
     std::error_code error;
     const fs::file_type type = fs::status(file, error).type();
     if (type == fs::file_type::not_found) {
-        // A log without its file may hold all there is.
+        // The settings may all be in the log, which SQLite would delete beside a new file.
         return {hasLog(file) ? FileState::damaged : FileState::missing};
     }
     if (error) {

@@ -3,7 +3,6 @@
 #include <X11/Xauth.h>
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
@@ -46,23 +45,6 @@ std::optional<DisplayName> localDisplayName() {
     }
     name.number = std::to_string(display);
     return name;
-}
-
-/// Never blocks: a display whose connection queue is full counts as unavailable.
-UniqueFD connectedSocket(const DisplayName& name) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = "/tmp/.X11-unix/X" + name.number;
-    if (path.size() >= sizeof address.sun_path) {
-        return UniqueFD();
-    }
-    path.copy(address.sun_path, path.size());
-    UniqueFD socket = local_socket::open();
-    if (!socket.valid() ||
-        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        return UniqueFD();
-    }
-    return socket;
 }
 
 struct DisposeAuth {
@@ -125,7 +107,7 @@ DisplayConnection::DisplayConnection(std::chrono::milliseconds timeLimit) {
     if (!name) {
         return;
     }
-    const UniqueFD socket = connectedSocket(*name);
+    const UniqueFD socket = local_socket::connect("/tmp/.X11-unix/X" + name->number);
     if (!socket.valid() || !watch(socket.get(), deadline)) {
         return;
     }

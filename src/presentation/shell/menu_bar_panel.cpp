@@ -257,7 +257,9 @@ bool MenuBarPanel::moveFocusFor(const QKeyEvent& event) {
     const auto focused = std::ranges::find_if(shown, &QWidget::hasFocus);
     const auto next = focused == shown.end() ? shown.begin() : std::next(focused);
     if (!shown.empty()) {
-        (next == shown.end() ? shown.front() : *next)->setFocus(Qt::TabFocusReason);
+        MenuBarRow* row = next == shown.end() ? shown.front() : *next;
+        row->setFocus(Qt::TabFocusReason);
+        commands_->ensureWidgetVisible(row);
     }
     return true;
 }

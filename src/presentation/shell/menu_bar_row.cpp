@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
 
@@ -49,6 +50,15 @@ void MenuBarRow::enterEvent(QEnterEvent* event) {
 void MenuBarRow::leaveEvent(QEvent* event) {
     QPushButton::leaveEvent(event);
     update();
+}
+
+void MenuBarRow::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isDanger_ && isReturn) {
+        event->ignore();
+    } else if (!pressesByReturn(*this, *event)) {
+        QPushButton::keyPressEvent(event);
+    }
 }
 
 void MenuBarRow::paintEvent(QPaintEvent*) {

@@ -97,7 +97,7 @@ void OperationTargetBar::refresh() {
     const ReviewTarget& review = monitor_.actions().review;
     const auto before = std::exchange(shownPID_, review.selectedPID());
     const bool hasTarget = shownPID_.has_value();
-    if (hasTarget != hasTarget_) {
+    if (hasTarget != before.has_value()) {
         setHasTarget(hasTarget);
     }
     if (!hasTarget) {
@@ -119,19 +119,13 @@ void OperationTargetBar::refresh() {
 void OperationTargetBar::describe() {
     // When the focus enters the bar, screen readers read its labels out, but not those of one or
     // two words.
-    QStringList words{hasTarget_ ? u"Under review: "_s + title_->text() : title_->text()};
-    for (const Capsule* mark : {automatic_, protected_}) {
-        if (!mark->isHidden()) {
-            words.append(mark->accessibleName());
-        }
-    }
-    setSpokenName(*title_, words.join(u", "_s));
+    setSpokenName(*title_,
+                  withMarks(shownPID_ ? u"Under review: "_s + title_->text() : title_->text()));
     setSpokenName(*review_, review_->text() + u' ' + title_->text());
     setSpokenName(*clear_, clear_->text() + u' ' + title_->text());
 }
 
 void OperationTargetBar::setHasTarget(bool hasTarget) {
-    hasTarget_ = hasTarget;
     const bool hadFocus = choose_->hasFocus() || review_->hasFocus() || clear_->hasFocus();
     choose_->setVisible(!hasTarget);
     review_->setVisible(hasTarget);
@@ -151,14 +145,17 @@ void OperationTargetBar::setHasTarget(bool hasTarget) {
     }
 }
 
-QString OperationTargetBar::accessibleValue() const {
-    QString value = title_->text() + u", "_s + detail_->text();
+QString OperationTargetBar::withMarks(QString words) const {
     for (const Capsule* mark : {automatic_, protected_}) {
         if (!mark->isHidden()) {
-            value += u", "_s + mark->accessibleName();
+            words += u", "_s + mark->accessibleName();
         }
     }
-    return value;
+    return words;
+}
+
+QString OperationTargetBar::accessibleValue() const {
+    return withMarks(title_->text() + u", "_s + detail_->text());
 }
 
 void OperationTargetBar::resizeEvent(QResizeEvent* event) {
@@ -167,7 +164,7 @@ void OperationTargetBar::resizeEvent(QResizeEvent* event) {
 }
 
 void OperationTargetBar::fold() {
-    const bool isOneLine = !hasTarget_ || width() >= oneLineWidth;
+    const bool isOneLine = !shownPID_.has_value() || width() >= oneLineWidth;
     if (isOneLine == (texts_->direction() == QBoxLayout::LeftToRight)) {
         return;
     }

@@ -43,6 +43,8 @@ private:
     void makeButtons();
     void setHasTarget(bool hasTarget);
     void describe();
+    /// `words` and those of the shown marks.
+    QString withMarks(QString words) const;
     /// Puts the detail beside the title, or below it.
     void fold();
 
@@ -58,7 +60,6 @@ private:
     QPushButton* choose_ = nullptr;
     QPushButton* review_ = nullptr;
     QPushButton* clear_ = nullptr;
-    bool hasTarget_ = false;
     std::optional<std::int64_t> shownPID_;
 };
 

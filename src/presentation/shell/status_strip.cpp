@@ -1,6 +1,5 @@
 #include "presentation/shell/status_strip.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <QHBoxLayout>
@@ -102,17 +101,10 @@ void StatusStrip::refresh() {
 }
 
 void StatusStrip::showLastAction() {
-    const std::string& action = monitor_.log().lastAction();
-    const QString words = dashboard_text::text(action);
+    const QString words = dashboard_text::text(monitor_.log().lastAction());
     lastAction_->setText(words);
-    // The same outcome again has another event, and is news again.
-    const auto& events = monitor_.log().activityLog();
-    const auto event = std::ranges::find(events, action, &ActivityEvent::detail);
-    ToldAction now{action, event == events.end() ? std::nullopt : std::optional(event->id)};
-    const bool isNew =
-        told_ && (now.text != told_->text || (now.event && now.event != told_->event));
-    told_ = std::move(now);
-    if (isNew) {
+    const std::uint64_t number = monitor_.log().lastActionNumber();
+    if (std::exchange(toldAction_, number).value_or(number) != number) {
         announce(*this, spokenText(words));
     }
 }
@@ -183,10 +175,11 @@ void StatusStrip::showButton(bool isEngaged) {
     if (showsEngaged_ == isEngaged) {
         return;
     }
-    if (showsEngaged_) {
-        setAccessibleName(isEngaged ? u"Emergency stop engaged"_s : u"Emergency stop cleared"_s);
+    const bool hadFocus = stop_->hasFocus() || resume_->hasFocus();
+    if (showsEngaged_ && (hadFocus || hasFocus())) {
+        setSpokenName(*this, isEngaged ? u"Emergency stop engaged"_s : u"Emergency stop cleared"_s);
     }
-    if (stop_->hasFocus() || resume_->hasFocus()) {
+    if (hadFocus) {
         // Not on the other button: the key that pressed this one may still be down.
         setFocus();
     }
@@ -196,6 +189,11 @@ void StatusStrip::showButton(bool isEngaged) {
         (isEngaged ? settlingResume_ : settlingStop_)->settle();
     }
     showsEngaged_ = isEngaged;
+}
+
+void StatusStrip::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    setSpokenName(*this, u"Status"_s);
 }
 
 bool StatusStrip::isOneLine() const {

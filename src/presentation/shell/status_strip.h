@@ -1,13 +1,12 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include <QWidget>
 
-#include "core/uuid.h"
 #include "presentation/widgets/settling_button.h"
 
 class QBoxLayout;
@@ -37,14 +36,10 @@ public:
     std::vector<Observable*> shows() const;
 
 protected:
+    void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct ToldAction {
-        std::string text;
-        std::optional<UUID> event;  ///< absent for an outcome that is not logged
-    };
-
     void makeTexts();
     void makeButtons();
     /// The words that fit.
@@ -73,8 +68,8 @@ private:
     /// it.
     std::optional<SettlingButton> settlingStop_;
     std::optional<SettlingButton> settlingResume_;
-    /// The last action that was shown, and its event in the log; absent before the first refresh.
-    std::optional<ToldAction> told_;
+    /// The number of the last action that was shown; absent before the first refresh.
+    std::optional<std::uint64_t> toldAction_;
     std::optional<bool> showsEngaged_;  ///< absent before the first refresh
 };
 

@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include "presentation/widgets/announcer.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 
@@ -93,10 +94,6 @@ void SectionHeader::focusInEvent(QFocusEvent* event) {
 
 void SectionHeader::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            click();
-            return;
         case Qt::Key_Left:
         case Qt::Key_Right: {
             const bool wantsCollapsed = event->key() == Qt::Key_Left;
@@ -106,7 +103,9 @@ void SectionHeader::keyPressEvent(QKeyEvent* event) {
             return;
         }
         default:
-            QAbstractButton::keyPressEvent(event);
+            if (!pressesByReturn(*this, *event)) {
+                QAbstractButton::keyPressEvent(event);
+            }
     }
 }
 

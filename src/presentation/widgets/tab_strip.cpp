@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
@@ -71,17 +72,15 @@ void StripTab::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Right:
             emit neighborWanted(1);
             return;
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            click();
-            return;
         case Qt::Key_Up:
         case Qt::Key_Down:
             // Left to the page. Qt would give the focus to the nearest button above or below.
             event->ignore();
             return;
         default:
-            QAbstractButton::keyPressEvent(event);
+            if (!pressesByReturn(*this, *event)) {
+                QAbstractButton::keyPressEvent(event);
+            }
     }
 }
 

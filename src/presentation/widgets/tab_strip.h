@@ -58,8 +58,6 @@ public:
     /// Only shows the selection; the owner calls this in answer to `chosen`.
     void setCurrentIndex(int index);
 
-    const std::vector<StripTab*>& tabs() const { return tabs_; }
-
     QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
     /// Empty: the tabs report which of them is selected.
     QString accessibleValue() const override { return {}; }

@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/theme.h"
 
@@ -34,11 +35,9 @@ void ToggleSwitch::focusInEvent(QFocusEvent* event) {
 }
 
 void ToggleSwitch::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
-        return;
+    if (!pressesByReturn(*this, *event)) {
+        QCheckBox::keyPressEvent(event);
     }
-    QCheckBox::keyPressEvent(event);
 }
 
 void ToggleSwitch::paintEvent(QPaintEvent*) {

@@ -42,7 +42,8 @@ bool isInvisible(char32_t c) {
 }
 
 /// Whether a joiner or a variation selector beside `c` can change how it looks. It can in the
-/// scripts whose letters join, and for pictures; elsewhere it is only hidden.
+/// scripts whose letters join, and for pictures. Variants of Chinese characters do not count, as
+/// most fonts have none.
 bool isJoinable(char32_t c) {
     switch (QChar::script(c)) {
         case QChar::Script_Arabic:

@@ -6,25 +6,14 @@
 #include <gtest/gtest.h>
 
 #include "core/text.h"
+#include "tests/platform/support/date_forms.h"
 #include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
 
-constexpr std::int64_t hour = 3600;
-constexpr double january = 1'799'966'712.0;  // 2027-01-14 22:45:12 UTC
-
 QtLocale localeNamed(const std::string& name, std::int64_t offset = 0) {
     return QtLocale({name, name}, [offset](Date) { return offset; });
-}
-
-/// Releases of Qt differ in the kind of blank before AM and PM.
-std::string withPlainBlanks(std::string text) {
-    const std::string narrow = "\u202F";
-    for (std::size_t at = text.find(narrow); at != std::string::npos; at = text.find(narrow)) {
-        text.replace(at, narrow.size(), " ");
-    }
-    return text;
 }
 
 TEST(QtLocale, FormsDecimalsAsTheHeadlessProgramDoes) {
@@ -50,14 +39,6 @@ TEST(QtLocale, ShortNumbersOfSpanishHaveNoGroups) {
     EXPECT_EQ(spanish.decimal(12345.0, 0), "12.345");
 }
 
-struct Form {
-    std::string locale;
-    std::int64_t offset;
-    std::string dateAndTime;
-    std::string timeOfDay;
-    std::string hoursAndMinutes;
-};
-
 TEST(QtLocale, DatesHaveTheFormOfTheCountry) {
     for (const Form& form : std::vector<Form>{
              {"en_US", 0, "1/14/2027, 10:45 PM", "10:45:12 PM", "10:45 PM"},
@@ -69,12 +50,7 @@ TEST(QtLocale, DatesHaveTheFormOfTheCountry) {
              {"fr_CA", 0, "2027-01-14, 22 h 45", "22 h 45 min 12 s", "22 h 45"},
              {"ja_JP", 9 * hour, "2027/01/15, 7:45", "7時45分12秒", "7:45"},
          }) {
-        const QtLocale locale = localeNamed(form.locale, form.offset);
-        const Date date = Date::fromUnixSeconds(january);
-        EXPECT_EQ(withPlainBlanks(locale.dateAndTime(date)), form.dateAndTime) << form.locale;
-        EXPECT_EQ(withPlainBlanks(locale.timeOfDay(date)), form.timeOfDay) << form.locale;
-        EXPECT_EQ(withPlainBlanks(locale.hoursAndMinutes(date)), form.hoursAndMinutes)
-            << form.locale;
+        expectForm(localeNamed(form.locale, form.offset), form);
     }
 }
 

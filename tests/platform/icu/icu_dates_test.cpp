@@ -9,12 +9,11 @@
 
 #include "core/text.h"
 #include "platform/icu/icu_locale.h"
+#include "tests/platform/support/date_forms.h"
 #include "tests/support/numbers.h"
 
 namespace tallowcrest {
 namespace {
-
-constexpr std::int64_t hour = 3600;
 
 UTCOffset always(std::int64_t seconds) {
     return [seconds](Date) { return seconds; };
@@ -24,15 +23,6 @@ LocaleNames everythingOf(const std::string& name) {
     return {name, name, name};
 }
 
-/// Releases of ICU differ in the kind of blank before AM and PM.
-std::string withPlainBlanks(std::string text) {
-    const std::string narrow = "\u202F";
-    for (std::size_t at = text.find(narrow); at != std::string::npos; at = text.find(narrow)) {
-        text.replace(at, narrow.size(), " ");
-    }
-    return text;
-}
-
 std::string dateAndTime(const Locale& locale, double unixSeconds) {
     return withPlainBlanks(locale.dateAndTime(Date::fromUnixSeconds(unixSeconds)));
 }
@@ -40,20 +30,6 @@ std::string dateAndTime(const Locale& locale, double unixSeconds) {
 std::string timeOfDay(const Locale& locale, double unixSeconds) {
     return withPlainBlanks(locale.timeOfDay(Date::fromUnixSeconds(unixSeconds)));
 }
-
-std::string hoursAndMinutes(const Locale& locale, double unixSeconds) {
-    return withPlainBlanks(locale.hoursAndMinutes(Date::fromUnixSeconds(unixSeconds)));
-}
-
-constexpr double january = 1'799'966'712.0;  // 2027-01-14 22:45:12 UTC
-
-struct Form {
-    std::string locale;
-    std::int64_t offset;
-    std::string dateAndTime;
-    std::string timeOfDay;
-    std::string hoursAndMinutes;
-};
 
 TEST(IcuDates, HaveTheFormOfTheCountry) {
     for (const Form& form : std::vector<Form>{
@@ -66,10 +42,7 @@ TEST(IcuDates, HaveTheFormOfTheCountry) {
              {"ja_JP", 9 * hour, "2027/1/15 7:45", "7:45:12", "7:45"},
              {"ja_JP", -8 * hour, "2027/1/14 14:45", "14:45:12", "14:45"},
          }) {
-        const IcuLocale locale(everythingOf(form.locale), always(form.offset));
-        EXPECT_EQ(dateAndTime(locale, january), form.dateAndTime) << form.locale;
-        EXPECT_EQ(timeOfDay(locale, january), form.timeOfDay) << form.locale;
-        EXPECT_EQ(hoursAndMinutes(locale, january), form.hoursAndMinutes) << form.locale;
+        expectForm(IcuLocale(everythingOf(form.locale), always(form.offset)), form);
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <stop_token>
 #include <string>
@@ -33,6 +34,23 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+/// Launches real tools, and lets them take long unless a test is about the deadlines: the machine
+/// may be busy.
+class PatientLauncher final : public ToolLauncher {
+public:
+    ToolResult launch(const ToolRequest& request) override {
+        ToolRequest patient = request;
+        if (isPatient) {
+            patient.timeout = patience;
+        }
+        return tools.launch(patient);
+    }
+
+    static constexpr std::chrono::milliseconds patience{60'000};
+    PosixToolLauncher tools;
+    bool isPatient = true;
+};
+
 class TailnetIntegration : public ::testing::Test, protected TestServices {
 protected:
     void SetUp() override { descriptors = openDescriptorCount(); }
@@ -60,7 +78,11 @@ protected:
     TailnetState read() {
         return readTailnet({tools, locale,
                             [this](std::string_view request, const std::stop_token& stop) {
-                                return exchangeOverLocalSocket(socket, request, stop);
+                                return exchangeOverLocalSocket(
+                                    socket, request, stop,
+                                    launcher.isPatient
+                                        ? ExchangeLimits{.deadline = PatientLauncher::patience}
+                                        : ExchangeLimits());
                             },
                             cli},
                            {});
@@ -70,7 +92,7 @@ protected:
     std::string cli = folder.path("tailscale");
     std::string socket = folder.path("daemon.sock");
     CommandSafetyPolicy::AllowedExecutables allowed{cli};
-    PosixToolLauncher launcher;
+    PatientLauncher launcher;
     ToolRunner tools{allowed, launcher, jobs, log};
     int descriptors = 0;
 };
@@ -111,6 +133,7 @@ TEST_F(TailnetIntegration, AToolThatFailsGivesNothing) {
 }
 
 TEST_F(TailnetIntegration, ASlowToolIsWaitedFor) {
+    launcher.isPatient = false;
     folder.file("json", statusOfPeers(1), 0600);
     install("sleep 0.3; cat json", "sleep 0.3; echo '# Health check:'; sleep 0.1; echo Slow.");
     const TailnetState state = read();
@@ -119,6 +142,7 @@ TEST_F(TailnetIntegration, ASlowToolIsWaitedFor) {
 }
 
 TEST_F(TailnetIntegration, AToolThatNeverEndsIsEnded) {
+    launcher.isPatient = false;
     install("exec sleep 1000", "exec sleep 1000");
     EXPECT_EQ(read(), TailnetState());
 }
@@ -127,7 +151,7 @@ TEST_F(TailnetIntegration, AStopOfTheProgramEndsTheTool) {
     install("touch started; exec sleep 1000", "touch second");
     const std::jthread stopper([this] {
         eventually([this] { return std::filesystem::exists(folder.path("started")); });
-        launcher.requestStop();
+        launcher.tools.requestStop();
     });
     EXPECT_EQ(read(), TailnetState());
     EXPECT_FALSE(std::filesystem::exists(folder.path("second")));
@@ -169,6 +193,7 @@ TEST_F(TailnetIntegration, TheToolAnswersInPlaceOfADaemonThatDoesNot) {
 }
 
 TEST_F(TailnetIntegration, TheToolAnswersInPlaceOfADaemonThatHangs) {
+    launcher.isPatient = false;
     installPrinting(statusOfPeers(1));
     const TestDaemon daemon(socket, [](int connection) { awaitTheEnd(connection); });
     EXPECT_EQ(read().tailDevices.size(), 1U);

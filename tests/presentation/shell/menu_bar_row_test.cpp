@@ -138,6 +138,12 @@ TEST_F(MenuBarRowTest, RowsScrollOnALowScreen) {
     QTest::keyClick(&row(0), Qt::Key_Backtab);
     EXPECT_TRUE(row(count - 1).hasFocus());
     EXPECT_TRUE(isShown(row(count - 1)));
+    row(0).setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&row(0), Qt::Key_Down);
+    EXPECT_TRUE(isShown(row(1)));
+    QTest::keyClick(&row(1), Qt::Key_Up);
+    QTest::keyClick(&row(0), Qt::Key_Up);
+    EXPECT_TRUE(isShown(row(count - 1)));
     EXPECT_GE(row(0).width(), row(0).sizeHint().width()) << "the scroll bar covers no text";
 }
 

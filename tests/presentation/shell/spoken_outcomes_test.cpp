@@ -45,6 +45,12 @@ TEST_F(SpokenOutcomesTest, AnOutcomeIsSaidEachTimeAndSamplesAreSilent) {
     EXPECT_EQ(heard.said().size(), 2U);
     trigger("menu.export-diagnostics");
     EXPECT_THAT(heard.said(), Contains(lastAction()));
+    // Some outcomes are not logged.
+    machine.monitor().log().clearActivityLog();
+    settle();
+    machine.monitor().log().clearActivityLog();
+    settle();
+    EXPECT_EQ(std::ranges::count(heard.said(), "Activity log cleared."), 2);
 }
 
 TEST_F(SpokenOutcomesTest, AnOutcomeThatLeavesTheLogIsNotSaidAgain) {
@@ -71,6 +77,12 @@ TEST_F(SpokenOutcomesTest, TheFocusedStripNamesTheStateOfTheStop) {
     visible("status.resume-manual-mode")->setFocus(Qt::TabFocusReason);
     press(Qt::Key_Space);
     EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Emergency stop cleared"_s);
+    QWidget* strip = QApplication::focusWidget();
+    visible("page.refresh")->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(strip->accessibleName(), u"Status"_s);
+    machine.monitor().actions().automation.engageEmergencyStop();
+    settle();
+    EXPECT_EQ(strip->accessibleName(), u"Status"_s) << "the focus is elsewhere";
 }
 
 TEST_F(SpokenOutcomesTest, ARefusedNameIsSaidOverTheWindow) {
@@ -144,6 +156,7 @@ TEST_F(SpokenOutcomesTest, AReviewedRowOfAGroupIsSaid) {
 
 TEST_F(SpokenOutcomesTest, TheFilterSaysWhatItKeepsAfterAPause) {
     showProcesses();
+    window().findChild<QTimer*>(u"processes.filter.pause"_s)->setInterval(0);
     const Announcements heard;
     window().state().navigation.setProcessFilter("e");
     settle();

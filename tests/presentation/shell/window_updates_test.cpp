@@ -27,6 +27,8 @@
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
 #include "presentation/widgets/capsule.h"
+#include "remote/remote.h"
+#include "sampling/process_details.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -38,13 +40,29 @@ using testing::IsEmpty;
 using testing::Pair;
 
 /// What the parts of the window may observe.
-enum class Source { sample, log, settings, rules, automation, review, actions, desk, navigation };
+enum class Source {
+    sample,
+    processDetails,
+    log,
+    settings,
+    rules,
+    automation,
+    review,
+    actions,
+    desk,
+    navigation,
+    tailnet,
+    remoteScan,
+    remoteProfiles,
+};
 
 using Sources = std::set<Source>;
 
-constexpr std::array allSources{Source::sample,  Source::log,        Source::settings,
-                                Source::rules,   Source::automation, Source::review,
-                                Source::actions, Source::desk,       Source::navigation};
+constexpr std::array allSources{Source::sample,        Source::processDetails, Source::log,
+                                Source::settings,      Source::rules,          Source::automation,
+                                Source::review,        Source::actions,        Source::desk,
+                                Source::navigation,    Source::tailnet,        Source::remoteScan,
+                                Source::remoteProfiles};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
@@ -52,9 +70,9 @@ Sources sourcesOfPage(AppRoute route) {
         case AppRoute::overview:
             return {sample, log, settings, automation};
         case AppRoute::load:
-            return {sample, review, settings, navigation};
+            return {sample, processDetails, review, settings, navigation};
         case AppRoute::optimize:
-            return {sample, review, settings, actions, automation};
+            return {sample, processDetails, review, settings, actions, automation};
         case AppRoute::optimizationSuggestions:
             return {sample, settings, automation};
         case AppRoute::history:
@@ -95,6 +113,8 @@ protected:
         switch (source) {
             case Source::sample:
                 return monitor.sample().observable();
+            case Source::processDetails:
+                return monitor.processDetails().observable();
             case Source::log:
                 return monitor.log().observable();
             case Source::settings:
@@ -111,6 +131,12 @@ protected:
                 return monitor.confirmations().observable();
             case Source::navigation:
                 return window().state().navigation.observable();
+            case Source::tailnet:
+                return monitor.remote().tailnet.observable();
+            case Source::remoteScan:
+                return monitor.remote().scan.observable();
+            case Source::remoteProfiles:
+                return monitor.remote().profiles.observable();
         }
         throw std::logic_error("no such source");
     }

@@ -30,7 +30,7 @@ protected:
     void SetUp() override { ASSERT_TRUE(QTest::qWaitForWindowActive(&strip)); }
 
     QWidget& root() override { return strip; }
-    StripTab& tab(int index) { return *strip.tabs().at(static_cast<std::size_t>(index)); }
+    StripTab& tab(int index) { return *strip.findChildren<StripTab*>().at(index); }
     bool isRinged(int index) {
         return tallowcrest::isRinged(tab(index), CrestTheme::current().accentText);
     }

@@ -70,7 +70,11 @@ LoadPage::LoadPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
         }
     });
     connect(tools_, &ProcessTools::typingPaused, this, [this] {
-        announce(*this, foundWords(shownRows_, std::ssize(monitor_.sample().latestProcesses())));
+        // Another page may be open by now.
+        if (isVisible()) {
+            announce(*this,
+                     foundWords(shownRows_, std::ssize(monitor_.sample().latestProcesses())));
+        }
     });
     connect(tools_, &ProcessTools::activityMonitorWanted, this,
             [this] { monitor_.actions().applications.openActivityMonitor(); });
@@ -149,8 +153,9 @@ void LoadPage::placeStatus(bool isInTitle) {
     if (to->indexOf(status_) < 0) {
         from->removeWidget(status_);
         to->insertWidget(place, status_);
-        // Beside the status, only the tools take the space that is left.
-        card_->headerLayout()->setStretch(1, isInTitle ? 0 : 1);
+        // Beside the status, only the tools take the space that is left, not the heading.
+        constexpr int headingPlace = 1;  // behind the icon, see `Card::headerLayout`
+        card_->headerLayout()->setStretch(headingPlace, isInTitle ? 0 : 1);
     }
 }
 

@@ -29,7 +29,7 @@
 #include "presentation/widgets/tab_strip.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
-#include "remote/local_public_key_status.h"
+#include "presentation/words/local_public_key_status.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;

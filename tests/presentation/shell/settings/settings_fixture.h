@@ -18,9 +18,8 @@ protected:
     }
     SettingsSheet& sheet() { return *window().findChild<SettingsSheet*>(); }
     TabStrip& strip() { return *sheet().findChild<TabStrip*>(); }
-    StripTab& currentTab() {
-        return *strip().tabs().at(static_cast<std::size_t>(strip().currentIndex()));
-    }
+    QList<StripTab*> tabs() { return strip().findChildren<StripTab*>(); }
+    StripTab& currentTab() { return *tabs().at(strip().currentIndex()); }
 
     void openSheet(SettingsTabKind tab) {
         if (!window().isVisible()) {

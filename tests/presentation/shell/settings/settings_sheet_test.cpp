@@ -19,8 +19,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr SettingsTabKind tabs[] = {SettingsTabKind::remote, SettingsTabKind::localMac,
-                                    SettingsTabKind::automation, SettingsTabKind::safety};
+constexpr SettingsTabKind tabKinds[] = {SettingsTabKind::remote, SettingsTabKind::localMac,
+                                        SettingsTabKind::automation, SettingsTabKind::safety};
 
 class SettingsSheetTest : public SettingsFixture {
 protected:
@@ -42,7 +42,7 @@ TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
               u"Configuration stays here; dashboard actions stay up front."_s);
     EXPECT_EQ(visible<QPushButton>("settings.sheet.done")->text(), u"Done"_s);
     QStringList words;
-    for (const StripTab* tab : strip().tabs()) {
+    for (const StripTab* tab : tabs()) {
         words.append(tab->text());
     }
     EXPECT_EQ(words.join(u'|'), u"Remote|Local Mac|Automation|Safety"_s);
@@ -236,7 +236,7 @@ TEST_F(SettingsSheetTest, AFocusedControlIsScrolledIntoView) {
 
 TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
     std::map<QString, const QWidget*> controls;
-    for (const SettingsTabKind tab : tabs) {
+    for (const SettingsTabKind tab : tabKinds) {
         openSheet(tab);
         for (const QWidget* each : sheet().findChildren<QWidget*>()) {
             const bool isControl = qobject_cast<const QAbstractButton*>(each) != nullptr ||
@@ -261,7 +261,7 @@ TEST_F(SettingsSheetTest, NothingIsCutOffAtAnyWindowSize) {
     machine.store.write("Tallowcrest.protectedApps",
                         SettingsTextList{"Docker", std::string(300, 'W')});
     for (const QSize& size : {QSize(640, 480), QSize(900, 600), QSize(1080, 720)}) {
-        for (const SettingsTabKind tab : tabs) {
+        for (const SettingsTabKind tab : tabKinds) {
             window().resize(size);
             openSheet(tab);
             SCOPED_TRACE(currentTab().text().toStdString() + " at " + std::to_string(size.width()));
@@ -303,8 +303,8 @@ TEST_F(SettingsSheetTest, TabsAreReadableInBothAppearances) {
             return image.pixelColor(tab.x() + 6, image.height() / 2);
         };
         EXPECT_GE(contrastRatio(theme.text, ground(currentTab())), 4.5);
-        EXPECT_GE(contrastRatio(theme.secondaryText, ground(*strip().tabs().front())), 4.5);
-        EXPECT_NE(ground(currentTab()), ground(*strip().tabs().front()));
+        EXPECT_GE(contrastRatio(theme.secondaryText, ground(*tabs().front())), 4.5);
+        EXPECT_NE(ground(currentTab()), ground(*tabs().front()));
         click("settings.sheet.done");
     }
     QApplication::setPalette(before);
