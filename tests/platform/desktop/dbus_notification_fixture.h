@@ -76,7 +76,8 @@ protected:
     void invokeLastAction(const Daemon& daemon, uint id) {
         const std::size_t before = responses.size();
         daemon.invokeAction(id, "LAST");
-        EXPECT_TRUE(turnUntil([&] { return responses.size() > before; }));
+        EXPECT_TRUE(
+            turnUntil([&] { return responses.size() > before && responses.back() == "LAST"; }));
     }
 
     PrivateBus bus;
