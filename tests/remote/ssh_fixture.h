@@ -134,6 +134,13 @@ ROWS
         return machines->sshd(fmt::format("SetEnv PATH={}:/usr/bin:/bin", folder));
     }
 
+    /// Runs all background work, also what its results begin.
+    void finishAllWork() {
+        while (workQueue.pendingCount() > 0) {
+            finishWork();
+        }
+    }
+
     /// Scans these machines and returns the records.
     const std::vector<RemoteHealth>& scan(std::vector<TailDevice> devices) {
         settings.set(&Settings::includeLinuxMachines, true);

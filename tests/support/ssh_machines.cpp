@@ -163,13 +163,14 @@ UniqueFD fillQueue(const std::string& address) {
 
 [[noreturn]] void beBusy(const std::string& name) {
     ::prctl(PR_SET_NAME, name.c_str());
-    const std::string signal = SshMachines::folder() / "Editor";
-    while (::access(signal.c_str(), F_OK) != 0) {
+    const std::string newName = SshMachines::folder() / "Editor";
+    const std::string end = SshMachines::folder() / "end";
+    while (::access(end.c_str(), F_OK) != 0) {
+        if (::access(newName.c_str(), F_OK) == 0) {
+            ::prctl(PR_SET_NAME, "Editor");
+        }
     }
-    ::prctl(PR_SET_NAME, "Editor");
-    for (;;) {
-        ::access(signal.c_str(), F_OK);
-    }
+    ::_exit(0);
 }
 
 }  // namespace
@@ -189,6 +190,22 @@ std::string SshMachines::program(const std::string& name, const std::string& tex
     std::ofstream(path, std::ios::binary) << text;
     fs::permissions(path, fs::perms::owner_all);
     return path;
+}
+
+void SshMachines::installCommand(const std::string& name, const std::string& text) {
+    static const fs::path original = "/run/usr-bin";
+    const fs::path place = "/usr/bin";
+    if (!fs::exists(original)) {
+        fs::create_directory(original);
+        require(bind(place.c_str(), original.c_str()) &&
+                    ::mount("none", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, "mode=755") == 0,
+                "nothing can be mounted at /usr/bin");
+        for (const fs::directory_entry& each : fs::directory_iterator(original)) {
+            fs::create_symlink(each.path(), place / each.path().filename());
+        }
+    }
+    fs::remove(place / name);
+    fs::copy_file(program(name, text), place / name);
 }
 
 SshMachines::SshMachines() {

@@ -13,8 +13,8 @@ namespace tallowcrest {
 /// Other machines of a tailnet, for the real client of the secure shell: each is an address of the
 /// tailnet's range at whose port 22 the real server, or what a test puts there, answers.
 ///
-/// The process that uses them lives in a network of its own, in which every address of that range is
-/// its own and a port refuses connections unless a machine has been added there. Its accounts,
+/// The process that uses them lives in a network of its own, in which every address of that range
+/// is its own and a port refuses connections unless a machine has been added there. Its accounts,
 /// `/etc/ssh` and `/run` are its own too. The owner of this process is called "owner" there.
 class SshMachines {
 public:
@@ -36,6 +36,9 @@ public:
     /// Writes a file in `folder` that may be run, and returns its path.
     static std::string program(const std::string& name, const std::string& text);
 
+    /// Puts a program at `/usr/bin/NAME` for this process and its children.
+    static void installCommand(const std::string& name, const std::string& text);
+
     /// Lets an account log in with this shell, by the key of the owner.
     void addAccount(const std::string& name, const std::string& shell);
 
@@ -49,7 +52,8 @@ public:
     }
     /// A machine that does not even refuse a connection.
     void addDead(std::string address) { add(std::move(address), {}); }
-    /// A process that uses one core. It is called "Editor" once a file of that name is in `folder`.
+    /// A process that uses one core. It is called "Editor" once a file of that name is in `folder`,
+    /// and ends once there is one named "end".
     void addBusyProcess(std::string name) { busyProcesses_.push_back(std::move(name)); }
 
     /// From now on they answer. All have the same processes, and see no others.
