@@ -1,7 +1,6 @@
 // A scan of other machines by the program without a window, with the real secure shell and a
 // stand-in for the command line tool of the tailnet.
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -33,7 +32,6 @@ protected:
         if (!SshMachines::obstacle().empty()) {
             GTEST_SKIP() << SshMachines::obstacle();
         }
-        ::unsetenv("SSH_AUTH_SOCK");
     }
 
     /// What the program prints of these peers of the tailnet.

@@ -7,11 +7,14 @@
 #include "core/confirmation_desk.h"
 #include "tests/remote/ssh_fixture.h"
 #include "tests/support/file_text.h"
+#include "tests/support/run_program.h"
 
 namespace tallowcrest {
 namespace {
 
 using ::testing::Contains;
+using ::testing::EndsWith;
+using ::testing::IsEmpty;
 using ::testing::Not;
 
 class SshActions : public SshFixture {
@@ -109,6 +112,23 @@ TEST_F(SshActions, NothingIsDoneOnAMachineWithAnotherHostKey) {
     EXPECT_EQ(log.lastAction(),
               "Remote purge failed on attic. It may require permissions or be unavailable.");
     EXPECT_EQ(sudoLog(), "");
+}
+
+TEST_F(SshActions, TheCopiedRepairOfAHostKeyLetsTheMachineBeSampledAgain) {
+    start(machines->sshd());
+    machines->end();
+    machines->add(machine.addresses.front(), machines->sshdWithAnotherKey());
+    machines->start();
+    EXPECT_THAT(namesAfterAScan(), IsEmpty());
+    EXPECT_EQ(attic().status, RemoteHealth::Status::hostKeyIssue);
+    EXPECT_TRUE(remote.actions.copyHostKeyRepairCommand(attic()).isAccepted());
+    const ProgramResult result =
+        runProgram({.path = "/bin/sh",
+                    .arguments = {"-c", copied},
+                    .withVariables = {"HOME=" + (SshMachines::folder() / "home").string()}});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    EXPECT_THAT(result.standardOutput, EndsWith("connected\n"));
+    EXPECT_THAT(namesAfterAScan(), Not(IsEmpty()));
 }
 
 TEST_F(SshActions, CachesArePurgedWhereTheAccountMay) {

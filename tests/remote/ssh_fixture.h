@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -63,8 +62,6 @@ protected:
         if (!SshMachines::obstacle().empty()) {
             GTEST_SKIP() << SshMachines::obstacle();
         }
-        // An agent would offer the keys of the person who runs the test.
-        ::unsetenv("SSH_AUTH_SOCK");
         descriptors_ = openDescriptorCount();
         machines = std::make_unique<SshMachines>();
     }
@@ -161,7 +158,8 @@ ROWS
 
     std::unique_ptr<SshMachines> machines;
     NotingLauncher launcher;
-    Pasteboard pasteboard{log, [](const std::string&) {}};
+    std::string copied;
+    Pasteboard pasteboard{log, [this](const std::string& text) { copied = text; }};
     Remote remote{services,
                   pasteboard,
                   {.launcher = launcher, .allowed = CommandSafetyPolicy::linuxExecutables()}};

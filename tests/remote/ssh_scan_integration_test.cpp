@@ -4,11 +4,14 @@
 #include <sys/socket.h>
 
 #include <cstddef>
+#include <fstream>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "tests/platform/support/test_daemon.h"
 #include "tests/remote/ssh_fixture.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_text.h"
 
 namespace tallowcrest {
@@ -110,6 +113,23 @@ TEST_F(SshScan, SamplesAMac) {
               "Final Cut Pro is using 1.5 GB. Consider copying its process report.");
 }
 
+TEST_F(SshScan, SamplesAMacThatHasOnlyAnIPv6Address) {
+    machines->add(SshMachines::onlyIPv6, mac());
+    machines->start();
+    EXPECT_EQ(scanOne(device("studio", SshMachines::onlyIPv6, "macOS")).status, Status::reachable);
+}
+
+TEST_F(SshScan, SamplesThroughAConnectionThatTheOwnerKeepsOpen) {
+    const std::filesystem::path control = SshMachines::folder() / "control";
+    std::ofstream(SshMachines::folder() / "home/.ssh/config", std::ios::app)
+        << "ControlMaster auto\nControlPersist 60\nControlPath " << control.string() << "\n";
+    const TailDevice machine = add("studio", mac(), "macOS");
+    machines->start();
+    EXPECT_EQ(scanOne(machine).status, Status::reachable);
+    EXPECT_TRUE(std::filesystem::exists(control));
+    EXPECT_EQ(scanOne(machine).status, Status::reachable);
+}
+
 TEST_F(SshScan, NamesAKeyThatIsRefused) {
     const TailDevice machine = add("attic", machines->sshd("AuthorizedKeysFile none"));
     machines->start();
@@ -161,7 +181,7 @@ TEST_F(SshScan, NamesAMachineThatDoesNotAnswer) {
 
 TEST_F(SshScan, NamesAnAddressWithoutARoute) {
     expectFailure(scanOne(device("attic", "192.0.2.1")), Status::unknown);
-    expectFailure(scanOne(device("attic", "fd7a:115c:a1e0::7")), Status::unknown);
+    expectFailure(scanOne(device("attic", "fd7a:115c:a1e0::9")), Status::unknown);
 }
 
 TEST_F(SshScan, GivesUpOnASilentMachine) {
@@ -174,6 +194,26 @@ TEST_F(SshScan, EndsTheSecureShellAtTheDeadline) {
     expectFailure(record, Status::unknown);
     EXPECT_TRUE(launcher.launches.at(0).result.deadlinePassed);
     EXPECT_THAT(record.setupHint, StartsWith("Confirm the remote Mac is awake"));
+}
+
+TEST_F(SshScan, EndsTheSecureShellWhenTheProgramEnds) {
+    const std::string connected = SshMachines::folder() / "connected";
+    const auto hang = [&connected](int connection) {
+        send(connection, "SSH-2.0-OpenSSH_9.2\r\n");
+        std::ofstream(connected) << "yes";
+        awaitTheEnd(connection);
+    };
+    const std::vector<TailDevice> devices{add("attic", hang), add("barn", hang)};
+    machines->start();
+    {
+        const std::jthread stopper([&] {
+            EXPECT_TRUE(eventually([&] { return std::filesystem::exists(connected); }));
+            launcher.tools.requestStop();
+        });
+        scan(devices);
+    }
+    EXPECT_TRUE(launcher.launches.at(0).result.launched);
+    EXPECT_FALSE(launcher.launches.at(1).result.launched);
 }
 
 TEST_F(SshScan, SurvivesWhatIsNoSecureShell) {

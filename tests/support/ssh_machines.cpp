@@ -87,16 +87,27 @@ bool replaceSystemFiles() {
     return bind(accounts, "/etc/passwd") && bind(clientSettings, "/etc/ssh");
 }
 
-sockaddr_in internetAddress(const std::string& address, std::uint16_t port) {
-    sockaddr_in result{};
-    result.sin_family = AF_INET;
-    result.sin_port = htons(port);
-    ::inet_pton(AF_INET, address.c_str(), &result.sin_addr);
+/// The IPv4 addresses are those that IPv6 maps to them.
+sockaddr_in6 sshPort(const std::string& address) {
+    const bool isIPv6 = address.find(':') != std::string::npos;
+    sockaddr_in6 result{};
+    result.sin6_family = AF_INET6;
+    result.sin6_port = htons(22);
+    require(::inet_pton(AF_INET6, (isIPv6 ? address : "::ffff:" + address).c_str(),
+                        &result.sin6_addr) == 1,
+            "no address: " + address);
     return result;
 }
 
-const sockaddr* generic(const sockaddr_in& address) {
-    return reinterpret_cast<const sockaddr*>(&address);
+UniqueFD tcpSocket() {
+    return UniqueFD(::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0));
+}
+
+/// `call` is `bind` or `connect`.
+template <class Call>
+bool atPort(Call call, const UniqueFD& socket, const std::string& address) {
+    const sockaddr_in6 place = sshPort(address);
+    return call(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0;
 }
 
 /// On the loopback device, all addresses of a network are those of this machine.
@@ -109,13 +120,24 @@ bool addTailnetAddresses() {
         if (address.empty()) {
             values.ifr_flags = IFF_UP | IFF_LOOPBACK;
         } else {
-            const sockaddr_in value = internetAddress(address, 0);
+            sockaddr_in value{};
+            value.sin_family = AF_INET;
+            ::inet_pton(AF_INET, address.c_str(), &value.sin_addr);
             std::memcpy(&values.ifr_addr, &value, sizeof value);
         }
         return ::ioctl(control.get(), what, &values) == 0;
     };
+    // The structure of the system cannot be included beside the one of the C library.
+    struct {
+        in6_addr address;
+        std::uint32_t prefixLength;
+        int device;
+    } alone{{}, 128, static_cast<int>(::if_nametoindex("lo"))};
+    ::inet_pton(AF_INET6, SshMachines::onlyIPv6, &alone.address);
+    const UniqueFD control6(::socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     return request("lo", SIOCSIFFLAGS, "") && request("lo:0", SIOCSIFADDR, "100.64.0.1") &&
-           request("lo:0", SIOCSIFNETMASK, "255.192.0.0");
+           request("lo:0", SIOCSIFNETMASK, "255.192.0.0") &&
+           ::ioctl(control6.get(), SIOCSIFADDR, &alone) == 0;
 }
 
 std::string enter() {
@@ -142,22 +164,20 @@ void makeKey(const std::string& name) {
 }
 
 UniqueFD listenAt(const std::string& address, bool isDead) {
-    UniqueFD listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    UniqueFD listener = tcpSocket();
     constexpr int on = 1;
     ::setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    const sockaddr_in place = internetAddress(address, 22);
-    require(::bind(listener.get(), generic(place), sizeof place) == 0 &&
-                ::listen(listener.get(), isDead ? 0 : SOMAXCONN) == 0,
-            "cannot listen at " + address);
+    require(
+        atPort(::bind, listener, address) && ::listen(listener.get(), isDead ? 0 : SOMAXCONN) == 0,
+        "cannot listen at " + address);
     return listener;
 }
 
 /// The system drops what arrives for a listener whose queue is full. The caller keeps the one
 /// connection that fills it.
 UniqueFD fillQueue(const std::string& address) {
-    UniqueFD filler(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const sockaddr_in place = internetAddress(address, 22);
-    require(::connect(filler.get(), generic(place), sizeof place) == 0, "no connection");
+    UniqueFD filler = tcpSocket();
+    require(atPort(::connect, filler, address), "no connection");
     return filler;
 }
 
@@ -214,6 +234,8 @@ SshMachines::SshMachines() {
     fs::create_directories(folder() / "home/.ssh");
     writeAccounts();
     makeKey("home/.ssh/id_ed25519");
+    // An agent would offer the keys of the person who runs the test.
+    std::ofstream(folder() / "home/.ssh/config") << "IdentityAgent none\n";
     makeKey("host_key");
     makeKey("other_host_key");
 }

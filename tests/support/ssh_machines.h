@@ -21,6 +21,9 @@ public:
     /// Serves one connection, in a process of its own that ends with the call.
     using Server = std::function<void(int connection)>;
 
+    /// The address in the range of IPv6.
+    static constexpr const char* onlyIPv6 = "fd7a:115c:a1e0::7";
+
     /// Why there can be no such machines here; empty if there can. The first call moves this
     /// process into its network for the rest of its life. It must have only one thread then.
     static const std::string& obstacle();
