@@ -173,6 +173,7 @@ TEST_F(SshScan, NamesAClosedPort) {
 }
 
 TEST_F(SshScan, NamesAMachineThatDoesNotAnswer) {
+    launcher.isPatient = false;
     const TailDevice machine = addDead("attic");
     machines->start();
     expectFailure(scanOne(machine), Status::connectionBlocked);
@@ -185,6 +186,7 @@ TEST_F(SshScan, NamesAnAddressWithoutARoute) {
 }
 
 TEST_F(SshScan, GivesUpOnASilentMachine) {
+    launcher.isPatient = false;
     expectFailure(withAnswer("", false), Status::connectionBlocked);
 }
 
