@@ -14,6 +14,7 @@ using namespace tallowcrest;
 
 void checkSample(std::string_view output) {
     const RemoteSample sample = parseRemoteSample(output);
+    require(sample.values.size() <= maximumRemoteValues);
     for (const auto& [key, value] : sample.values) {
         require(!key.empty() && !value.empty());
         require(key.find('=') == key.npos && key.find('\n') == key.npos);

@@ -58,10 +58,16 @@ std::optional<double> RemoteSample::memoryPercent() const {
 RemoteSample parseRemoteSample(std::string_view output) {
     RemoteSample sample;
     while (const auto line = takeLine(output)) {
+        if (line->size() > longestRemoteLine) {
+            continue;
+        }
         const std::size_t equals = line->find('=');
         if (equals != std::string_view::npos && equals > 0 && equals + 1 < line->size()) {
-            sample.values.insert_or_assign(std::string(line->substr(0, equals)),
-                                           std::string(line->substr(equals + 1)));
+            const std::string_view key = line->substr(0, equals);
+            if (sample.values.size() < maximumRemoteValues || sample.values.contains(key)) {
+                sample.values.insert_or_assign(std::string(key),
+                                               std::string(line->substr(equals + 1)));
+            }
         }
         if (!line->starts_with(processPrefix) ||
             sample.processes.size() == maximumRemoteProcesses) {

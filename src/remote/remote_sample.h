@@ -28,8 +28,12 @@ struct RemoteSample {
     std::optional<double> memoryPercent() const;
 };
 
-/// More rows are not read: no script prints as many.
+// What is beyond these limits is not read: no script prints as much, not even behind the greeting
+// of a login shell.
+
 inline constexpr std::size_t maximumRemoteProcesses = 100;
+inline constexpr std::size_t maximumRemoteValues = 1000;
+inline constexpr std::size_t longestRemoteLine = 8192;  ///< bytes; no path is that long
 
 /// Reads the output of a sample script. Accepts any text, and skips what is not understood. Figures
 /// are decimal numbers; infinities and NaN are none, and a figure beyond 10^12 counts as 10^12, so

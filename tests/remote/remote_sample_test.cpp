@@ -138,5 +138,24 @@ TEST(RemoteSample, RowsBeyondAnyScriptAreNotKept) {
     EXPECT_EQ(sample.memoryPercent(), 5.0);
 }
 
+TEST(RemoteSample, KeysBeyondAnyScriptAreNotKept) {
+    std::string output = "mem=4\n";
+    for (int i = 0; i < 50000; ++i) {
+        output += std::to_string(i) + "=1\n";
+    }
+    const RemoteSample sample = parseRemoteSample(output + "os=15.1\nmem=5");
+    EXPECT_THAT(sample.values, SizeIs(maximumRemoteValues));
+    EXPECT_EQ(sample.value("os"), std::nullopt);
+    EXPECT_EQ(sample.memoryPercent(), 5.0);
+}
+
+TEST(RemoteSample, LinesLongerThanAnyPathAreSkipped) {
+    const std::string longest = "os=" + std::string(longestRemoteLine - 3, 'x');
+    EXPECT_EQ(parseRemoteSample(longest).value("os"), longest.substr(3));
+    EXPECT_EQ(parseRemoteSample(longest + "x\nmem=5").values.size(), 1U);
+    EXPECT_THAT(parseRemoteSample("proc=7|1|2|" + std::string(longestRemoteLine, 'x')).processes,
+                IsEmpty());
+}
+
 }  // namespace
 }  // namespace tallowcrest
