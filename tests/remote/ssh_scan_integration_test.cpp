@@ -350,7 +350,7 @@ TEST_F(SshScan, AsksTenMachinesOneAfterTheOther) {
     }
 }
 
-TEST_F(SshScan, StartsNothingForAHostileAddress) {
+TEST_F(SshScan, StartsNothingForAHostileAddressOrUser) {
     const std::string trace = SshMachines::folder() / "trace";
     for (const std::string& address : std::vector<std::string>{
              "-oProxyCommand=touch " + trace, "$(touch " + trace + ")", "`touch " + trace + "`",
@@ -359,6 +359,10 @@ TEST_F(SshScan, StartsNothingForAHostileAddress) {
         const RemoteHealth record = scanOne(device("attic", address));
         EXPECT_EQ(record.status, Status::noAddress) << address;
         EXPECT_EQ(record.summary, "Invalid SSH target");
+    }
+    for (const std::string& user : {"-oProxyCommand=touch " + trace, "$(touch " + trace + ")"}) {
+        settings.set(&Settings::sshUsername, user);
+        EXPECT_EQ(scanOne(device("attic", "100.64.7.1")).summary, "Invalid SSH target");
     }
     EXPECT_THAT(launcher.launches, IsEmpty());
     EXPECT_FALSE(std::filesystem::exists(trace));

@@ -51,7 +51,8 @@ bool enterNamespaces() {
     const std::string user = std::to_string(::getuid());
     const std::string group = std::to_string(::getgid());
     if (::unshare(own) != 0) {
-        if (::unshare(CLONE_NEWUSER | own) != 0) {
+        // Where root is the only user, the server could not become another one.
+        if (::getuid() == 0 || ::unshare(CLONE_NEWUSER | own) != 0) {
             return false;
         }
         std::ofstream("/proc/self/setgroups") << "deny";
@@ -127,7 +128,7 @@ bool addTailnetAddresses() {
         }
         return ::ioctl(control.get(), what, &values) == 0;
     };
-    // The structure of the system cannot be included beside the one of the C library.
+    // `in6_ifreq`: <linux/ipv6.h> cannot be included beside <netinet/in.h>.
     struct {
         in6_addr address;
         std::uint32_t prefixLength;
