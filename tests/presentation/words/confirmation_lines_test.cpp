@@ -7,6 +7,8 @@
 
 #include "tests/presentation/scoped_locale.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tallowcrest {
 namespace {
 

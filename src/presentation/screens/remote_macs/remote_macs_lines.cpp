@@ -1,0 +1,198 @@
+#include "presentation/screens/remote_macs/remote_macs_lines.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "presentation/words/dashboard_text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::remote_macs_lines {
+namespace {
+
+using dashboard_text::count;
+using dashboard_text::text;
+using Status = RemoteHealth::Status;
+
+bool isReachable(const RemoteHealth& machine) {
+    return machine.status == Status::reachable;
+}
+
+QString percentOrNone(const std::optional<double>& percent) {
+    return percent ? dashboard_text::percentText(*percent) : dashboard_text::noFigure();
+}
+
+bool isMemoryHigh(const ProfiledMachine& each) {
+    return isReachable(each.machine) && each.machine.memoryPercent &&
+           *each.machine.memoryPercent >= each.profile.warningThreshold;
+}
+
+QString nameOf(const ProfiledMachine& each) {
+    return text(each.profile.nickname.empty() ? each.machine.hostName : each.profile.nickname);
+}
+
+/// Longer than any row shows.
+QString bounded(const std::string& value) {
+    constexpr std::size_t mostBytes = 1024;
+    constexpr qsizetype mostCharacters = 256;
+    return text(std::string_view(value).substr(0, mostBytes)).left(mostCharacters);
+}
+
+}  // namespace
+
+QString age(Date date, Date now) {
+    constexpr double minute = 60.0;
+    constexpr double hour = 60.0 * minute;
+    constexpr double day = 24.0 * hour;
+    const double seconds = secondsBetween(date, now);
+    const auto whole = [seconds](double unit) {
+        return count(static_cast<std::int64_t>(seconds / unit));
+    };
+    if (seconds < minute) {
+        return u"just now"_s;
+    }
+    if (seconds < hour) {
+        return whole(minute) + u" min ago"_s;
+    }
+    if (seconds < day) {
+        return whole(hour) + u" h ago"_s;
+    }
+    return whole(day) + (seconds < 2 * day ? u" day ago"_s : u" days ago"_s);
+}
+
+std::size_t unreachableCount(const std::vector<RemoteHealth>& machines) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(machines, [](const auto& each) { return !isReachable(each); }));
+}
+
+QString attention(const std::vector<RemoteHealth>& machines) {
+    const auto troubled = static_cast<std::int64_t>(unreachableCount(machines));
+    return count(troubled) + u" remote Mac"_s + (troubled == 1 ? u""_s : u"s"_s) +
+           u" need attention."_s;
+}
+
+std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines) {
+    std::vector<AttentionLine> lines;
+    std::vector<const ProfiledMachine*> pressed;
+    for (const ProfiledMachine& each : machines) {
+        if (!isReachable(each.machine)) {
+            lines.push_back({each.machine.id, nameOf(each), text(title(each.machine.status)),
+                             text(each.machine.recommendation)});
+        } else if (isMemoryHigh(each)) {
+            pressed.push_back(&each);
+        }
+    }
+    std::ranges::stable_sort(pressed, std::ranges::greater(),
+                             [](const auto* each) { return *each->machine.memoryPercent; });
+    for (const ProfiledMachine* each : pressed) {
+        lines.push_back({each->machine.id, nameOf(*each),
+                         u"Memory "_s + percentOrNone(each->machine.memoryPercent),
+                         text(each->machine.recommendation)});
+    }
+    return lines;
+}
+
+QString moreAttention(std::size_t lines) {
+    return lines <= mostAttentionLines
+               ? QString()
+               : u"and %1 more below"_s.arg(
+                     count(static_cast<std::int64_t>(lines - mostAttentionLines)));
+}
+
+QString scanProgress(const RemoteScanState& scan) {
+    if (!scan.remoteScanInProgress) {
+        return {};
+    }
+    if (!scan.progress) {
+        return u"Beginning the scan"_s;
+    }
+    const auto& [number, all, hostName] = *scan.progress;
+    return u"Scanning %1, %2 of %3"_s.arg(bounded(hostName),
+                                          count(static_cast<std::int64_t>(number)),
+                                          count(static_cast<std::int64_t>(all)));
+}
+
+QString scanState(const RemoteScanState& scan, Date now) {
+    if (scan.remoteScanInProgress) {
+        return scanProgress(scan);
+    }
+    if (scan.remoteHealth.empty()) {
+        return u"Not scanned yet"_s;
+    }
+    const auto newest = std::ranges::max_element(scan.remoteHealth, {}, &RemoteHealth::sampledAt);
+    return u"Last scan: "_s + age(newest->sampledAt, now);
+}
+
+std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers) {
+    const auto scanned = std::ssize(machines);
+    const std::int64_t reachable = scanned - static_cast<std::int64_t>(unreachableCount(machines));
+    std::optional<double> highest;
+    for (const RemoteHealth& each : machines) {
+        highest = std::max(highest, each.memoryPercent);
+    }
+    return {{u"Reachable"_s, count(reachable),
+             scanned == 0 ? u"No remote scan yet."_s
+                          : u"Of %1 in the last remote scan."_s.arg(count(scanned))},
+            {u"Known Peers"_s, count(static_cast<std::int64_t>(peers)),
+             u"Discovered from Tailscale status."_s},
+            {u"Highest Memory"_s, percentOrNone(highest),
+             u"Highest pressure from the last remote scan."_s}};
+}
+
+DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now) {
+    if (!shown) {
+        return {.heading = u"Remote Detail"_s};
+    }
+    const auto& [machine, profile] = *shown;
+    const QString status = text(title(machine.status));
+    return {.heading = u"Remote Detail: "_s + text(machine.hostName),
+            .facts = {{u"Profile"_s,
+                       profile.nickname.empty() ? u"No nickname"_s : text(profile.nickname),
+                       profile.role.empty() ? u"No role"_s : text(profile.role)},
+                      {u"Status"_s, status, u"Checked "_s + age(machine.sampledAt, now)},
+                      {u"Load"_s, percentOrNone(machine.cpuPercent) + u" CPU"_s,
+                       u"Memory "_s + percentOrNone(machine.memoryPercent)}},
+            .status = status,
+            .isReachable = isReachable(machine),
+            .recommendation = text(machine.recommendation)};
+}
+
+const RemoteHealth* selectedMachine(const std::vector<RemoteHealth>& machines,
+                                    const std::string& id) {
+    const auto found = std::ranges::find(machines, id, &RemoteHealth::id);
+    return found != machines.end() ? &*found : machines.empty() ? nullptr : &machines.front();
+}
+
+PeerLine peerLine(const TailDevice& peer) {
+    PeerLine line;
+    line.name = bounded(peer.name);
+    line.place = bounded(peer.os) + u" · "_s +
+                 (peer.addresses.empty() ? u"no address"_s : bounded(peer.addresses.front()));
+    if (peer.active || peer.inMagicSock) {
+        line.path = PeerPath::active;
+        line.pathText = u"Tailscale path: "_s + (!peer.currentAddress.empty()
+                                                     ? bounded(peer.currentAddress)
+                                                 : !peer.relay.empty()
+                                                     ? u"relay "_s + bounded(peer.relay)
+                                                     : u"path active"_s);
+    } else {
+        line.path = peer.online ? PeerPath::listed : PeerPath::offline;
+        line.pathText = peer.online ? u"Listed online, but no active path yet"_s : u"Offline"_s;
+    }
+    return line;
+}
+
+QStringList healthIssues(const std::vector<std::string>& issues) {
+    constexpr std::size_t mostIssues = 6;
+    QStringList lines;
+    for (std::size_t i = 0; i < std::min(issues.size(), mostIssues); ++i) {
+        lines.append(bounded(issues[i]));
+    }
+    if (issues.size() > mostIssues) {
+        lines.append(
+            u"and %1 more"_s.arg(count(static_cast<std::int64_t>(issues.size() - mostIssues))));
+    }
+    return lines;
+}
+
+}  // namespace tallowcrest::remote_macs_lines

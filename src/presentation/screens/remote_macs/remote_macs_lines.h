@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QString>
+#include <QStringList>
+
+#include "core/remote_records.h"
+#include "presentation/words/session_lines.h"
+#include "remote/remote_scan.h"
+
+namespace tallowcrest {
+
+/// A machine of the last scan with its profile. The references must outlive the value.
+struct ProfiledMachine {
+    const RemoteHealth& machine;
+    const RemoteProfile& profile;
+};
+
+/// The texts of the page of the other machines. Main thread.
+namespace remote_macs_lines {
+
+/// How long ago a figure was taken: "just now" within the first minute and when the clock was set
+/// back, then "2 min ago", "3 h ago", "1 day ago".
+QString age(Date date, Date now);
+
+/// How many machines of the last scan could not be sampled.
+std::size_t unreachableCount(const std::vector<RemoteHealth>& machines);
+/// "3 remote Macs need attention."
+QString attention(const std::vector<RemoteHealth>& machines);
+
+/// A machine that the owner should look at.
+struct AttentionLine {
+    std::string id;  ///< of the record
+    QString name;    ///< the nickname, or else the name of the host
+    QString why;     ///< the status, or the figure
+    QString what;    ///< what to do about it
+
+    bool operator==(const AttentionLine&) const = default;
+};
+
+/// The machines that could not be sampled, in their order, and then those whose memory is at or
+/// above the threshold of their profile, the highest first.
+std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines);
+inline constexpr std::size_t mostAttentionLines = 5;
+/// What stands below the lines when there are more than `mostAttentionLines`; else empty.
+QString moreAttention(std::size_t lines);
+
+/// When the machines were scanned, or how far the running scan is.
+QString scanState(const RemoteScanState& scan, Date now);
+/// "Scanning studio-mac, 3 of 12"; empty while no scan runs.
+QString scanProgress(const RemoteScanState& scan);
+
+/// "Reachable", "Known Peers" and "Highest Memory", in this order.
+std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers);
+inline constexpr std::size_t summaryCards = 3;
+
+/// The texts about the selected machine.
+struct DetailLines {
+    QString heading;
+    /// "Profile", "Status" and "Load"; empty without a machine.
+    std::vector<SummaryTexts> facts = {};
+    QString status = {};
+    bool isReachable = false;
+    QString recommendation = {};
+
+    bool operator==(const DetailLines&) const = default;
+};
+inline constexpr std::size_t detailFacts = 3;
+
+/// `shown` is absent when no machine has been scanned.
+DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now);
+
+/// The record with that identifier, or else the first one; null when there is none.
+const RemoteHealth* selectedMachine(const std::vector<RemoteHealth>& machines,
+                                    const std::string& id);
+
+enum class PeerPath { active, listed, offline };
+
+/// One peer of the tailnet as its row shows it.
+struct PeerLine {
+    QString name;
+    QString place;  ///< system and address
+    PeerPath path = PeerPath::offline;
+    QString pathText;
+};
+
+/// Texts of any length come as at most a few hundred characters.
+PeerLine peerLine(const TailDevice& peer);
+
+/// The problems of the tailnet's client, a few at most and then how many more there are.
+QStringList healthIssues(const std::vector<std::string>& issues);
+
+}  // namespace remote_macs_lines
+
+}  // namespace tallowcrest

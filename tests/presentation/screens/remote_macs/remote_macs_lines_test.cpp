@@ -1,0 +1,237 @@
+#include "presentation/screens/remote_macs/remote_macs_lines.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/presentation/scoped_locale.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Status = RemoteHealth::Status;
+namespace macs = remote_macs_lines;
+
+class RemoteMacsLinesTest : public testing::Test {
+protected:
+    static constexpr Date now{1000000.0};
+
+    static RemoteHealth machine(const char* name, Status status,
+                         std::optional<double> memory = std::nullopt) {
+        return {.id = std::string("id-") + name,
+                .hostName = name,
+                .status = status,
+                .memoryPercent = memory,
+                .recommendation = std::string("Help ") + name + ".",
+                .sampledAt = now};
+    }
+
+    const ScopedLocale locale{"en_US"};
+};
+
+TEST_F(RemoteMacsLinesTest, AnAgeIsToldInTheLargestWholeUnit) {
+    struct Case {
+        double seconds;
+        const char* words;
+    };
+    for (const auto& [seconds, words] :
+         {Case{-7200.0, "just now"}, Case{0.0, "just now"}, Case{59.9, "just now"},
+          Case{60.0, "1 min ago"}, Case{3599.0, "59 min ago"}, Case{3600.0, "1 h ago"},
+          Case{86399.0, "23 h ago"}, Case{86400.0, "1 day ago"}, Case{172799.0, "1 day ago"},
+          Case{172800.0, "2 days ago"}, Case{86400.0 * 1234, "1,234 days ago"}}) {
+        EXPECT_EQ(macs::age({now.secondsSinceReference - seconds}, now),
+                  QString::fromLatin1(words))
+            << seconds;
+    }
+}
+
+// The summary ------------------------------------------------------------------------------------
+
+TEST_F(RemoteMacsLinesTest, EveryStatusButReachableNeedsAttention) {
+    std::vector<RemoteHealth> machines;
+    EXPECT_EQ(macs::attention(machines), u"0 remote Macs need attention."_s);
+    machines.push_back(machine("a", Status::reachable, 99.0));
+    EXPECT_EQ(macs::attention(machines), u"0 remote Macs need attention."_s);
+    for (const Status each : {Status::noTailnetPath, Status::noAddress, Status::connectionBlocked,
+                              Status::hostKeyIssue, Status::authNeeded, Status::unknown}) {
+        machines.push_back(machine("b", each));
+        const std::size_t troubled = machines.size() - 1;
+        EXPECT_EQ(macs::unreachableCount(machines), troubled);
+        EXPECT_EQ(macs::attention(machines), troubled == 1
+                                                  ? u"1 remote Mac need attention."_s
+                                                  : u"%1 remote Macs need attention."_s.arg(
+                                                        troubled));
+    }
+}
+
+TEST_F(RemoteMacsLinesTest, MachinesOutOfReachComeBeforeThoseWithTheMostMemoryInUse) {
+    const RemoteProfile atEighty{.warningThreshold = 80.0};
+    const RemoteProfile named{.nickname = "Studio", .warningThreshold = 60.0};
+    const RemoteHealth below = machine("below", Status::reachable, 79.9);
+    const RemoteHealth at = machine("at", Status::reachable, 80.0);
+    const RemoteHealth highest = machine("highest", Status::reachable, 95.4);
+    const RemoteHealth nothing = machine("nothing", Status::reachable);
+    const RemoteHealth blocked = machine("blocked", Status::connectionBlocked);
+    const RemoteHealth locked = machine("locked", Status::authNeeded, 99.0);
+    EXPECT_THAT(
+        macs::attentionLines({{below, atEighty},
+                               {at, atEighty},
+                               {blocked, atEighty},
+                               {nothing, atEighty},
+                               {highest, named},
+                               {locked, named}}),
+        ElementsAre(
+            macs::AttentionLine{"id-blocked", u"blocked"_s, u"Connection Blocked"_s,
+                                 u"Help blocked."_s},
+            macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s},
+            macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
+            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
+    EXPECT_THAT(macs::attentionLines({{below, atEighty}}), IsEmpty());
+}
+
+TEST_F(RemoteMacsLinesTest, LinesThatAreNotShownAreCounted) {
+    EXPECT_EQ(macs::moreAttention(0), QString());
+    EXPECT_EQ(macs::moreAttention(macs::mostAttentionLines), QString());
+    EXPECT_EQ(macs::moreAttention(macs::mostAttentionLines + 1), u"and 1 more below"_s);
+    EXPECT_EQ(macs::moreAttention(2000), u"and 1,995 more below"_s);
+}
+
+TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
+    RemoteScanState scan;
+    EXPECT_EQ(macs::scanProgress(scan), QString());
+    EXPECT_EQ(macs::scanState(scan, now), u"Not scanned yet"_s);
+    scan.remoteScanInProgress = true;
+    EXPECT_EQ(macs::scanState(scan, now), u"Beginning the scan"_s);
+    scan.progress = RemoteScanProgress{3, 12, "studio\nmac"};
+    EXPECT_EQ(macs::scanProgress(scan), u"Scanning studio\uFFFDmac, 3 of 12"_s);
+    EXPECT_EQ(macs::scanState(scan, now), macs::scanProgress(scan));
+    scan = {};
+    scan.remoteHealth = {machine("a", Status::reachable), machine("b", Status::reachable)};
+    scan.remoteHealth[1].sampledAt = {now.secondsSinceReference - 600.0};
+    EXPECT_EQ(macs::scanProgress(scan), QString());
+    EXPECT_EQ(macs::scanState(scan, now), u"Last scan: just now"_s);
+    EXPECT_EQ(macs::scanState(scan, {now.secondsSinceReference + 120.0}),
+              u"Last scan: 2 min ago"_s);
+}
+
+TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
+    EXPECT_THAT(
+        macs::summary({}, 4),
+        ElementsAre(SummaryTexts{u"Reachable"_s, u"0"_s, u"No remote scan yet."_s},
+                    SummaryTexts{u"Known Peers"_s, u"4"_s, u"Discovered from Tailscale status."_s},
+                    SummaryTexts{u"Highest Memory"_s, u"–"_s,
+                                 u"Highest pressure from the last remote scan."_s}));
+    const auto after = macs::summary({machine("a", Status::reachable, 0.0),
+                                       machine("b", Status::unknown),
+                                       machine("c", Status::reachable, 71.6)},
+                                      2000);
+    EXPECT_EQ(after[0].value, u"2"_s);
+    EXPECT_EQ(after[0].detail, u"Of 3 in the last remote scan."_s);
+    EXPECT_EQ(after[1].value, u"2,000"_s);
+    EXPECT_EQ(after[2].value, u"72%"_s);
+    EXPECT_EQ(macs::summary({machine("a", Status::reachable, 0.0)}, 1)[2].value, u"0%"_s);
+}
+
+// The detail -------------------------------------------------------------------------------------
+
+TEST_F(RemoteMacsLinesTest, TheSelectedMachineIsTheFirstUnlessOneIsNamed) {
+    const std::vector<RemoteHealth> machines{machine("a", Status::reachable),
+                                             machine("b", Status::unknown)};
+    EXPECT_EQ(macs::selectedMachine({}, "id-a"), nullptr);
+    EXPECT_EQ(macs::selectedMachine(machines, ""), &machines[0]);
+    EXPECT_EQ(macs::selectedMachine(machines, "id-b"), &machines[1]);
+    EXPECT_EQ(macs::selectedMachine(machines, "id-gone"), &machines[0]);
+}
+
+TEST_F(RemoteMacsLinesTest, TheDetailTellsProfileStatusAndLoad) {
+    EXPECT_EQ(macs::detail(std::nullopt, now), (macs::DetailLines{.heading = u"Remote Detail"_s}));
+    RemoteHealth studio = machine("studio", Status::reachable, 71.4);
+    studio.cpuPercent = 12.6;
+    studio.sampledAt = {now.secondsSinceReference - 130.0};
+    const auto known =
+        macs::detail(ProfiledMachine{studio, {.nickname = "Big", .role = "render"}}, now);
+    EXPECT_EQ(known.heading, u"Remote Detail: studio"_s);
+    EXPECT_THAT(known.facts,
+                ElementsAre(SummaryTexts{u"Profile"_s, u"Big"_s, u"render"_s},
+                            SummaryTexts{u"Status"_s, u"Reachable"_s, u"Checked 2 min ago"_s},
+                            SummaryTexts{u"Load"_s, u"13% CPU"_s, u"Memory 71%"_s}));
+    EXPECT_TRUE(known.isReachable);
+    EXPECT_EQ(known.recommendation, u"Help studio."_s);
+
+    const auto unknown =
+        macs::detail(ProfiledMachine{machine("mini", Status::hostKeyIssue), {}}, now);
+    EXPECT_THAT(unknown.facts,
+                ElementsAre(SummaryTexts{u"Profile"_s, u"No nickname"_s, u"No role"_s},
+                            SummaryTexts{u"Status"_s, u"Host Key Issue"_s, u"Checked just now"_s},
+                            SummaryTexts{u"Load"_s, u"– CPU"_s, u"Memory –"_s}));
+    EXPECT_EQ(unknown.status, u"Host Key Issue"_s);
+    EXPECT_FALSE(unknown.isReachable);
+}
+
+// The peers --------------------------------------------------------------------------------------
+
+TEST_F(RemoteMacsLinesTest, ThePathOfAPeer) {
+    struct Case {
+        const char* name;
+        TailDevice peer;
+        macs::PeerPath path;
+        const char* words;
+    };
+    const Case cases[] = {
+        {"direct",
+         {.active = true, .currentAddress = "192.0.2.7:41641", .relay = "fra"},
+         macs::PeerPath::active,
+         "Tailscale path: 192.0.2.7:41641"},
+        {"over a relay",
+         {.inMagicSock = true, .relay = "fra"},
+         macs::PeerPath::active,
+         "Tailscale path: relay fra"},
+        {"neither known", {.active = true}, macs::PeerPath::active, "Tailscale path: path active"},
+        {"active although offline",
+         {.online = false, .inMagicSock = true},
+         macs::PeerPath::active,
+         "Tailscale path: path active"},
+        {"addresses without a path",
+         {.online = true, .currentAddress = "192.0.2.7:41641", .relay = "fra"},
+         macs::PeerPath::listed,
+         "Listed online, but no active path yet"},
+        {"offline", {.relay = "fra"}, macs::PeerPath::offline, "Offline"},
+    };
+    for (const auto& [name, peer, path, words] : cases) {
+        const macs::PeerLine line = macs::peerLine(peer);
+        EXPECT_EQ(line.path, path) << name;
+        EXPECT_EQ(line.pathText, QString::fromLatin1(words)) << name;
+    }
+}
+
+TEST_F(RemoteMacsLinesTest, ThePlaceOfAPeerIsItsSystemAndItsFirstAddress) {
+    EXPECT_EQ(macs::peerLine({.addresses = {"100.64.0.7", "fd7a::7"}, .os = "macOS"}).place,
+              u"macOS · 100.64.0.7"_s);
+    EXPECT_EQ(macs::peerLine({.os = "unknown"}).place, u"unknown · no address"_s);
+}
+
+TEST_F(RemoteMacsLinesTest, AHostilePeerIsPlainTextOfBoundedLength) {
+    const std::string hostile = "<b>x</b>\n\xE2\x80\xAE" + std::string(10000, 'x');
+    const auto line = macs::peerLine(
+        {.name = hostile, .addresses = {hostile}, .os = hostile, .active = true, .relay = hostile});
+    for (const QString& each : {line.name, line.place, line.pathText}) {
+        EXPECT_LE(each.size(), 600);
+        EXPECT_FALSE(each.contains(u'\n'));
+        EXPECT_FALSE(each.contains(QChar(0x202E)));
+    }
+    EXPECT_TRUE(line.name.startsWith(u"<b>x</b>"_s)) << "shown as it is, not as markup";
+}
+
+TEST_F(RemoteMacsLinesTest, ManyProblemsOfTheClientAreCut) {
+    EXPECT_THAT(macs::healthIssues({}), IsEmpty());
+    EXPECT_THAT(macs::healthIssues({"No DNS.\r", "No route."}),
+                ElementsAre(u"No DNS.\uFFFD"_s, u"No route."_s));
+    const QStringList many = macs::healthIssues(std::vector<std::string>(1006, "Bad."));
+    EXPECT_EQ(many.size(), 7);
+    EXPECT_EQ(many.last(), u"and 1,000 more"_s);
+}
+
+}  // namespace
+}  // namespace tallowcrest
