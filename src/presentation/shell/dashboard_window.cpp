@@ -18,6 +18,7 @@
 #include "presentation/screens/load/load_page.h"
 #include "presentation/screens/optimize/optimize_page.h"
 #include "presentation/screens/overview/overview_page.h"
+#include "presentation/screens/remote_macs/remote_macs_page.h"
 #include "presentation/screens/settings/settings_page.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
@@ -141,6 +142,8 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new LoadPage(monitor_, state_);
         case AppRoute::optimize:
             return new OptimizePage(monitor_, state_);
+        case AppRoute::remoteMacs:
+            return new RemoteMacsPage(monitor_, state_);
         case AppRoute::history:
             return new HistoryPage(monitor_);
         case AppRoute::settings:

@@ -42,6 +42,11 @@ public:
     SettingsTabKind settingsTab() const { return settingsTab_; }
     void setSettingsTab(SettingsTabKind tab) { set(settingsTab_, tab); }
 
+    /// The identifier of the remote machine under inspection; empty until the owner chooses one. The
+    /// machine may have left the tailnet since.
+    const std::string& selectedRemoteID() const { return selectedRemoteID_; }
+    void setSelectedRemoteID(std::string id) { set(selectedRemoteID_, std::move(id)); }
+
 private:
     template <class Field, class Value>
     void set(Field& field, Value&& value) {
@@ -56,6 +61,7 @@ private:
     std::unique_ptr<Observable> observable_;
     AppRoute selectedRoute_ = AppRoute::overview;
     std::string processFilter_;
+    std::string selectedRemoteID_;
     bool showSettings_ = false;
     SettingsTabKind settingsTab_ = SettingsTabKind::remote;
 };

@@ -75,6 +75,8 @@ Sources sourcesOfPage(AppRoute route) {
             return {sample, processDetails, review, settings, actions, automation};
         case AppRoute::optimizationSuggestions:
             return {sample, settings, automation};
+        case AppRoute::remoteMacs:
+            return {tailnet, remoteScan, remoteProfiles, settings, navigation};
         case AppRoute::history:
         case AppRoute::settings:
             return {sample, log, settings, rules};

@@ -31,8 +31,6 @@ QString comingLine(AppRoute route) {
             return u"Here you will read explained recommendations and review proposed actions."_s;
         case AppRoute::chat:
             return u"Here you will ask questions about the current diagnostics."_s;
-        case AppRoute::remoteMacs:
-            return u"Here you will see the other machines of your tailnet."_s;
         default:
             // The others have screens of their own.
             return {};

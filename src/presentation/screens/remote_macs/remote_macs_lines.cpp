@@ -170,11 +170,10 @@ PeerLine peerLine(const TailDevice& peer) {
                  (peer.addresses.empty() ? u"no address"_s : bounded(peer.addresses.front()));
     if (peer.active || peer.inMagicSock) {
         line.path = PeerPath::active;
-        line.pathText = u"Tailscale path: "_s + (!peer.currentAddress.empty()
-                                                     ? bounded(peer.currentAddress)
-                                                 : !peer.relay.empty()
-                                                     ? u"relay "_s + bounded(peer.relay)
-                                                     : u"path active"_s);
+        line.pathText =
+            u"Tailscale path: "_s + (!peer.currentAddress.empty() ? bounded(peer.currentAddress)
+                                     : !peer.relay.empty() ? u"relay "_s + bounded(peer.relay)
+                                                           : u"path active"_s);
     } else {
         line.path = peer.online ? PeerPath::listed : PeerPath::offline;
         line.pathText = peer.online ? u"Listed online, but no active path yet"_s : u"Offline"_s;

@@ -1,0 +1,198 @@
+#include "presentation/screens/remote_macs/remote_macs_page.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include "actions/actions.h"
+#include "actions/desktop_actions.h"
+#include "core/clock.h"
+#include "core/jobs/jobs.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/system_monitor.h"
+#include "presentation/screens/remote_macs/attention_card.h"
+#include "presentation/screens/remote_macs/local_health_card.h"
+#include "presentation/screens/remote_macs/remote_detail_card.h"
+#include "presentation/screens/remote_macs/remote_macs_commands.h"
+#include "presentation/screens/remote_macs/remote_macs_lines.h"
+#include "presentation/screens/remote_macs/setup_checklist_card.h"
+#include "presentation/screens/remote_macs/tailscale_block.h"
+#include "presentation/state/window_state.h"
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/theme.h"
+#include "remote/remote.h"
+#include "sampling/latest_sample.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+
+RemoteMacsPage::RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
+    layOutParts();
+    connectParts();
+    if (!monitor_.sample().snapshot()) {
+        firstSample_ = monitor_.sample().observable().subscribe([this] {
+            if (monitor_.sample().snapshot()) {
+                refreshSummary();
+                firstSample_ = {};
+            }
+        });
+    }
+}
+
+RemoteMacsPage::~RemoteMacsPage() = default;
+
+void RemoteMacsPage::layOutParts() {
+    auto* content = new QWidget;
+    auto* layout = makePageColumn(*content);
+    attention_ = new AttentionCard;
+    summary_.emplace(u"remote.summary-card"_s, remote_macs_lines::summaryCards, content);
+    detail_ = new RemoteDetailCard;
+    tailscale_ = new TailscaleBlock;
+    localHealth_ = new LocalHealthCard;
+    setup_ = new SetupChecklistCard;
+    parts_ = {attention_, summary_->widget(), detail_, tailscale_, localHealth_, setup_};
+    for (QWidget* each : parts_) {
+        layout->addWidget(each);
+    }
+    layout->addStretch(1);
+    area_ = scrollOnPage(content, *this);
+}
+
+void RemoteMacsPage::connectParts() {
+    Remote& remote = monitor_.remote();
+    ExternalApplications& applications = monitor_.actions().applications;
+    connect(attention_, &AttentionCard::machineWanted, this, [this](const std::string& id) {
+        state_.navigation.setSelectedRemoteID(id);
+        bringIntoView(*detail_);
+    });
+    connect(detail_, &RemoteDetailCard::reportWanted, this, [this, &remote] {
+        if (const RemoteHealth* machine = selectedMachine()) {
+            remote.actions.copyRemoteReport(*machine);
+        }
+    });
+    connect(detail_, &RemoteDetailCard::safeStepWanted, this, [this, &remote] {
+        if (const RemoteHealth* machine = selectedMachine()) {
+            remote.actions.remoteOptimizeSafely(*machine);
+        }
+    });
+    connect(tailscale_, &OverviewBlock::collapseWanted, this, [this](bool collapsed) {
+        state_.sections.setCollapsed(tailscale_->section(), collapsed);
+    });
+    connect(tailscale_, &TailscaleBlock::scanWanted, this,
+            [&remote] { remote.scan.scanRemoteMacs(); });
+    connect(tailscale_, &TailscaleBlock::tailscaleWanted, this,
+            [&applications] { applications.openTailscaleApp(); });
+    connect(localHealth_, &LocalHealthCard::tailscaleWanted, this,
+            [&applications] { applications.openTailscaleApp(); });
+    connect(localHealth_, &LocalHealthCard::healthTestWanted, this,
+            [&remote] { remote.tailnet.copyTailscaleHealthCommand(); });
+    connect(setup_, &SetupChecklistCard::setupScriptWanted, this,
+            [&remote] { remote.actions.exportRemoteSetupScript(); });
+    connect(setup_, &SetupChecklistCard::settingsWanted, this, &RemoteMacsPage::openRemoteSettings);
+}
+
+std::vector<Observable*> RemoteMacsPage::shows() const {
+    Remote& remote = monitor_.remote();
+    return {&remote.tailnet.observable(), &remote.scan.observable(), &remote.profiles.observable(),
+            &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
+}
+
+std::vector<HeaderAction> RemoteMacsPage::headerActions() {
+    return {{remote_macs_commands::scan, u"remote.scan"_s, [this] { scan(); }}};
+}
+
+void RemoteMacsPage::showEvent(QShowEvent* event) {
+    Screen::showEvent(event);
+    ageTimer_ = monitor_.services().jobs.mainQueue().scheduleRepeating(std::chrono::minutes(1),
+                                                                       [this] { refresh(); });
+}
+
+void RemoteMacsPage::hideEvent(QHideEvent* event) {
+    Screen::hideEvent(event);
+    ageTimer_.reset();
+}
+
+void RemoteMacsPage::refresh() {
+    area_->keepInPlace(partToKeep());
+    const TailnetState& tailnet = monitor_.remote().tailnet.state();
+    refreshSummary();
+    refreshDetail();
+    tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
+    tailscale_->show(tailnet.tailDevices,
+                     remote_macs_lines::scanProgress(monitor_.remote().scan.state()));
+    localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
+    localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
+}
+
+void RemoteMacsPage::refreshSummary() {
+    const Remote& remote = monitor_.remote();
+    const RemoteScanState& scan = remote.scan.state();
+    std::vector<RemoteProfile> profiles;
+    profiles.reserve(scan.remoteHealth.size());
+    std::vector<ProfiledMachine> machines;
+    for (const RemoteHealth& each : scan.remoteHealth) {
+        machines.push_back(
+            {each, profiles.emplace_back(remote.profiles.remoteProfile(each.hostName))});
+    }
+    attention_->show(
+        {.summary = monitor_.sample().snapshot() ? remote_macs_lines::attention(scan.remoteHealth)
+                                                 : u"Sampling this Mac..."_s,
+         .scanState = remote_macs_lines::scanState(scan, monitor_.services().clock.now()),
+         .isScanned = !scan.remoteHealth.empty(),
+         .lines = remote_macs_lines::attentionLines(machines)});
+    summary_->show(
+        remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
+}
+
+void RemoteMacsPage::refreshDetail() {
+    const Date now = monitor_.services().clock.now();
+    const RemoteHealth* machine = selectedMachine();
+    if (machine == nullptr) {
+        detail_->show(remote_macs_lines::detail(std::nullopt, now));
+        return;
+    }
+    const RemoteProfile profile = monitor_.remote().profiles.remoteProfile(machine->hostName);
+    detail_->show(remote_macs_lines::detail(ProfiledMachine{*machine, profile}, now));
+}
+
+const RemoteHealth* RemoteMacsPage::selectedMachine() const {
+    return remote_macs_lines::selectedMachine(monitor_.remote().scan.state().remoteHealth,
+                                              state_.navigation.selectedRemoteID());
+}
+
+void RemoteMacsPage::scan() {
+    if (monitor_.remote().scan.state().remoteScanInProgress) {
+        bringIntoView(*attention_);
+    } else {
+        monitor_.remote().scan.scanRemoteMacs();
+    }
+}
+
+void RemoteMacsPage::openRemoteSettings() {
+    state_.navigation.setSettingsTab(SettingsTabKind::remote);
+    state_.navigation.setShowSettings(true);
+}
+
+void RemoteMacsPage::bringIntoView(QWidget& part) {
+    // The part may be about to change with the selected machine.
+    refresh();
+    QScrollBar* bar = area_->verticalScrollBar();
+    bar->setValue(bar->value() + area_->placeInView(part) - spacing::gap);
+    area_->keepInPlace(&part);
+}
+
+QWidget* RemoteMacsPage::partToKeep() const {
+    if (area_->verticalScrollBar()->value() == 0) {
+        return nullptr;
+    }
+    const auto first = std::ranges::find_if(parts_, [this](const QWidget* part) {
+        return part->isVisible() && area_->placeInView(*part) + part->height() > 0;
+    });
+    return first == parts_.end() ? nullptr : *first;
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/observable.h"
+#include "core/remote_records.h"
+#include "presentation/screens/shared/screen.h"
+#include "presentation/screens/shared/summary_cards.h"
+
+namespace tallowcrest {
+
+class AttentionCard;
+class LocalHealthCard;
+class PageScrollArea;
+class RemoteDetailCard;
+class RepeatingTimer;
+class SetupChecklistCard;
+class SystemMonitor;
+class TailscaleBlock;
+struct WindowState;
+
+/// The other machines of the tailnet: which of them need attention, what the last scan found, and
+/// what can be done for them. A sample changes nothing here, so it does not refresh the page. While
+/// the page shows, the ages of the figures are brought up to date once a minute. Main thread.
+class RemoteMacsPage final : public Screen {
+    Q_OBJECT
+
+public:
+    explicit RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidget* parent = nullptr);
+    ~RemoteMacsPage() override;
+
+    void refresh() override;
+    std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
+
+protected:
+    void hideEvent(QHideEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void layOutParts();
+    void connectParts();
+    void refreshSummary();
+    void refreshDetail();
+    /// Null without a scan.
+    const RemoteHealth* selectedMachine() const;
+    /// Starts a scan, or shows how far the running one is.
+    void scan();
+    void openRemoteSettings();
+    /// Scrolls the top of a part of the page into view.
+    void bringIntoView(QWidget& part);
+    /// What stays where it is in the view when parts above it change their height. Null at the top
+    /// of the page.
+    QWidget* partToKeep() const;
+
+    SystemMonitor& monitor_;
+    WindowState& state_;
+    PageScrollArea* area_ = nullptr;
+    AttentionCard* attention_ = nullptr;
+    std::optional<SummaryCards> summary_;
+    RemoteDetailCard* detail_ = nullptr;
+    TailscaleBlock* tailscale_ = nullptr;
+    LocalHealthCard* localHealth_ = nullptr;
+    SetupChecklistCard* setup_ = nullptr;
+    std::vector<QWidget*> parts_;  ///< from top to bottom
+    Subscription firstSample_;
+    std::unique_ptr<RepeatingTimer> ageTimer_;
+};
+
+}  // namespace tallowcrest

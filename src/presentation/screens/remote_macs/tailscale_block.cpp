@@ -1,0 +1,94 @@
+#include "presentation/screens/remote_macs/tailscale_block.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "presentation/screens/remote_macs/peer_list.h"
+#include "presentation/screens/remote_macs/remote_macs_commands.h"
+#include "presentation/screens/shared/command_button.h"
+#include "presentation/widgets/button.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+QString peerCount(std::size_t peers) {
+    return dashboard_text::count(static_cast<std::int64_t>(peers)) +
+           (peers == 1 ? u" peer"_s : u" peers"_s);
+}
+
+}  // namespace
+
+TailscaleBlock::TailscaleBlock()
+    : OverviewBlock(DashboardSection::tailscale, u"remote.tailscale"_s,
+                    u"antenna.radiowaves.left.and.right"_s,
+                    dashboard_text::text(title(DashboardSection::tailscale))) {
+    bodyLayout()->addWidget(makeActions());
+    empty_ = new ElidedLabel(u"No Tailscale peers were reported by the local CLI."_s,
+                             onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
+    empty_->setObjectName(u"remote.tailscale.empty"_s);
+    empty_->setLines(1, 2);
+    bodyLayout()->addWidget(empty_);
+    peers_ = new PeerList(body());
+    peers_->hide();
+    bodyLayout()->addWidget(peers_);
+    auto* note = new ElidedLabel(
+        u"Remote process control should be enabled per Mac via SSH or a small helper agent; "
+        "this panel is the discovery layer."_s,
+        onCard(&CrestFonts::caption, &CrestTheme::secondaryText), body());
+    note->setObjectName(u"remote.tailscale.note"_s);
+    note->setLines(1, 4);
+    bodyLayout()->addWidget(note);
+}
+
+QWidget* TailscaleBlock::makeActions() {
+    auto* actions = new QWidget(body());
+    auto* row = new QHBoxLayout(actions);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing::unit);
+    scan_ = makeButton(remote_macs_commands::scan, u"remote.tailscale.scan"_s, actions);
+    makePrimary(*scan_);
+    connect(scan_, &QPushButton::clicked, this, &TailscaleBlock::scanWanted);
+    auto* open =
+        makeButton(remote_macs_commands::openTailscale, u"remote.tailscale.open"_s, actions);
+    connect(open, &QPushButton::clicked, this, &TailscaleBlock::tailscaleWanted);
+    progress_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), actions);
+    progress_->setObjectName(u"remote.tailscale.progress"_s);
+    progress_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    row->addWidget(scan_);
+    row->addWidget(open);
+    row->addWidget(progress_, 1);
+    return actions;
+}
+
+void TailscaleBlock::show(const std::vector<TailDevice>& peers, const QString& progress) {
+    header()->setNote(isCollapsed() ? peerCount(peers.size()) : QString());
+    if (isCollapsed()) {
+        return;
+    }
+    showProgress(progress);
+    peers_->setPeers(peers);
+    peers_->setVisible(!peers.empty());
+    empty_->setVisible(peers.empty());
+}
+
+void TailscaleBlock::showProgress(const QString& progress) {
+    progress_->setText(progress);
+    const bool isScanning = !progress.isEmpty();
+    if (isScanning == isScanning_) {
+        return;
+    }
+    isScanning_ = isScanning;
+    // The button beside it stays in place although this word is shorter.
+    scan_->setMinimumWidth(isScanning ? scan_->width() : 0);
+    scan_->setText(isScanning ? u"Scanning"_s
+                              : QString::fromUtf8(remote_macs_commands::scan.title));
+    scan_->setAccessibleName(scan_->text());
+    scan_->setEnabled(!isScanning);
+}
+
+}  // namespace tallowcrest
