@@ -1,12 +1,9 @@
 #include "presentation/widgets/section_header.h"
 
-#include <QFocusEvent>
-#include <QKeyEvent>
+#include <algorithm>
+
 #include <QPainter>
 
-#include "presentation/widgets/announcer.h"
-#include "presentation/widgets/button.h"
-#include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 
 using namespace Qt::StringLiterals;
@@ -15,43 +12,15 @@ namespace tallowcrest {
 namespace {
 
 constexpr int headerHeight = 40;
-constexpr int ringRadius = spacing::cardRadius - 3;
-constexpr float hoverOpacity = 0.05F;
 
 }  // namespace
 
 SectionHeader::SectionHeader(const QString& icon, const QString& title, QWidget* parent)
-    : QAbstractButton(parent), icon_(icon) {
-    installAccessibleButtons();
+    : CollapseButton(true, parent), icon_(icon) {
     setText(title);
     setAccessibleName(title);
-    setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    describe();
-    connect(this, &QAbstractButton::clicked, this, [this] { emit collapseWanted(isExpanded_); });
-}
-
-void SectionHeader::addAccessibleState(QAccessible::State& state) const {
-    state.expandable = true;
-    state.expanded = isExpanded_;
-    state.collapsed = !isExpanded_;
-}
-
-void SectionHeader::setExpanded(bool expanded) {
-    if (expanded == isExpanded_) {
-        return;
-    }
-    isExpanded_ = expanded;
-    describe();
-    update();
-    QAccessible::State changed;
-    changed.expanded = true;
-    changed.collapsed = true;
-    QAccessibleStateChangeEvent event(this, changed);
-    QAccessible::updateAccessibility(&event);
-    if (hasFocus()) {
-        announce(*this, expanded ? u"Expanded"_s : u"Collapsed"_s);
-    }
+    SectionHeader::describe();
 }
 
 void SectionHeader::setNote(const QString& note, const ThemeColor& color) {
@@ -65,7 +34,7 @@ void SectionHeader::setNote(const QString& note, const ThemeColor& color) {
 
 void SectionHeader::describe() {
     const QString action =
-        isExpanded_ ? u"Hides what this section shows"_s : u"Shows what this section holds"_s;
+        isExpanded() ? u"Hides what this section shows"_s : u"Shows what this section holds"_s;
     setAccessibleDescription(note_.isEmpty() ? action : spokenText(note_) + u". "_s + action);
 }
 
@@ -77,61 +46,17 @@ QSize SectionHeader::minimumSizeHint() const {
     return {12 * spacing::unit, headerHeight};
 }
 
-void SectionHeader::enterEvent(QEnterEvent* event) {
-    QAbstractButton::enterEvent(event);
-    update();
-}
-
-void SectionHeader::leaveEvent(QEvent* event) {
-    QAbstractButton::leaveEvent(event);
-    update();
-}
-
-void SectionHeader::focusInEvent(QFocusEvent* event) {
-    hasRing_ = showsFocusRing(event->reason(), hasRing_);
-    QAbstractButton::focusInEvent(event);
-}
-
-void SectionHeader::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Left:
-        case Qt::Key_Right: {
-            const bool wantsCollapsed = event->key() == Qt::Key_Left;
-            if (wantsCollapsed == isExpanded_) {
-                emit collapseWanted(wantsCollapsed);
-            }
-            return;
-        }
-        default:
-            if (!pressesByReturn(*this, *event)) {
-                QAbstractButton::keyPressEvent(event);
-            }
-    }
-}
-
 void SectionHeader::paintEvent(QPaintEvent*) {
     const CrestTheme& theme = CrestTheme::current();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const bool isRinged = hasFocus() && hasRing_;
-    if (underMouse() || isRinged) {
-        QColor fill = theme.text;
-        fill.setAlphaF(hoverOpacity);
-        painter.setBrush(underMouse() ? QBrush(fill) : QBrush(Qt::NoBrush));
-        painter.setPen(isRinged ? QPen(theme.accentText, 2) : QPen(Qt::NoPen));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(4, 4, -4, -4), ringRadius, ringRadius);
-    }
-
-    int left = spacing::cardPadding;
-    const auto drawIcon = [&](const QString& name, const QColor& color, int size) {
-        painter.drawPixmap(left, (height() - size) / 2,
-                           tintedIcon(name, color, size, devicePixelRatioF()));
-        left += size + spacing::unit;
-    };
-    drawIcon(isExpanded_ ? u"chevron.down"_s : u"chevron.right"_s, theme.secondaryText,
-             spacing::iconSmall);
+    paintGround(painter);
+    int left = paintChevron(painter, spacing::cardPadding, height() / 2);
     if (!icon_.isEmpty()) {
-        drawIcon(icon_, theme.secondaryText, spacing::iconRegular);
+        constexpr int size = spacing::iconRegular;
+        painter.drawPixmap(left, (height() - size) / 2,
+                           tintedIcon(icon_, theme.secondaryText, size, devicePixelRatioF()));
+        left += size + spacing::unit;
     }
 
     int right = width() - spacing::cardPadding;

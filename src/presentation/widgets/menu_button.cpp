@@ -1,0 +1,49 @@
+#include "presentation/widgets/menu_button.h"
+
+#include <QKeyEvent>
+#include <QMenu>
+
+#include "presentation/widgets/button.h"
+#include "presentation/widgets/icon.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+
+MenuButton::MenuButton(const QString& title, const QString& identifier, const QString& description,
+                       QWidget* parent)
+    : QPushButton(title, parent), menu_(new QMenu(this)) {
+    installAccessibleButtons();
+    setObjectName(identifier);
+    setAccessibleName(title);
+    setAccessibleDescription(description);
+    setToolTip(description);
+    setIcon(themedIcon(u"chevron.down"_s));
+    setIconSize({spacing::iconSmall, spacing::iconSmall});
+    menu_->setObjectName(identifier + u".menu"_s);
+    menu_->setAccessibleName(title);
+    // Not `QPushButton::setMenu`, which opens the menu on the press of the mouse button and waits
+    // within the press until it is closed.
+    connect(this, &QPushButton::clicked, this, &MenuButton::open);
+}
+
+void MenuButton::addAccessibleState(QAccessible::State& state) const {
+    state.hasPopup = true;
+}
+
+void MenuButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Down) {
+        open();
+    } else if (!pressesByReturn(*this, *event)) {
+        QPushButton::keyPressEvent(event);
+    }
+}
+
+void MenuButton::open() {
+    menu_->popup(mapToGlobal(QPoint(0, height())));
+    if (!menu_->actions().isEmpty()) {
+        menu_->setActiveAction(menu_->actions().constFirst());
+    }
+}
+
+}  // namespace tallowcrest
