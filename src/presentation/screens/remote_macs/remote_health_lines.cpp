@@ -1,0 +1,233 @@
+#include "presentation/screens/remote_macs/remote_health_lines.h"
+
+#include <QStringList>
+
+#include "presentation/words/dashboard_text.h"
+#include "remote/remote_process.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::remote_health_lines {
+namespace {
+
+using dashboard_text::text;
+
+constexpr std::string_view absentAddress = "no address";
+/// Of a name within an identifier.
+constexpr qsizetype longestIdentifier = 64;
+
+QString separator() {
+    return u" · "_s;
+}
+
+QString figure(const QString& name, const std::optional<double>& percent, const QString& absent) {
+    return name + u' ' + (percent ? dashboard_text::percentText(*percent) : absent);
+}
+
+QString orUnknown(const std::optional<std::string>& value) {
+    return value ? text(*value) : u"unknown"_s;
+}
+
+QString joined(QStringList parts, const QString& between) {
+    parts.removeAll(QString());
+    return parts.join(between);
+}
+
+QString cpuText(double percent) {
+    return dashboard_text::percentWithDecimal(percent) + u" CPU"_s;
+}
+
+}  // namespace
+
+bool needsAttention(const RemoteHealth& machine, const RemoteProfile& profile) {
+    return machine.status != RemoteHealth::Status::reachable || isMemoryHigh(machine, profile);
+}
+
+bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile) {
+    return machine.memoryPercent && *machine.memoryPercent >= profile.warningThreshold;
+}
+
+QString statusIcon(RemoteHealth::Status status) {
+    return status == RemoteHealth::Status::reachable ? u"checkmark.circle"_s
+                                                     : u"exclamationmark.triangle.fill"_s;
+}
+
+QString displayName(const RemoteHealth& machine, const RemoteProfile& profile) {
+    for (const std::string* name : {&profile.nickname, &machine.hostName}) {
+        if (!name->empty()) {
+            return text(*name);
+        }
+    }
+    return text(machine.address);
+}
+
+QString age(Date sampledAt, Date now) {
+    constexpr double minute = 60;
+    constexpr double hour = 60 * minute;
+    constexpr double day = 24 * hour;
+    const double seconds = secondsBetween(sampledAt, now);
+    if (!(seconds >= 0 && seconds < day)) {
+        return dashboard_text::shortTimeText(sampledAt, now);
+    }
+    if (seconds < minute) {
+        return u"just now"_s;
+    }
+    return seconds < hour
+               ? u"%1 min ago"_s.arg(dashboard_text::count(static_cast<int>(seconds / minute)))
+               : u"%1 h ago"_s.arg(dashboard_text::count(static_cast<int>(seconds / hour)));
+}
+
+Head head(const RemoteHealthFacts& facts) {
+    const RemoteHealth& machine = facts.machine;
+    const QString name = displayName(machine, facts.profile);
+    const QString host = text(machine.hostName);
+    const QString shownHost = host == name ? QString() : host;
+    const QString status = text(title(machine.status));
+    const QString word = isMemoryHigh(machine, facts.profile) ? u"High"_s : QString();
+    const QString sampled = age(machine.sampledAt, facts.now);
+    const auto figures = [&machine](const QString& absent) {
+        return std::pair(figure(u"CPU"_s, machine.cpuPercent, absent),
+                         figure(u"Memory"_s, machine.memoryPercent, absent));
+    };
+    const auto [cpu, memory] = figures(dashboard_text::noFigure());
+    const auto [spokenCPU, spokenMemory] = figures(u"unknown"_s);
+    return {.name = name,
+            .host = shownHost,
+            .status = status,
+            .statusIcon = statusIcon(machine.status),
+            .isReachable = machine.status == RemoteHealth::Status::reachable,
+            .cpu = cpu,
+            .memory = memory,
+            .memoryWord = word,
+            .age = sampled,
+            .spokenName = joined({name, shownHost, status}, u", "_s),
+            .spokenFigures = joined({spokenCPU, spokenMemory, word, sampled}, u", "_s)};
+}
+
+QString profileLine(const RemoteProfile& profile) {
+    return u"Profile: "_s + joined({text(profile.nickname), text(profile.role),
+                                    dashboard_text::warnAt(profile.warningThreshold)},
+                                   separator());
+}
+
+QString systemLine(const RemoteHealth& machine) {
+    return (machine.isLinux ? u"Linux "_s : u"macOS "_s) + orUnknown(machine.osVersion);
+}
+
+QString topCPULine(const RemoteHealth& machine) {
+    return u"Top CPU: "_s + orUnknown(machine.topCPUProcess);
+}
+
+QString topMemoryLine(const RemoteHealth& machine) {
+    return u"Top Memory: "_s + orUnknown(machine.topMemoryProcess);
+}
+
+QString recommendationLine(const RemoteHealth& machine) {
+    return u"Recommendation: "_s + text(machine.recommendation);
+}
+
+std::vector<Row> processRows(const RemoteHealthFacts& facts) {
+    std::vector<Row> rows;
+    for (const RemoteProcess& process : facts.machine.topProcesses) {
+        const QString name = text(process.displayName());
+        const QString pid = QString::number(process.pid);
+        const bool isProtected =
+            isProtectedRemoteProcess(process, facts.neverQuit, facts.machine.isLinux);
+        rows.push_back({.key = std::to_string(process.pid) + ' ' + process.command,
+                        .identifier = u"process-"_s + pid,
+                        .name = name,
+                        .note = joined({u"PID "_s + pid, isProtected ? u"Protected"_s : QString()},
+                                       separator()),
+                        .cpu = cpuText(process.cpu),
+                        .memory = dashboard_text::megabytes(process.rssMB, 0),
+                        .toolTip = text(process.command),
+                        .copyName = u"Copy %1, PID %2"_s.arg(name, pid),
+                        .actionName = u"Quit %1, PID %2"_s.arg(name, pid),
+                        .actionDescription =
+                            isProtected ? u"Protected: a part of its system, or of an app group on "
+                                          "the Never Quit list"_s
+                                        : u"Asks whether to send TERM to this process"_s,
+                        .isProtected = isProtected});
+    }
+    return rows;
+}
+
+std::vector<Row> appRows(const RemoteHealthFacts& facts) {
+    std::vector<Row> rows;
+    for (const RemoteAppImpact& app : facts.machine.appImpacts) {
+        const QString name = text(app.name);
+        const bool isNeverQuit = facts.neverQuit.contains(app.name);
+        rows.push_back({.key = app.name,
+                        .identifier = u"app-"_s + name.left(longestIdentifier),
+                        .name = name,
+                        .note = dashboard_text::processes(app.processCount),
+                        .cpu = cpuText(app.totalCPU),
+                        .memory = dashboard_text::memoryText(app.totalMemoryMB),
+                        .toolTip = QString(),
+                        .copyName = u"Copy "_s + name,
+                        .actionName = u"Never Quit "_s + name,
+                        .actionDescription =
+                            isNeverQuit ? u"Takes this app group off the Never Quit list"_s
+                                        : u"Puts this app group on the Never Quit list, which "
+                                          "protects it from quit actions"_s,
+                        .isProtected = isNeverQuit});
+    }
+    return rows;
+}
+
+QString noRows(const RemoteHealth& machine) {
+    return machine.status == RemoteHealth::Status::reachable
+               ? u"The last sample named no process."_s
+               : QString();
+}
+
+std::span<const Tool> tools() {
+    using enum RemoteOperation;
+    static constexpr std::array all{
+        Tool{copyPing, "Copy Ping", "copy-ping",
+             "Puts a command on the clipboard that pings this machine over Tailscale"},
+        Tool{copyPortTest, "Copy Port Test", "copy-port-test",
+             "Puts a command on the clipboard that tests whether its SSH port is open"},
+        Tool{copyTest, "Copy Test", "copy-test",
+             "Puts a command on the clipboard that logs in over SSH and shows what fails"},
+        Tool{copyHostKeyFix, "Copy Host Key Fix", "copy-host-key-fix",
+             "Puts a command on the clipboard that replaces the host key stored for it"},
+        Tool{copyKeyInstall, "Copy Key Install", "copy-key-install",
+             "Puts a command on the clipboard that allows this Mac's SSH key there"},
+        Tool{inspect, "Inspect", "inspect", "Shows this machine in Remote Detail"},
+        Tool{remotePurge, "Remote Purge", "remote-purge",
+             "Asks whether to purge the file caches of this machine"},
+        Tool{remoteSafe, "Remote Safe", "remote-safe",
+             "Takes the safest step: asks for a purge at the threshold, else copies a report on "
+             "the heaviest app. Quits nothing."},
+    };
+    return all;
+}
+
+std::array<RemoteOperation, 2> foremostTools(RemoteHealth::Status status) {
+    using enum RemoteHealth::Status;
+    using enum RemoteOperation;
+    switch (status) {
+        case reachable:
+            return {remotePurge, remoteSafe};
+        case noTailnetPath:
+        case noAddress:
+        case unknown:
+            return {copyPing, copyTest};
+        case connectionBlocked:
+            return {copyPortTest, copyTest};
+        case hostKeyIssue:
+            return {copyTest, copyHostKeyFix};
+        case authNeeded:
+            return {copyTest, copyKeyInstall};
+    }
+    return {remotePurge, remoteSafe};
+}
+
+bool isEnabled(RemoteOperation operation, const RemoteHealth& machine) {
+    const bool needsAddress = operation == RemoteOperation::copyHostKeyFix ||
+                              operation == RemoteOperation::copyKeyInstall;
+    return !needsAddress || machine.address != absentAddress;
+}
+
+}  // namespace tallowcrest::remote_health_lines

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <QString>
+
+#include "core/date.h"
+#include "core/remote_records.h"
+#include "sampling/protection.h"
+
+/// The texts of the block of one remote machine. Texts of the other machine are made safe to show.
+/// Main thread.
+namespace tallowcrest {
+
+/// The state of one machine, as of the last scan.
+struct RemoteHealthFacts {
+    RemoteHealth machine;
+    RemoteProfile profile;
+    ProtectedAppNames neverQuit;
+    Date now;
+    bool isSelected = false;    ///< it is the machine under inspection
+    bool showsDetails = false;  ///< its details are wanted even if it needs no attention
+};
+
+/// The buttons of the tool row.
+enum class RemoteOperation : std::uint8_t {
+    copyPing,
+    copyPortTest,
+    copyTest,
+    copyHostKeyFix,
+    copyKeyInstall,
+    inspect,
+    remotePurge,
+    remoteSafe,
+};
+
+namespace remote_health_lines {
+
+/// Whether the machine is not reachable, or its memory is at or above the threshold of its profile.
+bool needsAttention(const RemoteHealth& machine, const RemoteProfile& profile);
+/// False without a memory figure.
+bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile);
+
+/// The name of a line icon.
+QString statusIcon(RemoteHealth::Status status);
+
+/// The nickname, or else the host name; the address of a machine without either.
+QString displayName(const RemoteHealth& machine, const RemoteProfile& profile);
+
+/// How old figures are: "just now" within a minute, "2 min ago", "3 h ago". The date and time for
+/// those of more than a day, and for those of the future, whose age is unknown: the clock was set.
+QString age(Date sampledAt, Date now);
+
+/// What is always visible of a machine.
+struct Head {
+    QString name;
+    QString host;  ///< empty where it is the name
+    QString status;
+    QString statusIcon;
+    bool isReachable = false;
+    QString cpu;         ///< "CPU 12%", "CPU –"
+    QString memory;      ///< "Memory 91%", "Memory –"
+    QString memoryWord;  ///< "High"; empty below the threshold
+    QString age;
+    QString spokenName;     ///< the machine and its status
+    QString spokenFigures;  ///< the rest
+
+    bool needsAttention() const { return !isReachable || !memoryWord.isEmpty(); }
+    bool operator==(const Head&) const = default;
+};
+Head head(const RemoteHealthFacts& facts);
+
+/// "Profile: Studio · Render box · Warn at 85%"
+QString profileLine(const RemoteProfile& profile);
+/// "macOS 14.5", "Linux Ubuntu 24.04", "macOS unknown"
+QString systemLine(const RemoteHealth& machine);
+/// "Top CPU: 92.1% /usr/bin/yes", "Top CPU: unknown"
+QString topCPULine(const RemoteHealth& machine);
+QString topMemoryLine(const RemoteHealth& machine);
+QString recommendationLine(const RemoteHealth& machine);
+
+/// A process or an app group of the machine.
+struct Row {
+    std::string key;     ///< what it is; not unique in the rows of a hostile machine
+    QString identifier;  ///< tells its controls from those of other rows
+    QString name;
+    QString note;
+    QString cpu;         ///< "12.3% CPU"
+    QString memory;      ///< "512 MB"
+    QString toolTip;     ///< plain text
+    QString copyName;    ///< the accessible name of the button "Copy"
+    QString actionName;  ///< the accessible name of the other button
+    QString actionDescription;
+    bool isProtected = false;  ///< a process that must not be asked to quit, or a group of the list
+
+    bool operator==(const Row&) const = default;
+};
+/// One row for each process of the sample, in its order.
+std::vector<Row> processRows(const RemoteHealthFacts& facts);
+/// One row for each group, in their order. Protected are those on the Never Quit list.
+std::vector<Row> appRows(const RemoteHealthFacts& facts);
+/// What stands in the place of rows where there are none: empty for a machine that was not reached.
+QString noRows(const RemoteHealth& machine);
+
+struct Tool {
+    RemoteOperation operation;
+    const char* title;
+    const char* identifier;
+    const char* description;
+};
+/// All of the tool row, in its order.
+std::span<const Tool> tools();
+/// The two that help most with a machine in this state; the others are in a menu.
+std::array<RemoteOperation, 2> foremostTools(RemoteHealth::Status status);
+/// Whether the operation can be asked for; it may still be refused.
+bool isEnabled(RemoteOperation operation, const RemoteHealth& machine);
+
+}  // namespace remote_health_lines
+
+}  // namespace tallowcrest

@@ -1,0 +1,117 @@
+#include "presentation/screens/remote_macs/remote_rows.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <QEvent>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "presentation/screens/remote_macs/remote_row.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::chrono::milliseconds reactionTime{300};
+
+}  // namespace
+
+RemoteRows::RemoteRows(const QString& title, Action action, const QString& identifier,
+                       QWidget* parent)
+    : QWidget(parent), action_(action), identifier_(identifier) {
+    setObjectName(identifier);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    layout->addWidget(new ElidedLabel(title, onCard(&CrestFonts::heading), this));
+    noRows_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
+    layout->addWidget(noRows_);
+    column_ = new QVBoxLayout;
+    column_->setSpacing(spacing::unit);
+    layout->addLayout(column_);
+    settling_ = new QTimer(this);
+    settling_->setObjectName(u"settling"_s);
+    settling_->setSingleShot(true);
+    settling_->setInterval(reactionTime);
+}
+
+bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const QString& noRows) {
+    noRows_->setText(noRows);
+    noRows_->setVisible(rows.empty());
+    setVisible(!rows.empty() || !noRows.isEmpty());
+    std::vector<RemoteRow*> before = rows_;
+    std::vector<RemoteRow*> after;
+    for (const remote_health_lines::Row& row : rows) {
+        const auto kept = std::ranges::find_if(
+            before, [&](const RemoteRow* each) { return each->key() == row.key; });
+        if (kept == before.end()) {
+            after.push_back(makeRow(row));
+        } else {
+            after.push_back(*kept);
+            before.erase(kept);
+        }
+        after.back()->show(row);
+    }
+    if (after == rows_) {
+        return false;
+    }
+    for (RemoteRow* gone : before) {
+        if (gone->isAncestorOf(focusWidget())) {
+            // Not to a button of the row that comes into its place.
+            setFocus();
+        }
+        // Deleted later, because this may run in a click on one of its buttons.
+        gone->hide();
+        column_->removeWidget(gone);
+        gone->deleteLater();
+    }
+    for (RemoteRow* row : after) {
+        column_->removeWidget(row);
+        column_->addWidget(row);
+        // Assistive technology reads the children in their order.
+        row->raise();
+    }
+    if (!rows_.empty()) {
+        settling_->start();
+    }
+    rows_ = std::move(after);
+    return true;
+}
+
+RemoteRow* RemoteRows::makeRow(const remote_health_lines::Row& row) {
+    auto* made = new RemoteRow(action_, identifier_ + u'.' + row.identifier, row.key, this);
+    connect(made, &RemoteRow::copyWanted, this, [this, made] { emit copyWanted(indexOf(*made)); });
+    connect(made, &RemoteRow::actionWanted, this,
+            [this, made] { emit actionWanted(indexOf(*made)); });
+    for (QWidget* control : made->controls()) {
+        control->installEventFilter(this);
+    }
+    return made;
+}
+
+std::size_t RemoteRows::indexOf(const RemoteRow& row) const {
+    return static_cast<std::size_t>(std::ranges::find(rows_, &row) - rows_.begin());
+}
+
+std::vector<QWidget*> RemoteRows::controls() const {
+    std::vector<QWidget*> controls;
+    for (const RemoteRow* row : rows_) {
+        for (QWidget* control : row->controls()) {
+            controls.push_back(control);
+        }
+    }
+    return controls;
+}
+
+bool RemoteRows::eventFilter(QObject* watched, QEvent* event) {
+    const bool isPress =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    return (isPress && settling_->isActive()) || QWidget::eventFilter(watched, event);
+}
+
+}  // namespace tallowcrest

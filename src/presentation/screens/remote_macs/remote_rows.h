@@ -1,0 +1,60 @@
+#pragma once
+
+#include <vector>
+
+#include <QString>
+#include <QWidget>
+
+#include "presentation/screens/remote_macs/remote_health_lines.h"
+
+class QTimer;
+class QVBoxLayout;
+
+namespace tallowcrest {
+
+class ElidedLabel;
+class RemoteRow;
+
+/// The processes or the app groups of one machine, a row each with two buttons. A row keeps its
+/// controls for as long as what it stands for is listed, wherever that is. After other rows have
+/// come into the places of the present ones, presses of the mouse are ignored for a moment: nobody
+/// sees a new row below the pointer and presses on it sooner. Main thread.
+class RemoteRows final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The button beside "Copy".
+    enum class Action { quit, neverQuit };
+
+    /// The object names of the buttons begin with `identifier`.
+    RemoteRows(const QString& title, Action action, const QString& identifier,
+               QWidget* parent = nullptr);
+
+    /// Without rows it shows `noRows`, or hides itself if that is empty, too. Returns whether the
+    /// controls or their order have changed.
+    bool show(const std::vector<remote_health_lines::Row>& rows, const QString& noRows);
+
+    /// The buttons, in the order of the tab key.
+    std::vector<QWidget*> controls() const;
+
+signals:
+    /// `row` is an index in the rows of the last `show`.
+    void copyWanted(std::size_t row);
+    void actionWanted(std::size_t row);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    RemoteRow* makeRow(const remote_health_lines::Row& row);
+    std::size_t indexOf(const RemoteRow& row) const;
+
+    Action action_;
+    QString identifier_;
+    std::vector<RemoteRow*> rows_;
+    ElidedLabel* noRows_ = nullptr;
+    QVBoxLayout* column_ = nullptr;
+    QTimer* settling_ = nullptr;
+};
+
+}  // namespace tallowcrest
