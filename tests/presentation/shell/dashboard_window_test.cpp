@@ -141,12 +141,13 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         goTo(each);
         EXPECT_EQ(textOf("page.title"), qString(title(each)));
         EXPECT_EQ(textOf("page.subtitle"), qString(subtitle(each)));
-        EXPECT_EQ(shownScreen(), each == AppRoute::overview   ? u"OverviewPage"_s
-                                 : each == AppRoute::load     ? u"LoadPage"_s
-                                 : each == AppRoute::optimize ? u"OptimizePage"_s
-                                 : each == AppRoute::history  ? u"HistoryPage"_s
-                                 : each == AppRoute::settings ? u"SettingsPage"_s
-                                                              : u"ComingPage"_s);
+        EXPECT_EQ(shownScreen(), each == AppRoute::overview     ? u"OverviewPage"_s
+                                 : each == AppRoute::load       ? u"LoadPage"_s
+                                 : each == AppRoute::optimize   ? u"OptimizePage"_s
+                                 : each == AppRoute::remoteMacs ? u"RemoteMacsPage"_s
+                                 : each == AppRoute::history    ? u"HistoryPage"_s
+                                 : each == AppRoute::settings   ? u"SettingsPage"_s
+                                                                : u"ComingPage"_s);
         const auto identifier = u"sidebar."_s + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }

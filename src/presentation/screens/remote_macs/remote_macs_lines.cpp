@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,9 @@ namespace {
 
 using dashboard_text::count;
 using dashboard_text::text;
+using remote_health_lines::age;
+using remote_health_lines::displayName;
+using remote_health_lines::isMemoryHigh;
 using Status = RemoteHealth::Status;
 
 bool isReachable(const RemoteHealth& machine) {
@@ -22,15 +26,6 @@ QString percentOrNone(const std::optional<double>& percent) {
     return percent ? dashboard_text::percentText(*percent) : dashboard_text::noFigure();
 }
 
-bool isMemoryHigh(const ProfiledMachine& each) {
-    return isReachable(each.machine) && each.machine.memoryPercent &&
-           *each.machine.memoryPercent >= each.profile.warningThreshold;
-}
-
-QString nameOf(const ProfiledMachine& each) {
-    return text(each.profile.nickname.empty() ? each.machine.hostName : each.profile.nickname);
-}
-
 /// Longer than any row shows.
 QString bounded(const std::string& value) {
     constexpr std::size_t mostBytes = 1024;
@@ -39,26 +34,6 @@ QString bounded(const std::string& value) {
 }
 
 }  // namespace
-
-QString age(Date date, Date now) {
-    constexpr double minute = 60.0;
-    constexpr double hour = 60.0 * minute;
-    constexpr double day = 24.0 * hour;
-    const double seconds = secondsBetween(date, now);
-    const auto whole = [seconds](double unit) {
-        return count(static_cast<std::int64_t>(seconds / unit));
-    };
-    if (seconds < minute) {
-        return u"just now"_s;
-    }
-    if (seconds < hour) {
-        return whole(minute) + u" min ago"_s;
-    }
-    if (seconds < day) {
-        return whole(hour) + u" h ago"_s;
-    }
-    return whole(day) + (seconds < 2 * day ? u" day ago"_s : u" days ago"_s);
-}
 
 std::size_t unreachableCount(const std::vector<RemoteHealth>& machines) {
     return static_cast<std::size_t>(
@@ -76,16 +51,16 @@ std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& ma
     std::vector<const ProfiledMachine*> pressed;
     for (const ProfiledMachine& each : machines) {
         if (!isReachable(each.machine)) {
-            lines.push_back({each.machine.id, nameOf(each), text(title(each.machine.status)),
-                             text(each.machine.recommendation)});
-        } else if (isMemoryHigh(each)) {
+            lines.push_back({each.machine.id, displayName(each.machine, each.profile),
+                             text(title(each.machine.status)), text(each.machine.recommendation)});
+        } else if (isMemoryHigh(each.machine, each.profile)) {
             pressed.push_back(&each);
         }
     }
     std::ranges::stable_sort(pressed, std::ranges::greater(),
                              [](const auto* each) { return *each->machine.memoryPercent; });
     for (const ProfiledMachine* each : pressed) {
-        lines.push_back({each->machine.id, nameOf(*each),
+        lines.push_back({each->machine.id, displayName(each->machine, each->profile),
                          u"Memory "_s + percentOrNone(each->machine.memoryPercent),
                          text(each->machine.recommendation)});
     }

@@ -23,10 +23,6 @@ struct ProfiledMachine {
 /// The texts of the page of the other machines. Main thread.
 namespace remote_macs_lines {
 
-/// How long ago a figure was taken: "just now" within the first minute and when the clock was set
-/// back, then "2 min ago", "3 h ago", "1 day ago".
-QString age(Date date, Date now);
-
 /// How many machines of the last scan could not be sampled.
 std::size_t unreachableCount(const std::vector<RemoteHealth>& machines);
 /// "3 remote Macs need attention."
@@ -35,7 +31,7 @@ QString attention(const std::vector<RemoteHealth>& machines);
 /// A machine that the owner should look at.
 struct AttentionLine {
     std::string id;  ///< of the record
-    QString name;    ///< the nickname, or else the name of the host
+    QString name;
     QString why;     ///< the status, or the figure
     QString what;    ///< what to do about it
 

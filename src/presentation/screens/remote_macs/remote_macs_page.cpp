@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
+#include <QAbstractButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "actions/actions.h"
 #include "actions/desktop_actions.h"
+#include "actions/local_actions.h"
 #include "core/clock.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
@@ -15,6 +18,7 @@
 #include "presentation/screens/remote_macs/attention_card.h"
 #include "presentation/screens/remote_macs/local_health_card.h"
 #include "presentation/screens/remote_macs/remote_detail_card.h"
+#include "presentation/screens/remote_macs/remote_health_list.h"
 #include "presentation/screens/remote_macs/remote_macs_commands.h"
 #include "presentation/screens/remote_macs/remote_macs_lines.h"
 #include "presentation/screens/remote_macs/setup_checklist_card.h"
@@ -33,6 +37,7 @@ RemoteMacsPage::RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidg
     : Screen(parent), monitor_(monitor), state_(state) {
     layOutParts();
     connectParts();
+    connectMachines();
     if (!monitor_.sample().snapshot()) {
         firstSample_ = monitor_.sample().observable().subscribe([this] {
             if (monitor_.sample().snapshot()) {
@@ -58,6 +63,8 @@ void RemoteMacsPage::layOutParts() {
     for (QWidget* each : parts_) {
         layout->addWidget(each);
     }
+    machines_ = new RemoteHealthList;
+    layout->addWidget(machines_);
     layout->addStretch(1);
     area_ = scrollOnPage(content, *this);
 }
@@ -66,8 +73,9 @@ void RemoteMacsPage::connectParts() {
     Remote& remote = monitor_.remote();
     ExternalApplications& applications = monitor_.actions().applications;
     connect(attention_, &AttentionCard::machineWanted, this, [this](const std::string& id) {
-        state_.navigation.setSelectedRemoteID(id);
-        bringIntoView(*detail_);
+        if (QWidget* block = machines_->block(id)) {
+            bringIntoView(*block, block->findChild<QAbstractButton*>());
+        }
     });
     connect(detail_, &RemoteDetailCard::reportWanted, this, [this, &remote] {
         if (const RemoteHealth* machine = selectedMachine()) {
@@ -93,6 +101,69 @@ void RemoteMacsPage::connectParts() {
     connect(setup_, &SetupChecklistCard::setupScriptWanted, this,
             [&remote] { remote.actions.exportRemoteSetupScript(); });
     connect(setup_, &SetupChecklistCard::settingsWanted, this, &RemoteMacsPage::openRemoteSettings);
+}
+
+void RemoteMacsPage::connectMachines() {
+    Remote& remote = monitor_.remote();
+    connect(machines_, &RemoteHealthList::profileChanged, this,
+            [&remote](const RemoteHealth& machine, const RemoteProfileChange& change) {
+                remote.profiles.updateRemoteProfile(machine.hostName, change);
+            });
+    connect(machines_, &RemoteHealthList::operationWanted, this,
+            [this](const RemoteHealth& machine, RemoteOperation operation) {
+                carryOut(operation, machine);
+            });
+    connect(machines_, &RemoteHealthList::processCopyWanted, this,
+            [&remote](const RemoteHealth& machine, const RemoteProcess& process) {
+                remote.actions.copyRemoteProcessReport(machine, process);
+            });
+    connect(machines_, &RemoteHealthList::processQuitWanted, this,
+            [&remote](const RemoteHealth& machine, const RemoteProcess& process) {
+                remote.actions.requestRemoteQuit(machine, process);
+            });
+    connect(machines_, &RemoteHealthList::appCopyWanted, this,
+            [&remote](const RemoteHealth& machine, const RemoteAppImpact& app) {
+                remote.actions.copyRemoteAppReport(machine, app);
+            });
+    connect(
+        machines_, &RemoteHealthList::neverQuitWanted, this,
+        [this](const RemoteAppImpact& app) { monitor_.actions().local.toggleNeverQuit(app.name); });
+    connect(machines_, &RemoteHealthList::blockResized, area_, &PageScrollArea::keepInPlace);
+}
+
+void RemoteMacsPage::carryOut(RemoteOperation operation, const RemoteHealth& machine) {
+    RemoteActions& actions = monitor_.remote().actions;
+    switch (operation) {
+        case RemoteOperation::copyPing:
+            actions.copyTailscalePingCommand(machine);
+            return;
+        case RemoteOperation::copyPortTest:
+            actions.copyPortTestCommand(machine);
+            return;
+        case RemoteOperation::copyTest:
+            actions.copySSHDiagnosticCommand(machine);
+            return;
+        case RemoteOperation::copyHostKeyFix:
+            actions.copyHostKeyRepairCommand(machine);
+            return;
+        case RemoteOperation::copyKeyInstall:
+            actions.copySSHKeyInstallCommand(machine);
+            return;
+        case RemoteOperation::inspect:
+            inspect(machine);
+            return;
+        case RemoteOperation::remotePurge:
+            actions.requestRemotePurge(machine);
+            return;
+        case RemoteOperation::remoteSafe:
+            actions.remoteOptimizeSafely(machine);
+            return;
+    }
+}
+
+void RemoteMacsPage::inspect(const RemoteHealth& machine) {
+    state_.navigation.setSelectedRemoteID(machine.id);
+    bringIntoView(*detail_, detail_->firstControl());
 }
 
 std::vector<Observable*> RemoteMacsPage::shows() const {
@@ -126,6 +197,7 @@ void RemoteMacsPage::refresh() {
                      remote_macs_lines::scanProgress(monitor_.remote().scan.state()));
     localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
     localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
+    refreshMachines();
 }
 
 void RemoteMacsPage::refreshSummary() {
@@ -159,6 +231,24 @@ void RemoteMacsPage::refreshDetail() {
     detail_->show(remote_macs_lines::detail(ProfiledMachine{*machine, profile}, now));
 }
 
+void RemoteMacsPage::refreshMachines() {
+    // So few that their details fit on the page.
+    constexpr std::size_t fewMachines = 3;
+    const Remote& remote = monitor_.remote();
+    const std::vector<RemoteHealth>& scanned = remote.scan.state().remoteHealth;
+    std::vector<RemoteHealthFacts> facts;
+    facts.reserve(scanned.size());
+    for (const RemoteHealth& each : scanned) {
+        facts.push_back({.machine = each,
+                         .profile = remote.profiles.remoteProfile(each.hostName),
+                         .neverQuit = monitor_.settings().protectedAppNames,
+                         .now = monitor_.services().clock.now(),
+                         .isSelected = each.id == state_.navigation.selectedRemoteID(),
+                         .showsDetails = scanned.size() <= fewMachines});
+    }
+    machines_->show(std::move(facts));
+}
+
 const RemoteHealth* RemoteMacsPage::selectedMachine() const {
     return remote_macs_lines::selectedMachine(monitor_.remote().scan.state().remoteHealth,
                                               state_.navigation.selectedRemoteID());
@@ -177,22 +267,35 @@ void RemoteMacsPage::openRemoteSettings() {
     state_.navigation.setShowSettings(true);
 }
 
-void RemoteMacsPage::bringIntoView(QWidget& part) {
+void RemoteMacsPage::bringIntoView(QWidget& part, QWidget* control) {
     // The part may be about to change with the selected machine.
     refresh();
     QScrollBar* bar = area_->verticalScrollBar();
     bar->setValue(bar->value() + area_->placeInView(part) - spacing::gap);
     area_->keepInPlace(&part);
+    if (control != nullptr) {
+        control->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 QWidget* RemoteMacsPage::partToKeep() const {
+    const auto isInView = [this](const QWidget* part) {
+        const int top = area_->placeInView(*part);
+        return part->isVisible() && top + part->height() > 0 && top < area_->viewport()->height();
+    };
+    std::vector<QWidget*> parts = machines_->blocks();
+    // The owner may be typing there.
+    const auto focused = std::ranges::find_if(
+        parts, [focus = focusWidget()](const QWidget* part) { return part->isAncestorOf(focus); });
+    if (focused != parts.end() && isInView(*focused)) {
+        return *focused;
+    }
     if (area_->verticalScrollBar()->value() == 0) {
         return nullptr;
     }
-    const auto first = std::ranges::find_if(parts_, [this](const QWidget* part) {
-        return part->isVisible() && area_->placeInView(*part) + part->height() > 0;
-    });
-    return first == parts_.end() ? nullptr : *first;
+    parts.insert(parts.begin(), parts_.begin(), parts_.end());
+    const auto topmost = std::ranges::find_if(parts, isInView);
+    return topmost == parts.end() ? nullptr : *topmost;
 }
 
 }  // namespace tallowcrest

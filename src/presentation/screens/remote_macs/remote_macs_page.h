@@ -7,6 +7,7 @@
 
 #include "core/observable.h"
 #include "core/remote_records.h"
+#include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/screens/shared/summary_cards.h"
 
@@ -16,6 +17,7 @@ class AttentionCard;
 class LocalHealthCard;
 class PageScrollArea;
 class RemoteDetailCard;
+class RemoteHealthList;
 class RepeatingTimer;
 class SetupChecklistCard;
 class SystemMonitor;
@@ -43,15 +45,20 @@ protected:
 private:
     void layOutParts();
     void connectParts();
+    void connectMachines();
+    void carryOut(RemoteOperation operation, const RemoteHealth& machine);
+    void inspect(const RemoteHealth& machine);
     void refreshSummary();
     void refreshDetail();
+    void refreshMachines();
     /// Null without a scan.
     const RemoteHealth* selectedMachine() const;
     /// Starts a scan, or shows how far the running one is.
     void scan();
     void openRemoteSettings();
-    /// Scrolls the top of a part of the page into view.
-    void bringIntoView(QWidget& part);
+    /// Scrolls a part of the page to the top of the view, and moves the keyboard focus to
+    /// `control`, which may be null.
+    void bringIntoView(QWidget& part, QWidget* control = nullptr);
     /// What stays where it is in the view when parts above it change their height. Null at the top
     /// of the page.
     QWidget* partToKeep() const;
@@ -65,7 +72,8 @@ private:
     TailscaleBlock* tailscale_ = nullptr;
     LocalHealthCard* localHealth_ = nullptr;
     SetupChecklistCard* setup_ = nullptr;
-    std::vector<QWidget*> parts_;  ///< from top to bottom
+    RemoteHealthList* machines_ = nullptr;
+    std::vector<QWidget*> parts_;  ///< those above the machines, from top to bottom
     Subscription firstSample_;
     std::unique_ptr<RepeatingTimer> ageTimer_;
 };

@@ -19,7 +19,7 @@ protected:
     static constexpr Date now{1000000.0};
 
     static RemoteHealth machine(const char* name, Status status,
-                         std::optional<double> memory = std::nullopt) {
+                                std::optional<double> memory = std::nullopt) {
         return {.id = std::string("id-") + name,
                 .hostName = name,
                 .status = status,
@@ -30,22 +30,6 @@ protected:
 
     const ScopedLocale locale{"en_US"};
 };
-
-TEST_F(RemoteMacsLinesTest, AnAgeIsToldInTheLargestWholeUnit) {
-    struct Case {
-        double seconds;
-        const char* words;
-    };
-    for (const auto& [seconds, words] :
-         {Case{-7200.0, "just now"}, Case{0.0, "just now"}, Case{59.9, "just now"},
-          Case{60.0, "1 min ago"}, Case{3599.0, "59 min ago"}, Case{3600.0, "1 h ago"},
-          Case{86399.0, "23 h ago"}, Case{86400.0, "1 day ago"}, Case{172799.0, "1 day ago"},
-          Case{172800.0, "2 days ago"}, Case{86400.0 * 1234, "1,234 days ago"}}) {
-        EXPECT_EQ(macs::age({now.secondsSinceReference - seconds}, now),
-                  QString::fromLatin1(words))
-            << seconds;
-    }
-}
 
 // The summary ------------------------------------------------------------------------------------
 
@@ -59,10 +43,9 @@ TEST_F(RemoteMacsLinesTest, EveryStatusButReachableNeedsAttention) {
         machines.push_back(machine("b", each));
         const std::size_t troubled = machines.size() - 1;
         EXPECT_EQ(macs::unreachableCount(machines), troubled);
-        EXPECT_EQ(macs::attention(machines), troubled == 1
-                                                  ? u"1 remote Mac need attention."_s
-                                                  : u"%1 remote Macs need attention."_s.arg(
-                                                        troubled));
+        EXPECT_EQ(macs::attention(machines),
+                  troubled == 1 ? u"1 remote Mac need attention."_s
+                                : u"%1 remote Macs need attention."_s.arg(troubled));
     }
 }
 
@@ -77,14 +60,14 @@ TEST_F(RemoteMacsLinesTest, MachinesOutOfReachComeBeforeThoseWithTheMostMemoryIn
     const RemoteHealth locked = machine("locked", Status::authNeeded, 99.0);
     EXPECT_THAT(
         macs::attentionLines({{below, atEighty},
-                               {at, atEighty},
-                               {blocked, atEighty},
-                               {nothing, atEighty},
-                               {highest, named},
-                               {locked, named}}),
+                              {at, atEighty},
+                              {blocked, atEighty},
+                              {nothing, atEighty},
+                              {highest, named},
+                              {locked, named}}),
         ElementsAre(
             macs::AttentionLine{"id-blocked", u"blocked"_s, u"Connection Blocked"_s,
-                                 u"Help blocked."_s},
+                                u"Help blocked."_s},
             macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s},
             macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
             macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
@@ -123,10 +106,10 @@ TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
                     SummaryTexts{u"Known Peers"_s, u"4"_s, u"Discovered from Tailscale status."_s},
                     SummaryTexts{u"Highest Memory"_s, u"–"_s,
                                  u"Highest pressure from the last remote scan."_s}));
-    const auto after = macs::summary({machine("a", Status::reachable, 0.0),
-                                       machine("b", Status::unknown),
-                                       machine("c", Status::reachable, 71.6)},
-                                      2000);
+    const auto after =
+        macs::summary({machine("a", Status::reachable, 0.0), machine("b", Status::unknown),
+                       machine("c", Status::reachable, 71.6)},
+                      2000);
     EXPECT_EQ(after[0].value, u"2"_s);
     EXPECT_EQ(after[0].detail, u"Of 3 in the last remote scan."_s);
     EXPECT_EQ(after[1].value, u"2,000"_s);
