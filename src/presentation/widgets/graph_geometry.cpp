@@ -24,6 +24,10 @@ std::vector<Span> columnSpans(const std::vector<GraphPoint>& line) {
     for (std::size_t column = 0; column < count; ++column) {
         const double right = std::min(static_cast<double>(column + 1), line.back().x);
         Span span{y, y};
+        if (right <= line.front().x) {
+            spans.push_back(span);
+            continue;
+        }
         const auto pass = [&span](double height) {
             span.top = std::min(span.top, height);
             span.bottom = std::max(span.bottom, height);
@@ -68,11 +72,17 @@ std::optional<std::size_t> nearestGraphPoint(double x, std::size_t count, double
     return static_cast<std::size_t>(std::lround(std::clamp(x / width * last, 0.0, last)));
 }
 
-std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height) {
+std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height,
+                                  const std::vector<std::size_t>& missing) {
     std::vector<GraphPoint> line;
     line.reserve(values.size());
+    auto absent = missing.begin();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        line.push_back({graphX(i, values.size(), width), graphY(values[i], height)});
+        if (absent != missing.end() && *absent == i) {
+            ++absent;
+        } else {
+            line.push_back({graphX(i, values.size(), width), graphY(values[i], height)});
+        }
     }
     return line;
 }
@@ -97,6 +107,9 @@ std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, doubl
                            static_cast<float>(std::max(1.0, rise)),
                            static_cast<float>(near.top - reach),
                            static_cast<float>(near.bottom + reach)});
+        if (static_cast<double>(column + 1) <= line.front().x) {
+            columns.back().half = -columns.back().softness;
+        }
     }
     return columns;
 }
@@ -105,6 +118,9 @@ void dashGraphColumns(std::vector<GraphColumn>& columns, double thickness, doubl
                       double gap) {
     double along = 0;
     for (GraphColumn& column : columns) {
+        if (column.half < 0) {
+            continue;
+        }
         // A vertical cut is as much longer than the thickness as the line is than the column.
         const double length = 2 * column.half / thickness;
         const double begin = std::fmod(along, dash + gap);
@@ -157,12 +173,19 @@ std::string graphValueText(std::string_view name, double value) {
            " percent";
 }
 
-std::optional<std::string> graphSeriesText(std::string_view name,
-                                           const std::vector<double>& values) {
-    if (values.empty()) {
+std::optional<std::string> graphSeriesText(std::string_view name, const std::vector<double>& values,
+                                           const std::vector<std::size_t>& missing) {
+    std::size_t count = values.size();
+    for (auto absent = missing.rbegin(); absent != missing.rend() && *absent + 1 == count;
+         ++absent) {
+        --count;
+    }
+    if (count == 0) {
         return std::nullopt;
     }
-    return graphValueText(name, values.back());
+    return count == values.size() ? graphValueText(name, values.back())
+                                  : graphValueText(std::string(name) + " not measured last, before",
+                                                   values[count - 1]);
 }
 
 }  // namespace tallowcrest

@@ -33,17 +33,18 @@ double graphGapX(std::size_t index, std::size_t count, double width);
 /// The one of `count` points that lies nearest to `x`; absent without points.
 std::optional<std::size_t> nearestGraphPoint(double x, std::size_t count, double width);
 
-/// The line through `values`, oldest first, spread over the whole width. Empty for no values; one
-/// value lies at the left edge.
-std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height);
+/// The line through `values`, oldest first, spread over the whole width, without those at the
+/// indexes `missing`, which ascend. Empty for no values; one value lies at the left edge.
+std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height,
+                                  const std::vector<std::size_t>& missing = {});
 
 /// What a line covers of one column of pixels. A pixel whose middle lies at the height y is covered
 /// by the smallest of three shares: (`half` - |y - `middle`|) / `softness` + 0.5, and the distances
 /// to `top` and to `bottom`, inwards, + 0.5. Below 0 is nothing, above 1 is all of it.
 struct GraphColumn {
     float middle = 0;
-    /// Half of what a vertical cut through the line measures. Negative in the gap of a dashed line,
-    /// where nothing is drawn.
+    /// Half of what a vertical cut through the line measures. Negative in the gap of a dashed line
+    /// and before its first point, where nothing is drawn.
     float half = 0;
     /// The height over which an edge of the line crosses the column, at least one pixel.
     float softness = 1;
@@ -83,8 +84,10 @@ std::optional<double> graphThreshold(std::optional<double> threshold, double hei
 /// One value in words, for example "CPU 42 percent".
 std::string graphValueText(std::string_view name, double value);
 
-/// The last of a series in words. Absent for a series with no values.
-std::optional<std::string> graphSeriesText(std::string_view name,
-                                           const std::vector<double>& values);
+/// The last of a series in words, without the values at the indexes `missing`, which ascend: for
+/// example "Air 42 percent" or "Air not measured last, before 42 percent". Absent for a series with
+/// no values.
+std::optional<std::string> graphSeriesText(std::string_view name, const std::vector<double>& values,
+                                           const std::vector<std::size_t>& missing = {});
 
 }  // namespace tallowcrest

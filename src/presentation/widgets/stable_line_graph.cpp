@@ -1,6 +1,7 @@
 #include "presentation/widgets/stable_line_graph.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -25,24 +26,40 @@ constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
 constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
-constexpr double seriesDash = 7;
-constexpr double seriesDashGap = 4;
 // A line through one point has no length, so the point is marked with a dot.
 constexpr double lonePointSize = 6;
 // Around the canvas: one pixel of a line along its edge, and the focus ring.
 constexpr int overhang = 3;
 constexpr int swatchWidth = 16;
-constexpr int swatchGap = 4;
-constexpr int widestLegendName = 160;
-/// The first series is a continuous line, so that it and another differ by more than their colour.
+constexpr int widestName = 160;
+
+/// How a line is interrupted, and its swatch in the legend.
+struct Dashes {
+    double length;
+    double gap;
+    int inSwatch;
+    double swatchGap;
+};
+
+/// The first series is a continuous line. Thus the series differ by more than their colours.
 bool isDashed(std::size_t series) {
     return series > 0;
+}
+
+Dashes dashesOf(std::size_t series) {
+    constexpr std::array dashes{Dashes{7, 4, 2, 4}, Dashes{2, 3, 4, 2}, Dashes{14, 4, 3, 2}};
+    return isDashed(series) ? dashes[(series - 1) % dashes.size()] : Dashes{0, 0, 1, 0};
+}
+
+std::vector<GraphPoint> lineOf(const StableGraphSeries& series, QSizeF canvas) {
+    return graphLine(series.values, canvas.width(), canvas.height(), series.missing);
 }
 
 }  // namespace
 
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
     return a.id == b.id && a.color == b.color && a.fillsArea == b.fillsArea &&
+           a.missing == b.missing &&
            std::equal(a.values.begin(), a.values.end(), b.values.begin(), b.values.end(),
                       [](double first, double second) {
                           return safeGraphValue(first) == safeGraphValue(second);
@@ -174,16 +191,17 @@ void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) co
         if (left + swatchWidth >= width()) {
             return;
         }
-        const int room = std::min(widestLegendName, width() - left - swatchWidth - spacing::unit);
+        const int room = std::min(widestName, width() - left - swatchWidth - spacing::unit);
         const QString name = fittedLines(series.id, painter.font(), room, 1).value(0);
         const double middle = captionHeight_ / 2.0;
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(series.color.in(theme));
-        const int dashes = isDashed(i) ? 2 : 1;
-        const double dash = (swatchWidth - (dashes - 1) * swatchGap) / static_cast<double>(dashes);
-        for (int each = 0; each < dashes; ++each) {
-            const QRectF place(left + each * (dash + swatchGap), middle - 2, dash, 4);
+        const Dashes dashes = dashesOf(i);
+        const double dash =
+            (swatchWidth - (dashes.inSwatch - 1) * dashes.swatchGap) / dashes.inSwatch;
+        for (int each = 0; each < dashes.inSwatch; ++each) {
+            const QRectF place(left + each * (dash + dashes.swatchGap), middle - 2, dash, 4);
             painter.drawRoundedRect(place, 2, 2);
         }
         left += swatchWidth + spacing::unit;
@@ -216,11 +234,11 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
     std::vector<std::vector<GraphColumn>> lines;
     lines.reserve(series_.size());
     for (const StableGraphSeries& series : series_) {
-        lines.push_back(graphColumns(graphLine(series.values, canvas.width(), canvas.height()),
-                                     lineWidth * ratio));
+        lines.push_back(graphColumns(lineOf(series, canvas.size()), lineWidth * ratio));
         if (isDashed(lines.size() - 1)) {
-            dashGraphColumns(lines.back(), lineWidth * ratio, seriesDash * ratio,
-                             seriesDashGap * ratio);
+            const Dashes dashes = dashesOf(lines.size() - 1);
+            dashGraphColumns(lines.back(), lineWidth * ratio, dashes.length * ratio,
+                             dashes.gap * ratio);
         }
     }
 
@@ -247,7 +265,7 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
                                      areaOpacity);
             }
             drawGraphColumns(part_, lines[i], partOrigin, color);
-            if (series_[i].values.size() == 1) {
+            if (series_[i].values.size() == series_[i].missing.size() + 1) {
                 paintLonePoint(part_, canvas.translated(-left, 0), ratio, series_[i], theme);
             }
         }
@@ -292,9 +310,11 @@ void StableLineGraph::paintCursor(QPainter& painter, const CrestTheme& theme) co
     if (cursor_) {
         GraphCursor shown{graphX(*cursor_, pointCount(), canvas.width()), timeText(*cursor_), {}};
         for (const StableGraphSeries& series : series_) {
-            if (*cursor_ < series.values.size()) {
+            if (isMeasured(series, *cursor_)) {
                 const double value = safeGraphValue(series.values[*cursor_]);
-                shown.values.push_back({series.id, percent_(value), series.color.in(theme),
+                const QString name =
+                    fittedLines(series.id, CrestFonts::current().caption, widestName, 1).value(0);
+                shown.values.push_back({name, percent_(value), series.color.in(theme),
                                         graphY(value, canvas.height())});
             }
         }
@@ -311,14 +331,14 @@ void StableLineGraph::paintCursor(QPainter& painter, const CrestTheme& theme) co
 void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
                                      const StableGraphSeries& series, const CrestTheme& theme) {
     const double radius = lonePointSize * ratio / 2;
-    const GraphPoint point = graphLine(series.values, canvas.width(), canvas.height()).front();
+    GraphPoint point = lineOf(series, canvas.size()).front();
+    // Inside the edge of the canvas, which would otherwise cut the dot in half.
+    point.x = std::max(std::min(point.x, canvas.width() - radius), radius);
     QPainter painter(&part);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(series.color.in(theme));
-    // Inside the edge of the canvas, which would otherwise cut the dot in half.
-    painter.drawEllipse(canvas.topLeft() + QPointF(std::max(point.x, radius), point.y), radius,
-                        radius);
+    painter.drawEllipse(canvas.topLeft() + QPointF(point.x, point.y), radius, radius);
 }
 
 }  // namespace tallowcrest

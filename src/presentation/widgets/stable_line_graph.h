@@ -26,6 +26,9 @@ struct StableGraphSeries {
     /// In percent, oldest first. Drawn clamped to 0 to 100; a value that is not finite as 0.
     std::vector<double> values;
     bool fillsArea = false;
+    /// The indexes of values that were not measured, ascending. The line crosses them, and begins
+    /// and ends with the values that were. None for a series with an area.
+    std::vector<std::size_t> missing = {};
 };
 
 /// Whether both would be drawn the same.
@@ -57,7 +60,7 @@ struct GraphFormats {
 
 /// A graph of percentages over time, without animation. Paints from back to front the background of
 /// a card, the grid, the threshold, the events and gaps, and each series with its area and its
-/// line, all but the first dashed. Below are the times of some points.
+/// line, each but the first in dashes of its own. Below are the times of some points.
 ///
 /// The pointer, or with the focus the arrow keys, Home and End, move a cursor from point to point,
 /// whose values and time are shown in a box and are the accessible description. Escape removes it.
@@ -97,6 +100,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    static bool isMeasured(const StableGraphSeries& series, std::size_t point);
     std::size_t pointCount() const;
     /// To the second; empty if it is not known.
     QString timeText(std::size_t point) const;

@@ -29,6 +29,10 @@ constexpr std::ptrdiff_t mostSpokenGaps = 3;
 
 }  // namespace
 
+bool StableLineGraph::isMeasured(const StableGraphSeries& series, std::size_t point) {
+    return point < series.values.size() && !std::ranges::binary_search(series.missing, point);
+}
+
 std::size_t StableLineGraph::pointCount() const {
     std::size_t count = 0;
     for (const StableGraphSeries& series : series_) {
@@ -73,7 +77,8 @@ QStringList StableLineGraph::marksAt(double x, double reach) const {
 QString StableLineGraph::accessibleValue() const {
     QStringList parts;
     for (const StableGraphSeries& series : series_) {
-        if (const auto text = graphSeriesText(series.id.toStdString(), series.values)) {
+        if (const auto text =
+                graphSeriesText(series.id.toStdString(), series.values, series.missing)) {
             parts.append(QString::fromStdString(*text));
         }
     }
@@ -83,7 +88,7 @@ QString StableLineGraph::accessibleValue() const {
 QString StableLineGraph::cursorText(std::size_t point) const {
     QStringList parts;
     for (const StableGraphSeries& series : series_) {
-        if (point < series.values.size()) {
+        if (isMeasured(series, point)) {
             parts.append(QString::fromStdString(
                 graphValueText(series.id.toStdString(), series.values[point])));
         }

@@ -33,8 +33,10 @@ struct CrestTheme {
     QColor accent;
     /// The accent, darkened or lightened until it is legible as text.
     QColor accentText;
-    /// The second series beside the accent; it carries no meaning.
+    /// The series beside the accent; they carry no meaning.
     QColor secondSeries;
+    QColor thirdSeries;
+    QColor fourthSeries;
     QColor good;
     QColor caution;
     QColor bad;

@@ -37,6 +37,12 @@ TEST(GraphLine, SpreadsClampedValuesOverTheWholeWidth) {
     EXPECT_THAT(graphLine({}, 200, 80), IsEmpty());
 }
 
+TEST(GraphLine, OmitsMissingValuesAndKeepsThePlacesOfTheOthers) {
+    EXPECT_THAT(graphLine({0, 50, 0, 100, 0}, 200, 80, {0, 2, 4}),
+                ElementsAre(GraphPoint{50, 40}, GraphPoint{150, 0}));
+    EXPECT_THAT(graphLine({0, 0}, 200, 80, {0, 1}), IsEmpty());
+}
+
 TEST(GraphColumns, AreEqualForALevelLine) {
     const GraphColumn column{.middle = 5, .half = 1, .softness = 1, .top = 4, .bottom = 6};
     EXPECT_THAT(graphColumns({{0, 5}, {3, 5}}, 2), ElementsAre(column, column, column));
@@ -78,9 +84,9 @@ TEST(GraphColumns, AreEmptyForFewerThanTwoPoints) {
 }
 
 TEST(DashGraphColumns, LeaveGapsAlongTheLine) {
-    const auto drawn = [](const std::vector<GraphPoint>& line) {
+    const auto drawn = [](const std::vector<GraphPoint>& line, double gap = 2) {
         std::vector<GraphColumn> columns = graphColumns(line, 2);
-        dashGraphColumns(columns, 2, 3, 2);
+        dashGraphColumns(columns, 2, 3, gap);
         std::string picture;
         for (const GraphColumn& column : columns) {
             picture += column.half > 0 ? '#' : ' ';
@@ -92,6 +98,8 @@ TEST(DashGraphColumns, LeaveGapsAlongTheLine) {
     EXPECT_EQ(drawn({{0, 5}, {3, 5}, {4, 90}, {5, 5}, {9, 5}}).substr(3, 2), "##")
         << "a peak within a gap";
     EXPECT_EQ(drawn({}), "");
+    EXPECT_EQ(drawn({{4, 9}, {8, 5}, {10, 5}}, 0), "    ######") << "before the first point";
+    EXPECT_EQ(drawn({{2, 5}, {9, 5}}), "  ###  ##");
 }
 
 TEST(NearestGraphPoint, IsTheOneWhoseXIsNearest) {
@@ -130,6 +138,10 @@ TEST(GraphSeriesText, NamesTheLastValueRounded) {
     EXPECT_EQ(graphSeriesText("Memory", {50, nan}), "Memory 0 percent");
     EXPECT_EQ(graphSeriesText("Memory", {140}), "Memory 100 percent");
     EXPECT_EQ(graphSeriesText("Memory", {}), std::nullopt);
+    EXPECT_EQ(graphSeriesText("Air", {40, 50, 0}, {0}), "Air 0 percent");
+    EXPECT_EQ(graphSeriesText("Air", {40, 50, 0, 0}, {0, 2, 3}),
+              "Air not measured last, before 50 percent");
+    EXPECT_EQ(graphSeriesText("Air", {0, 0}, {0, 1}), std::nullopt);
 }
 
 }  // namespace

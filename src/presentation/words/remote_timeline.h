@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include <QString>
+
+#include "core/date.h"
+#include "core/remote_records.h"
+
+namespace tallowcrest {
+
+/// One machine on the axis of the scans.
+struct RemoteTimelineLine {
+    QString name;  ///< at most a few dozen characters
+    /// In percent, one for each scan. Where a scan did not reach the machine, its index is in
+    /// `missing` and the values are 0.
+    std::vector<double> cpu;
+    std::vector<double> memory;
+    std::vector<std::size_t> missing;  ///< ascending
+
+    bool operator==(const RemoteTimelineLine&) const = default;
+};
+
+/// What the timeline of the other machines shows.
+struct RemoteTimeline {
+    std::vector<Date> scans;        ///< when each scan reached its first machine, oldest first
+    std::vector<std::size_t> gaps;  ///< the scans before which none was made for long, ascending
+    std::vector<RemoteTimelineLine> lines;  ///< the machine that needs attention most comes first
+    std::size_t machinesLeftOut = 0;
+};
+
+/// As many as can be told apart.
+inline constexpr std::size_t mostRemoteLines = 4;
+
+/// `history` comes oldest first, all machines together, and does not say which points are of one
+/// scan: a scan ends where a machine appears again or no point follows within five minutes. Of more
+/// than `mostRemoteLines` machines those remain that the last scan reached, before others, and
+/// whose last CPU or memory is highest. Main thread.
+RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history);
+
+/// "12 remote samples retained across recent scans.", or what to do without any.
+QString remoteSamplesRetained(std::size_t points);
+
+/// "Last sample 2:03 PM", with the date if `now` is on another day; empty without a point.
+QString lastRemoteSample(const std::vector<RemoteHistoryPoint>& history, Date now);
+
+/// "Shows the 4 machines with the highest load. 3 more are not drawn."; empty when all are drawn.
+QString remoteMachinesLeftOut(std::size_t machines);
+
+}  // namespace tallowcrest

@@ -1,0 +1,120 @@
+#include "presentation/words/remote_timeline.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/presentation/scoped_locale.h"
+#include "tests/support/each_of.h"
+#include "tests/support/numbers.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr double minute = 60.0;
+
+RemoteHistoryPoint point(double seconds, const std::string& hostName, double cpu = 1.0,
+                         double memory = 2.0) {
+    return {{}, hostName, Date{seconds}, cpu, memory, "Reachable"};
+}
+
+std::vector<double> starts(const RemoteTimeline& timeline) {
+    return eachOf(timeline.scans, [](Date date) { return date.secondsSinceReference; });
+}
+
+std::vector<std::string> names(const RemoteTimeline& timeline) {
+    return eachOf(timeline.lines,
+                  [](const RemoteTimelineLine& line) { return line.name.toStdString(); });
+}
+
+TEST(RemoteTimeline, IsEmptyWithoutPoints) {
+    const RemoteTimeline timeline = remoteTimeline({});
+    EXPECT_THAT(timeline.scans, IsEmpty());
+    EXPECT_THAT(timeline.lines, IsEmpty());
+    EXPECT_THAT(timeline.gaps, IsEmpty());
+    EXPECT_EQ(timeline.machinesLeftOut, 0U);
+}
+
+TEST(RemoteTimeline, GivesEachMachineItsValuesInTheScansThatReachedIt) {
+    const RemoteTimeline timeline = remoteTimeline({
+        point(0, "air", 10, 40),
+        point(3, "mini", 20, 50),
+        point(900, "mini", 30, 60),
+        point(1800, "air", 11, 41),
+        point(1803, "mini", 31, 61),
+    });
+    EXPECT_THAT(starts(timeline), ElementsAre(0, 900, 1800));
+    EXPECT_THAT(
+        timeline.lines,
+        ElementsAre(RemoteTimelineLine{QStringLiteral("mini"), {20, 30, 31}, {50, 60, 61}, {}},
+                    RemoteTimelineLine{QStringLiteral("air"), {10, 0, 11}, {40, 0, 41}, {1}}));
+}
+
+TEST(RemoteTimeline, BeginsAScanWhereAMachineAppearsAgainOrAfterAPause) {
+    EXPECT_THAT(
+        starts(remoteTimeline({point(0, "a"), point(5, "b"), point(9, "a"), point(12, "b")})),
+        ElementsAre(0, 9))
+        << "two scans at once";
+    EXPECT_THAT(starts(remoteTimeline({point(0, "a"), point(300, "b")})), ElementsAre(0))
+        << "dead machines between them";
+    EXPECT_THAT(starts(remoteTimeline({point(0, "a"), point(301, "b")})), ElementsAre(0, 301));
+    EXPECT_THAT(starts(remoteTimeline({point(50, "a"), point(10, "a")})), ElementsAre(50, 10))
+        << "the clock was set back";
+}
+
+TEST(RemoteTimeline, HasAGapAfterThreeAutomaticScansThatWereNotMade) {
+    EXPECT_THAT(remoteTimeline({point(0, "a"), point(45 * minute, "a")}).gaps, IsEmpty());
+    EXPECT_THAT(remoteTimeline({point(0, "a"), point(10, "a"), point(10 + 46 * minute, "a")}).gaps,
+                ElementsAre(2));
+}
+
+TEST(RemoteTimeline, ShowsTheMostLoadedMachinesOfTheLastScanFirst) {
+    std::vector<RemoteHistoryPoint> history{
+        point(0, "gone", 99, 99), point(900, "idle", 1, 20),     point(901, "cpu", 95, 10),
+        point(902, "mem", 5, 80), point(903, "broken", nan, 50), point(904, "also idle", 20, 1),
+    };
+    RemoteTimeline timeline = remoteTimeline(history);
+    EXPECT_THAT(names(timeline), ElementsAre("cpu", "mem", "broken", "also idle"));
+    EXPECT_EQ(timeline.machinesLeftOut, 2U);
+    history.erase(history.begin() + 2, history.end());
+    timeline = remoteTimeline(history);
+    EXPECT_THAT(names(timeline), ElementsAre("idle", "gone"));
+    EXPECT_EQ(timeline.machinesLeftOut, 0U);
+}
+
+TEST(RemoteTimeline, BoundsNamesAndKeepsThemOnOneLine) {
+    EXPECT_THAT(names(remoteTimeline({point(0, "a\nb\u202Ec<b>")})),
+                ElementsAre("a\uFFFDb\uFFFDc<b>"));
+    EXPECT_THAT(names(remoteTimeline({point(0, std::string(10'000, 'x'))})),
+                ElementsAre(std::string(64, 'x') + "…"));
+    std::string pictures = "x";
+    for (int i = 0; i < 100; ++i) {
+        pictures += "\U0001F5A5";
+    }
+    EXPECT_EQ(remoteTimeline({point(0, pictures)}).lines[0].name.size(), 64);
+}
+
+TEST(RemoteTimeline, IsToldInWords) {
+    const ScopedLocale locale("en_US");
+    EXPECT_EQ(remoteSamplesRetained(0),
+              "Run a remote scan to begin tracking remote CPU and memory trends.");
+    EXPECT_EQ(remoteSamplesRetained(1), "1 remote samples retained across recent scans.");
+    EXPECT_EQ(remoteSamplesRetained(720), "720 remote samples retained across recent scans.");
+    EXPECT_EQ(remoteMachinesLeftOut(0), "");
+    EXPECT_EQ(remoteMachinesLeftOut(1),
+              "Shows the 4 machines with the highest load. 1 more is not drawn.");
+    EXPECT_EQ(remoteMachinesLeftOut(1200),
+              "Shows the 4 machines with the highest load. 1,200 more are not drawn.");
+    EXPECT_EQ(lastRemoteSample({}, Date{0}), "");
+    const std::vector<RemoteHistoryPoint> history{point(0, "a"), point(3600, "b")};
+    const std::string sameDay = lastRemoteSample(history, Date{3600}).toStdString();
+    const std::string laterDay = lastRemoteSample(history, Date{3 * 86400}).toStdString();
+    EXPECT_THAT(sameDay, testing::StartsWith("Last sample "));
+    EXPECT_GT(laterDay.size(), sameDay.size()) << "with the date";
+}
+
+}  // namespace
+}  // namespace tallowcrest
