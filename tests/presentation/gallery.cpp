@@ -1,8 +1,11 @@
 // Shows all shared widgets with sample values, to inspect how they look:
 //   tallowcrest_gallery [--dark] [--icons] [--width N] [--save FILE] [--time]
 //   tallowcrest_gallery --overview STATE [--dark] [--width N] [--height N] [--save FILE]
-// --save writes a picture and ends; --time measures the painting of the graph and ends. The states
-// of the overview are healthy, troubled, waiting and collapsed; a height of 0 shows all of it.
+//   tallowcrest_gallery --remote STATE [the same]
+// --save writes a picture and ends; --time measures the painting of the graph and of Remote Macs
+// and ends. The states of the overview are healthy, troubled, waiting and collapsed; those of
+// Remote Macs are unscanned, alone, scanned, scanning and fleet. A height of 0 shows the whole
+// page.
 
 #include <cmath>
 #include <cstdio>
@@ -30,6 +33,7 @@
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/icon_names.h"
 #include "tests/presentation/overview_gallery.h"
+#include "tests/presentation/remote_gallery.h"
 
 using namespace Qt::StringLiterals;
 
@@ -244,11 +248,10 @@ void measureGraph() {
                 seconds * 1000 / static_cast<double>(frames.size()));
 }
 
-/// Shows the overview, or writes its picture to `file` unless that is empty.
-int showOverview(const QString& state, const QSize& size, const QString& file) {
-    const std::unique_ptr<QWidget> window = overviewGallery(state, size);
+/// Shows a window, or writes its picture to `file` unless that is empty.
+int showWindow(const std::unique_ptr<QWidget>& window, const QString& file) {
     if (window == nullptr) {
-        std::fprintf(stderr, "There is no state of the overview of that name.\n");
+        std::fprintf(stderr, "There is no state of that page of that name.\n");
         return 2;
     }
     if (file.isEmpty()) {
@@ -272,21 +275,25 @@ int main(int argc, char** argv) {
     const QCommandLineOption time(u"time"_s, u"Measure the graph."_s);
     const QCommandLineOption overview(u"overview"_s, u"Show the overview in a state."_s,
                                       u"state"_s);
-    const QCommandLineOption height(u"height"_s, u"Height of the overview's window."_s, u"pixels"_s,
-                                    u"700"_s);
-    parser.addOptions({dark, showIcons, width, save, time, overview, height});
+    const QCommandLineOption remote(u"remote"_s, u"Show Remote Macs in a state."_s, u"state"_s);
+    const QCommandLineOption height(u"height"_s, u"Height of the window."_s, u"pixels"_s, u"700"_s);
+    parser.addOptions({dark, showIcons, width, save, time, overview, remote, height});
     parser.process(application);
 
     QApplication::setPalette(paletteFor(parser.isSet(dark) ? Appearance::dark : Appearance::light));
     QApplication::setWindowIcon(applicationIcon());
     if (parser.isSet(time)) {
         measureGraph();
+        measureRemotePage();
         return 0;
     }
     const int wanted = parser.value(width).toInt();
+    const QSize size(wanted, parser.value(height).toInt());
     if (parser.isSet(overview)) {
-        return showOverview(parser.value(overview), {wanted, parser.value(height).toInt()},
-                            parser.value(save));
+        return showWindow(overviewGallery(parser.value(overview), size), parser.value(save));
+    }
+    if (parser.isSet(remote)) {
+        return showWindow(remoteGallery(parser.value(remote), size), parser.value(save));
     }
     std::unique_ptr<QWidget> page(parser.isSet(showIcons) ? icons() : pieces());
     const int hint = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(wanted)

@@ -55,7 +55,7 @@ private:
 
     QVBoxLayout* column_ = nullptr;
     std::vector<Entry> entries_;
-    int blocksMade_ = 0;
+    int blocksMade_ = 0;  ///< ever, for their object names
 };
 
 }  // namespace tallowcrest

@@ -23,6 +23,7 @@
 #include "presentation/screens/remote_macs/remote_macs_lines.h"
 #include "presentation/screens/remote_macs/setup_checklist_card.h"
 #include "presentation/screens/remote_macs/tailscale_block.h"
+#include "presentation/screens/shared/remote_timeline_card.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
@@ -55,11 +56,12 @@ void RemoteMacsPage::layOutParts() {
     auto* layout = makePageColumn(*content);
     attention_ = new AttentionCard;
     summary_.emplace(u"remote.summary-card"_s, remote_macs_lines::summaryCards, content);
+    timeline_ = new RemoteTimelineCard(u"remote.timeline"_s);
     detail_ = new RemoteDetailCard;
     tailscale_ = new TailscaleBlock;
     localHealth_ = new LocalHealthCard;
     setup_ = new SetupChecklistCard;
-    parts_ = {attention_, summary_->widget(), detail_, tailscale_, localHealth_, setup_};
+    parts_ = {attention_, summary_->widget(), timeline_, detail_, tailscale_, localHealth_, setup_};
     for (QWidget* each : parts_) {
         layout->addWidget(each);
     }
@@ -191,6 +193,7 @@ void RemoteMacsPage::refresh() {
     area_->keepInPlace(partToKeep());
     const TailnetState& tailnet = monitor_.remote().tailnet.state();
     refreshSummary();
+    timeline_->show(monitor_.remote().scan.remoteHistory(), monitor_.services().clock.now());
     refreshDetail();
     tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
     tailscale_->show(tailnet.tailDevices,

@@ -18,6 +18,7 @@ class LocalHealthCard;
 class PageScrollArea;
 class RemoteDetailCard;
 class RemoteHealthList;
+class RemoteTimelineCard;
 class RepeatingTimer;
 class SetupChecklistCard;
 class SystemMonitor;
@@ -68,6 +69,7 @@ private:
     PageScrollArea* area_ = nullptr;
     AttentionCard* attention_ = nullptr;
     std::optional<SummaryCards> summary_;
+    RemoteTimelineCard* timeline_ = nullptr;
     RemoteDetailCard* detail_ = nullptr;
     TailscaleBlock* tailscale_ = nullptr;
     LocalHealthCard* localHealth_ = nullptr;
