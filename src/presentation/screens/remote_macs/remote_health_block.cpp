@@ -1,6 +1,5 @@
 #include "presentation/screens/remote_macs/remote_health_block.h"
 
-#include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -11,7 +10,6 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/two_columns.h"
-#include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -81,7 +79,8 @@ void RemoteHealthBlock::makeDetails() {
     editor_ = new RemoteProfileEditor(objectName(), details_);
     connect(editor_, &RemoteProfileEditor::changed, this, &RemoteHealthBlock::profileChanged);
     column->addWidget(editor_);
-    column->addWidget(makeRows());
+    lists_ = makeRows();
+    column->addWidget(lists_);
     tools_ = new RemoteToolRow(objectName(), details_);
     connect(tools_, &RemoteToolRow::wanted, this, &RemoteHealthBlock::operationWanted);
     column->addWidget(tools_);
@@ -96,31 +95,23 @@ QWidget* RemoteHealthBlock::makeFacts() {
     const auto addLabel = [&](const char* part, const LabelStyle& style) {
         auto* label = new ElidedLabel(style, facts);
         label->setObjectName(objectName() + QString::fromLatin1(part));
+        column->addWidget(label);
         return label;
-    };
-    const auto addPair = [&](ElidedLabel* left, ElidedLabel* right) {
-        auto* row = new QHBoxLayout;
-        row->setSpacing(2 * spacing::gap);
-        for (ElidedLabel* label : {left, right}) {
-            // Both have half of the width, whatever their texts are.
-            label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-            row->addWidget(label, 1);
-        }
-        column->addLayout(row);
     };
     const LabelStyle plain = onCard(&CrestFonts::body, &CrestTheme::secondaryText);
     profile_ = addLabel(".profile", plain);
     system_ = addLabel(".system", plain);
     topCPU_ = addLabel(".top-cpu", plain);
     topMemory_ = addLabel(".top-memory", plain);
-    addPair(profile_, system_);
-    addPair(topCPU_, topMemory_);
+    for (ElidedLabel* label : {topCPU_, topMemory_}) {
+        // The name of a process ends its path.
+        label->setElideMode(Qt::ElideMiddle);
+    }
     column->addSpacing(spacing::unit / 2);
     recommendation_ = addLabel(".recommendation", onCard(&CrestFonts::heading));
     setupHint_ = addLabel(".setup-hint", plain);
     for (ElidedLabel* label : {recommendation_, setupHint_}) {
         label->setLines(1, 4);
-        column->addWidget(label);
     }
     return facts;
 }
@@ -154,10 +145,12 @@ void RemoteHealthBlock::showDetails() {
     topCPU_->setText(topCPULine(machine));
     topMemory_->setText(topMemoryLine(machine));
     recommendation_->setText(recommendationLine(machine));
-    setupHint_->setText(dashboard_text::text(machine.setupHint));
+    setupHint_->setText(setupHintLine(machine));
     editor_->show(facts_->profile);
     const bool changesProcesses = processes_->show(processRows(*facts_), noRows(machine));
     const bool changesApps = apps_->show(appRows(*facts_), noRows(machine));
+    // Empty, it would still take a gap of the column.
+    lists_->setVisible(!processes_->isHidden() || !apps_->isHidden());
     tools_->show(machine);
     if (changesProcesses || changesApps) {
         chainTabs();

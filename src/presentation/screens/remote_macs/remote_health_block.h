@@ -71,6 +71,7 @@ private:
     ElidedLabel* recommendation_ = nullptr;
     ElidedLabel* setupHint_ = nullptr;
     RemoteProfileEditor* editor_ = nullptr;
+    QWidget* lists_ = nullptr;  ///< the two that follow
     RemoteRows* processes_ = nullptr;
     RemoteRows* apps_ = nullptr;
     RemoteToolRow* tools_ = nullptr;

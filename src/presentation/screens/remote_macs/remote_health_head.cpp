@@ -18,8 +18,8 @@ namespace {
 
 /// From this width on, everything is on one line.
 constexpr int oneLineWidth = 800;
-constexpr int oneLineHeight = 6 * spacing::unit;
-constexpr int twoLineHeight = 8 * spacing::unit;
+constexpr int oneLineHeight = 5 * spacing::unit;
+constexpr int twoLineHeight = 7 * spacing::unit;
 constexpr int lineHeight = 3 * spacing::unit;
 constexpr int iconRoom = spacing::iconSmall + 6;
 
@@ -145,7 +145,14 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
                            tintedIcon(icon, color, spacing::iconSmall, devicePixelRatioF()));
         drawText(painter, place.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, text, color);
     };
-    drawMarked(at.status, shown_.statusIcon, shown_.status,
+    QRect status = at.status;
+    if (!isOneLine) {
+        // Ends above the age.
+        status.setLeft(std::max(
+            status.left(),
+            status.right() - iconRoom - painter.fontMetrics().horizontalAdvance(shown_.status)));
+    }
+    drawMarked(status, shown_.statusIcon, shown_.status,
                shown_.isReachable ? theme.good : theme.caution);
     drawText(painter, at.cpu, Qt::AlignLeft, shown_.cpu, theme.text);
     if (shown_.memoryWord.isEmpty()) {

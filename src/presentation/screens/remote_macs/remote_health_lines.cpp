@@ -1,5 +1,8 @@
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QStringList>
 
 #include "presentation/words/dashboard_text.h"
@@ -10,11 +13,17 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest::remote_health_lines {
 namespace {
 
-using dashboard_text::text;
-
 constexpr std::string_view absentAddress = "no address";
 /// Of a name within an identifier.
 constexpr qsizetype longestIdentifier = 64;
+
+/// A text of the other machine or of the profile. More of it than fits on any screen is left out,
+/// because to make a text of a megabyte safe takes time.
+QString text(std::string_view utf8) {
+    constexpr std::size_t longest = 1000;
+    return utf8.size() <= longest ? dashboard_text::text(utf8)
+                                  : dashboard_text::text(utf8.substr(0, longest)) + u'…';
+}
 
 QString separator() {
     return u" · "_s;
@@ -33,8 +42,16 @@ QString joined(QStringList parts, const QString& between) {
     return parts.join(between);
 }
 
+// The other machine may report any figure, and each has its room.
+
 QString cpuText(double percent) {
-    return dashboard_text::percentWithDecimal(percent) + u" CPU"_s;
+    constexpr double bound = 100'000;
+    return dashboard_text::percentWithDecimal(std::clamp(percent, -bound, bound)) + u" CPU"_s;
+}
+
+double boundedMegabytes(double megabytes) {
+    constexpr double bound = 1e8;
+    return std::clamp(megabytes, -bound, bound);
 }
 
 }  // namespace
@@ -126,6 +143,10 @@ QString recommendationLine(const RemoteHealth& machine) {
     return u"Recommendation: "_s + text(machine.recommendation);
 }
 
+QString setupHintLine(const RemoteHealth& machine) {
+    return text(machine.setupHint);
+}
+
 std::vector<Row> processRows(const RemoteHealthFacts& facts) {
     std::vector<Row> rows;
     for (const RemoteProcess& process : facts.machine.topProcesses) {
@@ -139,7 +160,7 @@ std::vector<Row> processRows(const RemoteHealthFacts& facts) {
                         .note = joined({u"PID "_s + pid, isProtected ? u"Protected"_s : QString()},
                                        separator()),
                         .cpu = cpuText(process.cpu),
-                        .memory = dashboard_text::megabytes(process.rssMB, 0),
+                        .memory = dashboard_text::megabytes(boundedMegabytes(process.rssMB), 0),
                         .toolTip = text(process.command),
                         .copyName = u"Copy %1, PID %2"_s.arg(name, pid),
                         .actionName = u"Quit %1, PID %2"_s.arg(name, pid),
@@ -160,9 +181,10 @@ std::vector<Row> appRows(const RemoteHealthFacts& facts) {
         rows.push_back({.key = app.name,
                         .identifier = u"app-"_s + name.left(longestIdentifier),
                         .name = name,
-                        .note = dashboard_text::processes(app.processCount),
+                        .note = dashboard_text::processes(app.processCount) + separator() +
+                                dashboard_text::memoryText(boundedMegabytes(app.totalMemoryMB)),
                         .cpu = cpuText(app.totalCPU),
-                        .memory = dashboard_text::memoryText(app.totalMemoryMB),
+                        .memory = QString(),
                         .toolTip = QString(),
                         .copyName = u"Copy "_s + name,
                         .actionName = u"Never Quit "_s + name,

@@ -82,6 +82,7 @@ QString systemLine(const RemoteHealth& machine);
 QString topCPULine(const RemoteHealth& machine);
 QString topMemoryLine(const RemoteHealth& machine);
 QString recommendationLine(const RemoteHealth& machine);
+QString setupHintLine(const RemoteHealth& machine);
 
 /// A process or an app group of the machine.
 struct Row {
@@ -90,7 +91,7 @@ struct Row {
     QString name;
     QString note;
     QString cpu;         ///< "12.3% CPU"
-    QString memory;      ///< "512 MB"
+    QString memory;      ///< of a process: "512 MB"
     QString toolTip;     ///< plain text
     QString copyName;    ///< the accessible name of the button "Copy"
     QString actionName;  ///< the accessible name of the other button

@@ -4,7 +4,7 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 
-#include "presentation/screens/shared/automation_toggles.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/limit_row.h"
 #include "presentation/widgets/step_slider.h"
@@ -20,7 +20,7 @@ namespace {
 constexpr int longestText = 256;
 
 void showStored(QLineEdit& field, const std::string& stored) {
-    const QString shown = dashboard_text::text(stored);
+    const QString shown = dashboard_text::text(stored).left(longestText);
     if (!field.hasFocus() && field.text().trimmed() != shown.trimmed()) {
         const QSignalBlocker quiet(&field);
         field.setText(shown);
@@ -43,18 +43,15 @@ RemoteProfileEditor::RemoteProfileEditor(const QString& identifier, QWidget* par
                               {65, 95, 1}, dashboard_text::percentText, this);
     connect(threshold_, &LimitRow::moved, this,
             [this](double value) { emit changed({.warningThreshold = value}); });
-    purge_ = new AutomationToggle(identifier + u".allow-remote-purge"_s, this);
-    connect(purge_, &AutomationToggle::wanted, this,
-            [this](bool on) { emit changed({.allowRemotePurge = on}); });
 
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(2 * spacing::gap);
+    grid->setHorizontalSpacing(spacing::gap);
     grid->setVerticalSpacing(spacing::gap);
     grid->addWidget(nickname_->parentWidget(), 0, 0);
     grid->addWidget(role_->parentWidget(), 0, 1);
     grid->addWidget(threshold_, 1, 0, Qt::AlignTop);
-    grid->addWidget(purge_, 1, 1);
+    grid->addWidget(makePermission(identifier + u".allow-remote-purge"_s), 1, 1);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
 }
@@ -76,21 +73,46 @@ QLineEdit* RemoteProfileEditor::makeField(const QString& title, const QString& i
     return field;
 }
 
+QWidget* RemoteProfileEditor::makePermission(const QString& identifier) {
+    const QString title = u"Allow remote purge on this Mac"_s;
+    auto* cell = new QWidget(this);
+    auto* row = new QHBoxLayout(cell);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing::unit);
+    purge_ = new ToggleSwitch(cell);
+    purge_->setObjectName(identifier);
+    purge_->setAccessibleName(title);
+    connect(purge_, &QAbstractButton::clicked, this,
+            [this] { emit changed({.allowRemotePurge = !purge_->isChecked()}); });
+    row->addWidget(purge_, 0, Qt::AlignTop);
+    auto* words = new QVBoxLayout;
+    words->setSpacing(2);
+    // Centres the title vertically on the switch.
+    words->addSpacing(spacing::unit / 2);
+    auto* name = new ElidedLabel(title, onCard(&CrestFonts::body), cell);
+    name->setLines(1, 2);
+    words->addWidget(name);
+    purgeState_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), cell);
+    purgeState_->setObjectName(identifier + u".state"_s);
+    purgeState_->setLines(1, 2);
+    words->addWidget(purgeState_);
+    words->addStretch(1);
+    row->addLayout(words, 1);
+    return cell;
+}
+
 void RemoteProfileEditor::show(const RemoteProfile& profile) {
     showStored(*nickname_, profile.nickname);
     showStored(*role_, profile.role);
     threshold_->show(profile.warningThreshold);
-    AutomationLine line;
-    line.title = u"Allow remote purge on this Mac"_s;
-    line.explanation = u"Each purge still asks first."_s;
-    line.isOn = profile.allowRemotePurge;
-    line.state = line.isOn ? SwitchState::on : SwitchState::off;
-    purge_->setLine(line);
+    purge_->setChecked(profile.allowRemotePurge);
+    purgeState_->setText(profile.allowRemotePurge ? u"On. Each purge still asks first."_s
+                                                  : u"Off. Remote Purge is refused."_s);
+    setSpokenDescription(*purge_, purgeState_->text());
 }
 
 std::vector<QWidget*> RemoteProfileEditor::controls() const {
-    return {nickname_, role_, threshold_->findChild<StepSlider*>(),
-            purge_->findChild<ToggleSwitch*>()};
+    return {nickname_, role_, threshold_->findChild<StepSlider*>(), purge_};
 }
 
 }  // namespace tallowcrest

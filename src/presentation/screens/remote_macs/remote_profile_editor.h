@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 #include <QWidget>
 
@@ -10,8 +12,9 @@ class QLineEdit;
 
 namespace tallowcrest {
 
-class AutomationToggle;
+class ElidedLabel;
 class LimitRow;
+class ToggleSwitch;
 
 /// The fields of one machine's profile. For use on a card. Main thread.
 class RemoteProfileEditor final : public QWidget {
@@ -35,11 +38,13 @@ signals:
 private:
     QLineEdit* makeField(const QString& title, const QString& identifier,
                          const QString& description);
+    QWidget* makePermission(const QString& identifier);
 
     QLineEdit* nickname_ = nullptr;
     QLineEdit* role_ = nullptr;
     LimitRow* threshold_ = nullptr;
-    AutomationToggle* purge_ = nullptr;
+    ToggleSwitch* purge_ = nullptr;
+    ElidedLabel* purgeState_ = nullptr;
 };
 
 }  // namespace tallowcrest

@@ -79,6 +79,7 @@ void RemoteRow::show(const remote_health_lines::Row& row) {
     note_->setText(row.note);
     cpu_->setText(row.cpu);
     memory_->setText(row.memory);
+    memory_->setVisible(!row.memory.isEmpty());
     setSpokenName(*copy_, row.copyName);
     if (action_ == RemoteRows::Action::quit) {
         actionButton_->setEnabled(!row.isProtected);
