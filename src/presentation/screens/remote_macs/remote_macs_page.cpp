@@ -52,10 +52,13 @@ RemoteMacsPage::RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidg
 RemoteMacsPage::~RemoteMacsPage() = default;
 
 void RemoteMacsPage::layOutParts() {
+    // So that the three figures stand side by side in the smallest window.
+    constexpr int narrowestCard = 160;
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     attention_ = new AttentionCard;
-    summary_.emplace(u"remote.summary-card"_s, remote_macs_lines::summaryCards, content);
+    summary_.emplace(u"remote.summary-card"_s, remote_macs_lines::summaryCards, content,
+                     narrowestCard);
     timeline_ = new RemoteTimelineCard(u"remote.timeline"_s);
     detail_ = new RemoteDetailCard;
     tailscale_ = new TailscaleBlock;

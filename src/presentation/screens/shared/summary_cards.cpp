@@ -10,10 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-SummaryCards::SummaryCards(const QString& identifier, std::size_t most, QWidget* parent) {
-    // Wide enough for most application names in the font of a value.
-    constexpr int narrowestCard = 240;
-    grid_ = new CardGrid(narrowestCard, parent);
+SummaryCards::SummaryCards(const QString& identifier, std::size_t most, QWidget* parent,
+                           int narrowest) {
+    grid_ = new CardGrid(narrowest, parent);
     for (std::size_t i = 0; i < most; ++i) {
         auto* card = new SummaryCard(QString(), grid_);
         card->setObjectName(u"%1-%2"_s.arg(identifier).arg(i + 1));

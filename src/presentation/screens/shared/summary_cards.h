@@ -16,9 +16,13 @@ class SummaryCard;
 /// A grid of summary cards that are updated in place. Main thread.
 class SummaryCards {
 public:
+    /// Wide enough for most application names in the font of a value.
+    static constexpr int wideEnoughForNames = 240;
+
     /// At most `most` cards, whose object names are "IDENTIFIER-1" and so on. `parent` owns the
-    /// grid.
-    SummaryCards(const QString& identifier, std::size_t most, QWidget* parent);
+    /// grid. Cards that stand beside others are at least `narrowest` pixels wide.
+    SummaryCards(const QString& identifier, std::size_t most, QWidget* parent,
+                 int narrowest = wideEnoughForNames);
 
     QWidget* widget() const;
     /// For a grid within a card.
