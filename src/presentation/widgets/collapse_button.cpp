@@ -93,12 +93,11 @@ void CollapseButton::paintGround(QPainter& painter) const {
     }
 }
 
-int CollapseButton::paintChevron(QPainter& painter, int left, int middle) const {
+void CollapseButton::paintChevron(QPainter& painter, int left, int middle) const {
     constexpr int size = spacing::iconSmall;
     painter.drawPixmap(left, middle - size / 2,
                        tintedIcon(isExpanded_ ? u"chevron.down"_s : u"chevron.right"_s,
                                   CrestTheme::current().secondaryText, size, devicePixelRatioF()));
-    return left + size + spacing::unit;
 }
 
 }  // namespace tallowcrest

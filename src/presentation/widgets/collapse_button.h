@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/theme.h"
 
 class QPainter;
 
@@ -38,9 +39,10 @@ protected:
 
     /// Paints what shows the pointer and the focus.
     void paintGround(QPainter& painter) const;
-    /// Paints the chevron at `left`, vertically centred on `middle`. Returns where the next thing
-    /// may begin.
-    int paintChevron(QPainter& painter, int left, int middle) const;
+    /// The width of the chevron and the gap behind it.
+    static constexpr int chevronRoom = spacing::iconSmall + spacing::unit;
+    /// Paints the chevron at `left`, vertically centred on `middle`.
+    void paintChevron(QPainter& painter, int left, int middle) const;
 
 private:
     bool isExpanded_;

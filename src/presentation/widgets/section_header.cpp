@@ -51,7 +51,9 @@ void SectionHeader::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     paintGround(painter);
-    int left = paintChevron(painter, spacing::cardPadding, height() / 2);
+    int left = spacing::cardPadding;
+    paintChevron(painter, left, height() / 2);
+    left += chevronRoom;
     if (!icon_.isEmpty()) {
         constexpr int size = spacing::iconRegular;
         painter.drawPixmap(left, (height() - size) / 2,

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 
-#include <QEvent>
+#include <QFontMetrics>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
 
-#include "presentation/widgets/figure_text.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/text_lines.h"
 
@@ -72,47 +71,65 @@ void RemoteHealthHead::resizeEvent(QResizeEvent* event) {
 
 bool RemoteHealthHead::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        // The name is what may have to be elided.
         const QString whole =
             shown_.host.isEmpty() ? shown_.name : shown_.name + u" · "_s + shown_.host;
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipText(whole), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                           isNameElided() ? toolTipText(whole) : QString(), this);
         return true;
     }
     return CollapseButton::event(event);
 }
 
-RemoteHealthHead::Places RemoteHealthHead::places(int left) const {
+RemoteHealthHead::Places RemoteHealthHead::places() const {
     const CrestFonts& fonts = CrestFonts::current();
     // The widest texts to expect in a column.
     const int statusWidth = iconRoom + figuresWidth(fonts.body, u"Connection Blocked"_s);
     const int cpuWidth = figuresWidth(fonts.body, u"CPU 000%"_s);
     const int memoryWidth = iconRoom + figuresWidth(fonts.body, u"Memory 000% · High"_s);
+    const bool isOneLine = width() >= oneLineWidth;
+    const int top = isOneLine ? 0 : (height() - 2 * lineHeight) / 2;
+    const int lineRoom = isOneLine ? height() : lineHeight;
+    const int left = spacing::cardPadding + chevronRoom;
     int right = width() - spacing::cardPadding;
-    const auto takeRight = [&right](int top, int height, int width) {
+    const auto takeRight = [&](int width) {
         right -= width;
-        const QRect place(right, top, width, height);
+        const QRect place(right, top, width, lineRoom);
         right -= spacing::gap;
         return place;
     };
     Places places;
-    if (width() >= oneLineWidth) {
-        places.age = takeRight(0, height(), figuresWidth(fonts.caption, u"00/00/00, 00:00 PM"_s));
-        places.memory = takeRight(0, height(), memoryWidth);
-        places.cpu = takeRight(0, height(), cpuWidth);
-        places.status = takeRight(0, height(), statusWidth);
-        places.name = QRect(left, 0, std::max(0, right - left), height());
-        return places;
+    if (isOneLine) {
+        places.age = takeRight(figuresWidth(fonts.caption, u"00/00/00, 00:00 PM"_s));
+        places.memory = takeRight(memoryWidth);
+        places.cpu = takeRight(cpuWidth);
+        places.status = takeRight(statusWidth);
+    } else {
+        const int second = top + lineHeight;
+        places.cpu = QRect(left, second, cpuWidth, lineHeight);
+        places.memory = QRect(places.cpu.right() + spacing::gap, second, memoryWidth, lineHeight);
+        places.age = QRect(QPoint(places.memory.right() + spacing::gap, second),
+                           QPoint(right - 1, second + lineHeight - 1));
+        // The status ends above the age.
+        places.status = takeRight(std::min(
+            statusWidth, iconRoom + QFontMetrics(fonts.body).horizontalAdvance(shown_.status) + 1));
     }
-    const int top = (height() - 2 * lineHeight) / 2;
-    places.status = takeRight(top, lineHeight, statusWidth);
-    places.name = QRect(left, top, std::max(0, right - left), lineHeight);
-    const int second = top + lineHeight;
-    places.cpu = QRect(left, second, cpuWidth, lineHeight);
-    places.memory = QRect(places.cpu.right() + spacing::gap, second, memoryWidth, lineHeight);
-    const int ageLeft = places.memory.right() + spacing::gap;
-    places.age =
-        QRect(ageLeft, second, std::max(0, width() - spacing::cardPadding - ageLeft), lineHeight);
+    const int room = std::max(0, right - left);
+    // No more characters than that have a place.
+    const QString name = shown_.name.left(room);
+    // A host name beside it leaves the nickname most of the room.
+    const int nameRoom = shown_.host.isEmpty() ? room : room * 2 / 3;
+    places.name =
+        QRect(left, top, std::min(figuresWidth(fonts.heading, name) + 1, nameRoom), lineRoom);
+    places.host = QRect(QPoint(places.name.right() + 1 + spacing::unit, top),
+                        QPoint(left + room - 1, top + lineRoom - 1));
     return places;
+}
+
+bool RemoteHealthHead::isNameElided() const {
+    const CrestFonts& fonts = CrestFonts::current();
+    const Places at = places();
+    return QFontMetrics(fonts.heading).horizontalAdvance(shown_.name) > at.name.width() ||
+           QFontMetrics(fonts.caption).horizontalAdvance(shown_.host) > at.host.width();
 }
 
 void RemoteHealthHead::paintEvent(QPaintEvent*) {
@@ -121,38 +138,22 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     paintGround(painter);
-    const bool isOneLine = width() >= oneLineWidth;
-    const int firstMiddle = isOneLine ? height() / 2 : height() / 2 - lineHeight / 2;
-    const Places at = places(paintChevron(painter, spacing::cardPadding, firstMiddle));
-
+    const Places at = places();
+    paintChevron(painter, spacing::cardPadding, at.name.top() + at.name.height() / 2);
     painter.setFont(fonts.heading);
-    const int wholeName = figuresWidth(fonts.heading, shown_.name.left(at.name.width())) + 1;
-    // A host name beside it leaves the nickname most of the room.
-    const int mostName = shown_.host.isEmpty() ? at.name.width() : at.name.width() * 2 / 3;
-    QRect name = at.name;
-    name.setWidth(std::min(wholeName, mostName));
-    drawText(painter, name, Qt::AlignLeft, shown_.name, theme.text);
+    drawText(painter, at.name, Qt::AlignLeft, shown_.name, theme.text);
     painter.setFont(fonts.caption);
-    QRect host = at.name;
-    host.setLeft(name.right() + spacing::unit + 1);
-    drawText(painter, host, Qt::AlignLeft, shown_.host, theme.secondaryText);
+    drawText(painter, at.host, Qt::AlignLeft, shown_.host, theme.secondaryText);
     drawText(painter, at.age, Qt::AlignRight, shown_.age, theme.secondaryText);
 
     painter.setFont(fonts.body);
-    const auto drawMarked = [&](QRect place, const QString& icon, const QString& text,
+    const auto drawMarked = [&](const QRect& place, const QString& icon, const QString& text,
                                 const QColor& color) {
         painter.drawPixmap(place.left(), place.center().y() - spacing::iconSmall / 2 + 1,
                            tintedIcon(icon, color, spacing::iconSmall, devicePixelRatioF()));
         drawText(painter, place.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, text, color);
     };
-    QRect status = at.status;
-    if (!isOneLine) {
-        // Ends above the age.
-        status.setLeft(std::max(
-            status.left(),
-            status.right() - iconRoom - painter.fontMetrics().horizontalAdvance(shown_.status)));
-    }
-    drawMarked(status, shown_.statusIcon, shown_.status,
+    drawMarked(at.status, shown_.statusIcon, shown_.status,
                shown_.isReachable ? theme.good : theme.caution);
     drawText(painter, at.cpu, Qt::AlignLeft, shown_.cpu, theme.text);
     if (shown_.memoryWord.isEmpty()) {

@@ -26,11 +26,11 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// The parts at the right of a wide head; on the second line of a narrow one.
     struct Places {
-        QRect name, status, cpu, memory, age;
+        QRect name, host, status, cpu, memory, age;
     };
-    Places places(int left) const;
+    Places places() const;
+    bool isNameElided() const;
 
     remote_health_lines::Head shown_;
 };

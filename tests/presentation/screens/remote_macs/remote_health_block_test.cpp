@@ -4,10 +4,12 @@
 
 #include <QAccessible>
 #include <QAction>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QToolTip>
 
 #include "presentation/widgets/menu_button.h"
 #include "tests/presentation/screens/remote_macs/activate.h"
@@ -163,6 +165,20 @@ TEST_F(RemoteHealthBlockTest, TheHeadHasTwoLinesInANarrowBlock) {
     page.resize(1000, 1200);
     settle();
     EXPECT_EQ(heightOf(block), wide);
+}
+
+TEST_F(RemoteHealthBlockTest, TheHeadHasAToolTipOnlyForANameWithoutRoom) {
+    const auto tip = [this] {
+        QHelpEvent event(QEvent::ToolTip, {20, 20}, {20, 20});
+        QApplication::sendEvent(visible("probe.head"), &event);
+        return QToolTip::text();
+    };
+    show();
+    EXPECT_EQ(tip(), QString());
+    facts.profile.nickname = "<b>" + std::string(300, 'W');
+    show();
+    EXPECT_TRUE(tip().contains(u"&lt;b&gt;WWW"_s));
+    QToolTip::hideText();
 }
 
 // The details -------------------------------------------------------------------------------------
