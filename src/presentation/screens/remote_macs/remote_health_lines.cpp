@@ -56,10 +56,6 @@ double boundedMegabytes(double megabytes) {
 
 }  // namespace
 
-bool needsAttention(const RemoteHealth& machine, const RemoteProfile& profile) {
-    return machine.status != RemoteHealth::Status::reachable || isMemoryHigh(machine, profile);
-}
-
 bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile) {
     return machine.memoryPercent && *machine.memoryPercent >= profile.warningThreshold;
 }

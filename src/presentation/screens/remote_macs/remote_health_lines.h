@@ -40,9 +40,7 @@ enum class RemoteOperation : std::uint8_t {
 
 namespace remote_health_lines {
 
-/// Whether the machine is not reachable, or its memory is at or above the threshold of its profile.
-bool needsAttention(const RemoteHealth& machine, const RemoteProfile& profile);
-/// False without a memory figure.
+/// Whether its memory is at or above the threshold of its profile. False without a figure.
 bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile);
 
 /// The name of a line icon.
@@ -69,6 +67,7 @@ struct Head {
     QString spokenName;     ///< the machine and its status
     QString spokenFigures;  ///< the rest
 
+    /// Whether it is not reachable, or its memory is high.
     bool needsAttention() const { return !isReachable || !memoryWord.isEmpty(); }
     bool operator==(const Head&) const = default;
 };
