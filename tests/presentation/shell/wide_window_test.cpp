@@ -31,6 +31,7 @@ TEST_F(WideWindowTest, TheContentEndsAtItsGreatestWidthBelowTheHeader) {
                                      {AppRoute::optimize, "optimize.workspace"},
                                      {AppRoute::load, "processes"},
                                      {AppRoute::chat, "coming.chat"},
+                                     {AppRoute::remoteMacs, "remote.summary"},
                                      {AppRoute::history, "history.timeline"},
                                      {AppRoute::settings, "settings.hub"}}) {
         goTo(each);

@@ -12,20 +12,21 @@ namespace tallowcrest {
 void PeerListModel::setPeers(const std::vector<TailDevice>& peers) {
     const int before = rowCount();
     const int after = static_cast<int>(peers.size());
-    const auto [oldChange, newChange] = std::ranges::mismatch(peers_, peers);
-    const int firstChanged = static_cast<int>(oldChange - peers_.begin());
+    const int common = std::min(before, after);
+    // Rows come and go at the end first, while those above them are what they were.
     if (after < before) {
         beginRemoveRows({}, after, before - 1);
-        peers_ = peers;
+        peers_.resize(peers.size());
         endRemoveRows();
     } else if (after > before) {
         beginInsertRows({}, before, after - 1);
-        peers_ = peers;
+        peers_.insert(peers_.end(), peers.begin() + before, peers.end());
         endInsertRows();
-    } else {
-        peers_ = peers;
     }
-    if (const int common = std::min(before, after); firstChanged < common) {
+    const int firstChanged =
+        static_cast<int>(std::ranges::mismatch(peers_, peers).in1 - peers_.begin());
+    if (firstChanged < common) {
+        peers_ = peers;
         emit dataChanged(index(firstChanged), index(common - 1));
     }
 }
