@@ -42,6 +42,21 @@ SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsi
             u"Most visible app group in this Tallowcrest session."_s};
 }
 
+SummaryTexts remoteState(const std::vector<RemoteHealth>& remoteHealth) {
+    const QString title = u"Remote State"_s;
+    if (remoteHealth.empty()) {
+        return {title, u"Not scanned"_s, u"Use Scan Remote Macs in the Tailscale section."_s};
+    }
+    // An absent figure is less than every other one.
+    const std::optional<double> highest =
+        std::ranges::max_element(remoteHealth, {}, &RemoteHealth::memoryPercent)->memoryPercent;
+    return {
+        title,
+        count(std::ssize(remoteHealth) - machinesThatNeedAttention(remoteHealth)) + u" reachable"_s,
+        u"Highest remote memory pressure "_s +
+            (highest ? dashboard_text::percentText(*highest) : dashboard_text::noFigure())};
+}
+
 SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
     const QString title = u"Current State"_s;
     if (!snapshot) {
@@ -100,11 +115,16 @@ std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>&
 }
 
 std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
-                                       const std::vector<SessionInsight>& insights) {
-    // Nothing scans other machines yet, and so nothing is said of how to.
-    return {{u"Remote State"_s, u"Not scanned"_s, QString()},
-            currentState(snapshot),
+                                       const std::vector<SessionInsight>& insights,
+                                       const std::vector<RemoteHealth>& remoteHealth) {
+    return {remoteState(remoteHealth), currentState(snapshot),
             recurringTopApp(u"Top Repeater"_s, insights)};
+}
+
+std::int64_t machinesThatNeedAttention(const std::vector<RemoteHealth>& remoteHealth) {
+    return std::ranges::count_if(remoteHealth, [](const RemoteHealth& machine) {
+        return machine.status != RemoteHealth::Status::reachable;
+    });
 }
 
 }  // namespace tallowcrest

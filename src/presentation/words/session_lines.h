@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -8,6 +9,7 @@
 
 #include "core/activity_event.h"
 #include "core/local_records.h"
+#include "core/remote_records.h"
 #include "sampling/protection.h"
 
 /// The texts that describe the session: its events, summaries and insights. Main thread.
@@ -52,9 +54,13 @@ std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>&
 inline constexpr std::size_t mostSessionInsights = 5;
 
 /// "Remote State", "Current State" and "Top Repeater", in this order. Without a snapshot,
-/// the current state is that sampling has begun.
+/// the current state is that sampling has begun. `remoteHealth` is empty before the first scan.
 std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
-                                       const std::vector<SessionInsight>& insights);
+                                       const std::vector<SessionInsight>& insights,
+                                       const std::vector<RemoteHealth>& remoteHealth);
 inline constexpr std::size_t sessionStateCards = 3;
+
+/// How many machines of the last scan could not be sampled.
+std::int64_t machinesThatNeedAttention(const std::vector<RemoteHealth>& remoteHealth);
 
 }  // namespace tallowcrest

@@ -68,7 +68,7 @@ Sources sourcesOfPage(AppRoute route) {
     using enum Source;
     switch (route) {
         case AppRoute::overview:
-            return {sample, log, settings, automation};
+            return {sample, log, settings, automation, remoteScan};
         case AppRoute::load:
             return {sample, processDetails, review, settings, navigation};
         case AppRoute::optimize:
@@ -78,6 +78,7 @@ Sources sourcesOfPage(AppRoute route) {
         case AppRoute::remoteMacs:
             return {tailnet, remoteScan, remoteProfiles, settings, navigation};
         case AppRoute::history:
+            return {sample, log, settings, rules, remoteScan};
         case AppRoute::settings:
             return {sample, log, settings, rules};
         default:

@@ -15,6 +15,7 @@
 #include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/shared/automation_toggles.h"
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/remote_timeline_card.h"
 #include "presentation/screens/shared/timeline_graph.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/widgets/elided_label.h"
@@ -23,6 +24,7 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/session_lines.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
 
@@ -42,6 +44,8 @@ HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeTimeline());
+    remoteTimeline_ = new RemoteTimelineCard(u"history.remote-timeline"_s);
+    layout->addWidget(remoteTimeline_);
     session_.emplace(u"history.session"_s, sessionStateCards, content);
     layout->addWidget(session_->widget());
     layout->addWidget(makeAutomation());
@@ -104,7 +108,8 @@ QWidget* HistoryPage::makeReceipts() {
 
 std::vector<Observable*> HistoryPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable(),
+            &monitor_.remote().scan.observable()};
 }
 
 std::vector<HeaderAction> HistoryPage::headerActions() {
@@ -122,9 +127,13 @@ void HistoryPage::refresh() {
     timeline_->setCaption(pointCount(history.size()));
     showTimeline(*graph_, {history, activityLog, monitor_.settings().warningThreshold},
                  timelineSummary(history));
-    session_->show(sessionState(sample.snapshot(), sample.sessionInsights()));
+    const Date now = dashboard_text::sampledAt(sample.snapshot()).value_or(Date{});
+    const RemoteScan& scan = monitor_.remote().scan;
+    remoteTimeline_->show(scan.remoteHistory(), now);
+    session_->show(
+        sessionState(sample.snapshot(), sample.sessionInsights(), scan.state().remoteHealth));
     automation_->show(automationFacts(monitor_));
-    log_->show(activityLog, dashboard_text::sampledAt(sample.snapshot()).value_or(Date{}));
+    log_->show(activityLog, now);
 }
 
 QWidget* HistoryPage::topmostReadEntry() const {

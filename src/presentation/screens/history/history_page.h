@@ -12,11 +12,12 @@ class ActivityLogCard;
 class AutomationToggles;
 class Card;
 class PageScrollArea;
+class RemoteTimelineCard;
 class StableLineGraph;
 class SystemMonitor;
 
-/// The load of the session, the automation switches, the report to copy or export, and the activity
-/// log. Main thread.
+/// The load of the session and of the other machines, the automation switches, the report to copy
+/// or export, and the activity log. Main thread.
 class HistoryPage final : public Screen {
     Q_OBJECT
 
@@ -38,6 +39,7 @@ private:
     PageScrollArea* area_ = nullptr;
     Card* timeline_ = nullptr;
     StableLineGraph* graph_ = nullptr;
+    RemoteTimelineCard* remoteTimeline_ = nullptr;
     std::optional<SummaryCards> session_;
     AutomationToggles* automation_ = nullptr;
     ActivityLogCard* log_ = nullptr;

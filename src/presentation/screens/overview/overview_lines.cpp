@@ -108,10 +108,8 @@ TopOffender topOffender(const TopOffenderFacts& facts) {
             {}};
 }
 
-QString remoteAlerts(int machinesThatNeedAttention) {
-    return machinesThatNeedAttention > 0
-               ? u"%1 Remote Alerts"_s.arg(dashboard_text::count(machinesThatNeedAttention))
-               : QString();
+QString remoteAlerts(std::int64_t machines) {
+    return machines > 0 ? u"%1 Remote Alerts"_s.arg(dashboard_text::count(machines)) : QString();
 }
 
 }  // namespace tallowcrest

@@ -83,6 +83,6 @@ struct TopOffenderFacts {
 TopOffender topOffender(const TopOffenderFacts& facts);
 
 /// "3 Remote Alerts"; empty when no remote machine needs attention.
-QString remoteAlerts(int machinesThatNeedAttention);
+QString remoteAlerts(std::int64_t machines);
 
 }  // namespace tallowcrest

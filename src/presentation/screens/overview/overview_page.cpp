@@ -24,6 +24,8 @@
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/session_lines.h"
+#include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -81,7 +83,8 @@ void OverviewPage::connectBlocks() {
 
 std::vector<Observable*> OverviewPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.actions().automation.observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.actions().automation.observable(),
+            &monitor_.remote().scan.observable()};
 }
 
 std::vector<HeaderAction> OverviewPage::headerActions() {
@@ -106,7 +109,8 @@ void OverviewPage::refresh() {
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
     showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
-    topOffender_->show(offenderFacts());
+    topOffender_->show(offenderFacts(),
+                       machinesThatNeedAttention(monitor_.remote().scan.state().remoteHealth));
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
     sessionInsights_->show(sample.sessionInsights());

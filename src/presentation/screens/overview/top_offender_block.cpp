@@ -79,7 +79,7 @@ TopOffenderBlock::TopOffenderBlock()
     bodyLayout()->addWidget(alerts_);
 }
 
-void TopOffenderBlock::show(const TopOffenderFacts& facts) {
+void TopOffenderBlock::show(const TopOffenderFacts& facts, std::int64_t remoteAlertCount) {
     if (isCollapsed()) {
         return;
     }
@@ -102,9 +102,7 @@ void TopOffenderBlock::show(const TopOffenderFacts& facts) {
     if (isOffender) {
         setSpokenName(*review_, u"Review: "_s + shown.group);
     }
-    // Nothing scans other machines yet.
-    constexpr int machinesThatNeedAttention = 0;
-    alertsText_->setText(remoteAlerts(machinesThatNeedAttention));
+    alertsText_->setText(remoteAlerts(remoteAlertCount));
     alerts_->setVisible(!alertsText_->text().isEmpty());
 }
 

@@ -9,7 +9,8 @@ namespace tallowcrest {
 
 class IconView;
 
-/// The heaviest application group while load is high, or that the load is not high. Main thread.
+/// The heaviest application group while load is high, or that the load is not high; and how many
+/// other machines need attention. Main thread.
 class TopOffenderBlock final : public OverviewBlock {
     Q_OBJECT
 
@@ -17,7 +18,7 @@ public:
     TopOffenderBlock();
 
     /// "Review" is shown only for an offender whose process can be reviewed.
-    void show(const TopOffenderFacts& facts);
+    void show(const TopOffenderFacts& facts, std::int64_t remoteAlertCount);
 
 signals:
     /// The owner asked to review the heaviest process of the offender.

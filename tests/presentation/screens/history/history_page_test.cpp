@@ -7,6 +7,7 @@
 #include "core/settings/settings.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/words/dashboard_text.h"
+#include "remote/remote.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -45,8 +46,8 @@ protected:
 TEST_F(HistoryPageTest, ItsPartsStandInTheirOrder) {
     showHistory();
     int below = -1;
-    for (const char* each : {"history.timeline", "history.session-1", "history.automation",
-                             "history.receipts", "history.activity-log"}) {
+    for (const char* each : {"history.timeline", "history.remote-timeline", "history.session-1",
+                             "history.automation", "history.receipts", "history.activity-log"}) {
         const QWidget* part = visible(each);
         ASSERT_NE(part, nullptr) << each;
         const int top = part->mapTo(&window(), QPoint()).y();
@@ -100,7 +101,8 @@ TEST_F(HistoryPageTest, TheSessionBeforeAndAfterTheFirstSample) {
     show();
     EXPECT_THAT(
         sessionCards(),
-        ElementsAre("Remote State: Not scanned", "Current State: –, Sampling this Mac...",
+        ElementsAre("Remote State: Not scanned, Use Scan Remote Macs in the Tailscale section.",
+                    "Current State: –, Sampling this Mac...",
                     "Top Repeater: None yet, Most visible app group in this Tallowcrest session."));
     insights = {
         {UUID::random(), "Recurring Top App", "editor", "Led", SessionInsight::Kind::topApp}};
@@ -110,16 +112,29 @@ TEST_F(HistoryPageTest, TheSessionBeforeAndAfterTheFirstSample) {
         dashboard_text::timeText(machine.monitor().sample().snapshot()->sampledAt).toStdString();
     EXPECT_THAT(
         sessionCards(),
-        ElementsAre("Remote State: Not scanned",
+        ElementsAre("Remote State: Not scanned, Use Scan Remote Macs in the Tailscale section.",
                     "Current State: 40% CPU, Memory pressure 59% at " + time,
                     "Top Repeater: editor, Most visible app group in this Tallowcrest session."));
 }
 
-TEST_F(HistoryPageTest, NothingPointsAtControlsThatDoNotExist) {
+TEST_F(HistoryPageTest, AScanOfTheOtherMachinesIsShownWithoutATick) {
     showHistory();
-    for (const ElidedLabel* label : window().findChildren<ElidedLabel*>()) {
-        EXPECT_FALSE(label->text().contains(u"Scan Remote Macs"_s)) << label->text().toStdString();
-    }
+    EXPECT_THAT(texts("history.remote-timeline"),
+                Contains("Run a remote scan to begin tracking remote CPU and memory trends."));
+    machine.monitor().remote().scan.finishRemoteScan(
+        {{.id = "a",
+          .hostName = "mini",
+          .status = RemoteHealth::Status::reachable,
+          .cpuPercent = 20,
+          .memoryPercent = 61.5,
+          .sampledAt = machine.clock.now()},
+         {.id = "b", .hostName = "air", .status = RemoteHealth::Status::authNeeded}});
+    settle();
+    EXPECT_THAT(texts("history.remote-timeline"),
+                Contains("1 remote samples retained across recent scans."));
+    EXPECT_EQ(sessionCards()[0], "Remote State: 1 reachable, Highest remote memory pressure 62%");
+    goTo(AppRoute::overview);
+    EXPECT_EQ(textOf("overview.remote-alerts"), u"1 Remote Alerts"_s);
 }
 
 TEST_F(HistoryPageTest, TheAutomationBlockSwitchesTheRules) {

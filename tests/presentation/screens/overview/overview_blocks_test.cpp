@@ -251,7 +251,7 @@ protected:
         row.command = row.arguments = "/usr/bin/photo-indexer";
     }
 
-    void show() { block.show({snapshot, processes, settings, {}}); }
+    void show() { block.show({snapshot, processes, settings, {}}, remoteAlertCount); }
     void showOffender() {
         sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
         snapshot->memory.pressure = 82.0;
@@ -260,6 +260,7 @@ protected:
 
     Settings settings;
     std::vector<ProcessSample> processes;
+    std::int64_t remoteAlertCount = 0;
     TopOffenderBlock& block = place(new TopOffenderBlock);
 };
 
@@ -282,6 +283,15 @@ TEST_F(TopOffenderBlockTest, HasThreeStates) {
                 ElementsAre("photo-indexer is the most useful place to start. Review the Optimize "
                             "workspace before quitting or purging anything."));
     EXPECT_EQ(heightOf(block), height);
+}
+
+TEST_F(TopOffenderBlockTest, CountsTheOtherMachinesThatNeedAttention) {
+    show();
+    EXPECT_EQ(visible("overview.remote-alerts"), nullptr);
+    remoteAlertCount = 2;
+    show();
+    settle();
+    EXPECT_EQ(textOf("overview.remote-alerts"), u"2 Remote Alerts"_s);
 }
 
 TEST_F(TopOffenderBlockTest, EmitsReviewAndCleanup) {
