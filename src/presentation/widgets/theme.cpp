@@ -12,6 +12,7 @@ namespace tallowcrest {
 namespace {
 
 constexpr double textContrast = 4.5;
+constexpr double lineContrast = 3;
 constexpr int bodyPixels = 13;
 // Below this contrast, two large areas side by side look like one.
 constexpr double areaContrast = 1.06;
@@ -163,8 +164,11 @@ CrestTheme CrestTheme::of(const QPalette& palette) {
     theme.track = mixedColor(card, theme.text, dark ? 0.14 : 0.09);
     theme.accentText = readable(theme.accent);
     theme.secondSeries = dark ? QColor(0x6f, 0xa8, 0xdc) : QColor(0x3d, 0x78, 0xb5);
-    theme.thirdSeries = dark ? QColor(0x5c, 0xc8, 0xb8) : QColor(0x0f, 0x83, 0x7b);
-    theme.fourthSeries = dark ? QColor(0xc3, 0x9b, 0xe6) : QColor(0x85, 0x4d, 0xb5);
+    const auto visible = [&](const QColor& color) {
+        return readableColor(color, {card}, lineContrast);
+    };
+    theme.thirdSeries = visible(dark ? QColor(0x5c, 0xc8, 0xb8) : QColor(0x0f, 0x83, 0x7b));
+    theme.fourthSeries = visible(dark ? QColor(0xc3, 0x9b, 0xe6) : QColor(0x85, 0x4d, 0xb5));
     theme.good = readable(dark ? QColor(0x32, 0xd0, 0x5c) : QColor(0x1b, 0x7a, 0x3a));
     theme.caution = readable(dark ? QColor(0xff, 0x9f, 0x2e) : QColor(0xb4, 0x53, 0x09));
     theme.bad = readable(dark ? QColor(0xff, 0x6b, 0x60) : QColor(0xc8, 0x28, 0x22));

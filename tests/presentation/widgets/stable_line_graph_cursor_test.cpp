@@ -60,6 +60,18 @@ protected:
     StableLineGraph graph_{plainGraphFormats()};
 };
 
+TEST_F(GraphCursorTest, OmitsASeriesThatWasNotMeasuredAtItsPoint) {
+    graph_.setSeries({{u"Air"_s, &CrestTheme::accent, {10, 20}, false},
+                      {u"Mini"_s, &CrestTheme::secondSeries, {60, 0}, false, {1}}},
+                     {{0, 900}, {}});
+    EXPECT_EQ(said(), "Air 20 percent, Mini not measured last, before 60 percent");
+    press(Qt::Key_End);
+    EXPECT_THAT(said(), HasSubstr("Air 20 percent"));
+    EXPECT_THAT(said(), Not(HasSubstr("Mini")));
+    press(Qt::Key_Left);
+    EXPECT_THAT(said(), HasSubstr("Mini 60 percent"));
+}
+
 TEST_F(GraphCursorTest, OnlyKeysHaveTheCursorSaidAloud) {
     const Announcements heard;
     press(Qt::Key_End);

@@ -109,6 +109,21 @@ TEST_F(StableLineGraphTest, DrawsOneValueAsAVisibleDot) {
     }
 }
 
+TEST_F(StableLineGraphTest, DrawsALineFromItsFirstToItsLastMeasuredValueAcrossTheOthers) {
+    graph_.setSeries({{u"Air"_s, lineColor, {0, 50, 0, 50, 0}, false, {0, 2, 4}}});
+    const QImage image = painted();
+    EXPECT_TRUE(lineNear(image, at(0.26, 50)));
+    EXPECT_TRUE(lineNear(image, at(0.5, 50))) << "across a missing value";
+    EXPECT_TRUE(lineNear(image, at(0.74, 50)));
+    for (const double outside : {0.0, 0.1, 0.2, 0.8, 0.9, 1.0}) {
+        EXPECT_FALSE(lineNear(image, at(outside, 50))) << outside;
+        EXPECT_FALSE(lineNear(image, at(outside, 0))) << outside;
+    }
+    graph_.setSeries({{u"Air"_s, lineColor, {0, 0, 50}, false, {0, 1}}});
+    EXPECT_TRUE(lineNear(painted(), at(0.99, 50))) << "a dot for one value, within the canvas";
+    EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
+}
+
 TEST_F(StableLineGraphTest, DrawsFiveGridLines) {
     const QImage image = painted();
     for (const double percent : {0.0, 25.0, 50.0, 75.0, 100.0}) {

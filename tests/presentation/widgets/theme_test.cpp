@@ -69,6 +69,9 @@ TEST(CrestTheme, IsReadableOnEachPalette) {
             EXPECT_GE(contrastRatio(theme.*role, theme.cardBackground), 4.5) << name;
             EXPECT_GE(contrastRatio(theme.*role, theme.pageBackground), 4.5) << name;
         }
+        for (const QColor& series : {theme.thirdSeries, theme.fourthSeries}) {
+            EXPECT_GE(contrastRatio(series, theme.cardBackground), 3);
+        }
         // Card and hairline stand out.
         EXPECT_GE(contrastRatio(theme.cardBackground, theme.pageBackground), 1.06);
         EXPECT_GE(contrastRatio(theme.hairline, theme.cardBackground), 1.15);
