@@ -80,10 +80,10 @@ std::string formatRemoteRow(const RemoteHealth& health, bool redacted) {
         return reportText(redacted ? withoutAddress(text, health.address) : text);
     };
     return fmt::format(
-        "{}\t{}\t{}\tmacOS {}\tCPU {}%\tMemory {}%\tTop CPU {}\tTop Memory {}\tRecommendation {}\t"
+        "{}\t{}\t{}\t{} {}\tCPU {}%\tMemory {}%\tTop CPU {}\tTop Memory {}\tRecommendation {}\t"
         "Processes {}\t{}",
         reportText(health.hostName), reportText(redacted ? redactedText : health.address),
-        title(health.status), knownText(health.osVersion),
+        title(health.status), health.isLinux ? "Linux" : "macOS", knownText(health.osVersion),
         roundedToInteger(health.cpuPercent.value_or(0.0)),
         roundedToInteger(health.memoryPercent.value_or(0.0)), knownText(health.topCPUProcess),
         knownText(health.topMemoryProcess), words(health.recommendation),

@@ -135,6 +135,29 @@ TEST_F(MonitorWiring, TheReportContainsEveryPartOfTheState) {
     EXPECT_EQ(monitor().log().lastAction(), "Copied a performance report to the clipboard.");
 }
 
+TEST_F(MonitorWiring, TheReportContainsTheLastScanAndWhatItMeans) {
+    monitor().remote().scan.finishRemoteScan(
+        {{.id = "a",
+          .hostName = "studio",
+          .address = "100.64.0.7",
+          .online = true,
+          .status = RemoteHealth::Status::reachable,
+          .memoryPercent = 70.5,
+          .appImpacts = {{.name = "postgres", .totalCPU = 10}},
+          .recommendation = "Remote Mac looks healthy."},
+         {.id = "b", .hostName = "mini", .address = "no address"}});
+    machine.tick();
+    monitor().reports().copyDiagnosticsReport();
+    ASSERT_THAT(copied, SizeIs(1));
+    for (const char* part :
+         {"Remote Watch\tstudio\tHighest scanned remote memory pressure: 71%.\n",
+          "Remote Repeater\tstudio: postgres\tLed a remote scan 1 time.\n",
+          "Remote Health\nstudio\t100.64.0.7\tReachable\tmacOS unknown\tCPU 0%\tMemory 71%\t",
+          "\nmini\tno address\tNeeds Setup\t"}) {
+        EXPECT_THAT(copied.front(), HasSubstr(part));
+    }
+}
+
 /// The members of a group that depend on the Never Quit list.
 struct Safety {
     std::optional<std::int64_t> topPID;

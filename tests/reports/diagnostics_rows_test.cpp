@@ -120,6 +120,14 @@ TEST(RemoteRow, HasElevenColumnsAndRedactedHidesAddressAndProcessList) {
     }
 }
 
+TEST(RemoteRow, NamesTheSystemOfALinuxMachine) {
+    RemoteHealth health = reachableHost();
+    health.isLinux = true;
+    health.osVersion = "Debian 12";
+    EXPECT_NE(formatRemoteRow(health, false).find("\tReachable\tLinux Debian 12\tCPU"),
+              std::string::npos);
+}
+
 TEST(RemoteRow, MissingFiguresAreZeroAndMissingTextsUnknown) {
     RemoteHealth health;
     health.hostName = "mini";
