@@ -55,6 +55,12 @@ constexpr std::array<SwitchWords, allAutomationSwitches.size()> switchTable{{
      {},
      "Notification action buttons enabled.",
      "Notification action buttons disabled."},
+    // The stop prevents automatic scans, and one that the owner begins may include them.
+    {AutomationSwitch::includeLinuxMachines,
+     &Settings::includeLinuxMachines,
+     {},
+     "Remote scans include Linux machines.",
+     "Remote scans leave out Linux machines."},
 }};
 
 const SwitchWords& wordsOf(AutomationSwitch which) {

@@ -16,7 +16,8 @@ struct Services;
 struct Settings;
 
 /// The owner's switches. The first four are for what acts without a button being pressed, the
-/// others for the advisor's safe actions and for the buttons of notifications.
+/// others for the advisor's safe actions, for the buttons of notifications and for which machines a
+/// scan samples.
 enum class AutomationSwitch {
     autoSelectTopOffender,
     autoPurgeSustainedMemory,
@@ -24,12 +25,14 @@ enum class AutomationSwitch {
     diskAutopilotEnabled,
     aiSafeActionsEnabled,
     notificationsIncludeActions,
+    includeLinuxMachines,
 };
 
 inline constexpr std::array allAutomationSwitches{
     AutomationSwitch::autoSelectTopOffender, AutomationSwitch::autoPurgeSustainedMemory,
     AutomationSwitch::autoScanRemoteMacs,    AutomationSwitch::diskAutopilotEnabled,
     AutomationSwitch::aiSafeActionsEnabled,  AutomationSwitch::notificationsIncludeActions,
+    AutomationSwitch::includeLinuxMachines,
 };
 
 /// Whether the owner has switched it on. Pure.

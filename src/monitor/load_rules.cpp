@@ -77,6 +77,7 @@ std::optional<Date> lastActed(AutomationSwitch which, const AutomationDates& dat
             return dates.lastDiskAutopilotCheckDate;
         case AutomationSwitch::aiSafeActionsEnabled:
         case AutomationSwitch::notificationsIncludeActions:
+        case AutomationSwitch::includeLinuxMachines:
             break;
     }
     return std::nullopt;

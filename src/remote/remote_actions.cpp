@@ -270,7 +270,7 @@ Outcome RemoteActions::copyKeyGeneration() {
                                                      "Copied SSH key generation command.");
 }
 
-Outcome RemoteActions::exportRemoteSetupScript() {
+Outcome RemoteActions::exportRemoteSetupScript(std::function<void(const Outcome&)> finished) {
     const std::filesystem::path file =
         dependencies_.ports.folder->place().parent_path() / remoteSetupScriptName;
     jobs_.run(
@@ -280,15 +280,21 @@ Outcome RemoteActions::exportRemoteSetupScript() {
             return change ? folder->writeScript(file, std::string(remoteSetupScript))
                           : Outcome::failed("canceled");
         },
-        [this, file](const Outcome& written) {
-            if (!written.isAccepted()) {
-                record(Outcome::failed("Could not export remote setup script: " + written.message));
-                return;
+        [this, file, finished = std::move(finished)](const Outcome& written) {
+            const Outcome outcome = finishExport(file, written);
+            if (finished) {
+                finished(outcome);
             }
-            dependencies_.ports.folder->reveal(file);
-            record(Outcome::done("Exported remote SSH setup script."));
         });
     return Outcome::asked();
+}
+
+Outcome RemoteActions::finishExport(const std::filesystem::path& file, const Outcome& written) {
+    if (!written.isAccepted()) {
+        return record(Outcome::failed("Could not export remote setup script: " + written.message));
+    }
+    dependencies_.ports.folder->reveal(file);
+    return record(Outcome::done("Exported remote SSH setup script."));
 }
 
 const RemoteHealth* RemoteActions::latest(const ConfirmationRequest& request,

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -79,8 +81,9 @@ public:
     Outcome copyLocalPublicKey();
 
     /// Writes the set-up script into the folder that has that of the reports, in place of an older
-    /// one, in the background; then shows the file and records the result.
-    Outcome exportRemoteSetupScript();
+    /// one, in the background; then shows the file and records the result. `finished`, if given,
+    /// gets the recorded result on a later turn.
+    Outcome exportRemoteSetupScript(std::function<void(const Outcome&)> finished = {});
 
 private:
     /// What the owner was shown when a change was requested.
@@ -109,6 +112,7 @@ private:
     bool isProtected(const RemoteHealth& machine, const RemoteProcess& process) const;
     std::optional<std::string> targetOf(const RemoteHealth& machine) const;
     Outcome copyKeyGeneration();
+    Outcome finishExport(const std::filesystem::path& file, const Outcome& written);
     Outcome record(Outcome outcome) const;
 
     Dependencies dependencies_;

@@ -53,6 +53,9 @@ const std::vector<Expected>& expectedSwitches() {
         {AutomationSwitch::notificationsIncludeActions, &Settings::notificationsIncludeActions,
          "Tallowcrest.notificationActions", nullptr, "Notification action buttons enabled.",
          "Notification action buttons disabled."},
+        {AutomationSwitch::includeLinuxMachines, &Settings::includeLinuxMachines,
+         "Tallowcrest.includeLinuxMachines", nullptr, "Remote scans include Linux machines.",
+         "Remote scans leave out Linux machines."},
     };
     return table;
 }
@@ -108,7 +111,8 @@ TEST_F(AutomationTest, TheStopRefusesToTurnOnWhatItHoldsBack) {
     }
     std::erase(store.written, "Tallowcrest.activityLog");
     EXPECT_THAT(store.written,
-                ElementsAre("Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions"));
+                ElementsAre("Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
+                            "Tallowcrest.includeLinuxMachines"));
     // The mode still limits what the advisor may do by itself.
     EXPECT_EQ(values.aiAutonomyMode, AIAutonomyMode::apprentice);
 }

@@ -180,9 +180,13 @@ TEST_F(RemoteHelp, WithoutAPublicKeyItIsToldHowToMakeOne) {
 }
 
 TEST_F(RemoteHelp, ExportsTheSetupScriptBesideTheReports) {
-    EXPECT_EQ(actions.exportRemoteSetupScript(), Outcome::asked());
+    std::vector<Outcome> finished;
+    const auto keep = [&finished](const Outcome& outcome) { finished.push_back(outcome); };
+    EXPECT_EQ(actions.exportRemoteSetupScript(keep), Outcome::asked());
     EXPECT_THAT(folder->scripts, IsEmpty());
+    EXPECT_THAT(finished, IsEmpty());
     finishWork();
+    EXPECT_THAT(finished, ElementsAre(Outcome::done("Exported remote SSH setup script.")));
     const std::string name = "setup-remote-tallowcrest-ssh.sh";
     EXPECT_THAT(folder->scripts, ElementsAre(Pair(folder->place().parent_path() / name,
                                                   std::string(remoteSetupScript))));

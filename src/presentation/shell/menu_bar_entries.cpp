@@ -9,6 +9,7 @@
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/words/commands.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
@@ -36,24 +37,29 @@ QString autoSelectTitle(const Automation& automation) {
                                                                     : u"Enable Auto Select"_s;
 }
 
-/// The window shows a refusal.
-void flipAutoSelect(SystemMonitor& monitor, DashboardWindow& window) {
-    constexpr auto which = AutomationSwitch::autoSelectTopOffender;
-    if (!monitor.actions()
-             .automation.set(which, !monitor.actions().automation.isOn(which))
-             .isAccepted()) {
-        window.bringToFront();
-    }
-}
-
-/// The file manager shows the file; the window shows why there is none.
-void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
-    const auto showFailure = [guard = QPointer(&window)](const Outcome& outcome) {
+/// The window shows why the command was refused or failed.
+std::function<void(const Outcome&)> showingFailure(DashboardWindow& window) {
+    return [guard = QPointer(&window)](const Outcome& outcome) {
         if (guard && !outcome.isAccepted()) {
             guard->bringToFront();
         }
     };
+}
+
+/// The file manager shows the file.
+void exportReport(SystemMonitor& monitor, DashboardWindow& window) {
+    const auto showFailure = showingFailure(window);
     showFailure(monitor.reports().exportDiagnosticsReport(showFailure));
+}
+
+void exportSetupScript(SystemMonitor& monitor, DashboardWindow& window) {
+    const auto showFailure = showingFailure(window);
+    showFailure(monitor.remote().actions.exportRemoteSetupScript(showFailure));
+}
+
+void flipAutoSelect(Automation& automation, DashboardWindow& window) {
+    constexpr auto which = AutomationSwitch::autoSelectTopOffender;
+    showingFailure(window)(automation.set(which, !automation.isOn(which)));
 }
 
 }  // namespace
@@ -67,7 +73,8 @@ std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
          {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
           [&window] { window.openRoute(AppRoute::optimize); }}},
         {{[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,
-          u"menubar.auto-select"_s, [&monitor, &window] { flipAutoSelect(monitor, window); }},
+          u"menubar.auto-select"_s,
+          [&monitor, &window] { flipAutoSelect(monitor.actions().automation, window); }},
          {always("Settings"), u"gearshape"_s, u"menubar.settings"_s,
           [&window] {
               window.state().navigation.setShowSettings(true);
@@ -83,6 +90,11 @@ std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
           askingInFront(monitor, window, &LocalActions::requestPurge)},
          {always("Quit Top App"), u"xmark.circle"_s, u"menubar.quit-top-app"_s,
           askingInFront(monitor, window, &LocalActions::requestQuitSelectedApp)}},
+        {{always("Scan Remote Macs"), u"network"_s, u"menubar.scan-remotes"_s,
+          [&monitor, &window] { showingFailure(window)(monitor.remote().scan.scanRemoteMacs()); }},
+         {always("Export Remote SSH Setup Script"), u"square.and.arrow.up"_s,
+          u"menubar.export-setup-script"_s,
+          [&monitor, &window] { exportSetupScript(monitor, window); }}},
         {{always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
           [&window] { window.state().sections.expandAll(); }},
          {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,

@@ -19,6 +19,7 @@
 #include "presentation/widgets/icon.h"
 #include "presentation/words/commands.h"
 #include "presentation/words/dashboard_text.h"
+#include "remote/remote.h"
 #include "reports/reports.h"
 
 using namespace Qt::StringLiterals;
@@ -139,6 +140,9 @@ void WindowMenus::makeFileMenu() {
     exportReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     // Holding the key down exports one report, not several within a second.
     exportReport->setAutoRepeat(false);
+    named(file->addAction(u"Export Remote SSH Setup Script..."_s, this,
+                          [this] { monitor_.remote().actions.exportRemoteSetupScript(); }),
+          u"export-setup-script"_s);
     file->addSeparator();
     QAction* quitProcess =
         named(file->addAction(u"Quit Selected Process"_s, this,

@@ -49,6 +49,8 @@ constexpr std::array switchTexts{
                ""},
     SwitchText{AutomationSwitch::notificationsIncludeActions, "notification-actions",
                "Show action buttons in warning notifications", ""},
+    SwitchText{AutomationSwitch::includeLinuxMachines, "include-linux", "Include Linux machines",
+               "Remote scans, automatic or not, also sample the Linux machines of the tailnet."},
 };
 static_assert(switchTexts.size() == allAutomationSwitches.size());
 
@@ -59,7 +61,8 @@ const SwitchText& textOf(AutomationSwitch which) {
 
 /// Whether it acts automatically.
 bool isAutomation(AutomationSwitch which) {
-    return which != AutomationSwitch::notificationsIncludeActions;
+    return which != AutomationSwitch::notificationsIncludeActions &&
+           which != AutomationSwitch::includeLinuxMachines;
 }
 
 }  // namespace

@@ -29,6 +29,12 @@ inline constexpr Command copyReport{"Copy Report", "doc.on.doc",
                                     "Puts the diagnostics report on the clipboard"};
 inline constexpr Command exportReport{"Export", "square.and.arrow.up",
                                       "Writes the diagnostics report to a file"};
+inline constexpr Command copyPublicKey{
+    "Copy Public Key", "doc.on.doc",
+    "Puts this machine's public key on the clipboard, or the command that makes one"};
+inline constexpr Command exportSetupScript{
+    "Export Setup Script", "square.and.arrow.up",
+    "Writes a script that prepares another machine for remote access"};
 inline constexpr Command openSettingsSheet{"Open Settings Sheet", "gearshape",
                                            "Opens the settings sheet"};
 inline constexpr Command emergencyStop{

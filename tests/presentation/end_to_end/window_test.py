@@ -380,6 +380,8 @@ class Tray(WindowTestCase):
                                          "Disable Auto Select", "Settings", "Refresh",
                                          "Copy Report", "Export Diagnostics",
                                          "Purge File Caches", "Quit Top App",
+                                         "Scan Remote Macs",
+                                         "Export Remote SSH Setup Script",
                                          "Expand Dashboard Sections",
                                          "Collapse Dashboard Sections", "Emergency Stop",
                                          "Quit Tallowcrest"])

@@ -305,6 +305,28 @@ TEST_F(MenuBarTest, AnExportFromThePanelBringsUpTheWindowOnlyWhenItFails) {
               u"Could not export diagnostics: No space left on device"_s);
 }
 
+TEST_F(MenuBarTest, AScanThatIsRefusedAndAScriptThatCannotBeWrittenBringUpTheWindow) {
+    openPanel();
+    machine.finishSamples();
+    choose("menubar.export-setup-script");
+    machine.finishSamples();
+    EXPECT_THAT(machine.reportFolder->scripts, SizeIs(1));
+    EXPECT_FALSE(window().isVisible());
+    machine.reportFolder->problem = "No space left on device";
+    openPanel();
+    choose("menubar.export-setup-script");
+    machine.finishSamples();
+    settle();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"),
+              u"Could not export remote setup script: No space left on device"_s);
+    window().close();
+    openPanel();
+    choose("menubar.scan-remotes");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(textOf("status.last-action"), u"No online Tailscale Macs are available to scan."_s);
+}
+
 TEST_F(MenuBarTest, TheStopIsOfferedUntilItIsEngagedAndThenTheWayBack) {
     const Automation& automation = machine.monitor().actions().automation;
     const auto isOffered = [this](const char* command) {
@@ -359,6 +381,7 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
               "Disable Auto Select|Settings|Refresh\n"
               "Copy Report|Export Diagnostics\n"
               "Purge File Caches|Quit Top App\n"
+              "Scan Remote Macs|Export Remote SSH Setup Script\n"
               "Expand Dashboard Sections|Collapse Dashboard Sections\n"
               "Emergency Stop|Resume Manual Mode\n"
               "Quit Tallowcrest");

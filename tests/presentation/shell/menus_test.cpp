@@ -51,6 +51,7 @@ TEST_F(MenusTest, HaveTheseEntriesInThisOrder) {
               "File:\n"
               "menu.copy-report|Copy Report|Ctrl+Shift+C\n"
               "menu.export-diagnostics|Export Diagnostics...|Ctrl+E\n"
+              "menu.export-setup-script|Export Remote SSH Setup Script...|\n"
               "menu.quit-selected-process|Quit Selected Process|Ctrl+Del\n"
               "menu.quit-selected-app|Quit Selected App Group|\n"
               "Go:\n"
@@ -115,6 +116,11 @@ TEST_F(MenusTest, FileCopiesAndExportsTheReport) {
     settle();
     ASSERT_EQ(machine.reportFolder->written.size(), 1U);
     EXPECT_EQ(machine.reportFolder->revealed.size(), 1U);
+    entry("menu.export-setup-script").trigger();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(machine.reportFolder->scripts.size(), 1U);
+    EXPECT_EQ(textOf("status.last-action"), u"Exported remote SSH setup script."_s);
 }
 
 TEST_F(MenusTest, FileAsksBeforeItQuitsTheSelectedProcess) {

@@ -68,6 +68,10 @@ TEST_F(AutomationLinesTest, TheOtherSwitchesWordForWord) {
     EXPECT_EQ(line(AutomationSwitch::notificationsIncludeActions).title,
               u"Show action buttons in warning notifications"_s);
     EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title, u"Allow AI safe actions"_s);
+    const AutomationLine linux = line(AutomationSwitch::includeLinuxMachines);
+    EXPECT_EQ(linux.title, u"Include Linux machines"_s);
+    EXPECT_EQ(linux.explanation,
+              u"Remote scans, automatic or not, also sample the Linux machines of the tailnet."_s);
 }
 
 TEST_F(AutomationLinesTest, TheStopShowsOnlyOnTheSwitchesItGoverns) {
@@ -75,10 +79,12 @@ TEST_F(AutomationLinesTest, TheStopShowsOnlyOnTheSwitchesItGoverns) {
         settings.autoSelectTopOffender = settings.autoPurgeSustainedMemory = isOn;
         settings.autoScanRemoteMacs = settings.diskAutopilotEnabled = isOn;
         settings.aiSafeActionsEnabled = settings.notificationsIncludeActions = isOn;
+        settings.includeLinuxMachines = isOn;
         const SwitchState unstopped = isOn ? SwitchState::on : SwitchState::off;
         for (const AutomationSwitch which : allAutomationSwitches) {
             const bool isOutside = which == AutomationSwitch::aiSafeActionsEnabled ||
-                                   which == AutomationSwitch::notificationsIncludeActions;
+                                   which == AutomationSwitch::notificationsIncludeActions ||
+                                   which == AutomationSwitch::includeLinuxMachines;
             settings.automationEmergencyStopEngaged = false;
             EXPECT_EQ(line(which).state, unstopped);
             settings.automationEmergencyStopEngaged = true;
@@ -95,7 +101,7 @@ TEST_F(AutomationLinesTest, IdentifiersAndStatesHaveDifferentWords) {
     }
     EXPECT_EQ(identifiers.join(u' '),
               u"auto-select auto-purge auto-scan disk-autopilot ai-safe-actions "
-              "notification-actions"_s);
+              "notification-actions include-linux"_s);
     EXPECT_EQ(stateWord(SwitchState::on), u"On"_s);
     EXPECT_EQ(stateWord(SwitchState::off), u"Off"_s);
     EXPECT_EQ(stateWord(SwitchState::stopped), u"Stopped"_s);
@@ -106,7 +112,8 @@ TEST_F(AutomationLinesTest, CountsTheEnabledAutomations) {
     const auto words = [this] { return automationsOn(settings).toStdString(); };
     EXPECT_EQ(words(), "No automations on");
     settings.notificationsIncludeActions = true;
-    EXPECT_EQ(words(), "No automations on") << "it does not act automatically";
+    settings.includeLinuxMachines = true;
+    EXPECT_EQ(words(), "No automations on") << "they do not act automatically";
     settings.aiSafeActionsEnabled = true;
     EXPECT_EQ(words(), "1 automation on");
     settings.autoSelectTopOffender = true;

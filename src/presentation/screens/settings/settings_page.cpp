@@ -1,5 +1,6 @@
 #include "presentation/screens/settings/settings_page.h"
 
+#include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -18,6 +19,7 @@
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
+#include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -30,6 +32,7 @@ SettingsPage::SettingsPage(SystemMonitor& monitor, WindowState& state, QWidget* 
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeHub());
     layout->addWidget(makeRules());
+    layout->addWidget(makeConnection());
     layout->addStretch(1);
     scrollOnPage(content, *this);
 }
@@ -60,6 +63,33 @@ QWidget* SettingsPage::makeRules() {
     connectSwitches(*toggles_, monitor_.actions().automation,
                     [this] { return automationFacts(monitor_); });
     card->contentLayout()->addWidget(toggles_);
+    return card;
+}
+
+QWidget* SettingsPage::makeConnection() {
+    auto* card = new Card;
+    card->setObjectName(u"settings.connection"_s);
+    card->setHeader(u"network"_s, u"Connection Setup"_s);
+    auto* words = new ElidedLabel(
+        u"Remote Mac access uses Tailscale plus SSH. Keep the SSH user and public key setup in "
+        "Settings, then verify each Mac in Remote Macs."_s,
+        onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
+    words->setLines(1, 3);
+    card->contentLayout()->addWidget(words);
+    auto* copy =
+        makeButton(commands::copyPublicKey, u"settings.connection.copy-public-key"_s, card);
+    auto* write =
+        makeButton(commands::exportSetupScript, u"settings.connection.export-script"_s, card);
+    RemoteActions& actions = monitor_.remote().actions;
+    connect(copy, &QPushButton::clicked, this, [&actions] { actions.copyLocalPublicKey(); });
+    connect(write, &QPushButton::clicked, this, [&actions] { actions.exportRemoteSetupScript(); });
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    buttons->addWidget(copy);
+    buttons->addWidget(write);
+    buttons->addStretch(1);
+    card->contentLayout()->addSpacing(spacing::unit / 2);
+    card->contentLayout()->addLayout(buttons);
     return card;
 }
 

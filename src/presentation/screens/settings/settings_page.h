@@ -23,6 +23,7 @@ public:
 private:
     QWidget* makeHub();
     QWidget* makeRules();
+    QWidget* makeConnection();
 
     SystemMonitor& monitor_;
     WindowState& state_;

@@ -2,8 +2,10 @@
 
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
@@ -40,6 +42,9 @@ RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
     keyStatus_->setObjectName(u"settings.public-key-status"_s);
     keyStatus_->setLines(1, 3);
     card->contentLayout()->addWidget(keyStatus_);
+    auto* copy = makeButton(commands::copyPublicKey, u"settings.copy-public-key"_s, card);
+    connect(copy, &QPushButton::clicked, this, &RemoteTab::publicKeyCopyWanted);
+    card->contentLayout()->addWidget(copy, 0, Qt::AlignLeft);
     addCard(card);
 
     connect(user_, &QLineEdit::editingFinished, this, &RemoteTab::enter);

@@ -33,6 +33,8 @@ public:
 signals:
     /// The owner finished typing a name. Not repeated for a name that was refused.
     void usernameEntered(const QString& typed);
+    /// The owner pressed "Copy Public Key".
+    void publicKeyCopyWanted();
 
 protected:
     void hideEvent(QHideEvent* event) override;

@@ -30,6 +30,7 @@
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/local_public_key_status.h"
+#include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
 using namespace Qt::StringLiterals;
@@ -132,6 +133,8 @@ void SettingsSheet::addTab(SettingsTabKind kind, const char* words, const char* 
 void SettingsSheet::addRemote() {
     remote_ = new RemoteTab;
     connect(remote_, &RemoteTab::usernameEntered, this, &SettingsSheet::takeUsername);
+    connect(remote_, &RemoteTab::publicKeyCopyWanted, this,
+            [this] { monitor_.remote().actions.copyLocalPublicKey(); });
     addTab(SettingsTabKind::remote, "Remote", "settings.tab.remote",
            "What reaching other machines needs", remote_, [this] {
                remote_->show(text(monitor_.settings().sshUsername),
@@ -168,7 +171,10 @@ void SettingsSheet::addLocalMac() {
 
 void SettingsSheet::addAutomation() {
     constexpr std::array diskSwitch{AutomationSwitch::diskAutopilotEnabled};
-    auto* rules = makeSwitches(autoRuleSwitches);
+    constexpr std::array switches{
+        AutomationSwitch::autoSelectTopOffender, AutomationSwitch::autoPurgeSustainedMemory,
+        AutomationSwitch::autoScanRemoteMacs, AutomationSwitch::includeLinuxMachines};
+    auto* rules = makeSwitches(switches);
     auto* disk = makeSwitches(diskSwitch);
     automation_ = new AutomationTab(rules, disk);
     connect(automation_, &AutomationTab::limitMoved, this,

@@ -5,6 +5,7 @@
 #include "core/settings/settings.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "tests/presentation/shell/settings/settings_fixture.h"
+#include "tests/presentation/shown_texts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,6 +30,26 @@ TEST_F(SettingsPageTest, TheHubWordForWord) {
     EXPECT_EQ(textOf("settings.hub.auto-select.title"), u"Auto-select safest top offender"_s);
     EXPECT_EQ(textOf("settings.hub.auto-purge.title"), u"Auto-purge after sustained high memory"_s);
     EXPECT_EQ(textOf("settings.hub.auto-scan.title"), u"Auto-scan Tailscale Macs"_s);
+}
+
+TEST_F(SettingsPageTest, ConnectionSetupCopiesTheKeyAndExportsTheScript) {
+    std::vector<std::string> copied;
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
+    showPage();
+    const QWidget* card = visible("settings.connection");
+    EXPECT_EQ(card->accessibleName(), u"Connection Setup"_s);
+    EXPECT_THAT(shownTexts(*card),
+                testing::Contains("Remote Mac access uses Tailscale plus SSH. Keep the SSH user "
+                                  "and public key setup in Settings, then verify each Mac in "
+                                  "Remote Macs."));
+    click("settings.connection.copy-public-key");
+    EXPECT_EQ(copied.size(), 1U);
+    EXPECT_EQ(lastAction(), "Copied SSH key generation command.") << "there is no key";
+    click("settings.connection.export-script");
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(machine.reportFolder->scripts.size(), 1U);
+    EXPECT_EQ(lastAction(), "Exported remote SSH setup script.");
 }
 
 TEST_F(SettingsPageTest, SaysThatItSamplesUntilTheFirstSample) {

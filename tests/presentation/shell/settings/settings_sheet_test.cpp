@@ -154,13 +154,14 @@ TEST_F(SettingsSheetTest, ARefusalIsShownInTheSheet) {
 TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
     machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker", "Mail"});
     for (const auto& [tab, controls] :
-         {std::pair{SettingsTabKind::remote, "settings.tab.remote settings.ssh-user"},
+         {std::pair{SettingsTabKind::remote,
+                    "settings.tab.remote settings.ssh-user settings.copy-public-key"},
           {SettingsTabKind::localMac,
            "settings.tab.local-mac settings.notification-actions settings.expand-sections "
            "settings.collapse-sections"},
           {SettingsTabKind::automation,
            "settings.tab.automation settings.warning-threshold settings.auto-select "
-           "settings.auto-purge settings.auto-scan settings.disk-autopilot "
+           "settings.auto-purge settings.auto-scan settings.include-linux settings.disk-autopilot "
            "settings.disk-minimum-free settings.disk-cache-age settings.disk-maximum"},
           {SettingsTabKind::safety,
            "settings.tab.safety settings.emergency-stop.engage "
@@ -252,7 +253,7 @@ TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
                 << each->objectName().toStdString();
         }
     }
-    EXPECT_EQ(controls.size(), 18U);
+    EXPECT_EQ(controls.size(), 20U);
 }
 
 // Sizes ------------------------------------------------------------------------------------------

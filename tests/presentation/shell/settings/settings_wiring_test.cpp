@@ -63,6 +63,27 @@ TEST_F(SettingsWiringTest, RemoteSaysHowToGetAMissingPublicKey) {
               u"No local SSH public key found. Generate one with ssh-keygen."_s);
 }
 
+TEST_F(SettingsWiringTest, RemoteCopiesThePublicKey) {
+    std::vector<std::string> copied;
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
+    openSheet(SettingsTabKind::remote);
+    EXPECT_EQ(visible<QAbstractButton>("settings.copy-public-key")->text(), u"Copy Public Key"_s);
+    click("settings.copy-public-key");
+    EXPECT_EQ(copied.size(), 1U);
+    EXPECT_EQ(lastActionText(), u"Copied SSH key generation command."_s) << "there is no key";
+}
+
+TEST_F(SettingsWiringTest, AutomationIncludesLinuxMachinesInScans) {
+    openSheet(SettingsTabKind::automation);
+    EXPECT_EQ(textOf("settings.include-linux.title"), u"Include Linux machines"_s);
+    EXPECT_EQ(textOf("settings.include-linux.state"), u"Off"_s);
+    click("settings.include-linux");
+    EXPECT_TRUE(settings().includeLinuxMachines);
+    EXPECT_EQ(stored(settings_keys::includeLinuxMachinesKey), SettingsValue(true));
+    EXPECT_EQ(lastActionText(), u"Remote scans include Linux machines."_s);
+    EXPECT_EQ(textOf("settings.include-linux.state"), u"On"_s);
+}
+
 TEST_F(SettingsWiringTest, RemoteRefusesAnInvalidUserNameBelowTheField) {
     const QString refusal =
         u"SSH usernames may contain only letters, numbers, period, underscore, and hyphen."_s;
