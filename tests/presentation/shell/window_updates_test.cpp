@@ -29,6 +29,7 @@
 #include "presentation/widgets/capsule.h"
 #include "remote/remote.h"
 #include "sampling/process_details.h"
+#include "tests/presentation/remote_fleet.h"
 #include "tests/presentation/window_fixture.h"
 
 namespace tallowcrest {
@@ -305,6 +306,34 @@ TEST_F(WindowUpdatesTest, OnlyTheFinishedArrangementIsPainted) {
     }
     EXPECT_GT(compared, 10U);
     EXPECT_GE(entries, 1U);
+}
+
+TEST_F(WindowUpdatesTest, TheMachinesOfTheNextScanArePaintedInTheirPlaces) {
+    showWithSample();
+    goTo(AppRoute::remoteMacs);
+    const auto scan = [this](std::size_t machines, std::size_t troubled) {
+        machine.monitor().remote().scan.finishRemoteScan(
+            fleetHealth(machines, troubled, machine.clock.now()));
+        settle();
+        settle();
+    };
+    scan(8, 2);
+    const QWidget* machines = visible("remote.health");
+    QScrollBar* bar = scrollAreaAround(*machines).verticalScrollBar();
+    bar->setValue(bar->maximum());
+    settle();
+    const PaintedPlaces painted;
+    scan(12, 1);
+    std::size_t compared = 0;
+    for (const auto& [widget, place] : painted.places) {
+        if (widget != nullptr && widget->isVisible() && widget != machines &&
+            machines->isAncestorOf(widget)) {
+            EXPECT_EQ(place, PaintedPlaces::placeOf(*widget))
+                << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+            ++compared;
+        }
+    }
+    EXPECT_GT(compared, 10U);
 }
 
 }  // namespace

@@ -73,6 +73,8 @@ bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const Q
     for (RemoteRow* row : after) {
         column_->removeWidget(row);
         column_->addWidget(row);
+        // At once: the layout would show it a turn later, and be painted without it until then.
+        row->setVisible(true);
         // Assistive technology reads the children in their order.
         row->raise();
     }
