@@ -42,8 +42,8 @@ public:
     SettingsTabKind settingsTab() const { return settingsTab_; }
     void setSettingsTab(SettingsTabKind tab) { set(settingsTab_, tab); }
 
-    /// The identifier of the remote machine under inspection; empty until the owner chooses one. The
-    /// machine may have left the tailnet since.
+    /// The identifier of the remote machine under inspection; empty until the owner chooses one.
+    /// The machine may have left the tailnet since.
     const std::string& selectedRemoteID() const { return selectedRemoteID_; }
     void setSelectedRemoteID(std::string id) { set(selectedRemoteID_, std::move(id)); }
 

@@ -32,8 +32,8 @@ QString attention(const std::vector<RemoteHealth>& machines);
 struct AttentionLine {
     std::string id;  ///< of the record
     QString name;
-    QString why;     ///< the status, or the figure
-    QString what;    ///< what to do about it
+    QString why;   ///< the status, or the figure
+    QString what;  ///< what to do about it
 
     bool operator==(const AttentionLine&) const = default;
 };
