@@ -37,7 +37,7 @@ constexpr int widestName = 160;
 struct Dashes {
     double length;
     double gap;
-    int inSwatch;
+    double swatchLength;
     double swatchGap;
 };
 
@@ -47,8 +47,8 @@ bool isDashed(std::size_t series) {
 }
 
 Dashes dashesOf(std::size_t series) {
-    constexpr std::array dashes{Dashes{7, 4, 2, 4}, Dashes{2, 3, 4, 2}, Dashes{14, 4, 3, 2}};
-    return isDashed(series) ? dashes[(series - 1) % dashes.size()] : Dashes{0, 0, 1, 0};
+    constexpr std::array dashes{Dashes{7, 4, 6, 4}, Dashes{2, 3, 2.5, 2}, Dashes{14, 4, 11, 2}};
+    return isDashed(series) ? dashes[(series - 1) % dashes.size()] : Dashes{0, 0, swatchWidth, 1};
 }
 
 std::vector<GraphPoint> lineOf(const StableGraphSeries& series, QSizeF canvas) {
@@ -191,18 +191,20 @@ void StableLineGraph::paintLegend(QPainter& painter, const CrestTheme& theme) co
         if (left + swatchWidth >= width()) {
             return;
         }
-        const int room = std::min(widestName, width() - left - swatchWidth - spacing::unit);
+        // The names behind it keep their share of the width.
+        const int later =
+            static_cast<int>(series_.size() - i - 1) * (width() / static_cast<int>(series_.size()));
+        const int room = std::min(widestName, width() - left - swatchWidth - spacing::unit -
+                                                  (later > 0 ? spacing::gap : 0) - later);
         const QString name = fittedLines(series.id, painter.font(), room, 1).value(0);
         const double middle = captionHeight_ / 2.0;
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(series.color.in(theme));
         const Dashes dashes = dashesOf(i);
-        const double dash =
-            (swatchWidth - (dashes.inSwatch - 1) * dashes.swatchGap) / dashes.inSwatch;
-        for (int each = 0; each < dashes.inSwatch; ++each) {
-            const QRectF place(left + each * (dash + dashes.swatchGap), middle - 2, dash, 4);
-            painter.drawRoundedRect(place, 2, 2);
+        for (double x = 0; x < swatchWidth; x += dashes.swatchLength + dashes.swatchGap) {
+            const double length = std::min(dashes.swatchLength, swatchWidth - x);
+            painter.drawRoundedRect(QRectF(left + x, middle - 2, length, 4), 2, 2);
         }
         left += swatchWidth + spacing::unit;
         painter.setPen(theme.secondaryText);
