@@ -21,6 +21,8 @@ namespace {
 constexpr int sliderHeight = 24;
 constexpr double grooveHeight = 4;
 constexpr double knobSize = 16;
+/// Half of the knob with its focus ring.
+constexpr double knobRoom = knobSize / 2 + 3;
 /// A click beside the knob moves it by a tenth of the scale.
 constexpr int pagesPerScale = 10;
 
@@ -125,8 +127,7 @@ void StepSlider::paintEvent(QPaintEvent*) {
     const QPointF center =
         QRectF(style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this))
             .center();
-    const QPointF knob(std::clamp(center.x(), knobSize / 2 + 1, width() - knobSize / 2 - 1),
-                       height() / 2.0);
+    const QPointF knob(std::clamp(center.x(), knobRoom, width() - knobRoom), height() / 2.0);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
@@ -49,6 +50,9 @@ RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
 
     connect(user_, &QLineEdit::editingFinished, this, &RemoteTab::enter);
     connect(user_, &QLineEdit::textChanged, this, [this] { showRefusal(QString()); });
+    // A name that has been refused is not asked for again.
+    connect(user_, &QLineEdit::returnPressed, this,
+            [this] { announce(*this, refusalWords_->text()); });
 }
 
 RemoteTab::~RemoteTab() {

@@ -12,6 +12,7 @@
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/step_slider.h"
 #include "tests/presentation/scoped_locale.h"
+#include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/widget_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -96,6 +97,11 @@ TEST_F(RemoteTabTest, ARefusedNameStaysInTheFieldToBeCorrected) {
     tab.showRefusal(u"No."_s);
     EXPECT_EQ(refusal(), u"No."_s);
     EXPECT_EQ(user().accessibleDescription(), u"No."_s);
+    {
+        const Announcements announcements;
+        press(Qt::Key_Return);
+        EXPECT_THAT(announcements.said(), ElementsAre("No."));
+    }
     user().clearFocus();
     EXPECT_THAT(entered, ElementsAre(u"two words"_s)) << "the same text is not entered twice";
     tab.show(u"owner"_s, {});
