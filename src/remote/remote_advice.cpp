@@ -48,7 +48,6 @@ std::string remoteRecommendation(RemoteHealth::Status status, bool hasTailnetIss
                                  std::optional<double> cpuPercent,
                                  std::optional<double> memoryPercent,
                                  const std::vector<RemoteProcess>& topProcesses) {
-    constexpr double highPercent = 85.0;
     constexpr double muchMemoryMB = 1000.0;
     constexpr double muchCPU = 50.0;
     if (status != RemoteHealth::Status::reachable) {
@@ -56,10 +55,10 @@ std::string remoteRecommendation(RemoteHealth::Status status, bool hasTailnetIss
     }
     const RemoteProcess* top = topProcesses.empty() ? nullptr : &topProcesses.front();
     const std::string_view name = top == nullptr ? "the top process" : top->displayName();
-    if (memoryPercent && *memoryPercent >= highPercent) {
+    if (memoryPercent && *memoryPercent >= highRemoteLoad) {
         return fmt::format("Memory pressure is high. Review {} and consider Remote Purge.", name);
     }
-    if (cpuPercent && *cpuPercent >= highPercent) {
+    if (cpuPercent && *cpuPercent >= highRemoteLoad) {
         return fmt::format("CPU is saturated. Review {} before quitting anything remotely.", name);
     }
     if (top != nullptr && top->rssMB >= muchMemoryMB) {

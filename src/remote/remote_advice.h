@@ -9,6 +9,9 @@
 
 namespace tallowcrest {
 
+/// From this load on, in percent, a machine is said to be under pressure.
+inline constexpr double highRemoteLoad = 85.0;
+
 /// How to get access to a machine whose scan ended with `status`. `hasTailnetIssues`: whether the
 /// tailnet's client of this machine reports problems. Any thread.
 std::string remoteSetupHint(RemoteHealth::Status status, std::string_view address,

@@ -228,6 +228,7 @@ void DashboardWindow::refreshPage() {
     }
     Screen* page = screen(*shownRoute_);
     page->refresh();
+    header_->refresh();
     emit refreshed(page);
     if (firstSample_ == FirstSample::awaited && monitor_.sample().snapshot()) {
         firstSample_ = FirstSample::onPage;

@@ -8,6 +8,7 @@
 
 #include "presentation/screens/shared/command_button.h"
 #include "presentation/screens/shared/screen.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
@@ -55,6 +56,7 @@ PageHeader::PageHeader(QWidget* parent) : QWidget(parent) {
 void PageHeader::setRoute(AppRoute route, const std::vector<HeaderAction>& actions) {
     title_->setText(dashboard_text::text(title(route)));
     subtitle_->setText(dashboard_text::text(subtitle(route)));
+    progress_.clear();
     while (const QLayoutItem* item = actions_->takeAt(0)) {
         // Deleted later, because this may run in the click of that very button.
         item->widget()->hide();
@@ -66,6 +68,15 @@ void PageHeader::setRoute(AppRoute route, const std::vector<HeaderAction>& actio
     }
     orderActions();
     measure();
+    refresh();
+}
+
+void PageHeader::refresh() {
+    for (const auto& [button, title, progressTitle] : progress_) {
+        const QString now = progressTitle();
+        button->setText(now.isEmpty() ? title : now);
+        setSpokenName(*button, button->text());
+    }
 }
 
 std::vector<QPushButton*> PageHeader::buttons() const {
@@ -176,6 +187,9 @@ void PageHeader::addAction(const HeaderAction& action) {
     button->setFlat(true);
     connect(button, &QPushButton::clicked, this, action.run);
     actions_->addWidget(button);
+    if (action.progressTitle) {
+        progress_.push_back({button, button->text(), action.progressTitle});
+    }
 }
 
 }  // namespace tallowcrest

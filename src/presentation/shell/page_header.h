@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
+#include <QString>
 #include <QWidget>
 
 #include "core/routes.h"
@@ -26,6 +28,8 @@ public:
 
     /// Shows the title of a route and the actions of its screen.
     void setRoute(AppRoute route, const std::vector<HeaderAction>& actions);
+    /// Shows which actions are under way.
+    void refresh();
     /// In a low window the header leaves more room for the page.
     void setLow(bool isLow);
 
@@ -38,6 +42,13 @@ signals:
     void refreshWanted();
 
 private:
+    /// An action whose title tells whether it is under way.
+    struct Progress {
+        QPushButton* button;
+        QString title;
+        std::function<QString()> progressTitle;
+    };
+
     void addAction(const HeaderAction& action);
     void orderActions();
     std::vector<QPushButton*> buttons() const;
@@ -54,6 +65,7 @@ private:
     QVBoxLayout* below_ = nullptr;   ///< and below it
     QHBoxLayout* actions_ = nullptr;
     QPushButton* refresh_ = nullptr;
+    std::vector<Progress> progress_;
     int wholeWidth_ = 0;
     bool hasIcons_ = true;
     bool isWide_ = false;

@@ -50,6 +50,13 @@ bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event) {
     return isReturn;
 }
 
+void setButtonEnabled(QAbstractButton& button, bool isEnabled) {
+    if (!isEnabled && button.window()->focusWidget() == &button) {
+        button.clearFocus();
+    }
+    button.setEnabled(isEnabled);
+}
+
 void makePrimary(QPushButton& button) {
     button.setProperty(primaryProperty, true);
 }

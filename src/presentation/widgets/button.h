@@ -18,6 +18,10 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
 /// one of these keys, which the button then needs nothing else for. Main thread.
 bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event);
 
+/// Enables or disables a button. One that is disabled loses the focus: Qt would move it to the next
+/// control, which a key may be about to press. Main thread.
+void setButtonEnabled(QAbstractButton& button, bool isEnabled);
+
 /// Marks the one button of a page or sheet that is its next step; the style gives it the accent
 /// colour. Main thread.
 void makePrimary(QPushButton& button);

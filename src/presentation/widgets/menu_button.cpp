@@ -1,5 +1,8 @@
 #include "presentation/widgets/menu_button.h"
 
+#include <algorithm>
+
+#include <QAction>
 #include <QKeyEvent>
 #include <QMenu>
 
@@ -41,8 +44,11 @@ void MenuButton::keyPressEvent(QKeyEvent* event) {
 
 void MenuButton::open() {
     menu_->popup(mapToGlobal(QPoint(0, height())));
-    if (!menu_->actions().isEmpty()) {
-        menu_->setActiveAction(menu_->actions().constFirst());
+    const QList<QAction*> entries = menu_->actions();
+    const auto first = std::ranges::find_if(
+        entries, [](const QAction* each) { return each->isVisible() && each->isEnabled(); });
+    if (first != entries.end()) {
+        menu_->setActiveAction(*first);
     }
 }
 

@@ -41,7 +41,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::optimizationSuggestions, "Refresh"},
         {AppRoute::aiAdvisor, "Open Chat|Refresh"},
         {AppRoute::chat, "Refresh"},
-        {AppRoute::remoteMacs, "Scan Remote Macs|Refresh"},
+        {AppRoute::remoteMacs, "Scan Remotes|Open Tailscale|Refresh"},
         {AppRoute::history, "Copy Report|Export|Refresh"},
         {AppRoute::settings, "Open Settings Sheet|Refresh"}};
     ASSERT_EQ(expected.size(), allAppRoutes.size());

@@ -73,7 +73,7 @@ void CleanupFlowCard::showPurging(bool isPurging) {
     purge_->setMinimumWidth(isPurging ? purge_->width() : 0);
     purge_->setText(isPurging ? u"Purging…"_s : QString::fromUtf8(commands::purge.title));
     purge_->setAccessibleName(purge_->text());
-    purge_->setEnabled(!isPurging);
+    setButtonEnabled(*purge_, !isPurging);
 }
 
 }  // namespace tallowcrest

@@ -35,11 +35,7 @@ constexpr int narrowestCard = 224;
 constexpr int mostRows = 8;
 
 void showQuit(DangerButton& button, const optimize_lines::QuitButton& shown) {
-    if (!shown.isEnabled && button.window()->focusWidget() == &button) {
-        // Qt would move the focus to the next control, which a key may be about to press.
-        button.clearFocus();
-    }
-    button.setEnabled(shown.isEnabled);
+    setButtonEnabled(button, shown.isEnabled);
     if (button.accessibleDescription() != shown.description) {
         button.setAccessibleDescription(shown.description);
         button.setToolTip(toolTipText(shown.description));

@@ -68,6 +68,7 @@ AttentionCard::Row AttentionCard::makeRow(int number) {
                                u"Goes to this machine below"_s, list_)};
     row.name->setMaximumWidth(widestName);
     row.what->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    row.what->setLines(1, 2);
     row.show->setFlat(true);
     const auto index = static_cast<std::size_t>(number - 1);
     connect(row.show, &QPushButton::clicked, this, [this, index] {
@@ -87,12 +88,14 @@ void AttentionCard::show(const AttentionTexts& texts) {
     summary_->setText(texts.summary);
     scanState_->setText(texts.scanState);
     const bool isTroubled = !texts.lines.empty();
-    icon_->setIcon(isTroubled        ? u"exclamationmark.triangle.fill"_s
-                   : texts.isScanned ? u"checkmark.circle"_s
-                                     : u"info.circle"_s);
-    icon_->setColor(isTroubled        ? &CrestTheme::caution
-                    : texts.isScanned ? &CrestTheme::good
-                                      : &CrestTheme::secondaryText);
+    // Below a count of none, machines under pressure may be listed.
+    const bool isWell = texts.isScanned && !isTroubled;
+    icon_->setIcon(texts.hasUnreachable ? u"exclamationmark.triangle.fill"_s
+                   : isWell             ? u"checkmark.circle"_s
+                                        : u"info.circle"_s);
+    icon_->setColor(texts.hasUnreachable ? &CrestTheme::caution
+                    : isWell             ? &CrestTheme::good
+                                         : &CrestTheme::secondaryText);
     if (texts.lines == shown_) {
         return;
     }

@@ -15,7 +15,8 @@ namespace tallowcrest {
 struct AttentionTexts {
     QString summary;
     QString scanState;
-    bool isScanned = false;  ///< the summary tells something
+    bool isScanned = false;       ///< a scan has ended
+    bool hasUnreachable = false;  ///< the summary counts at least one machine
     std::vector<remote_macs_lines::AttentionLine> lines;
 };
 

@@ -30,6 +30,7 @@ RemoteHealthBlock::RemoteHealthBlock(const QString& identifier, QWidget* parent)
     head_ = new RemoteHealthHead(this);
     head_->setObjectName(identifier + u".head"_s);
     contentLayout()->addWidget(head_);
+    setFocusProxy(head_);
     connect(head_, &CollapseButton::collapseWanted, this, [this](bool collapsed) {
         isChosen_ = true;
         setExpanded(!collapsed);
@@ -77,14 +78,21 @@ void RemoteHealthBlock::makeDetails() {
     column->setSpacing(spacing::gap);
     column->addWidget(makeFacts());
     editor_ = new RemoteProfileEditor(objectName(), details_);
-    connect(editor_, &RemoteProfileEditor::changed, this, &RemoteHealthBlock::profileChanged);
+    // A copy goes with each signal: its receiver may show other facts.
+    connect(editor_, &RemoteProfileEditor::changed, this,
+            [this](const RemoteProfileChange& change) {
+                emit profileChanged(RemoteHealth(machine()), change);
+            });
     column->addWidget(editor_);
     lists_ = makeRows();
     column->addWidget(lists_);
     tools_ = new RemoteToolRow(objectName(), details_);
-    connect(tools_, &RemoteToolRow::wanted, this, &RemoteHealthBlock::operationWanted);
+    connect(tools_, &RemoteToolRow::wanted, this, [this](RemoteOperation operation) {
+        emit operationWanted(RemoteHealth(machine()), operation);
+    });
     column->addWidget(tools_);
     contentLayout()->addWidget(details_);
+    chainTabs(nullptr);
 }
 
 QWidget* RemoteHealthBlock::makeFacts() {
@@ -121,18 +129,22 @@ QWidget* RemoteHealthBlock::makeRows() {
     processes_ = new RemoteRows(u"Remote Processes"_s, RemoteRows::Action::quit, objectName());
     apps_ = new RemoteRows(u"Remote App Impact"_s, RemoteRows::Action::neverQuit, objectName());
     columns->setColumns({processes_}, {apps_});
-    // A copy goes with each signal: its receiver may show other facts.
+    processes_->setFocusProxy(head_);
+    apps_->setFocusProxy(head_);
     connect(processes_, &RemoteRows::copyWanted, this, [this](std::size_t row) {
-        emit processCopyWanted(RemoteProcess(facts_->machine.topProcesses.at(row)));
+        const RemoteHealth shown = machine();
+        emit processCopyWanted(shown, shown.topProcesses.at(row));
     });
     connect(processes_, &RemoteRows::actionWanted, this, [this](std::size_t row) {
-        emit processQuitWanted(RemoteProcess(facts_->machine.topProcesses.at(row)));
+        const RemoteHealth shown = machine();
+        emit processQuitWanted(shown, shown.topProcesses.at(row));
     });
     connect(apps_, &RemoteRows::copyWanted, this, [this](std::size_t row) {
-        emit appCopyWanted(RemoteAppImpact(facts_->machine.appImpacts.at(row)));
+        const RemoteHealth shown = machine();
+        emit appCopyWanted(shown, shown.appImpacts.at(row));
     });
     connect(apps_, &RemoteRows::actionWanted, this, [this](std::size_t row) {
-        emit neverQuitWanted(RemoteAppImpact(facts_->machine.appImpacts.at(row)));
+        emit neverQuitWanted(RemoteAppImpact(machine().appImpacts.at(row)));
     });
     return columns;
 }
@@ -153,20 +165,25 @@ void RemoteHealthBlock::showDetails() {
     lists_->setVisible(!processes_->isHidden() || !apps_->isHidden());
     tools_->show(machine);
     if (changesProcesses || changesApps) {
-        chainTabs();
+        chainTabs(nullptr);
     }
 }
 
-void RemoteHealthBlock::chainTabs() {
+QWidget* RemoteHealthBlock::chainTabs(QWidget* before) {
     // A new widget comes last in the tab order of the window by default.
-    QWidget* before = head_;
+    setTabOrder(before, head_);
+    QWidget* last = head_;
+    if (details_ == nullptr) {
+        return last;
+    }
     for (const std::vector<QWidget*>& controls :
          {editor_->controls(), processes_->controls(), apps_->controls(), tools_->controls()}) {
         for (QWidget* control : controls) {
-            setTabOrder(before, control);
-            before = control;
+            setTabOrder(last, control);
+            last = control;
         }
     }
+    return last;
 }
 
 void RemoteHealthBlock::paintEvent(QPaintEvent* event) {

@@ -30,19 +30,26 @@ public:
     /// and with them the focus, for as long as what they stand for is listed.
     void show(const RemoteHealthFacts& facts);
 
+    /// As of the last `show`.
+    const RemoteHealth& machine() const { return facts_->machine; }
     bool isExpanded() const;
+    /// Puts the controls of the block behind `before` in the order of the tab key. Returns the last
+    /// one.
+    QWidget* chainTabs(QWidget* before);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
     /// Empty: the children describe themselves.
     QString accessibleValue() const override { return {}; }
 
 signals:
+    // Each comes with the machine as the block shows it.
+
     /// The owner changed one field of the profile; texts come at each change, as they were typed.
-    void profileChanged(const RemoteProfileChange& change);
-    void operationWanted(RemoteOperation operation);
-    void processCopyWanted(const RemoteProcess& process);
-    void processQuitWanted(const RemoteProcess& process);
-    void appCopyWanted(const RemoteAppImpact& app);
+    void profileChanged(const RemoteHealth& machine, const RemoteProfileChange& change);
+    void operationWanted(const RemoteHealth& machine, RemoteOperation operation);
+    void processCopyWanted(const RemoteHealth& machine, const RemoteProcess& process);
+    void processQuitWanted(const RemoteHealth& machine, const RemoteProcess& process);
+    void appCopyWanted(const RemoteHealth& machine, const RemoteAppImpact& app);
     /// The owner asked to put the group on the Never Quit list, or to take it off. The switch stays
     /// as it is until `show`.
     void neverQuitWanted(const RemoteAppImpact& app);
@@ -58,7 +65,6 @@ private:
     QWidget* makeFacts();
     QWidget* makeRows();
     void showDetails();
-    void chainTabs();
 
     std::optional<RemoteHealthFacts> facts_;
     bool isChosen_ = false;  ///< the owner opened or closed the details

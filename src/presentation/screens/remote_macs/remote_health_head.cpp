@@ -84,7 +84,7 @@ RemoteHealthHead::Places RemoteHealthHead::places() const {
     const CrestFonts& fonts = CrestFonts::current();
     // The widest texts to expect in a column.
     const int statusWidth = iconRoom + figuresWidth(fonts.body, u"Connection Blocked"_s);
-    const int cpuWidth = figuresWidth(fonts.body, u"CPU 000%"_s);
+    const int cpuWidth = iconRoom + figuresWidth(fonts.body, u"CPU 000% · High"_s);
     const int memoryWidth = iconRoom + figuresWidth(fonts.body, u"Memory 000% · High"_s);
     const bool isOneLine = width() >= oneLineWidth;
     const int top = isOneLine ? 0 : (height() - 2 * lineHeight) / 2;
@@ -155,14 +155,16 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
     };
     drawMarked(at.status, shown_.statusIcon, shown_.status,
                shown_.isReachable ? theme.good : theme.caution);
-    drawText(painter, at.cpu, Qt::AlignLeft, shown_.cpu, theme.text);
-    if (shown_.memoryWord.isEmpty()) {
-        drawText(painter, at.memory.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, shown_.memory,
-                 theme.text);
-    } else {
-        drawMarked(at.memory, u"exclamationmark.triangle.fill"_s,
-                   shown_.memory + u" · "_s + shown_.memoryWord, theme.caution);
-    }
+    const auto drawFigure = [&](const QRect& place, const QString& figure, const QString& word) {
+        if (word.isEmpty()) {
+            drawText(painter, place.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, figure, theme.text);
+        } else {
+            drawMarked(place, u"exclamationmark.triangle.fill"_s, figure + u" · "_s + word,
+                       theme.caution);
+        }
+    };
+    drawFigure(at.cpu, shown_.cpu, shown_.cpuWord);
+    drawFigure(at.memory, shown_.memory, shown_.memoryWord);
 }
 
 }  // namespace tallowcrest

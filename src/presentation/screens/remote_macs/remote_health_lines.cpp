@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "presentation/words/dashboard_text.h"
+#include "remote/remote_advice.h"
 #include "remote/remote_process.h"
 
 using namespace Qt::StringLiterals;
@@ -56,6 +57,10 @@ double boundedMegabytes(double megabytes) {
 
 }  // namespace
 
+bool isCPUHigh(const RemoteHealth& machine) {
+    return machine.cpuPercent && *machine.cpuPercent >= highRemoteLoad;
+}
+
 bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile) {
     return machine.memoryPercent && *machine.memoryPercent >= profile.warningThreshold;
 }
@@ -96,7 +101,9 @@ Head head(const RemoteHealthFacts& facts) {
     const QString host = text(machine.hostName);
     const QString shownHost = host == name ? QString() : host;
     const QString status = text(title(machine.status));
-    const QString word = isMemoryHigh(machine, facts.profile) ? u"High"_s : QString();
+    const auto highIf = [](bool isHigh) { return isHigh ? u"High"_s : QString(); };
+    const QString cpuWord = highIf(isCPUHigh(machine));
+    const QString memoryWord = highIf(isMemoryHigh(machine, facts.profile));
     const QString sampled = age(machine.sampledAt, facts.now);
     const auto figures = [&machine](const QString& absent) {
         return std::pair(figure(u"CPU"_s, machine.cpuPercent, absent),
@@ -104,17 +111,19 @@ Head head(const RemoteHealthFacts& facts) {
     };
     const auto [cpu, memory] = figures(dashboard_text::noFigure());
     const auto [spokenCPU, spokenMemory] = figures(u"unknown"_s);
-    return {.name = name,
-            .host = shownHost,
-            .status = status,
-            .statusIcon = statusIcon(machine.status),
-            .isReachable = machine.status == RemoteHealth::Status::reachable,
-            .cpu = cpu,
-            .memory = memory,
-            .memoryWord = word,
-            .age = sampled,
-            .spokenName = joined({name, shownHost, status}, u", "_s),
-            .spokenFigures = joined({spokenCPU, spokenMemory, word, sampled}, u", "_s)};
+    return {
+        .name = name,
+        .host = shownHost,
+        .status = status,
+        .statusIcon = statusIcon(machine.status),
+        .isReachable = machine.status == RemoteHealth::Status::reachable,
+        .cpu = cpu,
+        .cpuWord = cpuWord,
+        .memory = memory,
+        .memoryWord = memoryWord,
+        .age = sampled,
+        .spokenName = joined({name, shownHost, status}, u", "_s),
+        .spokenFigures = joined({spokenCPU, cpuWord, spokenMemory, memoryWord, sampled}, u", "_s)};
 }
 
 QString profileLine(const RemoteProfile& profile) {
@@ -150,6 +159,7 @@ std::vector<Row> processRows(const RemoteHealthFacts& facts) {
         const QString pid = QString::number(process.pid);
         const bool isProtected =
             isProtectedRemoteProcess(process, facts.neverQuit, facts.machine.isLinux);
+        const bool isOfSystem = isProtectedRemoteProcess(process, {}, facts.machine.isLinux);
         rows.push_back({.key = std::to_string(process.pid) + ' ' + process.command,
                         .identifier = u"process-"_s + pid,
                         .name = name,
@@ -161,10 +171,11 @@ std::vector<Row> processRows(const RemoteHealthFacts& facts) {
                         .copyName = u"Copy %1, PID %2"_s.arg(name, pid),
                         .actionName = u"Quit %1, PID %2"_s.arg(name, pid),
                         .actionDescription =
-                            isProtected ? u"Protected: a part of its system, or of an app group on "
-                                          "the Never Quit list"_s
-                                        : u"Asks whether to send TERM to this process"_s,
-                        .isProtected = isProtected});
+                            isOfSystem    ? u"Protected: a part of its system"_s
+                            : isProtected ? u"Protected: its app group is on the Never Quit list"_s
+                                          : u"Asks whether to send TERM to this process"_s,
+                        .isProtected = isProtected,
+                        .hasAction = !isOfSystem});
     }
     return rows;
 }

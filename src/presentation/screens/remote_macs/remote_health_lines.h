@@ -40,6 +40,8 @@ enum class RemoteOperation : std::uint8_t {
 
 namespace remote_health_lines {
 
+/// Whether the processors are saturated. False without a figure.
+bool isCPUHigh(const RemoteHealth& machine);
 /// Whether its memory is at or above the threshold of its profile. False without a figure.
 bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile);
 
@@ -61,6 +63,7 @@ struct Head {
     QString statusIcon;
     bool isReachable = false;
     QString cpu;         ///< "CPU 12%", "CPU –"
+    QString cpuWord;     ///< "High"; empty below what is saturated
     QString memory;      ///< "Memory 91%", "Memory –"
     QString memoryWord;  ///< "High"; empty below the threshold
     QString age;
@@ -68,7 +71,9 @@ struct Head {
     QString spokenFigures;  ///< the rest
 
     /// Whether it is not reachable, or its memory is high.
-    bool needsAttention() const { return !isReachable || !memoryWord.isEmpty(); }
+    bool needsAttention() const {
+        return !isReachable || !cpuWord.isEmpty() || !memoryWord.isEmpty();
+    }
     bool operator==(const Head&) const = default;
 };
 Head head(const RemoteHealthFacts& facts);
@@ -95,7 +100,8 @@ struct Row {
     QString copyName;    ///< the accessible name of the button "Copy"
     QString actionName;  ///< the accessible name of the other button
     QString actionDescription;
-    bool isProtected = false;  ///< a process that must not be asked to quit, or a group of the list
+    bool isProtected = false;  ///< a process that is never quit, or a group of the list
+    bool hasAction = true;     ///< whether the other button can be pressed
 
     bool operator==(const Row&) const = default;
 };

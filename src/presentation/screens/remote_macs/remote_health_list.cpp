@@ -1,7 +1,6 @@
 #include "presentation/screens/remote_macs/remote_health_list.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include <QVBoxLayout>
@@ -23,77 +22,68 @@ RemoteHealthList::RemoteHealthList(QWidget* parent) : QWidget(parent) {
     hide();
 }
 
-void RemoteHealthList::show(std::vector<RemoteHealthFacts> facts) {
-    std::vector<Entry> shown;
-    shown.reserve(facts.size());
-    for (RemoteHealthFacts& each : facts) {
-        RemoteHealthBlock* block = takeBlock(each.machine.id);
-        shown.push_back({block, std::move(each)});
-    }
-    for (const Entry& gone : std::exchange(entries_, std::move(shown))) {
-        column_->removeWidget(gone.block);
-        gone.block->hide();
-        gone.block->deleteLater();
-    }
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        RemoteHealthBlock* block = entries_[i].block;
-        block->show(entries_[i].facts);
-        // Below the heading.
-        const int place = static_cast<int>(i) + 1;
-        if (column_->indexOf(block) != place) {
-            column_->removeWidget(block);
-            column_->insertWidget(place, block);
+void RemoteHealthList::show(const std::vector<RemoteHealthFacts>& facts) {
+    std::vector<RemoteHealthBlock*> before = blocks_;
+    std::vector<RemoteHealthBlock*> after;
+    for (const RemoteHealthFacts& each : facts) {
+        const auto kept = std::ranges::find_if(before, [&each](const RemoteHealthBlock* block) {
+            return block->machine().id == each.machine.id;
+        });
+        if (kept == before.end()) {
+            after.push_back(makeBlock());
+        } else {
+            after.push_back(*kept);
+            before.erase(kept);
         }
-        block->setVisible(true);
+        after.back()->show(each);
     }
-    setVisible(!entries_.empty());
+    for (RemoteHealthBlock* gone : before) {
+        column_->removeWidget(gone);
+        gone->hide();
+        gone->deleteLater();
+    }
+    if (after != blocks_) {
+        blocks_ = std::move(after);
+        arrange();
+    }
+    setVisible(!blocks_.empty());
 }
 
-RemoteHealthBlock* RemoteHealthList::takeBlock(const std::string& id) {
-    const auto found = std::ranges::find_if(
-        entries_, [&id](const Entry& each) { return each.facts.machine.id == id; });
-    if (found == entries_.end()) {
-        return makeBlock();
+void RemoteHealthList::arrange() {
+    QWidget* before = this;
+    for (RemoteHealthBlock* block : blocks_) {
+        column_->removeWidget(block);
+        column_->addWidget(block);
+        block->setVisible(true);
+        // Assistive technology reads the children in their order.
+        block->raise();
+        before = block->chainTabs(before);
     }
-    RemoteHealthBlock* block = found->block;
-    entries_.erase(found);
-    return block;
 }
 
 RemoteHealthBlock* RemoteHealthList::makeBlock() {
     auto* block = new RemoteHealthBlock(u"remote.machine-%1"_s.arg(++blocksMade_), this);
-    connect(block, &RemoteHealthBlock::profileChanged, this,
-            [this, block](const auto& change) { emit profileChanged(machineOf(block), change); });
-    connect(block, &RemoteHealthBlock::operationWanted, this,
-            [this, block](auto operation) { emit operationWanted(machineOf(block), operation); });
-    connect(block, &RemoteHealthBlock::processCopyWanted, this, [this, block](const auto& process) {
-        emit processCopyWanted(machineOf(block), process);
-    });
-    connect(block, &RemoteHealthBlock::processQuitWanted, this, [this, block](const auto& process) {
-        emit processQuitWanted(machineOf(block), process);
-    });
-    connect(block, &RemoteHealthBlock::appCopyWanted, this,
-            [this, block](const auto& app) { emit appCopyWanted(machineOf(block), app); });
+    connect(block, &RemoteHealthBlock::profileChanged, this, &RemoteHealthList::profileChanged);
+    connect(block, &RemoteHealthBlock::operationWanted, this, &RemoteHealthList::operationWanted);
+    connect(block, &RemoteHealthBlock::processCopyWanted, this,
+            &RemoteHealthList::processCopyWanted);
+    connect(block, &RemoteHealthBlock::processQuitWanted, this,
+            &RemoteHealthList::processQuitWanted);
+    connect(block, &RemoteHealthBlock::appCopyWanted, this, &RemoteHealthList::appCopyWanted);
     connect(block, &RemoteHealthBlock::neverQuitWanted, this, &RemoteHealthList::neverQuitWanted);
     connect(block, &RemoteHealthBlock::expandedChanged, this,
             [this, block] { emit blockResized(block); });
     return block;
 }
 
-RemoteHealth RemoteHealthList::machineOf(const RemoteHealthBlock* block) const {
-    return std::ranges::find(entries_, block, &Entry::block)->facts.machine;
-}
-
 std::vector<QWidget*> RemoteHealthList::blocks() const {
-    std::vector<QWidget*> found;
-    std::ranges::transform(entries_, std::back_inserter(found), &Entry::block);
-    return found;
+    return {blocks_.begin(), blocks_.end()};
 }
 
 QWidget* RemoteHealthList::block(const std::string& id) const {
     const auto found = std::ranges::find_if(
-        entries_, [&id](const Entry& each) { return each.facts.machine.id == id; });
-    return found == entries_.end() ? nullptr : found->block;
+        blocks_, [&id](const RemoteHealthBlock* each) { return each->machine().id == id; });
+    return found == blocks_.end() ? nullptr : *found;
 }
 
 }  // namespace tallowcrest

@@ -14,9 +14,8 @@ namespace tallowcrest {
 
 class RemoteHealthBlock;
 
-/// A block for each machine of the last scan. A machine keeps its block, and the owner what is
-/// being typed there, for as long as the scans list it. Each signal comes with the machine as its
-/// block shows it. Main thread.
+/// A block for each machine of the last scan. A machine keeps its block, and with it the text being
+/// typed there, for as long as the scans list it. The signals are those of the blocks. Main thread.
 class RemoteHealthList final : public QWidget {
     Q_OBJECT
 
@@ -24,7 +23,7 @@ public:
     explicit RemoteHealthList(QWidget* parent = nullptr);
 
     /// Hidden without machines.
-    void show(std::vector<RemoteHealthFacts> facts);
+    void show(const std::vector<RemoteHealthFacts>& facts);
 
     /// In the order of the machines.
     std::vector<QWidget*> blocks() const;
@@ -42,19 +41,11 @@ signals:
     void blockResized(QWidget* block);
 
 private:
-    struct Entry {
-        RemoteHealthBlock* block;
-        RemoteHealthFacts facts;  ///< as the block shows them
-    };
-
     RemoteHealthBlock* makeBlock();
-    /// Takes the block of the machine out of `entries_`, or makes one.
-    RemoteHealthBlock* takeBlock(const std::string& id);
-    /// A copy: the receiver of a signal may have other facts shown.
-    RemoteHealth machineOf(const RemoteHealthBlock* block) const;
+    void arrange();
 
     QVBoxLayout* column_ = nullptr;
-    std::vector<Entry> entries_;
+    std::vector<RemoteHealthBlock*> blocks_;
     int blocksMade_ = 0;  ///< ever, for their object names
 };
 

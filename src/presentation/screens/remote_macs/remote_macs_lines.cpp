@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/words/dashboard_text.h"
@@ -15,6 +16,7 @@ using dashboard_text::count;
 using dashboard_text::text;
 using remote_health_lines::age;
 using remote_health_lines::displayName;
+using remote_health_lines::isCPUHigh;
 using remote_health_lines::isMemoryHigh;
 using Status = RemoteHealth::Status;
 
@@ -24,6 +26,26 @@ bool isReachable(const RemoteHealth& machine) {
 
 QString percentOrNone(const std::optional<double>& percent) {
     return percent ? dashboard_text::percentText(*percent) : dashboard_text::noFigure();
+}
+
+/// A figure of a machine that is too high.
+struct Pressure {
+    QString text;
+    double percent = 0.0;
+};
+
+/// The higher of the figures that are too high. Absent for a machine without one.
+std::optional<Pressure> pressure(const ProfiledMachine& each) {
+    const auto& [machine, profile] = each;
+    const Pressure memory{u"Memory "_s + percentOrNone(machine.memoryPercent),
+                          machine.memoryPercent.value_or(0.0)};
+    const Pressure cpu{u"CPU "_s + percentOrNone(machine.cpuPercent),
+                       machine.cpuPercent.value_or(0.0)};
+    const bool isMemory = isMemoryHigh(machine, profile);
+    if (isCPUHigh(machine) && (!isMemory || cpu.percent > memory.percent)) {
+        return cpu;
+    }
+    return isMemory ? std::optional(memory) : std::nullopt;
 }
 
 /// Longer than any row shows.
@@ -48,21 +70,21 @@ QString attention(const std::vector<RemoteHealth>& machines) {
 
 std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines) {
     std::vector<AttentionLine> lines;
-    std::vector<const ProfiledMachine*> pressed;
+    std::vector<std::pair<double, AttentionLine>> pressed;
     for (const ProfiledMachine& each : machines) {
         if (!isReachable(each.machine)) {
             lines.push_back({each.machine.id, displayName(each.machine, each.profile),
                              text(title(each.machine.status)), text(each.machine.recommendation)});
-        } else if (isMemoryHigh(each.machine, each.profile)) {
-            pressed.push_back(&each);
+        } else if (const auto high = pressure(each)) {
+            pressed.push_back({high->percent,
+                               {each.machine.id, displayName(each.machine, each.profile),
+                                high->text, text(each.machine.recommendation)}});
         }
     }
     std::ranges::stable_sort(pressed, std::ranges::greater(),
-                             [](const auto* each) { return *each->machine.memoryPercent; });
-    for (const ProfiledMachine* each : pressed) {
-        lines.push_back({each->machine.id, displayName(each->machine, each->profile),
-                         u"Memory "_s + percentOrNone(each->machine.memoryPercent),
-                         text(each->machine.recommendation)});
+                             [](const auto& each) { return each.first; });
+    for (auto& [percent, line] : pressed) {
+        lines.push_back(std::move(line));
     }
     return lines;
 }
@@ -88,14 +110,13 @@ QString scanProgress(const RemoteScanState& scan) {
 }
 
 QString scanState(const RemoteScanState& scan, Date now) {
-    if (scan.remoteScanInProgress) {
-        return scanProgress(scan);
-    }
+    const QString progress = scanProgress(scan);
     if (scan.remoteHealth.empty()) {
-        return u"Not scanned yet"_s;
+        return scan.remoteScanInProgress ? progress : u"Not scanned yet"_s;
     }
     const auto newest = std::ranges::max_element(scan.remoteHealth, {}, &RemoteHealth::sampledAt);
-    return u"Last scan: "_s + age(newest->sampledAt, now);
+    const QString last = u"Last scan: "_s + age(newest->sampledAt, now);
+    return scan.remoteScanInProgress ? last + u" · "_s + progress : last;
 }
 
 std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers) {

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <utility>
 
-#include <QAbstractButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -39,14 +38,6 @@ RemoteMacsPage::RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidg
     layOutParts();
     connectParts();
     connectMachines();
-    if (!monitor_.sample().snapshot()) {
-        firstSample_ = monitor_.sample().observable().subscribe([this] {
-            if (monitor_.sample().snapshot()) {
-                refreshSummary();
-                firstSample_ = {};
-            }
-        });
-    }
 }
 
 RemoteMacsPage::~RemoteMacsPage() = default;
@@ -79,7 +70,7 @@ void RemoteMacsPage::connectParts() {
     ExternalApplications& applications = monitor_.actions().applications;
     connect(attention_, &AttentionCard::machineWanted, this, [this](const std::string& id) {
         if (QWidget* block = machines_->block(id)) {
-            bringIntoView(*block, block->findChild<QAbstractButton*>());
+            bringIntoView(*block, *block);
         }
     });
     connect(detail_, &RemoteDetailCard::reportWanted, this, [this, &remote] {
@@ -168,17 +159,31 @@ void RemoteMacsPage::carryOut(RemoteOperation operation, const RemoteHealth& mac
 
 void RemoteMacsPage::inspect(const RemoteHealth& machine) {
     state_.navigation.setSelectedRemoteID(machine.id);
-    bringIntoView(*detail_, detail_->firstControl());
+    // The detail changes its height with the machine.
+    refresh();
+    bringIntoView(*detail_, *detail_->firstControl());
 }
 
 std::vector<Observable*> RemoteMacsPage::shows() const {
     Remote& remote = monitor_.remote();
-    return {&remote.tailnet.observable(), &remote.scan.observable(), &remote.profiles.observable(),
-            &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
+    std::vector<Observable*> shown{
+        &remote.tailnet.observable(), &remote.scan.observable(), &remote.profiles.observable(),
+        &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
+    if (!monitor_.sample().snapshot()) {
+        // Only that there is one changes the page.
+        shown.push_back(&monitor_.sample().observable());
+    }
+    return shown;
 }
 
 std::vector<HeaderAction> RemoteMacsPage::headerActions() {
-    return {{remote_macs_commands::scan, u"remote.scan"_s, [this] { scan(); }}};
+    return {
+        {remote_macs_commands::scan.titled("Scan Remotes"), u"remote.scan"_s, [this] { scan(); },
+         [this] {
+             return monitor_.remote().scan.state().remoteScanInProgress ? u"Scanning"_s : QString();
+         }},
+        {remote_macs_commands::openTailscale, u"remote.open-tailscale"_s,
+         [this] { monitor_.actions().applications.openTailscaleApp(); }}};
 }
 
 void RemoteMacsPage::showEvent(QShowEvent* event) {
@@ -221,6 +226,7 @@ void RemoteMacsPage::refreshSummary() {
                                                  : u"Sampling this Mac..."_s,
          .scanState = remote_macs_lines::scanState(scan, monitor_.services().clock.now()),
          .isScanned = !scan.remoteHealth.empty(),
+         .hasUnreachable = remote_macs_lines::unreachableCount(scan.remoteHealth) > 0,
          .lines = remote_macs_lines::attentionLines(machines)});
     summary_->show(
         remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
@@ -252,7 +258,7 @@ void RemoteMacsPage::refreshMachines() {
                          .isSelected = each.id == state_.navigation.selectedRemoteID(),
                          .showsDetails = scanned.size() <= fewMachines});
     }
-    machines_->show(std::move(facts));
+    machines_->show(facts);
 }
 
 const RemoteHealth* RemoteMacsPage::selectedMachine() const {
@@ -262,7 +268,7 @@ const RemoteHealth* RemoteMacsPage::selectedMachine() const {
 
 void RemoteMacsPage::scan() {
     if (monitor_.remote().scan.state().remoteScanInProgress) {
-        bringIntoView(*attention_);
+        scrollTo(*attention_);
     } else {
         monitor_.remote().scan.scanRemoteMacs();
     }
@@ -273,15 +279,15 @@ void RemoteMacsPage::openRemoteSettings() {
     state_.navigation.setShowSettings(true);
 }
 
-void RemoteMacsPage::bringIntoView(QWidget& part, QWidget* control) {
-    // The part may be about to change with the selected machine.
-    refresh();
+void RemoteMacsPage::scrollTo(QWidget& part) {
     QScrollBar* bar = area_->verticalScrollBar();
     bar->setValue(bar->value() + area_->placeInView(part) - spacing::gap);
     area_->keepInPlace(&part);
-    if (control != nullptr) {
-        control->setFocus(Qt::OtherFocusReason);
-    }
+}
+
+void RemoteMacsPage::bringIntoView(QWidget& part, QWidget& control) {
+    scrollTo(part);
+    control.setFocus(Qt::OtherFocusReason);
 }
 
 QWidget* RemoteMacsPage::partToKeep() const {
@@ -291,8 +297,10 @@ QWidget* RemoteMacsPage::partToKeep() const {
     };
     std::vector<QWidget*> parts = machines_->blocks();
     // The owner may be typing there.
-    const auto focused = std::ranges::find_if(
-        parts, [focus = focusWidget()](const QWidget* part) { return part->isAncestorOf(focus); });
+    const auto focused =
+        std::ranges::find_if(parts, [focus = window()->focusWidget()](const QWidget* part) {
+            return part->isAncestorOf(focus);
+        });
     if (focused != parts.end() && isInView(*focused)) {
         return *focused;
     }

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "core/observable.h"
 #include "core/remote_records.h"
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/screens/shared/screen.h"
@@ -57,9 +56,10 @@ private:
     /// Starts a scan, or shows how far the running one is.
     void scan();
     void openRemoteSettings();
-    /// Scrolls a part of the page to the top of the view, and moves the keyboard focus to
-    /// `control`, which may be null.
-    void bringIntoView(QWidget& part, QWidget* control = nullptr);
+    /// Scrolls a part of the page to the top of the view.
+    void scrollTo(QWidget& part);
+    /// The same, and moves the keyboard focus to a control of that part.
+    void bringIntoView(QWidget& part, QWidget& control);
     /// What stays where it is in the view when parts above it change their height. Null at the top
     /// of the page.
     QWidget* partToKeep() const;
@@ -76,7 +76,6 @@ private:
     SetupChecklistCard* setup_ = nullptr;
     RemoteHealthList* machines_ = nullptr;
     std::vector<QWidget*> parts_;  ///< those above the machines, from top to bottom
-    Subscription firstSample_;
     std::unique_ptr<RepeatingTimer> ageTimer_;
 };
 

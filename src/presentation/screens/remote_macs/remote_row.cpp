@@ -82,7 +82,7 @@ void RemoteRow::show(const remote_health_lines::Row& row) {
     memory_->setVisible(!row.memory.isEmpty());
     setSpokenName(*copy_, row.copyName);
     if (action_ == RemoteRows::Action::quit) {
-        actionButton_->setEnabled(!row.isProtected);
+        actionButton_->setEnabled(row.hasAction);
     } else {
         showNeverQuit();
     }

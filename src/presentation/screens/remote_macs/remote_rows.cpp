@@ -1,11 +1,8 @@
 #include "presentation/screens/remote_macs/remote_rows.h"
 
 #include <algorithm>
-#include <chrono>
 
-#include <QEvent>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include "presentation/screens/remote_macs/remote_row.h"
@@ -15,16 +12,11 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
-namespace {
-
-constexpr std::chrono::milliseconds reactionTime{300};
-
-}  // namespace
-
 RemoteRows::RemoteRows(const QString& title, Action action, const QString& identifier,
                        QWidget* parent)
     : QWidget(parent), action_(action), identifier_(identifier) {
-    setObjectName(identifier);
+    setObjectName(identifier + (action == Action::quit ? u".processes"_s : u".apps"_s));
+    setAccessibleName(title);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
@@ -34,16 +26,9 @@ RemoteRows::RemoteRows(const QString& title, Action action, const QString& ident
     column_ = new QVBoxLayout;
     column_->setSpacing(spacing::unit);
     layout->addLayout(column_);
-    settling_ = new QTimer(this);
-    settling_->setObjectName(u"settling"_s);
-    settling_->setSingleShot(true);
-    settling_->setInterval(reactionTime);
 }
 
 bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const QString& noRows) {
-    noRows_->setText(noRows);
-    noRows_->setVisible(rows.empty());
-    setVisible(!rows.empty() || !noRows.isEmpty());
     std::vector<RemoteRow*> before = rows_;
     std::vector<RemoteRow*> after;
     for (const remote_health_lines::Row& row : rows) {
@@ -57,14 +42,20 @@ bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const Q
         }
         after.back()->show(row);
     }
+    const auto hasFocus = [focus = window()->focusWidget()](const RemoteRow* row) {
+        return row->isAncestorOf(focus);
+    };
+    if (std::ranges::any_of(before, hasFocus)) {
+        // Qt would move it to the next control, which a key may be about to press.
+        setFocus();
+    }
+    noRows_->setText(noRows);
+    noRows_->setVisible(rows.empty());
+    setVisible(!rows.empty() || !noRows.isEmpty());
     if (after == rows_) {
         return false;
     }
     for (RemoteRow* gone : before) {
-        if (gone->isAncestorOf(focusWidget())) {
-            // Not to a button of the row that comes into its place.
-            setFocus();
-        }
         // Deleted later, because this may run in a click on one of its buttons.
         gone->hide();
         column_->removeWidget(gone);
@@ -78,9 +69,6 @@ bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const Q
         // Assistive technology reads the children in their order.
         row->raise();
     }
-    if (!rows_.empty()) {
-        settling_->start();
-    }
     rows_ = std::move(after);
     return true;
 }
@@ -90,9 +78,6 @@ RemoteRow* RemoteRows::makeRow(const remote_health_lines::Row& row) {
     connect(made, &RemoteRow::copyWanted, this, [this, made] { emit copyWanted(indexOf(*made)); });
     connect(made, &RemoteRow::actionWanted, this,
             [this, made] { emit actionWanted(indexOf(*made)); });
-    for (QWidget* control : made->controls()) {
-        control->installEventFilter(this);
-    }
     return made;
 }
 
@@ -108,12 +93,6 @@ std::vector<QWidget*> RemoteRows::controls() const {
         }
     }
     return controls;
-}
-
-bool RemoteRows::eventFilter(QObject* watched, QEvent* event) {
-    const bool isPress =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
-    return (isPress && settling_->isActive()) || QWidget::eventFilter(watched, event);
 }
 
 }  // namespace tallowcrest

@@ -7,7 +7,6 @@
 
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 
-class QTimer;
 class QVBoxLayout;
 
 namespace tallowcrest {
@@ -16,9 +15,8 @@ class ElidedLabel;
 class RemoteRow;
 
 /// The processes or the app groups of one machine, a row each with two buttons. A row keeps its
-/// controls for as long as what it stands for is listed, wherever that is. After other rows have
-/// come into the places of the present ones, presses of the mouse are ignored for a moment: nobody
-/// sees a new row below the pointer and presses on it sooner. Main thread.
+/// controls for as long as what it stands for is listed, wherever that is. When a row with the
+/// focus goes, the focus proxy of the list gets it. Main thread.
 class RemoteRows final : public QWidget {
     Q_OBJECT
 
@@ -42,9 +40,6 @@ signals:
     void copyWanted(std::size_t row);
     void actionWanted(std::size_t row);
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     RemoteRow* makeRow(const remote_health_lines::Row& row);
     std::size_t indexOf(const RemoteRow& row) const;
@@ -54,7 +49,6 @@ private:
     std::vector<RemoteRow*> rows_;
     ElidedLabel* noRows_ = nullptr;
     QVBoxLayout* column_ = nullptr;
-    QTimer* settling_ = nullptr;
 };
 
 }  // namespace tallowcrest

@@ -23,8 +23,7 @@ SetupChecklistCard::SetupChecklistCard(QWidget* parent) : Card(parent) {
     words->setLines(1, 4);
     contentLayout()->addWidget(words);
     auto* buttons = new FlowRow(spacing::unit, this);
-    auto* script = makeButton({"Setup Script", "square.and.arrow.up",
-                               "Writes a script that prepares another machine to a file"},
+    auto* script = makeButton(commands::exportSetupScript.titled("Setup Script"),
                               u"remote.setup.script"_s, buttons);
     auto* settings =
         makeButton({"SSH Settings", "gearshape", "Opens the settings of the remote access"},

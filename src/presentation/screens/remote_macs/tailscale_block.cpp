@@ -88,7 +88,7 @@ void TailscaleBlock::showProgress(const QString& progress) {
     scan_->setText(isScanning ? u"Scanning"_s
                               : QString::fromUtf8(remote_macs_commands::scan.title));
     scan_->setAccessibleName(scan_->text());
-    scan_->setEnabled(!isScanning);
+    setButtonEnabled(*scan_, !isScanning);
 }
 
 }  // namespace tallowcrest

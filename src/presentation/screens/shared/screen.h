@@ -18,6 +18,8 @@ struct HeaderAction {
     Command command;
     QString identifier;
     std::function<void()> run;
+    /// The title while what it began is under way, and empty otherwise.
+    std::function<QString()> progressTitle = {};
 };
 
 /// The content of a route below the page header. Only the visible screen is refreshed, and it is

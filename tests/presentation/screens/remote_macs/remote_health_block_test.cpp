@@ -1,20 +1,14 @@
-#include "presentation/screens/remote_macs/remote_health_block.h"
-
 #include <algorithm>
 
 #include <QAccessible>
-#include <QAction>
 #include <QHelpEvent>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QToolTip>
 
-#include "presentation/widgets/menu_button.h"
 #include "tests/presentation/screens/remote_macs/activate.h"
-#include "tests/presentation/screens/remote_macs/remote_machine.h"
-#include "tests/presentation/screens/shared/block_fixture.h"
+#include "tests/presentation/screens/remote_macs/remote_health_block_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,67 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-class RemoteHealthBlockTest : public OverviewBlockTest {
-protected:
-    RemoteHealthBlockTest() {
-        QObject::connect(&block, &RemoteHealthBlock::processCopyWanted,
-                         [this](const RemoteProcess& process) { record("copy", process.pid); });
-        QObject::connect(&block, &RemoteHealthBlock::processQuitWanted,
-                         [this](const RemoteProcess& process) { record("quit", process.pid); });
-        QObject::connect(
-            &block, &RemoteHealthBlock::appCopyWanted,
-            [this](const RemoteAppImpact& app) { asked.push_back("copy " + app.name); });
-        QObject::connect(
-            &block, &RemoteHealthBlock::neverQuitWanted,
-            [this](const RemoteAppImpact& app) { asked.push_back("never quit " + app.name); });
-        QObject::connect(&block, &RemoteHealthBlock::operationWanted,
-                         [this](RemoteOperation operation) { operations.push_back(operation); });
-    }
-
-    void record(const std::string& what, std::int64_t pid) {
-        asked.push_back(what + ' ' + std::to_string(pid));
-    }
-    void show() {
-        block.show(facts);
-        settle();
-    }
-    void showOpen() {
-        facts.showsDetails = true;
-        show();
-    }
-    std::vector<std::string> taken() { return std::exchange(asked, {}); }
-    bool hasDetails() { return block.findChild<QLineEdit*>() != nullptr; }
-    QPushButton& button(const char* identifier) {
-        return *block.findChild<QPushButton*>(QString::fromLatin1(identifier));
-    }
-    std::vector<std::string> shownButtons() {
-        std::vector<std::string> titles;
-        for (const auto& tool : remote_health_lines::tools()) {
-            const auto* each =
-                visible<QPushButton>((std::string("probe.") + tool.identifier).c_str());
-            if (each != nullptr) {
-                titles.push_back(each->text().toStdString());
-            }
-        }
-        return titles;
-    }
-    QMenu& menu() { return block.findChild<MenuButton*>()->menu(); }
-    std::vector<std::string> menuEntries() {
-        std::vector<std::string> titles;
-        for (const QAction* each : menu().actions()) {
-            if (each->isVisible()) {
-                titles.push_back(each->text().toStdString());
-            }
-        }
-        return titles;
-    }
-
-    RemoteHealthFacts facts = reachableMachine();
-    RemoteHealth& machine = facts.machine;
-    std::vector<std::string> asked;
-    std::vector<RemoteOperation> operations;
-    RemoteHealthBlock& block = place(new RemoteHealthBlock(u"probe"_s));
-};
+using RemoteHealthBlockTest = RemoteHealthBlockFixture;
 
 // The head ----------------------------------------------------------------------------------------
 
@@ -234,9 +168,10 @@ TEST_F(RemoteHealthBlockTest, RowsEmitWhatTheyShow) {
     EXPECT_FALSE(button("probe.process-88.quit").isEnabled());
     click("probe.app-yes.copy");
     EXPECT_THAT(taken(), ElementsAre("copy yes"));
+    // Refused with a message when it is pressed.
     facts.neverQuit = {"yes"};
     show();
-    EXPECT_FALSE(button("probe.process-700.quit").isEnabled());
+    EXPECT_TRUE(button("probe.process-700.quit").isEnabled());
 }
 
 TEST_F(RemoteHealthBlockTest, NeverQuitShowsTheListAndIsToggledByAPressOfAnyKind) {
@@ -293,29 +228,26 @@ TEST_F(RemoteHealthBlockTest, ARowKeepsItsButtonsAndTheFocusWhereverItStands) {
     machine.topProcesses[1].command = "/usr/bin/other";
     show();
     EXPECT_NE(block.findChild<QPushButton*>(u"probe.process-700.quit"_s), &quit);
-    const QWidget* focus = QApplication::focusWidget();
-    EXPECT_TRUE(qobject_cast<const QPushButton*>(focus) == nullptr) << "no other row's button";
+    EXPECT_TRUE(visible("probe.head")->hasFocus()) << "no other row's button";
+    button("probe.process-88.copy").setFocus();
+    machine.topProcesses.clear();
+    machine.appImpacts.clear();
+    machine.status = RemoteHealth::Status::authNeeded;
+    show();
+    EXPECT_TRUE(visible("probe.head")->hasFocus()) << "nor one below rows that are all gone";
 }
 
-TEST_F(RemoteHealthBlockTest, APressRightAfterTheRowsMovedIsIgnored) {
+TEST_F(RemoteHealthBlockTest, ARowThatGoesLeavesTheFocusOfOthersAlone) {
+    ASSERT_NO_FATAL_FAILURE(activate(page));
     showOpen();
-    click("probe.process-700.quit");
-    EXPECT_THAT(taken(), ElementsAre("quit 700")) << "the first rows replaced no others";
-    machine.topProcesses[0].cpu = 1.0;
-    show();
-    click("probe.process-700.quit");
-    EXPECT_THAT(taken(), ElementsAre("quit 700")) << "no row has moved";
-    std::ranges::reverse(machine.topProcesses);
-    show();
-    click("probe.process-700.quit");
-    click("probe.process-700.copy");
-    EXPECT_THAT(taken(), IsEmpty());
-    click("probe.app-yes.copy");
-    EXPECT_THAT(taken(), ElementsAre("copy yes")) << "the app groups have not moved";
-    setSettlingTime(block, std::chrono::milliseconds(0));
+    button("probe.process-700.copy").setFocus();
+    auto* other = new QLineEdit(&page);
+    page.layout()->addWidget(other);
     settle();
-    click("probe.process-700.quit");
-    EXPECT_THAT(taken(), ElementsAre("quit 700"));
+    other->setFocus();
+    machine.topProcesses.clear();
+    show();
+    EXPECT_TRUE(other->hasFocus());
 }
 
 TEST_F(RemoteHealthBlockTest, EqualRowsOfAHostileMachineStaySeparate) {
@@ -329,21 +261,13 @@ TEST_F(RemoteHealthBlockTest, EqualRowsOfAHostileMachineStaySeparate) {
 
 TEST_F(RemoteHealthBlockTest, TheTabKeyGoesThroughTheBlockFromTopToBottom) {
     ASSERT_NO_FATAL_FAILURE(activate(page));
-    auto* next = new QPushButton(u"Next"_s, &page);
-    next->setObjectName(u"next"_s);
-    page.layout()->addWidget(next);
+    addNext();
     showOpen();
     std::ranges::reverse(machine.topProcesses);
     machine.topProcesses.push_back({900, 1.0, 1.0, "/usr/bin/new"});
     show();
-    visible("probe.head")->setFocus();
-    std::vector<std::string> order;
-    while (QApplication::focusWidget() != next && order.size() < 20) {
-        press(Qt::Key_Tab);
-        order.push_back(QApplication::focusWidget()->objectName().toStdString());
-    }
     EXPECT_THAT(
-        order,
+        tabOrder(),
         ElementsAre("probe.nickname", "probe.role", "probe.threshold", "probe.allow-remote-purge",
                     "probe.process-88.copy", "probe.process-700.copy", "probe.process-700.quit",
                     "probe.process-900.copy", "probe.process-900.quit", "probe.app-yes.copy",
@@ -352,41 +276,14 @@ TEST_F(RemoteHealthBlockTest, TheTabKeyGoesThroughTheBlockFromTopToBottom) {
                     "probe.more", "next"));
 }
 
-// The tool row ------------------------------------------------------------------------------------
-
-TEST_F(RemoteHealthBlockTest, EachToolIsAButtonOrInTheMenu) {
-    showOpen();
-    EXPECT_THAT(shownButtons(), ElementsAre("Remote Purge", "Remote Safe"));
-    EXPECT_THAT(menuEntries(), ElementsAre("Copy Ping", "Copy Port Test", "Copy Test",
-                                           "Copy Host Key Fix", "Copy Key Install", "Inspect"));
-    machine.status = RemoteHealth::Status::hostKeyIssue;
+TEST_F(RemoteHealthBlockTest, TheTabKeyGoesThroughABlockThatOpenedByItself) {
+    ASSERT_NO_FATAL_FAILURE(activate(page));
+    facts = unreachableMachine(RemoteHealth::Status::authNeeded);
+    addNext();
     show();
-    EXPECT_THAT(shownButtons(), ElementsAre("Copy Test", "Copy Host Key Fix"));
-    EXPECT_THAT(menuEntries(), ElementsAre("Copy Ping", "Copy Port Test", "Copy Key Install",
-                                           "Inspect", "Remote Purge", "Remote Safe"));
-}
-
-TEST_F(RemoteHealthBlockTest, EachToolEmitsItsOperationFromTheButtonAndFromTheMenu) {
-    showOpen();
-    for (const remote_health_lines::Tool& tool : remote_health_lines::tools()) {
-        const QString name = u"probe."_s + QString::fromLatin1(tool.identifier);
-        block.findChild<QAction*>(name)->trigger();
-        block.findChild<QPushButton*>(name)->click();
-        EXPECT_THAT(std::exchange(operations, {}), ElementsAre(tool.operation, tool.operation))
-            << tool.title;
-    }
-}
-
-TEST_F(RemoteHealthBlockTest, WithoutAnAddressToolsAreDisabledWhereverTheyAre) {
-    facts = unreachableMachine(RemoteHealth::Status::hostKeyIssue);
-    machine.address = "no address";
-    show();
-    EXPECT_FALSE(button("probe.copy-host-key-fix").isEnabled());
-    EXPECT_FALSE(block.findChild<QAction*>(u"probe.copy-key-install"_s)->isEnabled());
-    EXPECT_TRUE(block.findChild<QAction*>(u"probe.remote-purge"_s)->isEnabled());
-    machine.address = "100.64.0.7";
-    show();
-    EXPECT_TRUE(button("probe.copy-host-key-fix").isEnabled());
+    EXPECT_THAT(tabOrder(), ElementsAre("probe.nickname", "probe.role", "probe.threshold",
+                                        "probe.allow-remote-purge", "probe.copy-test",
+                                        "probe.copy-key-install", "probe.more", "next"));
 }
 
 }  // namespace

@@ -74,6 +74,17 @@ TEST_F(RemoteHealthLinesTest, MemoryIsHighFromTheThresholdOn) {
     EXPECT_FALSE(head(facts).needsAttention());
 }
 
+TEST_F(RemoteHealthLinesTest, SaturatedProcessorsNeedAttention) {
+    machine.cpuPercent = 84.9;
+    EXPECT_FALSE(head(facts).needsAttention());
+    machine.cpuPercent = 85.0;
+    EXPECT_EQ(head(facts).cpuWord, u"High"_s);
+    EXPECT_TRUE(head(facts).needsAttention());
+    EXPECT_TRUE(head(facts).spokenFigures.startsWith(u"CPU 85%, High, Memory "_s));
+    machine.cpuPercent.reset();
+    EXPECT_FALSE(head(facts).needsAttention());
+}
+
 TEST_F(RemoteHealthLinesTest, TheHeadNamesTheMachineAndItsFigures) {
     Head shown = head(facts);
     EXPECT_EQ(shown.name, u"studio-mac"_s);
@@ -150,6 +161,7 @@ TEST_F(RemoteHealthLinesTest, ProtectedProcessesSayWhyTheyCannotBeQuit) {
           "Dock", "SystemUIServer", "/System/x", "/usr/libexec/trustd"}) {
         const Row row = processRow({700, 1.0, 1.0, command});
         EXPECT_TRUE(row.isProtected) << command;
+        EXPECT_FALSE(row.hasAction);
         EXPECT_EQ(row.note, u"PID 700 · Protected"_s);
         EXPECT_TRUE(row.actionDescription.startsWith(u"Protected: "_s));
     }
@@ -158,7 +170,10 @@ TEST_F(RemoteHealthLinesTest, ProtectedProcessesSayWhyTheyCannotBeQuit) {
     EXPECT_TRUE(processRow({700, 1.0, 1.0, "/usr/lib/systemd/systemd-logind"}).isProtected);
     EXPECT_FALSE(processRow({700, 1.0, 1.0, "/usr/bin/yes"}).isProtected);
     facts.neverQuit = {"yes"};
-    EXPECT_TRUE(processRow({700, 1.0, 1.0, "/usr/bin/yes"}).isProtected);
+    const Row listed = processRow({700, 1.0, 1.0, "/usr/bin/yes"});
+    EXPECT_TRUE(listed.isProtected);
+    EXPECT_TRUE(listed.hasAction) << "it is refused with a message";
+    EXPECT_EQ(listed.actionDescription, u"Protected: its app group is on the Never Quit list"_s);
 }
 
 TEST_F(RemoteHealthLinesTest, AnAppRowShowsWhetherItIsOnTheNeverQuitList) {

@@ -72,6 +72,15 @@ TEST_F(RemoteMacsLinesTest, MachinesOutOfReachComeBeforeThoseWithTheMostMemoryIn
             macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
             macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
     EXPECT_THAT(macs::attentionLines({{below, atEighty}}), IsEmpty());
+    RemoteHealth busy = machine("busy", Status::reachable, 90.0);
+    busy.cpuPercent = 97.0;
+    RemoteHealth both = machine("both", Status::reachable, 96.0);
+    both.cpuPercent = 85.0;
+    EXPECT_THAT(
+        macs::attentionLines({{both, atEighty}, {busy, atEighty}, {at, atEighty}}),
+        ElementsAre(macs::AttentionLine{"id-busy", u"busy"_s, u"CPU 97%"_s, u"Help busy."_s},
+                    macs::AttentionLine{"id-both", u"both"_s, u"Memory 96%"_s, u"Help both."_s},
+                    macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
 }
 
 TEST_F(RemoteMacsLinesTest, LinesThatAreNotShownAreCounted) {
@@ -97,6 +106,9 @@ TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
     EXPECT_EQ(macs::scanState(scan, now), u"Last scan: just now"_s);
     EXPECT_EQ(macs::scanState(scan, {now.secondsSinceReference + 120.0}),
               u"Last scan: 2 min ago"_s);
+    scan.remoteScanInProgress = true;
+    scan.progress = RemoteScanProgress{1, 2, "a"};
+    EXPECT_EQ(macs::scanState(scan, now), u"Last scan: just now · Scanning a, 1 of 2"_s);
 }
 
 TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {

@@ -180,13 +180,20 @@ TEST_F(RemoteMacsPageTest, ARunningScanTellsWhichMachineOfHowMany) {
 
 TEST_F(RemoteMacsPageTest, TheHeaderBeginsOneScanAtATime) {
     showPage();
+    EXPECT_EQ(visible<QPushButton>("remote.scan")->text(), u"Scan Remotes"_s);
     click("remote.scan");
     ASSERT_TRUE(remote().scan.state().remoteScanInProgress);
+    settle();
+    EXPECT_EQ(visible<QPushButton>("remote.scan")->text(), u"Scanning"_s);
+    EXPECT_EQ(visible("remote.scan")->accessibleName(), u"Scanning"_s);
     const std::size_t events = machine.monitor().log().activityLog().size();
     const std::size_t jobs = machine.workQueue.pendingCount();
     click("remote.scan");
     EXPECT_EQ(machine.workQueue.pendingCount(), jobs);
     EXPECT_EQ(machine.monitor().log().activityLog().size(), events);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(visible<QPushButton>("remote.scan")->text(), u"Scan Remotes"_s);
 }
 
 TEST_F(RemoteMacsPageTest, AMachineKeepsItsBlockFromScanToScan) {
@@ -204,6 +211,34 @@ TEST_F(RemoteMacsPageTest, AMachineKeepsItsBlockFromScanToScan) {
     EXPECT_EQ(after[2], before[2]);
     EXPECT_EQ(after[3], before[0]);
     EXPECT_EQ(gone, nullptr);
+}
+
+TEST_F(RemoteMacsPageTest, TheTabKeyFollowsTheOrderOfTheMachines) {
+    showPage();
+    std::vector<RemoteHealth> machines = fleetHealth(5, 0, machine.clock.now());
+    machines[1].status = RemoteHealth::Status::authNeeded;
+    std::vector<RemoteHealth> fewer(machines.begin() + 1, machines.end());
+    finishScan(fewer);
+    finishScan(machines);
+    std::vector<std::string> heads;
+    for (QWidget* each = window().nextInFocusChain(); each != &window();
+         each = each->nextInFocusChain()) {
+        if (each->objectName().startsWith(u"remote.machine"_s) &&
+            each->objectName().endsWith(u".head"_s)) {
+            heads.push_back(each->parentWidget()->accessibleName().toStdString());
+        }
+    }
+    EXPECT_THAT(heads, ElementsAre("mac-1", "mac-2", "mac-3", "mac-4", "mac-5"));
+}
+
+TEST_F(RemoteMacsPageTest, TheFirstSampleEndsTheWaitWhileThePageShows) {
+    window().resize(1200, 800);
+    show();
+    goTo(AppRoute::remoteMacs);
+    EXPECT_EQ(textOf("remote.summary.attention"), u"Sampling this Mac..."_s);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("remote.summary.attention"), u"0 remote Macs need attention."_s);
 }
 
 TEST_F(RemoteMacsPageTest, TwoRecordsWithOneIdentifierHaveTwoBlocks) {
