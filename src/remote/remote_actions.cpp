@@ -215,7 +215,7 @@ Outcome RemoteActions::copyRemoteAppReport(const RemoteHealth& machine,
 Outcome RemoteActions::copySSHDiagnosticCommand(const RemoteHealth& machine) {
     const auto target = targetOf(machine);
     return target ? dependencies_.pasteboard.copyToPasteboard(
-                        remote_commands::sshDiagnostic(*target),
+                        remote_commands::sshDiagnostic(*target, machine.isLinux),
                         fmt::format("Copied SSH diagnostic command for {}.", machine.hostName))
                   : record(invalidTarget());
 }

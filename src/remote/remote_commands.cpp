@@ -17,11 +17,11 @@ std::string purge(bool isLinux) {
                    : "/usr/sbin/purge && echo purge_ok";
 }
 
-std::string sshDiagnostic(std::string_view target) {
-    return fmt::format(
-        "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 {} "
-        "'echo connected && sw_vers -productVersion && memory_pressure -Q'",
-        shellQuoted(target));
+std::string sshDiagnostic(std::string_view target, bool isLinux) {
+    return fmt::format("ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 {} 'echo connected && {}'",
+                       shellQuoted(target),
+                       isLinux ? "uname -sr && grep MemAvailable /proc/meminfo"
+                               : "sw_vers -productVersion && memory_pressure -Q");
 }
 
 std::string tailscalePing(std::string_view host) {

@@ -17,7 +17,8 @@ std::string purge(bool isLinux);
 
 // For the owner's own terminal; this program does not run them.
 
-std::string sshDiagnostic(std::string_view target);
+/// Logs in, and prints the version of the other machine's system and its free memory.
+std::string sshDiagnostic(std::string_view target, bool isLinux);
 std::string tailscalePing(std::string_view host);
 /// `test` is `Places::portTest`.
 std::string portTest(std::string_view test, std::string_view host);

@@ -26,9 +26,12 @@ TEST(RemoteCommands, HaveTheirTexts) {
     namespace rc = remote_commands;
     EXPECT_THAT(rc::sshArguments("me@host", "uptime"),
                 ElementsAre("-o", "BatchMode=yes", "-o", "ConnectTimeout=5", "me@host", "uptime"));
-    EXPECT_EQ(rc::sshDiagnostic("me@host"),
+    EXPECT_EQ(rc::sshDiagnostic("me@host", false),
               "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 'me@host' 'echo connected && sw_vers "
               "-productVersion && memory_pressure -Q'");
+    EXPECT_EQ(rc::sshDiagnostic("me@host", true),
+              "ssh -vvv -o BatchMode=yes -o ConnectTimeout=5 'me@host' 'echo connected && uname "
+              "-sr && grep MemAvailable /proc/meminfo'");
     EXPECT_EQ(rc::tailscalePing("host"), "tailscale ping --timeout=5s 'host'");
     EXPECT_EQ(rc::portTest("nc -vz -G 5", "fe80::1%en0"), "nc -vz -G 5 'fe80::1%en0' 22");
     EXPECT_EQ(rc::hostKeyRepair("host", "me@host"),
@@ -83,7 +86,7 @@ protected:
 
 TEST_F(RemoteCommandsInAShell, ReachTheProgramsAsWritten) {
     namespace rc = remote_commands;
-    EXPECT_THAT(linesOf(rc::sshDiagnostic("me@host")),
+    EXPECT_THAT(linesOf(rc::sshDiagnostic("me@host", false)),
                 ElementsAre("<ssh>", "<-vvv>", "<-o>", "<BatchMode=yes>", "<-o>",
                             "<ConnectTimeout=5>", "<me@host>",
                             "<echo connected && sw_vers -productVersion && memory_pressure -Q>"));
@@ -100,7 +103,7 @@ TEST_F(RemoteCommandsInAShell, AHostileTextStaysOneArgumentEvenIfNothingHadCheck
           std::string("\\"), std::string("\"$HOME\""), std::string(10000, '\'')}) {
         SCOPED_TRACE(hostile.substr(0, 40));
         const std::string argument = "<" + hostile + ">";
-        EXPECT_EQ(linesOf(remote_commands::sshDiagnostic(hostile)).at(6), argument);
+        EXPECT_EQ(linesOf(remote_commands::sshDiagnostic(hostile, true)).at(6), argument);
         EXPECT_EQ(linesOf(remote_commands::tailscalePing(hostile)).at(3), argument);
         EXPECT_EQ(linesOf(remote_commands::portTest("nc -vz -w 5", hostile)).at(4), argument);
         EXPECT_FALSE(std::filesystem::exists(home.path() / "hit"));

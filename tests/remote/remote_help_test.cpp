@@ -113,7 +113,8 @@ TEST_F(RemoteHelp, CopiesCommandsWithTheUserThatIsSet) {
     publicKey = "ssh-rsa AAA owner";
     const std::string host = "100.64.0.7";
     const std::string target = "owner@" + host;
-    expectCopied(actions.copySSHDiagnosticCommand(shown), remote_commands::sshDiagnostic(target),
+    expectCopied(actions.copySSHDiagnosticCommand(shown),
+                 remote_commands::sshDiagnostic(target, false),
                  "Copied SSH diagnostic command for studio.");
     expectCopied(actions.copyTailscalePingCommand(shown), remote_commands::tailscalePing(host),
                  "Copied Tailscale ping command for studio.");
@@ -126,6 +127,14 @@ TEST_F(RemoteHelp, CopiesCommandsWithTheUserThatIsSet) {
     expectCopied(actions.copySSHKeyInstallCommand(shown),
                  remote_commands::keyInstall(host, *publicKey),
                  "Copied SSH key install command for studio.");
+}
+
+TEST_F(RemoteHelp, TheDiagnosticCommandIsThatOfTheSystem) {
+    RemoteHealth server = machine();
+    server.isLinux = true;
+    expectCopied(actions.copySSHDiagnosticCommand(server),
+                 remote_commands::sshDiagnostic("owner@100.64.0.7", true),
+                 "Copied SSH diagnostic command for studio.");
 }
 
 TEST_F(RemoteHelp, AnInvalidUserOrAddressIsRefused) {

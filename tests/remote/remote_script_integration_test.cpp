@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "remote/remote_commands.h"
 #include "remote/remote_sample.h"
 #include "remote/remote_script.h"
 #include "tests/support/run_program.h"
@@ -23,6 +24,7 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::Pair;
+using ::testing::StartsWith;
 
 /// What the server of the secure shell does with a command.
 ProgramResult run(const std::string& shell, std::string_view command,
@@ -67,6 +69,21 @@ TEST_P(LinuxSample, IsTheSameInEveryLoginShell) {
     EXPECT_THAT(sample.value("os").value_or("\""), Not(HasSubstr("\"")));
     EXPECT_THAT(sample.value("topcpu").value_or(""),
                 EndsWith("% " + sample.processes.front().command));
+}
+
+TEST_P(LinuxSample, TheDiagnosticCommandEndsWellInEveryLoginShell) {
+    if (!std::filesystem::exists(GetParam()) || !std::filesystem::exists("/proc/meminfo")) {
+        GTEST_SKIP() << "not on this machine";
+    }
+    // The last argument is what the other machine's shell gets.
+    const std::string ssh = "ssh() { shift $(($# - 1)); printf %s \"$1\"; }\n";
+    const ProgramResult command =
+        run("/bin/sh", ssh + remote_commands::sshDiagnostic("me@host", true));
+    const ProgramResult result = run(GetParam(), command.standardOutput);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_THAT(result.standardOutput, StartsWith("connected\nLinux "));
+    EXPECT_THAT(result.standardOutput, HasSubstr("\nMemAvailable: "));
 }
 
 TEST(LinuxSampleNames, ForgeNoRowsAndAreText) {
