@@ -33,7 +33,7 @@ std::string remoteReportText(const RemoteHealth& machine, const Locale& locale) 
         "Host: {}\n"
         "Address: {}\n"
         "Status: {}\n"
-        "macOS: {}\n"
+        "{}: {}\n"
         "CPU: {}\n"
         "Memory pressure: {}\n"
         "Top CPU: {}\n"
@@ -41,8 +41,8 @@ std::string remoteReportText(const RemoteHealth& machine, const Locale& locale) 
         "Recommendation: {}\n"
         "Remote Processes:\n",
         locale.dateAndTime(machine.sampledAt), field(machine.hostName), field(machine.address),
-        title(machine.status), known(machine.osVersion), percent(machine.cpuPercent),
-        percent(machine.memoryPercent), known(machine.topCPUProcess),
+        title(machine.status), machine.isLinux ? "Linux" : "macOS", known(machine.osVersion),
+        percent(machine.cpuPercent), percent(machine.memoryPercent), known(machine.topCPUProcess),
         known(machine.topMemoryProcess), field(machine.recommendation));
     for (const RemoteProcess& process : machine.topProcesses) {
         text += fmt::format("{}\t{}% CPU\t{} MB\t{}\n", process.pid, withOneDecimal(process.cpu),

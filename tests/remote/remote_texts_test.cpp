@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/locale.h"
@@ -62,6 +63,21 @@ TEST(RemoteReportText, SaysWhatIsUnknown) {
               "Recommendation: \n"
               "Remote Processes:\n"
               "Setup: ");
+}
+
+TEST(RemoteReportText, NamesTheSystemOfALinuxMachine) {
+    RemoteHealth machine = sampledMachine();
+    const std::string ofAMac = remoteReportText(machine, PlainLocale());
+    machine.isLinux = true;
+    machine.osVersion = "Debian GNU/Linux 12 (bookworm)";
+    std::string expected = ofAMac;
+    const std::string macLine = "macOS: 14.5\n";
+    expected.replace(expected.find(macLine), macLine.size(),
+                     "Linux: Debian GNU/Linux 12 (bookworm)\n");
+    EXPECT_EQ(remoteReportText(machine, PlainLocale()), expected);
+    machine.osVersion.reset();
+    EXPECT_THAT(remoteReportText(machine, PlainLocale()),
+                ::testing::HasSubstr("\nLinux: unknown\n"));
 }
 
 TEST(RemoteReportText, OfAProcessAndOfAnAppGroup) {
