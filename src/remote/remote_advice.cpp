@@ -8,25 +8,33 @@
 namespace tallowcrest {
 
 std::string remoteSetupHint(RemoteHealth::Status status, std::string_view address,
-                            bool hasTailnetIssues) {
+                            bool hasTailnetIssues, bool isLinux) {
     switch (status) {
         case RemoteHealth::Status::reachable:
             return "SSH is configured and remote metrics are available.";
         case RemoteHealth::Status::noTailnetPath:
-            return "Restart Tailscale on both Macs, confirm the remote is awake, then retry "
-                   "tailscale ping.";
+            return isLinux ? "Restart Tailscale on both machines, confirm the remote is awake, "
+                             "then retry tailscale ping."
+                           : "Restart Tailscale on both Macs, confirm the remote is awake, then "
+                             "retry tailscale ping.";
         case RemoteHealth::Status::noAddress:
-            return "Open Tailscale on the remote Mac and confirm it is connected.";
+            return isLinux ? "Start Tailscale on the remote machine and confirm it is connected."
+                           : "Open Tailscale on the remote Mac and confirm it is connected.";
         case RemoteHealth::Status::connectionBlocked:
-            return hasTailnetIssues
-                       ? fmt::format(
-                             "This Mac has Tailscale health issues. Restart Tailscale here, "
-                             "confirm the remote is awake, then retry {}.",
-                             address)
-                       : fmt::format(
-                             "On the remote Mac, enable System Settings > General > Sharing > "
-                             "Remote Login, then retry {}.",
-                             address);
+            if (hasTailnetIssues) {
+                return fmt::format(
+                    "This Mac has Tailscale health issues. Restart Tailscale here, confirm the "
+                    "remote is awake, then retry {}.",
+                    address);
+            }
+            return isLinux ? fmt::format(
+                                 "On the remote machine, make sure that an SSH server such as "
+                                 "openssh-server runs and that port 22 is open, then retry {}.",
+                                 address)
+                           : fmt::format(
+                                 "On the remote Mac, enable System Settings > General > Sharing > "
+                                 "Remote Login, then retry {}.",
+                                 address);
         case RemoteHealth::Status::hostKeyIssue:
             return fmt::format(
                 "This Mac can reach SSH, but does not trust the host key. Remove the old key and "
@@ -34,12 +42,14 @@ std::string remoteSetupHint(RemoteHealth::Status status, std::string_view addres
                 address);
         case RemoteHealth::Status::authNeeded:
             return fmt::format(
-                "Remote Login is reachable, but this Mac's SSH key is not authorized for {}. Add "
-                "your public key or enable key access.",
-                address);
+                "{} is reachable, but this Mac's SSH key is not authorized for {}. Add your public "
+                "key or enable key access.",
+                isLinux ? "The SSH server" : "Remote Login", address);
         case RemoteHealth::Status::unknown:
-            return "Confirm the remote Mac is awake, Tailscale is connected, Remote Login is "
-                   "enabled, and your SSH key is allowed.";
+            return isLinux ? "Confirm the remote machine is awake, Tailscale is connected, an SSH "
+                             "server runs there, and your SSH key is allowed."
+                           : "Confirm the remote Mac is awake, Tailscale is connected, Remote "
+                             "Login is enabled, and your SSH key is allowed.";
     }
     return {};
 }
@@ -47,11 +57,11 @@ std::string remoteSetupHint(RemoteHealth::Status status, std::string_view addres
 std::string remoteRecommendation(RemoteHealth::Status status, bool hasTailnetIssues,
                                  std::optional<double> cpuPercent,
                                  std::optional<double> memoryPercent,
-                                 const std::vector<RemoteProcess>& topProcesses) {
+                                 const std::vector<RemoteProcess>& topProcesses, bool isLinux) {
     constexpr double muchMemoryMB = 1000.0;
     constexpr double muchCPU = 50.0;
     if (status != RemoteHealth::Status::reachable) {
-        return remoteSetupHint(status, "this host", hasTailnetIssues);
+        return remoteSetupHint(status, "this host", hasTailnetIssues, isLinux);
     }
     const RemoteProcess* top = topProcesses.empty() ? nullptr : &topProcesses.front();
     const std::string_view name = top == nullptr ? "the top process" : top->displayName();
@@ -69,7 +79,8 @@ std::string remoteRecommendation(RemoteHealth::Status status, bool hasTailnetIss
         return fmt::format(
             "{} is the main CPU user. Watch it or quit it explicitly if it is unwanted.", name);
     }
-    return "Remote Mac looks healthy. No remote optimization action is needed.";
+    return fmt::format("Remote {} looks healthy. No remote optimization action is needed.",
+                       isLinux ? "machine" : "Mac");
 }
 
 }  // namespace tallowcrest

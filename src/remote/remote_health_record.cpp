@@ -119,9 +119,9 @@ RemoteHealth remoteHealthRecord(const TailDevice& device, const std::string& add
             .topProcesses = sample.processes,
             .appImpacts = remoteAppImpacts(sample.processes, context.protectedAppNames, isLinux),
             .recommendation = remoteRecommendation(status, context.hasTailnetIssues, cpu, memory,
-                                                   sample.processes),
+                                                   sample.processes, isLinux),
             .summary = answered ? "Remote sample received." : std::string(title(status)),
-            .setupHint = remoteSetupHint(status, address, context.hasTailnetIssues),
+            .setupHint = remoteSetupHint(status, address, context.hasTailnetIssues, isLinux),
             .sampledAt = now,
             .isLinux = isLinux};
 }

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,18 @@ namespace tallowcrest {
 namespace {
 
 using Status = RemoteHealth::Status;
+
+constexpr bool toMac = false;
+constexpr bool toLinux = true;
+
+/// Of a machine that is not reachable, the recommendation is the hint, whatever its load.
+void expectRecommended(Status status, bool hasTailnetIssues, bool isLinux) {
+    if (status != Status::reachable) {
+        EXPECT_EQ(remoteRecommendation(status, hasTailnetIssues, 99.0, 99.0, {{1, 99, 9999, "x"}},
+                                       isLinux),
+                  remoteSetupHint(status, "this host", hasTailnetIssues, isLinux));
+    }
+}
 
 TEST(RemoteAdvice, EveryStatusHasItsHint) {
     struct Row {
@@ -41,13 +54,45 @@ TEST(RemoteAdvice, EveryStatusHasItsHint) {
                 "Confirm the remote Mac is awake, Tailscale is connected, Remote Login is enabled, "
                 "and your SSH key is allowed."},
         }) {
-        EXPECT_EQ(remoteSetupHint(each.status, "100.1.2.3", each.hasTailnetIssues), each.hint);
-        if (each.status != Status::reachable) {
-            EXPECT_EQ(remoteRecommendation(each.status, each.hasTailnetIssues, 99.0, 99.0,
-                                           {{1, 99, 9999, "x"}}),
-                      remoteSetupHint(each.status, "this host", each.hasTailnetIssues));
-        }
+        EXPECT_EQ(remoteSetupHint(each.status, "100.1.2.3", each.hasTailnetIssues, toMac),
+                  each.hint);
+        expectRecommended(each.status, each.hasTailnetIssues, toMac);
     }
+}
+
+TEST(RemoteAdvice, ALinuxMachineIsToldNothingOfAMac) {
+    struct Row {
+        Status status;
+        const char* hint;
+    };
+    for (const Row& each : {
+             Row{Status::reachable, "SSH is configured and remote metrics are available."},
+             Row{Status::noTailnetPath,
+                 "Restart Tailscale on both machines, confirm the remote is awake, then retry "
+                 "tailscale ping."},
+             Row{Status::noAddress,
+                 "Start Tailscale on the remote machine and confirm it is connected."},
+             Row{Status::connectionBlocked,
+                 "On the remote machine, make sure that an SSH server such as openssh-server runs "
+                 "and that port 22 is open, then retry 100.1.2.3."},
+             Row{Status::authNeeded,
+                 "The SSH server is reachable, but this Mac's SSH key is not authorized for "
+                 "100.1.2.3. Add your public key or enable key access."},
+             Row{Status::unknown,
+                 "Confirm the remote machine is awake, Tailscale is connected, an SSH server runs "
+                 "there, and your SSH key is allowed."},
+         }) {
+        EXPECT_EQ(remoteSetupHint(each.status, "100.1.2.3", false, toLinux), each.hint);
+        expectRecommended(each.status, false, toLinux);
+    }
+    // These two speak of this machine only.
+    for (const auto& [status, hasTailnetIssues] :
+         {std::pair{Status::connectionBlocked, true}, {Status::hostKeyIssue, false}}) {
+        EXPECT_EQ(remoteSetupHint(status, "100.1.2.3", hasTailnetIssues, toLinux),
+                  remoteSetupHint(status, "100.1.2.3", hasTailnetIssues, toMac));
+    }
+    EXPECT_EQ(remoteRecommendation(Status::reachable, false, 5.0, 5.0, {}, toLinux),
+              "Remote machine looks healthy. No remote optimization action is needed.");
 }
 
 TEST(RemoteAdvice, TheFirstRuleThatMatchesAdvises) {
@@ -93,9 +138,9 @@ TEST(RemoteAdvice, TheFirstRuleThatMatchesAdvises) {
              Row{5.0, 5.0, {{1, 1.0, 1.0, "mds"}, heavy}, healthy},
              Row{std::nullopt, std::nullopt, {}, healthy},
          }) {
-        EXPECT_EQ(
-            remoteRecommendation(Status::reachable, true, each.cpu, each.memory, each.processes),
-            each.advice);
+        EXPECT_EQ(remoteRecommendation(Status::reachable, true, each.cpu, each.memory,
+                                       each.processes, toMac),
+                  each.advice);
     }
 }
 
