@@ -199,6 +199,7 @@ std::string remoteJSON(const RemoteHealth& machine) {
         {"summary", machine.summary},
         {"setupHint", machine.setupHint},
         {"sampledAt", machine.sampledAt.secondsSinceReference},
+        {"isLinux", machine.isLinux},
     });
 }
 

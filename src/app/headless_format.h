@@ -24,8 +24,8 @@ std::string sampleJSON(const SystemSnapshot& snapshot,
 /// figures, its groups, and what to do. Control characters as in `sampleBlock`.
 std::string remoteBlock(const RemoteHealth& machine);
 
-/// The same as one line of JSON, line end included, with the members of the record, except
-/// `isLinux`, under their own names, as in `sampleJSON`.
+/// The same as one line of JSON, line end included, with the members of the record under their own
+/// names, as in `sampleJSON`.
 std::string remoteJSON(const RemoteHealth& machine);
 
 }  // namespace tallowcrest

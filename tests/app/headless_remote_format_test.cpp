@@ -41,7 +41,8 @@ RemoteHealth lostMachine() {
             .status = RemoteHealth::Status::noAddress,
             .recommendation = "Connect it.",
             .summary = "None.",
-            .setupHint = "Open Tailscale."};
+            .setupHint = "Open Tailscale.",
+            .isLinux = true};
 }
 
 TEST(RemoteBlock, ShowsFiguresGroupsAndAdvice) {
@@ -66,13 +67,14 @@ TEST(RemoteJSON, HasTheMembersOfTheRecord) {
         "appImpacts": [{"name": "mds", "processCount": 1, "totalCPU": 99.5,
                         "totalMemoryMB": 120.0, "topPID": 812, "protectedCount": 1}],
         "recommendation": "Watch it.", "summary": "Remote sample received.",
-        "setupHint": "SSH is configured.", "sampledAt": 721692800.25})"));
+        "setupHint": "SSH is configured.", "sampledAt": 721692800.25, "isLinux": false})"));
     const json lost = json::parse(remoteJSON(lostMachine()));
     for (const char* absent :
          {"cpuPercent", "memoryPercent", "osVersion", "topCPUProcess", "topMemoryProcess"}) {
         EXPECT_TRUE(lost.at(absent).is_null()) << absent;
     }
     EXPECT_EQ(lost["online"], false);
+    EXPECT_EQ(lost["isLinux"], true);
     EXPECT_EQ(lost["appImpacts"], json::array());
 }
 
