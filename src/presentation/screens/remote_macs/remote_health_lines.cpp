@@ -133,7 +133,11 @@ QString profileLine(const RemoteProfile& profile) {
 }
 
 QString systemLine(const RemoteHealth& machine) {
-    return (machine.isLinux ? u"Linux "_s : u"macOS "_s) + orUnknown(machine.osVersion);
+    const QString version = orUnknown(machine.osVersion);
+    if (!machine.isLinux) {
+        return u"macOS "_s + version;
+    }
+    return version.contains(u"Linux"_s) ? version : u"Linux "_s + version;
 }
 
 QString topCPULine(const RemoteHealth& machine) {

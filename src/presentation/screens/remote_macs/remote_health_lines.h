@@ -80,7 +80,8 @@ Head head(const RemoteHealthFacts& facts);
 
 /// "Profile: Studio · Render box · Warn at 85%"
 QString profileLine(const RemoteProfile& profile);
-/// "macOS 14.5", "Linux Ubuntu 24.04", "macOS unknown"
+/// "macOS 14.5", "Linux Ubuntu 24.04", "macOS unknown"; "Debian GNU/Linux 12 (bookworm)", because a
+/// name with "Linux" in it needs no second one
 QString systemLine(const RemoteHealth& machine);
 /// "Top CPU: 92.1% /usr/bin/yes", "Top CPU: unknown"
 QString topCPULine(const RemoteHealth& machine);

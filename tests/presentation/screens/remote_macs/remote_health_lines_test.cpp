@@ -128,6 +128,12 @@ TEST_F(RemoteHealthLinesTest, TheLinesOfTheDetailsHaveTheirWords) {
     EXPECT_EQ(profileLine(profile), u"Profile: Warn at 80%"_s);
     machine.isLinux = true;
     EXPECT_EQ(systemLine(machine), u"Linux 14.5"_s);
+    for (const char* name : {"Debian GNU/Linux 12 (bookworm)", "Linux Mint 21.3", "Arch Linux"}) {
+        machine.osVersion = name;
+        EXPECT_EQ(systemLine(machine).toStdString(), name);
+    }
+    machine.isLinux = false;
+    EXPECT_EQ(systemLine(machine), u"macOS Arch Linux"_s);
 }
 
 TEST_F(RemoteHealthLinesTest, WhatIsAbsentIsUnknown) {
