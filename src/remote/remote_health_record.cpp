@@ -52,13 +52,20 @@ constexpr Obstacle noPath{
     "Fix Tailscale reachability before SSH or optimization actions.",
     "Tailscale lists this Mac, but there is no active path or relay. Restart Tailscale on both "
     "Macs and confirm the remote is awake."};
+constexpr Obstacle noAddressOnLinux{
+    noAddress.status, noAddress.summary, "Connect this machine to Tailscale before scanning.",
+    "Start Tailscale on that machine and confirm it has a Tailnet IP."};
+constexpr Obstacle noPathOnLinux{
+    noPath.status, noPath.summary, noPath.recommendation,
+    "Tailscale lists this machine, but there is no active path or relay. Restart Tailscale on both "
+    "machines and confirm the remote is awake."};
 /// There is no status of its own for this.
 constexpr Obstacle invalidTarget{Status::noAddress, "Invalid SSH target",
                                  "Tallowcrest blocked an invalid SSH target.",
                                  "Verify the device address reported by Tailscale."};
 
 RemoteHealth recordOf(const TailDevice& device, std::string address, const Obstacle& obstacle,
-                      Date now) {
+                      Date now, bool isLinux) {
     return {.id = device.id,
             .hostName = device.hostName,
             .address = std::move(address),
@@ -66,26 +73,28 @@ RemoteHealth recordOf(const TailDevice& device, std::string address, const Obsta
             .recommendation = std::string(obstacle.recommendation),
             .summary = std::string(obstacle.summary),
             .setupHint = std::string(obstacle.setupHint),
-            .sampledAt = now};
+            .sampledAt = now,
+            .isLinux = isLinux};
 }
 
 }  // namespace
 
 std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
-                                                      std::string_view sshUsername, Date now) {
+                                                      std::string_view sshUsername, Date now,
+                                                      bool isLinux) {
     if (device.addresses.empty()) {
-        return recordOf(device, "no address", noAddress, now);
+        return recordOf(device, "no address", isLinux ? noAddressOnLinux : noAddress, now, isLinux);
     }
     const auto ipv4 = std::ranges::find_if(device.addresses, [](const std::string& address) {
         return address.find(':') == std::string::npos;
     });
     const std::string& address = ipv4 == device.addresses.end() ? device.addresses.front() : *ipv4;
     if (!hasPath(device)) {
-        return recordOf(device, address, noPath, now);
+        return recordOf(device, address, isLinux ? noPathOnLinux : noPath, now, isLinux);
     }
     const auto target = CommandSafetyPolicy::sshTarget(sshUsername, address);
     if (!target) {
-        return recordOf(device, address, invalidTarget, now);
+        return recordOf(device, address, invalidTarget, now, isLinux);
     }
     return RemoteTarget{address, *target};
 }

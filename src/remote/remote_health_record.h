@@ -28,7 +28,8 @@ struct RemoteScanContext {
 /// finished record when it has no address, the tailnet knows no path to it, or the address is no
 /// valid one. Any thread.
 std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
-                                                      std::string_view sshUsername, Date now);
+                                                      std::string_view sshUsername, Date now,
+                                                      bool isLinux);
 
 /// The status of a machine that gave no figures, by the words of the secure shell. Any thread.
 RemoteHealth::Status statusOfFailure(std::string_view output);

@@ -33,12 +33,12 @@ std::string_view pluralEnding(std::size_t count) {
 RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& context,
                             ToolRunner& tools, const Clock& clock, const Locale& locale) {
     constexpr std::chrono::milliseconds deadline{5000};
-    auto way = remoteTarget(device, context.sshUsername, clock.now());
+    const bool isLinux = !isRemoteMac(device, locale);
+    auto way = remoteTarget(device, context.sshUsername, clock.now(), isLinux);
     if (auto* const record = std::get_if<RemoteHealth>(&way)) {
         return std::move(*record);
     }
     const auto& target = std::get<RemoteTarget>(way);
-    const bool isLinux = !isRemoteMac(device, locale);
     const std::string output = tools.runSSH(
         {"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o", "StrictHostKeyChecking=accept-new",
          target.sshTarget, isLinux ? linuxSampleCommand() : std::string(macSampleScript())},

@@ -44,7 +44,7 @@ TEST(RemoteTarget, PrefersTheFirstIPv4Address) {
              Row{{"fd7a::1", "fd7a::2"}, "owner", {"fd7a::1", "owner@fd7a::1"}},
              Row{{"100.1.2.3"}, "", {"100.1.2.3", "100.1.2.3"}},
          }) {
-        const auto way = remoteTarget(studio(each.addresses), each.user, sampledAt);
+        const auto way = remoteTarget(studio(each.addresses), each.user, sampledAt, false);
         ASSERT_TRUE(std::holds_alternative<RemoteTarget>(way)) << each.target.address;
         EXPECT_EQ(std::get<RemoteTarget>(way), each.target);
     }
@@ -52,7 +52,7 @@ TEST(RemoteTarget, PrefersTheFirstIPv4Address) {
 
 TEST(RemoteTarget, WhatCannotBeAskedHasItsRecordAtOnce) {
     const auto record = [](const TailDevice& device, const char* user) {
-        const auto way = remoteTarget(device, user, sampledAt);
+        const auto way = remoteTarget(device, user, sampledAt, false);
         return std::holds_alternative<RemoteHealth>(way) ? std::get<RemoteHealth>(way)
                                                          : RemoteHealth{};
     };
@@ -94,6 +94,33 @@ TEST(RemoteTarget, WhatCannotBeAskedHasItsRecordAtOnce) {
         RemoteHealth expected = invalid;
         expected.address = hostile;
         EXPECT_EQ(record(studio({hostile}), "owner"), expected) << hostile;
+    }
+}
+
+TEST(RemoteTarget, ALinuxMachineThatCannotBeAskedIsToldNothingOfAMac) {
+    TailDevice withoutPath = studio({"100.1.2.3"});
+    withoutPath.inMagicSock = false;
+    struct Row {
+        TailDevice device;
+        const char* recommendation;
+        const char* hint;
+    };
+    for (const Row& each :
+         {Row{studio({}), "Connect this machine to Tailscale before scanning.",
+              "Start Tailscale on that machine and confirm it has a Tailnet IP."},
+          Row{withoutPath, "Fix Tailscale reachability before SSH or optimization actions.",
+              "Tailscale lists this machine, but there is no active path or relay. Restart "
+              "Tailscale on both machines and confirm the remote is awake."},
+          Row{studio({"a b"}), "Tallowcrest blocked an invalid SSH target.",
+              "Verify the device address reported by Tailscale."}}) {
+        const auto ofALinuxMachine =
+            std::get<RemoteHealth>(remoteTarget(each.device, "owner", sampledAt, true));
+        RemoteHealth expected =
+            std::get<RemoteHealth>(remoteTarget(each.device, "owner", sampledAt, false));
+        expected.isLinux = true;
+        expected.recommendation = each.recommendation;
+        expected.setupHint = each.hint;
+        EXPECT_EQ(ofALinuxMachine, expected);
     }
 }
 
