@@ -239,6 +239,38 @@ TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
     EXPECT_THAT(scan.remoteHistory(), SizeIs(3));
 }
 
+TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsEndsTheProgressOfBoth) {
+    machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
+    scan.scanRemoteMacs();
+    machines.setDevices({machineNamed("cellar", "100.3.3.3")});
+    scan.scanRemoteMacs();
+    std::vector<std::optional<RemoteScanProgress>> shown;
+    std::vector<bool> inProgress;
+    machines.launcher.onLaunch = [&](const ToolRequest&) {
+        mainQueue.drain();
+        shown.push_back(scan.state().progress);
+        inProgress.push_back(scan.state().remoteScanInProgress);
+        if (workQueue.pendingCount() == 1) {
+            workQueue.run();
+            mainQueue.drain();
+            EXPECT_THAT(eachOf(scan.state().remoteHealth, &RemoteHealth::hostName),
+                        ElementsAre("cellar"));
+            shown.push_back(scan.state().progress);
+            inProgress.push_back(scan.state().remoteScanInProgress);
+        }
+    };
+    workQueue.run();
+    mainQueue.drain();
+    // One machine of the first scan, the whole second one, then the other machine of the first.
+    EXPECT_THAT(asked(), ElementsAre("owner@100.1.1.1", "owner@100.3.3.3", "owner@100.2.2.2"));
+    EXPECT_THAT(shown, ElementsAre(RemoteScanProgress{1, 2, "studio"},
+                                   RemoteScanProgress{1, 1, "cellar"}, std::nullopt, std::nullopt));
+    EXPECT_THAT(inProgress, ElementsAre(true, true, false, false));
+    EXPECT_THAT(eachOf(scan.state().remoteHealth, &RemoteHealth::hostName),
+                ElementsAre("studio", "attic"));
+    EXPECT_FALSE(scan.state().remoteScanInProgress);
+}
+
 TEST_F(RemoteScanTest, TheEndOfTheProgramEndsItBetweenTwoMachines) {
     machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
     machines.launcher.onLaunch = [this](const ToolRequest&) { jobs.stopAll(); };
