@@ -3,7 +3,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,7 +15,9 @@
 #include "core/settings/settings_store.h"
 #include "monitor/sample_cycle.h"
 #include "monitor/system_monitor.h"
+#include "platform/base/run_loop.h"
 #include "platform/base/system_clock.h"
+#include "platform/base/thread_work_queue.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/tools/tool_launcher_posix.h"
@@ -24,6 +28,7 @@
 #include "tests/support/fake_tool_launcher.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -102,6 +107,51 @@ private:
     SystemMonitor monitor_;
 };
 
+/// A monitor on the queues of the program, so that a reading of the tailnet runs beside the ticks.
+class BenchOnThreads {
+public:
+    /// `tailscaleCLI` as in `RemotePorts`.
+    explicit BenchOnThreads(std::string tailscaleCLI)
+        : allowed_{tailscaleCLI},
+          monitor_(MonitorPorts{.jobs = jobs_,
+                                .clock = clock_,
+                                .settingsStore = store_,
+                                .metrics = preparedReader(600),
+                                .ticks = std::make_shared<FakeTickSource>(),
+                                .locale = americanEnglish(),
+                                .actions = {FakeLocalActions().ports(), {}},
+                                .remote = {.launcher = launcher_,
+                                           .allowed = allowed_,
+                                           .tailscaleCLI = std::move(tailscaleCLI)},
+                                .reports = {std::make_shared<FakeReportFolder>(), atGreenwich},
+                                .sampleApplied = [this] { mainQueue_.stop(0); }},
+                   HostFacts{.cpuCount = inputs().cpuCount,
+                             .protection = inputs().protection,
+                             .loginName = {}}) {
+        while (monitor_.sample().history().size() < LatestSample::maximumHistory) {
+            tick();
+        }
+    }
+    ~BenchOnThreads() { launcher_.requestStop(); }
+    BenchOnThreads(const BenchOnThreads&) = delete;
+    BenchOnThreads& operator=(const BenchOnThreads&) = delete;
+
+    void tick() {
+        monitor_.refresh();
+        mainQueue_.run();
+    }
+
+private:
+    SystemClock clock_;
+    CommandSafetyPolicy::AllowedExecutables allowed_;
+    PosixToolLauncher launcher_;
+    RunLoop mainQueue_;
+    Jobs jobs_{mainQueue_, workQueue_};  // the work queue joins its threads first
+    ThreadWorkQueue workQueue_{[] {}};
+    MemorySettingsStore store_;
+    SystemMonitor monitor_;
+};
+
 void runTicks(benchmark::State& state, Bench& bench) {
     for (auto _ : state) {
         bench.takeInBackground();
@@ -146,6 +196,27 @@ void tickOfPreparedRows(benchmark::State& state) {
     runTicks(state, bench);
 }
 
+void tickWithoutATailnet(benchmark::State& state) {
+    BenchOnThreads bench({});
+    for (auto _ : state) {
+        bench.tick();
+    }
+}
+
+/// A reading of the tailnet waits all the time for a tool that gives no answer.
+void tickWhileAReadingHangs(benchmark::State& state) {
+    const TemporaryFolder folder;
+    const std::filesystem::path began = folder.path() / "began";
+    BenchOnThreads bench(
+        folder.file("tailscale", "#!/bin/sh\n: > \"${0%/*}/began\"\nexec sleep 60\n", 0755));
+    for (auto _ : state) {
+        bench.tick();
+    }
+    if (!std::filesystem::exists(began)) {
+        state.SkipWithError("The tool was never launched.");
+    }
+}
+
 void backgroundHalfOfThisMachine(benchmark::State& state) {
     PosixToolLauncher launcher;
     SampleSources sources(host::makeMetricsReader(launcher), host::makeTickSource(),
@@ -177,6 +248,17 @@ BENCHMARK(mainHalfOfPreparedRows)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(tickOfPreparedRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+// A fixed number, which is over before the deadline of the hanging tool, two seconds.
+BENCHMARK(tickWithoutATailnet)
+    ->Iterations(1000)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(tickWhileAReadingHangs)
+    ->Iterations(1000)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(backgroundHalfOfThisMachine)->Unit(benchmark::kMicrosecond);
 BENCHMARK(mainHalfOfThisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(tickOfThisMachine)->Unit(benchmark::kMicrosecond);
