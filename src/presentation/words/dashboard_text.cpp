@@ -256,6 +256,21 @@ QString pointTimeText(Date date, Date now) {
     return localDay(date) == localDay(now) ? timeText(date) : shortTimeText(date, now);
 }
 
+QString age(Date sampledAt, Date now) {
+    constexpr double minute = 60;
+    constexpr double hour = 60 * minute;
+    constexpr double day = 24 * hour;
+    const double seconds = secondsBetween(sampledAt, now);
+    if (!(seconds >= 0 && seconds < day)) {
+        return shortTimeText(sampledAt, now);
+    }
+    if (seconds < minute) {
+        return u"just now"_s;
+    }
+    return seconds < hour ? u"%1 min ago"_s.arg(count(static_cast<int>(seconds / minute)))
+                          : u"%1 h ago"_s.arg(count(static_cast<int>(seconds / hour)));
+}
+
 std::int64_t localDay(Date date) {
     return formats().locale->localDay(date);
 }

@@ -74,6 +74,9 @@ QString shortTimeText(Date date, Date now);
 /// The time of a sample to the second, as `timeText`; as `shortTimeText` if `now` is on another
 /// day.
 QString pointTimeText(Date date, Date now);
+/// How old figures are: "just now" within a minute, "2 min ago", "3 h ago". As `shortTimeText` for
+/// those of more than a day, and for those of the future, whose age is unknown: the clock was set.
+QString age(Date sampledAt, Date now);
 /// When the sample was taken; absent without one.
 std::optional<Date> sampledAt(const std::optional<SystemSnapshot>& snapshot);
 /// The day of `date` in local time, as `Locale::localDay` numbers it.

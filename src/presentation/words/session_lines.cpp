@@ -42,7 +42,7 @@ SummaryTexts recurringTopApp(const QString& title, const std::vector<SessionInsi
             u"Most visible app group in this Tallowcrest session."_s};
 }
 
-SummaryTexts remoteState(const std::vector<RemoteHealth>& remoteHealth) {
+SummaryTexts remoteState(const std::vector<RemoteHealth>& remoteHealth, Date now) {
     const QString title = u"Remote State"_s;
     if (remoteHealth.empty()) {
         return {title, u"Not scanned"_s, u"Use Scan Remote Macs in the Tailscale section."_s};
@@ -50,11 +50,13 @@ SummaryTexts remoteState(const std::vector<RemoteHealth>& remoteHealth) {
     // An absent figure is less than every other one.
     const std::optional<double> highest =
         std::ranges::max_element(remoteHealth, {}, &RemoteHealth::memoryPercent)->memoryPercent;
-    return {
-        title,
-        count(std::ssize(remoteHealth) - machinesThatNeedAttention(remoteHealth)) + u" reachable"_s,
-        u"Highest remote memory pressure "_s +
-            (highest ? dashboard_text::percentText(*highest) : dashboard_text::noFigure())};
+    const Date newest =
+        std::ranges::max_element(remoteHealth, {}, &RemoteHealth::sampledAt)->sampledAt;
+    return {title,
+            count(std::ssize(remoteHealth) - machinesThatNeedAttention(remoteHealth)) +
+                u" reachable · "_s + dashboard_text::age(newest, now),
+            u"Highest remote memory pressure "_s +
+                (highest ? dashboard_text::percentText(*highest) : dashboard_text::noFigure())};
 }
 
 SummaryTexts currentState(const std::optional<SystemSnapshot>& snapshot) {
@@ -116,8 +118,8 @@ std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>&
 
 std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
                                        const std::vector<SessionInsight>& insights,
-                                       const std::vector<RemoteHealth>& remoteHealth) {
-    return {remoteState(remoteHealth), currentState(snapshot),
+                                       const std::vector<RemoteHealth>& remoteHealth, Date now) {
+    return {remoteState(remoteHealth, now), currentState(snapshot),
             recurringTopApp(u"Top Repeater"_s, insights)};
 }
 

@@ -54,10 +54,11 @@ std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>&
 inline constexpr std::size_t mostSessionInsights = 5;
 
 /// "Remote State", "Current State" and "Top Repeater", in this order. Without a snapshot,
-/// the current state is that sampling has begun. `remoteHealth` is empty before the first scan.
+/// the current state is that sampling has begun. `remoteHealth` is empty before the first scan;
+/// after one, its age at `now` is told.
 std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snapshot,
                                        const std::vector<SessionInsight>& insights,
-                                       const std::vector<RemoteHealth>& remoteHealth);
+                                       const std::vector<RemoteHealth>& remoteHealth, Date now);
 inline constexpr std::size_t sessionStateCards = 3;
 
 /// How many machines of the last scan could not be sampled.

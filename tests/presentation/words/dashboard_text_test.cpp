@@ -276,6 +276,23 @@ TEST(DashboardText, ShortTimesOfAnotherDayHaveADate) {
     EXPECT_EQ(ofPoint(now - 15 * 3600), "8.3.2026, 23:03");
 }
 
+TEST(DashboardText, AgeIsRoundedDownAndNeverFreshWhenItIsUnknown) {
+    const Place place("en_US");
+    const auto ageAfter = [](double seconds) {
+        return dashboard_text::age({1000.0}, {1000.0 + seconds}).toStdString();
+    };
+    EXPECT_EQ(ageAfter(0), "just now");
+    EXPECT_EQ(ageAfter(59.9), "just now");
+    EXPECT_EQ(ageAfter(60), "1 min ago");
+    EXPECT_EQ(ageAfter(3599), "59 min ago");
+    EXPECT_EQ(ageAfter(3600), "1 h ago");
+    EXPECT_EQ(ageAfter(86399), "23 h ago");
+    for (const double unknown : {86400.0, -1.0, -1e7}) {
+        EXPECT_THAT(ageAfter(unknown), testing::ContainsRegex("[0-9]:[0-9][0-9]")) << unknown;
+    }
+    EXPECT_NE(ageAfter(86400.0 * 3), ageAfter(0));
+}
+
 TEST(DashboardText, AnyStoredDateHasAText) {
     for (const double seconds : {1e300, -1e300, 0.0}) {
         EXPECT_FALSE(dashboard_text::shortTimeText(Date{seconds}, Date{}).isEmpty()) << seconds;

@@ -134,7 +134,7 @@ TEST(SessionInsightCards, AreTheUnchangedInsights) {
 TEST(SessionState, BeforeAndAfterTheFirstSample) {
     const SummaryTexts remote =
         texts("Remote State", "Not scanned", "Use Scan Remote Macs in the Tailscale section.");
-    EXPECT_THAT(sessionState(std::nullopt, {}, {}),
+    EXPECT_THAT(sessionState(std::nullopt, {}, {}, {}),
                 ElementsAre(remote, texts("Current State", "–", "Sampling this Mac..."),
                             texts("Top Repeater", "None yet",
                                   "Most visible app group in this Tallowcrest session.")));
@@ -142,7 +142,7 @@ TEST(SessionState, BeforeAndAfterTheFirstSample) {
     snapshot.cpuPercent = 40.0;
     snapshot.memory.pressure = 59.4;
     const auto cards =
-        sessionState(snapshot, {insight(Kind::topApp, "Recurring Top App", "editor")}, {});
+        sessionState(snapshot, {insight(Kind::topApp, "Recurring Top App", "editor")}, {}, {});
     ASSERT_THAT(cards, SizeIs(sessionStateCards));
     EXPECT_EQ(cards[0], remote);
     EXPECT_EQ(cards[1].value, u"40% CPU"_s);
@@ -151,24 +151,28 @@ TEST(SessionState, BeforeAndAfterTheFirstSample) {
                               "Most visible app group in this Tallowcrest session."));
 }
 
-TEST(SessionState, CountsTheReachableMachinesAndNamesTheHighestMemory) {
-    const auto machine = [](RemoteHealth::Status status, std::optional<double> memory) {
+TEST(SessionState, CountsTheReachableMachinesAndNamesTheHighestMemoryAndTheAge) {
+    constexpr Date now{800000000.0};
+    const auto machine = [](RemoteHealth::Status status, std::optional<double> memory,
+                            double secondsAgo = 0.0) {
         RemoteHealth health;
+        health.sampledAt = {now.secondsSinceReference - secondsAgo};
         health.status = status;
         health.memoryPercent = memory;
         return health;
     };
     const auto stateOf = [](const std::vector<RemoteHealth>& machines) {
-        return sessionState(std::nullopt, {}, machines)[0];
+        return sessionState(std::nullopt, {}, machines, now)[0];
     };
     using Status = RemoteHealth::Status;
-    EXPECT_EQ(stateOf({machine(Status::authNeeded, {}), machine(Status::reachable, 40.2),
-                       machine(Status::reachable, 90.5), machine(Status::noAddress, {})}),
-              texts("Remote State", "2 reachable", "Highest remote memory pressure 91%"));
+    EXPECT_EQ(
+        stateOf({machine(Status::authNeeded, {}, 190.0), machine(Status::reachable, 40.2, 150.0),
+                 machine(Status::reachable, 90.5, 170.0), machine(Status::noAddress, {}, 200.0)}),
+        texts("Remote State", "2 reachable · 2 min ago", "Highest remote memory pressure 91%"));
     EXPECT_EQ(stateOf({machine(Status::reachable, 0.0)}),
-              texts("Remote State", "1 reachable", "Highest remote memory pressure 0%"));
-    EXPECT_EQ(stateOf({machine(Status::unknown, {})}),
-              texts("Remote State", "0 reachable", "Highest remote memory pressure –"));
+              texts("Remote State", "1 reachable · just now", "Highest remote memory pressure 0%"));
+    EXPECT_EQ(stateOf({machine(Status::unknown, {}, 7200.0)}),
+              texts("Remote State", "0 reachable · 2 h ago", "Highest remote memory pressure –"));
     EXPECT_EQ(
         machinesThatNeedAttention({machine(Status::unknown, {}), machine(Status::reachable, {}),
                                    machine(Status::hostKeyIssue, {})}),

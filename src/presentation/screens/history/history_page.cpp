@@ -9,6 +9,7 @@
 #include "actions/actions.h"
 #include "actions/automation.h"
 #include "core/activity_log.h"
+#include "core/clock.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
@@ -127,11 +128,11 @@ void HistoryPage::refresh() {
     timeline_->setCaption(pointCount(history.size()));
     showTimeline(*graph_, {history, activityLog, monitor_.settings().warningThreshold},
                  timelineSummary(history));
-    const Date now = dashboard_text::sampledAt(sample.snapshot()).value_or(Date{});
+    const Date now = monitor_.services().clock.now();
     const RemoteScan& scan = monitor_.remote().scan;
     remoteTimeline_->show(scan.remoteHistory(), now);
     session_->show(
-        sessionState(sample.snapshot(), sample.sessionInsights(), scan.state().remoteHealth));
+        sessionState(sample.snapshot(), sample.sessionInsights(), scan.state().remoteHealth, now));
     automation_->show(automationFacts(monitor_));
     log_->show(activityLog, now);
 }

@@ -79,22 +79,6 @@ QString displayName(const RemoteHealth& machine, const RemoteProfile& profile) {
     return text(machine.address);
 }
 
-QString age(Date sampledAt, Date now) {
-    constexpr double minute = 60;
-    constexpr double hour = 60 * minute;
-    constexpr double day = 24 * hour;
-    const double seconds = secondsBetween(sampledAt, now);
-    if (!(seconds >= 0 && seconds < day)) {
-        return dashboard_text::shortTimeText(sampledAt, now);
-    }
-    if (seconds < minute) {
-        return u"just now"_s;
-    }
-    return seconds < hour
-               ? u"%1 min ago"_s.arg(dashboard_text::count(static_cast<int>(seconds / minute)))
-               : u"%1 h ago"_s.arg(dashboard_text::count(static_cast<int>(seconds / hour)));
-}
-
 Head head(const RemoteHealthFacts& facts) {
     const RemoteHealth& machine = facts.machine;
     const QString name = displayName(machine, facts.profile);
@@ -104,7 +88,7 @@ Head head(const RemoteHealthFacts& facts) {
     const auto highIf = [](bool isHigh) { return isHigh ? u"High"_s : QString(); };
     const QString cpuWord = highIf(isCPUHigh(machine));
     const QString memoryWord = highIf(isMemoryHigh(machine, facts.profile));
-    const QString sampled = age(machine.sampledAt, facts.now);
+    const QString sampled = dashboard_text::age(machine.sampledAt, facts.now);
     const auto figures = [&machine](const QString& absent) {
         return std::pair(figure(u"CPU"_s, machine.cpuPercent, absent),
                          figure(u"Memory"_s, machine.memoryPercent, absent));

@@ -51,10 +51,6 @@ QString statusIcon(RemoteHealth::Status status);
 /// The nickname, or else the host name; the address of a machine without either.
 QString displayName(const RemoteHealth& machine, const RemoteProfile& profile);
 
-/// How old figures are: "just now" within a minute, "2 min ago", "3 h ago". The date and time for
-/// those of more than a day, and for those of the future, whose age is unknown: the clock was set.
-QString age(Date sampledAt, Date now);
-
 /// What is always visible of a machine.
 struct Head {
     QString name;

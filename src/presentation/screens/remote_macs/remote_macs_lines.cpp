@@ -12,9 +12,9 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest::remote_macs_lines {
 namespace {
 
+using dashboard_text::age;
 using dashboard_text::count;
 using dashboard_text::text;
-using remote_health_lines::age;
 using remote_health_lines::displayName;
 using remote_health_lines::isCPUHigh;
 using remote_health_lines::isMemoryHigh;

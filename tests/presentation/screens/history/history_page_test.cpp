@@ -132,9 +132,30 @@ TEST_F(HistoryPageTest, AScanOfTheOtherMachinesIsShownWithoutATick) {
     settle();
     EXPECT_THAT(texts("history.remote-timeline"),
                 Contains("1 remote samples retained across recent scans."));
-    EXPECT_EQ(sessionCards()[0], "Remote State: 1 reachable, Highest remote memory pressure 62%");
+    EXPECT_EQ(sessionCards()[0],
+              "Remote State: 1 reachable · just now, Highest remote memory pressure 62%");
     goTo(AppRoute::overview);
     EXPECT_EQ(textOf("overview.remote-alerts"), u"1 Remote Alerts"_s);
+}
+
+TEST_F(HistoryPageTest, TheAgeOfAScanIsThatOfTheClockBeforeTheFirstSampleToo) {
+    goTo(AppRoute::history);
+    show();
+    const Date scanned = machine.clock.now();
+    machine.monitor().remote().scan.finishRemoteScan({{.id = "a",
+                                                       .hostName = "mini",
+                                                       .status = RemoteHealth::Status::reachable,
+                                                       .memoryPercent = 61.5,
+                                                       .sampledAt = scanned}});
+    settle();
+    EXPECT_THAT(
+        texts("history.remote-timeline"),
+        Contains("Last sample " + dashboard_text::shortTimeText(scanned, scanned).toStdString()));
+    EXPECT_THAT(sessionCards()[0], testing::HasSubstr("1 reachable · just now"));
+    machine.clock.advance(std::chrono::minutes(2));
+    machine.finishSamples();
+    settle();
+    EXPECT_THAT(sessionCards()[0], testing::HasSubstr("1 reachable · 2 min ago"));
 }
 
 TEST_F(HistoryPageTest, TheAutomationBlockSwitchesTheRules) {

@@ -27,25 +27,11 @@ protected:
     RemoteHealth& machine = facts.machine;
     RemoteProfile& profile = facts.profile;
 
-    std::string ageAfter(double seconds) { return age({1000.0}, {1000.0 + seconds}).toStdString(); }
     Row processRow(const RemoteProcess& process) {
         machine.topProcesses = {process};
         return processRows(facts).at(0);
     }
 };
-
-TEST_F(RemoteHealthLinesTest, AgeIsRoundedDownAndNeverFreshWhenItIsUnknown) {
-    EXPECT_EQ(ageAfter(0), "just now");
-    EXPECT_EQ(ageAfter(59.9), "just now");
-    EXPECT_EQ(ageAfter(60), "1 min ago");
-    EXPECT_EQ(ageAfter(3599), "59 min ago");
-    EXPECT_EQ(ageAfter(3600), "1 h ago");
-    EXPECT_EQ(ageAfter(86399), "23 h ago");
-    for (const double unknown : {86400.0, -1.0, -1e7}) {
-        EXPECT_THAT(ageAfter(unknown), testing::ContainsRegex("[0-9]:[0-9][0-9]")) << unknown;
-    }
-    EXPECT_NE(ageAfter(86400.0 * 3), age({1000.0}, {1000.0}).toStdString());
-}
 
 TEST_F(RemoteHealthLinesTest, AMachineThatIsNotReachableNeedsAttention) {
     for (const Status status : everyStatus) {
