@@ -11,9 +11,11 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-// Shorter than the 15 minutes between two automatic scans, and longer than a scan spends on sixty
-// machines in a row that do not answer.
-constexpr double longestPauseInScan = 300.0;
+// The points of a scan are stamped one by one, each when its machine answered. Within a scan they
+// are apart by what the scan spends on the machines between them that do not answer.
+constexpr double longestSample = 6.0;  ///< that of one machine, with its deadline of 5 s
+/// Shorter than the 15 minutes between two automatic scans, and enough for fifty machines.
+constexpr double longestPauseInScan = 50 * longestSample;
 constexpr double longestStep = 3 * 900.0;
 
 /// One machine, with the index of its point in each scan that reached it.
@@ -28,6 +30,43 @@ struct Machine {
         return std::max({0.0, last.cpu, last.memory});
     }
 };
+
+using History = std::vector<RemoteHistoryPoint>;
+
+double pauseBefore(const History& history, std::size_t point) {
+    return secondsBetween(history[point - 1].date, history[point].date);
+}
+
+/// Where between `last` and `again`, two points of one machine, a new scan begins: after the
+/// longest pause. If no pause is longer than the sample of one machine, the scans followed each
+/// other at once, and it is taken that the second one reached this machine first.
+std::size_t scanStart(const History& history, std::size_t last, std::size_t again) {
+    std::size_t start = again;
+    double longest = std::max(longestSample, pauseBefore(history, again));
+    for (std::size_t point = again - 1; point > last; --point) {
+        if (pauseBefore(history, point) > longest) {
+            longest = pauseBefore(history, point);
+            start = point;
+        }
+    }
+    return start;
+}
+
+/// The first point of each scan.
+std::vector<std::size_t> scanStarts(const History& history) {
+    std::vector<std::size_t> starts;
+    std::map<std::string_view, std::size_t> lastPoints;
+    for (std::size_t point = 0; point < history.size(); ++point) {
+        const auto [last, isNew] = lastPoints.try_emplace(history[point].hostName, point);
+        if (starts.empty() || pauseBefore(history, point) > longestPauseInScan) {
+            starts.push_back(point);
+        } else if (!isNew && last->second >= starts.back()) {
+            starts.push_back(scanStart(history, last->second, point));
+        }
+        last->second = point;
+    }
+    return starts;
+}
 
 bool needsMoreAttention(const Machine& a, const Machine& b) {
     if (a.lastScan() != b.lastScan()) {
@@ -69,21 +108,18 @@ RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans) {
 RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history) {
     RemoteTimeline timeline;
     std::map<std::string_view, Machine> byName;
-    Date before;
-    for (const RemoteHistoryPoint& point : history) {
-        Machine& machine =
-            byName.try_emplace(point.hostName, Machine{point.hostName}).first->second;
-        const bool isAgain =
-            !machine.points.empty() && machine.lastScan() + 1 == timeline.scans.size();
-        const bool isLate = secondsBetween(before, point.date) > longestPauseInScan;
-        if (timeline.scans.empty() || isAgain || isLate) {
-            if (!timeline.scans.empty() && secondsBetween(before, point.date) > longestStep) {
-                timeline.gaps.push_back(timeline.scans.size());
+    const std::vector<std::size_t> starts = scanStarts(history);
+    for (std::size_t point = 0; point < history.size(); ++point) {
+        const RemoteHistoryPoint& each = history[point];
+        const std::size_t scan = timeline.scans.size();
+        if (scan < starts.size() && starts[scan] == point) {
+            if (point > 0 && pauseBefore(history, point) > longestStep) {
+                timeline.gaps.push_back(scan);
             }
-            timeline.scans.push_back(point.date);
+            timeline.scans.push_back(each.date);
         }
-        machine.points[timeline.scans.size() - 1] = &point;
-        before = point.date;
+        byName.try_emplace(each.hostName, Machine{each.hostName})
+            .first->second.points[timeline.scans.size() - 1] = &each;
     }
     std::vector<Machine> machines;
     for (const auto& [name, machine] : byName) {

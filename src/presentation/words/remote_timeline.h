@@ -34,9 +34,9 @@ struct RemoteTimeline {
 inline constexpr std::size_t mostRemoteLines = 4;
 
 /// `history` comes oldest first, all machines together, and does not say which points are of one
-/// scan: a scan ends where a machine appears again or no point follows within five minutes. Of more
-/// than `mostRemoteLines` machines those remain that the last scan reached, before others, and
-/// whose last CPU or memory is highest. Main thread.
+/// scan: a scan ends at the longest pause before a machine appears again, or where no point follows
+/// within five minutes. Of more than `mostRemoteLines` machines those remain that the last scan
+/// reached, before others, and whose last CPU or memory is highest. Main thread.
 RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history);
 
 /// "12 remote samples retained across recent scans.", or what to do without any.

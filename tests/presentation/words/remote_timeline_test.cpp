@@ -65,6 +65,19 @@ TEST(RemoteTimeline, BeginsAScanWhereAMachineAppearsAgainOrAfterAPause) {
         << "the clock was set back";
 }
 
+TEST(RemoteTimeline, BeginsAScanAfterThePauseBeforeAMachineThatTheScanBeforeDidNotReach) {
+    const RemoteTimeline repaired = remoteTimeline({point(0, "b"), point(60, "a"), point(63, "b")});
+    EXPECT_THAT(starts(repaired), ElementsAre(0, 60));
+    EXPECT_THAT(eachOf(repaired.lines, &RemoteTimelineLine::missing),
+                testing::UnorderedElementsAre(ElementsAre(0), IsEmpty()));
+    EXPECT_THAT(starts(remoteTimeline({point(0, "b"), point(9, "d"), point(40, "a"), point(43, "b"),
+                                       point(50, "c"), point(53, "d")})),
+                ElementsAre(0, 40))
+        << "dead machines in both scans";
+    EXPECT_THAT(starts(remoteTimeline({point(0, "b"), point(4, "c"), point(60, "b")})),
+                ElementsAre(0, 60));
+}
+
 TEST(RemoteTimeline, HasAGapAfterThreeAutomaticScansThatWereNotMade) {
     EXPECT_THAT(remoteTimeline({point(0, "a"), point(45 * minute, "a")}).gaps, IsEmpty());
     EXPECT_THAT(remoteTimeline({point(0, "a"), point(10, "a"), point(10 + 46 * minute, "a")}).gaps,
