@@ -87,6 +87,23 @@ std::vector<GraphPoint> graphLine(const std::vector<double>& values, double widt
     return line;
 }
 
+std::vector<std::size_t> loneGraphPoints(std::size_t count,
+                                         const std::vector<std::size_t>& missing) {
+    std::vector<std::size_t> lone;
+    std::size_t begin = 0;
+    const auto endAt = [&](std::size_t end) {
+        if (end - begin == 1) {
+            lone.push_back(begin);
+        }
+    };
+    for (const std::size_t absent : missing) {
+        endAt(absent);
+        begin = absent + 1;
+    }
+    endAt(count);
+    return lone;
+}
+
 std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness) {
     const std::vector<Span> spans = columnSpans(line);
     const double reach = thickness / 2;
@@ -114,11 +131,31 @@ std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, doubl
     return columns;
 }
 
+void openGraphGaps(std::vector<GraphColumn>& columns, std::size_t count, double width,
+                   const std::vector<std::size_t>& missing) {
+    for (auto first = missing.begin(); first != missing.end();) {
+        auto last = first;
+        while (last + 1 != missing.end() && *(last + 1) == *last + 1) {
+            ++last;
+        }
+        if (*first > 0 && *last + 1 < count) {
+            const double end =
+                std::min(graphX(*last + 1, count, width), static_cast<double>(columns.size()));
+            auto column = static_cast<std::size_t>(std::ceil(graphX(*first - 1, count, width)));
+            for (; static_cast<double>(column + 1) <= end; ++column) {
+                columns[column].half = -columns[column].softness;
+            }
+        }
+        first = last + 1;
+    }
+}
+
 void dashGraphColumns(std::vector<GraphColumn>& columns, double thickness, double dash,
                       double gap) {
     double along = 0;
     for (GraphColumn& column : columns) {
         if (column.half < 0) {
+            along = 0;
             continue;
         }
         // A vertical cut is as much longer than the thickness as the line is than the column.

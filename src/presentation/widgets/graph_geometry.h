@@ -38,13 +38,18 @@ std::optional<std::size_t> nearestGraphPoint(double x, std::size_t count, double
 std::vector<GraphPoint> graphLine(const std::vector<double>& values, double width, double height,
                                   const std::vector<std::size_t>& missing = {});
 
+/// The indexes of those of `count` values that have no measured value beside them, when those at
+/// the indexes `missing`, which ascend, were not measured.
+std::vector<std::size_t> loneGraphPoints(std::size_t count,
+                                         const std::vector<std::size_t>& missing);
+
 /// What a line covers of one column of pixels. A pixel whose middle lies at the height y is covered
 /// by the smallest of three shares: (`half` - |y - `middle`|) / `softness` + 0.5, and the distances
 /// to `top` and to `bottom`, inwards, + 0.5. Below 0 is nothing, above 1 is all of it.
 struct GraphColumn {
     float middle = 0;
-    /// Half of what a vertical cut through the line measures. Negative in the gap of a dashed line
-    /// and before its first point, where nothing is drawn.
+    /// Half of what a vertical cut through the line measures. Negative in the gap of a dashed line,
+    /// where values are missing and before its first point, where nothing is drawn.
     float half = 0;
     /// The height over which an edge of the line crosses the column, at least one pixel.
     float softness = 1;
@@ -60,9 +65,16 @@ struct GraphColumn {
 /// ordered by x; the first column begins at x = 0. Empty for fewer than two points.
 std::vector<GraphColumn> graphColumns(const std::vector<GraphPoint>& line, double thickness);
 
+/// Removes the columns between measured values that are no neighbours from `columns`, which are
+/// those of a line through `count` values without those at the indexes `missing`, which ascend,
+/// spread over `width`.
+void openGraphGaps(std::vector<GraphColumn>& columns, std::size_t count, double width,
+                   const std::vector<std::size_t>& missing);
+
 /// Removes the gaps of a dashed line from `columns`, which are those of a line `thickness` wide. A
-/// dash and the gap behind it have these lengths along the line, in pixels. A column that the line
-/// passes too steeply to lie within one gap remains, so that no peak is lost.
+/// dash and the gap behind it have these lengths along the line, in pixels. Each part of a line
+/// where values are missing begins with a dash. A column that the line passes too steeply to lie
+/// within one gap remains, so that no peak is lost.
 void dashGraphColumns(std::vector<GraphColumn>& columns, double thickness, double dash, double gap);
 
 /// The five heights of the grid, from the top down.

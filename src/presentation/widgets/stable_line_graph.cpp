@@ -26,7 +26,7 @@ constexpr double areaOpacity = 0.1;
 constexpr double ruleWidth = 1;
 constexpr double dashLength = 4;
 constexpr double lineWidth = 2;
-// A line through one point has no length, so the point is marked with a dot.
+// A line through one point has no length, so a point without a neighbour is marked with a dot.
 constexpr double lonePointSize = 6;
 // Around the canvas: one pixel of a line along its edge, and the focus ring.
 constexpr int overhang = 3;
@@ -49,10 +49,6 @@ bool isDashed(std::size_t series) {
 Dashes dashesOf(std::size_t series) {
     constexpr std::array dashes{Dashes{7, 4, 6, 4}, Dashes{2, 3, 2.5, 2}, Dashes{14, 4, 11, 2}};
     return isDashed(series) ? dashes[(series - 1) % dashes.size()] : Dashes{0, 0, swatchWidth, 1};
-}
-
-std::vector<GraphPoint> lineOf(const StableGraphSeries& series, QSizeF canvas) {
-    return graphLine(series.values, canvas.width(), canvas.height(), series.missing);
 }
 
 }  // namespace
@@ -89,6 +85,10 @@ void StableLineGraph::setSeries(std::vector<StableGraphSeries> series, GraphTime
                        return a.id == b.id && a.color == b.color;
                    });
     series_ = std::move(series);
+    lonePoints_.clear();
+    for (const StableGraphSeries& each : series_) {
+        lonePoints_.push_back(loneGraphPoints(each.values.size(), each.missing));
+    }
     cursor_ = cursorAmong(times, pointCount());
     times_ = std::move(times);
     timeLabels_ = graphTimeLabels(times_.seconds, canvasRect().width(), timeFormats_, timeLabels_);
@@ -236,7 +236,10 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
     std::vector<std::vector<GraphColumn>> lines;
     lines.reserve(series_.size());
     for (const StableGraphSeries& series : series_) {
-        lines.push_back(graphColumns(lineOf(series, canvas.size()), lineWidth * ratio));
+        lines.push_back(
+            graphColumns(graphLine(series.values, canvas.width(), canvas.height(), series.missing),
+                         lineWidth * ratio));
+        openGraphGaps(lines.back(), series.values.size(), canvas.width(), series.missing);
         if (isDashed(lines.size() - 1)) {
             const Dashes dashes = dashesOf(lines.size() - 1);
             dashGraphColumns(lines.back(), lineWidth * ratio, dashes.length * ratio,
@@ -267,8 +270,9 @@ void StableLineGraph::paintCanvas(QPainter& painter, const CrestTheme& theme) {
                                      areaOpacity);
             }
             drawGraphColumns(part_, lines[i], partOrigin, color);
-            if (series_[i].values.size() == series_[i].missing.size() + 1) {
-                paintLonePoint(part_, canvas.translated(-left, 0), ratio, series_[i], theme);
+            if (!lonePoints_[i].empty()) {
+                paintLonePoints(part_, canvas.translated(-left, 0), ratio, series_[i],
+                                lonePoints_[i], theme);
             }
         }
         const int used = std::min(partWidth, width - left);
@@ -330,17 +334,26 @@ void StableLineGraph::paintCursor(QPainter& painter, const CrestTheme& theme) co
     }
 }
 
-void StableLineGraph::paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
-                                     const StableGraphSeries& series, const CrestTheme& theme) {
+void StableLineGraph::paintLonePoints(QImage& part, const QRectF& canvas, double ratio,
+                                      const StableGraphSeries& series,
+                                      const std::vector<std::size_t>& points,
+                                      const CrestTheme& theme) {
     const double radius = lonePointSize * ratio / 2;
-    GraphPoint point = lineOf(series, canvas.size()).front();
-    // Inside the edge of the canvas, which would otherwise cut the dot in half.
-    point.x = std::max(std::min(point.x, canvas.width() - radius), radius);
     QPainter painter(&part);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(series.color.in(theme));
-    painter.drawEllipse(canvas.topLeft() + QPointF(point.x, point.y), radius, radius);
+    for (const std::size_t point : points) {
+        // Inside the edge of the canvas, which would otherwise cut the dot in half.
+        const double x = std::max(
+            std::min(graphX(point, series.values.size(), canvas.width()), canvas.width() - radius),
+            radius);
+        const double left = canvas.left() + x - radius;
+        if (left < part.width() && left + 2 * radius > 0) {
+            const double y = graphY(series.values[point], canvas.height());
+            painter.drawEllipse(canvas.topLeft() + QPointF(x, y), radius, radius);
+        }
+    }
 }
 
 }  // namespace tallowcrest

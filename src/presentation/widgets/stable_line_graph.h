@@ -26,8 +26,8 @@ struct StableGraphSeries {
     /// In percent, oldest first. Drawn clamped to 0 to 100; a value that is not finite as 0.
     std::vector<double> values;
     bool fillsArea = false;
-    /// The indexes of values that were not measured, ascending. The line crosses them, and begins
-    /// and ends with the values that were. None for a series with an area.
+    /// The indexes of values that were not measured, ascending. The line is interrupted there,
+    /// and a value between two such ones is a dot. None for a series with an area.
     std::vector<std::size_t> missing = {};
 };
 
@@ -128,13 +128,15 @@ private:
     /// The layers below the series, in physical pixels.
     std::vector<GraphRule> canvasRules(const QRectF& canvas, double ratio,
                                        const CrestTheme& theme) const;
-    static void paintLonePoint(QImage& part, const QRectF& canvas, double ratio,
-                               const StableGraphSeries& series, const CrestTheme& theme);
+    static void paintLonePoints(QImage& part, const QRectF& canvas, double ratio,
+                                const StableGraphSeries& series,
+                                const std::vector<std::size_t>& points, const CrestTheme& theme);
 
     std::function<QString(double)> percent_;
     std::array<QString, 3> scale_;  ///< the texts of 0, 50 and 100 percent
     GraphTimeFormats timeFormats_;
     std::vector<StableGraphSeries> series_;
+    std::vector<std::vector<std::size_t>> lonePoints_;  ///< of each series
     GraphTimes times_;
     std::vector<GraphTimeLabel> timeLabels_;
     /// The gaps that the description names, from and to, and the words for them.

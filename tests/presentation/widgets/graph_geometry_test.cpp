@@ -43,6 +43,38 @@ TEST(GraphLine, OmitsMissingValuesAndKeepsThePlacesOfTheOthers) {
     EXPECT_THAT(graphLine({0, 0}, 200, 80, {0, 1}), IsEmpty());
 }
 
+TEST(LoneGraphPoints, HaveNoMeasuredValueBesideThem) {
+    EXPECT_THAT(loneGraphPoints(5, {}), IsEmpty());
+    EXPECT_THAT(loneGraphPoints(1, {}), ElementsAre(0));
+    EXPECT_THAT(loneGraphPoints(0, {}), IsEmpty());
+    EXPECT_THAT(loneGraphPoints(7, {1, 4, 5}), ElementsAre(0, 6));
+    EXPECT_THAT(loneGraphPoints(3, {0, 2}), ElementsAre(1));
+    EXPECT_THAT(loneGraphPoints(2, {0, 1}), IsEmpty());
+}
+
+TEST(OpenGraphGaps, RemoveWhatLiesBetweenValuesThatAreNoNeighbours) {
+    const auto drawn = [](std::size_t count, const std::vector<std::size_t>& missing) {
+        constexpr double width = 12;
+        const std::vector<double> values(count, 50.0);
+        auto columns = graphColumns(graphLine(values, width, 80, missing), 2);
+        openGraphGaps(columns, count, width, missing);
+        dashGraphColumns(columns, 2, 3, 1);
+        std::string picture;
+        for (const GraphColumn& column : columns) {
+            picture += column.half > 0 ? '#' : ' ';
+        }
+        return picture;
+    };
+    EXPECT_EQ(drawn(5, {}), "### ### ### ");
+    EXPECT_EQ(drawn(7, {3}), "###     ### ") << "a part begins with a dash";
+    EXPECT_EQ(drawn(7, {2, 3, 4}), "##        ##");
+    EXPECT_EQ(drawn(7, {0, 3, 6}), "  ##    ##") << "nor before the first and after the last";
+    EXPECT_EQ(drawn(3, {1}), std::string(12, ' '));
+    EXPECT_EQ(drawn(25, {9}), "###  ### ###");
+    EXPECT_EQ(drawn(25, {8}), "### ### ### ") << "only whole pixels";
+    EXPECT_EQ(drawn(2, {0, 1}), "");
+}
+
 TEST(GraphColumns, AreEqualForALevelLine) {
     const GraphColumn column{.middle = 5, .half = 1, .softness = 1, .top = 4, .bottom = 6};
     EXPECT_THAT(graphColumns({{0, 5}, {3, 5}}, 2), ElementsAre(column, column, column));

@@ -109,18 +109,30 @@ TEST_F(StableLineGraphTest, DrawsOneValueAsAVisibleDot) {
     }
 }
 
-TEST_F(StableLineGraphTest, DrawsALineFromItsFirstToItsLastMeasuredValueAcrossTheOthers) {
-    graph_.setSeries({{u"Air"_s, lineColor, {0, 50, 0, 50, 0}, false, {0, 2, 4}}});
+TEST_F(StableLineGraphTest, LeavesAGapWhereValuesAreMissing) {
+    graph_.setSeries({{u"Air"_s, lineColor, {0, 50, 50, 0, 0, 50, 50, 0}, false, {0, 3, 4, 7}}});
     const QImage image = painted();
-    EXPECT_TRUE(lineNear(image, at(0.26, 50)));
-    EXPECT_TRUE(lineNear(image, at(0.5, 50))) << "across a missing value";
-    EXPECT_TRUE(lineNear(image, at(0.74, 50)));
-    for (const double outside : {0.0, 0.1, 0.2, 0.8, 0.9, 1.0}) {
+    for (const double within : {1.05 / 7, 1.5 / 7, 1.95 / 7, 5.05 / 7, 5.5 / 7, 5.95 / 7}) {
+        EXPECT_TRUE(lineNear(image, at(within, 50))) << within;
+    }
+    for (const double outside : {0.0, 0.5 / 7, 2.2 / 7, 3.0 / 7, 3.5 / 7, 4.8 / 7, 6.2 / 7, 1.0}) {
         EXPECT_FALSE(lineNear(image, at(outside, 50))) << outside;
         EXPECT_FALSE(lineNear(image, at(outside, 0))) << outside;
     }
+}
+
+TEST_F(StableLineGraphTest, DrawsADotForAValueBetweenMissingOnes) {
+    graph_.setSeries({{u"Air"_s, lineColor, {50, 0, 50, 0, 50}, false, {1, 3}}});
+    const QImage image = painted();
+    for (const double dot : {0.0, 0.5, 1.0}) {
+        EXPECT_TRUE(lineNear(image, at(dot, 50))) << dot;
+    }
+    EXPECT_TRUE(lineNear(image, at(0.5, 50) + QPoint(0, 4))) << "thicker than a line";
+    for (const double outside : {0.05, 0.25, 0.45, 0.55, 0.75, 0.95}) {
+        EXPECT_FALSE(lineNear(image, at(outside, 50))) << outside;
+    }
     graph_.setSeries({{u"Air"_s, lineColor, {0, 0, 50}, false, {0, 1}}});
-    EXPECT_TRUE(lineNear(painted(), at(0.99, 50))) << "a dot for one value, within the canvas";
+    EXPECT_TRUE(lineNear(painted(), at(0.99, 50))) << "within the canvas";
     EXPECT_FALSE(lineNear(painted(), at(0.5, 50)));
 }
 
