@@ -26,6 +26,7 @@ constexpr std::array<QColor CrestTheme::*, mostRemoteLines> lineColors{
 
 QWidget* titled(const QString& title, StableLineGraph* graph) {
     auto* part = new QWidget;
+    setSpokenName(*part, title);
     auto* layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing::unit);
@@ -51,8 +52,6 @@ RemoteTimelineCard::RemoteTimelineCard(const QString& identifier, QWidget* paren
     graphs_ = new CardGrid(narrowestGraph, this);
     memory_ = makeTimelineGraph(identifier + u".memory"_s, graphs_);
     cpu_ = makeTimelineGraph(identifier + u".cpu"_s, graphs_);
-    setSpokenName(*memory_, u"Performance graph: Memory"_s);
-    setSpokenName(*cpu_, u"Performance graph: CPU"_s);
     graphs_->addCard(titled(u"Memory"_s, memory_));
     graphs_->addCard(titled(u"CPU"_s, cpu_));
     graphs_->setShownCount(2);

@@ -1,6 +1,7 @@
 #include "presentation/screens/shared/remote_timeline_card.h"
 
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -46,6 +47,11 @@ TEST_F(RemoteTimelineCardTest, ShowsALinePerMachineForMemoryAndForCPU) {
     EXPECT_THAT(texts(card), Contains("3 remote samples retained across recent scans."));
     EXPECT_EQ(said("remote.timeline.memory"), "mini 60 percent, air 41 percent");
     EXPECT_EQ(said("remote.timeline.cpu"), "mini 30 percent, air 12 percent");
+    for (const auto& [graph, part] :
+         {std::pair{"remote.timeline.memory", u"Memory"_s}, {"remote.timeline.cpu", u"CPU"_s}}) {
+        EXPECT_EQ(visible(graph)->accessibleName(), u"Performance graph"_s);
+        EXPECT_EQ(visible(graph)->parentWidget()->accessibleName(), part);
+    }
     add(1800, "air", 90, 95);
     card.show(history, Date{1900});
     EXPECT_EQ(said("remote.timeline.memory"),
