@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <string_view>
+#include <utility>
 
 #include "presentation/words/dashboard_text.h"
 
@@ -105,7 +106,8 @@ RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans) {
 
 }  // namespace
 
-RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history) {
+RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
+                              std::string_view selectedHost) {
     RemoteTimeline timeline;
     std::map<std::string_view, Machine> byName;
     const std::vector<std::size_t> starts = scanStarts(history);
@@ -127,6 +129,12 @@ RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history) {
     }
     std::ranges::sort(machines, needsMoreAttention);
     const std::size_t shown = std::min(machines.size(), mostRemoteLines);
+    const auto selected = std::ranges::find(machines, selectedHost, &Machine::hostName);
+    if (!selectedHost.empty() && selected != machines.end() &&
+        std::cmp_greater_equal(selected - machines.begin(), shown)) {
+        std::swap(machines[shown - 1], *selected);
+        timeline.showsSelected = true;
+    }
     for (std::size_t i = 0; i < shown; ++i) {
         timeline.lines.push_back(lineOf(machines[i], timeline.scans.size()));
     }
@@ -146,14 +154,21 @@ QString lastRemoteSample(const std::vector<RemoteHistoryPoint>& history, Date no
                : u"Last sample "_s + dashboard_text::shortTimeText(history.back().date, now);
 }
 
-QString remoteMachinesLeftOut(std::size_t machines) {
-    if (machines == 0) {
+QString remoteMachinesLeftOut(const RemoteTimeline& timeline) {
+    if (timeline.machinesLeftOut == 0) {
         return {};
     }
-    const QString shown = dashboard_text::count(static_cast<std::int64_t>(mostRemoteLines));
-    const QString rest = dashboard_text::count(static_cast<std::int64_t>(machines));
-    return u"Shows the %1 machines with the highest load. "_s.arg(shown) +
-           (machines == 1 ? u"1 more is not drawn."_s : u"%1 more are not drawn."_s.arg(rest));
+    const auto number = [](std::size_t machines) {
+        return dashboard_text::count(static_cast<std::int64_t>(machines));
+    };
+    const QString shown =
+        timeline.showsSelected
+            ? u"Shows the selected machine and the %1 with the highest load. "_s.arg(
+                  number(mostRemoteLines - 1))
+            : u"Shows the %1 machines with the highest load. "_s.arg(number(mostRemoteLines));
+    return shown + (timeline.machinesLeftOut == 1
+                        ? u"1 more is not drawn."_s
+                        : u"%1 more are not drawn."_s.arg(number(timeline.machinesLeftOut)));
 }
 
 }  // namespace tallowcrest

@@ -98,6 +98,24 @@ TEST(RemoteTimeline, ShowsTheMostLoadedMachinesOfTheLastScanFirst) {
     EXPECT_EQ(timeline.machinesLeftOut, 0U);
 }
 
+TEST(RemoteTimeline, AlwaysShowsTheSelectedMachine) {
+    std::vector<RemoteHistoryPoint> history;
+    for (const char* name : {"a", "b", "c", "d", "e", "f"}) {
+        history.push_back(point(static_cast<double>(history.size()), name));
+    }
+    RemoteTimeline timeline = remoteTimeline(history, "f");
+    EXPECT_THAT(names(timeline), ElementsAre("a", "b", "c", "f"));
+    EXPECT_TRUE(timeline.showsSelected);
+    EXPECT_EQ(timeline.machinesLeftOut, 2U);
+    for (const char* other : {"", "gone", "b", "d"}) {
+        timeline = remoteTimeline(history, other);
+        EXPECT_THAT(names(timeline), ElementsAre("a", "b", "c", "d")) << other;
+        EXPECT_FALSE(timeline.showsSelected) << other;
+    }
+    EXPECT_THAT(names(remoteTimeline({point(0, "a"), point(1, "b")}, "b")), ElementsAre("a", "b"));
+    EXPECT_THAT(names(remoteTimeline({}, "b")), IsEmpty());
+}
+
 TEST(RemoteTimeline, BoundsNamesAndKeepsThemOnOneLine) {
     EXPECT_THAT(names(remoteTimeline({point(0, "a\nb\u202Ec<b>")})),
                 ElementsAre("a\uFFFDb\uFFFDc<b>"));
@@ -116,11 +134,13 @@ TEST(RemoteTimeline, IsToldInWords) {
               "Run a remote scan to begin tracking remote CPU and memory trends.");
     EXPECT_EQ(remoteSamplesRetained(1), "1 remote samples retained across recent scans.");
     EXPECT_EQ(remoteSamplesRetained(720), "720 remote samples retained across recent scans.");
-    EXPECT_EQ(remoteMachinesLeftOut(0), "");
-    EXPECT_EQ(remoteMachinesLeftOut(1),
+    EXPECT_EQ(remoteMachinesLeftOut({}), "");
+    EXPECT_EQ(remoteMachinesLeftOut({.machinesLeftOut = 1}),
               "Shows the 4 machines with the highest load. 1 more is not drawn.");
-    EXPECT_EQ(remoteMachinesLeftOut(1200),
+    EXPECT_EQ(remoteMachinesLeftOut({.machinesLeftOut = 1200}),
               "Shows the 4 machines with the highest load. 1,200 more are not drawn.");
+    EXPECT_EQ(remoteMachinesLeftOut({.machinesLeftOut = 1, .showsSelected = true}),
+              "Shows the selected machine and the 3 with the highest load. 1 more is not drawn.");
     EXPECT_EQ(lastRemoteSample({}, Date{0}), "");
     const std::vector<RemoteHistoryPoint> history{point(0, "a"), point(3600, "b")};
     const std::string sameDay = lastRemoteSample(history, Date{3600}).toStdString();

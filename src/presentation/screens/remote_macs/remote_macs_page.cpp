@@ -201,7 +201,7 @@ void RemoteMacsPage::refresh() {
     area_->keepInPlace(partToKeep());
     const TailnetState& tailnet = monitor_.remote().tailnet.state();
     refreshSummary();
-    timeline_->show(monitor_.remote().scan.remoteHistory(), monitor_.services().clock.now());
+    refreshTimeline();
     refreshDetail();
     tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
     tailscale_->show(tailnet.tailDevices,
@@ -230,6 +230,16 @@ void RemoteMacsPage::refreshSummary() {
          .lines = remote_macs_lines::attentionLines(machines)});
     summary_->show(
         remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
+}
+
+void RemoteMacsPage::refreshTimeline() {
+    const RemoteScan& scan = monitor_.remote().scan;
+    const std::vector<RemoteHealth>& machines = scan.state().remoteHealth;
+    // Not the first machine, which Remote Detail shows while none is selected.
+    const auto selected =
+        std::ranges::find(machines, state_.navigation.selectedRemoteID(), &RemoteHealth::id);
+    timeline_->show(scan.remoteHistory(), monitor_.services().clock.now(),
+                    selected != machines.end() ? selected->hostName : std::string());
 }
 
 void RemoteMacsPage::refreshDetail() {

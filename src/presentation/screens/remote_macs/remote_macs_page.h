@@ -49,6 +49,7 @@ private:
     void carryOut(RemoteOperation operation, const RemoteHealth& machine);
     void inspect(const RemoteHealth& machine);
     void refreshSummary();
+    void refreshTimeline();
     void refreshDetail();
     void refreshMachines();
     /// Null without a scan.

@@ -60,8 +60,9 @@ RemoteTimelineCard::RemoteTimelineCard(const QString& identifier, QWidget* paren
     show({}, {});
 }
 
-void RemoteTimelineCard::show(const std::vector<RemoteHistoryPoint>& history, Date now) {
-    Shown shown{history.size(), {}, dashboard_text::localDay(now)};
+void RemoteTimelineCard::show(const std::vector<RemoteHistoryPoint>& history, Date now,
+                              const std::string& selectedHost) {
+    Shown shown{history.size(), {}, dashboard_text::localDay(now), selectedHost};
     if (!history.empty()) {
         shown.last = history.back().id;
     }
@@ -72,7 +73,7 @@ void RemoteTimelineCard::show(const std::vector<RemoteHistoryPoint>& history, Da
     setCaption(lastRemoteSample(history, now));
     retained_->setText(remoteSamplesRetained(history.size()));
     graphs_->setVisible(!history.empty());
-    showLines(remoteTimeline(history));
+    showLines(remoteTimeline(history, selectedHost));
 }
 
 void RemoteTimelineCard::showLines(const RemoteTimeline& timeline) {
@@ -91,7 +92,7 @@ void RemoteTimelineCard::showLines(const RemoteTimeline& timeline) {
     };
     setLines(*memory_, &RemoteTimelineLine::memory);
     setLines(*cpu_, &RemoteTimelineLine::cpu);
-    leftOut_->setText(remoteMachinesLeftOut(timeline.machinesLeftOut));
+    leftOut_->setText(remoteMachinesLeftOut(timeline));
     leftOut_->setVisible(timeline.machinesLeftOut > 0);
 }
 

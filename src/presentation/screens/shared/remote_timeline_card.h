@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/date.h"
@@ -23,15 +24,18 @@ public:
     /// The object names begin with `identifier`.
     explicit RemoteTimelineCard(const QString& identifier, QWidget* parent = nullptr);
 
-    /// `history` comes oldest first, all machines together. Does nothing while it has no new point
-    /// and `now` is on the same day.
-    void show(const std::vector<RemoteHistoryPoint>& history, Date now);
+    /// `history` comes oldest first, all machines together. The machine `selectedHost` is always
+    /// among those that are drawn; empty for none. Does nothing while `history` has no new point,
+    /// `now` is on the same day and the rest is the same.
+    void show(const std::vector<RemoteHistoryPoint>& history, Date now,
+              const std::string& selectedHost = {});
 
 private:
     struct Shown {
         std::size_t count = 0;
         std::optional<UUID> last = {};
         std::int64_t day = 0;
+        std::string selectedHost = {};
 
         bool operator==(const Shown&) const = default;
     };

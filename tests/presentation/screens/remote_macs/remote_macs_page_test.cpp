@@ -79,6 +79,22 @@ TEST_F(RemoteMacsPageTest, AScanFillsSummaryDetailAndBlocks) {
     EXPECT_TRUE(blocks()[2]->isExpanded()) << "its memory is above the threshold";
 }
 
+TEST_F(RemoteMacsPageTest, TheInspectedMachineIsInTheTimeline) {
+    showPage();
+    std::vector<RemoteHealth> machines = fleetHealth(6, 0, machine.clock.now());
+    for (RemoteHealth& each : machines) {
+        each.cpuPercent = each.memoryPercent = each.hostName == "mac-5" ? 1.0 : 50.0;
+    }
+    finishScan(machines);
+    const auto drawn = [this] {
+        return visible("remote.timeline.memory")->accessibleDescription().toStdString();
+    };
+    EXPECT_THAT(drawn(), testing::Not(HasSubstr("mac-5")));
+    window().state().navigation.setSelectedRemoteID(machines[4].id);
+    settle();
+    EXPECT_THAT(drawn(), HasSubstr("mac-5 1 percent"));
+}
+
 TEST_F(RemoteMacsPageTest, TheDetailsOfAFewMachinesAreOpen) {
     showPage();
     finishScan(1, 0);

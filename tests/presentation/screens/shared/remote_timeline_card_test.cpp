@@ -71,6 +71,11 @@ TEST_F(RemoteTimelineCardTest, NamesTheCountOfTheMachinesThatItDoesNotDraw) {
                                       "drawn."));
     EXPECT_THAT(said("remote.timeline.memory"), HasSubstr("mac3"));
     EXPECT_THAT(said("remote.timeline.memory"), Not(HasSubstr("mac2")));
+    card.show(history, Date{10}, "mac1");
+    EXPECT_THAT(said("remote.timeline.memory"), HasSubstr("mac1"));
+    EXPECT_THAT(said("remote.timeline.memory"), Not(HasSubstr("mac3")));
+    EXPECT_THAT(texts(card), Contains("Shows the selected machine and the 3 with the highest load. "
+                                      "3 more are not drawn."));
 }
 
 TEST_F(RemoteTimelineCardTest, IsNotPaintedAgainWithoutANewPoint) {
