@@ -96,7 +96,7 @@ QString moreAttention(std::size_t lines) {
                      count(static_cast<std::int64_t>(lines - mostAttentionLines)));
 }
 
-QString scanProgress(const RemoteScanState& scan) {
+QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned) {
     if (!scan.remoteScanInProgress) {
         return {};
     }
@@ -104,13 +104,13 @@ QString scanProgress(const RemoteScanState& scan) {
         return u"Beginning the scan"_s;
     }
     const auto& [number, all, hostName] = *scan.progress;
-    return u"Scanning %1, %2 of %3"_s.arg(bounded(hostName),
+    return u"Scanning %1, %2 of %3"_s.arg(displayName({.hostName = hostName}, scanned),
                                           count(static_cast<std::int64_t>(number)),
                                           count(static_cast<std::int64_t>(all)));
 }
 
-QString scanState(const RemoteScanState& scan, Date now) {
-    const QString progress = scanProgress(scan);
+QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Date now) {
+    const QString progress = scanProgress(scan, scanned);
     if (scan.remoteHealth.empty()) {
         return scan.remoteScanInProgress ? progress : u"Not scanned yet"_s;
     }
@@ -141,7 +141,7 @@ DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now) {
     }
     const auto& [machine, profile] = *shown;
     const QString status = text(title(machine.status));
-    return {.heading = u"Remote Detail: "_s + text(machine.hostName),
+    return {.heading = u"Remote Detail: "_s + displayName(machine, profile),
             .facts = {{u"Profile"_s,
                        profile.nickname.empty() ? u"No nickname"_s : text(profile.nickname),
                        profile.role.empty() ? u"No role"_s : text(profile.role)},

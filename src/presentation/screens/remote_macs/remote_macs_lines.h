@@ -45,10 +45,11 @@ inline constexpr std::size_t mostAttentionLines = 5;
 /// What stands below the lines when there are more than `mostAttentionLines`; else empty.
 QString moreAttention(std::size_t lines);
 
-/// When the machines were scanned, or how far the running scan is.
-QString scanState(const RemoteScanState& scan, Date now);
+/// When the machines were scanned, or how far the running scan is. `scanned` is the profile of the
+/// machine that it is at.
+QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Date now);
 /// "Scanning studio-mac, 3 of 12"; empty while no scan runs.
-QString scanProgress(const RemoteScanState& scan);
+QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned);
 
 /// "Reachable", "Known Peers" and "Highest Memory", in this order.
 std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers);

@@ -204,8 +204,8 @@ void RemoteMacsPage::refresh() {
     refreshTimeline();
     refreshDetail();
     tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
-    tailscale_->show(tailnet.tailDevices,
-                     remote_macs_lines::scanProgress(monitor_.remote().scan.state()));
+    tailscale_->show(tailnet.tailDevices, remote_macs_lines::scanProgress(
+                                              monitor_.remote().scan.state(), scannedProfile()));
     localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
     localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
     refreshMachines();
@@ -224,7 +224,8 @@ void RemoteMacsPage::refreshSummary() {
     attention_->show(
         {.summary = monitor_.sample().snapshot() ? remote_macs_lines::attention(scan.remoteHealth)
                                                  : u"Sampling this Mac..."_s,
-         .scanState = remote_macs_lines::scanState(scan, monitor_.services().clock.now()),
+         .scanState =
+             remote_macs_lines::scanState(scan, scannedProfile(), monitor_.services().clock.now()),
          .isScanned = !scan.remoteHealth.empty(),
          .hasUnreachable = remote_macs_lines::unreachableCount(scan.remoteHealth) > 0,
          .lines = remote_macs_lines::attentionLines(machines)});
@@ -269,6 +270,12 @@ void RemoteMacsPage::refreshMachines() {
                          .showsDetails = scanned.size() <= fewMachines});
     }
     machines_->show(facts);
+}
+
+RemoteProfile RemoteMacsPage::scannedProfile() const {
+    const Remote& remote = monitor_.remote();
+    const auto& progress = remote.scan.state().progress;
+    return progress ? remote.profiles.remoteProfile(progress->hostName) : RemoteProfile{};
 }
 
 const RemoteHealth* RemoteMacsPage::selectedMachine() const {

@@ -52,6 +52,8 @@ private:
     void refreshTimeline();
     void refreshDetail();
     void refreshMachines();
+    /// The profile of the machine that the running scan is at.
+    RemoteProfile scannedProfile() const;
     /// Null without a scan.
     const RemoteHealth* selectedMachine() const;
     /// Starts a scan, or shows how far the running one is.

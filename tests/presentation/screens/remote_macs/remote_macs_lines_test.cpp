@@ -92,19 +92,20 @@ TEST_F(RemoteMacsLinesTest, LinesThatAreNotShownAreCounted) {
 
 TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
     RemoteScanState scan;
-    EXPECT_EQ(macs::scanProgress(scan), QString());
-    EXPECT_EQ(macs::scanState(scan, now), u"Not scanned yet"_s);
+    EXPECT_EQ(macs::scanProgress(scan, {}), QString());
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Not scanned yet"_s);
     scan.remoteScanInProgress = true;
-    EXPECT_EQ(macs::scanState(scan, now), u"Beginning the scan"_s);
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Beginning the scan"_s);
     scan.progress = RemoteScanProgress{3, 12, "studio\nmac"};
-    EXPECT_EQ(macs::scanProgress(scan), u"Scanning studio\uFFFDmac, 3 of 12"_s);
-    EXPECT_EQ(macs::scanState(scan, now), macs::scanProgress(scan));
+    EXPECT_EQ(macs::scanProgress(scan, {}), u"Scanning studio\uFFFDmac, 3 of 12"_s);
+    EXPECT_EQ(macs::scanProgress(scan, {.nickname = "Big"}), u"Scanning Big, 3 of 12"_s);
+    EXPECT_EQ(macs::scanState(scan, {.nickname = "Big"}, now), u"Scanning Big, 3 of 12"_s);
     scan = {};
     scan.remoteHealth = {machine("a", Status::reachable), machine("b", Status::reachable)};
     scan.remoteHealth[1].sampledAt = {now.secondsSinceReference - 600.0};
-    EXPECT_EQ(macs::scanProgress(scan), QString());
-    EXPECT_EQ(macs::scanState(scan, now), u"Last scan: just now"_s);
-    EXPECT_EQ(macs::scanState(scan, {now.secondsSinceReference + 120.0}),
+    EXPECT_EQ(macs::scanProgress(scan, {}), QString());
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now"_s);
+    EXPECT_EQ(macs::scanState(scan, {}, {now.secondsSinceReference + 120.0}),
               u"Last scan: 2 min ago"_s);
     scan.remoteScanInProgress = true;
     scan.progress = RemoteScanProgress{1, 2, "a"};
@@ -147,7 +148,7 @@ TEST_F(RemoteMacsLinesTest, TheDetailTellsProfileStatusAndLoad) {
     studio.sampledAt = {now.secondsSinceReference - 130.0};
     const auto known =
         macs::detail(ProfiledMachine{studio, {.nickname = "Big", .role = "render"}}, now);
-    EXPECT_EQ(known.heading, u"Remote Detail: studio"_s);
+    EXPECT_EQ(known.heading, u"Remote Detail: Big"_s);
     EXPECT_THAT(known.facts,
                 ElementsAre(SummaryTexts{u"Profile"_s, u"Big"_s, u"render"_s},
                             SummaryTexts{u"Status"_s, u"Reachable"_s, u"Checked 2 min ago"_s},
