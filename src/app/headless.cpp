@@ -84,6 +84,9 @@ private:
             isScanning_ = outcome.isAccepted();
             if (!isScanning_) {
                 complain(outcome.message);
+                for (const auto& issue : monitor.remote().tailnet.state().tailscaleHealthIssues) {
+                    complain(printableText(issue).text);
+                }
                 finish(EXIT_SUCCESS);
             }
             return;

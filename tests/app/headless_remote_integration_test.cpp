@@ -18,7 +18,8 @@ TEST(HeadlessRemote, WithoutATailnetSaysSoAndEnds) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError,
-              "tallowcrest: No online Tailscale Macs are available to scan.\n");
+              "tallowcrest: No online Tailscale Macs are available to scan.\n"
+              "tallowcrest: Tailscale CLI was not found at /usr/bin/tailscale.\n");
 }
 
 }  // namespace

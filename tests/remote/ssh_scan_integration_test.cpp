@@ -136,8 +136,8 @@ TEST_F(SshScan, NamesAKeyThatIsRefused) {
     const RemoteHealth record = scanOne(machine);
     expectFailure(record, Status::authNeeded);
     EXPECT_EQ(record.recommendation,
-              "Remote Login is reachable, but this Mac's SSH key is not authorized for this host. "
-              "Add your public key or enable key access.");
+              "The SSH server is reachable, but this Mac's SSH key is not authorized for this "
+              "host. Add your public key or enable key access.");
     EXPECT_THAT(record.setupHint, HasSubstr("not authorized for " + record.address + "."));
 }
 
@@ -168,8 +168,8 @@ TEST_F(SshScan, NamesAClosedPort) {
     const RemoteHealth record = scanOne(device("attic", "100.64.9.9"));
     expectFailure(record, Status::connectionBlocked);
     EXPECT_EQ(record.setupHint,
-              "On the remote Mac, enable System Settings > General > Sharing > Remote Login, then "
-              "retry 100.64.9.9.");
+              "On the remote machine, make sure that an SSH server such as openssh-server runs and "
+              "that port 22 is open, then retry 100.64.9.9.");
 }
 
 TEST_F(SshScan, NamesAMachineThatDoesNotAnswer) {
@@ -195,7 +195,7 @@ TEST_F(SshScan, EndsTheSecureShellAtTheDeadline) {
     const RemoteHealth record = withAnswer("SSH-2.0-OpenSSH_9.2\r\n", false);
     expectFailure(record, Status::unknown);
     EXPECT_TRUE(launcher.launches.at(0).result.deadlinePassed);
-    EXPECT_THAT(record.setupHint, StartsWith("Confirm the remote Mac is awake"));
+    EXPECT_THAT(record.setupHint, StartsWith("Confirm the remote machine is awake"));
 }
 
 TEST_F(SshScan, EndsTheSecureShellWhenTheProgramEnds) {

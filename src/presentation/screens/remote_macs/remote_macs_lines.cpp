@@ -69,12 +69,13 @@ QString attention(const std::vector<RemoteHealth>& machines) {
 }
 
 std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines) {
-    std::vector<AttentionLine> lines;
+    std::vector<AttentionLine> unreachable;
     std::vector<std::pair<double, AttentionLine>> pressed;
     for (const ProfiledMachine& each : machines) {
         if (!isReachable(each.machine)) {
-            lines.push_back({each.machine.id, displayName(each.machine, each.profile),
-                             text(title(each.machine.status)), text(each.machine.recommendation)});
+            unreachable.push_back({each.machine.id, displayName(each.machine, each.profile),
+                                   text(title(each.machine.status)),
+                                   text(each.machine.recommendation)});
         } else if (const auto high = pressure(each)) {
             pressed.push_back({high->percent,
                                {each.machine.id, displayName(each.machine, each.profile),
@@ -83,9 +84,11 @@ std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& ma
     }
     std::ranges::stable_sort(pressed, std::ranges::greater(),
                              [](const auto& each) { return each.first; });
+    std::vector<AttentionLine> lines;
     for (auto& [percent, line] : pressed) {
         lines.push_back(std::move(line));
     }
+    std::ranges::move(unreachable, std::back_inserter(lines));
     return lines;
 }
 
@@ -165,7 +168,8 @@ PeerLine peerLine(const TailDevice& peer) {
     line.place = bounded(peer.os) + u" · "_s +
                  (peer.addresses.empty() ? u"no address"_s : bounded(peer.addresses.front()));
     if (peer.active || peer.inMagicSock) {
-        line.path = PeerPath::active;
+        // The client keeps the path of a peer for some time after it went offline.
+        line.path = peer.online ? PeerPath::active : PeerPath::offline;
         line.pathText =
             u"Tailscale path: "_s + (!peer.currentAddress.empty() ? bounded(peer.currentAddress)
                                      : !peer.relay.empty() ? u"relay "_s + bounded(peer.relay)

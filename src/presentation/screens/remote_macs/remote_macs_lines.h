@@ -38,8 +38,9 @@ struct AttentionLine {
     bool operator==(const AttentionLine&) const = default;
 };
 
-/// The machines that could not be sampled, in their order, and then those whose memory is at or
-/// above the threshold of their profile, the highest first.
+/// The machines whose processors are saturated or whose memory is at or above the threshold of
+/// their profile, the highest first, because these can be helped at once. Then those that could not
+/// be sampled, in their order.
 std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines);
 inline constexpr std::size_t mostAttentionLines = 5;
 /// What stands below the lines when there are more than `mostAttentionLines`; else empty.

@@ -76,6 +76,8 @@ void RemoteRow::show(const remote_health_lines::Row& row) {
     shown_ = row;
     name_->setText(row.name);
     name_->setToolTip(toolTipText(row.toolTip));
+    // Else the markup of the tool tip would be read.
+    setSpokenDescription(*name_, row.toolTip);
     note_->setText(row.note);
     cpu_->setText(row.cpu);
     memory_->setText(row.memory);

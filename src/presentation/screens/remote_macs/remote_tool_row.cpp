@@ -36,6 +36,8 @@ RemoteToolRow::RemoteToolRow(const QString& identifier, QWidget* parent) : QWidg
         row->addWidget(button);
     }
     row->addWidget(more_);
+    // Assistive technology reads the children in their order.
+    more_->raise();
     row->addStretch(1);
 }
 

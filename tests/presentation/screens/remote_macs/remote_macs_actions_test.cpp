@@ -34,7 +34,7 @@ protected:
 TEST_F(RemoteMacsActionsTest, ShowGoesToTheMachine) {
     showPage();
     finishScan(8, 2);
-    click("remote.summary-1.show");
+    click("remote.summary-2.show");
     EXPECT_EQ(placeInView("remote.machine-2"), spacing::gap);
     EXPECT_EQ(QApplication::focusWidget()->objectName(), u"remote.machine-2.head"_s);
 }

@@ -49,7 +49,7 @@ TEST_F(RemoteMacsLinesTest, EveryStatusButReachableNeedsAttention) {
     }
 }
 
-TEST_F(RemoteMacsLinesTest, MachinesOutOfReachComeBeforeThoseWithTheMostMemoryInUse) {
+TEST_F(RemoteMacsLinesTest, MachinesUnderPressureComeBeforeThoseOutOfReach) {
     const RemoteProfile atEighty{.warningThreshold = 80.0};
     const RemoteProfile named{.nickname = "Studio", .warningThreshold = 60.0};
     const RemoteHealth below = machine("below", Status::reachable, 79.9);
@@ -66,11 +66,11 @@ TEST_F(RemoteMacsLinesTest, MachinesOutOfReachComeBeforeThoseWithTheMostMemoryIn
                               {highest, named},
                               {locked, named}}),
         ElementsAre(
+            macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
+            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s},
             macs::AttentionLine{"id-blocked", u"blocked"_s, u"Connection Blocked"_s,
                                 u"Help blocked."_s},
-            macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s},
-            macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
-            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
+            macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s}));
     EXPECT_THAT(macs::attentionLines({{below, atEighty}}), IsEmpty());
     RemoteHealth busy = machine("busy", Status::reachable, 90.0);
     busy.cpuPercent = 97.0;
@@ -109,7 +109,7 @@ TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
               u"Last scan: 2 min ago"_s);
     scan.remoteScanInProgress = true;
     scan.progress = RemoteScanProgress{1, 2, "a"};
-    EXPECT_EQ(macs::scanState(scan, now), u"Last scan: just now · Scanning a, 1 of 2"_s);
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now · Scanning a, 1 of 2"_s);
 }
 
 TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
@@ -177,17 +177,20 @@ TEST_F(RemoteMacsLinesTest, ThePathOfAPeer) {
     };
     const Case cases[] = {
         {"direct",
-         {.active = true, .currentAddress = "192.0.2.7:41641", .relay = "fra"},
+         {.online = true, .active = true, .currentAddress = "192.0.2.7:41641", .relay = "fra"},
          macs::PeerPath::active,
          "Tailscale path: 192.0.2.7:41641"},
         {"over a relay",
-         {.inMagicSock = true, .relay = "fra"},
+         {.online = true, .inMagicSock = true, .relay = "fra"},
          macs::PeerPath::active,
          "Tailscale path: relay fra"},
-        {"neither known", {.active = true}, macs::PeerPath::active, "Tailscale path: path active"},
+        {"neither known",
+         {.online = true, .active = true},
+         macs::PeerPath::active,
+         "Tailscale path: path active"},
         {"active although offline",
          {.online = false, .inMagicSock = true},
-         macs::PeerPath::active,
+         macs::PeerPath::offline,
          "Tailscale path: path active"},
         {"addresses without a path",
          {.online = true, .currentAddress = "192.0.2.7:41641", .relay = "fra"},

@@ -69,8 +69,8 @@ TEST_F(RemoteMacsPageTest, AScanFillsSummaryDetailAndBlocks) {
     finishScan(4, 1);
     EXPECT_EQ(textOf("remote.summary.attention"), u"1 remote Mac need attention."_s);
     EXPECT_EQ(textOf("remote.summary.scan"), u"Last scan: just now"_s);
-    EXPECT_EQ(visible<QPushButton>("remote.summary-1.show")->accessibleName(), u"Show mac-2"_s);
-    EXPECT_EQ(visible<QPushButton>("remote.summary-2.show")->accessibleName(), u"Show mac-3"_s);
+    EXPECT_EQ(visible<QPushButton>("remote.summary-1.show")->accessibleName(), u"Show mac-3"_s);
+    EXPECT_EQ(visible<QPushButton>("remote.summary-2.show")->accessibleName(), u"Show mac-2"_s);
     EXPECT_EQ(visible("remote.summary-3.show"), nullptr);
     EXPECT_EQ(visible("remote.detail")->accessibleName(), u"Remote Detail: mac-1"_s);
     EXPECT_THAT(blockNames(), ElementsAre("mac-1", "mac-2", "mac-3", "mac-4"));
@@ -292,7 +292,7 @@ TEST_F(RemoteMacsPageTest, AScanLeavesTheFieldInWhichTheOwnerTypesWhereItIs) {
     EXPECT_EQ(field->text(), u"Big one "_s);
     EXPECT_EQ(placeInView("remote.machine-3.nickname"), place);
     EXPECT_EQ(remote().profiles.remoteProfile("mac-3").nickname, "Big one");
-    EXPECT_EQ(visible<QPushButton>("remote.summary-4.show")->accessibleName(), u"Show Big one"_s);
+    EXPECT_EQ(visible<QPushButton>("remote.summary-1.show")->accessibleName(), u"Show Big one"_s);
 }
 
 }  // namespace
