@@ -1,7 +1,9 @@
 #include "presentation/words/remote_timeline.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -27,7 +29,7 @@ struct Machine {
     std::size_t lastScan() const { return points.rbegin()->first; }
     double lastLoad() const {
         const RemoteHistoryPoint& last = *points.rbegin()->second;
-        // 0 first: the result for values that are not numbers.
+        // std::max gives its first argument when the others are not numbers.
         return std::max({0.0, last.cpu, last.memory});
     }
 };
@@ -38,15 +40,16 @@ double pauseBefore(const History& history, std::size_t point) {
     return secondsBetween(history[point - 1].date, history[point].date);
 }
 
-/// Where between `last` and `again`, two points of one machine, a new scan begins: after the
-/// longest pause. If no pause is longer than the sample of one machine, the scans followed each
-/// other at once, and it is taken that the second one reached this machine first.
-std::size_t scanStart(const History& history, std::size_t last, std::size_t again) {
-    std::size_t start = again;
-    double longest = std::max(longestSample, pauseBefore(history, again));
-    for (std::size_t point = again - 1; point > last; --point) {
-        if (pauseBefore(history, point) > longest) {
-            longest = pauseBefore(history, point);
+/// Where between `last` and `again`, two points of one host name, a new scan begins: after the
+/// longest pause. Absent if no pause is longer than the sample of one machine: two machines of the
+/// same name follow each other within one scan.
+std::optional<std::size_t> scanStart(const History& history, std::size_t last, std::size_t again) {
+    std::optional<std::size_t> start;
+    double longest = longestSample;
+    for (std::size_t point = again; point > last; --point) {
+        // Negative where the clock was set back.
+        if (const double pause = std::abs(pauseBefore(history, point)); pause > longest) {
+            longest = pause;
             start = point;
         }
     }
@@ -62,7 +65,9 @@ std::vector<std::size_t> scanStarts(const History& history) {
         if (starts.empty() || pauseBefore(history, point) > longestPauseInScan) {
             starts.push_back(point);
         } else if (!isNew && last->second >= starts.back()) {
-            starts.push_back(scanStart(history, last->second, point));
+            if (const auto start = scanStart(history, last->second, point)) {
+                starts.push_back(*start);
+            }
         }
         last->second = point;
     }

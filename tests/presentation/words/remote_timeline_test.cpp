@@ -55,14 +55,26 @@ TEST(RemoteTimeline, GivesEachMachineItsValuesInTheScansThatReachedIt) {
 
 TEST(RemoteTimeline, BeginsAScanWhereAMachineAppearsAgainOrAfterAPause) {
     EXPECT_THAT(
-        starts(remoteTimeline({point(0, "a"), point(5, "b"), point(9, "a"), point(12, "b")})),
-        ElementsAre(0, 9))
-        << "two scans at once";
+        starts(remoteTimeline({point(0, "a"), point(5, "b"), point(16, "a"), point(19, "b")})),
+        ElementsAre(0, 16));
     EXPECT_THAT(starts(remoteTimeline({point(0, "a"), point(300, "b")})), ElementsAre(0))
         << "dead machines between them";
     EXPECT_THAT(starts(remoteTimeline({point(0, "a"), point(301, "b")})), ElementsAre(0, 301));
     EXPECT_THAT(starts(remoteTimeline({point(50, "a"), point(10, "a")})), ElementsAre(50, 10))
         << "the clock was set back";
+}
+
+TEST(RemoteTimeline, TwoMachinesOfOneNameAreInOneScan) {
+    std::vector<RemoteHistoryPoint> history;
+    for (const int scan : {0, 900, 1800}) {
+        history.push_back(point(scan, "twin", 10, 40));
+        history.push_back(point(scan + 1, "twin", 20, 50));
+        history.push_back(point(scan + 2, "other", 30, 60));
+    }
+    const RemoteTimeline timeline = remoteTimeline(history);
+    EXPECT_THAT(starts(timeline), ElementsAre(0, 900, 1800));
+    EXPECT_THAT(eachOf(timeline.lines, &RemoteTimelineLine::missing),
+                ElementsAre(IsEmpty(), IsEmpty()));
 }
 
 TEST(RemoteTimeline, BeginsAScanAfterThePauseBeforeAMachineThatTheScanBeforeDidNotReach) {

@@ -6,6 +6,7 @@
 
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/words/dashboard_text.h"
+#include "remote/remote_advice.h"
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +49,18 @@ std::optional<Pressure> pressure(const ProfiledMachine& each) {
     return isMemory ? std::optional(memory) : std::nullopt;
 }
 
+/// The next step of a machine under pressure. Its recommendation does not know the threshold of the
+/// profile.
+QString nextStep(const ProfiledMachine& each) {
+    const auto& [machine, profile] = each;
+    if (isCPUHigh(machine) || machine.memoryPercent.value_or(0.0) >= highRemoteLoad) {
+        return text(machine.recommendation);
+    }
+    return profile.allowRemotePurge
+               ? u"Memory is at or above its threshold. Remote Safe asks for a purge."_s
+               : u"Memory is at or above its threshold. Review its processes, or allow a purge."_s;
+}
+
 /// Longer than any row shows.
 QString bounded(const std::string& value) {
     constexpr std::size_t mostBytes = 1024;
@@ -79,7 +92,7 @@ std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& ma
         } else if (const auto high = pressure(each)) {
             pressed.push_back({high->percent,
                                {each.machine.id, displayName(each.machine, each.profile),
-                                high->text, text(each.machine.recommendation)}});
+                                high->text, nextStep(each)}});
         }
     }
     std::ranges::stable_sort(pressed, std::ranges::greater(),

@@ -50,6 +50,9 @@ TEST_F(RemoteMacsLinesTest, EveryStatusButReachableNeedsAttention) {
 }
 
 TEST_F(RemoteMacsLinesTest, MachinesUnderPressureComeBeforeThoseOutOfReach) {
+    // Below 85 percent the recommendation finds the machine healthy.
+    const QString review =
+        u"Memory is at or above its threshold. Review its processes, or allow a purge."_s;
     const RemoteProfile atEighty{.warningThreshold = 80.0};
     const RemoteProfile named{.nickname = "Studio", .warningThreshold = 60.0};
     const RemoteHealth below = machine("below", Status::reachable, 79.9);
@@ -67,11 +70,14 @@ TEST_F(RemoteMacsLinesTest, MachinesUnderPressureComeBeforeThoseOutOfReach) {
                               {locked, named}}),
         ElementsAre(
             macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
-            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s},
+            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, review},
             macs::AttentionLine{"id-blocked", u"blocked"_s, u"Connection Blocked"_s,
                                 u"Help blocked."_s},
             macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s}));
     EXPECT_THAT(macs::attentionLines({{below, atEighty}}), IsEmpty());
+    const RemoteProfile allowed{.warningThreshold = 80.0, .allowRemotePurge = true};
+    EXPECT_EQ(macs::attentionLines({{at, allowed}}).at(0).what,
+              u"Memory is at or above its threshold. Remote Safe asks for a purge."_s);
     RemoteHealth busy = machine("busy", Status::reachable, 90.0);
     busy.cpuPercent = 97.0;
     RemoteHealth both = machine("both", Status::reachable, 96.0);
@@ -80,7 +86,7 @@ TEST_F(RemoteMacsLinesTest, MachinesUnderPressureComeBeforeThoseOutOfReach) {
         macs::attentionLines({{both, atEighty}, {busy, atEighty}, {at, atEighty}}),
         ElementsAre(macs::AttentionLine{"id-busy", u"busy"_s, u"CPU 97%"_s, u"Help busy."_s},
                     macs::AttentionLine{"id-both", u"both"_s, u"Memory 96%"_s, u"Help both."_s},
-                    macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, u"Help at."_s}));
+                    macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, review}));
 }
 
 TEST_F(RemoteMacsLinesTest, LinesThatAreNotShownAreCounted) {
