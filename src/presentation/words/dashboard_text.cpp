@@ -123,6 +123,19 @@ QString text(std::string_view utf8) {
         QString::fromStdString(replacingControlCharacters(utf8, "\uFFFD")));
 }
 
+QString shortText(std::string_view utf8, qsizetype most) {
+    // Enough for characters of four bytes. To make a text of megabytes safe takes time.
+    std::size_t bytes = std::min(utf8.size(), static_cast<std::size_t>(most) * 4);
+    while (bytes > 0 && bytes < utf8.size() && (utf8[bytes] & '\xC0') == '\x80') {
+        --bytes;
+    }
+    const QString shown = text(utf8.substr(0, bytes));
+    if (shown.size() <= most) {
+        return bytes == utf8.size() ? shown : shown + u'…';
+    }
+    return shown.left(most - (shown[most - 1].isHighSurrogate() ? 1 : 0)) + u'…';
+}
+
 int wholePercent(double percent) {
     constexpr double bound = 100'000.0;
     return std::isfinite(percent)

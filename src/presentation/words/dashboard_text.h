@@ -22,6 +22,8 @@ void setLocale(std::shared_ptr<const Locale> locale);
 /// stacked on one character (accents) the first three remain. A joiner between two characters of a
 /// script that needs it remains.
 QString text(std::string_view utf8);
+/// The same of at most `most` UTF-16 units, and "…" behind them if that is not all.
+QString shortText(std::string_view utf8, qsizetype most);
 
 /// A percentage rounded to a whole number, clamped to ±100,000; 0 if it is not finite.
 int wholePercent(double percent);

@@ -81,21 +81,12 @@ bool needsMoreAttention(const Machine& a, const Machine& b) {
     return a.lastLoad() != b.lastLoad() ? a.lastLoad() > b.lastLoad() : a.hostName < b.hostName;
 }
 
-/// A name from the tailnet can be of any length.
-QString machineName(std::string_view hostName) {
-    constexpr std::size_t mostBytes = 256;
-    constexpr qsizetype mostCharacters = 64;
-    const QString name = dashboard_text::text(hostName.substr(0, mostBytes));
-    if (name.size() <= mostCharacters) {
-        return name;
-    }
-    return name.left(mostCharacters - (name[mostCharacters - 1].isHighSurrogate() ? 1 : 0)) +
-           u"…"_s;
-}
+/// Of a name in the legend, which from the tailnet can be of any length.
+constexpr qsizetype longestName = 64;
 
 RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans) {
     RemoteTimelineLine line;
-    line.name = machineName(machine.hostName);
+    line.name = dashboard_text::shortText(machine.hostName, longestName);
     line.cpu.resize(scans);
     line.memory.resize(scans);
     for (std::size_t scan = 0; scan < scans; ++scan) {

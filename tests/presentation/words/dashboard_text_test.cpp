@@ -293,6 +293,17 @@ TEST(DashboardText, AgeIsRoundedDownAndNeverFreshWhenItIsUnknown) {
     EXPECT_NE(ageAfter(86400.0 * 3), ageAfter(0));
 }
 
+TEST(DashboardText, AShortTextIsCutBetweenCharacters) {
+    const std::string face = "\xF0\x9F\x98\x80";
+    EXPECT_EQ(dashboard_text::shortText("mini", 4), u"mini"_s);
+    EXPECT_EQ(dashboard_text::shortText("minis", 4), u"mini…"_s);
+    EXPECT_EQ(dashboard_text::shortText("mi" + face, 3), u"mi…"_s);
+    EXPECT_EQ(dashboard_text::shortText(face + face + face, 4),
+              dashboard_text::text(face + face) + u'…');
+    EXPECT_EQ(dashboard_text::shortText(std::string(15, 'x') + face, 4), u"xxxx…"_s);
+    EXPECT_EQ(dashboard_text::shortText("", 4), QString());
+}
+
 TEST(DashboardText, AnyStoredDateHasAText) {
     for (const double seconds : {1e300, -1e300, 0.0}) {
         EXPECT_FALSE(dashboard_text::shortTimeText(Date{seconds}, Date{}).isEmpty()) << seconds;

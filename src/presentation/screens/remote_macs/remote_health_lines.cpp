@@ -18,12 +18,10 @@ constexpr std::string_view absentAddress = "no address";
 /// Of a name within an identifier.
 constexpr qsizetype longestIdentifier = 64;
 
-/// A text of the other machine or of the profile. More of it than fits on any screen is left out,
-/// because to make a text of a megabyte safe takes time.
+/// A text of the other machine or of the profile, of which no screen shows more.
 QString text(std::string_view utf8) {
-    constexpr std::size_t longest = 1000;
-    return utf8.size() <= longest ? dashboard_text::text(utf8)
-                                  : dashboard_text::text(utf8.substr(0, longest)) + u'…';
+    constexpr qsizetype longest = 1000;
+    return dashboard_text::shortText(utf8, longest);
 }
 
 QString separator() {

@@ -62,21 +62,15 @@ QString nextStep(const ProfiledMachine& each) {
 }
 
 /// Longer than any row shows.
-QString bounded(const std::string& value) {
-    constexpr std::size_t mostBytes = 1024;
-    constexpr qsizetype mostCharacters = 256;
-    return text(std::string_view(value).substr(0, mostBytes)).left(mostCharacters);
+QString bounded(std::string_view value) {
+    constexpr qsizetype longest = 256;
+    return dashboard_text::shortText(value, longest);
 }
 
 }  // namespace
 
-std::size_t unreachableCount(const std::vector<RemoteHealth>& machines) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(machines, [](const auto& each) { return !isReachable(each); }));
-}
-
 QString attention(const std::vector<RemoteHealth>& machines) {
-    const auto troubled = static_cast<std::int64_t>(unreachableCount(machines));
+    const auto troubled = machinesThatNeedAttention(machines);
     return count(troubled) + u" remote Mac"_s + (troubled == 1 ? u""_s : u"s"_s) +
            u" need attention."_s;
 }
@@ -137,7 +131,7 @@ QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Dat
 
 std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers) {
     const auto scanned = std::ssize(machines);
-    const std::int64_t reachable = scanned - static_cast<std::int64_t>(unreachableCount(machines));
+    const std::int64_t reachable = scanned - machinesThatNeedAttention(machines);
     std::optional<double> highest;
     for (const RemoteHealth& each : machines) {
         highest = std::max(highest, each.memoryPercent);
@@ -159,8 +153,8 @@ DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now) {
     const QString status = text(title(machine.status));
     return {.heading = u"Remote Detail: "_s + displayName(machine, profile),
             .facts = {{u"Profile"_s,
-                       profile.nickname.empty() ? u"No nickname"_s : text(profile.nickname),
-                       profile.role.empty() ? u"No role"_s : text(profile.role)},
+                       profile.nickname.empty() ? u"No nickname"_s : bounded(profile.nickname),
+                       profile.role.empty() ? u"No role"_s : bounded(profile.role)},
                       {u"Status"_s, status, u"Checked "_s + age(machine.sampledAt, now)},
                       {u"Load"_s, percentOrNone(machine.cpuPercent) + u" CPU"_s,
                        u"Memory "_s + percentOrNone(machine.memoryPercent)}},

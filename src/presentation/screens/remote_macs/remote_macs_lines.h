@@ -23,8 +23,6 @@ struct ProfiledMachine {
 /// The texts of the page of the other machines. Main thread.
 namespace remote_macs_lines {
 
-/// How many machines of the last scan could not be sampled.
-std::size_t unreachableCount(const std::vector<RemoteHealth>& machines);
 /// "3 remote Macs need attention."
 QString attention(const std::vector<RemoteHealth>& machines);
 

@@ -227,7 +227,7 @@ void RemoteMacsPage::refreshSummary() {
          .scanState =
              remote_macs_lines::scanState(scan, scannedProfile(), monitor_.services().clock.now()),
          .isScanned = !scan.remoteHealth.empty(),
-         .hasUnreachable = remote_macs_lines::unreachableCount(scan.remoteHealth) > 0,
+         .hasUnreachable = machinesThatNeedAttention(scan.remoteHealth) > 0,
          .lines = remote_macs_lines::attentionLines(machines)});
     summary_->show(
         remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
