@@ -192,6 +192,14 @@ std::string_view trimmingWhiteSpace(std::string_view text) {
     return text;
 }
 
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
+    std::size_t length = 0;
+    for (; length < text.size() && count > 0; --count) {
+        length += sequenceLength(static_cast<unsigned char>(text[length]));
+    }
+    return text.substr(0, length);
+}
+
 std::optional<std::string_view> takeLine(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of('\n'), text.size()));
     if (text.empty()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +32,10 @@ std::string loweredASCII(std::string_view text);
 /// included. Zero-width characters are not white space. A view into `text`, which need not be valid
 /// UTF-8.
 std::string_view trimmingWhiteSpace(std::string_view text);
+
+/// The first `count` characters (code points) of `text`, or all of it when it has fewer. A view
+/// into `text`, which is valid UTF-8.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
 
 /// Removes the next line that is not empty from the front of `text` and returns it without its line
 /// feed. Absent when there is none left.

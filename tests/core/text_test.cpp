@@ -164,6 +164,16 @@ TEST(TrimmingWhiteSpace, RemovesMixedRuns) {
     EXPECT_EQ(trimmingWhiteSpace("\r\n \u3000\tword\u00A0\u2028\r\n"), "word");
 }
 
+TEST(FirstCharacters, CountsCharactersAndSplitsNone) {
+    EXPECT_EQ(firstCharacters("abc", 2), "ab");
+    EXPECT_EQ(firstCharacters("abc", 3), "abc");
+    EXPECT_EQ(firstCharacters("abc", 4), "abc");
+    EXPECT_EQ(firstCharacters("abc", 0), "");
+    EXPECT_EQ(firstCharacters("", 5), "");
+    EXPECT_EQ(firstCharacters("\u00E4\u20AC\U0001F600z", 1), "\u00E4");
+    EXPECT_EQ(firstCharacters("\u00E4\u20AC\U0001F600z", 3), "\u00E4\u20AC\U0001F600");
+}
+
 TEST(TakeLine, SkipsEmptyLines) {
     std::string_view text = "\n\none\n\n two\r\nlast";
     EXPECT_EQ(takeLine(text), "one");

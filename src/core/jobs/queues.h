@@ -42,6 +42,8 @@ enum class Lane {
     settings,
     tailnet,
     remoteScan,
+    secrets,  ///< blocks while the owner is asked for the password of the secret store
+    advisor,
     count,  ///< not a lane; stays the last
 };
 inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);

@@ -28,6 +28,7 @@ inline constexpr std::string_view includeLinuxMachinesKey = "Tallowcrest.include
 inline constexpr std::string_view sshUsernameKey = "Tallowcrest.sshUsername";
 inline constexpr std::string_view firstRunCompleteKey = "Tallowcrest.firstRunComplete";
 inline constexpr std::string_view openAIModelKey = "Tallowcrest.openAIModel";
+inline constexpr std::string_view aiEndpointKey = "Tallowcrest.aiEndpoint";
 inline constexpr std::string_view aiSafeActionsKey = "Tallowcrest.aiSafeActions";
 inline constexpr std::string_view aiRuleDraftsKey = "Tallowcrest.aiRuleDrafts";
 inline constexpr std::string_view remoteProfilesKey = "Tallowcrest.remoteProfiles";
@@ -62,9 +63,11 @@ struct Settings {
     bool autoPurgeSustainedMemory = false;
     bool autoScanRemoteMacs = false;
     bool includeLinuxMachines = false;  ///< in scans, beside the Macs
-    std::string sshUsername;  ///< the login name when nothing is stored
+    std::string sshUsername;            ///< the login name when nothing is stored
     bool firstRunComplete = false;
     std::string openAIModel = "gpt-5.6-luna";
+    /// The base address of a server that is asked in place of OpenAI's; empty for OpenAI's.
+    std::string aiEndpoint;
     bool aiSafeActionsEnabled = false;
     bool notificationsIncludeActions = true;
     bool aiRedactProcessDetails = true;
@@ -142,6 +145,7 @@ inline constexpr auto numbers = std::to_array<Declared<double>>({
 inline constexpr auto texts = std::to_array<Declared<std::string>>({
     {sshUsernameKey, &Settings::sshUsername},
     {openAIModelKey, &Settings::openAIModel},
+    {aiEndpointKey, &Settings::aiEndpoint},
 });
 
 inline constexpr auto textSets = std::to_array<Declared<TextSet>>({

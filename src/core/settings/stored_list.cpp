@@ -1,5 +1,7 @@
 #include "core/settings/stored_list.h"
 
+#include <utility>
+
 #include "core/history_encoder.h"
 #include "core/settings/settings_owner.h"
 #include "core/settings/stored_lists.h"
@@ -8,10 +10,10 @@ namespace tallowcrest {
 
 template <class Records, class Encoder>
 StoredList<Records, Encoder>::StoredList(SettingsOwner& owner,
-                                         const stored::List<Records>& declaration)
+                                         const stored::List<Records>& declaration, Records initial)
     : owner_(owner),
       declaration_(declaration),
-      records_(owner.load(declaration).value_or(Records{})) {}
+      records_(owner.load(declaration).value_or(std::move(initial))) {}
 
 template <class Records, class Encoder>
 void StoredList<Records, Encoder>::save() {
@@ -22,6 +24,9 @@ void StoredList<Records, Encoder>::save() {
 template class StoredList<std::vector<ActivityEvent>>;
 template class StoredList<std::vector<HistoryPoint>, HistoryEncoder>;
 template class StoredList<std::vector<RemoteHistoryPoint>>;
+template class StoredList<std::vector<AIChatMessage>>;
+template class StoredList<std::vector<AIRuleDraft>>;
+template class StoredList<std::map<std::string, AITrustRecord>>;
 template class StoredList<std::map<std::string, RemoteProfile>>;
 
 }  // namespace tallowcrest

@@ -24,8 +24,10 @@ struct WholeEncoder {
 template <class Records, class Encoder = stored::WholeEncoder>
 class StoredList {
 public:
-    /// `declaration` is one of those in `stored`. `owner` must outlive the object.
-    StoredList(SettingsOwner& owner, const stored::List<Records>& declaration);
+    /// `declaration` is one of those in `stored`. `owner` must outlive the object. Where nothing is
+    /// stored that can be read, the list begins with `initial`, which the first change stores.
+    StoredList(SettingsOwner& owner, const stored::List<Records>& declaration,
+               Records initial = {});
 
     const Records& operator*() const { return records_; }
     const Records* operator->() const { return &records_; }

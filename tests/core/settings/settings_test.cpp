@@ -49,6 +49,7 @@ TEST_P(LoadedSettings, HaveTheirDefaultsWhenNothingIsStored) {
     EXPECT_EQ(settings.sshUsername, "owner");
     EXPECT_FALSE(settings.firstRunComplete);
     EXPECT_EQ(settings.openAIModel, "gpt-5.6-luna");
+    EXPECT_EQ(settings.aiEndpoint, "");
     EXPECT_FALSE(settings.aiSafeActionsEnabled);
     EXPECT_TRUE(settings.notificationsIncludeActions);
     EXPECT_TRUE(settings.aiRedactProcessDetails);
@@ -79,18 +80,19 @@ TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
     store.values.write(keys::diskAutopilotKey, true);
     ManualMainQueue mainQueue;
     const SettingsOwner owner(store, mainQueue, "owner");
-    EXPECT_THAT(store.asked,
-                ::testing::UnorderedElementsAre(
-                    "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
-                    "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
-                    "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
-                    "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername",
-                    "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
-                    "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
-                    "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
-                    "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
-                    "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
-                    "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
+    EXPECT_THAT(
+        store.asked,
+        ::testing::UnorderedElementsAre(
+            "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
+            "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
+            "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
+            "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername",
+            "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel", "Tallowcrest.aiEndpoint",
+            "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
+            "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
+            "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
+            "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
+            "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
     store.asked.clear();
     owner.load(stored::activityLog);
     owner.load(stored::history);
@@ -132,7 +134,7 @@ TEST(SettingsKeys, AreListedOnceWithTheirKind) {
                                                             "Tallowcrest.diskMaxCleanupGB")),
             Pair(SettingsKind::text,
                  UnorderedElementsAre("Tallowcrest.sshUsername", "Tallowcrest.openAIModel",
-                                      "Tallowcrest.aiAutonomyMode")),
+                                      "Tallowcrest.aiEndpoint", "Tallowcrest.aiAutonomyMode")),
             Pair(SettingsKind::textList, UnorderedElementsAre("Tallowcrest.protectedApps",
                                                               "Tallowcrest.collapsedSections")),
             Pair(SettingsKind::table, UnorderedElementsAre("Tallowcrest.remoteTopApps")),
