@@ -1,0 +1,134 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "advisor/advisor_output.h"
+#include "advisor/advisor_ports.h"
+#include "core/advisor_records.h"
+#include "core/date.h"
+#include "core/jobs/jobs.h"
+#include "core/outcome.h"
+#include "core/secret_text.h"
+#include "core/services.h"
+
+namespace tallowcrest {
+
+class LatestSample;
+class Observable;
+class Pasteboard;
+class Reports;
+class RuleDrafts;
+class Suggestions;
+
+/// The key and the analysis, as the screens show them.
+struct ProviderState {
+    /// Whether a key is believed to be stored. It decides the route of an analysis, which reads the
+    /// key itself when it begins.
+    bool openAIKeySaved = false;
+    /// Whether a key is being looked for, saved or removed; to save and to remove are ignored
+    /// meanwhile.
+    bool isKeyBusy = false;
+    /// A summary, the progress or a failure.
+    std::string aiInsight;
+    /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
+    /// unlock the secret store.
+    bool aiBusy = false;
+    Date aiBusySince;  ///< meaningless while it is not busy
+};
+
+/// The key of the provider, and analyses of the present state by the provider or, without a key or
+/// when the exchange fails, by this machine alone. The service sees nothing but the report. Nothing
+/// here blocks: the secret store and the exchange have lanes of their own. Main thread.
+class Provider {
+public:
+    /// The references must outlive the object.
+    struct Dependencies {
+        Services services;
+        const LatestSample& sample;
+        const Reports& reports;
+        Pasteboard& pasteboard;
+        Suggestions& suggestions;
+        RuleDrafts& drafts;
+        AdvisorPorts ports;
+    };
+
+    /// The kind of confirmation that it registers.
+    static constexpr std::string_view confirmationKind = "ai_analyze";
+
+    /// Begins to look for a stored key.
+    explicit Provider(Dependencies dependencies);
+    ~Provider();
+    Provider(const Provider&) = delete;
+    Provider& operator=(const Provider&) = delete;
+
+    const ProviderState& state() const { return state_; }
+
+    /// What the owner has typed as the key and not saved yet.
+    const SecretText& openAIKeyInput() const { return openAIKeyInput_; }
+    void setOpenAIKeyInput(SecretText text);
+
+    /// Stores the typed key in place of an older one; refused when it is not one. The result is in
+    /// `aiInsight`. The input is cleared once the key is stored. If that fails, the older key is
+    /// gone, and the input stays.
+    Outcome saveOpenAIKey();
+    /// Removes the stored key. If that fails, `openAIKeySaved` and the input stay.
+    Outcome removeOpenAIKey();
+
+    void setAIRedactProcessDetails(bool redacts);
+    void setAIRequirePreview(bool isRequired);
+
+    /// Sets the base address of a server to ask in place of OpenAI's, trimmed; empty for OpenAI's.
+    /// An address that must not be used changes nothing and is refused with a message.
+    Outcome setAIEndpoint(std::string_view address);
+    /// What texts call the service that is asked: "OpenAI", or the host of another one.
+    std::string serviceName() const;
+
+    /// Starts an analysis, after a confirmation if the settings say so. Without a key it is the
+    /// analysis of this machine alone, at once. Refused before the first sample.
+    Outcome requestAIAnalysis();
+    /// The same without the confirmation. Ignored while an analysis is under way.
+    Outcome sendAIAnalysis();
+    /// Copies the report that would be sent to the clipboard. Refused before the first sample.
+    Outcome copyAIPreview();
+
+    /// Notifies of a changed state and input. What is in the settings is reported by their owner.
+    Observable& observable() { return *observable_; }
+
+private:
+    /// What the owner agrees to when an analysis is confirmed.
+    struct Consent {
+        std::string endpoint;
+        bool isRedacted = true;
+
+        bool operator==(const Consent&) const = default;
+    };
+    using AnalysisResult = std::variant<AdvisorOutput, AIError>;
+
+    Consent presentConsent() const;
+    Outcome askForConsent();
+    void lookForKey();
+    void finishSavingKey(bool isSaved);
+    void finishRemovingKey(bool isRemoved);
+    void sendAIAnalysisWith(std::optional<SecretText> key, const Consent& consent);
+    void finishAIAnalysis(AnalysisResult result, bool runsSafeAction);
+    /// `fellBack` says that a request to the provider has failed.
+    Outcome composeOnDeviceAnalysis(bool fellBack);
+    void setInsight(std::string text);
+    void setBusy(bool isBusy);
+    void setKeyBusy(bool isBusy);
+    Outcome record(Outcome outcome) const;
+
+    Dependencies dependencies_;
+    std::unique_ptr<Observable> observable_;
+    ProviderState state_;
+    /// Whether `aiInsight` is still the one that the program begins with.
+    bool isInsightInitial_ = true;
+    SecretText openAIKeyInput_;
+    JobScope jobs_;
+};
+
+}  // namespace tallowcrest

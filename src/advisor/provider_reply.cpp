@@ -1,0 +1,129 @@
+#include "advisor/provider_reply.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "advisor/advisor_ports.h"
+#include "core/json_reader.h"
+#include "core/text.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::size_t shownBodyCharacters = 240;
+
+using Texts = std::vector<std::string>;
+
+/// Calls `readObject()` in each object of the array that is next. False when it is not an array of
+/// objects.
+template <class ReadObject>
+bool readObjects(JsonReader& reader, ReadObject readObject) {
+    if (!reader.enterArray()) {
+        reader.skip();
+        return false;
+    }
+    bool areObjects = true;
+    while (reader.nextElement()) {
+        if (reader.enterObject()) {
+            readObject();
+        } else {
+            reader.skip();
+            areObjects = false;
+        }
+    }
+    return areObjects;
+}
+
+/// The texts of the parts of one message. Empty when its content is not an array of objects.
+Texts readContent(JsonReader& reader) {
+    Texts texts;
+    const bool isContent = readObjects(reader, [&] {
+        std::optional<std::string> text;
+        while (const auto key = reader.nextMember()) {
+            if (*key == "text") {
+                text = reader.text();
+            } else {
+                reader.skip();
+            }
+        }
+        if (text) {
+            texts.push_back(*std::move(text));
+        }
+    });
+    return isContent ? texts : Texts();
+}
+
+/// Absent when the output is not an array of objects.
+std::optional<Texts> readOutput(JsonReader& reader) {
+    Texts all;
+    const bool isOutput = readObjects(reader, [&] {
+        Texts content;
+        while (const auto key = reader.nextMember()) {
+            if (*key == "content") {
+                content = readContent(reader);
+            } else {
+                reader.skip();
+            }
+        }
+        std::ranges::move(content, std::back_inserter(all));
+    });
+    return isOutput ? std::optional(std::move(all)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> extractResponseText(std::string_view data) {
+    JsonReader reader(data);
+    if (!reader.enterObject()) {
+        return std::nullopt;
+    }
+    std::optional<std::string> outputText;
+    std::optional<Texts> output;
+    while (const auto key = reader.nextMember()) {
+        if (*key == "output_text") {
+            outputText = reader.text();
+        } else if (*key == "output") {
+            output = readOutput(reader);
+        } else {
+            reader.skip();
+        }
+    }
+    if (!reader.isComplete()) {
+        return std::nullopt;
+    }
+    if (outputText || !output) {
+        return outputText;
+    }
+    return fmt::format("{}", fmt::join(*output, "\n"));
+}
+
+ProviderResult interpretProviderReply(const HttpReply& reply, std::string_view service) {
+    const auto error = [service](std::string_view words) {
+        return AIError{fmt::format("{} {}", service, words)};
+    };
+    if (reply.transportError) {
+        return error("request failed: " + *reply.transportError);
+    }
+    if (!reply.data) {
+        return error("returned no data.");
+    }
+    if (reply.status >= 200 && reply.status <= 299) {
+        std::optional<std::string> text = extractResponseText(*reply.data);
+        if (!text || text->empty()) {
+            return error("response did not include readable text.");
+        }
+        return *std::move(text);
+    }
+    const std::string body =
+        isValidUTF8(*reply.data) ? *reply.data : fmt::format("HTTP {}", reply.status);
+    return error(
+        fmt::format("error {}: {}", reply.status, firstCharacters(body, shownBodyCharacters)));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,28 @@
+#include "advisor/trust_score.h"
+
+#include <fmt/format.h>
+
+namespace tallowcrest {
+namespace {
+
+constexpr std::int64_t learningFrom = 45;
+constexpr std::int64_t trustedFrom = 75;
+constexpr std::int64_t leastCleanups = 3;
+
+}  // namespace
+
+std::string_view trustLabel(const AITrustRecord& record) {
+    const std::int64_t score = trustScore(record);
+    return score >= trustedFrom ? "Trusted" : score >= learningFrom ? "Learning" : "New";
+}
+
+std::string trustLine(const AITrustRecord& record) {
+    return fmt::format("{}% trust · {} approved · {} run · {} blocked", trustPercent(record),
+                       record.approvedCount, record.runCount, record.blockedCount);
+}
+
+bool diskCleanupTrustEstablished(std::int64_t runCount, std::int64_t trustPercent) {
+    return runCount >= leastCleanups && trustPercent >= trustedFrom;
+}
+
+}  // namespace tallowcrest

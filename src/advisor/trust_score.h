@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/advisor_records.h"
+
+/// How the counters of an action type are judged; their score is `trustScore`. Pure; any thread.
+namespace tallowcrest {
+
+/// "New", "Learning" or "Trusted".
+std::string_view trustLabel(const AITrustRecord& record);
+
+/// One line: "78% trust · 2 approved · 3 run · 0 blocked".
+std::string trustLine(const AITrustRecord& record);
+
+/// Whether a clean-up of the disk may run unattended, by the record of "disk_cleanup"; a missing
+/// record counts as all zero.
+bool diskCleanupTrustEstablished(std::int64_t runCount, std::int64_t trustPercent);
+
+}  // namespace tallowcrest

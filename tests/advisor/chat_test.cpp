@@ -1,0 +1,271 @@
+#include "advisor/chat.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/record_json.h"
+#include "tests/support/advisor_machine.h"
+#include "tests/support/each_of.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+constexpr const char* welcomeText =
+    "Tallowcrest: Ask me what is slowing this Mac down, how to relieve memory pressure, or which "
+    "action is safest to review first.";
+constexpr const char* noSampleYet =
+    "Tallowcrest: I do not have a diagnostic sample yet. Refresh once, then ask again.";
+
+class ChatTest : public ::testing::Test, protected AdvisorMachine {
+protected:
+    Chat& chat() { return advisor->chat; }
+    void storeKey() { fakes.secrets->secret = "sk-key"; }
+
+    Outcome ask(const std::string& question) {
+        const Outcome outcome = chat().askQuickQuestion(question);
+        finishWork();
+        return outcome;
+    }
+
+    /// The messages as "role: text".
+    std::vector<std::string> messages() {
+        return eachOf(chat().aiChatMessages(), [](const AIChatMessage& message) {
+            return message.role + ": " + message.text;
+        });
+    }
+
+    void storeMessages(int count) {
+        std::vector<AIChatMessage> stored;
+        for (int i = 1; i <= count; ++i) {
+            stored.push_back({UUID::random(), "You", std::to_string(i), {}});
+        }
+        store.values.write("Tallowcrest.aiChatMessages", JSONData{*record_json::encode(stored)});
+        begin();
+    }
+
+    std::size_t storedCount() const {
+        return record_json::decodeChatMessages(store.json("Tallowcrest.aiChatMessages"))->size();
+    }
+};
+
+TEST_F(ChatTest, BeginsWithAWelcomeThatIsNotSaved) {
+    EXPECT_THAT(messages(), ElementsAre(welcomeText));
+    EXPECT_EQ(chat().aiChatMessages().front().date, clock.now());
+    EXPECT_EQ(store.read("Tallowcrest.aiChatMessages"), std::nullopt);
+    store.values.write("Tallowcrest.aiChatMessages", JSONData{"[{\"id\":\"x\"}]"});
+    begin();
+    EXPECT_THAT(messages(), ElementsAre(welcomeText)) << "a list that does not decode";
+    ask("target");
+    begin();
+    EXPECT_THAT(messages(), SizeIs(3)) << "the next save overwrites it";
+}
+
+TEST_F(ChatTest, ClearingLastsAcrossARestart) {
+    EXPECT_EQ(chat().clearChat(), Outcome::done("Cleared Tallowcrest Chat."));
+    EXPECT_THAT(events(), ElementsAre("Action: Cleared Tallowcrest Chat."));
+    EXPECT_THAT(messages(), IsEmpty());
+    begin();
+    EXPECT_THAT(messages(), IsEmpty());
+}
+
+TEST_F(ChatTest, ALongStoredListKeepsItsEnd) {
+    storeMessages(45);
+    ASSERT_THAT(messages(), SizeIs(40));
+    EXPECT_EQ(messages().front(), "You: 6");
+}
+
+TEST_F(ChatTest, WithoutAKeyThisMachineAnswers) {
+    takeSample();
+    const std::string question = "is the disk full " + std::string(200, '?');
+    EXPECT_EQ(ask("  " + question + "\n"), Outcome::asked());
+    EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: " + question,
+                                        StartsWith("Tallowcrest: This Mac has 100.0 GB free.")));
+    EXPECT_EQ(chat().state().aiChatInput, "");
+    EXPECT_FALSE(chat().state().aiChatBusy);
+    EXPECT_THAT(events(),
+                ElementsAre("Local Guidance: Answered without paid AI: " + question.substr(0, 140),
+                            "Action: Answered with on-device guidance."));
+    EXPECT_EQ(log.lastAction(), "Answered with on-device guidance.");
+    EXPECT_EQ(storedCount(), 3U);
+}
+
+TEST_F(ChatTest, WithoutASecretStoreThisMachineAnswersAtOnce) {
+    fakes.secrets = nullptr;
+    begin();
+    takeSample();
+    EXPECT_EQ(chat().askQuickQuestion("target"),
+              Outcome::done("Answered with on-device guidance."));
+    EXPECT_THAT(messages(), SizeIs(3));
+}
+
+TEST_F(ChatTest, TheKeyItselfDecidesAndNotTheBelief) {
+    takeSample();
+    storeKey();
+    EXPECT_FALSE(advisor->provider.state().openAIKeySaved);
+    fakes.http->willSay("answer");
+    ask("Why?");
+    EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: Why?", "Tallowcrest: answer"));
+}
+
+TEST_F(ChatTest, WithoutTextOrWhileBusyTheInputStays) {
+    for (const char* blank : {"", "   ", "\n\t "}) {
+        EXPECT_EQ(chat().askQuickQuestion(blank), Outcome::ignored());
+        EXPECT_EQ(chat().state().aiChatInput, blank);
+    }
+    takeSample();
+    storeKey();
+    chat().askQuickQuestion("first");
+    EXPECT_TRUE(chat().state().aiChatBusy);
+    EXPECT_EQ(chat().state().aiChatBusySince, clock.now());
+    EXPECT_EQ(chat().askQuickQuestion("second"), Outcome::ignored());
+    workQueue.run();
+    mainQueue.drain();
+    EXPECT_TRUE(chat().state().aiChatBusy);
+    EXPECT_EQ(chat().askQuickQuestion(" third"), Outcome::ignored());
+    EXPECT_EQ(chat().state().aiChatInput, " third");
+    EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: first"));
+    finishWork();
+    EXPECT_FALSE(chat().state().aiChatBusy);
+    EXPECT_EQ(chat().state().aiChatInput, " third");
+    EXPECT_THAT(messages(), SizeIs(3));
+}
+
+TEST_F(ChatTest, TheProviderGetsTheRecentChatTheQuestionAndTheReport) {
+    storeMessages(12);
+    takeSample();
+    storeKey();
+    fakes.http->willSay("two\nlines");
+    chat().askQuickQuestion("Why?");
+    ASSERT_EQ(workQueue.laneOf(0), Lane::secrets);
+    workQueue.run();
+    mainQueue.drain();
+    EXPECT_EQ(log.lastAction(), "Asking Tallowcrest Chat...");
+    EXPECT_EQ(workQueue.laneOf(0), Lane::advisor);
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_THAT(fakes.http->sent[0].prompt(),
+                HasSubstr("Recent chat:\nYou: 6\nYou: 7\nYou: 8\nYou: 9\nYou: 10\nYou: 11\nYou: "
+                          "12\nYou: Why?\n\nUser question:\nWhy?\n\nCurrent diagnostics:\n"
+                          "Tallowcrest report - "));
+    EXPECT_THAT(fakes.http->sent[0].prompt(), HasSubstr("\nredacted\t"));
+    EXPECT_EQ(messages().back(), "Tallowcrest: two\nlines");
+    EXPECT_THAT(events(), ElementsAre("Action: Asking Tallowcrest Chat...", "Chat: Answered: Why?",
+                                      "Action: Tallowcrest Chat answered."));
+
+    settings.set(&Settings::aiRedactProcessDetails, false);
+    chat().clearChat();
+    ask("One");
+    ask("Two");
+    EXPECT_THAT(fakes.http->sent.back().prompt(),
+                HasSubstr("Recent chat:\nYou: One\nTallowcrest: two\nlines\nYou: Two\n\nUser"));
+    EXPECT_THAT(fakes.http->sent.back().prompt(), HasSubstr("\n700\t"));
+}
+
+TEST_F(ChatTest, NoAnswerIsReadForActions) {
+    takeSample(99.0);
+    storeKey();
+    settings.set(&Settings::aiSafeActionsEnabled, true);
+    fakes.http->willSay(
+        R"({"summary":"a","actions":[{"type":"local_purge"}]} action: local_purge)");
+    ask("Why?");
+    EXPECT_THAT(advisor->suggestions.aiActions(), IsEmpty());
+    EXPECT_FALSE(confirmations.pendingConfirmation());
+}
+
+TEST_F(ChatTest, AFailureIsAnsweredOnThisMachineAndRecorded) {
+    takeSample();
+    storeKey();
+    ask("target");
+    EXPECT_THAT(messages(),
+                ElementsAre(welcomeText, "You: target",
+                            "Tallowcrest: Paid AI is currently unavailable, so here is the "
+                            "on-device answer:\n\nNo operation target is selected. Open Processes "
+                            "and choose a row to review it safely in Optimize."));
+    EXPECT_THAT(events(),
+                ElementsAre("Action: Asking Tallowcrest Chat...",
+                            "Local Guidance: Paid AI fallback: OpenAI request did not complete.",
+                            "Action: Answered with on-device fallback guidance."));
+}
+
+TEST_F(ChatTest, WithoutASampleItSaysSo) {
+    ask("memory");
+    EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: memory", noSampleYet));
+    storeKey();
+    log.clearActivityLog();
+    ask("memory");
+    EXPECT_EQ(messages().back(), noSampleYet);
+    EXPECT_FALSE(chat().state().aiChatBusy);
+    EXPECT_THAT(fakes.http->sent, IsEmpty());
+    EXPECT_THAT(events(), IsEmpty());
+    EXPECT_EQ(storedCount(), 5U);
+}
+
+TEST_F(ChatTest, ATargetThatLeftTheSampleIsStillNamed) {
+    takeSample();
+    actions.review.setTarget(7, "gone");
+    ask("explain the TARGET");
+    EXPECT_THAT(messages().back(),
+                StartsWith("Tallowcrest: The selected target is PID 7: Selected for review."));
+    actions.review.selectTopApp();
+    ask("target");
+    EXPECT_THAT(messages().back(),
+                StartsWith("Tallowcrest: The selected target is editor: editor · PID 700"));
+}
+
+TEST_F(ChatTest, FortyMessagesAreKept) {
+    storeMessages(40);
+    takeSample();
+    storeKey();
+    fakes.http->willSay("answer");
+    ask("Why?");
+    ASSERT_THAT(messages(), SizeIs(40));
+    EXPECT_EQ(messages().front(), "You: 3");
+    EXPECT_EQ(messages().back(), "Tallowcrest: answer");
+    EXPECT_EQ(storedCount(), 40U);
+    fakes.secrets->secret.reset();
+    ask("Why?");
+    EXPECT_THAT(messages(), SizeIs(42)) << "this path does not cut the list in memory";
+    EXPECT_EQ(storedCount(), 40U);
+    begin();
+    EXPECT_THAT(messages(), SizeIs(40));
+}
+
+TEST_F(ChatTest, AnAnalysisCanRunBesideAQuestion) {
+    takeSample();
+    storeKey();
+    begin();
+    settings.set(&Settings::aiRequirePreview, false);
+    chat().askQuickQuestion("Why?");
+    advisor->provider.requestAIAnalysis();
+    EXPECT_TRUE(chat().state().aiChatBusy);
+    EXPECT_TRUE(advisor->provider.state().aiBusy);
+    fakes.http->willSay("answer");
+    finishWork();
+    EXPECT_THAT(fakes.http->sent, SizeIs(2));
+    EXPECT_EQ(insight(), "answer");
+    EXPECT_THAT(messages().back(), EndsWith("answer"));
+}
+
+TEST_F(ChatTest, AnEventHasTheBeginningOfAQuestionInWholeCharacters) {
+    takeSample();
+    std::string question;
+    for (int i = 0; i < 141; ++i) {
+        question += "\u00E4";
+    }
+    ask(question);
+    EXPECT_EQ(events().front(),
+              "Local Guidance: Answered without paid AI: " + question.substr(0, 280));
+}
+
+}  // namespace
+}  // namespace tallowcrest

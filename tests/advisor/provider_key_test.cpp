@@ -1,0 +1,196 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/observable.h"
+#include "tests/support/advisor_machine.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr const char* notAKey = "That does not look like an OpenAI API key.";
+
+class ProviderKey : public ::testing::Test, protected AdvisorMachine {
+protected:
+    Provider& provider() { return advisor->provider; }
+    const ProviderState& state() { return provider().state(); }
+
+    Outcome save(const std::string& text) {
+        provider().setOpenAIKeyInput(SecretText(text));
+        const Outcome outcome = provider().saveOpenAIKey();
+        finishWork();
+        return outcome;
+    }
+};
+
+TEST_F(ProviderKey, TheStartFindsAStoredKey) {
+    EXPECT_FALSE(state().openAIKeySaved);
+    EXPECT_EQ(insight(),
+              "Local recommendations are active. Connect paid AI for deeper explanations and "
+              "follow-up questions.");
+    fakes.secrets->secret = "sk-stored";
+    begin();
+    EXPECT_TRUE(state().openAIKeySaved);
+    EXPECT_EQ(insight(), "Enhanced AI recommendations are ready.");
+    fakes.secrets->remainsLocked = true;
+    begin();
+    EXPECT_TRUE(state().openAIKeySaved) << "a locked key is a stored one";
+    EXPECT_EQ(fakes.secrets->reads, 0) << "which could ask for a password";
+}
+
+TEST_F(ProviderKey, WithoutASecretStoreThereIsNoKey) {
+    fakes.secrets = nullptr;
+    begin();
+    EXPECT_FALSE(state().openAIKeySaved);
+    EXPECT_FALSE(state().isKeyBusy);
+    EXPECT_EQ(save("sk-abc"), Outcome::failed("Could not save the key in Keychain."));
+    EXPECT_FALSE(state().openAIKeySaved);
+    EXPECT_EQ(provider().openAIKeyInput().view(), "sk-abc");
+}
+
+TEST_F(ProviderKey, IsLookedForInTheBackground) {
+    fakes.secrets->secret = "sk-stored";
+    advisor.reset();
+    advisor.emplace(
+        Advisor::Dependencies{services, sample, actions, remote.scan, reports, fakes.ports()});
+    ASSERT_EQ(workQueue.pendingCount(), 1U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::secrets);
+    EXPECT_TRUE(state().isKeyBusy);
+    EXPECT_EQ(provider().saveOpenAIKey(), Outcome::ignored());
+    EXPECT_EQ(provider().removeOpenAIKey(), Outcome::ignored());
+    takeSample();
+    provider().requestAIAnalysis();
+    finishWork();
+    EXPECT_TRUE(state().openAIKeySaved);
+    EXPECT_THAT(insight(), HasSubstr("On-device analysis: ")) << "the analysis is not overwritten";
+}
+
+TEST_F(ProviderKey, IsSavedTrimmedAndTheInputCleared) {
+    EXPECT_EQ(save(" sk-abc \n"), Outcome::asked());
+    EXPECT_EQ(fakes.secrets->secret, "sk-abc");
+    EXPECT_TRUE(state().openAIKeySaved);
+    EXPECT_FALSE(state().isKeyBusy);
+    EXPECT_TRUE(provider().openAIKeyInput().isEmpty());
+    EXPECT_EQ(insight(), "OpenAI key saved in Keychain. AI recommendations are ready.");
+    EXPECT_EQ(log.lastAction(), "Saved OpenAI API key in Keychain.");
+    EXPECT_THAT(events(), ElementsAre("Action: Saved OpenAI API key in Keychain."));
+    EXPECT_EQ(save("sk-other"), Outcome::asked());
+    EXPECT_EQ(fakes.secrets->secret, "sk-other");
+}
+
+TEST_F(ProviderKey, WhatIsNoKeyIsRefusedAndStays) {
+    save("sk-good");
+    log.clearActivityLog();
+    for (const std::string& bad : {std::string(), std::string("abc"), std::string("SK-abc"),
+                                   std::string("sk-a\nb"), "sk-" + std::string(100000, 'a')}) {
+        EXPECT_EQ(save(bad), Outcome::refused(notAKey)) << bad.substr(0, 10);
+        EXPECT_EQ(insight(), notAKey);
+        EXPECT_EQ(provider().openAIKeyInput().view(), bad);
+        EXPECT_EQ(fakes.secrets->secret, "sk-good");
+        EXPECT_TRUE(state().openAIKeySaved);
+    }
+    EXPECT_THAT(events(), IsEmpty());
+}
+
+TEST_F(ProviderKey, ARefusalOfTheStoreLosesTheOldKeyAndKeepsTheInput) {
+    save("sk-old");
+    log.clearActivityLog();
+    fakes.secrets->refusesToAdd = true;
+    EXPECT_EQ(save("sk-new"), Outcome::asked());
+    EXPECT_EQ(insight(), "Could not save the key in Keychain.");
+    EXPECT_EQ(fakes.secrets->secret, std::nullopt);
+    EXPECT_TRUE(state().openAIKeySaved) << "as it was";
+    EXPECT_EQ(provider().openAIKeyInput().view(), "sk-new");
+    EXPECT_THAT(events(), IsEmpty());
+}
+
+TEST_F(ProviderKey, IsRemoved) {
+    save("sk-abc");
+    provider().setOpenAIKeyInput(SecretText("typed"));
+    log.clearActivityLog();
+    EXPECT_EQ(provider().removeOpenAIKey(), Outcome::asked());
+    EXPECT_TRUE(state().isKeyBusy);
+    finishWork();
+    EXPECT_EQ(fakes.secrets->secret, std::nullopt);
+    EXPECT_FALSE(state().openAIKeySaved);
+    EXPECT_TRUE(provider().openAIKeyInput().isEmpty());
+    EXPECT_EQ(insight(), "OpenAI key removed from Keychain.");
+    EXPECT_THAT(events(), ElementsAre("Action: Removed OpenAI API key."));
+}
+
+TEST_F(ProviderKey, AFailedRemovalIsNotCalledDone) {
+    save("sk-abc");
+    log.clearActivityLog();
+    fakes.secrets->refusesToRemove = true;
+    provider().removeOpenAIKey();
+    finishWork();
+    EXPECT_TRUE(state().openAIKeySaved);
+    EXPECT_EQ(insight(), "Could not remove the key from Keychain.");
+    EXPECT_THAT(events(), IsEmpty());
+}
+
+TEST_F(ProviderKey, IsNeverStoredInTheSettingsOrTold) {
+    takeSample();
+    store.onWrite = [this](std::string_view key) {
+        const auto value = store.values.read(key);
+        const auto* text = std::get_if<std::string>(&*value);
+        const auto* json = std::get_if<JSONData>(&*value);
+        EXPECT_TRUE(text == nullptr || text->find("sk-secret") == std::string::npos);
+        EXPECT_TRUE(json == nullptr || json->text.find("sk-secret") == std::string::npos);
+    };
+    save("sk-secret");
+    settings.set(&Settings::aiRequirePreview, false);
+    fakes.http->willSay(R"({"summary":"fine","actions":[{"type":"copy_report"}]})");
+    provider().requestAIAnalysis();
+    finishWork();
+    ASSERT_FALSE(fakes.http->sent.empty());
+    EXPECT_EQ(fakes.http->sent.front().token, "sk-secret");
+    EXPECT_THAT(fakes.http->sent.front().body, Not(HasSubstr("sk-secret")));
+    EXPECT_THAT(*reports.diagnosticsReport(false), Not(HasSubstr("sk-secret")));
+}
+
+TEST_F(ProviderKey, ChangesAreReported) {
+    mainQueue.drain();
+    int changes = 0;
+    const Subscription subscription = provider().observable().subscribe([&] { ++changes; });
+    provider().setOpenAIKeyInput(SecretText("x"));
+    mainQueue.drain();
+    EXPECT_EQ(changes, 1);
+    provider().saveOpenAIKey();
+    mainQueue.drain();
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(ProviderKey, TheEndpointIsCheckedBeforeItIsStored) {
+    EXPECT_EQ(provider().serviceName(), "OpenAI");
+    EXPECT_EQ(provider().setAIEndpoint(" http://localhost:8080 \n"), Outcome::done());
+    EXPECT_EQ(settings.values().aiEndpoint, "http://localhost:8080");
+    EXPECT_EQ(provider().serviceName(), "localhost:8080");
+    const Outcome refused = provider().setAIEndpoint("http://example.org");
+    EXPECT_EQ(refused.kind, Outcome::Kind::refused);
+    EXPECT_EQ(log.lastAction(), refused.message);
+    EXPECT_EQ(settings.values().aiEndpoint, "http://localhost:8080");
+    EXPECT_EQ(provider().setAIEndpoint(""), Outcome::done());
+    EXPECT_EQ(settings.values().aiEndpoint, "");
+}
+
+TEST_F(ProviderKey, TheSwitchesAreStoredWithoutAMessage) {
+    provider().setAIRedactProcessDetails(false);
+    provider().setAIRequirePreview(false);
+    EXPECT_FALSE(settings.values().aiRedactProcessDetails);
+    EXPECT_FALSE(settings.values().aiRequirePreview);
+    EXPECT_THAT(store.written,
+                ElementsAre("Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview"));
+    EXPECT_THAT(events(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "advisor/advisor_ports.h"
+
+namespace tallowcrest {
+
+/// A secret store in memory.
+class FakeSecretStore final : public SecretStore {
+public:
+    bool isStored() override { return secret.has_value(); }
+    std::optional<SecretText> read() override {
+        ++reads;
+        return secret && !remainsLocked ? std::optional<SecretText>(*secret) : std::nullopt;
+    }
+    bool add(const SecretText& given) override {
+        if (secret || refusesToAdd) {
+            return false;
+        }
+        secret = given.view();
+        return true;
+    }
+    bool remove() override {
+        if (!refusesToRemove) {
+            secret.reset();
+        }
+        return !refusesToRemove;
+    }
+
+    std::optional<std::string> secret;
+    bool remainsLocked = false;
+    bool refusesToAdd = false;
+    bool refusesToRemove = false;
+    int reads = 0;
+};
+
+/// Sends nothing; records the requests and returns `reply` for each.
+class FakeHttpExchange final : public HttpExchange {
+public:
+    struct Sent {
+        std::string url;
+        std::string token;
+        std::string body;
+        std::chrono::seconds wait;
+        std::chrono::seconds timeout;
+
+        nlohmann::json json() const { return nlohmann::json::parse(body); }
+        std::string prompt() const { return json().at("input").at(0).at("content"); }
+    };
+
+    std::optional<HttpReply> post(const HttpRequest& request,
+                                  const std::stop_token& /*stop*/) override {
+        sent.push_back({request.url, std::string(request.bearerToken.view()), request.body,
+                        request.wait, request.timeout});
+        return reply;
+    }
+
+    void willSay(const std::string& text) {
+        reply = HttpReply{200, nlohmann::json{{"output_text", text}}.dump(), {}};
+    }
+
+    std::optional<HttpReply> reply;  ///< absent: none in time
+    std::vector<Sent> sent;
+};
+
+/// The ports of an advisor under test. There is no key unless a test stores one.
+struct FakeAdvisorPorts {
+    std::shared_ptr<FakeSecretStore> secrets = std::make_shared<FakeSecretStore>();
+    std::shared_ptr<FakeHttpExchange> http = std::make_shared<FakeHttpExchange>();
+
+    AdvisorPorts ports() const { return {secrets, http}; }
+};
+
+}  // namespace tallowcrest
