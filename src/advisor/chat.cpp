@@ -104,6 +104,7 @@ void Chat::sendWith(std::optional<SecretText> key, const std::string& question) 
         addMessage(advisorRole, std::string(noSampleAnswer));
         return;
     }
+    setBusy(true);  // anew, as the exchange begins here
     record("Asking Tallowcrest Chat...");
     const auto count = static_cast<std::ptrdiff_t>(std::min(messages_->size(), recentMessages));
     jobs_.run(

@@ -27,7 +27,9 @@ struct ChatState {
     /// Whether an answer is under way, from the reading of the key on, which can ask the owner to
     /// unlock the secret store.
     bool aiChatBusy = false;
-    Date aiChatBusySince;  ///< meaningless while it is not busy
+    /// Since when the key is being read or, later, the service asked, which takes at most about
+    /// `exchangeWait`. Meaningless while it is not busy.
+    Date aiChatBusySince;
 };
 
 /// Questions of the owner and their answers, by the provider or by this machine alone. It never

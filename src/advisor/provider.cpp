@@ -1,6 +1,7 @@
 #include "advisor/provider.h"
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 #include <fmt/format.h>
@@ -13,6 +14,7 @@
 #include "advisor/rule_drafts.h"
 #include "advisor/suggestions.h"
 #include "core/activity_kinds.h"
+#include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
@@ -243,6 +245,7 @@ void Provider::sendAIAnalysisWith(std::optional<SecretText> key, const Consent& 
         return;
     }
     const Settings& settings = dependencies_.services.settings.values();
+    setBusy(true);  // anew, as the exchange begins here
     dependencies_.suggestions.setAIActions({});
     setInsight(
         fmt::format("Asking {} for a performance recommendation...", serviceOf(consent.endpoint)));

@@ -37,7 +37,9 @@ struct ProviderState {
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
     /// unlock the secret store.
     bool aiBusy = false;
-    Date aiBusySince;  ///< meaningless while it is not busy
+    /// Since when the key is being read or, later, the service asked, which takes at most about
+    /// `exchangeWait`. Meaningless while it is not busy.
+    Date aiBusySince;
 };
 
 /// The key of the provider, and analyses of the present state by the provider or, without a key or

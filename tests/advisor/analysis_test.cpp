@@ -1,3 +1,4 @@
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -81,8 +82,10 @@ TEST_F(Analysis, GoesThroughItsStepsInOrder) {
     EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
     EXPECT_TRUE(isBusy());
     EXPECT_EQ(provider().state().aiBusySince, clock.now());
+    clock.advance(std::chrono::seconds(5));
     readKey();
     EXPECT_TRUE(isBusy());
+    EXPECT_EQ(provider().state().aiBusySince, clock.now()) << "the wait for the service";
     EXPECT_EQ(insight(), "Asking OpenAI for a performance recommendation...");
     EXPECT_THAT(suggestions().aiActions(), IsEmpty());
     ASSERT_EQ(workQueue.laneOf(0), Lane::advisor);

@@ -1,5 +1,6 @@
 #include "advisor/chat.h"
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -128,9 +129,11 @@ TEST_F(ChatTest, WithoutTextOrWhileBusyTheInputStays) {
     EXPECT_TRUE(chat().state().aiChatBusy);
     EXPECT_EQ(chat().state().aiChatBusySince, clock.now());
     EXPECT_EQ(chat().askQuickQuestion("second"), Outcome::ignored());
+    clock.advance(std::chrono::seconds(5));
     workQueue.run();
     mainQueue.drain();
     EXPECT_TRUE(chat().state().aiChatBusy);
+    EXPECT_EQ(chat().state().aiChatBusySince, clock.now());
     EXPECT_EQ(chat().askQuickQuestion(" third"), Outcome::ignored());
     EXPECT_EQ(chat().state().aiChatInput, " third");
     EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: first"));
