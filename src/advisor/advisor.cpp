@@ -4,13 +4,14 @@
 
 namespace tallowcrest {
 
-Advisor::Advisor(const Dependencies& given)
-    : trust(given.services),
-      drafts(given.services, given.sample, given.scan),
-      suggestions({given.services, given.sample, given.actions.review, given.actions.local,
-                   given.scan, given.reports, trust}),
-      provider({given.services, given.sample, given.reports, given.actions.pasteboard, suggestions,
-                drafts, given.ports}),
-      chat({given.services, given.sample, given.actions.review, given.reports, given.ports}) {}
+Advisor::Advisor(const Dependencies& dependencies)
+    : trust(dependencies.services),
+      drafts(dependencies.services, dependencies.sample, dependencies.scan),
+      suggestions({dependencies.services, dependencies.sample, dependencies.actions.review,
+                   dependencies.actions.local, dependencies.scan, dependencies.reports, trust}),
+      provider({dependencies.services, dependencies.sample, dependencies.reports,
+                dependencies.actions.pasteboard, suggestions, drafts, dependencies.ports}),
+      chat({dependencies.services, dependencies.sample, dependencies.actions.review,
+            dependencies.reports, dependencies.ports}) {}
 
 }  // namespace tallowcrest

@@ -30,8 +30,8 @@ std::string_view pluralEnding(std::size_t count) {
 
 }  // namespace
 
-Suggestions::Suggestions(Dependencies dependencies)
-    : dependencies_(std::move(dependencies)),
+Suggestions::Suggestions(const Dependencies& dependencies)
+    : dependencies_(dependencies),
       observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())) {}
 
 Suggestions::~Suggestions() = default;

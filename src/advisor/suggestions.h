@@ -34,7 +34,7 @@ public:
         Trust& trust;
     };
 
-    explicit Suggestions(Dependencies dependencies);
+    explicit Suggestions(const Dependencies& dependencies);
     ~Suggestions();
     Suggestions(const Suggestions&) = delete;
     Suggestions& operator=(const Suggestions&) = delete;

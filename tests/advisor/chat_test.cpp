@@ -33,7 +33,7 @@ protected:
     void storeKey() { fakes.secrets->secret = "sk-key"; }
 
     Outcome ask(const std::string& question) {
-        const Outcome outcome = chat().askQuickQuestion(question);
+        Outcome outcome = chat().askQuickQuestion(question);
         finishWork();
         return outcome;
     }

@@ -25,7 +25,7 @@ protected:
 
     Outcome save(const std::string& text) {
         provider().setOpenAIKeyInput(SecretText(text));
-        const Outcome outcome = provider().saveOpenAIKey();
+        Outcome outcome = provider().saveOpenAIKey();
         finishWork();
         return outcome;
     }
