@@ -1,8 +1,7 @@
 #pragma once
 
-#include <utility>
-
 #include "integration/integration_ports.h"
+#include "integration/notification_actions.h"
 #include "integration/warning_notifications.h"
 
 namespace tallowcrest {
@@ -10,10 +9,12 @@ namespace tallowcrest {
 /// The program's part in the desktop around it. Main thread.
 struct Integration {
     /// The references must outlive the object.
-    Integration(const Services& services, RemoteScan& remoteScan, IntegrationPorts ports)
-        : warnings(services, remoteScan, std::move(ports)) {}
+    Integration(const Services& services, RemoteScan& remoteScan, Provider& provider,
+                const IntegrationPorts& ports)
+        : warnings(services, ports.notifications), actions(remoteScan, provider, ports) {}
 
     WarningNotifications warnings;
+    NotificationActions actions;
 };
 
 }  // namespace tallowcrest

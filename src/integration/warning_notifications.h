@@ -4,20 +4,18 @@
 #include <optional>
 #include <string>
 
-#include "integration/integration_ports.h"
-
 namespace tallowcrest {
 
-class RemoteScan;
+class NotificationCenter;
 class SettingsOwner;
 class Subscription;
 struct Services;
 
-/// Shows a load warning as a notification and handles its buttons. Main thread.
+/// Shows a load warning as a notification. Main thread.
 class WarningNotifications {
 public:
-    /// The references must outlive the object.
-    WarningNotifications(const Services& services, RemoteScan& remoteScan, IntegrationPorts ports);
+    /// The references must outlive the object. Without a `center` nothing is shown.
+    WarningNotifications(const Services& services, NotificationCenter* center);
     ~WarningNotifications();
     WarningNotifications(const WarningNotifications&) = delete;
     WarningNotifications& operator=(const WarningNotifications&) = delete;
@@ -29,14 +27,9 @@ public:
     /// A failed delivery is not reported.
     void postLoadWarning(const std::string& topProcessName);
 
-    /// Opens the page of the button; that of the remote scan also starts one. An unknown
-    /// identifier counts as a plain click.
-    void handleNotificationAction(const std::string& identifier);
-
 private:
     SettingsOwner& settings_;
-    RemoteScan& remoteScan_;
-    IntegrationPorts ports_;
+    NotificationCenter* center_;
     std::optional<bool> registeredWithActions_;  ///< absent before the first registration
     std::unique_ptr<Subscription> settingsChanged_;
 };

@@ -1,9 +1,9 @@
 #include "monitor/system_monitor.h"
 
-#include <string_view>
 #include <utility>
 
 #include "actions/actions.h"
+#include "advisor/advisor.h"
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
@@ -17,15 +17,6 @@
 #include "sampling/process_details.h"
 
 namespace tallowcrest {
-namespace {
-
-/// The report's line about the advisor while no paid provider is connected.
-constexpr std::string_view localInsight =
-    "Local recommendations are active. Connect paid AI for deeper explanations and follow-up "
-    "questions.";
-
-}  // namespace
-
 SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
     : host_(std::move(host)),
       locale_(ports.locale),
@@ -35,8 +26,6 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       log_(std::make_unique<ActivityLog>(ports.clock, *settings_, ports.jobs.mainQueue())),
       confirmations_(std::make_unique<ConfirmationDesk>(*log_, ports.jobs.mainQueue())),
       services_{*log_, *settings_, *confirmations_, ports.jobs, ports.clock, *locale_},
-      aiTrustRecords_(
-          settings_->load(stored::trustRecords).value_or(std::map<std::string, AITrustRecord>())),
       sample_(std::make_unique<LatestSample>(*settings_, services_.jobs.mainQueue())),
       processDetails_(std::make_unique<ProcessDetails>(services_.jobs, ports.processDetails)),
       actions_(std::make_unique<Actions>(
@@ -44,7 +33,10 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       remote_(std::make_unique<Remote>(services_, actions_->pasteboard, ports.remote)),
       reports_(std::make_unique<Reports>(
           services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
-      integration_(std::make_unique<Integration>(services_, remote_->scan, ports.integration)),
+      advisor_(std::make_unique<Advisor>(Advisor::Dependencies{
+          services_, *sample_, *actions_, remote_->scan, *reports_, ports.advisor})),
+      integration_(std::make_unique<Integration>(services_, remote_->scan, advisor_->provider,
+                                                 ports.integration)),
       autoRules_(std::make_unique<AutoRules>(
           AutoRules::Dependencies{services_, *sample_, actions_->review, actions_->local,
                                   integration_->warnings, host_.protection, remote_->scan})),
@@ -91,10 +83,10 @@ std::optional<DiagnosticsFacts> SystemMonitor::diagnosticsFacts() const {
                             .settings = settings_->values(),
                             .sessionInsights = sample_->sessionInsights(),
                             .remoteHealth = remote_->scan.state().remoteHealth,
-                            .openAIKeySaved = false,
-                            .aiInsight = localInsight,
-                            .aiActions = {},
-                            .aiTrustRecords = aiTrustRecords_,
+                            .openAIKeySaved = advisor_->provider.state().openAIKeySaved,
+                            .aiInsight = advisor_->provider.state().aiInsight,
+                            .aiActions = advisor_->suggestions.aiActions(),
+                            .aiTrustRecords = advisor_->trust.aiTrustRecords(),
                             .activityLog = log_->activityLog()};
 }
 

@@ -2,14 +2,13 @@
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "actions/action_ports.h"
-#include "core/advisor_records.h"
+#include "advisor/advisor_ports.h"
 #include "core/jobs/queues.h"
 #include "core/locale.h"
 #include "core/places.h"
@@ -33,6 +32,7 @@ struct SampleSources;
 class SettingsStore;
 class SystemMetricsReader;
 struct Actions;
+struct Advisor;
 struct DiagnosticsFacts;
 struct Integration;
 struct Remote;
@@ -52,6 +52,7 @@ struct MonitorPorts {
     ActionPorts actions;
     RemotePorts remote;
     ReportPorts reports;
+    AdvisorPorts advisor = {};
     IntegrationPorts integration = {};
     /// Called once per sample, after everything that follows from it; never absent.
     std::function<void()> sampleApplied = [] {};
@@ -108,6 +109,7 @@ public:
     Actions& actions() { return *actions_; }
     Remote& remote() { return *remote_; }
     Reports& reports() { return *reports_; }
+    Advisor& advisor() { return *advisor_; }
     AutoRules& autoRules() { return *autoRules_; }
 
 private:
@@ -122,12 +124,12 @@ private:
     std::unique_ptr<ActivityLog> log_;
     std::unique_ptr<ConfirmationDesk> confirmations_;
     Services services_;
-    std::map<std::string, AITrustRecord> aiTrustRecords_;
     std::unique_ptr<LatestSample> sample_;
     std::unique_ptr<ProcessDetails> processDetails_;
     std::unique_ptr<Actions> actions_;
     std::unique_ptr<Remote> remote_;
     std::unique_ptr<Reports> reports_;
+    std::unique_ptr<Advisor> advisor_;
     std::unique_ptr<Integration> integration_;
     std::unique_ptr<AutoRules> autoRules_;
     std::unique_ptr<SampleCycle> cycle_;

@@ -1,15 +1,11 @@
 #include "integration/warning_notifications.h"
 
 #include <optional>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/fake_notification_center.h"
-#include "tests/support/remote_machines.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
@@ -27,13 +23,8 @@ protected:
     }
 
     TestServices with;
-    RemoteMachines remote{with.services};
     FakeNotificationCenter center;
-    std::vector<std::string> routes;
-    std::optional<WarningNotifications> notifications{
-        std::in_place, with.services, remote.scan,
-        IntegrationPorts{&center,
-                         [this](AppRoute route) { routes.emplace_back(rawValue(route)); }}};
+    std::optional<WarningNotifications> notifications{std::in_place, with.services, &center};
 };
 
 TEST_F(WarningNotificationsTest, RegistersThreeButtonsInOrder) {
@@ -91,55 +82,18 @@ TEST_F(WarningNotificationsTest, WithoutButtonsTheWarningHasNoCategory) {
     EXPECT_TRUE(center.posted.front().playsSound);
 }
 
-TEST_F(WarningNotificationsTest, EveryButtonOpensItsRoute) {
-    const std::vector<std::pair<const char*, const char*>> cases{
-        {"OPEN_OPTIMIZE", "optimizationSuggestions"},
-        {"OPEN_AI", "aiAdvisor"},
-        {"SCAN_REMOTES", "remoteMacs"},
-        {NotificationCenter::plainClick, "overview"},
-        {"open_ai", "overview"},
-        {"", "overview"},
-    };
-    for (const auto& [identifier, route] : cases) {
-        routes.clear();
-        center.respond(identifier);
-        EXPECT_THAT(routes, ElementsAre(route)) << identifier;
-    }
-}
-
-TEST_F(WarningNotificationsTest, OneButtonAlsoStartsAScan) {
-    remote.setDevices({tailDevice("macOS", true)});
-    for (const char* identifier : {"OPEN_OPTIMIZE", "OPEN_AI", NotificationCenter::plainClick}) {
-        center.respond(identifier);
-        EXPECT_FALSE(remote.scan.state().remoteScanInProgress) << identifier;
-    }
-    center.respond("SCAN_REMOTES");
-    EXPECT_TRUE(remote.scan.state().remoteScanInProgress);
-    // During a scan it begins another one.
-    center.respond("SCAN_REMOTES");
-    EXPECT_EQ(with.workQueue.pendingCount(), 2U);
-}
-
-TEST_F(WarningNotificationsTest, WithoutAWindowAButtonDoesNothing) {
-    WarningNotifications alone(with.services, remote.scan, {&center});
-    center.respond("OPEN_OPTIMIZE");
-    EXPECT_THAT(routes, IsEmpty());
-}
-
-TEST_F(WarningNotificationsTest, AfterDestructionResponsesAndSettingsHaveNoEffect) {
+TEST_F(WarningNotificationsTest, AfterDestructionSettingsHaveNoEffect) {
     notifications->registerNotificationCategories();
     center.calls.clear();
     notifications.reset();
-    EXPECT_FALSE(center.respond);
     setIncludesActions(false);
     EXPECT_THAT(center.calls, IsEmpty());
 }
 
 TEST_F(WarningNotificationsTest, WithoutACentreNothingHappens) {
-    WarningNotifications none(with.services, remote.scan, {});
+    WarningNotifications none(with.services, nullptr);
     none.registerNotificationCategories();
     none.postLoadWarning("photo-indexer");
-    none.handleNotificationAction("OPEN_OPTIMIZE");
     EXPECT_THAT(center.posted, IsEmpty());
 }
 

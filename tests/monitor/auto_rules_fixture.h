@@ -95,7 +95,7 @@ protected:
 
     RemoteMachines remote{services};
     FakeNotificationCenter center;
-    WarningNotifications notifications{services, remote.scan, {&center}};
+    WarningNotifications notifications{services, &center};
     AutoRules rules{{services, sample, review, actions, notifications, policy, remote.scan}};
 };
 

@@ -260,7 +260,7 @@ TEST_F(AutoRulesTest, WarnsAgainOfAHighLoadAfterThreeMinutes) {
 }
 
 TEST_F(AutoRulesTest, WorksWithoutOtherMachinesAndNotifications) {
-    WarningNotifications silent(services, remote.scan, {});
+    WarningNotifications silent(services, nullptr);
     AutoRules alone({services, sample, review, actions, silent, policy, remote.scan});
     set(&Settings::autoScanRemoteMacs, true);
     alone.runAutoRules(snapshot(99.0));

@@ -96,7 +96,7 @@ protected:
 
     RemoteMachines remote{services};
     FakeNotificationCenter center;
-    WarningNotifications notifications{services, remote.scan, {&center}};
+    WarningNotifications notifications{services, &center};
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
     LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};

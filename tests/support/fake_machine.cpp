@@ -36,6 +36,7 @@ SystemMonitor& FakeMachine::monitor() {
                                     .tailscaleCLI = tailscaleDaemon ? "/absent/tailscale" : "",
                                     .actions = {.folder = reportFolder, .portTest = "nc -vz -w 5"}},
                          .reports = {reportFolder, atGreenwich},
+                         .advisor = advisor,
                          .integration = {&notifications, openRoute},
                          .sampleApplied = [this] { changeSample(); }},
             HostFacts{.cpuCount = 4,

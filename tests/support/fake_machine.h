@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "advisor/advisor_ports.h"
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
 #include "core/remote_records.h"
@@ -79,6 +80,7 @@ public:
     std::function<bool()> openActivityMonitor;
     std::function<void(const std::string& text)> storeOnPasteboard;
     std::function<bool()> openTailscaleApp;
+    AdvisorPorts advisor;             ///< null unless a test sets them: no key can be kept
     TailscaleDaemon tailscaleDaemon;  ///< when absent, the tailnet is not read
     std::function<void(AppRoute)> openRoute;
     /// When set, these replace those of each sample.

@@ -13,13 +13,13 @@
 #include "core/locale.h"
 #include "core/services.h"
 #include "core/settings/settings_owner.h"
+#include "integration/notification_actions.h"
 #include "integration/notification_center.h"
 #include "integration/warning_notifications.h"
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
 #include "platform/desktop/dbus_notification_center.h"
 #include "platform/desktop/qt_main_queue.h"
-#include "tests/support/remote_machines.h"
 
 using namespace tallowcrest;
 
@@ -36,6 +36,7 @@ public:
     void setResponseHandler(std::function<void(const std::string&)> respond) override {
         center_.setResponseHandler([respond](const std::string& identifier) {
             std::cout << "pressed " << identifier << std::endl;
+            std::cout << "route " << rawValue(routeOfNotificationAction(identifier)) << std::endl;
             if (respond) {
                 respond(identifier);
             }
@@ -79,10 +80,8 @@ int main(int argc, char** argv) {
     ConfirmationDesk confirmations(log, queue);
     PlainLocale locale;
     const Services services{log, settings, confirmations, jobs, clock, locale};
-    RemoteMachines remote(services);
-    WarningNotifications notifications(
-        services, remote.scan,
-        {&center, [](AppRoute route) { std::cout << "route " << rawValue(route) << std::endl; }});
+    center.setResponseHandler({});
+    WarningNotifications notifications(services, &center);
     notifications.registerNotificationCategories();
     std::thread reader([&] {
         std::string line;
