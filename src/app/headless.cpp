@@ -5,9 +5,14 @@
 #include <cstdlib>
 #include <string>
 
+#include <fmt/format.h>
+
 #include "app/composition.h"
 #include "app/console.h"
 #include "app/headless_format.h"
+#include "app/open_metrics.h"
+#include "core/settings/settings.h"
+#include "platform/base/replaced_file.h"
 #include "platform/base/run_loop.h"
 #include "remote/remote.h"
 #include "reports/reports.h"
@@ -18,6 +23,10 @@ namespace {
 
 /// The tailnet is read with the samples, so one that is waited for is taken sooner.
 constexpr std::chrono::milliseconds remoteInterval{500};
+
+void complainOfFile(const std::string& path, const std::string& problem) {
+    complain(fmt::format("cannot write {}: {}", printableText(path).text, problem));
+}
 
 /// Prints each sample when it is applied, or the report, or the results of a scan of other
 /// machines, and stops the loop after the last sample that was requested.
@@ -42,10 +51,7 @@ public:
             printRemote(monitor);
             return;
         }
-        const std::string text = options_.json
-                                     ? sampleJSON(*sample.snapshot(), sample.recommendations())
-                                     : sampleBlock(*sample.snapshot(), sample.recommendations());
-        if (!writeToStandardOutput(text)) {
+        if (!write(textOf(monitor))) {
             finish(EXIT_FAILURE);
             return;
         }
@@ -56,6 +62,28 @@ public:
     }
 
 private:
+    std::string textOf(SystemMonitor& monitor) const {
+        const LatestSample& sample = monitor.sample();
+        return options_.openMetrics ? openMetrics(*sample.snapshot(), sample.recommendations(),
+                                                  monitor.settings().warningThreshold)
+               : options_.json      ? sampleJSON(*sample.snapshot(), sample.recommendations())
+                                    : sampleBlock(*sample.snapshot(), sample.recommendations());
+    }
+
+    /// False when no further sample can be written either. A file that cannot be replaced now is
+    /// tried again with the next sample.
+    bool write(const std::string& text) {
+        if (!options_.openMetrics || *options_.openMetrics == "-") {
+            return writeToStandardOutput(text);
+        }
+        const std::string problem = replaceFile(*options_.openMetrics, text);
+        if (problem != fileProblem_ && !problem.empty()) {
+            complainOfFile(*options_.openMetrics, problem);
+        }
+        fileProblem_ = problem;
+        return true;
+    }
+
     /// Prints after the second sample: the first one has loads averaged over each process's
     /// lifetime.
     void printReport(SystemMonitor& monitor) {
@@ -110,12 +138,20 @@ private:
     RunLoop& loop_;
     std::int64_t printed_ = 0;
     bool isScanning_ = false;
+    std::string fileProblem_;  ///< of the last sample; empty when it was written
     bool isDone_ = false;
 };
 
 }  // namespace
 
 int runHeadless(const Options& options) {
+    if (options.openMetrics && *options.openMetrics != "-") {
+        const std::string problem = whyNotReplaceable(*options.openMetrics);
+        if (!problem.empty()) {
+            complainOfFile(*options.openMetrics, problem);
+            return usageStatus;
+        }
+    }
     RunLoop loop;
     SamplePrinter printer(options, loop);
     Composition composition(loop, SettingsAccess::readOnly, {},

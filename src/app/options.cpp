@@ -51,6 +51,8 @@ private:
             parseSamples();
         } else if (name == "--interval") {
             parseInterval();
+        } else if (name == "--openmetrics") {
+            parseOpenMetrics();
         } else if (bool* flag = flagNamed(name)) {
             if (value_) {
                 fail(fmt::format("option '{}' takes no value", name));
@@ -129,15 +131,31 @@ private:
             std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(*seconds * 1000.0)));
     }
 
+    void parseOpenMetrics() {
+        const auto path = takeValue("--openmetrics");
+        if (path && path->empty()) {
+            fail("option '--openmetrics' needs a path, or '-' for standard output");
+        } else if (path) {
+            options_.openMetrics = *path;
+        }
+    }
+
     void checkCombination() {
-        const std::string_view headlessOnly = options_.json       ? "--json"
-                                              : options_.samples  ? "--samples"
-                                              : options_.interval ? "--interval"
-                                              : options_.report   ? "--report"
-                                              : options_.remote   ? "--remote"
-                                                                  : "";
+        const std::string_view headlessOnly = options_.json          ? "--json"
+                                              : options_.openMetrics ? "--openmetrics"
+                                              : options_.samples     ? "--samples"
+                                              : options_.interval    ? "--interval"
+                                              : options_.report      ? "--report"
+                                              : options_.remote      ? "--remote"
+                                                                     : "";
         if (!options_.headless && !headlessOnly.empty()) {
             fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
+        }
+        if (options_.openMetrics && (options_.json || options_.report || options_.remote)) {
+            fail(fmt::format("option '--openmetrics' cannot go with '{}'", options_.json ? "--json"
+                                                                           : options_.report
+                                                                               ? "--report"
+                                                                               : "--remote"));
         }
         if (options_.redacted && !options_.report) {
             fail("option '--redacted' needs '--report'");
@@ -185,6 +203,9 @@ Usage: tallowcrest [options]
 
   --headless          sample without a window and print to standard output
     --json            one JSON object per line instead of readable blocks
+    --openmetrics PATH
+                      write each sample to PATH instead, as OpenMetrics text for
+                      monitoring systems; "-" for standard output
     --samples N       end after N samples
     --interval SECS   seconds between samples (default 4)
     --report          take two samples, print the diagnostics report and end

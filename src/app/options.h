@@ -16,9 +16,12 @@ struct Options {
     bool showVersion = false;
     bool headless = false;
     bool json = false;
-    bool report = false;                                ///< print the diagnostics report and end
-    bool remote = false;                                ///< scan other machines once and end
-    bool redacted = false;                              ///< the report without private data
+    bool report = false;    ///< print the diagnostics report and end
+    bool remote = false;    ///< scan other machines once and end
+    bool redacted = false;  ///< the report without private data
+    /// The file that each sample is written to as OpenMetrics text, "-" for standard output;
+    /// absent: none.
+    std::optional<std::string> openMetrics;
     std::optional<std::int64_t> samples;                ///< stop after that many; absent: never
     std::optional<std::chrono::milliseconds> interval;  ///< absent: the monitor's default
 };

@@ -134,6 +134,7 @@ TEST(Options, RejectsHeadlessOptionsWithoutHeadless) {
     EXPECT_EQ(refusal({"--samples", "3"}), "option '--samples' needs '--headless'");
     EXPECT_EQ(refusal({"--interval", "3"}), "option '--interval' needs '--headless'");
     EXPECT_EQ(refusal({"--report"}), "option '--report' needs '--headless'");
+    EXPECT_EQ(refusal({"--openmetrics", "-"}), "option '--openmetrics' needs '--headless'");
     EXPECT_EQ(refusal({"--redacted"}), "option '--redacted' needs '--report'");
     EXPECT_EQ(refusal({"--headless", "--redacted"}), "option '--redacted' needs '--report'");
     // Help is given whatever the other options are.
@@ -160,6 +161,20 @@ TEST(Options, Report) {
               "option '--report' cannot go with '--json'");
     EXPECT_EQ(refusal({"--headless", "--report", "--samples", "5"}),
               "option '--report' cannot go with '--samples'");
+}
+
+TEST(Options, OpenMetrics) {
+    EXPECT_EQ(accepted({"--headless", "--openmetrics", "-"}).openMetrics, "-");
+    EXPECT_EQ(accepted({"--headless", "--openmetrics=/run/a.prom", "--samples", "2"}).openMetrics,
+              "/run/a.prom");
+    EXPECT_EQ(accepted({"--headless"}).openMetrics, std::nullopt);
+    EXPECT_EQ(refusal({"--headless", "--openmetrics"}), "option '--openmetrics' needs a value");
+    EXPECT_EQ(refusal({"--headless", "--openmetrics", ""}),
+              "option '--openmetrics' needs a path, or '-' for standard output");
+    for (const char* other : {"--json", "--report", "--remote"}) {
+        EXPECT_EQ(refusal({"--headless", "--openmetrics", "-", other}),
+                  std::string("option '--openmetrics' cannot go with '") + other + "'");
+    }
 }
 
 TEST(Options, ReportsTheFirstError) {
@@ -191,8 +206,9 @@ TEST(Options, MessagesShortenALongArgumentBetweenCharacters) {
 
 TEST(Options, HelpListsEveryOptionInNarrowLines) {
     const std::string help(helpText());
-    for (const char* option : {"--headless", "--json", "--samples", "--interval", "--ui-testing",
-                               "--report", "--remote", "--redacted", "--version", "--help", "-h"}) {
+    for (const char* option :
+         {"--headless", "--json", "--samples", "--interval", "--ui-testing", "--openmetrics",
+          "--report", "--remote", "--redacted", "--version", "--help", "-h"}) {
         EXPECT_THAT(help, HasSubstr(option));
     }
     std::size_t longest = 0;

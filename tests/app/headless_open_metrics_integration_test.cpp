@@ -1,0 +1,61 @@
+// Samples as OpenMetrics text, by the program without a window.
+
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/app/headless_program.h"
+#include "tests/support/file_text.h"
+#include "tests/support/names_in.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+const auto isOneSample =
+    AllOf(StartsWith("# TYPE tallowcrest_build_info gauge\n"),
+          HasSubstr("\ntallowcrest_cpu_load_ratio "), HasSubstr("\ntallowcrest_memory_size_bytes "),
+          HasSubstr("\ntallowcrest_app_processes{app=\""), EndsWith("\n# EOF\n"));
+
+TEST(HeadlessOpenMetrics, WritesEachSampleToTheFileAndNothingElse) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path() / "tallowcrest.prom";
+    const ProgramResult result =
+        run({"--headless", "--openmetrics", file, "--samples", "2", "--interval", "0.05"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardOutput, "");
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_THAT(fileText(file), isOneSample);
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("tallowcrest.prom"));
+}
+
+TEST(HeadlessOpenMetrics, WritesToStandardOutput) {
+    const ProgramResult result = run({"--headless", "--openmetrics", "-", "--samples", "1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.standardOutput, isOneSample);
+}
+
+TEST(HeadlessOpenMetrics, APathThatCannotBeWrittenEndsWithOneLine) {
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("elsewhere", folder.path() / "link");
+    for (const auto& [path, problem] :
+         {std::pair{folder.path() / "absent/x.prom", "No such file or directory"},
+          {folder.path(), "Is a directory"},
+          {folder.path() / "link", "It is a symbolic link"}}) {
+        const ProgramResult result = run({"--headless", "--openmetrics", path, "--samples", "1"});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.standardError,
+                  "tallowcrest: cannot write " + path.string() + ": " + problem + "\n");
+    }
+}
+
+}  // namespace
+}  // namespace tallowcrest
