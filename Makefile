@@ -2,7 +2,7 @@
 # the steps in order.
 
 .DEFAULT_GOAL := help
-.PHONY: help build run test check bench screenshots fuzz asan tsan format format-check tidy clean
+.PHONY: help build run test check bench screenshots fuzz asan tsan fleet-check format format-check tidy clean
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
@@ -29,6 +29,7 @@ help:
 	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
 	@echo 'make asan          all tests under the address and undefined behaviour sanitizers'
 	@echo 'make tsan          all tests under the thread sanitizer'
+	@echo 'make fleet-check   collect from the program with the real exporter and server'
 	@echo 'make format        lay out the source; make format-check only looks'
 	@echo 'make tidy          static analysis of the source and the scripts'
 	@echo 'make clean         remove build/'
@@ -89,6 +90,9 @@ tsan:
 	cmake --preset tsan
 	scripts/with-sanitizer-options cmake --build build/tsan -j $(JOBS)
 	scripts/with-sanitizer-options ctest --test-dir build/tsan --output-on-failure -j $(JOBS)
+
+fleet-check: build
+	scripts/fleet-check build/release
 
 format:
 	@$(BOOTSTRAP)
