@@ -39,9 +39,23 @@ TEST(EndpointTest, CompletesAnAddress) {
              Case{"http://127.0.0.1:8080/v1", "http://127.0.0.1:8080/v1/responses",
                   "127.0.0.1:8080"},
              Case{"http://127.255.3.4", "http://127.255.3.4/v1/responses", "127.255.3.4"},
+             Case{"https://example.org/a%C3%a4%3A", "https://example.org/a%C3%a4%3A/v1/responses",
+                  "example.org"},
+             Case{"https://[::]", "https://[::]/v1/responses", "[::]"},
+             Case{"https://[1::]", "https://[1::]/v1/responses", "[1::]"},
+             Case{"https://[1:2:3:4:5:6:7:8]", "https://[1:2:3:4:5:6:7:8]/v1/responses",
+                  "[1:2:3:4:5:6:7:8]"},
+             Case{"https://[1:2:3:4:5:6:7::]", "https://[1:2:3:4:5:6:7::]/v1/responses",
+                  "[1:2:3:4:5:6:7::]"},
+             Case{"https://[::ffff:10.0.0.7]", "https://[::ffff:10.0.0.7]/v1/responses",
+                  "[::ffff:10.0.0.7]"},
+             Case{"https://[1:2:3:4:5:6:10.0.0.7]", "https://[1:2:3:4:5:6:10.0.0.7]/v1/responses",
+                  "[1:2:3:4:5:6:10.0.0.7]"},
              Case{"http://[::1]:8080", "http://[::1]:8080/v1/responses", "[::1]:8080"},
          }) {
-        EXPECT_EQ(endpointFrom(c.address), (Endpoint{c.url, c.service})) << c.address;
+        EXPECT_EQ(endpointFrom(c.address),
+                  (Endpoint{c.url, c.service, std::string(c.service) == "OpenAI"}))
+            << c.address;
     }
 }
 
@@ -101,6 +115,42 @@ TEST(EndpointTest, RefusesWhatMustNotBeUsed) {
              std::string("https://::1"),
              std::string("https://[::1]x"),
              std::string("https://[fe80::1%25eth0]"),
+             std::string("https://[:]"),
+             std::string("https://[:::]"),
+             std::string("https://[1]"),
+             std::string("https://[1:2:3:4:5:6:7]"),
+             std::string("https://[1:2:3:4:5:6:7:8:9]"),
+             std::string("https://[1:2:3:4:5:6:7:8::]"),
+             std::string("https://[1::2::3]"),
+             std::string("https://[:1:2:3:4:5:6:7]"),
+             std::string("https://[1:2:3:4:5:6:7:]"),
+             std::string("https://[12345::]"),
+             std::string("https://[g::]"),
+             std::string("https://[10.0.0.7]"),
+             std::string("https://[10.0.0.7::]"),
+             std::string("https://[::10.0.0.256]"),
+             std::string("https://[::10.0.0.7:1]"),
+             std::string("https://[1:2:3:4:5:6:7:10.0.0.7]"),
+             std::string("https://example..org"),
+             std::string("https://example.org."),
+             std::string("https://."),
+             "https://" + std::string(64, 'a') + ".org",
+             std::string("https://example.org:080"),
+             std::string("https://example.org:00443"),
+             // Escapes.
+             std::string("https://example.org/%"),
+             std::string("https://example.org/%4"),
+             std::string("https://example.org/%4g"),
+             std::string("https://example.org/%%41"),
+             std::string("https://example.org/%2e%2e/v1"),
+             std::string("https://example.org/a%2Eb"),
+             std::string("https://example.org/a%2fb"),
+             std::string("https://example.org/a%2Fb"),
+             std::string("https://example.org/a%5cb"),
+             std::string("https://example.org/a%00b"),
+             std::string("https://example.org/a%0d%0aHost:x"),
+             std::string("https://example.org/a%1Fb"),
+             std::string("https://example.org/a%7fb"),
              // Paths.
              std::string("https://example.org?x=1"),
              std::string("https://example.org/v1?x=1"),
@@ -122,6 +172,14 @@ TEST(EndpointTest, RefusesWhatMustNotBeUsed) {
          }) {
         EXPECT_EQ(endpointFrom(address), std::nullopt) << address.substr(0, 60);
     }
+}
+
+TEST(EndpointTest, AHostHasALimit) {
+    const std::string label(63, 'a');
+    const std::string longest = label + "." + label + "." + label + "." + std::string(61, 'b');
+    ASSERT_EQ(longest.size(), 253U);
+    EXPECT_TRUE(endpointFrom("https://" + longest + ":65535/v1"));
+    EXPECT_FALSE(endpointFrom("https://" + longest + "b"));
 }
 
 TEST(EndpointTest, AnAddressOfTheGreatestLengthIsUsed) {
