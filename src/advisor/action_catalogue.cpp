@@ -84,7 +84,7 @@ std::string_view defaultSuggestionTitle(std::string_view type) {
 }
 
 std::string trustDisplayName(std::string_view type) {
-    if (type == "disk_cleanup") {
+    if (type == diskCleanupAction) {
         return "Disk cache cleanup";
     }
     const Row* row = rowOf(type);

@@ -6,6 +6,10 @@
 
 namespace tallowcrest {
 
+/// The action type of the disk's unattended clean-up. It has a trust record of its own, and is
+/// never that of a suggestion.
+inline constexpr std::string_view diskCleanupAction = "disk_cleanup";
+
 /// Everything that a suggestion of the advisor can do. A type without an action cannot run.
 enum class AdvisorAction { selectTop, localPurge, scanRemote, copyReport, exportDiagnostics };
 

@@ -49,7 +49,7 @@ void Suggestions::clearApprovals() {
 Outcome Suggestions::approveSuggestion(const AIActionSuggestion& suggestion) {
     approvedAIActionIDs_.insert(suggestion.id);
     observable_->changed();
-    dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::approved);
+    recordTrustEvent(suggestion, TrustEvent::approved);
     return dependencies_.services.log.record(
         Outcome::done(fmt::format("Approved AI action: {}.", suggestion.title)));
 }
@@ -58,7 +58,7 @@ Outcome Suggestions::approveAllSuggestions() {
     approvedAIActionIDs_.clear();
     for (const AIActionSuggestion& suggestion : aiActions_) {
         approvedAIActionIDs_.insert(suggestion.id);
-        dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::approved);
+        recordTrustEvent(suggestion, TrustEvent::approved);
     }
     observable_->changed();
     return dependencies_.services.log.record(Outcome::done(fmt::format(
@@ -73,41 +73,42 @@ Outcome Suggestions::runSuggestion(const AIActionSuggestion& suggestion) {
     }
     const auto action = advisorAction(suggestion.type);
     if (!action) {
-        dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::blocked);
+        recordTrustEvent(suggestion, TrustEvent::blocked);
         return log.record(Outcome::refused(
             fmt::format("AI action '{}' is informational only.", suggestion.type)));
     }
-    if (*action == AdvisorAction::localPurge) {
-        return runPurge(suggestion);
+    if (*action == AdvisorAction::localPurge && !isMemoryPressureHigh()) {
+        recordTrustEvent(suggestion, TrustEvent::blocked);
+        return log.record(Outcome::refused(
+            fmt::format("AI purge suggestion blocked because memory pressure is below {}%.",
+                        cutToInteger(dependencies_.services.settings.values().warningThreshold))));
     }
-    dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::run);
+    recordTrustEvent(suggestion, TrustEvent::run);
     switch (*action) {
         case AdvisorAction::selectTop:
             return dependencies_.review.selectTopApp();
+        case AdvisorAction::localPurge:
+            return dependencies_.local.requestPurge();
         case AdvisorAction::scanRemote:
             return dependencies_.scan.scanRemoteMacs();
         case AdvisorAction::copyReport:
             return dependencies_.reports.copyDiagnosticsReport();
         case AdvisorAction::exportDiagnostics:
             return dependencies_.reports.exportDiagnosticsReport();
-        case AdvisorAction::localPurge:
-            break;
     }
     return Outcome::ignored();
 }
 
-Outcome Suggestions::runPurge(const AIActionSuggestion& suggestion) {
+void Suggestions::recordTrustEvent(const AIActionSuggestion& suggestion, TrustEvent event) {
+    if (suggestion.type != diskCleanupAction) {
+        dependencies_.trust.recordTrustEvent(suggestion.type, event);
+    }
+}
+
+bool Suggestions::isMemoryPressureHigh() const {
     const auto& snapshot = dependencies_.sample.snapshot();
     const double pressure = snapshot ? snapshot->memory.pressure : 0.0;
-    const double threshold = dependencies_.services.settings.values().warningThreshold;
-    if (threshold <= pressure) {
-        dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::run);
-        return dependencies_.local.requestPurge();
-    }
-    dependencies_.trust.recordTrustEvent(suggestion.type, TrustEvent::blocked);
-    return dependencies_.services.log.record(Outcome::refused(
-        fmt::format("AI purge suggestion blocked because memory pressure is below {}%.",
-                    cutToInteger(threshold))));
+    return dependencies_.services.settings.values().warningThreshold <= pressure;
 }
 
 Outcome Suggestions::runApprovedSuggestions() {

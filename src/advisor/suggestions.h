@@ -18,6 +18,7 @@ class RemoteScan;
 class Reports;
 class ReviewTarget;
 class Trust;
+enum class TrustEvent;
 
 /// The suggestions of the latest analysis: their approval, and the one place where they run. What
 /// runs is an operation that the owner could also have begun by a button. Main thread.
@@ -68,7 +69,10 @@ public:
     Observable& observable() { return *observable_; }
 
 private:
-    Outcome runPurge(const AIActionSuggestion& suggestion);
+    /// Counts what happened to a suggestion. One of the type `diskCleanupAction` counts nothing: a
+    /// reply must not earn the trust that lets the disk's clean-up run by itself.
+    void recordTrustEvent(const AIActionSuggestion& suggestion, TrustEvent event);
+    bool isMemoryPressureHigh() const;
 
     Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;

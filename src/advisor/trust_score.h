@@ -15,8 +15,8 @@ std::string_view trustLabel(const AITrustRecord& record);
 /// One line: "78% trust · 2 approved · 3 run · 0 blocked".
 std::string trustLine(const AITrustRecord& record);
 
-/// Whether a clean-up of the disk may run unattended, by the record of "disk_cleanup"; a missing
-/// record counts as all zero.
+/// Whether a clean-up of the disk may run unattended, by the record of
+/// `diskCleanupAction`; a missing record counts as all zero.
 bool diskCleanupTrustEstablished(std::int64_t runCount, std::int64_t trustPercent);
 
 }  // namespace tallowcrest

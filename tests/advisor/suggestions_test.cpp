@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "advisor/action_catalogue.h"
+#include "advisor/trust_score.h"
 #include "core/record_json.h"
 #include "tests/support/advisor_machine.h"
 
@@ -105,7 +107,7 @@ TEST_F(SuggestionsTest, EachTypeCallsItsOperation) {
 }
 
 TEST_F(SuggestionsTest, AnUnknownTypeIsInformational) {
-    for (const char* type : {"reboot", "disk_cleanup", "none ", ""}) {
+    for (const char* type : {"reboot", "disk cleanup", "none ", ""}) {
         const std::string message = "AI action '" + std::string(type) + "' is informational only.";
         EXPECT_EQ(approveAndRun(type), Outcome::refused(message));
         EXPECT_THAT(events(), ElementsAre("Action: " + message));
@@ -236,6 +238,45 @@ TEST_F(SuggestionsTest, TheSafeSwitchSaysWhenThereIsNothingForIt) {
                 ElementsAre("AI: AI safe actions enabled, but no executable safe action was "
                             "suggested."));
     EXPECT_THAT(suggestions().approvedAIActionIDs(), IsEmpty());
+}
+
+TEST_F(SuggestionsTest, NoSuggestionTouchesTheTrustOfTheDiskCleanup) {
+    const std::string type(diskCleanupAction);
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(approveAndRun(type),
+                  Outcome::refused("AI action 'disk_cleanup' is informational only."));
+        suggestions().approveAllSuggestions();
+        suggestions().runFirstSafeSuggestion();
+        suggestions().applyAdvisorAutonomy();
+    }
+    EXPECT_THAT(trust().aiTrustRecords(), IsEmpty());
+    // Nor does a refusal take away what clean-ups have earned.
+    for (int i = 0; i < 4; ++i) {
+        trust().recordTrustEvent(type, TrustEvent::run);
+    }
+    approveAndRun(type);
+    EXPECT_THAT(countsOf(type), ElementsAre(0, 4, 0));
+    EXPECT_TRUE(diskCleanupTrustEstablished(4, trustPercent(trust().aiTrustRecords().at(type))));
+}
+
+TEST_F(SuggestionsTest, AStoredRecordCanBeOdd) {
+    const std::map<std::string, AITrustRecord> records{
+        {"select_top", {"other", 90, 90, 0, {}}},  // not the type that it is stored under
+        {"scan_remote", {"scan_remote", -5, -3, -100, {}}},
+        {"copy_report", {"copy_report", 100, -1, 0, {}}}};
+    store.values.write("Tallowcrest.aiTrustRecords", JSONData{*record_json::encode(records)});
+    begin();
+    takeSample();
+    settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::trusted);
+    publish({"select_top", "scan_remote", "copy_report", "other"});
+    suggestions().applyAdvisorAutonomy();
+    EXPECT_THAT(suggestions().approvedAIActionIDs(), ElementsAre(at(0).id))
+        << "the key counts, and a score without runs is no experience";
+    EXPECT_EQ(trustPercent(trust().aiTrustRecords().at("scan_remote")), 100);
+    approveAndRun("select_top");
+    EXPECT_THAT(countsOf("select_top"), ElementsAre(91, 91, 0)) << "and now it has its own type";
+    approveAndRun("scan_remote");
+    EXPECT_THAT(countsOf("scan_remote"), ElementsAre(-4, -2, -100));
 }
 
 }  // namespace
