@@ -11,6 +11,7 @@
 
 #include "advisor/action_catalogue.h"
 #include "core/number_text.h"
+#include "reports/diagnostics_rows.h"
 #include "sampling/binary_units.h"
 
 namespace tallowcrest::draft_rules {
@@ -36,11 +37,12 @@ void addSampleRules(std::vector<AIRuleDraft>& drafts, const SystemSnapshot& snap
     }
     if (!snapshot.appImpacts.empty() && snapshot.appImpacts.front().totalMemoryMB >= heavyAppMB) {
         const AppImpact& app = snapshot.appImpacts.front();
+        const std::string name = reportText(app.name);
         drafts.push_back(
-            draft(fmt::format("Watch {} memory growth", app.name),
-                  fmt::format("{} uses more than {} GB again", app.name,
+            draft(fmt::format("Watch {} memory growth", name),
+                  fmt::format("{} uses more than {} GB again", name,
                               withOneDecimal(app.totalMemoryMB / megabytesPerGigabyte)),
-                  fmt::format("Warn and open Optimize with {} selected", app.name)));
+                  fmt::format("Warn and open Optimize with {} selected", name)));
     }
     if (facts.hasRemoteHealth) {
         drafts.push_back(

@@ -20,7 +20,8 @@ struct Facts {
     std::span<const AIActionSuggestion> suggestions;
 };
 
-/// New drafts, all disabled, with new ids.
+/// New drafts, all disabled, with new ids. Control characters in the names of applications become
+/// blanks.
 std::vector<AIRuleDraft> candidates(const Facts& facts);
 
 /// Appends the candidates whose title no present draft has, and drops the oldest drafts beyond

@@ -88,6 +88,14 @@ TEST_F(DraftCandidates, WithoutASampleOnlyTheSuggestionsCount) {
                 ElementsAre("AI pattern: b"));
 }
 
+TEST_F(DraftCandidates, AreLinesWhateverTheNameOfAnAppIs) {
+    snapshot.appImpacts = {appGroup("a\n\x1B[31mb\u202E", 4096.0)};
+    EXPECT_THAT(
+        textsOf(found()),
+        ElementsAre("Watch a  [31mb  memory growth | a  [31mb  uses more than 4.0 GB again | "
+                    "Warn and open Optimize with a  [31mb  selected | low"));
+}
+
 std::vector<AIRuleDraft> draftsNamed(const std::vector<std::string>& titles) {
     return eachOf(titles, [](const std::string& title) {
         AIRuleDraft draft;
