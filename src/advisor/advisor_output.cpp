@@ -3,11 +3,17 @@
 #include <utility>
 
 #include "advisor/action_catalogue.h"
+#include "advisor/provider_reply.h"
 #include "core/json_reader.h"
 #include "core/text.h"
 
 namespace tallowcrest {
 namespace {
+
+std::string cut(std::string text, std::size_t characters) {
+    text.resize(firstCharacters(text, characters).size());
+    return text;
+}
 
 /// From the first opening to the last closing brace: models put words or fences around their JSON.
 std::string_view jsonCandidate(std::string_view text) {
@@ -116,14 +122,19 @@ std::optional<AIActionSuggestion> parseSuggestion(ReplyAction action) {
     }
     std::string title =
         action.title ? *std::move(action.title) : std::string(defaultSuggestionTitle(type));
-    return AIActionSuggestion{UUID::random(), std::move(type), std::move(title),
-                              std::move(action.detail).value_or("Recommended by AI analysis."),
-                              loweredASCII(std::move(action.risk).value_or("low"))};
+    std::string detail = std::move(action.detail).value_or("Recommended by AI analysis.");
+    std::string risk = loweredASCII(std::move(action.risk).value_or("low"));
+    return AIActionSuggestion{UUID::random(), cut(std::move(type), maximumTypeCharacters),
+                              cut(std::move(title), maximumTitleCharacters),
+                              cut(std::move(detail), maximumDetailCharacters),
+                              cut(std::move(risk), maximumRiskCharacters)};
 }
 
 AdvisorOutput parseAdvisorOutput(std::string_view text) {
-    auto output = readOutput(jsonCandidate(text), text);
-    return output ? *std::move(output) : plainTextOutput(text);
+    auto read = readOutput(jsonCandidate(text), text);
+    AdvisorOutput output = read ? *std::move(read) : plainTextOutput(text);
+    output.summary = cut(std::move(output.summary), maximumAnswerCharacters);
+    return output;
 }
 
 }  // namespace tallowcrest

@@ -79,7 +79,8 @@ std::optional<Texts> readOutput(JsonReader& reader) {
 }  // namespace
 
 std::optional<std::string> extractResponseText(std::string_view data) {
-    JsonReader reader(data);
+    constexpr std::string_view byteOrderMark = "\uFEFF";
+    JsonReader reader(data.starts_with(byteOrderMark) ? data.substr(byteOrderMark.size()) : data);
     if (!reader.enterObject()) {
         return std::nullopt;
     }
@@ -108,9 +109,9 @@ ProviderResult interpretProviderReply(const HttpReply& reply, std::string_view s
         return AIError{fmt::format("{} {}", service, words)};
     };
     if (reply.transportError) {
-        return error("request failed: " + *reply.transportError);
+        return error("request failed: " + replacingInvalidUTF8(*reply.transportError));
     }
-    if (!reply.data) {
+    if (!reply.data || reply.data->empty()) {
         return error("returned no data.");
     }
     if (reply.status >= 200 && reply.status <= 299) {

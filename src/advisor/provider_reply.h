@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,14 +12,20 @@ namespace tallowcrest {
 
 struct HttpReply;
 
+/// The most characters of one text of a provider that are kept: it is stored, drawn and sent again.
+/// An answer as it is asked for has a few thousand.
+inline constexpr std::size_t maximumAnswerCharacters = 65536;
+
 /// The text of a reply, or why there is none.
 using ProviderResult = std::variant<std::string, AIError>;
 
 /// The text in the body of a good reply: its lines are the texts of its parts. Empty when there is
-/// no part with a text; absent when the body is not a reply. Pure; any thread.
+/// no part with a text; absent when the body is not a reply. A byte order mark in front is skipped.
+/// Pure; any thread.
 std::optional<std::string> extractResponseText(std::string_view data);
 
-/// What became of an exchange with `service`, which is named in the errors. Pure; any thread.
+/// What became of an exchange with `service`, which is named in the errors. All texts are valid
+/// UTF-8. Pure; any thread.
 ProviderResult interpretProviderReply(const HttpReply& reply, std::string_view service);
 
 }  // namespace tallowcrest

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "advisor/provider_reply.h"
 #include "tests/support/each_of.h"
 
 namespace tallowcrest {
@@ -150,7 +151,7 @@ TEST(ParseAdvisorOutput, HugeAndDeepRepliesAreRead) {
     }
     EXPECT_THAT(typesIn(many + "]}"), SizeIs(maximumSuggestions));
     const std::string deep = "{\"actions\":" + std::string(200000, '[');
-    EXPECT_EQ(parseAdvisorOutput(deep).summary, deep);
+    EXPECT_EQ(parseAdvisorOutput(deep).summary, deep.substr(0, maximumAnswerCharacters));
     const std::string closed = std::string(200000, '[') + std::string(200000, ']');
     EXPECT_EQ(parseAdvisorOutput("{\"summary\":\"a\",\"x\":" + closed + "}").summary, "a");
 }
@@ -165,6 +166,34 @@ TEST(ParseSuggestion, FillsWhatIsMissing) {
     EXPECT_EQ(unknown->type, "reboot_mac");
     EXPECT_EQ(unknown->title, "Review recommendation");
     EXPECT_EQ(unknown->risk, " high ");
+}
+
+TEST(ParseAdvisorOutput, LongTextsAreCutBetweenCharacters) {
+    const auto times = [](std::size_t count) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) {
+            text += "\u00E4";
+        }
+        return text;
+    };
+    for (const std::size_t more : {0U, 1U, 70000U}) {
+        const AdvisorOutput output =
+            parseAdvisorOutput(R"({"summary":")" + times(maximumAnswerCharacters + more) +
+                               R"(","actions":[{"type":")" + times(64 + more) + R"(","title":")" +
+                               times(200 + more) + R"(","detail":")" + times(2000 + more) +
+                               R"(","risk":")" + times(32 + more) + R"("}]})");
+        EXPECT_EQ(output.summary, times(maximumAnswerCharacters));
+        ASSERT_THAT(output.suggestions, SizeIs(1));
+        EXPECT_EQ(output.suggestions[0].type, times(64));
+        EXPECT_EQ(output.suggestions[0].title, times(200));
+        EXPECT_EQ(output.suggestions[0].detail, times(2000));
+        EXPECT_EQ(output.suggestions[0].risk, times(32));
+        EXPECT_EQ(parseAdvisorOutput(times(maximumAnswerCharacters + more)).summary,
+                  times(maximumAnswerCharacters));
+    }
+    // What is cut off does not make a known word of it.
+    const std::string type = "local_purge" + std::string(53, ' ');
+    EXPECT_THAT(typesIn("{\"actions\":[" + action(type + "x") + "]}"), ElementsAre(type));
 }
 
 }  // namespace
