@@ -5,13 +5,14 @@
 namespace tallowcrest {
 
 Advisor::Advisor(const Dependencies& dependencies)
-    : trust(dependencies.services),
+    : key(dependencies.services, dependencies.ports),
+      trust(dependencies.services),
       drafts(dependencies.services, dependencies.sample, dependencies.scan),
       suggestions({dependencies.services, dependencies.sample, dependencies.actions.review,
                    dependencies.actions.local, dependencies.scan, dependencies.reports, trust}),
       provider({dependencies.services, dependencies.sample, dependencies.reports,
-                dependencies.actions.pasteboard, suggestions, drafts, dependencies.ports}),
-      chat({dependencies.services, dependencies.sample, dependencies.actions.review,
-            dependencies.reports, dependencies.ports}) {}
+                dependencies.actions.pasteboard, suggestions, drafts, key}),
+      chat(dependencies.services, dependencies.sample, dependencies.actions.review,
+           dependencies.reports, key) {}
 
 }  // namespace tallowcrest

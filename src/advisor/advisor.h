@@ -4,6 +4,7 @@
 #include "advisor/chat.h"
 #include "advisor/provider.h"
 #include "advisor/rule_drafts.h"
+#include "advisor/stored_key.h"
 #include "advisor/suggestions.h"
 #include "advisor/trust.h"
 
@@ -29,6 +30,7 @@ struct Advisor {
 
     explicit Advisor(const Dependencies& dependencies);
 
+    StoredKey key;
     Trust trust;
     RuleDrafts drafts;
     Suggestions suggestions;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -15,11 +16,16 @@ namespace tallowcrest {
 inline constexpr std::string_view keychainService = "local.quern.tallowcrest";
 inline constexpr std::string_view openAIKeyAccount = "OPENAI_API_KEY";
 
+/// How long an operation of a `SecretStore` waits for the owner to unlock the store: long enough to
+/// type a password. A question that nobody sees must not keep the advisor busy for longer.
+inline constexpr std::chrono::seconds unlockWait{30};
+
 /// The system's store for secrets, which keeps one secret under `keychainService` and
 /// `openAIKeyAccount`. It never leaves this machine, and can be read without a question after the
 /// store was unlocked once. Every operation may block; only `read`, `add` and `remove` may ask the
-/// owner to unlock the store, and then block until the owner has answered. All other waiting is
-/// bounded by the implementation. Called on background threads, on several at once.
+/// owner to unlock the store. They wait for the answer at most for `unlockWait`, and then end as if
+/// the store had remained locked. All other waiting is bounded by the implementation. Called on
+/// background threads, on several at once.
 class SecretStore {
 public:
     virtual ~SecretStore() = default;
@@ -27,20 +33,31 @@ public:
     /// Whether there is a secret, be it locked or not. Never asks the owner.
     virtual bool isStored() = 0;
 
-    /// The bytes of the secret. Absent when there is none, the store is missing or remains locked.
+    /// The bytes of the secret. Absent when there is none, the store is missing, remains locked or
+    /// ends meanwhile.
     virtual std::optional<SecretText> read() = 0;
 
-    /// Stores the secret, of which there is none yet. False when the store refuses.
+    /// Stores the secret. False when the store refuses, and when it remains locked. A secret that
+    /// is already there, because it could not be removed, is replaced or remains, and the result is
+    /// false if it remains.
     virtual bool add(const SecretText& secret) = 0;
 
-    /// False when the secret may still be there. True when there was none.
+    /// False when the secret may still be there, as when the store remains locked. True when there
+    /// was none.
     virtual bool remove() = 0;
 };
 
-/// A POST request of JSON to a provider. The references are valid during the exchange.
+/// The largest body of a reply that is read. The longest text that is kept of one takes less than
+/// 800 KiB even if each character is escaped; a larger reply is a fault of the server, and must not
+/// fill the memory.
+inline constexpr std::size_t maximumReplyBytes = 1024UL * 1024;
+
+/// A POST request of JSON to a provider. The references are valid until `post` returns: an exchange
+/// that goes on after that has copies of its own, and wipes that of the token when it ends.
 struct HttpRequest {
     const std::string& url;  ///< https, or http to this machine
-    /// Sent in the header "Authorization", behind "Bearer ".
+    /// Sent in the header "Authorization", behind "Bearer ". When it is empty, there is no such
+    /// header.
     const SecretText& bearerToken;
     const std::string& body;  ///< sent with the content type "application/json"
     /// How long the caller waits, and after how long the exchange itself ends.
@@ -50,15 +67,18 @@ struct HttpRequest {
 
 /// What came back for a request.
 struct HttpReply {
-    int status = 0;                        ///< 0 when it was no HTTP response
-    std::optional<std::string> data = {};  ///< the body, of any bytes; absent when there was none
+    int status = 0;  ///< 0 when it was no HTTP response
+    /// The body, of any bytes. Absent or empty when there was none; the two mean the same.
+    std::optional<std::string> data = {};
     /// Why there was no reply, in the system's words; absent when there was one.
     std::optional<std::string> transportError = {};
 };
 
 /// Exchanges of HTTP with a provider. Redirections are not followed: the token belongs to the host
-/// that was asked. Certificates are always verified. The size of a reply is limited; a larger one
-/// is a transport error. Called on background threads, on several at once.
+/// that was asked. Certificates are always verified. A body of more than `maximumReplyBytes` is a
+/// transport error. A request to http never goes through a proxy, and "localhost" is asked at a
+/// loopback address only, whatever the system's resolver says. Called on background threads, on
+/// several at once.
 class HttpExchange {
 public:
     virtual ~HttpExchange() = default;
@@ -73,7 +93,7 @@ public:
 /// The ports of `Advisor`. Shared, because background work may outlive the components.
 struct AdvisorPorts {
     std::shared_ptr<SecretStore> secrets = {};  ///< null where no key can be kept
-    std::shared_ptr<HttpExchange> http = {};    ///< null only where `secrets` is null
+    std::shared_ptr<HttpExchange> http = {};    ///< null where no provider can be asked
 };
 
 }  // namespace tallowcrest

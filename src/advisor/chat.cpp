@@ -9,8 +9,7 @@
 #include "actions/review_target.h"
 #include "advisor/endpoint.h"
 #include "advisor/guidance.h"
-#include "advisor/openai_key.h"
-#include "advisor/provider_exchange.h"
+#include "advisor/stored_key.h"
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
@@ -45,17 +44,21 @@ std::string eventDetail(std::string_view text, std::string_view question) {
 
 }  // namespace
 
-Chat::Chat(Dependencies dependencies)
-    : dependencies_(std::move(dependencies)),
-      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
-      messages_(dependencies_.services.settings, stored::chatMessages,
-                welcome(dependencies_.services.clock.now())),
-      jobs_(dependencies_.services.jobs) {}
+Chat::Chat(const Services& services, const LatestSample& sample, const ReviewTarget& review,
+           const Reports& reports, const StoredKey& key)
+    : services_(services),
+      sample_(sample),
+      review_(review),
+      reports_(reports),
+      key_(key),
+      observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
+      messages_(services.settings, stored::chatMessages, welcome(services.clock.now())),
+      jobs_(services.jobs) {}
 
 Chat::~Chat() = default;
 
 void Chat::setAIChatInput(std::string text) {
-    state_.aiChatInput = std::move(text);
+    state_.aiChatInput = isValidUTF8(text) ? std::move(text) : replacingInvalidUTF8(text);
     observable_->changed();
 }
 
@@ -65,92 +68,90 @@ Outcome Chat::askQuickQuestion(std::string text) {
 }
 
 Outcome Chat::sendChatMessage() {
-    std::string question(trimmingWhiteSpace(state_.aiChatInput));
+    const std::string question(trimmingWhiteSpace(state_.aiChatInput));
     if (question.empty() || state_.aiChatBusy) {
         return Outcome::ignored();
     }
     setAIChatInput({});
     addMessage(ownerRole, question);
-    if (dependencies_.ports.secrets == nullptr) {
-        return answerOnThisMachine(question);
+    const auto send = [this, question](std::optional<ReadKey> key) {
+        // The settings as they are now: they can have changed while the key was read.
+        const auto endpoint = endpointFrom(services_.settings.values().aiEndpoint);
+        return sendWith(key_.accessTo(endpoint, std::move(key)), question);
+    };
+    if (!key_.hasStore()) {
+        return send({});
     }
     setBusy(true);
-    jobs_.run(
-        Lane::secrets,
-        [secrets = dependencies_.ports.secrets](const Stop&) { return readOpenAIKey(*secrets); },
-        [this, question = std::move(question)](std::optional<SecretText> key) {
-            sendWith(std::move(key), question);
-        });
+    key_.read(jobs_, send);
     return Outcome::asked();
 }
 
 Outcome Chat::answerOnThisMachine(const std::string& question) {
     addMessage(advisorRole, onDeviceAnswer(question));
-    dependencies_.services.log.recordEvent(ActivityKind::localGuidance,
-                                           eventDetail("Answered without paid AI: ", question));
+    services_.log.recordEvent(ActivityKind::localGuidance,
+                              eventDetail("Answered without paid AI: ", question));
     return record("Answered with on-device guidance.");
 }
 
-void Chat::sendWith(std::optional<SecretText> key, const std::string& question) {
-    if (!key) {
+Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& question) {
+    if (!access) {
         setBusy(false);
-        answerOnThisMachine(question);
-        return;
+        return answerOnThisMachine(question);
     }
-    const Settings& settings = dependencies_.services.settings.values();
-    auto report = dependencies_.reports.diagnosticsReport(settings.aiRedactProcessDetails);
+    auto report = reports_.diagnosticsReport(services_.settings.values().aiRedactProcessDetails);
     if (!report) {
         setBusy(false);
         addMessage(advisorRole, std::string(noSampleAnswer));
-        return;
+        return Outcome::refused(std::string(noSampleAnswer));
     }
-    setBusy(true);  // anew, as the exchange begins here
+    setBusy(true);  // from here on it waits for the service
     record("Asking Tallowcrest Chat...");
     const auto count = static_cast<std::ptrdiff_t>(std::min(messages_->size(), recentMessages));
     jobs_.run(
         Lane::advisor,
-        [access = ProviderAccess{dependencies_.ports.http, endpointFrom(settings.aiEndpoint),
-                                 *std::move(key), settings.openAIModel},
+        [access = *std::move(access),
          recent = std::vector(messages_->end() - count, messages_->end()), question,
          report = *std::move(report)](const Stop& stop) {
             return postChatRequest(access, recent, question, report, stop.stopToken());
         },
-        [this, question](const ProviderResult& result) { finishChatRequest(result, question); });
+        [this, question](const std::optional<ProviderResult>& result) {
+            finishChatRequest(result, question);
+        });
+    return Outcome::asked();
 }
 
-void Chat::finishChatRequest(const ProviderResult& result, const std::string& question) {
+void Chat::finishChatRequest(const std::optional<ProviderResult>& result,
+                             const std::string& question) {
     setBusy(false);
-    ActivityLog& log = dependencies_.services.log;
-    if (const auto* error = std::get_if<AIError>(&result)) {
+    if (!result) {
+        answerOnThisMachine(question);
+        return;
+    }
+    ActivityLog& log = services_.log;
+    if (const auto* error = std::get_if<AIError>(&*result)) {
         addMessage(advisorRole,
                    "Paid AI is currently unavailable, so here is the on-device answer:\n\n" +
-                       onDeviceAnswer(question));
+                       onDeviceAnswer(question),
+                   true);
         log.recordEvent(ActivityKind::localGuidance, "Paid AI fallback: " + error->message);
         record("Answered with on-device fallback guidance.");
     } else {
-        addMessage(advisorRole, std::get<std::string>(result));
+        addMessage(advisorRole, std::get<std::string>(*result), true);
         log.recordEvent(ActivityKind::chat, eventDetail("Answered: ", question));
         record("Tallowcrest Chat answered.");
-    }
-    if (stored::chatMessages.excess(*messages_) > 0) {
-        messages_.change(
-            [](std::vector<AIChatMessage>& messages) { stored::chatMessages.trim(messages); });
     }
 }
 
 std::string Chat::onDeviceAnswer(const std::string& question) const {
-    const auto& snapshot = dependencies_.sample.snapshot();
+    const auto& snapshot = sample_.snapshot();
     if (!snapshot) {
         return std::string(noSampleAnswer);
     }
-    const Settings& settings = dependencies_.services.settings.values();
-    const SelectedTargetSummary target = dependencies_.review.selectedTargetSummary();
-    return onDeviceChatAnswer(question,
-                              {.snapshot = *snapshot,
-                               .warningThreshold = settings.warningThreshold,
-                               .diskMinimumFreeGB = settings.diskMinimumFreeGB,
-                               .locale = dependencies_.services.locale},
-                              dependencies_.review.selectedPID() ? &target : nullptr);
+    const SelectedTargetSummary target = review_.selectedTargetSummary();
+    return onDeviceChatAnswer(
+        question, guidanceFacts(*snapshot, services_.settings.values(), services_.locale),
+        review_.selectedPID() ? &target : nullptr);
 }
 
 Outcome Chat::clearChat() {
@@ -159,22 +160,25 @@ Outcome Chat::clearChat() {
     return record("Cleared Tallowcrest Chat.");
 }
 
-void Chat::addMessage(std::string role, std::string text) {
+void Chat::addMessage(std::string role, std::string text, bool cutsList) {
     messages_.change([&](std::vector<AIChatMessage>& messages) {
         messages.push_back(
-            {UUID::random(), std::move(role), std::move(text), dependencies_.services.clock.now()});
+            {UUID::random(), std::move(role), std::move(text), services_.clock.now()});
+        if (cutsList) {
+            stored::chatMessages.trim(messages);
+        }
     });
     observable_->changed();
 }
 
 void Chat::setBusy(bool isBusy) {
     state_.aiChatBusy = isBusy;
-    state_.aiChatBusySince = dependencies_.services.clock.now();
+    state_.aiChatBusySince = services_.clock.now();
     observable_->changed();
 }
 
 Outcome Chat::record(std::string message) const {
-    return dependencies_.services.log.record(Outcome::done(std::move(message)));
+    return services_.log.record(Outcome::done(std::move(message)));
 }
 
 }  // namespace tallowcrest

@@ -5,13 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "advisor/advisor_ports.h"
-#include "advisor/provider_reply.h"
+#include "advisor/provider_exchange.h"
 #include "core/advisor_records.h"
 #include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/outcome.h"
-#include "core/secret_text.h"
 #include "core/services.h"
 #include "core/settings/stored_list.h"
 
@@ -21,14 +19,16 @@ class LatestSample;
 class Observable;
 class Reports;
 class ReviewTarget;
+class StoredKey;
 
 struct ChatState {
     std::string aiChatInput;  ///< the text of the entry field
     /// Whether an answer is under way, from the reading of the key on, which can ask the owner to
     /// unlock the secret store.
     bool aiChatBusy = false;
-    /// Since when the key is being read or, later, the service asked, which takes at most about
-    /// `exchangeWait`. Meaningless while it is not busy.
+    /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
+    /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
+    /// The clock can be set back meanwhile; see `secondsWaited`.
     Date aiChatBusySince;
 };
 
@@ -36,17 +36,10 @@ struct ChatState {
 /// acts, and no answer is read for actions. Each question gets exactly one answer. Main thread.
 class Chat {
 public:
-    /// The references must outlive the object.
-    struct Dependencies {
-        Services services;
-        const LatestSample& sample;
-        const ReviewTarget& review;
-        const Reports& reports;
-        AdvisorPorts ports;
-    };
-
-    /// Begins with the messages that an earlier run left, or with a welcome.
-    explicit Chat(Dependencies dependencies);
+    /// Begins with the messages that an earlier run left, or with a welcome. The references must
+    /// outlive the object.
+    Chat(const Services& services, const LatestSample& sample, const ReviewTarget& review,
+         const Reports& reports, const StoredKey& key);
     ~Chat();
     Chat(const Chat&) = delete;
     Chat& operator=(const Chat&) = delete;
@@ -55,6 +48,7 @@ public:
     /// Oldest first.
     const std::vector<AIChatMessage>& aiChatMessages() const { return *messages_; }
 
+    /// What is not UTF-8 becomes U+FFFD: the text will be stored and sent.
     void setAIChatInput(std::string text);
 
     /// Asks what is in the input. Ignored while an answer is under way and when the input has no
@@ -63,22 +57,30 @@ public:
     /// Puts `text` into the input and sends it.
     Outcome askQuickQuestion(std::string text);
 
-    /// Removes all messages; no welcome comes back.
+    /// Removes all messages; no welcome comes back. An answer that is under way still comes.
     Outcome clearChat();
 
     /// Notifies of a changed state and of new and removed messages.
     Observable& observable() { return *observable_; }
 
 private:
-    void sendWith(std::optional<SecretText> key, const std::string& question);
-    void finishChatRequest(const ProviderResult& result, const std::string& question);
+    /// `access` is absent when this machine has to answer.
+    Outcome sendWith(std::optional<ProviderAccess> access, const std::string& question);
+    /// `result` is absent when nothing was sent, for want of a key.
+    void finishChatRequest(const std::optional<ProviderResult>& result,
+                           const std::string& question);
     Outcome answerOnThisMachine(const std::string& question);
     std::string onDeviceAnswer(const std::string& question) const;
-    void addMessage(std::string role, std::string text);
+    /// With `cutsList` the list keeps no more than what is stored.
+    void addMessage(std::string role, std::string text, bool cutsList = false);
     void setBusy(bool isBusy);
     Outcome record(std::string message) const;
 
-    Dependencies dependencies_;
+    Services services_;
+    const LatestSample& sample_;
+    const ReviewTarget& review_;
+    const Reports& reports_;
+    const StoredKey& key_;
     std::unique_ptr<Observable> observable_;
     ChatState state_;
     StoredList<std::vector<AIChatMessage>> messages_;

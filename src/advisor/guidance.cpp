@@ -8,6 +8,7 @@
 #include "actions/review_target.h"
 #include "core/locale.h"
 #include "core/number_text.h"
+#include "core/settings/settings.h"
 #include "core/text.h"
 #include "reports/diagnostics_rows.h"
 
@@ -106,6 +107,14 @@ std::string generalAnswer(const GuidanceFacts& facts) {
 }
 
 }  // namespace
+
+GuidanceFacts guidanceFacts(const SystemSnapshot& snapshot, const Settings& settings,
+                            const Locale& locale) {
+    return {.snapshot = snapshot,
+            .warningThreshold = settings.warningThreshold,
+            .diskMinimumFreeGB = settings.diskMinimumFreeGB,
+            .locale = locale};
+}
 
 std::string onDeviceAnalysis(const GuidanceFacts& facts) {
     return fmt::format("{} {} {}", memorySentence(facts), cpuSentence(facts), diskSentence(facts));

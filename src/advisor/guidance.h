@@ -9,6 +9,7 @@
 namespace tallowcrest {
 
 class Locale;
+struct Settings;
 struct SelectedTargetSummary;
 
 /// What the guidance of this machine speaks from. The references must stay valid during the call.
@@ -18,6 +19,10 @@ struct GuidanceFacts {
     double diskMinimumFreeGB;  ///< gigabytes
     const Locale& locale;
 };
+
+/// The facts of a sample under the present settings. The references must outlive the result.
+GuidanceFacts guidanceFacts(const SystemSnapshot& snapshot, const Settings& settings,
+                            const Locale& locale);
 
 // The answers of this machine alone: the same facts give the same words. Control characters in the
 // names of processes become blanks. Any thread.

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/secret_text.h"
 
@@ -21,5 +26,29 @@ std::optional<SecretText> validatedOpenAIKey(std::string_view text);
 /// The stored key. Absent when there is none, when it cannot be read, or when it could not stand in
 /// a header: another program may have stored it. Blocks as `SecretStore::read` does.
 std::optional<SecretText> readOpenAIKey(SecretStore& secrets);
+
+/// A key that was read, which counts until the stored one is removed or replaced. Any thread.
+class ReadKey {
+public:
+    /// Advances with each change of the stored key.
+    using Generation = std::atomic<std::uint64_t>;
+
+    /// `generation` is the value that `present` had before the key was read.
+    ReadKey(SecretText text, std::uint64_t generation, std::shared_ptr<const Generation> present)
+        : text_(std::move(text)), generation_(generation), present_(std::move(present)) {}
+
+    /// Null when the stored key has been removed or replaced since the reading.
+    const SecretText* ifStillStored() const { return *present_ == generation_ ? &text_ : nullptr; }
+
+private:
+    SecretText text_;
+    std::uint64_t generation_;
+    std::shared_ptr<const Generation> present_;
+};
+
+/// `text` with "•••" in place of the key, also where backslashes of JSON stand within it: a server
+/// can repeat what it was sent. A key of less than eight bytes is no secret, and stays. Pure; any
+/// thread.
+std::string strikingOutKey(std::string text, std::string_view key);
 
 }  // namespace tallowcrest

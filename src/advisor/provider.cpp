@@ -9,9 +9,8 @@
 #include "actions/desktop_actions.h"
 #include "advisor/endpoint.h"
 #include "advisor/guidance.h"
-#include "advisor/openai_key.h"
-#include "advisor/provider_exchange.h"
 #include "advisor/rule_drafts.h"
+#include "advisor/stored_key.h"
 #include "advisor/suggestions.h"
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
@@ -28,13 +27,6 @@ namespace {
 
 constexpr std::size_t recordedCharacters = 240;
 
-constexpr std::string_view noSample = "No diagnostic sample is available yet.";
-
-std::string serviceOf(std::string_view address) {
-    const auto endpoint = endpointFrom(address);
-    return endpoint ? endpoint->service : "an unknown service";
-}
-
 }  // namespace
 
 Provider::Provider(Dependencies dependencies)
@@ -48,9 +40,11 @@ Provider::Provider(Dependencies dependencies)
         std::string(confirmationKind),
         {.confirm =
              [this](const ConfirmationRequest& /*request*/, void* held) {
-                 // The settings can have changed while the question was open.
-                 const bool isAgreed = *static_cast<const Consent*>(held) == presentConsent();
-                 return isAgreed ? sendAIAnalysis() : requestAIAnalysis();
+                 // The settings can have changed while the question was open, that for the question
+                 // included.
+                 const auto* const agreed = static_cast<const Consent*>(held);
+                 const bool isAgreed = agreed != nullptr && *agreed == presentConsent();
+                 return isAgreed ? sendAIAnalysis() : askForConsent();
              },
          .cancel = {}});
     lookForKey();
@@ -59,25 +53,23 @@ Provider::Provider(Dependencies dependencies)
 Provider::~Provider() = default;
 
 void Provider::lookForKey() {
-    if (dependencies_.ports.secrets == nullptr) {
+    if (!dependencies_.key.hasStore()) {
         return;
     }
     setKeyBusy(true);
-    jobs_.run(
-        Lane::secrets,
-        [secrets = dependencies_.ports.secrets](const Stop&) { return secrets->isStored(); },
-        [this](bool isStored) {
-            setKeyBusy(false);
-            state_.openAIKeySaved = isStored;
-            if (isStored && isInsightInitial_) {
-                state_.aiInsight = "Enhanced AI recommendations are ready.";
-            }
-        });
+    dependencies_.key.find(jobs_, [this](bool isStored) {
+        setKeyBusy(false);
+        state_.openAIKeySaved = isStored;
+        if (isStored && isInsightInitial_) {
+            state_.aiInsight = "Enhanced AI recommendations are ready.";
+        }
+    });
 }
 
 // The key -----------------------------------------------------------------------------------------
 
 void Provider::setOpenAIKeyInput(SecretText text) {
+    isInputNew_ = isInputNew_ || text.view() != openAIKeyInput_.view();
     openAIKeyInput_ = std::move(text);
     observable_->changed();
 }
@@ -91,18 +83,14 @@ Outcome Provider::saveOpenAIKey() {
         setInsight("That does not look like an OpenAI API key.");
         return Outcome::refused(state_.aiInsight);
     }
-    if (dependencies_.ports.secrets == nullptr) {
+    if (!dependencies_.key.hasStore()) {
         finishSavingKey(false);
         return Outcome::failed(state_.aiInsight);
     }
+    isInputNew_ = false;
     setKeyBusy(true);
-    jobs_.run(
-        Lane::secrets,
-        [secrets = dependencies_.ports.secrets, key = *std::move(key)](const Stop&) {
-            secrets->remove();
-            return secrets->add(key);
-        },
-        [this](bool isSaved) { finishSavingKey(isSaved); });
+    dependencies_.key.save(jobs_, *std::move(key),
+                           [this](bool isSaved) { finishSavingKey(isSaved); });
     return Outcome::asked();
 }
 
@@ -112,7 +100,7 @@ void Provider::finishSavingKey(bool isSaved) {
         setInsight("Could not save the key in Keychain.");
         return;
     }
-    openAIKeyInput_ = {};
+    clearOldInput();
     state_.openAIKeySaved = true;
     setInsight("OpenAI key saved in Keychain. AI recommendations are ready.");
     record(Outcome::done("Saved OpenAI API key in Keychain."));
@@ -122,28 +110,31 @@ Outcome Provider::removeOpenAIKey() {
     if (state_.isKeyBusy) {
         return Outcome::ignored();
     }
-    if (dependencies_.ports.secrets == nullptr) {
-        finishRemovingKey(true);
-        return Outcome::done();
+    isInputNew_ = false;
+    if (!dependencies_.key.hasStore()) {
+        return finishRemovingKey(true);
     }
     setKeyBusy(true);
-    jobs_.run(
-        Lane::secrets,
-        [secrets = dependencies_.ports.secrets](const Stop&) { return secrets->remove(); },
-        [this](bool isRemoved) { finishRemovingKey(isRemoved); });
+    dependencies_.key.remove(jobs_, [this](bool isRemoved) { finishRemovingKey(isRemoved); });
     return Outcome::asked();
 }
 
-void Provider::finishRemovingKey(bool isRemoved) {
+Outcome Provider::finishRemovingKey(bool isRemoved) {
     setKeyBusy(false);
     if (!isRemoved) {
         setInsight("Could not remove the key from Keychain.");
-        return;
+        return Outcome::failed(state_.aiInsight);
     }
-    openAIKeyInput_ = {};
+    clearOldInput();
     state_.openAIKeySaved = false;
     setInsight("OpenAI key removed from Keychain.");
-    record(Outcome::done("Removed OpenAI API key."));
+    return record(Outcome::done("Removed OpenAI API key."));
+}
+
+void Provider::clearOldInput() {
+    if (!isInputNew_) {
+        openAIKeyInput_ = {};
+    }
 }
 
 void Provider::setKeyBusy(bool isBusy) {
@@ -173,33 +164,44 @@ Outcome Provider::setAIEndpoint(std::string_view address) {
 }
 
 std::string Provider::serviceName() const {
-    return serviceOf(dependencies_.services.settings.values().aiEndpoint);
+    const auto endpoint = presentConsent().endpoint;
+    return endpoint ? endpoint->service : "an unknown service";
 }
 
 // The analysis ------------------------------------------------------------------------------------
 
 Provider::Consent Provider::presentConsent() const {
     const Settings& settings = dependencies_.services.settings.values();
-    return {settings.aiEndpoint, settings.aiRedactProcessDetails};
+    return {endpointFrom(settings.aiEndpoint), settings.aiRedactProcessDetails};
+}
+
+bool Provider::isConnected() const {
+    const auto endpoint = presentConsent().endpoint;
+    return state_.openAIKeySaved ||
+           (endpoint && !endpoint->needsKey && dependencies_.key.hasExchange());
 }
 
 Outcome Provider::requestAIAnalysis() {
-    if (!state_.openAIKeySaved) {
+    if (!isConnected()) {
         return composeOnDeviceAnalysis(false);
     }
     if (!dependencies_.services.settings.values().aiRequirePreview) {
         return sendAIAnalysis();
     }
-    if (!dependencies_.sample.snapshot()) {
-        setInsight(std::string(noSample));
-        return Outcome::refused(std::string(noSample));
-    }
-    return askForConsent();
+    return dependencies_.sample.snapshot() ? askForConsent() : refuseWithoutSample();
+}
+
+Outcome Provider::refuseWithoutSample() {
+    setInsight("No diagnostic sample is available yet.");
+    return Outcome::refused(state_.aiInsight);
 }
 
 Outcome Provider::askForConsent() {
     const Consent consent = presentConsent();
-    const std::string service = serviceName();
+    if (!consent.endpoint) {
+        return sendAIAnalysis();  // which sends nothing, so there is nothing to ask
+    }
+    const std::string& service = consent.endpoint->service;
     dependencies_.services.confirmations.requestConfirmation(
         {.id = UUID::random(),
          .title = fmt::format("Send diagnostics to {}?", service),
@@ -219,76 +221,86 @@ Outcome Provider::sendAIAnalysis() {
     if (state_.aiBusy) {
         return Outcome::ignored();
     }
-    if (dependencies_.ports.secrets == nullptr) {
-        return composeOnDeviceAnalysis(false);
+    const Consent consent = presentConsent();
+    if (!consent.endpoint) {
+        return dependencies_.sample.snapshot() ? fallBack() : refuseWithoutSample();
+    }
+    const auto send = [this, consent](std::optional<ReadKey> key) {
+        return sendAIAnalysisWith(dependencies_.key.accessTo(consent.endpoint, std::move(key)),
+                                  consent.isRedacted);
+    };
+    if (!dependencies_.key.hasStore()) {
+        return send({});
     }
     setBusy(true);
-    jobs_.run(
-        Lane::secrets,
-        [secrets = dependencies_.ports.secrets](const Stop&) { return readOpenAIKey(*secrets); },
-        [this, consent = presentConsent()](std::optional<SecretText> key) {
-            sendAIAnalysisWith(std::move(key), consent);
-        });
+    dependencies_.key.read(jobs_, send);
     return Outcome::asked();
 }
 
-void Provider::sendAIAnalysisWith(std::optional<SecretText> key, const Consent& consent) {
-    if (!key) {
+Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted) {
+    if (!access) {
         setBusy(false);
-        composeOnDeviceAnalysis(false);
-        return;
+        return composeOnDeviceAnalysis(false);
     }
-    auto report = dependencies_.reports.diagnosticsReport(consent.isRedacted);
+    auto report = dependencies_.reports.diagnosticsReport(isRedacted);
     if (!report) {
         setBusy(false);
-        setInsight(std::string(noSample));
-        return;
+        return refuseWithoutSample();
     }
-    const Settings& settings = dependencies_.services.settings.values();
-    setBusy(true);  // anew, as the exchange begins here
+    setBusy(true);  // from here on it waits for the service
     dependencies_.suggestions.setAIActions({});
     setInsight(
-        fmt::format("Asking {} for a performance recommendation...", serviceOf(consent.endpoint)));
+        fmt::format("Asking {} for a performance recommendation...", access->endpoint->service));
     jobs_.run(
         Lane::advisor,
-        [access = ProviderAccess{dependencies_.ports.http, endpointFrom(consent.endpoint),
-                                 *std::move(key), settings.openAIModel},
+        [access = *std::move(access),
          report = *std::move(report)](const Stop& stop) -> AnalysisResult {
-            const ProviderResult result = postAnalysisRequest(access, report, stop.stopToken());
-            if (const auto* error = std::get_if<AIError>(&result)) {
+            const auto result = postAnalysisRequest(access, report, stop.stopToken());
+            if (!result) {
+                return std::nullopt;
+            }
+            if (const auto* error = std::get_if<AIError>(&*result)) {
                 return *error;
             }
             // A reply can be long, so it is read here.
-            return parseAdvisorOutput(std::get<std::string>(result));
+            return parseAdvisorOutput(std::get<std::string>(*result));
         },
         // The owner's switch as it is now: a later change does not affect this request.
-        [this, runsSafeAction = settings.aiSafeActionsEnabled](AnalysisResult result) {
-            finishAIAnalysis(std::move(result), runsSafeAction);
-        });
+        [this, runsSafeAction = dependencies_.services.settings.values().aiSafeActionsEnabled](
+            AnalysisResult result) { finishAIAnalysis(std::move(result), runsSafeAction); });
+    return Outcome::asked();
 }
 
 void Provider::finishAIAnalysis(AnalysisResult result, bool runsSafeAction) {
     setBusy(false);
-    Suggestions& suggestions = dependencies_.suggestions;
-    ActivityLog& log = dependencies_.services.log;
-    auto* const output = std::get_if<AdvisorOutput>(&result);
-    if (output == nullptr) {
-        composeOnDeviceAnalysis(true);
-        suggestions.setAIActions({});
-        log.recordEvent(ActivityKind::localAnalysis,
-                        "Paid AI was unavailable; used on-device guidance instead.");
+    if (!result) {
+        composeOnDeviceAnalysis(false);
         return;
     }
+    auto* const output = std::get_if<AdvisorOutput>(&*result);
+    if (output == nullptr) {
+        fallBack();
+        return;
+    }
+    Suggestions& suggestions = dependencies_.suggestions;
     setInsight(output->summary);
     suggestions.setAIActions(output->suggestions);
     suggestions.clearApprovals();
     dependencies_.drafts.generateRuleDrafts(output->suggestions);
     suggestions.applyAdvisorAutonomy();
-    log.recordEvent(ActivityKind::ai,
-                    std::string(firstCharacters(output->summary, recordedCharacters)));
+    dependencies_.services.log.recordEvent(
+        ActivityKind::ai, std::string(firstCharacters(output->summary, recordedCharacters)));
     if (runsSafeAction) {
         suggestions.runFirstSafeSuggestion();
     }
+}
+
+Outcome Provider::fallBack() {
+    Outcome outcome = composeOnDeviceAnalysis(true);
+    dependencies_.suggestions.setAIActions({});
+    dependencies_.services.log.recordEvent(
+        ActivityKind::localAnalysis, "Paid AI was unavailable; used on-device guidance instead.");
+    return outcome;
 }
 
 Outcome Provider::composeOnDeviceAnalysis(bool fellBack) {
@@ -297,25 +309,24 @@ Outcome Provider::composeOnDeviceAnalysis(bool fellBack) {
         setInsight("No diagnostic sample is available yet. Refresh once, then analyze again.");
         return Outcome::refused(state_.aiInsight);
     }
-    const Settings& settings = dependencies_.services.settings.values();
-    const std::string text = onDeviceAnalysis({.snapshot = *snapshot,
-                                               .warningThreshold = settings.warningThreshold,
-                                               .diskMinimumFreeGB = settings.diskMinimumFreeGB,
-                                               .locale = dependencies_.services.locale});
+    const Services& services = dependencies_.services;
+    const std::string text =
+        onDeviceAnalysis(guidanceFacts(*snapshot, services.settings.values(), services.locale));
     setInsight((fellBack ? "Paid AI is currently unavailable, so Tallowcrest used on-device "
                            "analysis instead. "
                          : "On-device analysis: ") +
                text);
     dependencies_.suggestions.setAIActions({});
     dependencies_.suggestions.clearApprovals();
-    dependencies_.services.log.recordEvent(ActivityKind::localAnalysis,
-                                           std::string(firstCharacters(text, recordedCharacters)));
+    services.log.recordEvent(ActivityKind::localAnalysis,
+                             std::string(firstCharacters(text, recordedCharacters)));
     return record(Outcome::done(fellBack ? "Completed on-device fallback analysis."
                                          : "Completed on-device analysis."));
 }
 
 Outcome Provider::copyAIPreview() {
-    const auto report = dependencies_.reports.diagnosticsReport(presentConsent().isRedacted);
+    const auto report = dependencies_.reports.diagnosticsReport(
+        dependencies_.services.settings.values().aiRedactProcessDetails);
     return report ? dependencies_.pasteboard.copyToPasteboard(*report,
                                                               "Copied the AI diagnostics preview.")
                   : record(Outcome::refused("No AI payload preview is available yet."));

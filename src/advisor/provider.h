@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "advisor/advisor_output.h"
-#include "advisor/advisor_ports.h"
+#include "advisor/provider_exchange.h"
 #include "core/advisor_records.h"
 #include "core/date.h"
 #include "core/jobs/jobs.h"
@@ -22,6 +22,7 @@ class Observable;
 class Pasteboard;
 class Reports;
 class RuleDrafts;
+class StoredKey;
 class Suggestions;
 
 /// The key and the analysis, as the screens show them.
@@ -37,8 +38,9 @@ struct ProviderState {
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
     /// unlock the secret store.
     bool aiBusy = false;
-    /// Since when the key is being read or, later, the service asked, which takes at most about
-    /// `exchangeWait`. Meaningless while it is not busy.
+    /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
+    /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
+    /// The clock can be set back meanwhile; see `secondsWaited`.
     Date aiBusySince;
 };
 
@@ -55,7 +57,7 @@ public:
         Pasteboard& pasteboard;
         Suggestions& suggestions;
         RuleDrafts& drafts;
-        AdvisorPorts ports;
+        StoredKey& key;
     };
 
     /// The kind of confirmation that it registers.
@@ -69,15 +71,21 @@ public:
 
     const ProviderState& state() const { return state_; }
 
+    /// Whether an analysis can be one of the provider: a key is believed to be stored, or the
+    /// owner's own server is to be asked, which needs none.
+    bool isConnected() const;
+
     /// What the owner has typed as the key and not saved yet.
     const SecretText& openAIKeyInput() const { return openAIKeyInput_; }
     void setOpenAIKeyInput(SecretText text);
 
     /// Stores the typed key in place of an older one; refused when it is not one. The result is in
-    /// `aiInsight`. The input is cleared once the key is stored. If that fails, the older key is
-    /// gone, and the input stays.
+    /// `aiInsight`. The input is cleared once the key is stored, unless it was changed meanwhile.
+    /// If storing fails, the input stays, and the older key is gone, or still there if it could not
+    /// even be removed.
     Outcome saveOpenAIKey();
-    /// Removes the stored key. If that fails, `openAIKeySaved` and the input stay.
+    /// Removes the stored key, and clears the input as above. If that fails, `openAIKeySaved` and
+    /// the input stay.
     Outcome removeOpenAIKey();
 
     void setAIRedactProcessDetails(bool redacts);
@@ -86,11 +94,13 @@ public:
     /// Sets the base address of a server to ask in place of OpenAI's, trimmed; empty for OpenAI's.
     /// An address that must not be used changes nothing and is refused with a message.
     Outcome setAIEndpoint(std::string_view address);
-    /// What texts call the service that is asked: "OpenAI", or the host of another one.
+    /// What texts call the service that is asked: "OpenAI", the host of another one, or "an unknown
+    /// service" when the stored address must not be used.
     std::string serviceName() const;
 
-    /// Starts an analysis, after a confirmation if the settings say so. Without a key it is the
-    /// analysis of this machine alone, at once. Refused before the first sample.
+    /// Starts an analysis, after a confirmation if the settings say so. Unless `isConnected`, it is
+    /// the analysis of this machine alone, at once; so it is, as after a failed exchange, when the
+    /// stored address must not be used. Refused before the first sample.
     Outcome requestAIAnalysis();
     /// The same without the confirmation. Ignored while an analysis is under way.
     Outcome sendAIAnalysis();
@@ -103,20 +113,25 @@ public:
 private:
     /// What the owner agrees to when an analysis is confirmed.
     struct Consent {
-        std::string endpoint;
+        std::optional<Endpoint> endpoint;  ///< absent when the stored address must not be used
         bool isRedacted = true;
 
         bool operator==(const Consent&) const = default;
     };
-    using AnalysisResult = std::variant<AdvisorOutput, AIError>;
+    /// Absent when nothing was sent, for want of a key.
+    using AnalysisResult = std::optional<std::variant<AdvisorOutput, AIError>>;
 
     Consent presentConsent() const;
     Outcome askForConsent();
     void lookForKey();
     void finishSavingKey(bool isSaved);
-    void finishRemovingKey(bool isRemoved);
-    void sendAIAnalysisWith(std::optional<SecretText> key, const Consent& consent);
+    Outcome finishRemovingKey(bool isRemoved);
+    void clearOldInput();
+    Outcome refuseWithoutSample();
+    /// `access` is absent when this machine has to do it.
+    Outcome sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted);
     void finishAIAnalysis(AnalysisResult result, bool runsSafeAction);
+    Outcome fallBack();
     /// `fellBack` says that a request to the provider has failed.
     Outcome composeOnDeviceAnalysis(bool fellBack);
     void setInsight(std::string text);
@@ -130,6 +145,8 @@ private:
     /// Whether `aiInsight` is still the one that the program begins with.
     bool isInsightInitial_ = true;
     SecretText openAIKeyInput_;
+    /// Whether the input was changed since the key was last being saved or removed.
+    bool isInputNew_ = false;
     JobScope jobs_;
 };
 

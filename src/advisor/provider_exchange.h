@@ -9,9 +9,10 @@
 #include <string_view>
 
 #include "advisor/endpoint.h"
+#include "advisor/openai_key.h"
 #include "advisor/provider_reply.h"
 #include "core/advisor_records.h"
-#include "core/secret_text.h"
+#include "core/date.h"
 
 namespace tallowcrest {
 
@@ -21,22 +22,30 @@ class HttpExchange;
 inline constexpr std::chrono::seconds exchangeWait{30};
 inline constexpr std::chrono::seconds requestTimeout{60};
 
+/// The seconds that an answer has been waited for, never negative: the clock can be set back
+/// meanwhile. Pure; any thread.
+double secondsWaited(Date since, Date now);
+
 /// What a request needs beside its text.
 struct ProviderAccess {
     std::shared_ptr<HttpExchange> http;  ///< never null
     std::optional<Endpoint> endpoint;    ///< absent when the stored address must not be used
-    SecretText key;
-    std::string model;  ///< empty for the default
+    std::optional<ReadKey> key;          ///< absent for a server that is asked without one
+    std::string model;                   ///< empty for the default
 };
 
-// Both block for at most about `exchangeWait`. Background threads.
+// Both block for at most about `exchangeWait`. Absent when the key, which the service needs, has
+// been removed or replaced meanwhile: nothing was sent. What comes back does not have the key in
+// it. Background threads.
 
-ProviderResult postAnalysisRequest(const ProviderAccess& access, std::string_view report,
-                                   const std::stop_token& stop);
+std::optional<ProviderResult> postAnalysisRequest(const ProviderAccess& access,
+                                                  std::string_view report,
+                                                  const std::stop_token& stop);
 
-/// `recentChat` is oldest first.
-ProviderResult postChatRequest(const ProviderAccess& access,
-                               std::span<const AIChatMessage> recentChat, std::string_view question,
-                               std::string_view report, const std::stop_token& stop);
+/// `recentChat` is oldest first. The answer is cut to `maximumAnswerCharacters`.
+std::optional<ProviderResult> postChatRequest(const ProviderAccess& access,
+                                              std::span<const AIChatMessage> recentChat,
+                                              std::string_view question, std::string_view report,
+                                              const std::stop_token& stop);
 
 }  // namespace tallowcrest

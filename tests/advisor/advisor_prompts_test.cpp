@@ -82,14 +82,16 @@ TEST(AdvisorPrompts, TheBodyIsOneCompactObject) {
 class ProviderExchange : public ::testing::Test {
 protected:
     ProviderAccess access(const std::string& address, std::string model = "m") const {
-        return {http, endpointFrom(address), SecretText("sk-key"), std::move(model)};
+        return {http, endpointFrom(address), ReadKey(SecretText("sk-key"), 0, generation),
+                std::move(model)};
     }
 
     std::string errorOf(const ProviderAccess& access, const std::string& report = "report") const {
-        return std::get<AIError>(postAnalysisRequest(access, report, {})).message;
+        return std::get<AIError>(postAnalysisRequest(access, report, {}).value()).message;
     }
 
     std::shared_ptr<FakeHttpExchange> http = std::make_shared<FakeHttpExchange>();
+    std::shared_ptr<ReadKey::Generation> generation = std::make_shared<ReadKey::Generation>(0);
 };
 
 TEST_F(ProviderExchange, SendsTheRequestAndGivesTheText) {
@@ -130,6 +132,36 @@ TEST_F(ProviderExchange, FailsWithWords) {
     EXPECT_EQ(errorOf(access("https://example.org")), "example.org request did not complete.");
     http->reply = HttpReply{.status = 500, .data = "down"};
     EXPECT_EQ(errorOf(access("")), "OpenAI error 500: down");
+}
+
+TEST_F(ProviderExchange, AKeyOfAnOlderGenerationIsNotSent) {
+    http->willSay("answer");
+    const ProviderAccess openAI = access("");
+    const ProviderAccess own = access("http://localhost:80");
+    ++*generation;
+    EXPECT_EQ(postAnalysisRequest(openAI, "REPORT", {}), std::nullopt);
+    EXPECT_EQ(postChatRequest(openAI, {}, "Why?", "REPORT", {}), std::nullopt);
+    EXPECT_THAT(http->sent, IsEmpty());
+    EXPECT_EQ(postAnalysisRequest(own, "REPORT", {}), ProviderResult("answer"));
+    EXPECT_EQ(http->sent.at(0).token, "");
+}
+
+TEST_F(ProviderExchange, AnAnswerIsCutBetweenCharacters) {
+    std::string longText;
+    for (std::size_t i = 0; i <= maximumAnswerCharacters; ++i) {
+        longText += "\u00E4";
+    }
+    http->willSay(longText);
+    EXPECT_EQ(postChatRequest(access(""), {}, "Why?", "REPORT", {}),
+              ProviderResult(longText.substr(0, 2 * maximumAnswerCharacters)));
+    EXPECT_EQ(postAnalysisRequest(access(""), "REPORT", {}), ProviderResult(longText))
+        << "it is parsed, and its texts are cut then";
+}
+
+TEST(SecondsWaited, AreNeverNegative) {
+    EXPECT_EQ(secondsWaited(Date{100.0}, Date{107.5}), 7.5);
+    EXPECT_EQ(secondsWaited(Date{100.0}, Date{100.0}), 0.0);
+    EXPECT_EQ(secondsWaited(Date{100.0}, Date{40.0}), 0.0) << "the clock was set back";
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -40,8 +41,7 @@ protected:
     /// Runs the reading of the key, so that the exchange is the next job.
     void readKey() {
         ASSERT_EQ(workQueue.laneOf(0), Lane::secrets);
-        workQueue.run();
-        mainQueue.drain();
+        runOneJob();
     }
 };
 
@@ -81,6 +81,7 @@ TEST_F(Analysis, GoesThroughItsStepsInOrder) {
     log.clearActivityLog();
     EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
     EXPECT_TRUE(isBusy());
+    EXPECT_THAT(suggestions().aiActions(), SizeIs(1));
     EXPECT_EQ(provider().state().aiBusySince, clock.now());
     clock.advance(std::chrono::seconds(5));
     readKey();
@@ -88,6 +89,7 @@ TEST_F(Analysis, GoesThroughItsStepsInOrder) {
     EXPECT_EQ(provider().state().aiBusySince, clock.now()) << "the wait for the service";
     EXPECT_EQ(insight(), "Asking OpenAI for a performance recommendation...");
     EXPECT_THAT(suggestions().aiActions(), IsEmpty());
+    EXPECT_THAT(suggestions().approvedAIActionIDs(), SizeIs(1)) << "until the end";
     ASSERT_EQ(workQueue.laneOf(0), Lane::advisor);
     EXPECT_THAT(fakes.http->sent, IsEmpty());
 
@@ -117,11 +119,38 @@ TEST_F(Analysis, ALongSummaryIsRecordedCut) {
     EXPECT_THAT(events(), ElementsAre("AI: " + std::string(240, 'x')));
 }
 
+TEST_F(Analysis, TheEventHasTheBeginningOfTheSentencesWithoutThePrefix) {
+    takeSample(99.0, "/usr/bin/" + std::string(300, 'x'));
+    analyze();
+    const std::string prefix =
+        "Paid AI is currently unavailable, so Tallowcrest used on-device analysis instead. ";
+    ASSERT_THAT(insight(), StartsWith(prefix));
+    ASSERT_GT(insight().size(), prefix.size() + 240);
+    EXPECT_EQ(events().front(), "Local Analysis: " + insight().substr(prefix.size(), 240));
+}
+
+TEST_F(Analysis, TwoInARowAddTheRuleOfTheTopAppOnce) {
+    takeSample(10.0, "/usr/bin/editor", 4000.0);
+    fakes.http->willSay("fine");
+    for (int i = 0; i < 2; ++i) {
+        store.written.clear();
+        analyze();
+        EXPECT_THAT(eachOf(advisor->drafts.aiRuleDrafts(), &AIRuleDraft::title),
+                    ElementsAre("Watch editor memory growth"));
+        EXPECT_THAT(store.written, Contains("Tallowcrest.aiRuleDrafts"))
+            << "saved whether or not one of the candidates is new";
+    }
+}
+
 TEST_F(Analysis, AFailureFallsBackToThisMachine) {
     takeSample();
+    suggestions().setAIActions({{UUID::random(), "select_top", "old", "b", "low"}});
+    suggestions().approveAllSuggestions();
+    log.clearActivityLog();
     fakes.http->reply = HttpReply{.status = 401, .data = "bad key"};
     analyze();
     EXPECT_FALSE(isBusy());
+    EXPECT_THAT(suggestions().approvedAIActionIDs(), IsEmpty());
     EXPECT_EQ(insight(),
               "Paid AI is currently unavailable, so Tallowcrest used on-device analysis instead. " +
                   std::string(localText));

@@ -1,5 +1,6 @@
 #include "advisor/chat.h"
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -239,8 +240,80 @@ TEST_F(ChatTest, FortyMessagesAreKept) {
     ask("Why?");
     EXPECT_THAT(messages(), SizeIs(42)) << "this path does not cut the list in memory";
     EXPECT_EQ(storedCount(), 40U);
+    storeKey();
+    store.written.clear();
+    ask("And?");
+    EXPECT_THAT(messages(), SizeIs(40)) << "an answer of the provider cuts it";
+    EXPECT_EQ(messages().back(), "Tallowcrest: answer");
+    EXPECT_EQ(std::ranges::count(store.written, "Tallowcrest.aiChatMessages"), 2)
+        << "for the question and for the answer";
     begin();
     EXPECT_THAT(messages(), SizeIs(40));
+}
+
+TEST_F(ChatTest, OneMessageOverTheLimitIsCutByTheNextAnswer) {
+    storeMessages(39);
+    takeSample();
+    ask("target");
+    EXPECT_THAT(messages(), SizeIs(41));
+    storeKey();
+    fakes.http->reply.reset();
+    ask("target");
+    EXPECT_THAT(messages(), SizeIs(40)) << "a failure cuts it, too";
+}
+
+TEST_F(ChatTest, EightMessagesAreRecent) {
+    takeSample();
+    storeKey();
+    fakes.http->willSay("answer");
+    for (const int before : {7, 8}) {
+        storeMessages(before);
+        ask("Why?");
+        const std::string first = before == 7 ? "You: 1\n" : "You: 2\n";
+        EXPECT_THAT(fakes.http->sent.back().prompt(), HasSubstr("Recent chat:\n" + first));
+        EXPECT_THAT(fakes.http->sent.back().prompt(),
+                    HasSubstr("You: " + std::to_string(before) + "\nYou: Why?\n\nUser question:"));
+    }
+}
+
+TEST_F(ChatTest, AnAnswerThatIsUnderWayComesIntoAClearedChat) {
+    takeSample();
+    storeKey();
+    fakes.http->willSay("answer");
+    chat().askQuickQuestion("Why?");
+    runOneJob();
+    chat().clearChat();
+    finishWork();
+    EXPECT_THAT(messages(), ElementsAre("Tallowcrest: answer"));
+    EXPECT_FALSE(chat().state().aiChatBusy);
+}
+
+TEST_F(ChatTest, TheSettingsCountAsTheyAreWhenTheKeyHasBeenRead) {
+    takeSample();
+    storeKey();
+    fakes.http->willSay("answer");
+    settings.set(&Settings::aiRedactProcessDetails, false);
+    chat().askQuickQuestion("Why?");
+    settings.set(&Settings::aiRedactProcessDetails, true);
+    settings.set(&Settings::aiEndpoint, "https://other.org");
+    settings.set(&Settings::openAIModel, "other");
+    finishWork();
+    EXPECT_EQ(fakes.http->sent.at(0).url, "https://other.org/v1/responses");
+    EXPECT_EQ(fakes.http->sent.at(0).json().at("model"), "other");
+    EXPECT_THAT(fakes.http->sent.at(0).prompt(), HasSubstr("\nredacted\t"));
+}
+
+TEST_F(ChatTest, WhatIsNotUTF8IsStillStored) {
+    takeSample();
+    storeKey();
+    fakes.http->reply = HttpReply{0, {}, "no \xFF route"};
+    ask("disk \xC3(");
+    EXPECT_EQ(messages().at(1), "You: disk \uFFFD(");
+    EXPECT_EQ(storedCount(), 3U);
+    EXPECT_THAT(fakes.http->sent, SizeIs(1));
+    const auto stored = record_json::decodeActivityLog(store.json("Tallowcrest.activityLog"));
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->at(1).detail, "Paid AI fallback: OpenAI request failed: no \uFFFD route");
 }
 
 TEST_F(ChatTest, AnAnalysisCanRunBesideAQuestion) {

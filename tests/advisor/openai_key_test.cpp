@@ -32,11 +32,13 @@ TEST(ValidatedOpenAIKey, RefusesWhatCannotStandInAHeader) {
           std::string("sk-a\tb"), std::string("sk-a\0b", 6), std::string("sk-a\x1B[0m"),
           std::string("sk-a\x7F"
                       "b"),
+          std::string("sk-a\u0080"), std::string("sk-\u009Fa"), std::string("sk-\u00A0\u0085b"),
           std::string("sk-\xFF"), "sk-" + std::string(100000, 'a'),
           "sk-" + std::string(maximumKeyLength - 2, 'a')}) {
         EXPECT_EQ(validated(bad), std::nullopt) << bad.substr(0, 20);
     }
     EXPECT_TRUE(validated("sk-" + std::string(maximumKeyLength - 3, 'a')));
+    EXPECT_TRUE(validated("sk-\u00A0b\u00C2\u0100")) << "nothing of this is a control";
 }
 
 TEST(ReadOpenAIKey, GivesOnlyAKeyThatCanStandInAHeader) {
@@ -57,6 +59,33 @@ TEST(ReadOpenAIKey, GivesOnlyAKeyThatCanStandInAHeader) {
     secrets.secret = "sk-abc";
     secrets.remainsLocked = true;
     EXPECT_FALSE(readOpenAIKey(secrets));
+}
+
+TEST(StrikingOutKey, FindsItWhereverItStands) {
+    const std::string key = "sk-ab/c1";
+    struct Case {
+        std::string text;
+        std::string struckOut;
+    };
+    for (const Case& c : {
+             Case{"", ""},
+             Case{"sk-ab/c", "sk-ab/c"},
+             Case{"sk-ab/c1", "\u2022\u2022\u2022"},
+             Case{"ssk-ab/c1sk-ab/c12", "s\u2022\u2022\u2022\u2022\u2022\u20222"},
+             Case{"sk-sk-ab/c1", "sk-\u2022\u2022\u2022"},
+             Case{"\u00E4sk-ab/c1\u00E4", "\u00E4\u2022\u2022\u2022\u00E4"},
+             Case{R"(sk-ab\/c1)", "\u2022\u2022\u2022"},
+             Case{R"(sk-ab\\/c1)", R"(sk-ab\\/c1)"},
+             Case{R"("\sk-ab/c1\n")", "\"\\\u2022\u2022\u2022\\n\""},
+             Case{"sk-ab\\", "sk-ab\\"},
+             Case{"SK-AB/C1", "SK-AB/C1"},
+         }) {
+        EXPECT_EQ(strikingOutKey(c.text, key), c.struckOut) << c.text;
+    }
+    EXPECT_EQ(strikingOutKey(R"(a\bcdefg and a\\bcdefg)", R"(a\bcdefg)"),
+              "\u2022\u2022\u2022 and \u2022\u2022\u2022");
+    EXPECT_EQ(strikingOutKey("task-force", "sk-"), "task-force") << "too short for a secret";
+    EXPECT_EQ(strikingOutKey("text", ""), "text");
 }
 
 }  // namespace

@@ -54,6 +54,9 @@ TEST_F(ProviderKey, WithoutASecretStoreThereIsNoKey) {
     EXPECT_EQ(save("sk-abc"), Outcome::failed("Could not save the key in Keychain."));
     EXPECT_FALSE(state().openAIKeySaved);
     EXPECT_EQ(provider().openAIKeyInput().view(), "sk-abc");
+    EXPECT_EQ(provider().removeOpenAIKey(), Outcome::done("Removed OpenAI API key."));
+    EXPECT_TRUE(provider().openAIKeyInput().isEmpty());
+    EXPECT_THAT(events(), ElementsAre("Action: Removed OpenAI API key."));
 }
 
 TEST_F(ProviderKey, IsLookedForInTheBackground) {
@@ -190,6 +193,34 @@ TEST_F(ProviderKey, TheSwitchesAreStoredWithoutAMessage) {
     EXPECT_THAT(store.written,
                 ElementsAre("Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview"));
     EXPECT_THAT(events(), IsEmpty());
+}
+
+TEST_F(ProviderKey, AStoreThatRefusesBothKeepsTheOldKey) {
+    save("sk-old");
+    fakes.secrets->refusesToRemove = true;
+    EXPECT_EQ(save("sk-new"), Outcome::asked());
+    EXPECT_EQ(insight(), "Could not save the key in Keychain.");
+    EXPECT_EQ(fakes.secrets->secret, "sk-old");
+    EXPECT_TRUE(state().openAIKeySaved);
+    EXPECT_EQ(provider().openAIKeyInput().view(), "sk-new");
+}
+
+TEST_F(ProviderKey, WhatIsTypedMeanwhileIsKept) {
+    provider().setOpenAIKeyInput(SecretText("sk-first"));
+    provider().saveOpenAIKey();
+    provider().setOpenAIKeyInput(SecretText("sk-second"));
+    finishWork();
+    EXPECT_EQ(fakes.secrets->secret, "sk-first");
+    EXPECT_EQ(provider().openAIKeyInput().view(), "sk-second");
+    provider().saveOpenAIKey();
+    provider().setOpenAIKeyInput(SecretText("sk-second"));  // no change
+    finishWork();
+    EXPECT_EQ(fakes.secrets->secret, "sk-second");
+    EXPECT_TRUE(provider().openAIKeyInput().isEmpty());
+    provider().removeOpenAIKey();
+    provider().setOpenAIKeyInput(SecretText("sk-third"));
+    finishWork();
+    EXPECT_EQ(provider().openAIKeyInput().view(), "sk-third");
 }
 
 }  // namespace

@@ -48,9 +48,10 @@ struct AdvisorMachine : TestServices {
         }
     }
 
-    /// Publishes a sample of one process, the group "editor".
-    void takeSample(double pressure = 10.0) {
-        ProcessSample row = processRow(700, "/usr/bin/editor", 30.0, 1024.0);
+    /// Publishes a sample of one process, the group "editor" unless a test says otherwise.
+    void takeSample(double pressure = 10.0, const std::string& command = "/usr/bin/editor",
+                    double memoryMB = 1024.0) {
+        ProcessSample row = processRow(700, command, 30.0, memoryMB);
         SystemSnapshot snapshot;
         snapshot.memory = {.totalGB = 16.0, .usedGB = 8.0, .freeGB = 8.0, .pressure = pressure};
         snapshot.disk = {.totalGB = 500.0, .freeGB = 100.0};
@@ -83,6 +84,19 @@ struct AdvisorMachine : TestServices {
             result.insert(result.begin(), event.title + ": " + event.detail);
         }
         return result;
+    }
+
+    /// Answers the question for the service with yes, or asks for an analysis without one, and runs
+    /// the reading of the key, so that the exchange is the next job.
+    void beginAnalysis() {
+        advisor->provider.requestAIAnalysis();
+        confirmations.confirmPending();
+        runOneJob();
+    }
+
+    void runOneJob() {
+        workQueue.run();
+        mainQueue.drain();
     }
 
     const std::string& insight() const { return advisor->provider.state().aiInsight; }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -16,29 +18,35 @@ namespace tallowcrest {
 /// A secret store in memory.
 class FakeSecretStore final : public SecretStore {
 public:
-    bool isStored() override { return secret.has_value(); }
+    bool isStored() override { return secret && !isGone; }
     std::optional<SecretText> read() override {
         ++reads;
-        return secret && !remainsLocked ? std::optional<SecretText>(*secret) : std::nullopt;
+        auto found = secret ? std::optional<SecretText>(*secret) : std::nullopt;
+        duringRead();
+        return remainsLocked || isGone ? std::nullopt : std::move(found);
     }
     bool add(const SecretText& given) override {
-        if (secret || refusesToAdd) {
+        if (secret || refusesToAdd || isGone) {
             return false;
         }
         secret = given.view();
         return true;
     }
     bool remove() override {
-        if (!refusesToRemove) {
-            secret.reset();
+        if (refusesToRemove || isGone) {
+            return false;
         }
-        return !refusesToRemove;
+        secret.reset();
+        return true;
     }
 
     std::optional<std::string> secret;
     bool remainsLocked = false;
     bool refusesToAdd = false;
     bool refusesToRemove = false;
+    bool isGone = false;  ///< whether the service has ended
+    /// Called within `read`, when the secret has been found and not been returned.
+    std::function<void()> duringRead = [] {};
     int reads = 0;
 };
 

@@ -1,0 +1,76 @@
+#include "advisor/stored_key.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "core/jobs/jobs.h"
+#include "core/settings/settings_owner.h"
+
+namespace tallowcrest {
+
+StoredKey::StoredKey(const Services& services, AdvisorPorts ports)
+    : services_(services), ports_(std::move(ports)) {}
+
+void StoredKey::find(JobScope& jobs, std::function<void(bool)> then) const {
+    jobs.run(
+        Lane::secrets, [secrets = ports_.secrets](const Stop&) { return secrets->isStored(); },
+        std::move(then));
+}
+
+void StoredKey::read(JobScope& jobs, std::function<void(std::optional<ReadKey>)> then) const {
+    jobs.run(
+        Lane::secrets,
+        [secrets = ports_.secrets, present = generation_](const Stop&) -> std::optional<ReadKey> {
+            const std::uint64_t generation = *present;
+            auto text = readOpenAIKey(*secrets);
+            return text ? std::optional(ReadKey(*std::move(text), generation, present))
+                        : std::nullopt;
+        },
+        std::move(then));
+}
+
+template <class Change>
+void StoredKey::change(JobScope& jobs, Change change, std::function<void(bool)> then) {
+    // What was read before must no longer be sent.
+    ++*generation_;
+    jobs.run(
+        Lane::secrets,
+        [secrets = ports_.secrets, generation = generation_,
+         change = std::move(change)](const Stop&) {
+            const bool isChanged = change(*secrets);
+            // Nor what another thread has read meanwhile.
+            ++*generation;
+            return isChanged;
+        },
+        std::move(then));
+}
+
+void StoredKey::save(JobScope& jobs, SecretText key, std::function<void(bool)> then) {
+    change(
+        jobs,
+        [key = std::move(key)](SecretStore& secrets) {
+            secrets.remove();
+            return secrets.add(key);
+        },
+        std::move(then));
+}
+
+void StoredKey::remove(JobScope& jobs, std::function<void(bool)> then) {
+    change(
+        jobs, [](SecretStore& secrets) { return secrets.remove(); }, std::move(then));
+}
+
+std::optional<ProviderAccess> StoredKey::accessTo(const std::optional<Endpoint>& endpoint,
+                                                  std::optional<ReadKey> key) const {
+    if (key && key->ifStillStored() == nullptr) {
+        key.reset();
+    }
+    const bool needsKey = !endpoint || endpoint->needsKey;
+    if ((needsKey && !key) || !hasExchange()) {
+        return std::nullopt;
+    }
+    return ProviderAccess{ports_.http, endpoint, std::move(key),
+                          services_.settings.values().openAIModel};
+}
+
+}  // namespace tallowcrest

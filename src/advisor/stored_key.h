@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "advisor/advisor_ports.h"
+#include "advisor/endpoint.h"
+#include "advisor/openai_key.h"
+#include "advisor/provider_exchange.h"
+#include "core/services.h"
+
+namespace tallowcrest {
+
+class JobScope;
+
+/// The key of the provider in the system's store, and the access to the provider that it gives.
+/// From the moment when it is to be removed or replaced, a key that was read before counts as none.
+/// The store works in `Lane::secrets`; `then` is called on the main thread, unless `jobs`, which is
+/// the caller's, is gone by then. Main thread.
+class StoredKey {
+public:
+    /// The references must outlive the object.
+    StoredKey(const Services& services, AdvisorPorts ports);
+
+    /// Whether there is a store. Without one the operations must not be called.
+    bool hasStore() const { return ports_.secrets != nullptr; }
+    /// Whether a provider can be asked at all.
+    bool hasExchange() const { return ports_.http != nullptr; }
+
+    /// Calls `then(isStored)`. Does not ask the owner to unlock the store, unlike the others.
+    void find(JobScope& jobs, std::function<void(bool)> then) const;
+    /// Calls `then(key)`, absent as for `readOpenAIKey`.
+    void read(JobScope& jobs, std::function<void(std::optional<ReadKey>)> then) const;
+    /// Calls `then(isSaved)`. The older key is removed first; where that fails, `SecretStore::add`
+    /// decides.
+    void save(JobScope& jobs, SecretText key, std::function<void(bool)> then);
+    /// Calls `then(isRemoved)`.
+    void remove(JobScope& jobs, std::function<void(bool)> then);
+
+    /// What a request to `endpoint` needs, with the model of the settings. Absent when nothing can
+    /// be asked: without a key that still is the stored one, unless the endpoint needs none, and
+    /// without an exchange.
+    std::optional<ProviderAccess> accessTo(const std::optional<Endpoint>& endpoint,
+                                           std::optional<ReadKey> key) const;
+
+private:
+    template <class Change>
+    void change(JobScope& jobs, Change change, std::function<void(bool)> then);
+
+    Services services_;
+    AdvisorPorts ports_;
+    /// Shared with the keys that were read and with the work in the background.
+    std::shared_ptr<ReadKey::Generation> generation_ = std::make_shared<ReadKey::Generation>(0);
+};
+
+}  // namespace tallowcrest
