@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -9,6 +11,7 @@
 #include "advisor/action_catalogue.h"
 #include "advisor/advisor_output.h"
 #include "advisor/endpoint.h"
+#include "advisor/openai_key.h"
 #include "advisor/provider_reply.h"
 #include "core/text.h"
 #include "tests/support/self_acting_advisor.h"
@@ -18,12 +21,24 @@
 namespace tallowcrest {
 namespace {
 
+bool hasAtMost(const std::string& text, std::size_t characters) {
+    return firstCharacters(text, characters) == text;
+}
+
 void checkOutput(const std::string& text) {
     const AdvisorOutput output = parseAdvisorOutput(text);
     require(output.suggestions.size() <= maximumSuggestions);
+    require(hasAtMost(output.summary, maximumAnswerCharacters));
     for (const AIActionSuggestion& suggestion : output.suggestions) {
         require(suggestion.type != "none");
-        require(trimmingWhiteSpace(suggestion.type) == suggestion.type);
+        // A type that was cut can end in a blank.
+        const bool isCut = firstCharacters(suggestion.type, maximumTypeCharacters - 1).size() <
+                           suggestion.type.size();
+        require(isCut || trimmingWhiteSpace(suggestion.type) == suggestion.type);
+        require(hasAtMost(suggestion.type, maximumTypeCharacters));
+        require(hasAtMost(suggestion.title, maximumTitleCharacters));
+        require(hasAtMost(suggestion.detail, maximumDetailCharacters));
+        require(hasAtMost(suggestion.risk, maximumRiskCharacters));
         require(loweredASCII(suggestion.type) == suggestion.type);
         require(loweredASCII(suggestion.risk) == suggestion.risk);
     }
@@ -53,16 +68,31 @@ void checkEndpoint(std::string_view address) {
     for (const char c : url) {
         require(c > ' ' && c < '\x7F' && c != '\\' && c != '?' && c != '#');
     }
+    for (std::size_t at = url.find('%'); at != std::string::npos; at = url.find('%', at + 1)) {
+        require(url.find_first_not_of("0123456789ABCDEFabcdef", at + 1) > at + 2);
+    }
     require(endpoint->service.find('@') == std::string::npos);
     const auto again = endpointFrom(url);
     require(again ? again->url == url : url.size() > maximumEndpointLength);
 }
 
+/// The beginning of the text is a key, and the rest what a server says.
+void checkStrikingOut(const std::string& text) {
+    const std::string key = text.substr(0, 10);
+    const std::string said = text.substr(key.size());
+    const std::string struckOut = strikingOutKey(said, key);
+    const auto isASCII = [](char c) { return c >= 0; };
+    if (key.size() == 10 && std::ranges::all_of(key, isASCII)) {
+        require(struckOut.find(key) == std::string::npos);
+    }
+    require(isValidUTF8(struckOut) || !isValidUTF8(said) || !isValidUTF8(key));
+}
+
 }  // namespace
 }  // namespace tallowcrest
 
-/// The first byte chooses the mode, the switch for safe actions, and whether the rest is the body
-/// of the reply or the text in it.
+/// The first byte chooses the mode, the switch for safe actions, the status of the reply, and
+/// whether the rest is its body or the text in it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tallowcrest;
     if (size == 0) {
@@ -71,6 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(data + 1, data + size);
     checkOutput(text);
     checkEndpoint(text);
+    checkStrikingOut(text);
     const std::uint8_t choice = data[0];
     const bool isBody = (choice & 1U) != 0 || !isValidUTF8(text);
     const std::string body = isBody ? text : nlohmann::json{{"output_text", text}}.dump();
@@ -78,9 +109,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(isBody || extracted == text);
     require(!extracted || isValidUTF8(*extracted));
 
-    SelfActingAdvisor machine(allAIAutonomyModes.at((choice >> 2U) % allAIAutonomyModes.size()),
-                              (choice & 2U) != 0);
-    machine.analyze({200, body, {}});
+    const auto mode = allAIAutonomyModes.at((choice >> 2U & 7U) % allAIAutonomyModes.size());
+    constexpr std::array statuses{200, 200, 200, 200, 299, 401, 500, 0};
+    const HttpReply reply{statuses.at(choice >> 5U), body, {}};
+    SelfActingAdvisor machine(mode, (choice & 2U) != 0);
+    machine.analyze(reply);
     require(!brokenRule(machine));
+    SelfActingAdvisor asked(mode, true);
+    asked.ask(reply);
+    require(!brokenChatRule(asked));
     return 0;
 }

@@ -168,6 +168,24 @@ TEST(SelfActing, AtMostTwoRunByTrust) {
 }
 
 TEST(SelfActing, NoReplyBreaksARule) {
+    const std::vector<std::string> wholeActions{R"({"type":"local_purge"})",
+                                                R"({"type":"SELECT_TOP","title":"<b>x</b>"})",
+                                                R"({"type":" scan_remote ","risk":"medium"})",
+                                                R"({"type":"copy_report"})",
+                                                R"({"type":"export_diagnostics","risk":"LOW"})",
+                                                R"({"type":"quit_app"})",
+                                                R"({"type":"none"})",
+                                                R"({"type":"disk_cleanup"})",
+                                                R"({"type":"kill","pid":1})"};
+    std::string hugeArray = "[";
+    for (int i = 0; i < 300; ++i) {
+        hugeArray += wholeActions[static_cast<std::size_t>(i) % wholeActions.size()] + ",";
+    }
+    hugeArray += "{}]";
+    std::string deepBraces;
+    for (int i = 0; i < 1000; ++i) {
+        deepBraces += "{\"a\":";
+    }
     const std::vector<std::string> pieces{"{",
                                           "}",
                                           "[",
@@ -178,15 +196,10 @@ TEST(SelfActing, NoReplyBreaksARule) {
                                           "\\",
                                           "{\"summary\":\"a\",\"actions\":[",
                                           "]}",
-                                          "{\"type\":\"local_purge\"}",
-                                          "{\"type\":\"SELECT_TOP\",\"title\":\"<b>x</b>\"}",
-                                          "{\"type\":\" scan_remote \",\"risk\":\"medium\"}",
-                                          "{\"type\":\"copy_report\"}",
-                                          "{\"type\":\"export_diagnostics\",\"risk\":\"LOW\"}",
-                                          "{\"type\":\"quit_app\"}",
-                                          "{\"type\":\"none\"}",
-                                          "{\"type\":\"disk_cleanup\"}",
-                                          "{\"type\":\"kill\",\"pid\":1}",
+                                          "{\"actions\":" + hugeArray + "}",
+                                          hugeArray,
+                                          deepBraces,
+                                          deepBraces + std::string(1000, '}'),
                                           "action: local_purge",
                                           "Action: Select_Top",
                                           "\x1B[31m",
@@ -200,22 +213,32 @@ TEST(SelfActing, NoReplyBreaksARule) {
     const auto below = [&random](std::size_t count) {
         return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
     };
+    const auto anyOf = [&below](const std::vector<std::string>& texts) {
+        return texts[below(texts.size())];
+    };
+    constexpr std::array statuses{200, 200, 200, 200, 204, 299, 300, 401, 500, 0};
     int withRuns = 0;
     for (int i = 0; i < 1500; ++i) {
         std::string text = below(2) == 0 ? "" : "{\"summary\":\"a\",\"actions\":[";
         const bool isList = !text.empty();
         for (std::size_t left = 1 + below(8); left > 0; --left) {
             // In a list mostly whole actions, so that many of the replies are valid.
-            text += isList && below(8) != 0 ? pieces[10 + below(9)] : pieces[below(pieces.size())];
+            text += isList && below(8) != 0 ? anyOf(wholeActions) : anyOf(pieces);
             text += isList && left > 1 ? "," : "";
         }
         text += isList ? "]}" : "";
         const auto mode = allAIAutonomyModes.at(below(allAIAutonomyModes.size()));
         SelfActingAdvisor machine(mode, below(2) == 0);
         const bool isRaw = below(8) == 0 || !isValidUTF8(text);
-        machine.analyze({200, isRaw ? text : nlohmann::json{{"output_text", text}}.dump(), {}});
-        ASSERT_EQ(brokenRule(machine), std::nullopt) << text;
+        const HttpReply reply{statuses.at(below(statuses.size())),
+                              isRaw ? text : nlohmann::json{{"output_text", text}}.dump(),
+                              {}};
+        machine.analyze(reply);
+        ASSERT_EQ(brokenRule(machine), std::nullopt) << text.substr(0, 1000);
         withRuns += machine.runs().empty() ? 0 : 1;
+        SelfActingAdvisor asked(mode, true);
+        asked.ask(reply);
+        ASSERT_EQ(brokenChatRule(asked), std::nullopt) << text.substr(0, 1000);
     }
     EXPECT_GT(withRuns, 150) << "the replies must reach what runs";
 }

@@ -47,6 +47,13 @@ struct SelfActingAdvisor : AdvisorMachine {
         finishWork();
     }
 
+    /// One question, with whatever its answer leads to.
+    void ask(HttpReply reply) {
+        fakes.http->reply = std::move(reply);
+        advisor->chat.askQuickQuestion("Why?");
+        finishWork();
+    }
+
     /// How often each type has run by itself.
     std::map<std::string, std::int64_t> runs() const {
         std::map<std::string, std::int64_t> result;
@@ -77,6 +84,9 @@ inline std::optional<std::string> brokenRule(const SelfActingAdvisor& machine) {
         }
         count += runs;
     }
+    if (!suggestions.aiActions().empty() && machine.fakes.http->reply->status / 100 != 2) {
+        return "an error suggests nothing";
+    }
     const int mostByTrust = settings.aiAutonomyMode == AIAutonomyMode::autopilot ? 2 : 0;
     if (count > mostByTrust + (settings.aiSafeActionsEnabled ? 1 : 0)) {
         return "at most two by trust, and one by the switch";
@@ -96,6 +106,24 @@ inline std::optional<std::string> brokenRule(const SelfActingAdvisor& machine) {
         return "a reply sends nothing";
     }
     return std::nullopt;
+}
+
+/// The same for a question.
+inline std::optional<std::string> brokenChatRule(const SelfActingAdvisor& machine) {
+    const Advisor& advisor = *machine.advisor;
+    const auto stored =
+        record_json::decodeChatMessages(machine.store.json("Tallowcrest.aiChatMessages"));
+    if (!stored || *stored != advisor.chat.aiChatMessages() || stored->size() != 3) {
+        return "a question has one answer, which is stored";
+    }
+    if (!advisor.suggestions.aiActions().empty() ||
+        !advisor.suggestions.approvedAIActionIDs().empty() ||
+        !advisor.drafts.aiRuleDrafts().empty() || !machine.runs().empty() ||
+        machine.confirmations.pendingConfirmation()) {
+        return "no answer is read for actions";
+    }
+    return machine.fakes.http->sent.size() == 1 ? std::nullopt
+                                                : std::optional<std::string>("it sends nothing");
 }
 
 }  // namespace tallowcrest
