@@ -11,7 +11,9 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -72,6 +74,8 @@ TEST_P(ChangedKey, IsNotSentWhenItWasReadBefore) {
     workQueue.run();
     workQueue.run();
     change();  // the results of the two readings still wait
+    mainQueue.drain();
+    EXPECT_THAT(events(), Not(Contains("Action: Asking Tallowcrest Chat...")));
     expectNothingSent();
 }
 
