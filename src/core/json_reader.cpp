@@ -1,12 +1,12 @@
 #include "core/json_reader.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <utility>
-#include <vector>
 
 #include "core/text.h"
 
@@ -26,19 +26,22 @@ constexpr bool isPlain(char c) {
     return c != '"' && c != '\\' && static_cast<unsigned char>(c) >= ' ';
 }
 
-/// How many characters at the front of `text` are plain, or fewer when the text ends soon or the
-/// machine stores the highest byte first. Eight at a time: most of a text is in its strings.
-std::size_t plainLength(std::string_view text) {
-    constexpr std::uint64_t ones = 0x0101010101010101U;
-    constexpr std::uint64_t highBits = ones * 0x80U;
+constexpr std::uint64_t ones = 0x0101010101010101U;
+constexpr std::uint64_t highBits = ones * 0x80U;
+
+/// How many characters from `text` on are plain, or fewer when `end` is near or the machine stores
+/// the highest byte first. Eight at a time: most of a text is in its strings. Adds the bits of what
+/// it looked at to `seen`.
+std::size_t plainLength(const char* text, const char* end, std::uint64_t& seen) {
     // The high bit of the lowest byte below `limit`, and perhaps those of others above it.
     const auto bytesBelow = [](std::uint64_t word, std::uint64_t limit) {
         return (word - ones * limit) & ~word & highBits;
     };
     std::size_t length = 0;
-    while (text.size() - length >= sizeof(std::uint64_t)) {
+    while (static_cast<std::size_t>(end - text) - length >= sizeof(std::uint64_t)) {
         std::uint64_t word = 0;
-        std::memcpy(&word, text.data() + length, sizeof word);
+        std::memcpy(&word, text + length, sizeof word);
+        seen |= word;
         const std::uint64_t others = bytesBelow(word, ' ') | bytesBelow(word ^ ones * '"', 1) |
                                      bytesBelow(word ^ ones * '\\', 1);
         if (others != 0) {
@@ -75,61 +78,49 @@ void appendUTF8(std::string& text, char32_t character) {
 
 }  // namespace
 
-JsonReader::JsonReader(std::string_view text) : rest_(text) {
-    if (!isValidUTF8(text)) {
-        fail();
-    }
-}
+JsonReader::JsonReader(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
 
 bool JsonReader::fail() {
     failed_ = true;
     isBeforeFirstItem_ = false;
-    rest_ = {};
+    at_ = end_;
     return false;
 }
 
 /// The first character that is not white space; NUL at the end.
 inline char JsonReader::peek() {
-    if (rest_.empty() || isSpace(rest_.front())) {
-        takeSpaces();
+    while (at_ != end_ && isSpace(*at_)) {
+        ++at_;
     }
-    return rest_.empty() ? '\0' : rest_.front();
-}
-
-void JsonReader::takeSpaces() {
-    std::size_t count = 0;
-    while (count < rest_.size() && isSpace(rest_[count])) {
-        ++count;
-    }
-    rest_.remove_prefix(count);
+    return at_ == end_ ? '\0' : *at_;
 }
 
 inline bool JsonReader::take(char expected) {
-    if (rest_.empty() || rest_.front() != expected) {
+    if (at_ == end_ || *at_ != expected) {
         return false;
     }
-    rest_.remove_prefix(1);
+    ++at_;
     return true;
 }
 
-bool JsonReader::takeWord(std::string_view expected) {
-    if (!rest_.starts_with(expected)) {
+inline bool JsonReader::takeWord(std::string_view expected) {
+    if (!std::string_view(at_, end_).starts_with(expected)) {
         return false;
     }
-    rest_.remove_prefix(expected.size());
+    at_ += expected.size();
     return true;
 }
 
-bool JsonReader::enter(char bracket) {
+inline bool JsonReader::enter(char bracket) {
     if (peek() != bracket) {
         return false;
     }
-    rest_.remove_prefix(1);
+    ++at_;
     isBeforeFirstItem_ = true;
     return true;
 }
 
-bool JsonReader::nextItem(char closingBracket) {
+inline bool JsonReader::nextItem(char closingBracket) {
     const bool isFirst = std::exchange(isBeforeFirstItem_, false);
     peek();
     if (take(closingBracket)) {
@@ -147,14 +138,14 @@ std::optional<std::string_view> JsonReader::nextMember() {
         return std::nullopt;
     }
     peek();
-    const std::string_view start = rest_;
+    const char* const start = at_;
     if (!take('"')) {
         fail();
         return std::nullopt;
     }
     std::string_view key = takePlainCharacters();
     if (!take('"')) {
-        rest_ = start;
+        at_ = start;
         unescapedKey_.clear();
         takeString(&unescapedKey_);
         key = unescapedKey_;
@@ -163,7 +154,7 @@ std::optional<std::string_view> JsonReader::nextMember() {
         fail();
         return std::nullopt;
     }
-    rest_.remove_prefix(1);
+    ++at_;
     return key;
 }
 
@@ -197,34 +188,51 @@ std::optional<bool> JsonReader::boolean() {
 }
 
 void JsonReader::skip() {
-    // Not recursive: a hostile text can be nested deeper than the stack.
-    std::vector<bool> isObject;  // of each value that was entered, the innermost last
+    const char first = peek();
+    if (first == '{' || first == '[') {
+        skipNested();
+    } else {
+        takeScalar(first);
+    }
+}
+
+void JsonReader::skipNested() {
+    // Not recursive: a hostile text can be nested deeper than the stack. A text, because a short
+    // one needs no memory of its own.
+    std::string entered;  // the brackets of the values that were entered, the innermost last
     do {
         const char first = peek();
         if (first == '{' || first == '[') {
             enter(first);
-            isObject.push_back(first == '{');
+            entered += first;
         } else {
-            takeScalar();
+            takeScalar(first);
         }
-        while (!isObject.empty() && !(isObject.back() ? nextMember().has_value() : nextElement())) {
-            isObject.pop_back();
+        while (!entered.empty() &&
+               !(entered.back() == '{' ? nextMember().has_value() : nextElement())) {
+            entered.pop_back();
         }
-    } while (!isObject.empty());
+    } while (!entered.empty());
 }
 
 bool JsonReader::isComplete() {
     peek();
-    return !failed_ && rest_.empty();
+    return !failed_ && at_ == end_;
 }
 
-std::string_view JsonReader::takePlainCharacters() {
-    std::size_t length = plainLength(rest_);
-    while (length < rest_.size() && isPlain(rest_[length])) {
-        ++length;
+/// Fails for text that is not valid: no sequence of UTF-8 contains a character that is not plain,
+/// so each stretch can be judged by itself.
+inline std::string_view JsonReader::takePlainCharacters() {
+    const char* const start = at_;
+    std::uint64_t seen = 0;
+    at_ += plainLength(start, end_, seen);
+    while (at_ != end_ && isPlain(*at_)) {
+        seen |= static_cast<unsigned char>(*at_++);
     }
-    const std::string_view taken = rest_.substr(0, length);
-    rest_.remove_prefix(length);
+    const std::string_view taken(start, at_);
+    if ((seen & highBits) != 0 && !isValidUTF8(taken)) {
+        fail();
+    }
     return taken;
 }
 
@@ -250,8 +258,7 @@ bool JsonReader::takeString(std::string* value) {
 bool JsonReader::takeEscape(std::string* value) {
     constexpr std::string_view letters = "\"\\/bfnrt";
     constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
-    const char letter = rest_.empty() ? '\0' : rest_.front();
-    rest_.remove_prefix(rest_.empty() ? 0 : 1);
+    const char letter = at_ == end_ ? '\0' : *at_++;
     if (const std::size_t index = letters.find(letter); index != std::string_view::npos) {
         if (value != nullptr) {
             *value += meanings[index];
@@ -279,24 +286,22 @@ bool JsonReader::takeEscape(std::string* value) {
 }
 
 std::optional<char32_t> JsonReader::takeHexDigits() {
-    const std::string_view digits = rest_.substr(0, 4);
+    constexpr std::ptrdiff_t count = 4;
     std::uint32_t value = 0;
-    const auto [end, error] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-    if (error != std::errc() || end != rest_.data() + 4) {
+    const auto [end, error] = std::from_chars(at_, at_ + std::min(count, end_ - at_), value, 16);
+    if (error != std::errc() || end != at_ + count) {
         return std::nullopt;
     }
-    rest_.remove_prefix(4);
+    at_ = end;
     return char32_t{value};
 }
 
 bool JsonReader::takeDigits() {
-    std::size_t count = 0;
-    while (count < rest_.size() && isDigit(rest_[count])) {
-        ++count;
+    const char* const start = at_;
+    while (at_ != end_ && isDigit(*at_)) {
+        ++at_;
     }
-    rest_.remove_prefix(count);
-    return count > 0;
+    return at_ != start;
 }
 
 bool JsonReader::takeNumber() {
@@ -316,10 +321,11 @@ bool JsonReader::takeNumber() {
     return true;
 }
 
-void JsonReader::takeScalar() {
+/// `first` is the first character of the value.
+void JsonReader::takeScalar(char first) {
     const bool isScalar =
-        peek() == '"' ? takeString(nullptr)
-                      : takeWord("true") || takeWord("false") || takeWord("null") || takeNumber();
+        first == '"' ? takeString(nullptr)
+                     : takeWord("true") || takeWord("false") || takeWord("null") || takeNumber();
     if (!isScalar) {
         fail();
     }

@@ -42,7 +42,7 @@ public:
 private:
     bool fail();
     char peek();
-    void takeSpaces();
+    void skipNested();
     bool take(char expected);
     bool takeWord(std::string_view expected);
     bool enter(char bracket);
@@ -53,9 +53,10 @@ private:
     std::optional<char32_t> takeHexDigits();
     bool takeDigits();
     bool takeNumber();
-    void takeScalar();
+    void takeScalar(char first);
 
-    std::string_view rest_;
+    const char* at_;
+    const char* end_;
     bool failed_ = false;
     /// Whether an object or array was entered, and its first item not asked for yet.
     bool isBeforeFirstItem_ = false;

@@ -1,8 +1,10 @@
 #include "remote/tail_status.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
-#include <map>
+#include <cstdint>
+#include <functional>
 #include <utility>
 
 #include "core/json_reader.h"
@@ -12,12 +14,35 @@
 namespace tallowcrest {
 namespace {
 
-std::string_view trimmingDots(std::string_view text) {
-    const std::size_t first = text.find_first_not_of('.');
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of('.') - first + 1);
+void trimDots(std::string& text) {
+    text.erase(text.find_last_not_of('.') + 1);
+    text.erase(0, text.find_first_not_of('.'));
+}
+
+/// A member of a peer that is read.
+enum class Member : std::uint8_t {
+    dnsName,
+    hostName,
+    online,
+    tailscaleIPs,
+    os,
+    active,
+    inMagicSock,
+    curAddr,
+    relay,
+    peerRelay,
+    other,
+};
+
+Member memberNamed(std::string_view key) {
+    // In the order of `Member`.
+    constexpr std::array<std::string_view, 10> names{
+        "DNSName", "HostName",    "Online",  "TailscaleIPs", "OS",
+        "Active",  "InMagicSock", "CurAddr", "Relay",        "PeerRelay"};
+    const auto isNamed = [key](std::string_view name) {
+        return name.size() == key.size() && name.front() == key.front() && name == key;
+    };
+    return static_cast<Member>(std::ranges::find_if(names, isNamed) - names.begin());
 }
 
 /// Reads the next value. Empty unless it is an array of strings.
@@ -38,39 +63,54 @@ std::vector<std::string> readTexts(JsonReader& reader) {
     return areTexts ? texts : std::vector<std::string>();
 }
 
-/// Of several members with one key, the last one counts. Absent for a value that is no object.
-using Peers = std::map<std::string, std::optional<TailDevice>>;
+/// The value of a member of `Peer`.
+struct Peer {
+    TailDevice device;
+    bool isObject = false;  ///< otherwise only the identifier is set
+};
 
 /// Reads the next value. Empty unless it is an object.
-Peers readPeers(JsonReader& reader) {
+std::vector<Peer> readPeers(JsonReader& reader) {
+    std::vector<Peer> peers;
     if (!reader.enterObject()) {
         reader.skip();
-        return {};
+        return peers;
     }
-    Peers peers;
     while (const auto key = reader.nextMember()) {
         std::string id(*key);
-        std::optional<TailDevice> device;
         if (reader.enterObject()) {
-            device = parseTailDevice(id, reader);
+            peers.push_back({parseTailDevice(std::move(id), reader), true});
         } else {
             reader.skip();
+            peers.push_back({{.id = std::move(id)}, false});
         }
-        peers.insert_or_assign(peers.end(), std::move(id), std::move(device));
     }
     return peers;
 }
 
+/// Puts the peers into the order of their keys. Of several with one key, the last one counts.
+void sortByKey(std::vector<Peer>& peers) {
+    const auto key = [](const Peer& each) -> const std::string& { return each.device.id; };
+    // As the daemon and the tool print them.
+    if (std::ranges::adjacent_find(peers, std::ranges::greater_equal(), key) == peers.end()) {
+        return;
+    }
+    std::ranges::stable_sort(peers, std::ranges::less(), key);
+    const auto [kept, end] = std::ranges::unique(peers.rbegin(), peers.rend(), {}, key);
+    peers.erase(peers.begin(), kept.base());
+}
+
 /// Empty unless all of them are objects. Equal names stay in the order of their keys, so that rows
 /// do not change places.
-std::vector<TailDevice> sortedDevices(Peers peers, const Locale& locale) {
+std::vector<TailDevice> sortedDevices(std::vector<Peer> peers, const Locale& locale) {
+    sortByKey(peers);
+    if (!std::ranges::all_of(peers, &Peer::isObject)) {
+        return {};
+    }
     std::vector<TailDevice*> order;
     order.reserve(peers.size());
-    for (auto& [id, device] : peers) {
-        if (!device) {
-            return {};
-        }
-        order.push_back(&*device);
+    for (Peer& each : peers) {
+        order.push_back(&each.device);
     }
     std::ranges::stable_sort(order, [&locale](const TailDevice* a, const TailDevice* b) {
         return a->online != b->online ? a->online
@@ -114,33 +154,48 @@ TailDevice parseTailDevice(std::string id, JsonReader& peer) {
     std::optional<std::string> relay;
     std::optional<std::string> peerRelay;
     while (const auto key = peer.nextMember()) {
-        if (key == "DNSName") {
-            dnsName = peer.text();
-        } else if (key == "HostName") {
-            hostName = peer.text();
-        } else if (key == "Online") {
-            device.online = peer.boolean().value_or(false);
-        } else if (key == "TailscaleIPs") {
-            device.addresses = readTexts(peer);
-        } else if (key == "OS") {
-            device.os = peer.text().value_or("unknown");
-        } else if (key == "Active") {
-            device.active = peer.boolean().value_or(false);
-        } else if (key == "InMagicSock") {
-            device.inMagicSock = peer.boolean().value_or(false);
-        } else if (key == "CurAddr") {
-            device.currentAddress = peer.text().value_or("");
-        } else if (key == "Relay") {
-            relay = peer.text();
-        } else if (key == "PeerRelay") {
-            peerRelay = peer.text();
-        } else {
-            peer.skip();
+        switch (memberNamed(*key)) {
+            case Member::dnsName:
+                dnsName = peer.text();
+                break;
+            case Member::hostName:
+                hostName = peer.text();
+                break;
+            case Member::online:
+                device.online = peer.boolean().value_or(false);
+                break;
+            case Member::tailscaleIPs:
+                device.addresses = readTexts(peer);
+                break;
+            case Member::os:
+                device.os = peer.text().value_or("unknown");
+                break;
+            case Member::active:
+                device.active = peer.boolean().value_or(false);
+                break;
+            case Member::inMagicSock:
+                device.inMagicSock = peer.boolean().value_or(false);
+                break;
+            case Member::curAddr:
+                device.currentAddress = peer.text().value_or("");
+                break;
+            case Member::relay:
+                relay = peer.text();
+                break;
+            case Member::peerRelay:
+                peerRelay = peer.text();
+                break;
+            case Member::other:
+                peer.skip();
+                break;
         }
     }
     device.hostName = hostName ? std::move(*hostName) : dnsName.value_or("");
-    const std::string_view name = trimmingDots(dnsName ? std::string_view(*dnsName) : "");
-    device.name = name.empty() ? device.hostName : name;
+    device.name = std::move(dnsName).value_or("");
+    trimDots(device.name);
+    if (device.name.empty()) {
+        device.name = device.hostName;
+    }
     device.relay = relay ? std::move(*relay) : std::move(peerRelay).value_or("");
     return device;
 }
@@ -151,7 +206,7 @@ std::optional<TailnetState> parseTailStatus(std::string_view json, const Locale&
         return std::nullopt;
     }
     TailnetState state;
-    Peers peers;
+    std::vector<Peer> peers;
     while (const auto key = reader.nextMember()) {
         if (key == "Peer") {
             peers = readPeers(reader);

@@ -124,6 +124,25 @@ TEST(JsonReader, RefusesEverythingElse) {
     }
 }
 
+TEST(JsonReader, InvalidUTF8IsFoundWhereverItIs) {
+    for (std::size_t offset = 0; offset < 20; ++offset) {
+        const auto around = [offset](const char* bytes) {
+            return '"' + std::string(offset, 'a') + bytes + std::string(20 - offset, 'b') + '"';
+        };
+        for (const char* valid : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {
+            EXPECT_TRUE(isJSON(around(valid))) << offset;
+            EXPECT_TRUE(isJSON("{" + around(valid) + ":1}")) << offset;
+        }
+        for (const char* invalid :
+             {"\xC3", "\xA9", "\xC3\\u00a9", "\xE2\x82", "\xC0\x80", "\xF4\x90\x80\x80", "\xFE"}) {
+            EXPECT_FALSE(isJSON(around(invalid))) << offset;
+            EXPECT_FALSE(isJSON("{" + around(invalid) + ":1}")) << offset;
+            EXPECT_FALSE(isJSON("[1, [" + around(invalid) + "]]")) << offset;
+        }
+    }
+    EXPECT_FALSE(isJSON("{}\xC3\xA9")) << "outside of a string";
+}
+
 TEST(JsonReader, ResolvesEscapes) {
     EXPECT_EQ(stringOf(R"("")"), "");
     EXPECT_EQ(stringOf(R"("a\"b\\c\/d\be\ff\ng\rh\ti")"), "a\"b\\c/d\be\ff\ng\rh\ti");
