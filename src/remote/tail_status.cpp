@@ -96,7 +96,9 @@ void sortByKey(std::vector<Peer>& peers) {
         return;
     }
     std::ranges::stable_sort(peers, std::ranges::less(), key);
-    const auto [kept, end] = std::ranges::unique(peers.rbegin(), peers.rend(), {}, key);
+    const auto kept =
+        std::unique(peers.rbegin(), peers.rend(),
+                    [&key](const Peer& a, const Peer& b) { return key(a) == key(b); });
     peers.erase(peers.begin(), kept.base());
 }
 

@@ -79,6 +79,8 @@ TEST(TailStatus, EachFieldHasItsSource) {
          {.id = "key", .name = "studio", .hostName = "studio", .os = "unknown"}},
         {R"({"DNSName":"...","HostName":"studio."})",
          {.id = "key", .name = "studio.", .hostName = "studio.", .os = "unknown"}},
+        {R"({"DNSName":"","HostName":"","Online":true,"OS":"macOS"})",
+         {.id = "key", .online = true, .os = "macOS"}},
         {R"({"DNSName":"..."})", {.id = "key", .name = "...", .hostName = "...", .os = "unknown"}},
         {R"({"DNSName":"studio.","HostName":""})",
          {.id = "key", .name = "studio", .os = "unknown"}},
