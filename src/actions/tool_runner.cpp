@@ -1,5 +1,7 @@
 #include "actions/tool_runner.h"
 
+#include <utility>
+
 #include "core/activity_log.h"
 
 namespace tallowcrest {
@@ -14,8 +16,8 @@ std::string ToolRunner::runTool(const std::string& path, const std::vector<std::
 }
 
 std::string ToolRunner::runSSH(const std::vector<std::string>& arguments,
-                               std::chrono::milliseconds timeout) {
-    return runIfAllowed({"/usr/bin/ssh", arguments, timeout, true});
+                               std::chrono::milliseconds timeout, std::stop_token stop) {
+    return runIfAllowed({"/usr/bin/ssh", arguments, timeout, true, std::move(stop)});
 }
 
 std::string ToolRunner::runIfAllowed(const ToolRequest& request) {

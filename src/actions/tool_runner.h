@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,9 @@ public:
 
     /// The same for the secure shell, with standard error merged into the text in the order of
     /// writing, so that the caller sees the errors of the remote side.
-    std::string runSSH(const std::vector<std::string>& arguments,
-                       std::chrono::milliseconds timeout);
+    /// When `stop` is requested, it ends early.
+    std::string runSSH(const std::vector<std::string>& arguments, std::chrono::milliseconds timeout,
+                       std::stop_token stop = {});
 
 private:
     std::string runIfAllowed(const ToolRequest& request);

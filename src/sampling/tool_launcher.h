@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct ToolRequest {
     std::optional<std::chrono::milliseconds> timeout = {};
     /// Whether standard error joins standard output in the captured text; else it is discarded.
     bool mergeStandardError = false;
+    /// Once it is requested, the tool is not launched, or asked to terminate; one that has not
+    /// ended shortly after is abandoned, and runs on. Never requested by default.
+    std::stop_token stop = {};
 };
 
 /// The result of a launch. Not an `Outcome`: the callers need the output or the exit status, and
@@ -25,7 +29,7 @@ struct ToolResult {
     /// The raw bytes that the tool wrote until it exited, also after a passed deadline. Output
     /// beyond the implementation's limit is dropped.
     std::string output;
-    /// Absent when it was not launched, was ended by a signal, or was abandoned at shutdown.
+    /// Absent when it was not launched, was ended by a signal, or was abandoned at a stop.
     std::optional<int> terminationStatus;
     bool deadlinePassed = false;
 };

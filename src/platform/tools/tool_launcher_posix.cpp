@@ -28,7 +28,7 @@ using TimePoint = MonotonicClock::time_point;
 /// The polling interval where no descriptor signals the exit or the stop.
 constexpr std::chrono::milliseconds pollInterval{20};
 
-/// How long a tool may take to terminate after `requestStop`.
+/// How long a tool may take to terminate after a stop.
 constexpr std::chrono::milliseconds stopGrace{500};
 
 /// Keeps deadline arithmetic from overflowing.
@@ -40,18 +40,19 @@ ToolResult notLaunched(int error) {
     return result;
 }
 
-/// A tool from its start to the end of `launch`. `child` and `result` must outlive it.
+/// A tool from its start to the end of `launch`. The references must outlive it.
 class RunningTool {
 public:
     RunningTool(ChildProcess& child, UniqueFD output, UniqueFD error, ToolResult& result,
-                std::optional<std::chrono::milliseconds> timeout)
-        : child_(child),
+                const ToolRequest& request)
+        : request_(request),
+          child_(child),
           result_(result),
           output_(std::move(output), &result.output, PosixToolLauncher::maximumOutputBytes),
           error_(std::move(error), nullptr, 0) {
-        if (timeout) {
+        if (request.timeout) {
             deadline_ = MonotonicClock::now() +
-                        std::clamp(*timeout, std::chrono::milliseconds(0), longestTimeout);
+                        std::clamp(*request.timeout, std::chrono::milliseconds(0), longestTimeout);
         }
     }
 
@@ -102,7 +103,8 @@ public:
     /// output and notices the exit.
     void waitForEvents(int stopDescriptor) {
         const bool exitWakes = child_.exitDescriptor() >= 0;
-        const bool stopWakes = !awaitsStop() || stopDescriptor >= 0;
+        const bool stopWakes =
+            !awaitsStop() || (stopDescriptor >= 0 && !request_.stop.stop_possible());
         std::array<pollfd, 4> descriptors{{{output_.descriptor(), POLLIN, 0},
                                            {error_.descriptor(), POLLIN, 0},
                                            {child_.exitDescriptor(), POLLIN, 0},
@@ -159,6 +161,7 @@ private:
             wait->count(), std::numeric_limits<int>::max()));
     }
 
+    const ToolRequest& request_;
     ChildProcess& child_;
     ToolResult& result_;
     CapturedStream output_;
@@ -190,7 +193,8 @@ void PosixToolLauncher::requestStop() {
 }
 
 ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
-    if (stopRequested_) {
+    const auto isStopped = [&] { return stopRequested_ || request.stop.stop_requested(); };
+    if (isStopped()) {
         return notLaunched(ECANCELED);
     }
 
@@ -213,15 +217,14 @@ ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
     }
     ToolResult result;
     result.launched = true;
-    RunningTool tool(child, std::move(output.readEnd), std::move(error.readEnd), result,
-                     request.timeout);
+    RunningTool tool(child, std::move(output.readEnd), std::move(error.readEnd), result, request);
     // Kept open here, they would keep the streams from ending.
     output.writeEnd.reset();
     error.writeEnd.reset();
 
     while (!tool.isOver()) {
         tool.waitForEvents(stopPipe_.readEnd.get());
-        if (!tool.isOver() && stopRequested_ && tool.awaitsStop()) {
+        if (!tool.isOver() && isStopped() && tool.awaitsStop()) {
             tool.stop();
         }
         if (!tool.isOver()) {

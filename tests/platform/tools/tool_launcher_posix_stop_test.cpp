@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -136,6 +137,26 @@ TEST_F(RequestStopTest, AbandonsAToolThatHangsBeyondItsDeadline) {
     EXPECT_TRUE(result.deadlinePassed);
     EXPECT_EQ(result.terminationStatus, std::nullopt);
     killAbandonedTool(pid);
+}
+
+TEST_F(RequestStopTest, ARequestCanBeStoppedByItself) {
+    std::stop_source stop;
+    ToolRequest request = shellTool(writingPID("echo hi", "exec sleep 600"), 600000ms);
+    request.stop = stop.get_token();
+    ToolResult result;
+    std::jthread caller([&] { result = launcher.launch(request); });
+    const pid_t pid = waitForPID();
+
+    stop.request_stop();
+    caller.join();
+
+    EXPECT_TRUE(result.launched);
+    EXPECT_EQ(result.terminationStatus, std::nullopt);
+    EXPECT_FALSE(result.deadlinePassed);
+    EXPECT_EQ(result.output, "hi\n");
+    EXPECT_FALSE(isRunning(pid));
+    EXPECT_EQ(launcher.launch(request).launchError, "Operation canceled");
+    EXPECT_EQ(launcher.launch(shellTool("exit 3", 30s)).terminationStatus, 3) << "another request";
 }
 
 TEST_F(RequestStopTest, WakesEveryWaitingLaunch) {
