@@ -100,6 +100,13 @@ struct RemoteHealth {
     bool operator==(const RemoteHealth&) const = default;
 };
 
+/// `RemoteHealth::address` of a machine without one.
+inline constexpr std::string_view noRemoteAddress = "no address";
+
+inline bool isReachable(const RemoteHealth& machine) {
+    return machine.status == RemoteHealth::Status::reachable;
+}
+
 /// The displayed name of a status, which is also its raw value.
 std::string_view title(RemoteHealth::Status status);
 

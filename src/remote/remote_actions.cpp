@@ -12,7 +12,9 @@
 #include "actions/desktop_actions.h"
 #include "actions/tool_runner.h"
 #include "core/activity_log.h"
+#include "core/clock.h"
 #include "core/confirmation_desk.h"
+#include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "remote/remote_commands.h"
 #include "remote/remote_process.h"
@@ -40,14 +42,16 @@ Outcome invalidAddress() {
     return Outcome::refused("Blocked an invalid remote address.");
 }
 
-bool isReachable(const RemoteHealth& machine) {
-    return machine.status == RemoteHealth::Status::reachable;
+std::string_view kindOf(const RemoteHealth& machine) {
+    return machine.isLinux ? "machine" : "Mac";
 }
 
 }  // namespace
 
 RemoteActions::RemoteActions(Dependencies dependencies)
-    : dependencies_(std::move(dependencies)), jobs_(dependencies_.services.jobs) {
+    : dependencies_(std::move(dependencies)),
+      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
+      jobs_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
         std::string(remote_requests::purgeKind),
         {[this](const ConfirmationRequest& request, void* held) {
@@ -74,18 +78,22 @@ RemoteActions::RemoteActions(Dependencies dependencies)
          {}});
 }
 
+RemoteActions::~RemoteActions() = default;
+
 Outcome RemoteActions::requestRemotePurge(const RemoteHealth& machine) {
     if (!isReachable(machine)) {
-        return record(notReachable(machine));
+        return recordResult(machine.id, notReachable(machine));
     }
     const RemoteProfile profile = dependencies_.profiles.remoteProfile(machine.hostName);
     if (!profile.allowRemotePurge) {
-        return record(Outcome::refused(
-            fmt::format("Remote purge is disabled for {}. Enable it in that Mac's profile first.",
-                        machine.hostName)));
+        return recordResult(
+            machine.id,
+            Outcome::refused(fmt::format(
+                "Remote purge is disabled for {}. Enable it in that {}'s profile first.",
+                machine.hostName, kindOf(machine))));
     }
     dependencies_.services.confirmations.requestConfirmation(
-        remote_requests::purge(machine.hostName, profile.nickname), {},
+        remote_requests::purge(machine.hostName, profile.nickname, machine.isLinux), {},
         std::make_shared<Reviewed>(Reviewed{machine.id}));
     return Outcome::asked();
 }
@@ -94,11 +102,12 @@ Outcome RemoteActions::performRemotePurge(const RemoteHealth& machine, const Rev
     const auto target = targetOf(machine);
     if (!isReachable(machine) || machine.id != reviewed.id ||
         !dependencies_.profiles.remoteProfile(machine.hostName).allowRemotePurge || !target) {
-        return record(
-            Outcome::refused("Remote purge was blocked because reachability, profile "
-                             "permission, or host validation changed."));
+        return recordResult(
+            machine.id, Outcome::refused("Remote purge was blocked because reachability, profile "
+                                         "permission, or host validation changed."));
     }
-    return run({.target = *target,
+    return run({.machine = machine.id,
+                .target = *target,
                 .text = remote_commands::purge(machine.isLinux),
                 .timeout = 15s,
                 .successMark = "purge_ok",
@@ -111,14 +120,15 @@ Outcome RemoteActions::performRemotePurge(const RemoteHealth& machine, const Rev
 Outcome RemoteActions::requestRemoteQuit(const RemoteHealth& machine,
                                          const RemoteProcess& process) {
     if (!isReachable(machine)) {
-        return record(notReachable(machine));
+        return recordResult(machine.id, notReachable(machine));
     }
     if (isProtected(machine, process)) {
-        return record(Outcome::refused(
-            fmt::format("Refused to quit protected remote process {}.", process.displayName())));
+        return recordResult(
+            machine.id, Outcome::refused(fmt::format("Refused to quit protected remote process {}.",
+                                                     process.displayName())));
     }
     if (!validatedSSHHost(machine.address) || !CommandSafetyPolicy::validatedPID(process.pid)) {
-        return record(Outcome::refused("Blocked invalid remote command inputs."));
+        return recordResult(machine.id, Outcome::refused("Blocked invalid remote command inputs."));
     }
     dependencies_.services.confirmations.requestConfirmation(
         remote_requests::quitProcess(machine.hostName, process), {},
@@ -132,11 +142,12 @@ Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const Remo
     const auto command = CommandSafetyPolicy::remoteTerminateCommand(process.pid);
     if (!isReachable(machine) || machine.id != reviewed.id || process.command != reviewed.command ||
         isProtected(machine, process) || !target || !command) {
-        return record(
-            Outcome::refused("Remote process termination was blocked because its reviewed safety "
-                             "state changed."));
+        return recordResult(machine.id,
+                            Outcome::refused("Remote process termination was blocked because its "
+                                             "reviewed safety state changed."));
     }
-    return run({.target = *target,
+    return run({.machine = machine.id,
+                .target = *target,
                 .text = *command,
                 .timeout = 8s,
                 .successMark = "quit_ok",
@@ -154,10 +165,10 @@ Outcome RemoteActions::run(const Command& command) {
          timeout = command.timeout](const Stop&) { return tools.runSSH(arguments, timeout); },
         [this, command](const std::string& output) {
             if (output.find(command.successMark) == std::string::npos) {
-                record(Outcome::failed(command.failedMessage));
+                recordResult(command.machine, Outcome::failed(command.failedMessage));
                 return;
             }
-            record(Outcome::done(command.doneMessage));
+            recordResult(command.machine, Outcome::done(command.doneMessage));
             dependencies_.scan.scanRemoteMacs();
         });
     return Outcome::asked();
@@ -165,15 +176,16 @@ Outcome RemoteActions::run(const Command& command) {
 
 Outcome RemoteActions::remoteOptimizeSafely(const RemoteHealth& machine) {
     if (!isReachable(machine)) {
-        return record(notReachable(machine));
+        return recordResult(machine.id, notReachable(machine));
     }
     const RemoteProfile profile = dependencies_.profiles.remoteProfile(machine.hostName);
     if (profile.warningThreshold <= machine.memoryPercent.value_or(0.0)) {
         return profile.allowRemotePurge
                    ? requestRemotePurge(machine)
-                   : record(Outcome::refused(fmt::format(
-                         "{} is above its threshold, but remote purge is disabled for this Mac.",
-                         machine.hostName)));
+                   : recordResult(machine.id, Outcome::refused(fmt::format(
+                                                  "{} is above its threshold, but remote purge "
+                                                  "is disabled for this {}.",
+                                                  machine.hostName, kindOf(machine))));
     }
     const TextSet& neverQuit = dependencies_.services.settings.values().protectedAppNames;
     const auto app =
@@ -181,14 +193,17 @@ Outcome RemoteActions::remoteOptimizeSafely(const RemoteHealth& machine) {
             return each.topPID && !neverQuit.contains(each.name);
         });
     if (app == machine.appImpacts.end()) {
-        return record(Outcome::done(
-            fmt::format("{} looks healthy. No remote safe action needed.", machine.hostName)));
+        return recordResult(machine.id,
+                            Outcome::done(fmt::format("{} looks healthy. No remote safe action "
+                                                      "needed.",
+                                                      machine.hostName)));
     }
     Outcome copied = copyRemoteAppReport(machine, *app);
     return copied.isAccepted()
-               ? record(Outcome::done(
-                     fmt::format("Remote Optimize Safely selected {} on {} and copied a report.",
-                                 app->name, machine.hostName)))
+               ? recordResult(machine.id,
+                              Outcome::done(fmt::format("Remote Optimize Safely selected {} on {} "
+                                                        "and copied a report.",
+                                                        app->name, machine.hostName)))
                : copied;
 }
 
@@ -317,6 +332,13 @@ bool RemoteActions::isProtected(const RemoteHealth& machine, const RemoteProcess
 std::optional<std::string> RemoteActions::targetOf(const RemoteHealth& machine) const {
     return CommandSafetyPolicy::sshTarget(dependencies_.services.settings.values().sshUsername,
                                           machine.address);
+}
+
+Outcome RemoteActions::recordResult(const std::string& machine, Outcome outcome) {
+    results_.insert_or_assign(machine,
+                              RemoteActionResult{outcome, dependencies_.services.clock.now()});
+    observable_->changed();
+    return record(std::move(outcome));
 }
 
 Outcome RemoteActions::record(Outcome outcome) const {

@@ -3,10 +3,13 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
 #include "core/outcome.h"
@@ -16,10 +19,20 @@
 
 namespace tallowcrest {
 
+class Observable;
 class Pasteboard;
 class RemoteProfiles;
 class RemoteScan;
 class ToolRunner;
+
+/// How a request for a machine, or what was confirmed of it, ended. The message is the recorded
+/// one.
+struct RemoteActionResult {
+    Outcome outcome;
+    Date at;
+
+    bool operator==(const RemoteActionResult&) const = default;
+};
 
 /// What the owner can do for another machine. Two operations change it: a purge of its file caches
 /// and TERM for one process. Each has two halves: a request half that checks and asks for a
@@ -40,8 +53,14 @@ public:
 
     /// Registers the kinds of confirmation that it owns.
     explicit RemoteActions(Dependencies dependencies);
+    ~RemoteActions();
     RemoteActions(const RemoteActions&) = delete;
     RemoteActions& operator=(const RemoteActions&) = delete;
+
+    /// How the last purge, quit or safest step of each machine of this run ended or was refused, by
+    /// the identifier of its record. A success begins a scan, whose messages replace the last
+    /// action at once.
+    const std::map<std::string, RemoteActionResult>& results() const { return results_; }
 
     /// Requests confirmation to purge the machine's file caches. Refused while it is not reachable
     /// and while its profile does not allow it.
@@ -85,6 +104,9 @@ public:
     /// gets the recorded result on a later turn.
     Outcome exportRemoteSetupScript(std::function<void(const Outcome&)> finished = {});
 
+    /// Notifies of a new result.
+    Observable& observable() { return *observable_; }
+
 private:
     /// What the owner was shown when a change was requested.
     struct Reviewed {
@@ -93,6 +115,7 @@ private:
     };
     /// A command that changes another machine.
     struct Command {
+        std::string machine;  ///< the identifier of its record
         std::string target;
         std::string text;
         std::chrono::milliseconds timeout;
@@ -114,8 +137,12 @@ private:
     Outcome copyKeyGeneration();
     Outcome finishExport(const std::filesystem::path& file, const Outcome& written);
     Outcome record(Outcome outcome) const;
+    /// The same, and keeps it as the result of that machine.
+    Outcome recordResult(const std::string& machine, Outcome outcome);
 
     Dependencies dependencies_;
+    std::unique_ptr<Observable> observable_;
+    std::map<std::string, RemoteActionResult> results_;
     JobScope jobs_;
 };
 

@@ -83,7 +83,8 @@ std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
                                                       std::string_view sshUsername, Date now,
                                                       bool isLinux) {
     if (device.addresses.empty()) {
-        return recordOf(device, "no address", isLinux ? noAddressOnLinux : noAddress, now, isLinux);
+        return recordOf(device, std::string(noRemoteAddress),
+                        isLinux ? noAddressOnLinux : noAddress, now, isLinux);
     }
     const auto ipv4 = std::ranges::find_if(device.addresses, [](const std::string& address) {
         return address.find(':') == std::string::npos;

@@ -17,21 +17,21 @@ RemoteProfiles::RemoteProfiles(const Services& services)
 
 RemoteProfiles::~RemoteProfiles() = default;
 
-RemoteProfile RemoteProfiles::remoteProfile(const std::string& hostName) const {
+RemoteProfile RemoteProfiles::remoteProfile(const std::string& hostName, bool isLinux) const {
     const auto found = remoteProfiles_->find(hostName);
     if (found != remoteProfiles_->end()) {
         return found->second;
     }
     return {.id = hostName,
             .nickname = hostName,
-            .role = "Mac",
+            .role = isLinux ? "Linux" : "Mac",
             .warningThreshold = services_.settings.values().warningThreshold,
             .allowRemotePurge = false};
 }
 
 Outcome RemoteProfiles::updateRemoteProfile(const std::string& hostName,
-                                            const RemoteProfileChange& change) {
-    RemoteProfile profile = remoteProfile(hostName);
+                                            const RemoteProfileChange& change, bool isLinux) {
+    RemoteProfile profile = remoteProfile(hostName, isLinux);
     if (change.nickname) {
         profile.nickname = trimmingWhiteSpace(*change.nickname);
     }

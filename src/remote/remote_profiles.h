@@ -32,14 +32,18 @@ public:
     RemoteProfiles(const RemoteProfiles&) = delete;
     RemoteProfiles& operator=(const RemoteProfiles&) = delete;
 
+    /// Those that are stored, by host name.
+    const std::map<std::string, RemoteProfile>& remoteProfiles() const { return *remoteProfiles_; }
+
     /// The stored profile, or else the default one, with the warning threshold of this machine as
-    /// it is now. Stores nothing.
-    RemoteProfile remoteProfile(const std::string& hostName) const;
+    /// it is now. The default role of a Linux machine is "Linux". Stores nothing.
+    RemoteProfile remoteProfile(const std::string& hostName, bool isLinux = false) const;
 
     /// Changes and stores a profile, which is the default one if there was none. White space at the
     /// ends of a nickname and a role is removed, and the empty text is a valid one. Done, without a
     /// message.
-    Outcome updateRemoteProfile(const std::string& hostName, const RemoteProfileChange& change);
+    Outcome updateRemoteProfile(const std::string& hostName, const RemoteProfileChange& change,
+                                bool isLinux = false);
 
     /// Notifies of a stored profile.
     Observable& observable() { return *observable_; }

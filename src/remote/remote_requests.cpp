@@ -6,12 +6,13 @@
 
 namespace tallowcrest::remote_requests {
 
-ConfirmationRequest purge(std::string_view hostName, std::string_view nickname) {
+ConfirmationRequest purge(std::string_view hostName, std::string_view nickname, bool isLinux) {
     return {.id = UUID::random(),
             .title = fmt::format("Purge caches on {}?", nickname.empty() ? hostName : nickname),
-            .message = fmt::format("Tallowcrest will run purge over SSH on {}. This is reversible "
-                                   "only by normal macOS cache refill.",
-                                   hostName),
+            .message = fmt::format("Tallowcrest will {} over SSH on {}. This is reversible only by "
+                                   "normal {}cache refill.",
+                                   isLinux ? "drop file caches" : "run purge", hostName,
+                                   isLinux ? "" : "macOS "),
             .confirmTitle = "Remote Purge",
             .kind = std::string(purgeKind),
             .hostName = std::string(hostName),

@@ -29,9 +29,10 @@ std::string_view pluralEnding(std::size_t count) {
     return count == 1 ? "" : "s";
 }
 
-/// Blocks for at most the deadline of the secure shell, in a job.
+/// Blocks for at most the deadline of the secure shell, in a job; less when `cancel` is requested.
 RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& context,
-                            ToolRunner& tools, const Clock& clock, const Locale& locale) {
+                            ToolRunner& tools, const Clock& clock, const Locale& locale,
+                            const std::stop_token& cancel) {
     constexpr std::chrono::milliseconds deadline{5000};
     const bool isLinux = !isRemoteMac(device, locale);
     auto way = remoteTarget(device, context.sshUsername, clock.now(), isLinux);
@@ -42,7 +43,7 @@ RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& c
     const std::string output = tools.runSSH(
         {"-o", "BatchMode=yes", "-o", "ConnectTimeout=3", "-o", "StrictHostKeyChecking=accept-new",
          target.sshTarget, isLinux ? linuxSampleCommand() : std::string(macSampleScript())},
-        deadline);
+        deadline, cancel);
     return remoteHealthRecord(device, target.address, output, context, clock.now(), isLinux);
 }
 
@@ -80,6 +81,9 @@ Outcome RemoteScan::scanRemoteMacs() {
             Outcome::refused("No online Tailscale Macs are available to scan."));
     }
     state_.remoteScanInProgress = true;
+    if (cancel_.stop_requested()) {
+        cancel_ = {};
+    }
     observable_->changed();
     Outcome outcome = services_.log.record(
         Outcome::asked(fmt::format("Scanning {} remote Mac{} over Tailscale...", devices.size(),
@@ -92,18 +96,23 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
     const Settings& settings = services_.settings.values();
     RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
                               !tailnet_.state().tailscaleHealthIssues.empty()};
+    const std::size_t machines = devices.size();
     jobs_.runWithProgress<RemoteScanProgress>(
         Lane::remoteScan,
         [devices = std::move(devices), context = std::move(context), &tools = tools_,
-         &clock = services_.clock,
-         &locale = services_.locale](const Stop& stop, const auto& report) {
+         &clock = services_.clock, &locale = services_.locale,
+         cancel = cancel_.get_token()](const Stop& stop, const auto& report) {
             std::vector<RemoteHealth> results;
             for (const TailDevice& device : devices) {
-                if (stop.isRequested()) {
+                if (stop.isRequested() || cancel.stop_requested()) {
                     break;
                 }
                 report({results.size() + 1, devices.size(), device.hostName});
-                results.push_back(sampledMachine(device, context, tools, clock, locale));
+                RemoteHealth record = sampledMachine(device, context, tools, clock, locale, cancel);
+                // What a shell printed that was ended says nothing of the machine.
+                if (!cancel.stop_requested()) {
+                    results.push_back(std::move(record));
+                }
             }
             return results;
         },
@@ -114,29 +123,65 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
                 observable_->changed();
             }
         },
-        [this](std::vector<RemoteHealth> results) { finishRemoteScan(std::move(results)); });
+        [this, machines](std::vector<RemoteHealth> results) {
+            if (results.size() < machines) {
+                finishCanceledScan(std::move(results), machines);
+            } else {
+                finishRemoteScan(std::move(results));
+            }
+        });
+}
+
+Outcome RemoteScan::cancelScan() {
+    if (!state_.remoteScanInProgress) {
+        return Outcome::ignored();
+    }
+    state_.isCanceling = true;
+    observable_->changed();
+    cancel_.request_stop();
+    return Outcome::asked();
+}
+
+void RemoteScan::finishCanceledScan(std::vector<RemoteHealth> results, std::size_t machines) {
+    recordRemoteSamples(results);
+    const std::size_t reached = results.size();
+    for (RemoteHealth& result : results) {
+        const auto old = std::ranges::find(state_.remoteHealth, result.id, &RemoteHealth::id);
+        if (old == state_.remoteHealth.end()) {
+            state_.remoteHealth.push_back(std::move(result));
+        } else {
+            *old = std::move(result);
+        }
+    }
+    endScan();
+    services_.log.recordMessage(fmt::format("Remote scan canceled: {} of {} Mac{} scanned.",
+                                            reached, machines, pluralEnding(machines)));
+}
+
+void RemoteScan::endScan() {
+    state_.remoteScanInProgress = false;
+    state_.isCanceling = false;
+    state_.progress.reset();
+    observable_->changed();
 }
 
 void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
     state_.remoteHealth = std::move(results);
-    recordRemoteSamples();
-    state_.remoteScanInProgress = false;
-    state_.progress.reset();
-    observable_->changed();
+    recordRemoteSamples(state_.remoteHealth);
+    endScan();
     const std::size_t count = state_.remoteHealth.size();
     const auto online = std::ranges::count_if(state_.remoteHealth, &RemoteHealth::online);
     services_.log.recordMessage(fmt::format("Remote scan complete: {} of {} Mac{} responded.",
                                             online, count, pluralEnding(count)));
 }
 
-void RemoteScan::recordRemoteSamples() {
-    if (std::ranges::find(state_.remoteHealth, RemoteHealth::Status::reachable,
-                          &RemoteHealth::status) == state_.remoteHealth.end()) {
+void RemoteScan::recordRemoteSamples(const std::vector<RemoteHealth>& results) {
+    if (std::ranges::none_of(results, isReachable)) {
         return;
     }
-    remoteHistory_.change([this](std::vector<RemoteHistoryPoint>& history) {
-        for (const RemoteHealth& each : state_.remoteHealth) {
-            if (each.status != RemoteHealth::Status::reachable) {
+    remoteHistory_.change([&](std::vector<RemoteHistoryPoint>& history) {
+        for (const RemoteHealth& each : results) {
+            if (!isReachable(each)) {
                 continue;
             }
             if (!each.appImpacts.empty()) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,10 @@ struct RemoteScanProgress {
 /// What the scans of other machines have found.
 struct RemoteScanState {
     /// One record per machine of the last scan, in the order of the tailnet. Empty before the first
-    /// scan of this run.
+    /// scan of this run. A scan that was canceled replaces or adds only those that it reached.
     std::vector<RemoteHealth> remoteHealth;
     bool remoteScanInProgress = false;
+    bool isCanceling = false;  ///< the running scan was canceled, and has not ended yet
     /// Absent while no scan runs or the running one has not begun with the first machine.
     std::optional<RemoteScanProgress> progress;
     /// In how many scans an application group came first, by "host: group", restarts included.
@@ -68,13 +70,20 @@ public:
     /// Publishes the results of a scan and ends it.
     void finishRemoteScan(std::vector<RemoteHealth> results);
 
+    /// Ends the scan under way, or all of them, without the answer of the machine that is asked
+    /// now. The machines that were not reached keep their records. Returns at once: asked, or
+    /// ignored when none runs. The end is recorded.
+    Outcome cancelScan();
+
     /// Notifies of a changed state and of new points of the history.
     Observable& observable() { return *observable_; }
 
 private:
     bool isScanned(const TailDevice& device) const;
     void performRemoteScan(std::vector<TailDevice> devices);
-    void recordRemoteSamples();
+    void finishCanceledScan(std::vector<RemoteHealth> results, std::size_t machines);
+    void recordRemoteSamples(const std::vector<RemoteHealth>& results);
+    void endScan();
 
     Services services_;
     const Tailnet& tailnet_;
@@ -82,6 +91,7 @@ private:
     std::unique_ptr<Observable> observable_;
     RemoteScanState state_;
     StoredList<std::vector<RemoteHistoryPoint>> remoteHistory_;
+    std::stop_source cancel_;  ///< of the scans under way
     JobScope jobs_;
 };
 

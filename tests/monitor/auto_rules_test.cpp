@@ -185,6 +185,17 @@ TEST_F(AutoRulesTest, ScansOnlyWhenAMacIsOnline) {
     EXPECT_THAT(details(), ElementsAre("Action: Scanning 1 remote Mac over Tailscale..."));
 }
 
+TEST_F(AutoRulesTest, ALinuxMachineAloneIsScannedWhenTheSettingsIncludeThem) {
+    set(&Settings::autoScanRemoteMacs, true);
+    remote.setDevices({tailDevice("linux", true)});
+    run(0.0);
+    EXPECT_EQ(scans(), 0);
+    set(&Settings::includeLinuxMachines, true);
+    run(0.0);
+    EXPECT_EQ(scans(), 1);
+    EXPECT_EQ(rules.dates().lastAutoRemoteScanDate, clock.now());
+}
+
 TEST_F(AutoRulesTest, ScansAgainAfterMoreThanFifteenMinutesAndNotDuringAScan) {
     set(&Settings::autoScanRemoteMacs, true);
     remote.setDevices({tailDevice("macOS", true)});

@@ -4,8 +4,8 @@
 //   tallowcrest_gallery --remote STATE [the same]
 // --save writes a picture and ends; --time measures the painting of the graph and of Remote Macs
 // and ends. The states of the overview are healthy, troubled, waiting and collapsed; those of
-// Remote Macs are unscanned, alone, scanned, scanning and fleet. A height of 0 shows the whole
-// page.
+// Remote Macs are unscanned, alone, scanned, scanning, later and fleet. A height of 0 shows the
+// whole page.
 
 #include <cmath>
 #include <cstdio>

@@ -68,6 +68,9 @@ private:
             return;
         }
         scan(state == u"fleet"_s ? 40 : 12);
+        if (state == u"later"_s) {
+            letTimePass();
+        }
         if (state == u"scanning"_s) {
             // The scan stays at the third machine: it goes on after the picture.
             machine_.toolLauncher.onLaunch = [this](const ToolRequest&) {
@@ -82,6 +85,21 @@ private:
             } catch (const Paused&) {
             }
         }
+    }
+
+    /// Two machines have gone offline since the scan, one was acted on and one renamed.
+    void letTimePass() {
+        Remote& remote = machine_.monitor().remote();
+        std::vector<TailDevice> peers = fleetPeers(15);
+        peers[0].online = peers[1].online = false;
+        remote.tailnet.publish({peers,
+                                {"Tailscale can't reach the configured DNS servers.", "No route.",
+                                 "Three.", "Four.", "Five.", "Six.", "Seven."}});
+        remote.profiles.updateRemoteProfile("mac-3", {.nickname = "Render box"});
+        for (std::size_t i : {1U, 2U}) {
+            remote.actions.remoteOptimizeSafely(remote.scan.state().remoteHealth.at(i));
+        }
+        machine_.clock.advance(std::chrono::seconds(150));
     }
 
     struct Paused {};
@@ -103,7 +121,8 @@ private:
 }  // namespace
 
 std::unique_ptr<QWidget> remoteGallery(const QString& state, const QSize& size) {
-    const QStringList states{u"unscanned"_s, u"alone"_s, u"scanned"_s, u"scanning"_s, u"fleet"_s};
+    const QStringList states{u"unscanned"_s, u"alone"_s, u"scanned"_s,
+                             u"scanning"_s,  u"later"_s, u"fleet"_s};
     if (!states.contains(state)) {
         return nullptr;
     }

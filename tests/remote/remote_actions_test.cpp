@@ -89,11 +89,22 @@ TEST_F(RemotePurge, LinuxHasACommandOfItsOwn) {
     server.isLinux = true;
     scan.finishRemoteScan({server});
     actions.requestRemotePurge(server);
+    EXPECT_THAT(confirmations.pendingConfirmation()->message,
+                testing::HasSubstr("by normal cache refill."));
     confirmations.confirmPending();
     finishWork();
     ASSERT_THAT(launcher.requests, SizeIs(1));
     EXPECT_EQ(launcher.requests[0].arguments.back(),
               "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok");
+    recorded();
+    profiles.updateRemoteProfile("studio", {.warningThreshold = 40.0, .allowRemotePurge = false});
+    actions.requestRemotePurge(server);
+    actions.remoteOptimizeSafely(server);
+    EXPECT_THAT(recorded(),
+                ElementsAre("Remote purge is disabled for studio. Enable it in that machine's "
+                            "profile first.",
+                            "studio is above its threshold, but remote purge is disabled for this "
+                            "machine."));
 }
 
 TEST_F(RemotePurge, IsCheckedAgainWhenItIsConfirmed) {

@@ -28,6 +28,16 @@ TEST_F(RemoteProfilesTest, TheDefaultFollowsTheLocalThresholdAndIsNotStored) {
     EXPECT_EQ(storedProfiles(), std::nullopt);
 }
 
+TEST_F(RemoteProfilesTest, ALinuxMachineHasARoleOfItsOwnUntilTheOwnerGivesItOne) {
+    EXPECT_EQ(profiles.remoteProfile("server", true).role, "Linux");
+    EXPECT_EQ(profiles.remoteProfile("server").role, "Mac");
+    profiles.updateRemoteProfile("server", {.nickname = "Web"}, true);
+    EXPECT_EQ(profiles.remoteProfile("server"), (RemoteProfile{"server", "Web", "Linux", 82.0}));
+    profiles.updateRemoteProfile("server", {.role = "build"}, true);
+    EXPECT_EQ(profiles.remoteProfile("server", true).role, "build");
+    EXPECT_EQ(profiles.remoteProfiles().size(), 1U);
+}
+
 TEST_F(RemoteProfilesTest, AnUpdateChangesWhatIsGivenAndStoresIt) {
     struct Case {
         RemoteProfileChange change;

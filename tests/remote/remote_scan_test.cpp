@@ -27,19 +27,8 @@ using Status = RemoteHealth::Status;
 
 constexpr const char* goodSample = "cpu=20\nmem=40\ncores=2\nproc=812|15.0|90|/opt/indexer\n";
 
-TailDevice machineNamed(const std::string& name, const std::string& address,
-                        const std::string& os = "macOS") {
-    return {.id = "key:" + name,
-            .name = name,
-            .hostName = name,
-            .online = true,
-            .addresses = {address},
-            .os = os,
-            .inMagicSock = true};
-}
-
 RemoteHealth reachable(const std::string& name, const std::string& group, double cpu = 10.0) {
-    return {.id = "key:" + name,
+    return {.id = "nodekey:" + name,
             .hostName = name,
             .online = true,
             .status = Status::reachable,
@@ -97,9 +86,9 @@ TEST_F(RemoteScanTest, WithNothingToScanItSaysSoAndKeepsTheOldRows) {
 }
 
 TEST_F(RemoteScanTest, AsksEachMachineInOrder) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1"),
-                         machineNamed("phone", "100.2.2.2", "iOS"),
-                         machineNamed("attic", "100.3.3.3", "MacOS")});
+    machines.setDevices({onlineMachine("studio", "100.1.1.1"),
+                         onlineMachine("phone", "100.2.2.2", "iOS"),
+                         onlineMachine("attic", "100.3.3.3", "MacOS")});
     willAnswer({{"owner@100.1.1.1", goodSample}, {"owner@100.3.3.3", "Connection refused"}});
     EXPECT_EQ(scan.scanRemoteMacs(), Outcome::asked("Scanning 2 remote Macs over Tailscale..."));
     EXPECT_TRUE(scan.state().remoteScanInProgress);
@@ -130,7 +119,7 @@ TEST_F(RemoteScanTest, AsksEachMachineInOrder) {
 }
 
 TEST_F(RemoteScanTest, OneMachineIsNoPlural) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1")});
+    machines.setDevices({onlineMachine("studio", "100.1.1.1")});
     scan.scanRemoteMacs();
     finishWork();
     EXPECT_THAT(messages(), ElementsAre("Remote scan complete: 1 of 1 Mac responded.",
@@ -138,12 +127,12 @@ TEST_F(RemoteScanTest, OneMachineIsNoPlural) {
 }
 
 TEST_F(RemoteScanTest, MachinesThatCannotBeAskedAreNotAsked) {
-    TailDevice noAddress = machineNamed("a", "");
+    TailDevice noAddress = onlineMachine("a", "");
     noAddress.addresses.clear();
-    TailDevice noPath = machineNamed("b", "100.2.2.2");
+    TailDevice noPath = onlineMachine("b", "100.2.2.2");
     noPath.inMagicSock = false;
-    machines.setDevices({noAddress, noPath, machineNamed("c", "-oProxyCommand=touch"),
-                         machineNamed("d", "100.4.4.4")});
+    machines.setDevices({noAddress, noPath, onlineMachine("c", "-oProxyCommand=touch"),
+                         onlineMachine("d", "100.4.4.4")});
     willAnswer({{"owner@100.4.4.4", ""}});
     scan.scanRemoteMacs();
     finishWork();
@@ -158,7 +147,7 @@ TEST_F(RemoteScanTest, ASecureShellThatMayNotRunLeavesTheRecordAndSaysSo) {
     const CommandSafetyPolicy::AllowedExecutables allowed{"/usr/bin/true"};
     ToolRunner restricted(allowed, machines.launcher, jobs, log);
     RemoteScan blocked(services, machines.tailnet, restricted);
-    machines.setDevices({machineNamed("studio", "100.1.1.1")});
+    machines.setDevices({onlineMachine("studio", "100.1.1.1")});
     blocked.scanRemoteMacs();
     finishWork();
     EXPECT_EQ(blocked.state().remoteHealth.at(0).status, Status::unknown);
@@ -170,7 +159,7 @@ TEST_F(RemoteScanTest, ASecureShellThatMayNotRunLeavesTheRecordAndSaysSo) {
 
 TEST_F(RemoteScanTest, WorksOnWhatHeldWhenItBegan) {
     machines.tailnet.publish(
-        {{machineNamed("studio", "100.1.1.1")}, {"The relay is unreachable."}});
+        {{onlineMachine("studio", "100.1.1.1")}, {"The relay is unreachable."}});
     settings.set(&Settings::protectedAppNames, {"indexer"});
     scan.scanRemoteMacs();
     machines.tailnet.publish({});
@@ -186,15 +175,15 @@ TEST_F(RemoteScanTest, WorksOnWhatHeldWhenItBegan) {
 }
 
 TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
-    machines.setDevices({machineNamed("server", "100.1.1.1", "linux")});
+    machines.setDevices({onlineMachine("server", "100.1.1.1", "linux")});
     EXPECT_FALSE(scan.hasMachinesToScan());
     settings.set(&Settings::includeLinuxMachines, true);
     EXPECT_TRUE(scan.hasMachinesToScan());
-    TailDevice offline = machineNamed("cellar", "100.2.2.2", "linux");
+    TailDevice offline = onlineMachine("cellar", "100.2.2.2", "linux");
     offline.online = false;
-    machines.setDevices({machineNamed("server", "100.1.1.1", "Linux"),
-                         machineNamed("studio", "100.3.3.3"), offline,
-                         machineNamed("phone", "100.4.4.4", "android")});
+    machines.setDevices({onlineMachine("server", "100.1.1.1", "Linux"),
+                         onlineMachine("studio", "100.3.3.3"), offline,
+                         onlineMachine("phone", "100.4.4.4", "android")});
     machines.launcher.willWrite("mem=50\nproc=10|9|5|sshd\n");
     EXPECT_EQ(scan.scanRemoteMacs(), Outcome::asked("Scanning 2 remote Macs over Tailscale..."));
     finishWork();
@@ -208,7 +197,8 @@ TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
 }
 
 TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
+    machines.setDevices(
+        {onlineMachine("studio", "100.1.1.1"), onlineMachine("attic", "100.2.2.2")});
     std::vector<std::optional<RemoteScanProgress>> told;
     const Subscription subscription =
         scan.observable().subscribe([&] { told.push_back(scan.state().progress); });
@@ -221,9 +211,10 @@ TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {
 }
 
 TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1")});
+    machines.setDevices({onlineMachine("studio", "100.1.1.1")});
     scan.scanRemoteMacs();
-    machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
+    machines.setDevices(
+        {onlineMachine("studio", "100.1.1.1"), onlineMachine("attic", "100.2.2.2")});
     scan.scanRemoteMacs();
     ASSERT_EQ(workQueue.pendingCount(), 2U);
     workQueue.run(1);
@@ -240,9 +231,10 @@ TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
 }
 
 TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsEndsTheProgressOfBoth) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
+    machines.setDevices(
+        {onlineMachine("studio", "100.1.1.1"), onlineMachine("attic", "100.2.2.2")});
     scan.scanRemoteMacs();
-    machines.setDevices({machineNamed("cellar", "100.3.3.3")});
+    machines.setDevices({onlineMachine("cellar", "100.3.3.3")});
     scan.scanRemoteMacs();
     std::vector<std::optional<RemoteScanProgress>> shown;
     std::vector<bool> inProgress;
@@ -272,7 +264,8 @@ TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsEndsTheProgressOfBoth) {
 }
 
 TEST_F(RemoteScanTest, TheEndOfTheProgramEndsItBetweenTwoMachines) {
-    machines.setDevices({machineNamed("studio", "100.1.1.1"), machineNamed("attic", "100.2.2.2")});
+    machines.setDevices(
+        {onlineMachine("studio", "100.1.1.1"), onlineMachine("attic", "100.2.2.2")});
     machines.launcher.onLaunch = [this](const ToolRequest&) { jobs.stopAll(); };
     scan.scanRemoteMacs();
     workQueue.run();
@@ -342,7 +335,7 @@ TEST_F(RemoteScanTest, Of121CountsTheHighest60AreKept) {
 
 TEST_F(RemoteScanTest, AResultAfterTheComponentIsGoneReachesNobody) {
     auto gone = std::make_unique<RemoteScan>(services, machines.tailnet, machines.tools);
-    machines.setDevices({machineNamed("studio", "100.1.1.1")});
+    machines.setDevices({onlineMachine("studio", "100.1.1.1")});
     gone->scanRemoteMacs();
     gone.reset();
     finishWork();

@@ -134,7 +134,7 @@ TEST(RemoteRequests, APurgeNamesTheMachineByItsNickname) {
     };
     for (const Case& each :
          {Case{"Attic", "Purge caches on Attic?"}, Case{"", "Purge caches on studio?"}}) {
-        const ConfirmationRequest request = remote_requests::purge("studio", each.nickname);
+        const ConfirmationRequest request = remote_requests::purge("studio", each.nickname, false);
         EXPECT_EQ(request.title, each.title);
         EXPECT_EQ(request.message,
                   "Tallowcrest will run purge over SSH on studio. This is reversible only by "
@@ -144,7 +144,13 @@ TEST(RemoteRequests, APurgeNamesTheMachineByItsNickname) {
         EXPECT_EQ(request.hostName, "studio");
         EXPECT_EQ(request.pid, std::nullopt);
     }
-    EXPECT_NE(remote_requests::purge("studio", "").id, remote_requests::purge("studio", "").id);
+    EXPECT_NE(remote_requests::purge("studio", "", false).id,
+              remote_requests::purge("studio", "", false).id);
+    const ConfirmationRequest onLinux = remote_requests::purge("server", "", true);
+    EXPECT_EQ(onLinux.title, "Purge caches on server?");
+    EXPECT_EQ(onLinux.message,
+              "Tallowcrest will drop file caches over SSH on server. This is reversible only by "
+              "normal cache refill.");
 }
 
 TEST(RemoteRequests, AQuitNamesTheProcessByItsLastPathComponent) {

@@ -18,6 +18,7 @@
 #include "remote/remote.h"
 #include "tests/platform/support/test_children.h"
 #include "tests/support/each_of.h"
+#include "tests/support/remote_machines.h"
 #include "tests/support/ssh_machines.h"
 #include "tests/support/test_services.h"
 
@@ -82,23 +83,12 @@ protected:
         EXPECT_EQ(openDescriptorCount(), descriptors_);
     }
 
-    static TailDevice device(const std::string& name, const std::string& address,
-                             const std::string& os = "linux") {
-        return {.id = "nodekey:" + name,
-                .name = name,
-                .hostName = name,
-                .online = true,
-                .addresses = {address},
-                .os = os,
-                .inMagicSock = true};
-    }
-
     /// A peer with this answer at port 22, of which nothing else is known.
     TailDevice add(const std::string& name, SshMachines::Server server,
                    const std::string& os = "linux") {
         const std::string address = fmt::format("100.64.7.{}", ++lastMachine_);
         machines->add(address, std::move(server));
-        return device(name, address, os);
+        return onlineMachine(name, address, os);
     }
 
     TailDevice addDead(const std::string& name) { return add(name, {}); }

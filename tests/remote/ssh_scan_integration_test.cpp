@@ -116,7 +116,7 @@ TEST_F(SshScan, SamplesAMac) {
 TEST_F(SshScan, SamplesAMacThatHasOnlyAnIPv6Address) {
     machines->add(SshMachines::onlyIPv6, mac());
     machines->start();
-    EXPECT_EQ(scanOne(device("studio", SshMachines::onlyIPv6, "macOS")).status, Status::reachable);
+    EXPECT_EQ(scanOne(onlineMachine("studio", SshMachines::onlyIPv6)).status, Status::reachable);
 }
 
 TEST_F(SshScan, SamplesThroughAConnectionThatTheOwnerKeepsOpen) {
@@ -165,7 +165,7 @@ TEST_F(SshScan, NamesAHostKeyThatHasChanged) {
 }
 
 TEST_F(SshScan, NamesAClosedPort) {
-    const RemoteHealth record = scanOne(device("attic", "100.64.9.9"));
+    const RemoteHealth record = scanOne(onlineMachine("attic", "100.64.9.9", "linux"));
     expectFailure(record, Status::connectionBlocked);
     EXPECT_EQ(record.setupHint,
               "On the remote machine, make sure that an SSH server such as openssh-server runs and "
@@ -181,8 +181,8 @@ TEST_F(SshScan, NamesAMachineThatDoesNotAnswer) {
 }
 
 TEST_F(SshScan, NamesAnAddressWithoutARoute) {
-    expectFailure(scanOne(device("attic", "192.0.2.1")), Status::unknown);
-    expectFailure(scanOne(device("attic", "fd7a:115c:a1e0::9")), Status::unknown);
+    expectFailure(scanOne(onlineMachine("attic", "192.0.2.1", "linux")), Status::unknown);
+    expectFailure(scanOne(onlineMachine("attic", "fd7a:115c:a1e0::9", "linux")), Status::unknown);
 }
 
 TEST_F(SshScan, GivesUpOnASilentMachine) {
@@ -356,13 +356,14 @@ TEST_F(SshScan, StartsNothingForAHostileAddressOrUser) {
              "-oProxyCommand=touch " + trace, "$(touch " + trace + ")", "`touch " + trace + "`",
              "100.64.7.1;touch " + trace, "100.64.7.1\n-oProxyCommand=touch", "-F/dev/null", "a@b",
              "ssh://100.64.7.1", "\xff", " "}) {
-        const RemoteHealth record = scanOne(device("attic", address));
+        const RemoteHealth record = scanOne(onlineMachine("attic", address, "linux"));
         EXPECT_EQ(record.status, Status::noAddress) << address;
         EXPECT_EQ(record.summary, "Invalid SSH target");
     }
     for (const std::string& user : {"-oProxyCommand=touch " + trace, "$(touch " + trace + ")"}) {
         settings.set(&Settings::sshUsername, user);
-        EXPECT_EQ(scanOne(device("attic", "100.64.7.1")).summary, "Invalid SSH target");
+        EXPECT_EQ(scanOne(onlineMachine("attic", "100.64.7.1", "linux")).summary,
+                  "Invalid SSH target");
     }
     EXPECT_THAT(launcher.launches, IsEmpty());
     EXPECT_FALSE(std::filesystem::exists(trace));

@@ -21,6 +21,18 @@ inline TailDevice tailDevice(std::string os, bool online) {
     return device;
 }
 
+/// A machine that is online, has a path and this one address.
+inline TailDevice onlineMachine(const std::string& name, const std::string& address,
+                                const std::string& os = "macOS") {
+    return {.id = "nodekey:" + name,
+            .name = name,
+            .hostName = name,
+            .online = true,
+            .addresses = {address},
+            .os = os,
+            .inMagicSock = true};
+}
+
 /// Other machines that a test sets, and the scan of them over a secure shell that is not run.
 struct RemoteMachines {
     explicit RemoteMachines(const Services& services)

@@ -19,6 +19,7 @@ public:
 
     /// Disables the button until the settling time has passed since the last call.
     void settle();
+    bool isSettling() const { return timer_->isActive(); }
     /// Leaves the button as it is.
     void stop() { timer_->stop(); }
 

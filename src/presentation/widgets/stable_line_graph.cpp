@@ -55,7 +55,7 @@ Dashes dashesOf(std::size_t series) {
 
 bool operator==(const StableGraphSeries& a, const StableGraphSeries& b) {
     return a.id == b.id && a.color == b.color && a.fillsArea == b.fillsArea &&
-           a.missing == b.missing &&
+           a.missing == b.missing && a.note == b.note &&
            std::equal(a.values.begin(), a.values.end(), b.values.begin(), b.values.end(),
                       [](double first, double second) {
                           return safeGraphValue(first) == safeGraphValue(second);

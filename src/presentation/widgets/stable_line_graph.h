@@ -29,6 +29,8 @@ struct StableGraphSeries {
     /// The indexes of values that were not measured, ascending. The line is interrupted there,
     /// and a value between two such ones is a dot. None for a series with an area.
     std::vector<std::size_t> missing = {};
+    /// What the tool tip of the legend adds to the name; empty for nothing.
+    QString note = {};
 };
 
 /// Whether both would be drawn the same.
@@ -108,6 +110,7 @@ private:
     QString eventText(const GraphEventLabel& label) const;
     /// The events and gaps at most `reach` from `x` on the canvas.
     QStringList marksAt(double x, double reach) const;
+    QStringList legendNotes() const;
     void describeAll();
     QString cursorText(std::size_t point) const;
     void moveCursor(std::optional<std::size_t> point);

@@ -181,6 +181,16 @@ bool StableLineGraph::usesKey(const QKeyEvent& event) const {
     }
 }
 
+QStringList StableLineGraph::legendNotes() const {
+    QStringList notes;
+    for (const StableGraphSeries& each : series_) {
+        if (!each.note.isEmpty()) {
+            notes.append(each.id + u": "_s + each.note);
+        }
+    }
+    return notes;
+}
+
 bool StableLineGraph::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride && usesKey(*static_cast<QKeyEvent*>(event))) {
         event->accept();
@@ -188,12 +198,17 @@ bool StableLineGraph::event(QEvent* event) {
     }
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
-        const QStringList marks = marksAt(help->pos().x() - canvasRect().left(), markReach);
-        if (marks.isEmpty() || !canvasPixels().contains(help->pos())) {
+        const bool isOnCanvas = canvasPixels().contains(help->pos());
+        const QStringList words = isOnCanvas
+                                      ? marksAt(help->pos().x() - canvasRect().left(), markReach)
+                                  : help->pos().y() < captionHeight_ ? legendNotes()
+                                                                     : QStringList();
+        if (words.isEmpty()) {
             QToolTip::hideText();
             event->ignore();
         } else {
-            QToolTip::showText(help->globalPos(), toolTipText(marks.join(u" · "_s)), this);
+            QToolTip::showText(help->globalPos(),
+                               toolTipText(words.join(isOnCanvas ? u" · "_s : u"\n"_s)), this);
         }
         return true;
     }

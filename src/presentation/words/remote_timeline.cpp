@@ -84,9 +84,17 @@ bool needsMoreAttention(const Machine& a, const Machine& b) {
 /// Of a name in the legend, which from the tailnet can be of any length.
 constexpr qsizetype longestName = 64;
 
-RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans) {
+using Profiles = std::map<std::string, RemoteProfile>;
+
+RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans, const Profiles& profiles) {
     RemoteTimelineLine line;
     line.name = dashboard_text::shortText(machine.hostName, longestName);
+    const auto profile = profiles.find(std::string(machine.hostName));
+    if (profile != profiles.end() && !profile->second.nickname.empty() &&
+        profile->second.nickname != machine.hostName) {
+        line.host = std::exchange(line.name,
+                                  dashboard_text::shortText(profile->second.nickname, longestName));
+    }
     line.cpu.resize(scans);
     line.memory.resize(scans);
     for (std::size_t scan = 0; scan < scans; ++scan) {
@@ -103,7 +111,7 @@ RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans) {
 }  // namespace
 
 RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
-                              std::string_view selectedHost) {
+                              std::string_view selectedHost, const Profiles& profiles) {
     RemoteTimeline timeline;
     std::map<std::string_view, Machine> byName;
     const std::vector<std::size_t> starts = scanStarts(history);
@@ -132,7 +140,7 @@ RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
         timeline.showsSelected = true;
     }
     for (std::size_t i = 0; i < shown; ++i) {
-        timeline.lines.push_back(lineOf(machines[i], timeline.scans.size()));
+        timeline.lines.push_back(lineOf(machines[i], timeline.scans.size(), profiles));
     }
     timeline.machinesLeftOut = machines.size() - shown;
     return timeline;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,12 +15,13 @@ namespace tallowcrest {
 
 /// One machine on the axis of the scans.
 struct RemoteTimelineLine {
-    QString name;  ///< at most a few dozen characters
+    QString name;  ///< the nickname or the host name, of at most a few dozen characters
     /// In percent, one for each scan. Where a scan did not reach the machine, its index is in
     /// `missing` and the values are 0.
     std::vector<double> cpu;
     std::vector<double> memory;
     std::vector<std::size_t> missing;  ///< ascending
+    QString host = {};                 ///< empty where it is the name
 
     bool operator==(const RemoteTimelineLine&) const = default;
 };
@@ -41,9 +44,10 @@ inline constexpr std::size_t mostRemoteLines = 4;
 /// scan: a scan ends at the longest pause before a machine appears again, or where no point follows
 /// within five minutes. Of more than `mostRemoteLines` machines those remain that the last scan
 /// reached, before others, and whose last CPU or memory is highest, and in any case
-/// `selectedHost`, if it is not empty. Main thread.
+/// `selectedHost`, if it is not empty. `profiles` are by host name. Main thread.
 RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
-                              std::string_view selectedHost = {});
+                              std::string_view selectedHost = {},
+                              const std::map<std::string, RemoteProfile>& profiles = {});
 
 /// "12 remote samples retained across recent scans.", or what to do without any.
 QString remoteSamplesRetained(std::size_t points);

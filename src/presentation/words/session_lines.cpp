@@ -124,9 +124,8 @@ std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snap
 }
 
 std::int64_t machinesThatNeedAttention(const std::vector<RemoteHealth>& remoteHealth) {
-    return std::ranges::count_if(remoteHealth, [](const RemoteHealth& machine) {
-        return machine.status != RemoteHealth::Status::reachable;
-    });
+    return std::ranges::count_if(remoteHealth,
+                                 [](const RemoteHealth& machine) { return !isReachable(machine); });
 }
 
 }  // namespace tallowcrest

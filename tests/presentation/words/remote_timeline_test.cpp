@@ -1,6 +1,8 @@
 #include "presentation/words/remote_timeline.h"
 
+#include <map>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -159,6 +161,23 @@ TEST(RemoteTimeline, IsToldInWords) {
     const std::string laterDay = lastRemoteSample(history, Date{3 * 86400}).toStdString();
     EXPECT_THAT(sameDay, testing::StartsWith("Last sample "));
     EXPECT_GT(laterDay.size(), sameDay.size()) << "with the date";
+}
+
+TEST(RemoteTimeline, ANicknameStandsForTheHostName) {
+    const std::map<std::string, RemoteProfile> profiles{
+        {"a", {.id = "a", .nickname = "Attic"}},
+        {"b", {.id = "b", .nickname = ""}},
+        {"c", {.id = "c", .nickname = "c"}},
+        {"d", {.id = "d", .nickname = std::string(100, 'x')}}};
+    const RemoteTimeline timeline =
+        remoteTimeline({point(0, "a"), point(1, "b"), point(2, "c"), point(3, "d")}, "a", profiles);
+    ASSERT_EQ(timeline.lines.size(), 4U);
+    EXPECT_EQ(timeline.lines[0].name.toStdString(), "Attic");
+    EXPECT_EQ(timeline.lines[0].host.toStdString(), "a");
+    EXPECT_EQ(timeline.lines[1].name.toStdString(), "b");
+    EXPECT_EQ(timeline.lines[1].host, QString());
+    EXPECT_EQ(timeline.lines[2].host, QString());
+    EXPECT_EQ(timeline.lines[3].name.size(), 65);
 }
 
 }  // namespace

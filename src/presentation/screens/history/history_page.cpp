@@ -108,9 +108,9 @@ QWidget* HistoryPage::makeReceipts() {
 }
 
 std::vector<Observable*> HistoryPage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+    return {&monitor_.sample().observable(),        &monitor_.log().observable(),
             &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable(),
-            &monitor_.remote().scan.observable()};
+            &monitor_.remote().scan.observable(),   &monitor_.remote().profiles.observable()};
 }
 
 std::vector<HeaderAction> HistoryPage::headerActions() {
@@ -130,7 +130,7 @@ void HistoryPage::refresh() {
                  timelineSummary(history));
     const Date now = monitor_.services().clock.now();
     const RemoteScan& scan = monitor_.remote().scan;
-    remoteTimeline_->show(scan.remoteHistory(), now);
+    remoteTimeline_->show(scan.remoteHistory(), now, monitor_.remote().profiles.remoteProfiles());
     session_->show(
         sessionState(sample.snapshot(), sample.sessionInsights(), scan.state().remoteHealth, now));
     automation_->show(automationFacts(monitor_));

@@ -11,6 +11,7 @@
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
+#include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -121,6 +122,9 @@ void AttentionCard::show(const AttentionTexts& texts) {
 void AttentionCard::showRow(std::size_t index, const remote_macs_lines::AttentionLine& line) {
     const Row& row = rows_[index];
     row.name->setText(line.name);
+    row.name->setToolTip(line.host.isEmpty() ? QString()
+                                             : toolTipText(line.name + u" · "_s + line.host));
+    setSpokenDescription(*row.name, line.host);
     row.why->setText(line.why);
     row.what->setText(line.what);
     setSpokenName(*row.show, u"Show "_s + line.name);

@@ -6,9 +6,12 @@
 
 #include "presentation/widgets/card.h"
 
+class QPushButton;
+
 namespace tallowcrest {
 
-/// What is wrong with the tailnet's client of this machine. Main thread.
+/// What is wrong with the tailnet's client of this machine: a few lines, and all of them when the
+/// owner asks for them. Main thread.
 class LocalHealthCard final : public Card {
     Q_OBJECT
 
@@ -23,7 +26,12 @@ signals:
     void healthTestWanted();
 
 private:
+    void showLines();
+
+    QStringList issues_;
     std::vector<ElidedLabel*> lines_;
+    QPushButton* all_ = nullptr;
+    bool showsAll_ = false;
 };
 
 }  // namespace tallowcrest

@@ -37,6 +37,10 @@ RemoteDetailCard::RemoteDetailCard(QWidget* parent) : Card(parent) {
     recommendation_->setObjectName(u"remote.detail.recommendation"_s);
     recommendation_->setLines(1, 4);
     column->addWidget(recommendation_);
+    result_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), filled_);
+    result_->setObjectName(u"remote.detail.result"_s);
+    result_->setLines(1, 3);
+    column->addWidget(result_);
     auto* buttons = new FlowRow(spacing::unit, filled_);
     copy_ =
         makeButton({"Copy Report", "doc.on.doc", "Puts a report on this machine on the clipboard"},
@@ -64,14 +68,14 @@ void RemoteDetailCard::show(const remote_macs_lines::DetailLines& lines) {
         return;
     }
     status_->setText(lines.status);
-    if (lines.isReachable) {
-        status_->setMark(u"checkmark.circle"_s, &CrestTheme::good);
-    } else {
-        status_->setMark(u"exclamationmark.triangle.fill"_s, &CrestTheme::caution);
-    }
+    status_->setMark(lines.statusIcon, !lines.isReachable   ? &CrestTheme::caution
+                                       : lines.isNowOffline ? &CrestTheme::secondaryText
+                                                            : &CrestTheme::good);
     facts_->show(lines.facts);
     recommendation_->setText(lines.recommendation);
     recommendation_->setVisible(!lines.recommendation.isEmpty());
+    result_->setText(lines.result);
+    result_->setVisible(!lines.result.isEmpty());
 }
 
 QWidget* RemoteDetailCard::firstControl() const {

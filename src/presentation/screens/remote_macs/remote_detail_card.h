@@ -35,6 +35,7 @@ private:
     QWidget* filled_ = nullptr;
     std::optional<SummaryCards> facts_;
     ElidedLabel* recommendation_ = nullptr;
+    ElidedLabel* result_ = nullptr;
     QPushButton* copy_ = nullptr;
 };
 

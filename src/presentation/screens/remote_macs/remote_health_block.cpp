@@ -118,7 +118,8 @@ QWidget* RemoteHealthBlock::makeFacts() {
     column->addSpacing(spacing::unit / 2);
     recommendation_ = addLabel(".recommendation", onCard(&CrestFonts::heading));
     setupHint_ = addLabel(".setup-hint", plain);
-    for (ElidedLabel* label : {recommendation_, setupHint_}) {
+    result_ = addLabel(".result", plain);
+    for (ElidedLabel* label : {recommendation_, setupHint_, result_}) {
         label->setLines(1, 4);
     }
     return facts;
@@ -158,7 +159,12 @@ void RemoteHealthBlock::showDetails() {
     topMemory_->setText(topMemoryLine(machine));
     recommendation_->setText(recommendationLine(machine));
     setupHint_->setText(setupHintLine(machine));
-    editor_->show(facts_->profile);
+    result_->setText(resultLine(*facts_));
+    result_->setColor(facts_->lastResult && !facts_->lastResult->outcome.isAccepted()
+                          ? &CrestTheme::caution
+                          : &CrestTheme::secondaryText);
+    result_->setVisible(facts_->lastResult.has_value());
+    editor_->show(facts_->profile, machine.isLinux);
     const bool changesProcesses = processes_->show(processRows(*facts_), noRows(machine));
     const bool changesApps = apps_->show(appRows(*facts_), noRows(machine));
     // Empty, it would still take a gap of the column.

@@ -76,6 +76,7 @@ private:
     ElidedLabel* topMemory_ = nullptr;
     ElidedLabel* recommendation_ = nullptr;
     ElidedLabel* setupHint_ = nullptr;
+    ElidedLabel* result_ = nullptr;
     RemoteProfileEditor* editor_ = nullptr;
     QWidget* lists_ = nullptr;  ///< the two that follow
     RemoteRows* processes_ = nullptr;

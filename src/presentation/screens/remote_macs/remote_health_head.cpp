@@ -144,7 +144,15 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
     drawText(painter, at.name, Qt::AlignLeft, shown_.name, theme.text);
     painter.setFont(fonts.caption);
     drawText(painter, at.host, Qt::AlignLeft, shown_.host, theme.secondaryText);
-    drawText(painter, at.age, Qt::AlignRight, shown_.age, theme.secondaryText);
+    if (shown_.offline.isEmpty()) {
+        drawText(painter, at.age, Qt::AlignRight, shown_.age, theme.secondaryText);
+    } else {
+        // One below the other, so that the columns of all machines stay in line.
+        const int line = painter.fontMetrics().lineSpacing();
+        const QRect upper(at.age.left(), at.age.center().y() + 1 - line, at.age.width(), line);
+        drawText(painter, upper, Qt::AlignRight, shown_.age, theme.secondaryText);
+        drawText(painter, upper.translated(0, line), Qt::AlignRight, shown_.offline, theme.caution);
+    }
 
     painter.setFont(fonts.body);
     const auto drawMarked = [&](const QRect& place, const QString& icon, const QString& text,
@@ -154,7 +162,9 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
         drawText(painter, place.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, text, color);
     };
     drawMarked(at.status, shown_.statusIcon, shown_.status,
-               shown_.isReachable ? theme.good : theme.caution);
+               !shown_.isReachable        ? theme.caution
+               : shown_.offline.isEmpty() ? theme.good
+                                          : theme.secondaryText);
     const auto drawFigure = [&](const QRect& place, const QString& figure, const QString& word) {
         if (word.isEmpty()) {
             drawText(painter, place.adjusted(iconRoom, 0, 0, 0), Qt::AlignLeft, figure, theme.text);

@@ -14,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest::remote_health_lines {
 namespace {
 
-constexpr std::string_view absentAddress = "no address";
 /// Of a name within an identifier.
 constexpr qsizetype longestIdentifier = 64;
 
@@ -68,6 +67,10 @@ QString statusIcon(RemoteHealth::Status status) {
                                                      : u"exclamationmark.triangle.fill"_s;
 }
 
+QString nowOffline() {
+    return u"now offline"_s;
+}
+
 QString displayName(const RemoteHealth& machine, const RemoteProfile& profile) {
     for (const std::string* name : {&profile.nickname, &machine.hostName}) {
         if (!name->empty()) {
@@ -87,25 +90,27 @@ Head head(const RemoteHealthFacts& facts) {
     const QString cpuWord = highIf(isCPUHigh(machine));
     const QString memoryWord = highIf(isMemoryHigh(machine, facts.profile));
     const QString sampled = dashboard_text::age(machine.sampledAt, facts.now);
+    const QString offline = facts.isNowOffline ? nowOffline() : QString();
     const auto figures = [&machine](const QString& absent) {
         return std::pair(figure(u"CPU"_s, machine.cpuPercent, absent),
                          figure(u"Memory"_s, machine.memoryPercent, absent));
     };
     const auto [cpu, memory] = figures(dashboard_text::noFigure());
     const auto [spokenCPU, spokenMemory] = figures(u"unknown"_s);
-    return {
-        .name = name,
-        .host = shownHost,
-        .status = status,
-        .statusIcon = statusIcon(machine.status),
-        .isReachable = machine.status == RemoteHealth::Status::reachable,
-        .cpu = cpu,
-        .cpuWord = cpuWord,
-        .memory = memory,
-        .memoryWord = memoryWord,
-        .age = sampled,
-        .spokenName = joined({name, shownHost, status}, u", "_s),
-        .spokenFigures = joined({spokenCPU, cpuWord, spokenMemory, memoryWord, sampled}, u", "_s)};
+    return {.name = name,
+            .host = shownHost,
+            .status = status,
+            .statusIcon = statusIcon(machine.status),
+            .isReachable = isReachable(machine),
+            .cpu = cpu,
+            .cpuWord = cpuWord,
+            .memory = memory,
+            .memoryWord = memoryWord,
+            .age = sampled,
+            .offline = offline,
+            .spokenName = joined({name, shownHost, status}, u", "_s),
+            .spokenFigures =
+                joined({spokenCPU, cpuWord, spokenMemory, memoryWord, sampled, offline}, u", "_s)};
 }
 
 QString profileLine(const RemoteProfile& profile) {
@@ -136,6 +141,12 @@ QString recommendationLine(const RemoteHealth& machine) {
 
 QString setupHintLine(const RemoteHealth& machine) {
     return text(machine.setupHint);
+}
+
+QString resultLine(const RemoteHealthFacts& facts) {
+    return facts.lastResult ? u"Last action: "_s + text(facts.lastResult->outcome.message) +
+                                  separator() + dashboard_text::age(facts.lastResult->at, facts.now)
+                            : QString();
 }
 
 std::vector<Row> processRows(const RemoteHealthFacts& facts) {
@@ -191,9 +202,7 @@ std::vector<Row> appRows(const RemoteHealthFacts& facts) {
 }
 
 QString noRows(const RemoteHealth& machine) {
-    return machine.status == RemoteHealth::Status::reachable
-               ? u"The last sample named no process."_s
-               : QString();
+    return isReachable(machine) ? u"The last sample named no process."_s : QString();
 }
 
 std::span<const Tool> tools() {
@@ -219,14 +228,16 @@ std::span<const Tool> tools() {
     return all;
 }
 
-std::array<RemoteOperation, 2> foremostTools(RemoteHealth::Status status) {
+std::vector<RemoteOperation> foremostTools(RemoteHealth::Status status) {
     using enum RemoteHealth::Status;
     using enum RemoteOperation;
     switch (status) {
         case reachable:
             return {remotePurge, remoteSafe};
-        case noTailnetPath:
         case noAddress:
+            // Each command needs an address.
+            return {inspect};
+        case noTailnetPath:
         case unknown:
             return {copyPing, copyTest};
         case connectionBlocked:
@@ -242,7 +253,13 @@ std::array<RemoteOperation, 2> foremostTools(RemoteHealth::Status status) {
 bool isEnabled(RemoteOperation operation, const RemoteHealth& machine) {
     const bool needsAddress = operation == RemoteOperation::copyHostKeyFix ||
                               operation == RemoteOperation::copyKeyInstall;
-    return !needsAddress || machine.address != absentAddress;
+    return !needsAddress || machine.address != noRemoteAddress;
+}
+
+QString toolDescription(const Tool& tool, const RemoteHealth& machine) {
+    return isEnabled(tool.operation, machine)
+               ? QString::fromUtf8(tool.description)
+               : u"Needs an address in the tailnet, which this machine does not have"_s;
 }
 
 }  // namespace tallowcrest::remote_health_lines

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,6 +10,7 @@
 
 #include "core/date.h"
 #include "core/remote_records.h"
+#include "remote/remote_actions.h"
 #include "sampling/protection.h"
 
 /// The texts of the block of one remote machine. Texts of the other machine are made safe to show.
@@ -22,7 +23,9 @@ struct RemoteHealthFacts {
     RemoteProfile profile;
     ProtectedAppNames neverQuit;
     Date now;
-    bool isSelected = false;    ///< it is the machine under inspection
+    bool isNowOffline = false;                          ///< its peer has gone offline since
+    std::optional<RemoteActionResult> lastResult = {};  ///< of what was last done for it
+    bool isSelected = false;                            ///< it is the machine under inspection
     bool showsDetails = false;  ///< its details are wanted even if it needs no attention
 };
 
@@ -48,6 +51,9 @@ bool isMemoryHigh(const RemoteHealth& machine, const RemoteProfile& profile);
 /// The name of a line icon.
 QString statusIcon(RemoteHealth::Status status);
 
+/// What stands beside the age of a record whose peer has gone offline since.
+QString nowOffline();
+
 /// The nickname, or else the host name; the address of a machine without either.
 QString displayName(const RemoteHealth& machine, const RemoteProfile& profile);
 
@@ -63,6 +69,7 @@ struct Head {
     QString memory;      ///< "Memory 91%", "Memory –"
     QString memoryWord;  ///< "High"; empty below the threshold
     QString age;
+    QString offline;        ///< "now offline"; empty unless its peer has gone offline since
     QString spokenName;     ///< the machine and its status
     QString spokenFigures;  ///< the rest
 
@@ -84,6 +91,8 @@ QString topCPULine(const RemoteHealth& machine);
 QString topMemoryLine(const RemoteHealth& machine);
 QString recommendationLine(const RemoteHealth& machine);
 QString setupHintLine(const RemoteHealth& machine);
+/// "Last action: Purged remote file caches on studio-mac. · 2 min ago"; empty when there was none
+QString resultLine(const RemoteHealthFacts& facts);
 
 /// A process or an app group of the machine.
 struct Row {
@@ -117,10 +126,12 @@ struct Tool {
 };
 /// All of the tool row, in its order.
 std::span<const Tool> tools();
-/// The two that help most with a machine in this state; the others are in a menu.
-std::array<RemoteOperation, 2> foremostTools(RemoteHealth::Status status);
+/// The one or two that help most with a machine in this state; the others are in a menu.
+std::vector<RemoteOperation> foremostTools(RemoteHealth::Status status);
 /// Whether the operation can be asked for; it may still be refused.
 bool isEnabled(RemoteOperation operation, const RemoteHealth& machine);
+/// What the tool does, or why it is disabled for the machine.
+QString toolDescription(const Tool& tool, const RemoteHealth& machine);
 
 }  // namespace remote_health_lines
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 #include <utility>
 
-#include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/words/dashboard_text.h"
 #include "remote/remote_advice.h"
 
@@ -19,44 +19,43 @@ using dashboard_text::text;
 using remote_health_lines::displayName;
 using remote_health_lines::isCPUHigh;
 using remote_health_lines::isMemoryHigh;
-using Status = RemoteHealth::Status;
-
-bool isReachable(const RemoteHealth& machine) {
-    return machine.status == Status::reachable;
-}
 
 QString percentOrNone(const std::optional<double>& percent) {
     return percent ? dashboard_text::percentText(*percent) : dashboard_text::noFigure();
 }
 
-/// A figure of a machine that is too high.
+/// What is too high on a machine.
 struct Pressure {
     QString text;
-    double percent = 0.0;
+    double percent = 0.0;  ///< the highest figure
 };
 
-/// The higher of the figures that are too high. Absent for a machine without one.
-std::optional<Pressure> pressure(const ProfiledMachine& each) {
-    const auto& [machine, profile] = each;
+/// The figures that are too high, the higher one first: the recommendation speaks of one alone.
+/// Absent for a machine without one.
+std::optional<Pressure> pressure(const RemoteHealthFacts& each) {
+    const RemoteHealth& machine = each.machine;
     const Pressure memory{u"Memory "_s + percentOrNone(machine.memoryPercent),
                           machine.memoryPercent.value_or(0.0)};
     const Pressure cpu{u"CPU "_s + percentOrNone(machine.cpuPercent),
                        machine.cpuPercent.value_or(0.0)};
-    const bool isMemory = isMemoryHigh(machine, profile);
-    if (isCPUHigh(machine) && (!isMemory || cpu.percent > memory.percent)) {
-        return cpu;
+    const bool isMemory = isMemoryHigh(machine, each.profile);
+    const bool isCPU = isCPUHigh(machine);
+    if (isCPU && isMemory) {
+        const auto& [first, second] =
+            cpu.percent > memory.percent ? std::tie(cpu, memory) : std::tie(memory, cpu);
+        return Pressure{first.text + u" · "_s + second.text, first.percent};
     }
-    return isMemory ? std::optional(memory) : std::nullopt;
+    return isCPU ? std::optional(cpu) : isMemory ? std::optional(memory) : std::nullopt;
 }
 
 /// The next step of a machine under pressure. Its recommendation does not know the threshold of the
 /// profile.
-QString nextStep(const ProfiledMachine& each) {
-    const auto& [machine, profile] = each;
+QString nextStep(const RemoteHealthFacts& each) {
+    const RemoteHealth& machine = each.machine;
     if (isCPUHigh(machine) || machine.memoryPercent.value_or(0.0) >= highRemoteLoad) {
         return text(machine.recommendation);
     }
-    return profile.allowRemotePurge
+    return each.profile.allowRemotePurge
                ? u"Memory is at or above its threshold. Remote Safe asks for a purge."_s
                : u"Memory is at or above its threshold. Review its processes, or allow a purge."_s;
 }
@@ -75,18 +74,20 @@ QString attention(const std::vector<RemoteHealth>& machines) {
            u" need attention."_s;
 }
 
-std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines) {
+std::vector<AttentionLine> attentionLines(const std::vector<RemoteHealthFacts>& machines) {
     std::vector<AttentionLine> unreachable;
     std::vector<std::pair<double, AttentionLine>> pressed;
-    for (const ProfiledMachine& each : machines) {
-        if (!isReachable(each.machine)) {
-            unreachable.push_back({each.machine.id, displayName(each.machine, each.profile),
-                                   text(title(each.machine.status)),
-                                   text(each.machine.recommendation)});
+    for (const RemoteHealthFacts& each : machines) {
+        const RemoteHealth& machine = each.machine;
+        const auto line = [&](const QString& why, const QString& what) {
+            const QString name = displayName(machine, each.profile);
+            const QString host = bounded(machine.hostName);
+            return AttentionLine{machine.id, name, host == name ? QString() : host, why, what};
+        };
+        if (!isReachable(machine)) {
+            unreachable.push_back(line(text(title(machine.status)), text(machine.recommendation)));
         } else if (const auto high = pressure(each)) {
-            pressed.push_back({high->percent,
-                               {each.machine.id, displayName(each.machine, each.profile),
-                                high->text, nextStep(each)}});
+            pressed.emplace_back(high->percent, line(high->text, nextStep(each)));
         }
     }
     std::ranges::stable_sort(pressed, std::ranges::greater(),
@@ -109,6 +110,9 @@ QString moreAttention(std::size_t lines) {
 QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned) {
     if (!scan.remoteScanInProgress) {
         return {};
+    }
+    if (scan.isCanceling) {
+        return u"Canceling the scan"_s;
     }
     if (!scan.progress) {
         return u"Beginning the scan"_s;
@@ -145,35 +149,57 @@ std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std
              u"Highest pressure from the last remote scan."_s}};
 }
 
-DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now) {
-    if (!shown) {
+DetailLines detail(const RemoteHealthFacts* shown) {
+    if (shown == nullptr) {
         return {.heading = u"Remote Detail"_s};
     }
-    const auto& [machine, profile] = *shown;
+    const RemoteHealth& machine = shown->machine;
+    const RemoteProfile& profile = shown->profile;
     const QString status = text(title(machine.status));
+    const QString checked = u"Checked "_s + age(machine.sampledAt, shown->now);
     return {.heading = u"Remote Detail: "_s + displayName(machine, profile),
             .facts = {{u"Profile"_s,
                        profile.nickname.empty() ? u"No nickname"_s : bounded(profile.nickname),
                        profile.role.empty() ? u"No role"_s : bounded(profile.role)},
-                      {u"Status"_s, status, u"Checked "_s + age(machine.sampledAt, now)},
+                      {u"Status"_s, status,
+                       shown->isNowOffline ? checked + u" · "_s + remote_health_lines::nowOffline()
+                                           : checked},
                       {u"Load"_s, percentOrNone(machine.cpuPercent) + u" CPU"_s,
                        u"Memory "_s + percentOrNone(machine.memoryPercent)}},
             .status = status,
+            .statusIcon = remote_health_lines::statusIcon(machine.status),
             .isReachable = isReachable(machine),
-            .recommendation = text(machine.recommendation)};
+            .isNowOffline = shown->isNowOffline,
+            .recommendation = text(machine.recommendation),
+            .result = remote_health_lines::resultLine(*shown)};
 }
 
-const RemoteHealth* selectedMachine(const std::vector<RemoteHealth>& machines,
-                                    const std::string& id) {
-    const auto found = std::ranges::find(machines, id, &RemoteHealth::id);
+const RemoteHealthFacts* selectedMachine(const std::vector<RemoteHealthFacts>& machines) {
+    const auto found = std::ranges::find(machines, true, &RemoteHealthFacts::isSelected);
     return found != machines.end() ? &*found : machines.empty() ? nullptr : &machines.front();
+}
+
+std::unordered_set<std::string_view> offlineMachines(const std::vector<RemoteHealth>& machines,
+                                                     const std::vector<TailDevice>& peers) {
+    std::unordered_set<std::string_view> scanned;
+    for (const RemoteHealth& each : machines) {
+        scanned.insert(each.id);
+    }
+    std::unordered_set<std::string_view> offline;
+    for (const TailDevice& each : peers) {
+        if (const auto found = scanned.find(each.id); !each.online && found != scanned.end()) {
+            offline.insert(*found);
+        }
+    }
+    return offline;
 }
 
 PeerLine peerLine(const TailDevice& peer) {
     PeerLine line;
-    line.name = bounded(peer.name);
-    line.place = bounded(peer.os) + u" · "_s +
-                 (peer.addresses.empty() ? u"no address"_s : bounded(peer.addresses.front()));
+    const QString address =
+        bounded(peer.addresses.empty() ? noRemoteAddress : peer.addresses.front());
+    line.name = peer.name.empty() ? address : bounded(peer.name);
+    line.place = bounded(peer.os) + u" · "_s + address;
     if (peer.active || peer.inMagicSock) {
         // The client keeps the path of a peer for some time after it went offline.
         line.path = peer.online ? PeerPath::active : PeerPath::offline;
@@ -189,10 +215,11 @@ PeerLine peerLine(const TailDevice& peer) {
 }
 
 QStringList healthIssues(const std::vector<std::string>& issues) {
-    constexpr std::size_t mostIssues = 6;
+    constexpr std::size_t mostIssues = 100;
+    constexpr qsizetype longestIssue = 2000;
     QStringList lines;
     for (std::size_t i = 0; i < std::min(issues.size(), mostIssues); ++i) {
-        lines.append(bounded(issues[i]));
+        lines.append(dashboard_text::shortText(issues[i], longestIssue));
     }
     if (issues.size() > mostIssues) {
         lines.append(

@@ -1,24 +1,20 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include <QString>
 #include <QStringList>
 
 #include "core/remote_records.h"
+#include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/words/session_lines.h"
 #include "remote/remote_scan.h"
 
 namespace tallowcrest {
-
-/// A machine of the last scan with its profile. The references must outlive the value.
-struct ProfiledMachine {
-    const RemoteHealth& machine;
-    const RemoteProfile& profile;
-};
 
 /// The texts of the page of the other machines. Main thread.
 namespace remote_macs_lines {
@@ -30,7 +26,8 @@ QString attention(const std::vector<RemoteHealth>& machines);
 struct AttentionLine {
     std::string id;  ///< of the record
     QString name;
-    QString why;   ///< the status, or the figure
+    QString host;  ///< empty where it is the name
+    QString why;   ///< the status, or the figures that are too high
     QString what;  ///< what to do about it
 
     bool operator==(const AttentionLine&) const = default;
@@ -39,7 +36,7 @@ struct AttentionLine {
 /// The machines whose processors are saturated or whose memory is at or above the threshold of
 /// their profile, the highest first, because these can be helped at once. Then those that could not
 /// be sampled, in their order.
-std::vector<AttentionLine> attentionLines(const std::vector<ProfiledMachine>& machines);
+std::vector<AttentionLine> attentionLines(const std::vector<RemoteHealthFacts>& machines);
 inline constexpr std::size_t mostAttentionLines = 5;
 /// What stands below the lines when there are more than `mostAttentionLines`; else empty.
 QString moreAttention(std::size_t lines);
@@ -47,7 +44,7 @@ QString moreAttention(std::size_t lines);
 /// When the machines were scanned, or how far the running scan is. `scanned` is the profile of the
 /// machine that it is at.
 QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Date now);
-/// "Scanning studio-mac, 3 of 12"; empty while no scan runs.
+/// "Scanning studio-mac, 3 of 12", or that it ends; empty while no scan runs.
 QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned);
 
 /// "Reachable", "Known Peers" and "Highest Memory", in this order.
@@ -60,19 +57,26 @@ struct DetailLines {
     /// "Profile", "Status" and "Load"; empty without a machine.
     std::vector<SummaryTexts> facts = {};
     QString status = {};
+    QString statusIcon = {};
     bool isReachable = false;
+    bool isNowOffline = false;
     QString recommendation = {};
+    QString result = {};  ///< of what was last done for it; may be empty
 
     bool operator==(const DetailLines&) const = default;
 };
 inline constexpr std::size_t detailFacts = 3;
 
-/// `shown` is absent when no machine has been scanned.
-DetailLines detail(const std::optional<ProfiledMachine>& shown, Date now);
+/// `shown` is null when no machine has been scanned.
+DetailLines detail(const RemoteHealthFacts* shown);
 
-/// The record with that identifier, or else the first one; null when there is none.
-const RemoteHealth* selectedMachine(const std::vector<RemoteHealth>& machines,
-                                    const std::string& id);
+/// The machine under inspection, or else the first one; null when there is none.
+const RemoteHealthFacts* selectedMachine(const std::vector<RemoteHealthFacts>& machines);
+
+/// The identifiers of those of the machines whose peers are offline now. They live as long as
+/// `machines`.
+std::unordered_set<std::string_view> offlineMachines(const std::vector<RemoteHealth>& machines,
+                                                     const std::vector<TailDevice>& peers);
 
 enum class PeerPath { active, listed, offline };
 
@@ -87,7 +91,8 @@ struct PeerLine {
 /// Texts of any length come as at most a few hundred characters.
 PeerLine peerLine(const TailDevice& peer);
 
-/// The problems of the tailnet's client, a few at most and then how many more there are.
+/// The problems of the tailnet's client, one line each. Beyond a hundred, the last line counts the
+/// others.
 QStringList healthIssues(const std::vector<std::string>& issues);
 
 }  // namespace remote_macs_lines

@@ -74,13 +74,13 @@ void RemoteMacsPage::connectParts() {
         }
     });
     connect(detail_, &RemoteDetailCard::reportWanted, this, [this, &remote] {
-        if (const RemoteHealth* machine = selectedMachine()) {
-            remote.actions.copyRemoteReport(*machine);
+        if (const auto* shown = remote_macs_lines::selectedMachine(facts_)) {
+            remote.actions.copyRemoteReport(RemoteHealth(shown->machine));
         }
     });
     connect(detail_, &RemoteDetailCard::safeStepWanted, this, [this, &remote] {
-        if (const RemoteHealth* machine = selectedMachine()) {
-            remote.actions.remoteOptimizeSafely(*machine);
+        if (const auto* shown = remote_macs_lines::selectedMachine(facts_)) {
+            remote.actions.remoteOptimizeSafely(RemoteHealth(shown->machine));
         }
     });
     connect(tailscale_, &OverviewBlock::collapseWanted, this, [this](bool collapsed) {
@@ -88,6 +88,8 @@ void RemoteMacsPage::connectParts() {
     });
     connect(tailscale_, &TailscaleBlock::scanWanted, this,
             [&remote] { remote.scan.scanRemoteMacs(); });
+    connect(tailscale_, &TailscaleBlock::cancelWanted, this,
+            [&remote] { remote.scan.cancelScan(); });
     connect(tailscale_, &TailscaleBlock::tailscaleWanted, this,
             [&applications] { applications.openTailscaleApp(); });
     connect(localHealth_, &LocalHealthCard::tailscaleWanted, this,
@@ -103,7 +105,7 @@ void RemoteMacsPage::connectMachines() {
     Remote& remote = monitor_.remote();
     connect(machines_, &RemoteHealthList::profileChanged, this,
             [&remote](const RemoteHealth& machine, const RemoteProfileChange& change) {
-                remote.profiles.updateRemoteProfile(machine.hostName, change);
+                remote.profiles.updateRemoteProfile(machine.hostName, change, machine.isLinux);
             });
     connect(machines_, &RemoteHealthList::operationWanted, this,
             [this](const RemoteHealth& machine, RemoteOperation operation) {
@@ -167,7 +169,8 @@ void RemoteMacsPage::inspect(const RemoteHealth& machine) {
 std::vector<Observable*> RemoteMacsPage::shows() const {
     Remote& remote = monitor_.remote();
     std::vector<Observable*> shown{
-        &remote.tailnet.observable(), &remote.scan.observable(), &remote.profiles.observable(),
+        &remote.tailnet.observable(),           &remote.scan.observable(),
+        &remote.profiles.observable(),          &remote.actions.observable(),
         &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
     if (!monitor_.sample().snapshot()) {
         // Only that there is one changes the page.
@@ -200,27 +203,22 @@ void RemoteMacsPage::hideEvent(QHideEvent* event) {
 void RemoteMacsPage::refresh() {
     area_->keepInPlace(partToKeep());
     const TailnetState& tailnet = monitor_.remote().tailnet.state();
+    const RemoteScanState& scan = monitor_.remote().scan.state();
+    facts_ = facts();
     refreshSummary();
     refreshTimeline();
-    refreshDetail();
+    detail_->show(remote_macs_lines::detail(remote_macs_lines::selectedMachine(facts_)));
     tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
-    tailscale_->show(tailnet.tailDevices, remote_macs_lines::scanProgress(
-                                              monitor_.remote().scan.state(), scannedProfile()));
+    tailscale_->show(tailnet.tailDevices,
+                     {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling});
     localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
     localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
-    refreshMachines();
+    machines_->show(facts_);
 }
 
 void RemoteMacsPage::refreshSummary() {
     const Remote& remote = monitor_.remote();
     const RemoteScanState& scan = remote.scan.state();
-    std::vector<RemoteProfile> profiles;
-    profiles.reserve(scan.remoteHealth.size());
-    std::vector<ProfiledMachine> machines;
-    for (const RemoteHealth& each : scan.remoteHealth) {
-        machines.push_back(
-            {each, profiles.emplace_back(remote.profiles.remoteProfile(each.hostName))});
-    }
     attention_->show(
         {.summary = monitor_.sample().snapshot() ? remote_macs_lines::attention(scan.remoteHealth)
                                                  : u"Sampling this Mac..."_s,
@@ -228,7 +226,7 @@ void RemoteMacsPage::refreshSummary() {
              remote_macs_lines::scanState(scan, scannedProfile(), monitor_.services().clock.now()),
          .isScanned = !scan.remoteHealth.empty(),
          .hasUnreachable = machinesThatNeedAttention(scan.remoteHealth) > 0,
-         .lines = remote_macs_lines::attentionLines(machines)});
+         .lines = remote_macs_lines::attentionLines(facts_)});
     summary_->show(
         remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
 }
@@ -240,47 +238,39 @@ void RemoteMacsPage::refreshTimeline() {
     const auto selected =
         std::ranges::find(machines, state_.navigation.selectedRemoteID(), &RemoteHealth::id);
     timeline_->show(scan.remoteHistory(), monitor_.services().clock.now(),
+                    monitor_.remote().profiles.remoteProfiles(),
                     selected != machines.end() ? selected->hostName : std::string());
 }
 
-void RemoteMacsPage::refreshDetail() {
-    const Date now = monitor_.services().clock.now();
-    const RemoteHealth* machine = selectedMachine();
-    if (machine == nullptr) {
-        detail_->show(remote_macs_lines::detail(std::nullopt, now));
-        return;
-    }
-    const RemoteProfile profile = monitor_.remote().profiles.remoteProfile(machine->hostName);
-    detail_->show(remote_macs_lines::detail(ProfiledMachine{*machine, profile}, now));
-}
-
-void RemoteMacsPage::refreshMachines() {
+std::vector<RemoteHealthFacts> RemoteMacsPage::facts() const {
     // So few that their details fit on the page.
     constexpr std::size_t fewMachines = 3;
     const Remote& remote = monitor_.remote();
     const std::vector<RemoteHealth>& scanned = remote.scan.state().remoteHealth;
+    const auto offline =
+        remote_macs_lines::offlineMachines(scanned, remote.tailnet.state().tailDevices);
     std::vector<RemoteHealthFacts> facts;
     facts.reserve(scanned.size());
     for (const RemoteHealth& each : scanned) {
+        const auto result = remote.actions.results().find(each.id);
         facts.push_back({.machine = each,
-                         .profile = remote.profiles.remoteProfile(each.hostName),
+                         .profile = remote.profiles.remoteProfile(each.hostName, each.isLinux),
                          .neverQuit = monitor_.settings().protectedAppNames,
                          .now = monitor_.services().clock.now(),
+                         .isNowOffline = offline.contains(each.id),
+                         .lastResult = result == remote.actions.results().end()
+                                           ? std::nullopt
+                                           : std::optional(result->second),
                          .isSelected = each.id == state_.navigation.selectedRemoteID(),
                          .showsDetails = scanned.size() <= fewMachines});
     }
-    machines_->show(facts);
+    return facts;
 }
 
 RemoteProfile RemoteMacsPage::scannedProfile() const {
     const Remote& remote = monitor_.remote();
     const auto& progress = remote.scan.state().progress;
     return progress ? remote.profiles.remoteProfile(progress->hostName) : RemoteProfile{};
-}
-
-const RemoteHealth* RemoteMacsPage::selectedMachine() const {
-    return remote_macs_lines::selectedMachine(monitor_.remote().scan.state().remoteHealth,
-                                              state_.navigation.selectedRemoteID());
 }
 
 void RemoteMacsPage::scan() {

@@ -50,12 +50,10 @@ private:
     void inspect(const RemoteHealth& machine);
     void refreshSummary();
     void refreshTimeline();
-    void refreshDetail();
-    void refreshMachines();
+    /// The machines of the last scan, in their order.
+    std::vector<RemoteHealthFacts> facts() const;
     /// The profile of the machine that the running scan is at.
     RemoteProfile scannedProfile() const;
-    /// Null without a scan.
-    const RemoteHealth* selectedMachine() const;
     /// Starts a scan, or shows how far the running one is.
     void scan();
     void openRemoteSettings();
@@ -78,7 +76,8 @@ private:
     LocalHealthCard* localHealth_ = nullptr;
     SetupChecklistCard* setup_ = nullptr;
     RemoteHealthList* machines_ = nullptr;
-    std::vector<QWidget*> parts_;  ///< those above the machines, from top to bottom
+    std::vector<RemoteHealthFacts> facts_;  ///< as they are shown
+    std::vector<QWidget*> parts_;           ///< those above the machines, from top to bottom
     std::unique_ptr<RepeatingTimer> ageTimer_;
 };
 

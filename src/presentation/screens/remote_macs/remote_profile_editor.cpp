@@ -74,14 +74,12 @@ QLineEdit* RemoteProfileEditor::makeField(const QString& title, const QString& i
 }
 
 QWidget* RemoteProfileEditor::makePermission(const QString& identifier) {
-    const QString title = u"Allow remote purge on this Mac"_s;
     auto* cell = new QWidget(this);
     auto* row = new QHBoxLayout(cell);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing::unit);
     purge_ = new ToggleSwitch(cell);
     purge_->setObjectName(identifier);
-    purge_->setAccessibleName(title);
     connect(purge_, &QAbstractButton::clicked, this,
             [this] { emit changed({.allowRemotePurge = !purge_->isChecked()}); });
     row->addWidget(purge_, 0, Qt::AlignTop);
@@ -89,9 +87,9 @@ QWidget* RemoteProfileEditor::makePermission(const QString& identifier) {
     words->setSpacing(2);
     // Centres the title vertically on the switch.
     words->addSpacing(spacing::unit / 2);
-    auto* name = new ElidedLabel(title, onCard(&CrestFonts::body), cell);
-    name->setLines(1, 2);
-    words->addWidget(name);
+    purgeName_ = new ElidedLabel(onCard(&CrestFonts::body), cell);
+    purgeName_->setLines(1, 2);
+    words->addWidget(purgeName_);
     purgeState_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), cell);
     purgeState_->setObjectName(identifier + u".state"_s);
     purgeState_->setLines(1, 2);
@@ -101,10 +99,13 @@ QWidget* RemoteProfileEditor::makePermission(const QString& identifier) {
     return cell;
 }
 
-void RemoteProfileEditor::show(const RemoteProfile& profile) {
+void RemoteProfileEditor::show(const RemoteProfile& profile, bool isLinux) {
     showStored(*nickname_, profile.nickname);
     showStored(*role_, profile.role);
     threshold_->show(profile.warningThreshold);
+    purgeName_->setText(isLinux ? u"Allow remote purge on this machine"_s
+                                : u"Allow remote purge on this Mac"_s);
+    setSpokenName(*purge_, purgeName_->text());
     purge_->setChecked(profile.allowRemotePurge);
     purgeState_->setText(profile.allowRemotePurge ? u"On. Each purge still asks first."_s
                                                   : u"Off. Remote Purge is refused."_s);

@@ -26,7 +26,7 @@ public:
 
     /// Leaves a field with the focus alone: what the owner types is stored without the white space
     /// at its ends, which the next word may need.
-    void show(const RemoteProfile& profile);
+    void show(const RemoteProfile& profile, bool isLinux = false);
 
     /// The controls, in the order of the tab key.
     std::vector<QWidget*> controls() const;
@@ -44,6 +44,7 @@ private:
     QLineEdit* role_ = nullptr;
     LimitRow* threshold_ = nullptr;
     ToggleSwitch* purge_ = nullptr;
+    ElidedLabel* purgeName_ = nullptr;
     ElidedLabel* purgeState_ = nullptr;
 };
 

@@ -1,14 +1,17 @@
 #include "presentation/screens/remote_macs/remote_tool_row.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QAction>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QPushButton>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/menu_button.h"
+#include "presentation/widgets/settling_button.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -32,7 +35,7 @@ RemoteToolRow::RemoteToolRow(const QString& identifier, QWidget* parent) : QWidg
         const RemoteOperation operation = tool.operation;
         connect(button, &QPushButton::clicked, this, [=, this] { emit wanted(operation); });
         connect(entry, &QAction::triggered, this, [=, this] { emit wanted(operation); });
-        tools_.push_back({operation, button, entry});
+        tools_.push_back({&tool, button, entry, std::make_unique<SettlingButton>(*button)});
         row->addWidget(button);
     }
     row->addWidget(more_);
@@ -41,15 +44,39 @@ RemoteToolRow::RemoteToolRow(const QString& identifier, QWidget* parent) : QWidg
     row->addStretch(1);
 }
 
+RemoteToolRow::~RemoteToolRow() = default;
+
 void RemoteToolRow::show(const RemoteHealth& machine) {
-    const auto foremost = remote_health_lines::foremostTools(machine.status);
-    for (const Tool& tool : tools_) {
-        const bool isForemost = std::ranges::find(foremost, tool.operation) != foremost.end();
-        const bool isEnabled = remote_health_lines::isEnabled(tool.operation, machine);
-        tool.button->setVisible(isForemost);
-        tool.button->setEnabled(isEnabled);
-        tool.entry->setVisible(!isForemost);
-        tool.entry->setEnabled(isEnabled);
+    auto foremost = remote_health_lines::foremostTools(machine.status);
+    for (Tool& tool : tools_) {
+        const auto placeIn = [&tool](const std::vector<RemoteOperation>& operations) {
+            const auto found = std::ranges::find(operations, tool.words->operation);
+            return found == operations.end() ? -1 : found - operations.begin();
+        };
+        const bool isForemost = placeIn(foremost) >= 0;
+        showTool(tool, machine, isForemost);
+        const bool hasNewPlace = isForemost && placeIn(foremost) != placeIn(foremost_);
+        if (hasNewPlace && !foremost_.empty() && tool.button->isEnabled()) {
+            tool.settling->settle();
+        }
+    }
+    foremost_ = std::move(foremost);
+}
+
+void RemoteToolRow::showTool(Tool& tool, const RemoteHealth& machine, bool isForemost) {
+    const bool isEnabled = remote_health_lines::isEnabled(tool.words->operation, machine);
+    const QString description = remote_health_lines::toolDescription(*tool.words, machine);
+    if (!isEnabled) {
+        tool.settling->stop();
+    }
+    tool.button->setVisible(isForemost);
+    tool.button->setEnabled(isEnabled && !tool.settling->isSettling());
+    tool.entry->setVisible(!isForemost);
+    tool.entry->setEnabled(isEnabled);
+    if (description != tool.button->toolTip()) {
+        tool.button->setToolTip(description);
+        setSpokenDescription(*tool.button, description);
+        tool.entry->setToolTip(description);
     }
 }
 

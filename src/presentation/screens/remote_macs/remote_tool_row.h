@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <QString>
@@ -13,6 +14,7 @@ class QPushButton;
 namespace tallowcrest {
 
 class MenuButton;
+class SettlingButton;
 
 /// What can be done for one machine: the two buttons that help most in its state, and a menu with
 /// the others. Main thread.
@@ -23,7 +25,10 @@ public:
     /// The object names of a button and of its entry in the menu are `identifier` and that of the
     /// tool.
     explicit RemoteToolRow(const QString& identifier, QWidget* parent = nullptr);
+    ~RemoteToolRow() override;
 
+    /// A button that takes the place of another one can be pressed after a moment only, so that a
+    /// click that was meant for the other one does nothing.
     void show(const RemoteHealth& machine);
 
     /// The controls, in the order of the tab key.
@@ -34,11 +39,15 @@ signals:
 
 private:
     struct Tool {
-        RemoteOperation operation;
+        const remote_health_lines::Tool* words;
         QPushButton* button;
         QAction* entry;  ///< of the menu, while the button is hidden
+        std::unique_ptr<SettlingButton> settling;
     };
+    void showTool(Tool& tool, const RemoteHealth& machine, bool isForemost);
+
     std::vector<Tool> tools_;
+    std::vector<RemoteOperation> foremost_;  ///< empty before the first `show`
     MenuButton* more_ = nullptr;
 };
 

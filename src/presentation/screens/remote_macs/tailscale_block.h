@@ -11,6 +11,12 @@ namespace tallowcrest {
 
 class PeerList;
 
+/// How far a scan is.
+struct ScanTexts {
+    QString progress;  ///< of the running scan; empty while none runs
+    bool isCanceling = false;
+};
+
 /// The peers of the tailnet, and the scan of those that can be sampled. Main thread.
 class TailscaleBlock final : public OverviewBlock {
     Q_OBJECT
@@ -18,19 +24,21 @@ class TailscaleBlock final : public OverviewBlock {
 public:
     TailscaleBlock();
 
-    /// `progress` is the text of the running scan; empty while none runs.
-    void show(const std::vector<TailDevice>& peers, const QString& progress);
+    void show(const std::vector<TailDevice>& peers, const ScanTexts& scan);
 
 signals:
     /// The owner asked for a scan, which the button offers only while none runs.
     void scanWanted();
+    /// The owner asked to end the running scan.
+    void cancelWanted();
     void tailscaleWanted();
 
 private:
     QWidget* makeActions();
-    void showProgress(const QString& progress);
+    void showScan(const ScanTexts& scan);
 
     QPushButton* scan_ = nullptr;
+    QPushButton* cancel_ = nullptr;  ///< hidden while no scan runs
     ElidedLabel* progress_ = nullptr;
     ElidedLabel* empty_ = nullptr;
     PeerList* peers_ = nullptr;

@@ -61,19 +61,20 @@ RemoteTimelineCard::RemoteTimelineCard(const QString& identifier, QWidget* paren
 }
 
 void RemoteTimelineCard::show(const std::vector<RemoteHistoryPoint>& history, Date now,
+                              const std::map<std::string, RemoteProfile>& profiles,
                               const std::string& selectedHost) {
-    Shown shown{history.size(), {}, dashboard_text::localDay(now), selectedHost};
-    if (!history.empty()) {
-        shown.last = history.back().id;
-    }
-    if (shown == shown_) {
+    const Points points{history.size(),
+                        history.empty() ? std::nullopt : std::optional(history.back().id),
+                        dashboard_text::localDay(now)};
+    if (shown_ && shown_->points == points && shown_->profiles == profiles &&
+        shown_->selectedHost == selectedHost) {
         return;
     }
-    shown_ = std::move(shown);
+    shown_ = {points, profiles, selectedHost};
     setCaption(lastRemoteSample(history, now));
     retained_->setText(remoteSamplesRetained(history.size()));
     graphs_->setVisible(!history.empty());
-    showLines(remoteTimeline(history, selectedHost));
+    showLines(remoteTimeline(history, selectedHost, profiles));
 }
 
 void RemoteTimelineCard::showLines(const RemoteTimeline& timeline) {
@@ -85,8 +86,8 @@ void RemoteTimelineCard::showLines(const RemoteTimeline& timeline) {
                               std::vector<double> RemoteTimelineLine::*values) {
         std::vector<StableGraphSeries> series;
         for (const RemoteTimelineLine& line : timeline.lines) {
-            series.push_back(
-                {line.name, lineColors.at(series.size()), line.*values, false, line.missing});
+            series.push_back({line.name, lineColors.at(series.size()), line.*values, false,
+                              line.missing, line.host});
         }
         graph.setSeries(std::move(series), times);
     };

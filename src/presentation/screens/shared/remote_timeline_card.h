@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,20 +25,25 @@ public:
     /// The object names begin with `identifier`.
     explicit RemoteTimelineCard(const QString& identifier, QWidget* parent = nullptr);
 
-    /// `history` comes oldest first, all machines together. The machine `selectedHost` is always
-    /// among those that are drawn; empty for none. Does nothing while `history` has no new point,
-    /// `now` is on the same day and the rest is the same.
+    /// `history` comes oldest first, all machines together; `profiles` are by host name. The
+    /// machine `selectedHost` is always among those that are drawn; empty for none. Does nothing
+    /// while `history` has no new point, `now` is on the same day and the rest is the same.
     void show(const std::vector<RemoteHistoryPoint>& history, Date now,
+              const std::map<std::string, RemoteProfile>& profiles = {},
               const std::string& selectedHost = {});
 
 private:
-    struct Shown {
+    struct Points {
         std::size_t count = 0;
         std::optional<UUID> last = {};
         std::int64_t day = 0;
-        std::string selectedHost = {};
 
-        bool operator==(const Shown&) const = default;
+        bool operator==(const Points&) const = default;
+    };
+    struct Shown {
+        Points points;
+        std::map<std::string, RemoteProfile> profiles;
+        std::string selectedHost;
     };
 
     void showLines(const RemoteTimeline& timeline);

@@ -146,6 +146,28 @@ TEST_F(RemoteHealthBlockTest, TheDetailsHaveTheWordsInTheirOrder) {
     EXPECT_EQ(found, wanted);
 }
 
+TEST_F(RemoteHealthBlockTest, WhatWasLastDoneForTheMachineStaysReadable) {
+    showOpen();
+    EXPECT_EQ(visible("probe.result"), nullptr);
+    facts.lastResult = {Outcome::failed("Remote purge failed on studio-mac."), {1070.0}};
+    show();
+    EXPECT_EQ(textOf("probe.result"),
+              u"Last action: Remote purge failed on studio-mac. · 1 min ago"_s);
+    facts.lastResult.reset();
+    show();
+    EXPECT_EQ(visible("probe.result"), nullptr);
+}
+
+TEST_F(RemoteHealthBlockTest, OnLinuxTheSwitchDoesNotSpeakOfAMac) {
+    showOpen();
+    EXPECT_EQ(visible("probe.allow-remote-purge")->accessibleName(),
+              u"Allow remote purge on this Mac"_s);
+    facts.machine.isLinux = true;
+    show();
+    EXPECT_EQ(visible("probe.allow-remote-purge")->accessibleName(),
+              u"Allow remote purge on this machine"_s);
+}
+
 TEST_F(RemoteHealthBlockTest, AMachineThatWasNotReachedHasNoRows) {
     facts = unreachableMachine(RemoteHealth::Status::unknown);
     show();

@@ -189,17 +189,32 @@ TEST_F(RemoteHealthLinesTest, HostileTextsAndFiguresAreBoundedAndOnOneLine) {
     machine.hostName = machine.osVersion.emplace(hostile);
     machine.topCPUProcess = machine.topMemoryProcess = hostile;
     machine.recommendation = machine.setupHint = hostile;
+    facts.lastResult = {Outcome::failed("Could not quit " + hostile), {1070.0}};
     profile.nickname = profile.role = hostile;
     machine.topProcesses = {{1, 1e300, -1e300, hostile}};
     machine.appImpacts = {{hostile, 1, 1e300, 1e300, {}, 0}};
     const Row process = processRows(facts).at(0);
     const Row app = appRows(facts).at(0);
-    for (const QString& text :
-         {head(facts).name, head(facts).spokenName, profileLine(profile), systemLine(machine),
-          topCPULine(machine), topMemoryLine(machine), recommendationLine(machine),
-          setupHintLine(machine), process.name, process.toolTip, process.actionName,
-          process.identifier, process.cpu, process.memory, app.name, app.actionName, app.note,
-          app.cpu, app.identifier}) {
+    for (const QString& text : {head(facts).name,
+                                head(facts).spokenName,
+                                profileLine(profile),
+                                systemLine(machine),
+                                topCPULine(machine),
+                                topMemoryLine(machine),
+                                recommendationLine(machine),
+                                setupHintLine(machine),
+                                resultLine(facts),
+                                process.name,
+                                process.toolTip,
+                                process.actionName,
+                                process.identifier,
+                                process.cpu,
+                                process.memory,
+                                app.name,
+                                app.actionName,
+                                app.note,
+                                app.cpu,
+                                app.identifier}) {
         EXPECT_LT(text.size(), 2'100) << text.left(40).toStdString();
         EXPECT_FALSE(text.contains(u'\n') || text.contains(QChar(0x202E)) ||
                      text.contains(QChar(0x200B)))
@@ -237,9 +252,38 @@ TEST_F(RemoteHealthLinesTest, TheForemostToolsHelpWithTheStatus) {
     EXPECT_THAT(foremostTools(Status::hostKeyIssue), ElementsAre(copyTest, copyHostKeyFix));
     EXPECT_THAT(foremostTools(Status::authNeeded), ElementsAre(copyTest, copyKeyInstall));
     EXPECT_THAT(foremostTools(Status::connectionBlocked), ElementsAre(copyPortTest, copyTest));
-    for (const Status status : {Status::noTailnetPath, Status::noAddress, Status::unknown}) {
+    for (const Status status : {Status::noTailnetPath, Status::unknown}) {
         EXPECT_THAT(foremostTools(status), ElementsAre(copyPing, copyTest));
     }
+    EXPECT_THAT(foremostTools(Status::noAddress), ElementsAre(inspect))
+        << "each command would be refused";
+}
+
+TEST_F(RemoteHealthLinesTest, ADisabledToolSaysWhy) {
+    for (const Tool& tool : tools()) {
+        machine.address = "100.64.0.7";
+        EXPECT_EQ(toolDescription(tool, machine).toStdString(), tool.description);
+        machine.address = "no address";
+        EXPECT_EQ(toolDescription(tool, machine).startsWith(u"Needs an address"_s),
+                  !isEnabled(tool.operation, machine))
+            << tool.title;
+    }
+}
+
+TEST_F(RemoteHealthLinesTest, AMachineThatHasGoneOfflineSaysSoBesideItsAge) {
+    EXPECT_EQ(head(facts).offline, QString());
+    facts.isNowOffline = true;
+    EXPECT_EQ(head(facts).offline, u"now offline"_s);
+    EXPECT_EQ(head(facts).age, u"2 min ago"_s);
+    EXPECT_EQ(head(facts).spokenFigures, u"CPU 12%, Memory 41%, 2 min ago, now offline"_s);
+    EXPECT_FALSE(head(facts).needsAttention()) << "its last record is one of success";
+}
+
+TEST_F(RemoteHealthLinesTest, TheLastResultIsToldWithItsAge) {
+    EXPECT_EQ(resultLine(facts), QString());
+    facts.lastResult = {Outcome::done("Purged remote file caches on studio-mac."), {1070.0}};
+    EXPECT_EQ(resultLine(facts),
+              u"Last action: Purged remote file caches on studio-mac. · 1 min ago"_s);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "remote/remote_advice.h"
 #include "tests/presentation/scoped_locale.h"
 
 using namespace Qt::StringLiterals;
@@ -26,6 +27,21 @@ protected:
                 .memoryPercent = memory,
                 .recommendation = std::string("Help ") + name + ".",
                 .sampledAt = now};
+    }
+
+    static RemoteHealthFacts facts(RemoteHealth of, RemoteProfile profile) {
+        return {
+            .machine = std::move(of), .profile = std::move(profile), .neverQuit = {}, .now = now};
+    }
+
+    /// A machine with the advice that a scan gives.
+    static RemoteHealth advised(double cpu, double memory) {
+        RemoteHealth advised = machine("studio", Status::reachable, memory);
+        advised.cpuPercent = cpu;
+        advised.recommendation =
+            remoteRecommendation(advised.status, false, cpu, memory,
+                                 {{.pid = 7, .cpu = 20.0, .command = "/opt/Maya"}}, false);
+        return advised;
     }
 
     const ScopedLocale locale{"en_US"};
@@ -61,31 +77,56 @@ TEST_F(RemoteMacsLinesTest, MachinesUnderPressureComeBeforeThoseOutOfReach) {
     const RemoteHealth blocked = machine("blocked", Status::connectionBlocked);
     const RemoteHealth locked = machine("locked", Status::authNeeded, 99.0);
     EXPECT_THAT(
-        macs::attentionLines({{below, atEighty},
-                              {at, atEighty},
-                              {blocked, atEighty},
-                              {nothing, atEighty},
-                              {highest, named},
-                              {locked, named}}),
-        ElementsAre(
-            macs::AttentionLine{"id-highest", u"Studio"_s, u"Memory 95%"_s, u"Help highest."_s},
-            macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, review},
-            macs::AttentionLine{"id-blocked", u"blocked"_s, u"Connection Blocked"_s,
-                                u"Help blocked."_s},
-            macs::AttentionLine{"id-locked", u"Studio"_s, u"Auth Needed"_s, u"Help locked."_s}));
-    EXPECT_THAT(macs::attentionLines({{below, atEighty}}), IsEmpty());
+        macs::attentionLines({facts(below, atEighty), facts(at, atEighty), facts(blocked, atEighty),
+                              facts(nothing, atEighty), facts(highest, named),
+                              facts(locked, named)}),
+        ElementsAre(macs::AttentionLine{"id-highest", u"Studio"_s, u"highest"_s, u"Memory 95%"_s,
+                                        u"Help highest."_s},
+                    macs::AttentionLine{"id-at", u"at"_s, QString(), u"Memory 80%"_s, review},
+                    macs::AttentionLine{"id-blocked", u"blocked"_s, QString(),
+                                        u"Connection Blocked"_s, u"Help blocked."_s},
+                    macs::AttentionLine{"id-locked", u"Studio"_s, u"locked"_s, u"Auth Needed"_s,
+                                        u"Help locked."_s}));
+    EXPECT_THAT(macs::attentionLines({facts(below, atEighty)}), IsEmpty());
     const RemoteProfile allowed{.warningThreshold = 80.0, .allowRemotePurge = true};
-    EXPECT_EQ(macs::attentionLines({{at, allowed}}).at(0).what,
+    EXPECT_EQ(macs::attentionLines({facts(at, allowed)}).at(0).what,
               u"Memory is at or above its threshold. Remote Safe asks for a purge."_s);
     RemoteHealth busy = machine("busy", Status::reachable, 90.0);
     busy.cpuPercent = 97.0;
     RemoteHealth both = machine("both", Status::reachable, 96.0);
     both.cpuPercent = 85.0;
     EXPECT_THAT(
-        macs::attentionLines({{both, atEighty}, {busy, atEighty}, {at, atEighty}}),
-        ElementsAre(macs::AttentionLine{"id-busy", u"busy"_s, u"CPU 97%"_s, u"Help busy."_s},
-                    macs::AttentionLine{"id-both", u"both"_s, u"Memory 96%"_s, u"Help both."_s},
-                    macs::AttentionLine{"id-at", u"at"_s, u"Memory 80%"_s, review}));
+        macs::attentionLines({facts(both, atEighty), facts(busy, atEighty), facts(at, atEighty)}),
+        ElementsAre(macs::AttentionLine{"id-busy", u"busy"_s, QString(), u"CPU 97% · Memory 90%"_s,
+                                        u"Help busy."_s},
+                    macs::AttentionLine{"id-both", u"both"_s, QString(), u"Memory 96% · CPU 85%"_s,
+                                        u"Help both."_s},
+                    macs::AttentionLine{"id-at", u"at"_s, QString(), u"Memory 80%"_s, review}));
+}
+
+TEST_F(RemoteMacsLinesTest, TheNextStepFitsTheReason) {
+    struct Case {
+        double cpu;
+        double memory;
+        const char* why;
+        const char* what;
+    };
+    const char* const review =
+        "Memory is at or above its threshold. Review its processes, or allow a purge.";
+    const char* const purge = "Memory pressure is high. Review Maya and consider Remote Purge.";
+    const char* const busy = "CPU is saturated. Review Maya before quitting anything remotely.";
+    for (const auto& [cpu, memory, why, what] :
+         {Case{5.0, 82.0, "Memory 82%", review}, Case{5.0, 84.9, "Memory 85%", review},
+          Case{5.0, 85.0, "Memory 85%", purge}, Case{97.0, 82.0, "CPU 97% · Memory 82%", busy},
+          Case{97.0, 90.0, "CPU 97% · Memory 90%", purge}, Case{85.0, 40.0, "CPU 85%", busy}}) {
+        const auto lines =
+            macs::attentionLines({facts(advised(cpu, memory), {.warningThreshold = 82.0})});
+        ASSERT_EQ(lines.size(), 1U) << why;
+        EXPECT_EQ(lines[0].why.toStdString(), why);
+        EXPECT_EQ(lines[0].what.toStdString(), what) << why;
+    }
+    EXPECT_THAT(macs::attentionLines({facts(advised(84.9, 81.9), {.warningThreshold = 82.0})}),
+                IsEmpty());
 }
 
 TEST_F(RemoteMacsLinesTest, LinesThatAreNotShownAreCounted) {
@@ -115,6 +156,8 @@ TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
     scan.remoteScanInProgress = true;
     scan.progress = RemoteScanProgress{1, 2, "a"};
     EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now · Scanning a, 1 of 2"_s);
+    scan.isCanceling = true;
+    EXPECT_EQ(macs::scanProgress(scan, {}), u"Canceling the scan"_s);
 }
 
 TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
@@ -138,21 +181,32 @@ TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
 // The detail -------------------------------------------------------------------------------------
 
 TEST_F(RemoteMacsLinesTest, TheSelectedMachineIsTheFirstUnlessOneIsNamed) {
+    std::vector<RemoteHealthFacts> machines{facts(machine("a", Status::reachable), {}),
+                                            facts(machine("b", Status::unknown), {})};
+    EXPECT_EQ(macs::selectedMachine({}), nullptr);
+    EXPECT_EQ(macs::selectedMachine(machines), &machines[0]);
+    machines[1].isSelected = true;
+    EXPECT_EQ(macs::selectedMachine(machines), &machines[1]);
+}
+
+TEST_F(RemoteMacsLinesTest, OfflineAreTheMachinesWhosePeersSayThatTheyAre) {
     const std::vector<RemoteHealth> machines{machine("a", Status::reachable),
-                                             machine("b", Status::unknown)};
-    EXPECT_EQ(macs::selectedMachine({}, "id-a"), nullptr);
-    EXPECT_EQ(macs::selectedMachine(machines, ""), &machines[0]);
-    EXPECT_EQ(macs::selectedMachine(machines, "id-b"), &machines[1]);
-    EXPECT_EQ(macs::selectedMachine(machines, "id-gone"), &machines[0]);
+                                             machine("b", Status::reachable),
+                                             machine("gone", Status::reachable)};
+    const std::vector<TailDevice> peers{{.id = "id-a", .online = true},
+                                        {.id = "id-b", .online = false},
+                                        {.id = "id-c", .online = false}};
+    EXPECT_THAT(macs::offlineMachines(machines, peers), ElementsAre("id-b"));
+    EXPECT_THAT(macs::offlineMachines(machines, {}), IsEmpty()) << "the reading may have failed";
 }
 
 TEST_F(RemoteMacsLinesTest, TheDetailTellsProfileStatusAndLoad) {
-    EXPECT_EQ(macs::detail(std::nullopt, now), (macs::DetailLines{.heading = u"Remote Detail"_s}));
+    EXPECT_EQ(macs::detail(nullptr), (macs::DetailLines{.heading = u"Remote Detail"_s}));
     RemoteHealth studio = machine("studio", Status::reachable, 71.4);
     studio.cpuPercent = 12.6;
     studio.sampledAt = {now.secondsSinceReference - 130.0};
-    const auto known =
-        macs::detail(ProfiledMachine{studio, {.nickname = "Big", .role = "render"}}, now);
+    RemoteHealthFacts shown = facts(studio, {.nickname = "Big", .role = "render"});
+    const auto known = macs::detail(&shown);
     EXPECT_EQ(known.heading, u"Remote Detail: Big"_s);
     EXPECT_THAT(known.facts,
                 ElementsAre(SummaryTexts{u"Profile"_s, u"Big"_s, u"render"_s},
@@ -161,13 +215,19 @@ TEST_F(RemoteMacsLinesTest, TheDetailTellsProfileStatusAndLoad) {
     EXPECT_TRUE(known.isReachable);
     EXPECT_EQ(known.recommendation, u"Help studio."_s);
 
-    const auto unknown =
-        macs::detail(ProfiledMachine{machine("mini", Status::hostKeyIssue), {}}, now);
+    shown.isNowOffline = true;
+    shown.lastResult = {Outcome::refused("No."), now};
+    EXPECT_EQ(macs::detail(&shown).facts.at(1).detail, u"Checked 2 min ago · now offline"_s);
+    EXPECT_EQ(macs::detail(&shown).result, u"Last action: No. · just now"_s);
+
+    shown = facts(machine("mini", Status::hostKeyIssue), {});
+    const auto unknown = macs::detail(&shown);
     EXPECT_THAT(unknown.facts,
                 ElementsAre(SummaryTexts{u"Profile"_s, u"No nickname"_s, u"No role"_s},
                             SummaryTexts{u"Status"_s, u"Host Key Issue"_s, u"Checked just now"_s},
                             SummaryTexts{u"Load"_s, u"– CPU"_s, u"Memory –"_s}));
     EXPECT_EQ(unknown.status, u"Host Key Issue"_s);
+    EXPECT_EQ(unknown.statusIcon, u"exclamationmark.triangle.fill"_s);
     EXPECT_FALSE(unknown.isReachable);
 }
 
@@ -216,6 +276,11 @@ TEST_F(RemoteMacsLinesTest, ThePlaceOfAPeerIsItsSystemAndItsFirstAddress) {
     EXPECT_EQ(macs::peerLine({.os = "unknown"}).place, u"unknown · no address"_s);
 }
 
+TEST_F(RemoteMacsLinesTest, APeerWithoutANameIsNamedByItsAddress) {
+    EXPECT_EQ(macs::peerLine({.id = "key", .addresses = {"100.64.0.7"}}).name, u"100.64.0.7"_s);
+    EXPECT_EQ(macs::peerLine({.id = "key"}).name, u"no address"_s);
+}
+
 TEST_F(RemoteMacsLinesTest, AHostilePeerIsPlainTextOfBoundedLength) {
     const std::string hostile = "<b>x</b>\n\xE2\x80\xAE" + std::string(10000, 'x');
     const auto line = macs::peerLine(
@@ -233,8 +298,10 @@ TEST_F(RemoteMacsLinesTest, ManyProblemsOfTheClientAreCut) {
     EXPECT_THAT(macs::healthIssues({"No DNS.\r", "No route."}),
                 ElementsAre(u"No DNS.\uFFFD"_s, u"No route."_s));
     const QStringList many = macs::healthIssues(std::vector<std::string>(1006, "Bad."));
-    EXPECT_EQ(many.size(), 7);
-    EXPECT_EQ(many.last(), u"and 1,000 more"_s);
+    EXPECT_EQ(many.size(), 101);
+    EXPECT_EQ(many.last(), u"and 906 more"_s);
+    EXPECT_EQ(macs::healthIssues({std::string(10'000, 'x')}).at(0).size(), 2001)
+        << "with the sign that it goes on";
 }
 
 }  // namespace

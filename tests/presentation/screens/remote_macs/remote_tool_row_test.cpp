@@ -1,14 +1,29 @@
 #include <string>
 #include <utility>
 
+#include <QTimer>
+#include <QTimerEvent>
+
 #include "tests/presentation/screens/remote_macs/remote_health_block_fixture.h"
 
 namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
-using RemoteToolRowTest = RemoteHealthBlockFixture;
+class RemoteToolRowTest : public RemoteHealthBlockFixture {
+protected:
+    QTimer* moment(const char* identifier) {
+        return button(identifier).findChild<QTimer*>(u"settling"_s);
+    }
+    void endTheMoment(const char* identifier) {
+        ASSERT_TRUE(moment(identifier)->isActive()) << identifier;
+        QTimerEvent end(moment(identifier)->timerId());
+        QCoreApplication::sendEvent(moment(identifier), &end);
+        EXPECT_TRUE(button(identifier).isEnabled());
+    }
+};
 
 TEST_F(RemoteToolRowTest, EachToolIsAButtonOrInTheMenu) {
     showOpen();
@@ -28,6 +43,37 @@ TEST_F(RemoteToolRowTest, EachToolIsAButtonOrInTheMenu) {
     menu().close();
 }
 
+TEST_F(RemoteToolRowTest, AButtonThatTakesThePlaceOfAnotherWaitsForAMoment) {
+    showOpen();
+    EXPECT_TRUE(button("probe.remote-purge").isEnabled()) << "it took no other one's place";
+    machine.status = RemoteHealth::Status::authNeeded;
+    show();
+    EXPECT_THAT(shownButtons(), ElementsAre("Copy Test", "Copy Key Install"));
+    click("probe.copy-test");
+    show();
+    click("probe.copy-test");
+    EXPECT_THAT(operations, IsEmpty());
+    // From now on "Copy Test" stays where it is, and "Copy Key Install" makes room.
+    endTheMoment("probe.copy-test");
+    endTheMoment("probe.copy-key-install");
+    machine.status = RemoteHealth::Status::hostKeyIssue;
+    show();
+    click("probe.copy-test");
+    click("probe.copy-host-key-fix");
+    EXPECT_THAT(operations, ElementsAre(RemoteOperation::copyTest));
+    endTheMoment("probe.copy-host-key-fix");
+    machine.status = RemoteHealth::Status::connectionBlocked;
+    show();
+    EXPECT_FALSE(button("probe.copy-test").isEnabled()) << "it is where another one was";
+    machine.status = RemoteHealth::Status::hostKeyIssue;
+    show();
+    // Neither does the end of the moment enable what the machine cannot have.
+    machine.address = "no address";
+    show();
+    EXPECT_FALSE(moment("probe.copy-host-key-fix")->isActive());
+    EXPECT_FALSE(button("probe.copy-host-key-fix").isEnabled());
+}
+
 TEST_F(RemoteToolRowTest, EachToolEmitsItsOperationFromTheButtonAndFromTheMenu) {
     showOpen();
     for (const remote_health_lines::Tool& tool : remote_health_lines::tools()) {
@@ -44,11 +90,14 @@ TEST_F(RemoteToolRowTest, WithoutAnAddressToolsAreDisabledWhereverTheyAre) {
     machine.address = "no address";
     show();
     EXPECT_FALSE(button("probe.copy-host-key-fix").isEnabled());
+    EXPECT_TRUE(button("probe.copy-host-key-fix").toolTip().startsWith(u"Needs an address"_s));
     EXPECT_FALSE(block.findChild<QAction*>(u"probe.copy-key-install"_s)->isEnabled());
     EXPECT_TRUE(block.findChild<QAction*>(u"probe.remote-purge"_s)->isEnabled());
     machine.address = "100.64.0.7";
     show();
     EXPECT_TRUE(button("probe.copy-host-key-fix").isEnabled());
+    EXPECT_EQ(button("probe.copy-host-key-fix").toolTip(),
+              button("probe.copy-host-key-fix").accessibleDescription());
 }
 
 }  // namespace

@@ -1,8 +1,12 @@
 #include "presentation/screens/shared/remote_timeline_card.h"
 
+#include <map>
 #include <string>
 #include <utility>
 
+#include <QApplication>
+#include <QHelpEvent>
+#include <QToolTip>
 #include <gmock/gmock.h>
 
 #include "presentation/widgets/stable_line_graph.h"
@@ -71,11 +75,30 @@ TEST_F(RemoteTimelineCardTest, NamesTheCountOfTheMachinesThatItDoesNotDraw) {
                                       "drawn."));
     EXPECT_THAT(said("remote.timeline.memory"), HasSubstr("mac3"));
     EXPECT_THAT(said("remote.timeline.memory"), Not(HasSubstr("mac2")));
-    card.show(history, Date{10}, "mac1");
+    card.show(history, Date{10}, {}, "mac1");
     EXPECT_THAT(said("remote.timeline.memory"), HasSubstr("mac1"));
     EXPECT_THAT(said("remote.timeline.memory"), Not(HasSubstr("mac3")));
     EXPECT_THAT(texts(card), Contains("Shows the selected machine and the 3 with the highest load. "
                                       "3 more are not drawn."));
+}
+
+TEST_F(RemoteTimelineCardTest, NamesTheMachinesAsTheirProfilesDoAndTellsTheirHosts) {
+    add(0, "air", 10, 40);
+    add(5, "mini", 30, 60);
+    std::map<std::string, RemoteProfile> profiles{{"mini", {.id = "mini", .nickname = "mini"}}};
+    card.show(history, Date{1000}, profiles);
+    EXPECT_EQ(said("remote.timeline.memory"), "mini 60 percent, air 40 percent");
+    const auto legendTip = [this] {
+        QHelpEvent event(QEvent::ToolTip, {20, 4}, {20, 4});
+        QApplication::sendEvent(visible("remote.timeline.memory"), &event);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(legendTip(), QString());
+    profiles["mini"].nickname = "<b>Attic";
+    card.show(history, Date{1000}, profiles);
+    EXPECT_EQ(said("remote.timeline.memory"), "<b>Attic 60 percent, air 40 percent");
+    EXPECT_THAT(legendTip().toStdString(), HasSubstr("&lt;b&gt;Attic: mini"));
+    QToolTip::hideText();
 }
 
 TEST_F(RemoteTimelineCardTest, IsNotPaintedAgainWithoutANewPoint) {
