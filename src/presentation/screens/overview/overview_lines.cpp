@@ -6,6 +6,7 @@
 #include "actions/app_group.h"
 #include "monitor/load_rules.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/session_lines.h"
 
 using namespace Qt::StringLiterals;
 
@@ -108,8 +109,14 @@ TopOffender topOffender(const TopOffenderFacts& facts) {
             {}};
 }
 
-QString remoteAlerts(std::int64_t machines) {
-    return machines > 0 ? u"%1 Remote Alerts"_s.arg(dashboard_text::count(machines)) : QString();
+RemoteAlerts remoteAlerts(const std::vector<RemoteHealth>& machines, Date now) {
+    const std::int64_t troubled = machinesThatNeedAttention(machines);
+    if (troubled == 0) {
+        return {};
+    }
+    const Date newest = std::ranges::max_element(machines, {}, &RemoteHealth::sampledAt)->sampledAt;
+    return {u"%1 Remote Alerts"_s.arg(dashboard_text::count(troubled)),
+            u"Scanned "_s + dashboard_text::age(newest, now)};
 }
 
 }  // namespace tallowcrest

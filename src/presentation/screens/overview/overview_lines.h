@@ -9,7 +9,9 @@
 
 #include <QString>
 
+#include "core/date.h"
 #include "core/local_records.h"
+#include "core/remote_records.h"
 #include "core/settings/settings.h"
 #include "sampling/protection.h"
 
@@ -82,7 +84,13 @@ struct TopOffenderFacts {
 /// has no groups.
 TopOffender topOffender(const TopOffenderFacts& facts);
 
-/// "3 Remote Alerts"; empty when no remote machine needs attention.
-QString remoteAlerts(std::int64_t machines);
+/// How many other machines need attention.
+struct RemoteAlerts {
+    QString count;  ///< "3 Remote Alerts"; empty for none
+    QString age;    ///< "Scanned 2 min ago", by the newest record
+
+    bool operator==(const RemoteAlerts&) const = default;
+};
+RemoteAlerts remoteAlerts(const std::vector<RemoteHealth>& machines, Date now);
 
 }  // namespace tallowcrest

@@ -6,6 +6,7 @@
 #include "actions/automation.h"
 #include "actions/review_target.h"
 #include "core/activity_log.h"
+#include "core/clock.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/overview/gauges_block.h"
@@ -24,7 +25,6 @@
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
-#include "presentation/words/session_lines.h"
 #include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
@@ -77,6 +77,8 @@ void OverviewPage::connectBlocks() {
     connect(topOffender_, &TopOffenderBlock::reviewWanted, this, &OverviewPage::reviewOffender);
     connect(topOffender_, &TopOffenderBlock::cleanupWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
+    connect(topOffender_, &TopOffenderBlock::remoteMacsWanted, this,
+            [this] { state_.navigation.setSelectedRoute(AppRoute::remoteMacs); });
     connect(recentActivity_, &RecentActivityBlock::historyWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::history); });
 }
@@ -109,8 +111,8 @@ void OverviewPage::refresh() {
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
     showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
-    topOffender_->show(offenderFacts(),
-                       machinesThatNeedAttention(monitor_.remote().scan.state().remoteHealth));
+    topOffender_->show(offenderFacts(), remoteAlerts(monitor_.remote().scan.state().remoteHealth,
+                                                     monitor_.services().clock.now()));
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
     sessionInsights_->show(sample.sessionInsights());

@@ -74,12 +74,20 @@ TopOffenderBlock::TopOffenderBlock()
                                    spacing::iconRegular, alerts_));
     alertsText_ = new ElidedLabel(onCard(&CrestFonts::heading), alerts_);
     alertsText_->setObjectName(u"overview.remote-alerts"_s);
-    alerts->addWidget(alertsText_, 1);
+    alerts->addWidget(alertsText_);
+    alertsAge_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), alerts_);
+    alertsAge_->setObjectName(u"overview.remote-alerts.age"_s);
+    alertsAge_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    alerts->addWidget(alertsAge_, 1);
+    auto* open = makeButton(u"Open Remote Macs"_s, QString(), u"overview.open-remote-macs"_s,
+                            u"Shows which machines need attention, and why"_s, alerts_);
+    connect(open, &QPushButton::clicked, this, &TopOffenderBlock::remoteMacsWanted);
+    alerts->addWidget(open);
     alerts_->hide();
     bodyLayout()->addWidget(alerts_);
 }
 
-void TopOffenderBlock::show(const TopOffenderFacts& facts, std::int64_t remoteAlertCount) {
+void TopOffenderBlock::show(const TopOffenderFacts& facts, const RemoteAlerts& alerts) {
     if (isCollapsed()) {
         return;
     }
@@ -102,8 +110,9 @@ void TopOffenderBlock::show(const TopOffenderFacts& facts, std::int64_t remoteAl
     if (isOffender) {
         setSpokenName(*review_, u"Review: "_s + shown.group);
     }
-    alertsText_->setText(remoteAlerts(remoteAlertCount));
-    alerts_->setVisible(!alertsText_->text().isEmpty());
+    alertsText_->setText(alerts.count);
+    alertsAge_->setText(alerts.age);
+    alerts_->setVisible(!alerts.count.isEmpty());
 }
 
 }  // namespace tallowcrest

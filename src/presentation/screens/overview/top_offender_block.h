@@ -18,13 +18,15 @@ public:
     TopOffenderBlock();
 
     /// "Review" is shown only for an offender whose process can be reviewed.
-    void show(const TopOffenderFacts& facts, std::int64_t remoteAlertCount);
+    void show(const TopOffenderFacts& facts, const RemoteAlerts& alerts);
 
 signals:
     /// The owner asked to review the heaviest process of the offender.
     void reviewWanted();
     /// The owner asked to open Optimize.
     void cleanupWanted();
+    /// The owner asked to see the other machines.
+    void remoteMacsWanted();
 
 private:
     IconView* icon_ = nullptr;
@@ -34,6 +36,7 @@ private:
     QPushButton* review_ = nullptr;
     QWidget* alerts_ = nullptr;
     ElidedLabel* alertsText_ = nullptr;
+    ElidedLabel* alertsAge_ = nullptr;
 };
 
 }  // namespace tallowcrest

@@ -251,7 +251,7 @@ protected:
         row.command = row.arguments = "/usr/bin/photo-indexer";
     }
 
-    void show() { block.show({snapshot, processes, settings, {}}, remoteAlertCount); }
+    void show() { block.show({snapshot, processes, settings, {}}, alerts); }
     void showOffender() {
         sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
         snapshot->memory.pressure = 82.0;
@@ -260,7 +260,7 @@ protected:
 
     Settings settings;
     std::vector<ProcessSample> processes;
-    std::int64_t remoteAlertCount = 0;
+    RemoteAlerts alerts;
     TopOffenderBlock& block = place(new TopOffenderBlock);
 };
 
@@ -288,10 +288,11 @@ TEST_F(TopOffenderBlockTest, HasThreeStates) {
 TEST_F(TopOffenderBlockTest, CountsTheOtherMachinesThatNeedAttention) {
     show();
     EXPECT_EQ(visible("overview.remote-alerts"), nullptr);
-    remoteAlertCount = 2;
+    alerts = {u"2 Remote Alerts"_s, u"Scanned 2 min ago"_s};
     show();
     settle();
     EXPECT_EQ(textOf("overview.remote-alerts"), u"2 Remote Alerts"_s);
+    EXPECT_EQ(textOf("overview.remote-alerts.age"), u"Scanned 2 min ago"_s);
 }
 
 TEST_F(TopOffenderBlockTest, EmitsReviewAndCleanup) {

@@ -206,11 +206,16 @@ TEST_F(TopOffenderTest, OnlyARunningUnprotectedProcessCanBeReviewed) {
     EXPECT_EQ(at(82.0, 10.0).reviewPID, std::nullopt) << "has no safe process";
 }
 
-TEST(RemoteAlerts, AreEmptyWhenThereAreNone) {
-    EXPECT_EQ(remoteAlerts(0), QString());
-    EXPECT_EQ(remoteAlerts(-1), QString());
-    EXPECT_EQ(remoteAlerts(1), u"1 Remote Alerts"_s);
-    EXPECT_EQ(remoteAlerts(3), u"3 Remote Alerts"_s);
+TEST(RemoteAlertsTest, CountTheMachinesAndTellTheirAge) {
+    constexpr Date now{10'000.0};
+    RemoteHealth well{.status = RemoteHealth::Status::reachable, .sampledAt = {9'870.0}};
+    RemoteHealth locked{.status = RemoteHealth::Status::authNeeded, .sampledAt = {9'000.0}};
+    EXPECT_EQ(remoteAlerts({}, now), RemoteAlerts());
+    EXPECT_EQ(remoteAlerts({well}, now), RemoteAlerts());
+    EXPECT_EQ(remoteAlerts({locked, well}, now),
+              (RemoteAlerts{u"1 Remote Alerts"_s, u"Scanned 2 min ago"_s}));
+    EXPECT_EQ(remoteAlerts({locked, locked, locked}, now),
+              (RemoteAlerts{u"3 Remote Alerts"_s, u"Scanned 16 min ago"_s}));
 }
 
 }  // namespace

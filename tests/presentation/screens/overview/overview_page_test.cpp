@@ -1,5 +1,7 @@
 #include "presentation/screens/overview/overview_page.h"
 
+#include <chrono>
+
 #include <QAccessible>
 #include <QPushButton>
 
@@ -8,6 +10,7 @@
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/gauge_card.h"
 #include "presentation/widgets/stable_line_graph.h"
+#include "remote/remote.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -190,6 +193,24 @@ TEST_F(OverviewPageTest, ItsButtonsLeadToOtherRoutes) {
     goTo(AppRoute::overview);
     click("overview.open-history");
     EXPECT_EQ(route(), AppRoute::history);
+}
+
+TEST_F(OverviewPageTest, RemoteAlertsTellTheirAgeAndLeadToTheMachines) {
+    showWithSample();
+    machine.monitor().remote().scan.finishRemoteScan({{.id = "a",
+                                                       .hostName = "air",
+                                                       .status = RemoteHealth::Status::authNeeded,
+                                                       .sampledAt = machine.clock.now()}});
+    settle();
+    EXPECT_EQ(textOf("overview.remote-alerts"), u"1 Remote Alerts"_s);
+    EXPECT_EQ(textOf("overview.remote-alerts.age"), u"Scanned just now"_s);
+    machine.clock.advance(std::chrono::minutes(3));
+    machine.monitor().refresh();
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("overview.remote-alerts.age"), u"Scanned 3 min ago"_s);
+    click("overview.open-remote-macs");
+    EXPECT_EQ(route(), AppRoute::remoteMacs);
 }
 
 TEST_F(OverviewPageTest, AssistiveTechnologyMayCountThroughAPageThatIsGoingAway) {
