@@ -32,6 +32,20 @@ TEST_F(SettingsPageTest, TheHubWordForWord) {
     EXPECT_EQ(textOf("settings.hub.auto-scan.title"), u"Auto-scan Tailscale Macs"_s);
 }
 
+TEST_F(SettingsPageTest, TheHubHasItsPartsInTheirOrder) {
+    showPage();
+    int below = -1;
+    for (const char* each :
+         {"settings.hub", "settings.hub.words", "settings.open", "settings.hub.auto-select",
+          "settings.hub.auto-purge", "settings.hub.auto-scan", "settings.connection",
+          "settings.connection.copy-public-key"}) {
+        ASSERT_NE(visible(each), nullptr) << each;
+        const int top = visible(each)->mapTo(&window(), QPoint()).y();
+        EXPECT_GT(top, below) << each;
+        below = top;
+    }
+}
+
 TEST_F(SettingsPageTest, ConnectionSetupCopiesTheKeyAndExportsTheScript) {
     std::vector<std::string> copied;
     machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
