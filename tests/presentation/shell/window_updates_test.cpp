@@ -55,15 +55,16 @@ enum class Source {
     tailnet,
     remoteScan,
     remoteProfiles,
+    remoteActions,
 };
 
 using Sources = std::set<Source>;
 
-constexpr std::array allSources{Source::sample,        Source::processDetails, Source::log,
-                                Source::settings,      Source::rules,          Source::automation,
-                                Source::review,        Source::actions,        Source::desk,
-                                Source::navigation,    Source::tailnet,        Source::remoteScan,
-                                Source::remoteProfiles};
+constexpr std::array allSources{Source::sample,         Source::processDetails, Source::log,
+                                Source::settings,       Source::rules,          Source::automation,
+                                Source::review,         Source::actions,        Source::desk,
+                                Source::navigation,     Source::tailnet,        Source::remoteScan,
+                                Source::remoteProfiles, Source::remoteActions};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
@@ -77,9 +78,9 @@ Sources sourcesOfPage(AppRoute route) {
         case AppRoute::optimizationSuggestions:
             return {sample, settings, automation};
         case AppRoute::remoteMacs:
-            return {tailnet, remoteScan, remoteProfiles, settings, navigation};
+            return {tailnet, remoteScan, remoteProfiles, remoteActions, settings, navigation};
         case AppRoute::history:
-            return {sample, log, settings, rules, remoteScan};
+            return {sample, log, settings, rules, remoteScan, remoteProfiles};
         case AppRoute::settings:
             return {sample, log, settings, rules};
         default:
@@ -141,6 +142,8 @@ protected:
                 return monitor.remote().scan.observable();
             case Source::remoteProfiles:
                 return monitor.remote().profiles.observable();
+            case Source::remoteActions:
+                return monitor.remote().actions.observable();
         }
         throw std::logic_error("no such source");
     }
