@@ -1,9 +1,20 @@
 #include "core/secret_text.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tallowcrest {
+namespace {
+
+/// Overwrites the stack below the caller as far as functions usually reach. Registers with parts of
+/// a text were saved there, even by the loader when a function was called for the first time.
+[[gnu::noinline]] void wipeUnusedStack() {
+    std::array<char, std::size_t{32} << 10U> unused;
+    wipe(unused);
+}
+
+}  // namespace
 
 void wipe(std::span<char> memory) {
     volatile char* const bytes = memory.data();
@@ -27,7 +38,10 @@ SecretText& SecretText::operator=(SecretText&& other) noexcept {
 }
 
 SecretText::~SecretText() {
-    wipe({bytes_.get(), size_});
+    if (size_ != 0) {
+        wipe({bytes_.get(), size_});
+        wipeUnusedStack();
+    }
 }
 
 }  // namespace tallowcrest

@@ -12,7 +12,9 @@ namespace tallowcrest {
 void wipe(std::span<char> memory);
 
 /// A text that must not remain in memory, such as a key: its bytes are overwritten before their
-/// memory is released, and moving it leaves no second copy behind. Any thread, not several at once.
+/// memory is released, and moving it leaves no second copy behind. Destroying one also overwrites
+/// the unused part of the thread's stack, where functions that used the text have left parts of it.
+/// Any thread, not several at once.
 class SecretText {
 public:
     SecretText() = default;

@@ -2,10 +2,12 @@
 
 #include <filesystem>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
 #include "actions/graceful_quit.h"
+#include "advisor/advisor_ports.h"
 #include "integration/notification_center.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/tool_launcher.h"
@@ -17,6 +19,9 @@ namespace tallowcrest::desktop {
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher);
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
+
+/// The desktop's store for secrets. A requested stop ends what waits in it, also for the owner.
+std::shared_ptr<SecretStore> makeSecretStore(std::stop_token stop);
 
 /// Replaces the content of the clipboard with a plain text. It remains after this program has ended
 /// if the desktop keeps the clipboard.

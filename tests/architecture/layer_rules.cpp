@@ -16,9 +16,10 @@ constexpr std::array<std::string_view, 11> layers{
 /// The highest layer that declares ports for platform/ to implement.
 constexpr std::string_view highestPortLayer = "integration";
 
-constexpr std::array<std::string_view, 10> platformLayers{
-    "platform",     "platform/base",  "platform/tools", "platform/instance", "platform/settings",
-    "platform/icu", "platform/linux", "platform/macos", "platform/x11",      "platform/desktop"};
+constexpr std::array<std::string_view, 12> platformLayers{
+    "platform",          "platform/base", "platform/tools",   "platform/instance",
+    "platform/settings", "platform/icu",  "platform/linux",   "platform/macos",
+    "platform/x11",      "platform/http", "platform/secrets", "platform/desktop"};
 
 /// The widgets, which take plain values. A separate library, so that they cannot use the monitor.
 constexpr std::string_view widgetLayer = "presentation/widgets";
@@ -77,10 +78,10 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
     if (const auto rank = rankOf(to)) {
         return *rank <= *rankOf(highestPortLayer);
     }
-    // The desktop services also ask X11 windows, listen for other starts of the program and compare
-    // texts with ICU.
-    if (from == "platform/desktop" &&
-        (to == "platform/x11" || to == "platform/instance" || to == "platform/icu")) {
+    // The desktop services also ask X11 windows, listen for other starts of the program, compare
+    // texts with ICU and keep secrets.
+    if (from == "platform/desktop" && (to == "platform/x11" || to == "platform/instance" ||
+                                       to == "platform/icu" || to == "platform/secrets")) {
         return true;
     }
     if (from == "platform" || to == "platform") {

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <QDBusConnection>
 #include <QDesktopServices>
 
@@ -6,6 +8,7 @@
 #include "platform/desktop/file_manager.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
+#include "platform/secrets/secret_service_store.h"
 
 namespace tallowcrest::desktop {
 
@@ -15,6 +18,10 @@ std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher&) {
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
     return std::make_unique<DBusNotificationCenter>();
+}
+
+std::shared_ptr<SecretStore> makeSecretStore(std::stop_token stop) {
+    return std::make_shared<SecretServiceStore>(std::move(stop));
 }
 
 void revealFile(const std::filesystem::path& file) {

@@ -5,6 +5,7 @@
 #include "actions/apple_script_quit.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
+#include "platform/macos/keychain_secret_store.h"
 #include "platform/macos/user_notification_center.h"
 
 namespace tallowcrest::desktop {
@@ -15,6 +16,10 @@ std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
     return std::make_unique<UserNotificationCenter>();
+}
+
+std::shared_ptr<SecretStore> makeSecretStore(std::stop_token) {
+    return std::make_shared<KeychainSecretStore>();
 }
 
 void revealFile(const std::filesystem::path& file) {

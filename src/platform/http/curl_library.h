@@ -1,0 +1,10 @@
+#pragma once
+
+namespace tallowcrest {
+
+/// Prepares libcurl on the first call, so that it overwrites all memory that it releases: it keeps
+/// copies of the header with the key. Nothing else in the process may have prepared it before.
+/// False when the library cannot be used. Any thread.
+bool prepareCurl();
+
+}  // namespace tallowcrest

@@ -1,0 +1,213 @@
+#include "platform/http/curl_transfer.h"
+
+#include <arpa/inet.h>
+#include <curl/curl.h>
+#include <netinet/in.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <initializer_list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "platform/base/environment.h"
+#include "platform/http/curl_library.h"
+
+namespace tallowcrest {
+namespace {
+
+template <auto release>
+struct Releaser {
+    template <class Handle>
+    void operator()(Handle* handle) const {
+        release(handle);
+    }
+};
+using Easy = std::unique_ptr<CURL, Releaser<curl_easy_cleanup>>;
+using Multi = std::unique_ptr<CURLM, Releaser<curl_multi_cleanup>>;
+using Url = std::unique_ptr<CURLU, Releaser<curl_url_cleanup>>;
+using HeaderLines = std::unique_ptr<curl_slist, Releaser<curl_slist_free_all>>;
+using CurlText = std::unique_ptr<char, Releaser<curl_free>>;
+
+HttpReply failure(const char* words) {
+    return {.transportError = words};
+}
+
+/// The host, without brackets.
+std::string hostOf(CURLU* url) {
+    char* part = nullptr;
+    curl_url_get(url, CURLUPART_HOST, &part, 0);
+    const CurlText host(part);
+    std::string_view text = host ? host.get() : "";
+    if (text.starts_with('[') && text.ends_with(']')) {
+        text = text.substr(1, text.size() - 2);
+    }
+    return std::string(text);
+}
+
+/// The value of the first of these variables that is set.
+std::string firstVariable(std::initializer_list<const char*> names) {
+    const std::lock_guard guard(environmentLock());
+    for (const char* name : names) {
+        if (const char* value = std::getenv(name); value != nullptr && *value != '\0') {
+            return value;
+        }
+    }
+    return {};
+}
+
+/// Null without memory.
+HeaderLines headerLines(const SecretText& bearerToken) {
+    constexpr std::string_view field = "Authorization: Bearer ";
+    std::string line;
+    line.reserve(field.size() + bearerToken.view().size());
+    line.append(field).append(bearerToken.view());
+    HeaderLines lines(curl_slist_append(nullptr, line.c_str()));
+    wipe(line);
+    if (lines && curl_slist_append(lines.get(), "Content-Type: application/json") == nullptr) {
+        lines.reset();
+    }
+    return lines;
+}
+
+/// What arrives of a reply.
+struct Arriving {
+    std::size_t longest;
+    std::string data = {};
+    bool isTooLong = false;
+};
+
+/// libcurl calls this with each piece of the body. Any result but its size ends the transfer.
+std::size_t takeData(char* bytes, std::size_t one, std::size_t count, void* context) {
+    auto& arriving = *static_cast<Arriving*>(context);
+    const std::size_t size = one * count;
+    arriving.isTooLong = size > arriving.longest - arriving.data.size();
+    if (arriving.isTooLong) {
+        return 0;
+    }
+    arriving.data.append(bytes, size);
+    return size;
+}
+
+/// Performs the transfer that is set up in `easy`.
+CURLcode perform(CURL* easy, const std::stop_token& stop) {
+    const Multi multi(curl_multi_init());
+    if (!multi || curl_multi_add_handle(multi.get(), easy) != CURLM_OK) {
+        return CURLE_FAILED_INIT;
+    }
+    CURLcode result = CURLE_ABORTED_BY_CALLBACK;
+    {
+        const std::stop_callback wake(stop, [&multi] { curl_multi_wakeup(multi.get()); });
+        int running = 1;
+        while (running != 0 && !stop.stop_requested() &&
+               curl_multi_perform(multi.get(), &running) == CURLM_OK) {
+            constexpr int longestPoll =
+                1000;  // milliseconds; libcurl shortens it to its own timers
+            if (running != 0) {
+                curl_multi_poll(multi.get(), nullptr, 0, longestPoll, nullptr);
+            }
+        }
+        int left = 0;
+        if (const CURLMsg* message = curl_multi_info_read(multi.get(), &left)) {
+            result = message->data.result;
+        }
+    }
+    curl_multi_remove_handle(multi.get(), easy);
+    return result;
+}
+
+}  // namespace
+
+bool isLoopbackHost(const std::string& host) {
+    constexpr std::uint32_t loopbackNetwork = 127;
+    in_addr four{};
+    if (::inet_pton(AF_INET, host.c_str(), &four) == 1) {
+        return ntohl(four.s_addr) >> 24U == loopbackNetwork;
+    }
+    in6_addr six{};
+    if (::inet_pton(AF_INET6, host.c_str(), &six) == 1) {
+        return IN6_IS_ADDR_LOOPBACK(&six);
+    }
+    return curl_strequal(host.c_str(), "localhost") != 0;
+}
+
+HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop) {
+    const Url url(prepareCurl() ? curl_url() : nullptr);
+    const Easy easy(url ? curl_easy_init() : nullptr);
+    const HeaderLines header = easy ? headerLines(transfer.bearerToken) : nullptr;
+    if (!header) {
+        return failure(curl_easy_strerror(CURLE_FAILED_INIT));
+    }
+    if (const CURLUcode code = curl_url_set(url.get(), CURLUPART_URL, transfer.url.c_str(), 0);
+        code != CURLUE_OK) {
+        return failure(curl_url_strerror(code));
+    }
+    const bool isLoopback = isLoopbackHost(hostOf(url.get()));
+    // A request to this machine needs no proxy, and a proxy elsewhere would reach another machine.
+    const std::string proxy =
+        isLoopback ? std::string()
+                   : firstVariable({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
+    const std::string proxyExceptions = firstVariable({"no_proxy", "NO_PROXY"});
+
+    Arriving arriving{.longest = transfer.longestReply};
+    std::array<char, CURL_ERROR_SIZE> words{};
+    CURLcode refused = CURLE_OK;
+    const auto set = [&](CURLoption option, auto value) {
+        const CURLcode code = curl_easy_setopt(easy.get(), option, value);
+        refused = refused == CURLE_OK ? code : refused;
+    };
+    set(CURLOPT_ERRORBUFFER, words.data());
+    set(CURLOPT_CURLU, url.get());
+    set(CURLOPT_PROTOCOLS_STR, isLoopback ? "https,http" : "https");
+    // It copies headers less often than later versions, and into libcurl's own memory only.
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_HTTPHEADER, header.get());
+    set(CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE));  // nothing of it for a proxy
+    set(CURLOPT_POSTFIELDS, transfer.body.data());
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(transfer.body.size()));
+    set(CURLOPT_FOLLOWLOCATION, 0L);
+    set(CURLOPT_SSL_VERIFYPEER, 1L);
+    set(CURLOPT_SSL_VERIFYHOST, 2L);
+    set(CURLOPT_PROXY_SSL_VERIFYPEER, 1L);
+    set(CURLOPT_PROXY_SSL_VERIFYHOST, 2L);
+    set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    if (!transfer.certificateAuthorities.empty()) {
+        set(CURLOPT_CAINFO, transfer.certificateAuthorities.c_str());
+        set(CURLOPT_CAPATH, static_cast<char*>(nullptr));
+    }
+    // Both are set even if empty: libcurl would otherwise read the environment, without our lock.
+    set(CURLOPT_PROXY, proxy.c_str());
+    set(CURLOPT_NOPROXY, proxyExceptions.c_str());
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(transfer.timeout.count()));
+    set(CURLOPT_QUICK_EXIT, 1L);  // does not wait for a name server at the end
+    // For a length that is told in advance. libcurl itself limits the header.
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(transfer.longestReply));
+    set(CURLOPT_WRITEFUNCTION, takeData);
+    set(CURLOPT_WRITEDATA, &arriving);
+    if (refused != CURLE_OK) {
+        return failure(curl_easy_strerror(refused));
+    }
+
+    const CURLcode result = perform(easy.get(), stop);
+    if (arriving.isTooLong) {
+        return failure(curl_easy_strerror(CURLE_FILESIZE_EXCEEDED));
+    }
+    if (result != CURLE_OK) {
+        return failure(words.front() != '\0' ? words.data() : curl_easy_strerror(result));
+    }
+    long status = 0;
+    curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    HttpReply reply{.status = static_cast<int>(status)};
+    if (!arriving.data.empty()) {
+        reply.data = std::move(arriving.data);
+    }
+    return reply;
+}
+
+}  // namespace tallowcrest

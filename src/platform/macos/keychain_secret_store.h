@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include "advisor/advisor_ports.h"
+
+namespace tallowcrest {
+
+/// The owner's Keychain. The system asks whom it must and decides how long that takes.
+class KeychainSecretStore final : public SecretStore {
+public:
+    bool isStored() override;
+    std::optional<SecretText> read() override;
+    bool add(const SecretText& secret) override;
+    bool remove() override;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,135 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/http/curl_exchange.h"
+#include "tests/platform/http/test_provider.h"
+#include "tests/support/scoped_variable.h"
+
+namespace tallowcrest {
+namespace {
+
+using testing::HasSubstr;
+using testing::Optional;
+using testing::StartsWith;
+
+constexpr const char* allNames = "DNS:localhost,DNS:provider.example,IP:127.0.0.1,IP:::1";
+
+class CurlExchangeTls : public testing::Test {
+protected:
+    /// Why an exchange with the server failed; absent when it did not.
+    static std::optional<std::string> failureOf(CurlExchange& exchange, const std::string& url) {
+        const auto reply = post(exchange, url + "/text");
+        return reply ? reply->transportError : "no reply in time";
+    }
+
+    TestAuthority authority_;
+    CurlExchange exchange_{{.certificateAuthorities = authority_.path()}};
+};
+
+TEST_F(CurlExchangeTls, ATrustedCertificateIsAccepted) {
+    TestProvider provider(authority_.certificate(allNames));
+    EXPECT_EQ(failureOf(exchange_, provider.at("https://localhost")), std::nullopt);
+    EXPECT_EQ(provider.line(), "POST /text Bearer sk-test application/json {}");
+}
+
+TEST_F(CurlExchangeTls, OverTheNewerKindOfAddressToo) {
+    TestProvider provider(authority_.certificate(allNames), "::1");
+    EXPECT_EQ(failureOf(exchange_, provider.at("https://[::1]")), std::nullopt);
+}
+
+TEST_F(CurlExchangeTls, ACertificateThatHasExpiredIsRefused) {
+    TestProvider provider(authority_.certificate(allNames, -1));
+    EXPECT_THAT(failureOf(exchange_, provider.at("https://localhost")),
+                Optional(HasSubstr("certificate has expired")));
+}
+
+TEST_F(CurlExchangeTls, ACertificateForAnotherNameIsRefused) {
+    TestProvider provider(authority_.certificate("DNS:elsewhere.example"));
+    EXPECT_THAT(failureOf(exchange_, provider.at("https://localhost")),
+                Optional(HasSubstr("no alternative certificate subject name matches")));
+}
+
+TEST_F(CurlExchangeTls, AnAuthorityThatTheSystemDoesNotKnowIsRefused) {
+    TestProvider provider(authority_.certificate(allNames));
+    CurlExchange asShipped;
+    EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
+                Optional(HasSubstr("unable to get local issuer certificate")));
+}
+
+TEST_F(CurlExchangeTls, NeitherTheEnvironmentNorAFileOfTheOwnerMakesItTrusted) {
+    TestProvider provider(authority_.certificate(allNames));
+    const TemporaryFolder home;
+    home.file(".curlrc", "insecure\n", 0600);
+    const ScopedVariable homeVariable("HOME", home.path().string());
+    const ScopedVariable curlHome("CURL_HOME", home.path().string());
+    const ScopedVariable bundle("CURL_CA_BUNDLE", authority_.path());
+    const ScopedVariable file("SSL_CERT_FILE", authority_.path());
+    CurlExchange asShipped;
+    EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
+                Optional(HasSubstr("unable to get local issuer certificate")));
+}
+
+TEST_F(CurlExchangeTls, AnAuthorityFileThatCannotBeReadTrustsNobody) {
+    TestProvider provider(authority_.certificate(allNames));
+    CurlExchange exchange({.certificateAuthorities = authority_.path() + ".missing"});
+    EXPECT_NE(failureOf(exchange, provider.at("https://localhost")), std::nullopt);
+}
+
+TEST_F(CurlExchangeTls, AServerWithoutEncryptionIsRefused) {
+    TestProvider provider;
+    EXPECT_NE(failureOf(exchange_, provider.at("https://localhost")), std::nullopt);
+}
+
+/// A proxy that records what it is asked.
+class CurlExchangeProxy : public CurlExchangeTls {
+protected:
+    /// What a client asked, line by line.
+    std::vector<std::string> asked() {
+        std::vector<std::string> lines;
+        for (std::string line = proxy_.line(); line != "end" && !line.empty();
+             line = proxy_.line()) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+    TestProvider provider_{authority_.certificate(allNames)};
+    StartedProgram proxy_{
+        {"python3", "-B", TALLOWCREST_SOURCE_DIR "/tests/platform/http/tunnel_proxy.py"}};
+    std::string address_ = "http://127.0.0.1:" + proxy_.line();
+};
+
+TEST_F(CurlExchangeProxy, OfTheEnvironmentIsUsedWithoutSeeingTheToken) {
+    for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+        const ScopedVariable variable(name, address_);
+        EXPECT_EQ(failureOf(exchange_, provider_.at("https://provider.example")), std::nullopt);
+        const std::vector<std::string> lines = asked();
+        EXPECT_THAT(
+            lines, testing::Contains("CONNECT provider.example:" + provider_.port() + " HTTP/1.1"));
+        EXPECT_THAT(lines, testing::Not(testing::Contains(HasSubstr("sk-test"))));
+        EXPECT_EQ(provider_.line(), "POST /text Bearer sk-test application/json {}");
+    }
+}
+
+TEST_F(CurlExchangeProxy, IsNotUsedForThisMachine) {
+    const ScopedVariable variable("all_proxy", "http://127.0.0.1:1");
+    EXPECT_EQ(failureOf(exchange_, provider_.at("https://localhost")), std::nullopt);
+    EXPECT_EQ(failureOf(exchange_, provider_.at("https://127.0.0.1")), std::nullopt);
+}
+
+TEST_F(CurlExchangeProxy, IsNotUsedForAnExceptionOfTheEnvironment) {
+    const ScopedVariable variable("https_proxy", address_);
+    const ScopedVariable exceptions("no_proxy", "one.invalid,provider.invalid");
+    EXPECT_THAT(failureOf(exchange_, provider_.at("https://provider.invalid")),
+                Optional(HasSubstr("Could not resolve host")));
+}
+
+TEST_F(CurlExchangeProxy, DoesNotMakeACertificateTrusted) {
+    const ScopedVariable variable("https_proxy", address_);
+    CurlExchange asShipped;
+    EXPECT_THAT(failureOf(asShipped, provider_.at("https://provider.example")),
+                Optional(HasSubstr("unable to get local issuer certificate")));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""A secret service that behaves as its argument says, for the tests of the secret store.
+
+    scripted_secret_service.py MODE
+
+It has one locked item, whose secret is "sk-scripted", and knows only unencrypted sessions. Prints
+"ready", then the name of each method that it takes.
+
+    willing            opens the lock when asked
+    silent             never answers a search
+    dies               ends in a search
+    dies-in-prompt     ends while it asks the owner
+    silent-in-prompt   asks the owner, and hears nothing more, not even that it should stop asking
+"""
+
+import os
+import sys
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+ROOT = "/org/freedesktop/secrets"
+ITEM = ROOT + "/collection/one/1"
+PROMPT = ROOT + "/prompt/1"
+SESSION = ROOT + "/session/1"
+SECRET = "org.freedesktop.Secret."
+MODE = sys.argv[1]
+
+
+def say(line):
+    print(line, flush=True)
+
+
+class NotSupported(dbus.DBusException):
+    _dbus_error_name = "org.freedesktop.DBus.Error.NotSupported"
+
+
+class Object(dbus.service.Object):
+    properties = dbus.Dictionary(signature="sv")
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="s", out_signature="a{sv}")
+    def GetAll(self, _interface):
+        return self.properties
+
+
+class Service(Object):
+    @dbus.service.method(SECRET + "Service", in_signature="sv", out_signature="vo")
+    def OpenSession(self, algorithm, _input):
+        if algorithm != "plain":
+            raise NotSupported()
+        return "", dbus.ObjectPath(SESSION)
+
+    @dbus.service.method(SECRET + "Service", in_signature="a{ss}", out_signature="aoao",
+                         async_callbacks=("answer", "fail"))
+    def SearchItems(self, _attributes, answer, fail):
+        say("SearchItems")
+        if MODE == "dies":
+            os._exit(1)
+        if MODE != "silent":
+            answer([], [dbus.ObjectPath(ITEM)])
+
+    @dbus.service.method(SECRET + "Service", in_signature="ao", out_signature="aoo")
+    def Unlock(self, _objects):
+        return [], dbus.ObjectPath(PROMPT)
+
+
+class Item(Object):
+    properties = dbus.Dictionary({
+        "Locked": dbus.Boolean(True), "Label": "Scripted",
+        "Attributes": dbus.Dictionary(signature="ss"),
+        "Created": dbus.UInt64(1), "Modified": dbus.UInt64(1)}, signature="sv")
+
+    @dbus.service.method(SECRET + "Item", in_signature="o", out_signature="(oayays)")
+    def GetSecret(self, session):
+        return dbus.Struct((session, dbus.ByteArray(b""), dbus.ByteArray(b"sk-scripted"),
+                            "text/plain"), signature="oayays")
+
+
+class Prompt(Object):
+    @dbus.service.method(SECRET + "Prompt", in_signature="s")
+    def Prompt(self, _window):
+        say("Prompt")
+        if MODE == "dies-in-prompt":
+            os._exit(1)
+        if MODE == "willing":
+            self.Completed(False, dbus.Array([dbus.ObjectPath(ITEM)], signature="o"))
+
+    @dbus.service.method(SECRET + "Prompt")
+    def Dismiss(self):
+        say("Dismiss")
+        if MODE != "silent-in-prompt":
+            self.Completed(True, "")
+
+    @dbus.service.signal(SECRET + "Prompt", signature="bv")
+    def Completed(self, dismissed, result):
+        pass
+
+
+dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+bus = dbus.SessionBus()
+objects = [Service(bus, ROOT), Item(bus, ITEM), Prompt(bus, PROMPT)]
+name = dbus.service.BusName("org.freedesktop.secrets", bus)
+say("ready")
+GLib.MainLoop().run()
