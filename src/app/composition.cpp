@@ -70,6 +70,8 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
                                .folder = reportFolder,
                                .portTest = places.portTest}},
         .reports = {.folder = reportFolder, .utcOffset = utcOffsetOfThisMachine},
+        .advisor =
+            desktop.makeAdvisorPorts ? desktop.makeAdvisorPorts(stop_.get_token()) : AdvisorPorts(),
         .integration = std::move(desktop.integration),
         .sampleApplied = std::move(sampleApplied)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),
@@ -103,6 +105,7 @@ Composition::~Composition() {
 }
 
 bool Composition::shutDown(std::chrono::milliseconds timeout) {
+    stop_.request_stop();
     toolLauncher_.requestStop();
     jobs_.stopAll();
     // No component is destroyed while one of its jobs is running.

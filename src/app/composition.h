@@ -4,9 +4,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include "actions/graceful_quit.h"
+#include "advisor/advisor_ports.h"
 #include "core/jobs/jobs.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/report_folder_posix.h"
@@ -28,6 +30,8 @@ struct DesktopServices {
     std::function<std::shared_ptr<GracefulQuit>(ToolLauncher&)> makeGracefulQuit = {};
     DesktopActionPorts actions = {};
     PosixReportFolder::Reveal revealFile = {};
+    /// A requested stop ends what waits in the ports.
+    std::function<AdvisorPorts(std::stop_token)> makeAdvisorPorts = {};
     IntegrationPorts integration = {};
     /// Null for that of ICU alone.
     std::shared_ptr<const Locale> locale = {};
@@ -64,6 +68,7 @@ private:
     void reportOutage(const std::string& problem);
 
     SystemClock clock_;
+    std::stop_source stop_;
     PosixToolLauncher toolLauncher_;
     ThreadWorkQueue workQueue_;
     Jobs jobs_;

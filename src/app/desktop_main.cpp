@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +29,7 @@
 #include "platform/desktop/tray_host_watch.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
+#include "platform/http/curl_exchange.h"
 #include "platform/instance/instance_guard.h"
 #include "platform/instance/instance_place.h"
 #include "presentation/shell/dashboard_window.h"
@@ -166,6 +168,11 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
                      .storeOnPasteboard = desktop::storeOnClipboard,
                      .openTailscaleApp = desktop::openTailscaleApp},
          .revealFile = desktop::revealFile,
+         .makeAdvisorPorts =
+             [](std::stop_token stop) {
+                 return AdvisorPorts{desktop::makeSecretStore(std::move(stop)),
+                                     std::make_shared<CurlExchange>()};
+             },
          .integration = {.notifications = notifications.get(), .openRoute = openRoute},
          .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});
     int status = 0;

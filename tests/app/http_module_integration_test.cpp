@@ -1,0 +1,38 @@
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/platform/http/test_provider.h"
+#include "tests/support/run_program.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+const std::string user = TALLOWCREST_BINARY_DIR "/http_module_user";
+
+TEST(HttpModule, IsLoadedWithItsLibraryOnlyWhenAskedFor) {
+    TestProvider provider;
+    const ProgramResult result =
+        runProgram({.path = user, .arguments = {provider.at("http://127.0.0.1") + "/status?418"}});
+    EXPECT_EQ(result.standardOutput, "0 1 418\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(provider.line(), "POST /status Bearer sk-test application/json {}");
+}
+
+TEST(HttpModule, ThatIsNotBesideTheProgramIsNotLookedForElsewhere) {
+    const TemporaryFolder folder;
+    const std::filesystem::path copy = folder.path() / "program";
+    std::filesystem::copy_file(user, copy);
+    const ProgramResult result =
+        runProgram({.path = copy.string(),
+                    .arguments = {"http://127.0.0.1:1/"},
+                    .withVariables = {"LD_LIBRARY_PATH=" TALLOWCREST_BINARY_DIR}});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.standardOutput,
+                testing::HasSubstr(folder.path().string() + "/tallowcrest-http.so: cannot open"));
+}
+
+}  // namespace
+}  // namespace tallowcrest
