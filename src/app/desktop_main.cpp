@@ -18,6 +18,7 @@
 
 #include "app/composition.h"
 #include "app/console.h"
+#include "app/http_module.h"
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
@@ -29,7 +30,6 @@
 #include "platform/desktop/tray_host_watch.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
-#include "platform/http/curl_exchange.h"
 #include "platform/instance/instance_guard.h"
 #include "platform/instance/instance_place.h"
 #include "presentation/shell/dashboard_window.h"
@@ -171,7 +171,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
          .makeAdvisorPorts =
              [](std::stop_token stop) {
                  return AdvisorPorts{desktop::makeSecretStore(std::move(stop)),
-                                     std::make_shared<CurlExchange>()};
+                                     std::make_shared<HttpModule>()};
              },
          .integration = {.notifications = notifications.get(), .openRoute = openRoute},
          .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});

@@ -9,21 +9,30 @@
 
 namespace tallowcrest {
 
-LoadedExchange loadHttpExchange() {
+std::optional<HttpReply> HttpModule::post(const HttpRequest& request, const std::stop_token& stop) {
+    std::call_once(once_, [this] { load(); });
+    if (loaded_ == nullptr) {
+        return HttpReply{.transportError = problem_};
+    }
+    return loaded_->post(request, stop);
+}
+
+void HttpModule::load() {
     const std::filesystem::path self = host::executablePath();
     if (self.empty()) {
         // A bare name would be looked up elsewhere, where anybody could place one.
-        return {.problem = "this program's own place is not known"};
+        problem_ = "this program's own place is not known";
+        return;
     }
     const std::filesystem::path file = self.parent_path() / "tallowcrest-http.so";
-    // Never unloaded: a thread of an abandoned exchange can still run in it.
+    // Never unloaded: a name server may still be asked in a thread of its libraries.
     void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* const make = module == nullptr ? nullptr : ::dlsym(module, httpModuleFunction);
     if (make == nullptr) {
-        return {.problem = ::dlerror()};
+        problem_ = ::dlerror();
+        return;
     }
-    const auto function = reinterpret_cast<decltype(&tallowcrest_make_http_exchange)>(make);
-    return {.http = std::shared_ptr<HttpExchange>(function())};
+    loaded_.reset(reinterpret_cast<decltype(&tallowcrest_make_http_exchange)>(make)());
 }
 
 }  // namespace tallowcrest

@@ -2,8 +2,8 @@
 //
 //     http_module_user URL
 //
-// Prints whether the library for HTTP is in memory before and after the module is loaded, and the
-// status of the reply.
+// Prints whether the library for HTTP is in memory before and after the exchange, and the reply's
+// status and error.
 
 #include <chrono>
 #include <iostream>
@@ -22,17 +22,14 @@ bool hasLibrary() {
 
 int main(int argc, char** argv) {
     using namespace tallowcrest;
-    std::cout << hasLibrary();
-    const LoadedExchange loaded = loadHttpExchange();
-    if (loaded.http == nullptr || argc != 2) {
-        std::cout << loaded.problem << '\n';
-        return 1;
-    }
+    HttpModule http;
+    std::cout << hasLibrary() << ' ';
     const SecretText token("sk-test");
-    const std::string url = argv[1];
+    const std::string url = argc == 2 ? argv[1] : "";
     const std::string body = "{}";
-    const auto reply = loaded.http->post(
-        {url, token, body, std::chrono::seconds(30), std::chrono::seconds(60)}, {});
-    std::cout << ' ' << hasLibrary() << ' ' << (reply ? reply->status : -1) << '\n';
+    const auto reply =
+        http.post({url, token, body, std::chrono::seconds(30), std::chrono::seconds(60)}, {});
+    std::cout << hasLibrary() << ' ' << reply->status << ' ' << reply->transportError.value_or("")
+              << '\n';
     return 0;
 }
