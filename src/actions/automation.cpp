@@ -138,6 +138,7 @@ Outcome Automation::engageEmergencyStop() {
     // Stored first: after a kill between two writes, the stop must be engaged.
     settings_.set(&Settings::automationEmergencyStopEngaged, true);
     switchOffHeldBack();
+    ++emergencyStops_;
     setDiskAutopilotStatus(stoppedStatus);
     log_.recordEvent(ActivityKind::emergencyStop,
                      "Disabled offender auto-selection, Disk Autopilot, sustained-memory purge, "

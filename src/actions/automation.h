@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -62,7 +63,7 @@ public:
 
     /// Turns off everything that acts by itself. The stop remains engaged across restarts until it
     /// is cleared. Engaging it again repeats all steps. A pending request can still be confirmed,
-    /// and work that is under way is completed.
+    /// and work that is under way is completed, except an automatic clean-up of the disk.
     Outcome engageEmergencyStop();
 
     /// Clears the stop. The automations that it governs remain off until the owner turns them on
@@ -70,9 +71,13 @@ public:
     Outcome resumeFromEmergencyStop();
 
     bool isStopEngaged() const;
+    /// How often the stop was engaged in this run. What was prepared before the number changed has
+    /// lost its permission.
+    std::uint64_t emergencyStops() const { return emergencyStops_; }
 
     /// The status line of Disk Autopilot.
     const std::string& diskAutopilotStatus() const { return diskAutopilotStatus_; }
+    void setDiskAutopilotStatus(std::string status);
 
     /// Notifies of a changed `diskAutopilotStatus`. The switches, the mode and the stop are
     /// settings.
@@ -81,12 +86,12 @@ public:
 private:
     /// Switches off, in memory and in the store, everything that the stop holds back.
     void switchOffHeldBack();
-    void setDiskAutopilotStatus(std::string status);
 
     ActivityLog& log_;
     SettingsOwner& settings_;
     std::unique_ptr<Observable> observable_;
     std::string diskAutopilotStatus_;
+    std::uint64_t emergencyStops_ = 0;
 };
 
 }  // namespace tallowcrest

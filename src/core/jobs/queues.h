@@ -44,6 +44,9 @@ enum class Lane {
     remoteScan,
     secrets,  ///< blocks while the owner is asked for the password of the secret store
     advisor,
+    diskCleanup,
+    storageScan,
+    personalFiles,
     count,  ///< not a lane; stays the last
 };
 inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);

@@ -1,0 +1,108 @@
+#include "disk/cache_cleanup.h"
+
+#include <chrono>
+#include <optional>
+
+#include "disk/disk_autopilot_policy.h"
+#include "disk/file_names.h"
+
+namespace tallowcrest {
+namespace {
+
+namespace policy = DiskAutopilotSafetyPolicy;
+
+/// The folder of the caches without links; empty when nothing may be taken for it.
+std::string cachesRoot(const std::string& caches, const std::string& home) {
+    std::string root = resolvedPath(caches);
+    return policy::isPossibleCachesFolder(root, resolvedPath(home)) ? root : std::string();
+}
+
+/// Tells no more often than a person can follow.
+class Pace {
+public:
+    bool isDue() {
+        const auto now = std::chrono::steady_clock::now();
+        if (last_ && now - *last_ < std::chrono::milliseconds(100)) {
+            return false;
+        }
+        last_ = now;
+        return true;
+    }
+
+private:
+    std::optional<std::chrono::steady_clock::time_point> last_;
+};
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
+
+}  // namespace
+
+DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
+                                     const Clock& clock,
+                                     const std::function<void(SearchProgress)>& progress,
+                                     const std::stop_token& stop) {
+    DiskCleanupPlan plan;
+    const std::string root = cachesRoot(request.caches, request.home);
+    const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
+    const std::int64_t cap = policy::byteCap(request.maxGB);
+    std::int64_t filesSeen = 0;
+    Pace pace;
+    const auto visit = [&](const FoundFile& file) {
+        ++filesSeen;
+        if (pace.isDue()) {
+            progress({filesSeen, folderOf(file.path)});
+        }
+        // Resolving a path costs most, so it comes last.
+        if (policy::isEligible(file, cutOff) && policy::fits(plan.bytes, file.bytes, cap) &&
+            policy::isInsideUserCaches(resolvedPath(file.path), root)) {
+            plan.urls.push_back({file.path, file.identity});
+            plan.bytes += file.bytes;
+        }
+        return plan.urls.size() < policy::maxFilesPerRun;
+    };
+    if (!root.empty()) {
+        walk.walk(root, visit, stop);
+    }
+    plan.createdAt = clock.now();
+    return plan;
+}
+
+void CleanupTally::count(std::int64_t movedBytes) {
+    const std::lock_guard guard(lock_);
+    ++progress_.done;
+    if (movedBytes > 0) {
+        ++progress_.moved;
+        progress_.movedBytes += movedBytes;
+    }
+}
+
+void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& tally,
+                   const std::function<void()>& progress, const Stop& stop,
+                   const std::stop_token& stopToken) {
+    const std::string root = resolvedPath(request.caches);
+    const std::int64_t cap = policy::byteCap(request.maxGB);
+    for (const CleanupCandidate& file : request.files) {
+        if (stop.isRequested() || stopToken.stop_requested()) {
+            return;
+        }
+        std::int64_t moved = 0;
+        if (policy::isInsideUserCaches(resolvedPath(file.path), root)) {
+            const auto change = stop.beginChange();
+            if (!change) {
+                return;
+            }
+            moved = trash
+                        .moveToTrash({.path = file.path,
+                                      .inside = root,
+                                      .identity = file.identity,
+                                      .maximumBytes = cap - tally.progress().movedBytes})
+                        .movedBytes.value_or(0);
+        }
+        tally.count(moved);
+        progress();
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "core/clock.h"
+#include "core/jobs/jobs.h"
+#include "disk/disk_records.h"
+#include "disk/file_walks.h"
+#include "disk/trash.h"
+
+/// The background half of Disk Autopilot: finding old cache files, and moving them. Everything
+/// comes by value or through a port.
+namespace tallowcrest {
+
+struct CacheScanRequest {
+    std::string caches;
+    std::string home;
+    double ageDays = 0.0;
+    double maxGB = 0.0;
+};
+
+/// Makes a plan of the files that the policy allows. It is empty when the folder of the caches
+/// cannot be read. Ends soon after a stop is requested; the plan is then not complete. `progress`
+/// is called at most every 100 ms.
+DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
+                                     const Clock& clock,
+                                     const std::function<void(SearchProgress)>& progress,
+                                     const std::stop_token& stop);
+
+struct CacheMoveRequest {
+    std::vector<CleanupCandidate> files;
+    std::string caches;
+    double maxGB = 0.0;
+};
+
+/// How far a clean-up is, also for those who do not wait for its end. Any thread.
+class CleanupTally {
+public:
+    explicit CleanupTally(std::size_t all) : progress_{.all = all} {}
+
+    CleanupProgress progress() const {
+        const std::lock_guard guard(lock_);
+        return progress_;
+    }
+    /// One more file was moved, or left when `movedBytes` is 0.
+    void count(std::int64_t movedBytes);
+
+private:
+    mutable std::mutex lock_;
+    CleanupProgress progress_;
+};
+
+/// Moves the files to the Trash, one after the other, as far as each still is what the policy
+/// allows; what cannot be moved is left. Ends after the file at hand when `stopToken` or `stop` is
+/// requested. The program does not end while a file is being moved.
+void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& tally,
+                   const std::function<void()>& progress, const Stop& stop,
+                   const std::stop_token& stopToken);
+
+}  // namespace tallowcrest

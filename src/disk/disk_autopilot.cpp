@@ -1,0 +1,336 @@
+#include "disk/disk_autopilot.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "actions/automation.h"
+#include "advisor/trust.h"
+#include "advisor/trust_score.h"
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
+#include "core/clock.h"
+#include "core/confirmation_desk.h"
+#include "core/settings/settings_owner.h"
+#include "disk/disk_autopilot_policy.h"
+#include "disk/storage_suggestions.h"
+
+namespace tallowcrest {
+
+namespace policy = DiskAutopilotSafetyPolicy;
+namespace receipts = disk_receipts;
+
+DiskAutopilot::DiskAutopilot(Dependencies dependencies)
+    : dependencies_(std::move(dependencies)),
+      caches_(shownPathInHome(dependencies_.ports.places.caches, dependencies_.ports.places.home)),
+      observable_(dependencies_.services.jobs.mainQueue()),
+      emergencyStops_(dependencies_.automation.emergencyStops()),
+      automationChanged_(dependencies_.automation.observable().subscribe(
+          [this] { followEmergencyStop(); })),
+      scan_(dependencies_.services.jobs),
+      move_(dependencies_.services.jobs) {
+    dependencies_.services.confirmations.registerKind(
+        std::string(receipts::confirmationKind),
+        {.confirm = [this](const ConfirmationRequest&, void*) { return confirmCleanup(); },
+         .cancel = [this](const ConfirmationRequest&) { cancelCleanup(); }});
+}
+
+DiskAutopilot::~DiskAutopilot() {
+    if (run_ && run_->tally->progress().moved > 0) {
+        recordCleanup(receipts::StoppedBy::shutdown);
+    }
+}
+
+bool DiskAutopilot::isHere() const {
+    return dependencies_.ports.walk != nullptr && dependencies_.ports.trash != nullptr;
+}
+
+void DiskAutopilot::setStatus(std::string_view text) {
+    // Every sample sets one.
+    if (dependencies_.automation.diskAutopilotStatus() != text) {
+        dependencies_.automation.setDiskAutopilotStatus(std::string(text));
+    }
+}
+
+Outcome DiskAutopilot::reviewDiskCleanup() {
+    if (!isHere()) {
+        return dependencies_.services.log.record(
+            Outcome::refused("Disk cleanup is not available here."));
+    }
+    if (scan_.isUnderWay() && (purpose_ == Purpose::review || scan_.isStopping())) {
+        return Outcome::ignored();
+    }
+    setStatus(receipts::scanning);
+    if (scan_.isUnderWay()) {
+        purpose_ = Purpose::review;
+    } else {
+        beginScan(Purpose::review);
+    }
+    return Outcome::asked();
+}
+
+bool DiskAutopilot::checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayScan) {
+    const Settings& settings = dependencies_.services.settings.values();
+    // Without a total, the free space is not known either.
+    if (!isHere() || !settings.diskAutopilotEnabled || !(snapshot.disk.totalGB > 0.0)) {
+        return false;
+    }
+    if (!(snapshot.disk.freeGB < settings.diskMinimumFreeGB)) {
+        setStatus(receipts::healthy(snapshot.disk.freeGB));
+        return false;
+    }
+    // The plan that a question is about must not be replaced before the answer.
+    const auto& pending = dependencies_.services.confirmations.pendingConfirmation();
+    const bool isAsked = pending && pending->kind == receipts::confirmationKind;
+    if (!mayScan || isAsked || scan_.isUnderWay() || run_) {
+        return false;
+    }
+    setStatus(receipts::lowSpace);
+    beginScan(Purpose::lowSpace);
+    return true;
+}
+
+void DiskAutopilot::beginScan(Purpose purpose) {
+    purpose_ = purpose;
+    const Settings& settings = dependencies_.services.settings.values();
+    const DiskPlaces& places = dependencies_.ports.places;
+    scanRequest_ = {places.caches, places.home, policy::clampedAgeDays(settings.diskCleanupAgeDays),
+                    policy::clampedMaxGB(settings.diskMaxCleanupGB)};
+    state_.scan.emplace();
+    observable_.changed();
+    scan_.begin().runWithProgress<SearchProgress>(
+        Lane::diskCleanup,
+        [walk = dependencies_.ports.walk, request = scanRequest_,
+         &clock = dependencies_.services.clock,
+         token = scan_.stopToken()](const Stop& stop, const auto& report) {
+            const EitherStop either(stop.stopToken(), token);
+            return buildDiskCleanupPlan(*walk, request, clock, report, either.token());
+        },
+        [this](SearchProgress progress) {
+            state_.scan = std::move(progress);
+            observable_.changed();
+        },
+        [this](DiskCleanupPlan plan) { finishScan(std::move(plan)); });
+}
+
+void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
+    if (scan_.isStopping()) {
+        scan_.end();
+        finishStoppedScan();
+        return;
+    }
+    scan_.end();
+    state_.scan.reset();
+    followEmergencyStop();
+    state_.diskCleanupPlan = std::move(plan);
+    observable_.changed();
+    if (purpose_ == Purpose::review) {
+        finishReview();
+    } else {
+        finishLowSpaceCheck();
+    }
+}
+
+void DiskAutopilot::finishStoppedScan() {
+    state_.scan.reset();
+    state_.isStopping = move_.isStopping();
+    observable_.changed();
+    if (purpose_ == Purpose::review) {
+        setStatus(receipts::reviewStopped);
+        dependencies_.services.log.recordMessage(std::string(receipts::reviewStopped));
+        return;
+    }
+    setStatus(receipts::lowSpaceCheckStopped);
+    dependencies_.services.log.recordEvent(
+        ActivityKind::diskAutopilotReceipt,
+        receipts::stoppedCheckReceipt(dependencies_.services.settings.values().diskMinimumFreeGB));
+}
+
+void DiskAutopilot::finishReview() {
+    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
+    if (plan.urls.empty()) {
+        setStatus(receipts::noneEligible);
+        dependencies_.services.log.recordMessage(receipts::noneFoundMessage(scanRequest_.ageDays));
+        return;
+    }
+    setStatus(receipts::ready(plan));
+    dependencies_.services.confirmations.requestConfirmation(
+        receipts::request(plan, scanRequest_.ageDays, scanRequest_.maxGB, caches_));
+}
+
+void DiskAutopilot::finishLowSpaceCheck() {
+    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
+    ActivityLog& log = dependencies_.services.log;
+    if (plan.urls.empty()) {
+        setStatus(receipts::lowSpaceNoneEligible);
+        log.recordEvent(ActivityKind::diskAutopilotReceipt,
+                        receipts::nothingEligibleReceipt(
+                            dependencies_.services.settings.values().diskMinimumFreeGB, caches_));
+        return;
+    }
+    if (isAutopilotTrusted()) {
+        performDiskCleanup(true);
+        return;
+    }
+    setStatus(receipts::reviewReady(plan));
+    log.recordEvent(ActivityKind::diskAutopilot, std::string(receipts::preparedForReview));
+}
+
+AITrustRecord DiskAutopilot::trustRecord() const {
+    const auto& records = dependencies_.trust.aiTrustRecords();
+    const auto found = records.find(std::string(actionType));
+    return found != records.end()
+               ? found->second
+               : AITrustRecord{.actionType = std::string(actionType),
+                               .lastUpdated = dependencies_.services.clock.now()};
+}
+
+bool DiskAutopilot::isAutopilotTrusted() const {
+    const Settings& settings = dependencies_.services.settings.values();
+    const AITrustRecord trust = trustRecord();
+    return !settings.automationEmergencyStopEngaged &&
+           settings.aiAutonomyMode == AIAutonomyMode::autopilot &&
+           diskCleanupTrustEstablished(trust.runCount, trustPercent(trust));
+}
+
+Outcome DiskAutopilot::confirmCleanup() {
+    if (run_) {
+        return dependencies_.services.log.record(
+            Outcome::refused("A disk cleanup is under way. Review again when it is over."));
+    }
+    dependencies_.trust.recordTrustEvent(std::string(actionType), TrustEvent::approved);
+    return performDiskCleanup(false);
+}
+
+void DiskAutopilot::cancelCleanup() {
+    countTrust(false);
+    state_.diskCleanupPlan.reset();
+    observable_.changed();
+    setStatus(receipts::canceled);
+}
+
+void DiskAutopilot::countTrust(bool hasRun) {
+    dependencies_.trust.recordTrustEvent(std::string(actionType),
+                                         hasRun ? TrustEvent::run : TrustEvent::blocked);
+}
+
+Outcome DiskAutopilot::performDiskCleanup(bool automatic) {
+    followEmergencyStop();
+    if (!state_.diskCleanupPlan || policy::isExpired(state_.diskCleanupPlan->createdAt,
+                                                     dependencies_.services.clock.now())) {
+        return refuseExpired();
+    }
+    if (automatic && !(dependencies_.services.settings.values().diskAutopilotEnabled &&
+                       isAutopilotTrusted())) {
+        return refuseAutomatic();
+    }
+    beginCleanup(automatic, *std::exchange(state_.diskCleanupPlan, std::nullopt));
+    return Outcome::asked();
+}
+
+Outcome DiskAutopilot::refuseExpired() {
+    setStatus(receipts::expired);
+    countTrust(false);
+    return dependencies_.services.log.record(
+        Outcome::refused(std::string(receipts::expiredMessage)));
+}
+
+Outcome DiskAutopilot::refuseAutomatic() {
+    state_.diskCleanupPlan.reset();
+    observable_.changed();
+    setStatus(receipts::blocked);
+    countTrust(false);
+    dependencies_.services.log.recordEvent(ActivityKind::diskAutopilotReceipt,
+                                           std::string(receipts::blockedReceipt));
+    return dependencies_.services.log.record(
+        Outcome::refused(std::string(receipts::blockedMessage)));
+}
+
+void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
+    const Settings& settings = dependencies_.services.settings.values();
+    plan.urls.resize(std::min(plan.urls.size(), policy::maxFilesPerRun));
+    const std::size_t all = plan.urls.size();
+    run_ = Run{{.automatic = automatic,
+                .maxGB = policy::clampedMaxGB(settings.diskMaxCleanupGB),
+                .minimumFreeGB = settings.diskMinimumFreeGB,
+                .trust = trustRecord(),
+                .progress = {},
+                .stoppedBy = {}},
+               std::make_shared<CleanupTally>(all)};
+    stoppedBy_ = receipts::StoppedBy::owner;
+    state_.cleanup = run_->tally->progress();
+    observable_.changed();
+    move_.begin().runWithProgress<CleanupProgress>(
+        Lane::diskCleanup,
+        [trash = dependencies_.ports.trash,
+         request = CacheMoveRequest{std::move(plan.urls), dependencies_.ports.places.caches,
+                                    run_->cleanup.maxGB},
+         tally = run_->tally,
+         token = move_.stopToken()](const Stop& stop, const auto& report) {
+            moveOldCaches(
+                *trash, request, *tally, [&] { report(tally->progress()); }, stop, token);
+        },
+        [this](CleanupProgress progress) {
+            state_.cleanup = progress;
+            observable_.changed();
+        },
+        [this] { finishCleanup(); });
+}
+
+receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished) {
+    const Run run = *std::exchange(run_, std::nullopt);
+    receipts::Cleanup cleanup = run.cleanup;
+    cleanup.progress = run.tally->progress();
+    if (cleanup.progress.done < cleanup.progress.all) {
+        cleanup.stoppedBy = ifUnfinished;
+    }
+    // To stop what has begun by itself is an objection.
+    const bool isObjected = cleanup.automatic &&
+                            (cleanup.stoppedBy == receipts::StoppedBy::owner ||
+                             cleanup.stoppedBy == receipts::StoppedBy::emergencyStop);
+    countTrust(cleanup.progress.moved > 0 && !isObjected);
+    setStatus(receipts::status(cleanup));
+    dependencies_.services.log.recordEvent(cleanup.automatic ? ActivityKind::diskAutopilotReceipt
+                                                             : ActivityKind::diskCleanupReceipt,
+                                           receipts::receipt(cleanup, caches_));
+    return cleanup;
+}
+
+void DiskAutopilot::finishCleanup() {
+    const receipts::Cleanup cleanup = recordCleanup(stoppedBy_);
+    move_.end();
+    state_.cleanup.reset();
+    state_.isStopping = scan_.isStopping();
+    observable_.changed();
+    if (cleanup.progress.moved == 0) {
+        dependencies_.services.log.recordMessage(receipts::finalLine(cleanup));
+        return;
+    }
+    dependencies_.services.log.setLastAction(receipts::finalLine(cleanup));
+    dependencies_.refresh();
+}
+
+Outcome DiskAutopilot::stop() {
+    const bool stopsScan = scan_.stopOrForget([this] { finishStoppedScan(); });
+    const bool stopsCleanup = move_.stop();
+    if (!stopsScan && !stopsCleanup) {
+        return Outcome::ignored();
+    }
+    state_.isStopping = true;
+    observable_.changed();
+    return Outcome::asked();
+}
+
+void DiskAutopilot::followEmergencyStop() {
+    if (emergencyStops_ == dependencies_.automation.emergencyStops()) {
+        return;
+    }
+    emergencyStops_ = dependencies_.automation.emergencyStops();
+    state_.diskCleanupPlan.reset();
+    if (run_ && run_->cleanup.automatic && move_.stop()) {
+        stoppedBy_ = receipts::StoppedBy::emergencyStop;
+        state_.isStopping = true;
+    }
+    observable_.changed();
+}
+
+}  // namespace tallowcrest

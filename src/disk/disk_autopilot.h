@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/observable.h"
+#include "core/outcome.h"
+#include "core/services.h"
+#include "disk/cache_cleanup.h"
+#include "disk/disk_ports.h"
+#include "disk/disk_receipts.h"
+#include "disk/disk_records.h"
+#include "disk/stoppable_run.h"
+
+namespace tallowcrest {
+
+class Automation;
+class Trust;
+struct SystemSnapshot;
+
+struct DiskAutopilotState {
+    /// What the next clean-up would move; also an empty or an expired one. Absent before the first
+    /// scan and after a clean-up has begun or was refused.
+    std::optional<DiskCleanupPlan> diskCleanupPlan;
+    std::optional<SearchProgress> scan;      ///< absent while no scan is under way
+    std::optional<CleanupProgress> cleanup;  ///< absent while no clean-up is under way
+    bool isStopping = false;                 ///< what is under way was asked to stop
+};
+
+/// Frees space by moving old cache files to the Trash: reviewed and confirmed by the owner, or by
+/// itself when space is low and the owner has come to trust it. The status line is that of
+/// `Automation`. Main thread.
+class DiskAutopilot {
+public:
+    /// The references must outlive the object. `refresh` takes a new sample.
+    struct Dependencies {
+        Services services;
+        Automation& automation;
+        Trust& trust;
+        std::function<void()> refresh;
+        DiskPorts ports;
+    };
+
+    /// The action type of its trust record.
+    static constexpr std::string_view actionType = "disk_cleanup";
+
+    explicit DiskAutopilot(Dependencies dependencies);
+    /// A clean-up that the end of the program has stopped leaves its receipt.
+    ~DiskAutopilot();
+    DiskAutopilot(const DiskAutopilot&) = delete;
+    DiskAutopilot& operator=(const DiskAutopilot&) = delete;
+
+    const DiskAutopilotState& state() const { return state_; }
+
+    /// Looks for old cache files and asks whether to move them. A check because of low space that
+    /// is under way becomes the review; ignored while a review is under way.
+    Outcome reviewDiskCleanup();
+
+    /// The step of a sample: when space is low and `mayScan`, looks for old cache files, and may
+    /// move them. True when it began to look. The caller has tested the emergency stop and the
+    /// distance to the last check.
+    bool checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayScan);
+
+    /// Carries out the plan. Everything that may have changed since it was made is tested again.
+    /// `automatic` is for a plan that no one has confirmed.
+    Outcome performDiskCleanup(bool automatic);
+
+    /// Stops the scan and the clean-up under way, the latter after the file at hand. Ignored when
+    /// there is none.
+    Outcome stop();
+
+    /// Notifies of a changed state.
+    Observable& observable() { return observable_; }
+
+private:
+    enum class Purpose { review, lowSpace };
+    /// A clean-up under way.
+    struct Run {
+        disk_receipts::Cleanup cleanup;
+        std::shared_ptr<CleanupTally> tally;
+    };
+
+    bool isHere() const;
+    /// Whether the mode and the record of earlier runs allow a clean-up that no one confirms.
+    bool isAutopilotTrusted() const;
+    AITrustRecord trustRecord() const;
+    void beginScan(Purpose purpose);
+    void finishScan(DiskCleanupPlan plan);
+    void finishReview();
+    void finishLowSpaceCheck();
+    void finishStoppedScan();
+    Outcome confirmCleanup();
+    void cancelCleanup();
+    Outcome refuseExpired();
+    Outcome refuseAutomatic();
+    void beginCleanup(bool automatic, DiskCleanupPlan plan);
+    void finishCleanup();
+    /// Writes the receipt of `run_` and counts it, and returns what became of it.
+    disk_receipts::Cleanup recordCleanup(disk_receipts::StoppedBy ifUnfinished);
+    void followEmergencyStop();
+    void setStatus(std::string_view text);
+    void countTrust(bool hasRun);
+
+    Dependencies dependencies_;
+    std::string caches_;  ///< as texts show it
+    Observable observable_;
+    DiskAutopilotState state_;
+    Purpose purpose_ = Purpose::review;
+    /// Those of the scan under way, as the owner had set them when it began.
+    CacheScanRequest scanRequest_;
+    std::optional<Run> run_;
+    disk_receipts::StoppedBy stoppedBy_ = disk_receipts::StoppedBy::owner;
+    std::uint64_t emergencyStops_ = 0;  ///< those that were followed
+    Subscription automationChanged_;
+    StoppableRun scan_;
+    StoppableRun move_;
+};
+
+}  // namespace tallowcrest

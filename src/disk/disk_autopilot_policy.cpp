@@ -1,0 +1,37 @@
+#include "disk/disk_autopilot_policy.h"
+
+#include <cmath>
+
+#include "disk/storage_areas.h"
+
+namespace tallowcrest::DiskAutopilotSafetyPolicy {
+
+bool isInsideUserCaches(const std::string& file, const std::string& caches) {
+    return !caches.empty() && isInsideFolder(file, caches);
+}
+
+bool isPossibleCachesFolder(const std::string& caches, const std::string& home) {
+    return caches.starts_with('/') && caches != home && !isInsideFolder(home, caches);
+}
+
+std::int64_t byteCap(double maxGB) {
+    return static_cast<std::int64_t>(clampedMaxGB(maxGB) * 1073741824.0);
+}
+
+Date cutOffDate(Date now, double ageDays) {
+    return {now.secondsSinceReference - clampedAgeDays(ageDays) * 86400.0};
+}
+
+bool isEligible(const FoundFile& file, Date cutOff) {
+    return file.bytes > 0 && file.modifiedAt && Date::fromUnixSeconds(*file.modifiedAt) < cutOff;
+}
+
+bool fits(std::int64_t taken, std::int64_t bytes, std::int64_t cap) {
+    return taken <= cap && bytes <= cap - taken;
+}
+
+bool isExpired(Date createdAt, Date now) {
+    return !(std::abs(secondsBetween(createdAt, now)) < planExpirySeconds);
+}
+
+}  // namespace tallowcrest::DiskAutopilotSafetyPolicy

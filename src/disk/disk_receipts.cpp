@@ -1,0 +1,143 @@
+#include "disk/disk_receipts.h"
+
+#include <fmt/format.h>
+
+#include "core/number_text.h"
+#include "sampling/binary_units.h"
+
+namespace tallowcrest::disk_receipts {
+namespace {
+
+std::string gigabytes(std::int64_t bytes) {
+    return fmt::format("{:.2f}", static_cast<double>(bytes) * gigabytesPerByte);
+}
+
+/// "3 files · 1.25 GB"
+std::string filesAndSize(const DiskCleanupPlan& plan) {
+    return fmt::format("{} files · {} GB", plan.urls.size(), gigabytes(plan.bytes));
+}
+
+std::string preview(const Cleanup& cleanup) {
+    return fmt::format("Preview: {} eligible files, capped at {:.1f} GB.", cleanup.progress.all,
+                       cleanup.maxGB);
+}
+
+std::string_view stopper(StoppedBy by) {
+    switch (by) {
+        case StoppedBy::nothing: return "";
+        case StoppedBy::owner: return "the owner";
+        case StoppedBy::emergencyStop: return "the emergency stop";
+        case StoppedBy::shutdown: return "the end of Tallowcrest";
+    }
+    return "";
+}
+
+/// A sentence for a clean-up that was stopped, with a blank in front; else empty.
+std::string stopClause(const Cleanup& cleanup) {
+    return cleanup.stoppedBy == StoppedBy::nothing
+               ? std::string()
+               : fmt::format(" Stopped: by {}, before the last {} files.",
+                             stopper(cleanup.stoppedBy),
+                             cleanup.progress.all - cleanup.progress.done);
+}
+
+std::string noChangeReceipt(const Cleanup& cleanup) {
+    return fmt::format("Trigger: {}. {} Result: no files moved because {}.{} Recovery: none "
+                       "needed.",
+                       cleanup.automatic ? "low disk space with authorized Autopilot"
+                                         : "user-confirmed review",
+                       preview(cleanup),
+                       cleanup.stoppedBy == StoppedBy::nothing
+                           ? "candidates changed or were unavailable"
+                           : "the run was stopped",
+                       stopClause(cleanup));
+}
+
+std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
+    const std::string trigger =
+        cleanup.automatic
+            ? fmt::format("free disk space fell below {:.1f} GB", cleanup.minimumFreeGB)
+            : "user confirmed the reviewed cleanup";
+    const std::string trust =
+        cleanup.automatic ? fmt::format("Autopilot · {}% trust · {} prior successful runs",
+                                        trustPercent(cleanup.trust), cleanup.trust.runCount)
+                          : "Manual confirmation";
+    return fmt::format(
+        "Trigger: {}. Trust: {}. {} Result: moved {} old regular cache files ({} GB) to Trash.{} "
+        "Scope: {} only; Documents, Desktop, Downloads, app data, packages, and symlinks were "
+        "excluded. Recovery: open Trash and use Put Back before emptying it.",
+        trigger, trust, preview(cleanup), cleanup.progress.moved,
+        gigabytes(cleanup.progress.movedBytes), stopClause(cleanup), caches);
+}
+
+}  // namespace
+
+std::string healthy(double freeGB) {
+    return fmt::format("Healthy: {:.1f} GB free.", freeGB);
+}
+
+std::string ready(const DiskCleanupPlan& plan) {
+    return "Ready: " + filesAndSize(plan);
+}
+
+std::string reviewReady(const DiskCleanupPlan& plan) {
+    return "Review ready: " + filesAndSize(plan);
+}
+
+std::string noneFoundMessage(double ageDays) {
+    return fmt::format("Disk review found no cache files older than {} days.",
+                       cutToInteger(ageDays));
+}
+
+ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double maxGB,
+                            std::string_view caches) {
+    return {.id = UUID::random(),
+            .title = "Move old cache files to Trash?",
+            .message = fmt::format("Tallowcrest found {} regular files older than {} days in {} "
+                                   "({} GB). Items are moved to Trash and the run is capped at "
+                                   "{:.1f} GB.",
+                                   plan.urls.size(), cutToInteger(ageDays), caches,
+                                   gigabytes(plan.bytes), maxGB),
+            .confirmTitle = "Move to Trash",
+            .kind = std::string(confirmationKind),
+            .hostName = {},
+            .pid = {}};
+}
+
+std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches) {
+    return fmt::format("Trigger: free disk space fell below {:.1f} GB. Preview: no eligible old "
+                       "regular files in {}. Result: no changes. Recovery: none needed.",
+                       minimumFreeGB, caches);
+}
+
+std::string stoppedCheckReceipt(double minimumFreeGB) {
+    return fmt::format("Trigger: free disk space fell below {:.1f} GB. Preview: stopped by the "
+                       "owner. Result: no changes. Recovery: none needed.",
+                       minimumFreeGB);
+}
+
+std::string status(const Cleanup& cleanup) {
+    const CleanupProgress& progress = cleanup.progress;
+    if (progress.moved > 0) {
+        return fmt::format("Last cleanup moved {} files ({} GB) to Trash.", progress.moved,
+                           gigabytes(progress.movedBytes));
+    }
+    return cleanup.stoppedBy == StoppedBy::nothing
+               ? "Cleanup made no changes; files may have been in use."
+               : "Cleanup stopped. No files were changed.";
+}
+
+std::string receipt(const Cleanup& cleanup, std::string_view caches) {
+    return cleanup.progress.moved > 0 ? completionReceipt(cleanup, caches)
+                                      : noChangeReceipt(cleanup);
+}
+
+std::string finalLine(const Cleanup& cleanup) {
+    return cleanup.progress.moved == 0 ? "Disk cleanup made no changes."
+           : cleanup.stoppedBy != StoppedBy::nothing
+               ? "Stopped the disk cleanup. What it had moved is in Trash."
+           : cleanup.automatic ? "Disk Autopilot completed a trusted reversible cleanup."
+                               : "Moved reviewed old cache files to Trash.";
+}
+
+}  // namespace tallowcrest::disk_receipts

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "core/advisor_records.h"
+#include "core/local_records.h"
+#include "disk/disk_records.h"
+
+/// What Disk Autopilot says: its status line, its messages and the details of its events. `caches`
+/// is the folder of the caches as texts show it, "~/.cache". Pure; any thread.
+namespace tallowcrest::disk_receipts {
+
+inline constexpr std::string_view confirmationKind = "disk_cleanup";
+
+// The status line.
+inline constexpr std::string_view scanning = "Scanning old user cache files…";
+inline constexpr std::string_view lowSpace = "Low space detected; checking old user caches…";
+inline constexpr std::string_view noneEligible = "No eligible cache files were found.";
+inline constexpr std::string_view lowSpaceNoneEligible =
+    "Low space, but no eligible old cache files were found.";
+inline constexpr std::string_view canceled = "Cleanup canceled. No files were changed.";
+inline constexpr std::string_view expired = "Cleanup plan expired; review again.";
+inline constexpr std::string_view blocked =
+    "Automatic cleanup blocked because its safety state changed.";
+inline constexpr std::string_view reviewStopped = "Review stopped. No files were changed.";
+inline constexpr std::string_view lowSpaceCheckStopped =
+    "Low-space check stopped. No files were changed.";
+std::string healthy(double freeGB);
+std::string ready(const DiskCleanupPlan& plan);
+std::string reviewReady(const DiskCleanupPlan& plan);
+
+// Messages.
+inline constexpr std::string_view expiredMessage =
+    "Disk cleanup was blocked because its review plan expired.";
+inline constexpr std::string_view blockedMessage =
+    "Disk Autopilot made no changes because automation was no longer authorized.";
+std::string noneFoundMessage(double ageDays);
+
+/// The question to the owner, with a new identifier.
+ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double maxGB,
+                            std::string_view caches);
+
+// Events of a check because of low space.
+inline constexpr std::string_view preparedForReview =
+    "Prepared a reversible cleanup for review. Automatic cleanup stays locked until Autopilot mode "
+    "and 3 trusted successful runs.";
+inline constexpr std::string_view blockedReceipt =
+    "Trigger: low disk space. Result: blocked before execution because Autopilot authorization or "
+    "trust state changed. Affected files: none. Recovery: none needed; review settings before "
+    "re-enabling automation.";
+std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches);
+std::string stoppedCheckReceipt(double minimumFreeGB);
+
+/// Why a clean-up ended before its last file.
+enum class StoppedBy { nothing, owner, emergencyStop, shutdown };
+
+/// A clean-up that is over.
+struct Cleanup {
+    bool automatic = false;
+    double maxGB = 0.0;
+    double minimumFreeGB = 0.0;
+    AITrustRecord trust;  ///< as it was before
+    CleanupProgress progress;
+    StoppedBy stoppedBy = StoppedBy::nothing;
+};
+
+/// The status line after it.
+std::string status(const Cleanup& cleanup);
+/// The detail of its event.
+std::string receipt(const Cleanup& cleanup, std::string_view caches);
+/// The last action after it.
+std::string finalLine(const Cleanup& cleanup);
+
+}  // namespace tallowcrest::disk_receipts

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "core/local_records.h"
+#include "disk/disk_records.h"
+
+/// What the analysis of personal files says. Titles and paths are as texts show them; `error` is in
+/// the system's words. Pure; any thread.
+namespace tallowcrest::personal_file_texts {
+
+inline constexpr std::string_view confirmationKind = "storage_suggestion_trash";
+
+inline constexpr std::string_view atStart =
+    "Run the analyzer to find large personal files worth backing up or reviewing.";
+inline constexpr std::string_view analyzing = "Analyzing large personal files locally…";
+inline constexpr std::string_view analyzedEvent =
+    "Analyzed personal files locally; no file contents or paths were sent to AI and no files were "
+    "changed.";
+inline constexpr std::string_view stoppedEvent =
+    "Stopped the analysis of personal files before its end; no file contents or paths were sent "
+    "to AI and no files were changed.";
+
+std::string found(std::size_t count);
+/// After the owner has stopped an analysis with `count` files in its list.
+std::string stopped(std::size_t count);
+
+std::string backingUp(std::string_view title);
+std::string backedUp(std::string_view fileName);
+std::string backupReceipt(std::string_view title, std::string_view destination);
+std::string backupFailed(std::string_view error);
+std::string backupFailedMessage(std::string_view title, std::string_view error);
+std::string backupStopped(std::string_view title);
+std::string backupStoppedReceipt(std::string_view title);
+
+/// The question to the owner, with a new identifier.
+ConfirmationRequest trashRequest(const StorageOptimizationSuggestion& suggestion);
+std::string trashFailed(std::string_view title, std::string_view error);
+std::string trashed(std::string_view title);
+std::string trashReceipt(const StorageOptimizationSuggestion& suggestion);
+
+}  // namespace tallowcrest::personal_file_texts

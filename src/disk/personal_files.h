@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/date.h"
+#include "core/jobs/jobs.h"
+#include "core/outcome.h"
+#include "core/services.h"
+#include "disk/disk_ports.h"
+#include "disk/disk_records.h"
+#include "disk/file_walks.h"
+#include "disk/personal_file_texts.h"
+#include "disk/stoppable_run.h"
+#include "disk/trash.h"
+
+namespace tallowcrest {
+
+class Observable;
+class Provider;
+
+/// A copy under way.
+struct BackupProgress {
+    std::string title;        ///< of the file
+    std::int64_t copied = 0;  ///< bytes
+    std::int64_t all = 0;     ///< bytes; 0 until the copy has begun
+    double bytesPerSecond = 0.0;  ///< the mean so far; 0 while unknown
+    bool isStopping = false;
+
+    bool operator==(const BackupProgress&) const = default;
+};
+
+struct PersonalFilesState {
+    /// Largest first. Empty before the first analysis.
+    std::vector<StorageOptimizationSuggestion> storageOptimizationSuggestions;
+    bool storageAnalyzerBusy = false;
+    std::string storageAnalyzerStatus{personal_file_texts::atStart};
+    std::string storageAnalysisRootName = "Personal folders";
+    /// What the last request to move a file to the Trash was about, until it is confirmed.
+    std::optional<StorageOptimizationSuggestion> pendingStorageSuggestion;
+    SearchProgress progress;      ///< meaningless while not busy
+    bool isStopping = false;      ///< the analysis was asked to stop
+    std::optional<BackupProgress> backup;  ///< absent while no copy is under way
+};
+
+/// Finds the largest personal files, and reveals, copies or moves one of them to the Trash when the
+/// owner says so. Opens no file but to copy it, and sends no path anywhere. Main thread.
+class PersonalFiles {
+public:
+    /// The references must outlive the object. `refresh` takes a new sample.
+    struct Dependencies {
+        Services services;
+        Provider& provider;
+        std::function<void()> refresh;
+        DiskPorts ports;
+    };
+
+    explicit PersonalFiles(Dependencies dependencies);
+    ~PersonalFiles();
+    PersonalFiles(const PersonalFiles&) = delete;
+    PersonalFiles& operator=(const PersonalFiles&) = delete;
+
+    const PersonalFilesState& state() const { return state_; }
+
+    /// Begins an analysis, and asks for one of the advisor if it has a key and is idle. Ignored
+    /// while one is under way.
+    Outcome analyzePersonalFiles();
+    /// The same: the personal folders are always those of the platform.
+    Outcome chooseStorageFolder() { return analyzePersonalFiles(); }
+    /// Ends the analysis with what it has found. Ignored while none is under way.
+    Outcome stopAnalysis();
+
+    /// Shows the file in the file manager. Whether it still exists is not tested.
+    Outcome revealSuggestion(const StorageOptimizationSuggestion& suggestion);
+
+    /// Asks for a folder and copies the file there, beside a file that has its name already.
+    /// Refused while a copy is under way.
+    Outcome backUpSuggestion(const StorageOptimizationSuggestion& suggestion);
+    /// Ends the copy under way, of which nothing is left. Ignored while there is none.
+    Outcome stopBackup();
+
+    /// Asks whether to move the file to the Trash.
+    Outcome requestTrashSuggestion(const StorageOptimizationSuggestion& suggestion);
+    /// Moves the file that was asked about, unless it is another one by now.
+    Outcome trashPendingSuggestion();
+
+    /// Notifies of a changed state.
+    Observable& observable() { return *observable_; }
+
+private:
+    /// A copy that is over.
+    struct Copied {
+        std::string destination;
+        std::optional<std::string> error;
+    };
+
+    void finishAnalysis(std::vector<FoundFile> files);
+    void showFound(const std::vector<FoundFile>& files);
+    void endAnalysis(std::string status, std::string_view event);
+    void beginBackup(const StorageOptimizationSuggestion& suggestion, std::string folder);
+    void showBackup(std::int64_t copied, std::int64_t all);
+    void finishBackup(const StorageOptimizationSuggestion& suggestion, const Copied& copied);
+    void finishTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
+    void setStatus(std::string status);
+    Outcome refuse(std::string message) const;
+
+    Dependencies dependencies_;
+    std::unique_ptr<Observable> observable_;
+    PersonalFilesState state_;
+    std::unique_ptr<FolderQuestion> folderQuestion_;
+    Date backupBegan_;
+    JobScope jobs_;
+    StoppableRun analysis_;
+    StoppableRun backup_;
+};
+
+}  // namespace tallowcrest

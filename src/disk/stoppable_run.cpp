@@ -1,0 +1,40 @@
+#include "disk/stoppable_run.h"
+
+#include <chrono>
+#include <utility>
+
+namespace tallowcrest {
+
+JobScope& StoppableRun::begin() {
+    isUnderWay_ = true;
+    source_ = {};
+    return scope_.emplace(jobs_);
+}
+
+void StoppableRun::end() {
+    isUnderWay_ = false;
+    patience_.reset();
+}
+
+bool StoppableRun::stop() {
+    return isUnderWay_ && source_.request_stop();
+}
+
+bool StoppableRun::stopOrForget(std::function<void()> forgotten) {
+    if (!stop()) {
+        return false;
+    }
+    constexpr std::chrono::milliseconds patience{2000};
+    patience_ = jobs_.mainQueue().scheduleRepeating(
+        patience, [this, forgotten = std::move(forgotten)] {
+            scope_.reset();
+            // Destroys the timer, and with it this function, in an implementation that does not
+            // keep it for the call.
+            const auto call = forgotten;
+            end();
+            call();
+        });
+    return true;
+}
+
+}  // namespace tallowcrest

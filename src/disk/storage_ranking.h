@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/local_records.h"
+#include "disk/disk_records.h"
+
+/// The figures and the texts of the scan of storage areas. Pure; any thread.
+namespace tallowcrest {
+
+/// The bytes that `du -sk` has printed for a folder. Absent when it printed no total, which it does
+/// only at its end, or none that a disk can hold.
+std::optional<std::int64_t> parseDiskUsage(std::string_view output);
+
+/// A measured area and the device that it is on; absent when that is not known.
+struct MeasuredArea {
+    DiskStorageOffender row;
+    std::optional<std::uint64_t> device = {};
+};
+
+/// What the remainder is computed from.
+struct UsedSpace {
+    DiskSnapshot disk;
+    std::optional<std::uint64_t> device = {};  ///< that `disk` tells of
+    std::string unreadableData;                ///< as in `DiskPlaces`
+};
+
+/// The rows, largest first and equal ones by their paths. An area that contains others is left with
+/// what is in none of them, and what the used space has beyond all rows on its device follows as a
+/// row of its own if it is above 1 GiB. No such row without `used`.
+std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas,
+                                                 const std::optional<UsedSpace>& used);
+
+/// What the row of the remainder stands for, in one sentence.
+std::string remainderExplanation(std::string_view unreadableData);
+
+namespace storage_texts {
+
+std::string complete(const std::vector<DiskStorageOffender>& rows);
+std::string completeEvent(std::size_t rows, std::string_view unreadableData);
+/// For a scan that the owner has stopped after `done` of `all` areas.
+std::string stopped(std::size_t done, std::size_t all);
+std::string stoppedEvent(std::size_t rows, std::size_t done, std::size_t all);
+
+}  // namespace storage_texts
+}  // namespace tallowcrest

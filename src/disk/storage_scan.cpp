@@ -1,0 +1,232 @@
+#include "disk/storage_scan.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "actions/automation.h"
+#include "actions/tool_runner.h"
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
+#include "core/observable.h"
+#include "disk/file_names.h"
+#include "disk/storage_ranking.h"
+#include "sampling/latest_sample.h"
+
+namespace tallowcrest {
+namespace {
+
+/// More at a time would only make the disk slower.
+constexpr std::size_t workers = 3;
+constexpr std::chrono::milliseconds longestMeasurement{60000};
+
+}  // namespace
+
+/// One scan, shared by its workers. Any thread.
+class StorageScan::Measuring {
+public:
+    using DeviceOf = std::function<std::optional<std::uint64_t>(const std::string& path)>;
+
+    Measuring(std::vector<StorageArea> areas, std::optional<UsedSpace> used, std::string home,
+              DeviceOf deviceOf)
+        : areas_(std::move(areas)),
+          used_(std::move(used)),
+          home_(std::move(home)),
+          deviceOf_(std::move(deviceOf)) {}
+
+    /// Measures one area after the other until none is left or a stop is requested. `progress` is
+    /// called after each.
+    void work(ToolRunner& tools, const std::function<void(StorageScanProgress)>& progress,
+              const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            const StorageArea* const area = next();
+            if (area == nullptr) {
+                return;
+            }
+            std::optional<MeasuredArea> measured = measure(*area, tools);
+            const std::lock_guard guard(lock_);
+            if (measured) {
+                measured_.push_back(*std::move(measured));
+            }
+            ++done_;
+            progress({done_, areas_.size()});
+        }
+    }
+
+    /// What has been measured so far.
+    std::vector<MeasuredArea> measured() const {
+        const std::lock_guard guard(lock_);
+        return measured_;
+    }
+    StorageScanProgress progress() const {
+        const std::lock_guard guard(lock_);
+        return {done_, areas_.size()};
+    }
+    /// Complete once all workers are over.
+    const std::optional<UsedSpace>& used() const { return used_; }
+
+    /// Before the end of the first worker.
+    void readHomeDevice() {
+        const std::optional<std::uint64_t> device = deviceOf(home_);
+        const std::lock_guard guard(lock_);
+        if (used_) {
+            used_->device = device;
+        }
+    }
+
+private:
+    const StorageArea* next() {
+        const std::lock_guard guard(lock_);
+        return next_ < areas_.size() ? &areas_[next_++] : nullptr;
+    }
+
+    std::optional<std::uint64_t> deviceOf(const std::string& path) const {
+        return deviceOf_ ? deviceOf_(path) : std::nullopt;
+    }
+
+    /// Blocks for at most the time of one measurement. Absent when the folder is missing or cannot
+    /// be measured.
+    std::optional<MeasuredArea> measure(const StorageArea& area, ToolRunner& tools) const {
+        if (!folderExists(area.folder)) {
+            return std::nullopt;
+        }
+        const auto bytes = parseDiskUsage(
+            tools.runTool("/usr/bin/du", {"-sk", "-x", area.folder}, longestMeasurement));
+        return bytes ? std::optional(MeasuredArea{{area.label, area.folder, *bytes},
+                                                  deviceOf(area.folder)})
+                     : std::nullopt;
+    }
+
+    const std::vector<StorageArea> areas_;
+    std::optional<UsedSpace> used_;
+    const std::string home_;
+    const DeviceOf deviceOf_;
+    mutable std::mutex lock_;
+    std::size_t next_ = 0;
+    std::size_t done_ = 0;
+    std::vector<MeasuredArea> measured_;
+};
+
+StorageScan::StorageScan(Dependencies dependencies)
+    : dependencies_(std::move(dependencies)),
+      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
+      run_(dependencies_.services.jobs) {}
+
+StorageScan::~StorageScan() = default;
+
+Outcome StorageScan::scanStorageAreas() {
+    const DiskPlaces& places = dependencies_.ports.places;
+    if (places.areas.empty()) {
+        return dependencies_.services.log.record(
+            Outcome::refused("The storage scan is not available here."));
+    }
+    if (state_.diskStorageScanInProgress) {
+        return Outcome::ignored();
+    }
+    state_.diskStorageScanInProgress = true;
+    state_.progress = {0, places.areas.size()};
+    observable_->changed();
+    dependencies_.automation.setDiskAutopilotStatus(
+        "Measuring storage areas; large folders can take up to a minute…");
+    const auto& snapshot = dependencies_.sample.snapshot();
+    measuring_ = std::make_shared<Measuring>(
+        places.areas,
+        snapshot ? std::optional(UsedSpace{snapshot->disk, {}, places.unreadableData})
+                 : std::nullopt,
+        places.home, dependencies_.ports.deviceOf);
+    measure(measuring_);
+    return Outcome::asked();
+}
+
+void StorageScan::measure(const std::shared_ptr<Measuring>& measuring) {
+    workersLeft_ = workers;
+    JobScope& jobs = run_.begin();
+    for (std::size_t i = 0; i < workers; ++i) {
+        jobs.runWithProgress<StorageScanProgress>(
+            Lane::storageScan,
+            [measuring, &tools = dependencies_.tools, isFirst = i == 0,
+             token = run_.stopToken()](const Stop& stop, const auto& report) {
+                const EitherStop either(stop.stopToken(), token);
+                if (isFirst) {
+                    measuring->readHomeDevice();
+                }
+                measuring->work(tools, report, either.token());
+            },
+            [this](StorageScanProgress progress) {
+                // Those of another worker may have come first.
+                if (progress.areasDone > state_.progress.areasDone) {
+                    state_.progress = progress;
+                    observable_->changed();
+                }
+            },
+            [this] {
+                if (--workersLeft_ == 0) {
+                    finish();
+                }
+            });
+    }
+}
+
+void StorageScan::finish() {
+    const bool wasStopped = run_.isStopping();
+    run_.end();
+    if (wasStopped) {
+        finishStopped();
+        return;
+    }
+    const auto measuring = std::exchange(measuring_, nullptr);
+    state_.diskStorageOffenders = rankedOffenders(measuring->measured(), measuring->used());
+    state_.diskStorageScanInProgress = false;
+    observable_->changed();
+    dependencies_.automation.setDiskAutopilotStatus(
+        storage_texts::complete(state_.diskStorageOffenders));
+    dependencies_.services.log.recordEvent(
+        ActivityKind::diskStorage,
+        storage_texts::completeEvent(state_.diskStorageOffenders.size(),
+                                     dependencies_.ports.places.unreadableData));
+}
+
+void StorageScan::finishStopped() {
+    const auto measuring = std::exchange(measuring_, nullptr);
+    const auto [done, all] = measuring->progress();
+    std::vector<DiskStorageOffender> rows = rankedOffenders(measuring->measured(), std::nullopt);
+    const std::size_t count = rows.size();
+    // Rows of an earlier scan are better than none.
+    if (!rows.empty()) {
+        state_.diskStorageOffenders = std::move(rows);
+    }
+    state_.diskStorageScanInProgress = false;
+    state_.isStopping = false;
+    observable_->changed();
+    dependencies_.automation.setDiskAutopilotStatus(storage_texts::stopped(done, all));
+    dependencies_.services.log.recordEvent(ActivityKind::diskStorage,
+                                           storage_texts::stoppedEvent(count, done, all));
+}
+
+Outcome StorageScan::stop() {
+    if (!run_.stopOrForget([this] { finishStopped(); })) {
+        return Outcome::ignored();
+    }
+    state_.isStopping = true;
+    observable_->changed();
+    return Outcome::asked();
+}
+
+Outcome StorageScan::revealStorageOffender(const DiskStorageOffender& offender) {
+    if (!dependencies_.ports.desktop.reveal) {
+        return dependencies_.services.log.record(
+            Outcome::refused("There is no file manager here."));
+    }
+    dependencies_.ports.desktop.reveal(offender.path);
+    return dependencies_.services.log.record(
+        Outcome::done(fmt::format("Revealed {} in Finder.", offender.name)));
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/outcome.h"
+#include "core/services.h"
+#include "disk/disk_ports.h"
+#include "disk/disk_records.h"
+#include "disk/stoppable_run.h"
+
+namespace tallowcrest {
+
+class Automation;
+class LatestSample;
+class Observable;
+class ToolRunner;
+
+/// How far a scan of the storage areas is.
+struct StorageScanProgress {
+    std::size_t areasDone = 0;
+    std::size_t areas = 0;
+
+    bool operator==(const StorageScanProgress&) const = default;
+};
+
+struct StorageScanState {
+    /// Largest first, the remainder among them. Those of the last scan; empty before the first.
+    std::vector<DiskStorageOffender> diskStorageOffenders;
+    bool diskStorageScanInProgress = false;
+    StorageScanProgress progress;  ///< meaningless while no scan is in progress
+    bool isStopping = false;       ///< the scan was asked to stop
+};
+
+/// Measures the well-known areas of the disk. Reads only. Its status line is that of `Automation`.
+/// Main thread.
+class StorageScan {
+public:
+    /// The references must outlive the object, and `tools` every scan under way.
+    struct Dependencies {
+        Services services;
+        const LatestSample& sample;
+        Automation& automation;
+        ToolRunner& tools;
+        DiskPorts ports;
+    };
+
+    explicit StorageScan(Dependencies dependencies);
+    ~StorageScan();
+    StorageScan(const StorageScan&) = delete;
+    StorageScan& operator=(const StorageScan&) = delete;
+
+    const StorageScanState& state() const { return state_; }
+
+    /// Begins a scan. Ignored while one is in progress.
+    Outcome scanStorageAreas();
+
+    /// Ends the scan with the areas that have been measured. An area at hand is not waited for
+    /// longer than two seconds. Ignored while none is in progress.
+    Outcome stop();
+
+    /// Shows the folder of a row in the file manager.
+    Outcome revealStorageOffender(const DiskStorageOffender& offender);
+
+    /// Notifies of a changed state.
+    Observable& observable() { return *observable_; }
+
+private:
+    class Measuring;
+
+    void measure(const std::shared_ptr<Measuring>& measuring);
+    void finish();
+    void finishStopped();
+
+    Dependencies dependencies_;
+    std::unique_ptr<Observable> observable_;
+    StorageScanState state_;
+    std::shared_ptr<Measuring> measuring_;  ///< null while no scan is in progress
+    std::size_t workersLeft_ = 0;
+    StoppableRun run_;
+};
+
+}  // namespace tallowcrest
