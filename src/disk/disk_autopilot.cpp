@@ -24,8 +24,8 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
       caches_(shownPathInHome(dependencies_.ports.places.caches, dependencies_.ports.places.home)),
       observable_(dependencies_.services.jobs.mainQueue()),
       emergencyStops_(dependencies_.automation.emergencyStops()),
-      automationChanged_(dependencies_.automation.observable().subscribe(
-          [this] { followEmergencyStop(); })),
+      automationChanged_(
+          dependencies_.automation.observable().subscribe([this] { followEmergencyStop(); })),
       scan_(dependencies_.services.jobs),
       move_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
@@ -215,12 +215,12 @@ void DiskAutopilot::countTrust(bool hasRun) {
 
 Outcome DiskAutopilot::performDiskCleanup(bool automatic) {
     followEmergencyStop();
-    if (!state_.diskCleanupPlan || policy::isExpired(state_.diskCleanupPlan->createdAt,
-                                                     dependencies_.services.clock.now())) {
+    if (!state_.diskCleanupPlan ||
+        policy::isExpired(state_.diskCleanupPlan->createdAt, dependencies_.services.clock.now())) {
         return refuseExpired();
     }
-    if (automatic && !(dependencies_.services.settings.values().diskAutopilotEnabled &&
-                       isAutopilotTrusted())) {
+    if (automatic &&
+        !(dependencies_.services.settings.values().diskAutopilotEnabled && isAutopilotTrusted())) {
         return refuseAutomatic();
     }
     beginCleanup(automatic, *std::exchange(state_.diskCleanupPlan, std::nullopt));
@@ -264,8 +264,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
         [trash = dependencies_.ports.trash,
          request = CacheMoveRequest{std::move(plan.urls), dependencies_.ports.places.caches,
                                     run_->cleanup.maxGB},
-         tally = run_->tally,
-         token = move_.stopToken()](const Stop& stop, const auto& report) {
+         tally = run_->tally, token = move_.stopToken()](const Stop& stop, const auto& report) {
             moveOldCaches(
                 *trash, request, *tally, [&] { report(tally->progress()); }, stop, token);
         },
@@ -284,14 +283,14 @@ receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished)
         cleanup.stoppedBy = ifUnfinished;
     }
     // To stop what has begun by itself is an objection.
-    const bool isObjected = cleanup.automatic &&
-                            (cleanup.stoppedBy == receipts::StoppedBy::owner ||
-                             cleanup.stoppedBy == receipts::StoppedBy::emergencyStop);
+    const bool isObjected =
+        cleanup.automatic && (cleanup.stoppedBy == receipts::StoppedBy::owner ||
+                              cleanup.stoppedBy == receipts::StoppedBy::emergencyStop);
     countTrust(cleanup.progress.moved > 0 && !isObjected);
     setStatus(receipts::status(cleanup));
-    dependencies_.services.log.recordEvent(cleanup.automatic ? ActivityKind::diskAutopilotReceipt
-                                                             : ActivityKind::diskCleanupReceipt,
-                                           receipts::receipt(cleanup, caches_));
+    dependencies_.services.log.recordEvent(
+        cleanup.automatic ? ActivityKind::diskAutopilotReceipt : ActivityKind::diskCleanupReceipt,
+        receipts::receipt(cleanup, caches_));
     return cleanup;
 }
 

@@ -24,10 +24,14 @@ std::string preview(const Cleanup& cleanup) {
 
 std::string_view stopper(StoppedBy by) {
     switch (by) {
-        case StoppedBy::nothing: return "";
-        case StoppedBy::owner: return "the owner";
-        case StoppedBy::emergencyStop: return "the emergency stop";
-        case StoppedBy::shutdown: return "the end of Tallowcrest";
+        case StoppedBy::nothing:
+            return "";
+        case StoppedBy::owner:
+            return "the owner";
+        case StoppedBy::emergencyStop:
+            return "the emergency stop";
+        case StoppedBy::shutdown:
+            return "the end of Tallowcrest";
     }
     return "";
 }
@@ -42,15 +46,14 @@ std::string stopClause(const Cleanup& cleanup) {
 }
 
 std::string noChangeReceipt(const Cleanup& cleanup) {
-    return fmt::format("Trigger: {}. {} Result: no files moved because {}.{} Recovery: none "
-                       "needed.",
-                       cleanup.automatic ? "low disk space with authorized Autopilot"
-                                         : "user-confirmed review",
-                       preview(cleanup),
-                       cleanup.stoppedBy == StoppedBy::nothing
-                           ? "candidates changed or were unavailable"
-                           : "the run was stopped",
-                       stopClause(cleanup));
+    return fmt::format(
+        "Trigger: {}. {} Result: no files moved because {}.{} Recovery: none "
+        "needed.",
+        cleanup.automatic ? "low disk space with authorized Autopilot" : "user-confirmed review",
+        preview(cleanup),
+        cleanup.stoppedBy == StoppedBy::nothing ? "candidates changed or were unavailable"
+                                                : "the run was stopped",
+        stopClause(cleanup));
 }
 
 std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
@@ -58,10 +61,10 @@ std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
         cleanup.automatic
             ? fmt::format("free disk space fell below {:.1f} GB", cleanup.minimumFreeGB)
             : "user confirmed the reviewed cleanup";
-    const std::string trust =
-        cleanup.automatic ? fmt::format("Autopilot · {}% trust · {} prior successful runs",
-                                        trustPercent(cleanup.trust), cleanup.trust.runCount)
-                          : "Manual confirmation";
+    const std::string trust = cleanup.automatic
+                                  ? fmt::format("Autopilot · {}% trust · {} prior successful runs",
+                                                trustPercent(cleanup.trust), cleanup.trust.runCount)
+                                  : "Manual confirmation";
     return fmt::format(
         "Trigger: {}. Trust: {}. {} Result: moved {} old regular cache files ({} GB) to Trash.{} "
         "Scope: {} only; Documents, Desktop, Downloads, app data, packages, and symlinks were "
@@ -105,15 +108,17 @@ ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double 
 }
 
 std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches) {
-    return fmt::format("Trigger: free disk space fell below {:.1f} GB. Preview: no eligible old "
-                       "regular files in {}. Result: no changes. Recovery: none needed.",
-                       minimumFreeGB, caches);
+    return fmt::format(
+        "Trigger: free disk space fell below {:.1f} GB. Preview: no eligible old "
+        "regular files in {}. Result: no changes. Recovery: none needed.",
+        minimumFreeGB, caches);
 }
 
 std::string stoppedCheckReceipt(double minimumFreeGB) {
-    return fmt::format("Trigger: free disk space fell below {:.1f} GB. Preview: stopped by the "
-                       "owner. Result: no changes. Recovery: none needed.",
-                       minimumFreeGB);
+    return fmt::format(
+        "Trigger: free disk space fell below {:.1f} GB. Preview: stopped by the "
+        "owner. Result: no changes. Recovery: none needed.",
+        minimumFreeGB);
 }
 
 std::string status(const Cleanup& cleanup) {

@@ -51,13 +51,13 @@ struct DiskStorageOffender {
 
 /// A large personal file, and what to consider about it. Identity: `id`.
 struct StorageOptimizationSuggestion {
-    UUID id;
-    std::string title;   ///< the file's name, printable
-    std::string detail;  ///< its folder, printable, with the home directory as "~"
-    std::string path;
+    UUID id = {};
+    std::string title = {};   ///< the file's name, printable
+    std::string detail = {};  ///< its folder, printable, with the home directory as "~"
+    std::string path = {};
     std::int64_t bytes = 0;
-    std::string recommendation;
-    std::string reason;
+    std::string recommendation = {};
+    std::string reason = {};
     FileIdentity identity = {};  ///< of the file that was found
 
     bool operator==(const StorageOptimizationSuggestion&) const = default;

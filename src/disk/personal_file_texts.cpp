@@ -15,9 +15,10 @@ double gigabytes(std::int64_t bytes) {
 
 std::string found(std::size_t count) {
     return count == 0 ? "No accessible personal files larger than 100 MB were found."
-                      : fmt::format("Found {} large personal files. Review each recommendation "
-                                    "before acting.",
-                                    count);
+                      : fmt::format(
+                            "Found {} large personal files. Review each recommendation "
+                            "before acting.",
+                            count);
 }
 
 std::string stopped(std::size_t count) {
@@ -49,9 +50,10 @@ std::string backupStopped(std::string_view title) {
 }
 
 std::string backupStoppedReceipt(std::string_view title) {
-    return fmt::format("Stopped the copy of {} before its end. No part of it was left. The "
-                       "original remains in place.",
-                       title);
+    return fmt::format(
+        "Stopped the copy of {} before its end. No part of it was left. The "
+        "original remains in place.",
+        title);
 }
 
 ConfirmationRequest trashRequest(const StorageOptimizationSuggestion& suggestion) {

@@ -123,8 +123,8 @@ void PersonalFiles::endAnalysis(std::string status, std::string_view event) {
 }
 
 Outcome PersonalFiles::stopAnalysis() {
-    const bool isStopping = analysis_.stopOrForget(
-        [this] { endAnalysis(texts::stopped(0), texts::stoppedEvent); });
+    const bool isStopping =
+        analysis_.stopOrForget([this] { endAnalysis(texts::stopped(0), texts::stoppedEvent); });
     if (!isStopping) {
         return Outcome::ignored();
     }
@@ -176,14 +176,13 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
             // Nothing of an incomplete copy may be left.
             const auto change = stop.beginChange();
             const EitherStop either(stop.stopToken(), token);
-            result.error =
-                change ? copy->copy(
-                             file, result.destination,
-                             [&](std::int64_t copied, std::int64_t all) {
-                                 report({copied, all});
-                             },
-                             either.token())
-                       : std::optional<std::string>("canceled");
+            result.error = change ? copy->copy(
+                                        file, result.destination,
+                                        [&](std::int64_t copied, std::int64_t all) {
+                                            report({copied, all});
+                                        },
+                                        either.token())
+                                  : std::optional<std::string>("canceled");
             return result;
         },
         [this](CopiedBytes bytes) { showBackup(bytes.copied, bytes.all); },
@@ -212,8 +211,7 @@ void PersonalFiles::finishBackup(const StorageOptimizationSuggestion& suggestion
         dependencies_.ports.desktop.reveal(copied.destination);
     } else if (wasStopped) {
         setStatus(texts::backupStopped(suggestion.title));
-        log.recordEvent(ActivityKind::backupReceipt,
-                        texts::backupStoppedReceipt(suggestion.title));
+        log.recordEvent(ActivityKind::backupReceipt, texts::backupStoppedReceipt(suggestion.title));
     } else {
         setStatus(texts::backupFailed(*copied.error));
         log.recordMessage(texts::backupFailedMessage(suggestion.title, *copied.error));
@@ -248,8 +246,8 @@ Outcome PersonalFiles::trashPendingSuggestion() {
     jobs_.run(
         Lane::personalFiles,
         [trash = dependencies_.ports.trash,
-         request = TrashRequest{.path = pending->path, .identity = pending->identity}](
-            const Stop& stop) {
+         request =
+             TrashRequest{.path = pending->path, .identity = pending->identity}](const Stop& stop) {
             const auto change = stop.beginChange();
             return change ? trash->moveToTrash(request) : TrashOutcome{.error = "canceled"};
         },

@@ -26,9 +26,9 @@ class Provider;
 
 /// A copy under way.
 struct BackupProgress {
-    std::string title;        ///< of the file
-    std::int64_t copied = 0;  ///< bytes
-    std::int64_t all = 0;     ///< bytes; 0 until the copy has begun
+    std::string title;            ///< of the file
+    std::int64_t copied = 0;      ///< bytes
+    std::int64_t all = 0;         ///< bytes; 0 until the copy has begun
     double bytesPerSecond = 0.0;  ///< the mean so far; 0 while unknown
     bool isStopping = false;
 
@@ -43,8 +43,8 @@ struct PersonalFilesState {
     std::string storageAnalysisRootName = "Personal folders";
     /// What the last request to move a file to the Trash was about, until it is confirmed.
     std::optional<StorageOptimizationSuggestion> pendingStorageSuggestion;
-    SearchProgress progress;      ///< meaningless while not busy
-    bool isStopping = false;      ///< the analysis was asked to stop
+    SearchProgress progress;               ///< meaningless while not busy
+    bool isStopping = false;               ///< the analysis was asked to stop
     std::optional<BackupProgress> backup;  ///< absent while no copy is under way
 };
 

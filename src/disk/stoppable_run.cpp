@@ -25,8 +25,8 @@ bool StoppableRun::stopOrForget(std::function<void()> forgotten) {
         return false;
     }
     constexpr std::chrono::milliseconds patience{2000};
-    patience_ = jobs_.mainQueue().scheduleRepeating(
-        patience, [this, forgotten = std::move(forgotten)] {
+    patience_ =
+        jobs_.mainQueue().scheduleRepeating(patience, [this, forgotten = std::move(forgotten)] {
             scope_.reset();
             // Destroys the timer, and with it this function, in an implementation that does not
             // keep it for the call.

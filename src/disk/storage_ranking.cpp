@@ -45,7 +45,7 @@ std::vector<std::int64_t> ownBytes(const std::vector<MeasuredArea>& areas) {
 
 std::int64_t usedBytes(const DiskSnapshot& disk) {
     const double bytes = (disk.totalGB - disk.freeGB) * bytesPerGigabyte;
-    return !(bytes > 0.0)                            ? 0
+    return !(bytes > 0.0)                             ? 0
            : bytes < static_cast<double>(largestSize) ? static_cast<std::int64_t>(bytes)
                                                       : largestSize;
 }
@@ -69,8 +69,7 @@ std::optional<std::int64_t> parseDiskUsage(std::string_view output) {
         return std::nullopt;
     }
     output.remove_prefix(begin);
-    const auto kilobytes =
-        parseDecimalInteger(output.substr(0, output.find_first_of(separators)));
+    const auto kilobytes = parseDecimalInteger(output.substr(0, output.find_first_of(separators)));
     if (!kilobytes || *kilobytes < 0 || *kilobytes > largestSize / 1024) {
         return std::nullopt;
     }
@@ -98,9 +97,10 @@ std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas
 }
 
 std::string remainderExplanation(std::string_view unreadableData) {
-    return fmt::format("Used space that is in none of the measured areas: folders outside them, "
-                       "other accounts, snapshots and other {} that this account may not read.",
-                       unreadableData);
+    return fmt::format(
+        "Used space that is in none of the measured areas: folders outside them, "
+        "other accounts, snapshots and other {} that this account may not read.",
+        unreadableData);
 }
 
 namespace storage_texts {
@@ -113,9 +113,10 @@ std::string complete(const std::vector<DiskStorageOffender>& rows) {
 }
 
 std::string completeEvent(std::size_t rows, std::string_view unreadableData) {
-    return fmt::format("Ranked {} volume and user storage areas. Unreadable {} is shown as a "
-                       "remainder; no files were changed.",
-                       rows, unreadableData);
+    return fmt::format(
+        "Ranked {} volume and user storage areas. Unreadable {} is shown as a "
+        "remainder; no files were changed.",
+        rows, unreadableData);
 }
 
 std::string stopped(std::size_t done, std::size_t all) {
@@ -123,9 +124,10 @@ std::string stopped(std::size_t done, std::size_t all) {
 }
 
 std::string stoppedEvent(std::size_t rows, std::size_t done, std::size_t all) {
-    return fmt::format("Ranked {} storage areas. The scan was stopped after {} of {} areas, so "
-                       "there is no remainder; no files were changed.",
-                       rows, done, all);
+    return fmt::format(
+        "Ranked {} storage areas. The scan was stopped after {} of {} areas, so "
+        "there is no remainder; no files were changed.",
+        rows, done, all);
 }
 
 }  // namespace storage_texts

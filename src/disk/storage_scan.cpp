@@ -99,8 +99,8 @@ private:
         }
         const auto bytes = parseDiskUsage(
             tools.runTool("/usr/bin/du", {"-sk", "-x", area.folder}, longestMeasurement));
-        return bytes ? std::optional(MeasuredArea{{area.label, area.folder, *bytes},
-                                                  deviceOf(area.folder)})
+        return bytes ? std::optional(
+                           MeasuredArea{{area.label, area.folder, *bytes}, deviceOf(area.folder)})
                      : std::nullopt;
     }
 
@@ -151,8 +151,8 @@ void StorageScan::measure(const std::shared_ptr<Measuring>& measuring) {
     for (std::size_t i = 0; i < workers; ++i) {
         jobs.runWithProgress<StorageScanProgress>(
             Lane::storageScan,
-            [measuring, &tools = dependencies_.tools, isFirst = i == 0,
-             token = run_.stopToken()](const Stop& stop, const auto& report) {
+            [measuring, &tools = dependencies_.tools, isFirst = i == 0, token = run_.stopToken()](
+                const Stop& stop, const auto& report) {
                 const EitherStop either(stop.stopToken(), token);
                 if (isFirst) {
                     measuring->readHomeDevice();

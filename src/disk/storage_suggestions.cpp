@@ -36,8 +36,8 @@ std::string extensionOf(const fs::path& name) {
 StorageOptimizationSuggestion makeSuggestion(const FoundFile& file, Date now,
                                              const std::string& home) {
     const fs::path path(file.path);
-    const double days = std::trunc(
-        (now.unixSeconds() - file.modifiedAt.value_or(distantPast)) / secondsPerDay);
+    const double days =
+        std::trunc((now.unixSeconds() - file.modifiedAt.value_or(distantPast)) / secondsPerDay);
     const bool isOldInstaller =
         std::ranges::find(installerExtensions, loweredASCII(extensionOf(path))) !=
             installerExtensions.end() &&

@@ -1,0 +1,208 @@
+#include "disk/cache_cleanup.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/each_of.h"
+#include "tests/support/fake_disk_ports.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr std::int64_t gigabyte = 1073741824;
+
+class CacheCleanupTest : public ::testing::Test {
+protected:
+    static std::string inCaches(const std::string& name) { return "/home/owner/.cache/" + name; }
+
+    std::string add(const std::string& name, std::int64_t bytes, double days = 40.0) {
+        files.add(inCaches(name), bytes, clock.now().unixSeconds() - days * 86400.0);
+        return inCaches(name);
+    }
+
+    DiskCleanupPlan plan(const std::string& caches = "/home/owner/.cache",
+                         const std::string& home = "/home/owner") {
+        return buildDiskCleanupPlan(
+            walk, {caches, home, 30.0, 2.0}, clock,
+            [this](SearchProgress progress) { seen.push_back(progress.filesSeen); },
+            stopSource.get_token());
+    }
+    std::vector<std::string> planned() { return eachOf(plan().urls, &CleanupCandidate::path); }
+
+    CleanupProgress move(const std::vector<CleanupCandidate>& candidates, double maxGB = 2.0,
+                         const std::string& caches = "/home/owner/.cache") {
+        CleanupTally tally(candidates.size());
+        moveOldCaches(
+            trash, {candidates, caches, maxGB}, tally, [this] { ++told; },
+            Stop(programStop.get_token(), changes), stopSource.get_token());
+        return tally.progress();
+    }
+
+    ManualClock clock;
+    FakeFiles files;
+    FakeFileWalk walk{files};
+    FakeTrash trash{files};
+    std::vector<std::int64_t> seen;
+    std::stop_source stopSource;
+    std::stop_source programStop;
+    DiskChanges changes;
+    int told = 0;
+};
+
+TEST_F(CacheCleanupTest, OldFilesAreTakenInTheOrderOfTheWalk) {
+    const std::string b = add("b", 10);
+    add("young", 10, 30.0);
+    add("future", 10, -5.0);
+    add("empty", 0);
+    const std::string a = add("a", 20, 31.0);
+    files.add("/home/owner/Documents/old", 10, 0.0);
+    const DiskCleanupPlan made = plan();
+    EXPECT_THAT(eachOf(made.urls, &CleanupCandidate::path), ElementsAre(b, a));
+    EXPECT_EQ(made.urls[0].identity, files.find(b)->identity);
+    EXPECT_EQ(made.bytes, 30);
+    EXPECT_EQ(made.createdAt, clock.now());
+    EXPECT_THAT(walk.roots, ElementsAre("/home/owner/.cache"));
+    EXPECT_EQ(seen.front(), 1);
+}
+
+TEST_F(CacheCleanupTest, ALaterSmallerFileMayStillFit) {
+    const std::string first = add("first", 2 * gigabyte - 10);
+    add("too large", 11);
+    const std::string last = add("last", 10);
+    add("none left", 1);
+    EXPECT_THAT(planned(), ElementsAre(first, last));
+    files.all.clear();
+    EXPECT_THAT(planned(), IsEmpty());
+    const std::string whole = add("whole", 2 * gigabyte);
+    add("one byte", 1);
+    EXPECT_THAT(planned(), ElementsAre(whole));
+    files.all.clear();
+    add("larger than the cap", 2 * gigabyte + 1);
+    EXPECT_THAT(planned(), IsEmpty());
+}
+
+TEST_F(CacheCleanupTest, TheWalkEndsAtFiveHundredFiles) {
+    for (int i = 0; i < 510; ++i) {
+        add(fmt::format("{:03}", i), 1);
+    }
+    int visited = 0;
+    walk.visited = [&] { ++visited; };
+    const DiskCleanupPlan made = plan();
+    EXPECT_THAT(made.urls, SizeIs(500));
+    EXPECT_EQ(made.urls.back().path, inCaches("499"));
+    EXPECT_EQ(visited, 499);
+}
+
+TEST_F(CacheCleanupTest, AStopEndsTheWalk) {
+    add("a", 1);
+    add("b", 1);
+    walk.visited = [this] { stopSource.request_stop(); };
+    EXPECT_THAT(planned(), ElementsAre(inCaches("a")));
+}
+
+TEST_F(CacheCleanupTest, TheHomeDirectoryIsNeverWalkedAsTheCaches) {
+    files.add("/home/owner/Documents/old", 10, 0.0);
+    for (const char* caches :
+         {"/home/owner", "/home/owner/", "/home", "/", "", "/home/owner/x/.."}) {
+        EXPECT_THAT(plan(caches).urls, IsEmpty()) << caches;
+    }
+    EXPECT_THAT(walk.roots, IsEmpty());
+}
+
+TEST_F(CacheCleanupTest, AFileReachedThroughALinkThatLeavesTheFolderIsLeft) {
+    const TemporaryFolder folder;
+    const std::string root = std::filesystem::canonical(folder.path()).string();
+    std::filesystem::create_directories(root + "/cache/in");
+    std::filesystem::create_directories(root + "/outside");
+    std::filesystem::create_symlink("../outside", root + "/cache/out");
+    std::filesystem::create_symlink("cache", root + "/link");
+    const std::string inside = root + "/cache/in/a";
+    const std::string outside = root + "/cache/out/b";
+    files.add(inside, 1);
+    files.add(outside, 2);
+    // The caches themselves may be a link of the owner's.
+    const DiskCleanupPlan made = plan(root + "/link", root);
+    EXPECT_THAT(walk.roots, ElementsAre(root + "/cache"));
+    EXPECT_THAT(eachOf(made.urls, &CleanupCandidate::path), ElementsAre(inside));
+    const CleanupProgress moved =
+        move({{inside, files.find(inside)->identity}, {outside, files.find(outside)->identity}},
+             2.0, root + "/link");
+    EXPECT_THAT(trash.moved, ElementsAre(inside));
+    EXPECT_THAT(trash.requests, SizeIs(1));
+    EXPECT_EQ(moved, (CleanupProgress{2, 2, 1, 1}));
+}
+
+TEST_F(CacheCleanupTest, EachFileIsTestedAgainWhenItIsMoved) {
+    const DiskCleanupPlan made = [this] {
+        for (const char* name : {"a", "replaced", "gone", "emptied", "d"}) {
+            add(name, 10);
+        }
+        return plan();
+    }();
+    add("replaced", 10);
+    files.remove(inCaches("gone"));
+    files.find(inCaches("emptied"))->bytes = 0;
+    const CleanupProgress progress = move(made.urls);
+    EXPECT_THAT(trash.moved, ElementsAre(inCaches("a"), inCaches("d")));
+    EXPECT_EQ(progress, (CleanupProgress{5, 5, 2, 20}));
+    EXPECT_EQ(told, 5);
+    for (const TrashRequest& request : trash.requests) {
+        EXPECT_EQ(request.inside, "/home/owner/.cache");
+        EXPECT_TRUE(request.identity);
+    }
+}
+
+TEST_F(CacheCleanupTest, TheCapOfTheMomentHolds) {
+    const std::vector<CleanupCandidate> candidates = [this] {
+        add("a", gigabyte);
+        add("b", gigabyte);
+        return plan().urls;
+    }();
+    files.all[0].bytes = gigabyte / 2 + 1;  // has grown or shrunk since
+    files.all[1].bytes = gigabyte / 2;
+    EXPECT_EQ(move(candidates, 1.0), (CleanupProgress{2, 2, 1, gigabyte / 2 + 1}));
+    EXPECT_EQ(trash.requests[0].maximumBytes, gigabyte);
+    EXPECT_EQ(trash.requests[1].maximumBytes, gigabyte / 2 - 1);
+}
+
+TEST_F(CacheCleanupTest, AStopEndsTheRunAfterTheFileAtHand) {
+    add("a", 1);
+    add("b", 1);
+    const DiskCleanupPlan made = plan();
+    trash.moving = [this](const std::string&) { stopSource.request_stop(); };
+    EXPECT_EQ(move(made.urls), (CleanupProgress{1, 2, 1, 1}));
+    EXPECT_EQ(move(made.urls), (CleanupProgress{0, 2, 0, 0}));
+}
+
+TEST_F(CacheCleanupTest, TheEndOfTheProgramEndsTheRunAfterTheFileAtHand) {
+    add("a", 1);
+    add("b", 1);
+    const DiskCleanupPlan made = plan();
+    trash.moving = [this](const std::string&) { programStop.request_stop(); };
+    EXPECT_EQ(move(made.urls), (CleanupProgress{1, 2, 1, 1}));
+}
+
+TEST_F(CacheCleanupTest, NoFileIsMovedOnceTheProgramIsEnding) {
+    add("a", 1);
+    const DiskCleanupPlan made = plan();
+    changes.finish();
+    EXPECT_EQ(move(made.urls), (CleanupProgress{0, 1, 0, 0}));
+    EXPECT_THAT(trash.requests, IsEmpty());
+}
+
+}  // namespace
+}  // namespace tallowcrest

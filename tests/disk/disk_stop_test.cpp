@@ -1,0 +1,188 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/disk_machine.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+/// The ends of Disk Autopilot's work before its own end.
+class DiskStopTest : public ::testing::Test, protected DiskMachine {
+protected:
+    DiskAutopilot& autopilot() { return disk->autopilot; }
+
+    /// Three old files, and a question about them.
+    void reviewThree() {
+        for (const char* name : {"a", "b", "c"}) {
+            cacheFile(name, gigabyte / 4);
+        }
+        autopilot().reviewDiskCleanup();
+        finishWork();
+    }
+
+    /// Begins an automatic clean-up of three files, whose job waits.
+    void beginAutomatic() {
+        trustAutopilot();
+        for (const char* name : {"a", "b", "c"}) {
+            cacheFile(name, gigabyte / 4);
+        }
+        autopilot().checkDiskAutopilot(diskOf(5.0), true);
+        workQueue.run();
+        mainQueue.turn();
+        ASSERT_TRUE(autopilot().state().cleanup);
+    }
+
+    const std::string& lastDetail() const { return log.activityLog().front().detail; }
+};
+
+TEST_F(DiskStopTest, AStoppedReviewLeavesNoPlan) {
+    cacheFile("a", 1);
+    autopilot().reviewDiskCleanup();
+    EXPECT_EQ(autopilot().stop(), Outcome::asked());
+    EXPECT_TRUE(autopilot().state().isStopping);
+    EXPECT_EQ(autopilot().stop(), Outcome::ignored());
+    EXPECT_EQ(autopilot().reviewDiskCleanup(), Outcome::ignored());
+    finishWork();
+    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_FALSE(autopilot().state().scan);
+    EXPECT_FALSE(autopilot().state().diskCleanupPlan);
+    EXPECT_FALSE(confirmations.pendingConfirmation());
+    EXPECT_EQ(status(), "Review stopped. No files were changed.");
+    EXPECT_THAT(events(), ElementsAre("Action: Review stopped. No files were changed."));
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{0, 0, 0}));
+    EXPECT_EQ(autopilot().stop(), Outcome::ignored());
+}
+
+TEST_F(DiskStopTest, AStoppedCheckLeavesAReceipt) {
+    trustAutopilot();
+    cacheFile("a", 1);
+    autopilot().checkDiskAutopilot(diskOf(5.0), true);
+    autopilot().stop();
+    finishWork();
+    EXPECT_EQ(status(), "Low-space check stopped. No files were changed.");
+    EXPECT_THAT(lastDetail(), HasSubstr("Preview: stopped by the owner. Result: no changes."));
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+}
+
+TEST_F(DiskStopTest, AScanThatHangsIsForgotten) {
+    cacheFile("a", 1);
+    autopilot().reviewDiskCleanup();
+    autopilot().stop();
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_FALSE(autopilot().state().scan);
+    EXPECT_EQ(status(), "Review stopped. No files were changed.");
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    // The next one is not disturbed by what comes of the first.
+    EXPECT_EQ(autopilot().reviewDiskCleanup(), Outcome::asked());
+    finishWork();
+    EXPECT_TRUE(confirmations.pendingConfirmation());
+    EXPECT_THAT(events(), SizeIs(1));
+}
+
+TEST_F(DiskStopTest, AStoppedCleanUpEndsAfterTheFileAtHand) {
+    reviewThree();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this](const std::string&) { autopilot().stop(); };
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(1));
+    EXPECT_EQ(status(), "Last cleanup moved 1 files (0.25 GB) to Trash.");
+    EXPECT_THAT(lastDetail(), HasSubstr("Preview: 3 eligible files, capped at 2.0 GB. Result: "
+                                        "moved 1 old regular cache files (0.25 GB) to Trash. "
+                                        "Stopped: by the owner, before the last 2 files."));
+    EXPECT_EQ(log.lastAction(), "Stopped the disk cleanup. What it had moved is in Trash.");
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_FALSE(autopilot().state().cleanup);
+}
+
+TEST_F(DiskStopTest, ACleanUpStoppedBeforeItsFirstFileIsBlocked) {
+    reviewThree();
+    confirmations.confirmPending();
+    autopilot().stop();
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+    EXPECT_EQ(status(), "Cleanup stopped. No files were changed.");
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 0, 1}));
+}
+
+TEST_F(DiskStopTest, TheProgressOfACleanUpIsShown) {
+    reviewThree();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this, count = 0U](const std::string&) mutable {
+        mainQueue.turn();
+        EXPECT_EQ(autopilot().state().cleanup->done, count++);
+        EXPECT_EQ(autopilot().state().cleanup->all, 3U);
+    };
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
+}
+
+TEST_F(DiskStopTest, TheEmergencyStopEndsAnAutomaticCleanUp) {
+    beginAutomatic();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            actions.automation.engageEmergencyStop();
+            mainQueue.turn();
+        }
+    };
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(2));
+    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the emergency stop, before the last 1 "
+                                        "files."));
+    // To stop what has begun by itself is an objection.
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{2, 3, 1}));
+}
+
+TEST_F(DiskStopTest, TheEmergencyStopLeavesAConfirmedCleanUp) {
+    reviewThree();
+    confirmations.confirmPending();
+    actions.automation.engageEmergencyStop();
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
+}
+
+TEST_F(DiskStopTest, ACleanUpThatTheEndOfTheProgramCutsShortLeavesItsReceipt) {
+    reviewThree();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            autopilot().stop();
+        }
+    };
+    workQueue.run();
+    // The result is on its way to a main queue that will not turn any more.
+    log.clearActivityLog();
+    disk.reset();
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(lastDetail(), HasSubstr("Result: moved 2 old regular cache files (0.50 GB) to "
+                                        "Trash. Stopped: by the end of Tallowcrest, before the "
+                                        "last 1 files."));
+    EXPECT_EQ(refreshes, 0);
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
+}
+
+TEST_F(DiskStopTest, ACleanUpThatHasNotBegunEndsWithTheProgramInSilence) {
+    reviewThree();
+    confirmations.confirmPending();
+    log.clearActivityLog();
+    disk.reset();
+    finishWork();
+    EXPECT_THAT(log.activityLog(), IsEmpty());
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 0, 0}));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,230 @@
+#include "disk/storage_scan.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/activity_kinds.h"
+#include "tests/support/disk_machine.h"
+#include "tests/support/each_of.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr std::int64_t kilobytesPerGigabyte = 1048576;
+
+/// Areas that are real folders, measured by a tool that is not run.
+class StorageScanTest : public ::testing::Test, protected DiskMachine {
+protected:
+    StorageScanTest() {
+        for (const char* name : {"one", "two", "three", "four", "five"}) {
+            std::filesystem::create_directory(folder.path(name));
+            diskPorts.areas.push_back({name, folder.path(name)});
+        }
+        diskPorts.areas.push_back({"absent", folder.path("absent")});
+        remote.launcher.onLaunch = [this](const ToolRequest& request) {
+            const std::string name =
+                std::filesystem::path(request.arguments.back()).filename().string();
+            const auto found = outputs.find(name);
+            remote.launcher.willWrite(found != outputs.end()
+                                          ? found->second + '\t' + request.arguments.back() + '\n'
+                                          : "");
+        };
+        beginDisk();
+    }
+
+    StorageScan& storage() { return disk->storage; }
+    const StorageScanState& state() { return storage().state(); }
+
+    /// "name bytes" of each row.
+    std::vector<std::string> rows() {
+        return eachOf(state().diskStorageOffenders, [](const DiskStorageOffender& row) {
+            return row.name + ' ' + std::to_string(row.bytes);
+        });
+    }
+
+    void scan() {
+        storage().scanStorageAreas();
+        finishWork();
+    }
+
+    TemporaryFolder folder;
+    /// What the tool prints in front of the path, by the name of the folder.
+    std::map<std::string, std::string> outputs{
+        {"one", "10"}, {"two", "30"}, {"three", "20"}, {"four", "5"}};
+};
+
+TEST_F(StorageScanTest, TheAreasAreMeasuredAndRanked) {
+    EXPECT_EQ(storage().scanStorageAreas(), Outcome::asked());
+    EXPECT_TRUE(state().diskStorageScanInProgress);
+    EXPECT_EQ(state().progress, (StorageScanProgress{0, 6}));
+    EXPECT_EQ(status(), "Measuring storage areas; large folders can take up to a minute…");
+    finishWork();
+    EXPECT_THAT(rows(), ElementsAre("two 30720", "three 20480", "one 10240", "four 5120"));
+    EXPECT_FALSE(state().diskStorageScanInProgress);
+    EXPECT_EQ(status(), "Storage scan complete. Largest: two at 0.0 GB.");
+    EXPECT_THAT(events(),
+                ElementsAre("Disk Storage: Ranked 4 volume and user storage areas. Unreadable data "
+                            "is shown as a remainder; no files were changed."));
+    EXPECT_EQ(log.activityLog()[0].kind, ActivityKind::diskStorage);
+    EXPECT_EQ(log.lastAction(), "Monitoring started.");
+}
+
+TEST_F(StorageScanTest, EachAreaThatExistsIsMeasuredOnceAtMostThreeAtATime) {
+    storage().scanStorageAreas();
+    EXPECT_EQ(workQueue.pendingCount(), 3U);
+    EXPECT_EQ(workQueue.laneOf(0), Lane::storageScan);
+    finishWork();
+    ASSERT_THAT(remote.launcher.requests, SizeIs(5));
+    for (std::size_t i = 0; i < 5; ++i) {
+        const ToolRequest& request = remote.launcher.requests[i];
+        EXPECT_EQ(request.path, "/usr/bin/du");
+        EXPECT_THAT(request.arguments, ElementsAre("-sk", "-x", diskPorts.areas[i].folder));
+        EXPECT_EQ(request.timeout, std::chrono::milliseconds(60000));
+        EXPECT_FALSE(request.mergeStandardError);
+    }
+}
+
+TEST_F(StorageScanTest, ASecondStartDoesNothing) {
+    storage().scanStorageAreas();
+    EXPECT_EQ(storage().scanStorageAreas(), Outcome::ignored());
+    EXPECT_EQ(workQueue.pendingCount(), 3U);
+}
+
+TEST_F(StorageScanTest, TheRowsOfTheLastScanStayDuringTheNext) {
+    scan();
+    outputs = {{"five", "1"}};
+    storage().scanStorageAreas();
+    EXPECT_THAT(state().diskStorageOffenders, SizeIs(4));
+    finishWork();
+    EXPECT_THAT(rows(), ElementsAre("five 1024"));
+}
+
+TEST_F(StorageScanTest, TheRemainderNeedsASample) {
+    outputs = {{"one", std::to_string(3 * kilobytesPerGigabyte)}};
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("one 3221225472"));
+    sample.setSnapshot(diskOf(494.0));
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("Other / inaccessible data 3221225472", "one 3221225472"));
+    EXPECT_EQ(state().diskStorageOffenders[0].path, "/");
+    sample.setSnapshot(diskOf(600.0));
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("one 3221225472"));
+}
+
+TEST_F(StorageScanTest, AnAreaOnAnotherDeviceIsNotPartOfTheRemainder) {
+    outputs = {{"one", std::to_string(3 * kilobytesPerGigabyte)},
+               {"two", std::to_string(5 * kilobytesPerGigabyte)}};
+    diskPorts.deviceOf = [](const std::string& path) -> std::optional<std::uint64_t> {
+        return path.ends_with("/two") ? 2 : 1;
+    };
+    beginDisk();
+    sample.setSnapshot(diskOf(494.0));
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("two 5368709120", "Other / inaccessible data 3221225472",
+                                    "one 3221225472"));
+}
+
+TEST_F(StorageScanTest, AToolThatIsNotAllowedIsRefusedOncePerArea) {
+    ToolRunner refusing(CommandSafetyPolicy::AllowedExecutables{"/bin/true"}, remote.launcher, jobs,
+                        log);
+    disk.reset();
+    StorageScan other({services, sample, actions.automation, refusing, diskPorts.ports()});
+    other.scanStorageAreas();
+    finishWork();
+    EXPECT_THAT(remote.launcher.requests, IsEmpty());
+    EXPECT_EQ(status(), "Storage scan found no readable folders. Check Full Disk Access.");
+    std::vector<std::string> expected(
+        5, "Action: Blocked executable outside Tallowcrest's command allowlist.");
+    expected.emplace_back(
+        "Disk Storage: Ranked 0 volume and user storage areas. Unreadable data is shown as a "
+        "remainder; no files were changed.");
+    EXPECT_EQ(events(), expected);
+}
+
+TEST_F(StorageScanTest, WithoutAnyAreaTheAdviceIsGiven) {
+    std::filesystem::remove_all(folder.path());
+    scan();
+    EXPECT_THAT(remote.launcher.requests, IsEmpty());
+    EXPECT_EQ(status(), "Storage scan found no readable folders. Check Full Disk Access.");
+    EXPECT_THAT(events(), SizeIs(1));
+    EXPECT_THAT(rows(), IsEmpty());
+}
+
+TEST_F(StorageScanTest, TheProgressCountsTheAreas) {
+    std::vector<std::size_t> seen;
+    const Subscription subscription =
+        storage().observable().subscribe([&] { seen.push_back(state().progress.areasDone); });
+    const auto write = remote.launcher.onLaunch;
+    remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
+        write(request);
+        mainQueue.drain();
+    };
+    scan();
+    EXPECT_THAT(seen, ElementsAre(0, 1, 2, 3, 4, 6));
+}
+
+TEST_F(StorageScanTest, AStoppedScanShowsWhatItHasWithoutARemainder) {
+    sample.setSnapshot(diskOf(100.0));
+    const auto write = remote.launcher.onLaunch;
+    remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
+        write(request);
+        if (request.arguments.back().ends_with("/two")) {
+            EXPECT_EQ(storage().stop(), Outcome::asked());
+            EXPECT_TRUE(state().isStopping);
+            EXPECT_EQ(storage().stop(), Outcome::ignored());
+        }
+    };
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("two 30720", "one 10240"));
+    EXPECT_FALSE(state().diskStorageScanInProgress);
+    EXPECT_FALSE(state().isStopping);
+    EXPECT_EQ(status(), "Storage scan stopped after 2 of 6 areas.");
+    EXPECT_THAT(events(),
+                ElementsAre("Disk Storage: Ranked 2 storage areas. The scan was stopped after 2 of "
+                            "6 areas, so there is no remainder; no files were changed."));
+    EXPECT_EQ(storage().stop(), Outcome::ignored());
+}
+
+TEST_F(StorageScanTest, AScanThatHangsIsForgotten) {
+    scan();
+    storage().scanStorageAreas();
+    storage().stop();
+    mainQueue.fireTimers();
+    EXPECT_FALSE(state().diskStorageScanInProgress);
+    EXPECT_EQ(status(), "Storage scan stopped after 0 of 6 areas.");
+    // Those of the scan before.
+    EXPECT_THAT(rows(), SizeIs(4));
+    finishWork();
+    EXPECT_EQ(storage().scanStorageAreas(), Outcome::asked());
+}
+
+TEST_F(StorageScanTest, ARowIsShownInTheFileManager) {
+    EXPECT_EQ(storage().revealStorageOffender({"Music", "/home/owner/Music", 1}),
+              Outcome::done("Revealed Music in Finder."));
+    EXPECT_THAT(diskPorts.revealed, ElementsAre("/home/owner/Music"));
+    EXPECT_THAT(events(), ElementsAre("Action: Revealed Music in Finder."));
+}
+
+TEST_F(StorageScanTest, WithoutPortsNothingIsDone) {
+    beginDisk({});
+    EXPECT_EQ(storage().scanStorageAreas().kind, Outcome::Kind::refused);
+    EXPECT_EQ(storage().revealStorageOffender({"Music", "/m", 1}).kind, Outcome::Kind::refused);
+    EXPECT_EQ(workQueue.pendingCount(), 0U);
+}
+
+}  // namespace
+}  // namespace tallowcrest
