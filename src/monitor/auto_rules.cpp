@@ -12,6 +12,7 @@
 #include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk_autopilot.h"
 #include "integration/warning_notifications.h"
 #include "monitor/load_rules.h"
 #include "remote/remote_scan.h"
@@ -40,6 +41,9 @@ void AutoRules::runAutoRules(const SystemSnapshot& snapshot) {
     }
     if (mayRun()) {
         scanRemotes();
+    }
+    if (mayRun()) {
+        checkDisk(snapshot);
     }
 }
 
@@ -84,6 +88,15 @@ void AutoRules::scanRemotes() {
     }
     setDate(&AutomationDates::lastAutoRemoteScanDate, now);
     scan.scanRemoteMacs();
+}
+
+void AutoRules::checkDisk(const SystemSnapshot& snapshot) {
+    const Date now = dependencies_.services.clock.now();
+    const bool mayScan =
+        load_rules::mayAct(dates_.lastDiskAutopilotCheckDate, now, load_rules::diskCheckDistance);
+    if (dependencies_.diskAutopilot.checkDiskAutopilot(snapshot, mayScan)) {
+        setLastDiskAutopilotCheckDate(now);
+    }
 }
 
 void AutoRules::raiseLoadWarning(const SystemSnapshot& snapshot) {

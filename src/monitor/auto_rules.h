@@ -10,6 +10,7 @@
 
 namespace tallowcrest {
 
+class DiskAutopilot;
 class LatestSample;
 class LocalActions;
 class Observable;
@@ -31,6 +32,7 @@ public:
         WarningNotifications& notifications;
         ProtectionPolicy protection;
         RemoteScan& remoteScan;
+        DiskAutopilot& diskAutopilot;
     };
 
     explicit AutoRules(Dependencies dependencies);
@@ -58,6 +60,7 @@ private:
     void selectTopOffender(const SystemSnapshot& snapshot);
     void askForPurge();
     void scanRemotes();
+    void checkDisk(const SystemSnapshot& snapshot);
 
     void setDate(std::optional<Date> AutomationDates::*which, Date date);
 

@@ -8,6 +8,7 @@
 #include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/sample_cycle.h"
@@ -35,11 +36,14 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
           services_, actions_->pasteboard, [this] { return diagnosticsFacts(); }, ports.reports)),
       advisor_(std::make_unique<Advisor>(Advisor::Dependencies{
           services_, *sample_, *actions_, remote_->scan, *reports_, ports.advisor})),
+      disk_(
+          std::make_unique<Disk>(Disk::Dependencies{services_, *sample_, *actions_, remote_->tools,
+                                                    *advisor_, [this] { refresh(); }, ports.disk})),
       integration_(std::make_unique<Integration>(services_, remote_->scan, advisor_->provider,
                                                  ports.integration)),
-      autoRules_(std::make_unique<AutoRules>(
-          AutoRules::Dependencies{services_, *sample_, actions_->review, actions_->local,
-                                  integration_->warnings, host_.protection, remote_->scan})),
+      autoRules_(std::make_unique<AutoRules>(AutoRules::Dependencies{
+          services_, *sample_, actions_->review, actions_->local, integration_->warnings,
+          host_.protection, remote_->scan, disk_->autopilot})),
       cycle_(std::make_unique<SampleCycle>(
           SampleCycle::Dependencies{.services = services_,
                                     .sources = sources_,

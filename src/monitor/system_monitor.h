@@ -13,6 +13,7 @@
 #include "core/locale.h"
 #include "core/places.h"
 #include "core/services.h"
+#include "disk/disk_ports.h"
 #include "integration/integration_ports.h"
 #include "remote/remote_ports.h"
 #include "reports/report_ports.h"
@@ -34,6 +35,7 @@ class SystemMetricsReader;
 struct Actions;
 struct Advisor;
 struct DiagnosticsFacts;
+struct Disk;
 struct Integration;
 struct Remote;
 struct Settings;
@@ -53,6 +55,7 @@ struct MonitorPorts {
     RemotePorts remote;
     ReportPorts reports;
     AdvisorPorts advisor = {};
+    DiskPorts disk = {};
     IntegrationPorts integration = {};
     /// Called once per sample, after everything that follows from it; never absent.
     std::function<void()> sampleApplied = [] {};
@@ -110,6 +113,7 @@ public:
     Remote& remote() { return *remote_; }
     Reports& reports() { return *reports_; }
     Advisor& advisor() { return *advisor_; }
+    Disk& disk() { return *disk_; }
     AutoRules& autoRules() { return *autoRules_; }
 
 private:
@@ -130,6 +134,7 @@ private:
     std::unique_ptr<Remote> remote_;
     std::unique_ptr<Reports> reports_;
     std::unique_ptr<Advisor> advisor_;
+    std::unique_ptr<Disk> disk_;
     std::unique_ptr<Integration> integration_;
     std::unique_ptr<AutoRules> autoRules_;
     std::unique_ptr<SampleCycle> cycle_;

@@ -11,10 +11,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/automation.h"
+#include "advisor/trust.h"
+#include "disk/disk_autopilot.h"
 #include "integration/warning_notifications.h"
 #include "monitor/auto_rules.h"
 #include "tests/actions/local_actions_fixture.h"
 #include "tests/support/each_of.h"
+#include "tests/support/fake_disk_ports.h"
 #include "tests/support/fake_notification_center.h"
 #include "tests/support/remote_machines.h"
 
@@ -96,7 +100,11 @@ protected:
     RemoteMachines remote{services};
     FakeNotificationCenter center;
     WarningNotifications notifications{services, &center};
-    AutoRules rules{{services, sample, review, actions, notifications, policy, remote.scan}};
+    Automation automation{services};
+    Trust trust{services};
+    FakeDiskPorts diskPorts;
+    DiskAutopilot disk{{services, automation, trust, [] {}, diskPorts.ports()}};
+    AutoRules rules{{services, sample, review, actions, notifications, policy, remote.scan, disk}};
 };
 
 }  // namespace tallowcrest

@@ -238,7 +238,7 @@ TEST_F(AutoRulesTest, AStopEngagedDuringARulePreventsTheNext) {
     armAll();
     const StoppingClock stoppingClock(settings);
     AutoRules stopped({Services{log, settings, confirmations, jobs, stoppingClock, locale}, sample,
-                       review, actions, notifications, policy, remote.scan});
+                       review, actions, notifications, policy, remote.scan, disk});
     stopped.runAutoRules(snapshot(99.0));
     EXPECT_EQ(review.selectedPID(), 700);
     EXPECT_FALSE(confirmations.pendingConfirmation());
@@ -272,7 +272,7 @@ TEST_F(AutoRulesTest, WarnsAgainOfAHighLoadAfterThreeMinutes) {
 
 TEST_F(AutoRulesTest, WorksWithoutOtherMachinesAndNotifications) {
     WarningNotifications silent(services, nullptr);
-    AutoRules alone({services, sample, review, actions, silent, policy, remote.scan});
+    AutoRules alone({services, sample, review, actions, silent, policy, remote.scan, disk});
     set(&Settings::autoScanRemoteMacs, true);
     alone.runAutoRules(snapshot(99.0));
     alone.raiseLoadWarning(snapshot(99.0));

@@ -10,13 +10,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/automation.h"
 #include "actions/desktop_actions.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "actions/tool_runner.h"
+#include "advisor/trust.h"
 #include "core/activity_kinds.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
+#include "disk/disk_autopilot.h"
 #include "integration/warning_notifications.h"
 #include "monitor/auto_rules.h"
 #include "remote/tailnet.h"
@@ -42,7 +45,7 @@ class SampleCycleTest : public ::testing::Test, protected TestServices, protecte
 protected:
     void makeCycle(bool readOnly = false) {
         rules = std::make_unique<AutoRules>(AutoRules::Dependencies{
-            services, *sample, review, actions, notifications, {}, remote.scan});
+            services, *sample, review, actions, notifications, {}, remote.scan, disk});
         cycle = std::make_unique<SampleCycle>(
             SampleCycle::Dependencies{.services = services,
                                       .sources = sources,
@@ -100,6 +103,9 @@ protected:
     std::unique_ptr<LatestSample> sample = std::make_unique<LatestSample>(settings, mainQueue);
     ReviewTarget review{services, *sample, {}};
     LocalActions actions{{services, *sample, review, {}, [] {}, FakeLocalActions().ports()}};
+    Automation automation{services};
+    Trust trust{services};
+    DiskAutopilot disk{{services, automation, trust, [] {}, {}}};
     std::function<void()> applied = [] {};  ///< called after each sample
     std::unique_ptr<AutoRules> rules;
     std::unique_ptr<SampleCycle> cycle;

@@ -37,6 +37,7 @@ SystemMonitor& FakeMachine::monitor() {
                                     .actions = {.folder = reportFolder, .portTest = "nc -vz -w 5"}},
                          .reports = {reportFolder, atGreenwich},
                          .advisor = advisor,
+                         .disk = disk,
                          .integration = {&notifications, openRoute},
                          .sampleApplied = [this] { changeSample(); }},
             HostFacts{.cpuCount = 4,

@@ -13,6 +13,7 @@
 #include "core/remote_records.h"
 #include "core/routes.h"
 #include "core/settings/settings_store.h"
+#include "disk/disk_ports.h"
 #include "remote/tailnet_reading.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
@@ -80,6 +81,7 @@ public:
     std::function<bool()> openActivityMonitor;
     std::function<void(const std::string& text)> storeOnPasteboard;
     std::function<bool()> openTailscaleApp;
+    DiskPorts disk;  ///< null unless a test sets them: the disk is left alone
     AdvisorPorts advisor;             ///< null unless a test sets them: no key can be kept
     TailscaleDaemon tailscaleDaemon;  ///< when absent, the tailnet is not read
     std::function<void(AppRoute)> openRoute;
