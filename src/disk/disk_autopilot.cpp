@@ -1,6 +1,7 @@
 #include "disk/disk_autopilot.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "actions/automation.h"
@@ -10,6 +11,7 @@
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/confirmation_desk.h"
+#include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "disk/disk_autopilot_policy.h"
 #include "disk/storage_suggestions.h"
@@ -22,10 +24,10 @@ namespace receipts = disk_receipts;
 DiskAutopilot::DiskAutopilot(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
       caches_(shownPathInHome(dependencies_.ports.places.caches, dependencies_.ports.places.home)),
-      observable_(dependencies_.services.jobs.mainQueue()),
+      observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
       emergencyStops_(dependencies_.automation.emergencyStops()),
-      automationChanged_(
-          dependencies_.automation.observable().subscribe([this] { followEmergencyStop(); })),
+      automationChanged_(std::make_unique<Subscription>(
+          dependencies_.automation.observable().subscribe([this] { followEmergencyStop(); }))),
       scan_(dependencies_.services.jobs),
       move_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
@@ -96,7 +98,7 @@ void DiskAutopilot::beginScan(Purpose purpose) {
     scanRequest_ = {places.caches, places.home, policy::clampedAgeDays(settings.diskCleanupAgeDays),
                     policy::clampedMaxGB(settings.diskMaxCleanupGB)};
     state_.scan.emplace();
-    observable_.changed();
+    observable_->changed();
     scan_.begin().runWithProgress<SearchProgress>(
         Lane::diskCleanup,
         [walk = dependencies_.ports.walk, request = scanRequest_,
@@ -107,7 +109,7 @@ void DiskAutopilot::beginScan(Purpose purpose) {
         },
         [this](SearchProgress progress) {
             state_.scan = std::move(progress);
-            observable_.changed();
+            observable_->changed();
         },
         [this](DiskCleanupPlan plan) { finishScan(std::move(plan)); });
 }
@@ -122,7 +124,7 @@ void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
     state_.scan.reset();
     followEmergencyStop();
     state_.diskCleanupPlan = std::move(plan);
-    observable_.changed();
+    observable_->changed();
     if (purpose_ == Purpose::review) {
         finishReview();
     } else {
@@ -133,7 +135,7 @@ void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
 void DiskAutopilot::finishStoppedScan() {
     state_.scan.reset();
     state_.isStopping = move_.isStopping();
-    observable_.changed();
+    observable_->changed();
     if (purpose_ == Purpose::review) {
         setStatus(receipts::reviewStopped);
         dependencies_.services.log.recordMessage(std::string(receipts::reviewStopped));
@@ -204,7 +206,7 @@ Outcome DiskAutopilot::confirmCleanup() {
 void DiskAutopilot::cancelCleanup() {
     countTrust(false);
     state_.diskCleanupPlan.reset();
-    observable_.changed();
+    observable_->changed();
     setStatus(receipts::canceled);
 }
 
@@ -236,7 +238,7 @@ Outcome DiskAutopilot::refuseExpired() {
 
 Outcome DiskAutopilot::refuseAutomatic() {
     state_.diskCleanupPlan.reset();
-    observable_.changed();
+    observable_->changed();
     setStatus(receipts::blocked);
     countTrust(false);
     dependencies_.services.log.recordEvent(ActivityKind::diskAutopilotReceipt,
@@ -258,7 +260,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
                std::make_shared<CleanupTally>(all)};
     stoppedBy_ = receipts::StoppedBy::owner;
     state_.cleanup = run_->tally->progress();
-    observable_.changed();
+    observable_->changed();
     move_.begin().runWithProgress<CleanupProgress>(
         Lane::diskCleanup,
         [trash = dependencies_.ports.trash,
@@ -270,7 +272,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
         },
         [this](CleanupProgress progress) {
             state_.cleanup = progress;
-            observable_.changed();
+            observable_->changed();
         },
         [this] { finishCleanup(); });
 }
@@ -299,7 +301,7 @@ void DiskAutopilot::finishCleanup() {
     move_.end();
     state_.cleanup.reset();
     state_.isStopping = scan_.isStopping();
-    observable_.changed();
+    observable_->changed();
     if (cleanup.progress.moved == 0) {
         dependencies_.services.log.recordMessage(receipts::finalLine(cleanup));
         return;
@@ -315,7 +317,7 @@ Outcome DiskAutopilot::stop() {
         return Outcome::ignored();
     }
     state_.isStopping = true;
-    observable_.changed();
+    observable_->changed();
     return Outcome::asked();
 }
 
@@ -329,7 +331,7 @@ void DiskAutopilot::followEmergencyStop() {
         stoppedBy_ = receipts::StoppedBy::emergencyStop;
         state_.isStopping = true;
     }
-    observable_.changed();
+    observable_->changed();
 }
 
 }  // namespace tallowcrest

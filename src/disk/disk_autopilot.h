@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/observable.h"
 #include "core/outcome.h"
 #include "core/services.h"
 #include "disk/cache_cleanup.h"
@@ -19,6 +18,8 @@
 namespace tallowcrest {
 
 class Automation;
+class Observable;
+class Subscription;
 class Trust;
 struct SystemSnapshot;
 
@@ -74,7 +75,7 @@ public:
     Outcome stop();
 
     /// Notifies of a changed state.
-    Observable& observable() { return observable_; }
+    Observable& observable() { return *observable_; }
 
 private:
     enum class Purpose { review, lowSpace };
@@ -107,7 +108,7 @@ private:
 
     Dependencies dependencies_;
     std::string caches_;  ///< as texts show it
-    Observable observable_;
+    std::unique_ptr<Observable> observable_;
     DiskAutopilotState state_;
     Purpose purpose_ = Purpose::review;
     /// Those of the scan under way, as the owner had set them when it began.
@@ -115,7 +116,7 @@ private:
     std::optional<Run> run_;
     disk_receipts::StoppedBy stoppedBy_ = disk_receipts::StoppedBy::owner;
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed
-    Subscription automationChanged_;
+    std::unique_ptr<Subscription> automationChanged_;
     StoppableRun scan_;
     StoppableRun move_;
 };

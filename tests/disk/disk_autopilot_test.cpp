@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/observable.h"
 #include "tests/support/disk_machine.h"
 
 namespace tallowcrest {

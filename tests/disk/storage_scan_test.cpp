@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "core/activity_kinds.h"
+#include "core/observable.h"
 #include "tests/support/disk_machine.h"
 #include "tests/support/each_of.h"
 #include "tests/support/temporary_folder.h"
