@@ -18,8 +18,9 @@ class FileWalk;
 class LargestFilesSearch;
 class Trash;
 
-/// A question for a folder that is open. Destroying it closes the question without an answer, also
-/// during the answer. Main thread.
+/// A question for a folder that is open. Destroying it closes the question without an answer. It
+/// may also be destroyed by the function that gets the answer, which lives on until it returns.
+/// Main thread.
 class FolderQuestion {
 public:
     virtual ~FolderQuestion() = default;

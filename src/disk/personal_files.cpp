@@ -84,7 +84,7 @@ Outcome PersonalFiles::analyzePersonalFiles() {
             state_.progress = std::move(progress);
             observable_->changed();
         },
-        [this](std::vector<FoundFile> files) { finishAnalysis(std::move(files)); });
+        [this](const std::vector<FoundFile>& files) { finishAnalysis(files); });
     const ProviderState& provider = dependencies_.provider.state();
     if (provider.openAIKeySaved && !provider.aiBusy) {
         dependencies_.provider.requestAIAnalysis();
@@ -92,7 +92,7 @@ Outcome PersonalFiles::analyzePersonalFiles() {
     return Outcome::asked();
 }
 
-void PersonalFiles::finishAnalysis(std::vector<FoundFile> files) {
+void PersonalFiles::finishAnalysis(const std::vector<FoundFile>& files) {
     const bool wasStopped = analysis_.isStopping();
     analysis_.end();
     // What an earlier analysis found is better than nothing.
@@ -152,12 +152,9 @@ Outcome PersonalFiles::backUpSuggestion(const StorageOptimizationSuggestion& sug
     folderQuestion_ = dependencies_.ports.desktop.chooseFolder(
         "Choose a Backup Folder", "Back Up Here",
         [this, suggestion](std::optional<std::string> folder) {
-            // Ends this function's own life when the port does not keep it for the call.
-            const StorageOptimizationSuggestion chosen = suggestion;
-            PersonalFiles& self = *this;
-            self.folderQuestion_.reset();
+            folderQuestion_.reset();
             if (folder && !folder->empty()) {
-                self.beginBackup(chosen, *std::move(folder));
+                beginBackup(suggestion, *std::move(folder));
             }
         });
     return Outcome::asked();

@@ -99,7 +99,7 @@ private:
         std::optional<std::string> error;
     };
 
-    void finishAnalysis(std::vector<FoundFile> files);
+    void finishAnalysis(const std::vector<FoundFile>& files);
     void showFound(const std::vector<FoundFile>& files);
     void endAnalysis(std::string status, std::string_view event);
     void beginBackup(const StorageOptimizationSuggestion& suggestion, std::string folder);
