@@ -57,6 +57,14 @@ __attribute__((objc_root_class))
 @end
 
 @interface NSError : NSObject
+@property(readonly) NSString* localizedDescription;
+@end
+
+@interface NSFileManager : NSObject
+@property(class, readonly) NSFileManager* defaultManager;
+- (BOOL)trashItemAtURL:(NSURL*)url
+      resultingItemURL:(NSURL* __autoreleasing*)resultingURL
+                 error:(NSError* __autoreleasing*)error;
 @end
 
 @interface DispatchQueue : NSObject

@@ -1,0 +1,79 @@
+#include "platform/trash/file_status.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <utility>
+
+namespace tallowcrest {
+namespace {
+
+std::optional<FileStatus> read(int folder, const char* name, int flags) {
+    struct statx found {};
+    constexpr unsigned wanted =
+        STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE | STATX_MNT_ID;
+    if (::statx(folder, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &found) != 0) {
+        return std::nullopt;
+    }
+    FileStatus status;
+    status.identity = {::makedev(found.stx_dev_major, found.stx_dev_minor), found.stx_ino};
+    status.mount = (found.stx_mask & STATX_MNT_ID) != 0 ? found.stx_mnt_id : 0;
+    status.mode = found.stx_mode;
+    status.owner = found.stx_uid;
+    status.bytes = static_cast<std::int64_t>(found.stx_size);
+    return status;
+}
+
+}  // namespace
+
+std::optional<FileStatus> statusOf(int file) {
+    return read(file, "", AT_EMPTY_PATH);
+}
+
+std::optional<FileStatus> statusAt(int folder, const std::string& name) {
+    return read(folder, name.c_str(), 0);
+}
+
+bool areOnOneVolume(const FileStatus& folder, const FileStatus& other) {
+    return folder.identity.device == other.identity.device && folder.mount == other.mount;
+}
+
+UniqueFD openFolder(const std::string& path) {
+    return UniqueFD(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+UniqueFD openFolderAt(int folder, const std::string& name) {
+    return UniqueFD(
+        ::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+UniqueFD openFolderBelow(int root, std::string_view relativePath) {
+    const auto rootStatus = statusOf(root);
+    UniqueFD folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    while (rootStatus && folder.valid() && !relativePath.empty()) {
+        const std::size_t end = std::min(relativePath.find('/'), relativePath.size());
+        const std::string name(relativePath.substr(0, end));
+        const bool endsInSlash = end + 1 == relativePath.size();
+        relativePath.remove_prefix(std::min(end + 1, relativePath.size()));
+        if (name.empty() || name == "." || name == ".." || endsInSlash) {
+            errno = EINVAL;
+            return {};
+        }
+        folder = openFolderAt(folder.get(), name);
+        const auto status = folder.valid() ? statusOf(folder.get()) : std::nullopt;
+        if (!status) {
+            return {};
+        }
+        if (!areOnOneVolume(*status, *rootStatus)) {
+            errno = EXDEV;
+            return {};
+        }
+    }
+    return rootStatus ? std::move(folder) : UniqueFD();
+}
+
+}  // namespace tallowcrest

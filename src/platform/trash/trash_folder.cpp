@@ -1,0 +1,167 @@
+#include "platform/trash/trash_folder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <utility>
+
+#include "platform/base/make_directories.h"
+#include "platform/trash/file_status.h"
+
+namespace tallowcrest {
+namespace {
+
+enum class Links { followed, refused };
+
+UniqueFD openAt(int folder, const std::string& name, Links links) {
+    const int noLinks = links == Links::refused ? O_NOFOLLOW : 0;
+    return UniqueFD(::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | noLinks));
+}
+
+/// Opens a folder, which must belong to this user, or creates it.
+UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
+    UniqueFD opened = openAt(folder, name, links);
+    if (!opened.valid() && errno == ENOENT && ::mkdirat(folder, name.c_str(), S_IRWXU) == 0) {
+        opened = openAt(folder, name, links);
+    }
+    const auto status = opened.valid() ? statusOf(opened.get()) : std::nullopt;
+    if (status && status->owner != ::geteuid()) {
+        errno = EPERM;
+        return {};
+    }
+    return status ? std::move(opened) : UniqueFD();
+}
+
+/// The folders in a trash folder that is open. Absent when the files would be on another volume than
+/// `folder`.
+std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links links) {
+    if (!trash.valid()) {
+        return std::nullopt;
+    }
+    TrashFolder result{openOwnFolder(trash.get(), "files", links),
+                       openOwnFolder(trash.get(), "info", links),
+                       {}};
+    if (!result.files.valid() || !result.info.valid()) {
+        return std::nullopt;
+    }
+    const auto source = statusOf(folder);
+    const auto target = statusOf(result.files.get());
+    if (source && target && !areOnOneVolume(*source, *target)) {
+        errno = EXDEV;
+        return std::nullopt;
+    }
+    return source && target ? std::optional(std::move(result)) : std::nullopt;
+}
+
+/// The owner of the home folder may have put the trash elsewhere by a link.
+std::optional<TrashFolder> openHomeTrash(const std::string& homeTrash, int folder) {
+    if (!openFolder(homeTrash).valid() && errno == ENOENT) {
+        makeDirectories(homeTrash);
+    }
+    return openContents(openOwnFolder(AT_FDCWD, homeTrash, Links::followed), folder,
+                        Links::followed);
+}
+
+/// The root of the volume of a folder, and the path from there to the folder.
+struct VolumeRoot {
+    UniqueFD folder;
+    std::string pathBelow;  ///< empty for the root itself
+};
+
+/// The last `count` components of a path. Absent when it has fewer.
+std::optional<std::string> lastComponents(const std::string& path, std::size_t count) {
+    std::size_t begin = path.size();
+    for (; count > 0; --count) {
+        if (begin == 0 || begin == std::string::npos) {
+            return std::nullopt;
+        }
+        begin = path.rfind('/', begin - 1);
+    }
+    return begin == std::string::npos || begin == path.size() ? std::string()
+                                                              : path.substr(begin + 1);
+}
+
+std::optional<VolumeRoot> findVolumeRoot(int folder) {
+    std::array<char, PATH_MAX> path;
+    const std::string link = "/proc/self/fd/" + std::to_string(folder);
+    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    const auto status = statusOf(folder);
+    UniqueFD root(::openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (length < 0 || !status || !root.valid()) {
+        return std::nullopt;
+    }
+    std::size_t depth = 0;
+    for (auto here = status;; ++depth) {
+        UniqueFD parent(::openat(root.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        const auto above = parent.valid() ? statusOf(parent.get()) : std::nullopt;
+        if (!above) {
+            return std::nullopt;
+        }
+        if (!areOnOneVolume(*above, *here) || above->identity == here->identity) {
+            break;
+        }
+        root = std::move(parent);
+        here = above;
+    }
+    // A folder that is moved meanwhile would be restored to another place.
+    const auto below =
+        lastComponents(std::string(path.data(), static_cast<std::size_t>(length)), depth);
+    const UniqueFD again = below ? openFolderBelow(root.get(), *below) : UniqueFD();
+    const auto found = again.valid() ? statusOf(again.get()) : std::nullopt;
+    if (!found || found->identity != status->identity) {
+        errno = ESTALE;
+        return std::nullopt;
+    }
+    return VolumeRoot{std::move(root), *below};
+}
+
+/// `.Trash` is the administrator's and for all users: it must be a real folder with the sticky bit,
+/// so that nobody can replace the folder of another user.
+std::optional<TrashFolder> openSharedTrash(int root, const std::string& user, int folder) {
+    const UniqueFD shared = openFolderAt(root, ".Trash");
+    const auto status = shared.valid() ? statusOf(shared.get()) : std::nullopt;
+    if (!status || (status->mode & S_ISVTX) == 0) {
+        return std::nullopt;
+    }
+    return openContents(openOwnFolder(shared.get(), user, Links::refused), folder, Links::refused);
+}
+
+std::optional<TrashFolder> openVolumeTrash(int folder) {
+    const auto root = findVolumeRoot(folder);
+    if (!root) {
+        return std::nullopt;
+    }
+    const std::string user = std::to_string(::geteuid());
+    auto trash = openSharedTrash(root->folder.get(), user, folder);
+    if (!trash) {
+        trash = openContents(openOwnFolder(root->folder.get(), ".Trash-" + user, Links::refused),
+                             folder, Links::refused);
+    }
+    if (trash) {
+        trash->restorePath = root->pathBelow.empty() ? "" : root->pathBelow + '/';
+    }
+    return trash;
+}
+
+}  // namespace
+
+std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
+                                           const std::string& path, const std::string& homeTrash) {
+    auto trash = homeTrash.empty() ? std::nullopt : openHomeTrash(homeTrash, folder);
+    if (trash) {
+        trash->restorePath = path;
+        return trash;
+    }
+    trash = openVolumeTrash(folder);
+    if (trash) {
+        trash->restorePath += name;
+    }
+    return trash;
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/base/unique_fd.h"
+
+namespace tallowcrest {
+
+/// An open trash folder that can take a certain file by a rename.
+struct TrashFolder {
+    UniqueFD files;
+    UniqueFD info;
+    std::string restorePath;  ///< the path that the `.trashinfo` of the file must bear
+};
+
+/// The trash folder for the file `name` in the open `folder`; `path` is the whole path. On the
+/// volume of `homeTrash` (an absolute path, empty when there is none) it is that one, else one at the
+/// root of the file's volume. Creates it when it is missing. Absent with `errno` when there is none
+/// that is safe to use. Any thread.
+std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
+                                           const std::string& path, const std::string& homeTrash);
+
+}  // namespace tallowcrest

@@ -1,0 +1,102 @@
+#include "tests/platform/trash/own_mounts.h"
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include <gtest/gtest.h>
+
+namespace tallowcrest {
+namespace {
+
+constexpr int cannotBeTried = 77;
+
+/// The exit status of a process that did the work.
+int statusOfChild(const std::function<int()>& work) {
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        int status = 1;
+        try {
+            status = work();
+        } catch (const std::exception& problem) {
+            std::fprintf(stderr, "%s\n", problem.what());
+        }
+        std::fflush(nullptr);
+        ::_exit(status);
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void require(int result, const std::string& what) {
+    if (result != 0) {
+        throw std::system_error(errno, std::generic_category(), what);
+    }
+}
+
+}  // namespace
+
+bool enterOwnMounts() {
+    const std::string user = std::to_string(::getuid());
+    const std::string group = std::to_string(::getgid());
+    if (::unshare(CLONE_NEWNS) != 0) {
+        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
+            return false;
+        }
+        std::ofstream("/proc/self/setgroups") << "deny";
+        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
+    }
+    return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+void inOwnProcess(const std::function<void()>& work) {
+    EXPECT_EQ(statusOfChild([&] {
+                  work();
+                  return ::testing::Test::HasFailure() ? 1 : 0;
+              }),
+              0);
+}
+
+void inOwnMounts(const std::function<void()>& work) {
+    const int status = statusOfChild([&] {
+        if (!enterOwnMounts()) {
+            return cannotBeTried;
+        }
+        work();
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    if (status == cannotBeTried) {
+        GTEST_SKIP() << "this account may not have mounts of its own";
+    }
+    EXPECT_EQ(status, 0);
+}
+
+void mountMemory(const std::string& folder, const std::string& options) {
+    std::filesystem::create_directories(folder);
+    require(::mount("none", folder.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()),
+            "a file system in memory at " + folder);
+}
+
+void mountBind(const std::string& source, const std::string& folder) {
+    std::filesystem::create_directories(folder);
+    require(::mount(source.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr),
+            source + " at " + folder);
+}
+
+void makeReadOnly(const std::string& folder) {
+    require(::mount("none", folder.c_str(), nullptr,
+                    MS_BIND | MS_REMOUNT | MS_RDONLY | MS_NOSUID | MS_NODEV, nullptr),
+            folder + " read-only");
+}
+
+}  // namespace tallowcrest

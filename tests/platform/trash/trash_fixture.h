@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/trash/xdg_trash.h"
+#include "tests/platform/trash/trash_contents.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tallowcrest {
+
+/// The identity of a file; all zero when there is none.
+inline FileIdentity identityOf(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 ? FileIdentity{status.st_dev, status.st_ino}
+                                               : FileIdentity{};
+}
+
+/// A home with a cache folder and a Trash.
+class TrashFixture : public ::testing::Test {
+protected:
+    TrashFixture() { std::filesystem::create_directories(home / ".cache"); }
+
+    std::string inCache(const std::string& name) const { return home / ".cache" / name; }
+
+    std::string write(const std::string& path, const std::string& content) const {
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+
+    /// A clean-up's request for a file as it is now.
+    TrashRequest reviewed(const std::string& path) const {
+        return {.path = path, .inside = home / ".cache", .identity = identityOf(path)};
+    }
+
+    std::vector<TrashedFile> contents() const { return trashContents(homeTrash); }
+
+    TemporaryFolder folder;
+    std::filesystem::path home = folder.path() / "home";
+    std::filesystem::path homeTrash = home / ".local/share/Trash";
+    ManualClock clock;
+    XdgTrash trash{homeTrash.string(), clock, atGreenwich};
+};
+
+/// Expects that a request leaves everything as it is, for a reason that contains `why`.
+#define EXPECT_LEFT(outcome, why)                                  \
+    do {                                                           \
+        const TrashOutcome result = (outcome);                     \
+        EXPECT_EQ(result.movedBytes, std::nullopt);                \
+        EXPECT_THAT(result.error, ::testing::HasSubstr(why));      \
+        EXPECT_THAT(contents(), ::testing::IsEmpty());             \
+    } while (false)
+
+}  // namespace tallowcrest
