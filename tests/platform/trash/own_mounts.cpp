@@ -43,6 +43,21 @@ void require(int result, const std::string& what) {
     }
 }
 
+int runTest(const std::function<void()>& work) {
+    work();
+    if (::testing::Test::HasFailure()) {
+        return 1;
+    }
+    return ::testing::Test::IsSkipped() ? cannotBeTried : 0;
+}
+
+void expectGood(int status) {
+    if (status == cannotBeTried) {
+        GTEST_SKIP() << "this account may not do what the test needs";
+    }
+    EXPECT_EQ(status, 0);
+}
+
 }  // namespace
 
 bool enterOwnMounts() {
@@ -60,25 +75,11 @@ bool enterOwnMounts() {
 }
 
 void inOwnProcess(const std::function<void()>& work) {
-    EXPECT_EQ(statusOfChild([&] {
-                  work();
-                  return ::testing::Test::HasFailure() ? 1 : 0;
-              }),
-              0);
+    expectGood(statusOfChild([&] { return runTest(work); }));
 }
 
 void inOwnMounts(const std::function<void()>& work) {
-    const int status = statusOfChild([&] {
-        if (!enterOwnMounts()) {
-            return cannotBeTried;
-        }
-        work();
-        return ::testing::Test::HasFailure() ? 1 : 0;
-    });
-    if (status == cannotBeTried) {
-        GTEST_SKIP() << "this account may not have mounts of its own";
-    }
-    EXPECT_EQ(status, 0);
+    expectGood(statusOfChild([&] { return enterOwnMounts() ? runTest(work) : cannotBeTried; }));
 }
 
 void mountMemory(const std::string& folder, const std::string& options) {
@@ -87,10 +88,12 @@ void mountMemory(const std::string& folder, const std::string& options) {
             "a file system in memory at " + folder);
 }
 
-void mountBind(const std::string& source, const std::string& folder) {
-    std::filesystem::create_directories(folder);
-    require(::mount(source.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr),
-            source + " at " + folder);
+void mountBind(const std::string& source, const std::string& place) {
+    if (!std::filesystem::exists(place)) {
+        std::filesystem::create_directories(place);
+    }
+    require(::mount(source.c_str(), place.c_str(), nullptr, MS_BIND, nullptr),
+            source + " at " + place);
 }
 
 void makeReadOnly(const std::string& folder) {

@@ -10,15 +10,16 @@ namespace tallowcrest {
 /// last.
 void inOwnMounts(const std::function<void()>& work);
 
-/// Runs the work of a test in a process of its own, which it may restrict for good.
+/// Runs the work of a test in a process of its own, which it may restrict for good. Call it last,
+/// because a skip in it skips the test.
 void inOwnProcess(const std::function<void()>& work);
 
 /// For use inside `inOwnMounts`: a file system in memory at `folder`, which is created. `options`
 /// are those of the mount, for example "size=1m". Throws where it fails, as below.
 void mountMemory(const std::string& folder, const std::string& options = "size=16m");
 
-/// Lets `folder`, which is created, show what is in `source`.
-void mountBind(const std::string& source, const std::string& folder);
+/// Lets `place` show `source`, a folder or a file. A folder is created.
+void mountBind(const std::string& source, const std::string& place);
 
 /// From now on nothing below the mount `folder` can be changed.
 void makeReadOnly(const std::string& folder);

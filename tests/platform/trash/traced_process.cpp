@@ -1,0 +1,41 @@
+#include "tests/platform/trash/traced_process.h"
+
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+
+namespace tallowcrest {
+
+TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn) {
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
+            ::_exit(1);
+        }
+        ::raise(SIGSTOP);
+        ::_exit(work());
+    }
+    TracedRun run;
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (!WIFSTOPPED(status)) {
+        return run;
+    }
+    run.isPossible = true;
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL | PTRACE_O_TRACESYSGOOD);
+    constexpr int systemCall = SIGTRAP | 0x80;
+    while (::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 &&
+           ::waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
+        if (WSTOPSIG(status) == systemCall && !goesOn(run.stops++)) {
+            ::kill(child, SIGKILL);
+        }
+    }
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+}  // namespace tallowcrest

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <functional>
+
+namespace tallowcrest {
+
+struct TracedRun {
+    bool isPossible = false;  ///< false where this account may not trace
+    int stops = 0;            ///< how often the process was stopped
+    int status = -1;          ///< exit status; -1 when it was killed
+};
+
+/// Runs `work`, whose result is the exit status, in a process that is stopped before and after each
+/// of its system calls. At each stop `goesOn` is asked with its number, from 0; when it answers false
+/// the process is killed there.
+TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn);
+
+}  // namespace tallowcrest
