@@ -26,7 +26,11 @@ UniqueFD openAt(int folder, const std::string& name, Links links) {
 /// Opens a folder, which must belong to this user, or creates it.
 UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
     UniqueFD opened = openAt(folder, name, links);
-    if (!opened.valid() && errno == ENOENT && ::mkdirat(folder, name.c_str(), S_IRWXU) == 0) {
+    if (!opened.valid() && errno == ENOENT) {
+        // Another thread may create it at the same time.
+        if (::mkdirat(folder, name.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+            return {};
+        }
         opened = openAt(folder, name, links);
     }
     const auto status = opened.valid() ? statusOf(opened.get()) : std::nullopt;

@@ -113,30 +113,33 @@ protected:
 };
 
 TEST_F(InterruptedMoveTest, AKillAtAnySystemCallLeavesTheFileInItsPlaceOrRestorable) {
-    int inPlace = 0;
-    int restorable = 0;
-    bool isKilled = true;
-    for (int killedAt = 0; isKilled; ++killedAt) {
-        setUpWorld();
-        const TrashRequest request = reviewed(path);
-        const TracedRun run = runTraced([&] { return move(request); },
-                                        [&](int stop) { return stop != killedAt; });
-        if (!run.isPossible) {
-            GTEST_SKIP() << "this account may not trace its own processes";
-        }
-        isKilled = run.status == -1;
-        SCOPED_TRACE("killed at stop " + std::to_string(killedAt));
-        expectNothingLost();
-        (fs::exists(path) ? inPlace : restorable) += 1;
-        // What a kill leaves does not hinder the next attempt.
-        if (fs::exists(path)) {
-            EXPECT_EQ(move(request), moved);
+    inOwnMounts([&] {
+        mountMemory(home);
+        int inPlace = 0;
+        int restorable = 0;
+        bool isKilled = true;
+        for (int killedAt = 0; isKilled; ++killedAt) {
+            setUpWorld();
+            const TrashRequest request = reviewed(path);
+            const TracedRun run = runTraced([&] { return move(request); },
+                                            [&](int stop) { return stop != killedAt; });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            isKilled = run.status == -1;
+            SCOPED_TRACE("killed at stop " + std::to_string(killedAt));
             expectNothingLost();
+            (fs::exists(path) ? inPlace : restorable) += 1;
+            // What a kill leaves does not hinder the next attempt.
+            if (fs::exists(path)) {
+                EXPECT_EQ(move(request), moved);
+                expectNothingLost();
+            }
+            ASSERT_FALSE(HasFailure());
         }
-        ASSERT_FALSE(HasFailure());
-    }
-    EXPECT_GT(inPlace, 30);
-    EXPECT_GT(restorable, 5);
+        EXPECT_GT(inPlace, 30);
+        EXPECT_GT(restorable, 5);
+    });
 }
 
 /// What another process does at one moment.
@@ -232,7 +235,7 @@ TEST_F(InterruptedMoveTest, WhatCannotBePutBackIsRestorable) {
         int stops = 1;
         int inTrash = 0;
         for (int at = 0; at < stops; ++at) {
-            for (int later = at + 1; later <= at + 12; ++later) {
+            for (int later = at + 1; later <= at + 12; later += 3) {
                 setUpWorld();
                 const TrashRequest request = reviewed(path);
                 bool isTaken = false;
@@ -264,30 +267,33 @@ TEST_F(InterruptedMoveTest, WhatCannotBePutBackIsRestorable) {
 }
 
 TEST_F(InterruptedMoveTest, AFileThatOutgrowsItsLimitMeanwhileIsPutBack) {
-    std::map<int, int> results;
-    int stops = 1;
-    for (int at = 0; at < stops; ++at) {
-        setUpWorld();
-        TrashRequest request = reviewed(path);
-        request.maximumBytes = 8;
-        const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-        const TracedRun run = runTraced([&] { return move(request); },
-                                        [&](int stop) {
-                                            return stop != at || ::write(file, "!", 1) == 1;
-                                        });
-        ::close(file);
-        if (!run.isPossible) {
-            GTEST_SKIP() << "this account may not trace its own processes";
+    inOwnMounts([&] {
+        mountMemory(home);
+        std::map<int, int> results;
+        int stops = 1;
+        for (int at = 0; at < stops; ++at) {
+            setUpWorld();
+            TrashRequest request = reviewed(path);
+            request.maximumBytes = 8;
+            const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+            const TracedRun run = runTraced([&] { return move(request); },
+                                            [&](int stop) {
+                                                return stop != at || ::write(file, "!", 1) == 1;
+                                            });
+            ::close(file);
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            ++results[run.status];
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            expectNothingLost();
+            EXPECT_EQ(isInTrash("reviewed!"), run.status == moved);
+            ASSERT_FALSE(HasFailure());
         }
-        stops = run.stops;
-        ++results[run.status];
-        SCOPED_TRACE("at stop " + std::to_string(at));
-        expectNothingLost();
-        EXPECT_EQ(isInTrash("reviewed!"), run.status == moved);
-        ASSERT_FALSE(HasFailure());
-    }
-    EXPECT_GT(results[moved], 0);
-    EXPECT_GT(results[left], 0);
+        EXPECT_GT(results[moved], 0);
+        EXPECT_GT(results[left], 0);
+    });
 }
 
 }  // namespace

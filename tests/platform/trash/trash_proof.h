@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tallowcrest {
+
+/// What came of clean-ups during which a hostile thread changed what they worked on.
+struct ProofReport {
+    std::int64_t moved = 0;     ///< files of the caches that were moved to the Trash
+    std::int64_t left = 0;      ///< and that were left
+    std::int64_t stranded = 0;  ///< other files of the caches that could not be put back
+    std::int64_t attacks = 0;
+    std::vector<std::string> faults;  ///< the first ones, in words; empty when all was well
+};
+
+/// Makes clean-ups of 100 files each in a home of its own in `folder`, `rounds` files in all, and
+/// looks after each of them where every file is. Ends at the first clean-up with a fault.
+///
+/// The hostile thread swaps folders and files of the caches, and the cache folder itself, with links
+/// to files outside, with other folders and other files. It mounts folders of outside over them
+/// where the system lets it, renames them, takes them out of the caches, and takes names that have
+/// become free.
+ProofReport proveTrash(const std::filesystem::path& folder, std::int64_t rounds);
+
+}  // namespace tallowcrest
