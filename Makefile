@@ -2,11 +2,13 @@
 # the steps in order.
 
 .DEFAULT_GOAL := help
-.PHONY: help build run test check bench screenshots fuzz asan tsan fleet-check format format-check tidy clean
+.PHONY: help build run test check bench screenshots fuzz trash-proof asan tsan fleet-check format
+.PHONY: format-check tidy clean
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
 FUZZ_SECONDS ?= 20
+TRASH_ROUNDS ?= 100000
 
 # The presets compile the same sources into different folders. Without the folder in the cache's
 # key they share their results. A precompiled header is known to the cache by its content.
@@ -27,6 +29,7 @@ help:
 	@echo 'make bench         micro-benchmarks, then the whole program beside its neighbours'
 	@echo 'make screenshots   take docs/screenshots/ anew'
 	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
+	@echo 'make trash-proof   move files to the Trash against a hostile thread, TRASH_ROUNDS (now $(TRASH_ROUNDS))'
 	@echo 'make asan          all tests under the address and undefined behaviour sanitizers'
 	@echo 'make tsan          all tests under the thread sanitizer'
 	@echo 'make fleet-check   collect from the program with the real exporter and server'
@@ -78,6 +81,11 @@ fuzz:
 	@$(BOOTSTRAP)
 	$(call prepare,fuzz,all)
 	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
+
+trash-proof:
+	@$(BOOTSTRAP)
+	$(call prepare,dev,trash_proof)
+	build/dev/tests/trash_proof $(TRASH_ROUNDS)
 
 asan:
 	@$(BOOTSTRAP)

@@ -47,8 +47,7 @@ UniqueFD openFolder(const std::string& path) {
 }
 
 UniqueFD openFolderAt(int folder, const std::string& name) {
-    return UniqueFD(
-        ::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    return UniqueFD(::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
 UniqueFD openFolderBelow(int root, std::string_view relativePath) {

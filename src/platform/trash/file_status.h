@@ -30,8 +30,8 @@ std::optional<FileStatus> statusAt(int folder, const std::string& name);
 /// Whether a file may be renamed from one folder into the other, as far as the two folders tell.
 bool areOnOneVolume(const FileStatus& folder, const FileStatus& other);
 
-/// Opens a folder for use as the start of other calls; invalid with `errno`. `path` may have several
-/// components, whose links are followed.
+/// Opens a folder for use as the start of other calls; invalid with `errno`. `path` may have
+/// several components, whose links are followed.
 UniqueFD openFolder(const std::string& path);
 
 /// Opens a folder by its name in another one. A link is refused with ENOTDIR.

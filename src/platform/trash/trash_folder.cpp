@@ -41,15 +41,14 @@ UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
     return status ? std::move(opened) : UniqueFD();
 }
 
-/// The folders in a trash folder that is open. Absent when the files would be on another volume than
-/// `folder`.
+/// The folders in a trash folder that is open. Absent when the files would be on another volume
+/// than `folder`.
 std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links links) {
     if (!trash.valid()) {
         return std::nullopt;
     }
-    TrashFolder result{openOwnFolder(trash.get(), "files", links),
-                       openOwnFolder(trash.get(), "info", links),
-                       {}};
+    TrashFolder result{
+        openOwnFolder(trash.get(), "files", links), openOwnFolder(trash.get(), "info", links), {}};
     if (!result.files.valid() || !result.info.valid()) {
         return std::nullopt;
     }
@@ -65,7 +64,10 @@ std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links
 /// The owner of the home folder may have put the trash elsewhere by a link.
 std::optional<TrashFolder> openHomeTrash(const std::string& homeTrash, int folder) {
     if (!openFolder(homeTrash).valid() && errno == ENOENT) {
-        makeDirectories(homeTrash);
+        if (const int error = makeDirectories(homeTrash); error != 0) {
+            errno = error;
+            return std::nullopt;
+        }
     }
     return openContents(openOwnFolder(AT_FDCWD, homeTrash, Links::followed), folder,
                         Links::followed);
@@ -135,7 +137,7 @@ std::optional<TrashFolder> openSharedTrash(int root, const std::string& user, in
     return openContents(openOwnFolder(shared.get(), user, Links::refused), folder, Links::refused);
 }
 
-std::optional<TrashFolder> openVolumeTrash(int folder) {
+std::optional<TrashFolder> openVolumeTrash(int folder, const std::string& name) {
     const auto root = findVolumeRoot(folder);
     if (!root) {
         return std::nullopt;
@@ -147,7 +149,7 @@ std::optional<TrashFolder> openVolumeTrash(int folder) {
                              folder, Links::refused);
     }
     if (trash) {
-        trash->restorePath = root->pathBelow.empty() ? "" : root->pathBelow + '/';
+        trash->restorePath = root->pathBelow.empty() ? name : root->pathBelow + '/' + name;
     }
     return trash;
 }
@@ -161,9 +163,10 @@ std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
         trash->restorePath = path;
         return trash;
     }
-    trash = openVolumeTrash(folder);
-    if (trash) {
-        trash->restorePath += name;
+    const int homeError = homeTrash.empty() ? EXDEV : errno;
+    trash = openVolumeTrash(folder, name);
+    if (!trash && homeError != EXDEV) {
+        errno = homeError;  // what the owner can mend
     }
     return trash;
 }

@@ -15,9 +15,9 @@ struct TrashFolder {
 };
 
 /// The trash folder for the file `name` in the open `folder`; `path` is the whole path. On the
-/// volume of `homeTrash` (an absolute path, empty when there is none) it is that one, else one at the
-/// root of the file's volume. Creates it when it is missing. Absent with `errno` when there is none
-/// that is safe to use. Any thread.
+/// volume of `homeTrash` (an absolute path, empty when there is none) it is that one, else one at
+/// the root of the file's volume. Creates it when it is missing. Absent with `errno` when there is
+/// none that is safe to use. Any thread.
 std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
                                            const std::string& path, const std::string& homeTrash);
 

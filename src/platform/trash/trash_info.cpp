@@ -33,8 +33,8 @@ std::string localDateText(Date date, std::int64_t utcOffset) {
     using std::chrono::floor;
     // The form has four digits for the year.
     constexpr double endOf9999 = 253402300799.0;
-    const double seconds = std::clamp(
-        std::floor(date.unixSeconds()) + static_cast<double>(utcOffset), 0.0, endOf9999);
+    const double seconds =
+        std::clamp(std::floor(date.unixSeconds()) + static_cast<double>(utcOffset), 0.0, endOf9999);
     const std::chrono::sys_seconds instant{
         std::chrono::seconds(static_cast<std::int64_t>(seconds))};
     const std::chrono::year_month_day day(floor<days>(instant));

@@ -18,8 +18,8 @@ namespace tallowcrest {
 /// or, where its name is taken, left in the Trash with the path to restore it to.
 class XdgTrash final : public Trash {
 public:
-    /// `homeTrash` is the absolute path of the trash folder of the home, which is created when it is
-    /// first needed; empty when there is none. `clock` must outlive this object.
+    /// `homeTrash` is the absolute path of the trash folder of the home, which is created when it
+    /// is first needed; empty when there is none. `clock` must outlive this object.
     XdgTrash(std::string homeTrash, const Clock& clock, UTCOffset utcOffset);
 
     /// Any thread, several at once.

@@ -154,14 +154,13 @@ std::vector<Attack> attacks() {
         return [=](const fs::path& cache) { return swapNames(cache / one, cache / other); };
     };
     const auto binding = [](const char* source, const char* place) {
-        return Attack{std::string("a mount over ") + place,
-                      [=](const fs::path& cache) {
-                          return ::mount((cache / source).c_str(), (cache / place).c_str(),
-                                         nullptr, MS_BIND, nullptr) == 0;
-                      },
-                      [=](const fs::path& cache) {
-                          ::umount2((cache / place).c_str(), MNT_DETACH);
-                      }};
+        return Attack{
+            std::string("a mount over ") + place,
+            [=](const fs::path& cache) {
+                return ::mount((cache / source).c_str(), (cache / place).c_str(), nullptr, MS_BIND,
+                               nullptr) == 0;
+            },
+            [=](const fs::path& cache) { ::umount2((cache / place).c_str(), MNT_DETACH); }};
     };
     const auto swapCache = [](const fs::path& cache) {
         return swapNames(cache, cache.parent_path() / "link to cache");
@@ -276,10 +275,9 @@ TEST_F(InterruptedMoveTest, AFileThatOutgrowsItsLimitMeanwhileIsPutBack) {
             TrashRequest request = reviewed(path);
             request.maximumBytes = 8;
             const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-            const TracedRun run = runTraced([&] { return move(request); },
-                                            [&](int stop) {
-                                                return stop != at || ::write(file, "!", 1) == 1;
-                                            });
+            const TracedRun run =
+                runTraced([&] { return move(request); },
+                          [&](int stop) { return stop != at || ::write(file, "!", 1) == 1; });
             ::close(file);
             if (!run.isPossible) {
                 GTEST_SKIP() << "this account may not trace its own processes";

@@ -28,8 +28,8 @@ using ::testing::SizeIs;
 class RefusedCallsTest : public TrashFixture {};
 
 /// Skips a test where this account may not refuse calls.
-#define REFUSE(call, error)                                \
-    if (!refuseCall(call, error)) {                        \
+#define REFUSE(call, error)                                   \
+    if (!refuseCall(call, error)) {                           \
         GTEST_SKIP() << "this account may install no filter"; \
     }
 

@@ -11,8 +11,8 @@ struct TracedRun {
 };
 
 /// Runs `work`, whose result is the exit status, in a process that is stopped before and after each
-/// of its system calls. At each stop `goesOn` is asked with its number, from 0; when it answers false
-/// the process is killed there.
+/// of its system calls. At each stop `goesOn` is asked with its number, from 0; when it answers
+/// false the process is killed there.
 TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn);
 
 }  // namespace tallowcrest

@@ -51,12 +51,12 @@ protected:
 };
 
 /// Expects that a request leaves everything as it is, for a reason that contains `why`.
-#define EXPECT_LEFT(outcome, why)                                  \
-    do {                                                           \
-        const TrashOutcome result = (outcome);                     \
-        EXPECT_EQ(result.movedBytes, std::nullopt);                \
-        EXPECT_THAT(result.error, ::testing::HasSubstr(why));      \
-        EXPECT_THAT(contents(), ::testing::IsEmpty());             \
+#define EXPECT_LEFT(outcome, why)                             \
+    do {                                                      \
+        const TrashOutcome result = (outcome);                \
+        EXPECT_EQ(result.movedBytes, std::nullopt);           \
+        EXPECT_THAT(result.error, ::testing::HasSubstr(why)); \
+        EXPECT_THAT(contents(), ::testing::IsEmpty());        \
     } while (false)
 
 }  // namespace tallowcrest

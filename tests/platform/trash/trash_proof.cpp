@@ -108,6 +108,7 @@ public:
     std::vector<std::string> stop(std::int64_t& attacks) {
         stops_ = true;
         thread_.join();
+        unmountAll();
         attacks += attacks_;
         return std::move(written_);
     }
@@ -150,6 +151,17 @@ private:
         if (::mount(source.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) == 0) {
             wait();
             ::umount2(place.c_str(), MNT_DETACH);
+        }
+    }
+
+    /// A file can be renamed while a mount is put over it, which then covers it in the Trash.
+    void unmountAll() const {
+        std::ifstream mounts("/proc/self/mounts");
+        const std::string below = world_.home.string() + '/';
+        for (std::string source, place, rest; mounts >> source >> place && getline(mounts, rest);) {
+            if (place.starts_with(below)) {
+                ::umount2(place.c_str(), MNT_DETACH);
+            }
         }
     }
 
@@ -254,11 +266,14 @@ public:
         for (const TrashedFile& file : trashContents(world_.homeTrash)) {
             checkTrashed(file);
         }
-        for (const std::string& content : cleanUp.expected) {
+        const std::set<std::string> expected(cleanUp.expected.begin(), cleanUp.expected.end());
+        for (const std::string& content : expected) {
             require(found_[content] == 1,
                     content + " is found " + std::to_string(found_[content]) + " times");
         }
-        require(found_.size() == cleanUp.expected.size(), "there are other files");
+        for (const auto& [content, times] : found_) {
+            require(times == 0 || expected.count(content) > 0, content + " is somewhere");
+        }
         for (int i = 0; i < fileCount; ++i) {
             const auto index = static_cast<std::size_t>(i);
             checkOutcome(cleanUp.outcomes[index], contentOf(i, "reviewed"));

@@ -19,10 +19,10 @@ struct ProofReport {
 /// Makes clean-ups of 100 files each in a home of its own in `folder`, `rounds` files in all, and
 /// looks after each of them where every file is. Ends at the first clean-up with a fault.
 ///
-/// The hostile thread swaps folders and files of the caches, and the cache folder itself, with links
-/// to files outside, with other folders and other files. It mounts folders of outside over them
-/// where the system lets it, renames them, takes them out of the caches, and takes names that have
-/// become free.
+/// The hostile thread swaps folders and files of the caches, and the cache folder itself, with
+/// links to files outside, with other folders and other files. It mounts folders of outside over
+/// them where the system lets it, renames them, takes them out of the caches, and takes names that
+/// have become free.
 ProofReport proveTrash(const std::filesystem::path& folder, std::int64_t rounds);
 
 }  // namespace tallowcrest

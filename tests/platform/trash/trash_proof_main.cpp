@@ -1,5 +1,5 @@
-// Moves files to the Trash while a hostile thread changes what is being moved, for as many rounds as
-// wanted, and tells what came of it.
+// Moves files to the Trash while a hostile thread changes what is being moved, for as many rounds
+// as wanted, and tells what came of it.
 
 #include <cstdlib>
 #include <exception>
@@ -26,9 +26,9 @@ int main(int argc, char** argv) {
             mountMemory(folder.path());
         }
         const ProofReport report = proveTrash(folder.path(), rounds);
-        std::cout << report.moved << " files moved, " << report.left << " left, "
-                  << report.stranded << " others that could not be put back and can be restored, "
-                  << report.attacks << " attacks, " << report.faults.size() << " faults\n";
+        std::cout << report.moved << " files moved, " << report.left << " left, " << report.stranded
+                  << " others that could not be put back and can be restored, " << report.attacks
+                  << " attacks, " << report.faults.size() << " faults\n";
         for (const std::string& fault : report.faults) {
             std::cout << fault << '\n';
         }

@@ -54,8 +54,8 @@ protected:
     const fs::path own = disk / ".Trash-0";
 };
 
-#define REQUIRE_ROOT()                                      \
-    if (::geteuid() != 0) {                                 \
+#define REQUIRE_ROOT()                                    \
+    if (::geteuid() != 0) {                               \
         GTEST_SKIP() << "only root can be several users"; \
     }
 

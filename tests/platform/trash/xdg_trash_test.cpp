@@ -84,10 +84,15 @@ TEST_F(XdgTrashTest, DoesNotReplaceAFileThatIsInTheTrashWithoutADescription) {
 }
 
 TEST_F(XdgTrashTest, TakesNamesOfAllBytes) {
-    const std::vector<std::string> names{
-        std::string(255, 'n'), "line\nPath=/etc/passwd\nbreak", "bytes \xFF\xC3(",
-        " ",                   "-rf",                           "~",
-        "%2e%2e",              "a.trashinfo",                   "..."};
+    const std::vector<std::string> names{std::string(255, 'n'),
+                                         "line\nPath=/etc/passwd\nbreak",
+                                         "bytes \xFF\xC3(",
+                                         " ",
+                                         "-rf",
+                                         "~",
+                                         "%2e%2e",
+                                         "a.trashinfo",
+                                         "..."};
     for (const std::string& name : names) {
         const std::string path = write(inCache(name), name);
         const TrashOutcome outcome = trash.moveToTrash(reviewed(path));
