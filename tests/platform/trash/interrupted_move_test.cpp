@@ -200,9 +200,11 @@ TEST_F(InterruptedMoveTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingEls
             for (int at = 0; at <= hits; ++at) {
                 setUpWorld();
                 const TrashRequest request = reviewed(path);
+                bool wasInPlace = false;
                 const TracedRun run = runTraced([&] { return move(request); },
                                                 [&](int stop) {
                                                     if (stop == at) {
+                                                        wasInPlace = fs::exists(path);
                                                         attack.begin(home / ".cache");
                                                     }
                                                     return true;
@@ -218,6 +220,7 @@ TEST_F(InterruptedMoveTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingEls
                 ++results[run.status];
                 expectNothingLost();
                 EXPECT_EQ(isInTrash("reviewed"), run.status == moved);
+                EXPECT_FALSE(wasInPlace && run.status == moved) << "from another place";
                 EXPECT_FALSE(isInTrash("decoy") || isInTrash("decoy in another folder"));
                 ASSERT_FALSE(HasFailure());
             }
@@ -262,6 +265,48 @@ TEST_F(InterruptedMoveTest, WhatCannotBePutBackIsRestorable) {
             }
         }
         EXPECT_GT(inTrash, 0) << "the case did not occur";
+    });
+}
+
+TEST_F(InterruptedMoveTest, AFolderThatMovesWhileItsVolumeIsSoughtGivesNoWrongPath) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        XdgTrash onVolume({}, clock, atGreenwich);
+        int stops = 1;
+        int killed = 0;
+        for (int at = 0; at < stops; ++at) {
+            setUpWorld();
+            const TrashRequest request = reviewed(path);
+            const std::string elsewhere = inCache("folder/file");
+            const auto attackThenKill = [&](int stop) {
+                if (stop == at) {
+                    fs::remove(inCache("folder"));
+                    fs::rename(inCache("a/b"), inCache("folder"));
+                }
+                // At the worst moment: before it can be put back.
+                return fs::exists(path) || fs::exists(elsewhere);
+            };
+            const TracedRun run =
+                runTraced([&] { return onVolume.moveToTrash(request).movedBytes ? moved : left; },
+                          attackThenKill);
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.status == -1 ? at + 2 : run.stops;
+            killed += run.status == -1 ? 1 : 0;
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            for (const TrashedFile& file : trashContents(home / ".Trash-0")) {
+                if (file.isThere) {
+                    EXPECT_THAT(file.restorePath,
+                                ::testing::AnyOf(".cache/a/b/file", ".cache/folder/file"));
+                }
+            }
+            if (at > 0 && fs::exists(inCache("a/b"))) {
+                break;  // killed before the attack
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(killed, 0);
     });
 }
 
