@@ -28,11 +28,16 @@ TracedRun runTraced(const std::function<int()>& work, const std::function<bool(i
     run.isPossible = true;
     ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL | PTRACE_O_TRACESYSGOOD);
     constexpr int systemCall = SIGTRAP | 0x80;
+    bool isBefore = true;
     while (::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 &&
            ::waitpid(child, &status, 0) == child && WIFSTOPPED(status)) {
-        if (WSTOPSIG(status) == systemCall && !goesOn(run.stops++)) {
+        if (WSTOPSIG(status) != systemCall) {
+            continue;
+        }
+        if (isBefore && !goesOn(run.stops++)) {
             ::kill(child, SIGKILL);
         }
+        isBefore = !isBefore;
     }
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;

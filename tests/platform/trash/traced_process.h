@@ -10,9 +10,9 @@ struct TracedRun {
     int status = -1;          ///< exit status; -1 when it was killed
 };
 
-/// Runs `work`, whose result is the exit status, in a process that is stopped before and after each
-/// of its system calls. At each stop `goesOn` is asked with its number, from 0; when it answers
-/// false the process is killed there.
+/// Runs `work`, whose result is the exit status, in a process that is stopped before each of its
+/// system calls, which is also after the one before. At each stop `goesOn` is asked with its
+/// number, from 0; when it answers false the process is killed there.
 TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn);
 
 }  // namespace tallowcrest
