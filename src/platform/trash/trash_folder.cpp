@@ -44,12 +44,14 @@ UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
 /// The folders in a trash folder that is open. Absent when the files would be on another volume
 /// than `folder`.
 std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links links) {
-    if (!trash.valid()) {
-        return std::nullopt;
+    TrashFolder result;
+    if (trash.valid()) {
+        result.files = openOwnFolder(trash.get(), "files", links);
     }
-    TrashFolder result{
-        openOwnFolder(trash.get(), "files", links), openOwnFolder(trash.get(), "info", links), {}};
-    if (!result.files.valid() || !result.info.valid()) {
+    if (result.files.valid()) {
+        result.info = openOwnFolder(trash.get(), "info", links);
+    }
+    if (!result.info.valid()) {
         return std::nullopt;
     }
     const auto source = statusOf(folder);

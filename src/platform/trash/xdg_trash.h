@@ -13,6 +13,9 @@ namespace tallowcrest {
 /// The Trash of freedesktop.org, version 1.0. A file is only ever renamed, never copied: where its
 /// volume has no trash folder that is safe to use, it stays.
 ///
+/// Links on the way to the folder of `TrashRequest::inside` are the owner's and are followed; below
+/// it there may be none, and no other mount.
+///
 /// Names can change between any two calls to the system. So every step goes through descriptors,
 /// and what was renamed is looked at again: when it is not the file that was meant, it is put back,
 /// or, where its name is taken, left in the Trash with the path to restore it to.
