@@ -36,7 +36,7 @@ protected:
         const std::string path = write(disk / file, "content");
         const TrashOutcome outcome = trash.moveToTrash({.path = path});
         EXPECT_EQ(fs::exists(path), !outcome.movedBytes) << outcome.error;
-        for (const fs::path& place : {own, shared / user, homeTrash}) {
+        for (const fs::path& place : {own, shared / "0", homeTrash}) {
             for (const TrashedFile& found : trashContents(place)) {
                 EXPECT_EQ(found.restorePath, place == homeTrash ? path : file);
                 EXPECT_EQ(found.content, "content");
@@ -47,7 +47,6 @@ protected:
         return {};
     }
 
-    const std::string user = std::to_string(::geteuid());
     const fs::path disk = folder.path() / "disk";
     const fs::path shared = disk / ".Trash";
     /// The user of the process with own mounts is root.
