@@ -59,8 +59,8 @@ std::string objection(const TrashRequest& request, const std::string& path,
     return isInside ? "" : systemWords(EXDEV);
 }
 
-/// The system's own move, which the Finder can undo. It takes a path only: another file can take the
-/// name between the tests and the move, and is then in the Trash.
+/// The system's own move, which the Finder can undo. It takes a path only: another file can take
+/// the name between the tests and the move, and is then in the Trash.
 class FinderTrash final : public Trash {
 public:
     TrashOutcome moveToTrash(const TrashRequest& request) override {
