@@ -16,11 +16,11 @@ constexpr std::array<std::string_view, 11> layers{
 /// The highest layer that declares ports for platform/ to implement.
 constexpr std::string_view highestPortLayer = "integration";
 
-constexpr std::array<std::string_view, 13> platformLayers{
-    "platform",          "platform/base", "platform/tools",   "platform/instance",
-    "platform/settings", "platform/icu",  "platform/linux",   "platform/macos",
-    "platform/x11",      "platform/http", "platform/secrets", "platform/trash",
-    "platform/desktop"};
+constexpr std::array<std::string_view, 14> platformLayers{
+    "platform",          "platform/base",   "platform/tools",   "platform/instance",
+    "platform/settings", "platform/icu",    "platform/linux",   "platform/macos",
+    "platform/x11",      "platform/http",   "platform/secrets", "platform/trash",
+    "platform/files",    "platform/desktop"};
 
 /// The widgets, which take plain values. A separate library, so that they cannot use the monitor.
 constexpr std::string_view widgetLayer = "presentation/widgets";

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/uuid.h"
+#include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
 
 namespace tallowcrest {
@@ -38,34 +39,7 @@ int writeAll(int file, std::string_view text) {
     return 0;
 }
 
-/// Gives the finished file its name without ever replacing another file. Returns 0 or the error
-/// number.
-int publishNew(int folder, const std::string& temporary, const std::string& name) {
-    if (::linkat(folder, temporary.c_str(), folder, name.c_str(), 0) == 0) {
-        ::unlinkat(folder, temporary.c_str(), 0);
-        return 0;
-    }
-    const int error = errno;
-    const bool hasNoHardLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
-    if (!hasNoHardLinks) {
-        return error;
-    }
-    // Some file systems, such as those of memory cards, have no hard links, and renaming replaces
-    // an existing file. So the name is reserved first.
-    const UniqueFD reserved(
-        ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly));
-    if (!reserved.valid()) {
-        return errno;
-    }
-    if (::renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
-        const int renameError = errno;
-        ::unlinkat(folder, name.c_str(), 0);
-        return renameError;
-    }
-    return 0;
-}
-
-/// The same, in place of an older file. A link is replaced itself.
+/// As `publishNewFile`, in place of an older file. A link is replaced itself.
 int publishReplacing(int folder, const std::string& temporary, const std::string& name) {
     return ::renameat(folder, temporary.c_str(), folder, name.c_str()) == 0 ? 0 : errno;
 }
@@ -115,7 +89,7 @@ PosixReportFolder::PosixReportFolder(Place place, Reveal reveal)
     : place_(std::move(place)), reveal_(std::move(reveal)) {}
 
 Outcome PosixReportFolder::write(const std::filesystem::path& file, const std::string& text) {
-    return writeFile(file, text, ownerOnly, publishNew);
+    return writeFile(file, text, ownerOnly, publishNewFile);
 }
 
 Outcome PosixReportFolder::writeScript(const std::filesystem::path& file, const std::string& text) {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "disk/file_walks.h"
+
+namespace tallowcrest {
+
+/// The largest of the files that were added, at most `count`; among equal ones, those whose paths
+/// come first. The order of the additions has no influence. One thread.
+class LargestFiles {
+public:
+    LargestFiles(std::int64_t minimumBytes, std::size_t count);
+
+    /// The size that a file must have to be kept. Grows.
+    std::int64_t leastBytes() const;
+
+    void add(FoundFile file);
+
+    /// Largest first.
+    std::vector<FoundFile> sorted() const;
+
+private:
+    std::int64_t minimumBytes_;
+    std::size_t count_;
+    std::vector<FoundFile> heap_;  ///< the first to be dropped in front
+};
+
+}  // namespace tallowcrest
