@@ -58,14 +58,15 @@ int OpenFolders::descriptorOf(const FolderPointer& folder) {
             missing.push_back(each);
         }
     }
-    for (auto each = missing.rbegin(); each != missing.rend(); ++each) {
-        UniqueFD opened = open(***each, descriptor);
+    std::reverse(missing.begin(), missing.end());
+    for (const FolderPointer* each : missing) {
+        UniqueFD opened = open(**each, descriptor);
         const auto status = opened.valid() ? statusOf(opened.get(), "") : std::nullopt;
-        if (!status || status->identity != (**each)->identity) {
+        if (!status || status->identity != (*each)->identity) {
             return -1;
         }
         descriptor = opened.get();
-        hold(**each, std::move(opened));
+        hold(*each, std::move(opened));
     }
     return descriptor;
 }
