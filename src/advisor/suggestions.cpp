@@ -10,11 +10,11 @@
 #include "actions/review_target.h"
 #include "advisor/action_catalogue.h"
 #include "advisor/autonomy.h"
+#include "advisor/run_refusal.h"
 #include "advisor/trust.h"
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/jobs/jobs.h"
-#include "core/number_text.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "remote/remote_scan.h"
@@ -66,25 +66,18 @@ Outcome Suggestions::approveAllSuggestions() {
 }
 
 Outcome Suggestions::runSuggestion(const AIActionSuggestion& suggestion) {
-    ActivityLog& log = dependencies_.services.log;
-    if (!approvedAIActionIDs_.contains(suggestion.id)) {
-        return log.record(
-            Outcome::refused(fmt::format("Approve '{}' before running it.", suggestion.title)));
-    }
-    const auto action = advisorAction(suggestion.type);
-    if (!action) {
-        recordTrustEvent(suggestion, TrustEvent::blocked);
-        return log.record(Outcome::refused(
-            fmt::format("AI action '{}' is informational only.", suggestion.type)));
-    }
-    if (*action == AdvisorAction::localPurge && !isMemoryPressureHigh()) {
-        recordTrustEvent(suggestion, TrustEvent::blocked);
-        return log.record(Outcome::refused(
-            fmt::format("AI purge suggestion blocked because memory pressure is below {}%.",
-                        cutToInteger(dependencies_.services.settings.values().warningThreshold))));
+    const auto& snapshot = dependencies_.sample.snapshot();
+    const auto refusal = runRefusal(suggestion, approvedAIActionIDs_.contains(suggestion.id),
+                                    snapshot ? snapshot->memory.pressure : 0.0,
+                                    dependencies_.services.settings.values().warningThreshold);
+    if (refusal) {
+        if (refusal->isBlocked) {
+            recordTrustEvent(suggestion, TrustEvent::blocked);
+        }
+        return dependencies_.services.log.record(Outcome::refused(refusal->message));
     }
     recordTrustEvent(suggestion, TrustEvent::run);
-    switch (*action) {
+    switch (*advisorAction(suggestion.type)) {
         case AdvisorAction::selectTop:
             return dependencies_.review.selectTopApp();
         case AdvisorAction::localPurge:
@@ -103,12 +96,6 @@ void Suggestions::recordTrustEvent(const AIActionSuggestion& suggestion, TrustEv
     if (suggestion.type != diskCleanupAction) {
         dependencies_.trust.recordTrustEvent(suggestion.type, event);
     }
-}
-
-bool Suggestions::isMemoryPressureHigh() const {
-    const auto& snapshot = dependencies_.sample.snapshot();
-    const double pressure = snapshot ? snapshot->memory.pressure : 0.0;
-    return dependencies_.services.settings.values().warningThreshold <= pressure;
 }
 
 Outcome Suggestions::runApprovedSuggestions() {

@@ -72,7 +72,6 @@ private:
     /// Counts what happened to a suggestion. One of the type `diskCleanupAction` counts nothing: a
     /// reply must not earn the trust that lets the disk's clean-up run by itself.
     void recordTrustEvent(const AIActionSuggestion& suggestion, TrustEvent event);
-    bool isMemoryPressureHigh() const;
 
     Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;
