@@ -1,6 +1,7 @@
 #include "presentation/shell/confirmation_dialog.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QAccessible>
 #include <QHBoxLayout>
@@ -8,10 +9,13 @@
 #include <QVBoxLayout>
 
 #include "core/confirmation_desk.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/selectable_text.h"
 #include "presentation/widgets/text_lines.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/confirmation_lines.h"
@@ -30,6 +34,7 @@ constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
 constexpr int mostProcessLines = 3;
 constexpr std::size_t mostPaths = 5;
+constexpr int detailsHeight = 208;
 
 /// The font of the title: the largest in which it fits on a few lines.
 ElidedLabel::FontRole headingFont(const QString& title) {
@@ -42,8 +47,8 @@ ElidedLabel::FontRole headingFont(const QString& title) {
 
 }  // namespace
 
-ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
-    : WindowDialog(parent), desk_(desk) {
+ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, Details details, QWidget* parent)
+    : WindowDialog(parent), desk_(desk), detailsOf_(std::move(details)) {
     setObjectName(u"confirmation"_s);
     setWindowTitle(u"Confirm Action"_s);
     setAccessibleName(windowTitle());
@@ -62,6 +67,7 @@ ConfirmationDialog::ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent)
     layout->addSpacing(spacing::unit);
     layout->addWidget(message_);
     layout->addWidget(makeTargets());
+    layout->addWidget(makeDetails());
     layout->addSpacing(spacing::pagePadding);
 
     auto* buttons = new QHBoxLayout;
@@ -110,6 +116,31 @@ QWidget* ConfirmationDialog::makeTargets() {
     return room;
 }
 
+QWidget* ConfirmationDialog::makeDetails() {
+    auto* room = new QWidget(this);
+    auto* layout = new QVBoxLayout(room);
+    layout->setContentsMargins(0, spacing::gap, 0, 0);
+    layout->setSpacing(spacing::unit);
+    detailsToggle_ = makeButton(u"Show What Is Sent"_s, QString(), u"confirmation.details"_s,
+                                u"Shows all that would leave this machine, below"_s, room);
+    layout->addWidget(detailsToggle_, 0, Qt::AlignLeft);
+    details_ = new SelectableText(u"confirmation.details.text"_s);
+    detailsArea_ = new PageScrollArea(details_, room);
+    detailsArea_->setFixedHeight(detailsHeight);
+    layout->addWidget(detailsArea_);
+    connect(detailsToggle_, &QPushButton::clicked, this, [this] {
+        showDetails(detailsArea_->isHidden());
+        fit();
+    });
+    return room;
+}
+
+void ConfirmationDialog::showDetails(bool areShown) {
+    detailsArea_->setVisible(areShown);
+    detailsToggle_->setText(areShown ? u"Hide What Is Sent"_s : u"Show What Is Sent"_s);
+    setSpokenName(*detailsToggle_, detailsToggle_->text());
+}
+
 void ConfirmationDialog::refresh() {
     const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
     if (!pending) {
@@ -131,6 +162,9 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     heading_->setText(title);
     message_->setText(message);
     showTargets(desk_.targets());
+    details_->showText(detailsOf_(request));
+    detailsToggle_->parentWidget()->setVisible(!details_->shownText().isEmpty());
+    showDetails(false);
     setAccessibleDescription(confirmation_lines::unreadLines(shownTexts()).join(u'\n'));
     if (isVisible()) {
         // No window opens, which would be announced by itself.
@@ -199,6 +233,8 @@ void ConfirmationDialog::fit() {
     targetsCard_->contentLayout()->invalidate();
     targetsCard_->updateGeometry();
     targetsCard_->parentWidget()->updateGeometry();
+    detailsToggle_->parentWidget()->layout()->invalidate();
+    detailsToggle_->parentWidget()->updateGeometry();
     setFixedSize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }
 

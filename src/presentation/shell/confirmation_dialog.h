@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ class Card;
 class ConfirmationDesk;
 class DangerButton;
 class ElidedLabel;
+class PageScrollArea;
+class SelectableText;
 struct ConfirmationTargets;
 
 /// Asks the owner to confirm the pending request, whatever route the window shows. Closing it in
@@ -26,8 +29,12 @@ class ConfirmationDialog final : public WindowDialog {
     Q_OBJECT
 
 public:
+    /// A text about a request that is too long for its message, such as what would be sent; empty
+    /// for a request without one.
+    using Details = std::function<QString(const ConfirmationRequest&)>;
+
     /// The desk must outlive the dialog.
-    ConfirmationDialog(ConfirmationDesk& desk, QWidget* parent);
+    ConfirmationDialog(ConfirmationDesk& desk, Details details, QWidget* parent);
 
     /// Opens, updates or closes the dialog according to the pending request. Does nothing while
     /// that is the one shown.
@@ -44,13 +51,16 @@ private:
     /// From top to bottom, without the buttons.
     QStringList shownTexts() const;
     void showTargets(const ConfirmationTargets& targets);
+    void showDetails(bool areShown);
     void fit();
     void confirm();
     /// Whether the pending request is the one shown.
     bool showsPending() const;
     QWidget* makeTargets();
+    QWidget* makeDetails();
 
     ConfirmationDesk& desk_;
+    Details detailsOf_;
     std::optional<UUID> shown_;
     ElidedLabel* heading_ = nullptr;
     ElidedLabel* message_ = nullptr;
@@ -59,6 +69,9 @@ private:
     ElidedLabel* executables_ = nullptr;  ///< the heading of the paths
     std::vector<ElidedLabel*> pathLines_;
     ElidedLabel* morePaths_ = nullptr;
+    QPushButton* detailsToggle_ = nullptr;
+    PageScrollArea* detailsArea_ = nullptr;
+    SelectableText* details_ = nullptr;
     QPushButton* cancel_ = nullptr;
     DangerButton* confirm_ = nullptr;
     std::optional<SettlingButton> settling_;  ///< the confirming button

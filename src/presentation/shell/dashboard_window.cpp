@@ -7,12 +7,14 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include "advisor/provider.h"
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
+#include "presentation/screens/advisor/advisor_page.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
 #include "presentation/screens/load/load_page.h"
@@ -28,6 +30,7 @@
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
+#include "presentation/state/advisor_payload.h"
 #include "presentation/widgets/announcer.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
@@ -131,7 +134,15 @@ void DashboardWindow::addSheets() {
          .isWanted = [this] { return monitor_.confirmations().pendingConfirmation().has_value(); },
          .dismissed = {},
          .make =
-             [this](QWidget* on) { return new ConfirmationDialog(monitor_.confirmations(), on); }});
+             [this](QWidget* on) {
+                 return new ConfirmationDialog(
+                     monitor_.confirmations(),
+                     [this](const ConfirmationRequest& asked) {
+                         return asked.kind == Provider::confirmationKind ? advisorPayload(monitor_)
+                                                                         : QString();
+                     },
+                     on);
+             }});
 }
 
 Screen* DashboardWindow::makeScreen(AppRoute route) {
@@ -142,6 +153,8 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new LoadPage(monitor_, state_);
         case AppRoute::optimize:
             return new OptimizePage(monitor_, state_);
+        case AppRoute::aiAdvisor:
+            return new AdvisorPage(monitor_, state_);
         case AppRoute::remoteMacs:
             return new RemoteMacsPage(monitor_, state_);
         case AppRoute::history:

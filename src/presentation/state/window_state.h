@@ -15,7 +15,7 @@ class Observable;
 class SettingsOwner;
 
 /// The tabs of the settings sheet, in their order.
-enum class SettingsTabKind { remote, localMac, automation, safety };
+enum class SettingsTabKind { ai, remote, localMac, automation, safety };
 
 /// Where the owner is in the window: state of the shell that outlives a closed window.
 /// Main thread.
@@ -63,7 +63,7 @@ private:
     std::string processFilter_;
     std::string selectedRemoteID_;
     bool showSettings_ = false;
-    SettingsTabKind settingsTab_ = SettingsTabKind::remote;
+    SettingsTabKind settingsTab_ = SettingsTabKind::ai;
 };
 
 /// Which sections of the dashboard the owner has closed. Every change is stored at once.

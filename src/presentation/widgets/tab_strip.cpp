@@ -27,8 +27,8 @@ constexpr double hoverShare = 0.06;
 // One tab ----------------------------------------------------------------------------------------
 
 StripTab::StripTab(const QString& title, const QString& identifier, const QString& description,
-                   QWidget* parent)
-    : QAbstractButton(parent) {
+                   StripKind kind, QWidget* parent)
+    : QAbstractButton(parent), kind_(kind) {
     installAccessibleButtons();
     setObjectName(identifier);
     setText(title);
@@ -40,8 +40,13 @@ StripTab::StripTab(const QString& title, const QString& identifier, const QStrin
 }
 
 void StripTab::addAccessibleState(QAccessible::State& state) const {
-    state.selectable = true;
-    state.selected = isChecked();
+    if (kind_ == StripKind::tabs) {
+        state.selectable = true;
+        state.selected = isChecked();
+    } else {
+        state.checkable = true;
+        state.checked = isChecked();
+    }
 }
 
 QSize StripTab::sizeHint() const {
@@ -115,7 +120,8 @@ void StripTab::paintEvent(QPaintEvent*) {
 
 // The strip --------------------------------------------------------------------------------------
 
-TabStrip::TabStrip(const QString& accessibleName, QWidget* parent) : QWidget(parent) {
+TabStrip::TabStrip(const QString& accessibleName, QWidget* parent, StripKind kind)
+    : QWidget(parent), kind_(kind) {
     installAccessibleFigures();
     setAccessibleName(accessibleName);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -126,7 +132,7 @@ TabStrip::TabStrip(const QString& accessibleName, QWidget* parent) : QWidget(par
 
 int TabStrip::addTab(const QString& title, const QString& identifier, const QString& description) {
     const auto index = static_cast<int>(tabs_.size());
-    auto* tab = new StripTab(title, identifier, description, this);
+    auto* tab = new StripTab(title, identifier, description, kind_, this);
     // Only the selected tab can have the focus.
     connect(tab, &QAbstractButton::clicked, this,
             [this, index] { choose(index, Qt::MouseFocusReason); });

@@ -11,15 +11,20 @@
 
 namespace tallowcrest {
 
-/// One tab of a strip. To assistive technology it is a tab. Main thread.
+/// What a strip chooses between: the pages of what is below it, or the values of a setting.
+enum class StripKind { tabs, choices };
+
+/// One tab of a strip. To assistive technology it is a tab, or a radio button. Main thread.
 class StripTab final : public QAbstractButton, public AccessibleButton {
     Q_OBJECT
 
 public:
     StripTab(const QString& title, const QString& identifier, const QString& description,
-             QWidget* parent);
+             StripKind kind, QWidget* parent);
 
-    QAccessible::Role accessibleRole() const override { return QAccessible::PageTab; }
+    QAccessible::Role accessibleRole() const override {
+        return kind_ == StripKind::tabs ? QAccessible::PageTab : QAccessible::RadioButton;
+    }
     void addAccessibleState(QAccessible::State& state) const override;
 
     QSize sizeHint() const override;
@@ -39,6 +44,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    StripKind kind_;
     bool hasRing_ = false;
 };
 
@@ -48,7 +54,8 @@ class TabStrip final : public QWidget, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    explicit TabStrip(const QString& accessibleName, QWidget* parent = nullptr);
+    explicit TabStrip(const QString& accessibleName, QWidget* parent = nullptr,
+                      StripKind kind = StripKind::tabs);
 
     /// Returns the new tab's index. The accessible description is `description`, after "1 of 3".
     /// The first tab is selected.
@@ -58,7 +65,9 @@ public:
     /// Only shows the selection; the owner calls this in answer to `chosen`.
     void setCurrentIndex(int index);
 
-    QAccessible::Role accessibleRole() const override { return QAccessible::PageTabList; }
+    QAccessible::Role accessibleRole() const override {
+        return kind_ == StripKind::tabs ? QAccessible::PageTabList : QAccessible::Grouping;
+    }
     /// Empty: the tabs report which of them is selected.
     QString accessibleValue() const override { return {}; }
 
@@ -73,6 +82,7 @@ protected:
 private:
     void choose(int index, Qt::FocusReason reason);
 
+    StripKind kind_;
     std::vector<StripTab*> tabs_;
     QStringList descriptions_;
     int current_ = 0;

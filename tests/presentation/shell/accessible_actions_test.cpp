@@ -14,6 +14,7 @@
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "advisor/advisor.h"
 #include "core/settings/settings_owner.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/shell/confirmation_dialog.h"
@@ -233,6 +234,17 @@ void engageStop(Rig& rig) {
     rig.settle();
 }
 
+/// One suggestion that can be run, with its trust record, and a draft that follows from it.
+void suggest(Rig& rig) {
+    Advisor& advisor = rig.machine.monitor().advisor();
+    const std::vector<AIActionSuggestion> suggestions{
+        {UUID::random(), "select_top", "Select it", "It helps.", "low"}};
+    advisor.suggestions.setAIActions(suggestions);
+    advisor.suggestions.approveAllSuggestions();
+    advisor.drafts.generateRuleDrafts(suggestions);
+    rig.settle();
+}
+
 std::vector<Place> places() {
     std::vector<Place> all{{u"without a target"_s, AppRoute::overview, [](Rig&) {}},
                            {u"processes without a target"_s, AppRoute::load, [](Rig&) {}},
@@ -243,8 +255,9 @@ std::vector<Place> places() {
     for (const AppRoute route : {AppRoute::overview, AppRoute::optimize, AppRoute::settings}) {
         all.push_back({u"stopped, "_s + text(rawValue(route)), route, engageStop});
     }
-    for (const SettingsTabKind tab : {SettingsTabKind::remote, SettingsTabKind::localMac,
-                                      SettingsTabKind::automation, SettingsTabKind::safety}) {
+    for (const SettingsTabKind tab :
+         {SettingsTabKind::ai, SettingsTabKind::remote, SettingsTabKind::localMac,
+          SettingsTabKind::automation, SettingsTabKind::safety}) {
         all.push_back(
             {u"settings %1"_s.arg(static_cast<int>(tab)), AppRoute::chat, [tab](Rig& rig) {
                  rig.machine.monitor().settingsOwner().set(&Settings::protectedAppNames,
@@ -256,6 +269,7 @@ std::vector<Place> places() {
                        engageStop(rig);
                        rig.openSettings(SettingsTabKind::safety);
                    }});
+    all.push_back({u"suggestions"_s, AppRoute::aiAdvisor, suggest});
     all.push_back({u"confirmation"_s, AppRoute::chat, &Rig::ask});
     all.push_back({u"about"_s, AppRoute::chat, &Rig::openAbout});
     all.push_back({u"panel"_s, AppRoute::chat, &Rig::openPanel});
@@ -365,6 +379,10 @@ TEST_F(AccessibleActionsTest, DoWhatTheHandDoes) {
         }
     }
     EXPECT_THAT(walked, Contains(u"tallowcrest::OptimizePage cleanup.never-quit"_s));
+    for (const char* each : {"ai.analyze", "ai.suggestion-1.run", "ai.reset-trust", "ai.draft-1",
+                             "ai.autonomy.autopilot"}) {
+        EXPECT_THAT(walked, Contains(u"tallowcrest::AdvisorPage "_s + QLatin1String(each)));
+    }
 }
 
 }  // namespace

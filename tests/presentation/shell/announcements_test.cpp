@@ -85,7 +85,7 @@ TEST_F(AnnouncementsInTheWindow, ATickRepeatsNothingInTheSettingsSheet) {
     settle();
     ASSERT_NE(visible("settings.sheet"), nullptr);
     using enum SettingsTabKind;
-    for (const SettingsTabKind tab : {remote, localMac, automation, safety}) {
+    for (const SettingsTabKind tab : {ai, remote, localMac, automation, safety}) {
         SCOPED_TRACE(static_cast<int>(tab));
         window().state().navigation.setSettingsTab(tab);
         expectNoneRepeated();

@@ -144,6 +144,7 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         EXPECT_EQ(shownScreen(), each == AppRoute::overview     ? u"OverviewPage"_s
                                  : each == AppRoute::load       ? u"LoadPage"_s
                                  : each == AppRoute::optimize   ? u"OptimizePage"_s
+                                 : each == AppRoute::aiAdvisor  ? u"AdvisorPage"_s
                                  : each == AppRoute::remoteMacs ? u"RemoteMacsPage"_s
                                  : each == AppRoute::history    ? u"HistoryPage"_s
                                  : each == AppRoute::settings   ? u"SettingsPage"_s

@@ -39,7 +39,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::load, "Select Top|Activity|Refresh"},
         {AppRoute::optimize, "Select Top|Top App|Purge|Activity|Refresh"},
         {AppRoute::optimizationSuggestions, "Refresh"},
-        {AppRoute::aiAdvisor, "Open Chat|Refresh"},
+        {AppRoute::aiAdvisor, "Local Analyze|Open Chat|Refresh"},
         {AppRoute::chat, "Refresh"},
         {AppRoute::remoteMacs, "Scan Remotes|Open Tailscale|Refresh"},
         {AppRoute::history, "Copy Report|Export|Refresh"},

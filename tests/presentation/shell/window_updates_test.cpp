@@ -15,6 +15,7 @@
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "advisor/advisor.h"
 #include "core/activity_kinds.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
@@ -56,6 +57,10 @@ enum class Source {
     remoteScan,
     remoteProfiles,
     remoteActions,
+    provider,
+    suggestions,
+    trust,
+    drafts,
 };
 
 using Sources = std::set<Source>;
@@ -65,6 +70,9 @@ constexpr std::array allSources{Source::sample,         Source::processDetails, 
                                 Source::review,         Source::actions,        Source::desk,
                                 Source::navigation,     Source::tailnet,        Source::remoteScan,
                                 Source::remoteProfiles, Source::remoteActions};
+Source::remoteProfiles, Source::remoteActions, Source::provider, Source::suggestions, Source::trust,
+    Source::drafts
+};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
@@ -77,6 +85,8 @@ Sources sourcesOfPage(AppRoute route) {
             return {sample, processDetails, review, settings, actions, automation};
         case AppRoute::optimizationSuggestions:
             return {sample, settings, automation};
+        case AppRoute::aiAdvisor:
+            return {sample, settings, provider, suggestions, trust, drafts};
         case AppRoute::remoteMacs:
             return {tailnet, remoteScan, remoteProfiles, remoteActions, settings, navigation};
         case AppRoute::history:
@@ -144,6 +154,14 @@ protected:
                 return monitor.remote().profiles.observable();
             case Source::remoteActions:
                 return monitor.remote().actions.observable();
+            case Source::provider:
+                return monitor.advisor().provider.observable();
+            case Source::suggestions:
+                return monitor.advisor().suggestions.observable();
+            case Source::trust:
+                return monitor.advisor().trust.observable();
+            case Source::drafts:
+                return monitor.advisor().drafts.observable();
         }
         throw std::logic_error("no such source");
     }
@@ -190,7 +208,7 @@ TEST_F(WindowUpdatesTest, EachPartFollowsExactlyWhatItShowsOnEveryRoute) {
 
 TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     using enum Source;
-    const Sources settingsSheet{sample, log, settings, rules, navigation};
+    const Sources settingsSheet{sample, log, settings, rules, navigation, provider};
     showWithSample();
     goTo(AppRoute::chat);
     openSettings(SettingsTabKind::automation);

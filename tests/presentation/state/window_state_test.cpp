@@ -22,7 +22,7 @@ TEST(Navigation, StartsOnTheOverviewWithAnEmptyFilter) {
     EXPECT_EQ(navigation.selectedRoute(), AppRoute::overview);
     EXPECT_EQ(navigation.processFilter(), "");
     EXPECT_FALSE(navigation.showSettings());
-    EXPECT_EQ(navigation.settingsTab(), SettingsTabKind::remote);
+    EXPECT_EQ(navigation.settingsTab(), SettingsTabKind::ai);
 }
 
 TEST(Navigation, NotifiesObserversOnlyOfChanges) {

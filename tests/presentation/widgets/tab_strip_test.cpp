@@ -105,5 +105,20 @@ TEST_F(TabStripTest, TabsAreAccessibleAndOneIsSelected) {
     EXPECT_THAT(chosen, ElementsAre(2));
 }
 
+TEST_F(TabStripTest, TheValuesOfASettingAreRadioButtons) {
+    TabStrip choices(u"Mode"_s, nullptr, StripKind::choices);
+    choices.addTab(u"One"_s, u"one"_s, u"About one"_s);
+    choices.addTab(u"Two"_s, u"two"_s, u"About two"_s);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&choices)->role(), QAccessible::Grouping);
+    const auto spoken = [&choices](int index) {
+        return QAccessible::queryAccessibleInterface(choices.findChildren<StripTab*>().at(index));
+    };
+    EXPECT_EQ(spoken(0)->role(), QAccessible::RadioButton);
+    EXPECT_TRUE(spoken(0)->state().checked);
+    EXPECT_FALSE(spoken(1)->state().checked);
+    EXPECT_FALSE(spoken(0)->state().selectable);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&tab(1))->role(), QAccessible::PageTab);
+}
+
 }  // namespace
 }  // namespace tallowcrest

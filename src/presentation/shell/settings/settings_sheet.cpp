@@ -14,15 +14,20 @@
 #include "actions/automation.h"
 #include "actions/connection_settings.h"
 #include "actions/local_actions.h"
+#include "advisor/advisor.h"
 #include "core/activity_log.h"
+#include "core/secret_text.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/automation_toggles.h"
+#include "presentation/screens/shared/autonomy_picker.h"
+#include "presentation/shell/settings/ai_tab.h"
 #include "presentation/shell/settings/automation_tab.h"
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
+#include "presentation/shell/settings/stored_field.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
@@ -41,6 +46,7 @@ namespace {
 constexpr int sheetWidth = 592;
 constexpr int leastHeight = 432;
 constexpr int mostHeight = 640;
+constexpr qsizetype longestKeyMessage = 200;
 
 using dashboard_text::text;
 
@@ -58,6 +64,7 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget
     // Not a `QStackedWidget`, whose role screen readers say before each first control.
     pages_ = new QStackedLayout;
     layout->addLayout(pages_, 1);
+    addAI();
     addRemote();
     addLocalMac();
     addAutomation();
@@ -74,8 +81,10 @@ SettingsSheet::SettingsSheet(SystemMonitor& monitor, WindowState& state, QWidget
 }
 
 SettingsSheet::~SettingsSheet() {
-    // The base class takes the focus out of the tab, which then reports a name that was typed.
-    remote_->disconnect(this);
+    // The base class takes the focus out of the tab, which then reports a text that was typed.
+    for (StoredField* field : {&ai_->model(), &ai_->endpoint(), &remote_->user()}) {
+        field->disconnect(this);
+    }
 }
 
 QWidget* SettingsSheet::makeHead() {
@@ -130,9 +139,84 @@ void SettingsSheet::addTab(SettingsTabKind kind, const char* words, const char* 
     pages_->addWidget(content);
 }
 
+void SettingsSheet::addAI() {
+    constexpr std::array switches{AutomationSwitch::aiSafeActionsEnabled};
+    auto* safeActions = makeSwitches(switches);
+    ai_ = new AITab(safeActions);
+    Provider& provider = monitor_.advisor().provider;
+    connectKey();
+    connect(&ai_->model(), &StoredField::entered, this, &SettingsSheet::takeModel);
+    connect(&ai_->endpoint(), &StoredField::entered, this, &SettingsSheet::takeEndpoint);
+    connect(ai_, &AITab::redactionWanted, this, [this, &provider](bool on) {
+        provider.setAIRedactProcessDetails(on);
+        showAI();
+    });
+    connect(ai_, &AITab::previewWanted, this, [this, &provider](bool on) {
+        provider.setAIRequirePreview(on);
+        showAI();
+    });
+    connect(ai_, &AITab::payloadCopyWanted, this, [&provider] { provider.copyAIPreview(); });
+    connectAutonomy(ai_->picker(), monitor_.actions().automation);
+    addTab(SettingsTabKind::ai, "AI", "settings.tab.ai",
+           "Which AI is asked, and what it may see and do", ai_, [this, safeActions] {
+               safeActions->show(automationFacts(monitor_));
+               showAI();
+           });
+}
+
+void SettingsSheet::connectKey() {
+    Provider& provider = monitor_.advisor().provider;
+    connect(ai_, &AITab::keySaveWanted, this, [this, &provider](std::string_view typed) {
+        provider.setOpenAIKeyInput(SecretText(typed));
+        const Outcome outcome = provider.saveOpenAIKey();
+        if (outcome.isAccepted()) {
+            showAI();
+        } else {
+            ai_->showKeyRefusal(text(outcome.message));
+        }
+    });
+    connect(ai_, &AITab::keyRemovalWanted, this, [this, &provider] {
+        provider.removeOpenAIKey();
+        showAI();
+    });
+    connect(this, &QDialog::finished, this, [this, &provider] {
+        ai_->forgetKey();
+        provider.setOpenAIKeyInput({});
+    });
+}
+
+void SettingsSheet::takeModel(const QString& typed) {
+    connection_settings::setOpenAIModel(monitor_.settingsOwner(), typed.toStdString());
+    ai_->model().setStored(text(monitor_.settings().openAIModel));
+}
+
+void SettingsSheet::takeEndpoint(const QString& typed) {
+    const Outcome outcome = monitor_.advisor().provider.setAIEndpoint(typed.toStdString());
+    if (outcome.isAccepted()) {
+        ai_->endpoint().setStored(text(monitor_.settings().aiEndpoint));
+    } else {
+        ai_->endpoint().showRefusal(text(outcome.message));
+    }
+}
+
+void SettingsSheet::showAI() {
+    const Provider& provider = monitor_.advisor().provider;
+    const ProviderState& state = provider.state();
+    const Settings& settings = monitor_.settings();
+    ai_->show({.isKeySaved = state.openAIKeySaved,
+               .isKeyBusy = state.isKeyBusy,
+               .hasKeyInput = !provider.openAIKeyInput().isEmpty(),
+               .keyMessage = dashboard_text::shortText(state.aiInsight, longestKeyMessage),
+               .model = text(settings.openAIModel),
+               .endpoint = text(settings.aiEndpoint),
+               .isRedacted = settings.aiRedactProcessDetails,
+               .requiresPreview = settings.aiRequirePreview,
+               .mode = settings.aiAutonomyMode});
+}
+
 void SettingsSheet::addRemote() {
     remote_ = new RemoteTab;
-    connect(remote_, &RemoteTab::usernameEntered, this, &SettingsSheet::takeUsername);
+    connect(&remote_->user(), &StoredField::entered, this, &SettingsSheet::takeUsername);
     connect(remote_, &RemoteTab::publicKeyCopyWanted, this,
             [this] { monitor_.remote().actions.copyLocalPublicKey(); });
     addTab(SettingsTabKind::remote, "Remote", "settings.tab.remote",
@@ -146,15 +230,15 @@ void SettingsSheet::takeUsername(const QString& typed) {
     const std::string name = typed.toStdString();
     const std::string& stored = monitor_.settings().sshUsername;
     if (name == stored) {
-        remote_->setUsername(text(stored));
+        remote_->user().setStored(text(stored));
         return;
     }
     const Outcome outcome =
         connection_settings::setSSHUsername(monitor_.settingsOwner(), monitor_.log(), name);
     if (outcome.isAccepted()) {
-        remote_->setUsername(text(stored));
+        remote_->user().setStored(text(stored));
     } else {
-        remote_->showRefusal(text(outcome.message));
+        remote_->user().showRefusal(text(outcome.message));
     }
 }
 
@@ -223,13 +307,15 @@ AutomationToggles* SettingsSheet::makeSwitches(std::span<const AutomationSwitch>
 }
 
 std::vector<Observable*> SettingsSheet::shows(SystemMonitor& monitor, WindowState& state) {
-    return {&state.navigation.observable(), &monitor.settingsOwner().observable(),
-            &monitor.log().observable(), &monitor.sample().observable(),
-            &monitor.autoRules().observable()};
+    return {&state.navigation.observable(),    &monitor.settingsOwner().observable(),
+            &monitor.log().observable(),       &monitor.sample().observable(),
+            &monitor.autoRules().observable(), &monitor.advisor().provider.observable()};
 }
 
 void SettingsSheet::start() {
-    remote_->setUsername(text(monitor_.settings().sshUsername));
+    ai_->model().setStored(text(monitor_.settings().openAIModel));
+    ai_->endpoint().setStored(text(monitor_.settings().aiEndpoint));
+    remote_->user().setStored(text(monitor_.settings().sshUsername));
     resize(sheetWidth, std::clamp(parentWidget()->height() - 2 * spacing::pagePadding, leastHeight,
                                   mostHeight));
     setMinimumSize(sheetWidth, leastHeight);

@@ -13,6 +13,7 @@ class QStackedLayout;
 
 namespace tallowcrest {
 
+class AITab;
 class AutomationTab;
 class AutomationToggles;
 class ElidedLabel;
@@ -50,12 +51,17 @@ private:
     QWidget* makeFoot();
     void addTab(SettingsTabKind kind, const char* words, const char* identifier,
                 const char* description, SettingsTab* content, std::function<void()> show);
+    void addAI();
+    void connectKey();
     void addRemote();
     void addLocalMac();
     void addAutomation();
     void addSafety();
     AutomationToggles* makeSwitches(std::span<const AutomationSwitch> switches);
     void takeUsername(const QString& typed);
+    void takeModel(const QString& typed);
+    void takeEndpoint(const QString& typed);
+    void showAI();
     void showSafety();
 
     SystemMonitor& monitor_;
@@ -63,6 +69,7 @@ private:
     std::vector<Tab> tabs_;
     TabStrip* strip_ = nullptr;
     QStackedLayout* pages_ = nullptr;
+    AITab* ai_ = nullptr;
     RemoteTab* remote_ = nullptr;
     AutomationTab* automation_ = nullptr;
     SafetyTab* safety_ = nullptr;

@@ -35,8 +35,7 @@ TEST_F(ComingPageTest, EveryRouteSaysThatItSamplesUntilTheFirstSample) {
 
 TEST_F(ComingPageTest, TheWorkspaceBarIsAboveTheTextOnItsSteps) {
     showWithSample();
-    for (const AppRoute each :
-         {AppRoute::optimizationSuggestions, AppRoute::aiAdvisor, AppRoute::chat}) {
+    for (const AppRoute each : {AppRoute::optimizationSuggestions, AppRoute::chat}) {
         goTo(each);
         SCOPED_TRACE(std::string(title(each)));
         const QString identifier = u"coming."_s + QString::fromUtf8(rawValue(each).data());

@@ -19,8 +19,9 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr SettingsTabKind tabKinds[] = {SettingsTabKind::remote, SettingsTabKind::localMac,
-                                        SettingsTabKind::automation, SettingsTabKind::safety};
+constexpr SettingsTabKind tabKinds[] = {SettingsTabKind::ai, SettingsTabKind::remote,
+                                        SettingsTabKind::localMac, SettingsTabKind::automation,
+                                        SettingsTabKind::safety};
 
 class SettingsSheetTest : public SettingsFixture {
 protected:
@@ -45,7 +46,7 @@ TEST_F(SettingsSheetTest, SaysWhatItIsForWordForWord) {
     for (const StripTab* tab : tabs()) {
         words.append(tab->text());
     }
-    EXPECT_EQ(words.join(u'|'), u"Remote|Local Mac|Automation|Safety"_s);
+    EXPECT_EQ(words.join(u'|'), u"AI|Remote|Local Mac|Automation|Safety"_s);
     EXPECT_EQ(strip().accessibleName(), u"Settings"_s);
     EXPECT_EQ(strip().accessibleDescription(), u"The parts of the settings"_s);
     EXPECT_EQ(sheet().windowModality(), Qt::WindowModal);
@@ -154,8 +155,13 @@ TEST_F(SettingsSheetTest, ARefusalIsShownInTheSheet) {
 TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
     machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker", "Mail"});
     for (const auto& [tab, controls] :
-         {std::pair{SettingsTabKind::remote,
-                    "settings.tab.remote settings.ssh-user settings.copy-public-key"},
+         {std::pair{SettingsTabKind::ai,
+                    "settings.tab.ai settings.ai-key settings.ai-key.save settings.ai-model "
+                    "settings.ai-endpoint settings.ai-safe-actions settings.ai-redact "
+                    "settings.ai-preview settings.ai-copy-payload "
+                    "settings.autonomy.apprentice"},
+          {SettingsTabKind::remote,
+           "settings.tab.remote settings.ssh-user settings.copy-public-key"},
           {SettingsTabKind::localMac,
            "settings.tab.local-mac settings.notification-actions settings.expand-sections "
            "settings.collapse-sections"},
@@ -253,7 +259,7 @@ TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
                 << each->objectName().toStdString();
         }
     }
-    EXPECT_EQ(controls.size(), 20U);
+    EXPECT_EQ(controls.size(), 33U);
 }
 
 // Sizes ------------------------------------------------------------------------------------------

@@ -9,11 +9,10 @@
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
-#include "presentation/widgets/card.h"
+#include "presentation/shell/settings/stored_field.h"
 #include "presentation/widgets/step_slider.h"
-#include "tests/presentation/scoped_locale.h"
 #include "tests/presentation/shell/announcements.h"
-#include "tests/presentation/widget_fixture.h"
+#include "tests/presentation/shell/settings/tab_fixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,39 +22,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A tab without its sheet, which tests give plain values.
-template <class Tab>
-class TabFixture : public WidgetFixture {
-protected:
-    template <class... Arguments>
-    explicit TabFixture(Arguments... arguments) : tab(arguments...) {
-        tab.resize(592, 640);
-        tab.setVisible(true);
-        tab.activateWindow();
-    }
-    void SetUp() override { ASSERT_TRUE(QTest::qWaitForWindowActive(&tab)); }
-
-    QWidget& root() override { return tab; }
-
-    QStringList headings() {
-        QStringList found;
-        for (const Card* card : tab.template findChildren<Card*>()) {
-            found.append(card->accessibleName());
-        }
-        return found;
-    }
-
-    const ScopedLocale locale{"en_US"};
-    Tab tab;
-};
-
 // Remote -----------------------------------------------------------------------------------------
 
 class RemoteTabTest : public TabFixture<RemoteTab> {
 protected:
     RemoteTabTest() {
         tab.show(u"owner"_s, u"A key."_s);
-        QObject::connect(&tab, &RemoteTab::usernameEntered,
+        QObject::connect(&tab.user(), &StoredField::entered,
                          [this](const QString& typed) { entered.append(typed); });
     }
 
@@ -83,7 +56,7 @@ TEST_F(RemoteTabTest, ANameIsEnteredByReturnAndByLeavingTheField) {
     EXPECT_THAT(entered, IsEmpty()) << "not while it is being typed";
     press(Qt::Key_Return);
     EXPECT_THAT(entered, ElementsAre(u"  build.bot-2 "_s));
-    tab.setUsername(u"build.bot-2"_s);
+    tab.user().setStored(u"build.bot-2"_s);
     EXPECT_EQ(user().text(), u"build.bot-2"_s);
     type("someone");
     user().clearFocus();
@@ -94,7 +67,7 @@ TEST_F(RemoteTabTest, ARefusedNameStaysInTheFieldToBeCorrected) {
     type("two words");
     press(Qt::Key_Return);
     EXPECT_EQ(refusal(), u"(not shown)"_s);
-    tab.showRefusal(u"No."_s);
+    tab.user().showRefusal(u"No."_s);
     EXPECT_EQ(refusal(), u"No."_s);
     EXPECT_EQ(user().accessibleDescription(), u"No."_s);
     {
@@ -111,9 +84,9 @@ TEST_F(RemoteTabTest, ARefusedNameStaysInTheFieldToBeCorrected) {
     EXPECT_EQ(refusal(), u"(not shown)"_s);
     press(Qt::Key_Return);
     EXPECT_THAT(entered, ElementsAre(u"two words"_s, u"two word"_s));
-    tab.showRefusal(u"No."_s);
+    tab.user().showRefusal(u"No."_s);
     EXPECT_EQ(refusal(), u"No."_s);
-    tab.setUsername(u"owner"_s);
+    tab.user().setStored(u"owner"_s);
     EXPECT_EQ(user().text(), u"owner"_s);
     EXPECT_EQ(refusal(), u"(not shown)"_s);
 }
@@ -129,7 +102,7 @@ TEST_F(RemoteTabTest, ANameThatAssistiveTechnologySetsIsEnteredToo) {
     user().setFocus();
     user().clearFocus();
     EXPECT_THAT(entered, ElementsAre(u"two words"_s));
-    tab.showRefusal(u"No."_s);
+    tab.user().showRefusal(u"No."_s);
     set(u"someone"_s);
     EXPECT_EQ(refusal(), u"(not shown)"_s);
     tab.hide();

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <QString>
+
+#include "advisor/autonomy.h"
+#include "core/advisor_records.h"
+#include "core/uuid.h"
+
+/// The texts of AI Advisor. Main thread.
+namespace tallowcrest::advisor_lines {
+
+/// The promise of the page.
+QString lead();
+
+/// "Enhanced AI connected", with the host of a service that is not the usual one (empty for that),
+/// or "On-device guidance active".
+QString connectionState(bool isKeySaved, std::string_view host);
+
+/// The title of the analysis button in the header of the page.
+QString headerAnalyze(bool isKeySaved, bool isBusy);
+
+/// How long an analysis has taken, and how long it can take: "Asking OpenAI… 12 s of at most 30 s".
+/// Beyond that it can only be the secret store that waits for the owner.
+QString progress(std::string_view service, std::chrono::seconds elapsed);
+
+/// "AI payload mode: process details redacted, confirmation required"
+QString payloadMode(bool isRedacted, bool requiresConfirmation);
+
+/// An answer, as far as it is shown.
+QString answer(std::string_view utf8);
+
+/// A suggestion, with why its button cannot run it.
+struct SuggestionLine {
+    UUID id;
+    QString title;
+    QString detail;
+    QString risk;             ///< "Risk: low"
+    bool isCautious = false;  ///< of any other risk than low
+    bool isApproved = false;
+    QString runTitle;
+    QString refusal;  ///< empty when it can run
+
+    bool operator==(const SuggestionLine&) const = default;
+};
+
+/// In the order of the actions. `memoryPressure` is 0 before the first sample.
+std::vector<SuggestionLine> suggestionLines(std::span<const AIActionSuggestion> actions,
+                                            const std::set<UUID>& approved, double memoryPressure,
+                                            double warningThreshold);
+
+/// What stands where there are no suggestions.
+QString noSuggestions(bool isKeySaved);
+
+struct TrustLine {
+    QString name;
+    QString label;  ///< "New", "Learning" or "Trusted"
+    int percent = 0;
+    QString figures;
+
+    bool operator==(const TrustLine&) const = default;
+};
+
+inline constexpr std::size_t mostTrustLines = 24;
+
+/// The records by their action type, the first `mostTrustLines` of them.
+std::vector<TrustLine> trustLines(const TrustRecords& records);
+/// "and 3 more"; empty when all are shown.
+QString moreTrust(std::size_t records);
+
+struct DraftLine {
+    UUID id;
+    QString title;
+    QString trigger;  ///< "When: …"
+    QString action;   ///< "Then: …"
+    QString risk;     ///< "Risk: low"
+    bool isEnabled = false;
+
+    bool operator==(const DraftLine&) const = default;
+};
+
+/// Oldest first, as the drafts are.
+std::vector<DraftLine> draftLines(std::span<const AIRuleDraft> drafts);
+
+}  // namespace tallowcrest::advisor_lines

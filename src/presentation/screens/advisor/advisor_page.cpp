@@ -1,0 +1,248 @@
+#include "presentation/screens/advisor/advisor_page.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+
+#include <QHBoxLayout>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "actions/actions.h"
+#include "actions/automation.h"
+#include "advisor/advisor.h"
+#include "core/clock.h"
+#include "core/settings/settings_owner.h"
+#include "monitor/system_monitor.h"
+#include "presentation/screens/advisor/advisor_lines.h"
+#include "presentation/screens/advisor/guidance_card.h"
+#include "presentation/screens/advisor/rule_drafts_card.h"
+#include "presentation/screens/advisor/suggestions_card.h"
+#include "presentation/screens/advisor/trust_card.h"
+#include "presentation/screens/shared/autonomy_picker.h"
+#include "presentation/screens/shared/workspace_bar.h"
+#include "presentation/state/advisor_payload.h"
+#include "presentation/state/window_state.h"
+#include "presentation/widgets/announcer.h"
+#include "presentation/widgets/card.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/icon.h"
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/theme.h"
+#include "presentation/widgets/two_columns.h"
+#include "presentation/words/dashboard_text.h"
+#include "sampling/latest_sample.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using dashboard_text::text;
+
+/// As much of an answer as is read out when it arrives.
+constexpr qsizetype mostSpoken = 600;
+
+}  // namespace
+
+AdvisorPage::AdvisorPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state), second_(new QTimer(this)) {
+    second_->setObjectName(u"ai.progress.timer"_s);
+    second_->setInterval(std::chrono::seconds(1));
+    connect(second_, &QTimer::timeout, this, &AdvisorPage::showProgress);
+    auto* content = new QWidget;
+    auto* layout = makePageColumn(*content);
+    auto* bar = new WorkspaceBar(AppRoute::aiAdvisor, content);
+    connect(bar, &WorkspaceBar::routeWanted, this,
+            [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
+    layout->addWidget(bar);
+    layout->addWidget(makeLead());
+    makeCards();
+    auto* columns = new TwoColumns(content);
+    columns->setColumns({guidance_, suggestions_}, {trust_, drafts_});
+    layout->addWidget(columns);
+    layout->addStretch(1);
+    scrollOnPage(content, *this);
+}
+
+QWidget* AdvisorPage::makeLead() {
+    auto* card = new Card;
+    card->setObjectName(u"ai.lead"_s);
+    card->setAccessibleName(u"What AI can do"_s);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(spacing::unit);
+    row->addWidget(new IconView(u"lock.shield"_s, &CrestTheme::secondaryText), 0, Qt::AlignTop);
+    auto* words = new ElidedLabel(advisor_lines::lead(), onCard(&CrestFonts::body), card);
+    words->setObjectName(u"ai.lead.words"_s);
+    words->setLines(1, 4);
+    row->addWidget(words, 1);
+    card->contentLayout()->addLayout(row);
+    return card;
+}
+
+void AdvisorPage::makeCards() {
+    guidance_ = new GuidanceCard;
+    suggestions_ = new SuggestionsCard;
+    trust_ = new TrustCard;
+    drafts_ = new RuleDraftsCard;
+    connectGuidance();
+    connectSuggestions();
+    connectTrustAndDrafts();
+}
+
+void AdvisorPage::connectGuidance() {
+    connect(guidance_, &GuidanceCard::analyzeWanted, this, &AdvisorPage::analyze);
+    connect(guidance_, &GuidanceCard::payloadCopyWanted, this, [this] {
+        const Outcome outcome = monitor_.advisor().provider.copyAIPreview();
+        guidance_->showRefusal(outcome.isAccepted() ? QString() : text(outcome.message));
+    });
+    connect(guidance_, &GuidanceCard::payloadToggled, this, &AdvisorPage::togglePayload);
+}
+
+void AdvisorPage::connectSuggestions() {
+    Suggestions& suggestions = monitor_.advisor().suggestions;
+    connect(suggestions_, &SuggestionsCard::approveAllWanted, this,
+            [this, &suggestions] { showOutcome(suggestions.approveAllSuggestions()); });
+    connect(suggestions_, &SuggestionsCard::runApprovedWanted, this,
+            [this, &suggestions] { showOutcome(suggestions.runApprovedSuggestions()); });
+    connect(suggestions_, &SuggestionsCard::approveWanted, this,
+            [this](const UUID& id) { withSuggestion(id, &Suggestions::approveSuggestion); });
+    connect(suggestions_, &SuggestionsCard::runWanted, this,
+            [this](const UUID& id) { withSuggestion(id, &Suggestions::runSuggestion); });
+}
+
+void AdvisorPage::connectTrustAndDrafts() {
+    connectAutonomy(trust_->picker(), monitor_.actions().automation);
+    connect(trust_, &TrustCard::resetWanted, this,
+            [this] { monitor_.advisor().trust.resetTrustHistory(); });
+    connect(drafts_, &RuleDraftsCard::draftsWanted, this, &AdvisorPage::analyze);
+    connect(drafts_, &RuleDraftsCard::toggleWanted, this, [this](const UUID& id) {
+        RuleDrafts& drafts = monitor_.advisor().drafts;
+        const auto found = std::ranges::find(drafts.aiRuleDrafts(), id, &AIRuleDraft::id);
+        if (found != drafts.aiRuleDrafts().end()) {
+            drafts.toggleRuleDraft(AIRuleDraft(*found));
+        }
+    });
+}
+
+void AdvisorPage::analyze() {
+    Provider& provider = monitor_.advisor().provider;
+    if (!provider.state().aiBusy) {
+        suggestions_->showRefusal({});
+        // A refusal is the answer.
+        provider.requestAIAnalysis();
+    }
+}
+
+void AdvisorPage::togglePayload() {
+    if (guidance_->showsPayload()) {
+        guidance_->showPayload({});
+        return;
+    }
+    const QString payload = advisorPayload(monitor_);
+    guidance_->showPayload(payload);
+    guidance_->showRefusal(payload.isEmpty() ? u"No AI payload preview is available yet."_s
+                                             : QString());
+}
+
+void AdvisorPage::withSuggestion(const UUID& id,
+                                 Outcome (Suggestions::*operation)(const AIActionSuggestion&)) {
+    Suggestions& suggestions = monitor_.advisor().suggestions;
+    const auto found = std::ranges::find(suggestions.aiActions(), id, &AIActionSuggestion::id);
+    if (found != suggestions.aiActions().end()) {
+        showOutcome((suggestions.*operation)(AIActionSuggestion(*found)));
+    }
+}
+
+void AdvisorPage::showOutcome(const Outcome& outcome) {
+    const bool isRefused =
+        outcome.kind == Outcome::Kind::refused || outcome.kind == Outcome::Kind::failed;
+    suggestions_->showRefusal(isRefused ? dashboard_text::shortText(outcome.message, 300)
+                                        : QString());
+}
+
+std::vector<Observable*> AdvisorPage::shows() const {
+    Advisor& advisor = monitor_.advisor();
+    return {&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
+            &advisor.provider.observable(),  &advisor.suggestions.observable(),
+            &advisor.trust.observable(),     &advisor.drafts.observable()};
+}
+
+std::vector<HeaderAction> AdvisorPage::headerActions() {
+    return {{{"Local Analyze", "sparkle.magnifyingglass", "Explains the present state"},
+             u"aiAdvisor.analyze"_s,
+             [this] { analyze(); },
+             [this] {
+                 const ProviderState& state = monitor_.advisor().provider.state();
+                 return advisor_lines::headerAnalyze(state.openAIKeySaved, state.aiBusy);
+             }},
+            {{"Open Chat", "message", "Goes to Chat"}, u"aiAdvisor.open-chat"_s, [this] {
+                 state_.navigation.setSelectedRoute(AppRoute::chat);
+             }}};
+}
+
+void AdvisorPage::refresh() {
+    showGuidance();
+    showAnswer();
+    showSuggestions();
+    Advisor& advisor = monitor_.advisor();
+    trust_->picker().setMode(monitor_.settings().aiAutonomyMode);
+    trust_->show(advisor.trust.aiTrustRecords());
+    drafts_->show(advisor.drafts.aiRuleDrafts());
+    drafts_->setBusy(advisor.provider.state().aiBusy);
+    showProgress();
+}
+
+void AdvisorPage::showGuidance() {
+    const Provider& provider = monitor_.advisor().provider;
+    const Settings& settings = monitor_.settings();
+    const bool isKeySaved = provider.state().openAIKeySaved;
+    guidance_->show(
+        {.connection = advisor_lines::connectionState(
+             isKeySaved, settings.aiEndpoint.empty() ? std::string() : provider.serviceName()),
+         .isConnected = isKeySaved,
+         .isBusy = provider.state().aiBusy,
+         .payloadMode = advisor_lines::payloadMode(settings.aiRedactProcessDetails,
+                                                   settings.aiRequirePreview)});
+}
+
+void AdvisorPage::showAnswer() {
+    const std::string& answer = monitor_.advisor().provider.state().aiInsight;
+    if (shownAnswer_ == answer) {
+        return;
+    }
+    const bool isFirst = !shownAnswer_;
+    shownAnswer_ = answer;
+    const QString shown = advisor_lines::answer(answer);
+    guidance_->showAnswer(shown);
+    if (!isFirst) {
+        announce(*this, shown.left(mostSpoken));
+    }
+}
+
+void AdvisorPage::showSuggestions() {
+    const Suggestions& suggestions = monitor_.advisor().suggestions;
+    const auto& snapshot = monitor_.sample().snapshot();
+    suggestions_->show(
+        advisor_lines::suggestionLines(suggestions.aiActions(), suggestions.approvedAIActionIDs(),
+                                       snapshot ? snapshot->memory.pressure : 0.0,
+                                       monitor_.settings().warningThreshold),
+        advisor_lines::noSuggestions(monitor_.advisor().provider.state().openAIKeySaved));
+}
+
+void AdvisorPage::showProgress() {
+    const Provider& provider = monitor_.advisor().provider;
+    const ProviderState& state = provider.state();
+    if (!state.aiBusy || !isVisible()) {
+        second_->stop();
+    } else if (!second_->isActive()) {
+        second_->start();
+    }
+    const std::chrono::seconds elapsed(static_cast<std::int64_t>(
+        secondsBetween(state.aiBusySince, monitor_.services().clock.now())));
+    guidance_->showProgress(state.aiBusy ? advisor_lines::progress(provider.serviceName(), elapsed)
+                            : monitor_.sample().snapshot() ? QString()
+                                                           : u"Sampling this Mac..."_s);
+}
+
+}  // namespace tallowcrest

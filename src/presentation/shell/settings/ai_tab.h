@@ -1,0 +1,91 @@
+#pragma once
+
+#include <string_view>
+
+#include <QString>
+
+#include "presentation/shell/settings/settings_tab.h"
+#include "presentation/words/automation_lines.h"
+
+class QPushButton;
+
+namespace tallowcrest {
+
+class AutomationToggle;
+class AutonomyPicker;
+class DangerButton;
+class ElidedLabel;
+class RefusalLine;
+class SecretField;
+class StoredField;
+
+/// What the tab shows of the advisor's provider and settings.
+struct AITabState {
+    bool isKeySaved = false;
+    bool isKeyBusy = false;
+    /// Whether a typed key has been taken and is not stored yet.
+    bool hasKeyInput = false;
+    QString keyMessage;  ///< what became of the key last
+    QString model;
+    QString endpoint;
+    bool isRedacted = true;
+    bool requiresPreview = true;
+    AIAutonomyMode mode = AIAutonomyMode::apprentice;
+};
+
+/// The settings of the advisor. Main thread.
+class AITab final : public SettingsTab {
+    Q_OBJECT
+
+public:
+    /// Takes ownership of the switch of the safe actions.
+    explicit AITab(QWidget* safeActions, QWidget* parent = nullptr);
+
+    /// A key or a value that is being typed or was refused stays.
+    void show(const AITabState& state);
+
+    /// Forgets what was typed as a key. Called when the sheet closes.
+    void forgetKey();
+    /// Shows why the key was refused; the typed one stays.
+    void showKeyRefusal(const QString& words);
+
+    StoredField& model() { return *model_; }
+    StoredField& endpoint() { return *endpoint_; }
+    AutonomyPicker& picker() { return *picker_; }
+
+signals:
+    /// The owner asked to save the key `typed`, in UTF-8, which is overwritten afterwards.
+    void keySaveWanted(std::string_view typed);
+    /// The owner pressed "Remove Key".
+    void keyRemovalWanted();
+    // The owner asked to turn a switch. It stays as it is until `show`.
+    void redactionWanted(bool on);
+    void previewWanted(bool on);
+    /// The owner pressed "Copy AI Payload Preview".
+    void payloadCopyWanted();
+
+private:
+    QWidget* makeKey(QWidget* card);
+    QWidget* makeIntelligence();
+    QWidget* makePayload(QWidget* safeActions);
+    QWidget* makeAutonomy();
+    void saveKey();
+    void showKey(const AITabState& state);
+
+    /// What was asked for here and is not answered yet.
+    enum class KeyTask { none, save, removal };
+
+    KeyTask task_ = KeyTask::none;
+    ElidedLabel* keyState_ = nullptr;
+    DangerButton* remove_ = nullptr;
+    SecretField* key_ = nullptr;
+    QPushButton* save_ = nullptr;
+    RefusalLine* keyRefusal_ = nullptr;
+    StoredField* model_ = nullptr;
+    StoredField* endpoint_ = nullptr;
+    AutomationToggle* redaction_ = nullptr;
+    AutomationToggle* preview_ = nullptr;
+    AutonomyPicker* picker_ = nullptr;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+namespace tallowcrest {
+
+class SystemMonitor;
+
+/// The whole text that an analysis would send now: the instructions for the model and the report,
+/// as the settings have it. Empty before the first sample. Main thread.
+QString advisorPayload(SystemMonitor& monitor);
+
+}  // namespace tallowcrest

@@ -1,0 +1,137 @@
+#include "presentation/widgets/selectable_text.h"
+
+#include <cmath>
+
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QTextDocument>
+#include <QTextDocumentFragment>
+#include <QTextOption>
+#include <QWheelEvent>
+
+#include "presentation/widgets/page_scroll_area.h"
+#include "presentation/widgets/theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+constexpr int textMargin = 10;
+constexpr int preferredWidth = 480;
+constexpr int frameRadius = 8;
+
+}  // namespace
+
+SelectableText::SelectableText(const QString& identifier, QWidget* parent) : QTextEdit(parent) {
+    installAccessibleFigures();
+    setObjectName(identifier);
+    setFont(CrestFonts::current().body);
+    setAccessibleDescription(u"The text can be selected and copied"_s);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+    setUndoRedoEnabled(false);
+    setAcceptRichText(false);
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTabChangesFocus(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(false);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    prepare(*document());
+}
+
+void SelectableText::prepare(QTextDocument& document) const {
+    document.setDefaultFont(font());
+    document.setDocumentMargin(textMargin);
+    QTextOption option;
+    // A word that is longer than the line must not widen the page.
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    document.setDefaultTextOption(option);
+}
+
+void SelectableText::showText(const QString& text) {
+    if (text == text_) {
+        return;
+    }
+    text_ = text;
+    heights_.clear();
+    setPlainText(text);
+    setSpokenName(*this, text);
+    updateGeometry();
+}
+
+QSize SelectableText::sizeHint() const {
+    return {preferredWidth, minimumSizeHint().height()};
+}
+
+QSize SelectableText::minimumSizeHint() const {
+    const QFontMetrics metrics(font());
+    return {2 * textMargin + metrics.horizontalAdvance(u'W'),
+            2 * textMargin + metrics.lineSpacing()};
+}
+
+int SelectableText::heightForWidth(int width) const {
+    const auto known = heights_.find(width);
+    if (known != heights_.end()) {
+        return known->second;
+    }
+    // Not the document that is shown, which would have to be laid out again afterwards.
+    QTextDocument measured;
+    prepare(measured);
+    measured.setPlainText(text_);
+    measured.setTextWidth(width);
+    const auto height = static_cast<int>(std::ceil(measured.size().height()));
+    heights_.emplace(width, height);
+    return height;
+}
+
+void SelectableText::changeEvent(QEvent* event) {
+    QTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        heights_.clear();
+        updateGeometry();
+    }
+}
+
+QMimeData* SelectableText::createMimeDataFromSelection() const {
+    auto* copied = new QMimeData;
+    copied->setText(textCursor().selection().toPlainText());
+    return copied;
+}
+
+void SelectableText::keyPressEvent(QKeyEvent* event) {
+    if (isPageScrollKey(event->key()) && event->modifiers() == Qt::NoModifier) {
+        event->ignore();
+        return;
+    }
+    QTextEdit::keyPressEvent(event);
+}
+
+void SelectableText::paintEvent(QPaintEvent* event) {
+    {
+        const CrestTheme& theme = CrestTheme::current();
+        QPainter painter(viewport());
+        painter.setRenderHint(QPainter::Antialiasing);
+        const double inset = hasFocus() ? 1.0 : 0.5;
+        painter.setPen(
+            QPen(hasFocus() ? theme.accentText : theme.hairline, hasFocus() ? 2.0 : 1.0));
+        painter.setBrush(theme.textFieldBackground);
+        painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(inset, inset, -inset, -inset),
+                                frameRadius, frameRadius);
+    }
+    QTextEdit::paintEvent(event);
+}
+
+void SelectableText::wheelEvent(QWheelEvent* event) {
+    // For what is around it.
+    event->ignore();
+}
+
+}  // namespace tallowcrest

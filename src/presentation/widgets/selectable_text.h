@@ -1,0 +1,48 @@
+#pragma once
+
+#include <map>
+
+#include <QString>
+#include <QTextEdit>
+
+#include "presentation/widgets/accessibility.h"
+
+namespace tallowcrest {
+
+/// A long plain text in a frame, which can be selected and copied by pointer and keyboard. It wraps
+/// and is as high as its text, so that what is around it scrolls. To assistive technology it is one
+/// static text. Main thread.
+class SelectableText final : public QTextEdit, public AccessibleFigure {
+    Q_OBJECT
+
+public:
+    explicit SelectableText(const QString& identifier, QWidget* parent = nullptr);
+
+    /// Plain text: markup is shown as it is, and line feeds end lines. The same text changes
+    /// nothing, so that a selection stays.
+    void showText(const QString& text);
+    const QString& shownText() const { return text_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
+    QString accessibleValue() const override { return text_; }
+
+protected:
+    void changeEvent(QEvent* event) override;
+    QMimeData* createMimeDataFromSelection() const override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void prepare(QTextDocument& document) const;
+
+    QString text_;
+    mutable std::map<int, int> heights_;  ///< by width, of the present text and font
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,218 @@
+#include "presentation/screens/advisor/advisor_page.h"
+
+#include <chrono>
+
+#include <QTimer>
+
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
+#include "presentation/shell/confirmation_dialog.h"
+#include "tests/presentation/screens/advisor/advisor_fixture.h"
+#include "tests/presentation/shell/announcements.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+class AdvisorPageTest : public AdvisorFixture {};
+
+TEST_F(AdvisorPageTest, SaysWhatItIsForWordForWord) {
+    showAdvisor();
+    EXPECT_EQ(textOf("ai.lead.words"),
+              u"AI can explain signals and propose reversible actions. It cannot quit apps, kill "
+              "processes, or change remote Macs without you choosing a visible control."_s);
+    EXPECT_EQ(textOf("ai.connection-state"), u"On-device guidance active"_s);
+    EXPECT_EQ(answer(),
+              u"Local recommendations are active. Connect paid AI for deeper explanations and "
+              "follow-up questions."_s);
+    EXPECT_EQ(textOf("ai.payload-mode"),
+              u"AI payload mode: process details redacted, confirmation required"_s);
+    EXPECT_EQ(visible("ai.suggestions")->accessibleName(), u"Suggested Actions"_s);
+    EXPECT_EQ(textOf("ai.suggestions.note"),
+              u"AI safe actions can only select a process, scan remotes, or purge caches when "
+              "memory pressure is already high. Quitting remains manual."_s);
+    EXPECT_EQ(visible("ai.trust")->accessibleName(), u"Advisor Trust"_s);
+    EXPECT_EQ(textOf("ai.autonomy.line"), u"AI suggests actions. You approve and run them."_s);
+    EXPECT_EQ(textOf("ai.trust.empty"),
+              u"No trust history yet. Approve and run AI suggestions a few times to teach "
+              "Tallowcrest what you trust."_s);
+    EXPECT_EQ(visible("ai.drafts")->accessibleName(), u"AI Rule Drafts"_s);
+    EXPECT_EQ(textOf("ai.drafts.note"),
+              u"Drafts are suggestions only. Enable them here when they match how you want this "
+              "Mac to behave."_s);
+    EXPECT_EQ(textOf("ai.drafts.empty"),
+              u"Run AI Analyze to draft optional automation rules from current patterns."_s);
+    QStringList titles;
+    for (const char* identifier : {"ai.analyze", "ai.preview-payload", "ai.approve-all",
+                                   "ai.run-approved", "ai.reset-trust", "ai.draft-rules"}) {
+        titles.append(button(identifier).text());
+    }
+    EXPECT_EQ(titles.join(u'|'),
+              u"Analyze Now|Preview Payload|Approve All|Run Approved|Reset Trust "
+              "History|Draft Rules With AI"_s);
+}
+
+TEST_F(AdvisorPageTest, TheCardsStandInTheirOrder) {
+    showAdvisor();
+    int above = -1;
+    for (const char* each : {"optimize.workspace", "ai.lead", "ai.guidance", "ai.suggestions",
+                             "ai.trust", "ai.drafts"}) {
+        const int top = visible(each)->mapTo(&window(), QPoint()).y();
+        EXPECT_GT(top, above) << each;
+        above = top;
+    }
+}
+
+// The analysis -----------------------------------------------------------------------------------
+
+TEST_F(AdvisorPageTest, AnalyzesOnThisMachineWithoutAKey) {
+    showAdvisor();
+    const Announcements heard;
+    click("ai.analyze");
+    EXPECT_TRUE(answer().startsWith(u"On-device analysis: Memory pressure is manageable at 59%."_s))
+        << answer().toStdString();
+    EXPECT_THAT(heard.said(), Contains(answer().toStdString()));
+    EXPECT_TRUE(button("ai.analyze").isEnabled());
+    EXPECT_TRUE(fakes.http->sent.empty());
+}
+
+TEST_F(AdvisorPageTest, AKeyIsShownWithTheHostOfAnotherService) {
+    showConnected();
+    EXPECT_EQ(textOf("ai.connection-state"), u"Enhanced AI connected"_s);
+    EXPECT_EQ(button("aiAdvisor.analyze").text(), u"AI Analyze"_s);
+    advisor().provider.setAIEndpoint("http://localhost:8080");
+    settle();
+    EXPECT_EQ(textOf("ai.connection-state"), u"Enhanced AI connected to localhost:8080"_s);
+}
+
+TEST_F(AdvisorPageTest, AnAnalysisUnderWayIsToldFromAHang) {
+    showConnected();
+    click("ai.analyze");
+    machine.clock.advance(std::chrono::seconds(9));
+    window().findChild<QTimer*>(u"ai.progress.timer"_s)->setInterval(0);
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        return textOf("ai.progress") == u"Asking OpenAI… 9 s of at most 30 s"_s;
+    })) << textOf("ai.progress").toStdString();
+    EXPECT_EQ(button("ai.analyze").text(), u"Analyzing"_s);
+    EXPECT_EQ(button("ai.analyze").accessibleName(), u"Analyzing"_s);
+    EXPECT_EQ(button("aiAdvisor.analyze").text(), u"Analyzing"_s);
+    EXPECT_FALSE(button("ai.analyze").isEnabled());
+    EXPECT_FALSE(button("ai.draft-rules").isEnabled());
+    fakes.http->willSay(R"({"summary": "All is well.\nReally."})");
+    finishWork();
+    EXPECT_EQ(answer(), u"All is well.\nReally."_s);
+    EXPECT_EQ(textOf("ai.progress"), u"(not shown)"_s);
+    EXPECT_FALSE(window().findChild<QTimer*>(u"ai.progress.timer"_s)->isActive());
+    EXPECT_EQ(button("ai.analyze").text(), u"Analyze Now"_s);
+    EXPECT_TRUE(button("ai.draft-rules").isEnabled());
+}
+
+TEST_F(AdvisorPageTest, NoButtonStartsASecondAnalysis) {
+    showConnected(true);
+    click("ai.analyze");
+    machine.monitor().confirmations().confirmPending();
+    settle();
+    click("ai.analyze");
+    click("ai.draft-rules");
+    click("aiAdvisor.analyze");
+    EXPECT_EQ(machine.monitor().confirmations().pendingConfirmation(), std::nullopt);
+    finishWork();
+    EXPECT_THAT(fakes.http->sent, SizeIs(1));
+}
+
+TEST_F(AdvisorPageTest, TheProgressStopsWhileThePageIsHidden) {
+    showConnected();
+    click("ai.analyze");
+    auto* timer = window().findChild<QTimer*>(u"ai.progress.timer"_s);
+    timer->setInterval(0);
+    goTo(AppRoute::history);
+    ASSERT_TRUE(QTest::qWaitFor([timer] { return !timer->isActive(); }));
+    goTo(AppRoute::aiAdvisor);
+    EXPECT_TRUE(timer->isActive());
+    finishWork();
+    EXPECT_FALSE(timer->isActive());
+}
+
+TEST_F(AdvisorPageTest, ALongAnswerScrollsAndHostileTextIsPlain) {
+    showConnected();
+    fakes.http->willSay("<b>not bold</b>\u202e\x1b[31m " + std::string(10'000, 'W') +
+                        "\nlast line");
+    click("ai.analyze");
+    finishWork();
+    EXPECT_TRUE(answer().startsWith(u"<b>not bold</b>\uFFFD\uFFFD[31m WWW"_s))
+        << answer().left(40).toStdString();
+    EXPECT_TRUE(answer().endsWith(u"\nlast line"_s));
+    settle();  // a text within several layouts has its height a turn later
+    const auto* text = visible<SelectableText>("ai.insight");
+    EXPECT_EQ(text->toPlainText(), answer());
+    EXPECT_GE(text->height(), static_cast<int>(text->document()->size().height()));
+    EXPECT_LE(text->width(), visible("ai.guidance")->width());
+}
+
+// What would be sent -----------------------------------------------------------------------------
+
+TEST_F(AdvisorPageTest, PreviewPayloadCopiesTheReport) {
+    std::vector<std::string> copied;
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
+    window().state().navigation.setSelectedRoute(AppRoute::aiAdvisor);
+    show();
+    click("ai.preview-payload");
+    EXPECT_EQ(textOf("ai.guidance.refusal"), u"No AI payload preview is available yet."_s);
+    machine.finishSamples();
+    settle();
+    const auto report = machine.monitor().reports().diagnosticsReport(true);
+    click("ai.preview-payload");
+    EXPECT_EQ(textOf("ai.guidance.refusal"), u"(not shown)"_s);
+    EXPECT_EQ(lastAction(), "Copied the AI diagnostics preview.");
+    ASSERT_THAT(copied, SizeIs(1));
+    EXPECT_EQ(copied[0], report);
+}
+
+TEST_F(AdvisorPageTest, ShowPayloadShowsAllThatWouldBeSent) {
+    showConnected();
+    EXPECT_EQ(visible("ai.payload"), nullptr);
+    click("ai.show-payload");
+    const QString shown = visible<SelectableText>("ai.payload")->shownText();
+    EXPECT_EQ(button("ai.show-payload").text(), u"Hide Payload"_s);
+    click("ai.analyze");
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_EQ(shown.toStdString(), fakes.http->sent[0].prompt());
+    click("ai.show-payload");
+    EXPECT_EQ(visible("ai.payload"), nullptr);
+    EXPECT_EQ(button("ai.show-payload").text(), u"Show Payload"_s);
+}
+
+TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
+    showConnected(true);
+    click("ai.analyze");
+    auto* dialog = window().findChild<ConfirmationDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    ASSERT_TRUE(dialog->isVisible());
+    EXPECT_EQ(textOf("confirmation.title"), u"Send diagnostics to OpenAI?"_s);
+    EXPECT_EQ(visible("confirmation.details.text"), nullptr);
+    const int folded = dialog->height();
+    click("confirmation.details");
+    EXPECT_EQ(button("confirmation.details").text(), u"Hide What Is Sent"_s);
+    EXPECT_GT(dialog->height(), folded + 100);
+    EXPECT_THAT(visible<SelectableText>("confirmation.details.text")->shownText().toStdString(),
+                HasSubstr(*machine.monitor().reports().diagnosticsReport(true)));
+    click("confirmation.details");
+    EXPECT_EQ(dialog->height(), folded);
+    machine.monitor().confirmations().cancelPending();
+    settle();
+    machine.monitor().actions().local.requestPurge();
+    settle();
+    EXPECT_EQ(visible("confirmation.details"), nullptr) << "a purge sends nothing";
+    machine.monitor().confirmations().cancelPending();
+    settle();
+    EXPECT_TRUE(fakes.http->sent.empty());
+}
+
+}  // namespace
+}  // namespace tallowcrest
