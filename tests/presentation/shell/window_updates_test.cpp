@@ -69,10 +69,8 @@ constexpr std::array allSources{Source::sample,         Source::processDetails, 
                                 Source::settings,       Source::rules,          Source::automation,
                                 Source::review,         Source::actions,        Source::desk,
                                 Source::navigation,     Source::tailnet,        Source::remoteScan,
-                                Source::remoteProfiles, Source::remoteActions};
-Source::remoteProfiles, Source::remoteActions, Source::provider, Source::suggestions, Source::trust,
-    Source::drafts
-};
+                                Source::remoteProfiles, Source::remoteActions,  Source::provider,
+                                Source::suggestions,    Source::trust,          Source::drafts};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
