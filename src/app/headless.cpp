@@ -3,12 +3,17 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include "advisor/advisor_ports.h"
 #include "app/composition.h"
 #include "app/console.h"
+#include "app/environment_key.h"
+#include "app/headless_advisor.h"
 #include "app/headless_format.h"
 #include "app/open_metrics.h"
 #include "core/settings/settings.h"
@@ -21,15 +26,22 @@
 namespace tallowcrest {
 namespace {
 
-/// The tailnet is read with the samples, so one that is waited for is taken sooner.
-constexpr std::chrono::milliseconds remoteInterval{500};
+/// The time between samples of which only the last one counts. The tailnet is read with them, and
+/// from the second one on they tell the present loads.
+constexpr std::chrono::milliseconds shortInterval{500};
+
+std::chrono::milliseconds intervalOf(const Options& options) {
+    return options.remote || options.ask || options.analyze
+               ? shortInterval
+               : options.interval.value_or(SystemMonitor::sampleInterval);
+}
 
 void complainOfFile(const std::string& path, const std::string& problem) {
     complain(fmt::format("cannot write {}: {}", printableText(path).text, problem));
 }
 
 /// Prints each sample when it is applied, or the report, or the results of a scan of other
-/// machines, and stops the loop after the last sample that was requested.
+/// machines, or what the advisor says, and stops the loop after the last sample that was requested.
 class SamplePrinter {
 public:
     SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
@@ -49,6 +61,10 @@ public:
         }
         if (options_.remote) {
             printRemote(monitor);
+            return;
+        }
+        if (options_.ask || options_.analyze) {
+            askAdvisor(monitor);
             return;
         }
         if (!write(textOf(monitor))) {
@@ -84,11 +100,12 @@ private:
         return true;
     }
 
-    /// Prints after the second sample: the first one has loads averaged over each process's
-    /// lifetime.
+    /// The first sample has loads averaged over each process's lifetime.
+    static constexpr std::int64_t samplesOfLoads = 2;
+
+    /// Prints after the second sample.
     void printReport(SystemMonitor& monitor) {
-        constexpr std::int64_t samplesOfAReport = 2;
-        if (++printed_ < samplesOfAReport) {
+        if (++printed_ < samplesOfLoads) {
             return;
         }
         const auto report = monitor.reports().diagnosticsReport(options_.redacted);
@@ -98,7 +115,7 @@ private:
     /// Begins the scan once there is a machine to scan, and prints after its end.
     void printRemote(SystemMonitor& monitor) {
         // Longer than a reading of the tailnet takes.
-        constexpr std::int64_t samplesToWait = std::chrono::milliseconds(9000) / remoteInterval;
+        constexpr std::int64_t samplesToWait = std::chrono::milliseconds(9000) / shortInterval;
         RemoteScan& scan = monitor.remote().scan;
         if (++printed_ == 1) {
             monitor.remote().tailnet.beginReading();
@@ -129,6 +146,21 @@ private:
         finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
     }
 
+    /// Asks after the second sample, and prints the answer with the figures that it is from.
+    void askAdvisor(SystemMonitor& monitor) {
+        if (++printed_ != samplesOfLoads) {
+            return;
+        }
+        figures_ = monitor.sample().snapshot();
+        advisor_.emplace(monitor, [this, &settings = monitor.settings()](const std::string& said) {
+            const Answer answer{options_.ask, said, *figures_, settings.warningThreshold,
+                                settings.diskMinimumFreeGB};
+            const std::string text = options_.json ? answerJSON(answer) : answerBlock(answer);
+            finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
+        });
+        advisor_->begin(options_.ask);
+    }
+
     void finish(int status) {
         isDone_ = true;
         loop_.stop(status);
@@ -140,11 +172,19 @@ private:
     bool isScanning_ = false;
     std::string fileProblem_;  ///< of the last sample; empty when it was written
     bool isDone_ = false;
+    std::optional<SystemSnapshot> figures_;  ///< what the advisor was asked about
+    std::optional<HeadlessAdvisor> advisor_;
 };
+
+/// What the advisor needs to ask a provider. Without a key in the environment it answers alone.
+AdvisorPorts advisorPorts(std::shared_ptr<HttpExchange> http) {
+    auto key = takeEnvironmentKey();
+    return key == nullptr ? AdvisorPorts{} : AdvisorPorts{std::move(key), std::move(http)};
+}
 
 }  // namespace
 
-int runHeadless(const Options& options) {
+int runHeadless(const Options& options, std::shared_ptr<HttpExchange> http) {
     if (options.openMetrics && *options.openMetrics != "-") {
         const std::string problem = whyNotReplaceable(*options.openMetrics);
         if (!problem.empty()) {
@@ -152,12 +192,17 @@ int runHeadless(const Options& options) {
             return usageStatus;
         }
     }
+    DesktopServices services;
+    if (options.ask || options.analyze) {
+        services.makeAdvisorPorts = [ports = advisorPorts(std::move(http))](std::stop_token) {
+            return ports;
+        };
+    }
     RunLoop loop;
     SamplePrinter printer(options, loop);
-    Composition composition(loop, SettingsAccess::readOnly, {},
+    Composition composition(loop, SettingsAccess::readOnly, std::move(services),
                             [&] { printer.print(composition.monitor()); });
-    composition.monitor().startMonitoring(
-        options.remote ? remoteInterval : options.interval.value_or(SystemMonitor::sampleInterval));
+    composition.monitor().startMonitoring(intervalOf(options));
     const int status = loop.run();
     if (!composition.shutDown()) {
         std::_Exit(status);

@@ -203,4 +203,55 @@ std::string remoteJSON(const RemoteHealth& machine) {
     });
 }
 
+std::string answerBlock(const Answer& answer) {
+    std::string block;
+    std::string_view rest = answer.text;
+    for (;;) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        block += printableText(rest.substr(0, end)).text + '\n';
+        if (end == rest.size()) {
+            break;
+        }
+        rest.remove_prefix(end + 1);
+    }
+    const SystemSnapshot& snapshot = answer.snapshot;
+    block += fmt::format("\n  CPU {:.0f}%  Memory {}  Disk {}\n", snapshot.cpuPercent,
+                         memoryFigures(snapshot.memory), diskFigures(snapshot.disk));
+    block += fmt::format("  Warn at {:.0f}%  Disk is low at {:.0f} GB\n", answer.warningThreshold,
+                         answer.diskMinimumFreeGB);
+    if (!snapshot.topProcesses.empty()) {
+        const ProcessSample& top = snapshot.topProcesses.front();
+        block += fmt::format("  Top process  {} {:>7.1f}% {:>7.0f} MB\n",
+                             nameColumn(top.displayName()), top.cpu, top.rssMB);
+    }
+    if (!snapshot.appImpacts.empty()) {
+        const AppImpact& top = snapshot.appImpacts.front();
+        block += fmt::format("  Top app      {} {:>7.1f}% {:>7.0f} MB\n", nameColumn(top.name),
+                             top.totalCPU, top.totalMemoryMB);
+    }
+    return block;
+}
+
+std::string answerJSON(const Answer& answer) {
+    const SystemSnapshot& snapshot = answer.snapshot;
+    return lineOf({
+        {"question", optionalJSON(answer.question)},
+        {"answer", answer.text},
+        {"figures",
+         {
+             {"cpuPercent", snapshot.cpuPercent},
+             {"memory", memoryJSON(snapshot.memory)},
+             {"disk", {{"totalGB", snapshot.disk.totalGB}, {"freeGB", snapshot.disk.freeGB}}},
+             {"warningThreshold", answer.warningThreshold},
+             {"diskMinimumFreeGB", answer.diskMinimumFreeGB},
+             {"topProcess", snapshot.topProcesses.empty()
+                                ? json(nullptr)
+                                : processJSON(snapshot.topProcesses.front())},
+             {"topApp",
+              snapshot.appImpacts.empty() ? json(nullptr) : groupJSON(snapshot.appImpacts.front())},
+             {"sampledAt", snapshot.sampledAt.secondsSinceReference},
+         }},
+    });
+}
+
 }  // namespace tallowcrest

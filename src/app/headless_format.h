@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,5 +28,22 @@ std::string remoteBlock(const RemoteHealth& machine);
 /// The same as one line of JSON, line end included, with the members of the record under their own
 /// names, as in `sampleJSON`.
 std::string remoteJSON(const RemoteHealth& machine);
+
+/// What the advisor says, and the figures that it spoke of.
+struct Answer {
+    std::optional<std::string> question;  ///< absent for an analysis
+    std::string text;
+    const SystemSnapshot& snapshot;
+    double warningThreshold;   ///< percent
+    double diskMinimumFreeGB;  ///< gigabytes
+};
+
+/// The answer with its line ends, and below it the figures and limits. Control characters as in
+/// `sampleBlock`.
+std::string answerBlock(const Answer& answer);
+
+/// The same as one line of JSON, line end included: `question` (null for an analysis), `answer`,
+/// and `figures` with the members of the snapshot that answers speak of, under their own names.
+std::string answerJSON(const Answer& answer);
 
 }  // namespace tallowcrest

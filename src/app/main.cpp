@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 
 #include "app/console.h"
 #include "app/headless.h"
+#include "app/http_module.h"
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/host.h"
@@ -49,7 +51,7 @@ int run(const std::vector<std::string>& arguments, char** argv) {
     if (commandLine.status) {
         return *commandLine.status;
     }
-    return commandLine.options.headless ? runHeadless(commandLine.options) : openWindow(argv);
+    return commandLine.options.headless ? runHeadless(commandLine.options, std::make_shared<HttpModule>()) : openWindow(argv);
 }
 
 }  // namespace

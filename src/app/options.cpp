@@ -7,6 +7,7 @@
 
 #include "app/console.h"
 #include "core/number_text.h"
+#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
@@ -53,6 +54,8 @@ private:
             parseInterval();
         } else if (name == "--openmetrics") {
             parseOpenMetrics();
+        } else if (name == "--ask") {
+            parseQuestion();
         } else if (bool* flag = flagNamed(name)) {
             if (value_) {
                 fail(fmt::format("option '{}' takes no value", name));
@@ -81,6 +84,9 @@ private:
         }
         if (name == "--remote") {
             return &options_.remote;
+        }
+        if (name == "--analyze") {
+            return &options_.analyze;
         }
         if (name == "--redacted") {
             return &options_.redacted;
@@ -140,6 +146,18 @@ private:
         }
     }
 
+    void parseQuestion() {
+        const auto text = takeValue("--ask");
+        if (!text) {
+            return;
+        }
+        if (trimmingWhiteSpace(*text).empty() || !isValidUTF8(*text)) {
+            fail(fmt::format("option '--ask' needs a question, not {}", quoted(*text)));
+            return;
+        }
+        options_.ask = *text;
+    }
+
     void checkCombination() {
         const std::string_view headlessOnly = options_.json          ? "--json"
                                               : options_.openMetrics ? "--openmetrics"
@@ -147,6 +165,8 @@ private:
                                               : options_.interval    ? "--interval"
                                               : options_.report      ? "--report"
                                               : options_.remote      ? "--remote"
+                                              : options_.ask         ? "--ask"
+                                              : options_.analyze     ? "--analyze"
                                                                      : "";
         if (!options_.headless && !headlessOnly.empty()) {
             fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
@@ -169,6 +189,21 @@ private:
                                                                       : options_.samples
                                                                           ? "--samples"
                                                                           : "--interval"));
+        }
+        checkAdvisor();
+    }
+
+    void checkAdvisor() {
+        const std::string_view asked = options_.ask ? "--ask" : options_.analyze ? "--analyze" : "";
+        const std::string_view other = options_.ask && options_.analyze ? "--analyze"
+                                       : options_.report                ? "--report"
+                                       : options_.remote                ? "--remote"
+                                       : options_.openMetrics           ? "--openmetrics"
+                                       : options_.samples               ? "--samples"
+                                       : options_.interval              ? "--interval"
+                                                                        : "";
+        if (!asked.empty() && !other.empty()) {
+            fail(fmt::format("option '{}' cannot go with '{}'", asked, other));
         }
     }
 
@@ -211,6 +246,8 @@ Usage: tallowcrest [options]
     --report          take two samples, print the diagnostics report and end
     --redacted        without pids, addresses and names of known processes
     --remote          scan the other machines once, print them and end
+    --ask QUESTION    answer a question about this machine and end
+    --analyze         print an analysis of this machine and end
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

@@ -16,9 +16,11 @@ struct Options {
     bool showVersion = false;
     bool headless = false;
     bool json = false;
-    bool report = false;    ///< print the diagnostics report and end
-    bool remote = false;    ///< scan other machines once and end
-    bool redacted = false;  ///< the report without private data
+    bool report = false;             ///< print the diagnostics report and end
+    bool remote = false;             ///< scan other machines once and end
+    bool redacted = false;           ///< the report without private data
+    bool analyze = false;            ///< print an analysis and end
+    std::optional<std::string> ask;  ///< print the answer to it and end
     /// The file that each sample is written to as OpenMetrics text, "-" for standard output;
     /// absent: none.
     std::optional<std::string> openMetrics;

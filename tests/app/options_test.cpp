@@ -90,6 +90,44 @@ TEST(Options, Interval) {
     }
 }
 
+TEST(Options, Advisor) {
+    EXPECT_EQ(accepted({"--headless"}).ask, std::nullopt);
+    EXPECT_EQ(accepted({"--headless", "--ask", "Why = slow?"}).ask, "Why = slow?");
+    EXPECT_EQ(accepted({"--ask=--json", "--headless"}).ask, "--json");
+    EXPECT_EQ(accepted({"--headless", "--ask", " Größe\n"}).ask, " Größe\n");
+    EXPECT_FALSE(accepted({"--headless"}).analyze);
+    EXPECT_TRUE(accepted({"--headless", "--analyze", "--json"}).analyze);
+}
+
+TEST(Options, RejectsWhatIsNoQuestion) {
+    for (const char* value : {"", " ", "\n\t "}) {
+        EXPECT_THAT(refusal({"--headless", "--ask", value}),
+                    testing::StartsWith("option '--ask' needs a question, not '"));
+    }
+    EXPECT_THAT(refusal({"--headless", "--ask", "bad \xFF"}),
+                testing::StartsWith("option '--ask' needs a question, not '"));
+    EXPECT_EQ(refusal({"--headless", "--ask"}), "option '--ask' needs a value");
+    EXPECT_EQ(refusal({"--headless", "--analyze=1"}), "option '--analyze' takes no value");
+}
+
+TEST(Options, TheAdvisorIsAskedAlone) {
+    EXPECT_EQ(refusal({"--ask", "why?"}), "option '--ask' needs '--headless'");
+    EXPECT_EQ(refusal({"--analyze"}), "option '--analyze' needs '--headless'");
+    EXPECT_EQ(refusal({"--headless", "--ask", "why?", "--analyze"}),
+              "option '--ask' cannot go with '--analyze'");
+    for (const std::vector<std::string>& other : std::vector<std::vector<std::string>>{
+             {"--report"}, {"--remote"}, {"--samples", "2"}, {"--interval", "1"}}) {
+        for (const std::vector<std::string>& asked :
+             std::vector<std::vector<std::string>>{{"--ask", "why?"}, {"--analyze"}}) {
+            std::vector<std::string> arguments{"--headless"};
+            arguments.insert(arguments.end(), asked.begin(), asked.end());
+            arguments.insert(arguments.end(), other.begin(), other.end());
+            EXPECT_EQ(refusal(arguments),
+                      "option '" + asked.front() + "' cannot go with '" + other.front() + "'");
+        }
+    }
+}
+
 TEST(Options, RejectsUnknownOptions) {
     for (const char* argument :
          {"--nope", "-x", "-", "--", "", "headless", "--Headless", "--head", "--headless2",

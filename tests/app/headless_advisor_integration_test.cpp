@@ -1,0 +1,61 @@
+// What the program answers on the machine that the test runs on.
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/app/headless_program.h"
+#include "tests/app/private_data.h"
+
+namespace tallowcrest {
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+TEST(HeadlessAdvisorProgram, AnswersAQuestionWithItsFigures) {
+    const ProgramResult result = run({"--headless", "--ask", "What is slowing this Mac down?"});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_THAT(result.standardOutput, StartsWith("Overall CPU load is "));
+    EXPECT_THAT(result.standardOutput, HasSubstr(" is currently the leading sampled process at "));
+    EXPECT_THAT(result.standardOutput, HasSubstr("\n  CPU "));
+    EXPECT_THAT(result.standardOutput, HasSubstr("\n  Top process  "));
+}
+
+TEST(HeadlessAdvisorProgram, AnswersAsAnObject) {
+    const ProgramResult result = run({"--headless", "--json", "--ask", "memory"});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    const json object = json::parse(result.standardOutput);
+    EXPECT_EQ(object.at("question"), "memory");
+    EXPECT_THAT(object.at("answer").get<std::string>(), StartsWith("Memory pressure is "));
+    EXPECT_GT(object.at("figures").at("memory").at("totalGB").get<double>(), 0.0);
+}
+
+TEST(HeadlessAdvisorProgram, Analyzes) {
+    const ProgramResult result = run({"--headless", "--json", "--analyze"});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    const json object = json::parse(result.standardOutput);
+    EXPECT_TRUE(object.at("question").is_null());
+    EXPECT_THAT(object.at("answer").get<std::string>(), StartsWith("On-device analysis: Memory "));
+}
+
+TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotBeReached) {
+    const PrivateData data;
+    // Nothing listens on this port, so nothing leaves the machine.
+    const ProgramResult result =
+        run({"--headless", "--analyze"},
+            {"TALLOWCREST_AI_KEY=sk-secret", "https_proxy=http://127.0.0.1:1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardError, "");
+    EXPECT_THAT(result.standardOutput,
+                StartsWith("Paid AI is currently unavailable, so Tallowcrest used on-device "
+                           "analysis instead. Memory "));
+    EXPECT_THAT(result.standardOutput, testing::Not(HasSubstr("sk-secret")));
+}
+
+}  // namespace
+}  // namespace tallowcrest

@@ -1,0 +1,103 @@
+#include "app/headless_advisor.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "advisor/advisor.h"
+#include "core/settings/settings.h"
+#include "monitor/system_monitor.h"
+#include "tests/support/fake_advisor_ports.h"
+#include "tests/support/fake_machine.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+class HeadlessAdvisorTest : public ::testing::Test {
+protected:
+    HeadlessAdvisorTest() {
+        machine.readOnly = true;
+        machine.addProcess(700, "/usr/bin/photo-indexer", 40.0, 900.0);
+    }
+
+    /// The answers, of which there is to be one.
+    std::vector<std::string> answersTo(const std::optional<std::string>& question) {
+        std::vector<std::string> answers;
+        machine.monitor();
+        machine.tick();
+        HeadlessAdvisor asked(machine.monitor(),
+                              [&](const std::string& said) { answers.push_back(said); });
+        asked.begin(question);
+        EXPECT_THAT(answers, IsEmpty()) << "on a later turn";
+        finishWork();
+        machine.tick();
+        finishWork();
+        return answers;
+    }
+
+    void finishWork() {
+        while (machine.workQueue.pendingCount() > 0) {
+            machine.finishSamples();
+        }
+        machine.mainQueue.drain();
+    }
+
+    FakeAdvisorPorts ports;
+    FakeMachine machine;
+};
+
+TEST_F(HeadlessAdvisorTest, AnswersFromTheFiguresOfThisMachine) {
+    EXPECT_THAT(answersTo("What is slow?"),
+                ElementsAre(StartsWith("Overall CPU load is 10%. photo-indexer is currently")));
+}
+
+TEST_F(HeadlessAdvisorTest, AnalyzesThisMachine) {
+    EXPECT_THAT(answersTo(std::nullopt), ElementsAre(StartsWith("On-device analysis: Memory")));
+}
+
+TEST_F(HeadlessAdvisorTest, WithAKeyTheProviderAnswersAndSeesOnlyThisQuestion) {
+    ports.secrets->secret = "sk-key";
+    ports.http->willSay("From far away.");
+    machine.advisor = ports.ports();
+    machine.monitor().advisor().chat.askQuickQuestion("An earlier question");
+    finishWork();
+    EXPECT_THAT(answersTo("What is slow?"), ElementsAre("From far away."));
+    ASSERT_THAT(ports.http->sent, Not(IsEmpty()));
+    EXPECT_THAT(ports.http->sent.back().prompt(), HasSubstr("What is slow?"));
+    EXPECT_THAT(ports.http->sent.back().prompt(), Not(HasSubstr("You: An earlier question")));
+}
+
+TEST_F(HeadlessAdvisorTest, AFailedRequestGivesTheAnswerOfThisMachine) {
+    ports.secrets->secret = "sk-key";
+    machine.advisor = ports.ports();
+    EXPECT_THAT(answersTo("memory?"),
+                ElementsAre(StartsWith("Paid AI is currently unavailable, so here is the")));
+}
+
+TEST_F(HeadlessAdvisorTest, NothingThatAnAnalysisProposesIsRun) {
+    ports.secrets->secret = "sk-key";
+    ports.http->willSay(R"({"summary": "Do this.", "actions": [
+        {"type": "export_diagnostics", "title": "Export", "detail": "x", "risk": "low"},
+        {"type": "select_top", "title": "Select", "detail": "x", "risk": "low"},
+        {"type": "scan_remote", "title": "Scan", "detail": "x", "risk": "low"}]})");
+    machine.advisor = ports.ports();
+    machine.store.write(settings_keys::aiSafeActionsKey, true);
+    machine.store.write(settings_keys::aiAutonomyModeKey, std::string("autopilot"));
+    EXPECT_THAT(answersTo(std::nullopt), ElementsAre("Do this."));
+    EXPECT_THAT(machine.monitor().advisor().suggestions.aiActions(), SizeIs(3));
+    EXPECT_THAT(machine.monitor().advisor().suggestions.approvedAIActionIDs(), IsEmpty());
+    EXPECT_TRUE(machine.reportFolder->written.empty());
+}
+
+}  // namespace
+}  // namespace tallowcrest
