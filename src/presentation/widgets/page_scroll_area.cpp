@@ -95,6 +95,7 @@ void PageScrollArea::scrollContentsBy(int dx, int dy) {
     QScrollArea::scrollContentsBy(dx, dy);
     if (!isArranging_) {
         kept_.clear();
+        emit scrolled();
     }
 }
 

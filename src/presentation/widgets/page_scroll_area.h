@@ -25,6 +25,11 @@ public:
     /// When the content is laid out again, scrolls so that `widget` stays where it is in the view,
     /// until the area is scrolled or `widget` is hidden. Null to keep nothing in place.
     void keepInPlace(QWidget* widget);
+    bool isKeepingPlace() const { return kept_ != nullptr; }
+
+signals:
+    /// The area was scrolled, other than to keep a widget in place.
+    void scrolled();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
