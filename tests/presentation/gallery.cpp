@@ -2,9 +2,11 @@
 //   tallowcrest_gallery [--dark] [--icons] [--width N] [--save FILE] [--time]
 //   tallowcrest_gallery --overview STATE [--dark] [--width N] [--height N] [--save FILE]
 //   tallowcrest_gallery --remote STATE [the same]
+//   tallowcrest_gallery --chat STATE [the same]
 // --save writes a picture and ends; --time measures the painting of the graph and of Remote Macs
-// and ends. The states of the overview are healthy, troubled, waiting and collapsed; those of
-// Remote Macs are unscanned, alone, scanned, scanning, later and fleet. A height of 0 shows the
+// and the opening of Chat, and ends. The states of the overview are healthy, troubled, waiting and
+// collapsed; those of Remote Macs are unscanned, alone, scanned, scanning, later and fleet; those
+// of Chat are welcome, asked, thinking, long, cleared and suggestions. A height of 0 shows the
 // whole page.
 
 #include <cmath>
@@ -31,6 +33,7 @@
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/summary_card.h"
 #include "presentation/widgets/theme.h"
+#include "tests/presentation/chat_gallery.h"
 #include "tests/presentation/icon_names.h"
 #include "tests/presentation/overview_gallery.h"
 #include "tests/presentation/remote_gallery.h"
@@ -276,8 +279,9 @@ int main(int argc, char** argv) {
     const QCommandLineOption overview(u"overview"_s, u"Show the overview in a state."_s,
                                       u"state"_s);
     const QCommandLineOption remote(u"remote"_s, u"Show Remote Macs in a state."_s, u"state"_s);
+    const QCommandLineOption chat(u"chat"_s, u"Show Chat in a state."_s, u"state"_s);
     const QCommandLineOption height(u"height"_s, u"Height of the window."_s, u"pixels"_s, u"700"_s);
-    parser.addOptions({dark, showIcons, width, save, time, overview, remote, height});
+    parser.addOptions({dark, showIcons, width, save, time, overview, remote, chat, height});
     parser.process(application);
 
     QApplication::setPalette(paletteFor(parser.isSet(dark) ? Appearance::dark : Appearance::light));
@@ -285,6 +289,7 @@ int main(int argc, char** argv) {
     if (parser.isSet(time)) {
         measureGraph();
         measureRemotePage();
+        measureChatPage();
         return 0;
     }
     const int wanted = parser.value(width).toInt();
@@ -294,6 +299,9 @@ int main(int argc, char** argv) {
     }
     if (parser.isSet(remote)) {
         return showWindow(remoteGallery(parser.value(remote), size), parser.value(save));
+    }
+    if (parser.isSet(chat)) {
+        return showWindow(chatGallery(parser.value(chat), size), parser.value(save));
     }
     std::unique_ptr<QWidget> page(parser.isSet(showIcons) ? icons() : pieces());
     const int hint = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(wanted)

@@ -15,9 +15,11 @@
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/advisor/advisor_page.h"
+#include "presentation/screens/chat/chat_page.h"
 #include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
 #include "presentation/screens/load/load_page.h"
+#include "presentation/screens/optimization_suggestions/optimization_suggestions_page.h"
 #include "presentation/screens/optimize/optimize_page.h"
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/screens/remote_macs/remote_macs_page.h"
@@ -155,6 +157,10 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new OptimizePage(monitor_, state_);
         case AppRoute::aiAdvisor:
             return new AdvisorPage(monitor_, state_);
+        case AppRoute::optimizationSuggestions:
+            return new OptimizationSuggestionsPage(monitor_, state_);
+        case AppRoute::chat:
+            return new ChatPage(monitor_, state_);
         case AppRoute::remoteMacs:
             return new RemoteMacsPage(monitor_, state_);
         case AppRoute::history:

@@ -6,8 +6,10 @@
 #include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/local_actions.h"
+#include "advisor/advisor.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
+#include "presentation/words/advisor_words.h"
 #include "presentation/words/commands.h"
 #include "remote/remote.h"
 #include "reports/reports.h"
@@ -57,6 +59,12 @@ void exportSetupScript(SystemMonitor& monitor, DashboardWindow& window) {
     showFailure(monitor.remote().actions.exportRemoteSetupScript(showFailure));
 }
 
+/// The page shows the result; the window, the question before it.
+void analyze(SystemMonitor& monitor, DashboardWindow& window) {
+    monitor.advisor().provider.requestAIAnalysis();
+    window.openRoute(AppRoute::aiAdvisor);
+}
+
 void flipAutoSelect(Automation& automation, DashboardWindow& window) {
     constexpr auto which = AutomationSwitch::autoSelectTopOffender;
     showingFailure(window)(automation.set(which, !automation.isOn(which)));
@@ -71,7 +79,12 @@ std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
         {{always("Show Dashboard"), u"macwindow"_s, u"menubar.show-dashboard"_s,
           [&window] { window.openRoute(AppRoute::overview); }},
          {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
-          [&window] { window.openRoute(AppRoute::optimize); }}},
+          [&window] { window.openRoute(AppRoute::optimize); }},
+         {[&monitor] {
+              return advisor_words::analysis(monitor.advisor().provider.state().openAIKeySaved);
+          },
+          u"sparkle.magnifyingglass"_s, u"menubar.analyze"_s,
+          [&monitor, &window] { analyze(monitor, window); }}},
         {{[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,
           u"menubar.auto-select"_s,
           [&monitor, &window] { flipAutoSelect(monitor.actions().automation, window); }},

@@ -10,6 +10,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "advisor/advisor.h"
 #include "core/activity_log.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
@@ -67,7 +68,8 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor,
     layout->addWidget(makeFigures());
     layout->addSpacing(spacing::unit);
     layout->addWidget(makeRows(groups));
-    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable()});
+    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
+                      &monitor_.advisor().provider.observable()});
 }
 
 QWidget* MenuBarPanel::makeFigures() {

@@ -2,6 +2,7 @@
 
 #include <QCursor>
 
+#include "advisor/advisor.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -44,7 +45,8 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
     refresh();
     icon_.show();
-    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable()});
+    changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
+                      &monitor_.advisor().provider.observable()});
 }
 
 void StatusItem::refresh() {

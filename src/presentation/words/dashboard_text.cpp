@@ -136,6 +136,27 @@ QString shortText(std::string_view utf8, qsizetype most) {
     return shown.left(most - (shown[most - 1].isHighSurrogate() ? 1 : 0)) + u'…';
 }
 
+QString lines(std::string_view utf8) {
+    constexpr std::string_view blanks = "    ";
+    QString result;
+    for (;;) {
+        const std::size_t end = std::min(utf8.find('\n'), utf8.size());
+        std::string line(utf8.substr(0, end));
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        for (std::size_t tab = line.find('\t'); tab != std::string::npos; tab = line.find('\t')) {
+            line.replace(tab, 1, blanks);
+        }
+        result += text(line);
+        if (end == utf8.size()) {
+            return result;
+        }
+        result += u'\n';
+        utf8.remove_prefix(end + 1);
+    }
+}
+
 int wholePercent(double percent) {
     constexpr double bound = 100'000.0;
     return std::isfinite(percent)

@@ -376,7 +376,7 @@ class Tray(WindowTestCase):
                                         str(self.property(item, "ToolTip")[2])),
                    "the tool tip gives the load")
         _, entries = self.entries(item)
-        self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize",
+        self.assertEqual(list(entries), ["Show Dashboard", "Open Optimize", "Local Analyze",
                                          "Disable Auto Select", "Settings", "Refresh",
                                          "Copy Report", "Export Diagnostics",
                                          "Purge File Caches", "Quit Top App",

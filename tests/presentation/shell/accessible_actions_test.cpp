@@ -8,6 +8,7 @@
 #include <QAccessible>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QSlider>
 #include <QToolButton>
 
@@ -176,6 +177,9 @@ void Rig::addShown(const QWidget& within, QStringList& facts) {
     for (const auto* field : within.findChildren<QLineEdit*>()) {
         shown.append(field->objectName() + u' ' + field->text());
     }
+    for (const auto* field : within.findChildren<QPlainTextEdit*>()) {
+        shown.append(field->objectName() + u' ' + field->toPlainText());
+    }
     // Not in their places: a click scrolls its control into view.
     shown.sort();
     facts += shown;
@@ -229,6 +233,11 @@ void raiseLoad(Rig& rig) {
     rig.settle();
 }
 
+void writeQuestion(Rig& rig) {
+    rig.machine.monitor().advisor().chat.setAIChatInput("Why is it slow?");
+    rig.settle();
+}
+
 void engageStop(Rig& rig) {
     rig.actions().automation.engageEmergencyStop();
     rig.settle();
@@ -248,7 +257,8 @@ void suggest(Rig& rig) {
 std::vector<Place> places() {
     std::vector<Place> all{{u"without a target"_s, AppRoute::overview, [](Rig&) {}},
                            {u"processes without a target"_s, AppRoute::load, [](Rig&) {}},
-                           {u"under load"_s, AppRoute::overview, raiseLoad}};
+                           {u"under load"_s, AppRoute::overview, raiseLoad},
+                           {u"with a question"_s, AppRoute::chat, writeQuestion}};
     for (const AppRoute route : allAppRoutes) {
         all.push_back({text(rawValue(route)), route, selectTarget});
     }
@@ -353,6 +363,7 @@ protected:
     static bool isControl(const QWidget& widget) {
         return qobject_cast<const QSlider*>(&widget) != nullptr ||
                qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+               qobject_cast<const QPlainTextEdit*>(&widget) != nullptr ||
                (qobject_cast<const QAbstractButton*>(&widget) != nullptr &&
                 qobject_cast<const QToolButton*>(&widget) == nullptr);
     }

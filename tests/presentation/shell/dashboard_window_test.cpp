@@ -148,7 +148,10 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
                                  : each == AppRoute::remoteMacs ? u"RemoteMacsPage"_s
                                  : each == AppRoute::history    ? u"HistoryPage"_s
                                  : each == AppRoute::settings   ? u"SettingsPage"_s
-                                                                : u"ComingPage"_s);
+                                 : each == AppRoute::chat       ? u"ChatPage"_s
+                                 : each == AppRoute::optimizationSuggestions
+                                     ? u"OptimizationSuggestionsPage"_s
+                                     : u"ComingPage"_s);
         const auto identifier = u"sidebar."_s + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }

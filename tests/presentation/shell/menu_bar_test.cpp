@@ -377,7 +377,7 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
         titles.append(ofGroup);
     }
     EXPECT_EQ(groups.join(u'\n').toStdString(),
-              "Show Dashboard|Open Optimize\n"
+              "Show Dashboard|Open Optimize|Local Analyze\n"
               "Disable Auto Select|Settings|Refresh\n"
               "Copy Report|Export Diagnostics\n"
               "Purge File Caches|Quit Top App\n"

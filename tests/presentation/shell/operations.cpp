@@ -1,7 +1,6 @@
 #include "tests/presentation/shell/operations.h"
 
 #include <QAbstractItemView>
-#include <QLineEdit>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -37,22 +36,22 @@ Operation replaceText() {
     const QString typed = u"editor"_s;
     // The field is left, which enters what was typed.
     const auto inField = [](QAccessibleInterface& spoken, const auto& enter) {
-        auto* field = qobject_cast<QLineEdit*>(spoken.object());
+        auto* field = qobject_cast<QWidget*>(spoken.object());
         field->setFocus();
         enter(*field);
         QTest::keyClick(field, Qt::Key_Tab);
     };
     return {u"replace the text"_s,
             [=](QAccessibleInterface& spoken) {
-                inField(spoken, [&](QLineEdit& field) {
-                    field.selectAll();
+                inField(spoken, [&](QWidget& field) {
+                    QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
                     QTest::keyClicks(&field, typed);
                 });
             },
             [=](QAccessibleInterface& spoken) {
-                inField(spoken, [&](const QLineEdit& field) {
+                inField(spoken, [&](const QWidget&) {
                     spoken.editableTextInterface()->replaceText(
-                        0, static_cast<int>(field.text().size()), typed);
+                        0, spoken.textInterface()->characterCount(), typed);
                 });
             }};
 }

@@ -35,12 +35,12 @@ protected:
 
 TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
     const std::map<AppRoute, std::string> expected{
-        {AppRoute::overview, "Review Cleanup|Refresh"},
+        {AppRoute::overview, "Local Analyze|Review Cleanup|Refresh"},
         {AppRoute::load, "Select Top|Activity|Refresh"},
         {AppRoute::optimize, "Select Top|Top App|Purge|Activity|Refresh"},
         {AppRoute::optimizationSuggestions, "Refresh"},
         {AppRoute::aiAdvisor, "Local Analyze|Open Chat|Refresh"},
-        {AppRoute::chat, "Refresh"},
+        {AppRoute::chat, "Send|Clear|Refresh"},
         {AppRoute::remoteMacs, "Scan Remotes|Open Tailscale|Refresh"},
         {AppRoute::history, "Copy Report|Export|Refresh"},
         {AppRoute::settings, "Open Settings Sheet|Refresh"}};

@@ -66,7 +66,8 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommandUnderItsCurrentTitle) {
         }
     }
     EXPECT_EQ(identifiers.join(u' '),
-              u"menubar.show-dashboard menubar.open-optimize | menubar.auto-select "
+              u"menubar.show-dashboard menubar.open-optimize menubar.analyze | "
+              "menubar.auto-select "
               "menubar.settings menubar.refresh | menubar.copy-report menubar.export | "
               "menubar.purge menubar.quit-top-app | menubar.scan-remotes "
               "menubar.export-setup-script | menubar.expand-sections "

@@ -30,7 +30,7 @@ TEST_F(WideWindowTest, TheContentEndsAtItsGreatestWidthBelowTheHeader) {
     for (const auto& [each, card] : {std::pair{AppRoute::overview, "overview.timeline"},
                                      {AppRoute::optimize, "optimize.workspace"},
                                      {AppRoute::load, "processes"},
-                                     {AppRoute::chat, "coming.chat"},
+                                     {AppRoute::chat, "optimize.workspace"},
                                      {AppRoute::remoteMacs, "remote.summary"},
                                      {AppRoute::history, "history.timeline"},
                                      {AppRoute::settings, "settings.hub"}}) {

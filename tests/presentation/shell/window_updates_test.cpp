@@ -61,30 +61,33 @@ enum class Source {
     suggestions,
     trust,
     drafts,
+    chat,
 };
 
 using Sources = std::set<Source>;
 
-constexpr std::array allSources{Source::sample,         Source::processDetails, Source::log,
-                                Source::settings,       Source::rules,          Source::automation,
-                                Source::review,         Source::actions,        Source::desk,
-                                Source::navigation,     Source::tailnet,        Source::remoteScan,
-                                Source::remoteProfiles, Source::remoteActions,  Source::provider,
-                                Source::suggestions,    Source::trust,          Source::drafts};
+constexpr std::array allSources{
+    Source::sample,         Source::processDetails, Source::log,      Source::settings,
+    Source::rules,          Source::automation,     Source::review,   Source::actions,
+    Source::desk,           Source::navigation,     Source::tailnet,  Source::remoteScan,
+    Source::remoteProfiles, Source::remoteActions,  Source::provider, Source::suggestions,
+    Source::trust,          Source::drafts,         Source::chat};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
     switch (route) {
         case AppRoute::overview:
-            return {sample, log, settings, automation, remoteScan};
+            return {sample, log, settings, automation, remoteScan, provider};
         case AppRoute::load:
             return {sample, processDetails, review, settings, navigation};
         case AppRoute::optimize:
             return {sample, processDetails, review, settings, actions, automation};
         case AppRoute::optimizationSuggestions:
-            return {sample, settings, automation};
+            return {sample, settings, automation, provider};
         case AppRoute::aiAdvisor:
             return {sample, settings, provider, suggestions, trust, drafts};
+        case AppRoute::chat:
+            return {sample, settings, provider, chat};
         case AppRoute::remoteMacs:
             return {tailnet, remoteScan, remoteProfiles, remoteActions, settings, navigation};
         case AppRoute::history:
@@ -160,6 +163,8 @@ protected:
                 return monitor.advisor().trust.observable();
             case Source::drafts:
                 return monitor.advisor().drafts.observable();
+            case Source::chat:
+                return monitor.advisor().chat.observable();
         }
         throw std::logic_error("no such source");
     }
@@ -210,10 +215,12 @@ TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     showWithSample();
     goTo(AppRoute::chat);
     openSettings(SettingsTabKind::automation);
-    expectToFollow({{"page", {sample}}, {"settings", settingsSheet}});
+    expectToFollow({{"page", sourcesOfPage(AppRoute::chat)}, {"settings", settingsSheet}});
     machine.monitor().actions().local.requestPurge();
     settle();
-    expectToFollow({{"page", {sample}}, {"settings", settingsSheet}, {"question", {desk}}});
+    expectToFollow({{"page", sourcesOfPage(AppRoute::chat)},
+                    {"settings", settingsSheet},
+                    {"question", {desk}}});
 }
 
 TEST_F(WindowUpdatesTest, ABurstOfTheLogRefreshesNeitherTheProcessesNorTheTarget) {

@@ -5,6 +5,7 @@
 #include "actions/actions.h"
 #include "actions/automation.h"
 #include "actions/review_target.h"
+#include "advisor/advisor.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/settings/settings_owner.h"
@@ -17,6 +18,7 @@
 #include "presentation/screens/overview/timeline_block.h"
 #include "presentation/screens/overview/top_app_memory_block.h"
 #include "presentation/screens/overview/top_offender_block.h"
+#include "presentation/screens/shared/analysis_action.h"
 #include "presentation/screens/shared/disk_autopilot.h"
 #include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/screens/shared/review_process.h"
@@ -25,6 +27,7 @@
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/two_columns.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/recommendation_lines.h"
 #include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
@@ -79,18 +82,21 @@ void OverviewPage::connectBlocks() {
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(topOffender_, &TopOffenderBlock::remoteMacsWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::remoteMacs); });
+    connect(topOffender_, &TopOffenderBlock::secondOpinionWanted, this,
+            [this] { monitor_.advisor().provider.requestAIAnalysis(); });
     connect(recentActivity_, &RecentActivityBlock::historyWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::history); });
 }
 
 std::vector<Observable*> OverviewPage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.log().observable(),
+    return {&monitor_.sample().observable(),        &monitor_.log().observable(),
             &monitor_.settingsOwner().observable(), &monitor_.actions().automation.observable(),
-            &monitor_.remote().scan.observable()};
+            &monitor_.remote().scan.observable(),   &monitor_.advisor().provider.observable()};
 }
 
 std::vector<HeaderAction> OverviewPage::headerActions() {
-    return {{{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
+    return {analysisAction(monitor_.advisor().provider, u"overview.analyze"_s),
+            {{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
              u"overview.review-cleanup"_s,
              [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); }}};
 }
@@ -111,8 +117,10 @@ void OverviewPage::refresh() {
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
     showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
-    topOffender_->show(offenderFacts(), remoteAlerts(monitor_.remote().scan.state().remoteHealth,
-                                                     monitor_.services().clock.now()));
+    topOffender_->show(
+        offenderFacts(),
+        remoteAlerts(monitor_.remote().scan.state().remoteHealth, monitor_.services().clock.now()),
+        monitor_.advisor().provider.state().aiBusy);
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
     sessionInsights_->show(sample.sessionInsights());

@@ -5,7 +5,7 @@
 
 #include <QVBoxLayout>
 
-#include "presentation/screens/overview/recommendation_row.h"
+#include "presentation/screens/shared/recommendation_row.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;

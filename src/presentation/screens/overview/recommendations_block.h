@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/screens/shared/overview_block.h"
 #include "presentation/widgets/reserved_rows.h"
+#include "presentation/words/recommendation_lines.h"
 
 namespace tallowcrest {
 

@@ -61,7 +61,12 @@ TopOffenderBlock::TopOffenderBlock()
                          body());
     connect(review_, &QPushButton::clicked, this, &TopOffenderBlock::reviewWanted);
     buttons->addWidget(cleanup_);
+    secondOpinion_ =
+        makeButton(u"Second Opinion"_s, QString(), u"overview.second-opinion"_s,
+                   u"Explains the present figures and what to do about them"_s, body());
+    connect(secondOpinion_, &QPushButton::clicked, this, &TopOffenderBlock::secondOpinionWanted);
     buttons->addWidget(review_);
+    buttons->addWidget(secondOpinion_);
     buttons->addStretch(1);
     row->addLayout(buttons);
     bodyLayout()->addLayout(row);
@@ -87,7 +92,8 @@ TopOffenderBlock::TopOffenderBlock()
     bodyLayout()->addWidget(alerts_);
 }
 
-void TopOffenderBlock::show(const TopOffenderFacts& facts, const RemoteAlerts& alerts) {
+void TopOffenderBlock::show(const TopOffenderFacts& facts, const RemoteAlerts& alerts,
+                            bool isAnalyzing) {
     if (isCollapsed()) {
         return;
     }
@@ -107,6 +113,8 @@ void TopOffenderBlock::show(const TopOffenderFacts& facts, const RemoteAlerts& a
     detail_->setVisible(!shown.detail.isEmpty());
     cleanup_->setVisible(isOffender);
     review_->setVisible(shown.reviewPID.has_value());
+    secondOpinion_->setVisible(isStable);
+    setButtonEnabled(*secondOpinion_, !isAnalyzing);
     if (isOffender) {
         setSpokenName(*review_, u"Review: "_s + shown.group);
     }

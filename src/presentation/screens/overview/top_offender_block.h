@@ -17,8 +17,9 @@ class TopOffenderBlock final : public OverviewBlock {
 public:
     TopOffenderBlock();
 
-    /// "Review" is shown only for an offender whose process can be reviewed.
-    void show(const TopOffenderFacts& facts, const RemoteAlerts& alerts);
+    /// "Review" is shown only for an offender whose process can be reviewed. While `isAnalyzing`,
+    /// no second opinion can be asked for.
+    void show(const TopOffenderFacts& facts, const RemoteAlerts& alerts, bool isAnalyzing);
 
 signals:
     /// The owner asked to review the heaviest process of the offender.
@@ -27,6 +28,8 @@ signals:
     void cleanupWanted();
     /// The owner asked to see the other machines.
     void remoteMacsWanted();
+    /// The owner asked for an analysis although the system looks stable.
+    void secondOpinionWanted();
 
 private:
     IconView* icon_ = nullptr;
@@ -34,6 +37,7 @@ private:
     ElidedLabel* detail_ = nullptr;
     QPushButton* cleanup_ = nullptr;
     QPushButton* review_ = nullptr;
+    QPushButton* secondOpinion_ = nullptr;
     QWidget* alerts_ = nullptr;
     ElidedLabel* alertsText_ = nullptr;
     ElidedLabel* alertsAge_ = nullptr;

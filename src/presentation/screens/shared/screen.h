@@ -18,7 +18,8 @@ struct HeaderAction {
     Command command;
     QString identifier;
     std::function<void()> run;
-    /// The title while what it began is under way, and empty otherwise.
+    /// The title in the present state, such as while what it began is under way; empty for that of
+    /// the command.
     std::function<QString()> progressTitle = {};
 };
 

@@ -1,6 +1,5 @@
 #include "presentation/screens/coming/coming_page.h"
 
-#include "actions/actions.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -47,17 +46,6 @@ TEST_F(ComingPageTest, TheWorkspaceBarIsAboveTheTextOnItsSteps) {
         EXPECT_TRUE(textOf((identifier + u".line"_s).toLatin1().constData())
                         .startsWith(u"Here you will "_s));
     }
-}
-
-TEST_F(ComingPageTest, RecommendedHasTheEmergencyStop) {
-    showWithSample();
-    goTo(AppRoute::optimizationSuggestions);
-    click("suggestions.emergency-stop");
-    EXPECT_TRUE(machine.monitor().actions().automation.isStopEngaged());
-    click("suggestions.resume-manual-mode");
-    EXPECT_FALSE(machine.monitor().actions().automation.isStopEngaged());
-    goTo(AppRoute::chat);
-    EXPECT_EQ(visible("suggestions.emergency-stop"), nullptr);
 }
 
 TEST_F(ComingPageTest, OtherRoutesHaveNoWorkspaceBar) {

@@ -251,7 +251,7 @@ protected:
         row.command = row.arguments = "/usr/bin/photo-indexer";
     }
 
-    void show() { block.show({snapshot, processes, settings, {}}, alerts); }
+    void show() { block.show({snapshot, processes, settings, {}}, alerts, false); }
     void showOffender() {
         sample().appImpacts = {group("photo-indexer", 2048.0, 800)};
         snapshot->memory.pressure = 82.0;

@@ -2,7 +2,7 @@
 
 #include <QSignalSpy>
 
-#include "presentation/screens/overview/recommendation_row.h"
+#include "presentation/screens/shared/recommendation_row.h"
 #include "presentation/widgets/icon.h"
 #include "tests/presentation/screens/shared/block_fixture.h"
 

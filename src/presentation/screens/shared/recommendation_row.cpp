@@ -1,4 +1,4 @@
-#include "presentation/screens/overview/recommendation_row.h"
+#include "presentation/screens/shared/recommendation_row.h"
 
 #include <algorithm>
 

@@ -5,9 +5,9 @@
 
 #include <QWidget>
 
-#include "presentation/screens/overview/overview_lines.h"
 #include "presentation/widgets/reserved_rows.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/recommendation_lines.h"
 
 class QBoxLayout;
 class QPushButton;

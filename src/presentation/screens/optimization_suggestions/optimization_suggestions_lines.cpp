@@ -1,0 +1,67 @@
+#include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
+
+#include "presentation/words/advisor_words.h"
+#include "presentation/words/dashboard_text.h"
+#include "presentation/words/disk_lines.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest::optimization_suggestions_lines {
+namespace {
+
+bool isMemoryHigh(const SystemSnapshot& snapshot, const Settings& settings) {
+    return snapshot.memory.pressure >= settings.warningThreshold;
+}
+
+SummaryTexts disk(const DiskSnapshot& disk, const Settings& settings) {
+    const auto space = diskSpaceTexts(disk);
+    return space ? SummaryTexts{u"Disk Free"_s,
+                                u"%1 GB"_s.arg(dashboard_text::gigabytes(disk.freeGB)),
+                                isSpaceLow(disk, settings) ? u"Storage analysis recommended."_s
+                                                           : u"Above Disk Autopilot threshold."_s}
+                 : SummaryTexts{u"Disk Free"_s, dashboard_text::noFigure(),
+                                u"The size of the home volume could not be read."_s};
+}
+
+}  // namespace
+
+std::vector<SummaryTexts> metrics(const std::optional<SystemSnapshot>& snapshot,
+                                  const Settings& settings) {
+    if (!snapshot) {
+        const auto waiting = [](const QString& title) {
+            return SummaryTexts{title, dashboard_text::noFigure(), u"Sampling this Mac..."_s};
+        };
+        return {waiting(u"CPU"_s), waiting(u"Memory"_s), waiting(u"Disk Free"_s)};
+    }
+    return {{u"CPU"_s, dashboard_text::percentText(snapshot->cpuPercent),
+             snapshot->cpuPercent >= settings.warningThreshold ? u"Review the top process."_s
+                                                               : u"Below warning threshold."_s},
+            {u"Memory"_s, dashboard_text::percentText(snapshot->memory.pressure),
+             isMemoryHigh(*snapshot, settings) ? u"Memory pressure needs review."_s
+                                               : u"Memory pressure is manageable."_s},
+            disk(snapshot->disk, settings)};
+}
+
+QString nextStep(const std::optional<SystemSnapshot>& snapshot, const Settings& settings) {
+    if (!snapshot) {
+        return u"Sampling this Mac..."_s;
+    }
+    if (isSpaceLow(snapshot->disk, settings)) {
+        return u"Disk space is the most urgent constraint. Analyze large personal files, back up "
+               "anything important, then move only reviewed items to Trash."_s;
+    }
+    if (isMemoryHigh(*snapshot, settings)) {
+        return u"Memory pressure is the strongest signal. Review the top process before purging "
+               "caches or quitting an app."_s;
+    }
+    return u"The Mac is within your thresholds. Run AI analysis for a second opinion or review "
+           "storage proactively."_s;
+}
+
+QString analysisTitle(bool hasKey, bool isBusy) {
+    return isBusy   ? u"Analyzing"_s
+           : hasKey ? advisor_words::analysis(true)
+                    : u"Analyze On Device"_s;
+}
+
+}  // namespace tallowcrest::optimization_suggestions_lines
