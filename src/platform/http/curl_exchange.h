@@ -18,9 +18,7 @@ namespace tallowcrest {
 class CurlExchange final : public HttpExchange {
 public:
     struct Options {
-        /// In bytes. The longest answer of a model, 128,000 tokens of about four characters each,
-        /// is shorter even with every character escaped in JSON.
-        std::size_t longestReply = std::size_t{4} << 20U;
+        std::size_t longestReply = maximumReplyBytes;
         /// A file of the authorities to trust instead of those of the system; empty for those.
         std::string certificateAuthorities = {};
     };

@@ -61,17 +61,20 @@ std::string firstVariable(std::initializer_list<const char*> names) {
     return {};
 }
 
-/// Null without memory.
+/// Null without memory. Without a token there is no line for it.
 HeaderLines headerLines(const SecretText& bearerToken) {
+    HeaderLines lines(curl_slist_append(nullptr, "Content-Type: application/json"));
+    if (!lines || bearerToken.isEmpty()) {
+        return lines;
+    }
     constexpr std::string_view field = "Authorization: Bearer ";
     std::string line;
     line.reserve(field.size() + bearerToken.view().size());
     line.append(field).append(bearerToken.view());
-    HeaderLines lines(curl_slist_append(nullptr, line.c_str()));
-    wipe(line);
-    if (lines && curl_slist_append(lines.get(), "Content-Type: application/json") == nullptr) {
+    if (curl_slist_append(lines.get(), line.c_str()) == nullptr) {
         lines.reset();
     }
+    wipe(line);
     return lines;
 }
 

@@ -15,28 +15,17 @@ CancelledLater::~CancelledLater() {
 }
 
 void CancelledLater::limitAgain(std::chrono::milliseconds limit) {
-    setDeadline(std::chrono::steady_clock::now() + limit);
-}
-
-void CancelledLater::removeLimit() {
-    setDeadline(std::nullopt);
-}
-
-void CancelledLater::setDeadline(std::optional<Time> deadline) {
     const std::lock_guard guard(lock_);
-    deadline_ = deadline;
+    deadline_ = std::chrono::steady_clock::now() + limit;
     changed_.notify_all();
 }
 
 void CancelledLater::wait(const std::stop_token& over) {
     std::unique_lock guard(lock_);
     while (!over.stop_requested()) {
-        const std::optional<Time> deadline = deadline_;
+        const auto deadline = deadline_;
         const auto isChanged = [&] { return deadline_ != deadline; };
-        if (!deadline) {
-            changed_.wait(guard, over, isChanged);
-        } else if (!changed_.wait_until(guard, over, *deadline, isChanged) &&
-                   !over.stop_requested()) {
+        if (!changed_.wait_until(guard, over, deadline, isChanged) && !over.stop_requested()) {
             guard.unlock();
             g_cancellable_cancel(cancellable_);
             return;

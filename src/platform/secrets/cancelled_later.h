@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <stop_token>
 #include <thread>
 
@@ -25,20 +24,16 @@ public:
     /// Any thread.
     GCancellable* get() const { return cancellable_; }
 
-    /// Begins the time limit again, or ends it: then only a stop is waited for.
+    /// Begins a new time limit in place of the earlier one.
     void limitAgain(std::chrono::milliseconds limit);
-    void removeLimit();
 
 private:
-    using Time = std::chrono::steady_clock::time_point;
-
-    void setDeadline(std::optional<Time> deadline);
     void wait(const std::stop_token& over);
 
     GCancellable* cancellable_;
     std::mutex lock_;
     std::condition_variable_any changed_;
-    std::optional<Time> deadline_;  ///< absent without a limit
+    std::chrono::steady_clock::time_point deadline_;
     std::jthread clock_;
     std::stop_callback<std::function<void()>> onStop_;
 };

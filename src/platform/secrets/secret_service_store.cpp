@@ -76,9 +76,10 @@ private:
 class Operation {
 public:
     /// Connects. With `opensSession` secrets can be passed, encrypted where the service can.
-    Operation(std::chrono::milliseconds limit, const std::stop_token& stop, bool opensSession)
-        : limit_(limit),
-          cancelled_(limit, stop),
+    Operation(const SecretServiceStore::Limits& limits, const std::stop_token& stop,
+              bool opensSession)
+        : limits_(limits),
+          cancelled_(limits.answer, stop),
           attributes_(secret_attributes_build(&schema(), serviceAttribute, keychainService.data(),
                                               accountAttribute, openAIKeyAccount.data(), nullptr)) {
         const std::string address = sessionBusAddress();
@@ -117,10 +118,10 @@ public:
     std::optional<SecretText> secretOf(SecretItem* item) {
         if (secret_item_get_locked(item) != FALSE) {
             const Items wanted(g_list_append(nullptr, g_object_ref(item)));
-            cancelled_.removeLimit();
+            cancelled_.limitAgain(limits_.unlock);
             secret_service_unlock_sync(service_.get(), wanted.get(), cancelled_.get(), nullptr,
                                        nullptr);
-            cancelled_.limitAgain(limit_);
+            cancelled_.limitAgain(limits_.answer);
         }
         if (secret_item_load_secret_sync(item, cancelled_.get(), nullptr) == FALSE) {
             return std::nullopt;
@@ -138,7 +139,7 @@ public:
     bool store(const SecretText& secret) {
         const Value value(secret_value_new(
             secret.view().data(), static_cast<gssize>(secret.view().size()), "text/plain"));
-        cancelled_.removeLimit();
+        cancelled_.limitAgain(limits_.unlock);
         return secret_service_store_sync(service_.get(), &schema(), attributes_.get(),
                                          SECRET_COLLECTION_DEFAULT, label, value.get(),
                                          cancelled_.get(), nullptr) != FALSE;
@@ -146,14 +147,14 @@ public:
 
     /// Asks the owner if an item is locked.
     void clear() {
-        cancelled_.removeLimit();
+        cancelled_.limitAgain(limits_.unlock);
         secret_service_clear_sync(service_.get(), &schema(), attributes_.get(), cancelled_.get(),
                                   nullptr);
-        cancelled_.limitAgain(limit_);
+        cancelled_.limitAgain(limits_.answer);
     }
 
 private:
-    std::chrono::milliseconds limit_;
+    SecretServiceStore::Limits limits_;
     OwnMainContext context_;
     CancelledLater cancelled_;
     Attributes attributes_;
@@ -163,11 +164,14 @@ private:
 
 }  // namespace
 
-SecretServiceStore::SecretServiceStore(std::stop_token stop, std::chrono::milliseconds limit)
-    : stop_(std::move(stop)), limit_(limit) {}
+SecretServiceStore::SecretServiceStore(std::stop_token stop)
+    : SecretServiceStore(std::move(stop), Limits()) {}
+
+SecretServiceStore::SecretServiceStore(std::stop_token stop, Limits limits)
+    : stop_(std::move(stop)), limits_(limits) {}
 
 bool SecretServiceStore::isStored() {
-    Operation operation(limit_, stop_, false);
+    Operation operation(limits_, stop_, false);
     if (!operation.isConnected()) {
         return false;
     }
@@ -177,7 +181,7 @@ bool SecretServiceStore::isStored() {
 
 std::optional<SecretText> SecretServiceStore::read() {
     forbidCoreDumps();
-    Operation operation(limit_, stop_, true);
+    Operation operation(limits_, stop_, true);
     if (!operation.isConnected()) {
         return std::nullopt;
     }
@@ -190,12 +194,12 @@ std::optional<SecretText> SecretServiceStore::read() {
 
 bool SecretServiceStore::add(const SecretText& secret) {
     forbidCoreDumps();
-    Operation operation(limit_, stop_, true);
+    Operation operation(limits_, stop_, true);
     return operation.isConnected() && operation.store(secret);
 }
 
 bool SecretServiceStore::remove() {
-    Operation operation(limit_, stop_, false);
+    Operation operation(limits_, stop_, false);
     if (!operation.isConnected()) {
         return false;
     }

@@ -12,13 +12,16 @@ namespace tallowcrest {
 /// has a connection of its own to the session bus, and nothing of it remains afterwards.
 class SecretServiceStore final : public SecretStore {
 public:
-    /// How long the service may take to be started and to answer. Waiting for the owner is not
-    /// limited.
-    static constexpr std::chrono::milliseconds answerLimit{10'000};
+    struct Limits {
+        /// How long the service may take to be started and to answer.
+        std::chrono::milliseconds answer{10'000};
+        /// How long the owner may take to unlock it.
+        std::chrono::milliseconds unlock = unlockWait;
+    };
 
     /// A requested stop ends all operations, those that wait for the owner too.
-    explicit SecretServiceStore(std::stop_token stop,
-                                std::chrono::milliseconds limit = answerLimit);
+    explicit SecretServiceStore(std::stop_token stop);
+    SecretServiceStore(std::stop_token stop, Limits limits);
 
     bool isStored() override;
     std::optional<SecretText> read() override;
@@ -27,7 +30,7 @@ public:
 
 private:
     std::stop_token stop_;
-    std::chrono::milliseconds limit_;
+    Limits limits_;
 };
 
 }  // namespace tallowcrest

@@ -1,5 +1,7 @@
 #include "presentation/shell/dashboard_window.h"
 
+#include <stdexcept>
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -16,7 +18,6 @@
 #include "monitor/system_monitor.h"
 #include "presentation/screens/advisor/advisor_page.h"
 #include "presentation/screens/chat/chat_page.h"
-#include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/history/history_page.h"
 #include "presentation/screens/load/load_page.h"
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_page.h"
@@ -167,9 +168,8 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
             return new HistoryPage(monitor_);
         case AppRoute::settings:
             return new SettingsPage(monitor_, state_);
-        default:
-            return new ComingPage(monitor_, state_, route);
     }
+    throw std::logic_error("no such page");
 }
 
 Screen* DashboardWindow::screen(AppRoute route) {

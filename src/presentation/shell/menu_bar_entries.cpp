@@ -80,9 +80,7 @@ std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
           [&window] { window.openRoute(AppRoute::overview); }},
          {always("Open Optimize"), u"wand.and.stars"_s, u"menubar.open-optimize"_s,
           [&window] { window.openRoute(AppRoute::optimize); }},
-         {[&monitor] {
-              return advisor_words::analysis(monitor.advisor().provider.state().openAIKeySaved);
-          },
+         {[&monitor] { return advisor_words::analysis(monitor.advisor().provider.isConnected()); },
           u"sparkle.magnifyingglass"_s, u"menubar.analyze"_s,
           [&monitor, &window] { analyze(monitor, window); }}},
         {{[&monitor] { return autoSelectTitle(monitor.actions().automation); }, u"scope"_s,

@@ -96,6 +96,15 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerSaysNo) {
     EXPECT_TRUE(store_.isStored());
 }
 
+TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerDoesNotAnswer) {
+    storeAndLock();
+    Script prompter("scripted_prompter.py", "ignore");
+    SecretServiceStore hasty({}, {.unlock = milliseconds(300)});
+    EXPECT_EQ(textOf(hasty.read()), std::nullopt);
+    EXPECT_EQ(prompter.line(), "asked");
+    EXPECT_TRUE(store_.isStored());
+}
+
 TEST_F(SecretServiceStoreTest, RemainsLockedWhereNobodyCanBeAsked) {
     storeAndLock();
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
@@ -127,14 +136,14 @@ TEST_F(SecretServiceStoreTest, WithoutABusThereIsNothing) {
 
 TEST_F(SecretServiceStoreTest, AServiceThatDoesNotAnswerIsGivenUp) {
     Script service("scripted_secret_service.py", "silent");
-    SecretServiceStore impatient({}, milliseconds(500));
+    SecretServiceStore impatient({}, {.answer = milliseconds(500)});
     EXPECT_FALSE(impatient.isStored());
     EXPECT_EQ(textOf(impatient.read()), std::nullopt);
 }
 
 TEST_F(SecretServiceStoreTest, ABusThatDoesNotAnswerIsGivenUp) {
     bus_.daemon().signal(SIGSTOP);
-    SecretServiceStore impatient({}, milliseconds(500));
+    SecretServiceStore impatient({}, {.answer = milliseconds(500)});
     EXPECT_FALSE(impatient.isStored());
     EXPECT_FALSE(impatient.add(SecretText(key)));
     bus_.daemon().signal(SIGCONT);

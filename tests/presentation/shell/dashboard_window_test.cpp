@@ -9,7 +9,6 @@
 
 #include "actions/actions.h"
 #include "core/settings/settings_owner.h"
-#include "presentation/screens/coming/coming_page.h"
 #include "presentation/screens/load/load_page.h"
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/shell/sidebar.h"
@@ -149,9 +148,7 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
                                  : each == AppRoute::history    ? u"HistoryPage"_s
                                  : each == AppRoute::settings   ? u"SettingsPage"_s
                                  : each == AppRoute::chat       ? u"ChatPage"_s
-                                 : each == AppRoute::optimizationSuggestions
-                                     ? u"OptimizationSuggestionsPage"_s
-                                     : u"ComingPage"_s);
+                                                                : u"OptimizationSuggestionsPage"_s);
         const auto identifier = u"sidebar."_s + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }

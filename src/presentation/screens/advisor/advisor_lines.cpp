@@ -46,10 +46,6 @@ QString connectionState(bool isKeySaved, std::string_view host) {
                           : u"Enhanced AI connected to "_s + text(host);
 }
 
-QString headerAnalyze(bool isKeySaved, bool isBusy) {
-    return isBusy ? u"Analyzing"_s : isKeySaved ? u"AI Analyze"_s : u"Local Analyze"_s;
-}
-
 QString progress(std::string_view service, std::chrono::seconds elapsed) {
     const std::chrono::seconds shown = std::max(elapsed, std::chrono::seconds(0));
     if (shown > exchangeWait) {

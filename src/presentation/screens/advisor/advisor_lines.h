@@ -23,9 +23,6 @@ QString lead();
 /// or "On-device guidance active".
 QString connectionState(bool isKeySaved, std::string_view host);
 
-/// The title of the analysis button in the header of the page.
-QString headerAnalyze(bool isKeySaved, bool isBusy);
-
 /// How long an analysis has taken, and how long it can take: "Asking OpenAI… 12 s of at most 30 s".
 /// Beyond that it can only be the secret store that waits for the owner.
 QString progress(std::string_view service, std::chrono::seconds elapsed);

@@ -11,6 +11,7 @@
 #include "actions/actions.h"
 #include "actions/automation.h"
 #include "advisor/advisor.h"
+#include "advisor/provider_exchange.h"
 #include "core/clock.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -19,6 +20,7 @@
 #include "presentation/screens/advisor/rule_drafts_card.h"
 #include "presentation/screens/advisor/suggestions_card.h"
 #include "presentation/screens/advisor/trust_card.h"
+#include "presentation/screens/shared/analysis_action.h"
 #include "presentation/screens/shared/autonomy_picker.h"
 #include "presentation/screens/shared/workspace_bar.h"
 #include "presentation/state/advisor_payload.h"
@@ -169,13 +171,7 @@ std::vector<Observable*> AdvisorPage::shows() const {
 }
 
 std::vector<HeaderAction> AdvisorPage::headerActions() {
-    return {{{"Local Analyze", "sparkle.magnifyingglass", "Explains the present state"},
-             u"aiAdvisor.analyze"_s,
-             [this] { analyze(); },
-             [this] {
-                 const ProviderState& state = monitor_.advisor().provider.state();
-                 return advisor_lines::headerAnalyze(state.openAIKeySaved, state.aiBusy);
-             }},
+    return {analysisAction(monitor_.advisor().provider, u"aiAdvisor.analyze"_s),
             {{"Open Chat", "message", "Goes to Chat"}, u"aiAdvisor.open-chat"_s, [this] {
                  state_.navigation.setSelectedRoute(AppRoute::chat);
              }}};
@@ -196,7 +192,7 @@ void AdvisorPage::refresh() {
 void AdvisorPage::showGuidance() {
     const Provider& provider = monitor_.advisor().provider;
     const Settings& settings = monitor_.settings();
-    const bool isKeySaved = provider.state().openAIKeySaved;
+    const bool isKeySaved = provider.isConnected();
     guidance_->show(
         {.connection = advisor_lines::connectionState(
              isKeySaved, settings.aiEndpoint.empty() ? std::string() : provider.serviceName()),
@@ -227,7 +223,7 @@ void AdvisorPage::showSuggestions() {
         advisor_lines::suggestionLines(suggestions.aiActions(), suggestions.approvedAIActionIDs(),
                                        snapshot ? snapshot->memory.pressure : 0.0,
                                        monitor_.settings().warningThreshold),
-        advisor_lines::noSuggestions(monitor_.advisor().provider.state().openAIKeySaved));
+        advisor_lines::noSuggestions(monitor_.advisor().provider.isConnected()));
 }
 
 void AdvisorPage::showProgress() {
@@ -239,7 +235,7 @@ void AdvisorPage::showProgress() {
         second_->start();
     }
     const std::chrono::seconds elapsed(static_cast<std::int64_t>(
-        secondsBetween(state.aiBusySince, monitor_.services().clock.now())));
+        secondsWaited(state.aiBusySince, monitor_.services().clock.now())));
     guidance_->showProgress(state.aiBusy ? advisor_lines::progress(provider.serviceName(), elapsed)
                             : monitor_.sample().snapshot() ? QString()
                                                            : u"Sampling this Mac..."_s);

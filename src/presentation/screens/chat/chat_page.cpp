@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "advisor/advisor.h"
+#include "advisor/provider_exchange.h"
 #include "core/clock.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -227,7 +228,7 @@ void ChatPage::followEnd() {
 
 void ChatPage::refresh() {
     const ChatState& state = chat().state();
-    lead_->setText(chat_lines::lead(monitor_.advisor().provider.state().openAIKeySaved));
+    lead_->setText(chat_lines::lead(monitor_.advisor().provider.isConnected()));
     panel_->show(chat_lines::facts(monitor_.sample().snapshot(),
                                    monitor_.settings().aiRedactProcessDetails));
     composer_->show(QString::fromStdString(state.aiChatInput), state.aiChatBusy);
@@ -282,7 +283,7 @@ void ChatPage::showMessages() {
 void ChatPage::showThinking() {
     const ChatState& state = chat().state();
     thinking_->setText(chat_lines::thinking(
-        secondsBetween(state.aiChatBusySince, monitor_.services().clock.now())));
+        secondsWaited(state.aiChatBusySince, monitor_.services().clock.now())));
 }
 
 bool ChatPage::isAtEnd() const {

@@ -83,10 +83,10 @@ void OptimizationSuggestionsPage::refresh() {
     const Settings& settings = monitor_.settings();
     const ProviderState& provider = monitor_.advisor().provider.state();
     metrics_->show(optimization_suggestions_lines::metrics(sample.snapshot(), settings));
-    nextStep_->show(
-        optimization_suggestions_lines::nextStep(sample.snapshot(), settings),
-        optimization_suggestions_lines::analysisTitle(provider.openAIKeySaved, provider.aiBusy),
-        provider.aiBusy);
+    nextStep_->show(optimization_suggestions_lines::nextStep(sample.snapshot(), settings),
+                    optimization_suggestions_lines::analysisTitle(
+                        monitor_.advisor().provider.isConnected(), provider.aiBusy),
+                    provider.aiBusy);
     advice_->show(provider.aiInsight,
                   recommendationLines(sample.recommendations(), sample.latestProcesses()));
     showDiskAutopilot(*disk_, state_.sections, diskAutopilotFacts(monitor_));

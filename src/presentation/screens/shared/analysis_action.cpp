@@ -12,11 +12,15 @@ HeaderAction analysisAction(Provider& provider, const QString& identifier) {
     return {{"Local Analyze", "sparkle.magnifyingglass",
              "Explains the present figures and what to do about them"},
             identifier,
-            [&provider] { provider.requestAIAnalysis(); },
             [&provider] {
-                return provider.state().aiBusy
-                           ? u"Analyzing"_s
-                           : advisor_words::analysis(provider.state().openAIKeySaved);
+                // A header action cannot be disabled.
+                if (!provider.state().aiBusy) {
+                    provider.requestAIAnalysis();
+                }
+            },
+            [&provider] {
+                return provider.state().aiBusy ? u"Analyzing"_s
+                                               : advisor_words::analysis(provider.isConnected());
             }};
 }
 

@@ -30,12 +30,6 @@ TEST(AdvisorLines, TheConnectionNamesTheHostOfAnotherService) {
               u"Enhanced AI connected to localhost:8080"_s);
 }
 
-TEST(AdvisorLines, TheAnalysisButtonOfTheHeader) {
-    EXPECT_EQ(headerAnalyze(false, false), u"Local Analyze"_s);
-    EXPECT_EQ(headerAnalyze(true, false), u"AI Analyze"_s);
-    EXPECT_EQ(headerAnalyze(true, true), u"Analyzing"_s);
-}
-
 TEST(AdvisorLines, TheProgressTellsTheTimeAndItsLimit) {
     EXPECT_EQ(progress("OpenAI", seconds(0)), u"Asking OpenAI… 0 s of at most 30 s"_s);
     EXPECT_EQ(progress("localhost", seconds(30)), u"Asking localhost… 30 s of at most 30 s"_s);
