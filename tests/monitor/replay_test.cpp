@@ -11,6 +11,7 @@
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "core/activity_kinds.h"
+#include "monitor/auto_rules.h"
 
 namespace tallowcrest {
 namespace {
