@@ -43,7 +43,8 @@ void takeClosing(GDBusConnection*, gboolean, GError*, gpointer context) {
 }
 
 /// Blocks until the owner has answered, the service or the bus has ended, or `cancellable` is
-/// cancelled.
+/// cancelled. The dialog then ends with the connection: "Dismiss" on a prompt that is shown ends
+/// gnome-keyring-daemon 42.1.
 Question ask(GDBusProxy* prompt, GCancellable* cancellable) {
     Question question;
     GDBusConnection* const connection = g_dbus_proxy_get_connection(prompt);
@@ -62,12 +63,6 @@ Question ask(GDBusProxy* prompt, GCancellable* cancellable) {
                                                      cancellable, nullptr));
     while (begun && !question.isOver && g_cancellable_is_cancelled(cancellable) == FALSE) {
         g_main_context_iteration(context, TRUE);
-    }
-    if (!question.isOver) {
-        constexpr int patience = 1000;  // milliseconds
-        const VariantHandle dismissed(g_dbus_proxy_call_sync(prompt, "Dismiss", nullptr,
-                                                             G_DBUS_CALL_FLAGS_NO_AUTO_START,
-                                                             patience, nullptr, nullptr));
     }
     g_source_destroy(wake);
     g_source_unref(wake);

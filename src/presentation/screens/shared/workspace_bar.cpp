@@ -73,11 +73,6 @@ WorkspaceBar::WorkspaceBar(AppRoute route, QWidget* parent) : QWidget(parent), r
     layout->addWidget(line);
 }
 
-bool WorkspaceBar::isStep(AppRoute route) {
-    return std::any_of(steps.begin(), steps.end(),
-                       [route](const Step& step) { return step.route == route; });
-}
-
 void WorkspaceBar::makeTabs() {
     tabs_ = new TabStrip(accessibleName());
     for (const Step& step : steps) {

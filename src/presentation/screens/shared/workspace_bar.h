@@ -26,9 +26,6 @@ public:
     /// `route` is that of the page.
     explicit WorkspaceBar(AppRoute route, QWidget* parent = nullptr);
 
-    /// Whether a route belongs to the workspace.
-    static bool isStep(AppRoute route);
-
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
     /// Empty: the tabs and the line describe themselves.
     QString accessibleValue() const override { return {}; }

@@ -28,7 +28,7 @@ class RemoteTabTest : public TabFixture<RemoteTab> {
 protected:
     RemoteTabTest() {
         tab.show(u"owner"_s, u"A key."_s);
-        QObject::connect(&tab.user(), &StoredField::entered,
+        QObject::connect(&tab.user(), &StoredField::entered, &listener,
                          [this](const QString& typed) { entered.append(typed); });
     }
 
@@ -41,6 +41,7 @@ protected:
     }
 
     QStringList entered;
+    QObject listener;  ///< ends before the tab, which reports a typed text when it ends
 };
 
 TEST_F(RemoteTabTest, ShowsTheUserAndTheKey) {
