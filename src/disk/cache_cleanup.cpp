@@ -12,9 +12,14 @@ namespace {
 namespace policy = DiskAutopilotSafetyPolicy;
 
 /// The folder of the caches without links; empty when nothing may be taken for it.
-std::string cachesRoot(const std::string& caches, const std::string& home) {
-    std::string root = resolvedPath(caches);
-    return policy::isPossibleCachesFolder(root, resolvedPath(home)) ? root : std::string();
+std::string cachesRoot(const CachesPlace& place) {
+    std::string root = resolvedPath(place.caches);
+    std::vector<std::string> kept;
+    for (const std::string& folder : place.kept) {
+        kept.push_back(resolvedPath(folder));
+    }
+    return policy::isPossibleCachesFolder(root, resolvedPath(place.home), kept) ? root
+                                                                                : std::string();
 }
 
 /// Tells no more often than a person can follow.
@@ -39,12 +44,22 @@ std::string folderOf(const std::string& path) {
 
 }  // namespace
 
+CachesPlace cachesPlace(const DiskPlaces& places) {
+    CachesPlace place{places.caches, places.home, places.personal};
+    for (const StorageArea& area : places.areas) {
+        if (area.folder != place.caches && isInsideFolder(area.folder, place.home)) {
+            place.kept.push_back(area.folder);
+        }
+    }
+    return place;
+}
+
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
                                      const std::function<void(SearchProgress)>& progress,
                                      const std::stop_token& stop) {
     DiskCleanupPlan plan;
-    const std::string root = cachesRoot(request.caches, request.home);
+    const std::string root = cachesRoot(request.place);
     const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
     const std::int64_t cap = policy::byteCap(request.maxGB);
     std::int64_t filesSeen = 0;
@@ -81,7 +96,7 @@ void CleanupTally::count(std::int64_t movedBytes) {
 void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& tally,
                    const std::function<void()>& progress, const Stop& stop,
                    const std::stop_token& stopToken) {
-    const std::string root = resolvedPath(request.caches);
+    const std::string root = cachesRoot(request.place);
     const std::int64_t cap = policy::byteCap(request.maxGB);
     for (const CleanupCandidate& file : request.files) {
         if (stop.isRequested() || stopToken.stop_requested()) {

@@ -9,6 +9,7 @@
 
 #include "core/clock.h"
 #include "core/jobs/jobs.h"
+#include "disk/disk_ports.h"
 #include "disk/disk_records.h"
 #include "disk/file_walks.h"
 #include "disk/trash.h"
@@ -17,9 +18,17 @@
 /// comes by value or through a port.
 namespace tallowcrest {
 
-struct CacheScanRequest {
+/// Where the caches are, and what must not be taken for them. Paths as the owner has set them.
+struct CachesPlace {
     std::string caches;
     std::string home;
+    std::vector<std::string> kept;  ///< folders of the owner's files, of data and of settings
+};
+
+CachesPlace cachesPlace(const DiskPlaces& places);
+
+struct CacheScanRequest {
+    CachesPlace place;
     double ageDays = 0.0;
     double maxGB = 0.0;
 };
@@ -34,7 +43,7 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
 
 struct CacheMoveRequest {
     std::vector<CleanupCandidate> files;
-    std::string caches;
+    CachesPlace place;
     double maxGB = 0.0;
 };
 

@@ -21,9 +21,19 @@ namespace tallowcrest {
 namespace policy = DiskAutopilotSafetyPolicy;
 namespace receipts = disk_receipts;
 
+namespace {
+
+/// With "~" for the home directory at its beginning.
+std::string shownCachesFolder(const DiskPlaces& places) {
+    const bool isInHome = isInsideFolder(places.caches, places.home);
+    return shownPath(isInHome ? "~" + places.caches.substr(places.home.size()) : places.caches);
+}
+
+}  // namespace
+
 DiskAutopilot::DiskAutopilot(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
-      caches_(shownPathInHome(dependencies_.ports.places.caches, dependencies_.ports.places.home)),
+      caches_(shownCachesFolder(dependencies_.ports.places)),
       observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
       emergencyStops_(dependencies_.automation.emergencyStops()),
       automationChanged_(std::make_unique<Subscription>(
@@ -95,7 +105,7 @@ void DiskAutopilot::beginScan(Purpose purpose) {
     purpose_ = purpose;
     const Settings& settings = dependencies_.services.settings.values();
     const DiskPlaces& places = dependencies_.ports.places;
-    scanRequest_ = {places.caches, places.home, policy::clampedAgeDays(settings.diskCleanupAgeDays),
+    scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
                     policy::clampedMaxGB(settings.diskMaxCleanupGB)};
     state_.scan.emplace();
     observable_->changed();
@@ -264,7 +274,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
     move_.begin().runWithProgress<CleanupProgress>(
         Lane::diskCleanup,
         [trash = dependencies_.ports.trash,
-         request = CacheMoveRequest{std::move(plan.urls), dependencies_.ports.places.caches,
+         request = CacheMoveRequest{std::move(plan.urls), cachesPlace(dependencies_.ports.places),
                                     run_->cleanup.maxGB},
          tally = run_->tally, token = move_.stopToken()](const Stop& stop, const auto& report) {
             moveOldCaches(

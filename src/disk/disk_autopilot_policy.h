@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "core/date.h"
@@ -25,9 +26,11 @@ using tallowcrest::clampedMaxGB;
 /// are absolute, normal and without links.
 bool isInsideUserCaches(const std::string& file, const std::string& caches);
 
-/// Whether a folder may be taken for that of the caches: not the home directory and none that
-/// contains it. Both paths as above.
-bool isPossibleCachesFolder(const std::string& caches, const std::string& home);
+/// Whether a folder may be taken for that of the caches: neither the home directory nor a folder
+/// that contains it, and nothing that is, contains or is inside one of the `kept` folders, whose
+/// files are not caches. All paths as above.
+bool isPossibleCachesFolder(const std::string& caches, const std::string& home,
+                            std::span<const std::string> kept);
 
 /// The most bytes that one run may move.
 std::int64_t byteCap(double maxGB);

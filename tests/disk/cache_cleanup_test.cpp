@@ -37,7 +37,7 @@ protected:
     DiskCleanupPlan plan(const std::string& caches = "/home/owner/.cache",
                          const std::string& home = "/home/owner") {
         return buildDiskCleanupPlan(
-            walk, {caches, home, 30.0, 2.0}, clock,
+            walk, {{caches, home, kept}, 30.0, 2.0}, clock,
             [this](SearchProgress progress) { seen.push_back(progress.filesSeen); },
             stopSource.get_token());
     }
@@ -47,7 +47,7 @@ protected:
                          const std::string& caches = "/home/owner/.cache") {
         CleanupTally tally(candidates.size());
         moveOldCaches(
-            trash, {candidates, caches, maxGB}, tally, [this] { ++told; },
+            trash, {candidates, {caches, "/home/owner", kept}, maxGB}, tally, [this] { ++told; },
             Stop(programStop.get_token(), changes), stopSource.get_token());
         return tally.progress();
     }
@@ -56,6 +56,7 @@ protected:
     FakeFiles files;
     FakeFileWalk walk{files};
     FakeTrash trash{files};
+    std::vector<std::string> kept;
     std::vector<std::int64_t> seen;
     std::stop_source stopSource;
     std::stop_source programStop;
@@ -121,6 +122,26 @@ TEST_F(CacheCleanupTest, TheHomeDirectoryIsNeverWalkedAsTheCaches) {
         EXPECT_THAT(plan(caches).urls, IsEmpty()) << caches;
     }
     EXPECT_THAT(walk.roots, IsEmpty());
+}
+
+TEST_F(CacheCleanupTest, AFolderOfOtherFilesIsNeitherWalkedNorEmptiedAsTheCaches) {
+    const std::string old = add("old", 10);
+    const DiskCleanupPlan made = plan();
+    ASSERT_THAT(eachOf(made.urls, &CleanupCandidate::path), ElementsAre(old));
+    kept = {"/home/owner/.cache"};
+    EXPECT_THAT(planned(), IsEmpty());
+    EXPECT_EQ(move(made.urls).moved, 0) << "it became one between the review and the run";
+}
+
+TEST_F(CacheCleanupTest, KeepsThePersonalFoldersAndTheAreasInTheHomeDirectory) {
+    DiskPlaces places;
+    places.home = "/home/o";
+    places.caches = "/home/o/.cache";
+    places.personal = {"/home/o/Documents"};
+    places.areas = {{"Programs", "/usr"},
+                    {"User Caches", "/home/o/.cache"},
+                    {"Configuration", "/home/o/.config"}};
+    EXPECT_THAT(cachesPlace(places).kept, ElementsAre("/home/o/Documents", "/home/o/.config"));
 }
 
 TEST_F(CacheCleanupTest, AFileReachedThroughALinkThatLeavesTheFolderIsLeft) {

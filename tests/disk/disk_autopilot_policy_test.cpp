@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -53,8 +54,25 @@ TEST(DiskAutopilotSafetyPolicy, TheHomeDirectoryIsNeverTakenForTheCaches) {
                         {"/home", false},         {"/", false},          {"", false},
                         {"cache", false},         {"/home/o2", true}};
     for (const Row& row : rows) {
-        EXPECT_EQ(isPossibleCachesFolder(row.caches, "/home/o"), row.isPossible) << row.caches;
+        EXPECT_EQ(isPossibleCachesFolder(row.caches, "/home/o", {}), row.isPossible) << row.caches;
     }
+}
+
+TEST(DiskAutopilotSafetyPolicy, NoFolderOfOtherFilesIsTakenForTheCaches) {
+    const std::vector<std::string> kept{"/home/o/Documents", "/home/o/.config"};
+    struct Row {
+        std::string caches;
+        bool isPossible;
+    };
+    const Row rows[] = {{"/home/o/.cache", true},       {"/home/o/Documents", false},
+                        {"/home/o/Documents/x", false}, {"/home/o/Documents2", true},
+                        {"/home/o/.config/c", false},   {"/data/cache", true}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(isPossibleCachesFolder(row.caches, "/home/o", kept), row.isPossible)
+            << row.caches;
+    }
+    const std::vector<std::string> elsewhere{"/data/films"};
+    EXPECT_FALSE(isPossibleCachesFolder("/data", "/home/o", elsewhere)) << "it contains one";
 }
 
 TEST(DiskAutopilotSafetyPolicy, TheByteCapIsHeldToItsLimits) {

@@ -44,7 +44,8 @@ EntryKind kindOfType(unsigned char type) {
 std::optional<EntryStatus> statusOf(int folder, const char* name) {
     const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC |
                       (*name == '\0' ? AT_EMPTY_PATH : 0);
-    constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_MTIME | STATX_INO;
+    constexpr unsigned wanted =
+        STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_MTIME | STATX_INO | STATX_BTIME;
     struct statx info {};
     if (::statx(folder, name, flags, wanted, &info) != 0) {
         return std::nullopt;
@@ -57,6 +58,9 @@ std::optional<EntryStatus> statusOf(int folder, const char* name) {
                             static_cast<double>(info.stx_mtime.tv_nsec) / 1e9;
     }
     status.identity = {::gnu_dev_makedev(info.stx_dev_major, info.stx_dev_minor), info.stx_ino};
+    if ((info.stx_mask & STATX_BTIME) != 0) {
+        status.identity.bornAt = info.stx_btime.tv_sec * 1'000'000'000 + info.stx_btime.tv_nsec;
+    }
     status.isExecutable = (info.stx_mode & (S_IXUSR | S_IXGRP | S_IXOTH)) != 0;
     status.isMountPoint = (info.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     return status;

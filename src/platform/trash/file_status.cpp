@@ -15,12 +15,15 @@ namespace {
 std::optional<FileStatus> read(int folder, const char* name, int flags) {
     struct statx found {};
     constexpr unsigned wanted =
-        STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE | STATX_MNT_ID;
+        STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE | STATX_MNT_ID | STATX_BTIME;
     if (::statx(folder, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &found) != 0) {
         return std::nullopt;
     }
     FileStatus status;
     status.identity = {::makedev(found.stx_dev_major, found.stx_dev_minor), found.stx_ino};
+    if ((found.stx_mask & STATX_BTIME) != 0) {
+        status.identity.bornAt = found.stx_btime.tv_sec * 1'000'000'000 + found.stx_btime.tv_nsec;
+    }
     status.mount = (found.stx_mask & STATX_MNT_ID) != 0 ? found.stx_mnt_id : 0;
     status.mode = found.stx_mode;
     status.owner = found.stx_uid;

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/base/unique_fd.h"
+#include "platform/trash/file_status.h"
 #include "tests/platform/trash/trash_fixture.h"
 #include "tests/support/file_text.h"
 
@@ -183,6 +184,16 @@ TEST_F(XdgTrashTest, LeavesAnotherFileThanTheOneThatWasReviewed) {
     write(path, "not reviewed");
     EXPECT_LEFT(trash.moveToTrash(request), "Another file has taken its name");
     EXPECT_EQ(fileText(path), "not reviewed");
+}
+
+TEST_F(XdgTrashTest, LeavesAFileThatWasMadeAnewWithTheNumberOfTheOneThatWasReviewed) {
+    const std::string path = write(inCache("a"), "reviewed");
+    TrashRequest request = reviewed(path);
+    // File systems give a free number again; how soon differs, so the birth alone is changed here.
+    ASSERT_NE(statusAt(AT_FDCWD, path)->identity.bornAt, 0);
+    request.identity->bornAt = statusAt(AT_FDCWD, path)->identity.bornAt - 1;
+    EXPECT_LEFT(trash.moveToTrash(request), "Another file has taken its name");
+    EXPECT_EQ(fileText(path), "reviewed");
 }
 
 TEST_F(XdgTrashTest, MovesAtMostTheBytesThatItMay) {
