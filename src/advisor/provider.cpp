@@ -182,6 +182,9 @@ bool Provider::isConnected() const {
 }
 
 Outcome Provider::requestAIAnalysis() {
+    if (state_.aiBusy) {
+        return Outcome::ignored();
+    }
     if (!isConnected()) {
         return composeOnDeviceAnalysis(false);
     }

@@ -100,7 +100,8 @@ public:
 
     /// Starts an analysis, after a confirmation if the settings say so. Unless `isConnected`, it is
     /// the analysis of this machine alone, at once; so it is, as after a failed exchange, when the
-    /// stored address must not be used. Refused before the first sample.
+    /// stored address must not be used. Refused before the first sample, ignored while an
+    /// analysis is under way.
     Outcome requestAIAnalysis();
     /// The same without the confirmation. Ignored while an analysis is under way.
     Outcome sendAIAnalysis();

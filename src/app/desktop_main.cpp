@@ -18,6 +18,7 @@
 
 #include "app/composition.h"
 #include "app/console.h"
+#include "app/environment_key.h"
 #include "app/http_module.h"
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
@@ -214,6 +215,8 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
 int main(int argc, char** argv) {
     using namespace tallowcrest;
     occupyStandardDescriptors();
+    // The window's key is in the keyring, and programs that it starts must not get this one.
+    takeEnvironmentKey();
     // A limit on file sizes then makes a save fail instead of ending the program.
     std::signal(SIGXFSZ, SIG_IGN);
     const std::vector<std::string> arguments(argv, argv + argc);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "advisor/advisor_ports.h"
+#include "platform/base/core_dumps.h"
 #include "platform/base/environment.h"
 
 namespace tallowcrest {
@@ -32,6 +33,7 @@ std::shared_ptr<SecretStore> takeEnvironmentKey() {
     if (value == nullptr || *value == '\0') {
         return nullptr;
     }
+    forbidCoreDumps();
     const std::size_t length = std::strlen(value);
     SecretText key({value, length});
     wipe({value, length});

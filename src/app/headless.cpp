@@ -12,7 +12,6 @@
 #include "advisor/advisor_ports.h"
 #include "app/composition.h"
 #include "app/console.h"
-#include "app/environment_key.h"
 #include "app/headless_advisor.h"
 #include "app/headless_format.h"
 #include "app/open_metrics.h"
@@ -176,15 +175,9 @@ private:
     std::optional<HeadlessAdvisor> advisor_;
 };
 
-/// What the advisor needs to ask a provider. Without a key in the environment it answers alone.
-AdvisorPorts advisorPorts(std::shared_ptr<HttpExchange> http) {
-    auto key = takeEnvironmentKey();
-    return key == nullptr ? AdvisorPorts{} : AdvisorPorts{std::move(key), std::move(http)};
-}
-
 }  // namespace
 
-int runHeadless(const Options& options, std::shared_ptr<HttpExchange> http) {
+int runHeadless(const Options& options, AdvisorPorts provider) {
     if (options.openMetrics && *options.openMetrics != "-") {
         const std::string problem = whyNotReplaceable(*options.openMetrics);
         if (!problem.empty()) {
@@ -194,8 +187,8 @@ int runHeadless(const Options& options, std::shared_ptr<HttpExchange> http) {
     }
     DesktopServices services;
     if (options.ask || options.analyze) {
-        services.makeAdvisorPorts = [ports = advisorPorts(std::move(http))](std::stop_token) {
-            return ports;
+        services.makeAdvisorPorts = [provider = std::move(provider)](std::stop_token) {
+            return provider;
         };
     }
     RunLoop loop;

@@ -7,11 +7,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "app/console.h"
+#include "app/environment_key.h"
 #include "app/headless.h"
 #include "app/http_module.h"
 #include "app/options.h"
@@ -47,11 +49,19 @@ int openWindow(char** argv) {
 }
 
 int run(const std::vector<std::string>& arguments, char** argv) {
+    // In each run, because programs that are started must not get it.
+    auto key = takeEnvironmentKey();
     const CommandLine commandLine = readCommandLine(arguments);
     if (commandLine.status) {
         return *commandLine.status;
     }
-    return commandLine.options.headless ? runHeadless(commandLine.options, std::make_shared<HttpModule>()) : openWindow(argv);
+    if (!commandLine.options.headless) {
+        return openWindow(argv);
+    }
+    return runHeadless(commandLine.options,
+                       key == nullptr
+                           ? AdvisorPorts{}
+                           : AdvisorPorts{std::move(key), std::make_shared<HttpModule>()});
 }
 
 }  // namespace

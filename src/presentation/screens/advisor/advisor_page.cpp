@@ -141,6 +141,7 @@ void AdvisorPage::togglePayload() {
         guidance_->showPayload({});
         return;
     }
+    payloadRedacts_ = monitor_.settings().aiRedactProcessDetails;
     const QString payload = advisorPayload(monitor_);
     guidance_->showPayload(payload);
     guidance_->showRefusal(payload.isEmpty() ? u"No AI payload preview is available yet."_s
@@ -192,6 +193,11 @@ void AdvisorPage::refresh() {
 void AdvisorPage::showGuidance() {
     const Provider& provider = monitor_.advisor().provider;
     const Settings& settings = monitor_.settings();
+    // What is shown as that which would be sent must not be older than the choice of what that is.
+    if (guidance_->showsPayload() && payloadRedacts_ != settings.aiRedactProcessDetails) {
+        payloadRedacts_ = settings.aiRedactProcessDetails;
+        guidance_->showPayload(advisorPayload(monitor_));
+    }
     const bool isKeySaved = provider.isConnected();
     guidance_->show(
         {.connection = advisor_lines::connectionState(

@@ -57,6 +57,7 @@ private:
     TrustCard* trust_ = nullptr;
     RuleDraftsCard* drafts_ = nullptr;
     std::optional<std::string> shownAnswer_;
+    bool payloadRedacts_ = true;  ///< what the shown payload was made with
     QTimer* second_ = nullptr;
 };
 

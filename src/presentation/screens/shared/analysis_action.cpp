@@ -12,12 +12,7 @@ HeaderAction analysisAction(Provider& provider, const QString& identifier) {
     return {{"Local Analyze", "sparkle.magnifyingglass",
              "Explains the present figures and what to do about them"},
             identifier,
-            [&provider] {
-                // A header action cannot be disabled.
-                if (!provider.state().aiBusy) {
-                    provider.requestAIAnalysis();
-                }
-            },
+            [&provider] { provider.requestAIAnalysis(); },
             [&provider] {
                 return provider.state().aiBusy ? u"Analyzing"_s
                                                : advisor_words::analysis(provider.isConnected());

@@ -188,6 +188,20 @@ TEST_F(AdvisorPageTest, ShowPayloadShowsAllThatWouldBeSent) {
     EXPECT_EQ(button("ai.show-payload").text(), u"Show Payload"_s);
 }
 
+TEST_F(AdvisorPageTest, AShownPayloadFollowsTheChoiceOfWhatIsSent) {
+    showConnected();
+    click("ai.show-payload");
+    const QString redacted = visible<SelectableText>("ai.payload")->shownText();
+    machine.monitor().advisor().provider.setAIRedactProcessDetails(false);
+    settle();
+    const QString shown = visible<SelectableText>("ai.payload")->shownText();
+    EXPECT_NE(shown, redacted);
+    click("ai.analyze");
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_EQ(shown.toStdString(), fakes.http->sent[0].prompt());
+}
+
 TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
     showConnected(true);
     click("ai.analyze");
