@@ -111,6 +111,7 @@ Outcome RemoteActions::performRemotePurge(const RemoteHealth& machine, const Rev
                 .text = remote_commands::purge(machine.isLinux),
                 .timeout = 15s,
                 .successMark = "purge_ok",
+                .runningMessage = fmt::format("Purging file caches on {}...", machine.hostName),
                 .doneMessage = fmt::format("Purged remote file caches on {}.", machine.hostName),
                 .failedMessage = fmt::format("Remote purge failed on {}. It may require "
                                              "permissions or be unavailable.",
@@ -151,6 +152,8 @@ Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const Remo
                 .text = *command,
                 .timeout = 8s,
                 .successMark = "quit_ok",
+                .runningMessage = fmt::format("Asking {} to quit on {}...", process.displayName(),
+                                              machine.hostName),
                 .doneMessage =
                     fmt::format("Asked {} to quit on {}.", process.displayName(), machine.hostName),
                 .failedMessage = fmt::format("Could not quit {} on {}.", process.displayName(),
@@ -158,6 +161,7 @@ Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const Remo
 }
 
 Outcome RemoteActions::run(const Command& command) {
+    keepResult(command.machine, Outcome::asked(command.runningMessage));
     jobs_.run(
         Lane::remoteActions,
         [&tools = dependencies_.tools,
@@ -199,12 +203,13 @@ Outcome RemoteActions::remoteOptimizeSafely(const RemoteHealth& machine) {
                                                       machine.hostName)));
     }
     Outcome copied = copyRemoteAppReport(machine, *app);
-    return copied.isAccepted()
-               ? recordResult(machine.id,
-                              Outcome::done(fmt::format("Remote Optimize Safely selected {} on {} "
-                                                        "and copied a report.",
-                                                        app->name, machine.hostName)))
-               : copied;
+    if (!copied.isAccepted()) {
+        keepResult(machine.id, copied);
+        return copied;
+    }
+    return recordResult(machine.id, Outcome::done(fmt::format("Remote Optimize Safely selected {} "
+                                                              "on {} and copied a report.",
+                                                              app->name, machine.hostName)));
 }
 
 Outcome RemoteActions::copyRemoteReport(const RemoteHealth& machine) {
@@ -334,10 +339,14 @@ std::optional<std::string> RemoteActions::targetOf(const RemoteHealth& machine) 
                                           machine.address);
 }
 
-Outcome RemoteActions::recordResult(const std::string& machine, Outcome outcome) {
+void RemoteActions::keepResult(const std::string& machine, const Outcome& outcome) {
     results_.insert_or_assign(machine,
                               RemoteActionResult{outcome, dependencies_.services.clock.now()});
     observable_->changed();
+}
+
+Outcome RemoteActions::recordResult(const std::string& machine, Outcome outcome) {
+    keepResult(machine, outcome);
     return record(std::move(outcome));
 }
 

@@ -26,7 +26,7 @@ class RemoteScan;
 class ToolRunner;
 
 /// How a request for a machine, or what was confirmed of it, ended. The message is the recorded
-/// one.
+/// one; while it runs, it says what is being done and is not recorded.
 struct RemoteActionResult {
     Outcome outcome;
     Date at;
@@ -58,8 +58,8 @@ public:
     RemoteActions& operator=(const RemoteActions&) = delete;
 
     /// How the last purge, quit or safest step of each machine of this run ended or was refused, by
-    /// the identifier of its record. A success begins a scan, whose messages replace the last
-    /// action at once.
+    /// the identifier of its record; asked while a confirmed one runs. A success begins a scan,
+    /// whose messages replace the last action at once.
     const std::map<std::string, RemoteActionResult>& results() const { return results_; }
 
     /// Requests confirmation to purge the machine's file caches. Refused while it is not reachable
@@ -120,6 +120,7 @@ private:
         std::string text;
         std::chrono::milliseconds timeout;
         std::string_view successMark;
+        std::string runningMessage;
         std::string doneMessage;
         std::string failedMessage;
     };
@@ -137,7 +138,9 @@ private:
     Outcome copyKeyGeneration();
     Outcome finishExport(const std::filesystem::path& file, const Outcome& written);
     Outcome record(Outcome outcome) const;
-    /// The same, and keeps it as the result of that machine.
+    /// Keeps it as the result of that machine.
+    void keepResult(const std::string& machine, const Outcome& outcome);
+    /// Both.
     Outcome recordResult(const std::string& machine, Outcome outcome);
 
     Dependencies dependencies_;

@@ -6,12 +6,15 @@
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <variant>
 
 #include <fmt/format.h>
 
 #include "actions/tool_runner.h"
+#include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/locale.h"
@@ -80,11 +83,8 @@ Outcome RemoteScan::scanRemoteMacs() {
         return services_.log.record(
             Outcome::refused("No online Tailscale Macs are available to scan."));
     }
-    state_.remoteScanInProgress = true;
-    if (cancel_.stop_requested()) {
-        cancel_ = {};
-    }
-    observable_->changed();
+    running_.push_back(std::make_shared<Running>());
+    publishRunning();
     Outcome outcome = services_.log.record(
         Outcome::asked(fmt::format("Scanning {} remote Mac{} over Tailscale...", devices.size(),
                                    pluralEnding(devices.size()))));
@@ -97,11 +97,12 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
     RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
                               !tailnet_.state().tailscaleHealthIssues.empty()};
     const std::size_t machines = devices.size();
+    const std::shared_ptr<Running> running = running_.back();
     jobs_.runWithProgress<RemoteScanProgress>(
         Lane::remoteScan,
         [devices = std::move(devices), context = std::move(context), &tools = tools_,
          &clock = services_.clock, &locale = services_.locale,
-         cancel = cancel_.get_token()](const Stop& stop, const auto& report) {
+         cancel = running->cancel.get_token()](const Stop& stop, const auto& report) {
             std::vector<RemoteHealth> results;
             for (const TailDevice& device : devices) {
                 if (stop.isRequested() || cancel.stop_requested()) {
@@ -116,14 +117,12 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
             }
             return results;
         },
-        [this](RemoteScanProgress progress) {
-            // Another scan may have ended meanwhile, which counts for both.
-            if (state_.remoteScanInProgress) {
-                state_.progress = std::move(progress);
-                observable_->changed();
-            }
+        [this, running](RemoteScanProgress progress) {
+            running->progress = std::move(progress);
+            publishRunning();
         },
-        [this, machines](std::vector<RemoteHealth> results) {
+        [this, running, machines](std::vector<RemoteHealth> results) {
+            std::erase(running_, running);
             if (results.size() < machines) {
                 finishCanceledScan(std::move(results), machines);
             } else {
@@ -133,13 +132,30 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
 }
 
 Outcome RemoteScan::cancelScan() {
-    if (!state_.remoteScanInProgress) {
+    if (running_.empty()) {
         return Outcome::ignored();
     }
-    state_.isCanceling = true;
-    observable_->changed();
-    cancel_.request_stop();
+    for (const auto& each : running_) {
+        each->cancel.request_stop();
+    }
+    publishRunning();
     return Outcome::asked();
+}
+
+void RemoteScan::publishRunning() {
+    state_.remoteScanInProgress = !running_.empty();
+    state_.isCanceling = !running_.empty();
+    state_.progress.reset();
+    for (const auto& each : running_) {
+        if (each->cancel.stop_requested()) {
+            continue;
+        }
+        state_.isCanceling = false;
+        if (each->progress) {
+            state_.progress = each->progress;
+        }
+    }
+    observable_->changed();
 }
 
 void RemoteScan::finishCanceledScan(std::vector<RemoteHealth> results, std::size_t machines) {
@@ -153,22 +169,37 @@ void RemoteScan::finishCanceledScan(std::vector<RemoteHealth> results, std::size
             *old = std::move(result);
         }
     }
-    endScan();
-    services_.log.recordMessage(fmt::format("Remote scan canceled: {} of {} Mac{} scanned.",
-                                            reached, machines, pluralEnding(machines)));
+    if (reached > 0) {
+        sortByTailnet();
+        state_.keptRecords = state_.remoteHealth.size() - reached;
+    }
+    publishRunning();
+    const std::string message = fmt::format("Remote scan canceled: {} of {} Mac{} scanned.",
+                                            reached, machines, pluralEnding(machines));
+    if (running_.empty()) {
+        services_.log.recordMessage(message);
+    } else {
+        // The last action is that another one has begun.
+        services_.log.recordEvent(ActivityKind::action, message);
+    }
 }
 
-void RemoteScan::endScan() {
-    state_.remoteScanInProgress = false;
-    state_.isCanceling = false;
-    state_.progress.reset();
-    observable_->changed();
+void RemoteScan::sortByTailnet() {
+    std::unordered_map<std::string_view, std::size_t> places;
+    for (const TailDevice& each : tailnet_.state().tailDevices) {
+        places.emplace(each.id, places.size());
+    }
+    std::ranges::stable_sort(state_.remoteHealth, {}, [&places](const RemoteHealth& each) {
+        const auto place = places.find(each.id);
+        return place == places.end() ? places.size() : place->second;
+    });
 }
 
 void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
     state_.remoteHealth = std::move(results);
+    state_.keptRecords = 0;
     recordRemoteSamples(state_.remoteHealth);
-    endScan();
+    publishRunning();
     const std::size_t count = state_.remoteHealth.size();
     const auto online = std::ranges::count_if(state_.remoteHealth, &RemoteHealth::online);
     services_.log.recordMessage(fmt::format("Remote scan complete: {} of {} Mac{} responded.",

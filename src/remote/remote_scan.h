@@ -33,11 +33,15 @@ struct RemoteScanProgress {
 /// What the scans of other machines have found.
 struct RemoteScanState {
     /// One record per machine of the last scan, in the order of the tailnet. Empty before the first
-    /// scan of this run. A scan that was canceled replaces or adds only those that it reached.
+    /// scan of this run. A scan that was canceled replaces or adds only those that it reached; what
+    /// has left the tailnet since then comes last.
     std::vector<RemoteHealth> remoteHealth;
-    bool remoteScanInProgress = false;
-    bool isCanceling = false;  ///< the running scan was canceled, and has not ended yet
-    /// Absent while no scan runs or the running one has not begun with the first machine.
+    /// How many of the records the last scan did not reach, because it was canceled.
+    std::size_t keptRecords = 0;
+    bool remoteScanInProgress = false;  ///< at least one scan is under way
+    bool isCanceling = false;           ///< all that are under way were canceled
+    /// Of the latest scan that is under way and not canceled. Absent without one and before the
+    /// first machine.
     std::optional<RemoteScanProgress> progress;
     /// In how many scans an application group came first, by "host: group", restarts included.
     SettingsTable remoteTopAppSamples;
@@ -67,23 +71,31 @@ public:
     /// already under way goes on; the one that ends last leaves its results.
     Outcome scanRemoteMacs();
 
-    /// Publishes the results of a scan and ends it.
+    /// Publishes the results of a scan that has ended.
     void finishRemoteScan(std::vector<RemoteHealth> results);
 
     /// Ends the scan under way, or all of them, without the answer of the machine that is asked
     /// now. The machines that were not reached keep their records. Returns at once: asked, or
-    /// ignored when none runs. The end is recorded.
+    /// ignored when none runs. The end is recorded. A scan that begins later is not concerned.
     Outcome cancelScan();
 
     /// Notifies of a changed state and of new points of the history.
     Observable& observable() { return *observable_; }
 
 private:
+    /// A scan under way.
+    struct Running {
+        std::stop_source cancel;
+        std::optional<RemoteScanProgress> progress;
+    };
+
     bool isScanned(const TailDevice& device) const;
     void performRemoteScan(std::vector<TailDevice> devices);
     void finishCanceledScan(std::vector<RemoteHealth> results, std::size_t machines);
     void recordRemoteSamples(const std::vector<RemoteHealth>& results);
-    void endScan();
+    void sortByTailnet();
+    /// Brings the state up to date with the scans under way.
+    void publishRunning();
 
     Services services_;
     const Tailnet& tailnet_;
@@ -91,7 +103,7 @@ private:
     std::unique_ptr<Observable> observable_;
     RemoteScanState state_;
     StoredList<std::vector<RemoteHistoryPoint>> remoteHistory_;
-    std::stop_source cancel_;  ///< of the scans under way
+    std::vector<std::shared_ptr<Running>> running_;  ///< the latest last
     JobScope jobs_;
 };
 

@@ -57,9 +57,11 @@ TEST_F(RemoteScanCancelTest, TheMachinesThatWereReachedHaveNewRecordsAndTheOther
     machines.setDevices({onlineMachine("porch", "100.4.4.4"), onlineMachine("attic", "100.2.2.2"),
                          onlineMachine("cellar", "100.3.3.3")});
     scanWith(3, [this] { EXPECT_EQ(scan.cancelScan(), Outcome::asked()); });
-    EXPECT_THAT(names(), ElementsAre("studio", "attic", "cellar", "porch"));
+    EXPECT_THAT(names(), ElementsAre("porch", "attic", "cellar", "studio"))
+        << "as in the tailnet, and last what has left it";
     EXPECT_THAT(eachOf(scan.state().remoteHealth, &RemoteHealth::sampledAt),
-                ElementsAre(before, clock.now(), before, clock.now()));
+                ElementsAre(clock.now(), clock.now(), before, before));
+    EXPECT_EQ(scan.state().keptRecords, 2U);
     EXPECT_EQ(log.lastAction(), "Remote scan canceled: 2 of 3 Macs scanned.");
     EXPECT_EQ(log.activityLog().front().detail, log.lastAction());
     EXPECT_THAT(scan.remoteHistory(), SizeIs(3 + 2)) << "a point for each machine that answered";
@@ -109,6 +111,73 @@ TEST_F(RemoteScanCancelTest, AllScansUnderWayEnd) {
     finishWork();
     EXPECT_THAT(machines.launcher.requests, IsEmpty());
     EXPECT_EQ(log.lastAction(), "Remote scan canceled: 0 of 1 Mac scanned.");
+}
+
+TEST_F(RemoteScanCancelTest, AScanThatReachedNothingLeavesTheRecordsAsTheyAre) {
+    scanWith(0, {});
+    scanWith(2, [this] { scan.cancelScan(); });
+    EXPECT_EQ(scan.state().keptRecords, 2U);
+    scanWith(1, [this] { scan.cancelScan(); });
+    EXPECT_THAT(names(), ElementsAre("studio", "attic", "cellar"));
+    EXPECT_EQ(scan.state().keptRecords, 2U);
+    scanWith(0, {});
+    EXPECT_EQ(scan.state().keptRecords, 0U);
+}
+
+TEST_F(RemoteScanCancelTest, AScanThatBeginsMeanwhileIsSeenAndCanBeCanceledByItself) {
+    scan.scanRemoteMacs();
+    scan.cancelScan();
+    machines.setDevices({onlineMachine("porch", "100.4.4.4"), onlineMachine("attic", "100.2.2.2")});
+    EXPECT_EQ(scan.scanRemoteMacs().kind, Outcome::Kind::asked);
+    EXPECT_FALSE(scan.state().isCanceling) << "the new one goes on";
+    const std::string begun = log.lastAction();
+    workQueue.run();
+    mainQueue.drain();
+    EXPECT_EQ(log.activityLog().front().detail, "Remote scan canceled: 0 of 3 Macs scanned.");
+    EXPECT_EQ(log.lastAction(), begun);
+    EXPECT_TRUE(scan.state().remoteScanInProgress);
+    machines.launcher.onLaunch = [this](const ToolRequest&) {
+        mainQueue.drain();
+        EXPECT_TRUE(scan.state().progress.has_value());
+        if (machines.launcher.requests.size() == 2) {
+            scan.cancelScan();
+            EXPECT_TRUE(scan.state().isCanceling);
+            EXPECT_EQ(scan.state().progress, std::nullopt);
+        }
+    };
+    finishWork();
+    EXPECT_THAT(names(), ElementsAre("porch"));
+    EXPECT_EQ(log.lastAction(), "Remote scan canceled: 1 of 2 Macs scanned.");
+    EXPECT_FALSE(scan.state().remoteScanInProgress);
+    EXPECT_FALSE(scan.state().isCanceling);
+}
+
+TEST_F(RemoteScanCancelTest, AScanCanBeCanceledAfterAnOverlappingOneHasEnded) {
+    scan.scanRemoteMacs();
+    scan.scanRemoteMacs();
+    workQueue.run();
+    mainQueue.drain();
+    EXPECT_EQ(log.lastAction(), "Remote scan complete: 3 of 3 Macs responded.");
+    EXPECT_TRUE(scan.state().remoteScanInProgress);
+    EXPECT_EQ(scan.cancelScan(), Outcome::asked());
+    finishWork();
+    EXPECT_THAT(machines.launcher.requests, SizeIs(3)) << "of the first one";
+    EXPECT_EQ(log.lastAction(), "Remote scan canceled: 0 of 3 Macs scanned.");
+    EXPECT_THAT(names(), ElementsAre("studio", "attic", "cellar"));
+    EXPECT_FALSE(scan.state().remoteScanInProgress);
+}
+
+TEST_F(RemoteScanCancelTest, AScanWhoseMachinesHaveAllAnsweredIsComplete) {
+    scan.scanRemoteMacs();
+    workQueue.run();
+    EXPECT_EQ(scan.cancelScan(), Outcome::asked());
+    EXPECT_TRUE(scan.state().isCanceling);
+    mainQueue.drain();
+    EXPECT_EQ(log.lastAction(), "Remote scan complete: 3 of 3 Macs responded.");
+    EXPECT_THAT(names(), ElementsAre("studio", "attic", "cellar"));
+    EXPECT_FALSE(scan.state().remoteScanInProgress);
+    EXPECT_FALSE(scan.state().isCanceling);
+    EXPECT_EQ(scan.cancelScan(), Outcome::ignored());
 }
 
 }  // namespace

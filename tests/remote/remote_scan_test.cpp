@@ -219,18 +219,19 @@ TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
     ASSERT_EQ(workQueue.pendingCount(), 2U);
     workQueue.run(1);
     mainQueue.drain();
-    EXPECT_FALSE(scan.state().remoteScanInProgress) << "the first to end clears it";
+    EXPECT_TRUE(scan.state().remoteScanInProgress) << "the other one runs";
     EXPECT_THAT(scan.state().remoteHealth, SizeIs(2));
     machines.launcher.onLaunch = [this](const ToolRequest&) { mainQueue.drain(); };
     workQueue.run();
-    EXPECT_EQ(scan.state().progress, std::nullopt);
+    EXPECT_EQ(scan.state().progress, (RemoteScanProgress{1, 1, "studio"}));
     mainQueue.drain();
+    EXPECT_EQ(scan.state().progress, std::nullopt);
     EXPECT_THAT(scan.state().remoteHealth, SizeIs(1));
     EXPECT_FALSE(scan.state().remoteScanInProgress);
     EXPECT_THAT(scan.remoteHistory(), SizeIs(3));
 }
 
-TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsEndsTheProgressOfBoth) {
+TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsLeavesItsProgress) {
     machines.setDevices(
         {onlineMachine("studio", "100.1.1.1"), onlineMachine("attic", "100.2.2.2")});
     scan.scanRemoteMacs();
@@ -255,9 +256,10 @@ TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsEndsTheProgressOfBoth) {
     mainQueue.drain();
     // One machine of the first scan, the whole second one, then the other machine of the first.
     EXPECT_THAT(asked(), ElementsAre("owner@100.1.1.1", "owner@100.3.3.3", "owner@100.2.2.2"));
-    EXPECT_THAT(shown, ElementsAre(RemoteScanProgress{1, 2, "studio"},
-                                   RemoteScanProgress{1, 1, "cellar"}, std::nullopt, std::nullopt));
-    EXPECT_THAT(inProgress, ElementsAre(true, true, false, false));
+    EXPECT_THAT(shown,
+                ElementsAre(RemoteScanProgress{1, 2, "studio"}, RemoteScanProgress{1, 1, "cellar"},
+                            RemoteScanProgress{1, 2, "studio"}, RemoteScanProgress{2, 2, "attic"}));
+    EXPECT_THAT(inProgress, ElementsAre(true, true, true, true));
     EXPECT_THAT(eachOf(scan.state().remoteHealth, &RemoteHealth::hostName),
                 ElementsAre("studio", "attic"));
     EXPECT_FALSE(scan.state().remoteScanInProgress);
