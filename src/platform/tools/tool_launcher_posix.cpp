@@ -9,6 +9,7 @@
 #include <chrono>
 #include <limits>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -38,6 +39,14 @@ ToolResult notLaunched(int error) {
     ToolResult result;
     result.launchError = std::generic_category().message(error);
     return result;
+}
+
+/// Makes the pipe readable for good: the byte is never read, so it wakes everything that waits.
+void wake(const spawn_support::Pipe& pipe) {
+    ssize_t written = -1;
+    do {
+        written = ::write(pipe.writeEnd.get(), "", 1);
+    } while (written < 0 && errno == EINTR);
 }
 
 /// A tool from its start to the end of `launch`. The references must outlive it.
@@ -99,16 +108,18 @@ public:
         }
     }
 
-    /// Waits until the tool writes or exits, a deadline passes, or the stop is requested. Reads the
-    /// output and notices the exit.
-    void waitForEvents(int stopDescriptor) {
+    /// Waits until the tool writes or exits, a deadline passes, or a stop is requested, of all
+    /// tools or of this one. Reads the output and notices the exit.
+    void waitForEvents(int stopDescriptor, int ownStopDescriptor) {
         const bool exitWakes = child_.exitDescriptor() >= 0;
         const bool stopWakes =
-            !awaitsStop() || (stopDescriptor >= 0 && !request_.stop.stop_possible());
-        std::array<pollfd, 4> descriptors{{{output_.descriptor(), POLLIN, 0},
+            !awaitsStop() ||
+            (stopDescriptor >= 0 && (ownStopDescriptor >= 0 || !request_.stop.stop_possible()));
+        std::array<pollfd, 5> descriptors{{{output_.descriptor(), POLLIN, 0},
                                            {error_.descriptor(), POLLIN, 0},
                                            {child_.exitDescriptor(), POLLIN, 0},
-                                           {awaitsStop() ? stopDescriptor : -1, POLLIN, 0}}};
+                                           {awaitsStop() ? stopDescriptor : -1, POLLIN, 0},
+                                           {awaitsStop() ? ownStopDescriptor : -1, POLLIN, 0}}};
         if (::poll(descriptors.data(), descriptors.size(), pollTimeout(exitWakes && stopWakes)) <
             0) {
             if (errno == EINTR) {
@@ -120,7 +131,7 @@ public:
                 descriptor.revents = POLLIN;
             }
         }
-        const auto& [output, error, exit, stop] = descriptors;
+        const auto& [output, error, exit, stop, ownStop] = descriptors;
         if (output.revents != 0) {
             output_.readAvailable();
         }
@@ -185,11 +196,7 @@ void PosixToolLauncher::requestStop() {
     if (stopRequested_.exchange(true) || !stopPipe_.writeEnd.valid()) {
         return;
     }
-    // The byte is never read, so it wakes every waiting launch.
-    ssize_t written = -1;
-    do {
-        written = ::write(stopPipe_.writeEnd.get(), "", 1);
-    } while (written < 0 && errno == EINTR);
+    wake(stopPipe_);
 }
 
 ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
@@ -222,8 +229,18 @@ ToolResult PosixToolLauncher::launch(const ToolRequest& request) {
     output.writeEnd.reset();
     error.writeEnd.reset();
 
+    // Without a descriptor left, the launch polls the token.
+    spawn_support::Pipe ownStop;
+    if (request.stop.stop_possible() && spawn_support::openPipe(ownStop) != 0) {
+        ownStop = {};
+    }
+    const std::stop_callback onStop(request.stop, [&ownStop] {
+        if (ownStop.writeEnd.valid()) {
+            wake(ownStop);
+        }
+    });
     while (!tool.isOver()) {
-        tool.waitForEvents(stopPipe_.readEnd.get());
+        tool.waitForEvents(stopPipe_.readEnd.get(), ownStop.readEnd.get());
         if (!tool.isOver() && isStopped() && tool.awaitsStop()) {
             tool.stop();
         }

@@ -1,4 +1,5 @@
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -157,6 +158,20 @@ TEST_F(RequestStopTest, ARequestCanBeStoppedByItself) {
     EXPECT_FALSE(isRunning(pid));
     EXPECT_EQ(launcher.launch(request).launchError, "Operation canceled");
     EXPECT_EQ(launcher.launch(shellTool("exit 3", 30s)).terminationStatus, 3) << "another request";
+}
+
+TEST_F(RequestStopTest, ALaunchThatCanBeStoppedSleepsMeanwhile) {
+    const auto waits = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_THREAD, &usage);
+        return usage.ru_nvcsw;
+    };
+    std::stop_source stop;
+    ToolRequest request = shellTool("sleep 1", 60s);
+    request.stop = stop.get_token();
+    const auto before = waits();
+    EXPECT_EQ(launcher.launch(request).terminationStatus, 0);
+    EXPECT_LT(waits() - before, 20) << "one for each 20 ms would be 50";
 }
 
 TEST_F(RequestStopTest, WakesEveryWaitingLaunch) {
