@@ -5,9 +5,9 @@
 //   tallowcrest_gallery --chat STATE [the same]
 // --save writes a picture and ends; --time measures the painting of the graph and of Remote Macs
 // and the opening of Chat, and ends. The states of the overview are healthy, troubled, waiting and
-// collapsed; those of Remote Macs are unscanned, alone, scanned, scanning, later and fleet; those
-// of Chat are welcome, asked, thinking, long, cleared and suggestions. A height of 0 shows the
-// whole page.
+// collapsed; those of Remote Macs are unscanned, alone, scanned, scanning, canceled, later and
+// fleet; those of Chat are welcome, asked, thinking, long, cleared and suggestions. A height of 0
+// shows the whole page.
 
 #include <cmath>
 #include <cstdio>

@@ -71,6 +71,15 @@ private:
         if (state == u"later"_s) {
             letTimePass();
         }
+        if (state == u"canceled"_s) {
+            machine_.toolLauncher.onLaunch = [this, &remote](const ToolRequest&) {
+                if (++asked_ == 3) {
+                    remote.scan.cancelScan();
+                }
+            };
+            remote.scan.scanRemoteMacs();
+            machine_.finishSamples();
+        }
         if (state == u"scanning"_s) {
             // The scan stays at the third machine: it goes on after the picture.
             machine_.toolLauncher.onLaunch = [this](const ToolRequest&) {
@@ -121,8 +130,8 @@ private:
 }  // namespace
 
 std::unique_ptr<QWidget> remoteGallery(const QString& state, const QSize& size) {
-    const QStringList states{u"unscanned"_s, u"alone"_s, u"scanned"_s,
-                             u"scanning"_s,  u"later"_s, u"fleet"_s};
+    const QStringList states{u"unscanned"_s, u"alone"_s, u"scanned"_s, u"scanning"_s,
+                             u"canceled"_s,  u"later"_s, u"fleet"_s};
     if (!states.contains(state)) {
         return nullptr;
     }

@@ -165,7 +165,7 @@ Screen* DashboardWindow::makeScreen(AppRoute route) {
         case AppRoute::remoteMacs:
             return new RemoteMacsPage(monitor_, state_);
         case AppRoute::history:
-            return new HistoryPage(monitor_);
+            return new HistoryPage(monitor_, state_);
         case AppRoute::settings:
             return new SettingsPage(monitor_, state_);
     }

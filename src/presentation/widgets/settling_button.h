@@ -16,9 +16,15 @@ public:
 
     /// The button must outlive the object.
     explicit SettlingButton(QPushButton& button);
+    ~SettlingButton() { stop(); }
+    SettlingButton(const SettlingButton&) = delete;
+    SettlingButton& operator=(const SettlingButton&) = delete;
 
     /// Disables the button until the settling time has passed since the last call.
     void settle();
+    /// The same for a button that only moves: at the end it gets the focus back that it had, unless
+    /// something else has it by then.
+    void settleInNewPlace();
     bool isSettling() const { return timer_->isActive(); }
     /// Leaves the button as it is.
     void stop() { timer_->stop(); }
@@ -26,6 +32,7 @@ public:
 private:
     QPushButton& button_;
     QTimer* timer_;  ///< a child of the button
+    bool givesFocusBack_ = false;
 };
 
 }  // namespace tallowcrest

@@ -146,6 +146,11 @@ RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
     return timeline;
 }
 
+std::string hostOfMachine(const std::vector<RemoteHealth>& machines, const std::string& id) {
+    const auto found = std::ranges::find(machines, id, &RemoteHealth::id);
+    return found == machines.end() ? std::string() : found->hostName;
+}
+
 QString remoteSamplesRetained(std::size_t points) {
     return points == 0 ? u"Run a remote scan to begin tracking remote CPU and memory trends."_s
                        : dashboard_text::count(static_cast<std::int64_t>(points)) +

@@ -49,6 +49,9 @@ RemoteTimeline remoteTimeline(const std::vector<RemoteHistoryPoint>& history,
                               std::string_view selectedHost = {},
                               const std::map<std::string, RemoteProfile>& profiles = {});
 
+/// The host name in the record `id`; empty when no machine has that record.
+std::string hostOfMachine(const std::vector<RemoteHealth>& machines, const std::string& id);
+
 /// "12 remote samples retained across recent scans.", or what to do without any.
 QString remoteSamplesRetained(std::size_t points);
 

@@ -50,11 +50,9 @@ SummaryTexts remoteState(const std::vector<RemoteHealth>& remoteHealth, Date now
     // An absent figure is less than every other one.
     const std::optional<double> highest =
         std::ranges::max_element(remoteHealth, {}, &RemoteHealth::memoryPercent)->memoryPercent;
-    const Date newest =
-        std::ranges::max_element(remoteHealth, {}, &RemoteHealth::sampledAt)->sampledAt;
     return {title,
             count(std::ssize(remoteHealth) - machinesThatNeedAttention(remoteHealth)) +
-                u" reachable · "_s + dashboard_text::age(newest, now),
+                u" reachable · "_s + dashboard_text::age(oldestRemoteSample(remoteHealth), now),
             u"Highest remote memory pressure "_s +
                 (highest ? dashboard_text::percentText(*highest) : dashboard_text::noFigure())};
 }
@@ -121,6 +119,10 @@ std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snap
                                        const std::vector<RemoteHealth>& remoteHealth, Date now) {
     return {remoteState(remoteHealth, now), currentState(snapshot),
             recurringTopApp(u"Top Repeater"_s, insights)};
+}
+
+Date oldestRemoteSample(const std::vector<RemoteHealth>& remoteHealth) {
+    return std::ranges::min_element(remoteHealth, {}, &RemoteHealth::sampledAt)->sampledAt;
 }
 
 std::int64_t machinesThatNeedAttention(const std::vector<RemoteHealth>& remoteHealth) {

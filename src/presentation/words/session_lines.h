@@ -61,6 +61,10 @@ std::vector<SummaryTexts> sessionState(const std::optional<SystemSnapshot>& snap
                                        const std::vector<RemoteHealth>& remoteHealth, Date now);
 inline constexpr std::size_t sessionStateCards = 3;
 
+/// When the oldest of the records was made: what is told of all of them is at least that old.
+/// There must be one.
+Date oldestRemoteSample(const std::vector<RemoteHealth>& remoteHealth);
+
 /// How many machines of the last scan could not be sampled.
 std::int64_t machinesThatNeedAttention(const std::vector<RemoteHealth>& remoteHealth);
 

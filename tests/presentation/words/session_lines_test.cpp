@@ -168,7 +168,10 @@ TEST(SessionState, CountsTheReachableMachinesAndNamesTheHighestMemoryAndTheAge) 
     EXPECT_EQ(
         stateOf({machine(Status::authNeeded, {}, 190.0), machine(Status::reachable, 40.2, 150.0),
                  machine(Status::reachable, 90.5, 170.0), machine(Status::noAddress, {}, 200.0)}),
-        texts("Remote State", "2 reachable · 2 min ago", "Highest remote memory pressure 91%"));
+        texts("Remote State", "2 reachable · 3 min ago", "Highest remote memory pressure 91%"));
+    EXPECT_EQ(
+        stateOf({machine(Status::reachable, 40.2), machine(Status::reachable, 90.5, 600.0)}),
+        texts("Remote State", "2 reachable · 10 min ago", "Highest remote memory pressure 91%"));
     EXPECT_EQ(stateOf({machine(Status::reachable, 0.0)}),
               texts("Remote State", "1 reachable · just now", "Highest remote memory pressure 0%"));
     EXPECT_EQ(stateOf({machine(Status::unknown, {}, 7200.0)}),

@@ -19,11 +19,13 @@
 #include "presentation/screens/shared/remote_timeline_card.h"
 #include "presentation/screens/shared/timeline_graph.h"
 #include "presentation/state/automation_facts.h"
+#include "presentation/state/window_state.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/stable_line_graph.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
+#include "presentation/words/remote_timeline.h"
 #include "presentation/words/session_lines.h"
 #include "remote/remote.h"
 #include "reports/reports.h"
@@ -40,8 +42,8 @@ QString pointCount(std::size_t points) {
 
 }  // namespace
 
-HistoryPage::HistoryPage(SystemMonitor& monitor, QWidget* parent)
-    : Screen(parent), monitor_(monitor) {
+HistoryPage::HistoryPage(SystemMonitor& monitor, const WindowState& state, QWidget* parent)
+    : Screen(parent), monitor_(monitor), state_(state) {
     auto* content = new QWidget;
     auto* layout = makePageColumn(*content);
     layout->addWidget(makeTimeline());
@@ -130,7 +132,9 @@ void HistoryPage::refresh() {
                  timelineSummary(history));
     const Date now = monitor_.services().clock.now();
     const RemoteScan& scan = monitor_.remote().scan;
-    remoteTimeline_->show(scan.remoteHistory(), now, monitor_.remote().profiles.remoteProfiles());
+    remoteTimeline_->show(
+        scan.remoteHistory(), now, monitor_.remote().profiles.remoteProfiles(),
+        hostOfMachine(scan.state().remoteHealth, state_.navigation.selectedRemoteID()));
     session_->show(
         sessionState(sample.snapshot(), sample.sessionInsights(), scan.state().remoteHealth, now));
     automation_->show(automationFacts(monitor_));

@@ -15,6 +15,7 @@ class PageScrollArea;
 class RemoteTimelineCard;
 class StableLineGraph;
 class SystemMonitor;
+struct WindowState;
 
 /// The load of the session and of the other machines, the automation switches, the report to copy
 /// or export, and the activity log. Main thread.
@@ -22,7 +23,8 @@ class HistoryPage final : public Screen {
     Q_OBJECT
 
 public:
-    explicit HistoryPage(SystemMonitor& monitor, QWidget* parent = nullptr);
+    explicit HistoryPage(SystemMonitor& monitor, const WindowState& state,
+                         QWidget* parent = nullptr);
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
@@ -36,6 +38,7 @@ private:
     QWidget* topmostReadEntry() const;
 
     SystemMonitor& monitor_;
+    const WindowState& state_;
     PageScrollArea* area_ = nullptr;
     Card* timeline_ = nullptr;
     StableLineGraph* graph_ = nullptr;

@@ -68,9 +68,8 @@ RemoteAlerts remoteAlerts(const std::vector<RemoteHealth>& machines, Date now) {
     if (troubled == 0) {
         return {};
     }
-    const Date newest = std::ranges::max_element(machines, {}, &RemoteHealth::sampledAt)->sampledAt;
     return {u"%1 Remote Alerts"_s.arg(dashboard_text::count(troubled)),
-            u"Scanned "_s + dashboard_text::age(newest, now)};
+            u"Scanned "_s + dashboard_text::age(oldestRemoteSample(machines), now)};
 }
 
 }  // namespace tallowcrest

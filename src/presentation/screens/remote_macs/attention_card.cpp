@@ -39,6 +39,11 @@ AttentionCard::AttentionCard(QWidget* parent) : Card(parent) {
     head->addWidget(icon_);
     head->addWidget(summary_);
     head->addWidget(scanState_, 1);
+    cancel_ = makeCancelScanButton(u"remote.summary.cancel"_s, this);
+    connect(cancel_, &QPushButton::clicked, this, &AttentionCard::cancelWanted);
+    // The card does not grow when the button appears.
+    head->addStrut(cancel_->sizeHint().height());
+    head->addWidget(cancel_);
     contentLayout()->addLayout(head);
 
     list_ = new QWidget(this);
@@ -88,6 +93,7 @@ AttentionCard::Row AttentionCard::makeRow(int number) {
 void AttentionCard::show(const AttentionTexts& texts) {
     summary_->setText(texts.summary);
     scanState_->setText(texts.scanState);
+    showCancelScanButton(*cancel_, texts.scan);
     const bool isTroubled = !texts.lines.empty();
     // Below a count of none, machines under pressure may be listed.
     const bool isWell = texts.isScanned && !isTroubled;

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "presentation/screens/remote_macs/cancel_scan_button.h"
 #include "presentation/screens/remote_macs/remote_macs_lines.h"
 #include "presentation/widgets/card.h"
 
@@ -15,6 +16,7 @@ namespace tallowcrest {
 struct AttentionTexts {
     QString summary;
     QString scanState;
+    ScanTexts scan = {};
     bool isScanned = false;       ///< a scan has ended
     bool hasUnreachable = false;  ///< the summary counts at least one machine
     std::vector<remote_macs_lines::AttentionLine> lines;
@@ -29,7 +31,12 @@ public:
 
     void show(const AttentionTexts& texts);
 
+    /// Ends the running scan; hidden while none runs.
+    QPushButton& cancelButton() { return *cancel_; }
+
 signals:
+    /// The owner asked to end the running scan.
+    void cancelWanted();
     /// The owner wants to see the machine with the record `id`.
     void machineWanted(const std::string& id);
 
@@ -48,6 +55,7 @@ private:
     IconView* icon_ = nullptr;
     ElidedLabel* summary_ = nullptr;
     ElidedLabel* scanState_ = nullptr;
+    QPushButton* cancel_ = nullptr;
     QWidget* list_ = nullptr;
     std::vector<Row> rows_;
     ElidedLabel* more_ = nullptr;

@@ -149,7 +149,9 @@ void RemoteHealthHead::paintEvent(QPaintEvent*) {
     } else {
         // One below the other, so that the columns of all machines stay in line.
         const int line = painter.fontMetrics().lineSpacing();
-        const QRect upper(at.age.left(), at.age.center().y() + 1 - line, at.age.width(), line);
+        // With large letters, the two are higher than the row that they are in.
+        const int top = std::min(at.age.center().y() + 1 - line, height() - 2 * line);
+        const QRect upper(at.age.left(), top, at.age.width(), line);
         drawText(painter, upper, Qt::AlignRight, shown_.age, theme.secondaryText);
         drawText(painter, upper.translated(0, line), Qt::AlignRight, shown_.offline, theme.caution);
     }

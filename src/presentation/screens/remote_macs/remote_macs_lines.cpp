@@ -51,6 +51,9 @@ std::optional<Pressure> pressure(const RemoteHealthFacts& each) {
 /// The next step of a machine under pressure. Its recommendation does not know the threshold of the
 /// profile.
 QString nextStep(const RemoteHealthFacts& each) {
+    if (each.isNowOffline) {
+        return u"These are its last figures. Scan again when it is back online."_s;
+    }
     const RemoteHealth& machine = each.machine;
     if (isCPUHigh(machine) || machine.memoryPercent.value_or(0.0) >= highRemoteLoad) {
         return text(machine.recommendation);
@@ -58,6 +61,11 @@ QString nextStep(const RemoteHealthFacts& each) {
     return each.profile.allowRemotePurge
                ? u"Memory is at or above its threshold. Remote Safe asks for a purge."_s
                : u"Memory is at or above its threshold. Review its processes, or allow a purge."_s;
+}
+
+/// How many records are from the last scan.
+QString reachedCount(const RemoteScanState& scan) {
+    return count(static_cast<std::int64_t>(scan.remoteHealth.size() - scan.keptRecords));
 }
 
 /// Longer than any row shows.
@@ -75,28 +83,37 @@ QString attention(const std::vector<RemoteHealth>& machines) {
 }
 
 std::vector<AttentionLine> attentionLines(const std::vector<RemoteHealthFacts>& machines) {
+    using Pressed = std::vector<std::pair<double, AttentionLine>>;
     std::vector<AttentionLine> unreachable;
-    std::vector<std::pair<double, AttentionLine>> pressed;
+    Pressed pressed;
+    Pressed offline;
     for (const RemoteHealthFacts& each : machines) {
         const RemoteHealth& machine = each.machine;
         const auto line = [&](const QString& why, const QString& what) {
             const QString name = displayName(machine, each.profile);
             const QString host = bounded(machine.hostName);
-            return AttentionLine{machine.id, name, host == name ? QString() : host, why, what};
+            return AttentionLine{
+                machine.id, name, host == name ? QString() : host,
+                each.isNowOffline ? why + u" · "_s + remote_health_lines::nowOffline() : why, what};
         };
         if (!isReachable(machine)) {
             unreachable.push_back(line(text(title(machine.status)), text(machine.recommendation)));
         } else if (const auto high = pressure(each)) {
-            pressed.emplace_back(high->percent, line(high->text, nextStep(each)));
+            (each.isNowOffline ? offline : pressed)
+                .emplace_back(high->percent, line(high->text, nextStep(each)));
         }
     }
-    std::ranges::stable_sort(pressed, std::ranges::greater(),
-                             [](const auto& each) { return each.first; });
     std::vector<AttentionLine> lines;
-    for (auto& [percent, line] : pressed) {
-        lines.push_back(std::move(line));
-    }
+    const auto addHighestFirst = [&lines](Pressed& group) {
+        std::ranges::stable_sort(group, std::ranges::greater(),
+                                 [](const auto& each) { return each.first; });
+        for (auto& [percent, line] : group) {
+            lines.push_back(std::move(line));
+        }
+    };
+    addHighestFirst(pressed);
     std::ranges::move(unreachable, std::back_inserter(lines));
+    addHighestFirst(offline);
     return lines;
 }
 
@@ -128,25 +145,37 @@ QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Dat
     if (scan.remoteHealth.empty()) {
         return scan.remoteScanInProgress ? progress : u"Not scanned yet"_s;
     }
-    const auto newest = std::ranges::max_element(scan.remoteHealth, {}, &RemoteHealth::sampledAt);
-    const QString last = u"Last scan: "_s + age(newest->sampledAt, now);
-    return scan.remoteScanInProgress ? last + u" · "_s + progress : last;
+    const Date oldest = oldestRemoteSample(scan.remoteHealth);
+    QString last = u"Last scan: "_s + age(oldest, now);
+    if (scan.keptRecords > 0) {
+        const Date newest =
+            std::ranges::max_element(scan.remoteHealth, {}, &RemoteHealth::sampledAt)->sampledAt;
+        last = u"Last scan: %1, %2 of %3 · others up to %4"_s.arg(
+            age(newest, now), reachedCount(scan), count(std::ssize(scan.remoteHealth)),
+            age(oldest, now));
+    }
+    // What is told last has no room in a narrow window.
+    return scan.remoteScanInProgress ? progress + u" · "_s + last : last;
 }
 
-std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers) {
+std::vector<SummaryTexts> summary(const RemoteScanState& scan, std::size_t peers, Date now) {
+    const std::vector<RemoteHealth>& machines = scan.remoteHealth;
     const auto scanned = std::ssize(machines);
     const std::int64_t reachable = scanned - machinesThatNeedAttention(machines);
-    std::optional<double> highest;
-    for (const RemoteHealth& each : machines) {
-        highest = std::max(highest, each.memoryPercent);
-    }
-    return {{u"Reachable"_s, count(reachable),
-             scanned == 0 ? u"No remote scan yet."_s
-                          : u"Of %1 in the last remote scan."_s.arg(count(scanned))},
-            {u"Known Peers"_s, count(static_cast<std::int64_t>(peers)),
-             u"Discovered from Tailscale status."_s},
-            {u"Highest Memory"_s, percentOrNone(highest),
-             u"Highest pressure from the last remote scan."_s}};
+    // An absent figure is less than every other one.
+    const auto highest = std::ranges::max_element(machines, {}, &RemoteHealth::memoryPercent);
+    const bool hasKept = scan.keptRecords > 0;
+    return {
+        {u"Reachable"_s, count(reachable),
+         scanned == 0 ? u"No remote scan yet."_s
+         : hasKept
+             ? u"Of %1, the last remote scan reached %2."_s.arg(count(scanned), reachedCount(scan))
+             : u"Of %1 in the last remote scan."_s.arg(count(scanned))},
+        {u"Known Peers"_s, count(static_cast<std::int64_t>(peers)),
+         u"Discovered from Tailscale status."_s},
+        {u"Highest Memory"_s, percentOrNone(scanned == 0 ? std::nullopt : highest->memoryPercent),
+         hasKept ? u"Highest pressure, scanned %1."_s.arg(age(highest->sampledAt, now))
+                 : u"Highest pressure from the last remote scan."_s}};
 }
 
 DetailLines detail(const RemoteHealthFacts* shown) {

@@ -35,20 +35,21 @@ struct AttentionLine {
 
 /// The machines whose processors are saturated or whose memory is at or above the threshold of
 /// their profile, the highest first, because these can be helped at once. Then those that could not
-/// be sampled, in their order.
+/// be sampled, in their order. Last those under pressure that are offline now.
 std::vector<AttentionLine> attentionLines(const std::vector<RemoteHealthFacts>& machines);
 inline constexpr std::size_t mostAttentionLines = 5;
 /// What stands below the lines when there are more than `mostAttentionLines`; else empty.
 QString moreAttention(std::size_t lines);
 
-/// When the machines were scanned, or how far the running scan is. `scanned` is the profile of the
-/// machine that it is at.
+/// When the machines were scanned, and how far the running scan is. After a scan that was canceled,
+/// also how many it reached and how old the others are. `scanned` is the profile of the machine
+/// that the running one is at.
 QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Date now);
 /// "Scanning studio-mac, 3 of 12", or that it ends; empty while no scan runs.
 QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned);
 
 /// "Reachable", "Known Peers" and "Highest Memory", in this order.
-std::vector<SummaryTexts> summary(const std::vector<RemoteHealth>& machines, std::size_t peers);
+std::vector<SummaryTexts> summary(const RemoteScanState& scan, std::size_t peers, Date now);
 inline constexpr std::size_t summaryCards = 3;
 
 /// The texts about the selected machine.

@@ -26,6 +26,7 @@
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
+#include "presentation/words/remote_timeline.h"
 #include "remote/remote.h"
 #include "sampling/latest_sample.h"
 
@@ -73,6 +74,8 @@ void RemoteMacsPage::connectParts() {
             bringIntoView(*block, *block);
         }
     });
+    connect(attention_, &AttentionCard::cancelWanted, this,
+            [&remote] { remote.scan.cancelScan(); });
     connect(detail_, &RemoteDetailCard::reportWanted, this, [this, &remote] {
         if (const auto* shown = remote_macs_lines::selectedMachine(facts_)) {
             remote.actions.copyRemoteReport(RemoteHealth(shown->machine));
@@ -224,22 +227,20 @@ void RemoteMacsPage::refreshSummary() {
                                                  : u"Sampling this Mac..."_s,
          .scanState =
              remote_macs_lines::scanState(scan, scannedProfile(), monitor_.services().clock.now()),
+         .scan = {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling},
          .isScanned = !scan.remoteHealth.empty(),
          .hasUnreachable = machinesThatNeedAttention(scan.remoteHealth) > 0,
          .lines = remote_macs_lines::attentionLines(facts_)});
-    summary_->show(
-        remote_macs_lines::summary(scan.remoteHealth, remote.tailnet.state().tailDevices.size()));
+    summary_->show(remote_macs_lines::summary(scan, remote.tailnet.state().tailDevices.size(),
+                                              monitor_.services().clock.now()));
 }
 
 void RemoteMacsPage::refreshTimeline() {
     const RemoteScan& scan = monitor_.remote().scan;
-    const std::vector<RemoteHealth>& machines = scan.state().remoteHealth;
     // Not the first machine, which Remote Detail shows while none is selected.
-    const auto selected =
-        std::ranges::find(machines, state_.navigation.selectedRemoteID(), &RemoteHealth::id);
     timeline_->show(scan.remoteHistory(), monitor_.services().clock.now(),
                     monitor_.remote().profiles.remoteProfiles(),
-                    selected != machines.end() ? selected->hostName : std::string());
+                    hostOfMachine(scan.state().remoteHealth, state_.navigation.selectedRemoteID()));
 }
 
 std::vector<RemoteHealthFacts> RemoteMacsPage::facts() const {
@@ -275,7 +276,7 @@ RemoteProfile RemoteMacsPage::scannedProfile() const {
 
 void RemoteMacsPage::scan() {
     if (monitor_.remote().scan.state().remoteScanInProgress) {
-        scrollTo(*attention_);
+        bringIntoView(*attention_, attention_->cancelButton());
     } else {
         monitor_.remote().scan.scanRemoteMacs();
     }

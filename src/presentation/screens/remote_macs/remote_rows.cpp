@@ -1,8 +1,12 @@
 #include "presentation/screens/remote_macs/remote_rows.h"
 
 #include <algorithm>
+#include <chrono>
+#include <utility>
 
+#include <QEvent>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "presentation/screens/remote_macs/remote_row.h"
@@ -12,6 +16,13 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+/// Nobody sees a new row below the pointer and presses on it sooner.
+constexpr std::chrono::milliseconds reactionTime{300};
+
+}  // namespace
+
 RemoteRows::RemoteRows(const QString& title, Action action, const QString& identifier,
                        QWidget* parent)
     : QWidget(parent), action_(action), identifier_(identifier) {
@@ -26,6 +37,10 @@ RemoteRows::RemoteRows(const QString& title, Action action, const QString& ident
     column_ = new QVBoxLayout;
     column_->setSpacing(spacing::unit);
     layout->addLayout(column_);
+    pause_ = new QTimer(this);
+    pause_->setObjectName(u"pause"_s);
+    pause_->setSingleShot(true);
+    pause_->setInterval(reactionTime);
 }
 
 bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const QString& noRows) {
@@ -52,8 +67,12 @@ bool RemoteRows::show(const std::vector<remote_health_lines::Row>& rows, const Q
     noRows_->setText(noRows);
     noRows_->setVisible(rows.empty());
     setVisible(!rows.empty() || !noRows.isEmpty());
+    const bool isFirst = std::exchange(isFirst_, false);
     if (after == rows_) {
         return false;
+    }
+    if (!isFirst) {
+        pause_->start();
     }
     for (RemoteRow* gone : before) {
         // Deleted later, because this may run in a click on one of its buttons.
@@ -78,7 +97,16 @@ RemoteRow* RemoteRows::makeRow(const remote_health_lines::Row& row) {
     connect(made, &RemoteRow::copyWanted, this, [this, made] { emit copyWanted(indexOf(*made)); });
     connect(made, &RemoteRow::actionWanted, this,
             [this, made] { emit actionWanted(indexOf(*made)); });
+    for (QWidget* control : made->controls()) {
+        control->installEventFilter(this);
+    }
     return made;
+}
+
+bool RemoteRows::eventFilter(QObject* object, QEvent* event) {
+    const bool isPress =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    return (isPress && pause_->isActive()) || QWidget::eventFilter(object, event);
 }
 
 std::size_t RemoteRows::indexOf(const RemoteRow& row) const {

@@ -7,6 +7,7 @@
 
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 
+class QTimer;
 class QVBoxLayout;
 
 namespace tallowcrest {
@@ -16,7 +17,9 @@ class RemoteRow;
 
 /// The processes or the app groups of one machine, a row each with two buttons. A row keeps its
 /// controls for as long as what it stands for is listed, wherever that is. When a row with the
-/// focus goes, the focus proxy of the list gets it. Main thread.
+/// focus goes, the focus proxy of the list gets it. When rows have come, gone or moved, presses of
+/// the mouse are ignored for a moment: what is below the pointer may not be what it was. Main
+/// thread.
 class RemoteRows final : public QWidget {
     Q_OBJECT
 
@@ -35,6 +38,9 @@ public:
     /// The buttons, in the order of the tab key.
     std::vector<QWidget*> controls() const;
 
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
 signals:
     /// `row` is an index in the rows of the last `show`.
     void copyWanted(std::size_t row);
@@ -49,6 +55,8 @@ private:
     std::vector<RemoteRow*> rows_;
     ElidedLabel* noRows_ = nullptr;
     QVBoxLayout* column_ = nullptr;
+    QTimer* pause_ = nullptr;  ///< active while presses are ignored
+    bool isFirst_ = true;      ///< before the first `show`
 };
 
 }  // namespace tallowcrest

@@ -38,6 +38,9 @@ RemoteToolRow::RemoteToolRow(const QString& identifier, QWidget* parent) : QWidg
         tools_.push_back({&tool, button, entry, std::make_unique<SettlingButton>(*button)});
         row->addWidget(button);
     }
+    // Queued: an entry that is hidden as the menu closes would not be triggered.
+    connect(&more_->menu(), &QMenu::aboutToHide, this, &RemoteToolRow::showEntries,
+            Qt::QueuedConnection);
     row->addWidget(more_);
     // Assistive technology reads the children in their order.
     more_->raise();
@@ -57,10 +60,22 @@ void RemoteToolRow::show(const RemoteHealth& machine) {
         showTool(tool, machine, isForemost);
         const bool hasNewPlace = isForemost && placeIn(foremost) != placeIn(foremost_);
         if (hasNewPlace && !foremost_.empty() && tool.button->isEnabled()) {
-            tool.settling->settle();
+            tool.settling->settleInNewPlace();
         }
     }
     foremost_ = std::move(foremost);
+    showEntries();
+}
+
+void RemoteToolRow::showEntries() {
+    if (more_->menu().isVisible()) {
+        return;
+    }
+    for (const Tool& tool : tools_) {
+        tool.entry->setVisible(!tool.isForemost);
+        tool.entry->setEnabled(tool.isEnabled);
+        tool.entry->setToolTip(tool.button->toolTip());
+    }
 }
 
 void RemoteToolRow::showTool(Tool& tool, const RemoteHealth& machine, bool isForemost) {
@@ -69,14 +84,17 @@ void RemoteToolRow::showTool(Tool& tool, const RemoteHealth& machine, bool isFor
     if (!isEnabled) {
         tool.settling->stop();
     }
+    tool.isForemost = isForemost;
+    tool.isEnabled = isEnabled;
+    if (!isForemost && window()->focusWidget() == tool.button) {
+        // It is in the menu now. Qt would move the focus to any next control.
+        more_->setFocus();
+    }
     tool.button->setVisible(isForemost);
-    tool.button->setEnabled(isEnabled && !tool.settling->isSettling());
-    tool.entry->setVisible(!isForemost);
-    tool.entry->setEnabled(isEnabled);
+    setButtonEnabled(*tool.button, isEnabled && !tool.settling->isSettling());
     if (description != tool.button->toolTip()) {
         tool.button->setToolTip(description);
         setSpokenDescription(*tool.button, description);
-        tool.entry->setToolTip(description);
     }
 }
 

@@ -28,7 +28,8 @@ public:
     ~RemoteToolRow() override;
 
     /// A button that takes the place of another one can be pressed after a moment only, so that a
-    /// click that was meant for the other one does nothing.
+    /// click that was meant for the other one does nothing. An open menu keeps its entries until it
+    /// is closed.
     void show(const RemoteHealth& machine);
 
     /// The controls, in the order of the tab key.
@@ -43,8 +44,12 @@ private:
         QPushButton* button;
         QAction* entry;  ///< of the menu, while the button is hidden
         std::unique_ptr<SettlingButton> settling;
+        bool isForemost = false;
+        bool isEnabled = true;
     };
     void showTool(Tool& tool, const RemoteHealth& machine, bool isForemost);
+    /// Brings the menu up to date, unless it is open.
+    void showEntries();
 
     std::vector<Tool> tools_;
     std::vector<RemoteOperation> foremost_;  ///< empty before the first `show`

@@ -59,11 +59,7 @@ QWidget* TailscaleBlock::makeActions() {
     progress_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), actions);
     progress_->setObjectName(u"remote.tailscale.progress"_s);
     progress_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    cancel_ = makeButton(u"Cancel"_s, QString(), u"remote.tailscale.cancel"_s,
-                         u"Ends the scan. Machines that it has not reached keep their records."_s,
-                         actions);
-    cancel_->setFlat(true);
-    cancel_->hide();
+    cancel_ = makeCancelScanButton(u"remote.tailscale.cancel"_s, actions);
     connect(cancel_, &QPushButton::clicked, this, &TailscaleBlock::cancelWanted);
     row->addWidget(scan_);
     row->addWidget(open);
@@ -85,13 +81,12 @@ void TailscaleBlock::show(const std::vector<TailDevice>& peers, const ScanTexts&
 
 void TailscaleBlock::showScan(const ScanTexts& scan) {
     progress_->setText(scan.progress);
-    setButtonEnabled(*cancel_, !scan.isCanceling);
+    showCancelScanButton(*cancel_, scan);
     const bool isScanning = !scan.progress.isEmpty();
     if (isScanning == isScanning_) {
         return;
     }
     isScanning_ = isScanning;
-    cancel_->setVisible(isScanning);
     // The button beside it stays in place although this word is shorter.
     scan_->setMinimumWidth(isScanning ? scan_->width() : 0);
     scan_->setText(isScanning ? u"Scanning"_s

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "core/remote_records.h"
+#include "presentation/screens/remote_macs/cancel_scan_button.h"
 #include "presentation/screens/shared/overview_block.h"
 
 class QPushButton;
@@ -10,12 +11,6 @@ class QPushButton;
 namespace tallowcrest {
 
 class PeerList;
-
-/// How far a scan is.
-struct ScanTexts {
-    QString progress;  ///< of the running scan; empty while none runs
-    bool isCanceling = false;
-};
 
 /// The peers of the tailnet, and the scan of those that can be sampled. Main thread.
 class TailscaleBlock final : public OverviewBlock {

@@ -121,14 +121,16 @@ TEST_F(HistoryPageTest, AScanOfTheOtherMachinesIsShownWithoutATick) {
     showHistory();
     EXPECT_THAT(texts("history.remote-timeline"),
                 Contains("Run a remote scan to begin tracking remote CPU and memory trends."));
-    machine.monitor().remote().scan.finishRemoteScan(
-        {{.id = "a",
-          .hostName = "mini",
-          .status = RemoteHealth::Status::reachable,
-          .cpuPercent = 20,
-          .memoryPercent = 61.5,
-          .sampledAt = machine.clock.now()},
-         {.id = "b", .hostName = "air", .status = RemoteHealth::Status::authNeeded}});
+    machine.monitor().remote().scan.finishRemoteScan({{.id = "a",
+                                                       .hostName = "mini",
+                                                       .status = RemoteHealth::Status::reachable,
+                                                       .cpuPercent = 20,
+                                                       .memoryPercent = 61.5,
+                                                       .sampledAt = machine.clock.now()},
+                                                      {.id = "b",
+                                                       .hostName = "air",
+                                                       .status = RemoteHealth::Status::authNeeded,
+                                                       .sampledAt = machine.clock.now()}});
     settle();
     EXPECT_THAT(texts("history.remote-timeline"),
                 Contains("1 remote samples retained across recent scans."));

@@ -140,7 +140,8 @@ TEST(RemoteAlertsTest, CountTheMachinesAndTellTheirAge) {
     EXPECT_EQ(remoteAlerts({}, now), RemoteAlerts());
     EXPECT_EQ(remoteAlerts({well}, now), RemoteAlerts());
     EXPECT_EQ(remoteAlerts({locked, well}, now),
-              (RemoteAlerts{u"1 Remote Alerts"_s, u"Scanned 2 min ago"_s}));
+              (RemoteAlerts{u"1 Remote Alerts"_s, u"Scanned 16 min ago"_s}))
+        << "the oldest record, after a scan that was canceled";
     EXPECT_EQ(remoteAlerts({locked, locked, locked}, now),
               (RemoteAlerts{u"3 Remote Alerts"_s, u"Scanned 16 min ago"_s}));
 }

@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
+#include <QTimerEvent>
 #include <QToolTip>
 
 #include "tests/presentation/screens/remote_macs/activate.h"
@@ -257,6 +259,28 @@ TEST_F(RemoteHealthBlockTest, ARowKeepsItsButtonsAndTheFocusWhereverItStands) {
     machine.status = RemoteHealth::Status::authNeeded;
     show();
     EXPECT_TRUE(visible("probe.head")->hasFocus()) << "nor one below rows that are all gone";
+}
+
+TEST_F(RemoteHealthBlockTest, PressesAreIgnoredForAMomentAfterRowsHaveMoved) {
+    showOpen();
+    click("probe.app-yes.never-quit");
+    std::ranges::reverse(machine.appImpacts);
+    show();
+    click("probe.app-yes.never-quit");
+    click("probe.app-yes.copy");
+    QTest::mouseDClick(visible("probe.app-yes.never-quit"), Qt::LeftButton);
+    EXPECT_THAT(taken(), ElementsAre("never quit yes"));
+    click("probe.process-700.copy");
+    EXPECT_THAT(taken(), ElementsAre("copy 700")) << "these are where they were";
+    auto* pause = visible("probe.apps")->findChild<QTimer*>(u"pause"_s);
+    ASSERT_TRUE(pause->isActive());
+    EXPECT_EQ(pause->interval(), 300);
+    QTimerEvent end(pause->timerId());
+    QCoreApplication::sendEvent(pause, &end);
+    click("probe.app-yes.never-quit");
+    show();
+    click("probe.app-yes.copy");
+    EXPECT_THAT(taken(), ElementsAre("never quit yes", "copy yes"));
 }
 
 TEST_F(RemoteHealthBlockTest, ARowThatGoesLeavesTheFocusOfOthersAlone) {

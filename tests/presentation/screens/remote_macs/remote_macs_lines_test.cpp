@@ -150,32 +150,71 @@ TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
     scan.remoteHealth = {machine("a", Status::reachable), machine("b", Status::reachable)};
     scan.remoteHealth[1].sampledAt = {now.secondsSinceReference - 600.0};
     EXPECT_EQ(macs::scanProgress(scan, {}), QString());
-    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now"_s);
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: 10 min ago"_s) << "the oldest record";
     EXPECT_EQ(macs::scanState(scan, {}, {now.secondsSinceReference + 120.0}),
-              u"Last scan: 2 min ago"_s);
+              u"Last scan: 12 min ago"_s);
     scan.remoteScanInProgress = true;
     scan.progress = RemoteScanProgress{1, 2, "a"};
-    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now · Scanning a, 1 of 2"_s);
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Scanning a, 1 of 2 · Last scan: 10 min ago"_s);
     scan.isCanceling = true;
     EXPECT_EQ(macs::scanProgress(scan, {}), u"Canceling the scan"_s);
 }
 
+TEST_F(RemoteMacsLinesTest, AfterACanceledScanTheFiguresThatItDidNotReachHaveTheirAge) {
+    RemoteScanState scan;
+    scan.remoteHealth = {machine("a", Status::reachable, 40.0),
+                         machine("b", Status::reachable, 96.0), machine("c", Status::unknown)};
+    scan.keptRecords = 2;
+    scan.remoteHealth[1].sampledAt = {now.secondsSinceReference - 600.0};
+    scan.remoteHealth[2].sampledAt = {now.secondsSinceReference - 7200.0};
+    EXPECT_EQ(macs::scanState(scan, {}, now),
+              u"Last scan: just now, 1 of 3 · others up to 2 h ago"_s);
+    auto cards = macs::summary(scan, 3, now);
+    EXPECT_EQ(cards[0].value, u"2"_s);
+    EXPECT_EQ(cards[0].detail, u"Of 3, the last remote scan reached 1."_s);
+    EXPECT_EQ(cards[2].value, u"96%"_s);
+    EXPECT_EQ(cards[2].detail, u"Highest pressure, scanned 10 min ago."_s);
+}
+
+TEST_F(RemoteMacsLinesTest, AMachineThatIsOfflineNowComesLastAndSaysSo) {
+    const RemoteProfile profile{.warningThreshold = 80.0};
+    std::vector<RemoteHealthFacts> machines{
+        facts(machine("gone", Status::reachable, 99.0), profile),
+        facts(machine("lower", Status::reachable, 85.0), profile),
+        facts(machine("locked", Status::authNeeded), profile),
+        facts(machine("left", Status::connectionBlocked), profile)};
+    machines[0].isNowOffline = true;
+    machines[3].isNowOffline = true;
+    EXPECT_THAT(
+        macs::attentionLines(machines),
+        ElementsAre(macs::AttentionLine{"id-lower", u"lower"_s, QString(), u"Memory 85%"_s,
+                                        u"Help lower."_s},
+                    macs::AttentionLine{"id-locked", u"locked"_s, QString(), u"Auth Needed"_s,
+                                        u"Help locked."_s},
+                    macs::AttentionLine{"id-left", u"left"_s, QString(),
+                                        u"Connection Blocked · now offline"_s, u"Help left."_s},
+                    macs::AttentionLine{
+                        "id-gone", u"gone"_s, QString(), u"Memory 99% · now offline"_s,
+                        u"These are its last figures. Scan again when it is back online."_s}));
+}
+
 TEST_F(RemoteMacsLinesTest, TheCardsCountBeforeAndAfterTheFirstScan) {
     EXPECT_THAT(
-        macs::summary({}, 4),
+        macs::summary({}, 4, now),
         ElementsAre(SummaryTexts{u"Reachable"_s, u"0"_s, u"No remote scan yet."_s},
                     SummaryTexts{u"Known Peers"_s, u"4"_s, u"Discovered from Tailscale status."_s},
                     SummaryTexts{u"Highest Memory"_s, u"–"_s,
                                  u"Highest pressure from the last remote scan."_s}));
-    const auto after =
-        macs::summary({machine("a", Status::reachable, 0.0), machine("b", Status::unknown),
-                       machine("c", Status::reachable, 71.6)},
-                      2000);
+    RemoteScanState scan;
+    scan.remoteHealth = {machine("a", Status::reachable, 0.0), machine("b", Status::unknown),
+                         machine("c", Status::reachable, 71.6)};
+    const auto after = macs::summary(scan, 2000, now);
     EXPECT_EQ(after[0].value, u"2"_s);
     EXPECT_EQ(after[0].detail, u"Of 3 in the last remote scan."_s);
     EXPECT_EQ(after[1].value, u"2,000"_s);
     EXPECT_EQ(after[2].value, u"72%"_s);
-    EXPECT_EQ(macs::summary({machine("a", Status::reachable, 0.0)}, 1)[2].value, u"0%"_s);
+    scan.remoteHealth.resize(1);
+    EXPECT_EQ(macs::summary(scan, 1, now)[2].value, u"0%"_s);
 }
 
 // The detail -------------------------------------------------------------------------------------

@@ -93,6 +93,10 @@ TEST_F(RemoteMacsPageTest, TheInspectedMachineIsInTheTimeline) {
     window().state().navigation.setSelectedRemoteID(machines[4].id);
     settle();
     EXPECT_THAT(drawn(), HasSubstr("mac-5 1 percent"));
+    goTo(AppRoute::history);
+    settle();
+    EXPECT_THAT(visible("history.remote-timeline.memory")->accessibleDescription().toStdString(),
+                HasSubstr("mac-5 1 percent"));
 }
 
 TEST_F(RemoteMacsPageTest, TheDetailsOfAFewMachinesAreOpen) {

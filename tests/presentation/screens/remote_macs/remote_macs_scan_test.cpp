@@ -42,7 +42,42 @@ TEST_F(RemoteMacsScanTest, ItIsCanceledBesideItsProgress) {
     EXPECT_TRUE(visible<QPushButton>("remote.tailscale.cancel")->isEnabled());
 }
 
-TEST_F(RemoteMacsScanTest, AScanThatEndsGivesTheButtonBackAlthoughAnotherIsQueued) {
+TEST_F(RemoteMacsScanTest, ItIsCanceledByTheKeyboardWhereTheHeaderLeads) {
+    showPage();
+    EXPECT_EQ(visible("remote.summary.cancel"), nullptr);
+    const int height = visible("remote.summary")->height();
+    click("remote.scan");
+    settle();
+    ASSERT_NE(visible("remote.summary.cancel"), nullptr);
+    EXPECT_EQ(visible("remote.summary")->height(), height);
+    click("remote.scan");
+    EXPECT_TRUE(visible("remote.summary.cancel")->hasFocus());
+    const auto begun = machine.monitor().log().activityLog().size();
+    press(Qt::Key_Space);
+    EXPECT_EQ(textOf("remote.summary.scan"), u"Canceling the scan"_s);
+    EXPECT_FALSE(visible("remote.summary.cancel")->isEnabled());
+    EXPECT_EQ(window().focusWidget(), nullptr) << "a second press is for nothing else";
+    press(Qt::Key_Space);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(lastAction(), "Remote scan canceled: 0 of 6 Macs scanned.");
+    EXPECT_EQ(machine.monitor().log().activityLog().size(), begun + 1);
+    EXPECT_EQ(visible("remote.summary.cancel"), nullptr);
+    EXPECT_EQ(window().focusWidget(), nullptr);
+}
+
+TEST_F(RemoteMacsScanTest, TheEndOfTheScanDoesNotPassTheFocusOn) {
+    showPage();
+    click("remote.tailscale.scan");
+    settle();
+    visible("remote.tailscale.cancel")->setFocus();
+    machine.finishSamples();
+    settle();
+    ASSERT_EQ(visible("remote.tailscale.cancel"), nullptr);
+    EXPECT_EQ(window().focusWidget(), nullptr);
+}
+
+TEST_F(RemoteMacsScanTest, TheButtonComesBackWhenTheLastOfSeveralScansHasEnded) {
     showPage();
     click("remote.tailscale.scan");
     EXPECT_EQ(remote().scan.scanRemoteMacs().kind, Outcome::Kind::asked);
@@ -52,13 +87,13 @@ TEST_F(RemoteMacsScanTest, AScanThatEndsGivesTheButtonBackAlthoughAnotherIsQueue
     machine.mainQueue.drain();
     settle();
     EXPECT_EQ(machine.workQueue.pendingCount(), 1U);
-    EXPECT_TRUE(visible<QPushButton>("remote.tailscale.scan")->isEnabled());
     EXPECT_EQ(blocks().size(), 6U);
-    click("remote.tailscale.scan");
-    EXPECT_EQ(machine.workQueue.pendingCount(), 2U);
+    EXPECT_FALSE(visible<QPushButton>("remote.tailscale.scan")->isEnabled());
+    EXPECT_TRUE(visible<QPushButton>("remote.tailscale.cancel")->isEnabled());
     machine.finishSamples();
     settle();
     EXPECT_FALSE(remote().scan.state().remoteScanInProgress);
+    EXPECT_TRUE(visible<QPushButton>("remote.tailscale.scan")->isEnabled());
     EXPECT_EQ(blocks().size(), 6U);
 }
 
@@ -100,6 +135,13 @@ TEST_F(RemoteMacsScanTest, TheResultOfAnActionOutlivesTheScanThatFollowsIt) {
     settle();
     EXPECT_EQ(textOf("remote.machine-1.result"),
               u"Last action: Asked worker to quit on mac-1. · 2 min ago"_s);
+    finishScan(1, 0);
+    visible<QPushButton>("remote.machine-1.process-500.quit")->click();
+    machine.monitor().confirmations().confirmPending();
+    settle();
+    EXPECT_EQ(textOf("remote.machine-1.result"),
+              u"Last action: Asking worker to quit on mac-1... · just now"_s);
+    EXPECT_EQ(textOf("remote.detail.result"), textOf("remote.machine-1.result"));
 }
 
 TEST_F(RemoteMacsScanTest, AllProblemsOfTheClientCanBeRead) {

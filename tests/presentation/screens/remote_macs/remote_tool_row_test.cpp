@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <QTimerEvent>
 
+#include "tests/presentation/screens/remote_macs/activate.h"
 #include "tests/presentation/screens/remote_macs/remote_health_block_fixture.h"
 
 namespace tallowcrest {
@@ -72,6 +73,50 @@ TEST_F(RemoteToolRowTest, AButtonThatTakesThePlaceOfAnotherWaitsForAMoment) {
     show();
     EXPECT_FALSE(moment("probe.copy-host-key-fix")->isActive());
     EXPECT_FALSE(button("probe.copy-host-key-fix").isEnabled());
+}
+
+TEST_F(RemoteToolRowTest, AToolThatMovesGetsTheFocusBack) {
+    ASSERT_NO_FATAL_FAILURE(activate(page));
+    machine.status = RemoteHealth::Status::hostKeyIssue;
+    showOpen();
+    button("probe.copy-test").setFocus();
+    machine.status = RemoteHealth::Status::connectionBlocked;
+    show();
+    EXPECT_EQ(page.focusWidget(), nullptr) << "a key does nothing";
+    endTheMoment("probe.copy-test");
+    EXPECT_TRUE(button("probe.copy-test").hasFocus());
+    // Not from a control that the owner has gone to meanwhile.
+    machine.status = RemoteHealth::Status::hostKeyIssue;
+    show();
+    visible("probe.head")->setFocus();
+    endTheMoment("probe.copy-test");
+    EXPECT_TRUE(visible("probe.head")->hasFocus());
+    // One that goes into the menu leaves the focus to the menu's button.
+    endTheMoment("probe.copy-host-key-fix");
+    button("probe.copy-host-key-fix").setFocus();
+    machine.status = RemoteHealth::Status::authNeeded;
+    show();
+    EXPECT_TRUE(visible("probe.more")->hasFocus());
+}
+
+TEST_F(RemoteToolRowTest, AnOpenMenuKeepsItsEntries) {
+    showOpen();
+    click("probe.more");
+    ASSERT_TRUE(menu().isVisible());
+    const std::vector<std::string> before = menuEntries();
+    machine.status = RemoteHealth::Status::hostKeyIssue;
+    machine.address = "no address";
+    show();
+    EXPECT_EQ(menuEntries(), before);
+    EXPECT_THAT(shownButtons(), ElementsAre("Copy Test", "Copy Host Key Fix"));
+    QTest::mouseClick(&menu(), Qt::LeftButton, {},
+                      menu().actionGeometry(menu().actions()[2]).center());
+    EXPECT_FALSE(menu().isVisible());
+    EXPECT_THAT(operations, ElementsAre(RemoteOperation::copyTest));
+    settle();
+    EXPECT_THAT(menuEntries(), ElementsAre("Copy Ping", "Copy Port Test", "Copy Key Install",
+                                           "Inspect", "Remote Purge", "Remote Safe"));
+    EXPECT_FALSE(block.findChild<QAction*>(u"probe.copy-key-install"_s)->isEnabled());
 }
 
 TEST_F(RemoteToolRowTest, EachToolEmitsItsOperationFromTheButtonAndFromTheMenu) {
