@@ -34,6 +34,7 @@
 #include "presentation/widgets/summary_card.h"
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/chat_gallery.h"
+#include "tests/presentation/disk_gallery.h"
 #include "tests/presentation/icon_names.h"
 #include "tests/presentation/overview_gallery.h"
 #include "tests/presentation/remote_gallery.h"
@@ -261,7 +262,9 @@ int showWindow(const std::unique_ptr<QWidget>& window, const QString& file) {
         return QApplication::exec();
     }
     QApplication::processEvents();
-    return window->grab().save(file) ? 0 : 1;
+    // A question is a window of its own.
+    QWidget* const dialog = QApplication::activeModalWidget();
+    return (dialog == nullptr ? window.get() : dialog)->grab().save(file) ? 0 : 1;
 }
 
 }  // namespace
@@ -280,8 +283,9 @@ int main(int argc, char** argv) {
                                       u"state"_s);
     const QCommandLineOption remote(u"remote"_s, u"Show Remote Macs in a state."_s, u"state"_s);
     const QCommandLineOption chat(u"chat"_s, u"Show Chat in a state."_s, u"state"_s);
+    const QCommandLineOption disk(u"disk"_s, u"Show the disk's care in a state."_s, u"state"_s);
     const QCommandLineOption height(u"height"_s, u"Height of the window."_s, u"pixels"_s, u"700"_s);
-    parser.addOptions({dark, showIcons, width, save, time, overview, remote, chat, height});
+    parser.addOptions({dark, showIcons, width, save, time, overview, remote, chat, disk, height});
     parser.process(application);
 
     QApplication::setPalette(paletteFor(parser.isSet(dark) ? Appearance::dark : Appearance::light));
@@ -302,6 +306,9 @@ int main(int argc, char** argv) {
     }
     if (parser.isSet(chat)) {
         return showWindow(chatGallery(parser.value(chat), size), parser.value(save));
+    }
+    if (parser.isSet(disk)) {
+        return showWindow(diskGallery(parser.value(disk), size), parser.value(save));
     }
     std::unique_ptr<QWidget> page(parser.isSet(showIcons) ? icons() : pieces());
     const int hint = page->layout()->hasHeightForWidth() ? page->layout()->heightForWidth(wanted)

@@ -121,12 +121,10 @@ QWidget* ConfirmationDialog::makeDetails() {
     auto* layout = new QVBoxLayout(room);
     layout->setContentsMargins(0, spacing::gap, 0, 0);
     layout->setSpacing(spacing::unit);
-    detailsToggle_ = makeButton(u"Show What Is Sent"_s, QString(), u"confirmation.details"_s,
-                                u"Shows all that would leave this machine, below"_s, room);
+    detailsToggle_ = makeButton(QString(), QString(), u"confirmation.details"_s, QString(), room);
     layout->addWidget(detailsToggle_, 0, Qt::AlignLeft);
     details_ = new SelectableText(u"confirmation.details.text"_s);
     detailsArea_ = new PageScrollArea(details_, room);
-    detailsArea_->setFixedHeight(detailsHeight);
     layout->addWidget(detailsArea_);
     connect(detailsToggle_, &QPushButton::clicked, this, [this] {
         showDetails(detailsArea_->isHidden());
@@ -137,7 +135,7 @@ QWidget* ConfirmationDialog::makeDetails() {
 
 void ConfirmationDialog::showDetails(bool areShown) {
     detailsArea_->setVisible(areShown);
-    detailsToggle_->setText(areShown ? u"Hide What Is Sent"_s : u"Show What Is Sent"_s);
+    detailsToggle_->setText((areShown ? u"Hide "_s : u"Show "_s) + detailsName_);
     setSpokenName(*detailsToggle_, detailsToggle_->text());
 }
 
@@ -162,9 +160,16 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     heading_->setText(title);
     message_->setText(message);
     showTargets(desk_.targets());
-    details_->showText(detailsOf_(request));
-    detailsToggle_->parentWidget()->setVisible(!details_->shownText().isEmpty());
-    showDetails(false);
+    const ConfirmationDetails details = detailsOf_(request);
+    detailsName_ = details.name;
+    details_->showText(details.text);
+    details_->setAccessibleName(details.name);
+    setSpokenDescription(*detailsToggle_, details.description);
+    detailsToggle_->setToolTip(details.description);
+    const int wanted = details_->heightForWidth(dialogWidth - 2 * spacing::pagePadding);
+    detailsArea_->setFixedHeight(std::min(detailsHeight, wanted + spacing::unit));
+    detailsToggle_->parentWidget()->setVisible(!details.text.isEmpty());
+    showDetails(details.areShown);
     setAccessibleDescription(confirmation_lines::unreadLines(shownTexts()).join(u'\n'));
     if (isVisible()) {
         // No window opens, which would be announced by itself.

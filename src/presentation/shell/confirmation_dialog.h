@@ -7,6 +7,7 @@
 
 #include "core/local_records.h"
 #include "core/uuid.h"
+#include "presentation/state/confirmation_details.h"
 #include "presentation/widgets/settling_button.h"
 #include "presentation/widgets/window_dialog.h"
 
@@ -29,9 +30,7 @@ class ConfirmationDialog final : public WindowDialog {
     Q_OBJECT
 
 public:
-    /// A text about a request that is too long for its message, such as what would be sent; empty
-    /// for a request without one.
-    using Details = std::function<QString(const ConfirmationRequest&)>;
+    using Details = std::function<ConfirmationDetails(const ConfirmationRequest&)>;
 
     /// The desk must outlive the dialog.
     ConfirmationDialog(ConfirmationDesk& desk, Details details, QWidget* parent);
@@ -70,6 +69,7 @@ private:
     std::vector<ElidedLabel*> pathLines_;
     ElidedLabel* morePaths_ = nullptr;
     QPushButton* detailsToggle_ = nullptr;
+    QString detailsName_;
     PageScrollArea* detailsArea_ = nullptr;
     SelectableText* details_ = nullptr;
     QPushButton* cancel_ = nullptr;

@@ -9,7 +9,6 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "advisor/provider.h"
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
@@ -33,7 +32,7 @@
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/window_menus.h"
-#include "presentation/state/advisor_payload.h"
+#include "presentation/state/confirmation_details.h"
 #include "presentation/widgets/announcer.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/words/dashboard_text.h"
@@ -141,8 +140,7 @@ void DashboardWindow::addSheets() {
                  return new ConfirmationDialog(
                      monitor_.confirmations(),
                      [this](const ConfirmationRequest& asked) {
-                         return asked.kind == Provider::confirmationKind ? advisorPayload(monitor_)
-                                                                         : QString();
+                         return confirmationDetails(monitor_, asked);
                      },
                      on);
              }});

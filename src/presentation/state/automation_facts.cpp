@@ -2,7 +2,9 @@
 
 #include "actions/actions.h"
 #include "actions/automation.h"
+#include "advisor/advisor.h"
 #include "core/activity_log.h"
+#include "disk/disk.h"
 #include "monitor/system_monitor.h"
 #include "sampling/latest_sample.h"
 
@@ -15,11 +17,25 @@ AutomationFacts automationFacts(SystemMonitor& monitor) {
             .snapshot = monitor.sample().snapshot()};
 }
 
+namespace {
+
+DiskTrust diskTrust(const Trust& trust) {
+    const auto& records = trust.aiTrustRecords();
+    const auto found = records.find(std::string(DiskAutopilot::actionType));
+    const AITrustRecord record = found == records.end() ? AITrustRecord{} : found->second;
+    return {record.runCount, trustPercent(record)};
+}
+
+}  // namespace
+
 DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor) {
     return {.snapshot = monitor.sample().snapshot(),
             .settings = monitor.settings(),
             .status = monitor.actions().automation.diskAutopilotStatus(),
-            .caches = monitor.host().places.caches};
+            .caches = monitor.host().places.caches,
+            .trust = diskTrust(monitor.advisor().trust),
+            .autopilot = monitor.disk().autopilot.state(),
+            .storage = monitor.disk().storage.state()};
 }
 
 }  // namespace tallowcrest

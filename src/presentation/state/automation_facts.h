@@ -6,10 +6,13 @@
 #include "core/local_records.h"
 #include "core/settings/settings.h"
 #include "presentation/words/automation_lines.h"
+#include "presentation/words/disk_lines.h"
 
 namespace tallowcrest {
 
 class SystemMonitor;
+struct DiskAutopilotState;
+struct StorageScanState;
 
 /// The values that automation lines describe. Changes with the monitor's settings, rules, log and
 /// sample. Main thread.
@@ -21,9 +24,12 @@ struct DiskAutopilotFacts {
     const Settings& settings;
     std::string_view status;  ///< of Disk Autopilot
     std::string_view caches;  ///< `Places::caches`
+    DiskTrust trust;
+    const DiskAutopilotState& autopilot;
+    const StorageScanState& storage;
 };
 
-/// Changes with the monitor's settings, sample and automation. Main thread.
+/// Changes with the monitor's settings, sample, automation, trust and disk. Main thread.
 DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor);
 
 }  // namespace tallowcrest

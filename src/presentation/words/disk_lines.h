@@ -1,15 +1,22 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include <QString>
 
 #include "core/local_records.h"
 #include "core/settings/settings.h"
+#include "disk/disk_records.h"
 
 /// Texts about disk space and Disk Autopilot. Main thread.
 namespace tallowcrest {
+
+struct SearchProgress;
+struct StorageScanProgress;
 
 /// How full a volume is, in words and as a share.
 struct DiskSpaceTexts {
@@ -27,5 +34,49 @@ bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings);
 
 /// What a clean-up may touch, by the owner's settings. `caches` is `Places::caches`.
 QString diskRule(const Settings& settings, std::string_view caches);
+
+/// How far the owner has come to trust clean-ups.
+struct DiskTrust {
+    std::int64_t runCount = 0;
+    std::int64_t percent = 0;
+};
+
+/// "Learning 1 of 3 runs · 42% of 75% trust", or "Autonomy unlocked".
+QString diskTrustLine(const DiskTrust& trust);
+
+/// The size of a file or folder, given in bytes: "512 MB", "1.5 GB".
+QString sizeText(std::int64_t bytes);
+
+/// "Looking for old cache files · 1,200 files seen · FOLDER", where `what` is the beginning.
+QString searchLine(const QString& what, const SearchProgress& progress);
+/// "Moving to Trash · 12 of 40 files · 80 MB"
+QString cleanupLine(const CleanupProgress& progress);
+/// "Measuring · 3 of 19 areas"
+QString storageScanLine(const StorageScanProgress& progress);
+
+/// An area of the disk, with its share of the largest one.
+struct StorageLine {
+    QString name;
+    QString size;
+    int percent = 0;      ///< of the largest area
+    QString explanation;  ///< of the remainder, or the path
+
+    bool operator==(const StorageLine&) const = default;
+};
+
+/// In the order of `rows`, which is largest first.
+std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& rows);
+
+/// What the remainder includes. Names it as in `rows`, if it is there.
+QString remainderNote(const std::vector<DiskStorageOffender>& rows);
+
+/// "12 Files · 80 MB"
+QString planSummary(const DiskCleanupPlan& plan);
+/// All files that a clean-up would move, one on a line. Empty without any.
+QString planFiles(const DiskCleanupPlan& plan);
+
+/// A path or name from the disk on one line, without its middle if it is very long, so that its
+/// end, which tells it from others, remains.
+QString boundedPath(std::string_view path);
 
 }  // namespace tallowcrest

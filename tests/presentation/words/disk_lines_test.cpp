@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "disk/file_walks.h"
+#include "disk/storage_scan.h"
 #include "tests/support/numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -55,6 +57,56 @@ TEST(DiskSpace, TheRuleNamesTheSettings) {
                     .startsWith(u"Only regular files older than 7 days inside "
                                 "~/Library/Caches are eligible. Each run is capped at "
                                 "0.5 GB "_s));
+}
+
+TEST(DiskTrustLine, IsUnlockedByRunsAndTrust) {
+    EXPECT_EQ(diskTrustLine({}), u"Learning 0 of 3 runs · 0% of 75% trust"_s);
+    EXPECT_EQ(diskTrustLine({7, 60}), u"Learning 3 of 3 runs · 60% of 75% trust"_s);
+    EXPECT_EQ(diskTrustLine({2, 100}), u"Learning 2 of 3 runs · 100% of 75% trust"_s);
+    EXPECT_EQ(diskTrustLine({3, 75}), u"Autonomy unlocked"_s);
+}
+
+TEST(DiskProgressLines, SayHowFarTheWorkIs) {
+    EXPECT_EQ(searchLine(u"Analyzing"_s, {5, ""}), u"Analyzing · 5 files seen"_s);
+    EXPECT_EQ(searchLine(u"Analyzing"_s, {5, "/a\tb"}), u"Analyzing · 5 files seen · /a\uFFFDb"_s);
+    EXPECT_EQ(cleanupLine({1, 2, 1, 1048576}), u"Moving to Trash · 1 of 2 files · 1 MB"_s);
+    EXPECT_EQ(storageScanLine({0, 19}), u"Measuring · 0 of 19 areas"_s);
+}
+
+TEST(StorageLines, HaveTheirShareOfTheLargest) {
+    EXPECT_TRUE(storageLines({}).empty());
+    const auto lines = storageLines({{"Other / inaccessible odd data", "/", 4096},
+                                     {"Mail", "/home/owner/mail", 1024},
+                                     {"Empty", "/e", 0},
+                                     {"Wrong", "/w", -5}});
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[0].percent, 100);
+    EXPECT_EQ(lines[1].percent, 25);
+    EXPECT_EQ(lines[2].percent, 0);
+    EXPECT_EQ(lines[3].percent, 0);
+    EXPECT_TRUE(lines[0].explanation.contains(u"snapshots and other odd data"_s));
+    EXPECT_EQ(lines[1].explanation, u"/home/owner/mail"_s);
+}
+
+TEST(StorageLines, TheNoteNamesTheRemainder) {
+    EXPECT_TRUE(remainderNote({}).startsWith(u"“Other / inaccessible data” includes"_s));
+    EXPECT_TRUE(remainderNote({{"Other / inaccessible odd data", "/", 1}})
+                    .startsWith(u"“Other / inaccessible odd data” includes"_s));
+}
+
+TEST(PlanFiles, AreSafeBoundedAndOneOnALine) {
+    EXPECT_EQ(planFiles({}), QString());
+    DiskCleanupPlan plan;
+    plan.urls = {{"/c/a\nb", {}}, {"/c/" + std::string(4000, 'x') + "end", {}}};
+    plan.bytes = 2 * 1048576;
+    const QString files = planFiles(plan);
+    EXPECT_EQ(files.count(u'\n'), 1);
+    EXPECT_TRUE(files.startsWith(u"/c/a\uFFFDb\n/c/xxx"_s));
+    EXPECT_TRUE(files.endsWith(u"xend"_s));
+    EXPECT_LT(files.size(), 300);
+    EXPECT_EQ(planSummary(plan), u"2 Files · 2 MB"_s);
+    plan.urls.resize(1);
+    EXPECT_EQ(planSummary(plan), u"1 File · 2 MB"_s);
 }
 
 }  // namespace

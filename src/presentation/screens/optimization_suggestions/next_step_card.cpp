@@ -11,6 +11,19 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+void showAnalysis(QPushButton& button, const NextStepCard::Analysis& analysis) {
+    if (button.text() != analysis.title) {
+        // The buttons beside it stay in place although this word is shorter.
+        button.setMinimumWidth(analysis.isBusy ? button.width() : 0);
+        button.setText(analysis.title);
+        button.setAccessibleName(analysis.title);
+    }
+    setButtonEnabled(button, !analysis.isBusy);
+}
+
+}  // namespace
 
 NextStepCard::NextStepCard(QWidget* parent) : Card(parent) {
     setObjectName(u"suggestions.next-step"_s);
@@ -31,21 +44,19 @@ NextStepCard::NextStepCard(QWidget* parent) : Card(parent) {
     analysis_ = add({"Analyze On Device", "sparkle.magnifyingglass",
                      "Explains the present figures and what to do about them"},
                     u"suggestions.analyze"_s, &NextStepCard::analysisWanted);
+    storage_ = add({"Analyze Storage", "externaldrive.badge.magnifyingglass",
+                    "Lists the largest files in the personal folders; changes nothing"},
+                   u"suggestions.analyze-storage"_s, &NextStepCard::storageAnalysisWanted);
     add({"Open Cleanup", "wand.and.stars", "Goes to Optimize"}, u"suggestions.open-cleanup"_s,
         &NextStepCard::cleanupWanted);
     add({"Ask AI", "message", "Goes to Chat"}, u"suggestions.ask-ai"_s, &NextStepCard::chatWanted);
     contentLayout()->addWidget(actions);
 }
 
-void NextStepCard::show(const QString& step, const QString& analysisTitle, bool isBusy) {
+void NextStepCard::show(const QString& step, const Analysis& analysis, const Analysis& storage) {
     step_->setText(step);
-    if (analysis_->text() != analysisTitle) {
-        // The buttons beside it stay in place although this word is shorter.
-        analysis_->setMinimumWidth(isBusy ? analysis_->width() : 0);
-        analysis_->setText(analysisTitle);
-        analysis_->setAccessibleName(analysisTitle);
-    }
-    setButtonEnabled(*analysis_, !isBusy);
+    showAnalysis(*analysis_, analysis);
+    showAnalysis(*storage_, storage);
 }
 
 }  // namespace tallowcrest

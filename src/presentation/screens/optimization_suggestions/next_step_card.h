@@ -13,19 +13,26 @@ class NextStepCard final : public Card {
 public:
     explicit NextStepCard(QWidget* parent = nullptr);
 
-    /// While an analysis `isBusy`, its button is disabled.
-    void show(const QString& step, const QString& analysisTitle, bool isBusy);
+    /// An analysis, and whether it is under way: its button is then disabled.
+    struct Analysis {
+        QString title;
+        bool isBusy = false;
+    };
+
+    void show(const QString& step, const Analysis& analysis, const Analysis& storage);
 
 signals:
     // The owner pressed the button of that name.
     void topProcessWanted();
     void analysisWanted();
+    void storageAnalysisWanted();
     void cleanupWanted();
     void chatWanted();
 
 private:
     ElidedLabel* step_ = nullptr;
     QPushButton* analysis_ = nullptr;
+    QPushButton* storage_ = nullptr;
 };
 
 }  // namespace tallowcrest

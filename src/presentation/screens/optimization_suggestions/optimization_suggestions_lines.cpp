@@ -1,5 +1,9 @@
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include "disk/personal_files.h"
 #include "presentation/words/advisor_words.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/disk_lines.h"
@@ -62,6 +66,39 @@ QString analysisTitle(bool hasKey, bool isBusy) {
     return isBusy   ? u"Analyzing"_s
            : hasKey ? advisor_words::analysis(true)
                     : u"Analyze On Device"_s;
+}
+
+QString storageAnalysisTitle(bool isBusy) {
+    return isBusy ? u"Analyzing"_s : u"Analyze Storage"_s;
+}
+
+std::vector<PersonalFileLine> personalFileLines(
+    const std::vector<StorageOptimizationSuggestion>& files) {
+    std::int64_t largest = 1;
+    for (const StorageOptimizationSuggestion& file : files) {
+        largest = std::max(largest, file.bytes);
+    }
+    std::vector<PersonalFileLine> lines;
+    for (const StorageOptimizationSuggestion& file : files) {
+        const double share = static_cast<double>(file.bytes) / static_cast<double>(largest);
+        lines.push_back({boundedPath(file.title), boundedPath(file.detail), sizeText(file.bytes),
+                         static_cast<int>(std::lround(100.0 * std::max(share, 0.0))),
+                         dashboard_text::text(file.recommendation),
+                         dashboard_text::text(file.reason)});
+    }
+    return lines;
+}
+
+QString backupLine(const BackupProgress& backup) {
+    QString line = u"Backing up "_s + boundedPath(backup.title);
+    if (backup.all > 0) {
+        line += u" · "_s + sizeText(backup.copied) + u" of "_s + sizeText(backup.all);
+    }
+    if (backup.bytesPerSecond > 0.0) {
+        line +=
+            u" · "_s + dashboard_text::megabytes(backup.bytesPerSecond / 1048576.0, 0) + u"/s"_s;
+    }
+    return line;
 }
 
 }  // namespace tallowcrest::optimization_suggestions_lines

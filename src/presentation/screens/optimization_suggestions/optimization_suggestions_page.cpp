@@ -7,10 +7,12 @@
 #include "actions/review_target.h"
 #include "advisor/advisor.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/optimization_suggestions/advice_card.h"
 #include "presentation/screens/optimization_suggestions/next_step_card.h"
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
+#include "presentation/screens/optimization_suggestions/storage_analyzer_card.h"
 #include "presentation/screens/shared/disk_autopilot.h"
 #include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/screens/shared/review_process.h"
@@ -41,11 +43,12 @@ OptimizationSuggestionsPage::OptimizationSuggestionsPage(SystemMonitor& monitor,
                                               narrowestMetric);
     layout->addWidget(metrics_->widget());
     makeNextStep();
+    makeStorageAnalyzer();
     makeAdvice();
-    disk_ = makeDiskAutopilot(u"suggestions"_s, monitor_.actions().automation, state_.sections);
-    // The analysis of storage will stand below the next step.
+    disk_ = makeDiskAutopilot(u"suggestions"_s, monitor_.actions().automation, monitor_.disk(),
+                              state_.sections);
     auto* columns = new TwoColumns(content);
-    columns->setColumns({nextStep_, advice_}, {disk_});
+    columns->setColumns({nextStep_, storageAnalyzer_, advice_}, {disk_});
     layout->addWidget(columns);
     layout->addStretch(1);
     scrollOnPage(content, *this);
@@ -59,10 +62,31 @@ void OptimizationSuggestionsPage::makeNextStep() {
             [this] { monitor_.actions().review.selectTopProcess(); });
     connect(nextStep_, &NextStepCard::analysisWanted, this,
             [this] { monitor_.advisor().provider.requestAIAnalysis(); });
+    connect(nextStep_, &NextStepCard::storageAnalysisWanted, this,
+            [this] { monitor_.disk().files.chooseStorageFolder(); });
     connect(nextStep_, &NextStepCard::cleanupWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(nextStep_, &NextStepCard::chatWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::chat); });
+}
+
+void OptimizationSuggestionsPage::makeStorageAnalyzer() {
+    storageAnalyzer_ = new StorageAnalyzerCard;
+    PersonalFiles& files = monitor_.disk().files;
+    connect(storageAnalyzer_, &StorageAnalyzerCard::analysisWanted, this,
+            [&files] { files.analyzePersonalFiles(); });
+    connect(storageAnalyzer_, &StorageAnalyzerCard::analysisStopWanted, this,
+            [&files] { files.stopAnalysis(); });
+    connect(storageAnalyzer_, &StorageAnalyzerCard::backupStopWanted, this,
+            [&files] { files.stopBackup(); });
+    connect(storageAnalyzer_, &StorageAnalyzerCard::revealWanted, this,
+            [&files](const StorageOptimizationSuggestion& file) { files.revealSuggestion(file); });
+    connect(storageAnalyzer_, &StorageAnalyzerCard::backupWanted, this,
+            [&files](const StorageOptimizationSuggestion& file) { files.backUpSuggestion(file); });
+    connect(storageAnalyzer_, &StorageAnalyzerCard::trashWanted, this,
+            [&files](const StorageOptimizationSuggestion& file) {
+                files.requestTrashSuggestion(file);
+            });
 }
 
 void OptimizationSuggestionsPage::makeAdvice() {
@@ -74,19 +98,42 @@ void OptimizationSuggestionsPage::makeAdvice() {
 }
 
 std::vector<Observable*> OptimizationSuggestionsPage::shows() const {
-    return {&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
-            &monitor_.actions().automation.observable(), &monitor_.advisor().provider.observable()};
+    return {&monitor_.sample().observable(),
+            &monitor_.settingsOwner().observable(),
+            &monitor_.actions().automation.observable(),
+            &monitor_.advisor().provider.observable(),
+            &monitor_.advisor().trust.observable(),
+            &monitor_.disk().autopilot.observable(),
+            &monitor_.disk().storage.observable(),
+            &monitor_.disk().files.observable()};
+}
+
+std::vector<HeaderAction> OptimizationSuggestionsPage::headerActions() {
+    PersonalFiles& files = monitor_.disk().files;
+    return {{{"Analyze Storage", "externaldrive.badge.magnifyingglass",
+              "Lists the largest files in the personal folders; changes nothing"},
+             u"optimizationSuggestions.analyze-storage"_s,
+             [&files] { files.analyzePersonalFiles(); },
+             [&files] {
+                 return optimization_suggestions_lines::storageAnalysisTitle(
+                     files.state().storageAnalyzerBusy);
+             }}};
 }
 
 void OptimizationSuggestionsPage::refresh() {
     const LatestSample& sample = monitor_.sample();
     const Settings& settings = monitor_.settings();
     const ProviderState& provider = monitor_.advisor().provider.state();
+    const PersonalFilesState& files = monitor_.disk().files.state();
     metrics_->show(optimization_suggestions_lines::metrics(sample.snapshot(), settings));
-    nextStep_->show(optimization_suggestions_lines::nextStep(sample.snapshot(), settings),
-                    optimization_suggestions_lines::analysisTitle(
-                        monitor_.advisor().provider.isConnected(), provider.aiBusy),
-                    provider.aiBusy);
+    nextStep_->show(
+        optimization_suggestions_lines::nextStep(sample.snapshot(), settings),
+        {optimization_suggestions_lines::analysisTitle(monitor_.advisor().provider.isConnected(),
+                                                       provider.aiBusy),
+         provider.aiBusy},
+        {optimization_suggestions_lines::storageAnalysisTitle(files.storageAnalyzerBusy),
+         files.storageAnalyzerBusy});
+    storageAnalyzer_->show(files, provider.aiBusy);
     advice_->show(provider.aiInsight,
                   recommendationLines(sample.recommendations(), sample.latestProcesses()));
     showDiskAutopilot(*disk_, state_.sections, diskAutopilotFacts(monitor_));

@@ -9,12 +9,14 @@ namespace tallowcrest {
 class AdviceCard;
 class DiskAutopilotBlock;
 class NextStepCard;
+class StorageAnalyzerCard;
 class SummaryCards;
 class SystemMonitor;
 struct WindowState;
 
 /// "Recommended", the first step of the Optimize workspace: how far CPU, memory and disk are from
-/// their limits, and what to do first. Nothing is changed from here. Main thread.
+/// their limits, what to do first, and the largest personal files. Nothing is changed without a
+/// confirmation. Main thread.
 class OptimizationSuggestionsPage final : public Screen {
     Q_OBJECT
 
@@ -25,15 +27,18 @@ public:
 
     void refresh() override;
     std::vector<Observable*> shows() const override;
+    std::vector<HeaderAction> headerActions() override;
 
 private:
     void makeNextStep();
+    void makeStorageAnalyzer();
     void makeAdvice();
 
     SystemMonitor& monitor_;
     WindowState& state_;
     std::unique_ptr<SummaryCards> metrics_;
     NextStepCard* nextStep_ = nullptr;
+    StorageAnalyzerCard* storageAnalyzer_ = nullptr;
     AdviceCard* advice_ = nullptr;
     DiskAutopilotBlock* disk_ = nullptr;
 };

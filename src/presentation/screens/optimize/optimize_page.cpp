@@ -7,7 +7,9 @@
 #include "actions/desktop_actions.h"
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
+#include "advisor/advisor.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/optimize/cleanup_flow_card.h"
 #include "presentation/screens/optimize/offender_card.h"
@@ -38,7 +40,8 @@ OptimizePage::OptimizePage(SystemMonitor& monitor, WindowState& state, QWidget* 
             [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
     layout->addWidget(bar);
     makeFlow();
-    disk_ = makeDiskAutopilot(u"cleanup"_s, monitor_.actions().automation, state_.sections);
+    disk_ = makeDiskAutopilot(u"cleanup"_s, monitor_.actions().automation, monitor_.disk(),
+                              state_.sections);
     makeOffender();
     auto* columns = new TwoColumns(content);
     columns->setColumns({flow_, disk_}, {offender_});
@@ -80,7 +83,9 @@ void OptimizePage::makeOffender() {
 std::vector<Observable*> OptimizePage::shows() const {
     return {&monitor_.sample().observable(),         &monitor_.processDetails().observable(),
             &monitor_.actions().review.observable(), &monitor_.settingsOwner().observable(),
-            &monitor_.actions().local.observable(),  &monitor_.actions().automation.observable()};
+            &monitor_.actions().local.observable(),  &monitor_.actions().automation.observable(),
+            &monitor_.advisor().trust.observable(),  &monitor_.disk().autopilot.observable(),
+            &monitor_.disk().storage.observable()};
 }
 
 std::vector<HeaderAction> OptimizePage::headerActions() {

@@ -9,6 +9,7 @@
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/overview/gauges_block.h"
 #include "presentation/screens/overview/overview_lines.h"
@@ -53,8 +54,8 @@ void OverviewPage::layOutBlocks() {
     gauges_ = add(new GaugesBlock);
     timeline_ = add(new TimelineBlock);
     topAppMemory_ = new TopAppMemoryBlock;
-    diskAutopilot_ =
-        makeDiskAutopilot(u"overview"_s, monitor_.actions().automation, state_.sections);
+    diskAutopilot_ = makeDiskAutopilot(u"overview"_s, monitor_.actions().automation,
+                                       monitor_.disk(), state_.sections);
     topOffender_ = new TopOffenderBlock;
     recentActivity_ = new RecentActivityBlock;
     add(new TwoColumns)
@@ -91,7 +92,9 @@ void OverviewPage::connectBlocks() {
 std::vector<Observable*> OverviewPage::shows() const {
     return {&monitor_.sample().observable(),        &monitor_.log().observable(),
             &monitor_.settingsOwner().observable(), &monitor_.actions().automation.observable(),
-            &monitor_.remote().scan.observable(),   &monitor_.advisor().provider.observable()};
+            &monitor_.remote().scan.observable(),   &monitor_.advisor().provider.observable(),
+            &monitor_.advisor().trust.observable(), &monitor_.disk().autopilot.observable(),
+            &monitor_.disk().storage.observable()};
 }
 
 std::vector<HeaderAction> OverviewPage::headerActions() {

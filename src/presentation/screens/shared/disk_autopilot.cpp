@@ -1,12 +1,13 @@
 #include "presentation/screens/shared/disk_autopilot.h"
 
 #include "actions/automation.h"
+#include "disk/disk.h"
 #include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/state/window_state.h"
 
 namespace tallowcrest {
 
-DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automation,
+DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automation, Disk& disk,
                                       DashboardSections& sections) {
     auto* block = new DiskAutopilotBlock(page);
     QObject::connect(
@@ -16,6 +17,17 @@ DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automatio
                      [&automation] { automation.engageEmergencyStop(); });
     QObject::connect(block, &DiskAutopilotBlock::resumeWanted, block,
                      [&automation] { automation.resumeFromEmergencyStop(); });
+    QObject::connect(block, &DiskAutopilotBlock::cleanupReviewWanted, block,
+                     [&disk] { disk.autopilot.reviewDiskCleanup(); });
+    QObject::connect(block, &DiskAutopilotBlock::cleanupStopWanted, block,
+                     [&disk] { disk.autopilot.stop(); });
+    QObject::connect(block, &DiskAutopilotBlock::offendersWanted, block,
+                     [&disk] { disk.storage.scanStorageAreas(); });
+    QObject::connect(block, &DiskAutopilotBlock::storageScanStopWanted, block,
+                     [&disk] { disk.storage.stop(); });
+    QObject::connect(
+        block, &DiskAutopilotBlock::revealWanted, block,
+        [&disk](const DiskStorageOffender& area) { disk.storage.revealStorageOffender(area); });
     return block;
 }
 

@@ -3,11 +3,18 @@
 #include <algorithm>
 
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
 
+#include "disk/disk_autopilot.h"
+#include "disk/storage_scan.h"
 #include "presentation/screens/shared/emergency_stop_controls.h"
+#include "presentation/screens/shared/progress_row.h"
+#include "presentation/screens/shared/storage_areas_list.h"
 #include "presentation/widgets/bar_list.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/disk_lines.h"
@@ -37,18 +44,48 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
     row->addWidget(lowWord_, 0, Qt::AlignTop);
     row->addWidget(status_, 1);
     bodyLayout()->addLayout(row);
+    trust_ = new ElidedLabel(onCard(&CrestFonts::caption), body());
+    trust_->setObjectName(objectName() + u"-trust"_s);
+    trust_->setLines(1, 2);
+    bodyLayout()->addWidget(trust_);
     rule_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), body());
     rule_->setObjectName(objectName() + u"-rule"_s);
     rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
+    makeActions(page);
     stop_ = new EmergencyStopControls(page, body());
     connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
     connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
+    areas_ = new StorageAreasList(page + u".storage-area"_s, body());
+    areas_->setPrevious(stop_->lastControl());
+    connect(areas_, &StorageAreasList::revealWanted, this, &DiskAutopilotBlock::revealWanted);
+    bodyLayout()->addWidget(areas_);
+}
+
+void DiskAutopilotBlock::makeActions(const QString& page) {
+    auto* actions = new FlowRow(spacing::unit, body());
+    review_ =
+        makeButton(u"Review Cleanup"_s, QString(), page + u".review-disk-cleanup"_s,
+                   u"Looks for old cache files and asks whether to move them to Trash"_s, actions);
+    find_ = makeButton(u"Find Offenders"_s, QString(), page + u".find-offenders"_s,
+                       u"Measures the large areas of the disk; changes nothing"_s, actions);
+    actions->addItem(review_);
+    actions->addItem(find_);
+    bodyLayout()->addWidget(actions);
+    cleanup_ = new ProgressRow(page + u".cleanup-progress"_s, u"the cleanup"_s, body());
+    storageScan_ = new ProgressRow(page + u".scan-progress"_s, u"the storage scan"_s, body());
+    bodyLayout()->addWidget(cleanup_);
+    bodyLayout()->addWidget(storageScan_);
+    connect(review_, &QPushButton::clicked, this, &DiskAutopilotBlock::cleanupReviewWanted);
+    connect(find_, &QPushButton::clicked, this, &DiskAutopilotBlock::offendersWanted);
+    connect(cleanup_, &ProgressRow::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
+    connect(storageScan_, &ProgressRow::stopWanted, this,
+            &DiskAutopilotBlock::storageScanStopWanted);
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
-    const auto& [snapshot, settings, status, caches] = facts;
+    const auto& [snapshot, settings, status, caches, trust, autopilot, storage] = facts;
     const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
     // A collapsed section still shows what needs attention.
     header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
@@ -65,7 +102,25 @@ void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     lowWord_->setVisible(isLow);
     status_->setText(dashboard_text::text(status));
     stop_->setEngaged(settings.automationEmergencyStopEngaged);
+    trust_->setText(diskTrustLine(trust));
     rule_->setText(diskRule(settings, caches));
+    showProgress(facts);
+    areas_->show(storage.diskStorageOffenders);
+}
+
+void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {
+    const DiskAutopilotState& autopilot = facts.autopilot;
+    cleanup_->show(autopilot.cleanup ? cleanupLine(*autopilot.cleanup)
+                   : autopilot.scan  ? searchLine(u"Looking for old cache files"_s, *autopilot.scan)
+                                     : QString(),
+                   autopilot.isStopping);
+    const StorageScanState& storage = facts.storage;
+    storageScan_->show(
+        storage.diskStorageScanInProgress ? storageScanLine(storage.progress) : QString(),
+        storage.isStopping);
+    // A review also takes over a check that is under way.
+    setButtonEnabled(*review_, !autopilot.cleanup);
+    setButtonEnabled(*find_, !storage.diskStorageScanInProgress);
 }
 
 }  // namespace tallowcrest

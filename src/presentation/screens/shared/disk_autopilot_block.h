@@ -3,14 +3,19 @@
 #include "presentation/screens/shared/overview_block.h"
 #include "presentation/state/automation_facts.h"
 
+class QPushButton;
+
 namespace tallowcrest {
 
 class BarList;
 class EmergencyStopControls;
 class IconView;
+class ProgressRow;
+class StorageAreasList;
+struct DiskStorageOffender;
 
-/// How full the home volume is, the status and the rule of Disk Autopilot, and the emergency stop.
-/// Main thread.
+/// How full the home volume is, the status, the trust and the rule of Disk Autopilot, what it does
+/// at the moment, the measured areas of the disk, and the emergency stop. Main thread.
 class DiskAutopilotBlock final : public OverviewBlock {
     Q_OBJECT
 
@@ -26,13 +31,29 @@ signals:
     void stopWanted();
     /// The owner pressed "Resume Manual Mode".
     void resumeWanted();
+    // The owner pressed the button of that name.
+    void cleanupReviewWanted();
+    void cleanupStopWanted();
+    void offendersWanted();
+    void storageScanStopWanted();
+    /// The owner pressed "Reveal" of this area.
+    void revealWanted(const tallowcrest::DiskStorageOffender& area);
 
 private:
+    void makeActions(const QString& page);
+    void showProgress(const DiskAutopilotFacts& facts);
+
     BarList* space_ = nullptr;
     IconView* lowIcon_ = nullptr;
     ElidedLabel* lowWord_ = nullptr;
     ElidedLabel* status_ = nullptr;
+    ElidedLabel* trust_ = nullptr;
     ElidedLabel* rule_ = nullptr;
+    QPushButton* review_ = nullptr;
+    QPushButton* find_ = nullptr;
+    ProgressRow* cleanup_ = nullptr;
+    ProgressRow* storageScan_ = nullptr;
+    StorageAreasList* areas_ = nullptr;
     EmergencyStopControls* stop_ = nullptr;
 };
 

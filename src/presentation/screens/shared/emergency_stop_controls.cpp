@@ -44,4 +44,8 @@ void EmergencyStopControls::setEngaged(bool isEngaged) {
     resume_->setVisible(isEngaged);
 }
 
+QWidget* EmergencyStopControls::lastControl() const {
+    return resume_;
+}
+
 }  // namespace tallowcrest

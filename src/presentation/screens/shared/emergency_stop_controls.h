@@ -20,6 +20,8 @@ public:
 
     /// Shows "Resume Manual Mode" only while the stop is engaged.
     void setEngaged(bool isEngaged);
+    /// The one that the Tab key reaches last.
+    QWidget* lastControl() const;
 
 signals:
     /// The owner pressed the emergency stop.

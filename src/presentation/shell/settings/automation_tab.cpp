@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/limit_row.h"
 #include "presentation/widgets/theme.h"
@@ -73,6 +75,11 @@ QWidget* AutomationTab::makeDiskAutopilot(QWidget* switches) {
              &Settings::diskCleanupAgeDays, days);
     addLimit(*card, "Maximum per run", "GB", "settings.disk-maximum", maximumRunScale,
              &Settings::diskMaxCleanupGB, gigabytes);
+    auto* review = makeButton(
+        u"Review Eligible Cache Files"_s, u"internaldrive"_s, u"settings.review-cache-files"_s,
+        u"Looks for old cache files and asks whether to move them to Trash"_s, card);
+    connect(review, &QPushButton::clicked, this, &AutomationTab::cleanupReviewWanted);
+    card->contentLayout()->addWidget(review, 0, Qt::AlignLeft);
     return card;
 }
 

@@ -27,6 +27,8 @@ public:
 signals:
     /// The owner moved a limit. The receiver calls `show`, because the stored value may be clamped.
     void limitMoved(tallowcrest::AutomationTab::Limit limit, double value);
+    /// The owner pressed "Review Eligible Cache Files".
+    void cleanupReviewWanted();
 
 private:
     QWidget* makeRules(QWidget* switches);

@@ -18,6 +18,7 @@
 #include "core/activity_log.h"
 #include "core/secret_text.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/automation_toggles.h"
@@ -266,6 +267,8 @@ void SettingsSheet::addAutomation() {
                 monitor_.settingsOwner().set(limit, value);
                 automation_->show(monitor_.settings());
             });
+    connect(automation_, &AutomationTab::cleanupReviewWanted, this,
+            [this] { monitor_.disk().autopilot.reviewDiskCleanup(); });
     addTab(SettingsTabKind::automation, "Automation", "settings.tab.automation",
            "What may act by itself, and how far it may go", automation_, [this, rules, disk] {
                rules->show(automationFacts(monitor_));

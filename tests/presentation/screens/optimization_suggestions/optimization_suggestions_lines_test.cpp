@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "disk/personal_files.h"
 #include "tests/presentation/scoped_locale.h"
 #include "tests/support/each_of.h"
 
@@ -90,6 +91,29 @@ TEST_F(OptimizationSuggestionsLines, TheTitleOfTheAnalysis) {
     EXPECT_EQ(lines::analysisTitle(true, false), u"AI Analyze"_s);
     EXPECT_EQ(lines::analysisTitle(true, true), u"Analyzing"_s);
     EXPECT_EQ(lines::analysisTitle(false, true), u"Analyzing"_s);
+}
+
+TEST_F(OptimizationSuggestionsLines, AFileHasItsShareOfTheLargest) {
+    EXPECT_TRUE(lines::personalFileLines({}).empty());
+    const auto files = lines::personalFileLines(
+        {{.title = "a\nb", .detail = "~/Downloads", .bytes = 400 * 1048576},
+         {.title = std::string(5000, 'n') + ".iso", .bytes = 100 * 1048576}});
+    EXPECT_THAT(eachOf(files, &lines::PersonalFileLine::percent), ElementsAre(100, 25));
+    EXPECT_EQ(files[0].title, u"a\uFFFDb"_s);
+    EXPECT_EQ(files[0].size, u"400 MB"_s);
+    EXPECT_LT(files[1].title.size(), 300);
+    EXPECT_TRUE(files[1].title.endsWith(u".iso"_s));
+}
+
+TEST_F(OptimizationSuggestionsLines, ABackupHasNoFiguresUntilItHasBegun) {
+    EXPECT_EQ(lines::backupLine({.title = "film.mkv"}), u"Backing up film.mkv"_s);
+    EXPECT_EQ(lines::backupLine({.title = "film.mkv", .copied = 0, .all = 1073741824}),
+              u"Backing up film.mkv · 0 MB of 1.0 GB"_s);
+}
+
+TEST_F(OptimizationSuggestionsLines, TheTitleOfTheStorageAnalysis) {
+    EXPECT_EQ(lines::storageAnalysisTitle(false), u"Analyze Storage"_s);
+    EXPECT_EQ(lines::storageAnalysisTitle(true), u"Analyzing"_s);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "presentation/screens/overview/timeline_block.h"
 #include "presentation/screens/overview/top_app_memory_block.h"
 #include "presentation/screens/overview/top_offender_block.h"
-#include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/figure_row.h"
 #include "presentation/widgets/gauge_card.h"
@@ -175,70 +174,6 @@ TEST_F(OverviewBlockTest, TopAppMemoryGrowsAtOnceAndShrinksLater) {
     }
     tick(2);
     EXPECT_EQ(heightOf(block), waiting);
-}
-
-// Disk -------------------------------------------------------------------------------------------
-
-class DiskAutopilotBlockTest : public OverviewBlockTest {
-protected:
-    void show() { block.show({snapshot, settings, "Disk Autopilot is off.", "~/.cache"}); }
-
-    Settings settings;
-    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s));
-};
-
-TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
-    show();
-    const auto* space = block.findChild<BarList*>();
-    EXPECT_EQ(space->accessibleValue(), u"Sampling this Mac..."_s);
-    sample().disk = {200.0, 50.0};
-    show();
-    EXPECT_EQ(space->rows(), (std::vector<BarRow>{{u"50.0 GB free"_s, u"75% used"_s, 0.75}}));
-    EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
-    sample().disk = {};
-    show();
-    EXPECT_EQ(space->accessibleValue(), u"The size of the home volume could not be read."_s);
-}
-
-TEST_F(DiskAutopilotBlockTest, LowSpaceIsShownByWordAndColor) {
-    sample().disk = {200.0, 20.1};
-    show();
-    EXPECT_EQ(visible("overview.disk-autopilot-low"), nullptr);
-    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(),
-                StartsWith("Only regular files older than 30 days inside ~/.cache are eligible."));
-    const int height = heightOf(block);
-    auto* space = block.findChild<BarList*>();
-    const auto barColor = [space] {
-        const QImage shot = space->grab().toImage();
-        return shot.pixelColor(shot.width() / 2, shot.height() / 2);
-    };
-    EXPECT_EQ(barColor(), CrestTheme::current().secondaryText);
-    snapshot->disk.freeGB = 20.0;
-    show();
-    EXPECT_EQ(textOf("overview.disk-autopilot-low"), u"Low"_s);
-    EXPECT_EQ(barColor(), CrestTheme::current().caution);
-    EXPECT_EQ(heightOf(block), height);
-    EXPECT_EQ(block.header()->note(), QString());
-    block.setCollapsed(true);
-    show();
-    EXPECT_EQ(block.header()->note(), u"Low"_s);
-    snapshot->disk.freeGB = 100.0;
-    show();
-    EXPECT_EQ(block.header()->note(), QString());
-}
-
-TEST_F(DiskAutopilotBlockTest, EmitsStopAndResume) {
-    const QSignalSpy stops(&block, &DiskAutopilotBlock::stopWanted);
-    const QSignalSpy resumes(&block, &DiskAutopilotBlock::resumeWanted);
-    show();
-    EXPECT_EQ(visible("overview.resume-manual-mode"), nullptr);
-    click("overview.emergency-stop");
-    EXPECT_EQ(stops.count(), 1);
-    settings.automationEmergencyStopEngaged = true;
-    show();
-    click("overview.resume-manual-mode");
-    EXPECT_EQ(resumes.count(), 1);
-    EXPECT_EQ(stops.count(), 1);
 }
 
 // The top offender -------------------------------------------------------------------------------

@@ -168,7 +168,8 @@ TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
           {SettingsTabKind::automation,
            "settings.tab.automation settings.warning-threshold settings.auto-select "
            "settings.auto-purge settings.auto-scan settings.include-linux settings.disk-autopilot "
-           "settings.disk-minimum-free settings.disk-cache-age settings.disk-maximum"},
+           "settings.disk-minimum-free settings.disk-cache-age settings.disk-maximum "
+           "settings.review-cache-files"},
           {SettingsTabKind::safety,
            "settings.tab.safety settings.emergency-stop.engage "
            "settings.never-quit.remove.Docker settings.never-quit.remove.Mail"}}) {

@@ -1,0 +1,63 @@
+#include "presentation/screens/shared/progress_row.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+
+#include "presentation/widgets/button.h"
+#include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+constexpr int shortestInterval = 100;  // milliseconds
+
+}  // namespace
+
+ProgressRow::ProgressRow(const QString& identifier, const QString& what, QWidget* parent)
+    : QWidget(parent) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing::unit);
+    words_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
+    words_->setObjectName(identifier);
+    words_->setElideMode(Qt::ElideMiddle);
+    layout->addWidget(words_, 1);
+    stop_ = makeButton(u"Stop"_s, QString(), identifier + u"-stop"_s,
+                       u"Keeps what is done so far"_s, this);
+    stop_->setAccessibleName(u"Stop "_s + what);
+    layout->addWidget(stop_);
+    connect(stop_, &QPushButton::clicked, this, &ProgressRow::stopWanted);
+    due_.setSingleShot(true);
+    connect(&due_, &QTimer::timeout, this, &ProgressRow::showLatest);
+    hide();
+}
+
+void ProgressRow::show(const QString& text, bool isStopping) {
+    setButtonEnabled(*stop_, !isStopping);
+    latest_ = isStopping ? u"Stopping…"_s : text;
+    if (text.isEmpty()) {
+        due_.stop();
+        sinceShown_.invalidate();
+        hide();
+        return;
+    }
+    const qint64 elapsed = sinceShown_.isValid() ? sinceShown_.elapsed() : shortestInterval;
+    if (elapsed >= shortestInterval || isStopping) {
+        showLatest();
+    } else if (!due_.isActive()) {
+        due_.start(static_cast<int>(shortestInterval - elapsed));
+    }
+    setVisible(true);
+}
+
+void ProgressRow::showLatest() {
+    if (words_->text() != latest_) {
+        words_->setText(latest_);
+        sinceShown_.start();
+    }
+}
+
+}  // namespace tallowcrest

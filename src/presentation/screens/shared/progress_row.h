@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+class QPushButton;
+
+namespace tallowcrest {
+
+class ElidedLabel;
+
+/// What is under way, how far it is, and a button that stops it. Hidden while nothing is. However
+/// often it is given a new text, it shows at most ten a second. For use on a card. Main thread.
+class ProgressRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `identifier` is the object name of the text; that of the button ends in "-stop". `what` ends
+    /// the accessible name of the button, "Stop the scan".
+    ProgressRow(const QString& identifier, const QString& what, QWidget* parent = nullptr);
+
+    /// An empty `text` hides the row. While stopping, the button is disabled.
+    void show(const QString& text, bool isStopping);
+    QPushButton* stopButton() const { return stop_; }
+
+signals:
+    /// The owner pressed "Stop".
+    void stopWanted();
+
+private:
+    void showLatest();
+
+    ElidedLabel* words_ = nullptr;
+    QPushButton* stop_ = nullptr;
+    QString latest_;
+    QElapsedTimer sinceShown_;
+    QTimer due_;
+};
+
+}  // namespace tallowcrest

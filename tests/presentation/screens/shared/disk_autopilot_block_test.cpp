@@ -1,0 +1,216 @@
+#include "presentation/screens/shared/disk_autopilot_block.h"
+
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "disk/disk_autopilot.h"
+#include "disk/storage_scan.h"
+#include "presentation/widgets/bar_list.h"
+#include "presentation/widgets/level_bar.h"
+#include "tests/presentation/screens/shared/block_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class DiskAutopilotBlockTest : public OverviewBlockTest {
+protected:
+    void show() {
+        block.show(
+            {snapshot, settings, "Disk Autopilot is off.", "~/.cache", trust, autopilot, storage});
+        settle();
+    }
+    QPushButton& button(const char* name) { return *visible<QPushButton>(name); }
+
+    Settings settings;
+    DiskTrust trust;
+    DiskAutopilotState autopilot;
+    StorageScanState storage;
+    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s));
+};
+
+TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
+    show();
+    const auto* space = block.findChild<BarList*>();
+    EXPECT_EQ(space->accessibleValue(), u"Sampling this Mac..."_s);
+    sample().disk = {200.0, 50.0};
+    show();
+    EXPECT_EQ(space->rows(), (std::vector<BarRow>{{u"50.0 GB free"_s, u"75% used"_s, 0.75}}));
+    EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
+    sample().disk = {};
+    show();
+    EXPECT_EQ(space->accessibleValue(), u"The size of the home volume could not be read."_s);
+}
+
+TEST_F(DiskAutopilotBlockTest, LowSpaceIsShownByWordAndColor) {
+    sample().disk = {200.0, 20.1};
+    show();
+    EXPECT_EQ(visible("overview.disk-autopilot-low"), nullptr);
+    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(),
+                StartsWith("Only regular files older than 30 days inside ~/.cache are eligible."));
+    const int height = heightOf(block);
+    auto* space = block.findChild<BarList*>();
+    const auto barColor = [space] {
+        const QImage shot = space->grab().toImage();
+        return shot.pixelColor(shot.width() / 2, shot.height() / 2);
+    };
+    EXPECT_EQ(barColor(), CrestTheme::current().secondaryText);
+    snapshot->disk.freeGB = 20.0;
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-low"), u"Low"_s);
+    EXPECT_EQ(barColor(), CrestTheme::current().caution);
+    EXPECT_EQ(heightOf(block), height);
+    EXPECT_EQ(block.header()->note(), QString());
+    block.setCollapsed(true);
+    show();
+    EXPECT_EQ(block.header()->note(), u"Low"_s);
+    snapshot->disk.freeGB = 100.0;
+    show();
+    EXPECT_EQ(block.header()->note(), QString());
+}
+
+TEST_F(DiskAutopilotBlockTest, EmitsStopAndResume) {
+    const QSignalSpy stops(&block, &DiskAutopilotBlock::stopWanted);
+    const QSignalSpy resumes(&block, &DiskAutopilotBlock::resumeWanted);
+    show();
+    EXPECT_EQ(visible("overview.resume-manual-mode"), nullptr);
+    click("overview.emergency-stop");
+    EXPECT_EQ(stops.count(), 1);
+    settings.automationEmergencyStopEngaged = true;
+    show();
+    click("overview.resume-manual-mode");
+    EXPECT_EQ(resumes.count(), 1);
+    EXPECT_EQ(stops.count(), 1);
+}
+
+TEST_F(DiskAutopilotBlockTest, SaysHowFarTheTrustIs) {
+    sample();
+    trust = {2, 64};
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-trust"),
+              u"Learning 2 of 3 runs · 64% of 75% trust"_s);
+    trust = {3, 78};
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-trust"), u"Autonomy unlocked"_s);
+}
+
+TEST_F(DiskAutopilotBlockTest, EmitsWhatItsButtonsAskFor) {
+    const QSignalSpy reviews(&block, &DiskAutopilotBlock::cleanupReviewWanted);
+    const QSignalSpy scans(&block, &DiskAutopilotBlock::offendersWanted);
+    const QSignalSpy stops(&block, &DiskAutopilotBlock::cleanupStopWanted);
+    const QSignalSpy scanStops(&block, &DiskAutopilotBlock::storageScanStopWanted);
+    sample();
+    show();
+    EXPECT_EQ(visible("overview.cleanup-progress"), nullptr);
+    EXPECT_EQ(visible("overview.scan-progress"), nullptr);
+    click("overview.review-disk-cleanup");
+    click("overview.find-offenders");
+    EXPECT_EQ(reviews.count(), 1);
+    EXPECT_EQ(scans.count(), 1);
+    autopilot.cleanup = CleanupProgress{12, 40, 11, 80 * 1048576};
+    storage.diskStorageScanInProgress = true;
+    storage.progress = {3, 19};
+    show();
+    EXPECT_EQ(textOf("overview.cleanup-progress"), u"Moving to Trash · 12 of 40 files · 80 MB"_s);
+    EXPECT_EQ(textOf("overview.scan-progress"), u"Measuring · 3 of 19 areas"_s);
+    EXPECT_FALSE(button("overview.review-disk-cleanup").isEnabled());
+    EXPECT_FALSE(button("overview.find-offenders").isEnabled());
+    click("overview.cleanup-progress-stop");
+    click("overview.scan-progress-stop");
+    EXPECT_EQ(stops.count(), 1);
+    EXPECT_EQ(scanStops.count(), 1);
+    autopilot.isStopping = true;
+    show();
+    EXPECT_EQ(textOf("overview.cleanup-progress"), u"Stopping…"_s);
+    EXPECT_FALSE(button("overview.cleanup-progress-stop").isEnabled());
+    EXPECT_TRUE(button("overview.scan-progress-stop").isEnabled());
+    autopilot = {};
+    storage.diskStorageScanInProgress = false;
+    show();
+    EXPECT_EQ(visible("overview.cleanup-progress"), nullptr);
+    EXPECT_TRUE(button("overview.review-disk-cleanup").isEnabled());
+}
+
+TEST_F(DiskAutopilotBlockTest, ABurstOfProgressChangesItsLineOnlyAtTimesAndEndsWithTheLatest) {
+    sample();
+    autopilot.cleanup = CleanupProgress{0, 1000, 0, 0};
+    show();
+    auto* line = visible<ElidedLabel>("overview.cleanup-progress");
+    PaintCount others(*visible("overview.disk-autopilot-rule"));
+    int changes = 0;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (std::size_t done = 1; done <= 1000; ++done) {
+        const QString before = line->text();
+        autopilot.cleanup->done = done;
+        block.show(
+            {snapshot, settings, "Disk Autopilot is off.", "~/.cache", trust, autopilot, storage});
+        changes += line->text() != before ? 1 : 0;
+    }
+    EXPECT_LE(changes, 1 + elapsed.elapsed() / 100);
+    EXPECT_TRUE(QTest::qWaitFor([line] { return line->text().contains(u"1,000 of 1,000"_s); }));
+    EXPECT_EQ(others.take(), 0);
+}
+
+TEST_F(DiskAutopilotBlockTest, RanksTheMeasuredAreas) {
+    qRegisterMetaType<DiskStorageOffender>("tallowcrest::DiskStorageOffender");
+    sample();
+    show();
+    EXPECT_EQ(textOf("overview.storage-area-heading"), u"Largest Measured Storage Areas"_s);
+    EXPECT_THAT(textOf("overview.storage-area-hint").toStdString(),
+                StartsWith("Choose Find Offenders to rank large user storage areas."));
+    EXPECT_EQ(visible("overview.storage-area-1"), nullptr);
+    const std::int64_t gigabyte = 1073741824;
+    storage.diskStorageOffenders = {{"Other / inaccessible data", "/", 40 * gigabyte},
+                                    {"Bad\nname <b>", "/home/owner/Videos", 10 * gigabyte}};
+    show();
+    EXPECT_EQ(textOf("overview.storage-area-1.name"), u"Other / inaccessible data"_s);
+    EXPECT_EQ(textOf("overview.storage-area-1.size"), u"40.0 GB"_s);
+    EXPECT_THAT(textOf("overview.storage-area-1.path").toStdString(),
+                StartsWith("Used space that is in none of the measured areas"));
+    EXPECT_EQ(textOf("overview.storage-area-2.name"), u"Bad\uFFFDname <b>"_s);
+    EXPECT_EQ(textOf("overview.storage-area-2.path"), u"/home/owner/Videos"_s);
+    EXPECT_THAT(textOf("overview.storage-area-note").toStdString(),
+                AllOf(StartsWith("“Other / inaccessible data” includes unreadable folders"),
+                      HasSubstr("Grant Full Disk Access to Tallowcrest")));
+    const QSignalSpy reveals(&block, &DiskAutopilotBlock::revealWanted);
+    click("overview.storage-area-2.reveal");
+    ASSERT_EQ(reveals.count(), 1);
+    EXPECT_EQ(reveals.at(0).at(0).value<DiskStorageOffender>(), storage.diskStorageOffenders[1]);
+    const QWidget* row = visible("overview.storage-area-1");
+    PaintCount rowPaints(*visible("overview.storage-area-1.name"));
+    sample();
+    show();
+    EXPECT_EQ(visible("overview.storage-area-1"), row);
+    EXPECT_EQ(rowPaints.take(), 0);
+    storage.diskStorageOffenders.resize(1);
+    show();
+    EXPECT_EQ(visible("overview.storage-area-2"), nullptr);
+}
+
+TEST_F(DiskAutopilotBlockTest, TheTabKeyReachesTheRowsBehindTheButtonsAbove) {
+    sample();
+    auto* after = new QPushButton(u"After"_s, &page);
+    after->show();
+    storage.diskStorageOffenders = {{"Trash", "/a", 2}, {"Mail", "/b", 1}};
+    show();
+    QStringList order;
+    const QWidget* control = visible("overview.emergency-stop");
+    while (order.size() < 2) {
+        control = control->nextInFocusChain();
+        if (control->isVisible() && control->focusPolicy() != Qt::NoFocus) {
+            order.append(control->objectName());
+        }
+    }
+    EXPECT_EQ(order.join(u' '), u"overview.storage-area-1.reveal overview.storage-area-2.reveal"_s);
+}
+
+}  // namespace
+}  // namespace tallowcrest
