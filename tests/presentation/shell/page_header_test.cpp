@@ -38,7 +38,7 @@ TEST_F(PageHeaderTest, EachRouteHasItsActionsBeforeRefresh) {
         {AppRoute::overview, "Local Analyze|Review Cleanup|Refresh"},
         {AppRoute::load, "Select Top|Activity|Refresh"},
         {AppRoute::optimize, "Select Top|Top App|Purge|Activity|Refresh"},
-        {AppRoute::optimizationSuggestions, "Refresh"},
+        {AppRoute::optimizationSuggestions, "Analyze Storage|Refresh"},
         {AppRoute::aiAdvisor, "Local Analyze|Open Chat|Refresh"},
         {AppRoute::chat, "Send|Clear|Refresh"},
         {AppRoute::remoteMacs, "Scan Remotes|Open Tailscale|Refresh"},

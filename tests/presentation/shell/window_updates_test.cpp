@@ -60,6 +60,9 @@ enum class Source {
     provider,
     suggestions,
     trust,
+    diskAutopilot,
+    storageScan,
+    personalFiles,
     drafts,
     chat,
 };
@@ -71,19 +74,23 @@ constexpr std::array allSources{
     Source::rules,          Source::automation,     Source::review,   Source::actions,
     Source::desk,           Source::navigation,     Source::tailnet,  Source::remoteScan,
     Source::remoteProfiles, Source::remoteActions,  Source::provider, Source::suggestions,
-    Source::trust,          Source::drafts,         Source::chat};
+    Source::trust,          Source::drafts,         Source::chat,     Source::diskAutopilot,
+    Source::storageScan,    Source::personalFiles};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
     switch (route) {
         case AppRoute::overview:
-            return {sample, log, settings, automation, remoteScan, provider};
+            return {sample,   log,   settings,      automation, remoteScan,
+                    provider, trust, diskAutopilot, storageScan};
         case AppRoute::load:
             return {sample, processDetails, review, settings, navigation};
         case AppRoute::optimize:
-            return {sample, processDetails, review, settings, actions, automation};
+            return {sample,     processDetails, review,        settings,   actions,
+                    automation, trust,          diskAutopilot, storageScan};
         case AppRoute::optimizationSuggestions:
-            return {sample, settings, automation, provider};
+            return {sample, settings,      automation,  provider,
+                    trust,  diskAutopilot, storageScan, personalFiles};
         case AppRoute::aiAdvisor:
             return {sample, settings, provider, suggestions, trust, drafts};
         case AppRoute::chat:
@@ -165,6 +172,12 @@ protected:
                 return monitor.advisor().drafts.observable();
             case Source::chat:
                 return monitor.advisor().chat.observable();
+            case Source::diskAutopilot:
+                return monitor.disk().autopilot.observable();
+            case Source::storageScan:
+                return monitor.disk().storage.observable();
+            case Source::personalFiles:
+                return monitor.disk().files.observable();
         }
         throw std::logic_error("no such source");
     }

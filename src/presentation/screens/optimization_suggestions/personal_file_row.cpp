@@ -26,7 +26,7 @@ PersonalFileRow::PersonalFileRow(const QString& identifier, QWidget* parent) : Q
     };
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, spacing::unit + 1, 0, spacing::unit / 2);
-    layout->setSpacing(2);
+    layout->setSpacing(spacing::unit / 2);
     auto* head = new QHBoxLayout;
     head->setSpacing(spacing::gap);
     // The end of a name has its extension.

@@ -65,19 +65,19 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
 
 void DiskAutopilotBlock::makeActions(const QString& page) {
     auto* actions = new FlowRow(spacing::unit, body());
-    review_ =
+    auto* review =
         makeButton(u"Review Cleanup"_s, QString(), page + u".review-disk-cleanup"_s,
                    u"Looks for old cache files and asks whether to move them to Trash"_s, actions);
     find_ = makeButton(u"Find Offenders"_s, QString(), page + u".find-offenders"_s,
                        u"Measures the large areas of the disk; changes nothing"_s, actions);
-    actions->addItem(review_);
+    actions->addItem(review);
     actions->addItem(find_);
     bodyLayout()->addWidget(actions);
     cleanup_ = new ProgressRow(page + u".cleanup-progress"_s, u"the cleanup"_s, body());
     storageScan_ = new ProgressRow(page + u".scan-progress"_s, u"the storage scan"_s, body());
     bodyLayout()->addWidget(cleanup_);
     bodyLayout()->addWidget(storageScan_);
-    connect(review_, &QPushButton::clicked, this, &DiskAutopilotBlock::cleanupReviewWanted);
+    connect(review, &QPushButton::clicked, this, &DiskAutopilotBlock::cleanupReviewWanted);
     connect(find_, &QPushButton::clicked, this, &DiskAutopilotBlock::offendersWanted);
     connect(cleanup_, &ProgressRow::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
     connect(storageScan_, &ProgressRow::stopWanted, this,
@@ -118,8 +118,6 @@ void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {
     storageScan_->show(
         storage.diskStorageScanInProgress ? storageScanLine(storage.progress) : QString(),
         storage.isStopping);
-    // A review also takes over a check that is under way.
-    setButtonEnabled(*review_, !autopilot.cleanup);
     setButtonEnabled(*find_, !storage.diskStorageScanInProgress);
 }
 

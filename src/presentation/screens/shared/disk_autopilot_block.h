@@ -49,7 +49,6 @@ private:
     ElidedLabel* status_ = nullptr;
     ElidedLabel* trust_ = nullptr;
     ElidedLabel* rule_ = nullptr;
-    QPushButton* review_ = nullptr;
     QPushButton* find_ = nullptr;
     ProgressRow* cleanup_ = nullptr;
     ProgressRow* storageScan_ = nullptr;

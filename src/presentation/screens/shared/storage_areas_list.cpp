@@ -19,7 +19,7 @@ StorageAreaRow::StorageAreaRow(const QString& identifier, QWidget* parent) : QWi
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, spacing::unit / 2, 0, spacing::unit / 2);
     grid->setHorizontalSpacing(spacing::gap);
-    grid->setVerticalSpacing(2);
+    grid->setVerticalSpacing(spacing::unit / 2);
     name_ = new ElidedLabel(onCard(&CrestFonts::body), this);
     name_->setObjectName(identifier + u".name"_s);
     size_ = new ElidedLabel(onCard(&CrestFonts::body), this);
@@ -60,7 +60,7 @@ QWidget* StorageAreaRow::lastControl() const {
 StorageAreasList::StorageAreasList(const QString& identifier, QWidget* parent)
     : QWidget(parent), identifier_(identifier) {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins(0, spacing::unit, 0, 0);
     layout->setSpacing(spacing::unit);
     auto* heading =
         new ElidedLabel(u"Largest Measured Storage Areas"_s, onCard(&CrestFonts::heading), this);

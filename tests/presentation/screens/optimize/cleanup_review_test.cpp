@@ -242,6 +242,8 @@ TEST_F(CleanupReviewTest, IsNotUpdatedWhileAnotherRouteIsShown) {
 }
 
 TEST_F(CleanupReviewTest, AnUnrelatedChangeNeitherPaintsNorAnnounces) {
+    // Wide enough for two columns: the card is in view.
+    window().resize(1600, 1000);
     showCleanup();
     select(800);
     PaintCount paints(*visible("cleanup.offender"));

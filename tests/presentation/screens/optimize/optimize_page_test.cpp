@@ -229,10 +229,11 @@ TEST_F(OptimizePageTest, TabFollowsTheVisualOrder) {
     machine.monitor().actions().review.selectTopApp();
     settle();
     visible("optimize.cleanup")->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(tabOrder(11),
+    EXPECT_EQ(tabOrder(13),
               u"optimize.cleanup cleanup.suggest-safe-target cleanup.select-top-app "
               "cleanup.purge-caches cleanup.activity-monitor "
-              "section.autoRules cleanup.emergency-stop cleanup.quit-process "
+              "section.autoRules cleanup.review-disk-cleanup cleanup.find-offenders "
+              "cleanup.emergency-stop cleanup.quit-process "
               "cleanup.quit-app cleanup.never-quit cleanup.helpers"_s);
 }
 
@@ -302,8 +303,9 @@ TEST_F(OptimizePageTest, EveryControlHasANameADescriptionAndAnIdentifier) {
         EXPECT_TRUE(identifiers.insert(button->objectName()).second)
             << button->objectName().toStdString();
     }
-    EXPECT_EQ(controls, 13) << "four steps, four actions, the section, the stop, two that quit and "
-                               "Never Quit";
+    EXPECT_EQ(controls, 15)
+        << "four steps, four actions, the section, its two, the stop, two that quit and "
+           "Never Quit";
 }
 
 }  // namespace

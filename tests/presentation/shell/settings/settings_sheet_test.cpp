@@ -260,7 +260,7 @@ TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
                 << each->objectName().toStdString();
         }
     }
-    EXPECT_EQ(controls.size(), 33U);
+    EXPECT_EQ(controls.size(), 34U);
 }
 
 // Sizes ------------------------------------------------------------------------------------------
