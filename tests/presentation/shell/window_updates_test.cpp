@@ -20,6 +20,7 @@
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/shell/confirmation_dialog.h"

@@ -14,7 +14,6 @@
 #include "presentation/widgets/bar_list.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
-#include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/disk_lines.h"
@@ -64,15 +63,17 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
 }
 
 void DiskAutopilotBlock::makeActions(const QString& page) {
-    auto* actions = new FlowRow(spacing::unit, body());
+    auto* actions = new QHBoxLayout;
+    actions->setSpacing(spacing::unit);
     auto* review =
         makeButton(u"Review Cleanup"_s, QString(), page + u".review-disk-cleanup"_s,
-                   u"Looks for old cache files and asks whether to move them to Trash"_s, actions);
+                   u"Looks for old cache files and asks whether to move them to Trash"_s, body());
     find_ = makeButton(u"Find Offenders"_s, QString(), page + u".find-offenders"_s,
-                       u"Measures the large areas of the disk; changes nothing"_s, actions);
-    actions->addItem(review);
-    actions->addItem(find_);
-    bodyLayout()->addWidget(actions);
+                       u"Measures the large areas of the disk; changes nothing"_s, body());
+    actions->addWidget(review);
+    actions->addWidget(find_);
+    actions->addStretch(1);
+    bodyLayout()->addLayout(actions);
     cleanup_ = new ProgressRow(page + u".cleanup-progress"_s, u"the cleanup"_s, body());
     storageScan_ = new ProgressRow(page + u".scan-progress"_s, u"the storage scan"_s, body());
     bodyLayout()->addWidget(cleanup_);
