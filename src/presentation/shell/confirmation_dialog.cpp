@@ -168,7 +168,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     detailsToggle_->setToolTip(details.description);
     const int wanted = details_->heightForWidth(dialogWidth - 2 * spacing::pagePadding);
     detailsArea_->setFixedHeight(std::min(detailsHeight, wanted + spacing::unit));
-    detailsToggle_->parentWidget()->setVisible(!details.text.isEmpty());
+    detailsToggle_->parentWidget()->setVisible(!details_->shownText().isEmpty());
     showDetails(details.areShown);
     setAccessibleDescription(confirmation_lines::unreadLines(shownTexts()).join(u'\n'));
     if (isVisible()) {

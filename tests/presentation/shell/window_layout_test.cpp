@@ -249,6 +249,8 @@ TEST_F(WindowLayoutTest, ANewSampleMovesNothing) {
     for (const AppRoute each : {AppRoute::overview, AppRoute::load}) {
         goTo(each);
         sample(400.0, 100.0, 15.9);
+        // Nested layouts reach the page one turn after the other.
+        settle();
         std::vector<std::pair<QWidget*, QRect>> before;
         for (QWidget* widget : visibleWidgets()) {
             if (qobject_cast<QScrollBar*>(widget) == nullptr) {
@@ -279,6 +281,8 @@ TEST_F(WindowLayoutTest, AChangeOfLoadDoesNotMoveTheBlocksOfTheOverview) {
     // Starts with the most recommendations, because one without reserved room moves the blocks
     // below.
     sample(400.0, 100.0);
+    // Nested layouts reach the page one turn after the other.
+    settle();
     std::vector<std::pair<Card*, QRect>> before;
     for (Card* card : visibleOf<Card>()) {
         before.emplace_back(card, card->geometry());
