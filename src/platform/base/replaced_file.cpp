@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
 
 namespace tallowcrest {
 namespace {
@@ -21,21 +22,6 @@ std::string words(int error) {
 
 std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : ".";
-}
-
-/// Returns 0 or the error number.
-int writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return written < 0 ? errno : EIO;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
 }
 
 }  // namespace

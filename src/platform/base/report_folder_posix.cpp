@@ -13,6 +13,7 @@
 #include "core/uuid.h"
 #include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
 
 namespace tallowcrest {
 namespace {
@@ -22,21 +23,6 @@ constexpr mode_t everyoneMayRun = 0755;
 
 Outcome failure(int error) {
     return Outcome::failed(std::generic_category().message(error));
-}
-
-/// Returns 0 or the error number.
-int writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return written < 0 ? errno : EIO;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
 }
 
 /// As `publishNewFile`, in place of an older file. A link is replaced itself.
