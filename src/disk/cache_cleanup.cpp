@@ -84,12 +84,15 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
     return plan;
 }
 
-void CleanupTally::count(std::int64_t movedBytes) {
+void CleanupTally::count(const TrashOutcome& outcome) {
     const std::lock_guard guard(lock_);
     ++progress_.done;
-    if (movedBytes > 0) {
+    if (outcome.movedBytes) {
         ++progress_.moved;
-        progress_.movedBytes += movedBytes;
+        progress_.movedBytes += *outcome.movedBytes;
+    }
+    if (outcome.item) {
+        moved_.push_back(*outcome.item);
     }
 }
 
@@ -102,20 +105,18 @@ void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& 
         if (stop.isRequested() || stopToken.stop_requested()) {
             return;
         }
-        std::int64_t moved = 0;
+        TrashOutcome outcome;
         if (policy::isInsideUserCaches(resolvedPath(file.path), root)) {
             const auto change = stop.beginChange();
             if (!change) {
                 return;
             }
-            moved = trash
-                        .moveToTrash({.path = file.path,
-                                      .inside = root,
-                                      .identity = file.identity,
-                                      .maximumBytes = cap - tally.progress().movedBytes})
-                        .movedBytes.value_or(0);
+            outcome = trash.moveToTrash({.path = file.path,
+                                         .inside = root,
+                                         .identity = file.identity,
+                                         .maximumBytes = cap - tally.progress().movedBytes});
         }
-        tally.count(moved);
+        tally.count(outcome);
         progress();
     }
 }

@@ -56,12 +56,18 @@ public:
         const std::lock_guard guard(lock_);
         return progress_;
     }
-    /// One more file was moved, or left when `movedBytes` is 0.
-    void count(std::int64_t movedBytes);
+    /// The files that were moved and can be put back.
+    std::vector<TrashItem> moved() const {
+        const std::lock_guard guard(lock_);
+        return moved_;
+    }
+    /// One more file was moved or left.
+    void count(const TrashOutcome& outcome);
 
 private:
     mutable std::mutex lock_;
     CleanupProgress progress_;
+    std::vector<TrashItem> moved_;
 };
 
 /// Moves the files to the Trash, one after the other, as far as each still is what the policy

@@ -39,7 +39,8 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
       automationChanged_(std::make_unique<Subscription>(
           dependencies_.automation.observable().subscribe([this] { followEmergencyStop(); }))),
       scan_(dependencies_.services.jobs),
-      move_(dependencies_.services.jobs) {
+      move_(dependencies_.services.jobs),
+      putBack_(dependencies_.services.jobs) {
     dependencies_.services.confirmations.registerKind(
         std::string(receipts::confirmationKind),
         {.confirm = [this](const ConfirmationRequest&, void*) { return confirmCleanup(); },
@@ -49,6 +50,9 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
 DiskAutopilot::~DiskAutopilot() {
     if (run_ && run_->tally->progress().moved > 0) {
         recordCleanup(receipts::StoppedBy::shutdown);
+    }
+    if (undo_ && undo_->progress().moved > 0) {
+        recordUndo();
     }
 }
 
@@ -93,7 +97,7 @@ bool DiskAutopilot::checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayS
     // The plan that a question is about must not be replaced before the answer.
     const auto& pending = dependencies_.services.confirmations.pendingConfirmation();
     const bool isAsked = pending && pending->kind == receipts::confirmationKind;
-    if (!mayScan || isAsked || scan_.isUnderWay() || run_) {
+    if (!mayScan || isAsked || scan_.isUnderWay() || run_ || undo_) {
         return false;
     }
     setStatus(receipts::lowSpace);
@@ -144,7 +148,7 @@ void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
 
 void DiskAutopilot::finishStoppedScan() {
     state_.scan.reset();
-    state_.isStopping = move_.isStopping();
+    state_.isStopping = isAnyStopping();
     observable_->changed();
     if (purpose_ == Purpose::review) {
         setStatus(receipts::reviewStopped);
@@ -179,7 +183,8 @@ void DiskAutopilot::finishLowSpaceCheck() {
                             dependencies_.services.settings.values().diskMinimumFreeGB, caches_));
         return;
     }
-    if (isAutopilotTrusted()) {
+    // What the owner puts back at this moment is not to be moved again.
+    if (isAutopilotTrusted() && !undo_) {
         performDiskCleanup(true);
         return;
     }
@@ -205,7 +210,7 @@ bool DiskAutopilot::isAutopilotTrusted() const {
 }
 
 Outcome DiskAutopilot::confirmCleanup() {
-    if (run_) {
+    if (run_ || undo_) {
         return dependencies_.services.log.record(
             Outcome::refused("A disk cleanup is under way. Review again when it is over."));
     }
@@ -289,6 +294,9 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
 
 receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished) {
     const Run run = *std::exchange(run_, std::nullopt);
+    if (std::vector<TrashItem> moved = run.tally->moved(); !moved.empty()) {
+        setUndoable(std::move(moved), run.cleanup.automatic);
+    }
     receipts::Cleanup cleanup = run.cleanup;
     cleanup.progress = run.tally->progress();
     if (cleanup.progress.done < cleanup.progress.all) {
@@ -310,7 +318,7 @@ void DiskAutopilot::finishCleanup() {
     const receipts::Cleanup cleanup = recordCleanup(stoppedBy_);
     move_.end();
     state_.cleanup.reset();
-    state_.isStopping = scan_.isStopping();
+    state_.isStopping = isAnyStopping();
     observable_->changed();
     if (cleanup.progress.moved == 0) {
         dependencies_.services.log.recordMessage(receipts::finalLine(cleanup));
@@ -323,7 +331,8 @@ void DiskAutopilot::finishCleanup() {
 Outcome DiskAutopilot::stop() {
     const bool stopsScan = scan_.stopOrForget([this] { finishStoppedScan(); });
     const bool stopsCleanup = move_.stop();
-    if (!stopsScan && !stopsCleanup) {
+    const bool stopsUndo = putBack_.stop();
+    if (!stopsScan && !stopsCleanup && !stopsUndo) {
         return Outcome::ignored();
     }
     state_.isStopping = true;

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/outcome.h"
 #include "core/services.h"
 #include "disk/cache_cleanup.h"
+#include "disk/cleanup_undo.h"
 #include "disk/disk_ports.h"
 #include "disk/disk_receipts.h"
 #include "disk/disk_records.h"
@@ -29,7 +32,10 @@ struct DiskAutopilotState {
     std::optional<DiskCleanupPlan> diskCleanupPlan;
     std::optional<SearchProgress> scan;      ///< absent while no scan is under way
     std::optional<CleanupProgress> cleanup;  ///< absent while no clean-up is under way
-    bool isStopping = false;                 ///< what is under way was asked to stop
+    /// How many files of the latest clean-up of this run can be put back.
+    std::size_t undoableFiles = 0;
+    std::optional<CleanupProgress> undo;  ///< absent while nothing is being put back
+    bool isStopping = false;              ///< what is under way was asked to stop
 };
 
 /// Frees space by moving old cache files to the Trash: reviewed and confirmed by the owner, or by
@@ -70,8 +76,13 @@ public:
     /// `automatic` is for a plan that no one has confirmed.
     Outcome performDiskCleanup(bool automatic);
 
-    /// Stops the scan and the clean-up under way, the latter after the file at hand. Ignored when
-    /// there is none.
+    /// Puts back what the latest clean-up has moved, as far as the Trash still has it and its place
+    /// is free. What was not put back for another reason can be tried again. Refused when there is
+    /// nothing to put back or a clean-up is under way, ignored while this is under way.
+    Outcome undoLatestCleanup();
+
+    /// Stops the scan, the clean-up and the undoing under way, the latter two after the file at
+    /// hand. Ignored when there is none.
     Outcome stop();
 
     /// Notifies of a changed state.
@@ -83,6 +94,12 @@ private:
     struct Run {
         disk_receipts::Cleanup cleanup;
         std::shared_ptr<CleanupTally> tally;
+    };
+
+    /// Files of the latest clean-up that can be put back.
+    struct Undoable {
+        std::vector<TrashItem> items;
+        bool automatic = false;  ///< the clean-up was
     };
 
     bool isHere() const;
@@ -102,6 +119,12 @@ private:
     void finishCleanup();
     /// Writes the receipt of `run_` and counts it, and returns what became of it.
     disk_receipts::Cleanup recordCleanup(disk_receipts::StoppedBy ifUnfinished);
+    void setUndoable(std::vector<TrashItem> items, bool automatic);
+    void finishUndo();
+    /// Writes the receipt of what `undo_` has put back.
+    void recordUndo();
+    /// What is under way and stopping.
+    bool isAnyStopping() const;
     void followEmergencyStop();
     void setStatus(std::string_view text);
     void countTrust(bool hasRun);
@@ -114,11 +137,14 @@ private:
     /// Those of the scan under way, as the owner had set them when it began.
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
+    Undoable undoable_;
+    std::shared_ptr<UndoTally> undo_;  ///< null while nothing is being put back
     disk_receipts::StoppedBy stoppedBy_ = disk_receipts::StoppedBy::owner;
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed
     std::unique_ptr<Subscription> automationChanged_;
     StoppableRun scan_;
     StoppableRun move_;
+    StoppableRun putBack_;
 };
 
 }  // namespace tallowcrest

@@ -29,6 +29,10 @@ std::string backingUp(std::string_view title) {
     return fmt::format("Backing up {}…", title);
 }
 
+std::string checkingCopy(std::string_view title) {
+    return fmt::format("Checking the copy of {}…", title);
+}
+
 std::string backedUp(std::string_view fileName) {
     return fmt::format("Backup complete: {}", fileName);
 }

@@ -28,6 +28,7 @@ std::string found(std::size_t count);
 std::string stopped(std::size_t count);
 
 std::string backingUp(std::string_view title);
+std::string checkingCopy(std::string_view title);
 std::string backedUp(std::string_view fileName);
 std::string backupReceipt(std::string_view title, std::string_view destination);
 std::string backupFailed(std::string_view error);

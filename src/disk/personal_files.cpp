@@ -10,7 +10,6 @@
 #include "core/clock.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
-#include "disk/file_copy.h"
 #include "disk/file_names.h"
 #include "disk/storage_suggestions.h"
 
@@ -18,12 +17,6 @@ namespace tallowcrest {
 namespace {
 
 namespace texts = personal_file_texts;
-
-/// What is copied, and how far.
-struct CopiedBytes {
-    std::int64_t copied = 0;
-    std::int64_t all = 0;
-};
 
 std::string nameOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
@@ -165,7 +158,7 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
     backupBegan_ = dependencies_.services.clock.now();
     state_.backup = BackupProgress{.title = suggestion.title};
     setStatus(texts::backingUp(suggestion.title));
-    backup_.begin().runWithProgress<CopiedBytes>(
+    backup_.begin().runWithProgress<CopyProgress>(
         Lane::personalFiles,
         [copy = dependencies_.ports.copy, file = suggestion.path, folder = std::move(folder),
          now = backupBegan_, token = backup_.stopToken()](const Stop& stop, const auto& report) {
@@ -175,23 +168,27 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
             const EitherStop either(stop.stopToken(), token);
             result.error = change ? copy->copy(
                                         file, result.destination,
-                                        [&](std::int64_t copied, std::int64_t all) {
-                                            report({copied, all});
-                                        },
+                                        [&](const CopyProgress& progress) { report(progress); },
                                         either.token())
                                   : std::optional<std::string>("canceled");
             return result;
         },
-        [this](CopiedBytes bytes) { showBackup(bytes.copied, bytes.all); },
+        [this](const CopyProgress& progress) { showBackup(progress); },
         [this, suggestion](const Copied& copied) { finishBackup(suggestion, copied); });
 }
 
-void PersonalFiles::showBackup(std::int64_t copied, std::int64_t all) {
+void PersonalFiles::showBackup(const CopyProgress& progress) {
+    if (progress.isChecking && !state_.backup->isChecking) {
+        state_.backup->isChecking = true;
+        backupBegan_ = dependencies_.services.clock.now();
+        setStatus(texts::checkingCopy(state_.backup->title));
+    }
     const double seconds = secondsBetween(backupBegan_, dependencies_.services.clock.now());
-    state_.backup->copied = copied;
-    state_.backup->all = all;
+    state_.backup->copied = progress.done;
+    state_.backup->all = progress.all;
     // The clock may have been set back.
-    state_.backup->bytesPerSecond = seconds > 0.0 ? static_cast<double>(copied) / seconds : 0.0;
+    state_.backup->bytesPerSecond =
+        seconds > 0.0 ? static_cast<double>(progress.done) / seconds : 0.0;
     observable_->changed();
 }
 

@@ -14,6 +14,7 @@
 #include "core/services.h"
 #include "disk/disk_ports.h"
 #include "disk/disk_records.h"
+#include "disk/file_copy.h"
 #include "disk/file_walks.h"
 #include "disk/personal_file_texts.h"
 #include "disk/stoppable_run.h"
@@ -27,10 +28,11 @@ class Provider;
 /// A copy under way.
 struct BackupProgress {
     std::string title;            ///< of the file
-    std::int64_t copied = 0;      ///< bytes
+    std::int64_t copied = 0;      ///< bytes; while the copy is checked, those compared
     std::int64_t all = 0;         ///< bytes; 0 until the copy has begun
     double bytesPerSecond = 0.0;  ///< the mean so far; 0 while unknown
     bool isStopping = false;
+    bool isChecking = false;  ///< the copy is there and is compared with the file
 
     bool operator==(const BackupProgress&) const = default;
 };
@@ -103,7 +105,7 @@ private:
     void showFound(const std::vector<FoundFile>& files);
     void endAnalysis(std::string status, std::string_view event);
     void beginBackup(const StorageOptimizationSuggestion& suggestion, std::string folder);
-    void showBackup(std::int64_t copied, std::int64_t all);
+    void showBackup(const CopyProgress& progress);
     void finishBackup(const StorageOptimizationSuggestion& suggestion, const Copied& copied);
     void finishTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
     void setStatus(std::string status);
@@ -113,7 +115,7 @@ private:
     std::unique_ptr<Observable> observable_;
     PersonalFilesState state_;
     std::unique_ptr<FolderQuestion> folderQuestion_;
-    Date backupBegan_;
+    Date backupBegan_;  ///< or the check of the copy
     JobScope jobs_;
     StoppableRun analysis_;
     StoppableRun backup_;

@@ -20,12 +20,44 @@ struct TrashRequest {
     std::optional<std::int64_t> maximumBytes = {};
 };
 
+/// A file that was moved to the Trash, as the Trash finds it again. The strings are bytes as on
+/// disk.
+struct TrashItem {
+    std::string path;         ///< where it was, absolute
+    std::string storedName;   ///< what the Trash calls it
+    std::string description;  ///< what the Trash has written down about it; empty where it does not
+    FileIdentity identity = {};
+    /// Nanoseconds since 1970; 0 where the volume does not tell. Tells a file from a later one that
+    /// was given its inode number.
+    std::int64_t createdAt = 0;
+    std::int64_t bytes = 0;
+    /// As in `TrashRequest`, tested while it is put back.
+    std::optional<std::string> inside = {};
+
+    bool operator==(const TrashItem&) const = default;
+};
+
 /// What became of a `TrashRequest`.
 struct TrashOutcome {
     /// The size of the file that was moved; absent when it was left where it was.
     std::optional<std::int64_t> movedBytes = {};
+    /// What `putBack` takes. Absent when the file was left, and where it can only be put back by
+    /// the file manager.
+    std::optional<TrashItem> item = {};
     /// Why it was left, in the system's words; empty when it was moved.
     std::string error = {};
+};
+
+/// What became of a file that was to be put back.
+struct PutBackOutcome {
+    enum class Result {
+        done,
+        gone,  ///< the Trash does not have it any more, so that no later attempt can succeed
+        left,  ///< it is still in the Trash
+    };
+
+    Result result = Result::left;
+    std::string error = {};  ///< why not, in the system's words; empty when it was put back
 };
 
 /// The Trash of the user, from which the file manager can restore. Called on background threads.
@@ -37,6 +69,11 @@ public:
     /// fails, the file is then in its place or can be restored. Blocks for as long as the move
     /// takes, and is not to be interrupted.
     virtual TrashOutcome moveToTrash(const TrashRequest& request) = 0;
+
+    /// Puts a file back to where it was. Never replaces a file, creates no folder, and leaves what
+    /// is not the file that was moved. Whatever fails, the file is in its place or can be restored.
+    /// Not to be interrupted either.
+    virtual PutBackOutcome putBack(const TrashItem& item) = 0;
 };
 
 }  // namespace tallowcrest

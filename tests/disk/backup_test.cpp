@@ -107,6 +107,21 @@ TEST_F(BackupTest, TheProgressTellsBytesAndRate) {
     ASSERT_THAT(copied(), SizeIs(1));
 }
 
+TEST_F(BackupTest, TheCheckOfTheCopyIsTold) {
+    backUpTo("/media/disk");
+    diskPorts.copy->isChecking = true;
+    clock.advance(60s);
+    diskPorts.copy->copying = [this] {
+        mainQueue.turn();
+        EXPECT_TRUE(state().backup->isChecking);
+        EXPECT_EQ(state().backup->copied, 1000);
+        EXPECT_EQ(state().backup->bytesPerSecond, 0.0) << "that of the copy does not count";
+        EXPECT_EQ(state().storageAnalyzerStatus, "Checking the copy of film.mov…");
+    };
+    finishWork();
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup complete: film.mov");
+}
+
 TEST_F(BackupTest, AClockThatWasSetBackGivesNoRate) {
     backUpTo("/media/disk");
     clock.advance(-2h);

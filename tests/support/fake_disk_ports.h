@@ -113,41 +113,71 @@ public:
         }
         const FoundFile* const file = files_.find(request.path);
         if (file == nullptr) {
-            return {.error = "No such file or directory"};
+            return left("No such file or directory");
         }
         if (request.inside && !request.path.starts_with(*request.inside + '/')) {
-            return {.error = "not inside"};
+            return left("not inside");
         }
         if (request.identity && *request.identity != file->identity) {
-            return {.error = "another file"};
+            return left("another file");
         }
         if (file->bytes <= 0 || (request.maximumBytes && file->bytes > *request.maximumBytes)) {
-            return {.error = "not of that size"};
+            return left("not of that size");
         }
-        const std::int64_t bytes = file->bytes;
+        const FoundFile found = *file;
         moved.push_back(request.path);
         files_.remove(request.path);
-        return {.movedBytes = bytes};
+        inTrash.push_back(found);
+        return {.movedBytes = found.bytes,
+                .item = TrashItem{.path = found.path,
+                                  .storedName = found.path,
+                                  .description = {},
+                                  .identity = found.identity,
+                                  .bytes = found.bytes,
+                                  .inside = request.inside},
+                .error = {}};
+    }
+
+    PutBackOutcome putBack(const TrashItem& item) override {
+        using Result = PutBackOutcome::Result;
+        if (puttingBack) {
+            puttingBack(item.path);
+        }
+        const auto found = std::ranges::find(inTrash, item.identity, &FoundFile::identity);
+        if (found == inTrash.end()) {
+            return {Result::gone, "It is no longer in the Trash"};
+        }
+        if (files_.find(item.path) != nullptr) {
+            return {Result::left, "File exists"};
+        }
+        files_.all.push_back(*found);
+        inTrash.erase(found);
+        return {Result::done, {}};
     }
 
     std::vector<TrashRequest> requests;
     std::vector<std::string> moved;
+    std::vector<FoundFile> inTrash;
     /// Called before each move; may be absent.
     std::function<void(const std::string& path)> moving;
+    std::function<void(const std::string& path)> puttingBack;  ///< the same for the way back
 
 private:
+    static TrashOutcome left(std::string why) {
+        return {.movedBytes = {}, .item = {}, .error = std::move(why)};
+    }
+
     FakeFiles& files_;
 };
 
 /// Copies nothing; records what was asked for.
 class FakeFileCopy final : public FileCopy {
 public:
-    std::optional<std::string> copy(
-        const std::string& from, const std::string& to,
-        const std::function<void(std::int64_t copied, std::int64_t all)>& progress,
-        const std::stop_token& stop) override {
+    std::optional<std::string> copy(const std::string& from, const std::string& to,
+                                    const std::function<void(const CopyProgress&)>& progress,
+                                    const std::stop_token& stop) override {
         copied.emplace_back(from, to);
-        progress(half, 2 * half);
+        progress({half, 2 * half, isChecking});
         if (copying) {
             copying();
         }
@@ -156,6 +186,7 @@ public:
 
     static constexpr std::int64_t half = 1000;
     std::optional<std::string> error;
+    bool isChecking = false;        ///< is past the copy itself
     std::function<void()> copying;  ///< called half way; may be absent
     std::vector<std::pair<std::string, std::string>> copied;
 };

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,15 +13,18 @@
 #include <system_error>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "core/uuid.h"
 #include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
 #include "platform/files/file_system.h"
+#include "platform/files/same_content.h"
 
 namespace tallowcrest {
 namespace {
 
-using Progress = std::function<void(std::int64_t copied, std::int64_t all)>;
+using Progress = std::function<void(const CopyProgress&)>;
 
 constexpr std::int64_t stepBytes = 8 << 20;
 constexpr std::int64_t bufferBytes = 1 << 20;
@@ -31,13 +35,56 @@ constexpr std::int64_t bytesBetweenSyncs = 64 << 20;
 
 constexpr auto progressInterval = std::chrono::milliseconds(100);
 
-/// Not an error number of the system.
+// No error numbers of the system.
 constexpr int sourceChanged = -1;
+constexpr int copyDiffers = -2;
 
 std::string words(int error) {
     return error == sourceChanged ? "The file changed while it was copied."
+           : error == copyDiffers ? "The copy was not the same when it was read again."
                                   : std::generic_category().message(error);
 }
+
+std::string gigabytes(std::uint64_t bytes) {
+    return fmt::format("{:.2f} GB", static_cast<double>(bytes) / (1U << 30U));
+}
+
+/// Why the copy cannot fit into an open folder; empty when it can. A volume that does not tell its
+/// size counts as large enough. Holes need no room.
+std::string objectionToRoom(int folder, const struct stat& source) {
+    struct statvfs volume {};
+    if (::fstatvfs(folder, &volume) != 0 || volume.f_blocks == 0) {
+        return "";
+    }
+    constexpr std::uint64_t blockBytes = 512;
+    const std::uint64_t needed =
+        std::min(static_cast<std::uint64_t>(source.st_size),
+                 static_cast<std::uint64_t>(source.st_blocks) * blockBytes);
+    const std::uint64_t free = static_cast<std::uint64_t>(volume.f_bavail) * volume.f_frsize;
+    return needed <= free ? ""
+                          : fmt::format(
+                                "There is not enough room for the copy: {} are needed, {} "
+                                "are free.",
+                                gigabytes(needed), gigabytes(free));
+}
+
+/// Calls no more often than a person can follow.
+class PacedProgress {
+public:
+    explicit PacedProgress(const Progress& progress) : progress_(progress) {}
+
+    void report(const CopyProgress& value) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now >= next_) {
+            next_ = now + progressInterval;
+            progress_(value);
+        }
+    }
+
+private:
+    const Progress& progress_;
+    std::chrono::steady_clock::time_point next_ = {};
+};
 
 bool isSameContent(const struct stat& before, const struct stat& after) {
     const auto modifiedBefore = file_system::timesOf(before)[1];
@@ -56,7 +103,7 @@ class ContentCopy {
 public:
     ContentCopy(int from, int to, std::int64_t size, const Progress& progress,
                 const std::stop_token& stop)
-        : from_(from), to_(to), size_(size), progress_(progress), stop_(stop) {}
+        : from_(from), to_(to), size_(size), progress_(progress), paced_(progress), stop_(stop) {}
 
     int run();
 
@@ -70,17 +117,16 @@ private:
     int copyExtent(const Extent& extent);
     std::int64_t copyStep(std::int64_t offset, std::int64_t count);
     std::int64_t copyThroughBuffer(std::int64_t offset, std::int64_t count);
-    void report(std::int64_t copied);
 
     int from_;
     int to_;
     std::int64_t size_;
     const Progress& progress_;
+    PacedProgress paced_;
     const std::stop_token& stop_;
     std::int64_t unsynced_ = 0;
     bool worksWithinKernel_ = true;
     std::vector<char> buffer_;
-    std::chrono::steady_clock::time_point nextReport_ = {};
 };
 
 int ContentCopy::run() {
@@ -94,7 +140,7 @@ int ContentCopy::run() {
     if (::ftruncate(to_, size_) != 0) {
         return errno;
     }
-    progress_(size_, size_);
+    progress_({size_, size_, false});
     return stop_.stop_requested() ? ECANCELED : 0;
 }
 
@@ -131,7 +177,7 @@ int ContentCopy::copyExtent(const Extent& extent) {
             }
             unsynced_ = 0;
         }
-        report(offset);
+        paced_.report({offset, size_, false});
     }
     return 0;
 }
@@ -165,12 +211,29 @@ std::int64_t ContentCopy::copyThroughBuffer(std::int64_t offset, std::int64_t co
     return length;
 }
 
-void ContentCopy::report(std::int64_t copied) {
-    const auto now = std::chrono::steady_clock::now();
-    if (now >= nextReport_) {
-        nextReport_ = now + progressInterval;
-        progress_(copied, size_);
+/// Compares the copy, as the disk has it, with the file. Returns 0 or an error.
+int checkCopy(int from, int to, std::int64_t size, const Progress& progress,
+              const std::stop_token& stop) {
+    file_system::forgetCached(to);
+    PacedProgress paced(progress);
+    errno = 0;
+    const Comparison result = compareContents(
+        from, to, size,
+        [&](std::int64_t compared) {
+            paced.report({compared, size, true});
+        },
+        stop);
+    switch (result) {
+        case Comparison::same:
+            return 0;
+        case Comparison::different:
+            return copyDiffers;
+        case Comparison::stopped:
+            return ECANCELED;
+        case Comparison::failed:
+            break;
     }
+    return errno == 0 ? sourceChanged : errno;
 }
 
 int publish(int folder, const std::string& temporary, const std::string& name) {
@@ -185,12 +248,20 @@ int fill(int to, int from, const struct stat& source, const Progress& progress,
     if (const int error = ContentCopy(from, to, source.st_size, progress, stop).run(); error != 0) {
         return error;
     }
+    if (const int error = syncFile(to); error != 0) {
+        return error;
+    }
+    const int difference = checkCopy(from, to, source.st_size, progress, stop);
+    // A file that changes differs from its copy too.
     struct stat after {};
     if (::fstat(from, &after) != 0) {
         return errno;
     }
     if (!isSameContent(source, after)) {
         return sourceChanged;
+    }
+    if (difference != 0) {
+        return difference;
     }
     // Best effort: not every volume has modes and times.
     constexpr mode_t permissions = 0777;
@@ -201,14 +272,6 @@ int fill(int to, int from, const struct stat& source, const Progress& progress,
 
 int copyInto(int folder, const std::string& name, int from, const struct stat& source,
              const Progress& progress, const std::stop_token& stop) {
-    // Known before the work rather than after it.
-    struct stat existing {};
-    if (::fstatat(folder, name.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) {
-        return EEXIST;
-    }
-    if (errno != ENOENT) {
-        return errno;
-    }
     constexpr mode_t ownerOnly = 0600;
     const std::string temporary = "." + UUID::random().text() + ".part";
     const UniqueFD to(::openat(folder, temporary.c_str(),
@@ -229,21 +292,40 @@ int copyInto(int folder, const std::string& name, int from, const struct stat& s
     return 0;
 }
 
-int copyFile(const std::filesystem::path& from, const std::filesystem::path& to,
-             const Progress& progress, const std::stop_token& stop) {
+/// Why the name cannot be given in an open folder: 0 when it can.
+int errorOfName(int folder, const std::string& name) {
+    struct stat existing {};
+    if (::fstatat(folder, name.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) {
+        return EEXIST;
+    }
+    return errno == ENOENT ? 0 : errno;
+}
+
+/// Absent when the file was copied, else why not.
+std::optional<std::string> copyFile(const std::filesystem::path& from,
+                                    const std::filesystem::path& to, const Progress& progress,
+                                    const std::stop_token& stop) {
     const UniqueFD file(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat source {};
     if (!file.valid() || ::fstat(file.get(), &source) != 0) {
-        return errno;
+        return words(errno);
     }
     if (!S_ISREG(source.st_mode)) {
-        return S_ISDIR(source.st_mode) ? EISDIR : EINVAL;
+        return words(S_ISDIR(source.st_mode) ? EISDIR : EINVAL);
     }
     const UniqueFD folder(::open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
-        return errno;
+        return words(errno);
     }
-    return copyInto(folder.get(), to.filename(), file.get(), source, progress, stop);
+    // Known before the work rather than after it.
+    int error = errorOfName(folder.get(), to.filename());
+    if (error == 0) {
+        if (std::string objection = objectionToRoom(folder.get(), source); !objection.empty()) {
+            return objection;
+        }
+        error = copyInto(folder.get(), to.filename(), file.get(), source, progress, stop);
+    }
+    return error == 0 ? std::nullopt : std::optional(words(error));
 }
 
 }  // namespace
@@ -251,8 +333,7 @@ int copyFile(const std::filesystem::path& from, const std::filesystem::path& to,
 std::optional<std::string> PosixFileCopy::copy(const std::string& from, const std::string& to,
                                                const Progress& progress,
                                                const std::stop_token& stop) {
-    const int error = copyFile(from, to, progress, stop);
-    return error == 0 ? std::nullopt : std::optional(words(error));
+    return copyFile(from, to, progress, stop);
 }
 
 }  // namespace tallowcrest

@@ -72,6 +72,10 @@ bool isRotational(std::uint64_t device);
 std::optional<std::int64_t> copyWithinKernel(int from, int to, std::int64_t offset,
                                              std::int64_t count);
 
+/// Drops what the kernel keeps of an open file that is on disk, as far as it can, so that the disk
+/// is read the next time.
+void forgetCached(int file);
+
 /// Renames within an open folder unless the new name is taken. Returns 0 or the error number;
 /// absent where the volume cannot do it.
 std::optional<int> renameWithoutReplacing(int folder, const char* from, const char* to);

@@ -129,6 +129,10 @@ std::optional<std::int64_t> copyWithinKernel(int from, int to, std::int64_t offs
     return isUnable ? std::nullopt : std::optional<std::int64_t>(copied);
 }
 
+void forgetCached(int file) {
+    static_cast<void>(::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED));
+}
+
 std::optional<int> renameWithoutReplacing(int folder, const char* from, const char* to) {
     if (::renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0) {
         return 0;

@@ -107,6 +107,10 @@ std::optional<std::int64_t> copyWithinKernel(int /*from*/, int /*to*/, std::int6
     return std::nullopt;
 }
 
+void forgetCached(int file) {
+    static_cast<void>(::fcntl(file, F_NOCACHE, 1));
+}
+
 std::optional<int> renameWithoutReplacing(int folder, const char* from, const char* to) {
     if (::renameatx_np(folder, from, folder, to, RENAME_EXCL) == 0) {
         return 0;

@@ -1,6 +1,8 @@
 #import <Foundation/Foundation.h>
 
+#include <fcntl.h>
 #include <limits.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -17,7 +19,7 @@ namespace tallowcrest {
 namespace {
 
 TrashOutcome left(std::string why) {
-    return {.movedBytes = {}, .error = std::move(why)};
+    return {.movedBytes = {}, .item = {}, .error = std::move(why)};
 }
 
 std::string systemWords(int error) {
@@ -31,14 +33,17 @@ std::optional<std::string> resolved(const std::string& path) {
     return result == nullptr ? std::nullopt : std::optional<std::string>(result);
 }
 
+FileIdentity identityOf(const struct stat& status) {
+    return {static_cast<std::uint64_t>(status.st_dev), status.st_ino};
+}
+
 /// Why the file at `path` must stay; empty when it may be moved.
 std::string objection(const TrashRequest& request, const std::string& path,
                       const struct stat& status) {
     if (!S_ISREG(status.st_mode)) {
         return "Not a regular file";
     }
-    const FileIdentity identity{static_cast<std::uint64_t>(status.st_dev), status.st_ino};
-    if (request.identity && *request.identity != identity) {
+    if (request.identity && *request.identity != identityOf(status)) {
         return "Another file has taken its name";
     }
     if (status.st_size <= 0) {
@@ -84,14 +89,46 @@ public:
             NSURL* const url = [NSURL fileURLWithFileSystemRepresentation:path.c_str()
                                                               isDirectory:NO
                                                             relativeToURL:nil];
+            NSURL* stored = nil;
             NSError* error = nil;
             if (![NSFileManager.defaultManager trashItemAtURL:url
-                                             resultingItemURL:nil
+                                             resultingItemURL:&stored
                                                         error:&error]) {
                 return left(error.localizedDescription.UTF8String);
             }
+            TrashOutcome outcome{.movedBytes = status.st_size, .item = {}, .error = {}};
+            if (stored != nil) {
+                outcome.item = TrashItem{.path = request.path,
+                                         .storedName = stored.fileSystemRepresentation,
+                                         .description = {},
+                                         .identity = identityOf(status),
+                                         .bytes = status.st_size,
+                                         .inside = request.inside};
+            }
+            return outcome;
         }
-        return {.movedBytes = status.st_size};
+    }
+
+    PutBackOutcome putBack(const TrashItem& item) override {
+        using Result = PutBackOutcome::Result;
+        struct stat status {};
+        if (::lstat(item.storedName.c_str(), &status) != 0 || identityOf(status) != item.identity) {
+            return {Result::gone, "It is no longer in the Trash"};
+        }
+        const auto folder = resolved(item.path.substr(0, item.path.rfind('/') + 1));
+        if (!folder) {
+            return {Result::left, systemWords(errno)};
+        }
+        const auto inside = item.inside ? resolved(*item.inside) : std::optional<std::string>("");
+        if (!inside || !(*folder + '/').starts_with(*inside + '/')) {
+            return {Result::left, systemWords(EXDEV)};
+        }
+        const std::string path = *folder + item.path.substr(item.path.rfind('/'));
+        if (::renameatx_np(AT_FDCWD, item.storedName.c_str(), AT_FDCWD, path.c_str(),
+                           RENAME_EXCL) != 0) {
+            return {Result::left, systemWords(errno)};
+        }
+        return {Result::done, {}};
     }
 };
 

@@ -63,21 +63,45 @@ std::string objection(const TrashRequest& request, const FileStatus& status) {
 
 }  // namespace
 
+OpenedPlace openPlace(const std::string& path, const std::optional<std::string>& inside) {
+    auto parts = split(path);
+    if (!parts) {
+        return {.folderPath = {},
+                .name = {},
+                .folder = {},
+                .objection = "Not an absolute path of a file"};
+    }
+    OpenedPlace place{.folderPath = std::move(parts->folder),
+                      .name = std::move(parts->name),
+                      .folder = {},
+                      .objection = {}};
+    place.folder = openFolderOfFile(place.folderPath, inside);
+    if (!place.folder.valid()) {
+        place.objection = systemWords(errno);
+    }
+    return place;
+}
+
+bool isStillAt(const std::string& folderPath, const std::optional<std::string>& inside,
+               const FileIdentity& folder) {
+    const UniqueFD opened = openFolderOfFile(folderPath, inside);
+    const auto status = opened.valid() ? statusOf(opened.get()) : std::nullopt;
+    return status && status->identity == folder;
+}
+
 OpenedTrashSource openTrashSource(const TrashRequest& request) {
     OpenedTrashSource result;
     auto& [source, why] = result;
-    auto path = split(request.path);
-    if (!path) {
-        why = "Not an absolute path of a file";
+    OpenedPlace place = openPlace(request.path, request.inside);
+    source.name = std::move(place.name);
+    source.folderPath = std::move(place.folderPath);
+    source.folder = std::move(place.folder);
+    if (!place.objection.empty()) {
+        why = std::move(place.objection);
         return result;
     }
-    source.name = std::move(path->name);
-    source.folderPath = std::move(path->folder);
-    source.folder = openFolderOfFile(source.folderPath, request.inside);
-    if (source.folder.valid()) {
-        source.file = UniqueFD(
-            ::openat(source.folder.get(), source.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    }
+    source.file = UniqueFD(
+        ::openat(source.folder.get(), source.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const auto folder = source.file.valid() ? statusOf(source.folder.get()) : std::nullopt;
     const auto file = folder ? statusOf(source.file.get()) : std::nullopt;
     if (!file) {
@@ -100,10 +124,9 @@ std::string objectionToStored(TrashRequest request, const TrashSource& source,
     if (std::string why = objection(request, stored); !why.empty()) {
         return why;
     }
-    const UniqueFD folder = openFolderOfFile(source.folderPath, request.inside);
-    const auto status = folder.valid() ? statusOf(folder.get()) : std::nullopt;
-    return status && status->identity == source.folderIdentity ? ""
-                                                               : "Its folder was moved meanwhile";
+    return isStillAt(source.folderPath, request.inside, source.folderIdentity)
+               ? ""
+               : "Its folder was moved meanwhile";
 }
 
 std::string systemWords(int error) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "disk/file_identity.h"
@@ -26,6 +27,21 @@ struct OpenedTrashSource {
 
 /// Any thread, as all below.
 OpenedTrashSource openTrashSource(const TrashRequest& request);
+
+/// The folder of the file at an absolute path, and the name of the file in it.
+struct OpenedPlace {
+    std::string folderPath;  ///< with a slash at its end
+    std::string name;
+    UniqueFD folder;        ///< invalid when it cannot be opened
+    std::string objection;  ///< why not; else empty
+};
+
+/// `inside` as in `TrashRequest`.
+OpenedPlace openPlace(const std::string& path, const std::optional<std::string>& inside);
+
+/// Whether the folder is still the one that its path leads to.
+bool isStillAt(const std::string& folderPath, const std::optional<std::string>& inside,
+               const FileIdentity& folder);
 
 /// Why the file that was moved, now `stored`, is to be put back; empty when it was the right one.
 std::string objectionToStored(TrashRequest request, const TrashSource& source,

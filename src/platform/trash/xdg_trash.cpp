@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
 #include "platform/trash/file_status.h"
 #include "platform/trash/trash_folder.h"
 #include "platform/trash/trash_info.h"
@@ -22,18 +23,7 @@ namespace tallowcrest {
 namespace {
 
 TrashOutcome left(std::string why) {
-    return {.movedBytes = {}, .error = std::move(why)};
-}
-
-bool writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = ::write(file, text.data(), text.size());
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        text.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
-    }
-    return true;
+    return {.movedBytes = {}, .item = {}, .error = std::move(why)};
 }
 
 /// Waits until the content is written out. A full `fdatasync` also waits for the journal, for
@@ -59,10 +49,13 @@ int reserve(const TrashFolder& trash, const std::string& name, std::string_view 
     if (!info.valid()) {
         return errno;
     }
-    if (writeAll(info.get(), text) && flush(info.get())) {
+    int error = writeAll(info.get(), text);
+    if (error == 0 && !flush(info.get())) {
+        error = errno;
+    }
+    if (error == 0) {
         return 0;
     }
-    const int error = errno;
     ::unlinkat(trash.info.get(), infoName.c_str(), 0);
     return error;
 }
@@ -106,13 +99,35 @@ int store(int folder, const std::string& name, const TrashFolder& trash,
     return error;
 }
 
+/// The content of a `.trashinfo`; empty when there is none, or none of ours.
+std::string readInfo(const TrashFolder& trash, const std::string& storedName) {
+    const UniqueFD info(::openat(trash.info.get(), trashInfoName(storedName).c_str(),
+                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    // A path is percent-encoded, so that each of its bytes takes up to three.
+    constexpr std::size_t longest = 4 * PATH_MAX;
+    std::string text(longest, '\0');
+    std::size_t length = 0;
+    while (info.valid() && length < longest) {
+        const ssize_t count = ::read(info.get(), text.data() + length, longest - length);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        length += static_cast<std::size_t>(count);
+    }
+    text.resize(length);
+    return text;
+}
+
 std::size_t longestNameIn(int folder) {
     const long longest = ::fpathconf(folder, _PC_NAME_MAX);
     return longest > 0 ? static_cast<std::size_t>(longest) : NAME_MAX;
 }
 
-TrashOutcome putBack(const TrashSource& source, const TrashFolder& trash,
-                     const std::string& storedName, std::string why) {
+TrashOutcome returnFile(const TrashSource& source, const TrashFolder& trash,
+                        const std::string& storedName, std::string why) {
     if (!renameWithoutReplacing(trash.files.get(), storedName, source.folder.get(), source.name)) {
         return left(why + "; what had its name is in the Trash: " + systemWords(errno));
     }
@@ -152,9 +167,54 @@ TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
         return left(systemWords(errno));
     }
     if (std::string late = objectionToStored(request, source, *stored); !late.empty()) {
-        return putBack(source, *trash, storedName, std::move(late));
+        return returnFile(source, *trash, storedName, std::move(late));
     }
-    return {.movedBytes = stored->bytes};
+    return {.movedBytes = stored->bytes,
+            .item = TrashItem{.path = request.path,
+                              .storedName = std::move(storedName),
+                              .description = info,
+                              .identity = stored->identity,
+                              .createdAt = stored->createdAt,
+                              .bytes = stored->bytes,
+                              .inside = request.inside}};
+}
+
+PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
+    using Result = PutBackOutcome::Result;
+    const OpenedPlace place = openPlace(item.path, item.inside);
+    const auto folder = place.folder.valid() ? statusOf(place.folder.get()) : std::nullopt;
+    if (!folder) {
+        return {Result::left, place.objection.empty() ? systemWords(errno) : place.objection};
+    }
+    const auto trash = openTrashFolder(place.folder.get(), place.name, item.path, homeTrash_);
+    if (!trash) {
+        return {Result::left, systemWords(errno)};
+    }
+    // Held open, because its inode number is then not given to another file.
+    const UniqueFD file(
+        ::openat(trash->files.get(), item.storedName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    const auto stored = file.valid() ? statusOf(file.get()) : std::nullopt;
+    // Emptied, or emptied and used again: then another file or another time is described.
+    if (!stored || stored->identity != item.identity || stored->createdAt != item.createdAt ||
+        !S_ISREG(stored->mode) || readInfo(*trash, item.storedName) != item.description) {
+        return {Result::gone, "It is no longer in the Trash"};
+    }
+    if (!renameWithoutReplacing(trash->files.get(), item.storedName, place.folder.get(),
+                                place.name)) {
+        return {Result::left, systemWords(errno)};
+    }
+    const auto arrived = statusAt(place.folder.get(), place.name);
+    const bool isRightFile = arrived && arrived->identity == item.identity;
+    if (!isRightFile || !isStillAt(place.folderPath, item.inside, folder->identity)) {
+        const std::string why =
+            isRightFile ? "Its folder was moved meanwhile" : "Another file has taken its name";
+        return renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(),
+                                      item.storedName)
+                   ? PutBackOutcome{Result::left, why}
+                   : PutBackOutcome{Result::gone, why + ": " + systemWords(errno)};
+    }
+    ::unlinkat(trash->info.get(), trashInfoName(item.storedName).c_str(), 0);
+    return {Result::done, {}};
 }
 
 }  // namespace tallowcrest

@@ -28,6 +28,10 @@ public:
     /// Any thread, several at once.
     TrashOutcome moveToTrash(const TrashRequest& request) override;
 
+    /// Any thread, several at once. The `.trashinfo` goes last, so that a file that is not in its
+    /// place yet can be restored.
+    PutBackOutcome putBack(const TrashItem& item) override;
+
 private:
     const std::string homeTrash_;
     const Clock& clock_;

@@ -51,9 +51,9 @@ protected:
         const std::function<void(std::int64_t)>& duringIt = [](std::int64_t) {}) {
         return PosixFileCopy().copy(
             from, to,
-            [&](std::int64_t copied, std::int64_t all) {
-                reports.emplace_back(copied, all);
-                duringIt(copied);
+            [&](const CopyProgress& progress) {
+                (progress.isChecking ? checks : reports).emplace_back(progress.done, progress.all);
+                (progress.isChecking ? duringCheck : duringIt)(progress.done);
             },
             stop.get_token());
     }
@@ -62,6 +62,8 @@ protected:
     TemporaryFolder target;
     std::stop_source stop;
     Reports reports;
+    Reports checks;  ///< while the copy was compared with the file
+    std::function<void(std::int64_t)> duringCheck = [](std::int64_t) {};
 };
 
 TEST_F(FileCopyTest, CopiesContentTimesAndMode) {
@@ -91,6 +93,37 @@ TEST_F(FileCopyTest, ReportsTheBytesOfAll) {
         before = copied;
     }
     EXPECT_EQ(before, size);
+}
+
+TEST_F(FileCopyTest, ComparesTheCopyWithTheFileBeforeItGetsItsName) {
+    const std::string from = source.file("film", longText(), 0644);
+    bool hadName = false;
+    duringCheck = [&](std::int64_t) { hadName |= std::filesystem::exists(target.path("copy")); };
+    ASSERT_EQ(copy(from, target.path("copy")), std::nullopt);
+    ASSERT_FALSE(checks.empty());
+    EXPECT_GT(checks.front().first, 0);
+    EXPECT_EQ(checks.front().second, static_cast<std::int64_t>(longText().size()));
+    EXPECT_FALSE(hadName);
+}
+
+TEST_F(FileCopyTest, ACopyThatIsNotTheSameIsNotKept) {
+    const std::string from = source.file("film", longText(), 0644);
+    duringCheck = [&](std::int64_t) {
+        const std::string part = target.path(namesIn(target.path()).at(0));
+        const UniqueFD file(::open(part.c_str(), O_WRONLY | O_CLOEXEC));
+        EXPECT_EQ(::pwrite(file.get(), "!", 1, static_cast<off_t>(longText().size() - 1)), 1);
+    };
+    EXPECT_EQ(copy(from, target.path("copy")), "The copy was not the same when it was read again.");
+    EXPECT_THAT(namesIn(target.path()), IsEmpty());
+    EXPECT_TRUE(source.read("film") == longText());
+}
+
+TEST_F(FileCopyTest, AStopEndsTheComparisonToo) {
+    const std::string from = source.file("film", longText(), 0644);
+    duringCheck = [&](std::int64_t) { stop.request_stop(); };
+    EXPECT_EQ(copy(from, target.path("copy")), "Operation canceled");
+    EXPECT_EQ(reports.back().first, reports.back().second) << "the copy itself was made";
+    EXPECT_THAT(namesIn(target.path()), IsEmpty());
 }
 
 TEST_F(FileCopyTest, CopiesFilesOfOddContent) {

@@ -12,6 +12,7 @@ constexpr short POSIX_SPAWN_CLOEXEC_DEFAULT = 0x4000;
 #define st_flags __glibc_reserved[0]
 constexpr unsigned UF_HIDDEN = 0x8000;
 constexpr unsigned RENAME_EXCL = 4;
+constexpr int F_NOCACHE = 48;
 constexpr int SO_NOSIGPIPE = 0x1022;
 constexpr int SOL_LOCAL = 0;
 constexpr int LOCAL_PEERPID = 2;

@@ -54,6 +54,7 @@ __attribute__((objc_root_class))
 + (instancetype)fileURLWithFileSystemRepresentation:(const char*)path
                                         isDirectory:(BOOL)isDirectory
                                       relativeToURL:(NSURL*)base;
+@property(readonly) const char* fileSystemRepresentation;
 @end
 
 @interface NSError : NSObject

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/jobs/jobs.h"
+#include "disk/disk_records.h"
+#include "disk/trash.h"
+
+/// Putting back what a clean-up has moved: the background half, and what is said of it.
+namespace tallowcrest {
+
+/// A file that was not put back.
+struct LeftInTrash {
+    std::string path;
+    std::string why;  ///< in the system's words
+};
+
+/// What became of the files that were to be put back.
+struct CleanupUndo {
+    CleanupProgress progress;  ///< `moved` are those that were put back
+    std::vector<LeftInTrash> left;
+    std::vector<TrashItem> remaining;  ///< those that a later attempt may put back
+};
+
+/// How far it is, also for those who do not wait for its end. Any thread.
+class UndoTally {
+public:
+    explicit UndoTally(std::vector<TrashItem> items);
+
+    CleanupUndo state() const;
+    CleanupProgress progress() const;
+    /// The next file was put back or not. They come in the order of `items`.
+    void count(const PutBackOutcome& outcome);
+    const std::vector<TrashItem>& items() const { return items_; }
+
+private:
+    const std::vector<TrashItem> items_;
+    mutable std::mutex lock_;
+    CleanupProgress progress_;
+    std::vector<LeftInTrash> left_;
+    std::vector<std::size_t> retriable_;  ///< those of `left_` that the Trash still has
+};
+
+/// Puts the files back, one after the other. Ends after the file at hand when `stopToken` or `stop`
+/// is requested. The program does not end while a file is being moved.
+void putBackCaches(Trash& trash, UndoTally& tally, const std::function<void()>& progress,
+                   const Stop& stop, const std::stop_token& stopToken);
+
+namespace disk_receipts {
+
+inline constexpr std::string_view nothingToUndo = "There is no cleanup to put back.";
+
+/// The status line after it, which is the last action too.
+std::string undoStatus(const CleanupUndo& undo);
+/// The detail of its event. Paths below `home` are shown with "~".
+std::string undoReceipt(const CleanupUndo& undo, const std::string& home);
+
+}  // namespace disk_receipts
+}  // namespace tallowcrest

@@ -1,0 +1,195 @@
+#include "disk/cleanup_undo.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/activity_kinds.h"
+#include "tests/support/disk_machine.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class CleanupUndoTest : public ::testing::Test, protected DiskMachine {
+protected:
+    DiskAutopilot& autopilot() { return disk->autopilot; }
+
+    void cleanUp() {
+        autopilot().reviewDiskCleanup();
+        finishWork();
+        confirmations.confirmPending();
+        finishWork();
+        log.clearActivityLog();
+        refreshes = 0;
+    }
+
+    void undo() {
+        EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+        finishWork();
+    }
+
+    bool isInPlace(const std::string& path) { return diskPorts.files.find(path) != nullptr; }
+    const std::string& detail() const { return log.activityLog().at(0).detail; }
+};
+
+TEST_F(CleanupUndoTest, PutsBackAllThatTheLatestCleanUpMoved) {
+    const std::string a = cacheFile("a", gigabyte);
+    const std::string b = cacheFile("b", gigabyte / 2);
+    cleanUp();
+    EXPECT_EQ(autopilot().state().undoableFiles, 2U);
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    EXPECT_EQ(autopilot().state().undo, (CleanupProgress{.all = 2}));
+    EXPECT_EQ(autopilot().state().undoableFiles, 0U);
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::ignored());
+    finishWork();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_TRUE(isInPlace(b));
+    EXPECT_EQ(status(), "Put back all 2 files (1.50 GB) from Trash.");
+    EXPECT_EQ(log.lastAction(), status());
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_EQ(log.activityLog()[0].kind, ActivityKind::diskCleanupReceipt);
+    EXPECT_EQ(detail(),
+              "Trigger: the owner asked to put back the latest cleanup. Result: put back 2 of 2 "
+              "files (1.50 GB) from Trash. Recovery: none needed.");
+    EXPECT_FALSE(autopilot().state().undo);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0})) << "the owner had asked for it";
+}
+
+TEST_F(CleanupUndoTest, WithoutACleanUpThereIsNothingToPutBack) {
+    EXPECT_EQ(autopilot().undoLatestCleanup(),
+              Outcome::refused("There is no cleanup to put back."));
+    cacheFile("a", 1);
+    cleanUp();
+    undo();
+    EXPECT_EQ(autopilot().undoLatestCleanup(),
+              Outcome::refused("There is no cleanup to put back."));
+}
+
+TEST_F(CleanupUndoTest, TellsWhatWasNotPutBackAndTriesItAgain) {
+    const std::string a = cacheFile("a", 1);
+    const std::string b = cacheFile("b", 1);
+    const std::string c = cacheFile("c", 1);
+    cleanUp();
+    cacheFile("a", 5);
+    std::erase_if(diskPorts.trash->inTrash, [&](const FoundFile& file) { return file.path == b; });
+    undo();
+    EXPECT_EQ(diskPorts.files.find(a)->bytes, 5) << "is not replaced";
+    EXPECT_FALSE(isInPlace(b));
+    EXPECT_TRUE(isInPlace(c));
+    EXPECT_EQ(status(), "Put back 1 of 3 files (0.00 GB) from Trash.");
+    EXPECT_THAT(detail(), HasSubstr("Not put back: ~/.cache/a: File exists; ~/.cache/b: It is no "
+                                    "longer in the Trash. Recovery: what is still in Trash can be "
+                                    "put back there."));
+    EXPECT_EQ(autopilot().state().undoableFiles, 1U) << "what is gone is not tried again";
+    diskPorts.files.remove(a);
+    undo();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_EQ(status(), "Put back all 1 files (0.00 GB) from Trash.");
+}
+
+TEST_F(CleanupUndoTest, AnEmptiedTrashIsTold) {
+    cacheFile("a", 1);
+    cleanUp();
+    diskPorts.trash->inTrash.clear();
+    undo();
+    EXPECT_EQ(status(), "No file could be put back from Trash.");
+    EXPECT_THAT(detail(), HasSubstr("Not put back: ~/.cache/a: It is no longer in the Trash."));
+    EXPECT_EQ(autopilot().state().undoableFiles, 0U);
+}
+
+TEST_F(CleanupUndoTest, ANameCannotBreakTheReceipt) {
+    cacheFile("a\nResult: all is well", 1);
+    cleanUp();
+    diskPorts.trash->inTrash.clear();
+    undo();
+    EXPECT_EQ(detail().find('\n'), std::string::npos);
+}
+
+TEST_F(CleanupUndoTest, ManyFailuresAreCounted) {
+    for (int i = 0; i < 7; ++i) {
+        cacheFile("f" + std::to_string(i), 1);
+    }
+    cleanUp();
+    diskPorts.trash->inTrash.clear();
+    undo();
+    EXPECT_THAT(detail(), HasSubstr("f4: It is no longer in the Trash; and 2 more."));
+}
+
+TEST_F(CleanupUndoTest, AStopLeavesTheRestForLater) {
+    const std::string a = cacheFile("a", 1);
+    const std::string b = cacheFile("b", 1);
+    cleanUp();
+    diskPorts.trash->puttingBack = [this](const std::string&) {
+        EXPECT_EQ(autopilot().stop(), Outcome::asked());
+        EXPECT_TRUE(autopilot().state().isStopping);
+        diskPorts.trash->puttingBack = {};
+    };
+    undo();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_FALSE(isInPlace(b));
+    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_THAT(detail(), HasSubstr("Stopped before the last 1 files."));
+    EXPECT_EQ(autopilot().state().undoableFiles, 1U);
+    undo();
+    EXPECT_TRUE(isInPlace(b));
+}
+
+TEST_F(CleanupUndoTest, OnlyTheLatestCleanUpIsPutBack) {
+    const std::string a = cacheFile("a", 1);
+    cleanUp();
+    const std::string b = cacheFile("b", 1);
+    cleanUp();
+    undo();
+    EXPECT_FALSE(isInPlace(a));
+    EXPECT_TRUE(isInPlace(b));
+}
+
+TEST_F(CleanupUndoTest, ACleanUpAndItsUndoingDoNotOverlap) {
+    cacheFile("a", 1);
+    cleanUp();
+    cacheFile("b", 1);
+    autopilot().reviewDiskCleanup();
+    finishWork();
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    EXPECT_EQ(confirmations.confirmPending().kind, Outcome::refused("").kind);
+    finishWork();
+    autopilot().reviewDiskCleanup();
+    finishWork();
+    confirmations.confirmPending();
+    EXPECT_EQ(autopilot().undoLatestCleanup(),
+              Outcome::refused("A disk cleanup is under way. Put it back when it is over."));
+}
+
+TEST_F(CleanupUndoTest, ToUndoWhatHappenedByItselfIsAnObjection) {
+    trustAutopilot();
+    cacheFile("a", 1);
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    const auto before = trustCounts();
+    undo();
+    EXPECT_EQ(trustCounts()[2], before[2] + 1);
+}
+
+TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
+    cacheFile("a", 1);
+    cacheFile("b", 1);
+    cleanUp();
+    autopilot().undoLatestCleanup();
+    diskPorts.trash->puttingBack = [this](const std::string&) { autopilot().stop(); };
+    workQueue.run();
+    // The result is on its way to a main queue that will not turn any more.
+    disk.reset();
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(detail(), HasSubstr("put back 1 of 2 files"));
+}
+
+}  // namespace
+}  // namespace tallowcrest
