@@ -10,8 +10,13 @@
 #include "core/settings/settings_owner.h"
 #include "platform/base/environment.h"
 #include "platform/base/local_public_key.h"
+#include "platform/files/device_of.h"
+#include "platform/files/file_copy_posix.h"
+#include "platform/files/file_walk_posix.h"
+#include "platform/files/largest_files_search_posix.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
+#include "platform/trash/system_trash.h"
 
 namespace tallowcrest {
 namespace {
@@ -28,6 +33,21 @@ OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
     }
     // Points of days ago must not be taken for those of this run.
     return readSettingsStore(settingsFile(), {settings_keys::historyKey});
+}
+
+/// Without the owner's settings to write, only what reads.
+DiskPorts diskPorts(SettingsAccess access, const Clock& clock, DiskDesktopPorts desktop) {
+    DiskPorts ports{
+        .largestFiles = std::make_shared<PosixLargestFilesSearch>(host::lowerThreadPriority),
+        .places = host::diskPlaces(),
+        .desktop = std::move(desktop),
+        .deviceOf = deviceOf};
+    if (access == SettingsAccess::readWrite) {
+        ports.walk = std::make_shared<PosixFileWalk>();
+        ports.trash = host::makeTrash(clock, utcOffsetOfThisMachine);
+        ports.copy = std::make_shared<PosixFileCopy>();
+    }
+    return ports;
 }
 
 }  // namespace
@@ -72,6 +92,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .reports = {.folder = reportFolder, .utcOffset = utcOffsetOfThisMachine},
         .advisor =
             desktop.makeAdvisorPorts ? desktop.makeAdvisorPorts(stop_.get_token()) : AdvisorPorts(),
+        .disk = diskPorts(access, clock_, std::move(desktop.disk)),
         .integration = std::move(desktop.integration),
         .sampleApplied = std::move(sampleApplied)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),

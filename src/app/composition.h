@@ -32,6 +32,7 @@ struct DesktopServices {
     PosixReportFolder::Reveal revealFile = {};
     /// A requested stop ends what waits in the ports.
     std::function<AdvisorPorts(std::stop_token)> makeAdvisorPorts = {};
+    DiskDesktopPorts disk = {};
     IntegrationPorts integration = {};
     /// Null for that of ICU alone.
     std::shared_ptr<const Locale> locale = {};

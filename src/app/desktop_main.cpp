@@ -174,6 +174,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
                  return AdvisorPorts{desktop::makeSecretStore(std::move(stop)),
                                      std::make_shared<HttpModule>()};
              },
+         .disk = {.reveal = desktop::revealFile, .chooseFolder = desktop::chooseFolder},
          .integration = {.notifications = notifications.get(), .openRoute = openRoute},
          .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});
     int status = 0;

@@ -13,8 +13,10 @@
 #include "app/composition.h"
 #include "app/console.h"
 #include "app/headless_advisor.h"
+#include "app/headless_disk.h"
 #include "app/headless_format.h"
 #include "app/open_metrics.h"
+#include "core/activity_log.h"
 #include "core/settings/settings.h"
 #include "platform/base/replaced_file.h"
 #include "platform/base/run_loop.h"
@@ -30,7 +32,7 @@ namespace {
 constexpr std::chrono::milliseconds shortInterval{500};
 
 std::chrono::milliseconds intervalOf(const Options& options) {
-    return options.remote || options.ask || options.analyze
+    return options.remote || options.ask || options.analyze || options.storage || options.largeFiles
                ? shortInterval
                : options.interval.value_or(SystemMonitor::sampleInterval);
 }
@@ -40,7 +42,8 @@ void complainOfFile(const std::string& path, const std::string& problem) {
 }
 
 /// Prints each sample when it is applied, or the report, or the results of a scan of other
-/// machines, or what the advisor says, and stops the loop after the last sample that was requested.
+/// machines, or what the advisor says, or what is on the disk, and stops the loop after the last
+/// sample that was requested.
 class SamplePrinter {
 public:
     SamplePrinter(const Options& options, RunLoop& loop) : options_(options), loop_(loop) {}
@@ -64,6 +67,10 @@ public:
         }
         if (options_.ask || options_.analyze) {
             askAdvisor(monitor);
+            return;
+        }
+        if (options_.storage || options_.largeFiles) {
+            readDisk(monitor);
             return;
         }
         if (!write(textOf(monitor))) {
@@ -160,6 +167,26 @@ private:
         advisor_->begin(options_.ask);
     }
 
+    /// Begins after the first sample, which tells how much of the disk is in use.
+    void readDisk(SystemMonitor& monitor) {
+        if (++printed_ != 1) {
+            return;
+        }
+        const auto task =
+            options_.storage ? HeadlessDisk::Task::storage : HeadlessDisk::Task::largeFiles;
+        disk_.emplace(monitor, task, options_.json,
+                      [this](const std::string& text, const std::string& status) {
+                          if (text.empty()) {
+                              complain(printableText(status).text);
+                          }
+                          finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
+                      });
+        if (!disk_->begin()) {
+            complain(printableText(monitor.log().lastAction()).text);
+            finish(EXIT_FAILURE);
+        }
+    }
+
     void finish(int status) {
         isDone_ = true;
         loop_.stop(status);
@@ -173,6 +200,7 @@ private:
     bool isDone_ = false;
     std::optional<SystemSnapshot> figures_;  ///< what the advisor was asked about
     std::optional<HeadlessAdvisor> advisor_;
+    std::optional<HeadlessDisk> disk_;
 };
 
 }  // namespace

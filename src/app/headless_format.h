@@ -6,6 +6,7 @@
 
 #include "core/local_records.h"
 #include "core/remote_records.h"
+#include "disk/disk_records.h"
 
 namespace tallowcrest {
 
@@ -45,5 +46,18 @@ std::string answerBlock(const Answer& answer);
 /// The same as one line of JSON, line end included: `question` (null for an analysis), `answer`,
 /// and `figures` with the members of the snapshot that answers speak of, under their own names.
 std::string answerJSON(const Answer& answer);
+
+/// A measured area of the disk as one readable line. Control characters as in `sampleBlock`.
+std::string storageRow(const DiskStorageOffender& area);
+
+/// The same as one line of JSON, line end included, with the members of the record under their own
+/// names, as in `sampleJSON`. Bytes of a path that are no UTF-8 are U+FFFD.
+std::string storageJSON(const DiskStorageOffender& area);
+
+/// A large personal file, and what to consider about it, as two readable lines.
+std::string largeFileRow(const StorageOptimizationSuggestion& file);
+
+/// The same as one line of JSON, as `storageJSON`.
+std::string largeFileJSON(const StorageOptimizationSuggestion& file);
 
 }  // namespace tallowcrest

@@ -85,6 +85,12 @@ private:
         if (name == "--remote") {
             return &options_.remote;
         }
+        if (name == "--storage") {
+            return &options_.storage;
+        }
+        if (name == "--large-files") {
+            return &options_.largeFiles;
+        }
         if (name == "--analyze") {
             return &options_.analyze;
         }
@@ -167,6 +173,8 @@ private:
                                               : options_.remote      ? "--remote"
                                               : options_.ask         ? "--ask"
                                               : options_.analyze     ? "--analyze"
+                                              : options_.storage     ? "--storage"
+                                              : options_.largeFiles  ? "--large-files"
                                                                      : "";
         if (!options_.headless && !headlessOnly.empty()) {
             fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
@@ -190,18 +198,29 @@ private:
                                                                           ? "--samples"
                                                                           : "--interval"));
         }
-        checkAdvisor();
+        checkSingleAnswer();
     }
 
-    void checkAdvisor() {
-        const std::string_view asked = options_.ask ? "--ask" : options_.analyze ? "--analyze" : "";
-        const std::string_view other = options_.ask && options_.analyze ? "--analyze"
-                                       : options_.report                ? "--report"
-                                       : options_.remote                ? "--remote"
-                                       : options_.openMetrics           ? "--openmetrics"
-                                       : options_.samples               ? "--samples"
-                                       : options_.interval              ? "--interval"
-                                                                        : "";
+    /// What gives one answer goes with nothing but "--json".
+    void checkSingleAnswer() {
+        const std::string_view asked = options_.ask          ? "--ask"
+                                       : options_.analyze    ? "--analyze"
+                                       : options_.storage    ? "--storage"
+                                       : options_.largeFiles ? "--large-files"
+                                                             : "";
+        const auto isOther = [&asked](bool isGiven, std::string_view name) {
+            return isGiven && asked != name;
+        };
+        const std::string_view other = isOther(options_.analyze, "--analyze")   ? "--analyze"
+                                       : isOther(options_.storage, "--storage") ? "--storage"
+                                       : isOther(options_.largeFiles, "--large-files")
+                                           ? "--large-files"
+                                       : options_.report      ? "--report"
+                                       : options_.remote      ? "--remote"
+                                       : options_.openMetrics ? "--openmetrics"
+                                       : options_.samples     ? "--samples"
+                                       : options_.interval    ? "--interval"
+                                                              : "";
         if (!asked.empty() && !other.empty()) {
             fail(fmt::format("option '{}' cannot go with '{}'", asked, other));
         }
@@ -248,6 +267,8 @@ Usage: tallowcrest [options]
     --remote          scan the other machines once, print them and end
     --ask QUESTION    answer a question about this machine and end
     --analyze         print an analysis of this machine and end
+    --storage         measure the areas of the disk, print them and end
+    --large-files     print the largest personal files and end
   --ui-testing        keep the setup wizard away
   --version           print the version
   -h, --help          print this text

@@ -18,6 +18,8 @@ struct Options {
     bool json = false;
     bool report = false;             ///< print the diagnostics report and end
     bool remote = false;             ///< scan other machines once and end
+    bool storage = false;            ///< measure the storage areas once and end
+    bool largeFiles = false;         ///< look for large personal files once and end
     bool redacted = false;           ///< the report without private data
     bool analyze = false;            ///< print an analysis and end
     std::optional<std::string> ask;  ///< print the answer to it and end

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "actions/graceful_quit.h"
 #include "advisor/advisor_ports.h"
+#include "disk/disk_ports.h"
 #include "integration/notification_center.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/tool_launcher.h"
@@ -30,6 +34,11 @@ void storeOnClipboard(const std::string& text);
 /// Shows a file, selected, in a file manager; opens its folder if no file manager answers. Returns
 /// immediately. Failures are ignored.
 void revealFile(const std::filesystem::path& file);
+
+/// Asks for one folder in a dialog of the active window, as `DiskDesktopPorts::chooseFolder` says.
+std::unique_ptr<FolderQuestion> chooseFolder(
+    std::string_view title, std::string_view button,
+    std::function<void(std::optional<std::string>)> answered);
 
 /// Starts the first application of `paths` that is installed, without a shell. The paths are
 /// absolute. A program must be in `allowed`; an application bundle is a folder, which the desktop

@@ -8,6 +8,7 @@
 
 #include "actions/process_control.h"
 #include "core/places.h"
+#include "disk/disk_ports.h"
 #include "remote/tailnet_reading.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/process_details.h"
@@ -57,6 +58,10 @@ std::filesystem::path dataDirectory();
 
 /// The places on disk that displayed texts name.
 Places places();
+
+/// Where the disk's care looks on this machine. Empty where the home directory is unknown. May read
+/// a file.
+DiskPlaces diskPlaces();
 
 /// The folder for exported reports, as an absolute path. It need not exist. Empty when it cannot be
 /// determined. May read a file.

@@ -180,6 +180,27 @@ TEST(Options, RejectsHeadlessOptionsWithoutHeadless) {
     EXPECT_TRUE(accepted({"--samples", "3", "--version"}).showVersion);
 }
 
+TEST(Options, StorageAndLargeFilesAreReadOnceAndGoWithNothingElse) {
+    EXPECT_TRUE(accepted({"--headless", "--storage", "--json"}).storage);
+    EXPECT_TRUE(accepted({"--headless", "--large-files", "--json"}).largeFiles);
+    EXPECT_FALSE(accepted({"--headless"}).storage);
+    EXPECT_FALSE(accepted({"--headless"}).largeFiles);
+    for (const std::string option : {"--storage", "--large-files"}) {
+        EXPECT_EQ(refusal({option}), "option '" + option + "' needs '--headless'");
+        for (const std::vector<std::string>& other : std::vector<std::vector<std::string>>{
+                 {"--report"}, {"--remote"}, {"--samples", "2"}, {"--interval", "2"}}) {
+            std::vector<std::string> arguments{"--headless", option};
+            arguments.insert(arguments.end(), other.begin(), other.end());
+            EXPECT_EQ(refusal(arguments),
+                      "option '" + option + "' cannot go with '" + other[0] + "'");
+        }
+    }
+    EXPECT_EQ(refusal({"--headless", "--storage", "--large-files"}),
+              "option '--storage' cannot go with '--large-files'");
+    EXPECT_EQ(refusal({"--headless", "--storage", "--analyze"}),
+              "option '--analyze' cannot go with '--storage'");
+}
+
 TEST(Options, Report) {
     EXPECT_TRUE(accepted({"--headless", "--report"}).report);
     EXPECT_FALSE(accepted({"--headless", "--report"}).redacted);
@@ -244,9 +265,9 @@ TEST(Options, MessagesShortenALongArgumentBetweenCharacters) {
 
 TEST(Options, HelpListsEveryOptionInNarrowLines) {
     const std::string help(helpText());
-    for (const char* option :
-         {"--headless", "--json", "--samples", "--interval", "--ui-testing", "--openmetrics",
-          "--report", "--remote", "--redacted", "--version", "--help", "-h"}) {
+    for (const char* option : {"--headless", "--json", "--samples", "--interval", "--ui-testing",
+                               "--openmetrics", "--report", "--remote", "--storage",
+                               "--large-files", "--redacted", "--version", "--help", "-h"}) {
         EXPECT_THAT(help, HasSubstr(option));
     }
     std::size_t longest = 0;

@@ -7,6 +7,17 @@ Places places() {
     return {.caches = "~/.cache", .tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
 }
 
+DiskPlaces diskPlaces() {
+    const UserFolders folders = userFolders();
+    if (folders.home.empty()) {
+        return {};
+    }
+    return {.home = folders.home,
+            .caches = folders.caches,
+            .areas = linuxStorageAreas(folders),
+            .personal = personalFolders(folders)};
+}
+
 std::filesystem::path reportsDirectory() {
     const std::filesystem::path documents = documentsDirectory();
     return documents.empty() ? documents : documents / "Tallowcrest/outputs/reports";

@@ -44,6 +44,21 @@ std::optional<std::string> absolutePath(const std::string& value, std::string_vi
     return std::nullopt;
 }
 
+/// Without a slash at the end, and without "." and "..". A text that is no path stays.
+std::string normal(const std::string& path) {
+    std::string result = std::filesystem::path(path).lexically_normal();
+    while (result.size() > 1 && result.ends_with('/')) {
+        result.pop_back();
+    }
+    return result;
+}
+
+/// By the XDG rules a relative path counts as not set.
+std::string folderOfVariable(const char* variable, const std::string& usual) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value == '/' ? normal(value) : usual;
+}
+
 }  // namespace
 
 std::optional<std::string> userDirectory(std::string_view text, std::string_view name,
@@ -66,16 +81,31 @@ std::optional<std::string> userDirectory(std::string_view text, std::string_view
     return found;
 }
 
-std::filesystem::path documentsDirectory() {
-    const std::filesystem::path home = userAccount().homeDirectory;
-    if (!home.is_absolute()) {
+UserFolders userFolders() {
+    const std::string home = normal(userAccount().homeDirectory);
+    if (!home.starts_with('/')) {
         return {};
     }
-    const char* config = std::getenv("XDG_CONFIG_HOME");
-    const std::filesystem::path folder =
-        config != nullptr && *config == '/' ? std::filesystem::path(config) : home / ".config";
-    return userDirectory(readRegularFile(folder / "user-dirs.dirs"), "DOCUMENTS", home.string())
-        .value_or((home / "Documents").string());
+    UserFolders folders;
+    folders.home = home;
+    folders.configuration = folderOfVariable("XDG_CONFIG_HOME", home + "/.config");
+    folders.data = folderOfVariable("XDG_DATA_HOME", home + "/.local/share");
+    folders.caches = folderOfVariable("XDG_CACHE_HOME", home + "/.cache");
+    const std::string text = readRegularFile(folders.configuration + "/user-dirs.dirs");
+    const auto named = [&](std::string_view name, std::string_view usual) {
+        return normal(userDirectory(text, name, home).value_or(home + '/' + std::string(usual)));
+    };
+    folders.downloads = named("DOWNLOAD", "Downloads");
+    folders.documents = named("DOCUMENTS", "Documents");
+    folders.desktop = named("DESKTOP", "Desktop");
+    folders.videos = named("VIDEOS", "Videos");
+    folders.pictures = named("PICTURES", "Pictures");
+    folders.music = named("MUSIC", "Music");
+    return folders;
+}
+
+std::filesystem::path documentsDirectory() {
+    return userFolders().documents;
 }
 
 }  // namespace tallowcrest

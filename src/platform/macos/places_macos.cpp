@@ -1,3 +1,5 @@
+#include "disk/storage_areas.h"
+#include "platform/base/environment.h"
 #include "platform/host.h"
 
 namespace tallowcrest::host {
@@ -6,6 +8,19 @@ Places places() {
     return {.caches = "~/Library/Caches",
             .tailscaleCLI = "/usr/local/bin/tailscale",
             .portTest = "nc -vz -G 5"};
+}
+
+DiskPlaces diskPlaces() {
+    const std::string home = userAccount().homeDirectory;
+    if (!home.starts_with('/')) {
+        return {};
+    }
+    const UserFolders folders = macOSUserFolders(home);
+    return {.home = folders.home,
+            .caches = folders.caches,
+            .areas = macOSStorageAreas(folders),
+            .personal = personalFolders(folders),
+            .unreadableData = "APFS data"};
 }
 
 std::filesystem::path reportsDirectory() {

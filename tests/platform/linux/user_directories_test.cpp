@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/scoped_variable.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -91,6 +92,25 @@ TEST_F(DocumentsDirectory, IgnoresARelativeConfigurationFolder) {
     ::setenv("XDG_CONFIG_HOME", "relative", 1);
     EXPECT_NE(documentsDirectory(), "/srv/papers");
     EXPECT_TRUE(documentsDirectory().is_absolute());
+}
+
+TEST_F(DocumentsDirectory, AllFoldersAreThoseOfTheEntriesAndTheEnvironment) {
+    std::ofstream(config.path() / "user-dirs.dirs")
+        << "XDG_DOWNLOAD_DIR=\"$HOME/Geladenes/\"\nXDG_VIDEOS_DIR=\"$HOME/\"\n"
+           "XDG_MUSIC_DIR=\"/srv//music/.\"\n";
+    const ScopedVariable caches("XDG_CACHE_HOME", "/var/tmp/caches/");
+    const ScopedVariable data("XDG_DATA_HOME", "relative");
+    const UserFolders folders = userFolders();
+    ASSERT_TRUE(folders.home.starts_with('/'));
+    EXPECT_EQ(folders.downloads, folders.home + "/Geladenes");
+    EXPECT_EQ(folders.videos, folders.home) << "there is none of its own";
+    EXPECT_EQ(folders.music, "/srv/music");
+    EXPECT_EQ(folders.pictures, folders.home + "/Pictures");
+    EXPECT_EQ(folders.desktop, folders.home + "/Desktop");
+    EXPECT_EQ(folders.documents, folders.home + "/Documents");
+    EXPECT_EQ(folders.caches, "/var/tmp/caches");
+    EXPECT_EQ(folders.data, folders.home + "/.local/share");
+    EXPECT_EQ(folders.configuration, config.path());
 }
 
 TEST_F(DocumentsDirectory, AFIFOInPlaceOfTheFileDoesNotBlock) {

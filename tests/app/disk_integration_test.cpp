@@ -1,0 +1,164 @@
+// The disk's care of the composed program, on real folders.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/composition.h"
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
+#include "core/confirmation_desk.h"
+#include "disk/disk.h"
+#include "platform/base/run_loop.h"
+#include "tests/app/own_disk_places.h"
+#include "tests/support/file_text.h"
+
+namespace tallowcrest {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class DiskIntegrationTest : public ::testing::Test {
+protected:
+    DiskIntegrationTest() : composition(loop, SettingsAccess::readWrite, {.disk = desktop()}) {}
+
+    DiskDesktopPorts desktop() {
+        return {.reveal = [this](const fs::path& file) { revealed.push_back(file); },
+                .chooseFolder =
+                    [this](std::string_view, std::string_view,
+                           std::function<void(std::optional<std::string>)> answered) {
+                        loop.post([this, answered = std::move(answered)] {
+                            answered(places.backups().string());
+                        });
+                        return std::make_unique<FolderQuestion>();
+                    }};
+    }
+
+    /// Serves the main queue until it is so.
+    void serveUntil(const std::function<bool()>& isSo) {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        const auto timer = loop.scheduleRepeating(std::chrono::milliseconds(5), [&] {
+            if (isSo() || std::chrono::steady_clock::now() > limit) {
+                loop.stop(0);
+            }
+        });
+        loop.run();
+        EXPECT_TRUE(isSo());
+    }
+
+    void confirm() {
+        ConfirmationDesk& desk = monitor().services().confirmations;
+        serveUntil([&] { return desk.pendingConfirmation().has_value(); });
+        desk.confirmPending();
+    }
+
+    static fs::path write(const fs::path& path, const std::string& text, int daysOld = 0) {
+        fs::create_directories(path.parent_path());
+        std::ofstream(path) << text;
+        const timespec then{std::time(nullptr) - daysOld * 86400L, 0};
+        const timespec times[]{then, then};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        return path;
+    }
+
+    SystemMonitor& monitor() { return composition.monitor(); }
+    DiskAutopilot& autopilot() { return monitor().disk().autopilot; }
+    PersonalFiles& files() { return monitor().disk().files; }
+    /// The detail of the latest receipt.
+    std::string receipt() {
+        for (const ActivityEvent& event : monitor().log().activityLog()) {
+            if (event.kind == ActivityKind::diskCleanupReceipt) {
+                return event.detail;
+            }
+        }
+        return {};
+    }
+
+    OwnDiskPlaces places;
+    RunLoop loop;
+    std::vector<fs::path> revealed;
+    Composition composition;
+};
+
+TEST_F(DiskIntegrationTest, OldCachesAreReviewedMovedToTheTrashAndPutBack) {
+    const fs::path old = write(places.caches() / "a b/old", "old pixels", 40);
+    const fs::path recent = write(places.caches() / "recent", "new", 3);
+    const fs::path personal = write(places.downloads() / "letter", "mine", 400);
+    fs::create_symlink(personal, places.caches() / "link");
+    autopilot().reviewDiskCleanup();
+    confirm();
+    EXPECT_TRUE(fs::exists(old)) << "nothing moves before the answer";
+    serveUntil([&] { return autopilot().state().undoableFiles == 1; });
+    serveUntil([&] { return !autopilot().state().cleanup; });
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_EQ(fileText(places.trash() / "files/old"), "old pixels");
+    EXPECT_THAT(fileText(places.trash() / "info/old.trashinfo"), HasSubstr("/a%20b/old\n"));
+    EXPECT_THAT(receipt(), HasSubstr("Result: moved 1 old regular cache files"));
+    EXPECT_THAT(receipt(), HasSubstr("Scope: " + places.caches().string() + " only"));
+    EXPECT_TRUE(fs::exists(recent));
+    EXPECT_TRUE(fs::exists(personal));
+    EXPECT_TRUE(fs::is_symlink(places.caches() / "link"));
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    serveUntil([&] { return !autopilot().state().undo; });
+    EXPECT_EQ(fileText(old), "old pixels");
+    EXPECT_TRUE(fs::is_empty(places.trash() / "files"));
+    EXPECT_TRUE(fs::is_empty(places.trash() / "info"));
+    EXPECT_THAT(receipt(), HasSubstr("put back 1 of 1 files"));
+    EXPECT_TRUE(composition.shutDown());
+}
+
+TEST_F(DiskIntegrationTest, ALargeFileIsFoundCopiedAndMovedToTheTrash) {
+    const fs::path film = write(places.downloads() / "film.mov", "begin");
+    fs::resize_file(film, 110 << 20);
+    fs::create_symlink(film, places.downloads() / "link.mov");
+    files().analyzePersonalFiles();
+    serveUntil([&] { return !files().state().storageAnalyzerBusy; });
+    ASSERT_EQ(files().state().storageOptimizationSuggestions.size(), 1U);
+    const auto found = files().state().storageOptimizationSuggestions.front();
+    EXPECT_EQ(found.path, film);
+    EXPECT_EQ(found.bytes, 110 << 20);
+    EXPECT_EQ(files().backUpSuggestion(found), Outcome::asked());
+    const fs::path copy = places.backups() / "film.mov";
+    serveUntil([&] { return !revealed.empty(); });
+    EXPECT_EQ(files().state().storageAnalyzerStatus, "Backup complete: film.mov");
+    EXPECT_THAT(revealed, ElementsAre(copy));
+    EXPECT_TRUE(fileText(copy) == fileText(film));
+    files().requestTrashSuggestion(found);
+    confirm();
+    serveUntil([&] { return files().state().storageOptimizationSuggestions.empty(); });
+    EXPECT_FALSE(fs::exists(film));
+    EXPECT_TRUE(fs::exists(places.trash() / "files/film.mov"));
+    EXPECT_TRUE(composition.shutDown());
+}
+
+TEST(DiskComposition, WhereSettingsAreOnlyReadNothingIsMovedOrCopied) {
+    const OwnDiskPlaces places;
+    RunLoop loop;
+    Composition composition(
+        loop, SettingsAccess::readOnly,
+        {.disk = {.chooseFolder = [](auto&&...) { return std::make_unique<FolderQuestion>(); }}});
+    Disk& disk = composition.monitor().disk();
+    EXPECT_EQ(disk.autopilot.reviewDiskCleanup().kind, Outcome::Kind::refused);
+    EXPECT_EQ(disk.files.backUpSuggestion({}).kind, Outcome::Kind::refused);
+    EXPECT_EQ(disk.files.requestTrashSuggestion({}).kind, Outcome::Kind::refused);
+    EXPECT_TRUE(composition.shutDown());
+}
+
+}  // namespace
+}  // namespace tallowcrest
