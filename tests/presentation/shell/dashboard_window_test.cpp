@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QAccessible>
 #include <QMenuBar>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -152,6 +153,16 @@ TEST_F(DashboardWindowTest, EachRouteHasItsTitleSubtitleAndScreen) {
         const auto identifier = u"sidebar."_s + qString(rawValue(each));
         EXPECT_TRUE(visible<SidebarRow>(identifier.toLatin1().constData())->isChecked());
     }
+}
+
+TEST_F(DashboardWindowTest, TheSidebarIsAnAccessibleGroup) {
+    showWithSample();
+    QAccessibleInterface* spoken =
+        QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Routes"_s);
+    EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
 }
 
 TEST_F(DashboardWindowTest, AClickOnASidebarRowSelectsItsRoute) {

@@ -328,16 +328,6 @@ TEST_F(WindowLayoutTest, EveryControlHasANameADescriptionAndAnIdentifier) {
     }
 }
 
-TEST_F(WindowLayoutTest, TheSidebarIsAnAccessibleGroup) {
-    show900x600();
-    QAccessibleInterface* spoken =
-        QAccessible::queryAccessibleInterface(window().findChild<Sidebar*>());
-    ASSERT_NE(spoken, nullptr);
-    EXPECT_EQ(spoken->role(), QAccessible::Grouping);
-    EXPECT_EQ(spoken->text(QAccessible::Name), u"Routes"_s);
-    EXPECT_EQ(spoken->childCount(), static_cast<int>(allAppRoutes.size()));
-}
-
 TEST_F(WindowLayoutTest, TheButtonsWithinATextFieldHaveNames) {
     window().state().navigation.setSelectedRoute(AppRoute::load);
     window().state().navigation.setProcessFilter("editor");
