@@ -27,9 +27,6 @@ struct TrashItem {
     std::string storedName;   ///< what the Trash calls it
     std::string description;  ///< what the Trash has written down about it; empty where it does not
     FileIdentity identity = {};
-    /// Nanoseconds since 1970; 0 where the volume does not tell. Tells a file from a later one that
-    /// was given its inode number.
-    std::int64_t createdAt = 0;
     std::int64_t bytes = 0;
     /// As in `TrashRequest`, tested while it is put back.
     std::optional<std::string> inside = {};

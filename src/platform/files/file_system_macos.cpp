@@ -6,37 +6,10 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "platform/files/entry_kind.h"
 #include "platform/files/file_system.h"
 
 namespace tallowcrest::file_system {
-namespace {
-
-EntryKind kindOfMode(mode_t mode) {
-    if (S_ISREG(mode)) {
-        return EntryKind::regular;
-    }
-    if (S_ISDIR(mode)) {
-        return EntryKind::folder;
-    }
-    return S_ISLNK(mode) ? EntryKind::link : EntryKind::other;
-}
-
-EntryKind kindOfType(unsigned char type) {
-    switch (type) {
-        case DT_REG:
-            return EntryKind::regular;
-        case DT_DIR:
-            return EntryKind::folder;
-        case DT_LNK:
-            return EntryKind::link;
-        case DT_UNKNOWN:
-            return EntryKind::unknown;
-        default:
-            return EntryKind::other;
-    }
-}
-
-}  // namespace
 
 std::optional<EntryStatus> statusOf(int folder, const char* name) {
     struct stat info {};

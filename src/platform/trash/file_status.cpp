@@ -28,10 +28,6 @@ std::optional<FileStatus> read(int folder, const char* name, int flags) {
     status.mode = found.stx_mode;
     status.owner = found.stx_uid;
     status.bytes = static_cast<std::int64_t>(found.stx_size);
-    if ((found.stx_mask & STATX_BTIME) != 0) {
-        constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
-        status.createdAt = found.stx_btime.tv_sec * nanosecondsPerSecond + found.stx_btime.tv_nsec;
-    }
     return status;
 }
 

@@ -19,7 +19,6 @@ struct FileStatus {
     mode_t mode = 0;
     uid_t owner = 0;
     std::int64_t bytes = 0;
-    std::int64_t createdAt = 0;  ///< nanoseconds since 1970; 0 where the volume does not tell
 };
 
 /// The status of an open file, `O_PATH` suffices; absent with `errno`. Any thread, as all below.

@@ -174,7 +174,6 @@ TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
                               .storedName = std::move(storedName),
                               .description = info,
                               .identity = stored->identity,
-                              .createdAt = stored->createdAt,
                               .bytes = stored->bytes,
                               .inside = request.inside}};
 }
@@ -195,8 +194,8 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
         ::openat(trash->files.get(), item.storedName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const auto stored = file.valid() ? statusOf(file.get()) : std::nullopt;
     // Emptied, or emptied and used again: then another file or another time is described.
-    if (!stored || stored->identity != item.identity || stored->createdAt != item.createdAt ||
-        !S_ISREG(stored->mode) || readInfo(*trash, item.storedName) != item.description) {
+    if (!stored || stored->identity != item.identity || !S_ISREG(stored->mode) ||
+        readInfo(*trash, item.storedName) != item.description) {
         return {Result::gone, "It is no longer in the Trash"};
     }
     if (!renameWithoutReplacing(trash->files.get(), item.storedName, place.folder.get(),

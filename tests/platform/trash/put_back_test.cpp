@@ -181,7 +181,7 @@ TEST_F(PutBackTest, WhatTookItsNameInTheTrashStaysThere) {
 
 TEST_F(PutBackTest, AnotherFileWithItsInodeNumberIsNotTakenForIt) {
     const TrashItem item = trashed(inCache("a/thumb"));
-    if (item.createdAt == 0) {
+    if (item.identity.bornAt == 0) {
         GTEST_SKIP() << "this volume does not tell when a file was created";
     }
     const std::string stored = homeTrash / "files/thumb";
@@ -189,10 +189,10 @@ TEST_F(PutBackTest, AnotherFileWithItsInodeNumberIsNotTakenForIt) {
     ASSERT_TRUE(eventually([&] {
         fs::remove(stored);
         write(stored, "another file");
-        return statusAt(AT_FDCWD, stored)->createdAt != item.createdAt;
+        return statusAt(AT_FDCWD, stored)->identity.bornAt != item.identity.bornAt;
     }));
     TrashItem withItsNumber = item;
-    withItsNumber.identity = identityOf(stored);
+    withItsNumber.identity.inode = identityOf(stored).inode;
     expectGone(withItsNumber);
 }
 
