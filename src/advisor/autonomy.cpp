@@ -4,19 +4,19 @@
 #include <cstdint>
 
 #include "advisor/action_catalogue.h"
+#include "advisor/trust_score.h"
 
 namespace tallowcrest {
 namespace {
 
 constexpr std::int64_t leastRuns = 2;
-constexpr std::int64_t leastScore = 75;
 constexpr std::size_t mostRunsByThemselves = 2;
 
 bool isTrusted(const AIActionSuggestion& suggestion, const TrustRecords& records) {
     const auto record = records.find(suggestion.type);
     return advisorAction(suggestion.type) && suggestion.risk != "medium" &&
            record != records.end() && record->second.runCount >= leastRuns &&
-           trustScore(record->second) >= leastScore;
+           trustScore(record->second) >= trustedFrom;
 }
 
 }  // namespace

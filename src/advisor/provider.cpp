@@ -300,7 +300,6 @@ void Provider::finishAIAnalysis(AnalysisResult result, bool runsSafeAction) {
 
 Outcome Provider::fallBack() {
     Outcome outcome = composeOnDeviceAnalysis(true);
-    dependencies_.suggestions.setAIActions({});
     dependencies_.services.log.recordEvent(
         ActivityKind::localAnalysis, "Paid AI was unavailable; used on-device guidance instead.");
     return outcome;

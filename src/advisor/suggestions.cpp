@@ -15,6 +15,7 @@
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "core/jobs/jobs.h"
+#include "core/number_text.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "remote/remote_scan.h"
@@ -22,14 +23,6 @@
 #include "sampling/latest_sample.h"
 
 namespace tallowcrest {
-namespace {
-
-std::string_view pluralEnding(std::size_t count) {
-    return count == 1 ? "" : "s";
-}
-
-}  // namespace
-
 Suggestions::Suggestions(const Dependencies& dependencies)
     : dependencies_(dependencies),
       observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())) {}

@@ -6,7 +6,6 @@ namespace tallowcrest {
 namespace {
 
 constexpr std::int64_t learningFrom = 45;
-constexpr std::int64_t trustedFrom = 75;
 constexpr std::int64_t leastCleanups = 3;
 
 }  // namespace

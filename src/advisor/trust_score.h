@@ -9,6 +9,9 @@
 /// How the counters of an action type are judged; their score is `trustScore`. Pure; any thread.
 namespace tallowcrest {
 
+/// The score from which on a type of action is trusted.
+inline constexpr std::int64_t trustedFrom = 75;
+
 /// "New", "Learning" or "Trusted".
 std::string_view trustLabel(const AITrustRecord& record);
 

@@ -16,7 +16,6 @@
 #include "app/headless_disk.h"
 #include "app/headless_format.h"
 #include "app/open_metrics.h"
-#include "core/activity_log.h"
 #include "core/settings/settings.h"
 #include "platform/base/replaced_file.h"
 #include "platform/base/run_loop.h"
@@ -181,8 +180,8 @@ private:
                           }
                           finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
                       });
-        if (!disk_->begin()) {
-            complain(printableText(monitor.log().lastAction()).text);
+        if (const Outcome outcome = disk_->begin(); !outcome.isAccepted()) {
+            complain(printableText(outcome.message).text);
             finish(EXIT_FAILURE);
         }
     }

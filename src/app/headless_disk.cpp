@@ -18,14 +18,14 @@ HeadlessDisk::HeadlessDisk(SystemMonitor& monitor, Task task, bool asJSON, Found
       found_(std::move(found)),
       changes_(monitor.services().jobs.mainQueue(), [this] { finish(); }) {}
 
-bool HeadlessDisk::begin() {
+Outcome HeadlessDisk::begin() {
     Disk& disk = monitor_.disk();
     if (task_ == Task::storage) {
         changes_.observe({&disk.storage.observable()});
-        return disk.storage.scanStorageAreas().isAccepted();
+        return disk.storage.scanStorageAreas();
     }
     changes_.observe({&disk.files.observable()});
-    return disk.files.analyzePersonalFiles().isAccepted();
+    return disk.files.analyzePersonalFiles();
 }
 
 void HeadlessDisk::finish() {

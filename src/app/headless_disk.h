@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/observable.h"
+#include "core/outcome.h"
 
 namespace tallowcrest {
 
@@ -22,8 +23,8 @@ public:
     /// object per line. The monitor must outlive the object.
     HeadlessDisk(SystemMonitor& monitor, Task task, bool asJSON, Found found);
 
-    /// Called once, after the first sample. False when it cannot be done here.
-    bool begin();
+    /// Called once, after the first sample. Refused with a message when it cannot be done here.
+    Outcome begin();
 
 private:
     void finish();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,6 +22,11 @@ std::string roundedToInteger(double value);
 
 /// Without the fraction.
 std::string cutToInteger(double value);
+
+/// What a regular English noun has behind it for this count: "" or "s".
+constexpr std::string_view pluralEnding(std::integral auto count) {
+    return count == 1 ? "" : "s";
+}
 
 /// The whole of `text` as a decimal integer with an optional sign. Absent for anything else, and
 /// for a number that does not fit.

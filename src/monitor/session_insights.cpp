@@ -92,7 +92,7 @@ SessionInsight remoteRepeater(const Counts& samples) {
         samples.begin(), samples.end(),
         [](const auto& left, const auto& right) { return left.second < right.second; });
     return insight(Kind::remoteRepeater, "Remote Repeater", name,
-                   fmt::format("Led a remote scan {} time{}.", count, count == 1 ? "" : "s"));
+                   fmt::format("Led a remote scan {} time{}.", count, pluralEnding(count)));
 }
 
 }  // namespace

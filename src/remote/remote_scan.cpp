@@ -18,6 +18,7 @@
 #include "core/activity_log.h"
 #include "core/clock.h"
 #include "core/locale.h"
+#include "core/number_text.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "remote/remote_script.h"
@@ -27,10 +28,6 @@
 
 namespace tallowcrest {
 namespace {
-
-std::string_view pluralEnding(std::size_t count) {
-    return count == 1 ? "" : "s";
-}
 
 /// Blocks for at most the deadline of the secure shell, in a job; less when `cancel` is requested.
 RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& context,

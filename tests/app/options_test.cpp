@@ -115,8 +115,12 @@ TEST(Options, TheAdvisorIsAskedAlone) {
     EXPECT_EQ(refusal({"--analyze"}), "option '--analyze' needs '--headless'");
     EXPECT_EQ(refusal({"--headless", "--ask", "why?", "--analyze"}),
               "option '--ask' cannot go with '--analyze'");
-    for (const std::vector<std::string>& other : std::vector<std::vector<std::string>>{
-             {"--report"}, {"--remote"}, {"--samples", "2"}, {"--interval", "1"}}) {
+    for (const std::vector<std::string>& other :
+         std::vector<std::vector<std::string>>{{"--report"},
+                                               {"--remote"},
+                                               {"--openmetrics", "-"},
+                                               {"--samples", "2"},
+                                               {"--interval", "1"}}) {
         for (const std::vector<std::string>& asked :
              std::vector<std::vector<std::string>>{{"--ask", "why?"}, {"--analyze"}}) {
             std::vector<std::string> arguments{"--headless"};
@@ -187,8 +191,12 @@ TEST(Options, StorageAndLargeFilesAreReadOnceAndGoWithNothingElse) {
     EXPECT_FALSE(accepted({"--headless"}).largeFiles);
     for (const std::string option : {"--storage", "--large-files"}) {
         EXPECT_EQ(refusal({option}), "option '" + option + "' needs '--headless'");
-        for (const std::vector<std::string>& other : std::vector<std::vector<std::string>>{
-                 {"--report"}, {"--remote"}, {"--samples", "2"}, {"--interval", "2"}}) {
+        for (const std::vector<std::string>& other :
+             std::vector<std::vector<std::string>>{{"--report"},
+                                                   {"--remote"},
+                                                   {"--openmetrics", "-"},
+                                                   {"--samples", "2"},
+                                                   {"--interval", "2"}}) {
             std::vector<std::string> arguments{"--headless", option};
             arguments.insert(arguments.end(), other.begin(), other.end());
             EXPECT_EQ(refusal(arguments),
