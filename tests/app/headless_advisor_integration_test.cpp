@@ -48,7 +48,7 @@ TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotB
     // Nothing listens on this port, so nothing leaves the machine.
     const ProgramResult result =
         run({"--headless", "--analyze"},
-            {"TALLOWCREST_AI_KEY=sk-secret", "https_proxy=http://127.0.0.1:1"});
+            {"TALLOWCREST_AI_KEY=sk-secret", "https_proxy=http://127.0.0.1:1", "no_proxy="});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardError, "");
     EXPECT_THAT(result.standardOutput,

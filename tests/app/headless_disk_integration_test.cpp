@@ -25,7 +25,7 @@ using ::testing::HasSubstr;
 ProgramResult runLong(const std::vector<std::string>& arguments) {
     constexpr int deadlineSeconds = 900;
     return runProgram(
-        {.path = program, .arguments = arguments, .withoutVariables = displayVariables},
+        {.path = program, .arguments = arguments, .withoutVariables = hiddenVariables},
         deadlineSeconds);
 }
 

@@ -61,7 +61,7 @@ TopOffender topOffender(const TopOffenderFacts& facts);
 /// How many other machines need attention.
 struct RemoteAlerts {
     QString count;  ///< "3 Remote Alerts"; empty for none
-    QString age;    ///< "Scanned 2 min ago", by the newest record
+    QString age;    ///< "Scanned 2 min ago", by the oldest record
 
     bool operator==(const RemoteAlerts&) const = default;
 };
