@@ -10,7 +10,9 @@
 
 namespace tallowcrest {
 LatestSample::LatestSample(SettingsOwner& settings, MainQueue& mainQueue)
-    : observable_(std::make_unique<Observable>(mainQueue)), history_(settings, stored::history) {}
+    : observable_(std::make_unique<Observable>(mainQueue)),
+      firstSample_(std::make_unique<Observable>(mainQueue)),
+      history_(settings, stored::history) {}
 
 LatestSample::~LatestSample() = default;
 
@@ -21,6 +23,9 @@ void LatestSample::setLatestProcesses(std::vector<ProcessSample> processes,
 }
 
 void LatestSample::setSnapshot(SystemSnapshot snapshot) {
+    if (!snapshot_) {
+        firstSample_->changed();
+    }
     snapshot_ = std::move(snapshot);
     observable_->changed();
 }

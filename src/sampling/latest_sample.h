@@ -74,9 +74,13 @@ public:
 
     /// Notifies of a new or regrouped snapshot, a new history point, recommendations and insights.
     Observable& observable() { return *observable_; }
+    /// Notifies once, when there is a snapshot for the first time. For what a sample changes only
+    /// by being there.
+    Observable& firstSample() { return *firstSample_; }
 
 private:
     std::unique_ptr<Observable> observable_;
+    std::unique_ptr<Observable> firstSample_;
     std::optional<SystemSnapshot> snapshot_;
     std::vector<ProcessSample> latestProcesses_;
     std::vector<std::size_t> impactOrder_;

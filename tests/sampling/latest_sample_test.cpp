@@ -184,6 +184,20 @@ TEST_F(LatestSampleTest, NotifiesObserversOncePerSample) {
     EXPECT_EQ(sample.latestProcesses()[0].pid, 7);
 }
 
+TEST_F(LatestSampleTest, NotifiesOfTheFirstSampleOnce) {
+    int told = 0;
+    const Subscription subscription = sample.firstSample().subscribe([&told] { ++told; });
+    sample.appendHistoryPoint();
+    sample.setRecommendations({});
+    with.mainQueue.drain();
+    EXPECT_EQ(told, 0) << "there is no snapshot yet";
+    for (int each = 0; each < 2; ++each) {
+        sample.setSnapshot(ledBy("Arc"));
+        with.mainQueue.drain();
+        EXPECT_EQ(told, 1);
+    }
+}
+
 TEST_F(LatestSampleTest, RegroupsTheLatestProcessesUnderAnotherNeverQuitList) {
     int told = 0;
     const Subscription subscription = sample.observable().subscribe([&told] { ++told; });

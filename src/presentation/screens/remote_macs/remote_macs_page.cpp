@@ -171,15 +171,10 @@ void RemoteMacsPage::inspect(const RemoteHealth& machine) {
 
 std::vector<Observable*> RemoteMacsPage::shows() const {
     Remote& remote = monitor_.remote();
-    std::vector<Observable*> shown{
-        &remote.tailnet.observable(),           &remote.scan.observable(),
-        &remote.profiles.observable(),          &remote.actions.observable(),
-        &monitor_.settingsOwner().observable(), &state_.navigation.observable()};
-    if (!monitor_.sample().snapshot()) {
-        // Only that there is one changes the page.
-        shown.push_back(&monitor_.sample().observable());
-    }
-    return shown;
+    return {&remote.tailnet.observable(),           &remote.scan.observable(),
+            &remote.profiles.observable(),          &remote.actions.observable(),
+            &monitor_.settingsOwner().observable(), &state_.navigation.observable(),
+            &monitor_.sample().firstSample()};
 }
 
 std::vector<HeaderAction> RemoteMacsPage::headerActions() {

@@ -120,6 +120,19 @@ TEST_F(RemoteMacsPageTest, AgesGrowOnceAMinuteWhileThePageShows) {
                 testing::Not(testing::Contains(std::chrono::minutes(1))));
 }
 
+TEST_F(RemoteMacsPageTest, OpenedBeforeTheFirstSampleItIsRefreshedByThatOneAlone) {
+    show();
+    goTo(AppRoute::remoteMacs);
+    finishScan(1, 0);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("remote.summary.attention"), u"0 remote Macs need attention."_s);
+    machine.clock.advance(std::chrono::seconds(150));
+    tick();
+    settle();
+    EXPECT_EQ(textOf("remote.summary.scan"), u"Last scan: just now"_s) << "a sample refreshed it";
+}
+
 TEST_F(RemoteMacsPageTest, TheSectionOfThePeersStaysClosed) {
     showPage();
     click("section.tailscale");
