@@ -11,8 +11,8 @@ ToolRunner::ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed,
     : allowed_(allowed), launcher_(launcher), activityLog_(activityLog), jobs_(jobs) {}
 
 std::string ToolRunner::runTool(const std::string& path, const std::vector<std::string>& arguments,
-                                std::chrono::milliseconds timeout) {
-    return runIfAllowed({path, arguments, timeout, false});
+                                std::chrono::milliseconds timeout, std::stop_token stop) {
+    return runIfAllowed({path, arguments, timeout, false, std::move(stop)});
 }
 
 std::string ToolRunner::runSSH(const std::vector<std::string>& arguments,

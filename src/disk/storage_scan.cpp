@@ -50,7 +50,10 @@ public:
             if (area == nullptr) {
                 return;
             }
-            std::optional<MeasuredArea> measured = measure(*area, tools);
+            std::optional<MeasuredArea> measured = measure(*area, tools, stop);
+            if (!measured && stop.stop_requested()) {
+                return;  // it was cut short
+            }
             const std::lock_guard guard(lock_);
             if (measured) {
                 measured_.push_back(*std::move(measured));
@@ -92,13 +95,14 @@ private:
     }
 
     /// Blocks for at most the time of one measurement. Absent when the folder is missing or cannot
-    /// be measured.
-    std::optional<MeasuredArea> measure(const StorageArea& area, ToolRunner& tools) const {
+    /// be measured, and after a stop.
+    std::optional<MeasuredArea> measure(const StorageArea& area, ToolRunner& tools,
+                                        const std::stop_token& stop) const {
         if (!folderExists(area.folder)) {
             return std::nullopt;
         }
         const auto bytes = parseDiskUsage(
-            tools.runTool("/usr/bin/du", {"-sk", "-x", area.folder}, longestMeasurement));
+            tools.runTool("/usr/bin/du", {"-sk", "-x", area.folder}, longestMeasurement, stop));
         return bytes ? std::optional(
                            MeasuredArea{{area.label, area.folder, *bytes}, deviceOf(area.folder)})
                      : std::nullopt;

@@ -57,8 +57,8 @@ public:
     /// Begins a scan. Ignored while one is in progress.
     Outcome scanStorageAreas();
 
-    /// Ends the scan with the areas that have been measured. An area at hand is not waited for
-    /// longer than two seconds. Ignored while none is in progress.
+    /// Ends the scan with the areas that have been measured. The tools that measure others are
+    /// ended, and not waited for longer than two seconds. Ignored while none is in progress.
     Outcome stop();
 
     /// Shows the folder of a row in the file manager.

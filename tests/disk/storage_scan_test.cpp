@@ -200,6 +200,34 @@ TEST_F(StorageScanTest, AStoppedScanShowsWhatItHasWithoutARemainder) {
     EXPECT_EQ(storage().stop(), Outcome::ignored());
 }
 
+TEST_F(StorageScanTest, AStopEndsTheToolsAtOnceAndDoesNotCountTheirAreas) {
+    const auto write = remote.launcher.onLaunch;
+    remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
+        write(request);
+        if (request.arguments.back().ends_with("/two")) {
+            EXPECT_FALSE(request.stop.stop_requested());
+            storage().stop();
+            EXPECT_TRUE(request.stop.stop_requested());
+            remote.launcher.willWrite("");
+        }
+    };
+    scan();
+    EXPECT_THAT(rows(), ElementsAre("one 10240"));
+    EXPECT_EQ(status(), "Storage scan stopped after 1 of 6 areas.");
+    EXPECT_THAT(remote.launcher.requests, SizeIs(2));
+}
+
+TEST_F(StorageScanTest, TheEndOfTheProgramEndsTheTools) {
+    const auto write = remote.launcher.onLaunch;
+    remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
+        write(request);
+        jobs.stopAll();
+        EXPECT_TRUE(request.stop.stop_requested());
+    };
+    scan();
+    EXPECT_THAT(remote.launcher.requests, SizeIs(1));
+}
+
 TEST_F(StorageScanTest, AScanThatHangsIsForgotten) {
     scan();
     storage().scanStorageAreas();
