@@ -63,7 +63,7 @@ public:
 
     /// Turns off everything that acts by itself. The stop remains engaged across restarts until it
     /// is cleared. Engaging it again repeats all steps. A pending request can still be confirmed,
-    /// and work that is under way is completed, except an automatic clean-up of the disk.
+    /// and work that is under way is completed.
     Outcome engageEmergencyStop();
 
     /// Clears the stop. The automations that it governs remain off until the owner turns them on

@@ -273,7 +273,6 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
                 .progress = {},
                 .stoppedBy = {}},
                std::make_shared<CleanupTally>(all)};
-    stoppedBy_ = receipts::StoppedBy::owner;
     state_.cleanup = run_->tally->progress();
     observable_->changed();
     move_.begin().runWithProgress<CleanupProgress>(
@@ -302,11 +301,7 @@ receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished)
     if (cleanup.progress.done < cleanup.progress.all) {
         cleanup.stoppedBy = ifUnfinished;
     }
-    // To stop what has begun by itself is an objection.
-    const bool isObjected =
-        cleanup.automatic && (cleanup.stoppedBy == receipts::StoppedBy::owner ||
-                              cleanup.stoppedBy == receipts::StoppedBy::emergencyStop);
-    countTrust(cleanup.progress.moved > 0 && !isObjected);
+    countTrust(cleanup.progress.moved > 0);
     setStatus(receipts::status(cleanup));
     dependencies_.services.log.recordEvent(
         cleanup.automatic ? ActivityKind::diskAutopilotReceipt : ActivityKind::diskCleanupReceipt,
@@ -315,7 +310,7 @@ receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished)
 }
 
 void DiskAutopilot::finishCleanup() {
-    const receipts::Cleanup cleanup = recordCleanup(stoppedBy_);
+    const receipts::Cleanup cleanup = recordCleanup(receipts::StoppedBy::owner);
     move_.end();
     state_.cleanup.reset();
     state_.isStopping = isAnyStopping();
@@ -346,10 +341,6 @@ void DiskAutopilot::followEmergencyStop() {
     }
     emergencyStops_ = dependencies_.automation.emergencyStops();
     state_.diskCleanupPlan.reset();
-    if (run_ && run_->cleanup.automatic && move_.stop()) {
-        stoppedBy_ = receipts::StoppedBy::emergencyStop;
-        state_.isStopping = true;
-    }
     observable_->changed();
 }
 

@@ -139,7 +139,6 @@ private:
     std::optional<Run> run_;
     Undoable undoable_;
     std::shared_ptr<UndoTally> undo_;  ///< null while nothing is being put back
-    disk_receipts::StoppedBy stoppedBy_ = disk_receipts::StoppedBy::owner;
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed
     std::unique_ptr<Subscription> automationChanged_;
     StoppableRun scan_;

@@ -28,8 +28,6 @@ std::string_view stopper(StoppedBy by) {
             return "";
         case StoppedBy::owner:
             return "the owner";
-        case StoppedBy::emergencyStop:
-            return "the emergency stop";
         case StoppedBy::shutdown:
             return "the end of Tallowcrest";
     }

@@ -54,7 +54,7 @@ std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches
 std::string stoppedCheckReceipt(double minimumFreeGB);
 
 /// Why a clean-up ended before its last file.
-enum class StoppedBy { nothing, owner, emergencyStop, shutdown };
+enum class StoppedBy { nothing, owner, shutdown };
 
 /// A clean-up that is over.
 struct Cleanup {

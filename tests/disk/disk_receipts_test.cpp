@@ -97,12 +97,12 @@ TEST(DiskReceipts, ACleanUpThatMovedNothingSaysSo) {
 }
 
 TEST(DiskReceipts, AStoppedCleanUpTellsWhatIsLeft) {
-    const Cleanup some = cleanupOf(true, {2, 5, 2, gigabyte}, StoppedBy::emergencyStop);
+    const Cleanup some = cleanupOf(true, {2, 5, 2, gigabyte}, StoppedBy::owner);
     EXPECT_EQ(receipt(some, "~/.cache"),
               "Trigger: free disk space fell below 20.0 GB. Trust: Autopilot · 78% trust · 3 prior "
               "successful runs. Preview: 5 eligible files, capped at 1.5 GB. Result: moved 2 old "
-              "regular cache files (1.00 GB) to Trash. Stopped: by the emergency stop, before the "
-              "last 3 files. Scope: ~/.cache only; Documents, Desktop, Downloads, app data, "
+              "regular cache files (1.00 GB) to Trash. Stopped: by the owner, before the last 3 "
+              "files. Scope: ~/.cache only; Documents, Desktop, Downloads, app data, "
               "packages, and symlinks were excluded. Recovery: open Trash and use Put Back before "
               "emptying it.");
     EXPECT_EQ(finalLine(some), "Stopped the disk cleanup. What it had moved is in Trash.");

@@ -128,7 +128,7 @@ TEST_F(DiskStopTest, TheProgressOfACleanUpIsShown) {
     EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
 }
 
-TEST_F(DiskStopTest, TheEmergencyStopEndsAnAutomaticCleanUp) {
+TEST_F(DiskStopTest, AnAutomaticCleanUpUnderWayRunsToItsEndDespiteTheEmergencyStop) {
     beginAutomatic();
     diskPorts.trash->moving = [this](const std::string& path) {
         if (path.ends_with("/b")) {
@@ -137,14 +137,27 @@ TEST_F(DiskStopTest, TheEmergencyStopEndsAnAutomaticCleanUp) {
         }
     };
     finishWork();
-    EXPECT_THAT(diskPorts.trash->moved, SizeIs(2));
-    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the emergency stop, before the last 1 "
-                                        "files."));
-    // To stop what has begun by itself is an objection.
-    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{2, 3, 1}));
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
+    EXPECT_EQ(status(), "Last cleanup moved 3 files (0.75 GB) to Trash.");
+    EXPECT_THAT(lastDetail(), HasSubstr("Result: moved 3 old regular cache files"));
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{2, 4, 0}));
 }
 
-TEST_F(DiskStopTest, TheEmergencyStopLeavesAConfirmedCleanUp) {
+TEST_F(DiskStopTest, TheOwnerCanStopAnAutomaticCleanUpAfterTheEmergencyStop) {
+    beginAutomatic();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            actions.automation.engageEmergencyStop();
+            autopilot().stop();
+        }
+    };
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(2));
+    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last 1 files."));
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{2, 4, 0})) << "it has moved files";
+}
+
+TEST_F(DiskStopTest, AConfirmedCleanUpRunsToItsEndDespiteTheEmergencyStop) {
     reviewThree();
     confirmations.confirmPending();
     actions.automation.engageEmergencyStop();
