@@ -8,6 +8,7 @@
 #include "core/activity_log.h"
 #include "core/settings/settings.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "platform/base/environment.h"
 #include "platform/base/local_public_key.h"
 #include "platform/files/device_of.h"
@@ -129,6 +130,10 @@ bool Composition::shutDown(std::chrono::milliseconds timeout) {
     stop_.request_stop();
     toolLauncher_.requestStop();
     jobs_.stopAll();
+    // Before a job that hangs can end the program without the monitor's destruction.
+    if (monitor_) {
+        monitor_->disk().autopilot.recordUnfinished();
+    }
     // No component is destroyed while one of its jobs is running.
     if (!workQueue_.finishWithin(timeout)) {
         return false;

@@ -105,12 +105,14 @@ void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& 
         if (stop.isRequested() || stopToken.stop_requested()) {
             return;
         }
+        // Until the file is counted, so that the receipt of a run that the end of the program cuts
+        // short counts it too.
+        const auto change = stop.beginChange();
+        if (!change) {
+            return;
+        }
         TrashOutcome outcome;
         if (policy::isInsideUserCaches(resolvedPath(file.path), root)) {
-            const auto change = stop.beginChange();
-            if (!change) {
-                return;
-            }
             outcome = trash.moveToTrash({.path = file.path,
                                          .inside = root,
                                          .identity = file.identity,

@@ -47,12 +47,16 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
          .cancel = [this](const ConfirmationRequest&) { cancelCleanup(); }});
 }
 
-DiskAutopilot::~DiskAutopilot() {
-    if (run_ && run_->tally->progress().moved > 0) {
-        recordCleanup(receipts::StoppedBy::shutdown);
+DiskAutopilot::~DiskAutopilot() = default;
+
+void DiskAutopilot::recordUnfinished() {
+    if (run_) {
+        recordCleanup();
+        move_.forget();
     }
-    if (undo_ && undo_->progress().moved > 0) {
+    if (undo_) {
         recordUndo();
+        putBack_.forget();
     }
 }
 
@@ -291,7 +295,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
         [this] { finishCleanup(); });
 }
 
-receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished) {
+receipts::Cleanup DiskAutopilot::recordCleanup() {
     const Run run = *std::exchange(run_, std::nullopt);
     if (std::vector<TrashItem> moved = run.tally->moved(); !moved.empty()) {
         setUndoable(std::move(moved), run.cleanup.automatic);
@@ -299,7 +303,8 @@ receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished)
     receipts::Cleanup cleanup = run.cleanup;
     cleanup.progress = run.tally->progress();
     if (cleanup.progress.done < cleanup.progress.all) {
-        cleanup.stoppedBy = ifUnfinished;
+        cleanup.stoppedBy =
+            move_.isStopping() ? receipts::StoppedBy::owner : receipts::StoppedBy::shutdown;
     }
     countTrust(cleanup.progress.moved > 0);
     setStatus(receipts::status(cleanup));
@@ -310,7 +315,7 @@ receipts::Cleanup DiskAutopilot::recordCleanup(receipts::StoppedBy ifUnfinished)
 }
 
 void DiskAutopilot::finishCleanup() {
-    const receipts::Cleanup cleanup = recordCleanup(receipts::StoppedBy::owner);
+    const receipts::Cleanup cleanup = recordCleanup();
     move_.end();
     state_.cleanup.reset();
     state_.isStopping = isAnyStopping();

@@ -56,7 +56,6 @@ public:
     static constexpr std::string_view actionType = "disk_cleanup";
 
     explicit DiskAutopilot(Dependencies dependencies);
-    /// A clean-up that the end of the program has stopped leaves its receipt.
     ~DiskAutopilot();
     DiskAutopilot(const DiskAutopilot&) = delete;
     DiskAutopilot& operator=(const DiskAutopilot&) = delete;
@@ -84,6 +83,10 @@ public:
     /// Stops the scan, the clean-up and the undoing under way, the latter two after the file at
     /// hand. Ignored when there is none.
     Outcome stop();
+
+    /// For the end of the program, after `Jobs::stopAll`: writes the receipts of a clean-up and of
+    /// an undoing that are under way or have not been told yet. Nothing more of them arrives.
+    void recordUnfinished();
 
     /// Notifies of a changed state.
     Observable& observable() { return *observable_; }
@@ -118,7 +121,7 @@ private:
     void beginCleanup(bool automatic, DiskCleanupPlan plan);
     void finishCleanup();
     /// Writes the receipt of `run_` and counts it, and returns what became of it.
-    disk_receipts::Cleanup recordCleanup(disk_receipts::StoppedBy ifUnfinished);
+    disk_receipts::Cleanup recordCleanup();
     void setUndoable(std::vector<TrashItem> items, bool automatic);
     void finishUndo();
     /// Writes the receipt of what `undo_` has put back.

@@ -16,6 +16,11 @@ void StoppableRun::end() {
     patience_.reset();
 }
 
+void StoppableRun::forget() {
+    scope_.reset();
+    end();
+}
+
 bool StoppableRun::stop() {
     return isUnderWay_ && source_.request_stop();
 }
@@ -27,11 +32,10 @@ bool StoppableRun::stopOrForget(std::function<void()> forgotten) {
     constexpr std::chrono::milliseconds patience{2000};
     patience_ =
         jobs_.mainQueue().scheduleRepeating(patience, [this, forgotten = std::move(forgotten)] {
-            scope_.reset();
             // Destroys the timer, and with it this function, in an implementation that does not
             // keep it for the call.
             const auto call = forgotten;
-            end();
+            forget();
             call();
         });
     return true;

@@ -44,6 +44,8 @@ public:
     std::stop_token stopToken() const { return source_.get_token(); }
     /// The work is over.
     void end();
+    /// The same for work that may go on: nothing of it arrives any more.
+    void forget();
 
     /// Asks the work to stop. False when none is under way or it was asked before.
     bool stop();

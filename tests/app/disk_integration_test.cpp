@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,8 +32,10 @@ namespace tallowcrest {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::SizeIs;
 
 class DiskIntegrationTest : public ::testing::Test {
 protected:
@@ -121,6 +124,24 @@ TEST_F(DiskIntegrationTest, OldCachesAreReviewedMovedToTheTrashAndPutBack) {
     EXPECT_TRUE(fs::is_empty(places.trash() / "info"));
     EXPECT_THAT(receipt(), HasSubstr("put back 1 of 1 files"));
     EXPECT_TRUE(composition.shutDown());
+}
+
+TEST_F(DiskIntegrationTest, TheReceiptIsWrittenThoughAnotherJobHangsAtTheEnd) {
+    write(places.caches() / "old", "old pixels", 40);
+    autopilot().reviewDiskCleanup();
+    std::promise<void> release;
+    JobScope scope(monitor().services().jobs);
+    scope.run(
+        Lane::reports, [&](const Stop&) { release.get_future().wait(); }, [] {});
+    confirm();
+    EXPECT_FALSE(composition.shutDown(std::chrono::milliseconds(1)));
+    EXPECT_THAT(receipt(), AnyOf(HasSubstr("moved 1 old regular cache files"),
+                                 HasSubstr("Stopped: by the end of Tallowcrest")));
+    release.set_value();
+    EXPECT_TRUE(composition.shutDown());
+    Composition next(loop, SettingsAccess::readOnly);
+    EXPECT_THAT(next.monitor().log().activityLog(), SizeIs(1));
+    EXPECT_TRUE(next.shutDown());
 }
 
 TEST_F(DiskIntegrationTest, ALargeFileIsFoundCopiedAndMovedToTheTrash) {

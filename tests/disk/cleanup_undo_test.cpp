@@ -186,7 +186,8 @@ TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
     diskPorts.trash->puttingBack = [this](const std::string&) { autopilot().stop(); };
     workQueue.run();
     // The result is on its way to a main queue that will not turn any more.
-    disk.reset();
+    autopilot().recordUnfinished();
+    mainQueue.drain();
     ASSERT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_THAT(detail(), HasSubstr("put back 1 of 2 files"));
 }

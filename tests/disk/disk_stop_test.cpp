@@ -1,5 +1,7 @@
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -166,35 +168,99 @@ TEST_F(DiskStopTest, AConfirmedCleanUpRunsToItsEndDespiteTheEmergencyStop) {
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
 }
 
-TEST_F(DiskStopTest, ACleanUpThatTheEndOfTheProgramCutsShortLeavesItsReceipt) {
-    reviewThree();
-    confirmations.confirmPending();
-    diskPorts.trash->moving = [this](const std::string& path) {
-        if (path.ends_with("/b")) {
-            autopilot().stop();
-        }
-    };
-    workQueue.run();
-    // The result is on its way to a main queue that will not turn any more.
-    log.clearActivityLog();
-    disk.reset();
+/// The end of the program in the middle of a clean-up.
+class DiskEndTest : public DiskStopTest {
+protected:
+    /// Begins a confirmed clean-up of three files.
+    void begin() {
+        reviewThree();
+        confirmations.confirmPending();
+        log.clearActivityLog();
+    }
+
+    /// Runs the clean-up, and begins to end the program while the file `name` is moved.
+    void runAndEndAt(const std::string& name) {
+        std::optional<Stop> stop;
+        JobScope probe(jobs);
+        probe.run(
+            Lane::actions, [&stop](const Stop& given) { stop = given; }, [] {});
+        workQueue.run(1);
+        std::jthread end;
+        diskPorts.trash->moving = [&](const std::string& path) {
+            if (path.ends_with('/' + name)) {
+                end = std::jthread([this] { jobs.stopAll(); });
+                while (!stop->isRequested()) {
+                    std::this_thread::yield();
+                }
+            }
+        };
+        workQueue.run();
+    }
+
+    /// The main queue does not turn any more.
+    void record() {
+        jobs.stopAll();
+        autopilot().recordUnfinished();
+    }
+};
+
+TEST_F(DiskEndTest, ACleanUpThatIsCutShortLeavesItsReceipt) {
+    begin();
+    runAndEndAt("b");
+    record();
     ASSERT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_THAT(lastDetail(), HasSubstr("Result: moved 2 old regular cache files (0.50 GB) to "
                                         "Trash. Stopped: by the end of Tallowcrest, before the "
                                         "last 1 files."));
-    EXPECT_EQ(refreshes, 0);
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
+    // No second one from what waits in the main queue.
+    mainQueue.drain();
+    EXPECT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_EQ(refreshes, 0);
 }
 
-TEST_F(DiskStopTest, ACleanUpThatHasNotBegunEndsWithTheProgramInSilence) {
-    reviewThree();
-    confirmations.confirmPending();
-    log.clearActivityLog();
-    disk.reset();
+TEST_F(DiskEndTest, ACleanUpThatIsCutShortBeforeItMovedAnythingLeavesItsReceipt) {
+    begin();
+    diskPorts.files.remove("/home/owner/.cache/a");
+    runAndEndAt("a");
+    record();
+    EXPECT_THAT(lastDetail(), HasSubstr("Result: no files moved because the run was stopped. "
+                                        "Stopped: by the end of Tallowcrest, before the last 2 "
+                                        "files."));
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 0, 1}));
+}
+
+TEST_F(DiskEndTest, ACleanUpThatHasNotBegunLeavesItsReceipt) {
+    begin();
+    record();
     finishWork();
-    EXPECT_THAT(log.activityLog(), IsEmpty());
     EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
-    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 0, 0}));
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(lastDetail(), HasSubstr("by the end of Tallowcrest, before the last 3 files."));
+}
+
+TEST_F(DiskEndTest, ACleanUpWhoseEndWasNotToldYetLeavesItsReceipt) {
+    begin();
+    workQueue.run();
+    record();
+    mainQueue.drain();
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(lastDetail(), HasSubstr("moved 3 old regular cache files (0.75 GB) to Trash. "
+                                        "Scope:"));
+}
+
+TEST_F(DiskEndTest, WhatTheOwnerHadStoppedIsToldAsSuch) {
+    begin();
+    autopilot().stop();
+    record();
+    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last 3 files."));
+}
+
+TEST_F(DiskEndTest, WithoutACleanUpNothingIsWritten) {
+    reviewThree();
+    log.clearActivityLog();
+    record();
+    EXPECT_THAT(log.activityLog(), IsEmpty());
 }
 
 }  // namespace
