@@ -11,23 +11,32 @@ ToolRunner::ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed,
     : allowed_(allowed), launcher_(launcher), activityLog_(activityLog), jobs_(jobs) {}
 
 std::string ToolRunner::runTool(const std::string& path, const std::vector<std::string>& arguments,
-                                std::chrono::milliseconds timeout, std::stop_token stop) {
-    return runIfAllowed({path, arguments, timeout, false, std::move(stop)});
+                                std::chrono::milliseconds timeout) {
+    return isAllowed(path) ? launchForText(launcher_, {path, arguments, timeout}) : std::string();
+}
+
+std::string ToolRunner::runToolForBytes(const std::string& path,
+                                        const std::vector<std::string>& arguments,
+                                        std::chrono::milliseconds timeout, std::stop_token stop) {
+    return isAllowed(path)
+               ? launcher_.launch({path, arguments, timeout, false, std::move(stop)}).output
+               : std::string();
 }
 
 std::string ToolRunner::runSSH(const std::vector<std::string>& arguments,
                                std::chrono::milliseconds timeout, std::stop_token stop) {
-    return runIfAllowed({"/usr/bin/ssh", arguments, timeout, true, std::move(stop)});
+    const ToolRequest request{"/usr/bin/ssh", arguments, timeout, true, std::move(stop)};
+    return isAllowed(request.path) ? launchForText(launcher_, request) : std::string();
 }
 
-std::string ToolRunner::runIfAllowed(const ToolRequest& request) {
-    if (!CommandSafetyPolicy::isAllowedExecutable(allowed_, request.path)) {
-        jobs_.postToMain([&log = activityLog_] {
-            log.recordMessage("Blocked executable outside Tallowcrest's command allowlist.");
-        });
-        return {};
+bool ToolRunner::isAllowed(const std::string& path) {
+    if (CommandSafetyPolicy::isAllowedExecutable(allowed_, path)) {
+        return true;
     }
-    return launchForText(launcher_, request);
+    jobs_.postToMain([&log = activityLog_] {
+        log.recordMessage("Blocked executable outside Tallowcrest's command allowlist.");
+    });
+    return false;
 }
 
 }  // namespace tallowcrest

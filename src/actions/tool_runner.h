@@ -28,17 +28,23 @@ public:
     /// is not allowed, the launch fails, or the output is not valid UTF-8. A path that is not
     /// allowed returns at once, and the refusal is recorded later, on the main thread. The exit
     /// status is ignored. Blocks; any thread.
-    /// When `stop` is requested, the tool is asked to terminate and the call ends early.
     std::string runTool(const std::string& path, const std::vector<std::string>& arguments,
-                        std::chrono::milliseconds timeout, std::stop_token stop = {});
+                        std::chrono::milliseconds timeout);
+
+    /// The same for a tool whose output has names from the disk, whatever their bytes are. When
+    /// `stop` is requested, the tool is asked to terminate and the call ends early.
+    std::string runToolForBytes(const std::string& path, const std::vector<std::string>& arguments,
+                                std::chrono::milliseconds timeout, std::stop_token stop);
 
     /// The same for the secure shell, with standard error merged into the text in the order of
     /// writing, so that the caller sees the errors of the remote side.
+    /// When `stop` is requested, it ends early.
     std::string runSSH(const std::vector<std::string>& arguments, std::chrono::milliseconds timeout,
                        std::stop_token stop = {});
 
 private:
-    std::string runIfAllowed(const ToolRequest& request);
+    /// Records the refusal where it is not.
+    bool isAllowed(const std::string& path);
 
     const CommandSafetyPolicy::AllowedExecutables& allowed_;
     ToolLauncher& launcher_;

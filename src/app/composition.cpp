@@ -11,10 +11,10 @@
 #include "disk/disk.h"
 #include "platform/base/environment.h"
 #include "platform/base/local_public_key.h"
-#include "platform/files/device_of.h"
 #include "platform/files/file_copy_posix.h"
 #include "platform/files/file_walk_posix.h"
 #include "platform/files/largest_files_search_posix.h"
+#include "platform/files/volume_of.h"
 #include "platform/host.h"
 #include "platform/icu/icu_locale.h"
 #include "platform/trash/system_trash.h"
@@ -42,7 +42,7 @@ DiskPorts diskPorts(SettingsAccess access, const Clock& clock, DiskDesktopPorts 
         .largestFiles = std::make_shared<PosixLargestFilesSearch>(host::lowerThreadPriority),
         .places = host::diskPlaces(),
         .desktop = std::move(desktop),
-        .deviceOf = deviceOf};
+        .volumeOf = volumeOf};
     if (access == SettingsAccess::readWrite) {
         ports.walk = std::make_shared<PosixFileWalk>();
         ports.trash = host::makeTrash(clock, utcOffsetOfThisMachine);

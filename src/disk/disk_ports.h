@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "disk/storage_areas.h"
+#include "disk/volume.h"
 
 namespace tallowcrest {
 
@@ -58,10 +58,10 @@ struct DiskPorts {
     std::shared_ptr<FileCopy> copy = {};
     DiskPlaces places = {};
     DiskDesktopPorts desktop = {};
-    /// The device that a path is on, links followed; absent when it cannot be read. Called on
+    /// What a path is stored on, links followed; absent when it cannot be read. Called on
     /// background threads, several at once. Absent itself where that is not known: all paths then
-    /// count as being on one device.
-    std::function<std::optional<std::uint64_t>(const std::string& path)> deviceOf = {};
+    /// count as being on one volume.
+    std::function<std::optional<Volume>(const std::string& path)> volumeOf = {};
 };
 
 }  // namespace tallowcrest

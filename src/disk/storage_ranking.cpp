@@ -1,6 +1,7 @@
 #include "disk/storage_ranking.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include <fmt/format.h>
@@ -18,9 +19,21 @@ constexpr std::int64_t smallestRemainder = 1073741824;
 /// No disk is larger: 2^60 bytes.
 constexpr std::int64_t largestSize = std::int64_t{1} << 60;
 
+std::optional<std::uint64_t> deviceOf(const MeasuredArea& area) {
+    return area.volume ? std::optional(area.volume->device) : std::nullopt;
+}
+
 /// False when one of them is not known to be on the same device.
 bool mayContain(const MeasuredArea& outer, const MeasuredArea& inner) {
-    return outer.device == inner.device && isInsideFolder(inner.row.path, outer.row.path);
+    return deviceOf(outer) == deviceOf(inner) && isInsideFolder(inner.place, outer.place);
+}
+
+void keepEachPlaceOnce(std::vector<MeasuredArea>& areas) {
+    std::ranges::sort(areas, {}, [](const MeasuredArea& area) {
+        return std::tie(area.place, area.row.path);
+    });
+    const auto repeated = std::ranges::unique(areas, {}, &MeasuredArea::place);
+    areas.erase(repeated.begin(), repeated.end());
 }
 
 /// `du` counts an area inside another one in both.
@@ -53,7 +66,7 @@ std::int64_t usedBytes(const DiskSnapshot& disk) {
 std::int64_t remainderBytes(const std::vector<MeasuredArea>& areas, const UsedSpace& used) {
     std::int64_t left = usedBytes(used.disk);
     for (const MeasuredArea& area : areas) {
-        if (!area.device || !used.device || area.device == used.device) {
+        if (!area.volume || !used.volume || area.volume->fileSystem == used.volume->fileSystem) {
             left -= std::min(left, area.row.bytes);
         }
     }
@@ -78,6 +91,7 @@ std::optional<std::int64_t> parseDiskUsage(std::string_view output) {
 
 std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas,
                                                  const std::optional<UsedSpace>& used) {
+    keepEachPlaceOnce(areas);
     const std::vector<std::int64_t> own = ownBytes(areas);
     std::vector<DiskStorageOffender> rows;
     for (std::size_t i = 0; i < areas.size(); ++i) {

@@ -9,6 +9,7 @@
 
 #include "core/local_records.h"
 #include "disk/disk_records.h"
+#include "disk/volume.h"
 
 /// The figures and the texts of the scan of storage areas. Pure; any thread.
 namespace tallowcrest {
@@ -17,22 +18,24 @@ namespace tallowcrest {
 /// only at its end, or none that a disk can hold.
 std::optional<std::int64_t> parseDiskUsage(std::string_view output);
 
-/// A measured area and the device that it is on; absent when that is not known.
+/// A measured area.
 struct MeasuredArea {
     DiskStorageOffender row;
-    std::optional<std::uint64_t> device = {};
+    std::string place;                   ///< the path of the row without links
+    std::optional<Volume> volume = {};  ///< absent when it is not known
 };
 
 /// What the remainder is computed from.
 struct UsedSpace {
     DiskSnapshot disk;
-    std::optional<std::uint64_t> device = {};  ///< that `disk` tells of
-    std::string unreadableData;                ///< as in `DiskPlaces`
+    std::optional<Volume> volume = {};  ///< that `disk` tells of
+    std::string unreadableData;         ///< as in `DiskPlaces`
 };
 
 /// The rows, largest first and equal ones by their paths. An area that contains others is left with
-/// what is in none of them, and what the used space has beyond all rows on its device follows as a
-/// row of its own if it is above 1 GiB. No such row without `used`.
+/// what is in none of them, and of areas that are links to one folder only the first is a row. What
+/// the used space has beyond all rows on its file system follows as a row of its own if it is above
+/// 1 GiB. No such row without `used`.
 std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas,
                                                  const std::optional<UsedSpace>& used);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <stop_token>
@@ -32,14 +31,14 @@ constexpr std::chrono::milliseconds longestMeasurement{60000};
 /// One scan, shared by its workers. Any thread.
 class StorageScan::Measuring {
 public:
-    using DeviceOf = std::function<std::optional<std::uint64_t>(const std::string& path)>;
+    using VolumeOf = std::function<std::optional<Volume>(const std::string& path)>;
 
     Measuring(std::vector<StorageArea> areas, std::optional<UsedSpace> used, std::string home,
-              DeviceOf deviceOf)
+              VolumeOf volumeOf)
         : areas_(std::move(areas)),
           used_(std::move(used)),
           home_(std::move(home)),
-          deviceOf_(std::move(deviceOf)) {}
+          volumeOf_(std::move(volumeOf)) {}
 
     /// Measures one area after the other until none is left or a stop is requested. `progress` is
     /// called after each.
@@ -76,11 +75,11 @@ public:
     const std::optional<UsedSpace>& used() const { return used_; }
 
     /// Before the end of the first worker.
-    void readHomeDevice() {
-        const std::optional<std::uint64_t> device = deviceOf(home_);
+    void readHomeVolume() {
+        const std::optional<Volume> volume = volumeOf(home_);
         const std::lock_guard guard(lock_);
         if (used_) {
-            used_->device = device;
+            used_->volume = volume;
         }
     }
 
@@ -90,8 +89,8 @@ private:
         return next_ < areas_.size() ? &areas_[next_++] : nullptr;
     }
 
-    std::optional<std::uint64_t> deviceOf(const std::string& path) const {
-        return deviceOf_ ? deviceOf_(path) : std::nullopt;
+    std::optional<Volume> volumeOf(const std::string& path) const {
+        return volumeOf_ ? volumeOf_(path) : std::nullopt;
     }
 
     /// Blocks for at most the time of one measurement. Absent when the folder is missing or cannot
@@ -101,17 +100,19 @@ private:
         if (!folderExists(area.folder)) {
             return std::nullopt;
         }
+        // Of a link, the tool would measure the link.
+        const std::string place = resolvedPath(area.folder);
         const auto bytes = parseDiskUsage(
-            tools.runTool("/usr/bin/du", {"-sk", "-x", area.folder}, longestMeasurement, stop));
-        return bytes ? std::optional(
-                           MeasuredArea{{area.label, area.folder, *bytes}, deviceOf(area.folder)})
+            tools.runToolForBytes("/usr/bin/du", {"-sk", "-x", place}, longestMeasurement, stop));
+        return bytes ? std::optional(MeasuredArea{
+                           {area.label, area.folder, *bytes}, place, volumeOf(place)})
                      : std::nullopt;
     }
 
     const std::vector<StorageArea> areas_;
     std::optional<UsedSpace> used_;
     const std::string home_;
-    const DeviceOf deviceOf_;
+    const VolumeOf volumeOf_;
     mutable std::mutex lock_;
     std::size_t next_ = 0;
     std::size_t done_ = 0;
@@ -144,7 +145,7 @@ Outcome StorageScan::scanStorageAreas() {
         places.areas,
         snapshot ? std::optional(UsedSpace{snapshot->disk, {}, places.unreadableData})
                  : std::nullopt,
-        places.home, dependencies_.ports.deviceOf);
+        places.home, dependencies_.ports.volumeOf);
     measure(measuring_);
     return Outcome::asked();
 }
@@ -159,7 +160,7 @@ void StorageScan::measure(const std::shared_ptr<Measuring>& measuring) {
                 const Stop& stop, const auto& report) {
                 const EitherStop either(stop.stopToken(), token);
                 if (isFirst) {
-                    measuring->readHomeDevice();
+                    measuring->readHomeVolume();
                 }
                 measuring->work(tools, report, either.token());
             },

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,21 @@ TEST_F(ToolRunnerTest, RunToolPassesTheCallersTimeout) {
     EXPECT_EQ(launcher.requests[0].timeout, 60000ms);
     EXPECT_FALSE(launcher.requests[0].mergeStandardError);
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
+}
+
+TEST_F(ToolRunnerTest, TheBytesOfATextThatIsNoneAreKeptWhereTheyAreWanted) {
+    launcher.willWrite("12\t/caf\xE9\n");
+    std::stop_source source;
+
+    EXPECT_EQ(runner->runToolForBytes("/usr/bin/du", {"-sk"}, 60s, source.get_token()),
+              "12\t/caf\xE9\n");
+    EXPECT_EQ(runner->runToolForBytes("/usr/bin/env", {}, 60s, {}), "") << "not allowed";
+
+    ASSERT_EQ(launcher.requests.size(), 1U);
+    EXPECT_EQ(launcher.requests[0].timeout, 60000ms);
+    EXPECT_FALSE(launcher.requests[0].mergeStandardError);
+    source.request_stop();
+    EXPECT_TRUE(launcher.requests[0].stop.stop_requested());
 }
 
 TEST_F(ToolRunnerTest, RunSSHLaunchesOnlyTheSecureShellWithStandardErrorMerged) {

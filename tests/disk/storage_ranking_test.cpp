@@ -17,13 +17,12 @@ using ::testing::IsEmpty;
 
 constexpr std::int64_t gigabyte = 1073741824;
 
-MeasuredArea area(const std::string& path, std::int64_t bytes,
-                  std::optional<std::uint64_t> device = {}) {
-    return {{"area " + path, path, bytes}, device};
+MeasuredArea area(const std::string& path, std::int64_t bytes, std::optional<Volume> volume = {}) {
+    return {{"area " + path, path, bytes}, path, volume};
 }
 
-UsedSpace used(double totalGB, double freeGB, std::optional<std::uint64_t> device = {}) {
-    return {{totalGB, freeGB}, device, "data"};
+UsedSpace used(double totalGB, double freeGB, std::optional<Volume> volume = {}) {
+    return {{totalGB, freeGB}, volume, "data"};
 }
 
 /// "path bytes" of each row.
@@ -105,9 +104,28 @@ TEST(StorageRanking, AnAreaInsideAnotherIsCountedOnce) {
 
 TEST(StorageRanking, AnAreaOfAnotherDeviceIsNotPartOfTheUsedSpace) {
     // It is not in the figure of the area around it either.
-    EXPECT_THAT(ranked({area("/var", 3 * gigabyte, 1), area("/var/lib/docker", 9 * gigabyte, 2)},
-                       used(10, 5, 1)),
+    const Volume disk{1, 1};
+    EXPECT_THAT(ranked({area("/var", 3 * gigabyte, disk),
+                        area("/var/lib/docker", 9 * gigabyte, Volume{2, 2})},
+                       used(10, 5, disk)),
                 ElementsAre("/var/lib/docker 9663676416", "/var 3221225472", "/ 2147483648"));
+}
+
+TEST(StorageRanking, SubvolumesArePartOfTheUsedSpaceOfTheirFileSystem) {
+    // The figure of the area around one does not contain it.
+    EXPECT_THAT(ranked({area("/home/o/.cache", 2 * gigabyte, Volume{42, 39}),
+                        area("/home/o", 3 * gigabyte, Volume{41, 39})},
+                       used(10, 3, Volume{41, 39})),
+                ElementsAre("/home/o 3221225472", "/ 2147483648", "/home/o/.cache 2147483648"));
+}
+
+TEST(StorageRanking, LinkedAreasAreCountedOnceWhereTheyLead) {
+    MeasuredArea pictures = area("/home/o/Pictures", 5);
+    pictures.place = "/var/pictures";
+    MeasuredArea videos = area("/home/o/Videos", 5);
+    videos.place = "/var/pictures";
+    EXPECT_THAT(ranked({area("/var", 9), videos, pictures}, {}),
+                ElementsAre("/home/o/Pictures 5", "/var 4"));
 }
 
 TEST(StorageRanking, TheTextsTellTheLargestAndTheCount) {

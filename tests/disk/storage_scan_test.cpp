@@ -19,6 +19,7 @@
 namespace tallowcrest {
 namespace {
 
+namespace fs = std::filesystem;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -31,13 +32,13 @@ class StorageScanTest : public ::testing::Test, protected DiskMachine {
 protected:
     StorageScanTest() {
         for (const char* name : {"one", "two", "three", "four", "five"}) {
-            std::filesystem::create_directory(folder.path(name));
+            fs::create_directory(folder.path(name));
             diskPorts.areas.push_back({name, folder.path(name)});
         }
         diskPorts.areas.push_back({"absent", folder.path("absent")});
         remote.launcher.onLaunch = [this](const ToolRequest& request) {
             const std::string name =
-                std::filesystem::path(request.arguments.back()).filename().string();
+                fs::path(request.arguments.back()).filename().string();
             const auto found = outputs.find(name);
             remote.launcher.willWrite(found != outputs.end()
                                           ? found->second + '\t' + request.arguments.back() + '\n'
@@ -126,17 +127,45 @@ TEST_F(StorageScanTest, TheRemainderNeedsASample) {
     EXPECT_THAT(rows(), ElementsAre("one 3221225472"));
 }
 
-TEST_F(StorageScanTest, AnAreaOnAnotherDeviceIsNotPartOfTheRemainder) {
+TEST_F(StorageScanTest, AnAreaOnAnotherFileSystemIsNotPartOfTheRemainder) {
     outputs = {{"one", std::to_string(3 * kilobytesPerGigabyte)},
                {"two", std::to_string(5 * kilobytesPerGigabyte)}};
-    diskPorts.deviceOf = [](const std::string& path) -> std::optional<std::uint64_t> {
-        return path.ends_with("/two") ? 2 : 1;
+    diskPorts.volumeOf = [](const std::string& path) {
+        return path.ends_with("/two") ? Volume{2, 2} : Volume{1, 1};
     };
     beginDisk();
     sample.setSnapshot(diskOf(494.0));
     scan();
     EXPECT_THAT(rows(), ElementsAre("two 5368709120", "Other / inaccessible data 3221225472",
                                     "one 3221225472"));
+}
+
+TEST_F(StorageScanTest, AnAreaThatIsALinkIsMeasuredWhereItLeads) {
+    const fs::path root = fs::canonical(folder.path());
+    fs::remove(root / "three");
+    fs::create_directory_symlink("two", root / "three");
+    fs::create_directory(root / "one/inside");
+    fs::remove(root / "four");
+    fs::create_directory_symlink("one/inside", root / "four");
+    outputs["inside"] = "4";
+    scan();
+    // What two areas share is counted once.
+    EXPECT_THAT(rows(), ElementsAre("three 30720", "one 6144", "four 4096"));
+    EXPECT_EQ(state().diskStorageOffenders[0].path, folder.path("three"));
+    for (const ToolRequest& request : remote.launcher.requests) {
+        EXPECT_FALSE(fs::is_symlink(request.arguments.back())) << request.arguments.back();
+    }
+}
+
+TEST_F(StorageScanTest, AnAreaWhoseNameIsNoTextIsMeasuredAndShown) {
+    const std::string name = "caf\xE9";
+    fs::create_directory(folder.path(name));
+    diskPorts.areas.push_back({"Pictures", folder.path(name)});
+    outputs[name] = "50";
+    beginDisk();
+    scan();
+    EXPECT_EQ(rows().front(), "Pictures 51200");
+    EXPECT_EQ(state().diskStorageOffenders.front().path, folder.path(name)) << "its bytes";
 }
 
 TEST_F(StorageScanTest, AToolThatIsNotAllowedIsRefusedOncePerArea) {
@@ -157,7 +186,7 @@ TEST_F(StorageScanTest, AToolThatIsNotAllowedIsRefusedOncePerArea) {
 }
 
 TEST_F(StorageScanTest, WithoutAnyAreaTheAdviceIsGiven) {
-    std::filesystem::remove_all(folder.path());
+    fs::remove_all(folder.path());
     scan();
     EXPECT_THAT(remote.launcher.requests, IsEmpty());
     EXPECT_EQ(status(), "Storage scan found no readable folders. Check Full Disk Access.");

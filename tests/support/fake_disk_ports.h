@@ -214,7 +214,7 @@ struct FakeDiskPorts {
                         answer = std::move(answered);
                         return std::make_unique<Question>(answer);
                     }},
-            .deviceOf = deviceOf};
+            .volumeOf = volumeOf};
     }
 
     FakeFiles files;
@@ -224,7 +224,7 @@ struct FakeDiskPorts {
     std::shared_ptr<FakeTrash> trash = std::make_shared<FakeTrash>(files);
     std::shared_ptr<FakeFileCopy> copy = std::make_shared<FakeFileCopy>();
     std::vector<StorageArea> areas;
-    std::function<std::optional<std::uint64_t>(const std::string&)> deviceOf;
+    std::function<std::optional<Volume>(const std::string&)> volumeOf;
     std::vector<std::string> revealed;
     std::vector<std::string> chooserTexts;  ///< title and button of the last question
     /// Answers the question for a folder that is open; empty while none is.

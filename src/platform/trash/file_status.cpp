@@ -45,6 +45,11 @@ bool areOnOneVolume(const FileStatus& folder, const FileStatus& other) {
     return folder.identity.device == other.identity.device && folder.mount == other.mount;
 }
 
+bool areInOneMount(const FileStatus& folder, const FileStatus& other) {
+    const bool isKnown = folder.mount != 0 && other.mount != 0;
+    return isKnown ? folder.mount == other.mount : areOnOneVolume(folder, other);
+}
+
 UniqueFD openFolder(const std::string& path) {
     return UniqueFD(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }

@@ -30,6 +30,10 @@ std::optional<FileStatus> statusAt(int folder, const std::string& name);
 /// Whether a file may be renamed from one folder into the other, as far as the two folders tell.
 bool areOnOneVolume(const FileStatus& folder, const FileStatus& other);
 
+/// Whether two folders are in one mount, which can have several volumes where the file system has
+/// subvolumes.
+bool areInOneMount(const FileStatus& folder, const FileStatus& other);
+
 /// Opens a folder for use as the start of other calls; invalid with `errno`. `path` may have
 /// several components, whose links are followed.
 UniqueFD openFolder(const std::string& path);

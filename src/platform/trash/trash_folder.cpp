@@ -104,17 +104,24 @@ std::optional<VolumeRoot> findVolumeRoot(int folder) {
         return std::nullopt;
     }
     std::size_t depth = 0;
-    for (auto here = status;; ++depth) {
+    auto here = status;
+    for (;; ++depth) {
         UniqueFD parent(::openat(root.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
         const auto above = parent.valid() ? statusOf(parent.get()) : std::nullopt;
         if (!above) {
             return std::nullopt;
         }
-        if (!areOnOneVolume(*above, *here) || above->identity == here->identity) {
+        if (!areInOneMount(*above, *here) || above->identity == here->identity) {
             break;
         }
         root = std::move(parent);
         here = above;
+    }
+    // File managers look for trash folders where something is mounted. In a subvolume that is not,
+    // they would not find one, and no rename leads out of it.
+    if (!areOnOneVolume(*here, *status)) {
+        errno = EXDEV;
+        return std::nullopt;
     }
     // A folder that is moved meanwhile would be restored to another place.
     const auto below =
