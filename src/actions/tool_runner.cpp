@@ -11,8 +11,10 @@ ToolRunner::ToolRunner(const CommandSafetyPolicy::AllowedExecutables& allowed,
     : allowed_(allowed), launcher_(launcher), activityLog_(activityLog), jobs_(jobs) {}
 
 std::string ToolRunner::runTool(const std::string& path, const std::vector<std::string>& arguments,
-                                std::chrono::milliseconds timeout) {
-    return isAllowed(path) ? launchForText(launcher_, {path, arguments, timeout}) : std::string();
+                                std::chrono::milliseconds timeout, std::stop_token stop) {
+    return isAllowed(path)
+               ? launchForText(launcher_, {path, arguments, timeout, false, std::move(stop)})
+               : std::string();
 }
 
 std::string ToolRunner::runToolForBytes(const std::string& path,

@@ -27,12 +27,12 @@ public:
     /// The tool's standard output, incomplete if the deadline ended the tool. Empty when the path
     /// is not allowed, the launch fails, or the output is not valid UTF-8. A path that is not
     /// allowed returns at once, and the refusal is recorded later, on the main thread. The exit
-    /// status is ignored. Blocks; any thread.
+    /// status is ignored. When `stop` is requested, the tool is asked to terminate and the call
+    /// ends early. Blocks; any thread.
     std::string runTool(const std::string& path, const std::vector<std::string>& arguments,
-                        std::chrono::milliseconds timeout);
+                        std::chrono::milliseconds timeout, std::stop_token stop = {});
 
-    /// The same for a tool whose output has names from the disk, whatever their bytes are. When
-    /// `stop` is requested, the tool is asked to terminate and the call ends early.
+    /// The same for a tool whose output has names from the disk, whatever their bytes are.
     std::string runToolForBytes(const std::string& path, const std::vector<std::string>& arguments,
                                 std::chrono::milliseconds timeout, std::stop_token stop);
 

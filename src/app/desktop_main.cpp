@@ -23,6 +23,7 @@
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
+#include "platform/base/termination_signals.h"
 #include "platform/desktop/accessibility_bus.h"
 #include "platform/desktop/instance_listener.h"
 #include "platform/desktop/qt_locale.h"
@@ -246,5 +247,12 @@ int main(int argc, char** argv) {
     QApplication::setFont(CrestFonts::applicationFont());
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
-    return runWindow(application, instance.guard);
+    // Not quit(), which a window that hides itself instead of closing would refuse.
+    TerminationSignals signals([&application] {
+        QMetaObject::invokeMethod(
+            &application, [] { QApplication::exit(EXIT_FAILURE); }, Qt::QueuedConnection);
+    });
+    const int status = runWindow(application, instance.guard);
+    signals.endBySignal();
+    return status;
 }

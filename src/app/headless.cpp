@@ -19,6 +19,7 @@
 #include "core/settings/settings.h"
 #include "platform/base/replaced_file.h"
 #include "platform/base/run_loop.h"
+#include "platform/base/termination_signals.h"
 #include "remote/remote.h"
 #include "reports/reports.h"
 #include "sampling/latest_sample.h"
@@ -202,6 +203,24 @@ private:
     std::optional<HeadlessDisk> disk_;
 };
 
+int sampleUntilDone(const Options& options, AdvisorPorts provider, RunLoop& loop) {
+    DesktopServices services;
+    if (options.ask || options.analyze) {
+        services.makeAdvisorPorts = [provider = std::move(provider)](std::stop_token) {
+            return provider;
+        };
+    }
+    SamplePrinter printer(options, loop);
+    Composition composition(loop, SettingsAccess::readOnly, std::move(services),
+                            [&] { printer.print(composition.monitor()); });
+    composition.monitor().startMonitoring(intervalOf(options));
+    const int status = loop.run();
+    if (!composition.shutDown()) {
+        std::_Exit(status);
+    }
+    return status;
+}
+
 }  // namespace
 
 int runHeadless(const Options& options, AdvisorPorts provider) {
@@ -212,21 +231,10 @@ int runHeadless(const Options& options, AdvisorPorts provider) {
             return usageStatus;
         }
     }
-    DesktopServices services;
-    if (options.ask || options.analyze) {
-        services.makeAdvisorPorts = [provider = std::move(provider)](std::stop_token) {
-            return provider;
-        };
-    }
     RunLoop loop;
-    SamplePrinter printer(options, loop);
-    Composition composition(loop, SettingsAccess::readOnly, std::move(services),
-                            [&] { printer.print(composition.monitor()); });
-    composition.monitor().startMonitoring(intervalOf(options));
-    const int status = loop.run();
-    if (!composition.shutDown()) {
-        std::_Exit(status);
-    }
+    TerminationSignals signals([&loop] { loop.stop(EXIT_FAILURE); });
+    const int status = sampleUntilDone(options, std::move(provider), loop);
+    signals.endBySignal();
     return status;
 }
 

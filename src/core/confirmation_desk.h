@@ -17,7 +17,7 @@ class ActivityLog;
 class MainQueue;
 class Observable;
 
-/// What a confirmation request affects on this machine. All empty when that is unknown, or nothing.
+/// What a confirmation request affects. All empty when that is unknown, or nothing.
 struct ConfirmationTargets {
     std::vector<std::string> paths = {};  ///< of the executables, each once
     /// The PIDs of the processes, when the message of the request does not name them.

@@ -14,12 +14,12 @@ std::string_view lastPathComponent(std::string_view path) {
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string_view ProcessSample::displayName() const {
+std::string_view displayNameOf(std::string_view command) {
     if (command.starts_with('[') && command.ends_with(']')) {
         return command;
     }
     const std::string_view name = lastPathComponent(command);
-    return name.empty() ? std::string_view(command) : name;
+    return name.empty() ? command : name;
 }
 
 const ProcessSample* findProcess(std::span<const ProcessSample> rows, std::int64_t pid) {

@@ -14,6 +14,15 @@
 
 namespace tallowcrest {
 
+/// The last component of a path, trailing slashes ignored ("/usr/lib/" gives "lib"). Empty when
+/// there is none. A view into `path`.
+std::string_view lastPathComponent(std::string_view path);
+
+/// The last path component of a process's command, or the command itself when that component is
+/// empty. A name in brackets belongs to a process without an executable; it is not a path and is
+/// kept whole. A view into `command`.
+std::string_view displayNameOf(std::string_view command);
+
 // The records of one sample of this machine and those that the monitor derives from it. Percent
 // values run from 0 to 100; GB is bytes divided by 2^30 and MB is KiB divided by 1024.
 
@@ -29,10 +38,7 @@ struct ProcessSample {
     /// one process. 0 when unknown.
     std::uint64_t startTime = 0;
 
-    /// The last path component of `command`, or `command` itself when that component is empty. A
-    /// name in brackets belongs to a process without an executable; it is not a path and is kept
-    /// whole.
-    std::string_view displayName() const;
+    std::string_view displayName() const { return displayNameOf(command); }
 
     auto fields() const {
         return std::tie(pid, cpu, memoryPercent, rssMB, command, arguments, startTime);
@@ -42,10 +48,6 @@ struct ProcessSample {
 
 /// The first row with that process id; null when there is none. Points into `rows`.
 const ProcessSample* findProcess(std::span<const ProcessSample> rows, std::int64_t pid);
-
-/// The last component of a path, trailing slashes ignored ("/usr/lib/" gives "lib"). Empty when
-/// there is none. A view into `path`.
-std::string_view lastPathComponent(std::string_view path);
 
 /// One application group. Identity: `name`.
 struct AppImpact {

@@ -1,13 +1,6 @@
 #include "core/remote_records.h"
 
-#include "core/local_records.h"
-
 namespace tallowcrest {
-
-std::string_view RemoteProcess::displayName() const {
-    const std::string_view name = lastPathComponent(command);
-    return name.empty() ? std::string_view(command) : name;
-}
 
 std::string_view title(RemoteHealth::Status status) {
     switch (status) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "core/local_records.h"
 #include "core/records_hash.h"
 #include "core/uuid.h"
 
@@ -40,8 +41,7 @@ struct RemoteProcess {
     double rssMB = 0.0;
     std::string command = {};
 
-    /// The last path component of `command`, or `command` itself when that component is empty.
-    std::string_view displayName() const;
+    std::string_view displayName() const { return displayNameOf(command); }
 
     auto fields() const { return std::tie(pid, cpu, rssMB, command); }
     bool operator==(const RemoteProcess&) const = default;

@@ -132,7 +132,7 @@ Outcome RemoteActions::requestRemoteQuit(const RemoteHealth& machine,
         return recordResult(machine.id, Outcome::refused("Blocked invalid remote command inputs."));
     }
     dependencies_.services.confirmations.requestConfirmation(
-        remote_requests::quitProcess(machine.hostName, process), {},
+        remote_requests::quitProcess(machine.hostName, process), {.paths = {process.command}},
         std::make_shared<Reviewed>(Reviewed{machine.id, process.command}));
     return Outcome::asked();
 }

@@ -6,6 +6,8 @@
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <mutex>
+#include <stop_token>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -19,8 +21,8 @@
 #include "core/clock.h"
 #include "core/locale.h"
 #include "core/number_text.h"
-#include "core/observable.h"
 #include "core/settings/settings_owner.h"
+#include "remote/remote_health_record.h"
 #include "remote/remote_script.h"
 #include "remote/tail_device.h"
 #include "remote/tailnet.h"
@@ -28,6 +30,23 @@
 
 namespace tallowcrest {
 namespace {
+
+/// What a scan reads for each machine while the main thread may change it.
+class SharedContext {
+public:
+    void set(RemoteScanContext context) {
+        const std::scoped_lock held(lock_);
+        context_ = std::move(context);
+    }
+    RemoteScanContext get() const {
+        const std::scoped_lock held(lock_);
+        return context_;
+    }
+
+private:
+    mutable std::mutex lock_;
+    RemoteScanContext context_;
+};
 
 /// Blocks for at most the deadline of the secure shell, in a job; less when `cancel` is requested.
 RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& context,
@@ -49,13 +68,21 @@ RemoteHealth sampledMachine(const TailDevice& device, const RemoteScanContext& c
 
 }  // namespace
 
-RemoteScan::RemoteScan(const Services& services, const Tailnet& tailnet, ToolRunner& tools)
+struct RemoteScan::Running {
+    std::stop_source cancel;
+    std::optional<RemoteScanProgress> progress;
+    SharedContext context;
+};
+
+RemoteScan::RemoteScan(const Services& services, Tailnet& tailnet, ToolRunner& tools)
     : services_(services),
       tailnet_(tailnet),
       tools_(tools),
       observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
       remoteHistory_(services.settings, stored::remoteHistory),
+      contextChanges_(services.jobs.mainQueue(), [this] { publishContext(); }),
       jobs_(services.jobs) {
+    contextChanges_.observe({&services.settings.observable(), &tailnet.observable()});
     state_.remoteTopAppSamples = services.settings.loadRemoteTopApps();
 }
 
@@ -81,6 +108,7 @@ Outcome RemoteScan::scanRemoteMacs() {
             Outcome::refused("No online Tailscale Macs are available to scan."));
     }
     running_.push_back(std::make_shared<Running>());
+    publishContext();
     publishRunning();
     Outcome outcome = services_.log.record(
         Outcome::asked(fmt::format("Scanning {} remote Mac{} over Tailscale...", devices.size(),
@@ -89,16 +117,21 @@ Outcome RemoteScan::scanRemoteMacs() {
     return outcome;
 }
 
-void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
+void RemoteScan::publishContext() {
     const Settings& settings = services_.settings.values();
-    RemoteScanContext context{settings.sshUsername, settings.protectedAppNames,
-                              !tailnet_.state().tailscaleHealthIssues.empty()};
+    for (const std::shared_ptr<Running>& each : running_) {
+        each->context.set({settings.sshUsername, settings.protectedAppNames,
+                           !tailnet_.state().tailscaleHealthIssues.empty()});
+    }
+}
+
+void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
     const std::size_t machines = devices.size();
     const std::shared_ptr<Running> running = running_.back();
     jobs_.runWithProgress<RemoteScanProgress>(
         Lane::remoteScan,
-        [devices = std::move(devices), context = std::move(context), &tools = tools_,
-         &clock = services_.clock, &locale = services_.locale,
+        [devices = std::move(devices), running, &tools = tools_, &clock = services_.clock,
+         &locale = services_.locale,
          cancel = running->cancel.get_token()](const Stop& stop, const auto& report) {
             std::vector<RemoteHealth> results;
             for (const TailDevice& device : devices) {
@@ -106,7 +139,8 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
                     break;
                 }
                 report({results.size() + 1, devices.size(), device.hostName});
-                RemoteHealth record = sampledMachine(device, context, tools, clock, locale, cancel);
+                RemoteHealth record =
+                    sampledMachine(device, running->context.get(), tools, clock, locale, cancel);
                 // What a shell printed that was ended says nothing of the machine.
                 if (!cancel.stop_requested()) {
                     results.push_back(std::move(record));
@@ -204,9 +238,6 @@ void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
 }
 
 void RemoteScan::recordRemoteSamples(const std::vector<RemoteHealth>& results) {
-    if (std::ranges::none_of(results, isReachable)) {
-        return;
-    }
     remoteHistory_.change([&](std::vector<RemoteHistoryPoint>& history) {
         for (const RemoteHealth& each : results) {
             if (!isReachable(each)) {

@@ -3,21 +3,19 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
 #include "core/jobs/jobs.h"
+#include "core/observable.h"
 #include "core/outcome.h"
 #include "core/remote_records.h"
 #include "core/services.h"
 #include "core/settings/settings_store.h"
 #include "core/settings/stored_list.h"
-#include "remote/remote_health_record.h"
 
 namespace tallowcrest {
 
-class Observable;
 class Tailnet;
 class ToolRunner;
 
@@ -53,7 +51,7 @@ class RemoteScan {
 public:
     /// Begins with the history and the counts that an earlier run left. The references must outlive
     /// the object, and `tools` every scan under way.
-    RemoteScan(const Services& services, const Tailnet& tailnet, ToolRunner& tools);
+    RemoteScan(const Services& services, Tailnet& tailnet, ToolRunner& tools);
     ~RemoteScan();
     RemoteScan(const RemoteScan&) = delete;
     RemoteScan& operator=(const RemoteScan&) = delete;
@@ -84,12 +82,11 @@ public:
 
 private:
     /// A scan under way.
-    struct Running {
-        std::stop_source cancel;
-        std::optional<RemoteScanProgress> progress;
-    };
+    struct Running;
 
     bool isScanned(const TailDevice& device) const;
+    /// Gives the scans under way the present settings, which they read for each machine.
+    void publishContext();
     void performRemoteScan(std::vector<TailDevice> devices);
     void finishCanceledScan(std::vector<RemoteHealth> results, std::size_t machines);
     void recordRemoteSamples(const std::vector<RemoteHealth>& results);
@@ -98,12 +95,13 @@ private:
     void publishRunning();
 
     Services services_;
-    const Tailnet& tailnet_;
+    Tailnet& tailnet_;
     ToolRunner& tools_;
     std::unique_ptr<Observable> observable_;
     RemoteScanState state_;
     StoredList<std::vector<RemoteHistoryPoint>> remoteHistory_;
     std::vector<std::shared_ptr<Running>> running_;  ///< the latest last
+    ObserverGroup contextChanges_;
     JobScope jobs_;
 };
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/outcome.h"
 #include "remote/tail_status.h"
@@ -11,6 +12,7 @@
 namespace tallowcrest {
 
 class ActivityLog;
+class Clock;
 class Observable;
 class Pasteboard;
 struct Services;
@@ -30,10 +32,11 @@ public:
     const TailnetState& state() const { return state_; }
 
     /// Begins to read the state in the background, unless a reading is under way or there is
-    /// nothing to read it from.
+    /// nothing to read it from. A reading that has taken much longer than its tools may has failed:
+    /// it is asked to stop, the state that is published next is empty, and another one begins.
     void beginReading();
     /// Whether a reading is under way.
-    bool isReading() const { return isReading_; }
+    bool isReading() const { return reading_.has_value(); }
     /// Publishes the result of the reading that ended last, unless that has been done.
     void publishReading();
 
@@ -51,9 +54,11 @@ private:
     Pasteboard& pasteboard_;
     std::unique_ptr<Observable> observable_;
     TailnetState state_;
-    bool isReading_ = false;
     std::optional<TailnetState> unpublished_;
-    JobScope jobs_;
+    const Clock& clock_;
+    Date readingSince_;
+    Jobs& jobs_;
+    std::optional<JobScope> reading_;  ///< absent when none is under way
 };
 
 }  // namespace tallowcrest

@@ -1,5 +1,7 @@
 #include "remote/tailnet_reading.h"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <filesystem>
 #include <system_error>
@@ -15,12 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 
 bool isExecutableFile(const std::string& path) {
-    using std::filesystem::perms;
-    constexpr perms executable = perms::owner_exec | perms::group_exec | perms::others_exec;
     std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
-    return std::filesystem::is_regular_file(status) &&
-           (status.permissions() & executable) != perms::none;
+    return std::filesystem::is_regular_file(path, ignored) && ::access(path.c_str(), X_OK) == 0;
 }
 
 std::optional<TailnetState> askDaemon(const TailnetSources& sources, const std::stop_token& stop) {
@@ -40,28 +38,30 @@ TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& s
     }
     TailnetState state;
     if (!stop.stop_requested()) {
-        state.tailDevices = loadTailDevices(sources);
+        state.tailDevices = loadTailDevices(sources, stop);
     }
     if (!stop.stop_requested()) {
-        state.tailscaleHealthIssues = loadTailscaleHealthIssues(sources);
+        state.tailscaleHealthIssues = loadTailscaleHealthIssues(sources, stop);
     }
     return state;
 }
 
-std::vector<TailDevice> loadTailDevices(const TailnetSources& sources) {
+std::vector<TailDevice> loadTailDevices(const TailnetSources& sources,
+                                        const std::stop_token& stop) {
     if (!isExecutableFile(sources.cli)) {
         return {};
     }
-    const std::string json = sources.tools.runTool(sources.cli, {"status", "--json"}, 2000ms);
+    const std::string json = sources.tools.runTool(sources.cli, {"status", "--json"}, 2000ms, stop);
     std::optional<TailnetState> status = parseTailStatus(json, sources.locale);
     return status ? std::move(status->tailDevices) : std::vector<TailDevice>();
 }
 
-std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources) {
+std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources,
+                                                   const std::stop_token& stop) {
     if (!isExecutableFile(sources.cli)) {
         return {fmt::format("Tailscale CLI was not found at {}.", sources.cli)};
     }
-    return parseTailscaleHealthIssues(sources.tools.runTool(sources.cli, {"status"}, 3000ms));
+    return parseTailscaleHealthIssues(sources.tools.runTool(sources.cli, {"status"}, 3000ms, stop));
 }
 
 }  // namespace tallowcrest

@@ -36,10 +36,11 @@ struct TailnetSources {
 TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& stop);
 
 /// The peers of which the command line tool knows, sorted. Empty on every failure.
-std::vector<TailDevice> loadTailDevices(const TailnetSources& sources);
+std::vector<TailDevice> loadTailDevices(const TailnetSources& sources, const std::stop_token& stop);
 
 /// The issues that the command line tool reports; one fixed line when there is no such tool, and
 /// empty on every other failure.
-std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources);
+std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources,
+                                                   const std::stop_token& stop);
 
 }  // namespace tallowcrest

@@ -43,7 +43,8 @@ INSTANTIATE_TEST_SUITE_P(Commands, DisplayName,
 TEST(RemoteDisplayName, IsTheLastComponentOrTheCommand) {
     for (const PathCase& c : {PathCase{"/usr/bin/vi", "vi"}, PathCase{"vi", "vi"}, PathCase{"", ""},
                               PathCase{"///", "///"}, PathCase{"/usr/lib/", "lib"},
-                              PathCase{"/Applications/A B.app/A|B", "A|B"}}) {
+                              PathCase{"/Applications/A B.app/A|B", "A|B"},
+                              PathCase{"[kworker/0:1]", "[kworker/0:1]"}}) {
         RemoteProcess row;
         row.command = c.command;
         EXPECT_EQ(row.displayName(), c.displayName);

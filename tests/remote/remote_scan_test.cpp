@@ -157,21 +157,30 @@ TEST_F(RemoteScanTest, ASecureShellThatMayNotRunLeavesTheRecordAndSaysSo) {
                             "Scanning 1 remote Mac over Tailscale..."));
 }
 
-TEST_F(RemoteScanTest, WorksOnWhatHeldWhenItBegan) {
-    machines.tailnet.publish(
-        {{onlineMachine("studio", "100.1.1.1")}, {"The relay is unreachable."}});
+TEST_F(RemoteScanTest, ReadsTheSettingsForEachMachine) {
+    const std::vector<std::string> issue{"The relay is unreachable."};
+    const std::vector<TailDevice> devices{onlineMachine("studio", "100.1.1.1"),
+                                          onlineMachine("attic", "100.2.2.2")};
+    machines.tailnet.publish({devices, issue});
     settings.set(&Settings::protectedAppNames, {"indexer"});
+    mainQueue.drain();
     scan.scanRemoteMacs();
-    machines.tailnet.publish({});
-    settings.set(&Settings::sshUsername, "somebody");
-    settings.set(&Settings::protectedAppNames, {});
-    willAnswer({{"owner@100.1.1.1", "proc=812|15.0|90|/opt/indexer\nConnection refused"}});
+    machines.launcher.willWrite("proc=812|15.0|90|/opt/indexer\nConnection refused");
+    machines.launcher.onLaunch = [&](const ToolRequest&) {
+        machines.tailnet.publish({devices, {}});
+        settings.set(&Settings::sshUsername, "somebody");
+        settings.set(&Settings::protectedAppNames, {});
+        mainQueue.drain();
+    };
     finishWork();
-    ASSERT_THAT(scan.state().remoteHealth, SizeIs(1));
-    const RemoteHealth& record = scan.state().remoteHealth.front();
-    EXPECT_EQ(record.appImpacts.at(0).protectedCount, 1);
-    EXPECT_TRUE(record.setupHint.starts_with("This Mac has Tailscale health issues."));
-    EXPECT_THAT(asked(), ElementsAre("owner@100.1.1.1"));
+    ASSERT_THAT(scan.state().remoteHealth, SizeIs(2));
+    const RemoteHealth& first = scan.state().remoteHealth.front();
+    EXPECT_EQ(first.appImpacts.at(0).protectedCount, 1);
+    EXPECT_TRUE(first.setupHint.starts_with("This Mac has Tailscale health issues."));
+    const RemoteHealth& second = scan.state().remoteHealth.back();
+    EXPECT_EQ(second.appImpacts.at(0).protectedCount, 0);
+    EXPECT_FALSE(second.setupHint.starts_with("This Mac has Tailscale health issues."));
+    EXPECT_THAT(asked(), ElementsAre("owner@100.1.1.1", "somebody@100.2.2.2"));
 }
 
 TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {

@@ -69,6 +69,29 @@ TEST_F(TailnetTest, OneReadingIsUnderWayAtATime) {
     EXPECT_EQ(workQueue.pendingCount(), 1U);
 }
 
+TEST_F(TailnetTest, AReadingThatHangsHasFailedAndIsFollowedByAnother) {
+    report("studio");
+    tailnet->beginReading();
+    finishWork();
+    tailnet->publishReading();
+    tailnet->beginReading();
+    clock.advance(std::chrono::seconds(11));
+    tailnet->beginReading();
+    tailnet->publishReading();
+    EXPECT_THAT(names(), ElementsAre("studio"));
+    EXPECT_EQ(workQueue.pendingCount(), 1U);
+    clock.advance(std::chrono::seconds(1));
+    tailnet->beginReading();
+    tailnet->publishReading();
+    EXPECT_EQ(tailnet->state(), TailnetState());
+    report("late");
+    workQueue.run();
+    report("attic");
+    finishWork();
+    tailnet->publishReading();
+    EXPECT_THAT(names(), ElementsAre("attic"));
+}
+
 TEST_F(TailnetTest, OfTwoReadingsTheLastIsPublished) {
     for (const char* name : {"first", "last"}) {
         report(name);

@@ -172,14 +172,22 @@ bool ChildProcess::hasExited() {
 }
 
 void ChildProcess::terminate() {
+    signal(SIGTERM);
+}
+
+void ChildProcess::kill() {
+    signal(SIGKILL);
+}
+
+void ChildProcess::signal(int number) {
     if (pid_ < 0) {
         return;
     }
     // The group first, so that the tool's own children close the pipes too. As the child has not
     // been waited for, its pid and group cannot have been reused.
-    ::kill(-pid_, SIGTERM);
+    ::kill(-pid_, number);
     if (::getpgid(pid_) != pid_) {
-        ::kill(pid_, SIGTERM);
+        ::kill(pid_, number);
     }
 }
 

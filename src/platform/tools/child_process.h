@@ -40,11 +40,14 @@ public:
 
     /// Asks the child and its process group to terminate.
     void terminate();
+    /// Ends them, whatever they do with that request.
+    void kill();
 
     /// Stops waiting for the child. Its zombie remains until this process ends.
     void abandon();
 
 private:
+    void signal(int number);
     /// Returns true when no child is left to wait for.
     bool reap(int waitOptions);
 

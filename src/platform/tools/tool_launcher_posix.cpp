@@ -102,10 +102,17 @@ public:
                 child_.terminate();
             }
         }
-        if (abandonDue) {
-            child_.abandon();
-            over_ = true;
+        if (!abandonDue) {
+            return;
         }
+        if (request_.stop.stop_requested() && !std::exchange(isKilled_, true)) {
+            // The program goes on: a child that is left to itself would stay, and then its zombie.
+            child_.kill();
+            abandonAt_ = now + stopGrace;
+            return;
+        }
+        child_.abandon();
+        over_ = true;
     }
 
     /// Waits until the tool writes or exits, a deadline passes, or a stop is requested, of all
@@ -179,6 +186,7 @@ private:
     CapturedStream error_;
     std::optional<TimePoint> deadline_;   ///< absent once it has passed
     std::optional<TimePoint> abandonAt_;  ///< absent until `stop`
+    bool isKilled_ = false;
     bool over_ = false;
 };
 

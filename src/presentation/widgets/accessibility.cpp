@@ -96,7 +96,7 @@ public:
 
     QStringList actionNames() const override {
         QStringList names;
-        if (isValid() && button()->isEnabled()) {
+        if (canBePressed()) {
             names.append(state().checkable ? toggleAction() : pressAction());
         }
         return names + QAccessibleWidget::actionNames();
@@ -105,12 +105,16 @@ public:
     void doAction(const QString& name) override {
         if (name != pressAction() && name != toggleAction()) {
             QAccessibleWidget::doAction(name);
-        } else if (isValid()) {
+        } else if (canBePressed()) {
             button()->click();
         }
     }
 
 private:
+    /// The tree has hidden buttons too. What they act on may be gone.
+    bool canBePressed() const {
+        return isValid() && button()->isEnabled() && button()->isVisible();
+    }
     QAbstractButton* button() const { return qobject_cast<QAbstractButton*>(object()); }
 };
 

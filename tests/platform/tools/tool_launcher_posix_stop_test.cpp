@@ -160,6 +160,22 @@ TEST_F(RequestStopTest, ARequestCanBeStoppedByItself) {
     EXPECT_EQ(launcher.launch(shellTool("exit 3", 30s)).terminationStatus, 3) << "another request";
 }
 
+TEST_F(RequestStopTest, ARequestThatIsStoppedLeavesNoToolThatIgnoresIt) {
+    std::stop_source stop;
+    ToolRequest request =
+        shellTool(writingPID("trap '' TERM", "while :; do sleep 600; done"), std::nullopt);
+    request.stop = stop.get_token();
+    ToolResult result;
+    std::jthread caller([&] { result = launcher.launch(request); });
+    const pid_t pid = waitForPID();
+
+    stop.request_stop();
+    caller.join();
+
+    EXPECT_TRUE(result.launched);
+    EXPECT_FALSE(isRunning(pid));
+}
+
 TEST_F(RequestStopTest, ALaunchThatCanBeStoppedSleepsMeanwhile) {
     const auto waits = [] {
         rusage usage{};

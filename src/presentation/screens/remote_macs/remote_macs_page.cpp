@@ -33,6 +33,12 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+/// The ages are told in minutes. A figure may look younger by this much.
+constexpr std::chrono::seconds agePeriod{20};
+
+}  // namespace
 
 RemoteMacsPage::RemoteMacsPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
     : Screen(parent), monitor_(monitor), state_(state) {
@@ -189,8 +195,8 @@ std::vector<HeaderAction> RemoteMacsPage::headerActions() {
 
 void RemoteMacsPage::showEvent(QShowEvent* event) {
     Screen::showEvent(event);
-    ageTimer_ = monitor_.services().jobs.mainQueue().scheduleRepeating(std::chrono::minutes(1),
-                                                                       [this] { refresh(); });
+    ageTimer_ =
+        monitor_.services().jobs.mainQueue().scheduleRepeating(agePeriod, [this] { refresh(); });
 }
 
 void RemoteMacsPage::hideEvent(QHideEvent* event) {

@@ -26,7 +26,7 @@ struct WindowState;
 
 /// The other machines of the tailnet: which of them need attention, what the last scan found, and
 /// what can be done for them. A sample changes nothing here, so it does not refresh the page. While
-/// the page shows, the ages of the figures are brought up to date once a minute. Main thread.
+/// the page shows, the ages of the figures are kept up to date. Main thread.
 class RemoteMacsPage final : public Screen {
     Q_OBJECT
 

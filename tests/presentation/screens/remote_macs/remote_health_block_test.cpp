@@ -218,6 +218,20 @@ TEST_F(RemoteHealthBlockTest, NeverQuitShowsTheListAndIsToggledByAPressOfAnyKind
     EXPECT_EQ(toggle.text(), u"Never Quit: On"_s);
 }
 
+TEST_F(RemoteHealthBlockTest, WhatIsHiddenTakesNoPress) {
+    showOpen();
+    QPushButton& quit = button("probe.process-700.quit");
+    QAccessibleActionInterface& spoken =
+        *QAccessible::queryAccessibleInterface(&quit)->actionInterface();
+    EXPECT_THAT(spoken.actionNames(), Contains(QAccessibleActionInterface::pressAction()));
+    block.setExpanded(false);
+    facts.machine.topProcesses.clear();
+    show();
+    EXPECT_THAT(spoken.actionNames(), Not(Contains(QAccessibleActionInterface::pressAction())));
+    spoken.doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_THAT(taken(), IsEmpty());
+}
+
 // A new scan --------------------------------------------------------------------------------------
 
 TEST_F(RemoteHealthBlockTest, NewFiguresChangeOnlyTheFigures) {
