@@ -10,6 +10,7 @@
 #include "core/clock.h"
 #include "core/confirmation_desk.h"
 #include "core/observable.h"
+#include "core/settings/settings_owner.h"
 #include "disk/file_names.h"
 #include "disk/storage_suggestions.h"
 
@@ -126,10 +127,17 @@ Outcome PersonalFiles::stopAnalysis() {
     return Outcome::asked();
 }
 
+void PersonalFiles::readBookmark() const {
+    // It would be a permission for a sandbox. This program runs in none, so that no bookmark can be
+    // resolved, and none is needed.
+    dependencies_.services.settings.removeStorageAnalysisBookmark();
+}
+
 Outcome PersonalFiles::revealSuggestion(const StorageOptimizationSuggestion& suggestion) {
     if (!dependencies_.ports.desktop.reveal) {
         return refuse("There is no file manager here.");
     }
+    readBookmark();
     dependencies_.ports.desktop.reveal(suggestion.path);
     return dependencies_.services.log.record(
         Outcome::done(fmt::format("Revealed {} in Finder.", suggestion.title)));
@@ -142,6 +150,7 @@ Outcome PersonalFiles::backUpSuggestion(const StorageOptimizationSuggestion& sug
     if (backup_.isUnderWay()) {
         return refuse("Another backup is under way.");
     }
+    readBookmark();
     folderQuestion_ = dependencies_.ports.desktop.chooseFolder(
         "Choose a Backup Folder", "Back Up Here",
         [this, suggestion](std::optional<std::string> folder) {
@@ -236,6 +245,7 @@ Outcome PersonalFiles::trashPendingSuggestion() {
     if (!pending) {
         return Outcome::ignored();
     }
+    readBookmark();
     observable_->changed();
     jobs_.run(
         Lane::personalFiles,

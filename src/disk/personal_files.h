@@ -108,6 +108,8 @@ private:
     void showBackup(const CopyProgress& progress);
     void finishBackup(const StorageOptimizationSuggestion& suggestion, const Copied& copied);
     void finishTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
+    /// Before an operation on a file.
+    void readBookmark() const;
     void setStatus(std::string status);
     Outcome refuse(std::string message) const;
 

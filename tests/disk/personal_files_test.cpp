@@ -1,7 +1,9 @@
 #include "disk/personal_files.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
@@ -15,8 +17,10 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 constexpr std::int64_t floorBytes = 104857600;
@@ -50,6 +54,25 @@ TEST_F(PersonalFilesTest, ItBeginsIdle) {
     EXPECT_FALSE(state().storageAnalyzerBusy);
     EXPECT_THAT(list(), IsEmpty());
     EXPECT_FALSE(state().pendingStorageSuggestion);
+}
+
+TEST_F(PersonalFilesTest, AStoredBookmarkIsRemovedBeforeAnOperationOnAFile) {
+    constexpr std::string_view key = settings_keys::storageAnalysisBookmarkKey;
+    const auto expectRemovedBy = [&](const std::function<void()>& operation) {
+        store.values.write(key, SettingsData{"an access that was once granted"});
+        operation();
+        EXPECT_FALSE(store.read(key));
+        store.written.clear();
+        operation();
+        EXPECT_THAT(store.written, Not(Contains(key))) << "there was nothing to remove";
+    };
+    const StorageOptimizationSuggestion film{.title = "film.mov", .path = "/film.mov"};
+    expectRemovedBy([&] { files().revealSuggestion(film); });
+    expectRemovedBy([&] { files().backUpSuggestion(film); });
+    expectRemovedBy([&] {
+        files().requestTrashSuggestion(film);
+        files().trashPendingSuggestion();
+    });
 }
 
 TEST_F(PersonalFilesTest, AnAnalysisListsTheLargestFilesFirst) {

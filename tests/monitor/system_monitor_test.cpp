@@ -46,7 +46,9 @@ public:
         }
         return std::nullopt;
     }
-    void write(std::string_view, const SettingsValue&) override { calls_.emplace_back("write"); }
+    void write(std::string_view, const std::optional<SettingsValue>&) override {
+        calls_.emplace_back("write");
+    }
 
 private:
     std::vector<std::string>& calls_;

@@ -16,7 +16,7 @@ public:
     std::optional<SettingsValue> read(std::string_view key) const override {
         return values.read(key);
     }
-    void write(std::string_view key, const SettingsValue& value) override {
+    void write(std::string_view key, const std::optional<SettingsValue>& value) override {
         written.emplace_back(key);
         values.write(key, value);
         if (onWrite) {

@@ -103,6 +103,12 @@ void SettingsOwner::saveRemoteTopApps(SettingsTable samples) {
     store_.write(settings_keys::remoteTopAppsKey, std::move(samples));
 }
 
+void SettingsOwner::removeStorageAnalysisBookmark() {
+    if (store_.read(settings_keys::storageAnalysisBookmarkKey)) {
+        store_.write(settings_keys::storageAnalysisBookmarkKey, std::nullopt);
+    }
+}
+
 std::optional<std::string> SettingsOwner::loadText(std::string_view key) const {
     auto data = readKind<JSONData>(store_, key);
     return data ? std::optional(std::move(data->text)) : std::nullopt;

@@ -78,6 +78,9 @@ public:
     SettingsTable loadRemoteTopApps() const;
     void saveRemoteTopApps(SettingsTable samples);
 
+    /// Removes the stored permission to use a folder, if there is one.
+    void removeStorageAnalysisBookmark();
+
     /// Why changes are not being stored, in one sentence; empty while they are.
     const std::string& savingProblem() const { return savingProblem_; }
     void setSavingProblem(std::string sentence);

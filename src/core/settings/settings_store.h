@@ -44,15 +44,16 @@ public:
     /// Absent when the key was never written, or when what is stored cannot be decoded.
     virtual std::optional<SettingsValue> read(std::string_view key) const = 0;
 
-    /// Written through before it returns. A value that cannot be kept leaves the older one.
-    virtual void write(std::string_view key, const SettingsValue& value) = 0;
+    /// Written through before it returns. An absent value removes the key; one that cannot be kept
+    /// leaves the older one.
+    virtual void write(std::string_view key, const std::optional<SettingsValue>& value) = 0;
 };
 
 /// A store that lives as long as the process, for runs that must leave nothing behind.
 class MemorySettingsStore final : public SettingsStore {
 public:
     std::optional<SettingsValue> read(std::string_view key) const override;
-    void write(std::string_view key, const SettingsValue& value) override;
+    void write(std::string_view key, const std::optional<SettingsValue>& value) override;
 
 private:
     std::map<std::string, SettingsValue, std::less<>> values_;

@@ -280,4 +280,14 @@ int SettingsDatabase::write(std::string_view key, const SettingsValue& value) {
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
+int SettingsDatabase::remove(std::string_view key) {
+    SqliteStatement statement;
+    int result = connection_.prepare("DELETE FROM settings WHERE key = ?1", statement);
+    if (result == SQLITE_OK) {
+        bindText(statement.get(), 1, key);
+        result = sqlite3_step(statement.get());
+    }
+    return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
 }  // namespace tallowcrest

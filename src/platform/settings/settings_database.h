@@ -81,6 +81,8 @@ public:
     /// One transaction: the older value or the new one is stored. SQLITE_TOOBIG for a value beyond
     /// SQLite's limit, SQLITE_MISMATCH for one that has no stored form.
     int write(std::string_view key, const SettingsValue& value);
+    /// One transaction; SQLITE_OK also when there is no row.
+    int remove(std::string_view key);
 
     SqliteConnection& connection() { return connection_; }
 

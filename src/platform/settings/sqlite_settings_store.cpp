@@ -70,7 +70,7 @@ std::optional<SettingsValue> SqliteSettingsStore::read(std::string_view key) con
     return value;
 }
 
-void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value) {
+void SqliteSettingsStore::write(std::string_view key, const std::optional<SettingsValue>& value) {
     if (const auto kept = inMemory_.find(key); kept != inMemory_.end()) {
         kept->second = value;
         return;
@@ -100,10 +100,11 @@ void SqliteSettingsStore::write(std::string_view key, const SettingsValue& value
     }
 }
 
-int SqliteSettingsStore::tryToWrite(std::string_view key, const SettingsValue& value) {
+int SqliteSettingsStore::tryToWrite(std::string_view key,
+                                    const std::optional<SettingsValue>& value) {
     const int lockTimeout = isLocked_ ? 0 : static_cast<int>(settingsLockTimeout.count());
     sqlite3_busy_timeout(database_.connection().get(), lockTimeout);
-    const int result = database_.write(key, value);
+    const int result = value ? database_.write(key, *value) : database_.remove(key);
     if (result == SQLITE_MISMATCH || result == SQLITE_TOOBIG) {
         return result;  // says nothing about the file
     }

@@ -46,10 +46,10 @@ public:
     /// A failed write (full disk, lock) leaves the older value in the file. The new one is kept in
     /// memory and tried again after the next successful write and in the destructor. An outage ends
     /// when everything is stored. Only its first write waits for a lock.
-    void write(std::string_view key, const SettingsValue& value) override;
+    void write(std::string_view key, const std::optional<SettingsValue>& value) override;
 
 private:
-    int tryToWrite(std::string_view key, const SettingsValue& value);
+    int tryToWrite(std::string_view key, const std::optional<SettingsValue>& value);
     void retryUnsaved();
     void moveLogInBackground();
 
@@ -58,7 +58,7 @@ private:
     Dependencies dependencies_;
     int logPages_ = 0;
     bool isLogMoving_ = false;
-    std::map<std::string, SettingsValue, std::less<>> unsaved_;
+    std::map<std::string, std::optional<SettingsValue>, std::less<>> unsaved_;
     std::map<std::string, std::optional<SettingsValue>, std::less<>> inMemory_;
     bool isOutage_ = false;
     bool isFull_ = false;  ///< during an outage: the disk was full

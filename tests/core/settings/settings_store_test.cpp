@@ -16,6 +16,17 @@ TEST(MemorySettingsStore, AKeyThatWasNeverWrittenIsAbsent) {
     EXPECT_FALSE(store.read(""));
 }
 
+TEST(MemorySettingsStore, AKeyCanBeRemoved) {
+    MemorySettingsStore store;
+    store.write("key", true);
+    store.write("other", true);
+    for (int times = 0; times < 2; ++times) {
+        store.write("key", std::nullopt);
+        EXPECT_FALSE(store.read("key"));
+    }
+    EXPECT_TRUE(store.read("other"));
+}
+
 TEST(MemorySettingsStore, EveryKindReadsBackAsItself) {
     MemorySettingsStore store;
     const std::vector<SettingsValue> values{

@@ -26,7 +26,7 @@ public:
         asked.emplace_back(key);
         return values.read(key);
     }
-    void write(std::string_view key, const SettingsValue& value) override {
+    void write(std::string_view key, const std::optional<SettingsValue>& value) override {
         values.write(key, value);
         ++writes;
     }

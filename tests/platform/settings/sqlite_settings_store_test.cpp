@@ -123,6 +123,23 @@ TEST_F(SqliteSettingsStoreTest, AWriteReplacesTheOlderValueAndItsKind) {
     EXPECT_EQ(store->read("key"), SettingsValue(SettingsTextList{"1"}));
 }
 
+TEST_F(SqliteSettingsStoreTest, AKeyCanBeRemoved) {
+    open();
+    store->write(keys::thresholdKey, 70.0);
+    store->write(keys::storageAnalysisBookmarkKey, SettingsData{"bytes"});
+    store->write(keys::thresholdKey, std::nullopt);
+    store->write(keys::autoPurgeKey, std::nullopt);
+    EXPECT_FALSE(stored(keys::thresholdKey)) << "at once";
+    {
+        const WriteLock lock(file);
+        store->write(keys::storageAnalysisBookmarkKey, std::nullopt);
+    }
+    EXPECT_TRUE(stored(keys::storageAnalysisBookmarkKey));
+    open();
+    EXPECT_FALSE(store->read(keys::storageAnalysisBookmarkKey)) << "it was tried again";
+    EXPECT_FALSE(store->read(keys::thresholdKey));
+}
+
 TEST_F(SqliteSettingsStoreTest, AnyTextCanBeAKey) {
     open();
     for (const std::string& key : {std::string("it's; DROP TABLE settings"), std::string("a\"b"),
