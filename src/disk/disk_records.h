@@ -17,6 +17,7 @@ namespace tallowcrest {
 struct CleanupCandidate {
     std::string path;
     FileIdentity identity;
+    std::int64_t bytes = 0;
 
     bool operator==(const CleanupCandidate&) const = default;
 };

@@ -127,7 +127,7 @@ QString planSummary(const DiskCleanupPlan& plan) {
 QString planFiles(const DiskCleanupPlan& plan) {
     QStringList paths;
     for (const CleanupCandidate& file : plan.urls) {
-        paths.append(boundedPath(file.path));
+        paths.append(u"%1 · %2"_s.arg(sizeText(file.bytes), boundedPath(file.path)));
     }
     return paths.join(u'\n');
 }

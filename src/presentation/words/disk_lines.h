@@ -72,7 +72,7 @@ QString remainderNote(const std::vector<DiskStorageOffender>& rows);
 
 /// "12 Files · 80 MB"
 QString planSummary(const DiskCleanupPlan& plan);
-/// All files that a clean-up would move, one on a line. Empty without any.
+/// All files that a clean-up would move, one on a line with its size. Empty without any.
 QString planFiles(const DiskCleanupPlan& plan);
 
 /// A path or name from the disk on one line, without its middle if it is very long, so that its

@@ -97,11 +97,11 @@ TEST(StorageLines, TheNoteNamesTheRemainder) {
 TEST(PlanFiles, AreSafeBoundedAndOneOnALine) {
     EXPECT_EQ(planFiles({}), QString());
     DiskCleanupPlan plan;
-    plan.urls = {{"/c/a\nb", {}}, {"/c/" + std::string(4000, 'x') + "end", {}}};
+    plan.urls = {{"/c/a\nb", {}, 1048576}, {"/c/" + std::string(4000, 'x') + "end", {}, 1048576}};
     plan.bytes = 2 * 1048576;
     const QString files = planFiles(plan);
     EXPECT_EQ(files.count(u'\n'), 1);
-    EXPECT_TRUE(files.startsWith(u"/c/a\uFFFDb\n/c/xxx"_s));
+    EXPECT_TRUE(files.startsWith(u"1 MB · /c/a\uFFFDb\n1 MB · /c/xxx"_s));
     EXPECT_TRUE(files.endsWith(u"xend"_s));
     EXPECT_LT(files.size(), 300);
     EXPECT_EQ(planSummary(plan), u"2 Files · 2 MB"_s);
