@@ -1,7 +1,6 @@
 #include "disk/cache_cleanup.h"
 
-#include <chrono>
-#include <optional>
+#include <cstdint>
 
 #include "disk/disk_autopilot_policy.h"
 #include "disk/file_names.h"
@@ -10,6 +9,9 @@ namespace tallowcrest {
 namespace {
 
 namespace policy = DiskAutopilotSafetyPolicy;
+
+/// To tell each one would cost as much as to read it.
+constexpr std::int64_t filesPerProgress = 256;
 
 /// The folder of the caches without links; empty when nothing may be taken for it.
 std::string cachesRoot(const CachesPlace& place) {
@@ -21,22 +23,6 @@ std::string cachesRoot(const CachesPlace& place) {
     return policy::isPossibleCachesFolder(root, resolvedPath(place.home), kept) ? root
                                                                                 : std::string();
 }
-
-/// Tells no more often than a person can follow.
-class Pace {
-public:
-    bool isDue() {
-        const auto now = std::chrono::steady_clock::now();
-        if (last_ && now - *last_ < std::chrono::milliseconds(100)) {
-            return false;
-        }
-        last_ = now;
-        return true;
-    }
-
-private:
-    std::optional<std::chrono::steady_clock::time_point> last_;
-};
 
 std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
@@ -62,23 +48,23 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
     const std::string root = cachesRoot(request.place);
     const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
     const std::int64_t cap = policy::byteCap(request.maxGB);
-    std::int64_t filesSeen = 0;
-    Pace pace;
+    SearchProgress seen;
     const auto visit = [&](const FoundFile& file) {
-        ++filesSeen;
-        if (pace.isDue()) {
-            progress({filesSeen, folderOf(file.path)});
+        if (seen.filesSeen++ % filesPerProgress == 0) {
+            seen.folder = folderOf(file.path);
+            progress(seen);
         }
         // Resolving a path costs most, so it comes last.
         if (policy::isEligible(file, cutOff) && policy::fits(plan.bytes, file.bytes, cap) &&
             policy::isInsideUserCaches(resolvedPath(file.path), root)) {
-            plan.urls.push_back({file.path, file.identity});
+            plan.urls.push_back({file.path, file.identity, file.bytes});
             plan.bytes += file.bytes;
         }
         return plan.urls.size() < policy::maxFilesPerRun;
     };
     if (!root.empty()) {
         walk.walk(root, visit, stop);
+        progress(seen);
     }
     plan.createdAt = clock.now();
     return plan;

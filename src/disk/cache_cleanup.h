@@ -35,7 +35,7 @@ struct CacheScanRequest {
 
 /// Makes a plan of the files that the policy allows. It is empty when the folder of the caches
 /// cannot be read. Ends soon after a stop is requested; the plan is then not complete. `progress`
-/// is called at most every 100 ms.
+/// is called with the first and the last value, and some in between.
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
                                      const std::function<void(SearchProgress)>& progress,

@@ -73,7 +73,7 @@ TEST_F(CacheCleanupTest, OldFilesAreTakenInTheOrderOfTheWalk) {
     files.add("/home/owner/Documents/old", 10, 0.0);
     const DiskCleanupPlan made = plan();
     EXPECT_THAT(eachOf(made.urls, &CleanupCandidate::path), ElementsAre(b, a));
-    EXPECT_EQ(made.urls[0].identity, files.find(b)->identity);
+    EXPECT_EQ(made.urls[0], (CleanupCandidate{b, files.find(b)->identity, 10}));
     EXPECT_EQ(made.bytes, 30);
     EXPECT_EQ(made.createdAt, clock.now());
     EXPECT_THAT(walk.roots, ElementsAre("/home/owner/.cache"));

@@ -189,7 +189,8 @@ protected:
         diskPorts.trash->moving = [&](const std::string& path) {
             if (path.ends_with('/' + name)) {
                 end = std::jthread([this] { jobs.stopAll(); });
-                while (!stop->isRequested()) {
+                // Until all jobs are asked to stop.
+                while (stop->beginChange()) {
                     std::this_thread::yield();
                 }
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 #include "core/activity_log.h"
@@ -29,7 +30,10 @@ struct TestServices {
     ManualClock clock;
     ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
-    Jobs jobs{mainQueue, workQueue};
+    /// What passes between two values of progress; each is told.
+    std::chrono::milliseconds progressStep = Jobs::progressDistance;
+    std::chrono::steady_clock::time_point steadyNow = {};
+    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow += progressStep; }};
     RecordingStore store;
     SettingsOwner settings;
     ActivityLog log{clock, settings, mainQueue};

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -70,8 +72,15 @@ private:
 /// outlive every job: its owner joins the work queue's threads before it destroys this object.
 class Jobs {
 public:
-    Jobs(MainQueue& mainQueue, WorkQueue& workQueue)
-        : mainQueue_(mainQueue), workQueue_(workQueue) {}
+    /// A clock that is never set back. Any thread.
+    using SteadyNow = std::function<std::chrono::steady_clock::time_point()>;
+
+    /// The least time between two values of one job's progress, as fast as a person can follow.
+    static constexpr std::chrono::milliseconds progressDistance{100};
+
+    Jobs(MainQueue& mainQueue, WorkQueue& workQueue,
+         SteadyNow now = std::chrono::steady_clock::now)
+        : mainQueue_(mainQueue), workQueue_(workQueue), now_(std::move(now)) {}
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
@@ -85,6 +94,7 @@ private:
 
     MainQueue& mainQueue_;
     WorkQueue& workQueue_;
+    const SteadyNow now_;
     DiskChanges changes_;
     std::stop_source stopAll_;
 };
@@ -126,17 +136,19 @@ public:
 
     /// The same for `work(const Stop&, report)`, which may call `report(progress)` as often as it
     /// likes; `onProgress(progress)` is called on the main thread with the latest value, at most
-    /// once per turn of it and never after `then`. It is destroyed with `then`.
+    /// once per turn of it and per `Jobs::progressDistance`, and never after `then`. The first and
+    /// the last value always come. It is destroyed with `then`.
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
         auto observer = std::make_shared<OnProgress>(std::move(onProgress));
         auto progress =
-            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_.mainQueue_, observer);
+            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_, observer);
         run(
             lane,
             [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
+                const ProgressEnd end{*progress};
                 return work(stop, [&progress](Progress value) {
-                    progress->report(progress, std::move(value));
+                    progress->report(std::move(value));
                 });
             },
             [observer = std::move(observer), then = std::move(then)](auto&&... result) mutable {
@@ -174,33 +186,60 @@ private:
     }
 
     template <class Progress, class OnProgress>
-    struct LatestProgress {
-        LatestProgress(MainQueue& queue, std::weak_ptr<OnProgress> function)
-            : mainQueue(queue), onProgress(std::move(function)) {}
+    class LatestProgress : public std::enable_shared_from_this<LatestProgress<Progress, OnProgress>> {
+    public:
+        LatestProgress(Jobs& jobs, std::weak_ptr<OnProgress> function)
+            : mainQueue_(jobs.mainQueue_), now_(jobs.now_), onProgress_(std::move(function)) {}
 
-        void report(const std::shared_ptr<LatestProgress>& self, Progress value) {
-            {
-                const std::lock_guard guard(lock);
-                const bool isQueued = latest.has_value();
-                latest = std::move(value);
-                if (isQueued) {
-                    return;
-                }
+        void report(Progress value) {
+            std::unique_lock guard(lock_);
+            latest_ = std::move(value);
+            const auto now = now_();
+            if (now >= next_) {
+                next_ = now + Jobs::progressDistance;
+                tell(guard);
             }
-            mainQueue.post([self] {
-                std::unique_lock guard(self->lock);
-                const std::optional<Progress> taken = std::exchange(self->latest, std::nullopt);
-                guard.unlock();
-                if (const auto function = self->onProgress.lock()) {
+        }
+
+        /// No value follows.
+        void end() {
+            std::unique_lock guard(lock_);
+            if (latest_) {
+                tell(guard);
+            }
+        }
+
+    private:
+        void tell(std::unique_lock<std::mutex>& guard) {
+            if (std::exchange(isQueued_, true)) {
+                return;
+            }
+            guard.unlock();
+            mainQueue_.post([self = this->shared_from_this()] {
+                std::unique_lock selfGuard(self->lock_);
+                self->isQueued_ = false;
+                const std::optional<Progress> taken = std::exchange(self->latest_, std::nullopt);
+                selfGuard.unlock();
+                if (const auto function = self->onProgress_.lock()) {
                     (*function)(*taken);
                 }
             });
         }
 
-        MainQueue& mainQueue;
-        std::weak_ptr<OnProgress> onProgress;  ///< expires with the kept `then`
-        std::mutex lock;
-        std::optional<Progress> latest;
+        MainQueue& mainQueue_;
+        const Jobs::SteadyNow now_;
+        const std::weak_ptr<OnProgress> onProgress_;  ///< expires with the kept `then`
+        std::mutex lock_;
+        std::optional<Progress> latest_;  ///< what has not been told yet
+        bool isQueued_ = false;
+        std::chrono::steady_clock::time_point next_ = {};
+    };
+
+    /// Tells the last value when the work returns, so before its result.
+    template <class Latest>
+    struct ProgressEnd {
+        Latest& progress;
+        ~ProgressEnd() { progress.end(); }
     };
 
     Stop stop() { return {stop_.get_token(), jobs_.changes_}; }

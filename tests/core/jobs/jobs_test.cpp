@@ -1,5 +1,6 @@
 #include "core/jobs/jobs.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 namespace tallowcrest {
 namespace {
 
+using namespace std::chrono_literals;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -30,7 +32,8 @@ protected:
 
     ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
-    Jobs jobs{mainQueue, workQueue};
+    std::chrono::steady_clock::time_point steadyNow = {};
+    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow; }};
     std::optional<JobScope> scope{std::in_place, jobs};
 };
 
@@ -264,6 +267,30 @@ TEST_F(JobsTest, ProgressIsToldOncePerTurnWithTheLatestValue) {
         onProgress, [&](int result) { told.push_back("then " + std::to_string(result)); });
     finishWork();
     EXPECT_THAT(told, ElementsAre("2", "4", "then 5"));
+}
+
+TEST_F(JobsTest, ProgressIsPacedAndTheLastValueIsToldBeforeTheResult) {
+    std::vector<std::string> told;
+    const auto report = [&](const auto& tell, std::chrono::milliseconds after, int value) {
+        steadyNow += after;
+        tell(value);
+        mainQueue.drain();
+    };
+    scope->runWithProgress<int>(
+        Lane::actions,
+        [&](const Stop&, const auto& tell) {
+            report(tell, 0ms, 1);
+            report(tell, 99ms, 2);
+            report(tell, 1ms, 3);
+            report(tell, 50ms, 4);
+            report(tell, 100ms, 5);
+            report(tell, 99ms, 6);
+            return 7;
+        },
+        [&](int value) { told.push_back(std::to_string(value)); },
+        [&](int result) { told.push_back("then " + std::to_string(result)); });
+    finishWork();
+    EXPECT_THAT(told, ElementsAre("1", "3", "5", "6", "then 7"));
 }
 
 TEST_F(JobsTest, WorkThatReportsNothingTellsNoProgress) {
