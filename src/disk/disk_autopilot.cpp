@@ -101,7 +101,7 @@ bool DiskAutopilot::checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayS
     // The plan that a question is about must not be replaced before the answer.
     const auto& pending = dependencies_.services.confirmations.pendingConfirmation();
     const bool isAsked = pending && pending->kind == receipts::confirmationKind;
-    if (!mayScan || isAsked || scan_.isUnderWay() || run_ || undo_) {
+    if (!mayScan || isAsked || scan_.isUnderWay() || isMoving()) {
         return false;
     }
     setStatus(receipts::lowSpace);
@@ -173,8 +173,10 @@ void DiskAutopilot::finishReview() {
         return;
     }
     setStatus(receipts::ready(plan));
+    // The age that the files were chosen by, and the cap that a run would obey now.
     dependencies_.services.confirmations.requestConfirmation(
-        receipts::request(plan, scanRequest_.ageDays, scanRequest_.maxGB, caches_));
+        receipts::request(plan, scanRequest_.ageDays,
+                          dependencies_.services.settings.values().diskMaxCleanupGB, caches_));
 }
 
 void DiskAutopilot::finishLowSpaceCheck() {
@@ -188,7 +190,7 @@ void DiskAutopilot::finishLowSpaceCheck() {
         return;
     }
     // What the owner puts back at this moment is not to be moved again.
-    if (isAutopilotTrusted() && !undo_) {
+    if (isAutopilotTrusted() && !isMoving()) {
         performDiskCleanup(true);
         return;
     }
@@ -213,10 +215,14 @@ bool DiskAutopilot::isAutopilotTrusted() const {
            diskCleanupTrustEstablished(trust.runCount, trustPercent(trust));
 }
 
+Outcome DiskAutopilot::refuseSecond() {
+    return dependencies_.services.log.record(
+        Outcome::refused("A disk cleanup is under way. Review again when it is over."));
+}
+
 Outcome DiskAutopilot::confirmCleanup() {
-    if (run_ || undo_) {
-        return dependencies_.services.log.record(
-            Outcome::refused("A disk cleanup is under way. Review again when it is over."));
+    if (isMoving()) {
+        return refuseSecond();
     }
     dependencies_.trust.recordTrustEvent(std::string(actionType), TrustEvent::approved);
     return performDiskCleanup(false);
@@ -235,6 +241,9 @@ void DiskAutopilot::countTrust(bool hasRun) {
 }
 
 Outcome DiskAutopilot::performDiskCleanup(bool automatic) {
+    if (isMoving()) {
+        return refuseSecond();
+    }
     followEmergencyStop();
     if (!state_.diskCleanupPlan ||
         policy::isExpired(state_.diskCleanupPlan->createdAt, dependencies_.services.clock.now())) {

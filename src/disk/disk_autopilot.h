@@ -72,7 +72,8 @@ public:
     bool checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayScan);
 
     /// Carries out the plan. Everything that may have changed since it was made is tested again.
-    /// `automatic` is for a plan that no one has confirmed.
+    /// `automatic` is for a plan that no one has confirmed. Refused, with the plan kept, while
+    /// another one is carried out or undone.
     Outcome performDiskCleanup(bool automatic);
 
     /// Puts back what the latest clean-up has moved, as far as the Trash still has it and its place
@@ -114,6 +115,9 @@ private:
     void finishReview();
     void finishLowSpaceCheck();
     void finishStoppedScan();
+    /// Whether files are moved to the Trash or put back.
+    bool isMoving() const { return run_ || undo_; }
+    Outcome refuseSecond();
     Outcome confirmCleanup();
     void cancelCleanup();
     Outcome refuseExpired();
@@ -137,7 +141,7 @@ private:
     std::unique_ptr<Observable> observable_;
     DiskAutopilotState state_;
     Purpose purpose_ = Purpose::review;
-    /// Those of the scan under way, as the owner had set them when it began.
+    /// That of the latest scan, with the settings as they were when it began.
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
     Undoable undoable_;

@@ -61,6 +61,38 @@ TEST_F(DiskAutopilotTest, AReviewWithoutCandidatesSaysSo) {
     EXPECT_THAT(state().diskCleanupPlan->urls, IsEmpty());
 }
 
+TEST_F(DiskAutopilotTest, AReviewAsksInEveryMode) {
+    for (const AIAutonomyMode mode : allAIAutonomyModes) {
+        DiskMachine machine;
+        machine.trustAutopilot();
+        machine.settings.set(&Settings::aiAutonomyMode, mode);
+        machine.cacheFile("a", 1);
+        machine.disk->autopilot.reviewDiskCleanup();
+        machine.finishWork();
+        EXPECT_TRUE(machine.confirmations.pendingConfirmation()) << title(mode);
+        EXPECT_THAT(machine.diskPorts.trash->requests, IsEmpty());
+        machine.confirmations.confirmPending();
+        machine.finishWork();
+        EXPECT_EQ(machine.diskPorts.trash->moved.size(), 1U);
+    }
+}
+
+TEST_F(DiskAutopilotTest, ACapThatIsChangedDuringAScanHoldsForTheRun) {
+    cacheFile("a", gigabyte);
+    cacheFile("b", gigabyte / 2);
+    autopilot().reviewDiskCleanup();
+    settings.set(&Settings::diskMaxCleanupGB, 1.0);
+    settings.set(&Settings::diskCleanupAgeDays, 90.0);
+    finishWork();
+    ASSERT_TRUE(confirmations.pendingConfirmation());
+    EXPECT_EQ(confirmations.pendingConfirmation()->message,
+              "Tallowcrest found 2 regular files older than 30 days in ~/.cache (1.50 GB). Items "
+              "are moved to Trash and the run is capped at 1.0 GB.");
+    confirmations.confirmPending();
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, ElementsAre("/home/owner/.cache/a"));
+}
+
 TEST_F(DiskAutopilotTest, AReviewWorksWhileTheStopIsEngaged) {
     cacheFile("a", 5);
     actions.automation.engageEmergencyStop();

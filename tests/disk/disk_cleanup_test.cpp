@@ -168,6 +168,51 @@ TEST_F(DiskCleanupTest, ASecondCleanUpWaitsForTheFirst) {
     EXPECT_THAT(diskPorts.trash->requests, SizeIs(2));
 }
 
+TEST_F(DiskCleanupTest, ASecondOneIsRefusedWhoeverAsksForIt) {
+    cacheFile("a", 1);
+    cacheFile("b", 1);
+    review();
+    confirmations.confirmPending();
+    autopilot().reviewDiskCleanup();
+    workQueue.run(1);
+    mainQueue.drain();
+    for (const bool automatic : {false, true}) {
+        EXPECT_EQ(autopilot().performDiskCleanup(automatic),
+                  Outcome::refused("A disk cleanup is under way. Review again when it is over."));
+    }
+    EXPECT_TRUE(autopilot().state().diskCleanupPlan);
+    EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 0, 0}));
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->requests, SizeIs(2));
+    // Nor while the first one is put back.
+    autopilot().undoLatestCleanup();
+    EXPECT_EQ(autopilot().performDiskCleanup(false).kind, Outcome::Kind::refused);
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->requests, SizeIs(2));
+}
+
+TEST_F(DiskCleanupTest, AfterTheClockWasSetBackNothingIsOldEnough) {
+    cacheFile("a", 1);
+    clock.advance(-24h * 3650);
+    autopilot().reviewDiskCleanup();
+    finishWork();
+    EXPECT_EQ(status(), "No eligible cache files were found.");
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+}
+
+TEST_F(DiskCleanupTest, APlanFromTheFutureIsDead) {
+    cacheFile("a", 1);
+    review();
+    clock.advance(-1799s);
+    EXPECT_EQ(autopilot().performDiskCleanup(false), Outcome::asked());
+    finishWork();
+    cacheFile("b", 1);
+    review();
+    clock.advance(-1800s);
+    EXPECT_EQ(autopilot().performDiskCleanup(false).kind, Outcome::Kind::refused);
+    EXPECT_EQ(status(), "Cleanup plan expired; review again.");
+}
+
 TEST_F(DiskCleanupTest, ATrustedAutopilotRunsByItself) {
     trustAutopilot();
     cacheFile("a", gigabyte);

@@ -26,9 +26,16 @@ struct EntryStatus {
     bool isHidden = false;  ///< by other means than its name
 };
 
-/// The status of an entry of the open folder `folder`; of the folder itself for an empty name. May
-/// be as old as the kernel's cache of a network volume. Absent when it cannot be read.
-std::optional<EntryStatus> statusOf(int folder, const char* name);
+/// How old a status of a network volume may be.
+enum class Freshness {
+    cached,   ///< as old as the kernel's cache
+    current,  ///< the server is asked
+};
+
+/// The status of an entry of the open folder `folder`; of the folder itself for an empty name.
+/// Absent when it cannot be read.
+std::optional<EntryStatus> statusOf(int folder, const char* name,
+                                    Freshness freshness = Freshness::cached);
 
 /// The entries of a folder, in the order in which the system has them.
 class FolderReader {

@@ -11,7 +11,7 @@
 
 namespace tallowcrest::file_system {
 
-std::optional<EntryStatus> statusOf(int folder, const char* name) {
+std::optional<EntryStatus> statusOf(int folder, const char* name, Freshness /*freshness*/) {
     struct stat info {};
     const bool isFolderItself = *name == '\0';
     const int result = isFolderItself ? ::fstat(folder, &info)

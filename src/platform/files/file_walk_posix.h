@@ -8,7 +8,8 @@
 
 namespace tallowcrest {
 
-/// Walks by descriptors of folders, so that no link that appears meanwhile can lead elsewhere.
+/// Walks by descriptors of folders, so that no link that appears meanwhile can lead elsewhere. What
+/// it tells of files on a network volume is what the server has at that moment.
 /// `root` itself may be a link to a folder.
 class PosixFileWalk final : public FileWalk {
 public:

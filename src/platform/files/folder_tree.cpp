@@ -98,7 +98,7 @@ bool FolderTreeReader::read(const FolderPart& part, const Visit& visit, const st
         }
         EntryKind kind = entry->kind;
         if (kind == EntryKind::regular || kind == EntryKind::unknown) {
-            const std::optional<EntryStatus> status = statusOf(descriptor, entry->name);
+            const std::optional<EntryStatus> status = statusOf(descriptor, entry->name, rules_.freshness);
             if (!status || status->isHidden) {
                 continue;
             }

@@ -34,6 +34,7 @@ struct FolderRules {
     /// Passed over inside another folder, as they are read themselves.
     std::vector<FileIdentity> roots = {};
     bool staysOnDevice = false;  ///< passes over other devices and everything that is mounted
+    file_system::Freshness freshness = file_system::Freshness::cached;  ///< of what files are told
 };
 
 /// Reads trees of folders part by part. One thread.

@@ -16,7 +16,14 @@ std::optional<FileStatus> read(int folder, const char* name, int flags) {
     struct statx found {};
     constexpr unsigned wanted =
         STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE | STATX_MNT_ID | STATX_BTIME;
-    if (::statx(folder, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &found) != 0) {
+    // What is decided by it must not be what the kernel remembers of a network volume.
+    flags |= AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
+    int result = ::statx(folder, name, flags | AT_STATX_FORCE_SYNC, wanted, &found);
+    if (result != 0 && errno == EINVAL) {
+        // The library's own `statx`, for a kernel without one, does not have that flag.
+        result = ::statx(folder, name, flags, wanted, &found);
+    }
+    if (result != 0) {
         return std::nullopt;
     }
     FileStatus status;
