@@ -169,17 +169,14 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
     setStatus(texts::backingUp(suggestion.title));
     backup_.begin().runWithProgress<CopyProgress>(
         Lane::personalFiles,
-        [copy = dependencies_.ports.copy, file = suggestion.path, folder = std::move(folder),
-         now = backupBegan_, token = backup_.stopToken()](const Stop& stop, const auto& report) {
+        [copy = dependencies_.ports.copy, file = suggestion.path, identity = suggestion.identity,
+         folder = std::move(folder), now = backupBegan_,
+         token = backup_.stopToken()](const Stop& stop, const auto& report) {
             Copied result{backupPath(file, folder, now), {}};
-            // Nothing of an incomplete copy may be left.
-            const auto change = stop.beginChange();
+            // No change that the end of the program waits for: a copy can take hours.
             const EitherStop either(stop.stopToken(), token);
-            result.error = change ? copy->copy(
-                                        file, result.destination,
-                                        [&](const CopyProgress& progress) { report(progress); },
-                                        either.token())
-                                  : std::optional<std::string>("canceled");
+            result.error =
+                copy->copy({file, result.destination, identity}, report, either.token());
             return result;
         },
         [this](const CopyProgress& progress) { showBackup(progress); },

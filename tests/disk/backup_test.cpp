@@ -35,7 +35,8 @@ protected:
     }
 
     const StorageOptimizationSuggestion film{.title = "film.mov",
-                                             .path = "/home/owner/Movies/film.mov"};
+                                             .path = "/home/owner/Movies/film.mov",
+                                             .identity = {1, 7}};
 };
 
 TEST_F(BackupTest, AFileIsCopiedToTheChosenFolder) {
@@ -147,6 +148,24 @@ TEST_F(BackupTest, AStoppedCopyLeavesAReceipt) {
                             "of it was left. The original remains in place."));
     EXPECT_FALSE(state().backup);
     EXPECT_EQ(files().stopBackup(), Outcome::ignored());
+}
+
+TEST_F(BackupTest, TheReviewedFileIsCopied) {
+    backUpTo("/media/disk");
+    finishWork();
+    EXPECT_EQ(diskPorts.copy->identity, film.identity);
+}
+
+TEST_F(BackupTest, TheEndOfTheProgramStopsACopyAndDoesNotWaitForItsEnd) {
+    backUpTo("/media/disk");
+    bool hasEnded = false;
+    diskPorts.copy->copying = [&] {
+        jobs.stopAll();
+        hasEnded = true;
+    };
+    finishWork();
+    EXPECT_TRUE(hasEnded) << "in the middle of the copy";
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup failed: Operation canceled");
 }
 
 TEST_F(BackupTest, OneCopyAtATimeBesideAnAnalysis) {

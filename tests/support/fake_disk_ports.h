@@ -173,10 +173,11 @@ private:
 /// Copies nothing; records what was asked for.
 class FakeFileCopy final : public FileCopy {
 public:
-    std::optional<std::string> copy(const std::string& from, const std::string& to,
+    std::optional<std::string> copy(const CopyRequest& request,
                                     const std::function<void(const CopyProgress&)>& progress,
                                     const std::stop_token& stop) override {
-        copied.emplace_back(from, to);
+        copied.emplace_back(request.from, request.to);
+        identity = request.identity;
         progress({half, 2 * half, isChecking});
         if (copying) {
             copying();
@@ -189,6 +190,7 @@ public:
     bool isChecking = false;        ///< is past the copy itself
     std::function<void()> copying;  ///< called half way; may be absent
     std::vector<std::pair<std::string, std::string>> copied;
+    std::optional<FileIdentity> identity;  ///< of the last request
 };
 
 /// The ports of the disk's care under test, on a machine whose owner lives in /home/owner.

@@ -15,10 +15,10 @@
 
 #include <fmt/format.h>
 
-#include "core/uuid.h"
 #include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
 #include "platform/files/file_system.h"
+#include "platform/files/partial_copies.h"
 #include "platform/files/same_content.h"
 
 namespace tallowcrest {
@@ -29,20 +29,27 @@ using Progress = std::function<void(const CopyProgress&)>;
 constexpr std::int64_t stepBytes = 8 << 20;
 constexpr std::int64_t bufferBytes = 1 << 20;
 
-/// After as many bytes they are written to the disk, so that neither the end nor a stop has to wait
-/// for all of them.
-constexpr std::int64_t bytesBetweenSyncs = 64 << 20;
-
-constexpr auto progressInterval = std::chrono::milliseconds(100);
+/// After so many bytes at most they are written to the disk, so that neither the end nor a stop has
+/// to wait for all of them; after fewer where that takes longer than `longestSync`.
+constexpr std::int64_t mostUnsyncedBytes = 64 << 20;
+constexpr auto longestSync = std::chrono::milliseconds(250);
 
 // No error numbers of the system.
 constexpr int sourceChanged = -1;
 constexpr int copyDiffers = -2;
+constexpr int anotherFile = -3;
 
 std::string words(int error) {
-    return error == sourceChanged ? "The file changed while it was copied."
-           : error == copyDiffers ? "The copy was not the same when it was read again."
-                                  : std::generic_category().message(error);
+    switch (error) {
+        case sourceChanged:
+            return "The file changed while it was copied.";
+        case copyDiffers:
+            return "The copy was not the same when it was read again.";
+        case anotherFile:
+            return "Another file has taken its name.";
+        default:
+            return std::generic_category().message(error);
+    }
 }
 
 std::string gigabytes(std::uint64_t bytes) {
@@ -68,24 +75,6 @@ std::string objectionToRoom(int folder, const struct stat& source) {
                                 gigabytes(needed), gigabytes(free));
 }
 
-/// Calls no more often than a person can follow.
-class PacedProgress {
-public:
-    explicit PacedProgress(const Progress& progress) : progress_(progress) {}
-
-    void report(const CopyProgress& value) {
-        const auto now = std::chrono::steady_clock::now();
-        if (now >= next_) {
-            next_ = now + progressInterval;
-            progress_(value);
-        }
-    }
-
-private:
-    const Progress& progress_;
-    std::chrono::steady_clock::time_point next_ = {};
-};
-
 bool isSameContent(const struct stat& before, const struct stat& after) {
     const auto modifiedBefore = file_system::timesOf(before)[1];
     const auto modifiedAfter = file_system::timesOf(after)[1];
@@ -103,7 +92,7 @@ class ContentCopy {
 public:
     ContentCopy(int from, int to, std::int64_t size, const Progress& progress,
                 const std::stop_token& stop)
-        : from_(from), to_(to), size_(size), progress_(progress), paced_(progress), stop_(stop) {}
+        : from_(from), to_(to), size_(size), progress_(progress), stop_(stop) {}
 
     int run();
 
@@ -115,6 +104,7 @@ private:
     };
     Extent extentAt(std::int64_t offset) const;
     int copyExtent(const Extent& extent);
+    int syncCopied();
     std::int64_t copyStep(std::int64_t offset, std::int64_t count);
     std::int64_t copyThroughBuffer(std::int64_t offset, std::int64_t count);
 
@@ -122,9 +112,9 @@ private:
     int to_;
     std::int64_t size_;
     const Progress& progress_;
-    PacedProgress paced_;
     const std::stop_token& stop_;
     std::int64_t unsynced_ = 0;
+    std::int64_t bytesBetweenSyncs_ = stepBytes;
     bool worksWithinKernel_ = true;
     std::vector<char> buffer_;
 };
@@ -171,14 +161,25 @@ int ContentCopy::copyExtent(const Extent& extent) {
         }
         offset += copied;
         unsynced_ += copied;
-        if (unsynced_ >= bytesBetweenSyncs) {
-            if (const int error = syncFile(to_); error != 0) {
+        if (unsynced_ >= bytesBetweenSyncs_) {
+            if (const int error = syncCopied(); error != 0) {
                 return error;
             }
-            unsynced_ = 0;
         }
-        paced_.report({offset, size_, false});
+        progress_({offset, size_, false});
     }
+    return 0;
+}
+
+int ContentCopy::syncCopied() {
+    const auto began = std::chrono::steady_clock::now();
+    if (const int error = syncFile(to_); error != 0) {
+        return error;
+    }
+    const bool tookLong = std::chrono::steady_clock::now() - began > longestSync;
+    bytesBetweenSyncs_ = tookLong ? std::max(bytesBetweenSyncs_ / 2, bufferBytes)
+                                  : std::min(bytesBetweenSyncs_ * 2, mostUnsyncedBytes);
+    unsynced_ = 0;
     return 0;
 }
 
@@ -215,12 +216,11 @@ std::int64_t ContentCopy::copyThroughBuffer(std::int64_t offset, std::int64_t co
 int checkCopy(int from, int to, std::int64_t size, const Progress& progress,
               const std::stop_token& stop) {
     file_system::forgetCached(to);
-    PacedProgress paced(progress);
     errno = 0;
     const Comparison result = compareContents(
         from, to, size,
         [&](std::int64_t compared) {
-            paced.report({compared, size, true});
+            progress({compared, size, true});
         },
         stop);
     switch (result) {
@@ -242,44 +242,67 @@ int publish(int folder, const std::string& temporary, const std::string& name) {
     return renamed ? *renamed : publishNewFile(folder, temporary, name);
 }
 
-/// Copies the open file `from` into the new, open file `to`, content, mode and times.
-int fill(int to, int from, const struct stat& source, const Progress& progress,
-         const std::stop_token& stop) {
-    if (const int error = ContentCopy(from, to, source.st_size, progress, stop).run(); error != 0) {
+/// The file that is copied, as it was when it was opened.
+struct Source {
+    std::string path;
+    UniqueFD file;
+    struct stat status {};
+    FileIdentity identity;
+};
+
+/// Why the source is not what it was when it was opened, under its name and in its content; 0 when
+/// it is.
+int changeOf(const Source& source) {
+    struct stat after {};
+    if (::fstat(source.file.get(), &after) != 0) {
+        return errno;
+    }
+    const auto named =
+        file_system::statusOf(AT_FDCWD, source.path.c_str(), file_system::Freshness::current);
+    const bool isSame =
+        named && named->identity == source.identity && isSameContent(source.status, after);
+    return isSame ? 0 : sourceChanged;
+}
+
+/// Copies the source into the new, open file `to`, content, mode and times.
+int fill(int to, const Source& source, const Progress& progress, const std::stop_token& stop) {
+    const int from = source.file.get();
+    const std::int64_t size = source.status.st_size;
+    if (const int error = ContentCopy(from, to, size, progress, stop).run(); error != 0) {
         return error;
     }
     if (const int error = syncFile(to); error != 0) {
         return error;
     }
-    const int difference = checkCopy(from, to, source.st_size, progress, stop);
+    const int difference = checkCopy(from, to, size, progress, stop);
     // A file that changes differs from its copy too.
-    struct stat after {};
-    if (::fstat(from, &after) != 0) {
-        return errno;
-    }
-    if (!isSameContent(source, after)) {
-        return sourceChanged;
+    if (const int change = changeOf(source); change != 0) {
+        return change;
     }
     if (difference != 0) {
         return difference;
     }
     // Best effort: not every volume has modes and times.
     constexpr mode_t permissions = 0777;
-    static_cast<void>(::fchmod(to, source.st_mode & permissions));
-    static_cast<void>(::futimens(to, file_system::timesOf(source).data()));
+    static_cast<void>(::fchmod(to, source.status.st_mode & permissions));
+    static_cast<void>(::futimens(to, file_system::timesOf(source.status).data()));
     return syncFile(to);
 }
 
-int copyInto(int folder, const std::string& name, int from, const struct stat& source,
-             const Progress& progress, const std::stop_token& stop) {
+int copyInto(int folder, const std::string& name, const Source& source, const Progress& progress,
+             const std::stop_token& stop) {
     constexpr mode_t ownerOnly = 0600;
-    const std::string temporary = "." + UUID::random().text() + ".part";
+    const std::string temporary = partialCopyName();
     const UniqueFD to(::openat(folder, temporary.c_str(),
                                O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
     if (!to.valid()) {
         return errno;
     }
-    int error = fill(to.get(), from, source, progress, stop);
+    lockPartialCopy(to.get());
+    int error = fill(to.get(), source, progress, stop);
+    if (error == 0 && stop.stop_requested()) {
+        error = ECANCELED;
+    }
     if (error == 0) {
         error = publish(folder, temporary, name);
     }
@@ -301,18 +324,35 @@ int errorOfName(int folder, const std::string& name) {
     return errno == ENOENT ? 0 : errno;
 }
 
-/// Absent when the file was copied, else why not.
-std::optional<std::string> copyFile(const std::filesystem::path& from,
-                                    const std::filesystem::path& to, const Progress& progress,
-                                    const std::stop_token& stop) {
-    const UniqueFD file(::open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat source {};
-    if (!file.valid() || ::fstat(file.get(), &source) != 0) {
-        return words(errno);
+/// Opens the file that was reviewed. Returns 0 or an error.
+int openSource(const CopyRequest& request, Source& source) {
+    source.path = request.from;
+    source.file =
+        UniqueFD(::open(request.from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!source.file.valid() || ::fstat(source.file.get(), &source.status) != 0) {
+        return errno;
     }
-    if (!S_ISREG(source.st_mode)) {
-        return words(S_ISDIR(source.st_mode) ? EISDIR : EINVAL);
+    if (!S_ISREG(source.status.st_mode)) {
+        return S_ISDIR(source.status.st_mode) ? EISDIR : EINVAL;
     }
+    const auto opened =
+        file_system::statusOf(source.file.get(), "", file_system::Freshness::current);
+    if (!opened) {
+        return errno;
+    }
+    source.identity = opened->identity;
+    return request.identity && *request.identity != opened->identity ? anotherFile : 0;
+}
+
+}  // namespace
+
+std::optional<std::string> PosixFileCopy::copy(const CopyRequest& request, const Progress& progress,
+                                               const std::stop_token& stop) {
+    Source source;
+    if (const int error = openSource(request, source); error != 0) {
+        return words(error);
+    }
+    const std::filesystem::path to = request.to;
     const UniqueFD folder(::open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
         return words(errno);
@@ -320,20 +360,14 @@ std::optional<std::string> copyFile(const std::filesystem::path& from,
     // Known before the work rather than after it.
     int error = errorOfName(folder.get(), to.filename());
     if (error == 0) {
-        if (std::string objection = objectionToRoom(folder.get(), source); !objection.empty()) {
+        removePartialCopies(folder.get());
+        if (std::string objection = objectionToRoom(folder.get(), source.status);
+            !objection.empty()) {
             return objection;
         }
-        error = copyInto(folder.get(), to.filename(), file.get(), source, progress, stop);
+        error = copyInto(folder.get(), to.filename(), source, progress, stop);
     }
     return error == 0 ? std::nullopt : std::optional(words(error));
-}
-
-}  // namespace
-
-std::optional<std::string> PosixFileCopy::copy(const std::string& from, const std::string& to,
-                                               const Progress& progress,
-                                               const std::stop_token& stop) {
-    return copyFile(from, to, progress, stop);
 }
 
 }  // namespace tallowcrest

@@ -4,6 +4,7 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/files/file_copy_posix.h"
+#include "platform/files/partial_copies.h"
 #include "tests/platform/files/apart.h"
 #include "tests/platform/support/refused_call.h"
 #include "tests/support/names_in.h"
@@ -28,11 +30,12 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Truly;
 
 using Refusals = std::vector<std::pair<std::uint32_t, int>>;
 
 std::optional<std::string> copyFile(const std::string& from, const std::string& to) {
-    return PosixFileCopy().copy(from, to, [](const CopyProgress&) {}, {});
+    return PosixFileCopy().copy({from, to}, [](const CopyProgress&) {}, {});
 }
 
 class FileCopyFallbackTest : public testing::Test {
@@ -125,6 +128,22 @@ TEST_F(FileCopyFallbackTest, DoesNotBeginWhereTheRoomDoesNotSuffice) {
     EXPECT_EQ(run.text,
               "There is not enough room for the copy: 0.01 GB are needed, 0.00 GB are free., 0 "
               "files, 4 MB free");
+}
+
+TEST_F(FileCopyFallbackTest, AKillLeavesNoPartUnderTheNameAndTheNextCopyRemovesTheRest) {
+    const apart::Run run = apart::run(apart::Rights::mounts, [this] {
+        const auto kill = [](const CopyProgress&) { ::raise(SIGKILL); };
+        return PosixFileCopy()
+            .copy({source.path("film"), target.path("copy")}, kill, {})
+            .value_or("copied");
+    });
+    if (!run.isPossible) {
+        GTEST_SKIP() << run.reason;
+    }
+    EXPECT_EQ(run.text, "ended by a signal");
+    ASSERT_THAT(namesIn(target.path()), ElementsAre(Truly(isPartialCopyName)));
+    EXPECT_EQ(copyFile(source.path("film"), target.path("copy")), std::nullopt);
+    EXPECT_THAT(namesIn(target.path()), ElementsAre("copy"));
 }
 
 }  // namespace

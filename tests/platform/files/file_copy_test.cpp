@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -13,8 +14,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/uuid.h"
 #include "platform/base/unique_fd.h"
 #include "platform/files/file_copy_posix.h"
+#include "platform/files/partial_copies.h"
 #include "tests/support/file_text.h"
 #include "tests/support/names_in.h"
 #include "tests/support/temporary_folder.h"
@@ -24,6 +27,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 using Reports = std::vector<std::pair<std::int64_t, std::int64_t>>;
 
@@ -50,7 +54,7 @@ protected:
         const std::string& from, const std::string& to,
         const std::function<void(std::int64_t)>& duringIt = [](std::int64_t) {}) {
         return PosixFileCopy().copy(
-            from, to,
+            {from, to, reviewed},
             [&](const CopyProgress& progress) {
                 (progress.isChecking ? checks : reports).emplace_back(progress.done, progress.all);
                 (progress.isChecking ? duringCheck : duringIt)(progress.done);
@@ -61,6 +65,7 @@ protected:
     TemporaryFolder source;
     TemporaryFolder target;
     std::stop_source stop;
+    std::optional<FileIdentity> reviewed;
     Reports reports;
     Reports checks;  ///< while the copy was compared with the file
     std::function<void(std::int64_t)> duringCheck = [](std::int64_t) {};
@@ -221,6 +226,61 @@ TEST_F(FileCopyTest, LeavesNothingAfterAStop) {
     EXPECT_EQ(copy(source.file("empty", "", 0644), target.path("copy")), "Operation canceled");
     EXPECT_THAT(namesIn(target.path()), IsEmpty());
     EXPECT_EQ(fileText(from).size(), longText().size());
+}
+
+TEST_F(FileCopyTest, CopiesOnlyTheFileThatWasReviewed) {
+    const std::string from = source.file("film", "text", 0644);
+    const struct stat info = statusOf(from);
+    reviewed = {.device = info.st_dev, .inode = info.st_ino, .bornAt = 1};
+    EXPECT_EQ(copy(from, target.path("copy")), "Another file has taken its name.");
+    reviewed->bornAt = 0;
+    EXPECT_EQ(copy(from, target.path("copy")), std::nullopt);
+    std::filesystem::rename(source.file("other", "text", 0644), from);
+    EXPECT_EQ(copy(from, target.path("two")), "Another file has taken its name.");
+    EXPECT_THAT(namesIn(target.path()), ElementsAre("copy"));
+}
+
+TEST_F(FileCopyTest, LeavesNothingWhenAnotherFileTakesTheNameMeanwhile) {
+    const std::string from = source.file("film", longText(), 0644);
+    const std::string other = source.file("other", longText(), 0644);
+    EXPECT_EQ(copy(from, target.path("copy"),
+                   [&](std::int64_t) {
+                       if (std::filesystem::exists(other)) {
+                           std::filesystem::rename(other, from);
+                       }
+                   }),
+              changed);
+    EXPECT_THAT(namesIn(target.path()), IsEmpty());
+}
+
+TEST_F(FileCopyTest, RemovesWhatAKilledProcessHasLeftInTheFolder) {
+    const std::string from = source.file("film", "text", 0644);
+    const std::string left = partialCopyName();
+    const std::string atWork = partialCopyName();
+    const std::string folder = partialCopyName();
+    const std::string link = partialCopyName();
+    const std::string ofAnother = '.' + UUID::random().text() + ".part";
+    target.file(left, "half", 0600);
+    target.file(ofAnother, "half", 0600);
+    std::filesystem::create_directory(target.path(folder));
+    std::filesystem::create_symlink(ofAnother, target.path(link));
+    const UniqueFD writing(::open(target.file(atWork, "half", 0600).c_str(), O_WRONLY | O_CLOEXEC));
+    lockPartialCopy(writing.get());
+    ASSERT_EQ(copy(from, target.path("copy")), std::nullopt);
+    EXPECT_THAT(namesIn(target.path()),
+                UnorderedElementsAre(atWork, folder, link, ofAnother, "copy"));
+}
+
+TEST(PartialCopies, AreKnownByTheirNames) {
+    EXPECT_TRUE(isPartialCopyName(partialCopyName()));
+    for (const char* name :
+         {"", ".", ".tallowcrest-.part", ".tallowcrest-x.part", ".tallowcrest-.tallowcrest-.part",
+          ".1B4E28BA-2FA1-11D2-883F-0016D3CCA427.part", ".tallowcrest.part",
+          ".tallowcrest-1B4E28BA-2FA1-11D2-883F-0016D3CCA427",
+          ".tallowcrest-1B4E28BA-2FA1-11D2-883F-0016D3CCA427.part2",
+          "tallowcrest-1B4E28BA-2FA1-11D2-883F-0016D3CCA427.part"}) {
+        EXPECT_FALSE(isPartialCopyName(name)) << name;
+    }
 }
 
 TEST_F(FileCopyTest, LeavesNothingWhenTheFileChangesMeanwhile) {
