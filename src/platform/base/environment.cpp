@@ -46,4 +46,12 @@ UserAccount userAccount() {
     return account;
 }
 
+std::string baseFolder(const char* variable, const std::string& usual) {
+    if (std::string folder = environmentVariable(variable); folder.starts_with('/')) {
+        return folder;
+    }
+    const std::string home = userAccount().homeDirectory;
+    return home.starts_with('/') ? home + '/' + usual : std::string();
+}
+
 }  // namespace tallowcrest

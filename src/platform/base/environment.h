@@ -32,4 +32,9 @@ struct UserAccount {
 /// Main thread.
 UserAccount userAccount();
 
+/// The folder that a variable of the XDG rules names, else the folder `usual` of the home
+/// directory. By these rules a relative path counts as not set. Empty when the home directory is
+/// unknown. Main thread.
+std::string baseFolder(const char* variable, const std::string& usual);
+
 }  // namespace tallowcrest

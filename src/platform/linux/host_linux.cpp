@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <ctime>
 #include <system_error>
 
@@ -65,13 +64,8 @@ std::string loginName() {
 }
 
 std::filesystem::path dataDirectory() {
-    const char* data = std::getenv("XDG_DATA_HOME");
-    // By the XDG rules a relative path counts as not set.
-    if (data != nullptr && *data == '/') {
-        return std::filesystem::path(data) / "tallowcrest";
-    }
-    const std::filesystem::path home = userAccount().homeDirectory;
-    return home.is_absolute() ? home / ".local/share/tallowcrest" : std::filesystem::path{};
+    const std::filesystem::path data = baseFolder("XDG_DATA_HOME", ".local/share");
+    return data.empty() ? data : data / "tallowcrest";
 }
 
 std::filesystem::path executablePath() {

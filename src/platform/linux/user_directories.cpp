@@ -1,7 +1,6 @@
 #include "platform/linux/user_directories.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <utility>
 
 #include "core/text.h"
@@ -53,12 +52,6 @@ std::string normal(const std::string& path) {
     return result;
 }
 
-/// By the XDG rules a relative path counts as not set.
-std::string folderOfVariable(const char* variable, const std::string& usual) {
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value == '/' ? normal(value) : usual;
-}
-
 }  // namespace
 
 std::optional<std::string> userDirectory(std::string_view text, std::string_view name,
@@ -88,9 +81,9 @@ UserFolders userFolders() {
     }
     UserFolders folders;
     folders.home = home;
-    folders.configuration = folderOfVariable("XDG_CONFIG_HOME", home + "/.config");
-    folders.data = folderOfVariable("XDG_DATA_HOME", home + "/.local/share");
-    folders.caches = folderOfVariable("XDG_CACHE_HOME", home + "/.cache");
+    folders.configuration = normal(baseFolder("XDG_CONFIG_HOME", ".config"));
+    folders.data = normal(baseFolder("XDG_DATA_HOME", ".local/share"));
+    folders.caches = normal(baseFolder("XDG_CACHE_HOME", ".cache"));
     const std::string text = readRegularFile(folders.configuration + "/user-dirs.dirs");
     const auto named = [&](std::string_view name, std::string_view usual) {
         return normal(userDirectory(text, name, home).value_or(home + '/' + std::string(usual)));
