@@ -1,0 +1,158 @@
+// A clean-up from the walk to the Trash, on real files, with what can happen between its plan and
+// its run.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "disk/cache_cleanup.h"
+#include "platform/files/file_walk_posix.h"
+#include "platform/trash/file_status.h"
+#include "tests/platform/trash/swap_names.h"
+#include "tests/platform/trash/trash_fixture.h"
+#include "tests/support/file_text.h"
+
+namespace tallowcrest {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::UnorderedElementsAre;
+
+class PlannedCleanUpTest : public TrashFixture {
+protected:
+    /// Writes a file of the caches that has not changed for 40 days.
+    std::string old(const std::string& name, const std::string& content = "old") {
+        const std::string path = write(inCache(name), content);
+        const auto then = static_cast<std::time_t>(clock.now().unixSeconds()) - 40 * 86400;
+        const std::array<timespec, 2> times{timespec{then, 0}, timespec{then, 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times.data(), 0), 0);
+        return path;
+    }
+
+    DiskCleanupPlan plan() {
+        PosixFileWalk walk;
+        return buildDiskCleanupPlan(
+            walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {}, {});
+    }
+
+    CleanupProgress carryOut(const DiskCleanupPlan& made) {
+        DiskChanges changes;
+        CleanupTally tally(made.urls.size());
+        moveOldCaches(
+            trash, {made.urls, place, 2.0}, tally, [] {}, Stop({}, changes), {});
+        return tally.progress();
+    }
+
+    std::vector<std::string> movedNames() const {
+        std::vector<std::string> names;
+        for (const TrashedFile& file : contents()) {
+            EXPECT_EQ(file.isThere, !file.restorePath.empty());
+            names.push_back(file.storedName);
+        }
+        return names;
+    }
+
+    const CachesPlace place{(home / ".cache").string(), home.string(), {}};
+};
+
+TEST_F(PlannedCleanUpTest, MovesWhatIsStillAsItWasPlanned) {
+    old("a/one");
+    old("b/two");
+    write(inCache("young"), "young");
+    const DiskCleanupPlan made = plan();
+    ASSERT_THAT(made.urls, SizeIs(2));
+    EXPECT_EQ(carryOut(made), (CleanupProgress{2, 2, 2, 6}));
+    EXPECT_THAT(movedNames(), UnorderedElementsAre("one", "two"));
+    EXPECT_TRUE(fs::exists(inCache("young")));
+}
+
+TEST_F(PlannedCleanUpTest, LeavesWhatTookThePlaceOfAPlannedFile) {
+    const std::map<std::string, std::function<void(const std::string&)>> swaps{
+        // Its number is often the same, and then its birth tells it.
+        {"made anew", [this](const std::string& path) {
+             const auto birth = statusAt(AT_FDCWD, path)->identity.bornAt;
+             fs::remove(path);
+             // Births are kept in steps of a few milliseconds.
+             while (statusAt(AT_FDCWD, old("tick"))->identity.bornAt == birth) {
+                 fs::remove(inCache("tick"));
+             }
+         }},
+        {"replaced", [this](const std::string& path) {
+             fs::rename(write(home / "new", "new content"), path);
+         }},
+        {"a link", [this](const std::string& path) {
+             fs::remove(path);
+             fs::create_symlink(write(home / "mine", "mine"), path);
+         }},
+        {"a folder", [](const std::string& path) {
+             fs::remove(path);
+             fs::create_directory(path);
+         }},
+        {"gone", [](const std::string& path) { fs::remove(path); }},
+        {"emptied", [](const std::string& path) { fs::resize_file(path, 0); }},
+        {"another name", [](const std::string& path) { fs::rename(path, path + " elsewhere"); }},
+        {"another folder", [this](const std::string& path) {
+             const fs::path folder = fs::path(path).parent_path();
+             fs::rename(folder, home / "kept");
+             write(path, "new content");
+         }},
+        {"a link for its folder", [this](const std::string& path) {
+             const fs::path folder = fs::path(path).parent_path();
+             fs::rename(folder, home / "linked");
+             fs::create_directory_symlink(home / "linked", folder);
+         }},
+    };
+    for (const auto& [name, swap] : swaps) {
+        SCOPED_TRACE(name);
+        const std::string path = old(name + "/file", "planned");
+        const DiskCleanupPlan made = plan();
+        ASSERT_THAT(made.urls, SizeIs(1));
+        swap(path);
+        if (name == "made anew") {
+            old(name + "/file", "made anew");
+        }
+        EXPECT_EQ(carryOut(made), (CleanupProgress{1, 1, 0, 0}));
+        EXPECT_THAT(contents(), IsEmpty());
+        if (name == "made anew") {
+            EXPECT_EQ(fileText(path), "made anew");
+        }
+        fs::remove_all(home / ".cache");
+        fs::create_directory(home / ".cache");
+    }
+    EXPECT_EQ(fileText(home / "kept/file"), "planned");
+    EXPECT_EQ(fileText(home / "linked/file"), "planned");
+    EXPECT_EQ(fileText(home / "mine"), "mine");
+}
+
+TEST_F(PlannedCleanUpTest, FollowsALinkThatTheOwnerMadeToTheCachesAndNoneBelow) {
+    old("in/a");
+    write(home / "Documents/letter", "mine");
+    fs::rename(home / ".cache", home / "elsewhere");
+    fs::create_directory_symlink("elsewhere", home / ".cache");
+    fs::create_directory_symlink("../Documents", home / "elsewhere/out");
+    EXPECT_EQ(carryOut(plan()), (CleanupProgress{1, 1, 1, 3}));
+    EXPECT_THAT(movedNames(), UnorderedElementsAre("a"));
+    EXPECT_EQ(fileText(home / "Documents/letter"), "mine");
+}
+
+TEST_F(PlannedCleanUpTest, TakesNamesThatAreNoText) {
+    const std::string path = old("caf\xE9/\xFF\n");
+    EXPECT_EQ(carryOut(plan()), (CleanupProgress{1, 1, 1, 3}));
+    ASSERT_THAT(contents(), SizeIs(1));
+    EXPECT_EQ(contents()[0].restorePath, path);
+}
+
+}  // namespace
+}  // namespace tallowcrest
