@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "platform/base/environment.h"
+#include "platform/base/proxy_variables.h"
 #include "platform/host.h"
 #include "platform/http/http_module.h"
 
@@ -25,6 +27,8 @@ void HttpModule::load() {
         return;
     }
     const std::filesystem::path file = self.parent_path() / "tallowcrest-http.so";
+    // The libraries read variables when they are loaded and prepared.
+    const std::lock_guard guard(environmentLock());
     // Never unloaded: a name server may still be asked in a thread of its libraries.
     void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* const make = module == nullptr ? nullptr : ::dlsym(module, httpModuleFunction);
@@ -32,7 +36,8 @@ void HttpModule::load() {
         problem_ = ::dlerror();
         return;
     }
-    loaded_.reset(reinterpret_cast<decltype(&tallowcrest_make_http_exchange)>(make)());
+    loaded_.reset(
+        reinterpret_cast<decltype(&tallowcrest_make_http_exchange)>(make)(proxyVariables));
 }
 
 }  // namespace tallowcrest

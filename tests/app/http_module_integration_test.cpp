@@ -21,6 +21,15 @@ TEST(HttpModule, IsLoadedWithItsLibraryByTheFirstExchange) {
     EXPECT_EQ(provider.line(), "POST /status Bearer sk-test application/json {}");
 }
 
+TEST(HttpModule, AsksTheProxyOfTheEnvironment) {
+    const ProgramResult result =
+        runProgram({.path = user,
+                    .arguments = {"https://provider.invalid/text"},
+                    .withVariables = {"https_proxy=http://127.0.0.1:1", "no_proxy="}});
+    EXPECT_THAT(result.standardOutput,
+                testing::StartsWith("0 1 0 Failed to connect to 127.0.0.1 port 1"));
+}
+
 TEST(HttpModule, ThatIsNotBesideTheProgramIsNotLookedForElsewhere) {
     const TemporaryFolder folder;
     const std::filesystem::path copy = folder.path() / "program";

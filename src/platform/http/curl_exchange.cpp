@@ -1,10 +1,13 @@
 #include "platform/http/curl_exchange.h"
 
 #include <condition_variable>
+#include <list>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
 #include "platform/base/core_dumps.h"
+#include "platform/http/curl_library.h"
 #include "platform/http/curl_transfer.h"
 
 namespace tallowcrest {
@@ -13,19 +16,30 @@ namespace tallowcrest {
 struct CurlExchange::Box {
     std::mutex lock;
     std::condition_variable_any arrived;
-    bool isAwaited = true;
     bool isOver = false;
     std::optional<HttpReply> reply;
 };
 
+/// The exchanges that nobody waits for any more.
+struct CurlExchange::Abandoned {
+    std::mutex lock;
+    std::condition_variable ended;
+    std::list<std::stop_source> exchanges;
+};
+
 CurlExchange::CurlExchange() : CurlExchange(Options()) {}
 
-CurlExchange::CurlExchange(Options options) : options_(std::move(options)) {}
+CurlExchange::CurlExchange(Options options)
+    : options_(std::move(options)), abandoned_(std::make_shared<Abandoned>()) {
+    prepareCurl();  // a failure is told by each exchange
+}
 
 CurlExchange::~CurlExchange() {
-    for (Running& exchange : running_) {
-        exchange.thread.request_stop();
+    std::unique_lock guard(abandoned_->lock);
+    for (std::stop_source& exchange : abandoned_->exchanges) {
+        exchange.request_stop();
     }
+    abandoned_->ended.wait(guard, [this] { return abandoned_->exchanges.empty(); });
 }
 
 std::optional<HttpReply> CurlExchange::post(const HttpRequest& request,
@@ -38,48 +52,55 @@ std::optional<HttpReply> CurlExchange::post(const HttpRequest& request,
                                        .body = request.body,
                                        .timeout = request.timeout,
                                        .longestReply = options_.longestReply,
-                                       .certificateAuthorities = options_.certificateAuthorities}](
+                                       .certificateAuthorities = options_.certificateAuthorities,
+                                       .proxies = options_.proxies != nullptr ? options_.proxies()
+                                                                              : ProxyVariables()}](
                     const std::stop_token& abandoned) mutable {
         HttpReply reply = performTransfer(std::exchange(transfer, {}), abandoned);
         const std::lock_guard guard(box->lock);
-        if (box->isAwaited) {
-            box->reply = std::move(reply);
-        }
+        box->reply = std::move(reply);
         box->isOver = true;
         box->arrived.notify_all();
     };
-    std::stop_source abandon;
+    std::jthread exchange;
     try {
-        Running exchange{box, std::jthread(std::move(work))};
-        abandon = exchange.thread.get_stop_source();
-        const std::lock_guard guard(lock_);
-        running_.push_back(std::move(exchange));
+        exchange = std::jthread(std::move(work));
     } catch (const std::system_error& error) {
         return HttpReply{.transportError = error.code().message()};
     }
-    std::optional<HttpReply> reply;
-    {
-        std::unique_lock guard(box->lock);
-        box->arrived.wait_for(guard, stop, request.wait, [&box] { return box->isOver; });
-        if (stop.stop_requested()) {
-            abandon.request_stop();
-        }
-        box->isAwaited = false;
-        reply = std::exchange(box->reply, std::nullopt);
+    std::unique_lock guard(box->lock);
+    box->arrived.wait_for(guard, stop, request.wait, [&box] { return box->isOver; });
+    if (box->isOver) {
+        // The thread has nothing more to do, so its end takes no time.
+        return std::move(box->reply);
     }
-    removeEnded();
-    return reply;
+    guard.unlock();
+    if (stop.stop_requested()) {
+        exchange.request_stop();
+    }
+    abandon(std::move(exchange));
+    return std::nullopt;
 }
 
-void CurlExchange::removeEnded() {
-    std::list<Running> ended;
-    const std::lock_guard guard(lock_);
-    for (auto next = running_.begin(); next != running_.end();) {
-        const auto exchange = next++;
-        const std::lock_guard boxGuard(exchange->box->lock);
-        if (exchange->box->isOver) {
-            ended.splice(ended.end(), running_, exchange);
-        }
+void CurlExchange::abandon(std::jthread exchange) {
+    const auto remove = [abandoned = abandoned_](auto place) {
+        const std::lock_guard guard(abandoned->lock);
+        abandoned->exchanges.erase(place);
+        abandoned->ended.notify_all();
+    };
+    std::unique_lock guard(abandoned_->lock);
+    const auto place =
+        abandoned_->exchanges.insert(abandoned_->exchanges.end(), exchange.get_stop_source());
+    guard.unlock();
+    try {
+        // A thread that has used TLS is joined, and not detached: what it does at its very end must
+        // not come after the end of the program.
+        std::thread([exchange = std::move(exchange), remove, place]() mutable {
+            exchange.join();
+            remove(place);
+        }).detach();
+    } catch (const std::system_error&) {
+        remove(place);  // the exchange was stopped and has ended with the thread that was not made
     }
 }
 

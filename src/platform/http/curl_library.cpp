@@ -10,7 +10,6 @@
 #include <mutex>
 
 #include "core/secret_text.h"
-#include "platform/base/environment.h"
 
 namespace tallowcrest {
 namespace {
@@ -78,8 +77,6 @@ bool prepareCurl() {
     static std::once_flag once;
     static bool isReady = false;
     std::call_once(once, [] {
-        // It and the library for TLS read variables.
-        const std::lock_guard guard(environmentLock());
         isReady = curl_global_init_mem(CURL_GLOBAL_DEFAULT, allocate, release, reallocate,
                                        duplicate, allocateZeros) == CURLE_OK;
     });

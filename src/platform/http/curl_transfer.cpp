@@ -6,16 +6,12 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <initializer_list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 
-#include "platform/base/environment.h"
 #include "platform/http/curl_library.h"
 
 namespace tallowcrest {
@@ -48,17 +44,6 @@ std::string hostOf(CURLU* url) {
         text = text.substr(1, text.size() - 2);
     }
     return std::string(text);
-}
-
-/// The value of the first of these variables that is set.
-std::string firstVariable(std::initializer_list<const char*> names) {
-    const std::lock_guard guard(environmentLock());
-    for (const char* name : names) {
-        if (const char* value = std::getenv(name); value != nullptr && *value != '\0') {
-            return value;
-        }
-    }
-    return {};
 }
 
 /// Null without memory. Without a token there is no line for it.
@@ -152,10 +137,7 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     }
     const bool isLoopback = isLoopbackHost(hostOf(url.get()));
     // A request to this machine needs no proxy, and a proxy elsewhere would reach another machine.
-    const std::string proxy =
-        isLoopback ? std::string()
-                   : firstVariable({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
-    const std::string proxyExceptions = firstVariable({"no_proxy", "NO_PROXY"});
+    const std::string proxy = isLoopback ? std::string() : transfer.proxies.proxy;
 
     Arriving arriving{.longest = transfer.longestReply};
     std::array<char, CURL_ERROR_SIZE> words{};
@@ -185,7 +167,7 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     }
     // Both are set even if empty: libcurl would otherwise read the environment, without our lock.
     set(CURLOPT_PROXY, proxy.c_str());
-    set(CURLOPT_NOPROXY, proxyExceptions.c_str());
+    set(CURLOPT_NOPROXY, transfer.proxies.exceptions.c_str());
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(transfer.timeout.count()));
     set(CURLOPT_QUICK_EXIT, 1L);  // does not wait for a name server at the end

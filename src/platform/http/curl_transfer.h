@@ -6,6 +6,7 @@
 #include <string>
 
 #include "advisor/advisor_ports.h"
+#include "platform/base/proxy_variables.h"
 
 namespace tallowcrest {
 
@@ -17,6 +18,7 @@ struct CurlTransfer {
     std::chrono::milliseconds timeout;
     std::size_t longestReply;            ///< the bytes of its body
     std::string certificateAuthorities;  ///< a file; empty for those of the system
+    ProxyVariables proxies;              ///< not used for this machine
 };
 
 /// Sends the request over a connection of its own and returns the reply. Blocks until `timeout` or

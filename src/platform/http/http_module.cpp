@@ -2,6 +2,7 @@
 
 #include "platform/http/curl_exchange.h"
 
-tallowcrest::HttpExchange* tallowcrest_make_http_exchange() {
-    return new tallowcrest::CurlExchange;
+tallowcrest::HttpExchange* tallowcrest_make_http_exchange(
+    tallowcrest::ProxyVariables (*proxies)()) {
+    return new tallowcrest::CurlExchange({.proxies = proxies});
 }

@@ -3,12 +3,15 @@
 namespace tallowcrest {
 
 class HttpExchange;
+struct ProxyVariables;
 
 inline constexpr const char* httpModuleFunction = "tallowcrest_make_http_exchange";
 
 }  // namespace tallowcrest
 
 /// The one function of the module beside the programs, which has copies of its own of this folder
-/// and of what that needs. The caller owns the result. Any thread.
-extern "C" [[gnu::visibility("default")]] tallowcrest::HttpExchange*
-tallowcrest_make_http_exchange();
+/// and of what that needs. `proxies` is called for each exchange: the lock of the environment is
+/// the program's. The caller holds that lock, because the libraries behind the module read
+/// variables when they are prepared. The caller owns the result. Any thread.
+extern "C" [[gnu::visibility("default")]] tallowcrest::HttpExchange* tallowcrest_make_http_exchange(
+    tallowcrest::ProxyVariables (*proxies)());

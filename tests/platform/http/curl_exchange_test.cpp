@@ -2,7 +2,10 @@
 
 #include <sys/resource.h>
 
+#include <filesystem>
 #include <future>
+#include <iterator>
+#include <optional>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -11,7 +14,7 @@
 #include "advisor/provider_reply.h"
 #include "platform/http/curl_transfer.h"
 #include "tests/platform/http/test_provider.h"
-#include "tests/support/scoped_variable.h"
+#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {
@@ -40,9 +43,35 @@ TEST(CurlExchange, SendsTheRequestAsAsked) {
     EXPECT_EQ(provider.line(), "POST /text Bearer sk-test application/json {}");
 }
 
-TEST(CurlExchange, EachFailureHasItsWords) {
+/// Failures, over plain HTTP and over TLS.
+class CurlExchangeFailures : public testing::TestWithParam<bool> {
+protected:
+    CurlExchangeFailures() {
+        if (GetParam()) {
+            provider_.emplace(authority_.certificate("IP:127.0.0.1"));
+        } else {
+            provider_.emplace();
+        }
+    }
+
+    std::string outcomeOf(const std::string& path) {
+        return outcome(
+            post(exchange_,
+                 provider_->at(GetParam() ? "https://127.0.0.1" : "http://127.0.0.1") + path));
+    }
+
+    TestAuthority authority_;
+    std::optional<TestProvider> provider_;
+    CurlExchange exchange_{{.certificateAuthorities = authority_.path()}};
+};
+
+INSTANTIATE_TEST_SUITE_P(Over, CurlExchangeFailures, testing::Bool(),
+                         [](const auto& each) { return each.param ? "Tls" : "PlainHttp"; });
+
+TEST_P(CurlExchangeFailures, EachHasItsWords) {
     const std::string shown(240, 'b');
     const std::vector<std::pair<std::string, std::string>> table{
+        {"/text", "fine"},
         {"/status?200", "OpenAI response did not include readable text."},
         {"/status?302", "OpenAI error 302: " + shown},
         {"/status?401", "OpenAI error 401: " + shown},
@@ -54,22 +83,25 @@ TEST(CurlExchange, EachFailureHasItsWords) {
         {"/unreadable", "OpenAI response did not include readable text."},
         {"/not-utf8?400", "OpenAI error 400: HTTP 400"},
     };
-    TestProvider provider;
-    CurlExchange exchange;
     for (const auto& [path, expected] : table) {
-        EXPECT_EQ(outcome(post(exchange, provider.at(local) + path)), expected) << path;
+        EXPECT_EQ(outcomeOf(path), expected) << path;
     }
 }
 
-TEST(CurlExchange, FailuresOfTheConnectionAreToldInTheLibrarysWords) {
-    TestProvider provider;
-    CurlExchange exchange;
+TEST_P(CurlExchangeFailures, ThoseOfTheConnectionAreToldInTheLibrarysWords) {
     for (const char* path : {"/broken", "/closed", "/other-protocol"}) {
-        EXPECT_THAT(outcome(post(exchange, provider.at(local) + path)),
-                    StartsWith("OpenAI request failed: "))
-            << path;
+        EXPECT_THAT(outcomeOf(path), StartsWith("OpenAI request failed: ")) << path;
     }
-    const ScopedVariable noProxy("no_proxy", "*");
+}
+
+TEST_P(CurlExchangeFailures, AReplyThatIsTooLongIsRefused) {
+    for (const char* path : {"/large", "/large-without-length"}) {
+        EXPECT_THAT(outcomeOf(path), StartsWith("OpenAI request failed: Maximum file size"));
+    }
+}
+
+TEST(CurlExchange, AServerThatIsNotThereIsToldInTheLibrarysWords) {
+    CurlExchange exchange;
     EXPECT_THAT(outcome(post(exchange, "http://127.0.0.1:1/text")), HasSubstr("Failed to connect"));
     EXPECT_THAT(outcome(post(exchange, "https://nobody.invalid/text")),
                 HasSubstr("Could not resolve host"));
@@ -170,6 +202,20 @@ TEST(CurlExchange, TheCallerDoesNotWaitForASlowReplyWhichThenEndsByItself) {
         EXPECT_THAT(provider.line(), StartsWith("POST "));
         EXPECT_EQ(provider.line(), "gone");
     }
+}
+
+TEST(CurlExchange, AnAbandonedExchangeLeavesNoThreadWhenItHasEnded) {
+    const auto threads = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+    };
+    TestProvider provider;
+    CurlExchange exchange;
+    const auto before = threads();
+    EXPECT_FALSE(post(exchange, provider.at(local) + "/silent", seconds(1), seconds(3)));
+    EXPECT_GT(threads(), before);
+    EXPECT_TRUE(eventually([&] { return threads() == before; }));
+    EXPECT_THAT(provider.line(), StartsWith("POST /silent "));
+    EXPECT_EQ(provider.line(), "gone");
 }
 
 TEST(CurlExchange, AnExchangeEndsWithItsTimeLimit) {

@@ -23,7 +23,8 @@ protected:
     }
 
     TestAuthority authority_;
-    CurlExchange exchange_{{.certificateAuthorities = authority_.path()}};
+    CurlExchange exchange_{
+        {.certificateAuthorities = authority_.path(), .proxies = proxyVariables}};
 };
 
 TEST_F(CurlExchangeTls, ATrustedCertificateIsAccepted) {
@@ -126,7 +127,7 @@ TEST_F(CurlExchangeProxy, IsNotUsedForAnExceptionOfTheEnvironment) {
 
 TEST_F(CurlExchangeProxy, DoesNotMakeACertificateTrusted) {
     const ScopedVariable variable("https_proxy", address_);
-    CurlExchange asShipped;
+    CurlExchange asShipped({.proxies = proxyVariables});
     EXPECT_THAT(failureOf(asShipped, provider_.at("https://provider.example")),
                 Optional(HasSubstr("unable to get local issuer certificate")));
 }
