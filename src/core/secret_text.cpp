@@ -1,7 +1,10 @@
 #include "core/secret_text.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <array>
+#include <new>
 #include <utility>
 
 namespace tallowcrest {
@@ -14,6 +17,32 @@ namespace {
     wipe(unused);
 }
 
+/// Whole pages, so that what is done to them concerns no other memory.
+char* takePages(std::size_t size) {
+    void* const pages =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages == MAP_FAILED) {
+        throw std::bad_alloc();
+    }
+    ::mlock(pages, size);
+#ifdef MADV_DONTDUMP
+    ::madvise(pages, size, MADV_DONTDUMP);
+#endif
+    return static_cast<char*>(pages);
+}
+
+/// How many bytes the first `count` characters have.
+std::size_t bytesOfCharacters(std::string_view utf8, std::size_t count) {
+    std::size_t size = 0;
+    for (; size < utf8.size(); ++size) {
+        const bool beginsOne = (utf8[size] & '\xC0') != '\x80';
+        if (beginsOne && count-- == 0) {
+            break;
+        }
+    }
+    return size;
+}
+
 }  // namespace
 
 void wipe(std::span<char> memory) {
@@ -23,13 +52,15 @@ void wipe(std::span<char> memory) {
     }
 }
 
-SecretText::SecretText(std::string_view text)
-    : bytes_(std::make_unique<char[]>(text.size())), size_(text.size()) {
-    std::ranges::copy(text, bytes_.get());
+SecretText::SecretText(std::size_t size)
+    : bytes_(size == 0 ? nullptr : takePages(size)), size_(size) {}
+
+SecretText::SecretText(std::string_view text) : SecretText(text.size()) {
+    std::ranges::copy(text, bytes_);
 }
 
 SecretText::SecretText(SecretText&& other) noexcept
-    : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
+    : bytes_(std::exchange(other.bytes_, nullptr)), size_(std::exchange(other.size_, 0)) {}
 
 SecretText& SecretText::operator=(SecretText&& other) noexcept {
     std::swap(bytes_, other.bytes_);
@@ -39,9 +70,27 @@ SecretText& SecretText::operator=(SecretText&& other) noexcept {
 
 SecretText::~SecretText() {
     if (size_ != 0) {
-        wipe({bytes_.get(), size_});
+        wipe({bytes_, size_});
+        ::munmap(bytes_, size_);
         wipeUnusedStack();
     }
+}
+
+std::size_t SecretText::characterCount() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(view(), [](char c) { return (c & '\xC0') != '\x80'; }));
+}
+
+SecretText SecretText::replacing(std::size_t first, std::size_t removed,
+                                 std::string_view inserted) const {
+    const std::string_view before = view().substr(0, bytesOfCharacters(view(), first));
+    const std::string_view rest = view().substr(before.size());
+    const std::string_view after = rest.substr(bytesOfCharacters(rest, removed));
+    SecretText result(before.size() + inserted.size() + after.size());
+    char* end = std::ranges::copy(before, result.bytes_).out;
+    end = std::ranges::copy(inserted, end).out;
+    std::ranges::copy(after, end);
+    return result;
 }
 
 }  // namespace tallowcrest

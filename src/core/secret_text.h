@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string_view>
 
@@ -12,8 +11,10 @@ namespace tallowcrest {
 void wipe(std::span<char> memory);
 
 /// A text that must not remain in memory, such as a key: its bytes are overwritten before their
-/// memory is released, and moving it leaves no second copy behind. Destroying one also overwrites
-/// the unused part of the thread's stack, where functions that used the text have left parts of it.
+/// memory is released, and moving it leaves no second copy behind. It has pages of its own, which
+/// are no part of a core dump where the system can leave them out, and which are not written to the
+/// swap space as far as the limit for locked memory allows. Destroying one also overwrites the
+/// unused part of the thread's stack, where functions that used the text have left parts of it.
 /// Any thread, not several at once.
 class SecretText {
 public:
@@ -25,11 +26,20 @@ public:
     ~SecretText();
 
     /// Valid until the object is changed, moved from or destroyed.
-    std::string_view view() const { return {bytes_.get(), size_}; }
+    std::string_view view() const { return {bytes_, size_}; }
     bool isEmpty() const { return size_ == 0; }
 
+    /// The characters (code points) of a text in UTF-8.
+    std::size_t characterCount() const;
+    /// A copy of a text in UTF-8 with `inserted` in place of `removed` characters from the one at
+    /// `first` on. Places beyond the end mean the end.
+    SecretText replacing(std::size_t first, std::size_t removed, std::string_view inserted) const;
+
 private:
-    std::unique_ptr<char[]> bytes_;
+    /// Of that many zeros.
+    explicit SecretText(std::size_t size);
+
+    char* bytes_ = nullptr;  ///< null when it is empty
     std::size_t size_ = 0;
 };
 

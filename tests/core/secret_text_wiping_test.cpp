@@ -1,6 +1,8 @@
-#include <cstdlib>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <cstring>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -15,25 +17,14 @@ std::string released;  // what the watched memory held when it was released
 
 }  // namespace
 
-// Memory may not be read once it is released, so the operators of arrays, which belong to this
-// whole test program, look at it just before.
-void* operator new[](std::size_t size) {
-    if (void* const memory = std::malloc(size > 0 ? size : 1)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete[](void* memory) noexcept {
+// Memory may not be read once it is released, so this function, which belongs to this whole test
+// program, looks at it just before.
+extern "C" int munmap(void* memory, std::size_t size) noexcept {
     if (memory != nullptr && memory == watched) {
         watched = nullptr;
         std::memcpy(released.data(), memory, released.size());
     }
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t /*size*/) noexcept {
-    operator delete[](memory);
+    return static_cast<int>(::syscall(SYS_munmap, memory, size));
 }
 
 namespace tallowcrest {
@@ -75,11 +66,13 @@ TEST(SecretTextWiping, AMovedTextIsWipedByItsNewOwner) {
 }
 
 TEST(SecretTextWiping, TheWatchSeesWhatIsNotWiped) {
-    auto* const bytes = new char[secret.size()];
+    void* const bytes =
+        ::mmap(nullptr, secret.size(), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(bytes, MAP_FAILED);
     std::memcpy(bytes, secret.data(), secret.size());
     watched = bytes;
     released.assign(secret.size(), '?');
-    delete[] bytes;
+    ::munmap(bytes, secret.size());
     EXPECT_EQ(released, secret);
 }
 
