@@ -20,8 +20,12 @@ Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_vi
     return Outcome::done();
 }
 
-Outcome setOpenAIModel(SettingsOwner& settings, std::string_view text) {
-    settings.set(&Settings::openAIModel, std::string(trimmingWhiteSpace(text)));
+Outcome setOpenAIModel(SettingsOwner& settings, ActivityLog& log, std::string_view text) {
+    const std::string_view model = trimmingWhiteSpace(text);
+    if (firstCharacters(model, maximumModelCharacters).size() < model.size()) {
+        return log.record(Outcome::refused("The name of a model may have at most 256 characters."));
+    }
+    settings.set(&Settings::openAIModel, std::string(model));
     return Outcome::done();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "core/outcome.h"
@@ -18,7 +19,11 @@ namespace tallowcrest::connection_settings {
 /// user. An invalid name changes nothing and is refused with a message.
 Outcome setSSHUsername(SettingsOwner& settings, ActivityLog& log, std::string_view text);
 
-/// Sets the provider's model, trimmed and otherwise unchanged. Any text is accepted.
-Outcome setOpenAIModel(SettingsOwner& settings, std::string_view text);
+/// The most characters of the provider's model.
+inline constexpr std::size_t maximumModelCharacters = 256;
+
+/// Sets the provider's model, trimmed and otherwise unchanged. Any valid UTF-8 is accepted unless
+/// it has more than `maximumModelCharacters`, which changes nothing and is refused with a message.
+Outcome setOpenAIModel(SettingsOwner& settings, ActivityLog& log, std::string_view text);
 
 }  // namespace tallowcrest::connection_settings

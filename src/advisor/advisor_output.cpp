@@ -4,7 +4,7 @@
 
 #include "advisor/action_catalogue.h"
 #include "advisor/provider_reply.h"
-#include "core/json_reader.h"
+#include "advisor/read_objects.h"
 #include "core/text.h"
 
 namespace tallowcrest {
@@ -46,24 +46,14 @@ ReplyAction readAction(JsonReader& reader) {
 /// Empty unless the next value is an array of objects.
 std::vector<AIActionSuggestion> readActions(JsonReader& reader) {
     std::vector<AIActionSuggestion> suggestions;
-    if (!reader.enterArray()) {
-        reader.skip();
-        return suggestions;
-    }
-    bool areObjects = true;
-    while (reader.nextElement()) {
-        if (!reader.enterObject()) {
-            reader.skip();
-            areObjects = false;
-            continue;
-        }
+    const bool areObjects = readObjects(reader, [&] {
         ReplyAction action = readAction(reader);
         if (suggestions.size() < maximumSuggestions) {
             if (auto suggestion = parseSuggestion(std::move(action))) {
                 suggestions.push_back(*std::move(suggestion));
             }
         }
-    }
+    });
     return areObjects ? suggestions : std::vector<AIActionSuggestion>();
 }
 
@@ -133,7 +123,7 @@ std::optional<AIActionSuggestion> parseSuggestion(ReplyAction action) {
 AdvisorOutput parseAdvisorOutput(std::string_view text) {
     auto read = readOutput(jsonCandidate(text), text);
     AdvisorOutput output = read ? *std::move(read) : plainTextOutput(text);
-    output.summary = cut(std::move(output.summary), maximumAnswerCharacters);
+    output.summary = boundedAnswer(std::move(output.summary));
     return output;
 }
 

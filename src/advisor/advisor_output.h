@@ -12,7 +12,7 @@ namespace tallowcrest {
 
 /// What a reply to an analysis says.
 struct AdvisorOutput {
-    std::string summary;                          ///< at most `maximumAnswerCharacters`
+    std::string summary;                          ///< as `boundedAnswer`
     std::vector<AIActionSuggestion> suggestions;  ///< at most `maximumSuggestions`
 
     bool operator==(const AdvisorOutput&) const = default;

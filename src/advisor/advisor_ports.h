@@ -33,6 +33,10 @@ public:
     /// Whether there is a secret, be it locked or not. Never asks the owner.
     virtual bool isStored() = 0;
 
+    /// From now on a crash of this process leaves no dump of its memory: called before a secret
+    /// comes into it in another way than by `read`. Does not block.
+    virtual void forbidDumps() = 0;
+
     /// The bytes of the secret. Absent when there is none, the store is missing, remains locked or
     /// ends meanwhile.
     virtual std::optional<SecretText> read() = 0;
@@ -47,8 +51,8 @@ public:
     virtual bool remove() = 0;
 };
 
-/// The largest body of a reply that is read. The longest text that is kept of one takes less than
-/// 800 KiB even if each character is escaped; a larger reply is a fault of the server, and must not
+/// The largest body of a reply that is read. The longest text that is kept of one takes a quarter
+/// of it even if each character is escaped; a larger reply is a fault of the server, and must not
 /// fill the memory.
 inline constexpr std::size_t maximumReplyBytes = 1024UL * 1024;
 

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "actions/review_target.h"
+#include "advisor/advisor_prompts.h"
 #include "advisor/endpoint.h"
 #include "advisor/guidance.h"
 #include "advisor/stored_key.h"
@@ -35,6 +36,12 @@ std::vector<AIChatMessage> welcome(Date now) {
          "Ask me what is slowing this Mac down, how to relieve memory pressure, or which action "
          "is safest to review first.",
          now}};
+}
+
+/// The messages that a service sees beside the question.
+std::vector<AIChatMessage> recentChat(const std::vector<AIChatMessage>& messages) {
+    const auto count = static_cast<std::ptrdiff_t>(std::min(messages.size(), recentMessages));
+    return {messages.end() - count, messages.end()};
 }
 
 /// `text` with the beginning of the question.
@@ -72,19 +79,19 @@ Outcome Chat::sendChatMessage() {
     if (question.empty() || state_.aiChatBusy) {
         return Outcome::ignored();
     }
+    if (firstCharacters(question, maximumQuestionCharacters).size() < question.size()) {
+        return services_.log.record(
+            Outcome::refused("A question may have at most 10,000 characters."));
+    }
     setAIChatInput({});
     addMessage(ownerRole, question);
-    const auto send = [this, question](std::optional<ReadKey> key) {
-        // The settings as they are now: they can have changed while the key was read.
-        const auto endpoint = endpointFrom(services_.settings.values().aiEndpoint);
-        return sendWith(key_.accessTo(endpoint, std::move(key)), question);
-    };
-    if (!key_.hasStore()) {
-        return send({});
-    }
-    setBusy(true);
-    key_.read(jobs_, send);
-    return Outcome::asked();
+    return key_.readAccess(
+        jobs_, [this] { setBusy(true, true); },
+        // The settings as they are by then: they can change while the key is read.
+        [this] { return endpointFrom(services_.settings.values().aiEndpoint); },
+        [this, question](std::optional<ProviderAccess> access) {
+            return sendWith(std::move(access), question);
+        });
 }
 
 Outcome Chat::answerOnThisMachine(const std::string& question) {
@@ -105,13 +112,11 @@ Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& 
         addMessage(advisorRole, std::string(noSampleAnswer));
         return Outcome::refused(std::string(noSampleAnswer));
     }
-    setBusy(true);  // from here on it waits for the service
+    setBusy(true);
     record("Asking Tallowcrest Chat...");
-    const auto count = static_cast<std::ptrdiff_t>(std::min(messages_->size(), recentMessages));
     jobs_.run(
         Lane::advisor,
-        [access = *std::move(access),
-         recent = std::vector(messages_->end() - count, messages_->end()), question,
+        [access = *std::move(access), recent = recentChat(*messages_), question,
          report = *std::move(report)](const Stop& stop) {
             return postChatRequest(access, recent, question, report, stop.stopToken());
         },
@@ -154,6 +159,19 @@ std::string Chat::onDeviceAnswer(const std::string& question) const {
         review_.selectedPID() ? &target : nullptr);
 }
 
+std::optional<std::string> Chat::aiPayload() const {
+    const auto report =
+        reports_.diagnosticsReport(services_.settings.values().aiRedactProcessDetails);
+    if (!report) {
+        return std::nullopt;
+    }
+    const std::string question(trimmingWhiteSpace(state_.aiChatInput));
+    std::vector<AIChatMessage> messages = *messages_;
+    // The question would be the last of the messages by then.
+    messages.push_back({.id = {}, .role = ownerRole, .text = question, .date = {}});
+    return chatPrompt(recentChat(messages), question, *report);
+}
+
 Outcome Chat::clearChat() {
     messages_.change([](std::vector<AIChatMessage>& messages) { messages.clear(); });
     observable_->changed();
@@ -171,8 +189,9 @@ void Chat::addMessage(std::string role, std::string text, bool cutsList) {
     observable_->changed();
 }
 
-void Chat::setBusy(bool isBusy) {
+void Chat::setBusy(bool isBusy, bool isReadingKey) {
     state_.aiChatBusy = isBusy;
+    state_.isReadingKey = isReadingKey;
     state_.aiChatBusySince = services_.clock.now();
     observable_->changed();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,11 +22,16 @@ class Reports;
 class ReviewTarget;
 class StoredKey;
 
+/// The most characters of a question. It is stored, drawn and sent with later questions, too.
+inline constexpr std::size_t maximumQuestionCharacters = 10'000;
+
 struct ChatState {
     std::string aiChatInput;  ///< the text of the entry field
     /// Whether an answer is under way, from the reading of the key on, which can ask the owner to
     /// unlock the secret store.
     bool aiChatBusy = false;
+    /// Whether it is the reading of the key that is waited for, and not the service.
+    bool isReadingKey = false;
     /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
     /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
     /// The clock can be set back meanwhile; see `secondsWaited`.
@@ -52,10 +58,14 @@ public:
     void setAIChatInput(std::string text);
 
     /// Asks what is in the input. Ignored while an answer is under way and when the input has no
-    /// text; the input then stays as it is.
+    /// text, refused with a message when it has more than `maximumQuestionCharacters`; the input
+    /// then stays as it is.
     Outcome sendChatMessage();
     /// Puts `text` into the input and sends it.
     Outcome askQuickQuestion(std::string text);
+
+    /// The whole text that would be sent if the input was sent now. Absent before the first sample.
+    std::optional<std::string> aiPayload() const;
 
     /// Removes all messages; no welcome comes back. An answer that is under way still comes.
     Outcome clearChat();
@@ -73,7 +83,7 @@ private:
     std::string onDeviceAnswer(const std::string& question) const;
     /// With `cutsList` the list keeps no more than what is stored.
     void addMessage(std::string role, std::string text, bool cutsList = false);
-    void setBusy(bool isBusy);
+    void setBusy(bool isBusy, bool isReadingKey = false);
     Outcome record(std::string message) const;
 
     Services services_;

@@ -27,6 +27,12 @@ namespace {
 
 constexpr std::size_t recordedCharacters = 240;
 
+void tell(const Provider::KeyChanged& then, const Outcome& outcome) {
+    if (then) {
+        then(outcome);
+    }
+}
+
 }  // namespace
 
 Provider::Provider(Dependencies dependencies)
@@ -69,12 +75,15 @@ void Provider::lookForKey() {
 // The key -----------------------------------------------------------------------------------------
 
 void Provider::setOpenAIKeyInput(SecretText text) {
+    if (!text.isEmpty()) {
+        dependencies_.key.forbidDumps();
+    }
     isInputNew_ = isInputNew_ || text.view() != openAIKeyInput_.view();
     openAIKeyInput_ = std::move(text);
     observable_->changed();
 }
 
-Outcome Provider::saveOpenAIKey() {
+Outcome Provider::saveOpenAIKey(KeyChanged then) {
     if (state_.isKeyBusy) {
         return Outcome::ignored();
     }
@@ -84,29 +93,29 @@ Outcome Provider::saveOpenAIKey() {
         return Outcome::refused(state_.aiInsight);
     }
     if (!dependencies_.key.hasStore()) {
-        finishSavingKey(false);
-        return Outcome::failed(state_.aiInsight);
+        return finishSavingKey(false);
     }
     isInputNew_ = false;
     setKeyBusy(true);
-    dependencies_.key.save(jobs_, *std::move(key),
-                           [this](bool isSaved) { finishSavingKey(isSaved); });
+    dependencies_.key.save(jobs_, *std::move(key), [this, then = std::move(then)](bool isSaved) {
+        tell(then, finishSavingKey(isSaved));
+    });
     return Outcome::asked();
 }
 
-void Provider::finishSavingKey(bool isSaved) {
+Outcome Provider::finishSavingKey(bool isSaved) {
     setKeyBusy(false);
     if (!isSaved) {
         setInsight("Could not save the key in Keychain.");
-        return;
+        return Outcome::failed(state_.aiInsight);
     }
     clearOldInput();
     state_.openAIKeySaved = true;
     setInsight("OpenAI key saved in Keychain. AI recommendations are ready.");
-    record(Outcome::done("Saved OpenAI API key in Keychain."));
+    return record(Outcome::done("Saved OpenAI API key in Keychain."));
 }
 
-Outcome Provider::removeOpenAIKey() {
+Outcome Provider::removeOpenAIKey(KeyChanged then) {
     if (state_.isKeyBusy) {
         return Outcome::ignored();
     }
@@ -115,7 +124,9 @@ Outcome Provider::removeOpenAIKey() {
         return finishRemovingKey(true);
     }
     setKeyBusy(true);
-    dependencies_.key.remove(jobs_, [this](bool isRemoved) { finishRemovingKey(isRemoved); });
+    dependencies_.key.remove(jobs_, [this, then = std::move(then)](bool isRemoved) {
+        tell(then, finishRemovingKey(isRemoved));
+    });
     return Outcome::asked();
 }
 
@@ -165,7 +176,7 @@ Outcome Provider::setAIEndpoint(std::string_view address) {
 
 std::string Provider::serviceName() const {
     const auto endpoint = presentConsent().endpoint;
-    return endpoint ? endpoint->service : "an unknown service";
+    return endpoint ? endpoint->service : std::string();
 }
 
 // The analysis ------------------------------------------------------------------------------------
@@ -195,7 +206,7 @@ Outcome Provider::requestAIAnalysis() {
 }
 
 Outcome Provider::refuseWithoutSample() {
-    setInsight("No diagnostic sample is available yet.");
+    setAnswer("No diagnostic sample is available yet.");
     return Outcome::refused(state_.aiInsight);
 }
 
@@ -228,16 +239,11 @@ Outcome Provider::sendAIAnalysis() {
     if (!consent.endpoint) {
         return dependencies_.sample.snapshot() ? fallBack() : refuseWithoutSample();
     }
-    const auto send = [this, consent](std::optional<ReadKey> key) {
-        return sendAIAnalysisWith(dependencies_.key.accessTo(consent.endpoint, std::move(key)),
-                                  consent.isRedacted);
-    };
-    if (!dependencies_.key.hasStore()) {
-        return send({});
-    }
-    setBusy(true);
-    dependencies_.key.read(jobs_, send);
-    return Outcome::asked();
+    return dependencies_.key.readAccess(
+        jobs_, [this] { setBusy(true, true); }, [endpoint = consent.endpoint] { return endpoint; },
+        [this, isRedacted = consent.isRedacted](std::optional<ProviderAccess> access) {
+            return sendAIAnalysisWith(std::move(access), isRedacted);
+        });
 }
 
 Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted) {
@@ -250,7 +256,7 @@ Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool 
         setBusy(false);
         return refuseWithoutSample();
     }
-    setBusy(true);  // from here on it waits for the service
+    setBusy(true);
     dependencies_.suggestions.setAIActions({});
     setInsight(
         fmt::format("Asking {} for a performance recommendation...", access->endpoint->service));
@@ -286,7 +292,7 @@ void Provider::finishAIAnalysis(AnalysisResult result, bool runsSafeAction) {
         return;
     }
     Suggestions& suggestions = dependencies_.suggestions;
-    setInsight(output->summary);
+    setAnswer(output->summary);
     suggestions.setAIActions(output->suggestions);
     suggestions.clearApprovals();
     dependencies_.drafts.generateRuleDrafts(output->suggestions);
@@ -305,19 +311,23 @@ Outcome Provider::fallBack() {
     return outcome;
 }
 
+Outcome Provider::analyzeOnThisMachine() {
+    return composeOnDeviceAnalysis(false);
+}
+
 Outcome Provider::composeOnDeviceAnalysis(bool fellBack) {
     const auto& snapshot = dependencies_.sample.snapshot();
     if (!snapshot) {
-        setInsight("No diagnostic sample is available yet. Refresh once, then analyze again.");
+        setAnswer("No diagnostic sample is available yet. Refresh once, then analyze again.");
         return Outcome::refused(state_.aiInsight);
     }
     const Services& services = dependencies_.services;
     const std::string text =
         onDeviceAnalysis(guidanceFacts(*snapshot, services.settings.values(), services.locale));
-    setInsight((fellBack ? "Paid AI is currently unavailable, so Tallowcrest used on-device "
-                           "analysis instead. "
-                         : "On-device analysis: ") +
-               text);
+    setAnswer((fellBack ? "Paid AI is currently unavailable, so Tallowcrest used on-device "
+                          "analysis instead. "
+                        : "On-device analysis: ") +
+              text);
     dependencies_.suggestions.setAIActions({});
     dependencies_.suggestions.clearApprovals();
     services.log.recordEvent(ActivityKind::localAnalysis,
@@ -334,14 +344,20 @@ Outcome Provider::copyAIPreview() {
                   : record(Outcome::refused("No AI payload preview is available yet."));
 }
 
+void Provider::setAnswer(std::string text) {
+    ++state_.answers;
+    setInsight(std::move(text));
+}
+
 void Provider::setInsight(std::string text) {
     isInsightInitial_ = false;
     state_.aiInsight = std::move(text);
     observable_->changed();
 }
 
-void Provider::setBusy(bool isBusy) {
+void Provider::setBusy(bool isBusy, bool isReadingKey) {
     state_.aiBusy = isBusy;
+    state_.isReadingKey = isReadingKey;
     state_.aiBusySince = dependencies_.services.clock.now();
     observable_->changed();
 }

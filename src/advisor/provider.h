@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,9 +37,13 @@ struct ProviderState {
     bool isKeyBusy = false;
     /// A summary, the progress or a failure.
     std::string aiInsight;
+    /// Advances whenever `aiInsight` becomes what an analysis, or the refusal of one, says.
+    std::uint64_t answers = 0;
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
     /// unlock the secret store.
     bool aiBusy = false;
+    /// Whether it is the reading of the key that is waited for, and not the service.
+    bool isReadingKey = false;
     /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
     /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
     /// The clock can be set back meanwhile; see `secondsWaited`.
@@ -77,16 +83,21 @@ public:
 
     /// What the owner has typed as the key and not saved yet.
     const SecretText& openAIKeyInput() const { return openAIKeyInput_; }
+    /// From the first character on, a crash leaves no dump of the memory.
     void setOpenAIKeyInput(SecretText text);
 
-    /// Stores the typed key in place of an older one; refused when it is not one. The result is in
-    /// `aiInsight`. The input is cleared once the key is stored, unless it was changed meanwhile.
-    /// If storing fails, the input stays, and the older key is gone, or still there if it could not
-    /// even be removed.
-    Outcome saveOpenAIKey();
+    /// Gets the outcome of what an operation answered with `asked`: done or failed. Not called for
+    /// other answers, nor when the provider is gone by then.
+    using KeyChanged = std::function<void(const Outcome&)>;
+
+    /// Stores the typed key in place of an older one; refused when it is not one. What became of it
+    /// is in `aiInsight`, too. The input is cleared once the key is stored, unless it was changed
+    /// meanwhile. If storing fails, the input stays, and the older key is gone, or still there if
+    /// it could not even be removed.
+    Outcome saveOpenAIKey(KeyChanged then = {});
     /// Removes the stored key, and clears the input as above. If that fails, `openAIKeySaved` and
     /// the input stay.
-    Outcome removeOpenAIKey();
+    Outcome removeOpenAIKey(KeyChanged then = {});
 
     void setAIRedactProcessDetails(bool redacts);
     void setAIRequirePreview(bool isRequired);
@@ -94,8 +105,8 @@ public:
     /// Sets the base address of a server to ask in place of OpenAI's, trimmed; empty for OpenAI's.
     /// An address that must not be used changes nothing and is refused with a message.
     Outcome setAIEndpoint(std::string_view address);
-    /// What texts call the service that is asked: "OpenAI", the host of another one, or "an unknown
-    /// service" when the stored address must not be used.
+    /// What texts call the service that is asked: "OpenAI", or the host of another one. Empty when
+    /// the stored address must not be used.
     std::string serviceName() const;
 
     /// Starts an analysis, after a confirmation if the settings say so. Unless `isConnected`, it is
@@ -105,6 +116,8 @@ public:
     Outcome requestAIAnalysis();
     /// The same without the confirmation. Ignored while an analysis is under way.
     Outcome sendAIAnalysis();
+    /// The analysis of this machine alone, whatever is connected.
+    Outcome analyzeOnThisMachine();
     /// Copies the report that would be sent to the clipboard. Refused before the first sample.
     Outcome copyAIPreview();
 
@@ -125,7 +138,7 @@ private:
     Consent presentConsent() const;
     Outcome askForConsent();
     void lookForKey();
-    void finishSavingKey(bool isSaved);
+    Outcome finishSavingKey(bool isSaved);
     Outcome finishRemovingKey(bool isRemoved);
     void clearOldInput();
     Outcome refuseWithoutSample();
@@ -136,7 +149,8 @@ private:
     /// `fellBack` says that a request to the provider has failed.
     Outcome composeOnDeviceAnalysis(bool fellBack);
     void setInsight(std::string text);
-    void setBusy(bool isBusy);
+    void setAnswer(std::string text);
+    void setBusy(bool isBusy, bool isReadingKey = false);
     void setKeyBusy(bool isBusy);
     Outcome record(Outcome outcome) const;
 

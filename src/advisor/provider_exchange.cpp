@@ -6,7 +6,6 @@
 
 #include "advisor/advisor_ports.h"
 #include "advisor/advisor_prompts.h"
-#include "core/text.h"
 
 namespace tallowcrest {
 namespace {
@@ -76,7 +75,7 @@ std::optional<ProviderResult> postChatRequest(const ProviderAccess& access,
                                               const std::stop_token& stop) {
     auto result = post(access, chatPrompt(recentChat, question, report), Verbosity::medium, stop);
     if (auto* const answer = result ? std::get_if<std::string>(&*result) : nullptr) {
-        answer->resize(firstCharacters(*answer, maximumAnswerCharacters).size());
+        *answer = boundedAnswer(std::move(*answer));
     }
     return result;
 }

@@ -42,7 +42,7 @@ std::optional<ProviderResult> postAnalysisRequest(const ProviderAccess& access,
                                                   std::string_view report,
                                                   const std::stop_token& stop);
 
-/// `recentChat` is oldest first. The answer is cut to `maximumAnswerCharacters`.
+/// `recentChat` is oldest first. The answer is as `boundedAnswer`.
 std::optional<ProviderResult> postChatRequest(const ProviderAccess& access,
                                               std::span<const AIChatMessage> recentChat,
                                               std::string_view question, std::string_view report,

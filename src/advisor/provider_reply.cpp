@@ -10,35 +10,25 @@
 #include <fmt/ranges.h>
 
 #include "advisor/advisor_ports.h"
-#include "core/json_reader.h"
+#include "advisor/read_objects.h"
 #include "core/text.h"
 
 namespace tallowcrest {
 namespace {
 
 constexpr std::size_t shownBodyCharacters = 240;
+constexpr std::size_t maximumAnswerLines = 1000;
+
+/// The first lines of a text, at most that many.
+std::string_view firstLines(std::string_view text, std::size_t most) {
+    std::size_t end = 0;
+    for (std::size_t lines = 0; lines < most && end != std::string_view::npos; ++lines) {
+        end = text.find('\n', lines == 0 ? 0 : end + 1);
+    }
+    return text.substr(0, end);
+}
 
 using Texts = std::vector<std::string>;
-
-/// Calls `readObject()` in each object of the array that is next. False when it is not an array of
-/// objects.
-template <class ReadObject>
-bool readObjects(JsonReader& reader, ReadObject readObject) {
-    if (!reader.enterArray()) {
-        reader.skip();
-        return false;
-    }
-    bool areObjects = true;
-    while (reader.nextElement()) {
-        if (reader.enterObject()) {
-            readObject();
-        } else {
-            reader.skip();
-            areObjects = false;
-        }
-    }
-    return areObjects;
-}
 
 /// The texts of the parts of one message. Empty when its content is not an array of objects.
 Texts readContent(JsonReader& reader) {
@@ -77,6 +67,19 @@ std::optional<Texts> readOutput(JsonReader& reader) {
 }
 
 }  // namespace
+
+std::string boundedAnswer(std::string text) {
+    if (firstCharacters(text, maximumAnswerCharacters).size() == text.size() &&
+        firstLines(text, maximumAnswerLines).size() == text.size()) {
+        return text;
+    }
+    constexpr std::size_t roomForNote = 100;
+    const std::string_view kept = firstLines(
+        firstCharacters(text, maximumAnswerCharacters - roomForNote), maximumAnswerLines - 2);
+    const auto isFirstByte = [](char c) { return (c & '\xC0') != '\x80'; };
+    const auto cut = std::ranges::count_if(text.substr(kept.size()), isFirstByte);
+    return fmt::format("{}…\n\n{} more characters were left out.", kept, cut);
+}
 
 std::optional<std::string> extractResponseText(std::string_view data) {
     constexpr std::string_view byteOrderMark = "\uFEFF";

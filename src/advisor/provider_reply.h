@@ -13,11 +13,16 @@ namespace tallowcrest {
 struct HttpReply;
 
 /// The most characters of one text of a provider that are kept: it is stored, drawn and sent again.
-/// An answer as it is asked for has a few thousand.
-inline constexpr std::size_t maximumAnswerCharacters = 65536;
+/// An answer as it is asked for has a few thousand. Drawing more would delay the window.
+inline constexpr std::size_t maximumAnswerCharacters = 20'000;
 
 /// The text of a reply, or why there is none.
 using ProviderResult = std::variant<std::string, AIError>;
+
+/// `text`, which is valid UTF-8, unless it has more than `maximumAnswerCharacters` or a thousand
+/// lines: then its beginning, with a last line that says how much was left out, within these
+/// limits. Pure; any thread.
+std::string boundedAnswer(std::string text);
 
 /// The text in the body of a good reply: its lines are the texts of its parts. Empty when there is
 /// no part with a text; absent when the body is not a reply. A byte order mark in front is skipped.

@@ -11,6 +11,12 @@ namespace tallowcrest {
 StoredKey::StoredKey(const Services& services, AdvisorPorts ports)
     : services_(services), ports_(std::move(ports)) {}
 
+void StoredKey::forbidDumps() const {
+    if (hasStore()) {
+        ports_.secrets->forbidDumps();
+    }
+}
+
 void StoredKey::find(JobScope& jobs, std::function<void(bool)> then) const {
     jobs.run(
         Lane::secrets, [secrets = ports_.secrets](const Stop&) { return secrets->isStored(); },
@@ -27,6 +33,18 @@ void StoredKey::read(JobScope& jobs, std::function<void(std::optional<ReadKey>)>
                         : std::nullopt;
         },
         std::move(then));
+}
+
+Outcome StoredKey::readAccess(JobScope& jobs, std::function<void()> begun,
+                              std::function<std::optional<Endpoint>()> endpoint,
+                              std::function<Outcome(std::optional<ProviderAccess>)> then) const {
+    if (!hasStore()) {
+        return then(accessTo(endpoint(), {}));
+    }
+    begun();
+    read(jobs, [this, endpoint = std::move(endpoint), then = std::move(then)](
+                   std::optional<ReadKey> key) { then(accessTo(endpoint(), std::move(key))); });
+    return Outcome::asked();
 }
 
 template <class Change>

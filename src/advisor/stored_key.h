@@ -8,6 +8,7 @@
 #include "advisor/endpoint.h"
 #include "advisor/openai_key.h"
 #include "advisor/provider_exchange.h"
+#include "core/outcome.h"
 #include "core/services.h"
 
 namespace tallowcrest {
@@ -28,23 +29,31 @@ public:
     /// Whether a provider can be asked at all.
     bool hasExchange() const { return ports_.http != nullptr; }
 
+    /// From now on a crash leaves no dump of the memory. Does nothing without a store.
+    void forbidDumps() const;
+
     /// Calls `then(isStored)`. Does not ask the owner to unlock the store, unlike the others.
     void find(JobScope& jobs, std::function<void(bool)> then) const;
-    /// Calls `then(key)`, absent as for `readOpenAIKey`.
-    void read(JobScope& jobs, std::function<void(std::optional<ReadKey>)> then) const;
+    /// Prepares a request: calls `begun()` and reads the key, if there is a store, and then calls
+    /// `then(access)` for the endpoint that `endpoint()` returns by then, as of `accessTo`. Returns
+    /// the outcome of `then`, or `asked` when that comes later.
+    Outcome readAccess(JobScope& jobs, std::function<void()> begun,
+                       std::function<std::optional<Endpoint>()> endpoint,
+                       std::function<Outcome(std::optional<ProviderAccess>)> then) const;
     /// Calls `then(isSaved)`. The older key is removed first; where that fails, `SecretStore::add`
     /// decides.
     void save(JobScope& jobs, SecretText key, std::function<void(bool)> then);
     /// Calls `then(isRemoved)`.
     void remove(JobScope& jobs, std::function<void(bool)> then);
 
+private:
+    /// Calls `then(key)`, absent as for `readOpenAIKey`.
+    void read(JobScope& jobs, std::function<void(std::optional<ReadKey>)> then) const;
     /// What a request to `endpoint` needs, with the model of the settings. Absent when nothing can
     /// be asked: without a key that still is the stored one, unless the endpoint needs none, and
     /// without an exchange.
     std::optional<ProviderAccess> accessTo(const std::optional<Endpoint>& endpoint,
                                            std::optional<ReadKey> key) const;
-
-private:
     template <class Change>
     void change(JobScope& jobs, Change change, std::function<void(bool)> then);
 

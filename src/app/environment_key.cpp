@@ -17,6 +17,7 @@ public:
     explicit EnvironmentKey(SecretText key) : key_(std::move(key)) {}
 
     bool isStored() override { return true; }
+    void forbidDumps() override { forbidCoreDumps(); }
     std::optional<SecretText> read() override { return SecretText(key_.view()); }
     bool add(const SecretText& /*secret*/) override { return false; }
     bool remove() override { return false; }

@@ -44,13 +44,24 @@ TEST_F(ConnectionSettings, AnInvalidNameChangesNothingAndIsRefused) {
 }
 
 TEST_F(ConnectionSettings, TheModelIsTrimmedAndKeptAsGiven) {
-    setOpenAIModel(settings, "  any model at all!\n");
+    setOpenAIModel(settings, log, "  any model at all!\n");
     EXPECT_EQ(settings.values().openAIModel, "any model at all!");
     EXPECT_EQ(store.read("Tallowcrest.openAIModel"),
               SettingsValue(std::string("any model at all!")));
-    setOpenAIModel(settings, "   ");
+    setOpenAIModel(settings, log, "   ");
     EXPECT_EQ(settings.values().openAIModel, "");
     EXPECT_THAT(log.activityLog(), IsEmpty());
+}
+
+TEST_F(ConnectionSettings, ANameOfAModelThatIsTooLongIsRefused) {
+    const std::string longest(maximumModelCharacters, 'm');
+    EXPECT_EQ(setOpenAIModel(settings, log, " " + longest + " "), Outcome::done());
+    EXPECT_EQ(settings.values().openAIModel, longest);
+    const Outcome refused =
+        Outcome::refused("The name of a model may have at most 256 characters.");
+    EXPECT_EQ(setOpenAIModel(settings, log, longest + "x"), refused);
+    EXPECT_EQ(settings.values().openAIModel, longest);
+    EXPECT_EQ(log.lastAction(), refused.message);
 }
 
 }  // namespace

@@ -151,7 +151,7 @@ TEST(ParseAdvisorOutput, HugeAndDeepRepliesAreRead) {
     }
     EXPECT_THAT(typesIn(many + "]}"), SizeIs(maximumSuggestions));
     const std::string deep = "{\"actions\":" + std::string(200000, '[');
-    EXPECT_EQ(parseAdvisorOutput(deep).summary, deep.substr(0, maximumAnswerCharacters));
+    EXPECT_EQ(parseAdvisorOutput(deep).summary, boundedAnswer(deep));
     const std::string closed = std::string(200000, '[') + std::string(200000, ']');
     EXPECT_EQ(parseAdvisorOutput("{\"summary\":\"a\",\"x\":" + closed + "}").summary, "a");
 }
@@ -182,14 +182,14 @@ TEST(ParseAdvisorOutput, LongTextsAreCutBetweenCharacters) {
                                R"(","actions":[{"type":")" + times(64 + more) + R"(","title":")" +
                                times(200 + more) + R"(","detail":")" + times(2000 + more) +
                                R"(","risk":")" + times(32 + more) + R"("}]})");
-        EXPECT_EQ(output.summary, times(maximumAnswerCharacters));
+        EXPECT_EQ(output.summary, boundedAnswer(times(maximumAnswerCharacters + more)));
         ASSERT_THAT(output.suggestions, SizeIs(1));
         EXPECT_EQ(output.suggestions[0].type, times(64));
         EXPECT_EQ(output.suggestions[0].title, times(200));
         EXPECT_EQ(output.suggestions[0].detail, times(2000));
         EXPECT_EQ(output.suggestions[0].risk, times(32));
         EXPECT_EQ(parseAdvisorOutput(times(maximumAnswerCharacters + more)).summary,
-                  times(maximumAnswerCharacters));
+                  output.summary);
     }
     // What is cut off does not make a known word of it.
     const std::string type = "local_purge" + std::string(53, ' ');

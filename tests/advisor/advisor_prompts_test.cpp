@@ -146,14 +146,14 @@ TEST_F(ProviderExchange, AKeyOfAnOlderGenerationIsNotSent) {
     EXPECT_EQ(http->sent.at(0).token, "");
 }
 
-TEST_F(ProviderExchange, AnAnswerIsCutBetweenCharacters) {
+TEST_F(ProviderExchange, ALongAnswerIsCut) {
     std::string longText;
     for (std::size_t i = 0; i <= maximumAnswerCharacters; ++i) {
         longText += "\u00E4";
     }
     http->willSay(longText);
     EXPECT_EQ(postChatRequest(access(""), {}, "Why?", "REPORT", {}),
-              ProviderResult(longText.substr(0, 2 * maximumAnswerCharacters)));
+              ProviderResult(boundedAnswer(longText)));
     EXPECT_EQ(postAnalysisRequest(access(""), "REPORT", {}), ProviderResult(longText))
         << "it is parsed, and its texts are cut then";
 }

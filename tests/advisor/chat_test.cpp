@@ -15,6 +15,7 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -119,6 +120,39 @@ TEST_F(ChatTest, TheKeyItselfDecidesAndNotTheBelief) {
     EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: Why?", "Tallowcrest: answer"));
 }
 
+TEST_F(ChatTest, WhatWouldBeSentIsWhatIsSent) {
+    EXPECT_EQ(chat().aiPayload(), std::nullopt) << "before the first sample";
+    takeSample();
+    storeKey();
+    fakes.http->willSay("answer");
+    for (int i = 0; i < 12; ++i) {
+        chat().setAIChatInput(" question " + std::to_string(i) + "\n");
+        const auto payload = chat().aiPayload();
+        chat().sendChatMessage();
+        finishWork();
+        ASSERT_EQ(fakes.http->sent.size(), static_cast<std::size_t>(i) + 1);
+        EXPECT_EQ(fakes.http->sent.back().prompt(), payload);
+    }
+    settings.set(&Settings::aiRedactProcessDetails, false);
+    chat().setAIChatInput("last");
+    takeSample(91.0);
+    const auto payload = chat().aiPayload();
+    chat().sendChatMessage();
+    finishWork();
+    EXPECT_EQ(fakes.http->sent.back().prompt(), payload);
+}
+
+TEST_F(ChatTest, AQuestionThatIsTooLongIsRefusedAndStays) {
+    const std::string longest(maximumQuestionCharacters, 'q');
+    EXPECT_EQ(chat().askQuickQuestion(longest + "q"),
+              Outcome::refused("A question may have at most 10,000 characters."));
+    EXPECT_EQ(chat().state().aiChatInput, longest + "q");
+    EXPECT_EQ(log.lastAction(), "A question may have at most 10,000 characters.");
+    EXPECT_THAT(messages(), ElementsAre(welcomeText));
+    EXPECT_TRUE(chat().askQuickQuestion(longest + "\n ").isAccepted());
+    EXPECT_THAT(messages(), Contains("You: " + longest));
+}
+
 TEST_F(ChatTest, WithoutTextOrWhileBusyTheInputStays) {
     for (const char* blank : {"", "   ", "\n\t "}) {
         EXPECT_EQ(chat().askQuickQuestion(blank), Outcome::ignored());
@@ -129,12 +163,14 @@ TEST_F(ChatTest, WithoutTextOrWhileBusyTheInputStays) {
     chat().askQuickQuestion("first");
     EXPECT_TRUE(chat().state().aiChatBusy);
     EXPECT_EQ(chat().state().aiChatBusySince, clock.now());
+    EXPECT_TRUE(chat().state().isReadingKey);
     EXPECT_EQ(chat().askQuickQuestion("second"), Outcome::ignored());
     clock.advance(std::chrono::seconds(5));
     workQueue.run();
     mainQueue.drain();
     EXPECT_TRUE(chat().state().aiChatBusy);
     EXPECT_EQ(chat().state().aiChatBusySince, clock.now());
+    EXPECT_FALSE(chat().state().isReadingKey);
     EXPECT_EQ(chat().askQuickQuestion(" third"), Outcome::ignored());
     EXPECT_EQ(chat().state().aiChatInput, " third");
     EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: first"));

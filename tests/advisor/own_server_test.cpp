@@ -101,6 +101,7 @@ TEST_F(OwnServer, ConnectsAsAKeyDoes) {
     EXPECT_FALSE(provider().isConnected());
     settings.set(&Settings::aiEndpoint, "http://example.org");
     EXPECT_FALSE(provider().isConnected()) << "an address that must not be used";
+    EXPECT_EQ(provider().serviceName(), "");
     fakes.secrets->secret = "sk-key";
     begin();
     EXPECT_TRUE(provider().isConnected());

@@ -1,6 +1,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -158,6 +159,39 @@ TEST_F(ProviderKey, IsNeverStoredInTheSettingsOrTold) {
     EXPECT_EQ(fakes.http->sent.front().token, "sk-secret");
     EXPECT_THAT(fakes.http->sent.front().body, Not(HasSubstr("sk-secret")));
     EXPECT_THAT(*reports.diagnosticsReport(false), Not(HasSubstr("sk-secret")));
+}
+
+TEST_F(ProviderKey, WhoAskedIsToldTheEnd) {
+    std::vector<Outcome> ends;
+    const auto then = [&ends](const Outcome& end) { ends.push_back(end); };
+    EXPECT_EQ(provider().saveOpenAIKey(then).kind, Outcome::Kind::refused);
+    EXPECT_THAT(ends, IsEmpty()) << "the answer itself is the end";
+    provider().setOpenAIKeyInput(SecretText("sk-abc"));
+    EXPECT_EQ(provider().saveOpenAIKey(then), Outcome::asked());
+    EXPECT_EQ(provider().removeOpenAIKey(then), Outcome::ignored());
+    EXPECT_THAT(ends, IsEmpty());
+    finishWork();
+    EXPECT_THAT(ends, ElementsAre(Outcome::done("Saved OpenAI API key in Keychain.")));
+    fakes.secrets->refusesToAdd = true;
+    provider().setOpenAIKeyInput(SecretText("sk-other"));
+    provider().saveOpenAIKey(then);
+    finishWork();
+    EXPECT_EQ(ends.back(), Outcome::failed("Could not save the key in Keychain."));
+    provider().removeOpenAIKey(then);
+    finishWork();
+    EXPECT_EQ(ends.back(), Outcome::done("Removed OpenAI API key."));
+    fakes.secrets->refusesToRemove = true;
+    provider().removeOpenAIKey(then);
+    finishWork();
+    EXPECT_EQ(ends.back(), Outcome::failed("Could not remove the key from Keychain."));
+    EXPECT_EQ(ends.size(), 4U);
+}
+
+TEST_F(ProviderKey, ATypedKeyIsInNoDump) {
+    provider().setOpenAIKeyInput({});
+    EXPECT_FALSE(fakes.secrets->forbidsDumps);
+    provider().setOpenAIKeyInput(SecretText("s"));
+    EXPECT_TRUE(fakes.secrets->forbidsDumps);
 }
 
 TEST_F(ProviderKey, ChangesAreReported) {

@@ -96,5 +96,39 @@ TEST(InterpretProviderReply, TellsWhatBecameOfTheExchange) {
               ProviderResult(AIError{"localhost:8080 error 400: x"}));
 }
 
+// What is kept of an answer ----------------------------------------------------------------------
+
+std::string umlauts(std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        text += "\u00E4";
+    }
+    return text;
+}
+
+TEST(BoundedAnswer, IsTheWholeTextUpToTheLimit) {
+    for (const std::string& text : {std::string(), std::string("one\n\ntwo\n"),
+                                    umlauts(maximumAnswerCharacters), std::string(999, '\n')}) {
+        EXPECT_EQ(boundedAnswer(text), text);
+    }
+}
+
+TEST(BoundedAnswer, SaysHowMuchWasLeftOut) {
+    EXPECT_EQ(boundedAnswer(umlauts(maximumAnswerCharacters + 1)),
+              umlauts(19'900) + "…\n\n101 more characters were left out.");
+    EXPECT_EQ(boundedAnswer(std::string(5'000'000, 'w')),
+              std::string(19'900, 'w') + "…\n\n4980100 more characters were left out.");
+    EXPECT_EQ(boundedAnswer(std::string(1000, '\n')),
+              std::string(997, '\n') + "…\n\n3 more characters were left out.");
+}
+
+TEST(BoundedAnswer, IsWithinTheLimitsItself) {
+    for (const std::string& text : {umlauts(30'000), std::string(30'000, '\n')}) {
+        const std::string cut = boundedAnswer(text);
+        EXPECT_NE(cut, text);
+        EXPECT_EQ(boundedAnswer(cut), cut);
+    }
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -150,13 +150,24 @@ TEST_F(StoredKeyTest, AStoreThatEndsMeanwhileHasNoKey) {
 }
 
 TEST_F(StoredKeyTest, NothingIsAskedWithoutAnExchange) {
-    const StoredKey key(services, {fakes.secrets, nullptr});
+    fakes.secrets = nullptr;
+    JobScope jobs(services.jobs);
+    const auto canAsk = [&](const StoredKey& key, const std::optional<Endpoint>& endpoint) {
+        bool isThere = false;
+        key.readAccess(
+            jobs, [] {}, [&] { return endpoint; },
+            [&isThere](std::optional<ProviderAccess> access) {
+                isThere = access.has_value();
+                return Outcome::done();
+            });
+        return isThere;
+    };
     const Endpoint own{"http://localhost/v1/responses", "localhost", false};
-    EXPECT_FALSE(key.accessTo(own, {}));
+    EXPECT_FALSE(canAsk(StoredKey(services, {}), own));
     const StoredKey complete(services, fakes.ports());
-    EXPECT_TRUE(complete.accessTo(own, {}));
-    EXPECT_FALSE(complete.accessTo(Endpoint{"https://x/v1/responses", "OpenAI", true}, {}));
-    EXPECT_FALSE(complete.accessTo(std::nullopt, {}));
+    EXPECT_TRUE(canAsk(complete, own));
+    EXPECT_FALSE(canAsk(complete, Endpoint{"https://x/v1/responses", "OpenAI", true}));
+    EXPECT_FALSE(canAsk(complete, std::nullopt));
 }
 
 }  // namespace

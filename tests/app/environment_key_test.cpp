@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "advisor/advisor_ports.h"
+#include "tests/support/run_program.h"
 
 namespace tallowcrest {
 namespace {
@@ -26,6 +27,13 @@ TEST_F(EnvironmentKeyTest, IsTakenOutOfTheEnvironment) {
     EXPECT_EQ(std::getenv(keyVariable), nullptr);
     EXPECT_EQ(std::string(bytes, 9), std::string(9, '\0')) << "its bytes are gone too";
     EXPECT_EQ(takeEnvironmentKey(), nullptr);
+}
+
+TEST_F(EnvironmentKeyTest, NoStartedProgramGetsIt) {
+    setenv(keyVariable, "sk-secret", 1);
+    ASSERT_NE(shellOutput("env").find("sk-secret"), std::string::npos);
+    takeEnvironmentKey();
+    EXPECT_EQ(shellOutput("env").find("sk-secret"), std::string::npos);
 }
 
 TEST_F(EnvironmentKeyTest, IsAbsentWithoutAValue) {

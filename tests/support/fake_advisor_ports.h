@@ -19,6 +19,7 @@ namespace tallowcrest {
 class FakeSecretStore final : public SecretStore {
 public:
     bool isStored() override { return secret && !isGone; }
+    void forbidDumps() override { forbidsDumps = true; }
     std::optional<SecretText> read() override {
         ++reads;
         auto found = secret ? std::optional<SecretText>(*secret) : std::nullopt;
@@ -48,6 +49,7 @@ public:
     /// Called within `read`, when the secret has been found and not been returned.
     std::function<void()> duringRead = [] {};
     int reads = 0;
+    bool forbidsDumps = false;
 };
 
 /// Sends nothing; records the requests and returns `reply` for each.

@@ -45,6 +45,10 @@ bool KeychainSecretStore::isStored() {
     return SecItemCopyMatching(item().get(), nullptr) == errSecSuccess;
 }
 
+void KeychainSecretStore::forbidDumps() {
+    forbidCoreDumps();
+}
+
 std::optional<SecretText> KeychainSecretStore::read() {
     forbidCoreDumps();
     const Dictionary query = item();

@@ -10,6 +10,7 @@ namespace tallowcrest {
 class KeychainSecretStore final : public SecretStore {
 public:
     bool isStored() override;
+    void forbidDumps() override;
     std::optional<SecretText> read() override;
     bool add(const SecretText& secret) override;
     bool remove() override;

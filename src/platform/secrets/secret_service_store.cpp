@@ -179,6 +179,10 @@ bool SecretServiceStore::isStored() {
     return items && *items;
 }
 
+void SecretServiceStore::forbidDumps() {
+    forbidCoreDumps();
+}
+
 std::optional<SecretText> SecretServiceStore::read() {
     forbidCoreDumps();
     Operation operation(limits_, stop_, true);

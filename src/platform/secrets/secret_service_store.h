@@ -24,6 +24,7 @@ public:
     SecretServiceStore(std::stop_token stop, Limits limits);
 
     bool isStored() override;
+    void forbidDumps() override;
     std::optional<SecretText> read() override;
     bool add(const SecretText& secret) override;
     bool remove() override;

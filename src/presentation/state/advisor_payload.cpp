@@ -1,8 +1,6 @@
 #include "presentation/state/advisor_payload.h"
 
-#include <cstddef>
-#include <limits>
-
+#include "advisor/advisor.h"
 #include "advisor/advisor_prompts.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -14,9 +12,12 @@ namespace tallowcrest {
 QString advisorPayload(SystemMonitor& monitor) {
     const auto report =
         monitor.reports().diagnosticsReport(monitor.settings().aiRedactProcessDetails);
-    return report ? plainLines(analysisPrompt(*report), std::numeric_limits<std::size_t>::max(),
-                               std::numeric_limits<qsizetype>::max())
-                  : QString();
+    return report ? plainLines(analysisPrompt(*report)) : QString();
+}
+
+QString chatPayload(SystemMonitor& monitor) {
+    const auto payload = monitor.advisor().chat.aiPayload();
+    return payload ? plainLines(*payload) : QString();
 }
 
 }  // namespace tallowcrest

@@ -10,4 +10,8 @@ class SystemMonitor;
 /// as the settings have it. Empty before the first sample. Main thread.
 QString advisorPayload(SystemMonitor& monitor);
 
+/// The whole text that the question in the input of Chat would send now. Empty before the first
+/// sample. Main thread.
+QString chatPayload(SystemMonitor& monitor);
+
 }  // namespace tallowcrest

@@ -4,9 +4,20 @@
 
 #include <QAccessibleWidget>
 #include <QByteArray>
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
+
+constexpr QChar dot = u'\u2022';
 
 /// Qt's own interface of a text field tells each inserted text, that of a password too. This one
 /// has no text to read and can only be written to.
@@ -65,31 +76,115 @@ void overwrite(Unit* units, qsizetype count) {
     std::fill_n(bytes, count * static_cast<qsizetype>(sizeof(Unit)), '\0');
 }
 
+/// How many characters a text has: the second halves of surrogate pairs are none.
+qsizetype characterCount(const QString& text) {
+    return std::ranges::count_if(text, [](QChar unit) { return !unit.isLowSurrogate(); });
+}
+
+/// Whether the key gives a character, and is no command.
+bool isTyped(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const QString text = event.text();
+    return !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate()) &&
+           (event.modifiers() & commands) == Qt::NoModifier;
+}
+
 }  // namespace
 
-SecretField::SecretField(const QString& identifier, QWidget* parent) : QLineEdit(parent) {
+SecretField::SecretField(const QString& identifier, int most, QWidget* parent)
+    : QLineEdit(parent), most_(most) {
     installSecretInterface();
     setObjectName(identifier);
     setEchoMode(QLineEdit::Password);
+    setMaxLength(most);
     setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
                         Qt::ImhNoAutoUppercase);
+    connect(this, &QLineEdit::textChanged, this, &SecretField::reportRemoval);
 }
 
-SecretField::~SecretField() {
-    wipe();
+void SecretField::setLength(int characters) {
+    if (characters != length()) {
+        reported_ = characters;
+        // Forgets what could be undone, too.
+        setText(QString(characters, dot));
+    }
 }
 
-void SecretField::withText(const std::function<void(std::string_view)>& use) const {
-    QByteArray bytes = text().toUtf8();
-    use({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+void SecretField::insert(const QString& text) {
+    const int removed = static_cast<int>(selectedText().size());
+    const int first = removed > 0 ? selectionStart() : cursorPosition();
+    const qsizetype added = characterCount(text);
+    if (length() - removed + added > most_) {
+        emit overfilled();
+        return;
+    }
+    reported_ = length() - removed + static_cast<int>(added);
+    QLineEdit::insert(QString(added, dot));
+    QByteArray bytes = text.toUtf8();
+    emit edited(first, removed, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
     overwrite(bytes.data(), bytes.size());
 }
 
-void SecretField::wipe() {
-    QString held = text();
-    // Not `clear`, which keeps the characters to undo it. Afterwards nothing else shares them.
-    setText(QString());
-    overwrite(held.data(), held.size());
+void SecretField::reportRemoval() {
+    // The cursor is where the removed characters were, whichever key removed them.
+    const int removed = reported_ - length();
+    if (removed > 0) {
+        reported_ = length();
+        emit edited(cursorPosition(), removed, {});
+    }
+}
+
+void SecretField::pasteFrom(QClipboard::Mode mode) {
+    QString pasted = QGuiApplication::clipboard()->text(mode);
+    insert(pasted);
+    overwrite(pasted.data(), pasted.size());
+}
+
+void SecretField::keyPressEvent(QKeyEvent* event) {
+    event->accept();
+    if (event->matches(QKeySequence::Paste)) {
+        const bool isSelection = event->modifiers().testFlag(Qt::ControlModifier) &&
+                                 event->modifiers().testFlag(Qt::ShiftModifier) &&
+                                 event->key() == Qt::Key_Insert;
+        pasteFrom(isSelection ? QClipboard::Selection : QClipboard::Clipboard);
+    } else if (isTyped(*event)) {
+        insert(event->text());
+    } else if (!event->matches(QKeySequence::Undo) && !event->matches(QKeySequence::Redo)) {
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+void SecretField::inputMethodEvent(QInputMethodEvent* event) {
+    // What is being composed is not shown.
+    if (!event->commitString().isEmpty()) {
+        insert(event->commitString());
+    }
+    event->accept();
+}
+
+void SecretField::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton && QGuiApplication::clipboard()->supportsSelection()) {
+        deselect();
+        pasteFrom(QClipboard::Selection);
+    } else {
+        QLineEdit::mouseReleaseEvent(event);
+    }
+}
+
+void SecretField::dropEvent(QDropEvent* event) {
+    QString dropped = event->mimeData()->text();
+    insert(dropped);
+    overwrite(dropped.data(), dropped.size());
+    event->acceptProposedAction();
+}
+
+void SecretField::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(u"Paste"_s, this, [this] { pasteFrom(QClipboard::Clipboard); });
+    menu->addAction(u"Delete"_s, this, [this] { insert({}); })->setEnabled(hasSelectedText());
+    menu->addAction(u"Select All"_s, this, &QLineEdit::selectAll)->setEnabled(length() > 0);
+    menu->popup(event->globalPos());
 }
 
 }  // namespace tallowcrest

@@ -1,6 +1,8 @@
 #include "presentation/words/advisor_words.h"
 
-#include "core/text.h"
+#include <string>
+
+#include "advisor/provider_reply.h"
 #include "presentation/words/dashboard_text.h"
 
 using namespace Qt::StringLiterals;
@@ -12,14 +14,7 @@ QString analysis(bool hasKey) {
 }
 
 QString longText(std::string_view utf8) {
-    // Five times the longest answer that is to be expected.
-    constexpr std::size_t mostCharacters = 20'000;
-    const std::string_view drawn = firstCharacters(utf8, mostCharacters);
-    const QString shown = dashboard_text::lines(drawn);
-    return drawn.size() == utf8.size()
-               ? shown
-               : shown + u"…\n\n%1 more bytes are not shown."_s.arg(dashboard_text::count(
-                             static_cast<std::int64_t>(utf8.size() - drawn.size())));
+    return dashboard_text::lines(boundedAnswer(std::string(utf8)));
 }
 
 }  // namespace tallowcrest::advisor_words

@@ -10,8 +10,8 @@ namespace tallowcrest::advisor_words {
 /// The title of a button that requests an analysis.
 QString analysis(bool hasKey);
 
-/// A text of the provider or of the owner with its lines. One that is too long to be drawn without
-/// a delay ends with the count of what is left out.
+/// A text of the provider or of the owner with its lines, as `boundedAnswer`: an earlier version
+/// may have stored longer ones.
 QString longText(std::string_view utf8);
 
 }  // namespace tallowcrest::advisor_words

@@ -6,6 +6,7 @@
 #include "integration/notification_actions.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
+#include "presentation/widgets/selectable_text.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_advisor_ports.h"
 
@@ -49,13 +50,15 @@ protected:
     FakeAdvisorPorts advisor;
 };
 
-TEST_F(AnalysisButtonsTest, WithoutAKeyTheHeaderOfTheOverviewAnalyzesHere) {
+TEST_F(AnalysisButtonsTest, WithoutAKeyTheHeaderOfTheOverviewAnalyzesAndShowsTheAnswer) {
     showWithSample();
     EXPECT_EQ(visible<QPushButton>("overview.analyze")->text(), u"Local Analyze"_s);
     click("overview.analyze");
     EXPECT_THAT(insight(), StartsWith("On-device analysis: "));
     EXPECT_EQ(lastAction(), "Completed on-device analysis.");
-    EXPECT_EQ(route(), AppRoute::overview);
+    EXPECT_EQ(route(), AppRoute::aiAdvisor);
+    EXPECT_THAT(visible<SelectableText>("ai.insight")->shownText().toStdString(),
+                StartsWith("On-device analysis: "));
 }
 
 TEST_F(AnalysisButtonsTest, WithAKeyTheHeaderOfTheOverviewAsksFirstAndShowsTheProgress) {
@@ -65,6 +68,9 @@ TEST_F(AnalysisButtonsTest, WithAKeyTheHeaderOfTheOverviewAsksFirstAndShowsThePr
     click("overview.analyze");
     EXPECT_EQ(textOf("confirmation.title"), u"Send diagnostics to OpenAI?"_s);
     machine.monitor().confirmations().confirmPending();
+    settle();
+    EXPECT_EQ(visible<QPushButton>("aiAdvisor.analyze")->text(), u"Analyzing"_s);
+    window().openRoute(AppRoute::overview);
     settle();
     EXPECT_EQ(visible<QPushButton>("overview.analyze")->text(), u"Analyzing"_s);
     finishWork();
@@ -76,6 +82,9 @@ TEST_F(AnalysisButtonsTest, AStableSystemOffersASecondOpinion) {
     storeKey(false);
     showWithSample();
     click("overview.second-opinion");
+    EXPECT_EQ(route(), AppRoute::aiAdvisor);
+    window().openRoute(AppRoute::overview);
+    settle();
     EXPECT_FALSE(visible<QPushButton>("overview.second-opinion")->isEnabled())
         << "one is under way";
     finishWork();

@@ -5,7 +5,9 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
 
+#include "core/secret_text.h"
 #include "tests/presentation/widget_fixture.h"
 
 using namespace Qt::StringLiterals;
@@ -27,16 +29,23 @@ protected:
         field.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&field));
         field.setFocus();
+        QObject::connect(&field, &SecretField::edited,
+                         [this](int first, int removed, std::string_view inserted) {
+                             kept = kept.replacing(static_cast<std::size_t>(first),
+                                                   static_cast<std::size_t>(removed), inserted);
+                         });
     }
     QWidget& root() override { return field; }
+    /// What whoever keeps the secret has.
     std::string content() {
-        std::string found;
-        field.withText([&found](std::string_view text) { found = text; });
-        return found;
+        EXPECT_EQ(field.text(), QString(field.length(), u'\u2022'));
+        EXPECT_EQ(static_cast<std::size_t>(field.length()), kept.characterCount());
+        return std::string(kept.view());
     }
     QAccessibleInterface& spoken() { return *QAccessible::queryAccessibleInterface(&field); }
 
-    SecretField field{u"probe"_s};
+    SecretField field{u"probe"_s, 16};
+    SecretText kept;
 };
 
 TEST_F(SecretFieldTest, IsTypedIntoAndDrawnAsDots) {
@@ -75,12 +84,75 @@ TEST_F(SecretFieldTest, AssistiveTechnologyWritesButNeverReadsIt) {
     EXPECT_EQ(content(), "all") << "places beyond the text";
 }
 
-TEST_F(SecretFieldTest, WipingRemovesTheTextForGood) {
-    QTest::keyClicks(&field, u"sk-0123456789"_s);
-    field.wipe();
+TEST_F(SecretFieldTest, IsEditedLikeAnotherField) {
+    QTest::keyClicks(&field, u"sk-abcd"_s);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(content(), "sk-abc");
+    press(Qt::Key_Home);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(content(), "k-abc");
+    press(Qt::Key_Right);
+    QTest::keyClicks(&field, u"xy"_s);
+    EXPECT_EQ(content(), "kxy-abc");
+    press(Qt::Key_Left, Qt::ShiftModifier);
+    press(Qt::Key_Left, Qt::ShiftModifier);
+    QTest::keyClicks(&field, u"Z"_s);
+    EXPECT_EQ(content(), "kZ-abc");
+    press(Qt::Key_Home, Qt::ShiftModifier);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(content(), "-abc");
+    press(Qt::Key_End);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(content(), "") << "the word before the cursor is all of it";
+    press(Qt::Key_Backspace);
     EXPECT_EQ(content(), "");
+}
+
+TEST_F(SecretFieldTest, IsPastedInto) {
+    QGuiApplication::clipboard()->setText(u"sk-\U0001F511\n"_s);
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(content(), "sk-\U0001F511\n") << "whoever takes it trims it";
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(content(), "sk-\U0001F511\n") << "in place of the selection";
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(content(), "sk-");
+}
+
+TEST_F(SecretFieldTest, TakesWhatAnInputMethodCommitsAndShowsNothingOfTheRest) {
+    QInputMethodEvent composing(u"sk-ab"_s, {});
+    QApplication::sendEvent(&field, &composing);
+    EXPECT_EQ(content(), "");
+    EXPECT_FALSE(field.displayText().contains(u's'));
+    QInputMethodEvent committed;
+    committed.setCommitString(u"sk-ab"_s);
+    QApplication::sendEvent(&field, &committed);
+    EXPECT_EQ(content(), "sk-ab");
+}
+
+TEST_F(SecretFieldTest, WhatDoesNotFitIsNotPutInAtAll) {
+    int refusals = 0;
+    QObject::connect(&field, &SecretField::overfilled, [&refusals] { ++refusals; });
+    field.insert(QString(16, u'k'));
+    QTest::keyClicks(&field, u"x"_s);
+    EXPECT_EQ(content(), std::string(16, 'k'));
+    EXPECT_EQ(refusals, 1);
+    field.selectAll();
+    field.insert(QString(17, u'z'));
+    EXPECT_EQ(content(), std::string(16, 'k'));
+    EXPECT_EQ(refusals, 2);
+}
+
+TEST_F(SecretFieldTest, NothingIsUndone) {
+    QTest::keyClicks(&field, u"sk-0123456789"_s);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(content(), "") << "undo does not bring it back";
+    EXPECT_EQ(content(), "sk-0123456789");
+    kept = {};
+    field.setLength(0);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(content(), "");
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST(LongText, IsCutWhereDrawingItWouldTakeLong) {
     const std::string whole(20'000, 'w');
     EXPECT_EQ(advisor_words::longText(whole).size(), 20'000);
     const QString cut = advisor_words::longText(whole + "xyz");
-    EXPECT_TRUE(cut.endsWith(u"w…\n\n3 more bytes are not shown."_s))
+    EXPECT_TRUE(cut.endsWith(u"w…\n\n103 more characters were left out."_s))
         << cut.right(60).toStdString();
     EXPECT_FALSE(cut.contains(u'x'));
     // Not within a character.

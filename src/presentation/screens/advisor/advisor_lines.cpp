@@ -7,7 +7,6 @@
 #include "advisor/run_refusal.h"
 #include "advisor/trust_score.h"
 #include "presentation/words/dashboard_text.h"
-#include "presentation/words/plain_lines.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,8 +16,6 @@ namespace {
 using dashboard_text::shortText;
 using dashboard_text::text;
 
-constexpr std::size_t longestAnswer = 20'000;
-constexpr qsizetype mostAnswerLines = 1000;
 constexpr qsizetype longestTitle = 200;
 constexpr qsizetype longestDetail = 1000;
 constexpr qsizetype longestWord = 40;
@@ -40,30 +37,31 @@ QString lead() {
            "processes, or change remote Macs without you choosing a visible control."_s;
 }
 
-QString connectionState(bool isKeySaved, std::string_view host) {
-    return !isKeySaved    ? u"On-device guidance active"_s
+QString connectionState(bool isConnected, bool isEndpointUsable, std::string_view host) {
+    if (!isEndpointUsable) {
+        return u"The endpoint in the settings cannot be used. On-device guidance active"_s;
+    }
+    return !isConnected   ? u"On-device guidance active"_s
            : host.empty() ? u"Enhanced AI connected"_s
                           : u"Enhanced AI connected to "_s + text(host);
 }
 
-QString progress(std::string_view service, std::chrono::seconds elapsed) {
-    const std::chrono::seconds shown = std::max(elapsed, std::chrono::seconds(0));
-    if (shown > exchangeWait) {
-        return u"Still waiting, %1. The system may be asking for the password of its key store."_s
-            .arg(seconds(shown));
+QString progress(std::string_view service, std::chrono::seconds elapsed, bool isReadingKey) {
+    const QString shown = seconds(std::max(elapsed, std::chrono::seconds(0)));
+    if (isReadingKey) {
+        return u"Reading the key… %1. The system may ask for the password of its key store."_s.arg(
+            shown);
     }
-    return u"Asking %1… %2 of at most %3"_s.arg(text(service), seconds(shown),
-                                                seconds(exchangeWait));
+    const QString asking = u"Asking %1… %2"_s.arg(text(service), shown);
+    // Beyond the limit, the clock was set.
+    return elapsed > exchangeWait ? asking
+                                  : asking + u" of at most %1"_s.arg(seconds(exchangeWait));
 }
 
 QString payloadMode(bool isRedacted, bool requiresConfirmation) {
     return u"AI payload mode: %1, %2"_s.arg(
         isRedacted ? u"process details redacted"_s : u"process details included"_s,
         requiresConfirmation ? u"confirmation required"_s : u"direct analyze enabled"_s);
-}
-
-QString answer(std::string_view utf8) {
-    return plainLines(utf8, longestAnswer, mostAnswerLines);
 }
 
 std::vector<SuggestionLine> suggestionLines(std::span<const AIActionSuggestion> actions,

@@ -20,18 +20,15 @@ namespace tallowcrest::advisor_lines {
 QString lead();
 
 /// "Enhanced AI connected", with the host of a service that is not the usual one (empty for that),
-/// or "On-device guidance active".
-QString connectionState(bool isKeySaved, std::string_view host);
+/// "On-device guidance active", or that the address of the service must not be used.
+QString connectionState(bool isConnected, bool isEndpointUsable, std::string_view host);
 
-/// How long an analysis has taken, and how long it can take: "Asking OpenAI… 12 s of at most 30 s".
-/// Beyond that it can only be the secret store that waits for the owner.
-QString progress(std::string_view service, std::chrono::seconds elapsed);
+/// How long an analysis has waited, and how long it can: "Asking OpenAI… 12 s of at most 30 s". The
+/// key is read before that, and the owner may be asked to unlock it.
+QString progress(std::string_view service, std::chrono::seconds elapsed, bool isReadingKey);
 
 /// "AI payload mode: process details redacted, confirmation required"
 QString payloadMode(bool isRedacted, bool requiresConfirmation);
-
-/// An answer, as far as it is shown.
-QString answer(std::string_view utf8);
 
 /// A suggestion, with why its button cannot run it.
 struct SuggestionLine {

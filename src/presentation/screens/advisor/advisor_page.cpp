@@ -22,6 +22,7 @@
 #include "presentation/screens/advisor/trust_card.h"
 #include "presentation/screens/shared/analysis_action.h"
 #include "presentation/screens/shared/autonomy_picker.h"
+#include "presentation/screens/shared/payload_preview.h"
 #include "presentation/screens/shared/workspace_bar.h"
 #include "presentation/state/advisor_payload.h"
 #include "presentation/state/window_state.h"
@@ -32,6 +33,7 @@
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 #include "presentation/widgets/two_columns.h"
+#include "presentation/words/advisor_words.h"
 #include "presentation/words/dashboard_text.h"
 #include "sampling/latest_sample.h"
 
@@ -94,11 +96,8 @@ void AdvisorPage::makeCards() {
 
 void AdvisorPage::connectGuidance() {
     connect(guidance_, &GuidanceCard::analyzeWanted, this, &AdvisorPage::analyze);
-    connect(guidance_, &GuidanceCard::payloadCopyWanted, this, [this] {
-        const Outcome outcome = monitor_.advisor().provider.copyAIPreview();
-        guidance_->showRefusal(outcome.isAccepted() ? QString() : text(outcome.message));
-    });
-    connect(guidance_, &GuidanceCard::payloadToggled, this, &AdvisorPage::togglePayload);
+    connectPayload(guidance_->payload(), monitor_.advisor().provider,
+                   [this] { return advisorPayload(monitor_); });
 }
 
 void AdvisorPage::connectSuggestions() {
@@ -134,18 +133,6 @@ void AdvisorPage::analyze() {
         // A refusal is the answer.
         provider.requestAIAnalysis();
     }
-}
-
-void AdvisorPage::togglePayload() {
-    if (guidance_->showsPayload()) {
-        guidance_->showPayload({});
-        return;
-    }
-    payloadRedacts_ = monitor_.settings().aiRedactProcessDetails;
-    const QString payload = advisorPayload(monitor_);
-    guidance_->showPayload(payload);
-    guidance_->showRefusal(payload.isEmpty() ? u"No AI payload preview is available yet."_s
-                                             : QString());
 }
 
 void AdvisorPage::withSuggestion(const UUID& id,
@@ -188,36 +175,44 @@ void AdvisorPage::refresh() {
     drafts_->show(advisor.drafts.aiRuleDrafts());
     drafts_->setBusy(advisor.provider.state().aiBusy);
     showProgress();
+    isReading_ = true;
+}
+
+void AdvisorPage::hideEvent(QHideEvent* event) {
+    Screen::hideEvent(event);
+    isReading_ = false;
 }
 
 void AdvisorPage::showGuidance() {
     const Provider& provider = monitor_.advisor().provider;
     const Settings& settings = monitor_.settings();
-    // What is shown as that which would be sent must not be older than the choice of what that is.
-    if (guidance_->showsPayload() && payloadRedacts_ != settings.aiRedactProcessDetails) {
-        payloadRedacts_ = settings.aiRedactProcessDetails;
-        guidance_->showPayload(advisorPayload(monitor_));
+    if (guidance_->payload().isShown()) {
+        guidance_->payload().show(advisorPayload(monitor_));
     }
-    const bool isKeySaved = provider.isConnected();
-    guidance_->show(
-        {.connection = advisor_lines::connectionState(
-             isKeySaved, settings.aiEndpoint.empty() ? std::string() : provider.serviceName()),
-         .isConnected = isKeySaved,
-         .isBusy = provider.state().aiBusy,
-         .payloadMode = advisor_lines::payloadMode(settings.aiRedactProcessDetails,
-                                                   settings.aiRequirePreview)});
+    const std::string service = provider.serviceName();
+    guidance_->show({.connection = advisor_lines::connectionState(
+                         provider.isConnected(), !service.empty(),
+                         settings.aiEndpoint.empty() ? std::string() : service),
+                     .isConnected = provider.isConnected() && !service.empty(),
+                     .isBusy = provider.state().aiBusy,
+                     .payloadMode = advisor_lines::payloadMode(settings.aiRedactProcessDetails,
+                                                               settings.aiRequirePreview)});
 }
 
 void AdvisorPage::showAnswer() {
-    const std::string& answer = monitor_.advisor().provider.state().aiInsight;
-    if (shownAnswer_ == answer) {
+    const ProviderState& state = monitor_.advisor().provider.state();
+    const bool isChanged = shownAnswer_ != state.aiInsight;
+    // An answer is said once, even if it came while another page was in view. What else stands in
+    // its place, such as the progress, is said only as it happens.
+    const bool isNews = saidAnswers_ != state.answers || (isChanged && isReading_);
+    saidAnswers_ = state.answers;
+    if (!isChanged && !isNews) {
         return;
     }
-    const bool isFirst = !shownAnswer_;
-    shownAnswer_ = answer;
-    const QString shown = advisor_lines::answer(answer);
+    shownAnswer_ = state.aiInsight;
+    const QString shown = advisor_words::longText(state.aiInsight);
     guidance_->showAnswer(shown);
-    if (!isFirst) {
+    if (isNews) {
         announce(*this, shown.left(mostSpoken));
     }
 }
@@ -242,9 +237,10 @@ void AdvisorPage::showProgress() {
     }
     const std::chrono::seconds elapsed(static_cast<std::int64_t>(
         secondsWaited(state.aiBusySince, monitor_.services().clock.now())));
-    guidance_->showProgress(state.aiBusy ? advisor_lines::progress(provider.serviceName(), elapsed)
-                            : monitor_.sample().snapshot() ? QString()
-                                                           : u"Sampling this Mac..."_s);
+    guidance_->showProgress(
+        state.aiBusy ? advisor_lines::progress(provider.serviceName(), elapsed, state.isReadingKey)
+        : monitor_.sample().snapshot() ? QString()
+                                       : u"Sampling this Mac..."_s);
 }
 
 }  // namespace tallowcrest

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -32,6 +33,9 @@ public:
     std::vector<Observable*> shows() const override;
     std::vector<HeaderAction> headerActions() override;
 
+protected:
+    void hideEvent(QHideEvent* event) override;
+
 private:
     QWidget* makeLead();
     void makeCards();
@@ -39,7 +43,6 @@ private:
     void connectSuggestions();
     void connectTrustAndDrafts();
     void analyze();
-    void togglePayload();
     /// Runs `operation` on the suggestion with this id, if it is still there.
     void withSuggestion(const UUID& id,
                         Outcome (Suggestions::*operation)(const AIActionSuggestion&));
@@ -57,7 +60,8 @@ private:
     TrustCard* trust_ = nullptr;
     RuleDraftsCard* drafts_ = nullptr;
     std::optional<std::string> shownAnswer_;
-    bool payloadRedacts_ = true;  ///< what the shown payload was made with
+    std::uint64_t saidAnswers_ = 0;  ///< `ProviderState::answers` when the latest was said
+    bool isReading_ = false;         ///< shown since the last refresh
     QTimer* second_ = nullptr;
 };
 

@@ -4,12 +4,12 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/screens/shared/payload_preview.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/refusal_line.h"
 #include "presentation/widgets/selectable_text.h"
 #include "presentation/widgets/theme.h"
 
@@ -20,10 +20,9 @@ namespace tallowcrest {
 GuidanceCard::GuidanceCard(QWidget* parent) : Card(parent) {
     setObjectName(u"ai.guidance"_s);
     setHeader(u"sparkle"_s, u"Guidance"_s);
+    payload_ = new PayloadPreview(u"ai"_s, this);
     contentLayout()->addWidget(makeConnection());
     contentLayout()->addWidget(makeButtons());
-    refusal_ = new RefusalLine(u"ai.guidance.refusal"_s, this);
-    contentLayout()->addWidget(refusal_);
     progress_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), this);
     progress_->setObjectName(u"ai.progress"_s);
     progress_->setLines(1, 2);
@@ -35,9 +34,12 @@ GuidanceCard::GuidanceCard(QWidget* parent) : Card(parent) {
     payloadMode_->setObjectName(u"ai.payload-mode"_s);
     payloadMode_->setLines(1, 2);
     contentLayout()->addWidget(payloadMode_);
-    payload_ = new SelectableText(u"ai.payload"_s, this);
-    payload_->hide();
     contentLayout()->addWidget(payload_);
+    // The visual order.
+    setTabOrder(analyze_, payload_->buttons()[0]);
+    setTabOrder(payload_->buttons()[0], payload_->buttons()[1]);
+    setTabOrder(payload_->buttons()[1], answer_);
+    setTabOrder(answer_, payload_->text());
 }
 
 QWidget* GuidanceCard::makeConnection() {
@@ -59,17 +61,11 @@ QWidget* GuidanceCard::makeButtons() {
     analyze_ = makeButton(u"Analyze Now"_s, u"sparkle.magnifyingglass"_s, u"ai.analyze"_s,
                           u"Explains the present state of this machine"_s, buttons);
     makePrimary(*analyze_);
-    auto* copy =
-        makeButton(u"Preview Payload"_s, u"doc.text.magnifyingglass"_s, u"ai.preview-payload"_s,
-                   u"Puts the report that would be sent on the clipboard"_s, buttons);
-    payloadToggle_ = makeButton(u"Show Payload"_s, QString(), u"ai.show-payload"_s,
-                                u"Shows everything that would be sent, below"_s, buttons);
-    for (QPushButton* button : {analyze_, copy, payloadToggle_}) {
+    buttons->addItem(analyze_);
+    for (QPushButton* button : payload_->buttons()) {
         buttons->addItem(button);
     }
     connect(analyze_, &QPushButton::clicked, this, &GuidanceCard::analyzeWanted);
-    connect(copy, &QPushButton::clicked, this, &GuidanceCard::payloadCopyWanted);
-    connect(payloadToggle_, &QPushButton::clicked, this, &GuidanceCard::payloadToggled);
     return buttons;
 }
 
@@ -95,21 +91,6 @@ void GuidanceCard::showAnswer(const QString& answer) {
 void GuidanceCard::showProgress(const QString& words) {
     progress_->setText(words);
     progress_->setVisible(!words.isEmpty());
-}
-
-bool GuidanceCard::showsPayload() const {
-    return !payload_->isHidden();
-}
-
-void GuidanceCard::showPayload(const QString& payload) {
-    payload_->showText(payload);
-    payload_->setVisible(!payload.isEmpty());
-    payloadToggle_->setText(payload.isEmpty() ? u"Show Payload"_s : u"Hide Payload"_s);
-    setSpokenName(*payloadToggle_, payloadToggle_->text());
-}
-
-void GuidanceCard::showRefusal(const QString& words) {
-    refusal_->setText(words);
 }
 
 }  // namespace tallowcrest

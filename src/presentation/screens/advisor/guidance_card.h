@@ -10,7 +10,7 @@ namespace tallowcrest {
 
 class ElidedLabel;
 class IconView;
-class RefusalLine;
+class PayloadPreview;
 class SelectableText;
 
 /// What the guidance card shows beside the answer and the progress.
@@ -36,19 +36,11 @@ public:
     void showAnswer(const QString& answer);
     /// How long the analysis has taken; empty without one.
     void showProgress(const QString& words);
-    /// Shows what would be sent, or removes it again when the text is empty.
-    void showPayload(const QString& payload);
-    bool showsPayload() const;
-    /// Shows why the payload was refused; an empty text removes that.
-    void showRefusal(const QString& words);
+    PayloadPreview& payload() { return *payload_; }
 
 signals:
     /// The owner pressed "Analyze Now".
     void analyzeWanted();
-    /// The owner pressed "Preview Payload".
-    void payloadCopyWanted();
-    /// The owner pressed "Show Payload" or "Hide Payload".
-    void payloadToggled();
 
 private:
     QWidget* makeConnection();
@@ -58,12 +50,10 @@ private:
     IconView* connectionIcon_ = nullptr;
     ElidedLabel* connection_ = nullptr;
     QPushButton* analyze_ = nullptr;
-    QPushButton* payloadToggle_ = nullptr;
-    RefusalLine* refusal_ = nullptr;
     ElidedLabel* progress_ = nullptr;
     SelectableText* answer_ = nullptr;
     ElidedLabel* payloadMode_ = nullptr;
-    SelectableText* payload_ = nullptr;
+    PayloadPreview* payload_ = nullptr;
 };
 
 }  // namespace tallowcrest

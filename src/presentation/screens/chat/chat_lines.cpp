@@ -55,13 +55,16 @@ QString arrival(const std::vector<ChatLine>& lines) {
     return said.join(u'\n');
 }
 
-QString thinking(double seconds) {
+QString thinking(double seconds, bool isReadingKey) {
     constexpr double most = exchangeWait.count();
     const double shown = std::isfinite(seconds) ? std::max(0.0, std::floor(seconds)) : 0.0;
-    const QString passed = u"Thinking · %1 s"_s.arg(dashboard_text::decimal(shown, 0));
-    // The reading of the key can take longer, while the owner is asked for a password.
-    return shown > most ? passed
-                        : passed + u" of at most %1 s"_s.arg(dashboard_text::decimal(most, 0));
+    const QString passed = u" · %1 s"_s.arg(dashboard_text::decimal(shown, 0));
+    if (isReadingKey) {
+        return u"Thinking · reading the key"_s + passed;
+    }
+    // Beyond the limit, the clock was set.
+    return u"Thinking"_s + passed +
+           (shown > most ? QString() : u" of at most %1 s"_s.arg(dashboard_text::decimal(most, 0)));
 }
 
 }  // namespace tallowcrest::chat_lines

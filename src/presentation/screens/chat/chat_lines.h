@@ -43,7 +43,7 @@ ChatLine chatLine(const AIChatMessage& message, Date now);
 /// What assistive technology says when these have arrived; empty for none.
 QString arrival(const std::vector<ChatLine>& lines);
 
-/// "Thinking · 12 s of at most 30 s", after that many seconds.
-QString thinking(double seconds);
+/// "Thinking · 12 s of at most 30 s", after that many seconds; before that, the key is read.
+QString thinking(double seconds, bool isReadingKey);
 
 }  // namespace tallowcrest::chat_lines

@@ -17,7 +17,9 @@
 #include "presentation/screens/chat/chat_composer.h"
 #include "presentation/screens/chat/chat_lines.h"
 #include "presentation/screens/chat/chat_panel.h"
+#include "presentation/screens/shared/payload_preview.h"
 #include "presentation/screens/shared/workspace_bar.h"
+#include "presentation/state/advisor_payload.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/announcer.h"
 #include "presentation/widgets/card.h"
@@ -58,6 +60,7 @@ ChatPage::ChatPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
     bar_ = new WorkspaceBar(AppRoute::chat, this);
     connect(bar_, &WorkspaceBar::routeWanted, this,
             [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
+    makePayload();
     makePanel();
     layOut();
     seconds_->setObjectName(u"chat.seconds"_s);
@@ -128,6 +131,7 @@ QWidget* ChatPage::makeContent() {
     lead_->setObjectName(u"chat.lead"_s);
     lead_->setLines(1, 3);
     column->addWidget(lead_);
+    column->addWidget(payload_);
     auto* card = new Card(content);
     card->setObjectName(u"chat.conversation"_s);
     card->setHeader(u"message"_s, u"Conversation"_s);
@@ -154,8 +158,22 @@ QWidget* ChatPage::makeContent() {
     return content;
 }
 
+void ChatPage::makePayload() {
+    payload_ = new PayloadPreview(u"chat"_s, this);
+    connectPayload(*payload_, monitor_.advisor().provider,
+                   [this] { return chatPayload(monitor_); });
+    connect(payload_, &PayloadPreview::toggled, this, [this] {
+        if (payload_->isShown()) {
+            // It stands above the messages.
+            followsEnd_ = false;
+            area_->keepInPlace(nullptr);
+            area_->verticalScrollBar()->setValue(payload_->y());
+        }
+    });
+}
+
 void ChatPage::makePanel() {
-    panel_ = new ChatPanel(this);
+    panel_ = new ChatPanel(payload_->buttons(), this);
     connect(panel_, &ChatPanel::questionChosen, this, [this](const QString& question) {
         chat().setAIChatInput(question.toStdString());
         composer_->show(question, chat().state().aiChatBusy);
@@ -233,6 +251,9 @@ void ChatPage::refresh() {
                                    monitor_.settings().aiRedactProcessDetails));
     composer_->show(QString::fromStdString(state.aiChatInput), state.aiChatBusy);
     showMessages();
+    if (payload_->isShown()) {
+        payload_->show(chatPayload(monitor_));
+    }
     thinking_->setVisible(state.aiChatBusy);
     if (state.aiChatBusy) {
         showThinking();
@@ -283,7 +304,7 @@ void ChatPage::showMessages() {
 void ChatPage::showThinking() {
     const ChatState& state = chat().state();
     thinking_->setText(chat_lines::thinking(
-        secondsWaited(state.aiChatBusySince, monitor_.services().clock.now())));
+        secondsWaited(state.aiChatBusySince, monitor_.services().clock.now()), state.isReadingKey));
 }
 
 bool ChatPage::isAtEnd() const {

@@ -17,6 +17,7 @@ class ChatPanel;
 class ConversationView;
 class ElidedLabel;
 class PageScrollArea;
+class PayloadPreview;
 class SystemMonitor;
 class WorkspaceBar;
 struct WindowState;
@@ -42,6 +43,7 @@ private:
     QWidget* makeContent();
     void makePanel();
     void makeComposer();
+    void makePayload();
     /// Puts the workspace bar and the panel where the window has room for them.
     void place();
     Chat& chat() const;
@@ -62,6 +64,7 @@ private:
     PageScrollArea* area_ = nullptr;
     ElidedLabel* lead_ = nullptr;
     ElidedLabel* empty_ = nullptr;
+    PayloadPreview* payload_ = nullptr;
     ConversationView* conversation_ = nullptr;
     ElidedLabel* thinking_ = nullptr;
     QTimer* seconds_ = nullptr;      ///< runs while an answer is awaited in view

@@ -3,18 +3,21 @@
 #include <utility>
 
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "presentation/screens/chat/chat_lines.h"
 #include "presentation/screens/shared/summary_cards.h"
 #include "presentation/widgets/card.h"
+#include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/text_button.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-ChatPanel::ChatPanel(QWidget* parent) : QWidget(parent) {
+ChatPanel::ChatPanel(std::span<QPushButton* const> payloadButtons, QWidget* parent)
+    : QWidget(parent) {
     constexpr int narrowestFact = 150;
     setObjectName(u"chat.panel"_s);
     auto* layout = new QVBoxLayout(this);
@@ -27,6 +30,11 @@ ChatPanel::ChatPanel(QWidget* parent) : QWidget(parent) {
         std::make_unique<SummaryCards>(u"chat.fact"_s, chat_lines::factCards, facts, narrowestFact);
     facts_->setFrameless();
     facts->contentLayout()->addWidget(facts_->widget());
+    auto* buttons = new FlowRow(spacing::unit, facts);
+    for (QPushButton* button : payloadButtons) {
+        buttons->addItem(button);
+    }
+    facts->contentLayout()->addWidget(buttons);
     layout->addWidget(facts);
     auto* questions = new Card(this);
     questions->setObjectName(u"chat.prompts"_s);

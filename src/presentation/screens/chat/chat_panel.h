@@ -1,11 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include <QWidget>
 
 #include "presentation/words/session_lines.h"
+
+class QPushButton;
 
 namespace tallowcrest {
 
@@ -17,7 +20,8 @@ class ChatPanel final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ChatPanel(QWidget* parent = nullptr);
+    /// `payloadButtons` are put below the figures, which are what is sent.
+    explicit ChatPanel(std::span<QPushButton* const> payloadButtons, QWidget* parent = nullptr);
     ~ChatPanel() override;
 
     void show(std::vector<SummaryTexts> facts);

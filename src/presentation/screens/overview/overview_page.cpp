@@ -1,5 +1,7 @@
 #include "presentation/screens/overview/overview_page.h"
 
+#include <utility>
+
 #include <QVBoxLayout>
 
 #include "actions/actions.h"
@@ -83,8 +85,7 @@ void OverviewPage::connectBlocks() {
             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); });
     connect(topOffender_, &TopOffenderBlock::remoteMacsWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::remoteMacs); });
-    connect(topOffender_, &TopOffenderBlock::secondOpinionWanted, this,
-            [this] { monitor_.advisor().provider.requestAIAnalysis(); });
+    connect(topOffender_, &TopOffenderBlock::secondOpinionWanted, this, &OverviewPage::analyze);
     connect(recentActivity_, &RecentActivityBlock::historyWanted, this,
             [this] { state_.navigation.setSelectedRoute(AppRoute::history); });
 }
@@ -98,10 +99,18 @@ std::vector<Observable*> OverviewPage::shows() const {
 }
 
 std::vector<HeaderAction> OverviewPage::headerActions() {
-    return {analysisAction(monitor_.advisor().provider, u"overview.analyze"_s),
+    HeaderAction analysis = analysisAction(monitor_.advisor().provider, u"overview.analyze"_s);
+    analysis.run = [this] { analyze(); };
+    return {std::move(analysis),
             {{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
              u"overview.review-cleanup"_s,
              [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); }}};
+}
+
+void OverviewPage::analyze() {
+    // Where the progress and the answer stand.
+    state_.navigation.setSelectedRoute(AppRoute::aiAdvisor);
+    monitor_.advisor().provider.requestAIAnalysis();
 }
 
 void OverviewPage::refresh() {

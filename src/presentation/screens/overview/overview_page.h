@@ -35,6 +35,7 @@ private:
     void layOutBlocks();
     void connectBlocks();
     TopOffenderFacts offenderFacts() const;
+    void analyze();
     void reviewOffender();
 
     SystemMonitor& monitor_;

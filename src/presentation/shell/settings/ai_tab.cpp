@@ -4,7 +4,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "advisor/endpoint.h"
 #include "advisor/openai_key.h"
 #include "presentation/screens/shared/automation_toggles.h"
 #include "presentation/screens/shared/autonomy_picker.h"
@@ -24,10 +23,8 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-constexpr int longestModel = 256;
-// One more than is accepted, so that a text that is too long is refused and not silently cut.
-constexpr auto longestEndpoint = static_cast<int>(maximumEndpointLength) + 1;
-constexpr auto longestKey = static_cast<int>(maximumKeyLength) + 1;
+/// White space around a key is not part of it.
+constexpr auto longestKey = static_cast<int>(2 * maximumKeyLength);
 
 AutomationLine switchLine(const QString& title, bool isOn) {
     return {.title = title,
@@ -54,8 +51,7 @@ QWidget* AITab::makeIntelligence() {
     card->contentLayout()->addWidget(keyRefusal_);
     card->contentLayout()->addSpacing(spacing::unit);
     model_ = new StoredField(u"Model"_s, {}, u"settings.ai-model"_s,
-                             u"The model that is asked; the default one when it is empty"_s,
-                             longestModel, card);
+                             u"The model that is asked; the default one when it is empty"_s, card);
     card->contentLayout()->addWidget(model_);
     auto* line = new ElidedLabel(
         u"Default model is gpt-5.6-luna for efficient analysis. The key is stored in macOS "
@@ -67,8 +63,7 @@ QWidget* AITab::makeIntelligence() {
     card->contentLayout()->addSpacing(spacing::unit);
     endpoint_ =
         new StoredField(u"Endpoint"_s, u"https://…"_s, u"settings.ai-endpoint"_s,
-                        u"The address of another server to ask; OpenAI's when it is empty"_s,
-                        longestEndpoint, card);
+                        u"The address of another server to ask; OpenAI's when it is empty"_s, card);
     card->contentLayout()->addWidget(endpoint_);
     return card;
 }
@@ -89,11 +84,10 @@ QWidget* AITab::makeKey(QWidget* card) {
     layout->addLayout(state);
     auto* entry = new QHBoxLayout;
     entry->setSpacing(spacing::unit);
-    key_ = new SecretField(u"settings.ai-key"_s, part);
+    key_ = new SecretField(u"settings.ai-key"_s, longestKey, part);
     key_->setPlaceholderText(u"Paste OpenAI API key"_s);
     key_->setAccessibleName(u"OpenAI API key"_s);
     key_->setAccessibleDescription(u"What is typed here is neither shown nor read out"_s);
-    key_->setMaxLength(longestKey);
     key_->setTextMargins(spacing::unit, 0, spacing::unit, 0);
     save_ = makeButton(u"Save Key"_s, QString(), u"settings.ai-key.save"_s,
                        u"Stores the typed key in place of an older one"_s, part);
@@ -102,13 +96,16 @@ QWidget* AITab::makeKey(QWidget* card) {
     layout->addLayout(entry);
     // The visual order.
     setTabOrder(remove_, key_);
-    connect(remove_, &QPushButton::clicked, this, [this] {
-        task_ = KeyTask::removal;
-        emit keyRemovalWanted();
-    });
+    connect(remove_, &QPushButton::clicked, this, &AITab::keyRemovalWanted);
     connect(save_, &QPushButton::clicked, this, &AITab::saveKey);
     connect(key_, &QLineEdit::returnPressed, this, &AITab::saveKey);
-    connect(key_, &QLineEdit::textChanged, this, [this] { keyRefusal_->setText({}); });
+    connect(key_, &SecretField::edited, this,
+            [this](int first, int removed, std::string_view inserted) {
+                showKeyRefusal({});
+                emit keyEdited(first, removed, inserted);
+            });
+    connect(key_, &SecretField::overfilled, this,
+            [this] { showKeyRefusal(u"That is too long for a key. Nothing was put in."_s); });
     return part;
 }
 
@@ -143,21 +140,13 @@ QWidget* AITab::makeAutonomy() {
 
 void AITab::saveKey() {
     if (save_->isEnabled()) {
-        task_ = KeyTask::save;
-        key_->withText([this](std::string_view typed) { emit keySaveWanted(typed); });
+        emit keySaveWanted();
     }
 }
 
 void AITab::showKeyRefusal(const QString& words) {
-    task_ = KeyTask::none;
     keyRefusal_->setText(words);
     announce(*this, words);
-}
-
-void AITab::forgetKey() {
-    task_ = KeyTask::none;
-    key_->wipe();
-    keyRefusal_->setText({});
 }
 
 void AITab::showKey(const AITabState& state) {
@@ -165,16 +154,7 @@ void AITab::showKey(const AITabState& state) {
                                         : u"No OpenAI key saved"_s);
     setButtonEnabled(*remove_, state.isKeySaved && !state.isKeyBusy);
     setButtonEnabled(*save_, !state.isKeyBusy);
-    if (task_ == KeyTask::none || state.isKeyBusy) {
-        return;
-    }
-    const bool isDone = task_ == KeyTask::save ? !state.hasKeyInput : !state.isKeySaved;
-    task_ = KeyTask::none;
-    if (isDone) {
-        forgetKey();
-    } else {
-        showKeyRefusal(state.keyMessage);
-    }
+    key_->setLength(state.keyLength);
 }
 
 void AITab::show(const AITabState& state) {

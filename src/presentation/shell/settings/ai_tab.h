@@ -23,9 +23,7 @@ class StoredField;
 struct AITabState {
     bool isKeySaved = false;
     bool isKeyBusy = false;
-    /// Whether a typed key has been taken and is not stored yet.
-    bool hasKeyInput = false;
-    QString keyMessage;  ///< what became of the key last
+    int keyLength = 0;  ///< the characters of the key that is typed and not saved
     QString model;
     QString endpoint;
     bool isRedacted = true;
@@ -41,12 +39,10 @@ public:
     /// Takes ownership of the switch of the safe actions.
     explicit AITab(QWidget* safeActions, QWidget* parent = nullptr);
 
-    /// A key or a value that is being typed or was refused stays.
+    /// A value that is being typed or was refused stays.
     void show(const AITabState& state);
 
-    /// Forgets what was typed as a key. Called when the sheet closes.
-    void forgetKey();
-    /// Shows why the key was refused; the typed one stays.
+    /// Shows why the key was refused, not saved or not removed; an empty text removes that.
     void showKeyRefusal(const QString& words);
 
     StoredField& model() { return *model_; }
@@ -54,8 +50,11 @@ public:
     AutonomyPicker& picker() { return *picker_; }
 
 signals:
-    /// The owner asked to save the key `typed`, in UTF-8, which is overwritten afterwards.
-    void keySaveWanted(std::string_view typed);
+    /// The owner put `inserted`, which is UTF-8 and overwritten afterwards, in place of `removed`
+    /// characters of the key from the one at `first` on.
+    void keyEdited(int first, int removed, std::string_view inserted);
+    /// The owner asked to save the key that was typed.
+    void keySaveWanted();
     /// The owner pressed "Remove Key".
     void keyRemovalWanted();
     // The owner asked to turn a switch. It stays as it is until `show`.
@@ -72,10 +71,6 @@ private:
     void saveKey();
     void showKey(const AITabState& state);
 
-    /// What was asked for here and is not answered yet.
-    enum class KeyTask { none, save, removal };
-
-    KeyTask task_ = KeyTask::none;
     ElidedLabel* keyState_ = nullptr;
     DangerButton* remove_ = nullptr;
     SecretField* key_ = nullptr;

@@ -12,19 +12,12 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
-namespace {
-
-/// More than any system allows in a user name, so that a name that is too long is refused with a
-/// message and not silently cut.
-constexpr int longestUser = 256;
-
-}  // namespace
 
 RemoteTab::RemoteTab(QWidget* parent) : SettingsTab(parent) {
     auto* card = new Card;
     card->setHeader(u"network"_s, u"Remote Access"_s);
     user_ = new StoredField(u"SSH User"_s, u"remote username"_s, u"settings.ssh-user"_s,
-                            u"The user's name on the other machines"_s, longestUser, card);
+                            u"The user's name on the other machines"_s, card);
     card->contentLayout()->addWidget(user_);
 
     card->contentLayout()->addSpacing(spacing::unit);

@@ -6,6 +6,7 @@
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QPointer>
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QVBoxLayout>
@@ -47,7 +48,6 @@ namespace {
 constexpr int sheetWidth = 592;
 constexpr int leastHeight = 432;
 constexpr int mostHeight = 640;
-constexpr qsizetype longestKeyMessage = 200;
 
 using dashboard_text::text;
 
@@ -167,28 +167,41 @@ void SettingsSheet::addAI() {
 
 void SettingsSheet::connectKey() {
     Provider& provider = monitor_.advisor().provider;
-    connect(ai_, &AITab::keySaveWanted, this, [this, &provider](std::string_view typed) {
-        provider.setOpenAIKeyInput(SecretText(typed));
-        const Outcome outcome = provider.saveOpenAIKey();
-        if (outcome.isAccepted()) {
-            showAI();
-        } else {
-            ai_->showKeyRefusal(text(outcome.message));
-        }
-    });
-    connect(ai_, &AITab::keyRemovalWanted, this, [this, &provider] {
-        provider.removeOpenAIKey();
+    connect(ai_, &AITab::keyEdited, this,
+            [&provider](int first, int removed, std::string_view inserted) {
+                provider.setOpenAIKeyInput(provider.openAIKeyInput().replacing(
+                    static_cast<std::size_t>(first), static_cast<std::size_t>(removed), inserted));
+            });
+    const auto show = [this](const Outcome& outcome) {
+        const bool isRefused = !outcome.isAccepted() && outcome.kind != Outcome::Kind::ignored;
+        ai_->showKeyRefusal(isRefused ? text(outcome.message) : QString());
         showAI();
-    });
+    };
+    // The monitor outlives the sheet, so the end of what was begun may find it gone.
+    const auto showEnd = [tab = QPointer(ai_), show](const Outcome& outcome) {
+        if (tab != nullptr) {
+            show(outcome);
+        }
+    };
+    connect(ai_, &AITab::keySaveWanted, this,
+            [&provider, show, showEnd] { show(provider.saveOpenAIKey(showEnd)); });
+    connect(ai_, &AITab::keyRemovalWanted, this,
+            [&provider, show, showEnd] { show(provider.removeOpenAIKey(showEnd)); });
     connect(this, &QDialog::finished, this, [this, &provider] {
-        ai_->forgetKey();
         provider.setOpenAIKeyInput({});
+        ai_->showKeyRefusal({});
+        showAI();
     });
 }
 
 void SettingsSheet::takeModel(const QString& typed) {
-    connection_settings::setOpenAIModel(monitor_.settingsOwner(), typed.toStdString());
-    ai_->model().setStored(text(monitor_.settings().openAIModel));
+    const Outcome outcome = connection_settings::setOpenAIModel(
+        monitor_.settingsOwner(), monitor_.log(), typed.toStdString());
+    if (outcome.isAccepted()) {
+        ai_->model().setStored(text(monitor_.settings().openAIModel));
+    } else {
+        ai_->model().showRefusal(text(outcome.message));
+    }
 }
 
 void SettingsSheet::takeEndpoint(const QString& typed) {
@@ -206,8 +219,7 @@ void SettingsSheet::showAI() {
     const Settings& settings = monitor_.settings();
     ai_->show({.isKeySaved = state.openAIKeySaved,
                .isKeyBusy = state.isKeyBusy,
-               .hasKeyInput = !provider.openAIKeyInput().isEmpty(),
-               .keyMessage = dashboard_text::shortText(state.aiInsight, longestKeyMessage),
+               .keyLength = static_cast<int>(provider.openAIKeyInput().characterCount()),
                .model = text(settings.openAIModel),
                .endpoint = text(settings.aiEndpoint),
                .isRedacted = settings.aiRedactProcessDetails,

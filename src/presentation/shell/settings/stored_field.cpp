@@ -14,8 +14,7 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 
 StoredField::StoredField(const QString& title, const QString& placeholder,
-                         const QString& identifier, const QString& description, int longest,
-                         QWidget* parent)
+                         const QString& identifier, const QString& description, QWidget* parent)
     : QWidget(parent), description_(description) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -25,7 +24,6 @@ StoredField::StoredField(const QString& title, const QString& placeholder,
     field_->setObjectName(identifier);
     field_->setPlaceholderText(placeholder);
     field_->setAccessibleName(title);
-    field_->setMaxLength(longest);
     field_->setTextMargins(spacing::unit, 0, spacing::unit, 0);
     layout->addWidget(field_);
     refusal_ = new RefusalLine(identifier + u".refusal"_s, this);
@@ -63,8 +61,8 @@ void StoredField::showRefusal(const QString& words) {
 
 void StoredField::setStored(const QString& stored) {
     showRefusal(QString());
-    shown_ = stored;
     field_->setText(stored);
+    shown_ = field_->text();  // without what it cannot hold
 }
 
 void StoredField::show(const QString& stored) {

@@ -17,7 +17,7 @@ class StoredField final : public QWidget {
 public:
     /// `identifier` is the object name of the field.
     StoredField(const QString& title, const QString& placeholder, const QString& identifier,
-                const QString& description, int longest, QWidget* parent = nullptr);
+                const QString& description, QWidget* parent = nullptr);
     ~StoredField() override;
 
     /// Shows the stored value. A text that is being typed or was refused stays.

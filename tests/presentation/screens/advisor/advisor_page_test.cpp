@@ -1,6 +1,8 @@
 #include "presentation/screens/advisor/advisor_page.h"
 
+#include <algorithm>
 #include <chrono>
+#include <string>
 
 #include <QTimer>
 
@@ -17,6 +19,7 @@ namespace {
 
 using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 using testing::SizeIs;
 
 class AdvisorPageTest : public AdvisorFixture {};
@@ -93,6 +96,8 @@ TEST_F(AdvisorPageTest, AKeyIsShownWithTheHostOfAnotherService) {
 TEST_F(AdvisorPageTest, AnAnalysisUnderWayIsToldFromAHang) {
     showConnected();
     click("ai.analyze");
+    machine.finishSamples();
+    settle();
     machine.clock.advance(std::chrono::seconds(9));
     window().findChild<QTimer*>(u"ai.progress.timer"_s)->setInterval(0);
     ASSERT_TRUE(QTest::qWaitFor([this] {
@@ -138,6 +143,51 @@ TEST_F(AdvisorPageTest, TheProgressStopsWhileThePageIsHidden) {
     EXPECT_FALSE(timer->isActive());
 }
 
+TEST_F(AdvisorPageTest, AnAnswerIsSaidOnceAlsoWhenItCameWhileThePageWasHidden) {
+    showConnected();
+    fakes.http->willSay(R"({"summary": "All is well."})");
+    click("ai.analyze");
+    goTo(AppRoute::history);
+    const Announcements heard;
+    finishWork();
+    EXPECT_THAT(heard.said(), Not(Contains("All is well.")));
+    goTo(AppRoute::aiAdvisor);
+    goTo(AppRoute::history);
+    goTo(AppRoute::aiAdvisor);
+    EXPECT_EQ(std::ranges::count(heard.said(), std::string("All is well.")), 1);
+}
+
+TEST_F(AdvisorPageTest, WhatIsNoAnswerIsNotSaidLater) {
+    showConnected();
+    goTo(AppRoute::history);
+    const Announcements heard;
+    advisor().provider.removeOpenAIKey();
+    finishWork();
+    goTo(AppRoute::aiAdvisor);
+    EXPECT_EQ(answer(), u"OpenAI key removed from Keychain."_s);
+    EXPECT_THAT(heard.said(), Not(Contains(HasSubstr("removed from Keychain"))));
+}
+
+TEST_F(AdvisorPageTest, AnEndpointThatCannotBeUsedIsToldAsSuch) {
+    showConnected();
+    machine.monitor().settingsOwner().set(&Settings::aiEndpoint, "http://example.org");
+    settle();
+    EXPECT_EQ(textOf("ai.connection-state"),
+              u"The endpoint in the settings cannot be used. On-device guidance active"_s);
+}
+
+TEST_F(AdvisorPageTest, TheReadingOfTheKeyIsToldFromTheAsking) {
+    showConnected();
+    click("ai.analyze");
+    EXPECT_EQ(textOf("ai.progress"),
+              u"Reading the key… 0 s. The system may ask for the password of its key store."_s);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(answer(), u"Asking OpenAI for a performance recommendation..."_s);
+    EXPECT_EQ(textOf("ai.progress"), u"Asking OpenAI… 0 s of at most 30 s"_s);
+    finishWork();
+}
+
 TEST_F(AdvisorPageTest, ALongAnswerScrollsAndHostileTextIsPlain) {
     showConnected();
     fakes.http->willSay("<b>not bold</b>\u202e\x1b[31m " + std::string(10'000, 'W') +
@@ -162,12 +212,12 @@ TEST_F(AdvisorPageTest, PreviewPayloadCopiesTheReport) {
     window().state().navigation.setSelectedRoute(AppRoute::aiAdvisor);
     show();
     click("ai.preview-payload");
-    EXPECT_EQ(textOf("ai.guidance.refusal"), u"No AI payload preview is available yet."_s);
+    EXPECT_EQ(textOf("ai.payload.refusal"), u"No AI payload preview is available yet."_s);
     machine.finishSamples();
     settle();
     const auto report = machine.monitor().reports().diagnosticsReport(true);
     click("ai.preview-payload");
-    EXPECT_EQ(textOf("ai.guidance.refusal"), u"(not shown)"_s);
+    EXPECT_EQ(textOf("ai.payload.refusal"), u"(not shown)"_s);
     EXPECT_EQ(lastAction(), "Copied the AI diagnostics preview.");
     ASSERT_THAT(copied, SizeIs(1));
     EXPECT_EQ(copied[0], report);
@@ -200,6 +250,21 @@ TEST_F(AdvisorPageTest, AShownPayloadFollowsTheChoiceOfWhatIsSent) {
     finishWork();
     ASSERT_THAT(fakes.http->sent, SizeIs(1));
     EXPECT_EQ(shown.toStdString(), fakes.http->sent[0].prompt());
+}
+
+TEST_F(AdvisorPageTest, AShownPayloadFollowsTheState) {
+    showConnected();
+    click("ai.show-payload");
+    const QString before = visible<SelectableText>("ai.payload")->shownText();
+    machine.metrics->memory.pressure = 97.0;
+    tick();
+    const QString after = visible<SelectableText>("ai.payload")->shownText();
+    EXPECT_NE(after, before);
+    EXPECT_THAT(after.toStdString(), HasSubstr("97"));
+    click("ai.analyze");
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_EQ(after.toStdString(), fakes.http->sent[0].prompt());
 }
 
 TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {

@@ -85,8 +85,9 @@ TEST(ChatLines, ThinkingCountsTheSecondsUpToTheLimit) {
                                                     {nan, "Thinking · 0 s of at most 30 s"},
                                                     {infinity, "Thinking · 0 s of at most 30 s"}};
     for (const auto& [seconds, shown] : cases) {
-        EXPECT_EQ(chat_lines::thinking(seconds).toStdString(), shown) << seconds;
+        EXPECT_EQ(chat_lines::thinking(seconds, false).toStdString(), shown) << seconds;
     }
+    EXPECT_EQ(chat_lines::thinking(12.0, true), u"Thinking · reading the key · 12 s"_s);
 }
 
 }  // namespace

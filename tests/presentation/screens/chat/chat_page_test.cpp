@@ -3,6 +3,8 @@
 #include <QTimer>
 
 #include "core/settings/settings_owner.h"
+#include "presentation/widgets/selectable_text.h"
+#include "reports/reports.h"
 #include "tests/presentation/screens/chat/chat_fixture.h"
 #include "tests/presentation/shown_texts.h"
 
@@ -65,6 +67,51 @@ TEST_F(ChatPageTest, ReturnSendsAndTheAnswerFollows) {
     EXPECT_EQ(input().toPlainText(), QString());
     EXPECT_TRUE(input().hasFocus());
     EXPECT_EQ(lastAction(), "Answered with on-device guidance.");
+}
+
+TEST_F(ChatPageTest, WhatIsSentCanBeReadBefore) {
+    storeKey();
+    showChat();
+    advisor.http->willSay("Because.");
+    type("Why?");
+    EXPECT_EQ(visible("chat.payload"), nullptr);
+    click("chat.show-payload");
+    settleAll();
+    const auto shown = [this] {
+        return visible<SelectableText>("chat.payload")->shownText().toStdString();
+    };
+    EXPECT_THAT(shown(), HasSubstr("User question:\nWhy?\n"));
+    // It follows what is typed and the choice of what is sent.
+    type(" And since when?");
+    machine.monitor().settingsOwner().set(&Settings::aiRedactProcessDetails, false);
+    settle();
+    const std::string before = shown();
+    click("chat.send");
+    finishWork();
+    ASSERT_EQ(advisor.http->sent.size(), 1U);
+    EXPECT_EQ(advisor.http->sent[0].prompt(), before);
+    EXPECT_THAT(before, HasSubstr("User question:\nWhy? And since when?\n"));
+    click("chat.show-payload");
+    EXPECT_EQ(visible("chat.payload"), nullptr);
+}
+
+TEST_F(ChatPageTest, TheReportThatIsSentCanBeCopied) {
+    std::vector<std::string> copied;
+    machine.storeOnPasteboard = [&copied](const std::string& text) { copied.push_back(text); };
+    showChat();
+    const auto report = machine.monitor().reports().diagnosticsReport(true);
+    click("chat.preview-payload");
+    ASSERT_EQ(copied.size(), 1U);
+    EXPECT_EQ(copied[0], report);
+}
+
+TEST_F(ChatPageTest, AQuestionThatIsTooLongIsToldAndStays) {
+    showChat();
+    chat().setAIChatInput(std::string(10'001, 'q'));
+    settle();
+    click("chat.send");
+    EXPECT_EQ(lastAction(), "A question may have at most 10,000 characters.");
+    EXPECT_EQ(input().toPlainText().size(), 10'001);
 }
 
 TEST_F(ChatPageTest, ShiftReturnMakesALine) {
@@ -165,6 +212,9 @@ TEST_F(ChatPageTest, ThinkingCountsTheSeconds) {
     showChat();
     type("memory?");
     press(Qt::Key_Return);
+    EXPECT_EQ(textOf("chat.thinking"), u"Thinking · reading the key · 0 s"_s);
+    machine.finishSamples();
+    settle();
     EXPECT_EQ(textOf("chat.thinking"), u"Thinking · 0 s of at most 30 s"_s);
     auto* timer = window().findChild<QTimer*>(u"chat.seconds"_s);
     ASSERT_TRUE(timer->isActive());
