@@ -12,18 +12,12 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/base/releaser.h"
 #include "platform/http/curl_library.h"
 
 namespace tallowcrest {
 namespace {
 
-template <auto release>
-struct Releaser {
-    template <class Handle>
-    void operator()(Handle* handle) const {
-        release(handle);
-    }
-};
 using Easy = std::unique_ptr<CURL, Releaser<curl_easy_cleanup>>;
 using Multi = std::unique_ptr<CURLM, Releaser<curl_multi_cleanup>>;
 using Url = std::unique_ptr<CURLU, Releaser<curl_url_cleanup>>;

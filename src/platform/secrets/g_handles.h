@@ -4,16 +4,9 @@
 
 #include <memory>
 
-namespace tallowcrest {
+#include "platform/base/releaser.h"
 
-/// Releases what a C library gave.
-template <auto release>
-struct Releaser {
-    template <class Handle>
-    void operator()(Handle* handle) const {
-        release(handle);
-    }
-};
+namespace tallowcrest {
 
 template <class Type>
 using GObjectHandle = std::unique_ptr<Type, Releaser<g_object_unref>>;
