@@ -164,7 +164,13 @@ private:
             const std::string text = options_.json ? answerJSON(answer) : answerBlock(answer);
             finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
         });
-        advisor_->begin(options_.ask);
+        const Outcome outcome = advisor_->begin(options_.ask, options_.yes);
+        if (!outcome.message.empty()) {
+            complain(printableText(outcome.message).text);
+        }
+        if (!outcome.isAccepted()) {
+            finish(EXIT_FAILURE);
+        }
     }
 
     /// Begins after the first sample, which tells how much of the disk is in use.

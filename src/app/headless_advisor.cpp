@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "advisor/advisor.h"
+#include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
@@ -15,23 +16,43 @@ HeadlessAdvisor::HeadlessAdvisor(SystemMonitor& monitor,
       answered_(std::move(answered)),
       changes_(monitor.services().jobs.mainQueue(), [this] { finish(); }) {}
 
-void HeadlessAdvisor::begin(const std::optional<std::string>& question) {
+Outcome HeadlessAdvisor::begin(const std::optional<std::string>& question, bool mayBeSent) {
     isQuestion_ = question.has_value();
-    Advisor& advisor = monitor_.advisor();
-    if (isQuestion_) {
-        changes_.observe({&advisor.chat.observable()});
-        // What the owner has asked in the window is no part of this question.
-        advisor.chat.clearChat();
-        advisor.chat.askQuickQuestion(*question);
-        return;
+    if (!isQuestion_) {
+        changes_.observe({&monitor_.advisor().provider.observable()});
+        return analyze(mayBeSent);
     }
-    changes_.observe({&advisor.provider.observable()});
+    Chat& chat = monitor_.advisor().chat;
+    // What the owner has asked in the window is no part of this question.
+    chat.clearChat();
+    const Outcome outcome = chat.askQuickQuestion(*question);
+    if (outcome.kind == Outcome::Kind::refused && chat.aiChatMessages().empty()) {
+        return outcome;
+    }
+    changes_.observe({&chat.observable()});
+    return Outcome::asked();
+}
+
+Outcome HeadlessAdvisor::analyze(bool mayBeSent) {
     // The option only reads, whatever the owner allows in the window. These settings are not
     // stored.
     SettingsOwner& settings = monitor_.settingsOwner();
     settings.set(&Settings::aiSafeActionsEnabled, false);
     settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::apprentice);
-    advisor.provider.sendAIAnalysis();
+    Provider& provider = monitor_.advisor().provider;
+    ConfirmationDesk& desk = monitor_.confirmations();
+    provider.requestAIAnalysis();
+    if (!desk.pendingConfirmation()) {
+        return Outcome::asked();
+    }
+    if (mayBeSent) {
+        desk.confirmPending();
+        return Outcome::asked();
+    }
+    desk.cancelPending();
+    provider.analyzeOnThisMachine();
+    return Outcome::asked(
+        "nothing was sent: the settings ask before each analysis, and '--yes' was not given");
 }
 
 void HeadlessAdvisor::finish() {

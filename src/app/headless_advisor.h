@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/observable.h"
+#include "core/outcome.h"
 
 namespace tallowcrest {
 
@@ -19,10 +20,14 @@ public:
     HeadlessAdvisor(SystemMonitor& monitor,
                     std::function<void(const std::string& answer)> answered);
 
-    /// An analysis without a question. Called once, after the first sample.
-    void begin(const std::optional<std::string>& question);
+    /// An analysis without a question. Where the settings ask before an analysis is sent, it is
+    /// sent only if it `mayBeSent`, and otherwise made on this machine. The message says what the
+    /// answer does not; when the outcome is refused, there will be none. Called once, after the
+    /// first sample.
+    Outcome begin(const std::optional<std::string>& question, bool mayBeSent);
 
 private:
+    Outcome analyze(bool mayBeSent);
     void finish();
 
     SystemMonitor& monitor_;

@@ -58,10 +58,8 @@ int run(const std::vector<std::string>& arguments, char** argv) {
     if (!commandLine.options.headless) {
         return openWindow(argv);
     }
-    return runHeadless(commandLine.options,
-                       key == nullptr
-                           ? AdvisorPorts{}
-                           : AdvisorPorts{std::move(key), std::make_shared<HttpModule>()});
+    // Without a key, too: a server of the owner's own may need none.
+    return runHeadless(commandLine.options, {std::move(key), std::make_shared<HttpModule>()});
 }
 
 }  // namespace

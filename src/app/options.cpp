@@ -94,6 +94,9 @@ private:
         if (name == "--analyze") {
             return &options_.analyze;
         }
+        if (name == "--yes") {
+            return &options_.yes;
+        }
         if (name == "--redacted") {
             return &options_.redacted;
         }
@@ -188,6 +191,9 @@ private:
         if (options_.redacted && !options_.report) {
             fail("option '--redacted' needs '--report'");
         }
+        if (options_.yes && !options_.analyze) {
+            fail("option '--yes' needs '--analyze'");
+        }
         if (options_.report && (options_.json || options_.samples)) {
             fail(fmt::format("option '--report' cannot go with '{}'",
                              options_.json ? "--json" : "--samples"));
@@ -267,6 +273,7 @@ Usage: tallowcrest [options]
     --remote          scan the other machines once, print them and end
     --ask QUESTION    answer a question about this machine and end
     --analyze         print an analysis of this machine and end
+    --yes             let it be sent where the settings ask before that
     --storage         measure the areas of the disk, print them and end
     --large-files     print the largest personal files and end
   --ui-testing        keep the setup wizard away

@@ -22,6 +22,7 @@ struct Options {
     bool largeFiles = false;         ///< look for large personal files once and end
     bool redacted = false;           ///< the report without private data
     bool analyze = false;            ///< print an analysis and end
+    bool yes = false;                ///< answers the question before an analysis is sent
     std::optional<std::string> ask;  ///< print the answer to it and end
     /// The file that each sample is written to as OpenMetrics text, "-" for standard output;
     /// absent: none.

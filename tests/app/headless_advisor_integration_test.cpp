@@ -6,8 +6,15 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "core/settings/settings.h"
+#include "platform/settings/open_settings_store.h"
 #include "tests/app/headless_program.h"
 #include "tests/app/private_data.h"
+#include "tests/platform/http/test_provider.h"
+#include "tests/support/file_text.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/manual_queues.h"
+#include "tests/support/scoped_variable.h"
 
 namespace tallowcrest {
 namespace {
@@ -47,7 +54,7 @@ TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotB
     const PrivateData data;
     // Nothing listens on this port, so nothing leaves the machine.
     const ProgramResult result =
-        run({"--headless", "--analyze"},
+        run({"--headless", "--analyze", "--yes"},
             {"TALLOWCREST_AI_KEY=sk-secret", "https_proxy=http://127.0.0.1:1", "no_proxy="});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardError, "");
@@ -55,6 +62,33 @@ TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotB
                 StartsWith("Paid AI is currently unavailable, so Tallowcrest used on-device "
                            "analysis instead. Memory "));
     EXPECT_THAT(result.standardOutput, testing::Not(HasSubstr("sk-secret")));
+}
+
+TEST(HeadlessAdvisorProgram, AServerOfTheOwnersOwnIsAskedWithoutAKey) {
+    const PrivateData data;
+    TestProvider provider;
+    {
+        ManualMainQueue mainQueue;
+        ManualWorkQueue workQueue;
+        Jobs jobs(mainQueue, workQueue);
+        const ManualClock clock;
+        const OpenedStore opened =
+            openSettingsStore(data.folder() / "tallowcrest" / "settings.sqlite",
+                              {.jobs = jobs, .clock = clock, .reportOutage = {}});
+        opened.store->write(settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
+    }
+    const ProgramResult result = run({"--headless", "--ask", "Why?"});
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses - application/json"));
+}
+
+TEST(HeadlessAdvisorProgram, NobodyElseCanReadTheKeyOfItsEnvironment) {
+    const ScopedVariable variable("TALLOWCREST_AI_KEY", "sk-0123456789abcdef");
+    StartedProgram running({program, "--headless", "--json", "--interval", "0.1"});
+    ASSERT_THAT(running.line(), StartsWith("{"));
+    const std::string environment = fileText("/proc/" + std::to_string(running.pid()) + "/environ");
+    EXPECT_THAT(environment, HasSubstr("PATH="));
+    EXPECT_THAT(environment, testing::Not(HasSubstr("sk-0123456789")));
 }
 
 }  // namespace

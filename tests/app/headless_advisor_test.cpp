@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "advisor/advisor.h"
-#include "core/settings/settings.h"
+#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_advisor_ports.h"
 #include "tests/support/fake_machine.h"
@@ -31,13 +31,14 @@ protected:
     }
 
     /// The answers, of which there is to be one.
-    std::vector<std::string> answersTo(const std::optional<std::string>& question) {
+    std::vector<std::string> answersTo(const std::optional<std::string>& question,
+                                       bool mayBeSent = true) {
         std::vector<std::string> answers;
         machine.monitor();
         machine.tick();
         HeadlessAdvisor asked(machine.monitor(),
                               [&](const std::string& said) { answers.push_back(said); });
-        asked.begin(question);
+        outcome = asked.begin(question, mayBeSent);
         EXPECT_THAT(answers, IsEmpty()) << "on a later turn";
         finishWork();
         machine.tick();
@@ -52,6 +53,7 @@ protected:
         machine.mainQueue.drain();
     }
 
+    Outcome outcome;
     FakeAdvisorPorts ports;
     FakeMachine machine;
 };
@@ -75,6 +77,41 @@ TEST_F(HeadlessAdvisorTest, WithAKeyTheProviderAnswersAndSeesOnlyThisQuestion) {
     ASSERT_THAT(ports.http->sent, Not(IsEmpty()));
     EXPECT_THAT(ports.http->sent.back().prompt(), HasSubstr("What is slow?"));
     EXPECT_THAT(ports.http->sent.back().prompt(), Not(HasSubstr("You: An earlier question")));
+}
+
+TEST_F(HeadlessAdvisorTest, AnAnalysisIsSentOnlyAsTheSettingsSay) {
+    ports.secrets->secret = "sk-key";
+    ports.http->willSay("From far away.");
+    machine.advisor = ports.ports();
+    EXPECT_THAT(answersTo(std::nullopt, false),
+                ElementsAre(StartsWith("On-device analysis: Memory")));
+    EXPECT_THAT(outcome.message, StartsWith("nothing was sent: "));
+    EXPECT_THAT(ports.http->sent, IsEmpty());
+    EXPECT_THAT(answersTo(std::nullopt, true), ElementsAre("From far away."));
+    EXPECT_EQ(outcome, Outcome::asked());
+    machine.monitor().settingsOwner().set(&Settings::aiRequirePreview, false);
+    EXPECT_THAT(answersTo(std::nullopt, false), ElementsAre("From far away."));
+    EXPECT_THAT(ports.http->sent, SizeIs(2));
+    // The switch is about analyses.
+    machine.monitor().settingsOwner().set(&Settings::aiRequirePreview, true);
+    EXPECT_THAT(answersTo("What is slow?", false), ElementsAre("From far away."));
+}
+
+TEST_F(HeadlessAdvisorTest, AServerOfTheOwnersOwnNeedsNoKey) {
+    ports.http->willSay("From next door.");
+    machine.advisor = AdvisorPorts{nullptr, ports.http};
+    machine.store.write(settings_keys::aiEndpointKey, std::string("http://localhost:8080"));
+    EXPECT_THAT(answersTo(std::nullopt), ElementsAre("From next door."));
+    EXPECT_THAT(answersTo("What is slow?"), ElementsAre("From next door."));
+    ASSERT_THAT(ports.http->sent, SizeIs(2));
+    EXPECT_EQ(ports.http->sent.front().url, "http://localhost:8080/v1/responses");
+    EXPECT_EQ(ports.http->sent.front().token, "");
+}
+
+TEST_F(HeadlessAdvisorTest, AQuestionThatIsTooLongIsRefused) {
+    EXPECT_THAT(answersTo(std::string(20'000, 'q')), IsEmpty());
+    EXPECT_EQ(outcome.kind, Outcome::Kind::refused);
+    EXPECT_THAT(outcome.message, HasSubstr("at most 10,000 characters"));
 }
 
 TEST_F(HeadlessAdvisorTest, AFailedRequestGivesTheAnswerOfThisMachine) {

@@ -107,6 +107,9 @@ TEST(Options, RejectsWhatIsNoQuestion) {
     EXPECT_THAT(refusal({"--headless", "--ask", "bad \xFF"}),
                 testing::StartsWith("option '--ask' needs a question, not '"));
     EXPECT_EQ(refusal({"--headless", "--ask"}), "option '--ask' needs a value");
+    EXPECT_TRUE(accepted({"--headless", "--analyze", "--yes"}).yes);
+    EXPECT_EQ(refusal({"--headless", "--ask", "why?", "--yes"}),
+              "option '--yes' needs '--analyze'");
     EXPECT_EQ(refusal({"--headless", "--analyze=1"}), "option '--analyze' takes no value");
 }
 
