@@ -3,7 +3,7 @@
 
 .DEFAULT_GOAL := help
 .PHONY: help build run test check bench screenshots fuzz trash-proof asan tsan fleet-check format
-.PHONY: format-check tidy clean
+.PHONY: format-check tidy clean package package-check
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
@@ -26,6 +26,8 @@ help:
 	@echo 'make check         build and run the unit tests alone'
 	@echo ''
 	@echo 'make build         build what is shipped: build/release/tallowcrest'
+	@echo 'make package       build the Debian package: build/package/tallowcrest_*.deb'
+	@echo 'make package-check build it twice, install it into a new Debian and remove it again'
 	@echo 'make bench         micro-benchmarks, then the whole program beside its neighbours'
 	@echo 'make screenshots   take docs/screenshots/ anew'
 	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
@@ -43,6 +45,13 @@ help:
 build:
 	@$(BOOTSTRAP) --build
 	$(call prepare,release,tallowcrest tallowcrest-desktop)
+
+package:
+	@$(BOOTSTRAP) --package
+	$(call prepare,package,package)
+
+package-check: package
+	scripts/package-check
 
 run: build
 	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then \
@@ -113,8 +122,8 @@ format-check:
 tidy:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,all)
-	shellcheck scripts/bootstrap scripts/each-program scripts/fuzz scripts/screenshots \
-	    scripts/with-sanitizer-options tests/platform/macos/compile_test .ci/run
+	shellcheck scripts/bootstrap scripts/each-program scripts/fuzz scripts/package-check \
+	    scripts/screenshots scripts/with-sanitizer-options tests/platform/macos/compile_test .ci/run
 	find src -name '*.cpp' -not -path 'src/platform/macos/*' -not -name '*_macos.cpp' | \
 	    xargs -P $(JOBS) -n 1 clang-tidy -p build/dev --quiet
 
