@@ -10,7 +10,8 @@ namespace {
 TEST(Packages, AreKnownByTheirExtensions) {
     for (const char* name :
          {"Editor.app", "EDITOR.APP", "a.b.app", "Pictures.photoslibrary", "Film.fcpbundle",
-          "Tool.AppDir", "Project.xcodeproj", "aplibrary.aplibrary", "\xff\xfe.bundle"}) {
+          "Tool.AppDir", "Project.xcodeproj", "Letter.pages", "Talk.key", "Budget.numbers",
+          "aplibrary.aplibrary", "\xff\xfe.bundle"}) {
         EXPECT_TRUE(isPackageName(name)) << name;
     }
     for (const char* name : {"", "app", ".app", "Editor.app ", "Editor.apps", "Editor.ap",
