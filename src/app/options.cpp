@@ -1,7 +1,11 @@
 #include "app/options.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
+#include <set>
 
 #include <fmt/format.h>
 
@@ -14,6 +18,27 @@ namespace {
 
 constexpr double shortestInterval = 0.01;
 constexpr double longestInterval = 86400.0;
+
+/// An option that is given or not.
+struct Flag {
+    std::string_view name;
+    bool Options::*isSet;
+};
+
+constexpr auto flags = std::to_array<Flag>({
+    {"--help", &Options::showHelp},
+    {"-h", &Options::showHelp},
+    {"--version", &Options::showVersion},
+    {"--headless", &Options::headless},
+    {"--json", &Options::json},
+    {"--report", &Options::report},
+    {"--remote", &Options::remote},
+    {"--storage", &Options::storage},
+    {"--large-files", &Options::largeFiles},
+    {"--analyze", &Options::analyze},
+    {"--yes", &Options::yes},
+    {"--redacted", &Options::redacted},
+});
 
 /// An argument, quoted and shortened for a message.
 std::string quoted(std::string_view text) {
@@ -56,54 +81,26 @@ private:
             parseOpenMetrics();
         } else if (name == "--ask") {
             parseQuestion();
-        } else if (bool* flag = flagNamed(name)) {
-            if (value_) {
-                fail(fmt::format("option '{}' takes no value", name));
-            }
-            *flag = true;
+        } else if (name == "--ui-testing") {
+            takeNoValue(name);  // there is no wizard yet
+        } else if (const Flag* flag = flagNamed(name)) {
+            takeNoValue(name);
+            options_.*flag->isSet = true;
         } else {
             fail(fmt::format("unknown option {}", quoted(argument)));
         }
+        given_.insert(name);
     }
 
-    bool* flagNamed(std::string_view name) {
-        if (name == "--help" || name == "-h") {
-            return &options_.showHelp;
+    static const Flag* flagNamed(std::string_view name) {
+        const auto found = std::ranges::find(flags, name, &Flag::name);
+        return found == flags.end() ? nullptr : &*found;
+    }
+
+    void takeNoValue(std::string_view option) {
+        if (value_) {
+            fail(fmt::format("option '{}' takes no value", option));
         }
-        if (name == "--version") {
-            return &options_.showVersion;
-        }
-        if (name == "--headless") {
-            return &options_.headless;
-        }
-        if (name == "--json") {
-            return &options_.json;
-        }
-        if (name == "--report") {
-            return &options_.report;
-        }
-        if (name == "--remote") {
-            return &options_.remote;
-        }
-        if (name == "--storage") {
-            return &options_.storage;
-        }
-        if (name == "--large-files") {
-            return &options_.largeFiles;
-        }
-        if (name == "--analyze") {
-            return &options_.analyze;
-        }
-        if (name == "--yes") {
-            return &options_.yes;
-        }
-        if (name == "--redacted") {
-            return &options_.redacted;
-        }
-        if (name == "--ui-testing") {
-            return &isUITest_;
-        }
-        return nullptr;
     }
 
     std::optional<std::string_view> takeValue(std::string_view option) {
@@ -168,67 +165,41 @@ private:
     }
 
     void checkCombination() {
-        const std::string_view headlessOnly = options_.json          ? "--json"
-                                              : options_.openMetrics ? "--openmetrics"
-                                              : options_.samples     ? "--samples"
-                                              : options_.interval    ? "--interval"
-                                              : options_.report      ? "--report"
-                                              : options_.remote      ? "--remote"
-                                              : options_.ask         ? "--ask"
-                                              : options_.analyze     ? "--analyze"
-                                              : options_.storage     ? "--storage"
-                                              : options_.largeFiles  ? "--large-files"
-                                                                     : "";
+        const std::string_view headlessOnly =
+            firstGiven({"--json", "--openmetrics", "--samples", "--interval", "--report",
+                        "--remote", "--ask", "--analyze", "--storage", "--large-files"});
         if (!options_.headless && !headlessOnly.empty()) {
             fail(fmt::format("option '{}' needs '--headless'", headlessOnly));
         }
-        if (options_.openMetrics && (options_.json || options_.report || options_.remote)) {
-            fail(fmt::format("option '--openmetrics' cannot go with '{}'", options_.json ? "--json"
-                                                                           : options_.report
-                                                                               ? "--report"
-                                                                               : "--remote"));
-        }
+        refuseTogether("--openmetrics", {"--json", "--report", "--remote"});
         if (options_.redacted && !options_.report) {
             fail("option '--redacted' needs '--report'");
         }
         if (options_.yes && !options_.analyze) {
             fail("option '--yes' needs '--analyze'");
         }
-        if (options_.report && (options_.json || options_.samples)) {
-            fail(fmt::format("option '--report' cannot go with '{}'",
-                             options_.json ? "--json" : "--samples"));
+        refuseTogether("--report", {"--json", "--samples"});
+        refuseTogether("--remote", {"--report", "--samples", "--interval"});
+        // What gives one answer goes with nothing but "--json".
+        for (const std::string_view asked : {"--ask", "--analyze", "--storage", "--large-files"}) {
+            refuseTogether(asked, {"--analyze", "--storage", "--large-files", "--report",
+                                   "--remote", "--openmetrics", "--samples", "--interval"});
         }
-        if (options_.remote && (options_.report || options_.samples || options_.interval)) {
-            fail(fmt::format("option '--remote' cannot go with '{}'", options_.report ? "--report"
-                                                                      : options_.samples
-                                                                          ? "--samples"
-                                                                          : "--interval"));
-        }
-        checkSingleAnswer();
     }
 
-    /// What gives one answer goes with nothing but "--json".
-    void checkSingleAnswer() {
-        const std::string_view asked = options_.ask          ? "--ask"
-                                       : options_.analyze    ? "--analyze"
-                                       : options_.storage    ? "--storage"
-                                       : options_.largeFiles ? "--large-files"
-                                                             : "";
-        const auto isOther = [&asked](bool isGiven, std::string_view name) {
-            return isGiven && asked != name;
-        };
-        const std::string_view other = isOther(options_.analyze, "--analyze")   ? "--analyze"
-                                       : isOther(options_.storage, "--storage") ? "--storage"
-                                       : isOther(options_.largeFiles, "--large-files")
-                                           ? "--large-files"
-                                       : options_.report      ? "--report"
-                                       : options_.remote      ? "--remote"
-                                       : options_.openMetrics ? "--openmetrics"
-                                       : options_.samples     ? "--samples"
-                                       : options_.interval    ? "--interval"
-                                                              : "";
-        if (!asked.empty() && !other.empty()) {
-            fail(fmt::format("option '{}' cannot go with '{}'", asked, other));
+    /// Empty when none of them was given.
+    std::string_view firstGiven(std::initializer_list<std::string_view> names) const {
+        const auto found =
+            std::ranges::find_if(names, [this](auto name) { return given_.contains(name); });
+        return found == names.end() ? std::string_view() : *found;
+    }
+
+    /// Fails when `option` was given with one of the others that is not itself.
+    void refuseTogether(std::string_view option, std::initializer_list<std::string_view> others) {
+        for (const std::string_view other : others) {
+            if (other != option && given_.contains(option) && given_.contains(other)) {
+                fail(fmt::format("option '{}' cannot go with '{}'", option, other));
+            }
         }
     }
 
@@ -241,8 +212,8 @@ private:
     const std::vector<std::string>& arguments_;
     std::size_t next_ = 0;
     std::optional<std::string_view> value_;
+    std::set<std::string_view> given_;  ///< the names of all options so far
     Options options_;
-    bool isUITest_ = false;  ///< not part of `Options`: there is no wizard yet
     std::string error_;
 };
 
@@ -273,7 +244,6 @@ Usage: tallowcrest [options]
     --remote          scan the other machines once, print them and end
     --ask QUESTION    answer a question about this machine and end
     --analyze         print an analysis of this machine and end
-    --yes             let it be sent where the settings ask before that
     --storage         measure the areas of the disk, print them and end
     --large-files     print the largest personal files and end
   --ui-testing        keep the setup wizard away
