@@ -27,6 +27,13 @@ Trust::Trust(const Services& services)
 
 Trust::~Trust() = default;
 
+AITrustRecord Trust::record(std::string_view type) const {
+    const auto found = records_->find(std::string(type));
+    return found != records_->end() ? found->second
+                                    : AITrustRecord{.actionType = std::string(type),
+                                                    .lastUpdated = services_.clock.now()};
+}
+
 void Trust::recordTrustEvent(const std::string& type, TrustEvent event) {
     records_.change([&](std::map<std::string, AITrustRecord>& records) {
         AITrustRecord& record = records[type];

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "core/advisor_records.h"
 #include "core/outcome.h"
@@ -27,6 +28,9 @@ public:
 
     /// By action type.
     const std::map<std::string, AITrustRecord>& aiTrustRecords() const { return *records_; }
+
+    /// The record of an action type; one with zero counts, dated now, where there is none.
+    AITrustRecord record(std::string_view type) const;
 
     /// Counts an event and stores the records. Records no message.
     void recordTrustEvent(const std::string& type, TrustEvent event);

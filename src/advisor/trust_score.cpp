@@ -6,7 +6,6 @@ namespace tallowcrest {
 namespace {
 
 constexpr std::int64_t learningFrom = 45;
-constexpr std::int64_t leastCleanups = 3;
 
 }  // namespace
 
@@ -21,7 +20,7 @@ std::string trustLine(const AITrustRecord& record) {
 }
 
 bool diskCleanupTrustEstablished(std::int64_t runCount, std::int64_t trustPercent) {
-    return runCount >= leastCleanups && trustPercent >= trustedFrom;
+    return runCount >= requiredSuccessfulRuns && trustPercent >= requiredTrustPercent;
 }
 
 }  // namespace tallowcrest

@@ -12,6 +12,10 @@ namespace tallowcrest {
 /// The score from which on a type of action is trusted.
 inline constexpr std::int64_t trustedFrom = 75;
 
+/// What a clean-up of the disk that no one confirms needs: earlier runs, and trust in percent.
+inline constexpr std::int64_t requiredSuccessfulRuns = 3;
+inline constexpr std::int64_t requiredTrustPercent = trustedFrom;
+
 /// "New", "Learning" or "Trusted".
 std::string_view trustLabel(const AITrustRecord& record);
 

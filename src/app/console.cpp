@@ -31,6 +31,12 @@ PrintableText printableText(std::string_view text, std::size_t limit) {
     return result;
 }
 
+std::string printableColumn(std::string_view text, std::size_t width) {
+    PrintableText column = printableText(text, width);
+    column.text.append(width - column.characters, ' ');
+    return column.text;
+}
+
 bool writeToStandardOutput(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
         std::fflush(stdout) == 0) {

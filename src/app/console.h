@@ -19,6 +19,9 @@ struct PrintableText {
 PrintableText printableText(std::string_view text,
                             std::size_t limit = std::numeric_limits<std::size_t>::max());
 
+/// A column of exactly `width` such characters: what is shorter has blanks behind it.
+std::string printableColumn(std::string_view text, std::size_t width);
+
 /// Writes and flushes. On failure prints the reason on standard error and returns false. Main
 /// thread.
 [[nodiscard]] bool writeToStandardOutput(std::string_view text);

@@ -8,9 +8,9 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include "app/console.h"
+#include "app/json_line.h"
 #include "core/locale.h"
 
 namespace tallowcrest {
@@ -22,9 +22,7 @@ constexpr std::size_t groupsShown = 5;
 constexpr std::size_t nameColumns = 28;
 
 std::string nameColumn(std::string_view name) {
-    PrintableText column = printableText(name, nameColumns);
-    column.text.append(nameColumns - column.characters, ' ');
-    return column.text;
+    return printableColumn(name, nameColumns);
 }
 
 std::string localTime(Date date) {
@@ -99,10 +97,6 @@ json remoteProcessJSON(const RemoteProcess& process) {
             {"command", process.command}};
 }
 
-std::string lineOf(const json& object) {
-    return object.dump(-1, ' ', true, json::error_handler_t::replace) + '\n';
-}
-
 /// The first groups, below the names of their columns.
 template <class Group>
 std::string groupRows(const std::vector<Group>& groups) {
@@ -155,7 +149,7 @@ std::string sampleJSON(const SystemSnapshot& snapshot,
         {"sampledAt", snapshot.sampledAt.secondsSinceReference},
         {"recommendations", arrayOf(recommendations, recommendationJSON)},
     };
-    return lineOf(object);
+    return jsonLine(object);
 }
 
 std::string remoteBlock(const RemoteHealth& machine) {
@@ -182,7 +176,7 @@ std::string remoteBlock(const RemoteHealth& machine) {
 }
 
 std::string remoteJSON(const RemoteHealth& machine) {
-    return lineOf({
+    return jsonLine({
         {"id", machine.id},
         {"hostName", machine.hostName},
         {"address", machine.address},
@@ -234,7 +228,7 @@ std::string answerBlock(const Answer& answer) {
 
 std::string answerJSON(const Answer& answer) {
     const SystemSnapshot& snapshot = answer.snapshot;
-    return lineOf({
+    return jsonLine({
         {"question", optionalJSON(answer.question)},
         {"answer", answer.text},
         {"figures",

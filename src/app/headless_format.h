@@ -47,7 +47,8 @@ std::string answerBlock(const Answer& answer);
 /// and `figures` with the members of the snapshot that answers speak of, under their own names.
 std::string answerJSON(const Answer& answer);
 
-/// A measured area of the disk as one readable line. Control characters as in `sampleBlock`.
+/// A measured area of the disk as one readable line, with a second one that says what the remainder
+/// stands for. Control characters as in `sampleBlock`.
 std::string storageRow(const DiskStorageOffender& area);
 
 /// The same as one line of JSON, line end included, with the members of the record under their own

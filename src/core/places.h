@@ -7,7 +7,6 @@ namespace tallowcrest {
 /// What appears in displayed texts and differs between platforms: paths, in the form that is usual
 /// on this one, and commands.
 struct Places {
-    std::string caches;             ///< "~/.cache"
     std::string tailscaleCLI = {};  ///< "/usr/bin/tailscale"
     /// Tests within 5 seconds whether a TCP port answers; the host and the port follow.
     std::string portTest = {};

@@ -25,6 +25,9 @@ namespace {
 
 /// With "~" for the home directory at its beginning.
 std::string shownCachesFolder(const DiskPlaces& places) {
+    if (places.caches.empty()) {
+        return "the folder of the caches";
+    }
     const bool isInHome = isInsideFolder(places.caches, places.home);
     return shownPath(isInHome ? "~" + places.caches.substr(places.home.size()) : places.caches);
 }
@@ -198,18 +201,9 @@ void DiskAutopilot::finishLowSpaceCheck() {
     log.recordEvent(ActivityKind::diskAutopilot, std::string(receipts::preparedForReview));
 }
 
-AITrustRecord DiskAutopilot::trustRecord() const {
-    const auto& records = dependencies_.trust.aiTrustRecords();
-    const auto found = records.find(std::string(actionType));
-    return found != records.end()
-               ? found->second
-               : AITrustRecord{.actionType = std::string(actionType),
-                               .lastUpdated = dependencies_.services.clock.now()};
-}
-
 bool DiskAutopilot::isAutopilotTrusted() const {
     const Settings& settings = dependencies_.services.settings.values();
-    const AITrustRecord trust = trustRecord();
+    const AITrustRecord trust = dependencies_.trust.record(actionType);
     return !settings.automationEmergencyStopEngaged &&
            settings.aiAutonomyMode == AIAutonomyMode::autopilot &&
            diskCleanupTrustEstablished(trust.runCount, trustPercent(trust));
@@ -282,7 +276,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
     run_ = Run{{.automatic = automatic,
                 .maxGB = policy::clampedMaxGB(settings.diskMaxCleanupGB),
                 .minimumFreeGB = settings.diskMinimumFreeGB,
-                .trust = trustRecord(),
+                .trust = dependencies_.trust.record(actionType),
                 .progress = {},
                 .stoppedBy = {}},
                std::make_shared<CleanupTally>(all)};

@@ -62,6 +62,9 @@ public:
 
     const DiskAutopilotState& state() const { return state_; }
 
+    /// The folder of the caches as texts show it, "~/.cache".
+    const std::string& cachesFolder() const { return caches_; }
+
     /// Looks for old cache files and asks whether to move them. A check because of low space that
     /// is under way becomes the review; ignored while a review is under way.
     Outcome reviewDiskCleanup();
@@ -109,7 +112,6 @@ private:
     bool isHere() const;
     /// Whether the mode and the record of earlier runs allow a clean-up that no one confirms.
     bool isAutopilotTrusted() const;
-    AITrustRecord trustRecord() const;
     void beginScan(Purpose purpose);
     void finishScan(DiskCleanupPlan plan);
     void finishReview();

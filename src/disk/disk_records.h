@@ -46,6 +46,7 @@ struct DiskStorageOffender {
     std::string name;
     std::string path;  ///< "/" for the remainder
     std::int64_t bytes = 0;
+    std::string explanation = {};  ///< what the remainder stands for; empty for an area
 
     bool operator==(const DiskStorageOffender&) const = default;
 };

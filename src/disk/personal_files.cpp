@@ -133,8 +133,16 @@ void PersonalFiles::readBookmark() const {
     dependencies_.services.settings.removeStorageAnalysisBookmark();
 }
 
+bool PersonalFiles::canReveal() const {
+    return static_cast<bool>(dependencies_.ports.desktop.reveal);
+}
+
+bool PersonalFiles::canBackUp() const {
+    return dependencies_.ports.desktop.chooseFolder && dependencies_.ports.copy != nullptr;
+}
+
 Outcome PersonalFiles::revealSuggestion(const StorageOptimizationSuggestion& suggestion) {
-    if (!dependencies_.ports.desktop.reveal) {
+    if (!canReveal()) {
         return refuse("There is no file manager here.");
     }
     readBookmark();
@@ -144,7 +152,7 @@ Outcome PersonalFiles::revealSuggestion(const StorageOptimizationSuggestion& sug
 }
 
 Outcome PersonalFiles::backUpSuggestion(const StorageOptimizationSuggestion& suggestion) {
-    if (!dependencies_.ports.desktop.chooseFolder || dependencies_.ports.copy == nullptr) {
+    if (!canBackUp()) {
         return refuse("Backups are not available here.");
     }
     if (backup_.isUnderWay()) {

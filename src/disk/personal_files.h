@@ -77,6 +77,10 @@ public:
     /// Ends the analysis with what it has found. Ignored while none is under way.
     Outcome stopAnalysis();
 
+    /// Whether there is a file manager to show files in, and a chooser for the folder of a backup.
+    bool canReveal() const;
+    bool canBackUp() const;
+
     /// Shows the file in the file manager. Whether it still exists is not tested.
     Outcome revealSuggestion(const StorageOptimizationSuggestion& suggestion);
 

@@ -73,6 +73,14 @@ std::int64_t remainderBytes(const std::vector<MeasuredArea>& areas, const UsedSp
     return left;
 }
 
+/// What the row of the remainder stands for, in one sentence.
+std::string remainderExplanation(std::string_view unreadableData) {
+    return fmt::format(
+        "Used space that is in none of the measured areas: folders outside them, "
+        "other accounts, snapshots and other {} that this account may not read.",
+        unreadableData);
+}
+
 }  // namespace
 
 std::optional<std::int64_t> parseDiskUsage(std::string_view output) {
@@ -101,7 +109,8 @@ std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas
     if (used) {
         const std::int64_t remainder = remainderBytes(areas, *used);
         if (remainder > smallestRemainder) {
-            rows.push_back({"Other / inaccessible " + used->unreadableData, "/", remainder});
+            rows.push_back({remainderName(used->unreadableData), "/", remainder,
+                            remainderExplanation(used->unreadableData)});
         }
     }
     std::ranges::sort(rows, [](const DiskStorageOffender& left, const DiskStorageOffender& right) {
@@ -110,11 +119,8 @@ std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas
     return rows;
 }
 
-std::string remainderExplanation(std::string_view unreadableData) {
-    return fmt::format(
-        "Used space that is in none of the measured areas: folders outside them, "
-        "other accounts, snapshots and other {} that this account may not read.",
-        unreadableData);
+std::string remainderName(std::string_view unreadableData) {
+    return fmt::format("Other / inaccessible {}", unreadableData);
 }
 
 namespace storage_texts {

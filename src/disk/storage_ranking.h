@@ -39,8 +39,8 @@ struct UsedSpace {
 std::vector<DiskStorageOffender> rankedOffenders(std::vector<MeasuredArea> areas,
                                                  const std::optional<UsedSpace>& used);
 
-/// What the row of the remainder stands for, in one sentence.
-std::string remainderExplanation(std::string_view unreadableData);
+/// The name of the row of the remainder.
+std::string remainderName(std::string_view unreadableData);
 
 namespace storage_texts {
 

@@ -224,8 +224,16 @@ Outcome StorageScan::stop() {
     return Outcome::asked();
 }
 
+std::string StorageScan::remainderName() const {
+    return tallowcrest::remainderName(dependencies_.ports.places.unreadableData);
+}
+
+bool StorageScan::canReveal() const {
+    return static_cast<bool>(dependencies_.ports.desktop.reveal);
+}
+
 Outcome StorageScan::revealStorageOffender(const DiskStorageOffender& offender) {
-    if (!dependencies_.ports.desktop.reveal) {
+    if (!canReveal()) {
         return dependencies_.services.log.record(
             Outcome::refused("There is no file manager here."));
     }

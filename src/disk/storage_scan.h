@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/outcome.h"
@@ -61,6 +62,11 @@ public:
     /// ended, and not waited for longer than two seconds. Ignored while none is in progress.
     Outcome stop();
 
+    /// The name of the remainder, also while there is none.
+    std::string remainderName() const;
+
+    /// Whether there is a file manager to show folders in.
+    bool canReveal() const;
     /// Shows the folder of a row in the file manager.
     Outcome revealStorageOffender(const DiskStorageOffender& offender);
 

@@ -8,6 +8,12 @@ namespace {
 
 using ::testing::ElementsAre;
 
+TEST(PrintableColumn, HasItsWidthWhateverTheText) {
+    EXPECT_EQ(printableColumn("", 3), "   ");
+    EXPECT_EQ(printableColumn("\xc3\xbc\x1b", 3), "\xc3\xbc? ");
+    EXPECT_EQ(printableColumn("abcd", 3), "abc");
+}
+
 TEST(FatalErrorLines, AtTheStartTheWindowCannotBeOpened) {
     EXPECT_THAT(fatalErrorLines("could not connect to display\nAvailable: offscreen.", true),
                 ElementsAre("the window cannot be opened: could not connect to display",

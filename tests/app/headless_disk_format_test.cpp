@@ -10,18 +10,23 @@ namespace {
 
 using nlohmann::json;
 
-TEST(HeadlessDiskFormat, AnAreaIsOneLine) {
+TEST(HeadlessDiskFormat, AnAreaIsOneLineAndTheRemainderHasAnother) {
     EXPECT_EQ(storageRow({"Programs", "/usr", 1610612736}),
               "      1.50 GB  Programs                          /usr\n");
     EXPECT_EQ(storageRow({std::string(40, 'x'), "/", 0}),
               "      0.00 GB  " + std::string(32, 'x') + "  /\n");
+    EXPECT_EQ(storageRow({"Other", "/", 0, "What no area holds."}),
+              "      0.00 GB  Other                             /\n"
+              "               What no area holds.\n");
     EXPECT_EQ(storageRow({"Caches", "/a\n\x1b[2J\xff", 0}).find_first_of("\x1b\xff"),
               std::string::npos);
 }
 
 TEST(HeadlessDiskFormat, AnAreaAsJSONHasItsMembersAndIsASCII) {
     const std::string line = storageJSON({"Filme \xc3\xbc", "/a\n\xff", 12});
-    EXPECT_EQ(line, "{\"name\":\"Filme \\u00fc\",\"path\":\"/a\\n\\ufffd\",\"bytes\":12}\n");
+    EXPECT_EQ(line,
+              "{\"name\":\"Filme \\u00fc\",\"path\":\"/a\\n\\ufffd\",\"bytes\":12,"
+              "\"explanation\":\"\"}\n");
 }
 
 TEST(HeadlessDiskFormat, ALargeFileIsTwoLinesOrOneObject) {

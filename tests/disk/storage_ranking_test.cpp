@@ -78,6 +78,11 @@ TEST(StorageRanking, TheRemainderIsARowAboveOneGigabyte) {
     const auto rows = rankedOffenders({}, used(10, 2));
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].name, "Other / inaccessible data");
+    EXPECT_EQ(rows[0].explanation,
+              "Used space that is in none of the measured areas: folders outside them, other "
+              "accounts, snapshots and other data that this account may not read.");
+    EXPECT_EQ(rankedOffenders({area("/", gigabyte)}, {})[0].explanation, "")
+        << "an area, wherever it is";
 }
 
 TEST(StorageRanking, FiguresThatContradictGiveNoRemainder) {
@@ -140,9 +145,6 @@ TEST(StorageRanking, TheTextsTellTheLargestAndTheCount) {
     EXPECT_EQ(storage_texts::stoppedEvent(2, 3, 19),
               "Ranked 2 storage areas. The scan was stopped after 3 of 19 areas, so there is no "
               "remainder; no files were changed.");
-    EXPECT_EQ(remainderExplanation("data"),
-              "Used space that is in none of the measured areas: folders outside them, other "
-              "accounts, snapshots and other data that this account may not read.");
 }
 
 }  // namespace

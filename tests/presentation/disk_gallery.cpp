@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
+#include <map>
 
 #include <QApplication>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "core/confirmation_desk.h"
 #include "disk/disk.h"
 #include "monitor/system_monitor.h"
 #include "platform/icu/icu_locale.h"
@@ -25,7 +28,14 @@ constexpr std::int64_t megabyte = 1048576;
 /// Owns the machine that its window shows.
 class DiskGallery final : public QWidget {
 public:
-    DiskGallery(const QString& state, const QSize& size) {
+    /// How a state comes about, and the page that shows it.
+    struct State {
+        AppRoute route;
+        std::function<void(DiskGallery&)> bring;
+    };
+    static const std::map<QString, State>& states();
+
+    DiskGallery(const State& shown, const QSize& size) {
         machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
         machine_.metrics->memory = {16.0, 9.5, 6.5, 2.3, 0.4, 59.4};
         machine_.metrics->disk = {476.9, 12.4};
@@ -40,22 +50,8 @@ public:
         show();
         window_->show();
         settle();
-        const bool isCleanup = state == u"cleanup"_s || state == u"question"_s;
-        window_->state().navigation.setSelectedRoute(isCleanup ? AppRoute::optimize
-                                                               : AppRoute::optimizationSuggestions);
-        Disk& disk = machine_.monitor().disk();
-        disk.storage.scanStorageAreas();
-        disk.files.analyzePersonalFiles();
-        if (state == u"busy"_s) {
-            disk.autopilot.reviewDiskCleanup();
-            machine_.mainQueue.drain();
-        } else {
-            settle();
-        }
-        if (state == u"question"_s) {
-            disk.autopilot.reviewDiskCleanup();
-            settle();
-        }
+        window_->state().navigation.setSelectedRoute(shown.route);
+        shown.bring(*this);
         for (int turn = 0; turn < 50; ++turn) {
             machine_.mainQueue.drain();
             QApplication::processEvents();
@@ -82,6 +78,9 @@ private:
         disk_.files.add("/home/owner/Downloads/debian-12.7.0-amd64-DVD-1.iso", 3800 * megabyte);
         disk_.files.add("/home/owner/Documents/Lectures/" + std::string(200, 'a') + ".mkv",
                         2100 * megabyte);
+        disk_.files.add("/home/owner/Documents/of \xff\xfe/caf\xe9.ISO", 900 * megabyte);
+        disk_.files.add("/home/owner/Documents/\u0645\u062d\u0627\u0636\u0631\u0629 1.mp4",
+                        700 * megabyte);
         disk_.files.add("/home/owner/Downloads/old\n<b>\u202egpj.zip", 240 * megabyte);
         const char* const names[] = {"Programs", "Downloads", "Documents", "Videos", "Trash"};
         std::int64_t kilobytes = 90'000'000;
@@ -104,6 +103,31 @@ private:
         QApplication::processEvents();
     }
 
+    Disk& disk() { return machine_.monitor().disk(); }
+
+    void search() {
+        disk().storage.scanStorageAreas();
+        disk().files.analyzePersonalFiles();
+    }
+    void searchWhole() {
+        search();
+        settle();
+    }
+    void ask() {
+        searchWhole();
+        disk().autopilot.reviewDiskCleanup();
+        settle();
+    }
+    void confirm() {
+        ask();
+        machine_.monitor().confirmations().confirmPending();
+        machine_.mainQueue.drain();
+    }
+    void cleanUp() {
+        confirm();
+        settle();
+    }
+
     FakeDiskPorts disk_;
     FakeMachine machine_;
     std::vector<std::int64_t> sizes_;
@@ -111,15 +135,66 @@ private:
     std::unique_ptr<DashboardWindow> window_;
 };
 
+const std::map<QString, DiskGallery::State>& DiskGallery::states() {
+    using G = DiskGallery;
+    static const std::map<QString, State> all{
+        {u"unscanned"_s, {AppRoute::optimizationSuggestions, [](G&) {}}},
+        {u"recommended"_s, {AppRoute::optimizationSuggestions, &G::searchWhole}},
+        {u"cleanup"_s, {AppRoute::optimize, &G::searchWhole}},
+        {u"overview"_s, {AppRoute::overview, &G::cleanUp}},
+        {u"busy"_s,
+         {AppRoute::optimizationSuggestions,
+          [](G& gallery) {
+              gallery.search();
+              gallery.disk().autopilot.reviewDiskCleanup();
+              gallery.machine_.mainQueue.drain();
+          }}},
+        {u"stopped"_s,
+         {AppRoute::optimizationSuggestions,
+          [](G& gallery) {
+              gallery.search();
+              gallery.disk().storage.stop();
+              gallery.disk().files.stopAnalysis();
+              gallery.settle();
+          }}},
+        {u"failed"_s,
+         {AppRoute::optimizationSuggestions,
+          [](G& gallery) {
+              gallery.disk_.files.all.clear();
+              gallery.machine_.toolLauncher.onLaunch = {};
+              gallery.searchWhole();
+          }}},
+        {u"question"_s, {AppRoute::optimize, &G::ask}},
+        {u"moving"_s, {AppRoute::optimize, &G::confirm}},
+        {u"moved"_s, {AppRoute::optimize, &G::cleanUp}},
+        {u"undoing"_s,
+         {AppRoute::optimize,
+          [](G& gallery) {
+              gallery.cleanUp();
+              gallery.disk().autopilot.undoLatestCleanup();
+              gallery.machine_.mainQueue.drain();
+          }}},
+        {u"undone"_s,
+         {AppRoute::optimize,
+          [](G& gallery) {
+              gallery.cleanUp();
+              gallery.disk_.files.add(gallery.disk_.trash->moved.front(), megabyte);
+              gallery.disk().autopilot.undoLatestCleanup();
+              gallery.settle();
+          }}},
+    };
+    return all;
+}
+
 }  // namespace
 
 std::unique_ptr<QWidget> diskGallery(const QString& state, const QSize& size) {
-    const QStringList states{u"recommended"_s, u"cleanup"_s, u"busy"_s, u"question"_s};
-    if (!states.contains(state)) {
+    const auto found = DiskGallery::states().find(state);
+    if (found == DiskGallery::states().end()) {
         return nullptr;
     }
     QApplication::setStyle(new CrestStyle);
-    return std::make_unique<DiskGallery>(state, size);
+    return std::make_unique<DiskGallery>(found->second, size);
 }
 
 }  // namespace tallowcrest

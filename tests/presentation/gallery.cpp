@@ -3,11 +3,12 @@
 //   tallowcrest_gallery --overview STATE [--dark] [--width N] [--height N] [--save FILE]
 //   tallowcrest_gallery --remote STATE [the same]
 //   tallowcrest_gallery --chat STATE [the same]
+//   tallowcrest_gallery --disk STATE [the same]
 // --save writes a picture and ends; --time measures the painting of the graph and of Remote Macs
 // and the opening of Chat, and ends. The states of the overview are healthy, troubled, waiting and
 // collapsed; those of Remote Macs are unscanned, alone, scanned, scanning, canceled, later and
-// fleet; those of Chat are welcome, asked, thinking, long, cleared and suggestions. A height of 0
-// shows the whole page.
+// fleet; those of Chat are welcome, asked, thinking, long, cleared and suggestions; those of
+// the disk are in disk_gallery.h. A height of 0 shows the whole page.
 
 #include <cmath>
 #include <cstdio>

@@ -44,7 +44,6 @@ SystemMonitor& FakeMachine::monitor() {
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},
                       .loginName = "owner",
                       .startupProblems = startupProblems,
-                      .places = {.caches = "~/.cache"},
                       .hasLocalPublicKey = hasLocalPublicKey,
                       .readOnly = readOnly});
     }

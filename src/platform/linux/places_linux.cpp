@@ -4,7 +4,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/.cache", .tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
+    return {.tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
 }
 
 DiskPlaces diskPlaces() {

@@ -5,9 +5,7 @@
 namespace tallowcrest::host {
 
 Places places() {
-    return {.caches = "~/Library/Caches",
-            .tailscaleCLI = "/usr/local/bin/tailscale",
-            .portTest = "nc -vz -G 5"};
+    return {.tailscaleCLI = "/usr/local/bin/tailscale", .portTest = "nc -vz -G 5"};
 }
 
 DiskPlaces diskPlaces() {

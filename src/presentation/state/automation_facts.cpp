@@ -20,9 +20,7 @@ AutomationFacts automationFacts(SystemMonitor& monitor) {
 namespace {
 
 DiskTrust diskTrust(const Trust& trust) {
-    const auto& records = trust.aiTrustRecords();
-    const auto found = records.find(std::string(DiskAutopilot::actionType));
-    const AITrustRecord record = found == records.end() ? AITrustRecord{} : found->second;
+    const AITrustRecord record = trust.record(DiskAutopilot::actionType);
     return {record.runCount, trustPercent(record)};
 }
 
@@ -32,10 +30,12 @@ DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor) {
     return {.snapshot = monitor.sample().snapshot(),
             .settings = monitor.settings(),
             .status = monitor.actions().automation.diskAutopilotStatus(),
-            .caches = monitor.host().places.caches,
+            .caches = monitor.disk().autopilot.cachesFolder(),
             .trust = diskTrust(monitor.advisor().trust),
+            .receipt = latestReceipt(monitor.log().activityLog()),
             .autopilot = monitor.disk().autopilot.state(),
-            .storage = monitor.disk().storage.state()};
+            .storage = monitor.disk().storage.state(),
+            .remainderName = monitor.disk().storage.remainderName()};
 }
 
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/local_records.h"
@@ -23,13 +24,15 @@ struct DiskAutopilotFacts {
     const std::optional<SystemSnapshot>& snapshot;  ///< absent before the first sample
     const Settings& settings;
     std::string_view status;  ///< of Disk Autopilot
-    std::string_view caches;  ///< `Places::caches`
+    std::string_view caches;  ///< `DiskAutopilot::cachesFolder`
     DiskTrust trust;
+    const ActivityEvent* receipt;  ///< the latest of a clean-up; null without one
     const DiskAutopilotState& autopilot;
     const StorageScanState& storage;
+    std::string remainderName;  ///< `StorageScan::remainderName`
 };
 
-/// Changes with the monitor's settings, sample, automation, trust and disk. Main thread.
+/// Changes with the monitor's settings, sample, automation, trust, log and disk. Main thread.
 DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor);
 
 }  // namespace tallowcrest

@@ -57,8 +57,11 @@ void setButtonEnabled(QAbstractButton& button, bool isEnabled) {
     button.setEnabled(isEnabled);
 }
 
-void makePrimary(QPushButton& button) {
-    button.setProperty(primaryProperty, true);
+void makePrimary(QPushButton& button, bool isPrimary) {
+    if (tallowcrest::isPrimary(&button) != isPrimary) {
+        button.setProperty(primaryProperty, isPrimary);
+        button.update();
+    }
 }
 
 bool isPrimary(const QWidget* widget) {

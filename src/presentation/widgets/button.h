@@ -22,9 +22,9 @@ bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event);
 /// control, which a key may be about to press. Main thread.
 void setButtonEnabled(QAbstractButton& button, bool isEnabled);
 
-/// Marks the one button of a page or sheet that is its next step; the style gives it the accent
-/// colour. Main thread.
-void makePrimary(QPushButton& button);
+/// Marks the one button of a page or sheet that is its next step, or takes the mark away; the style
+/// gives it the accent colour. Main thread.
+void makePrimary(QPushButton& button, bool isPrimary = true);
 /// Whether `makePrimary` was called for it. False for null.
 bool isPrimary(const QWidget* widget);
 

@@ -263,4 +263,12 @@ void ElidedLabel::updateSizePolicy() {
     setSizePolicy(policy);
 }
 
+ElidedLabel* makeLabel(const QString& identifier, const LabelStyle& style, int lines,
+                       QWidget* parent) {
+    auto* label = new ElidedLabel(style, parent);
+    label->setObjectName(identifier);
+    label->setLines(1, lines);
+    return label;
+}
+
 }  // namespace tallowcrest

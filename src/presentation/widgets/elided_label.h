@@ -98,4 +98,8 @@ private:
     mutable int naturalWidth_ = -1;
 };
 
+/// A label with its automation identifier that wraps into at most `lines` lines. Main thread.
+ElidedLabel* makeLabel(const QString& identifier, const LabelStyle& style, int lines,
+                       QWidget* parent);
+
 }  // namespace tallowcrest

@@ -37,6 +37,11 @@ inline constexpr Command exportSetupScript{
     "Writes a script that prepares another machine for remote access"};
 inline constexpr Command openSettingsSheet{"Open Settings Sheet", "gearshape",
                                            "Opens the settings sheet"};
+inline constexpr Command reviewDiskCleanup{
+    "Review Cleanup", "", "Looks for old cache files and asks whether to move them to Trash"};
+inline constexpr Command analyzeStorage{
+    "Analyze Storage", "externaldrive.badge.magnifyingglass",
+    "Lists the largest files in the personal folders; changes nothing"};
 inline constexpr Command emergencyStop{
     "Emergency Stop", "exclamationmark.octagon",
     "Immediately disables automatic cleanup, purge, remote scans, and AI autonomous execution."};

@@ -7,28 +7,28 @@
 #include <QStringList>
 
 #include "advisor/trust_score.h"
+#include "core/activity_kinds.h"
+#include "disk/disk_autopilot.h"
 #include "disk/file_walks.h"
-#include "disk/storage_ranking.h"
 #include "disk/storage_scan.h"
 #include "presentation/words/dashboard_text.h"
+#include "sampling/binary_units.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 namespace {
 
-constexpr std::string_view remainderPath = "/";
-constexpr std::string_view remainderName = "Other / inaccessible ";
 constexpr qsizetype mostPathUnits = 240;
-
-std::string unreadableData(const DiskStorageOffender& remainder) {
-    return remainder.name.starts_with(remainderName) ? remainder.name.substr(remainderName.size())
-                                                     : "data";
-}
 
 QString countOf(std::size_t done, std::size_t all, const QString& unit) {
     return u"%1 of %2 %3"_s.arg(dashboard_text::count(static_cast<std::int64_t>(done)),
                                 dashboard_text::count(static_cast<std::int64_t>(all)), unit);
+}
+
+QString filesMoved(const QString& what, const CleanupProgress& progress) {
+    return u"%1 · %2 · %3"_s.arg(what, countOf(progress.done, progress.all, u"files"_s),
+                                 sizeText(progress.movedBytes));
 }
 
 }  // namespace
@@ -60,18 +60,15 @@ QString diskTrustLine(const DiskTrust& trust) {
     if (diskCleanupTrustEstablished(trust.runCount, trust.percent)) {
         return u"Autonomy unlocked"_s;
     }
-    constexpr std::int64_t runs = 3;
-    constexpr int percent = 75;
     return u"Learning %1 of %2 runs · %3 of %4 trust"_s.arg(
-        dashboard_text::count(std::clamp<std::int64_t>(trust.runCount, 0, runs)),
-        dashboard_text::count(runs),
+        dashboard_text::count(std::clamp<std::int64_t>(trust.runCount, 0, requiredSuccessfulRuns)),
+        dashboard_text::count(requiredSuccessfulRuns),
         dashboard_text::percentText(static_cast<double>(trust.percent)),
-        dashboard_text::percentText(percent));
+        dashboard_text::percentText(static_cast<double>(requiredTrustPercent)));
 }
 
 QString sizeText(std::int64_t bytes) {
-    constexpr double megabyte = 1048576.0;
-    return dashboard_text::memoryText(static_cast<double>(bytes) / megabyte);
+    return dashboard_text::memoryText(static_cast<double>(bytes) * megabytesPerByte);
 }
 
 QString searchLine(const QString& what, const SearchProgress& progress) {
@@ -83,8 +80,11 @@ QString searchLine(const QString& what, const SearchProgress& progress) {
 }
 
 QString cleanupLine(const CleanupProgress& progress) {
-    return u"Moving to Trash · %1 · %2"_s.arg(countOf(progress.done, progress.all, u"files"_s),
-                                              sizeText(progress.movedBytes));
+    return filesMoved(u"Moving to Trash"_s, progress);
+}
+
+QString putBackLine(const CleanupProgress& progress) {
+    return filesMoved(u"Putting back"_s, progress);
 }
 
 QString storageScanLine(const StorageScanProgress& progress) {
@@ -101,21 +101,45 @@ std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& ro
         const double share = static_cast<double>(row.bytes) / static_cast<double>(largest);
         lines.push_back({dashboard_text::text(row.name), sizeText(row.bytes),
                          static_cast<int>(std::lround(100.0 * std::max(share, 0.0))),
-                         row.path == remainderPath
-                             ? dashboard_text::text(remainderExplanation(unreadableData(row)))
-                             : boundedPath(row.path)});
+                         row.explanation.empty() ? boundedPath(row.path)
+                                                 : dashboard_text::text(row.explanation)});
     }
     return lines;
 }
 
-QString remainderNote(const std::vector<DiskStorageOffender>& rows) {
-    const auto remainder = std::ranges::find(rows, remainderPath, &DiskStorageOffender::path);
-    const QString name = remainder == rows.end()
-                             ? dashboard_text::text(std::string(remainderName) + "data")
-                             : dashboard_text::text(remainder->name);
+QString remainderNote(std::string_view name) {
     return u"“%1” includes unreadable folders, other volumes, snapshots, purgeable space, and "
            "categories not measured separately. Grant Full Disk Access to Tallowcrest for a more "
-           "complete breakdown."_s.arg(name);
+           "complete breakdown."_s.arg(dashboard_text::text(name));
+}
+
+const ActivityEvent* latestReceipt(const std::vector<ActivityEvent>& events) {
+    const auto found = std::ranges::find_if(events, [](const ActivityEvent& event) {
+        return event.kind == ActivityKind::diskCleanupReceipt ||
+               event.kind == ActivityKind::diskAutopilotReceipt;
+    });
+    return found == events.end() ? nullptr : &*found;
+}
+
+UndoLine undoLine(const DiskAutopilotState& state) {
+    if (state.cleanup) {
+        return {u"A cleanup is under way. It can be undone when it is over."_s, false};
+    }
+    if (state.undo) {
+        return {u"Files are being put back."_s, false};
+    }
+    if (state.undoableFiles == 0) {
+        return {
+            u"Nothing is left to undo here. What else is in Trash can be restored in your "
+            "file manager."_s,
+            false};
+    }
+    const auto files = static_cast<std::int64_t>(state.undoableFiles);
+    return {(files == 1 ? u"%1 file of the latest cleanup can be put back while it is in Trash."_s
+                        : u"%1 files of the latest cleanup can be put back while they are in "
+                          "Trash."_s)
+                .arg(dashboard_text::count(files)),
+            true};
 }
 
 QString planSummary(const DiskCleanupPlan& plan) {

@@ -15,6 +15,8 @@
 /// Texts about disk space and Disk Autopilot. Main thread.
 namespace tallowcrest {
 
+struct ActivityEvent;
+struct DiskAutopilotState;
 struct SearchProgress;
 struct StorageScanProgress;
 
@@ -32,7 +34,7 @@ std::optional<DiskSpaceTexts> diskSpaceTexts(const DiskSnapshot& disk);
 /// known.
 bool isSpaceLow(const DiskSnapshot& disk, const Settings& settings);
 
-/// What a clean-up may touch, by the owner's settings. `caches` is `Places::caches`.
+/// What a clean-up may touch, by the owner's settings. `caches` is `DiskAutopilot::cachesFolder`.
 QString diskRule(const Settings& settings, std::string_view caches);
 
 /// How far the owner has come to trust clean-ups.
@@ -51,6 +53,8 @@ QString sizeText(std::int64_t bytes);
 QString searchLine(const QString& what, const SearchProgress& progress);
 /// "Moving to Trash · 12 of 40 files · 80 MB"
 QString cleanupLine(const CleanupProgress& progress);
+/// "Putting back · 12 of 40 files · 80 MB"
+QString putBackLine(const CleanupProgress& progress);
 /// "Measuring · 3 of 19 areas"
 QString storageScanLine(const StorageScanProgress& progress);
 
@@ -67,8 +71,21 @@ struct StorageLine {
 /// In the order of `rows`, which is largest first.
 std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& rows);
 
-/// What the remainder includes. Names it as in `rows`, if it is there.
-QString remainderNote(const std::vector<DiskStorageOffender>& rows);
+/// What the remainder includes, which is called `name`.
+QString remainderNote(std::string_view name);
+
+/// The newest receipt of a clean-up among `events`, which come newest first. Null without one.
+const ActivityEvent* latestReceipt(const std::vector<ActivityEvent>& events);
+
+/// Whether what the latest clean-up has moved can be put back, and how much of it, or why not.
+struct UndoLine {
+    QString words;
+    bool isPossible = false;
+
+    bool operator==(const UndoLine&) const = default;
+};
+
+UndoLine undoLine(const DiskAutopilotState& state);
 
 /// "12 Files · 80 MB"
 QString planSummary(const DiskCleanupPlan& plan);

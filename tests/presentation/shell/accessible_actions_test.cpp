@@ -1,31 +1,21 @@
-#include <algorithm>
 #include <functional>
 #include <set>
-#include <type_traits>
-#include <variant>
 #include <vector>
 
 #include <QAccessible>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QSlider>
 #include <QToolButton>
 
 #include "actions/automation.h"
-#include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "advisor/advisor.h"
 #include "core/settings/settings_owner.h"
+#include "disk/disk.h"
 #include "presentation/screens/shared/screen.h"
-#include "presentation/shell/confirmation_dialog.h"
-#include "presentation/shell/menu_bar_entries.h"
-#include "presentation/shell/menu_bar_panel.h"
-#include "presentation/shell/settings/settings_sheet.h"
-#include "presentation/words/dashboard_text.h"
 #include "tests/presentation/shell/operations.h"
-#include "tests/presentation/shown_texts.h"
-#include "tests/presentation/window_fixture.h"
+#include "tests/presentation/shell/rig.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,183 +24,6 @@ namespace {
 
 using dashboard_text::text;
 using testing::Contains;
-
-QString described(const SettingsValue& value) {
-    return std::visit(
-        [](const auto& each) -> QString {
-            using Value = std::decay_t<decltype(each)>;
-            if constexpr (std::is_arithmetic_v<Value>) {
-                return QString::number(each);
-            } else if constexpr (std::is_same_v<Value, SettingsTextList>) {
-                QStringList texts;
-                for (const std::string& entry : each) {
-                    texts.append(text(entry));
-                }
-                return texts.join(u'|');
-            } else if constexpr (std::is_same_v<Value, std::string>) {
-                return text(each);
-            } else {
-                return u"(a list)"_s;
-            }
-        },
-        value);
-}
-
-/// A window over a machine of its own, and everything that operating a control can change.
-class Rig final : public WindowFixture {
-public:
-    using WindowFixture::machine;
-    using WindowFixture::settle;
-    using WindowFixture::showWithSample;
-    using WindowFixture::window;
-
-    Rig() {
-        machine.openActivityMonitor = [this] {
-            outside_.append(u"opened the activity monitor"_s);
-            return true;
-        };
-        machine.storeOnPasteboard = [this](const std::string& copied) {
-            outside_.append(u"copied "_s + text(copied));
-        };
-    }
-    void TestBody() override {}
-
-    Actions& actions() { return machine.monitor().actions(); }
-    /// What is walked: the window, unless a place opened something else.
-    QWidget& walked() { return walked_ == nullptr ? window() : *walked_; }
-
-    void openSettings(SettingsTabKind tab) {
-        window().state().navigation.setSettingsTab(tab);
-        window().state().navigation.setShowSettings(true);
-        settle();
-        walked_ = window().findChild<SettingsSheet*>();
-    }
-    void ask() {
-        actions().local.requestPurge();
-        settle();
-        walked_ = window().findChild<ConfirmationDialog*>();
-    }
-    void openAbout() {
-        window().findChild<QAction*>(u"menu.about"_s)->trigger();
-        settle();
-        walked_ = window().findChild<QMessageBox*>(u"about"_s);
-    }
-    void openPanel() {
-        panel_ = std::make_unique<MenuBarPanel>(machine.monitor(),
-                                                menuBarEntries(machine.monitor(), window()));
-        panel_->toggleAt({10, 10});
-        settle();
-        walked_ = panel_.get();
-    }
-
-    /// The controls that assistive technology finds, in their order. Menus are Qt's own.
-    std::vector<QAccessibleInterface*> controls() {
-        for (QTimer* timer : window().findChildren<QTimer*>(u"settling"_s)) {
-            timer->setInterval(0);
-        }
-        settle();
-        std::vector<QAccessibleInterface*> found;
-        collect(*QAccessible::queryAccessibleInterface(&walked()), found);
-        return found;
-    }
-
-    /// Everything that an operation can change, but the focus.
-    std::string facts() {
-        machine.finishSamples();
-        settle();
-        SystemMonitor& monitor = machine.monitor();
-        QStringList facts = outside_;
-        facts.append(QString::number(machine.store.written.size()));
-        for (const std::string& key :
-             std::set(machine.store.written.begin(), machine.store.written.end())) {
-            facts.append(text(key) + u" = "_s + described(*machine.store.read(key)));
-        }
-        for (const ActivityEvent& event : monitor.log().activityLog()) {
-            facts.append(u"logged "_s + text(event.title) + u": "_s + text(event.detail));
-        }
-        facts.append(text(monitor.log().lastAction()));
-        if (const auto& pending = monitor.confirmations().pendingConfirmation()) {
-            facts.append(u"asked "_s + text(pending->title));
-        }
-        const Navigation& navigation = window().state().navigation;
-        facts.append(text(rawValue(navigation.selectedRoute())));
-        facts.append(text(navigation.processFilter()));
-        facts.append(QString::number(actions().review.selectedPID().value_or(0)));
-        for (const auto& [name, content] : machine.reportFolder->written) {
-            facts.append(u"wrote "_s + text(name));
-        }
-        facts.append(QString::number(machine.actions.cachePurge->count));
-        QWidgetList windows = QApplication::topLevelWidgets();
-        std::ranges::sort(windows, {}, &QWidget::objectName);
-        for (const QWidget* each : windows) {
-            if (each->isVisible()) {
-                facts.append(u"shows "_s + each->objectName());
-                addShown(*each, facts);
-            }
-        }
-        return facts.join(u'\n').toStdString();
-    }
-
-private:
-    static void collect(QAccessibleInterface& from, std::vector<QAccessibleInterface*>& found);
-    static void addShown(const QWidget& within, QStringList& facts);
-
-    std::unique_ptr<MenuBarPanel> panel_;
-    QWidget* walked_ = nullptr;
-    QStringList outside_;
-};
-
-void Rig::addShown(const QWidget& within, QStringList& facts) {
-    QStringList shown;
-    for (const std::string& line : shownTexts(within)) {
-        shown.append(text(line));
-    }
-    for (const auto* button : within.findChildren<QAbstractButton*>()) {
-        if (button->isVisible()) {
-            shown.append(button->objectName() + u' ' + button->text() +
-                         (button->isChecked() ? u" checked"_s : QString()));
-        }
-    }
-    for (const auto* slider : within.findChildren<QSlider*>()) {
-        shown.append(slider->objectName() + u' ' + QString::number(slider->value()));
-    }
-    for (const auto* field : within.findChildren<QLineEdit*>()) {
-        shown.append(field->objectName() + u' ' + field->text());
-    }
-    for (const auto* field : within.findChildren<QPlainTextEdit*>()) {
-        shown.append(field->objectName() + u' ' + field->toPlainText());
-    }
-    // Not in their places: a click scrolls its control into view.
-    shown.sort();
-    facts += shown;
-}
-
-// Where the controls are --------------------------------------------------------------------------
-
-/// Inside of a text field: its icon, and the button that clears it.
-bool isPartOfField(const QAccessibleInterface& spoken) {
-    return qobject_cast<const QToolButton*>(spoken.object()) != nullptr;
-}
-
-/// Qt's cells offer to toggle their selection, which only those that say "Review" have.
-bool isCellWithoutControl(QAccessibleInterface& spoken) {
-    return spoken.role() == QAccessible::Cell &&
-           spoken.tableCellInterface()->columnIndex() != ProcessTableModel::actionColumn;
-}
-
-void Rig::collect(QAccessibleInterface& from, std::vector<QAccessibleInterface*>& found) {
-    for (int i = 0; i < from.childCount(); ++i) {
-        QAccessibleInterface* child = from.child(i);
-        if (child == nullptr || child->state().invisible || child->role() == QAccessible::MenuBar) {
-            continue;
-        }
-        if (!child->state().disabled && !isPartOfField(*child) && !isCellWithoutControl(*child) &&
-            !operationsOf(*child).empty()) {
-            found.push_back(child);
-        }
-        collect(*child, found);
-    }
-}
 
 struct Place {
     QString name;
@@ -254,6 +67,32 @@ void suggest(Rig& rig) {
     rig.settle();
 }
 
+/// The results of all searches of the disk, and a clean-up that can be undone.
+void careForDisk(Rig& rig) {
+    Disk& disk = rig.machine.monitor().disk();
+    disk.storage.scanStorageAreas();
+    disk.files.analyzePersonalFiles();
+    disk.autopilot.reviewDiskCleanup();
+    rig.finishWork();
+    rig.machine.monitor().confirmations().confirmPending();
+    rig.finishWork();
+}
+
+/// All of them under way, and a backup.
+void searchDisk(Rig& rig) {
+    Disk& disk = rig.machine.monitor().disk();
+    careForDisk(rig);
+    disk.files.backUpSuggestion(disk.files.state().storageOptimizationSuggestions.front());
+    const auto answer = rig.disk.answer;
+    answer("/media/backup");
+    disk.storage.scanStorageAreas();
+    disk.files.analyzePersonalFiles();
+    disk.autopilot.undoLatestCleanup();
+    disk.autopilot.reviewDiskCleanup();
+    rig.keepWorkPending();
+    rig.settle();
+}
+
 std::vector<Place> places() {
     std::vector<Place> all{{u"without a target"_s, AppRoute::overview, [](Rig&) {}},
                            {u"processes without a target"_s, AppRoute::load, [](Rig&) {}},
@@ -280,6 +119,11 @@ std::vector<Place> places() {
                        rig.openSettings(SettingsTabKind::safety);
                    }});
     all.push_back({u"suggestions"_s, AppRoute::aiAdvisor, suggest});
+    for (const AppRoute route :
+         {AppRoute::overview, AppRoute::optimize, AppRoute::optimizationSuggestions}) {
+        all.push_back({u"with a disk, "_s + text(rawValue(route)), route, careForDisk});
+        all.push_back({u"searching, "_s + text(rawValue(route)), route, searchDisk});
+    }
     all.push_back({u"confirmation"_s, AppRoute::chat, &Rig::ask});
     all.push_back({u"about"_s, AppRoute::chat, &Rig::openAbout});
     all.push_back({u"panel"_s, AppRoute::chat, &Rig::openPanel});
@@ -389,7 +233,18 @@ TEST_F(AccessibleActionsTest, DoWhatTheHandDoes) {
             }
         }
     }
-    EXPECT_THAT(walked, Contains(u"tallowcrest::OptimizePage cleanup.never-quit"_s));
+    for (const char* each :
+         {"never-quit", "review-disk-cleanup", "find-offenders", "disk-autopilot-receipt-undo",
+          "disk-autopilot-receipt-progress-stop", "cleanup-progress-stop", "scan-progress-stop",
+          "storage-area-1.reveal"}) {
+        EXPECT_THAT(walked,
+                    Contains(u"tallowcrest::OptimizePage cleanup."_s + QLatin1String(each)));
+    }
+    for (const char* each : {"analyze-files", "file-1.reveal", "file-1.back-up", "file-1.trash",
+                             "storage-analyzer-progress-stop", "storage-analyzer-backup-stop"}) {
+        EXPECT_THAT(walked, Contains(u"tallowcrest::OptimizationSuggestionsPage suggestions."_s +
+                                     QLatin1String(each)));
+    }
     for (const char* each : {"ai.analyze", "ai.suggestion-1.run", "ai.reset-trust", "ai.draft-1",
                              "ai.autonomy.autopilot"}) {
         EXPECT_THAT(walked, Contains(u"tallowcrest::AdvisorPage "_s + QLatin1String(each)));

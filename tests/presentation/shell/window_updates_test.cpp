@@ -87,10 +87,10 @@ Sources sourcesOfPage(AppRoute route) {
         case AppRoute::load:
             return {sample, processDetails, review, settings, navigation};
         case AppRoute::optimize:
-            return {sample,     processDetails, review,        settings,   actions,
-                    automation, trust,          diskAutopilot, storageScan};
+            return {sample,     processDetails, review,        settings,    actions,
+                    automation, trust,          diskAutopilot, storageScan, log};
         case AppRoute::optimizationSuggestions:
-            return {sample, settings,      automation,  provider,
+            return {sample, log,           settings,    automation,   provider,
                     trust,  diskAutopilot, storageScan, personalFiles};
         case AppRoute::aiAdvisor:
             return {sample, settings, provider, suggestions, trust, drafts};

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "core/activity_kinds.h"
+#include "disk/disk_autopilot.h"
 #include "disk/file_walks.h"
 #include "disk/storage_scan.h"
 #include "tests/support/numbers.h"
@@ -73,25 +75,55 @@ TEST(DiskProgressLines, SayHowFarTheWorkIs) {
     EXPECT_EQ(storageScanLine({0, 19}), u"Measuring · 0 of 19 areas"_s);
 }
 
+TEST(UndoLine, SaysWhetherAndHowMuch) {
+    DiskAutopilotState state;
+    EXPECT_FALSE(undoLine(state).isPossible);
+    EXPECT_TRUE(undoLine(state).words.startsWith(u"Nothing is left to undo"_s));
+    state.undoableFiles = 31;
+    EXPECT_EQ(undoLine(state),
+              (UndoLine{u"31 files of the latest cleanup can be put back while they are in "
+                        "Trash."_s,
+                        true}));
+    state.cleanup.emplace();
+    EXPECT_EQ(undoLine(state),
+              (UndoLine{u"A cleanup is under way. It can be undone when it is over."_s, false}));
+    state.cleanup.reset();
+    state.undoableFiles = 0;
+    state.undo.emplace();
+    EXPECT_EQ(undoLine(state), (UndoLine{u"Files are being put back."_s, false}));
+}
+
+TEST(LatestReceipt, IsTheNewestOfACleanup) {
+    const auto event = [](ActivityKind kind, const char* detail) {
+        return ActivityEvent{{}, {}, std::string(title(kind)), detail};
+    };
+    EXPECT_EQ(latestReceipt({}), nullptr);
+    EXPECT_EQ(latestReceipt({event(ActivityKind::backupReceipt, "a")}), nullptr);
+    const std::vector<ActivityEvent> events{event(ActivityKind::diskAutopilot, "a"),
+                                            event(ActivityKind::diskAutopilotReceipt, "b"),
+                                            event(ActivityKind::diskCleanupReceipt, "c")};
+    EXPECT_EQ(latestReceipt(events), &events[1]);
+}
+
 TEST(StorageLines, HaveTheirShareOfTheLargest) {
     EXPECT_TRUE(storageLines({}).empty());
-    const auto lines = storageLines({{"Other / inaccessible odd data", "/", 4096},
-                                     {"Mail", "/home/owner/mail", 1024},
-                                     {"Empty", "/e", 0},
-                                     {"Wrong", "/w", -5}});
+    const auto lines =
+        storageLines({{"Other / inaccessible odd data", "/", 4096, "What no\nfolder holds."},
+                      {"Mail", "/home/owner/mail", 1024},
+                      {"Empty", "/e", 0},
+                      {"Wrong", "/w", -5}});
     ASSERT_EQ(lines.size(), 4U);
     EXPECT_EQ(lines[0].percent, 100);
     EXPECT_EQ(lines[1].percent, 25);
     EXPECT_EQ(lines[2].percent, 0);
     EXPECT_EQ(lines[3].percent, 0);
-    EXPECT_TRUE(lines[0].explanation.contains(u"snapshots and other odd data"_s));
+    EXPECT_EQ(lines[0].explanation, u"What no\uFFFDfolder holds."_s);
     EXPECT_EQ(lines[1].explanation, u"/home/owner/mail"_s);
 }
 
 TEST(StorageLines, TheNoteNamesTheRemainder) {
-    EXPECT_TRUE(remainderNote({}).startsWith(u"“Other / inaccessible data” includes"_s));
-    EXPECT_TRUE(remainderNote({{"Other / inaccessible odd data", "/", 1}})
-                    .startsWith(u"“Other / inaccessible odd data” includes"_s));
+    EXPECT_TRUE(remainderNote("Other / inaccessible odd\ndata")
+                    .startsWith(u"“Other / inaccessible odd\uFFFDdata” includes"_s));
 }
 
 TEST(PlanFiles, AreSafeBoundedAndOneOnALine) {

@@ -39,22 +39,24 @@ NextStepCard::NextStepCard(QWidget* parent) : Card(parent) {
         actions->addItem(button);
         return button;
     };
-    makePrimary(*add(commands::selectTopProcess.titled("Review Top Process"),
-                     u"suggestions.review-top-process"_s, &NextStepCard::topProcessWanted));
+    topProcess_ = add(commands::selectTopProcess.titled("Review Top Process"),
+                      u"suggestions.review-top-process"_s, &NextStepCard::topProcessWanted);
     analysis_ = add({"Analyze On Device", "sparkle.magnifyingglass",
                      "Explains the present figures and what to do about them"},
                     u"suggestions.analyze"_s, &NextStepCard::analysisWanted);
-    storage_ = add({"Analyze Storage", "externaldrive.badge.magnifyingglass",
-                    "Lists the largest files in the personal folders; changes nothing"},
-                   u"suggestions.analyze-storage"_s, &NextStepCard::storageAnalysisWanted);
+    storage_ = add(commands::analyzeStorage, u"suggestions.analyze-storage"_s,
+                   &NextStepCard::storageAnalysisWanted);
     add({"Open Cleanup", "wand.and.stars", "Goes to Optimize"}, u"suggestions.open-cleanup"_s,
         &NextStepCard::cleanupWanted);
     add({"Ask AI", "message", "Goes to Chat"}, u"suggestions.ask-ai"_s, &NextStepCard::chatWanted);
     contentLayout()->addWidget(actions);
 }
 
-void NextStepCard::show(const QString& step, const Analysis& analysis, const Analysis& storage) {
-    step_->setText(step);
+void NextStepCard::show(const optimization_suggestions_lines::NextStep& step,
+                        const Analysis& analysis, const Analysis& storage) {
+    step_->setText(step.words);
+    makePrimary(*topProcess_, !step.isAboutDisk);
+    makePrimary(*storage_, step.isAboutDisk);
     showAnalysis(*analysis_, analysis);
     showAnalysis(*storage_, storage);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
 #include "presentation/widgets/card.h"
 
 class QPushButton;
@@ -19,7 +20,8 @@ public:
         bool isBusy = false;
     };
 
-    void show(const QString& step, const Analysis& analysis, const Analysis& storage);
+    void show(const optimization_suggestions_lines::NextStep& step, const Analysis& analysis,
+              const Analysis& storage);
 
 signals:
     // The owner pressed the button of that name.
@@ -31,6 +33,7 @@ signals:
 
 private:
     ElidedLabel* step_ = nullptr;
+    QPushButton* topProcess_ = nullptr;
     QPushButton* analysis_ = nullptr;
     QPushButton* storage_ = nullptr;
 };

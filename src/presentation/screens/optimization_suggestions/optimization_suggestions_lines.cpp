@@ -7,6 +7,7 @@
 #include "presentation/words/advisor_words.h"
 #include "presentation/words/dashboard_text.h"
 #include "presentation/words/disk_lines.h"
+#include "sampling/binary_units.h"
 
 using namespace Qt::StringLiterals;
 
@@ -46,20 +47,26 @@ std::vector<SummaryTexts> metrics(const std::optional<SystemSnapshot>& snapshot,
             disk(snapshot->disk, settings)};
 }
 
-QString nextStep(const std::optional<SystemSnapshot>& snapshot, const Settings& settings) {
+NextStep nextStep(const std::optional<SystemSnapshot>& snapshot, const Settings& settings) {
     if (!snapshot) {
-        return u"Sampling this Mac..."_s;
+        return {u"Sampling this Mac..."_s, false};
     }
     if (isSpaceLow(snapshot->disk, settings)) {
-        return u"Disk space is the most urgent constraint. Analyze large personal files, back up "
-               "anything important, then move only reviewed items to Trash."_s;
+        return {
+            u"Disk space is the most urgent constraint. Analyze large personal files, back up "
+            "anything important, then move only reviewed items to Trash."_s,
+            true};
     }
     if (isMemoryHigh(*snapshot, settings)) {
-        return u"Memory pressure is the strongest signal. Review the top process before purging "
-               "caches or quitting an app."_s;
+        return {
+            u"Memory pressure is the strongest signal. Review the top process before purging "
+            "caches or quitting an app."_s,
+            false};
     }
-    return u"The Mac is within your thresholds. Run AI analysis for a second opinion or review "
-           "storage proactively."_s;
+    return {
+        u"The Mac is within your thresholds. Run AI analysis for a second opinion or review "
+        "storage proactively."_s,
+        false};
 }
 
 QString analysisTitle(bool hasKey, bool isBusy) {
@@ -95,8 +102,8 @@ QString backupLine(const BackupProgress& backup) {
         line += u" · "_s + sizeText(backup.copied) + u" of "_s + sizeText(backup.all);
     }
     if (backup.bytesPerSecond > 0.0) {
-        line +=
-            u" · "_s + dashboard_text::megabytes(backup.bytesPerSecond / 1048576.0, 0) + u"/s"_s;
+        line += u" · "_s + dashboard_text::megabytes(backup.bytesPerSecond * megabytesPerByte, 0) +
+                u"/s"_s;
     }
     return line;
 }

@@ -23,8 +23,16 @@ std::vector<SummaryTexts> metrics(const std::optional<SystemSnapshot>& snapshot,
                                   const Settings& settings);
 inline constexpr std::size_t metricCards = 3;
 
-/// What to do first. Says that sampling has begun without a snapshot.
-QString nextStep(const std::optional<SystemSnapshot>& snapshot, const Settings& settings);
+/// What to do first.
+struct NextStep {
+    QString words;
+    bool isAboutDisk = false;
+
+    bool operator==(const NextStep&) const = default;
+};
+
+/// Says that sampling has begun without a snapshot.
+NextStep nextStep(const std::optional<SystemSnapshot>& snapshot, const Settings& settings);
 
 /// The title of the button that requests an analysis.
 QString analysisTitle(bool hasKey, bool isBusy);

@@ -6,6 +6,7 @@
 #include "actions/automation.h"
 #include "actions/review_target.h"
 #include "advisor/advisor.h"
+#include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "disk/disk.h"
 #include "monitor/system_monitor.h"
@@ -71,8 +72,9 @@ void OptimizationSuggestionsPage::makeNextStep() {
 }
 
 void OptimizationSuggestionsPage::makeStorageAnalyzer() {
-    storageAnalyzer_ = new StorageAnalyzerCard;
     PersonalFiles& files = monitor_.disk().files;
+    storageAnalyzer_ =
+        new StorageAnalyzerCard({.reveal = files.canReveal(), .backUp = files.canBackUp()});
     connect(storageAnalyzer_, &StorageAnalyzerCard::analysisWanted, this,
             [&files] { files.analyzePersonalFiles(); });
     connect(storageAnalyzer_, &StorageAnalyzerCard::analysisStopWanted, this,
@@ -98,21 +100,16 @@ void OptimizationSuggestionsPage::makeAdvice() {
 }
 
 std::vector<Observable*> OptimizationSuggestionsPage::shows() const {
-    return {&monitor_.sample().observable(),
-            &monitor_.settingsOwner().observable(),
-            &monitor_.actions().automation.observable(),
-            &monitor_.advisor().provider.observable(),
-            &monitor_.advisor().trust.observable(),
-            &monitor_.disk().autopilot.observable(),
-            &monitor_.disk().storage.observable(),
+    return {&monitor_.sample().observable(),           &monitor_.log().observable(),
+            &monitor_.settingsOwner().observable(),    &monitor_.actions().automation.observable(),
+            &monitor_.advisor().provider.observable(), &monitor_.advisor().trust.observable(),
+            &monitor_.disk().autopilot.observable(),   &monitor_.disk().storage.observable(),
             &monitor_.disk().files.observable()};
 }
 
 std::vector<HeaderAction> OptimizationSuggestionsPage::headerActions() {
     PersonalFiles& files = monitor_.disk().files;
-    return {{{"Analyze Storage", "externaldrive.badge.magnifyingglass",
-              "Lists the largest files in the personal folders; changes nothing"},
-             u"optimizationSuggestions.analyze-storage"_s,
+    return {{commands::analyzeStorage, u"optimizationSuggestions.analyze-storage"_s,
              [&files] { files.analyzePersonalFiles(); },
              [&files] {
                  return optimization_suggestions_lines::storageAnalysisTitle(

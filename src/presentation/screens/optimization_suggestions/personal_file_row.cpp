@@ -16,13 +16,11 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-PersonalFileRow::PersonalFileRow(const QString& identifier, QWidget* parent) : QWidget(parent) {
+PersonalFileRow::PersonalFileRow(const QString& identifier, const Offers& offers, QWidget* parent)
+    : QWidget(parent) {
     setObjectName(identifier);
     const auto addLabel = [&](const char* part, const LabelStyle& style, int lines) {
-        auto* label = new ElidedLabel(style, this);
-        label->setObjectName(identifier + QString::fromLatin1(part));
-        label->setLines(1, lines);
-        return label;
+        return makeLabel(identifier + QString::fromLatin1(part), style, lines, this);
     };
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, spacing::unit + 1, 0, spacing::unit / 2);
@@ -57,10 +55,15 @@ PersonalFileRow::PersonalFileRow(const QString& identifier, QWidget* parent) : Q
         connect(button, &QPushButton::clicked, this, wanted);
         return button;
     };
-    reveal_ = addButton(u"Reveal"_s, ".reveal", u"Shows it in the file manager"_s,
-                        &PersonalFileRow::revealWanted);
-    backUp_ = addButton(u"Back Up"_s, ".back-up", u"Asks for a folder and copies the file there"_s,
-                        &PersonalFileRow::backupWanted);
+    if (offers.reveal) {
+        reveal_ = addButton(u"Reveal"_s, ".reveal", u"Shows it in the file manager"_s,
+                            &PersonalFileRow::revealWanted);
+    }
+    if (offers.backUp) {
+        backUp_ =
+            addButton(u"Back Up"_s, ".back-up", u"Asks for a folder and copies the file there"_s,
+                      &PersonalFileRow::backupWanted);
+    }
     trash_ = addButton(u"Trash"_s, ".trash", u"Asks whether to move it to Trash"_s,
                        &PersonalFileRow::trashWanted);
     layout->addSpacing(spacing::unit / 2);
@@ -74,19 +77,28 @@ void PersonalFileRow::setLine(const optimization_suggestions_lines::PersonalFile
     detail_->setText(line.detail);
     recommendation_->setText(line.recommendation);
     reason_->setText(line.reason);
-    setSpokenName(*reveal_, u"Reveal "_s + line.title);
-    setSpokenName(*backUp_, u"Back Up "_s + line.title);
-    setSpokenName(*trash_, u"Trash "_s + line.title);
+    for (QPushButton* button : buttons()) {
+        setSpokenName(*button, button->text() + u' ' + line.title);
+    }
 }
 
 void PersonalFileRow::setBackupEnabled(bool isEnabled) {
-    setButtonEnabled(*backUp_, isEnabled);
+    if (backUp_ != nullptr) {
+        setButtonEnabled(*backUp_, isEnabled);
+    }
+}
+
+std::vector<QPushButton*> PersonalFileRow::buttons() const {
+    std::vector<QPushButton*> buttons{reveal_, backUp_, trash_};
+    std::erase(buttons, nullptr);
+    return buttons;
 }
 
 void PersonalFileRow::setTabPlaceAfter(QWidget* control) {
-    setTabOrder(control, reveal_);
-    setTabOrder(reveal_, backUp_);
-    setTabOrder(backUp_, trash_);
+    for (QPushButton* button : buttons()) {
+        setTabOrder(control, button);
+        control = button;
+    }
 }
 
 QWidget* PersonalFileRow::lastControl() const {

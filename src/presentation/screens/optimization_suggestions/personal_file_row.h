@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QWidget>
 
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
@@ -17,8 +19,14 @@ class PersonalFileRow final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What can be done with a file here, besides moving it to the Trash.
+    struct Offers {
+        bool reveal = true;
+        bool backUp = true;
+    };
+
     /// The object names of its parts begin with `identifier`: "IDENTIFIER.trash".
-    explicit PersonalFileRow(const QString& identifier, QWidget* parent = nullptr);
+    PersonalFileRow(const QString& identifier, const Offers& offers, QWidget* parent);
 
     void setLine(const optimization_suggestions_lines::PersonalFileLine& line);
     /// Only one backup runs at a time.
@@ -37,14 +45,17 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// Those that are offered, in their order.
+    std::vector<QPushButton*> buttons() const;
+
     ElidedLabel* title_ = nullptr;
     ElidedLabel* size_ = nullptr;
     ElidedLabel* detail_ = nullptr;
     ElidedLabel* recommendation_ = nullptr;
     ElidedLabel* reason_ = nullptr;
     LevelBar* bar_ = nullptr;
-    QPushButton* reveal_ = nullptr;
-    QPushButton* backUp_ = nullptr;
+    QPushButton* reveal_ = nullptr;  ///< null where it is not offered
+    QPushButton* backUp_ = nullptr;  ///< as `reveal_`
     QPushButton* trash_ = nullptr;
 };
 

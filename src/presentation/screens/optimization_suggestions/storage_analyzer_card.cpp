@@ -5,7 +5,7 @@
 
 #include "disk/personal_files.h"
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
-#include "presentation/screens/optimization_suggestions/personal_file_row.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/screens/shared/progress_row.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
@@ -16,13 +16,12 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-StorageAnalyzerCard::StorageAnalyzerCard(QWidget* parent) : Card(parent) {
+StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers, QWidget* parent)
+    : Card(parent), offers_(offers) {
     setObjectName(u"suggestions.storage-analyzer"_s);
     setHeader(u"externaldrive.badge.magnifyingglass"_s, u"AI Storage Analyzer"_s);
     const auto addLabel = [this](const char* part, const LabelStyle& style, int lines) {
-        auto* label = new ElidedLabel(style, this);
-        label->setObjectName(objectName() + QString::fromLatin1(part));
-        label->setLines(1, lines);
+        auto* label = makeLabel(objectName() + QString::fromLatin1(part), style, lines, this);
         contentLayout()->addWidget(label);
         return label;
     };
@@ -32,10 +31,9 @@ StorageAnalyzerCard::StorageAnalyzerCard(QWidget* parent) : Card(parent) {
             u"The analyzer reviews accessible files in Downloads, Desktop, Documents, Movies, and "
             "Pictures. File contents and paths stay on this Mac. OpenAI receives only the existing "
             "redacted system diagnostics when AI Advisor is enabled."_s);
-    analyze_ =
-        makeButton(u"Analyze Large Personal Files"_s, u"folder.badge.gearshape"_s,
-                   u"suggestions.analyze-files"_s,
-                   u"Lists the largest files in the personal folders; changes nothing"_s, this);
+    analyze_ = makeButton({"Analyze Large Personal Files", "folder.badge.gearshape",
+                           commands::analyzeStorage.description},
+                          u"suggestions.analyze-files"_s, this);
     contentLayout()->addWidget(analyze_, 0, Qt::AlignLeft);
     addLabel("-caption", quiet, 2)->setText(u"100 MB minimum · personal folders only"_s);
     status_ = addLabel("-status", onCard(&CrestFonts::body), 3);
@@ -52,7 +50,7 @@ StorageAnalyzerCard::StorageAnalyzerCard(QWidget* parent) : Card(parent) {
 
 void StorageAnalyzerCard::addRow() {
     const std::size_t index = rows_.size();
-    auto* row = new PersonalFileRow(u"suggestions.file-%1"_s.arg(index + 1), this);
+    auto* row = new PersonalFileRow(u"suggestions.file-%1"_s.arg(index + 1), offers_, this);
     // A copy, because what follows may change the list.
     const auto file = [this, index] { return StorageOptimizationSuggestion(shown_.at(index)); };
     connect(row, &PersonalFileRow::revealWanted, this, [this, file] { emit revealWanted(file()); });

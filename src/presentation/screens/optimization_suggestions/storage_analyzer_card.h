@@ -3,13 +3,13 @@
 #include <vector>
 
 #include "disk/disk_records.h"
+#include "presentation/screens/optimization_suggestions/personal_file_row.h"
 #include "presentation/widgets/card.h"
 
 class QPushButton;
 
 namespace tallowcrest {
 
-class PersonalFileRow;
 class ProgressRow;
 struct PersonalFilesState;
 
@@ -20,7 +20,8 @@ class StorageAnalyzerCard final : public Card {
     Q_OBJECT
 
 public:
-    explicit StorageAnalyzerCard(QWidget* parent = nullptr);
+    /// `offers` is what the rows offer.
+    explicit StorageAnalyzerCard(const PersonalFileRow::Offers& offers, QWidget* parent = nullptr);
 
     /// `isReplyAwaited` says that an analysis of the advisor is under way.
     void show(const PersonalFilesState& state, bool isReplyAwaited);
@@ -39,6 +40,7 @@ private:
     void addRow();
     void showRows(const std::vector<StorageOptimizationSuggestion>& files);
 
+    PersonalFileRow::Offers offers_;
     QPushButton* analyze_ = nullptr;
     ElidedLabel* status_ = nullptr;
     ElidedLabel* reply_ = nullptr;

@@ -8,6 +8,7 @@
 #include "actions/local_actions.h"
 #include "actions/review_target.h"
 #include "advisor/advisor.h"
+#include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
 #include "disk/disk.h"
 #include "monitor/system_monitor.h"
@@ -85,7 +86,7 @@ std::vector<Observable*> OptimizePage::shows() const {
             &monitor_.actions().review.observable(), &monitor_.settingsOwner().observable(),
             &monitor_.actions().local.observable(),  &monitor_.actions().automation.observable(),
             &monitor_.advisor().trust.observable(),  &monitor_.disk().autopilot.observable(),
-            &monitor_.disk().storage.observable()};
+            &monitor_.disk().storage.observable(),   &monitor_.log().observable()};
 }
 
 std::vector<HeaderAction> OptimizePage::headerActions() {

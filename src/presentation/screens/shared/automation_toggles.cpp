@@ -35,10 +35,7 @@ StateLook lookOf(SwitchState state) {
 
 AutomationToggle::AutomationToggle(const QString& identifier, QWidget* parent) : QWidget(parent) {
     const auto addLabel = [&](const char* part, const LabelStyle& style, int lines) {
-        auto* label = new ElidedLabel(style, this);
-        label->setObjectName(identifier + QString::fromLatin1(part));
-        label->setLines(1, lines);
-        return label;
+        return makeLabel(identifier + QString::fromLatin1(part), style, lines, this);
     };
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);

@@ -9,7 +9,7 @@ namespace tallowcrest {
 
 DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automation, Disk& disk,
                                       DashboardSections& sections) {
-    auto* block = new DiskAutopilotBlock(page);
+    auto* block = new DiskAutopilotBlock(page, disk.storage.canReveal());
     QObject::connect(
         block, &DiskAutopilotBlock::collapseWanted, block,
         [block, &sections](bool collapsed) { sections.setCollapsed(block->section(), collapsed); });
@@ -21,6 +21,8 @@ DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automatio
                      [&disk] { disk.autopilot.reviewDiskCleanup(); });
     QObject::connect(block, &DiskAutopilotBlock::cleanupStopWanted, block,
                      [&disk] { disk.autopilot.stop(); });
+    QObject::connect(block, &DiskAutopilotBlock::undoWanted, block,
+                     [&disk] { disk.autopilot.undoLatestCleanup(); });
     QObject::connect(block, &DiskAutopilotBlock::offendersWanted, block,
                      [&disk] { disk.storage.scanStorageAreas(); });
     QObject::connect(block, &DiskAutopilotBlock::storageScanStopWanted, block,

@@ -8,6 +8,8 @@
 
 #include "disk/disk_autopilot.h"
 #include "disk/storage_scan.h"
+#include "presentation/screens/shared/cleanup_receipt.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/screens/shared/emergency_stop_controls.h"
 #include "presentation/screens/shared/progress_row.h"
 #include "presentation/screens/shared/storage_areas_list.h"
@@ -22,7 +24,7 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
+DiskAutopilotBlock::DiskAutopilotBlock(const QString& page, bool canReveal)
     : OverviewBlock(DashboardSection::autoRules, page + u".disk-autopilot"_s, u"internaldrive"_s,
                     u"Disk Autopilot"_s) {
     space_ = new BarList(u"Home volume"_s, 1, u"000% used"_s, body());
@@ -34,29 +36,26 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page)
     lowWord_ =
         new ElidedLabel(u"Low"_s, onCard(&CrestFonts::heading, &CrestTheme::caution), body());
     lowWord_->setObjectName(objectName() + u"-low"_s);
-    status_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
-    status_->setObjectName(objectName() + u"-status"_s);
-    status_->setLines(1, 3);
+    const auto addLabel = [this](const char* part, const LabelStyle& style, int lines) {
+        return makeLabel(objectName() + QString::fromLatin1(part), style, lines, body());
+    };
+    status_ = addLabel("-status", onCard(&CrestFonts::body, &CrestTheme::secondaryText), 3);
     // Reserves the height of the low-space icon and word, so that they move nothing below.
     row->addStrut(std::max(spacing::iconSmall, lowWord_->sizeHint().height()));
     row->addWidget(lowIcon_, 0, Qt::AlignTop);
     row->addWidget(lowWord_, 0, Qt::AlignTop);
     row->addWidget(status_, 1);
     bodyLayout()->addLayout(row);
-    trust_ = new ElidedLabel(onCard(&CrestFonts::caption), body());
-    trust_->setObjectName(objectName() + u"-trust"_s);
-    trust_->setLines(1, 2);
+    trust_ = addLabel("-trust", onCard(&CrestFonts::caption), 2);
+    rule_ = addLabel("-rule", onCard(&CrestFonts::caption, &CrestTheme::secondaryText), 4);
     bodyLayout()->addWidget(trust_);
-    rule_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), body());
-    rule_->setObjectName(objectName() + u"-rule"_s);
-    rule_->setLines(1, 4);
     bodyLayout()->addWidget(rule_);
     makeActions(page);
     stop_ = new EmergencyStopControls(page, body());
     connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
     connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
-    areas_ = new StorageAreasList(page + u".storage-area"_s, body());
+    areas_ = new StorageAreasList(page + u".storage-area"_s, canReveal, body());
     areas_->setPrevious(stop_->lastControl());
     connect(areas_, &StorageAreasList::revealWanted, this, &DiskAutopilotBlock::revealWanted);
     bodyLayout()->addWidget(areas_);
@@ -66,8 +65,7 @@ void DiskAutopilotBlock::makeActions(const QString& page) {
     auto* actions = new QHBoxLayout;
     actions->setSpacing(spacing::unit);
     auto* review =
-        makeButton(u"Review Cleanup"_s, QString(), page + u".review-disk-cleanup"_s,
-                   u"Looks for old cache files and asks whether to move them to Trash"_s, body());
+        makeButton(commands::reviewDiskCleanup, page + u".review-disk-cleanup"_s, body());
     find_ = makeButton(u"Find Offenders"_s, QString(), page + u".find-offenders"_s,
                        u"Measures the large areas of the disk; changes nothing"_s, body());
     actions->addWidget(review);
@@ -78,15 +76,20 @@ void DiskAutopilotBlock::makeActions(const QString& page) {
     storageScan_ = new ProgressRow(page + u".scan-progress"_s, u"the storage scan"_s, body());
     bodyLayout()->addWidget(cleanup_);
     bodyLayout()->addWidget(storageScan_);
+    receipt_ = new CleanupReceipt(objectName() + u"-receipt"_s, body());
+    bodyLayout()->addWidget(receipt_);
     connect(review, &QPushButton::clicked, this, &DiskAutopilotBlock::cleanupReviewWanted);
     connect(find_, &QPushButton::clicked, this, &DiskAutopilotBlock::offendersWanted);
     connect(cleanup_, &ProgressRow::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
     connect(storageScan_, &ProgressRow::stopWanted, this,
             &DiskAutopilotBlock::storageScanStopWanted);
+    connect(receipt_, &CleanupReceipt::undoWanted, this, &DiskAutopilotBlock::undoWanted);
+    connect(receipt_, &CleanupReceipt::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
-    const auto& [snapshot, settings, status, caches, trust, autopilot, storage] = facts;
+    const auto& [snapshot, settings, status, caches, trust, receipt, autopilot, storage,
+                 remainderName] = facts;
     const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
     // A collapsed section still shows what needs attention.
     header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
@@ -106,7 +109,8 @@ void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     trust_->setText(diskTrustLine(trust));
     rule_->setText(diskRule(settings, caches));
     showProgress(facts);
-    areas_->show(storage.diskStorageOffenders);
+    receipt_->show(receipt, autopilot, snapshot ? snapshot->sampledAt : Date{});
+    areas_->show(storage.diskStorageOffenders, remainderName);
 }
 
 void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {

@@ -8,6 +8,7 @@ class QPushButton;
 namespace tallowcrest {
 
 class BarList;
+class CleanupReceipt;
 class EmergencyStopControls;
 class IconView;
 class ProgressRow;
@@ -15,13 +16,15 @@ class StorageAreasList;
 struct DiskStorageOffender;
 
 /// How full the home volume is, the status, the trust and the rule of Disk Autopilot, what it does
-/// at the moment, the measured areas of the disk, and the emergency stop. Main thread.
+/// at the moment, the latest receipt, the measured areas of the disk, and the emergency stop. Main
+/// thread.
 class DiskAutopilotBlock final : public OverviewBlock {
     Q_OBJECT
 
 public:
-    /// The object names of the block and its parts begin with `page`.
-    explicit DiskAutopilotBlock(const QString& page);
+    /// The object names of the block and its parts begin with `page`. Areas have no "Reveal" unless
+    /// `canReveal`.
+    DiskAutopilotBlock(const QString& page, bool canReveal);
 
     /// While collapsed, the header has the note "Low" when space is low.
     void show(const DiskAutopilotFacts& facts);
@@ -34,6 +37,7 @@ signals:
     // The owner pressed the button of that name.
     void cleanupReviewWanted();
     void cleanupStopWanted();
+    void undoWanted();
     void offendersWanted();
     void storageScanStopWanted();
     /// The owner pressed "Reveal" of this area.
@@ -51,6 +55,7 @@ private:
     ElidedLabel* rule_ = nullptr;
     QPushButton* find_ = nullptr;
     ProgressRow* cleanup_ = nullptr;
+    CleanupReceipt* receipt_ = nullptr;
     ProgressRow* storageScan_ = nullptr;
     StorageAreasList* areas_ = nullptr;
     EmergencyStopControls* stop_ = nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include <QWidget>
@@ -15,14 +16,16 @@ class ElidedLabel;
 class LevelBar;
 class TextButton;
 
-/// One area: its name, its size as a bar and a figure, and a button that reveals it. Main thread.
+/// One area: its name, its size as a bar and a figure, and, where there is a file manager, a button
+/// that reveals it. Main thread.
 class StorageAreaRow final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit StorageAreaRow(const QString& identifier, QWidget* parent = nullptr);
+    StorageAreaRow(const QString& identifier, bool canReveal, QWidget* parent);
 
     void setLine(const StorageLine& line);
+    /// Null without one.
     QWidget* lastControl() const;
 
 signals:
@@ -34,7 +37,7 @@ private:
     ElidedLabel* size_ = nullptr;
     ElidedLabel* explanation_ = nullptr;
     LevelBar* bar_ = nullptr;
-    TextButton* reveal_ = nullptr;
+    TextButton* reveal_ = nullptr;  ///< null without a file manager
 };
 
 /// "Largest Measured Storage Areas". Its rows are made when there are areas to show, and stay as
@@ -43,11 +46,12 @@ class StorageAreasList final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit StorageAreasList(const QString& identifier, QWidget* parent = nullptr);
+    StorageAreasList(const QString& identifier, bool canReveal, QWidget* parent = nullptr);
 
     /// The Tab key reaches the first row from `control`.
     void setPrevious(QWidget* control) { previous_ = control; }
-    void show(const std::vector<DiskStorageOffender>& areas);
+    /// `remainderName` is what the remainder is called, also while it is not among the areas.
+    void show(const std::vector<DiskStorageOffender>& areas, std::string_view remainderName);
 
 signals:
     /// The owner pressed "Reveal" of this area.
@@ -57,6 +61,7 @@ private:
     void addRow();
 
     QString identifier_;
+    bool canReveal_;
     QWidget* previous_ = nullptr;
     QVBoxLayout* list_ = nullptr;
     ElidedLabel* note_ = nullptr;

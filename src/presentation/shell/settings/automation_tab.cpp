@@ -5,7 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/button.h"
+#include "presentation/screens/shared/command_button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/limit_row.h"
 #include "presentation/widgets/theme.h"
@@ -76,8 +76,8 @@ QWidget* AutomationTab::makeDiskAutopilot(QWidget* switches) {
     addLimit(*card, "Maximum per run", "GB", "settings.disk-maximum", maximumRunScale,
              &Settings::diskMaxCleanupGB, gigabytes);
     auto* review = makeButton(
-        u"Review Eligible Cache Files"_s, u"internaldrive"_s, u"settings.review-cache-files"_s,
-        u"Looks for old cache files and asks whether to move them to Trash"_s, card);
+        {"Review Eligible Cache Files", "internaldrive", commands::reviewDiskCleanup.description},
+        u"settings.review-cache-files"_s, card);
     connect(review, &QPushButton::clicked, this, &AutomationTab::cleanupReviewWanted);
     card->contentLayout()->addWidget(review, 0, Qt::AlignLeft);
     return card;

@@ -71,6 +71,32 @@ TEST_F(DiskPagesTest, EveryPageHasTheCardAndReviewsACleanup) {
     }
 }
 
+TEST_F(DiskPagesTest, TheRuleNamesTheFolderOfTheCachesOfThisMachine) {
+    machine.disk.places.caches = "/data/caches of me";
+    showPage(AppRoute::overview);
+    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(),
+                HasSubstr("inside /data/caches of me are eligible"));
+}
+
+TEST_F(DiskPagesTest, WithoutAFileManagerAndAChooserThereAreNoButtonsForThem) {
+    disk.files.add("/home/owner/Downloads/old.iso", 300 * megabyte);
+    disk.areas = {{"Temporary", "/tmp"}};
+    machine.disk = disk.ports();
+    machine.disk.desktop = {};
+    machine.toolLauncher.onLaunch = [this](const ToolRequest&) {
+        machine.toolLauncher.willWrite("7\t/tmp\n");
+    };
+    showPage(AppRoute::optimizationSuggestions);
+    click("suggestions.find-offenders");
+    click("suggestions.analyze-files");
+    finishWork();
+    EXPECT_NE(visible("suggestions.storage-area-1.name"), nullptr);
+    EXPECT_EQ(visible("suggestions.storage-area-1.reveal"), nullptr);
+    EXPECT_NE(visible("suggestions.file-1.trash"), nullptr);
+    EXPECT_EQ(visible("suggestions.file-1.reveal"), nullptr);
+    EXPECT_EQ(visible("suggestions.file-1.back-up"), nullptr);
+}
+
 TEST_F(DiskPagesTest, TheQuestionShowsEveryFileBeforeItIsMoved) {
     machine.clock.advance(std::chrono::hours(24 * 60));
     for (int i = 0; i < 30; ++i) {
@@ -92,6 +118,69 @@ TEST_F(DiskPagesTest, TheQuestionShowsEveryFileBeforeItIsMoved) {
                 StartsWith("Last cleanup moved 31 files"));
     EXPECT_THAT(textOf("cleanup.disk-autopilot-trust").toStdString(),
                 StartsWith("Learning 1 of 3 runs · 42%"));
+}
+
+TEST_F(DiskPagesTest, UndoPutsBackWhatItCanAndTellsWhatItCannot) {
+    machine.clock.advance(std::chrono::hours(24 * 60));
+    for (const char* name : {"a", "b", "c"}) {
+        disk.files.add(std::string("/home/owner/.cache/") + name, megabyte);
+    }
+    showPage(AppRoute::optimize);
+    EXPECT_EQ(visible("cleanup.disk-autopilot-receipt-undo"), nullptr);
+    click("cleanup.review-disk-cleanup");
+    finishWork();
+    confirm();
+    EXPECT_THAT(textOf("cleanup.disk-autopilot-receipt-detail").toStdString(),
+                HasSubstr("Result: moved 3 old regular cache files"));
+    disk.files.add("/home/owner/.cache/b", 1);
+    disk.trash->puttingBack = [this](const std::string& path) {
+        if (path.ends_with("/c")) {
+            disk.trash->inTrash.pop_back();
+        }
+    };
+    click("cleanup.disk-autopilot-receipt-undo");
+    EXPECT_EQ(textOf("cleanup.disk-autopilot-receipt-progress"),
+              u"Putting back · 0 of 3 files · 0 MB"_s);
+    finishWork();
+    EXPECT_EQ(visible("cleanup.disk-autopilot-receipt-progress"), nullptr);
+    EXPECT_NE(disk.files.find("/home/owner/.cache/a"), nullptr);
+    EXPECT_EQ(textOf("cleanup.disk-autopilot-status"),
+              u"Put back 1 of 3 files (0.00 GB) from Trash."_s);
+    EXPECT_THAT(textOf("cleanup.disk-autopilot-receipt-detail").toStdString(),
+                HasSubstr("Not put back: ~/.cache/b: File exists; ~/.cache/c: It is no longer in "
+                          "the Trash."));
+    EXPECT_EQ(textOf("cleanup.disk-autopilot-receipt-undo-words"),
+              u"1 file of the latest cleanup can be put back while it is in Trash."_s);
+    disk.files.remove("/home/owner/.cache/b");
+    click("cleanup.disk-autopilot-receipt-undo");
+    finishWork();
+    EXPECT_EQ(disk.files.find("/home/owner/.cache/b")->bytes, megabyte);
+    EXPECT_FALSE(visible<QPushButton>("cleanup.disk-autopilot-receipt-undo")->isEnabled());
+    EXPECT_THAT(textOf("cleanup.disk-autopilot-receipt-undo-words").toStdString(),
+                StartsWith("Nothing is left to undo"));
+}
+
+TEST_F(DiskPagesTest, AStoppedUndoKeepsTheRestForAnotherOne) {
+    machine.clock.advance(std::chrono::hours(24 * 60));
+    for (const char* name : {"a", "b", "c"}) {
+        disk.files.add(std::string("/home/owner/.cache/") + name, megabyte);
+    }
+    showPage(AppRoute::overview);
+    click("overview.review-disk-cleanup");
+    finishWork();
+    confirm();
+    disk.trash->puttingBack = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            click("overview.disk-autopilot-receipt-progress-stop");
+        }
+    };
+    click("overview.disk-autopilot-receipt-undo");
+    finishWork();
+    EXPECT_EQ(disk.files.find("/home/owner/.cache/c"), nullptr);
+    EXPECT_THAT(textOf("overview.disk-autopilot-receipt-detail").toStdString(),
+                HasSubstr("Stopped before the last 1 file"));
+    EXPECT_EQ(textOf("overview.disk-autopilot-receipt-undo-words"),
+              u"1 file of the latest cleanup can be put back while it is in Trash."_s);
 }
 
 TEST_F(DiskPagesTest, PersonalFilesAreListedRevealedCopiedAndMovedOneByOne) {

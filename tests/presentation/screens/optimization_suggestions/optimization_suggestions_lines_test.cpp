@@ -67,7 +67,7 @@ TEST_F(OptimizationSuggestionsLines, TheFiguresAreThoseOfTheSample) {
 
 TEST_F(OptimizationSuggestionsLines, DiskComesBeforeMemoryAndMemoryBeforeTheRest) {
     const auto step = [this](double cpu, double pressure, double freeGB) {
-        return lines::nextStep(sample(cpu, pressure, freeGB), settings).toStdString();
+        return lines::nextStep(sample(cpu, pressure, freeGB), settings).words.toStdString();
     };
     const char* const disk =
         "Disk space is the most urgent constraint. Analyze large personal files, back up anything "
@@ -83,7 +83,9 @@ TEST_F(OptimizationSuggestionsLines, DiskComesBeforeMemoryAndMemoryBeforeTheRest
     EXPECT_EQ(step(10.0, 82.0, 100.0), memory);
     EXPECT_EQ(step(10.0, 10.0, 100.0), clear);
     EXPECT_EQ(step(99.0, 10.0, 100.0), clear);
-    EXPECT_EQ(lines::nextStep(std::nullopt, settings), u"Sampling this Mac..."_s);
+    EXPECT_EQ(lines::nextStep(std::nullopt, settings).words, u"Sampling this Mac..."_s);
+    EXPECT_TRUE(lines::nextStep(sample(10.0, 95.0, 5.0), settings).isAboutDisk);
+    EXPECT_FALSE(lines::nextStep(sample(10.0, 95.0, 100.0), settings).isAboutDisk);
 }
 
 TEST_F(OptimizationSuggestionsLines, TheTitleOfTheAnalysis) {

@@ -4,6 +4,7 @@
 
 #include "actions/actions.h"
 #include "advisor/advisor.h"
+#include "presentation/widgets/button.h"
 #include "presentation/widgets/selectable_text.h"
 #include "tests/presentation/shown_texts.h"
 #include "tests/presentation/window_fixture.h"
@@ -50,10 +51,14 @@ TEST_F(OptimizationSuggestionsPageTest, SaysWhereTheMachineStandsAndWhatComesFir
     tick();
     EXPECT_THAT(textOf("suggestions.step").toStdString(),
                 StartsWith("Memory pressure is the strongest signal."));
+    EXPECT_TRUE(isPrimary(visible("suggestions.review-top-process")));
+    EXPECT_FALSE(isPrimary(visible("suggestions.analyze-storage")));
     machine.metrics->disk = {200.0, 2.0};
     tick();
     EXPECT_THAT(textOf("suggestions.step").toStdString(),
                 StartsWith("Disk space is the most urgent constraint."));
+    EXPECT_FALSE(isPrimary(visible("suggestions.review-top-process")));
+    EXPECT_TRUE(isPrimary(visible("suggestions.analyze-storage")));
     EXPECT_EQ(visible("suggestions.advice")->accessibleName(), u"Overall Optimization Advice"_s);
     EXPECT_EQ(visible("suggestions.next-step")->accessibleName(), u"Recommended Next Step"_s);
 }

@@ -28,7 +28,7 @@ protected:
     }
 
     PersonalFilesState state;
-    StorageAnalyzerCard& card = place(new StorageAnalyzerCard);
+    StorageAnalyzerCard& card = place(new StorageAnalyzerCard({}));
 };
 
 TEST_F(StorageAnalyzerCardTest, SaysWhatIsAnalyzedAndWhatLeavesTheMachine) {

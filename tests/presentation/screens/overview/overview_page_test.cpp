@@ -83,7 +83,6 @@ TEST_F(OverviewPageTest, EveryBlockShowsItsPartOfTheSample) {
     EXPECT_EQ(named<BarList>("Resident memory by app group").rows().front().label,
               u"photo-indexer"_s);
     EXPECT_EQ(textOf("overview.disk-autopilot-status"), u"Disk Autopilot is off."_s);
-    EXPECT_THAT(textOf("overview.disk-autopilot-rule").toStdString(), HasSubstr("~/.cache"));
     EXPECT_THAT(texts(), Contains("System Looks Stable"));
     EXPECT_THAT(OverviewFixture::texts("overview.recent-activity"), Contains("Load is high"));
     EXPECT_THAT(cards("overview.session-summary"), Contains(HasSubstr("1 warnings")));

@@ -22,18 +22,29 @@ using testing::StartsWith;
 
 class DiskAutopilotBlockTest : public OverviewBlockTest {
 protected:
+    DiskAutopilotFacts facts() const {
+        return {.snapshot = snapshot,
+                .settings = settings,
+                .status = "Disk Autopilot is off.",
+                .caches = "~/.cache",
+                .trust = trust,
+                .receipt = receipt ? &*receipt : nullptr,
+                .autopilot = autopilot,
+                .storage = storage,
+                .remainderName = "Other / inaccessible data"};
+    }
     void show() {
-        block.show(
-            {snapshot, settings, "Disk Autopilot is off.", "~/.cache", trust, autopilot, storage});
+        block.show(facts());
         settle();
     }
     QPushButton& button(const char* name) { return *visible<QPushButton>(name); }
 
     Settings settings;
     DiskTrust trust;
+    std::optional<ActivityEvent> receipt;
     DiskAutopilotState autopilot;
     StorageScanState storage;
-    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s));
+    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s, true));
 };
 
 TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
@@ -142,6 +153,7 @@ TEST_F(DiskAutopilotBlockTest, ABurstOfProgressChangesItsLineOnlyAtTimesAndEndsW
     sample();
     autopilot.cleanup = CleanupProgress{0, 1000, 0, 0};
     show();
+    settle();
     auto* line = visible<ElidedLabel>("overview.cleanup-progress");
     PaintCount others(*visible("overview.disk-autopilot-rule"));
     int changes = 0;
@@ -150,13 +162,48 @@ TEST_F(DiskAutopilotBlockTest, ABurstOfProgressChangesItsLineOnlyAtTimesAndEndsW
     for (std::size_t done = 1; done <= 1000; ++done) {
         const QString before = line->text();
         autopilot.cleanup->done = done;
-        block.show(
-            {snapshot, settings, "Disk Autopilot is off.", "~/.cache", trust, autopilot, storage});
+        block.show(facts());
         changes += line->text() != before ? 1 : 0;
     }
     EXPECT_LE(changes, 1 + elapsed.elapsed() / 100);
     EXPECT_TRUE(QTest::qWaitFor([line] { return line->text().contains(u"1,000 of 1,000"_s); }));
     EXPECT_EQ(others.take(), 0);
+}
+
+TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
+    const QSignalSpy undos(&block, &DiskAutopilotBlock::undoWanted);
+    sample();
+    show();
+    EXPECT_EQ(visible("overview.disk-autopilot-receipt"), nullptr);
+    receipt = ActivityEvent{.id = {},
+                            .date = snapshot->sampledAt,
+                            .title = "Disk Cleanup Receipt",
+                            .detail = "Result: moved\n<b>31</b> files."};
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-receipt-title"), u"Disk Cleanup Receipt"_s);
+    EXPECT_EQ(textOf("overview.disk-autopilot-receipt-detail"),
+              u"Result: moved\uFFFD<b>31</b> files."_s);
+    EXPECT_FALSE(button("overview.disk-autopilot-receipt-undo").isEnabled());
+    EXPECT_EQ(button("overview.disk-autopilot-receipt-undo").accessibleDescription(),
+              textOf("overview.disk-autopilot-receipt-undo-words"));
+    autopilot.undoableFiles = 31;
+    show();
+    EXPECT_EQ(textOf("overview.disk-autopilot-receipt-undo-words"),
+              u"31 files of the latest cleanup can be put back while they are in Trash."_s);
+    click("overview.disk-autopilot-receipt-undo");
+    EXPECT_EQ(undos.count(), 1);
+    autopilot.undoableFiles = 0;
+    autopilot.undo = CleanupProgress{12, 31, 11, 80 * 1048576};
+    show();
+    EXPECT_FALSE(button("overview.disk-autopilot-receipt-undo").isEnabled());
+    EXPECT_EQ(textOf("overview.disk-autopilot-receipt-progress"),
+              u"Putting back · 12 of 31 files · 80 MB"_s);
+    receipt.reset();
+    autopilot = {};
+    autopilot.undoableFiles = 1;
+    show();
+    EXPECT_EQ(visible("overview.disk-autopilot-receipt-title"), nullptr) << "the log was cleared";
+    EXPECT_TRUE(button("overview.disk-autopilot-receipt-undo").isEnabled());
 }
 
 TEST_F(DiskAutopilotBlockTest, RanksTheMeasuredAreas) {
@@ -168,13 +215,13 @@ TEST_F(DiskAutopilotBlockTest, RanksTheMeasuredAreas) {
                 StartsWith("Choose Find Offenders to rank large user storage areas."));
     EXPECT_EQ(visible("overview.storage-area-1"), nullptr);
     const std::int64_t gigabyte = 1073741824;
-    storage.diskStorageOffenders = {{"Other / inaccessible data", "/", 40 * gigabyte},
-                                    {"Bad\nname <b>", "/home/owner/Videos", 10 * gigabyte}};
+    storage.diskStorageOffenders = {
+        {"Other / inaccessible data", "/", 40 * gigabyte, "Used space elsewhere."},
+        {"Bad\nname <b>", "/home/owner/Videos", 10 * gigabyte}};
     show();
     EXPECT_EQ(textOf("overview.storage-area-1.name"), u"Other / inaccessible data"_s);
     EXPECT_EQ(textOf("overview.storage-area-1.size"), u"40.0 GB"_s);
-    EXPECT_THAT(textOf("overview.storage-area-1.path").toStdString(),
-                StartsWith("Used space that is in none of the measured areas"));
+    EXPECT_EQ(textOf("overview.storage-area-1.path"), u"Used space elsewhere."_s);
     EXPECT_EQ(textOf("overview.storage-area-2.name"), u"Bad\uFFFDname <b>"_s);
     EXPECT_EQ(textOf("overview.storage-area-2.path"), u"/home/owner/Videos"_s);
     EXPECT_THAT(textOf("overview.storage-area-note").toStdString(),
