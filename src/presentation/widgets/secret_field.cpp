@@ -11,6 +11,8 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPixmap>
+#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
@@ -89,6 +91,15 @@ bool isTyped(const QKeyEvent& event) {
            (event.modifiers() & commands) == Qt::NoModifier;
 }
 
+/// Has the library of an X display receive something else. It leaves the last bytes that it has
+/// received, which may be those of the clipboard, in a buffer of 4 KB.
+void overwriteReceived(const QWidget& field) {
+    constexpr int side = 64;  // in pixels of four bytes
+    if (QGuiApplication::platformName() == u"xcb"_s) {
+        field.screen()->grabWindow(field.window()->winId(), 0, 0, side, side);
+    }
+}
+
 }  // namespace
 
 SecretField::SecretField(const QString& identifier, int most, QWidget* parent)
@@ -138,6 +149,7 @@ void SecretField::pasteFrom(QClipboard::Mode mode) {
     QString pasted = QGuiApplication::clipboard()->text(mode);
     insert(pasted);
     overwrite(pasted.data(), pasted.size());
+    overwriteReceived(*this);
 }
 
 void SecretField::keyPressEvent(QKeyEvent* event) {
@@ -175,6 +187,7 @@ void SecretField::dropEvent(QDropEvent* event) {
     QString dropped = event->mimeData()->text();
     insert(dropped);
     overwrite(dropped.data(), dropped.size());
+    overwriteReceived(*this);
     event->acceptProposedAction();
 }
 
