@@ -147,7 +147,7 @@ private:
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
     Undoable undoable_;
-    std::shared_ptr<UndoTally> undo_;  ///< null while nothing is being put back
+    std::shared_ptr<UndoTally> undo_;   ///< null while nothing is being put back
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed
     std::unique_ptr<Subscription> automationChanged_;
     StoppableRun scan_;

@@ -183,8 +183,7 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
             Copied result{backupPath(file, folder, now), {}};
             // No change that the end of the program waits for: a copy can take hours.
             const EitherStop either(stop.stopToken(), token);
-            result.error =
-                copy->copy({file, result.destination, identity}, report, either.token());
+            result.error = copy->copy({file, result.destination, identity}, report, either.token());
             return result;
         },
         [this](const CopyProgress& progress) { showBackup(progress); },

@@ -29,9 +29,8 @@ bool mayContain(const MeasuredArea& outer, const MeasuredArea& inner) {
 }
 
 void keepEachPlaceOnce(std::vector<MeasuredArea>& areas) {
-    std::ranges::sort(areas, {}, [](const MeasuredArea& area) {
-        return std::tie(area.place, area.row.path);
-    });
+    std::ranges::sort(areas, {},
+                      [](const MeasuredArea& area) { return std::tie(area.place, area.row.path); });
     const auto repeated = std::ranges::unique(areas, {}, &MeasuredArea::place);
     areas.erase(repeated.begin(), repeated.end());
 }

@@ -21,7 +21,7 @@ std::optional<std::int64_t> parseDiskUsage(std::string_view output);
 /// A measured area.
 struct MeasuredArea {
     DiskStorageOffender row;
-    std::string place;                   ///< the path of the row without links
+    std::string place;                  ///< the path of the row without links
     std::optional<Volume> volume = {};  ///< absent when it is not known
 };
 

@@ -104,8 +104,8 @@ private:
         const std::string place = resolvedPath(area.folder);
         const auto bytes = parseDiskUsage(
             tools.runToolForBytes("/usr/bin/du", {"-sk", "-x", place}, longestMeasurement, stop));
-        return bytes ? std::optional(MeasuredArea{
-                           {area.label, area.folder, *bytes}, place, volumeOf(place)})
+        return bytes ? std::optional(
+                           MeasuredArea{{area.label, area.folder, *bytes}, place, volumeOf(place)})
                      : std::nullopt;
     }
 

@@ -34,9 +34,8 @@ protected:
         answer(to);
     }
 
-    const StorageOptimizationSuggestion film{.title = "film.mov",
-                                             .path = "/home/owner/Movies/film.mov",
-                                             .identity = {1, 7}};
+    const StorageOptimizationSuggestion film{
+        .title = "film.mov", .path = "/home/owner/Movies/film.mov", .identity = {1, 7}};
 };
 
 TEST_F(BackupTest, AFileIsCopiedToTheChosenFolder) {

@@ -37,8 +37,7 @@ protected:
         }
         diskPorts.areas.push_back({"absent", folder.path("absent")});
         remote.launcher.onLaunch = [this](const ToolRequest& request) {
-            const std::string name =
-                fs::path(request.arguments.back()).filename().string();
+            const std::string name = fs::path(request.arguments.back()).filename().string();
             const auto found = outputs.find(name);
             remote.launcher.willWrite(found != outputs.end()
                                           ? found->second + '\t' + request.arguments.back() + '\n'

@@ -78,8 +78,7 @@ public:
     /// The least time between two values of one job's progress, as fast as a person can follow.
     static constexpr std::chrono::milliseconds progressDistance{100};
 
-    Jobs(MainQueue& mainQueue, WorkQueue& workQueue,
-         SteadyNow now = std::chrono::steady_clock::now)
+    Jobs(MainQueue& mainQueue, WorkQueue& workQueue, SteadyNow now = std::chrono::steady_clock::now)
         : mainQueue_(mainQueue), workQueue_(workQueue), now_(std::move(now)) {}
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
@@ -141,15 +140,13 @@ public:
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
         auto observer = std::make_shared<OnProgress>(std::move(onProgress));
-        auto progress =
-            std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_, observer);
+        auto progress = std::make_shared<LatestProgress<Progress, OnProgress>>(jobs_, observer);
         run(
             lane,
             [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
                 const ProgressEnd end{*progress};
-                return work(stop, [&progress](Progress value) {
-                    progress->report(std::move(value));
-                });
+                return work(stop,
+                            [&progress](Progress value) { progress->report(std::move(value)); });
             },
             [observer = std::move(observer), then = std::move(then)](auto&&... result) mutable {
                 then(std::forward<decltype(result)>(result)...);
@@ -186,7 +183,8 @@ private:
     }
 
     template <class Progress, class OnProgress>
-    class LatestProgress : public std::enable_shared_from_this<LatestProgress<Progress, OnProgress>> {
+    class LatestProgress
+        : public std::enable_shared_from_this<LatestProgress<Progress, OnProgress>> {
     public:
         LatestProgress(Jobs& jobs, std::weak_ptr<OnProgress> function)
             : mainQueue_(jobs.mainQueue_), now_(jobs.now_), onProgress_(std::move(function)) {}

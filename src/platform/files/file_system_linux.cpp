@@ -15,10 +15,9 @@
 namespace tallowcrest::file_system {
 
 std::optional<EntryStatus> statusOf(int folder, const char* name, Freshness freshness) {
-    const int flags =
-        AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT |
-        (freshness == Freshness::current ? AT_STATX_FORCE_SYNC : AT_STATX_DONT_SYNC) |
-        (*name == '\0' ? AT_EMPTY_PATH : 0);
+    const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT |
+                      (freshness == Freshness::current ? AT_STATX_FORCE_SYNC : AT_STATX_DONT_SYNC) |
+                      (*name == '\0' ? AT_EMPTY_PATH : 0);
     constexpr unsigned wanted =
         STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_MTIME | STATX_INO | STATX_BTIME;
     struct statx info {};

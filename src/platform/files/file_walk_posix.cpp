@@ -11,8 +11,7 @@ void PosixFileWalk::walk(const std::string& root,
                          const std::function<bool(const FoundFile&)>& visit,
                          const std::stop_token& stop) {
     std::vector<FolderPart> pending = treeRoots({root}).parts;
-    FolderTreeReader reader(
-        {.staysOnDevice = true, .freshness = file_system::Freshness::current});
+    FolderTreeReader reader({.staysOnDevice = true, .freshness = file_system::Freshness::current});
     std::string path;  // of the folder at hand, with a slash at the end
     const auto visitFile = [&](const Folder& folder, const char* name,
                                const file_system::EntryStatus& status) {

@@ -98,7 +98,8 @@ bool FolderTreeReader::read(const FolderPart& part, const Visit& visit, const st
         }
         EntryKind kind = entry->kind;
         if (kind == EntryKind::regular || kind == EntryKind::unknown) {
-            const std::optional<EntryStatus> status = statusOf(descriptor, entry->name, rules_.freshness);
+            const std::optional<EntryStatus> status =
+                statusOf(descriptor, entry->name, rules_.freshness);
             if (!status || status->isHidden) {
                 continue;
             }

@@ -33,8 +33,8 @@ std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t 
     const auto major = takeNumber(line, ':');
     const auto minor = takeNumber(line, ' ');
     const bool isDevice = major && minor && *major <= largest && *minor <= largest;
-    return isDevice ? std::optional<std::uint64_t>(::gnu_dev_makedev(
-                          static_cast<unsigned>(*major), static_cast<unsigned>(*minor)))
+    return isDevice ? std::optional<std::uint64_t>(::gnu_dev_makedev(static_cast<unsigned>(*major),
+                                                                     static_cast<unsigned>(*minor)))
                     : std::nullopt;
 }
 

@@ -6,9 +6,9 @@
 
 namespace tallowcrest {
 
-/// The device of the file system that is mounted as `mount`, by a line of `mountinfo`. All mounts of
-/// one file system have the same, also those of subvolumes. Absent when the line is about another
-/// mount or does not tell. Pure; any thread.
+/// The device of the file system that is mounted as `mount`, by a line of `mountinfo`. All mounts
+/// of one file system have the same, also those of subvolumes. Absent when the line is about
+/// another mount or does not tell. Pure; any thread.
 std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t mount);
 
 }  // namespace tallowcrest

@@ -36,18 +36,17 @@ protected:
             fs::resize_file(image, 256U << 20U);
             fs::create_directory(disk);
             const std::string mount = "/usr/bin/mount";
-            const bool isThere =
-                succeeds("/usr/sbin/mkfs.btrfs", {"-q", image}) &&
-                succeeds(mount, {"-o", "loop", image, disk}) &&
-                succeeds("/usr/bin/btrfs", {"subvolume", "create", disk / "part"});
+            const bool isThere = succeeds("/usr/sbin/mkfs.btrfs", {"-q", image}) &&
+                                 succeeds(mount, {"-o", "loop", image, disk}) &&
+                                 succeeds("/usr/bin/btrfs", {"subvolume", "create", disk / "part"});
             if (!isThere) {
                 GTEST_SKIP() << "no file system with subvolumes can be mounted here";
             }
             // The device that the first mount has taken.
             const std::string device =
                 shellOutput("findmnt --noheadings --output SOURCE '" + disk.string() + '\'');
-            ASSERT_TRUE(succeeds(
-                mount, {"-o", "subvol=part", device.substr(0, device.find('\n')), home}));
+            ASSERT_TRUE(
+                succeeds(mount, {"-o", "subvol=part", device.substr(0, device.find('\n')), home}));
             work();
         });
     }
