@@ -1,5 +1,6 @@
 // The cost of a clean-up: moving the most files that one run may move.
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -7,7 +8,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include "disk/cache_cleanup.h"
 #include "platform/base/system_clock.h"
+#include "platform/files/file_walk_posix.h"
 #include "platform/trash/xdg_trash.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/temporary_folder.h"
@@ -30,18 +33,26 @@ void moveCacheFiles(benchmark::State& state) {
         }
         const SystemClock clock;
         XdgTrash trash(home.path("Trash"), clock, atGreenwich);
-        state.ResumeTiming();
-        for (int i = 0; i < count; ++i) {
-            const std::string number = std::to_string(i);
-            const TrashOutcome outcome =
-                trash.moveToTrash({.path = cache / number / (haveOneName ? "data" : number),
-                                   .inside = home.path(".cache")});
-            if (!outcome.movedBytes) {
-                state.SkipWithError(outcome.error.c_str());
-                return;
+        PosixFileWalk walk;
+        const CachesPlace place{home.path(".cache"), home.path(), {}};
+        for (const auto& file : std::filesystem::recursive_directory_iterator(cache)) {
+            if (file.is_regular_file()) {
+                std::filesystem::last_write_time(
+                    file,
+                    std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 40));
             }
         }
+        const DiskCleanupPlan plan =
+            buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {}, {});
+        CleanupTally tally(plan.urls.size());
+        DiskChanges changes;
+        state.ResumeTiming();
+        moveOldCaches(trash, {plan.urls, place, 2.0}, tally, [] {}, Stop({}, changes), {});
         state.PauseTiming();
+        if (tally.progress().moved != count) {
+            state.SkipWithError("not all files were moved");
+            return;
+        }
         std::filesystem::remove_all(home.path());
         state.ResumeTiming();
     }

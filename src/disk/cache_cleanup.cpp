@@ -1,6 +1,10 @@
 #include "disk/cache_cleanup.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 
 #include "disk/disk_autopilot_policy.h"
 #include "disk/file_names.h"
@@ -12,6 +16,9 @@ namespace policy = DiskAutopilotSafetyPolicy;
 
 /// To tell each one would cost as much as to read it.
 constexpr std::int64_t filesPerProgress = 256;
+
+/// Few enough that a stop has little to take back.
+constexpr std::size_t filesPreparedAtOnce = 16;
 
 /// The folder of the caches without links; empty when nothing may be taken for it.
 std::string cachesRoot(const CachesPlace& place) {
@@ -87,25 +94,33 @@ void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& 
                    const std::stop_token& stopToken) {
     const std::string root = cachesRoot(request.place);
     const std::int64_t cap = policy::byteCap(request.maxGB);
-    for (const CleanupCandidate& file : request.files) {
-        if (stop.isRequested() || stopToken.stop_requested()) {
-            return;
-        }
-        // Until the file is counted, so that the receipt of a run that the end of the program cuts
-        // short counts it too.
+    const auto isStopped = [&] { return stop.isRequested() || stopToken.stop_requested(); };
+    std::span<const CleanupCandidate> rest = request.files;
+    while (!rest.empty() && !isStopped()) {
+        // Until the files are counted, so that the receipt of a run that the end of the program
+        // cuts short counts them too.
         const auto change = stop.beginChange();
         if (!change) {
             return;
         }
-        TrashOutcome outcome;
-        if (policy::isInsideUserCaches(resolvedPath(file.path), root)) {
-            outcome = trash.moveToTrash({.path = file.path,
-                                         .inside = root,
-                                         .identity = file.identity,
-                                         .maximumBytes = cap - tally.progress().movedBytes});
+        const auto files = rest.first(std::min(rest.size(), filesPreparedAtOnce));
+        rest = rest.subspan(files.size());
+        std::vector<std::unique_ptr<PreparedMove>> moves;
+        for (const CleanupCandidate& file : files) {
+            const bool isInside = policy::isInsideUserCaches(resolvedPath(file.path), root);
+            moves.push_back(
+                isInside ? trash.prepareMove(
+                               {.path = file.path, .inside = root, .identity = file.identity})
+                         : nullptr);
         }
-        tally.count(outcome);
-        progress();
+        for (std::unique_ptr<PreparedMove>& move : moves) {
+            if (isStopped()) {
+                return;
+            }
+            tally.count(move ? move->complete(cap - tally.progress().movedBytes) : TrashOutcome());
+            move.reset();
+            progress();
+        }
     }
 }
 

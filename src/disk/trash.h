@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -57,6 +58,17 @@ struct PutBackOutcome {
     std::string error = {};  ///< why not, in the system's words; empty when it was put back
 };
 
+/// A move to the Trash that was prepared. When it is destroyed without `complete`, nothing was
+/// moved. One thread; not longer than the `Trash`.
+class PreparedMove {
+public:
+    virtual ~PreparedMove() = default;
+
+    /// Makes the move, as `Trash::moveToTrash` does. Once. `maximumBytes` takes the place of that
+    /// in the request.
+    virtual TrashOutcome complete(std::optional<std::int64_t> maximumBytes) = 0;
+};
+
 /// The Trash of the user, from which the file manager can restore. Called on background threads.
 class Trash {
 public:
@@ -66,6 +78,11 @@ public:
     /// fails, the file is then in its place or can be restored. Blocks for as long as the move
     /// takes, and is not to be interrupted.
     virtual TrashOutcome moveToTrash(const TrashRequest& request) = 0;
+
+    /// Begins such a move. Several files are moved faster when a few of them are prepared before
+    /// the first is completed, because what they wait for is then waited for together. Never null:
+    /// why a file is left is told when it is completed. Here it does nothing in advance.
+    virtual std::unique_ptr<PreparedMove> prepareMove(const TrashRequest& request);
 
     /// Puts a file back to where it was. Never replaces a file, creates no folder, and leaves what
     /// is not the file that was moved. Whatever fails, the file is in its place or can be restored.

@@ -118,6 +118,11 @@ OpenedTrashSource openTrashSource(const TrashRequest& request) {
     return result;
 }
 
+std::string objectionTo(const TrashRequest& request, const TrashSource& source) {
+    const auto status = statusOf(source.file.get());
+    return status ? objection(request, *status) : systemWords(errno);
+}
+
 std::string objectionToStored(TrashRequest request, const TrashSource& source,
                               const FileStatus& stored) {
     request.identity = source.identity;

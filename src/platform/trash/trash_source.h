@@ -43,6 +43,9 @@ OpenedPlace openPlace(const std::string& path, const std::optional<std::string>&
 bool isStillAt(const std::string& folderPath, const std::optional<std::string>& inside,
                const FileIdentity& folder);
 
+/// Why the file must stay as it is now; empty when it may be moved.
+std::string objectionTo(const TrashRequest& request, const TrashSource& source);
+
 /// Why the file that was moved, now `stored`, is to be put back; empty when it was the right one.
 std::string objectionToStored(TrashRequest request, const TrashSource& source,
                               const FileStatus& stored);

@@ -26,6 +26,11 @@ TrashOutcome left(std::string why) {
     return {.movedBytes = {}, .item = {}, .error = std::move(why)};
 }
 
+/// Begins to write out the content, and does not wait. A failure shows in `flush`.
+void beginFlush(int file) {
+    static_cast<void>(::sync_file_range(file, 0, 0, SYNC_FILE_RANGE_WRITE));
+}
+
 /// Waits until the content is written out. A full `fdatasync` also waits for the journal, for
 /// milliseconds per file. That is not needed: the journal keeps the order, so a rename that
 /// survives a loss of power does so together with the extent that was allocated before it.
@@ -37,27 +42,6 @@ bool flush(int file) {
     }
     const bool isUnsupported = errno == ENOSYS || errno == EINVAL || errno == ESPIPE;
     return isUnsupported && ::fdatasync(file) == 0;
-}
-
-/// Creates the `.trashinfo`, which reserves the name. Returns 0, or the error number, and then
-/// there is none of ours.
-int reserve(const TrashFolder& trash, const std::string& name, std::string_view text) {
-    const std::string infoName = trashInfoName(name);
-    const UniqueFD info(::openat(trash.info.get(), infoName.c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                                 S_IRUSR | S_IWUSR));
-    if (!info.valid()) {
-        return errno;
-    }
-    int error = writeAll(info.get(), text);
-    if (error == 0 && !flush(info.get())) {
-        error = errno;
-    }
-    if (error == 0) {
-        return 0;
-    }
-    ::unlinkat(trash.info.get(), infoName.c_str(), 0);
-    return error;
 }
 
 bool renameWithoutReplacing(int from, const std::string& name, int to, const std::string& newName) {
@@ -84,19 +68,6 @@ int renameIntoTrash(int folder, const std::string& name, const TrashFolder& tras
     const bool isRenamed =
         ::renameat(folder, name.c_str(), trash.files.get(), storedName.c_str()) == 0;
     return isRenamed ? 0 : errno;
-}
-
-/// Describes and moves a file. Returns 0, or the error number, and then nothing has changed.
-int store(int folder, const std::string& name, const TrashFolder& trash,
-          const std::string& storedName, std::string_view info) {
-    int error = reserve(trash, storedName, info);
-    if (error == 0) {
-        error = renameIntoTrash(folder, name, trash, storedName);
-        if (error != 0) {
-            ::unlinkat(trash.info.get(), trashInfoName(storedName).c_str(), 0);
-        }
-    }
-    return error;
 }
 
 /// The content of a `.trashinfo`; empty when there is none, or none of ours.
@@ -126,56 +97,169 @@ std::size_t longestNameIn(int folder) {
     return longest > 0 ? static_cast<std::size_t>(longest) : NAME_MAX;
 }
 
-TrashOutcome returnFile(const TrashSource& source, const TrashFolder& trash,
-                        const std::string& storedName, std::string why) {
-    if (!renameWithoutReplacing(trash.files.get(), storedName, source.folder.get(), source.name)) {
-        return left(why + "; what had its name is in the Trash: " + systemWords(errno));
-    }
-    ::unlinkat(trash.info.get(), trashInfoName(storedName).c_str(), 0);
-    return left(std::move(why));
-}
-
 }  // namespace
 
 XdgTrash::XdgTrash(std::string homeTrash, const Clock& clock, UTCOffset utcOffset)
     : homeTrash_(std::move(homeTrash)), clock_(clock), utcOffset_(std::move(utcOffset)) {}
 
-TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
-    const auto [source, why] = openTrashSource(request);
-    if (!why.empty()) {
-        return left(why);
+/// A move from the `.trashinfo` on. The functions return 0 or an error number.
+class XdgTrash::Move final : public PreparedMove {
+public:
+    Move(XdgTrash& owner, const TrashRequest& request);
+    Move(const Move&) = delete;
+    Move& operator=(const Move&) = delete;
+    ~Move() override { removeDescription(); }
+
+    TrashOutcome complete(std::optional<std::int64_t> maximumBytes) override;
+
+private:
+    /// Writes the `.trashinfo` under the first free name, which reserves the name.
+    int describe();
+    int describeAs(const std::string& name);
+    bool isDescribed() const;
+    void removeDescription();
+    int store();
+    TrashOutcome returnFile(std::string why);
+
+    XdgTrash& owner_;
+    TrashRequest request_;
+    TrashSource source_;
+    std::string why_;  ///< the file is left; empty while it may be moved
+    std::optional<TrashFolder> trash_;
+    std::string text_;  ///< of the `.trashinfo`
+    std::size_t longestName_ = 0;
+    std::string storedName_;
+    UniqueFD info_;  ///< valid while the `.trashinfo` is to be removed
+};
+
+XdgTrash::Move::Move(XdgTrash& owner, const TrashRequest& request)
+    : owner_(owner), request_(request) {
+    OpenedTrashSource opened = openTrashSource(request);
+    source_ = std::move(opened.source);
+    why_ = std::move(opened.objection);
+    if (!why_.empty()) {
+        return;
     }
-    const auto trash = openTrashFolder(source.folder.get(), source.name, request.path, homeTrash_);
-    if (!trash) {
-        return left(systemWords(errno));
+    trash_ = openTrashFolder(source_.folder.get(), source_.name, request.path, owner.homeTrash_);
+    if (!trash_) {
+        why_ = systemWords(errno);
+        return;
     }
-    const Date now = clock_.now();
-    const std::string info = trashInfoText(trash->restorePath, now, utcOffset_(now));
-    const std::size_t longest = longestNameIn(trash->info.get());
-    std::string storedName = nameInTrash(source.name, 1, longest);
-    int error = store(source.folder.get(), source.name, *trash, storedName, info);
+    const Date now = owner.clock_.now();
+    text_ = trashInfoText(trash_->restorePath, now, owner.utcOffset_(now));
+    longestName_ = longestNameIn(trash_->info.get());
+    if (const int error = describe(); error != 0) {
+        why_ = systemWords(error);
+    }
+}
+
+int XdgTrash::Move::describe() {
     constexpr int mostAttempts = 100'000;
+    int error =
+        storedName_.empty() ? describeAs(nameInTrash(source_.name, 1, longestName_)) : EEXIST;
     for (int attempt = 0; error == EEXIST && attempt < mostAttempts; ++attempt) {
-        storedName = nameInTrash(source.name, nextNumber_++, longest);
-        error = store(source.folder.get(), source.name, *trash, storedName, info);
+        error = describeAs(nameInTrash(source_.name, owner_.nextNumber_++, longestName_));
     }
-    if (error != 0) {
+    return error;
+}
+
+int XdgTrash::Move::describeAs(const std::string& name) {
+    UniqueFD info(::openat(trash_->info.get(), trashInfoName(name).c_str(),
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                           S_IRUSR | S_IWUSR));
+    if (!info.valid()) {
+        return errno;
+    }
+    storedName_ = name;
+    info_ = std::move(info);
+    const int error = writeAll(info_.get(), text_);
+    if (error == 0) {
+        beginFlush(info_.get());
+    }
+    return error;
+}
+
+bool XdgTrash::Move::isDescribed() const {
+    const auto written = statusOf(info_.get());
+    const auto named = statusAt(trash_->info.get(), trashInfoName(storedName_));
+    return written && named && written->identity == named->identity;
+}
+
+void XdgTrash::Move::removeDescription() {
+    // The owner may have emptied the Trash, and the name may be another file's by now.
+    if (info_.valid() && isDescribed()) {
+        ::unlinkat(trash_->info.get(), trashInfoName(storedName_).c_str(), 0);
+    }
+    info_.reset();
+}
+
+int XdgTrash::Move::store() {
+    for (;;) {
+        if (!flush(info_.get())) {
+            return errno;
+        }
+        if (!isDescribed()) {
+            return ESTALE;
+        }
+        int error = renameIntoTrash(source_.folder.get(), source_.name, *trash_, storedName_);
+        if (error == EEXIST) {
+            // A file is left there without a description.
+            removeDescription();
+            error = describe();
+            if (error == 0) {
+                continue;
+            }
+        }
+        return error;
+    }
+}
+
+TrashOutcome XdgTrash::Move::returnFile(std::string why) {
+    if (!renameWithoutReplacing(trash_->files.get(), storedName_, source_.folder.get(),
+                                source_.name)) {
+        why += "; what had its name is in the Trash: " + systemWords(errno);
+        info_.reset();
+        return left(std::move(why));
+    }
+    return left(std::move(why));
+}
+
+TrashOutcome XdgTrash::Move::complete(std::optional<std::int64_t> maximumBytes) {
+    request_.maximumBytes = maximumBytes;
+    if (why_.empty()) {
+        why_ = objectionTo(request_, source_);
+    }
+    if (!why_.empty()) {
+        return left(why_);
+    }
+    if (const int error = store(); error != 0) {
         return left(systemWords(error));
     }
-    const auto stored = statusAt(trash->files.get(), storedName);
+    const auto stored = statusAt(trash_->files.get(), storedName_);
     if (!stored) {
-        return left(systemWords(errno));
+        why_ = systemWords(errno);
+        info_.reset();
+        return left(why_);
     }
-    if (std::string late = objectionToStored(request, source, *stored); !late.empty()) {
-        return returnFile(source, *trash, storedName, std::move(late));
+    if (std::string late = objectionToStored(request_, source_, *stored); !late.empty()) {
+        return returnFile(std::move(late));
     }
+    info_.reset();
     return {.movedBytes = stored->bytes,
-            .item = TrashItem{.path = request.path,
-                              .storedName = std::move(storedName),
-                              .description = info,
+            .item = TrashItem{.path = request_.path,
+                              .storedName = storedName_,
+                              .description = text_,
                               .identity = stored->identity,
                               .bytes = stored->bytes,
-                              .inside = request.inside}};
+                              .inside = request_.inside}};
+}
+
+std::unique_ptr<PreparedMove> XdgTrash::prepareMove(const TrashRequest& request) {
+    return std::make_unique<Move>(*this, request);
+}
+
+TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
+    return Move(*this, request).complete(request.maximumBytes);
 }
 
 PutBackOutcome XdgTrash::putBack(const TrashItem& item) {

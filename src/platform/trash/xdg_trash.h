@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "core/clock.h"
@@ -28,11 +29,16 @@ public:
     /// Any thread, several at once.
     TrashOutcome moveToTrash(const TrashRequest& request) override;
 
+    /// Writes the `.trashinfo`. The move waits until it is on disk.
+    std::unique_ptr<PreparedMove> prepareMove(const TrashRequest& request) override;
+
     /// Any thread, several at once. The `.trashinfo` goes last, so that a file that is not in its
     /// place yet can be restored.
     PutBackOutcome putBack(const TrashItem& item) override;
 
 private:
+    class Move;
+
     const std::string homeTrash_;
     const Clock& clock_;
     const UTCOffset utcOffset_;

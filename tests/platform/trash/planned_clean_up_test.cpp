@@ -3,12 +3,18 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
+#include <csignal>
+#include <cstddef>
 #include <ctime>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -43,16 +49,25 @@ protected:
 
     DiskCleanupPlan plan() {
         PosixFileWalk walk;
-        return buildDiskCleanupPlan(
-            walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {}, {});
+        return buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {},
+                                    {});
     }
 
-    CleanupProgress carryOut(const DiskCleanupPlan& made) {
+    CleanupProgress carryOut(
+        const DiskCleanupPlan& made, const std::function<void()>& afterEach = [] {}) {
         DiskChanges changes;
         CleanupTally tally(made.urls.size());
-        moveOldCaches(
-            trash, {made.urls, place, 2.0}, tally, [] {}, Stop({}, changes), {});
+        moveOldCaches(trash, {made.urls, place, 2.0}, tally, afterEach, Stop({}, changes),
+                      stop.get_token());
         return tally.progress();
+    }
+
+    /// Makes and plans so many files, which is more than are prepared at once.
+    DiskCleanupPlan planOf(int count) {
+        for (int number = 0; number < count; ++number) {
+            old(std::to_string(number));
+        }
+        return plan();
     }
 
     std::vector<std::string> movedNames() const {
@@ -64,6 +79,7 @@ protected:
         return names;
     }
 
+    std::stop_source stop;
     const CachesPlace place{(home / ".cache").string(), home.string(), {}};
 };
 
@@ -81,7 +97,8 @@ TEST_F(PlannedCleanUpTest, MovesWhatIsStillAsItWasPlanned) {
 TEST_F(PlannedCleanUpTest, LeavesWhatTookThePlaceOfAPlannedFile) {
     const std::map<std::string, std::function<void(const std::string&)>> swaps{
         // Its number is often the same, and then its birth tells it.
-        {"made anew", [this](const std::string& path) {
+        {"made anew",
+         [this](const std::string& path) {
              const auto birth = statusAt(AT_FDCWD, path)->identity.bornAt;
              fs::remove(path);
              // Births are kept in steps of a few milliseconds.
@@ -89,26 +106,29 @@ TEST_F(PlannedCleanUpTest, LeavesWhatTookThePlaceOfAPlannedFile) {
                  fs::remove(inCache("tick"));
              }
          }},
-        {"replaced", [this](const std::string& path) {
-             fs::rename(write(home / "new", "new content"), path);
-         }},
-        {"a link", [this](const std::string& path) {
+        {"replaced",
+         [this](const std::string& path) { fs::rename(write(home / "new", "new content"), path); }},
+        {"a link",
+         [this](const std::string& path) {
              fs::remove(path);
              fs::create_symlink(write(home / "mine", "mine"), path);
          }},
-        {"a folder", [](const std::string& path) {
+        {"a folder",
+         [](const std::string& path) {
              fs::remove(path);
              fs::create_directory(path);
          }},
         {"gone", [](const std::string& path) { fs::remove(path); }},
         {"emptied", [](const std::string& path) { fs::resize_file(path, 0); }},
         {"another name", [](const std::string& path) { fs::rename(path, path + " elsewhere"); }},
-        {"another folder", [this](const std::string& path) {
+        {"another folder",
+         [this](const std::string& path) {
              const fs::path folder = fs::path(path).parent_path();
              fs::rename(folder, home / "kept");
              write(path, "new content");
          }},
-        {"a link for its folder", [this](const std::string& path) {
+        {"a link for its folder",
+         [this](const std::string& path) {
              const fs::path folder = fs::path(path).parent_path();
              fs::rename(folder, home / "linked");
              fs::create_directory_symlink(home / "linked", folder);
@@ -134,6 +154,60 @@ TEST_F(PlannedCleanUpTest, LeavesWhatTookThePlaceOfAPlannedFile) {
     EXPECT_EQ(fileText(home / "kept/file"), "planned");
     EXPECT_EQ(fileText(home / "linked/file"), "planned");
     EXPECT_EQ(fileText(home / "mine"), "mine");
+}
+
+TEST_F(PlannedCleanUpTest, AStopTakesBackWhatWasPreparedOnly) {
+    const DiskCleanupPlan made = planOf(20);
+    int done = 0;
+    const CleanupProgress progress = carryOut(made, [&] {
+        if (++done == 3) {
+            stop.request_stop();
+        }
+    });
+    EXPECT_EQ(progress, (CleanupProgress{3, 20, 3, 9}));
+    EXPECT_THAT(movedNames(), SizeIs(3));
+    EXPECT_THAT(plan().urls, SizeIs(17)) << "the others are in their places";
+}
+
+TEST_F(PlannedCleanUpTest, AKillLeavesEachFileInItsPlaceOrRestorable) {
+    const DiskCleanupPlan made = planOf(20);
+    for (const int killedAfter : {1, 16}) {
+        const std::size_t before = plan().urls.size();
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int done = 0;
+            carryOut(made, [&] {
+                if (++done == killedAfter) {
+                    ::raise(SIGKILL);
+                }
+            });
+            ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        EXPECT_LT(plan().urls.size(), before);
+        std::size_t restorable = 0;
+        for (const TrashedFile& file : contents()) {
+            EXPECT_FALSE(file.restorePath.empty()) << "cannot be restored";
+            restorable += file.isThere ? 1U : 0U;
+        }
+        EXPECT_EQ(restorable + plan().urls.size(), made.urls.size());
+    }
+    // Descriptions that were left are in nobody's way.
+    const DiskCleanupPlan rest = plan();
+    EXPECT_EQ(carryOut(rest).moved, rest.urls.size());
+}
+
+TEST_F(PlannedCleanUpTest, AFileWhoseDescriptionIsGoneStays) {
+    const std::string path = old("a");
+    const auto move = trash.prepareMove(reviewed(path));
+    EXPECT_EQ(contents().at(0).restorePath, path);
+    fs::remove(homeTrash / "info/a.trashinfo");
+    write(homeTrash / "info/a.trashinfo", "of another program");
+    EXPECT_EQ(move->complete({}).movedBytes, std::nullopt);
+    EXPECT_EQ(fileText(path), "old");
+    EXPECT_EQ(fileText(homeTrash / "info/a.trashinfo"), "of another program");
 }
 
 TEST_F(PlannedCleanUpTest, FollowsALinkThatTheOwnerMadeToTheCachesAndNoneBelow) {
