@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <utility>
 
+#include "core/number_text.h"
 #include "core/text.h"
 
 namespace tallowcrest {
@@ -185,6 +187,28 @@ std::optional<bool> JsonReader::boolean() {
     }
     skip();
     return std::nullopt;
+}
+
+std::optional<std::int64_t> JsonReader::integer() {
+    const char first = peek();
+    const char* const start = at_;
+    skip();
+    if (failed_ || (first != '-' && !isDigit(first))) {
+        return std::nullopt;
+    }
+    const std::string_view number(start, at_);
+    if (const auto whole = parseDecimalInteger(number)) {
+        return whole;
+    }
+    constexpr double largestExact = 9007199254740992.0;
+    const auto value = parseDecimalFloat(number);
+    const bool isExact = value && std::trunc(*value) == *value && std::abs(*value) <= largestExact;
+    return isExact ? std::optional(static_cast<std::int64_t>(*value)) : std::nullopt;
+}
+
+bool JsonReader::null() {
+    peek();
+    return takeWord("null");
 }
 
 void JsonReader::skip() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +33,12 @@ public:
     /// Reads the next value. Absent when it is of another type.
     std::optional<std::string> text();
     std::optional<bool> boolean();
+    /// Also of a number with a fraction or an exponent ("3.0", "1e2") that is a whole one, as far
+    /// as those are exact. Absent for a number that does not fit.
+    std::optional<std::int64_t> integer();
+
+    /// Whether the next value is null, which is then read. Otherwise nothing has been read.
+    bool null();
 
     /// Reads the next value, of any type.
     void skip();

@@ -39,8 +39,8 @@ SystemMonitor::SystemMonitor(const MonitorPorts& ports, HostFacts host)
       disk_(
           std::make_unique<Disk>(Disk::Dependencies{services_, *sample_, *actions_, remote_->tools,
                                                     *advisor_, [this] { refresh(); }, ports.disk})),
-      integration_(std::make_unique<Integration>(services_, remote_->scan, advisor_->provider,
-                                                 ports.integration)),
+      integration_(std::make_unique<Integration>(services_, remote_->scan, remote_->tools,
+                                                 advisor_->provider, ports.integration)),
       autoRules_(std::make_unique<AutoRules>(AutoRules::Dependencies{
           services_, *sample_, actions_->review, actions_->local, integration_->warnings,
           host_.protection, remote_->scan, disk_->autopilot})),

@@ -114,6 +114,7 @@ public:
     Reports& reports() { return *reports_; }
     Advisor& advisor() { return *advisor_; }
     Disk& disk() { return *disk_; }
+    Integration& integration() { return *integration_; }
     AutoRules& autoRules() { return *autoRules_; }
 
 private:

@@ -39,8 +39,9 @@ const AllowedExecutables& linuxExecutables() {
     static const AllowedExecutables executables = [] {
         std::vector<std::string_view> paths(linuxSystemMonitors.begin(), linuxSystemMonitors.end());
         paths.insert(paths.end(), linuxTailscaleApps.begin(), linuxTailscaleApps.end());
-        paths.insert(paths.end(), {"/usr/bin/du", "/usr/bin/pkexec", "/usr/bin/ssh",
-                                   "/usr/bin/sync", "/usr/bin/tailscale", "/usr/sbin/sysctl"});
+        paths.insert(paths.end(),
+                     {"/usr/bin/du", "/usr/bin/pkexec", "/usr/bin/rsync", "/usr/bin/ssh",
+                      "/usr/bin/sync", "/usr/bin/tailscale", "/usr/sbin/sysctl"});
         return AllowedExecutables(std::span<const std::string_view>(paths));
     }();
     return executables;

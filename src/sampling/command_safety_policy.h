@@ -40,9 +40,9 @@ inline constexpr std::array<std::string_view, 4> linuxTailscaleApps{
     "/var/lib/flatpak/exports/bin/org.fkoehler.KTailctl"};
 
 /// The tools that are launched on Linux: the secure shell, the client of the tailnet, the one that
-/// measures folders, the tools that purge the file caches with the owner's authorisation,
-/// `linuxSystemMonitors` and `linuxTailscaleApps`. Kernel files and system calls replace the
-/// others.
+/// measures folders, the one that copies an installation, the tools that purge the file caches with
+/// the owner's authorisation, `linuxSystemMonitors` and `linuxTailscaleApps`. Kernel files and
+/// system calls replace the others.
 const AllowedExecutables& linuxExecutables();
 
 inline bool isAllowedExecutable(const AllowedExecutables& allowed, std::string_view path) {

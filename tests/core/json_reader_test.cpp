@@ -203,5 +203,45 @@ TEST(JsonReader, IsNotCompleteBeforeTheEnd) {
     EXPECT_TRUE(reader.isComplete());
 }
 
+TEST(JsonReader, ReadsWholeNumbers) {
+    const std::vector<std::pair<const char*, std::optional<std::int64_t>>> table{
+        {"0", 0},
+        {" -7 ", -7},
+        {"-0", 0},
+        {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+        {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+        {"3.0", 3},
+        {"1e2", 100},
+        {"9007199254740992.0", 9007199254740992},
+        {"9007199254740994.0", std::nullopt},
+        {"9223372036854775808", std::nullopt},
+        {"1.5", std::nullopt},
+        {"1e400", std::nullopt},
+        {"\"7\"", std::nullopt},
+        {"null", std::nullopt},
+        {"[7]", std::nullopt},
+    };
+    for (const auto& [text, number] : table) {
+        JsonReader reader(text);
+        EXPECT_EQ(reader.integer(), number) << text;
+        EXPECT_TRUE(reader.isComplete()) << text;
+    }
+    for (const char* text : {"", "+7", "07", "7.", "-", "0x7", "7a"}) {
+        JsonReader reader(text);
+        reader.integer();
+        EXPECT_FALSE(reader.isComplete()) << text;
+    }
+}
+
+TEST(JsonReader, TellsNullFromOtherValues) {
+    JsonReader reader("[null, 7]");
+    ASSERT_TRUE(reader.enterArray());
+    ASSERT_TRUE(reader.nextElement());
+    EXPECT_TRUE(reader.null());
+    ASSERT_TRUE(reader.nextElement());
+    EXPECT_FALSE(reader.null());
+    EXPECT_EQ(reader.integer(), 7);
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -30,9 +30,10 @@ TEST(CommandSafetyPolicy, MacOSAllowsExactlyTwelveTools) {
     }
 }
 
-TEST(CommandSafetyPolicy, LinuxAllowsExactlySixToolsAndTheApplicationsToOpen) {
-    constexpr std::array tools{"/usr/bin/du"sv,   "/usr/bin/pkexec"sv,    "/usr/bin/ssh"sv,
-                               "/usr/bin/sync"sv, "/usr/bin/tailscale"sv, "/usr/sbin/sysctl"sv};
+TEST(CommandSafetyPolicy, LinuxAllowsExactlySevenToolsAndTheApplicationsToOpen) {
+    constexpr std::array tools{"/usr/bin/du"sv,     "/usr/bin/pkexec"sv, "/usr/bin/rsync"sv,
+                               "/usr/bin/ssh"sv,    "/usr/bin/sync"sv,   "/usr/bin/tailscale"sv,
+                               "/usr/sbin/sysctl"sv};
     EXPECT_EQ(linuxExecutables().size(),
               tools.size() + linuxSystemMonitors.size() + linuxTailscaleApps.size());
     for (const std::string_view tool : tools) {

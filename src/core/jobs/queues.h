@@ -47,6 +47,8 @@ enum class Lane {
     diskCleanup,
     storageScan,
     personalFiles,
+    installation,
+    updates,
     count,  ///< not a lane; stays the last
 };
 inline constexpr auto laneCount = static_cast<std::size_t>(Lane::count);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <functional>
 #include <set>
 #include <string>
@@ -47,6 +48,7 @@ inline constexpr std::string_view automationEmergencyStopKey =
     "Tallowcrest.automationEmergencyStop";
 inline constexpr std::string_view storageAnalysisBookmarkKey =
     "Tallowcrest.storageAnalysisBookmark";
+inline constexpr std::string_view lastCheckKey = "proUpdaterLastCheck";
 
 }  // namespace settings_keys
 
@@ -55,6 +57,7 @@ using TextSet = std::set<std::string, std::less<>>;
 /// What the owner chose. Each member starts with its default, which holds when nothing is stored.
 struct Settings {
     static constexpr double defaultWarningThreshold = 82.0;
+    static constexpr double distantPast = -63114076800.0;  ///< the beginning of the year 1
 
     double warningThreshold = defaultWarningThreshold;  ///< percent
     TextSet protectedAppNames;
@@ -78,6 +81,8 @@ struct Settings {
     double diskCleanupAgeDays = 30.0;
     double diskMaxCleanupGB = 2.0;
     bool automationEmergencyStopEngaged = false;
+    /// When the update feed was last read, as seconds of a `Date`; long ago when it never was.
+    double lastUpdateCheck = distantPast;
 };
 
 /// The age in days from which a cache file may be moved, limited to 7 to 365. 30 for a value that
@@ -140,6 +145,8 @@ inline constexpr auto numbers = std::to_array<Declared<double>>({
     {diskMinimumFreeKey, &Settings::diskMinimumFreeGB},
     {diskCleanupAgeKey, &Settings::diskCleanupAgeDays, clampedAgeDays},
     {diskMaxCleanupKey, &Settings::diskMaxCleanupGB, clampedMaxGB},
+    {lastCheckKey, &Settings::lastUpdateCheck, nullptr,
+     [](const double& seconds) { return std::isfinite(seconds); }},
 });
 
 inline constexpr auto texts = std::to_array<Declared<std::string>>({

@@ -1,0 +1,122 @@
+#include "integration/install.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "actions/tool_runner.h"
+#include "core/activity_log.h"
+#include "core/observable.h"
+#include "core/services.h"
+#include "integration/installation_files.h"
+#include "integration/startup_files.h"
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* copyTool = "/usr/bin/rsync";
+constexpr std::chrono::milliseconds copyDeadline{20'000};
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
+
+/// Whether `bundle` has the program. A copy of a folder without it would remove an installed one.
+bool hasProgram(const InstallPlan& plan, const InstallationFiles& files) {
+    return !plan.bundle.empty() &&
+           std::ranges::all_of(plan.programFiles, [&](const std::string& name) {
+               return files.exists(plan.bundle + '/' + name);
+           });
+}
+
+Outcome notCompleted(const std::string& reason) {
+    return Outcome::failed("Install did not complete. " + reason);
+}
+
+/// Makes what leads to the installed program. `icon` is its picture.
+Outcome makeEntries(const InstallPlan& plan, InstallationFiles& files, const std::string& icon) {
+    const auto inItsFolder = [&files](const std::string& path, const auto& make) {
+        if (path.empty()) {
+            return Outcome::done();
+        }
+        Outcome outcome = files.makeFolder(folderOf(path));
+        if (outcome.isAccepted()) {
+            outcome = make();
+        }
+        return outcome.isAccepted() ? outcome : notCompleted(path + ": " + outcome.message);
+    };
+    Outcome outcome =
+        inItsFolder(plan.launcher, [&] { return files.makeLink(plan.launcher, plan.installed); });
+    if (outcome.isAccepted()) {
+        outcome = inItsFolder(plan.icon, [&] { return files.writeFile(plan.icon, icon); });
+    }
+    if (outcome.isAccepted()) {
+        outcome = inItsFolder(plan.menuEntry, [&] {
+            return files.writeFile(plan.menuEntry, menuEntry(plan.installed));
+        });
+    }
+    return outcome;
+}
+
+Outcome install(const InstallPlan& plan, InstallationFiles& files, ToolRunner& tools,
+                const std::string& icon) {
+    if (!hasProgram(plan, files)) {
+        return Outcome::refused("Could not locate the running app bundle.");
+    }
+    if (files.isLink(plan.target)) {
+        return notCompleted(plan.shownTarget + " is a symbolic link.");
+    }
+    if (!files.exists(copyTool)) {
+        return notCompleted(std::string(copyTool) + " is missing.");
+    }
+    if (const Outcome made = files.makeFolder(folderOf(plan.target)); !made.isAccepted()) {
+        return notCompleted(folderOf(plan.target) + ": " + made.message);
+    }
+    const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);
+    if (!files.exists(plan.installed)) {
+        return notCompleted(output.empty() ? "Try the installer script in outputs." : output);
+    }
+    const Outcome entries = makeEntries(plan, files, icon);
+    return entries.isAccepted()
+               ? Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.')
+               : entries;
+}
+
+}  // namespace
+
+Install::Install(const Services& services, ToolRunner& tools, InstallPorts ports)
+    : log_(services.log),
+      tools_(tools),
+      ports_(std::move(ports)),
+      observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
+      jobs_(services.jobs) {}
+
+Install::~Install() = default;
+
+Outcome Install::installToApplications(Finished finished) {
+    if (state_.isInstalling) {
+        return Outcome::ignored();
+    }
+    if (ports_.files == nullptr) {
+        return log_.record(Outcome::refused("Could not locate the running app bundle."));
+    }
+    state_.isInstalling = true;
+    observable_->changed();
+    jobs_.run(
+        Lane::installation,
+        [plan = ports_.install, files = ports_.files, &tools = tools_,
+         icon = ports_.icon ? ports_.icon() : std::string()](const Stop&) {
+            return install(plan, *files, tools, icon);
+        },
+        [this, finished = std::move(finished)](const Outcome& outcome) {
+            state_.isInstalling = false;
+            observable_->changed();
+            log_.record(outcome);
+            if (finished) {
+                finished(outcome);
+            }
+        });
+    return Outcome::asked();
+}
+
+}  // namespace tallowcrest

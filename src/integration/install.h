@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/jobs/jobs.h"
+#include "core/outcome.h"
+#include "integration/integration_ports.h"
+
+namespace tallowcrest {
+
+class ActivityLog;
+class Observable;
+class ToolRunner;
+struct Services;
+
+/// Copies the running program to where its user installs programs. Main thread.
+class Install {
+public:
+    struct State {
+        bool isInstalling = false;
+    };
+
+    /// The references must outlive the object.
+    Install(const Services& services, ToolRunner& tools, InstallPorts ports);
+    ~Install();
+    Install(const Install&) = delete;
+    Install& operator=(const Install&) = delete;
+
+    /// Gets the recorded result of an operation that was begun, on a later turn.
+    using Finished = std::function<void(const Outcome&)>;
+
+    const State& state() const { return state_; }
+    /// The place as texts name it, "/Applications"; empty where nothing can be installed.
+    const std::string& shownTarget() const { return ports_.install.shownTarget; }
+
+    /// Copies in the background; the message then says what became of it. Ignored while an
+    /// installation is under way. Refused where the running program cannot be located.
+    ///
+    /// Whether it worked is judged by the installed program being there afterwards, as an earlier
+    /// installation is, too.
+    Outcome installToApplications(Finished finished = {});
+
+    /// Notifies of changes of `state`.
+    Observable& observable() { return *observable_; }
+
+private:
+    ActivityLog& log_;
+    ToolRunner& tools_;
+    InstallPorts ports_;
+    std::unique_ptr<Observable> observable_;
+    State state_;
+    JobScope jobs_;
+};
+
+}  // namespace tallowcrest

@@ -1,0 +1,110 @@
+#include "integration/install_plan.h"
+
+#include <charconv>
+#include <cstddef>
+
+#include "integration/startup_files.h"
+
+namespace tallowcrest {
+namespace {
+
+/// The program that starts the others, which lie beside it.
+constexpr const char* linuxProgram = "tallowcrest";
+
+constexpr const char* installedBundle = "/Applications/Tallowcrest Pro.app";
+
+/// The path as people write it.
+std::string shown(const std::string& path, const std::string& home) {
+    return path.starts_with(home + '/') ? '~' + path.substr(home.size()) : path;
+}
+
+std::string linuxTarget(const LinuxInstallPlaces& places) {
+    return places.home + "/.local/opt/tallowcrest";
+}
+
+}  // namespace
+
+InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
+    const std::string target = linuxTarget(places);
+    return {.bundle = places.program,
+            .programFiles = {linuxProgram, "tallowcrest-desktop", "tallowcrest-http.so"},
+            .target = target,
+            .shownTarget = shown(target, places.home),
+            .installed = target + '/' + linuxProgram,
+            .launcher = places.home + "/.local/bin/tallowcrest",
+            .menuEntry = places.data + "/applications/tallowcrest.desktop",
+            .icon = places.data + "/icons/hicolor/scalable/apps/tallowcrest.svg"};
+}
+
+LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
+    const std::string folder = places.configuration + "/autostart";
+    return {.folder = folder,
+            .shownFolder = shown(folder, places.home),
+            .file = folder + "/tallowcrest.desktop",
+            .installed = linuxTarget(places) + '/' + linuxProgram,
+            .running = places.program.empty() ? std::string() : places.program + '/' + linuxProgram,
+            .text = autostartEntry,
+            .loader = {}};
+}
+
+InstallPlan macOSInstallPlan(std::string_view bundlePath) {
+    return {.bundle = removingPercentEncoding(bundlePath),
+            .programFiles = {},
+            .target = installedBundle,
+            .shownTarget = "/Applications",
+            .installed = installedBundle,
+            .launcher = {},
+            .menuEntry = {},
+            .icon = {}};
+}
+
+LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
+    const std::string folder = home + "/Library/LaunchAgents";
+    return {.folder = folder,
+            .shownFolder = "~/Library/LaunchAgents",
+            .file = folder + "/com.rowanhesket.tallowcrest.pro.plist",
+            .installed = installedBundle,
+            .running = removingPercentEncoding(bundlePath),
+            .text = launchAgent,
+            .loader = "/bin/launchctl"};
+}
+
+std::string removingPercentEncoding(std::string_view path) {
+    std::string decoded;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        if (path[at] != '%') {
+            decoded += path[at];
+            continue;
+        }
+        const std::string_view digits = path.substr(at + 1, 2);
+        unsigned char byte = 0;
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
+        if (digits.size() < 2 || error != std::errc() || end != digits.data() + 2 || byte == 0) {
+            return {};
+        }
+        decoded += static_cast<char>(byte);
+        at += 2;
+    }
+    while (decoded.size() > 1 && decoded.ends_with('/')) {
+        decoded.pop_back();
+    }
+    return decoded;
+}
+
+std::vector<std::string> copyArguments(const InstallPlan& plan) {
+    std::vector<std::string> arguments{"-a", "--delete"};
+    if (!plan.programFiles.empty()) {
+        // The program may run from a folder that has other files too.
+        arguments.emplace_back("--delete-excluded");
+        for (const std::string& file : plan.programFiles) {
+            arguments.push_back("--include=/" + file);
+        }
+        arguments.emplace_back("--exclude=*");
+    }
+    arguments.push_back(plan.bundle + '/');
+    arguments.push_back(plan.target + '/');
+    return arguments;
+}
+
+}  // namespace tallowcrest

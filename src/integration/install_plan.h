@@ -1,0 +1,60 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tallowcrest {
+
+/// Where this program is installed for its user. Paths are absolute, those of folders without a
+/// slash at the end.
+struct InstallPlan {
+    std::string bundle;  ///< the folder of the running program; empty when it cannot be located
+    /// The names of the files in `bundle` that are the program; empty when all of them are.
+    std::vector<std::string> programFiles;
+    std::string target;       ///< gets the content of `bundle`
+    std::string shownTarget;  ///< the place as messages name it
+    std::string installed;    ///< what exists once the program is installed, and is started then
+    // What leads to the installed program on systems that need it; empty elsewhere.
+    std::string launcher;
+    std::string menuEntry;
+    std::string icon;
+};
+
+/// How this program is started when its user logs in.
+struct LoginPlan {
+    std::string folder;       ///< absolute, without a slash at the end
+    std::string shownFolder;  ///< the folder as messages name it
+    std::string file;         ///< the file in it that starts the program
+    std::string installed;    ///< `InstallPlan::installed`
+    std::string running;      ///< what is started as long as that does not exist
+    /// The content of the file, for the path of what is started.
+    std::string (*text)(std::string_view application);
+    /// The tool that unloads and loads the file; empty where the desktop finds it by itself.
+    std::string loader;
+};
+
+/// The folders of the user on Linux, absolute.
+struct LinuxInstallPlaces {
+    std::string home;
+    std::string data;           ///< of the XDG rules
+    std::string configuration;  ///< of the XDG rules
+    std::string program;        ///< the folder of the running program; empty when unknown
+};
+
+// Pure; any thread.
+
+InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places);
+LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
+
+/// `bundlePath` is the path in the URL of the running bundle, percent-encoded.
+InstallPlan macOSInstallPlan(std::string_view bundlePath);
+LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
+
+/// Without a slash at the end. Empty when an encoding is not valid, or stands for a NUL.
+std::string removingPercentEncoding(std::string_view path);
+
+/// The arguments of `rsync` for the copy: what `bundle` no longer has is removed from `target`.
+std::vector<std::string> copyArguments(const InstallPlan& plan);
+
+}  // namespace tallowcrest

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/outcome.h"
+
+namespace tallowcrest {
+
+/// The files by which the program is installed and started at login. All paths are absolute.
+/// Blocks; any thread.
+class InstallationFiles {
+public:
+    virtual ~InstallationFiles() = default;
+
+    /// Whether the path itself is a symbolic link. False when that cannot be read, as when there is
+    /// nothing.
+    virtual bool isLink(const std::string& path) const = 0;
+
+    /// Whether there is something, links followed.
+    virtual bool exists(const std::string& path) const = 0;
+
+    /// Creates the folder and those above it, as far as they are missing.
+    virtual Outcome makeFolder(const std::string& path) = 0;
+
+    /// Gives the file this content as a whole, readable by everybody, and creates it if it is
+    /// missing, but not its folder. Fails, with nothing written, where the file or its folder is a
+    /// link at the moment of writing.
+    virtual Outcome writeFile(const std::string& path, std::string_view text) = 0;
+
+    /// Makes the path a symbolic link to `target`, in place of another link. Fails where there is
+    /// anything but a link.
+    virtual Outcome makeLink(const std::string& path, const std::string& target) = 0;
+
+    /// Removes the file, or the link itself.
+    virtual Outcome removeFile(const std::string& path) = 0;
+};
+
+}  // namespace tallowcrest

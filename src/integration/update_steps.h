@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <variant>
+
+#include "integration/release.h"
+#include "integration/update_ports.h"
+
+namespace tallowcrest {
+
+/// The steps of the updater that wait for a server. Each blocks until it is over or a stop is
+/// requested. Any thread.
+
+/// A feed has a few hundred bytes.
+inline constexpr std::uint64_t longestFeed = 256UL * 1024;
+/// An image may not fill the disk.
+inline constexpr std::uint64_t longestImage = 4UL * 1024 * 1024 * 1024;
+
+/// Why a step did not work, as its alert describes it.
+struct UpdateError {
+    std::string description;
+};
+
+/// Reads the feed of the build and tests what it offers.
+std::variant<Release, UpdateError> fetchRelease(UpdateTransport& transport,
+                                                const UpdateBuild& build,
+                                                const std::stop_token& stop);
+
+/// How much of an image has arrived.
+struct DownloadProgress {
+    std::uint64_t received = 0;               ///< in bytes
+    std::optional<std::uint64_t> total = {};  ///< absent when the server has not told
+
+    bool operator==(const DownloadProgress&) const = default;
+};
+
+/// An image that was downloaded and has the digest of its release.
+struct VerifiedImage {
+    std::string path;  ///< absolute
+};
+
+/// Downloads the image of a release that `isAcceptable`, verifies it and gives it its name. Nothing
+/// of it stays after an error. `report` is called with each piece.
+std::variant<VerifiedImage, UpdateError> downloadImage(
+    UpdateTransport& transport, ImageFolder& images, const Release& release,
+    std::string_view imageEnding, const std::function<void(DownloadProgress)>& report,
+    const std::stop_token& stop);
+
+}  // namespace tallowcrest

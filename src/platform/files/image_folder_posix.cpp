@@ -1,0 +1,86 @@
+#include "platform/files/image_folder_posix.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "core/uuid.h"
+#include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
+
+namespace tallowcrest {
+namespace {
+
+std::string words(int error) {
+    return std::generic_category().message(error);
+}
+
+class PosixDownloadedImage final : public DownloadedImage {
+public:
+    PosixDownloadedImage(std::filesystem::path place, UniqueFD folder, std::string temporary,
+                         UniqueFD file)
+        : place_(std::move(place)),
+          folder_(std::move(folder)),
+          temporary_(std::move(temporary)),
+          file_(std::move(file)) {}
+
+    ~PosixDownloadedImage() override {
+        if (!temporary_.empty()) {
+            ::unlinkat(folder_.get(), temporary_.c_str(), 0);
+        }
+    }
+
+    std::string write(std::string_view bytes) override {
+        const int error = writeAll(file_.get(), bytes);
+        return error == 0 ? std::string() : words(error);
+    }
+
+    Outcome publish(const std::string& name) override {
+        constexpr mode_t everyoneMayRead = 0644;
+        if (::fchmod(file_.get(), everyoneMayRead) != 0) {
+            return Outcome::failed(words(errno));
+        }
+        // Fails where there is nothing of that name, or what only renaming can tell.
+        ::unlinkat(folder_.get(), name.c_str(), 0);
+        if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name.c_str()) != 0) {
+            return Outcome::failed(words(errno));
+        }
+        temporary_.clear();
+        return Outcome::done(place_ / name);
+    }
+
+private:
+    std::filesystem::path place_;
+    UniqueFD folder_;
+    std::string temporary_;  ///< empty once it is published
+    UniqueFD file_;
+};
+
+}  // namespace
+
+std::variant<std::unique_ptr<DownloadedImage>, std::string> PosixImageFolder::begin() {
+    std::filesystem::path place = place_();
+    if (!place.is_absolute()) {
+        return words(ENOENT);
+    }
+    UniqueFD folder(::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.valid()) {
+        return words(errno);
+    }
+    std::string temporary = ".tallowcrest-" + UUID::random().text() + ".part";
+    UniqueFD file(::openat(folder.get(), temporary.c_str(),
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                           S_IRUSR | S_IWUSR));
+    if (!file.valid()) {
+        return words(errno);
+    }
+    return std::make_unique<PosixDownloadedImage>(std::move(place), std::move(folder),
+                                                  std::move(temporary), std::move(file));
+}
+
+}  // namespace tallowcrest

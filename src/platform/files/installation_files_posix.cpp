@@ -1,0 +1,135 @@
+#include "platform/files/installation_files_posix.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <optional>
+#include <system_error>
+
+#include "core/uuid.h"
+#include "platform/base/make_directories.h"
+#include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
+
+namespace tallowcrest {
+namespace {
+
+Outcome outcomeOf(int error) {
+    return error == 0 ? Outcome::done() : Outcome::failed(std::generic_category().message(error));
+}
+
+/// The last part of a path in its open folder.
+struct Entry {
+    UniqueFD folder;
+    std::string name;
+};
+
+/// The folder itself must not be a link; those above it may be the owner's. Sets `errno`.
+Entry entryOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return {UniqueFD(::open(path.substr(0, slash).c_str(),
+                            O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)),
+            path.substr(slash + 1)};
+}
+
+/// Whether the entry is a link; absent when there is none, or it cannot be read.
+std::optional<bool> isLinkIn(const Entry& entry) {
+    struct stat status {};
+    if (::fstatat(entry.folder.get(), entry.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return std::nullopt;
+    }
+    return S_ISLNK(status.st_mode);
+}
+
+/// Gives the temporary entry its name, in place of an older one, unless that is what it must not
+/// be. Returns 0 or the error number; the temporary entry is gone then.
+int publish(const Entry& entry, const std::string& temporary, bool replacesLinks) {
+    const std::optional<bool> isLink = isLinkIn(entry);
+    int error = 0;
+    if (isLink && *isLink != replacesLinks) {
+        error = replacesLinks ? EEXIST : ELOOP;
+    } else if (::renameat(entry.folder.get(), temporary.c_str(), entry.folder.get(),
+                          entry.name.c_str()) != 0) {
+        error = errno;
+    }
+    if (error != 0) {
+        ::unlinkat(entry.folder.get(), temporary.c_str(), 0);
+    }
+    return error;
+}
+
+std::string temporaryName() {
+    return "." + UUID::random().text() + ".part";
+}
+
+int writeTemporary(const Entry& entry, const std::string& temporary, std::string_view text) {
+    constexpr mode_t everyoneMayRead = 0644;
+    const UniqueFD file(::openat(entry.folder.get(), temporary.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                 everyoneMayRead));
+    if (!file.valid()) {
+        return errno;
+    }
+    int error = writeAll(file.get(), text);
+    // Some file systems report a full disk only here.
+    if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
+        error = errno;
+    }
+    if (error != 0) {
+        ::unlinkat(entry.folder.get(), temporary.c_str(), 0);
+    }
+    return error;
+}
+
+}  // namespace
+
+bool PosixInstallationFiles::isLink(const std::string& path) const {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+bool PosixInstallationFiles::exists(const std::string& path) const {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+Outcome PosixInstallationFiles::makeFolder(const std::string& path) {
+    if (const int error = makeDirectories(path); error != 0) {
+        return outcomeOf(error);
+    }
+    struct stat status {};
+    return outcomeOf(::stat(path.c_str(), &status) != 0 ? errno
+                     : S_ISDIR(status.st_mode)          ? 0
+                                                        : ENOTDIR);
+}
+
+Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_view text) {
+    const Entry entry = entryOf(path);
+    if (!entry.folder.valid()) {
+        return outcomeOf(errno);
+    }
+    const std::string temporary = temporaryName();
+    if (const int error = writeTemporary(entry, temporary, text); error != 0) {
+        return outcomeOf(error);
+    }
+    return outcomeOf(publish(entry, temporary, false));
+}
+
+Outcome PosixInstallationFiles::makeLink(const std::string& path, const std::string& target) {
+    const Entry entry = entryOf(path);
+    const std::string temporary = temporaryName();
+    if (!entry.folder.valid() ||
+        ::symlinkat(target.c_str(), entry.folder.get(), temporary.c_str()) != 0) {
+        return outcomeOf(errno);
+    }
+    return outcomeOf(publish(entry, temporary, true));
+}
+
+Outcome PosixInstallationFiles::removeFile(const std::string& path) {
+    return outcomeOf(::unlink(path.c_str()) == 0 ? 0 : errno);
+}
+
+}  // namespace tallowcrest

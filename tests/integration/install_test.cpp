@@ -1,0 +1,170 @@
+#include "integration/install.h"
+
+#include <chrono>
+
+#include "core/observable.h"
+#include "integration/startup_files.h"
+#include "tests/integration/install_fixture.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using Kind = Outcome::Kind;
+
+constexpr const char* installedOnLinux = "/home/o/.local/opt/tallowcrest/tallowcrest";
+constexpr const char* installedOnMacOS = "/Applications/Tallowcrest Pro.app";
+
+class InstallTest : public InstallFixture {
+protected:
+    InstallTest() {
+        files->files["/usr/bin/rsync"] = "";
+        for (const char* name : {"tallowcrest", "tallowcrest-desktop", "tallowcrest-http.so"}) {
+            files->files[std::string("/unpacked/") + name] = "";
+        }
+        launcher.willWrite("");
+    }
+
+    void willInstall(const char* what) {
+        launcher.onLaunch = [this, what](const ToolRequest&) { files->files[what] = ""; };
+    }
+
+    std::string messageOf(InstallPorts ports) {
+        Install install(with.services, tools, std::move(ports));
+        EXPECT_EQ(install.installToApplications().kind, Kind::asked);
+        return finish();
+    }
+};
+
+TEST_F(InstallTest, CopiesTheProgramsFilesOnLinux) {
+    willInstall(installedOnLinux);
+    EXPECT_EQ(messageOf(linuxPorts()), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
+    EXPECT_THAT(launches(),
+                ElementsAre("/usr/bin/rsync -a --delete --delete-excluded --include=/tallowcrest "
+                            "--include=/tallowcrest-desktop --include=/tallowcrest-http.so "
+                            "--exclude=* /unpacked/ /home/o/.local/opt/tallowcrest/"));
+    EXPECT_EQ(launcher.requests.front().timeout, std::chrono::seconds(20));
+    EXPECT_THAT(files->changes,
+                ElementsAre("makeFolder /home/o/.local/opt", "makeFolder /home/o/.local/bin",
+                            "makeLink /home/o/.local/bin/tallowcrest",
+                            "makeFolder /home/o/.local/share/icons/hicolor/scalable/apps",
+                            "writeFile "
+                            "/home/o/.local/share/icons/hicolor/scalable/apps/tallowcrest.svg",
+                            "makeFolder /home/o/.local/share/applications",
+                            "writeFile /home/o/.local/share/applications/tallowcrest.desktop"));
+    EXPECT_EQ(files->links["/home/o/.local/bin/tallowcrest"], installedOnLinux);
+    EXPECT_EQ(files->files["/home/o/.local/share/icons/hicolor/scalable/apps/tallowcrest.svg"],
+              "<svg/>");
+    EXPECT_EQ(files->files["/home/o/.local/share/applications/tallowcrest.desktop"],
+              menuEntry(installedOnLinux));
+}
+
+TEST_F(InstallTest, CopiesTheWholeBundleOnMacOS) {
+    willInstall(installedOnMacOS);
+    EXPECT_EQ(messageOf(macOSPorts()), "Installed Tallowcrest to /Applications.");
+    EXPECT_THAT(launches(), ElementsAre("/usr/bin/rsync -a --delete /unpacked/Tallowcrest.app/ "
+                                        "/Applications/Tallowcrest Pro.app/"));
+    EXPECT_THAT(files->changes, ElementsAre("makeFolder /Applications"));
+}
+
+TEST_F(InstallTest, ReportsWhatTheToolSaidWhenNothingIsInstalled) {
+    launcher.willWrite("no space");
+    EXPECT_EQ(messageOf(macOSPorts()), "Install did not complete. no space");
+    launcher.willWrite("");
+    EXPECT_EQ(messageOf(macOSPorts()),
+              "Install did not complete. Try the installer script in outputs.");
+}
+
+TEST_F(InstallTest, AnEarlierInstallationCountsWhateverTheToolDid) {
+    files->files[installedOnMacOS] = "";
+    launcher.willWrite("no space");
+    launcher.result.terminationStatus = 11;
+    EXPECT_EQ(messageOf(macOSPorts()), "Installed Tallowcrest to /Applications.");
+}
+
+TEST_F(InstallTest, AProgramThatCannotBeLocatedIsNotCopied) {
+    InstallPorts ports = macOSPorts();
+    ports.install = macOSInstallPlan("");
+    EXPECT_EQ(messageOf(ports), "Could not locate the running app bundle.");
+    // The copy of a folder without the program would remove the installed one.
+    files->files.erase("/unpacked/tallowcrest-desktop");
+    EXPECT_EQ(messageOf(linuxPorts()), "Could not locate the running app bundle.");
+    EXPECT_THAT(launches(), IsEmpty());
+    EXPECT_THAT(files->changes, IsEmpty());
+}
+
+TEST_F(InstallTest, NothingIsWrittenThroughALinkAtTheTarget) {
+    files->links["/home/o/.local/opt/tallowcrest"] = "/elsewhere";
+    EXPECT_EQ(messageOf(linuxPorts()),
+              "Install did not complete. ~/.local/opt/tallowcrest is a symbolic link.");
+    EXPECT_THAT(launches(), IsEmpty());
+    EXPECT_THAT(files->changes, IsEmpty());
+}
+
+TEST_F(InstallTest, SaysThatTheCopyingToolIsMissing) {
+    files->files.erase("/usr/bin/rsync");
+    files->files[installedOnLinux] = "";
+    EXPECT_EQ(messageOf(linuxPorts()), "Install did not complete. /usr/bin/rsync is missing.");
+    EXPECT_THAT(launches(), IsEmpty());
+}
+
+TEST_F(InstallTest, EachFailingStepSaysWhereAndWhy) {
+    willInstall(installedOnLinux);
+    const std::string bin = "/home/o/.local/bin";
+    const std::string icon = "/home/o/.local/share/icons/hicolor/scalable/apps/tallowcrest.svg";
+    const std::string entry = "/home/o/.local/share/applications/tallowcrest.desktop";
+    // What fails, and what the message names.
+    const std::vector<std::pair<std::string, std::string>> table{
+        {"/home/o/.local/opt", "/home/o/.local/opt"}, {bin, bin + "/tallowcrest"},
+        {bin + "/tallowcrest", bin + "/tallowcrest"}, {icon, icon},
+        {"/home/o/.local/share/applications", entry}, {entry, entry},
+    };
+    for (const auto& [failing, named] : table) {
+        files->failures = {{failing, "Read-only file system"}};
+        EXPECT_EQ(messageOf(linuxPorts()),
+                  "Install did not complete. " + named + ": Read-only file system");
+    }
+}
+
+TEST_F(InstallTest, AToolThatIsNotAllowedIsNotLaunched) {
+    const CommandSafetyPolicy::AllowedExecutables none{};
+    ToolRunner refusing(none, launcher, with.jobs, with.log);
+    Install install(with.services, refusing, macOSPorts());
+    install.installToApplications();
+    with.finishWork();
+    EXPECT_THAT(launches(), IsEmpty());
+    EXPECT_EQ(with.log.activityLog().at(1).detail,
+              "Blocked executable outside Tallowcrest's command allowlist.");
+    EXPECT_EQ(with.log.activityLog().at(0).detail,
+              "Install did not complete. Try the installer script in outputs.");
+}
+
+TEST_F(InstallTest, OneInstallationRunsAtATime) {
+    willInstall(installedOnLinux);
+    Install install(with.services, tools, linuxPorts());
+    int changes = 0;
+    const Subscription subscription = install.observable().subscribe([&changes] { ++changes; });
+    std::vector<Kind> finished;
+    install.installToApplications(
+        [&](const Outcome& outcome) { finished.push_back(outcome.kind); });
+    EXPECT_TRUE(install.state().isInstalling);
+    EXPECT_EQ(install.installToApplications(), Outcome::ignored());
+    finish();
+    EXPECT_FALSE(install.state().isInstalling);
+    EXPECT_THAT(launches(), SizeIs(1));
+    EXPECT_THAT(finished, ElementsAre(Kind::done));
+    EXPECT_GE(changes, 1);
+    EXPECT_EQ(install.installToApplications().kind, Kind::asked);
+}
+
+TEST_F(InstallTest, WithoutADesktopItIsRefused) {
+    Install install(with.services, tools, {});
+    EXPECT_EQ(install.installToApplications().kind, Kind::refused);
+    EXPECT_EQ(with.log.lastAction(), "Could not locate the running app bundle.");
+    EXPECT_EQ(with.workQueue.pendingCount(), 0U);
+}
+
+}  // namespace
+}  // namespace tallowcrest

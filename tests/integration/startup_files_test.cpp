@@ -1,0 +1,79 @@
+#include "integration/startup_files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "integration/install_plan.h"
+
+namespace tallowcrest {
+namespace {
+
+using ::testing::HasSubstr;
+
+TEST(StartupFiles, TheLaunchAgentHasThreeKeysInOrder) {
+    EXPECT_EQ(launchAgent("/Applications/Tallowcrest Pro.app"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+              "<plist version=\"1.0\">\n"
+              "<dict>\n"
+              "\t<key>Label</key>\n"
+              "\t<string>com.rowanhesket.tallowcrest.pro</string>\n"
+              "\t<key>ProgramArguments</key>\n"
+              "\t<array>\n"
+              "\t\t<string>/usr/bin/open</string>\n"
+              "\t\t<string>/Applications/Tallowcrest Pro.app</string>\n"
+              "\t</array>\n"
+              "\t<key>RunAtLoad</key>\n"
+              "\t<true/>\n"
+              "</dict>\n"
+              "</plist>\n");
+}
+
+TEST(StartupFiles, APathCannotEndATextOfTheAgent) {
+    EXPECT_THAT(launchAgent("/a</string>&b"),
+                HasSubstr("\t\t<string>/a&lt;/string&gt;&amp;b</string>\n"));
+}
+
+TEST(StartupFiles, TheAutostartEntryStartsTheProgramIfItIsThere) {
+    EXPECT_EQ(autostartEntry("/opt/tallowcrest"),
+              "[Desktop Entry]\n"
+              "Type=Application\n"
+              "Name=Tallowcrest\n"
+              "Comment=Watches this computer and says in plain words what it sees\n"
+              "Exec=\"/opt/tallowcrest\"\n"
+              "TryExec=/opt/tallowcrest\n"
+              "Icon=tallowcrest\n"
+              "Terminal=false\n"
+              "StartupNotify=false\n");
+    EXPECT_THAT(menuEntry("/opt/tallowcrest"), HasSubstr("\nCategories=System;Monitor;\n"));
+}
+
+TEST(StartupFiles, APathOfAnyBytesStaysOneArgument) {
+    EXPECT_THAT(autostartEntry("/a b/$c`d\"e\\f%g"), HasSubstr(R"(Exec="/a b/\\$c\\`d\\"e\\\\f%%g")"
+                                                               "\n"));
+    EXPECT_THAT(autostartEntry("/a\nExec=b"), HasSubstr("\nExec=\"/a\\nExec=b\"\nTryExec=/a\\nE"));
+}
+
+TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
+    EXPECT_EQ(removingPercentEncoding("/A%20B/T%C3%A9.app/"), "/A B/Té.app");
+    EXPECT_EQ(removingPercentEncoding("/plain"), "/plain");
+    EXPECT_EQ(removingPercentEncoding("/"), "/");
+    for (const char* invalid : {"", "/a%", "/a%2", "/a%2x", "/a%x2", "/a%00b", "/a%-1"}) {
+        EXPECT_EQ(removingPercentEncoding(invalid), "") << invalid;
+    }
+    EXPECT_EQ(macOSInstallPlan("/My%20Apps/T.app/").bundle, "/My Apps/T.app");
+    EXPECT_EQ(macOSLoginPlan("/My%20Apps/T.app/", "/Users/o").running, "/My Apps/T.app");
+}
+
+TEST(InstallPlan, NamesPlacesOutsideOfTheHomeDirectoryInFull) {
+    const LinuxInstallPlaces places{
+        .home = "/home/o", .data = "/data", .configuration = "/home/other/c", .program = ""};
+    EXPECT_EQ(linuxLoginPlan(places).shownFolder, "/home/other/c/autostart");
+    EXPECT_EQ(linuxLoginPlan(places).running, "");
+    EXPECT_EQ(linuxInstallPlan(places).menuEntry, "/data/applications/tallowcrest.desktop");
+    EXPECT_EQ(linuxInstallPlan(places).shownTarget, "~/.local/opt/tallowcrest");
+}
+
+}  // namespace
+}  // namespace tallowcrest
