@@ -18,6 +18,7 @@
 
 #include "app/composition.h"
 #include "app/console.h"
+#include "app/desktop_integration.h"
 #include "app/environment_key.h"
 #include "app/http_module.h"
 #include "app/options.h"
@@ -176,7 +177,10 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
                                      std::make_shared<HttpModule>()};
              },
          .disk = {.reveal = desktop::revealFile, .chooseFolder = desktop::chooseFolder},
-         .integration = {.notifications = notifications.get(), .openRoute = openRoute},
+         .integration = {.notifications = notifications.get(),
+                         .openRoute = openRoute,
+                         .install = desktopInstallPorts(),
+                         .updates = desktopUpdatePorts()},
          .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});
     int status = 0;
     {

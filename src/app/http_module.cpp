@@ -11,33 +11,65 @@
 
 namespace tallowcrest {
 
-std::optional<HttpReply> HttpModule::post(const HttpRequest& request, const std::stop_token& stop) {
-    std::call_once(once_, [this] { load(); });
-    if (loaded_ == nullptr) {
-        return HttpReply{.transportError = problem_};
-    }
-    return loaded_->post(request, stop);
-}
+namespace {
 
-void HttpModule::load() {
+/// What a function of the module makes; null, with the reason in `problem`, when the module cannot
+/// be loaded.
+template <class Service>
+std::unique_ptr<Service> madeByModule(const char* function, std::string& problem) {
     const std::filesystem::path self = host::executablePath();
     if (self.empty()) {
         // A bare name would be looked up elsewhere, where anybody could place one.
-        problem_ = "this program's own place is not known";
-        return;
+        problem = "this program's own place is not known";
+        return nullptr;
     }
     const std::filesystem::path file = self.parent_path() / "tallowcrest-http.so";
     // The libraries read variables when they are loaded and prepared.
     const std::lock_guard guard(environmentLock());
     // Never unloaded: a name server may still be asked in a thread of its libraries.
     void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const make = module == nullptr ? nullptr : ::dlsym(module, httpModuleFunction);
+    void* const make = module == nullptr ? nullptr : ::dlsym(module, function);
     if (make == nullptr) {
-        problem_ = ::dlerror();
-        return;
+        problem = ::dlerror();
+        return nullptr;
     }
-    loaded_.reset(
-        reinterpret_cast<decltype(&tallowcrest_make_http_exchange)>(make)(proxyVariables));
+    using Make = Service* (*)(ProxyVariables(*proxies)());
+    return std::unique_ptr<Service>(reinterpret_cast<Make>(make)(proxyVariables));
+}
+
+}  // namespace
+
+std::optional<HttpReply> HttpModule::post(const HttpRequest& request, const std::stop_token& stop) {
+    std::call_once(once_,
+                   [this] { loaded_ = madeByModule<HttpExchange>(httpModuleFunction, problem_); });
+    if (loaded_ == nullptr) {
+        return HttpReply{.transportError = problem_};
+    }
+    return loaded_->post(request, stop);
+}
+
+UpdateTransport* UpdateModule::loaded() {
+    std::call_once(
+        once_, [this] { loaded_ = madeByModule<UpdateTransport>(updateModuleFunction, problem_); });
+    return loaded_.get();
+}
+
+UpdateReply UpdateModule::fetch(const UpdateRequest& request, const TakeBytes& take,
+                                const std::stop_token& stop) {
+    UpdateTransport* const transport = loaded();
+    return transport == nullptr ? UpdateReply{.error = problem_}
+                                : transport->fetch(request, take, stop);
+}
+
+std::unique_ptr<Sha256> UpdateModule::startSha256() {
+    UpdateTransport* const transport = loaded();
+    return transport == nullptr ? nullptr : transport->startSha256();
+}
+
+bool UpdateModule::isSigned(std::string_view publicKey, std::string_view signature,
+                            std::string_view message) {
+    UpdateTransport* const transport = loaded();
+    return transport != nullptr && transport->isSigned(publicKey, signature, message);
 }
 
 }  // namespace tallowcrest

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "advisor/advisor_ports.h"
+#include "integration/update_ports.h"
 
 namespace tallowcrest {
 
@@ -19,11 +20,27 @@ public:
     std::optional<HttpReply> post(const HttpRequest& request, const std::stop_token& stop) override;
 
 private:
-    void load();
-
     std::once_flag once_;
     std::unique_ptr<HttpExchange> loaded_;  ///< null when it cannot be loaded
     std::string problem_;                   ///< then the reason
+};
+
+/// The updates' part of the same module, loaded in the same way. Any thread.
+class UpdateModule final : public UpdateTransport {
+public:
+    UpdateReply fetch(const UpdateRequest& request, const TakeBytes& take,
+                      const std::stop_token& stop) override;
+    std::unique_ptr<Sha256> startSha256() override;
+    bool isSigned(std::string_view publicKey, std::string_view signature,
+                  std::string_view message) override;
+
+private:
+    /// Null when it cannot be loaded.
+    UpdateTransport* loaded();
+
+    std::once_flag once_;
+    std::unique_ptr<UpdateTransport> loaded_;
+    std::string problem_;
 };
 
 }  // namespace tallowcrest

@@ -71,20 +71,7 @@ LoginItem::LoginItem(const Services& services, ToolRunner& tools, InstallPorts p
       ports_(std::move(ports)),
       observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
       jobs_(services.jobs) {
-    if (ports_.files == nullptr) {
-        return;
-    }
-    jobs_.run(
-        Lane::installation,
-        [files = ports_.files, file = ports_.login.file](const Stop&) {
-            return files->exists(file);
-        },
-        [this](bool exists) {
-            if (!state_.isChanging && state_.isEnabled != exists) {
-                state_.isEnabled = exists;
-                observable_->changed();
-            }
-        });
+    state_.isEnabled = ports_.files != nullptr && ports_.files->exists(ports_.login.file);
 }
 
 LoginItem::~LoginItem() = default;

@@ -25,7 +25,7 @@ public:
         bool isChanging = false;
     };
 
-    /// The references must outlive the object.
+    /// Looks whether the file is there. The references must outlive the object.
     LoginItem(const Services& services, ToolRunner& tools, InstallPorts ports);
     ~LoginItem();
     LoginItem(const LoginItem&) = delete;

@@ -58,7 +58,7 @@ Outcome ProUpdater::check(bool isInteractive) {
     }
     state_.isChecking = true;
     observable_->changed();
-    if (ports_.transport == nullptr) {
+    if (ports_.transport == nullptr || !hasFeed(ports_.build)) {
         finishCheck(UpdateError{update_errors::badURL}, isInteractive);
         return Outcome::asked();
     }

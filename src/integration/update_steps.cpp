@@ -22,13 +22,14 @@ std::string problemOf(const UpdateReply& reply) {
 
 }  // namespace
 
+bool hasFeed(const UpdateBuild& build) {
+    const auto address = webAddress(build.feed);
+    return address && address->scheme == "https";
+}
+
 std::variant<Release, UpdateError> fetchRelease(UpdateTransport& transport,
                                                 const UpdateBuild& build,
                                                 const std::stop_token& stop) {
-    const auto address = webAddress(build.feed);
-    if (!address || address->scheme != "https") {
-        return UpdateError{update_errors::badURL};
-    }
     constexpr std::chrono::seconds timeout{15};
     std::string body;
     const UpdateReply reply = transport.fetch(

@@ -12,8 +12,8 @@
 
 namespace tallowcrest {
 
-/// The steps of the updater that wait for a server. Each blocks until it is over or a stop is
-/// requested. Any thread.
+// The steps of the updater that wait for a server. Each blocks until it is over or a stop is
+// requested. Any thread.
 
 /// A feed has a few hundred bytes.
 inline constexpr std::uint64_t longestFeed = 256UL * 1024;
@@ -25,7 +25,10 @@ struct UpdateError {
     std::string description;
 };
 
-/// Reads the feed of the build and tests what it offers.
+/// Whether the build has an address of a feed. Does not block.
+bool hasFeed(const UpdateBuild& build);
+
+/// Reads the feed of a build that `hasFeed`, and tests what it offers.
 std::variant<Release, UpdateError> fetchRelease(UpdateTransport& transport,
                                                 const UpdateBuild& build,
                                                 const std::stop_token& stop);

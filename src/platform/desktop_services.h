@@ -35,6 +35,11 @@ void storeOnClipboard(const std::string& text);
 /// immediately. Failures are ignored.
 void revealFile(const std::filesystem::path& file);
 
+/// Opens a file by its absolute path, or an address of the web, with what the desktop has for it.
+/// Returns false when there is nothing for it, as far as that is known at once.
+bool openFile(const std::string& path);
+bool openAddress(const std::string& url);
+
 /// Asks for one folder in a dialog of the active window, as `DiskDesktopPorts::chooseFolder` says.
 std::unique_ptr<FolderQuestion> chooseFolder(
     std::string_view title, std::string_view button,

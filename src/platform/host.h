@@ -9,6 +9,7 @@
 #include "actions/process_control.h"
 #include "core/places.h"
 #include "disk/disk_ports.h"
+#include "integration/install_plan.h"
 #include "remote/tailnet_reading.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/process_details.h"
@@ -69,6 +70,13 @@ std::filesystem::path reportsDirectory();
 
 /// The file of the running program; empty when unknown.
 std::filesystem::path executablePath();
+
+/// Where the program is installed for this user, and how it is started at login.
+InstallPlan installPlan();
+LoginPlan loginPlan();
+
+/// How the names of packages of this program end, ".deb".
+std::string packageEnding();
 
 /// The absolute paths of the system's process viewers, in the order in which to try them. Not all
 /// of them need be installed.

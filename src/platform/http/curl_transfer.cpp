@@ -76,6 +76,36 @@ std::size_t takeData(char* bytes, std::size_t one, std::size_t count, void* cont
     return size;
 }
 
+/// What arrives of a file.
+struct ArrivingFile {
+    const UpdateTransport::TakeBytes& take;
+    CURL* easy;
+    std::size_t left;
+    bool isTooLong = false;
+};
+
+/// As `takeData`, for a download.
+std::size_t takeFile(char* bytes, std::size_t one, std::size_t count, void* context) {
+    auto& arriving = *static_cast<ArrivingFile*>(context);
+    const std::size_t size = one * count;
+    long status = 0;
+    curl_easy_getinfo(arriving.easy, CURLINFO_RESPONSE_CODE, &status);
+    arriving.isTooLong = size > arriving.left;
+    if (arriving.isTooLong) {
+        return 0;
+    }
+    arriving.left -= size;
+    constexpr long ok = 200;
+    if (status != ok) {
+        return size;
+    }
+    curl_off_t total = -1;
+    curl_easy_getinfo(arriving.easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &total);
+    const bool isTaken = arriving.take(
+        {bytes, size}, total < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(total)));
+    return isTaken ? size : 0;
+}
+
 /// Performs the transfer that is set up in `easy`.
 CURLcode perform(CURL* easy, const std::stop_token& stop) {
     const Multi multi(curl_multi_init());
@@ -121,8 +151,9 @@ bool isLoopbackHost(const std::string& host) {
 HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop) {
     const Url url(prepareCurl() ? curl_url() : nullptr);
     const Easy easy(url ? curl_easy_init() : nullptr);
-    const HeaderLines header = easy ? headerLines(transfer.bearerToken) : nullptr;
-    if (!header) {
+    const HeaderLines header =
+        easy && !transfer.download ? headerLines(transfer.bearerToken) : nullptr;
+    if (!easy || (!header && !transfer.download)) {
         return failure(curl_easy_strerror(CURLE_FAILED_INIT));
     }
     if (const CURLUcode code = curl_url_set(url.get(), CURLUPART_URL, transfer.url.c_str(), 0);
@@ -142,13 +173,11 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     };
     set(CURLOPT_ERRORBUFFER, words.data());
     set(CURLOPT_CURLU, url.get());
-    set(CURLOPT_PROTOCOLS_STR, isLoopback ? "https,http" : "https");
+    set(CURLOPT_PROTOCOLS_STR, isLoopback && !transfer.download ? "https,http" : "https");
     // It copies headers less often than later versions, and into libcurl's own memory only.
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     set(CURLOPT_HTTPHEADER, header.get());
     set(CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE));  // nothing of it for a proxy
-    set(CURLOPT_POSTFIELDS, transfer.body.data());
-    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(transfer.body.size()));
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
@@ -167,14 +196,28 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     set(CURLOPT_QUICK_EXIT, 1L);  // does not wait for a name server at the end
     // For a length that is told in advance. libcurl itself limits the header.
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(transfer.longestReply));
-    set(CURLOPT_WRITEFUNCTION, takeData);
-    set(CURLOPT_WRITEDATA, &arriving);
+    std::optional<ArrivingFile> file;
+    if (transfer.download) {
+        file.emplace(transfer.download->take, easy.get(), transfer.longestReply);
+        set(CURLOPT_WRITEFUNCTION, takeFile);
+        set(CURLOPT_WRITEDATA, &*file);
+        constexpr long silentSeconds = 60;
+        set(CURLOPT_LOW_SPEED_LIMIT, 1L);  // bytes per second
+        set(CURLOPT_LOW_SPEED_TIME, silentSeconds);
+        constexpr long largestBuffer = 256L * 1024;
+        set(CURLOPT_BUFFERSIZE, largestBuffer);
+    } else {
+        set(CURLOPT_WRITEFUNCTION, takeData);
+        set(CURLOPT_WRITEDATA, &arriving);
+        set(CURLOPT_POSTFIELDS, transfer.body.data());
+        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(transfer.body.size()));
+    }
     if (refused != CURLE_OK) {
         return failure(curl_easy_strerror(refused));
     }
 
     const CURLcode result = perform(easy.get(), stop);
-    if (arriving.isTooLong) {
+    if (arriving.isTooLong || (file && file->isTooLong)) {
         return failure(curl_easy_strerror(CURLE_FILESIZE_EXCEEDED));
     }
     if (result != CURLE_OK) {
@@ -183,6 +226,11 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     long status = 0;
     curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
     HttpReply reply{.status = static_cast<int>(status)};
+    if (transfer.download) {
+        char* redirection = nullptr;  // libcurl's own
+        curl_easy_getinfo(easy.get(), CURLINFO_REDIRECT_URL, &redirection);
+        *transfer.download->redirection = redirection == nullptr ? "" : redirection;
+    }
     if (!arriving.data.empty()) {
         reply.data = std::move(arriving.data);
     }

@@ -2,27 +2,40 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <stop_token>
 #include <string>
 
 #include "advisor/advisor_ports.h"
+#include "integration/update_ports.h"
 #include "platform/base/proxy_variables.h"
 
 namespace tallowcrest {
 
+/// What makes a request one for a file: a GET over https alone, without a token and a body.
+struct CurlDownload {
+    /// Takes the body of a reply with the status 200, of which nothing else is kept.
+    UpdateTransport::TakeBytes take;
+    /// Gets the address to which the reply redirects; stays empty without one. Never null.
+    std::string* redirection;
+};
+
 /// One POST request with everything that it needs, independent of its caller.
 struct CurlTransfer {
     std::string url;
-    SecretText bearerToken;
-    std::string body;
+    SecretText bearerToken = {};
+    std::string body = {};
+    /// 0 for a download that goes on as long as something arrives once a minute.
     std::chrono::milliseconds timeout;
     std::size_t longestReply;            ///< the bytes of its body
     std::string certificateAuthorities;  ///< a file; empty for those of the system
     ProxyVariables proxies;              ///< not used for this machine
+    std::optional<CurlDownload> download = {};
 };
 
-/// Sends the request over a connection of its own and returns the reply. Blocks until `timeout` or
-/// until `stop` is requested; both are transport errors then. Any thread.
+/// Sends the request over a connection of its own and returns the reply, that of a download without
+/// its body. Blocks until `timeout` or until `stop` is requested; both are transport errors then.
+/// Any thread.
 HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop);
 
 /// Whether the host of an address is this machine for certain: "localhost", which libcurl never

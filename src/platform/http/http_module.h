@@ -3,15 +3,20 @@
 namespace tallowcrest {
 
 class HttpExchange;
+class UpdateTransport;
 struct ProxyVariables;
 
 inline constexpr const char* httpModuleFunction = "tallowcrest_make_http_exchange";
+inline constexpr const char* updateModuleFunction = "tallowcrest_make_update_transport";
 
 }  // namespace tallowcrest
 
-/// The one function of the module beside the programs, which has copies of its own of this folder
-/// and of what that needs. `proxies` is called for each exchange: the lock of the environment is
-/// the program's. The caller holds that lock, because the libraries behind the module read
-/// variables when they are prepared. The caller owns the result. Any thread.
+/// The functions of the module beside the programs, which has copies of its own of this folder and
+/// of what that needs. `proxies` is called for each exchange: the lock of the environment is the
+/// program's. The caller holds that lock, because the libraries behind the module read variables
+/// when they are prepared. The caller owns the result. Any thread.
 extern "C" [[gnu::visibility("default")]] tallowcrest::HttpExchange* tallowcrest_make_http_exchange(
     tallowcrest::ProxyVariables (*proxies)());
+extern "C"
+    [[gnu::visibility("default")]] tallowcrest::UpdateTransport* tallowcrest_make_update_transport(
+        tallowcrest::ProxyVariables (*proxies)());

@@ -2,6 +2,29 @@
 #include "platform/linux/user_directories.h"
 
 namespace tallowcrest::host {
+namespace {
+
+LinuxInstallPlaces installPlaces() {
+    const UserFolders folders = userFolders();
+    return {.home = folders.home,
+            .data = folders.data,
+            .configuration = folders.configuration,
+            .program = executablePath().parent_path()};
+}
+
+}  // namespace
+
+InstallPlan installPlan() {
+    return linuxInstallPlan(installPlaces());
+}
+
+LoginPlan loginPlan() {
+    return linuxLoginPlan(installPlaces());
+}
+
+std::string packageEnding() {
+    return ".deb";
+}
 
 Places places() {
     return {.tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};

@@ -172,6 +172,11 @@ QIcon applicationIcon() {
     return icon;
 }
 
+QByteArray applicationIconDocument() {
+    QFile file(pathOf(QString(applicationName)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 IconView::IconView(const QString& icon, const ThemeColor& color, int size, QWidget* parent)
     : QWidget(parent), icon_(icon), color_(color) {
     setFixedSize(size, size);

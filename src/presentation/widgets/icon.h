@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QIcon>
 #include <QPixmap>
 #include <QString>
@@ -28,6 +29,8 @@ QPixmap gaugeIcon(double percent, const QColor& color, int size, qreal devicePix
 
 /// The application's own icon, in full colour.
 QIcon applicationIcon();
+/// The same as an SVG document.
+QByteArray applicationIconDocument();
 
 /// A line icon beside a text that says the same; it therefore has no accessible name. An unknown
 /// icon leaves its place empty. Main thread.

@@ -8,6 +8,7 @@ using CFIndex = long;
 using CFTypeID = unsigned long;
 using CFTypeRef = const void*;
 using CFAllocatorRef = const struct CFAllocator*;
+using CFBundleRef = struct CFBundle*;
 using CFBooleanRef = const struct CFBoolean*;
 using CFDataRef = const struct CFData*;
 using CFDictionaryRef = const struct CFDictionary*;
@@ -31,6 +32,8 @@ extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 extern const CFStringRef kCFURLVolumeTotalCapacityKey;
 extern const CFStringRef kCFURLVolumeAvailableCapacityForImportantUsageKey;
 
+CFBundleRef CFBundleGetMainBundle();
+CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
                                       CFAllocatorRef bytesDeallocator);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
@@ -46,6 +49,9 @@ CFTypeID CFNumberGetTypeID();
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
+Boolean CFStringGetCString(CFStringRef text, char* buffer, CFIndex bufferSize,
+                           CFStringEncoding encoding);
+CFStringRef CFURLCopyPath(CFURLRef url);
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean isDirectory);
 Boolean CFURLCopyResourcePropertyForKey(CFURLRef url, CFStringRef key, void* value,
