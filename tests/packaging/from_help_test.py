@@ -37,8 +37,8 @@ class FromHelp(unittest.TestCase):
         program = self.folder / "program"
         program.write_text('#!/bin/sh\nexec cat -- "${0%/*}/$1"\n')
         os.chmod(program, 0o755)
-        return subprocess.run([sys.executable, FROM_HELP, program, *arguments], capture_output=True, text=True,
-                              check=False)
+        return subprocess.run([sys.executable, FROM_HELP, program, *arguments],
+                              capture_output=True, text=True, check=False)
 
     def manual(self):
         result = self.run_with(HELP, "man", str(self.folder / "template"))
