@@ -1,14 +1,18 @@
-// The texts of a sample: those that depend on every row, and the others.
+// The texts of a sample, those that depend on every row and the others, and of the advisor.
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include "advisor/guidance.h"
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
 #include "platform/icu/icu_locale.h"
+#include "reports/diagnostics_report.h"
+#include "sampling/app_impact.h"
 
 namespace tallowcrest {
 namespace {
@@ -70,6 +74,45 @@ void buildInsights(benchmark::State& state) {
     }
 }
 
+/// What the main thread does for an answer: the guidance of this machine, and the report that a
+/// service gets. The sample has as many rows and groups as are listed at most.
+void guideAndReport(benchmark::State& state) {
+    const IcuLocale locale({"en_US", "en_US"});
+    const Settings settings;
+    SystemSnapshot snapshot;
+    snapshot.memory = {.totalGB = 32.0, .usedGB = 28.0, .freeGB = 4.0, .pressure = 90.0};
+    snapshot.disk = {.totalGB = 500.0, .freeGB = 10.0};
+    snapshot.cpuPercent = 90.0;
+    snapshot.topProcesses = busyTable(600);
+    snapshot.appImpacts = listedAppImpacts(snapshot.topProcesses, {}, {});
+    std::vector<RemoteHealth> remotes;
+    for (int i = 0; i < 10; ++i) {
+        remotes.push_back({.id = std::to_string(i),
+                           .hostName = "mac-" + std::to_string(i),
+                           .online = true,
+                           .status = RemoteHealth::Status::reachable,
+                           .topProcesses = std::vector<RemoteProcess>(8),
+                           .appImpacts = std::vector<RemoteAppImpact>(8)});
+    }
+    const std::vector<ActivityEvent> events(
+        80, {UUID::random(), Date{0.0}, "Warning", "Memory pressure is 90%."});
+    const std::map<std::string, AITrustRecord> trust;
+    const DiagnosticsFacts facts{.snapshot = snapshot,
+                                 .settings = settings,
+                                 .sessionInsights = {},
+                                 .remoteHealth = remotes,
+                                 .openAIKeySaved = true,
+                                 .aiInsight = "All is well.",
+                                 .aiActions = {},
+                                 .aiTrustRecords = trust,
+                                 .activityLog = events};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(onDeviceAnalysis(guidanceFacts(snapshot, settings, locale)));
+        benchmark::DoNotOptimize(diagnosticsReport(facts, state.range(0) != 0, locale));
+    }
+}
+
+BENCHMARK(guideAndReport)->ArgName("redacted")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(recommendFromRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(recommendFromHistory)->Unit(benchmark::kMicrosecond);
 BENCHMARK(buildInsights)->Unit(benchmark::kMicrosecond);

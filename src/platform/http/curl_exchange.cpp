@@ -27,8 +27,6 @@ struct CurlExchange::Abandoned {
     std::list<std::stop_source> exchanges;
 };
 
-CurlExchange::CurlExchange() : CurlExchange(Options()) {}
-
 CurlExchange::CurlExchange(Options options)
     : options_(std::move(options)), abandoned_(std::make_shared<Abandoned>()) {
     prepareCurl();  // a failure is told by each exchange

@@ -23,7 +23,6 @@ public:
         ProxyVariables (*proxies)() = nullptr;
     };
 
-    CurlExchange();
     /// The first object prepares libcurl; see `prepareCurl`.
     explicit CurlExchange(Options options);
     CurlExchange(const CurlExchange&) = delete;

@@ -38,7 +38,7 @@ std::string outcome(const std::optional<HttpReply>& reply) {
 
 TEST(CurlExchange, SendsTheRequestAsAsked) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     EXPECT_EQ(outcome(post(exchange, provider.at(local) + "/text")), "fine");
     EXPECT_EQ(provider.line(), "POST /text Bearer sk-test application/json {}");
 }
@@ -101,7 +101,7 @@ TEST_P(CurlExchangeFailures, AReplyThatIsTooLongIsRefused) {
 }
 
 TEST(CurlExchange, AServerThatIsNotThereIsToldInTheLibrarysWords) {
-    CurlExchange exchange;
+    CurlExchange exchange({});
     EXPECT_THAT(outcome(post(exchange, "http://127.0.0.1:1/text")), HasSubstr("Failed to connect"));
     EXPECT_THAT(outcome(post(exchange, "https://nobody.invalid/text")),
                 HasSubstr("Could not resolve host"));
@@ -109,7 +109,7 @@ TEST(CurlExchange, AServerThatIsNotThereIsToldInTheLibrarysWords) {
 
 TEST(CurlExchange, BytesThatAreNoTextPass) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     const auto reply = post(exchange, provider.at(local) + "/not-utf8?200");
     ASSERT_TRUE(reply);
     EXPECT_THAT(reply->data, Optional(std::string("{\"output_text\": \"\xFF\xFE\"}")));
@@ -117,7 +117,7 @@ TEST(CurlExchange, BytesThatAreNoTextPass) {
 
 TEST(CurlExchange, ARefusedTokenIsSentOnlyOnce) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     EXPECT_EQ(post(exchange, provider.at(local) + "/status?401")->status, 401);
     EXPECT_EQ(post(exchange, provider.at(local) + "/text")->status, 200);
     EXPECT_THAT(provider.line(), StartsWith("POST /status "));
@@ -126,7 +126,7 @@ TEST(CurlExchange, ARefusedTokenIsSentOnlyOnce) {
 
 TEST(CurlExchange, PlainHttpIsForThisMachineOnly) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     for (const char* host : {"http://127.0.0.2", "http://localhost"}) {
         // Only the first address has a listener; that it was tried shows that it was allowed.
         EXPECT_THAT(outcome(post(exchange, provider.at(host) + "/text")),
@@ -154,7 +154,7 @@ TEST(CurlExchange, KnowsTheAddressesOfThisMachine) {
 TEST(CurlExchange, ARedirectionIsNotFollowed) {
     TestProvider provider;
     TestProvider other;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     const auto reply =
         post(exchange, provider.at(local) + "/redirect?" + other.at("http://localhost") + "/text");
     EXPECT_EQ(outcome(reply), "OpenAI error 307: moved");
@@ -165,7 +165,7 @@ TEST(CurlExchange, ARedirectionIsNotFollowed) {
 
 TEST(CurlExchange, AReplyThatIsTooLongIsRefusedBeforeItFillsTheMemory) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     rusage before{};
     ::getrusage(RUSAGE_SELF, &before);
     const std::vector<std::pair<std::string, std::string>> table{
@@ -195,7 +195,7 @@ TEST(CurlExchange, AReplyOfTheGreatestLengthIsTaken) {
 
 TEST(CurlExchange, TheCallerDoesNotWaitForASlowReplyWhichThenEndsByItself) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     for (const char* path : {"/drip", "/silent"}) {
         EXPECT_EQ(outcome(post(exchange, provider.at(local) + path, seconds(1), seconds(3))),
                   "no reply in time");
@@ -209,7 +209,7 @@ TEST(CurlExchange, AnAbandonedExchangeLeavesNoThreadWhenItHasEnded) {
         return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
     };
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     const auto before = threads();
     EXPECT_FALSE(post(exchange, provider.at(local) + "/silent", seconds(1), seconds(3)));
     EXPECT_GT(threads(), before);
@@ -220,14 +220,14 @@ TEST(CurlExchange, AnAbandonedExchangeLeavesNoThreadWhenItHasEnded) {
 
 TEST(CurlExchange, AnExchangeEndsWithItsTimeLimit) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     EXPECT_THAT(outcome(post(exchange, provider.at(local) + "/drip", seconds(30), seconds(2))),
                 HasSubstr("timed out"));
 }
 
 TEST(CurlExchange, AStopEndsTheWaitAndTheExchange) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     std::stop_source stop;
     auto reply = std::async(std::launch::async, [&] {
         return post(exchange, provider.at(local) + "/silent", seconds(60), seconds(60),
@@ -242,7 +242,7 @@ TEST(CurlExchange, AStopEndsTheWaitAndTheExchange) {
 TEST(CurlExchange, ItsEndEndsWhatNobodyWaitsFor) {
     TestProvider provider;
     {
-        CurlExchange exchange;
+        CurlExchange exchange({});
         EXPECT_FALSE(post(exchange, provider.at(local) + "/silent", seconds(1)));
     }
     EXPECT_THAT(provider.line(), StartsWith("POST /silent "));
@@ -251,7 +251,7 @@ TEST(CurlExchange, ItsEndEndsWhatNobodyWaitsFor) {
 
 TEST(CurlExchange, SeveralRunAtOnce) {
     TestProvider provider;
-    CurlExchange exchange;
+    CurlExchange exchange({});
     auto slow = std::async(std::launch::async, [&] {
         return post(exchange, provider.at(local) + "/silent", seconds(60), seconds(4));
     });
@@ -262,7 +262,7 @@ TEST(CurlExchange, SeveralRunAtOnce) {
 
 TEST(CurlExchange, AMachineMayHaveTheNewerKindOfAddress) {
     TestProvider provider("::1");
-    CurlExchange exchange;
+    CurlExchange exchange({});
     EXPECT_EQ(outcome(post(exchange, provider.at("http://[::1]") + "/text")), "fine");
 }
 

@@ -52,7 +52,7 @@ TEST_F(CurlExchangeTls, ACertificateForAnotherNameIsRefused) {
 
 TEST_F(CurlExchangeTls, AnAuthorityThatTheSystemDoesNotKnowIsRefused) {
     TestProvider provider(authority_.certificate(allNames));
-    CurlExchange asShipped;
+    CurlExchange asShipped({});
     EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
                 Optional(HasSubstr("unable to get local issuer certificate")));
 }
@@ -65,7 +65,7 @@ TEST_F(CurlExchangeTls, NeitherTheEnvironmentNorAFileOfTheOwnerMakesItTrusted) {
     const ScopedVariable curlHome("CURL_HOME", home.path().string());
     const ScopedVariable bundle("CURL_CA_BUNDLE", authority_.path());
     const ScopedVariable file("SSL_CERT_FILE", authority_.path());
-    CurlExchange asShipped;
+    CurlExchange asShipped({});
     EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
                 Optional(HasSubstr("unable to get local issuer certificate")));
 }
