@@ -11,12 +11,11 @@
 #include "app/console.h"
 #include "monitor/load_rules.h"
 #include "sampling/app_impact.h"
+#include "sampling/binary_units.h"
 
 namespace tallowcrest {
 namespace {
 
-constexpr double bytesPerGB = 1073741824.0;
-constexpr double bytesPerMB = 1048576.0;
 constexpr std::size_t longestLabel = 80;
 
 std::string labelValue(std::string_view text) {
@@ -94,20 +93,21 @@ void writeMachine(Exposition& text, const SystemSnapshot& snapshot, double warni
                 snapshot.cpuPercent / 100.0);
     if (const MemorySnapshot& memory = snapshot.memory; memory.totalGB > 0.0) {
         text.single("tallowcrest_memory_size_bytes", "bytes", "Physical memory.",
-                    memory.totalGB * bytesPerGB);
+                    memory.totalGB * bytesPerGigabyte);
         text.single("tallowcrest_memory_used_bytes", "bytes", "Memory that is not available.",
-                    memory.usedGB * bytesPerGB);
+                    memory.usedGB * bytesPerGigabyte);
         text.single("tallowcrest_memory_available_bytes", "bytes",
-                    "Memory that is free or can be reclaimed.", memory.freeGB * bytesPerGB);
+                    "Memory that is free or can be reclaimed.", memory.freeGB * bytesPerGigabyte);
         text.single("tallowcrest_memory_pressure_ratio", "ratio",
                     "Share of the memory that is not available, 0 to 1.", memory.pressure / 100.0);
     }
     if (const DiskSnapshot& disk = snapshot.disk; disk.totalGB > 0.0) {
         text.single("tallowcrest_home_volume_size_bytes", "bytes",
-                    "Size of the volume that holds the home directory.", disk.totalGB * bytesPerGB);
+                    "Size of the volume that holds the home directory.",
+                    disk.totalGB * bytesPerGigabyte);
         text.single("tallowcrest_home_volume_free_bytes", "bytes",
                     "Free space of the volume that holds the home directory.",
-                    disk.freeGB * bytesPerGB);
+                    disk.freeGB * bytesPerGigabyte);
     }
     text.single("tallowcrest_warning_threshold_ratio", "ratio",
                 "CPU load or memory pressure from which on the machine counts as loaded, 0 to 1.",
@@ -139,7 +139,7 @@ void writeGroups(Exposition& text, const std::vector<AppImpact>& groups) {
                 [](const AppImpact& group) { return group.totalCPU / 100.0; });
     writeFamily("tallowcrest_app_memory_bytes", "bytes",
                 "Resident memory of an application's processes.",
-                [](const AppImpact& group) { return group.totalMemoryMB * bytesPerMB; });
+                [](const AppImpact& group) { return group.totalMemoryMB * bytesPerMegabyte; });
     writeFamily("tallowcrest_app_processes", "", "Processes of an application.",
                 [](const AppImpact& group) { return static_cast<double>(group.processCount); });
 }

@@ -13,7 +13,6 @@
 namespace tallowcrest {
 namespace {
 
-constexpr double bytesPerGigabyte = 1073741824.0;
 /// A remainder up to this size is not worth a row.
 constexpr std::int64_t smallestRemainder = 1073741824;
 /// No disk is larger: 2^60 bytes.
@@ -75,8 +74,8 @@ std::int64_t remainderBytes(const std::vector<MeasuredArea>& areas, const UsedSp
 /// What the row of the remainder stands for, in one sentence.
 std::string remainderExplanation(std::string_view unreadableData) {
     return fmt::format(
-        "Used space that is in none of the measured areas: folders outside them, "
-        "other accounts, snapshots and other {} that this account may not read.",
+        "Used space that is in none of the measured areas: folders outside them, other accounts, "
+        "snapshots, what the system reserves, and other {} that this account may not read.",
         unreadableData);
 }
 

@@ -80,7 +80,8 @@ TEST(StorageRanking, TheRemainderIsARowAboveOneGigabyte) {
     EXPECT_EQ(rows[0].name, "Other / inaccessible data");
     EXPECT_EQ(rows[0].explanation,
               "Used space that is in none of the measured areas: folders outside them, other "
-              "accounts, snapshots and other data that this account may not read.");
+              "accounts, snapshots, what the system reserves, and other data that this account may "
+              "not read.");
     EXPECT_EQ(rankedOffenders({area("/", gigabyte)}, {})[0].explanation, "")
         << "an area, wherever it is";
 }

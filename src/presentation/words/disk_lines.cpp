@@ -92,15 +92,11 @@ QString storageScanLine(const StorageScanProgress& progress) {
 }
 
 std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& rows) {
-    std::int64_t largest = 1;
-    for (const DiskStorageOffender& row : rows) {
-        largest = std::max(largest, row.bytes);
-    }
+    const std::vector<int> percents = percentsOfLargest(rows);
     std::vector<StorageLine> lines;
-    for (const DiskStorageOffender& row : rows) {
-        const double share = static_cast<double>(row.bytes) / static_cast<double>(largest);
-        lines.push_back({dashboard_text::text(row.name), sizeText(row.bytes),
-                         static_cast<int>(std::lround(100.0 * std::max(share, 0.0))),
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const DiskStorageOffender& row = rows[i];
+        lines.push_back({dashboard_text::text(row.name), sizeText(row.bytes), percents[i],
                          row.explanation.empty() ? boundedPath(row.path)
                                                  : dashboard_text::text(row.explanation)});
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -45,6 +47,21 @@ struct DiskTrust {
 
 /// "Learning 1 of 3 runs · 42% of 75% trust", or "Autonomy unlocked".
 QString diskTrustLine(const DiskTrust& trust);
+
+/// The bytes of each of `rows` as percent of the largest; 0 for none or fewer.
+template <class Row>
+std::vector<int> percentsOfLargest(const std::vector<Row>& rows) {
+    std::int64_t largest = 1;
+    for (const Row& row : rows) {
+        largest = std::max(largest, row.bytes);
+    }
+    std::vector<int> percents;
+    for (const Row& row : rows) {
+        const double share = static_cast<double>(row.bytes) / static_cast<double>(largest);
+        percents.push_back(static_cast<int>(std::lround(100.0 * std::max(share, 0.0))));
+    }
+    return percents;
+}
 
 /// The size of a file or folder, given in bytes: "512 MB", "1.5 GB".
 QString sizeText(std::int64_t bytes);

@@ -1,8 +1,5 @@
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "disk/personal_files.h"
 #include "presentation/words/advisor_words.h"
 #include "presentation/words/dashboard_text.h"
@@ -81,16 +78,12 @@ QString storageAnalysisTitle(bool isBusy) {
 
 std::vector<PersonalFileLine> personalFileLines(
     const std::vector<StorageOptimizationSuggestion>& files) {
-    std::int64_t largest = 1;
-    for (const StorageOptimizationSuggestion& file : files) {
-        largest = std::max(largest, file.bytes);
-    }
+    const std::vector<int> percents = percentsOfLargest(files);
     std::vector<PersonalFileLine> lines;
-    for (const StorageOptimizationSuggestion& file : files) {
-        const double share = static_cast<double>(file.bytes) / static_cast<double>(largest);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const StorageOptimizationSuggestion& file = files[i];
         lines.push_back({boundedPath(file.title), boundedPath(file.detail), sizeText(file.bytes),
-                         static_cast<int>(std::lround(100.0 * std::max(share, 0.0))),
-                         dashboard_text::text(file.recommendation),
+                         percents[i], dashboard_text::text(file.recommendation),
                          dashboard_text::text(file.reason)});
     }
     return lines;

@@ -6,6 +6,7 @@
 #include "disk/personal_files.h"
 #include "presentation/screens/optimization_suggestions/optimization_suggestions_lines.h"
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/list_rows.h"
 #include "presentation/screens/shared/progress_row.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
@@ -83,16 +84,8 @@ void StorageAnalyzerCard::showRows(const std::vector<StorageOptimizationSuggesti
         return;
     }
     shown_ = files;
-    const auto lines = optimization_suggestions_lines::personalFileLines(shown_);
-    while (rows_.size() < lines.size()) {
-        addRow();
-    }
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (i < lines.size()) {
-            rows_[i]->setLine(lines[i]);
-        }
-        rows_[i]->setVisible(i < lines.size());
-    }
+    showLines(rows_, optimization_suggestions_lines::personalFileLines(shown_),
+              [this] { addRow(); });
 }
 
 }  // namespace tallowcrest

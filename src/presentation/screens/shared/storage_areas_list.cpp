@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QVBoxLayout>
 
+#include "presentation/screens/shared/list_rows.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/level_bar.h"
@@ -103,16 +104,7 @@ void StorageAreasList::show(const std::vector<DiskStorageOffender>& areas,
         return;
     }
     shown_ = areas;
-    const std::vector<StorageLine> lines = storageLines(shown_);
-    while (rows_.size() < lines.size()) {
-        addRow();
-    }
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (i < lines.size()) {
-            rows_[i]->setLine(lines[i]);
-        }
-        rows_[i]->setVisible(i < lines.size());
-    }
+    showLines(rows_, storageLines(shown_), [this] { addRow(); });
 }
 
 }  // namespace tallowcrest
