@@ -42,6 +42,8 @@ TEST(HeadlessDisk, MeasuresTheAreasOfTheDisk) {
         const auto bytes = row.at("bytes").get<std::int64_t>();
         EXPECT_LE(bytes, before) << "largest first";
         before = bytes;
+        EXPECT_EQ(row.at("explanation") != "", row.at("path") == "/")
+            << "the remainder alone is no folder: " << line;
         if (row.at("name") == "Downloads") {
             EXPECT_EQ(row.at("path"), places.downloads().string());
             downloads = bytes;
