@@ -252,11 +252,11 @@ int main(int argc, char** argv) {
     QApplication::setStyle(new CrestStyle);
     QApplication::setWindowIcon(applicationIcon());
     // Not quit(), which a window that hides itself instead of closing would refuse.
-    TerminationSignals signals([&application] {
+    TerminationSignals termination([&application] {
         QMetaObject::invokeMethod(
             &application, [] { QApplication::exit(EXIT_FAILURE); }, Qt::QueuedConnection);
     });
     const int status = runWindow(application, instance.guard);
-    signals.endBySignal();
+    termination.endBySignal();
     return status;
 }

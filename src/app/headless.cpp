@@ -138,7 +138,11 @@ private:
                 for (const auto& issue : monitor.remote().tailnet.state().tailscaleHealthIssues) {
                     complain(printableText(issue).text);
                 }
-                finish(EXIT_SUCCESS);
+                const bool isAnswered = monitor.remote().tailnet.state().isAnswered;
+                if (!isAnswered) {
+                    complain("the tailnet's client could not be asked for its machines");
+                }
+                finish(isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
             }
             return;
         }
@@ -238,9 +242,9 @@ int runHeadless(const Options& options, AdvisorPorts provider) {
         }
     }
     RunLoop loop;
-    TerminationSignals signals([&loop] { loop.stop(EXIT_FAILURE); });
+    TerminationSignals termination([&loop] { loop.stop(EXIT_FAILURE); });
     const int status = sampleUntilDone(options, std::move(provider), loop);
-    signals.endBySignal();
+    termination.endBySignal();
     return status;
 }
 

@@ -140,7 +140,7 @@ Outcome RemoteActions::requestRemoteQuit(const RemoteHealth& machine,
 Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const RemoteProcess& process,
                                          const Reviewed& reviewed) {
     const auto target = targetOf(machine);
-    const auto command = CommandSafetyPolicy::remoteTerminateCommand(process.pid);
+    const auto command = remote_commands::quit(process, machine.isLinux);
     if (!isReachable(machine) || machine.id != reviewed.id || process.command != reviewed.command ||
         isProtected(machine, process) || !target || !command) {
         return recordResult(machine.id,

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "actions/command_validators.h"
+#include "core/remote_records.h"
 
 namespace tallowcrest::remote_commands {
 
@@ -15,6 +16,16 @@ std::vector<std::string> sshArguments(const std::string& target, const std::stri
 std::string purge(bool isLinux) {
     return isLinux ? "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok"
                    : "/usr/sbin/purge && echo purge_ok";
+}
+
+std::optional<std::string> quit(const RemoteProcess& process, bool isLinux) {
+    std::optional<std::string> command = CommandSafetyPolicy::remoteTerminateCommand(process.pid);
+    if (command && isLinux) {
+        // The scan may be hours old, and another process may have the PID by now.
+        *command = fmt::format("grep -qxF -e {} /proc/{}/comm && {}", shellQuoted(process.command),
+                               process.pid, *command);
+    }
+    return command;
 }
 
 std::string sshDiagnostic(std::string_view target, bool isLinux) {

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace tallowcrest {
+struct RemoteProcess;
+}
 
 /// Command lines for other machines. `host` and `target` are what the validators of
 /// `CommandSafetyPolicy` returned. Pure; any thread.
@@ -14,6 +19,10 @@ std::vector<std::string> sshArguments(const std::string& target, const std::stri
 
 /// For the other machine's shell: drops its file caches, and prints "purge_ok" if that was allowed.
 std::string purge(bool isLinux);
+
+/// The same: asks a process to quit, and prints "quit_ok" if that was done. On Linux only while it
+/// still has its name. Absent for a PID that is not valid.
+std::optional<std::string> quit(const RemoteProcess& process, bool isLinux);
 
 // For the owner's own terminal; this program does not run them.
 

@@ -10,6 +10,7 @@
 #include <stop_token>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 
@@ -203,6 +204,13 @@ void RemoteScan::finishCanceledScan(std::vector<RemoteHealth> results, std::size
     if (reached > 0) {
         sortByTailnet();
         state_.keptRecords = state_.remoteHealth.size() - reached;
+        std::unordered_set<std::string_view> known;
+        for (const RemoteHealth& each : state_.remoteHealth) {
+            known.insert(each.id);
+        }
+        state_.unknownMachines = static_cast<std::size_t>(std::ranges::count_if(
+            tailnet_.state().tailDevices,
+            [&](const TailDevice& each) { return isScanned(each) && !known.contains(each.id); }));
     }
     publishRunning();
     const std::string message = fmt::format("Remote scan canceled: {} of {} Mac{} scanned.",
@@ -229,6 +237,7 @@ void RemoteScan::sortByTailnet() {
 void RemoteScan::finishRemoteScan(std::vector<RemoteHealth> results) {
     state_.remoteHealth = std::move(results);
     state_.keptRecords = 0;
+    state_.unknownMachines = 0;
     recordRemoteSamples(state_.remoteHealth);
     publishRunning();
     const std::size_t count = state_.remoteHealth.size();

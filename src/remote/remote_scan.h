@@ -36,6 +36,8 @@ struct RemoteScanState {
     std::vector<RemoteHealth> remoteHealth;
     /// How many of the records the last scan did not reach, because it was canceled.
     std::size_t keptRecords = 0;
+    /// How many machines of the tailnet it did not reach either and that have no record.
+    std::size_t unknownMachines = 0;
     bool remoteScanInProgress = false;  ///< at least one scan is under way
     bool isCanceling = false;           ///< all that are under way were canceled
     /// Of the latest scan that is under way and not canceled. Absent without one and before the

@@ -27,8 +27,9 @@ mem=$(awk '$1 == "MemTotal:" {all = $2} $1 == "MemAvailable:" {available = $2}
     END {if (all > 0 && available != "") printf "%.0f", 100 - 100 * available / all}' /proc/meminfo 2>/dev/null)
 os=$(cat /etc/os-release /usr/lib/os-release 2>/dev/null | sed -n 's/^PRETTY_NAME=//p' | head -n 1 | tr -d '"')
 printf "mem=%s\ncores=%s\nos=%s\n" "$mem" "$cores" "${os:-unknown}"
+own=$(sed -n 's/.*[)] //p' /proc/$$/stat 2>/dev/null | cut -d ' ' -f 4)
 counters() { cat /proc/stat /proc/[0-9]*/stat 2>/dev/null; }
-{ counters; sleep 1; echo again; counters; } | awk -v cores="$cores" -v page="$page" '
+{ counters; sleep 1; echo again; counters; } | awk -v cores="$cores" -v page="$page" -v own="$own" '
     # A name may contain a line break: the lines up to the next whole one are no rows.
     /^[0-9]+ [(]/ && NF < 20 {broken = 1}
     broken {if (NF >= 20) broken = 0; next}
@@ -46,6 +47,8 @@ counters() { cat /proc/stat /proc/[0-9]*/stat 2>/dev/null; }
         rest = $0
         sub(/.*[)] /, "", rest)
         split(rest, field, " ")
+        # The session of this script.
+        if (own > 0 && field[4] == own) next
         if (int(field[7] / 2097152) % 2) name = "[" name "]"
         used = field[12] + field[13]
         if (!second) {before[$1] = used; next}

@@ -208,6 +208,7 @@ std::optional<TailnetState> parseTailStatus(std::string_view json, const Locale&
         return std::nullopt;
     }
     TailnetState state;
+    state.isAnswered = true;
     std::vector<Peer> peers;
     while (const auto key = reader.nextMember()) {
         if (key == "Peer") {

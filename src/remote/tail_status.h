@@ -18,6 +18,8 @@ struct TailnetState {
     std::vector<TailDevice> tailDevices;
     /// What is wrong with the client of this machine, one line each.
     std::vector<std::string> tailscaleHealthIssues;
+    /// Whether the client told of its peers at all.
+    bool isAnswered = false;
 
     bool operator==(const TailnetState&) const = default;
 };

@@ -38,7 +38,9 @@ TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& s
     }
     TailnetState state;
     if (!stop.stop_requested()) {
-        state.tailDevices = loadTailDevices(sources, stop);
+        std::optional<std::vector<TailDevice>> devices = loadTailDevices(sources, stop);
+        state.isAnswered = devices.has_value();
+        state.tailDevices = std::move(devices).value_or(std::vector<TailDevice>());
     }
     if (!stop.stop_requested()) {
         state.tailscaleHealthIssues = loadTailscaleHealthIssues(sources, stop);
@@ -46,14 +48,14 @@ TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& s
     return state;
 }
 
-std::vector<TailDevice> loadTailDevices(const TailnetSources& sources,
-                                        const std::stop_token& stop) {
+std::optional<std::vector<TailDevice>> loadTailDevices(const TailnetSources& sources,
+                                                       const std::stop_token& stop) {
     if (!isExecutableFile(sources.cli)) {
-        return {};
+        return std::nullopt;
     }
     const std::string json = sources.tools.runTool(sources.cli, {"status", "--json"}, 2000ms, stop);
     std::optional<TailnetState> status = parseTailStatus(json, sources.locale);
-    return status ? std::move(status->tailDevices) : std::vector<TailDevice>();
+    return status ? std::optional(std::move(status->tailDevices)) : std::nullopt;
 }
 
 std::vector<std::string> loadTailscaleHealthIssues(const TailnetSources& sources,

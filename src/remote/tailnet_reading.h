@@ -35,8 +35,9 @@ struct TailnetSources {
 /// less when `stop` is requested.
 TailnetState readTailnet(const TailnetSources& sources, const std::stop_token& stop);
 
-/// The peers of which the command line tool knows, sorted. Empty on every failure.
-std::vector<TailDevice> loadTailDevices(const TailnetSources& sources, const std::stop_token& stop);
+/// The peers of which the command line tool knows, sorted. Absent on every failure.
+std::optional<std::vector<TailDevice>> loadTailDevices(const TailnetSources& sources,
+                                                       const std::stop_token& stop);
 
 /// The issues that the command line tool reports; one fixed line when there is no such tool, and
 /// empty on every other failure.

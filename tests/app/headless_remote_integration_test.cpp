@@ -15,11 +15,12 @@ TEST(HeadlessRemote, WithoutATailnetSaysSoAndEnds) {
         GTEST_SKIP() << "this machine may have a tailnet, whose machines a test must not scan";
     }
     const ProgramResult result = run({"--headless", "--remote"});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError,
               "tallowcrest: No online Tailscale Macs are available to scan.\n"
-              "tallowcrest: Tailscale CLI was not found at /usr/bin/tailscale.\n");
+              "tallowcrest: Tailscale CLI was not found at /usr/bin/tailscale.\n"
+              "tallowcrest: the tailnet's client could not be asked for its machines\n");
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/remote_records.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -44,6 +45,15 @@ TEST(RemoteCommands, HaveTheirTexts) {
     EXPECT_THAT(rc::keyInstall("host", "a'b"), HasSubstr(R"(grep -qxF 'a'\''b' ~/)"));
     EXPECT_THAT(rc::keyInstall("host", "a'b"), HasSubstr(R"(echo 'a'\''b' >> ~/)"));
     EXPECT_EQ(rc::keyGeneration, "ssh-keygen -t ed25519 -C \"tallowcrest@$(hostname)\"");
+}
+
+TEST(RemoteCommands, OnLinuxAProcessIsAskedToQuitOnlyWhileItHasItsName) {
+    const RemoteProcess hog{.pid = 812, .command = "it's"};
+    EXPECT_EQ(remote_commands::quit(hog, false), "/bin/kill -TERM 812 && /bin/echo quit_ok");
+    EXPECT_EQ(remote_commands::quit(hog, true),
+              R"(grep -qxF -e 'it'\''s' /proc/812/comm && /bin/kill -TERM 812 && )"
+              "/bin/echo quit_ok");
+    EXPECT_EQ(remote_commands::quit({.pid = 1, .command = "init"}, true), std::nullopt);
 }
 
 TEST(RemoteCommands, APurgeDependsOnTheSystem) {

@@ -67,6 +67,17 @@ TEST_F(RemoteScanCancelTest, TheMachinesThatWereReachedHaveNewRecordsAndTheOther
     EXPECT_THAT(scan.remoteHistory(), SizeIs(3 + 2)) << "a point for each machine that answered";
 }
 
+TEST_F(RemoteScanCancelTest, MachinesWithoutARecordAreCounted) {
+    machines.setDevices({onlineMachine("porch", "100.4.4.4"), onlineMachine("attic", "100.2.2.2"),
+                         onlineMachine("cellar", "100.3.3.3"),
+                         onlineMachine("server", "100.5.5.5", "linux")});
+    scanWith(2, [this] { scan.cancelScan(); });
+    EXPECT_THAT(names(), ElementsAre("porch"));
+    EXPECT_EQ(scan.state().unknownMachines, 2U);
+    scanWith(0, {});
+    EXPECT_EQ(scan.state().unknownMachines, 0U);
+}
+
 TEST_F(RemoteScanCancelTest, TheShellIsEndedAndItsAnswerIsNone) {
     bool wasAsked = false;
     scanWith(1, [&] {

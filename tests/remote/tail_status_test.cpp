@@ -199,7 +199,7 @@ TEST(TailStatus, WithoutAnObjectOfObjectsThereAreNoPeers) {
         EXPECT_THAT(state->tailDevices, IsEmpty()) << text;
     }
     EXPECT_EQ(status(readFixture("tail_status/logged_out.json")),
-              (TailnetState{{}, {"You are logged out."}}));
+              (TailnetState{{}, {"You are logged out."}, true}));
 }
 
 TEST(TailStatus, WhatIsNoObjectIsNoStatus) {

@@ -68,6 +68,11 @@ QString reachedCount(const RemoteScanState& scan) {
     return count(static_cast<std::int64_t>(scan.remoteHealth.size() - scan.keptRecords));
 }
 
+/// How many records there are or would be without a cancellation.
+QString machineCount(const RemoteScanState& scan) {
+    return count(static_cast<std::int64_t>(scan.remoteHealth.size() + scan.unknownMachines));
+}
+
 /// Longer than any row shows.
 QString bounded(std::string_view value) {
     constexpr qsizetype longest = 256;
@@ -75,6 +80,10 @@ QString bounded(std::string_view value) {
 }
 
 }  // namespace
+
+bool wasCutShort(const RemoteScanState& scan) {
+    return scan.keptRecords > 0 || scan.unknownMachines > 0;
+}
 
 QString attention(const std::vector<RemoteHealth>& machines) {
     const auto troubled = machinesThatNeedAttention(machines);
@@ -147,12 +156,12 @@ QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Dat
     }
     const Date oldest = oldestRemoteSample(scan.remoteHealth);
     QString last = u"Last scan: "_s + age(oldest, now);
-    if (scan.keptRecords > 0) {
+    if (wasCutShort(scan)) {
         const Date newest =
             std::ranges::max_element(scan.remoteHealth, {}, &RemoteHealth::sampledAt)->sampledAt;
-        last = u"Last scan: %1, %2 of %3 · others up to %4"_s.arg(
-            age(newest, now), reachedCount(scan), count(std::ssize(scan.remoteHealth)),
-            age(oldest, now));
+        last = u"Last scan: %1, %2 of %3 · "_s.arg(age(newest, now), reachedCount(scan),
+                                                   machineCount(scan)) +
+               (scan.keptRecords > 0 ? u"others up to "_s + age(oldest, now) : u"canceled"_s);
     }
     // What is told last has no room in a narrow window.
     return scan.remoteScanInProgress ? progress + u" · "_s + last : last;
@@ -167,10 +176,10 @@ std::vector<SummaryTexts> summary(const RemoteScanState& scan, std::size_t peers
     const bool hasKept = scan.keptRecords > 0;
     return {
         {u"Reachable"_s, count(reachable),
-         scanned == 0 ? u"No remote scan yet."_s
-         : hasKept
-             ? u"Of %1, the last remote scan reached %2."_s.arg(count(scanned), reachedCount(scan))
-             : u"Of %1 in the last remote scan."_s.arg(count(scanned))},
+         scanned == 0        ? u"No remote scan yet."_s
+         : wasCutShort(scan) ? u"Of %1, the last remote scan reached %2."_s.arg(machineCount(scan),
+                                                                                reachedCount(scan))
+                             : u"Of %1 in the last remote scan."_s.arg(count(scanned))},
         {u"Known Peers"_s, count(static_cast<std::int64_t>(peers)),
          u"Discovered from Tailscale status."_s},
         {u"Highest Memory"_s, percentOrNone(scanned == 0 ? std::nullopt : highest->memoryPercent),

@@ -19,6 +19,9 @@ namespace tallowcrest {
 /// The texts of the page of the other machines. Main thread.
 namespace remote_macs_lines {
 
+/// Whether the last scan was canceled before it had reached all machines.
+bool wasCutShort(const RemoteScanState& scan);
+
 /// "3 remote Macs need attention."
 QString attention(const std::vector<RemoteHealth>& machines);
 

@@ -229,7 +229,7 @@ void RemoteMacsPage::refreshSummary() {
          .scanState =
              remote_macs_lines::scanState(scan, scannedProfile(), monitor_.services().clock.now()),
          .scan = {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling},
-         .isScanned = !scan.remoteHealth.empty(),
+         .isScanned = !scan.remoteHealth.empty() && !remote_macs_lines::wasCutShort(scan),
          .hasUnreachable = machinesThatNeedAttention(scan.remoteHealth) > 0,
          .lines = remote_macs_lines::attentionLines(facts_)});
     summary_->show(remote_macs_lines::summary(scan, remote.tailnet.state().tailDevices.size(),

@@ -176,6 +176,17 @@ TEST_F(RemoteMacsLinesTest, AfterACanceledScanTheFiguresThatItDidNotReachHaveThe
     EXPECT_EQ(cards[2].detail, u"Highest pressure, scanned 10 min ago."_s);
 }
 
+TEST_F(RemoteMacsLinesTest, ACanceledScanTellsOfTheMachinesThatHaveNoRecord) {
+    RemoteScanState scan;
+    scan.remoteHealth = {machine("a", Status::reachable, 40.0)};
+    EXPECT_FALSE(macs::wasCutShort(scan));
+    scan.unknownMachines = 1999;
+    EXPECT_TRUE(macs::wasCutShort(scan));
+    EXPECT_EQ(macs::scanState(scan, {}, now), u"Last scan: just now, 1 of 2,000 · canceled"_s);
+    EXPECT_EQ(macs::summary(scan, 2100, now)[0].detail,
+              u"Of 2,000, the last remote scan reached 1."_s);
+}
+
 TEST_F(RemoteMacsLinesTest, AMachineThatIsOfflineNowComesLastAndSaysSo) {
     const RemoteProfile profile{.warningThreshold = 80.0};
     std::vector<RemoteHealthFacts> machines{
