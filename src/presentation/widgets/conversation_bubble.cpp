@@ -8,7 +8,7 @@
 
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/icon.h"
-#include "presentation/widgets/bubble_text.h"
+#include "presentation/widgets/selectable_text.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -59,7 +59,7 @@ void ConversationBubble::measure(int width) {
 }
 
 void ConversationBubble::makeText() {
-    text_ = new BubbleText(u"conversation.text"_s, this);
+    text_ = new SelectableText(u"conversation.text"_s, this, SelectableText::Look::bare);
     text_->showText(content_);
     text_->installEventFilter(this);
     setTabStop(isTabStop_);

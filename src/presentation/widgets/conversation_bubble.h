@@ -9,7 +9,7 @@ namespace tallowcrest {
 
 class ElidedLabel;
 class IconView;
-class BubbleText;
+class SelectableText;
 
 /// One message of a conversation, in plain texts.
 struct ConversationMessage {
@@ -65,7 +65,7 @@ private:
     IconView* icon_ = nullptr;
     ElidedLabel* role_ = nullptr;
     ElidedLabel* time_ = nullptr;
-    BubbleText* text_ = nullptr;  ///< null until it is measured
+    SelectableText* text_ = nullptr;  ///< null until it is measured
     int neededHeight_ = 0;
     bool isOwn_ = false;
     bool isMeasured_ = false;

@@ -23,13 +23,21 @@ constexpr int textMargin = 10;
 constexpr int preferredWidth = 480;
 constexpr int frameRadius = 8;
 
+double heightOf(QTextDocument& document, int width) {
+    document.setTextWidth(width);
+    return document.size().height();
+}
+
 }  // namespace
 
-SelectableText::SelectableText(const QString& identifier, QWidget* parent) : QTextEdit(parent) {
+SelectableText::SelectableText(const QString& identifier, QWidget* parent, Look look)
+    : QTextEdit(parent), look_(look) {
     installAccessibleFigures();
     setObjectName(identifier);
     setFont(CrestFonts::current().body);
-    setAccessibleDescription(u"The text can be selected and copied"_s);
+    if (look_ == Look::framed) {
+        setAccessibleDescription(u"The text can be selected and copied"_s);
+    }
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -37,7 +45,9 @@ SelectableText::SelectableText(const QString& identifier, QWidget* parent) : QTe
     setUndoRedoEnabled(false);
     setAcceptRichText(false);
     setReadOnly(true);
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTextInteractionFlags(look_ == Look::framed
+                                ? Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard
+                                : Qt::TextInteractionFlags(Qt::TextSelectableByMouse));
     setTabChangesFocus(true);
     setFocusPolicy(Qt::StrongFocus);
     setAcceptDrops(false);
@@ -49,11 +59,15 @@ SelectableText::SelectableText(const QString& identifier, QWidget* parent) : QTe
 
 void SelectableText::prepare(QTextDocument& document) const {
     document.setDefaultFont(font());
-    document.setDocumentMargin(textMargin);
+    document.setDocumentMargin(margin());
     QTextOption option;
     // A word that is longer than the line must not widen the page.
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     document.setDefaultTextOption(option);
+}
+
+int SelectableText::margin() const {
+    return look_ == Look::framed ? textMargin : 0;
 }
 
 void SelectableText::showText(const QString& text) {
@@ -73,8 +87,7 @@ QSize SelectableText::sizeHint() const {
 
 QSize SelectableText::minimumSizeHint() const {
     const QFontMetrics metrics(font());
-    return {2 * textMargin + metrics.horizontalAdvance(u'W'),
-            2 * textMargin + metrics.lineSpacing()};
+    return {2 * margin() + metrics.horizontalAdvance(u'W'), 2 * margin() + metrics.lineSpacing()};
 }
 
 int SelectableText::heightForWidth(int width) const {
@@ -82,14 +95,20 @@ int SelectableText::heightForWidth(int width) const {
     if (known != heights_.end()) {
         return known->second;
     }
-    // Not the document that is shown, which would have to be laid out again afterwards.
-    QTextDocument measured;
-    prepare(measured);
-    measured.setPlainText(text_);
-    measured.setTextWidth(width);
-    const auto height = static_cast<int>(std::ceil(measured.size().height()));
-    heights_.emplace(width, height);
-    return height;
+    double height = 0.0;
+    if (look_ == Look::bare) {
+        // It is measured for the width that it then gets, so this is also its layout.
+        heights_.clear();
+        height = heightOf(*document(), width);
+    } else {
+        // Not the document that is shown, which would have to be laid out again afterwards: layouts
+        // ask for several widths.
+        QTextDocument measured;
+        prepare(measured);
+        measured.setPlainText(text_);
+        height = heightOf(measured, width);
+    }
+    return heights_.emplace(width, static_cast<int>(std::ceil(height))).first->second;
 }
 
 void SelectableText::changeEvent(QEvent* event) {
@@ -107,15 +126,19 @@ QMimeData* SelectableText::createMimeDataFromSelection() const {
 }
 
 void SelectableText::keyPressEvent(QKeyEvent* event) {
-    if (isPageScrollKey(event->key()) && event->modifiers() == Qt::NoModifier) {
+    const bool isForThePage =
+        look_ == Look::framed
+            ? isPageScrollKey(event->key()) && event->modifiers() == Qt::NoModifier
+            : !event->matches(QKeySequence::Copy) && !event->matches(QKeySequence::SelectAll);
+    if (isForThePage) {
         event->ignore();
-        return;
+    } else {
+        QTextEdit::keyPressEvent(event);
     }
-    QTextEdit::keyPressEvent(event);
 }
 
 void SelectableText::paintEvent(QPaintEvent* event) {
-    {
+    if (look_ == Look::framed) {
         const CrestTheme& theme = CrestTheme::current();
         QPainter painter(viewport());
         painter.setRenderHint(QPainter::Antialiasing);

@@ -9,14 +9,20 @@
 
 namespace tallowcrest {
 
-/// A long plain text in a frame, which can be selected and copied by pointer and keyboard. It wraps
-/// and is as high as its text, so that what is around it scrolls. To assistive technology it is one
-/// static text. Main thread.
+/// A long plain text, which can be selected and copied by pointer and keyboard. It wraps, also
+/// within a word that is wider than its room, and is as high as its text, so that what is around it
+/// scrolls. To assistive technology it is one static text. Main thread.
 class SelectableText final : public QTextEdit, public AccessibleFigure {
     Q_OBJECT
 
 public:
-    explicit SelectableText(const QString& identifier, QWidget* parent = nullptr);
+    enum class Look {
+        framed,  ///< with a caret: the arrow keys select
+        bare,    ///< without a margin; the arrow keys are left to what is around it
+    };
+
+    explicit SelectableText(const QString& identifier, QWidget* parent = nullptr,
+                            Look look = Look::framed);
 
     /// Plain text: markup is shown as it is, and line feeds end lines. The same text changes
     /// nothing, so that a selection stays.
@@ -30,6 +36,7 @@ public:
 
     QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
     QString accessibleValue() const override { return text_; }
+    bool saysAllWithin() const override { return look_ == Look::bare; }
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -40,7 +47,9 @@ protected:
 
 private:
     void prepare(QTextDocument& document) const;
+    int margin() const;
 
+    Look look_;
     QString text_;
     mutable std::map<int, int> heights_;  ///< by width, of the present text and font
 };

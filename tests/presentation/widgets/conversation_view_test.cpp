@@ -4,7 +4,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include "presentation/widgets/bubble_text.h"
+#include "presentation/widgets/selectable_text.h"
 #include "tests/presentation/is_ringed.h"
 #include "tests/presentation/widget_fixture.h"
 
@@ -43,7 +43,7 @@ protected:
 
     QStringList texts() {
         QStringList found;
-        for (const auto* each : view->findChildren<BubbleText*>()) {
+        for (const auto* each : view->findChildren<SelectableText*>()) {
             found.append(each->toPlainText().left(12));
         }
         return found;
@@ -77,7 +77,7 @@ TEST_F(ConversationViewTest, EveryMessageHasTheRoomThatItNeeds) {
     for (const auto* bubble : view->findChildren<ConversationBubble*>()) {
         EXPECT_GT(bubble->y(), above);
         above = bubble->geometry().bottom();
-        const auto* text = bubble->findChild<BubbleText*>();
+        const auto* text = bubble->findChild<SelectableText*>();
         EXPECT_GE(text->height(), text->heightForWidth(text->width()));
         EXPECT_TRUE(bubble->rect().contains(text->geometry()));
     }
@@ -113,14 +113,14 @@ TEST_F(ConversationViewTest, TabReachesOneMessageAndTheArrowsTheOthers) {
     view->append(many(3, 20));
     settle();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
-    const auto texts = view->findChildren<BubbleText*>();
+    const auto texts = view->findChildren<SelectableText*>();
     std::vector<bool> stops;
     for (const auto* each : texts) {
         stops.push_back(each->focusPolicy() == Qt::StrongFocus);
     }
     EXPECT_EQ(std::ranges::count(stops, true), 1);
     const auto focused = [] {
-        auto* text = qobject_cast<BubbleText*>(QApplication::focusWidget());
+        auto* text = qobject_cast<SelectableText*>(QApplication::focusWidget());
         return text == nullptr ? QString() : text->toPlainText().left(9);
     };
     for (auto* each : texts) {

@@ -11,7 +11,7 @@
 #include "core/settings/stored_lists.h"
 #include "presentation/widgets/conversation_view.h"
 #include "presentation/widgets/page_scroll_area.h"
-#include "presentation/widgets/bubble_text.h"
+#include "presentation/widgets/selectable_text.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_advisor_ports.h"
 
@@ -71,7 +71,7 @@ protected:
     std::vector<std::string> bubbles() {
         std::vector<std::string> found;
         for (const auto* bubble : window().findChildren<ConversationBubble*>()) {
-            const auto* text = bubble->findChild<BubbleText*>();
+            const auto* text = bubble->findChild<SelectableText*>();
             if (bubble->isVisible() && text != nullptr) {
                 found.push_back(
                     bubble->findChild<ElidedLabel*>(u"conversation.role"_s)->text().toStdString() +

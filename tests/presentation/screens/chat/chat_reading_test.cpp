@@ -38,7 +38,7 @@ protected:
         auto* view = visible<ConversationView>("chat.messages");
         QWidget* message =
             view->messageAt(view->mapFrom(area().viewport(), QPoint()).y() + spacing::gap);
-        const auto* text = message->findChild<BubbleText*>();
+        const auto* text = message->findChild<SelectableText*>();
         return {text == nullptr ? "" : text->toPlainText().left(12).toStdString(),
                 area().placeInView(*message)};
     }
@@ -136,7 +136,7 @@ TEST_F(ChatReadingTest, HostileTextIsDrawnPlain) {
     for (const char* hidden : {"\x1b", "\x07", "\u202E"}) {
         EXPECT_THAT(shown, testing::Not(HasSubstr(hidden)));
     }
-    for (const auto* text : window().findChildren<BubbleText*>()) {
+    for (const auto* text : window().findChildren<SelectableText*>(u"conversation.text"_s)) {
         EXPECT_LE(text->document()->size().width(), text->width()) << "a long word wraps";
         EXPECT_FALSE(text->document()->toHtml().contains("font-weight:700"_L1)) << "no markup";
     }

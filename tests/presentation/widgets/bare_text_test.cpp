@@ -1,8 +1,9 @@
-#include "presentation/widgets/bubble_text.h"
+// The look of a message in a conversation.
 
 #include <QClipboard>
 #include <QMimeData>
 
+#include "presentation/widgets/selectable_text.h"
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/widget_fixture.h"
 
@@ -11,26 +12,26 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-class BubbleTextTest : public WidgetFixture {
+class BareTextTest : public WidgetFixture {
 protected:
-    BubbleTextTest() {
+    BareTextTest() {
         text.resize(300, 200);
         text.show();
         text.activateWindow();
     }
     QWidget& root() override { return text; }
 
-    BubbleText text{u"text"_s};
+    SelectableText text{u"text"_s, nullptr, SelectableText::Look::bare};
 };
 
-TEST_F(BubbleTextTest, DrawsMarkupAsItIs) {
+TEST_F(BareTextTest, DrawsMarkupAsItIs) {
     const QString hostile = u"<b>bold</b> <a href='http://x'>link</a>\n<img src='/etc/passwd'>"_s;
     text.showText(hostile);
     EXPECT_EQ(text.toPlainText(), hostile);
     EXPECT_EQ(text.accessibleName(), hostile);
 }
 
-TEST_F(BubbleTextTest, WrapsAWordThatIsWiderThanItself) {
+TEST_F(BareTextTest, WrapsAWordThatIsWiderThanItself) {
     text.showText(u"short"_s);
     const int oneLine = text.heightForWidth(300);
     text.showText(QString(10'000, u'W'));
@@ -41,7 +42,7 @@ TEST_F(BubbleTextTest, WrapsAWordThatIsWiderThanItself) {
     EXPECT_LE(text.document()->size().height(), text.height()) << "all of it is in view";
 }
 
-TEST_F(BubbleTextTest, TheKeyboardCopiesPlainText) {
+TEST_F(BareTextTest, TheKeyboardCopiesPlainText) {
     text.showText(u"<i>one</i>\ntwo"_s);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&text));
     text.setFocus();
@@ -52,7 +53,7 @@ TEST_F(BubbleTextTest, TheKeyboardCopiesPlainText) {
     EXPECT_FALSE(copied->hasHtml());
 }
 
-TEST_F(BubbleTextTest, IsNeverChanged) {
+TEST_F(BareTextTest, IsNeverChanged) {
     text.showText(u"fixed"_s);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&text));
     text.setFocus();
@@ -63,7 +64,7 @@ TEST_F(BubbleTextTest, IsNeverChanged) {
     EXPECT_EQ(text.toPlainText(), u"fixed"_s);
 }
 
-TEST_F(BubbleTextTest, TheSameTextKeepsTheSelection) {
+TEST_F(BareTextTest, TheSameTextKeepsTheSelection) {
     text.showText(u"some words"_s);
     text.selectAll();
     text.showText(u"some words"_s);
@@ -72,7 +73,7 @@ TEST_F(BubbleTextTest, TheSameTextKeepsTheSelection) {
     EXPECT_FALSE(text.textCursor().hasSelection());
 }
 
-TEST_F(BubbleTextTest, AssistiveTechnologyReadsAPlainText) {
+TEST_F(BareTextTest, AssistiveTechnologyReadsAPlainText) {
     text.showText(u"to be read"_s);
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&text);
     ASSERT_NE(spoken, nullptr);
