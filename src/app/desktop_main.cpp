@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +23,7 @@
 #include "app/environment_key.h"
 #include "app/http_module.h"
 #include "app/options.h"
+#include "core/settings/settings.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
 #include "platform/base/termination_signals.h"
@@ -153,7 +155,7 @@ void traceFirstSample(DashboardWindow& window) {
     });
 }
 
-int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
+int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bool mayShowWizard) {
     SystemAppearance appearance;
     followAppearance(appearance);
     QtMainQueue mainQueue;
@@ -186,6 +188,8 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard) {
     {
         DashboardWindow window(composition.monitor());
         shownWindow = &window;
+        window.state().navigation.setShowSetupWizard(
+            mayShowWizard && !composition.monitor().settings().firstRunComplete);
         // A small screen, or a large scale. The frame around the window is not known yet.
         const QSize frame(0, window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
         window.resize(window.size().boundedTo(window.QWidget::screen()->availableSize() - frame));
@@ -256,7 +260,8 @@ int main(int argc, char** argv) {
         QMetaObject::invokeMethod(
             &application, [] { QApplication::exit(EXIT_FAILURE); }, Qt::QueuedConnection);
     });
-    const int status = runWindow(application, instance.guard);
+    const int status = runWindow(application, instance.guard,
+                                 std::ranges::find(arguments, "--ui-testing") == arguments.end());
     termination.endBySignal();
     return status;
 }

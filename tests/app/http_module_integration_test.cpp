@@ -30,6 +30,25 @@ TEST(HttpModule, AsksTheProxyOfTheEnvironment) {
                 testing::StartsWith("0 1 0 Failed to connect to 127.0.0.1 port 1"));
 }
 
+TEST(HttpModule, IsLoadedByTheFirstRequestForAnUpdateToo) {
+    const ProgramResult result =
+        runProgram({.path = user,
+                    .arguments = {"--update", "https://updates.invalid/feed.json"},
+                    .withVariables = {"https_proxy=http://127.0.0.1:1", "no_proxy="}});
+    EXPECT_THAT(result.standardOutput,
+                testing::StartsWith("0 1 1 0 0 Failed to connect to 127.0.0.1 port 1"));
+}
+
+TEST(HttpModule, WithoutItNoUpdateIsVerified) {
+    const TemporaryFolder folder;
+    const std::filesystem::path copy = folder.path() / "program";
+    std::filesystem::copy_file(user, copy);
+    const ProgramResult result = runProgram(
+        {.path = copy.string(), .arguments = {"--update", "https://127.0.0.1:1/feed.json"}});
+    EXPECT_THAT(result.standardOutput, testing::StartsWith("0 0 0 0 0 " + folder.path().string() +
+                                                           "/tallowcrest-http.so: cannot open"));
+}
+
 TEST(HttpModule, ThatIsNotBesideTheProgramIsNotLookedForElsewhere) {
     const TemporaryFolder folder;
     const std::filesystem::path copy = folder.path() / "program";

@@ -38,7 +38,7 @@ SystemMonitor& FakeMachine::monitor() {
                          .reports = {reportFolder, atGreenwich},
                          .advisor = advisor,
                          .disk = disk,
-                         .integration = {&notifications, openRoute},
+                         .integration = {&notifications, openRoute, install, updates},
                          .sampleApplied = [this] { changeSample(); }},
             HostFacts{.cpuCount = 4,
                       .protection = {.ownPID = ownPID, .protectsLinuxSystem = true},

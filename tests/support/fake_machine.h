@@ -14,6 +14,7 @@
 #include "core/routes.h"
 #include "core/settings/settings_store.h"
 #include "disk/disk_ports.h"
+#include "integration/integration_ports.h"
 #include "remote/tailnet_reading.h"
 #include "tests/support/fake_local_actions.h"
 #include "tests/support/fake_notification_center.h"
@@ -81,10 +82,12 @@ public:
     std::function<bool()> openActivityMonitor;
     std::function<void(const std::string& text)> storeOnPasteboard;
     std::function<bool()> openTailscaleApp;
-    DiskPorts disk;  ///< null unless a test sets them: the disk is left alone
+    DiskPorts disk;                   ///< null unless a test sets them: the disk is left alone
     AdvisorPorts advisor;             ///< null unless a test sets them: no key can be kept
     TailscaleDaemon tailscaleDaemon;  ///< when absent, the tailnet is not read
     std::function<void(AppRoute)> openRoute;
+    InstallPorts install;  ///< null unless a test sets them: nothing can be installed
+    UpdatePorts updates;   ///< null unless a test sets them: there is no feed
     /// When set, these replace those of each sample.
     std::optional<std::vector<Recommendation>> recommendations;
     std::optional<std::vector<SessionInsight>> sessionInsights;

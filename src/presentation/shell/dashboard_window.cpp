@@ -14,6 +14,7 @@
 #include "core/jobs/jobs.h"
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/advisor/advisor_page.h"
 #include "presentation/screens/chat/chat_page.h"
@@ -28,9 +29,12 @@
 #include "presentation/shell/operation_target_bar.h"
 #include "presentation/shell/page_header.h"
 #include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/shell/setup_wizard.h"
 #include "presentation/shell/sheet_host.h"
 #include "presentation/shell/sidebar.h"
 #include "presentation/shell/status_strip.h"
+#include "presentation/shell/update_bar.h"
+#include "presentation/shell/update_dialog.h"
 #include "presentation/shell/window_menus.h"
 #include "presentation/state/confirmation_details.h"
 #include "presentation/widgets/announcer.h"
@@ -59,16 +63,19 @@ struct DashboardWindow::Observers {
     ObserverGroup strip;
     ObserverGroup target;
     ObserverGroup menu;
+    ObserverGroup update;
 };
 
 DashboardWindow::DashboardWindow(SystemMonitor& monitor)
     : monitor_(monitor),
       state_(monitor.settingsOwner(), monitor.log(), monitor.services().jobs.mainQueue()),
-      observers_(new Observers{{monitor.services().jobs.mainQueue(), [this] { showRoute(); }},
-                               {monitor.services().jobs.mainQueue(), [this] { refreshPage(); }},
-                               {monitor.services().jobs.mainQueue(), [this] { refreshStrip(); }},
-                               {monitor.services().jobs.mainQueue(), [this] { refreshTarget(); }},
-                               {monitor.services().jobs.mainQueue(), [this] { refreshMenus(); }}}) {
+      observers_(
+          new Observers{{monitor.services().jobs.mainQueue(), [this] { showRoute(); }},
+                        {monitor.services().jobs.mainQueue(), [this] { refreshPage(); }},
+                        {monitor.services().jobs.mainQueue(), [this] { refreshStrip(); }},
+                        {monitor.services().jobs.mainQueue(), [this] { refreshTarget(); }},
+                        {monitor.services().jobs.mainQueue(), [this] { refreshMenus(); }},
+                        {monitor.services().jobs.mainQueue(), [this] { refreshUpdateBar(); }}}) {
     dashboard_text::setLocale(monitor_.locale());
     setObjectName(u"tallowcrest.main"_s);
     setWindowTitle(u"Tallowcrest"_s);
@@ -87,6 +94,7 @@ DashboardWindow::DashboardWindow(SystemMonitor& monitor)
     observers_->strip.observe(strip_->shows());
     observers_->target.observe(target_->shows());
     observers_->menu.observe(menus_->shows());
+    observers_->update.observe({&monitor_.integration().updates.observable()});
 }
 
 DashboardWindow::~DashboardWindow() = default;
@@ -108,13 +116,17 @@ QWidget* DashboardWindow::makeContent() {
     strip_ = new StatusStrip(monitor_, content);
     right->addWidget(header_);
     right->addWidget(strip_);
+    updateBar_ = new UpdateBar(monitor_.integration().updates, content);
     target_ = new OperationTargetBar(monitor_, state_, content);
     // Above the content of the page, which is no wider.
     target_->setMaximumWidth(spacing::widestContent);
+    updateBar_->setMaximumWidth(spacing::widestContent);
     for (QWidget* each : {static_cast<QWidget*>(header_), static_cast<QWidget*>(strip_)}) {
         each->setMaximumWidth(spacing::widestContent + 2 * spacing::pagePadding);
     }
     targetRow_ = new QVBoxLayout;
+    targetRow_->setSpacing(spacing::unit);
+    targetRow_->addWidget(updateBar_);
     targetRow_->addWidget(target_);
     right->addLayout(targetRow_);
     pages_ = new QStackedLayout;
@@ -130,6 +142,15 @@ void DashboardWindow::addSheets() {
                   .isWanted = [this] { return state_.navigation.showSettings(); },
                   .dismissed = [this] { state_.navigation.setShowSettings(false); },
                   .make = [this](QWidget* on) { return new SettingsSheet(monitor_, state_, on); }});
+    sheets_->add({.shows = SetupWizard::shows(monitor_, state_),
+                  .isWanted = [this] { return state_.navigation.showSetupWizard(); },
+                  .dismissed = [this] { state_.navigation.setShowSetupWizard(false); },
+                  .make = [this](QWidget* on) { return new SetupWizard(monitor_, state_, on); }});
+    ProUpdater& updates = monitor_.integration().updates;
+    sheets_->add({.shows = {&updates.observable()},
+                  .isWanted = [&updates] { return updates.alert() != nullptr; },
+                  .dismissed = {},
+                  .make = [&updates](QWidget* on) { return new UpdateDialog(updates, on); }});
     // Last, so that a question stands above every sheet.
     sheets_->add(
         {.shows = {&monitor_.confirmations().observable()},
@@ -192,6 +213,7 @@ void DashboardWindow::refreshAll() {
     sheets_->refresh();
     refreshMenus();
     refreshStrip();
+    refreshUpdateBar();
     refreshTarget();
     if (shownRoute_ == state_.navigation.selectedRoute()) {
         refreshPage();
@@ -203,6 +225,12 @@ void DashboardWindow::refreshAll() {
 void DashboardWindow::refreshMenus() {
     menus_->refresh();
     emit refreshed(menus_);
+}
+
+void DashboardWindow::refreshUpdateBar() {
+    if (canBeSeen()) {
+        updateBar_->refresh();
+    }
 }
 
 void DashboardWindow::refreshStrip() {
@@ -303,6 +331,10 @@ void DashboardWindow::hideEvent(QHideEvent* event) {
 void DashboardWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     monitor_.startMonitoring();
+    if (!hasLookedForUpdates_) {
+        hasLookedForUpdates_ = true;
+        monitor_.integration().updates.checkOnLaunchIfDue();
+    }
     refreshAll();
 }
 

@@ -22,6 +22,7 @@ class SheetHost;
 class Sidebar;
 class StatusStrip;
 class SystemMonitor;
+class UpdateBar;
 class WindowMenus;
 
 /// The dashboard window. Only what is visible is updated; a closed or minimised window does no
@@ -73,6 +74,7 @@ private:
     void refreshStrip();
     void refreshTarget();
     void refreshMenus();
+    void refreshUpdateBar();
     bool canBeSeen() const { return isVisible() && !isMinimized(); }
     void addSheets();
     void restoreIfMinimised();
@@ -87,6 +89,7 @@ private:
     Sidebar* sidebar_ = nullptr;
     PageHeader* header_ = nullptr;
     StatusStrip* strip_ = nullptr;
+    UpdateBar* updateBar_ = nullptr;
     OperationTargetBar* target_ = nullptr;
     QVBoxLayout* targetRow_ = nullptr;
     WindowMenus* menus_ = nullptr;
@@ -94,6 +97,7 @@ private:
     QStackedLayout* pages_ = nullptr;
     std::array<Screen*, allAppRoutes.size()> screens_{};
     std::optional<AppRoute> shownRoute_;
+    bool hasLookedForUpdates_ = false;
     FirstSample firstSample_ = FirstSample::awaited;
     std::unique_ptr<Observers> observers_;
 };

@@ -7,6 +7,7 @@
 #include "actions/automation.h"
 #include "actions/local_actions.h"
 #include "advisor/advisor.h"
+#include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/words/advisor_words.h"
@@ -59,6 +60,16 @@ void exportSetupScript(SystemMonitor& monitor, DashboardWindow& window) {
     showFailure(monitor.remote().actions.exportRemoteSetupScript(showFailure));
 }
 
+const Command& loginCommand(const LoginItem& login) {
+    return login.state().isEnabled ? commands::disableLaunchAtLogin : commands::enableLaunchAtLogin;
+}
+
+void flipLaunchAtLogin(LoginItem& login, DashboardWindow& window) {
+    const auto showFailure = showingFailure(window);
+    showFailure(login.state().isEnabled ? login.disableLaunchAtLogin(showFailure)
+                                        : login.enableLaunchAtLogin(showFailure));
+}
+
 /// The page shows the result; the window, the question before it.
 void analyze(SystemMonitor& monitor, DashboardWindow& window) {
     monitor.advisor().provider.requestAIAnalysis();
@@ -106,6 +117,15 @@ std::vector<std::vector<MenuBarEntry>> menuBarEntries(SystemMonitor& monitor,
          {always("Export Remote SSH Setup Script"), u"square.and.arrow.up"_s,
           u"menubar.export-setup-script"_s,
           [&monitor, &window] { exportSetupScript(monitor, window); }}},
+        {{[&monitor] { return QString::fromUtf8(loginCommand(monitor.integration().login).title); },
+          QString::fromUtf8(commands::enableLaunchAtLogin.icon), u"menubar.launch-at-login"_s,
+          [&monitor, &window] { flipLaunchAtLogin(monitor.integration().login, window); }},
+         {always(commands::setupWizard.title), QString::fromUtf8(commands::setupWizard.icon),
+          u"menubar.setup-wizard"_s,
+          [&window] {
+              window.state().navigation.setShowSetupWizard(true);
+              window.bringToFront();
+          }}},
         {{always("Expand Dashboard Sections"), u"chevron.down"_s, u"menubar.expand-sections"_s,
           [&window] { window.state().sections.expandAll(); }},
          {always("Collapse Dashboard Sections"), u"chevron.right"_s, u"menubar.collapse-sections"_s,

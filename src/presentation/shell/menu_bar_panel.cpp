@@ -14,6 +14,7 @@
 #include "core/activity_log.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/timeline_graph.h"
 #include "presentation/shell/menu_bar_row.h"
@@ -69,7 +70,8 @@ MenuBarPanel::MenuBarPanel(SystemMonitor& monitor,
     layout->addSpacing(spacing::unit);
     layout->addWidget(makeRows(groups));
     changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
-                      &monitor_.advisor().provider.observable()});
+                      &monitor_.advisor().provider.observable(),
+                      &monitor_.integration().login.observable()});
 }
 
 QWidget* MenuBarPanel::makeFigures() {

@@ -5,6 +5,7 @@
 #include "advisor/advisor.h"
 #include "core/jobs/jobs.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/icon.h"
@@ -46,7 +47,8 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
     refresh();
     icon_.show();
     changes_.observe({&monitor_.sample().observable(), &monitor_.settingsOwner().observable(),
-                      &monitor_.advisor().provider.observable()});
+                      &monitor_.advisor().provider.observable(),
+                      &monitor_.integration().login.observable()});
 }
 
 void StatusItem::refresh() {

@@ -14,6 +14,7 @@
 #include "actions/local_actions.h"
 #include "core/routes.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/icon.h"
@@ -61,6 +62,10 @@ void WindowMenus::makeApplicationMenu() {
     application->setObjectName(u"menu.application"_s);
     named(application->addAction(u"About Tallowcrest"_s, this, &WindowMenus::showAbout), u"about"_s)
         ->setMenuRole(QAction::AboutRole);
+    named(application->addAction(QString::fromUtf8(commands::checkForUpdates.title), this,
+                                 [this] { monitor_.integration().updates.checkForUpdates(); }),
+          u"check-for-updates"_s)
+        ->setMenuRole(QAction::ApplicationSpecificRole);
     QAction* settings =
         named(application->addAction(themedIcon(u"gearshape"_s), u"Settings..."_s, this,
                                      [this] { state_.navigation.setShowSettings(true); }),
@@ -159,6 +164,23 @@ void WindowMenus::makeFileMenu() {
     // Qt would take them for the application's quit command because of their first word.
     quitProcess->setMenuRole(QAction::NoRole);
     quitApp->setMenuRole(QAction::NoRole);
+    addInstallation(*file);
+}
+
+void WindowMenus::addInstallation(QMenu& menu) {
+    menu.addSeparator();
+    const auto add = [&](const Command& command, const QString& identifier, auto run) {
+        named(menu.addAction(themedIcon(QString::fromUtf8(command.icon)),
+                             QString::fromUtf8(command.title), this, run),
+              identifier);
+    };
+    Integration& integration = monitor_.integration();
+    add(commands::installToApplications, u"install"_s,
+        [&integration] { integration.install.installToApplications(); });
+    add(commands::enableLaunchAtLogin, u"enable-launch-at-login"_s,
+        [&integration] { integration.login.enableLaunchAtLogin(); });
+    add(commands::disableLaunchAtLogin, u"disable-launch-at-login"_s,
+        [&integration] { integration.login.disableLaunchAtLogin(); });
 }
 
 void WindowMenus::makeGoMenu() {

@@ -41,6 +41,7 @@ private:
     void makeApplicationMenu();
     void addEmergencyStop(QMenu& menu);
     void makeFileMenu();
+    void addInstallation(QMenu& menu);
     void makeGoMenu();
     void showAbout();
 

@@ -48,4 +48,10 @@ Outcome DashboardSections::collapseAll() {
     return log_.record(Outcome::done("Collapsed all dashboard sections."));
 }
 
+Outcome WindowState::completeFirstRun() {
+    settings_.set(&Settings::firstRunComplete, true);
+    navigation.setShowSetupWizard(false);
+    return log_.record(Outcome::done("First-run setup completed."));
+}
+
 }  // namespace tallowcrest

@@ -38,6 +38,10 @@ public:
     bool showSettings() const { return showSettings_; }
     void setShowSettings(bool shows) { set(showSettings_, shows); }
 
+    /// Whether the setup wizard is wanted on the window.
+    bool showSetupWizard() const { return showSetupWizard_; }
+    void setShowSetupWizard(bool shows) { set(showSetupWizard_, shows); }
+
     /// The tab that the settings sheet shows.
     SettingsTabKind settingsTab() const { return settingsTab_; }
     void setSettingsTab(SettingsTabKind tab) { set(settingsTab_, tab); }
@@ -63,6 +67,7 @@ private:
     std::string processFilter_;
     std::string selectedRemoteID_;
     bool showSettings_ = false;
+    bool showSetupWizard_ = false;
     SettingsTabKind settingsTab_ = SettingsTabKind::ai;
 };
 
@@ -91,10 +96,17 @@ private:
 /// What the window keeps of itself while pages come and go. Main thread.
 struct WindowState {
     WindowState(SettingsOwner& settings, ActivityLog& log, MainQueue& mainQueue)
-        : navigation(mainQueue), sections(settings, log) {}
+        : navigation(mainQueue), sections(settings, log), settings_(settings), log_(log) {}
+
+    /// The owner is done with the setup wizard: it closes, and no later start opens it.
+    Outcome completeFirstRun();
 
     Navigation navigation;
     DashboardSections sections;
+
+private:
+    SettingsOwner& settings_;
+    ActivityLog& log_;
 };
 
 }  // namespace tallowcrest

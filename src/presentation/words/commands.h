@@ -42,6 +42,16 @@ inline constexpr Command reviewDiskCleanup{
 inline constexpr Command analyzeStorage{
     "Analyze Storage", "externaldrive.badge.magnifyingglass",
     "Lists the largest files in the personal folders; changes nothing"};
+inline constexpr Command installToApplications{"Install to Applications", "desktopcomputer",
+                                               "Copies this program to where you install programs"};
+inline constexpr Command enableLaunchAtLogin{"Enable Launch at Login", "power",
+                                             "Starts this program when you log in"};
+inline constexpr Command disableLaunchAtLogin{"Disable Launch at Login", "power",
+                                              "No longer starts this program when you log in"};
+inline constexpr Command checkForUpdates{"Check for Updates…", "",
+                                         "Looks for a newer version of this program"};
+inline constexpr Command setupWizard{"Setup Wizard", "checklist.checked",
+                                     "Shows what makes this program useful every day"};
 inline constexpr Command emergencyStop{
     "Emergency Stop", "exclamationmark.octagon",
     "Immediately disables automatic cleanup, purge, remote scans, and AI autonomous execution."};

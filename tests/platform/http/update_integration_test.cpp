@@ -182,7 +182,7 @@ TEST_F(UpdateIntegration, AFolderInPlaceOfTheImageIsAFailure) {
 /// TALLOWCREST_IMAGE_MEGABYTES sets another size than the one that takes no time.
 TEST_F(UpdateIntegration, ALargeImageTakesNoMemory) {
     const char* const wanted = std::getenv("TALLOWCREST_IMAGE_MEGABYTES");
-    const std::uint64_t size = (wanted != nullptr ? std::stoull(wanted) : 128) << 20U;
+    const std::uint64_t size = (wanted != nullptr ? std::stoull(wanted) : 64) << 20U;
     server_.makeZeros("image", size);
     announce("/file/image", server_.digestOf("image"));
     rusage before{};

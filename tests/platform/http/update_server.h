@@ -37,7 +37,7 @@ public:
     }
     /// The digest of a file, in lower case.
     std::string digestOf(const std::string& name) const {
-        return shellOutput("sha256sum " + files.path(name)).substr(0, 64);
+        return shellOutput("openssl dgst -sha256 -r " + files.path(name)).substr(0, 64);
     }
 
     /// The next line that it prints.

@@ -43,6 +43,7 @@ TEST_F(MenusTest, HaveTheseEntriesInThisOrder) {
     EXPECT_EQ(entries.join(u'\n').toStdString(),
               "Tallowcrest:\n"
               "menu.about|About Tallowcrest|\n"
+              "menu.check-for-updates|Check for Updates…|\n"
               "menu.settings|Settings...|Ctrl+,\n"
               "menu.refresh|Refresh|Ctrl+R\n"
               "menu.emergency-stop|Emergency Stop|Ctrl+.\n"
@@ -54,6 +55,9 @@ TEST_F(MenusTest, HaveTheseEntriesInThisOrder) {
               "menu.export-setup-script|Export Remote SSH Setup Script...|\n"
               "menu.quit-selected-process|Quit Selected Process|Ctrl+Del\n"
               "menu.quit-selected-app|Quit Selected App Group|\n"
+              "menu.install|Install to Applications|\n"
+              "menu.enable-launch-at-login|Enable Launch at Login|\n"
+              "menu.disable-launch-at-login|Disable Launch at Login|\n"
               "Go:\n"
               "menu.go.overview|Overview|Ctrl+1\n"
               "menu.go.load|Processes|Ctrl+2\n"

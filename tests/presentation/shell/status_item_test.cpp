@@ -70,7 +70,8 @@ TEST_F(StatusItemTest, ItsMenuOffersEveryCommandUnderItsCurrentTitle) {
               "menubar.auto-select "
               "menubar.settings menubar.refresh | menubar.copy-report menubar.export | "
               "menubar.purge menubar.quit-top-app | menubar.scan-remotes "
-              "menubar.export-setup-script | menubar.expand-sections "
+              "menubar.export-setup-script | menubar.launch-at-login menubar.setup-wizard | "
+              "menubar.expand-sections "
               "menubar.collapse-sections | menubar.emergency-stop | menubar.quit"_s);
     const auto* entry = iconOf(item).contextMenu()->findChild<QAction*>(u"menubar.auto-select"_s);
     EXPECT_EQ(entry->text(), u"Disable Auto Select"_s);

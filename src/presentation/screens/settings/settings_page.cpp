@@ -8,6 +8,7 @@
 #include "actions/automation.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/automation_toggles.h"
@@ -49,8 +50,21 @@ QWidget* SettingsPage::makeHub() {
         makeButton(commands::openSettingsSheet.titled("Open Settings"), u"settings.open"_s, card);
     makePrimary(*open);
     connect(open, &QPushButton::clicked, this, [this] { state_.navigation.setShowSettings(true); });
+    auto* wizard = makeButton(commands::setupWizard, u"settings.hub.setup-wizard"_s, card);
+    connect(wizard, &QPushButton::clicked, this,
+            [this] { state_.navigation.setShowSetupWizard(true); });
+    install_ = makeButton(commands::installToApplications.titled("Install"),
+                          u"settings.hub.install"_s, card);
+    connect(install_, &QPushButton::clicked, this,
+            [this] { monitor_.integration().install.installToApplications(); });
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::unit);
+    for (QPushButton* button : {open, wizard, install_}) {
+        buttons->addWidget(button);
+    }
+    buttons->addStretch(1);
     card->contentLayout()->addSpacing(spacing::unit / 2);
-    card->contentLayout()->addWidget(open, 0, Qt::AlignLeft);
+    card->contentLayout()->addLayout(buttons);
     return card;
 }
 
@@ -95,7 +109,8 @@ QWidget* SettingsPage::makeConnection() {
 
 std::vector<Observable*> SettingsPage::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable(),
+            &monitor_.integration().install.observable()};
 }
 
 std::vector<HeaderAction> SettingsPage::headerActions() {
@@ -108,6 +123,7 @@ void SettingsPage::refresh() {
                            ? u"Most configuration still lives in the native Settings sheet so it "
                              "can also be opened from Tallowcrest > Settings."_s
                            : u"Sampling this Mac..."_s);
+    setButtonEnabled(*install_, !monitor_.integration().install.state().isInstalling);
     toggles_->show(automationFacts(monitor_));
 }
 

@@ -2,6 +2,8 @@
 
 #include "presentation/screens/shared/screen.h"
 
+class QPushButton;
+
 namespace tallowcrest {
 
 class AutomationToggles;
@@ -28,6 +30,7 @@ private:
     SystemMonitor& monitor_;
     WindowState& state_;
     ElidedLabel* hubWords_ = nullptr;
+    QPushButton* install_ = nullptr;
     AutomationToggles* toggles_ = nullptr;
 };
 

@@ -17,6 +17,10 @@ constexpr int shortestInterval = 100;  // milliseconds
 }  // namespace
 
 ProgressRow::ProgressRow(const QString& identifier, const QString& what, QWidget* parent)
+    : ProgressRow(identifier, what, {u"Stop"_s, u"Keeps what is done so far"_s}, parent) {}
+
+ProgressRow::ProgressRow(const QString& identifier, const QString& what, const Button& button,
+                         QWidget* parent)
     : QWidget(parent) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -25,9 +29,8 @@ ProgressRow::ProgressRow(const QString& identifier, const QString& what, QWidget
     words_->setObjectName(identifier);
     words_->setElideMode(Qt::ElideMiddle);
     layout->addWidget(words_, 1);
-    stop_ = makeButton(u"Stop"_s, QString(), identifier + u"-stop"_s,
-                       u"Keeps what is done so far"_s, this);
-    stop_->setAccessibleName(u"Stop "_s + what);
+    stop_ = makeButton(button.title, QString(), identifier + u"-stop"_s, button.description, this);
+    stop_->setAccessibleName(button.title + u' ' + what);
     layout->addWidget(stop_);
     connect(stop_, &QPushButton::clicked, this, &ProgressRow::stopWanted);
     due_.setSingleShot(true);

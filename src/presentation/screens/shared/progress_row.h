@@ -16,16 +16,25 @@ class ProgressRow final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What the button says, and what it means.
+    struct Button {
+        QString title;
+        QString description;
+    };
+
     /// `identifier` is the object name of the text; that of the button ends in "-stop". `what` ends
     /// the accessible name of the button, "Stop the scan".
     ProgressRow(const QString& identifier, const QString& what, QWidget* parent = nullptr);
+    /// With another button than "Stop", which keeps what is done.
+    ProgressRow(const QString& identifier, const QString& what, const Button& button,
+                QWidget* parent = nullptr);
 
     /// An empty `text` hides the row. While stopping, the button is disabled.
     void show(const QString& text, bool isStopping);
     QPushButton* stopButton() const { return stop_; }
 
 signals:
-    /// The owner pressed "Stop".
+    /// The owner pressed the button.
     void stopWanted();
 
 private:

@@ -20,16 +20,19 @@
 #include "core/secret_text.h"
 #include "core/settings/settings_owner.h"
 #include "disk/disk.h"
+#include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/automation_toggles.h"
 #include "presentation/screens/shared/autonomy_picker.h"
+#include "presentation/screens/shared/progress_row.h"
 #include "presentation/shell/settings/ai_tab.h"
 #include "presentation/shell/settings/automation_tab.h"
 #include "presentation/shell/settings/local_mac_tab.h"
 #include "presentation/shell/settings/remote_tab.h"
 #include "presentation/shell/settings/safety_tab.h"
 #include "presentation/shell/settings/stored_field.h"
+#include "presentation/shell/update_bar.h"
 #include "presentation/state/automation_facts.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
@@ -257,13 +260,30 @@ void SettingsSheet::takeUsername(const QString& typed) {
 
 void SettingsSheet::addLocalMac() {
     constexpr std::array switches{AutomationSwitch::notificationsIncludeActions};
+    Integration& integration = monitor_.integration();
     auto* notifications = makeSwitches(switches);
-    auto* tab = new LocalMacTab(notifications);
+    auto* download = makeDownloadRow(integration.updates, u"settings.download-progress"_s, nullptr);
+    auto* tab = new LocalMacTab(notifications, download);
+    connect(tab, &LocalMacTab::installWanted, this,
+            [&integration] { integration.install.installToApplications(); });
+    connect(tab, &LocalMacTab::launchAtLoginWanted, this, [&integration](bool enabled) {
+        enabled ? integration.login.enableLaunchAtLogin()
+                : integration.login.disableLaunchAtLogin();
+    });
+    connect(tab, &LocalMacTab::updateCheckWanted, this,
+            [&integration] { integration.updates.checkForUpdates(); });
+    connect(tab, &LocalMacTab::setupWizardWanted, this,
+            [this] { state_.navigation.setShowSetupWizard(true); });
     connect(tab, &LocalMacTab::expandAllWanted, this, [this] { state_.sections.expandAll(); });
     connect(tab, &LocalMacTab::collapseAllWanted, this, [this] { state_.sections.collapseAll(); });
     addTab(SettingsTabKind::localMac, "Local Mac", "settings.tab.local-mac",
-           "How this machine is set up", tab,
-           [this, notifications] { notifications->show(automationFacts(monitor_)); });
+           "How this machine is set up", tab, [this, &integration, notifications, download, tab] {
+               notifications->show(automationFacts(monitor_));
+               tab->show({.isInstalling = integration.install.state().isInstalling,
+                          .isChangingLogin = integration.login.state().isChanging,
+                          .isChecking = integration.updates.state().isChecking});
+               showDownload(*download, integration.updates);
+           });
 }
 
 void SettingsSheet::addAutomation() {
@@ -322,9 +342,15 @@ AutomationToggles* SettingsSheet::makeSwitches(std::span<const AutomationSwitch>
 }
 
 std::vector<Observable*> SettingsSheet::shows(SystemMonitor& monitor, WindowState& state) {
-    return {&state.navigation.observable(),    &monitor.settingsOwner().observable(),
-            &monitor.log().observable(),       &monitor.sample().observable(),
-            &monitor.autoRules().observable(), &monitor.advisor().provider.observable()};
+    return {&state.navigation.observable(),
+            &monitor.settingsOwner().observable(),
+            &monitor.log().observable(),
+            &monitor.sample().observable(),
+            &monitor.autoRules().observable(),
+            &monitor.advisor().provider.observable(),
+            &monitor.integration().install.observable(),
+            &monitor.integration().login.observable(),
+            &monitor.integration().updates.observable()};
 }
 
 void SettingsSheet::start() {

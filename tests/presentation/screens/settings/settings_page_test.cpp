@@ -27,6 +27,8 @@ TEST_F(SettingsPageTest, TheHubWordForWord) {
               u"Most configuration still lives in the native Settings sheet so it "
               "can also be opened from Tallowcrest > Settings."_s);
     EXPECT_EQ(visible<QPushButton>("settings.open")->text(), u"Open Settings"_s);
+    EXPECT_EQ(visible<QPushButton>("settings.hub.setup-wizard")->text(), u"Setup Wizard"_s);
+    EXPECT_EQ(visible<QPushButton>("settings.hub.install")->text(), u"Install"_s);
     EXPECT_EQ(textOf("settings.hub.auto-select.title"), u"Auto-select safest top offender"_s);
     EXPECT_EQ(textOf("settings.hub.auto-purge.title"), u"Auto-purge after sustained high memory"_s);
     EXPECT_EQ(textOf("settings.hub.auto-scan.title"), u"Auto-scan Tailscale Macs"_s);

@@ -163,7 +163,9 @@ TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
           {SettingsTabKind::remote,
            "settings.tab.remote settings.ssh-user settings.copy-public-key"},
           {SettingsTabKind::localMac,
-           "settings.tab.local-mac settings.notification-actions settings.expand-sections "
+           "settings.tab.local-mac settings.notification-actions settings.install "
+           "settings.enable-launch-at-login settings.disable-launch-at-login "
+           "settings.check-for-updates settings.setup-wizard settings.expand-sections "
            "settings.collapse-sections"},
           {SettingsTabKind::automation,
            "settings.tab.automation settings.warning-threshold settings.auto-select "
@@ -260,7 +262,7 @@ TEST_F(SettingsSheetTest, EachControlHasANameAndAUniqueIdentifier) {
                 << each->objectName().toStdString();
         }
     }
-    EXPECT_EQ(controls.size(), 34U);
+    EXPECT_EQ(controls.size(), 39U);
 }
 
 // Sizes ------------------------------------------------------------------------------------------

@@ -122,8 +122,53 @@ TEST_F(RemoteTabTest, AnotherStoredNameReplacesOneThatWasLeftAlone) {
 
 class LocalMacTabTest : public TabFixture<LocalMacTab> {
 protected:
-    LocalMacTabTest() : TabFixture(new QWidget) {}
+    LocalMacTabTest() : TabFixture(new QWidget, new QWidget) {}
 };
+
+TEST_F(LocalMacTabTest, EachButtonHasItsWordsAndItsSignal) {
+    QStringList wanted;
+    const auto record = [&wanted](const char* what) {
+        return [&wanted, what] { wanted.append(QString::fromLatin1(what)); };
+    };
+    QObject::connect(&tab, &LocalMacTab::installWanted, record("install"));
+    QObject::connect(&tab, &LocalMacTab::launchAtLoginWanted, &tab, [&](bool isEnabled) {
+        wanted.append(isEnabled ? u"login"_s : u"no login"_s);
+    });
+    QObject::connect(&tab, &LocalMacTab::updateCheckWanted, record("check"));
+    QObject::connect(&tab, &LocalMacTab::setupWizardWanted, record("wizard"));
+    for (const auto& [identifier, words, signal] :
+         {std::tuple{"settings.install", u"Install to Applications"_s, u"install"_s},
+          {"settings.enable-launch-at-login", u"Enable Launch at Login"_s, u"login"_s},
+          {"settings.disable-launch-at-login", u"Disable Launch at Login"_s, u"no login"_s},
+          {"settings.check-for-updates", u"Check for Updates…"_s, u"check"_s},
+          {"settings.setup-wizard", u"Setup Wizard"_s, u"wizard"_s}}) {
+        EXPECT_EQ(visible<QPushButton>(identifier)->text(), words);
+        click(identifier);
+        EXPECT_EQ(wanted.takeLast(), signal);
+    }
+    EXPECT_EQ(textOf("settings.updates.words"),
+              u"Tallowcrest Pro checks for signed updates automatically."_s);
+}
+
+TEST_F(LocalMacTabTest, WhatIsUnderWayCannotBeBegunAgain) {
+    const auto enabled = [this] {
+        QStringList identifiers;
+        for (const char* each :
+             {"settings.install", "settings.enable-launch-at-login",
+              "settings.disable-launch-at-login", "settings.check-for-updates"}) {
+            if (visible<QPushButton>(each)->isEnabled()) {
+                identifiers.append(QString::fromLatin1(each).section(u'.', 1));
+            }
+        }
+        return identifiers.join(u' ');
+    };
+    tab.show({.isInstalling = true});
+    EXPECT_EQ(enabled(), u"enable-launch-at-login disable-launch-at-login check-for-updates"_s);
+    tab.show({.isChangingLogin = true});
+    EXPECT_EQ(enabled(), u"install check-for-updates"_s);
+    tab.show({.isChecking = true});
+    EXPECT_EQ(enabled(), u"install enable-launch-at-login disable-launch-at-login"_s);
+}
 
 TEST_F(LocalMacTabTest, ExpandsAndCollapsesTheSections) {
     const QSignalSpy expansions(&tab, &LocalMacTab::expandAllWanted);

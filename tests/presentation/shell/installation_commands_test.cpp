@@ -1,0 +1,227 @@
+#include <QAction>
+#include <QPushButton>
+
+#include "core/settings/settings_owner.h"
+#include "integration/integration.h"
+#include "presentation/shell/menu_bar_entries.h"
+#include "presentation/shell/setup_wizard.h"
+#include "tests/presentation/window_fixture.h"
+#include "tests/support/fake_installation_files.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tallowcrest {
+namespace {
+
+constexpr const char* autostart = "/home/o/.config/autostart/tallowcrest.desktop";
+
+/// The window of a program that can be installed and started at login.
+class InstallationCommandsTest : public WindowFixture {
+protected:
+    InstallationCommandsTest() {
+        const LinuxInstallPlaces places{.home = "/home/o",
+                                        .data = "/home/o/.local/share",
+                                        .configuration = "/home/o/.config",
+                                        .program = "/unpacked"};
+        for (const char* name :
+             {"/usr/bin/rsync", "/unpacked/tallowcrest", "/unpacked/tallowcrest-desktop",
+              "/unpacked/tallowcrest-http.so"}) {
+            files->files[name] = "";
+        }
+        machine.toolLauncher.onLaunch = [this](const ToolRequest&) {
+            files->files["/home/o/.local/opt/tallowcrest/tallowcrest"] = "";
+        };
+        machine.install = {files, linuxInstallPlan(places), linuxLoginPlan(places), {}};
+    }
+
+    void finishWork() {
+        machine.finishSamples();
+        settle();
+    }
+    void trigger(const char* identifier) {
+        auto* action = window().findChild<QAction*>(QString::fromLatin1(identifier));
+        ASSERT_NE(action, nullptr) << identifier;
+        action->trigger();
+        finishWork();
+    }
+    bool startsAtLogin() { return files->files.contains(autostart); }
+    SetupWizard* wizard() {
+        auto* found = window().findChild<SetupWizard*>();
+        return found != nullptr && found->isVisible() ? found : nullptr;
+    }
+    void openWizard() {
+        showWithSample();
+        window().state().navigation.setShowSetupWizard(true);
+        settle();
+        ASSERT_NE(wizard(), nullptr);
+    }
+
+    std::shared_ptr<FakeInstallationFiles> files = std::make_shared<FakeInstallationFiles>();
+};
+
+TEST_F(InstallationCommandsTest, TheFileMenuInstallsAndChangesTheStartAtLogin) {
+    showWithSample();
+    trigger("menu.install");
+    EXPECT_EQ(lastAction(), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
+    trigger("menu.enable-launch-at-login");
+    EXPECT_EQ(lastAction(), "Enabled launch at login.");
+    EXPECT_TRUE(startsAtLogin());
+    trigger("menu.disable-launch-at-login");
+    EXPECT_EQ(lastAction(), "Disabled launch at login.");
+    EXPECT_FALSE(startsAtLogin());
+}
+
+TEST_F(InstallationCommandsTest, TheLocalMacTabDoesSoToo) {
+    showWithSample();
+    window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+    window().state().navigation.setShowSettings(true);
+    settle();
+    click("settings.install");
+    EXPECT_FALSE(visible<QPushButton>("settings.install")->isEnabled());
+    finishWork();
+    EXPECT_TRUE(visible<QPushButton>("settings.install")->isEnabled());
+    EXPECT_EQ(textOf("settings.sheet.last-action"),
+              u"Installed Tallowcrest to ~/.local/opt/tallowcrest."_s);
+    click("settings.enable-launch-at-login");
+    EXPECT_FALSE(visible<QPushButton>("settings.disable-launch-at-login")->isEnabled());
+    finishWork();
+    EXPECT_TRUE(startsAtLogin());
+    click("settings.disable-launch-at-login");
+    finishWork();
+    EXPECT_FALSE(startsAtLogin());
+    click("settings.check-for-updates");
+    EXPECT_NE(machine.monitor().integration().updates.alert(), nullptr);
+}
+
+TEST_F(InstallationCommandsTest, TheTrayOffersTheChangeThatIsLeft) {
+    show();
+    finishWork();
+    const auto entry = [this] {
+        for (const auto& group : menuBarEntries(machine.monitor(), window())) {
+            for (const MenuBarEntry& each : group) {
+                if (each.identifier == u"menubar.launch-at-login"_s) {
+                    return each;
+                }
+            }
+        }
+        return MenuBarEntry();
+    };
+    EXPECT_EQ(entry().title(), u"Enable Launch at Login"_s);
+    entry().run();
+    finishWork();
+    EXPECT_TRUE(startsAtLogin());
+    EXPECT_EQ(entry().title(), u"Disable Launch at Login"_s);
+    entry().run();
+    finishWork();
+    EXPECT_FALSE(startsAtLogin());
+}
+
+TEST_F(InstallationCommandsTest, AFailureFromTheTrayBringsTheWindowToTheFront) {
+    show();
+    finishWork();
+    window().close();
+    files->links["/home/o/.config/autostart"] = "/elsewhere";
+    for (const auto& group : menuBarEntries(machine.monitor(), window())) {
+        for (const MenuBarEntry& each : group) {
+            if (each.identifier == u"menubar.launch-at-login"_s) {
+                each.run();
+            }
+        }
+    }
+    EXPECT_FALSE(window().isVisible());
+    finishWork();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(lastAction(),
+              "Blocked launch-at-login setup because ~/.config/autostart is a symbolic link.");
+}
+
+TEST_F(InstallationCommandsTest, TheHubInstalls) {
+    showWithSample();
+    goTo(AppRoute::settings);
+    click("settings.hub.install");
+    EXPECT_FALSE(visible<QPushButton>("settings.hub.install")->isEnabled());
+    finishWork();
+    EXPECT_TRUE(visible<QPushButton>("settings.hub.install")->isEnabled());
+    EXPECT_EQ(lastAction(), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
+}
+
+TEST_F(InstallationCommandsTest, TheHubTheSettingsAndTheTrayOpenTheWizard) {
+    showWithSample();
+    goTo(AppRoute::settings);
+    click("settings.hub.setup-wizard");
+    ASSERT_NE(wizard(), nullptr);
+    wizard()->reject();
+    settle();
+    window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+    window().state().navigation.setShowSettings(true);
+    settle();
+    click("settings.setup-wizard");
+    ASSERT_NE(wizard(), nullptr);
+    wizard()->reject();
+    window().state().navigation.setShowSettings(false);
+    settle();
+    for (const auto& group : menuBarEntries(machine.monitor(), window())) {
+        for (const MenuBarEntry& each : group) {
+            if (each.identifier == u"menubar.setup-wizard"_s) {
+                EXPECT_EQ(each.title(), u"Setup Wizard"_s);
+                each.run();
+            }
+        }
+    }
+    settle();
+    EXPECT_NE(wizard(), nullptr);
+}
+
+TEST_F(InstallationCommandsTest, DoneCompletesTheFirstRunWithNothingChanged) {
+    openWizard();
+    EXPECT_EQ(textOf("setup.title"), u"Set Up Tallowcrest"_s);
+    click("setup.done");
+    EXPECT_EQ(wizard(), nullptr);
+    EXPECT_TRUE(machine.monitor().settings().firstRunComplete);
+    EXPECT_EQ(machine.store.read("Tallowcrest.firstRunComplete"), SettingsValue(true));
+    EXPECT_EQ(lastAction(), "First-run setup completed.");
+    openWizard();
+    EXPECT_TRUE(machine.monitor().settings().firstRunComplete);
+}
+
+TEST_F(InstallationCommandsTest, AWizardThatIsOnlyClosedComesAgain) {
+    openWizard();
+    QTest::keyClick(wizard(), Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(wizard(), nullptr);
+    EXPECT_FALSE(window().state().navigation.showSetupWizard());
+    EXPECT_FALSE(machine.monitor().settings().firstRunComplete);
+}
+
+TEST_F(InstallationCommandsTest, TheWizardStartsTheProgramAtLogin) {
+    openWizard();
+    EXPECT_EQ(visible<QPushButton>("setup.launch-at-login")->text(), u"Launch at Login"_s);
+    click("setup.launch-at-login");
+    EXPECT_FALSE(visible<QPushButton>("setup.launch-at-login")->isEnabled());
+    finishWork();
+    EXPECT_TRUE(startsAtLogin());
+    EXPECT_EQ(textOf("setup.last-action"), u"Enabled launch at login."_s);
+}
+
+TEST_F(InstallationCommandsTest, TheWizardShowsThePresentUserName) {
+    openWizard();
+    const auto texts = [this] {
+        QStringList found;
+        for (const auto* label : wizard()->findChildren<ElidedLabel*>()) {
+            found.append(label->text());
+        }
+        return found;
+    };
+    EXPECT_THAT(texts(),
+                testing::Contains(u"Set the remote Mac short name. Current value: owner"_s));
+    EXPECT_THAT(texts(),
+                testing::Contains(u"Use the header Install menu to copy Tallowcrest to "
+                                  "~/.local/opt/tallowcrest and enable launch at login."_s));
+    machine.monitor().settingsOwner().set(&Settings::sshUsername, "someone");
+    settle();
+    EXPECT_THAT(texts(),
+                testing::Contains(u"Set the remote Mac short name. Current value: someone"_s));
+}
+
+}  // namespace
+}  // namespace tallowcrest
