@@ -244,6 +244,7 @@ Usage: tallowcrest [options]
     --remote          scan the other machines once, print them and end
     --ask QUESTION    answer a question about this machine and end
     --analyze         print an analysis of this machine and end
+    --yes             let it be sent where the settings ask before that
     --storage         measure the areas of the disk, print them and end
     --large-files     print the largest personal files and end
   --ui-testing        keep the setup wizard away

@@ -75,7 +75,9 @@ public:
     FakeToolLauncher toolLauncher;
     FakeNotificationCenter notifications;
     std::shared_ptr<FakeReportFolder> reportFolder = std::make_shared<FakeReportFolder>();
-    Jobs jobs{mainQueue, workQueue};
+    /// Each value of progress is told.
+    std::chrono::steady_clock::time_point steadyNow = {};
+    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow += Jobs::progressDistance; }};
     bool hasLocalPublicKey = false;
     std::vector<std::string> startupProblems;
     bool readOnly = false;

@@ -144,9 +144,17 @@ public:
         run(
             lane,
             [work = std::move(work), progress = std::move(progress)](const Stop& stop) mutable {
-                const ProgressEnd end{*progress};
-                return work(stop,
-                            [&progress](Progress value) { progress->report(std::move(value)); });
+                const auto report = [&progress](Progress value) {
+                    progress->report(std::move(value));
+                };
+                if constexpr (std::is_void_v<decltype(work(stop, report))>) {
+                    work(stop, report);
+                    progress->end();
+                } else {
+                    auto result = work(stop, report);
+                    progress->end();
+                    return result;
+                }
             },
             [observer = std::move(observer), then = std::move(then)](auto&&... result) mutable {
                 then(std::forward<decltype(result)>(result)...);
@@ -199,7 +207,7 @@ private:
             }
         }
 
-        /// No value follows.
+        /// No value follows. Tells the last one, before the result of the work.
         void end() {
             std::unique_lock guard(lock_);
             if (latest_) {
@@ -231,13 +239,6 @@ private:
         std::optional<Progress> latest_;  ///< what has not been told yet
         bool isQueued_ = false;
         std::chrono::steady_clock::time_point next_ = {};
-    };
-
-    /// Tells the last value when the work returns, so before its result.
-    template <class Latest>
-    struct ProgressEnd {
-        Latest& progress;
-        ~ProgressEnd() { progress.end(); }
     };
 
     Stop stop() { return {stop_.get_token(), jobs_.changes_}; }

@@ -80,19 +80,19 @@ TEST(SettingsLoad, AsksForEveryValueOnceAndWritesNothing) {
     store.values.write(keys::diskAutopilotKey, true);
     ManualMainQueue mainQueue;
     const SettingsOwner owner(store, mainQueue, "owner");
-    EXPECT_THAT(
-        store.asked,
-        ::testing::UnorderedElementsAre(
-            "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
-            "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
-            "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
-            "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername",
-            "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel", "Tallowcrest.aiEndpoint",
-            "Tallowcrest.aiSafeActions", "Tallowcrest.notificationActions",
-            "Tallowcrest.aiRedactProcessDetails", "Tallowcrest.aiRequirePreview",
-            "Tallowcrest.aiAutonomyMode", "Tallowcrest.diskAutopilotEnabled",
-            "Tallowcrest.diskMinimumFreeGB", "Tallowcrest.diskCleanupAgeDays",
-            "Tallowcrest.diskMaxCleanupGB", "Tallowcrest.automationEmergencyStop"));
+    EXPECT_THAT(store.asked,
+                ::testing::UnorderedElementsAre(
+                    "Tallowcrest.warningThreshold", "Tallowcrest.protectedApps",
+                    "Tallowcrest.collapsedSections", "Tallowcrest.autoSelectTopOffender",
+                    "Tallowcrest.autoPurgeSustainedMemory", "Tallowcrest.autoScanRemoteMacs",
+                    "Tallowcrest.includeLinuxMachines", "Tallowcrest.sshUsername",
+                    "Tallowcrest.firstRunComplete", "Tallowcrest.openAIModel",
+                    "Tallowcrest.aiEndpoint", "Tallowcrest.aiSafeActions",
+                    "Tallowcrest.notificationActions", "Tallowcrest.aiRedactProcessDetails",
+                    "Tallowcrest.aiRequirePreview", "Tallowcrest.aiAutonomyMode",
+                    "Tallowcrest.diskAutopilotEnabled", "Tallowcrest.diskMinimumFreeGB",
+                    "Tallowcrest.diskCleanupAgeDays", "Tallowcrest.diskMaxCleanupGB",
+                    "Tallowcrest.automationEmergencyStop", "proUpdaterLastCheck"));
     store.asked.clear();
     owner.load(stored::activityLog);
     owner.load(stored::history);
@@ -128,10 +128,11 @@ TEST(SettingsKeys, AreListedOnceWithTheirKind) {
                      "Tallowcrest.notificationActions", "Tallowcrest.aiRedactProcessDetails",
                      "Tallowcrest.aiRequirePreview", "Tallowcrest.diskAutopilotEnabled",
                      "Tallowcrest.automationEmergencyStop")),
-            Pair(SettingsKind::number, UnorderedElementsAre("Tallowcrest.warningThreshold",
-                                                            "Tallowcrest.diskMinimumFreeGB",
-                                                            "Tallowcrest.diskCleanupAgeDays",
-                                                            "Tallowcrest.diskMaxCleanupGB")),
+            Pair(SettingsKind::number,
+                 UnorderedElementsAre("Tallowcrest.warningThreshold",
+                                      "Tallowcrest.diskMinimumFreeGB",
+                                      "Tallowcrest.diskCleanupAgeDays",
+                                      "Tallowcrest.diskMaxCleanupGB", "proUpdaterLastCheck")),
             Pair(SettingsKind::text,
                  UnorderedElementsAre("Tallowcrest.sshUsername", "Tallowcrest.openAIModel",
                                       "Tallowcrest.aiEndpoint", "Tallowcrest.aiAutonomyMode")),

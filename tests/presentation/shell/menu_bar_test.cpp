@@ -382,6 +382,7 @@ TEST_F(MenuBarTest, PanelAndContextMenuOfferTheSameCommands) {
               "Copy Report|Export Diagnostics\n"
               "Purge File Caches|Quit Top App\n"
               "Scan Remote Macs|Export Remote SSH Setup Script\n"
+              "Enable Launch at Login|Setup Wizard\n"
               "Expand Dashboard Sections|Collapse Dashboard Sections\n"
               "Emergency Stop|Resume Manual Mode\n"
               "Quit Tallowcrest");

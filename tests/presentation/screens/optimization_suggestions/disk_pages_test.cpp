@@ -108,8 +108,8 @@ TEST_F(DiskPagesTest, TheQuestionShowsEveryFileBeforeItIsMoved) {
     finishWork();
     ASSERT_NE(visible("confirmation"), nullptr);
     EXPECT_EQ(visible<QPushButton>("confirmation.details")->text(), u"Hide 31 Files · 50 MB"_s);
-    EXPECT_THAT(question(), StartsWith("/home/owner/.cache/app/file-0\n"));
-    EXPECT_THAT(question(), HasSubstr("\n/home/owner/.cache/bad\uFFFD<b>\uFFFD"));
+    EXPECT_THAT(question(), StartsWith("1 MB · /home/owner/.cache/app/file-0\n"));
+    EXPECT_THAT(question(), HasSubstr("20 MB · /home/owner/.cache/bad\uFFFD<b>\uFFFD"));
     EXPECT_EQ(std::ranges::count(question(), '\n'), 30);
     EXPECT_EQ(disk.trash->moved.size(), 0U);
     confirm();
