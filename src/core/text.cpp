@@ -164,10 +164,9 @@ std::string replacingControlCharacters(std::string_view text, std::string_view r
     std::string result;
     result.reserve(valid.size());
     while (!rest.empty()) {
-        const std::size_t length = sequenceLength(static_cast<unsigned char>(rest[0]));
-        const std::string_view sequence = rest.substr(0, length);
-        result.append(isControl(codePoint(sequence)) ? replacement : sequence);
-        rest.remove_prefix(length);
+        const std::string_view before = rest;
+        const bool isReplaced = isControl(takeCharacter(rest));
+        result.append(isReplaced ? replacement : before.substr(0, before.size() - rest.size()));
     }
     return result;
 }
@@ -198,6 +197,13 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
         length += sequenceLength(static_cast<unsigned char>(text[length]));
     }
     return text.substr(0, length);
+}
+
+char32_t takeCharacter(std::string_view& text) {
+    const std::size_t length = sequenceLength(static_cast<unsigned char>(text[0]));
+    const char32_t character = codePoint(text.substr(0, length));
+    text.remove_prefix(length);
+    return character;
 }
 
 std::optional<std::string_view> takeLine(std::string_view& text) {

@@ -37,6 +37,10 @@ std::string_view trimmingWhiteSpace(std::string_view text);
 /// into `text`, which is valid UTF-8.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 
+/// Removes the first character (code point) from the front of `text`, which is valid UTF-8 and not
+/// empty, and returns it.
+char32_t takeCharacter(std::string_view& text);
+
 /// Removes the next line that is not empty from the front of `text` and returns it without its line
 /// feed. Absent when there is none left.
 std::optional<std::string_view> takeLine(std::string_view& text);
