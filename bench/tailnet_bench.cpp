@@ -14,20 +14,21 @@
 #include "actions/desktop_actions.h"
 #include "actions/tool_runner.h"
 #include "platform/base/local_socket_exchange.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 #include "platform/tools/tool_launcher_posix.h"
 #include "remote/local_api.h"
 #include "remote/tailnet.h"
 #include "tests/platform/support/test_daemon.h"
 #include "tests/support/fake_tailscale.h"
 #include "tests/support/status_of_peers.h"
+#include "tests/support/test_locales.h"
 #include "tests/support/test_services.h"
 
 namespace tallowcrest {
 namespace {
 
 const Locale& americanEnglish() {
-    static const IcuLocale locale(LocaleNames{"en_US", "en_US"});
+    static const PosixLocale locale(LocaleNames{"en_US", "en_US"});
     return locale;
 }
 

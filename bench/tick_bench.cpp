@@ -19,7 +19,7 @@
 #include "platform/base/system_clock.h"
 #include "platform/base/thread_work_queue.h"
 #include "platform/host.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 #include "platform/tools/tool_launcher_posix.h"
 #include "sampling/latest_sample.h"
 #include "tests/support/fake_local_actions.h"
@@ -29,6 +29,7 @@
 #include "tests/support/manual_clock.h"
 #include "tests/support/manual_queues.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/test_locales.h"
 
 namespace tallowcrest {
 namespace {
@@ -66,7 +67,7 @@ std::shared_ptr<FakeMetricsReader> preparedReader(std::int64_t rows) {
 }
 
 std::shared_ptr<const Locale> americanEnglish() {
-    return std::make_shared<IcuLocale>(LocaleNames{"en_US", "en_US"});
+    return std::make_shared<PosixLocale>(LocaleNames{"en_US", "en_US"});
 }
 
 /// A monitor on manual queues, in the steady state of a full history.

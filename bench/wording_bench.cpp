@@ -1,5 +1,7 @@
 // The texts of a sample, those that depend on every row and the others, and of the advisor.
 
+#include <algorithm>
+#include <compare>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -10,9 +12,10 @@
 #include "advisor/guidance.h"
 #include "monitor/recommendations.h"
 #include "monitor/session_insights.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 #include "reports/diagnostics_report.h"
 #include "sampling/app_impact.h"
+#include "tests/support/test_locales.h"
 
 namespace tallowcrest {
 namespace {
@@ -46,14 +49,14 @@ std::vector<HistoryPoint> busyHistory() {
 
 void recommendFromRows(benchmark::State& state) {
     const auto rows = busyTable(state.range(0));
-    const IcuLocale locale({"en_US", "en_US"});
+    const PosixLocale locale({"en_US", "en_US"});
     for (auto _ : state) {
         benchmark::DoNotOptimize(buildRecommendations(rows, 1.5, 90.0, 90.0, locale));
     }
 }
 
 void recommendFromHistory(benchmark::State& state) {
-    const IcuLocale locale({"en_US", "en_US"});
+    const PosixLocale locale({"en_US", "en_US"});
     const auto history = busyHistory();
     const auto cards = buildRecommendations(busyTable(600), 1.5, 90.0, 90.0, locale);
     const std::vector<AppImpact> groups{{"Google Chrome", 85, 90.0, 9000.0, 7, 0}};
@@ -63,7 +66,7 @@ void recommendFromHistory(benchmark::State& state) {
 }
 
 void buildInsights(benchmark::State& state) {
-    const IcuLocale locale({"en_US", "en_US"});
+    const PosixLocale locale({"en_US", "en_US"});
     const auto history = busyHistory();
     std::map<std::string, std::int64_t> counts;
     for (int i = 0; i < 80; ++i) {
@@ -77,7 +80,7 @@ void buildInsights(benchmark::State& state) {
 /// What the main thread does for an answer: the guidance of this machine, and the report that a
 /// service gets. The sample has as many rows and groups as are listed at most.
 void guideAndReport(benchmark::State& state) {
-    const IcuLocale locale({"en_US", "en_US"});
+    const PosixLocale locale({"en_US", "en_US"});
     const Settings settings;
     SystemSnapshot snapshot;
     snapshot.memory = {.totalGB = 32.0, .usedGB = 28.0, .freeGB = 4.0, .pressure = 90.0};
@@ -113,9 +116,27 @@ void guideAndReport(benchmark::State& state) {
 }
 
 BENCHMARK(guideAndReport)->ArgName("redacted")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+void sortNames(benchmark::State& state, const char* name) {
+    const PosixLocale locale({name, name});
+    std::vector<std::string> names;
+    for (const ProcessSample& row : busyTable(700)) {
+        names.push_back(row.command.substr(row.command.rfind('/') + 1) + std::to_string(row.pid));
+    }
+    for (auto _ : state) {
+        std::vector<std::string> sorted = names;
+        std::sort(sorted.begin(), sorted.end(), [&](const auto& left, const auto& right) {
+            return std::is_lt(locale.compareIgnoringCase(left, right));
+        });
+        benchmark::DoNotOptimize(sorted);
+    }
+}
+
 BENCHMARK(recommendFromRows)->Arg(600)->Arg(2000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(recommendFromHistory)->Unit(benchmark::kMicrosecond);
 BENCHMARK(buildInsights)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(sortNames, english, "en_US")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(sortNames, withoutALocale, "C")->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace tallowcrest

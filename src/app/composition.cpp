@@ -16,7 +16,7 @@
 #include "platform/files/largest_files_search_posix.h"
 #include "platform/files/volume_of.h"
 #include "platform/host.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 #include "platform/trash/system_trash.h"
 
 namespace tallowcrest {
@@ -75,7 +75,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .ticks = host::makeTickSource(),
         .processDetails = host::makeProcessDetailsReader(),
         .locale = desktop.locale ? std::move(desktop.locale)
-                                 : std::make_shared<IcuLocale>(localeNamesOfThisProcess()),
+                                 : std::make_shared<PosixLocale>(localeNamesOfThisProcess()),
         .actions = {.local = {.processes = host::makeProcessControl(toolLauncher_),
                               .gracefulQuit = desktop.makeGracefulQuit
                                                   ? desktop.makeGracefulQuit(toolLauncher_)

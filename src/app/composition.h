@@ -34,7 +34,7 @@ struct DesktopServices {
     std::function<AdvisorPorts(std::stop_token)> makeAdvisorPorts = {};
     DiskDesktopPorts disk = {};
     IntegrationPorts integration = {};
-    /// Null for that of ICU alone.
+    /// Null for that of the C library.
     std::shared_ptr<const Locale> locale = {};
 };
 

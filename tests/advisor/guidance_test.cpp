@@ -7,9 +7,10 @@
 
 #include "actions/review_target.h"
 #include "core/locale.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 #include "tests/advisor/app_group.h"
 #include "tests/support/process_row.h"
+#include "tests/support/test_locales.h"
 
 namespace tallowcrest {
 namespace {
@@ -152,8 +153,8 @@ TEST_F(Guidance, SpeaksInTheFormatsOfTheLocale) {
     for (const Case& c :
          {Case{"en_US", "1,234.6", "12.3", "1,150.3"}, Case{"de_DE", "1.234,6", "12,3", "1.150,3"},
           Case{"fr_FR", "1\u202F234,6", "12,3", "1\u202F150,3"}}) {
-        const IcuLocale icu({.collation = c.name, .numbers = c.name});
-        locale = &icu;
+        const PosixLocale local({.collation = c.name, .numbers = c.name});
+        locale = &local;
         minimumFreeGB = 2000.0;
         EXPECT_THAT(analysis(), HasSubstr("Only " + std::string(c.freeGB) + " GB is free."));
         EXPECT_THAT(analysis(), StartsWith("Memory pressure is manageable at 40%."));
@@ -161,7 +162,7 @@ TEST_F(Guidance, SpeaksInTheFormatsOfTheLocale) {
         EXPECT_THAT(answer("disk"), HasSubstr("has " + std::string(c.freeGB) + " GB free"));
         EXPECT_THAT(answer("?"), HasSubstr("is " + std::string(c.freeGB) + " GB. Start"));
         EXPECT_EQ(
-            leadingProcessSentence(processRow(7, "/opt/indexer", 1150.25), icu),
+            leadingProcessSentence(processRow(7, "/opt/indexer", 1150.25), local),
             "indexer is currently the leading sampled process at " + std::string(c.cpu) + "% CPU.");
     }
     locale = &plain;

@@ -18,7 +18,7 @@ constexpr std::string_view highestPortLayer = "integration";
 
 constexpr std::array<std::string_view, 14> platformLayers{
     "platform",          "platform/base",   "platform/tools",   "platform/instance",
-    "platform/settings", "platform/icu",    "platform/linux",   "platform/macos",
+    "platform/settings", "platform/locale", "platform/linux",   "platform/macos",
     "platform/x11",      "platform/http",   "platform/secrets", "platform/trash",
     "platform/files",    "platform/desktop"};
 
@@ -80,9 +80,9 @@ bool platformMayInclude(std::string_view from, std::string_view to) {
         return *rank <= *rankOf(highestPortLayer);
     }
     // The desktop services also ask X11 windows, listen for other starts of the program, compare
-    // texts with ICU and keep secrets.
+    // texts and keep secrets.
     if (from == "platform/desktop" && (to == "platform/x11" || to == "platform/instance" ||
-                                       to == "platform/icu" || to == "platform/secrets")) {
+                                       to == "platform/locale" || to == "platform/secrets")) {
         return true;
     }
     if (from == "platform" || to == "platform") {

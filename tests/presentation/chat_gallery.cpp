@@ -13,7 +13,7 @@
 #include "core/record_json.h"
 #include "core/settings/stored_lists.h"
 #include "monitor/system_monitor.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/desktop/qt_locale.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/conversation_view.h"
 #include "presentation/widgets/crest_style.h"
@@ -41,7 +41,7 @@ std::string longAnswer(int number, std::size_t characters) {
 class ChatGallery final : public QWidget {
 public:
     ChatGallery(const QString& state, const QSize& size) {
-        machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
+        machine_.locale = std::make_shared<QtLocale>(localeNamesOfThisProcess());
         machine_.metrics->memory = {16.0, 9.5, 6.5, 2.3, 0.4, 59.4};
         machine_.metrics->disk = {476.9, 203.8};
         machine_.addProcess(800, "/usr/bin/photo-indexer", 130.0, 2048.0);

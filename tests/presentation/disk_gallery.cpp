@@ -12,7 +12,7 @@
 #include "core/confirmation_desk.h"
 #include "disk/disk.h"
 #include "monitor/system_monitor.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/desktop/qt_locale.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
 #include "tests/support/fake_disk_ports.h"
@@ -36,7 +36,7 @@ public:
     static const std::map<QString, State>& states();
 
     DiskGallery(const State& shown, const QSize& size) {
-        machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
+        machine_.locale = std::make_shared<QtLocale>(localeNamesOfThisProcess());
         machine_.metrics->memory = {16.0, 9.5, 6.5, 2.3, 0.4, 59.4};
         machine_.metrics->disk = {476.9, 12.4};
         machine_.addProcess(800, "/usr/bin/photo-indexer", 130.0, 2048.0);

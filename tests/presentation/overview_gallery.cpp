@@ -9,7 +9,7 @@
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
 #include "monitor/system_monitor.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/desktop/qt_locale.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
 #include "tests/support/fake_machine.h"
@@ -66,7 +66,7 @@ std::vector<SessionInsight> insights(bool isTroubled) {
 class OverviewGallery final : public QWidget {
 public:
     OverviewGallery(const QString& state, const QSize& size) {
-        machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
+        machine_.locale = std::make_shared<QtLocale>(localeNamesOfThisProcess());
         const bool isTroubled = state == u"troubled"_s;
         MemorySnapshot& memory = machine_.metrics->memory;
         memory = {16.0, isTroubled ? 14.9 : 7.4, isTroubled ? 1.1 : 8.6,

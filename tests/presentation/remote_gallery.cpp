@@ -10,7 +10,7 @@
 #include <QVBoxLayout>
 
 #include "monitor/system_monitor.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/desktop/qt_locale.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/widgets/crest_style.h"
@@ -27,7 +27,7 @@ namespace {
 class RemoteGallery final : public QWidget {
 public:
     RemoteGallery(const QString& state, const QSize& size) {
-        machine_.locale = std::make_shared<IcuLocale>(localeNamesOfThisProcess());
+        machine_.locale = std::make_shared<QtLocale>(localeNamesOfThisProcess());
         machine_.metrics->memory = {16.0, 7.4, 8.6, 2.3, 0.4, 46.3};
         window_ = std::make_unique<DashboardWindow>(machine_.monitor());
         window_->state().navigation.setSelectedRoute(AppRoute::remoteMacs);

@@ -27,7 +27,7 @@ namespace tallowcrest {
 class WindowFixture : public WidgetFixture {
 protected:
     WindowFixture() {
-        machine.locale = icuLocale("en_US");
+        machine.locale = windowLocale("en_US");
         MemorySnapshot& memory = machine.metrics->memory;
         memory.totalGB = 16.0;
         memory.usedGB = 9.5;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <compare>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -59,21 +61,22 @@ inline std::vector<std::string> oddTexts() {
 /// Checks that sorts can rely on the comparison.
 inline void expectStrictWeakOrdering(const Locale& locale) {
     const std::vector<std::string> texts = oddTexts();
-    const auto before = [&locale](const std::string& a, const std::string& b) {
-        return locale.compareIgnoringCase(a, b) < 0;
-    };
-    const auto same = [&locale](const std::string& a, const std::string& b) {
-        return locale.compareIgnoringCase(a, b) == 0;
-    };
+    std::vector<std::vector<std::weak_ordering>> orders;
     for (const std::string& a : texts) {
-        EXPECT_TRUE(same(a, a)) << a;
+        orders.emplace_back();
         for (const std::string& b : texts) {
-            EXPECT_EQ(before(a, b), locale.compareIgnoringCase(b, a) > 0) << a << " / " << b;
-            for (const std::string& c : texts) {
-                EXPECT_FALSE(before(a, b) && before(b, c) && !before(a, c))
-                    << a << " / " << b << " / " << c;
-                EXPECT_FALSE(same(a, b) && same(b, c) && !same(a, c))
-                    << a << " / " << b << " / " << c;
+            orders.back().push_back(locale.compareIgnoringCase(a, b));
+        }
+    }
+    for (std::size_t a = 0; a < texts.size(); ++a) {
+        EXPECT_TRUE(orders[a][a] == 0) << texts[a];
+        for (std::size_t b = 0; b < texts.size(); ++b) {
+            EXPECT_EQ(orders[a][b], 0 <=> orders[b][a]) << texts[a] << " / " << texts[b];
+            for (std::size_t c = 0; c < texts.size(); ++c) {
+                const bool isBefore = orders[a][b] < 0 && orders[b][c] < 0;
+                const bool isSame = orders[a][b] == 0 && orders[b][c] == 0;
+                EXPECT_FALSE((isBefore && !(orders[a][c] < 0)) || (isSame && orders[a][c] != 0))
+                    << texts[a] << " / " << texts[b] << " / " << texts[c];
             }
         }
     }

@@ -12,7 +12,8 @@ namespace tallowcrest {
 namespace {
 
 QLocale localeOf(const std::string& name) {
-    return QLocale(QString::fromStdString(usableLocaleName(name)));
+    const QLocale known(QString::fromStdString(name));
+    return known.language() == QLocale::C ? QLocale(QLocale::English) : known;
 }
 
 /// Qt's format with seconds has the time zone too. Takes it out, with the blanks and brackets
@@ -37,7 +38,7 @@ QString withWholeYear(QString format) {
 }  // namespace
 
 QtLocale::QtLocale(const LocaleNames& names, UTCOffset utcOffset)
-    : IcuLocale(names, utcOffset),
+    : PosixLocale(names, utcOffset),
       utcOffset_(std::move(utcOffset)),
       numbers_(localeOf(names.numbers)),
       dates_(localeOf(names.dates)),

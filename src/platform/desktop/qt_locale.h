@@ -6,16 +6,17 @@
 #include <QString>
 
 #include "core/date.h"
-#include "platform/icu/icu_locale.h"
+#include "platform/locale/posix_locale.h"
 
 namespace tallowcrest {
 
 /// The locale of a program with a window: numbers and dates are formatted by Qt, whose locale data
-/// the window has loaded anyway, everything else is as in the base class. ICU's formatters and
-/// their data would take 3 MB more. Dates are of the Gregorian calendar in every locale.
-class QtLocale final : public IcuLocale {
+/// the window has loaded anyway, everything else is as in the base class. So numbers and dates have
+/// the form of the country even where the system lacks the locale. Dates are of the Gregorian
+/// calendar in every locale.
+class QtLocale final : public PosixLocale {
 public:
-    /// As in the base class.
+    /// As in the base class. Unknown names form numbers and dates as "en_US" does.
     explicit QtLocale(const LocaleNames& names, UTCOffset utcOffset = utcOffsetOfThisMachine);
 
     std::string decimal(double value, int fractionDigits) const override;

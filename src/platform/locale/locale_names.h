@@ -3,7 +3,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace tallowcrest {
 
@@ -26,9 +25,5 @@ LocaleNames localeNamesFrom(const EnvironmentLookup& lookup);
 /// `localeNamesFrom` the environment of this process. Main thread, before anything changes the
 /// environment.
 LocaleNames localeNamesOfThisProcess();
-
-/// The language, script and country of a locale's name: "de_DE" for "de_DE.UTF-8@euro". "en" when
-/// the language is unknown, as it is for "C" and "POSIX". Any thread.
-std::string usableLocaleName(std::string_view name);
 
 }  // namespace tallowcrest

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <string>
 
 #include "core/date.h"
 #include "core/locale.h"
-#include "platform/icu/locale_names.h"
+#include "platform/locale/collation.h"
+#include "platform/locale/date_form.h"
+#include "platform/locale/locale_names.h"
+#include "platform/locale/number_form.h"
 
 namespace tallowcrest {
 
@@ -13,16 +16,14 @@ namespace tallowcrest {
 /// else for the whole system. 0 when the C library has no local time for the instant.
 std::int64_t utcOffsetOfThisMachine(Date date);
 
-/// The conventions of a language and country, by ICU. Each table is loaded on first use and kept;
-/// if it cannot be loaded, `PlainLocale` answers instead.
-class IcuLocale : public Locale {
+/// The conventions of a language and country, by the locales of the C library that this system has
+/// in UTF-8. A locale that it does not have is the one without a language, "C": its numbers have no
+/// groups, and its dates are "11/20/2026, 15:45". Dates are of the Gregorian calendar in every
+/// locale.
+class PosixLocale : public Locale {
 public:
-    /// Any names are accepted; see `usableLocaleName` for unknown ones. `utcOffset` is called for
-    /// each date.
-    explicit IcuLocale(const LocaleNames& names, UTCOffset utcOffset = utcOffsetOfThisMachine);
-    ~IcuLocale() override;
-    IcuLocale(const IcuLocale&) = delete;
-    IcuLocale& operator=(const IcuLocale&) = delete;
+    /// Any names are accepted. `utcOffset` is called for each date.
+    explicit PosixLocale(const LocaleNames& names, UTCOffset utcOffset = utcOffsetOfThisMachine);
 
     std::weak_ordering compareIgnoringCase(std::string_view left,
                                            std::string_view right) const override;
@@ -34,9 +35,14 @@ public:
     std::int64_t localDay(Date date) const override;
 
 private:
-    struct Tables;
+    /// `date` moved so that its UTC fields are those of local time.
+    Date shiftedToUTC(Date date) const;
+    std::string text(Date date, const DateForm& form) const;
 
-    std::unique_ptr<Tables> tables_;
+    UTCOffset utcOffset_;
+    Collation collation_;
+    NumberForm numbers_;
+    DateForms dates_;
 };
 
 }  // namespace tallowcrest

@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "tests/platform/support/date_forms.h"
 #include "tests/support/numbers.h"
+#include "tests/support/test_locales.h"
 
 namespace tallowcrest {
 namespace {
@@ -17,19 +18,32 @@ QtLocale localeNamed(const std::string& name, std::int64_t offset = 0) {
 }
 
 TEST(QtLocale, FormsDecimalsAsTheHeadlessProgramDoes) {
-    for (const char* name : {"en_US", "de_DE.UTF-8", "tr_TR", "de_CH", "hi_IN", "C", "xx"}) {
+    for (const char* name : {"en_US", "de_DE.UTF-8", "tr_TR", "de_CH", "en_IN"}) {
         const QtLocale qt = localeNamed(name);
-        const IcuLocale icu({name, name});
+        const PosixLocale headless({name, name});
         for (const double value :
              {0.0,  -0.0, 82.4,  82.5,   81.5,     -82.5,     12.34,     2.25,  -2.25,
               9.96, 1.0,  999.5, 1234.5, -1234.5,  12345.0,   1234567.8, -0.04, -0.05,
               -0.4, -0.5, 3.7,   1e15,   infinity, -infinity, nan}) {
             for (const int digits : {-1, 0, 1, 2, 4}) {
-                EXPECT_EQ(qt.decimal(value, digits), icu.decimal(value, digits))
+                EXPECT_EQ(qt.decimal(value, digits), headless.decimal(value, digits))
                     << name << ' ' << value << ' ' << digits;
             }
         }
-        EXPECT_EQ(qt.decimal(0.5, 99), icu.decimal(0.5, 99)) << name;
+        EXPECT_EQ(qt.decimal(0.5, 99), headless.decimal(0.5, 99)) << name;
+    }
+}
+
+TEST(QtLocale, UnknownNamesAreAmericanEnglish) {
+    for (const char* name :
+         {"", "C", "C.UTF-8", "POSIX", "xx", "nonsense", "../../etc", "\xFF\xFE"}) {
+        EXPECT_EQ(localeNamed(name).decimal(-1234.5, 1), "-1,234.5") << name;
+        EXPECT_EQ(localeNamed(name).hoursAndMinutes(Date::fromUnixSeconds(january)), "10:45 PM")
+            << name;
+    }
+    for (const char* name : {"de_AT@euro", "de_AT.UTF-8", "de_DE.ISO-8859-1@euro", "de"}) {
+        EXPECT_EQ(localeNamed(name).hoursAndMinutes(Date::fromUnixSeconds(january)), "22:45")
+            << name;
     }
 }
 
