@@ -219,8 +219,8 @@ TEST(DashboardText, TimesHaveSecondsAndNoTimeZoneInEveryLocale) {
     // 2026-03-09T14:03:55Z
     const Date date = Date::fromUnixSeconds(1773065035.0);
     const std::pair<const char*, QString> cases[] = {
-        {"C", u"2:03:55 PM"_s},   {"en_GB", u"14:03:55"_s}, {"de_DE", u"14:03:55"_s},
-        {"fi_FI", u"14.03.55"_s}, {"ja_JP", u"14:03:55"_s}, {"fr_CA", u"14 h 03 min 55 s"_s},
+        {"C", u"2:03:55 PM"_s},   {"en_GB", u"14:03:55"_s},     {"de_DE", u"14:03:55"_s},
+        {"fi_FI", u"14.03.55"_s}, {"ja_JP", u"14時03分55秒"_s}, {"fr_CA", u"14 h 03 min 55 s"_s},
     };
     for (const auto& [locale, expected] : cases) {
         const Place place(locale);
@@ -261,7 +261,7 @@ TEST(DashboardText, ShortTimesOfAnotherDayHaveADate) {
     };
     for (const Case& each :
          {Case{now, "14:03"}, Case{now - 14 * 3600, "00:03"},
-          Case{now - 15 * 3600, "8.3.2026, 23:03"}, Case{now + 10 * 3600, "10.3.2026, 00:03"}}) {
+          Case{now - 15 * 3600, "08.03.2026, 23:03"}, Case{now + 10 * 3600, "10.03.2026, 00:03"}}) {
         EXPECT_EQ(dashboard_text::shortTimeText(Date::fromUnixSeconds(each.seconds),
                                                 Date::fromUnixSeconds(now))
                       .toStdString(),
@@ -273,7 +273,7 @@ TEST(DashboardText, ShortTimesOfAnotherDayHaveADate) {
             .toStdString();
     };
     EXPECT_EQ(ofPoint(now - 5), "14:03:50");
-    EXPECT_EQ(ofPoint(now - 15 * 3600), "8.3.2026, 23:03");
+    EXPECT_EQ(ofPoint(now - 15 * 3600), "08.03.2026, 23:03");
 }
 
 TEST(DashboardText, AgeIsRoundedDownAndNeverFreshWhenItIsUnknown) {

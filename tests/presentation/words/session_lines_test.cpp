@@ -64,8 +64,8 @@ TEST_F(ActivityLinesTest, TimesFollowTheLocaleAndHaveADateOnAnotherDay) {
     };
     EXPECT_EQ(timeOf(evening), "20:05");
     EXPECT_EQ(timeOf(QDateTime(QDate(2026, 3, 9), QTime(0, 0))), "00:00");
-    EXPECT_EQ(timeOf(QDateTime(QDate(2026, 3, 8), QTime(23, 59))), "8.3.2026, 23:59");
-    EXPECT_EQ(timeOf(QDateTime(QDate(2025, 3, 9), QTime(20, 5))), "9.3.2025, 20:05");
+    EXPECT_EQ(timeOf(QDateTime(QDate(2026, 3, 8), QTime(23, 59))), "08.03.2026, 23:59");
+    EXPECT_EQ(timeOf(QDateTime(QDate(2025, 3, 9), QTime(20, 5))), "09.03.2025, 20:05");
 }
 
 ActivityEvent event(const char* title) {
