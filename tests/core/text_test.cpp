@@ -164,6 +164,15 @@ TEST(TrimmingWhiteSpace, RemovesMixedRuns) {
     EXPECT_EQ(trimmingWhiteSpace("\r\n \u3000\tword\u00A0\u2028\r\n"), "word");
 }
 
+TEST(TakeCharacter, ReadsOneOfEachLength) {
+    std::string_view text("z\u00E4\u20AC\U0001F600\0", 11);
+    std::vector<char32_t> taken;
+    while (!text.empty()) {
+        taken.push_back(takeCharacter(text));
+    }
+    EXPECT_EQ(taken, (std::vector<char32_t>{U'z', U'\u00E4', U'\u20AC', U'\U0001F600', U'\0'}));
+}
+
 TEST(FirstCharacters, CountsCharactersAndSplitsNone) {
     EXPECT_EQ(firstCharacters("abc", 2), "ab");
     EXPECT_EQ(firstCharacters("abc", 3), "abc");
