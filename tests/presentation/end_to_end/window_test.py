@@ -382,6 +382,7 @@ class Tray(WindowTestCase):
                                          "Purge File Caches", "Quit Top App",
                                          "Scan Remote Macs",
                                          "Export Remote SSH Setup Script",
+                                         "Enable Launch at Login", "Setup Wizard",
                                          "Expand Dashboard Sections",
                                          "Collapse Dashboard Sections", "Emergency Stop",
                                          "Quit Tallowcrest"])
