@@ -53,7 +53,9 @@ TEST_F(TailnetReadingTest, AsksTheDaemonAlone) {
 TEST_F(TailnetReadingTest, TheDaemonIsEnoughWithoutTheTool) {
     tailscale.cli = tailscale.folder.path("absent");
     tailscale.answer = "HTTP/1.0 200 OK\r\n\r\n{}";
-    EXPECT_EQ(read(), (TailnetState{.isAnswered = true}));
+    const TailnetState state = read();
+    EXPECT_TRUE(state.isAnswered);
+    EXPECT_THAT(state.tailDevices, IsEmpty());
 }
 
 TEST_F(TailnetReadingTest, AsksTheToolWhenTheDaemonAnswersOtherwise) {
