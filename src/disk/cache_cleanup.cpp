@@ -37,16 +37,6 @@ std::string folderOf(const std::string& path) {
 
 }  // namespace
 
-CachesPlace cachesPlace(const DiskPlaces& places) {
-    CachesPlace place{places.caches, places.home, places.personal};
-    for (const StorageArea& area : places.areas) {
-        if (area.folder != place.caches && isInsideFolder(area.folder, place.home)) {
-            place.kept.push_back(area.folder);
-        }
-    }
-    return place;
-}
-
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
                                      const std::function<void(SearchProgress)>& progress,

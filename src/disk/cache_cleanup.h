@@ -25,7 +25,9 @@ struct CachesPlace {
     std::vector<std::string> kept;  ///< folders of the owner's files, of data and of settings
 };
 
-CachesPlace cachesPlace(const DiskPlaces& places);
+inline CachesPlace cachesPlace(const DiskPlaces& places) {
+    return {places.caches, places.home, places.kept};
+}
 
 struct CacheScanRequest {
     CachesPlace place;

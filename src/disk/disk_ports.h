@@ -45,6 +45,7 @@ struct DiskPlaces {
     std::string home = {};                   ///< absolute
     std::string caches = {};                 ///< the folder of the user's caches, absolute
     std::vector<StorageArea> areas = {};     ///< of this platform, see storage_areas.h
+    std::vector<std::string> kept = {};      ///< what is never taken for the caches
     std::vector<std::string> personal = {};  ///< of `personalFolders`
     std::string unreadableData = "data";     ///< what texts call what could not be measured
 };

@@ -13,12 +13,14 @@ struct HomeArea {
     std::string_view folder;  ///< below the home directory
 };
 
+constexpr std::string_view cachesLabel = "User Caches";
+
 constexpr auto macOSHomeAreas = std::to_array<HomeArea>({
     {"Application Support", "Library/Application Support"},
     {"App Containers", "Library/Containers"},
     {"Shared App Data", "Library/Group Containers"},
     {"Developer Data", "Library/Developer"},
-    {"User Caches", "Library/Caches"},
+    {cachesLabel, "Library/Caches"},
     {"iCloud Drive Data", "Library/Mobile Documents"},
     {"Mail", "Library/Mail"},
     {"Messages", "Library/Messages"},
@@ -64,6 +66,28 @@ void appendAll(std::vector<StorageArea>& areas, const std::string& home, const T
     }
     for (const HomeArea& each : table) {
         append(areas, home, each.label, parent + '/' + std::string(each.folder));
+    }
+}
+
+/// The owner's own folders, those that are set apart.
+std::vector<std::string> ownFolders(const UserFolders& folders) {
+    std::vector<std::string> own;
+    for (const std::string& folder :
+         {folders.downloads, folders.documents, folders.desktop, folders.videos, folders.pictures,
+          folders.music, folders.data, folders.configuration}) {
+        if (!folder.empty() && folder != folders.home) {
+            own.push_back(folder);
+        }
+    }
+    return own;
+}
+
+template <class Table>
+void appendKept(std::vector<std::string>& kept, const Table& table, const std::string& parent) {
+    for (const HomeArea& each : table) {
+        if (!parent.empty() && each.label != cachesLabel) {
+            kept.push_back(parent + '/' + std::string(each.folder));
+        }
     }
 }
 
@@ -116,10 +140,23 @@ std::vector<StorageArea> linuxStorageAreas(const UserFolders& folders) {
     add("Music", folders.music);
     add("Application Data", folders.data);
     add("Configuration", folders.configuration);
-    add("User Caches", folders.caches);
+    add(cachesLabel, folders.caches);
     appendAll(areas, folders.home, linuxDataAreas, folders.data);
     appendAll(areas, folders.home, linuxHomeAreas, folders.home);
     return areas;
+}
+
+std::vector<std::string> macOSKeptFolders(const UserFolders& folders) {
+    std::vector<std::string> kept = ownFolders(folders);
+    appendKept(kept, macOSHomeAreas, folders.home);
+    return kept;
+}
+
+std::vector<std::string> linuxKeptFolders(const UserFolders& folders) {
+    std::vector<std::string> kept = ownFolders(folders);
+    appendKept(kept, linuxDataAreas, folders.data);
+    appendKept(kept, linuxHomeAreas, folders.home);
+    return kept;
 }
 
 bool isInsideFolder(const std::string& path, const std::string& folder) {

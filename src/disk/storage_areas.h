@@ -43,6 +43,12 @@ std::vector<StorageArea> linuxStorageAreas(const UserFolders& folders);
 /// so that no file is found twice.
 std::vector<std::string> personalFolders(const UserFolders& folders);
 
+/// What must never be taken for the caches, wherever it lies and whatever else has the same path:
+/// the personal folders, the data, the settings, and the areas of programs and of mail. Without the
+/// home directory itself.
+std::vector<std::string> macOSKeptFolders(const UserFolders& folders);
+std::vector<std::string> linuxKeptFolders(const UserFolders& folders);
+
 /// Whether `path` is below `folder`. Compares texts; both are absolute and normal.
 bool isInsideFolder(const std::string& path, const std::string& folder);
 

@@ -18,9 +18,11 @@
 namespace tallowcrest {
 namespace {
 
-using ::testing::Each;
+using ::testing::AllOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 constexpr std::int64_t gigabyte = 1073741824;
@@ -133,15 +135,56 @@ TEST_F(CacheCleanupTest, AFolderOfOtherFilesIsNeitherWalkedNorEmptiedAsTheCaches
     EXPECT_EQ(move(made.urls).moved, 0) << "it became one between the review and the run";
 }
 
-TEST_F(CacheCleanupTest, KeepsThePersonalFoldersAndTheAreasInTheHomeDirectory) {
+TEST_F(CacheCleanupTest, CachesThatOverlapWithTheOwnersFoldersAreNotWalked) {
+    UserFolders usual;
+    usual.home = "/home/o";
+    usual.downloads = "/home/o/Downloads";
+    usual.music = "/home/o/Music";
+    usual.caches = "/home/o/.cache";
+    usual.data = "/home/o/.local/share";
+    usual.configuration = "/home/o/.config";
+    const auto walked = [&](const UserFolders& folders) {
+        files.all.clear();
+        files.add(folders.caches + "/old", 10, 0.0);
+        kept = linuxKeptFolders(folders);
+        return !plan(folders.caches, folders.home).urls.empty();
+    };
+    EXPECT_TRUE(walked(usual));
+    const auto cachesAt = [&](const std::string& caches) {
+        UserFolders folders = usual;
+        folders.caches = caches;
+        return folders;
+    };
+    for (const char* taken :
+         {"/home/o/.config", "/home/o/Music", "/home/o/.local/share", "/home/o/snap", "/home/o/go",
+          "/home/o/.cargo", "/home/o/.thunderbird", "/home/o/.local/share/evolution"}) {
+        EXPECT_FALSE(walked(cachesAt(taken))) << taken;
+    }
+    UserFolders outside = cachesAt("/data");
+    EXPECT_TRUE(walked(outside));
+    outside.data = "/data/share";
+    EXPECT_FALSE(walked(outside));
+    outside = cachesAt("/data");
+    outside.music = "/data/music";
+    EXPECT_FALSE(walked(outside));
+    UserFolders unset = usual;
+    unset.downloads = unset.home;
+    EXPECT_TRUE(walked(unset)) << "a folder that is not set apart is no reason";
+}
+
+TEST_F(CacheCleanupTest, OnMacOSTheFolderOfTheCachesIsNotKept) {
+    const UserFolders folders = macOSUserFolders("/Users/o");
+    EXPECT_THAT(macOSKeptFolders(folders),
+                AllOf(Not(Contains(folders.caches)), Contains("/Users/o/Library/Mail"),
+                      Contains("/Users/o/Music")));
+}
+
+TEST_F(CacheCleanupTest, ThePlaceKeepsWhatThePlatformSays) {
     DiskPlaces places;
     places.home = "/home/o";
     places.caches = "/home/o/.cache";
-    places.personal = {"/home/o/Documents"};
-    places.areas = {{"Programs", "/usr"},
-                    {"User Caches", "/home/o/.cache"},
-                    {"Configuration", "/home/o/.config"}};
-    EXPECT_THAT(cachesPlace(places).kept, ElementsAre("/home/o/Documents", "/home/o/.config"));
+    places.kept = {"/home/o/.cache"};
+    EXPECT_THAT(cachesPlace(places).kept, ElementsAre("/home/o/.cache"));
 }
 
 TEST_F(CacheCleanupTest, AFileReachedThroughALinkThatLeavesTheFolderIsLeft) {

@@ -206,6 +206,7 @@ struct FakeDiskPorts {
             .places = {.home = std::string(home),
                        .caches = std::string(home) + "/.cache",
                        .areas = areas,
+                       .kept = {"/home/owner/Downloads", "/home/owner/Documents"},
                        .personal = {"/home/owner/Downloads", "/home/owner/Documents"}},
             .desktop = {
                 .reveal = [this](const std::filesystem::path& file) { revealed.push_back(file); },

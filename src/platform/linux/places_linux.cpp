@@ -38,6 +38,7 @@ DiskPlaces diskPlaces() {
     return {.home = folders.home,
             .caches = folders.caches,
             .areas = linuxStorageAreas(folders),
+            .kept = linuxKeptFolders(folders),
             .personal = personalFolders(folders)};
 }
 

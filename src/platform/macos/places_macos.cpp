@@ -56,6 +56,7 @@ DiskPlaces diskPlaces() {
     return {.home = folders.home,
             .caches = folders.caches,
             .areas = macOSStorageAreas(folders),
+            .kept = macOSKeptFolders(folders),
             .personal = personalFolders(folders),
             .unreadableData = "APFS data"};
 }
