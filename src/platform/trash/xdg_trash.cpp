@@ -119,6 +119,8 @@ private:
     bool isDescribed() const;
     void removeDescription();
     int store();
+    /// Gives the file that is stored a description again.
+    int describeStored();
     TrashOutcome returnFile(std::string why);
 
     XdgTrash& owner_;
@@ -214,10 +216,30 @@ int XdgTrash::Move::store() {
     }
 }
 
+int XdgTrash::Move::describeStored() {
+    const std::string name = storedName_;
+    int error = describeAs(name);
+    if (error == EEXIST) {
+        // Another file is described there, so that this one needs another name.
+        error = describe();
+        if (error == 0 &&
+            !renameWithoutReplacing(trash_->files.get(), name, trash_->files.get(), storedName_)) {
+            error = errno;
+            removeDescription();
+        }
+    }
+    return error == 0 && !flush(info_.get()) ? errno : error;
+}
+
 TrashOutcome XdgTrash::Move::returnFile(std::string why) {
     if (!renameWithoutReplacing(trash_->files.get(), storedName_, source_.folder.get(),
                                 source_.name)) {
         why += "; what had its name is in the Trash: " + systemWords(errno);
+        if (!isDescribed()) {
+            if (const int error = describeStored(); error != 0) {
+                why += "; it has no description there: " + systemWords(error);
+            }
+        }
         info_.reset();
         return left(std::move(why));
     }
@@ -243,6 +265,10 @@ TrashOutcome XdgTrash::Move::complete(std::optional<std::int64_t> maximumBytes) 
     }
     if (std::string late = objectionToStored(request_, source_, *stored); !late.empty()) {
         return returnFile(std::move(late));
+    }
+    // The Trash may have been emptied just before the file arrived.
+    if (!isDescribed()) {
+        return returnFile("The Trash was emptied meanwhile");
     }
     info_.reset();
     return {.movedBytes = stored->bytes,
