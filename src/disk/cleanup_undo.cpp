@@ -103,8 +103,12 @@ std::string undoReceipt(const CleanupUndo& undo, const std::string& home) {
         text += fmt::format("; and {} more", undo.left.size() - mostNamed);
     }
     text += undo.left.empty() ? "" : ".";
-    text += undo.remaining.empty() ? " Recovery: none needed."
-                                   : " Recovery: what is still in Trash can be put back there.";
+    if (!undo.remaining.empty()) {
+        text += " Recovery: what is still in Trash can be put back there.";
+    } else {
+        text += undo.left.empty() ? " Recovery: none needed."
+                                  : " Recovery: nothing more can be put back here.";
+    }
     return text;
 }
 

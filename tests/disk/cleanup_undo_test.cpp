@@ -101,7 +101,10 @@ TEST_F(CleanupUndoTest, AnEmptiedTrashIsTold) {
     diskPorts.trash->inTrash.clear();
     undo();
     EXPECT_EQ(status(), "No file could be put back from Trash.");
-    EXPECT_THAT(detail(), HasSubstr("Not put back: ~/.cache/a: It is no longer in the Trash."));
+    EXPECT_EQ(detail(),
+              "Trigger: the owner asked to put back the latest cleanup. Result: put back 0 of 1 "
+              "files (0.00 GB) from Trash. Not put back: ~/.cache/a: It is no longer in the Trash. "
+              "Recovery: nothing more can be put back here.");
     EXPECT_EQ(autopilot().state().undoableFiles, 0U);
 }
 
