@@ -211,7 +211,8 @@ bool DiskAutopilot::isAutopilotTrusted() const {
 
 Outcome DiskAutopilot::refuseSecond() {
     return dependencies_.services.log.record(
-        Outcome::refused("A disk cleanup is under way. Review again when it is over."));
+        Outcome::refused(undo_ ? "Files are being put back. Review again when that is over."
+                               : "A disk cleanup is under way. Review again when it is over."));
 }
 
 Outcome DiskAutopilot::confirmCleanup() {

@@ -186,7 +186,8 @@ TEST_F(DiskCleanupTest, ASecondOneIsRefusedWhoeverAsksForIt) {
     EXPECT_THAT(diskPorts.trash->requests, SizeIs(2));
     // Nor while the first one is put back.
     autopilot().undoLatestCleanup();
-    EXPECT_EQ(autopilot().performDiskCleanup(false).kind, Outcome::Kind::refused);
+    EXPECT_EQ(autopilot().performDiskCleanup(false),
+              Outcome::refused("Files are being put back. Review again when that is over."));
     finishWork();
     EXPECT_THAT(diskPorts.trash->requests, SizeIs(2));
 }
