@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -78,6 +79,13 @@ protected:
         const timespec times[]{then, then};
         EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
         return path;
+    }
+
+    /// As an analysis would list it.
+    static StorageOptimizationSuggestion suggestionOf(const fs::path& file) {
+        struct stat status {};
+        EXPECT_EQ(::lstat(file.c_str(), &status), 0);
+        return {.title = file.filename(), .path = file, .identity = {status.st_dev, status.st_ino}};
     }
 
     SystemMonitor& monitor() { return composition.monitor(); }
@@ -165,6 +173,24 @@ TEST_F(DiskIntegrationTest, ALargeFileIsFoundCopiedAndMovedToTheTrash) {
     serveUntil([&] { return files().state().storageOptimizationSuggestions.empty(); });
     EXPECT_FALSE(fs::exists(film));
     EXPECT_TRUE(fs::exists(places.trash() / "files/film.mov"));
+    EXPECT_TRUE(composition.shutDown());
+}
+
+TEST_F(DiskIntegrationTest, ACopyIntoTheFilesOwnFolderGetsTheTimeAndLeavesTheFile) {
+    const fs::path film = write(places.backups() / "film.mov", "scenes");
+    const std::time_t before = std::time(nullptr);
+    files().backUpSuggestion(suggestionOf(film));
+    serveUntil([&] { return !revealed.empty(); });
+    const std::string copy = revealed.front();
+    const std::string prefix = (places.backups() / "film-").string();
+    ASSERT_TRUE(copy.starts_with(prefix) && copy.ends_with(".mov")) << copy;
+    const std::time_t time = std::stoll(copy.substr(prefix.size()));
+    EXPECT_EQ(copy, fmt::format("{}{}.mov", prefix, time));
+    EXPECT_TRUE(before <= time && time <= std::time(nullptr)) << time;
+    EXPECT_EQ(fileText(copy), "scenes");
+    EXPECT_EQ(fileText(film), "scenes");
+    EXPECT_EQ(files().state().storageAnalyzerStatus,
+              "Backup complete: " + fs::path(copy).filename().string());
     EXPECT_TRUE(composition.shutDown());
 }
 
