@@ -133,10 +133,14 @@ bool Composition::shutDown(std::chrono::milliseconds timeout) {
     // Before a job that hangs can end the program without the monitor's destruction.
     if (monitor_) {
         monitor_->disk().autopilot.recordUnfinished();
+        monitor_->disk().files.recordUnfinished();
     }
     // No component is destroyed while one of its jobs is running.
     if (!workQueue_.finishWithin(timeout)) {
         return false;
+    }
+    if (monitor_) {
+        monitor_->disk().files.recordUnfinished();
     }
     monitor_.reset();
     return true;

@@ -13,6 +13,9 @@ namespace tallowcrest::personal_file_texts {
 
 inline constexpr std::string_view confirmationKind = "storage_suggestion_trash";
 
+/// The error of a move to the Trash that the end of the program has kept from beginning.
+inline constexpr const char* canceled = "canceled";
+
 inline constexpr std::string_view atStart =
     "Run the analyzer to find large personal files worth backing up or reviewing.";
 inline constexpr std::string_view analyzing = "Analyzing large personal files locally…";

@@ -175,19 +175,21 @@ void PersonalFiles::beginBackup(const StorageOptimizationSuggestion& suggestion,
     backupBegan_ = dependencies_.services.clock.now();
     state_.backup = BackupProgress{.title = suggestion.title};
     setStatus(texts::backingUp(suggestion.title));
+    backupUnderWay_ = {suggestion, std::make_shared<SharedResult<Copied>>()};
     backup_.begin().runWithProgress<CopyProgress>(
         Lane::personalFiles,
         [copy = dependencies_.ports.copy, file = suggestion.path, identity = suggestion.identity,
-         folder = std::move(folder), now = backupBegan_,
+         folder = std::move(folder), now = backupBegan_, shared = backupUnderWay_->copied,
          token = backup_.stopToken()](const Stop& stop, const auto& report) {
             Copied result{backupPath(file, folder, now), {}};
             // No change that the end of the program waits for: a copy can take hours.
             const EitherStop either(stop.stopToken(), token);
             result.error = copy->copy({file, result.destination, identity}, report, either.token());
+            shared->set(result);
             return result;
         },
         [this](const CopyProgress& progress) { showBackup(progress); },
-        [this, suggestion](const Copied& copied) { finishBackup(suggestion, copied); });
+        [this](const Copied& copied) { finishBackup(copied); });
 }
 
 void PersonalFiles::showBackup(const CopyProgress& progress) {
@@ -205,23 +207,29 @@ void PersonalFiles::showBackup(const CopyProgress& progress) {
     observable_->changed();
 }
 
-void PersonalFiles::finishBackup(const StorageOptimizationSuggestion& suggestion,
-                                 const Copied& copied) {
-    const bool wasStopped = backup_.isStopping();
-    backup_.end();
-    state_.backup.reset();
+void PersonalFiles::recordBackup(const Copied& copied) {
+    const std::string title = std::exchange(backupUnderWay_, std::nullopt)->suggestion.title;
     ActivityLog& log = dependencies_.services.log;
     if (!copied.error) {
         setStatus(texts::backedUp(shownPath(nameOf(copied.destination))));
         log.recordEvent(ActivityKind::backupReceipt,
-                        texts::backupReceipt(suggestion.title, shownPath(copied.destination)));
-        dependencies_.ports.desktop.reveal(copied.destination);
-    } else if (wasStopped) {
-        setStatus(texts::backupStopped(suggestion.title));
-        log.recordEvent(ActivityKind::backupReceipt, texts::backupStoppedReceipt(suggestion.title));
+                        texts::backupReceipt(title, shownPath(copied.destination)));
+    } else if (backup_.isStopping()) {
+        setStatus(texts::backupStopped(title));
+        log.recordEvent(ActivityKind::backupReceipt, texts::backupStoppedReceipt(title));
     } else {
         setStatus(texts::backupFailed(*copied.error));
-        log.recordMessage(texts::backupFailedMessage(suggestion.title, *copied.error));
+        log.recordMessage(texts::backupFailedMessage(title, *copied.error));
+    }
+}
+
+void PersonalFiles::finishBackup(const Copied& copied) {
+    recordBackup(copied);
+    backup_.end();
+    state_.backup.reset();
+    observable_->changed();
+    if (!copied.error && canReveal()) {
+        dependencies_.ports.desktop.reveal(copied.destination);
     }
 }
 
@@ -251,33 +259,62 @@ Outcome PersonalFiles::trashPendingSuggestion() {
     }
     readBookmark();
     observable_->changed();
+    const auto shared = std::make_shared<SharedResult<TrashOutcome>>();
+    trashing_.push_back({*pending, shared});
     jobs_.run(
         Lane::personalFiles,
-        [trash = dependencies_.ports.trash,
+        [trash = dependencies_.ports.trash, shared,
          request =
              TrashRequest{.path = pending->path, .identity = pending->identity}](const Stop& stop) {
+            // Until the outcome is set, so that the end of the program finds it.
             const auto change = stop.beginChange();
-            return change ? trash->moveToTrash(request) : TrashOutcome{.error = "canceled"};
+            TrashOutcome outcome =
+                change ? trash->moveToTrash(request) : TrashOutcome{.error = texts::canceled};
+            shared->set(outcome);
+            return outcome;
         },
-        [this, suggestion = *pending](const TrashOutcome& outcome) {
-            finishTrash(suggestion, outcome);
+        [this, suggestion = *pending, shared](const TrashOutcome& outcome) {
+            // Those that the end of the program has told are not told again.
+            if (std::erase_if(trashing_,
+                              [&](const Trashing& each) { return each.outcome == shared; }) > 0) {
+                finishTrash(suggestion, outcome);
+            }
         });
     return Outcome::asked();
 }
 
-void PersonalFiles::finishTrash(const StorageOptimizationSuggestion& suggestion,
+bool PersonalFiles::recordTrash(const StorageOptimizationSuggestion& suggestion,
                                 const TrashOutcome& outcome) {
     ActivityLog& log = dependencies_.services.log;
     if (!outcome.movedBytes) {
         log.recordMessage(texts::trashFailed(suggestion.title, outcome.error));
-        return;
+        return false;
     }
     std::erase_if(
         state_.storageOptimizationSuggestions,
         [&](const StorageOptimizationSuggestion& each) { return each.id == suggestion.id; });
     setStatus(texts::trashed(suggestion.title));
     log.recordEvent(ActivityKind::storageCleanupReceipt, texts::trashReceipt(suggestion));
-    dependencies_.refresh();
+    return true;
+}
+
+void PersonalFiles::finishTrash(const StorageOptimizationSuggestion& suggestion,
+                                const TrashOutcome& outcome) {
+    if (recordTrash(suggestion, outcome)) {
+        dependencies_.refresh();
+    }
+}
+
+void PersonalFiles::recordUnfinished() {
+    for (const Trashing& each : std::exchange(trashing_, {})) {
+        recordTrash(each.suggestion,
+                    each.outcome->get().value_or(TrashOutcome{.error = texts::canceled}));
+    }
+    const auto copied = backupUnderWay_ ? backupUnderWay_->copied->get() : std::nullopt;
+    if (copied) {
+        recordBackup(*copied);
+        backup_.forget();
+    }
 }
 
 }  // namespace tallowcrest

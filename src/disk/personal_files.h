@@ -17,6 +17,7 @@
 #include "disk/file_copy.h"
 #include "disk/file_walks.h"
 #include "disk/personal_file_texts.h"
+#include "disk/shared_result.h"
 #include "disk/stoppable_run.h"
 #include "disk/trash.h"
 
@@ -95,6 +96,12 @@ public:
     /// Moves the file that was asked about, unless it is another one by now.
     Outcome trashPendingSuggestion();
 
+    /// For the end of the program, after `Jobs::stopAll`: writes the receipts of moves and of a
+    /// copy that are over and have not been told yet, and what became of moves that never began. A
+    /// copy may get its name later than this, so that it is to be called again when no job runs any
+    /// more.
+    void recordUnfinished();
+
     /// Notifies of a changed state.
     Observable& observable() { return *observable_; }
 
@@ -105,12 +112,27 @@ private:
         std::optional<std::string> error;
     };
 
+    /// A file on its way to the Trash.
+    struct Trashing {
+        StorageOptimizationSuggestion suggestion;
+        std::shared_ptr<SharedResult<TrashOutcome>> outcome;
+    };
+    /// A copy under way.
+    struct Backup {
+        StorageOptimizationSuggestion suggestion;
+        std::shared_ptr<SharedResult<Copied>> copied;
+    };
+
     void finishAnalysis(const std::vector<FoundFile>& files);
     void showFound(const std::vector<FoundFile>& files);
     void endAnalysis(std::string status, std::string_view event);
     void beginBackup(const StorageOptimizationSuggestion& suggestion, std::string folder);
     void showBackup(const CopyProgress& progress);
-    void finishBackup(const StorageOptimizationSuggestion& suggestion, const Copied& copied);
+    /// Writes the receipt of `backupUnderWay_`.
+    void recordBackup(const Copied& copied);
+    void finishBackup(const Copied& copied);
+    /// Writes the receipt of a move. True when the file was moved.
+    bool recordTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
     void finishTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
     /// Before an operation on a file.
     void readBookmark() const;
@@ -121,6 +143,8 @@ private:
     std::unique_ptr<Observable> observable_;
     PersonalFilesState state_;
     std::unique_ptr<FolderQuestion> folderQuestion_;
+    std::vector<Trashing> trashing_;  ///< those whose end was not told yet
+    std::optional<Backup> backupUnderWay_;
     Date backupBegan_;  ///< or the check of the copy
     JobScope jobs_;
     StoppableRun analysis_;

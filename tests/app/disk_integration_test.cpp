@@ -194,6 +194,21 @@ TEST_F(DiskIntegrationTest, ACopyIntoTheFilesOwnFolderGetsTheTimeAndLeavesTheFil
     EXPECT_TRUE(composition.shutDown());
 }
 
+TEST_F(DiskIntegrationTest, AMoveUnderWayAtTheEndOfTheProgramIsInTheLogOfTheNextStart) {
+    const fs::path film = write(places.downloads() / "film.mov", "scenes");
+    files().requestTrashSuggestion(suggestionOf(film));
+    confirm();
+    // The main queue is not served any more, so that the end of the move is not told.
+    EXPECT_TRUE(composition.shutDown());
+    Composition next(loop, SettingsAccess::readOnly);
+    const std::vector<ActivityEvent>& events = next.monitor().log().activityLog();
+    ASSERT_THAT(events, SizeIs(1));
+    EXPECT_THAT(events[0].detail, fs::exists(film)
+                                      ? HasSubstr("Could not move film.mov to Trash")
+                                      : HasSubstr("Moved film.mov (0.00 GB) to Trash"));
+    EXPECT_TRUE(next.shutDown());
+}
+
 TEST(DiskComposition, WhereSettingsAreOnlyReadNothingIsMovedOrCopied) {
     const OwnDiskPlaces places;
     RunLoop loop;

@@ -167,6 +167,31 @@ TEST_F(BackupTest, TheEndOfTheProgramStopsACopyAndDoesNotWaitForItsEnd) {
     EXPECT_EQ(state().storageAnalyzerStatus, "Backup failed: Operation canceled");
 }
 
+TEST_F(BackupTest, ACopyThatGotItsNameAtTheEndOfTheProgramLeavesItsReceipt) {
+    backUpTo("/media/disk");
+    diskPorts.copy->copying = [this] {
+        files().recordUnfinished();
+        EXPECT_THAT(events(), IsEmpty()) << "it may yet fail";
+    };
+    workQueue.run();
+    files().recordUnfinished();
+    EXPECT_THAT(events(), ElementsAre("Backup Receipt: Copied film.mov to /media/disk/film.mov. "
+                                      "The original remains in place."));
+    mainQueue.drain();
+    files().recordUnfinished();
+    EXPECT_THAT(events(), SizeIs(1)) << "it is told once";
+    EXPECT_THAT(diskPorts.revealed, IsEmpty());
+}
+
+TEST_F(BackupTest, WithoutAFileManagerTheCopyIsNotShown) {
+    DiskPorts ports = diskPorts.ports();
+    ports.desktop.reveal = {};
+    beginDisk(ports);
+    backUpTo("/media/disk");
+    finishWork();
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup complete: film.mov");
+}
+
 TEST_F(BackupTest, OneCopyAtATimeBesideAnAnalysis) {
     backUpTo("/media/disk");
     EXPECT_EQ(files().backUpSuggestion(film), Outcome::refused("Another backup is under way."));

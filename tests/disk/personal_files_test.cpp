@@ -272,6 +272,53 @@ TEST_F(PersonalFilesTest, WithoutAPendingFileNothingIsMoved) {
     EXPECT_EQ(workQueue.pendingCount(), 0U);
 }
 
+/// The end of the program while a file is on its way to the Trash.
+class PersonalFileEndTest : public PersonalFilesTest {
+protected:
+    /// Confirms the move of "a"; the job waits.
+    void begin() {
+        add("a", floorBytes);
+        analyze();
+        log.clearActivityLog();
+        files().requestTrashSuggestion(list()[0]);
+        confirmations.confirmPending();
+    }
+
+    void end() {
+        jobs.stopAll();
+        files().recordUnfinished();
+    }
+};
+
+TEST_F(PersonalFileEndTest, AMoveWhoseEndWasNotToldYetLeavesItsReceipt) {
+    begin();
+    workQueue.run();
+    end();
+    EXPECT_THAT(events(), ElementsAre("Storage Cleanup Receipt: Moved a (0.10 GB) to Trash after "
+                                      "confirmation."));
+    EXPECT_THAT(list(), IsEmpty());
+    mainQueue.drain();
+    files().recordUnfinished();
+    EXPECT_THAT(events(), SizeIs(1)) << "it is told once";
+    EXPECT_EQ(refreshes, 0);
+}
+
+TEST_F(PersonalFileEndTest, AMoveThatHasNotBegunIsToldAsSuch) {
+    begin();
+    end();
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, IsEmpty());
+    EXPECT_THAT(events(), ElementsAre("Action: Could not move a to Trash: canceled"));
+}
+
+TEST_F(PersonalFileEndTest, AMoveThatWasToldLeavesNothingToTell) {
+    begin();
+    finishWork();
+    log.clearActivityLog();
+    end();
+    EXPECT_THAT(events(), IsEmpty());
+}
+
 TEST_F(PersonalFilesTest, WithoutPortsNothingIsDone) {
     beginDisk({});
     const StorageOptimizationSuggestion suggestion{.title = "a", .path = "/a"};
