@@ -48,6 +48,7 @@ struct DiskPlaces {
     std::vector<std::string> kept = {};      ///< what is never taken for the caches
     std::vector<std::string> personal = {};  ///< of `personalFolders`
     std::string unreadableData = "data";     ///< what texts call what could not be measured
+    std::string volumes = "subvolumes";      ///< what texts call the parts of the file system
 };
 
 /// The ports of `Disk`. Shared, because background work may outlive the components. Null where the

@@ -64,6 +64,8 @@ public:
 
     /// The name of the remainder, also while there is none.
     std::string remainderName() const;
+    /// As in `DiskPlaces`.
+    const std::string& volumes() const { return dependencies_.ports.places.volumes; }
 
     /// Whether there is a file manager to show folders in.
     bool canReveal() const;

@@ -58,7 +58,8 @@ DiskPlaces diskPlaces() {
             .areas = macOSStorageAreas(folders),
             .kept = macOSKeptFolders(folders),
             .personal = personalFolders(folders),
-            .unreadableData = "APFS data"};
+            .unreadableData = "APFS data",
+            .volumes = "APFS volumes"};
 }
 
 std::filesystem::path reportsDirectory() {

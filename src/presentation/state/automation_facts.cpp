@@ -35,7 +35,8 @@ DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor) {
             .receipt = latestReceipt(monitor.log().activityLog()),
             .autopilot = monitor.disk().autopilot.state(),
             .storage = monitor.disk().storage.state(),
-            .remainderName = monitor.disk().storage.remainderName()};
+            .remainderName = monitor.disk().storage.remainderName(),
+            .volumes = monitor.disk().storage.volumes()};
 }
 
 }  // namespace tallowcrest

@@ -30,6 +30,7 @@ struct DiskAutopilotFacts {
     const DiskAutopilotState& autopilot;
     const StorageScanState& storage;
     std::string remainderName;  ///< `StorageScan::remainderName`
+    std::string_view volumes;   ///< `StorageScan::volumes`
 };
 
 /// Changes with the monitor's settings, sample, automation, trust, log and disk. Main thread.

@@ -103,10 +103,10 @@ std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& ro
     return lines;
 }
 
-QString remainderNote(std::string_view name) {
-    return u"“%1” includes unreadable folders, other volumes, snapshots, purgeable space, and "
-           "categories not measured separately. Grant Full Disk Access to Tallowcrest for a more "
-           "complete breakdown."_s.arg(dashboard_text::text(name));
+QString remainderNote(std::string_view name, std::string_view volumes) {
+    return u"“%1” includes unreadable folders, %2, snapshots, purgeable space, and categories not "
+           "measured separately. Grant Full Disk Access to Tallowcrest for a more complete "
+           "breakdown."_s.arg(dashboard_text::text(name), dashboard_text::text(volumes));
 }
 
 const ActivityEvent* latestReceipt(const std::vector<ActivityEvent>& events) {

@@ -88,8 +88,8 @@ struct StorageLine {
 /// In the order of `rows`, which is largest first.
 std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& rows);
 
-/// What the remainder includes, which is called `name`.
-QString remainderNote(std::string_view name);
+/// What the remainder includes, which is called `name`. `volumes` as in `DiskPlaces`.
+QString remainderNote(std::string_view name, std::string_view volumes);
 
 /// The newest receipt of a clean-up among `events`, which come newest first. Null without one.
 const ActivityEvent* latestReceipt(const std::vector<ActivityEvent>& events);

@@ -122,7 +122,11 @@ TEST(StorageLines, HaveTheirShareOfTheLargest) {
 }
 
 TEST(StorageLines, TheNoteNamesTheRemainder) {
-    EXPECT_TRUE(remainderNote("Other / inaccessible odd\ndata")
+    EXPECT_EQ(remainderNote("Other / inaccessible APFS data", "APFS volumes"),
+              u"“Other / inaccessible APFS data” includes unreadable folders, APFS volumes, "
+              "snapshots, purgeable space, and categories not measured separately. Grant Full Disk "
+              "Access to Tallowcrest for a more complete breakdown."_s);
+    EXPECT_TRUE(remainderNote("Other / inaccessible odd\ndata", "a")
                     .startsWith(u"“Other / inaccessible odd\uFFFDdata” includes"_s));
 }
 

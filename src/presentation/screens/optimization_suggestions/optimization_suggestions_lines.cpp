@@ -90,7 +90,8 @@ std::vector<PersonalFileLine> personalFileLines(
 }
 
 QString backupLine(const BackupProgress& backup) {
-    QString line = u"Backing up "_s + boundedPath(backup.title);
+    QString line = (backup.isChecking ? u"Checking the copy of "_s : u"Backing up "_s) +
+                   boundedPath(backup.title);
     if (backup.all > 0) {
         line += u" · "_s + sizeText(backup.copied) + u" of "_s + sizeText(backup.all);
     }

@@ -42,6 +42,7 @@ StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers, 
     reply_->setText(u"The advisor is writing its analysis; it will appear below."_s);
     analysis_ = new ProgressRow(objectName() + u"-progress"_s, u"the analysis"_s, this);
     backup_ = new ProgressRow(objectName() + u"-backup"_s, u"the backup"_s, this);
+    backup_->setStopMeaning(u"Leaves no copy; the file stays"_s);
     contentLayout()->addWidget(analysis_);
     contentLayout()->addWidget(backup_);
     connect(analyze_, &QPushButton::clicked, this, &StorageAnalyzerCard::analysisWanted);

@@ -89,7 +89,7 @@ void DiskAutopilotBlock::makeActions(const QString& page) {
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     const auto& [snapshot, settings, status, caches, trust, receipt, autopilot, storage,
-                 remainderName] = facts;
+                 remainderName, volumes] = facts;
     const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
     // A collapsed section still shows what needs attention.
     header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
@@ -110,7 +110,7 @@ void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     rule_->setText(diskRule(settings, caches));
     showProgress(facts);
     receipt_->show(receipt, autopilot, snapshot ? snapshot->sampledAt : Date{});
-    areas_->show(storage.diskStorageOffenders, remainderName);
+    areas_->show(storage.diskStorageOffenders, remainderName, volumes);
 }
 
 void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {
@@ -119,6 +119,9 @@ void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {
                    : autopilot.scan  ? searchLine(u"Looking for old cache files"_s, *autopilot.scan)
                                      : QString(),
                    autopilot.isStopping);
+    cleanup_->setStopMeaning(autopilot.scan && !autopilot.cleanup
+                                 ? u"Ends the search; nothing was changed"_s
+                                 : ProgressRow::keepsWhatIsDone());
     const StorageScanState& storage = facts.storage;
     storageScan_->show(
         storage.diskStorageScanInProgress ? storageScanLine(storage.progress) : QString(),

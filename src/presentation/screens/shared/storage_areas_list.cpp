@@ -98,8 +98,8 @@ void StorageAreasList::addRow() {
 }
 
 void StorageAreasList::show(const std::vector<DiskStorageOffender>& areas,
-                            std::string_view remainderName) {
-    note_->setText(remainderNote(remainderName));
+                            std::string_view remainderName, std::string_view volumes) {
+    note_->setText(remainderNote(remainderName, volumes));
     if (areas == shown_) {
         return;
     }

@@ -51,7 +51,9 @@ public:
     /// The Tab key reaches the first row from `control`.
     void setPrevious(QWidget* control) { previous_ = control; }
     /// `remainderName` is what the remainder is called, also while it is not among the areas.
-    void show(const std::vector<DiskStorageOffender>& areas, std::string_view remainderName);
+    /// `volumes` as in `DiskPlaces`.
+    void show(const std::vector<DiskStorageOffender>& areas, std::string_view remainderName,
+              std::string_view volumes);
 
 signals:
     /// The owner pressed "Reveal" of this area.

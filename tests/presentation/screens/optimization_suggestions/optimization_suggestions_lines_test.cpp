@@ -111,6 +111,8 @@ TEST_F(OptimizationSuggestionsLines, ABackupHasNoFiguresUntilItHasBegun) {
     EXPECT_EQ(lines::backupLine({.title = "film.mkv"}), u"Backing up film.mkv"_s);
     EXPECT_EQ(lines::backupLine({.title = "film.mkv", .copied = 0, .all = 1073741824}),
               u"Backing up film.mkv · 0 MB of 1.0 GB"_s);
+    EXPECT_EQ(lines::backupLine({.title = "film.mkv", .isChecking = true}),
+              u"Checking the copy of film.mkv"_s);
 }
 
 TEST_F(OptimizationSuggestionsLines, TheTitleOfTheStorageAnalysis) {

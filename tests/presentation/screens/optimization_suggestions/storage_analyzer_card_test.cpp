@@ -50,6 +50,17 @@ TEST_F(StorageAnalyzerCardTest, SaysWhatIsAnalyzedAndWhatLeavesTheMachine) {
     EXPECT_NE(visible("suggestions.storage-analyzer-reply"), nullptr);
 }
 
+TEST_F(StorageAnalyzerCardTest, TheStopOfABackupSaysThatNoCopyIsLeft) {
+    state.storageAnalyzerBusy = true;
+    state.backup.emplace();
+    show();
+    const QPushButton& stop = button("suggestions.storage-analyzer-backup-stop");
+    EXPECT_EQ(stop.toolTip(), u"Leaves no copy; the file stays"_s);
+    EXPECT_EQ(stop.accessibleDescription(), stop.toolTip());
+    EXPECT_EQ(button("suggestions.storage-analyzer-progress-stop").toolTip(),
+              u"Keeps what is done so far"_s);
+}
+
 TEST_F(StorageAnalyzerCardTest, AnAnalysisCanBeFollowedAndStopped) {
     const QSignalSpy begun(&card, &StorageAnalyzerCard::analysisWanted);
     const QSignalSpy stops(&card, &StorageAnalyzerCard::analysisStopWanted);

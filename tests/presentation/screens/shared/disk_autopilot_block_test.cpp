@@ -16,8 +16,6 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 class DiskAutopilotBlockTest : public OverviewBlockTest {
@@ -31,7 +29,8 @@ protected:
                 .receipt = receipt ? &*receipt : nullptr,
                 .autopilot = autopilot,
                 .storage = storage,
-                .remainderName = "Other / inaccessible data"};
+                .remainderName = "Other / inaccessible data",
+                .volumes = "subvolumes"};
     }
     void show() {
         block.show(facts());
@@ -170,6 +169,20 @@ TEST_F(DiskAutopilotBlockTest, ABurstOfProgressChangesItsLineOnlyAtTimesAndEndsW
     EXPECT_EQ(others.take(), 0);
 }
 
+TEST_F(DiskAutopilotBlockTest, TheStopSaysWhatItLeaves) {
+    sample();
+    autopilot.scan.emplace();
+    show();
+    const QPushButton& stop = button("overview.cleanup-progress-stop");
+    EXPECT_EQ(stop.toolTip(), u"Ends the search; nothing was changed"_s);
+    EXPECT_EQ(stop.accessibleDescription(), stop.toolTip());
+    autopilot.scan.reset();
+    autopilot.cleanup = CleanupProgress{1, 5, 1, 10};
+    show();
+    EXPECT_EQ(stop.toolTip(), u"Keeps what is done so far"_s);
+    EXPECT_EQ(stop.accessibleDescription(), stop.toolTip());
+}
+
 TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
     const QSignalSpy undos(&block, &DiskAutopilotBlock::undoWanted);
     sample();
@@ -224,9 +237,10 @@ TEST_F(DiskAutopilotBlockTest, RanksTheMeasuredAreas) {
     EXPECT_EQ(textOf("overview.storage-area-1.path"), u"Used space elsewhere."_s);
     EXPECT_EQ(textOf("overview.storage-area-2.name"), u"Bad\uFFFDname <b>"_s);
     EXPECT_EQ(textOf("overview.storage-area-2.path"), u"/home/owner/Videos"_s);
-    EXPECT_THAT(textOf("overview.storage-area-note").toStdString(),
-                AllOf(StartsWith("“Other / inaccessible data” includes unreadable folders"),
-                      HasSubstr("Grant Full Disk Access to Tallowcrest")));
+    EXPECT_EQ(textOf("overview.storage-area-note"),
+              u"“Other / inaccessible data” includes unreadable folders, subvolumes, snapshots, "
+              "purgeable space, and categories not measured separately. Grant Full Disk Access to "
+              "Tallowcrest for a more complete breakdown."_s);
     const QSignalSpy reveals(&block, &DiskAutopilotBlock::revealWanted);
     click("overview.storage-area-2.reveal");
     ASSERT_EQ(reveals.count(), 1);
