@@ -147,7 +147,7 @@ std::string imageName(const Release& release, std::string_view ending) {
             c = '-';
         }
     }
-    return "Tallowcrest-Pro-" + version + "-build-" + std::to_string(release.build) +
+    return "Tallowcrest-Pro-" + version + "-build" + std::to_string(release.build) +
            std::string(ending);
 }
 

@@ -223,8 +223,8 @@ TEST_F(ProUpdaterTest, DownloadsVerifiesAndOpensTheImage) {
     with.finishWork();
     EXPECT_EQ(updater().alert(), nullptr);
     EXPECT_FALSE(updater().state().download);
-    EXPECT_EQ(updates.images->published["Tallowcrest-Pro-1.2-build-42.deb"], std::string(64, 'a'));
-    EXPECT_THAT(updates.opened, ElementsAre("/tmp/Tallowcrest-Pro-1.2-build-42.deb"));
+    EXPECT_EQ(updates.images->published["Tallowcrest-Pro-1.2-build42.deb"], std::string(64, 'a'));
+    EXPECT_THAT(updates.opened, ElementsAre("/tmp/Tallowcrest-Pro-1.2-build42.deb"));
     EXPECT_EQ(updates.images->open, 0);
 }
 
@@ -268,7 +268,7 @@ TEST_F(ProUpdaterTest, AnImageThatNothingOpensIsNamed) {
     startDownload();
     with.finishWork();
     EXPECT_THAT(alert().text,
-                HasSubstr("No application opens /tmp/Tallowcrest-Pro-1.2-build-42.deb"));
+                HasSubstr("No application opens /tmp/Tallowcrest-Pro-1.2-build42.deb"));
 }
 
 TEST_F(ProUpdaterTest, ShowsHowMuchHasArrived) {

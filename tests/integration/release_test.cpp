@@ -177,15 +177,15 @@ TEST(AcceptableRelease, HasADigestOf64HexadecimalDigits) {
 
 TEST(ImageName, StaysInItsFolderWhateverTheVersionSays) {
     Release offered = release();
-    EXPECT_EQ(imageName(offered, ".deb"), "Tallowcrest-Pro-1.2-build-7.deb");
+    EXPECT_EQ(imageName(offered, ".deb"), "Tallowcrest-Pro-1.2-build7.deb");
     const std::vector<std::pair<std::string, std::string>> table{
-        {"../../etc/cron.d/x", "Tallowcrest-Pro-..-..-etc-cron.d-x-build-7.dmg"},
-        {"1\n2\r\t", "Tallowcrest-Pro-1-2---build-7.dmg"},
-        {std::string("1\0002", 3), "Tallowcrest-Pro-1-2-build-7.dmg"},
-        {"\\a:b*?", "Tallowcrest-Pro--a-b---build-7.dmg"},
-        {"é", "Tallowcrest-Pro----build-7.dmg"},
-        {"", "Tallowcrest-Pro--build-7.dmg"},
-        {std::string(5000, '9'), "Tallowcrest-Pro-" + std::string(64, '9') + "-build-7.dmg"},
+        {"../../etc/cron.d/x", "Tallowcrest-Pro-..-..-etc-cron.d-x-build7.dmg"},
+        {"1\n2\r\t", "Tallowcrest-Pro-1-2---build7.dmg"},
+        {std::string("1\0002", 3), "Tallowcrest-Pro-1-2-build7.dmg"},
+        {"\\a:b*?", "Tallowcrest-Pro--a-b---build7.dmg"},
+        {"é", "Tallowcrest-Pro----build7.dmg"},
+        {"", "Tallowcrest-Pro--build7.dmg"},
+        {std::string(5000, '9'), "Tallowcrest-Pro-" + std::string(64, '9') + "-build7.dmg"},
     };
     for (const auto& [version, name] : table) {
         offered.version = version;
@@ -193,7 +193,7 @@ TEST(ImageName, StaysInItsFolderWhateverTheVersionSays) {
     }
     offered.build = -3;
     offered.version = "1";
-    EXPECT_EQ(imageName(offered, ".deb"), "Tallowcrest-Pro-1-build--3.deb");
+    EXPECT_EQ(imageName(offered, ".deb"), "Tallowcrest-Pro-1-build-3.deb");
 }
 
 TEST(BuildNumber, IsADecimalIntegerOrNothing) {

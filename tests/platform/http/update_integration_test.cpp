@@ -71,8 +71,8 @@ protected:
 TEST_F(UpdateIntegration, DownloadsVerifiesAndOpens) {
     announce("/file/image", image());
     EXPECT_EQ(outcomeOf(), "opened");
-    EXPECT_THAT(opened_, ElementsAre(downloads_.path("Tallowcrest-Pro-1.2-build-42.deb")));
-    EXPECT_EQ(downloads_.read("Tallowcrest-Pro-1.2-build-42.deb"), "an image");
+    EXPECT_THAT(opened_, ElementsAre(downloads_.path("Tallowcrest-Pro-1.2-build42.deb")));
+    EXPECT_EQ(downloads_.read("Tallowcrest-Pro-1.2-build42.deb"), "an image");
     EXPECT_EQ(namesIn(downloads_.path()).size(), 1U);
 }
 
@@ -157,23 +157,23 @@ TEST_F(UpdateIntegration, EachFailureOfTheImageLeavesNothing) {
 TEST_F(UpdateIntegration, AVersionCannotLeadOutOfTheFolder) {
     announce("/file/image", image(), "../../x\\n/y");
     EXPECT_EQ(outcomeOf(), "opened");
-    EXPECT_THAT(namesIn(downloads_.path()), ElementsAre("Tallowcrest-Pro-..-..-x--y-build-42.deb"));
+    EXPECT_THAT(namesIn(downloads_.path()), ElementsAre("Tallowcrest-Pro-..-..-x--y-build42.deb"));
 }
 
 TEST_F(UpdateIntegration, AnOlderImageOfTheNameIsReplacedAndItsLinkIsNotFollowed) {
     const std::string kept = downloads_.file("kept", "kept", 0600);
-    std::filesystem::create_symlink(kept, downloads_.path("Tallowcrest-Pro-1.2-build-42.deb"));
+    std::filesystem::create_symlink(kept, downloads_.path("Tallowcrest-Pro-1.2-build42.deb"));
     announce("/file/image", image());
     EXPECT_EQ(outcomeOf(), "opened");
     EXPECT_EQ(downloads_.read("kept"), "kept");
     image("another");
     announce("/file/image", server_.digestOf("image"));
     EXPECT_EQ(outcomeOf(), "opened");
-    EXPECT_EQ(downloads_.read("Tallowcrest-Pro-1.2-build-42.deb"), "another");
+    EXPECT_EQ(downloads_.read("Tallowcrest-Pro-1.2-build42.deb"), "another");
 }
 
 TEST_F(UpdateIntegration, AFolderInPlaceOfTheImageIsAFailure) {
-    std::filesystem::create_directories(downloads_.path("Tallowcrest-Pro-1.2-build-42.deb"));
+    std::filesystem::create_directories(downloads_.path("Tallowcrest-Pro-1.2-build42.deb"));
     announce("/file/image", image());
     EXPECT_THAT(outcomeOf(), HasSubstr("Is a directory"));
     EXPECT_EQ(namesIn(downloads_.path()).size(), 1U);
@@ -191,7 +191,7 @@ TEST_F(UpdateIntegration, ALargeImageTakesNoMemory) {
     rusage after{};
     ::getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16L * 1024);  // in KiB
-    EXPECT_EQ(std::filesystem::file_size(downloads_.path("Tallowcrest-Pro-1.2-build-42.deb")),
+    EXPECT_EQ(std::filesystem::file_size(downloads_.path("Tallowcrest-Pro-1.2-build42.deb")),
               size);
 }
 
