@@ -34,6 +34,9 @@ std::string whyNotReplaceable(const std::filesystem::path& path) {
     if (!S_ISDIR(status.st_mode)) {
         return words(ENOTDIR);
     }
+    if (::access(folderOf(path).c_str(), W_OK | X_OK) != 0) {
+        return words(errno);
+    }
     if (!path.has_filename() || path.filename() == "." || path.filename() == "..") {
         return words(EISDIR);
     }

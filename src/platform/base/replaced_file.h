@@ -8,8 +8,8 @@
 namespace tallowcrest {
 
 /// Why `replaceFile` cannot work for this path, in the system's words; empty when it can be tried:
-/// the folder exists, and what bears the name is a regular file or nothing. A link is refused,
-/// because renaming would replace the link.
+/// files can be made in the folder, and what bears the name is a regular file or nothing. A link is
+/// refused, because renaming would replace the link.
 std::string whyNotReplaceable(const std::filesystem::path& path);
 
 /// Writes a file beside `path`, readable by everybody, and gives it that name. A reader sees the
