@@ -17,7 +17,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Relative when the environment names no absolute one; nothing is then downloaded.
+/// Relative when the environment names no absolute one; nothing is then downloaded. Reads the
+/// environment, so it is for the main thread, before others run.
 std::filesystem::path temporaryFolder() {
     std::error_code error;
     return std::filesystem::temp_directory_path(error);
@@ -34,7 +35,8 @@ InstallPorts desktopInstallPorts() {
 
 UpdatePorts desktopUpdatePorts() {
     return {.transport = std::make_shared<UpdateModule>(),
-            .images = std::make_shared<PosixImageFolder>(temporaryFolder),
+            .images =
+                std::make_shared<PosixImageFolder>([folder = temporaryFolder()] { return folder; }),
             .build = updateBuild(),
             .openFile = desktop::openFile,
             .openAddress = desktop::openAddress,
