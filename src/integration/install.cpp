@@ -29,57 +29,72 @@ bool hasProgram(const InstallPlan& plan, const InstallationFiles& files) {
            });
 }
 
+/// Whether the target is a folder of the owner's own, which the copy would clear.
+bool isOfTheOwners(const InstallPlan& plan, const InstallationFiles& files) {
+    return !plan.programFiles.empty() && !files.isEmpty(plan.target) &&
+           std::ranges::none_of(plan.programFiles, [&](const std::string& name) {
+               return files.exists(plan.target + '/' + name);
+           });
+}
+
 Outcome notCompleted(const std::string& reason) {
     return Outcome::failed("Install did not complete. " + reason);
 }
 
-/// Makes what leads to the installed program. `icon` is its picture.
-Outcome makeEntries(const InstallPlan& plan, InstallationFiles& files, const std::string& icon) {
-    const auto inItsFolder = [&files](const std::string& path, const auto& make) {
+/// Makes what leads to the installed program, each as far as it can be made. `icon` is its picture.
+/// Says what could not be made, and why; empty when all of it was.
+std::string makeEntries(const InstallPlan& plan, InstallationFiles& files,
+                        const std::string& icon) {
+    std::string problems;
+    const auto inItsFolder = [&](const std::string& path, const auto& make) {
         if (path.empty()) {
-            return Outcome::done();
+            return;
         }
         Outcome outcome = files.makeFolder(folderOf(path));
         if (outcome.isAccepted()) {
             outcome = make();
         }
-        return outcome.isAccepted() ? outcome : notCompleted(path + ": " + outcome.message);
+        if (!outcome.isAccepted()) {
+            problems += (problems.empty() ? "" : "; ") + path + ": " + outcome.message;
+        }
     };
-    Outcome outcome =
-        inItsFolder(plan.launcher, [&] { return files.makeLink(plan.launcher, plan.installed); });
-    if (outcome.isAccepted()) {
-        outcome = inItsFolder(plan.icon, [&] { return files.writeFile(plan.icon, icon); });
-    }
-    if (outcome.isAccepted()) {
-        outcome = inItsFolder(plan.menuEntry, [&] {
-            return files.writeFile(plan.menuEntry, menuEntry(plan.installed));
-        });
-    }
-    return outcome;
+    const auto write = [&files](const std::string& path, const std::string& text) {
+        return files.writeFile(path, text, LinkedFolder::followed);
+    };
+    inItsFolder(plan.launcher, [&] { return files.makeLink(plan.launcher, plan.installed); });
+    inItsFolder(plan.icon, [&] { return write(plan.icon, icon); });
+    inItsFolder(plan.menuEntry, [&] { return write(plan.menuEntry, menuEntry(plan.installed)); });
+    return problems;
 }
 
-Outcome install(const InstallPlan& plan, InstallationFiles& files, ToolRunner& tools,
-                const std::string& icon) {
+struct Installed {
+    Outcome outcome;
+    std::string problems = {};  ///< of `makeEntries`
+};
+
+Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner& tools,
+                  const std::string& icon) {
     if (!hasProgram(plan, files)) {
-        return Outcome::refused("Could not locate the running app bundle.");
+        return {Outcome::refused("Could not locate the running app bundle.")};
     }
     if (files.isLink(plan.target)) {
-        return notCompleted(plan.shownTarget + " is a symbolic link.");
+        return {notCompleted(plan.shownTarget + " is a symbolic link.")};
+    }
+    if (isOfTheOwners(plan, files)) {
+        return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
     }
     if (!files.exists(copyTool)) {
-        return notCompleted(std::string(copyTool) + " is missing.");
+        return {notCompleted(std::string(copyTool) + " is missing.")};
     }
     if (const Outcome made = files.makeFolder(folderOf(plan.target)); !made.isAccepted()) {
-        return notCompleted(folderOf(plan.target) + ": " + made.message);
+        return {notCompleted(folderOf(plan.target) + ": " + made.message)};
     }
     const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);
     if (!files.exists(plan.installed)) {
-        return notCompleted(output.empty() ? "Try the installer script in outputs." : output);
+        return {notCompleted(output.empty() ? "Try the installer script in outputs." : output)};
     }
-    const Outcome entries = makeEntries(plan, files, icon);
-    return entries.isAccepted()
-               ? Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.')
-               : entries;
+    return {Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.'),
+            makeEntries(plan, files, icon)};
 }
 
 }  // namespace
@@ -108,12 +123,15 @@ Outcome Install::installToApplications(Finished finished) {
          icon = ports_.icon ? ports_.icon() : std::string()](const Stop&) {
             return install(plan, *files, tools, icon);
         },
-        [this, finished = std::move(finished)](const Outcome& outcome) {
+        [this, finished = std::move(finished)](const Installed& installed) {
             state_.isInstalling = false;
             observable_->changed();
-            log_.record(outcome);
+            log_.record(installed.outcome);
+            if (!installed.problems.empty()) {
+                log_.recordMessage("Could not make " + installed.problems + '.');
+            }
             if (finished) {
-                finished(outcome);
+                finished(installed.outcome);
             }
         });
     return Outcome::asked();

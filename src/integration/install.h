@@ -39,7 +39,8 @@ public:
     /// installation is under way. Refused where the running program cannot be located.
     ///
     /// Whether it worked is judged by the installed program being there afterwards, as an earlier
-    /// installation is, too.
+    /// installation is, too. A launcher, icon or menu entry that could not be made is told by a
+    /// second message.
     Outcome installToApplications(Finished finished = {});
 
     /// Notifies of changes of `state`.

@@ -25,6 +25,9 @@ std::string linuxTarget(const LinuxInstallPlaces& places) {
 }  // namespace
 
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
+    if (places.home.empty()) {
+        return {};
+    }
     const std::string target = linuxTarget(places);
     return {.bundle = places.program,
             .programFiles = {linuxProgram, "tallowcrest-desktop", "tallowcrest-http.so"},
@@ -37,6 +40,9 @@ InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
 }
 
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
+    if (places.home.empty()) {
+        return {};
+    }
     const std::string folder = places.configuration + "/autostart";
     return {.folder = folder,
             .shownFolder = shown(folder, places.home),

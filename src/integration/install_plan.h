@@ -44,6 +44,7 @@ struct LinuxInstallPlaces {
 
 // Pure; any thread.
 
+/// Empty without a home directory: nothing can be installed, or started at login, then.
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places);
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 

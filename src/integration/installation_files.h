@@ -7,6 +7,9 @@
 
 namespace tallowcrest {
 
+/// Whether the folder of a file may be a symbolic link of its owner's.
+enum class LinkedFolder { refused, followed };
+
 /// The files by which the program is installed and started at login. All paths are absolute.
 /// Blocks; any thread.
 class InstallationFiles {
@@ -20,16 +23,21 @@ public:
     /// Whether there is something, links followed.
     virtual bool exists(const std::string& path) const = 0;
 
+    /// Whether there is nothing in the folder. True as well when there is no such folder, or it
+    /// cannot be read.
+    virtual bool isEmpty(const std::string& folder) const = 0;
+
     /// Creates the folder and those above it, as far as they are missing.
     virtual Outcome makeFolder(const std::string& path) = 0;
 
     /// Gives the file this content as a whole, readable by everybody, and creates it if it is
-    /// missing, but not its folder. Fails, with nothing written, where the file or its folder is a
-    /// link at the moment of writing.
-    virtual Outcome writeFile(const std::string& path, std::string_view text) = 0;
+    /// missing, but not its folder. Fails, with nothing written, where the file is a link at the
+    /// moment of writing, or its folder is one that is `refused`.
+    virtual Outcome writeFile(const std::string& path, std::string_view text,
+                              LinkedFolder folder) = 0;
 
     /// Makes the path a symbolic link to `target`, in place of another link. Fails where there is
-    /// anything but a link.
+    /// anything but a link. Its folder may be a link.
     virtual Outcome makeLink(const std::string& path, const std::string& target) = 0;
 
     /// Removes the file, or the link itself.

@@ -40,7 +40,8 @@ Outcome enable(const LoginPlan& plan, InstallationFiles& files, ToolRunner& tool
     if (application.empty()) {
         return failed("Could not locate the running app bundle.");
     }
-    if (const Outcome written = files.writeFile(plan.file, plan.text(application));
+    if (const Outcome written =
+            files.writeFile(plan.file, plan.text(application), LinkedFolder::refused);
         !written.isAccepted()) {
         return failed(written.message);
     }

@@ -103,6 +103,18 @@ TEST_F(InstallTest, NothingIsWrittenThroughALinkAtTheTarget) {
     EXPECT_THAT(files->changes, IsEmpty());
 }
 
+TEST_F(InstallTest, AFolderOfTheOwnersAtTheTargetIsNotCleared) {
+    willInstall(installedOnLinux);
+    files->files["/home/o/.local/opt/tallowcrest/notes"] = "";
+    EXPECT_EQ(messageOf(linuxPorts()),
+              "Install did not complete. ~/.local/opt/tallowcrest is not empty and holds no "
+              "Tallowcrest.");
+    EXPECT_THAT(launches(), IsEmpty());
+    // What an installation that did not end well has left is replaced.
+    files->files["/home/o/.local/opt/tallowcrest/tallowcrest-desktop"] = "";
+    EXPECT_EQ(messageOf(linuxPorts()), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
+}
+
 TEST_F(InstallTest, SaysThatTheCopyingToolIsMissing) {
     files->files.erase("/usr/bin/rsync");
     files->files[installedOnLinux] = "";
@@ -110,22 +122,44 @@ TEST_F(InstallTest, SaysThatTheCopyingToolIsMissing) {
     EXPECT_THAT(launches(), IsEmpty());
 }
 
-TEST_F(InstallTest, EachFailingStepSaysWhereAndWhy) {
+TEST_F(InstallTest, AFolderThatCannotBeMadeIsNamed) {
+    files->failures = {{"/home/o/.local/opt", "Read-only file system"}};
+    EXPECT_EQ(messageOf(linuxPorts()),
+              "Install did not complete. /home/o/.local/opt: Read-only file system");
+    EXPECT_THAT(launches(), IsEmpty());
+}
+
+TEST_F(InstallTest, WhatCannotBeMadeOfTheEntriesIsToldAfterTheInstallation) {
     willInstall(installedOnLinux);
-    const std::string bin = "/home/o/.local/bin";
+    const std::string launcher = "/home/o/.local/bin/tallowcrest";
     const std::string icon = "/home/o/.local/share/icons/hicolor/scalable/apps/tallowcrest.svg";
     const std::string entry = "/home/o/.local/share/applications/tallowcrest.desktop";
     // What fails, and what the message names.
     const std::vector<std::pair<std::string, std::string>> table{
-        {"/home/o/.local/opt", "/home/o/.local/opt"}, {bin, bin + "/tallowcrest"},
-        {bin + "/tallowcrest", bin + "/tallowcrest"}, {icon, icon},
-        {"/home/o/.local/share/applications", entry}, {entry, entry},
+        {"/home/o/.local/bin", launcher},
+        {launcher, launcher},
+        {icon, icon},
+        {"/home/o/.local/share/applications", entry},
+        {entry, entry},
     };
     for (const auto& [failing, named] : table) {
+        *files = {};
+        files->files = {{"/usr/bin/rsync", ""},
+                        {"/unpacked/tallowcrest", ""},
+                        {"/unpacked/tallowcrest-desktop", ""},
+                        {"/unpacked/tallowcrest-http.so", ""}};
         files->failures = {{failing, "Read-only file system"}};
-        EXPECT_EQ(messageOf(linuxPorts()),
-                  "Install did not complete. " + named + ": Read-only file system");
+        EXPECT_EQ(messageOf(linuxPorts()), "Could not make " + named + ": Read-only file system.");
+        EXPECT_EQ(with.log.activityLog().at(1).detail,
+                  "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
+        // The other two are made nevertheless.
+        EXPECT_EQ(files->links.contains(launcher), named != launcher);
+        EXPECT_EQ(files->files.contains(icon), named != icon);
+        EXPECT_EQ(files->files.contains(entry), named != entry);
     }
+    files->failures = {{launcher, "File exists"}, {entry, "Too many links"}};
+    EXPECT_EQ(messageOf(linuxPorts()),
+              "Could not make " + launcher + ": File exists; " + entry + ": Too many links.");
 }
 
 TEST_F(InstallTest, AToolThatIsNotAllowedIsNotLaunched) {

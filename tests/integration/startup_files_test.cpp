@@ -66,6 +66,15 @@ TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
     EXPECT_EQ(macOSLoginPlan("/My%20Apps/T.app/", "/Users/o").running, "/My Apps/T.app");
 }
 
+TEST(InstallPlan, WithoutAHomeDirectoryThereIsNone) {
+    const LinuxInstallPlaces places{
+        .home = "", .data = "/data", .configuration = "/c", .program = "/unpacked"};
+    EXPECT_EQ(linuxInstallPlan(places).bundle, "");
+    EXPECT_EQ(linuxInstallPlan(places).target, "");
+    EXPECT_EQ(linuxLoginPlan(places).file, "");
+    EXPECT_EQ(linuxLoginPlan(places).running, "");
+}
+
 TEST(InstallPlan, NamesPlacesOutsideOfTheHomeDirectoryInFull) {
     const LinuxInstallPlaces places{
         .home = "/home/o", .data = "/data", .configuration = "/home/other/c", .program = ""};

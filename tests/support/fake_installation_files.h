@@ -17,10 +17,14 @@ public:
     bool exists(const std::string& path) const override {
         return files.contains(path) || folders.contains(path);
     }
+    bool isEmpty(const std::string& folder) const override {
+        const auto first = files.lower_bound(folder + '/');
+        return first == files.end() || !first->first.starts_with(folder + '/');
+    }
     Outcome makeFolder(const std::string& path) override {
         return change("makeFolder", path, [&] { folders.insert(path); });
     }
-    Outcome writeFile(const std::string& path, std::string_view text) override {
+    Outcome writeFile(const std::string& path, std::string_view text, LinkedFolder) override {
         return change("writeFile", path, [&] { files[path] = text; });
     }
     Outcome makeLink(const std::string& path, const std::string& target) override {

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <system_error>
 
@@ -27,12 +28,13 @@ struct Entry {
     std::string name;
 };
 
-/// The folder itself must not be a link; those above it may be the owner's. Sets `errno`.
-Entry entryOf(const std::string& path) {
+/// The folders above that of the entry may be the owner's links in either case. Sets `errno`.
+Entry entryOf(const std::string& path, LinkedFolder folder) {
     const std::size_t slash = path.rfind('/');
-    return {UniqueFD(::open(path.substr(0, slash).c_str(),
-                            O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)),
-            path.substr(slash + 1)};
+    const int links = folder == LinkedFolder::refused ? O_NOFOLLOW : 0;
+    return {
+        UniqueFD(::open(path.substr(0, slash).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | links)),
+        path.substr(slash + 1)};
 }
 
 /// Whether the entry is a link; absent when there is none, or it cannot be read.
@@ -96,6 +98,12 @@ bool PosixInstallationFiles::exists(const std::string& path) const {
     return ::stat(path.c_str(), &status) == 0;
 }
 
+bool PosixInstallationFiles::isEmpty(const std::string& folder) const {
+    std::error_code error;
+    return std::filesystem::directory_iterator(folder, error) ==
+           std::filesystem::directory_iterator();
+}
+
 Outcome PosixInstallationFiles::makeFolder(const std::string& path) {
     if (const int error = makeDirectories(path); error != 0) {
         return outcomeOf(error);
@@ -106,8 +114,9 @@ Outcome PosixInstallationFiles::makeFolder(const std::string& path) {
                                                         : ENOTDIR);
 }
 
-Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_view text) {
-    const Entry entry = entryOf(path);
+Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_view text,
+                                          LinkedFolder folder) {
+    const Entry entry = entryOf(path, folder);
     if (!entry.folder.valid()) {
         return outcomeOf(errno);
     }
@@ -119,7 +128,7 @@ Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_v
 }
 
 Outcome PosixInstallationFiles::makeLink(const std::string& path, const std::string& target) {
-    const Entry entry = entryOf(path);
+    const Entry entry = entryOf(path, LinkedFolder::followed);
     const std::string temporary = temporaryName();
     if (!entry.folder.valid() ||
         ::symlinkat(target.c_str(), entry.folder.get(), temporary.c_str()) != 0) {

@@ -10,8 +10,9 @@ class PosixInstallationFiles final : public InstallationFiles {
 public:
     bool isLink(const std::string& path) const override;
     bool exists(const std::string& path) const override;
+    bool isEmpty(const std::string& folder) const override;
     Outcome makeFolder(const std::string& path) override;
-    Outcome writeFile(const std::string& path, std::string_view text) override;
+    Outcome writeFile(const std::string& path, std::string_view text, LinkedFolder folder) override;
     Outcome makeLink(const std::string& path, const std::string& target) override;
     Outcome removeFile(const std::string& path) override;
 };

@@ -107,6 +107,18 @@ TEST_F(InstallIntegration, ALinkAtTheTargetIsNotFollowed) {
     EXPECT_THAT(namesIn(folder_.path("elsewhere")), UnorderedElementsAre("kept"));
 }
 
+TEST_F(InstallIntegration, AFolderOfTheOwnersAtTheTargetStays) {
+    fs::create_directories(target());
+    EXPECT_EQ(install(), done) << "into an empty one";
+    fs::remove_all(target());
+    fs::create_directories(target());
+    write("home/.local/opt/tallowcrest/notes", "mine");
+    EXPECT_EQ(install(),
+              "Install did not complete. ~/.local/opt/tallowcrest is not empty and holds no "
+              "Tallowcrest.");
+    EXPECT_THAT(namesIn(target()), UnorderedElementsAre("notes"));
+}
+
 TEST_F(InstallIntegration, AFileAtTheTargetStays) {
     fs::create_directories(folder_.path("home/.local/opt"));
     write("home/.local/opt/tallowcrest", "a file");
@@ -119,7 +131,24 @@ TEST_F(InstallIntegration, AFileOfTheOwnersInPlaceOfTheLauncherStays) {
     fs::create_directories(folder_.path("home/.local/bin"));
     write("home/.local/bin/tallowcrest", "my script");
     EXPECT_THAT(install(), HasSubstr("/home/.local/bin/tallowcrest: File exists"));
+    EXPECT_EQ(with.log.activityLog().at(1).detail, done);
     EXPECT_EQ(folder_.read("home/.local/bin/tallowcrest"), "my script");
+    EXPECT_TRUE(fs::exists(folder_.path("home/.local/share/applications/tallowcrest.desktop")));
+}
+
+TEST_F(InstallIntegration, LinkedFoldersOfTheOwnersAreFollowed) {
+    fs::create_directories(folder_.path("home/.local/share"));
+    for (const char* name : {"bin", "share/applications"}) {
+        const std::string kept = std::string("dotfiles/") + name;
+        fs::create_directories(folder_.path(kept));
+        fs::create_directory_symlink(folder_.path(kept),
+                                     folder_.path(std::string("home/.local/") + name));
+    }
+    EXPECT_EQ(install(), done);
+    EXPECT_EQ(fs::read_symlink(folder_.path("dotfiles/bin/tallowcrest")),
+              target() + "/tallowcrest");
+    EXPECT_EQ(folder_.read("dotfiles/share/applications/tallowcrest.desktop"),
+              menuEntry(target() + "/tallowcrest"));
 }
 
 TEST_F(InstallIntegration, TwoInstallationsAtOnceEndInAWholeOne) {

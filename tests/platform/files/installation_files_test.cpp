@@ -27,6 +27,10 @@ protected:
     std::vector<std::string> names() const { return namesIn(folder_.path()); }
     std::string at(const std::string& name) const { return folder_.path(name); }
 
+    Outcome write(const std::string& path, const char* text) {
+        return files_.writeFile(path, text, LinkedFolder::refused);
+    }
+
     TemporaryFolder folder_;
     PosixInstallationFiles files_;
 };
@@ -55,10 +59,10 @@ TEST_F(InstallationFilesTest, MakesFoldersWithTheirParents) {
 }
 
 TEST_F(InstallationFilesTest, WritesAndReplacesAFileAsAWhole) {
-    EXPECT_EQ(files_.writeFile(at("entry"), "one"), Outcome::done());
+    EXPECT_EQ(write(at("entry"), "one"), Outcome::done());
     EXPECT_EQ(folder_.read("entry"), "one");
     EXPECT_EQ(modeOf(at("entry")) & 0400U, 0400U);
-    EXPECT_EQ(files_.writeFile(at("entry"), "two"), Outcome::done());
+    EXPECT_EQ(write(at("entry"), "two"), Outcome::done());
     EXPECT_EQ(folder_.read("entry"), "two");
     EXPECT_THAT(names(), ElementsAre("entry"));
 }
@@ -66,20 +70,33 @@ TEST_F(InstallationFilesTest, WritesAndReplacesAFileAsAWhole) {
 TEST_F(InstallationFilesTest, NeverWritesThroughALink) {
     folder_.file("kept", "kept", 0600);
     fs::create_symlink(at("kept"), at("link"));
-    EXPECT_EQ(files_.writeFile(at("link"), "new").kind, Outcome::Kind::failed);
+    EXPECT_EQ(write(at("link"), "new").kind, Outcome::Kind::failed);
     fs::create_directory(at("elsewhere"));
     fs::create_directory_symlink(at("elsewhere"), at("folder"));
-    EXPECT_EQ(files_.writeFile(at("folder/entry"), "new").kind, Outcome::Kind::failed);
+    EXPECT_EQ(write(at("folder/entry"), "new").kind, Outcome::Kind::failed);
     EXPECT_EQ(folder_.read("kept"), "kept");
     EXPECT_THAT(namesIn(at("elsewhere")), IsEmpty());
     EXPECT_THAT(names(), UnorderedElementsAre("kept", "link", "elsewhere", "folder"));
 }
 
+TEST_F(InstallationFilesTest, ALinkedFolderOfTheOwnersIsFollowedWhereItMayBe) {
+    fs::create_directory(at("dotfiles"));
+    fs::create_directory_symlink(at("dotfiles"), at("folder"));
+    EXPECT_EQ(files_.makeFolder(at("folder")), Outcome::done());
+    EXPECT_EQ(files_.writeFile(at("folder/entry"), "new", LinkedFolder::followed), Outcome::done());
+    EXPECT_EQ(files_.makeLink(at("folder/launcher"), "/opt/one"), Outcome::done());
+    EXPECT_EQ(folder_.read("dotfiles/entry"), "new");
+    EXPECT_EQ(fs::read_symlink(at("dotfiles/launcher")), "/opt/one");
+    // The file itself must not be one.
+    fs::create_symlink(at("kept"), at("dotfiles/other"));
+    EXPECT_FALSE(files_.writeFile(at("folder/other"), "new", LinkedFolder::followed).isAccepted());
+    EXPECT_FALSE(fs::exists(at("kept")));
+}
+
 TEST_F(InstallationFilesTest, AFileThatCannotBeWrittenLeavesNothing) {
     fs::create_directory(at("entry"));
-    EXPECT_EQ(files_.writeFile(at("entry"), "new"), Outcome::failed("Is a directory"));
-    EXPECT_EQ(files_.writeFile(at("missing/entry"), "new"),
-              Outcome::failed("No such file or directory"));
+    EXPECT_EQ(write(at("entry"), "new"), Outcome::failed("Is a directory"));
+    EXPECT_EQ(write(at("missing/entry"), "new"), Outcome::failed("No such file or directory"));
     EXPECT_THAT(names(), ElementsAre("entry"));
 }
 
