@@ -167,6 +167,10 @@ void ProUpdater::finishDownload(const Downloaded& downloaded) {
     state_.download.reset();
     observable_->changed();
     if (isCanceled) {
+        // Complete before the owner pressed Cancel, but not yet told here.
+        if (const auto* image = std::get_if<VerifiedImage>(&downloaded)) {
+            ports_.images->remove(image->path);
+        }
         return;
     }
     if (const auto* error = std::get_if<UpdateError>(&downloaded)) {

@@ -84,6 +84,8 @@ public:
     virtual ~ImageFolder() = default;
     /// A new file of its own, which nobody else can read or write; or why there is none.
     virtual std::variant<std::unique_ptr<DownloadedImage>, std::string> begin() = 0;
+    /// Removes an image by the path that publishing it told.
+    virtual void remove(const std::string& path) = 0;
 };
 
 /// Values of the build.

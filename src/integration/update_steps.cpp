@@ -90,6 +90,10 @@ std::variant<VerifiedImage, UpdateError> downloadImage(
     if (digest->finish() != loweredASCII(release.sha256)) {
         return UpdateError{update_errors::corruptFile};
     }
+    // A transfer that is complete does not notice it.
+    if (stop.stop_requested()) {
+        return UpdateError{"The download was canceled."};
+    }
     Outcome published = image->publish(imageName(release, imageEnding));
     if (!published.isAccepted()) {
         return UpdateError{std::move(published.message)};

@@ -300,6 +300,30 @@ TEST_F(ProUpdaterTest, CancelEndsTheDownloadWithoutAnAlert) {
     EXPECT_EQ(updater().cancelDownload(), Outcome::ignored());
 }
 
+TEST_F(ProUpdaterTest, ACancelAfterTheLastPieceKeepsNothingEither) {
+    startDownload();
+    int pieces = 0;
+    updates.transport->onReplied = [&] { updater().cancelDownload(); };
+    updates.transport->onPiece = [&] { ++pieces; };
+    with.workQueue.runAll();
+    EXPECT_EQ(pieces, 4);
+    EXPECT_THAT(updates.images->published, IsEmpty());
+    with.mainQueue.drain();
+    EXPECT_EQ(updater().alert(), nullptr);
+    EXPECT_THAT(updates.opened, IsEmpty());
+}
+
+TEST_F(ProUpdaterTest, ACancelOfACompleteDownloadThatIsNotYetToldRemovesTheImage) {
+    startDownload();
+    with.workQueue.runAll();
+    ASSERT_EQ(updates.images->published.size(), 1U);
+    EXPECT_EQ(updater().cancelDownload(), Outcome::done());
+    with.mainQueue.drain();
+    EXPECT_FALSE(updater().state().download);
+    EXPECT_THAT(updates.images->published, IsEmpty());
+    EXPECT_THAT(updates.opened, IsEmpty());
+}
+
 TEST_F(ProUpdaterTest, DuringADownloadACheckRunsAndASecondDownloadDoesNot) {
     startDownload();
     updater().checkForUpdates();

@@ -40,6 +40,9 @@ public:
                 return {.error = "refused"};
             }
         }
+        if (onReplied) {
+            onReplied();
+        }
         return answer.reply;
     }
 
@@ -59,7 +62,9 @@ public:
     std::vector<std::vector<std::string>> signatures;  ///< key, signature, message
     bool hasDigest = true;
     bool acceptsSignatures = false;
-    std::function<void()> onPiece;  ///< called before each piece; absent unless a test sets it
+    // Absent unless a test sets them.
+    std::function<void()> onPiece;    ///< called before each piece
+    std::function<void()> onReplied;  ///< called after the last piece
 
 private:
     struct TextDigest final : Sha256 {
@@ -78,6 +83,7 @@ public:
         }
         return std::make_unique<Image>(*this);
     }
+    void remove(const std::string& path) override { published.erase(path.substr(5)); }
 
     std::string problem;       ///< why no file can be begun; empty when it can
     std::string writeProblem;  ///< the same for writing

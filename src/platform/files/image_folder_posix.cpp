@@ -83,4 +83,8 @@ std::variant<std::unique_ptr<DownloadedImage>, std::string> PosixImageFolder::be
                                                   std::move(temporary), std::move(file));
 }
 
+void PosixImageFolder::remove(const std::string& path) {
+    ::unlink(path.c_str());
+}
+
 }  // namespace tallowcrest

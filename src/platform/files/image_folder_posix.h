@@ -17,6 +17,7 @@ public:
     explicit PosixImageFolder(Place place) : place_(std::move(place)) {}
 
     std::variant<std::unique_ptr<DownloadedImage>, std::string> begin() override;
+    void remove(const std::string& path) override;
 
 private:
     Place place_;

@@ -2,6 +2,8 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -47,12 +49,22 @@ CurlUpdateTransport::CurlUpdateTransport(Options options) : options_(std::move(o
 UpdateReply CurlUpdateTransport::fetch(const UpdateRequest& request, const TakeBytes& take,
                                        const std::stop_token& stop) {
     constexpr int mostRequests = 6;
+    // The timeout is for the whole chain of redirections.
+    const auto begun = std::chrono::steady_clock::now();
+    const auto timeLeft = [&]() -> std::chrono::milliseconds {
+        if (!request.timeout) {
+            return std::chrono::milliseconds(0);
+        }
+        const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - begun);
+        return std::max(*request.timeout - passed, std::chrono::milliseconds(1));
+    };
     std::string url = request.url;
     for (int count = 0; count < mostRequests; ++count) {
         std::string redirection;
         const HttpReply reply = performTransfer(
             {.url = url,
-             .timeout = request.timeout.value_or(std::chrono::seconds(0)),
+             .timeout = timeLeft(),
              .longestReply = request.longestBody,
              .certificateAuthorities = options_.certificateAuthorities,
              .proxies = options_.proxies != nullptr ? options_.proxies() : ProxyVariables(),

@@ -129,6 +129,14 @@ TEST_F(CurlUpdateTransportTest, EndsWithItsTimeLimitAndWithAStop) {
     EXPECT_EQ(server_.line(), "gone");
 }
 
+TEST_F(CurlUpdateTransportTest, TheTimeLimitIsForAllRedirectionsTogether) {
+    // Takes two seconds, but no request takes half of one.
+    const std::string chain = server_.at("/slow-redirect/5");
+    EXPECT_THAT(transport_.fetch({chain, manyBytes, seconds(1)}, body_.taker(), {}).error,
+                HasSubstr("timed out"));
+    EXPECT_EQ(transport_.fetch({chain, manyBytes, seconds(60)}, body_.taker(), {}).status, 200);
+}
+
 TEST_F(CurlUpdateTransportTest, EndsWhenNothingMoreIsTaken) {
     int pieces = 0;
     const UpdateReply reply =

@@ -1,5 +1,8 @@
 #include <sys/resource.h>
 
+#include <algorithm>
+#include <functional>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,6 +19,35 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+
+/// The real transport, which calls `onPiece` after each piece that it has passed on.
+class WatchedTransport final : public UpdateTransport {
+public:
+    explicit WatchedTransport(std::shared_ptr<UpdateTransport> transport)
+        : transport_(std::move(transport)) {}
+
+    UpdateReply fetch(const UpdateRequest& request, const TakeBytes& take,
+                      const std::stop_token& stop) override {
+        return transport_->fetch(
+            request,
+            [&](std::string_view bytes, std::optional<std::uint64_t> total) {
+                const bool isTaken = take(bytes, total);
+                onPiece();
+                return isTaken;
+            },
+            stop);
+    }
+    std::unique_ptr<Sha256> startSha256() override { return transport_->startSha256(); }
+    bool isSigned(std::string_view publicKey, std::string_view signature,
+                  std::string_view message) override {
+        return transport_->isSigned(publicKey, signature, message);
+    }
+
+    std::function<void()> onPiece = [] {};
+
+private:
+    std::shared_ptr<UpdateTransport> transport_;
+};
 
 /// An updater over a real server and a real folder.
 class UpdateIntegration : public ::testing::Test {
@@ -45,6 +77,15 @@ protected:
         updater.answer(0);
         with.finishWork();
         return updater.alert() != nullptr ? updater.alert()->text : "opened";
+    }
+
+    /// Accepts the offer of the feed. The download is then waiting to be run.
+    void beginDownload(ProUpdater& updater) {
+        updater.checkForUpdates();
+        with.finishWork();
+        ASSERT_NE(updater.alert(), nullptr);
+        updater.answer(0);
+        ASSERT_TRUE(updater.state().download);
     }
 
     std::string image(const std::string& text = "an image") {
@@ -179,6 +220,85 @@ TEST_F(UpdateIntegration, AFolderInPlaceOfTheImageIsAFailure) {
     EXPECT_EQ(namesIn(downloads_.path()).size(), 1U);
 }
 
+TEST_F(UpdateIntegration, ACancelInTheMiddleOfADownloadLeavesNothing) {
+    server_.makeZeros("image", 8UL << 20U);
+    auto transport = std::make_shared<WatchedTransport>(ports_.transport);
+    ports_.transport = transport;
+    ports_.build.feed = server_.at("/file/feed.json");
+    // Nothing but the cancel ends the second one.
+    for (const char* path : {"/file/image", "/halted/image"}) {
+        announce(path, server_.digestOf("image"));
+        ProUpdater updater(with.services, ports_);
+        transport->onPiece = [] {};
+        beginDownload(updater);
+        int pieces = 0;
+        transport->onPiece = [&] {
+            if (++pieces == 3) {
+                EXPECT_EQ(namesIn(downloads_.path()).size(), 1U);
+                EXPECT_EQ(updater.cancelDownload(), Outcome::done());
+            }
+        };
+        with.finishWork();
+        EXPECT_GE(pieces, 3) << path;
+        EXPECT_FALSE(updater.state().download) << path;
+        EXPECT_EQ(updater.alert(), nullptr) << path;
+        EXPECT_THAT(namesIn(downloads_.path()), IsEmpty()) << path;
+    }
+    EXPECT_THAT(opened_, IsEmpty());
+}
+
+TEST_F(UpdateIntegration, TheProgressHasATotalWhereTheServerTellsOne) {
+    constexpr std::uint64_t size = 1UL << 20U;
+    server_.makeZeros("image", size);
+    auto transport = std::make_shared<WatchedTransport>(ports_.transport);
+    ports_.transport = transport;
+    ports_.build.feed = server_.at("/file/feed.json");
+    for (const auto& [path, total] :
+         {std::pair{"/file/image", std::optional(size)}, {"/unannounced/image", std::nullopt}}) {
+        announce(path, server_.digestOf("image"));
+        ProUpdater updater(with.services, ports_);
+        beginDownload(updater);
+        std::vector<std::uint64_t> received;
+        transport->onPiece = [&, &total = total] {
+            with.mainQueue.drain();
+            const DownloadProgress& progress = updater.state().download->progress;
+            received.push_back(progress.received);
+            EXPECT_TRUE(progress.received == 0 || progress.total == total) << path;
+        };
+        with.finishWork();
+        transport->onPiece = [] {};
+        ASSERT_FALSE(received.empty()) << path;
+        EXPECT_TRUE(std::ranges::is_sorted(received)) << path;
+        EXPECT_GT(received.back(), size / 2) << path;
+        EXPECT_LE(received.back(), size) << path;
+    }
+    EXPECT_EQ(opened_.size(), 2U);
+}
+
+TEST_F(UpdateIntegration, AQuietCheckTellsAnUpdateAlone) {
+    ports_.build.feed = server_.at("/status?500");
+    const auto checksQuietly = [this](bool isAlerted) {
+        ProUpdater updater(with.services, ports_);
+        updater.checkOnLaunchIfDue();
+        EXPECT_TRUE(updater.state().isChecking);
+        with.finishWork();
+        EXPECT_EQ(updater.alert() != nullptr, isAlerted);
+    };
+    checksQuietly(false);
+    EXPECT_EQ(with.settings.values().lastUpdateCheck, Settings().lastUpdateCheck)
+        << "a failed check is repeated at the next start";
+    ports_.build.feed = server_.at("/file/feed.json");
+    announce("/file/image", image(), "1.2", 41);
+    checksQuietly(false);
+    EXPECT_EQ(with.settings.values().lastUpdateCheck, with.clock.now().secondsSinceReference);
+    ProUpdater sameDay(with.services, ports_);
+    sameDay.checkOnLaunchIfDue();
+    EXPECT_FALSE(sameDay.state().isChecking);
+    with.clock.advance(std::chrono::hours(24));
+    announce("/file/image", image());
+    checksQuietly(true);
+}
+
 /// TALLOWCREST_IMAGE_MEGABYTES sets another size than the one that takes no time.
 TEST_F(UpdateIntegration, ALargeImageTakesNoMemory) {
     const char* const wanted = std::getenv("TALLOWCREST_IMAGE_MEGABYTES");
@@ -191,8 +311,7 @@ TEST_F(UpdateIntegration, ALargeImageTakesNoMemory) {
     rusage after{};
     ::getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16L * 1024);  // in KiB
-    EXPECT_EQ(std::filesystem::file_size(downloads_.path("Tallowcrest-Pro-1.2-build42.deb")),
-              size);
+    EXPECT_EQ(std::filesystem::file_size(downloads_.path("Tallowcrest-Pro-1.2-build42.deb")), size);
 }
 
 }  // namespace

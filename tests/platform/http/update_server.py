@@ -9,6 +9,7 @@ prints.
 
 import os
 import sys
+import time
 
 import provider_server
 
@@ -38,6 +39,14 @@ def serve(connection, path, query):
     elif way == "unannounced":
         send_file(connection, name, tells_length=False)
         connection.unwrap()  # says that nothing follows
+    elif way == "halted":
+        send_file(connection, name, limit=os.path.getsize(name) // 2)
+        provider_server.wait_until_gone(connection)
+    elif way == "slow-redirect":
+        time.sleep(0.4)
+        left = int(rest[0])
+        place = f"/slow-redirect/{left - 1}" if left > 1 else "/text"
+        connection.sendall(head(302, 0, f"Location: {place}\r\n"))
     elif way == "truncated":
         send_file(connection, name, limit=os.path.getsize(name) - 1)
     elif way == "redirect":
