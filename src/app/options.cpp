@@ -82,7 +82,7 @@ private:
         } else if (name == "--ask") {
             parseQuestion();
         } else if (name == "--ui-testing") {
-            takeNoValue(name);  // there is no wizard yet
+            takeNoValue(name);  // for the program with a window
         } else if (const Flag* flag = flagNamed(name)) {
             takeNoValue(name);
             options_.*flag->isSet = true;

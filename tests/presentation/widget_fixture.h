@@ -15,11 +15,13 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-/// How long a `SettlingButton` within `widget` stays disabled; also applies while it is.
+/// How long each `SettlingButton` within `widget` stays disabled; also applies while it is.
 inline void setSettlingTime(const QWidget& widget, std::chrono::milliseconds time) {
-    auto* timer = widget.findChild<QTimer*>(u"settling"_s);
-    ASSERT_NE(timer, nullptr);
-    timer->setInterval(time);
+    const auto timers = widget.findChildren<QTimer*>(u"settling"_s);
+    ASSERT_FALSE(timers.isEmpty());
+    for (QTimer* timer : timers) {
+        timer->setInterval(time);
+    }
 }
 
 /// A widget whose parts tests find and operate, in the style of the real program.

@@ -1,5 +1,7 @@
 #include "presentation/shell/setup_wizard.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -25,7 +27,7 @@ namespace {
 
 constexpr int wizardWidth = 560;
 constexpr int leastHeight = 432;
-constexpr int wizardHeight = 560;
+constexpr int mostHeight = 560;
 
 std::vector<SetupLine> linesOf(SystemMonitor& monitor) {
     return setupLines(monitor.integration().install.shownTarget(), monitor.settings().sshUsername);
@@ -55,7 +57,12 @@ SetupWizard::SetupWizard(SystemMonitor& monitor, WindowState& state, QWidget* wi
     layout->addLayout(head);
     layout->addWidget(new PageScrollArea(makeRows(), this), 1);
     layout->addWidget(makeFoot());
-    resize(wizardWidth, wizardHeight);
+}
+
+void SetupWizard::start() {
+    // Over a small window "Done" would otherwise lie below the screen.
+    resize(wizardWidth, std::clamp(parentWidget()->height() - 2 * spacing::pagePadding, leastHeight,
+                                   mostHeight));
     setMinimumSize(wizardWidth, leastHeight);
 }
 

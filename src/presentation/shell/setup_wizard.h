@@ -24,6 +24,7 @@ public:
     static std::vector<Observable*> shows(SystemMonitor& monitor, WindowState& state);
 
 protected:
+    void start() override;
     void showState() override;
     QWidget* firstControl() override;
 

@@ -45,10 +45,10 @@ UpdateDialog::UpdateDialog(ProUpdater& updater, QWidget* window)
             makeButton(QString(), QString(), u"update.button.%1"_s.arg(i), QString(), this);
         connect(buttons_.at(i), &QPushButton::clicked, this, [this, i] { answer(i); });
         row->addWidget(buttons_.at(i));
+        settling_.emplace_back(*buttons_.at(i));
     }
     makePrimary(*buttons_.front());
     buttons_.front()->setDefault(true);
-    settling_.emplace(*buttons_.front());
     layout->addLayout(row);
 }
 
@@ -74,6 +74,8 @@ void UpdateDialog::present(const UpdateAlert& alert) {
             button.setText(dashboard_text::text(alert.buttons[i]));
             setSpokenName(button, button.text());
             setSpokenDescription(button, title_->text());
+            // One that still settles from the alert before could not take the focus.
+            button.setEnabled(true);
         }
     }
     setAccessibleDescription(title_->text() + u'\n' + text_->text());
@@ -85,7 +87,9 @@ void UpdateDialog::present(const UpdateAlert& alert) {
         QAccessible::updateAccessibility(&changed);
     }
     open();
-    settling_->settle();
+    for (std::size_t i = 0; i < settling_.size(); ++i) {
+        i == alert.dismissal ? settling_[i].settleInNewPlace() : settling_[i].settle();
+    }
 }
 
 void UpdateDialog::answer(std::size_t button) {

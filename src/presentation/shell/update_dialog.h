@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <optional>
 
 #include "integration/update_alerts.h"
@@ -38,8 +39,8 @@ private:
     ElidedLabel* title_ = nullptr;
     ElidedLabel* text_ = nullptr;
     std::array<QPushButton*, 3> buttons_{};
-    /// An alert may come at any time: a press meant for something else must not start a download.
-    std::optional<SettlingButton> settling_;
+    /// An alert may come at any time: a press meant for something else must not answer it.
+    std::deque<SettlingButton> settling_;
 };
 
 }  // namespace tallowcrest

@@ -23,13 +23,18 @@ SettlingButton::SettlingButton(QPushButton& button) : button_(button), timer_(ne
 }
 
 void SettlingButton::settle() {
+    givesFocusBack_ = false;
+    disableForAMoment();
+}
+
+void SettlingButton::disableForAMoment() {
     setButtonEnabled(button_, false);
     timer_->start();
 }
 
 void SettlingButton::settleInNewPlace() {
     givesFocusBack_ = givesFocusBack_ || button_.window()->focusWidget() == &button_;
-    settle();
+    disableForAMoment();
 }
 
 }  // namespace tallowcrest

@@ -30,6 +30,8 @@ public:
     void stop() { timer_->stop(); }
 
 private:
+    void disableForAMoment();
+
     QPushButton& button_;
     QTimer* timer_;  ///< a child of the button
     bool givesFocusBack_ = false;

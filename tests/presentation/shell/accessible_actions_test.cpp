@@ -4,6 +4,8 @@
 
 #include <QAccessible>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QSlider>
 #include <QToolButton>
@@ -126,6 +128,14 @@ std::vector<Place> places() {
     }
     all.push_back({u"confirmation"_s, AppRoute::chat, &Rig::ask});
     all.push_back({u"about"_s, AppRoute::chat, &Rig::openAbout});
+    all.push_back({u"wizard"_s, AppRoute::chat, &Rig::openWizard});
+    all.push_back({u"update offer"_s, AppRoute::chat, &Rig::openOffer});
+    all.push_back({u"update failed"_s, AppRoute::chat, &Rig::openUpdateFailure});
+    all.push_back({u"downloading"_s, AppRoute::chat, &Rig::beginDownload});
+    all.push_back({u"settings, downloading"_s, AppRoute::chat, [](Rig& rig) {
+                       rig.beginDownload();
+                       rig.openSettings(SettingsTabKind::localMac);
+                   }});
     all.push_back({u"panel"_s, AppRoute::chat, &Rig::openPanel});
     return all;
 }
@@ -249,6 +259,58 @@ TEST_F(AccessibleActionsTest, DoWhatTheHandDoes) {
                              "ai.autonomy.autopilot"}) {
         EXPECT_THAT(walked, Contains(u"tallowcrest::AdvisorPage "_s + QLatin1String(each)));
     }
+    for (const char* each :
+         {"SetupWizard setup.launch-at-login", "SetupWizard setup.done",
+          "UpdateDialog update.button.0", "UpdateDialog update.button.1",
+          "UpdateDialog update.button.2", "DashboardWindow update.bar.progress-stop",
+          "SettingsSheet settings.install", "SettingsSheet settings.download-progress-stop"}) {
+        EXPECT_THAT(walked, Contains(u"tallowcrest::"_s + QLatin1String(each)));
+    }
+}
+
+TEST_F(AccessibleActionsTest, EachEntryOfTheMenusDoesSomething) {
+    const auto entryOf = [](Rig& rig, const QString& identifier) {
+        return rig.window().findChild<QAction*>(identifier);
+    };
+    std::set<QString> all;
+    std::set<QString> effective;
+    const std::vector<Place> starts{{u"overview"_s, AppRoute::overview, selectTarget},
+                                    {u"chat"_s, AppRoute::chat, selectTarget},
+                                    {u"stopped"_s, AppRoute::overview, engageStop}};
+    for (const Place& start : starts) {
+        std::vector<QString> enabled;
+        {
+            Rig rig;
+            open(rig, start);
+            for (const QAction* menu : rig.window().menuBar()->actions()) {
+                for (const QAction* entry : menu->menu()->actions()) {
+                    // The event loop that "Quit Tallowcrest" ends does not run here.
+                    if (entry->isSeparator() || entry->objectName() == u"menu.quit"_s) {
+                        continue;
+                    }
+                    all.insert(entry->objectName());
+                    if (entry->isEnabled()) {
+                        enabled.push_back(entry->objectName());
+                    }
+                }
+            }
+        }
+        for (const QString& identifier : enabled) {
+            Rig rig;
+            open(rig, start);
+            const std::string before = rig.facts();
+            // Seen only by what takes a new sample.
+            rig.machine.metrics->memory.pressure = 95.0;
+            entryOf(rig, identifier)->trigger();
+            rig.finishWork();
+            if (rig.facts() != before) {
+                effective.insert(identifier);
+            }
+        }
+    }
+    EXPECT_GE(all.size(), 20U);
+    // An entry of the selected route does nothing, and each other one is enabled at some start.
+    EXPECT_EQ(effective, all);
 }
 
 }  // namespace

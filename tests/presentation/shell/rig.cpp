@@ -66,8 +66,22 @@ void Rig::fillDisk() {
     machine.toolLauncher.onLaunch = [this](const ToolRequest& request) {
         if (request.path == "/usr/bin/du") {
             machine.toolLauncher.willWrite("7\t/tmp\n");
+        } else if (request.path == "/usr/bin/rsync") {
+            files->files["/home/owner/.local/opt/tallowcrest/tallowcrest"] = "";
         }
     };
+}
+
+void Rig::makeInstallable() {
+    const LinuxInstallPlaces places{.home = "/home/owner",
+                                    .data = "/home/owner/.local/share",
+                                    .configuration = "/home/owner/.config",
+                                    .program = "/unpacked"};
+    for (const char* name : {"/usr/bin/rsync", "/unpacked/tallowcrest",
+                             "/unpacked/tallowcrest-desktop", "/unpacked/tallowcrest-http.so"}) {
+        files->files[name] = "";
+    }
+    machine.install = {files, linuxInstallPlan(places), linuxLoginPlan(places), {}};
 }
 
 void Rig::finishWork() {
@@ -110,6 +124,12 @@ std::string Rig::facts() {
     }
     for (const std::string& asked : disk.chooserTexts) {
         facts.append(u"asked for a folder: "_s + text(asked));
+    }
+    for (const std::string& change : files->changes) {
+        facts.append(text(change));
+    }
+    for (const std::string& opened : updates.opened) {
+        facts.append(u"opened "_s + text(opened));
     }
     for (const FoundFile& file : disk.files.all) {
         facts.append(u"on disk "_s + text(file.path));

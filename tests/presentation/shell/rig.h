@@ -9,25 +9,32 @@
 
 #include "actions/actions.h"
 #include "actions/local_actions.h"
+#include "integration/integration.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
 #include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/shell/setup_wizard.h"
+#include "presentation/shell/update_dialog.h"
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_disk_ports.h"
+#include "tests/support/fake_installation_files.h"
+#include "tests/support/fake_update_ports.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-/// Outlives the window.
-struct RigDisk {
+/// What outlives the window.
+struct RigPorts {
     FakeDiskPorts disk;
+    FakeUpdates updates;
+    std::shared_ptr<FakeInstallationFiles> files = std::make_shared<FakeInstallationFiles>();
 };
 
 /// A window over a machine of its own, and everything that operating a control can change.
-class Rig final : public RigDisk, public WindowFixture {
+class Rig final : public RigPorts, public WindowFixture {
 public:
     using WindowFixture::machine;
     using WindowFixture::settle;
@@ -36,6 +43,9 @@ public:
 
     Rig() {
         fillDisk();
+        makeInstallable();
+        updates.isUnderTest = true;  // no check by itself
+        machine.updates = updates.ports();
         machine.openActivityMonitor = [this] {
             outside_.append(u"opened the activity monitor"_s);
             return true;
@@ -66,6 +76,28 @@ public:
         settle();
         walked_ = window().findChild<QMessageBox*>(u"about"_s);
     }
+    void openWizard() {
+        window().state().navigation.setShowSetupWizard(true);
+        settle();
+        walked_ = window().findChild<SetupWizard*>();
+    }
+    /// An offer with each button that there can be.
+    void openOffer() {
+        updates.feed(42, R"("releaseNotesURL": "https://notes.example/",)");
+        checkForUpdates();
+    }
+    void openUpdateFailure() {
+        updates.transport->answers.clear();
+        checkForUpdates();
+    }
+    /// From then on background work stays pending, the download too.
+    void beginDownload() {
+        openOffer();
+        walked_ = nullptr;
+        machine.monitor().integration().updates.answer(0);
+        keepWorkPending();
+        settle();
+    }
     void openPanel() {
         panel_ = std::make_unique<MenuBarPanel>(machine.monitor(),
                                                 menuBarEntries(machine.monitor(), window()));
@@ -85,6 +117,12 @@ public:
     std::string facts();
 
 private:
+    void checkForUpdates() {
+        machine.monitor().integration().updates.checkForUpdates();
+        finishWork();
+        walked_ = window().findChild<UpdateDialog*>();
+    }
+    void makeInstallable();
     /// Old caches, large personal files and a folder to measure.
     void fillDisk();
     static void collect(QAccessibleInterface& from, std::vector<QAccessibleInterface*>& found);

@@ -44,7 +44,12 @@ protected:
         finishWork();
         ASSERT_NE(dialog(), nullptr);
         setSettlingTime(*dialog(), std::chrono::milliseconds(0));
-        QTRY_VERIFY(visible<QPushButton>("update.button.0")->isEnabled());
+        waitForButtons();
+    }
+    void waitForButtons() {
+        for (const QPushButton* button : dialog()->findChildren<QPushButton*>()) {
+            QTRY_VERIFY(!button->isVisible() || button->isEnabled());
+        }
     }
     void beginDownload() {
         showOffer();
@@ -97,11 +102,79 @@ TEST_F(UpdateDialogTest, APressThatWasMeantForSomethingElseStartsNoDownload) {
     show();
     finishWork();
     ASSERT_NE(dialog(), nullptr);
-    EXPECT_FALSE(visible<QPushButton>("update.button.0")->isEnabled());
-    QTest::mouseClick(visible<QPushButton>("update.button.0"), Qt::LeftButton);
+    for (const char* each : {"update.button.0", "update.button.1"}) {
+        EXPECT_FALSE(visible<QPushButton>(each)->isEnabled());
+        QTest::mouseClick(visible<QPushButton>(each), Qt::LeftButton);
+    }
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        QTest::keyClick(dialog(), key);
+    }
     settle();
     EXPECT_FALSE(updater().state().download);
     EXPECT_NE(dialog(), nullptr);
+}
+
+TEST_F(UpdateDialogTest, TabGoesThroughTheButtonsFromTheSafeOne) {
+    updates.feed(42, R"("releaseNotesURL": "https://notes.example/",)");
+    showOffer();
+    EXPECT_EQ(tabOrder(4), u"update.button.1 update.button.2 update.button.0 update.button.1"_s);
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), u"update.button.0"_s);
+}
+
+TEST_F(UpdateDialogTest, ReturnPressesTheButtonThatHasTheFocus) {
+    updates.feed(42, R"("releaseNotesURL": "https://notes.example/",)");
+    show();
+    finishWork();
+    for (const char* each : {"update.button.1", "update.button.2", "update.button.0"}) {
+        if (dialog() == nullptr) {
+            updater().checkForUpdates();
+            finishWork();
+        }
+        ASSERT_NE(dialog(), nullptr) << each;
+        setSettlingTime(*dialog(), std::chrono::milliseconds(0));
+        waitForButtons();
+        visible(each)->setFocus();
+        press(Qt::Key_Return);
+        EXPECT_EQ(dialog(), nullptr) << each;
+        EXPECT_EQ(updater().state().download.has_value(), each == std::string("update.button.0"));
+    }
+    EXPECT_THAT(updates.opened, testing::ElementsAre("https://notes.example/"));
+}
+
+TEST_F(UpdateDialogTest, EachButtonHasANameADescriptionAndAnIdentifier) {
+    updates.feed(42, R"("releaseNotesURL": "https://notes.example/",)");
+    showOffer();
+    QStringList identifiers;
+    for (const QWidget* each : dialog()->findChildren<QWidget*>()) {
+        if (each->isVisible() && each->focusPolicy() != Qt::NoFocus) {
+            EXPECT_FALSE(each->accessibleName().isEmpty()) << each->objectName().toStdString();
+            EXPECT_FALSE(each->accessibleDescription().isEmpty())
+                << each->objectName().toStdString();
+            identifiers.append(each->objectName());
+        }
+    }
+    EXPECT_EQ(identifiers.join(u' '), u"update.button.0 update.button.1 update.button.2"_s);
+    EXPECT_EQ(dialog()->accessibleName(), u"Software Update"_s);
+    EXPECT_THAT(dialog()->accessibleDescription().toStdString(),
+                testing::StartsWith("Tallowcrest Pro 1.2 is available"));
+}
+
+TEST_F(UpdateDialogTest, TheOnlyButtonHasTheFocusOnceItCanBePressed) {
+    updates.feed(41);
+    show();
+    finishWork();
+    for (int round = 0; round < 2; ++round) {
+        updater().checkForUpdates();
+        finishWork();
+        ASSERT_NE(dialog(), nullptr);
+        setSettlingTime(*dialog(), std::chrono::milliseconds(0));
+        waitForButtons();
+        EXPECT_EQ(QApplication::focusWidget(), visible("update.button.0"));
+        press(Qt::Key_Return);
+        EXPECT_EQ(dialog(), nullptr);
+    }
 }
 
 TEST_F(UpdateDialogTest, TheDownloadIsShownAndCanBeCanceled) {
@@ -116,6 +189,24 @@ TEST_F(UpdateDialogTest, TheDownloadIsShownAndCanBeCanceled) {
     EXPECT_EQ(visible("update.bar"), nullptr);
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_THAT(updates.opened, testing::IsEmpty());
+}
+
+TEST_F(UpdateDialogTest, TheDownloadFitsOnEachRouteOfASmallWindow) {
+    window().resize(640, 480);
+    beginDownload();
+    for (const AppRoute each : allAppRoutes) {
+        goTo(each);
+        SCOPED_TRACE(std::string(title(each)));
+        EXPECT_EQ(window().size(), QSize(640, 480));
+        for (const char* part : {"update.bar", "update.bar.progress", "update.bar.progress-stop"}) {
+            const QWidget* shown = visible(part);
+            ASSERT_NE(shown, nullptr) << part;
+            EXPECT_EQ(shown->visibleRegion().boundingRect(), shown->rect()) << part;
+            EXPECT_GE(shown->height(), shown->minimumSizeHint().height()) << part;
+        }
+        EXPECT_GE(visible("update.bar.progress-stop")->width(),
+                  visible("update.bar.progress-stop")->sizeHint().width());
+    }
 }
 
 TEST_F(UpdateDialogTest, TheSettingsShowTheDownloadToo) {

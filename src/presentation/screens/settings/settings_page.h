@@ -11,7 +11,8 @@ class ElidedLabel;
 class SystemMonitor;
 struct WindowState;
 
-/// A button that opens the settings sheet, and the switches of the rules. Main thread.
+/// What leads to the settings sheet, to the setup wizard and to an installation, the switches of
+/// the rules, and what other machines need for a connection. Main thread.
 class SettingsPage final : public Screen {
     Q_OBJECT
 
