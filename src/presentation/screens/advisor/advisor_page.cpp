@@ -170,7 +170,8 @@ void AdvisorPage::refresh() {
     showAnswer();
     showSuggestions();
     Advisor& advisor = monitor_.advisor();
-    trust_->picker().setMode(monitor_.settings().aiAutonomyMode);
+    trust_->picker().setMode(monitor_.settings().aiAutonomyMode,
+                             monitor_.actions().automation.isStopEngaged());
     trust_->show(advisor.trust.aiTrustRecords());
     drafts_->show(advisor.drafts.aiRuleDrafts());
     drafts_->setBusy(advisor.provider.state().aiBusy);

@@ -53,12 +53,14 @@ AutonomyPicker::AutonomyPicker(const QString& identifier, QWidget* parent) : QWi
     });
 }
 
-void AutonomyPicker::setMode(AIAutonomyMode mode) {
+void AutonomyPicker::setMode(AIAutonomyMode mode, bool isStopEngaged) {
+    if (mode != mode_ || !isStopEngaged) {
+        refusal_->setText({});
+    }
     if (mode != mode_) {
         mode_ = mode;
         choices_->setCurrentIndex(indexOf(mode));
         explanation_->setText(text(tallowcrest::explanation(mode)));
-        refusal_->setText({});
     }
 }
 
@@ -72,7 +74,7 @@ void connectAutonomy(AutonomyPicker& picker, Automation& automation) {
             const Outcome outcome = automation.setAutonomyMode(mode);
             picker.showRefusal(outcome.isAccepted() ? QString() : text(outcome.message));
             if (outcome.isAccepted()) {
-                picker.setMode(mode);
+                picker.setMode(mode, automation.isStopEngaged());
             }
         });
 }

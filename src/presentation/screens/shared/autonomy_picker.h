@@ -21,8 +21,9 @@ public:
     /// The object names of the choices begin with `identifier`: "IDENTIFIER.apprentice".
     explicit AutonomyPicker(const QString& identifier, QWidget* parent = nullptr);
 
-    /// Shows the mode. Another one than before removes a refusal.
-    void setMode(AIAutonomyMode mode);
+    /// Shows the mode. Another one than before removes a refusal, and so does the end of the
+    /// emergency stop, which is the reason for each.
+    void setMode(AIAutonomyMode mode, bool isStopEngaged);
     /// Shows why the choice was refused; an empty text removes that.
     void showRefusal(const QString& words);
 

@@ -165,7 +165,7 @@ void AITab::show(const AITabState& state) {
         switchLine(u"Redact process details before AI analysis"_s, state.isRedacted));
     preview_->setLine(
         switchLine(u"Require preview confirmation before AI analysis"_s, state.requiresPreview));
-    picker_->setMode(state.mode);
+    picker_->setMode(state.mode, state.isStopEngaged);
 }
 
 }  // namespace tallowcrest

@@ -29,6 +29,7 @@ struct AITabState {
     bool isRedacted = true;
     bool requiresPreview = true;
     AIAutonomyMode mode = AIAutonomyMode::apprentice;
+    bool isStopEngaged = false;
 };
 
 /// The settings of the advisor. Main thread.

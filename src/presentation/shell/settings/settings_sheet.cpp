@@ -227,7 +227,8 @@ void SettingsSheet::showAI() {
                .endpoint = text(settings.aiEndpoint),
                .isRedacted = settings.aiRedactProcessDetails,
                .requiresPreview = settings.aiRequirePreview,
-               .mode = settings.aiAutonomyMode});
+               .mode = settings.aiAutonomyMode,
+               .isStopEngaged = monitor_.actions().automation.isStopEngaged()});
 }
 
 void SettingsSheet::addRemote() {

@@ -204,9 +204,12 @@ TEST_F(AdvisorActionsTest, TheStopKeepsTheModeAndSaysSo) {
               u"AI remains in Apprentice mode while Emergency Stop is engaged."_s);
     EXPECT_EQ(currentMode(), u"Apprentice"_s);
     EXPECT_EQ(textOf("ai.autonomy.line"), u"AI suggests actions. You approve and run them."_s);
+    tick();
+    EXPECT_NE(textOf("ai.autonomy.refusal"), u"(not shown)"_s) << "the stop is still engaged";
     machine.monitor().actions().automation.resumeFromEmergencyStop();
-    click("ai.autonomy.trusted");
+    settle();
     EXPECT_EQ(textOf("ai.autonomy.refusal"), u"(not shown)"_s);
+    click("ai.autonomy.trusted");
     EXPECT_EQ(currentMode(), u"Trusted"_s);
 }
 

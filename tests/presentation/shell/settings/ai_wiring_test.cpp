@@ -203,6 +203,9 @@ TEST_F(AIWiringTest, TheSwitchesAndTheModeAreStored) {
     EXPECT_EQ(textOf("settings.autonomy.refusal"),
               u"AI remains in Apprentice mode while Emergency Stop is engaged."_s);
     EXPECT_EQ(settings().aiAutonomyMode, AIAutonomyMode::apprentice);
+    machine.monitor().actions().automation.resumeFromEmergencyStop();
+    settle();
+    EXPECT_EQ(textOf("settings.autonomy.refusal"), u"(not shown)"_s);
 }
 
 TEST_F(AIWiringTest, ThePayloadIsCopied) {
