@@ -256,10 +256,10 @@ Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool 
         setBusy(false);
         return refuseWithoutSample();
     }
+    state_.askedService = access->endpoint->service;
     setBusy(true);
     dependencies_.suggestions.setAIActions({});
-    setInsight(
-        fmt::format("Asking {} for a performance recommendation...", access->endpoint->service));
+    setInsight(fmt::format("Asking {} for a performance recommendation...", state_.askedService));
     jobs_.run(
         Lane::advisor,
         [access = *std::move(access),

@@ -44,6 +44,9 @@ struct ProviderState {
     bool aiBusy = false;
     /// Whether it is the reading of the key that is waited for, and not the service.
     bool isReadingKey = false;
+    /// What texts call the service that is asked, which the endpoint can differ from meanwhile.
+    /// Meaningless while none is asked.
+    std::string askedService;
     /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
     /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
     /// The clock can be set back meanwhile; see `secondsWaited`.

@@ -147,6 +147,7 @@ void AdvisorPage::withSuggestion(const UUID& id,
 void AdvisorPage::showOutcome(const Outcome& outcome) {
     const bool isRefused =
         outcome.kind == Outcome::Kind::refused || outcome.kind == Outcome::Kind::failed;
+    showSuggestions();  // first, because changed ones remove the refusal
     suggestions_->showRefusal(isRefused ? dashboard_text::shortText(outcome.message, 300)
                                         : QString());
 }
@@ -187,6 +188,7 @@ void AdvisorPage::hideEvent(QHideEvent* event) {
 void AdvisorPage::showGuidance() {
     const Provider& provider = monitor_.advisor().provider;
     const Settings& settings = monitor_.settings();
+    guidance_->payload().setHasSample(monitor_.sample().snapshot().has_value());
     if (guidance_->payload().isShown()) {
         guidance_->payload().show(advisorPayload(monitor_));
     }
@@ -229,8 +231,7 @@ void AdvisorPage::showSuggestions() {
 }
 
 void AdvisorPage::showProgress() {
-    const Provider& provider = monitor_.advisor().provider;
-    const ProviderState& state = provider.state();
+    const ProviderState& state = monitor_.advisor().provider.state();
     if (!state.aiBusy || !isVisible()) {
         second_->stop();
     } else if (!second_->isActive()) {
@@ -239,7 +240,7 @@ void AdvisorPage::showProgress() {
     const std::chrono::seconds elapsed(static_cast<std::int64_t>(
         secondsWaited(state.aiBusySince, monitor_.services().clock.now())));
     guidance_->showProgress(
-        state.aiBusy ? advisor_lines::progress(provider.serviceName(), elapsed, state.isReadingKey)
+        state.aiBusy ? advisor_lines::progress(state.askedService, elapsed, state.isReadingKey)
         : monitor_.sample().snapshot() ? QString()
                                        : u"Sampling this Mac..."_s);
 }

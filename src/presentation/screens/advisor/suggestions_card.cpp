@@ -81,7 +81,6 @@ void SuggestionRow::setLine(const advisor_lines::SuggestionLine& line) {
     const QString why = line.refusal.isEmpty() ? u"Runs this action"_s : line.refusal;
     setSpokenDescription(*run_, why);
     run_->setToolTip(toolTipText(why));
-    setButtonEnabled(*run_, line.refusal.isEmpty());
 }
 
 void SuggestionRow::paintEvent(QPaintEvent*) {
@@ -138,6 +137,7 @@ void SuggestionsCard::show(const std::vector<advisor_lines::SuggestionLine>& lin
     if (lines == shown_) {
         return;
     }
+    refusal_->setText({});
     shown_ = lines;
     shown_.resize(std::min(shown_.size(), rows_.size()));
     for (std::size_t i = 0; i < rows_.size(); ++i) {

@@ -52,7 +52,7 @@ public:
     explicit SuggestionsCard(QWidget* parent = nullptr);
 
     /// `empty` stands in place of the rows when there are none. At most `maximumSuggestions` lines
-    /// are shown.
+    /// are shown. Other lines than before remove a refusal.
     void show(const std::vector<advisor_lines::SuggestionLine>& lines, const QString& empty);
     /// Shows why the last press was refused; an empty text removes that.
     void showRefusal(const QString& words);

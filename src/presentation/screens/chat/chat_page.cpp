@@ -251,6 +251,7 @@ void ChatPage::refresh() {
                                    monitor_.settings().aiRedactProcessDetails));
     composer_->show(QString::fromStdString(state.aiChatInput), state.aiChatBusy);
     showMessages();
+    payload_->setHasSample(monitor_.sample().snapshot().has_value());
     if (payload_->isShown()) {
         payload_->show(chatPayload(monitor_));
     }

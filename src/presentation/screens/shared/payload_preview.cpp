@@ -50,6 +50,13 @@ void PayloadPreview::showRefusal(const QString& words) {
     refusal_->setText(words);
 }
 
+void PayloadPreview::setHasSample(bool hasSample) {
+    if (hasSample && !hasSample_) {
+        refusal_->setText({});
+    }
+    hasSample_ = hasSample;
+}
+
 void connectPayload(PayloadPreview& preview, Provider& provider, std::function<QString()> payload) {
     QObject::connect(&preview, &PayloadPreview::copyWanted, &preview, [&preview, &provider] {
         const Outcome outcome = provider.copyAIPreview();

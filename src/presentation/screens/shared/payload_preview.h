@@ -34,6 +34,8 @@ public:
     bool isShown() const;
     /// Shows why there is nothing to copy or to show; an empty text removes that.
     void showRefusal(const QString& words);
+    /// Whether there is a sample to make the text of. The first one removes a refusal.
+    void setHasSample(bool hasSample);
 
 signals:
     /// The owner pressed "Preview Payload".
@@ -45,6 +47,7 @@ private:
     std::array<QPushButton*, 2> buttons_{};
     RefusalLine* refusal_ = nullptr;
     SelectableText* text_ = nullptr;
+    bool hasSample_ = false;
 };
 
 /// Copies the report and shows what `payload()` returns, which is empty when there is nothing yet,

@@ -27,6 +27,11 @@ protected:
         }
         return {};
     }
+    std::int64_t blocked(const std::string& type) {
+        const TrustRecords& records = advisor().trust.aiTrustRecords();
+        const auto found = records.find(type);
+        return found == records.end() ? 0 : found->second.blockedCount;
+    }
 };
 
 // Suggestions ------------------------------------------------------------------------------------
@@ -46,10 +51,15 @@ TEST_F(AdvisorActionsTest, ASuggestionIsApprovedAndThenRun) {
     EXPECT_EQ(textOf("ai.suggestion-2.risk"), u"Risk: medium"_s);
     EXPECT_EQ(visible("ai.suggestion-3"), nullptr);
     EXPECT_EQ(button("ai.suggestion-1.run").text(), u"Select Top"_s);
-    EXPECT_FALSE(button("ai.suggestion-1.run").isEnabled());
     EXPECT_EQ(button("ai.suggestion-1.run").accessibleDescription(),
               u"Approve 'Do select_top' before running it."_s);
+    click("ai.suggestion-1.run");
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"Approve 'Do select_top' before running it."_s);
+    EXPECT_EQ(lastAction(), "Approve 'Do select_top' before running it.");
+    EXPECT_EQ(selectedPID(), std::nullopt);
+    EXPECT_TRUE(advisor().trust.aiTrustRecords().empty());
     click("ai.suggestion-1.approve");
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s);
     EXPECT_EQ(lastAction(), "Approved AI action: Do select_top.");
     EXPECT_EQ(textOf("ai.suggestion-1.state"), u"Approved"_s);
     EXPECT_EQ(textOf("ai.suggestion-2.state"), u"Not approved"_s);
@@ -70,21 +80,47 @@ TEST_F(AdvisorActionsTest, ApproveAllAndRunApproved) {
     EXPECT_EQ(textOf("ai.suggestion-2.state"),
               u"Approved. AI action 'quit_everything' is informational only."_s);
     EXPECT_EQ(button("ai.suggestion-2.run").text(), u"Run"_s);
-    EXPECT_FALSE(button("ai.suggestion-2.run").isEnabled());
     click("ai.run-approved");
     EXPECT_EQ(selectedPID(), 800);
+    EXPECT_EQ(blocked("quit_everything"), 0) << "only its own button can refuse it";
+    click("ai.suggestion-2.run");
+    EXPECT_EQ(lastAction(), "AI action 'quit_everything' is informational only.");
+    EXPECT_EQ(textOf("ai.suggestions.refusal"),
+              u"AI action 'quit_everything' is informational only."_s);
+    EXPECT_EQ(blocked("quit_everything"), 1);
+}
+
+TEST_F(AdvisorActionsTest, ARefusalGoesWithTheSuggestionsThatItWasAbout) {
+    showAdvisor();
+    publish({suggestionOf("select_top")});
+    click("ai.run-approved");
+    tick();
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"No approved AI actions are ready to run."_s);
+    advisor().suggestions.approveAllSuggestions();
+    settle();
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s) << "approved elsewhere";
+    publish({suggestionOf("quit_everything")});
+    click("ai.suggestion-1.run");
+    EXPECT_NE(textOf("ai.suggestions.refusal"), u"(not shown)"_s);
+    publish({suggestionOf("quit_everything")});
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s) << "another analysis";
 }
 
 TEST_F(AdvisorActionsTest, APurgeWaitsForThePressureAndThenForItsConfirmation) {
     showAdvisor();
     publish({suggestionOf("local_purge")});
     click("ai.suggestion-1.approve");
-    EXPECT_FALSE(button("ai.suggestion-1.run").isEnabled());
     EXPECT_EQ(textOf("ai.suggestion-1.state"),
               u"Approved. AI purge suggestion blocked because memory pressure is below 82%."_s);
+    click("ai.suggestion-1.run");
+    EXPECT_EQ(machine.monitor().confirmations().pendingConfirmation(), std::nullopt);
+    EXPECT_EQ(textOf("ai.suggestions.refusal"),
+              u"AI purge suggestion blocked because memory pressure is below 82%."_s);
+    EXPECT_EQ(blocked("local_purge"), 1);
     machine.metrics->memory.pressure = 90.0;
     tick();
     EXPECT_EQ(textOf("ai.suggestion-1.state"), u"Approved"_s);
+    EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s);
     click("ai.suggestion-1.run");
     ASSERT_TRUE(machine.monitor().confirmations().pendingConfirmation().has_value());
     EXPECT_EQ(machine.actions.cachePurge->count, 0);

@@ -117,6 +117,19 @@ TEST_F(AdvisorPageTest, AnAnalysisUnderWayIsToldFromAHang) {
     EXPECT_TRUE(button("ai.draft-rules").isEnabled());
 }
 
+TEST_F(AdvisorPageTest, TheProgressNamesTheServiceThatIsAskedAndNotTheOneOfTheNextAnalysis) {
+    showConnected();
+    click("ai.analyze");
+    machine.finishSamples();
+    settle();
+    ASSERT_TRUE(advisor().provider.state().aiBusy);
+    advisor().provider.setAIEndpoint("http://localhost:8080");
+    settle();
+    EXPECT_EQ(textOf("ai.connection-state"), u"Enhanced AI connected to localhost:8080"_s);
+    EXPECT_EQ(textOf("ai.progress"), u"Asking OpenAI… 0 s of at most 30 s"_s);
+    finishWork();
+}
+
 TEST_F(AdvisorPageTest, NoButtonStartsASecondAnalysis) {
     showConnected(true);
     click("ai.analyze");
@@ -215,6 +228,7 @@ TEST_F(AdvisorPageTest, PreviewPayloadCopiesTheReport) {
     EXPECT_EQ(textOf("ai.payload.refusal"), u"No AI payload preview is available yet."_s);
     machine.finishSamples();
     settle();
+    EXPECT_EQ(textOf("ai.payload.refusal"), u"(not shown)"_s) << "there is one now";
     const auto report = machine.monitor().reports().diagnosticsReport(true);
     click("ai.preview-payload");
     EXPECT_EQ(textOf("ai.payload.refusal"), u"(not shown)"_s);

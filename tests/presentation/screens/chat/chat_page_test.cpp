@@ -105,6 +105,17 @@ TEST_F(ChatPageTest, TheReportThatIsSentCanBeCopied) {
     EXPECT_EQ(copied[0], report);
 }
 
+TEST_F(ChatPageTest, ThatThereIsNothingToSendYetIsSaidUntilTheFirstSample) {
+    window().state().navigation.setSelectedRoute(AppRoute::chat);
+    show();
+    click("chat.show-payload");
+    EXPECT_EQ(textOf("chat.payload.refusal"), u"No AI payload preview is available yet."_s);
+    EXPECT_EQ(visible("chat.payload"), nullptr);
+    machine.finishSamples();
+    settle();
+    EXPECT_EQ(textOf("chat.payload.refusal"), u"(not shown)"_s);
+}
+
 TEST_F(ChatPageTest, AQuestionThatIsTooLongIsToldAndStays) {
     showChat();
     chat().setAIChatInput(std::string(10'001, 'q'));
