@@ -34,6 +34,7 @@ constexpr int mostHeadingLines = 12;
 constexpr int mostMessageLines = 12;
 constexpr int mostProcessLines = 3;
 constexpr std::size_t mostPaths = 5;
+constexpr int mostNoteLines = 4;
 constexpr int detailsHeight = 208;
 
 /// The font of the title: the largest in which it fits on a few lines.
@@ -125,9 +126,14 @@ QWidget* ConfirmationDialog::makeDetails() {
     layout->addWidget(detailsToggle_, 0, Qt::AlignLeft);
     details_ = new SelectableText(u"confirmation.details.text"_s);
     detailsArea_ = new PageScrollArea(details_, room);
+    detailsNote_ = new ElidedLabel(onPage(&CrestFonts::caption, &CrestTheme::secondaryText), room);
+    detailsNote_->setObjectName(u"confirmation.details.note"_s);
+    detailsNote_->setLines(1, mostNoteLines);
+    layout->addWidget(detailsNote_);
     layout->addWidget(detailsArea_);
     connect(detailsToggle_, &QPushButton::clicked, this, [this] {
         showDetails(detailsArea_->isHidden());
+        followState();
         fit();
     });
     return room;
@@ -135,6 +141,7 @@ QWidget* ConfirmationDialog::makeDetails() {
 
 void ConfirmationDialog::showDetails(bool areShown) {
     detailsArea_->setVisible(areShown);
+    detailsNote_->setVisible(areShown && !detailsNote_->text().isEmpty());
     detailsToggle_->setText((areShown ? u"Hide "_s : u"Show "_s) + detailsName_);
     setSpokenName(*detailsToggle_, detailsToggle_->text());
 }
@@ -149,6 +156,16 @@ void ConfirmationDialog::refresh() {
     }
     if (!showsPending()) {
         present(*pending);
+    } else {
+        followState();
+    }
+}
+
+void ConfirmationDialog::followState() {
+    const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
+    if (detailsFollowState_ && pending && !detailsArea_->isHidden()) {
+        details_->followText(detailsOf_(*pending).text);
+        details_->setAccessibleName(detailsName_);
     }
 }
 
@@ -162,6 +179,8 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     showTargets(desk_.targets());
     const ConfirmationDetails details = detailsOf_(request);
     detailsName_ = details.name;
+    detailsFollowState_ = details.followState;
+    detailsNote_->setText(details.note);
     details_->showText(details.text);
     details_->setAccessibleName(details.name);
     setSpokenDescription(*detailsToggle_, details.description);

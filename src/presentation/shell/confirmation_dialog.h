@@ -35,8 +35,8 @@ public:
     /// The desk must outlive the dialog.
     ConfirmationDialog(ConfirmationDesk& desk, Details details, QWidget* parent);
 
-    /// Opens, updates or closes the dialog according to the pending request. Does nothing while
-    /// that is the one shown.
+    /// Opens, updates or closes the dialog according to the pending request. While that is the one
+    /// shown, only open details that follow the state change.
     void refresh() override;
 
     void reject() override;
@@ -51,6 +51,7 @@ private:
     QStringList shownTexts() const;
     void showTargets(const ConfirmationTargets& targets);
     void showDetails(bool areShown);
+    void followState();
     void fit();
     void confirm();
     /// Whether the pending request is the one shown.
@@ -70,6 +71,8 @@ private:
     ElidedLabel* morePaths_ = nullptr;
     QPushButton* detailsToggle_ = nullptr;
     QString detailsName_;
+    bool detailsFollowState_ = false;
+    ElidedLabel* detailsNote_ = nullptr;
     PageScrollArea* detailsArea_ = nullptr;
     SelectableText* details_ = nullptr;
     QPushButton* cancel_ = nullptr;

@@ -153,7 +153,7 @@ void DashboardWindow::addSheets() {
                   .make = [&updates](QWidget* on) { return new UpdateDialog(updates, on); }});
     // Last, so that a question stands above every sheet.
     sheets_->add(
-        {.shows = {&monitor_.confirmations().observable()},
+        {.shows = confirmationSources(monitor_),
          .isWanted = [this] { return monitor_.confirmations().pendingConfirmation().has_value(); },
          .dismissed = {},
          .make =

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 
 namespace tallowcrest {
 
+class Observable;
 class SystemMonitor;
 struct ConfirmationRequest;
 
@@ -13,8 +16,14 @@ struct ConfirmationDetails {
     QString name;           ///< of the text, behind "Show" and "Hide"
     QString description;    ///< of the button that shows it
     QString text;           ///< of several lines
+    QString note;           ///< above the text; may be empty
     bool areShown = false;  ///< from the beginning
+    /// Whether the text changes with the state, while the question stays the same.
+    bool followState = false;
 };
+
+/// What the details of a question that follow the state are made of, and the desk of questions.
+std::vector<Observable*> confirmationSources(SystemMonitor& monitor);
 
 /// What would be sent, or which files would be moved. Main thread.
 ConfirmationDetails confirmationDetails(SystemMonitor& monitor, const ConfirmationRequest& request);

@@ -81,6 +81,12 @@ void SelectableText::showText(const QString& text) {
     updateGeometry();
 }
 
+void SelectableText::followText(const QString& text) {
+    if (!hasFocus() && !textCursor().hasSelection()) {
+        showText(text);
+    }
+}
+
 QSize SelectableText::sizeHint() const {
     return {preferredWidth, minimumSizeHint().height()};
 }

@@ -27,6 +27,9 @@ public:
     /// Plain text: markup is shown as it is, and line feeds end lines. The same text changes
     /// nothing, so that a selection stays.
     void showText(const QString& text);
+    /// As `showText`, but does nothing while the text has the focus or a selection, so that what is
+    /// being read or copied does not change. To be called again and again.
+    void followText(const QString& text);
     const QString& shownText() const { return text_; }
 
     QSize sizeHint() const override;

@@ -232,9 +232,10 @@ TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     expectToFollow({{"page", sourcesOfPage(AppRoute::chat)}, {"settings", settingsSheet}});
     machine.monitor().actions().local.requestPurge();
     settle();
-    expectToFollow({{"page", sourcesOfPage(AppRoute::chat)},
-                    {"settings", settingsSheet},
-                    {"question", {desk}}});
+    expectToFollow(
+        {{"page", sourcesOfPage(AppRoute::chat)},
+         {"settings", settingsSheet},
+         {"question", {desk, sample, settings, log, provider, suggestions, trust, remoteScan}}});
 }
 
 TEST_F(WindowUpdatesTest, ABurstOfTheLogRefreshesNeitherTheProcessesNorTheTarget) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <string>
 
+#include <QScrollBar>
 #include <QTimer>
 
 #include "core/observable.h"
@@ -295,8 +296,10 @@ TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
     EXPECT_GT(dialog->height(), folded + 100);
     EXPECT_THAT(visible<SelectableText>("confirmation.details.text")->shownText().toStdString(),
                 HasSubstr(*machine.monitor().reports().diagnosticsReport(true)));
+    EXPECT_EQ(textOf("confirmation.details.note"), u"The report is made anew when it is sent."_s);
     click("confirmation.details");
     EXPECT_EQ(dialog->height(), folded);
+    EXPECT_EQ(textOf("confirmation.details.note"), u"(not shown)"_s);
     machine.monitor().confirmations().cancelPending();
     settle();
     machine.monitor().actions().local.requestPurge();
@@ -305,6 +308,48 @@ TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
     machine.monitor().confirmations().cancelPending();
     settle();
     EXPECT_TRUE(fakes.http->sent.empty());
+}
+
+TEST_F(AdvisorPageTest, TheQuestionFollowsTheStateUntilItIsConfirmed) {
+    showConnected(true);
+    click("ai.analyze");
+    click("confirmation.details");
+    auto* text = visible<SelectableText>("confirmation.details.text");
+    QScrollBar* bar = scrollAreaAround(*text).verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int place = bar->value();
+    ASSERT_GT(place, 0);
+    const QWidget* focused = QApplication::focusWidget();
+    const QString before = text->shownText();
+    machine.metrics->memory.pressure = 97.0;
+    tick();
+    const QString after = text->shownText();
+    EXPECT_NE(after, before);
+    EXPECT_EQ(text->accessibleName(), u"What Is Sent"_s);
+    EXPECT_EQ(bar->value(), place);
+    EXPECT_EQ(QApplication::focusWidget(), focused);
+    machine.monitor().confirmations().confirmPending();
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_EQ(after.toStdString(), fakes.http->sent[0].prompt());
+}
+
+TEST_F(AdvisorPageTest, WhatIsSelectedInAQuestionStays) {
+    showConnected(true);
+    click("ai.analyze");
+    click("confirmation.details");
+    auto* text = visible<SelectableText>("confirmation.details.text");
+    text->selectAll();
+    const QString before = text->shownText();
+    machine.metrics->memory.pressure = 97.0;
+    tick();
+    EXPECT_EQ(text->shownText(), before);
+    EXPECT_TRUE(text->textCursor().hasSelection());
+    text->moveCursor(QTextCursor::Start);
+    tick();
+    EXPECT_NE(text->shownText(), before);
+    machine.monitor().confirmations().cancelPending();
+    settle();
 }
 
 }  // namespace
