@@ -165,7 +165,6 @@ void ConfirmationDialog::followState() {
     const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
     if (detailsFollowState_ && pending && !detailsArea_->isHidden()) {
         details_->followText(detailsOf_(*pending).text);
-        details_->setAccessibleName(detailsName_);
     }
 }
 
@@ -182,7 +181,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     detailsFollowState_ = details.followState;
     detailsNote_->setText(details.note);
     details_->showText(details.text);
-    details_->setAccessibleName(details.name);
+    details_->setShortName(details.name);
     setSpokenDescription(*detailsToggle_, details.description);
     detailsToggle_->setToolTip(details.description);
     const int wanted = details_->heightForWidth(dialogWidth - 2 * spacing::pagePadding);

@@ -1,6 +1,7 @@
 #include "presentation/state/confirmation_details.h"
 
 #include "advisor/advisor.h"
+#include "advisor/endpoint.h"
 #include "core/activity_log.h"
 #include "core/confirmation_desk.h"
 #include "core/local_records.h"
@@ -10,6 +11,7 @@
 #include "disk/personal_file_texts.h"
 #include "monitor/system_monitor.h"
 #include "presentation/state/advisor_payload.h"
+#include "presentation/words/dashboard_text.h"
 #include "presentation/words/disk_lines.h"
 #include "remote/remote.h"
 #include "sampling/latest_sample.h"
@@ -17,6 +19,20 @@
 using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
+namespace {
+
+QString advisorNote(SystemMonitor& monitor) {
+    const QString made = u"The report is made anew when it is sent."_s;
+    const auto endpoint = endpointFrom(monitor.settings().aiEndpoint);
+    const bool isKeySent =
+        endpoint && !endpoint->needsKey && monitor.advisor().provider.state().openAIKeySaved;
+    return isKeySent ? u"The saved key is sent to %1 as its key. "_s.arg(
+                           dashboard_text::text(endpoint->service)) +
+                           made
+                     : made;
+}
+
+}  // namespace
 
 std::vector<Observable*> confirmationSources(SystemMonitor& monitor) {
     Advisor& advisor = monitor.advisor();
@@ -30,9 +46,9 @@ ConfirmationDetails confirmationDetails(SystemMonitor& monitor,
                                         const ConfirmationRequest& request) {
     if (request.kind == Provider::confirmationKind) {
         return {.name = u"What Is Sent"_s,
-                .description = u"Shows all that would leave this machine, below"_s,
+                .description = u"Shows the whole text that would be sent, below"_s,
                 .text = advisorPayload(monitor),
-                .note = u"The report is made anew when it is sent."_s,
+                .note = advisorNote(monitor),
                 .followState = true};
     }
     // No file is moved that was not shown, so these are shown at once.

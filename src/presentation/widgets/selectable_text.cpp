@@ -77,8 +77,13 @@ void SelectableText::showText(const QString& text) {
     text_ = text;
     heights_.clear();
     setPlainText(text);
-    setSpokenName(*this, text);
+    setSpokenName(*this, shortName_.isEmpty() ? text : shortName_);
     updateGeometry();
+}
+
+void SelectableText::setShortName(const QString& name) {
+    shortName_ = name;
+    setSpokenName(*this, name);
 }
 
 void SelectableText::followText(const QString& text) {

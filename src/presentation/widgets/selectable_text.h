@@ -30,6 +30,9 @@ public:
     /// As `showText`, but does nothing while the text has the focus or a selection, so that what is
     /// being read or copied does not change. To be called again and again.
     void followText(const QString& text);
+    /// What assistive technology calls it, in place of the text itself, which it then reads as any
+    /// other text.
+    void setShortName(const QString& name);
     const QString& shownText() const { return text_; }
 
     QSize sizeHint() const override;
@@ -54,6 +57,7 @@ private:
 
     Look look_;
     QString text_;
+    QString shortName_;
     mutable std::map<int, int> heights_;  ///< by width, of the present text and font
 };
 

@@ -189,9 +189,8 @@ void AdvisorPage::showGuidance() {
     const Provider& provider = monitor_.advisor().provider;
     const Settings& settings = monitor_.settings();
     guidance_->payload().setHasSample(monitor_.sample().snapshot().has_value());
-    if (guidance_->payload().isShown()) {
-        guidance_->payload().show(advisorPayload(monitor_));
-    }
+    guidance_->payload().follow([this] { return advisorPayload(monitor_); },
+                                settings.aiRedactProcessDetails);
     const std::string service = provider.serviceName();
     guidance_->show({.connection = advisor_lines::connectionState(
                          provider.isConnected(), !service.empty(),

@@ -89,8 +89,11 @@ void RuleDraftsCard::show(const std::vector<AIRuleDraft>& drafts) {
     while (rows_.size() < lines.size()) {
         const std::size_t index = rows_.size();
         auto* row = new DraftRow(u"ai.draft-%1"_s.arg(index + 1), this);
-        connect(row, &DraftRow::toggled, this,
-                [this, index] { emit toggleWanted(shown_.at(index).id); });
+        connect(row, &DraftRow::toggled, this, [this, index] {
+            if (index < shown_.size()) {
+                emit toggleWanted(shown_[index].id);
+            }
+        });
         contentLayout()->addWidget(row);
         rows_.push_back(row);
     }

@@ -108,12 +108,18 @@ SuggestionsCard::SuggestionsCard(QWidget* parent) : Card(parent) {
     for (std::size_t i = 0; i < maximumSuggestions; ++i) {
         auto* row = new SuggestionRow(u"ai.suggestion-%1"_s.arg(i + 1), this);
         connect(row, &SuggestionRow::approveWanted, this,
-                [this, i] { emit approveWanted(shown_.at(i).id); });
+                [this, i] { withShown(i, &SuggestionsCard::approveWanted); });
         connect(row, &SuggestionRow::runWanted, this,
-                [this, i] { emit runWanted(shown_.at(i).id); });
+                [this, i] { withShown(i, &SuggestionsCard::runWanted); });
         row->hide();
         contentLayout()->addWidget(row);
         rows_.push_back(row);
+    }
+}
+
+void SuggestionsCard::withShown(std::size_t row, void (SuggestionsCard::*wanted)(const UUID&)) {
+    if (row < shown_.size()) {
+        emit(this->*wanted)(shown_[row].id);
     }
 }
 

@@ -68,6 +68,8 @@ signals:
 
 private:
     QWidget* makeButtons();
+    /// Emits `wanted` for what the row shows, if it still shows anything.
+    void withShown(std::size_t row, void (SuggestionsCard::*wanted)(const UUID&));
 
     RefusalLine* refusal_ = nullptr;
     ElidedLabel* empty_ = nullptr;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <utility>
 
 #include <QHBoxLayout>
 #include <QScrollBar>
@@ -41,6 +42,8 @@ constexpr int wide = 840;
 /// In a lower page, the workspace bar is scrolled with the conversation.
 constexpr int low = 400;
 constexpr std::chrono::seconds oneSecond{1};
+/// What would be sent is long, so it is not made for each typed character.
+constexpr std::chrono::milliseconds pauseInTyping{300};
 
 QVBoxLayout* makeSlot(int rightMargin = 0) {
     auto* slot = new QVBoxLayout;
@@ -56,7 +59,11 @@ ConversationMessage bubbleOf(const chat_lines::ChatLine& line) {
 }  // namespace
 
 ChatPage::ChatPage(SystemMonitor& monitor, WindowState& state, QWidget* parent)
-    : Screen(parent), monitor_(monitor), state_(state), seconds_(new QTimer(this)) {
+    : Screen(parent),
+      monitor_(monitor),
+      state_(state),
+      seconds_(new QTimer(this)),
+      payloadDelay_(new QTimer(this)) {
     bar_ = new WorkspaceBar(AppRoute::chat, this);
     connect(bar_, &WorkspaceBar::routeWanted, this,
             [this](AppRoute route) { state_.navigation.setSelectedRoute(route); });
@@ -170,6 +177,10 @@ void ChatPage::makePayload() {
             area_->verticalScrollBar()->setValue(payload_->y());
         }
     });
+    payloadDelay_->setObjectName(u"chat.payload.delay"_s);
+    payloadDelay_->setSingleShot(true);
+    payloadDelay_->setInterval(pauseInTyping);
+    connect(payloadDelay_, &QTimer::timeout, this, &ChatPage::followPayload);
 }
 
 void ChatPage::makePanel() {
@@ -252,8 +263,10 @@ void ChatPage::refresh() {
     composer_->show(QString::fromStdString(state.aiChatInput), state.aiChatBusy);
     showMessages();
     payload_->setHasSample(monitor_.sample().snapshot().has_value());
-    if (payload_->isShown()) {
-        payload_->show(chatPayload(monitor_));
+    if (std::exchange(payloadInput_, state.aiChatInput) != state.aiChatInput) {
+        payloadDelay_->start();
+    } else {
+        followPayload();
     }
     thinking_->setVisible(state.aiChatBusy);
     if (state.aiChatBusy) {
@@ -265,6 +278,11 @@ void ChatPage::refresh() {
         seconds_->stop();
     }
     isReading_ = true;
+}
+
+void ChatPage::followPayload() {
+    payload_->follow([this] { return chatPayload(monitor_); },
+                     monitor_.settings().aiRedactProcessDetails);
 }
 
 void ChatPage::showMessages() {
@@ -323,6 +341,7 @@ void ChatPage::keepPlace() {
 void ChatPage::hideEvent(QHideEvent* event) {
     Screen::hideEvent(event);
     seconds_->stop();
+    payloadDelay_->stop();
     isReading_ = false;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "core/uuid.h"
@@ -50,6 +51,7 @@ private:
     void send();
     /// Scrolls to the end, and again whenever it moves.
     void followEnd();
+    void followPayload();
     void showMessages();
     void showThinking();
     bool isAtEnd() const;
@@ -67,13 +69,15 @@ private:
     PayloadPreview* payload_ = nullptr;
     ConversationView* conversation_ = nullptr;
     ElidedLabel* thinking_ = nullptr;
-    QTimer* seconds_ = nullptr;      ///< runs while an answer is awaited in view
-    QVBoxLayout* above_ = nullptr;   ///< room for the bar above what is scrolled
-    QVBoxLayout* beside_ = nullptr;  ///< and for the panel beside it
-    QVBoxLayout* within_ = nullptr;  ///< and for both in it
-    std::vector<UUID> shown_;        ///< the messages in the conversation
-    bool followsEnd_ = false;        ///< a new message scrolls the end into view
-    bool isReading_ = false;         ///< shown since the last refresh, so that arrivals are news
+    QTimer* seconds_ = nullptr;       ///< runs while an answer is awaited in view
+    QTimer* payloadDelay_ = nullptr;  ///< runs while a question is being typed
+    std::string payloadInput_;        ///< the question at the last refresh
+    QVBoxLayout* above_ = nullptr;    ///< room for the bar above what is scrolled
+    QVBoxLayout* beside_ = nullptr;   ///< and for the panel beside it
+    QVBoxLayout* within_ = nullptr;   ///< and for both in it
+    std::vector<UUID> shown_;         ///< the messages in the conversation
+    bool followsEnd_ = false;         ///< a new message scrolls the end into view
+    bool isReading_ = false;          ///< shown since the last refresh, so that arrivals are news
 };
 
 }  // namespace tallowcrest

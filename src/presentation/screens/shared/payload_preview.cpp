@@ -24,13 +24,14 @@ PayloadPreview::PayloadPreview(const QString& prefix, QWidget* parent) : QWidget
     refusal_ = new RefusalLine(prefix + u".payload.refusal"_s, this);
     layout->addWidget(refusal_);
     text_ = new SelectableText(prefix + u".payload"_s, this);
+    text_->setShortName(u"Payload"_s);
     text_->hide();
     layout->addWidget(text_);
     buttons_ = {makeButton(u"Preview Payload"_s, u"doc.text.magnifyingglass"_s,
                            prefix + u".preview-payload"_s,
                            u"Puts the report that would be sent on the clipboard"_s, this),
                 makeButton(u"Show Payload"_s, QString(), prefix + u".show-payload"_s,
-                           u"Shows everything that would be sent"_s, this)};
+                           u"Shows the whole text that would be sent"_s, this)};
     connect(buttons_[0], &QPushButton::clicked, this, &PayloadPreview::copyWanted);
     connect(buttons_[1], &QPushButton::clicked, this, &PayloadPreview::toggled);
 }
@@ -48,6 +49,19 @@ bool PayloadPreview::isShown() const {
 
 void PayloadPreview::showRefusal(const QString& words) {
     refusal_->setText(words);
+}
+
+void PayloadPreview::follow(const std::function<QString()>& payload, bool isRedacted) {
+    const bool wasRedacted = std::exchange(isRedacted_, isRedacted);
+    if (!isShown()) {
+        return;
+    }
+    if (isRedacted != wasRedacted) {
+        // The old text would mislead about what is sent.
+        text_->showText(payload());
+    } else {
+        text_->followText(payload());
+    }
 }
 
 void PayloadPreview::setHasSample(bool hasSample) {

@@ -32,6 +32,9 @@ public:
     /// Shows what would be sent, or removes it again when the text is empty.
     void show(const QString& payload);
     bool isShown() const;
+    /// Brings a shown text up to date, unless it is being read or selected; a change of what is
+    /// redacted is always shown.
+    void follow(const std::function<QString()>& payload, bool isRedacted);
     /// Shows why there is nothing to copy or to show; an empty text removes that.
     void showRefusal(const QString& words);
     /// Whether there is a sample to make the text of. The first one removes a refusal.
@@ -48,6 +51,7 @@ private:
     RefusalLine* refusal_ = nullptr;
     SelectableText* text_ = nullptr;
     bool hasSample_ = false;
+    bool isRedacted_ = false;
 };
 
 /// Copies the report and shows what `payload()` returns, which is empty when there is nothing yet,

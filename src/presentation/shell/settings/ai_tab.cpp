@@ -65,6 +65,11 @@ QWidget* AITab::makeIntelligence() {
         new StoredField(u"Endpoint"_s, u"https://…"_s, u"settings.ai-endpoint"_s,
                         u"The address of another server to ask; OpenAI's when it is empty"_s, card);
     card->contentLayout()->addWidget(endpoint_);
+    auto* keyLine = new ElidedLabel(u"A saved key is sent to this server as its key."_s,
+                                    onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
+    keyLine->setObjectName(u"settings.ai-endpoint.line"_s);
+    keyLine->setLines(1, 2);
+    card->contentLayout()->addWidget(keyLine);
     return card;
 }
 
@@ -104,8 +109,10 @@ QWidget* AITab::makeKey(QWidget* card) {
                 showKeyRefusal({});
                 emit keyEdited(first, removed, inserted);
             });
-    connect(key_, &SecretField::overfilled, this,
-            [this] { showKeyRefusal(u"That is too long for a key. Nothing was put in."_s); });
+    connect(key_, &SecretField::overfilled, this, [this] {
+        showKeyRefusal(
+            u"That does not look like an OpenAI API key. It is too long, and nothing was put in."_s);
+    });
     return part;
 }
 

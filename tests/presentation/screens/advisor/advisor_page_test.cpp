@@ -282,6 +282,42 @@ TEST_F(AdvisorPageTest, AShownPayloadFollowsTheState) {
     EXPECT_EQ(after.toStdString(), fakes.http->sent[0].prompt());
 }
 
+TEST_F(AdvisorPageTest, AShownPayloadStaysWhileItIsReadOrSelected) {
+    showConnected();
+    click("ai.show-payload");
+    auto* text = visible<SelectableText>("ai.payload");
+    EXPECT_EQ(text->accessibleName(), u"Payload"_s);
+    text->setFocus();
+    const QString before = text->shownText();
+    machine.metrics->memory.pressure = 97.0;
+    tick();
+    EXPECT_EQ(text->shownText(), before);
+    text->selectAll();
+    visible("ai.show-payload")->setFocus();
+    tick();
+    EXPECT_TRUE(text->textCursor().hasSelection());
+    EXPECT_EQ(text->shownText(), before);
+    advisor().provider.setAIRedactProcessDetails(false);
+    settle();
+    EXPECT_NE(text->shownText(), before) << "it would show less than is sent";
+    const QString full = text->shownText();
+    machine.metrics->memory.pressure = 98.0;
+    tick();
+    EXPECT_NE(text->shownText(), full);
+}
+
+TEST_F(AdvisorPageTest, TheQuestionAboutAnotherServerSaysThatItGetsTheKey) {
+    showConnected(true);
+    advisor().provider.setAIEndpoint("http://localhost:8080");
+    click("ai.analyze");
+    click("confirmation.details");
+    EXPECT_EQ(textOf("confirmation.details.note"),
+              u"The saved key is sent to localhost:8080 as its key. The report is made anew when "
+              "it is sent."_s);
+    machine.monitor().confirmations().cancelPending();
+    settle();
+}
+
 TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
     showConnected(true);
     click("ai.analyze");

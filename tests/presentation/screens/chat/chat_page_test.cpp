@@ -17,6 +17,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 class ChatPageTest : public ChatFixture {};
@@ -83,6 +84,10 @@ TEST_F(ChatPageTest, WhatIsSentCanBeReadBefore) {
     EXPECT_THAT(shown(), HasSubstr("User question:\nWhy?\n"));
     // It follows what is typed and the choice of what is sent.
     type(" And since when?");
+    EXPECT_THAT(shown(), Not(HasSubstr("since when"))) << "more may be typed";
+    window().findChild<QTimer*>(u"chat.payload.delay"_s)->start(0);
+    settle();
+    EXPECT_THAT(shown(), HasSubstr("User question:\nWhy? And since when?\n"));
     machine.monitor().settingsOwner().set(&Settings::aiRedactProcessDetails, false);
     settle();
     const std::string before = shown();

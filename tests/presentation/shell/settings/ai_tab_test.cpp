@@ -111,8 +111,9 @@ TEST_F(AITabTest, AKeyThatIsTooLongIsNotTakenOver) {
     type("sk-");
     key().insert(QString(10'000, u'k'));
     EXPECT_EQ(typed, "sk-");
-    EXPECT_EQ(textOf("settings.ai-key.refusal"),
-              u"That is too long for a key. Nothing was put in."_s);
+    EXPECT_EQ(
+        textOf("settings.ai-key.refusal"),
+        u"That does not look like an OpenAI API key. It is too long, and nothing was put in."_s);
 }
 
 TEST_F(AITabTest, TheKeyIsRemoved) {

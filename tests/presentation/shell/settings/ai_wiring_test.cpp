@@ -173,6 +173,8 @@ TEST_F(AIWiringTest, AnEndpointIsStoredOrRefusedInPlace) {
               u"An endpoint is an https address, or http on this machine alone, without a user "
               "name or a query."_s);
     EXPECT_EQ(settings().aiEndpoint, "");
+    EXPECT_EQ(textOf("settings.ai-endpoint.line"),
+              u"A saved key is sent to this server as its key."_s);
     enter("settings.ai-endpoint", u" http://localhost:8080 "_s);
     EXPECT_EQ(textOf("settings.ai-endpoint.refusal"), u"(not shown)"_s);
     EXPECT_EQ(stored(settings_keys::aiEndpointKey),
