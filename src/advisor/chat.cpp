@@ -172,9 +172,13 @@ std::optional<std::string> Chat::aiPayload() const {
     return chatPrompt(recentChat(messages), question, *report);
 }
 
-Outcome Chat::clearChat() {
+void Chat::forgetMessages() {
     messages_.change([](std::vector<AIChatMessage>& messages) { messages.clear(); });
     observable_->changed();
+}
+
+Outcome Chat::clearChat() {
+    forgetMessages();
     return record("Cleared Tallowcrest Chat.");
 }
 

@@ -69,6 +69,8 @@ public:
 
     /// Removes all messages; no welcome comes back. An answer that is under way still comes.
     Outcome clearChat();
+    /// Removes all messages without an event.
+    void forgetMessages();
 
     /// Notifies of a changed state and of new and removed messages.
     Observable& observable() { return *observable_; }

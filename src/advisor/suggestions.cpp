@@ -109,6 +109,9 @@ Outcome Suggestions::runApprovedSuggestions() {
 }
 
 void Suggestions::applyAdvisorAutonomy() {
+    if (onlyProposes_) {
+        return;
+    }
     const AIAutonomyMode mode = dependencies_.services.settings.values().aiAutonomyMode;
     const std::vector<AIActionSuggestion> approved =
         autoApproved(mode, aiActions_, dependencies_.trust.aiTrustRecords());
@@ -128,6 +131,9 @@ void Suggestions::applyAdvisorAutonomy() {
 }
 
 void Suggestions::runFirstSafeSuggestion() {
+    if (onlyProposes_) {
+        return;
+    }
     const auto suggestion = firstSafeSuggestion(aiActions_);
     if (!suggestion) {
         dependencies_.services.log.recordEvent(

@@ -58,6 +58,9 @@ public:
     /// Runs all approved suggestions that can run, in order. They remain approved.
     Outcome runApprovedSuggestions();
 
+    /// From now on nothing is approved or run but by the owner, whatever the settings say.
+    void onlyPropose() { onlyProposes_ = true; }
+
     /// Approves what experience has earned, and lets the autopilot run at most two of those.
     void applyAdvisorAutonomy();
 
@@ -77,6 +80,7 @@ private:
     std::unique_ptr<Observable> observable_;
     std::vector<AIActionSuggestion> aiActions_;
     std::set<UUID> approvedAIActionIDs_;
+    bool onlyProposes_ = false;
 };
 
 }  // namespace tallowcrest

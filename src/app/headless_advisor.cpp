@@ -5,7 +5,6 @@
 #include "advisor/advisor.h"
 #include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
-#include "core/settings/settings_owner.h"
 #include "monitor/system_monitor.h"
 
 namespace tallowcrest {
@@ -24,7 +23,7 @@ Outcome HeadlessAdvisor::begin(const std::optional<std::string>& question, bool 
     }
     Chat& chat = monitor_.advisor().chat;
     // What the owner has asked in the window is no part of this question.
-    chat.clearChat();
+    chat.forgetMessages();
     const Outcome outcome = chat.askQuickQuestion(*question);
     if (outcome.kind == Outcome::Kind::refused && chat.aiChatMessages().empty()) {
         return outcome;
@@ -34,11 +33,8 @@ Outcome HeadlessAdvisor::begin(const std::optional<std::string>& question, bool 
 }
 
 Outcome HeadlessAdvisor::analyze(bool mayBeSent) {
-    // The option only reads, whatever the owner allows in the window. These settings are not
-    // stored.
-    SettingsOwner& settings = monitor_.settingsOwner();
-    settings.set(&Settings::aiSafeActionsEnabled, false);
-    settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::apprentice);
+    // The option only reads, whatever the owner allows in the window.
+    monitor_.advisor().suggestions.onlyPropose();
     Provider& provider = monitor_.advisor().provider;
     ConfirmationDesk& desk = monitor_.confirmations();
     provider.requestAIAnalysis();

@@ -7,8 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "actions/actions.h"
+#include "actions/review_target.h"
 #include "advisor/advisor.h"
+#include "advisor/autonomy.h"
+#include "core/record_json.h"
 #include "core/settings/settings_owner.h"
+#include "core/settings/stored_lists.h"
 #include "monitor/system_monitor.h"
 #include "tests/support/fake_advisor_ports.h"
 #include "tests/support/fake_machine.h"
@@ -130,10 +135,19 @@ TEST_F(HeadlessAdvisorTest, NothingThatAnAnalysisProposesIsRun) {
     machine.advisor = ports.ports();
     machine.store.write(settings_keys::aiSafeActionsKey, true);
     machine.store.write(settings_keys::aiAutonomyModeKey, std::string("autopilot"));
+    TrustRecords trusted;
+    for (const std::string type : {"export_diagnostics", "select_top", "scan_remote"}) {
+        trusted[type] = {type, 4, 4, 0, {}};
+    }
+    machine.store.write(stored::trustRecords.key, JSONData{record_json::encode(trusted).value()});
     EXPECT_THAT(answersTo(std::nullopt), ElementsAre("Do this."));
     EXPECT_THAT(machine.monitor().advisor().suggestions.aiActions(), SizeIs(3));
     EXPECT_THAT(machine.monitor().advisor().suggestions.approvedAIActionIDs(), IsEmpty());
     EXPECT_TRUE(machine.reportFolder->written.empty());
+    EXPECT_EQ(machine.monitor().actions().review.selectedPID(), std::nullopt);
+    ASSERT_THAT(ports.http->sent, SizeIs(1));
+    EXPECT_THAT(ports.http->sent[0].prompt(), HasSubstr("Autopilot"))
+        << "the provider reads the settings as they are";
 }
 
 }  // namespace
