@@ -9,27 +9,6 @@
 #include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
-namespace {
-
-/// Passes on enough reports for a smooth bar: a fast download has a hundred thousand pieces.
-class ReportPace {
-public:
-    bool isDue(const DownloadProgress& progress) {
-        constexpr std::uint64_t leastStep = 64UL * 1024;
-        constexpr std::uint64_t steps = 500;
-        if (progress.received < next_ && progress.received != progress.total) {
-            return false;
-        }
-        next_ = progress.received + std::max(leastStep, progress.total.value_or(0) / steps);
-        return true;
-    }
-
-private:
-    std::uint64_t next_ = 0;
-};
-
-}  // namespace
-
 ProUpdater::ProUpdater(const Services& services, UpdatePorts ports)
     : settings_(services.settings),
       clock_(services.clock),
@@ -145,14 +124,7 @@ void ProUpdater::download(const Release& release) {
          ending = ports_.build.imageEnding,
          canceled = downloading_.stopToken()](const Stop& stop, const auto& report) {
             const EitherStop either(stop.stopToken(), canceled);
-            return downloadImage(
-                *transport, *images, release, ending,
-                [&report, pace = ReportPace()](const DownloadProgress& progress) mutable {
-                    if (pace.isDue(progress)) {
-                        report(progress);
-                    }
-                },
-                either.token());
+            return downloadImage(*transport, *images, release, ending, report, either.token());
         },
         [this](const DownloadProgress& progress) {
             state_.download->progress = progress;

@@ -135,8 +135,8 @@ public:
 
     /// The same for `work(const Stop&, report)`, which may call `report(progress)` as often as it
     /// likes; `onProgress(progress)` is called on the main thread with the latest value, at most
-    /// once per turn of it and per `Jobs::progressDistance`, and never after `then`. The first and
-    /// the last value always come. It is destroyed with `then`.
+    /// once per turn of it and per `Jobs::progressDistance`, and never after `then`. No value is
+    /// kept back for longer than that. It is destroyed with `then`.
     template <class Progress, class Work, class OnProgress, class Then>
     void runWithProgress(Lane lane, Work work, OnProgress onProgress, Then then) {
         auto observer = std::make_shared<OnProgress>(std::move(onProgress));
@@ -198,38 +198,58 @@ private:
             : mainQueue_(jobs.mainQueue_), now_(jobs.now_), onProgress_(std::move(function)) {}
 
         void report(Progress value) {
-            std::unique_lock guard(lock_);
-            latest_ = std::move(value);
-            const auto now = now_();
-            if (now >= next_) {
-                next_ = now + Jobs::progressDistance;
-                tell(guard);
+            {
+                const std::lock_guard guard(lock_);
+                latest_ = std::move(value);
+                if (std::exchange(isQueued_, true)) {
+                    return;
+                }
             }
+            mainQueue_.post([self = this->shared_from_this()] { self->tellWhenDue(); });
         }
 
         /// No value follows. Tells the last one, before the result of the work.
         void end() {
-            std::unique_lock guard(lock_);
-            if (latest_) {
-                tell(guard);
-            }
+            mainQueue_.post([self = this->shared_from_this()] {
+                self->wait_.reset();
+                self->tell(self->now_());
+            });
         }
 
     private:
-        void tell(std::unique_lock<std::mutex>& guard) {
-            if (std::exchange(isQueued_, true)) {
+        // Main thread.
+
+        void tellWhenDue() {
+            const auto now = now_();
+            if (now >= next_) {
+                tell(now);
                 return;
             }
-            guard.unlock();
-            mainQueue_.post([self = this->shared_from_this()] {
-                std::unique_lock selfGuard(self->lock_);
-                self->isQueued_ = false;
-                const std::optional<Progress> taken = std::exchange(self->latest_, std::nullopt);
-                selfGuard.unlock();
-                if (const auto function = self->onProgress_.lock()) {
-                    (*function)(*taken);
+            const auto rest = std::chrono::ceil<std::chrono::milliseconds>(next_ - now);
+            wait_ = mainQueue_.scheduleRepeating(rest, [weak = this->weak_from_this()] {
+                if (const auto self = weak.lock()) {
+                    // Not from within its own call, which it would destroy.
+                    self->mainQueue_.post([self] {
+                        if (std::exchange(self->wait_, nullptr)) {
+                            self->tell(self->now_());
+                        }
+                    });
                 }
             });
+        }
+
+        void tell(std::chrono::steady_clock::time_point now) {
+            std::unique_lock guard(lock_);
+            isQueued_ = false;
+            std::optional<Progress> taken = std::exchange(latest_, std::nullopt);
+            guard.unlock();
+            if (!taken) {
+                return;
+            }
+            next_ = now + Jobs::progressDistance;
+            if (const auto function = onProgress_.lock()) {
+                (*function)(*std::move(taken));
+            }
         }
 
         MainQueue& mainQueue_;
@@ -238,7 +258,9 @@ private:
         std::mutex lock_;
         std::optional<Progress> latest_;  ///< what has not been told yet
         bool isQueued_ = false;
+        // Main thread.
         std::chrono::steady_clock::time_point next_ = {};
+        std::unique_ptr<RepeatingTimer> wait_;  ///< until `next_`; null when no value waits
     };
 
     Stop stop() { return {stop_.get_token(), jobs_.changes_}; }

@@ -1,6 +1,5 @@
 #include "core/jobs/jobs.h"
 
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +16,6 @@
 namespace tallowcrest {
 namespace {
 
-using namespace std::chrono_literals;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -32,8 +30,7 @@ protected:
 
     ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
-    std::chrono::steady_clock::time_point steadyNow = {};
-    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow; }};
+    Jobs jobs{mainQueue, workQueue};
     std::optional<JobScope> scope{std::in_place, jobs};
 };
 
@@ -245,71 +242,6 @@ TEST_F(JobsTest, AChangeToTheDiskMayBeginForAScopeThatIsGone) {
         [] {});
     finishWork();
     EXPECT_TRUE(begun);
-}
-
-// Progress ---------------------------------------------------------------------------------------
-
-TEST_F(JobsTest, ProgressIsToldOncePerTurnWithTheLatestValue) {
-    std::vector<std::string> told;
-    const auto onProgress = [&](int value) { told.push_back(std::to_string(value)); };
-    scope->runWithProgress<int>(
-        Lane::actions,
-        [&](const Stop&, const auto& report) {
-            report(1);
-            report(2);
-            EXPECT_EQ(mainQueue.pendingCount(), 1U);
-            mainQueue.turn();
-            EXPECT_THAT(told, ElementsAre("2"));
-            report(3);
-            report(4);
-            return 5;
-        },
-        onProgress, [&](int result) { told.push_back("then " + std::to_string(result)); });
-    finishWork();
-    EXPECT_THAT(told, ElementsAre("2", "4", "then 5"));
-}
-
-TEST_F(JobsTest, ProgressIsPacedAndTheLastValueIsToldBeforeTheResult) {
-    std::vector<int> told;
-    scope->runWithProgress<int>(
-        Lane::actions,
-        [&](const Stop&, const auto& tell) {
-            int value = 0;
-            for (const auto after : {0ms, 99ms, 1ms, 50ms, 100ms, 99ms}) {
-                steadyNow += after;
-                tell(++value);
-                mainQueue.drain();
-            }
-            return ++value;
-        },
-        [&](int value) { told.push_back(value); }, [&](int result) { told.push_back(result); });
-    finishWork();
-    EXPECT_THAT(told, ElementsAre(1, 3, 5, 6, 7));
-}
-
-TEST_F(JobsTest, WorkThatReportsNothingTellsNoProgress) {
-    std::vector<std::string> told;
-    scope->runWithProgress<int>(
-        Lane::actions, [](const Stop&, const auto&) {}, [&](int) { told.emplace_back("progress"); },
-        [&] { told.emplace_back("then"); });
-    finishWork();
-    EXPECT_THAT(told, ElementsAre("then"));
-}
-
-TEST_F(JobsTest, NoProgressReachesAScopeThatIsGone) {
-    int told = 0;
-    scope->runWithProgress<int>(
-        Lane::actions,
-        [&](const Stop&, const auto& report) {
-            report(1);
-            scope.reset();
-            report(2);
-            mainQueue.turn();
-            report(3);
-        },
-        [&](int) { ++told; }, [&] { ++told; });
-    finishWork();
-    EXPECT_EQ(told, 0);
 }
 
 // The main thread --------------------------------------------------------------------------------
