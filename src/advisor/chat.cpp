@@ -166,10 +166,10 @@ std::optional<std::string> Chat::aiPayload() const {
         return std::nullopt;
     }
     const std::string question(trimmingWhiteSpace(state_.aiChatInput));
-    std::vector<AIChatMessage> messages = *messages_;
+    std::vector<AIChatMessage> recent = recentChat(*messages_);
     // The question would be the last of the messages by then.
-    messages.push_back({.id = {}, .role = ownerRole, .text = question, .date = {}});
-    return chatPrompt(recentChat(messages), question, *report);
+    recent.push_back({.id = {}, .role = ownerRole, .text = question, .date = {}});
+    return chatPrompt(recentChat(recent), question, *report);
 }
 
 void Chat::forgetMessages() {

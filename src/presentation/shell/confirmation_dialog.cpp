@@ -163,8 +163,16 @@ void ConfirmationDialog::refresh() {
 
 void ConfirmationDialog::followState() {
     const std::optional<ConfirmationRequest>& pending = desk_.pendingConfirmation();
-    if (detailsFollowState_ && pending && !detailsArea_->isHidden()) {
-        details_->followText(detailsOf_(*pending).text);
+    if (!detailsFollowState_ || !pending || detailsArea_->isHidden()) {
+        return;
+    }
+    const ConfirmationDetails details = detailsOf_(*pending);
+    if (details.note != detailsNote_->text()) {
+        detailsNote_->setText(details.note);
+        fit();
+    }
+    if (!details_->isBeingRead()) {
+        details_->showText(details.text);
     }
 }
 
@@ -180,8 +188,8 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     detailsName_ = details.name;
     detailsFollowState_ = details.followState;
     detailsNote_->setText(details.note);
-    details_->showText(details.text);
     details_->setShortName(details.name);
+    details_->showText(details.text);
     setSpokenDescription(*detailsToggle_, details.description);
     detailsToggle_->setToolTip(details.description);
     const int wanted = details_->heightForWidth(dialogWidth - 2 * spacing::pagePadding);

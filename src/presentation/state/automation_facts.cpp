@@ -34,9 +34,7 @@ DiskAutopilotFacts diskAutopilotFacts(SystemMonitor& monitor) {
             .trust = diskTrust(monitor.advisor().trust),
             .receipt = latestReceipt(monitor.log().activityLog()),
             .autopilot = monitor.disk().autopilot.state(),
-            .storage = monitor.disk().storage.state(),
-            .remainderName = monitor.disk().storage.remainderName(),
-            .volumes = monitor.disk().storage.volumes()};
+            .storage = monitor.disk().storage.state()};
 }
 
 }  // namespace tallowcrest

@@ -29,8 +29,6 @@ struct DiskAutopilotFacts {
     const ActivityEvent* receipt;  ///< the latest of a clean-up; null without one
     const DiskAutopilotState& autopilot;
     const StorageScanState& storage;
-    std::string remainderName;  ///< `StorageScan::remainderName`
-    std::string_view volumes;   ///< `StorageScan::volumes`
 };
 
 /// Changes with the monitor's settings, sample, automation, trust, log and disk. Main thread.

@@ -86,10 +86,8 @@ void SelectableText::setShortName(const QString& name) {
     setSpokenName(*this, name);
 }
 
-void SelectableText::followText(const QString& text) {
-    if (!hasFocus() && !textCursor().hasSelection()) {
-        showText(text);
-    }
+bool SelectableText::isBeingRead() const {
+    return hasFocus() || textCursor().hasSelection();
 }
 
 QSize SelectableText::sizeHint() const {

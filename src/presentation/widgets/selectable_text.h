@@ -27,9 +27,9 @@ public:
     /// Plain text: markup is shown as it is, and line feeds end lines. The same text changes
     /// nothing, so that a selection stays.
     void showText(const QString& text);
-    /// As `showText`, but does nothing while the text has the focus or a selection, so that what is
-    /// being read or copied does not change. To be called again and again.
-    void followText(const QString& text);
+    /// Whether it has the focus or a selection, so that another text would disturb who reads or
+    /// copies it.
+    bool isBeingRead() const;
     /// What assistive technology calls it, in place of the text itself, which it then reads as any
     /// other text.
     void setShortName(const QString& name);

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "presentation/screens/shared/list_rows.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
@@ -85,8 +86,7 @@ void RuleDraftsCard::show(const std::vector<AIRuleDraft>& drafts) {
         return;
     }
     shown_ = drafts;
-    const std::vector<advisor_lines::DraftLine> lines = advisor_lines::draftLines(drafts);
-    while (rows_.size() < lines.size()) {
+    showLines(rows_, advisor_lines::draftLines(drafts), [this] {
         const std::size_t index = rows_.size();
         auto* row = new DraftRow(u"ai.draft-%1"_s.arg(index + 1), this);
         connect(row, &DraftRow::toggled, this, [this, index] {
@@ -96,13 +96,7 @@ void RuleDraftsCard::show(const std::vector<AIRuleDraft>& drafts) {
         });
         contentLayout()->addWidget(row);
         rows_.push_back(row);
-    }
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (i < lines.size()) {
-            rows_[i]->setLine(lines[i]);
-        }
-        rows_[i]->setVisible(i < lines.size());
-    }
+    });
 }
 
 void RuleDraftsCard::setBusy(bool isBusy) {

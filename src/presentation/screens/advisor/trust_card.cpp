@@ -5,6 +5,7 @@
 
 #include "presentation/screens/shared/autonomy_picker.h"
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/screens/shared/list_rows.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/danger_button.h"
 #include "presentation/widgets/elided_label.h"
@@ -90,18 +91,11 @@ void TrustCard::show(const TrustRecords& records) {
         return;
     }
     shown_ = records;
-    const std::vector<advisor_lines::TrustLine> lines = advisor_lines::trustLines(records);
-    while (rows_.size() < lines.size()) {
+    showLines(rows_, advisor_lines::trustLines(records), [this] {
         rows_.push_back(new TrustRow(this));
+        rows_.back()->setObjectName(u"ai.trust-%1"_s.arg(rows_.size()));
         list_->addWidget(rows_.back());
-    }
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (i < lines.size()) {
-            rows_[i]->setObjectName(u"ai.trust-%1"_s.arg(i + 1));
-            rows_[i]->setLine(lines[i]);
-        }
-        rows_[i]->setVisible(i < lines.size());
-    }
+    });
     empty_->setVisible(records.empty());
     const QString more = advisor_lines::moreTrust(records.size());
     more_->setText(more);

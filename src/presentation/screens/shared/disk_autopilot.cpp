@@ -4,12 +4,15 @@
 #include "disk/disk.h"
 #include "presentation/screens/shared/disk_autopilot_block.h"
 #include "presentation/state/window_state.h"
+#include "presentation/words/disk_lines.h"
 
 namespace tallowcrest {
 
 DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automation, Disk& disk,
                                       DashboardSections& sections) {
-    auto* block = new DiskAutopilotBlock(page, disk.storage.canReveal());
+    auto* block =
+        new DiskAutopilotBlock(page, disk.storage.canReveal(),
+                               remainderNote(disk.storage.remainderName(), disk.storage.volumes()));
     QObject::connect(
         block, &DiskAutopilotBlock::collapseWanted, block,
         [block, &sections](bool collapsed) { sections.setCollapsed(block->section(), collapsed); });

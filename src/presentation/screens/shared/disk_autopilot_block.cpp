@@ -24,7 +24,8 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-DiskAutopilotBlock::DiskAutopilotBlock(const QString& page, bool canReveal)
+DiskAutopilotBlock::DiskAutopilotBlock(const QString& page, bool canReveal,
+                                       const QString& remainderNote)
     : OverviewBlock(DashboardSection::autoRules, page + u".disk-autopilot"_s, u"internaldrive"_s,
                     u"Disk Autopilot"_s) {
     space_ = new BarList(u"Home volume"_s, 1, u"000% used"_s, body());
@@ -55,7 +56,7 @@ DiskAutopilotBlock::DiskAutopilotBlock(const QString& page, bool canReveal)
     connect(stop_, &EmergencyStopControls::stopWanted, this, &DiskAutopilotBlock::stopWanted);
     connect(stop_, &EmergencyStopControls::resumeWanted, this, &DiskAutopilotBlock::resumeWanted);
     bodyLayout()->addWidget(stop_);
-    areas_ = new StorageAreasList(page + u".storage-area"_s, canReveal, body());
+    areas_ = new StorageAreasList(page + u".storage-area"_s, canReveal, remainderNote, body());
     areas_->setPrevious(stop_->lastControl());
     connect(areas_, &StorageAreasList::revealWanted, this, &DiskAutopilotBlock::revealWanted);
     bodyLayout()->addWidget(areas_);
@@ -88,8 +89,7 @@ void DiskAutopilotBlock::makeActions(const QString& page) {
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
-    const auto& [snapshot, settings, status, caches, trust, receipt, autopilot, storage,
-                 remainderName, volumes] = facts;
+    const auto& [snapshot, settings, status, caches, trust, receipt, autopilot, storage] = facts;
     const bool isLow = snapshot && isSpaceLow(snapshot->disk, settings);
     // A collapsed section still shows what needs attention.
     header()->setNote(isCollapsed() && isLow ? u"Low"_s : QString(), &CrestTheme::caution);
@@ -110,7 +110,7 @@ void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
     rule_->setText(diskRule(settings, caches));
     showProgress(facts);
     receipt_->show(receipt, autopilot, snapshot ? snapshot->sampledAt : Date{});
-    areas_->show(storage.diskStorageOffenders, remainderName, volumes);
+    areas_->show(storage.diskStorageOffenders);
 }
 
 void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {

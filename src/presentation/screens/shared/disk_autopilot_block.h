@@ -23,8 +23,8 @@ class DiskAutopilotBlock final : public OverviewBlock {
 
 public:
     /// The object names of the block and its parts begin with `page`. Areas have no "Reveal" unless
-    /// `canReveal`.
-    DiskAutopilotBlock(const QString& page, bool canReveal);
+    /// `canReveal`. `remainderNote` says what the remainder of a storage scan stands for.
+    DiskAutopilotBlock(const QString& page, bool canReveal, const QString& remainderNote);
 
     /// While collapsed, the header has the note "Low" when space is low.
     void show(const DiskAutopilotFacts& facts);

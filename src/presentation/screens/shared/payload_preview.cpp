@@ -53,14 +53,9 @@ void PayloadPreview::showRefusal(const QString& words) {
 
 void PayloadPreview::follow(const std::function<QString()>& payload, bool isRedacted) {
     const bool wasRedacted = std::exchange(isRedacted_, isRedacted);
-    if (!isShown()) {
-        return;
-    }
-    if (isRedacted != wasRedacted) {
-        // The old text would mislead about what is sent.
+    // After another choice the old text would mislead about what is sent.
+    if (isShown() && (isRedacted != wasRedacted || !text_->isBeingRead())) {
         text_->showText(payload());
-    } else {
-        text_->followText(payload());
     }
 }
 

@@ -60,7 +60,8 @@ QWidget* StorageAreaRow::lastControl() const {
     return reveal_;
 }
 
-StorageAreasList::StorageAreasList(const QString& identifier, bool canReveal, QWidget* parent)
+StorageAreasList::StorageAreasList(const QString& identifier, bool canReveal, const QString& note,
+                                   QWidget* parent)
     : QWidget(parent), identifier_(identifier), canReveal_(canReveal) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, spacing::unit, 0, 0);
@@ -80,7 +81,7 @@ StorageAreasList::StorageAreasList(const QString& identifier, bool canReveal, QW
         ->setText(
             u"Choose Find Offenders to rank large user storage areas. The scan is read-only and "
             "does not make those folders eligible for automatic cleanup."_s);
-    note_ = addLabel("-note", quiet, 5);
+    addLabel("-note", quiet, 5)->setText(note);
 }
 
 void StorageAreasList::addRow() {
@@ -97,9 +98,7 @@ void StorageAreasList::addRow() {
     rows_.push_back(row);
 }
 
-void StorageAreasList::show(const std::vector<DiskStorageOffender>& areas,
-                            std::string_view remainderName, std::string_view volumes) {
-    note_->setText(remainderNote(remainderName, volumes));
+void StorageAreasList::show(const std::vector<DiskStorageOffender>& areas) {
     if (areas == shown_) {
         return;
     }

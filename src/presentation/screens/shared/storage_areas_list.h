@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string_view>
 #include <vector>
 
 #include <QWidget>
@@ -46,14 +45,13 @@ class StorageAreasList final : public QWidget {
     Q_OBJECT
 
 public:
-    StorageAreasList(const QString& identifier, bool canReveal, QWidget* parent = nullptr);
+    /// `note` says what the remainder stands for.
+    StorageAreasList(const QString& identifier, bool canReveal, const QString& note,
+                     QWidget* parent = nullptr);
 
     /// The Tab key reaches the first row from `control`.
     void setPrevious(QWidget* control) { previous_ = control; }
-    /// `remainderName` is what the remainder is called, also while it is not among the areas.
-    /// `volumes` as in `DiskPlaces`.
-    void show(const std::vector<DiskStorageOffender>& areas, std::string_view remainderName,
-              std::string_view volumes);
+    void show(const std::vector<DiskStorageOffender>& areas);
 
 signals:
     /// The owner pressed "Reveal" of this area.
@@ -66,7 +64,6 @@ private:
     bool canReveal_;
     QWidget* previous_ = nullptr;
     QVBoxLayout* list_ = nullptr;
-    ElidedLabel* note_ = nullptr;
     std::vector<StorageAreaRow*> rows_;
     std::vector<DiskStorageOffender> shown_;
 };

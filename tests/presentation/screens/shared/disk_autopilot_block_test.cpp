@@ -28,9 +28,7 @@ protected:
                 .trust = trust,
                 .receipt = receipt ? &*receipt : nullptr,
                 .autopilot = autopilot,
-                .storage = storage,
-                .remainderName = "Other / inaccessible data",
-                .volumes = "subvolumes"};
+                .storage = storage};
     }
     void show() {
         block.show(facts());
@@ -43,7 +41,8 @@ protected:
     std::optional<ActivityEvent> receipt;
     DiskAutopilotState autopilot;
     StorageScanState storage;
-    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(u"overview"_s, true));
+    DiskAutopilotBlock& block = place(new DiskAutopilotBlock(
+        u"overview"_s, true, remainderNote("Other / inaccessible data", "subvolumes")));
 };
 
 TEST_F(DiskAutopilotBlockTest, ShowsTheHomeVolumeAndItsStatus) {
