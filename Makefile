@@ -48,6 +48,7 @@ build:
 
 package:
 	@$(BOOTSTRAP) --package
+	rm -f build/package/tallowcrest_*.deb
 	$(call prepare,package,package)
 
 package-check: package

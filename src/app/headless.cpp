@@ -32,7 +32,7 @@ namespace {
 constexpr std::chrono::milliseconds shortInterval{500};
 
 std::chrono::milliseconds intervalOf(const Options& options) {
-    return options.remote || options.ask || options.analyze || options.storage || options.largeFiles
+    return options.remote || options.ask || options.analyze
                ? shortInterval
                : options.interval.value_or(SystemMonitor::sampleInterval);
 }

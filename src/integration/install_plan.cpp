@@ -65,6 +65,9 @@ InstallPlan macOSInstallPlan(std::string_view bundlePath) {
 }
 
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
+    if (home.empty()) {
+        return {};
+    }
     const std::string folder = home + "/Library/LaunchAgents";
     return {.folder = folder,
             .shownFolder = "~/Library/LaunchAgents",

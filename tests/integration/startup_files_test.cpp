@@ -73,6 +73,8 @@ TEST(InstallPlan, WithoutAHomeDirectoryThereIsNone) {
     EXPECT_EQ(linuxInstallPlan(places).target, "");
     EXPECT_EQ(linuxLoginPlan(places).file, "");
     EXPECT_EQ(linuxLoginPlan(places).running, "");
+    EXPECT_EQ(macOSLoginPlan("/Applications/Tallowcrest.app", "").file, "");
+    EXPECT_EQ(macOSLoginPlan("/Applications/Tallowcrest.app", "").folder, "");
 }
 
 TEST(InstallPlan, NamesPlacesOutsideOfTheHomeDirectoryInFull) {

@@ -7,20 +7,14 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/base/releaser.h"
 #include "platform/http/curl_update_transport.h"
 
 namespace tallowcrest {
 namespace {
 
-template <auto release>
-struct Freed {
-    template <class Object>
-    void operator()(Object* object) const {
-        release(object);
-    }
-};
-using Context = std::unique_ptr<EVP_MD_CTX, Freed<EVP_MD_CTX_free>>;
-using Key = std::unique_ptr<EVP_PKEY, Freed<EVP_PKEY_free>>;
+using Context = std::unique_ptr<EVP_MD_CTX, Releaser<EVP_MD_CTX_free>>;
+using Key = std::unique_ptr<EVP_PKEY, Releaser<EVP_PKEY_free>>;
 
 const unsigned char* bytesOf(std::string_view text) {
     return reinterpret_cast<const unsigned char*>(text.data());
