@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdlib>
-
+#include "tests/support/scoped_variable.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
@@ -11,15 +10,11 @@ namespace tallowcrest {
 /// them.
 class PrivateData {
 public:
-    PrivateData() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }
-    PrivateData(const PrivateData&) = delete;
-    PrivateData& operator=(const PrivateData&) = delete;
-    ~PrivateData() { ::unsetenv("XDG_DATA_HOME"); }
-
     const std::filesystem::path& folder() const { return folder_.path(); }
 
 private:
     TemporaryFolder folder_;
+    ScopedVariable variable_{"XDG_DATA_HOME", folder_.path().string()};
 };
 
 }  // namespace tallowcrest

@@ -2,9 +2,7 @@
 
 #include <sys/resource.h>
 
-#include <filesystem>
 #include <future>
-#include <iterator>
 #include <optional>
 #include <thread>
 
@@ -14,7 +12,6 @@
 #include "advisor/provider_reply.h"
 #include "platform/http/curl_transfer.h"
 #include "tests/platform/http/test_provider.h"
-#include "tests/support/eventually.h"
 
 namespace tallowcrest {
 namespace {
@@ -202,20 +199,6 @@ TEST(CurlExchange, TheCallerDoesNotWaitForASlowReplyWhichThenEndsByItself) {
         EXPECT_THAT(provider.line(), StartsWith("POST "));
         EXPECT_EQ(provider.line(), "gone");
     }
-}
-
-TEST(CurlExchange, AnAbandonedExchangeLeavesNoThreadWhenItHasEnded) {
-    const auto threads = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-    };
-    TestProvider provider;
-    CurlExchange exchange({});
-    const auto before = threads();
-    EXPECT_FALSE(post(exchange, provider.at(local) + "/silent", seconds(1), seconds(3)));
-    EXPECT_GT(threads(), before);
-    EXPECT_TRUE(eventually([&] { return threads() == before; }));
-    EXPECT_THAT(provider.line(), StartsWith("POST /silent "));
-    EXPECT_EQ(provider.line(), "gone");
 }
 
 TEST(CurlExchange, AnExchangeEndsWithItsTimeLimit) {

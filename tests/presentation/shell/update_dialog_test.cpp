@@ -102,6 +102,7 @@ TEST_F(UpdateDialogTest, APressThatWasMeantForSomethingElseStartsNoDownload) {
     show();
     finishWork();
     ASSERT_NE(dialog(), nullptr);
+    setSettlingTime(*dialog(), std::chrono::hours(1));
     for (const char* each : {"update.button.0", "update.button.1"}) {
         EXPECT_FALSE(visible<QPushButton>(each)->isEnabled());
         QTest::mouseClick(visible<QPushButton>(each), Qt::LeftButton);
