@@ -80,14 +80,19 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
     if (files.isLink(plan.target)) {
         return {notCompleted(plan.shownTarget + " is a symbolic link.")};
     }
-    if (isOfTheOwners(plan, files)) {
-        return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
-    }
     if (!files.exists(copyTool)) {
         return {notCompleted(std::string(copyTool) + " is missing.")};
     }
     if (const Outcome made = files.makeFolder(folderOf(plan.target)); !made.isAccepted()) {
         return {notCompleted(folderOf(plan.target) + ": " + made.message)};
+    }
+    // Two copies at once would remove each other's temporary files.
+    const auto reserved = files.reserve(folderOf(plan.target));
+    if (reserved == nullptr) {
+        return {notCompleted("Another installation is under way.")};
+    }
+    if (isOfTheOwners(plan, files)) {
+        return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
     }
     const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);
     if (!files.exists(plan.installed)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,10 @@ public:
 
     /// Creates the folder and those above it, as far as they are missing.
     virtual Outcome makeFolder(const std::string& path) = 0;
+
+    /// Keeps other installations into this folder, which exists, from beginning as long as the
+    /// result does. Null while another one has the folder.
+    virtual std::shared_ptr<const void> reserve(const std::string& folder) = 0;
 
     /// Gives the file this content as a whole, readable by everybody, and creates it if it is
     /// missing, but not its folder. Fails, with nothing written, where the file is a link at the

@@ -103,6 +103,14 @@ TEST_F(InstallTest, NothingIsWrittenThroughALinkAtTheTarget) {
     EXPECT_THAT(files->changes, IsEmpty());
 }
 
+TEST_F(InstallTest, OfTwoAtOnceTheSecondIsToldOfTheFirst) {
+    willInstall(installedOnLinux);
+    files->reservedByAnother = "/home/o/.local/opt";
+    EXPECT_EQ(messageOf(linuxPorts()),
+              "Install did not complete. Another installation is under way.");
+    EXPECT_THAT(launches(), IsEmpty());
+}
+
 TEST_F(InstallTest, AFolderOfTheOwnersAtTheTargetIsNotCleared) {
     willInstall(installedOnLinux);
     files->files["/home/o/.local/opt/tallowcrest/notes"] = "";

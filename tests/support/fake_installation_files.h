@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ public:
     Outcome makeFolder(const std::string& path) override {
         return change("makeFolder", path, [&] { folders.insert(path); });
     }
+    std::shared_ptr<const void> reserve(const std::string& folder) override {
+        return folder == reservedByAnother ? nullptr : std::make_shared<const int>();
+    }
     Outcome writeFile(const std::string& path, std::string_view text, LinkedFolder) override {
         return change("writeFile", path, [&] { files[path] = text; });
     }
@@ -37,6 +41,7 @@ public:
     std::map<std::string, std::string> files;
     std::set<std::string> folders;
     std::map<std::string, std::string> links;
+    std::string reservedByAnother;
     /// Paths at which every change fails, and the reason.
     std::map<std::string, std::string> failures;
     std::vector<std::string> changes;

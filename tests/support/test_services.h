@@ -30,10 +30,9 @@ struct TestServices {
     ManualClock clock;
     ManualMainQueue mainQueue;
     ManualWorkQueue workQueue;
-    /// What passes between two values of progress; each is told.
-    std::chrono::milliseconds progressStep = Jobs::progressDistance;
+    /// Each value of progress is told.
     std::chrono::steady_clock::time_point steadyNow = {};
-    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow += progressStep; }};
+    Jobs jobs{mainQueue, workQueue, [this] { return steadyNow += Jobs::progressDistance; }};
     RecordingStore store;
     SettingsOwner settings;
     ActivityLog log{clock, settings, mainQueue};

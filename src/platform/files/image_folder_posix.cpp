@@ -9,9 +9,9 @@
 #include <system_error>
 #include <utility>
 
-#include "core/uuid.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
+#include "platform/files/partial_copies.h"
 
 namespace tallowcrest {
 namespace {
@@ -45,8 +45,6 @@ public:
         if (::fchmod(file_.get(), everyoneMayRead) != 0) {
             return Outcome::failed(words(errno));
         }
-        // Fails where there is nothing of that name, or what only renaming can tell.
-        ::unlinkat(folder_.get(), name.c_str(), 0);
         if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name.c_str()) != 0) {
             return Outcome::failed(words(errno));
         }
@@ -72,13 +70,15 @@ std::variant<std::unique_ptr<DownloadedImage>, std::string> PosixImageFolder::be
     if (!folder.valid()) {
         return words(errno);
     }
-    std::string temporary = ".tallowcrest-" + UUID::random().text() + ".part";
+    std::string temporary = partialCopyName();
     UniqueFD file(::openat(folder.get(), temporary.c_str(),
                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                            S_IRUSR | S_IWUSR));
     if (!file.valid()) {
         return words(errno);
     }
+    // A backup into the same folder removes those that nobody writes.
+    lockPartialCopy(file.get());
     return std::make_unique<PosixDownloadedImage>(std::move(place), std::move(folder),
                                                   std::move(temporary), std::move(file));
 }

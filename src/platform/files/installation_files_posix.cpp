@@ -1,12 +1,14 @@
 #include "platform/files/installation_files_posix.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <system_error>
 
@@ -112,6 +114,14 @@ Outcome PosixInstallationFiles::makeFolder(const std::string& path) {
     return outcomeOf(::stat(path.c_str(), &status) != 0 ? errno
                      : S_ISDIR(status.st_mode)          ? 0
                                                         : ENOTDIR);
+}
+
+std::shared_ptr<const void> PosixInstallationFiles::reserve(const std::string& folder) {
+    auto lock = std::make_shared<const UniqueFD>(
+        ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A file system without locks keeps nobody out.
+    const bool isTaken = ::flock(lock->get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return isTaken ? nullptr : lock;
 }
 
 Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_view text,

@@ -12,6 +12,7 @@ public:
     bool exists(const std::string& path) const override;
     bool isEmpty(const std::string& folder) const override;
     Outcome makeFolder(const std::string& path) override;
+    std::shared_ptr<const void> reserve(const std::string& folder) override;
     Outcome writeFile(const std::string& path, std::string_view text, LinkedFolder folder) override;
     Outcome makeLink(const std::string& path, const std::string& target) override;
     Outcome removeFile(const std::string& path) override;

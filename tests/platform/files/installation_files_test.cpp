@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
@@ -5,6 +6,7 @@
 
 #include "platform/files/image_folder_posix.h"
 #include "platform/files/installation_files_posix.h"
+#include "platform/files/partial_copies.h"
 #include "tests/support/names_in.h"
 #include "tests/support/temporary_folder.h"
 
@@ -157,6 +159,18 @@ TEST_F(ImageFolderTest, SeveralImagesDoNotDisturbOneAnother) {
     EXPECT_TRUE(one->publish("image.deb").isAccepted());
     EXPECT_TRUE(two->publish("image.deb").isAccepted());
     EXPECT_EQ(folder_.read("image.deb"), "two");
+}
+
+TEST_F(ImageFolderTest, ABackupIntoItsFolderLeavesAnImageThatIsBeingWritten) {
+    const UniqueFD folder(::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    auto image = begin();
+    removePartialCopies(folder.get());
+    EXPECT_EQ(namesIn(folder_.path()).size(), 1U);
+    image.reset();
+    folder_.file(partialCopyName(), "of a killed process", 0600);
+    removePartialCopies(
+        UniqueFD(::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)).get());
+    EXPECT_THAT(namesIn(folder_.path()), IsEmpty());
 }
 
 TEST_F(ImageFolderTest, WithoutAFolderThereIsAReason) {
