@@ -103,8 +103,8 @@ Outcome RemoteActions::performRemotePurge(const RemoteHealth& machine, const Rev
     if (!isReachable(machine) || machine.id != reviewed.id ||
         !dependencies_.profiles.remoteProfile(machine.hostName).allowRemotePurge || !target) {
         return recordResult(
-            machine.id, Outcome::refused("Remote purge was blocked because reachability, profile "
-                                         "permission, or host validation changed."));
+            reviewed.id, Outcome::refused("Remote purge was blocked because reachability, profile "
+                                          "permission, or host validation changed."));
     }
     return run({.machine = machine.id,
                 .target = *target,
@@ -143,7 +143,7 @@ Outcome RemoteActions::performRemoteQuit(const RemoteHealth& machine, const Remo
     const auto command = remote_commands::quit(process, machine.isLinux);
     if (!isReachable(machine) || machine.id != reviewed.id || process.command != reviewed.command ||
         isProtected(machine, process) || !target || !command) {
-        return recordResult(machine.id,
+        return recordResult(reviewed.id,
                             Outcome::refused("Remote process termination was blocked because its "
                                              "reviewed safety state changed."));
     }

@@ -13,19 +13,25 @@ std::vector<std::string> sshArguments(const std::string& target, const std::stri
     return {"-o", "BatchMode=yes", "-o", "ConnectTimeout=5", target, command};
 }
 
+// Some shells print a command that fails. The word of success is in two parts on Linux, so that
+// this is not taken for success.
+
 std::string purge(bool isLinux) {
-    return isLinux ? "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok"
+    return isLinux ? R"(sudo -n sysctl -w vm.drop_caches=1 && echo purge_""ok)"
                    : "/usr/sbin/purge && echo purge_ok";
 }
 
 std::optional<std::string> quit(const RemoteProcess& process, bool isLinux) {
-    std::optional<std::string> command = CommandSafetyPolicy::remoteTerminateCommand(process.pid);
-    if (command && isLinux) {
-        // The scan may be hours old, and another process may have the PID by now.
-        *command = fmt::format("grep -qxF -e {} /proc/{}/comm && {}", shellQuoted(process.command),
-                               process.pid, *command);
+    if (!isLinux) {
+        return CommandSafetyPolicy::remoteTerminateCommand(process.pid);
     }
-    return command;
+    const std::optional<std::int64_t> pid = CommandSafetyPolicy::validatedPID(process.pid);
+    if (!pid) {
+        return std::nullopt;
+    }
+    // The scan may be hours old, and another process may have the PID by now.
+    return fmt::format(R"(grep -qxF -e {} /proc/{}/comm && kill -TERM {} && echo quit_""ok)",
+                       shellQuoted(process.command), *pid, *pid);
 }
 
 std::string sshDiagnostic(std::string_view target, bool isLinux) {

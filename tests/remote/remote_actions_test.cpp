@@ -95,7 +95,7 @@ TEST_F(RemotePurge, LinuxHasACommandOfItsOwn) {
     finishWork();
     ASSERT_THAT(launcher.requests, SizeIs(1));
     EXPECT_EQ(launcher.requests[0].arguments.back(),
-              "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok");
+              R"(sudo -n sysctl -w vm.drop_caches=1 && echo purge_""ok)");
     recorded();
     profiles.updateRemoteProfile("studio", {.warningThreshold = 40.0, .allowRemotePurge = false});
     actions.requestRemotePurge(server);
@@ -144,6 +144,14 @@ TEST_F(RemotePurge, IsCheckedAgainWhenItIsConfirmed) {
         EXPECT_EQ(pendingKind(), "");
         EXPECT_THAT(launcher.requests, IsEmpty());
     }
+}
+
+TEST_F(RemotePurge, ARefusalIsOfTheMachineThatWasReviewed) {
+    actions.requestRemotePurge(machine());
+    finishScan({machineWith([](auto& m) { m.id = "nodekey:9"; })});
+    confirmations.confirmPending();
+    EXPECT_THAT(actions.results(), SizeIs(1));
+    EXPECT_EQ(actions.results().at(machine().id).outcome.message, purgeChanged);
 }
 
 TEST_F(RemotePurge, TheEmergencyStopIsForAutomaticActionsOnly) {

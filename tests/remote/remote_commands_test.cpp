@@ -18,8 +18,10 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 constexpr const char* publicKey = "ssh-ed25519 AAAAC3NzaC1lZDI1NTE5 owner@desk";
 
@@ -51,15 +53,50 @@ TEST(RemoteCommands, OnLinuxAProcessIsAskedToQuitOnlyWhileItHasItsName) {
     const RemoteProcess hog{.pid = 812, .command = "it's"};
     EXPECT_EQ(remote_commands::quit(hog, false), "/bin/kill -TERM 812 && /bin/echo quit_ok");
     EXPECT_EQ(remote_commands::quit(hog, true),
-              R"(grep -qxF -e 'it'\''s' /proc/812/comm && /bin/kill -TERM 812 && )"
-              "/bin/echo quit_ok");
+              R"(grep -qxF -e 'it'\''s' /proc/812/comm && kill -TERM 812 && echo quit_""ok)");
     EXPECT_EQ(remote_commands::quit({.pid = 1, .command = "init"}, true), std::nullopt);
 }
 
 TEST(RemoteCommands, APurgeDependsOnTheSystem) {
-    EXPECT_EQ(remote_commands::purge(true), "sudo -n sysctl -w vm.drop_caches=1 && echo purge_ok");
+    EXPECT_EQ(remote_commands::purge(true),
+              R"(sudo -n sysctl -w vm.drop_caches=1 && echo purge_""ok)");
     EXPECT_EQ(remote_commands::purge(false), "/usr/sbin/purge && echo purge_ok");
 }
+
+/// The login shells of other machines, of which some print a command that fails.
+class RemoteCommandsInALoginShell : public ::testing::TestWithParam<const char*> {
+protected:
+    /// What is printed, errors as well, with only the programs of `folder` in reach.
+    static std::string printed(const std::string& command, const TemporaryFolder& folder) {
+        const ProgramResult result =
+            runProgram({.path = GetParam(),
+                        .arguments = {"-c", command},
+                        .withVariables = {"HOME=" + folder.path().string(),
+                                          "PATH=" + folder.path().string()}});
+        return result.standardOutput + result.standardError;
+    }
+};
+
+TEST_P(RemoteCommandsInALoginShell, TheWordOfSuccessIsPrintedOnSuccessOnly) {
+    if (!std::filesystem::exists(GetParam())) {
+        GTEST_SKIP() << "not on this machine";
+    }
+    const TemporaryFolder folder;
+    const RemoteProcess hog{.pid = 812, .command = "hog"};
+    const std::string quit = remote_commands::quit(hog, true).value();
+    const std::string purge = remote_commands::purge(true);
+    EXPECT_THAT(printed(purge, folder), AllOf(HasSubstr("sudo"), Not(HasSubstr("purge_ok"))));
+    EXPECT_THAT(printed(quit, folder), AllOf(HasSubstr("grep"), Not(HasSubstr("quit_ok"))));
+    folder.file("sudo", "#!/bin/sh\n", 0700);
+    EXPECT_EQ(printed(purge, folder), "purge_ok\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Shells, RemoteCommandsInALoginShell,
+                         ::testing::Values("/bin/dash", "/bin/bash", "/usr/bin/fish",
+                                           "/usr/bin/zsh"),
+                         [](const auto& each) {
+                             return std::filesystem::path(each.param).filename().string();
+                         });
 
 /// A real shell that has functions in place of the programs which the commands run.
 class RemoteCommandsInAShell : public ::testing::Test {

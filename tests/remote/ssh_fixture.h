@@ -93,7 +93,8 @@ protected:
 
     TailDevice addDead(const std::string& name) { return add(name, {}); }
 
-    /// A real server with the tools of a Mac first in the path of its accounts.
+    /// A real server with the tools of a Mac first in the path of its accounts. The Mac is a German
+    /// one, whose numbers have a comma unless the client asks for others, as it does by default.
     SshMachines::Server mac() {
         const std::string folder = SshMachines::folder() / "mac";
         std::filesystem::create_directories(folder);
@@ -104,12 +105,11 @@ protected:
                              "echo 'The system has 17179869184 (1048576 pages).'\n"
                              "echo 'System-wide memory free percentage: 58%'\n");
         SshMachines::program("mac/ps", R"(#!/bin/sh
-case "$2" in
-pcpu=) awk '{print $2}' ;;
-pcpu=,comm=) awk '{$1 = ""; $3 = ""; print}' ;;
-rss=,comm=) awk '{$1 = ""; $2 = ""; print}' ;;
-*) cat ;;
-esac <<'ROWS'
+case "${LC_ALL:-${LC_NUMERIC:-$LANG}}" in
+de*) point=, ;;
+*) point=. ;;
+esac
+sed "s/\([0-9]\)[.]\([0-9]\)/\1$point\2/" <<'ROWS' |
     1   0.3   20480 /sbin/launchd
   411 181.9 1572864 /Applications/Final Cut Pro.app/Contents/MacOS/Final Cut Pro
   190  36.5  307200 /System/Library/PrivateFrameworks/SkyLight.framework/Resources/WindowServer
@@ -117,8 +117,15 @@ esac <<'ROWS'
   713   8.1  102400 /opt/homebrew/bin/a|b
   714   1.2    2048 login
 ROWS
+case "$2" in
+pcpu=) awk '{print $2}' ;;
+pcpu=,comm=) awk '{$1 = ""; $3 = ""; print}' ;;
+rss=,comm=) awk '{$1 = ""; $2 = ""; print}' ;;
+*) cat ;;
+esac
 )");
-        return machines->sshd(fmt::format("SetEnv PATH={}:/usr/bin:/bin", folder));
+        return machines->sshd(fmt::format(
+            "AcceptEnv LANG LC_*\nSetEnv LANG=de_DE.UTF-8 PATH={}:/usr/bin:/bin", folder));
     }
 
     /// Runs all background work, also what its results begin.

@@ -84,6 +84,8 @@ bool replaceSystemFiles() {
     }
     fs::create_directory("/run/sshd");
     fs::create_directory(clientSettings);
+    // As the client's package has it.
+    std::ofstream(std::string(clientSettings) + "/ssh_config") << "SendEnv LANG LC_*\n";
     writeAccounts();
     return bind(accounts, "/etc/passwd") && bind(clientSettings, "/etc/ssh");
 }

@@ -10,12 +10,35 @@
 namespace tallowcrest {
 namespace {
 
+using namespace std::string_view_literals;
+
+std::string_view nameOf(std::string_view variable) {
+    return variable.substr(0, variable.find('='));
+}
+
 bool isActivationVariable(std::string_view variable) {
-    const std::size_t end = variable.find('=');
-    const std::string_view name = variable.substr(0, end);
-    return end != std::string_view::npos &&
-           std::find(activationVariables.begin(), activationVariables.end(), name) !=
-               activationVariables.end();
+    return variable.find('=') != std::string_view::npos &&
+           std::ranges::find(activationVariables, nameOf(variable)) != activationVariables.end();
+}
+
+/// Leaves all as it is but the form of numbers.
+void usePlainNumbers(std::vector<std::string>& variables) {
+    const auto isCategory = [](std::string_view name) { return name.starts_with("LC_"); };
+    constexpr std::string_view all = "LC_ALL=";
+    const auto forAll = std::ranges::find_if(variables, [&](const std::string& variable) {
+        return variable.starts_with(all) && variable.size() > all.size();
+    });
+    if (forAll != variables.end()) {
+        // It would override the variable for numbers.
+        const std::string language = "LANG=" + forAll->substr(all.size());
+        std::erase_if(variables, [&](const std::string& variable) {
+            return isCategory(nameOf(variable)) || nameOf(variable) == "LANG"sv;
+        });
+        variables.push_back(language);
+    }
+    std::erase_if(variables,
+                  [](const std::string& variable) { return nameOf(variable) == "LC_NUMERIC"sv; });
+    variables.emplace_back("LC_NUMERIC=C");
 }
 
 }  // namespace
@@ -27,6 +50,7 @@ ChildEnvironment::ChildEnvironment(const char* const* source) {
             texts_.emplace_back(*variable);
         }
     }
+    usePlainNumbers(texts_);
     pointers_.reserve(texts_.size() + 1);
     for (std::string& text : texts_) {
         pointers_.push_back(text.data());

@@ -5,7 +5,9 @@
 
 namespace tallowcrest {
 
-/// A copy of an environment without the activation token, which is meant for this process only.
+/// A copy of an environment for tools whose output this program reads: without the activation
+/// token, which is meant for this process only, and with numbers in the form of the C locale. The
+/// secure shell hands the locale on to other machines, so their tools use this form as well.
 class ChildEnvironment {
 public:
     /// `source` ends with a null pointer, as `environ` does; null means an empty environment.
