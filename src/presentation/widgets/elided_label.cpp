@@ -53,7 +53,7 @@ void ElidedLabel::setText(const QString& text) {
         const int widthBefore = naturalWidth();
         const int heightBefore = heightForWidth(width());
         text_ = text;
-        linesWidth_ = -1;
+        forgetLines();
         if (!isSameButForDigits) {
             naturalWidth_ = -1;
         }
@@ -171,11 +171,22 @@ int ElidedLabel::heightForWidth(int width) const {
     if (maximumLines_ == 1) {
         return lineHeight;
     }
-    const auto needed =
-        width == this->width()
-            ? shownLines().size()
-            : fittedLines(text_, textFont(), width, maximumLines_, elideMode_).size();
-    return lineHeight * std::max(minimumLines_, static_cast<int>(needed));
+    return lineHeight * std::max(minimumLines_, linesNeeded(width));
+}
+
+int ElidedLabel::linesNeeded(int width) const {
+    if (width == this->width()) {
+        return static_cast<int>(shownLines().size());
+    }
+    const auto known = std::ranges::find(fits_, width, &Fit::width);
+    if (known != fits_.end()) {
+        return known->lines;
+    }
+    const auto lines = fittedLines(text_, textFont(), width, maximumLines_, elideMode_).size();
+    Fit& fit = fits_.at(oldestFit_);
+    oldestFit_ = (oldestFit_ + 1) % fits_.size();
+    fit = {width, static_cast<int>(lines)};
+    return fit.lines;
 }
 
 bool ElidedLabel::event(QEvent* event) {
@@ -244,9 +255,14 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     }
 }
 
-void ElidedLabel::forgetMeasures() {
+void ElidedLabel::forgetLines() {
     lines_.clear();
     linesWidth_ = -1;
+    fits_ = {};
+}
+
+void ElidedLabel::forgetMeasures() {
+    forgetLines();
     naturalWidth_ = -1;
 }
 

@@ -94,17 +94,16 @@ bool isTyped(const QKeyEvent& event) {
 /// Has the library of an X display receive something else. It leaves the last bytes that it has
 /// received, which may be those of the clipboard, in a buffer of 4 KB.
 void overwriteReceived(const QWidget& field) {
-    // With its header of 32 bytes a reply of this many pixels, of four bytes each, fills the
-    // buffer. A longer one would not: the server sends it in pieces, and the rest passes by the
-    // buffer.
-    constexpr QSize pixels(127, 8);
-    // The reply may come in two pieces after all, behind one that is just being sent.
-    constexpr int replies = 3;
+    // Replies of 4 KB, header included, and less. What is longer, or what the server happens to
+    // send in pieces, goes past the buffer for the most part; the shorter, the less likely are
+    // pieces.
+    constexpr QSize pictures[] = {{127, 8}, {63, 8}, {63, 4}, {63, 2}};
     if (QGuiApplication::platformName() != u"xcb"_s) {
         return;
     }
-    for (int reply = 0; reply < replies; ++reply) {
-        field.screen()->grabWindow(field.window()->winId(), 0, 0, pixels.width(), pixels.height());
+    for (const QSize& picture : pictures) {
+        field.screen()->grabWindow(field.window()->winId(), 0, 0, picture.width(),
+                                   picture.height());
     }
 }
 
