@@ -110,7 +110,7 @@ void ElidedLabel::setReservedText(const QString& pattern) {
 
 const QStringList& ElidedLabel::shownLines() const {
     if (linesWidth_ != width()) {
-        lines_ = fitsInOneLine()
+        lines_ = fitsInOneLine(width())
                      ? QStringList{text_}
                      : fittedLines(text_, textFont(), width(), maximumLines_, elideMode_);
         linesWidth_ = width();
@@ -118,11 +118,12 @@ const QStringList& ElidedLabel::shownLines() const {
     return lines_;
 }
 
-bool ElidedLabel::fitsInOneLine() const {
+bool ElidedLabel::fitsInOneLine(int width) const {
     // The natural width stays cached while only digits change, so this avoids the measuring that
-    // eliding starts with.
-    return maximumLines_ == 1 && !text_.isEmpty() && text_.size() <= longestMeasured &&
-           !text_.contains(u'\n') && naturalWidth() < widestHint && naturalWidth() <= width();
+    // wrapping and eliding start with.
+    return !text_.isEmpty() && text_.size() <= longestMeasured && !text_.contains(u'\n') &&
+           !text_.contains(QChar::LineSeparator) && naturalWidth() < widestHint &&
+           naturalWidth() <= width;
 }
 
 void ElidedLabel::keepBreaks(const QString& before) {
@@ -177,6 +178,9 @@ int ElidedLabel::heightForWidth(int width) const {
 int ElidedLabel::linesNeeded(int width) const {
     if (width == this->width()) {
         return static_cast<int>(shownLines().size());
+    }
+    if (fitsInOneLine(width)) {
+        return 1;
     }
     const auto known = std::ranges::find(fits_, width, &Fit::width);
     if (known != fits_.end()) {

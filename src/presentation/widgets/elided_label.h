@@ -85,7 +85,7 @@ private:
     const QFont& textFont() const { return CrestFonts::current().*style_.font; }
     int naturalWidth() const;
     int reservedWidth() const;
-    bool fitsInOneLine() const;
+    bool fitsInOneLine(int width) const;
     int linesNeeded(int width) const;
     /// Keeps the line breaks of `before`, which differs from the new text only in digits of equal
     /// width.
