@@ -44,6 +44,7 @@ struct TrashOutcome {
     std::optional<TrashItem> item = {};
     /// Why it was left, in the system's words; empty when it was moved.
     std::string error = {};
+    bool isDiskFull = false;  ///< it was left because a disk has no room
 };
 
 /// What became of a file that was to be put back.
@@ -55,7 +56,8 @@ struct PutBackOutcome {
     };
 
     Result result = Result::left;
-    std::string error = {};  ///< why not, in the system's words; empty when it was put back
+    std::string error = {};   ///< why not, in the system's words; empty when it was put back
+    bool isDiskFull = false;  ///< as in `TrashOutcome`
 };
 
 /// A move to the Trash that was prepared. When it is destroyed without `complete`, nothing was

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <utility>
 
+#include "core/uuid.h"
+#include "platform/base/full_disk.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
 #include "platform/trash/file_status.h"
@@ -21,10 +23,6 @@
 
 namespace tallowcrest {
 namespace {
-
-TrashOutcome left(std::string why) {
-    return {.movedBytes = {}, .item = {}, .error = std::move(why)};
-}
 
 /// Begins to write out the content, and does not wait. A failure shows in `flush`.
 void beginFlush(int file) {
@@ -70,16 +68,12 @@ int renameIntoTrash(int folder, const std::string& name, const TrashFolder& tras
     return isRenamed ? 0 : errno;
 }
 
-/// The content of a `.trashinfo`; empty when there is none, or none of ours.
-std::string readInfo(const TrashFolder& trash, const std::string& storedName) {
-    const UniqueFD info(::openat(trash.info.get(), trashInfoName(storedName).c_str(),
-                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    // A path is percent-encoded, so that each of its bytes takes up to three.
-    constexpr std::size_t longest = 4 * PATH_MAX;
+/// At most so many bytes of an open file; fewer at its end and after an error.
+std::string readText(int file, std::size_t longest) {
     std::string text(longest, '\0');
     std::size_t length = 0;
-    while (info.valid() && length < longest) {
-        const ssize_t count = ::read(info.get(), text.data() + length, longest - length);
+    while (length < longest) {
+        const ssize_t count = ::read(file, text.data() + length, longest - length);
         if (count < 0 && errno == EINTR) {
             continue;
         }
@@ -90,6 +84,45 @@ std::string readInfo(const TrashFolder& trash, const std::string& storedName) {
     }
     text.resize(length);
     return text;
+}
+
+/// An open `.trashinfo` if its text is this one; else invalid.
+UniqueFD openInfo(const TrashFolder& trash, const std::string& storedName,
+                  const std::string& expected) {
+    UniqueFD info(::openat(trash.info.get(), trashInfoName(storedName).c_str(),
+                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const bool isExpected = info.valid() && readText(info.get(), expected.size() + 1) == expected;
+    return isExpected ? std::move(info) : UniqueFD();
+}
+
+/// Whether the `.trashinfo` of this name is the open file `info`.
+bool isInfo(const TrashFolder& trash, const std::string& storedName, int info) {
+    const auto opened = statusOf(info);
+    const auto named = statusAt(trash.info.get(), trashInfoName(storedName));
+    return opened && named && opened->identity == named->identity;
+}
+
+/// Removes a `.trashinfo` unless its name is that of another file than `info` by now. It is looked
+/// at again under a name that nobody else knows, as the names can change after the first look.
+void removeInfo(const TrashFolder& trash, const std::string& storedName, int info) {
+    if (!isInfo(trash, storedName, info)) {
+        return;
+    }
+    const int folder = trash.info.get();
+    const std::string name = trashInfoName(storedName);
+    const std::string aside = ".tallowcrest-" + UUID::random().text();
+    if (!renameWithoutReplacing(folder, name, folder, aside)) {
+        // Some file systems cannot refuse to replace.
+        ::unlinkat(folder, name.c_str(), 0);
+        return;
+    }
+    const auto opened = statusOf(info);
+    const auto taken = statusAt(folder, aside);
+    if (opened && taken && opened->identity == taken->identity) {
+        ::unlinkat(folder, aside.c_str(), 0);
+    } else {
+        renameWithoutReplacing(folder, aside, folder, name);
+    }
 }
 
 std::size_t longestNameIn(int folder) {
@@ -113,6 +146,8 @@ public:
     TrashOutcome complete(std::optional<std::int64_t> maximumBytes) override;
 
 private:
+    void fail(int error);
+    TrashOutcome left() const;
     /// Writes the `.trashinfo` under the first free name, which reserves the name.
     int describe();
     int describeAs(const std::string& name);
@@ -121,12 +156,13 @@ private:
     int store();
     /// Gives the file that is stored a description again.
     int describeStored();
-    TrashOutcome returnFile(std::string why);
+    TrashOutcome returnFile();
 
     XdgTrash& owner_;
     TrashRequest request_;
     TrashSource source_;
     std::string why_;  ///< the file is left; empty while it may be moved
+    bool isDiskFull_ = false;
     std::optional<TrashFolder> trash_;
     std::string text_;  ///< of the `.trashinfo`
     std::size_t longestName_ = 0;
@@ -144,15 +180,27 @@ XdgTrash::Move::Move(XdgTrash& owner, const TrashRequest& request)
     }
     trash_ = openTrashFolder(source_.folder.get(), source_.name, request.path, owner.homeTrash_);
     if (!trash_) {
-        why_ = systemWords(errno);
+        fail(errno);
         return;
     }
     const Date now = owner.clock_.now();
     text_ = trashInfoText(trash_->restorePath, now, owner.utcOffset_(now));
     longestName_ = longestNameIn(trash_->info.get());
     if (const int error = describe(); error != 0) {
-        why_ = systemWords(error);
+        fail(error);
     }
+}
+
+void XdgTrash::Move::fail(int error) {
+    isDiskFull_ = isDiskFull(error);
+    why_ = isDiskFull_ ? "The disk is full, so that the Trash cannot note where the file belongs. "
+                         "The file stays in its place. Make some room, for example by emptying the "
+                         "Trash, and try again."
+                       : systemWords(error);
+}
+
+TrashOutcome XdgTrash::Move::left() const {
+    return {.movedBytes = {}, .item = {}, .error = why_, .isDiskFull = isDiskFull_};
 }
 
 int XdgTrash::Move::describe() {
@@ -182,15 +230,12 @@ int XdgTrash::Move::describeAs(const std::string& name) {
 }
 
 bool XdgTrash::Move::isDescribed() const {
-    const auto written = statusOf(info_.get());
-    const auto named = statusAt(trash_->info.get(), trashInfoName(storedName_));
-    return written && named && written->identity == named->identity;
+    return isInfo(*trash_, storedName_, info_.get());
 }
 
 void XdgTrash::Move::removeDescription() {
-    // The owner may have emptied the Trash, and the name may be another file's by now.
-    if (info_.valid() && isDescribed()) {
-        ::unlinkat(trash_->info.get(), trashInfoName(storedName_).c_str(), 0);
+    if (info_.valid()) {
+        removeInfo(*trash_, storedName_, info_.get());
     }
     info_.reset();
 }
@@ -231,19 +276,18 @@ int XdgTrash::Move::describeStored() {
     return error == 0 && !flush(info_.get()) ? errno : error;
 }
 
-TrashOutcome XdgTrash::Move::returnFile(std::string why) {
+TrashOutcome XdgTrash::Move::returnFile() {
     if (!renameWithoutReplacing(trash_->files.get(), storedName_, source_.folder.get(),
                                 source_.name)) {
-        why += "; what had its name is in the Trash: " + systemWords(errno);
+        why_ += "; what had its name is in the Trash: " + systemWords(errno);
         if (!isDescribed()) {
             if (const int error = describeStored(); error != 0) {
-                why += "; it has no description there: " + systemWords(error);
+                why_ += "; it has no description there: " + systemWords(error);
             }
         }
         info_.reset();
-        return left(std::move(why));
     }
-    return left(std::move(why));
+    return left();
 }
 
 TrashOutcome XdgTrash::Move::complete(std::optional<std::int64_t> maximumBytes) {
@@ -252,23 +296,25 @@ TrashOutcome XdgTrash::Move::complete(std::optional<std::int64_t> maximumBytes) 
         why_ = objectionTo(request_, source_);
     }
     if (!why_.empty()) {
-        return left(why_);
+        return left();
     }
     if (const int error = store(); error != 0) {
-        return left(systemWords(error));
+        fail(error);
+        return left();
     }
     const auto stored = statusAt(trash_->files.get(), storedName_);
     if (!stored) {
-        why_ = systemWords(errno);
+        fail(errno);
         info_.reset();
-        return left(why_);
+        return left();
     }
-    if (std::string late = objectionToStored(request_, source_, *stored); !late.empty()) {
-        return returnFile(std::move(late));
-    }
+    why_ = objectionToStored(request_, source_, *stored);
     // The Trash may have been emptied just before the file arrived.
-    if (!isDescribed()) {
-        return returnFile("The Trash was emptied meanwhile");
+    if (why_.empty() && !isDescribed()) {
+        why_ = "The Trash was emptied meanwhile";
+    }
+    if (!why_.empty()) {
+        return returnFile();
     }
     info_.reset();
     return {.movedBytes = stored->bytes,
@@ -304,13 +350,14 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
         ::openat(trash->files.get(), item.storedName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const auto stored = file.valid() ? statusOf(file.get()) : std::nullopt;
     // Emptied, or emptied and used again: then another file or another time is described.
-    if (!stored || stored->identity != item.identity || !S_ISREG(stored->mode) ||
-        readInfo(*trash, item.storedName) != item.description) {
+    const UniqueFD info = openInfo(*trash, item.storedName, item.description);
+    if (!stored || stored->identity != item.identity || !S_ISREG(stored->mode) || !info.valid()) {
         return {Result::gone, "It is no longer in the Trash"};
     }
     if (!renameWithoutReplacing(trash->files.get(), item.storedName, place.folder.get(),
                                 place.name)) {
-        return {Result::left, systemWords(errno)};
+        const bool isFull = isDiskFull(errno);
+        return {Result::left, isFull ? "The disk is full" : systemWords(errno), isFull};
     }
     const auto arrived = statusAt(place.folder.get(), place.name);
     const bool isRightFile = arrived && arrived->identity == item.identity;
@@ -322,7 +369,7 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
                    ? PutBackOutcome{Result::left, why}
                    : PutBackOutcome{Result::gone, why + ": " + systemWords(errno)};
     }
-    ::unlinkat(trash->info.get(), trashInfoName(item.storedName).c_str(), 0);
+    removeInfo(*trash, item.storedName, info.get());
     return {Result::done, {}};
 }
 

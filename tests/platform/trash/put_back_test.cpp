@@ -268,6 +268,45 @@ TEST_F(PutBackTest, AKillAtAnySystemCallLeavesTheFileInItsPlaceOrRestorable) {
     });
 }
 
+TEST_F(PutBackTest, RemovesNoDescriptionThatIsNotTheOneOfTheFile) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        const fs::path own = homeTrash / "info/thumb.trashinfo";
+        const fs::path foreign = homeTrash / "info/foreign.trashinfo";
+        int stops = 1;
+        std::map<int, int> results;
+        for (int at = 0; at < stops; ++at) {
+            fs::remove_all(home / ".local");
+            fs::remove_all(home / ".cache");
+            const TrashItem item = trashed(inCache("a/thumb"));
+            write(foreign, "foreign");
+            const TracedRun run =
+                runTraced([&] { return static_cast<int>(trash.putBack(item).result); },
+                          [&](int stop) {
+                              if (stop == at) {
+                                  swapNames(own, foreign);
+                              }
+                              return true;
+                          });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            ++results[run.status];
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            EXPECT_TRUE(fileText(foreign) == "foreign" || fileText(own) == "foreign");
+            if (run.status == static_cast<int>(WayBack::done)) {
+                EXPECT_EQ(fileText(item.path), "pixels");
+            } else {
+                EXPECT_EQ(fileText(homeTrash / "files/thumb"), "pixels");
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(results[static_cast<int>(WayBack::done)], 2);
+        EXPECT_GT(results[static_cast<int>(WayBack::gone)], 2);
+    });
+}
+
 TEST_F(PutBackTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingElse) {
     inOwnMounts([&] {
         mountMemory(home);

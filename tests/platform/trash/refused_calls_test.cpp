@@ -76,8 +76,21 @@ TEST_F(RefusedCallsTest, AFlushThatFailsKeepsTheFile) {
     inOwnProcess([&] {
         const std::string path = write(inCache("a"), "x");
         REFUSE(SYS_sync_file_range, ENOSPC);
-        EXPECT_LEFT(trash.moveToTrash(reviewed(path)), "No space left");
+        EXPECT_LEFT(trash.moveToTrash(reviewed(path)), "The disk is full");
         EXPECT_EQ(fileText(path), "x");
+    });
+}
+
+TEST_F(RefusedCallsTest, AFolderWithoutRoomLeavesAFileInTheTrash) {
+    inOwnProcess([&] {
+        const auto moved = trash.moveToTrash(reviewed(write(inCache("a"), "x")));
+        ASSERT_TRUE(moved.item);
+        REFUSE(SYS_renameat2, EDQUOT);
+        const PutBackOutcome outcome = trash.putBack(*moved.item);
+        EXPECT_EQ(outcome.result, PutBackOutcome::Result::left);
+        EXPECT_EQ(outcome.error, "The disk is full");
+        EXPECT_TRUE(outcome.isDiskFull);
+        EXPECT_THAT(contents(), ::testing::SizeIs(1));
     });
 }
 

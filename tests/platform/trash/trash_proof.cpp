@@ -76,6 +76,8 @@ struct World {
         fs::remove_all(cache);
         fs::remove_all(aside);
         fs::remove_all(homeTrash);
+        fs::remove_all(descriptionsAside);
+        fs::create_directories(descriptionsAside);
         for (int i = 0; i < fileCount; ++i) {
             write(cache / relativePath(i), contentOf(i, "reviewed"));
             write(cache / "others" / relativePath(i), contentOf(i, "decoy"));
@@ -94,6 +96,7 @@ struct World {
     fs::path outside = home / "Documents";
     fs::path aside = home / "aside";  ///< where a folder goes that leaves the caches
     fs::path homeTrash = home / ".local/share/Trash";
+    fs::path descriptionsAside = home / "descriptions aside";
     std::vector<State> outsideStates;
 };
 
@@ -104,14 +107,19 @@ public:
     HostileThread(const World& world, const std::atomic<int>& current, unsigned seed)
         : world_(world), current_(current), random_(seed), thread_([this] { run(); }) {}
 
-    /// Returns what it has written of its own, and adds the number of its attacks.
-    std::vector<std::string> stop(std::int64_t& attacks) {
+    /// Ends it and adds the number of its attacks.
+    void stop(ProofReport& report) {
         stops_ = true;
         thread_.join();
         unmountAll();
-        attacks += attacks_;
-        return std::move(written_);
+        report.attacks += attacks_;
+        report.descriptionsMoved += static_cast<std::int64_t>(touchedDescriptions_.size());
     }
+
+    /// After `stop`: the contents of the files of its own.
+    const std::vector<std::string>& written() const { return written_; }
+    /// And the names in the Trash of files whose descriptions it has moved.
+    const std::set<std::string>& touchedDescriptions() const { return touchedDescriptions_; }
 
 private:
     void run() {
@@ -144,6 +152,34 @@ private:
         wait();
         if (isRenamed) {
             renameToFreeName(to, from);
+        }
+    }
+
+    static std::string descriptionName(int file) {
+        return std::to_string(file % fileCount) + ".trashinfo";
+    }
+
+    /// Until then the one has the name of the other, and both are there.
+    void swapDescriptionsForAWhile(int file, int other) {
+        const fs::path one = world_.homeTrash / "info" / descriptionName(file);
+        const fs::path two = world_.homeTrash / "info" / descriptionName(other);
+        if (!swapNames(one, two)) {
+            return;
+        }
+        touchedDescriptions_.insert({one.stem(), two.stem()});
+        wait();
+        // One of them may be aside at this moment.
+        while (!swapNames(one, two) && fs::exists(one) + fs::exists(two) > 0) {
+            std::this_thread::yield();
+        }
+    }
+
+    void takeDescriptionForAWhile(int file) {
+        const fs::path path = world_.homeTrash / "info" / descriptionName(file);
+        if (renameToFreeName(path, world_.descriptionsAside / path.filename())) {
+            touchedDescriptions_.insert(path.stem());
+            wait();
+            renameToFreeName(world_.descriptionsAside / path.filename(), path);
         }
     }
 
@@ -190,7 +226,7 @@ private:
             case 1:
                 return mountForAWhile(world_.outside / relativePath(file), path);
             default:
-                switch (kind % 10) {
+                switch (kind % 12) {
                     case 0:
                     case 1:
                         return swapForAWhile(path, decoy);
@@ -208,6 +244,10 @@ private:
                         return renameForAWhile(folder, world_.aside / folderName(file));
                     case 8:
                         return renameForAWhile(path, cache / "folder" / std::to_string(file));
+                    case 9:
+                        return swapDescriptionsForAWhile(file, file + fileCount - 1 - below(3));
+                    case 10:
+                        return takeDescriptionForAWhile(file);
                     default:
                         swapNames(path, decoy);
                         wait();
@@ -221,6 +261,7 @@ private:
     std::mt19937 random_;
     std::int64_t attacks_ = 0;
     std::vector<std::string> written_;
+    std::set<std::string> touchedDescriptions_;
     std::atomic<bool> stops_ = false;
     std::thread thread_;  // the last member: it uses the others
 };
@@ -229,6 +270,8 @@ private:
 struct CleanUp {
     std::vector<TrashOutcome> outcomes;
     std::vector<std::string> expected;  ///< the contents of all files that must be somewhere
+    /// The names of files whose descriptions were elsewhere when they should have been removed.
+    std::set<std::string> touchedDescriptions;
 };
 
 CleanUp cleanUp(XdgTrash& trash, const World& world, unsigned seed, ProofReport& report) {
@@ -247,7 +290,9 @@ CleanUp cleanUp(XdgTrash& trash, const World& world, unsigned seed, ProofReport&
         result.outcomes.push_back(trash.moveToTrash(request));
         ++current;
     }
-    result.expected = hostile.stop(report.attacks);
+    hostile.stop(report);
+    result.expected = hostile.written();
+    result.touchedDescriptions = hostile.touchedDescriptions();
     for (int i = 0; i < fileCount; ++i) {
         result.expected.push_back(contentOf(i, "reviewed"));
         result.expected.push_back(contentOf(i, "decoy"));
@@ -264,7 +309,9 @@ public:
         findInPlaces(world_.cache);
         findInPlaces(world_.aside);
         for (const TrashedFile& file : trashContents(world_.homeTrash)) {
-            checkTrashed(file);
+            if (file.isThere || cleanUp.touchedDescriptions.count(file.storedName) == 0) {
+                checkTrashed(file);
+            }
         }
         const std::set<std::string> expected(cleanUp.expected.begin(), cleanUp.expected.end());
         for (const std::string& content : expected) {

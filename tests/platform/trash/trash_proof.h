@@ -13,7 +13,8 @@ struct ProofReport {
     std::int64_t left = 0;      ///< and that were left
     std::int64_t stranded = 0;  ///< other files of the caches that could not be put back
     std::int64_t attacks = 0;
-    std::vector<std::string> faults;  ///< the first ones, in words; empty when all was well
+    std::int64_t descriptionsMoved = 0;  ///< descriptions in the Trash that were moved meanwhile
+    std::vector<std::string> faults;     ///< the first ones, in words; empty when all was well
 };
 
 /// Makes clean-ups of 100 files each in a home of its own in `folder`, `rounds` files in all, and
@@ -22,7 +23,8 @@ struct ProofReport {
 /// The hostile thread swaps folders and files of the caches, and the cache folder itself, with
 /// links to files outside, with other folders and other files. It mounts folders of outside over
 /// them where the system lets it, renames them, takes them out of the caches, and takes names that
-/// have become free.
+/// have become free. It swaps the descriptions in the Trash with one another and takes them away
+/// for a while; one that was elsewhere when its file was left may remain, which harms nothing.
 ProofReport proveTrash(const std::filesystem::path& folder, std::int64_t rounds);
 
 }  // namespace tallowcrest

@@ -28,7 +28,8 @@ int main(int argc, char** argv) {
         const ProofReport report = proveTrash(folder.path(), rounds);
         std::cout << report.moved << " files moved, " << report.left << " left, " << report.stranded
                   << " others that could not be put back and can be restored, " << report.attacks
-                  << " attacks, " << report.faults.size() << " faults\n";
+                  << " attacks, " << report.descriptionsMoved << " descriptions moved, "
+                  << report.faults.size() << " faults\n";
         for (const std::string& fault : report.faults) {
             std::cout << fault << '\n';
         }

@@ -236,7 +236,8 @@ TEST_F(TrashVolumesTest, AFullHomeKeepsTheFileAndNoHalfDescription) {
         fill(home / "ballast");
         const TrashOutcome outcome = trash.moveToTrash(reviewed(path));
         EXPECT_EQ(outcome.movedBytes, std::nullopt);
-        EXPECT_THAT(outcome.error, ::testing::HasSubstr("No space left"));
+        EXPECT_THAT(outcome.error, ::testing::HasSubstr("The disk is full"));
+        EXPECT_TRUE(outcome.isDiskFull);
         EXPECT_EQ(fileText(path), "x");
         EXPECT_THAT(contents(), SizeIs(1));
         fs::remove(home / "ballast");
@@ -250,7 +251,7 @@ TEST_F(TrashVolumesTest, AVolumeWithoutRoomForAnotherFileKeepsIt) {
         const std::string path = write(inCache("a"), "x");
         const std::string other = write(inCache("b"), "y");
         // The root, the cache, two files, and five folders are nine.
-        EXPECT_LEFT(trash.moveToTrash(reviewed(path)), "No space left");
+        EXPECT_LEFT(trash.moveToTrash(reviewed(path)), "The disk is full");
         EXPECT_EQ(fileText(path), "x");
         fs::remove(other);
         EXPECT_EQ(trash.moveToTrash(reviewed(path)).movedBytes, 1);
@@ -265,7 +266,7 @@ TEST_F(TrashVolumesTest, AFullVolumeKeepsItsFiles) {
         fill(disk / "ballast");
         const TrashOutcome outcome = trash.moveToTrash({.path = path});
         EXPECT_EQ(outcome.movedBytes, std::nullopt);
-        EXPECT_THAT(outcome.error, ::testing::HasSubstr("No space left"));
+        EXPECT_THAT(outcome.error, ::testing::HasSubstr("The disk is full"));
         EXPECT_EQ(fileText(path), "x");
         EXPECT_THAT(trashContents(own), IsEmpty());
     });
