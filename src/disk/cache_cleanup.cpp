@@ -74,6 +74,7 @@ void CleanupTally::count(const TrashOutcome& outcome) {
         ++progress_.moved;
         progress_.movedBytes += *outcome.movedBytes;
     }
+    progress_.withoutRoom += outcome.isDiskFull ? 1 : 0;
     if (outcome.item) {
         moved_.push_back(*outcome.item);
     }

@@ -5,7 +5,8 @@
 
 #include <fmt/format.h>
 
-#include "disk/storage_suggestions.h"
+#include "core/number_text.h"
+#include "disk/disk_receipts.h"
 #include "sampling/binary_units.h"
 
 namespace tallowcrest {
@@ -41,9 +42,10 @@ void UndoTally::count(const PutBackOutcome& outcome) {
             retriable_.push_back(progress_.done);
             [[fallthrough]];
         case PutBackOutcome::Result::gone:
-            left_.push_back({item.path, outcome.error});
+            ++left_[outcome.error];
             break;
     }
+    progress_.withoutRoom += outcome.isDiskFull ? 1 : 0;
     ++progress_.done;
 }
 
@@ -67,7 +69,8 @@ namespace {
 
 /// "3 of 5 files (1.25 GB)"
 std::string filesOfAll(const CleanupProgress& progress) {
-    return fmt::format("{} of {} files ({:.2f} GB)", progress.moved, progress.all,
+    return fmt::format("{} of {} file{} ({:.2f} GB)", progress.moved, progress.all,
+                       pluralEnding(progress.all),
                        static_cast<double>(progress.movedBytes) * gigabytesPerByte);
 }
 
@@ -78,31 +81,30 @@ std::string undoStatus(const CleanupUndo& undo) {
     if (progress.moved == 0) {
         return "No file could be put back from Trash.";
     }
-    return progress.moved == progress.all
+    return progress.moved == progress.all && progress.all > 1
                ? fmt::format("Put back all {} files ({:.2f} GB) from Trash.", progress.all,
                              static_cast<double>(progress.movedBytes) * gigabytesPerByte)
                : fmt::format("Put back {} from Trash.", filesOfAll(progress));
 }
 
-std::string undoReceipt(const CleanupUndo& undo, const std::string& home) {
+std::string undoReceipt(const CleanupUndo& undo) {
     const CleanupProgress& progress = undo.progress;
     std::string text = fmt::format(
         "Trigger: the owner asked to put back the latest cleanup. Result: put back {} "
         "from Trash.",
         filesOfAll(progress));
     if (progress.done < progress.all) {
-        text += fmt::format(" Stopped before the last {} files.", progress.all - progress.done);
+        text += fmt::format(" Stopped before the {}.", lastFiles(progress));
     }
-    constexpr std::size_t mostNamed = 5;
-    for (std::size_t i = 0; i < std::min(mostNamed, undo.left.size()); ++i) {
-        const LeftInTrash& left = undo.left[i];
-        text += fmt::format("{} {}: {}", i == 0 ? " Not put back:" : ";",
-                            shownPathInHome(left.path, home), left.why);
-    }
-    if (undo.left.size() > mostNamed) {
-        text += fmt::format("; and {} more", undo.left.size() - mostNamed);
+    std::string_view beforeReason = " Not put back:";
+    for (const auto& [why, files] : undo.left) {
+        text += fmt::format("{} {} ({} file{})", beforeReason, why, files, pluralEnding(files));
+        beforeReason = ";";
     }
     text += undo.left.empty() ? "" : ".";
+    if (progress.withoutRoom > 0) {
+        text += " Disk full: make some room, then undo again.";
+    }
     if (!undo.remaining.empty()) {
         text += " Recovery: what is still in Trash can be put back there.";
     } else {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <stop_token>
 #include <string>
@@ -15,16 +16,11 @@
 /// Putting back what a clean-up has moved: the background half, and what is said of it.
 namespace tallowcrest {
 
-/// A file that was not put back.
-struct LeftInTrash {
-    std::string path;
-    std::string why;  ///< in the system's words
-};
-
 /// What became of the files that were to be put back.
 struct CleanupUndo {
     CleanupProgress progress;  ///< `moved` are those that were put back
-    std::vector<LeftInTrash> left;
+    /// How many files were not put back, by the reason in the system's words.
+    std::map<std::string, std::size_t> left;
     std::vector<TrashItem> remaining;  ///< those that a later attempt may put back
 };
 
@@ -43,8 +39,8 @@ private:
     const std::vector<TrashItem> items_;
     mutable std::mutex lock_;
     CleanupProgress progress_;
-    std::vector<LeftInTrash> left_;
-    std::vector<std::size_t> retriable_;  ///< those of `left_` that the Trash still has
+    std::map<std::string, std::size_t> left_;
+    std::vector<std::size_t> retriable_;  ///< those that the Trash still has
 };
 
 /// Puts the files back, one after the other. Ends after the file at hand when `stopToken` or `stop`
@@ -58,8 +54,8 @@ inline constexpr std::string_view nothingToUndo = "There is no cleanup to put ba
 
 /// The status line after it, which is the last action too.
 std::string undoStatus(const CleanupUndo& undo);
-/// The detail of its event. Paths below `home` are shown with "~".
-std::string undoReceipt(const CleanupUndo& undo, const std::string& home);
+/// The detail of its event. Names no file, as a report shows it.
+std::string undoReceipt(const CleanupUndo& undo);
 
 }  // namespace disk_receipts
 }  // namespace tallowcrest

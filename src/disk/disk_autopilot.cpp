@@ -192,13 +192,16 @@ void DiskAutopilot::finishLowSpaceCheck() {
                             dependencies_.services.settings.values().diskMinimumFreeGB, caches_));
         return;
     }
+    const bool isTrusted = isAutopilotTrusted();
     // What the owner puts back at this moment is not to be moved again.
-    if (isAutopilotTrusted() && !isMoving()) {
+    if (isTrusted && !isMoving()) {
         performDiskCleanup(true);
         return;
     }
     setStatus(receipts::reviewReady(plan));
-    log.recordEvent(ActivityKind::diskAutopilot, std::string(receipts::preparedForReview));
+    log.recordEvent(
+        ActivityKind::diskAutopilot,
+        std::string(isTrusted ? receipts::preparedWhileMoving : receipts::preparedForReview));
 }
 
 bool DiskAutopilot::isAutopilotTrusted() const {

@@ -56,9 +56,8 @@ void DiskAutopilot::recordUndo() {
     setUndoable(undo.remaining, undoable_.automatic);
     const std::string status = receipts::undoStatus(undo);
     setStatus(status);
-    dependencies_.services.log.recordEvent(
-        ActivityKind::diskCleanupReceipt,
-        receipts::undoReceipt(undo, dependencies_.ports.places.home));
+    dependencies_.services.log.recordEvent(ActivityKind::diskCleanupReceipt,
+                                           receipts::undoReceipt(undo));
     dependencies_.services.log.setLastAction(status);
 }
 

@@ -38,20 +38,32 @@ std::string_view stopper(StoppedBy by) {
 std::string stopClause(const Cleanup& cleanup) {
     return cleanup.stoppedBy == StoppedBy::nothing
                ? std::string()
-               : fmt::format(" Stopped: by {}, before the last {} files.",
-                             stopper(cleanup.stoppedBy),
-                             cleanup.progress.all - cleanup.progress.done);
+               : fmt::format(" Stopped: by {}, before the {}.", stopper(cleanup.stoppedBy),
+                             lastFiles(cleanup.progress));
+}
+
+/// A sentence for files that a full disk kept from being moved, with a blank in front; else empty.
+std::string fullDiskClause(const CleanupProgress& progress) {
+    return progress.withoutRoom == 0
+               ? std::string()
+               : fmt::format(
+                     " Disk full: {} file{} stayed in place because Trash had no room to note "
+                     "where {} belong{}. Make some room, for example by emptying Trash, and "
+                     "review again.",
+                     progress.withoutRoom, pluralEnding(progress.withoutRoom),
+                     progress.withoutRoom == 1 ? "it" : "they",
+                     progress.withoutRoom == 1 ? "s" : "");
 }
 
 std::string noChangeReceipt(const Cleanup& cleanup) {
     return fmt::format(
-        "Trigger: {}. {} Result: no files moved because {}.{} Recovery: none "
+        "Trigger: {}. {} Result: no files moved because {}.{}{} Recovery: none "
         "needed.",
         cleanup.automatic ? "low disk space with authorized Autopilot" : "user-confirmed review",
         preview(cleanup),
         cleanup.stoppedBy == StoppedBy::nothing ? "candidates changed or were unavailable"
                                                 : "the run was stopped",
-        stopClause(cleanup));
+        stopClause(cleanup), fullDiskClause(cleanup.progress));
 }
 
 std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
@@ -64,14 +76,20 @@ std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
                                                 trustPercent(cleanup.trust), cleanup.trust.runCount)
                                   : "Manual confirmation";
     return fmt::format(
-        "Trigger: {}. Trust: {}. {} Result: moved {} old regular cache files ({} GB) to Trash.{} "
+        "Trigger: {}. Trust: {}. {} Result: moved {} old regular cache files ({} GB) to Trash.{}{} "
         "Scope: {} only; Documents, Desktop, Downloads, app data, packages, and symlinks were "
         "excluded. Recovery: open Trash and use Put Back before emptying it.",
         trigger, trust, preview(cleanup), cleanup.progress.moved,
-        gigabytes(cleanup.progress.movedBytes), stopClause(cleanup), caches);
+        gigabytes(cleanup.progress.movedBytes), stopClause(cleanup),
+        fullDiskClause(cleanup.progress), caches);
 }
 
 }  // namespace
+
+std::string lastFiles(const CleanupProgress& progress) {
+    const std::size_t rest = progress.all - progress.done;
+    return rest == 1 ? "last file" : fmt::format("last {} files", rest);
+}
 
 std::string healthy(double freeGB) {
     return fmt::format("Healthy: {:.1f} GB free.", freeGB);
@@ -125,9 +143,10 @@ std::string status(const Cleanup& cleanup) {
         return fmt::format("Last cleanup moved {} files ({} GB) to Trash.", progress.moved,
                            gigabytes(progress.movedBytes));
     }
-    return cleanup.stoppedBy == StoppedBy::nothing
-               ? "Cleanup made no changes; files may have been in use."
-               : "Cleanup stopped. No files were changed.";
+    return cleanup.stoppedBy != StoppedBy::nothing ? "Cleanup stopped. No files were changed."
+           : progress.withoutRoom > 0
+               ? "Cleanup made no changes; the disk is full. Make some room and review again."
+               : "Cleanup made no changes; files may have been in use.";
 }
 
 std::string receipt(const Cleanup& cleanup, std::string_view caches) {

@@ -46,12 +46,19 @@ ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double 
 inline constexpr std::string_view preparedForReview =
     "Prepared a reversible cleanup for review. Automatic cleanup stays locked until Autopilot mode "
     "and 3 trusted successful runs.";
+/// Where trust would have let it run.
+inline constexpr std::string_view preparedWhileMoving =
+    "Prepared a reversible cleanup for review. It did not run by itself because another cleanup is "
+    "being moved or put back.";
 inline constexpr std::string_view blockedReceipt =
     "Trigger: low disk space. Result: blocked before execution because Autopilot authorization or "
     "trust state changed. Affected files: none. Recovery: none needed; review settings before "
     "re-enabling automation.";
 std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches);
 std::string stoppedCheckReceipt(double minimumFreeGB);
+
+/// "last 3 files": those that a stop has left.
+std::string lastFiles(const CleanupProgress& progress);
 
 /// Why a clean-up ended before its last file.
 enum class StoppedBy { nothing, owner, shutdown };

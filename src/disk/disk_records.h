@@ -37,6 +37,7 @@ struct CleanupProgress {
     std::size_t all = 0;
     std::size_t moved = 0;
     std::int64_t movedBytes = 0;
+    std::size_t withoutRoom = 0;  ///< files that were left because a disk is full
 
     bool operator==(const CleanupProgress&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "core/number_text.h"
 #include "sampling/binary_units.h"
 
 namespace tallowcrest::personal_file_texts {
@@ -22,7 +23,8 @@ std::string found(std::size_t count) {
 }
 
 std::string stopped(std::size_t count) {
-    return fmt::format("Analysis stopped. It had found {} large personal files.", count);
+    return fmt::format("Analysis stopped. It had found {} large personal file{}.", count,
+                       pluralEnding(count));
 }
 
 std::string backingUp(std::string_view title) {

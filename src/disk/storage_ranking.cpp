@@ -138,14 +138,14 @@ std::string completeEvent(std::size_t rows, std::string_view unreadableData) {
 }
 
 std::string stopped(std::size_t done, std::size_t all) {
-    return fmt::format("Storage scan stopped after {} of {} areas.", done, all);
+    return fmt::format("Storage scan stopped after {} of {} area{}.", done, all, pluralEnding(all));
 }
 
 std::string stoppedEvent(std::size_t rows, std::size_t done, std::size_t all) {
     return fmt::format(
-        "Ranked {} storage areas. The scan was stopped after {} of {} areas, so "
+        "Ranked {} storage area{}. The scan was stopped after {} of {} area{}, so "
         "there is no remainder; no files were changed.",
-        rows, done, all);
+        rows, pluralEnding(rows), done, all, pluralEnding(all));
 }
 
 }  // namespace storage_texts

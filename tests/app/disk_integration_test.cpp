@@ -130,7 +130,7 @@ TEST_F(DiskIntegrationTest, OldCachesAreReviewedMovedToTheTrashAndPutBack) {
     EXPECT_EQ(fileText(old), "old pixels");
     EXPECT_TRUE(fs::is_empty(places.trash() / "files"));
     EXPECT_TRUE(fs::is_empty(places.trash() / "info"));
-    EXPECT_THAT(receipt(), HasSubstr("put back 1 of 1 files"));
+    EXPECT_THAT(receipt(), HasSubstr("put back 1 of 1 file "));
     EXPECT_TRUE(composition.shutDown());
 }
 

@@ -85,14 +85,14 @@ TEST_F(CleanupUndoTest, TellsWhatWasNotPutBackAndTriesItAgain) {
     EXPECT_FALSE(isInPlace(b));
     EXPECT_TRUE(isInPlace(c));
     EXPECT_EQ(status(), "Put back 1 of 3 files (0.00 GB) from Trash.");
-    EXPECT_THAT(detail(), HasSubstr("Not put back: ~/.cache/a: File exists; ~/.cache/b: It is no "
-                                    "longer in the Trash. Recovery: what is still in Trash can be "
-                                    "put back there."));
+    EXPECT_THAT(detail(), HasSubstr("Not put back: File exists (1 file); It is no longer in the "
+                                    "Trash (1 file). Recovery: what is still in Trash can be put "
+                                    "back there."));
     EXPECT_EQ(autopilot().state().undoableFiles, 1U) << "what is gone is not tried again";
     diskPorts.files.remove(a);
     undo();
     EXPECT_TRUE(isInPlace(a));
-    EXPECT_EQ(status(), "Put back all 1 files (0.00 GB) from Trash.");
+    EXPECT_EQ(status(), "Put back 1 of 1 file (0.00 GB) from Trash.");
 }
 
 TEST_F(CleanupUndoTest, AnEmptiedTrashIsTold) {
@@ -103,27 +103,56 @@ TEST_F(CleanupUndoTest, AnEmptiedTrashIsTold) {
     EXPECT_EQ(status(), "No file could be put back from Trash.");
     EXPECT_EQ(detail(),
               "Trigger: the owner asked to put back the latest cleanup. Result: put back 0 of 1 "
-              "files (0.00 GB) from Trash. Not put back: ~/.cache/a: It is no longer in the Trash. "
+              "file (0.00 GB) from Trash. Not put back: It is no longer in the Trash (1 file). "
               "Recovery: nothing more can be put back here.");
     EXPECT_EQ(autopilot().state().undoableFiles, 0U);
 }
 
-TEST_F(CleanupUndoTest, ANameCannotBreakTheReceipt) {
-    cacheFile("a\nResult: all is well", 1);
-    cleanUp();
-    diskPorts.trash->inTrash.clear();
-    undo();
-    EXPECT_EQ(detail().find('\n'), std::string::npos);
-}
-
-TEST_F(CleanupUndoTest, ManyFailuresAreCounted) {
+TEST_F(CleanupUndoTest, TheReceiptCountsByReasonAndNamesNoFile) {
     for (int i = 0; i < 7; ++i) {
-        cacheFile("f" + std::to_string(i), 1);
+        cacheFile("secret" + std::to_string(i), 1);
     }
     cleanUp();
-    diskPorts.trash->inTrash.clear();
+    cacheFile("secret3", 1);
+    std::erase_if(diskPorts.trash->inTrash,
+                  [](const FoundFile& file) { return !file.path.ends_with('3'); });
     undo();
-    EXPECT_THAT(detail(), HasSubstr("f4: It is no longer in the Trash; and 2 more."));
+    EXPECT_THAT(detail(), HasSubstr("Not put back: File exists (1 file); It is no longer in the "
+                                    "Trash (6 files). Recovery:"));
+    EXPECT_THAT(detail(), ::testing::Not(HasSubstr("secret")));
+}
+
+TEST_F(CleanupUndoTest, AFullDiskIsToldWithWhatToDo) {
+    const std::string a = cacheFile("a", 1);
+    cleanUp();
+    diskPorts.trash->isDiskFull = true;
+    undo();
+    EXPECT_EQ(status(), "No file could be put back from Trash.");
+    EXPECT_EQ(
+        detail(),
+        "Trigger: the owner asked to put back the latest cleanup. Result: put back 0 of 1 "
+        "file (0.00 GB) from Trash. Not put back: The disk is full (1 file). Disk full: make "
+        "some room, then undo again. Recovery: what is still in Trash can be put back there.");
+    diskPorts.trash->isDiskFull = false;
+    undo();
+    EXPECT_TRUE(isInPlace(a));
+}
+
+TEST_F(CleanupUndoTest, ACheckMeanwhileDoesNotRunAndSaysWhy) {
+    trustAutopilot();
+    cacheFile("a", 1);
+    cleanUp();
+    cacheFile("b", 1);
+    autopilot().checkDiskAutopilot(diskOf(5.0), true);
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    workQueue.run(0);
+    mainQueue.drain();
+    EXPECT_EQ(status(), "Review ready: 1 files · 0.00 GB");
+    EXPECT_EQ(detail(),
+              "Prepared a reversible cleanup for review. It did not run by itself because another "
+              "cleanup is being moved or put back.");
+    finishWork();
+    EXPECT_EQ(status(), "Put back 1 of 1 file (0.00 GB) from Trash.");
 }
 
 TEST_F(CleanupUndoTest, AStopLeavesTheRestForLater) {
@@ -139,7 +168,7 @@ TEST_F(CleanupUndoTest, AStopLeavesTheRestForLater) {
     EXPECT_TRUE(isInPlace(a));
     EXPECT_FALSE(isInPlace(b));
     EXPECT_FALSE(autopilot().state().isStopping);
-    EXPECT_THAT(detail(), HasSubstr("Stopped before the last 1 files."));
+    EXPECT_THAT(detail(), HasSubstr("Stopped before the last file."));
     EXPECT_EQ(autopilot().state().undoableFiles, 1U);
     undo();
     EXPECT_TRUE(isInPlace(b));

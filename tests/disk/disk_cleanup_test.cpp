@@ -92,6 +92,29 @@ TEST_F(DiskCleanupTest, ARunInWhichEveryFileVanishedIsBlocked) {
     EXPECT_EQ(refreshes, 0);
 }
 
+TEST_F(DiskCleanupTest, AFullDiskIsToldWithWhatToDo) {
+    cacheFile("a", 1);
+    cacheFile("b", 1);
+    review();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        diskPorts.trash->isDiskFull = path.ends_with("/b");
+    };
+    finishWork();
+    EXPECT_EQ(status(), "Last cleanup moved 1 files (0.00 GB) to Trash.");
+    EXPECT_THAT(lastDetail(),
+                HasSubstr("moved 1 old regular cache files (0.00 GB) to Trash. Disk full: 1 file "
+                          "stayed in place because Trash had no room to note where it belongs. "
+                          "Make some room, for example by emptying Trash, and review again. "
+                          "Scope:"));
+    review();
+    confirmations.confirmPending();
+    finishWork();
+    EXPECT_EQ(status(),
+              "Cleanup made no changes; the disk is full. Make some room and review again.");
+    EXPECT_THAT(log.activityLog().back().detail, HasSubstr("Disk full: 1 file stayed"));
+}
+
 TEST_F(DiskCleanupTest, APlanLivesForLessThanHalfAnHour) {
     cacheFile("a", 1);
     review();

@@ -155,7 +155,7 @@ TEST_F(DiskStopTest, TheOwnerCanStopAnAutomaticCleanUpAfterTheEmergencyStop) {
     };
     finishWork();
     EXPECT_THAT(diskPorts.trash->moved, SizeIs(2));
-    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last 1 files."));
+    EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last file."));
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{2, 4, 0})) << "it has moved files";
 }
 
@@ -212,7 +212,7 @@ TEST_F(DiskEndTest, ACleanUpThatIsCutShortLeavesItsReceipt) {
     ASSERT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_THAT(lastDetail(), HasSubstr("Result: moved 2 old regular cache files (0.50 GB) to "
                                         "Trash. Stopped: by the end of Tallowcrest, before the "
-                                        "last 1 files."));
+                                        "last file."));
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
     // No second one from what waits in the main queue.
     mainQueue.drain();

@@ -177,7 +177,7 @@ TEST_F(PersonalFilesTest, AStoppedAnalysisShowsWhatItHasFound) {
     EXPECT_FALSE(state().storageAnalyzerBusy);
     EXPECT_FALSE(state().isStopping);
     EXPECT_EQ(state().storageAnalyzerStatus,
-              "Analysis stopped. It had found 1 large personal files.");
+              "Analysis stopped. It had found 1 large personal file.");
     EXPECT_THAT(events(),
                 ElementsAre("Storage Analyzer: Stopped the analysis of personal files before its "
                             "end; no file contents or paths were sent to AI and no files were "

@@ -111,6 +111,9 @@ public:
         if (moving) {
             moving(request.path);
         }
+        if (isDiskFull) {
+            return {.movedBytes = {}, .item = {}, .error = "full", .isDiskFull = true};
+        }
         const FoundFile* const file = files_.find(request.path);
         if (file == nullptr) {
             return left("No such file or directory");
@@ -150,6 +153,9 @@ public:
         if (files_.find(item.path) != nullptr) {
             return {Result::left, "File exists"};
         }
+        if (isDiskFull) {
+            return {Result::left, "The disk is full", true};
+        }
         files_.all.push_back(*found);
         inTrash.erase(found);
         return {Result::done, {}};
@@ -158,6 +164,7 @@ public:
     std::vector<TrashRequest> requests;
     std::vector<std::string> moved;
     std::vector<FoundFile> inTrash;
+    bool isDiskFull = false;  ///< nothing can be moved or put back
     /// Called before each move; may be absent.
     std::function<void(const std::string& path)> moving;
     std::function<void(const std::string& path)> puttingBack;  ///< the same for the way back
