@@ -55,6 +55,22 @@ std::string backupStopped(std::string_view title) {
     return fmt::format("Backup of {} stopped. No copy was left.", title);
 }
 
+std::string stoppingBackup(std::string_view title) {
+    return fmt::format("Stopping the backup of {}…", title);
+}
+
+std::string backupGivenUp(std::string_view title) {
+    return fmt::format("Backup of {} stopped. The disk did not answer.", title);
+}
+
+std::string backupGivenUpReceipt(std::string_view title) {
+    return fmt::format(
+        "Stopped the copy of {} and did not wait for its end, because the disk did not answer. A "
+        "hidden part of it may be left, which the next backup into that folder removes. The "
+        "original remains in place.",
+        title);
+}
+
 std::string backupStoppedReceipt(std::string_view title) {
     return fmt::format(
         "Stopped the copy of {} before its end. No part of it was left. The "

@@ -36,8 +36,12 @@ std::string backedUp(std::string_view fileName);
 std::string backupReceipt(std::string_view title, std::string_view destination);
 std::string backupFailed(std::string_view error);
 std::string backupFailedMessage(std::string_view title, std::string_view error);
+std::string stoppingBackup(std::string_view title);
 std::string backupStopped(std::string_view title);
 std::string backupStoppedReceipt(std::string_view title);
+/// For a copy that has not ended long after it was stopped.
+std::string backupGivenUp(std::string_view title);
+std::string backupGivenUpReceipt(std::string_view title);
 
 /// The question to the owner, with a new identifier.
 ConfirmationRequest trashRequest(const StorageOptimizationSuggestion& suggestion);

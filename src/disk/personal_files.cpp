@@ -1,5 +1,6 @@
 #include "disk/personal_files.h"
 
+#include <chrono>
 #include <utility>
 
 #include <fmt/format.h>
@@ -196,7 +197,9 @@ void PersonalFiles::showBackup(const CopyProgress& progress) {
     if (progress.isChecking && !state_.backup->isChecking) {
         state_.backup->isChecking = true;
         backupBegan_ = dependencies_.services.clock.now();
-        setStatus(texts::checkingCopy(state_.backup->title));
+        if (!state_.backup->isStopping) {
+            setStatus(texts::checkingCopy(state_.backup->title));
+        }
     }
     const double seconds = secondsBetween(backupBegan_, dependencies_.services.clock.now());
     state_.backup->copied = progress.done;
@@ -234,12 +237,22 @@ void PersonalFiles::finishBackup(const Copied& copied) {
 }
 
 Outcome PersonalFiles::stopBackup() {
-    if (!backup_.stop()) {
+    // What is written at this moment still has to get to the disk.
+    constexpr std::chrono::seconds patience{10};
+    if (!backup_.stopOrForget([this] { giveUpBackup(); }, patience)) {
         return Outcome::ignored();
     }
     state_.backup->isStopping = true;
-    observable_->changed();
+    setStatus(texts::stoppingBackup(state_.backup->title));
     return Outcome::asked();
+}
+
+void PersonalFiles::giveUpBackup() {
+    const std::string title = std::exchange(backupUnderWay_, std::nullopt)->suggestion.title;
+    state_.backup.reset();
+    setStatus(texts::backupGivenUp(title));
+    dependencies_.services.log.recordEvent(ActivityKind::backupReceipt,
+                                           texts::backupGivenUpReceipt(title));
 }
 
 Outcome PersonalFiles::requestTrashSuggestion(const StorageOptimizationSuggestion& suggestion) {

@@ -88,7 +88,9 @@ public:
     /// Asks for a folder and copies the file there, beside a file that has its name already.
     /// Refused while a copy is under way.
     Outcome backUpSuggestion(const StorageOptimizationSuggestion& suggestion);
-    /// Ends the copy under way, of which nothing is left. Ignored while there is none.
+    /// Ends the copy under way, of which nothing is left. It is not waited for longer than ten
+    /// seconds; of one that a volume without an answer keeps, a hidden part can remain. Ignored
+    /// while there is none.
     Outcome stopBackup();
 
     /// Asks whether to move the file to the Trash.
@@ -131,6 +133,8 @@ private:
     /// Writes the receipt of `backupUnderWay_`.
     void recordBackup(const Copied& copied);
     void finishBackup(const Copied& copied);
+    /// What has become of it is not known.
+    void giveUpBackup();
     /// Writes the receipt of a move. True when the file was moved.
     bool recordTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);
     void finishTrash(const StorageOptimizationSuggestion& suggestion, const TrashOutcome& outcome);

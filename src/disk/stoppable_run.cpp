@@ -1,6 +1,5 @@
 #include "disk/stoppable_run.h"
 
-#include <chrono>
 #include <utility>
 
 namespace tallowcrest {
@@ -25,11 +24,11 @@ bool StoppableRun::stop() {
     return isUnderWay_ && source_.request_stop();
 }
 
-bool StoppableRun::stopOrForget(std::function<void()> forgotten) {
+bool StoppableRun::stopOrForget(std::function<void()> forgotten,
+                                std::chrono::milliseconds patience) {
     if (!stop()) {
         return false;
     }
-    constexpr std::chrono::milliseconds patience{2000};
     patience_ =
         jobs_.mainQueue().scheduleRepeating(patience, [this, forgotten = std::move(forgotten)] {
             // Destroys the timer, and with it this function, in an implementation that does not

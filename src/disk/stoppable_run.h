@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -50,9 +51,10 @@ public:
     /// Asks the work to stop. False when none is under way or it was asked before.
     bool stop();
 
-    /// The same for work that changes nothing. When a file system hangs, it cannot end: after two
-    /// seconds it counts as over, nothing of it arrives any more, and `forgotten` is called.
-    bool stopOrForget(std::function<void()> forgotten);
+    /// The same for work that need not be whole. When a file system hangs, it cannot end: after
+    /// `patience` it counts as over, nothing of it arrives any more, and `forgotten` is called.
+    bool stopOrForget(std::function<void()> forgotten,
+                      std::chrono::milliseconds patience = std::chrono::seconds(2));
 
 private:
     Jobs& jobs_;

@@ -139,6 +139,10 @@ TEST_F(BackupTest, AStoppedCopyLeavesAReceipt) {
         EXPECT_EQ(files().stopBackup(), Outcome::asked());
         EXPECT_EQ(files().stopBackup(), Outcome::ignored());
         EXPECT_TRUE(state().backup->isStopping);
+        EXPECT_EQ(state().storageAnalyzerStatus, "Stopping the backup of film.mov…");
+        diskPorts.copy->isChecking = true;
+        mainQueue.turn();
+        EXPECT_EQ(state().storageAnalyzerStatus, "Stopping the backup of film.mov…");
     };
     finishWork();
     EXPECT_EQ(state().storageAnalyzerStatus, "Backup of film.mov stopped. No copy was left.");
@@ -147,6 +151,29 @@ TEST_F(BackupTest, AStoppedCopyLeavesAReceipt) {
                             "of it was left. The original remains in place."));
     EXPECT_FALSE(state().backup);
     EXPECT_EQ(files().stopBackup(), Outcome::ignored());
+}
+
+TEST_F(BackupTest, ACopyThatHangsIsGivenUpAfterAWhile) {
+    backUpTo("/media/disk");
+    files().stopBackup();
+    EXPECT_THAT(mainQueue.timerIntervals(), ElementsAre(10s));
+    mainQueue.fireTimers();
+    EXPECT_FALSE(state().backup);
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    EXPECT_EQ(state().storageAnalyzerStatus,
+              "Backup of film.mov stopped. The disk did not answer.");
+    EXPECT_THAT(events(),
+                ElementsAre("Backup Receipt: Stopped the copy of film.mov and did not wait for its "
+                            "end, because the disk did not answer. A hidden part of it may be "
+                            "left, which the next backup into that folder removes. The original "
+                            "remains in place."));
+    // The next one is not disturbed by what comes of the first.
+    backUpTo("/media/other");
+    finishWork();
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup complete: film.mov");
+    EXPECT_THAT(events(), SizeIs(2));
+    files().recordUnfinished();
+    EXPECT_THAT(events(), SizeIs(2));
 }
 
 TEST_F(BackupTest, TheReviewedFileIsCopied) {

@@ -10,14 +10,17 @@
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "platform/base/full_disk.h"
 #include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
 #include "platform/files/file_system.h"
+#include "platform/files/paced_bytes.h"
 #include "platform/files/partial_copies.h"
 #include "platform/files/same_content.h"
 
@@ -26,18 +29,26 @@ namespace {
 
 using Progress = std::function<void(const CopyProgress&)>;
 
-constexpr std::int64_t stepBytes = 8 << 20;
 constexpr std::int64_t bufferBytes = 1 << 20;
 
-/// After so many bytes at most they are written to the disk, so that neither the end nor a stop has
-/// to wait for all of them; after fewer where that takes longer than `longestSync`.
+/// A stop has to wait for the step at hand and for a sync, the progress too. So both take about
+/// this long at most, also on a slow volume.
+constexpr auto longestAtOnce = std::chrono::milliseconds(200);
+constexpr std::int64_t leastBytesAtOnce = 64 << 10;
+constexpr std::int64_t mostStepBytes = 8 << 20;
 constexpr std::int64_t mostUnsyncedBytes = 64 << 20;
-constexpr auto longestSync = std::chrono::milliseconds(250);
+
+std::chrono::steady_clock::time_point now() {
+    return std::chrono::steady_clock::now();
+}
 
 // No error numbers of the system.
 constexpr int sourceChanged = -1;
 constexpr int copyDiffers = -2;
 constexpr int anotherFile = -3;
+
+constexpr std::string_view whatToDoWithoutRoom =
+    "Make some room there, or choose a folder on another disk.";
 
 std::string words(int error) {
     switch (error) {
@@ -48,8 +59,13 @@ std::string words(int error) {
         case anotherFile:
             return "Another file has taken its name.";
         default:
-            return std::generic_category().message(error);
+            break;
     }
+    return isDiskFull(error) ? std::string(
+                                   "The disk of the copy is full. No part of the copy was "
+                                   "left, and the original remains in place. ") +
+                                   std::string(whatToDoWithoutRoom)
+                             : std::generic_category().message(error);
 }
 
 std::string gigabytes(std::uint64_t bytes) {
@@ -71,8 +87,8 @@ std::string objectionToRoom(int folder, const struct stat& source) {
     return needed <= free ? ""
                           : fmt::format(
                                 "There is not enough room for the copy: {} are needed, {} "
-                                "are free.",
-                                gigabytes(needed), gigabytes(free));
+                                "are free. {}",
+                                gigabytes(needed), gigabytes(free), whatToDoWithoutRoom);
 }
 
 bool isSameContent(const struct stat& before, const struct stat& after) {
@@ -114,7 +130,8 @@ private:
     const Progress& progress_;
     const std::stop_token& stop_;
     std::int64_t unsynced_ = 0;
-    std::int64_t bytesBetweenSyncs_ = stepBytes;
+    PacedBytes betweenSyncs_{leastBytesAtOnce, mostUnsyncedBytes, longestAtOnce};
+    PacedBytes step_{leastBytesAtOnce, mostStepBytes, longestAtOnce};
     bool worksWithinKernel_ = true;
     std::vector<char> buffer_;
 };
@@ -149,7 +166,10 @@ int ContentCopy::copyExtent(const Extent& extent) {
         if (stop_.stop_requested()) {
             return ECANCELED;
         }
-        const std::int64_t copied = copyStep(offset, std::min(extent.end - offset, stepBytes));
+        const auto began = now();
+        const std::int64_t room = betweenSyncs_.bytes() - unsynced_;
+        const std::int64_t copied =
+            copyStep(offset, std::min({extent.end - offset, step_.bytes(), room}));
         if (copied < 0 && errno == EINTR) {
             continue;
         }
@@ -161,7 +181,8 @@ int ContentCopy::copyExtent(const Extent& extent) {
         }
         offset += copied;
         unsynced_ += copied;
-        if (unsynced_ >= bytesBetweenSyncs_) {
+        step_.took(copied, now() - began);
+        if (unsynced_ >= betweenSyncs_.bytes()) {
             if (const int error = syncCopied(); error != 0) {
                 return error;
             }
@@ -172,13 +193,11 @@ int ContentCopy::copyExtent(const Extent& extent) {
 }
 
 int ContentCopy::syncCopied() {
-    const auto began = std::chrono::steady_clock::now();
+    const auto began = now();
     if (const int error = syncFile(to_); error != 0) {
         return error;
     }
-    const bool tookLong = std::chrono::steady_clock::now() - began > longestSync;
-    bytesBetweenSyncs_ = tookLong ? std::max(bytesBetweenSyncs_ / 2, bufferBytes)
-                                  : std::min(bytesBetweenSyncs_ * 2, mostUnsyncedBytes);
+    betweenSyncs_.took(unsynced_, now() - began);
     unsynced_ = 0;
     return 0;
 }

@@ -11,7 +11,8 @@
 namespace tallowcrest {
 namespace {
 
-constexpr std::int64_t partBytes = 1 << 20;
+/// Little enough that a stop does not have to wait for a slow volume.
+constexpr std::int64_t partBytes = 256 << 10;
 
 /// Where the next byte is that is in no hole: `size` when there is none.
 std::int64_t nextData(int file, std::int64_t offset, std::int64_t size) {

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -17,6 +18,7 @@
 #include "core/uuid.h"
 #include "platform/base/unique_fd.h"
 #include "platform/files/file_copy_posix.h"
+#include "platform/files/paced_bytes.h"
 #include "platform/files/partial_copies.h"
 #include "tests/support/file_text.h"
 #include "tests/support/names_in.h"
@@ -98,6 +100,27 @@ TEST_F(FileCopyTest, ReportsTheBytesOfAll) {
         before = copied;
     }
     EXPECT_EQ(before, size);
+    EXPECT_LE(reports.front().first, 64 << 10) << "how fast the volume is, is not known yet";
+}
+
+TEST(PacedBytes, FollowTheSpeedOfTheVolume) {
+    using namespace std::chrono_literals;
+    PacedBytes paced(10, 80, 100ms);
+    EXPECT_EQ(paced.bytes(), 10);
+    paced.took(10, 50ms);
+    EXPECT_EQ(paced.bytes(), 20);
+    paced.took(20, 51ms);
+    EXPECT_EQ(paced.bytes(), 20) << "twice as much could take too long";
+    paced.took(19, 1ms);
+    EXPECT_EQ(paced.bytes(), 20) << "fewer do not tell";
+    for (int time = 0; time < 5; ++time) {
+        paced.took(paced.bytes(), 0ms);
+    }
+    EXPECT_EQ(paced.bytes(), 80) << "the most";
+    paced.took(80, 250ms);
+    EXPECT_EQ(paced.bytes(), 30) << "32, in whole tens";
+    paced.took(30, 1h);
+    EXPECT_EQ(paced.bytes(), 10) << "the least";
 }
 
 TEST_F(FileCopyTest, ComparesTheCopyWithTheFileBeforeItGetsItsName) {
