@@ -14,9 +14,6 @@ namespace {
 
 namespace policy = DiskAutopilotSafetyPolicy;
 
-/// To tell each one would cost as much as to read it.
-constexpr std::int64_t filesPerProgress = 256;
-
 /// Few enough that a stop has little to take back.
 constexpr std::size_t filesPreparedAtOnce = 16;
 
@@ -31,26 +28,17 @@ std::string cachesRoot(const CachesPlace& place) {
                                                                                 : std::string();
 }
 
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
-
 }  // namespace
 
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
-                                     const std::function<void(SearchProgress)>& progress,
+                                     const std::function<void(const SearchProgress&)>& progress,
                                      const std::stop_token& stop) {
     DiskCleanupPlan plan;
     const std::string root = cachesRoot(request.place);
     const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
     const std::int64_t cap = policy::byteCap(request.maxGB);
-    SearchProgress seen;
     const auto visit = [&](const FoundFile& file) {
-        if (seen.filesSeen++ % filesPerProgress == 0) {
-            seen.folder = folderOf(file.path);
-            progress(seen);
-        }
         // Resolving a path costs most, so it comes last.
         if (policy::isEligible(file, cutOff) && policy::fits(plan.bytes, file.bytes, cap) &&
             policy::isInsideUserCaches(resolvedPath(file.path), root)) {
@@ -60,8 +48,7 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
         return plan.urls.size() < policy::maxFilesPerRun;
     };
     if (!root.empty()) {
-        walk.walk(root, visit, stop);
-        progress(seen);
+        walk.walk(root, visit, progress, stop);
     }
     plan.createdAt = clock.now();
     return plan;

@@ -37,10 +37,10 @@ struct CacheScanRequest {
 
 /// Makes a plan of the files that the policy allows. It is empty when the folder of the caches
 /// cannot be read. Ends soon after a stop is requested; the plan is then not complete. `progress`
-/// is called with the first and the last value, and some in between.
+/// is called as `FileWalk` does.
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
-                                     const std::function<void(SearchProgress)>& progress,
+                                     const std::function<void(const SearchProgress&)>& progress,
                                      const std::stop_token& stop);
 
 struct CacheMoveRequest {

@@ -19,6 +19,15 @@ struct FoundFile {
     FileIdentity identity = {};
 };
 
+/// How far a walk or a search is.
+struct SearchProgress {
+    std::int64_t filesSeen = 0;
+    std::int64_t foldersSeen = 0;
+    std::string folder = {};  ///< the one at hand
+
+    bool operator==(const SearchProgress&) const = default;
+};
+
 /// Reads the files of a folder, recursively. Called on background threads.
 class FileWalk {
 public:
@@ -27,15 +36,11 @@ public:
     /// Passes over hidden files and folders, the insides of packages, links, everything that is on
     /// another device than `root` and what cannot be read. Calls `visit` for each regular file, in
     /// the order of the folders, until it answers false or a stop is requested. Does nothing when
-    /// `root` cannot be read.
+    /// `root` cannot be read. `progress` is called on the same thread before each folder is opened,
+    /// which can take long, about every 100 ms while its entries are read, and at the end.
     virtual void walk(const std::string& root, const std::function<bool(const FoundFile&)>& visit,
+                      const std::function<void(const SearchProgress&)>& progress,
                       const std::stop_token& stop) = 0;
-};
-
-/// How far a search is.
-struct SearchProgress {
-    std::int64_t filesSeen = 0;
-    std::string folder;  ///< the one at hand
 };
 
 struct LargestFilesRequest {

@@ -14,6 +14,7 @@
 #include "actions/tool_runner.h"
 #include "core/activity_kinds.h"
 #include "core/activity_log.h"
+#include "core/clock.h"
 #include "core/observable.h"
 #include "disk/file_names.h"
 #include "disk/storage_ranking.h"
@@ -25,6 +26,7 @@ namespace {
 /// More at a time would only make the disk slower.
 constexpr std::size_t workers = 3;
 constexpr std::chrono::milliseconds longestMeasurement{60000};
+constexpr std::chrono::milliseconds progressInterval{200};
 
 }  // namespace
 
@@ -40,12 +42,10 @@ public:
           home_(std::move(home)),
           volumeOf_(std::move(volumeOf)) {}
 
-    /// Measures one area after the other until none is left or a stop is requested. `progress` is
-    /// called after each.
-    void work(ToolRunner& tools, const std::function<void(StorageScanProgress)>& progress,
-              const std::stop_token& stop) {
+    /// Measures one area after the other until none is left or a stop is requested.
+    void work(ToolRunner& tools, const Clock& clock, const std::stop_token& stop) {
         while (!stop.stop_requested()) {
-            const StorageArea* const area = next();
+            const StorageArea* const area = next(clock.now());
             if (area == nullptr) {
                 return;
             }
@@ -58,7 +58,7 @@ public:
                 measured_.push_back(*std::move(measured));
             }
             ++done_;
-            progress({done_, areas_.size()});
+            std::erase_if(atHand_, [area](const AtHand& each) { return each.area == area; });
         }
     }
 
@@ -67,9 +67,16 @@ public:
         const std::lock_guard guard(lock_);
         return measured_;
     }
-    StorageScanProgress progress() const {
+    StorageScanProgress progress(Date now) const {
         const std::lock_guard guard(lock_);
-        return {done_, areas_.size()};
+        StorageScanProgress progress{done_, areas_.size()};
+        if (!atHand_.empty()) {
+            progress.area = atHand_.front().area->label;
+            // The clock may have been set back.
+            progress.seconds = std::max<std::int64_t>(
+                0, static_cast<std::int64_t>(secondsBetween(atHand_.front().since, now)));
+        }
+        return progress;
     }
     /// Complete once all workers are over.
     const std::optional<UsedSpace>& used() const { return used_; }
@@ -84,9 +91,14 @@ public:
     }
 
 private:
-    const StorageArea* next() {
+    struct AtHand {
+        const StorageArea* area;
+        Date since;
+    };
+
+    const StorageArea* next(Date now) {
         const std::lock_guard guard(lock_);
-        return next_ < areas_.size() ? &areas_[next_++] : nullptr;
+        return next_ < areas_.size() ? atHand_.emplace_back(&areas_[next_++], now).area : nullptr;
     }
 
     std::optional<Volume> volumeOf(const std::string& path) const {
@@ -116,6 +128,7 @@ private:
     mutable std::mutex lock_;
     std::size_t next_ = 0;
     std::size_t done_ = 0;
+    std::vector<AtHand> atHand_;  ///< the oldest first
     std::vector<MeasuredArea> measured_;
 };
 
@@ -152,30 +165,33 @@ Outcome StorageScan::scanStorageAreas() {
 
 void StorageScan::measure(const std::shared_ptr<Measuring>& measuring) {
     workersLeft_ = workers;
+    progressTimer_ = dependencies_.services.jobs.mainQueue().scheduleRepeating(
+        progressInterval, [this] { showProgress(); });
     JobScope& jobs = run_.begin();
     for (std::size_t i = 0; i < workers; ++i) {
-        jobs.runWithProgress<StorageScanProgress>(
+        jobs.run(
             Lane::storageScan,
-            [measuring, &tools = dependencies_.tools, isFirst = i == 0, token = run_.stopToken()](
-                const Stop& stop, const auto& report) {
+            [measuring, &tools = dependencies_.tools, &clock = dependencies_.services.clock,
+             isFirst = i == 0, token = run_.stopToken()](const Stop& stop) {
                 const EitherStop either(stop.stopToken(), token);
                 if (isFirst) {
                     measuring->readHomeVolume();
                 }
-                measuring->work(tools, report, either.token());
-            },
-            [this](StorageScanProgress progress) {
-                // Those of another worker may have come first.
-                if (progress.areasDone > state_.progress.areasDone) {
-                    state_.progress = progress;
-                    observable_->changed();
-                }
+                measuring->work(tools, clock, either.token());
             },
             [this] {
                 if (--workersLeft_ == 0) {
                     finish();
                 }
             });
+    }
+}
+
+void StorageScan::showProgress() {
+    StorageScanProgress progress = measuring_->progress(dependencies_.services.clock.now());
+    if (progress != state_.progress) {
+        state_.progress = std::move(progress);
+        observable_->changed();
     }
 }
 
@@ -186,6 +202,7 @@ void StorageScan::finish() {
         finishStopped();
         return;
     }
+    progressTimer_.reset();
     const auto measuring = std::exchange(measuring_, nullptr);
     state_.diskStorageOffenders = rankedOffenders(measuring->measured(), measuring->used());
     state_.diskStorageScanInProgress = false;
@@ -199,8 +216,11 @@ void StorageScan::finish() {
 }
 
 void StorageScan::finishStopped() {
+    progressTimer_.reset();
     const auto measuring = std::exchange(measuring_, nullptr);
-    const auto [done, all] = measuring->progress();
+    const StorageScanProgress progress = measuring->progress(dependencies_.services.clock.now());
+    const std::size_t done = progress.areasDone;
+    const std::size_t all = progress.areas;
     std::vector<DiskStorageOffender> rows = rankedOffenders(measuring->measured(), std::nullopt);
     const std::size_t count = rows.size();
     // Rows of an earlier scan are better than none.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,9 @@ class ToolRunner;
 struct StorageScanProgress {
     std::size_t areasDone = 0;
     std::size_t areas = 0;
+    /// Of those that are being measured, the one that takes longest; empty when there is none.
+    std::string area = {};
+    std::int64_t seconds = 0;  ///< how long that one has taken so far
 
     bool operator==(const StorageScanProgress&) const = default;
 };
@@ -79,6 +83,7 @@ private:
     class Measuring;
 
     void measure(const std::shared_ptr<Measuring>& measuring);
+    void showProgress();
     void finish();
     void finishStopped();
 
@@ -87,6 +92,7 @@ private:
     StorageScanState state_;
     std::shared_ptr<Measuring> measuring_;  ///< null while no scan is in progress
     std::size_t workersLeft_ = 0;
+    std::unique_ptr<RepeatingTimer> progressTimer_;  ///< while a scan is in progress
     StoppableRun run_;
 };
 

@@ -1,5 +1,6 @@
 #include "disk/storage_scan.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -195,17 +196,50 @@ TEST_F(StorageScanTest, WithoutAnyAreaTheAdviceIsGiven) {
     EXPECT_THAT(rows(), IsEmpty());
 }
 
-TEST_F(StorageScanTest, TheProgressCountsTheAreas) {
-    std::vector<std::size_t> seen;
-    const Subscription subscription =
-        storage().observable().subscribe([&] { seen.push_back(state().progress.areasDone); });
+TEST_F(StorageScanTest, TheProgressTellsTheAreaAtHandAndItsTime) {
+    std::vector<StorageScanProgress> seen;
     const auto write = remote.launcher.onLaunch;
-    remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
+    remote.launcher.onLaunch = [&, write](const ToolRequest& request) {
         write(request);
-        mainQueue.drain();
+        // The timer is asked more often than something changes.
+        mainQueue.fireTimers();
+        seen.push_back(state().progress);
+        clock.advance(std::chrono::milliseconds(3500));
+        mainQueue.fireTimers();
+        seen.push_back(state().progress);
+    };
+    storage().scanStorageAreas();
+    ASSERT_THAT(mainQueue.timerIntervals(), SizeIs(1));
+    EXPECT_LE(mainQueue.timerIntervals()[0], std::chrono::milliseconds(250));
+    finishWork();
+    ASSERT_THAT(seen, SizeIs(10));
+    EXPECT_EQ(seen[0], (StorageScanProgress{0, 6, "one", 0}));
+    EXPECT_EQ(seen[1], (StorageScanProgress{0, 6, "one", 3}));
+    EXPECT_EQ(seen[9], (StorageScanProgress{4, 6, "five", 3}));
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty()) << "nothing is to be told any more";
+}
+
+TEST_F(StorageScanTest, AnUnchangedProgressNotifiesNobody) {
+    storage().scanStorageAreas();
+    mainQueue.drain();
+    int changes = 0;
+    const Subscription subscription = storage().observable().subscribe([&] { ++changes; });
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(StorageScanTest, AClockThatWasSetBackGivesNoNegativeTime) {
+    const auto write = remote.launcher.onLaunch;
+    std::int64_t least = 0;
+    remote.launcher.onLaunch = [&, write](const ToolRequest& request) {
+        write(request);
+        clock.advance(-std::chrono::hours(1));
+        mainQueue.fireTimers();
+        least = std::min(least, state().progress.seconds);
     };
     scan();
-    EXPECT_THAT(seen, ElementsAre(0, 1, 2, 3, 4, 6));
+    EXPECT_EQ(least, 0);
 }
 
 TEST_F(StorageScanTest, AStoppedScanShowsWhatItHasWithoutARemainder) {

@@ -45,9 +45,13 @@ public:
     explicit FakeFileWalk(const FakeFiles& files) : files_(files) {}
 
     void walk(const std::string& root, const std::function<bool(const FoundFile&)>& visit,
+              const std::function<void(const SearchProgress&)>& progress,
               const std::stop_token& stop) override {
         roots.push_back(root);
+        SearchProgress seen;
         for (const FoundFile& file : files_.all) {
+            seen = {seen.filesSeen + 1, 1, file.path.substr(0, file.path.rfind('/'))};
+            progress(seen);
             if (stop.stop_requested() ||
                 (file.path.starts_with(root + '/') && !visit(FoundFile(file)))) {
                 return;
@@ -75,7 +79,7 @@ public:
         requests.push_back(request);
         std::vector<FoundFile> result;
         for (const std::string& root : request.roots) {
-            progress({static_cast<std::int64_t>(result.size()), root});
+            progress({static_cast<std::int64_t>(result.size()), 0, root});
             if (searched) {
                 searched(root);
             }

@@ -93,6 +93,9 @@ bool FolderTreeReader::read(const FolderPart& part, const Visit& visit, const st
         if (stop.stop_requested()) {
             return false;
         }
+        if (eachEntry_) {
+            eachEntry_();
+        }
         if (isHidden(entry->name)) {
             continue;
         }

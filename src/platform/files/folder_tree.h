@@ -44,7 +44,9 @@ public:
     using Visit = std::function<bool(const Folder& folder, const char* name,
                                      const file_system::EntryStatus& status)>;
 
-    explicit FolderTreeReader(FolderRules rules) : rules_(std::move(rules)) {}
+    /// `eachEntry` is called before each entry of any kind is looked at; may be absent.
+    explicit FolderTreeReader(FolderRules rules, std::function<void()> eachEntry = {})
+        : rules_(std::move(rules)), eachEntry_(std::move(eachEntry)) {}
 
     /// Visits the files of a part of a folder, and puts on top of `pending` what is to be read
     /// next, its first folder topmost: the folders in it, and the rest of a folder that has very
@@ -56,6 +58,7 @@ private:
     bool enter(const FolderPointer& folder);
 
     FolderRules rules_;
+    std::function<void()> eachEntry_;
     OpenFolders open_;
     file_system::FolderReader reader_;
 };

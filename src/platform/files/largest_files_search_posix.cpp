@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 constexpr auto progressInterval = 100ms;
 constexpr auto patienceAfterStop = 500ms;
 constexpr unsigned mostThreads = 4;
-constexpr std::int64_t filesPerCount = 256;
+constexpr std::int64_t filesPerCount = 16;  // a slow volume takes milliseconds for each
 
 std::size_t threadCount(const TreeRoots& roots) {
     if (std::any_of(roots.identities.begin(), roots.identities.end(), [](const FileIdentity& root) {
@@ -79,6 +79,7 @@ private:
     std::size_t partsAtHand_ = 0;
     std::size_t threads_ = 0;
     FolderPointer folderAtHand_;
+    std::int64_t foldersSeen_ = 0;
     LargestFiles largest_;
     std::atomic<std::int64_t> leastBytes_;
     std::atomic<std::int64_t> filesSeen_ = 0;
@@ -164,6 +165,7 @@ std::optional<FolderPart> Search::take() {
     pending_.pop_back();
     ++partsAtHand_;
     folderAtHand_ = part.folder;
+    foldersSeen_ += part.position == 0 ? 1 : 0;
     return part;
 }
 
@@ -186,11 +188,16 @@ void Search::add(FoundFile file) {
 
 SearchProgress Search::progressNow() {
     FolderPointer folder;
+    SearchProgress progress{.filesSeen = filesSeen_.load(std::memory_order_relaxed)};
     {
         const std::lock_guard guard(lock_);
         folder = folderAtHand_;
+        progress.foldersSeen = foldersSeen_;
     }
-    return {filesSeen_.load(std::memory_order_relaxed), folder ? pathOf(*folder) : std::string()};
+    if (folder) {
+        progress.folder = pathOf(*folder);
+    }
+    return progress;
 }
 
 }  // namespace

@@ -21,13 +21,18 @@ namespace {
 
 constexpr qsizetype mostPathUnits = 240;
 
+/// "1 file", "3 files"
+QString counted(std::int64_t count, const QString& unit) {
+    return dashboard_text::count(count) + u' ' + unit + (count == 1 ? u""_s : u"s"_s);
+}
+
 QString countOf(std::size_t done, std::size_t all, const QString& unit) {
-    return u"%1 of %2 %3"_s.arg(dashboard_text::count(static_cast<std::int64_t>(done)),
-                                dashboard_text::count(static_cast<std::int64_t>(all)), unit);
+    return u"%1 of %2"_s.arg(dashboard_text::count(static_cast<std::int64_t>(done)),
+                             counted(static_cast<std::int64_t>(all), unit));
 }
 
 QString filesMoved(const QString& what, const CleanupProgress& progress) {
-    return u"%1 · %2 · %3"_s.arg(what, countOf(progress.done, progress.all, u"files"_s),
+    return u"%1 · %2 · %3"_s.arg(what, countOf(progress.done, progress.all, u"file"_s),
                                  sizeText(progress.movedBytes));
 }
 
@@ -72,7 +77,8 @@ QString sizeText(std::int64_t bytes) {
 }
 
 QString searchLine(const QString& what, const SearchProgress& progress) {
-    QString line = u"%1 · %2 files seen"_s.arg(what, dashboard_text::count(progress.filesSeen));
+    QString line = u"%1 · %2 in %3"_s.arg(what, counted(progress.filesSeen, u"file"_s),
+                                          counted(progress.foldersSeen, u"folder"_s));
     if (!progress.folder.empty()) {
         line += u" · "_s + boundedPath(progress.folder);
     }
@@ -88,7 +94,12 @@ QString putBackLine(const CleanupProgress& progress) {
 }
 
 QString storageScanLine(const StorageScanProgress& progress) {
-    return u"Measuring · "_s + countOf(progress.areasDone, progress.areas, u"areas"_s);
+    QString line = u"Measuring · "_s + countOf(progress.areasDone, progress.areas, u"area"_s);
+    if (!progress.area.empty()) {
+        line += u" · %1, %2 s"_s.arg(dashboard_text::text(progress.area),
+                                     dashboard_text::count(progress.seconds));
+    }
+    return line;
 }
 
 std::vector<StorageLine> storageLines(const std::vector<DiskStorageOffender>& rows) {

@@ -66,13 +66,14 @@ std::vector<int> percentsOfLargest(const std::vector<Row>& rows) {
 /// The size of a file or folder, given in bytes: "512 MB", "1.5 GB".
 QString sizeText(std::int64_t bytes);
 
-/// "Looking for old cache files · 1,200 files seen · FOLDER", where `what` is the beginning.
+/// "Looking for old cache files · 1,200 files in 80 folders · FOLDER", where `what` is the
+/// beginning.
 QString searchLine(const QString& what, const SearchProgress& progress);
 /// "Moving to Trash · 12 of 40 files · 80 MB"
 QString cleanupLine(const CleanupProgress& progress);
 /// "Putting back · 12 of 40 files · 80 MB"
 QString putBackLine(const CleanupProgress& progress);
-/// "Measuring · 3 of 19 areas"
+/// "Measuring · 3 of 19 areas · Documents, 12 s", the last part while one is being measured.
 QString storageScanLine(const StorageScanProgress& progress);
 
 /// An area of the disk, with its share of the largest one.

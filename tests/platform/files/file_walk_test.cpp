@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <ctime>
 #include <set>
@@ -28,12 +29,13 @@ using testing::UnorderedElementsAre;
 
 std::vector<FoundFile> walk(const std::string& root) {
     std::vector<FoundFile> files;
-    PosixFileWalk().walk(root,
-                         [&](const FoundFile& file) {
-                             files.push_back(file);
-                             return true;
-                         },
-                         {});
+    PosixFileWalk().walk(
+        root,
+        [&](const FoundFile& file) {
+            files.push_back(file);
+            return true;
+        },
+        [](const SearchProgress&) {}, {});
     return files;
 }
 
@@ -176,12 +178,46 @@ TEST_F(FileWalkTest, GivesTheFilesOfAFolderOneAfterAnother) {
     EXPECT_THAT(folders, UnorderedElementsAre("a", "a/b", "c"));
 }
 
+TEST_F(FileWalkTest, TellsEachFolderBeforeItIsOpenedAndTheEnd) {
+    tree.file("a/1");
+    tree.file("a/2");
+    tree.link("1", "a/link");
+    std::vector<SearchProgress> reports;
+    const auto walkTree = [&] {
+        // No time passes.
+        PosixFileWalk([] { return std::chrono::steady_clock::time_point(); })
+            .walk(
+                tree.path(), [](const FoundFile&) { return true; },
+                [&](const SearchProgress& now) { reports.push_back(now); }, {});
+    };
+    walkTree();
+    EXPECT_THAT(reports,
+                ElementsAre(SearchProgress{0, 0, tree.path()}, SearchProgress{0, 1, tree.path()},
+                            SearchProgress{0, 2, tree / "a"}, SearchProgress{2, 2, tree / "a"}));
+}
+
+TEST_F(FileWalkTest, TellsItsProgressByTimeAlsoWhereNothingIsFound) {
+    for (int number = 0; number < 10; ++number) {
+        tree.link("nothing", std::to_string(number));
+    }
+    std::chrono::steady_clock::time_point now;
+    int reports = 0;
+    PosixFileWalk([&] { return now += std::chrono::milliseconds(60); })
+        .walk(
+            tree.path(), [](const FoundFile&) { return true; },
+            [&](const SearchProgress&) { ++reports; }, {});
+    constexpr int entries = 12;  // with those for the folder itself and the one above
+    EXPECT_EQ(reports, 3 + entries / 2) << "the beginning, the root, the end, and every 120 ms";
+}
+
 TEST_F(FileWalkTest, EndsWhenTheVisitorSaysSo) {
     for (int number = 0; number < 20; ++number) {
         tree.file(std::to_string(number % 4) + '/' + std::to_string(number));
     }
     int visited = 0;
-    PosixFileWalk().walk(tree.path(), [&](const FoundFile&) { return ++visited < 7; }, {});
+    PosixFileWalk().walk(
+        tree.path(), [&](const FoundFile&) { return ++visited < 7; }, [](const SearchProgress&) {},
+        {});
     EXPECT_EQ(visited, 7);
 }
 
@@ -197,9 +233,11 @@ TEST_F(FileWalkTest, EndsAtAStop) {
         }
         return true;
     };
-    PosixFileWalk().walk(tree.path(), visit, stop.get_token());
+    PosixFileWalk().walk(
+        tree.path(), visit, [](const SearchProgress&) {}, stop.get_token());
     EXPECT_EQ(visited, 3);
-    PosixFileWalk().walk(tree.path(), visit, stop.get_token());
+    PosixFileWalk().walk(
+        tree.path(), visit, [](const SearchProgress&) {}, stop.get_token());
     EXPECT_EQ(visited, 3);
 }
 
@@ -211,18 +249,19 @@ TEST_F(FileWalkTest, GoesOnWhenAFolderVanishesOrIsReplaced) {
     tree.file("c/2");
     // Whichever of the two comes first, the other and its folders are replaced by a link.
     std::vector<std::string> seen;
-    PosixFileWalk().walk(tree.path(),
-                         [&](const FoundFile& file) {
-                             const std::string name = tree.names({file})[0];
-                             const std::string other = name.starts_with("a") ? "c" : "a";
-                             if (seen.empty()) {
-                                 std::filesystem::rename(tree / other, elsewhere / "moved");
-                                 tree.link(elsewhere.path(), other);
-                             }
-                             seen.push_back(name);
-                             return true;
-                         },
-                         {});
+    PosixFileWalk().walk(
+        tree.path(),
+        [&](const FoundFile& file) {
+            const std::string name = tree.names({file})[0];
+            const std::string other = name.starts_with("a") ? "c" : "a";
+            if (seen.empty()) {
+                std::filesystem::rename(tree / other, elsewhere / "moved");
+                tree.link(elsewhere.path(), other);
+            }
+            seen.push_back(name);
+            return true;
+        },
+        [](const SearchProgress&) {}, {});
     ASSERT_THAT(seen, testing::Not(IsEmpty()));
     for (const std::string& name : seen) {
         EXPECT_EQ(name[0], seen[0][0]) << name;

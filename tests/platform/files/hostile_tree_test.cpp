@@ -75,12 +75,13 @@ std::vector<FoundFile> find(const std::string& root, std::int64_t minimum = 1) {
 
 std::vector<FoundFile> walk(const std::string& root) {
     std::vector<FoundFile> files;
-    PosixFileWalk().walk(root,
-                         [&](const FoundFile& file) {
-                             files.push_back(file);
-                             return true;
-                         },
-                         {});
+    PosixFileWalk().walk(
+        root,
+        [&](const FoundFile& file) {
+            files.push_back(file);
+            return true;
+        },
+        [](const SearchProgress&) {}, {});
     return files;
 }
 

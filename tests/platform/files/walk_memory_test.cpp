@@ -18,13 +18,14 @@ std::size_t mostBytesOfWalk(const FileTree& tree, int expectedFiles) {
     const std::size_t before = inUse();
     std::size_t most = before;
     int files = 0;
-    PosixFileWalk().walk(tree.path(),
-                         [&](const FoundFile&) {
-                             ++files;
-                             most = std::max(most, inUse());
-                             return true;
-                         },
-                         {});
+    PosixFileWalk().walk(
+        tree.path(),
+        [&](const FoundFile&) {
+            ++files;
+            most = std::max(most, inUse());
+            return true;
+        },
+        [](const SearchProgress&) {}, {});
     EXPECT_EQ(files, expectedFiles);
     return most - before;
 }

@@ -95,12 +95,13 @@ TEST_F(TrashSubvolumesTest, TheWalkOverTheCachesDoesNotEnterOne) {
         addSubvolume(home / ".cache/part");
         write(inCache("part/inside"), "content");
         std::vector<std::string> found;
-        PosixFileWalk().walk(home / ".cache",
-                             [&](const FoundFile& file) {
-                                 found.push_back(file.path);
-                                 return true;
-                             },
-                             {});
+        PosixFileWalk().walk(
+            home / ".cache",
+            [&](const FoundFile& file) {
+                found.push_back(file.path);
+                return true;
+            },
+            [](const SearchProgress&) {}, {});
         EXPECT_THAT(found, ElementsAre(inCache("plain")));
     });
 }

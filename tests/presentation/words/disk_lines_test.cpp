@@ -69,10 +69,14 @@ TEST(DiskTrustLine, IsUnlockedByRunsAndTrust) {
 }
 
 TEST(DiskProgressLines, SayHowFarTheWorkIs) {
-    EXPECT_EQ(searchLine(u"Analyzing"_s, {5, ""}), u"Analyzing · 5 files seen"_s);
-    EXPECT_EQ(searchLine(u"Analyzing"_s, {5, "/a\tb"}), u"Analyzing · 5 files seen · /a\uFFFDb"_s);
+    EXPECT_EQ(searchLine(u"Analyzing"_s, {5, 2, ""}), u"Analyzing · 5 files in 2 folders"_s);
+    EXPECT_EQ(searchLine(u"Analyzing"_s, {1, 1, "/a\tb"}),
+              u"Analyzing · 1 file in 1 folder · /a\uFFFDb"_s);
     EXPECT_EQ(cleanupLine({1, 2, 1, 1048576}), u"Moving to Trash · 1 of 2 files · 1 MB"_s);
+    EXPECT_EQ(cleanupLine({1, 1, 1, 1048576}), u"Moving to Trash · 1 of 1 file · 1 MB"_s);
     EXPECT_EQ(storageScanLine({0, 19}), u"Measuring · 0 of 19 areas"_s);
+    EXPECT_EQ(storageScanLine({3, 19, "Documents", 12}),
+              u"Measuring · 3 of 19 areas · Documents, 12 s"_s);
 }
 
 TEST(UndoLine, SaysWhetherAndHowMuch) {

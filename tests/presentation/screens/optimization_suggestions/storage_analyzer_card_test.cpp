@@ -68,11 +68,11 @@ TEST_F(StorageAnalyzerCardTest, AnAnalysisCanBeFollowedAndStopped) {
     click("suggestions.analyze-files");
     EXPECT_EQ(begun.count(), 1);
     state.storageAnalyzerBusy = true;
-    state.progress = {1234, "/home/owner/Down\nloads"};
+    state.progress = {1234, 5, "/home/owner/Down\nloads"};
     show();
     EXPECT_FALSE(button("suggestions.analyze-files").isEnabled());
     EXPECT_EQ(textOf("suggestions.storage-analyzer-progress"),
-              u"Analyzing · 1,234 files seen · /home/owner/Down\uFFFDloads"_s);
+              u"Analyzing · 1,234 files in 5 folders · /home/owner/Down\uFFFDloads"_s);
     click("suggestions.storage-analyzer-progress-stop");
     EXPECT_EQ(stops.count(), 1);
     state.isStopping = true;
