@@ -1,6 +1,8 @@
-// The cost of a clean-up: moving the most files that one run may move.
+// The cost of a clean-up: a plan over a large cache, and moving the most files that one run may
+// move.
 
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -57,6 +59,35 @@ void moveCacheFiles(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
+
+/// A plan over a cache of 200,000 files of which none is old, so that each is looked at.
+void planCacheFiles(benchmark::State& state) {
+    constexpr int folders = 2000;
+    constexpr int filesPerFolder = 100;
+    const TemporaryFolder home;
+    for (int folder = 0; folder < folders; ++folder) {
+        const std::filesystem::path path =
+            home.path() / ".cache/program" / std::to_string(folder % 100) / std::to_string(folder);
+        std::filesystem::create_directories(path);
+        for (int file = 0; file < filesPerFolder; ++file) {
+            std::ofstream(path / ("object " + std::to_string(file)));
+        }
+    }
+    const SystemClock clock;
+    const CachesPlace place{home.path(".cache"), home.path(), {}};
+    PosixFileWalk walk;
+    std::int64_t seen = 0;
+    for (auto _ : state) {
+        buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock,
+                             [&](const SearchProgress& progress) { seen = progress.filesSeen; },
+                             {});
+    }
+    if (seen != std::int64_t{folders} * filesPerFolder) {
+        state.SkipWithError("not all files were seen");
+    }
+}
+
+BENCHMARK(planCacheFiles)->Unit(benchmark::kMillisecond);
 
 BENCHMARK(moveCacheFiles)
     ->ArgName("one name")

@@ -135,13 +135,14 @@ TEST_F(BackupTest, AClockThatWasSetBackGivesNoRate) {
 
 TEST_F(BackupTest, AStoppedCopyLeavesAReceipt) {
     backUpTo("/media/disk");
+    diskPorts.copy->isChecking = true;
     diskPorts.copy->copying = [this] {
         EXPECT_EQ(files().stopBackup(), Outcome::asked());
         EXPECT_EQ(files().stopBackup(), Outcome::ignored());
         EXPECT_TRUE(state().backup->isStopping);
         EXPECT_EQ(state().storageAnalyzerStatus, "Stopping the backup of film.mov…");
-        diskPorts.copy->isChecking = true;
         mainQueue.turn();
+        EXPECT_TRUE(state().backup->isChecking);
         EXPECT_EQ(state().storageAnalyzerStatus, "Stopping the backup of film.mov…");
     };
     finishWork();

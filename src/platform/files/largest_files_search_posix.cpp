@@ -63,7 +63,7 @@ private:
 
     /// Absent when everything is read or a stop was requested. Otherwise to be followed by `put`.
     std::optional<FolderPart> take();
-    void put(std::vector<FolderPart>& found);
+    void put(const FolderPart& read, std::vector<FolderPart>& found);
     void add(FoundFile file);
     SearchProgress progressNow();
 
@@ -75,10 +75,10 @@ private:
     std::condition_variable partsChanged_;
     std::condition_variable threadEnded_;
     FolderRules rules_;
-    std::vector<FolderPart> pending_;  ///< the next on top, so that it stays short
-    std::size_t partsAtHand_ = 0;
+    std::vector<FolderPart> pending_;           ///< the next on top, so that it stays short
+    std::vector<FolderPointer> foldersAtHand_;  ///< the oldest first, which may be one that hangs
     std::size_t threads_ = 0;
-    FolderPointer folderAtHand_;
+    FolderPointer latestFolder_;
     std::int64_t foldersSeen_ = 0;
     LargestFiles largest_;
     std::atomic<std::int64_t> leastBytes_;
@@ -151,28 +151,29 @@ void Search::readFolders() {
     while (const std::optional<FolderPart> part = take()) {
         reader.read(*part, visit, stop_, found);
         filesSeen_.fetch_add(std::exchange(seen, 0), std::memory_order_relaxed);
-        put(found);
+        put(*part, found);
     }
 }
 
 std::optional<FolderPart> Search::take() {
     std::unique_lock guard(lock_);
-    partsChanged_.wait(guard, [this] { return !pending_.empty() || partsAtHand_ == 0; });
+    partsChanged_.wait(guard, [this] { return !pending_.empty() || foldersAtHand_.empty(); });
     if (pending_.empty() || stop_.stop_requested()) {
         return std::nullopt;
     }
     FolderPart part = std::move(pending_.back());
     pending_.pop_back();
-    ++partsAtHand_;
-    folderAtHand_ = part.folder;
+    foldersAtHand_.push_back(part.folder);
+    latestFolder_ = part.folder;
     foldersSeen_ += part.position == 0 ? 1 : 0;
     return part;
 }
 
-void Search::put(std::vector<FolderPart>& found) {
+void Search::put(const FolderPart& read, std::vector<FolderPart>& found) {
     {
         const std::lock_guard guard(lock_);
-        --partsAtHand_;
+        foldersAtHand_.erase(
+            std::ranges::find(foldersAtHand_, read.folder.get(), &FolderPointer::get));
         pending_.insert(pending_.end(), std::make_move_iterator(found.begin()),
                         std::make_move_iterator(found.end()));
     }
@@ -191,7 +192,7 @@ SearchProgress Search::progressNow() {
     SearchProgress progress{.filesSeen = filesSeen_.load(std::memory_order_relaxed)};
     {
         const std::lock_guard guard(lock_);
-        folder = folderAtHand_;
+        folder = foldersAtHand_.empty() ? latestFolder_ : foldersAtHand_.front();
         progress.foldersSeen = foldersSeen_;
     }
     if (folder) {

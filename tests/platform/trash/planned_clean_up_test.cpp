@@ -9,9 +9,11 @@
 #include <array>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <map>
 #include <optional>
 #include <stop_token>
@@ -22,8 +24,10 @@
 #include <gtest/gtest.h>
 
 #include "disk/cache_cleanup.h"
+#include "platform/base/unique_fd.h"
 #include "platform/files/file_walk_posix.h"
 #include "platform/trash/file_status.h"
+#include "tests/platform/trash/own_mounts.h"
 #include "tests/platform/trash/swap_names.h"
 #include "tests/platform/trash/trash_fixture.h"
 #include "tests/support/eventually.h"
@@ -222,6 +226,49 @@ TEST_F(PlannedCleanUpTest, FollowsALinkThatTheOwnerMadeToTheCachesAndNoneBelow) 
     EXPECT_EQ(carryOut(plan()), (CleanupProgress{1, 1, 1, 3}));
     EXPECT_THAT(movedNames(), UnorderedElementsAre("a"));
     EXPECT_EQ(fileText(home / "Documents/letter"), "mine");
+}
+
+TEST_F(PlannedCleanUpTest, PassesOverAFileOfTheLargestSize) {
+    inOwnMounts([&] {
+        mountMemory(home / ".cache");
+        const std::string huge = write(inCache("huge"), "");
+        fs::resize_file(huge, std::numeric_limits<std::int64_t>::max());
+        old("small");
+        const std::array<timespec, 2> times{timespec{1, 0}, timespec{1, 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, huge.c_str(), times.data(), 0), 0);
+        const DiskCleanupPlan made = plan();
+        ASSERT_THAT(made.urls, SizeIs(1));
+        EXPECT_EQ(made.urls[0].path, inCache("small"));
+        EXPECT_EQ(made.bytes, 3);
+        // Nor does it count for the others when one of them has become as large.
+        fs::resize_file(made.urls[0].path, std::numeric_limits<std::int64_t>::max());
+        EXPECT_EQ(carryOut(made), (CleanupProgress{1, 1, 0, 0}));
+        EXPECT_TRUE(fs::exists(made.urls[0].path));
+    });
+}
+
+TEST_F(PlannedCleanUpTest, AFileBelowFiveThousandFoldersStays) {
+    inOwnMounts([&] {
+        mountMemory(home / ".cache", "size=64m");
+        const std::string shallow = old("file");
+        UniqueFD folder(::open(inCache("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        for (int level = 0; level < 5000; ++level) {
+            ASSERT_EQ(::mkdirat(folder.get(), "d", 0755), 0);
+            folder = UniqueFD(::openat(folder.get(), "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        }
+        ASSERT_EQ(::linkat(AT_FDCWD, shallow.c_str(), folder.get(), "deep", 0), 0);
+        int visited = 0;
+        PosixFileWalk().walk(
+            home / ".cache", [&](const FoundFile&) { return ++visited > 0; },
+            [](const SearchProgress&) {}, {});
+        EXPECT_EQ(visited, 2);
+        // No path leads to it, so that nobody could restore it.
+        const DiskCleanupPlan made = plan();
+        ASSERT_THAT(made.urls, SizeIs(1));
+        EXPECT_EQ(made.urls[0].path, shallow);
+        EXPECT_EQ(carryOut(made).moved, 1U);
+        EXPECT_EQ(::faccessat(folder.get(), "deep", F_OK, AT_SYMLINK_NOFOLLOW), 0);
+    });
 }
 
 TEST_F(PlannedCleanUpTest, TakesNamesThatAreNoText) {
