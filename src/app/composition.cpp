@@ -17,7 +17,6 @@
 #include "platform/files/volume_of.h"
 #include "platform/host.h"
 #include "platform/locale/posix_locale.h"
-#include "platform/trash/system_trash.h"
 
 namespace tallowcrest {
 namespace {
@@ -37,15 +36,16 @@ OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
 }
 
 /// Without the owner's settings to write, only what reads.
-DiskPorts diskPorts(SettingsAccess access, const Clock& clock, DiskDesktopPorts desktop) {
+DiskPorts diskPorts(SettingsAccess access, const Clock& clock, DesktopServices& desktop) {
     DiskPorts ports{
         .largestFiles = std::make_shared<PosixLargestFilesSearch>(host::lowerThreadPriority),
         .places = host::diskPlaces(),
-        .desktop = std::move(desktop),
+        .desktop = std::move(desktop.disk),
         .volumeOf = volumeOf};
     if (access == SettingsAccess::readWrite) {
         ports.walk = std::make_shared<PosixFileWalk>();
-        ports.trash = host::makeTrash(clock, utcOffsetOfThisMachine);
+        ports.trash =
+            desktop.makeTrash ? desktop.makeTrash(clock, utcOffsetOfThisMachine) : nullptr;
         ports.copy = std::make_shared<PosixFileCopy>();
     }
     return ports;
@@ -93,7 +93,7 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
         .reports = {.folder = reportFolder, .utcOffset = utcOffsetOfThisMachine},
         .advisor =
             desktop.makeAdvisorPorts ? desktop.makeAdvisorPorts(stop_.get_token()) : AdvisorPorts(),
-        .disk = diskPorts(access, clock_, std::move(desktop.disk)),
+        .disk = diskPorts(access, clock_, desktop),
         .integration = std::move(desktop.integration),
         .sampleApplied = std::move(sampleApplied)};
     monitor_.emplace(ports, HostFacts{.cpuCount = host::activeProcessorCount(),

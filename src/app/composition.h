@@ -9,7 +9,10 @@
 
 #include "actions/graceful_quit.h"
 #include "advisor/advisor_ports.h"
+#include "core/clock.h"
+#include "core/date.h"
 #include "core/jobs/jobs.h"
+#include "disk/trash.h"
 #include "monitor/system_monitor.h"
 #include "platform/base/report_folder_posix.h"
 #include "platform/base/system_clock.h"
@@ -33,6 +36,8 @@ struct DesktopServices {
     /// A requested stop ends what waits in the ports.
     std::function<AdvisorPorts(std::stop_token)> makeAdvisorPorts = {};
     DiskDesktopPorts disk = {};
+    /// The desktop's Trash; without it nothing is moved there.
+    std::function<std::shared_ptr<Trash>(const Clock&, UTCOffset)> makeTrash = {};
     IntegrationPorts integration = {};
     /// Null for that of the C library.
     std::shared_ptr<const Locale> locale = {};

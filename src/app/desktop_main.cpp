@@ -37,6 +37,7 @@
 #include "platform/host.h"
 #include "platform/instance/instance_guard.h"
 #include "platform/instance/instance_place.h"
+#include "platform/trash/system_trash.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/shell/status_item.h"
 #include "presentation/widgets/crest_style.h"
@@ -179,6 +180,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
                                      std::make_shared<HttpModule>()};
              },
          .disk = {.reveal = desktop::revealFile, .chooseFolder = desktop::chooseFolder},
+         .makeTrash = host::makeTrash,
          .integration = {.notifications = notifications.get(),
                          .openRoute = openRoute,
                          .install = desktopInstallPorts(),

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstddef>
 
+#include <fmt/format.h>
+
 #include "integration/startup_files.h"
 
 namespace tallowcrest {
@@ -51,6 +53,23 @@ LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
             .running = places.program.empty() ? std::string() : places.program + '/' + linuxProgram,
             .text = autostartEntry,
             .loader = {}};
+}
+
+std::string bundlePathOf(std::string_view executable) {
+    std::string_view bundle = executable.substr(0, executable.rfind('/') + 1);
+    constexpr std::string_view programs = ".app/Contents/MacOS/";
+    if (bundle.ends_with(programs)) {
+        bundle.remove_suffix(std::string_view("Contents/MacOS/").size());
+    }
+    std::string path;
+    for (const char character : bundle) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                             (byte >= '0' && byte <= '9') ||
+                             std::string_view("/-._~").find(character) != std::string_view::npos;
+        path += isPlain ? std::string(1, character) : fmt::format("%{:02X}", byte);
+    }
+    return path;
 }
 
 InstallPlan macOSInstallPlan(std::string_view bundlePath) {

@@ -48,7 +48,11 @@ struct LinuxInstallPlaces {
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places);
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 
-/// `bundlePath` is the path in the URL of the running bundle, percent-encoded.
+/// The path in the URL of the bundle that a program is in, percent-encoded; that of its folder when
+/// it is in none. Empty for an empty path.
+std::string bundlePathOf(std::string_view executable);
+
+/// `bundlePath` as above.
 InstallPlan macOSInstallPlan(std::string_view bundlePath);
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
 

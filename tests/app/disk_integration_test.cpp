@@ -26,6 +26,7 @@
 #include "core/confirmation_desk.h"
 #include "disk/disk.h"
 #include "platform/base/run_loop.h"
+#include "platform/trash/system_trash.h"
 #include "tests/app/own_disk_places.h"
 #include "tests/support/file_text.h"
 
@@ -40,7 +41,7 @@ using ::testing::SizeIs;
 
 class DiskIntegrationTest : public ::testing::Test {
 protected:
-    DiskIntegrationTest() : composition(loop, SettingsAccess::readWrite, {.disk = desktop()}) {}
+    DiskIntegrationTest() : composition(loop, SettingsAccess::readWrite, {.disk = desktop(), .makeTrash = host::makeTrash}) {}
 
     DiskDesktopPorts desktop() {
         return {.reveal = [this](const fs::path& file) { revealed.push_back(file); },

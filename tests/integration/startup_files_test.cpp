@@ -66,6 +66,18 @@ TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
     EXPECT_EQ(macOSLoginPlan("/My%20Apps/T.app/", "/Users/o").running, "/My Apps/T.app");
 }
 
+TEST(InstallPlan, ABundleIsFoundFromTheProgramInIt) {
+    EXPECT_EQ(bundlePathOf("/My Apps/50% Té.app/Contents/MacOS/tallowcrest"),
+              "/My%20Apps/50%25%20T%C3%A9.app/");
+    EXPECT_EQ(bundlePathOf("/opt/T.app/Contents/Helpers/tallowcrest"),
+              "/opt/T.app/Contents/Helpers/");
+    EXPECT_EQ(bundlePathOf("/opt/tallowcrest"), "/opt/");
+    EXPECT_EQ(bundlePathOf("/tallowcrest"), "/");
+    EXPECT_EQ(bundlePathOf(""), "");
+    EXPECT_EQ(macOSInstallPlan(bundlePathOf("/a%20b/T.app/Contents/MacOS/t")).bundle,
+              "/a%20b/T.app");
+}
+
 TEST(InstallPlan, WithoutAHomeDirectoryThereIsNone) {
     const LinuxInstallPlaces places{
         .home = "", .data = "/data", .configuration = "/c", .program = "/unpacked"};

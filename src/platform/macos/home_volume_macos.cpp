@@ -1,40 +1,46 @@
 #include "platform/macos/home_volume_macos.h"
 
-#include <CoreFoundation/CoreFoundation.h>
-
+#include "platform/macos/core_foundation.h"
 #include "sampling/binary_units.h"
 
 namespace tallowcrest {
 namespace {
 
 /// 0 when the value is not available.
-double readCapacityGB(CFURLRef directory, CFStringRef key) {
-    CFTypeRef value = nullptr;
-    if (!CFURLCopyResourcePropertyForKey(directory, key, &value, nullptr) || value == nullptr) {
+double readCapacityGB(const CoreFoundation& framework, CoreFoundation::Object folder,
+                      CoreFoundation::Object key) {
+    CoreFoundation::Object value = nullptr;
+    if (framework.CFURLCopyResourcePropertyForKey(folder, key, &value, nullptr) == 0 ||
+        value == nullptr) {
         return 0.0;
     }
     double bytes = 0.0;
-    if (CFGetTypeID(value) == CFNumberGetTypeID()) {
-        CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberDoubleType, &bytes);
+    if (framework.CFGetTypeID(value) == framework.CFNumberGetTypeID()) {
+        framework.CFNumberGetValue(value, CoreFoundation::doubleNumber, &bytes);
     }
-    CFRelease(value);
+    framework.CFRelease(value);
     return bytes * gigabytesPerByte;
 }
 
 }  // namespace
 
 DiskSnapshot MacHomeVolume::readDiskSnapshot() {
+    const CoreFoundation* const framework = coreFoundation();
+    if (framework == nullptr) {
+        return {};
+    }
     // A new URL each time, because a URL object caches the values read through it.
-    const CFURLRef directory = CFURLCreateFromFileSystemRepresentation(
-        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(homeDirectory_.data()),
-        static_cast<CFIndex>(homeDirectory_.size()), true);
-    if (directory == nullptr) {
+    const CoreFoundation::Object folder = framework->CFURLCreateFromFileSystemRepresentation(
+        nullptr, reinterpret_cast<const unsigned char*>(homeDirectory_.data()),
+        static_cast<CoreFoundation::Index>(homeDirectory_.size()), 1);
+    if (folder == nullptr) {
         return {};
     }
     DiskSnapshot disk;
-    disk.totalGB = readCapacityGB(directory, kCFURLVolumeTotalCapacityKey);
-    disk.freeGB = readCapacityGB(directory, kCFURLVolumeAvailableCapacityForImportantUsageKey);
-    CFRelease(directory);
+    disk.totalGB = readCapacityGB(*framework, folder, *framework->kCFURLVolumeTotalCapacityKey);
+    disk.freeGB = readCapacityGB(*framework, folder,
+                                 *framework->kCFURLVolumeAvailableCapacityForImportantUsageKey);
+    framework->CFRelease(folder);
     return disk;
 }
 

@@ -1,11 +1,9 @@
-#include <mach-o/dyld.h>
-#include <pthread.h>
-#include <sys/sysctl.h>
-#include <sys/time.h>
+// The choices of this system. What asks its kernel is in files of its own, so that a test can run
+// this one on recorded answers.
+
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <string>
 
@@ -70,17 +68,6 @@ std::filesystem::path dataDirectory() {
                               : std::filesystem::path{};
 }
 
-std::filesystem::path executablePath() {
-    std::uint32_t size = 0;
-    _NSGetExecutablePath(nullptr, &size);
-    std::string path(size, '\0');
-    if (_NSGetExecutablePath(path.data(), &size) != 0) {
-        return {};
-    }
-    path.resize(path.find('\0') == std::string::npos ? path.size() : path.find('\0'));
-    return path;
-}
-
 std::vector<std::string> activityMonitors() {
     return {"/System/Applications/Utilities/Activity Monitor.app"};
 }
@@ -91,25 +78,6 @@ std::vector<std::string> tailscaleApps() {
 
 TailscaleDaemon tailscaleDaemon() {
     return {};
-}
-
-void lowerThreadPriority() {
-    pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
-}
-
-std::chrono::duration<double, std::milli> timeSinceProcessStart() {
-    kinfo_proc info{};
-    std::size_t size = sizeof info;
-    std::array<int, 4> name{CTL_KERN, KERN_PROC, KERN_PROC_PID, getpid()};
-    timeval now{};
-    if (sysctl(name.data(), static_cast<unsigned>(name.size()), &info, &size, nullptr, 0) != 0 ||
-        gettimeofday(&now, nullptr) != 0) {
-        return {};
-    }
-    const timeval& start = info.kp_proc.p_starttime;
-    return std::chrono::duration<double, std::milli>(
-        static_cast<double>(now.tv_sec - start.tv_sec) * 1e3 +
-        static_cast<double>(now.tv_usec - start.tv_usec) / 1e3);
 }
 
 bool hasDisplay() {

@@ -1,6 +1,4 @@
-#include <CoreFoundation/CoreFoundation.h>
-
-#include <array>
+#include <string>
 
 #include "disk/storage_areas.h"
 #include "platform/base/environment.h"
@@ -9,24 +7,8 @@
 namespace tallowcrest::host {
 namespace {
 
-/// The path in the URL of the running bundle, percent-encoded; empty when unknown.
 std::string bundlePath() {
-    const CFBundleRef bundle = CFBundleGetMainBundle();
-    const CFURLRef url = bundle == nullptr ? nullptr : CFBundleCopyBundleURL(bundle);
-    if (url == nullptr) {
-        return {};
-    }
-    std::array<char, 4096> path{};
-    const CFStringRef text = CFURLCopyPath(url);
-    if (text == nullptr ||
-        !CFStringGetCString(text, path.data(), path.size(), kCFStringEncodingUTF8)) {
-        path.front() = '\0';
-    }
-    if (text != nullptr) {
-        CFRelease(text);
-    }
-    CFRelease(url);
-    return path.data();
+    return bundlePathOf(executablePath().string());
 }
 
 }  // namespace

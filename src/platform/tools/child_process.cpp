@@ -70,10 +70,11 @@ public:
         }
         sigset_t blocked;
         sigset_t defaulted;
-        ::sigemptyset(&blocked);
-        ::sigfillset(&defaulted);
-        ::sigdelset(&defaulted, SIGKILL);
-        ::sigdelset(&defaulted, SIGSTOP);
+        // Macros on macOS, where a scope before them does not compile.
+        sigemptyset(&blocked);
+        sigfillset(&defaulted);
+        sigdelset(&defaulted, SIGKILL);
+        sigdelset(&defaulted, SIGSTOP);
         if (error_ == 0) {
             error_ = ::posix_spawnattr_setsigmask(&attributes_, &blocked);
         }

@@ -1,4 +1,4 @@
-#include "platform/macos/user_notification_center.h"
+#include "platform/desktop/user_notification_center.h"
 
 #import <Foundation/Foundation.h>
 #import <UserNotifications/UserNotifications.h>

@@ -1,4 +1,4 @@
-#include "platform/macos/keychain_secret_store.h"
+#include "platform/desktop/keychain_secret_store.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <Security/Security.h>

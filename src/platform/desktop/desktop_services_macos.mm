@@ -5,8 +5,8 @@
 #include "actions/apple_script_quit.h"
 #include "platform/desktop_services.h"
 #include "platform/host.h"
-#include "platform/macos/keychain_secret_store.h"
-#include "platform/macos/user_notification_center.h"
+#include "platform/desktop/keychain_secret_store.h"
+#include "platform/desktop/user_notification_center.h"
 
 namespace tallowcrest::desktop {
 

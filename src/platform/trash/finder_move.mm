@@ -1,0 +1,23 @@
+#import <Foundation/Foundation.h>
+
+#include "platform/trash/finder_trash.h"
+
+namespace tallowcrest {
+
+FinderTrash::Moved moveByFinder(const std::string& path) {
+    @autoreleasepool {
+        NSURL* const url = [NSURL fileURLWithFileSystemRepresentation:path.c_str()
+                                                          isDirectory:NO
+                                                        relativeToURL:nil];
+        NSURL* stored = nil;
+        NSError* error = nil;
+        if (![NSFileManager.defaultManager trashItemAtURL:url
+                                         resultingItemURL:&stored
+                                                    error:&error]) {
+            return {.error = error.localizedDescription.UTF8String};
+        }
+        return {.isDone = true, .stored = stored == nil ? "" : stored.fileSystemRepresentation};
+    }
+}
+
+}  // namespace tallowcrest

@@ -1,3 +1,0 @@
-#pragma once
-
-extern "C" char*** _NSGetEnviron();
