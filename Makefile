@@ -3,7 +3,7 @@
 
 .DEFAULT_GOAL := help
 .PHONY: help build run test check bench screenshots fuzz trash-proof asan tsan fleet-check format
-.PHONY: format-check tidy clean package package-check
+.PHONY: format-check tidy clean package package-check macos-check
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
@@ -28,6 +28,7 @@ help:
 	@echo 'make build         build what is shipped: build/release/tallowcrest'
 	@echo 'make package       build the Debian package: build/package/tallowcrest_*.deb'
 	@echo 'make package-check build it twice, install it into a new Debian and remove it again'
+	@echo 'make macos-check   compile and link for macOS, with a compiler of 400 MB that is downloaded once'
 	@echo 'make bench         micro-benchmarks, then the whole program beside its neighbours'
 	@echo 'make screenshots   take docs/screenshots/ anew'
 	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
@@ -75,6 +76,10 @@ check:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,unit_tests)
 	ctest --preset unit -j $$(($(JOBS) + 2))
+
+macos-check:
+	@$(BOOTSTRAP) --macos
+	JOBS=$(JOBS) scripts/macos-check
 
 bench:
 	@$(BOOTSTRAP)
@@ -124,7 +129,7 @@ tidy:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,all)
 	shellcheck scripts/bootstrap scripts/each-program scripts/fuzz scripts/package-check \
-	    scripts/screenshots scripts/with-sanitizer-options tests/platform/macos/compile_test .ci/run
+	    scripts/screenshots scripts/with-sanitizer-options scripts/macos-check .ci/run
 	find src -name '*.cpp' -not -path 'src/platform/macos/*' -not -name '*_macos.cpp' | \
 	    xargs -P $(JOBS) -n 1 clang-tidy -p build/dev --quiet
 

@@ -1,0 +1,84 @@
+"""Tests of scripts/macos-examine, on programs that are put together here.
+
+    examine_test.py SCRIPT
+"""
+
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+SYSTEM, DATABASE = "/usr/lib/libSystem.B.dylib", "/usr/lib/libsqlite3.dylib"
+
+
+def command(kind, *numbers, text=""):
+    body = b"".join(struct.pack("<I", number) for number in numbers)
+    body += text.encode() + b"\0" if text else b""
+    body += b"\0" * (-len(body) % 8)
+    return struct.pack("<II", kind, 8 + len(body)) + body
+
+
+def program(processor=0x0100000C, kind=2, flags=0x200085, version=14 << 16, system=1,
+            libraries=(SYSTEM, DATABASE), undefined=(("_read", 1), ("_sqlite3_open", 2)),
+            search_path="", places=""):
+    """The bytes of a program with these properties."""
+    commands = [command(0x32, system, version, 0, 0)]
+    commands += [command(0xC, 24, 0, 0, 0, text=library) for library in libraries]
+    commands += [command(0x8000001C, 12, text=search_path)] if search_path else []
+    size = sum(map(len, commands)) + len(command(2, 0, 0, 0, 0))
+    texts, entries = b"\0", b""
+    for name, library in undefined:
+        entries += struct.pack("<IBBHQ", len(texts), 1, 0, library << 8, 0)
+        texts += name.encode() + b"\0"
+    start = 32 + size
+    commands.append(command(2, start, len(undefined), start + len(entries), len(texts)))
+    header = struct.pack("<8I", 0xFEEDFACF, processor, 0, kind, len(commands), size, flags, 0)
+    return header + b"".join(commands) + entries + texts + places.encode() + b"\0"
+
+
+class Examine(unittest.TestCase):
+    def complaints(self, data, architecture="aarch64"):
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name)
+            (folder / "system.tbd").write_text("symbols: [ _read, '_$write', _statx ]\n")
+            (folder / "database.tbd").write_text("symbols: [ _sqlite3_open ]\n")
+            (folder / "program").write_bytes(data)
+            result = subprocess.run(
+                [SCRIPT, folder / "program", architecture, "14.0", f"{SYSTEM}={folder}/system.tbd",
+                 f"{DATABASE}={folder}/database.tbd"],
+                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True, check=False)
+        self.assertEqual(result.returncode, 1 if result.stderr else 0)
+        return [line.split(": ", 1)[1] for line in result.stderr.splitlines()]
+
+    def test_a_good_program(self):
+        self.assertEqual(self.complaints(program()), [])
+        self.assertEqual(self.complaints(program(processor=0x01000007), "x86_64"), [])
+
+    def test_each_fault(self):
+        for data, complaint in (
+                (program(processor=0x01000007), "not for aarch64: processor 0x1000007"),
+                (program(kind=6), "not a program: kind 6"),
+                (program(flags=0x200005), "its functions are looked for in all libraries"),
+                (program(flags=0x85), "it depends on its position in memory"),
+                (program(version=13 << 16), "not for macOS 14.0 and later: [(1, '13.0')]"),
+                (program(system=2), "not for macOS 14.0 and later: [(2, '14.0')]"),
+                (program(libraries=(SYSTEM, DATABASE, "@rpath/x.dylib")), "loads @rpath/x.dylib"),
+                (program(libraries=(SYSTEM,), undefined=(("_read", 1),)),
+                 "does not load " + DATABASE),
+                (program(search_path="/opt/lib"), "a folder to look for libraries in: /opt/lib"),
+                (program(undefined=()), "no symbol of a library, which no program is without"),
+                (program(undefined=(("_open", 1),)), SYSTEM + " does not have _open"),
+                (program(undefined=(("_read", 2),)), DATABASE + " does not have _read"),
+                (program(undefined=(("_read", 254),)), "library 254 does not have _read"),
+                (program(undefined=(("_statx", 1),)), "_statx is of Linux"),
+                (program(places="/proc/self/stat"), "a place of Linux: /proc/self/stat"),
+                (b"\x7fELF" + b"\0" * 60, "not a program of macOS with 64 bits")):
+            with self.subTest(complaint):
+                self.assertEqual(self.complaints(data), [complaint])
+
+
+if __name__ == "__main__":
+    SCRIPT = sys.argv.pop()
+    unittest.main()
