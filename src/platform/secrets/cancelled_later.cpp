@@ -1,17 +1,18 @@
 #include "platform/secrets/cancelled_later.h"
 
+#include <system_error>
+
 namespace tallowcrest {
 
 CancelledLater::CancelledLater(std::chrono::milliseconds limit, const std::stop_token& stop)
     : cancellable_(g_cancellable_new()),
       deadline_(std::chrono::steady_clock::now() + limit),
-      clock_([this](const std::stop_token& over) { wait(over); }),
-      onStop_(stop, [this] { g_cancellable_cancel(cancellable_); }) {}
-
-CancelledLater::~CancelledLater() {
-    clock_.request_stop();
-    clock_.join();
-    g_object_unref(cancellable_);
+      onStop_(stop, [this] { g_cancellable_cancel(cancellable_.get()); }) {
+    try {
+        clock_ = std::jthread([this](const std::stop_token& over) { wait(over); });
+    } catch (const std::system_error&) {
+        g_cancellable_cancel(cancellable_.get());
+    }
 }
 
 void CancelledLater::limitAgain(std::chrono::milliseconds limit) {
@@ -27,7 +28,7 @@ void CancelledLater::wait(const std::stop_token& over) {
         const auto isChanged = [&] { return deadline_ != deadline; };
         if (!changed_.wait_until(guard, over, deadline, isChanged) && !over.stop_requested()) {
             guard.unlock();
-            g_cancellable_cancel(cancellable_);
+            g_cancellable_cancel(cancellable_.get());
             return;
         }
     }

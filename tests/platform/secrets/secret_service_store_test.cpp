@@ -1,13 +1,18 @@
 #include "platform/secrets/secret_service_store.h"
 
+#include <sys/syscall.h>
+
+#include <cerrno>
 #include <chrono>
 #include <future>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/platform/secrets/keyring_fixture.h"
+#include "tests/platform/support/refused_call.h"
 #include "tests/platform/support/test_children.h"
 
 namespace tallowcrest {
@@ -122,6 +127,26 @@ TEST_F(SecretServiceStoreTest, WithoutAServiceThereIsNothing) {
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
     EXPECT_FALSE(store_.add(SecretText(key)));
     EXPECT_FALSE(store_.remove());
+}
+
+TEST_F(SecretServiceStoreTest, WhereNoThreadCanStartThereIsNothing) {
+    startKeyring(true);
+    ASSERT_TRUE(store_.add(SecretText(key)));
+    bool mayRefuse = false;
+    std::thread([&] {
+        mayRefuse = refuseCall(SYS_clone3, EAGAIN) && refuseCall(SYS_clone, EAGAIN);
+        if (mayRefuse) {
+            EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+            EXPECT_FALSE(store_.isStored());
+            EXPECT_EQ(textOf(store_.read()), std::nullopt);
+            EXPECT_FALSE(store_.add(SecretText("sk-two")));
+            EXPECT_FALSE(store_.remove());
+        }
+    }).join();
+    if (!mayRefuse) {
+        GTEST_SKIP() << "system calls cannot be refused here";
+    }
+    EXPECT_EQ(textOf(store_.read()), key);
 }
 
 TEST_F(SecretServiceStoreTest, WithoutABusThereIsNothing) {
