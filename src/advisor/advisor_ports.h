@@ -72,8 +72,9 @@ struct HttpRequest {
 /// What came back for a request.
 struct HttpReply {
     int status = 0;  ///< 0 when it was no HTTP response
-    /// The body, of any bytes. Absent or empty when there was none; the two mean the same.
-    std::optional<std::string> data = {};
+    /// The body, of any bytes, in which the server can repeat the token. Absent or empty when there
+    /// was none; the two mean the same.
+    std::optional<WipedText> data = {};
     /// Why there was no reply, in the system's words; absent when there was one.
     std::optional<std::string> transportError = {};
 };
@@ -88,8 +89,9 @@ public:
     virtual ~HttpExchange() = default;
 
     /// Blocks until there is a reply, at most for `request.wait`, or until a stop is requested.
-    /// Absent when there was no reply by then. The exchange then ends by itself, at the latest
-    /// `request.timeout` after it began, and its reply is dropped.
+    /// Does not throw: a lack of memory or threads is a transport error. Absent when there was no
+    /// reply by then. The exchange then ends by itself, at the latest `request.timeout` after it
+    /// began, and its reply is dropped.
     virtual std::optional<HttpReply> post(const HttpRequest& request,
                                           const std::stop_token& stop) = 0;
 };

@@ -62,22 +62,24 @@ std::optional<SecretText> readOpenAIKey(SecretStore& secrets) {
     return key;
 }
 
-std::string strikingOutKey(std::string text, std::string_view key) {
+std::string strikingOutKey(std::string_view text, std::string_view key) {
     if (key.size() < shortestSecret) {
-        return text;
+        return std::string(text);
     }
-    constexpr std::string_view struckOut = "\u2022\u2022\u2022";
-    for (std::size_t at = text.find(key.front()); at != std::string::npos;
+    std::string struckOut;
+    std::size_t copied = 0;
+    for (std::size_t at = text.find(key.front()); at != std::string_view::npos;
          at = text.find(key.front(), at)) {
-        const std::size_t length = lengthOfKey(std::string_view(text).substr(at), key);
+        const std::size_t length = lengthOfKey(text.substr(at), key);
         if (length == 0) {
             ++at;
         } else {
-            text.replace(at, length, struckOut);
-            at += struckOut.size();
+            struckOut.append(text.substr(copied, at - copied)).append("\u2022\u2022\u2022");
+            at += length;
+            copied = at;
         }
     }
-    return text;
+    return struckOut.append(text.substr(copied));
 }
 
 }  // namespace tallowcrest

@@ -46,9 +46,9 @@ private:
     std::shared_ptr<const Generation> present_;
 };
 
-/// `text` with "•••" in place of the key, also where backslashes of JSON stand within it: a server
-/// can repeat what it was sent. A key of less than eight bytes is no secret, and stays. Pure; any
-/// thread.
-std::string strikingOutKey(std::string text, std::string_view key);
+/// A copy of `text` with "•••" in place of the key, also where backslashes of JSON stand within it:
+/// a server can repeat what it was sent. A key of less than eight bytes is no secret, and stays.
+/// Pure; any thread.
+std::string strikingOutKey(std::string_view text, std::string_view key);
 
 }  // namespace tallowcrest

@@ -19,14 +19,18 @@ std::string& textOf(ProviderResult& result) {
 
 ProviderResult resultOf(HttpReply reply, std::string_view service, std::string_view key) {
     // Here, so that the beginning of a long text does not end within the key.
-    for (std::optional<std::string>* text : {&reply.data, &reply.transportError}) {
-        if (*text) {
-            **text = strikingOutKey(std::move(**text), key);
-        }
+    if (reply.data) {
+        *reply.data = strikingOutKey(*reply.data, key);
+    }
+    if (reply.transportError) {
+        *reply.transportError = strikingOutKey(*reply.transportError, key);
     }
     ProviderResult result = interpretProviderReply(reply, service);
     // And here, where the text is no longer escaped.
-    textOf(result) = strikingOutKey(std::move(textOf(result)), key);
+    std::string& text = textOf(result);
+    std::string struckOut = strikingOutKey(text, key);
+    wipe(text);
+    text = std::move(struckOut);
     return result;
 }
 

@@ -124,8 +124,8 @@ ProviderResult interpretProviderReply(const HttpReply& reply, std::string_view s
         }
         return *std::move(text);
     }
-    const std::string body =
-        isValidUTF8(*reply.data) ? *reply.data : fmt::format("HTTP {}", reply.status);
+    const std::string code = fmt::format("HTTP {}", reply.status);
+    const std::string_view body = isValidUTF8(*reply.data) ? *reply.data : std::string_view(code);
     return error(
         fmt::format("error {}: {}", reply.status, firstCharacters(body, shownBodyCharacters)));
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tallowcrest {
@@ -42,5 +44,26 @@ private:
     char* bytes_ = nullptr;  ///< null when it is empty
     std::size_t size_ = 0;
 };
+
+/// Overwrites what it releases.
+template <class Value>
+struct WipingAllocator {
+    using value_type = Value;
+
+    WipingAllocator() = default;
+    template <class Other>
+    explicit WipingAllocator(const WipingAllocator<Other>& /*other*/) {}
+
+    Value* allocate(std::size_t count) { return std::allocator<Value>().allocate(count); }
+    void deallocate(Value* values, std::size_t count) {
+        wipe({reinterpret_cast<char*>(values), count * sizeof(Value)});
+        std::allocator<Value>().deallocate(values, count);
+    }
+    bool operator==(const WipingAllocator& /*other*/) const = default;
+};
+
+/// A text that is no secret itself, but may contain one: it is overwritten before its memory is
+/// released, also when it grows. Short texts, which need no memory of their own, are not.
+using WipedText = std::basic_string<char, std::char_traits<char>, WipingAllocator<char>>;
 
 }  // namespace tallowcrest

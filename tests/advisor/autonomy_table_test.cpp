@@ -230,9 +230,10 @@ TEST(SelfActing, NoReplyBreaksARule) {
         const auto mode = allAIAutonomyModes.at(below(allAIAutonomyModes.size()));
         SelfActingAdvisor machine(mode, below(2) == 0);
         const bool isRaw = below(8) == 0 || !isValidUTF8(text);
-        const HttpReply reply{statuses.at(below(statuses.size())),
-                              isRaw ? text : nlohmann::json{{"output_text", text}}.dump(),
-                              {}};
+        const HttpReply reply{
+            statuses.at(below(statuses.size())),
+            WipedText(isRaw ? text : nlohmann::json{{"output_text", text}}.dump()),
+            {}};
         machine.analyze(reply);
         ASSERT_EQ(brokenRule(machine), std::nullopt) << text.substr(0, 1000);
         withRuns += machine.runs().empty() ? 0 : 1;

@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(EchoedKey, IsStruckOutOfAnError) {
-    fakes.http->reply = HttpReply{401, "Incorrect API key: " + std::string(key) + ".", {}};
+    fakes.http->reply = HttpReply{401, WipedText("Incorrect API key: ") + key + ".", {}};
     analyze();
     ask();
     EXPECT_THAT(events(), Contains("Local Guidance: Paid AI fallback: OpenAI error 401: Incorrect "
@@ -56,7 +56,7 @@ TEST_F(EchoedKey, IsStruckOutOfAnError) {
     EXPECT_THAT(events(), Contains("Local Guidance: Paid AI fallback: OpenAI error 401: "
                                    "{\"message\":\"no: \u2022\u2022\u2022\"}"));
     // The recorded beginning of the body ends within the key.
-    fakes.http->reply = HttpReply{401, std::string(230, 'x') + key, {}};
+    fakes.http->reply = HttpReply{401, WipedText(230, 'x') + key, {}};
     ask();
     EXPECT_THAT(log.activityLog().at(1).detail, Not(HasSubstr("sk-abc")));
     fakes.http->reply = HttpReply{0, {}, "cannot send " + std::string(key)};

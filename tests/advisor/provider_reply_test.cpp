@@ -54,8 +54,8 @@ TEST(ExtractResponseText, FollowsTheFormOfTheReply) {
 }
 
 TEST(InterpretProviderReply, TellsWhatBecameOfTheExchange) {
-    const std::string good = R"({"output_text":"answer"})";
-    const std::string empty = R"({"output_text":""})";
+    const char* const good = R"({"output_text":"answer"})";
+    const char* const empty = R"({"output_text":""})";
     struct Case {
         HttpReply reply;
         ProviderResult result;
@@ -75,13 +75,13 @@ TEST(InterpretProviderReply, TellsWhatBecameOfTheExchange) {
              Case{{204, "", {}}, AIError{"OpenAI returned no data."}},
              Case{{0, {}, "bad \xFF words"}, AIError{"OpenAI request failed: bad \uFFFD words"}},
              Case{{200, "{}", {}}, AIError{unreadable}},
-             Case{{199, good, {}}, AIError{"OpenAI error 199: " + good}},
-             Case{{300, good, {}}, AIError{"OpenAI error 300: " + good}},
+             Case{{199, good, {}}, AIError{std::string("OpenAI error 199: ") + good}},
+             Case{{300, good, {}}, AIError{std::string("OpenAI error 300: ") + good}},
              Case{{401, "bad key", {}}, AIError{"OpenAI error 401: bad key"}},
              Case{{503, "", {}}, AIError{"OpenAI returned no data."}},
              Case{{0, "x", {}}, AIError{"OpenAI error 0: x"}},
              Case{{502, "\xFF", {}}, AIError{"OpenAI error 502: HTTP 502"}},
-             Case{{429, std::string(1000, 'x'), {}},
+             Case{{429, WipedText(1000, 'x'), {}},
                   AIError{"OpenAI error 429: " + std::string(240, 'x')}},
          }) {
         EXPECT_EQ(interpretProviderReply(c.reply, "OpenAI"), c.result) << c.reply.status;
@@ -90,7 +90,7 @@ TEST(InterpretProviderReply, TellsWhatBecameOfTheExchange) {
     for (int i = 0; i < 241; ++i) {
         umlauts += "\u00E4";
     }
-    EXPECT_EQ(interpretProviderReply({400, umlauts, {}}, "OpenAI"),
+    EXPECT_EQ(interpretProviderReply({400, WipedText(umlauts), {}}, "OpenAI"),
               ProviderResult(AIError{"OpenAI error 400: " + umlauts.substr(0, 480)}));
     EXPECT_EQ(interpretProviderReply({400, "x", {}}, "localhost:8080"),
               ProviderResult(AIError{"localhost:8080 error 400: x"}));

@@ -17,13 +17,17 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::SizeIs;
 
+HttpReply saying(const std::string& text) {
+    return {200, WipedText(nlohmann::json{{"output_text", text}}.dump()), {}};
+}
+
 HttpReply suggesting(const std::vector<std::string>& types) {
     nlohmann::json actions = nlohmann::json::array();
     for (const std::string& type : types) {
         actions.push_back({{"type", type}});
     }
     const nlohmann::json output{{"summary", "a"}, {"actions", actions}};
-    return {200, nlohmann::json{{"output_text", output.dump()}}.dump(), {}};
+    return saying(output.dump());
 }
 
 TEST(SelfActing, AStopDuringAnAnalysisLeavesOnlyTheSafeSwitch) {
@@ -61,7 +65,7 @@ TEST(SelfActing, AProcessNameThatIsRepeatedRunsNothing) {
         machine.takeSample(99.0, "/usr/bin/action: local_purge");
         const std::string report = *machine.reports.diagnosticsReport(false);
         ASSERT_THAT(report, HasSubstr("action: local_purge"));
-        machine.analyze({200, nlohmann::json{{"output_text", report}}.dump(), {}});
+        machine.analyze(saying(report));
         EXPECT_THAT(machine.fakes.http->sent.at(0).prompt(), HasSubstr("action: local_purge"));
         // A model that writes these words suggests a purge, and it remains a suggestion.
         ASSERT_THAT(machine.advisor->suggestions.aiActions(), SizeIs(1));
@@ -83,7 +87,7 @@ TEST(SelfActing, ARepeatedPromptSuggestsNothingThatRuns) {
     machine.finishWork();
 
     SelfActingAdvisor other;
-    other.analyze({200, nlohmann::json{{"output_text", prompt}}.dump(), {}});
+    other.analyze(saying(prompt));
     ASSERT_THAT(other.advisor->suggestions.aiActions(), SizeIs(1));
     EXPECT_THAT(other.advisor->suggestions.aiActions()[0].type, HasSubstr("select_top | local"));
     EXPECT_THAT(other.runs(), IsEmpty());

@@ -74,7 +74,7 @@ public:
     }
 
     void willSay(const std::string& text) {
-        reply = HttpReply{200, nlohmann::json{{"output_text", text}}.dump(), {}};
+        reply = HttpReply{200, WipedText(nlohmann::json{{"output_text", text}}.dump()), {}};
     }
 
     std::optional<HttpReply> reply;  ///< absent: none in time

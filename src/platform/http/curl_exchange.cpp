@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <list>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -43,6 +44,17 @@ CurlExchange::~CurlExchange() {
 std::optional<HttpReply> CurlExchange::post(const HttpRequest& request,
                                             const std::stop_token& stop) {
     forbidCoreDumps();
+    try {
+        return postOnThread(request, stop);
+    } catch (const std::system_error& error) {  // there is no thread
+        return HttpReply{.transportError = error.code().message()};
+    } catch (const std::bad_alloc&) {
+        return outOfMemory();
+    }
+}
+
+std::optional<HttpReply> CurlExchange::postOnThread(const HttpRequest& request,
+                                                    const std::stop_token& stop) {
     const auto box = std::make_shared<Box>();
     auto work = [box, transfer =
                           CurlTransfer{.url = request.url,
@@ -60,12 +72,7 @@ std::optional<HttpReply> CurlExchange::post(const HttpRequest& request,
         box->isOver = true;
         box->arrived.notify_all();
     };
-    std::jthread exchange;
-    try {
-        exchange = std::jthread(std::move(work));
-    } catch (const std::system_error& error) {
-        return HttpReply{.transportError = error.code().message()};
-    }
+    std::jthread exchange(std::move(work));
     std::unique_lock guard(box->lock);
     box->arrived.wait_for(guard, stop, request.wait, [&box] { return box->isOver; });
     if (box->isOver) {
@@ -97,7 +104,7 @@ void CurlExchange::abandon(std::jthread exchange) {
             exchange.join();
             remove(place);
         }).detach();
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
         remove(place);  // the exchange was stopped and has ended with the thread that was not made
     }
 }

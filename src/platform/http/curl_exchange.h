@@ -37,6 +37,7 @@ private:
     struct Box;
     struct Abandoned;
 
+    std::optional<HttpReply> postOnThread(const HttpRequest& request, const std::stop_token& stop);
     /// Lets an exchange go on that nobody waits for any more.
     void abandon(std::jthread exchange);
 

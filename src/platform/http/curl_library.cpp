@@ -1,6 +1,7 @@
 #include "platform/http/curl_library.h"
 
 #include <curl/curl.h>
+#include <openssl/crypto.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +15,8 @@
 namespace tallowcrest {
 namespace {
 
-/// Precedes each block of libcurl's memory: its size, which the C library does not tell everywhere.
+/// Precedes each block of the libraries' memory: its size, which the C library does not tell
+/// everywhere.
 struct alignas(std::max_align_t) BlockHeader {
     std::size_t size;
 };
@@ -71,12 +73,32 @@ void* allocateZeros(std::size_t count, std::size_t size) {
     return result;
 }
 
+// The same for OpenSSL, which also tells the place in its source.
+
+void* allocateForOpenSSL(std::size_t size, const char* /*file*/, int /*line*/) {
+    return allocate(size);
+}
+
+void* reallocateForOpenSSL(void* memory, std::size_t size, const char* /*file*/, int /*line*/) {
+    if (size == 0) {
+        release(memory);
+        return nullptr;
+    }
+    return reallocate(memory, size);
+}
+
+void releaseForOpenSSL(void* memory, const char* /*file*/, int /*line*/) {
+    release(memory);
+}
+
 }  // namespace
 
 bool prepareCurl() {
     static std::once_flag once;
     static bool isReady = false;
     std::call_once(once, [] {
+        // Fails where something else has used OpenSSL before. Its own memory then remains as it is.
+        CRYPTO_set_mem_functions(allocateForOpenSSL, reallocateForOpenSSL, releaseForOpenSSL);
         isReady = curl_global_init_mem(CURL_GLOBAL_DEFAULT, allocate, release, reallocate,
                                        duplicate, allocateZeros) == CURLE_OK;
     });

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <type_traits>
@@ -28,16 +29,20 @@ HttpReply failure(const char* words) {
     return {.transportError = words};
 }
 
+std::string partOf(CURLU* url, CURLUPart which) {
+    char* text = nullptr;
+    curl_url_get(url, which, &text, 0);
+    const CurlText part(text);
+    return part ? part.get() : "";
+}
+
 /// The host, without brackets.
 std::string hostOf(CURLU* url) {
-    char* part = nullptr;
-    curl_url_get(url, CURLUPART_HOST, &part, 0);
-    const CurlText host(part);
-    std::string_view text = host ? host.get() : "";
-    if (text.starts_with('[') && text.ends_with(']')) {
-        text = text.substr(1, text.size() - 2);
+    std::string host = partOf(url, CURLUPART_HOST);
+    if (host.starts_with('[') && host.ends_with(']')) {
+        host = host.substr(1, host.size() - 2);
     }
-    return std::string(text);
+    return host;
 }
 
 /// Null without memory. Without a token there is no line for it.
@@ -57,53 +62,48 @@ HeaderLines headerLines(const SecretText& bearerToken) {
     return lines;
 }
 
-/// What arrives of a reply.
+/// The body of a reply as it arrives.
 struct Arriving {
-    std::size_t longest;
-    std::string data = {};
-    bool isTooLong = false;
+    CURL* easy;
+    const CurlDownload* download;  ///< null when `data` keeps the body
+    std::size_t left;              ///< how many more bytes may come
+    WipedText data = {};
+    CURLcode refusal = CURLE_OK;
+
+    /// False to end the transfer.
+    bool take(std::string_view bytes) {
+        if (bytes.size() > left) {
+            refusal = CURLE_FILESIZE_EXCEEDED;
+            return false;
+        }
+        left -= bytes.size();
+        if (download == nullptr) {
+            data.append(bytes);
+            return true;
+        }
+        long status = 0;
+        curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+        constexpr long ok = 200;
+        if (status != ok) {
+            return true;
+        }
+        curl_off_t total = -1;
+        curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &total);
+        return download->take(
+            bytes, total < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(total)));
+    }
 };
 
 /// libcurl calls this with each piece of the body. Any result but its size ends the transfer.
-std::size_t takeData(char* bytes, std::size_t one, std::size_t count, void* context) {
+std::size_t takeBody(char* bytes, std::size_t one, std::size_t count, void* context) {
     auto& arriving = *static_cast<Arriving*>(context);
     const std::size_t size = one * count;
-    arriving.isTooLong = size > arriving.longest - arriving.data.size();
-    if (arriving.isTooLong) {
+    try {
+        return arriving.take({bytes, size}) ? size : 0;
+    } catch (const std::bad_alloc&) {  // libcurl knows no exceptions
+        arriving.refusal = CURLE_OUT_OF_MEMORY;
         return 0;
     }
-    arriving.data.append(bytes, size);
-    return size;
-}
-
-/// What arrives of a file.
-struct ArrivingFile {
-    const UpdateTransport::TakeBytes& take;
-    CURL* easy;
-    std::size_t left;
-    bool isTooLong = false;
-};
-
-/// As `takeData`, for a download.
-std::size_t takeFile(char* bytes, std::size_t one, std::size_t count, void* context) {
-    auto& arriving = *static_cast<ArrivingFile*>(context);
-    const std::size_t size = one * count;
-    long status = 0;
-    curl_easy_getinfo(arriving.easy, CURLINFO_RESPONSE_CODE, &status);
-    arriving.isTooLong = size > arriving.left;
-    if (arriving.isTooLong) {
-        return 0;
-    }
-    arriving.left -= size;
-    constexpr long ok = 200;
-    if (status != ok) {
-        return size;
-    }
-    curl_off_t total = -1;
-    curl_easy_getinfo(arriving.easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &total);
-    const bool isTaken = arriving.take(
-        {bytes, size}, total < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(total)));
-    return isTaken ? size : 0;
 }
 
 /// Performs the transfer that is set up in `easy`.
@@ -133,22 +133,7 @@ CURLcode perform(CURL* easy, const std::stop_token& stop) {
     return result;
 }
 
-}  // namespace
-
-bool isLoopbackHost(const std::string& host) {
-    constexpr std::uint32_t loopbackNetwork = 127;
-    in_addr four{};
-    if (::inet_pton(AF_INET, host.c_str(), &four) == 1) {
-        return ntohl(four.s_addr) >> 24U == loopbackNetwork;
-    }
-    in6_addr six{};
-    if (::inet_pton(AF_INET6, host.c_str(), &six) == 1) {
-        return IN6_IS_ADDR_LOOPBACK(&six);
-    }
-    return curl_strequal(host.c_str(), "localhost") != 0;
-}
-
-HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop) {
+HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop) {
     const Url url(prepareCurl() ? curl_url() : nullptr);
     const Easy easy(url ? curl_easy_init() : nullptr);
     const HeaderLines header =
@@ -164,7 +149,9 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     // A request to this machine needs no proxy, and a proxy elsewhere would reach another machine.
     const std::string proxy = isLoopback ? std::string() : transfer.proxies.proxy;
 
-    Arriving arriving{.longest = transfer.longestReply};
+    Arriving arriving{.easy = easy.get(),
+                      .download = transfer.download ? &*transfer.download : nullptr,
+                      .left = transfer.longestReply};
     std::array<char, CURL_ERROR_SIZE> words{};
     CURLcode refused = CURLE_OK;
     const auto set = [&](CURLoption option, auto value) {
@@ -196,19 +183,15 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     set(CURLOPT_QUICK_EXIT, 1L);  // does not wait for a name server at the end
     // For a length that is told in advance. libcurl itself limits the header.
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(transfer.longestReply));
-    std::optional<ArrivingFile> file;
+    set(CURLOPT_WRITEFUNCTION, takeBody);
+    set(CURLOPT_WRITEDATA, &arriving);
     if (transfer.download) {
-        file.emplace(transfer.download->take, easy.get(), transfer.longestReply);
-        set(CURLOPT_WRITEFUNCTION, takeFile);
-        set(CURLOPT_WRITEDATA, &*file);
         constexpr long silentSeconds = 60;
         set(CURLOPT_LOW_SPEED_LIMIT, 1L);  // bytes per second
         set(CURLOPT_LOW_SPEED_TIME, silentSeconds);
         constexpr long largestBuffer = 256L * 1024;
         set(CURLOPT_BUFFERSIZE, largestBuffer);
     } else {
-        set(CURLOPT_WRITEFUNCTION, takeData);
-        set(CURLOPT_WRITEDATA, &arriving);
         set(CURLOPT_POSTFIELDS, transfer.body.data());
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(transfer.body.size()));
     }
@@ -217,8 +200,8 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
     }
 
     const CURLcode result = perform(easy.get(), stop);
-    if (arriving.isTooLong || (file && file->isTooLong)) {
-        return failure(curl_easy_strerror(CURLE_FILESIZE_EXCEEDED));
+    if (arriving.refusal != CURLE_OK) {
+        return failure(curl_easy_strerror(arriving.refusal));
     }
     if (result != CURLE_OK) {
         return failure(words.front() != '\0' ? words.data() : curl_easy_strerror(result));
@@ -235,6 +218,45 @@ HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& s
         reply.data = std::move(arriving.data);
     }
     return reply;
+}
+
+}  // namespace
+
+HttpReply outOfMemory() {
+    return failure(curl_easy_strerror(CURLE_OUT_OF_MEMORY));
+}
+
+HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop) {
+    try {
+        return transferred(transfer, stop);
+    } catch (const std::bad_alloc&) {
+        return outOfMemory();
+    }
+}
+
+bool isLoopbackHost(const std::string& host) {
+    constexpr std::uint32_t loopbackNetwork = 127;
+    in_addr four{};
+    if (::inet_pton(AF_INET, host.c_str(), &four) == 1) {
+        return ntohl(four.s_addr) >> 24U == loopbackNetwork;
+    }
+    in6_addr six{};
+    if (::inet_pton(AF_INET6, host.c_str(), &six) == 1) {
+        return IN6_IS_ADDR_LOOPBACK(&six);
+    }
+    return curl_strequal(host.c_str(), "localhost") != 0;
+}
+
+bool areOfOneSecureHost(const std::string& first, const std::string& second) {
+    const auto secureHostOf = [](const std::string& address) {
+        const Url url(curl_url());
+        const bool isSecure =
+            url && curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) == CURLUE_OK &&
+            partOf(url.get(), CURLUPART_SCHEME) == "https";
+        return isSecure ? hostOf(url.get()) : std::string();
+    };
+    const std::string host = secureHostOf(first);
+    return !host.empty() && curl_strequal(host.c_str(), secureHostOf(second).c_str()) != 0;
 }
 
 }  // namespace tallowcrest

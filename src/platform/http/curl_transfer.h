@@ -34,9 +34,15 @@ struct CurlTransfer {
 };
 
 /// Sends the request over a connection of its own and returns the reply, that of a download without
-/// its body. Blocks until `timeout` or until `stop` is requested; both are transport errors then.
-/// Any thread.
+/// its body. Blocks until `timeout` or until `stop` is requested; both are transport errors then,
+/// and so is a lack of memory, also of `CurlDownload::take`. Any thread.
 HttpReply performTransfer(const CurlTransfer& transfer, const std::stop_token& stop);
+
+/// The transport error for a lack of memory. Takes no memory itself. Any thread.
+HttpReply outOfMemory();
+
+/// Whether two addresses are https and of the same host. Pure; any thread.
+bool areOfOneSecureHost(const std::string& first, const std::string& second);
 
 /// Whether the host of an address is this machine for certain: "localhost", which libcurl never
 /// looks up, or a loopback address. `host` without brackets. Pure; any thread.

@@ -1,10 +1,7 @@
 #include "platform/http/curl_update_transport.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
 #include <chrono>
-#include <memory>
 #include <utility>
 
 #include "platform/http/curl_library.h"
@@ -12,27 +9,6 @@
 
 namespace tallowcrest {
 namespace {
-
-/// The host of an https address, in lower case; empty when it is none.
-std::string secureHostOf(const std::string& address) {
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), curl_url_cleanup);
-    const auto part = [&url](CURLUPart which) {
-        char* text = nullptr;
-        curl_url_get(url.get(), which, &text, 0);
-        std::string copy = text == nullptr ? "" : text;
-        curl_free(text);
-        return copy;
-    };
-    if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK ||
-        part(CURLUPART_SCHEME) != "https") {
-        return {};
-    }
-    std::string host = part(CURLUPART_HOST);
-    for (char& c : host) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return host;
-}
 
 bool isRedirection(int status) {
     constexpr int first = 300;
@@ -76,8 +52,7 @@ UpdateReply CurlUpdateTransport::fetch(const UpdateRequest& request, const TakeB
         if (!isRedirection(reply.status) || redirection.empty()) {
             return {.status = reply.status};
         }
-        const std::string host = secureHostOf(redirection);
-        if (host.empty() || host != secureHostOf(url)) {
+        if (!areOfOneSecureHost(redirection, url)) {
             return {.status = reply.status, .error = "The server redirects to another place."};
         }
         url = std::move(redirection);

@@ -40,10 +40,13 @@ def endlessly(connection, piece, pause=0.0):
         time.sleep(pause)
 
 
-def serve(connection, path, query):
+def serve(connection, path, query, token):
     send = connection.sendall
     if path == "/text":
         send(answer(200, b'{"output_text": "fine"}'))
+    elif path == "/echo":
+        # The last thing in the body, in more than one piece for the client.
+        send(answer(int(query), b"b" * 50000 + token.encode()))
     elif path == "/status":
         send(answer(int(query), b"b" * 1000))
     elif path == "/bodiless":
@@ -94,7 +97,7 @@ def handle(connection, context):
             method, target, fields, body = receive(connection.makefile("rb"))
             path, _, query = target.partition("?")
             say(" ".join([method, path, *(fields.get(name, "-") for name in SHOWN), body]))
-            serve(connection, path, query)
+            serve(connection, path, query, fields.get("authorization", ""))
     except ValueError:
         pass  # a client that did not get as far as a request
     except OSError:

@@ -31,7 +31,7 @@ def send_file(connection, path, limit=None, tells_length=True):
             left -= len(chunk)
 
 
-def serve(connection, path, query):
+def serve(connection, path, query, token):
     _, way, *rest = path.split("/")
     name = os.path.join(folder, *rest)
     if way == "file":
@@ -52,7 +52,7 @@ def serve(connection, path, query):
     elif way == "redirect":
         connection.sendall(head(302, 5, f"Location: {query}\r\n") + b"moved")
     else:
-        provider_serve(connection, path, query)
+        provider_serve(connection, path, query, token)
 
 
 folder = sys.argv[1]

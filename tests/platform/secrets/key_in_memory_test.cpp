@@ -86,7 +86,7 @@ protected:
         ASSERT_EQ(::setrlimit(RLIMIT_CORE, &limit), 0);
         user_.emplace(std::vector<std::string>{
             TALLOWCREST_BINARY_DIR "/tests/key_user", home_.file("key", key_, 0600),
-            provider_.at("https://localhost") + "/text", authority_.path()});
+            provider_.at("https://localhost") + "/echo?401", authority_.path()});
     }
 
     std::string key_ = randomKey();
@@ -99,8 +99,8 @@ TEST_F(KeyInMemoryTest, NothingOfItRemainsWhenItIsNoLongerUsed) {
     ASSERT_EQ(user_->line(), "held");
     EXPECT_THAT(remainsOf(key_, user_->pid()), testing::Not(testing::IsEmpty()));
     user_->signal(SIGUSR1);
-    ASSERT_EQ(user_->line(), "sent 200");
-    EXPECT_EQ(provider_.line().find("POST /text Bearer " + key_ + " "), 0U);
+    ASSERT_EQ(user_->line(), "sent Server error 401: " + std::string(240, 'b'));
+    EXPECT_EQ(provider_.line().find("POST /echo Bearer " + key_ + " "), 0U);
     user_->signal(SIGUSR1);
     ASSERT_EQ(user_->line(), "removed");
     EXPECT_THAT(remainsOf(key_, user_->pid()), testing::IsEmpty());

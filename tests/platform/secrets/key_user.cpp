@@ -3,8 +3,8 @@
 //
 //     key_user KEY_FILE URL AUTHORITY_FILE
 //
-// Prints "held" while it has the key, "sent" and the status of the reply, and "removed". After each
-// of them it waits for SIGUSR1.
+// Prints "held" while it has the key, "sent" and what became of the request, and "removed". After
+// each of them it waits for SIGUSR1.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -12,8 +12,11 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <variant>
 
+#include "advisor/provider_exchange.h"
 #include "platform/http/curl_exchange.h"
 #include "platform/secrets/secret_service_store.h"
 
@@ -42,7 +45,8 @@ void sayAndWait(const char* line) {
 
 int run(const char* file, const std::string& url, const char* authorities) {
     SecretServiceStore store{{}};
-    CurlExchange exchange({.certificateAuthorities = authorities});
+    const CurlExchange::Options options{.certificateAuthorities = authorities};
+    const auto exchange = std::make_shared<CurlExchange>(options);
     {
         const SecretText key = keyIn(file);
         if (!store.add(key)) {
@@ -51,11 +55,14 @@ int run(const char* file, const std::string& url, const char* authorities) {
         sayAndWait("held");
     }
     {
-        const auto key = store.read();
-        const std::string body(10'000, 'b');
-        const auto reply = exchange.post(
-            {url, *key, body, std::chrono::seconds(30), std::chrono::seconds(60)}, {});
-        sayAndWait(("sent " + std::to_string(reply->status)).c_str());
+        const auto generation = std::make_shared<ReadKey::Generation>(0);
+        const auto result =
+            postAnalysisRequest({.http = exchange,
+                                 .endpoint = Endpoint{.url = url, .service = "Server"},
+                                 .key = ReadKey(*store.read(), 0, generation),
+                                 .model = {}},
+                                std::string(10'000, 'r'), {});
+        sayAndWait(("sent " + std::get<AIError>(*result).message).c_str());
     }
     if (!store.remove()) {
         return 2;
