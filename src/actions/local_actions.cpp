@@ -58,7 +58,12 @@ LocalActions::LocalActions(Dependencies dependencies)
         {[this](const ConfirmationRequest&, void*) { return runPurge(); }, {}});
 }
 
-LocalActions::~LocalActions() = default;
+LocalActions::~LocalActions() {
+    for (const std::string_view kind : {local_requests::quitProcessKind,
+                                        local_requests::quitAppKind, local_requests::purgeKind}) {
+        dependencies_.services.confirmations.unregisterKind(kind);
+    }
+}
 
 Outcome LocalActions::requestQuitSelectedProcess() {
     const std::optional<std::int64_t> pid = dependencies_.review.selectedPID();

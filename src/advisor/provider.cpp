@@ -56,7 +56,9 @@ Provider::Provider(Dependencies dependencies)
     lookForKey();
 }
 
-Provider::~Provider() = default;
+Provider::~Provider() {
+    dependencies_.services.confirmations.unregisterKind(confirmationKind);
+}
 
 void Provider::lookForKey() {
     if (!dependencies_.key.hasStore()) {

@@ -18,6 +18,12 @@ void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
     handlers_.insert_or_assign(std::move(kind), std::move(handler));
 }
 
+void ConfirmationDesk::unregisterKind(std::string_view kind) {
+    if (const auto found = handlers_.find(kind); found != handlers_.end()) {
+        handlers_.erase(found);
+    }
+}
+
 void ConfirmationDesk::requestConfirmation(ConfirmationRequest request, ConfirmationTargets targets,
                                            std::shared_ptr<void> held) {
     pending_ = std::move(request);

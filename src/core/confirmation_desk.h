@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/local_records.h"
@@ -46,6 +47,8 @@ public:
 
     /// Called once per kind, before its first request.
     void registerKind(std::string kind, Handler handler);
+    /// Called when the owner of the handler ends. A request that is still pending then has none.
+    void unregisterKind(std::string_view kind);
 
     /// Absent when no request is pending.
     const std::optional<ConfirmationRequest>& pendingConfirmation() const { return pending_; }

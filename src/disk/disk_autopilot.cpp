@@ -50,7 +50,9 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
          .cancel = [this](const ConfirmationRequest&) { cancelCleanup(); }});
 }
 
-DiskAutopilot::~DiskAutopilot() = default;
+DiskAutopilot::~DiskAutopilot() {
+    dependencies_.services.confirmations.unregisterKind(receipts::confirmationKind);
+}
 
 void DiskAutopilot::recordUnfinished() {
     if (run_) {

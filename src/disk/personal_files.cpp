@@ -45,7 +45,9 @@ PersonalFiles::PersonalFiles(Dependencies dependencies)
          .cancel = {}});
 }
 
-PersonalFiles::~PersonalFiles() = default;
+PersonalFiles::~PersonalFiles() {
+    dependencies_.services.confirmations.unregisterKind(texts::confirmationKind);
+}
 
 void PersonalFiles::setStatus(std::string status) {
     state_.storageAnalyzerStatus = std::move(status);

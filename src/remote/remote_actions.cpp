@@ -78,7 +78,12 @@ RemoteActions::RemoteActions(Dependencies dependencies)
          {}});
 }
 
-RemoteActions::~RemoteActions() = default;
+RemoteActions::~RemoteActions() {
+    for (const std::string_view kind :
+         {remote_requests::purgeKind, remote_requests::quitProcessKind}) {
+        dependencies_.services.confirmations.unregisterKind(kind);
+    }
+}
 
 Outcome RemoteActions::requestRemotePurge(const RemoteHealth& machine) {
     if (!isReachable(machine)) {

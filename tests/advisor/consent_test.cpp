@@ -115,5 +115,12 @@ TEST_F(OpenQuestion, WithoutASampleAnAddressThatMustNotBeUsedIsNotTried) {
     }
 }
 
+TEST_F(OpenQuestion, HasNoAnswerWhenTheProviderHasEnded) {
+    ASSERT_TRUE(isOpen());
+    advisor.reset();
+    EXPECT_EQ(confirmations.confirmPending(),
+              Outcome::refused("No handler for confirmation: ai_analyze."));
+}
+
 }  // namespace
 }  // namespace tallowcrest

@@ -101,6 +101,20 @@ TEST_F(ConfirmationDeskTest, RecordsAKindWithoutAHandler) {
     EXPECT_FALSE(desk.pendingConfirmation());
 }
 
+TEST_F(ConfirmationDeskTest, AKindWhoseOwnerHasEndedHasNoHandler) {
+    desk.requestConfirmation(request("melt", "Melt it?"));
+    desk.unregisterKind("melt");
+    desk.unregisterKind("melt");
+    EXPECT_EQ(desk.confirmPending(), Outcome::refused("No handler for confirmation: melt."));
+    desk.requestConfirmation(request("melt", "Melt it?"));
+    desk.cancelPending();
+    EXPECT_THAT(confirmed, IsEmpty());
+    EXPECT_THAT(canceled, IsEmpty());
+    desk.requestConfirmation(request("pour", "Pour it?"));
+    desk.confirmPending();
+    EXPECT_THAT(confirmed, ElementsAre("Pour it?"));
+}
+
 TEST_F(ConfirmationDeskTest, CancellingRecordsAMessageAndCallsTheHandler) {
     desk.requestConfirmation(request("melt", "Melt it?"), candle);
     EXPECT_EQ(desk.cancelPending(), Outcome::done("Canceled: Melt it?."));
