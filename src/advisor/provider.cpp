@@ -82,7 +82,6 @@ void Provider::setOpenAIKeyInput(SecretText text) {
     }
     isInputNew_ = isInputNew_ || text.view() != openAIKeyInput_.view();
     openAIKeyInput_ = std::move(text);
-    observable_->changed();
 }
 
 Outcome Provider::saveOpenAIKey(KeyChanged then) {

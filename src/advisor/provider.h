@@ -86,7 +86,8 @@ public:
 
     /// What the owner has typed as the key and not saved yet.
     const SecretText& openAIKeyInput() const { return openAIKeyInput_; }
-    /// From the first character on, a crash leaves no dump of the memory.
+    /// From the first character on, a crash leaves no dump of the memory. Notifies nobody: only the
+    /// caller shows the input, and every character would refresh all that shows the provider.
     void setOpenAIKeyInput(SecretText text);
 
     /// Gets the outcome of what an operation answered with `asked`: done or failed. Not called for
@@ -124,7 +125,8 @@ public:
     /// Copies the report that would be sent to the clipboard. Refused before the first sample.
     Outcome copyAIPreview();
 
-    /// Notifies of a changed state and input. What is in the settings is reported by their owner.
+    /// Notifies of a changed state, and of an input that was cleared. What is in the settings is
+    /// reported by their owner.
     Observable& observable() { return *observable_; }
 
 private:

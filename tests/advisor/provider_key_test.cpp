@@ -198,12 +198,16 @@ TEST_F(ProviderKey, ChangesAreReported) {
     mainQueue.drain();
     int changes = 0;
     const Subscription subscription = provider().observable().subscribe([&] { ++changes; });
-    provider().setOpenAIKeyInput(SecretText("x"));
-    mainQueue.drain();
-    EXPECT_EQ(changes, 1);
     provider().saveOpenAIKey();
     mainQueue.drain();
-    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(changes, 1);
+    provider().setOpenAIKeyInput(SecretText("sk-x"));
+    mainQueue.drain();
+    EXPECT_EQ(changes, 1) << "a character that is typed changes nothing else";
+    provider().saveOpenAIKey();
+    finishWork();
+    EXPECT_TRUE(provider().openAIKeyInput().isEmpty());
+    EXPECT_EQ(changes, 3) << "it began, and the key is saved";
 }
 
 TEST_F(ProviderKey, TheEndpointIsCheckedBeforeItIsStored) {

@@ -171,9 +171,10 @@ void SettingsSheet::addAI() {
 void SettingsSheet::connectKey() {
     Provider& provider = monitor_.advisor().provider;
     connect(ai_, &AITab::keyEdited, this,
-            [&provider](int first, int removed, std::string_view inserted) {
+            [this, &provider](int first, int removed, std::string_view inserted) {
                 provider.setOpenAIKeyInput(provider.openAIKeyInput().replacing(
                     static_cast<std::size_t>(first), static_cast<std::size_t>(removed), inserted));
+                showAI();
             });
     const auto show = [this](const Outcome& outcome) {
         const bool isRefused = !outcome.isAccepted() && outcome.kind != Outcome::Kind::ignored;
