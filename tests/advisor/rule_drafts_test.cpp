@@ -80,19 +80,5 @@ TEST_F(RuleDraftsTest, AListThatDoesNotDecodeCountsAsNone) {
     EXPECT_THAT(drafts().aiRuleDrafts(), SizeIs(1));
 }
 
-TEST_F(RuleDraftsTest, AnEnabledDraftDoesNothing) {
-    takeSample(90.0);
-    generate();
-    for (const AIRuleDraft& draft : std::vector(drafts().aiRuleDrafts())) {
-        drafts().toggleRuleDraft(draft);
-    }
-    const auto before = events();
-    takeSample(99.0);
-    finishWork();
-    EXPECT_EQ(events(), before);
-    EXPECT_FALSE(confirmations.pendingConfirmation());
-    EXPECT_FALSE(actions.review.selectedPID());
-}
-
 }  // namespace
 }  // namespace tallowcrest
