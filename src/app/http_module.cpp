@@ -26,8 +26,9 @@ std::unique_ptr<Service> madeByModule(const char* function, std::string& problem
     const std::filesystem::path file = self.parent_path() / "tallowcrest-http.so";
     // The libraries read variables when they are loaded and prepared.
     const std::lock_guard guard(environmentLock());
-    // Never unloaded: a name server may still be asked in a thread of its libraries.
-    void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // Never unloaded: a name server may still be asked in a thread of its libraries. Lazily: to
+    // look up all functions of those thirty libraries at once takes 1.5 MB of their symbol tables.
+    void* const module = ::dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* const make = module == nullptr ? nullptr : ::dlsym(module, function);
     if (make == nullptr) {
         problem = ::dlerror();
@@ -39,36 +40,37 @@ std::unique_ptr<Service> madeByModule(const char* function, std::string& problem
 
 }  // namespace
 
-std::optional<HttpReply> HttpModule::post(const HttpRequest& request, const std::stop_token& stop) {
-    std::call_once(once_,
-                   [this] { loaded_ = madeByModule<HttpExchange>(httpModuleFunction, problem_); });
-    if (loaded_ == nullptr) {
-        return HttpReply{.transportError = problem_};
-    }
-    return loaded_->post(request, stop);
-}
-
-UpdateTransport* UpdateModule::loaded() {
-    std::call_once(
-        once_, [this] { loaded_ = madeByModule<UpdateTransport>(updateModuleFunction, problem_); });
+template <class Service>
+Service* ModuleService<Service>::get() {
+    std::call_once(once_, [this] { loaded_ = madeByModule<Service>(function_, problem_); });
     return loaded_.get();
 }
 
+HttpModule::HttpModule() : exchange_(httpModuleFunction) {}
+
+std::optional<HttpReply> HttpModule::post(const HttpRequest& request, const std::stop_token& stop) {
+    HttpExchange* const exchange = exchange_.get();
+    return exchange == nullptr ? HttpReply{.transportError = exchange_.problem()}
+                               : exchange->post(request, stop);
+}
+
+UpdateModule::UpdateModule() : transport_(updateModuleFunction) {}
+
 UpdateReply UpdateModule::fetch(const UpdateRequest& request, const TakeBytes& take,
                                 const std::stop_token& stop) {
-    UpdateTransport* const transport = loaded();
-    return transport == nullptr ? UpdateReply{.error = problem_}
+    UpdateTransport* const transport = transport_.get();
+    return transport == nullptr ? UpdateReply{.error = transport_.problem()}
                                 : transport->fetch(request, take, stop);
 }
 
 std::unique_ptr<Sha256> UpdateModule::startSha256() {
-    UpdateTransport* const transport = loaded();
+    UpdateTransport* const transport = transport_.get();
     return transport == nullptr ? nullptr : transport->startSha256();
 }
 
 bool UpdateModule::isSigned(std::string_view publicKey, std::string_view signature,
                             std::string_view message) {
-    UpdateTransport* const transport = loaded();
+    UpdateTransport* const transport = transport_.get();
     return transport != nullptr && transport->isSigned(publicKey, signature, message);
 }
 

@@ -11,23 +11,45 @@
 
 namespace tallowcrest {
 
-/// The exchange of the module "tallowcrest-http.so" in the folder of the running program. The first
-/// request loads it, and it remains for as long as the process lives. The libraries behind it would
-/// otherwise add 8 ms to each start, also of those who never ask a provider. Any thread.
+/// A service that the module "tallowcrest-http.so" in the folder of the running program makes. The
+/// first call of `get` loads the module, and it remains for as long as the process lives. The
+/// libraries behind it would otherwise add 8 ms to each start, also of those who never ask a
+/// provider. Any thread.
+template <class Service>
+class ModuleService {
+public:
+    /// The function of the module that makes it.
+    explicit ModuleService(const char* function) : function_(function) {}
+
+    /// Null when the module cannot be loaded.
+    Service* get();
+    /// Then the reason, in the system's words.
+    const std::string& problem() const { return problem_; }
+
+private:
+    const char* function_;
+    std::once_flag once_;
+    std::unique_ptr<Service> loaded_;
+    std::string problem_;
+};
+
+/// Any thread.
 class HttpModule final : public HttpExchange {
 public:
-    /// That the module cannot be loaded is a transport error, in the system's words.
+    HttpModule();
+
+    /// That the module cannot be loaded is a transport error.
     std::optional<HttpReply> post(const HttpRequest& request, const std::stop_token& stop) override;
 
 private:
-    std::once_flag once_;
-    std::unique_ptr<HttpExchange> loaded_;  ///< null when it cannot be loaded
-    std::string problem_;                   ///< then the reason
+    ModuleService<HttpExchange> exchange_;
 };
 
-/// The updates' part of the same module, loaded in the same way. Any thread.
+/// Any thread.
 class UpdateModule final : public UpdateTransport {
 public:
+    UpdateModule();
+
     UpdateReply fetch(const UpdateRequest& request, const TakeBytes& take,
                       const std::stop_token& stop) override;
     std::unique_ptr<Sha256> startSha256() override;
@@ -35,12 +57,7 @@ public:
                   std::string_view message) override;
 
 private:
-    /// Null when it cannot be loaded.
-    UpdateTransport* loaded();
-
-    std::once_flag once_;
-    std::unique_ptr<UpdateTransport> loaded_;
-    std::string problem_;
+    ModuleService<UpdateTransport> transport_;
 };
 
 }  // namespace tallowcrest
