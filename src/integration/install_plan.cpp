@@ -24,6 +24,30 @@ std::string linuxTarget(const LinuxInstallPlaces& places) {
     return places.home + "/.local/opt/tallowcrest";
 }
 
+/// Without a slash at the end. Empty when an encoding is not valid, or stands for a NUL.
+std::string removingPercentEncoding(std::string_view path) {
+    std::string decoded;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        if (path[at] != '%') {
+            decoded += path[at];
+            continue;
+        }
+        const std::string_view digits = path.substr(at + 1, 2);
+        unsigned char byte = 0;
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
+        if (digits.size() < 2 || error != std::errc() || end != digits.data() + 2 || byte == 0) {
+            return {};
+        }
+        decoded += static_cast<char>(byte);
+        at += 2;
+    }
+    while (decoded.size() > 1 && decoded.ends_with('/')) {
+        decoded.pop_back();
+    }
+    return decoded;
+}
+
 }  // namespace
 
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
@@ -95,29 +119,6 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
             .running = removingPercentEncoding(bundlePath),
             .text = launchAgent,
             .loader = "/bin/launchctl"};
-}
-
-std::string removingPercentEncoding(std::string_view path) {
-    std::string decoded;
-    for (std::size_t at = 0; at < path.size(); ++at) {
-        if (path[at] != '%') {
-            decoded += path[at];
-            continue;
-        }
-        const std::string_view digits = path.substr(at + 1, 2);
-        unsigned char byte = 0;
-        const auto [end, error] =
-            std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
-        if (digits.size() < 2 || error != std::errc() || end != digits.data() + 2 || byte == 0) {
-            return {};
-        }
-        decoded += static_cast<char>(byte);
-        at += 2;
-    }
-    while (decoded.size() > 1 && decoded.ends_with('/')) {
-        decoded.pop_back();
-    }
-    return decoded;
 }
 
 std::vector<std::string> copyArguments(const InstallPlan& plan) {

@@ -52,12 +52,10 @@ LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 /// it is in none. Empty for an empty path.
 std::string bundlePathOf(std::string_view executable);
 
-/// `bundlePath` as above.
+/// `bundlePath` as above. An encoding that is not valid, or stands for a NUL, makes `bundle` and
+/// `running` empty.
 InstallPlan macOSInstallPlan(std::string_view bundlePath);
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
-
-/// Without a slash at the end. Empty when an encoding is not valid, or stands for a NUL.
-std::string removingPercentEncoding(std::string_view path);
 
 /// The arguments of `rsync` for the copy: what `bundle` no longer has is removed from `target`.
 std::vector<std::string> copyArguments(const InstallPlan& plan);

@@ -56,13 +56,13 @@ TEST(StartupFiles, APathOfAnyBytesStaysOneArgument) {
 }
 
 TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
-    EXPECT_EQ(removingPercentEncoding("/A%20B/T%C3%A9.app/"), "/A B/Té.app");
-    EXPECT_EQ(removingPercentEncoding("/plain"), "/plain");
-    EXPECT_EQ(removingPercentEncoding("/"), "/");
+    EXPECT_EQ(macOSInstallPlan("/A%20B/T%C3%A9.app/").bundle, "/A B/Té.app");
+    EXPECT_EQ(macOSInstallPlan("/plain").bundle, "/plain");
+    EXPECT_EQ(macOSInstallPlan("/").bundle, "/");
     for (const char* invalid : {"", "/a%", "/a%2", "/a%2x", "/a%x2", "/a%00b", "/a%-1"}) {
-        EXPECT_EQ(removingPercentEncoding(invalid), "") << invalid;
+        EXPECT_EQ(macOSInstallPlan(invalid).bundle, "") << invalid;
+        EXPECT_EQ(macOSLoginPlan(invalid, "/Users/o").running, "") << invalid;
     }
-    EXPECT_EQ(macOSInstallPlan("/My%20Apps/T.app/").bundle, "/My Apps/T.app");
     EXPECT_EQ(macOSLoginPlan("/My%20Apps/T.app/", "/Users/o").running, "/My Apps/T.app");
 }
 
