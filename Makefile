@@ -87,6 +87,7 @@ bench:
 	cmake --build build/release -j $(JOBS)
 	scripts/each-program build/release/bench
 	bench/whole_process
+	bench/exchange
 
 screenshots: build
 	@$(BOOTSTRAP)
