@@ -73,11 +73,13 @@ QStringList linesOfItems(const QString& text, const QFont& font, int width, int 
             line = longer;
             continue;
         }
+        // To measure a text takes most of the time. An item that stands alone has been measured.
+        const bool isTooWide = !line || metrics.horizontalAdvance(item) > width;
         if (line) {
             lines.append(*line);
         }
         line = item;
-        if (metrics.horizontalAdvance(item) > width) {
+        if (isTooWide) {
             // One line too many shows the caller that the list does not fit.
             lines.append(wrappedLines(item, font, width, maximumLines + 1));
             line.reset();
