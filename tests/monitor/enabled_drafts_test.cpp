@@ -81,7 +81,7 @@ TEST(EnabledDrafts, AreComparedWhereTheRulesDoAct) {
     const OwnDoing on = underLoad(true, true);
     EXPECT_EQ(on.selectedPID, 700);
     EXPECT_TRUE(on.asks);
-    EXPECT_THAT(on.events, testing::Contains(testing::StartsWith("Scanning ")));
+    EXPECT_THAT(on.events, testing::Contains(testing::StartsWith("Remote scan complete")));
 }
 
 }  // namespace
