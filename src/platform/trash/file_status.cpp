@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <utility>
 
 namespace tallowcrest {
 namespace {
@@ -67,8 +66,11 @@ UniqueFD openFolderAt(int folder, const std::string& name) {
 
 UniqueFD openFolderBelow(int root, std::string_view relativePath) {
     const auto rootStatus = statusOf(root);
-    UniqueFD folder(::openat(root, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    while (rootStatus && folder.valid() && !relativePath.empty()) {
+    if (!rootStatus || relativePath.empty()) {
+        return rootStatus ? openFolderAt(root, ".") : UniqueFD();
+    }
+    UniqueFD folder;
+    while (!relativePath.empty()) {
         const std::size_t end = std::min(relativePath.find('/'), relativePath.size());
         const std::string name(relativePath.substr(0, end));
         const bool endsInSlash = end + 1 == relativePath.size();
@@ -77,7 +79,7 @@ UniqueFD openFolderBelow(int root, std::string_view relativePath) {
             errno = EINVAL;
             return {};
         }
-        folder = openFolderAt(folder.get(), name);
+        folder = openFolderAt(folder.valid() ? folder.get() : root, name);
         const auto status = folder.valid() ? statusOf(folder.get()) : std::nullopt;
         if (!status) {
             return {};
@@ -87,7 +89,7 @@ UniqueFD openFolderBelow(int root, std::string_view relativePath) {
             return {};
         }
     }
-    return rootStatus ? std::move(folder) : UniqueFD();
+    return folder;
 }
 
 }  // namespace tallowcrest

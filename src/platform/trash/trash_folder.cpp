@@ -23,6 +23,16 @@ UniqueFD openAt(int folder, const std::string& name, Links links) {
     return UniqueFD(::openat(folder, name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | noLinks));
 }
 
+/// An open folder if it belongs to this user; else invalid with `errno`.
+UniqueFD ownFolder(UniqueFD opened) {
+    const auto status = opened.valid() ? statusOf(opened.get()) : std::nullopt;
+    if (status && status->owner != ::geteuid()) {
+        errno = EPERM;
+        return {};
+    }
+    return status ? std::move(opened) : UniqueFD();
+}
+
 /// Opens a folder, which must belong to this user, or creates it.
 UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
     UniqueFD opened = openAt(folder, name, links);
@@ -33,12 +43,7 @@ UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
         }
         opened = openAt(folder, name, links);
     }
-    const auto status = opened.valid() ? statusOf(opened.get()) : std::nullopt;
-    if (status && status->owner != ::geteuid()) {
-        errno = EPERM;
-        return {};
-    }
-    return status ? std::move(opened) : UniqueFD();
+    return ownFolder(std::move(opened));
 }
 
 /// The folders in a trash folder that is open. Absent when the files would be on another volume
@@ -65,14 +70,15 @@ std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links
 
 /// The owner of the home folder may have put the trash elsewhere by a link.
 std::optional<TrashFolder> openHomeTrash(const std::string& homeTrash, int folder) {
-    if (!openFolder(homeTrash).valid() && errno == ENOENT) {
+    UniqueFD trash = openFolder(homeTrash);
+    if (!trash.valid() && errno == ENOENT) {
         if (const int error = makeDirectories(homeTrash); error != 0) {
             errno = error;
             return std::nullopt;
         }
+        trash = openFolder(homeTrash);
     }
-    return openContents(openOwnFolder(AT_FDCWD, homeTrash, Links::followed), folder,
-                        Links::followed);
+    return openContents(ownFolder(std::move(trash)), folder, Links::followed);
 }
 
 /// The root of the volume of a folder, and the path from there to the folder.
