@@ -72,8 +72,8 @@ void flipLaunchAtLogin(LoginItem& login, DashboardWindow& window) {
 
 /// The page shows the result; the window, the question before it.
 void analyze(SystemMonitor& monitor, DashboardWindow& window) {
-    monitor.advisor().provider.requestAIAnalysis();
     window.openRoute(AppRoute::aiAdvisor);
+    monitor.advisor().provider.requestAIAnalysis();
 }
 
 void flipAutoSelect(Automation& automation, DashboardWindow& window) {

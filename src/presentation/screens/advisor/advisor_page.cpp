@@ -127,11 +127,9 @@ void AdvisorPage::connectTrustAndDrafts() {
 }
 
 void AdvisorPage::analyze() {
-    Provider& provider = monitor_.advisor().provider;
-    if (!provider.state().aiBusy) {
+    // A refusal is the answer.
+    if (monitor_.advisor().provider.requestAIAnalysis().kind != Outcome::Kind::ignored) {
         suggestions_->showRefusal({});
-        // A refusal is the answer.
-        provider.requestAIAnalysis();
     }
 }
 
@@ -160,10 +158,11 @@ std::vector<Observable*> AdvisorPage::shows() const {
 }
 
 std::vector<HeaderAction> AdvisorPage::headerActions() {
-    return {analysisAction(monitor_.advisor().provider, u"aiAdvisor.analyze"_s),
-            {{"Open Chat", "message", "Goes to Chat"}, u"aiAdvisor.open-chat"_s, [this] {
-                 state_.navigation.setSelectedRoute(AppRoute::chat);
-             }}};
+    return {
+        analysisAction(monitor_.advisor().provider, u"aiAdvisor.analyze"_s, [this] { analyze(); }),
+        {{"Open Chat", "message", "Goes to Chat"}, u"aiAdvisor.open-chat"_s, [this] {
+             state_.navigation.setSelectedRoute(AppRoute::chat);
+         }}};
 }
 
 void AdvisorPage::refresh() {

@@ -99,12 +99,11 @@ std::vector<Observable*> OverviewPage::shows() const {
 }
 
 std::vector<HeaderAction> OverviewPage::headerActions() {
-    HeaderAction analysis = analysisAction(monitor_.advisor().provider, u"overview.analyze"_s);
-    analysis.run = [this] { analyze(); };
-    return {std::move(analysis),
-            {{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
-             u"overview.review-cleanup"_s,
-             [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); }}};
+    return {
+        analysisAction(monitor_.advisor().provider, u"overview.analyze"_s, [this] { analyze(); }),
+        {{"Review Cleanup", "wand.and.stars", "Goes to Optimize"},
+         u"overview.review-cleanup"_s,
+         [this] { state_.navigation.setSelectedRoute(AppRoute::optimize); }}};
 }
 
 void OverviewPage::analyze() {

@@ -106,6 +106,20 @@ TEST_F(AdvisorActionsTest, ARefusalGoesWithTheSuggestionsThatItWasAbout) {
     EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s) << "another analysis";
 }
 
+TEST_F(AdvisorActionsTest, EachButtonThatAnalyzesRemovesARefusal) {
+    showConnected(true);
+    publish({suggestionOf("select_top")});
+    for (const char* analyze : {"ai.analyze", "aiAdvisor.analyze", "ai.draft-rules"}) {
+        click("ai.run-approved");
+        EXPECT_NE(textOf("ai.suggestions.refusal"), u"(not shown)"_s);
+        click(analyze);
+        settle();
+        EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s) << analyze;
+        EXPECT_TRUE(machine.monitor().confirmations().cancelPending().isAccepted()) << analyze;
+        settle();
+    }
+}
+
 TEST_F(AdvisorActionsTest, APurgeWaitsForThePressureAndThenForItsConfirmation) {
     showAdvisor();
     publish({suggestionOf("local_purge")});
