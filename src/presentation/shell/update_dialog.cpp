@@ -27,12 +27,8 @@ UpdateDialog::UpdateDialog(ProUpdater& updater, QWidget* window)
     layout->setSpacing(0);
     constexpr int mostTitleLines = 4;
     constexpr int mostTextLines = 12;
-    title_ = new ElidedLabel(onPage(&CrestFonts::heading), this);
-    title_->setObjectName(u"update.title"_s);
-    title_->setLines(1, mostTitleLines);
-    text_ = new ElidedLabel(onPage(&CrestFonts::body), this);
-    text_->setObjectName(u"update.text"_s);
-    text_->setLines(1, mostTextLines);
+    title_ = makeLabel(u"update.title"_s, onPage(&CrestFonts::heading), mostTitleLines, this);
+    text_ = makeLabel(u"update.text"_s, onPage(&CrestFonts::body), mostTextLines, this);
     layout->addWidget(title_);
     layout->addSpacing(spacing::unit);
     layout->addWidget(text_);

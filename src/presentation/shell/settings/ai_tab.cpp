@@ -53,22 +53,19 @@ QWidget* AITab::makeIntelligence() {
     model_ = new StoredField(u"Model"_s, {}, u"settings.ai-model"_s,
                              u"The model that is asked; the default one when it is empty"_s, card);
     card->contentLayout()->addWidget(model_);
-    auto* line = new ElidedLabel(
+    const LabelStyle caption = onCard(&CrestFonts::caption, &CrestTheme::secondaryText);
+    auto* line = makeLabel(u"settings.ai.line"_s, caption, 3, card);
+    line->setText(
         u"Default model is gpt-5.6-luna for efficient analysis. The key is stored in macOS "
-        "Keychain and is never included in reports."_s,
-        onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
-    line->setObjectName(u"settings.ai.line"_s);
-    line->setLines(1, 3);
+        "Keychain and is never included in reports."_s);
     card->contentLayout()->addWidget(line);
     card->contentLayout()->addSpacing(spacing::unit);
     endpoint_ =
         new StoredField(u"Endpoint"_s, u"https://…"_s, u"settings.ai-endpoint"_s,
                         u"The address of another server to ask; OpenAI's when it is empty"_s, card);
     card->contentLayout()->addWidget(endpoint_);
-    auto* keyLine = new ElidedLabel(u"A saved key is sent to this server as its key."_s,
-                                    onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
-    keyLine->setObjectName(u"settings.ai-endpoint.line"_s);
-    keyLine->setLines(1, 2);
+    auto* keyLine = makeLabel(u"settings.ai-endpoint.line"_s, caption, 2, card);
+    keyLine->setText(u"A saved key is sent to this server as its key."_s);
     card->contentLayout()->addWidget(keyLine);
     return card;
 }
@@ -80,8 +77,7 @@ QWidget* AITab::makeKey(QWidget* card) {
     layout->setSpacing(spacing::unit);
     auto* state = new QHBoxLayout;
     state->setSpacing(spacing::unit);
-    keyState_ = new ElidedLabel(onCard(&CrestFonts::body), part);
-    keyState_->setObjectName(u"settings.ai-key-state"_s);
+    keyState_ = makeLabel(u"settings.ai-key-state"_s, onCard(&CrestFonts::body), 1, part);
     remove_ = makeDangerButton({"Remove Key", "", "Removes the stored key from the key store"},
                                u"settings.ai-key.remove"_s, part);
     state->addWidget(keyState_, 1);

@@ -23,10 +23,9 @@ LocalMacTab::LocalMacTab(QWidget* notifications, QWidget* download, QWidget* par
     content.addSpacing(spacing::unit);
     content.addWidget(makeInstallation(card));
     content.addSpacing(spacing::gap);
-    auto* words = new ElidedLabel(u"Tallowcrest Pro checks for signed updates automatically."_s,
-                                  onCard(&CrestFonts::body, &CrestTheme::secondaryText), card);
-    words->setObjectName(u"settings.updates.words"_s);
-    words->setLines(1, 2);
+    auto* words = makeLabel(u"settings.updates.words"_s,
+                            onCard(&CrestFonts::body, &CrestTheme::secondaryText), 2, card);
+    words->setText(u"Tallowcrest Pro checks for signed updates automatically."_s);
     content.addWidget(words);
     check_ = makeButton(commands::checkForUpdates, u"settings.check-for-updates"_s, card);
     connect(check_, &QPushButton::clicked, this, &LocalMacTab::updateCheckWanted);
