@@ -136,17 +136,18 @@ QString shortText(std::string_view utf8, qsizetype most) {
     return shown.left(most - (shown[most - 1].isHighSurrogate() ? 1 : 0)) + u'…';
 }
 
-QString lines(std::string_view utf8) {
-    constexpr std::string_view blanks = "    ";
+QString lines(std::string_view utf8, QStringView tab) {
     QString result;
     for (;;) {
         const std::size_t end = std::min(utf8.find('\n'), utf8.size());
-        std::string line(utf8.substr(0, end));
+        std::string_view line = utf8.substr(0, end);
         if (line.ends_with('\r')) {
-            line.pop_back();
+            line.remove_suffix(1);
         }
-        for (std::size_t tab = line.find('\t'); tab != std::string::npos; tab = line.find('\t')) {
-            line.replace(tab, 1, blanks);
+        for (std::size_t at = line.find('\t'); at != std::string_view::npos; at = line.find('\t')) {
+            result += text(line.substr(0, at));
+            result += tab;
+            line.remove_prefix(at + 1);
         }
         result += text(line);
         if (end == utf8.size()) {

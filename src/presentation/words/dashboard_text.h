@@ -25,8 +25,8 @@ QString text(std::string_view utf8);
 /// The same of at most `most` UTF-16 units, and "…" behind them if that is not all.
 QString shortText(std::string_view utf8, qsizetype most);
 
-/// The same of a text of several lines: they remain, and each tab becomes blanks.
-QString lines(std::string_view utf8);
+/// The same of a text of several lines: they remain, and each tab becomes `tab`.
+QString lines(std::string_view utf8, QStringView tab = u"    ");
 
 /// A percentage rounded to a whole number, clamped to ±100,000; 0 if it is not finite.
 int wholePercent(double percent);

@@ -32,6 +32,8 @@ TEST(LinesOfText, RemainAndHideNothing) {
     for (const auto& [given, shown] : cases) {
         EXPECT_EQ(dashboard_text::lines(given), shown) << given;
     }
+    EXPECT_EQ(dashboard_text::lines("one\ttwo\t\r\n\tx\u202e\n", u"\t"),
+              u"one\ttwo\t\n\tx\uFFFD\n"_s);
 }
 
 TEST(LongText, IsCutWhereDrawingItWouldTakeLong) {
