@@ -35,8 +35,7 @@ InstallPorts desktopInstallPorts() {
 
 UpdatePorts desktopUpdatePorts() {
     return {.transport = std::make_shared<UpdateModule>(),
-            .images =
-                std::make_shared<PosixImageFolder>([folder = temporaryFolder()] { return folder; }),
+            .images = std::make_shared<PosixImageFolder>(temporaryFolder()),
             .build = updateBuild(),
             .openFile = desktop::openFile,
             .openAddress = desktop::openAddress,

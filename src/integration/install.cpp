@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <utility>
 
 #include "actions/tool_runner.h"
@@ -17,23 +18,11 @@ namespace {
 constexpr const char* copyTool = "/usr/bin/rsync";
 constexpr std::chrono::milliseconds copyDeadline{20'000};
 
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
-
 /// Whether `bundle` has the program. A copy of a folder without it would remove an installed one.
 bool hasProgram(const InstallPlan& plan, const InstallationFiles& files) {
     return !plan.bundle.empty() &&
            std::ranges::all_of(plan.programFiles, [&](const std::string& name) {
                return files.exists(plan.bundle + '/' + name);
-           });
-}
-
-/// Whether the target is a folder of the owner's own, which the copy would clear.
-bool isOfTheOwners(const InstallPlan& plan, const InstallationFiles& files) {
-    return !plan.programFiles.empty() && !files.isEmpty(plan.target) &&
-           std::ranges::none_of(plan.programFiles, [&](const std::string& name) {
-               return files.exists(plan.target + '/' + name);
            });
 }
 
@@ -50,7 +39,7 @@ std::string makeEntries(const InstallPlan& plan, InstallationFiles& files,
         if (path.empty()) {
             return;
         }
-        Outcome outcome = files.makeFolder(folderOf(path));
+        Outcome outcome = files.makeFolder(std::filesystem::path(path).parent_path());
         if (outcome.isAccepted()) {
             outcome = make();
         }
@@ -83,15 +72,17 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
     if (!files.exists(copyTool)) {
         return {notCompleted(std::string(copyTool) + " is missing.")};
     }
-    if (const Outcome made = files.makeFolder(folderOf(plan.target)); !made.isAccepted()) {
-        return {notCompleted(folderOf(plan.target) + ": " + made.message)};
+    const std::string folder = std::filesystem::path(plan.target).parent_path();
+    if (const Outcome made = files.makeFolder(folder); !made.isAccepted()) {
+        return {notCompleted(folder + ": " + made.message)};
     }
     // Two copies at once would remove each other's temporary files.
-    const auto reserved = files.reserve(folderOf(plan.target));
+    const auto reserved = files.reserve(folder);
     if (reserved == nullptr) {
         return {notCompleted("Another installation is under way.")};
     }
-    if (isOfTheOwners(plan, files)) {
+    // The copy would clear the folder.
+    if (holdsOwnersFiles(plan, files.namesIn(plan.target))) {
         return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
     }
     const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);
@@ -113,7 +104,7 @@ Install::Install(const Services& services, ToolRunner& tools, InstallPorts ports
 
 Install::~Install() = default;
 
-Outcome Install::installToApplications(Finished finished) {
+Outcome Install::installToApplications() {
     if (state_.isInstalling) {
         return Outcome::ignored();
     }
@@ -122,21 +113,20 @@ Outcome Install::installToApplications(Finished finished) {
     }
     state_.isInstalling = true;
     observable_->changed();
+    // No event: only what became of it is one.
+    log_.setLastAction("Installing Tallowcrest...");
     jobs_.run(
         Lane::installation,
         [plan = ports_.install, files = ports_.files, &tools = tools_,
          icon = ports_.icon ? ports_.icon() : std::string()](const Stop&) {
             return install(plan, *files, tools, icon);
         },
-        [this, finished = std::move(finished)](const Installed& installed) {
+        [this](const Installed& installed) {
             state_.isInstalling = false;
             observable_->changed();
             log_.record(installed.outcome);
             if (!installed.problems.empty()) {
                 log_.recordMessage("Could not make " + installed.problems + '.');
-            }
-            if (finished) {
-                finished(installed.outcome);
             }
         });
     return Outcome::asked();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,20 +27,18 @@ public:
     Install(const Install&) = delete;
     Install& operator=(const Install&) = delete;
 
-    /// Gets the recorded result of an operation that was begun, on a later turn.
-    using Finished = std::function<void(const Outcome&)>;
-
     const State& state() const { return state_; }
     /// The place as texts name it, "/Applications"; empty where nothing can be installed.
     const std::string& shownTarget() const { return ports_.install.shownTarget; }
 
-    /// Copies in the background; the message then says what became of it. Ignored while an
-    /// installation is under way. Refused where the running program cannot be located.
+    /// Copies in the background; the last action says so, and the message then what became of it.
+    /// Ignored while an installation is under way. Refused where the running program cannot be
+    /// located.
     ///
     /// Whether it worked is judged by the installed program being there afterwards, as an earlier
     /// installation is, too. A launcher, icon or menu entry that could not be made is told by a
     /// second message.
-    Outcome installToApplications(Finished finished = {});
+    Outcome installToApplications();
 
     /// Notifies of changes of `state`.
     Observable& observable() { return *observable_; }

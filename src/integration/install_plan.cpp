@@ -1,5 +1,6 @@
 #include "integration/install_plan.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 
@@ -119,6 +120,20 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
             .running = removingPercentEncoding(bundlePath),
             .text = launchAgent,
             .loader = "/bin/launchctl"};
+}
+
+bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<std::string>& names) {
+    const auto isProgramFile = [&](const std::string& name) {
+        return std::ranges::find(plan.programFiles, name) != plan.programFiles.end();
+    };
+    // `rsync` writes to ".NAME." and six more characters first.
+    constexpr std::size_t ending = sizeof(".XXXXXX") - 1;
+    const auto isTemporary = [&](const std::string& name) {
+        return name.size() > ending && name.front() == '.' && name[name.size() - ending] == '.' &&
+               isProgramFile(name.substr(1, name.size() - ending - 1));
+    };
+    return !plan.programFiles.empty() && std::ranges::none_of(names, isProgramFile) &&
+           !std::ranges::all_of(names, isTemporary);
 }
 
 std::vector<std::string> copyArguments(const InstallPlan& plan) {

@@ -57,6 +57,11 @@ std::string bundlePathOf(std::string_view executable);
 InstallPlan macOSInstallPlan(std::string_view bundlePath);
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
 
+/// Whether something with these names in the target of the plan is its owner's and would be lost:
+/// there is none of the program's files, and something else than the temporary files of a copy that
+/// was killed. Never where all files are the program's.
+bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<std::string>& names);
+
 /// The arguments of `rsync` for the copy: what `bundle` no longer has is removed from `target`.
 std::vector<std::string> copyArguments(const InstallPlan& plan);
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/outcome.h"
 
@@ -24,9 +25,9 @@ public:
     /// Whether there is something, links followed.
     virtual bool exists(const std::string& path) const = 0;
 
-    /// Whether there is nothing in the folder. True as well when there is no such folder, or it
-    /// cannot be read.
-    virtual bool isEmpty(const std::string& folder) const = 0;
+    /// The names of what is in the folder, hidden ones too. Empty as well when there is no such
+    /// folder, or it cannot be read.
+    virtual std::vector<std::string> namesIn(const std::string& folder) const = 0;
 
     /// Creates the folder and those above it, as far as they are missing.
     virtual Outcome makeFolder(const std::string& path) = 0;

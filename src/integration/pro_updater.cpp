@@ -140,8 +140,8 @@ void ProUpdater::finishDownload(const Downloaded& downloaded) {
     observable_->changed();
     if (isCanceled) {
         // Complete before the owner pressed Cancel, but not yet told here.
-        if (const auto* image = std::get_if<VerifiedImage>(&downloaded)) {
-            ports_.images->remove(image->path);
+        if (const auto* image = std::get_if<std::string>(&downloaded)) {
+            ports_.images->remove(*image);
         }
         return;
     }
@@ -149,7 +149,7 @@ void ProUpdater::finishDownload(const Downloaded& downloaded) {
         show({downloadFailedAlert(error->description)});
         return;
     }
-    const std::string& path = std::get<VerifiedImage>(downloaded).path;
+    const std::string& path = std::get<std::string>(downloaded);
     if (!ports_.openFile || !ports_.openFile(path)) {
         show({downloadFailedAlert("No application opens " + path)});
     }

@@ -68,7 +68,7 @@ public:
 
 private:
     using Fetched = std::variant<Release, UpdateError>;
-    using Downloaded = std::variant<VerifiedImage, UpdateError>;
+    using Downloaded = std::variant<std::string, UpdateError>;
 
     struct Shown {
         UpdateAlert alert;

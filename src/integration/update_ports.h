@@ -10,8 +10,6 @@
 #include <string_view>
 #include <variant>
 
-#include "core/outcome.h"
-
 namespace tallowcrest {
 
 /// One GET request.
@@ -65,36 +63,41 @@ public:
                           std::string_view message) = 0;
 };
 
+/// Why something did not work, as its alert describes it.
+struct UpdateError {
+    std::string description;
+};
+
 /// A file that is being downloaded. It is removed when it is destroyed before it was published.
 /// One thread at a time.
 class DownloadedImage {
 public:
     virtual ~DownloadedImage() = default;
-    /// Empty, or why the bytes could not be written, in the system's words.
-    virtual std::string write(std::string_view bytes) = 0;
+    /// Absent once the bytes are written.
+    virtual std::optional<UpdateError> write(std::string_view bytes) = 0;
     /// Gives the file this name, in place of another file of the name, and makes it readable by
-    /// everybody: the one who installs it may be another user. Done with the absolute path as
-    /// message, or failed.
-    virtual Outcome publish(const std::string& name) = 0;
+    /// everybody: the one who installs it may be another user. Returns the absolute path.
+    virtual std::variant<std::string, UpdateError> publish(const std::string& name) = 0;
 };
 
 /// The user's temporary directory. Any thread.
 class ImageFolder {
 public:
     virtual ~ImageFolder() = default;
-    /// A new file of its own, which nobody else can read or write; or why there is none.
-    virtual std::variant<std::unique_ptr<DownloadedImage>, std::string> begin() = 0;
+    /// A new file of its own, which nobody else can read or write. What killed downloads have left
+    /// in the folder is removed.
+    virtual std::variant<std::unique_ptr<DownloadedImage>, UpdateError> begin() = 0;
     /// Removes an image by the path that publishing it told.
     virtual void remove(const std::string& path) = 0;
 };
 
 /// Values of the build.
 struct UpdateBuild {
-    std::string feed = {};             ///< the address of the feed; empty: there is none
-    std::string host = {};             ///< the only one that images are fetched from
-    std::string version = {};          ///< of this program; empty when unknown
-    std::string build = {};            ///< a decimal number; anything else counts as 0
-    std::string imageEnding = ".deb";  ///< how the names of images end on this system
+    std::string feed = {};         ///< the address of the feed; empty: there is none
+    std::string host = {};         ///< the only one that images are fetched from
+    std::string version = {};      ///< of this program; empty when unknown
+    std::string build = {};        ///< a decimal number; anything else counts as 0
+    std::string imageEnding = {};  ///< how the names of images end on this system
     /// The public key of Ed25519, in Base64, that feeds must be signed with; empty: none.
     std::string publicKey = {};
 };

@@ -53,13 +53,13 @@ std::variant<Release, UpdateError> fetchRelease(UpdateTransport& transport,
     return *std::move(release);
 }
 
-std::variant<VerifiedImage, UpdateError> downloadImage(
+std::variant<std::string, UpdateError> downloadImage(
     UpdateTransport& transport, ImageFolder& images, const Release& release,
     std::string_view imageEnding, const std::function<void(DownloadProgress)>& report,
     const std::stop_token& stop) {
     auto begun = images.begin();
-    if (auto* problem = std::get_if<std::string>(&begun)) {
-        return UpdateError{std::move(*problem)};
+    if (auto* error = std::get_if<UpdateError>(&begun)) {
+        return std::move(*error);
     }
     const auto image = std::get<std::unique_ptr<DownloadedImage>>(std::move(begun));
     const std::unique_ptr<Sha256> digest = transport.startSha256();
@@ -67,12 +67,12 @@ std::variant<VerifiedImage, UpdateError> downloadImage(
         return UpdateError{"The library for digests cannot be used."};
     }
     DownloadProgress progress;
-    std::string writeError;
+    std::optional<UpdateError> writeError;
     const UpdateReply reply = transport.fetch(
         {release.downloadURL, longestImage},
         [&](std::string_view bytes, std::optional<std::uint64_t> total) {
             writeError = image->write(bytes);
-            if (!writeError.empty()) {
+            if (writeError) {
                 return false;
             }
             digest->add(bytes);
@@ -81,8 +81,8 @@ std::variant<VerifiedImage, UpdateError> downloadImage(
             return true;
         },
         stop);
-    if (!writeError.empty()) {
-        return UpdateError{std::move(writeError)};
+    if (writeError) {
+        return *std::move(writeError);
     }
     if (std::string problem = problemOf(reply); !problem.empty()) {
         return UpdateError{std::move(problem)};
@@ -94,11 +94,7 @@ std::variant<VerifiedImage, UpdateError> downloadImage(
     if (stop.stop_requested()) {
         return UpdateError{"The download was canceled."};
     }
-    Outcome published = image->publish(imageName(release, imageEnding));
-    if (!published.isAccepted()) {
-        return UpdateError{std::move(published.message)};
-    }
-    return VerifiedImage{std::move(published.message)};
+    return image->publish(imageName(release, imageEnding));
 }
 
 }  // namespace tallowcrest

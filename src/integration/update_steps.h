@@ -20,11 +20,6 @@ inline constexpr std::uint64_t longestFeed = 256UL * 1024;
 /// An image may not fill the disk.
 inline constexpr std::uint64_t longestImage = 4UL * 1024 * 1024 * 1024;
 
-/// Why a step did not work, as its alert describes it.
-struct UpdateError {
-    std::string description;
-};
-
 /// Whether the build has an address of a feed. Does not block.
 bool hasFeed(const UpdateBuild& build);
 
@@ -41,14 +36,9 @@ struct DownloadProgress {
     bool operator==(const DownloadProgress&) const = default;
 };
 
-/// An image that was downloaded and has the digest of its release.
-struct VerifiedImage {
-    std::string path;  ///< absolute
-};
-
-/// Downloads the image of a release that `isAcceptable`, verifies it and gives it its name. Nothing
-/// of it stays after an error. `report` is called with each piece.
-std::variant<VerifiedImage, UpdateError> downloadImage(
+/// Downloads the image of a release that `isAcceptable`, verifies it and gives it its name. Returns
+/// its absolute path. Nothing of it stays after an error. `report` is called with each piece.
+std::variant<std::string, UpdateError> downloadImage(
     UpdateTransport& transport, ImageFolder& images, const Release& release,
     std::string_view imageEnding, const std::function<void(DownloadProgress)>& report,
     const std::stop_token& stop);

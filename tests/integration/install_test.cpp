@@ -123,6 +123,24 @@ TEST_F(InstallTest, AFolderOfTheOwnersAtTheTargetIsNotCleared) {
     EXPECT_EQ(messageOf(linuxPorts()), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
 }
 
+TEST_F(InstallTest, TemporaryFilesOfAKilledCopyAreNoOwnersFiles) {
+    const InstallPlan plan = linuxInstallPlan(linuxPlaces);
+    const auto holds = [&](const std::vector<std::string>& names) {
+        return holdsOwnersFiles(plan, names);
+    };
+    EXPECT_FALSE(holds({}));
+    EXPECT_FALSE(holds({".tallowcrest.aB3xYz"}));
+    EXPECT_FALSE(holds({".tallowcrest-desktop.aB3xYz", ".tallowcrest-http.so.000000"}));
+    EXPECT_FALSE(holds({"tallowcrest", "notes"}));
+    EXPECT_TRUE(holds({".tallowcrest.aB3xYz", "notes"}));
+    for (const char* name :
+         {".tallowcrest", ".tallowcrest.", ".tallowcrest.aB3xY", "x", ".tallowcrest.aB3xYz7",
+          "tallowcrest.aB3xYz", "..aB3xYz", ".notes.aB3xYz", ".tallowcrest-aB3xYz", ".aB3xYz"}) {
+        EXPECT_TRUE(holds({name})) << name;
+    }
+    EXPECT_FALSE(holdsOwnersFiles(macOSInstallPlan("/unpacked/Tallowcrest.app"), {"notes"}));
+}
+
 TEST_F(InstallTest, SaysThatTheCopyingToolIsMissing) {
     files->files.erase("/usr/bin/rsync");
     files->files[installedOnLinux] = "";
@@ -188,15 +206,15 @@ TEST_F(InstallTest, OneInstallationRunsAtATime) {
     Install install(with.services, tools, linuxPorts());
     int changes = 0;
     const Subscription subscription = install.observable().subscribe([&changes] { ++changes; });
-    std::vector<Kind> finished;
-    install.installToApplications(
-        [&](const Outcome& outcome) { finished.push_back(outcome.kind); });
+    install.installToApplications();
     EXPECT_TRUE(install.state().isInstalling);
+    EXPECT_EQ(with.log.lastAction(), "Installing Tallowcrest...");
+    EXPECT_THAT(with.log.activityLog(), IsEmpty());
     EXPECT_EQ(install.installToApplications(), Outcome::ignored());
     finish();
     EXPECT_FALSE(install.state().isInstalling);
     EXPECT_THAT(launches(), SizeIs(1));
-    EXPECT_THAT(finished, ElementsAre(Kind::done));
+    EXPECT_EQ(with.log.lastAction(), "Installed Tallowcrest to ~/.local/opt/tallowcrest.");
     EXPECT_GE(changes, 1);
     EXPECT_EQ(install.installToApplications().kind, Kind::asked);
 }

@@ -18,9 +18,14 @@ public:
     bool exists(const std::string& path) const override {
         return files.contains(path) || folders.contains(path);
     }
-    bool isEmpty(const std::string& folder) const override {
-        const auto first = files.lower_bound(folder + '/');
-        return first == files.end() || !first->first.starts_with(folder + '/');
+    std::vector<std::string> namesIn(const std::string& folder) const override {
+        std::vector<std::string> names;
+        for (const auto& [path, text] : files) {
+            if (path.starts_with(folder + '/')) {
+                names.push_back(path.substr(folder.size() + 1));
+            }
+        }
+        return names;
     }
     Outcome makeFolder(const std::string& path) override {
         return change("makeFolder", path, [&] { folders.insert(path); });

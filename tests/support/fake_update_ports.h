@@ -77,9 +77,9 @@ private:
 /// A folder in memory.
 class FakeImageFolder final : public ImageFolder {
 public:
-    std::variant<std::unique_ptr<DownloadedImage>, std::string> begin() override {
+    std::variant<std::unique_ptr<DownloadedImage>, UpdateError> begin() override {
         if (!problem.empty()) {
-            return problem;
+            return UpdateError{problem};
         }
         return std::make_unique<Image>(*this);
     }
@@ -97,16 +97,17 @@ private:
         Image(const Image&) = delete;
         Image& operator=(const Image&) = delete;
         ~Image() override { --owner.open; }
-        std::string write(std::string_view bytes) override {
+        std::optional<UpdateError> write(std::string_view bytes) override {
             text += bytes;
-            return owner.writeProblem;
+            return owner.writeProblem.empty() ? std::nullopt
+                                              : std::optional(UpdateError{owner.writeProblem});
         }
-        Outcome publish(const std::string& name) override {
+        std::variant<std::string, UpdateError> publish(const std::string& name) override {
             if (!owner.nameProblem.empty()) {
-                return Outcome::failed(owner.nameProblem);
+                return UpdateError{owner.nameProblem};
             }
             owner.published[name] = text;
-            return Outcome::done("/tmp/" + name);
+            return "/tmp/" + name;
         }
         FakeImageFolder& owner;
         std::string text;
@@ -153,7 +154,11 @@ struct FakeUpdates {
 
     std::shared_ptr<FakeUpdateTransport> transport = std::make_shared<FakeUpdateTransport>();
     std::shared_ptr<FakeImageFolder> images = std::make_shared<FakeImageFolder>();
-    UpdateBuild build{.feed = feedURL, .host = "updates.example", .version = "1.1", .build = "41"};
+    UpdateBuild build{.feed = feedURL,
+                      .host = "updates.example",
+                      .version = "1.1",
+                      .build = "41",
+                      .imageEnding = ".deb"};
     bool opens = true;
     bool isUnderTest = false;
     std::vector<std::string> opened;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -16,8 +17,8 @@
 namespace tallowcrest {
 namespace {
 
-std::string words(int error) {
-    return std::generic_category().message(error);
+UpdateError errorOf(int number) {
+    return {std::generic_category().message(number)};
 }
 
 class PosixDownloadedImage final : public DownloadedImage {
@@ -35,21 +36,21 @@ public:
         }
     }
 
-    std::string write(std::string_view bytes) override {
+    std::optional<UpdateError> write(std::string_view bytes) override {
         const int error = writeAll(file_.get(), bytes);
-        return error == 0 ? std::string() : words(error);
+        return error == 0 ? std::nullopt : std::optional(errorOf(error));
     }
 
-    Outcome publish(const std::string& name) override {
+    std::variant<std::string, UpdateError> publish(const std::string& name) override {
         constexpr mode_t everyoneMayRead = 0644;
         if (::fchmod(file_.get(), everyoneMayRead) != 0) {
-            return Outcome::failed(words(errno));
+            return errorOf(errno);
         }
         if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name.c_str()) != 0) {
-            return Outcome::failed(words(errno));
+            return errorOf(errno);
         }
         temporary_.clear();
-        return Outcome::done(place_ / name);
+        return std::string(place_ / name);
     }
 
 private:
@@ -61,26 +62,27 @@ private:
 
 }  // namespace
 
-std::variant<std::unique_ptr<DownloadedImage>, std::string> PosixImageFolder::begin() {
-    std::filesystem::path place = place_();
-    if (!place.is_absolute()) {
-        return words(ENOENT);
+std::variant<std::unique_ptr<DownloadedImage>, UpdateError> PosixImageFolder::begin() {
+    if (!place_.is_absolute()) {
+        return errorOf(ENOENT);
     }
-    UniqueFD folder(::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    UniqueFD folder(::open(place_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.valid()) {
-        return words(errno);
+        return errorOf(errno);
     }
+    // Nothing else would: many a temporary directory is never cleared.
+    removePartialCopies(folder.get());
     std::string temporary = partialCopyName();
     UniqueFD file(::openat(folder.get(), temporary.c_str(),
                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                            S_IRUSR | S_IWUSR));
     if (!file.valid()) {
-        return words(errno);
+        return errorOf(errno);
     }
-    // A backup into the same folder removes those that nobody writes.
+    // Another download, or a backup into the same folder, removes those that nobody writes.
     lockPartialCopy(file.get());
-    return std::make_unique<PosixDownloadedImage>(std::move(place), std::move(folder),
-                                                  std::move(temporary), std::move(file));
+    return std::make_unique<PosixDownloadedImage>(place_, std::move(folder), std::move(temporary),
+                                                  std::move(file));
 }
 
 void PosixImageFolder::remove(const std::string& path) {

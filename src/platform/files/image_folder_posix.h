@@ -1,7 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
+#include <utility>
 
 #include "integration/update_ports.h"
 
@@ -11,16 +11,14 @@ namespace tallowcrest {
 /// they may to /tmp.
 class PosixImageFolder final : public ImageFolder {
 public:
-    /// The absolute path of the folder, asked for each image.
-    using Place = std::function<std::filesystem::path()>;
+    /// Where `place` is not absolute, no image can be begun.
+    explicit PosixImageFolder(std::filesystem::path place) : place_(std::move(place)) {}
 
-    explicit PosixImageFolder(Place place) : place_(std::move(place)) {}
-
-    std::variant<std::unique_ptr<DownloadedImage>, std::string> begin() override;
+    std::variant<std::unique_ptr<DownloadedImage>, UpdateError> begin() override;
     void remove(const std::string& path) override;
 
 private:
-    Place place_;
+    std::filesystem::path place_;
 };
 
 }  // namespace tallowcrest

@@ -12,10 +12,10 @@
 #include <optional>
 #include <system_error>
 
-#include "core/uuid.h"
 #include "platform/base/make_directories.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
+#include "platform/files/partial_copies.h"
 
 namespace tallowcrest {
 namespace {
@@ -65,10 +65,6 @@ int publish(const Entry& entry, const std::string& temporary, bool replacesLinks
     return error;
 }
 
-std::string temporaryName() {
-    return "." + UUID::random().text() + ".part";
-}
-
 int writeTemporary(const Entry& entry, const std::string& temporary, std::string_view text) {
     constexpr mode_t everyoneMayRead = 0644;
     const UniqueFD file(::openat(entry.folder.get(), temporary.c_str(),
@@ -77,7 +73,12 @@ int writeTemporary(const Entry& entry, const std::string& temporary, std::string
     if (!file.valid()) {
         return errno;
     }
+    lockPartialCopy(file.get());
     int error = writeAll(file.get(), text);
+    // The umask must not hide it from the desktop.
+    if (error == 0 && ::fchmod(file.get(), everyoneMayRead) != 0) {
+        error = errno;
+    }
     // Some file systems report a full disk only here.
     if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
         error = errno;
@@ -100,10 +101,14 @@ bool PosixInstallationFiles::exists(const std::string& path) const {
     return ::stat(path.c_str(), &status) == 0;
 }
 
-bool PosixInstallationFiles::isEmpty(const std::string& folder) const {
+std::vector<std::string> PosixInstallationFiles::namesIn(const std::string& folder) const {
+    std::vector<std::string> names;
     std::error_code error;
-    return std::filesystem::directory_iterator(folder, error) ==
-           std::filesystem::directory_iterator();
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        names.push_back(entry->path().filename());
+    }
+    return names;
 }
 
 Outcome PosixInstallationFiles::makeFolder(const std::string& path) {
@@ -130,7 +135,7 @@ Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_v
     if (!entry.folder.valid()) {
         return outcomeOf(errno);
     }
-    const std::string temporary = temporaryName();
+    const std::string temporary = partialCopyName();
     if (const int error = writeTemporary(entry, temporary, text); error != 0) {
         return outcomeOf(error);
     }
@@ -139,7 +144,7 @@ Outcome PosixInstallationFiles::writeFile(const std::string& path, std::string_v
 
 Outcome PosixInstallationFiles::makeLink(const std::string& path, const std::string& target) {
     const Entry entry = entryOf(path, LinkedFolder::followed);
-    const std::string temporary = temporaryName();
+    const std::string temporary = partialCopyName();
     if (!entry.folder.valid() ||
         ::symlinkat(target.c_str(), entry.folder.get(), temporary.c_str()) != 0) {
         return outcomeOf(errno);

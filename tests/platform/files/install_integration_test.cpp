@@ -122,6 +122,14 @@ TEST_F(InstallIntegration, AFolderOfTheOwnersAtTheTargetStays) {
     EXPECT_THAT(namesIn(target()), UnorderedElementsAre("notes"));
 }
 
+TEST_F(InstallIntegration, WhatACopyLeftThatWasKilledAtItsFirstFileIsReplaced) {
+    fs::create_directories(target());
+    write("home/.local/opt/tallowcrest/.tallowcrest.q1W2e3", "half");
+    EXPECT_EQ(install(), done);
+    EXPECT_THAT(namesIn(target()),
+                UnorderedElementsAre("tallowcrest", "tallowcrest-desktop", "tallowcrest-http.so"));
+}
+
 TEST_F(InstallIntegration, AFileAtTheTargetStays) {
     fs::create_directories(folder_.path("home/.local/opt"));
     write("home/.local/opt/tallowcrest", "a file");

@@ -69,6 +69,22 @@ TEST_F(InstallationFilesTest, WritesAndReplacesAFileAsAWhole) {
     EXPECT_THAT(names(), ElementsAre("entry"));
 }
 
+TEST_F(InstallationFilesTest, WhatIsWrittenIsReadableByEverybodyWhateverTheUmask) {
+    const mode_t before = ::umask(0077);
+    EXPECT_EQ(write(at("entry"), "text"), Outcome::done());
+    ::umask(before);
+    EXPECT_EQ(modeOf(at("entry")), 0644U);
+}
+
+TEST_F(InstallationFilesTest, TellsTheNamesInAFolder) {
+    EXPECT_THAT(files_.namesIn(folder_.path()), IsEmpty());
+    folder_.file("file", "", 0600);
+    folder_.file(".hidden", "", 0600);
+    EXPECT_THAT(files_.namesIn(folder_.path()), UnorderedElementsAre("file", ".hidden"));
+    EXPECT_THAT(files_.namesIn(at("missing")), IsEmpty());
+    EXPECT_THAT(files_.namesIn(at("file")), IsEmpty());
+}
+
 TEST_F(InstallationFilesTest, NeverWritesThroughALink) {
     folder_.file("kept", "kept", 0600);
     fs::create_symlink(at("kept"), at("link"));
@@ -129,17 +145,17 @@ protected:
     }
 
     TemporaryFolder folder_;
-    PosixImageFolder images_{[this] { return folder_.path(); }};
+    PosixImageFolder images_{folder_.path()};
 };
 
 TEST_F(ImageFolderTest, AnImageIsItsOwnersUntilItIsPublished) {
     auto image = begin();
-    EXPECT_EQ(image->write("one "), "");
-    EXPECT_EQ(image->write("two"), "");
+    EXPECT_FALSE(image->write("one ").has_value());
+    EXPECT_FALSE(image->write("two").has_value());
     const std::vector<std::string> names = namesIn(folder_.path());
     ASSERT_EQ(names.size(), 1U);
     EXPECT_EQ(modeOf(folder_.path(names.front())), 0600U);
-    EXPECT_EQ(image->publish("image.deb"), Outcome::done(folder_.path("image.deb")));
+    EXPECT_EQ(std::get<std::string>(image->publish("image.deb")), folder_.path("image.deb"));
     image.reset();
     EXPECT_THAT(namesIn(folder_.path()), ElementsAre("image.deb"));
     EXPECT_EQ(folder_.read("image.deb"), "one two");
@@ -156,8 +172,8 @@ TEST_F(ImageFolderTest, SeveralImagesDoNotDisturbOneAnother) {
     const auto two = begin();
     one->write("one");
     two->write("two");
-    EXPECT_TRUE(one->publish("image.deb").isAccepted());
-    EXPECT_TRUE(two->publish("image.deb").isAccepted());
+    one->publish("image.deb");
+    two->publish("image.deb");
     EXPECT_EQ(folder_.read("image.deb"), "two");
 }
 
@@ -173,11 +189,21 @@ TEST_F(ImageFolderTest, ABackupIntoItsFolderLeavesAnImageThatIsBeingWritten) {
     EXPECT_THAT(namesIn(folder_.path()), IsEmpty());
 }
 
+TEST_F(ImageFolderTest, ANewImageRemovesWhatKilledDownloadsHaveLeft) {
+    folder_.file(partialCopyName(), "of a killed process", 0600);
+    folder_.file(".tallowcrest-notes.part", "of the owner", 0600);
+    const auto running = begin();
+    EXPECT_EQ(namesIn(folder_.path()).size(), 2U);
+    const auto another = begin();
+    EXPECT_EQ(namesIn(folder_.path()).size(), 3U) << "one that is being written stays";
+    EXPECT_EQ(folder_.read(".tallowcrest-notes.part"), "of the owner");
+}
+
 TEST_F(ImageFolderTest, WithoutAFolderThereIsAReason) {
-    PosixImageFolder missing([] { return "/nowhere/at/all"; });
-    EXPECT_EQ(std::get<std::string>(missing.begin()), "No such file or directory");
-    PosixImageFolder relative([] { return "tmp"; });
-    EXPECT_EQ(std::get<std::string>(relative.begin()), "No such file or directory");
+    for (const char* place : {"/nowhere/at/all", "tmp"}) {
+        EXPECT_EQ(std::get<UpdateError>(PosixImageFolder(place).begin()).description,
+                  "No such file or directory");
+    }
 }
 
 }  // namespace

@@ -101,8 +101,12 @@ protected:
     UpdatePorts ports_{
         .transport = std::make_shared<CurlUpdateTransport>(
             CurlUpdateTransport::Options{.certificateAuthorities = authority_.path()}),
-        .images = std::make_shared<PosixImageFolder>([this] { return downloads_.path(); }),
-        .build = {.feed = "", .host = "localhost", .version = "1.1", .build = "41"},
+        .images = std::make_shared<PosixImageFolder>(downloads_.path()),
+        .build = {.feed = "",
+                  .host = "localhost",
+                  .version = "1.1",
+                  .build = "41",
+                  .imageEnding = ".deb"},
         .openFile = [this](const std::string& path) {
             opened_.push_back(path);
             return true;
