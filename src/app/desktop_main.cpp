@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -231,8 +230,7 @@ int main(int argc, char** argv) {
     takeEnvironmentKey();
     // A limit on file sizes then makes a save fail instead of ending the program.
     std::signal(SIGXFSZ, SIG_IGN);
-    const std::vector<std::string> arguments(argv, argv + argc);
-    const CommandLine commandLine = readCommandLine(arguments);
+    const CommandLine commandLine = readCommandLine({argv, argv + argc});
     if (commandLine.status) {
         return *commandLine.status;
     }
@@ -262,8 +260,7 @@ int main(int argc, char** argv) {
         QMetaObject::invokeMethod(
             &application, [] { QApplication::exit(EXIT_FAILURE); }, Qt::QueuedConnection);
     });
-    const int status = runWindow(application, instance.guard,
-                                 std::ranges::find(arguments, "--ui-testing") == arguments.end());
+    const int status = runWindow(application, instance.guard, !commandLine.options.uiTesting);
     termination.endBySignal();
     return status;
 }

@@ -79,7 +79,7 @@ public:
         }
         ++printed_;
         if (options_.samples && printed_ >= *options_.samples) {
-            finish(EXIT_SUCCESS);
+            finish(fileProblem_.empty() ? EXIT_SUCCESS : EXIT_FAILURE);
         }
     }
 

@@ -38,6 +38,7 @@ constexpr auto flags = std::to_array<Flag>({
     {"--analyze", &Options::analyze},
     {"--yes", &Options::yes},
     {"--redacted", &Options::redacted},
+    {"--ui-testing", &Options::uiTesting},
 });
 
 /// An argument, quoted and shortened for a message.
@@ -81,8 +82,6 @@ private:
             parseOpenMetrics();
         } else if (name == "--ask") {
             parseQuestion();
-        } else if (name == "--ui-testing") {
-            takeNoValue(name);  // for the program with a window
         } else if (const Flag* flag = flagNamed(name)) {
             takeNoValue(name);
             options_.*flag->isSet = true;
@@ -112,6 +111,16 @@ private:
             value_ = arguments_[++next_];
         }
         return value_;
+    }
+
+    /// A value that may be any text. What looks like the next option counts only after "=".
+    std::optional<std::string_view> takeText(std::string_view option) {
+        if (!value_ && next_ + 1 < arguments_.size() && arguments_[next_ + 1].starts_with("--")) {
+            fail(fmt::format("option '{}' needs a value before {}", option,
+                             quoted(arguments_[next_ + 1])));
+            return std::nullopt;
+        }
+        return takeValue(option);
     }
 
     void parseSamples() {
@@ -144,7 +153,7 @@ private:
     }
 
     void parseOpenMetrics() {
-        const auto path = takeValue("--openmetrics");
+        const auto path = takeText("--openmetrics");
         if (path && path->empty()) {
             fail("option '--openmetrics' needs a path, or '-' for standard output");
         } else if (path) {
@@ -153,7 +162,7 @@ private:
     }
 
     void parseQuestion() {
-        const auto text = takeValue("--ask");
+        const auto text = takeText("--ask");
         if (!text) {
             return;
         }

@@ -15,6 +15,7 @@ struct Options {
     bool showHelp = false;
     bool showVersion = false;
     bool headless = false;
+    bool uiTesting = false;  ///< keep the setup wizard away
     bool json = false;
     bool report = false;             ///< print the diagnostics report and end
     bool remote = false;             ///< scan other machines once and end

@@ -42,6 +42,20 @@ TEST(HeadlessMetricsFile, AFolderInWhichNoFileCanBeMadeEndsWithOneLine) {
     });
 }
 
+TEST(HeadlessMetricsFile, ALastSampleThatWasNotWrittenIsAFailure) {
+    const TemporaryFolder root;
+    inOwnMounts([&] {
+        const std::string folder = root.path("full");
+        mountMemory(folder, "nr_inodes=1");
+        const std::string path = folder + "/metrics.prom";
+        const ProgramResult result =
+            run({"--headless", "--openmetrics", path, "--samples", "2", "--interval", "0.05"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.standardError,
+                  "tallowcrest: cannot write " + path + ": No space left on device\n");
+    });
+}
+
 TEST(HeadlessMetricsFile, AFolderThatIsGoneForAWhileIsToldOnceAndThenWrittenAgain) {
     const TemporaryFolder root;
     const fs::path folder = root.path("metrics");

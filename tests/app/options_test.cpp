@@ -46,7 +46,9 @@ TEST(Options, Flags) {
     EXPECT_TRUE(accepted({"--help"}).showHelp);
     EXPECT_TRUE(accepted({"-h"}).showHelp);
     EXPECT_TRUE(accepted({"--version"}).showVersion);
+    EXPECT_TRUE(accepted({"--ui-testing"}).uiTesting);
     EXPECT_FALSE(accepted({"--ui-testing"}).headless);
+    EXPECT_FALSE(accepted({}).uiTesting);
     EXPECT_TRUE(accepted({"--headless"}).headless);
     EXPECT_FALSE(accepted({"--headless"}).json);
     EXPECT_TRUE(accepted({"--headless", "--json"}).json);
@@ -107,6 +109,8 @@ TEST(Options, RejectsWhatIsNoQuestion) {
     EXPECT_THAT(refusal({"--headless", "--ask", "bad \xFF"}),
                 testing::StartsWith("option '--ask' needs a question, not '"));
     EXPECT_EQ(refusal({"--headless", "--ask"}), "option '--ask' needs a value");
+    EXPECT_EQ(refusal({"--headless", "--ask", "--yes"}),
+              "option '--ask' needs a value before '--yes'");
     EXPECT_TRUE(accepted({"--headless", "--analyze", "--yes"}).yes);
     EXPECT_EQ(refusal({"--headless", "--ask", "why?", "--yes"}),
               "option '--yes' needs '--analyze'");
@@ -239,6 +243,9 @@ TEST(Options, OpenMetrics) {
               "/run/a.prom");
     EXPECT_EQ(accepted({"--headless"}).openMetrics, std::nullopt);
     EXPECT_EQ(refusal({"--headless", "--openmetrics"}), "option '--openmetrics' needs a value");
+    EXPECT_EQ(refusal({"--headless", "--openmetrics", "--json"}),
+              "option '--openmetrics' needs a value before '--json'");
+    EXPECT_EQ(accepted({"--headless", "--openmetrics=--json"}).openMetrics, "--json");
     EXPECT_EQ(refusal({"--headless", "--openmetrics", ""}),
               "option '--openmetrics' needs a path, or '-' for standard output");
     for (const char* other : {"--json", "--report", "--remote"}) {
