@@ -2,13 +2,14 @@
 # the steps in order.
 
 .DEFAULT_GOAL := help
-.PHONY: help build run test check bench screenshots fuzz trash-proof asan tsan fleet-check format
-.PHONY: format-check tidy clean package package-check macos-check
+.PHONY: help build run test check bench screenshots fuzz trash-proof image-proof asan tsan
+.PHONY: fleet-check format format-check tidy clean package package-check macos-check
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 BOOTSTRAP ?= scripts/bootstrap
 FUZZ_SECONDS ?= 20
 TRASH_ROUNDS ?= 100000
+IMAGE_MEGABYTES ?= 2048
 
 # The presets compile the same sources into different folders. Without the folder in the cache's
 # key they share their results. A precompiled header is known to the cache by its content.
@@ -33,6 +34,7 @@ help:
 	@echo 'make screenshots   take docs/screenshots/ anew'
 	@echo 'make fuzz          run each fuzz target for FUZZ_SECONDS (now $(FUZZ_SECONDS))'
 	@echo 'make trash-proof   move files to the Trash against a hostile thread, TRASH_ROUNDS (now $(TRASH_ROUNDS))'
+	@echo 'make image-proof   download an update of IMAGE_MEGABYTES (now $(IMAGE_MEGABYTES)) within 16 MB of memory'
 	@echo 'make asan          all tests under the address and undefined behaviour sanitizers'
 	@echo 'make tsan          all tests under the thread sanitizer'
 	@echo 'make fleet-check   collect from the program with the real exporter and server'
@@ -102,6 +104,13 @@ trash-proof:
 	@$(BOOTSTRAP)
 	$(call prepare,dev,trash_proof)
 	build/dev/tests/trash_proof $(TRASH_ROUNDS)
+
+# The image is a sparse file on its server. The download takes its room in TMPDIR.
+image-proof:
+	@$(BOOTSTRAP)
+	$(call prepare,dev,update_test)
+	TALLOWCREST_IMAGE_MEGABYTES=$(IMAGE_MEGABYTES) build/dev/tests/update_test \
+	    --gtest_filter=UpdateIntegration.ALargeImageTakesNoMemory
 
 asan:
 	@$(BOOTSTRAP)

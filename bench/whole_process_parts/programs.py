@@ -79,10 +79,10 @@ def first_sample(build, desktop):
         process.stderr.close()
 
 
-def headless(build, folder, ticks, interval=INTERVAL):
-    """Our program without a window."""
+def headless(build, folder, ticks, interval=INTERVAL, options=()):
+    """Our program without a window; what it prints goes nowhere."""
     process = subprocess.Popen(
-        [_program(build, "tallowcrest"), "--headless", "--interval", str(interval)],
+        [_program(build, "tallowcrest"), "--headless", "--interval", str(interval), *options],
         env=private_environment(folder),
         stdout=subprocess.DEVNULL,
         stderr=subprocess.DEVNULL,
