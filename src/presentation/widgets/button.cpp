@@ -1,7 +1,9 @@
 #include "presentation/widgets/button.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 #include <QPushButton>
+#include <QVariant>
 
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/icon.h"
@@ -11,6 +13,9 @@ namespace tallowcrest {
 namespace {
 
 constexpr const char* primaryProperty = "isPrimary";
+
+/// Of a window: the button that was the last to be disabled while it had the focus.
+constexpr const char* waitingProperty = "buttonWaitingForFocus";
 
 /// Return presses it as Space does, on every desktop, and once however long it is held down.
 class Button final : public QPushButton {
@@ -51,10 +56,19 @@ bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event) {
 }
 
 void setButtonEnabled(QAbstractButton& button, bool isEnabled) {
-    if (!isEnabled && button.window()->focusWidget() == &button) {
+    QWidget& window = *button.window();
+    const QPointer<QWidget> self(&button);
+    if (!isEnabled && window.focusWidget() == &button) {
         button.clearFocus();
+        window.setProperty(waitingProperty, QVariant::fromValue(self));
     }
     button.setEnabled(isEnabled);
+    if (isEnabled && window.property(waitingProperty).value<QPointer<QWidget>>() == self) {
+        window.setProperty(waitingProperty, {});
+        if (window.focusWidget() == nullptr && button.isVisible()) {
+            button.setFocus();
+        }
+    }
 }
 
 void makePrimary(QPushButton& button, bool isPrimary) {

@@ -19,7 +19,9 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
 bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event);
 
 /// Enables or disables a button. One that is disabled loses the focus: Qt would move it to the next
-/// control, which a key may be about to press. Main thread.
+/// control, which a key may be about to press. Once it is enabled again it gets the focus back,
+/// unless it is hidden or something else has it by then, or another button lost it later. Main
+/// thread.
 void setButtonEnabled(QAbstractButton& button, bool isEnabled);
 
 /// Marks the one button of a page or sheet that is its next step, or takes the mark away; the style

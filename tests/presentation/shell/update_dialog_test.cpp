@@ -221,6 +221,18 @@ TEST_F(UpdateDialogTest, TheSettingsShowTheDownloadToo) {
     EXPECT_EQ(visible("settings.download-progress"), nullptr);
 }
 
+TEST_F(UpdateDialogTest, CancelInTheSettingsPassesTheFocusToNoOtherButton) {
+    beginDownload();
+    window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+    window().state().navigation.setShowSettings(true);
+    settle();
+    auto* cancel = visible<QPushButton>("settings.download-progress-stop");
+    cancel->setFocus();
+    finishWork();
+    EXPECT_FALSE(cancel->isVisible()) << "the download has ended by itself";
+    EXPECT_EQ(cancel->window()->focusWidget(), nullptr);
+}
+
 TEST_F(UpdateDialogTest, AFailedDownloadIsShownWithItsReason) {
     updates.image("short");
     beginDownload();

@@ -44,14 +44,20 @@ ProgressRow::ProgressRow(const QString& identifier, const QString& what, const B
 }
 
 void ProgressRow::show(const QString& text, bool isStopping) {
-    setButtonEnabled(*stop_, !isStopping);
     latest_ = isStopping ? u"Stopping…"_s : text;
     if (text.isEmpty()) {
         due_.stop();
         sinceShown_.invalidate();
-        hide();
+        if (!isHidden()) {
+            // Otherwise the focus would go to the control after this row, which a key may be about
+            // to press.
+            setButtonEnabled(*stop_, false);
+            hide();
+            setButtonEnabled(*stop_, true);
+        }
         return;
     }
+    setButtonEnabled(*stop_, !isStopping);
     const qint64 elapsed = sinceShown_.isValid() ? sinceShown_.elapsed() : shortestInterval;
     if (elapsed >= shortestInterval || isStopping) {
         showLatest();
