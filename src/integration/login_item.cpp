@@ -77,6 +77,24 @@ LoginItem::LoginItem(const Services& services, ToolRunner& tools, InstallPorts p
 
 LoginItem::~LoginItem() = default;
 
+void LoginItem::lookAgain() {
+    if (ports_.files == nullptr || state_.isChanging) {
+        return;
+    }
+    jobs_.run(
+        Lane::installation,
+        [files = ports_.files, file = ports_.login.file](const Stop&) {
+            return files->exists(file);
+        },
+        [this](bool exists) {
+            // The change that began meanwhile will look, too.
+            if (!state_.isChanging && exists != state_.isEnabled) {
+                state_.isEnabled = exists;
+                observable_->changed();
+            }
+        });
+}
+
 Outcome LoginItem::enableLaunchAtLogin(Finished finished) {
     return begin(enable, std::move(finished));
 }

@@ -19,8 +19,8 @@ struct Services;
 class LoginItem {
 public:
     struct State {
-        /// Whether the file was there when it was last looked at: at the start and after each
-        /// operation.
+        /// Whether the file was there when it was last looked at: at the start, by `lookAgain` and
+        /// after each operation.
         bool isEnabled = false;
         bool isChanging = false;
     };
@@ -35,6 +35,9 @@ public:
     using Finished = std::function<void(const Outcome&)>;
 
     const State& state() const { return state_; }
+
+    /// Looks in the background whether the file is there: others may have made or removed it.
+    void lookAgain();
 
     // Both work in the background, and their message then says what became of it. Ignored while one
     // of them is under way. Neither writes, removes or loads anything through a symbolic link.

@@ -36,6 +36,7 @@ Outcome ProUpdater::check(bool isInteractive) {
         return Outcome::ignored();
     }
     state_.isChecking = true;
+    state_.isAwaited = isInteractive;
     observable_->changed();
     if (ports_.transport == nullptr || !hasFeed(ports_.build)) {
         finishCheck(UpdateError{update_errors::badURL}, isInteractive);
@@ -51,6 +52,7 @@ Outcome ProUpdater::check(bool isInteractive) {
 }
 
 void ProUpdater::finishCheck(const Fetched& fetched, bool isInteractive) {
+    state_.isAwaited = false;
     const auto* release = std::get_if<Release>(&fetched);
     if (release != nullptr) {
         settings_.set(&Settings::lastUpdateCheck, clock_.now().secondsSinceReference);

@@ -35,6 +35,8 @@ public:
     struct State {
         /// From the begin of a check until its alert is answered.
         bool isChecking = false;
+        /// Whether the outcome of a check that the owner asked for is still to come.
+        bool isAwaited = false;
         std::optional<Download> download = {};  ///< absent when none is under way
     };
 

@@ -158,6 +158,39 @@ TEST_F(LoginItemTest, TheFileIsTheState) {
     EXPECT_THAT(finished, ElementsAre(Kind::done));
 }
 
+TEST_F(LoginItemTest, WhatOthersDidIsSeenWhenItLooksAgain) {
+    LoginItem& login = onLinux();
+    int changes = 0;
+    const Subscription subscription = login.observable().subscribe([&changes] { ++changes; });
+    files->files[autostart] = "";
+    login.lookAgain();
+    EXPECT_FALSE(login.state().isEnabled) << "not on the main thread";
+    finish();
+    EXPECT_TRUE(login.state().isEnabled);
+    EXPECT_EQ(changes, 1);
+    login.lookAgain();
+    finish();
+    EXPECT_EQ(changes, 1) << "nothing is new";
+    files->files.erase(autostart);
+    login.lookAgain();
+    finish();
+    EXPECT_FALSE(login.state().isEnabled);
+    EXPECT_THAT(with.log.activityLog(), IsEmpty());
+}
+
+TEST_F(LoginItemTest, AChangeThatBeganMeanwhileIsNotUndoneByALook) {
+    LoginItem& login = onLinux();
+    login.lookAgain();
+    login.enableLaunchAtLogin();
+    finish();
+    EXPECT_TRUE(login.state().isEnabled);
+    login.disableLaunchAtLogin();
+    login.lookAgain();
+    EXPECT_EQ(with.workQueue.pendingCount(), 1U) << "the change looks itself";
+    finish();
+    EXPECT_FALSE(login.state().isEnabled);
+}
+
 TEST_F(LoginItemTest, EnablingTwiceRewritesAndReloads) {
     onMacOS().enableLaunchAtLogin();
     finish();
@@ -171,6 +204,7 @@ TEST_F(LoginItemTest, WithoutADesktopBothAreRefused) {
     LoginItem none(with.services, tools, {});
     EXPECT_EQ(none.enableLaunchAtLogin().kind, Kind::refused);
     EXPECT_EQ(none.disableLaunchAtLogin().kind, Kind::refused);
+    none.lookAgain();
     EXPECT_EQ(with.workQueue.pendingCount(), 0U);
 }
 

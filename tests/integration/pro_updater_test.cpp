@@ -215,6 +215,20 @@ TEST_F(ProUpdaterTest, ASecondCheckDuringTheFirstDoesNothing) {
     EXPECT_NE(updater().alert(), nullptr);
 }
 
+TEST_F(ProUpdaterTest, TheOutcomeOfACheckThatWasAskedForIsAwaited) {
+    updater().checkForUpdates();
+    EXPECT_TRUE(updater().state().isAwaited);
+    with.finishWork();
+    EXPECT_FALSE(updater().state().isAwaited);
+    EXPECT_TRUE(updater().state().isChecking) << "until the alert is answered";
+    updater().answer(1);
+    updater().checkOnLaunchIfDue();
+    with.clock.advance(std::chrono::hours(24));
+    updater().checkOnLaunchIfDue();
+    EXPECT_TRUE(updater().state().isChecking);
+    EXPECT_FALSE(updater().state().isAwaited);
+}
+
 TEST_F(ProUpdaterTest, DownloadsVerifiesAndOpensTheImage) {
     startDownload();
     ASSERT_TRUE(updater().state().download);

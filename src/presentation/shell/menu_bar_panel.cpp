@@ -271,6 +271,7 @@ bool MenuBarPanel::moveFocusFor(const QKeyEvent& event) {
 void MenuBarPanel::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     monitor_.startMonitoring();
+    monitor_.integration().login.lookAgain();
     refresh();
 }
 

@@ -43,6 +43,8 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
         }
     }
     icon_.setContextMenu(&menu_);
+    connect(&menu_, &QMenu::aboutToShow, this,
+            [this] { monitor_.integration().login.lookAgain(); });
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
     refresh();
     icon_.show();

@@ -9,10 +9,12 @@
 #include "actions/automation.h"
 #include "core/activity_log.h"
 #include "core/settings/settings_owner.h"
+#include "integration/integration.h"
 #include "monitor/auto_rules.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/command_button.h"
 #include "presentation/state/automation_facts.h"
+#include "presentation/state/status_line.h"
 #include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/announcer.h"
 #include "presentation/widgets/capsule.h"
@@ -89,7 +91,8 @@ void StatusStrip::makeButtons() {
 
 std::vector<Observable*> StatusStrip::shows() const {
     return {&monitor_.sample().observable(), &monitor_.log().observable(),
-            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable()};
+            &monitor_.settingsOwner().observable(), &monitor_.autoRules().observable(),
+            &monitor_.integration().updates.observable()};
 }
 
 void StatusStrip::refresh() {
@@ -101,10 +104,12 @@ void StatusStrip::refresh() {
 }
 
 void StatusStrip::showLastAction() {
-    const QString words = dashboard_text::text(monitor_.log().lastAction());
+    const QString words = statusLine(monitor_);
     lastAction_->setText(words);
     const std::uint64_t number = monitor_.log().lastActionNumber();
-    if (std::exchange(toldAction_, number).value_or(number) != number) {
+    const bool isAwaited = monitor_.integration().updates.state().isAwaited;
+    const bool hasBegun = !std::exchange(toldCheck_, isAwaited) && isAwaited;
+    if (std::exchange(toldAction_, number).value_or(number) != number || hasBegun) {
         announce(*this, spokenText(words));
     }
 }

@@ -70,6 +70,7 @@ private:
     std::optional<SettlingButton> settlingResume_;
     /// The number of the last action that was shown; absent before the first refresh.
     std::optional<std::uint64_t> toldAction_;
+    bool toldCheck_ = false;            ///< that of updates
     std::optional<bool> showsEngaged_;  ///< absent before the first refresh
 };
 

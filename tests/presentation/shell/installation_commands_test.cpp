@@ -4,9 +4,11 @@
 #include "core/settings/settings_owner.h"
 #include "integration/integration.h"
 #include "presentation/shell/menu_bar_entries.h"
+#include "presentation/shell/menu_bar_panel.h"
 #include "presentation/shell/setup_wizard.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_installation_files.h"
+#include "tests/support/fake_update_ports.h"
 
 using namespace Qt::StringLiterals;
 
@@ -170,6 +172,84 @@ TEST_F(InstallationCommandsTest, TheHubTheSettingsAndTheTrayOpenTheWizard) {
     }
     settle();
     EXPECT_NE(wizard(), nullptr);
+}
+
+TEST_F(InstallationCommandsTest, AButtonHasTheFocusAgainWhenWhatItBeganHasEnded) {
+    const auto press = [this](const char* identifier) {
+        auto* button = visible<QPushButton>(identifier);
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Space);
+        settle();
+        EXPECT_FALSE(button->isEnabled()) << identifier;
+        EXPECT_EQ(button->window()->focusWidget(), nullptr) << identifier;
+        finishWork();
+        EXPECT_EQ(button->window()->focusWidget(), button) << identifier;
+    };
+    showWithSample();
+    goTo(AppRoute::settings);
+    press("settings.hub.install");
+    window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+    window().state().navigation.setShowSettings(true);
+    finishWork();
+    press("settings.install");
+    press("settings.enable-launch-at-login");
+    press("settings.disable-launch-at-login");
+    window().state().navigation.setShowSettings(false);
+    settle();
+    window().state().navigation.setShowSetupWizard(true);
+    settle();
+    press("setup.launch-at-login");
+}
+
+TEST_F(InstallationCommandsTest, WhatRunsIsToldUntilItHasEnded) {
+    FakeUpdates updates;
+    updates.isUnderTest = true;
+    machine.updates = updates.ports();
+    showWithSample();
+    auto* check = window().findChild<QAction*>(u"menu.check-for-updates"_s);
+    ASSERT_NE(check, nullptr);
+    check->trigger();
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), u"Checking for updates..."_s);
+    finishWork();
+    EXPECT_EQ(textOf("status.last-action"), u"Monitoring started."_s);
+    ASSERT_NE(machine.monitor().integration().updates.alert(), nullptr);
+    machine.monitor().integration().updates.answer(1);
+    settle();
+    window().findChild<QAction*>(u"menu.install"_s)->trigger();
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), u"Installing Tallowcrest..."_s);
+    finishWork();
+    EXPECT_EQ(textOf("status.last-action"),
+              u"Installed Tallowcrest to ~/.local/opt/tallowcrest."_s);
+    window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+    window().state().navigation.setShowSettings(true);
+    finishWork();
+    click("settings.check-for-updates");
+    EXPECT_EQ(textOf("settings.sheet.last-action"), u"Checking for updates..."_s);
+    finishWork();
+    EXPECT_EQ(textOf("settings.sheet.last-action"), textOf("status.last-action"));
+}
+
+TEST_F(InstallationCommandsTest, AnEntryThatOthersRemoveIsSeenWhenTheSettingsOrThePanelOpen) {
+    showWithSample();
+    const auto openSettings = [this](bool open) {
+        window().state().navigation.setSettingsTab(SettingsTabKind::localMac);
+        window().state().navigation.setShowSettings(open);
+        settle();
+        finishWork();
+    };
+    openSettings(true);
+    EXPECT_EQ(textOf("settings.launch-at-login"), u"Launch at login is off."_s);
+    openSettings(false);
+    files->files[autostart] = "";
+    openSettings(true);
+    EXPECT_EQ(textOf("settings.launch-at-login"), u"Launch at login is on."_s);
+    files->files.erase(autostart);
+    MenuBarPanel panel(machine.monitor(), menuBarEntries(machine.monitor(), window()));
+    panel.toggleAt({10, 10});
+    finishWork();
+    EXPECT_EQ(textOf("settings.launch-at-login"), u"Launch at login is off."_s);
 }
 
 TEST_F(InstallationCommandsTest, DoneCompletesTheFirstRunWithNothingChanged) {

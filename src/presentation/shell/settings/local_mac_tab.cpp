@@ -22,6 +22,9 @@ LocalMacTab::LocalMacTab(QWidget* notifications, QWidget* download, QWidget* par
     content.addWidget(notifications);
     content.addSpacing(spacing::unit);
     content.addWidget(makeInstallation(card));
+    login_ = new ElidedLabel(onCard(&CrestFonts::caption, &CrestTheme::secondaryText), card);
+    login_->setObjectName(u"settings.launch-at-login"_s);
+    content.addWidget(login_);
     content.addSpacing(spacing::gap);
     auto* words = makeLabel(u"settings.updates.words"_s,
                             onCard(&CrestFonts::body, &CrestTheme::secondaryText), 2, card);
@@ -71,11 +74,13 @@ QWidget* LocalMacTab::makeLayoutButtons(QWidget* parent) {
     return row;
 }
 
-void LocalMacTab::show(const Busy& busy) {
-    setButtonEnabled(*install_, !busy.isInstalling);
-    setButtonEnabled(*enableLogin_, !busy.isChangingLogin);
-    setButtonEnabled(*disableLogin_, !busy.isChangingLogin);
-    setButtonEnabled(*check_, !busy.isChecking);
+void LocalMacTab::show(const Facts& facts) {
+    login_->setText(facts.startsAtLogin ? u"Launch at login is on."_s
+                                        : u"Launch at login is off."_s);
+    setButtonEnabled(*install_, !facts.isInstalling);
+    setButtonEnabled(*enableLogin_, !facts.isChangingLogin);
+    setButtonEnabled(*disableLogin_, !facts.isChangingLogin);
+    setButtonEnabled(*check_, !facts.isChecking);
 }
 
 }  // namespace tallowcrest

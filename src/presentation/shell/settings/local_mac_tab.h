@@ -6,15 +6,18 @@ class QPushButton;
 
 namespace tallowcrest {
 
+class ElidedLabel;
+
 /// The settings of this machine. Main thread.
 class LocalMacTab final : public SettingsTab {
     Q_OBJECT
 
 public:
-    /// What cannot be begun now, because it is under way.
-    struct Busy {
+    struct Facts {
+        // What is under way cannot be begun.
         bool isInstalling = false;
         bool isChangingLogin = false;
+        bool startsAtLogin = false;
         bool isChecking = false;
     };
 
@@ -22,7 +25,7 @@ public:
     /// progress of an update.
     LocalMacTab(QWidget* notifications, QWidget* download, QWidget* parent = nullptr);
 
-    void show(const Busy& busy);
+    void show(const Facts& facts);
 
 signals:
     // What the owner asked for.
@@ -37,6 +40,7 @@ private:
     QWidget* makeInstallation(QWidget* parent);
     QWidget* makeLayoutButtons(QWidget* parent);
 
+    ElidedLabel* login_ = nullptr;  ///< whether the program starts at login
     QPushButton* install_ = nullptr;
     QPushButton* enableLogin_ = nullptr;
     QPushButton* disableLogin_ = nullptr;

@@ -34,6 +34,7 @@
 #include "presentation/shell/settings/stored_field.h"
 #include "presentation/shell/update_bar.h"
 #include "presentation/state/automation_facts.h"
+#include "presentation/state/status_line.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/tab_strip.h"
@@ -283,6 +284,7 @@ void SettingsSheet::addLocalMac() {
                notifications->show(automationFacts(monitor_));
                tab->show({.isInstalling = integration.install.state().isInstalling,
                           .isChangingLogin = integration.login.state().isChanging,
+                          .startsAtLogin = integration.login.state().isEnabled,
                           .isChecking = integration.updates.state().isChecking});
                showDownload(*download, integration.updates);
            });
@@ -356,6 +358,7 @@ std::vector<Observable*> SettingsSheet::shows(SystemMonitor& monitor, WindowStat
 }
 
 void SettingsSheet::start() {
+    monitor_.integration().login.lookAgain();
     ai_->model().setStored(text(monitor_.settings().openAIModel));
     ai_->endpoint().setStored(text(monitor_.settings().aiEndpoint));
     remote_->user().setStored(text(monitor_.settings().sshUsername));
@@ -374,7 +377,7 @@ void SettingsSheet::showState() {
     strip_->setCurrentIndex(static_cast<int>(index));
     pages_->setCurrentIndex(static_cast<int>(index));
     tabs_.at(static_cast<std::size_t>(index)).show();
-    lastAction_->setText(text(monitor_.log().lastAction()));
+    lastAction_->setText(statusLine(monitor_));
 }
 
 void SettingsSheet::paintEvent(QPaintEvent*) {
