@@ -230,6 +230,7 @@ void DashboardWindow::refreshMenus() {
 void DashboardWindow::refreshUpdateBar() {
     if (canBeSeen()) {
         updateBar_->refresh();
+        emit refreshed(updateBar_);
     }
 }
 

@@ -21,12 +21,14 @@
 #include "core/observable.h"
 #include "core/settings/settings_owner.h"
 #include "disk/disk.h"
+#include "integration/integration.h"
 #include "presentation/screens/history/activity_log_card.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
 #include "presentation/shell/settings/settings_sheet.h"
 #include "presentation/shell/status_strip.h"
+#include "presentation/shell/update_bar.h"
 #include "presentation/shell/window_menus.h"
 #include "presentation/widgets/capsule.h"
 #include "remote/remote.h"
@@ -66,6 +68,9 @@ enum class Source {
     personalFiles,
     drafts,
     chat,
+    install,
+    login,
+    updates,
 };
 
 using Sources = std::set<Source>;
@@ -76,7 +81,8 @@ constexpr std::array allSources{
     Source::desk,           Source::navigation,     Source::tailnet,  Source::remoteScan,
     Source::remoteProfiles, Source::remoteActions,  Source::provider, Source::suggestions,
     Source::trust,          Source::drafts,         Source::chat,     Source::diskAutopilot,
-    Source::storageScan,    Source::personalFiles};
+    Source::storageScan,    Source::personalFiles,  Source::install,  Source::login,
+    Source::updates};
 
 Sources sourcesOfPage(AppRoute route) {
     using enum Source;
@@ -101,7 +107,7 @@ Sources sourcesOfPage(AppRoute route) {
         case AppRoute::history:
             return {sample, log, settings, rules, remoteScan, remoteProfiles};
         case AppRoute::settings:
-            return {sample, log, settings, rules};
+            return {sample, log, settings, rules, install};
         default:
             return {sample};
     }
@@ -122,6 +128,7 @@ protected:
                             : qobject_cast<StatusStrip*>(part) != nullptr        ? "strip"
                             : qobject_cast<OperationTargetBar*>(part) != nullptr ? "target"
                             : qobject_cast<WindowMenus*>(part) != nullptr        ? "menus"
+                            : qobject_cast<UpdateBar*>(part) != nullptr          ? "update bar"
                             : qobject_cast<SettingsSheet*>(part) != nullptr      ? "settings"
                             : qobject_cast<ConfirmationDialog*>(part) != nullptr ? "question"
                                                                                  : "unknown"];
@@ -179,6 +186,12 @@ protected:
                 return monitor.disk().storage.observable();
             case Source::personalFiles:
                 return monitor.disk().files.observable();
+            case Source::install:
+                return monitor.integration().install.observable();
+            case Source::login:
+                return monitor.integration().login.observable();
+            case Source::updates:
+                return monitor.integration().updates.observable();
         }
         throw std::logic_error("no such source");
     }
@@ -187,7 +200,8 @@ protected:
     /// nothing else.
     void expectToFollow(std::map<std::string, Sources> parts) {
         using enum Source;
-        parts["strip"] = {sample, log, settings, rules};
+        parts["strip"] = {sample, log, settings, rules, updates};
+        parts["update bar"] = {updates};
         parts["target"] = {sample, review, settings};
         parts["menus"] = {settings};
         for (const Source source : allSources) {
@@ -225,7 +239,8 @@ TEST_F(WindowUpdatesTest, EachPartFollowsExactlyWhatItShowsOnEveryRoute) {
 
 TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     using enum Source;
-    const Sources settingsSheet{sample, log, settings, rules, navigation, provider};
+    const Sources settingsSheet{sample,   log,     settings, rules,  navigation,
+                                provider, install, login,    updates};
     showWithSample();
     goTo(AppRoute::chat);
     openSettings(SettingsTabKind::automation);
