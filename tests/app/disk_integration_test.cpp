@@ -41,7 +41,9 @@ using ::testing::SizeIs;
 
 class DiskIntegrationTest : public ::testing::Test {
 protected:
-    DiskIntegrationTest() : composition(loop, SettingsAccess::readWrite, {.disk = desktop(), .makeTrash = host::makeTrash}) {}
+    DiskIntegrationTest()
+        : composition(loop, SettingsAccess::readWrite,
+                      {.disk = desktop(), .makeTrash = host::makeTrash}) {}
 
     DiskDesktopPorts desktop() {
         return {.reveal = [this](const fs::path& file) { revealed.push_back(file); },

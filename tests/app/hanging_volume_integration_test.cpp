@@ -17,6 +17,7 @@
 #include "disk/disk.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/unique_fd.h"
+#include "platform/trash/system_trash.h"
 #include "tests/app/own_disk_places.h"
 #include "tests/platform/trash/own_mounts.h"
 
@@ -79,7 +80,7 @@ struct HangingMachine {
     HangingFolder caches{places.caches() / "server"};
     HangingFolder downloads{places.downloads() / "server"};
     RunLoop loop;
-    Composition composition{loop, SettingsAccess::readWrite, {}};
+    Composition composition{loop, SettingsAccess::readWrite, {.makeTrash = host::makeTrash}};
     Disk& disk = composition.monitor().disk();
 };
 

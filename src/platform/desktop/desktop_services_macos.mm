@@ -3,10 +3,10 @@
 #include <memory>
 
 #include "actions/apple_script_quit.h"
-#include "platform/desktop_services.h"
-#include "platform/host.h"
 #include "platform/desktop/keychain_secret_store.h"
 #include "platform/desktop/user_notification_center.h"
+#include "platform/desktop_services.h"
+#include "platform/host.h"
 
 namespace tallowcrest::desktop {
 

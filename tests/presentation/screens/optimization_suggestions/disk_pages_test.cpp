@@ -147,8 +147,8 @@ TEST_F(DiskPagesTest, UndoPutsBackWhatItCanAndTellsWhatItCannot) {
     EXPECT_EQ(textOf("cleanup.disk-autopilot-status"),
               u"Put back 1 of 3 files (0.00 GB) from Trash."_s);
     EXPECT_THAT(textOf("cleanup.disk-autopilot-receipt-detail").toStdString(),
-                HasSubstr("Not put back: ~/.cache/b: File exists; ~/.cache/c: It is no longer in "
-                          "the Trash."));
+                HasSubstr("Not put back: File exists (1 file); It is no longer in the Trash "
+                          "(1 file)."));
     EXPECT_EQ(textOf("cleanup.disk-autopilot-receipt-undo-words"),
               u"1 file of the latest cleanup can be put back while it is in Trash."_s);
     disk.files.remove("/home/owner/.cache/b");
@@ -178,7 +178,7 @@ TEST_F(DiskPagesTest, AStoppedUndoKeepsTheRestForAnotherOne) {
     finishWork();
     EXPECT_EQ(disk.files.find("/home/owner/.cache/c"), nullptr);
     EXPECT_THAT(textOf("overview.disk-autopilot-receipt-detail").toStdString(),
-                HasSubstr("Stopped before the last 1 file"));
+                HasSubstr("Stopped before the last file."));
     EXPECT_EQ(textOf("overview.disk-autopilot-receipt-undo-words"),
               u"1 file of the latest cleanup can be put back while it is in Trash."_s);
 }
