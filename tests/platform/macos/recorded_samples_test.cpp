@@ -233,7 +233,7 @@ TEST_F(RecordedMac, WhatAToolHasPrintedBeforeItsDeadlineIsUsed) {
     });
 }
 
-TEST_F(RecordedMac, WithoutItsToolsTheOtherFiguresRemain) {
+TEST_F(RecordedMac, ToolsThatPrintNothingLeaveTheOtherFigures) {
     inOwnMounts([&] {
         tools.show();
         const auto samples = samplesOf({"--samples", "1"},
