@@ -1,6 +1,6 @@
 #include <fmt/format-inl.h>
 
-// What its headers declare to be elsewhere.
+// The instances that the headers declare extern.
 namespace fmt::detail {
 template auto dragonbox::to_decimal(float value) noexcept -> dragonbox::decimal_fp<float>;
 template auto dragonbox::to_decimal(double value) noexcept -> dragonbox::decimal_fp<double>;

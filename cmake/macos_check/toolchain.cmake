@@ -9,7 +9,7 @@ set(CMAKE_CXX_COMPILER ${TALLOWCREST_MACOS_CHECK}/bin/${TALLOWCREST_MACOS_ARCHIT
 set(CMAKE_AR ${TALLOWCREST_MACOS_CHECK}/bin/ar CACHE FILEPATH "")
 set(CMAKE_RANLIB ${TALLOWCREST_MACOS_CHECK}/bin/ranlib CACHE FILEPATH "")
 set(CMAKE_INSTALL_NAME_TOOL : CACHE FILEPATH "")  # nothing is installed
-# Its target has both.
+# The target that the wrapper names has both.
 set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "")
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
 # Linking takes the C++ library, which is compiled at the first use.

@@ -113,7 +113,7 @@ Outcome Install::installToApplications() {
     }
     state_.isInstalling = true;
     observable_->changed();
-    // No event: only what became of it is one.
+    // The beginning is no event; the result is one.
     log_.setLastAction("Installing Tallowcrest...");
     jobs_.run(
         Lane::installation,

@@ -81,7 +81,7 @@ TEST_F(DisabledButtonTest, LeavesTheFocusWhereItsOwnerMovedIt) {
     EXPECT_EQ(focus(), first_);
     first_->clearFocus();
     enable(second_);
-    EXPECT_EQ(focus(), nullptr) << "long ago";
+    EXPECT_EQ(focus(), nullptr) << "the wait has ended";
 }
 
 TEST_F(DisabledButtonTest, OfTwoTheLatestGetsTheFocusWhicheverIsEnabledFirst) {
