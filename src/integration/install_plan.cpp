@@ -83,9 +83,10 @@ LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
 std::string bundlePathOf(std::string_view executable) {
     std::string_view bundle = executable.substr(0, executable.rfind('/') + 1);
     constexpr std::string_view programs = ".app/Contents/MacOS/";
-    if (bundle.ends_with(programs)) {
-        bundle.remove_suffix(std::string_view("Contents/MacOS/").size());
+    if (!bundle.ends_with(programs)) {
+        return {};
     }
+    bundle.remove_suffix(std::string_view("Contents/MacOS/").size());
     std::string path;
     for (const char character : bundle) {
         const auto byte = static_cast<unsigned char>(character);

@@ -48,8 +48,8 @@ struct LinuxInstallPlaces {
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places);
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 
-/// The path in the URL of the bundle that a program is in, percent-encoded; that of its folder when
-/// it is in none. Empty for an empty path.
+/// The path in the URL of the bundle that a program is in, percent-encoded. Empty when it is in
+/// none: an installation would copy its whole folder.
 std::string bundlePathOf(std::string_view executable);
 
 /// `bundlePath` as above. An encoding that is not valid, or stands for a NUL, makes `bundle` and
