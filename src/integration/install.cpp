@@ -82,7 +82,7 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
         return {notCompleted("Another installation is under way.")};
     }
     // The copy would clear the folder.
-    if (holdsOwnersFiles(plan, files.namesIn(plan.target))) {
+    if (holdsOwnersFiles(plan, files.entriesOf(plan.target))) {
         return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
     }
     const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);

@@ -123,18 +123,23 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
             .loader = "/bin/launchctl"};
 }
 
-bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<std::string>& names) {
-    const auto isProgramFile = [&](const std::string& name) {
+bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<FolderEntry>& entries) {
+    const auto isProgramName = [&](const std::string& name) {
         return std::ranges::find(plan.programFiles, name) != plan.programFiles.end();
     };
     // `rsync` writes to ".NAME." and six more characters first.
     constexpr std::size_t ending = sizeof(".XXXXXX") - 1;
-    const auto isTemporary = [&](const std::string& name) {
+    const auto isTemporaryName = [&](const std::string& name) {
         return name.size() > ending && name.front() == '.' && name[name.size() - ending] == '.' &&
-               isProgramFile(name.substr(1, name.size() - ending - 1));
+               isProgramName(name.substr(1, name.size() - ending - 1));
     };
-    return !plan.programFiles.empty() && std::ranges::none_of(names, isProgramFile) &&
-           !std::ranges::all_of(names, isTemporary);
+    // A folder with the name of the program can hold its sources.
+    const auto isFileNamed = [](const auto& hasName) {
+        return [hasName](const FolderEntry& entry) { return entry.isFile && hasName(entry.name); };
+    };
+    return !plan.programFiles.empty() &&
+           std::ranges::none_of(entries, isFileNamed(isProgramName)) &&
+           !std::ranges::all_of(entries, isFileNamed(isTemporaryName));
 }
 
 std::vector<std::string> copyArguments(const InstallPlan& plan) {

@@ -21,6 +21,12 @@ struct InstallPlan {
     std::string icon;
 };
 
+/// What is in a folder under one name.
+struct FolderEntry {
+    std::string name;
+    bool isFile = false;  ///< a regular one: no folder, no link
+};
+
 /// How this program is started when its user logs in.
 struct LoginPlan {
     std::string folder;       ///< absolute, without a slash at the end
@@ -57,10 +63,10 @@ std::string bundlePathOf(std::string_view executable);
 InstallPlan macOSInstallPlan(std::string_view bundlePath);
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
 
-/// Whether something with these names in the target of the plan is its owner's and would be lost:
-/// there is none of the program's files, and something else than the temporary files of a copy that
-/// was killed. Never where all files are the program's.
-bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<std::string>& names);
+/// Whether something of these entries of the plan's target is its owner's and would be lost: there
+/// is none of the program's files, and something else than the temporary files of a copy that was
+/// killed. Never where all files are the program's.
+bool holdsOwnersFiles(const InstallPlan& plan, const std::vector<FolderEntry>& entries);
 
 /// The arguments of `rsync` for the copy: what `bundle` no longer has is removed from `target`.
 std::vector<std::string> copyArguments(const InstallPlan& plan);

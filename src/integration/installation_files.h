@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/outcome.h"
+#include "integration/install_plan.h"
 
 namespace tallowcrest {
 
@@ -25,9 +26,9 @@ public:
     /// Whether there is something, links followed.
     virtual bool exists(const std::string& path) const = 0;
 
-    /// The names of what is in the folder, hidden ones too. Empty as well when there is no such
-    /// folder, or it cannot be read.
-    virtual std::vector<std::string> namesIn(const std::string& folder) const = 0;
+    /// What is in the folder, hidden entries too. Empty as well when there is no such folder, or it
+    /// cannot be read.
+    virtual std::vector<FolderEntry> entriesOf(const std::string& folder) const = 0;
 
     /// Creates the folder and those above it, as far as they are missing.
     virtual Outcome makeFolder(const std::string& path) = 0;

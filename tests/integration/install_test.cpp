@@ -125,8 +125,12 @@ TEST_F(InstallTest, AFolderOfTheOwnersAtTheTargetIsNotCleared) {
 
 TEST_F(InstallTest, TemporaryFilesOfAKilledCopyAreNoOwnersFiles) {
     const InstallPlan plan = linuxInstallPlan(linuxPlaces);
-    const auto holds = [&](const std::vector<std::string>& names) {
-        return holdsOwnersFiles(plan, names);
+    const auto holds = [&](const std::vector<std::string>& files) {
+        std::vector<FolderEntry> entries;
+        for (const std::string& name : files) {
+            entries.push_back({name, true});
+        }
+        return holdsOwnersFiles(plan, entries);
     };
     EXPECT_FALSE(holds({}));
     EXPECT_FALSE(holds({".tallowcrest.aB3xYz"}));
@@ -138,7 +142,11 @@ TEST_F(InstallTest, TemporaryFilesOfAKilledCopyAreNoOwnersFiles) {
           "tallowcrest.aB3xYz", "..aB3xYz", ".notes.aB3xYz", ".tallowcrest-aB3xYz", ".aB3xYz"}) {
         EXPECT_TRUE(holds({name})) << name;
     }
-    EXPECT_FALSE(holdsOwnersFiles(macOSInstallPlan("/unpacked/Tallowcrest.app"), {"notes"}));
+    EXPECT_FALSE(
+        holdsOwnersFiles(macOSInstallPlan("/unpacked/Tallowcrest.app"), {{"notes", true}}));
+    for (const char* name : {"tallowcrest", ".tallowcrest.aB3xYz"}) {
+        EXPECT_TRUE(holdsOwnersFiles(plan, {{name, false}})) << name << ", a folder";
+    }
 }
 
 TEST_F(InstallTest, SaysThatTheCopyingToolIsMissing) {

@@ -18,14 +18,14 @@ public:
     bool exists(const std::string& path) const override {
         return files.contains(path) || folders.contains(path);
     }
-    std::vector<std::string> namesIn(const std::string& folder) const override {
-        std::vector<std::string> names;
+    std::vector<FolderEntry> entriesOf(const std::string& folder) const override {
+        std::vector<FolderEntry> entries;
         for (const auto& [path, text] : files) {
             if (path.starts_with(folder + '/')) {
-                names.push_back(path.substr(folder.size() + 1));
+                entries.push_back({path.substr(folder.size() + 1), true});
             }
         }
-        return names;
+        return entries;
     }
     Outcome makeFolder(const std::string& path) override {
         return change("makeFolder", path, [&] { folders.insert(path); });

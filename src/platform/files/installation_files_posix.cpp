@@ -20,6 +20,8 @@
 namespace tallowcrest {
 namespace {
 
+namespace fs = std::filesystem;
+
 Outcome outcomeOf(int error) {
     return error == 0 ? Outcome::done() : Outcome::failed(std::generic_category().message(error));
 }
@@ -101,14 +103,16 @@ bool PosixInstallationFiles::exists(const std::string& path) const {
     return ::stat(path.c_str(), &status) == 0;
 }
 
-std::vector<std::string> PosixInstallationFiles::namesIn(const std::string& folder) const {
-    std::vector<std::string> names;
+std::vector<FolderEntry> PosixInstallationFiles::entriesOf(const std::string& folder) const {
+    std::vector<FolderEntry> entries;
     std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        names.push_back(entry->path().filename());
+        std::error_code unreadable;
+        const fs::file_status status = entry->symlink_status(unreadable);
+        entries.push_back({entry->path().filename(), fs::is_regular_file(status)});
     }
-    return names;
+    return entries;
 }
 
 Outcome PosixInstallationFiles::makeFolder(const std::string& path) {

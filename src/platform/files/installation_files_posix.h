@@ -10,7 +10,7 @@ class PosixInstallationFiles final : public InstallationFiles {
 public:
     bool isLink(const std::string& path) const override;
     bool exists(const std::string& path) const override;
-    std::vector<std::string> namesIn(const std::string& folder) const override;
+    std::vector<FolderEntry> entriesOf(const std::string& folder) const override;
     Outcome makeFolder(const std::string& path) override;
     std::shared_ptr<const void> reserve(const std::string& folder) override;
     Outcome writeFile(const std::string& path, std::string_view text, LinkedFolder folder) override;

@@ -122,6 +122,17 @@ TEST_F(InstallIntegration, AFolderOfTheOwnersAtTheTargetStays) {
     EXPECT_THAT(namesIn(target()), UnorderedElementsAre("notes"));
 }
 
+TEST_F(InstallIntegration, AFolderWithTheNameOfTheProgramAndWhatIsBesideItStay) {
+    fs::create_directories(target() + "/tallowcrest");
+    write("home/.local/opt/tallowcrest/tallowcrest/x", "a source");
+    write("home/.local/opt/tallowcrest/notes", "mine");
+    EXPECT_EQ(install(),
+              "Install did not complete. ~/.local/opt/tallowcrest is not empty and holds no "
+              "Tallowcrest.");
+    EXPECT_EQ(installed("tallowcrest/x"), "a source");
+    EXPECT_EQ(installed("notes"), "mine");
+}
+
 TEST_F(InstallIntegration, WhatACopyLeftThatWasKilledAtItsFirstFileIsReplaced) {
     fs::create_directories(target());
     write("home/.local/opt/tallowcrest/.tallowcrest.q1W2e3", "half");

@@ -14,6 +14,7 @@ namespace tallowcrest {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::FieldsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
@@ -76,13 +77,17 @@ TEST_F(InstallationFilesTest, WhatIsWrittenIsReadableByEverybodyWhateverTheUmask
     EXPECT_EQ(modeOf(at("entry")), 0644U);
 }
 
-TEST_F(InstallationFilesTest, TellsTheNamesInAFolder) {
-    EXPECT_THAT(files_.namesIn(folder_.path()), IsEmpty());
+TEST_F(InstallationFilesTest, TellsWhatIsInAFolder) {
+    EXPECT_THAT(files_.entriesOf(folder_.path()), IsEmpty());
     folder_.file("file", "", 0600);
     folder_.file(".hidden", "", 0600);
-    EXPECT_THAT(files_.namesIn(folder_.path()), UnorderedElementsAre("file", ".hidden"));
-    EXPECT_THAT(files_.namesIn(at("missing")), IsEmpty());
-    EXPECT_THAT(files_.namesIn(at("file")), IsEmpty());
+    fs::create_directory(at("folder"));
+    fs::create_symlink(at("file"), at("link"));
+    EXPECT_THAT(files_.entriesOf(folder_.path()),
+                UnorderedElementsAre(FieldsAre("file", true), FieldsAre(".hidden", true),
+                                     FieldsAre("folder", false), FieldsAre("link", false)));
+    EXPECT_THAT(files_.entriesOf(at("missing")), IsEmpty());
+    EXPECT_THAT(files_.entriesOf(at("file")), IsEmpty());
 }
 
 TEST_F(InstallationFilesTest, NeverWritesThroughALink) {
