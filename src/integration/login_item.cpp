@@ -86,9 +86,8 @@ void LoginItem::lookAgain() {
         [files = ports_.files, file = ports_.login.file](const Stop&) {
             return files->exists(file);
         },
-        [this](bool exists) {
-            // The change that began meanwhile will look, too.
-            if (!state_.isChanging && exists != state_.isEnabled) {
+        [this, look = ++newest_](bool exists) {
+            if (look == newest_ && exists != state_.isEnabled) {
                 state_.isEnabled = exists;
                 observable_->changed();
             }
@@ -114,6 +113,7 @@ Outcome LoginItem::begin(Change change, Finished finished) {
         Outcome outcome;
         bool exists;
     };
+    ++newest_;
     state_.isChanging = true;
     observable_->changed();
     jobs_.run(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -60,6 +61,9 @@ private:
     InstallPorts ports_;
     std::unique_ptr<Observable> observable_;
     State state_;
+    /// The number of the newest look or change. Jobs can end in another order than they began, and
+    /// what an older look saw no longer counts.
+    std::uint64_t newest_ = 0;
     JobScope jobs_;
 };
 

@@ -191,6 +191,29 @@ TEST_F(LoginItemTest, AChangeThatBeganMeanwhileIsNotUndoneByALook) {
     EXPECT_FALSE(login.state().isEnabled);
 }
 
+TEST_F(LoginItemTest, ALookThatEndsAfterALaterChangeOrLookDoesNotCount) {
+    LoginItem& login = onLinux();
+    const auto endOutOfOrder = [this] {
+        with.workQueue.run(1);
+        with.mainQueue.drain();
+        // What the look saw that began first.
+        files->files.erase(autostart);
+        finish();
+    };
+    login.lookAgain();
+    login.enableLaunchAtLogin();
+    endOutOfOrder();
+    EXPECT_TRUE(login.state().isEnabled);
+    files->files[autostart] = "";
+    login.lookAgain();
+    login.lookAgain();
+    endOutOfOrder();
+    EXPECT_TRUE(login.state().isEnabled);
+    login.lookAgain();
+    finish();
+    EXPECT_FALSE(login.state().isEnabled);
+}
+
 TEST_F(LoginItemTest, EnablingTwiceRewritesAndReloads) {
     onMacOS().enableLaunchAtLogin();
     finish();
