@@ -59,7 +59,7 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-qpa-plugins)
 # Programs that it starts, the plugin for Wayland, the authorities that sign the certificates of
 # providers, and a session bus for notifications and the tray.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-    "ca-certificates, default-dbus-session-bus | dbus-session-bus, openssh-client, pkexec, procps, qt6-wayland, rsync")
+    "ca-certificates, default-dbus-session-bus | dbus-session-bus, openssh-client, pkexec, procps, qt6-wayland, rsync, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS
     "gnome-keyring | keepassxc, gnome-system-monitor | plasma-systemmonitor | xfce4-taskmanager")
 
