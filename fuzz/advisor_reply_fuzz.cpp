@@ -1,11 +1,14 @@
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "advisor/action_catalogue.h"
@@ -76,16 +79,61 @@ void checkEndpoint(std::string_view address) {
     require(again ? again->url == url : url.size() > maximumEndpointLength);
 }
 
+/// The code of an ASCII character at the beginning of `text`, which follows a backslash there.
+std::optional<char> codeOfASCII(std::string_view text) {
+    unsigned value = 0x80;
+    if (text.starts_with('u') && text.size() >= 5 &&
+        std::ranges::all_of(text.substr(1, 4), [](unsigned char c) { return std::isxdigit(c); })) {
+        std::from_chars(text.data() + 1, text.data() + 5, value, 16);
+    }
+    return value < 0x80 ? std::optional(static_cast<char>(value)) : std::nullopt;
+}
+
+/// `text` without its backslashes, and with the ASCII characters in place of their codes.
+std::string unescaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const bool isEscaped = text.front() == '\\';
+        text.remove_prefix(std::min(text.find_first_not_of('\\'), text.size()));
+        const auto code = isEscaped ? codeOfASCII(text) : std::nullopt;
+        result += code ? std::string(1, *code) : std::string(text.substr(0, 1));
+        text.remove_prefix(code ? 5 : std::min<std::size_t>(1, text.size()));
+    }
+    return result;
+}
+
+/// `key` with its characters escaped as `choices` says.
+std::string escaped(std::string_view key, std::string_view choices) {
+    std::string result;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        const auto choice = static_cast<unsigned char>(i < choices.size() ? choices[i] : '\0');
+        const std::string backslashes((choice >> 1U) % 4U, '\\');
+        if ((choice & 1U) != 0) {
+            result += fmt::format("\\{}u{:04x}", backslashes, key[i]);
+        } else {
+            result += (key[i] == 'u' ? "" : backslashes) + key[i];
+        }
+    }
+    return result;
+}
+
 /// The beginning of the text is a key, and the rest what a server says.
 void checkStrikingOut(const std::string& text) {
     const std::string key = text.substr(0, 10);
     const std::string said = text.substr(key.size());
+    if (!isValidUTF8(key)) {
+        return;
+    }
     const std::string struckOut = strikingOutKey(said, key);
     const auto isASCII = [](char c) { return c >= 0; };
     if (key.size() == 10 && std::ranges::all_of(key, isASCII)) {
         require(struckOut.find(key) == std::string::npos);
+        if (key.find('\\') == std::string::npos) {
+            require(unescaped(struckOut).find(key) == std::string::npos);
+            require(strikingOutKey(escaped(key, said), key) == "\u2022\u2022\u2022");
+        }
     }
-    require(isValidUTF8(struckOut) || !isValidUTF8(said) || !isValidUTF8(key));
+    require(isValidUTF8(struckOut) || !isValidUTF8(said));
 }
 
 }  // namespace

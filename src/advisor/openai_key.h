@@ -46,9 +46,10 @@ private:
     std::shared_ptr<const Generation> present_;
 };
 
-/// A copy of `text` with "•••" in place of the key, also where backslashes of JSON stand within it:
-/// a server can repeat what it was sent. A key of less than eight bytes is no secret, and stays.
-/// Pure; any thread.
+/// A copy of `text` with "•••" in place of the key, also where JSON has escaped any of its
+/// characters with backslashes or as a code, once or more often: a server can repeat what it was
+/// sent. A key of less than eight bytes is no secret, and stays. `key` is valid UTF-8. Pure; any
+/// thread.
 std::string strikingOutKey(std::string_view text, std::string_view key);
 
 }  // namespace tallowcrest

@@ -55,6 +55,9 @@ TEST_F(EchoedKey, IsStruckOutOfAnError) {
     ask();
     EXPECT_THAT(events(), Contains("Local Guidance: Paid AI fallback: OpenAI error 401: "
                                    "{\"message\":\"no: \u2022\u2022\u2022\"}"));
+    fakes.http->reply = HttpReply{401, R"({"message":"no: sk-abc/def\u002B123"})", {}};
+    ask();
+    EXPECT_THAT(log.activityLog().at(1).detail, HasSubstr("\"no: \u2022\u2022\u2022\""));
     // The recorded beginning of the body ends within the key.
     fakes.http->reply = HttpReply{401, WipedText(230, 'x') + key, {}};
     ask();
@@ -74,6 +77,13 @@ TEST_F(EchoedKey, IsStruckOutOfAnAnswer) {
     ask();
     EXPECT_EQ(advisor->chat.aiChatMessages().back().text,
               "\u2022\u2022\u2022 and \u2022\u2022\u2022");
+}
+
+TEST_F(EchoedKey, IsStruckOutOfWhatTheAnswersOwnJsonEscapes) {
+    fakes.http->willSay(
+        R"({"summary":"sk\u002dabc/def+123, sk-abc\/def\u002b123, sk-abc\\/def\\u002b123"})");
+    analyze();
+    EXPECT_EQ(insight(), "\u2022\u2022\u2022, \u2022\u2022\u2022, \u2022\u2022\u2022");
 }
 
 TEST_F(EchoedKey, IsStruckOutOfASummaryAndItsSuggestions) {

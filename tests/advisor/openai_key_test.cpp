@@ -61,12 +61,14 @@ TEST(ReadOpenAIKey, GivesOnlyAKeyThatCanStandInAHeader) {
     EXPECT_FALSE(readOpenAIKey(secrets));
 }
 
+struct StrikingOutCase {
+    std::string text;
+    std::string struckOut;
+};
+
 TEST(StrikingOutKey, FindsItWhereverItStands) {
+    using Case = StrikingOutCase;
     const std::string key = "sk-ab/c1";
-    struct Case {
-        std::string text;
-        std::string struckOut;
-    };
     for (const Case& c : {
              Case{"", ""},
              Case{"sk-ab/c", "sk-ab/c"},
@@ -75,8 +77,9 @@ TEST(StrikingOutKey, FindsItWhereverItStands) {
              Case{"sk-sk-ab/c1", "sk-\u2022\u2022\u2022"},
              Case{"\u00E4sk-ab/c1\u00E4", "\u00E4\u2022\u2022\u2022\u00E4"},
              Case{R"(sk-ab\/c1)", "\u2022\u2022\u2022"},
-             Case{R"(sk-ab\\/c1)", R"(sk-ab\\/c1)"},
-             Case{R"("\sk-ab/c1\n")", "\"\\\u2022\u2022\u2022\\n\""},
+             Case{R"(sk-ab\\/c1)", "\u2022\u2022\u2022"},
+             Case{R"("\sk-ab/c1\n")", "\"\u2022\u2022\u2022\\n\""},
+             Case{R"("\"sk-ab/c1\"")", "\"\\\"\u2022\u2022\u2022\\\"\""},
              Case{"sk-ab\\", "sk-ab\\"},
              Case{"SK-AB/C1", "SK-AB/C1"},
          }) {
@@ -86,6 +89,42 @@ TEST(StrikingOutKey, FindsItWhereverItStands) {
               "\u2022\u2022\u2022 and \u2022\u2022\u2022");
     EXPECT_EQ(strikingOutKey("task-force", "sk-"), "task-force") << "too short for a secret";
     EXPECT_EQ(strikingOutKey("text", ""), "text");
+}
+
+TEST(StrikingOutKey, ReadsTheCodesOfCharacters) {
+    using Case = StrikingOutCase;
+    const std::string key = "sk-u/\u00E4\U0001F511c";
+    for (const Case& c : {
+             Case{R"(sk\u002du/\u00e4\ud83d\uDD11c.)", "\u2022\u2022\u2022."},
+             Case{R"("\u0073\u006B\u002D\u0075\u002F\u00E4\uD83D\uDD11\u0063")",
+                  "\"\u2022\u2022\u2022\""},
+             Case{R"(\\\\u0073k-u\\\/\\u00E4\\uD83D\\uDD11c)", "\u2022\u2022\u2022"},
+             Case{"sk-\\u0075/\u00E4\\u\U0001F511c", "sk-\\u0075/\u00E4\\u\U0001F511c"},
+             Case{R"(sk-u/\u00e4\ud83dc)", R"(sk-u/\u00e4\ud83dc)"},
+             Case{R"(sk-u/\u00e)", R"(sk-u/\u00e)"},
+             Case{R"(sku002du/\u00e4\ud83d\udd11c)", R"(sku002du/\u00e4\ud83d\udd11c)"},
+             Case{R"(sk\u002eu/\u00e4\ud83d\udd11c)", R"(sk\u002eu/\u00e4\ud83d\udd11c)"},
+             Case{R"(sk\u-02du/\u00e4\ud83d\udd11c)", R"(sk\u-02du/\u00e4\ud83d\udd11c)"},
+         }) {
+        EXPECT_EQ(strikingOutKey(c.text, key), c.struckOut) << c.text;
+    }
+}
+
+TEST(StrikingOutKey, TakesAKeyThatLooksEscapedAsItIs) {
+    for (const std::string key : {R"(a\u0075bcd)", R"(\u0075abcd)", R"(u0075abcd)", R"(abcdefg\)",
+                                  R"(abcdef\u00)", R"(\\\\\\\\)"}) {
+        for (const std::string before : {"", " ", "\\", R"(\\)"}) {
+            const std::string struckOut = strikingOutKey(before + key + "41", key);
+            EXPECT_EQ(struckOut.find(key), std::string::npos) << before << key;
+            EXPECT_NE(struckOut.find("\u2022\u2022\u2022"), std::string::npos) << before << key;
+            EXPECT_TRUE(struckOut.ends_with("41")) << struckOut;
+        }
+    }
+}
+
+TEST(StrikingOutKey, IsNotSlowedByALongRowOfBackslashes) {
+    const std::string text(4'000'000, '\\');
+    EXPECT_EQ(strikingOutKey(text, "sk-ab/c1"), text);
 }
 
 }  // namespace
