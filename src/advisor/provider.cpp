@@ -242,8 +242,9 @@ Outcome Provider::sendAIAnalysis() {
     }
     return dependencies_.key.readAccess(
         jobs_, [this] { setBusy(true, true); }, [endpoint = consent.endpoint] { return endpoint; },
+        // Redaction that is turned on while the key is read still counts, but not one turned off.
         [this, isRedacted = consent.isRedacted](std::optional<ProviderAccess> access) {
-            return sendAIAnalysisWith(std::move(access), isRedacted);
+            return sendAIAnalysisWith(std::move(access), isRedacted || presentConsent().isRedacted);
         });
 }
 

@@ -217,7 +217,8 @@ TEST_F(Analysis, TheOwnerAgreesToOneServiceAndOnePrivacy) {
     ASSERT_TRUE(confirmations.pendingConfirmation()) << "and again";
     fakes.http->willSay("fine");
     confirmations.confirmPending();
-    // What is changed while the key is read does not reach this request.
+    // While the key is read, the service stays the one of the question, but the request can still
+    // be made more private.
     provider().setAIEndpoint("https://third.org");
     provider().setAIRedactProcessDetails(true);
     readKey();
@@ -225,7 +226,19 @@ TEST_F(Analysis, TheOwnerAgreesToOneServiceAndOnePrivacy) {
     finishWork();
     ASSERT_THAT(fakes.http->sent, SizeIs(1));
     EXPECT_EQ(fakes.http->sent.front().url, "https://other.org/v1/responses");
-    EXPECT_THAT(fakes.http->sent.front().prompt(), HasSubstr("\n700\t"));
+    EXPECT_THAT(fakes.http->sent.front().prompt(), HasSubstr("\nredacted\t"));
+    EXPECT_THAT(fakes.http->sent.front().prompt(), Not(HasSubstr("\n700\t")));
+}
+
+TEST_F(Analysis, RedactionThatIsTurnedOffWhileTheKeyIsReadStays) {
+    takeSample();
+    fakes.http->willSay("fine");
+    provider().requestAIAnalysis();
+    provider().setAIRedactProcessDetails(false);
+    finishWork();
+    ASSERT_THAT(fakes.http->sent, SizeIs(1));
+    EXPECT_THAT(fakes.http->sent.front().prompt(), HasSubstr("\nredacted\t"));
+    EXPECT_THAT(fakes.http->sent.front().prompt(), Not(HasSubstr("\n700\t")));
 }
 
 TEST_F(Analysis, RedactionHidesTheProcesses) {
