@@ -20,6 +20,16 @@ if(length AND NOT (length EQUAL 44 AND TALLOWCREST_UPDATE_PUBLIC_KEY MATCHES "^[
     message(FATAL_ERROR "TALLOWCREST_UPDATE_PUBLIC_KEY is not 32 bytes in Base64")
 endif()
 
+# tallowcrest_module_version(SOURCE): gives one source file the text by which a program knows the
+# modules that were built with it.
+function(tallowcrest_module_version source)
+    set_property(
+        SOURCE ${source}
+        APPEND
+        PROPERTY COMPILE_DEFINITIONS
+                 "TALLOWCREST_MODULE_VERSION=\"${PROJECT_VERSION} (${TALLOWCREST_BUILD_NUMBER})\"")
+endfunction()
+
 # tallowcrest_update_values(SOURCE): gives the values to one source file, as texts.
 function(tallowcrest_update_values source)
     foreach(name IN ITEMS BUILD_NUMBER UPDATE_FEED_URL UPDATE_HOST UPDATE_PUBLIC_KEY)

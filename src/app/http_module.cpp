@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <string_view>
 
 #include "platform/base/environment.h"
 #include "platform/base/proxy_variables.h"
@@ -13,8 +14,15 @@ namespace tallowcrest {
 
 namespace {
 
+/// Not for one that an upgrade has put beside this program, which still runs.
+bool isOfThisBuild(void* module) {
+    using Version = const char* (*)();
+    const auto version = reinterpret_cast<Version>(::dlsym(module, moduleVersionFunction));
+    return version != nullptr && std::string_view(version()) == TALLOWCREST_MODULE_VERSION;
+}
+
 /// What a function of the module makes; null, with the reason in `problem`, when the module cannot
-/// be loaded.
+/// be loaded or is of another build.
 template <class Service>
 std::unique_ptr<Service> madeByModule(const char* function, std::string& problem) {
     const std::filesystem::path self = host::executablePath();
@@ -29,6 +37,10 @@ std::unique_ptr<Service> madeByModule(const char* function, std::string& problem
     // Never unloaded: a name server may still be asked in a thread of its libraries. Lazily: to
     // look up all functions of those thirty libraries at once takes 1.5 MB of their symbol tables.
     void* const module = ::dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    if (module != nullptr && !isOfThisBuild(module)) {
+        problem = "Restart Tallowcrest to use the network.";
+        return nullptr;
+    }
     void* const make = module == nullptr ? nullptr : ::dlsym(module, function);
     if (make == nullptr) {
         problem = ::dlerror();

@@ -21,9 +21,9 @@ public:
     /// The function of the module that makes it.
     explicit ModuleService(const char* function) : function_(function) {}
 
-    /// Null when the module cannot be loaded.
+    /// Null when the module cannot be loaded, or is not of this program's build.
     Service* get();
-    /// Then the reason, in the system's words.
+    /// Then the reason, in words for the user.
     const std::string& problem() const { return problem_; }
 
 private:

@@ -49,6 +49,24 @@ TEST(HttpModule, WithoutItNoUpdateIsVerified) {
                                                            "/tallowcrest-http.so: cannot open"));
 }
 
+TEST(HttpModule, OfAnotherBuildIsNotUsed) {
+    for (const char* other : {"http_module_of_another_build", "http_module_without_version"}) {
+        const TemporaryFolder folder;
+        const std::filesystem::path copy = folder.path() / "program";
+        std::filesystem::copy_file(user, copy);
+        std::filesystem::copy_file(std::string(TALLOWCREST_BINARY_DIR "/tests/") + other + ".so",
+                                   folder.path() / "tallowcrest-http.so");
+        const ProgramResult exchange =
+            runProgram({.path = copy.string(), .arguments = {"http://127.0.0.1:1/"}});
+        EXPECT_EQ(exchange.standardOutput, "0 0 0 Restart Tallowcrest to use the network.\n")
+            << other;
+        const ProgramResult update = runProgram(
+            {.path = copy.string(), .arguments = {"--update", "https://127.0.0.1:1/feed.json"}});
+        EXPECT_EQ(update.standardOutput, "0 0 0 0 0 Restart Tallowcrest to use the network.\n")
+            << other;
+    }
+}
+
 TEST(HttpModule, ThatIsNotBesideTheProgramIsNotLookedForElsewhere) {
     const TemporaryFolder folder;
     const std::filesystem::path copy = folder.path() / "program";

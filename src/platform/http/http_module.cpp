@@ -3,6 +3,10 @@
 #include "platform/http/curl_exchange.h"
 #include "platform/http/curl_update_transport.h"
 
+const char* tallowcrest_module_version() {
+    return TALLOWCREST_MODULE_VERSION;
+}
+
 tallowcrest::HttpExchange* tallowcrest_make_http_exchange(
     tallowcrest::ProxyVariables (*proxies)()) {
     return new tallowcrest::CurlExchange({.proxies = proxies});
