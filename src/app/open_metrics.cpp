@@ -10,6 +10,7 @@
 
 #include "app/console.h"
 #include "monitor/load_rules.h"
+#include "monitor/recommendations.h"
 #include "sampling/app_impact.h"
 #include "sampling/binary_units.h"
 
@@ -151,7 +152,7 @@ void writeRecommendations(Exposition& text, const std::vector<Recommendation>& r
     for (const Recommendation& each : recommendations) {
         std::string labels =
             fmt::format("severity=\"{}\",title=\"{}\"", labelValue(title(each.severity)),
-                        labelValue(withoutNumbers(each.title)));
+                        labelValue(withoutNumbers(titleWithoutName(each))));
         if (written.insert(labels).second) {
             text.value(1.0, labels);
         }

@@ -24,6 +24,9 @@ using Severity = Recommendation::Severity;
 
 constexpr std::size_t maximumRecommendations = 5;
 
+/// Stands between a name and a figure in the only titles that have a process's name.
+constexpr std::string_view isUsing = " is using ";
+
 /// NaN in one row would make the sums and comparisons with the other rows meaningless.
 double zeroIfNaN(double value) {
     return std::isnan(value) ? 0.0 : value;
@@ -152,7 +155,7 @@ std::optional<Recommendation> heavyProcessCard(double pressure, const TableReadi
     if (top == nullptr || !(table.byMemory.value() >= heavyMB)) {
         return std::nullopt;
     }
-    return card(fmt::format("{} is using {} GB", top->displayName(),
+    return card(fmt::format("{}{}{} GB", top->displayName(), isUsing,
                             gigabytes(table.byMemory.value(), locale)),
                 "Select it in Heavy Processes if you want Tallowcrest to ask it to quit.",
                 pressure >= urgentPressure ? Severity::urgent : Severity::caution, top->pid);
@@ -283,6 +286,13 @@ std::vector<Recommendation> addSustainedRecommendations(std::vector<Recommendati
     dropRepeatedTitles(cards);
     cap(cards);
     return cards;
+}
+
+std::string titleWithoutName(const Recommendation& recommendation) {
+    const std::string& title = recommendation.title;
+    // The last one: the name can have the words, too.
+    const std::size_t end = title.rfind(isUsing);
+    return end == std::string::npos ? title : "A process" + title.substr(end);
 }
 
 }  // namespace tallowcrest

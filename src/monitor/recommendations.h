@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "core/local_records.h"
@@ -25,5 +26,8 @@ std::vector<Recommendation> buildRecommendations(const std::vector<ProcessSample
 std::vector<Recommendation> addSustainedRecommendations(std::vector<Recommendation> recommendations,
                                                         const std::vector<HistoryPoint>& history,
                                                         const std::vector<AppImpact>& appImpacts);
+
+/// The title with "A process" in place of the name of one. Pure; any thread.
+std::string titleWithoutName(const Recommendation& recommendation);
 
 }  // namespace tallowcrest

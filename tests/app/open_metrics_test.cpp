@@ -91,7 +91,8 @@ TEST(OpenMetrics, ANameCannotEndItsLabelOrItsLine) {
     SystemSnapshot snapshot = roundSnapshot();
     snapshot.appImpacts = {{"a\"b\\c\nd\x1B[2J\xFF", 1, 0.0, 0.0, {}, 0}};
     const auto lines = linesOf(openMetrics(snapshot, {}, 80.0));
-    EXPECT_THAT(lines, Contains("tallowcrest_app_processes{app=\"a\\\"b\\\\c?d?[2J\xEF\xBF\xBD\"} 1"));
+    EXPECT_THAT(lines,
+                Contains("tallowcrest_app_processes{app=\"a\\\"b\\\\c?d?[2J\xEF\xBF\xBD\"} 1"));
 }
 
 TEST(OpenMetrics, ASeriesOccursOnceAndThereAreAtMostFourteenApplications) {
@@ -108,15 +109,15 @@ TEST(OpenMetrics, ASeriesOccursOnceAndThereAreAtMostFourteenApplications) {
     EXPECT_EQ(count, 14);
 }
 
-TEST(OpenMetrics, RecommendationsHaveNoFiguresInTheirLabels) {
+TEST(OpenMetrics, RecommendationsHaveNoFiguresAndNamesInTheirLabels) {
     using enum Recommendation::Severity;
     const auto lines = linesOf(openMetrics(
         roundSnapshot(),
-        {advice("editor is using 3.2 GB", urgent), advice("editor is using 3.3 GB", urgent),
+        {advice("editor is using 3.2 GB", urgent), advice("indexer 2 is using 3.3 GB", urgent),
          advice("v1,5 has 12 helper processes.", caution)},
         80.0));
     EXPECT_THAT(lines, IsSupersetOf({"tallowcrest_recommendation_info{severity=\"Urgent\",title="
-                                     "\"editor is using N GB\"} 1",
+                                     "\"A process is using N GB\"} 1",
                                      "tallowcrest_recommendation_info{severity=\"Caution\",title="
                                      "\"vN has N helper processes.\"} 1"}));
     EXPECT_EQ(std::ranges::count_if(

@@ -278,6 +278,22 @@ TEST(BuildRecommendations, NaNCountsAsZero) {
     EXPECT_EQ(cards.back().relatedPID, 2);
 }
 
+TEST(BuildRecommendations, ATitleCanBeToldWithoutTheNameOfItsProcess) {
+    for (const char* name : {"editor", "what is using 2 GB", "", "Docker"}) {
+        const auto cards = cardsOf({.rows = {process(9, name, 2048.0)}});
+        EXPECT_EQ(titleWithoutName(cards.front()), "A process is using 2.0 GB") << name;
+    }
+    // Every other title is one of few.
+    const auto others =
+        cardsOf({.rows = processes(12, "chrome", 100.0) + processes(2, "docker", 1600.0),
+                 .pressure = 90.0,
+                 .cpuPercent = 90.0});
+    ASSERT_EQ(others.size(), 4U);
+    for (const Recommendation& each : others) {
+        EXPECT_EQ(titleWithoutName(each), each.title);
+    }
+}
+
 TEST(BuildRecommendations, EveryBuildGivesNewIdentifiers) {
     const Machine machine{.pressure = 90.0, .cpuPercent = 90.0};
     const auto first = cardsOf(machine);
