@@ -109,7 +109,10 @@ void StatusStrip::showLastAction() {
     const std::uint64_t number = monitor_.log().lastActionNumber();
     const bool isAwaited = monitor_.integration().updates.state().isAwaited;
     const bool hasBegun = !std::exchange(toldCheck_, isAwaited) && isAwaited;
-    if (std::exchange(toldAction_, number).value_or(number) != number || hasBegun) {
+    if (std::exchange(toldAction_, number).value_or(number) != number) {
+        announce(*this, spokenText(dashboard_text::text(monitor_.log().lastAction())));
+    }
+    if (hasBegun) {
         announce(*this, spokenText(words));
     }
 }

@@ -6,6 +6,7 @@
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
 #include "presentation/shell/setup_wizard.h"
+#include "tests/presentation/shell/announcements.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_installation_files.h"
 #include "tests/support/fake_update_ports.h"
@@ -208,11 +209,18 @@ TEST_F(InstallationCommandsTest, WhatRunsIsToldUntilItHasEnded) {
     showWithSample();
     auto* check = window().findChild<QAction*>(u"menu.check-for-updates"_s);
     ASSERT_NE(check, nullptr);
+    const Announcements heard;
     check->trigger();
     settle();
     EXPECT_EQ(textOf("status.last-action"), u"Checking for updates..."_s);
+    EXPECT_THAT(heard.said(), testing::ElementsAre("Checking for updates..."));
+    machine.monitor().log().recordMessage("Another outcome.");
+    settle();
+    EXPECT_EQ(textOf("status.last-action"), u"Checking for updates..."_s);
+    EXPECT_THAT(heard.said(), testing::ElementsAre("Checking for updates...", "Another outcome."));
     finishWork();
-    EXPECT_EQ(textOf("status.last-action"), u"Monitoring started."_s);
+    EXPECT_EQ(textOf("status.last-action"), u"Another outcome."_s);
+    EXPECT_EQ(heard.said().size(), 2U);
     ASSERT_NE(machine.monitor().integration().updates.alert(), nullptr);
     machine.monitor().integration().updates.answer(1);
     settle();
