@@ -169,8 +169,8 @@ TEST_F(StorageScanTest, AnAreaWhoseNameIsNoTextIsMeasuredAndShown) {
 }
 
 TEST_F(StorageScanTest, AToolThatIsNotAllowedIsRefusedOncePerArea) {
-    ToolRunner refusing(CommandSafetyPolicy::AllowedExecutables{"/bin/true"}, remote.launcher, jobs,
-                        log);
+    const CommandSafetyPolicy::AllowedExecutables allowed{"/bin/true"};
+    ToolRunner refusing(allowed, remote.launcher, jobs, log);
     disk.reset();
     StorageScan other({services, sample, actions.automation, refusing, diskPorts.ports()});
     other.scanStorageAreas();

@@ -130,6 +130,7 @@ class KeyTestCase(WindowTestCase):
         self.assertEqual(remains(key, program.pid), [])
 
 
+@unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizers keep memory that was released")
 class Memory(KeyTestCase):
     def test_nothing_of_a_typed_key_remains(self):
         program, window, _ = self.start_at_the_key()
