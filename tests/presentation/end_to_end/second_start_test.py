@@ -274,6 +274,7 @@ class LostTray(StartTestCase):
         self.assertEqual(self.living(), [program.pid])
 
 
+@unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizers themselves need descriptors")
 class FewDescriptors(StartTestCase):
     def start_limited(self, limit):
         program = desktop.start(
@@ -289,7 +290,6 @@ class FewDescriptors(StartTestCase):
         self.assert_hands_over()
         self.assert_becomes_active(window)
 
-    @unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizers themselves need descriptors")
     def test_with_too_few_descriptors_it_reports_an_error(self):
         program = self.start_limited(6)
         self.assertEqual(program.status(), 1, program.complaints())
