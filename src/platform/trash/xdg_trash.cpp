@@ -17,6 +17,7 @@
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
 #include "platform/trash/file_status.h"
+#include "platform/trash/rename_without_replacing.h"
 #include "platform/trash/trash_folder.h"
 #include "platform/trash/trash_info.h"
 #include "platform/trash/trash_source.h"
@@ -42,14 +43,11 @@ bool flush(int file) {
     return isUnsupported && ::fdatasync(file) == 0;
 }
 
-bool renameWithoutReplacing(int from, const std::string& name, int to, const std::string& newName) {
-    return ::renameat2(from, name.c_str(), to, newName.c_str(), RENAME_NOREPLACE) == 0;
-}
-
 /// Returns 0 or the error number.
 int renameIntoTrash(int folder, const std::string& name, const TrashFolder& trash,
                     const std::string& storedName) {
-    if (renameWithoutReplacing(folder, name, trash.files.get(), storedName)) {
+    if (::renameat2(folder, name.c_str(), trash.files.get(), storedName.c_str(),
+                    RENAME_NOREPLACE) == 0) {
         return 0;
     }
     if (errno != EINVAL && errno != ENOSYS) {
@@ -111,9 +109,11 @@ void removeInfo(const TrashFolder& trash, const std::string& storedName, int inf
     const int folder = trash.info.get();
     const std::string name = trashInfoName(storedName);
     const std::string aside = ".tallowcrest-" + UUID::random().text();
-    if (!renameWithoutReplacing(folder, name, folder, aside)) {
-        // Some file systems cannot refuse to replace.
-        ::unlinkat(folder, name.c_str(), 0);
+    if (::renameat(folder, name.c_str(), folder, aside.c_str()) != 0) {
+        // A folder can have no room for another name.
+        if (errno != ENOENT && isInfo(trash, storedName, info)) {
+            ::unlinkat(folder, name.c_str(), 0);
+        }
         return;
     }
     const auto opened = statusOf(info);
@@ -267,22 +267,25 @@ int XdgTrash::Move::describeStored() {
     if (error == EEXIST) {
         // Another file is described there, so that this one needs another name.
         error = describe();
-        if (error == 0 &&
-            !renameWithoutReplacing(trash_->files.get(), name, trash_->files.get(), storedName_)) {
-            error = errno;
-            removeDescription();
+        if (error == 0) {
+            error =
+                renameWithoutReplacing(trash_->files.get(), name, trash_->files.get(), storedName_);
+            if (error != 0) {
+                removeDescription();
+            }
         }
     }
     return error == 0 && !flush(info_.get()) ? errno : error;
 }
 
 TrashOutcome XdgTrash::Move::returnFile() {
-    if (!renameWithoutReplacing(trash_->files.get(), storedName_, source_.folder.get(),
-                                source_.name)) {
-        why_ += "; what had its name is in the Trash: " + systemWords(errno);
+    if (const int error = renameWithoutReplacing(trash_->files.get(), storedName_,
+                                                 source_.folder.get(), source_.name);
+        error != 0) {
+        why_ += "; what had its name is in the Trash: " + systemWords(error);
         if (!isDescribed()) {
-            if (const int error = describeStored(); error != 0) {
-                why_ += "; it has no description there: " + systemWords(error);
+            if (const int failure = describeStored(); failure != 0) {
+                why_ += "; it has no description there: " + systemWords(failure);
             }
         }
         info_.reset();
@@ -354,20 +357,21 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     if (!stored || stored->identity != item.identity || !S_ISREG(stored->mode) || !info.valid()) {
         return {Result::gone, "It is no longer in the Trash"};
     }
-    if (!renameWithoutReplacing(trash->files.get(), item.storedName, place.folder.get(),
-                                place.name)) {
-        const bool isFull = isDiskFull(errno);
-        return {Result::left, isFull ? "The disk is full" : systemWords(errno), isFull};
+    if (const int error = renameWithoutReplacing(trash->files.get(), item.storedName,
+                                                 place.folder.get(), place.name);
+        error != 0) {
+        const bool isFull = isDiskFull(error);
+        return {Result::left, isFull ? "The disk is full" : systemWords(error), isFull};
     }
     const auto arrived = statusAt(place.folder.get(), place.name);
     const bool isRightFile = arrived && arrived->identity == item.identity;
     if (!isRightFile || !isStillAt(place.folderPath, item.inside, folder->identity)) {
         const std::string why =
             isRightFile ? "Its folder was moved meanwhile" : "Another file has taken its name";
-        return renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(),
-                                      item.storedName)
-                   ? PutBackOutcome{Result::left, why}
-                   : PutBackOutcome{Result::gone, why + ": " + systemWords(errno)};
+        const int error = renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(),
+                                                 item.storedName);
+        return error == 0 ? PutBackOutcome{Result::left, why}
+                          : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
     }
     removeInfo(*trash, item.storedName, info.get());
     return {Result::done, {}};

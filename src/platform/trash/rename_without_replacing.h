@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace tallowcrest {
+
+/// Renames whatever has a name in the folder `from`, and replaces nothing. Returns 0 or an error
+/// number. Where the file system cannot refuse to replace, a file gets its new name before it loses
+/// the old one, and has both if the process is killed in between; a folder is then left with EPERM.
+/// A file that already has both names loses the old one there. Any thread.
+int renameWithoutReplacing(int from, const std::string& name, int to, const std::string& newName);
+
+}  // namespace tallowcrest

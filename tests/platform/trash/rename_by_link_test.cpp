@@ -1,0 +1,235 @@
+// File systems that cannot refuse to replace a file in a rename, as those of a network, and that
+// have no room for a rename.
+
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/platform/support/refused_call.h"
+#include "tests/platform/trash/own_mounts.h"
+#include "tests/platform/trash/swap_names.h"
+#include "tests/platform/trash/traced_process.h"
+#include "tests/platform/trash/trash_fixture.h"
+#include "tests/support/file_text.h"
+
+namespace tallowcrest {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using Way = PutBackOutcome::Result;
+
+class RenameByLinkTest : public TrashFixture {
+protected:
+    /// A file that was moved to the Trash of an empty home.
+    TrashItem trashedAnew() {
+        for (const auto& entry : fs::directory_iterator(home)) {
+            fs::remove_all(entry.path());
+        }
+        const TrashOutcome outcome = trash.moveToTrash(reviewed(write(path, "pixels")));
+        EXPECT_TRUE(outcome.item) << outcome.error;
+        return outcome.item.value_or(TrashItem{});
+    }
+
+    /// In a process of its own, because the attacks need the call that is refused to it.
+    static TracedRun runWithout(std::uint32_t call, int error, const std::function<int()>& work,
+                                const std::function<bool(int stop)>& goesOn) {
+        constexpr int notRefused = 99;
+        const TracedRun run =
+            runTraced([&] { return refuseCall(call, error) ? work() : notRefused; }, goesOn);
+        return run.status == notRefused ? TracedRun{} : run;
+    }
+
+    /// Puts a file back again and again, while at one of the system calls its description and that
+    /// of another file change their names. Counts how often the other one was `lost`.
+    void putBackWithSwappedDescriptions(std::uint32_t call, int error, int& lost) {
+        const fs::path own = homeTrash / "info/thumb.trashinfo";
+        const fs::path foreign = homeTrash / "info/foreign.trashinfo";
+        int stops = 1;
+        std::map<int, int> results;
+        for (int at = 0; at < stops; ++at) {
+            const TrashItem item = trashedAnew();
+            write(foreign, "foreign");
+            const TracedRun run = runWithout(
+                call, error, [&] { return static_cast<int>(trash.putBack(item).result); },
+                [&](int stop) {
+                    if (stop == at) {
+                        swapNames(own, foreign);
+                    }
+                    return true;
+                });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            ++results[run.status];
+            lost += fileText(foreign) == "foreign" || fileText(own) == "foreign" ? 0 : 1;
+        }
+        EXPECT_GT(results[static_cast<int>(Way::done)], 2);
+        EXPECT_GT(results[static_cast<int>(Way::gone)], 2);
+    }
+
+    const std::string path = inCache("a/thumb");
+    const fs::path stored = homeTrash / "files/thumb";
+};
+
+TEST_F(RenameByLinkTest, AFileIsPutBack) {
+    inOwnProcess([&] {
+        const TrashItem item = trashedAnew();
+        if (!refuseCall(SYS_renameat2, EINVAL)) {
+            GTEST_SKIP() << "this account may install no filter";
+        }
+        EXPECT_EQ(trash.putBack(item).error, "");
+        EXPECT_EQ(fileText(path), "pixels");
+        EXPECT_EQ(fs::hard_link_count(path), 1U);
+        EXPECT_THAT(contents(), IsEmpty());
+    });
+}
+
+TEST_F(RenameByLinkTest, AFileThatHasTakenThePlaceIsKept) {
+    inOwnProcess([&] {
+        const TrashItem item = trashedAnew();
+        write(path, "taker");
+        if (!refuseCall(SYS_renameat2, ENOSYS)) {
+            GTEST_SKIP() << "this account may install no filter";
+        }
+        const PutBackOutcome outcome = trash.putBack(item);
+        EXPECT_EQ(outcome.result, Way::left);
+        EXPECT_EQ(outcome.error, "File exists");
+        EXPECT_EQ(fileText(path), "taker");
+        ASSERT_THAT(contents(), SizeIs(1));
+        EXPECT_EQ(contents().front().content, "pixels");
+    });
+}
+
+TEST_F(RenameByLinkTest, AFileThatAnEarlierAttemptHasLinkedLeavesTheTrash) {
+    inOwnProcess([&] {
+        const TrashItem item = trashedAnew();
+        fs::create_hard_link(stored, path);
+        if (!refuseCall(SYS_renameat2, EINVAL)) {
+            GTEST_SKIP() << "this account may install no filter";
+        }
+        EXPECT_EQ(trash.putBack(item).error, "");
+        EXPECT_EQ(fileText(path), "pixels");
+        EXPECT_THAT(contents(), IsEmpty());
+    });
+}
+
+TEST_F(RenameByLinkTest, AKillWhileAFileIsPutBackLeavesItInItsPlaceOrRestorable) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int inTrash = 0;
+        int inPlace = 0;
+        bool isKilled = true;
+        for (int killedAt = 0; isKilled; ++killedAt) {
+            const TrashItem item = trashedAnew();
+            const TracedRun run = runWithout(
+                SYS_renameat2, EINVAL, [&] { return static_cast<int>(trash.putBack(item).result); },
+                [&](int stop) { return stop != killedAt; });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            isKilled = run.status == -1;
+            SCOPED_TRACE("killed at stop " + std::to_string(killedAt));
+            if (fs::exists(path)) {
+                ++inPlace;
+                EXPECT_EQ(fileText(path), "pixels");
+            }
+            if (fs::exists(stored)) {
+                ++inTrash;
+                ASSERT_EQ(contents().size(), 1U);
+                EXPECT_EQ(contents().front().restorePath, path);
+                EXPECT_EQ(contents().front().content, "pixels");
+            }
+            EXPECT_TRUE(fs::exists(path) || fs::exists(stored));
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(inTrash, 10);
+        EXPECT_GT(inPlace, 2);
+    });
+}
+
+TEST_F(RenameByLinkTest, AnotherFileThanTheReviewedOneGoesBack) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        const std::string decoy = inCache("a/decoy");
+        int stops = 1;
+        int returned = 0;
+        for (int at = 0; at < stops; ++at) {
+            fs::remove_all(home / ".local");
+            fs::remove_all(home / ".cache");
+            const TrashRequest request = reviewed(write(path, "pixels"));
+            write(decoy, "decoy");
+            bool hadArrived = false;
+            const TracedRun run = runWithout(
+                SYS_renameat2, EINVAL,
+                [&] { return trash.moveToTrash(request).movedBytes ? 1 : 0; },
+                [&](int stop) {
+                    if (stop == at) {
+                        swapNames(path, decoy);
+                    }
+                    hadArrived = hadArrived || fs::exists(stored);
+                    return true;
+                });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            std::map<std::string, int> found;
+            for (const std::string& file : {path, decoy, stored.string()}) {
+                ++found[fileText(file)];
+            }
+            EXPECT_EQ(found["pixels"], 1);
+            EXPECT_EQ(found["decoy"], 1);
+            EXPECT_EQ(fs::exists(stored), run.status == 1);
+            if (run.status == 0 && hadArrived) {
+                ++returned;
+                EXPECT_EQ(fileText(path), "decoy");
+                EXPECT_THAT(contents(), IsEmpty());
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(returned, 0) << "the case did not occur";
+    });
+}
+
+TEST_F(RenameByLinkTest, NoDescriptionOfAnotherFileIsRemoved) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int lost = 0;
+        putBackWithSwappedDescriptions(SYS_renameat2, EINVAL, lost);
+        EXPECT_EQ(lost, 0);
+    });
+}
+
+#ifdef SYS_renameat
+TEST_F(RenameByLinkTest, ADescriptionThatCannotBeRenamedIsLookedAtAgainBeforeItIsRemoved) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int lost = 0;
+        putBackWithSwappedDescriptions(SYS_renameat, ENOSPC, lost);
+        if (IsSkipped()) {
+            return;
+        }
+        // Between the last look and the removal no call can help.
+        EXPECT_LE(lost, 1);
+        const TrashItem item = trashedAnew();
+        ASSERT_TRUE(refuseCall(SYS_renameat, ENOSPC));
+        EXPECT_EQ(trash.putBack(item).error, "");
+        EXPECT_THAT(contents(), IsEmpty());
+    });
+}
+#endif
+
+}  // namespace
+}  // namespace tallowcrest
