@@ -129,14 +129,14 @@ Composition::~Composition() {
 bool Composition::shutDown(std::chrono::milliseconds timeout) {
     stop_.request_stop();
     toolLauncher_.requestStop();
-    jobs_.stopAll();
+    const bool areChangesWhole = jobs_.stopAll(timeout);
     // Before a job that hangs can end the program without the monitor's destruction.
     if (monitor_) {
         monitor_->disk().autopilot.recordUnfinished();
         monitor_->disk().files.recordUnfinished();
     }
     // No component is destroyed while one of its jobs is running.
-    if (!workQueue_.finishWithin(timeout)) {
+    if (!areChangesWhole || !workQueue_.finishWithin(timeout)) {
         return false;
     }
     if (monitor_) {

@@ -64,9 +64,10 @@ public:
     /// The deadline of the slowest tool.
     static constexpr std::chrono::milliseconds longestToolDeadline{2000};
 
-    /// Stops all work, waits for what is under way and destroys the monitor. A change to the disk
-    /// is waited for until it is whole, everything else for `timeout`. False when a job is still
-    /// running then: the process should end without destroying this object, which would wait on.
+    /// Stops all work, waits for what is under way and destroys the monitor. Changes to the disk
+    /// are waited for until they are whole, then everything else, each for `timeout` at most. False
+    /// when a job is still running then: the process should end without destroying this object,
+    /// which would wait on.
     [[nodiscard]] bool shutDown(std::chrono::milliseconds timeout = longestToolDeadline);
 
 private:

@@ -54,16 +54,22 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
     return plan;
 }
 
+void CleanupTally::begin() {
+    const std::lock_guard guard(lock_);
+    state_.isFileAtHand = true;
+}
+
 void CleanupTally::count(const TrashOutcome& outcome) {
     const std::lock_guard guard(lock_);
-    ++progress_.done;
+    state_.isFileAtHand = false;
+    ++state_.progress.done;
     if (outcome.movedBytes) {
-        ++progress_.moved;
-        progress_.movedBytes += *outcome.movedBytes;
+        ++state_.progress.moved;
+        state_.progress.movedBytes += *outcome.movedBytes;
     }
-    progress_.withoutRoom += outcome.isDiskFull ? 1 : 0;
+    state_.progress.withoutRoom += outcome.isDiskFull ? 1 : 0;
     if (outcome.item) {
-        moved_.push_back(*outcome.item);
+        state_.moved.push_back(*outcome.item);
     }
 }
 
@@ -95,6 +101,7 @@ void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& 
             if (isStopped()) {
                 return;
             }
+            tally.begin();
             tally.count(move ? move->complete(cap - tally.progress().movedBytes) : TrashOutcome());
             move.reset();
             progress();

@@ -49,32 +49,39 @@ struct CacheMoveRequest {
     double maxGB = 0.0;
 };
 
+/// What a clean-up has done so far.
+struct CleanupSoFar {
+    CleanupProgress progress;
+    std::vector<TrashItem> moved;  ///< the files that were moved and can be put back
+    bool isFileAtHand = false;     ///< one is on its way and not counted yet
+};
+
 /// How far a clean-up is, also for those who do not wait for its end. Any thread.
 class CleanupTally {
 public:
-    explicit CleanupTally(std::size_t all) : progress_{.all = all} {}
+    explicit CleanupTally(std::size_t all) { state_.progress.all = all; }
 
     CleanupProgress progress() const {
         const std::lock_guard guard(lock_);
-        return progress_;
+        return state_.progress;
     }
-    /// The files that were moved and can be put back.
-    std::vector<TrashItem> moved() const {
+    CleanupSoFar state() const {
         const std::lock_guard guard(lock_);
-        return moved_;
+        return state_;
     }
+    /// The next file is about to be moved.
+    void begin();
     /// One more file was moved or left.
     void count(const TrashOutcome& outcome);
 
 private:
     mutable std::mutex lock_;
-    CleanupProgress progress_;
-    std::vector<TrashItem> moved_;
+    CleanupSoFar state_;
 };
 
 /// Moves the files to the Trash, one after the other, as far as each still is what the policy
 /// allows; what cannot be moved is left. Ends after the file at hand when `stopToken` or `stop` is
-/// requested. The program does not end while a file is being moved.
+/// requested. The end of the program waits for the file at hand.
 void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& tally,
                    const std::function<void()>& progress, const Stop& stop,
                    const std::stop_token& stopToken);

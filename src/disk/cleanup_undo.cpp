@@ -16,7 +16,7 @@ UndoTally::UndoTally(std::vector<TrashItem> items)
 
 CleanupUndo UndoTally::state() const {
     const std::lock_guard guard(lock_);
-    CleanupUndo undo{progress_, left_, {}};
+    CleanupUndo undo{progress_, left_, {}, isFileAtHand_};
     for (std::size_t i = 0; i < items_.size(); ++i) {
         if (i >= progress_.done || std::ranges::find(retriable_, i) != retriable_.end()) {
             undo.remaining.push_back(items_[i]);
@@ -30,8 +30,14 @@ CleanupProgress UndoTally::progress() const {
     return progress_;
 }
 
+void UndoTally::begin() {
+    const std::lock_guard guard(lock_);
+    isFileAtHand_ = true;
+}
+
 void UndoTally::count(const PutBackOutcome& outcome) {
     const std::lock_guard guard(lock_);
+    isFileAtHand_ = false;
     const TrashItem& item = items_[progress_.done];
     switch (outcome.result) {
         case PutBackOutcome::Result::done:
@@ -59,6 +65,7 @@ void putBackCaches(Trash& trash, UndoTally& tally, const std::function<void()>& 
         if (!change) {
             return;
         }
+        tally.begin();
         tally.count(trash.putBack(item));
         progress();
     }
@@ -78,6 +85,9 @@ std::string filesOfAll(const CleanupProgress& progress) {
 
 std::string undoStatus(const CleanupUndo& undo) {
     const CleanupProgress& progress = undo.progress;
+    if (progress.moved == 0 && undo.isFileAtHand) {
+        return "Stopped putting files back. The disk did not answer.";
+    }
     if (progress.moved == 0) {
         return "No file could be put back from Trash.";
     }
@@ -95,6 +105,9 @@ std::string undoReceipt(const CleanupUndo& undo) {
         filesOfAll(progress));
     if (progress.done < progress.all) {
         text += fmt::format(" Stopped before the {}.", lastFiles(progress));
+    }
+    if (undo.isFileAtHand) {
+        text += " The disk did not answer in time. The file at hand may have been put back.";
     }
     std::string_view beforeReason = " Not put back:";
     for (const auto& [why, files] : undo.left) {

@@ -22,6 +22,7 @@ struct CleanupUndo {
     /// How many files were not put back, by the reason in the system's words.
     std::map<std::string, std::size_t> left;
     std::vector<TrashItem> remaining;  ///< those that a later attempt may put back
+    bool isFileAtHand = false;         ///< one is on its way and not counted yet
 };
 
 /// How far it is, also for those who do not wait for its end. Any thread.
@@ -31,7 +32,9 @@ public:
 
     CleanupUndo state() const;
     CleanupProgress progress() const;
-    /// The next file was put back or not. They come in the order of `items`.
+    /// The next file is about to be put back.
+    void begin();
+    /// It was put back or not. They come in the order of `items`.
     void count(const PutBackOutcome& outcome);
     const std::vector<TrashItem>& items() const { return items_; }
 
@@ -41,10 +44,11 @@ private:
     CleanupProgress progress_;
     std::map<std::string, std::size_t> left_;
     std::vector<std::size_t> retriable_;  ///< those that the Trash still has
+    bool isFileAtHand_ = false;
 };
 
 /// Puts the files back, one after the other. Ends after the file at hand when `stopToken` or `stop`
-/// is requested. The program does not end while a file is being moved.
+/// is requested. The end of the program waits for the file at hand.
 void putBackCaches(Trash& trash, UndoTally& tally, const std::function<void()>& progress,
                    const Stop& stop, const std::stop_token& stopToken);
 

@@ -284,7 +284,8 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
                 .minimumFreeGB = settings.diskMinimumFreeGB,
                 .trust = dependencies_.trust.record(actionType),
                 .progress = {},
-                .stoppedBy = {}},
+                .stoppedBy = {},
+                .isFileAtHand = {}},
                std::make_shared<CleanupTally>(all)};
     state_.cleanup = run_->tally->progress();
     observable_->changed();
@@ -306,11 +307,13 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
 
 receipts::Cleanup DiskAutopilot::recordCleanup() {
     const Run run = *std::exchange(run_, std::nullopt);
-    if (std::vector<TrashItem> moved = run.tally->moved(); !moved.empty()) {
-        setUndoable(std::move(moved), run.cleanup.automatic);
+    CleanupSoFar soFar = run.tally->state();
+    if (!soFar.moved.empty()) {
+        setUndoable(std::move(soFar.moved), run.cleanup.automatic);
     }
     receipts::Cleanup cleanup = run.cleanup;
-    cleanup.progress = run.tally->progress();
+    cleanup.progress = soFar.progress;
+    cleanup.isFileAtHand = soFar.isFileAtHand;
     if (cleanup.progress.done < cleanup.progress.all) {
         cleanup.stoppedBy =
             move_.isStopping() ? receipts::StoppedBy::owner : receipts::StoppedBy::shutdown;

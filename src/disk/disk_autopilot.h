@@ -89,7 +89,8 @@ public:
     Outcome stop();
 
     /// For the end of the program, after `Jobs::stopAll`: writes the receipts of a clean-up and of
-    /// an undoing that are under way or have not been told yet. Nothing more of them arrives.
+    /// an undoing that are under way or have not been told yet. Nothing more of them arrives. Of a
+    /// file that is still on its way they say that it may have been moved.
     void recordUnfinished();
 
     /// Notifies of a changed state.

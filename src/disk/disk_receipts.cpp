@@ -34,12 +34,15 @@ std::string_view stopper(StoppedBy by) {
     return "";
 }
 
-/// A sentence for a clean-up that was stopped, with a blank in front; else empty.
+/// Sentences for a clean-up that was stopped, with a blank in front; else empty.
 std::string stopClause(const Cleanup& cleanup) {
     return cleanup.stoppedBy == StoppedBy::nothing
                ? std::string()
-               : fmt::format(" Stopped: by {}, before the {}.", stopper(cleanup.stoppedBy),
-                             lastFiles(cleanup.progress));
+               : fmt::format(" Stopped: by {}, before the {}.{}", stopper(cleanup.stoppedBy),
+                             lastFiles(cleanup.progress),
+                             cleanup.isFileAtHand ? " The disk did not answer in time. The file "
+                                                    "at hand may have been moved."
+                                                  : "");
 }
 
 /// A sentence for files that a full disk kept from being moved, with a blank in front; else empty.
@@ -57,13 +60,14 @@ std::string fullDiskClause(const CleanupProgress& progress) {
 
 std::string noChangeReceipt(const Cleanup& cleanup) {
     return fmt::format(
-        "Trigger: {}. {} Result: no files moved because {}.{}{} Recovery: none "
-        "needed.",
+        "Trigger: {}. {} Result: {} because {}.{}{} Recovery: {}.",
         cleanup.automatic ? "low disk space with authorized Autopilot" : "user-confirmed review",
         preview(cleanup),
+        cleanup.isFileAtHand ? "no file is known to be in Trash" : "no files moved",
         cleanup.stoppedBy == StoppedBy::nothing ? "candidates changed or were unavailable"
                                                 : "the run was stopped",
-        stopClause(cleanup), fullDiskClause(cleanup.progress));
+        stopClause(cleanup), fullDiskClause(cleanup.progress),
+        cleanup.isFileAtHand ? "open Trash and use Put Back if the file is there" : "none needed");
 }
 
 std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
@@ -143,7 +147,8 @@ std::string status(const Cleanup& cleanup) {
         return fmt::format("Last cleanup moved {} files ({} GB) to Trash.", progress.moved,
                            gigabytes(progress.movedBytes));
     }
-    return cleanup.stoppedBy != StoppedBy::nothing ? "Cleanup stopped. No files were changed."
+    return cleanup.isFileAtHand                      ? "Cleanup stopped. The disk did not answer."
+           : cleanup.stoppedBy != StoppedBy::nothing ? "Cleanup stopped. No files were changed."
            : progress.withoutRoom > 0
                ? "Cleanup made no changes; the disk is full. Make some room and review again."
                : "Cleanup made no changes; files may have been in use.";
@@ -155,7 +160,10 @@ std::string receipt(const Cleanup& cleanup, std::string_view caches) {
 }
 
 std::string finalLine(const Cleanup& cleanup) {
-    return cleanup.progress.moved == 0 ? "Disk cleanup made no changes."
+    return cleanup.progress.moved == 0
+               ? (cleanup.isFileAtHand
+                      ? "Stopped the disk cleanup. The file at hand may have been moved."
+                      : "Disk cleanup made no changes.")
            : cleanup.stoppedBy != StoppedBy::nothing
                ? "Stopped the disk cleanup. What it had moved is in Trash."
            : cleanup.automatic ? "Disk Autopilot completed a trusted reversible cleanup."

@@ -94,6 +94,13 @@ std::string trashFailed(std::string_view title, std::string_view error) {
     return fmt::format("Could not move {} to Trash: {}", title, error);
 }
 
+std::string trashUnansweredReceipt(std::string_view title) {
+    return fmt::format(
+        "Began to move {} to Trash after confirmation. The disk did not answer in time. The file "
+        "may have been moved: it is in its folder or in Trash.",
+        title);
+}
+
 std::string trashed(std::string_view title) {
     return fmt::format("Moved {} to Trash.", title);
 }

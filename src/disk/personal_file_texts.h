@@ -46,6 +46,8 @@ std::string backupGivenUpReceipt(std::string_view title);
 /// The question to the owner, with a new identifier.
 ConfirmationRequest trashRequest(const StorageOptimizationSuggestion& suggestion);
 std::string trashFailed(std::string_view title, std::string_view error);
+/// For a move whose end is not known.
+std::string trashUnansweredReceipt(std::string_view title);
 std::string trashed(std::string_view title);
 std::string trashReceipt(const StorageOptimizationSuggestion& suggestion);
 

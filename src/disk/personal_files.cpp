@@ -274,24 +274,25 @@ Outcome PersonalFiles::trashPendingSuggestion() {
     }
     readBookmark();
     observable_->changed();
-    const auto shared = std::make_shared<SharedResult<TrashOutcome>>();
-    trashing_.push_back({*pending, shared});
+    const auto move = std::make_shared<Move>();
+    trashing_.push_back({*pending, move});
     jobs_.run(
         Lane::personalFiles,
-        [trash = dependencies_.ports.trash, shared,
+        [trash = dependencies_.ports.trash, move,
          request =
              TrashRequest{.path = pending->path, .identity = pending->identity}](const Stop& stop) {
             // Until the outcome is set, so that the end of the program finds it.
             const auto change = stop.beginChange();
+            move->hasBegun = change.has_value();
             TrashOutcome outcome =
                 change ? trash->moveToTrash(request) : TrashOutcome{.error = texts::canceled};
-            shared->set(outcome);
+            move->outcome.set(outcome);
             return outcome;
         },
-        [this, suggestion = *pending, shared](const TrashOutcome& outcome) {
+        [this, suggestion = *pending, move](const TrashOutcome& outcome) {
             // Those that the end of the program has told are not told again.
-            if (std::erase_if(trashing_,
-                              [&](const Trashing& each) { return each.outcome == shared; }) > 0) {
+            if (std::erase_if(trashing_, [&](const Trashing& each) { return each.move == move; }) >
+                0) {
                 finishTrash(suggestion, outcome);
             }
         });
@@ -322,8 +323,15 @@ void PersonalFiles::finishTrash(const StorageOptimizationSuggestion& suggestion,
 
 void PersonalFiles::recordUnfinished() {
     for (const Trashing& each : std::exchange(trashing_, {})) {
-        recordTrash(each.suggestion,
-                    each.outcome->get().value_or(TrashOutcome{.error = texts::canceled}));
+        if (const auto outcome = each.move->outcome.get()) {
+            recordTrash(each.suggestion, *outcome);
+        } else if (each.move->hasBegun) {
+            dependencies_.services.log.recordEvent(
+                ActivityKind::storageCleanupReceipt,
+                texts::trashUnansweredReceipt(each.suggestion.title));
+        } else {
+            recordTrash(each.suggestion, {.error = texts::canceled});
+        }
     }
     const auto copied = backupUnderWay_ ? backupUnderWay_->copied->get() : std::nullopt;
     if (copied) {

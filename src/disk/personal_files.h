@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -99,7 +100,8 @@ public:
     Outcome trashPendingSuggestion();
 
     /// For the end of the program, after `Jobs::stopAll`: writes the receipts of moves and of a
-    /// copy that are over and have not been told yet, and what became of moves that never began. A
+    /// copy that are over and have not been told yet, and what became of moves that never began. Of
+    /// a file that is still on its way the receipt says that it may have been moved. A
     /// copy may get its name later than this, so that it is to be called again when no job runs any
     /// more.
     void recordUnfinished();
@@ -114,10 +116,15 @@ private:
         std::optional<std::string> error;
     };
 
+    /// What its job tells of a move.
+    struct Move {
+        std::atomic<bool> hasBegun = false;
+        SharedResult<TrashOutcome> outcome;
+    };
     /// A file on its way to the Trash.
     struct Trashing {
         StorageOptimizationSuggestion suggestion;
-        std::shared_ptr<SharedResult<TrashOutcome>> outcome;
+        std::shared_ptr<Move> move;
     };
     /// A copy under way.
     struct Backup {

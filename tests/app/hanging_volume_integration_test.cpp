@@ -1,37 +1,48 @@
 // The disk's care over a folder whose server has stopped to answer, as one of a network can.
 
 #include <fcntl.h>
+#include <linux/fuse.h>
+#include <poll.h>
 #include <sys/mount.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "actions/actions.h"
 #include "app/composition.h"
+#include "core/activity_log.h"
+#include "core/confirmation_desk.h"
 #include "disk/disk.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/unique_fd.h"
 #include "platform/trash/system_trash.h"
 #include "tests/app/own_disk_places.h"
 #include "tests/platform/trash/own_mounts.h"
+#include "tests/support/file_text.h"
 
 namespace tallowcrest {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::HasSubstr;
 
 /// A folder that whoever opens it waits for, until this object is gone.
 class HangingFolder {
 public:
     explicit HangingFolder(fs::path folder)
         : folder_(std::move(folder)), server_(::open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
-        fs::create_directory(folder_);
+        fs::create_directories(folder_);
         const std::string options =
             "fd=" + std::to_string(server_.get()) + ",rootmode=40000,user_id=0,group_id=0";
         isMounted_ = server_.valid() && ::mount("none", folder_.c_str(), "fuse",
@@ -43,6 +54,23 @@ public:
 
     bool isMounted() const { return isMounted_; }
 
+    /// Whether somebody waits for the folder. Until this is called first, that is not known,
+    /// because the kernel keeps all questions back until the server has told its version.
+    bool isAsked() {
+        std::vector<char> question(1 << 16);
+        pollfd waiting{server_.get(), POLLIN, 0};
+        while (::poll(&waiting, 1, 0) > 0 &&
+               ::read(server_.get(), question.data(), question.size()) > 0) {
+            fuse_in_header header{};
+            std::memcpy(&header, question.data(), sizeof header);
+            isAsked_ = isAsked_ || header.opcode != FUSE_INIT;
+            if (header.opcode == FUSE_INIT) {
+                tellVersion(header.unique);
+            }
+        }
+        return isAsked_;
+    }
+
     /// From now on all calls fail.
     void answer() {
         server_.reset();
@@ -53,9 +81,23 @@ public:
     }
 
 private:
+    void tellVersion(std::uint64_t question) const {
+        struct {
+            fuse_out_header header{};
+            fuse_init_out version{};
+        } answer;
+        answer.header.len = sizeof answer;
+        answer.header.unique = question;
+        answer.version.major = FUSE_KERNEL_VERSION;
+        answer.version.minor = FUSE_KERNEL_MINOR_VERSION;
+        answer.version.max_write = 4096;
+        EXPECT_EQ(::write(server_.get(), &answer, sizeof answer), sizeof answer);
+    }
+
     fs::path folder_;
     UniqueFD server_;
     bool isMounted_ = false;
+    bool isAsked_ = false;
 };
 
 /// The composed program with such a folder among its caches and its personal files.
@@ -70,6 +112,10 @@ struct HangingMachine {
         });
         loop.run();
         EXPECT_TRUE(isSo());
+    }
+
+    const std::string& lastReceipt() {
+        return composition.monitor().log().activityLog().front().detail;
     }
 
     const std::string& status() {
@@ -112,6 +158,41 @@ TEST(HangingVolume, AReviewOfCachesTellsWhereItHangsAndCanBeStopped) {
     });
 }
 
+TEST(HangingVolume, TheProgramEndsAlthoughACleanUpHangs) {
+    onHangingMachine([](HangingMachine& machine) {
+        machine.caches.answer();
+        const fs::path old = machine.places.caches() / "later/old";
+        fs::create_directory(old.parent_path());
+        std::ofstream(old) << "pixels";
+        fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::days(40));
+        DiskAutopilot& autopilot = machine.disk.autopilot;
+        ConfirmationDesk& desk = machine.composition.monitor().services().confirmations;
+        autopilot.reviewDiskCleanup();
+        machine.serve([&] { return desk.pendingConfirmation().has_value(); });
+        HangingFolder later(old.parent_path());
+        ASSERT_TRUE(later.isMounted());
+        desk.confirmPending();
+        machine.serve([&] { return later.isAsked(); });
+        EXPECT_FALSE(machine.composition.shutDown(std::chrono::milliseconds(50)));
+        EXPECT_THAT(machine.lastReceipt(), HasSubstr("Stopped: by the end of Tallowcrest"));
+        later.answer();
+        EXPECT_EQ(fileText(old), "pixels");
+    });
+}
+
+TEST(HangingVolume, TheProgramEndsAlthoughAMoveOfAPersonalFileHangs) {
+    onHangingMachine([](HangingMachine& machine) {
+        StorageOptimizationSuggestion film;
+        film.title = "film.mov";
+        film.path = machine.places.downloads() / "server/film.mov";
+        machine.disk.files.requestTrashSuggestion(film);
+        machine.composition.monitor().services().confirmations.confirmPending();
+        machine.serve([&] { return machine.downloads.isAsked(); });
+        EXPECT_FALSE(machine.composition.shutDown(std::chrono::milliseconds(50)));
+        EXPECT_THAT(machine.lastReceipt(), HasSubstr("The file may have been moved"));
+    });
+}
+
 TEST(HangingVolume, AnAnalysisTellsWhereItHangsAndCanBeStopped) {
     onHangingMachine([](HangingMachine& machine) {
         PersonalFiles& files = machine.disk.files;
@@ -132,7 +213,7 @@ TEST(HangingVolume, AStorageScanTellsTheAreaAndCanBeStopped) {
         machine.serve([&] { return !storage.state().progress.area.empty(); });
         EXPECT_EQ(storage.stop(), Outcome::asked());
         machine.serve([&] { return !storage.state().diskStorageScanInProgress; });
-        EXPECT_THAT(machine.status(), ::testing::HasSubstr("Storage scan stopped after "));
+        EXPECT_THAT(machine.status(), HasSubstr("Storage scan stopped after "));
     });
 }
 

@@ -1,5 +1,6 @@
 #include "disk/cache_cleanup.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <stop_token>
@@ -263,7 +264,7 @@ TEST_F(CacheCleanupTest, TheEndOfTheProgramEndsTheRunAfterTheFileAtHand) {
 TEST_F(CacheCleanupTest, NoFileIsMovedOnceTheProgramIsEnding) {
     add("a", 1);
     const DiskCleanupPlan made = plan();
-    changes.finish();
+    changes.finish(std::chrono::milliseconds(0));
     EXPECT_EQ(move(made.urls), (CleanupProgress{0, 1, 0, 0}));
     EXPECT_THAT(trash.requests, IsEmpty());
 }

@@ -1,5 +1,6 @@
 #include "disk/cleanup_undo.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -222,6 +223,22 @@ TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
     mainQueue.drain();
     ASSERT_THAT(log.activityLog(), SizeIs(1));
     EXPECT_THAT(detail(), HasSubstr("put back 1 of 2 files"));
+}
+
+TEST_F(CleanupUndoTest, TheEndOfTheProgramTellsOfAFileThatTheDiskKeeps) {
+    cacheFile("a", 1);
+    cleanUp();
+    autopilot().undoLatestCleanup();
+    diskPorts.trash->puttingBack = [this](const std::string&) {
+        EXPECT_FALSE(jobs.stopAll(std::chrono::milliseconds(0)));
+        autopilot().recordUnfinished();
+    };
+    finishWork();
+    EXPECT_EQ(status(), "Stopped putting files back. The disk did not answer.");
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(detail(), HasSubstr("put back 0 of 1 file (0.00 GB) from Trash. Stopped before the "
+                                    "last file. The disk did not answer in time. The file at hand "
+                                    "may have been put back. Recovery: what is still in Trash"));
 }
 
 }  // namespace

@@ -47,6 +47,21 @@ TEST(DiskReceipts, TheQuestionNamesTheFolderTheDaysAndTheCap) {
     EXPECT_EQ(noneFoundMessage(30.9), "Disk review found no cache files older than 30 days.");
 }
 
+TEST(DiskReceipts, AnUnknownEndOfTheOnlyFileIsNotToldAsNoChange) {
+    Cleanup cleanup = cleanupOf(false, {0, 1, 0, 0}, StoppedBy::shutdown);
+    cleanup.isFileAtHand = true;
+    EXPECT_EQ(status(cleanup), "Cleanup stopped. The disk did not answer.");
+    EXPECT_EQ(finalLine(cleanup),
+              "Stopped the disk cleanup. The file at hand may have been moved.");
+    EXPECT_EQ(
+        receipt(cleanup, "~/.cache"),
+        "Trigger: user-confirmed review. Preview: 1 eligible files, capped at 1.5 GB. Result: "
+        "no file is known to be in Trash because the run was stopped. Stopped: by the end of "
+        "Tallowcrest, before the last file. The disk did not answer in time. The file at "
+        "hand may have been moved. Recovery: open Trash and use Put Back if the file is "
+        "there.");
+}
+
 TEST(DiskReceipts, ACheckThatFoundNothingHasAReceipt) {
     EXPECT_EQ(nothingEligibleReceipt(20.0, "~/.cache"),
               "Trigger: free disk space fell below 20.0 GB. Preview: no eligible old regular files "

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -255,6 +256,23 @@ TEST_F(DiskEndTest, WhatTheOwnerHadStoppedIsToldAsSuch) {
     autopilot().stop();
     record();
     EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last 3 files."));
+}
+
+TEST_F(DiskEndTest, OfAMoveThatHangsItIsToldThatTheFileMayHaveBeenMoved) {
+    begin();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            EXPECT_FALSE(jobs.stopAll(std::chrono::milliseconds(0)));
+            autopilot().recordUnfinished();
+        }
+    };
+    finishWork();
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_THAT(lastDetail(),
+                HasSubstr("Result: moved 1 old regular cache files (0.25 GB) to Trash. Stopped: by "
+                          "the end of Tallowcrest, before the last 2 files. The disk did not "
+                          "answer in time. The file at hand may have been moved. Scope:"));
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(2));
 }
 
 TEST_F(DiskEndTest, WithoutACleanUpNothingIsWritten) {

@@ -311,6 +311,18 @@ TEST_F(PersonalFileEndTest, AMoveThatHasNotBegunIsToldAsSuch) {
     EXPECT_THAT(events(), ElementsAre("Action: Could not move a to Trash: canceled"));
 }
 
+TEST_F(PersonalFileEndTest, OfAMoveThatHangsItIsToldThatTheFileMayHaveBeenMoved) {
+    begin();
+    diskPorts.trash->moving = [this](const std::string&) {
+        EXPECT_FALSE(jobs.stopAll(std::chrono::milliseconds(0)));
+        files().recordUnfinished();
+    };
+    finishWork();
+    EXPECT_THAT(events(), ElementsAre("Storage Cleanup Receipt: Began to move a to Trash after "
+                                      "confirmation. The disk did not answer in time. The file may "
+                                      "have been moved: it is in its folder or in Trash."));
+}
+
 TEST_F(PersonalFileEndTest, AMoveThatWasToldLeavesNothingToTell) {
     begin();
     finishWork();

@@ -1,5 +1,6 @@
 #include "reports/reports.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -151,7 +152,7 @@ TEST_F(ReportsTest, NoReportIsWrittenOnceNoChangeMayBegin) {
     const std::filesystem::path file = folder->place() / "report.txt";
     EXPECT_EQ(writeReport(*folder, file, "text", stop), Outcome::done());
     ASSERT_THAT(folder->written, SizeIs(1));
-    changes.finish();
+    changes.finish(std::chrono::milliseconds(0));
     folder->written.clear();
     EXPECT_EQ(writeReport(*folder, file, "text", stop), Outcome::failed("canceled"));
     EXPECT_THAT(folder->written, IsEmpty());

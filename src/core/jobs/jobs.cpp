@@ -20,15 +20,15 @@ std::optional<DiskChanges::Change> DiskChanges::begin() {
     return Change(*this);
 }
 
-void DiskChanges::finish() {
+bool DiskChanges::finish(std::chrono::milliseconds patience) {
     std::unique_lock guard(lock_);
     isFinishing_ = true;
-    changeEnded_.wait(guard, [this] { return underWay_ == 0; });
+    return changeEnded_.wait_for(guard, patience, [this] { return underWay_ == 0; });
 }
 
-void Jobs::stopAll() {
+bool Jobs::stopAll(std::chrono::milliseconds patience) {
     stopAll_.request_stop();
-    changes_.finish();
+    return changes_.finish(patience);
 }
 
 JobScope::JobScope(Jobs& jobs)

@@ -36,8 +36,9 @@ public:
     /// Absent once `finish` was called: the change must then not begin.
     [[nodiscard]] std::optional<Change> begin();
 
-    /// Lets no further change begin and blocks until those under way are over.
-    void finish();
+    /// Lets no further change begin and blocks until those under way are over. False when one is
+    /// not after `patience`, for example because a disk does not answer.
+    bool finish(std::chrono::milliseconds patience);
 
 private:
     std::mutex lock_;
@@ -57,8 +58,8 @@ public:
     const std::stop_token& stopToken() const { return token_; }
 
     /// Hold the result while files are changed in several steps that must all be done or none. The
-    /// program does not end meanwhile. Absent when the program is ending: the change must then not
-    /// begin.
+    /// end of the program waits for it, but not without limit, so that an end between two steps
+    /// must lose nothing. Absent when the program is ending: the change must then not begin.
     [[nodiscard]] std::optional<DiskChanges::Change> beginChange() const {
         return changes_->begin();
     }
@@ -85,8 +86,9 @@ public:
 
     MainQueue& mainQueue() { return mainQueue_; }
 
-    /// Asks every job to stop, and blocks until no change to the disk is half done.
-    void stopAll();
+    /// Asks every job to stop, and blocks until no change to the disk is half done. False when one
+    /// still is after `patience`.
+    bool stopAll(std::chrono::milliseconds patience = std::chrono::minutes(1));
 
 private:
     friend class JobScope;

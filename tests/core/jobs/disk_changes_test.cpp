@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -10,12 +11,14 @@
 namespace tallowcrest {
 namespace {
 
+using namespace std::chrono_literals;
+
 TEST(DiskChangesTest, NoneBeginsAfterTheFinish) {
     DiskChanges changes;
     EXPECT_TRUE(changes.begin());
-    changes.finish();
+    EXPECT_TRUE(changes.finish(0ms));
     EXPECT_FALSE(changes.begin());
-    changes.finish();
+    EXPECT_TRUE(changes.finish(0ms));
 }
 
 TEST(DiskChangesTest, AChangeThatMovesEndsOnce) {
@@ -26,8 +29,17 @@ TEST(DiskChangesTest, AChangeThatMovesEndsOnce) {
         first.reset();
         EXPECT_TRUE(changes.begin());
     }
-    changes.finish();  // would hang if the count were not 0
+    EXPECT_TRUE(changes.finish(0ms));
     EXPECT_FALSE(changes.begin());
+}
+
+TEST(DiskChangesTest, TheFinishGivesUpAChangeThatDoesNotEnd) {
+    DiskChanges changes;
+    auto change = changes.begin();
+    EXPECT_FALSE(changes.finish(0ms));
+    EXPECT_FALSE(changes.begin());
+    change.reset();
+    EXPECT_TRUE(changes.finish(0ms));
 }
 
 TEST(DiskChangesTest, TheFinishWaitsForAllThatAreUnderWay) {
@@ -37,7 +49,7 @@ TEST(DiskChangesTest, TheFinishWaitsForAllThatAreUnderWay) {
     std::atomic<int> ended = 0;
     int endedBeforeTheFinish = 0;
     std::jthread finishing([&] {
-        changes.finish();
+        EXPECT_TRUE(changes.finish(std::chrono::minutes(1)));
         endedBeforeTheFinish = ended;
     });
     // Once none may begin, the other thread is inside `finish`.

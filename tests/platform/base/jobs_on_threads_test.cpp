@@ -257,6 +257,24 @@ TEST_F(JobsOnThreads, StopAllWaitsForAChangeToTheDiskToBecomeWhole) {
     EXPECT_TRUE(isWhole);
 }
 
+TEST_F(JobsOnThreads, StopAllGivesUpAChangeThatHangs) {
+    JobScope scope(jobs);
+    std::promise<void> release;
+    std::promise<void> begun;
+    scope.run(
+        Lane::actions,
+        [&](const Stop& stop) {
+            const auto change = stop.beginChange();
+            begun.set_value();
+            release.get_future().wait();
+        },
+        [] {});
+    begun.get_future().wait();
+    EXPECT_FALSE(jobs.stopAll(milliseconds(1)));
+    release.set_value();
+    EXPECT_TRUE(jobs.stopAll(stuck));
+}
+
 TEST_F(JobsOnThreads, StopAllDoesNotWaitForAHangingJobWithoutAChange) {
     JobScope scope(jobs);
     std::promise<void> release;
