@@ -16,7 +16,8 @@ UndoTally::UndoTally(std::vector<TrashItem> items)
 
 CleanupUndo UndoTally::state() const {
     const std::lock_guard guard(lock_);
-    CleanupUndo undo{progress_, left_, {}, isFileAtHand_};
+    CleanupUndo undo{
+        .progress = progress_, .left = left_, .remaining = {}, .isFileAtHand = isFileAtHand_};
     for (std::size_t i = 0; i < items_.size(); ++i) {
         if (i >= progress_.done || std::ranges::find(retriable_, i) != retriable_.end()) {
             undo.remaining.push_back(items_[i]);
@@ -85,7 +86,7 @@ std::string filesOfAll(const CleanupProgress& progress) {
 
 std::string undoStatus(const CleanupUndo& undo) {
     const CleanupProgress& progress = undo.progress;
-    if (progress.moved == 0 && undo.isFileAtHand) {
+    if (progress.moved == 0 && (undo.isFileAtHand || undo.isUnanswered)) {
         return "Stopped putting files back. The disk did not answer.";
     }
     if (progress.moved == 0) {
@@ -106,9 +107,8 @@ std::string undoReceipt(const CleanupUndo& undo) {
     if (progress.done < progress.all) {
         text += fmt::format(" Stopped before the {}.", lastFiles(progress));
     }
-    if (undo.isFileAtHand) {
-        text += " The disk did not answer in time. The file at hand may have been put back.";
-    }
+    text += undo.isUnanswered || undo.isFileAtHand ? " The disk did not answer in time." : "";
+    text += undo.isFileAtHand ? " The file at hand may have been put back." : "";
     std::string_view beforeReason = " Not put back:";
     for (const auto& [why, files] : undo.left) {
         text += fmt::format("{} {} ({} file{})", beforeReason, why, files, pluralEnding(files));

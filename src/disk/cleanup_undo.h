@@ -23,6 +23,7 @@ struct CleanupUndo {
     std::map<std::string, std::size_t> left;
     std::vector<TrashItem> remaining;  ///< those that a later attempt may put back
     bool isFileAtHand = false;         ///< one is on its way and not counted yet
+    bool isUnanswered = false;         ///< what the disk did when it was stopped was not waited for
 };
 
 /// How far it is, also for those who do not wait for its end. Any thread.

@@ -1,6 +1,7 @@
 #include "disk/disk_autopilot.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -56,11 +57,11 @@ DiskAutopilot::~DiskAutopilot() {
 
 void DiskAutopilot::recordUnfinished() {
     if (run_) {
-        recordCleanup();
+        recordCleanup(false);
         move_.forget();
     }
     if (undo_) {
-        recordUndo();
+        recordUndo(false);
         putBack_.forget();
     }
 }
@@ -285,6 +286,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
                 .trust = dependencies_.trust.record(actionType),
                 .progress = {},
                 .stoppedBy = {},
+                .isUnanswered = {},
                 .isFileAtHand = {}},
                std::make_shared<CleanupTally>(all)};
     state_.cleanup = run_->tally->progress();
@@ -302,10 +304,10 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
             state_.cleanup = progress;
             observable_->changed();
         },
-        [this] { finishCleanup(); });
+        [this] { finishCleanup(false); });
 }
 
-receipts::Cleanup DiskAutopilot::recordCleanup() {
+receipts::Cleanup DiskAutopilot::recordCleanup(bool isGivenUp) {
     const Run run = *std::exchange(run_, std::nullopt);
     CleanupSoFar soFar = run.tally->state();
     if (!soFar.moved.empty()) {
@@ -313,10 +315,11 @@ receipts::Cleanup DiskAutopilot::recordCleanup() {
     }
     receipts::Cleanup cleanup = run.cleanup;
     cleanup.progress = soFar.progress;
+    cleanup.isUnanswered = isGivenUp;
     cleanup.isFileAtHand = soFar.isFileAtHand;
     if (cleanup.progress.done < cleanup.progress.all) {
-        cleanup.stoppedBy =
-            move_.isStopping() ? receipts::StoppedBy::owner : receipts::StoppedBy::shutdown;
+        cleanup.stoppedBy = isGivenUp || move_.isStopping() ? receipts::StoppedBy::owner
+                                                            : receipts::StoppedBy::shutdown;
     }
     countTrust(cleanup.progress.moved > 0);
     setStatus(receipts::status(cleanup));
@@ -326,8 +329,8 @@ receipts::Cleanup DiskAutopilot::recordCleanup() {
     return cleanup;
 }
 
-void DiskAutopilot::finishCleanup() {
-    const receipts::Cleanup cleanup = recordCleanup();
+void DiskAutopilot::finishCleanup(bool isGivenUp) {
+    const receipts::Cleanup cleanup = recordCleanup(isGivenUp);
     move_.end();
     state_.cleanup.reset();
     state_.isStopping = isAnyStopping();
@@ -342,8 +345,10 @@ void DiskAutopilot::finishCleanup() {
 
 Outcome DiskAutopilot::stop() {
     const bool stopsScan = scan_.stopOrForget([this] { finishStoppedScan(); });
-    const bool stopsCleanup = move_.stop();
-    const bool stopsUndo = putBack_.stop();
+    // The file at hand still has to get to its place.
+    constexpr std::chrono::seconds patience{10};
+    const bool stopsCleanup = move_.stopOrForget([this] { finishCleanup(true); }, patience);
+    const bool stopsUndo = putBack_.stopOrForget([this] { finishUndo(true); }, patience);
     if (!stopsScan && !stopsCleanup && !stopsUndo) {
         return Outcome::ignored();
     }

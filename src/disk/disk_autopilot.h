@@ -85,7 +85,9 @@ public:
     Outcome undoLatestCleanup();
 
     /// Stops the scan, the clean-up and the undoing under way, the latter two after the file at
-    /// hand. Ignored when there is none.
+    /// hand. Where the disk does not answer, they are not waited for longer than two and ten
+    /// seconds, and the receipt says that the file at hand may have been moved. Ignored when there
+    /// is none.
     Outcome stop();
 
     /// For the end of the program, after `Jobs::stopAll`: writes the receipts of a clean-up and of
@@ -126,13 +128,14 @@ private:
     Outcome refuseExpired();
     Outcome refuseAutomatic();
     void beginCleanup(bool automatic, DiskCleanupPlan plan);
-    void finishCleanup();
+    /// `isGivenUp` when its job did not end in time after a stop, here and below.
+    void finishCleanup(bool isGivenUp);
     /// Writes the receipt of `run_` and counts it, and returns what became of it.
-    disk_receipts::Cleanup recordCleanup();
+    disk_receipts::Cleanup recordCleanup(bool isGivenUp);
     void setUndoable(std::vector<TrashItem> items, bool automatic);
-    void finishUndo();
+    void finishUndo(bool isGivenUp);
     /// Writes the receipt of what `undo_` has put back.
-    void recordUndo();
+    void recordUndo(bool isGivenUp);
     /// What is under way and stopping.
     bool isAnyStopping() const;
     void followEmergencyStop();

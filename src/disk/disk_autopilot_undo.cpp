@@ -47,12 +47,13 @@ Outcome DiskAutopilot::undoLatestCleanup() {
             state_.undo = progress;
             observable_->changed();
         },
-        [this] { finishUndo(); });
+        [this] { finishUndo(false); });
     return Outcome::asked();
 }
 
-void DiskAutopilot::recordUndo() {
-    const CleanupUndo undo = std::exchange(undo_, nullptr)->state();
+void DiskAutopilot::recordUndo(bool isGivenUp) {
+    CleanupUndo undo = std::exchange(undo_, nullptr)->state();
+    undo.isUnanswered = isGivenUp;
     setUndoable(undo.remaining, undoable_.automatic);
     const std::string status = receipts::undoStatus(undo);
     setStatus(status);
@@ -61,8 +62,8 @@ void DiskAutopilot::recordUndo() {
     dependencies_.services.log.setLastAction(status);
 }
 
-void DiskAutopilot::finishUndo() {
-    recordUndo();
+void DiskAutopilot::finishUndo(bool isGivenUp) {
+    recordUndo(isGivenUp);
     putBack_.end();
     state_.undo.reset();
     state_.isStopping = isAnyStopping();

@@ -36,13 +36,14 @@ std::string_view stopper(StoppedBy by) {
 
 /// Sentences for a clean-up that was stopped, with a blank in front; else empty.
 std::string stopClause(const Cleanup& cleanup) {
-    return cleanup.stoppedBy == StoppedBy::nothing
-               ? std::string()
-               : fmt::format(" Stopped: by {}, before the {}.{}", stopper(cleanup.stoppedBy),
-                             lastFiles(cleanup.progress),
-                             cleanup.isFileAtHand ? " The disk did not answer in time. The file "
-                                                    "at hand may have been moved."
-                                                  : "");
+    if (cleanup.stoppedBy == StoppedBy::nothing) {
+        return {};
+    }
+    const bool isUnanswered = cleanup.isUnanswered || cleanup.isFileAtHand;
+    return fmt::format(" Stopped: by {}, before the {}.{}{}", stopper(cleanup.stoppedBy),
+                       lastFiles(cleanup.progress),
+                       isUnanswered ? " The disk did not answer in time." : "",
+                       cleanup.isFileAtHand ? " The file at hand may have been moved." : "");
 }
 
 /// A sentence for files that a full disk kept from being moved, with a blank in front; else empty.

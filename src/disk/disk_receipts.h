@@ -71,6 +71,7 @@ struct Cleanup {
     AITrustRecord trust;  ///< as it was before
     CleanupProgress progress;
     StoppedBy stoppedBy = StoppedBy::nothing;
+    bool isUnanswered = false;  ///< what the disk did when it was stopped was not waited for
     bool isFileAtHand = false;  ///< it was stopped while one was on its way, whose end is not known
 };
 

@@ -51,8 +51,8 @@ public:
     /// Asks the work to stop. False when none is under way or it was asked before.
     bool stop();
 
-    /// The same for work that need not be whole. When a file system hangs, it cannot end: after
-    /// `patience` it counts as over, nothing of it arrives any more, and `forgotten` is called.
+    /// The same, but when a file system hangs, the work cannot end: after `patience` it counts as
+    /// over, nothing of it arrives any more, and `forgotten` is called.
     bool stopOrForget(std::function<void()> forgotten,
                       std::chrono::milliseconds patience = std::chrono::seconds(2));
 

@@ -175,6 +175,28 @@ TEST_F(CleanupUndoTest, AStopLeavesTheRestForLater) {
     EXPECT_TRUE(isInPlace(b));
 }
 
+TEST_F(CleanupUndoTest, AnUndoingThatHangsIsGivenUpAndCanBeTriedAgain) {
+    const std::string a = cacheFile("a", 1);
+    const std::string b = cacheFile("b", 1);
+    cleanUp();
+    diskPorts.trash->puttingBack = [this](const std::string&) {
+        EXPECT_EQ(autopilot().stop(), Outcome::asked());
+        EXPECT_THAT(mainQueue.timerIntervals(), ::testing::ElementsAre(std::chrono::seconds(10)));
+        mainQueue.fireTimers();
+        EXPECT_FALSE(autopilot().state().undo);
+        EXPECT_FALSE(autopilot().state().isStopping);
+        diskPorts.trash->puttingBack = {};
+    };
+    undo();
+    EXPECT_EQ(status(), "Stopped putting files back. The disk did not answer.");
+    EXPECT_THAT(detail(), HasSubstr("Stopped before the last 2 files. The disk did not answer in "
+                                    "time. The file at hand may have been put back. Recovery:"));
+    EXPECT_EQ(autopilot().state().undoableFiles, 2U);
+    undo();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_TRUE(isInPlace(b));
+}
+
 TEST_F(CleanupUndoTest, OnlyTheLatestCleanUpIsPutBack) {
     const std::string a = cacheFile("a", 1);
     cleanUp();

@@ -92,6 +92,49 @@ TEST_F(DiskStopTest, AScanThatHangsIsForgotten) {
     EXPECT_THAT(events(), SizeIs(1));
 }
 
+TEST_F(DiskStopTest, ACleanUpWhoseMoveHangsIsGivenUp) {
+    reviewThree();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/b")) {
+            EXPECT_EQ(autopilot().stop(), Outcome::asked());
+            EXPECT_THAT(mainQueue.timerIntervals(), ElementsAre(std::chrono::seconds(10)));
+            mainQueue.fireTimers();
+            EXPECT_FALSE(autopilot().state().cleanup);
+            EXPECT_FALSE(autopilot().state().isStopping);
+        }
+    };
+    finishWork();
+    EXPECT_THAT(lastDetail(),
+                HasSubstr("Result: moved 1 old regular cache files (0.25 GB) to Trash. Stopped: by "
+                          "the owner, before the last 2 files. The disk did not answer in time. "
+                          "The file at hand may have been moved. Scope:"));
+    EXPECT_THAT(diskPorts.trash->requests, SizeIs(2)) << "the last file is not tried any more";
+    EXPECT_THAT(mainQueue.timerIntervals(), IsEmpty());
+    // What was counted can be put back.
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    finishWork();
+    EXPECT_EQ(status(), "Put back 1 of 1 file (0.25 GB) from Trash.");
+}
+
+TEST_F(DiskStopTest, ACleanUpThatHangsBeforeItsFirstMoveIsGivenUp) {
+    reviewThree();
+    confirmations.confirmPending();
+    autopilot().stop();
+    mainQueue.fireTimers();
+    EXPECT_FALSE(autopilot().state().cleanup);
+    EXPECT_EQ(status(), "Cleanup stopped. No files were changed.");
+    EXPECT_THAT(log.activityLog().at(1).detail,
+                HasSubstr("Stopped: by the owner, before the last 3 files. The disk "
+                          "did not answer in time. Recovery: none needed."));
+    EXPECT_EQ(autopilot().reviewDiskCleanup(), Outcome::asked());
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+    confirmations.confirmPending();
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
+}
+
 TEST_F(DiskStopTest, AStoppedCleanUpEndsAfterTheFileAtHand) {
     reviewThree();
     confirmations.confirmPending();
