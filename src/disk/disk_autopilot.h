@@ -109,7 +109,7 @@ private:
     /// Files of the latest clean-up that can be put back.
     struct Undoable {
         std::vector<TrashItem> items;
-        bool automatic = false;  ///< the clean-up was
+        bool automatic = false;  ///< the clean-up was, and none of it was to be put back yet
     };
 
     bool isHere() const;

@@ -54,7 +54,8 @@ Outcome DiskAutopilot::undoLatestCleanup() {
 void DiskAutopilot::recordUndo(bool isGivenUp) {
     CleanupUndo undo = std::exchange(undo_, nullptr)->state();
     undo.isUnanswered = isGivenUp;
-    setUndoable(undo.remaining, undoable_.automatic);
+    // One objection to a clean-up is enough, however often what remains is tried again.
+    setUndoable(undo.remaining, false);
     const std::string status = receipts::undoStatus(undo);
     setStatus(status);
     dependencies_.services.log.recordEvent(ActivityKind::diskCleanupReceipt,

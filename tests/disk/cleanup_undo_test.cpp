@@ -229,8 +229,11 @@ TEST_F(CleanupUndoTest, ToUndoWhatHappenedByItselfIsAnObjection) {
     autopilot().checkDiskAutopilot(diskOf(1.0), true);
     finishWork();
     const auto before = trustCounts();
+    cacheFile("a", 5);
     undo();
     EXPECT_EQ(trustCounts()[2], before[2] + 1);
+    undo();
+    EXPECT_EQ(trustCounts()[2], before[2] + 1) << "once for each clean-up";
 }
 
 TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
