@@ -66,8 +66,8 @@ std::string backupGivenUp(std::string_view title) {
 std::string backupGivenUpReceipt(std::string_view title) {
     return fmt::format(
         "Stopped the copy of {} and did not wait for its end, because the disk did not answer. A "
-        "hidden part of it may be left, which the next backup into that folder removes. The "
-        "original remains in place.",
+        "hidden part of it, or the whole copy, may be left there. The next backup into that folder "
+        "removes a hidden part. The original remains in place.",
         title);
 }
 

@@ -90,8 +90,8 @@ public:
     /// Refused while a copy is under way.
     Outcome backUpSuggestion(const StorageOptimizationSuggestion& suggestion);
     /// Ends the copy under way, of which nothing is left. It is not waited for longer than ten
-    /// seconds; of one that a volume without an answer keeps, a hidden part can remain. Ignored
-    /// while there is none.
+    /// seconds; of one that a volume without an answer keeps, a hidden part or the whole can
+    /// remain. Ignored while there is none.
     Outcome stopBackup();
 
     /// Asks whether to move the file to the Trash.

@@ -165,9 +165,9 @@ TEST_F(BackupTest, ACopyThatHangsIsGivenUpAfterAWhile) {
               "Backup of film.mov stopped. The disk did not answer.");
     EXPECT_THAT(events(),
                 ElementsAre("Backup Receipt: Stopped the copy of film.mov and did not wait for its "
-                            "end, because the disk did not answer. A hidden part of it may be "
-                            "left, which the next backup into that folder removes. The original "
-                            "remains in place."));
+                            "end, because the disk did not answer. A hidden part of it, or "
+                            "the whole copy, may be left there. The next backup into that folder "
+                            "removes a hidden part. The original remains in place."));
     // The next one is not disturbed by what comes of the first.
     backUpTo("/media/other");
     finishWork();
