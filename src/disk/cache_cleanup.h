@@ -59,7 +59,8 @@ struct CleanupSoFar {
 /// How far a clean-up is, also for those who do not wait for its end. Any thread.
 class CleanupTally {
 public:
-    explicit CleanupTally(std::size_t all) { state_.progress.all = all; }
+    explicit CleanupTally(std::size_t all)
+        : state_{.progress = {.all = all}, .moved = {}, .isFileAtHand = false} {}
 
     CleanupProgress progress() const {
         const std::lock_guard guard(lock_);
