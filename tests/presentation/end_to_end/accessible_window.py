@@ -87,11 +87,15 @@ class AccessibleWindow:
         return node.get_state_set().contains(Atspi.StateType.CHECKED)
 
     def press(self, role, name):
-        node = self.find(role, name)
-        names = [node.get_action_name(index).lower() for index in range(node.get_n_actions())]
-        wanted = next(index for index, each in enumerate(names)
-                      if each in ("press", "click", "toggle", "check"))
-        node.do_action(wanted)
+        def action():
+            """The control and the number of its action; none while it is disabled."""
+            node = self.find(role, name)
+            node.clear_cache()
+            return next(((node, index) for index in range(node.get_n_actions())
+                         if (node.get_action_name(index) or "").lower()
+                         in ("press", "click", "toggle", "check")), None)
+        node, index = eventually(action, f"{role} named {name} can be pressed")
+        node.do_action(index)
 
     def go_to(self, title):
         """Selects a route in the sidebar and waits until the page shows its title."""
