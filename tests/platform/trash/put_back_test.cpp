@@ -32,12 +32,6 @@ using WayBack = PutBackOutcome::Result;
 
 class PutBackTest : public TrashFixture {
 protected:
-    TrashItem trashed(const std::string& path, const std::string& content = "pixels") {
-        const TrashOutcome outcome = trash.moveToTrash(reviewed(write(path, content)));
-        EXPECT_TRUE(outcome.item) << outcome.error;
-        return outcome.item.value_or(TrashItem{});
-    }
-
     /// Expects that the file stays in the Trash, and can be restored.
     void expectLeft(const TrashItem& item, const std::string& why) {
         const PutBackOutcome outcome = trash.putBack(item);

@@ -35,9 +35,7 @@ protected:
         for (const auto& entry : fs::directory_iterator(home)) {
             fs::remove_all(entry.path());
         }
-        const TrashOutcome outcome = trash.moveToTrash(reviewed(write(path, "pixels")));
-        EXPECT_TRUE(outcome.item) << outcome.error;
-        return outcome.item.value_or(TrashItem{});
+        return trashed(path);
     }
 
     /// In a process of its own, because the attacks need the call that is refused to it.

@@ -41,6 +41,13 @@ protected:
         return {.path = path, .inside = home / ".cache", .identity = identityOf(path)};
     }
 
+    /// A new file that was moved to the Trash.
+    TrashItem trashed(const std::string& path, const std::string& content = "pixels") {
+        const TrashOutcome outcome = trash.moveToTrash(reviewed(write(path, content)));
+        EXPECT_TRUE(outcome.item) << outcome.error;
+        return outcome.item.value_or(TrashItem{});
+    }
+
     std::vector<TrashedFile> contents() const { return trashContents(homeTrash); }
 
     TemporaryFolder folder;
