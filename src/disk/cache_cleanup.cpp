@@ -56,12 +56,12 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
 
 void CleanupTally::begin() {
     const std::lock_guard guard(lock_);
-    state_.isFileAtHand = true;
+    state_.progress.isFileAtHand = true;
 }
 
 void CleanupTally::count(const TrashOutcome& outcome) {
     const std::lock_guard guard(lock_);
-    state_.isFileAtHand = false;
+    state_.progress.isFileAtHand = false;
     ++state_.progress.done;
     if (outcome.movedBytes) {
         ++state_.progress.moved;

@@ -53,14 +53,12 @@ struct CacheMoveRequest {
 struct CleanupSoFar {
     CleanupProgress progress;
     std::vector<TrashItem> moved;  ///< the files that were moved and can be put back
-    bool isFileAtHand = false;     ///< one is on its way and not counted yet
 };
 
 /// How far a clean-up is, also for those who do not wait for its end. Any thread.
 class CleanupTally {
 public:
-    explicit CleanupTally(std::size_t all)
-        : state_{.progress = {.all = all}, .moved = {}, .isFileAtHand = false} {}
+    explicit CleanupTally(std::size_t all) : state_{.progress = {.all = all}, .moved = {}} {}
 
     CleanupProgress progress() const {
         const std::lock_guard guard(lock_);

@@ -16,8 +16,7 @@ UndoTally::UndoTally(std::vector<TrashItem> items)
 
 CleanupUndo UndoTally::state() const {
     const std::lock_guard guard(lock_);
-    CleanupUndo undo{
-        .progress = progress_, .left = left_, .remaining = {}, .isFileAtHand = isFileAtHand_};
+    CleanupUndo undo{.progress = progress_, .left = left_, .remaining = {}};
     for (std::size_t i = 0; i < items_.size(); ++i) {
         if (i >= progress_.done || std::ranges::find(retriable_, i) != retriable_.end()) {
             undo.remaining.push_back(items_[i]);
@@ -33,12 +32,12 @@ CleanupProgress UndoTally::progress() const {
 
 void UndoTally::begin() {
     const std::lock_guard guard(lock_);
-    isFileAtHand_ = true;
+    progress_.isFileAtHand = true;
 }
 
 void UndoTally::count(const PutBackOutcome& outcome) {
     const std::lock_guard guard(lock_);
-    isFileAtHand_ = false;
+    progress_.isFileAtHand = false;
     const TrashItem& item = items_[progress_.done];
     switch (outcome.result) {
         case PutBackOutcome::Result::done:
@@ -86,7 +85,7 @@ std::string filesOfAll(const CleanupProgress& progress) {
 
 std::string undoStatus(const CleanupUndo& undo) {
     const CleanupProgress& progress = undo.progress;
-    if (progress.moved == 0 && (undo.isFileAtHand || undo.isUnanswered)) {
+    if (progress.moved == 0 && (progress.isFileAtHand || undo.isUnanswered)) {
         return "Stopped putting files back. The disk did not answer.";
     }
     if (progress.moved == 0) {
@@ -107,8 +106,8 @@ std::string undoReceipt(const CleanupUndo& undo) {
     if (progress.done < progress.all) {
         text += fmt::format(" Stopped before the {}.", lastFiles(progress));
     }
-    text += undo.isUnanswered || undo.isFileAtHand ? " The disk did not answer in time." : "";
-    text += undo.isFileAtHand ? " The file at hand may have been put back." : "";
+    text += undo.isUnanswered || progress.isFileAtHand ? " The disk did not answer in time." : "";
+    text += progress.isFileAtHand ? " The file at hand may have been put back." : "";
     std::string_view beforeReason = " Not put back:";
     for (const auto& [why, files] : undo.left) {
         text += fmt::format("{} {} ({} file{})", beforeReason, why, files, pluralEnding(files));

@@ -22,7 +22,6 @@ struct CleanupUndo {
     /// How many files were not put back, by the reason in the system's words.
     std::map<std::string, std::size_t> left;
     std::vector<TrashItem> remaining;  ///< those that a later attempt may put back
-    bool isFileAtHand = false;         ///< one is on its way and not counted yet
     bool isUnanswered = false;         ///< what the disk did when it was stopped was not waited for
 };
 
@@ -45,7 +44,6 @@ private:
     CleanupProgress progress_;
     std::map<std::string, std::size_t> left_;
     std::vector<std::size_t> retriable_;  ///< those that the Trash still has
-    bool isFileAtHand_ = false;
 };
 
 /// Puts the files back, one after the other. Ends after the file at hand when `stopToken` or `stop`

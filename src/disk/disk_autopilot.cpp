@@ -286,8 +286,7 @@ void DiskAutopilot::beginCleanup(bool automatic, DiskCleanupPlan plan) {
                 .trust = dependencies_.trust.record(actionType),
                 .progress = {},
                 .stoppedBy = {},
-                .isUnanswered = {},
-                .isFileAtHand = {}},
+                .isUnanswered = {}},
                std::make_shared<CleanupTally>(all)};
     state_.cleanup = run_->tally->progress();
     observable_->changed();
@@ -316,7 +315,6 @@ receipts::Cleanup DiskAutopilot::recordCleanup(bool isGivenUp) {
     receipts::Cleanup cleanup = run.cleanup;
     cleanup.progress = soFar.progress;
     cleanup.isUnanswered = isGivenUp;
-    cleanup.isFileAtHand = soFar.isFileAtHand;
     if (cleanup.progress.done < cleanup.progress.all) {
         cleanup.stoppedBy = isGivenUp || move_.isStopping() ? receipts::StoppedBy::owner
                                                             : receipts::StoppedBy::shutdown;
@@ -345,10 +343,10 @@ void DiskAutopilot::finishCleanup(bool isGivenUp) {
 
 Outcome DiskAutopilot::stop() {
     const bool stopsScan = scan_.stopOrForget([this] { finishStoppedScan(); });
-    // The file at hand still has to get to its place.
-    constexpr std::chrono::seconds patience{10};
-    const bool stopsCleanup = move_.stopOrForget([this] { finishCleanup(true); }, patience);
-    const bool stopsUndo = putBack_.stopOrForget([this] { finishUndo(true); }, patience);
+    const bool stopsCleanup =
+        move_.stopOrForget([this] { finishCleanup(true); }, StoppableRun::patienceWithAChange);
+    const bool stopsUndo =
+        putBack_.stopOrForget([this] { finishUndo(true); }, StoppableRun::patienceWithAChange);
     if (!stopsScan && !stopsCleanup && !stopsUndo) {
         return Outcome::ignored();
     }

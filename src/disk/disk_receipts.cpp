@@ -39,11 +39,11 @@ std::string stopClause(const Cleanup& cleanup) {
     if (cleanup.stoppedBy == StoppedBy::nothing) {
         return {};
     }
-    const bool isUnanswered = cleanup.isUnanswered || cleanup.isFileAtHand;
-    return fmt::format(" Stopped: by {}, before the {}.{}{}", stopper(cleanup.stoppedBy),
-                       lastFiles(cleanup.progress),
-                       isUnanswered ? " The disk did not answer in time." : "",
-                       cleanup.isFileAtHand ? " The file at hand may have been moved." : "");
+    const bool isUnanswered = cleanup.isUnanswered || cleanup.progress.isFileAtHand;
+    return fmt::format(
+        " Stopped: by {}, before the {}.{}{}", stopper(cleanup.stoppedBy),
+        lastFiles(cleanup.progress), isUnanswered ? " The disk did not answer in time." : "",
+        cleanup.progress.isFileAtHand ? " The file at hand may have been moved." : "");
 }
 
 /// A sentence for files that a full disk kept from being moved, with a blank in front; else empty.
@@ -64,11 +64,12 @@ std::string noChangeReceipt(const Cleanup& cleanup) {
         "Trigger: {}. {} Result: {} because {}.{}{} Recovery: {}.",
         cleanup.automatic ? "low disk space with authorized Autopilot" : "user-confirmed review",
         preview(cleanup),
-        cleanup.isFileAtHand ? "no file is known to be in Trash" : "no files moved",
+        cleanup.progress.isFileAtHand ? "no file is known to be in Trash" : "no files moved",
         cleanup.stoppedBy == StoppedBy::nothing ? "candidates changed or were unavailable"
                                                 : "the run was stopped",
         stopClause(cleanup), fullDiskClause(cleanup.progress),
-        cleanup.isFileAtHand ? "open Trash and use Put Back if the file is there" : "none needed");
+        cleanup.progress.isFileAtHand ? "open Trash and use Put Back if the file is there"
+                                      : "none needed");
 }
 
 std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
@@ -148,7 +149,7 @@ std::string status(const Cleanup& cleanup) {
         return fmt::format("Last cleanup moved {} files ({} GB) to Trash.", progress.moved,
                            gigabytes(progress.movedBytes));
     }
-    return cleanup.isFileAtHand                      ? "Cleanup stopped. The disk did not answer."
+    return cleanup.progress.isFileAtHand             ? "Cleanup stopped. The disk did not answer."
            : cleanup.stoppedBy != StoppedBy::nothing ? "Cleanup stopped. No files were changed."
            : progress.withoutRoom > 0
                ? "Cleanup made no changes; the disk is full. Make some room and review again."
@@ -162,7 +163,7 @@ std::string receipt(const Cleanup& cleanup, std::string_view caches) {
 
 std::string finalLine(const Cleanup& cleanup) {
     return cleanup.progress.moved == 0
-               ? (cleanup.isFileAtHand
+               ? (cleanup.progress.isFileAtHand
                       ? "Stopped the disk cleanup. The file at hand may have been moved."
                       : "Disk cleanup made no changes.")
            : cleanup.stoppedBy != StoppedBy::nothing

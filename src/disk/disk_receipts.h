@@ -72,7 +72,6 @@ struct Cleanup {
     CleanupProgress progress;
     StoppedBy stoppedBy = StoppedBy::nothing;
     bool isUnanswered = false;  ///< what the disk did when it was stopped was not waited for
-    bool isFileAtHand = false;  ///< it was stopped while one was on its way, whose end is not known
 };
 
 /// The status line after it.

@@ -38,6 +38,7 @@ struct CleanupProgress {
     std::size_t moved = 0;
     std::int64_t movedBytes = 0;
     std::size_t withoutRoom = 0;  ///< files that were left because a disk is full
+    bool isFileAtHand = false;    ///< one is on its way and not counted yet
 
     bool operator==(const CleanupProgress&) const = default;
 };

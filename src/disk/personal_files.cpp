@@ -239,9 +239,7 @@ void PersonalFiles::finishBackup(const Copied& copied) {
 }
 
 Outcome PersonalFiles::stopBackup() {
-    // What is written at this moment still has to get to the disk.
-    constexpr std::chrono::seconds patience{10};
-    if (!backup_.stopOrForget([this] { giveUpBackup(); }, patience)) {
+    if (!backup_.stopOrForget([this] { giveUpBackup(); }, StoppableRun::patienceWithAChange)) {
         return Outcome::ignored();
     }
     state_.backup->isStopping = true;

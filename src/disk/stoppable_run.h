@@ -51,6 +51,10 @@ public:
     /// Asks the work to stop. False when none is under way or it was asked before.
     bool stop();
 
+    /// The patience with work that changes files: what is written at this moment still has to get
+    /// to the disk.
+    static constexpr std::chrono::seconds patienceWithAChange{10};
+
     /// The same, but when a file system hangs, the work cannot end: after `patience` it counts as
     /// over, nothing of it arrives any more, and `forgotten` is called.
     bool stopOrForget(std::function<void()> forgotten,

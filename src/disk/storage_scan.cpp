@@ -57,7 +57,6 @@ public:
             if (measured) {
                 measured_.push_back(*std::move(measured));
             }
-            ++done_;
             std::erase_if(atHand_, [area](const AtHand& each) { return each.area == area; });
         }
     }
@@ -69,7 +68,7 @@ public:
     }
     StorageScanProgress progress(Date now) const {
         const std::lock_guard guard(lock_);
-        StorageScanProgress progress{done_, areas_.size()};
+        StorageScanProgress progress{next_ - atHand_.size(), areas_.size()};
         if (!atHand_.empty()) {
             progress.area = atHand_.front().area->label;
             // The clock may have been set back.
@@ -127,7 +126,6 @@ private:
     const VolumeOf volumeOf_;
     mutable std::mutex lock_;
     std::size_t next_ = 0;
-    std::size_t done_ = 0;
     std::vector<AtHand> atHand_;  ///< the oldest first
     std::vector<MeasuredArea> measured_;
 };

@@ -49,7 +49,7 @@ TEST(DiskReceipts, TheQuestionNamesTheFolderTheDaysAndTheCap) {
 
 TEST(DiskReceipts, AnUnknownEndOfTheOnlyFileIsNotToldAsNoChange) {
     Cleanup cleanup = cleanupOf(false, {0, 1, 0, 0}, StoppedBy::shutdown);
-    cleanup.isFileAtHand = true;
+    cleanup.progress.isFileAtHand = true;
     EXPECT_EQ(status(cleanup), "Cleanup stopped. The disk did not answer.");
     EXPECT_EQ(finalLine(cleanup),
               "Stopped the disk cleanup. The file at hand may have been moved.");

@@ -212,10 +212,7 @@ private:
 
         /// No value follows. Tells the last one, before the result of the work.
         void end() {
-            mainQueue_.post([self = this->shared_from_this()] {
-                self->wait_.reset();
-                self->tell(self->now_());
-            });
+            mainQueue_.post([self = this->shared_from_this()] { self->tellNow(); });
         }
 
     private:
@@ -230,14 +227,14 @@ private:
             const auto rest = std::chrono::ceil<std::chrono::milliseconds>(next_ - now);
             wait_ = mainQueue_.scheduleRepeating(rest, [weak = this->weak_from_this()] {
                 if (const auto self = weak.lock()) {
-                    // Not from within its own call, which it would destroy.
-                    self->mainQueue_.post([self] {
-                        if (std::exchange(self->wait_, nullptr)) {
-                            self->tell(self->now_());
-                        }
-                    });
+                    self->tellNow();
                 }
             });
+        }
+
+        void tellNow() {
+            wait_.reset();
+            tell(now_());
         }
 
         void tell(std::chrono::steady_clock::time_point now) {

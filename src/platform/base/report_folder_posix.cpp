@@ -51,9 +51,8 @@ Outcome writeFile(const std::filesystem::path& path, const std::string& text, mo
         return failure(errno);
     }
     int error = writeAll(file.get(), text);
-    // Some file systems report a full disk only here.
-    if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
-        error = errno;
+    if (error == 0) {
+        error = syncFile(file.get());
     }
     if (error == 0 && mode != ownerOnly && ::fchmod(file.get(), mode) != 0) {
         error = errno;

@@ -21,4 +21,8 @@ int writeAll(int file, std::string_view text) {
     return 0;
 }
 
+int syncFile(int file) {
+    return ::fsync(file) == 0 || errno == EINVAL ? 0 : errno;
+}
+
 }  // namespace tallowcrest

@@ -19,6 +19,7 @@
 #include "platform/base/full_disk.h"
 #include "platform/base/publish_new_file.h"
 #include "platform/base/unique_fd.h"
+#include "platform/base/write_all.h"
 #include "platform/files/file_system.h"
 #include "platform/files/paced_bytes.h"
 #include "platform/files/partial_copies.h"
@@ -96,11 +97,6 @@ bool isSameContent(const struct stat& before, const struct stat& after) {
     const auto modifiedAfter = file_system::timesOf(after)[1];
     return before.st_size == after.st_size && modifiedBefore.tv_sec == modifiedAfter.tv_sec &&
            modifiedBefore.tv_nsec == modifiedAfter.tv_nsec;
-}
-
-int syncFile(int file) {
-    // Some volumes cannot.
-    return ::fsync(file) == 0 || errno == EINVAL ? 0 : errno;
 }
 
 /// The content of one file on its way into another one. The functions return 0 or an error.

@@ -25,21 +25,18 @@ void PosixFileWalk::walk(const std::string& root,
     FolderTreeReader reader({.staysOnDevice = true, .freshness = file_system::Freshness::current},
                             reportWhenDue);
     std::string path;  // of the folder at hand, with a slash at the end
-    const auto visitFile = [&](const Folder& folder, const char* name,
+    const auto visitFile = [&](const Folder& /*folder*/, const char* name,
                                const file_system::EntryStatus& status) {
         ++seen.filesSeen;
-        if (path.empty()) {
-            path = pathOf(folder, "");
-        }
         return visit({path + name, status.bytes, status.modifiedAt, status.identity});
     };
     bool goesOn = true;
     while (goesOn && !pending.empty()) {
         const FolderPart part = std::move(pending.back());
         pending.pop_back();
-        path.clear();
         seen.foldersSeen += part.position == 0 ? 1 : 0;
         seen.folder = pathOf(*part.folder);
+        path = seen.folder.ends_with('/') ? seen.folder : seen.folder + '/';
         progress(seen);
         goesOn = reader.read(part, visitFile, stop, pending);
     }

@@ -46,9 +46,8 @@ public:
         if (::fchmod(file_.get(), everyoneMayRead) != 0) {
             return errorOf(errno);
         }
-        // Some file systems report a full disk only here.
-        if (::fsync(file_.get()) != 0 && errno != EINVAL) {
-            return errorOf(errno);
+        if (const int error = syncFile(file_.get()); error != 0) {
+            return errorOf(error);
         }
         if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name.c_str()) != 0) {
             return errorOf(errno);

@@ -81,9 +81,8 @@ int writeTemporary(const Entry& entry, const std::string& temporary, std::string
     if (error == 0 && ::fchmod(file.get(), everyoneMayRead) != 0) {
         error = errno;
     }
-    // Some file systems report a full disk only here.
-    if (error == 0 && ::fsync(file.get()) != 0 && errno != EINVAL) {
-        error = errno;
+    if (error == 0) {
+        error = syncFile(file.get());
     }
     if (error != 0) {
         ::unlinkat(entry.folder.get(), temporary.c_str(), 0);

@@ -66,8 +66,11 @@ UniqueFD openFolderAt(int folder, const std::string& name) {
 
 UniqueFD openFolderBelow(int root, std::string_view relativePath) {
     const auto rootStatus = statusOf(root);
-    if (!rootStatus || relativePath.empty()) {
-        return rootStatus ? openFolderAt(root, ".") : UniqueFD();
+    if (!rootStatus) {
+        return {};
+    }
+    if (relativePath.empty()) {
+        return openFolderAt(root, ".");
     }
     UniqueFD folder;
     while (!relativePath.empty()) {

@@ -28,11 +28,17 @@ int renameByLink(int from, const std::string& name, int to, const std::string& n
 
 }  // namespace
 
-int renameWithoutReplacing(int from, const std::string& name, int to, const std::string& newName) {
+std::optional<int> renameWhereItCanRefuse(int from, const std::string& name, int to,
+                                          const std::string& newName) {
     if (::renameat2(from, name.c_str(), to, newName.c_str(), RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    return errno == EINVAL || errno == ENOSYS ? renameByLink(from, name, to, newName) : errno;
+    return errno == EINVAL || errno == ENOSYS ? std::nullopt : std::optional(errno);
+}
+
+int renameWithoutReplacing(int from, const std::string& name, int to, const std::string& newName) {
+    const auto error = renameWhereItCanRefuse(from, name, to, newName);
+    return error ? *error : renameByLink(from, name, to, newName);
 }
 
 }  // namespace tallowcrest

@@ -1,8 +1,14 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace tallowcrest {
+
+/// Renames whatever has a name in the folder `from`, and replaces nothing. Returns 0 or an error
+/// number; absent where the file system cannot refuse to replace. Any thread.
+std::optional<int> renameWhereItCanRefuse(int from, const std::string& name, int to,
+                                          const std::string& newName);
 
 /// Renames whatever has a name in the folder `from`, and replaces nothing. Returns 0 or an error
 /// number. Where the file system cannot refuse to replace, a file gets its new name before it loses

@@ -1,14 +1,12 @@
 #include "platform/trash/xdg_trash.h"
 
 #include <fcntl.h>
-#include <linux/fs.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <cstddef>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -46,12 +44,8 @@ bool flush(int file) {
 /// Returns 0 or the error number.
 int renameIntoTrash(int folder, const std::string& name, const TrashFolder& trash,
                     const std::string& storedName) {
-    if (::renameat2(folder, name.c_str(), trash.files.get(), storedName.c_str(),
-                    RENAME_NOREPLACE) == 0) {
-        return 0;
-    }
-    if (errno != EINVAL && errno != ENOSYS) {
-        return errno;
+    if (const auto error = renameWhereItCanRefuse(folder, name, trash.files.get(), storedName)) {
+        return *error;
     }
     // Some network file systems cannot refuse to replace. The `.trashinfo` has reserved the name
     // among all that use this trash folder, so it is enough that no file is left there from before.
@@ -93,32 +87,30 @@ UniqueFD openInfo(const TrashFolder& trash, const std::string& storedName,
     return isExpected ? std::move(info) : UniqueFD();
 }
 
-/// Whether the `.trashinfo` of this name is the open file `info`.
-bool isInfo(const TrashFolder& trash, const std::string& storedName, int info) {
-    const auto opened = statusOf(info);
-    const auto named = statusAt(trash.info.get(), trashInfoName(storedName));
+/// Whether what has this name in the folder is the open file.
+bool isFileAt(int folder, const std::string& name, int file) {
+    const auto opened = statusOf(file);
+    const auto named = statusAt(folder, name);
     return opened && named && opened->identity == named->identity;
 }
 
 /// Removes a `.trashinfo` unless its name is that of another file than `info` by now. It is looked
 /// at again under a name that nobody else knows, as the names can change after the first look.
 void removeInfo(const TrashFolder& trash, const std::string& storedName, int info) {
-    if (!isInfo(trash, storedName, info)) {
-        return;
-    }
     const int folder = trash.info.get();
     const std::string name = trashInfoName(storedName);
+    if (!isFileAt(folder, name, info)) {
+        return;
+    }
     const std::string aside = ".tallowcrest-" + UUID::random().text();
     if (::renameat(folder, name.c_str(), folder, aside.c_str()) != 0) {
         // A folder can have no room for another name.
-        if (errno != ENOENT && isInfo(trash, storedName, info)) {
+        if (errno != ENOENT && isFileAt(folder, name, info)) {
             ::unlinkat(folder, name.c_str(), 0);
         }
         return;
     }
-    const auto opened = statusOf(info);
-    const auto taken = statusAt(folder, aside);
-    if (opened && taken && opened->identity == taken->identity) {
+    if (isFileAt(folder, aside, info)) {
         ::unlinkat(folder, aside.c_str(), 0);
     } else {
         renameWithoutReplacing(folder, aside, folder, name);
@@ -230,7 +222,7 @@ int XdgTrash::Move::describeAs(const std::string& name) {
 }
 
 bool XdgTrash::Move::isDescribed() const {
-    return isInfo(*trash_, storedName_, info_.get());
+    return isFileAt(trash_->info.get(), trashInfoName(storedName_), info_.get());
 }
 
 void XdgTrash::Move::removeDescription() {

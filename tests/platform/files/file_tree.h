@@ -10,9 +10,23 @@
 #include <vector>
 
 #include "disk/file_walks.h"
+#include "platform/files/file_walk_posix.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
+
+/// The files that the walk over caches finds.
+inline std::vector<FoundFile> walk(const std::string& root) {
+    std::vector<FoundFile> files;
+    PosixFileWalk().walk(
+        root,
+        [&](const FoundFile& file) {
+            files.push_back(file);
+            return true;
+        },
+        [](const SearchProgress&) {}, {});
+    return files;
+}
 
 /// A folder to walk.
 class FileTree {

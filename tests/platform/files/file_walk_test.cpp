@@ -27,18 +27,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-std::vector<FoundFile> walk(const std::string& root) {
-    std::vector<FoundFile> files;
-    PosixFileWalk().walk(
-        root,
-        [&](const FoundFile& file) {
-            files.push_back(file);
-            return true;
-        },
-        [](const SearchProgress&) {}, {});
-    return files;
-}
-
 class FileWalkTest : public testing::Test {
 protected:
     std::vector<std::string> walked() const { return tree.names(walk(tree.path())); }

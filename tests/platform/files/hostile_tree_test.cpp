@@ -73,18 +73,6 @@ std::vector<FoundFile> find(const std::string& root, std::int64_t minimum = 1) {
                                                {});
 }
 
-std::vector<FoundFile> walk(const std::string& root) {
-    std::vector<FoundFile> files;
-    PosixFileWalk().walk(
-        root,
-        [&](const FoundFile& file) {
-            files.push_back(file);
-            return true;
-        },
-        [](const SearchProgress&) {}, {});
-    return files;
-}
-
 /// The names of what both find, to be compared with what is expected.
 std::string namesByBoth(const FileTree& tree, const std::string& root) {
     std::string text;

@@ -1,6 +1,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <string>
+#include <variant>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -50,6 +53,14 @@ TEST_F(InstallationFilesTest, TellsLinksFromWhatTheyLeadTo) {
     EXPECT_TRUE(files_.exists(folder_.path()));
     EXPECT_FALSE(files_.exists(at("dangling")));
     EXPECT_FALSE(files_.exists(at("file/below")));
+}
+
+TEST_F(InstallationFilesTest, AFolderIsReservedForOneAtATime) {
+    auto reserved = files_.reserve(folder_.path());
+    EXPECT_NE(reserved, nullptr);
+    EXPECT_EQ(files_.reserve(folder_.path()), nullptr);
+    reserved.reset();
+    EXPECT_NE(files_.reserve(folder_.path()), nullptr);
 }
 
 TEST_F(InstallationFilesTest, MakesFoldersWithTheirParents) {
@@ -177,8 +188,8 @@ TEST_F(ImageFolderTest, SeveralImagesDoNotDisturbOneAnother) {
     const auto two = begin();
     one->write("one");
     two->write("two");
-    one->publish("image.deb");
-    two->publish("image.deb");
+    EXPECT_TRUE(std::holds_alternative<std::string>(one->publish("image.deb")));
+    EXPECT_TRUE(std::holds_alternative<std::string>(two->publish("image.deb")));
     EXPECT_EQ(folder_.read("image.deb"), "two");
 }
 
