@@ -1,8 +1,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
+#include "remote/remote_commands.h"
 #include "remote/remote_health_record.h"
 #include "remote/remote_sample.h"
 
@@ -11,6 +14,21 @@
 namespace {
 
 using namespace tallowcrest;
+
+/// Nothing of a name has a meaning for a shell.
+void checkQuit(const RemoteProcess& row) {
+    const std::optional<std::string> quit = remote_commands::quit(row, true);
+    if (!quit) {
+        return;
+    }
+    constexpr std::string_view before = "env LC_ALL=C grep -qx -e ";
+    require(quit->starts_with(before));
+    const std::string_view rest = std::string_view(*quit).substr(before.size());
+    const std::string_view pattern = rest.substr(0, rest.find(" /proc/"));
+    require(pattern.size() == row.command.size());
+    require(pattern.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                      "0123456789-_.") == pattern.npos);
+}
 
 void checkSample(std::string_view output) {
     const RemoteSample sample = parseRemoteSample(output);
@@ -24,6 +42,7 @@ void checkSample(std::string_view output) {
     for (const RemoteProcess& row : sample.processes) {
         require(std::isfinite(row.cpu) && std::isfinite(row.rssMB));
         require(row.command.find('\n') == row.command.npos);
+        checkQuit(row);
     }
     require(!sample.cpuPercent() || *sample.cpuPercent() <= 100.0);
     require(!sample.memoryPercent() || std::isfinite(*sample.memoryPercent()));

@@ -1,5 +1,8 @@
 #include "remote/remote_commands.h"
 
+#include <algorithm>
+#include <functional>
+
 #include <fmt/format.h>
 
 #include "actions/command_validators.h"
@@ -8,6 +11,22 @@
 namespace tallowcrest::remote_commands {
 
 using CommandSafetyPolicy::shellQuoted;
+
+namespace {
+
+/// A basic regular expression that a name fits, and that means the same to every shell without
+/// quotes: in one shell of another machine a name can end what quotes it for the others.
+std::string patternOf(std::string_view name) {
+    std::string pattern(name);
+    const auto isPlain = [](char character) {
+        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+               (character >= '0' && character <= '9') || character == '-' || character == '_';
+    };
+    std::ranges::replace_if(pattern, std::not_fn(isPlain), '.');
+    return pattern;
+}
+
+}  // namespace
 
 std::vector<std::string> sshArguments(const std::string& target, const std::string& command) {
     return {"-o", "BatchMode=yes", "-o", "ConnectTimeout=5", target, command};
@@ -26,12 +45,14 @@ std::optional<std::string> quit(const RemoteProcess& process, bool isLinux) {
         return CommandSafetyPolicy::remoteTerminateCommand(process.pid);
     }
     const std::optional<std::int64_t> pid = CommandSafetyPolicy::validatedPID(process.pid);
-    if (!pid) {
+    if (!pid || process.command.empty()) {
         return std::nullopt;
     }
-    // The scan may be hours old, and another process may have the PID by now.
-    return fmt::format(R"(grep -qxF -e {} /proc/{}/comm && kill -TERM {} && echo quit_""ok)",
-                       shellQuoted(process.command), *pid, *pid);
+    // The scan may be hours old, and another process may have the PID by now. In the C locale each
+    // byte of the name counts, as in the sample.
+    return fmt::format(
+        R"(env LC_ALL=C grep -qx -e {} /proc/{}/comm && kill -TERM {} && echo quit_""ok)",
+        patternOf(process.command), *pid, *pid);
 }
 
 std::string sshDiagnostic(std::string_view target, bool isLinux) {

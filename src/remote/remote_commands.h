@@ -21,7 +21,8 @@ std::vector<std::string> sshArguments(const std::string& target, const std::stri
 std::string purge(bool isLinux);
 
 /// The same: asks a process to quit, and prints "quit_ok" if that was done. On Linux only while it
-/// still has its name. Absent for a PID that is not valid.
+/// still has its name, as far as letters, digits and the places of other characters tell. Absent
+/// for a PID that is not valid, and on Linux without a name.
 std::optional<std::string> quit(const RemoteProcess& process, bool isLinux);
 
 // For the owner's own terminal; this program does not run them.

@@ -17,7 +17,8 @@ struct RemoteTarget {
     bool operator==(const RemoteTarget&) const = default;
 };
 
-/// What the records of one scan depend on beside the machines, as it was when the scan began.
+/// What the records of one scan depend on beside the machines, as it is when a machine is
+/// asked.
 struct RemoteScanContext {
     std::string sshUsername;
     ProtectedAppNames protectedAppNames;

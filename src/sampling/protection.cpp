@@ -179,6 +179,7 @@ const Names& linuxNames() {
         "dhclient",
         "dhcpcd",
         "iwd",
+        "tailscaled",
         "wpa_supplicant",
 
         // Authorisation

@@ -1,7 +1,11 @@
 #include "remote/remote_commands.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -12,6 +16,8 @@
 #include <gtest/gtest.h>
 
 #include "core/remote_records.h"
+#include "tests/support/eventually.h"
+#include "tests/support/file_text.h"
 #include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -53,8 +59,10 @@ TEST(RemoteCommands, OnLinuxAProcessIsAskedToQuitOnlyWhileItHasItsName) {
     const RemoteProcess hog{.pid = 812, .command = "it's"};
     EXPECT_EQ(remote_commands::quit(hog, false), "/bin/kill -TERM 812 && /bin/echo quit_ok");
     EXPECT_EQ(remote_commands::quit(hog, true),
-              R"(grep -qxF -e 'it'\''s' /proc/812/comm && kill -TERM 812 && echo quit_""ok)");
+              R"(env LC_ALL=C grep -qx -e it.s /proc/812/comm && kill -TERM 812 && )"
+              R"(echo quit_""ok)");
     EXPECT_EQ(remote_commands::quit({.pid = 1, .command = "init"}, true), std::nullopt);
+    EXPECT_EQ(remote_commands::quit({.pid = 812}, true), std::nullopt);
 }
 
 TEST(RemoteCommands, APurgeDependsOnTheSystem) {
@@ -86,9 +94,49 @@ TEST_P(RemoteCommandsInALoginShell, TheWordOfSuccessIsPrintedOnSuccessOnly) {
     const std::string quit = remote_commands::quit(hog, true).value();
     const std::string purge = remote_commands::purge(true);
     EXPECT_THAT(printed(purge, folder), AllOf(HasSubstr("sudo"), Not(HasSubstr("purge_ok"))));
-    EXPECT_THAT(printed(quit, folder), AllOf(HasSubstr("grep"), Not(HasSubstr("quit_ok"))));
+    EXPECT_THAT(printed(quit, folder), AllOf(HasSubstr("env"), Not(HasSubstr("quit_ok"))));
     folder.file("sudo", "#!/bin/sh\n", 0700);
     EXPECT_EQ(printed(purge, folder), "purge_ok\n");
+}
+
+TEST_P(RemoteCommandsInALoginShell, AProcessIsAskedToQuitWhateverItsNameMeansToTheShell) {
+    if (!std::filesystem::exists(GetParam())) {
+        GTEST_SKIP() << "not on this machine";
+    }
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path() / "home");
+    for (const char* name :
+         {"plain", "\\';touch hit;#", "';touch hit;#", "$(touch hit)", "`touch hit`", "(touch hit)",
+          "-rf *", "\xC3\xA9t\xC3\xA9 [a-z]", "a\\", "%self", "~", "a|b&c>hit"}) {
+        SCOPED_TRACE(name);
+        const std::string program = folder.path() / name;
+        std::filesystem::copy_file("/bin/sleep", program);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::execl(program.c_str(), name, "60", nullptr);
+            ::_exit(1);
+        }
+        const std::string comm = "/proc/" + std::to_string(child) + "/comm";
+        ASSERT_TRUE(eventually([&] { return fileText(comm) == std::string(name) + '\n'; }));
+        // As a sample shows it.
+        std::string shown = name;
+        std::ranges::replace_if(
+            shown, [](char each) { return each < ' ' || each > '~'; }, '?');
+        const auto quit = remote_commands::quit({.pid = child, .command = shown}, true);
+        const ProgramResult result =
+            runProgram({.path = GetParam(),
+                        .arguments = {"-c", "cd " + (folder.path() / "home").string() + "; " +
+                                                quit.value_or("")},
+                        .withVariables = {"HOME=" + (folder.path() / "home").string()}});
+        EXPECT_EQ(result.standardOutput, "quit_ok\n") << result.standardError;
+        EXPECT_FALSE(std::filesystem::exists(folder.path() / "home/hit"));
+        if (result.standardOutput != "quit_ok\n") {
+            ::kill(child, SIGKILL);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(WTERMSIG(status), SIGTERM);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, RemoteCommandsInALoginShell,

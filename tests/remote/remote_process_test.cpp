@@ -26,7 +26,8 @@ TEST(RemoteProcess, SystemProcessesAreProtected) {
 
 TEST(RemoteProcess, ALinuxMachineHasSystemProcessesOfItsOwn) {
     // The kernel shortens names to 15 characters.
-    for (const char* command : {"systemd", "sshd", "[kworker/0:1]", "gnome-session-b", "Xorg"}) {
+    for (const char* command :
+         {"systemd", "sshd", "tailscaled", "[kworker/0:1]", "gnome-session-b", "Xorg"}) {
         EXPECT_TRUE(isProtectedRemoteProcess(process(command), {}, onLinux)) << command;
         EXPECT_FALSE(isProtectedRemoteProcess(process(command), {}, onMac)) << command;
     }
