@@ -7,13 +7,11 @@
 #include <nlohmann/json.hpp>
 
 #include "core/settings/settings.h"
-#include "platform/settings/open_settings_store.h"
 #include "tests/app/headless_program.h"
 #include "tests/app/private_data.h"
+#include "tests/app/stored_setting.h"
 #include "tests/platform/http/test_provider.h"
 #include "tests/support/file_text.h"
-#include "tests/support/manual_clock.h"
-#include "tests/support/manual_queues.h"
 #include "tests/support/scoped_variable.h"
 
 namespace tallowcrest {
@@ -67,16 +65,7 @@ TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotB
 TEST(HeadlessAdvisorProgram, AServerOfTheOwnersOwnIsAskedWithoutAKey) {
     const PrivateData data;
     TestProvider provider;
-    {
-        ManualMainQueue mainQueue;
-        ManualWorkQueue workQueue;
-        Jobs jobs(mainQueue, workQueue);
-        const ManualClock clock;
-        const OpenedStore opened =
-            openSettingsStore(data.folder() / "tallowcrest" / "settings.sqlite",
-                              {.jobs = jobs, .clock = clock, .reportOutage = {}});
-        opened.store->write(settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
-    }
+    storeSetting(data, settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
     const ProgramResult result = run({"--headless", "--ask", "Why?"});
     EXPECT_EQ(result.status, 0) << result.standardError;
     EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses - application/json"));

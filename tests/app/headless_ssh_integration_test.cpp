@@ -3,14 +3,17 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "core/settings/settings.h"
 #include "tests/app/headless_program.h"
 #include "tests/app/private_data.h"
+#include "tests/app/stored_setting.h"
 #include "tests/support/ssh_machines.h"
 
 namespace tallowcrest {
@@ -18,12 +21,17 @@ namespace {
 
 using nlohmann::json;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
-json peer(const std::string& hostName, const std::string& address) {
-    return {{"HostName", hostName}, {"DNSName", hostName + ".tail1a2b3.ts.net."},
-            {"OS", "macOS"},        {"TailscaleIPs", {address, "fd7a:115c:a1e0::7"}},
-            {"Relay", "fra"},       {"Online", true}};
+json peer(const std::string& hostName, const std::string& address,
+          const std::string& os = "macOS") {
+    return {{"HostName", hostName},
+            {"DNSName", hostName + ".tail1a2b3.ts.net."},
+            {"OS", os},
+            {"TailscaleIPs", {address, "fd7a:115c:a1e0::7"}},
+            {"Relay", "fra"},
+            {"Online", true}};
 }
 
 class HeadlessScan : public ::testing::Test {
@@ -34,14 +42,19 @@ protected:
         }
     }
 
-    /// What the program prints of these peers of the tailnet.
-    static std::vector<std::string> printed(const json& peers, std::vector<std::string> arguments) {
+    /// The program with these peers of the tailnet.
+    static ProgramResult scan(const json& peers, std::vector<std::string> arguments) {
         SshMachines::program("status.json", json{{"Peer", peers}}.dump());
         SshMachines::installCommand("tailscale",
                                     "#!/bin/sh\n[ \"$2\" != --json ] || cat " +
                                         (SshMachines::folder() / "status.json").string() + "\n");
         arguments.insert(arguments.begin(), {"--headless", "--remote"});
-        const ProgramResult result = run(arguments);
+        return run(arguments);
+    }
+
+    /// What it prints of them.
+    static std::vector<std::string> printed(const json& peers, std::vector<std::string> arguments) {
+        const ProgramResult result = scan(peers, std::move(arguments));
         EXPECT_EQ(result.status, 0);
         EXPECT_EQ(result.standardError, "");
         return linesOf(result.standardOutput);
@@ -86,6 +99,24 @@ TEST_F(HeadlessScan, PrintsARecordOfEachMachine) {
     EXPECT_EQ(records[3].at("summary"), "Invalid SSH target");
     EXPECT_EQ(records[4].at("hostName"), "e" + hostile);
     EXPECT_FALSE(std::filesystem::exists(trace));
+}
+
+TEST_F(HeadlessScan, ScansLinuxMachinesWhereTheSettingSaysSo) {
+    SshMachines machines;
+    machines.add("100.64.7.1", machines.sshd());
+    machines.addBusyProcess("Render");
+    machines.start();
+    const json peers{{"nodekey:1", peer("attic", "100.64.7.1", "linux")}};
+    EXPECT_EQ(scan(peers, {"--json"}).standardError,
+              "tallowcrest: No online Tailscale Macs are available to scan.\n");
+    storeSetting(data, settings_keys::includeLinuxMachinesKey, true);
+    const std::vector<std::string> lines = printed(peers, {"--json"});
+    ASSERT_THAT(lines, SizeIs(1));
+    const json record = json::parse(lines.front());
+    EXPECT_EQ(record.at("hostName"), "attic");
+    EXPECT_EQ(record.at("status"), "Reachable");
+    EXPECT_GT(record.at("memoryPercent"), 0.0);
+    EXPECT_THAT(record.at("topProcesses").dump(), HasSubstr("\"Render\""));
 }
 
 TEST_F(HeadlessScan, PrintsABlockForEachMachine) {

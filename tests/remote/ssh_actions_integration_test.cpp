@@ -22,8 +22,8 @@ protected:
     /// The machine that `start` adds, as the latest scan found it.
     const RemoteHealth& attic() { return remote.scan.state().remoteHealth.at(0); }
 
-    void start(const SshMachines::Server& server) {
-        machine = add("attic", server);
+    void start(const SshMachines::Server& server, const std::string& os = "linux") {
+        machine = add("attic", server, os);
         machines->addBusyProcess("Render");
         machines->start();
         scan({machine});
@@ -72,6 +72,15 @@ TEST_F(SshActions, AProcessQuitsWhenThatIsConfirmed) {
     EXPECT_THAT(recorded(), Contains("Asked Render to quit on attic."));
     // The scan that follows a success.
     EXPECT_EQ(log.lastAction(), "Remote scan complete: 1 of 1 Mac responded.");
+    EXPECT_THAT(eachOf(attic().topProcesses, &RemoteProcess::command), Not(Contains("Render")));
+}
+
+TEST_F(SshActions, AProcessOfAMacQuitsWhenThatIsConfirmed) {
+    start(mac(), "macOS");
+    requestQuitOfRender();
+    EXPECT_THAT(namesAfterAScan(), Contains("Render"));
+    confirm();
+    EXPECT_THAT(recorded(), Contains("Asked Render to quit on attic."));
     EXPECT_THAT(eachOf(attic().topProcesses, &RemoteProcess::command), Not(Contains("Render")));
 }
 

@@ -95,6 +95,7 @@ protected:
 
     /// A real server with the tools of a Mac first in the path of its accounts. The Mac is a German
     /// one, whose numbers have a comma unless the client asks for others, as it does by default.
+    /// Of the processes of this machine it lists those called "Render".
     SshMachines::Server mac() {
         const std::string folder = SshMachines::folder() / "mac";
         std::filesystem::create_directories(folder);
@@ -109,7 +110,12 @@ case "${LC_ALL:-${LC_NUMERIC:-$LANG}}" in
 de*) point=, ;;
 *) point=. ;;
 esac
-sed "s/\([0-9]\)[.]\([0-9]\)/\1$point\2/" <<'ROWS' |
+rows() {
+    for comm in $(grep -lsx Render /proc/[0-9]*/comm); do
+        pid=${comm#/proc/}
+        echo "${pid%/comm} 97.0 1024 Render"
+    done
+    cat <<'ROWS'
     1   0.3   20480 /sbin/launchd
   411 181.9 1572864 /Applications/Final Cut Pro.app/Contents/MacOS/Final Cut Pro
   190  36.5  307200 /System/Library/PrivateFrameworks/SkyLight.framework/Resources/WindowServer
@@ -117,6 +123,8 @@ sed "s/\([0-9]\)[.]\([0-9]\)/\1$point\2/" <<'ROWS' |
   713   8.1  102400 /opt/homebrew/bin/a|b
   714   1.2    2048 login
 ROWS
+}
+rows | sed "s/\([0-9]\)[.]\([0-9]\)/\1$point\2/" |
 case "$2" in
 pcpu=) awk '{print $2}' ;;
 pcpu=,comm=) awk '{$1 = ""; $3 = ""; print}' ;;

@@ -48,8 +48,11 @@ inline constexpr std::size_t sessionSummaryCards = 4;
 /// The text for an empty Never Quit list.
 QString noProtectedApps();
 
-/// A card for each insight; one that says that the session starts where there is none.
-std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights);
+/// A card for each insight; one that says that the session starts where there is none. A figure of
+/// another machine, which `remoteHealth` has, is shown with its age at `now`.
+std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights,
+                                              const std::vector<RemoteHealth>& remoteHealth,
+                                              Date now);
 /// As many as one sample can give.
 inline constexpr std::size_t mostSessionInsights = 5;
 

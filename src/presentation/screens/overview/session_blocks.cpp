@@ -32,9 +32,10 @@ SessionInsightsBlock::SessionInsightsBlock()
     bodyLayout()->addWidget(cards_.widget());
 }
 
-void SessionInsightsBlock::show(const std::vector<SessionInsight>& insights) {
+void SessionInsightsBlock::show(const std::vector<SessionInsight>& insights,
+                                const std::vector<RemoteHealth>& remoteHealth, Date now) {
     if (!isCollapsed()) {
-        cards_.show(sessionInsightCards(insights));
+        cards_.show(sessionInsightCards(insights, remoteHealth, now));
     }
 }
 

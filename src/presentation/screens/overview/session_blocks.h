@@ -30,8 +30,9 @@ class SessionInsightsBlock final : public OverviewBlock {
 public:
     SessionInsightsBlock();
 
-    /// Without insights, one card says that the session starts.
-    void show(const std::vector<SessionInsight>& insights);
+    /// The arguments are those of `sessionInsightCards`.
+    void show(const std::vector<SessionInsight>& insights,
+              const std::vector<RemoteHealth>& remoteHealth, Date now);
 
 private:
     SummaryCards cards_;
