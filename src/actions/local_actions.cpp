@@ -41,29 +41,20 @@ LocalActions::LocalActions(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
       observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
       jobs_(dependencies_.services.jobs) {
-    dependencies_.services.confirmations.registerKind(
-        std::string(local_requests::quitProcessKind),
-        {[this](const ConfirmationRequest& request, void* held) {
-             return quitProcess(request, static_cast<HeldProcess*>(held));
-         },
-         {}});
-    dependencies_.services.confirmations.registerKind(
-        std::string(local_requests::quitAppKind),
-        {[this](const ConfirmationRequest& request, void*) {
-             return request.hostName ? quitAppGroup(*request.hostName) : Outcome::ignored();
-         },
-         {}});
-    dependencies_.services.confirmations.registerKind(
-        std::string(local_requests::purgeKind),
-        {[this](const ConfirmationRequest&, void*) { return runPurge(); }, {}});
+    const auto quit = [this](const ConfirmationRequest& request, void* held) {
+        return quitProcess(request, static_cast<HeldProcess*>(held));
+    };
+    const auto quitGroup = [this](const ConfirmationRequest& request, void*) {
+        return request.hostName ? quitAppGroup(*request.hostName) : Outcome::ignored();
+    };
+    const auto purge = [this](const ConfirmationRequest&, void*) { return runPurge(); };
+    ConfirmationDesk& desk = dependencies_.services.confirmations;
+    handlers_ = {desk.registerKind(local_requests::quitProcessKind, {quit, {}}),
+                 desk.registerKind(local_requests::quitAppKind, {quitGroup, {}}),
+                 desk.registerKind(local_requests::purgeKind, {purge, {}})};
 }
 
-LocalActions::~LocalActions() {
-    for (const std::string_view kind : {local_requests::quitProcessKind,
-                                        local_requests::quitAppKind, local_requests::purgeKind}) {
-        dependencies_.services.confirmations.unregisterKind(kind);
-    }
-}
+LocalActions::~LocalActions() = default;
 
 Outcome LocalActions::requestQuitSelectedProcess() {
     const std::optional<std::int64_t> pid = dependencies_.review.selectedPID();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "actions/action_ports.h"
+#include "core/confirmation_desk.h"
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
 #include "core/outcome.h"
@@ -96,6 +97,7 @@ private:
     bool isPurging_ = false;
     std::map<std::string, std::vector<GroupMember>> membersOfAskedGroups_;
     JobScope jobs_;
+    std::vector<ConfirmationDesk::Registration> handlers_;
 };
 
 }  // namespace tallowcrest

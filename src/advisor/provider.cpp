@@ -42,23 +42,21 @@ Provider::Provider(Dependencies dependencies)
     state_.aiInsight =
         "Local recommendations are active. Connect paid AI for deeper explanations and follow-up "
         "questions.";
-    dependencies_.services.confirmations.registerKind(
-        std::string(confirmationKind),
-        {.confirm =
-             [this](const ConfirmationRequest& /*request*/, void* held) {
-                 // The settings can have changed while the question was open, that for the question
-                 // included.
-                 const auto* const agreed = static_cast<const Consent*>(held);
-                 const bool isAgreed = agreed != nullptr && *agreed == presentConsent();
-                 return isAgreed ? sendAIAnalysis() : askForConsent();
-             },
-         .cancel = {}});
+    handler_ = dependencies_.services.confirmations.registerKind(
+        confirmationKind, {.confirm =
+                               [this](const ConfirmationRequest& /*request*/, void* held) {
+                                   // The settings can have changed while the question was open,
+                                   // that for the question included.
+                                   const auto* const agreed = static_cast<const Consent*>(held);
+                                   const bool isAgreed =
+                                       agreed != nullptr && *agreed == presentConsent();
+                                   return isAgreed ? sendAIAnalysis() : askForConsent();
+                               },
+                           .cancel = {}});
     lookForKey();
 }
 
-Provider::~Provider() {
-    dependencies_.services.confirmations.unregisterKind(confirmationKind);
-}
+Provider::~Provider() = default;
 
 void Provider::lookForKey() {
     if (!dependencies_.key.hasStore()) {

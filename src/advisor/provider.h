@@ -11,6 +11,7 @@
 #include "advisor/advisor_output.h"
 #include "advisor/provider_exchange.h"
 #include "core/advisor_records.h"
+#include "core/confirmation_desk.h"
 #include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/outcome.h"
@@ -168,6 +169,7 @@ private:
     /// Whether the input was changed since the key was last being saved or removed.
     bool isInputNew_ = false;
     JobScope jobs_;
+    ConfirmationDesk::Registration handler_;
 };
 
 }  // namespace tallowcrest

@@ -14,14 +14,12 @@ ConfirmationDesk::ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue)
 
 ConfirmationDesk::~ConfirmationDesk() = default;
 
-void ConfirmationDesk::registerKind(std::string kind, Handler handler) {
-    handlers_.insert_or_assign(std::move(kind), std::move(handler));
-}
-
-void ConfirmationDesk::unregisterKind(std::string_view kind) {
-    if (const auto found = handlers_.find(kind); found != handlers_.end()) {
-        handlers_.erase(found);
-    }
+ConfirmationDesk::Registration ConfirmationDesk::registerKind(std::string_view kind,
+                                                              Handler handler) {
+    std::string name(kind);
+    handlers_.insert_or_assign(name, std::move(handler));
+    return {this,
+            [name = std::move(name)](ConfirmationDesk* desk) { desk->handlers_.erase(name); }};
 }
 
 void ConfirmationDesk::requestConfirmation(ConfirmationRequest request, ConfirmationTargets targets,

@@ -39,16 +39,18 @@ public:
         std::function<void(const ConfirmationRequest&)> cancel;  ///< may be absent
     };
 
+    /// Keeps a handler registered as long as it exists. The desk must outlive it.
+    using Registration = std::shared_ptr<void>;
+
     /// The references must outlive the object.
     ConfirmationDesk(ActivityLog& log, MainQueue& mainQueue);
     ~ConfirmationDesk();
     ConfirmationDesk(const ConfirmationDesk&) = delete;
     ConfirmationDesk& operator=(const ConfirmationDesk&) = delete;
 
-    /// Called once per kind, before its first request.
-    void registerKind(std::string kind, Handler handler);
-    /// Called when the owner of the handler ends. A request that is still pending then has none.
-    void unregisterKind(std::string_view kind);
+    /// Called once per kind, before its first request. A request that is still pending when the
+    /// registration ends has no handler.
+    [[nodiscard]] Registration registerKind(std::string_view kind, Handler handler);
 
     /// Absent when no request is pending.
     const std::optional<ConfirmationRequest>& pendingConfirmation() const { return pending_; }

@@ -45,15 +45,13 @@ DiskAutopilot::DiskAutopilot(Dependencies dependencies)
       scan_(dependencies_.services.jobs),
       move_(dependencies_.services.jobs),
       putBack_(dependencies_.services.jobs) {
-    dependencies_.services.confirmations.registerKind(
-        std::string(receipts::confirmationKind),
+    handler_ = dependencies_.services.confirmations.registerKind(
+        receipts::confirmationKind,
         {.confirm = [this](const ConfirmationRequest&, void*) { return confirmCleanup(); },
          .cancel = [this](const ConfirmationRequest&) { cancelCleanup(); }});
 }
 
-DiskAutopilot::~DiskAutopilot() {
-    dependencies_.services.confirmations.unregisterKind(receipts::confirmationKind);
-}
+DiskAutopilot::~DiskAutopilot() = default;
 
 void DiskAutopilot::recordUnfinished() {
     if (run_) {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/confirmation_desk.h"
 #include "core/outcome.h"
 #include "core/services.h"
 #include "disk/cache_cleanup.h"
@@ -157,6 +158,7 @@ private:
     StoppableRun scan_;
     StoppableRun move_;
     StoppableRun putBack_;
+    ConfirmationDesk::Registration handler_;
 };
 
 }  // namespace tallowcrest

@@ -39,15 +39,13 @@ PersonalFiles::PersonalFiles(Dependencies dependencies)
       jobs_(dependencies_.services.jobs),
       analysis_(dependencies_.services.jobs),
       backup_(dependencies_.services.jobs) {
-    dependencies_.services.confirmations.registerKind(
-        std::string(texts::confirmationKind),
+    handler_ = dependencies_.services.confirmations.registerKind(
+        texts::confirmationKind,
         {.confirm = [this](const ConfirmationRequest&, void*) { return trashPendingSuggestion(); },
          .cancel = {}});
 }
 
-PersonalFiles::~PersonalFiles() {
-    dependencies_.services.confirmations.unregisterKind(texts::confirmationKind);
-}
+PersonalFiles::~PersonalFiles() = default;
 
 void PersonalFiles::setStatus(std::string status) {
     state_.storageAnalyzerStatus = std::move(status);

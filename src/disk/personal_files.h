@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/confirmation_desk.h"
 #include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/outcome.h"
@@ -160,6 +161,7 @@ private:
     JobScope jobs_;
     StoppableRun analysis_;
     StoppableRun backup_;
+    ConfirmationDesk::Registration handler_;
 };
 
 }  // namespace tallowcrest

@@ -52,38 +52,29 @@ RemoteActions::RemoteActions(Dependencies dependencies)
     : dependencies_(std::move(dependencies)),
       observable_(std::make_unique<Observable>(dependencies_.services.jobs.mainQueue())),
       jobs_(dependencies_.services.jobs) {
-    dependencies_.services.confirmations.registerKind(
-        std::string(remote_requests::purgeKind),
-        {[this](const ConfirmationRequest& request, void* held) {
-             const Reviewed& reviewed = *static_cast<const Reviewed*>(held);
-             const RemoteHealth* machine = latest(request, reviewed);
-             return machine != nullptr ? performRemotePurge(*machine, reviewed)
-                                       : Outcome::ignored();
-         },
-         {}});
-    dependencies_.services.confirmations.registerKind(
-        std::string(remote_requests::quitProcessKind),
-        {[this](const ConfirmationRequest& request, void* held) {
-             const Reviewed& reviewed = *static_cast<const Reviewed*>(held);
-             const RemoteHealth* machine = latest(request, reviewed);
-             if (machine == nullptr) {
-                 return Outcome::ignored();
-             }
-             const auto process =
-                 std::ranges::find(machine->topProcesses, request.pid, &RemoteProcess::pid);
-             return process != machine->topProcesses.end()
-                        ? performRemoteQuit(*machine, *process, reviewed)
-                        : Outcome::ignored();
-         },
-         {}});
+    const auto purge = [this](const ConfirmationRequest& request, void* held) {
+        const Reviewed& reviewed = *static_cast<const Reviewed*>(held);
+        const RemoteHealth* machine = latest(request, reviewed);
+        return machine != nullptr ? performRemotePurge(*machine, reviewed) : Outcome::ignored();
+    };
+    const auto quit = [this](const ConfirmationRequest& request, void* held) {
+        const Reviewed& reviewed = *static_cast<const Reviewed*>(held);
+        const RemoteHealth* machine = latest(request, reviewed);
+        if (machine == nullptr) {
+            return Outcome::ignored();
+        }
+        const auto process =
+            std::ranges::find(machine->topProcesses, request.pid, &RemoteProcess::pid);
+        return process != machine->topProcesses.end()
+                   ? performRemoteQuit(*machine, *process, reviewed)
+                   : Outcome::ignored();
+    };
+    ConfirmationDesk& desk = dependencies_.services.confirmations;
+    handlers_ = {desk.registerKind(remote_requests::purgeKind, {purge, {}}),
+                 desk.registerKind(remote_requests::quitProcessKind, {quit, {}})};
 }
 
-RemoteActions::~RemoteActions() {
-    for (const std::string_view kind :
-         {remote_requests::purgeKind, remote_requests::quitProcessKind}) {
-        dependencies_.services.confirmations.unregisterKind(kind);
-    }
-}
+RemoteActions::~RemoteActions() = default;
 
 Outcome RemoteActions::requestRemotePurge(const RemoteHealth& machine) {
     if (!isReachable(machine)) {
@@ -133,7 +124,7 @@ Outcome RemoteActions::requestRemoteQuit(const RemoteHealth& machine,
             machine.id, Outcome::refused(fmt::format("Refused to quit protected remote process {}.",
                                                      process.displayName())));
     }
-    if (!validatedSSHHost(machine.address) || !CommandSafetyPolicy::validatedPID(process.pid)) {
+    if (!validatedSSHHost(machine.address) || !remote_commands::quit(process, machine.isLinux)) {
         return recordResult(machine.id, Outcome::refused("Blocked invalid remote command inputs."));
     }
     dependencies_.services.confirmations.requestConfirmation(

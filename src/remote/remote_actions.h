@@ -8,7 +8,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "core/confirmation_desk.h"
 #include "core/date.h"
 #include "core/jobs/jobs.h"
 #include "core/local_records.h"
@@ -147,6 +149,7 @@ private:
     std::unique_ptr<Observable> observable_;
     std::map<std::string, RemoteActionResult> results_;
     JobScope jobs_;
+    std::vector<ConfirmationDesk::Registration> handlers_;
 };
 
 }  // namespace tallowcrest

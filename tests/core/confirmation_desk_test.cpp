@@ -20,19 +20,19 @@ using ::testing::SizeIs;
 class ConfirmationDeskTest : public ::testing::Test, protected TestServices {
 protected:
     ConfirmationDeskTest() {
-        desk.registerKind("melt", {[this](const ConfirmationRequest& request, void*) {
-                                       EXPECT_FALSE(desk.pendingConfirmation());
-                                       confirmed.push_back(request.title);
-                                       return Outcome::done(request.title);
-                                   },
-                                   [this](const ConfirmationRequest& request) {
-                                       canceled.push_back(request.title);
-                                   }});
-        desk.registerKind("pour", {[this](const ConfirmationRequest& request, void*) {
-                                       confirmed.push_back(request.title);
-                                       return Outcome::done(request.title);
-                                   },
-                                   {}});
+        melt = desk.registerKind("melt", {[this](const ConfirmationRequest& request, void*) {
+                                              EXPECT_FALSE(desk.pendingConfirmation());
+                                              confirmed.push_back(request.title);
+                                              return Outcome::done(request.title);
+                                          },
+                                          [this](const ConfirmationRequest& request) {
+                                              canceled.push_back(request.title);
+                                          }});
+        pour = desk.registerKind("pour", {[this](const ConfirmationRequest& request, void*) {
+                                              confirmed.push_back(request.title);
+                                              return Outcome::done(request.title);
+                                          },
+                                          {}});
     }
 
     static ConfirmationRequest request(const std::string& kind, const std::string& title) {
@@ -41,6 +41,8 @@ protected:
 
     const ConfirmationTargets candle{.paths = {"/usr/bin/candle"}, .pids = {900}};
     ConfirmationDesk& desk = confirmations;
+    ConfirmationDesk::Registration melt;
+    ConfirmationDesk::Registration pour;
     std::vector<std::string> confirmed;
     std::vector<std::string> canceled;
 };
@@ -69,7 +71,7 @@ TEST_F(ConfirmationDeskTest, ARequestMadeByAHandlerIsPending) {
         desk.requestConfirmation(request("pour", "Pour it?"));
         return Outcome::asked();
     };
-    desk.registerKind("chain", {next, next});
+    const auto chain = desk.registerKind("chain", {next, next});
     for (const bool confirms : {true, false}) {
         desk.requestConfirmation(request("chain", "Begin?"));
         EXPECT_TRUE((confirms ? desk.confirmPending() : desk.cancelPending()).isAccepted());
@@ -103,8 +105,7 @@ TEST_F(ConfirmationDeskTest, RecordsAKindWithoutAHandler) {
 
 TEST_F(ConfirmationDeskTest, AKindWhoseOwnerHasEndedHasNoHandler) {
     desk.requestConfirmation(request("melt", "Melt it?"));
-    desk.unregisterKind("melt");
-    desk.unregisterKind("melt");
+    melt = {};
     EXPECT_EQ(desk.confirmPending(), Outcome::refused("No handler for confirmation: melt."));
     desk.requestConfirmation(request("melt", "Melt it?"));
     desk.cancelPending();

@@ -19,15 +19,14 @@ protected:
 
     /// A request whose answers are recorded in `confirmed` and `canceled`.
     ConfirmationRequest probe(const std::string& title = "Go on?") {
-        if (!isRegistered_) {
-            isRegistered_ = true;
-            desk().registerKind("probe", {[this](const ConfirmationRequest& asked, void*) {
-                                              confirmed.push_back(asked.title);
-                                              return Outcome::done();
-                                          },
-                                          [this](const ConfirmationRequest& asked) {
-                                              canceled.push_back(asked.title);
-                                          }});
+        if (!handler_) {
+            handler_ = desk().registerKind(
+                "probe",
+                {[this](const ConfirmationRequest& asked, void*) {
+                     confirmed.push_back(asked.title);
+                     return Outcome::done();
+                 },
+                 [this](const ConfirmationRequest& asked) { canceled.push_back(asked.title); }});
         }
         return {UUID::random(), title, "It changes something.", "Go On", "probe", {}, {}};
     }
@@ -65,7 +64,7 @@ protected:
     std::vector<std::string> canceled;
 
 private:
-    bool isRegistered_ = false;
+    ConfirmationDesk::Registration handler_;
     bool isSettled_ = false;  ///< whether the settling time has been set to zero
 };
 
