@@ -21,15 +21,15 @@ std::string_view linuxSampleScript() {
     // one, because it may contain anything.
     return R"script(LC_ALL=C
 export LC_ALL
-cores=$(getconf _NPROCESSORS_ONLN 2>/dev/null || echo 1)
-page=$(getconf PAGESIZE 2>/dev/null || echo 4096)
+cores=$(awk '/^cpu[0-9]/ {count++} END {print count + 0 ? count : 1}' /proc/stat 2>/dev/null)
+page=$(getconf PAGESIZE 2>/dev/null || awk '/^KernelPageSize:/ {print $2 * 1024; exit}' /proc/self/smaps 2>/dev/null)
 mem=$(awk '$1 == "MemTotal:" {all = $2} $1 == "MemAvailable:" {available = $2}
     END {if (all > 0 && available != "") printf "%.0f", 100 - 100 * available / all}' /proc/meminfo 2>/dev/null)
 os=$(cat /etc/os-release /usr/lib/os-release 2>/dev/null | sed -n 's/^PRETTY_NAME=//p' | head -n 1 | tr -d '"')
 printf "mem=%s\ncores=%s\nos=%s\n" "$mem" "$cores" "${os:-unknown}"
 own=$(sed -n 's/.*[)] //p' /proc/$$/stat 2>/dev/null | cut -d ' ' -f 4)
 counters() { cat /proc/stat /proc/[0-9]*/stat 2>/dev/null; }
-{ counters; sleep 1; echo again; counters; } | awk -v cores="$cores" -v page="$page" -v own="$own" '
+{ counters; sleep 1; echo again; counters; } | awk -v cores="$cores" -v page="${page:-4096}" -v own="$own" '
     # A name may contain a line break: the lines up to the next whole one are no rows.
     /^[0-9]+ [(]/ && NF < 20 {broken = 1}
     broken {if (NF >= 20) broken = 0; next}

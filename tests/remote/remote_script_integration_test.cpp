@@ -1,5 +1,7 @@
 // The sample scripts, run by the login shells that an account may have.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -69,6 +71,24 @@ TEST_P(LinuxSample, IsTheSameInEveryLoginShell) {
     EXPECT_THAT(sample.value("os").value_or("\""), Not(HasSubstr("\"")));
     EXPECT_THAT(sample.value("topcpu").value_or(""),
                 EndsWith("% " + sample.processes.front().command));
+}
+
+TEST(LinuxSampleWithoutGetconf, HasTheSameCoresAndMemory) {
+    if (!std::filesystem::exists("/proc/stat")) {
+        GTEST_SKIP() << "not on this machine";
+    }
+    const TemporaryFolder tools;
+    for (const char* tool : {"awk", "cat", "cut", "head", "sed", "sh", "sleep", "sort", "tr"}) {
+        std::filesystem::create_symlink(std::filesystem::path("/usr/bin") / tool, tools.path(tool));
+    }
+    std::string script(linuxSampleScript());
+    script.insert(script.find("printf \"mem="), "echo \"page=$page\"\n");
+    const ProgramResult result = run("/bin/sh", script, {"PATH=" + tools.path().string()});
+    EXPECT_EQ(result.standardError, "");
+    const RemoteSample sample = parseRemoteSample(result.standardOutput);
+    ASSERT_NO_FATAL_FAILURE(expectWhole(sample));
+    EXPECT_EQ(sample.value("cores"), std::to_string(::sysconf(_SC_NPROCESSORS_ONLN)));
+    EXPECT_EQ(sample.value("page"), std::to_string(::sysconf(_SC_PAGESIZE)));
 }
 
 TEST_P(LinuxSample, TheDiagnosticCommandEndsWellInEveryLoginShell) {
