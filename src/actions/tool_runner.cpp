@@ -27,7 +27,12 @@ std::string ToolRunner::runToolForBytes(const std::string& path,
 
 std::string ToolRunner::runSSH(const std::vector<std::string>& arguments,
                                std::chrono::milliseconds timeout, std::stop_token stop) {
-    const ToolRequest request{"/usr/bin/ssh", arguments, timeout, true, std::move(stop)};
+    const ToolRequest request{.path = "/usr/bin/ssh",
+                              .arguments = arguments,
+                              .timeout = timeout,
+                              .mergeStandardError = true,
+                              .stop = std::move(stop),
+                              .isKilledAfterDeadline = true};
     return isAllowed(request.path) ? launchForText(launcher_, request) : std::string();
 }
 

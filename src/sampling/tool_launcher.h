@@ -19,6 +19,8 @@ struct ToolRequest {
     /// Once it is requested, the tool is not launched, or asked to terminate; one that has not
     /// ended shortly after is abandoned, and runs on. Never requested by default.
     std::stop_token stop = {};
+    /// Whether a tool that has not ended shortly after its deadline is killed, and then abandoned.
+    bool isKilledAfterDeadline = false;
 };
 
 /// The result of a launch. Not an `Outcome`: the callers need the output or the exit status, and
@@ -39,9 +41,9 @@ struct ToolResult {
 /// thread, several at once; blocks the caller.
 ///
 /// At the deadline the tool is asked to terminate, and the call then waits for its exit without a
-/// further deadline: a tool that ignores the request blocks the caller. No descriptor and no zombie
-/// is left behind. The caller checks beforehand whether the path is allowed, because each caller
-/// handles a refusal differently.
+/// further deadline: a tool that ignores the request blocks the caller, unless it may be killed. No
+/// descriptor and no zombie is left behind. The caller checks beforehand whether the path is
+/// allowed, because each caller handles a refusal differently.
 ///
 /// A request without a timeout is for tools whose exit status decides what the owner is told:
 /// either `launched` is false with `launchError`, or `terminationStatus` counts.

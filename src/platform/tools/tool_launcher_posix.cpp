@@ -29,7 +29,7 @@ using TimePoint = MonotonicClock::time_point;
 /// The polling interval where no descriptor signals the exit or the stop.
 constexpr std::chrono::milliseconds pollInterval{20};
 
-/// How long a tool may take to terminate after a stop.
+/// How long a tool may take to terminate after a stop, or after a deadline at which it is killed.
 constexpr std::chrono::milliseconds stopGrace{500};
 
 /// Keeps deadline arithmetic from overflowing.
@@ -67,7 +67,7 @@ public:
 
     bool isOver() const { return over_; }
 
-    /// Whether `stop` has not been called yet.
+    /// Whether the tool may still take its time, so that `stop` has something to do.
     bool awaitsStop() const { return !abandonAt_; }
 
     /// Asks the tool to terminate, unless its deadline has done so already, and limits how long
@@ -100,12 +100,16 @@ public:
             result_.deadlinePassed = true;
             if (!abandonAt_) {
                 child_.terminate();
+                if (request_.isKilledAfterDeadline) {
+                    abandonAt_ = now + stopGrace;
+                }
             }
         }
         if (!abandonDue) {
             return;
         }
-        if (request_.stop.stop_requested() && !std::exchange(isKilled_, true)) {
+        if ((request_.stop.stop_requested() || request_.isKilledAfterDeadline) &&
+            !std::exchange(isKilled_, true)) {
             // The program goes on: a child that is left to itself would stay, and then its zombie.
             child_.kill();
             abandonAt_ = now + stopGrace;
@@ -185,7 +189,7 @@ private:
     CapturedStream output_;
     CapturedStream error_;
     std::optional<TimePoint> deadline_;   ///< absent once it has passed
-    std::optional<TimePoint> abandonAt_;  ///< absent until `stop`
+    std::optional<TimePoint> abandonAt_;  ///< absent as long as it may take its time
     bool isKilled_ = false;
     bool over_ = false;
 };

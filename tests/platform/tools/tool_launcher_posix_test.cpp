@@ -165,6 +165,21 @@ TEST_F(PosixToolLauncherTest, WaitsForAToolThatIgnoresOrHandlesTheSignal) {
     }
 }
 
+TEST_F(PosixToolLauncherTest, KillsAToolThatIgnoresTheSignalWhereItMay) {
+    ToolRequest request =
+        shellTool("trap '' TERM; echo $$; while :; do sleep 0.05; done; echo after", 500ms);
+    request.isKilledAfterDeadline = true;
+    const ToolResult result = launcher.launch(request);
+    EXPECT_TRUE(result.deadlinePassed);
+    EXPECT_EQ(result.terminationStatus, std::nullopt);
+    EXPECT_FALSE(isRunning(static_cast<pid_t>(std::stol(result.output))));
+    EXPECT_THAT(result.output, testing::EndsWith("\n"));
+
+    request = shellTool("trap 'echo ending; exit 3' TERM; while :; do sleep 0.05; done", 500ms);
+    request.isKilledAfterDeadline = true;
+    EXPECT_EQ(launcher.launch(request).output, "ending\n") << "it ends in time by itself";
+}
+
 TEST_F(PosixToolLauncherTest, TheSignalReachesTheChildrenOfTheTool) {
     const ToolResult result = launcher.launch(shellTool("sleep 600 & echo $!; wait", 1s));
     EXPECT_TRUE(result.deadlinePassed);
