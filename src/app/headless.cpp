@@ -135,6 +135,12 @@ private:
             isScanning_ = outcome.isAccepted();
             if (!isScanning_) {
                 complain(outcome.message);
+                if (const std::size_t leftOut = scan.linuxMachinesLeftOut(); leftOut > 0) {
+                    complain(
+                        fmt::format("Linux machines are not scanned, of which {} {} online: "
+                                    "\"Include Linux machines\" is off.",
+                                    leftOut, leftOut == 1 ? "is" : "are"));
+                }
                 for (const auto& issue : monitor.remote().tailnet.state().tailscaleHealthIssues) {
                     complain(printableText(issue).text);
                 }

@@ -100,6 +100,15 @@ bool RemoteScan::hasMachinesToScan() const {
                                [this](const TailDevice& each) { return isScanned(each); });
 }
 
+std::size_t RemoteScan::linuxMachinesLeftOut() const {
+    if (hasMachinesToScan()) {
+        return 0;
+    }
+    return static_cast<std::size_t>(std::ranges::count_if(
+        tailnet_.state().tailDevices,
+        [this](const TailDevice& each) { return isRemoteLinux(each, services_.locale); }));
+}
+
 Outcome RemoteScan::scanRemoteMacs() {
     std::vector<TailDevice> devices;
     std::ranges::copy_if(tailnet_.state().tailDevices, std::back_inserter(devices),

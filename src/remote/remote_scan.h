@@ -67,6 +67,10 @@ public:
     /// a Linux machine.
     bool hasMachinesToScan() const;
 
+    /// How many Linux machines are online when the settings leave them out and there is nothing
+    /// else to scan; else 0.
+    std::size_t linuxMachinesLeftOut() const;
+
     /// Begins a scan and returns at once: asked, or refused when there is nothing to scan. A scan
     /// already under way goes on; the one that ends last leaves its results.
     Outcome scanRemoteMacs();

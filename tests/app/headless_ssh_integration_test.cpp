@@ -108,7 +108,9 @@ TEST_F(HeadlessScan, ScansLinuxMachinesWhereTheSettingSaysSo) {
     machines.start();
     const json peers{{"nodekey:1", peer("attic", "100.64.7.1", "linux")}};
     EXPECT_EQ(scan(peers, {"--json"}).standardError,
-              "tallowcrest: No online Tailscale Macs are available to scan.\n");
+              "tallowcrest: No online Tailscale Macs are available to scan.\n"
+              "tallowcrest: Linux machines are not scanned, of which 1 is online: \"Include Linux "
+              "machines\" is off.\n");
     storeSetting(data, settings_keys::includeLinuxMachinesKey, true);
     const std::vector<std::string> lines = printed(peers, {"--json"});
     ASSERT_THAT(lines, SizeIs(1));

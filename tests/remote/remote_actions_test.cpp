@@ -225,6 +225,8 @@ TEST_F(RemoteQuit, IsRefusedWhereItMayNotBeAsked) {
         {machine(), process(411, "/opt/Maya"), "Refused to quit protected remote process Maya."},
         {machineWith([](auto& m) { m.isLinux = true; }), process(812, "sshd"),
          "Refused to quit protected remote process sshd."},
+        {machineWith([](auto& m) { m.isLinux = true; }), process(813, ""),
+         "Blocked invalid remote command inputs."},
         {machine(), process(1, "/opt/init"), "Blocked invalid remote command inputs."},
         {machine(), process(-9, "/opt/x"), "Blocked invalid remote command inputs."},
         {machine(), process(2147483648, "/opt/x"), "Blocked invalid remote command inputs."},

@@ -186,8 +186,10 @@ TEST_F(RemoteScanTest, ReadsTheSettingsForEachMachine) {
 TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
     machines.setDevices({onlineMachine("server", "100.1.1.1", "linux")});
     EXPECT_FALSE(scan.hasMachinesToScan());
+    EXPECT_EQ(scan.linuxMachinesLeftOut(), 1U);
     settings.set(&Settings::includeLinuxMachines, true);
     EXPECT_TRUE(scan.hasMachinesToScan());
+    EXPECT_EQ(scan.linuxMachinesLeftOut(), 0U);
     TailDevice offline = onlineMachine("cellar", "100.2.2.2", "linux");
     offline.online = false;
     machines.setDevices({onlineMachine("server", "100.1.1.1", "Linux"),
@@ -203,6 +205,10 @@ TEST_F(RemoteScanTest, LinuxMachinesAreScannedOnlyWhenTheSettingsIncludeThem) {
     EXPECT_FALSE(scan.state().remoteHealth.at(1).isLinux);
     EXPECT_EQ(scan.state().remoteHealth.at(0).appImpacts.at(0).protectedCount, 1);
     EXPECT_EQ(scan.state().remoteHealth.at(1).appImpacts.at(0).protectedCount, 0);
+    settings.set(&Settings::includeLinuxMachines, false);
+    EXPECT_EQ(scan.linuxMachinesLeftOut(), 0U) << "there is a Mac to scan";
+    machines.setDevices({onlineMachine("phone", "100.4.4.4", "android"), offline});
+    EXPECT_EQ(scan.linuxMachinesLeftOut(), 0U);
 }
 
 TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {

@@ -252,6 +252,17 @@ PeerLine peerLine(const TailDevice& peer) {
     return line;
 }
 
+QString linuxMachinesLeftOut(std::size_t leftOut) {
+    if (leftOut == 0) {
+        return {};
+    }
+    return (leftOut == 1 ? u"%1 Linux machine is online. Turn on Include Linux machines in the "
+                           "automation settings to scan it."_s
+                         : u"%1 Linux machines are online. Turn on Include Linux machines in the "
+                           "automation settings to scan them."_s)
+        .arg(dashboard_text::count(static_cast<std::int64_t>(leftOut)));
+}
+
 QStringList healthIssues(const std::vector<std::string>& issues) {
     constexpr std::size_t mostIssues = 100;
     constexpr qsizetype longestIssue = 2000;

@@ -95,6 +95,9 @@ struct PeerLine {
 /// Texts of any length come as at most a few hundred characters.
 PeerLine peerLine(const TailDevice& peer);
 
+/// What to do when Linux machines are online and none is scanned; empty when `leftOut` is 0.
+QString linuxMachinesLeftOut(std::size_t leftOut);
+
 /// The problems of the tailnet's client, one line each. Beyond a hundred, the last line counts the
 /// others.
 QStringList healthIssues(const std::vector<std::string>& issues);

@@ -107,7 +107,10 @@ void RemoteMacsPage::connectParts() {
             [&remote] { remote.tailnet.copyTailscaleHealthCommand(); });
     connect(setup_, &SetupChecklistCard::setupScriptWanted, this,
             [&remote] { remote.actions.exportRemoteSetupScript(); });
-    connect(setup_, &SetupChecklistCard::settingsWanted, this, &RemoteMacsPage::openRemoteSettings);
+    connect(tailscale_, &TailscaleBlock::automationSettingsWanted, this,
+            [this] { openSettings(SettingsTabKind::automation); });
+    connect(setup_, &SetupChecklistCard::settingsWanted, this,
+            [this] { openSettings(SettingsTabKind::remote); });
 }
 
 void RemoteMacsPage::connectMachines() {
@@ -213,8 +216,10 @@ void RemoteMacsPage::refresh() {
     refreshTimeline();
     detail_->show(remote_macs_lines::detail(remote_macs_lines::selectedMachine(facts_)));
     tailscale_->setCollapsed(state_.sections.isCollapsed(tailscale_->section()));
-    tailscale_->show(tailnet.tailDevices,
-                     {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling});
+    tailscale_->show(
+        tailnet.tailDevices,
+        {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling},
+        remote_macs_lines::linuxMachinesLeftOut(monitor_.remote().scan.linuxMachinesLeftOut()));
     localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
     localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
     machines_->show(facts_);
@@ -283,8 +288,8 @@ void RemoteMacsPage::scan() {
     }
 }
 
-void RemoteMacsPage::openRemoteSettings() {
-    state_.navigation.setSettingsTab(SettingsTabKind::remote);
+void RemoteMacsPage::openSettings(SettingsTabKind tab) {
+    state_.navigation.setSettingsTab(tab);
     state_.navigation.setShowSettings(true);
 }
 

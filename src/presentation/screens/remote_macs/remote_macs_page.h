@@ -9,6 +9,7 @@
 #include "presentation/screens/remote_macs/remote_health_lines.h"
 #include "presentation/screens/shared/screen.h"
 #include "presentation/screens/shared/summary_cards.h"
+#include "presentation/state/window_state.h"
 
 namespace tallowcrest {
 
@@ -56,7 +57,7 @@ private:
     RemoteProfile scannedProfile() const;
     /// Starts a scan, or shows how far the running one is.
     void scan();
-    void openRemoteSettings();
+    void openSettings(SettingsTabKind tab);
     /// Scrolls a part of the page to the top of the view.
     void scrollTo(QWidget& part);
     /// The same, and moves the keyboard focus to a control of that part.

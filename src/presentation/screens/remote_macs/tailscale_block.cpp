@@ -28,6 +28,7 @@ TailscaleBlock::TailscaleBlock()
                     u"antenna.radiowaves.left.and.right"_s,
                     dashboard_text::text(title(DashboardSection::tailscale))) {
     bodyLayout()->addWidget(makeActions());
+    bodyLayout()->addWidget(makeLeftOut());
     empty_ = new ElidedLabel(u"No Tailscale peers were reported by the local CLI."_s,
                              onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
     empty_->setObjectName(u"remote.tailscale.empty"_s);
@@ -68,12 +69,33 @@ QWidget* TailscaleBlock::makeActions() {
     return actions;
 }
 
-void TailscaleBlock::show(const std::vector<TailDevice>& peers, const ScanTexts& scan) {
+QWidget* TailscaleBlock::makeLeftOut() {
+    leftOutRow_ = new QWidget(body());
+    auto* row = new QHBoxLayout(leftOutRow_);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing::unit);
+    leftOut_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::text), leftOutRow_);
+    leftOut_->setObjectName(u"remote.tailscale.left-out"_s);
+    leftOut_->setLines(1, 3);
+    row->addWidget(leftOut_, 1);
+    auto* settings = makeButton(
+        {"Automation Settings", "gearshape", "Opens the settings of what is scanned by itself"},
+        u"remote.tailscale.automation-settings"_s, leftOutRow_);
+    connect(settings, &QPushButton::clicked, this, &TailscaleBlock::automationSettingsWanted);
+    row->addWidget(settings);
+    leftOutRow_->hide();
+    return leftOutRow_;
+}
+
+void TailscaleBlock::show(const std::vector<TailDevice>& peers, const ScanTexts& scan,
+                          const QString& leftOut) {
     header()->setNote(isCollapsed() ? peerCount(peers.size()) : QString());
     if (isCollapsed()) {
         return;
     }
     showScan(scan);
+    leftOut_->setText(leftOut);
+    leftOutRow_->setVisible(!leftOut.isEmpty());
     peers_->setPeers(peers);
     peers_->setVisible(!peers.empty());
     empty_->setVisible(peers.empty());

@@ -19,7 +19,8 @@ class TailscaleBlock final : public OverviewBlock {
 public:
     TailscaleBlock();
 
-    void show(const std::vector<TailDevice>& peers, const ScanTexts& scan);
+    /// `leftOut` says what to do to scan machines that are left out; hidden when empty.
+    void show(const std::vector<TailDevice>& peers, const ScanTexts& scan, const QString& leftOut);
 
 signals:
     /// The owner asked for a scan, which the button offers only while none runs.
@@ -27,14 +28,18 @@ signals:
     /// The owner asked to end the running scan.
     void cancelWanted();
     void tailscaleWanted();
+    void automationSettingsWanted();
 
 private:
     QWidget* makeActions();
+    QWidget* makeLeftOut();
     void showScan(const ScanTexts& scan);
 
     QPushButton* scan_ = nullptr;
     QPushButton* cancel_ = nullptr;  ///< hidden while no scan runs
     ElidedLabel* progress_ = nullptr;
+    QWidget* leftOutRow_ = nullptr;
+    ElidedLabel* leftOut_ = nullptr;
     ElidedLabel* empty_ = nullptr;
     PeerList* peers_ = nullptr;
     bool isScanning_ = false;  ///< as it is shown

@@ -9,6 +9,7 @@
 #include <QScrollBar>
 
 #include "core/settings/settings.h"
+#include "core/settings/settings_owner.h"
 #include "tests/presentation/screens/remote_macs/remote_macs_fixture.h"
 #include "tests/presentation/shown_texts.h"
 
@@ -62,6 +63,24 @@ TEST_F(RemoteMacsPageTest, WithoutPeersItSaysSo) {
     settle();
     EXPECT_EQ(visible("remote.tailscale.empty"), nullptr);
     EXPECT_NE(visible("remote.tailscale.peers"), nullptr);
+}
+
+TEST_F(RemoteMacsPageTest, WithLinuxMachinesAloneItLeadsToTheSettingThatIncludesThem) {
+    showPage(1);
+    EXPECT_EQ(visible("remote.tailscale.left-out"), nullptr);
+    std::vector<TailDevice> peers = fleetPeers(2);
+    peers[0].os = peers[1].os = "linux";
+    machine.setTailDevices(peers);
+    settle();
+    EXPECT_EQ(textOf("remote.tailscale.left-out"),
+              u"2 Linux machines are online. Turn on Include Linux machines in the automation "
+              "settings to scan them."_s);
+    click("remote.tailscale.automation-settings");
+    EXPECT_EQ(window().state().navigation.settingsTab(), SettingsTabKind::automation);
+    EXPECT_TRUE(window().state().navigation.showSettings());
+    machine.monitor().settingsOwner().set(&Settings::includeLinuxMachines, true);
+    settle();
+    EXPECT_EQ(visible("remote.tailscale.left-out"), nullptr);
 }
 
 TEST_F(RemoteMacsPageTest, AScanFillsSummaryDetailAndBlocks) {
