@@ -1,6 +1,5 @@
 #include "integration/pro_updater.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "core/clock.h"
@@ -9,6 +8,7 @@
 #include "core/settings/settings_owner.h"
 
 namespace tallowcrest {
+
 ProUpdater::ProUpdater(const Services& services, UpdatePorts ports)
     : settings_(services.settings),
       clock_(services.clock),

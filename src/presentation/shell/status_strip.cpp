@@ -127,11 +127,7 @@ void StatusStrip::showSession() {
     const bool fits =
         isOneLine() || figuresWidth(CrestFonts::current().caption, whole) < roomForTexts();
     session_->setText(fits ? whole : shortSessionNote(seconds));
-    const QString unshown = fits ? QString() : whole;
-    setSpokenDescription(*session_, unshown);
-    if (session_->toolTip() != unshown) {
-        session_->setToolTip(unshown);
-    }
+    setExplanation(*session_, fits ? QString() : whole);
 }
 
 std::array<QWidget*, 5> StatusStrip::marks() const {
@@ -171,12 +167,8 @@ void StatusStrip::showAutomation() {
     }
     showButton(isEngaged);
     // The keys of the emergency stop are given wherever the automations are shown.
-    const QString words =
-        automationsSummary(automationFacts(monitor_)) + u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s;
-    if (automation_->toolTip() != words) {
-        automation_->setToolTip(words);
-        setSpokenDescription(*automation_, words);
-    }
+    setExplanation(*automation_, automationsSummary(automationFacts(monitor_)) +
+                                     u"\nEmergency Stop: Ctrl+. or Shift+Esc"_s);
 }
 
 void StatusStrip::showButton(bool isEngaged) {

@@ -138,6 +138,13 @@ void setSpokenDescription(QWidget& widget, const QString& description) {
     }
 }
 
+void setExplanation(QWidget& widget, const QString& words) {
+    if (words != widget.toolTip()) {
+        widget.setToolTip(words);
+    }
+    setSpokenDescription(widget, words);
+}
+
 QString spokenText(const QString& text) {
     return QString(text).replace(u" · "_s, u", "_s);
 }

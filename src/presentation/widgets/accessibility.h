@@ -14,6 +14,9 @@ namespace tallowcrest {
 void setSpokenName(QWidget& widget, const QString& name);
 void setSpokenDescription(QWidget& widget, const QString& description);
 
+/// Sets the tool tip and the accessible description of a widget to the same words, in the same way.
+void setExplanation(QWidget& widget, const QString& words);
+
 /// `text` with commas in place of the dots between its parts, which would be read out.
 QString spokenText(const QString& text);
 

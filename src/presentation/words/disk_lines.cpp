@@ -8,6 +8,7 @@
 
 #include "advisor/trust_score.h"
 #include "core/activity_kinds.h"
+#include "core/number_text.h"
 #include "disk/disk_autopilot.h"
 #include "disk/file_walks.h"
 #include "disk/storage_scan.h"
@@ -23,7 +24,7 @@ constexpr qsizetype mostPathUnits = 240;
 
 /// "1 file", "3 files"
 QString counted(std::int64_t count, const QString& unit) {
-    return dashboard_text::count(count) + u' ' + unit + (count == 1 ? u""_s : u"s"_s);
+    return dashboard_text::count(count) + u' ' + unit + dashboard_text::text(pluralEnding(count));
 }
 
 QString countOf(std::size_t done, std::size_t all, const QString& unit) {
@@ -150,9 +151,8 @@ UndoLine undoLine(const DiskAutopilotState& state) {
 }
 
 QString planSummary(const DiskCleanupPlan& plan) {
-    const auto count = static_cast<std::int64_t>(plan.urls.size());
-    return u"%1 %2 · %3"_s.arg(dashboard_text::count(count), count == 1 ? u"File"_s : u"Files"_s,
-                               sizeText(plan.bytes));
+    return counted(static_cast<std::int64_t>(plan.urls.size()), u"File"_s) + u" · "_s +
+           sizeText(plan.bytes);
 }
 
 QString planFiles(const DiskCleanupPlan& plan) {

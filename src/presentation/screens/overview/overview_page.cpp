@@ -1,7 +1,5 @@
 #include "presentation/screens/overview/overview_page.h"
 
-#include <utility>
-
 #include <QVBoxLayout>
 
 #include "actions/actions.h"

@@ -89,8 +89,7 @@ void RemoteRow::show(const remote_health_lines::Row& row) {
         showNeverQuit();
     }
     setSpokenName(*actionButton_, row.actionName);
-    setSpokenDescription(*actionButton_, row.actionDescription);
-    actionButton_->setToolTip(row.actionDescription);
+    setExplanation(*actionButton_, row.actionDescription);
 }
 
 void RemoteRow::showNeverQuit() {

@@ -92,10 +92,7 @@ void RemoteToolRow::showTool(Tool& tool, const RemoteHealth& machine, bool isFor
     }
     tool.button->setVisible(isForemost);
     setButtonEnabled(*tool.button, isEnabled && !tool.settling->isSettling());
-    if (description != tool.button->toolTip()) {
-        tool.button->setToolTip(description);
-        setSpokenDescription(*tool.button, description);
-    }
+    setExplanation(*tool.button, description);
 }
 
 std::vector<QWidget*> RemoteToolRow::controls() const {

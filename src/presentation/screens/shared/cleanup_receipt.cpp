@@ -54,10 +54,6 @@ CleanupReceipt::CleanupReceipt(const QString& identifier, QWidget* parent) : QWi
 }
 
 void CleanupReceipt::show(const ActivityEvent* receipt, const DiskAutopilotState& state, Date now) {
-    if (receipt == nullptr && !state.undo && state.undoableFiles == 0) {
-        hide();
-        return;
-    }
     const UndoLine undo = undoLine(state);
     if (receipt != nullptr) {
         title_->setText(dashboard_text::text(receipt->title));
@@ -70,11 +66,7 @@ void CleanupReceipt::show(const ActivityEvent* receipt, const DiskAutopilotState
     progress_->show(state.undo ? putBackLine(*state.undo) : QString(), state.isStopping);
     words_->setText(undo.words);
     setButtonEnabled(*undo_, undo.isPossible);
-    // The same tool tip again would still be an event.
-    if (undo_->toolTip() != undo.words) {
-        undo_->setToolTip(undo.words);
-    }
-    setSpokenDescription(*undo_, undo.words);
+    setExplanation(*undo_, undo.words);
     setVisible(receipt != nullptr || undo.isPossible || state.undo);
 }
 

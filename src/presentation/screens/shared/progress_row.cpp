@@ -68,11 +68,7 @@ void ProgressRow::show(const QString& text, bool isStopping) {
 }
 
 void ProgressRow::setStopMeaning(const QString& meaning) {
-    // The same tool tip again would still be an event.
-    if (stop_->toolTip() != meaning) {
-        stop_->setToolTip(meaning);
-    }
-    setSpokenDescription(*stop_, meaning);
+    setExplanation(*stop_, meaning);
 }
 
 void ProgressRow::showLatest() {
