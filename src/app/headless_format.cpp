@@ -153,8 +153,11 @@ std::string sampleJSON(const SystemSnapshot& snapshot,
 }
 
 std::string remoteBlock(const RemoteHealth& machine) {
-    std::string block = fmt::format("{}  {}  {}", printableText(machine.hostName).text,
-                                    printableText(machine.address).text, title(machine.status));
+    std::string block = printableText(machine.hostName).text;
+    if (!block.empty()) {
+        block += "  ";
+    }
+    block += fmt::format("{}  {}", printableText(machine.address).text, title(machine.status));
     if (machine.cpuPercent) {
         block += fmt::format("  CPU {:.0f}%", *machine.cpuPercent);
     }

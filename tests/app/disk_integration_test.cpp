@@ -28,6 +28,7 @@
 #include "platform/base/run_loop.h"
 #include "platform/trash/system_trash.h"
 #include "tests/app/own_disk_places.h"
+#include "tests/app/serve_until.h"
 #include "tests/support/file_text.h"
 
 namespace tallowcrest {
@@ -57,21 +58,9 @@ protected:
                     }};
     }
 
-    /// Serves the main queue until it is so.
-    void serveUntil(const std::function<bool()>& isSo) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        const auto timer = loop.scheduleRepeating(std::chrono::milliseconds(5), [&] {
-            if (isSo() || std::chrono::steady_clock::now() > limit) {
-                loop.stop(0);
-            }
-        });
-        loop.run();
-        EXPECT_TRUE(isSo());
-    }
-
     void confirm() {
         ConfirmationDesk& desk = monitor().services().confirmations;
-        serveUntil([&] { return desk.pendingConfirmation().has_value(); });
+        serveUntil(loop, [&] { return desk.pendingConfirmation().has_value(); });
         desk.confirmPending();
     }
 
@@ -118,8 +107,8 @@ TEST_F(DiskIntegrationTest, OldCachesAreReviewedMovedToTheTrashAndPutBack) {
     autopilot().reviewDiskCleanup();
     confirm();
     EXPECT_TRUE(fs::exists(old)) << "nothing moves before the answer";
-    serveUntil([&] { return autopilot().state().undoableFiles == 1; });
-    serveUntil([&] { return !autopilot().state().cleanup; });
+    serveUntil(loop, [&] { return autopilot().state().undoableFiles == 1; });
+    serveUntil(loop, [&] { return !autopilot().state().cleanup; });
     EXPECT_FALSE(fs::exists(old));
     EXPECT_EQ(fileText(places.trash() / "files/old"), "old pixels");
     EXPECT_THAT(fileText(places.trash() / "info/old.trashinfo"), HasSubstr("/a%20b/old\n"));
@@ -129,7 +118,7 @@ TEST_F(DiskIntegrationTest, OldCachesAreReviewedMovedToTheTrashAndPutBack) {
     EXPECT_TRUE(fs::exists(personal));
     EXPECT_TRUE(fs::is_symlink(places.caches() / "link"));
     EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
-    serveUntil([&] { return !autopilot().state().undo; });
+    serveUntil(loop, [&] { return !autopilot().state().undo; });
     EXPECT_EQ(fileText(old), "old pixels");
     EXPECT_TRUE(fs::is_empty(places.trash() / "files"));
     EXPECT_TRUE(fs::is_empty(places.trash() / "info"));
@@ -160,20 +149,20 @@ TEST_F(DiskIntegrationTest, ALargeFileIsFoundCopiedAndMovedToTheTrash) {
     fs::resize_file(film, 110 << 20);
     fs::create_symlink(film, places.downloads() / "link.mov");
     files().analyzePersonalFiles();
-    serveUntil([&] { return !files().state().storageAnalyzerBusy; });
+    serveUntil(loop, [&] { return !files().state().storageAnalyzerBusy; });
     ASSERT_EQ(files().state().storageOptimizationSuggestions.size(), 1U);
     const auto found = files().state().storageOptimizationSuggestions.front();
     EXPECT_EQ(found.path, film);
     EXPECT_EQ(found.bytes, 110 << 20);
     EXPECT_EQ(files().backUpSuggestion(found), Outcome::asked());
     const fs::path copy = places.backups() / "film.mov";
-    serveUntil([&] { return !revealed.empty(); });
+    serveUntil(loop, [&] { return !revealed.empty(); });
     EXPECT_EQ(files().state().storageAnalyzerStatus, "Backup complete: film.mov");
     EXPECT_THAT(revealed, ElementsAre(copy));
     EXPECT_TRUE(fileText(copy) == fileText(film));
     files().requestTrashSuggestion(found);
     confirm();
-    serveUntil([&] { return files().state().storageOptimizationSuggestions.empty(); });
+    serveUntil(loop, [&] { return files().state().storageOptimizationSuggestions.empty(); });
     EXPECT_FALSE(fs::exists(film));
     EXPECT_TRUE(fs::exists(places.trash() / "files/film.mov"));
     EXPECT_TRUE(composition.shutDown());
@@ -183,7 +172,7 @@ TEST_F(DiskIntegrationTest, ACopyIntoTheFilesOwnFolderGetsTheTimeAndLeavesTheFil
     const fs::path film = write(places.backups() / "film.mov", "scenes");
     const std::time_t before = std::time(nullptr);
     files().backUpSuggestion(suggestionOf(film));
-    serveUntil([&] { return !revealed.empty(); });
+    serveUntil(loop, [&] { return !revealed.empty(); });
     const std::string copy = revealed.front();
     const std::string prefix = (places.backups() / "film-").string();
     ASSERT_TRUE(copy.starts_with(prefix) && copy.ends_with(".mov")) << copy;

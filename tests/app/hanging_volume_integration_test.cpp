@@ -28,6 +28,7 @@
 #include "platform/base/unique_fd.h"
 #include "platform/trash/system_trash.h"
 #include "tests/app/own_disk_places.h"
+#include "tests/app/serve_until.h"
 #include "tests/platform/trash/own_mounts.h"
 #include "tests/support/file_text.h"
 
@@ -102,18 +103,6 @@ private:
 
 /// The composed program with such a folder among its caches and its personal files.
 struct HangingMachine {
-    /// Serves the main queue, which goes on although other threads wait, until it is so.
-    void serve(const std::function<bool()>& isSo) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        const auto timer = loop.scheduleRepeating(std::chrono::milliseconds(5), [&] {
-            if (isSo() || std::chrono::steady_clock::now() > limit) {
-                loop.stop(0);
-            }
-        });
-        loop.run();
-        EXPECT_TRUE(isSo());
-    }
-
     const std::string& lastReceipt() {
         return composition.monitor().log().activityLog().front().detail;
     }
@@ -149,10 +138,11 @@ TEST(HangingVolume, AReviewOfCachesTellsWhereItHangsAndCanBeStopped) {
         DiskAutopilot& autopilot = machine.disk.autopilot;
         autopilot.reviewDiskCleanup();
         const std::string hanging = machine.places.caches() / "server";
-        machine.serve(
-            [&] { return autopilot.state().scan && autopilot.state().scan->folder == hanging; });
+        serveUntil(machine.loop, [&] {
+            return autopilot.state().scan && autopilot.state().scan->folder == hanging;
+        });
         EXPECT_EQ(autopilot.stop(), Outcome::asked());
-        machine.serve([&] { return !autopilot.state().scan; });
+        serveUntil(machine.loop, [&] { return !autopilot.state().scan; });
         EXPECT_EQ(machine.status(), "Review stopped. No files were changed.");
         EXPECT_EQ(autopilot.reviewDiskCleanup(), Outcome::asked()) << "another may begin";
     });
@@ -168,11 +158,11 @@ TEST(HangingVolume, TheProgramEndsAlthoughACleanUpHangs) {
         DiskAutopilot& autopilot = machine.disk.autopilot;
         ConfirmationDesk& desk = machine.composition.monitor().services().confirmations;
         autopilot.reviewDiskCleanup();
-        machine.serve([&] { return desk.pendingConfirmation().has_value(); });
+        serveUntil(machine.loop, [&] { return desk.pendingConfirmation().has_value(); });
         HangingFolder later(old.parent_path());
         ASSERT_TRUE(later.isMounted());
         desk.confirmPending();
-        machine.serve([&] { return later.isAsked(); });
+        serveUntil(machine.loop, [&] { return later.isAsked(); });
         EXPECT_FALSE(machine.composition.shutDown(std::chrono::milliseconds(50)));
         EXPECT_THAT(machine.lastReceipt(), HasSubstr("Stopped: by the end of Tallowcrest"));
         later.answer();
@@ -187,7 +177,7 @@ TEST(HangingVolume, TheProgramEndsAlthoughAMoveOfAPersonalFileHangs) {
         film.path = machine.places.downloads() / "server/film.mov";
         machine.disk.files.requestTrashSuggestion(film);
         machine.composition.monitor().services().confirmations.confirmPending();
-        machine.serve([&] { return machine.downloads.isAsked(); });
+        serveUntil(machine.loop, [&] { return machine.downloads.isAsked(); });
         EXPECT_FALSE(machine.composition.shutDown(std::chrono::milliseconds(50)));
         EXPECT_THAT(machine.lastReceipt(), HasSubstr("The file may have been moved"));
     });
@@ -198,9 +188,9 @@ TEST(HangingVolume, AnAnalysisTellsWhereItHangsAndCanBeStopped) {
         PersonalFiles& files = machine.disk.files;
         files.analyzePersonalFiles();
         const std::string hanging = machine.places.downloads() / "server";
-        machine.serve([&] { return files.state().progress.folder == hanging; });
+        serveUntil(machine.loop, [&] { return files.state().progress.folder == hanging; });
         EXPECT_EQ(files.stopAnalysis(), Outcome::asked());
-        machine.serve([&] { return !files.state().storageAnalyzerBusy; });
+        serveUntil(machine.loop, [&] { return !files.state().storageAnalyzerBusy; });
         EXPECT_EQ(files.state().storageAnalyzerStatus,
                   "Analysis stopped. It had found 0 large personal files.");
     });
@@ -210,9 +200,9 @@ TEST(HangingVolume, AStorageScanTellsTheAreaAndCanBeStopped) {
     onHangingMachine([](HangingMachine& machine) {
         StorageScan& storage = machine.disk.storage;
         storage.scanStorageAreas();
-        machine.serve([&] { return !storage.state().progress.area.empty(); });
+        serveUntil(machine.loop, [&] { return !storage.state().progress.area.empty(); });
         EXPECT_EQ(storage.stop(), Outcome::asked());
-        machine.serve([&] { return !storage.state().diskStorageScanInProgress; });
+        serveUntil(machine.loop, [&] { return !storage.state().diskStorageScanInProgress; });
         EXPECT_THAT(machine.status(), HasSubstr("Storage scan stopped after "));
     });
 }

@@ -14,6 +14,7 @@ using nlohmann::json;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 RemoteHealth reachedMachine() {
     return {.id = "nodekey:1",
@@ -56,6 +57,9 @@ TEST(RemoteBlock, ShowsFiguresGroupsAndAdvice) {
               "attic  no address  No Address\n"
               "  Open Tailscale.\n"
               "\n");
+    RemoteHealth nameless = lostMachine();
+    nameless.hostName.clear();
+    EXPECT_THAT(remoteBlock(nameless), StartsWith("no address  No Address\n"));
 }
 
 TEST(RemoteJSON, HasTheMembersOfTheRecord) {

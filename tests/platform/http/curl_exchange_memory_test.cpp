@@ -1,4 +1,3 @@
-#include <sys/syscall.h>
 
 #include <atomic>
 #include <cerrno>
@@ -7,7 +6,6 @@
 #include <new>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -80,13 +78,8 @@ TEST_F(CurlExchangeWithoutMemory, ARequestThatDoesNotFitIsATransportError) {
 }
 
 TEST_F(CurlExchangeWithoutMemory, NoThreadIsATransportError) {
-    bool mayRefuse = false;
     std::optional<std::string> failure;
-    std::thread([&] {
-        mayRefuse = refuseCall(SYS_clone3, EAGAIN) && refuseCall(SYS_clone, EAGAIN);
-        failure = mayRefuse ? failureOf("/text") : std::nullopt;
-    }).join();
-    if (!mayRefuse) {
+    if (!runWithoutThreads([&] { failure = failureOf("/text"); })) {
         GTEST_SKIP() << "system calls cannot be refused here";
     }
     EXPECT_THAT(failure, Optional(std::string("Resource temporarily unavailable")));

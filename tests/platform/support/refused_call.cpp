@@ -3,9 +3,15 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
+#include <system_error>
+#include <thread>
+
+#include <gtest/gtest.h>
 
 namespace tallowcrest {
 
@@ -20,6 +26,18 @@ bool refuseCall(std::uint32_t call, int error) {
     sock_fprog program{filter.size(), filter.data()};
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
            ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+bool runWithoutThreads(const std::function<void()>& work) {
+    bool mayRefuse = false;
+    std::thread([&] {
+        mayRefuse = refuseCall(SYS_clone3, EAGAIN) && refuseCall(SYS_clone, EAGAIN);
+        if (mayRefuse) {
+            EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+            work();
+        }
+    }).join();
+    return mayRefuse;
 }
 
 }  // namespace tallowcrest

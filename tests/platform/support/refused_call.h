@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 namespace tallowcrest {
 
@@ -8,5 +9,9 @@ namespace tallowcrest {
 /// starts, from now on. Other threads are not affected. Returns false where this account may not
 /// install the filter.
 bool refuseCall(std::uint32_t call, int error);
+
+/// Runs `work` on a thread that cannot start others. Returns false where this account may not
+/// install the filter; it is not run then.
+bool runWithoutThreads(const std::function<void()>& work);
 
 }  // namespace tallowcrest

@@ -77,7 +77,7 @@ QWidget* TailscaleBlock::makeLeftOut() {
     leftOut_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::text), leftOutRow_);
     leftOut_->setObjectName(u"remote.tailscale.left-out"_s);
     leftOut_->setLines(1, 3);
-    row->addWidget(leftOut_, 1);
+    row->addWidget(leftOut_, 1, Qt::AlignVCenter);
     auto* settings = makeButton(
         {"Automation Settings", "gearshape", "Opens the settings of what is scanned by itself"},
         u"remote.tailscale.automation-settings"_s, leftOutRow_);
