@@ -92,9 +92,11 @@ QString noSuggestions(bool isKeySaved) {
 
 std::vector<TrustLine> trustLines(const TrustRecords& records) {
     std::vector<TrustLine> lines;
+    std::size_t invented = 0;
     for (const auto& [type, record] : records) {
-        if (lines.size() == mostTrustLines) {
-            break;
+        const bool isInvented = !advisorAction(type) && type != diskCleanupAction;
+        if (isInvented && ++invented > mostInventedTrustLines) {
+            continue;
         }
         lines.push_back({.name = shortText(trustDisplayName(type), longestWord),
                          .label = text(trustLabel(record)),
@@ -104,10 +106,10 @@ std::vector<TrustLine> trustLines(const TrustRecords& records) {
     return lines;
 }
 
-QString moreTrust(std::size_t records) {
-    return records > mostTrustLines ? u"and %1 more"_s.arg(dashboard_text::count(
-                                          static_cast<std::int64_t>(records - mostTrustLines)))
-                                    : QString();
+QString moreTrust(std::size_t leftOut) {
+    return leftOut > 0
+               ? u"and %1 more"_s.arg(dashboard_text::count(static_cast<std::int64_t>(leftOut)))
+               : QString();
 }
 
 std::vector<DraftLine> draftLines(std::span<const AIRuleDraft> drafts) {

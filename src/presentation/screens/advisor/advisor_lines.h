@@ -61,12 +61,14 @@ struct TrustLine {
     bool operator==(const TrustLine&) const = default;
 };
 
-inline constexpr std::size_t mostTrustLines = 24;
+/// A reply can invent any number of action types.
+inline constexpr std::size_t mostInventedTrustLines = 24;
 
-/// The records by their action type, the first `mostTrustLines` of them.
+/// The records by their action type: all of the types that exist, and the first
+/// `mostInventedTrustLines` of the others.
 std::vector<TrustLine> trustLines(const TrustRecords& records);
-/// "and 3 more"; empty when all are shown.
-QString moreTrust(std::size_t records);
+/// "and 3 more"; empty when no record is left out.
+QString moreTrust(std::size_t leftOut);
 
 struct DraftLine {
     UUID id;

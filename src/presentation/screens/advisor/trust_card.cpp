@@ -91,13 +91,14 @@ void TrustCard::show(const TrustRecords& records) {
         return;
     }
     shown_ = records;
-    showLines(rows_, advisor_lines::trustLines(records), [this] {
+    const std::vector<advisor_lines::TrustLine> lines = advisor_lines::trustLines(records);
+    showLines(rows_, lines, [this] {
         rows_.push_back(new TrustRow(this));
         rows_.back()->setObjectName(u"ai.trust-%1"_s.arg(rows_.size()));
         list_->addWidget(rows_.back());
     });
     empty_->setVisible(records.empty());
-    const QString more = advisor_lines::moreTrust(records.size());
+    const QString more = advisor_lines::moreTrust(records.size() - lines.size());
     more_->setText(more);
     more_->setVisible(!more.isEmpty());
     setButtonEnabled(*reset_, !records.empty());

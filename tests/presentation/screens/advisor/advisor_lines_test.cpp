@@ -10,6 +10,7 @@ namespace tallowcrest::advisor_lines {
 namespace {
 
 using std::chrono::seconds;
+using testing::ElementsAre;
 using testing::SizeIs;
 
 AIActionSuggestion suggestionOf(const std::string& type, const std::string& risk = "low") {
@@ -140,17 +141,37 @@ TEST(AdvisorLines, ARecordReadsItsNameItsWordAndItsFigures) {
     EXPECT_EQ(lines[2].figures, u"78% trust · 2 approved · 3 run · 0 blocked"_s);
 }
 
-TEST(AdvisorLines, OnlySoManyRecordsAreShown) {
+TEST(AdvisorLines, OnlySoManyRecordsOfInventedTypesAreShown) {
     TrustRecords records;
-    for (std::size_t i = 0; i < mostTrustLines; ++i) {
-        records["type " + std::string(i, 'x')] = {};
+    for (std::size_t i = 0; i < mostInventedTrustLines; ++i) {
+        records["a" + std::string(i, 'x')] = {};
     }
-    EXPECT_THAT(trustLines(records), SizeIs(mostTrustLines));
-    EXPECT_EQ(moreTrust(records.size()), QString());
+    EXPECT_THAT(trustLines(records), SizeIs(mostInventedTrustLines));
     records["\u202e" + std::string(5000, 'y')] = {};
-    EXPECT_THAT(trustLines(records), SizeIs(mostTrustLines));
-    EXPECT_EQ(moreTrust(records.size()), u"and 1 more"_s);
+    EXPECT_THAT(trustLines(records), SizeIs(mostInventedTrustLines));
+    EXPECT_EQ(moreTrust(0), QString());
+    EXPECT_EQ(moreTrust(1), u"and 1 more"_s);
     EXPECT_LE(trustLines({{std::string(5000, 'y'), {}}}).at(0).name.size(), 41);
+}
+
+TEST(AdvisorLines, RecordsOfTheTypesThatExistAreAllShown) {
+    TrustRecords records;
+    for (int i = 0; i < 30; ++i) {
+        records["a" + std::to_string(i)] = {};
+    }
+    for (const char* type : {"copy_report", "disk_cleanup", "export_diagnostics", "local_purge",
+                             "scan_remote", "select_top"}) {
+        records[type] = {type, 1, 0, 0, {}};
+    }
+    const std::vector<TrustLine> lines = trustLines(records);
+    ASSERT_THAT(lines, SizeIs(mostInventedTrustLines + 6));
+    std::vector<QString> shown;
+    for (auto line = lines.end() - 6; line != lines.end(); ++line) {
+        shown.push_back(line->name);
+    }
+    EXPECT_THAT(shown,
+                ElementsAre(u"Copy report"_s, u"Disk cache cleanup"_s, u"Export diagnostics"_s,
+                            u"Purge caches"_s, u"Scan remote Macs"_s, u"Select top app"_s));
 }
 
 TEST(AdvisorLines, ADraftReadsWhenAndThen) {
