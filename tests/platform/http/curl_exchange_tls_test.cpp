@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -68,6 +70,19 @@ TEST_F(CurlExchangeTls, NeitherTheEnvironmentNorAFileOfTheOwnerMakesItTrusted) {
     CurlExchange asShipped({});
     EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
                 Optional(HasSubstr("unable to get local issuer certificate")));
+}
+
+/// Not of the fixture above, which prepares the library before a test can set a variable.
+TEST(CurlExchangeTlsSecrets, AreNotWrittenToTheFileThatTheEnvironmentNames) {
+    const TestAuthority authority;
+    TestProvider provider(authority.certificate(allNames));
+    const TemporaryFolder folder;
+    const ScopedVariable file("SSLKEYLOGFILE", folder.path("secrets"));
+    CurlExchange exchange({.certificateAuthorities = authority.path()});
+    const auto reply = post(exchange, provider.at("https://localhost") + "/text");
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->transportError, std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("secrets")));
 }
 
 TEST_F(CurlExchangeTls, AnAuthorityFileThatCannotBeReadTrustsNobody) {
