@@ -46,7 +46,8 @@ constexpr std::array switchTexts{
                "cleanups reach 75% trust.",
                "Last checked %1", "No recent check"},
     SwitchText{AutomationSwitch::aiSafeActionsEnabled, "ai-safe-actions", "Allow AI safe actions",
-               ""},
+               "Runs the first safe suggestion of each analysis. Emergency Stop does not turn this "
+               "off."},
     SwitchText{AutomationSwitch::notificationsIncludeActions, "notification-actions",
                "Show action buttons in warning notifications", ""},
     SwitchText{AutomationSwitch::includeLinuxMachines, "include-linux", "Include Linux machines",

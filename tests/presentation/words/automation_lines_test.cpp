@@ -67,7 +67,11 @@ TEST_F(AutomationLinesTest, TheOtherSwitchesWordForWord) {
               "successful reviewed disk cleanups reach 75% trust."_s);
     EXPECT_EQ(line(AutomationSwitch::notificationsIncludeActions).title,
               u"Show action buttons in warning notifications"_s);
-    EXPECT_EQ(line(AutomationSwitch::aiSafeActionsEnabled).title, u"Allow AI safe actions"_s);
+    const AutomationLine safeActions = line(AutomationSwitch::aiSafeActionsEnabled);
+    EXPECT_EQ(safeActions.title, u"Allow AI safe actions"_s);
+    EXPECT_EQ(safeActions.explanation,
+              u"Runs the first safe suggestion of each analysis. Emergency Stop does not turn "
+              "this off."_s);
     const AutomationLine linux = line(AutomationSwitch::includeLinuxMachines);
     EXPECT_EQ(linux.title, u"Include Linux machines"_s);
     EXPECT_EQ(linux.explanation,
