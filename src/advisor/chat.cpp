@@ -84,6 +84,7 @@ Outcome Chat::sendChatMessage() {
             Outcome::refused("A question may have at most 10,000 characters."));
     }
     setAIChatInput({});
+    state_.fallbackReason.clear();
     addMessage(ownerRole, question);
     return key_.readAccess(
         jobs_, [this] { setBusy(true, true); },
@@ -135,11 +136,12 @@ void Chat::finishChatRequest(const std::optional<ProviderResult>& result,
     }
     ActivityLog& log = services_.log;
     if (const auto* error = std::get_if<AIError>(&*result)) {
+        state_.fallbackReason = "Paid AI fallback: " + error->message;
         addMessage(advisorRole,
                    "Paid AI is currently unavailable, so here is the on-device answer:\n\n" +
                        onDeviceAnswer(question),
                    true);
-        log.recordEvent(ActivityKind::localGuidance, "Paid AI fallback: " + error->message);
+        log.recordEvent(ActivityKind::localGuidance, state_.fallbackReason);
         record("Answered with on-device fallback guidance.");
     } else {
         addMessage(advisorRole, std::get<std::string>(*result), true);

@@ -36,6 +36,9 @@ struct ChatState {
     /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
     /// The clock can be set back meanwhile; see `secondsWaited`.
     Date aiChatBusySince;
+    /// Why this machine gave the last answer although a service was asked, in the words of the
+    /// activity log; empty otherwise.
+    std::string fallbackReason;
 };
 
 /// Questions of the owner and their answers, by the provider or by this machine alone. It never

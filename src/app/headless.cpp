@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -35,6 +36,13 @@ std::chrono::milliseconds intervalOf(const Options& options) {
     return options.remote || options.ask || options.analyze
                ? shortInterval
                : options.interval.value_or(SystemMonitor::sampleInterval);
+}
+
+/// Does nothing for an empty text.
+void complainOf(std::string_view text) {
+    if (!text.empty()) {
+        complain(printableText(text).text);
+    }
 }
 
 void complainOfFile(const std::string& path, const std::string& problem) {
@@ -168,16 +176,16 @@ private:
             return;
         }
         figures_ = monitor.sample().snapshot();
-        advisor_.emplace(monitor, [this, &settings = monitor.settings()](const std::string& said) {
-            const Answer answer{options_.ask, said, *figures_, settings.warningThreshold,
-                                settings.diskMinimumFreeGB};
-            const std::string text = options_.json ? answerJSON(answer) : answerBlock(answer);
-            finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
-        });
+        advisor_.emplace(
+            monitor, [this, &settings = monitor.settings()](const AdvisorAnswer& said) {
+                complainOf(said.note);
+                const Answer answer{options_.ask, said.text, *figures_, settings.warningThreshold,
+                                    settings.diskMinimumFreeGB};
+                const std::string text = options_.json ? answerJSON(answer) : answerBlock(answer);
+                finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
+            });
         const Outcome outcome = advisor_->begin(options_.ask, options_.yes);
-        if (!outcome.message.empty()) {
-            complain(printableText(outcome.message).text);
-        }
+        complainOf(outcome.message);
         if (!outcome.isAccepted()) {
             finish(EXIT_FAILURE);
         }

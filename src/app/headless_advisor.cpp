@@ -9,8 +9,7 @@
 
 namespace tallowcrest {
 
-HeadlessAdvisor::HeadlessAdvisor(SystemMonitor& monitor,
-                                 std::function<void(const std::string& answer)> answered)
+HeadlessAdvisor::HeadlessAdvisor(SystemMonitor& monitor, Answered answered)
     : monitor_(monitor),
       answered_(std::move(answered)),
       changes_(monitor.services().jobs.mainQueue(), [this] { finish(); }) {}
@@ -59,8 +58,11 @@ void HeadlessAdvisor::finish() {
         return;
     }
     isDone_ = true;
-    answered_(isQuestion_ ? advisor.chat.aiChatMessages().back().text
-                          : advisor.provider.state().aiInsight);
+    if (isQuestion_) {
+        answered_({advisor.chat.aiChatMessages().back().text, advisor.chat.state().fallbackReason});
+    } else {
+        answered_({advisor.provider.state().aiInsight});
+    }
 }
 
 }  // namespace tallowcrest

@@ -11,14 +11,21 @@ namespace tallowcrest {
 
 class SystemMonitor;
 
+/// What the advisor has said.
+struct AdvisorAnswer {
+    std::string text;
+    std::string note = {};  ///< what the text does not tell; empty when there is nothing
+};
+
 /// Asks the advisor once, for its answer to a question or for an analysis, and passes on what it
 /// says. Nothing that it proposes is run, and nothing is stored. Main thread.
 class HeadlessAdvisor {
 public:
+    using Answered = std::function<void(const AdvisorAnswer& answer)>;
+
     /// `answered` gets the answer, once, on a later turn of the main queue. The monitor must
     /// outlive the object.
-    HeadlessAdvisor(SystemMonitor& monitor,
-                    std::function<void(const std::string& answer)> answered);
+    HeadlessAdvisor(SystemMonitor& monitor, Answered answered);
 
     /// An analysis without a question. Where the settings ask before an analysis is sent, it is
     /// sent only if it `mayBeSent`, and otherwise made on this machine. The message says what the
@@ -31,7 +38,7 @@ private:
     void finish();
 
     SystemMonitor& monitor_;
-    std::function<void(const std::string&)> answered_;
+    Answered answered_;
     bool isQuestion_ = false;
     bool isDone_ = false;
     ObserverGroup changes_;

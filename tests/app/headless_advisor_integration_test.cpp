@@ -62,6 +62,19 @@ TEST(HeadlessAdvisorProgram, WithAKeyAsksTheProviderAndAnswersAloneWhenItCannotB
     EXPECT_THAT(result.standardOutput, testing::Not(HasSubstr("sk-secret")));
 }
 
+TEST(HeadlessAdvisorProgram, SaysOnStandardErrorWhyAQuestionWasNotAnsweredByTheProvider) {
+    const PrivateData data;
+    const ProgramResult result =
+        run({"--headless", "--ask", "Why?"},
+            {"TALLOWCREST_AI_KEY=sk-secret", "https_proxy=http://127.0.0.1:1", "no_proxy="});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.standardError,
+                StartsWith("tallowcrest: Paid AI fallback: OpenAI request failed: "));
+    EXPECT_EQ(result.standardError.find('\n'), result.standardError.size() - 1);
+    EXPECT_THAT(result.standardOutput,
+                StartsWith("Paid AI is currently unavailable, so here is the on-device answer:"));
+}
+
 TEST(HeadlessAdvisorProgram, AServerOfTheOwnersOwnIsAskedWithoutAKey) {
     const PrivateData data;
     TestProvider provider;

@@ -41,8 +41,10 @@ protected:
         std::vector<std::string> answers;
         machine.monitor();
         machine.tick();
-        HeadlessAdvisor asked(machine.monitor(),
-                              [&](const std::string& said) { answers.push_back(said); });
+        HeadlessAdvisor asked(machine.monitor(), [&](const AdvisorAnswer& said) {
+            answers.push_back(said.text);
+            note = said.note;
+        });
         outcome = asked.begin(question, mayBeSent);
         EXPECT_THAT(answers, IsEmpty()) << "on a later turn";
         finishWork();
@@ -59,6 +61,7 @@ protected:
     }
 
     Outcome outcome;
+    std::string note;
     FakeAdvisorPorts ports;
     FakeMachine machine;
 };
@@ -124,6 +127,10 @@ TEST_F(HeadlessAdvisorTest, AFailedRequestGivesTheAnswerOfThisMachine) {
     machine.advisor = ports.ports();
     EXPECT_THAT(answersTo("memory?"),
                 ElementsAre(StartsWith("Paid AI is currently unavailable, so here is the")));
+    EXPECT_EQ(note, "Paid AI fallback: OpenAI request did not complete.");
+    ports.http->willSay("From far away.");
+    EXPECT_THAT(answersTo("memory?"), ElementsAre("From far away."));
+    EXPECT_EQ(note, "") << "the reason was that of the question before";
 }
 
 TEST_F(HeadlessAdvisorTest, NothingThatAnAnalysisProposesIsRun) {
