@@ -27,11 +27,6 @@ bool hasLaterControl(std::string_view key) {
     return false;
 }
 
-bool fitsIntoHeader(std::string_view key) {
-    return !key.empty() && key.size() <= maximumKeyLength && isValidUTF8(key) &&
-           std::ranges::none_of(key, isControl) && !hasLaterControl(key);
-}
-
 std::size_t countOfBackslashes(std::string_view text) {
     return std::min(text.find_first_not_of('\\'), text.size());
 }
@@ -96,9 +91,14 @@ std::size_t lengthOfKey(std::string_view text, std::string_view key) {
 
 }  // namespace
 
+bool canStandInHeader(std::string_view key) {
+    return !key.empty() && key.size() <= maximumKeyLength && isValidUTF8(key) &&
+           std::ranges::none_of(key, isControl) && !hasLaterControl(key);
+}
+
 std::optional<SecretText> validatedOpenAIKey(std::string_view text) {
     const std::string_view key = trimmingWhiteSpace(text);
-    if (!key.starts_with("sk-") || !fitsIntoHeader(key)) {
+    if (!key.starts_with("sk-") || !canStandInHeader(key)) {
         return std::nullopt;
     }
     return SecretText(key);
@@ -106,7 +106,7 @@ std::optional<SecretText> validatedOpenAIKey(std::string_view text) {
 
 std::optional<SecretText> readOpenAIKey(SecretStore& secrets) {
     std::optional<SecretText> key = secrets.read();
-    if (key && !fitsIntoHeader(key->view())) {
+    if (key && !canStandInHeader(key->view())) {
         key.reset();
     }
     return key;

@@ -18,9 +18,15 @@ class SecretStore;
 /// The longest key in bytes: what fits into a header line that every server takes.
 inline constexpr std::size_t maximumKeyLength = 4096;
 
+/// What is said of a text that is no key.
+inline constexpr std::string_view notAKey = "That does not look like an OpenAI API key.";
+
+/// False for an empty text, and for one with control characters or a line feed inside, not in
+/// UTF-8, or too long. Pure; any thread.
+bool canStandInHeader(std::string_view key);
+
 /// The key that the owner typed, without white space at its ends. Absent for a text that does not
-/// begin with "sk-", and for one that cannot stand in a header: with control characters or a line
-/// feed inside, not in UTF-8, or too long. Pure; any thread.
+/// begin with "sk-", and for one that cannot stand in a header. Pure; any thread.
 std::optional<SecretText> validatedOpenAIKey(std::string_view text);
 
 /// The stored key. Absent when there is none, when it cannot be read, or when it could not stand in

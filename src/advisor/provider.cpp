@@ -9,6 +9,7 @@
 #include "actions/desktop_actions.h"
 #include "advisor/endpoint.h"
 #include "advisor/guidance.h"
+#include "advisor/openai_key.h"
 #include "advisor/rule_drafts.h"
 #include "advisor/stored_key.h"
 #include "advisor/suggestions.h"
@@ -88,7 +89,7 @@ Outcome Provider::saveOpenAIKey(KeyChanged then) {
     }
     auto key = validatedOpenAIKey(openAIKeyInput_.view());
     if (!key) {
-        setInsight("That does not look like an OpenAI API key.");
+        setInsight(std::string(notAKey));
         return Outcome::refused(state_.aiInsight);
     }
     if (!dependencies_.key.hasStore()) {

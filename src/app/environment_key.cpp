@@ -6,15 +6,17 @@
 #include <utility>
 
 #include "advisor/advisor_ports.h"
+#include "advisor/openai_key.h"
+#include "core/text.h"
 #include "platform/base/core_dumps.h"
 #include "platform/base/environment.h"
 
 namespace tallowcrest {
 namespace {
 
-class EnvironmentKey final : public SecretStore {
+class EnvironmentKeyStore final : public SecretStore {
 public:
-    explicit EnvironmentKey(SecretText key) : key_(std::move(key)) {}
+    explicit EnvironmentKeyStore(SecretText key) : key_(std::move(key)) {}
 
     bool isStored() override { return true; }
     void forbidDumps() override { forbidCoreDumps(); }
@@ -28,18 +30,24 @@ private:
 
 }  // namespace
 
-std::shared_ptr<SecretStore> takeEnvironmentKey() {
+EnvironmentKey takeEnvironmentKey() {
     const std::lock_guard guard(environmentLock());
     char* const value = std::getenv(keyVariable);
     if (value == nullptr || *value == '\0') {
-        return nullptr;
+        return {};
     }
     forbidCoreDumps();
     const std::size_t length = std::strlen(value);
-    SecretText key({value, length});
+    SecretText key(trimmingWhiteSpace({value, length}));
     wipe({value, length});
     unsetenv(keyVariable);
-    return std::make_shared<EnvironmentKey>(std::move(key));
+    if (key.isEmpty()) {
+        return {};
+    }
+    if (!canStandInHeader(key.view())) {
+        return {.isBad = true};
+    }
+    return {.store = std::make_shared<EnvironmentKeyStore>(std::move(key))};
 }
 
 }  // namespace tallowcrest

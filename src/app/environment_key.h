@@ -10,9 +10,16 @@ class SecretStore;
 /// argument, which every process can read.
 inline constexpr const char* keyVariable = "TALLOWCREST_AI_KEY";
 
+struct EnvironmentKey {
+    /// Has the key, and cannot be written. Null without a key.
+    std::shared_ptr<SecretStore> store = {};
+    /// Whether what is there in place of a key cannot stand in a header.
+    bool isBad = false;
+};
+
 /// Takes the key out of the environment, so that no started program gets it and its bytes do not
-/// remain there. Null without a key. What it returns cannot be written. Main thread, before there
-/// are others.
-std::shared_ptr<SecretStore> takeEnvironmentKey();
+/// remain there, and trims it. White space alone counts as no key. Main thread, before there are
+/// others.
+EnvironmentKey takeEnvironmentKey();
 
 }  // namespace tallowcrest

@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include "advisor/openai_key.h"
 #include "app/console.h"
 #include "app/environment_key.h"
 #include "app/headless.h"
@@ -58,8 +59,13 @@ int run(const std::vector<std::string>& arguments, char** argv) {
     if (!commandLine.options.headless) {
         return openWindow(argv);
     }
+    const Options& options = commandLine.options;
+    if (key.isBad && (options.ask || options.analyze)) {
+        complain(fmt::format("{}: {}", keyVariable, notAKey));
+        return runHeadless(options, {});
+    }
     // Without a key, too: a server of the owner's own may need none.
-    return runHeadless(commandLine.options, {std::move(key), std::make_shared<HttpModule>()});
+    return runHeadless(options, {std::move(key.store), std::make_shared<HttpModule>()});
 }
 
 }  // namespace

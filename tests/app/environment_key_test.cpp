@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "advisor/advisor_ports.h"
+#include "platform/base/environment.h"
 #include "tests/support/run_program.h"
 
 namespace tallowcrest {
@@ -19,14 +20,14 @@ protected:
 TEST_F(EnvironmentKeyTest, IsTakenOutOfTheEnvironment) {
     setenv(keyVariable, "sk-secret", 1);
     const char* const bytes = std::getenv(keyVariable);
-    const auto key = takeEnvironmentKey();
+    const auto key = takeEnvironmentKey().store;
     ASSERT_NE(key, nullptr);
     EXPECT_TRUE(key->isStored());
     EXPECT_EQ(key->read().value().view(), "sk-secret");
     EXPECT_EQ(key->read().value().view(), "sk-secret") << "as often as it is asked for";
     EXPECT_EQ(std::getenv(keyVariable), nullptr);
     EXPECT_EQ(std::string(bytes, 9), std::string(9, '\0')) << "its bytes are gone too";
-    EXPECT_EQ(takeEnvironmentKey(), nullptr);
+    EXPECT_EQ(takeEnvironmentKey().store, nullptr);
 }
 
 TEST_F(EnvironmentKeyTest, NoStartedProgramGetsIt) {
@@ -38,14 +39,36 @@ TEST_F(EnvironmentKeyTest, NoStartedProgramGetsIt) {
 
 TEST_F(EnvironmentKeyTest, IsAbsentWithoutAValue) {
     unsetenv(keyVariable);
-    EXPECT_EQ(takeEnvironmentKey(), nullptr);
-    setenv(keyVariable, "", 1);
-    EXPECT_EQ(takeEnvironmentKey(), nullptr);
+    EXPECT_EQ(takeEnvironmentKey().store, nullptr);
+    for (const char* blank : {"", " ", " \t\r\n", "\u00a0"}) {
+        setenv(keyVariable, blank, 1);
+        const EnvironmentKey key = takeEnvironmentKey();
+        EXPECT_EQ(key.store, nullptr);
+        EXPECT_FALSE(key.isBad);
+        EXPECT_EQ(environmentVariable(keyVariable), "");
+    }
+}
+
+TEST_F(EnvironmentKeyTest, IsTrimmed) {
+    setenv(keyVariable, "\t sk-secret \r\n", 1);
+    EXPECT_EQ(takeEnvironmentKey().store->read().value().view(), "sk-secret");
+}
+
+TEST_F(EnvironmentKeyTest, OneThatCannotStandInAHeaderIsBad) {
+    for (const std::string& bad :
+         {std::string("sk-a\nHost: b"), std::string("sk-a\tb"), std::string("sk-\x1b"),
+          std::string("sk-\u0085x"), std::string("sk-\xff"), std::string(5000, 's')}) {
+        setenv(keyVariable, bad.c_str(), 1);
+        const EnvironmentKey key = takeEnvironmentKey();
+        EXPECT_EQ(key.store, nullptr) << bad;
+        EXPECT_TRUE(key.isBad) << bad;
+        EXPECT_EQ(std::getenv(keyVariable), nullptr);
+    }
 }
 
 TEST_F(EnvironmentKeyTest, CannotBeChanged) {
     setenv(keyVariable, "sk-secret", 1);
-    const auto key = takeEnvironmentKey();
+    const auto key = takeEnvironmentKey().store;
     EXPECT_FALSE(key->add(SecretText("sk-other")));
     EXPECT_FALSE(key->remove());
     EXPECT_EQ(key->read().value().view(), "sk-secret");

@@ -1,6 +1,7 @@
 // What the program answers on the machine that the test runs on.
 
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -82,6 +83,25 @@ TEST(HeadlessAdvisorProgram, AServerOfTheOwnersOwnIsAskedWithoutAKey) {
     const ProgramResult result = run({"--headless", "--ask", "Why?"});
     EXPECT_EQ(result.status, 0) << result.standardError;
     EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses - application/json"));
+}
+
+TEST(HeadlessAdvisorProgram, WithABadKeyItSaysSoAndSendsNothing) {
+    const PrivateData data;
+    TestProvider provider;
+    storeSetting(data, settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
+    for (const std::vector<std::string>& asked : {std::vector<std::string>{"--ask", "Why?"},
+                                                  std::vector<std::string>{"--analyze", "--yes"}}) {
+        std::vector<std::string> arguments{"--headless"};
+        arguments.insert(arguments.end(), asked.begin(), asked.end());
+        const ProgramResult result = run(arguments, {"TALLOWCREST_AI_KEY=sk-a\nb"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.standardError,
+                  "tallowcrest: TALLOWCREST_AI_KEY: That does not look like an OpenAI API key.\n");
+        EXPECT_THAT(result.standardOutput, testing::Not(HasSubstr("Paid AI")));
+    }
+    run({"--headless", "--ask", "Why?"}, {"TALLOWCREST_AI_KEY= sk-good \n"});
+    EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses Bearer sk-good application/json"))
+        << "the first request that the server has seen";
 }
 
 TEST(HeadlessAdvisorProgram, NobodyElseCanReadTheKeyOfItsEnvironment) {
