@@ -63,12 +63,18 @@ void Provider::lookForKey() {
     if (!dependencies_.key.hasStore()) {
         return;
     }
+    isLookingForKey_ = true;
     setKeyBusy(true);
     dependencies_.key.find(jobs_, [this](bool isStored) {
+        isLookingForKey_ = false;
         setKeyBusy(false);
         state_.openAIKeySaved = isStored;
         if (isStored && isInsightInitial_) {
             state_.aiInsight = "Enhanced AI recommendations are ready.";
+        }
+        if (const HeldRequest held = std::exchange(held_, nullptr)) {
+            setBusy(false);
+            (this->*held)();
         }
     });
 }
@@ -197,12 +203,26 @@ Outcome Provider::requestAIAnalysis() {
         return Outcome::ignored();
     }
     if (!isConnected()) {
-        return composeOnDeviceAnalysis(false);
+        return isLookingForKey_ ? hold(&Provider::requestAIAnalysis)
+                                : composeOnDeviceAnalysis(false);
     }
     if (!dependencies_.services.settings.values().aiRequirePreview) {
         return sendAIAnalysis();
     }
     return dependencies_.sample.snapshot() ? askForConsent() : refuseWithoutSample();
+}
+
+Outcome Provider::requestAIAnalysisWithKey() {
+    if (isLookingForKey_ && !state_.aiBusy) {
+        return hold(&Provider::requestAIAnalysisWithKey);
+    }
+    return state_.openAIKeySaved ? requestAIAnalysis() : Outcome::ignored();
+}
+
+Outcome Provider::hold(HeldRequest request) {
+    held_ = request;
+    setBusy(true, true);
+    return Outcome::asked();
 }
 
 Outcome Provider::refuseWithoutSample() {

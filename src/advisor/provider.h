@@ -41,7 +41,7 @@ struct ProviderState {
     /// Advances whenever `aiInsight` becomes what an analysis, or the refusal of one, says.
     std::uint64_t answers = 0;
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
-    /// unlock the secret store.
+    /// unlock the secret store. That includes the search for a stored key after the start.
     bool aiBusy = false;
     /// Whether it is the reading of the key that is waited for, and not the service.
     bool isReadingKey = false;
@@ -117,8 +117,12 @@ public:
     /// Starts an analysis, after a confirmation if the settings say so. Unless `isConnected`, it is
     /// the analysis of this machine alone, at once; so it is, as after a failed exchange, when the
     /// stored address must not be used. Refused before the first sample, ignored while an
-    /// analysis is under way.
+    /// analysis is under way. While the stored key is being looked for, it is under way, and begins
+    /// when the search ends.
     Outcome requestAIAnalysis();
+    /// The same if a key is believed to be stored; ignored otherwise, then perhaps only when the
+    /// search ends.
+    Outcome requestAIAnalysisWithKey();
     /// The same without the confirmation. Ignored while an analysis is under way.
     Outcome sendAIAnalysis();
     /// The analysis of this machine alone, whatever is connected.
@@ -140,9 +144,12 @@ private:
     };
     /// Absent when nothing was sent, for want of a key.
     using AnalysisResult = std::optional<std::variant<AdvisorOutput, AIError>>;
+    using HeldRequest = Outcome (Provider::*)();
 
     Consent presentConsent() const;
     Outcome askForConsent();
+    /// Makes the request when the search for the stored key ends. Busy until then.
+    Outcome hold(HeldRequest request);
     void lookForKey();
     Outcome finishSavingKey(bool isSaved);
     Outcome finishRemovingKey(bool isRemoved);
@@ -163,6 +170,8 @@ private:
     Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;
     ProviderState state_;
+    bool isLookingForKey_ = false;
+    HeldRequest held_ = nullptr;  ///< null when none waits for the search
     /// Whether `aiInsight` is still the one that the program begins with.
     bool isInsightInitial_ = true;
     SecretText openAIKeyInput_;

@@ -12,13 +12,18 @@ namespace tallowcrest {
 HeadlessAdvisor::HeadlessAdvisor(SystemMonitor& monitor, Answered answered)
     : monitor_(monitor),
       answered_(std::move(answered)),
-      changes_(monitor.services().jobs.mainQueue(), [this] { finish(); }) {}
+      changes_(monitor.services().jobs.mainQueue(), [this] { goOn(); }) {}
 
 Outcome HeadlessAdvisor::begin(const std::optional<std::string>& question, bool mayBeSent) {
     isQuestion_ = question.has_value();
+    mayBeSent_ = mayBeSent;
     if (!isQuestion_) {
-        changes_.observe({&monitor_.advisor().provider.observable()});
-        return analyze(mayBeSent);
+        Provider& provider = monitor_.advisor().provider;
+        changes_.observe({&provider.observable(), &monitor_.confirmations().observable()});
+        // The option only reads, whatever the owner allows in the window.
+        monitor_.advisor().suggestions.onlyPropose();
+        provider.requestAIAnalysis();
+        return Outcome::asked();
     }
     Chat& chat = monitor_.advisor().chat;
     // What the owner has asked in the window is no part of this question.
@@ -31,37 +36,36 @@ Outcome HeadlessAdvisor::begin(const std::optional<std::string>& question, bool 
     return Outcome::asked();
 }
 
-Outcome HeadlessAdvisor::analyze(bool mayBeSent) {
-    // The option only reads, whatever the owner allows in the window.
-    monitor_.advisor().suggestions.onlyPropose();
-    Provider& provider = monitor_.advisor().provider;
+/// Answers the question before an analysis is sent, which comes with the request or, where the key
+/// is still being looked for, later.
+void HeadlessAdvisor::settleConsent() {
     ConfirmationDesk& desk = monitor_.confirmations();
-    provider.requestAIAnalysis();
-    if (!desk.pendingConfirmation()) {
-        return Outcome::asked();
-    }
-    if (mayBeSent) {
+    if (mayBeSent_) {
         desk.confirmPending();
-        return Outcome::asked();
+        return;
     }
     desk.cancelPending();
-    provider.analyzeOnThisMachine();
-    return Outcome::asked(
-        "nothing was sent: the settings ask before each analysis, and '--yes' was not given");
+    monitor_.advisor().provider.analyzeOnThisMachine();
+    note_ = "nothing was sent: the settings ask before each analysis, and '--yes' was not given";
 }
 
-void HeadlessAdvisor::finish() {
+void HeadlessAdvisor::goOn() {
     const Advisor& advisor = monitor_.advisor();
     const bool isBusy =
         isQuestion_ ? advisor.chat.state().aiChatBusy : advisor.provider.state().aiBusy;
     if (isDone_ || isBusy) {
         return;
     }
+    const auto& pending = monitor_.confirmations().pendingConfirmation();
+    if (!isQuestion_ && pending && pending->kind == Provider::confirmationKind) {
+        settleConsent();
+        return;
+    }
     isDone_ = true;
     if (isQuestion_) {
         answered_({advisor.chat.aiChatMessages().back().text, advisor.chat.state().fallbackReason});
     } else {
-        answered_({advisor.provider.state().aiInsight});
+        answered_({advisor.provider.state().aiInsight, note_});
     }
 }
 

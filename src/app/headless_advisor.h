@@ -28,19 +28,21 @@ public:
     HeadlessAdvisor(SystemMonitor& monitor, Answered answered);
 
     /// An analysis without a question. Where the settings ask before an analysis is sent, it is
-    /// sent only if it `mayBeSent`, and otherwise made on this machine. The message says what the
-    /// answer does not; when the outcome is refused, there will be none. Called once, after the
-    /// first sample.
+    /// sent only if it `mayBeSent`, and otherwise made on this machine. When the outcome is
+    /// refused, its message says why, and there will be no answer. Called once, after the first
+    /// sample.
     Outcome begin(const std::optional<std::string>& question, bool mayBeSent);
 
 private:
-    Outcome analyze(bool mayBeSent);
-    void finish();
+    void goOn();
+    void settleConsent();
 
     SystemMonitor& monitor_;
     Answered answered_;
     bool isQuestion_ = false;
+    bool mayBeSent_ = false;
     bool isDone_ = false;
+    std::string note_;
     ObserverGroup changes_;
 };
 

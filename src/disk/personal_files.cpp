@@ -80,10 +80,7 @@ Outcome PersonalFiles::analyzePersonalFiles() {
             observable_->changed();
         },
         [this](const std::vector<FoundFile>& files) { finishAnalysis(files); });
-    const ProviderState& provider = dependencies_.provider.state();
-    if (provider.openAIKeySaved && !provider.aiBusy) {
-        dependencies_.provider.requestAIAnalysis();
-    }
+    dependencies_.provider.requestAIAnalysisWithKey();
     return Outcome::asked();
 }
 

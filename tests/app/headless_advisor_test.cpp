@@ -28,6 +28,9 @@ using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
+constexpr const char* noConsent =
+    "nothing was sent: the settings ask before each analysis, and '--yes' was not given";
+
 class HeadlessAdvisorTest : public ::testing::Test {
 protected:
     HeadlessAdvisorTest() {
@@ -93,16 +96,46 @@ TEST_F(HeadlessAdvisorTest, AnAnalysisIsSentOnlyAsTheSettingsSay) {
     machine.advisor = ports.ports();
     EXPECT_THAT(answersTo(std::nullopt, false),
                 ElementsAre(StartsWith("On-device analysis: Memory")));
-    EXPECT_THAT(outcome.message, StartsWith("nothing was sent: "));
+    EXPECT_EQ(note, noConsent);
     EXPECT_THAT(ports.http->sent, IsEmpty());
     EXPECT_THAT(answersTo(std::nullopt, true), ElementsAre("From far away."));
-    EXPECT_EQ(outcome, Outcome::asked());
+    EXPECT_EQ(note, "");
     machine.monitor().settingsOwner().set(&Settings::aiRequirePreview, false);
     EXPECT_THAT(answersTo(std::nullopt, false), ElementsAre("From far away."));
     EXPECT_THAT(ports.http->sent, SizeIs(2));
     // The switch is about analyses.
     machine.monitor().settingsOwner().set(&Settings::aiRequirePreview, true);
     EXPECT_THAT(answersTo("What is slow?", false), ElementsAre("From far away."));
+}
+
+TEST_F(HeadlessAdvisorTest, AnAnalysisDuringTheSearchForTheKeyIsSentAsTheSettingsSay) {
+    for (const bool mayBeSent : {true, false}) {
+        ports.secrets->secret = "sk-key";
+        ports.http->willSay("From far away.");
+        machine.advisor = ports.ports();
+        machine.restart();
+        SystemMonitor& monitor = machine.monitor();
+        ASSERT_EQ(machine.workQueue.laneOf(0), Lane::secrets);
+        monitor.refresh();
+        while (machine.workQueue.pendingCount() > 1) {
+            machine.workQueue.run(1);
+            machine.mainQueue.drain();
+        }
+        std::vector<std::string> answers;
+        std::vector<std::string> notes;
+        HeadlessAdvisor asked(monitor, [&](const AdvisorAnswer& said) {
+            answers.push_back(said.text);
+            notes.push_back(said.note);
+        });
+        asked.begin(std::nullopt, mayBeSent);
+        machine.mainQueue.drain();
+        EXPECT_THAT(answers, IsEmpty());
+        finishWork();
+        EXPECT_THAT(answers,
+                    ElementsAre(StartsWith(mayBeSent ? "From far away." : "On-device analysis: ")));
+        EXPECT_EQ(notes, std::vector<std::string>{mayBeSent ? "" : noConsent});
+        EXPECT_THAT(ports.http->sent, SizeIs(1)) << "by the first of the two";
+    }
 }
 
 TEST_F(HeadlessAdvisorTest, AServerOfTheOwnersOwnNeedsNoKey) {

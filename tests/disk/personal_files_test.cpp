@@ -145,6 +145,21 @@ TEST_F(PersonalFilesTest, WithAKeyTheAdvisorIsAskedBesideIt) {
     EXPECT_EQ(machine.fakes.http->sent[0].body.find("secret name"), std::string::npos);
 }
 
+TEST_F(PersonalFilesTest, TheAdvisorIsAskedWhenItHasFoundItsKey) {
+    DiskMachine machine;
+    machine.disk.reset();
+    machine.fakes.secrets->secret = "sk-test-0123456789";
+    machine.beginSearch();
+    machine.beginDisk();
+    machine.takeSample();
+    EXPECT_EQ(machine.disk->files.analyzePersonalFiles(), Outcome::asked());
+    EXPECT_TRUE(machine.advisor->provider.state().aiBusy);
+    EXPECT_FALSE(machine.confirmations.pendingConfirmation());
+    machine.finishWork();
+    EXPECT_TRUE(machine.advisor->provider.state().openAIKeySaved);
+    EXPECT_TRUE(machine.confirmations.pendingConfirmation());
+}
+
 TEST_F(PersonalFilesTest, WithoutAKeyTheAdvisorIsNotAsked) {
     takeSample();
     const std::string insight = advisor->provider.state().aiInsight;

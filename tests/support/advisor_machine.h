@@ -35,10 +35,15 @@ struct AdvisorMachine : TestServices {
 
     /// Builds the advisor from what is stored now, in place of an earlier one.
     void begin() {
+        beginSearch();
+        finishWork();
+    }
+
+    /// The same, but the search for the stored key has not ended.
+    void beginSearch() {
         advisor.reset();
         advisor.emplace(
             Advisor::Dependencies{services, sample, actions, remote.scan, reports, fakes.ports()});
-        finishWork();
     }
 
     /// Runs all background work, and what follows from it.
