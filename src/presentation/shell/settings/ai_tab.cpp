@@ -153,8 +153,9 @@ void AITab::showKeyRefusal(const QString& words) {
 }
 
 void AITab::showKey(const AITabState& state) {
-    keyState_->setText(state.isKeySaved ? u"OpenAI key saved in Keychain"_s
-                                        : u"No OpenAI key saved"_s);
+    keyState_->setText(state.isKeyBusy    ? u"Waiting for the key store, which may be locked…"_s
+                       : state.isKeySaved ? u"OpenAI key saved in Keychain"_s
+                                          : u"No OpenAI key saved"_s);
     setButtonEnabled(*remove_, state.isKeySaved && !state.isKeyBusy);
     setButtonEnabled(*save_, !state.isKeyBusy);
     key_->setLength(state.keyLength);

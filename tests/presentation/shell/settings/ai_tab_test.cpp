@@ -79,6 +79,8 @@ TEST_F(AITabTest, AKeyIsSavedByTheButtonAndByReturn) {
     state.isKeyBusy = true;
     show();
     EXPECT_FALSE(button("settings.ai-key.save").isEnabled());
+    EXPECT_EQ(textOf("settings.ai-key-state"),
+              u"Waiting for the key store, which may be locked…"_s);
     key().setFocus();
     press(Qt::Key_Return);
     EXPECT_EQ(saved.size(), 1U) << "one at a time";

@@ -219,5 +219,12 @@ TEST_F(AIWiringTest, ThePayloadIsCopied) {
     EXPECT_EQ(lastActionText(), u"Copied the AI diagnostics preview."_s);
 }
 
+TEST_F(AIWiringTest, BeforeTheFirstSampleTheSheetSaysThatThereIsNoPayload) {
+    show();
+    openSheet(SettingsTabKind::ai);
+    click("settings.ai-copy-payload");
+    EXPECT_EQ(lastActionText(), u"No AI payload preview is available yet."_s);
+}
+
 }  // namespace
 }  // namespace tallowcrest
