@@ -229,6 +229,19 @@ TEST_F(AdvisorActionsTest, EachTypeHasItsRecord) {
     EXPECT_NE(textOf("ai.trust.empty"), u"(not shown)"_s);
 }
 
+TEST_F(AdvisorActionsTest, RecordsOfInventedTypesThatAreNotShownAreCounted) {
+    showAdvisor();
+    EXPECT_EQ(textOf("ai.trust.more"), u"(not shown)"_s);
+    for (int i = 0; i < 30; ++i) {
+        advisor().trust.recordTrustEvent("a" + std::to_string(i), TrustEvent::blocked);
+    }
+    advisor().trust.recordTrustEvent("select_top", TrustEvent::approved);
+    settle();
+    EXPECT_EQ(textOf("ai.trust.more"), u"and 6 more"_s);
+    EXPECT_EQ(visible<TrustRow>("ai.trust-25")->accessibleValue(),
+              u"Select top app: New, 28% trust, 1 approved, 0 run, 0 blocked"_s);
+}
+
 TEST_F(AdvisorActionsTest, TheModeIsChosenAndExplained) {
     showAdvisor();
     EXPECT_EQ(currentMode(), u"Apprentice"_s);
