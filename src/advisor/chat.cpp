@@ -84,6 +84,7 @@ Outcome Chat::sendChatMessage() {
             Outcome::refused("A question may have at most 10,000 characters."));
     }
     setAIChatInput({});
+    state_.isOfService = false;
     state_.fallbackReason.clear();
     addMessage(ownerRole, question);
     return key_.readAccess(
@@ -144,6 +145,7 @@ void Chat::finishChatRequest(const std::optional<ProviderResult>& result,
         log.recordEvent(ActivityKind::localGuidance, state_.fallbackReason);
         record("Answered with on-device fallback guidance.");
     } else {
+        state_.isOfService = true;
         addMessage(advisorRole, std::get<std::string>(*result), true);
         log.recordEvent(ActivityKind::chat, eventDetail("Answered: ", question));
         record("Tallowcrest Chat answered.");

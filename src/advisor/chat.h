@@ -36,6 +36,8 @@ struct ChatState {
     /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
     /// The clock can be set back meanwhile; see `secondsWaited`.
     Date aiChatBusySince;
+    /// Whether the last answer is one of the service, and not of this machine.
+    bool isOfService = false;
     /// Why this machine gave the last answer although a service was asked, in the words of the
     /// activity log; empty otherwise.
     std::string fallbackReason;

@@ -313,7 +313,7 @@ void Provider::finishAIAnalysis(AnalysisResult result, bool runsSafeAction) {
         return;
     }
     Suggestions& suggestions = dependencies_.suggestions;
-    setAnswer(output->summary);
+    setAnswer(output->summary, true);
     suggestions.setAIActions(output->suggestions);
     suggestions.clearApprovals();
     dependencies_.drafts.generateRuleDrafts(output->suggestions);
@@ -365,8 +365,9 @@ Outcome Provider::copyAIPreview() {
                   : record(Outcome::refused("No AI payload preview is available yet."));
 }
 
-void Provider::setAnswer(std::string text) {
+void Provider::setAnswer(std::string text, bool isOfService) {
     ++state_.answers;
+    state_.isOfService = isOfService;
     setInsight(std::move(text));
 }
 

@@ -40,6 +40,8 @@ struct ProviderState {
     std::string aiInsight;
     /// Advances whenever `aiInsight` becomes what an analysis, or the refusal of one, says.
     std::uint64_t answers = 0;
+    /// Whether the last of these is of the service, and not of this machine.
+    bool isOfService = false;
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
     /// unlock the secret store. That includes the search for a stored key after the start.
     bool aiBusy = false;
@@ -162,7 +164,7 @@ private:
     /// `fellBack` says that a request to the provider has failed.
     Outcome composeOnDeviceAnalysis(bool fellBack);
     void setInsight(std::string text);
-    void setAnswer(std::string text);
+    void setAnswer(std::string text, bool isOfService = false);
     void setBusy(bool isBusy, bool isReadingKey = false);
     void setKeyBusy(bool isBusy);
     Outcome record(Outcome outcome) const;

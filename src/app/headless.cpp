@@ -179,8 +179,12 @@ private:
         advisor_.emplace(
             monitor, [this, &settings = monitor.settings()](const AdvisorAnswer& said) {
                 complainOf(said.note);
-                const Answer answer{options_.ask, said.text, *figures_, settings.warningThreshold,
-                                    settings.diskMinimumFreeGB};
+                const Answer answer{options_.ask,
+                                    said.text,
+                                    *figures_,
+                                    settings.warningThreshold,
+                                    settings.diskMinimumFreeGB,
+                                    said.isOfProvider};
                 const std::string text = options_.json ? answerJSON(answer) : answerBlock(answer);
                 finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
             });

@@ -63,9 +63,12 @@ void HeadlessAdvisor::goOn() {
     }
     isDone_ = true;
     if (isQuestion_) {
-        answered_({advisor.chat.aiChatMessages().back().text, advisor.chat.state().fallbackReason});
+        const ChatState& state = advisor.chat.state();
+        answered_(
+            {advisor.chat.aiChatMessages().back().text, state.isOfService, state.fallbackReason});
     } else {
-        answered_({advisor.provider.state().aiInsight, note_});
+        const ProviderState& state = advisor.provider.state();
+        answered_({state.aiInsight, state.isOfService, note_});
     }
 }
 

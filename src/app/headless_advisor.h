@@ -14,7 +14,8 @@ class SystemMonitor;
 /// What the advisor has said.
 struct AdvisorAnswer {
     std::string text;
-    std::string note = {};  ///< what the text does not tell; empty when there is nothing
+    bool isOfProvider = false;  ///< and not of this machine
+    std::string note = {};      ///< what the text does not tell; empty when there is nothing
 };
 
 /// Asks the advisor once, for its answer to a question or for an analysis, and passes on what it

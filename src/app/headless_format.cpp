@@ -234,6 +234,7 @@ std::string answerJSON(const Answer& answer) {
     return jsonLine({
         {"question", optionalJSON(answer.question)},
         {"answer", answer.text},
+        {"answeredBy", answer.isOfProvider ? "provider" : "device"},
         {"figures",
          {
              {"cpuPercent", snapshot.cpuPercent},

@@ -35,8 +35,9 @@ struct Answer {
     std::optional<std::string> question;  ///< absent for an analysis
     std::string text;
     const SystemSnapshot& snapshot;
-    double warningThreshold;   ///< percent
-    double diskMinimumFreeGB;  ///< gigabytes
+    double warningThreshold;    ///< percent
+    double diskMinimumFreeGB;   ///< gigabytes
+    bool isOfProvider = false;  ///< whether the provider says it, and not this machine
 };
 
 /// The answer with its line ends, and below it the figures and limits. Control characters as in
@@ -44,7 +45,8 @@ struct Answer {
 std::string answerBlock(const Answer& answer);
 
 /// The same as one line of JSON, line end included: `question` (null for an analysis), `answer`,
-/// and `figures` with the members of the snapshot that answers speak of, under their own names.
+/// `answeredBy` ("provider" or "device") and `figures` with the members of the snapshot that
+/// answers speak of, under their own names.
 std::string answerJSON(const Answer& answer);
 
 /// A measured area of the disk as one readable line, with a second one that says what the remainder

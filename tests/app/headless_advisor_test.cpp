@@ -47,6 +47,7 @@ protected:
         HeadlessAdvisor asked(machine.monitor(), [&](const AdvisorAnswer& said) {
             answers.push_back(said.text);
             note = said.note;
+            isOfProvider = said.isOfProvider;
         });
         outcome = asked.begin(question, mayBeSent);
         EXPECT_THAT(answers, IsEmpty()) << "on a later turn";
@@ -65,6 +66,7 @@ protected:
 
     Outcome outcome;
     std::string note;
+    bool isOfProvider = false;
     FakeAdvisorPorts ports;
     FakeMachine machine;
 };
@@ -161,9 +163,16 @@ TEST_F(HeadlessAdvisorTest, AFailedRequestGivesTheAnswerOfThisMachine) {
     EXPECT_THAT(answersTo("memory?"),
                 ElementsAre(StartsWith("Paid AI is currently unavailable, so here is the")));
     EXPECT_EQ(note, "Paid AI fallback: OpenAI request did not complete.");
+    EXPECT_FALSE(isOfProvider);
     ports.http->willSay("From far away.");
     EXPECT_THAT(answersTo("memory?"), ElementsAre("From far away."));
     EXPECT_EQ(note, "") << "the reason was that of the question before";
+    EXPECT_TRUE(isOfProvider);
+    EXPECT_THAT(answersTo(std::nullopt), ElementsAre("From far away."));
+    EXPECT_TRUE(isOfProvider);
+    ports.http->reply.reset();
+    answersTo(std::nullopt);
+    EXPECT_FALSE(isOfProvider);
 }
 
 TEST_F(HeadlessAdvisorTest, NothingThatAnAnalysisProposesIsRun) {

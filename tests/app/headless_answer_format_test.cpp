@@ -61,6 +61,9 @@ TEST(AnswerJSON, HasTheQuestionTheAnswerAndTheFigures) {
     const json object = json::parse(line);
     EXPECT_EQ(object.at("question"), "Größe?");
     EXPECT_EQ(object.at("answer"), "One.\nTwo \x1b.");
+    EXPECT_EQ(object.at("answeredBy"), "device");
+    EXPECT_EQ(json::parse(answerJSON({"?", "One.", snapshot, 82.0, 20.5, true})).at("answeredBy"),
+              "provider");
     const json& figures = object.at("figures");
     EXPECT_EQ(figures.at("cpuPercent"), 37.4);
     EXPECT_EQ(figures.at("memory").at("pressure"), 59.6);
