@@ -47,18 +47,20 @@ bool isTruncatedTo(std::string_view text, std::string_view name) {
 }  // namespace
 
 std::string_view commandOfFirstArgument(std::string_view firstArgument, std::string_view name) {
+    // Some service managers and login programs put a mark before the name.
+    if (firstArgument.size() > 1 &&
+        (firstArgument.starts_with('@') || firstArgument.starts_with('-'))) {
+        firstArgument.remove_prefix(1);
+    }
     const std::size_t end = firstArgument.find_first_of(": ");
-    if (firstArgument.empty()) {
+    const std::string_view program = firstArgument.substr(0, end);
+    // Programs that start themselves again by this link are told by nothing in it.
+    if (firstArgument.empty() || (program == "/proc/self/exe" && !name.empty())) {
         return name;
     }
     if (end == std::string_view::npos || name.empty() ||
         isTruncatedTo(lastPathComponent(firstArgument), name)) {
         return firstArgument;
-    }
-    std::string_view program = firstArgument.substr(0, end);
-    // Some service managers and login programs put a mark before the name.
-    if (program.starts_with('@') || program.starts_with('-')) {
-        program.remove_prefix(1);
     }
     if (isTruncatedTo(lastPathComponent(program), name)) {
         return program;

@@ -33,7 +33,14 @@ TEST(CommandOfFirstArgument, IsTheProgramWithoutTheRestOfATitle) {
         {"/opt/My App/bin/a-long-name-of-a-tool", "a-long-name-of-",
          "/opt/My App/bin/a-long-name-of-a-tool"},
         {"/opt/My App/bin/tool", "renamed", "/opt/My App/bin/tool"},
-        {"-bash", "bash", "-bash"},
+        {"-bash", "bash", "bash"},
+        {"-", "-", "-"},
+        {"-sh -l", "", "sh -l"},
+        // A link to the process's own program.
+        {"/proc/self/exe", "editor", "editor"},
+        {"/proc/self/exe --type=renderer", "editor", "editor"},
+        {"/proc/self/exe", "", "/proc/self/exe"},
+        {"/proc/self/exempt", "editor", "/proc/self/exempt"},
         {"(sd-pam)", "(sd-pam)", "(sd-pam)"},
         // A title set by the program.
         {"sshd: user@pts/0", "sshd", "sshd"},
