@@ -30,7 +30,9 @@ std::string uriFor(const Path& path, Access access) {
         const bool isSpecial = c == '?' || c == '#' || c == '%';
         uri += isSpecial ? fmt::format("%{:02X}", c) : std::string(1, c);
     }
-    return access == Access::immutable ? uri + "?immutable=1" : uri;
+    return access == Access::immutable  ? uri + "?immutable=1"
+           : access == Access::unshared ? uri + "?nolock=1"
+                                        : uri;
 }
 
 FileState stateFor(int result) {
@@ -58,7 +60,14 @@ Finding readUnchanged(const Path& file, Read read) {
             return finding;
         }
     }
-    return read(Access::readOnly);
+    Finding finding = read(Access::readOnly);
+    if (finding.state == FileState::inaccessible) {
+        // A read-only folder has no place for the index of the log, so nobody else can have it.
+        if (Finding unshared = read(Access::unshared); unshared.state != FileState::inaccessible) {
+            return unshared;
+        }
+    }
+    return finding;
 }
 
 /// The reason when that fails, else empty.
@@ -100,7 +109,9 @@ int SqliteConnection::open(const Path& path, Access access, std::chrono::millise
     sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    return execute("PRAGMA cell_size_check = ON");
+    // Then the index of the log is in memory.
+    const char* index = access == Access::unshared ? "PRAGMA locking_mode = EXCLUSIVE;" : "";
+    return execute(fmt::format("{}PRAGMA cell_size_check = ON", index));
 }
 
 int SqliteConnection::execute(const std::string& sql) {
@@ -176,6 +187,11 @@ Finding SettingsDatabase::openForWriting(const Path& file) {
     }
     settings_file::withdrawAccessOfOthers(file);
     finding = check(file, Access::readWrite);
+    if (finding.state == FileState::inaccessible &&
+        ::faccessat(AT_FDCWD, file.parent_path().c_str(), W_OK, AT_EACCESS) != 0) {
+        // The reason why the log's index cannot be made; SQLite's is that there is none.
+        finding.reason = std::strerror(errno);
+    }
     if (finding.state == FileState::usable) {
         // On a file system without shared memory this leaves the slower journal on.
         const int result =

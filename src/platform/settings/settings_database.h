@@ -30,6 +30,7 @@ public:
         readWrite,
         readOnly,
         immutable,  ///< for a file without a log: takes no lock and creates no other file
+        unshared,   ///< for a log whose index cannot be shared: the same, with the log
     };
 
     /// Opens an existing file; missing permission for `access` shows only at the first use. Waits
@@ -66,7 +67,8 @@ public:
     Finding create(const std::filesystem::path& file);
     /// Checks a file. Withdraws the access of others to it unless it is newer or foreign.
     Finding openForWriting(const std::filesystem::path& file);
-    /// Checks a file, changes nothing, and creates no file where there is no log to be read.
+    /// Checks a file, changes nothing, and creates no file where there is no log to be read, or
+    /// none can be created.
     Finding openForReading(const std::filesystem::path& file);
 
     /// As found on opening: those of our keys whose row cannot be decoded, is too large, or is

@@ -217,7 +217,7 @@ TEST_F(DamagedLog, AnInvalidLogInAReadOnlyFolderIsLeft) {
     fs::permissions(file.parent_path(), fs::perms(0500));
     const AsOrdinaryUser user(file.parent_path());
     const OpenedStore opened = open();
-    expectOneProblem(opened, "cannot be read, so defaults are used");
+    expectOneProblem(opened, "can be read but not changed");
     expectMemoryAlone(opened);
     EXPECT_TRUE(fileText(file.string() + "-wal") == log);
 }

@@ -335,6 +335,30 @@ TEST_F(OpenSettingsStore, ReadingSeesWhatAnotherProcessHasJustStored) {
     }
 }
 
+TEST_F(OpenSettingsStore, AReadOnlyFolderIsReadWithItsLatestChanges) {
+    {
+        const OpenedStore opened = open();
+        opened.store->write(keys::thresholdKey, 73.0);
+        keepFiles();
+    }
+    restoreFiles();
+    // Without it SQLite reads the log only where it can make one.
+    fs::remove(file.string() + "-shm");
+    ASSERT_GT(fs::file_size(file.string() + "-wal"), 0U);
+    fs::permissions(file.parent_path(), fs::perms(0500));
+    const AsOrdinaryUser user(file.parent_path());
+    const auto before = contents();
+    const OpenedStore looked = readSettingsStore(file);
+    EXPECT_THAT(looked.problems, IsEmpty());
+    EXPECT_EQ(looked.store->read(keys::thresholdKey), SettingsValue(73.0));
+    const OpenedStore opened = open();
+    expectOneProblem(opened, "can be read but not changed");
+    expectOneProblem(opened, "Permission denied");
+    EXPECT_EQ(opened.store->read(keys::thresholdKey), SettingsValue(73.0));
+    expectMemoryAlone(opened);
+    EXPECT_TRUE(contents() == before);
+}
+
 TEST_F(OpenSettingsStore, ReadingLeavesADamagedFileInPlace) {
     for (const auto& [size, words] :
          {std::pair{8192U, "the file is damaged"}, {7U, "cannot be read"}}) {
