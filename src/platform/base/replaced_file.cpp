@@ -57,9 +57,10 @@ std::string replaceFile(const std::filesystem::path& path, std::string_view text
     if (!folder.valid()) {
         return words(errno);
     }
-    // Always the same name, so that a killed program leaves at most one such file.
+    // Of this process, because another one may be writing the same file. What a killed one of the
+    // same PID has left is in the way.
     const std::string name = path.filename();
-    const std::string temporary = "." + name + ".part";
+    const std::string temporary = "." + name + "." + std::to_string(::getpid()) + ".part";
     ::unlinkat(folder.get(), temporary.c_str(), 0);
     const UniqueFD file(::openat(folder.get(), temporary.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// A file that another program reads at any time and that is replaced as a whole. Any thread.
+/// A file that another program reads at any time and that is replaced as a whole. Several processes
+/// may replace one file; the latest one wins. Any thread, one at a time for one file.
 namespace tallowcrest {
 
 /// Why `replaceFile` cannot work for this path, in the system's words; empty when it can be tried:

@@ -2,6 +2,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -38,7 +40,8 @@ TEST_F(ReplacedFileTest, WritesAFileThatEverybodyMayRead) {
 }
 
 TEST_F(ReplacedFileTest, ReplacesTheWholeFileAndLeavesNothingBeside) {
-    std::ofstream(root.path() / ".metrics.prom.part") << "of a killed program";
+    std::ofstream(root.path() / (".metrics.prom." + std::to_string(::getpid()) + ".part"))
+        << "of a killed program";
     EXPECT_EQ(replaceFile(path, "a longer text\n"), "");
     std::ifstream reader(path);
     EXPECT_EQ(replaceFile(path, "two\n"), "");
@@ -46,6 +49,26 @@ TEST_F(ReplacedFileTest, ReplacesTheWholeFileAndLeavesNothingBeside) {
     std::getline(reader, line);
     EXPECT_EQ(line, "a longer text") << "what has been opened stays as it was";
     EXPECT_EQ(fileText(path), "two\n");
+    EXPECT_THAT(namesIn(root.path()), ElementsAre("metrics.prom"));
+}
+
+TEST_F(ReplacedFileTest, TwoProcessesReplaceOneFile) {
+    const auto replaceOften = [this] {
+        std::string problem;
+        for (int i = 0; i < 2000 && problem.empty(); ++i) {
+            problem = replaceFile(path, std::string(1000, 'x') + '\n');
+        }
+        return problem;
+    };
+    const pid_t other = ::fork();
+    if (other == 0) {
+        ::_exit(replaceOften().empty() ? 0 : 1);
+    }
+    EXPECT_EQ(replaceOften(), "");
+    int status = -1;
+    ASSERT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0) << "the other process failed";
+    EXPECT_EQ(fileText(path), std::string(1000, 'x') + '\n');
     EXPECT_THAT(namesIn(root.path()), ElementsAre("metrics.prom"));
 }
 
