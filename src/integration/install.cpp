@@ -66,6 +66,10 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
     if (!hasProgram(plan, files)) {
         return {Outcome::refused("Could not locate the running app bundle.")};
     }
+    const Outcome done = Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.');
+    if (plan.isInstalled) {
+        return {done};
+    }
     if (files.isLink(plan.target)) {
         return {notCompleted(plan.shownTarget + " is a symbolic link.")};
     }
@@ -89,8 +93,7 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
     if (!files.exists(plan.installed)) {
         return {notCompleted(output.empty() ? "Try the installer script in outputs." : output)};
     }
-    return {Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.'),
-            makeEntries(plan, files, icon)};
+    return {done, makeEntries(plan, files, icon)};
 }
 
 }  // namespace

@@ -21,8 +21,14 @@ std::string shown(const std::string& path, const std::string& home) {
     return path.starts_with(home + '/') ? '~' + path.substr(home.size()) : path;
 }
 
+/// Whether that is the folder of the package, or of an installation without one.
+bool isInstalledForAll(const std::string& program) {
+    return program == "/usr/lib/tallowcrest" || program == "/usr/local/lib/tallowcrest";
+}
+
 std::string linuxTarget(const LinuxInstallPlaces& places) {
-    return places.home + "/.local/opt/tallowcrest";
+    return isInstalledForAll(places.program) ? places.program
+                                             : places.home + "/.local/opt/tallowcrest";
 }
 
 /// Without a slash at the end. Empty when an encoding is not valid, or stands for a NUL.
@@ -63,7 +69,8 @@ InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
             .installed = target + '/' + linuxProgram,
             .launcher = places.home + "/.local/bin/tallowcrest",
             .menuEntry = places.data + "/applications/tallowcrest.desktop",
-            .icon = places.data + "/icons/hicolor/scalable/apps/tallowcrest.svg"};
+            .icon = places.data + "/icons/hicolor/scalable/apps/tallowcrest.svg",
+            .isInstalled = isInstalledForAll(places.program)};
 }
 
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
@@ -106,7 +113,8 @@ InstallPlan macOSInstallPlan(std::string_view bundlePath) {
             .installed = installedBundle,
             .launcher = {},
             .menuEntry = {},
-            .icon = {}};
+            .icon = {},
+            .isInstalled = false};
 }
 
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {

@@ -19,6 +19,7 @@ struct InstallPlan {
     std::string launcher;
     std::string menuEntry;
     std::string icon;
+    bool isInstalled = false;  ///< for all users, and in `target`: nothing is to be made
 };
 
 /// What is in a folder under one name.
@@ -50,7 +51,9 @@ struct LinuxInstallPlaces {
 
 // Pure; any thread.
 
-/// Empty without a home directory: nothing can be installed, or started at login, then.
+/// Empty without a home directory: nothing can be installed, or started at login, then. A program
+/// that is installed for all users stays where it is: a copy of the user's own would be started in
+/// place of each later version of it.
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places);
 LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 

@@ -61,6 +61,21 @@ TEST_F(InstallTest, CopiesTheProgramsFilesOnLinux) {
               menuEntry(installedOnLinux));
 }
 
+TEST_F(InstallTest, AProgramThatIsInstalledForAllUsersIsNotCopied) {
+    for (const char* folder : {"/usr/lib/tallowcrest", "/usr/local/lib/tallowcrest"}) {
+        for (const char* name : {"tallowcrest", "tallowcrest-desktop", "tallowcrest-http.so"}) {
+            files->files[folder + std::string(1, '/') + name] = "";
+        }
+        LinuxInstallPlaces places = linuxPlaces;
+        places.program = folder;
+        InstallPorts ports = linuxPorts();
+        ports.install = linuxInstallPlan(places);
+        EXPECT_EQ(messageOf(ports), std::string("Installed Tallowcrest to ") + folder + '.');
+    }
+    EXPECT_THAT(launches(), IsEmpty());
+    EXPECT_THAT(files->changes, IsEmpty());
+}
+
 TEST_F(InstallTest, CopiesTheWholeBundleOnMacOS) {
     willInstall(installedOnMacOS);
     EXPECT_EQ(messageOf(macOSPorts()), "Installed Tallowcrest to /Applications.");

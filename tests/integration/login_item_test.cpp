@@ -55,6 +55,20 @@ TEST_F(LoginItemTest, WritesTheAutostartEntryOnLinux) {
     EXPECT_THAT(launches(), IsEmpty());
 }
 
+TEST_F(LoginItemTest, AProgramThatIsInstalledForAllUsersStartsBeforeACopyOfTheUsers) {
+    files->files["/home/o/.local/opt/tallowcrest/tallowcrest"] = "";
+    files->files["/usr/lib/tallowcrest/tallowcrest"] = "";
+    LinuxInstallPlaces places = linuxPlaces;
+    places.program = "/usr/lib/tallowcrest";
+    InstallPorts ports = linuxPorts();
+    ports.login = linuxLoginPlan(places);
+    item.emplace(with.services, tools, ports);
+    finish();
+    item->enableLaunchAtLogin();
+    EXPECT_EQ(finish(), "Enabled launch at login.");
+    EXPECT_EQ(files->files[autostart], autostartEntry("/usr/lib/tallowcrest/tallowcrest"));
+}
+
 TEST_F(LoginItemTest, StartsTheInstalledProgramOnceThereIsOne) {
     files->files["/Applications/Tallowcrest Pro.app"] = "";
     onMacOS().enableLaunchAtLogin();
