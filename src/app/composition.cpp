@@ -1,7 +1,8 @@
 #include "app/composition.h"
 
-#include <filesystem>
+#include <system_error>
 #include <utility>
+#include <variant>
 
 #include "actions/cache_purge.h"
 #include "app/console.h"
@@ -24,6 +25,13 @@ namespace {
 std::filesystem::path settingsFile() {
     const std::filesystem::path folder = host::dataDirectory();
     return folder.empty() ? folder : folder / "settings.sqlite";
+}
+
+/// A file that is missing has the earliest time.
+SettingsTimes timesOf(const std::filesystem::path& file) {
+    std::error_code ignored;
+    return {std::filesystem::last_write_time(file, ignored),
+            std::filesystem::last_write_time(file.native() + "-wal", ignored)};
 }
 
 OpenedStore openSettings(SettingsAccess access, Jobs& jobs, const Clock& clock,
@@ -119,6 +127,24 @@ void Composition::reportOutage(const std::string& problem) {
             monitor_->log().recordMessage(message);
         }
     });
+}
+
+void Composition::followWarningThreshold() {
+    constexpr int samplesBetween = 15;
+    if (++samples_ % samplesBetween != 0) {
+        return;
+    }
+    const std::filesystem::path file = settingsFile();
+    const SettingsTimes times = timesOf(file);
+    if (times == std::exchange(settingsTimes_, times)) {
+        return;
+    }
+    const OpenedStore now = readSettingsStore(file, {settings_keys::historyKey});
+    const auto stored = now.store->read(settings_keys::thresholdKey);
+    const double* threshold = stored ? std::get_if<double>(&*stored) : nullptr;
+    if (threshold != nullptr) {
+        monitor_->settingsOwner().set(&Settings::warningThreshold, *threshold);
+    }
 }
 
 Composition::~Composition() {

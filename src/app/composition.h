@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,6 +23,9 @@
 #include "platform/tools/tool_launcher_posix.h"
 
 namespace tallowcrest {
+
+/// When the settings file and its log were changed last.
+using SettingsTimes = std::array<std::filesystem::file_time_type, 2>;
 
 /// What a program may do with the owner's stored settings.
 enum class SettingsAccess {
@@ -61,6 +66,10 @@ public:
     /// Must not be called once `shutDown` has returned true: there is no monitor any more.
     SystemMonitor& monitor() { return *monitor_; }
 
+    /// Takes over the warning threshold that another program has stored. To be called once per
+    /// sample; looks for one each fifteenth time, because a window stores something all the time.
+    void followWarningThreshold();
+
     /// The deadline of the slowest tool.
     static constexpr std::chrono::milliseconds longestToolDeadline{2000};
 
@@ -81,6 +90,8 @@ private:
     Jobs jobs_;
     JobScope ownJobs_;
     OpenedStore settings_;
+    SettingsTimes settingsTimes_ = {};  ///< when the threshold was last looked for
+    int samples_ = 0;
     std::optional<SystemMonitor> monitor_;
 };
 

@@ -239,8 +239,12 @@ int sampleUntilDone(const Options& options, AdvisorPorts provider, RunLoop& loop
         };
     }
     SamplePrinter printer(options, loop);
-    Composition composition(loop, SettingsAccess::readOnly, std::move(services),
-                            [&] { printer.print(composition.monitor()); });
+    Composition composition(loop, SettingsAccess::readOnly, std::move(services), [&] {
+        if (options.openMetrics) {
+            composition.followWarningThreshold();
+        }
+        printer.print(composition.monitor());
+    });
     composition.monitor().startMonitoring(intervalOf(options));
     const int status = loop.run();
     if (!composition.shutDown()) {

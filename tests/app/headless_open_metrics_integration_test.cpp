@@ -7,6 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/app/headless_program.h"
+#include "tests/app/stored_setting.h"
+#include "tests/platform/support/started_program.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_text.h"
 #include "tests/support/names_in.h"
 #include "tests/support/temporary_folder.h"
@@ -42,6 +45,36 @@ TEST(HeadlessOpenMetrics, WritesToStandardOutput) {
     const ProgramResult result = run({"--headless", "--openmetrics", "-", "--samples", "1"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.standardOutput, isOneSample);
+}
+
+TEST(HeadlessOpenMetrics, FollowsTheThresholdThatAnotherProgramStores) {
+    const PrivateData data;
+    const TemporaryFolder folder;
+    const std::string file = folder.path("tallowcrest.prom");
+    const auto tells = [&](const std::string& ratio) {
+        return eventually([&] {
+            return fileText(file).find("\ntallowcrest_warning_threshold_ratio " + ratio + '\n') !=
+                   std::string::npos;
+        });
+    };
+    storeSetting(data, settings_keys::thresholdKey, 90.0);
+    const StartedProgram sampler(
+        {program, "--headless", "--openmetrics", file, "--interval", "0.05"});
+    ASSERT_TRUE(tells("0.9"));
+    storeSetting(data, settings_keys::thresholdKey, 60.0);
+    EXPECT_TRUE(tells("0.6"));
+
+    // One that goes on has its changes in the log, for a while.
+    ManualMainQueue mainQueue;
+    ManualWorkQueue workQueue;
+    Jobs jobs(mainQueue, workQueue);
+    const ManualClock clock;
+    const OpenedStore other = openSettingsStore(data.folder() / "tallowcrest" / "settings.sqlite",
+                                                {.jobs = jobs, .clock = clock, .reportOutage = {}});
+    for (const auto& [threshold, ratio] : {std::pair{70.0, "0.7"}, {75.0, "0.75"}}) {
+        other.store->write(settings_keys::thresholdKey, threshold);
+        EXPECT_TRUE(tells(ratio));
+    }
 }
 
 TEST(HeadlessOpenMetrics, APathThatCannotBeWrittenEndsWithOneLine) {
