@@ -1,6 +1,9 @@
 #include "app/open_metrics.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <regex>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -9,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/file_text.h"
 #include "tests/support/lines_of.h"
 
 namespace tallowcrest {
@@ -123,6 +127,33 @@ TEST(OpenMetrics, RecommendationsHaveNoFiguresAndNamesInTheirLabels) {
     EXPECT_EQ(std::ranges::count_if(
                   lines, [](const auto& line) { return line.ends_with("is using N GB\"} 1"); }),
               1);
+}
+
+/// The names of series in a text. Those of files have a dot behind them.
+std::set<std::string> seriesNamedIn(const std::string& text) {
+    static const std::regex name("\\btallowcrest_[a-z_]+");
+    return {std::sregex_token_iterator(text.begin(), text.end(), name),
+            std::sregex_token_iterator()};
+}
+
+TEST(OpenMetrics, HasEachSeriesThatTheDocumentsForAdministratorsName) {
+    namespace fs = std::filesystem;
+    const fs::path documents = TALLOWCREST_SOURCE_DIR "/docs";
+    std::vector<fs::path> files{documents / "fleet.md"};
+    for (const auto& entry : fs::directory_iterator(documents / "fleet")) {
+        files.push_back(entry.path());
+    }
+    const std::string told =
+        openMetrics(roundSnapshot(), {advice("Save", Recommendation::Severity::urgent)}, 80.0);
+    std::set<std::string> named;
+    for (const fs::path& file : files) {
+        for (const std::string& name : seriesNamedIn(fileText(file))) {
+            EXPECT_THAT(told, HasSubstr("\n# HELP " + name + ' ')) << file;
+            named.insert(name);
+        }
+    }
+    // And the other way round, so that none is missing in them.
+    EXPECT_EQ(named, seriesNamedIn(told));
 }
 
 }  // namespace
