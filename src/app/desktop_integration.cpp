@@ -37,7 +37,10 @@ UpdatePorts desktopUpdatePorts() {
     return {.transport = std::make_shared<UpdateModule>(),
             .images = std::make_shared<PosixImageFolder>(temporaryFolder()),
             .build = updateBuild(),
-            .openFile = desktop::openFile,
+            .openFile =
+                [](const std::string& path, std::function<void(bool)> told) {
+                    return desktop::openFile(path, std::move(told));
+                },
             .openAddress = desktop::openAddress,
             .isUnderTest = qEnvironmentVariableIsSet("XCTestConfigurationFilePath")};
 }

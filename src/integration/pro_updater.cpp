@@ -152,8 +152,15 @@ void ProUpdater::finishDownload(const Downloaded& downloaded) {
         return;
     }
     const std::string& path = std::get<std::string>(downloaded);
-    if (!ports_.openFile || !ports_.openFile(path)) {
-        show({downloadFailedAlert("No application opens " + path)});
+    const auto told = [this, path](bool isOpened) {
+        if (!isOpened) {
+            show({downloadFailedAlert("No application opens " + path)});
+        }
+    };
+    if (ports_.openFile) {
+        opening_ = ports_.openFile(path, told);
+    } else {
+        told(false);
     }
 }
 

@@ -93,6 +93,7 @@ private:
     std::unique_ptr<Observable> observable_;
     State state_;
     std::deque<Shown> alerts_;
+    std::unique_ptr<FileOpening> opening_;  ///< of the latest image; null before the first one
     JobScope jobs_;
     StoppableRun downloading_;
 };

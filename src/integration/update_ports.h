@@ -91,6 +91,13 @@ public:
     virtual void remove(const std::string& path) = 0;
 };
 
+/// A file that the desktop was asked to open. Destroying it does not close the file; what became of
+/// it is then not told any more. Main thread.
+class FileOpening {
+public:
+    virtual ~FileOpening() = default;
+};
+
 /// Values of the build.
 struct UpdateBuild {
     std::string feed = {};         ///< the address of the feed; empty: there is none
@@ -108,9 +115,14 @@ struct UpdatePorts {
     std::shared_ptr<UpdateTransport> transport = {};
     std::shared_ptr<ImageFolder> images = {};
     UpdateBuild build = {};
-    /// Opens a file by its absolute path, or an address of the web, with what the desktop has for
-    /// it. False when there is nothing. Main thread.
-    std::function<bool(const std::string& path)> openFile = {};
+    /// Opens a file by its absolute path with what the desktop has for it, and returns at once.
+    /// `told` is called once, perhaps before that, with whether there is something that opens it.
+    /// It must not destroy the result. Main thread.
+    std::function<std::unique_ptr<FileOpening>(const std::string& path,
+                                               std::function<void(bool isOpened)> told)>
+        openFile = {};
+    /// Opens an address of the web. False when there is nothing for it, as far as that is known at
+    /// once. Main thread.
     std::function<bool(const std::string& url)> openAddress = {};
     bool isUnderTest = false;  ///< no check by itself
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "advisor/advisor_ports.h"
 #include "disk/disk_ports.h"
 #include "integration/notification_center.h"
+#include "integration/update_ports.h"
 #include "sampling/command_safety_policy.h"
 #include "sampling/tool_launcher.h"
 
@@ -35,9 +37,11 @@ void storeOnClipboard(const std::string& text);
 /// immediately. Failures are ignored.
 void revealFile(const std::filesystem::path& file);
 
-/// Opens a file by its absolute path, or an address of the web, with what the desktop has for it.
-/// Returns false when there is nothing for it, as far as that is known at once.
-bool openFile(const std::string& path);
+/// As `UpdatePorts` says. Where opening goes on for longer than `patience`, the file counts as
+/// opened: what shows it can be what was waited for.
+std::unique_ptr<FileOpening> openFile(
+    const std::string& path, std::function<void(bool)> told,
+    std::chrono::milliseconds patience = std::chrono::seconds(10));
 bool openAddress(const std::string& url);
 
 /// Asks for one folder in a dialog of the active window, as `DiskDesktopPorts::chooseFolder` says.

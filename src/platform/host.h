@@ -78,6 +78,10 @@ LoginPlan loginPlan();
 /// How the names of packages of this program end, ".deb".
 std::string packageEnding();
 
+/// The program that opens a file with what the desktop has for it, and fails when there is nothing.
+/// A name is one that PATH is searched for.
+std::string fileOpener();
+
 /// The absolute paths of the system's process viewers, in the order in which to try them. Not all
 /// of them need be installed.
 std::vector<std::string> activityMonitors();

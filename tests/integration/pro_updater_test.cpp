@@ -278,9 +278,11 @@ TEST_F(ProUpdaterTest, EachFailureOfADownloadIsShownAndNothingIsOpened) {
 }
 
 TEST_F(ProUpdaterTest, AnImageThatNothingOpensIsNamed) {
-    updates.opens = false;
+    updates.opens = std::nullopt;
     startDownload();
     with.finishWork();
+    EXPECT_EQ(updater().alert(), nullptr) << "it is not known yet";
+    updates.toldOpening(false);
     EXPECT_THAT(alert().text,
                 HasSubstr("No application opens /tmp/Tallowcrest-Pro-1.2-build42.deb"));
 }

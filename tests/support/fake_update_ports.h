@@ -140,14 +140,18 @@ struct FakeUpdates {
                 .images = images,
                 .build = build,
                 .openFile =
-                    [this](const std::string& path) {
+                    [this](const std::string& path, const std::function<void(bool)>& told) {
                         opened.push_back(path);
-                        return opens;
+                        if (opens) {
+                            told(*opens);
+                        }
+                        toldOpening = told;
+                        return std::make_unique<FileOpening>();
                     },
                 .openAddress =
                     [this](const std::string& url) {
                         opened.push_back(url);
-                        return opens;
+                        return opens.value_or(false);
                     },
                 .isUnderTest = isUnderTest};
     }
@@ -159,7 +163,8 @@ struct FakeUpdates {
                       .version = "1.1",
                       .build = "41",
                       .imageEnding = ".deb"};
-    bool opens = true;
+    std::optional<bool> opens = true;                     ///< absent: it is not known at once
+    std::function<void(bool isOpened)> toldOpening = {};  ///< tells of the latest file
     bool isUnderTest = false;
     std::vector<std::string> opened;
 };

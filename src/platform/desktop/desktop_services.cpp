@@ -4,29 +4,22 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QString>
 #include <QUrl>
 
-#include "platform/base/environment.h"
+#include "platform/desktop/environment_of_others.h"
 #include "platform/host.h"
 
 namespace tallowcrest::desktop {
 namespace {
 
-/// Starts the program without this program's activation token.
 bool start(const QString& program) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* variable : activationVariables) {
-        environment.remove(QString::fromLatin1(variable));
-    }
     QProcess process;
     process.setProgram(program);
-    process.setProcessEnvironment(environment);
+    process.setProcessEnvironment(environmentOfOthers());
     return process.startDetached();
 }
 
@@ -44,10 +37,6 @@ bool open(const QFileInfo& application, const CommandSafetyPolicy::AllowedExecut
 
 void storeOnClipboard(const std::string& text) {
     QGuiApplication::clipboard()->setText(QString::fromStdString(text));
-}
-
-bool openFile(const std::string& path) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QFile::decodeName(path.c_str())));
 }
 
 bool openAddress(const std::string& url) {

@@ -26,6 +26,10 @@ std::string packageEnding() {
     return ".deb";
 }
 
+std::string fileOpener() {
+    return "xdg-open";
+}
+
 Places places() {
     return {.tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
 }

@@ -107,9 +107,10 @@ protected:
                   .version = "1.1",
                   .build = "41",
                   .imageEnding = ".deb"},
-        .openFile = [this](const std::string& path) {
+        .openFile = [this](const std::string& path, const std::function<void(bool)>& told) {
             opened_.push_back(path);
-            return true;
+            told(true);
+            return std::make_unique<FileOpening>();
         }};
 };
 
