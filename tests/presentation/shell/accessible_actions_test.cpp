@@ -1,5 +1,6 @@
 #include <functional>
 #include <set>
+#include <string>
 #include <vector>
 
 #include <QAccessible>
@@ -118,6 +119,7 @@ std::vector<Place> places() {
                  rig.openSettings(tab);
              }});
     }
+    all.push_back({u"settings with a key"_s, AppRoute::chat, &Rig::openSettingsWithKey});
     all.push_back({u"settings, stopped"_s, AppRoute::chat, [](Rig& rig) {
                        engageStop(rig);
                        rig.openSettings(SettingsTabKind::safety);
@@ -173,7 +175,12 @@ class AccessibleActionsTest : public WindowFixture {
 protected:
     struct Listed {
         QString identity;
-        std::vector<Operation> operations;
+        std::vector<Operation> operations;  ///< none when it is disabled
+    };
+    /// The identities of the controls that were found.
+    struct Found {
+        std::set<QString> walked;    ///< operated at the first place where they are enabled
+        std::set<QString> disabled;  ///< somewhere
     };
     struct Effect {
         std::string before;
@@ -207,21 +214,30 @@ protected:
             listed.push_back({identityOf(rig, *each), operationsOf(*each)});
             objects.insert(each->object());
         }
-        for (const QWidget* each : rig.walked().findChildren<QWidget*>()) {
-            if (isControl(*each) && each->isVisible() && each->isEnabled() &&
-                each->window() == &rig.walked()) {
+        for (QWidget* each : rig.walked().findChildren<QWidget*>()) {
+            if (!isControl(*each) || !each->isVisible() || each->window() != &rig.walked()) {
+                continue;
+            }
+            if (each->isEnabled()) {
                 EXPECT_THAT(objects, Contains(each)) << each->objectName().toStdString();
+            } else {
+                listed.push_back(
+                    {identityOf(rig, *QAccessible::queryAccessibleInterface(each)), {}});
             }
         }
         return listed;
     }
 
-    /// Operates each control of the places that is not in `walked`, by both ways.
-    static void walk(const std::vector<Place>& places, std::set<QString>& walked) {
+    /// Operates each control of the places that was not walked before, by both ways.
+    static void walk(const std::vector<Place>& places, Found& found) {
         for (const Place& place : places) {
             const std::vector<Listed> controls = controlsAt(place);
             for (std::size_t i = 0; i < controls.size(); ++i) {
-                if (!walked.insert(controls[i].identity).second) {
+                if (controls[i].operations.empty()) {
+                    found.disabled.insert(controls[i].identity);
+                    continue;
+                }
+                if (!found.walked.insert(controls[i].identity).second) {
                     continue;
                 }
                 for (const Operation& operation : controls[i].operations) {
@@ -249,8 +265,16 @@ protected:
 };
 
 TEST_F(AccessibleActionsTest, DoWhatTheHandDoes) {
-    std::set<QString> walked;
-    walk(places(), walked);
+    Found found;
+    walk(places(), found);
+    const std::set<QString>& walked = found.walked;
+    std::vector<std::string> neverEnabled;
+    for (const QString& identity : found.disabled) {
+        if (!walked.contains(identity)) {
+            neverEnabled.push_back(identity.toStdString());
+        }
+    }
+    EXPECT_THAT(neverEnabled, testing::ElementsAre());
     for (const char* each :
          {"never-quit", "review-disk-cleanup", "find-offenders", "disk-autopilot-receipt-undo",
           "disk-autopilot-receipt-progress-stop", "cleanup-progress-stop", "scan-progress-stop",
@@ -301,16 +325,27 @@ Place planted(const std::function<QPushButton*(Rig&)>& make) {
 }
 
 TEST_F(AccessibleActionsTest, TheWalkFindsAControlWithoutEffect) {
-    std::set<QString> walked;
+    Found found;
     const Place place = planted([](Rig& rig) { return new QPushButton(&rig.walked()); });
-    EXPECT_NONFATAL_FAILURE(walk({place}, walked), "nothing changes");
-    EXPECT_THAT(walked, Contains(u"tallowcrest::SetupWizard setup.planted"_s));
+    EXPECT_NONFATAL_FAILURE(walk({place}, found), "nothing changes");
+    EXPECT_THAT(found.walked, Contains(u"tallowcrest::SetupWizard setup.planted"_s));
+}
+
+TEST_F(AccessibleActionsTest, TheWalkFindsAControlThatIsDisabled) {
+    Found found;
+    walk({planted([](Rig& rig) {
+             auto* button = new QPushButton(&rig.walked());
+             button->setEnabled(false);
+             return button;
+         })},
+         found);
+    EXPECT_THAT(found.disabled, Contains(u"tallowcrest::SetupWizard setup.planted"_s));
 }
 
 TEST_F(AccessibleActionsTest, TheWalkFindsAControlThatActionsDoNotReach) {
-    std::set<QString> walked;
+    Found found;
     const Place place = planted([](Rig& rig) { return new PointerOnlyButton(rig); });
-    EXPECT_NONFATAL_FAILURE(walk({place}, walked), "byHand.after");
+    EXPECT_NONFATAL_FAILURE(walk({place}, found), "byHand.after");
 }
 
 TEST_F(AccessibleActionsTest, EachEntryOfTheMenusDoesSomething) {

@@ -9,6 +9,7 @@
 
 #include "actions/actions.h"
 #include "actions/local_actions.h"
+#include "advisor/advisor.h"
 #include "integration/integration.h"
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/menu_bar_entries.h"
@@ -18,6 +19,7 @@
 #include "presentation/shell/update_dialog.h"
 #include "presentation/words/dashboard_text.h"
 #include "tests/presentation/window_fixture.h"
+#include "tests/support/fake_advisor_ports.h"
 #include "tests/support/fake_disk_ports.h"
 #include "tests/support/fake_installation_files.h"
 #include "tests/support/fake_update_ports.h"
@@ -28,6 +30,7 @@ namespace tallowcrest {
 
 /// What outlives the window.
 struct RigPorts {
+    FakeAdvisorPorts advisor;
     FakeDiskPorts disk;
     FakeUpdates updates;
     std::shared_ptr<FakeInstallationFiles> files = std::make_shared<FakeInstallationFiles>();
@@ -44,6 +47,7 @@ public:
     Rig() {
         fillDisk();
         makeInstallable();
+        machine.advisor = advisor.ports();
         updates.isUnderTest = true;  // no check by itself
         machine.updates = updates.ports();
         machine.openActivityMonitor = [this] {
@@ -65,6 +69,13 @@ public:
         window().state().navigation.setShowSettings(true);
         settle();
         walked_ = window().findChild<SettingsSheet*>();
+    }
+    void openSettingsWithKey() {
+        Provider& provider = machine.monitor().advisor().provider;
+        provider.setOpenAIKeyInput(SecretText("sk-mine"));
+        provider.saveOpenAIKey();
+        finishWork();
+        openSettings(SettingsTabKind::ai);
     }
     void ask() {
         actions().local.requestPurge();
