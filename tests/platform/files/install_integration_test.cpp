@@ -11,6 +11,7 @@
 #include "platform/tools/tool_launcher_posix.h"
 #include "tests/platform/trash/own_mounts.h"
 #include "tests/support/names_in.h"
+#include "tests/support/run_program.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/test_services.h"
 
@@ -82,6 +83,18 @@ TEST_F(InstallIntegration, InstallsTheProgramAndWhatLeadsToIt) {
               menuEntry(target() + "/tallowcrest"));
     EXPECT_EQ(folder_.read("home/.local/share/icons/hicolor/scalable/apps/tallowcrest.svg"),
               "<svg/>");
+}
+
+TEST_F(InstallIntegration, DesktopsAcceptTheEntries) {
+    ASSERT_EQ(install(), done);
+    ASSERT_EQ(enableLogin(), "Enabled launch at login.");
+    for (const char* entry : {"home/.local/share/applications/tallowcrest.desktop",
+                              "home/.config/autostart/tallowcrest.desktop"}) {
+        const ProgramResult judged = runProgram(
+            {.path = "/usr/bin/desktop-file-validate", .arguments = {folder_.path(entry)}});
+        EXPECT_EQ(judged.status, 0) << judged.standardOutput;
+        EXPECT_EQ(judged.standardOutput, "");
+    }
 }
 
 TEST_F(InstallIntegration, ReplacesAnOlderInstallationAndRemovesWhatItHadMore) {

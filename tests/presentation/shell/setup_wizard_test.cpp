@@ -7,6 +7,7 @@
 
 #include "core/settings/settings_owner.h"
 #include "presentation/widgets/card.h"
+#include "tests/presentation/shown_texts.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_installation_files.h"
 
@@ -44,6 +45,16 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(&wizard()));
     }
 };
+
+TEST_F(SetupWizardTest, BeginsWithItsTitleAndWhatItIsFor) {
+    openWizard();
+    std::vector<std::string> texts = shownTexts(wizard());
+    ASSERT_GE(texts.size(), 2U);
+    texts.resize(2);
+    EXPECT_THAT(texts, testing::ElementsAre("Set Up Tallowcrest",
+                                            "A quick pass through the settings that make this "
+                                            "useful every day."));
+}
 
 // The keyboard -----------------------------------------------------------------------------------
 
