@@ -12,6 +12,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPixmap>
+#include <QRect>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
@@ -21,9 +22,12 @@ namespace {
 
 constexpr QChar dot = u'\u2022';
 
-/// Qt's own interface of a text field tells each inserted text, that of a password too. This one
-/// has no text to read and can only be written to.
-class SecretInterface final : public QAccessibleWidget, public QAccessibleEditableTextInterface {
+/// Qt's own interface of a text field would put what is written through it into the field. By this
+/// one the secret is written, and dots are read. Qt's bridge asks each text that can be written for
+/// what can be read of it.
+class SecretInterface final : public QAccessibleWidget,
+                              public QAccessibleTextInterface,
+                              public QAccessibleEditableTextInterface {
 public:
     explicit SecretInterface(SecretField* field)
         : QAccessibleWidget(field, QAccessible::EditableText) {}
@@ -36,6 +40,9 @@ public:
     }
 
     void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::TextInterface && isValid()) {
+            return static_cast<QAccessibleTextInterface*>(this);
+        }
         if (type == QAccessible::EditableTextInterface && isValid()) {
             return static_cast<QAccessibleEditableTextInterface*>(this);
         }
@@ -47,15 +54,45 @@ public:
     }
     void insertText(int offset, const QString& text) override { replaceText(offset, offset, text); }
     void replaceText(int startOffset, int endOffset, const QString& text) override {
-        auto* field = qobject_cast<SecretField*>(object());
-        if (field == nullptr || !field->isEnabled()) {
-            return;
+        if (field().isEnabled()) {
+            setSelection(0, startOffset, endOffset);
+            field().insert(text);
         }
-        const auto length = static_cast<int>(field->text().size());
-        const int start = std::clamp(startOffset, 0, length);
-        field->setSelection(start, std::clamp(endOffset, start, length) - start);
-        field->insert(text);
     }
+
+    QString text(int startOffset, int endOffset) const override {
+        return field().text().mid(startOffset, endOffset - startOffset);
+    }
+    using QAccessibleWidget::text;
+    int characterCount() const override { return field().length(); }
+    int cursorPosition() const override { return field().cursorPosition(); }
+    void setCursorPosition(int position) override { field().setCursorPosition(position); }
+    int selectionCount() const override { return field().hasSelectedText() ? 1 : 0; }
+    void selection(int, int* startOffset, int* endOffset) const override {
+        *startOffset = std::max(field().selectionStart(), 0);
+        *endOffset = *startOffset + static_cast<int>(field().selectedText().size());
+    }
+    void addSelection(int startOffset, int endOffset) override {
+        setSelection(0, startOffset, endOffset);
+    }
+    void removeSelection(int) override { field().deselect(); }
+    void setSelection(int, int startOffset, int endOffset) override {
+        const int start = std::clamp(startOffset, 0, characterCount());
+        field().setSelection(start, std::clamp(endOffset, start, characterCount()) - start);
+    }
+    QRect characterRect(int) const override { return {}; }
+    int offsetAtPoint(const QPoint& point) const override {
+        return field().cursorPositionAt(field().mapFromGlobal(point));
+    }
+    void scrollToSubstring(int startIndex, int) override { setCursorPosition(startIndex); }
+    QString attributes(int, int* startOffset, int* endOffset) const override {
+        *startOffset = 0;
+        *endOffset = characterCount();
+        return {};
+    }
+
+private:
+    SecretField& field() const { return *static_cast<SecretField*>(object()); }
 };
 
 QAccessibleInterface* secretInterface(const QString&, QObject* object) {

@@ -179,6 +179,20 @@ class Memory(KeyTestCase):
         self.assertEqual(remains(key, program.pid), [])
 
 
+class AssistiveTechnology(KeyTestCase):
+    def test_it_writes_a_key_and_reads_dots(self):
+        from gi.repository import Atspi
+        program, window, _ = self.start_at_the_key()
+        field = window.find(Atspi.Role.PASSWORD_TEXT, "OpenAI API key")
+        for key in ("sk-first", "sk-assisted"):
+            field.set_text_contents(key)
+            eventually(lambda: field.get_character_count() == len(key), "the key has arrived")
+            self.assertEqual(field.get_text(0, len(key)), "\u2022" * len(key))
+        desktop.keys("Return")
+        eventually(self.has_key, "the key is stored")
+        self.assertTrue(program.is_running())
+
+
 class LockedKeyring(KeyTestCase):
     def test_the_window_tells_what_it_waits_for_and_stays_alive(self):
         from gi.repository import Atspi

@@ -17,9 +17,21 @@ namespace {
 
 /// What the field offers to assistive technology that can read texts, as Qt's bridge asks it.
 QString readableText(QAccessibleInterface& spoken) {
-    QAccessibleTextInterface* text = spoken.textInterface();
-    return spoken.text(QAccessible::Value) +
-           (text == nullptr ? QString() : text->text(0, text->characterCount()));
+    QAccessibleTextInterface& text = *spoken.textInterface();
+    return spoken.text(QAccessible::Value) + text.text(0, text.characterCount());
+}
+
+/// The texts of the reported changes.
+QString reportedTexts;
+void noteReportedText(QAccessibleEvent* event) {
+    if (event->type() == QAccessible::TextInserted) {
+        reportedTexts += static_cast<QAccessibleTextInsertEvent*>(event)->textInserted();
+    } else if (event->type() == QAccessible::TextRemoved) {
+        reportedTexts += static_cast<QAccessibleTextRemoveEvent*>(event)->textRemoved();
+    } else if (event->type() == QAccessible::TextUpdated) {
+        reportedTexts += static_cast<QAccessibleTextUpdateEvent*>(event)->textInserted();
+        reportedTexts += static_cast<QAccessibleTextUpdateEvent*>(event)->textRemoved();
+    }
 }
 
 class SecretFieldTest : public WidgetFixture {
@@ -68,8 +80,7 @@ TEST_F(SecretFieldTest, CannotBeCopied) {
 
 TEST_F(SecretFieldTest, AssistiveTechnologyWritesButNeverReadsIt) {
     QTest::keyClicks(&field, u"sk-abc"_s);
-    EXPECT_EQ(readableText(spoken()), QString());
-    EXPECT_EQ(spoken().textInterface(), nullptr) << "Qt would report each inserted text by it";
+    EXPECT_EQ(readableText(spoken()), QString(6, u'\u2022'));
     EXPECT_EQ(spoken().role(), QAccessible::EditableText);
     EXPECT_TRUE(spoken().state().passwordEdit);
     EXPECT_TRUE(spoken().state().focused);
@@ -82,6 +93,38 @@ TEST_F(SecretFieldTest, AssistiveTechnologyWritesButNeverReadsIt) {
     EXPECT_EQ(content(), "sk-xyz");
     writable->replaceText(-5, 500, u"all"_s);
     EXPECT_EQ(content(), "all") << "places beyond the text";
+}
+
+TEST_F(SecretFieldTest, AssistiveTechnologyIsToldOfNoCharacter) {
+    reportedTexts.clear();
+    QAccessible::setActive(true);
+    const QAccessible::UpdateHandler before = QAccessible::installUpdateHandler(noteReportedText);
+    QTest::keyClicks(&field, u"sk-abc"_s);
+    spoken().editableTextInterface()->replaceText(0, 6, u"sk-other"_s);
+    press(Qt::Key_Backspace);
+    QAccessible::installUpdateHandler(before);
+    QAccessible::setActive(false);
+    EXPECT_FALSE(reportedTexts.isEmpty());
+    EXPECT_EQ(reportedTexts, QString(reportedTexts.size(), u'\u2022'));
+}
+
+TEST_F(SecretFieldTest, AssistiveTechnologyMovesAndSelectsInIt) {
+    QTest::keyClicks(&field, u"sk-abc"_s);
+    QAccessibleTextInterface& text = *spoken().textInterface();
+    text.setCursorPosition(2);
+    EXPECT_EQ(text.cursorPosition(), 2);
+    EXPECT_EQ(text.selectionCount(), 0);
+    text.addSelection(3, 500);
+    int first = -1;
+    int end = -1;
+    text.selection(0, &first, &end);
+    EXPECT_EQ(text.selectionCount(), 1);
+    EXPECT_EQ(first, 3);
+    EXPECT_EQ(end, 6);
+    text.removeSelection(0);
+    EXPECT_EQ(text.selectionCount(), 0);
+    EXPECT_TRUE(text.attributes(0, &first, &end).isEmpty());
+    EXPECT_EQ(end, 6);
 }
 
 TEST_F(SecretFieldTest, IsEditedLikeAnotherField) {
