@@ -97,7 +97,11 @@ TrashOutcome FinderTrash::moveToTrash(const TrashRequest& request) {
 PutBackOutcome FinderTrash::putBack(const TrashItem& item) {
     using Result = PutBackOutcome::Result;
     struct stat status {};
-    if (::lstat(item.storedName.c_str(), &status) != 0 || identityOf(status) != item.identity) {
+    const bool isFound = ::lstat(item.storedName.c_str(), &status) == 0;
+    if (!isFound && errno != ENOENT && errno != ENOTDIR) {
+        return {Result::left, systemWords(errno)};
+    }
+    if (!isFound || identityOf(status) != item.identity) {
         return {Result::gone, "It is no longer in the Trash"};
     }
     const auto slash = item.path.rfind('/');

@@ -33,10 +33,10 @@ UniqueFD ownFolder(UniqueFD opened) {
     return status ? std::move(opened) : UniqueFD();
 }
 
-/// Opens a folder, which must belong to this user, or creates it.
-UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
+/// Opens a folder, which must belong to this user.
+UniqueFD openOwnFolder(int folder, const std::string& name, Links links, Missing missing) {
     UniqueFD opened = openAt(folder, name, links);
-    if (!opened.valid() && errno == ENOENT) {
+    if (!opened.valid() && errno == ENOENT && missing == Missing::created) {
         // Another thread may create it at the same time.
         if (::mkdirat(folder, name.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
             return {};
@@ -48,13 +48,14 @@ UniqueFD openOwnFolder(int folder, const std::string& name, Links links) {
 
 /// The folders in a trash folder that is open. Absent when the files would be on another volume
 /// than `folder`.
-std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links links) {
+std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links links,
+                                        Missing missing) {
     TrashFolder result;
     if (trash.valid()) {
-        result.files = openOwnFolder(trash.get(), "files", links);
+        result.files = openOwnFolder(trash.get(), "files", links, missing);
     }
     if (result.files.valid()) {
-        result.info = openOwnFolder(trash.get(), "info", links);
+        result.info = openOwnFolder(trash.get(), "info", links, missing);
     }
     if (!result.info.valid()) {
         return std::nullopt;
@@ -69,16 +70,17 @@ std::optional<TrashFolder> openContents(const UniqueFD& trash, int folder, Links
 }
 
 /// The owner of the home folder may have put the trash elsewhere by a link.
-std::optional<TrashFolder> openHomeTrash(const std::string& homeTrash, int folder) {
+std::optional<TrashFolder> openHomeTrash(const std::string& homeTrash, int folder,
+                                         Missing missing) {
     UniqueFD trash = openFolder(homeTrash);
-    if (!trash.valid() && errno == ENOENT) {
+    if (!trash.valid() && errno == ENOENT && missing == Missing::created) {
         if (const int error = makeDirectories(homeTrash); error != 0) {
             errno = error;
             return std::nullopt;
         }
         trash = openFolder(homeTrash);
     }
-    return openContents(ownFolder(std::move(trash)), folder, Links::followed);
+    return openContents(ownFolder(std::move(trash)), folder, Links::followed, missing);
 }
 
 /// The root of the volume of a folder, and the path from there to the folder.
@@ -143,25 +145,28 @@ std::optional<VolumeRoot> findVolumeRoot(int folder) {
 
 /// `.Trash` is the administrator's and for all users: it must be a real folder with the sticky bit,
 /// so that nobody can replace the folder of another user.
-std::optional<TrashFolder> openSharedTrash(int root, const std::string& user, int folder) {
+std::optional<TrashFolder> openSharedTrash(int root, const std::string& user, int folder,
+                                           Missing missing) {
     const UniqueFD shared = openFolderAt(root, ".Trash");
     const auto status = shared.valid() ? statusOf(shared.get()) : std::nullopt;
     if (!status || (status->mode & S_ISVTX) == 0) {
         return std::nullopt;
     }
-    return openContents(openOwnFolder(shared.get(), user, Links::refused), folder, Links::refused);
+    return openContents(openOwnFolder(shared.get(), user, Links::refused, missing), folder,
+                        Links::refused, missing);
 }
 
-std::optional<TrashFolder> openVolumeTrash(int folder, const std::string& name) {
+std::optional<TrashFolder> openVolumeTrash(int folder, const std::string& name, Missing missing) {
     const auto root = findVolumeRoot(folder);
     if (!root) {
         return std::nullopt;
     }
     const std::string user = std::to_string(::geteuid());
-    auto trash = openSharedTrash(root->folder.get(), user, folder);
+    auto trash = openSharedTrash(root->folder.get(), user, folder, missing);
     if (!trash) {
-        trash = openContents(openOwnFolder(root->folder.get(), ".Trash-" + user, Links::refused),
-                             folder, Links::refused);
+        trash = openContents(
+            openOwnFolder(root->folder.get(), ".Trash-" + user, Links::refused, missing), folder,
+            Links::refused, missing);
     }
     if (trash) {
         trash->restorePath = root->pathBelow.empty() ? name : root->pathBelow + '/' + name;
@@ -172,15 +177,18 @@ std::optional<TrashFolder> openVolumeTrash(int folder, const std::string& name) 
 }  // namespace
 
 std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
-                                           const std::string& path, const std::string& homeTrash) {
-    auto trash = homeTrash.empty() ? std::nullopt : openHomeTrash(homeTrash, folder);
+                                           const std::string& path, const std::string& homeTrash,
+                                           Missing missing) {
+    auto trash = homeTrash.empty() ? std::nullopt : openHomeTrash(homeTrash, folder, missing);
     if (trash) {
         trash->restorePath = path;
         return trash;
     }
     const int homeError = homeTrash.empty() ? EXDEV : errno;
-    trash = openVolumeTrash(folder, name);
-    if (!trash && homeError != EXDEV) {
+    trash = openVolumeTrash(folder, name, missing);
+    if (trash) {
+        trash->homeError = homeError == EXDEV ? 0 : homeError;
+    } else if (homeError != EXDEV) {
         errno = homeError;  // what the owner can mend
     }
     return trash;

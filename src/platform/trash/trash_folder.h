@@ -12,13 +12,19 @@ struct TrashFolder {
     UniqueFD files;
     UniqueFD info;
     std::string restorePath;  ///< the path that the `.trashinfo` of the file must bear
+    /// Why this is not the trash of the home folder, which may be on the file's volume; else 0.
+    int homeError = 0;
 };
+
+/// What becomes of folders that are missing.
+enum class Missing { created, refused };
 
 /// The trash folder for the file `name` in the open `folder`; `path` is the whole path. On the
 /// volume of `homeTrash` (an absolute path, empty when there is none) it is that one, else one at
-/// the root of the file's volume. Creates it when it is missing. Absent with `errno` when there is
-/// none that is safe to use. Any thread.
+/// the root of the file's volume. Absent with `errno` when there is none that is safe to use. Any
+/// thread.
 std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
-                                           const std::string& path, const std::string& homeTrash);
+                                           const std::string& path, const std::string& homeTrash,
+                                           Missing missing);
 
 }  // namespace tallowcrest

@@ -60,8 +60,8 @@ int renameIntoTrash(int folder, const std::string& name, const TrashFolder& tras
     return isRenamed ? 0 : errno;
 }
 
-/// At most so many bytes of an open file; fewer at its end and after an error.
-std::string readText(int file, std::size_t longest) {
+/// At most so many bytes of an open file, fewer at its end; absent with `errno` after an error.
+std::optional<std::string> readText(int file, std::size_t longest) {
     std::string text(longest, '\0');
     std::size_t length = 0;
     while (length < longest) {
@@ -69,22 +69,16 @@ std::string readText(int file, std::size_t longest) {
         if (count < 0 && errno == EINTR) {
             continue;
         }
-        if (count <= 0) {
+        if (count < 0) {
+            return std::nullopt;
+        }
+        if (count == 0) {
             break;
         }
         length += static_cast<std::size_t>(count);
     }
     text.resize(length);
     return text;
-}
-
-/// An open `.trashinfo` if its text is this one; else invalid.
-UniqueFD openInfo(const TrashFolder& trash, const std::string& storedName,
-                  const std::string& expected) {
-    UniqueFD info(::openat(trash.info.get(), trashInfoName(storedName).c_str(),
-                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    const bool isExpected = info.valid() && readText(info.get(), expected.size() + 1) == expected;
-    return isExpected ? std::move(info) : UniqueFD();
 }
 
 /// Whether what has this name in the folder is the open file.
@@ -170,7 +164,8 @@ XdgTrash::Move::Move(XdgTrash& owner, const TrashRequest& request)
     if (!why_.empty()) {
         return;
     }
-    trash_ = openTrashFolder(source_.folder.get(), source_.name, request.path, owner.homeTrash_);
+    trash_ = openTrashFolder(source_.folder.get(), source_.name, request.path, owner.homeTrash_,
+                             Missing::created);
     if (!trash_) {
         fail(errno);
         return;
@@ -331,23 +326,45 @@ TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
 
 PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     using Result = PutBackOutcome::Result;
+    const PutBackOutcome isGone{Result::gone, "It is no longer in the Trash"};
     const OpenedPlace place = openPlace(item.path, item.inside);
     const auto folder = place.folder.valid() ? statusOf(place.folder.get()) : std::nullopt;
     if (!folder) {
         return {Result::left, place.objection.empty() ? systemWords(errno) : place.objection};
     }
-    const auto trash = openTrashFolder(place.folder.get(), place.name, item.path, homeTrash_);
+    const auto trash =
+        openTrashFolder(place.folder.get(), place.name, item.path, homeTrash_, Missing::refused);
     if (!trash) {
-        return {Result::left, systemWords(errno)};
+        return {Result::left,
+                errno == ENOENT ? "The folder of the Trash is missing" : systemWords(errno)};
     }
+    // It can be in the trash of the home folder, if that is not to be had now.
+    const auto notFound = [&](int error) {
+        return error == ENOENT && trash->homeError == 0
+                   ? isGone
+                   : PutBackOutcome{Result::left,
+                                    systemWords(error == ENOENT ? trash->homeError : error)};
+    };
     // Held open, because its inode number is then not given to another file.
     const UniqueFD file(
         ::openat(trash->files.get(), item.storedName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     const auto stored = file.valid() ? statusOf(file.get()) : std::nullopt;
-    // Emptied, or emptied and used again: then another file or another time is described.
-    const UniqueFD info = openInfo(*trash, item.storedName, item.description);
-    if (!stored || stored->identity != item.identity || !S_ISREG(stored->mode) || !info.valid()) {
-        return {Result::gone, "It is no longer in the Trash"};
+    if (!stored) {
+        return notFound(errno);
+    }
+    if (stored->identity != item.identity || !S_ISREG(stored->mode)) {
+        return isGone;
+    }
+    const UniqueFD info(::openat(trash->info.get(), trashInfoName(item.storedName).c_str(),
+                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const auto text =
+        info.valid() ? readText(info.get(), item.description.size() + 1) : std::nullopt;
+    if (!text) {
+        return notFound(errno);
+    }
+    // The Trash was emptied and used again: then another file or another time is described.
+    if (*text != item.description) {
+        return isGone;
     }
     if (const int error = renameWithoutReplacing(trash->files.get(), item.storedName,
                                                  place.folder.get(), place.name);

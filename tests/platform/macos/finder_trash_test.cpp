@@ -134,6 +134,19 @@ TEST_F(FinderTrashTest, WhatTheSystemHidesCannotBePutBack) {
     EXPECT_FALSE(outcome.item);
 }
 
+TEST_F(FinderTrashTest, AFileThatCannotBeLookedAtIsNotTakenForGone) {
+    const TrashOutcome outcome = trash.moveToTrash(reviewed(write("caches/a")));
+    ASSERT_TRUE(outcome.item);
+    // A link to itself on the way fails for every account.
+    fs::rename(root / "Trash", root / "elsewhere");
+    fs::create_directory_symlink("Trash", root / "Trash");
+    const PutBackOutcome refused = trash.putBack(*outcome.item);
+    EXPECT_EQ(refused.result, Result::left);
+    EXPECT_EQ(refused.error, "Too many levels of symbolic links");
+    fs::remove(root / "Trash");
+    EXPECT_EQ(trash.putBack(*outcome.item).result, Result::gone);
+}
+
 TEST_F(FinderTrashTest, PutsNothingInThePlaceOfAnotherFileOrOutsideOfItsFolder) {
     const std::string path = write("caches/a");
     const TrashOutcome outcome = trash.moveToTrash(reviewed(path));

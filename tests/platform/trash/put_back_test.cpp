@@ -147,7 +147,7 @@ TEST_F(PutBackTest, APlaceOutsideTheCachesIsRefused) {
 
 TEST_F(PutBackTest, FromAnEmptiedTrashNothingComesBack) {
     const std::vector<std::function<void()>> emptyings{
-        [&] { fs::remove_all(homeTrash); }, [&] { fs::remove(homeTrash / "files/thumb"); },
+        [&] { fs::remove(homeTrash / "files/thumb"); },
         // Half way.
         [&] { fs::remove(homeTrash / "info/thumb.trashinfo"); }};
     for (const auto& empty : emptyings) {
@@ -202,12 +202,44 @@ TEST_F(PutBackTest, AFileThatWasTrashedAgainLaterIsNotTheOneOfTheCleanUp) {
     EXPECT_THAT(contents(), SizeIs(1));
 }
 
-TEST_F(PutBackTest, AnInfoThatIsALinkIsNotFollowed) {
+TEST_F(PutBackTest, WhatIsNoDescriptionIsNotRead) {
     const TrashItem item = trashed(inCache("a/thumb"));
     const fs::path info = homeTrash / "info/thumb.trashinfo";
     fs::rename(info, home / "elsewhere");
     fs::create_symlink(home / "elsewhere", info);
-    expectGone(item);
+    EXPECT_EQ(trash.putBack(item).error, "Too many levels of symbolic links");
+    fs::remove(info);
+    fs::create_directory(info);
+    const PutBackOutcome outcome = trash.putBack(item);
+    EXPECT_EQ(outcome.error, "Is a directory");
+    EXPECT_EQ(outcome.result, WayBack::left);
+    fs::remove(info);
+    fs::rename(home / "elsewhere", info);
+    EXPECT_EQ(trash.putBack(item).error, "");
+}
+
+TEST_F(PutBackTest, ATrashThatIsElsewhereForAWhileIsNotMadeAnew) {
+    const TrashItem item = trashed(inCache("a/thumb"));
+    fs::rename(homeTrash, home / "elsewhere");
+    const PutBackOutcome outcome = trash.putBack(item);
+    EXPECT_EQ(outcome.error, "The folder of the Trash is missing");
+    EXPECT_EQ(outcome.result, WayBack::left);
+    ASSERT_FALSE(fs::exists(homeTrash));
+    fs::rename(home / "elsewhere", homeTrash);
+    EXPECT_EQ(trash.putBack(item).error, "");
+}
+
+TEST_F(PutBackTest, TheTrashOfTheVolumeDoesNotStandInForThatOfTheHomeFolder) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        const TrashItem item = trashed(inCache("a/thumb"));
+        fs::create_directories(home / ".Trash-0/files");
+        fs::create_directories(home / ".Trash-0/info");
+        fs::rename(homeTrash, home / "elsewhere");
+        const PutBackOutcome outcome = trash.putBack(item);
+        EXPECT_EQ(outcome.error, "No such file or directory");
+        EXPECT_EQ(outcome.result, WayBack::left);
+    });
 }
 
 TEST_F(PutBackTest, AFileOfAnotherVolumeComesBackFromTheTrashOfThatVolume) {

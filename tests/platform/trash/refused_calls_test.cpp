@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -25,7 +26,21 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::SizeIs;
 
-class RefusedCallsTest : public TrashFixture {};
+class RefusedCallsTest : public TrashFixture {
+protected:
+    /// Gives up the rights of an administrator for good; what the test has made stays its own.
+    void becomeOrdinaryUser() const {
+        constexpr uid_t nobody = 65534;
+        if (::geteuid() != 0) {
+            return;
+        }
+        for (const auto& entry : fs::recursive_directory_iterator(folder.path())) {
+            ASSERT_EQ(::chown(entry.path().c_str(), nobody, nobody), 0);
+        }
+        ASSERT_EQ(::chown(folder.path().c_str(), nobody, nobody), 0);
+        ASSERT_EQ(::setresuid(nobody, nobody, nobody), 0);
+    }
+};
 
 /// Skips a test where this account may not refuse calls.
 #define REFUSE(call, error)                                   \
@@ -98,19 +113,54 @@ TEST_F(RefusedCallsTest, AFolderThatMayNotBeWrittenKeepsItsFiles) {
     inOwnProcess([&] {
         const std::string path = write(inCache("a/b"), "x");
         write(inCache("c"), "y");
-        if (::geteuid() == 0) {
-            constexpr uid_t nobody = 65534;
-            for (const auto& entry : fs::recursive_directory_iterator(folder.path())) {
-                ASSERT_EQ(::chown(entry.path().c_str(), nobody, nobody), 0);
-            }
-            ASSERT_EQ(::chown(folder.path().c_str(), nobody, nobody), 0);
-            ASSERT_EQ(::setresuid(nobody, nobody, nobody), 0);
-        }
+        becomeOrdinaryUser();
         fs::permissions(inCache("a"), fs::perms::owner_read | fs::perms::owner_exec);
         EXPECT_LEFT(trash.moveToTrash(reviewed(path)), "Permission denied");
         EXPECT_EQ(fileText(path), "x");
         EXPECT_EQ(trash.moveToTrash(reviewed(inCache("c"))).movedBytes, 1);
         fs::permissions(inCache("a"), fs::perms::owner_all);
+    });
+}
+
+TEST_F(RefusedCallsTest, ATrashThatMayNotBeReadKeepsItsFilesForALaterAttempt) {
+    inOwnProcess([&] {
+        const TrashItem item = trashed(inCache("a"), "x");
+        becomeOrdinaryUser();
+        for (const std::string part : {"", "files", "info", "info/a.trashinfo"}) {
+            SCOPED_TRACE(part);
+            const fs::path closed = homeTrash / part;
+            const fs::perms before = fs::status(closed).permissions();
+            fs::permissions(closed, fs::perms::none);
+            const PutBackOutcome outcome = trash.putBack(item);
+            EXPECT_EQ(outcome.result, PutBackOutcome::Result::left);
+            EXPECT_EQ(outcome.error, "Permission denied");
+            fs::permissions(closed, before);
+        }
+        EXPECT_EQ(trash.putBack(item).error, "");
+        EXPECT_EQ(fileText(inCache("a")), "x");
+    });
+}
+
+TEST_F(RefusedCallsTest, AProcessOutOfDescriptorsLosesNoFileOfTheTrash) {
+    inOwnProcess([&] {
+        const TrashItem item = trashed(inCache("a"), "x");
+        rlimit before{};
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+        const int next = ::dup(STDERR_FILENO);
+        ::close(next);
+        PutBackOutcome outcome;
+        int descriptors = -1;
+        do {
+            ++descriptors;
+            const rlimit fewer{static_cast<rlim_t>(next + descriptors), before.rlim_max};
+            ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &fewer), 0);
+            outcome = trash.putBack(item);
+            ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+            ASSERT_NE(outcome.result, PutBackOutcome::Result::gone) << descriptors;
+        } while (outcome.result == PutBackOutcome::Result::left);
+        EXPECT_GT(descriptors, 4);
+        EXPECT_EQ(fileText(inCache("a")), "x");
+        EXPECT_THAT(contents(), ::testing::IsEmpty());
     });
 }
 
