@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <span>
 
@@ -12,20 +13,39 @@
 namespace tallowcrest {
 namespace {
 
+namespace fs = std::filesystem;
 namespace policy = DiskAutopilotSafetyPolicy;
 
 /// Few enough that a stop has little to take back.
 constexpr std::size_t filesPreparedAtOnce = 16;
 
-/// The folder of the caches without links; empty when nothing may be taken for it.
-std::string cachesRoot(const CachesPlace& place) {
-    std::string root = resolvedPath(place.caches);
-    std::vector<std::string> kept;
-    for (const std::string& folder : place.kept) {
-        kept.push_back(resolvedPath(folder));
+struct CachesRoot {
+    std::string folder;      ///< that of the caches, without links; empty when it must not be used
+    std::string keptFolder;  ///< as in `DiskCleanupPlan`
+};
+
+/// Without links as far as they can be followed.
+std::string comparablePath(const std::string& path) {
+    std::string resolved = resolvedPath(path);
+    const fs::path written(path);
+    if (!resolved.empty() || !written.has_relative_path()) {
+        return resolved;
     }
-    return policy::isPossibleCachesFolder(root, resolvedPath(place.home), kept) ? root
-                                                                                : std::string();
+    return fs::path(comparablePath(written.parent_path())) / written.filename();
+}
+
+CachesRoot cachesRoot(const CachesPlace& place) {
+    const std::string root = resolvedPath(place.caches);
+    if (!root.starts_with('/')) {
+        return {};
+    }
+    if (policy::containsHome(root, comparablePath(place.home))) {
+        return {{}, place.home};
+    }
+    const auto overlapping = std::ranges::find_if(place.kept, [&](const std::string& folder) {
+        return policy::overlaps(root, comparablePath(folder));
+    });
+    return overlapping == place.kept.end() ? CachesRoot{root, {}} : CachesRoot{{}, *overlapping};
 }
 
 }  // namespace
@@ -35,7 +55,8 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
                                      const std::function<void(const SearchProgress&)>& progress,
                                      const std::stop_token& stop) {
     DiskCleanupPlan plan;
-    const std::string root = cachesRoot(request.place);
+    const auto [root, keptFolder] = cachesRoot(request.place);
+    plan.keptFolder = keptFolder;
     const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
     const std::int64_t cap = policy::byteCap(request.maxGB);
     const auto visit = [&](const FoundFile& file) {
@@ -76,7 +97,7 @@ void CleanupTally::count(const TrashOutcome& outcome) {
 void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& tally,
                    const std::function<void()>& progress, const Stop& stop,
                    const std::stop_token& stopToken) {
-    const std::string root = cachesRoot(request.place);
+    const std::string root = cachesRoot(request.place).folder;
     const std::int64_t cap = policy::byteCap(request.maxGB);
     const auto isStopped = [&] { return stop.isRequested() || stopToken.stop_requested(); };
     std::span<const CleanupCandidate> rest = request.files;

@@ -36,8 +36,8 @@ struct CacheScanRequest {
 };
 
 /// Makes a plan of the files that the policy allows. It is empty when the folder of the caches
-/// cannot be read. Ends soon after a stop is requested; the plan is then not complete. `progress`
-/// is called as `FileWalk` does.
+/// cannot be read, or overlaps with a folder of other files, which it then names. Ends soon after a
+/// stop is requested; the plan is then not complete. `progress` is called as `FileWalk` does.
 DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
                                      const Clock& clock,
                                      const std::function<void(const SearchProgress&)>& progress,

@@ -24,13 +24,9 @@ namespace receipts = disk_receipts;
 
 namespace {
 
-/// With "~" for the home directory at its beginning.
 std::string shownCachesFolder(const DiskPlaces& places) {
-    if (places.caches.empty()) {
-        return "the folder of the caches";
-    }
-    const bool isInHome = isInsideFolder(places.caches, places.home);
-    return shownPath(isInHome ? "~" + places.caches.substr(places.home.size()) : places.caches);
+    return places.caches.empty() ? "the folder of the caches"
+                                 : shownFolder(places.caches, places.home);
 }
 
 }  // namespace
@@ -111,98 +107,6 @@ bool DiskAutopilot::checkDiskAutopilot(const SystemSnapshot& snapshot, bool mayS
     setStatus(receipts::lowSpace);
     beginScan(Purpose::lowSpace);
     return true;
-}
-
-void DiskAutopilot::beginScan(Purpose purpose) {
-    purpose_ = purpose;
-    const Settings& settings = dependencies_.services.settings.values();
-    const DiskPlaces& places = dependencies_.ports.places;
-    scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
-                    policy::clampedMaxGB(settings.diskMaxCleanupGB)};
-    state_.scan.emplace();
-    observable_->changed();
-    scan_.begin().runWithProgress<SearchProgress>(
-        Lane::diskCleanup,
-        [walk = dependencies_.ports.walk, request = scanRequest_,
-         &clock = dependencies_.services.clock,
-         token = scan_.stopToken()](const Stop& stop, const auto& report) {
-            const EitherStop either(stop.stopToken(), token);
-            return buildDiskCleanupPlan(*walk, request, clock, report, either.token());
-        },
-        [this](SearchProgress progress) {
-            state_.scan = std::move(progress);
-            observable_->changed();
-        },
-        [this](DiskCleanupPlan plan) { finishScan(std::move(plan)); });
-}
-
-void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
-    if (scan_.isStopping()) {
-        scan_.end();
-        finishStoppedScan();
-        return;
-    }
-    scan_.end();
-    state_.scan.reset();
-    followEmergencyStop();
-    state_.diskCleanupPlan = std::move(plan);
-    observable_->changed();
-    if (purpose_ == Purpose::review) {
-        finishReview();
-    } else {
-        finishLowSpaceCheck();
-    }
-}
-
-void DiskAutopilot::finishStoppedScan() {
-    state_.scan.reset();
-    state_.isStopping = isAnyStopping();
-    observable_->changed();
-    if (purpose_ == Purpose::review) {
-        setStatus(receipts::reviewStopped);
-        dependencies_.services.log.recordMessage(std::string(receipts::reviewStopped));
-        return;
-    }
-    setStatus(receipts::lowSpaceCheckStopped);
-    dependencies_.services.log.recordEvent(
-        ActivityKind::diskAutopilotReceipt,
-        receipts::stoppedCheckReceipt(dependencies_.services.settings.values().diskMinimumFreeGB));
-}
-
-void DiskAutopilot::finishReview() {
-    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
-    if (plan.urls.empty()) {
-        setStatus(receipts::noneEligible);
-        dependencies_.services.log.recordMessage(receipts::noneFoundMessage(scanRequest_.ageDays));
-        return;
-    }
-    setStatus(receipts::ready(plan));
-    // The age that the files were chosen by, and the cap that a run would obey now.
-    dependencies_.services.confirmations.requestConfirmation(
-        receipts::request(plan, scanRequest_.ageDays,
-                          dependencies_.services.settings.values().diskMaxCleanupGB, caches_));
-}
-
-void DiskAutopilot::finishLowSpaceCheck() {
-    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
-    ActivityLog& log = dependencies_.services.log;
-    if (plan.urls.empty()) {
-        setStatus(receipts::lowSpaceNoneEligible);
-        log.recordEvent(ActivityKind::diskAutopilotReceipt,
-                        receipts::nothingEligibleReceipt(
-                            dependencies_.services.settings.values().diskMinimumFreeGB, caches_));
-        return;
-    }
-    const bool isTrusted = isAutopilotTrusted();
-    // What the owner puts back at this moment is not to be moved again.
-    if (isTrusted && !isMoving()) {
-        performDiskCleanup(true);
-        return;
-    }
-    setStatus(receipts::reviewReady(plan));
-    log.recordEvent(
-        ActivityKind::diskAutopilot,
-        std::string(isTrusted ? receipts::preparedWhileMoving : receipts::preparedForReview));
 }
 
 bool DiskAutopilot::isAutopilotTrusted() const {

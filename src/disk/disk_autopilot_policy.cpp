@@ -1,6 +1,5 @@
 #include "disk/disk_autopilot_policy.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "disk/storage_areas.h"
@@ -8,16 +7,15 @@
 namespace tallowcrest::DiskAutopilotSafetyPolicy {
 
 bool isInsideUserCaches(const std::string& file, const std::string& caches) {
-    return !caches.empty() && isInsideFolder(file, caches);
+    return isInsideFolder(file, caches);
 }
 
-bool isPossibleCachesFolder(const std::string& caches, const std::string& home,
-                            std::span<const std::string> kept) {
-    const auto overlaps = [&caches](const std::string& folder) {
-        return caches == folder || isInsideFolder(folder, caches) || isInsideFolder(caches, folder);
-    };
-    return caches.starts_with('/') && caches != home && !isInsideFolder(home, caches) &&
-           std::ranges::none_of(kept, overlaps);
+bool containsHome(const std::string& caches, const std::string& home) {
+    return caches == home || isInsideFolder(home, caches);
+}
+
+bool overlaps(const std::string& caches, const std::string& kept) {
+    return caches == kept || isInsideFolder(kept, caches) || isInsideFolder(caches, kept);
 }
 
 std::int64_t byteCap(double maxGB) {

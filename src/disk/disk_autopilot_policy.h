@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 
 #include "core/date.h"
@@ -26,11 +25,12 @@ using tallowcrest::clampedMaxGB;
 /// are absolute, normal and without links.
 bool isInsideUserCaches(const std::string& file, const std::string& caches);
 
-/// Whether a folder may be taken for that of the caches: neither the home directory nor a folder
-/// that contains it, and nothing that is, contains or is inside one of the `kept` folders, whose
-/// files are not caches. All paths as above.
-bool isPossibleCachesFolder(const std::string& caches, const std::string& home,
-                            std::span<const std::string> kept);
+/// Whether the folder of the caches is the home directory or contains it. Both paths as above.
+bool containsHome(const std::string& caches, const std::string& home);
+
+/// Whether the folder of the caches is a folder of other files, contains it or is inside it. Both
+/// paths as above.
+bool overlaps(const std::string& caches, const std::string& kept);
 
 /// The most bytes that one run may move.
 std::int64_t byteCap(double maxGB);

@@ -101,6 +101,14 @@ std::string healthy(double freeGB) {
     return fmt::format("Healthy: {:.1f} GB free.", freeGB);
 }
 
+std::string overlapping(std::string_view kept) {
+    return fmt::format("Nothing to clean: the caches overlap with {}.", kept);
+}
+
+std::string lowSpaceOverlapping(std::string_view kept) {
+    return fmt::format("Low space, but nothing to clean: the caches overlap with {}.", kept);
+}
+
 std::string ready(const DiskCleanupPlan& plan) {
     return "Ready: " + filesAndSize(plan);
 }
@@ -112,6 +120,10 @@ std::string reviewReady(const DiskCleanupPlan& plan) {
 std::string noneFoundMessage(double ageDays) {
     return fmt::format("Disk review found no cache files older than {} days.",
                        cutToInteger(ageDays));
+}
+
+std::string overlappingMessage(std::string_view caches, std::string_view kept) {
+    return fmt::format("Disk review looked at no file, because {} overlaps with {}.", caches, kept);
 }
 
 ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double maxGB,
@@ -134,6 +146,15 @@ std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches
         "Trigger: free disk space fell below {:.1f} GB. Preview: no eligible old "
         "regular files in {}. Result: no changes. Recovery: none needed.",
         minimumFreeGB, caches);
+}
+
+std::string overlappingReceipt(double minimumFreeGB, std::string_view caches,
+                               std::string_view kept) {
+    return fmt::format(
+        "Trigger: free disk space fell below {:.1f} GB. Preview: no file was looked at, because {} "
+        "overlaps with {}. Result: no changes. Recovery: none needed; keep the caches apart from "
+        "that folder.",
+        minimumFreeGB, caches, kept);
 }
 
 std::string stoppedCheckReceipt(double minimumFreeGB) {

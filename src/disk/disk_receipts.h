@@ -27,6 +27,9 @@ inline constexpr std::string_view blocked =
 inline constexpr std::string_view reviewStopped = "Review stopped. No files were changed.";
 inline constexpr std::string_view lowSpaceCheckStopped =
     "Low-space check stopped. No files were changed.";
+/// Where the caches overlap with a folder of other files, `kept` as texts show it.
+std::string overlapping(std::string_view kept);
+std::string lowSpaceOverlapping(std::string_view kept);
 std::string healthy(double freeGB);
 std::string ready(const DiskCleanupPlan& plan);
 std::string reviewReady(const DiskCleanupPlan& plan);
@@ -37,6 +40,7 @@ inline constexpr std::string_view expiredMessage =
 inline constexpr std::string_view blockedMessage =
     "Disk Autopilot made no changes because automation was no longer authorized.";
 std::string noneFoundMessage(double ageDays);
+std::string overlappingMessage(std::string_view caches, std::string_view kept);
 
 /// The question to the owner, with a new identifier.
 ConfirmationRequest request(const DiskCleanupPlan& plan, double ageDays, double maxGB,
@@ -55,6 +59,8 @@ inline constexpr std::string_view blockedReceipt =
     "trust state changed. Affected files: none. Recovery: none needed; review settings before "
     "re-enabling automation.";
 std::string nothingEligibleReceipt(double minimumFreeGB, std::string_view caches);
+std::string overlappingReceipt(double minimumFreeGB, std::string_view caches,
+                               std::string_view kept);
 std::string stoppedCheckReceipt(double minimumFreeGB);
 
 /// "last 3 files": those that a stop has left.

@@ -27,6 +27,9 @@ struct DiskCleanupPlan {
     std::vector<CleanupCandidate> urls;  ///< in the order of the walk
     std::int64_t bytes = 0;              ///< of all candidates
     Date createdAt;                      ///< when the walk ended
+    /// The folder of other files that the caches overlap with, so that no file was looked at; empty
+    /// when there is none.
+    std::string keptFolder = {};
 
     bool operator==(const DiskCleanupPlan&) const = default;
 };

@@ -161,7 +161,7 @@ std::vector<std::string> linuxKeptFolders(const UserFolders& folders) {
 
 bool isInsideFolder(const std::string& path, const std::string& folder) {
     const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
-    return path.size() > prefix.size() && path.starts_with(prefix);
+    return !folder.empty() && path.size() > prefix.size() && path.starts_with(prefix);
 }
 
 std::vector<std::string> personalFolders(const UserFolders& folders) {
@@ -170,7 +170,7 @@ std::vector<std::string> personalFolders(const UserFolders& folders) {
     std::vector<std::string> result;
     for (const std::string& each : all) {
         const bool isCovered = std::ranges::any_of(all, [&](const std::string& other) {
-            return !other.empty() && other != folders.home && isInsideFolder(each, other);
+            return other != folders.home && isInsideFolder(each, other);
         });
         if (!each.empty() && each != folders.home && !isCovered &&
             std::ranges::find(result, each) == result.end()) {

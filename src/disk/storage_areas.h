@@ -49,7 +49,8 @@ std::vector<std::string> personalFolders(const UserFolders& folders);
 std::vector<std::string> macOSKeptFolders(const UserFolders& folders);
 std::vector<std::string> linuxKeptFolders(const UserFolders& folders);
 
-/// Whether `path` is below `folder`. Compares texts; both are absolute and normal.
+/// Whether `path` is below `folder`. Compares texts; both are absolute and normal. Nothing is below
+/// an empty one.
 bool isInsideFolder(const std::string& path, const std::string& folder);
 
 }  // namespace tallowcrest

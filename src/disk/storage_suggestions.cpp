@@ -10,6 +10,7 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "disk/storage_areas.h"
 
 namespace tallowcrest {
 namespace {
@@ -69,6 +70,10 @@ std::string shownPathInHome(std::string path, const std::string& home) {
         }
     }
     return shownPath(path);
+}
+
+std::string shownFolder(const std::string& folder, const std::string& home) {
+    return shownPath(isInsideFolder(folder, home) ? "~" + folder.substr(home.size()) : folder);
 }
 
 std::string backupName(const std::string& name, Date now) {

@@ -27,6 +27,9 @@ std::string shownPath(const std::string& path);
 /// The same with each occurrence of the home directory replaced by "~".
 std::string shownPathInHome(std::string path, const std::string& home);
 
+/// A folder as texts show it, with "~" for the home directory at its beginning.
+std::string shownFolder(const std::string& folder, const std::string& home);
+
 /// The name of a copy beside a file that has the name already: with the time in seconds since 1970
 /// before the extension. Without an extension it ends in a dot.
 std::string backupName(const std::string& name, Date now);

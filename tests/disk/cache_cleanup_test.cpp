@@ -173,6 +173,37 @@ TEST_F(CacheCleanupTest, CachesThatOverlapWithTheOwnersFoldersAreNotWalked) {
     EXPECT_TRUE(walked(unset)) << "a folder that is not set apart is no reason";
 }
 
+TEST_F(CacheCleanupTest, ThePlanNamesTheFolderThatTheCachesOverlapWith) {
+    add("old", 10);
+    kept = {"/home/owner/Music", "/home/owner/.cache/films", "/home/owner/.cache"};
+    EXPECT_EQ(plan().keptFolder, "/home/owner/.cache/films");
+    kept.clear();
+    EXPECT_EQ(plan().keptFolder, "");
+    EXPECT_EQ(plan("/home").keptFolder, "/home/owner");
+    EXPECT_EQ(plan("").keptFolder, "");
+}
+
+TEST_F(CacheCleanupTest, AFolderThatCannotBeResolvedIsComparedAsItIsWritten) {
+    const TemporaryFolder folder;
+    const std::string root = std::filesystem::canonical(folder.path()).string();
+    std::filesystem::create_directories(root + "/cache");
+    for (const char* loop : {"/Music", "/cache/films"}) {
+        std::filesystem::create_symlink(std::filesystem::path(loop).filename(), root + loop);
+    }
+    std::filesystem::create_symlink("cache", root + "/link");
+    files.add(root + "/cache/old", 1);
+    kept = {root + "/Music", root + "/Music/inside"};
+    EXPECT_THAT(plan(root + "/cache", root).urls, SizeIs(1));
+    for (const char* inside : {"/cache/films", "/link/films", "/link/films/new/inside"}) {
+        kept = {root + inside};
+        EXPECT_EQ(plan(root + "/cache", root).keptFolder, root + inside);
+        EXPECT_THAT(plan(root + "/cache", root).urls, IsEmpty());
+    }
+    // Nor is the home directory forgotten.
+    kept.clear();
+    EXPECT_EQ(plan(root + "/cache", root + "/link/films").keptFolder, root + "/link/films");
+}
+
 TEST_F(CacheCleanupTest, OnMacOSTheFolderOfTheCachesIsNotKept) {
     const UserFolders folders = macOSUserFolders("/Users/o");
     EXPECT_THAT(macOSKeptFolders(folders),

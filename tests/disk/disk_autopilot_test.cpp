@@ -202,6 +202,31 @@ TEST_F(DiskAutopilotTest, LowSpaceWithoutCandidatesLeavesAReceipt) {
     EXPECT_THAT(state().diskCleanupPlan->urls, IsEmpty());
 }
 
+TEST_F(DiskAutopilotTest, AFolderThatTheCachesOverlapWithIsNamed) {
+    cacheFile("a", 1);
+    DiskPorts ports = diskPorts.ports();
+    ports.places.kept = {"/home/owner/.cache/films"};
+    beginDisk(ports);
+    autopilot().reviewDiskCleanup();
+    finishWork();
+    EXPECT_EQ(status(), "Nothing to clean: the caches overlap with ~/.cache/films.");
+    EXPECT_EQ(log.lastAction(),
+              "Disk review looked at no file, because ~/.cache overlaps with ~/.cache/films.");
+    EXPECT_FALSE(confirmations.pendingConfirmation());
+    trustAutopilot();
+    log.clearActivityLog();
+    check(19.9);
+    finishWork();
+    EXPECT_EQ(status(), "Low space, but nothing to clean: the caches overlap with ~/.cache/films.");
+    EXPECT_THAT(events(),
+                ElementsAre("Disk Autopilot Receipt: Trigger: free disk space fell below 20.0 GB. "
+                            "Preview: no file was looked at, because ~/.cache overlaps with "
+                            "~/.cache/films. Result: no changes. Recovery: none needed; keep the "
+                            "caches apart from that folder."));
+    EXPECT_THAT(diskPorts.walk->roots, IsEmpty());
+    EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
+}
+
 TEST_F(DiskAutopilotTest, OnlyAutopilotModeRunsByItself) {
     for (const AIAutonomyMode mode : allAIAutonomyModes) {
         DiskMachine machine;

@@ -119,6 +119,7 @@ TEST(StorageAreas, AFolderIsNotInsideItselfNorInOneWhoseNameBeginsItsOwn) {
     EXPECT_FALSE(isInsideFolder("/a", "/a"));
     EXPECT_FALSE(isInsideFolder("/ab", "/a"));
     EXPECT_FALSE(isInsideFolder("/a", "/a/b"));
+    EXPECT_FALSE(isInsideFolder("/a", ""));
 }
 
 }  // namespace

@@ -1,0 +1,127 @@
+// The part of Disk Autopilot that looks for old cache files.
+
+#include <memory>
+#include <utility>
+
+#include "actions/automation.h"
+#include "core/activity_kinds.h"
+#include "core/activity_log.h"
+#include "core/clock.h"
+#include "core/confirmation_desk.h"
+#include "core/observable.h"
+#include "core/settings/settings_owner.h"
+#include "disk/disk_autopilot.h"
+#include "disk/disk_autopilot_policy.h"
+#include "disk/storage_suggestions.h"
+
+namespace tallowcrest {
+
+namespace policy = DiskAutopilotSafetyPolicy;
+namespace receipts = disk_receipts;
+
+void DiskAutopilot::beginScan(Purpose purpose) {
+    purpose_ = purpose;
+    const Settings& settings = dependencies_.services.settings.values();
+    const DiskPlaces& places = dependencies_.ports.places;
+    scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
+                    policy::clampedMaxGB(settings.diskMaxCleanupGB)};
+    state_.scan.emplace();
+    observable_->changed();
+    scan_.begin().runWithProgress<SearchProgress>(
+        Lane::diskCleanup,
+        [walk = dependencies_.ports.walk, request = scanRequest_,
+         &clock = dependencies_.services.clock,
+         token = scan_.stopToken()](const Stop& stop, const auto& report) {
+            const EitherStop either(stop.stopToken(), token);
+            return buildDiskCleanupPlan(*walk, request, clock, report, either.token());
+        },
+        [this](SearchProgress progress) {
+            state_.scan = std::move(progress);
+            observable_->changed();
+        },
+        [this](DiskCleanupPlan plan) { finishScan(std::move(plan)); });
+}
+
+void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
+    if (scan_.isStopping()) {
+        scan_.end();
+        finishStoppedScan();
+        return;
+    }
+    scan_.end();
+    state_.scan.reset();
+    followEmergencyStop();
+    state_.diskCleanupPlan = std::move(plan);
+    observable_->changed();
+    if (purpose_ == Purpose::review) {
+        finishReview();
+    } else {
+        finishLowSpaceCheck();
+    }
+}
+
+void DiskAutopilot::finishStoppedScan() {
+    state_.scan.reset();
+    state_.isStopping = isAnyStopping();
+    observable_->changed();
+    if (purpose_ == Purpose::review) {
+        setStatus(receipts::reviewStopped);
+        dependencies_.services.log.recordMessage(std::string(receipts::reviewStopped));
+        return;
+    }
+    setStatus(receipts::lowSpaceCheckStopped);
+    dependencies_.services.log.recordEvent(
+        ActivityKind::diskAutopilotReceipt,
+        receipts::stoppedCheckReceipt(dependencies_.services.settings.values().diskMinimumFreeGB));
+}
+
+void DiskAutopilot::finishReview() {
+    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
+    if (!plan.keptFolder.empty()) {
+        const std::string kept = shownFolder(plan.keptFolder, dependencies_.ports.places.home);
+        setStatus(receipts::overlapping(kept));
+        dependencies_.services.log.recordMessage(receipts::overlappingMessage(caches_, kept));
+        return;
+    }
+    if (plan.urls.empty()) {
+        setStatus(receipts::noneEligible);
+        dependencies_.services.log.recordMessage(receipts::noneFoundMessage(scanRequest_.ageDays));
+        return;
+    }
+    setStatus(receipts::ready(plan));
+    // The age that the files were chosen by, and the cap that a run would obey now.
+    dependencies_.services.confirmations.requestConfirmation(
+        receipts::request(plan, scanRequest_.ageDays,
+                          dependencies_.services.settings.values().diskMaxCleanupGB, caches_));
+}
+
+void DiskAutopilot::finishLowSpaceCheck() {
+    const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
+    ActivityLog& log = dependencies_.services.log;
+    const double minimumFreeGB = dependencies_.services.settings.values().diskMinimumFreeGB;
+    if (!plan.keptFolder.empty()) {
+        const std::string kept = shownFolder(plan.keptFolder, dependencies_.ports.places.home);
+        setStatus(receipts::lowSpaceOverlapping(kept));
+        log.recordEvent(ActivityKind::diskAutopilotReceipt,
+                        receipts::overlappingReceipt(minimumFreeGB, caches_, kept));
+        return;
+    }
+    if (plan.urls.empty()) {
+        setStatus(receipts::lowSpaceNoneEligible);
+        log.recordEvent(ActivityKind::diskAutopilotReceipt,
+                        receipts::nothingEligibleReceipt(minimumFreeGB, caches_));
+        return;
+    }
+    const bool isTrusted = isAutopilotTrusted();
+    // What the owner puts back at this moment is not to be moved again.
+    if (isTrusted && !isMoving()) {
+        performDiskCleanup(true);
+        return;
+    }
+    setStatus(receipts::reviewReady(plan));
+    log.recordEvent(
+        ActivityKind::diskAutopilot,
+        std::string(isTrusted ? receipts::preparedWhileMoving : receipts::preparedForReview));
+}
+
+}  // namespace tallowcrest
