@@ -152,6 +152,9 @@ private:
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
     Undoable undoable_;
+    /// The files that the owner wanted back in this run of the program. A check because of low space
+    /// does not take them again.
+    std::vector<FileIdentity> wantedBack_;
     std::shared_ptr<UndoTally> undo_;   ///< null while nothing is being put back
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed
     std::unique_ptr<Subscription> automationChanged_;

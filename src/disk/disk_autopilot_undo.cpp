@@ -1,5 +1,7 @@
 // The part of Disk Autopilot that puts files back.
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "core/activity_kinds.h"
@@ -32,6 +34,7 @@ Outcome DiskAutopilot::undoLatestCleanup() {
     if (undoable_.automatic) {
         countTrust(false);
     }
+    std::ranges::transform(undoable_.items, std::back_inserter(wantedBack_), &TrashItem::identity);
     undo_ = std::make_shared<UndoTally>(std::exchange(undoable_.items, {}));
     state_.undoableFiles = 0;
     state_.undo = undo_->progress();

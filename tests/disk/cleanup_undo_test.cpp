@@ -236,6 +236,28 @@ TEST_F(CleanupUndoTest, ToUndoWhatHappenedByItselfIsAnObjection) {
     EXPECT_EQ(trustCounts()[2], before[2] + 1) << "once for each clean-up";
 }
 
+TEST_F(CleanupUndoTest, WhatWasPutBackIsMovedAgainOnlyAfterAReview) {
+    trustAutopilot();
+    const std::string a = cacheFile("a", 1);
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    undo();
+    // One objection has not ended the trust.
+    trustAutopilot();
+    const std::string b = cacheFile("b", 1);
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_FALSE(isInPlace(b));
+    cleanUp();
+    EXPECT_FALSE(isInPlace(a));
+    // Another file under its name is not the one that was put back.
+    cacheFile("a", 1);
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    EXPECT_FALSE(isInPlace(a));
+}
+
 TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
     cacheFile("a", 1);
     cacheFile("b", 1);
