@@ -233,7 +233,7 @@ void DiskAutopilot::finishCleanup(bool isGivenUp) {
     const receipts::Cleanup cleanup = recordCleanup(isGivenUp);
     move_.end();
     state_.cleanup.reset();
-    state_.isStopping = isAnyStopping();
+    state_.isCleanupStopping = false;
     observable_->changed();
     if (cleanup.progress.moved == 0) {
         dependencies_.services.log.recordMessage(receipts::finalLine(cleanup));
@@ -243,18 +243,30 @@ void DiskAutopilot::finishCleanup(bool isGivenUp) {
     dependencies_.refresh();
 }
 
-Outcome DiskAutopilot::stop() {
-    const bool stopsScan = scan_.stopOrForget([this] { finishStoppedScan(); });
-    const bool stopsCleanup =
-        move_.stopOrForget([this] { finishCleanup(true); }, StoppableRun::patienceWithAChange);
-    const bool stopsUndo =
-        putBack_.stopOrForget([this] { finishUndo(true); }, StoppableRun::patienceWithAChange);
-    if (!stopsScan && !stopsCleanup && !stopsUndo) {
+Outcome DiskAutopilot::showStop(bool DiskAutopilotState::*isStopping, bool stops) {
+    if (!stops) {
         return Outcome::ignored();
     }
-    state_.isStopping = true;
+    state_.*isStopping = true;
     observable_->changed();
     return Outcome::asked();
+}
+
+Outcome DiskAutopilot::stopScan() {
+    return showStop(&DiskAutopilotState::isScanStopping,
+                    scan_.stopOrForget([this] { finishStoppedScan(); }));
+}
+
+Outcome DiskAutopilot::stopCleanup() {
+    return showStop(
+        &DiskAutopilotState::isCleanupStopping,
+        move_.stopOrForget([this] { finishCleanup(true); }, StoppableRun::patienceWithAChange));
+}
+
+Outcome DiskAutopilot::stopUndo() {
+    return showStop(
+        &DiskAutopilotState::isUndoStopping,
+        putBack_.stopOrForget([this] { finishUndo(true); }, StoppableRun::patienceWithAChange));
 }
 
 void DiskAutopilot::followEmergencyStop() {

@@ -36,7 +36,10 @@ struct DiskAutopilotState {
     /// How many files of the latest clean-up of this run can be put back.
     std::size_t undoableFiles = 0;
     std::optional<CleanupProgress> undo;  ///< absent while nothing is being put back
-    bool isStopping = false;              ///< what is under way was asked to stop
+    // What is under way was asked to stop.
+    bool isScanStopping = false;
+    bool isCleanupStopping = false;
+    bool isUndoStopping = false;
 };
 
 /// Frees space by moving old cache files to the Trash: reviewed and confirmed by the owner, or by
@@ -85,11 +88,15 @@ public:
     /// nothing to put back or a clean-up is under way, ignored while this is under way.
     Outcome undoLatestCleanup();
 
-    /// Stops the scan, the clean-up and the undoing under way, the latter two after the file at
-    /// hand. Where the disk does not answer, they are not waited for longer than two and ten
-    /// seconds, and the receipt says that the file at hand may have been moved. Ignored when there
-    /// is none.
-    Outcome stop();
+    /// Stops the scan under way. Where the disk does not answer, it is waited for two seconds.
+    /// Ignored when there is none.
+    Outcome stopScan();
+
+    /// Stops the clean-up, or the undoing, after the file at hand. Where the disk does not answer,
+    /// it is waited for ten seconds, and the receipt says that the file at hand may have been
+    /// moved. Ignored when there is none.
+    Outcome stopCleanup();
+    Outcome stopUndo();
 
     /// For the end of the program, after `Jobs::stopAll`: writes the receipts of a clean-up and of
     /// an undoing that are under way or have not been told yet. Nothing more of them arrives. Of a
@@ -137,8 +144,8 @@ private:
     void finishUndo(bool isGivenUp);
     /// Writes the receipt of what `undo_` has put back.
     void recordUndo(bool isGivenUp);
-    /// What is under way and stopping.
-    bool isAnyStopping() const;
+    /// Shows in the state that something was asked to stop. Ignored when nothing `stops`.
+    Outcome showStop(bool DiskAutopilotState::*isStopping, bool stops);
     void followEmergencyStop();
     void setStatus(std::string_view text);
     void countTrust(bool hasRun);
@@ -152,8 +159,8 @@ private:
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
     Undoable undoable_;
-    /// The files that the owner wanted back in this run of the program. A check because of low space
-    /// does not take them again.
+    /// The files that the owner wanted back in this run of the program. A check because of low
+    /// space does not take them again.
     std::vector<FileIdentity> wantedBack_;
     std::shared_ptr<UndoTally> undo_;   ///< null while nothing is being put back
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed

@@ -63,7 +63,7 @@ void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
 
 void DiskAutopilot::finishStoppedScan() {
     state_.scan.reset();
-    state_.isStopping = isAnyStopping();
+    state_.isScanStopping = false;
     observable_->changed();
     if (purpose_ == Purpose::review) {
         setStatus(receipts::reviewStopped);

@@ -70,13 +70,9 @@ void DiskAutopilot::finishUndo(bool isGivenUp) {
     recordUndo(isGivenUp);
     putBack_.end();
     state_.undo.reset();
-    state_.isStopping = isAnyStopping();
+    state_.isUndoStopping = false;
     observable_->changed();
     dependencies_.refresh();
-}
-
-bool DiskAutopilot::isAnyStopping() const {
-    return scan_.isStopping() || move_.isStopping() || putBack_.isStopping();
 }
 
 }  // namespace tallowcrest

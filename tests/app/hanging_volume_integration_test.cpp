@@ -141,7 +141,7 @@ TEST(HangingVolume, AReviewOfCachesTellsWhereItHangsAndCanBeStopped) {
         serveUntil(machine.loop, [&] {
             return autopilot.state().scan && autopilot.state().scan->folder == hanging;
         });
-        EXPECT_EQ(autopilot.stop(), Outcome::asked());
+        EXPECT_EQ(autopilot.stopScan(), Outcome::asked());
         serveUntil(machine.loop, [&] { return !autopilot.state().scan; });
         EXPECT_EQ(machine.status(), "Review stopped. No files were changed.");
         EXPECT_EQ(autopilot.reviewDiskCleanup(), Outcome::asked()) << "another may begin";

@@ -161,14 +161,14 @@ TEST_F(CleanupUndoTest, AStopLeavesTheRestForLater) {
     const std::string b = cacheFile("b", 1);
     cleanUp();
     diskPorts.trash->puttingBack = [this](const std::string&) {
-        EXPECT_EQ(autopilot().stop(), Outcome::asked());
-        EXPECT_TRUE(autopilot().state().isStopping);
+        EXPECT_EQ(autopilot().stopUndo(), Outcome::asked());
+        EXPECT_TRUE(autopilot().state().isUndoStopping);
         diskPorts.trash->puttingBack = {};
     };
     undo();
     EXPECT_TRUE(isInPlace(a));
     EXPECT_FALSE(isInPlace(b));
-    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_FALSE(autopilot().state().isUndoStopping);
     EXPECT_THAT(detail(), HasSubstr("Stopped before the last file."));
     EXPECT_EQ(autopilot().state().undoableFiles, 1U);
     undo();
@@ -180,11 +180,11 @@ TEST_F(CleanupUndoTest, AnUndoingThatHangsIsGivenUpAndCanBeTriedAgain) {
     const std::string b = cacheFile("b", 1);
     cleanUp();
     diskPorts.trash->puttingBack = [this](const std::string&) {
-        EXPECT_EQ(autopilot().stop(), Outcome::asked());
+        EXPECT_EQ(autopilot().stopUndo(), Outcome::asked());
         EXPECT_THAT(mainQueue.timerIntervals(), ::testing::ElementsAre(std::chrono::seconds(10)));
         mainQueue.fireTimers();
         EXPECT_FALSE(autopilot().state().undo);
-        EXPECT_FALSE(autopilot().state().isStopping);
+        EXPECT_FALSE(autopilot().state().isUndoStopping);
         diskPorts.trash->puttingBack = {};
     };
     undo();
@@ -263,7 +263,7 @@ TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
     cacheFile("b", 1);
     cleanUp();
     autopilot().undoLatestCleanup();
-    diskPorts.trash->puttingBack = [this](const std::string&) { autopilot().stop(); };
+    diskPorts.trash->puttingBack = [this](const std::string&) { autopilot().stopUndo(); };
     workQueue.run();
     // The result is on its way to a main queue that will not turn any more.
     autopilot().recordUnfinished();

@@ -287,7 +287,9 @@ TEST_F(DiskAutopilotTest, WithoutPortsNothingIsDone) {
     EXPECT_FALSE(check(1.0));
     EXPECT_EQ(autopilot().reviewDiskCleanup(),
               Outcome::refused("Disk cleanup is not available here."));
-    EXPECT_EQ(autopilot().stop(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopScan(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopCleanup(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopUndo(), Outcome::ignored());
     EXPECT_EQ(workQueue.pendingCount(), 0U);
 }
 

@@ -50,26 +50,26 @@ protected:
 TEST_F(DiskStopTest, AStoppedReviewLeavesNoPlan) {
     cacheFile("a", 1);
     autopilot().reviewDiskCleanup();
-    EXPECT_EQ(autopilot().stop(), Outcome::asked());
-    EXPECT_TRUE(autopilot().state().isStopping);
-    EXPECT_EQ(autopilot().stop(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopScan(), Outcome::asked());
+    EXPECT_TRUE(autopilot().state().isScanStopping);
+    EXPECT_EQ(autopilot().stopScan(), Outcome::ignored());
     EXPECT_EQ(autopilot().reviewDiskCleanup(), Outcome::ignored());
     finishWork();
-    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_FALSE(autopilot().state().isScanStopping);
     EXPECT_FALSE(autopilot().state().scan);
     EXPECT_FALSE(autopilot().state().diskCleanupPlan);
     EXPECT_FALSE(confirmations.pendingConfirmation());
     EXPECT_EQ(status(), "Review stopped. No files were changed.");
     EXPECT_THAT(events(), ElementsAre("Action: Review stopped. No files were changed."));
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{0, 0, 0}));
-    EXPECT_EQ(autopilot().stop(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopScan(), Outcome::ignored());
 }
 
 TEST_F(DiskStopTest, AStoppedCheckLeavesAReceipt) {
     trustAutopilot();
     cacheFile("a", 1);
     autopilot().checkDiskAutopilot(diskOf(5.0), true);
-    autopilot().stop();
+    autopilot().stopScan();
     finishWork();
     EXPECT_EQ(status(), "Low-space check stopped. No files were changed.");
     EXPECT_THAT(lastDetail(), HasSubstr("Preview: stopped by the owner. Result: no changes."));
@@ -79,7 +79,7 @@ TEST_F(DiskStopTest, AStoppedCheckLeavesAReceipt) {
 TEST_F(DiskStopTest, AScanThatHangsIsForgotten) {
     cacheFile("a", 1);
     autopilot().reviewDiskCleanup();
-    autopilot().stop();
+    autopilot().stopScan();
     mainQueue.fireTimers();
     mainQueue.drain();
     EXPECT_FALSE(autopilot().state().scan);
@@ -97,11 +97,11 @@ TEST_F(DiskStopTest, ACleanUpWhoseMoveHangsIsGivenUp) {
     confirmations.confirmPending();
     diskPorts.trash->moving = [this](const std::string& path) {
         if (path.ends_with("/b")) {
-            EXPECT_EQ(autopilot().stop(), Outcome::asked());
+            EXPECT_EQ(autopilot().stopCleanup(), Outcome::asked());
             EXPECT_THAT(mainQueue.timerIntervals(), ElementsAre(std::chrono::seconds(10)));
             mainQueue.fireTimers();
             EXPECT_FALSE(autopilot().state().cleanup);
-            EXPECT_FALSE(autopilot().state().isStopping);
+            EXPECT_FALSE(autopilot().state().isCleanupStopping);
         }
     };
     finishWork();
@@ -120,7 +120,7 @@ TEST_F(DiskStopTest, ACleanUpWhoseMoveHangsIsGivenUp) {
 TEST_F(DiskStopTest, ACleanUpThatHangsBeforeItsFirstMoveIsGivenUp) {
     reviewThree();
     confirmations.confirmPending();
-    autopilot().stop();
+    autopilot().stopCleanup();
     mainQueue.fireTimers();
     EXPECT_FALSE(autopilot().state().cleanup);
     EXPECT_EQ(status(), "Cleanup stopped. No files were changed.");
@@ -138,7 +138,7 @@ TEST_F(DiskStopTest, ACleanUpThatHangsBeforeItsFirstMoveIsGivenUp) {
 TEST_F(DiskStopTest, AStoppedCleanUpEndsAfterTheFileAtHand) {
     reviewThree();
     confirmations.confirmPending();
-    diskPorts.trash->moving = [this](const std::string&) { autopilot().stop(); };
+    diskPorts.trash->moving = [this](const std::string&) { autopilot().stopCleanup(); };
     finishWork();
     EXPECT_THAT(diskPorts.trash->moved, SizeIs(1));
     EXPECT_EQ(status(), "Last cleanup moved 1 files (0.25 GB) to Trash.");
@@ -148,14 +148,35 @@ TEST_F(DiskStopTest, AStoppedCleanUpEndsAfterTheFileAtHand) {
     EXPECT_EQ(log.lastAction(), "Stopped the disk cleanup. What it had moved is in Trash.");
     EXPECT_EQ(trustCounts(), (std::vector<std::int64_t>{1, 1, 0}));
     EXPECT_EQ(refreshes, 1);
-    EXPECT_FALSE(autopilot().state().isStopping);
+    EXPECT_FALSE(autopilot().state().isCleanupStopping);
     EXPECT_FALSE(autopilot().state().cleanup);
+}
+
+TEST_F(DiskStopTest, EachStopEndsItsOwnWork) {
+    reviewThree();
+    confirmations.confirmPending();
+    autopilot().reviewDiskCleanup();
+    EXPECT_EQ(autopilot().stopUndo(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopScan(), Outcome::asked());
+    EXPECT_TRUE(autopilot().state().isScanStopping);
+    EXPECT_FALSE(autopilot().state().isCleanupStopping);
+    finishWork();
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3)) << "the clean-up went on";
+    EXPECT_FALSE(confirmations.pendingConfirmation()) << "of the search that was stopped";
+    cacheFile("d", 1);
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    autopilot().reviewDiskCleanup();
+    EXPECT_EQ(autopilot().stopCleanup(), Outcome::ignored());
+    EXPECT_EQ(autopilot().stopUndo(), Outcome::asked());
+    finishWork();
+    EXPECT_TRUE(confirmations.pendingConfirmation());
+    EXPECT_EQ(autopilot().state().undoableFiles, 3U);
 }
 
 TEST_F(DiskStopTest, ACleanUpStoppedBeforeItsFirstFileIsBlocked) {
     reviewThree();
     confirmations.confirmPending();
-    autopilot().stop();
+    autopilot().stopCleanup();
     finishWork();
     EXPECT_THAT(diskPorts.trash->requests, IsEmpty());
     EXPECT_EQ(status(), "Cleanup stopped. No files were changed.");
@@ -194,7 +215,7 @@ TEST_F(DiskStopTest, TheOwnerCanStopAnAutomaticCleanUpAfterTheEmergencyStop) {
     diskPorts.trash->moving = [this](const std::string& path) {
         if (path.ends_with("/b")) {
             actions.automation.engageEmergencyStop();
-            autopilot().stop();
+            autopilot().stopCleanup();
         }
     };
     finishWork();
@@ -296,7 +317,7 @@ TEST_F(DiskEndTest, ACleanUpWhoseEndWasNotToldYetLeavesItsReceipt) {
 
 TEST_F(DiskEndTest, WhatTheOwnerHadStoppedIsToldAsSuch) {
     begin();
-    autopilot().stop();
+    autopilot().stopCleanup();
     record();
     EXPECT_THAT(lastDetail(), HasSubstr("Stopped: by the owner, before the last 3 files."));
 }

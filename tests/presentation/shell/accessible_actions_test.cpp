@@ -98,6 +98,14 @@ void searchDisk(Rig& rig) {
     rig.settle();
 }
 
+void cleanUpDisk(Rig& rig) {
+    rig.machine.monitor().disk().autopilot.reviewDiskCleanup();
+    rig.finishWork();
+    rig.machine.monitor().confirmations().confirmPending();
+    rig.keepWorkPending();
+    rig.settle();
+}
+
 std::vector<Place> places() {
     std::vector<Place> all{{u"without a target"_s, AppRoute::overview, [](Rig&) {}},
                            {u"processes without a target"_s, AppRoute::load, [](Rig&) {}},
@@ -128,6 +136,7 @@ std::vector<Place> places() {
     for (const AppRoute route :
          {AppRoute::overview, AppRoute::optimize, AppRoute::optimizationSuggestions}) {
         all.push_back({u"with a disk, "_s + text(rawValue(route)), route, careForDisk});
+        all.push_back({u"cleaning, "_s + text(rawValue(route)), route, cleanUpDisk});
         all.push_back({u"searching, "_s + text(rawValue(route)), route, searchDisk});
     }
     all.push_back({u"confirmation"_s, AppRoute::chat, &Rig::ask});
@@ -277,8 +286,8 @@ TEST_F(AccessibleActionsTest, DoWhatTheHandDoes) {
     EXPECT_THAT(neverEnabled, testing::ElementsAre());
     for (const char* each :
          {"never-quit", "review-disk-cleanup", "find-offenders", "disk-autopilot-receipt-undo",
-          "disk-autopilot-receipt-progress-stop", "cleanup-progress-stop", "scan-progress-stop",
-          "storage-area-1.reveal"}) {
+          "disk-autopilot-receipt-progress-stop", "cleanup-search-progress-stop",
+          "cleanup-progress-stop", "scan-progress-stop", "storage-area-1.reveal"}) {
         EXPECT_THAT(walked,
                     Contains(u"tallowcrest::OptimizePage cleanup."_s + QLatin1String(each)));
     }

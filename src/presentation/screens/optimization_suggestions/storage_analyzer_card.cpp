@@ -41,8 +41,8 @@ StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers, 
     reply_ = addLabel("-reply", quiet, 2);
     reply_->setText(u"The advisor is writing its analysis; it will appear below."_s);
     analysis_ = new ProgressRow(objectName() + u"-progress"_s, u"the analysis"_s, this);
-    backup_ = new ProgressRow(objectName() + u"-backup"_s, u"the backup"_s, this);
-    backup_->setStopMeaning(u"Leaves no copy; the file stays"_s);
+    backup_ = new ProgressRow(objectName() + u"-backup"_s, u"the backup"_s,
+                              {u"Stop"_s, u"Leaves no copy; the file stays"_s}, this);
     contentLayout()->addWidget(analysis_);
     contentLayout()->addWidget(backup_);
     connect(analyze_, &QPushButton::clicked, this, &StorageAnalyzerCard::analysisWanted);

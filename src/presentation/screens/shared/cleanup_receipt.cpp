@@ -63,7 +63,7 @@ void CleanupReceipt::show(const ActivityEvent* receipt, const DiskAutopilotState
     for (ElidedLabel* label : {title_, time_, detail_}) {
         label->setVisible(receipt != nullptr);
     }
-    progress_->show(state.undo ? putBackLine(*state.undo) : QString(), state.isStopping);
+    progress_->show(state.undo ? putBackLine(*state.undo) : QString(), state.isUndoStopping);
     words_->setText(undo.words);
     setButtonEnabled(*undo_, undo.isPossible);
     setExplanation(*undo_, undo.words);

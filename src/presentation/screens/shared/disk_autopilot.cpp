@@ -22,8 +22,12 @@ DiskAutopilotBlock* makeDiskAutopilot(const QString& page, Automation& automatio
                      [&automation] { automation.resumeFromEmergencyStop(); });
     QObject::connect(block, &DiskAutopilotBlock::cleanupReviewWanted, block,
                      [&disk] { disk.autopilot.reviewDiskCleanup(); });
+    QObject::connect(block, &DiskAutopilotBlock::cleanupSearchStopWanted, block,
+                     [&disk] { disk.autopilot.stopScan(); });
     QObject::connect(block, &DiskAutopilotBlock::cleanupStopWanted, block,
-                     [&disk] { disk.autopilot.stop(); });
+                     [&disk] { disk.autopilot.stopCleanup(); });
+    QObject::connect(block, &DiskAutopilotBlock::undoStopWanted, block,
+                     [&disk] { disk.autopilot.stopUndo(); });
     QObject::connect(block, &DiskAutopilotBlock::undoWanted, block,
                      [&disk] { disk.autopilot.undoLatestCleanup(); });
     QObject::connect(block, &DiskAutopilotBlock::offendersWanted, block,

@@ -73,19 +73,25 @@ void DiskAutopilotBlock::makeActions(const QString& page) {
     actions->addWidget(find_);
     actions->addStretch(1);
     bodyLayout()->addLayout(actions);
+    cleanupSearch_ =
+        new ProgressRow(page + u".cleanup-search-progress"_s, u"the search for old cache files"_s,
+                        {u"Stop"_s, u"Ends the search; nothing was changed by it"_s}, body());
     cleanup_ = new ProgressRow(page + u".cleanup-progress"_s, u"the cleanup"_s, body());
     storageScan_ = new ProgressRow(page + u".scan-progress"_s, u"the storage scan"_s, body());
+    bodyLayout()->addWidget(cleanupSearch_);
     bodyLayout()->addWidget(cleanup_);
     bodyLayout()->addWidget(storageScan_);
     receipt_ = new CleanupReceipt(objectName() + u"-receipt"_s, body());
     bodyLayout()->addWidget(receipt_);
     connect(review, &QPushButton::clicked, this, &DiskAutopilotBlock::cleanupReviewWanted);
     connect(find_, &QPushButton::clicked, this, &DiskAutopilotBlock::offendersWanted);
+    connect(cleanupSearch_, &ProgressRow::stopWanted, this,
+            &DiskAutopilotBlock::cleanupSearchStopWanted);
     connect(cleanup_, &ProgressRow::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
     connect(storageScan_, &ProgressRow::stopWanted, this,
             &DiskAutopilotBlock::storageScanStopWanted);
     connect(receipt_, &CleanupReceipt::undoWanted, this, &DiskAutopilotBlock::undoWanted);
-    connect(receipt_, &CleanupReceipt::stopWanted, this, &DiskAutopilotBlock::cleanupStopWanted);
+    connect(receipt_, &CleanupReceipt::stopWanted, this, &DiskAutopilotBlock::undoStopWanted);
 }
 
 void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
@@ -115,13 +121,11 @@ void DiskAutopilotBlock::show(const DiskAutopilotFacts& facts) {
 
 void DiskAutopilotBlock::showProgress(const DiskAutopilotFacts& facts) {
     const DiskAutopilotState& autopilot = facts.autopilot;
-    cleanup_->show(autopilot.cleanup ? cleanupLine(*autopilot.cleanup)
-                   : autopilot.scan  ? searchLine(u"Looking for old cache files"_s, *autopilot.scan)
-                                     : QString(),
-                   autopilot.isStopping);
-    cleanup_->setStopMeaning(autopilot.scan && !autopilot.cleanup
-                                 ? u"Ends the search; nothing was changed"_s
-                                 : ProgressRow::keepsWhatIsDone());
+    cleanupSearch_->show(
+        autopilot.scan ? searchLine(u"Looking for old cache files"_s, *autopilot.scan) : QString(),
+        autopilot.isScanStopping);
+    cleanup_->show(autopilot.cleanup ? cleanupLine(*autopilot.cleanup) : QString(),
+                   autopilot.isCleanupStopping);
     const StorageScanState& storage = facts.storage;
     storageScan_->show(
         storage.diskStorageScanInProgress ? storageScanLine(storage.progress) : QString(),

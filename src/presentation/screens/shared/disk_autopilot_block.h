@@ -36,7 +36,9 @@ signals:
     void resumeWanted();
     // The owner pressed the button of that name.
     void cleanupReviewWanted();
+    void cleanupSearchStopWanted();
     void cleanupStopWanted();
+    void undoStopWanted();
     void undoWanted();
     void offendersWanted();
     void storageScanStopWanted();
@@ -54,6 +56,7 @@ private:
     ElidedLabel* trust_ = nullptr;
     ElidedLabel* rule_ = nullptr;
     QPushButton* find_ = nullptr;
+    ProgressRow* cleanupSearch_ = nullptr;
     ProgressRow* cleanup_ = nullptr;
     CleanupReceipt* receipt_ = nullptr;
     ProgressRow* storageScan_ = nullptr;

@@ -3,7 +3,6 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
-#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/theme.h"
@@ -17,12 +16,8 @@ constexpr int shortestInterval = 100;  // milliseconds
 
 }  // namespace
 
-QString ProgressRow::keepsWhatIsDone() {
-    return u"Keeps what is done so far"_s;
-}
-
 ProgressRow::ProgressRow(const QString& identifier, const QString& what, QWidget* parent)
-    : ProgressRow(identifier, what, {u"Stop"_s, keepsWhatIsDone()}, parent) {}
+    : ProgressRow(identifier, what, {u"Stop"_s, u"Keeps what is done so far"_s}, parent) {}
 
 ProgressRow::ProgressRow(const QString& identifier, const QString& what, const Button& button,
                          QWidget* parent)
@@ -65,10 +60,6 @@ void ProgressRow::show(const QString& text, bool isStopping) {
         due_.start(static_cast<int>(shortestInterval - elapsed));
     }
     setVisible(true);
-}
-
-void ProgressRow::setStopMeaning(const QString& meaning) {
-    setExplanation(*stop_, meaning);
 }
 
 void ProgressRow::showLatest() {

@@ -22,9 +22,6 @@ public:
         QString description;
     };
 
-    /// What a stop means for work of which each part counts.
-    static QString keepsWhatIsDone();
-
     /// `identifier` is the object name of the text; that of the button ends in "-stop". `what` ends
     /// the accessible name of the button, "Stop the scan".
     ProgressRow(const QString& identifier, const QString& what, QWidget* parent = nullptr);
@@ -34,8 +31,6 @@ public:
 
     /// An empty `text` hides the row. While stopping, the button is disabled.
     void show(const QString& text, bool isStopping);
-    /// What the button means for what the row shows now.
-    void setStopMeaning(const QString& meaning);
     QPushButton* stopButton() const { return stop_; }
 
 signals:

@@ -135,7 +135,7 @@ TEST_F(DiskAutopilotBlockTest, EmitsWhatItsButtonsAskFor) {
     click("overview.scan-progress-stop");
     EXPECT_EQ(stops.count(), 1);
     EXPECT_EQ(scanStops.count(), 1);
-    autopilot.isStopping = true;
+    autopilot.isCleanupStopping = true;
     show();
     EXPECT_EQ(textOf("overview.cleanup-progress"), u"Stopping…"_s);
     EXPECT_FALSE(button("overview.cleanup-progress-stop").isEnabled());
@@ -168,18 +168,34 @@ TEST_F(DiskAutopilotBlockTest, ABurstOfProgressChangesItsLineOnlyAtTimesAndEndsW
     EXPECT_EQ(others.take(), 0);
 }
 
-TEST_F(DiskAutopilotBlockTest, TheStopSaysWhatItLeaves) {
+TEST_F(DiskAutopilotBlockTest, EachStopSaysWhatItLeavesAndEndsItsOwnWork) {
+    const QSignalSpy searchStops(&block, &DiskAutopilotBlock::cleanupSearchStopWanted);
+    const QSignalSpy cleanupStops(&block, &DiskAutopilotBlock::cleanupStopWanted);
+    const QSignalSpy undoStops(&block, &DiskAutopilotBlock::undoStopWanted);
     sample();
     autopilot.scan.emplace();
-    show();
-    const QPushButton& stop = button("overview.cleanup-progress-stop");
-    EXPECT_EQ(stop.toolTip(), u"Ends the search; nothing was changed"_s);
-    EXPECT_EQ(stop.accessibleDescription(), stop.toolTip());
-    autopilot.scan.reset();
     autopilot.cleanup = CleanupProgress{1, 5, 1, 10};
     show();
-    EXPECT_EQ(stop.toolTip(), u"Keeps what is done so far"_s);
-    EXPECT_EQ(stop.accessibleDescription(), stop.toolTip());
+    const QPushButton& search = button("overview.cleanup-search-progress-stop");
+    EXPECT_EQ(search.toolTip(), u"Ends the search; nothing was changed by it"_s);
+    EXPECT_EQ(search.accessibleDescription(), search.toolTip());
+    const QPushButton& cleanup = button("overview.cleanup-progress-stop");
+    EXPECT_EQ(cleanup.toolTip(), u"Keeps what is done so far"_s);
+    EXPECT_EQ(cleanup.accessibleDescription(), cleanup.toolTip());
+    click("overview.cleanup-search-progress-stop");
+    EXPECT_EQ(searchStops.count(), 1);
+    EXPECT_EQ(cleanupStops.count(), 0);
+    autopilot.isScanStopping = true;
+    show();
+    EXPECT_FALSE(search.isEnabled());
+    EXPECT_TRUE(cleanup.isEnabled());
+    autopilot.cleanup.reset();
+    autopilot.undo = CleanupProgress{1, 5, 1, 10};
+    show();
+    EXPECT_EQ(visible("overview.cleanup-progress"), nullptr);
+    click("overview.disk-autopilot-receipt-progress-stop");
+    EXPECT_EQ(undoStops.count(), 1);
+    EXPECT_EQ(searchStops.count() + cleanupStops.count(), 1);
 }
 
 TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
