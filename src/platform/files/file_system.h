@@ -7,6 +7,7 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "disk/file_identity.h"
 
@@ -69,9 +70,9 @@ private:
 /// The last access and the last modification.
 std::array<timespec, 2> timesOf(const struct stat& info);
 
-/// Whether parallel reading would be slower on the disk with the device `device`. False when that
-/// is unknown.
-bool isRotational(std::uint64_t device);
+/// Whether parallel reading would be slower on the disk that a path leads to. False when that is
+/// unknown.
+bool isRotational(const std::string& path);
 
 /// Copies up to `count` bytes at `offset` from one open file to the same place of another within
 /// the kernel. Returns how many, 0 at the end of the file, or -1 with `errno` set; absent where

@@ -71,7 +71,7 @@ std::array<timespec, 2> timesOf(const struct stat& info) {
     return {{info.st_atimespec, info.st_mtimespec}};
 }
 
-bool isRotational(std::uint64_t /*device*/) {
+bool isRotational(const std::string& /*path*/) {
     return false;
 }
 

@@ -29,10 +29,8 @@ constexpr auto patienceAfterStop = 500ms;
 constexpr unsigned mostThreads = 4;
 constexpr std::int64_t filesPerCount = 16;  // a slow volume takes milliseconds for each
 
-std::size_t threadCount(const TreeRoots& roots) {
-    if (std::any_of(roots.identities.begin(), roots.identities.end(), [](const FileIdentity& root) {
-            return file_system::isRotational(root.device);
-        })) {
+std::size_t threadCount(const std::vector<std::string>& roots) {
+    if (std::ranges::any_of(roots, file_system::isRotational)) {
         return 1;
     }
     return std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
@@ -124,7 +122,7 @@ void Search::start(void (Search::*work)()) {
 
 void Search::openRoots() {
     TreeRoots roots = treeRoots(roots_);
-    const std::size_t threads = threadCount(roots);
+    const std::size_t threads = threadCount(roots_);
     rules_.roots = std::move(roots.identities);
     std::reverse(roots.parts.begin(), roots.parts.end());
     pending_ = std::move(roots.parts);

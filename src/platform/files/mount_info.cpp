@@ -22,6 +22,35 @@ std::optional<std::uint64_t> takeNumber(std::string_view& line, char end) {
     return number;
 }
 
+/// Takes what stands before `end`, and `end`, off the front; everything when it is not there.
+std::string_view takeUntil(std::string_view& text, std::string_view end) {
+    const std::size_t at = text.find(end);
+    const std::string_view taken = text.substr(0, at);
+    text.remove_prefix(at == std::string_view::npos ? text.size() : at + end.size());
+    return taken;
+}
+
+/// Blanks and backslashes are written by their number, "\040".
+std::string withoutEscapes(std::string_view text) {
+    constexpr std::size_t digits = 3;
+    std::string result;
+    while (!text.empty()) {
+        const std::string_view number = text.substr(1, digits);
+        const char* const end = number.data() + number.size();
+        unsigned char character = 0;
+        const auto [next, error] = std::from_chars(number.data(), end, character, 8);
+        if (text.front() == '\\' && number.size() == digits && next == end &&
+            error == std::errc()) {
+            result += static_cast<char>(character);
+            text.remove_prefix(1 + digits);
+        } else {
+            result += text.front();
+            text.remove_prefix(1);
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t mount) {
@@ -36,6 +65,17 @@ std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t 
     return isDevice ? std::optional<std::uint64_t>(::gnu_dev_makedev(static_cast<unsigned>(*major),
                                                                      static_cast<unsigned>(*minor)))
                     : std::nullopt;
+}
+
+std::optional<std::string> sourceOfMount(std::string_view line, std::uint64_t mount) {
+    if (takeNumber(line, ' ') != mount) {
+        return std::nullopt;
+    }
+    // Behind a number of fields that varies: "… - btrfs /dev/sda2 rw".
+    takeUntil(line, " - ");
+    takeUntil(line, " ");
+    const std::string_view source = takeUntil(line, " ");
+    return source.empty() ? std::nullopt : std::optional(withoutEscapes(source));
 }
 
 }  // namespace tallowcrest

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tallowcrest {
@@ -10,5 +11,9 @@ namespace tallowcrest {
 /// of one file system have the same, also those of subvolumes. Absent when the line is about
 /// another mount or does not tell. Pure; any thread.
 std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t mount);
+
+/// What is mounted as `mount`, by a line of `mountinfo`: "/dev/sda2" for a file system on a disk,
+/// one of several disks where it has several, else a word of its kind. Absent as above.
+std::optional<std::string> sourceOfMount(std::string_view line, std::uint64_t mount);
 
 }  // namespace tallowcrest

@@ -35,6 +35,27 @@ TEST(MountInfo, WhatIsNoLineOfItTellsNothing) {
     }
 }
 
+TEST(MountInfo, TellsWhatIsMounted) {
+    struct Row {
+        const char* line;
+        std::optional<std::string> source;
+    };
+    const Row rows[] = {
+        {"7 1 0:39 /home /mnt/home rw - btrfs /dev/sda2 rw,subvol=/home", "/dev/sda2"},
+        {"7 1 0:39 / /mnt/a\\040-\\040b rw shared:1 master:2 - btrfs /dev/mapper/a rw",
+         "/dev/mapper/a"},
+        {"7 1 0:5 / /mnt rw - fuse.sshfs host:/a\\040b\\134c\\04 rw", "host:/a b\\c\\04"},
+        {"7 1 0:5 / /mnt rw - tmpfs a\\777\\0x1\\", "a\\777\\0x1\\"},
+        {"7 1 0:5 / /mnt rw - tmpfs", std::nullopt},
+        {"7 1 0:5 / /mnt rw - tmpfs  rw", std::nullopt},
+        {"7 1 0:5 / /mnt rw", std::nullopt},
+        {"8 1 0:5 / /mnt rw - tmpfs tmpfs rw", std::nullopt},
+        {"", std::nullopt}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(sourceOfMount(row.line, 7), row.source) << row.line;
+    }
+}
+
 TEST(VolumeOf, TellsTheDeviceOfThePathThroughLinks) {
     const TemporaryFolder folder;
     ASSERT_EQ(::symlink("/proc", folder.path("link").c_str()), 0);

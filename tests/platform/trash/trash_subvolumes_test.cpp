@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/files/file_system.h"
 #include "platform/files/file_walk_posix.h"
 #include "platform/files/volume_of.h"
 #include "tests/platform/trash/own_mounts.h"
@@ -63,6 +64,19 @@ protected:
 
     const fs::path disk = folder.path() / "disk";
 };
+
+TEST_F(TrashSubvolumesTest, TheirDiskIsThatOfTheMount) {
+    withSubvolumes([&] {
+        const std::string device =
+            shellOutput("findmnt --noheadings --output SOURCE '" + disk.string() + '\'');
+        const std::string answer = shellOutput(
+            "cat /sys/block/" + fs::path(device.substr(0, device.find('\n'))).filename().string() +
+            "/queue/rotational");
+        for (const fs::path& place : {disk, disk / "part", home}) {
+            EXPECT_EQ(file_system::isRotational(place), answer.starts_with('1')) << place;
+        }
+    });
+}
 
 TEST_F(TrashSubvolumesTest, TheFilesOfAMountedOneAreMovedInIt) {
     withSubvolumes([&] {
