@@ -3,10 +3,14 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
+#include <utility>
 
 namespace tallowcrest {
 namespace {
@@ -45,6 +49,21 @@ std::optional<FileStatus> statusOf(int file) {
 
 std::optional<FileStatus> statusAt(int folder, const std::string& name) {
     return read(folder, name.c_str(), 0);
+}
+
+bool isFileAt(int folder, const std::string& name, int file) {
+    const auto opened = statusOf(file);
+    const auto named = statusAt(folder, name);
+    return opened && named && opened->identity == named->identity;
+}
+
+std::optional<std::string> pathOf(int file) {
+    std::array<char, PATH_MAX> path;
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    return length < 0 ? std::nullopt
+                      : std::optional<std::string>(std::in_place, path.data(),
+                                                   static_cast<std::size_t>(length));
 }
 
 bool areOnOneVolume(const FileStatus& folder, const FileStatus& other) {

@@ -27,6 +27,13 @@ std::optional<FileStatus> statusOf(int file);
 /// The status of a name in a folder. A link is not followed.
 std::optional<FileStatus> statusAt(int folder, const std::string& name);
 
+/// Whether what has this name in the folder is the open file.
+bool isFileAt(int folder, const std::string& name, int file);
+
+/// The path of an open file as it is now, as far as the system tells; that of a file that was
+/// removed ends in " (deleted)".
+std::optional<std::string> pathOf(int file);
+
 /// Whether a file may be renamed from one folder into the other, as far as the two folders tell.
 bool areOnOneVolume(const FileStatus& folder, const FileStatus& other);
 

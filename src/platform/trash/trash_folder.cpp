@@ -4,14 +4,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <utility>
 
+#include "core/uuid.h"
 #include "platform/base/make_directories.h"
 #include "platform/trash/file_status.h"
+#include "platform/trash/rename_without_replacing.h"
+#include "platform/trash/trash_info.h"
 
 namespace tallowcrest {
 namespace {
@@ -103,12 +104,10 @@ std::optional<std::string> lastComponents(const std::string& path, std::size_t c
 }
 
 std::optional<VolumeRoot> findVolumeRoot(int folder) {
-    std::array<char, PATH_MAX> path;
-    const std::string link = "/proc/self/fd/" + std::to_string(folder);
-    const ssize_t length = ::readlink(link.c_str(), path.data(), path.size());
+    const auto path = pathOf(folder);
     const auto status = statusOf(folder);
     UniqueFD root(::openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (length < 0 || !status || !root.valid()) {
+    if (!path || !status || !root.valid()) {
         return std::nullopt;
     }
     std::size_t depth = 0;
@@ -132,8 +131,7 @@ std::optional<VolumeRoot> findVolumeRoot(int folder) {
         return std::nullopt;
     }
     // A folder that is moved meanwhile would be restored to another place.
-    const auto below =
-        lastComponents(std::string(path.data(), static_cast<std::size_t>(length)), depth);
+    const auto below = lastComponents(*path, depth);
     const UniqueFD again = below ? openFolderBelow(root.get(), *below) : UniqueFD();
     const auto found = again.valid() ? statusOf(again.get()) : std::nullopt;
     if (!found || found->identity != status->identity) {
@@ -192,6 +190,28 @@ std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
         errno = homeError;  // what the owner can mend
     }
     return trash;
+}
+
+void removeInfo(const TrashFolder& trash, const std::string& storedName, int info) {
+    const int folder = trash.info.get();
+    const std::string name = trashInfoName(storedName);
+    if (!isFileAt(folder, name, info)) {
+        return;
+    }
+    // It is looked at again under a name that nobody else knows, as the names can change meanwhile.
+    const std::string aside = ".tallowcrest-" + UUID::random().text();
+    if (::renameat(folder, name.c_str(), folder, aside.c_str()) != 0) {
+        // A folder can have no room for another name.
+        if (errno != ENOENT && isFileAt(folder, name, info)) {
+            ::unlinkat(folder, name.c_str(), 0);
+        }
+        return;
+    }
+    if (isFileAt(folder, aside, info)) {
+        ::unlinkat(folder, aside.c_str(), 0);
+    } else {
+        renameWithoutReplacing(folder, aside, folder, name);
+    }
 }
 
 }  // namespace tallowcrest

@@ -27,4 +27,8 @@ std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
                                            const std::string& path, const std::string& homeTrash,
                                            Missing missing);
 
+/// Removes the `.trashinfo` of a stored file unless its name is that of another file than the open
+/// `info` by now.
+void removeInfo(const TrashFolder& trash, const std::string& storedName, int info);
+
 }  // namespace tallowcrest

@@ -7,10 +7,8 @@
 #include <cerrno>
 #include <climits>
 #include <cstddef>
-#include <string_view>
 #include <utility>
 
-#include "core/uuid.h"
 #include "platform/base/full_disk.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
@@ -58,57 +56,6 @@ int renameIntoTrash(int folder, const std::string& name, const TrashFolder& tras
     const bool isRenamed =
         ::renameat(folder, name.c_str(), trash.files.get(), storedName.c_str()) == 0;
     return isRenamed ? 0 : errno;
-}
-
-/// At most so many bytes of an open file, fewer at its end; absent with `errno` after an error.
-std::optional<std::string> readText(int file, std::size_t longest) {
-    std::string text(longest, '\0');
-    std::size_t length = 0;
-    while (length < longest) {
-        const ssize_t count = ::read(file, text.data() + length, longest - length);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        length += static_cast<std::size_t>(count);
-    }
-    text.resize(length);
-    return text;
-}
-
-/// Whether what has this name in the folder is the open file.
-bool isFileAt(int folder, const std::string& name, int file) {
-    const auto opened = statusOf(file);
-    const auto named = statusAt(folder, name);
-    return opened && named && opened->identity == named->identity;
-}
-
-/// Removes a `.trashinfo` unless its name is that of another file than `info` by now. It is looked
-/// at again under a name that nobody else knows, as the names can change after the first look.
-void removeInfo(const TrashFolder& trash, const std::string& storedName, int info) {
-    const int folder = trash.info.get();
-    const std::string name = trashInfoName(storedName);
-    if (!isFileAt(folder, name, info)) {
-        return;
-    }
-    const std::string aside = ".tallowcrest-" + UUID::random().text();
-    if (::renameat(folder, name.c_str(), folder, aside.c_str()) != 0) {
-        // A folder can have no room for another name.
-        if (errno != ENOENT && isFileAt(folder, name, info)) {
-            ::unlinkat(folder, name.c_str(), 0);
-        }
-        return;
-    }
-    if (isFileAt(folder, aside, info)) {
-        ::unlinkat(folder, aside.c_str(), 0);
-    } else {
-        renameWithoutReplacing(folder, aside, folder, name);
-    }
 }
 
 std::size_t longestNameIn(int folder) {
@@ -322,68 +269,6 @@ std::unique_ptr<PreparedMove> XdgTrash::prepareMove(const TrashRequest& request)
 
 TrashOutcome XdgTrash::moveToTrash(const TrashRequest& request) {
     return Move(*this, request).complete(request.maximumBytes);
-}
-
-PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
-    using Result = PutBackOutcome::Result;
-    const PutBackOutcome isGone{Result::gone, "It is no longer in the Trash"};
-    const OpenedPlace place = openPlace(item.path, item.inside);
-    const auto folder = place.folder.valid() ? statusOf(place.folder.get()) : std::nullopt;
-    if (!folder) {
-        return {Result::left, place.objection.empty() ? systemWords(errno) : place.objection};
-    }
-    const auto trash =
-        openTrashFolder(place.folder.get(), place.name, item.path, homeTrash_, Missing::refused);
-    if (!trash) {
-        return {Result::left,
-                errno == ENOENT ? "The folder of the Trash is missing" : systemWords(errno)};
-    }
-    // It can be in the trash of the home folder, if that is not to be had now.
-    const auto notFound = [&](int error) {
-        return error == ENOENT && trash->homeError == 0
-                   ? isGone
-                   : PutBackOutcome{Result::left,
-                                    systemWords(error == ENOENT ? trash->homeError : error)};
-    };
-    // Held open, because its inode number is then not given to another file.
-    const UniqueFD file(
-        ::openat(trash->files.get(), item.storedName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    const auto stored = file.valid() ? statusOf(file.get()) : std::nullopt;
-    if (!stored) {
-        return notFound(errno);
-    }
-    if (stored->identity != item.identity || !S_ISREG(stored->mode)) {
-        return isGone;
-    }
-    const UniqueFD info(::openat(trash->info.get(), trashInfoName(item.storedName).c_str(),
-                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    const auto text =
-        info.valid() ? readText(info.get(), item.description.size() + 1) : std::nullopt;
-    if (!text) {
-        return notFound(errno);
-    }
-    // The Trash was emptied and used again: then another file or another time is described.
-    if (*text != item.description) {
-        return isGone;
-    }
-    if (const int error = renameWithoutReplacing(trash->files.get(), item.storedName,
-                                                 place.folder.get(), place.name);
-        error != 0) {
-        const bool isFull = isDiskFull(error);
-        return {Result::left, isFull ? "The disk is full" : systemWords(error), isFull};
-    }
-    const auto arrived = statusAt(place.folder.get(), place.name);
-    const bool isRightFile = arrived && arrived->identity == item.identity;
-    if (!isRightFile || !isStillAt(place.folderPath, item.inside, folder->identity)) {
-        const std::string why =
-            isRightFile ? "Its folder was moved meanwhile" : "Another file has taken its name";
-        const int error = renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(),
-                                                 item.storedName);
-        return error == 0 ? PutBackOutcome{Result::left, why}
-                          : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
-    }
-    removeInfo(*trash, item.storedName, info.get());
-    return {Result::done, {}};
 }
 
 }  // namespace tallowcrest

@@ -346,6 +346,7 @@ TEST_F(PutBackTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingElse) {
                      write(inCache("a/thumb"), "taker");
                  }
              }},
+            {"a folder in its place", [&] { swapNames(inCache("a/thumb"), inCache("folder")); }},
             {"a link for the folder", [&] { swapNames(inCache("a"), inCache("link")); }},
             {"a folder that leaves the cache", [&] { fs::rename(inCache("a"), home / "left"); }},
         };
@@ -360,6 +361,7 @@ TEST_F(PutBackTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingElse) {
                 const TrashItem item = trashed(inCache("a/thumb"));
                 write(homeTrash / "files/decoy", "decoy");
                 fs::create_directory_symlink(outside, inCache("link"));
+                fs::create_directory(inCache("folder"));
                 const TracedRun run =
                     runTraced([&] { return static_cast<int>(trash.putBack(item).result); },
                               [&](int stop) {
@@ -384,6 +386,9 @@ TEST_F(PutBackTest, ASwapAtAnySystemCallLosesNothingAndTouchesNothingElse) {
                 EXPECT_EQ(found["pixels"], 1);
                 EXPECT_GE(found["decoy"], 1);
                 EXPECT_TRUE(fs::is_empty(outside));
+                for (const auto& entry : fs::directory_iterator(homeTrash / "files")) {
+                    EXPECT_TRUE(entry.is_regular_file()) << "what it has not moved is in the Trash";
+                }
                 ASSERT_FALSE(HasFailure());
             }
             EXPECT_GT(results[static_cast<int>(WayBack::done)], 0) << name << " after it";
