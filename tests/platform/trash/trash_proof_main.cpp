@@ -26,7 +26,8 @@ int main(int argc, char** argv) {
             mountMemory(folder.path());
         }
         const ProofReport report = proveTrash(folder.path(), rounds);
-        std::cout << report.moved << " files moved, " << report.left << " left, " << report.stranded
+        std::cout << report.moved << " files moved, " << report.left << " left, " << report.putBack
+                  << " put back, " << report.stranded
                   << " others that could not be put back and can be restored, " << report.attacks
                   << " attacks, " << report.descriptionsMoved << " descriptions moved, "
                   << report.faults.size() << " faults\n";

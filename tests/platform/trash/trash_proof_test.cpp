@@ -17,6 +17,7 @@ TEST(TrashProof, AHostileThreadMakesNoCleanUpLoseOrTouchAnything) {
         EXPECT_THAT(report.faults, ::testing::IsEmpty());
         EXPECT_GT(report.moved, 0);
         EXPECT_GT(report.left, 0);
+        EXPECT_GT(report.putBack, 0);
         EXPECT_GT(report.descriptionsMoved, 0);
     });
 }
