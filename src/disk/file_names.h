@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 /// What a name on disk stands for at this moment. Each call can block as long as a file system
 /// hangs, so not for the main thread. Several at once.
@@ -15,5 +17,9 @@ bool nameExists(const std::string& path);
 /// The path without links, "." and "..". What does not exist is taken as it is written. Empty when
 /// it cannot be resolved, for example in a loop of links.
 std::string resolvedPath(const std::string& path);
+
+/// The beginning of a name, at most `longest` bytes, and no character cut in two where it is UTF-8.
+/// Pure.
+std::string_view cutName(std::string_view name, std::size_t longest);
 
 }  // namespace tallowcrest

@@ -10,6 +10,7 @@
 
 #include "core/number_text.h"
 #include "core/text.h"
+#include "disk/file_names.h"
 #include "disk/storage_areas.h"
 
 namespace tallowcrest {
@@ -78,8 +79,11 @@ std::string shownFolder(const std::string& folder, const std::string& home) {
 
 std::string backupName(const std::string& name, Date now) {
     const fs::path path(name);
-    return fmt::format("{}-{}.{}", path.stem().string(), cutToInteger(now.unixSeconds()),
-                       extensionOf(path));
+    const std::string ending =
+        fmt::format("-{}.{}", cutToInteger(now.unixSeconds()), extensionOf(path));
+    constexpr std::size_t longest = 255;  // of a name, in bytes
+    const std::string stem = path.stem().string();
+    return std::string(cutName(stem, longest - std::min(ending.size(), longest))) + ending;
 }
 
 }  // namespace tallowcrest

@@ -31,7 +31,8 @@ std::string shownPathInHome(std::string path, const std::string& home);
 std::string shownFolder(const std::string& folder, const std::string& home);
 
 /// The name of a copy beside a file that has the name already: with the time in seconds since 1970
-/// before the extension. Without an extension it ends in a dot.
+/// before the extension. Without an extension it ends in a dot. A long name is cut before the time,
+/// so that the copy can have it.
 std::string backupName(const std::string& name, Date now);
 
 }  // namespace tallowcrest

@@ -96,6 +96,14 @@ TEST(StorageSuggestions, ASecondCopyHasTheTimeInItsName) {
     EXPECT_EQ(backupName("film.", now), "film-1700000000.");
     EXPECT_EQ(backupName(".hidden", now), ".hidden-1700000000.");
     EXPECT_EQ(backupName("a.b", Date::fromUnixSeconds(12.9)), "a-12.b");
+    const std::string ending = "-1700000000.mov";
+    EXPECT_EQ(backupName(std::string(236, 'x') + ".mov", now), std::string(236, 'x') + ending);
+    EXPECT_EQ(backupName(std::string(251, 'x') + ".mov", now), std::string(240, 'x') + ending);
+    EXPECT_EQ(backupName(std::string(239, 'x') + "\u00e9xxxx.mov", now),
+              std::string(239, 'x') + ending)
+        << "no character is cut in two";
+    EXPECT_EQ(backupName("x." + std::string(250, 'y'), now),
+              "-1700000000." + std::string(250, 'y'));
 }
 
 }  // namespace

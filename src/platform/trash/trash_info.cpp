@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "disk/file_names.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -44,22 +46,6 @@ std::string localDateText(Date date, std::int64_t utcOffset) {
                        time.hours().count(), time.minutes().count(), time.seconds().count());
 }
 
-constexpr bool continuesCharacter(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
-std::string_view cut(std::string_view name, std::size_t longest) {
-    if (name.size() <= longest) {
-        return name;
-    }
-    std::size_t end = longest;
-    constexpr std::size_t mostContinuing = 3;
-    while (end > 0 && longest - end < mostContinuing && continuesCharacter(name[end])) {
-        --end;
-    }
-    return name.substr(0, continuesCharacter(name[end]) ? longest : end);
-}
-
 }  // namespace
 
 std::string trashInfoText(std::string_view path, Date deletedAt, std::int64_t utcOffset) {
@@ -74,7 +60,7 @@ std::string trashInfoName(std::string_view name) {
 std::string nameInTrash(std::string_view name, std::uint64_t number, std::size_t longest) {
     const std::string ending = number == 1 ? "" : fmt::format(".{}", number);
     const std::size_t added = ending.size() + suffix.size();
-    return std::string(cut(name, longest > added ? longest - added : 1)) + ending;
+    return std::string(cutName(name, longest > added ? longest - added : 1)) + ending;
 }
 
 }  // namespace tallowcrest
