@@ -26,6 +26,9 @@ public:
     /// Whether there is something, links followed.
     virtual bool exists(const std::string& path) const = 0;
 
+    /// The beginning of a file. Empty as well when it cannot be read.
+    virtual std::string readFile(const std::string& path) const = 0;
+
     /// What is in the folder, hidden entries too. Empty as well when there is no such folder, or it
     /// cannot be read.
     virtual std::vector<FolderEntry> entriesOf(const std::string& folder) const = 0;

@@ -9,6 +9,7 @@
 #include "core/observable.h"
 #include "core/services.h"
 #include "integration/installation_files.h"
+#include "integration/startup_files.h"
 
 namespace tallowcrest {
 namespace {
@@ -19,6 +20,10 @@ void callLoader(const LoginPlan& plan, ToolRunner& tools, const char* command) {
     if (!plan.loader.empty()) {
         tools.runTool(plan.loader, {command, plan.file}, deadline);
     }
+}
+
+bool isOn(const LoginPlan& plan, const InstallationFiles& files) {
+    return files.exists(plan.file) && !isTurnedOff(files.readFile(plan.file));
 }
 
 Outcome enable(const LoginPlan& plan, InstallationFiles& files, ToolRunner& tools) {
@@ -72,7 +77,7 @@ LoginItem::LoginItem(const Services& services, ToolRunner& tools, InstallPorts p
       ports_(std::move(ports)),
       observable_(std::make_unique<Observable>(services.jobs.mainQueue())),
       jobs_(services.jobs) {
-    state_.isEnabled = ports_.files != nullptr && ports_.files->exists(ports_.login.file);
+    state_.isEnabled = ports_.files != nullptr && isOn(ports_.login, *ports_.files);
 }
 
 LoginItem::~LoginItem() = default;
@@ -83,12 +88,10 @@ void LoginItem::lookAgain() {
     }
     jobs_.run(
         Lane::installation,
-        [files = ports_.files, file = ports_.login.file](const Stop&) {
-            return files->exists(file);
-        },
-        [this, look = ++newest_](bool exists) {
-            if (look == newest_ && exists != state_.isEnabled) {
-                state_.isEnabled = exists;
+        [files = ports_.files, plan = ports_.login](const Stop&) { return isOn(plan, *files); },
+        [this, look = ++newest_](bool isEnabled) {
+            if (look == newest_ && isEnabled != state_.isEnabled) {
+                state_.isEnabled = isEnabled;
                 observable_->changed();
             }
         });
@@ -111,7 +114,7 @@ Outcome LoginItem::begin(Change change, Finished finished) {
     }
     struct Result {
         Outcome outcome;
-        bool exists;
+        bool isEnabled;
     };
     ++newest_;
     state_.isChanging = true;
@@ -120,10 +123,10 @@ Outcome LoginItem::begin(Change change, Finished finished) {
         Lane::installation,
         [change, plan = ports_.login, files = ports_.files, &tools = tools_](const Stop&) {
             Outcome outcome = change(plan, *files, tools);
-            return Result{std::move(outcome), files->exists(plan.file)};
+            return Result{std::move(outcome), isOn(plan, *files)};
         },
         [this, finished = std::move(finished)](const Result& result) {
-            state_ = {.isEnabled = result.exists, .isChanging = false};
+            state_ = {.isEnabled = result.isEnabled, .isChanging = false};
             observable_->changed();
             log_.record(result.outcome);
             if (finished) {

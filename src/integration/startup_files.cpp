@@ -87,6 +87,10 @@ std::string autostartEntry(std::string_view application) {
     return desktopEntry(application, "StartupNotify=false\n");
 }
 
+bool isTurnedOff(std::string_view entry) {
+    return ('\n' + std::string(entry) + '\n').find("\nHidden=true\n") != std::string::npos;
+}
+
 std::string launchAgent(std::string_view application) {
     return fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">

@@ -13,6 +13,9 @@ std::string menuEntry(std::string_view application);
 /// Of the start at login on Linux. A program that is gone is not missed.
 std::string autostartEntry(std::string_view application);
 
+/// Whether a desktop has turned off such an entry instead of removing it.
+bool isTurnedOff(std::string_view entry);
+
 /// The property list of the start at login on macOS.
 std::string launchAgent(std::string_view application);
 

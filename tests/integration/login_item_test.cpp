@@ -192,6 +192,16 @@ TEST_F(LoginItemTest, WhatOthersDidIsSeenWhenItLooksAgain) {
     EXPECT_THAT(with.log.activityLog(), IsEmpty());
 }
 
+TEST_F(LoginItemTest, AnEntryThatTheDesktopHasTurnedOffIsOffUntilItIsEnabledAgain) {
+    files->files[autostart] = autostartEntry("/unpacked/tallowcrest") + "Hidden=true\n";
+    LoginItem& login = onLinux();
+    EXPECT_FALSE(login.state().isEnabled);
+    login.enableLaunchAtLogin();
+    finish();
+    EXPECT_TRUE(login.state().isEnabled);
+    EXPECT_EQ(files->files[autostart], autostartEntry("/unpacked/tallowcrest"));
+}
+
 TEST_F(LoginItemTest, AChangeThatBeganMeanwhileIsNotUndoneByALook) {
     LoginItem& login = onLinux();
     login.lookAgain();

@@ -18,6 +18,10 @@ public:
     bool exists(const std::string& path) const override {
         return files.contains(path) || folders.contains(path);
     }
+    std::string readFile(const std::string& path) const override {
+        const auto found = files.find(path);
+        return found == files.end() ? std::string() : found->second;
+    }
     std::vector<FolderEntry> entriesOf(const std::string& folder) const override {
         std::vector<FolderEntry> entries;
         for (const auto& [path, text] : files) {

@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "platform/base/make_directories.h"
+#include "platform/base/regular_file.h"
 #include "platform/base/unique_fd.h"
 #include "platform/base/write_all.h"
 #include "platform/files/partial_copies.h"
@@ -100,6 +101,10 @@ bool PosixInstallationFiles::isLink(const std::string& path) const {
 bool PosixInstallationFiles::exists(const std::string& path) const {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0;
+}
+
+std::string PosixInstallationFiles::readFile(const std::string& path) const {
+    return readRegularFile(path);
 }
 
 std::vector<FolderEntry> PosixInstallationFiles::entriesOf(const std::string& folder) const {

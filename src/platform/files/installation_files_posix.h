@@ -10,6 +10,7 @@ class PosixInstallationFiles final : public InstallationFiles {
 public:
     bool isLink(const std::string& path) const override;
     bool exists(const std::string& path) const override;
+    std::string readFile(const std::string& path) const override;
     std::vector<FolderEntry> entriesOf(const std::string& folder) const override;
     Outcome makeFolder(const std::string& path) override;
     std::shared_ptr<const void> reserve(const std::string& folder) override;

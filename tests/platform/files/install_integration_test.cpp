@@ -97,6 +97,18 @@ TEST_F(InstallIntegration, DesktopsAcceptTheEntries) {
     }
 }
 
+TEST_F(InstallIntegration, AnEntryThatADesktopHasTurnedOffIsSeen) {
+    ASSERT_EQ(enableLogin(), "Enabled launch at login.");
+    const LoginPlan plan = linuxLoginPlan(places_);
+    const auto isEnabled = [&] {
+        return LoginItem(with.services, tools_, {files_, {}, plan, {}}).state().isEnabled;
+    };
+    EXPECT_TRUE(isEnabled());
+    write("home/.config/autostart/tallowcrest.desktop",
+          autostartEntry(plan.running) + "Hidden=true");
+    EXPECT_FALSE(isEnabled());
+}
+
 TEST_F(InstallIntegration, ReplacesAnOlderInstallationAndRemovesWhatItHadMore) {
     fs::create_directories(target() + "/plugins");
     write("home/.local/opt/tallowcrest/tallowcrest", "old");
