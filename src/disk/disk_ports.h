@@ -48,6 +48,7 @@ struct DiskPlaces {
     std::vector<std::string> kept = {};      ///< what is never taken for the caches
     std::vector<std::string> personal = {};  ///< of `personalFolders`
     std::string unreadableData = "data";     ///< what texts call what could not be measured
+    std::string videos = "Videos";           ///< what texts call the folder of films
     std::string volumes = "subvolumes";      ///< what texts call the parts of the file system
 };
 

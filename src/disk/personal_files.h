@@ -81,6 +81,9 @@ public:
     Outcome stopAnalysis();
 
     /// Whether there is a file manager to show files in, and a chooser for the folder of a backup.
+    /// What texts call the folder of films.
+    const std::string& videos() const { return dependencies_.ports.places.videos; }
+
     bool canReveal() const;
     bool canBackUp() const;
 

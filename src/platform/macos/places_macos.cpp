@@ -45,6 +45,7 @@ DiskPlaces diskPlaces() {
             .kept = macOSKeptFolders(folders),
             .personal = personalFolders(folders),
             .unreadableData = "APFS data",
+            .videos = "Movies",
             .volumes = "APFS volumes"};
 }
 

@@ -73,8 +73,8 @@ void OptimizationSuggestionsPage::makeNextStep() {
 
 void OptimizationSuggestionsPage::makeStorageAnalyzer() {
     PersonalFiles& files = monitor_.disk().files;
-    storageAnalyzer_ =
-        new StorageAnalyzerCard({.reveal = files.canReveal(), .backUp = files.canBackUp()});
+    storageAnalyzer_ = new StorageAnalyzerCard(
+        {.reveal = files.canReveal(), .backUp = files.canBackUp()}, files.videos());
     connect(storageAnalyzer_, &StorageAnalyzerCard::analysisWanted, this,
             [&files] { files.analyzePersonalFiles(); });
     connect(storageAnalyzer_, &StorageAnalyzerCard::analysisStopWanted, this,

@@ -17,7 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace tallowcrest {
 
-StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers, QWidget* parent)
+StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers,
+                                         const std::string& videos, QWidget* parent)
     : Card(parent), offers_(offers) {
     setObjectName(u"suggestions.storage-analyzer"_s);
     setHeader(u"externaldrive.badge.magnifyingglass"_s, u"AI Storage Analyzer"_s);
@@ -29,9 +30,10 @@ StorageAnalyzerCard::StorageAnalyzerCard(const PersonalFileRow::Offers& offers, 
     const auto quiet = onCard(&CrestFonts::caption, &CrestTheme::secondaryText);
     addLabel("-text", onCard(&CrestFonts::body, &CrestTheme::secondaryText), 8)
         ->setText(
-            u"The analyzer reviews accessible files in Downloads, Desktop, Documents, Movies, and "
+            u"The analyzer reviews accessible files in Downloads, Desktop, Documents, %1, and "
             "Pictures. File contents and paths stay on this Mac. OpenAI receives only the existing "
-            "redacted system diagnostics when AI Advisor is enabled."_s);
+            "redacted system diagnostics when AI Advisor is enabled."_s.arg(
+                dashboard_text::text(videos)));
     analyze_ = makeButton({"Analyze Large Personal Files", "folder.badge.gearshape",
                            commands::analyzeStorage.description},
                           u"suggestions.analyze-files"_s, this);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "disk/disk_records.h"
@@ -21,7 +22,9 @@ class StorageAnalyzerCard final : public Card {
 
 public:
     /// `offers` is what the rows offer.
-    explicit StorageAnalyzerCard(const PersonalFileRow::Offers& offers, QWidget* parent = nullptr);
+    /// `videos` is what texts call the folder of films.
+    StorageAnalyzerCard(const PersonalFileRow::Offers& offers, const std::string& videos,
+                        QWidget* parent = nullptr);
 
     /// `isReplyAwaited` says that an analysis of the advisor is under way.
     void show(const PersonalFilesState& state, bool isReplyAwaited);

@@ -28,7 +28,7 @@ protected:
     }
 
     PersonalFilesState state;
-    StorageAnalyzerCard& card = place(new StorageAnalyzerCard({}));
+    StorageAnalyzerCard& card = place(new StorageAnalyzerCard({}, "Videos"));
 };
 
 TEST_F(StorageAnalyzerCardTest, SaysWhatIsAnalyzedAndWhatLeavesTheMachine) {
@@ -36,7 +36,7 @@ TEST_F(StorageAnalyzerCardTest, SaysWhatIsAnalyzedAndWhatLeavesTheMachine) {
     EXPECT_EQ(card.accessibleName(), u"AI Storage Analyzer"_s);
     EXPECT_EQ(
         textOf("suggestions.storage-analyzer-text"),
-        u"The analyzer reviews accessible files in Downloads, Desktop, Documents, Movies, and "
+        u"The analyzer reviews accessible files in Downloads, Desktop, Documents, Videos, and "
         "Pictures. File contents and paths stay on this Mac. OpenAI receives only the "
         "existing redacted system diagnostics when AI Advisor is enabled."_s);
     EXPECT_EQ(button("suggestions.analyze-files").text(), u"Analyze Large Personal Files"_s);
