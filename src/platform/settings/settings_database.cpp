@@ -31,7 +31,7 @@ std::string uriFor(const Path& path, Access access) {
         uri += isSpecial ? fmt::format("%{:02X}", c) : std::string(1, c);
     }
     return access == Access::immutable  ? uri + "?immutable=1"
-           : access == Access::unshared ? uri + "?nolock=1"
+           : access == Access::unshared ? uri + "?vfs=unix-none"
                                         : uri;
 }
 

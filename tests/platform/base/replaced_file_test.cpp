@@ -55,7 +55,7 @@ TEST_F(ReplacedFileTest, ReplacesTheWholeFileAndLeavesNothingBeside) {
 TEST_F(ReplacedFileTest, TwoProcessesReplaceOneFile) {
     const auto replaceOften = [this] {
         std::string problem;
-        for (int i = 0; i < 2000 && problem.empty(); ++i) {
+        for (int i = 0; i < 300 && problem.empty(); ++i) {
             problem = replaceFile(path, std::string(1000, 'x') + '\n');
         }
         return problem;
