@@ -42,11 +42,11 @@ std::optional<std::string> readText(int file, std::size_t longest) {
     return text;
 }
 
-/// Whether the open file has a name in the open folder or below it.
-bool isInFolder(int file, int folder) {
+/// Whether the open file is known to have no name in the open folder or below it.
+bool hasLeft(int file, int folder) {
     const auto path = pathOf(file);
     const auto folderPath = pathOf(folder);
-    return path && folderPath && path->starts_with(*folderPath + '/');
+    return path && folderPath && !path->starts_with(*folderPath + '/');
 }
 
 }  // namespace
@@ -111,14 +111,14 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
         return error == 0 ? PutBackOutcome{Result::left, why}
                           : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
     }
-    if (isInFolder(file.get(), trash->files.get())) {
-        // Another file had taken its name in the Trash, and returns there.
-        renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(), item.storedName);
-        return {Result::left, "Another file has taken its name"};
+    if (hasLeft(file.get(), trash->files.get())) {
+        // What is in its place now came from elsewhere, and stays.
+        removeInfo(*trash, item.storedName, info.get());
+        return {Result::gone, "Another program has moved it meanwhile"};
     }
-    // What is in its place now came from elsewhere, and stays.
-    removeInfo(*trash, item.storedName, info.get());
-    return {Result::gone, "Another program has moved it meanwhile"};
+    // Another file had taken its name in the Trash, and returns there.
+    renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(), item.storedName);
+    return {Result::left, "Another file has taken its name"};
 }
 
 }  // namespace tallowcrest
