@@ -1,5 +1,12 @@
 #include "core/number_text.h"
 
+#include <locale.h>
+#include <stdlib.h>
+#if __has_include(<xlocale.h>)
+#include <xlocale.h>
+#endif
+
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -60,14 +67,18 @@ std::optional<std::int64_t> parseDecimalInteger(std::string_view text) {
 }
 
 std::optional<double> parseDecimalFloat(std::string_view text) {
-    if (!dropPlusSign(text)) {
+    // The function also takes blanks, hexadecimal numbers and names, which have other characters.
+    if (text.empty() || text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
         return std::nullopt;
     }
-    double value = 0.0;
-    const char* const end = text.data() + text.size();
-    const auto [parsed, error] =
-        std::from_chars(text.data(), end, value, std::chars_format::general);
-    if (error != std::errc{} || parsed != end || !std::isfinite(value)) {
+    // Not std::from_chars: the C++ library of macOS 14 has it for integers only.
+    static const locale_t neutral = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    const std::string terminated(text);
+    char* parsed = nullptr;
+    errno = 0;
+    const double value = ::strtod_l(terminated.c_str(), &parsed, neutral);
+    const bool isTooSmall = errno == ERANGE && value == 0.0;
+    if (parsed != terminated.c_str() + terminated.size() || isTooSmall || !std::isfinite(value)) {
         return std::nullopt;
     }
     return value;

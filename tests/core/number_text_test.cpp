@@ -1,7 +1,10 @@
 #include "core/number_text.h"
 
 #include <limits>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -63,6 +66,35 @@ TEST(NumberText, InfinitiesAndNaNHaveNames) {
     }
     EXPECT_EQ(cutToInteger(highest).size(), 309U);
     EXPECT_EQ(withOneDecimal(highest).size(), 311U);
+}
+
+TEST(NumberText, ParsesDecimalNumbers) {
+    for (const auto& [text, value] : {std::pair{"0", 0.0},
+                                      {"-1.5", -1.5},
+                                      {"+1.5", 1.5},
+                                      {".5", 0.5},
+                                      {"5.", 5.0},
+                                      {"1e2", 100.0},
+                                      {"1.E-3", 0.001},
+                                      {"0.1", 0.1},
+                                      {"0e999999", 0.0},
+                                      {"9007199254740993", 9007199254740992.0},
+                                      {"1.7976931348623157e308", highest},
+                                      {"5e-324", std::numeric_limits<double>::denorm_min()}}) {
+        EXPECT_EQ(parseDecimalFloat(text), value) << text;
+    }
+    EXPECT_EQ(parseDecimalFloat(std::string(400, '0') + "7"), 7.0);
+    EXPECT_EQ(parseDecimalFloat(std::string_view("125").substr(0, 2)), 12.0);
+}
+
+TEST(NumberText, ParsesNothingElseAsANumber) {
+    for (const char* text :
+         {"",    ".",      "-",        "+",     "+-1",    "-+1",    "--1",  "++1",   " 1",  "1 ",
+          "\t1", "1,5",    "1.0.0",    "1e",    "1e+",    "e1",     "0x10", "0x1p3", "inf", "-inf",
+          "nan", "nan(5)", "infinity", "1e400", "-1e400", "1e-400", "1K",   "1e5e5", "1d5"}) {
+        EXPECT_EQ(parseDecimalFloat(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(parseDecimalFloat(std::string_view("1\0", 2)), std::nullopt);
 }
 
 }  // namespace
