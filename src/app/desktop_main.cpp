@@ -184,7 +184,8 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
                          .openRoute = openRoute,
                          .install = desktopInstallPorts(),
                          .updates = desktopUpdatePorts()},
-         .locale = std::make_shared<QtLocale>(localeNamesOfThisProcess())});
+         .locale = std::make_shared<QtLocale>(
+             completedBy(desktop::habits().localeName, localeNamesOfThisProcess()))});
     int status = 0;
     {
         DashboardWindow window(composition.monitor());

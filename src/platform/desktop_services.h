@@ -21,6 +21,14 @@
 /// The services of the desktop, as this operating system provides them. Main thread.
 namespace tallowcrest::desktop {
 
+/// How desktops differ in what a program is expected to do.
+struct Habits {
+    /// The locale of the owner's settings, such as "de_DE". Empty where programs get it in their
+    /// environment.
+    std::string localeName = {};
+};
+Habits habits();
+
 /// `launcher` must outlive the result.
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher);
 

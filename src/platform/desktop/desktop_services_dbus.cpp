@@ -12,6 +12,10 @@
 
 namespace tallowcrest::desktop {
 
+Habits habits() {
+    return {};
+}
+
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher&) {
     return std::make_shared<DesktopGracefulQuit>(host::isStillThere);
 }

@@ -2,17 +2,11 @@
 
 #include <memory>
 
-#include "actions/apple_script_quit.h"
 #include "platform/desktop/keychain_secret_store.h"
 #include "platform/desktop/user_notification_center.h"
 #include "platform/desktop_services.h"
-#include "platform/host.h"
 
 namespace tallowcrest::desktop {
-
-std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {
-    return std::make_shared<AppleScriptQuit>(host::allowedExecutables(), launcher);
-}
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter() {
     return std::make_unique<UserNotificationCenter>();

@@ -17,6 +17,15 @@ LocaleNames localeNamesFrom(const EnvironmentLookup& lookup) {
     return {first("LC_COLLATE"), first("LC_NUMERIC"), first("LC_TIME")};
 }
 
+LocaleNames completedBy(const std::string& name, LocaleNames names) {
+    for (std::string* each : {&names.collation, &names.numbers, &names.dates}) {
+        if (each->empty()) {
+            *each = name;
+        }
+    }
+    return names;
+}
+
 LocaleNames localeNamesOfThisProcess() {
     return localeNamesFrom([](const char* variable) -> std::optional<std::string> {
         const char* value = std::getenv(variable);

@@ -22,6 +22,9 @@ using EnvironmentLookup = std::function<std::optional<std::string>(const char* v
 /// LC_TIME), else of LANG. An empty variable counts as not set; a name is empty when none is set.
 LocaleNames localeNamesFrom(const EnvironmentLookup& lookup);
 
+/// `name` in the place of those that are empty.
+LocaleNames completedBy(const std::string& name, LocaleNames names);
+
 /// `localeNamesFrom` the environment of this process. Main thread, before anything changes the
 /// environment.
 LocaleNames localeNamesOfThisProcess();

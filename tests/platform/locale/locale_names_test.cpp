@@ -35,5 +35,13 @@ TEST(LocaleNames, ComeFromTheEnvironment) {
     }
 }
 
+TEST(LocaleNames, AreThoseOfTheSystemWhereTheEnvironmentHasNone) {
+    const LocaleNames none = localeNamesFrom([](const char*) { return std::nullopt; });
+    EXPECT_EQ(completedBy("de_DE", none), (LocaleNames{"de_DE", "de_DE", "de_DE"}));
+    EXPECT_EQ(completedBy("de_DE", {"", "en_US", ""}), (LocaleNames{"de_DE", "en_US", "de_DE"}));
+    EXPECT_EQ(completedBy("de_DE", {"C", "tr_TR", "en_GB"}), (LocaleNames{"C", "tr_TR", "en_GB"}));
+    EXPECT_EQ(completedBy("", none), none);
+}
+
 }  // namespace
 }  // namespace tallowcrest
