@@ -26,6 +26,10 @@ UniqueFD accept(int listener);
 /// peer that has closed gives an error rather than a signal.
 ssize_t send(int socket, std::string_view text);
 
+/// A short path of what is called `name` in the open `directory`, for a socket address, which holds
+/// a hundred bytes. Empty where the system has none.
+std::string shortPath(int directory, const std::string& name);
+
 struct Peer {
     uid_t user;
     pid_t process;  ///< 0 when unknown

@@ -16,6 +16,10 @@ ssize_t send(int socket, std::string_view text) {
     return ::send(socket, text.data(), text.size(), MSG_NOSIGNAL);
 }
 
+std::string shortPath(int directory, const std::string& name) {
+    return "/proc/self/fd/" + std::to_string(directory) + '/' + name;
+}
+
 std::optional<Peer> peerOf(int socket) {
     ucred credentials{};
     socklen_t size = sizeof credentials;

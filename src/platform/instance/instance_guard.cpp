@@ -81,16 +81,19 @@ Lock takeLock(const Files& files, UniqueFD& lock) {
     return Lock::taken;
 }
 
-/// A socket address holds a path of about a hundred bytes. A longer path goes through the
-/// descriptor of its directory; the socket calls then fail on systems without /proc.
-sockaddr_un addressOf(const Files& files) {
+/// Absent, with `errno` set, when the path is too long for an address.
+std::optional<sockaddr_un> addressOf(const Files& files) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::string path = files.path + '/' + files.socket;
     if (path.size() >= sizeof address.sun_path) {
-        path = "/proc/self/fd/" + std::to_string(files.directory.get()) + '/' + files.socket;
+        path = local_socket::shortPath(files.directory.get(), files.socket);
     }
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    if (path.empty() || path.size() >= sizeof address.sun_path) {
+        errno = ENAMETOOLONG;
+        return std::nullopt;
+    }
+    path.copy(address.sun_path, path.size());
     return address;
 }
 
@@ -107,8 +110,8 @@ UniqueFD listenAt(const Files& files) {
         return {};
     }
     ::unlinkat(files.directory.get(), files.socket.c_str(), 0);
-    const sockaddr_un address = addressOf(files);
-    if (::bind(listener.get(), generic(address), sizeof address) != 0 ||
+    const auto address = addressOf(files);
+    if (!address || ::bind(listener.get(), generic(*address), sizeof *address) != 0 ||
         ::listen(listener.get(), listenBacklog) != 0) {
         return {};
     }
@@ -161,8 +164,9 @@ Answer ask(const Files& files, const InstanceRequest& request, milliseconds time
            pid_t& process) {
     const auto deadline = Clock::now() + timeout;
     const UniqueFD socket = local_socket::open();
-    const sockaddr_un address = addressOf(files);
-    if (!socket.valid() || ::connect(socket.get(), generic(address), sizeof address) != 0) {
+    const auto address = addressOf(files);
+    if (!socket.valid() || !address ||
+        ::connect(socket.get(), generic(*address), sizeof *address) != 0) {
         return Answer::unavailable;
     }
     const auto peer = local_socket::peerOf(socket.get());

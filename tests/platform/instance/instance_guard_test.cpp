@@ -292,6 +292,13 @@ TEST_F(InstanceGuardTest, APathLongerThanASocketAddressWorks) {
     EXPECT_EQ(start().kind, Kind::first);
 }
 
+TEST_F(InstanceGuardTest, ANameLongerThanASocketAddressLeavesTheStartUnguarded) {
+    place.name = std::string(120, 'n');
+    const InstanceStart alone = start();
+    EXPECT_EQ(alone.kind, Kind::unguarded);
+    EXPECT_THAT(alone.message, HasSubstr("File name too long"));
+}
+
 TEST_F(InstanceGuardTest, ADirectoryThatCannotBeCreatedLeavesTheStartUnguarded) {
     for (const std::string& directory :
          {std::string("/proc/tallowcrest"), folder.file("file", "", 0600),
