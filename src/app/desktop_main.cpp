@@ -159,6 +159,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
     SystemAppearance appearance;
     followAppearance(appearance);
     QtMainQueue mainQueue;
+    const desktop::Habits habits = desktop::habits();
     const std::unique_ptr<NotificationCenter> notifications = desktop::makeNotificationCenter();
     QPointer<DashboardWindow> shownWindow;
     const auto openRoute = [&shownWindow](AppRoute route) {
@@ -185,7 +186,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
                          .install = desktopInstallPorts(),
                          .updates = desktopUpdatePorts()},
          .locale = std::make_shared<QtLocale>(
-             completedBy(desktop::habits().localeName, localeNamesOfThisProcess()))});
+             completedBy(habits.localeName, localeNamesOfThisProcess()))});
     int status = 0;
     {
         DashboardWindow window(composition.monitor());
@@ -196,7 +197,9 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
         const QSize frame(0, window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
         window.resize(window.size().boundedTo(window.QWidget::screen()->availableSize() - frame));
         traceFirstSample(window);
-        StatusItem statusItem(composition.monitor(), window);
+        StatusItem statusItem(composition.monitor(), window,
+                              habits.clickOpensContextMenu ? StatusItem::ContextMenu::byItem
+                                                           : StatusItem::ContextMenu::byDesktop);
         // With a status item the window may be closed while the monitor keeps running; without one
         // a hidden window could never be shown again.
         TrayHostWatch trayHost;

@@ -26,6 +26,8 @@ struct Habits {
     /// The locale of the owner's settings, such as "de_DE". Empty where programs get it in their
     /// environment.
     std::string localeName = {};
+    /// Whether a click on a status item opens its context menu, whatever else it does.
+    bool clickOpensContextMenu = false;
 };
 Habits habits();
 

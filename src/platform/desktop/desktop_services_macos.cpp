@@ -10,7 +10,7 @@ namespace tallowcrest::desktop {
 
 Habits habits() {
     // The Finder and launchd start programs without LANG.
-    return {.localeName = QLocale::system().name().toStdString()};
+    return {.localeName = QLocale::system().name().toStdString(), .clickOpensContextMenu = true};
 }
 
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {

@@ -24,7 +24,7 @@ constexpr int needleStep = 5;
 
 }  // namespace
 
-StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
+StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window, ContextMenu contextMenu)
     : monitor_(monitor),
       window_(window),
       icon_(this),
@@ -42,7 +42,9 @@ StatusItem::StatusItem(SystemMonitor& monitor, DashboardWindow& window)
             actions_.emplace_back(action, entry);
         }
     }
-    icon_.setContextMenu(&menu_);
+    if (contextMenu == ContextMenu::byDesktop) {
+        icon_.setContextMenu(&menu_);
+    }
     connect(&menu_, &QMenu::aboutToShow, this,
             [this] { monitor_.integration().login.lookAgain(); });
     connect(&icon_, &QSystemTrayIcon::activated, this, &StatusItem::activate);
@@ -82,7 +84,16 @@ void StatusItem::refresh() {
     }
 }
 
+QPoint StatusItem::place() const {
+    const QRect icon = icon_.geometry();
+    return icon.isValid() ? icon.bottomLeft() : QCursor::pos();
+}
+
 void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
+    if (reason == QSystemTrayIcon::Context && icon_.contextMenu() == nullptr) {
+        menu_.popup(place());
+        return;
+    }
     // A double click arrives as Trigger and as DoubleClick; answering both would close the panel
     // again.
     if (reason != QSystemTrayIcon::Trigger) {
@@ -93,8 +104,7 @@ void StatusItem::activate(QSystemTrayIcon::ActivationReason reason) {
         // The rules run while the window is closed, so the panel too needs the keys that stop them.
         panel_->addAction(window_.emergencyStop());
     }
-    const QRect place = icon_.geometry();
-    panel_->toggleAt(place.isValid() ? place.bottomLeft() : QCursor::pos());
+    panel_->toggleAt(place());
 }
 
 }  // namespace tallowcrest

@@ -22,7 +22,11 @@ class StatusItem final : public QObject {
     Q_OBJECT
 
 public:
-    StatusItem(SystemMonitor& monitor, DashboardWindow& window);
+    /// Who opens the context menu: the desktop, or, where it would do so at any click, this item.
+    enum class ContextMenu { byDesktop, byItem };
+
+    StatusItem(SystemMonitor& monitor, DashboardWindow& window,
+               ContextMenu contextMenu = ContextMenu::byDesktop);
 
     /// Whether the desktop shows status items at present. If not, the item cannot be reached.
     static bool hasHost() { return QSystemTrayIcon::isSystemTrayAvailable(); }
@@ -30,6 +34,8 @@ public:
 private:
     void refresh();
     void activate(QSystemTrayIcon::ActivationReason reason);
+    /// Where the panel and the menu open.
+    QPoint place() const;
 
     SystemMonitor& monitor_;
     DashboardWindow& window_;

@@ -110,5 +110,24 @@ TEST_F(StatusItemTest, ADoubleClickOpensThePanelAndLeavesItOpen) {
     EXPECT_EQ(panels, 1);
 }
 
+TEST_F(StatusItemTest, OpensItsMenuItselfOnlyWhereTheDesktopDoesNot) {
+    for (const auto& [opening, isOfItem] : {std::pair{StatusItem::ContextMenu::byDesktop, false},
+                                            std::pair{StatusItem::ContextMenu::byItem, true}}) {
+        StatusItem item(machine.monitor(), window(), opening);
+        QSystemTrayIcon& icon = iconOf(item);
+        EXPECT_EQ(icon.contextMenu() == nullptr, isOfItem);
+        emit icon.activated(QSystemTrayIcon::Trigger);
+        settle();
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+        emit icon.activated(QSystemTrayIcon::Context);
+        settle();
+        const QWidget* const menu = QApplication::activePopupWidget();
+        ASSERT_EQ(menu != nullptr, isOfItem);
+        if (isOfItem) {
+            EXPECT_NE(menu->findChild<QAction*>(u"menubar.emergency-stop"_s), nullptr);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace tallowcrest
