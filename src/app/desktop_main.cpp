@@ -39,6 +39,7 @@
 #include "platform/trash/system_trash.h"
 #include "presentation/shell/dashboard_window.h"
 #include "presentation/shell/status_item.h"
+#include "presentation/shell/window_return.h"
 #include "presentation/widgets/crest_style.h"
 #include "presentation/widgets/icon.h"
 #include "presentation/widgets/theme.h"
@@ -214,6 +215,9 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
             otherStarts.emplace(*guard);
             QObject::connect(&*otherStarts, &InstanceListener::showRequested, &window,
                              &DashboardWindow::bringToFront);
+        }
+        if (habits.startOnlyActivates) {
+            returnWhenActivated(window);
         }
         window.show();
         status = QApplication::exec();

@@ -28,6 +28,9 @@ struct Habits {
     std::string localeName = {};
     /// Whether a click on a status item opens its context menu, whatever else it does.
     bool clickOpensContextMenu = false;
+    /// Whether a start of the program that is running, or a click on its icon, only brings it
+    /// forward, so that it has to show a closed window by itself.
+    bool startOnlyActivates = false;
 };
 Habits habits();
 

@@ -10,7 +10,9 @@ namespace tallowcrest::desktop {
 
 Habits habits() {
     // The Finder and launchd start programs without LANG.
-    return {.localeName = QLocale::system().name().toStdString(), .clickOpensContextMenu = true};
+    return {.localeName = QLocale::system().name().toStdString(),
+            .clickOpensContextMenu = true,
+            .startOnlyActivates = true};
 }
 
 std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher) {

@@ -13,6 +13,7 @@
 #include "presentation/screens/load/load_page.h"
 #include "presentation/screens/overview/overview_page.h"
 #include "presentation/shell/sidebar.h"
+#include "presentation/shell/window_return.h"
 #include "presentation/widgets/capsule.h"
 #include "presentation/widgets/theme.h"
 #include "tests/presentation/is_ringed.h"
@@ -244,6 +245,23 @@ TEST_F(DashboardWindowTest, OpeningARouteRestoresTheWindow) {
     window().setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
     opens(AppRoute::chat, "Chat");
     EXPECT_TRUE(window().isMaximized());
+}
+
+TEST_F(DashboardWindowTest, ComesBackWithTheProgramUnlessAnotherWindowIsShown) {
+    showWithSample();
+    const auto isShownWhen = [this](Qt::ApplicationState state) {
+        window().close();
+        emit qApp->applicationStateChanged(state);
+        settle();
+        return window().isVisible();
+    };
+    EXPECT_FALSE(isShownWhen(Qt::ApplicationActive));
+    returnWhenActivated(window());
+    EXPECT_FALSE(isShownWhen(Qt::ApplicationInactive));
+    EXPECT_TRUE(isShownWhen(Qt::ApplicationActive));
+    QWidget other;
+    other.show();
+    EXPECT_FALSE(isShownWhen(Qt::ApplicationActive));
 }
 
 TEST_F(DashboardWindowTest, AMinimisedStateThatIsReportedLateIsLeftAgain) {
