@@ -5,7 +5,7 @@
 namespace tallowcrest {
 
 UpdateBuild updateBuild() {
-    return {.feed = TALLOWCREST_UPDATE_FEED_URL,
+    return {.feed = host::updateFeed(TALLOWCREST_UPDATE_FEED_URL),
             .host = TALLOWCREST_UPDATE_HOST,
             .version = TALLOWCREST_VERSION,
             .build = TALLOWCREST_BUILD_NUMBER,

@@ -82,6 +82,11 @@ std::string packageEnding();
 /// A name is one that PATH is searched for.
 std::string fileOpener();
 
+/// The address of the feed of updates, for a build that has `built`: where programs are
+/// applications with an information dictionary, the text that this one has there, else `built`.
+/// Empty when there is none.
+std::string updateFeed(const std::string& built);
+
 /// The absolute paths of the system's process viewers, in the order in which to try them. Not all
 /// of them need be installed.
 std::vector<std::string> activityMonitors();

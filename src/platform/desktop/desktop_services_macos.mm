@@ -2,7 +2,6 @@
 
 #include <memory>
 
-#include "platform/desktop/keychain_secret_store.h"
 #include "platform/desktop/user_notification_center.h"
 #include "platform/desktop_services.h"
 
@@ -12,11 +11,11 @@ std::unique_ptr<NotificationCenter> makeNotificationCenter() {
     return std::make_unique<UserNotificationCenter>();
 }
 
-std::shared_ptr<SecretStore> makeSecretStore(std::stop_token) {
-    return std::make_shared<KeychainSecretStore>();
-}
-
 void revealFile(const std::filesystem::path& file) {
+    // Foundation ends the program when it is to make an address of it.
+    if (file.empty()) {
+        return;
+    }
     NSURL* const url = [NSURL fileURLWithFileSystemRepresentation:file.c_str()
                                                       isDirectory:NO
                                                     relativeToURL:nil];

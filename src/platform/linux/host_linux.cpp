@@ -74,6 +74,10 @@ std::filesystem::path executablePath() {
     return error ? std::filesystem::path{} : path;
 }
 
+std::string updateFeed(const std::string& built) {
+    return built;
+}
+
 std::vector<std::string> activityMonitors() {
     const auto& monitors = CommandSafetyPolicy::linuxSystemMonitors;
     return {monitors.begin(), monitors.end()};

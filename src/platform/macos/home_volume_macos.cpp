@@ -1,15 +1,14 @@
 #include "platform/macos/home_volume_macos.h"
 
-#include "platform/macos/core_foundation.h"
+#include "platform/macos/frameworks.h"
 #include "sampling/binary_units.h"
 
 namespace tallowcrest {
 namespace {
 
 /// 0 when the value is not available.
-double readCapacityGB(const CoreFoundation& framework, CoreFoundation::Object folder,
-                      CoreFoundation::Object key) {
-    CoreFoundation::Object value = nullptr;
+double readCapacityGB(const CoreFoundation& framework, CFObject folder, CFObject key) {
+    CFObject value = nullptr;
     if (framework.CFURLCopyResourcePropertyForKey(folder, key, &value, nullptr) == 0 ||
         value == nullptr) {
         return 0.0;
@@ -30,7 +29,7 @@ DiskSnapshot MacHomeVolume::readDiskSnapshot() {
         return {};
     }
     // A new URL each time, because a URL object caches the values read through it.
-    const CoreFoundation::Object folder = framework->CFURLCreateFromFileSystemRepresentation(
+    const CFObject folder = framework->CFURLCreateFromFileSystemRepresentation(
         nullptr, reinterpret_cast<const unsigned char*>(homeDirectory_.data()),
         static_cast<CoreFoundation::Index>(homeDirectory_.size()), 1);
     if (folder == nullptr) {

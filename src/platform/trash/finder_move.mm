@@ -14,7 +14,8 @@ FinderTrash::Moved moveByFinder(const std::string& path) {
         if (![NSFileManager.defaultManager trashItemAtURL:url
                                          resultingItemURL:&stored
                                                     error:&error]) {
-            return {.error = error.localizedDescription.UTF8String};
+            const char* const why = error.localizedDescription.UTF8String;
+            return {.error = why == nullptr ? "The system gives no reason" : why};
         }
         return {.isDone = true, .stored = stored == nil ? "" : stored.fileSystemRepresentation};
     }

@@ -1,5 +1,5 @@
 // What the kernel and CoreFoundation of a Mac answer, recorded. With it the sources of macOS that
-// ask them run on other systems: this file defines what core_foundation.cpp, mach_tick_source.cpp,
+// ask them run on other systems: this file defines what frameworks.cpp, mach_tick_source.cpp,
 // process_start_time_macos.cpp and this_process_macos.cpp define on a Mac.
 
 #include "tests/platform/macos/recorded_kernel.h"
@@ -12,36 +12,34 @@
 
 #include "platform/base/environment.h"
 #include "platform/host.h"
-#include "platform/macos/core_foundation.h"
+#include "platform/macos/frameworks.h"
 #include "platform/macos/mach_tick_source.h"
 #include "platform/macos/process_start_time_macos.h"
 
 namespace tallowcrest {
 namespace {
 
-using Object = CoreFoundation::Object;
-
 constexpr double totalBytes = 536'870'912'000;  // 500 GB
 constexpr double freeBytes = 132'607'115'264;   // 123.5 GB
-constexpr Object totalKey = "total";
-constexpr Object freeKey = "free";
+constexpr CFObject totalKey = "total";
+constexpr CFObject freeKey = "free";
 constexpr unsigned long numberType = 7;
 
-Object folderUrl(Object, const unsigned char* path, CoreFoundation::Index bytes,
-                 CoreFoundation::Boolean isFolder) {
+CFObject folderUrl(CFObject, const unsigned char* path, CoreFoundation::Index bytes,
+                   CoreFoundation::Boolean isFolder) {
     const std::string_view given(reinterpret_cast<const char*>(path),
                                  static_cast<std::size_t>(bytes));
     return isFolder == 1 && given == userAccount().homeDirectory ? "home" : nullptr;
 }
 
-CoreFoundation::Boolean property(Object, Object key, void* value, Object*) {
+CoreFoundation::Boolean property(CFObject, CFObject key, void* value, CFObject*) {
     const double* const bytes =
         key == totalKey ? &totalBytes : (key == freeKey ? &freeBytes : nullptr);
-    *static_cast<Object*>(value) = bytes;
+    *static_cast<CFObject*>(value) = bytes;
     return bytes != nullptr;
 }
 
-CoreFoundation::Boolean numberValue(Object number, CoreFoundation::Index type, void* value) {
+CoreFoundation::Boolean numberValue(CFObject number, CoreFoundation::Index type, void* value) {
     if (type != CoreFoundation::doubleNumber) {
         return 0;
     }
@@ -55,10 +53,10 @@ const CoreFoundation* coreFoundation() {
     static const CoreFoundation framework{
         .CFURLCreateFromFileSystemRepresentation = folderUrl,
         .CFURLCopyResourcePropertyForKey = property,
-        .CFGetTypeID = [](Object) { return numberType; },
+        .CFGetTypeID = [](CFObject) { return numberType; },
         .CFNumberGetTypeID = [] { return numberType; },
         .CFNumberGetValue = numberValue,
-        .CFRelease = [](Object) {},
+        .CFRelease = [](CFObject) {},
         .kCFURLVolumeTotalCapacityKey = &totalKey,
         .kCFURLVolumeAvailableCapacityForImportantUsageKey = &freeKey};
     return &framework;
