@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
 

@@ -1,0 +1,3 @@
+# Debian 12 has this one.
+set(PACKAGE_VERSION 6.4)
+set(PACKAGE_VERSION_COMPATIBLE TRUE)
