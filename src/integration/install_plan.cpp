@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -121,12 +122,17 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
     if (home.empty()) {
         return {};
     }
+    std::string running = removingPercentEncoding(bundlePath);
+    // No property list can hold one.
+    if (std::ranges::any_of(running, [](char c) { return c >= 0 && c < ' '; })) {
+        running.clear();
+    }
     const std::string folder = home + "/Library/LaunchAgents";
     return {.folder = folder,
             .shownFolder = "~/Library/LaunchAgents",
             .file = folder + "/com.rowanhesket.tallowcrest.pro.plist",
             .installed = installedBundle,
-            .running = removingPercentEncoding(bundlePath),
+            .running = std::move(running),
             .text = launchAgent,
             .loader = "/bin/launchctl"};
 }
