@@ -39,7 +39,8 @@ std::shared_ptr<GracefulQuit> makeGracefulQuit(ToolLauncher& launcher);
 
 std::unique_ptr<NotificationCenter> makeNotificationCenter();
 
-/// The desktop's store for secrets. A requested stop ends what waits in it, also for the owner.
+/// The desktop's store for secrets; null where it is missing. A requested stop ends what waits in
+/// it, also for the owner, but not what waits in the Keychain of macOS.
 std::shared_ptr<SecretStore> makeSecretStore(std::stop_token stop);
 
 /// Replaces the content of the clipboard with a plain text. It remains after this program has ended
