@@ -235,6 +235,21 @@ TEST_F(RecordedMac, WhatAToolHasPrintedBeforeItsDeadlineIsUsed) {
     });
 }
 
+TEST_F(RecordedMac, SlowToolsThatEndBeforeTheirDeadlineAreReadToTheirEnd) {
+    recordSample(tools, 0, pagesOf16384());
+    for (const char* tool : {"ps", "sysctl", "vm_stat", "memory_pressure"}) {
+        tools.letBeSlow(0, tool);
+    }
+    inOwnMounts([&] {
+        tools.show();
+        const auto samples = samplesOf({"--samples", "1", "--interval", "30"});
+        ASSERT_THAT(samples, SizeIs(1));
+        EXPECT_EQ(rowsOf(samples.front()), pagesOf16384().rows);
+        EXPECT_EQ(memoryOf(samples.front()), pagesOf16384().memory);
+        EXPECT_EQ(samples.front().at("pressureText"), pagesOf16384().pressureText);
+    });
+}
+
 TEST_F(RecordedMac, ToolsThatPrintNothingLeaveTheOtherFigures) {
     inOwnMounts([&] {
         tools.show();

@@ -1,8 +1,8 @@
 // Stands for a tool of macOS: under the tool's name, it prints what was recorded of it. The folder
 // "recordings" beside it has the file "INDEX.NAME" for each call of a tool, from 0. Where there is
-// none, it prints nothing. Beside that, "INDEX.NAME.hangs" lets the call wait for its end, and
-// "INDEX.NAME.killed" ends it by a signal. The name and the arguments are added to the file
-// "calls".
+// none, it prints nothing. Beside that, "INDEX.NAME.slow" keeps the second half back for a while,
+// "INDEX.NAME.hangs" lets the call wait for its end, and "INDEX.NAME.killed" ends it by a signal.
+// The name and the arguments are added to the file "calls".
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,10 +10,12 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -51,9 +53,16 @@ int main(int, char** argv) {
     const int index = addCall(recordings / "calls", tool.filename(), argv + 1);
     const std::string recorded =
         recordings / (std::to_string(index) + '.' + tool.filename().string());
-    if (std::ifstream output(recorded, std::ios::binary); output.peek() != EOF) {
-        std::cout << output.rdbuf() << std::flush;
+    std::ostringstream read;
+    read << std::ifstream(recorded, std::ios::binary).rdbuf();
+    const std::string output = read.str();
+    const std::size_t half = fs::exists(recorded + ".slow") ? output.size() / 2 : 0;
+    if (half > 0) {
+        std::cout << output.substr(0, half) << std::flush;
+        constexpr useconds_t pause = 200'000;
+        ::usleep(pause);
     }
+    std::cout << output.substr(half) << std::flush;
     if (fs::exists(recorded + ".hangs")) {
         ::pause();
     }

@@ -41,6 +41,10 @@ public:
     void record(int index, const std::string& tool, const std::string& output) const {
         std::ofstream(fileOf(index, tool), std::ios::binary) << output;
     }
+    /// It prints the second half a fifth of a second after the first.
+    void letBeSlow(int index, const std::string& tool) const {
+        std::ofstream(fileOf(index, tool) + ".slow").flush();
+    }
     /// It then waits until it is ended.
     void letHang(int index, const std::string& tool) const {
         std::ofstream(fileOf(index, tool) + ".hangs").flush();
