@@ -49,6 +49,9 @@ void Tailnet::beginReading() {
 
 void Tailnet::publishReading() {
     if (unpublished_) {
+        if (!std::exchange(isRead_, true)) {
+            observable_->changed();
+        }
         publish(*std::exchange(unpublished_, std::nullopt));
     }
 }

@@ -37,6 +37,9 @@ public:
     void beginReading();
     /// Whether a reading is under way.
     bool isReading() const { return reading_.has_value(); }
+    /// Whether the reading that was published last got no answer: the client is missing, or hangs,
+    /// or told something else. False before the first one.
+    bool isUnanswered() const { return isRead_ && !state_.isAnswered; }
     /// Publishes the result of the reading that ended last, unless that has been done.
     void publishReading();
 
@@ -55,6 +58,7 @@ private:
     std::unique_ptr<Observable> observable_;
     TailnetState state_;
     std::optional<TailnetState> unpublished_;
+    bool isRead_ = false;  ///< a reading has been published
     const Clock& clock_;
     Date readingSince_;
     Jobs& jobs_;

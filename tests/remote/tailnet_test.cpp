@@ -116,6 +116,31 @@ TEST_F(TailnetTest, AFailedReadingEmptiesTheState) {
     EXPECT_EQ(tailnet->state(), TailnetState());
 }
 
+TEST_F(TailnetTest, ATailnetThatDoesNotAnswerIsNotTakenForAnEmptyOne) {
+    int changes = 0;
+    const Subscription subscription = tailnet->observable().subscribe([&] { ++changes; });
+    const auto readAndPublish = [this] {
+        tailnet->beginReading();
+        finishWork();
+        tailnet->publishReading();
+        mainQueue.drain();
+    };
+    EXPECT_FALSE(tailnet->isUnanswered()) << "nothing has been read";
+    tailscale.json = "garbage";
+    readAndPublish();
+    EXPECT_TRUE(tailnet->isUnanswered());
+    EXPECT_EQ(changes, 1);
+    readAndPublish();
+    EXPECT_EQ(changes, 1);
+    tailscale.json = R"({"Peer": {}})";
+    readAndPublish();
+    EXPECT_FALSE(tailnet->isUnanswered());
+    EXPECT_EQ(changes, 2);
+    tailscale.json = "";
+    readAndPublish();
+    EXPECT_TRUE(tailnet->isUnanswered());
+}
+
 TEST_F(TailnetTest, NotifiesOfChangesOnly) {
     int changes = 0;
     const Subscription subscription = tailnet->observable().subscribe([&] { ++changes; });

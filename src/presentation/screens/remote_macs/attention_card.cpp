@@ -85,7 +85,7 @@ AttentionCard::Row AttentionCard::makeRow(int number) {
     grid->addWidget(row.icon, number, 0);
     grid->addWidget(row.name, number, 1);
     grid->addWidget(row.why, number, 2);
-    grid->addWidget(row.what, number, 3);
+    grid->addWidget(row.what, number, 3, Qt::AlignVCenter);
     grid->addWidget(row.show, number, 4);
     return row;
 }

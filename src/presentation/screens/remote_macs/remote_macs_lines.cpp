@@ -252,6 +252,13 @@ PeerLine peerLine(const TailDevice& peer) {
     return line;
 }
 
+QString noPeers(bool isUnanswered) {
+    const QString none = u"No Tailscale peers were reported by the local CLI."_s;
+    return isUnanswered
+               ? none + u" It did not answer, and may not be installed or not be running."_s
+               : none;
+}
+
 QString linuxMachinesLeftOut(std::size_t leftOut) {
     if (leftOut == 0) {
         return {};

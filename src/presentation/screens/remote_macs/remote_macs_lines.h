@@ -95,6 +95,9 @@ struct PeerLine {
 /// Texts of any length come as at most a few hundred characters.
 PeerLine peerLine(const TailDevice& peer);
 
+/// What is said in place of peers.
+QString noPeers(bool isUnanswered);
+
 /// What to do when Linux machines are online and none is scanned; empty when `leftOut` is 0.
 QString linuxMachinesLeftOut(std::size_t leftOut);
 

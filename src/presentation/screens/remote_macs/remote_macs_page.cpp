@@ -220,7 +220,8 @@ void RemoteMacsPage::refresh() {
     tailscale_->show(
         tailnet.tailDevices,
         {remote_macs_lines::scanProgress(scan, scannedProfile()), scan.isCanceling},
-        remote_macs_lines::linuxMachinesLeftOut(monitor_.remote().scan.linuxMachinesLeftOut()));
+        remote_macs_lines::linuxMachinesLeftOut(monitor_.remote().scan.linuxMachinesLeftOut()),
+        remote_macs_lines::noPeers(monitor_.remote().tailnet.isUnanswered()));
     localHealth_->show(remote_macs_lines::healthIssues(tailnet.tailscaleHealthIssues));
     localHealth_->setVisible(!tailnet.tailscaleHealthIssues.empty());
     machines_->show(facts_);

@@ -29,10 +29,9 @@ TailscaleBlock::TailscaleBlock()
                     dashboard_text::text(title(DashboardSection::tailscale))) {
     bodyLayout()->addWidget(makeActions());
     bodyLayout()->addWidget(makeLeftOut());
-    empty_ = new ElidedLabel(u"No Tailscale peers were reported by the local CLI."_s,
-                             onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
+    empty_ = new ElidedLabel(onCard(&CrestFonts::body, &CrestTheme::secondaryText), body());
     empty_->setObjectName(u"remote.tailscale.empty"_s);
-    empty_->setLines(1, 2);
+    empty_->setLines(1, 4);
     bodyLayout()->addWidget(empty_);
     peers_ = new PeerList(body());
     peers_->hide();
@@ -88,7 +87,7 @@ QWidget* TailscaleBlock::makeLeftOut() {
 }
 
 void TailscaleBlock::show(const std::vector<TailDevice>& peers, const ScanTexts& scan,
-                          const QString& leftOut) {
+                          const QString& leftOut, const QString& noPeers) {
     header()->setNote(isCollapsed() ? peerCount(peers.size()) : QString());
     if (isCollapsed()) {
         return;
@@ -98,6 +97,7 @@ void TailscaleBlock::show(const std::vector<TailDevice>& peers, const ScanTexts&
     leftOutRow_->setVisible(!leftOut.isEmpty());
     peers_->setPeers(peers);
     peers_->setVisible(!peers.empty());
+    empty_->setText(noPeers);
     empty_->setVisible(peers.empty());
 }
 

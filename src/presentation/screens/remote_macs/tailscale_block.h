@@ -19,8 +19,10 @@ class TailscaleBlock final : public OverviewBlock {
 public:
     TailscaleBlock();
 
-    /// `leftOut` says what to do to scan machines that are left out; hidden when empty.
-    void show(const std::vector<TailDevice>& peers, const ScanTexts& scan, const QString& leftOut);
+    /// `leftOut` says what to do to scan machines that are left out; hidden when empty. `noPeers`
+    /// is shown where there are none.
+    void show(const std::vector<TailDevice>& peers, const ScanTexts& scan, const QString& leftOut,
+              const QString& noPeers);
 
 signals:
     /// The owner asked for a scan, which the button offers only while none runs.

@@ -343,6 +343,13 @@ TEST_F(RemoteMacsLinesTest, AHostilePeerIsPlainTextOfBoundedLength) {
     EXPECT_TRUE(line.name.startsWith(u"<b>x</b>"_s)) << "shown as it is, not as markup";
 }
 
+TEST_F(RemoteMacsLinesTest, TheClientThatDidNotAnswerIsTold) {
+    EXPECT_EQ(macs::noPeers(false), u"No Tailscale peers were reported by the local CLI."_s);
+    EXPECT_EQ(macs::noPeers(true),
+              u"No Tailscale peers were reported by the local CLI. It did not answer, and may not "
+              "be installed or not be running."_s);
+}
+
 TEST_F(RemoteMacsLinesTest, ManyProblemsOfTheClientAreCut) {
     EXPECT_THAT(macs::healthIssues({}), IsEmpty());
     EXPECT_THAT(macs::healthIssues({"No DNS.\r", "No route."}),
