@@ -102,6 +102,11 @@ void moveOldCaches(Trash& trash, const CacheMoveRequest& request, CleanupTally& 
     const std::int64_t cap = policy::byteCap(request.maxGB);
     const auto isStopped = [&] { return stop.isRequested() || stopToken.stop_requested(); };
     std::span<const CleanupCandidate> rest = request.files;
+    if (!root.empty() && !rest.empty() && !isStopped()) {
+        if (const auto change = stop.beginChange()) {
+            trash.removeUnusedDescriptions(root, isStopped);
+        }
+    }
     while (!rest.empty() && !isStopped()) {
         // Until the files are counted, so that the receipt of a run that the end of the program
         // cuts short counts them too.

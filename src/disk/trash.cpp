@@ -23,4 +23,7 @@ std::unique_ptr<PreparedMove> Trash::prepareMove(const TrashRequest& request) {
     return std::make_unique<UnpreparedMove>(*this, request);
 }
 
+void Trash::removeUnusedDescriptions(const std::string& /*inside*/,
+                                     const std::function<bool()>& /*isStopped*/) {}
+
 }  // namespace tallowcrest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -90,6 +91,13 @@ public:
     /// is not the file that was moved. Whatever fails, the file is in its place or can be restored.
     /// Not to be interrupted either.
     virtual PutBackOutcome putBack(const TrashItem& item) = 0;
+
+    /// Removes what the Trash has written down for files of the folder `inside` that never came,
+    /// because the program was killed between `prepareMove` and `complete`. `inside` is absolute,
+    /// without links and without a slash at its end. Ends early once `isStopped` is true. What
+    /// cannot be removed is left. Here it does nothing.
+    virtual void removeUnusedDescriptions(const std::string& inside,
+                                          const std::function<bool()>& isStopped);
 };
 
 }  // namespace tallowcrest

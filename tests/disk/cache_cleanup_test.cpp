@@ -292,12 +292,33 @@ TEST_F(CacheCleanupTest, TheEndOfTheProgramEndsTheRunAfterTheFileAtHand) {
     EXPECT_EQ(move(made.urls), (CleanupProgress{1, 2, 1, 1}));
 }
 
+TEST_F(CacheCleanupTest, ARunThatBeginsToMoveTidiesTheTrashOnce) {
+    for (int i = 0; i < 40; ++i) {
+        add(std::to_string(i), 1);
+    }
+    const DiskCleanupPlan made = plan();
+    trash.moving = [this](const std::string&) { EXPECT_THAT(trash.tidied, SizeIs(1)); };
+    EXPECT_EQ(move(made.urls).moved, 40U);
+    EXPECT_THAT(trash.tidied, ElementsAre("/home/owner/.cache"));
+}
+
+TEST_F(CacheCleanupTest, ARunThatMovesNothingDoesNotTidyTheTrash) {
+    add("a", 1);
+    const DiskCleanupPlan made = plan();
+    move({});
+    move(made.urls, 2.0, "/home");
+    stopSource.request_stop();
+    move(made.urls);
+    EXPECT_THAT(trash.tidied, IsEmpty());
+}
+
 TEST_F(CacheCleanupTest, NoFileIsMovedOnceTheProgramIsEnding) {
     add("a", 1);
     const DiskCleanupPlan made = plan();
     changes.finish(std::chrono::milliseconds(0));
     EXPECT_EQ(move(made.urls), (CleanupProgress{0, 1, 0, 0}));
     EXPECT_THAT(trash.requests, IsEmpty());
+    EXPECT_THAT(trash.tidied, IsEmpty());
 }
 
 }  // namespace

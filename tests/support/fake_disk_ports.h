@@ -165,8 +165,14 @@ public:
         return {Result::done, {}};
     }
 
+    void removeUnusedDescriptions(const std::string& inside,
+                                  const std::function<bool()>& /*isStopped*/) override {
+        tidied.push_back(inside);
+    }
+
     std::vector<TrashRequest> requests;
     std::vector<std::string> moved;
+    std::vector<std::string> tidied;  ///< the folders of `removeUnusedDescriptions`
     std::vector<FoundFile> inTrash;
     bool isDiskFull = false;  ///< nothing can be moved or put back
     /// Called before each move; may be absent.

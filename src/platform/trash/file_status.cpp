@@ -17,8 +17,8 @@ namespace {
 
 std::optional<FileStatus> read(int folder, const char* name, int flags) {
     struct statx found {};
-    constexpr unsigned wanted =
-        STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE | STATX_MNT_ID | STATX_BTIME;
+    constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_SIZE |
+                                STATX_MTIME | STATX_MNT_ID | STATX_BTIME;
     // What is decided by it must not be what the kernel remembers of a network volume.
     flags |= AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
     int result = ::statx(folder, name, flags | AT_STATX_FORCE_SYNC, wanted, &found);
@@ -38,6 +38,9 @@ std::optional<FileStatus> read(int folder, const char* name, int flags) {
     status.mode = found.stx_mode;
     status.owner = found.stx_uid;
     status.bytes = static_cast<std::int64_t>(found.stx_size);
+    if ((found.stx_mask & STATX_MTIME) != 0) {
+        status.modifiedAt = found.stx_mtime.tv_sec;
+    }
     return status;
 }
 

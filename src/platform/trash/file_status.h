@@ -19,6 +19,7 @@ struct FileStatus {
     mode_t mode = 0;
     uid_t owner = 0;
     std::int64_t bytes = 0;
+    std::optional<std::int64_t> modifiedAt;  ///< whole seconds since 1970
 };
 
 /// The status of an open file, `O_PATH` suffices; absent with `errno`. Any thread, as all below.

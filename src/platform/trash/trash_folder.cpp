@@ -17,6 +17,27 @@
 namespace tallowcrest {
 namespace {
 
+/// At most so many bytes of an open file, fewer at its end; absent with `errno` after an error.
+std::optional<std::string> readText(int file, std::size_t longest) {
+    std::string text(longest, '\0');
+    std::size_t length = 0;
+    while (length < longest) {
+        const ssize_t count = ::read(file, text.data() + length, longest - length);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return std::nullopt;
+        }
+        if (count == 0) {
+            break;
+        }
+        length += static_cast<std::size_t>(count);
+    }
+    text.resize(length);
+    return text;
+}
+
 enum class Links { followed, refused };
 
 UniqueFD openAt(int folder, const std::string& name, Links links) {
@@ -190,6 +211,14 @@ std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
         errno = homeError;  // what the owner can mend
     }
     return trash;
+}
+
+std::optional<OpenedInfo> openInfo(const TrashFolder& trash, const std::string& storedName,
+                                   std::size_t longest) {
+    UniqueFD file(::openat(trash.info.get(), trashInfoName(storedName).c_str(),
+                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    auto text = file.valid() ? readText(file.get(), longest) : std::nullopt;
+    return text ? std::optional(OpenedInfo{std::move(file), *std::move(text)}) : std::nullopt;
 }
 
 void removeInfo(const TrashFolder& trash, const std::string& storedName, int info) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,17 @@ enum class Missing { created, refused };
 std::optional<TrashFolder> openTrashFolder(int folder, const std::string& name,
                                            const std::string& path, const std::string& homeTrash,
                                            Missing missing);
+
+/// An open `.trashinfo` and its text.
+struct OpenedInfo {
+    UniqueFD file;
+    std::string text;
+};
+
+/// The `.trashinfo` of a stored file, of which at most `longest` bytes are read; absent with
+/// `errno`.
+std::optional<OpenedInfo> openInfo(const TrashFolder& trash, const std::string& storedName,
+                                   std::size_t longest);
 
 /// Removes the `.trashinfo` of a stored file unless its name is that of another file than the open
 /// `info` by now.

@@ -1,8 +1,10 @@
 #include "platform/trash/trash_info.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -30,6 +32,27 @@ std::string percentEncoded(std::string_view path) {
     return text;
 }
 
+unsigned numberAt(std::string_view text, std::size_t begin, std::size_t length, int base) {
+    const std::string_view digits = text.substr(std::min(begin, text.size()), length);
+    unsigned value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+    return value;
+}
+
+/// Of a text that `percentEncoded` does not give, any path.
+std::string percentDecoded(std::string_view text) {
+    std::string path;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%') {
+            path += static_cast<char>(numberAt(text, i + 1, 2, 16));
+            i += 2;
+        } else {
+            path += text[i];
+        }
+    }
+    return path;
+}
+
 std::string localDateText(Date date, std::int64_t utcOffset) {
     using std::chrono::days;
     using std::chrono::floor;
@@ -46,6 +69,23 @@ std::string localDateText(Date date, std::int64_t utcOffset) {
                        time.hours().count(), time.minutes().count(), time.seconds().count());
 }
 
+/// The date that `localDateText` gives as this text in UTC. Of a text that it never gives, any
+/// date.
+Date localDate(std::string_view text) {
+    const auto number = [text](std::size_t begin, std::size_t length) {
+        return numberAt(text, begin, length, 10);
+    };
+    const std::chrono::year_month_day day(std::chrono::year(static_cast<int>(number(0, 4))),
+                                          std::chrono::month(number(5, 2)),
+                                          std::chrono::day(number(8, 2)));
+    if (!day.ok()) {
+        return {};
+    }
+    const auto instant = std::chrono::sys_days(day) + std::chrono::hours(number(11, 2)) +
+                         std::chrono::minutes(number(14, 2)) + std::chrono::seconds(number(17, 2));
+    return Date::fromUnixSeconds(static_cast<double>(instant.time_since_epoch().count()));
+}
+
 }  // namespace
 
 std::string trashInfoText(std::string_view path, Date deletedAt, std::int64_t utcOffset) {
@@ -53,8 +93,25 @@ std::string trashInfoText(std::string_view path, Date deletedAt, std::int64_t ut
                        localDateText(deletedAt, utcOffset));
 }
 
+std::optional<std::string> pathInTrashInfo(std::string_view text) {
+    constexpr std::string_view beforePath = "[Trash Info]\nPath=";
+    constexpr std::string_view beforeDate = "\nDeletionDate=";
+    const std::size_t end = text.find(beforeDate);
+    if (!text.starts_with(beforePath) || end == std::string_view::npos) {
+        return std::nullopt;
+    }
+    std::string path = percentDecoded(text.substr(beforePath.size(), end - beforePath.size()));
+    const Date deletedAt = localDate(text.substr(end + beforeDate.size()));
+    return trashInfoText(path, deletedAt, 0) == text ? std::optional(std::move(path))
+                                                     : std::nullopt;
+}
+
 std::string trashInfoName(std::string_view name) {
     return std::string(name).append(suffix);
+}
+
+std::string_view describedName(std::string_view infoName) {
+    return infoName.ends_with(suffix) ? infoName.substr(0, infoName.size() - suffix.size()) : "";
 }
 
 std::string nameInTrash(std::string_view name, std::uint64_t number, std::size_t longest) {

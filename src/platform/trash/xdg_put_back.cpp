@@ -2,10 +2,8 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -14,33 +12,11 @@
 #include "platform/trash/file_status.h"
 #include "platform/trash/rename_without_replacing.h"
 #include "platform/trash/trash_folder.h"
-#include "platform/trash/trash_info.h"
 #include "platform/trash/trash_source.h"
 #include "platform/trash/xdg_trash.h"
 
 namespace tallowcrest {
 namespace {
-
-/// At most so many bytes of an open file, fewer at its end; absent with `errno` after an error.
-std::optional<std::string> readText(int file, std::size_t longest) {
-    std::string text(longest, '\0');
-    std::size_t length = 0;
-    while (length < longest) {
-        const ssize_t count = ::read(file, text.data() + length, longest - length);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        length += static_cast<std::size_t>(count);
-    }
-    text.resize(length);
-    return text;
-}
 
 /// Whether the open file is known to have no name in the open folder or below it.
 bool hasLeft(int file, int folder) {
@@ -82,15 +58,12 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     if (stored->identity != item.identity || !S_ISREG(stored->mode)) {
         return isGone;
     }
-    const UniqueFD info(::openat(trash->info.get(), trashInfoName(item.storedName).c_str(),
-                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    const auto text =
-        info.valid() ? readText(info.get(), item.description.size() + 1) : std::nullopt;
-    if (!text) {
+    const auto info = openInfo(*trash, item.storedName, item.description.size() + 1);
+    if (!info) {
         return notFound(errno);
     }
     // The Trash was emptied and used again: then another file or another time is described.
-    if (*text != item.description) {
+    if (info->text != item.description) {
         return isGone;
     }
     if (const int error = renameWithoutReplacing(trash->files.get(), item.storedName,
@@ -102,7 +75,7 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     const auto arrived = statusAt(place.folder.get(), place.name);
     if (arrived && arrived->identity == item.identity) {
         if (isStillAt(place.folderPath, item.inside, folder->identity)) {
-            removeInfo(*trash, item.storedName, info.get());
+            removeInfo(*trash, item.storedName, info->file.get());
             return {Result::done, {}};
         }
         const std::string why = "Its folder was moved meanwhile";
@@ -113,7 +86,7 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     }
     if (hasLeft(file.get(), trash->files.get())) {
         // What is in its place now came from elsewhere, and stays.
-        removeInfo(*trash, item.storedName, info.get());
+        removeInfo(*trash, item.storedName, info->file.get());
         return {Result::gone, "Another program has moved it meanwhile"};
     }
     // Another file had taken its name in the Trash, and returns there.

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,6 +36,10 @@ public:
     /// Any thread, several at once. The `.trashinfo` goes last, so that a file that is not in its
     /// place yet can be restored.
     PutBackOutcome putBack(const TrashItem& item) override;
+
+    /// Looks at no more than 10,000 entries of the Trash. Any thread, several at once.
+    void removeUnusedDescriptions(const std::string& inside,
+                                  const std::function<bool()>& isStopped) override;
 
 private:
     class Move;

@@ -16,6 +16,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -46,9 +47,7 @@ protected:
     /// Writes a file of the caches that has not changed for 40 days.
     std::string old(const std::string& name, const std::string& content = "old") {
         const std::string path = write(inCache(name), content);
-        const auto then = static_cast<std::time_t>(clock.now().unixSeconds()) - 40 * 86400;
-        const std::array<timespec, 2> times{timespec{then, 0}, timespec{then, 0}};
-        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times.data(), 0), 0);
+        setAge(path, 40 * 86400);
         return path;
     }
 
@@ -65,6 +64,22 @@ protected:
         moveOldCaches(trash, {made.urls, place, 2.0}, tally, afterEach, Stop({}, changes),
                       stop.get_token());
         return tally.progress();
+    }
+
+    void carryOutUntilAKill(const DiskCleanupPlan& made, int killedAfter) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int done = 0;
+            carryOut(made, [&] {
+                if (++done == killedAfter) {
+                    ::raise(SIGKILL);
+                }
+            });
+            ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
     }
 
     /// Makes and plans so many files, which is more than are prepared at once.
@@ -180,19 +195,7 @@ TEST_F(PlannedCleanUpTest, AKillLeavesEachFileInItsPlaceOrRestorable) {
     const DiskCleanupPlan made = planOf(20);
     for (const int killedAfter : {1, 16}) {
         const std::size_t before = plan().urls.size();
-        const pid_t child = ::fork();
-        if (child == 0) {
-            int done = 0;
-            carryOut(made, [&] {
-                if (++done == killedAfter) {
-                    ::raise(SIGKILL);
-                }
-            });
-            ::_exit(0);
-        }
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFSIGNALED(status));
+        ASSERT_NO_FATAL_FAILURE(carryOutUntilAKill(made, killedAfter));
         EXPECT_LT(plan().urls.size(), before);
         std::size_t restorable = 0;
         for (const TrashedFile& file : contents()) {
@@ -204,6 +207,51 @@ TEST_F(PlannedCleanUpTest, AKillLeavesEachFileInItsPlaceOrRestorable) {
     // Descriptions that were left are in nobody's way.
     const DiskCleanupPlan rest = plan();
     EXPECT_EQ(carryOut(rest).moved, rest.urls.size());
+}
+
+TEST_F(PlannedCleanUpTest, RemovesTheDescriptionsThatAKillLeftAndNoOthers) {
+    ASSERT_NO_FATAL_FAILURE(carryOutUntilAKill(planOf(20), 1));
+    ASSERT_THAT(describedNames(), SizeIs(16));
+    ASSERT_THAT(contents(), SizeIs(16));
+    std::string moved;
+    for (const TrashedFile& file : contents()) {
+        moved = file.isThere ? file.storedName + ".trashinfo" : moved;
+        setAge(homeTrash / "info" / (file.storedName + ".trashinfo"), 3601);
+    }
+    const fs::path info = homeTrash / "info";
+    const auto describe = [&](const std::string& name, const std::string& path,
+                              const std::string& ending = "\n") {
+        write(info / name,
+              "[Trash Info]\nPath=" + path + "\nDeletionDate=2026-05-01T00:00:00" + ending);
+        setAge(info / name, 7200);
+    };
+    describe("foreign.trashinfo", inCache("foreign"), "\nOf=another program\n");
+    describe("elsewhere.trashinfo", home / ".cache2/elsewhere");
+    describe("young.trashinfo", inCache("young"));
+    setAge(info / "young.trashinfo", 3599);
+    describe("folder.trashinfo", inCache("folder"));
+    fs::create_directory(homeTrash / "files/folder");
+    describe("broken.trashinfo", inCache("broken"));
+    fs::create_symlink("nowhere", homeTrash / "files/broken");
+    describe("no description", inCache("a"));
+    describe(".trashinfo", inCache("a"));
+    fs::create_symlink("no description", info / "link.trashinfo");
+    setAge(info / "link.trashinfo", 7200);
+    fs::create_directory(info / "kind.trashinfo");
+    setAge(info / "kind.trashinfo", 7200);
+    std::set<std::string> kept{"foreign.trashinfo", "elsewhere.trashinfo", "young.trashinfo",
+                               "folder.trashinfo",  "broken.trashinfo",    "no description",
+                               ".trashinfo",        "link.trashinfo",      "kind.trashinfo"};
+    kept.insert(moved);
+
+    old("next");
+    DiskCleanupPlan next = plan();
+    EXPECT_THAT(next.urls, SizeIs(20));
+    std::erase_if(next.urls,
+                  [this](const CleanupCandidate& file) { return file.path != inCache("next"); });
+    EXPECT_EQ(carryOut(next).moved, 1U);
+    kept.insert("next.trashinfo");
+    EXPECT_EQ(describedNames(), kept);
 }
 
 TEST_F(PlannedCleanUpTest, AFileWhoseDescriptionIsGoneStays) {

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
+#include <array>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <optional>
+#include <set>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -34,6 +39,22 @@ protected:
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << content;
         return path;
+    }
+
+    /// Sets when a file, or a link itself, was last written.
+    void setAge(const std::string& path, std::time_t seconds) const {
+        const auto then = static_cast<std::time_t>(clock.now().unixSeconds()) - seconds;
+        const std::array<timespec, 2> times{timespec{then, 0}, timespec{then, 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW), 0);
+    }
+
+    /// The names of all files with descriptions.
+    std::set<std::string> describedNames() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(homeTrash / "info")) {
+            names.insert(entry.path().filename());
+        }
+        return names;
     }
 
     /// A clean-up's request for a file as it is now.

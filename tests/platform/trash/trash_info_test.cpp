@@ -1,6 +1,8 @@
 #include "platform/trash/trash_info.h"
 
+#include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -65,6 +67,70 @@ TEST(TrashInfo, GivesTheDateInLocalTime) {
         const Date date = Date::fromUnixSeconds(each.unixSeconds);
         EXPECT_EQ(lineOf(trashInfoText("/a", date, each.utcOffset), "DeletionDate"), each.text);
     }
+}
+
+TEST(TrashInfo, FindsThePathInWhatItGives) {
+    std::string anyByte = "/";
+    for (int byte = 0; byte < 256; ++byte) {
+        anyByte += static_cast<char>(byte);
+    }
+    for (const std::string& path : {std::string("/a"), std::string("a b/c%20"), std::string(),
+                                    std::string("/a\nDeletionDate=2026"), anyByte}) {
+        for (const double date : {0.0, 951782400.0, 1767225599.0, 253402300799.0}) {
+            const std::string text = trashInfoText(path, Date::fromUnixSeconds(date), 0);
+            EXPECT_EQ(pathInTrashInfo(text), path);
+            for (std::size_t length = 0; length < text.size(); ++length) {
+                EXPECT_EQ(pathInTrashInfo(text.substr(0, length)), std::nullopt);
+            }
+            EXPECT_EQ(pathInTrashInfo(text + '\n'), std::nullopt);
+        }
+    }
+}
+
+TEST(TrashInfo, FindsNoPathInWhatItNeverGives) {
+    const auto text = [](const std::string& path, const std::string& date) {
+        return "[Trash Info]\nPath=" + path + "\nDeletionDate=" + date + '\n';
+    };
+    const std::string date = "2026-05-09T06:13:20";
+    ASSERT_EQ(pathInTrashInfo(text("/a", date)), "/a");
+    for (const std::string& other : {
+             "[Trash Info]\nDeletionDate=" + date + "\nPath=/a\n",
+             "[Trash Info]\r\nPath=/a\r\nDeletionDate=" + date + "\r\n",
+             "# comment\n" + text("/a", date),
+             text("/a", date) + "Other=1\n",
+             text("/a", date) + text("/a", date),
+             text("/a ", date),
+             text("/\xC3\xA9", date),
+             text("/%c3%a9", date),
+             text("/%61", date),
+             text("/a%", date),
+             text("/a%2", date),
+             text("/a%G0", date),
+             text("/a%-1", date),
+             text("/a", ""),
+             text("/a", "now"),
+             text("/a", date + "Z"),
+             text("/a", "2026-05-09 06:13:20"),
+             text("/a", "2026-5-9T6:13:20"),
+             text("/a", "2026-02-29T00:00:00"),
+             text("/a", "2026-13-01T00:00:00"),
+             text("/a", "2026-01-01T24:00:00"),
+             text("/a", "2026-01-01T00:60:00"),
+             text("/a", "2026-01-01T00:00:60"),
+             text("/a", "1969-12-31T23:59:59"),
+             text("/a", "12026-01-01T00:00:00"),
+         }) {
+        EXPECT_EQ(pathInTrashInfo(other), std::nullopt) << other;
+    }
+}
+
+TEST(TrashInfo, TellsWhatADescriptionDescribes) {
+    EXPECT_EQ(describedName(trashInfoName("a")), "a");
+    EXPECT_EQ(describedName("a.trashinfo.trashinfo"), "a.trashinfo");
+    EXPECT_EQ(describedName(".trashinfo"), "");
+    EXPECT_EQ(describedName("a.trashinf"), "");
+    EXPECT_EQ(describedName("a.trashinfo~"), "");
+    EXPECT_EQ(describedName(""), "");
 }
 
 TEST(TrashInfo, CountsNamesThatAreTaken) {
