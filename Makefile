@@ -125,6 +125,7 @@ tsan:
 	scripts/with-sanitizer-options ctest --test-dir build/tsan --output-on-failure -j $(JOBS)
 
 fleet-check: build
+	@$(BOOTSTRAP)
 	scripts/fleet-check build/release
 
 format:
