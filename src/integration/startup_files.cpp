@@ -1,5 +1,7 @@
 #include "integration/startup_files.h"
 
+#include <cstddef>
+
 #include <fmt/format.h>
 
 #include "core/text.h"
@@ -88,7 +90,24 @@ std::string autostartEntry(std::string_view application) {
 }
 
 bool isTurnedOff(std::string_view entry) {
-    return ('\n' + std::string(entry) + '\n').find("\nHidden=true\n") != std::string::npos;
+    bool isInGroup = false;
+    while (const auto line = takeLine(entry)) {
+        const std::string_view text = trimmingWhiteSpace(*line);
+        if (text.starts_with('[')) {
+            isInGroup = text == "[Desktop Entry]";
+        }
+        const std::size_t equals = text.find('=');
+        if (!isInGroup || equals == std::string_view::npos) {
+            continue;
+        }
+        const std::string_view key = trimmingWhiteSpace(text.substr(0, equals));
+        const std::string_view value = trimmingWhiteSpace(text.substr(equals + 1));
+        if ((key == "Hidden" && value == "true") ||
+            (key == "X-GNOME-Autostart-enabled" && value == "false")) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string launchAgent(std::string_view application) {

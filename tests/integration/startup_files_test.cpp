@@ -55,6 +55,21 @@ TEST(StartupFiles, APathOfAnyBytesStaysOneArgument) {
     EXPECT_THAT(autostartEntry("/a\nExec=b"), HasSubstr("\nExec=\"/a\\nExec=b\"\nTryExec=/a\\nE"));
 }
 
+TEST(StartupFiles, ADesktopTurnsAnEntryOffByAKeyOfItsGroup) {
+    const std::string entry = autostartEntry("/opt/tallowcrest");
+    for (const char* off :
+         {"Hidden=true", "Hidden = true\r\n", " X-GNOME-Autostart-enabled =false\n",
+          "\n[Other]\n[Desktop Entry]\nHidden=true\n"}) {
+        EXPECT_TRUE(isTurnedOff(entry + off)) << off;
+    }
+    for (const char* on : {"", "Hidden=false\n", "X-GNOME-Autostart-enabled=true\n",
+                           "#Hidden=true\n", "[Desktop Action a]\nHidden=true\n"}) {
+        EXPECT_FALSE(isTurnedOff(entry + on)) << on;
+    }
+    EXPECT_FALSE(isTurnedOff("Hidden=true\n")) << "in no group";
+    EXPECT_FALSE(isTurnedOff(launchAgent("/Applications/Tallowcrest Pro.app")));
+}
+
 TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
     EXPECT_EQ(macOSInstallPlan("/A%20B/T%C3%A9.app/").bundle, "/A B/Té.app");
     EXPECT_EQ(macOSInstallPlan("/plain").bundle, "/plain");
