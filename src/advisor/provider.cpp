@@ -72,9 +72,12 @@ void Provider::lookForKey() {
         if (isStored && isInsightInitial_) {
             state_.aiInsight = "Enhanced AI recommendations are ready.";
         }
-        if (const HeldRequest held = std::exchange(held_, nullptr)) {
+        const bool isWantedWithKey = std::exchange(isWantedWithKey_, false);
+        if (std::exchange(isHeld_, false)) {
             setBusy(false);
-            (this->*held)();
+            requestAIAnalysis();
+        } else if (isWantedWithKey && !dependencies_.services.confirmations.pendingConfirmation()) {
+            requestAIAnalysisWithKey();
         }
     });
 }
@@ -203,8 +206,12 @@ Outcome Provider::requestAIAnalysis() {
         return Outcome::ignored();
     }
     if (!isConnected()) {
-        return isLookingForKey_ ? hold(&Provider::requestAIAnalysis)
-                                : composeOnDeviceAnalysis(false);
+        if (!isLookingForKey_) {
+            return composeOnDeviceAnalysis(false);
+        }
+        isHeld_ = true;
+        setBusy(true, true);
+        return Outcome::asked();
     }
     if (!dependencies_.services.settings.values().aiRequirePreview) {
         return sendAIAnalysis();
@@ -214,15 +221,10 @@ Outcome Provider::requestAIAnalysis() {
 
 Outcome Provider::requestAIAnalysisWithKey() {
     if (isLookingForKey_ && !state_.aiBusy) {
-        return hold(&Provider::requestAIAnalysisWithKey);
+        isWantedWithKey_ = true;
+        return Outcome::asked();
     }
     return state_.openAIKeySaved ? requestAIAnalysis() : Outcome::ignored();
-}
-
-Outcome Provider::hold(HeldRequest request) {
-    held_ = request;
-    setBusy(true, true);
-    return Outcome::asked();
 }
 
 Outcome Provider::refuseWithoutSample() {

@@ -122,8 +122,9 @@ public:
     /// analysis is under way. While the stored key is being looked for, it is under way, and begins
     /// when the search ends.
     Outcome requestAIAnalysis();
-    /// The same if a key is believed to be stored; ignored otherwise, then perhaps only when the
-    /// search ends.
+    /// The same if a key is believed to be stored; ignored otherwise. During the search it waits
+    /// for the end of it without being under way, and nothing is asked then if an analysis is, or
+    /// if a confirmation is pending.
     Outcome requestAIAnalysisWithKey();
     /// The same without the confirmation. Ignored while an analysis is under way.
     Outcome sendAIAnalysis();
@@ -146,12 +147,9 @@ private:
     };
     /// Absent when nothing was sent, for want of a key.
     using AnalysisResult = std::optional<std::variant<AdvisorOutput, AIError>>;
-    using HeldRequest = Outcome (Provider::*)();
 
     Consent presentConsent() const;
     Outcome askForConsent();
-    /// Makes the request when the search for the stored key ends. Busy until then.
-    Outcome hold(HeldRequest request);
     void lookForKey();
     Outcome finishSavingKey(bool isSaved);
     Outcome finishRemovingKey(bool isRemoved);
@@ -173,7 +171,8 @@ private:
     std::unique_ptr<Observable> observable_;
     ProviderState state_;
     bool isLookingForKey_ = false;
-    HeldRequest held_ = nullptr;  ///< null when none waits for the search
+    bool isHeld_ = false;           ///< whether an analysis waits for the search
+    bool isWantedWithKey_ = false;  ///< whether one is wanted only if the search finds a key
     /// Whether `aiInsight` is still the one that the program begins with.
     bool isInsightInitial_ = true;
     SecretText openAIKeyInput_;

@@ -16,7 +16,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using ::testing::StartsWith;
 
 constexpr const char* notAKey = "That does not look like an OpenAI API key.";
 
@@ -72,74 +71,6 @@ TEST_F(ProviderKey, IsLookedForInTheBackground) {
     finishWork();
     EXPECT_TRUE(state().openAIKeySaved);
     EXPECT_FALSE(state().isKeyBusy);
-}
-
-/// The advisor of a start, whose search for the key has not ended.
-class ProviderStart : public ProviderKey {
-protected:
-    void start(std::optional<std::string> key) {
-        fakes.secrets->secret = std::move(key);
-        beginSearch();
-        takeSample();
-    }
-};
-
-TEST_F(ProviderStart, AnAnalysisWaitsForTheSearch) {
-    settings.set(&Settings::aiRequirePreview, false);
-    fakes.http->willSay("From far away.");
-    start("sk-stored");
-    EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
-    EXPECT_TRUE(state().aiBusy);
-    EXPECT_TRUE(state().isReadingKey);
-    EXPECT_EQ(provider().requestAIAnalysis(), Outcome::ignored());
-    EXPECT_EQ(provider().requestAIAnalysisWithKey(), Outcome::ignored());
-    EXPECT_THAT(events(), IsEmpty());
-    finishWork();
-    EXPECT_FALSE(state().aiBusy);
-    EXPECT_EQ(insight(), "From far away.");
-    EXPECT_EQ(fakes.http->sent.size(), 1U);
-}
-
-TEST_F(ProviderStart, AnAnalysisThatWaitedStillAsksFirst) {
-    start("sk-stored");
-    provider().requestAIAnalysis();
-    EXPECT_FALSE(confirmations.pendingConfirmation());
-    actions.automation.engageEmergencyStop();
-    finishWork();
-    EXPECT_FALSE(state().aiBusy);
-    ASSERT_TRUE(confirmations.pendingConfirmation());
-    EXPECT_THAT(fakes.http->sent, IsEmpty());
-}
-
-TEST_F(ProviderStart, AnAnalysisThatWaitedInVainIsThatOfThisMachine) {
-    start(std::nullopt);
-    provider().requestAIAnalysis();
-    finishWork();
-    EXPECT_FALSE(state().aiBusy);
-    EXPECT_THAT(insight(), StartsWith("On-device analysis: "));
-}
-
-TEST_F(ProviderStart, AnAnalysisThatNeedsAKeyWaitsToo) {
-    start("sk-stored");
-    EXPECT_EQ(provider().requestAIAnalysisWithKey(), Outcome::asked());
-    finishWork();
-    EXPECT_TRUE(confirmations.pendingConfirmation());
-    confirmations.cancelPending();
-    start(std::nullopt);
-    EXPECT_EQ(provider().requestAIAnalysisWithKey(), Outcome::asked());
-    finishWork();
-    EXPECT_FALSE(state().aiBusy);
-    EXPECT_FALSE(confirmations.pendingConfirmation());
-    EXPECT_THAT(insight(), StartsWith("Local recommendations are active."));
-    EXPECT_EQ(provider().requestAIAnalysisWithKey(), Outcome::ignored());
-}
-
-TEST_F(ProviderStart, AServerThatNeedsNoKeyIsAskedAtOnce) {
-    settings.set(&Settings::aiEndpoint, std::string("http://localhost:8080"));
-    start("sk-stored");
-    EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
-    EXPECT_FALSE(state().aiBusy);
-    EXPECT_TRUE(confirmations.pendingConfirmation());
 }
 
 TEST_F(ProviderKey, IsSavedTrimmedAndTheInputCleared) {
