@@ -24,12 +24,12 @@ namespace {
 QString advisorNote(SystemMonitor& monitor) {
     const QString made = u"The report is made anew when it is sent."_s;
     const auto endpoint = endpointFrom(monitor.settings().aiEndpoint);
-    const bool isKeySent =
-        endpoint && !endpoint->needsKey && monitor.advisor().provider.state().openAIKeySaved;
-    return isKeySent ? u"The saved key is sent to %1 as its key. "_s.arg(
-                           dashboard_text::text(endpoint->service)) +
-                           made
-                     : made;
+    // Whatever `openAIKeySaved` says, the key is sent if the store has one by then.
+    const bool canKeyBeSent = endpoint && !endpoint->needsKey;
+    return canKeyBeSent ? u"A saved key is sent to %1 as its key. "_s.arg(
+                              dashboard_text::text(endpoint->service)) +
+                              made
+                        : made;
 }
 
 }  // namespace

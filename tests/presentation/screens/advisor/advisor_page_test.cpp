@@ -309,13 +309,20 @@ TEST_F(AdvisorPageTest, AShownPayloadStaysWhileItIsReadOrSelected) {
 TEST_F(AdvisorPageTest, TheQuestionAboutAnotherServerSaysThatItGetsTheKey) {
     showConnected(true);
     advisor().provider.setAIEndpoint("http://localhost:8080");
-    click("ai.analyze");
-    click("confirmation.details");
-    EXPECT_EQ(textOf("confirmation.details.note"),
-              u"The saved key is sent to localhost:8080 as its key. The report is made anew when "
-              "it is sent."_s);
-    machine.monitor().confirmations().cancelPending();
-    settle();
+    for (const bool isBelievedSaved : {true, false}) {
+        if (!isBelievedSaved) {
+            advisor().provider.removeOpenAIKey();
+            finishWork();
+        }
+        ASSERT_EQ(advisor().provider.state().openAIKeySaved, isBelievedSaved);
+        click("ai.analyze");
+        click("confirmation.details");
+        EXPECT_EQ(textOf("confirmation.details.note"),
+                  u"A saved key is sent to localhost:8080 as its key. The report is made anew "
+                  "when it is sent."_s);
+        machine.monitor().confirmations().cancelPending();
+        settle();
+    }
 }
 
 TEST_F(AdvisorPageTest, TheQuestionShowsAllThatWouldBeSent) {
