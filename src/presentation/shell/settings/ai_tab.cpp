@@ -156,7 +156,8 @@ void AITab::showKey(const AITabState& state) {
     keyState_->setText(state.isKeyBusy    ? u"Waiting for the key store, which may be locked…"_s
                        : state.isKeySaved ? u"OpenAI key saved in Keychain"_s
                                           : u"No OpenAI key saved"_s);
-    setButtonEnabled(*remove_, state.isKeySaved && !state.isKeyBusy);
+    // Also without a key as far as is known: another program may have stored one meanwhile.
+    setButtonEnabled(*remove_, !state.isKeyBusy);
     setButtonEnabled(*save_, !state.isKeyBusy);
     key_->setLength(state.keyLength);
 }
