@@ -236,6 +236,7 @@ int main(int argc, char** argv) {
     occupyStandardDescriptors();
     // The window's key is in the keyring, and programs that it starts must not get this one.
     takeEnvironmentKey();
+    forbidSecretsFile();
     // A limit on file sizes then makes a save fail instead of ending the program.
     std::signal(SIGXFSZ, SIG_IGN);
     const CommandLine commandLine = readCommandLine({argv, argv + argc});

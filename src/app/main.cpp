@@ -19,6 +19,7 @@
 #include "app/http_module.h"
 #include "app/options.h"
 #include "platform/base/descriptor_setup.h"
+#include "platform/base/environment.h"
 #include "platform/host.h"
 
 // The entry program is not linked to the window's libraries: loading them alone would take more
@@ -52,6 +53,7 @@ int openWindow(char** argv) {
 int run(const std::vector<std::string>& arguments, char** argv) {
     // In each run, because programs that are started must not get it.
     auto key = takeEnvironmentKey();
+    forbidSecretsFile();
     const CommandLine commandLine = readCommandLine(arguments);
     if (commandLine.status) {
         return *commandLine.status;

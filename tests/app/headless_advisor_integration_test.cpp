@@ -1,5 +1,6 @@
 // What the program answers on the machine that the test runs on.
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "tests/platform/http/test_provider.h"
 #include "tests/support/file_text.h"
 #include "tests/support/scoped_variable.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tallowcrest {
 namespace {
@@ -111,6 +113,18 @@ TEST(HeadlessAdvisorProgram, NobodyElseCanReadTheKeyOfItsEnvironment) {
     const std::string environment = fileText("/proc/" + std::to_string(running.pid()) + "/environ");
     EXPECT_THAT(environment, HasSubstr("PATH="));
     EXPECT_THAT(environment, testing::Not(HasSubstr("sk-0123456789")));
+}
+
+TEST(HeadlessAdvisorProgram, WritesNoSecretsOfConnectionsToTheFileThatTheEnvironmentNames) {
+    const PrivateData data;
+    TestProvider provider;
+    const TemporaryFolder folder;
+    const std::string file = folder.path("secrets");
+    const std::vector<std::string> variables{"SSLKEYLOGFILE=" + file};
+    storeSetting(data, settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
+    run({"--headless", "--ask", "Why?"}, variables);
+    EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses"));
+    EXPECT_FALSE(std::filesystem::exists(file));
 }
 
 }  // namespace

@@ -21,6 +21,17 @@ TEST(HttpModule, IsLoadedWithItsLibraryByTheFirstExchange) {
     EXPECT_EQ(provider.line(), "POST /status Bearer sk-test application/json {}");
 }
 
+/// So a program removes the variable before it loads the module.
+TEST(HttpModule, OpensTheFileForSecretsOfConnectionsThatTheEnvironmentNames) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path("secrets");
+    TestProvider provider;
+    runProgram({.path = user,
+                .arguments = {provider.at("http://127.0.0.1") + "/text"},
+                .withVariables = {"SSLKEYLOGFILE=" + file}});
+    EXPECT_TRUE(std::filesystem::exists(file));
+}
+
 TEST(HttpModule, AsksTheProxyOfTheEnvironment) {
     const ProgramResult result =
         runProgram({.path = user,

@@ -15,6 +15,10 @@ std::mutex& environmentLock() {
     return lock;
 }
 
+void forbidSecretsFile() {
+    unsetenv(secretsFileVariable);
+}
+
 std::string environmentVariable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;

@@ -17,6 +17,13 @@ inline constexpr const char* activationTokenVariable = "XDG_ACTIVATION_TOKEN";
 inline constexpr const char* startupIDVariable = "DESKTOP_STARTUP_ID";
 inline constexpr std::array activationVariables{activationTokenVariable, startupIDVariable};
 
+/// The variable with the file to which libraries for TLS write the secrets of each connection.
+inline constexpr const char* secretsFileVariable = "SSLKEYLOGFILE";
+
+/// Removes `secretsFileVariable`. Main thread, before there are others: libraries read variables
+/// without `environmentLock`.
+void forbidSecretsFile();
+
 /// The value of a variable; empty when it is not set. Main thread.
 std::string environmentVariable(const char* name);
 

@@ -97,8 +97,6 @@ bool prepareCurl() {
     static std::once_flag once;
     static bool isReady = false;
     std::call_once(once, [] {
-        // The libraries would write the secrets of each TLS connection to the file that it names.
-        unsetenv("SSLKEYLOGFILE");
         // Fails where something else has used OpenSSL before. Its own memory then remains as it is.
         CRYPTO_set_mem_functions(allocateForOpenSSL, reallocateForOpenSSL, releaseForOpenSSL);
         isReady = curl_global_init_mem(CURL_GLOBAL_DEFAULT, allocate, release, reallocate,

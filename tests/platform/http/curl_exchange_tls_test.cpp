@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/base/environment.h"
 #include "platform/http/curl_exchange.h"
 #include "tests/platform/http/test_provider.h"
 #include "tests/support/scoped_variable.h"
@@ -78,6 +79,7 @@ TEST(CurlExchangeTlsSecrets, AreNotWrittenToTheFileThatTheEnvironmentNames) {
     TestProvider provider(authority.certificate(allNames));
     const TemporaryFolder folder;
     const ScopedVariable file("SSLKEYLOGFILE", folder.path("secrets"));
+    forbidSecretsFile();
     CurlExchange exchange({.certificateAuthorities = authority.path()});
     const auto reply = post(exchange, provider.at("https://localhost") + "/text");
     ASSERT_TRUE(reply);
