@@ -1,8 +1,10 @@
 #include "app/environment_key.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <span>
 #include <utility>
 
 #include "advisor/advisor_ports.h"
@@ -10,6 +12,8 @@
 #include "core/text.h"
 #include "platform/base/core_dumps.h"
 #include "platform/base/environment.h"
+
+extern char** environ;
 
 namespace tallowcrest {
 namespace {
@@ -28,19 +32,32 @@ private:
     SecretText key_;
 };
 
+/// The bytes of the value if `entry` of the environment is one of the key; empty otherwise.
+std::span<char> valueOfKey(char* entry) {
+    const std::size_t name = std::strlen(keyVariable);
+    if (std::strncmp(entry, keyVariable, name) != 0 || entry[name] != '=') {
+        return {};
+    }
+    char* const value = entry + name + 1;
+    return {value, std::strlen(value)};
+}
+
 }  // namespace
 
 EnvironmentKey takeEnvironmentKey() {
     const std::lock_guard guard(environmentLock());
-    char* const value = std::getenv(keyVariable);
-    if (value == nullptr || *value == '\0') {
-        return {};
+    SecretText key;
+    // A variable can be there several times, although the usual functions find only the first.
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        if (const auto value = valueOfKey(*entry); !value.empty()) {
+            forbidCoreDumps();
+            if (key.isEmpty()) {
+                key = SecretText(trimmingWhiteSpace({value.data(), value.size()}));
+            }
+            wipe(value);
+        }
     }
-    forbidCoreDumps();
-    const std::size_t length = std::strlen(value);
-    SecretText key(trimmingWhiteSpace({value, length}));
-    wipe({value, length});
-    unsetenv(keyVariable);
+    unsetenv(keyVariable);  // removes all of them
     if (key.isEmpty()) {
         return {};
     }

@@ -18,8 +18,8 @@ struct EnvironmentKey {
 };
 
 /// Takes the key out of the environment, so that no started program gets it and its bytes do not
-/// remain there, and trims it. White space alone counts as no key. Main thread, before there are
-/// others.
+/// remain there, and trims it. White space alone counts as no key. If the variable is there several
+/// times, all are taken out and the first key counts. Main thread, before there are others.
 EnvironmentKey takeEnvironmentKey();
 
 }  // namespace tallowcrest

@@ -2,12 +2,17 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "advisor/advisor_ports.h"
 #include "platform/base/environment.h"
 #include "tests/support/run_program.h"
+
+extern char** environ;
 
 namespace tallowcrest {
 namespace {
@@ -52,6 +57,31 @@ TEST_F(EnvironmentKeyTest, IsAbsentWithoutAValue) {
 TEST_F(EnvironmentKeyTest, IsTrimmed) {
     setenv(keyVariable, "\t sk-secret \r\n", 1);
     EXPECT_EQ(takeEnvironmentKey().store->read().value().view(), "sk-secret");
+}
+
+TEST_F(EnvironmentKeyTest, IsTakenOutAsOftenAsItIsThere) {
+    std::vector<std::string> entries{"TALLOWCREST_AI_KEY=",         "TALLOWCREST_AI_KEY= \t",
+                                     "TALLOWCREST_AI_KEYS=another", "TALLOWCREST_AI_KEY=sk-first ",
+                                     "TALLOWCREST_AI_KE=other",     "TALLOWCREST_AI_KEY=sk-second"};
+    std::vector<char*> pointers;
+    for (std::string& entry : entries) {
+        pointers.push_back(entry.data());
+    }
+    pointers.push_back(nullptr);
+    char** const before = std::exchange(environ, pointers.data());
+    const auto key = takeEnvironmentKey().store;
+    std::vector<std::string> left;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        left.emplace_back(*entry);
+    }
+    environ = before;
+    ASSERT_NE(key, nullptr);
+    EXPECT_EQ(key->read().value().view(), "sk-first");
+    EXPECT_THAT(left,
+                testing::ElementsAre("TALLOWCREST_AI_KEYS=another", "TALLOWCREST_AI_KE=other"));
+    EXPECT_EQ(entries[1], "TALLOWCREST_AI_KEY=" + std::string(2, '\0'));
+    EXPECT_EQ(entries[3], "TALLOWCREST_AI_KEY=" + std::string(9, '\0'));
+    EXPECT_EQ(entries[5], "TALLOWCREST_AI_KEY=" + std::string(9, '\0'));
 }
 
 TEST_F(EnvironmentKeyTest, OneThatCannotStandInAHeaderIsBad) {

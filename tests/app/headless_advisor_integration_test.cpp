@@ -115,6 +115,15 @@ TEST(HeadlessAdvisorProgram, NobodyElseCanReadTheKeyOfItsEnvironment) {
     EXPECT_THAT(environment, testing::Not(HasSubstr("sk-0123456789")));
 }
 
+TEST(HeadlessAdvisorProgram, TakesTheFirstOfSeveralKeys) {
+    const PrivateData data;
+    TestProvider provider;
+    storeSetting(data, settings_keys::aiEndpointKey, provider.at("http://127.0.0.1"));
+    run({"--headless", "--ask", "Why?"},
+        {"TALLOWCREST_AI_KEY=", "TALLOWCREST_AI_KEY=sk-first", "TALLOWCREST_AI_KEY=sk-second"});
+    EXPECT_THAT(provider.line(), StartsWith("POST /v1/responses Bearer sk-first application/json"));
+}
+
 TEST(HeadlessAdvisorProgram, WritesNoSecretsOfConnectionsToTheFileThatTheEnvironmentNames) {
     const PrivateData data;
     TestProvider provider;
