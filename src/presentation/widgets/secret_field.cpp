@@ -124,7 +124,7 @@ qsizetype characterCount(const QString& text) {
 bool isTyped(const QKeyEvent& event) {
     const Qt::KeyboardModifiers commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
     const QString text = event.text();
-    return !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate()) &&
+    return !text.isEmpty() && text.front().category() != QChar::Other_Control &&
            (event.modifiers() & commands) == Qt::NoModifier;
 }
 
@@ -206,7 +206,10 @@ void SecretField::keyPressEvent(QKeyEvent* event) {
     } else if (isTyped(*event)) {
         insert(event->text());
     } else if (!event->matches(QKeySequence::Undo) && !event->matches(QKeySequence::Redo)) {
-        QLineEdit::keyPressEvent(event);
+        // Without its text, which the line edit would put in for some commands and characters.
+        QKeyEvent command(event->type(), event->key(), event->modifiers());
+        QLineEdit::keyPressEvent(&command);
+        event->setAccepted(command.isAccepted());
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QKeyEvent>
 
 #include "core/secret_text.h"
 #include "tests/presentation/widget_fixture.h"
@@ -67,6 +68,25 @@ TEST_F(SecretFieldTest, IsTypedIntoAndDrawnAsDots) {
     EXPECT_FALSE(field.displayText().contains(u'b'));
     EXPECT_TRUE(field.inputMethodHints().testFlag(Qt::ImhSensitiveData));
     EXPECT_TRUE(field.inputMethodHints().testFlag(Qt::ImhNoPredictiveText));
+}
+
+TEST_F(SecretFieldTest, NoKeyPutsARealCharacterIn) {
+    const auto type = [this](const QString& text, Qt::KeyboardModifiers modifiers) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, modifiers, text);
+        QApplication::sendEvent(&field, &event);
+    };
+    for (const QString& text : {u"\u200b"_s, u"\ue000"_s, u"\U0001F511"_s, u"\u00ad"_s}) {
+        type(text, Qt::NoModifier);
+    }
+    EXPECT_EQ(content(), "\u200b\ue000\U0001F511\u00ad");
+    for (const Qt::KeyboardModifiers modifiers :
+         {Qt::KeyboardModifiers(Qt::AltModifier), Qt::KeyboardModifiers(Qt::MetaModifier),
+          Qt::ControlModifier | Qt::ShiftModifier, Qt::ControlModifier | Qt::AltModifier}) {
+        for (const QString& text : {u"\u200b"_s, u"\ue000"_s, u"x"_s, u"\t"_s, u"\u0085"_s}) {
+            type(text, modifiers);
+        }
+    }
+    EXPECT_EQ(content(), "\u200b\ue000\U0001F511\u00ad") << "a command is no text";
 }
 
 TEST_F(SecretFieldTest, CannotBeCopied) {
